@@ -1,0 +1,70 @@
+# orl_library(name ROOT folder [HEADERS dir] [PRIVATE_HEADERS dir] [SOURCES dir] [LINK_PUBLIC ...] [LINK_PRIVATE ...])
+#
+# Makes three targets from one set of objects:
+#   <name>          the shared library that ships, alias ORL::<name>
+#   <name>_objects  the objects
+#   <name>_private  a static library of the same objects, through which the tests reach private things
+# Sources are every .cpp below SOURCES (default: Src), less the folder of the other platform.
+function(orl_library name)
+  cmake_parse_arguments(arg "" "ROOT;HEADERS;PRIVATE_HEADERS;SOURCES" "LINK_PUBLIC;LINK_PRIVATE" ${ARGN})
+  set(root "${CMAKE_CURRENT_SOURCE_DIR}/${arg_ROOT}")
+  set(headers "${root}/Inc")
+  set(sources "${root}/Src")
+  if(arg_HEADERS)
+    set(headers "${root}/${arg_HEADERS}")
+  endif()
+  if(arg_SOURCES)
+    set(sources "${root}/${arg_SOURCES}")
+  endif()
+  file(GLOB_RECURSE files CONFIGURE_DEPENDS "${sources}/*.cpp")
+  if(WIN32)
+    list(FILTER files EXCLUDE REGEX "/Src/Linux/")
+  else()
+    list(FILTER files EXCLUDE REGEX "/Src/Win/")
+  endif()
+
+  set(include_dirs $<BUILD_INTERFACE:${headers}>)
+  if(arg_PRIVATE_HEADERS)
+    set(private_dir "${root}/${arg_PRIVATE_HEADERS}")
+  else()
+    set(private_dir "${sources}")
+  endif()
+
+  # The objects and the static twin link the twins of our own libraries, so a test holds one copy of everything.
+  set(own_twins "")
+  foreach(library IN LISTS arg_LINK_PUBLIC arg_LINK_PRIVATE)
+    if(TARGET ${library}_private)
+      list(APPEND own_twins ${library}_private)
+    else()
+      list(APPEND own_twins ${library})
+    endif()
+  endforeach()
+
+  add_library(${name}_objects OBJECT ${files})
+  target_include_directories(${name}_objects PUBLIC ${include_dirs} PRIVATE "${private_dir}")
+  target_include_directories(${name}_objects PRIVATE "${CMAKE_BINARY_DIR}/include")
+  target_compile_definitions(${name}_objects PRIVATE ${name}_BUILDING)
+  target_link_libraries(${name}_objects PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE} orl_strict)
+
+  add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+  add_library(ORL::${name} ALIAS ${name})
+  target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
+    $<INSTALL_INTERFACE:include/ORLFoundation>)
+  target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
+  set_target_properties(${name} PROPERTIES
+    LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+
+  add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
+  target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
+  target_link_libraries(${name}_private PUBLIC ${own_twins})
+  set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)
+  if(NOT WIN32)
+    # A host may load us at any time; fast thread-local access is worth the few bytes of static TLS it takes.
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
+endfunction()
+
+# build/include/ORLVersion.h
+function(orl_version_header)
+  configure_file("${PROJECT_SOURCE_DIR}/CMake/ORLVersion.h.in" "${CMAKE_BINARY_DIR}/include/ORLVersion.h" @ONLY)
+endfunction()

@@ -1,0 +1,47 @@
+# The platform folder, the compiler's strictness, and the packages that each platform brings.
+
+set(CMAKE_CXX_STANDARD 17 CACHE STRING "")
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+
+find_package(Threads REQUIRED)
+
+if(WIN32)
+  set(ORL_PLATFORM Win)
+  include(OrlWindowsPackages)
+else()
+  set(ORL_PLATFORM Linux)
+  find_package(Boost 1.74 REQUIRED COMPONENTS thread)
+  find_package(ICU REQUIRED COMPONENTS uc i18n)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(LIBURING REQUIRED IMPORTED_TARGET liburing)
+  set(ORL_BOOST_THREAD Boost::thread Threads::Threads)
+  set(ORL_ICU ICU::uc ICU::i18n)
+  set(ORL_URING PkgConfig::LIBURING)
+endif()
+
+# What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.
+add_library(orl_strict INTERFACE)
+target_compile_options(orl_strict INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off
+  # Reports name sources by their place in the project, the same on every machine.
+  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+  $<$<BOOL:${ORL_WARNINGS_AS_ERRORS}>:-Werror>)
+target_compile_definitions(orl_strict INTERFACE
+  BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB
+  $<$<BOOL:${WIN32}>:UNICODE;_UNICODE;NOMINMAX;WIN32_LEAN_AND_MEAN;_WIN32_WINNT=0x0A00>)
+
+if(ORL_SANITIZE)
+  add_compile_options(-fsanitize=${ORL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ORL_SANITIZE})
+endif()

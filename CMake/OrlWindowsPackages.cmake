@@ -1,0 +1,45 @@
+# What the 64-bit Windows build brings along: Boost's headers of this machine and Boost.Thread built from
+# Boost's own source (its three files for Windows), since no package carries it for this compiler.
+
+set(ORL_BOOST_SOURCE "" CACHE PATH "Folder that holds libs/thread of Boost's source package")
+
+# A folder that holds Boost's headers and nothing else of the machine's include folder.
+set(boost_include "${CMAKE_BINARY_DIR}/boost-include")
+file(MAKE_DIRECTORY "${boost_include}")
+if(NOT EXISTS "${boost_include}/boost")
+  file(CREATE_LINK /usr/include/boost "${boost_include}/boost" SYMBOLIC)
+endif()
+
+add_library(orl_boost_headers INTERFACE)
+add_library(Boost::headers ALIAS orl_boost_headers)
+target_include_directories(orl_boost_headers SYSTEM INTERFACE $<BUILD_INTERFACE:${boost_include}>)
+
+set(boost_thread_source "${ORL_BOOST_SOURCE}/libs/thread/src")
+if(NOT EXISTS "${boost_thread_source}/win32/thread.cpp")
+  message(FATAL_ERROR "ORL_BOOST_SOURCE does not hold libs/thread/src/win32/thread.cpp; Scripts/setup fetches it.")
+endif()
+add_library(orl_boost_thread SHARED
+  "${boost_thread_source}/win32/thread.cpp"
+  "${boost_thread_source}/win32/thread_primitives.cpp"
+  "${boost_thread_source}/win32/tss_dll.cpp"
+  "${boost_thread_source}/future.cpp")
+set_target_properties(orl_boost_thread PROPERTIES OUTPUT_NAME boost_thread CXX_VISIBILITY_PRESET default)
+target_compile_definitions(orl_boost_thread
+  PRIVATE BOOST_THREAD_BUILD_DLL BOOST_ALL_NO_LIB
+  INTERFACE BOOST_THREAD_USE_DLL)
+target_compile_options(orl_boost_thread PRIVATE -w)
+target_link_libraries(orl_boost_thread PUBLIC orl_boost_headers)
+set(ORL_BOOST_THREAD orl_boost_thread)
+set(ORL_ICU "")
+set(ORL_URING "")
+
+# The toolchain's runtime libraries stand beside the programs, so that these run from their folder.
+foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
+    OUTPUT_VARIABLE dll_path OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT EXISTS "${dll_path}")
+    set(dll_path "/usr/x86_64-w64-mingw32/lib/${dll}")
+  endif()
+  configure_file("${dll_path}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}" COPYONLY)
+  install(FILES "${dll_path}" DESTINATION bin)
+endforeach()

@@ -1,0 +1,12 @@
+// What each symbol of CRV is marked with so that hosts can link to it.
+#pragma once
+
+#if defined(_WIN32)
+#  if defined(CRV_BUILDING)
+#    define CRV_API __declspec(dllexport)
+#  else
+#    define CRV_API
+#  endif
+#else
+#  define CRV_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,2 @@
+#include <CRV/Config.h>
+namespace CRV { CRV_API const char* GetApplicationName(); const char* GetApplicationName() { return "ORL"; } }

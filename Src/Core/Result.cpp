@@ -1,0 +1,28 @@
+#include <ORLResult.h>
+
+namespace ORL {
+namespace Win {
+
+Result SystemErrorToORLResult(unsigned long inSystemError)
+{
+    switch (inSystemError) {
+    case 2:
+        return kFileNotFound;
+    case 3:
+        return kPathNotFound;
+    case 5:
+        return kAccessDenied;
+    case 32:
+        return kSharingViolation;
+    case 39:  // disk full, reported for a handle
+    case 112: // disk full
+        return kDiskFull;
+    case 183:
+        return kAlreadyExists;
+    default:
+        return kGeneralFailure;
+    }
+}
+
+} // namespace Win
+} // namespace ORL

@@ -1,0 +1,68 @@
+// Records every report that a check makes while the recorder lives, and answers it.
+#pragma once
+
+#include <tvxcore/Debug.h>
+#include <tvxcore/ErrorManager.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace ORLTest {
+
+struct CheckReport
+{
+    enum Kind { kAssert, kContract, kError, kDisplay };
+    Kind mKind;
+    std::string mExpression; // of a check; the ZString of an error; the title of a display
+    std::string mMessage;    // of an assertion; the text of a display
+    std::string mFile;
+    long mLine = 0; // of a check; the identifier of an error
+    std::string mFunction;
+    unsigned long mPackage = 0; // of an error
+    int mLevel = 0;             // of an error
+};
+
+/// One recorder at a time. While it lives, contract errors come back to the caller unless mThrow is set, in which
+/// case they leave as ContractError.
+class CheckRecorder : public tvxcore::config::ErrorManager
+{
+public:
+    struct ContractError
+    {
+        long mErrorID;
+    };
+
+    CheckRecorder();
+    ~CheckRecorder() override;
+
+    void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage,
+                    long inErrorID, bool, const tvxcore::config::ReplacementValue&,
+                    const tvxcore::config::ReplacementValue&, const tvxcore::config::ReplacementValue&,
+                    const tvxcore::config::ReplacementValue&) const override;
+
+    /// All reports so far, in order. Safe from any thread.
+    std::vector<CheckReport> Reports() const;
+
+    /// The reports of one kind.
+    std::vector<CheckReport> Reports(CheckReport::Kind inKind) const;
+
+    void Clear();
+
+    bool mThrow = false;          // contract errors leave as ContractError
+    bool mIgnoreForGood = false;  // the answer to an assertion
+    long mDisplayChoice = 1;      // the answer to a display
+
+private:
+    static bool OnAssert(bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*);
+    static bool OnContract(const char*, const char*, long);
+    static long OnDisplay(const char*, const char*);
+    void Add(CheckReport inReport) const;
+
+    mutable std::mutex mMutex;
+    mutable std::vector<CheckReport> mReports;
+    tvxcore::debug::Dialogs mOldDialogs;
+    tvxcore::config::ErrorManager* mOldManager;
+};
+
+} // namespace ORLTest

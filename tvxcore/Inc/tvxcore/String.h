@@ -1,0 +1,45 @@
+// The universal text types, and the one way to write a literal of 16-bit units.
+#pragma once
+
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <cstddef>
+#include <string>
+
+/// 16-bit text: units of UTF-16. A unit is unsigned short on every platform, whatever wchar_t is.
+using UTF16String = std::basic_string<unsigned short, std::char_traits<unsigned short>,
+                                      tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>;
+
+/// Bytes that hold UTF-8.
+using UTF8String = std::basic_string<unsigned char, std::char_traits<unsigned char>,
+                                     tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned char>>;
+
+namespace tvxcore {
+namespace utility {
+
+using ::UTF16String;
+using ::UTF8String;
+
+/// The units of a u"" literal, terminator included, as unsigned short.
+template <std::size_t N>
+struct UTF16Literal
+{
+    unsigned short mUnits[N];
+
+    constexpr UTF16Literal(const char16_t (&inText)[N]) : mUnits{}
+    {
+        for (std::size_t i = 0; i < N; ++i) {
+            mUnits[i] = inText[i];
+        }
+    }
+};
+
+} // namespace utility
+} // namespace tvxcore
+
+/// A zero-terminated const unsigned short* of static life for a narrow literal: TVX_UTF16("text").
+#define TVX_UTF16(text)                                                                                       \
+    ([]() noexcept -> const unsigned short* {                                                                 \
+        static constexpr ::tvxcore::utility::UTF16Literal literal{u"" text};                                  \
+        return literal.mUnits;                                                                                \
+    }())

@@ -1,0 +1,31 @@
+// Conversion, folding and formatting of text.
+#pragma once
+
+#include <tvxcore/Config.h>
+#include <tvxcore/String.h>
+
+#include <cstddef>
+
+namespace tvxcore {
+namespace utility {
+
+/// Widens an ASCII text.
+TVXCORE_API UTF16String AsciiToUTF16(const char* inText);
+
+/// UTF-8 of a text. An unpaired surrogate becomes U+FFFD; nothing is dropped and nothing throws but memory.
+TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
+TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
+
+/// UTF-16 of a text. Each maximal subpart of an ill-formed sequence becomes one U+FFFD, by the Unicode standard's
+/// recommended practice.
+TVXCORE_API UTF16String UTF8to16(const UTF8String& inText);
+
+/// Full case folding of the Unicode standard, for comparison only.
+TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
+
+/// Replaces every occurrence of inFind from left to right; what was put in is not searched again. An empty inFind
+/// changes nothing.
+TVXCORE_API void ReplaceAllStringInString(UTF16String& ioText, const UTF16String& inFind, const UTF16String& inReplace);
+
+} // namespace utility
+} // namespace tvxcore

@@ -1,0 +1,12 @@
+// What each symbol of tvxmediatypes is marked with so that hosts can link to it.
+#pragma once
+
+#if defined(_WIN32)
+#  if defined(tvxmediatypes_BUILDING)
+#    define TVXMEDIATYPES_API __declspec(dllexport)
+#  else
+#    define TVXMEDIATYPES_API
+#  endif
+#else
+#  define TVXMEDIATYPES_API __attribute__((visibility("default")))
+#endif
