@@ -1,0 +1,430 @@
+// A small benchmark harness: groups of rivals that do the same work, ours beside its peers.
+//
+// Method
+//   - Inside a group every rival runs once in each repetition, in turn, so noise of the machine hits all alike. The
+//     first one moves on by one place from repetition to repetition.
+//   - Before the first repetition each rival warms up and its operation count is chosen so that one round takes about
+//     20 ms. A round's figure is its wall time divided by its operations (with several threads: by the operations of
+//     one thread, from the common start to the end of the last thread).
+//   - 11 repetitions by default, never fewer than 9. A row shows the median, the fastest and the 90th percentile.
+//   - The ratio of ours to a peer is taken inside each repetition; what is printed and judged is the median of these
+//     ratios. The peer is the one named by the goal, else the one with the best median.
+//   - Threads stay alive for the whole group and are pinned, thread 0 (the caller) to processor 0, thread 1 to 1.
+//   - ORL_BENCH_QUICK=1 makes rounds of 1 ms and 3 repetitions: it shows that a benchmark runs, not how fast we are.
+//   - ORL_BENCH_STRICT=1 makes Finish() return 1 when a goal was missed.
+//   - The first argument of a program, if there is one, selects the groups whose title contains it.
+//
+// Example
+//   int main(int argc, char** argv)
+//   {
+//       Bench::Start(argc, argv);
+//       Bench::Group("lock and unlock, uncontended")
+//           .Ours("CriticalSection", Bench::AtMost(0.85), [&](std::uint64_t n) { while (n-- != 0) { a.Lock(); a.Unlock(); } })
+//           .Peer("std::recursive_mutex", [&](std::uint64_t n) { while (n-- != 0) { b.lock(); b.unlock(); } })
+//           .Run();
+//       Bench::Group("lock and unlock, two threads").Threads(2)
+//           .Ours("...", Bench::AtMost(1.1, "boost"), [&](std::uint64_t n, unsigned thread) { ... })  // against one named peer
+//           .Peer("boost", ...)
+//           .Run();
+//       return Bench::Finish();
+//   }
+//
+// A body gets the number of operations to do and, if it takes a second argument, its thread's number. A body that
+// returns a double gives the round's figure itself (its own clock, MB/s, processor time); Unit() names it then.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <pthread.h>
+#include <sched.h>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Bench {
+
+/// Keeps the compiler from dropping the computation of a value.
+template <class T>
+inline void DoNotOptimize(T const& inValue)
+{
+    __asm__ volatile("" : : "r,m"(inValue) : "memory");
+}
+
+/// Keeps the compiler from keeping memory in registers across this point.
+inline void ClobberMemory()
+{
+    __asm__ volatile("" : : : "memory");
+}
+
+/// Binds the calling thread to one processor, counted modulo those there are. Best effort.
+inline void PinThread(unsigned inProcessor)
+{
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    CPU_SET(inProcessor % std::max(1u, std::thread::hardware_concurrency()), &set);
+    ::pthread_setaffinity_np(::pthread_self(), sizeof(set), &set);
+}
+
+inline bool IsQuick()
+{
+    static const bool quick = std::getenv("ORL_BENCH_QUICK") != nullptr;
+    return quick;
+}
+
+inline double NowInNanoseconds()
+{
+    using namespace std::chrono;
+    return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
+}
+
+/// What ours has to reach: a ratio to a peer. An empty name means the best peer.
+struct Goal
+{
+    double mRatio;
+    bool mAtMost;
+    std::string mPeer;
+};
+
+inline Goal AtMost(double inRatio, std::string inPeer = std::string())
+{
+    return Goal{inRatio, true, std::move(inPeer)};
+}
+
+inline Goal AtLeast(double inRatio, std::string inPeer = std::string())
+{
+    return Goal{inRatio, false, std::move(inPeer)};
+}
+
+namespace Detail {
+
+struct State
+{
+    std::string mFilter;
+    int mGoals = 0;
+    int mMet = 0;
+};
+
+inline State& TheState()
+{
+    static State state;
+    return state;
+}
+
+// One round's share of one thread. The result counts only for bodies that give their own figure.
+using Body = std::function<double(std::uint64_t inOperations, unsigned inThread)>;
+
+template <class Function, class... Arguments>
+double Call(Function& inFunction, Arguments... inArguments)
+{
+    if constexpr (std::is_convertible_v<std::invoke_result_t<Function&, Arguments...>, double>) {
+        return static_cast<double>(inFunction(inArguments...));
+    } else {
+        inFunction(inArguments...);
+        return 0;
+    }
+}
+
+template <class Function>
+constexpr bool GivesFigure()
+{
+    if constexpr (std::is_invocable_v<Function&, std::uint64_t, unsigned>) {
+        return std::is_convertible_v<std::invoke_result_t<Function&, std::uint64_t, unsigned>, double>;
+    } else {
+        return std::is_convertible_v<std::invoke_result_t<Function&, std::uint64_t>, double>;
+    }
+}
+
+template <class Function>
+Body MakeBody(Function inFunction)
+{
+    return [function = std::move(inFunction)](std::uint64_t inOperations, unsigned inThread) mutable {
+        if constexpr (std::is_invocable_v<Function&, std::uint64_t, unsigned>) {
+            return Call(function, inOperations, inThread);
+        } else {
+            (void)inThread;
+            return Call(function, inOperations);
+        }
+    };
+}
+
+// Helper threads that spin between rounds, so that starting a round costs no wake.
+class Crew
+{
+public:
+    explicit Crew(unsigned inThreads) : mHelpers(inThreads - 1)
+    {
+        PinThread(0);
+        for (unsigned i = 1; i < inThreads; ++i) {
+            mThreads.emplace_back([this, i] { Help(i); });
+        }
+    }
+
+    ~Crew()
+    {
+        mBody = nullptr;
+        mRound.fetch_add(1);
+        for (std::thread& thread : mThreads) {
+            thread.join();
+        }
+    }
+
+    /// Runs the body once on every thread and gives the wall time, or the figure of thread 0's body.
+    double Run(const Body& inBody, std::uint64_t inOperations, bool inGivesFigure)
+    {
+        mBody = &inBody;
+        mOperations = inOperations;
+        mDone.store(0);
+        const double start = NowInNanoseconds();
+        mRound.fetch_add(1);
+        const double figure = inBody(inOperations, 0);
+        while (mDone.load() != mHelpers) {
+            Relax();
+        }
+        return inGivesFigure ? figure : NowInNanoseconds() - start;
+    }
+
+private:
+    void Help(unsigned inThread)
+    {
+        PinThread(inThread);
+        for (std::uint64_t round = 1;; ++round) {
+            while (mRound.load() < round) {
+                Relax();
+            }
+            if (mBody == nullptr) {
+                return;
+            }
+            (*mBody)(mOperations, inThread);
+            mDone.fetch_add(1);
+        }
+    }
+
+    // On a machine with fewer processors than threads a spin would starve the one it waits for.
+    static void Relax()
+    {
+        if (std::thread::hardware_concurrency() < 2) {
+            std::this_thread::yield();
+        }
+        __asm__ volatile("pause");
+    }
+
+    const unsigned mHelpers;
+    std::vector<std::thread> mThreads;
+    std::atomic<std::uint64_t> mRound{0};
+    std::atomic<unsigned> mDone{0};
+    const Body* mBody = nullptr;
+    std::uint64_t mOperations = 0;
+};
+
+inline double Percentile(std::vector<double> inValues, double inShare)
+{
+    std::sort(inValues.begin(), inValues.end());
+    return inValues[static_cast<std::size_t>(inShare * static_cast<double>(inValues.size() - 1) + 0.5)];
+}
+
+} // namespace Detail
+
+/// Reads the program's arguments. Call it first.
+inline void Start(int inCount, char** inArguments)
+{
+    Detail::TheState().mFilter = inCount > 1 ? inArguments[1] : "";
+    if (IsQuick()) {
+        std::printf("Quick rounds: these figures show that the benchmark runs, no more.\n");
+    }
+}
+
+/// Prints how many goals were met, and gives main's result.
+inline int Finish()
+{
+    const Detail::State& state = Detail::TheState();
+    std::printf("\n%d of %d goals met\n", state.mMet, state.mGoals);
+    return std::getenv("ORL_BENCH_STRICT") != nullptr && state.mMet != state.mGoals ? 1 : 0;
+}
+
+/// Rivals that do the same work. Configure, add rivals, then Run().
+class Group
+{
+public:
+    explicit Group(std::string inTitle) : mTitle(std::move(inTitle)) {}
+
+    /// How many threads run each body at once; 1 by default.
+    Group& Threads(unsigned inCount) { mThreads = inCount; return *this; }
+
+    /// Operation counts are multiples of this (a batch size, for instance).
+    Group& Step(std::uint64_t inStep) { mStep = inStep; return *this; }
+
+    /// A fixed number of operations for each round instead of one fitted to the clock.
+    Group& Operations(std::uint64_t inOperations) { mFixedOperations = inOperations; return *this; }
+
+    /// Repetitions; fewer than 9 are raised to 9.
+    Group& Repetitions(unsigned inCount) { mRepetitions = std::max(9u, inCount); return *this; }
+
+    /// The name of the figure, and whether more of it is better. "ns" and less by default.
+    Group& Unit(std::string inUnit, bool inMoreIsBetter = false)
+    {
+        mUnit = std::move(inUnit);
+        mMoreIsBetter = inMoreIsBetter;
+        return *this;
+    }
+
+    template <class Function>
+    Group& Peer(std::string inName, Function inBody)
+    {
+        return Add(std::move(inName), std::move(inBody), false, Goal{});
+    }
+
+    /// A row of ours. One group may hold several (with different goals, or none when the ratio is 0).
+    template <class Function>
+    Group& Ours(std::string inName, Goal inGoal, Function inBody)
+    {
+        return Add(std::move(inName), std::move(inBody), true, std::move(inGoal));
+    }
+
+    void Run()
+    {
+        if (mTitle.find(Detail::TheState().mFilter) == std::string::npos) {
+            return;
+        }
+        {
+            Detail::Crew crew(mThreads);
+            for (Rival& rival : mRivals) {
+                Calibrate(crew, rival);
+            }
+            Measure(crew);
+        }
+        Print();
+    }
+
+private:
+    struct Rival
+    {
+        std::string mName;
+        Detail::Body mBody;
+        bool mGivesFigure = false;
+        bool mIsOurs = false;
+        Goal mGoal{};
+        std::uint64_t mOperations = 0;
+        std::vector<double> mFigures;
+    };
+
+    template <class Function>
+    Group& Add(std::string inName, Function inBody, bool inIsOurs, Goal inGoal)
+    {
+        Rival rival;
+        rival.mName = std::move(inName);
+        rival.mGivesFigure = Detail::GivesFigure<Function>();
+        rival.mBody = Detail::MakeBody(std::move(inBody));
+        rival.mIsOurs = inIsOurs;
+        rival.mGoal = std::move(inGoal);
+        mRivals.push_back(std::move(rival));
+        return *this;
+    }
+
+    // Doubles the count until a round is long enough to judge, which warms up too.
+    void Calibrate(Detail::Crew& inCrew, Rival& ioRival)
+    {
+        const double wanted = IsQuick() ? 1e6 : 20e6;
+        std::uint64_t count = mFixedOperations != 0 ? mFixedOperations : mStep;
+        for (;;) {
+            const double start = NowInNanoseconds();
+            inCrew.Run(ioRival.mBody, count, false);
+            const double spent = std::max(1.0, NowInNanoseconds() - start);
+            if (mFixedOperations != 0) {
+                break;
+            }
+            if (spent >= wanted / 8) {
+                const double fitted = static_cast<double>(count) * wanted / spent / static_cast<double>(mStep);
+                count = mStep * std::max<std::uint64_t>(1, static_cast<std::uint64_t>(fitted));
+                break;
+            }
+            count *= 2;
+        }
+        ioRival.mOperations = count;
+    }
+
+    void Measure(Detail::Crew& inCrew)
+    {
+        const std::size_t repetitions = IsQuick() ? 3 : mRepetitions;
+        for (std::size_t repetition = 0; repetition < repetitions; ++repetition) {
+            for (std::size_t i = 0; i < mRivals.size(); ++i) {
+                Rival& rival = mRivals[(repetition + i) % mRivals.size()];
+                const double figure = inCrew.Run(rival.mBody, rival.mOperations, rival.mGivesFigure);
+                rival.mFigures.push_back(rival.mGivesFigure ? figure
+                                                            : figure / static_cast<double>(rival.mOperations));
+            }
+        }
+    }
+
+    static double Median(const Rival& inRival) { return Detail::Percentile(inRival.mFigures, 0.5); }
+
+    const Rival* PeerOf(const Goal& inGoal) const
+    {
+        const Rival* best = nullptr;
+        for (const Rival& rival : mRivals) {
+            const bool fits = inGoal.mPeer.empty() ? !rival.mIsOurs : rival.mName == inGoal.mPeer;
+            if (fits && (best == nullptr || (Median(rival) < Median(*best)) != mMoreIsBetter)) {
+                best = &rival;
+            }
+        }
+        return best;
+    }
+
+    static double Ratio(const Rival& inOurs, const Rival& inPeer)
+    {
+        std::vector<double> ratios;
+        for (std::size_t i = 0; i < inOurs.mFigures.size(); ++i) {
+            ratios.push_back(inOurs.mFigures[i] / inPeer.mFigures[i]);
+        }
+        return Detail::Percentile(ratios, 0.5);
+    }
+
+    void Print() const
+    {
+        std::printf("\n%s (%s, median [min..p90] of %zu)\n", mTitle.c_str(), mUnit.c_str(),
+                    mRivals.empty() ? 0 : mRivals.front().mFigures.size());
+        for (const Rival& rival : mRivals) {
+            std::printf("  %-34s %9.4g [%.4g..%.4g]", rival.mName.c_str(), Median(rival),
+                        Detail::Percentile(rival.mFigures, 0.0), Detail::Percentile(rival.mFigures, 0.9));
+            PrintGoal(rival);
+            std::printf("\n");
+        }
+        std::fflush(stdout);
+    }
+
+    void PrintGoal(const Rival& inRival) const
+    {
+        const Rival* peer = inRival.mIsOurs ? PeerOf(inRival.mGoal) : nullptr;
+        if (peer == nullptr) {
+            return;
+        }
+        const double ratio = Ratio(inRival, *peer);
+        std::printf("  %.2f of %s", ratio, peer->mName.c_str());
+        if (inRival.mGoal.mRatio > 0) {
+            const bool met = inRival.mGoal.mAtMost ? ratio <= inRival.mGoal.mRatio : ratio >= inRival.mGoal.mRatio;
+            std::printf(", goal at %s %.2f: %s", inRival.mGoal.mAtMost ? "most" : "least", inRival.mGoal.mRatio,
+                        met ? "met" : "MISSED");
+            ++Detail::TheState().mGoals;
+            Detail::TheState().mMet += met ? 1 : 0;
+        }
+    }
+
+    std::string mTitle;
+    std::string mUnit = "ns";
+    bool mMoreIsBetter = false;
+    unsigned mThreads = 1;
+    unsigned mRepetitions = 11;
+    std::uint64_t mStep = 1;
+    std::uint64_t mFixedOperations = 0;
+    std::vector<Rival> mRivals;
+};
+
+} // namespace Bench
