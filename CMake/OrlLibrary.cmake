@@ -1,7 +1,7 @@
 # orl_library(name ROOT folder [HEADERS dir] [PRIVATE_HEADERS dir] [SOURCES dir] [LINK_PUBLIC ...] [LINK_PRIVATE ...])
 #
 # Makes three targets from one set of objects:
-#   <name>          the shared library that ships, alias ORL::<name>
+#   <name>          the shared library that ships, exported as ORL::<name>; ORLFoundation as ORL::Foundation
 #   <name>_objects  the objects
 #   <name>_private  a static library of the same objects, through which the tests reach private things
 # Sources are every .cpp below SOURCES (default: Src), less the folder of the other platform.
@@ -47,19 +47,19 @@ function(orl_library name)
   target_link_libraries(${name}_objects PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE} orl_strict)
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
-  add_library(ORL::${name} ALIAS ${name})
+  string(REGEX REPLACE "^ORL" "" exported_name ${name})
+  add_library(ORL::${exported_name} ALIAS ${name})
   target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
     $<INSTALL_INTERFACE:include/ORLFoundation>)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
-    LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
   target_link_libraries(${name}_private PUBLIC ${own_twins})
   set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)
   if(NOT WIN32)
-    # A host may load us at any time; fast thread-local access is worth the few bytes of static TLS it takes.
     target_link_options(${name} PRIVATE -Wl,--no-undefined)
   endif()
 endfunction()

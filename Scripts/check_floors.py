@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""Checks the house rules that can be read off the includes.
+
+Floors: includes run downwards only. A source belongs to the floor of its folder, a header of API/Inc or Inc to the
+floor that its first line names ("// Floor: Threads").
+Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
+Tools and examples: public headers alone.
+Prints one line for each fault; exit code 1 if there is any.
+"""
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+
+# Higher floors may include lower ones. Media stands beside Threads and sees only Strings and below.
+RANK = {"Platform": 0, "Core": 1, "Memory": 2, "Objects": 3, "Strings": 4, "Threads": 5, "Media": 5, "Files": 6,
+        "System": 7, "Diagnostics": 8, "Foundation": 9}
+
+OS_HEADER = re.compile(
+    r"^(windows|winsock2?|ws2tcpip|shlobj|shlwapi|shellapi|objbase|winternl|psapi|tlhelp32|bcrypt|ntsecapi|process|io|"
+    r"conio|direct|unistd|fcntl|pthread|sched|dlfcn|dirent|liburing|poll|termios|syslog|pwd|grp|ftw|"
+    r"semaphore|signal|ucontext|execinfo|link|elf|spawn|wchar_t)\.h$|^(sys|linux|asm|bits|X11)/", re.IGNORECASE)
+CONDITION = re.compile(r"^\s*#\s*(?:if|ifdef|ifndef|elif)\b.*\b(?:_WIN32|_WIN64|__linux__|__MINGW\w*|__unix__)\b")
+INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^">]+)[">]')
+FLOOR = re.compile(r"^// Floor: (\w+)\s*$")
+
+
+def sources(*patterns):
+    for pattern in patterns:
+        for path in sorted(ROOT.glob(pattern)):
+            if path.suffix in (".h", ".cpp"):
+                yield path
+
+
+def includes(path):
+    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+        match = INCLUDE.match(line)
+        if match:
+            yield number, match.group(1)
+
+
+def is_platform_file(path):
+    parts = path.relative_to(ROOT).parts
+    return "Linux" in parts or "Win" in parts or re.search(r"(^|[a-z])(Linux|Win)[A-Z]?\w*\.(h|cpp)$", path.name) \
+        or path.name.startswith(("Linux", "Win"))
+
+
+def header_floors(faults):
+    floors = {}
+    for base in ("API/Inc", "Inc"):
+        for path in sources(f"{base}/**/*.h"):
+            lines = path.read_text(encoding="utf-8").splitlines()
+            match = FLOOR.match(lines[0]) if lines else None
+            name = path.relative_to(ROOT / base).as_posix()
+            if not match or match.group(1) not in RANK:
+                faults.append(f"{path.relative_to(ROOT)}:1: the first line names no floor")
+                continue
+            floors[name] = match.group(1)
+    return floors
+
+
+def floor_of(path, floors):
+    relative = path.relative_to(ROOT)
+    if relative.parts[0] == "Src":
+        return relative.parts[1] if len(relative.parts) > 2 and relative.parts[1] in RANK else None
+    base = "API/Inc" if relative.parts[0] == "API" else "Inc"
+    return floors.get(path.relative_to(ROOT / base).as_posix())
+
+
+def may_include(upper, lower):
+    if upper == lower:
+        return True
+    return RANK[lower] < RANK[upper]
+
+
+def check_floors(floors, faults):
+    for path in sources("API/Inc/**/*.h", "Inc/**/*.h", "Src/**/*.cpp", "Src/**/*.h"):
+        if is_platform_file(path):
+            continue
+        floor = floor_of(path, floors)
+        if floor is None:
+            continue
+        for number, name in includes(path):
+            lower = floors.get(name)
+            if lower is not None and not may_include(floor, lower):
+                faults.append(f"{path.relative_to(ROOT)}:{number}: floor {floor} includes {name} of floor {lower}")
+
+
+def check_seam(faults):
+    for path in sources("API/**/*", "Inc/**/*", "Src/**/*", "tvxcore/**/*", "tvxmediatypes/**/*", "CRV/**/*",
+                        "Tools/**/*", "Examples/**/*"):
+        if is_platform_file(path) or path.name.endswith("Config.h"):
+            continue
+        for number, name in includes(path):
+            if OS_HEADER.search(name):
+                faults.append(f"{path.relative_to(ROOT)}:{number}: system header {name} outside the platform folders")
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            if CONDITION.match(line):
+                faults.append(f"{path.relative_to(ROOT)}:{number}: platform condition outside the platform folders")
+
+
+def check_hosts(faults):
+    private = {path.relative_to(ROOT / "Inc").as_posix() for path in sources("Inc/**/*.h")}
+    for path in sources("Tools/**/*", "Examples/**/*"):
+        for number, name in includes(path):
+            if name in private:
+                faults.append(f"{path.relative_to(ROOT)}:{number}: a host includes the private header {name}")
+
+
+def main():
+    faults = []
+    floors = header_floors(faults)
+    check_floors(floors, faults)
+    check_seam(faults)
+    check_hosts(faults)
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

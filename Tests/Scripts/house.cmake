@@ -1,0 +1,14 @@
+# The rules of the house that a script can read off the tree, and each public header compiled alone.
+if(NOT WIN32 AND NOT ORL_SANITIZE)
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
+  add_test(NAME House.IncludesRunDownwards COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_floors.py")
+  set_tests_properties(House.IncludesRunDownwards PROPERTIES TIMEOUT 60)
+  foreach(compiler g++ clang++)
+    foreach(standard c++17 c++20)
+      set(name "House.HeadersCompileAlone.${compiler}.${standard}")
+      add_test(NAME ${name} COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_headers.py"
+        ${compiler} ${standard} "${CMAKE_BINARY_DIR}/include")
+      set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+    endforeach()
+  endforeach()
+endif()
