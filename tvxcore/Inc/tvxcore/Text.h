@@ -15,10 +15,12 @@ TVXCORE_API UTF16String AsciiToUTF16(const char* inText);
 /// UTF-8 of a text. An unpaired surrogate becomes U+FFFD; nothing is dropped and nothing throws but memory.
 TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
+TVXCORE_API UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength);
 
 /// UTF-16 of a text. Each maximal subpart of an ill-formed sequence becomes one U+FFFD, by the Unicode standard's
 /// recommended practice.
 TVXCORE_API UTF16String UTF8to16(const UTF8String& inText);
+TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength);
 
 /// Full case folding of the Unicode standard, for comparison only.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);

@@ -1,0 +1,34 @@
+// Floor: Strings
+// A plain zero-terminated 16-bit string, for interfaces that trade in the platform's own string class.
+#pragma once
+
+#include <ORLConfig.h>
+
+#include <tvxcore/String.h>
+
+#include <cstddef>
+
+namespace ORL {
+
+/// Owns one zero-terminated 16-bit text. A value: copies are deep, and a copy is as thread-safe as any value.
+class CString
+{
+public:
+    CString() = default;
+
+    /// Copies the text up to its first zero unit. inText must not be null.
+    explicit CString(const unsigned short* inText) : mText(inText) {}
+
+    /// The text, never null; valid until the object changes or goes.
+    const unsigned short* GetString() const noexcept { return mText.c_str(); }
+    operator const unsigned short*() const noexcept { return mText.c_str(); }
+
+    /// Units before the terminating zero.
+    std::size_t GetLength() const noexcept { return mText.size(); }
+    bool IsEmpty() const noexcept { return mText.empty(); }
+
+private:
+    UTF16String mText;
+};
+
+} // namespace ORL

@@ -1,0 +1,72 @@
+#include <ORLString.h>
+
+#include <tvxcore/Text.h>
+
+#include <cstring>
+
+namespace ORL {
+
+UTF16String MakeString(const char* inText)
+{
+    return tvxcore::utility::UTF8to16(reinterpret_cast<const unsigned char*>(inText), std::strlen(inText));
+}
+
+UTF16String MakeString(const unsigned char* inText)
+{
+    return MakeString(reinterpret_cast<const char*>(inText));
+}
+
+UTF16String MakeString(const std::string& inText)
+{
+    return MakeString(inText.c_str());
+}
+
+UTF16String MakeString(const UTF8String& inText)
+{
+    return tvxcore::utility::UTF8to16(inText);
+}
+
+UTF16String MakeString(const unsigned short* inText)
+{
+    return UTF16String(inText);
+}
+
+UTF16String MakeString(const CString& inText)
+{
+    return UTF16String(inText.GetString());
+}
+
+UTF16String MakeStringFromWchar(const unsigned short* inText)
+{
+    return tvxcore::utility::WcharToUTF16(inText);
+}
+
+std::string MakeStdString(const UTF16String& inText)
+{
+    const UTF8String encoded = tvxcore::utility::UTF16to8(inText);
+    return std::string(encoded.begin(), encoded.end());
+}
+
+CString MakeCString(const UTF16String& inText)
+{
+    return CString(inText.c_str());
+}
+
+} // namespace ORL
+
+namespace tvxcore {
+namespace utility {
+
+UTF16String WcharToUTF16(const unsigned short* inText)
+{
+    return UTF16String(inText);
+}
+
+std::basic_string<unsigned short, std::char_traits<unsigned short>, std::allocator<unsigned short>>
+UTF16ToWstring(const UTF16String& inText)
+{
+    return {inText.data(), inText.size()};
+}
+
+} // namespace utility
+} // namespace tvxcore
