@@ -1,0 +1,84 @@
+// Floor: Core
+// The one lock of the library, and its two scoped companions.
+//
+//   CriticalSectionLock lock(mLock);          held until the end of the scope
+//   CriticalSectionTryLock attempt(mLock);    held until the end of the scope when attempt.IsLocked()
+#pragma once
+
+#include <ORLConfig.h>
+
+namespace ORL {
+
+/// A recursive lock: the thread that holds it may take it again, and owes one Unlock for each Lock. No ordering or
+/// fairness between waiting threads is promised. What one holder wrote is visible to the next.
+///
+/// Every operation may be called from any thread. The operations are const, so that a const object can be guarded by
+/// a lock it is only shown. Unlock by a thread that does not hold the lock, and destruction while it is held, are
+/// undefined. Threads that are waiting sleep; they do not burn a processor.
+class ORL_API CriticalSection
+{
+public:
+    CriticalSection();
+    ~CriticalSection();
+
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+
+    void Lock() const;
+    void Unlock() const;
+
+    /// Takes the lock if that needs no waiting. True when the lock was taken; Unlock is then owed.
+    bool TryLock() const;
+
+private:
+    // Room for the lock of either platform, whose own type stays out of this header.
+    alignas(8) mutable unsigned char mPlatformLock[40];
+    void* mWord;
+};
+
+/// Holds a section from construction to destruction.
+class CriticalSectionLock
+{
+public:
+    explicit CriticalSectionLock(const CriticalSection& inSection) : mSection(&inSection) { mSection->Lock(); }
+
+    /// The same; the text is for the reader of the code.
+    CriticalSectionLock(const CriticalSection& inSection, const char*) : CriticalSectionLock(inSection) {}
+
+    ~CriticalSectionLock() { mSection->Unlock(); }
+
+    CriticalSectionLock(const CriticalSectionLock&) = delete;
+    CriticalSectionLock& operator=(const CriticalSectionLock&) = delete;
+
+private:
+    const CriticalSection* mSection;
+};
+
+/// Tries once to take a section, and gives it back at destruction if the try succeeded.
+class CriticalSectionTryLock
+{
+public:
+    explicit CriticalSectionTryLock(const CriticalSection& inSection)
+        : mSection(&inSection), mIsLocked(inSection.TryLock())
+    {
+    }
+
+    ~CriticalSectionTryLock()
+    {
+        if (mIsLocked) {
+            mSection->Unlock();
+        }
+    }
+
+    CriticalSectionTryLock(const CriticalSectionTryLock&) = delete;
+    CriticalSectionTryLock& operator=(const CriticalSectionTryLock&) = delete;
+
+    /// Whether the one try took the section.
+    bool IsLocked() const { return mIsLocked; }
+
+private:
+    const CriticalSection* mSection;
+    bool mIsLocked;
+};
+
+} // namespace ORL

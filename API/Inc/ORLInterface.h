@@ -1,0 +1,200 @@
+// Floor: Objects
+// Objects that count their owners themselves, the references that own them, and the interfaces they answer for.
+//
+// A concrete class derives from UnknownImpl and is held by InterfaceRef:
+//
+//   class Work : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest> { void Process() override; };
+//   InterfaceRef<IThreadedQueueRequest, IThreadedQueueRequest> work(new Work);
+#pragma once
+
+#include <ORLAtomic.h>
+#include <ORLDebug.h>
+#include <ORLException.h>
+#include <ORLResult.h>
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace tvxcore {
+namespace utility {
+class Guid;
+} // namespace utility
+} // namespace tvxcore
+
+namespace ORL {
+
+using tvxcore::utility::Guid;
+
+/// An interface identifier as the two 64-bit little-endian words of its Guid.
+struct InterfaceID
+{
+    std::uint64_t mFirst;
+    std::uint64_t mSecond;
+
+    /// True when the 16 bytes of inGuid are these two words.
+    bool IsSameAs(const Guid& inGuid) const noexcept
+    {
+        std::uint64_t words[2];
+        std::memcpy(words, static_cast<const void*>(&inGuid), sizeof(words));
+        return words[0] == mFirst && words[1] == mSecond;
+    }
+};
+
+inline constexpr InterfaceID kInterfaceID_ORLUnknown{0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u};
+inline constexpr InterfaceID kInterfaceID_ThreadedWorkQueue{0x424584A420974874u, 0x998149164AB27293u};
+inline constexpr InterfaceID kInterfaceID_ThreadedWorkQueueFlush{0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u};
+inline constexpr InterfaceID kInterfaceID_IThreadedQueueRequest{0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u};
+
+/// Root interface of the class system. The order of the operations is fixed; an interface adds its own behind them,
+/// and names its identifier in a constant kInterfaceID.
+class ORL_API ORLUnknown
+{
+public:
+    static constexpr InterfaceID kInterfaceID = kInterfaceID_ORLUnknown;
+
+    /// Adds one owner. A new object has none.
+    virtual void AddRef() = 0;
+
+    /// Takes one owner away. The last one deletes the object.
+    virtual void Release() = 0;
+
+    virtual ~ORLUnknown();
+
+    /// Stores the object as the wanted interface, with one owner counted for the caller, and gives kSuccess. Otherwise
+    /// stores null and gives kNoSuchInterface.
+    virtual Result QueryInterface(const Guid& inInterfaceID, void** outInterface) = 0;
+
+protected:
+    ORLUnknown() = default;
+    ORLUnknown(const ORLUnknown&) = default;
+    ORLUnknown& operator=(const ORLUnknown&) = default;
+};
+
+/// Owns one count of the object it points to, or points to nothing. Base is the root interface of T, through which
+/// the count is changed: ORLUnknown for classes of the class system, T itself for a lone interface.
+///
+/// The count may be changed from any thread. One InterfaceRef itself is a plain member: assigning it while another
+/// thread uses it needs a lock.
+template <class T, class Base = ORLUnknown>
+class InterfaceRef
+{
+public:
+    InterfaceRef() noexcept : mIPtr(nullptr) {}
+
+    /// Counts one owner when inPtr is not null.
+    InterfaceRef(T* inPtr) : mIPtr(inPtr) { AddRef(mIPtr); }
+
+    InterfaceRef(const InterfaceRef& inOther) : InterfaceRef(inOther.mIPtr) {}
+
+    /// Takes the other's count and leaves it null.
+    InterfaceRef(InterfaceRef&& ioOther) noexcept : mIPtr(std::exchange(ioOther.mIPtr, nullptr)) {}
+
+    ~InterfaceRef() { Release(mIPtr); }
+
+    /// The new object is counted before the old one is released, so assigning a reference to itself is safe.
+    InterfaceRef& operator=(const InterfaceRef& inOther)
+    {
+        AddRef(inOther.mIPtr);
+        Release(std::exchange(mIPtr, inOther.mIPtr));
+        return *this;
+    }
+
+    InterfaceRef& operator=(InterfaceRef&& ioOther) noexcept
+    {
+        InterfaceRef(std::move(ioOther)).Swap(*this);
+        return *this;
+    }
+
+    void Swap(InterfaceRef& ioOther) noexcept { std::swap(mIPtr, ioOther.mIPtr); }
+
+    /// The object. A null reference is reported, and then NullInterfaceException leaves.
+    T* operator->() const
+    {
+        if (__builtin_expect(mIPtr == nullptr, 0)) {
+            FailOnNull();
+        }
+        return mIPtr;
+    }
+
+    /// The object or null, without a check.
+    T* GetPtr() const noexcept { return mIPtr; }
+
+    explicit operator bool() const noexcept { return mIPtr != nullptr; }
+
+private:
+    static void AddRef(T* inPtr)
+    {
+        if (inPtr != nullptr) {
+            static_cast<Base*>(inPtr)->AddRef();
+        }
+    }
+
+    static void Release(T* inPtr)
+    {
+        if (inPtr != nullptr) {
+            static_cast<Base*>(inPtr)->Release();
+        }
+    }
+
+    [[noreturn]] __attribute__((noinline, cold)) void FailOnNull() const
+    {
+        ORL_ASSERT_MESSAGE_AT(mIPtr != nullptr, "mIPtr != NULL", "Attempt to use a NULL InterfaceRef\r\n",
+                              "ORLInterface", 359, "ORL::InterfaceRef::operator->");
+        throw NullInterfaceException();
+    }
+
+    T* mIPtr;
+};
+
+/// What a concrete class needs to be counted and asked. Base is the interface that it extends, or ORLUnknown; Answers
+/// are the classes and interfaces it answers QueryInterface for, itself first. Each names its kInterfaceID. ORLUnknown
+/// is answered last, without being listed. The count stands right behind the table of virtual functions and starts at
+/// 0.
+///
+/// All of them must share one address with the object, so a class has one chain of interfaces above it.
+template <class Base, class... Answers>
+class UnknownImpl : public Base
+{
+public:
+    void AddRef() override { AtomicIncrement(mRefCount); }
+
+    void Release() override
+    {
+        if (AtomicDecrement(mRefCount) == 0) {
+            delete this;
+        }
+    }
+
+    Result QueryInterface(const Guid& inInterfaceID, void** outInterface) override
+    {
+        const bool isOwn = (Answers::kInterfaceID.IsSameAs(inInterfaceID) || ...);
+        *outInterface = nullptr;
+        if (!isOwn && !kInterfaceID_ORLUnknown.IsSameAs(inInterfaceID)) {
+            return kNoSuchInterface;
+        }
+        *outInterface = static_cast<ORLUnknown*>(this);
+        static_cast<ORLUnknown*>(*outInterface)->AddRef();
+        return kSuccess;
+    }
+
+    /// The object as its root interface; one owner is counted.
+    virtual InterfaceRef<ORLUnknown, ORLUnknown> GetUnknown() { return InterfaceRef<ORLUnknown, ORLUnknown>(this); }
+
+protected:
+    UnknownImpl() = default;
+    ~UnknownImpl() override = default;
+
+    // A copy is an object of its own, with no owner yet.
+    UnknownImpl(const UnknownImpl& inOther) : Base(inOther) {}
+    UnknownImpl& operator=(const UnknownImpl& inOther)
+    {
+        Base::operator=(inOther);
+        return *this;
+    }
+
+private:
+    AtomicValue mRefCount = 0;
+};
+
+} // namespace ORL

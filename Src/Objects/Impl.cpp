@@ -1,0 +1,7 @@
+#include <ORLImpl.h>
+
+namespace ORL {
+
+Impl::~Impl() = default;
+
+} // namespace ORL

@@ -1,0 +1,7 @@
+#include <ORLInterface.h>
+
+namespace ORL {
+
+ORLUnknown::~ORLUnknown() = default;
+
+} // namespace ORL
