@@ -1,2 +1,48 @@
-#include <tvxmediatypes/Config.h>
-namespace tvxmediatypes { TVXMEDIATYPES_API int Version(); int Version() { return 1; } }
+#include <tvxmediatypes/Constants.h>
+#include <tvxmediatypes/TickTime.h>
+
+#include <cmath>
+#include <cstdint>
+
+namespace tvxmediatypes {
+
+namespace {
+
+// The product of a 53-bit significand and the ticks of a second needs 83 bits, and the rounding looks at all of them.
+__extension__ typedef unsigned __int128 Wide;
+
+constexpr int kSignificandBits = 53;
+
+// Ticks of a time from 0 on that is known to fit; the shift is then at least 19.
+long long NearestTick(double inSeconds) noexcept
+{
+    int exponent = 0;
+    const double fraction = std::frexp(inSeconds, &exponent);
+    const auto significand = static_cast<std::uint64_t>(std::ldexp(fraction, kSignificandBits));
+    const Wide product = static_cast<Wide>(significand) * static_cast<Wide>(kTicksPerSecond);
+    const int shift = kSignificandBits - exponent;
+    if (shift > 100) {
+        return 0; // far below half a tick
+    }
+    const Wide half = static_cast<Wide>(1) << (shift - 1);
+    return static_cast<long long>((product + half) >> shift);
+}
+
+} // namespace
+
+TickTime::TickTime(double inSeconds) noexcept
+{
+    // The last double whose ticks fit: it lies 640 ticks below the end of the count and the next one lies 705 above it.
+    constexpr double kLast = 9223372036854775808.0 / static_cast<double>(kTicksPerSecond);
+    if (std::isnan(inSeconds)) {
+        *this = kTime_Invalid;
+    } else if (inSeconds > kLast) {
+        *this = kTime_Max;
+    } else if (inSeconds < -kLast) {
+        *this = kTime_Min;
+    } else {
+        mTicks = inSeconds < 0.0 ? -NearestTick(-inSeconds) : NearestTick(inSeconds);
+    }
+}
+
+} // namespace tvxmediatypes
