@@ -36,6 +36,8 @@ target_compile_options(orl_strict INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off
   # Reports name sources by their place in the project, the same on every machine.
   -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+  # A symbol that g++ marks as unique would keep our libraries in memory after a host unloads them.
+  $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   $<$<BOOL:${ORL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(orl_strict INTERFACE
   BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB
