@@ -1,0 +1,71 @@
+// 16-byte identifiers of classes, interfaces and categories.
+#pragma once
+
+#include <tvxcore/Config.h>
+#include <tvxcore/String.h>
+
+#include <cstdint>
+
+namespace tvxcore {
+namespace utility {
+
+/// A 16-byte value and nothing else: its memory is the identifier in the order that the home platform keeps it, and
+/// may be read as two 64-bit little-endian words. A constexpr constant costs nothing at load.
+class Guid
+{
+public:
+    /// All bits zero.
+    constexpr Guid() noexcept = default;
+
+    /// From the two words of its memory.
+    constexpr Guid(std::uint64_t inFirstWord, std::uint64_t inSecondWord) noexcept : mWords{inFirstWord, inSecondWord}
+    {
+    }
+
+    /// From the eleven numbers of its text: {20974874-84a4-4245-9372-b24a16498199} is
+    /// Guid(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x16, 0x49, 0x81, 0x99).
+    constexpr Guid(std::uint32_t inData1, std::uint16_t inData2, std::uint16_t inData3, std::uint8_t in0,
+                   std::uint8_t in1, std::uint8_t in2, std::uint8_t in3, std::uint8_t in4, std::uint8_t in5,
+                   std::uint8_t in6, std::uint8_t in7) noexcept
+        : mWords{std::uint64_t{inData1} | std::uint64_t{inData2} << 32 | std::uint64_t{inData3} << 48,
+                 std::uint64_t{in0} | std::uint64_t{in1} << 8 | std::uint64_t{in2} << 16 | std::uint64_t{in3} << 24
+                     | std::uint64_t{in4} << 32 | std::uint64_t{in5} << 40 | std::uint64_t{in6} << 48
+                     | std::uint64_t{in7} << 56}
+    {
+    }
+
+    /// A new random identifier (version 4) from the system's random source. Throws std::system_error when the system
+    /// gives no random bytes.
+    TVXCORE_API static Guid CreateUnique();
+
+    /// "{20974874-84a4-4245-9372-b24a16498199}": braces, lower-case digits. Every letter is allowed in a file name.
+    TVXCORE_API UTF16String AsString() const;
+
+    constexpr std::uint64_t FirstWord() const noexcept { return mWords[0]; }
+    constexpr std::uint64_t SecondWord() const noexcept { return mWords[1]; }
+
+    friend constexpr bool operator==(const Guid& inLeft, const Guid& inRight) noexcept
+    {
+        return inLeft.mWords[0] == inRight.mWords[0] && inLeft.mWords[1] == inRight.mWords[1];
+    }
+
+    friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept
+    {
+        return !(inLeft == inRight);
+    }
+
+    /// A strict total order, by the first word and then the second; it is not the order of the texts.
+    friend constexpr bool operator<(const Guid& inLeft, const Guid& inRight) noexcept
+    {
+        return inLeft.mWords[0] != inRight.mWords[0] ? inLeft.mWords[0] < inRight.mWords[0]
+                                                     : inLeft.mWords[1] < inRight.mWords[1];
+    }
+
+private:
+    std::uint64_t mWords[2] = {0, 0};
+};
+
+static_assert(sizeof(Guid) == 16, "the identifier is the whole state");
+
+} // namespace utility
+} // namespace tvxcore
