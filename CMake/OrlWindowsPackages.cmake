@@ -32,6 +32,8 @@ target_link_libraries(orl_boost_thread PUBLIC orl_boost_headers)
 set(ORL_BOOST_THREAD orl_boost_thread)
 set(ORL_ICU "")
 set(ORL_URING "")
+# WaitOnAddress and its companions
+set(ORL_SYNCHRONIZATION synchronization)
 
 # The toolchain's runtime libraries stand beside the programs, so that these run from their folder.
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

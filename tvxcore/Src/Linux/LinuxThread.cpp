@@ -1,0 +1,162 @@
+#include <CorePlatform/Thread.h>
+
+#include <tvxcore/Executor.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <new>
+#include <pthread.h>
+#include <sched.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace tvxcore {
+namespace threads {
+
+namespace {
+
+// The system call costs fifty times the load. The child of a fork keeps its parent's memory, but not its number.
+// Initial-exec: one load, and eight bytes of the room that the loader keeps for libraries that come late.
+__attribute__((tls_model("initial-exec"))) thread_local unsigned long tThreadID = 0;
+
+void ForgetThreadID()
+{
+    tThreadID = 0;
+}
+
+const int sForkHandler = ::pthread_atfork(nullptr, nullptr, &ForgetThreadID);
+
+} // namespace
+
+unsigned long GetCurrentThreadID()
+{
+    if (tThreadID == 0) {
+        const auto id = static_cast<unsigned long>(::gettid());
+        if (sForkHandler != 0) {
+            return id;
+        }
+        tThreadID = id;
+    }
+    return tThreadID;
+}
+
+namespace Platform {
+
+namespace {
+
+struct Start
+{
+    void (*mFunction)(void*);
+    void* mArgument;
+};
+
+void* RunThread(void* inStart)
+{
+    const Start start = *static_cast<Start*>(inStart);
+    delete static_cast<Start*>(inStart);
+    start.mFunction(start.mArgument);
+    return nullptr;
+}
+
+static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
+
+// The highest bytes up to inCount at which no character is cut in two.
+std::size_t CutAtCharacter(const char* inText, std::size_t inCount)
+{
+    std::size_t count = 0;
+    while (count < inCount && inText[count] != '\0') {
+        ++count;
+    }
+    if (inText[count] != '\0') {
+        while (count > 0 && (static_cast<unsigned char>(inText[count]) & 0xC0u) == 0x80u) {
+            --count;
+        }
+    }
+    return count;
+}
+
+// The best nice level that the user may ask for: 20 less the soft limit.
+int LowestAllowedNice()
+{
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NICE, &limit) != 0) {
+        return 0;
+    }
+    return 20 - static_cast<int>(std::min<rlim_t>(limit.rlim_cur, 40));
+}
+
+} // namespace
+
+bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept
+{
+    Start* const start = new (std::nothrow) Start{inFunction, inArgument};
+    pthread_t thread{};
+    if (start == nullptr || ::pthread_create(&thread, nullptr, &RunThread, start) != 0) {
+        delete start;
+        return false;
+    }
+    outThread = static_cast<ThreadHandle>(thread);
+    return true;
+}
+
+void JoinThread_Impl(ThreadHandle inThread) noexcept
+{
+    ::pthread_join(static_cast<pthread_t>(inThread), nullptr);
+}
+
+void DetachThread_Impl(ThreadHandle inThread) noexcept
+{
+    ::pthread_detach(static_cast<pthread_t>(inThread));
+}
+
+void NameCurrentThread_Impl(const char* inName) noexcept
+{
+    constexpr std::size_t kKeptBytes = 15;
+    char name[kKeptBytes + 1] = {};
+    std::copy_n(inName, CutAtCharacter(inName, kKeptBytes), name);
+    ::pthread_setname_np(::pthread_self(), name);
+}
+
+void SetCurrentThreadPriority_Impl(int inPriority) noexcept
+{
+    static constexpr int kOffsets[] = {15, 10, 5, 0, -5, -10};
+    const id_t thread = static_cast<id_t>(::gettid());
+    // A thread starts with its creator's level; the process's own is that of its first thread.
+    const int wanted = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid())) + kOffsets[inPriority];
+    if (::setpriority(PRIO_PROCESS, thread, wanted) != 0) {
+        ::setpriority(PRIO_PROCESS, thread, std::max(wanted, LowestAllowedNice()));
+    }
+}
+
+unsigned int UsableProcessorCount_Impl() noexcept
+{
+    cpu_set_t usable;
+    CPU_ZERO(&usable);
+    if (::sched_getaffinity(0, sizeof(usable), &usable) != 0) {
+        // More processors than the set can name.
+        return static_cast<unsigned int>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1l));
+    }
+    return static_cast<unsigned int>(std::max(CPU_COUNT(&usable), 1));
+}
+
+void YieldThread_Impl() noexcept
+{
+    ::sched_yield();
+}
+
+bool ProcessIsEnding_Impl() noexcept
+{
+    return false;
+}
+
+std::int64_t MonotonicNanoseconds_Impl() noexcept
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::int64_t>(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+}
+
+} // namespace Platform
+} // namespace threads
+} // namespace tvxcore

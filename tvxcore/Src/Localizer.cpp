@@ -1,0 +1,56 @@
+#include <tvxcore/Localizer.h>
+
+#include <tvxcore/Text.h>
+
+#include <atomic>
+#include <cstring>
+#include <new>
+
+namespace tvxcore {
+namespace config {
+
+namespace {
+
+std::atomic<Localizer*> sInstalled{nullptr};
+
+// In static storage and never destroyed: texts may be asked for while the process ends.
+Localizer& BuiltInLocalizer()
+{
+    alignas(Localizer) static unsigned char storage[sizeof(Localizer)];
+    static Localizer* const localizer = new (storage) Localizer;
+    return *localizer;
+}
+
+const char* DefaultText(const char* inZString)
+{
+    constexpr char kMark[] = "$$$/";
+    if (std::strncmp(inZString, kMark, sizeof(kMark) - 1) != 0) {
+        return inZString;
+    }
+    const char* const equalSign = std::strchr(inZString, '=');
+    return equalSign != nullptr ? equalSign + 1 : inZString;
+}
+
+} // namespace
+
+Localizer::~Localizer() = default;
+
+UTF16String Localizer::Localize(const char* inZString)
+{
+    const char* const text = DefaultText(inZString);
+    return utility::UTF8to16(UTF8String(reinterpret_cast<const unsigned char*>(text)));
+}
+
+Localizer* Localizer::Get()
+{
+    Localizer* const installed = sInstalled.load();
+    return installed != nullptr ? installed : &BuiltInLocalizer();
+}
+
+Localizer* InstallLocalizer(Localizer* inLocalizer)
+{
+    return sInstalled.exchange(inLocalizer);
+}
+
+} // namespace config
+} // namespace tvxcore

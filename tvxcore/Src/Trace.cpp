@@ -1,0 +1,158 @@
+#include <tvxcore/Trace.h>
+
+#include <CoreMutex.h>
+#include <CorePlatform/StandardError.h>
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <cstring>
+#include <mutex>
+#include <new>
+
+namespace tvxcore {
+namespace debug {
+
+namespace {
+
+using utility::SmallBlockAllocator;
+using Lock = std::lock_guard<threads::CoreMutex>;
+
+// One category with a level of its own; its name stands behind the record in the same block.
+struct Category
+{
+    Category* mNext;
+    std::size_t mSize;
+    long mLevel;
+
+    char* Name() noexcept { return reinterpret_cast<char*>(this + 1); }
+};
+
+// Constant-initialised and without a destructor: sites may trace while statics of other files come and go.
+threads::CoreMutex sMutex;
+Category* sCategories = nullptr;  // guarded by sMutex
+long sLevelOfAll = kTraceOff;     // guarded by sMutex
+std::atomic<int> sChangeCount{1};
+std::atomic<bool> sIsShutDown{false};
+std::atomic<TraceSink> sSink{nullptr};
+
+void ForgetCategories()
+{
+    while (sCategories != nullptr) {
+        Category* const category = sCategories;
+        sCategories = category->mNext;
+        SmallBlockAllocator::Dispose(category, category->mSize);
+    }
+}
+
+// The library may be unloaded by a host that never shut the trace down.
+struct AtUnload
+{
+    ~AtUnload()
+    {
+        const Lock lock(sMutex);
+        ForgetCategories();
+    }
+} sAtUnload;
+
+Category* FindCategory(const char* inName)
+{
+    Category* category = sCategories;
+    while (category != nullptr && std::strcmp(category->Name(), inName) != 0) {
+        category = category->mNext;
+    }
+    return category;
+}
+
+Category* AddCategory(const char* inName)
+{
+    const std::size_t nameSize = std::strlen(inName) + 1;
+    const std::size_t size = sizeof(Category) + nameSize;
+    void* const block = SmallBlockAllocator::Allocate(size);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    sCategories = new (block) Category{sCategories, size, kTraceOff};
+    std::memcpy(sCategories->Name(), inName, nameSize);
+    return sCategories;
+}
+
+// After the change, so that a site that sees the new count also gets the new answer.
+void CountChange()
+{
+    const int next = sChangeCount.load(std::memory_order_relaxed) + 1;
+    sChangeCount.store(next > 0 ? next : 1, std::memory_order_release);
+}
+
+void WriteToStandardError(const unsigned char* inText)
+{
+    const char* const text = reinterpret_cast<const char*>(inText);
+    const std::size_t count = std::strlen(text);
+    Platform::WriteStandardError_Impl(text, count);
+    if (count == 0 || text[count - 1] != '\n') {
+        Platform::WriteStandardError_Impl("\n", 1);
+    }
+}
+
+} // namespace
+
+void SetTraceLevel(const char* inCategory, long inLevel)
+{
+    const Lock lock(sMutex);
+    Category* category = FindCategory(inCategory);
+    if (category == nullptr) {
+        category = AddCategory(inCategory);
+    }
+    if (category != nullptr) {
+        category->mLevel = inLevel;
+        sIsShutDown = false;
+        CountChange();
+    }
+}
+
+void SetTraceLevelOfAll(long inLevel)
+{
+    const Lock lock(sMutex);
+    sLevelOfAll = inLevel;
+    sIsShutDown = false;
+    CountChange();
+}
+
+TraceSink InstallTraceSink(TraceSink inSink)
+{
+    const Lock lock(sMutex);
+    sIsShutDown = false;
+    return sSink.exchange(inSink);
+}
+
+void ShutdownTraceManager()
+{
+    const Lock lock(sMutex);
+    sIsShutDown = true;
+    sSink = nullptr;
+    sLevelOfAll = kTraceOff;
+    ForgetCategories();
+    CountChange();
+}
+
+bool TraceEnabled(const unsigned char* inCategory, long inLevel, bool inFollowsAll)
+{
+    const Lock lock(sMutex);
+    Category* const category = FindCategory(reinterpret_cast<const char*>(inCategory));
+    const long level = category != nullptr ? category->mLevel : inFollowsAll ? sLevelOfAll : kTraceOff;
+    return level > kTraceOff && inLevel <= level;
+}
+
+int TraceChangeCount()
+{
+    return sChangeCount.load(std::memory_order_acquire);
+}
+
+void Trace(const unsigned char* inText)
+{
+    if (!sIsShutDown) {
+        const TraceSink sink = sSink.load();
+        (sink != nullptr ? sink : &WriteToStandardError)(inText);
+    }
+}
+
+} // namespace debug
+} // namespace tvxcore

@@ -1,0 +1,37 @@
+#include <CorePlatform/WordWait.h>
+
+#include <algorithm>
+#include <windows.h>
+
+namespace tvxcore {
+namespace threads {
+namespace Platform {
+
+bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpected, std::int64_t inNanoseconds)
+{
+    // Rounded up, so that a limit is never cut short; a longer wait than the type holds is cut and the caller looks
+    // again.
+    DWORD limit = INFINITE;
+    if (inNanoseconds >= 0) {
+        limit = static_cast<DWORD>(std::min<std::int64_t>((inNanoseconds + 999'999) / 1'000'000, INFINITE - 1));
+    }
+    const DWORD callersError = ::GetLastError();
+    const bool isTimedOut = ::WaitOnAddress(&ioWord, &inExpected, sizeof(inExpected), limit) == FALSE
+                            && ::GetLastError() == ERROR_TIMEOUT;
+    ::SetLastError(callersError);
+    return !isTimedOut;
+}
+
+void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
+{
+    ::WakeByAddressSingle(&ioWord);
+}
+
+void WakeAllOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
+{
+    ::WakeByAddressAll(&ioWord);
+}
+
+} // namespace Platform
+} // namespace threads
+} // namespace tvxcore
