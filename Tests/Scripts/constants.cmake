@@ -1,0 +1,11 @@
+# The constants are symbols of the shared library, not only values in a header.
+if(WIN32)
+  set(symbols_tool -DTOOL=${CMAKE_OBJDUMP} -DOPTIONS=-p)
+else()
+  set(symbols_tool -DTOOL=${CMAKE_NM} "-DOPTIONS=-D --defined-only")
+endif()
+add_test(NAME Foundation.Constants.AreExported
+  COMMAND ${CMAKE_COMMAND} -DLIBRARY=$<TARGET_FILE:ORLFoundation>
+          -DNAMES=${CMAKE_CURRENT_SOURCE_DIR}/Foundation/exported_constants.txt ${symbols_tool}
+          -P ${CMAKE_CURRENT_SOURCE_DIR}/Foundation/exported_constants.cmake)
+set_tests_properties(Foundation.Constants.AreExported PROPERTIES TIMEOUT 60)
