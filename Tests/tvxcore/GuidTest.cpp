@@ -1,5 +1,7 @@
 #include <tvxcore/Guid.h>
 
+#include <TextHelpers.h>
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,6 +10,7 @@
 #include <string>
 #include <type_traits>
 
+using ORLTest::Show;
 using tvxcore::utility::Guid;
 
 namespace {
@@ -18,15 +21,6 @@ constexpr Guid kByFields(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x1
 static_assert(kByWords == kByFields, "both forms are constants of the same value");
 static_assert(Guid() == Guid(0, 0), "the default is zero");
 static_assert(std::is_trivially_copyable_v<Guid> && std::is_standard_layout_v<Guid>, "16 bytes and no more");
-
-std::string Narrow(const UTF16String& inText)
-{
-    std::string text;
-    for (const unsigned short unit : inText) {
-        text += static_cast<char>(unit);
-    }
-    return text;
-}
 
 } // namespace
 
@@ -41,9 +35,9 @@ TEST(Guid, ItsMemory_IsTwoLittleEndianWords)
 
 TEST(Guid, AsString_IsTheRegistryForm)
 {
-    EXPECT_EQ("{20974874-84a4-4245-9372-b24a16498199}", Narrow(kByWords.AsString()));
-    EXPECT_EQ("{00000000-0000-0000-0000-000000000000}", Narrow(Guid().AsString()));
-    EXPECT_EQ("{ffffffff-ffff-ffff-ffff-ffffffffffff}", Narrow(Guid(~0ull, ~0ull).AsString()));
+    EXPECT_EQ("{20974874-84a4-4245-9372-b24a16498199}", Show(kByWords.AsString()));
+    EXPECT_EQ("{00000000-0000-0000-0000-000000000000}", Show(Guid().AsString()));
+    EXPECT_EQ("{ffffffff-ffff-ffff-ffff-ffffffffffff}", Show(Guid(~0ull, ~0ull).AsString()));
 }
 
 TEST(Guid, Order_IsByFirstWordThenSecond)

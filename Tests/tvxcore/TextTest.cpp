@@ -1,24 +1,14 @@
 #include <tvxcore/Text.h>
 
+#include <TextHelpers.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace tvxcore::utility;
-
-namespace {
-
-UTF8String Bytes(const std::string& inText)
-{
-    return UTF8String(inText.begin(), inText.end());
-}
-
-UTF16String Units(const std::u16string& inText)
-{
-    return UTF16String(inText.begin(), inText.end());
-}
-
-} // namespace
+using ORLTest::Bytes;
+using ORLTest::Units;
 
 TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
 {

@@ -1,0 +1,41 @@
+// Streams over 16-bit strings that read and write numbers.
+#pragma once
+
+#include <tvxcore/Config.h>
+#include <tvxcore/String.h>
+#include <tvxcore/UTF16Facets.h>
+
+#include <sstream>
+
+namespace tvxcore {
+
+/// Reads from a text. It runs under the process-wide locale of the moment it is made.
+///
+/// A 16-bit unit and a number are one type here: `stream >> unit` and `stream << unit` treat it as a number. Use
+/// get() and put() for a unit.
+class TVXCORE_API iUTF16StringStream
+    : public std::basic_istringstream<unsigned short, std::char_traits<unsigned short>,
+                                      utility::SmallBlockAllocator::STLAllocator<unsigned short>>
+{
+public:
+    explicit iUTF16StringStream(const UTF16String& inText);
+    ~iUTF16StringStream() override;
+
+    /// As for every stream, with the facets of 16-bit streams kept.
+    std::locale imbue(const std::locale& inLocale);
+};
+
+/// Writes to a text, which str() gives. It runs under the process-wide locale of the moment it is made.
+class TVXCORE_API oUTF16StringStream
+    : public std::basic_ostringstream<unsigned short, std::char_traits<unsigned short>,
+                                      utility::SmallBlockAllocator::STLAllocator<unsigned short>>
+{
+public:
+    oUTF16StringStream();
+    ~oUTF16StringStream() override;
+
+    /// As for every stream, with the facets of 16-bit streams kept.
+    std::locale imbue(const std::locale& inLocale);
+};
+
+} // namespace tvxcore

@@ -1,0 +1,118 @@
+// What a stream of 16-bit units needs to know about characters and numbers. The standard library has it for char and
+// wchar_t alone: without these a number written to a 16-bit stream only sets its bad bit.
+//
+// Include this (or StringStream.h) before the first use of a standard stream of unsigned short.
+#pragma once
+
+#include <tvxcore/Config.h>
+
+#include <cstddef>
+#include <ios>
+#include <iterator>
+#include <locale>
+#include <string>
+
+namespace std {
+
+/// Character classes and case of ASCII; every other unit has no class and no case. A narrow character widens to the
+/// unit of the same value, 0 to 255, in every locale; units above 255 narrow to the default that is given.
+template <>
+class TVXCORE_API ctype<unsigned short> : public locale::facet, public ctype_base
+{
+public:
+    using char_type = unsigned short;
+
+    static locale::id id;
+
+    explicit ctype(size_t inRefs = 0);
+
+    bool is(mask inMask, char_type inUnit) const { return do_is(inMask, inUnit); }
+    const char_type* is(const char_type* inLow, const char_type* inHigh, mask* outMasks) const
+    {
+        return do_is(inLow, inHigh, outMasks);
+    }
+    const char_type* scan_is(mask inMask, const char_type* inLow, const char_type* inHigh) const
+    {
+        return do_scan_is(inMask, inLow, inHigh);
+    }
+    const char_type* scan_not(mask inMask, const char_type* inLow, const char_type* inHigh) const
+    {
+        return do_scan_not(inMask, inLow, inHigh);
+    }
+    char_type toupper(char_type inUnit) const { return do_toupper(inUnit); }
+    const char_type* toupper(char_type* ioLow, const char_type* inHigh) const { return do_toupper(ioLow, inHigh); }
+    char_type tolower(char_type inUnit) const { return do_tolower(inUnit); }
+    const char_type* tolower(char_type* ioLow, const char_type* inHigh) const { return do_tolower(ioLow, inHigh); }
+    char_type widen(char inCharacter) const { return do_widen(inCharacter); }
+    const char* widen(const char* inLow, const char* inHigh, char_type* outUnits) const
+    {
+        return do_widen(inLow, inHigh, outUnits);
+    }
+    char narrow(char_type inUnit, char inDefault) const { return do_narrow(inUnit, inDefault); }
+    const char_type* narrow(const char_type* inLow, const char_type* inHigh, char inDefault, char* outText) const
+    {
+        return do_narrow(inLow, inHigh, inDefault, outText);
+    }
+
+protected:
+    ~ctype() override;
+
+    virtual bool do_is(mask inMask, char_type inUnit) const;
+    virtual const char_type* do_is(const char_type* inLow, const char_type* inHigh, mask* outMasks) const;
+    virtual const char_type* do_scan_is(mask inMask, const char_type* inLow, const char_type* inHigh) const;
+    virtual const char_type* do_scan_not(mask inMask, const char_type* inLow, const char_type* inHigh) const;
+    virtual char_type do_toupper(char_type inUnit) const;
+    virtual const char_type* do_toupper(char_type* ioLow, const char_type* inHigh) const;
+    virtual char_type do_tolower(char_type inUnit) const;
+    virtual const char_type* do_tolower(char_type* ioLow, const char_type* inHigh) const;
+    virtual char_type do_widen(char inCharacter) const;
+    virtual const char* do_widen(const char* inLow, const char* inHigh, char_type* outUnits) const;
+    virtual char do_narrow(char_type inUnit, char inDefault) const;
+    virtual const char_type* do_narrow(const char_type* inLow, const char_type* inHigh, char inDefault,
+                                       char* outText) const;
+};
+
+/// How numbers are pointed and grouped: as the classic locale does, unless a derived facet knows better.
+template <>
+class TVXCORE_API numpunct<unsigned short> : public locale::facet
+{
+public:
+    using char_type = unsigned short;
+    using string_type = basic_string<unsigned short>;
+
+    static locale::id id;
+
+    explicit numpunct(size_t inRefs = 0);
+
+    char_type decimal_point() const { return do_decimal_point(); }
+    char_type thousands_sep() const { return do_thousands_sep(); }
+    string grouping() const { return do_grouping(); }
+    string_type truename() const { return do_truename(); }
+    string_type falsename() const { return do_falsename(); }
+
+protected:
+    ~numpunct() override;
+
+    virtual char_type do_decimal_point() const;
+    virtual char_type do_thousands_sep() const;
+    virtual string do_grouping() const;
+    virtual string_type do_truename() const;
+    virtual string_type do_falsename() const;
+};
+
+// The library's own formatting and reading, over the two facets above. One copy, so that every module of a process
+// finds a facet by the same identity.
+extern template class TVXCORE_API num_put<unsigned short>;
+extern template class TVXCORE_API num_get<unsigned short>;
+
+} // namespace std
+
+namespace tvxcore {
+namespace utility {
+
+/// inBase with the facets above added where it has none. Numbers are then pointed and grouped as inBase does for
+/// wide characters. A locale is a value: what this gives does not change with std::locale::global.
+TVXCORE_API std::locale UTF16Locale(const std::locale& inBase = std::locale());
+
+} // namespace utility
+} // namespace tvxcore
