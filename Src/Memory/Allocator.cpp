@@ -1,19 +1,9 @@
 #include <ORLAllocator.h>
 
+#include <BadAllocation.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 namespace ORL {
-
-namespace {
-
-// Standard libraries differ in the text of their own exception; ours is the same everywhere.
-class BadAllocation : public std::bad_alloc
-{
-public:
-    const char* what() const noexcept override { return "bad allocation"; }
-};
-
-} // namespace
 
 void* Allocator::Allocate(std::size_t inSize)
 {

@@ -1,0 +1,16 @@
+// Floor: Memory
+// The exception for exhausted memory, with one text on every platform.
+#pragma once
+
+#include <new>
+
+namespace ORL {
+
+// Standard libraries differ in the text of their own exception; ours is the same everywhere.
+class BadAllocation : public std::bad_alloc
+{
+public:
+    const char* what() const noexcept override { return "bad allocation"; }
+};
+
+} // namespace ORL

@@ -1,0 +1,50 @@
+// Floor: Strings
+// The record behind the handles of one interned text.
+#pragma once
+
+#include <ORLAtomic.h>
+#include <ORLDebug.h>
+#include <ORLImmutableString.h>
+
+namespace ORL {
+
+class ImmutableString::InternalRepresentation
+{
+public:
+    /// A static record, or a key to search with. Null gives the empty text.
+    explicit InternalRepresentation(const unsigned char* inStaticText) : mStaticText(inStaticText) {}
+
+    /// A dynamic record of a text that is not null.
+    struct Dynamic
+    {
+    };
+    InternalRepresentation(const unsigned char* inText, Dynamic) : mStaticText(nullptr), mDynamicText(inText) {}
+
+    InternalRepresentation(const InternalRepresentation&) = delete;
+    InternalRepresentation& operator=(const InternalRepresentation&) = delete;
+
+    void AddRef() { AtomicIncrement(mReferenceCount); }
+
+    /// Never deletes, even at zero: the record stays to be found again.
+    void RemoveRef()
+    {
+        ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,
+                      "ORL::ImmutableString::InternalRepresentation::RemoveRef");
+        AtomicDecrement(mReferenceCount);
+    }
+
+    AtomicValue CountOfHandles() { return AtomicRead(mReferenceCount); }
+    bool IsStatic() const { return mStaticText != nullptr; }
+    const unsigned char* Text() const { return mStaticText != nullptr ? mStaticText : mDynamicText.c_str(); }
+    const UTF8String& DynamicText() const { return mDynamicText; }
+
+private:
+    AtomicValue mReferenceCount = 0; // handles; the table's own entry does not count
+    const unsigned char* mStaticText; // the caller's, null in a dynamic record
+    UTF8String mDynamicText;          // the copy, empty in a static record
+};
+
+/// -1, 0 or 1 by the bytes as unsigned values up to the first zero.
+int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight);
+
+} // namespace ORL

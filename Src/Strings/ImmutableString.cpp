@@ -1,0 +1,177 @@
+#include <ORLImmutableString.h>
+
+#include <ImmutableStringTable.h>
+#include <tvxcore/Text.h>
+
+#include <cstring>
+#include <utility>
+
+namespace ORL {
+
+namespace {
+
+using Record = ImmutableString::InternalRepresentation;
+
+const unsigned char* Bytes(const char* inText)
+{
+    return reinterpret_cast<const unsigned char*>(inText);
+}
+
+// A record, or none, against a text that is there.
+int CompareWithText(const Record* inRecord, const unsigned char* inText)
+{
+    return inRecord == nullptr ? -1 : CompareBytes(inRecord->Text(), inText);
+}
+
+} // namespace
+
+int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight)
+{
+    const int order =
+        std::strcmp(reinterpret_cast<const char*>(inLeft), reinterpret_cast<const char*>(inRight));
+    return (order > 0) - (order < 0);
+}
+
+ImmutableString::ImmutableString(InternalRepresentation* inRepresentation) : mRepresentation(inRepresentation)
+{
+    if (mRepresentation != nullptr) {
+        mRepresentation->AddRef();
+    }
+}
+
+ImmutableString::ImmutableString(const ImmutableString& inOther) : ImmutableString(inOther.mRepresentation) {}
+
+ImmutableString::~ImmutableString()
+{
+    if (mRepresentation != nullptr) {
+        mRepresentation->RemoveRef();
+    }
+}
+
+ImmutableString& ImmutableString::operator=(const ImmutableString& inOther)
+{
+    if (inOther.mRepresentation != nullptr) {
+        inOther.mRepresentation->AddRef();
+    }
+    InternalRepresentation* const old = std::exchange(mRepresentation, inOther.mRepresentation);
+    if (old != nullptr) {
+        old->RemoveRef();
+    }
+    return *this;
+}
+
+const unsigned char* ImmutableString::c_str() const
+{
+    static constexpr unsigned char kEmpty[] = {0};
+    return mRepresentation != nullptr ? mRepresentation->Text() : kEmpty;
+}
+
+unsigned __int64 ImmutableString::size() const
+{
+    if (mRepresentation == nullptr) {
+        return 0;
+    }
+    return mRepresentation->IsStatic() ? std::strlen(reinterpret_cast<const char*>(mRepresentation->Text()))
+                                       : mRepresentation->DynamicText().size();
+}
+
+UTF16String ImmutableString::ToString() const
+{
+    return mRepresentation != nullptr ? tvxcore::utility::UTF8to16(UTF8String(mRepresentation->Text()))
+                                      : UTF16String();
+}
+
+int ImmutableString::Compare(const ImmutableString& inOther) const
+{
+    if (mRepresentation == inOther.mRepresentation) {
+        return 0;
+    }
+    return inOther.mRepresentation == nullptr ? 1 : CompareWithText(mRepresentation, inOther.mRepresentation->Text());
+}
+
+int ImmutableString::Compare(const char* inOther) const
+{
+    return Compare(Bytes(inOther));
+}
+
+int ImmutableString::Compare(const unsigned char* inOther) const
+{
+    if (inOther == nullptr) {
+        return mRepresentation == nullptr ? 0 : 1;
+    }
+    return CompareWithText(mRepresentation, inOther);
+}
+
+int ImmutableString::Compare(const std::string& inOther) const
+{
+    return CompareWithText(mRepresentation, Bytes(inOther.c_str()));
+}
+
+int ImmutableString::Compare(const UTF8String& inOther) const
+{
+    return CompareWithText(mRepresentation, inOther.c_str());
+}
+
+int ImmutableString::Compare(const UTF16String& inOther) const
+{
+    return CompareWithText(mRepresentation, tvxcore::utility::UTF16to8(inOther).c_str());
+}
+
+int ImmutableString::Compare(const unsigned short* inOther) const
+{
+    return CompareWithText(mRepresentation, tvxcore::utility::UTF16to8(inOther).c_str());
+}
+
+ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
+{
+    ImmutableString handle;
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // already counted for us
+    return handle;
+}
+
+ImmutableString ImmutableString::CreateStatic(const unsigned char* inText)
+{
+    return Enter(inText, true);
+}
+
+ImmutableString ImmutableString::CreateStatic(const char* inText)
+{
+    return Enter(Bytes(inText), true);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const unsigned char* inText)
+{
+    return Enter(inText, false);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const char* inText)
+{
+    return Enter(Bytes(inText), false);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const std::string& inText)
+{
+    return Enter(Bytes(inText.c_str()), false);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const UTF8String& inText)
+{
+    return Enter(inText.c_str(), false);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const UTF16String& inText)
+{
+    return Enter(tvxcore::utility::UTF16to8(inText).c_str(), false);
+}
+
+ImmutableString ImmutableString::CreateDynamic(const unsigned short* inText)
+{
+    return Enter(tvxcore::utility::UTF16to8(inText).c_str(), false);
+}
+
+bool ImmutableString::PurgeUnusedStrings()
+{
+    return ImmutableStringTable::Get().Purge();
+}
+
+} // namespace ORL

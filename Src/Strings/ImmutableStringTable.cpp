@@ -1,0 +1,178 @@
+#include <ImmutableStringTable.h>
+
+#include <ORLAllocator.h>
+
+#include <boost/thread/once.hpp>
+#include <cstring>
+#include <functional>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace ORL {
+
+namespace {
+
+constexpr std::size_t kFirstPlaces = 64;
+
+// The process's table lives in static storage from its first use to the process's exit actions.
+ImmutableStringTable* sTable = nullptr;
+boost::once_flag sTableOnce = BOOST_ONCE_INIT;
+
+void MakeTable()
+{
+    static ImmutableStringTable table;
+    sTable = &table;
+}
+
+} // namespace
+
+ImmutableStringTable& ImmutableStringTable::Get()
+{
+    boost::call_once(sTableOnce, &MakeTable);
+    return *sTable;
+}
+
+ImmutableStringTable::~ImmutableStringTable()
+{
+    for (Record* const record : mRecords) {
+        if (record->CountOfHandles() == 0) {
+            FreeRecord(record);
+        } else {
+            record->~InternalRepresentation();
+        }
+    }
+}
+
+ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* inText, bool inIsStatic)
+{
+    static constexpr unsigned char kEmpty[] = {0};
+    const unsigned char* const key = inText != nullptr ? inText : kEmpty;
+    const std::uint64_t hash = HashOf(key);
+    const CriticalSectionLock lock(mGuard);
+    Record* record = Find(key, hash);
+    if (record == nullptr) {
+        // An empty text without a pointer makes the same record whatever the kind: one with an empty copy.
+        record = Add(key, inIsStatic && inText != nullptr, hash);
+    }
+    record->AddRef();
+    return record;
+}
+
+bool ImmutableStringTable::Purge()
+{
+    const CriticalSectionLock lock(mGuard);
+    bool removed = false;
+    for (Records::iterator i = mRecords.begin(); i != mRecords.end();) {
+        Record* const record = *i;
+        if (record->IsStatic() || record->CountOfHandles() != 0) {
+            ++i;
+            continue;
+        }
+        i = mRecords.erase(i);
+        FreeRecord(record);
+        removed = true;
+    }
+    if (removed) {
+        RebuildIndex();
+    }
+    return removed;
+}
+
+std::size_t ImmutableStringTable::GetCount() const
+{
+    const CriticalSectionLock lock(mGuard);
+    return mRecords.size();
+}
+
+std::uint64_t ImmutableStringTable::HashOf(const unsigned char* inText)
+{
+    const char* const text = reinterpret_cast<const char*>(inText);
+    return std::hash<std::string_view>()(std::string_view(text));
+}
+
+ImmutableStringTable::Record* ImmutableStringTable::MakeRecord(const unsigned char* inText, bool inIsStatic)
+{
+    void* const memory = Allocator::Allocate(sizeof(Record));
+    try {
+        return inIsStatic ? ::new (memory) Record(inText) : ::new (memory) Record(inText, Record::Dynamic());
+    } catch (...) {
+        Allocator::Dispose(memory, sizeof(Record));
+        throw;
+    }
+}
+
+void ImmutableStringTable::FreeRecord(Record* inRecord)
+{
+    inRecord->~InternalRepresentation();
+    Allocator::Dispose(inRecord, sizeof(Record));
+}
+
+ImmutableStringTable::Record* ImmutableStringTable::Find(const unsigned char* inText, std::uint64_t inHash) const
+{
+    if (mIndex.empty()) {
+        return nullptr;
+    }
+    const std::size_t mask = mIndex.size() - 1;
+    for (std::size_t at = inHash & mask; mIndex[at].mRecord != nullptr; at = (at + 1) & mask) {
+        const Place& place = mIndex[at];
+        if (place.mHash == inHash && CompareBytes(place.mRecord->Text(), inText) == 0) {
+            return place.mRecord;
+        }
+    }
+    return nullptr;
+}
+
+// What may throw comes before the first change that shows.
+ImmutableStringTable::Record* ImmutableStringTable::Add(const unsigned char* inText, bool inIsStatic,
+                                                        std::uint64_t inHash)
+{
+    MakeRoomInIndex();
+    Record* const record = MakeRecord(inText, inIsStatic);
+    try {
+        mRecords.insert(record);
+    } catch (...) {
+        FreeRecord(record);
+        throw;
+    }
+    AddToIndex(record, inHash);
+    return record;
+}
+
+void ImmutableStringTable::MakeRoomInIndex()
+{
+    if ((mRecords.size() + 1) * 2 <= mIndex.size()) {
+        return;
+    }
+    std::vector<Place, SmallBlocks<Place>> places(mIndex.empty() ? kFirstPlaces : mIndex.size() * 2);
+    places.swap(mIndex);
+    for (const Place& place : places) {
+        if (place.mRecord != nullptr) {
+            AddToIndex(place.mRecord, place.mHash);
+        }
+    }
+}
+
+void ImmutableStringTable::AddToIndex(Record* inRecord, std::uint64_t inHash)
+{
+    const std::size_t mask = mIndex.size() - 1;
+    std::size_t at = inHash & mask;
+    while (mIndex[at].mRecord != nullptr) {
+        at = (at + 1) & mask;
+    }
+    mIndex[at].mHash = inHash;
+    mIndex[at].mRecord = inRecord;
+}
+
+// In place, so that a purge needs no memory.
+void ImmutableStringTable::RebuildIndex()
+{
+    for (Place& place : mIndex) {
+        place = Place();
+    }
+    for (Record* const record : mRecords) {
+        AddToIndex(record, HashOf(record->Text()));
+    }
+}
+
+} // namespace ORL
