@@ -1,5 +1,6 @@
 // Floor: Core
-// What each symbol of ORLFoundation is marked with so that hosts can link to it.
+// What each symbol of ORLFoundation is marked with so that hosts can link to it, and what a header may know of the
+// platform.
 #pragma once
 
 #if defined(_WIN32)
@@ -10,4 +11,23 @@
 #  endif
 #else
 #  define ORL_API __attribute__((visibility("default")))
+#endif
+
+// 1 where the lock is made of words of ours, 0 where it is the system's.
+#if defined(_WIN32)
+#  define ORL_LOCK_IS_OURS 0
+#else
+#  define ORL_LOCK_IS_OURS 1
+#endif
+
+// 1 in a build under the thread sanitizer.
+#if defined(__SANITIZE_THREAD__)
+#  define ORL_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#  if __has_feature(thread_sanitizer)
+#    define ORL_THREAD_SANITIZER 1
+#  endif
+#endif
+#if !defined(ORL_THREAD_SANITIZER)
+#  define ORL_THREAD_SANITIZER 0
 #endif

@@ -5,7 +5,7 @@
 //   CriticalSectionTryLock attempt(mLock);    held until the end of the scope when attempt.IsLocked()
 #pragma once
 
-#include <ORLConfig.h>
+#include <ORLPlatformLock.h>
 
 namespace ORL {
 
@@ -15,25 +15,22 @@ namespace ORL {
 /// Every operation may be called from any thread. The operations are const, so that a const object can be guarded by
 /// a lock it is only shown. Unlock by a thread that does not hold the lock, and destruction while it is held, are
 /// undefined. Threads that are waiting sleep; they do not burn a processor.
-class ORL_API CriticalSection
+class CriticalSection
 {
 public:
-    CriticalSection();
-    ~CriticalSection();
-
+    CriticalSection() = default;
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
-    void Lock() const;
-    void Unlock() const;
+    void Lock() const { mLock.Lock(); }
+    void Unlock() const { mLock.Unlock(); }
 
     /// Takes the lock if that needs no waiting. True when the lock was taken; Unlock is then owed.
-    bool TryLock() const;
+    bool TryLock() const { return mLock.TryLock(); }
 
 private:
-    // Room for the lock of either platform, whose own type stays out of this header.
-    alignas(8) mutable unsigned char mPlatformLock[40];
-    void* mWord;
+    mutable Internal::PlatformLock mLock;
+    [[maybe_unused]] void* mWord = nullptr;
 };
 
 /// Holds a section from construction to destruction.

@@ -12,46 +12,26 @@
 #include <ORLException.h>
 #include <ORLResult.h>
 
-#include <cstdint>
-#include <cstring>
-#include <utility>
+#include <tvxcore/Guid.h>
 
-namespace tvxcore {
-namespace utility {
-class Guid;
-} // namespace utility
-} // namespace tvxcore
+#include <utility>
 
 namespace ORL {
 
 using tvxcore::utility::Guid;
 
-/// An interface identifier as the two 64-bit little-endian words of its Guid.
-struct InterfaceID
-{
-    std::uint64_t mFirst;
-    std::uint64_t mSecond;
-
-    /// True when the 16 bytes of inGuid are these two words.
-    bool IsSameAs(const Guid& inGuid) const noexcept
-    {
-        std::uint64_t words[2];
-        std::memcpy(words, static_cast<const void*>(&inGuid), sizeof(words));
-        return words[0] == mFirst && words[1] == mSecond;
-    }
-};
-
-inline constexpr InterfaceID kInterfaceID_ORLUnknown{0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u};
-inline constexpr InterfaceID kInterfaceID_ThreadedWorkQueue{0x424584A420974874u, 0x998149164AB27293u};
-inline constexpr InterfaceID kInterfaceID_ThreadedWorkQueueFlush{0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u};
-inline constexpr InterfaceID kInterfaceID_IThreadedQueueRequest{0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u};
+// The identifiers of the published interfaces, as the two 64-bit words that they are compared by.
+inline constexpr Guid kInterfaceID_ORLUnknown(0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u);
+inline constexpr Guid kInterfaceID_ThreadedWorkQueue(0x424584A420974874u, 0x998149164AB27293u);
+inline constexpr Guid kInterfaceID_ThreadedWorkQueueFlush(0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u);
+inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u);
 
 /// Root interface of the class system. The order of the operations is fixed; an interface adds its own behind them,
 /// and names its identifier in a constant kInterfaceID.
 class ORL_API ORLUnknown
 {
 public:
-    static constexpr InterfaceID kInterfaceID = kInterfaceID_ORLUnknown;
+    static constexpr Guid kInterfaceID = kInterfaceID_ORLUnknown;
 
     /// Adds one owner. A new object has none.
     virtual void AddRef() = 0;
@@ -168,9 +148,9 @@ public:
 
     Result QueryInterface(const Guid& inInterfaceID, void** outInterface) override
     {
-        const bool isOwn = (Answers::kInterfaceID.IsSameAs(inInterfaceID) || ...);
+        const bool isOwn = ((inInterfaceID == Answers::kInterfaceID) || ...);
         *outInterface = nullptr;
-        if (!isOwn && !kInterfaceID_ORLUnknown.IsSameAs(inInterfaceID)) {
+        if (!isOwn && inInterfaceID != kInterfaceID_ORLUnknown) {
             return kNoSuchInterface;
         }
         *outInterface = static_cast<ORLUnknown*>(this);

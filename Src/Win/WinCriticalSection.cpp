@@ -1,45 +1,45 @@
-#include <Platform/CriticalSection.h>
+#include <ORLPlatformLock.h>
 
 #include <windows.h>
 
 namespace ORL {
-namespace Platform {
-
-static_assert(sizeof(CRITICAL_SECTION) == kLockSize, "the opaque room holds exactly the system's lock");
+namespace Internal {
 
 namespace {
 
-CRITICAL_SECTION* AsSection(void* inLock)
+CRITICAL_SECTION* AsSection(unsigned char* inRoom)
 {
-    return static_cast<CRITICAL_SECTION*>(inLock);
+    static_assert(sizeof(CRITICAL_SECTION) == 40 && alignof(CRITICAL_SECTION) == 8,
+                  "the room in the public header is exactly the system's lock");
+    return reinterpret_cast<CRITICAL_SECTION*>(inRoom);
 }
 
 } // namespace
 
-void InitializeLock_Impl(void* ioLock)
+PlatformLock::PlatformLock()
 {
-    ::InitializeCriticalSection(AsSection(ioLock));
+    ::InitializeCriticalSection(AsSection(mSystemLock));
 }
 
-void DeleteLock_Impl(void* ioLock)
+PlatformLock::~PlatformLock()
 {
-    ::DeleteCriticalSection(AsSection(ioLock));
+    ::DeleteCriticalSection(AsSection(mSystemLock));
 }
 
-void EnterLock_Impl(void* ioLock)
+void PlatformLock::Lock()
 {
-    ::EnterCriticalSection(AsSection(ioLock));
+    ::EnterCriticalSection(AsSection(mSystemLock));
 }
 
-void LeaveLock_Impl(void* ioLock)
+bool PlatformLock::TryLock()
 {
-    ::LeaveCriticalSection(AsSection(ioLock));
+    return ::TryEnterCriticalSection(AsSection(mSystemLock)) != FALSE;
 }
 
-bool TryEnterLock_Impl(void* ioLock)
+void PlatformLock::Unlock()
 {
-    return ::TryEnterCriticalSection(AsSection(ioLock)) != FALSE;
+    ::LeaveCriticalSection(AsSection(mSystemLock));
 }
 
-} // namespace Platform
+} // namespace Internal
 } // namespace ORL

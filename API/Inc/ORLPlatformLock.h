@@ -1,0 +1,147 @@
+// Floor: Core
+// What stands inside a CriticalSection. Code outside of it uses ORLCriticalSection.h.
+#pragma once
+
+#include <ORLConfig.h>
+
+#if ORL_LOCK_IS_OURS
+
+#include <atomic>
+#include <cstdint>
+
+#if ORL_THREAD_SANITIZER
+#include <sanitizer/tsan_interface.h>
+#endif
+
+namespace ORL {
+namespace Internal {
+
+/// A recursive lock of one word, which names the holder, and the depth beside it. The holder takes it again without a
+/// locked operation; a free lock costs one to take and one to give back. All zeros is a free lock and nothing needs
+/// an end, so one of static life works at any time, before the first constructor and after the last destructor.
+///
+/// The short paths stand in this header since a call into the library costs more than they do.
+class PlatformLock
+{
+public:
+    void Lock()
+    {
+        const std::uintptr_t self = ThisThread();
+        if (Holder() == self) {
+            ++mDepth;
+            return;
+        }
+        BeforeLock();
+        if (!Take(self)) {
+            WaitAndTake(self);
+        }
+        AfterLock(true);
+    }
+
+    bool TryLock()
+    {
+        const std::uintptr_t self = ThisThread();
+        if (Holder() == self) {
+            ++mDepth;
+            return true;
+        }
+        BeforeTry();
+        const bool taken = Take(self);
+        AfterLock(taken);
+        return taken;
+    }
+
+    void Unlock()
+    {
+        if (mDepth != 0) {
+            --mDepth;
+            return;
+        }
+        BeforeUnlock();
+        // From here on another thread may hold the lock, and destroy it: only its address is used after this.
+        const std::uintptr_t old = mWord.exchange(0, std::memory_order_release);
+        AfterUnlock();
+        if ((old & kSleepers) != 0) {
+            WakeOneSleeper();
+        }
+    }
+
+private:
+    // Set beside the holder when a thread may be asleep. Thread control blocks are aligned, so their bit 0 is free.
+    static constexpr std::uintptr_t kSleepers = 1;
+
+    // The address of the thread's control block: one instruction, never 0, and no two living threads share it. A
+    // forked child keeps its thread's address, so it goes on holding what that thread held.
+    static std::uintptr_t ThisThread()
+    {
+        std::uintptr_t word;
+        __asm__("movq %%fs:0, %0" : "=r"(word));
+        return word;
+    }
+
+    std::uintptr_t Holder() const { return mWord.load(std::memory_order_relaxed) & ~kSleepers; }
+
+    bool Take(std::uintptr_t inHolder)
+    {
+        std::uintptr_t expected = 0;
+        return mWord.compare_exchange_strong(expected, inHolder, std::memory_order_acquire, std::memory_order_relaxed);
+    }
+
+    ORL_API void WaitAndTake(std::uintptr_t inSelf);
+    ORL_API void WakeOneSleeper();
+    bool SpinAndTake(std::uintptr_t inSelf);
+
+    // The thread sanitizer follows the lock through its atomic word; as a lock it also sees the order of several.
+#if ORL_THREAD_SANITIZER
+    void BeforeLock() { __tsan_mutex_pre_lock(this, __tsan_mutex_linker_init); }
+    void BeforeTry() { __tsan_mutex_pre_lock(this, __tsan_mutex_linker_init | __tsan_mutex_try_lock); }
+    void AfterLock(bool inTaken)
+    {
+        __tsan_mutex_post_lock(this, inTaken ? __tsan_mutex_linker_init
+                                             : __tsan_mutex_linker_init | __tsan_mutex_try_lock
+                                                   | __tsan_mutex_try_lock_failed, 1);
+    }
+    void BeforeUnlock() { __tsan_mutex_pre_unlock(this, __tsan_mutex_linker_init); }
+    void AfterUnlock() { __tsan_mutex_post_unlock(this, __tsan_mutex_linker_init); }
+
+public:
+    ~PlatformLock() { __tsan_mutex_destroy(this, __tsan_mutex_linker_init); }
+#else
+    void BeforeLock() {}
+    void BeforeTry() {}
+    void AfterLock(bool) {}
+    void BeforeUnlock() {}
+    void AfterUnlock() {}
+#endif
+
+private:
+    std::atomic<std::uintptr_t> mWord{0};
+    std::uint32_t mDepth = 0; // how often the holder has taken it again; the holder's own
+};
+
+} // namespace Internal
+} // namespace ORL
+
+#else
+
+namespace ORL {
+namespace Internal {
+
+/// The system's own recursive lock, whose type stays out of this header.
+class ORL_API PlatformLock
+{
+public:
+    PlatformLock();
+    ~PlatformLock();
+    void Lock();
+    bool TryLock();
+    void Unlock();
+
+private:
+    alignas(8) unsigned char mSystemLock[40];
+};
+
+} // namespace Internal
+} // namespace ORL
+
+#endif
