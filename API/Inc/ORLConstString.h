@@ -1,0 +1,240 @@
+// Floor: Strings
+// Cheap handles to constant text: names of threads, queues and modules, and literals.
+#pragma once
+
+#include <ORLAtomic.h>
+#include <ORLConfig.h>
+
+#include <tvxcore/String.h>
+#include <tvxcore/UTF16Facets.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace ORL {
+
+namespace Internal {
+
+/// The shared copy of one text. It never changes; the count is that of the handles.
+template <class String>
+struct ConstStringShared
+{
+    String mString;
+    const typename String::value_type* mText;
+    AtomicValue mReferenceCount;
+};
+
+/// What both kinds of handle have in common: a shared copy, or none; the text; and the hash of the text.
+template <class String>
+class ConstStringHandle
+{
+public:
+    using Unit = typename String::value_type;
+
+    const Unit* c_str() const noexcept { return mText; }
+    const Unit* data() const noexcept { return mText; }
+    bool empty() const noexcept { return *mText == 0; }
+
+    /// Units before the terminating zero. They are counted on every call.
+    std::size_t size() const noexcept { return std::char_traits<Unit>::length(mText); }
+
+    bool IsEqualTo(const ConstStringHandle& inOther) const noexcept
+    {
+        return mHash == inOther.mHash && CompareText(inOther) == 0;
+    }
+    bool IsBelow(const ConstStringHandle& inOther) const noexcept
+    {
+        return mHash != inOther.mHash ? mHash < inOther.mHash : CompareText(inOther) < 0;
+    }
+
+protected:
+    struct Adopted
+    {
+        const Unit* mText;
+    };
+
+    ConstStringHandle() noexcept = default;
+
+    /// Copies the zero-terminated text. Throws std::bad_alloc, or std::length_error for a text beyond a string.
+    explicit ConstStringHandle(const Unit* inText)
+        : mShared(MakeShared(inText)), mText(mShared->mText), mHash(HashText(mText))
+    {
+        AtomicIncrement(mShared->mReferenceCount);
+    }
+
+    explicit ConstStringHandle(Adopted inAdopted) noexcept : mText(inAdopted.mText), mHash(HashText(mText)) {}
+
+    ConstStringHandle(const ConstStringHandle& inOther)
+        : mShared(inOther.mShared), mText(inOther.mText), mHash(inOther.mHash)
+    {
+        if (mShared != nullptr) {
+            AtomicIncrement(mShared->mReferenceCount);
+        }
+    }
+
+    ConstStringHandle& operator=(const ConstStringHandle& inOther)
+    {
+        if (inOther.mShared != nullptr) {
+            AtomicIncrement(inOther.mShared->mReferenceCount);
+        }
+        Shared* const old = mShared;
+        mShared = inOther.mShared;
+        mText = inOther.mText;
+        mHash = inOther.mHash;
+        Release(old);
+        return *this;
+    }
+
+    ~ConstStringHandle() { Release(mShared); }
+
+    void Swap(ConstStringHandle& ioOther) noexcept
+    {
+        std::swap(mShared, ioOther.mShared);
+        std::swap(mText, ioOther.mText);
+        std::swap(mHash, ioOther.mHash);
+    }
+
+private:
+    using Shared = ConstStringShared<String>;
+
+    static Shared* MakeShared(const Unit* inText);
+    static void Destroy(Shared* inShared);
+    static std::uint32_t HashText(const Unit* inText) noexcept;
+
+    static void Release(Shared* inShared)
+    {
+        if (inShared != nullptr && AtomicDecrement(inShared->mReferenceCount) == 0) {
+            Destroy(inShared);
+        }
+    }
+
+    // Below, equal or above 0, by the unsigned values of the first units that differ.
+    int CompareText(const ConstStringHandle& inOther) const noexcept
+    {
+        using Unsigned = std::make_unsigned_t<Unit>;
+        const Unit* left = mText;
+        const Unit* right = inOther.mText;
+        while (*left == *right && *left != 0) {
+            ++left;
+            ++right;
+        }
+        return static_cast<int>(static_cast<Unsigned>(*left)) - static_cast<int>(static_cast<Unsigned>(*right));
+    }
+
+    static constexpr Unit kEmptyText[1] = {0};
+
+    Shared* mShared = nullptr;
+    const Unit* mText = kEmptyText;
+    std::uint32_t mHash = 0;
+};
+
+extern template class ORL_API ConstStringHandle<UTF16String>;
+extern template class ORL_API ConstStringHandle<std::string>;
+
+} // namespace Internal
+
+/// A handle to constant 16-bit text.
+///
+/// Copying costs one atomic increment, comparing different texts one comparison of their hashes. Nothing is interned:
+/// two handles made of the same text are equal and share nothing. The order is strict and total and serves as that of
+/// map keys, but it is by hash first and so not alphabetical.
+/// Threads:  a handle is a plain value; handles on several threads may share one text. No lock is taken.
+/// Failure:  std::bad_alloc from the constructors that copy; copying a handle never allocates.
+class ConstString : public Internal::ConstStringHandle<UTF16String>
+{
+public:
+    /// The empty text, with nothing allocated.
+    ConstString() noexcept = default;
+
+    /// A copy of the zero-terminated text; narrow text is UTF-8. A pointer must not be null, and what stands behind a
+    /// string's first zero unit is dropped.
+    ORL_API ConstString(const char* inText);
+    ORL_API ConstString(const unsigned short* inText);
+    ORL_API ConstString(const UTF16String& inText);
+
+    operator const unsigned short*() const noexcept { return c_str(); }
+
+    void swap(ConstString& ioOther) noexcept { Swap(ioOther); }
+
+    /// Makes handles of text that is not copied, such as literals.
+    struct Adoptor
+    {
+        /// The text must outlive every copy of the handle.
+        static ConstString Adopt(const unsigned short* inText) noexcept { return ConstString(Adopted{inText}); }
+    };
+
+private:
+    explicit ConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
+};
+
+/// A handle to constant 8-bit text, which is never decoded; else as ConstString.
+class StdConstString : public Internal::ConstStringHandle<std::string>
+{
+public:
+    StdConstString() noexcept = default;
+    ORL_API StdConstString(const char* inText);
+    ORL_API StdConstString(const std::string& inText);
+
+    void swap(StdConstString& ioOther) noexcept { Swap(ioOther); }
+
+    struct Adoptor
+    {
+        /// The text must outlive every copy of the handle.
+        static StdConstString Adopt(const char* inText) noexcept { return StdConstString(Adopted{inText}); }
+    };
+
+private:
+    explicit StdConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
+};
+
+inline bool operator==(const ConstString& inLeft, const ConstString& inRight) noexcept
+{
+    return inLeft.IsEqualTo(inRight);
+}
+inline bool operator!=(const ConstString& inLeft, const ConstString& inRight) noexcept
+{
+    return !inLeft.IsEqualTo(inRight);
+}
+inline bool operator<(const ConstString& inLeft, const ConstString& inRight) noexcept
+{
+    return inLeft.IsBelow(inRight);
+}
+inline bool operator>(const ConstString& inLeft, const ConstString& inRight) noexcept
+{
+    return inRight.IsBelow(inLeft);
+}
+
+inline bool operator==(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+{
+    return inLeft.IsEqualTo(inRight);
+}
+inline bool operator!=(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+{
+    return !inLeft.IsEqualTo(inRight);
+}
+inline bool operator<(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+{
+    return inLeft.IsBelow(inRight);
+}
+inline bool operator>(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+{
+    return inRight.IsBelow(inLeft);
+}
+
+/// The UTF-8 of the text.
+ORL_API std::string MakeStdString(const ConstString& inText);
+
+/// Writes the text with the stream's width, fill and adjustment, and sets the width back to 0.
+ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                                       const ConstString& inText);
+
+/// The same with each byte widened singly by the stream's locale. The bytes are not decoded as UTF-8, other than those
+/// of a const char* or std::string on the same stream.
+ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                                       const StdConstString& inText);
+
+} // namespace ORL

@@ -1,0 +1,36 @@
+// Floor: Strings
+// The standard streams of the process, a way to redirect a stream, and narrow text on 16-bit streams.
+#pragma once
+
+#include <ORLConfig.h>
+
+#include <tvxcore/UTF16Facets.h>
+
+#include <istream>
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+namespace ORL {
+
+/// std::cin, std::cout, std::clog and std::cerr, bound when the library is loaded and never changed.
+ORL_API extern std::basic_istream<char>& In;
+ORL_API extern std::basic_ostream<char>& Out;
+ORL_API extern std::basic_ostream<char>& Log;
+ORL_API extern std::basic_ostream<char>& Err;
+
+/// Gives the stream a new buffer as if it were made anew with it: flags, width, precision, fill, locale, exceptions,
+/// error state, tied stream, callbacks and stored words are those of a new stream. Returns the buffer that it had;
+/// the caller owns both. No other thread may use the stream meanwhile.
+ORL_API std::basic_streambuf<char>* SetStreamBuffer(std::basic_ostream<char>& ioStream,
+                                                    std::basic_streambuf<char>* inBuffer);
+ORL_API std::basic_streambuf<unsigned short>* SetStreamBuffer(std::basic_ostream<unsigned short>& ioStream,
+                                                              std::basic_streambuf<unsigned short>* inBuffer);
+
+/// Writes UTF-8 text as the 16-bit text it stands for, with the stream's width and fill. A zero byte ends the text.
+ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                                       const char* inText);
+ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                                       const std::string& inText);
+
+} // namespace ORL

@@ -1,0 +1,89 @@
+#include <ORLConstString.h>
+
+#include <ORLAllocator.h>
+#include <ORLString.h>
+
+#include <tvxcore/Text.h>
+
+#include <new>
+
+namespace ORL {
+
+namespace Internal {
+
+template <class String>
+ConstStringShared<String>* ConstStringHandle<String>::MakeShared(const Unit* inText)
+{
+    void* const block = Allocator::Allocate(sizeof(Shared));
+    try {
+        Shared* const shared = ::new (block) Shared{String(inText), nullptr, 0};
+        shared->mText = shared->mString.c_str();
+        return shared;
+    } catch (...) {
+        Allocator::Dispose(block, sizeof(Shared));
+        throw;
+    }
+}
+
+template <class String>
+void ConstStringHandle<String>::Destroy(Shared* inShared)
+{
+    inShared->~Shared();
+    Allocator::Dispose(inShared, sizeof(Shared));
+}
+
+template <class String>
+std::uint32_t ConstStringHandle<String>::HashText(const Unit* inText) noexcept
+{
+    std::uint32_t hash = 0;
+    for (; *inText != 0; ++inText) {
+        hash = hash * 5 + static_cast<std::make_unsigned_t<Unit>>(*inText);
+    }
+    return hash;
+}
+
+template class ConstStringHandle<UTF16String>;
+template class ConstStringHandle<std::string>;
+
+} // namespace Internal
+
+ConstString::ConstString(const char* inText) : ConstString(MakeString(inText))
+{
+}
+
+ConstString::ConstString(const unsigned short* inText) : ConstStringHandle(inText)
+{
+}
+
+ConstString::ConstString(const UTF16String& inText) : ConstStringHandle(inText.c_str())
+{
+}
+
+StdConstString::StdConstString(const char* inText) : ConstStringHandle(inText)
+{
+}
+
+StdConstString::StdConstString(const std::string& inText) : ConstStringHandle(inText.c_str())
+{
+}
+
+std::string MakeStdString(const ConstString& inText)
+{
+    const UTF8String encoded = tvxcore::utility::UTF16to8(inText.c_str());
+    return std::string(encoded.begin(), encoded.end());
+}
+
+std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                               const ConstString& inText)
+{
+    return std::operator<<(ioStream, inText.c_str());
+}
+
+// The standard's own inserter of narrow text widens each byte.
+std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
+                                               const StdConstString& inText)
+{
+    return std::operator<<(ioStream, inText.c_str());
+}
+
+} // namespace ORL

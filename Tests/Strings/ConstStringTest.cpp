@@ -1,0 +1,330 @@
+#include <ORLConstString.h>
+
+#include <TextHelpers.h>
+
+#include <tvxcore/SmallBlockAllocator.h>
+#include <tvxcore/StringStream.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iomanip>
+#include <map>
+#include <set>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+using namespace ORL;
+using ORLTest::Show;
+using ORLTest::Units;
+
+namespace {
+
+// The three words of a handle, as they lie in memory.
+template <class Unit>
+struct Words
+{
+    const void* mShared;
+    const Unit* mText;
+    std::uint32_t mHash;
+};
+
+Words<unsigned short> WordsOf(const ConstString& inString)
+{
+    Words<unsigned short> words;
+    static_assert(sizeof(words) == sizeof(ConstString), "a handle is three words");
+    std::memcpy(&words, &inString, sizeof(words));
+    return words;
+}
+
+Words<char> WordsOf(const StdConstString& inString)
+{
+    Words<char> words;
+    static_assert(sizeof(words) == sizeof(StdConstString), "a handle is three words");
+    std::memcpy(&words, &inString, sizeof(words));
+    return words;
+}
+
+// The shared record, as it lies in memory.
+AtomicValue CountOf(const ConstString& inString)
+{
+    return static_cast<const Internal::ConstStringShared<UTF16String>*>(WordsOf(inString).mShared)->mReferenceCount;
+}
+
+std::uint32_t PlainHash(const UTF16String& inText)
+{
+    std::uint32_t hash = 0;
+    for (const unsigned short unit : inText) {
+        hash = hash * 5 + unit;
+    }
+    return hash;
+}
+
+} // namespace
+
+TEST(ConstString, DefaultAndEmptyLiteral_AreEqual_ThoughOnlyTheSecondOwnsARecord)
+{
+    const ConstString none;
+    const ConstString empty("");
+    EXPECT_TRUE(none == empty);
+    EXPECT_FALSE(none != empty);
+    EXPECT_FALSE(none < empty);
+    EXPECT_FALSE(none > empty);
+    EXPECT_EQ(0u, WordsOf(none).mHash);
+    EXPECT_EQ(0u, WordsOf(empty).mHash);
+    EXPECT_EQ(nullptr, WordsOf(none).mShared);
+    EXPECT_NE(nullptr, WordsOf(empty).mShared);
+    EXPECT_TRUE(none.empty() && empty.empty());
+    EXPECT_EQ(0u, none.size());
+    ASSERT_NE(nullptr, none.c_str());
+    EXPECT_EQ(0, *none.c_str());
+}
+
+TEST(ConstString, SameTextTwice_IsEqualWithoutSharing)
+{
+    const ConstString first("name");
+    const ConstString second(Units(u"name"));
+    EXPECT_TRUE(first == second);
+    EXPECT_NE(first.c_str(), second.c_str());
+}
+
+TEST(ConstString, EqualHashesOfDifferentTexts_AreOrderedByContent)
+{
+    const ConstString af("af");
+    const ConstString ba("ba");
+    EXPECT_EQ(587u, WordsOf(af).mHash);
+    EXPECT_EQ(587u, WordsOf(ba).mHash);
+    EXPECT_FALSE(af == ba);
+    EXPECT_TRUE(af != ba);
+    EXPECT_TRUE(af < ba);
+    EXPECT_FALSE(ba < af);
+    EXPECT_TRUE(ba > af);
+    EXPECT_FALSE(af > ba);
+}
+
+TEST(ConstString, Order_IsByHashFirst)
+{
+    EXPECT_TRUE(ConstString("b") < ConstString("aa"));
+    std::set<ConstString> names;
+    for (const char* name : {"aa", "ba", "b", "af", ""}) {
+        names.insert(ConstString(name));
+    }
+    std::string listed;
+    for (const ConstString& name : names) {
+        listed += MakeStdString(name) + ",";
+    }
+    EXPECT_EQ(",b,aa,af,ba,", listed);
+}
+
+TEST(ConstString, EmbeddedZeroUnit_EndsTheText)
+{
+    const ConstString cut(UTF16String({'a', 'b', 0, 'c'}));
+    EXPECT_EQ(2u, cut.size());
+    EXPECT_EQ(WordsOf(ConstString("ab")).mHash, WordsOf(cut).mHash);
+    EXPECT_TRUE(cut == ConstString("ab"));
+}
+
+TEST(ConstString, AdoptedHandleAndItsCopies_StayRecordFree)
+{
+    const unsigned short* const text = TVX_UTF16("literal");
+    const ConstString adopted = ConstString::Adoptor::Adopt(text);
+    const ConstString copy(adopted);
+    ConstString assigned("other");
+    assigned = copy;
+    for (const ConstString* handle : {&adopted, &copy, static_cast<const ConstString*>(&assigned)}) {
+        EXPECT_EQ(nullptr, WordsOf(*handle).mShared);
+        EXPECT_EQ(text, handle->c_str());
+        EXPECT_EQ(PlainHash(Units(u"literal")), WordsOf(*handle).mHash);
+    }
+    EXPECT_TRUE(adopted == ConstString("literal"));
+}
+
+TEST(ConstString, CopyingTheAdoptedTextAway_LeavesTheHandleOnTheOldMemory)
+{
+    unsigned short text[] = {'a', 'b', 0};
+    const ConstString adopted = ConstString::Adoptor::Adopt(text);
+    const ConstString copy(adopted);
+    text[0] = 'z';
+    EXPECT_EQ("zb", MakeStdString(copy));
+    EXPECT_FALSE(copy == ConstString("zb")) << "the hash was taken once";
+}
+
+TEST(ConstString, AssignmentToItself_ChangesNothing)
+{
+    ConstString handle("alone");
+    const unsigned short* const text = handle.c_str();
+    EXPECT_EQ(1, CountOf(handle));
+    ConstString& same = handle;
+    handle = same;
+    EXPECT_EQ(1, CountOf(handle));
+    EXPECT_EQ(text, handle.c_str());
+    EXPECT_EQ("alone", MakeStdString(handle));
+}
+
+TEST(ConstString, CopiesAssignmentsAndDestruction_KeepTheCount)
+{
+    ConstString first("shared");
+    {
+        const ConstString second(first);
+        ConstString third("old");
+        third = second;
+        EXPECT_EQ(3, CountOf(first));
+        EXPECT_EQ(first.c_str(), third.c_str());
+        third = ConstString();
+        EXPECT_EQ(2, CountOf(first));
+    }
+    EXPECT_EQ(1, CountOf(first));
+}
+
+TEST(ConstString, Swap_ExchangesAllFieldsAndCountsNothing)
+{
+    ConstString left("left");
+    ConstString right = ConstString::Adoptor::Adopt(TVX_UTF16("right"));
+    const auto leftWords = WordsOf(left);
+    const auto rightWords = WordsOf(right);
+    left.swap(right);
+    EXPECT_EQ(rightWords.mText, WordsOf(left).mText);
+    EXPECT_EQ(nullptr, WordsOf(left).mShared);
+    EXPECT_EQ(rightWords.mHash, WordsOf(left).mHash);
+    EXPECT_EQ(leftWords.mText, WordsOf(right).mText);
+    EXPECT_EQ(leftWords.mShared, WordsOf(right).mShared);
+    EXPECT_EQ(leftWords.mHash, WordsOf(right).mHash);
+    EXPECT_EQ(1, CountOf(right));
+}
+
+TEST(ConstString, TextRecordAndHandle_AgreeOnTheFirstCharacter)
+{
+    const ConstString handle("text");
+    const auto* const shared = static_cast<const Internal::ConstStringShared<UTF16String>*>(WordsOf(handle).mShared);
+    EXPECT_EQ(shared->mText, handle.c_str());
+    EXPECT_EQ(shared->mString.c_str(), handle.c_str());
+    EXPECT_EQ(handle.c_str(), handle.data());
+    EXPECT_EQ(handle.c_str(), static_cast<const unsigned short*>(handle));
+}
+
+TEST(ConstString, NarrowText_IsDecodedAsUTF8)
+{
+    EXPECT_EQ(UTF16String({'e', 0xE9, 0xD83D, 0xDE00}), UTF16String(ConstString("e\xC3\xA9\xF0\x9F\x98\x80").c_str()));
+    EXPECT_EQ("e\xC3\xA9\xF0\x9F\x98\x80", MakeStdString(ConstString("e\xC3\xA9\xF0\x9F\x98\x80")));
+    EXPECT_EQ("\xEF\xBF\xBD", MakeStdString(ConstString(UTF16String({0xD800}))));
+}
+
+TEST(ConstString, Hash_IsTheSameRuleAtEveryLengthAndPlace)
+{
+    UTF16String text;
+    for (unsigned length = 0; length < 200; ++length) {
+        EXPECT_EQ(PlainHash(text), WordsOf(ConstString(text)).mHash) << length;
+        for (std::size_t start = 0; start < 9 && start < text.size(); ++start) {
+            EXPECT_EQ(PlainHash(text.substr(start)), WordsOf(ConstString::Adoptor::Adopt(text.c_str() + start)).mHash);
+        }
+        text.push_back(static_cast<unsigned short>(length * 2654435761u >> 13 | 1));
+    }
+}
+
+TEST(ConstString, Size_IsCountedOnEveryCall)
+{
+    unsigned short text[] = {'a', 'b', 'c', 0};
+    const ConstString adopted = ConstString::Adoptor::Adopt(text);
+    EXPECT_EQ(3u, adopted.size());
+    text[1] = 0;
+    EXPECT_EQ(1u, adopted.size());
+    text[0] = 0;
+    EXPECT_TRUE(adopted.empty());
+}
+
+TEST(ConstString, HandlesOnSeveralThreads_ShareOneRecord)
+{
+    const ConstString shared("shared between threads");
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&shared] {
+            for (int i = 0; i < 20000; ++i) {
+                ConstString copy(shared);
+                ConstString other;
+                other = copy;
+                ASSERT_TRUE(other == shared);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(1, CountOf(shared));
+}
+
+TEST(ConstString, OnAStream_HonoursWidthFillAndAdjustment)
+{
+    tvxcore::oUTF16StringStream stream;
+    stream << std::setfill(static_cast<unsigned short>('.')) << std::setw(6) << ConstString("ab") << std::left
+           << std::setw(6) << ConstString("ab") << std::internal << std::setw(6) << ConstString("ab")
+           << ConstString("cd");
+    EXPECT_EQ("....abab........abcd", Show(stream.str()));
+    EXPECT_EQ(0, stream.width());
+}
+
+TEST(ConstString, OnAStreamWhoseBufferFails_SetsTheBadBit)
+{
+    std::basic_ostream<unsigned short> stream(nullptr);
+    stream.clear();
+    class Full : public std::basic_streambuf<unsigned short>
+    {
+    } full;
+    stream.rdbuf(&full);
+    stream << ConstString("a");
+    EXPECT_TRUE(stream.bad());
+}
+
+TEST(StdConstString, Bytes_AreCopiedWithoutDecoding)
+{
+    const StdConstString text("e\xC3\xA9");
+    EXPECT_STREQ("e\xC3\xA9", text.c_str());
+    EXPECT_EQ(3u, text.size());
+    EXPECT_EQ((('e' * 5u) + 0xC3u) * 5u + 0xA9u, WordsOf(text).mHash) << "bytes count as unsigned";
+    EXPECT_FALSE((std::is_convertible_v<StdConstString, const char*>));
+}
+
+TEST(StdConstString, EmbeddedZeroByte_EndsTheText)
+{
+    EXPECT_EQ(2u, StdConstString(std::string("ab\0c", 4)).size());
+    EXPECT_TRUE(StdConstString(std::string("ab\0c", 4)) == StdConstString("ab"));
+}
+
+TEST(StdConstString, BehavesAsTheSixteenBitHandle)
+{
+    StdConstString none;
+    const StdConstString empty("");
+    EXPECT_TRUE(none == empty && none.empty());
+    EXPECT_EQ(nullptr, WordsOf(none).mShared);
+    EXPECT_NE(nullptr, WordsOf(empty).mShared);
+    EXPECT_TRUE(StdConstString("af") < StdConstString("ba"));
+    EXPECT_TRUE(StdConstString("ba") > StdConstString("af"));
+    EXPECT_TRUE(StdConstString("b") < StdConstString("aa"));
+    EXPECT_TRUE(StdConstString("af") != StdConstString("ba"));
+    const char* const literal = "literal";
+    StdConstString adopted = StdConstString::Adoptor::Adopt(literal);
+    EXPECT_EQ(literal, adopted.data());
+    EXPECT_EQ(nullptr, WordsOf(adopted).mShared);
+    adopted.swap(none);
+    EXPECT_EQ(literal, none.c_str());
+    EXPECT_TRUE(adopted.empty());
+    none = *&none;
+    EXPECT_EQ(literal, none.c_str());
+}
+
+TEST(StdConstString, EqualHashesAboveSevenBits_CompareAsUnsigned)
+{
+    // 0x7F * 5 + 0x85 equals 0x80 * 5 + 0x80.
+    EXPECT_TRUE(StdConstString("\x7F\x85") < StdConstString("\x80\x80"));
+    EXPECT_FALSE(StdConstString("\x80\x80") < StdConstString("\x7F\x85"));
+}
+
+TEST(StdConstString, OnAStream_IsWidenedByteByByte)
+{
+    tvxcore::oUTF16StringStream stream;
+    stream << std::setw(5) << StdConstString("e\xC3\xA9") << std::left << std::setw(3) << StdConstString("x")
+           << StdConstString("|");
+    EXPECT_EQ("  e<00c3><00a9>x  |", Show(stream.str()));
+    EXPECT_EQ(0, stream.width());
+}
