@@ -1,0 +1,20 @@
+#include <Platform/Locale.h>
+
+#include <stdexcept>
+
+namespace ORL {
+namespace Locale {
+namespace Platform {
+
+std::locale MakeLocale_Impl(const char* inName) noexcept
+{
+    try {
+        return std::locale(inName);
+    } catch (const std::exception&) {
+        return std::locale::classic(); // the environment names a locale that this machine lacks
+    }
+}
+
+} // namespace Platform
+} // namespace Locale
+} // namespace ORL
