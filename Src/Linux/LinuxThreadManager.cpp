@@ -1,0 +1,62 @@
+#include <Platform/ThreadManager.h>
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <cstring>
+
+namespace ORL {
+namespace ThreadManager {
+namespace Platform {
+
+namespace {
+
+constexpr std::size_t kNameLimit = 15; // what the system keeps of a thread's name
+
+// The length of the longest start of a UTF-8 text that fits and ends at a character.
+std::size_t LengthThatFits(const char* inName)
+{
+    const std::size_t length = std::strlen(inName);
+    if (length <= kNameLimit) {
+        return length;
+    }
+    std::size_t end = kNameLimit;
+    while (end > 0 && (static_cast<unsigned char>(inName[end]) & 0xC0u) == 0x80u) {
+        --end;
+    }
+    return end;
+}
+
+} // namespace
+
+std::uint32_t AllocateSlot_Impl()
+{
+    pthread_key_t key = 0;
+    return ::pthread_key_create(&key, nullptr) == 0 ? static_cast<std::uint32_t>(key) : kNoSlot;
+}
+
+void FreeSlot_Impl(std::uint32_t inSlot)
+{
+    ::pthread_key_delete(inSlot);
+}
+
+void* GetSlotValue_Impl(std::uint32_t inSlot)
+{
+    return ::pthread_getspecific(inSlot);
+}
+
+void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
+{
+    ::pthread_setspecific(inSlot, inValue);
+}
+
+void NameThread_Impl(const char* inName)
+{
+    char name[kNameLimit + 1] = {};
+    std::memcpy(name, inName, LengthThatFits(inName));
+    ::pthread_setname_np(::pthread_self(), name);
+}
+
+} // namespace Platform
+} // namespace ThreadManager
+} // namespace ORL

@@ -1,0 +1,192 @@
+#include <ORLThreadManager.h>
+
+#include <ORLDebug.h>
+#include <ORLString.h>
+#include <Platform/ThreadManager.h>
+#include <tvxcore/Executor.h>
+
+#include <atomic>
+#include <cstdint>
+
+namespace ORL {
+namespace ThreadManager {
+
+ThreadInfo::ThreadInfo(const ConstString& inThreadName, const ConstString& inCurrentModule, bool inIsMainThread)
+    : mThreadName(inThreadName), mCurrentModule(inCurrentModule), mIsMainThread(inIsMainThread)
+{
+}
+
+ThreadInfo::~ThreadInfo() = default;
+
+ConstString ThreadInfo::GetThreadName() const
+{
+    return mThreadName;
+}
+
+ConstString ThreadInfo::GetCurrentModule() const
+{
+    return mCurrentModule;
+}
+
+namespace Platform {
+
+namespace {
+
+class PrivateThreadInfo : public ThreadInfo
+{
+public:
+    using ThreadInfo::ThreadInfo;
+};
+
+// Written under the lock of the library's start and stop. Other threads read the first two without a lock, so they
+// are atomics; no order is wanted of them.
+std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
+std::atomic<bool> sInfoIndexAllocated{false};
+ThreadInfo* sMainThreadInfo = nullptr;
+
+ThreadInfo sUnnamedThreadInfo(ConstString("Unnamed Thread"), ConstString("Unnamed Module"), false);
+
+std::uint32_t InfoIndex()
+{
+    return sThreadLocalStorage_InfoIndex.load(std::memory_order_relaxed);
+}
+
+bool IsInfoIndexAllocated()
+{
+    return sInfoIndexAllocated.load(std::memory_order_relaxed);
+}
+
+void NameThreadForDebugger(const ThreadInfo& inInfo)
+{
+    NameThread_Impl(MakeStdString(inInfo.GetThreadName()).c_str());
+}
+
+// The index keeps its number when the slot is freed, so a second start reports the first assertion and goes on.
+void AllocateInfoIndex()
+{
+    ORL_ASSERT_MESSAGE_AT(InfoIndex() == kNoSlot, "sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES", "", __FILE__,
+                          __LINE__, "ORL::ThreadManager::Platform::RegisterMainThread");
+    sThreadLocalStorage_InfoIndex.store(AllocateSlot_Impl(), std::memory_order_relaxed);
+    ORL_ASSERT_MESSAGE_AT(InfoIndex() != kNoSlot, "sThreadLocalStorage_InfoIndex != TLS_OUT_OF_INDEXES", "", __FILE__,
+                          __LINE__, "ORL::ThreadManager::Platform::RegisterMainThread");
+    sInfoIndexAllocated.store(true, std::memory_order_relaxed);
+}
+
+void RegisterMainThread()
+{
+    ORL_CONTRACT_AT_(!IsInfoIndexAllocated(), "sInfoIndexAllocated == false", __FILE__, __LINE__,
+                     ::ORL::Debug::ThrowInputContractError);
+    if (!IsInfoIndexAllocated()) {
+        AllocateInfoIndex();
+    }
+    if (InfoIndex() == kNoSlot) {
+        return;
+    }
+    sMainThreadInfo = new PrivateThreadInfo(ConstString("CorvantoMain"), ConstString("Corvanto"), true);
+    SetSlotValue_Impl(InfoIndex(), sMainThreadInfo);
+    NameThreadForDebugger(*sMainThreadInfo);
+}
+
+void UnregisterMainThread()
+{
+    if (sMainThreadInfo != nullptr) {
+        SetSlotValue_Impl(InfoIndex(), nullptr);
+        delete sMainThreadInfo;
+        sMainThreadInfo = nullptr;
+    }
+    if (IsInfoIndexAllocated()) {
+        FreeSlot_Impl(InfoIndex());
+        sInfoIndexAllocated.store(false, std::memory_order_relaxed);
+    }
+}
+
+void RegisterThread(const ConstString& inThreadName, const ConstString& inCurrentModule)
+{
+    ORL_CONTRACT_AT_(IsInfoIndexAllocated(), "sInfoIndexAllocated", __FILE__, __LINE__,
+                     ::ORL::Debug::ThrowInputContractError);
+    if (InfoIndex() == kNoSlot) {
+        return;
+    }
+    ThreadInfo* const info = new PrivateThreadInfo(inThreadName, inCurrentModule, false);
+    SetSlotValue_Impl(InfoIndex(), info);
+    NameThreadForDebugger(*info);
+}
+
+// The slot is not cleared: a thread unregisters as its last act.
+void UnregisterThread()
+{
+    ORL_CONTRACT_AT_(IsInfoIndexAllocated(), "sInfoIndexAllocated", __FILE__, __LINE__,
+                     ::ORL::Debug::ThrowInputContractError);
+    if (InfoIndex() == kNoSlot) {
+        return;
+    }
+    ThreadInfo* const info = static_cast<ThreadInfo*>(GetSlotValue_Impl(InfoIndex()));
+    ORL_INPUT_CONTRACT(info);
+    delete info;
+}
+
+ThreadInfo* GetCurrentThreadInfo()
+{
+    return InfoIndex() == kNoSlot ? nullptr : static_cast<ThreadInfo*>(GetSlotValue_Impl(InfoIndex()));
+}
+
+} // namespace
+} // namespace Platform
+
+namespace {
+
+// The single place that touches the main thread's identifier, which is set once and never reset. True when the
+// calling thread is the main thread.
+bool SetOrCheckMainThreadID(bool inSet)
+{
+    static std::atomic<std::uint32_t> mainThreadID{0};
+    const std::uint32_t thisThreadID = static_cast<std::uint32_t>(tvxcore::threads::GetCurrentThreadID());
+    if (inSet) {
+        std::uint32_t none = 0;
+        if (!mainThreadID.compare_exchange_strong(none, thisThreadID)) {
+            ORL_ASSERT_MESSAGE_AT(mainThreadID.load() == thisThreadID,
+                                  "tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID",
+                                  "RegisterMainThread has been called from more than one thread.\r\n", __FILE__,
+                                  __LINE__, "ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID");
+        }
+    }
+    return mainThreadID.load() == thisThreadID;
+}
+
+} // namespace
+
+void RegisterMainThread()
+{
+    SetOrCheckMainThreadID(true);
+    Platform::RegisterMainThread();
+}
+
+void UnregisterMainThread()
+{
+    Platform::UnregisterMainThread();
+}
+
+void RegisterThread(ConstString& inThreadName, ConstString& inCurrentModule)
+{
+    ORL_INPUT_CONTRACT(!inThreadName.empty() && !inCurrentModule.empty());
+    Platform::RegisterThread(inThreadName, inCurrentModule);
+}
+
+void UnregisterThread()
+{
+    Platform::UnregisterThread();
+}
+
+ThreadInfo* GetCurrentThreadInfo()
+{
+    ThreadInfo* const info = Platform::GetCurrentThreadInfo();
+    return info != nullptr ? info : &Platform::sUnnamedThreadInfo;
+}
+
+bool CurrentThreadIsMainThread()
+{
+    return SetOrCheckMainThreadID(false);
+}
+
+} // namespace ThreadManager
+} // namespace ORL

@@ -1,0 +1,68 @@
+#include <Platform/ThreadManager.h>
+
+#include <windows.h>
+
+namespace ORL {
+namespace ThreadManager {
+namespace Platform {
+
+namespace {
+
+constexpr DWORD kNamesAThread = 0x406D1388;
+
+// What a debugger reads when it is told the name of a thread.
+#pragma pack(push, 8)
+struct ThreadNameRecord
+{
+    DWORD mType;
+    LPCSTR mName;
+    DWORD mThreadID;
+    DWORD mFlags;
+};
+#pragma pack(pop)
+
+// With no debugger attached the exception is answered here and has no effect.
+LONG CALLBACK GoOnAfterNaming(EXCEPTION_POINTERS* inPointers)
+{
+    return inPointers->ExceptionRecord->ExceptionCode == kNamesAThread ? EXCEPTION_CONTINUE_EXECUTION
+                                                                       : EXCEPTION_CONTINUE_SEARCH;
+}
+
+} // namespace
+
+std::uint32_t AllocateSlot_Impl()
+{
+    static_assert(kNoSlot == TLS_OUT_OF_INDEXES, "the system's own mark of no slot");
+    return ::TlsAlloc();
+}
+
+void FreeSlot_Impl(std::uint32_t inSlot)
+{
+    ::TlsFree(inSlot);
+}
+
+void* GetSlotValue_Impl(std::uint32_t inSlot)
+{
+    return ::TlsGetValue(inSlot);
+}
+
+void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
+{
+    ::TlsSetValue(inSlot, inValue);
+}
+
+void NameThread_Impl(const char* inName)
+{
+    const ThreadNameRecord record = {0x1000, inName, ::GetCurrentThreadId(), 0};
+    PVOID const handler = ::AddVectoredExceptionHandler(1, &GoOnAfterNaming);
+    if (handler == nullptr) {
+        return; // raised with nobody to answer it, the exception would end the process
+    }
+    ::RaiseException(kNamesAThread, 0, sizeof(record) / sizeof(ULONG_PTR),
+                     reinterpret_cast<const ULONG_PTR*>(&record));
+    ::RemoveVectoredExceptionHandler(handler);
+}
+
+} // namespace Platform
+} // namespace ThreadManager
+} // namespace ORL

@@ -1,0 +1,182 @@
+#include <ORLThreadManager.h>
+
+#include <CheckRecorder.h>
+#include <ORLString.h>
+
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace ORL;
+using ORLTest::CheckReport;
+
+// The main thread of a process is fixed once, so every test here runs in a process of its own under the test command,
+// and the tests below hold in one process too as long as one thread registers.
+
+namespace {
+
+std::string NameOfThisThread()
+{
+    return MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetThreadName());
+}
+
+std::string ModuleOfThisThread()
+{
+    return MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetCurrentModule());
+}
+
+template <class Function>
+void OnAnotherThread(Function inFunction)
+{
+    std::thread(inFunction).join();
+}
+
+// A start and a stop of the records around each test.
+class ThreadRecords : public testing::Test
+{
+protected:
+    void SetUp() override { ThreadManager::RegisterMainThread(); }
+    void TearDown() override { ThreadManager::UnregisterMainThread(); }
+
+    ORLTest::CheckRecorder mRecorder;
+};
+
+} // namespace
+
+TEST_F(ThreadRecords, MainThread_IsNamedAndOthersAreUnnamed)
+{
+    EXPECT_EQ("CorvantoMain", NameOfThisThread());
+    EXPECT_EQ("Corvanto", ModuleOfThisThread());
+    OnAnotherThread([] {
+        EXPECT_EQ("Unnamed Thread", NameOfThisThread());
+        EXPECT_EQ("Unnamed Module", ModuleOfThisThread());
+        EXPECT_FALSE(ThreadManager::CurrentThreadIsMainThread());
+    });
+    EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
+}
+
+TEST_F(ThreadRecords, RegisteredThread_HasItsOwnRecord)
+{
+    OnAnotherThread([] {
+        ConstString name("Worker");
+        ConstString module("Renderer");
+        ThreadManager::RegisterThread(name, module);
+        EXPECT_EQ("Worker", NameOfThisThread());
+        EXPECT_EQ("Renderer", ModuleOfThisThread());
+        ThreadManager::UnregisterThread();
+    });
+    EXPECT_EQ("CorvantoMain", NameOfThisThread());
+}
+
+TEST_F(ThreadRecords, EmptyNames_FireTheContractAndTheRecordIsStillBuilt)
+{
+    mRecorder.Clear();
+    OnAnotherThread([] {
+        ConstString name;
+        ConstString module("Renderer");
+        ThreadManager::RegisterThread(name, module);
+        EXPECT_EQ("", NameOfThisThread());
+        EXPECT_EQ("Renderer", ModuleOfThisThread());
+        ThreadManager::UnregisterThread();
+    });
+    const std::vector<CheckReport> reports = mRecorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ("!inThreadName.empty() && !inCurrentModule.empty()", reports[0].mExpression);
+}
+
+TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStaysMain)
+{
+    mRecorder.Clear();
+    OnAnotherThread([] {
+        // The slot is allocated already: the contract of that comes back too, and the record of the first is replaced.
+        ThreadManager::RegisterMainThread();
+        EXPECT_FALSE(ThreadManager::CurrentThreadIsMainThread());
+        ThreadManager::UnregisterMainThread();
+    });
+    EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
+    const std::vector<CheckReport> asserts = mRecorder.Reports(CheckReport::kAssert);
+    ASSERT_EQ(1u, asserts.size());
+    EXPECT_EQ("tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID", asserts[0].mExpression);
+    EXPECT_EQ("RegisterMainThread has been called from more than one thread.\r\n", asserts[0].mMessage);
+    EXPECT_EQ("ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID", asserts[0].mFunction);
+    const std::vector<CheckReport> contracts = mRecorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, contracts.size());
+    EXPECT_EQ("sInfoIndexAllocated == false", contracts[0].mExpression);
+}
+
+TEST_F(ThreadRecords, UnregisterOfAThreadWithoutRecord_FiresTheContract)
+{
+    mRecorder.Clear();
+    OnAnotherThread([] { ThreadManager::UnregisterThread(); });
+    const std::vector<CheckReport> reports = mRecorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ("info", reports[0].mExpression);
+}
+
+TEST_F(ThreadRecords, ManyThreadsAtOnce_EachSeeTheirOwnRecord)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([i] {
+            for (int round = 0; round < 100; ++round) {
+                const std::string text = "worker " + std::to_string(i) + "." + std::to_string(round);
+                ConstString name(text.c_str());
+                ConstString module("Test");
+                ThreadManager::RegisterThread(name, module);
+                EXPECT_EQ(text, NameOfThisThread());
+                ThreadManager::UnregisterThread();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST(ThreadManager, BeforeRegistration_EveryThreadIsUnnamedAndNoneIsMain)
+{
+    OnAnotherThread([] {
+        EXPECT_EQ("Unnamed Thread", NameOfThisThread());
+        EXPECT_EQ("Unnamed Module", ModuleOfThisThread());
+        EXPECT_FALSE(ThreadManager::CurrentThreadIsMainThread());
+    });
+}
+
+TEST(ThreadManager, BeforeAStart_RegisteringAThreadFiresTheContract)
+{
+    ORLTest::CheckRecorder recorder;
+    recorder.mThrow = true;
+    ConstString name("Early");
+    ConstString module("Test");
+    EXPECT_THROW(ThreadManager::RegisterThread(name, module), ORLTest::CheckRecorder::ContractError);
+    EXPECT_THROW(ThreadManager::UnregisterThread(), ORLTest::CheckRecorder::ContractError);
+    const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(2u, reports.size());
+    EXPECT_EQ("sInfoIndexAllocated", reports[0].mExpression);
+    EXPECT_EQ("sInfoIndexAllocated", reports[1].mExpression);
+}
+
+TEST(ThreadManager, AfterUnregistering_TheMainThreadStaysMain)
+{
+    ORLTest::CheckRecorder recorder;
+    ThreadManager::RegisterMainThread();
+    ThreadManager::UnregisterMainThread();
+    EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
+    EXPECT_EQ("Unnamed Thread", NameOfThisThread());
+}
+
+TEST(ThreadManager, SecondCycle_ReportsTheOldNumberOnceAndAllocatesAgain)
+{
+    ORLTest::CheckRecorder recorder;
+    ThreadManager::RegisterMainThread();
+    ThreadManager::UnregisterMainThread();
+    recorder.Clear();
+    ThreadManager::RegisterMainThread();
+    const std::vector<CheckReport> reports = recorder.Reports();
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
+    EXPECT_EQ("sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES", reports[0].mExpression);
+    EXPECT_EQ("CorvantoMain", NameOfThisThread());
+    ThreadManager::UnregisterMainThread();
+}
