@@ -1,0 +1,61 @@
+#include "SystemCalls.h"
+
+#include <dirent.h>
+#include <liburing.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+int Open(const char* inPath, int inFlags, mode_t inMode)
+{
+    return ::open(inPath, inFlags, inMode);
+}
+
+// The call is inline in the library's header and has no address of its own.
+int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
+{
+    return ::io_uring_wait_cqe(ioRing, outCompletion);
+}
+
+constexpr SystemCalls TheSystem()
+{
+    SystemCalls calls{};
+    calls.mOpen = &Open;
+    calls.mClose = &::close;
+    calls.mPRead = &::pread;
+    calls.mGetDents = &::getdents64;
+    calls.mStatx = &::statx;
+    calls.mStatVfs = &::statvfs;
+    calls.mStatFs = &::statfs;
+    calls.mMakeDir = &::mkdir;
+    calls.mRename = &::rename;
+    calls.mUnlink = &::unlink;
+    calls.mFAdvise = &::posix_fadvise;
+    calls.mGetCwd = &::getcwd;
+    calls.mRealPath = &::realpath;
+    calls.mClockGetTime = &::clock_gettime;
+    calls.mUringQueueInit = &::io_uring_queue_init_params;
+    calls.mUringSubmit = &::io_uring_submit;
+    calls.mUringWaitCqe = &WaitCqe;
+    calls.mUringQueueExit = &::io_uring_queue_exit;
+    return calls;
+}
+
+} // namespace
+
+const SystemCalls kSystem = TheSystem();
+
+std::atomic<const SystemCalls*> sSystemCalls{&kSystem};
+
+const SystemCalls* InstallSystemCalls(const SystemCalls* inCalls) noexcept
+{
+    return sSystemCalls.exchange(inCalls != nullptr ? inCalls : &kSystem, std::memory_order_acq_rel);
+}
+
+} // namespace Linux
+} // namespace ORL

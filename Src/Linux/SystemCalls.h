@@ -1,0 +1,77 @@
+// The one table through which every system call of these sources goes. The product's table forwards; a test installs
+// one that fails, shortens or holds a call. The indirection costs a nanosecond beside the call itself.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statfs.h>
+#include <sys/statvfs.h>
+#include <sys/types.h>
+#include <time.h>
+
+struct io_uring;
+struct io_uring_params;
+struct io_uring_cqe;
+
+// X(name, failure, result, parameters, arguments, size)
+//   failure  Errno: -1 and errno.  Null: a null pointer and errno.  Number: the error number itself.
+//            Negative: the error number, negated.  Nothing: cannot fail.
+//   size     the byte count that a short transfer shortens, else sNoSize.
+// A call joins the list when a source first needs it; the table, its forwards and the faulty table of the tests all
+// follow from here.
+#define ORL_LINUX_SYSTEM_CALLS(X)                                                                                      \
+    X(Open, Errno, int, (const char* inPath, int inFlags, mode_t inMode), (inPath, inFlags, inMode), sNoSize)          \
+    X(Close, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
+    X(PRead, Errno, ssize_t, (int inFile, void* outBuffer, std::size_t inSize, off_t inPosition),                      \
+      (inFile, outBuffer, inSize, inPosition), inSize)                                                                 \
+    X(GetDents, Errno, ssize_t, (int inFolder, void* outBuffer, std::size_t inSize), (inFolder, outBuffer, inSize),    \
+      sNoSize)                                                                                                         \
+    X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
+      (inFolder, inPath, inFlags, inMask, outStatus), sNoSize)                                                         \
+    X(StatVfs, Errno, int, (const char* inPath, struct statvfs* outStatus), (inPath, outStatus), sNoSize)              \
+    X(StatFs, Errno, int, (const char* inPath, struct statfs* outStatus), (inPath, outStatus), sNoSize)                \
+    X(MakeDir, Errno, int, (const char* inPath, mode_t inMode), (inPath, inMode), sNoSize)                             \
+    X(Rename, Errno, int, (const char* inFrom, const char* inTo), (inFrom, inTo), sNoSize)                             \
+    X(Unlink, Errno, int, (const char* inPath), (inPath), sNoSize)                                                     \
+    X(FAdvise, Number, int, (int inFile, off_t inPosition, off_t inSize, int inAdvice),                                \
+      (inFile, inPosition, inSize, inAdvice), sNoSize)                                                                 \
+    X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \
+    X(RealPath, Null, char*, (const char* inPath, char* outResolved), (inPath, outResolved), sNoSize)                  \
+    X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \
+    X(UringQueueInit, Negative, int, (unsigned inEntries, io_uring* outRing, io_uring_params* ioParameters),           \
+      (inEntries, outRing, ioParameters), sNoSize)                                                                     \
+    X(UringSubmit, Negative, int, (io_uring * ioRing), (ioRing), sNoSize)                                              \
+    X(UringWaitCqe, Negative, int, (io_uring * ioRing, io_uring_cqe * *outCompletion), (ioRing, outCompletion),        \
+      sNoSize)                                                                                                         \
+    X(UringQueueExit, Nothing, void, (io_uring * ioRing), (ioRing), sNoSize)
+
+namespace ORL {
+namespace Linux {
+
+struct SystemCalls
+{
+#define ORL_DECLARE_CALL(name, failure, result, parameters, arguments, size) result(*m##name) parameters;
+    ORL_LINUX_SYSTEM_CALLS(ORL_DECLARE_CALL)
+#undef ORL_DECLARE_CALL
+};
+
+/// The system itself.
+extern const SystemCalls kSystem;
+
+/// The table in use. Constant-initialised, so that statics may call before main.
+extern std::atomic<const SystemCalls*> sSystemCalls;
+
+inline const SystemCalls& System() noexcept
+{
+    return *sSystemCalls.load(std::memory_order_acquire);
+}
+
+/// Puts a table in use, which must outlive its use, and gives back the earlier one. Null stands for kSystem. A call
+/// already under way still goes to the earlier table.
+const SystemCalls* InstallSystemCalls(const SystemCalls* inCalls) noexcept;
+
+} // namespace Linux
+} // namespace ORL

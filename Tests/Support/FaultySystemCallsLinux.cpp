@@ -1,0 +1,165 @@
+#include <FaultySystemCallsLinux.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace ORLTest {
+
+using ORL::Linux::SystemCalls;
+
+class FaultySystemCalls::State
+{
+public:
+    struct Plan
+    {
+        Call mCall;
+        unsigned mFirst;
+        unsigned mCount;
+        int mErrno;
+        std::size_t mShortenBy;
+        std::function<void()> mAction;
+    };
+
+    /// Counts one call and applies its plans: answers the error that it fails with, or 0.
+    int Enter(Call inCall, std::size_t& ioSize)
+    {
+        int error = 0;
+        for (const Plan& plan : Take(inCall)) {
+            if (plan.mAction) {
+                plan.mAction();
+            }
+            ioSize -= std::min(plan.mShortenBy, ioSize - std::min<std::size_t>(ioSize, 1));
+            error = plan.mErrno != 0 ? plan.mErrno : error;
+        }
+        return error;
+    }
+
+    void Add(Call inCall, unsigned inNumber, unsigned inCount, int inErrno, std::size_t inShortenBy,
+             std::function<void()> inAction)
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mPlans.push_back({inCall, mCounts[inCall] + inNumber, inCount, inErrno, inShortenBy, std::move(inAction)});
+    }
+
+    unsigned Count(Call inCall) const
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        return mCounts[inCall];
+    }
+
+    SystemCalls mUnderneath = ORL::Linux::kSystem;
+
+private:
+    // Counts the call and gives the plans that fit. They are carried out without the lock, since one may wait.
+    std::vector<Plan> Take(Call inCall)
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const unsigned number = ++mCounts[inCall];
+        std::vector<Plan> fitting;
+        for (const Plan& plan : mPlans) {
+            if (plan.mCall == inCall && number >= plan.mFirst && number - plan.mFirst < plan.mCount) {
+                fitting.push_back(plan);
+            }
+        }
+        return fitting;
+    }
+
+    mutable std::mutex mMutex;
+    unsigned mCounts[kCallCount] = {};
+    std::vector<Plan> mPlans;
+};
+
+namespace {
+
+FaultySystemCalls::State* sState = nullptr;
+
+template <class Result>
+Result FailErrno(int inErrno)
+{
+    errno = inErrno;
+    return -1;
+}
+
+template <class Result>
+Result FailNull(int inErrno)
+{
+    errno = inErrno;
+    return nullptr;
+}
+
+template <class Result>
+Result FailNumber(int inErrno)
+{
+    return inErrno;
+}
+
+template <class Result>
+Result FailNegative(int inErrno)
+{
+    return -inErrno;
+}
+
+template <class Result>
+Result FailNothing(int)
+{
+}
+
+#define ORL_FAULTY_CALL(name, failure, result, parameters, arguments, size)                                            \
+    result Faulty##name parameters                                                                                     \
+    {                                                                                                                  \
+        [[maybe_unused]] std::size_t sNoSize = 0;                                                                      \
+        const int error = sState->Enter(FaultySystemCalls::k##name, size);                                             \
+        return error != 0 ? Fail##failure<result>(error) : sState->mUnderneath.m##name arguments;                      \
+    }
+ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_CALL)
+#undef ORL_FAULTY_CALL
+
+constexpr SystemCalls kFaulty = {
+#define ORL_FAULTY_ENTRY(name, failure, result, parameters, arguments, size) &Faulty##name,
+    ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_ENTRY)
+#undef ORL_FAULTY_ENTRY
+};
+
+} // namespace
+
+FaultySystemCalls::FaultySystemCalls() : mState(std::make_unique<State>())
+{
+    sState = mState.get();
+    mEarlier = ORL::Linux::InstallSystemCalls(&kFaulty);
+}
+
+FaultySystemCalls::~FaultySystemCalls()
+{
+    ORL::Linux::InstallSystemCalls(mEarlier);
+    sState = nullptr;
+}
+
+void FaultySystemCalls::Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount)
+{
+    mState->Add(inCall, inNumber, inCount, inErrno, 0, {});
+}
+
+void FaultySystemCalls::Shorten(Call inCall, unsigned inNumber, std::size_t inBytes)
+{
+    mState->Add(inCall, inNumber, 1, 0, inBytes, {});
+}
+
+void FaultySystemCalls::Before(Call inCall, unsigned inNumber, std::function<void()> inAction)
+{
+    mState->Add(inCall, inNumber, 1, 0, 0, std::move(inAction));
+}
+
+unsigned FaultySystemCalls::Count(Call inCall) const
+{
+    return mState->Count(inCall);
+}
+
+SystemCalls& FaultySystemCalls::Underneath() noexcept
+{
+    return mState->mUnderneath;
+}
+
+} // namespace ORLTest

@@ -1,0 +1,57 @@
+// System calls that fail, fall short or are held, where and when a test says so.
+#pragma once
+
+#include <Linux/SystemCalls.h>
+
+#include <functional>
+#include <memory>
+
+namespace ORLTest {
+
+/// While it lives, every system call of the library goes through it. One at a time; safe from any thread.
+///
+///   FaultySystemCalls calls;
+///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails
+///   calls.Shorten(FaultySystemCalls::kPRead, 1, 100);     // the next one gives 100 bytes less
+///   calls.Before(FaultySystemCalls::kOpen, 1, [&] { go.wait(); });   // the next open is held until go
+class FaultySystemCalls
+{
+public:
+    enum Call {
+#define ORL_NAME_CALL(name, failure, result, parameters, arguments, size) k##name,
+        ORL_LINUX_SYSTEM_CALLS(ORL_NAME_CALL)
+#undef ORL_NAME_CALL
+            kCallCount
+    };
+
+    static constexpr unsigned kForEver = ~0u;
+
+    FaultySystemCalls();
+    ~FaultySystemCalls();
+    FaultySystemCalls(const FaultySystemCalls&) = delete;
+    FaultySystemCalls& operator=(const FaultySystemCalls&) = delete;
+
+    /// inNumber counts the calls of that kind from now on; 1 is the next. inCount calls in a row fail.
+    void Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount = 1);
+
+    /// Takes inBytes from the size that is asked for, but leaves 1 byte.
+    void Shorten(Call inCall, unsigned inNumber, std::size_t inBytes);
+
+    /// Runs inAction before the call, on its thread. This is how a call is delayed: by an event, not by time.
+    void Before(Call inCall, unsigned inNumber, std::function<void()> inAction);
+
+    /// Calls of that kind so far.
+    unsigned Count(Call inCall) const;
+
+    /// The calls that are made underneath; at first the system's. A test may put its own answers here before the
+    /// first call.
+    ORL::Linux::SystemCalls& Underneath() noexcept;
+
+    class State;
+
+private:
+    const ORL::Linux::SystemCalls* mEarlier;
+    std::unique_ptr<State> mState;
+};
+
+} // namespace ORLTest
