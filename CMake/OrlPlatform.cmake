@@ -28,6 +28,7 @@ else()
   set(ORL_BOOST_THREAD Boost::thread Threads::Threads)
   set(ORL_ICU ICU::uc ICU::i18n)
   set(ORL_URING PkgConfig::LIBURING)
+  set(ORL_SYSTEM_LIBRARIES "")
 endif()
 
 # What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.

@@ -1,0 +1,232 @@
+#include <HomePathText.h>
+
+#include <algorithm>
+#include <tvxcore/Text.h>
+#include <utility>
+#include <vector>
+
+namespace ORL {
+namespace PathUtils {
+namespace HomeText {
+
+namespace {
+
+using Unit = unsigned short;
+
+UTF16String UpToTerminator(const UTF16String& inText)
+{
+    return UTF16String(inText.c_str());
+}
+
+bool IsUNC(const UTF16String& inPath) noexcept
+{
+    return inPath.size() >= 2 && inPath[0] == '\\' && inPath[1] == '\\';
+}
+
+bool HasDrive(const UTF16String& inPath) noexcept
+{
+    return inPath.size() >= 2 && inPath[1] == ':';
+}
+
+bool EqualIgnoringCase(Unit inLeft, Unit inRight)
+{
+    if (inLeft == inRight) {
+        return true;
+    }
+    return tvxcore::utility::FoldCase(UTF16String(1, inLeft)) == tvxcore::utility::FoldCase(UTF16String(1, inRight));
+}
+
+} // namespace
+
+UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
+                     const UTF16String& inExtension)
+{
+    UTF16String path;
+    path.reserve(inDirectory.size() + inFile.size() + inExtension.size() + 5);
+    if (*inDrive.c_str() != 0) {
+        path += inDrive[0];
+        path += ':';
+    }
+    if (*inDirectory.c_str() != 0) {
+        path += inDirectory.c_str();
+        if (path.back() != '\\' && path.back() != '/') {
+            path += '\\';
+        }
+    }
+    path += inFile.c_str();
+    if (*inExtension.c_str() != 0) {
+        if (inExtension[0] != '.') {
+            path += '.';
+        }
+        path += inExtension.c_str();
+    }
+    return path;
+}
+
+const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept
+{
+    if (inPath == nullptr || *inPath == 0) {
+        return nullptr;
+    }
+    while (*inPath != 0 && *inPath != '\\') {
+        ++inPath;
+    }
+    if (*inPath == 0) {
+        return inPath;
+    }
+    return inPath + (inPath[1] == '\\' ? 2 : 1);
+}
+
+namespace {
+
+// The length of what both paths begin with, up to the end of a name.
+std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
+{
+    if (IsUNC(inLeft) != IsUNC(inRight)) {
+        return 0;
+    }
+    const auto ends = [](const UTF16String& inPath, std::size_t inAt) {
+        return inAt >= inPath.size() || inPath[inAt] == '\\';
+    };
+    std::size_t length = 0;
+    for (std::size_t i = IsUNC(inLeft) ? 2 : 0;; ++i) {
+        if (ends(inLeft, i) && ends(inRight, i)) {
+            length = i;
+        }
+        if (i >= inLeft.size() || i >= inRight.size() || !EqualIgnoringCase(inLeft[i], inRight[i])) {
+            break;
+        }
+    }
+    // Two units are taken for a drive, whose backslash belongs to it.
+    return length == 2 ? 3 : length;
+}
+
+// One step up for each name from inAt on.
+UTF16String StepsUp(const UTF16String& inFrom, std::size_t inAt)
+{
+    UTF16String steps;
+    const Unit* from = inFrom.c_str() + std::min(inAt, inFrom.size());
+    if (*from == 0) {
+        steps = TVX_UTF16(".");
+    }
+    if (*from == '\\') {
+        ++from;
+    }
+    while (*from != 0) {
+        from = FindNextComponent(from);
+        steps += *from != 0 ? TVX_UTF16("..\\") : TVX_UTF16("..");
+    }
+    return steps;
+}
+
+} // namespace
+
+bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
+{
+    const UTF16String from = UpToTerminator(inFrom);
+    const UTF16String to = UpToTerminator(inTo);
+    const std::size_t common = CommonPrefix(from, to);
+    if (common == 0) {
+        return false;
+    }
+    UTF16String relative = StepsUp(from, common);
+    if (common < to.size()) {
+        // What is left of the target keeps the backslash before it.
+        relative += to.substr(to[common] == '\\' ? common : common - 1);
+    }
+    if (relative.size() >= kMaxPath) {
+        return false;
+    }
+    outRelative = std::move(relative);
+    return true;
+}
+
+bool IsRoot(const UTF16String& inPath) noexcept
+{
+    const std::size_t size = inPath.size();
+    if (IsUNC(inPath)) {
+        return std::count(inPath.begin() + 2, inPath.end(), Unit('\\')) <= 1;
+    }
+    return (size == 1 && inPath[0] == '\\') || (size == 3 && inPath[1] == ':' && inPath[2] == '\\');
+}
+
+namespace {
+
+// The length of the part that ".." cannot take away, its backslash included: "X:\", "\\server\share\", "\".
+std::size_t RootLength(const UTF16String& inPath)
+{
+    if (IsUNC(inPath)) {
+        const std::size_t behindServer = inPath.find('\\', 2);
+        const std::size_t behindShare =
+            behindServer == UTF16String::npos ? behindServer : inPath.find('\\', behindServer + 1);
+        return behindShare == UTF16String::npos ? inPath.size() : behindShare + 1;
+    }
+    const std::size_t drive = HasDrive(inPath) ? 2 : 0;
+    return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);
+}
+
+// Resolves "." and ".." behind the root.
+UTF16String Canonical(const UTF16String& inPath)
+{
+    const std::size_t root = RootLength(inPath);
+    UTF16String path(inPath, 0, root);
+    for (std::size_t at = root; at < inPath.size();) {
+        const std::size_t end = std::min(inPath.find('\\', at), inPath.size());
+        const UTF16String name(inPath, at, end - at);
+        const bool isLast = end == inPath.size();
+        if (name == TVX_UTF16("..")) {
+            // Takes the backslash before the name too, unless it is the root's.
+            const std::size_t backslash = path.size() > root ? path.rfind('\\', path.size() - 2) : UTF16String::npos;
+            path.resize(backslash == UTF16String::npos ? root : std::max(root, backslash + 1));
+            if (isLast && path.size() > root) {
+                path.pop_back();
+            }
+        } else if (name != TVX_UTF16(".")) {
+            path += name;
+            if (!isLast) {
+                path += '\\';
+            }
+        }
+        at = end + 1;
+    }
+    if (path.size() == 2 && HasDrive(path)) {
+        path += '\\';
+    }
+    return path;
+}
+
+UTF16String Join(const UTF16String& inBase, const UTF16String& inMore)
+{
+    UTF16String path = inBase;
+    if (!path.empty() && path.back() != '\\') {
+        path += '\\';
+    }
+    return path += inMore;
+}
+
+} // namespace
+
+bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath)
+{
+    const UTF16String base = UpToTerminator(inBase);
+    const UTF16String more = UpToTerminator(inMore);
+    UTF16String joined;
+    if (more.empty()) {
+        joined = base;
+    } else if (HasDrive(more) || IsUNC(more)) {
+        joined = more;
+    } else if (more[0] == '\\') {
+        joined = Join(UTF16String(base, 0, RootLength(base)), more.substr(1));
+    } else {
+        joined = Join(base, more);
+    }
+    if (joined.size() >= kMaxPath) {
+        return false;
+    }
+    outPath = Canonical(joined);
+    return true;
+}
+
+} // namespace HomeText
+} // namespace PathUtils
+} // namespace ORL

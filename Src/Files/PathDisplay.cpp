@@ -1,0 +1,90 @@
+// Paths in the words that the shell shows to a user.
+#include <PathForms.h>
+#include <Platform/Paths.h>
+
+#include <ORLPathUtils.h>
+#include <algorithm>
+#include <utility>
+
+namespace ORL {
+namespace PathUtils {
+
+namespace {
+
+// From this length on the shell is left out: its objects take plain paths of a limited length.
+constexpr std::size_t kTooLongForShell = 261;
+
+UTF16String TakeWhole(UTF16String& ioPath)
+{
+    UTF16String whole;
+    whole.swap(ioPath);
+    return whole;
+}
+
+// The plain leaf of a path that the shell does not take. One that ends in a backslash is given whole and stays.
+UTF16String TakePlainLeaf(UTF16String& ioPath)
+{
+    const std::size_t backslash = ioPath.rfind('\\');
+    if (backslash == UTF16String::npos || backslash + 1 == ioPath.size()) {
+        return ioPath;
+    }
+    UTF16String leaf(ioPath, backslash + 1);
+    ioPath.resize(backslash);
+    return leaf;
+}
+
+// \\server\share and what is shorter.
+bool IsShareOrServer(const UTF16String& inPath)
+{
+    return inPath.compare(0, 2, TVX_UTF16("\\\\")) == 0 && std::count(inPath.begin(), inPath.end(), '\\') < 4;
+}
+
+} // namespace
+
+UTF16String GetLeafDisplayName(UTF16String& ioPath)
+{
+    if (ioPath.size() >= kTooLongForShell) {
+        return TakePlainLeaf(ioPath);
+    }
+    const std::size_t backslash = ioPath.rfind('\\');
+    if (ioPath.size() < 4 || IsShareOrServer(ioPath) || backslash == UTF16String::npos) {
+        return TakeWhole(ioPath);
+    }
+    UTF16String name(ioPath, backslash + 1);
+    const UTF16String whole = ioPath;
+    ioPath.resize(backslash);
+    // Where the shell fails the plain leaf stands.
+    Platform::GetShellName_Impl(whole, name);
+    return name;
+}
+
+UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath)
+{
+    if (!IsNormalizedPath(inPath)) {
+        return inPath;
+    }
+    UTF16String path = Win::StripUNC(inPath);
+    return GetLeafDisplayName(path);
+}
+
+UTF16String GetDisplayStringFromPath(const UTF16String& inPath)
+{
+    if (!IsNormalizedPath(inPath)) {
+        return inPath;
+    }
+    UTF16String path = RemoveTrailingSlash(Win::StripUNC(inPath));
+    UTF16String display;
+    while (!path.empty()) {
+        const std::size_t size = path.size();
+        UTF16String name = GetLeafDisplayName(path);
+        if (path.size() == size) {
+            // A long path that ends in a backslash: it was taken whole, and there is nothing to walk up to.
+            path.clear();
+        }
+        display = display.empty() ? std::move(name) : name + UTF16String(1, '\\') + display;
+    }
+    return display;
+}
+
+} // namespace PathUtils
+} // namespace ORL

@@ -1,0 +1,53 @@
+#include "PathParts.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace ORL {
+namespace PathUtils {
+
+namespace {
+
+// The length up to the terminator. A path hardly ever holds one inside, so four units are looked at together: a unit
+// is 0 where taking 1 from it borrows.
+std::size_t LengthToTerminator(const unsigned short* inText, std::size_t inSize) noexcept
+{
+    std::size_t i = 0;
+    for (; i + 4 <= inSize; i += 4) {
+        std::uint64_t four;
+        std::memcpy(&four, inText + i, sizeof(four));
+        if (((four - 0x0001000100010001u) & ~four & 0x8000800080008000u) != 0) {
+            break;
+        }
+    }
+    while (i < inSize && inText[i] != 0) {
+        ++i;
+    }
+    return i;
+}
+
+bool IsSeparator(unsigned short inUnit) noexcept
+{
+    return inUnit == '\\' || inUnit == '/';
+}
+
+} // namespace
+
+PathParts::PathParts(const UTF16String& inPath) noexcept
+{
+    const unsigned short* text = inPath.data();
+    mEnd = LengthToTerminator(text, inPath.size());
+    mDrive = mEnd >= 2 && text[1] == ':' ? 2 : 0;
+    // From the end, since the file name is the shortest part.
+    mExtension = mEnd;
+    mFile = mEnd;
+    while (mFile > mDrive && !IsSeparator(text[mFile - 1])) {
+        --mFile;
+        if (text[mFile] == '.' && mExtension == mEnd) {
+            mExtension = mFile;
+        }
+    }
+}
+
+} // namespace PathUtils
+} // namespace ORL

@@ -1,0 +1,69 @@
+#include <VolumeQueries.h>
+
+#include <ORLPathUtils.h>
+
+namespace ORL {
+namespace DiskUtils {
+
+namespace {
+
+bool BeginsWith(const UTF16String& inPath, const unsigned short* inText)
+{
+    return inPath.compare(0, std::char_traits<unsigned short>::length(inText), inText) == 0;
+}
+
+// The server and share part of \\?\UNC\server\share\.... Empty where the share is missing.
+UTF16String ServerAndShare(const UTF16String& inPath)
+{
+    constexpr std::size_t kServer = 8;
+    const std::size_t behindServer = inPath.find('\\', kServer);
+    if (behindServer == UTF16String::npos || behindServer == kServer) {
+        return UTF16String();
+    }
+    const std::size_t behindShare = inPath.find('\\', behindServer + 1);
+    if (behindShare != UTF16String::npos) {
+        return UTF16String(inPath, 0, behindShare + 1);
+    }
+    return behindServer + 1 < inPath.size() ? PathUtils::AddTrailingSlash(inPath) : UTF16String();
+}
+
+bool IsTwoBackslashes(const UTF16String& inPath)
+{
+    return inPath == TVX_UTF16("\\\\");
+}
+
+// Drops names from the end until a root is left, or nothing more can be dropped.
+void WalkUpToRoot(UTF16String& ioPath)
+{
+    while (!IsTwoBackslashes(ioPath) && !Platform::IsRoot_Impl(ioPath)) {
+        const std::size_t backslash = ioPath.size() < 2 ? UTF16String::npos : ioPath.rfind('\\', ioPath.size() - 2);
+        if (backslash == UTF16String::npos) {
+            return;
+        }
+        ioPath.resize(backslash);
+    }
+}
+
+} // namespace
+
+UTF16String GetVolumeRootPath(const UTF16String& inPath)
+{
+    if (inPath.empty()) {
+        return inPath;
+    }
+    UTF16String path = PathUtils::ToNormalizedPath(inPath);
+    if (BeginsWith(path, TVX_UTF16("\\\\?\\")) && path.size() >= 7 && path[5] == ':' && path[6] == '\\') {
+        return UTF16String(path, 0, 7);
+    }
+    if (BeginsWith(path, TVX_UTF16("\\\\?\\UNC\\"))) {
+        UTF16String share = ServerAndShare(path);
+        if (!share.empty()) {
+            return share;
+        }
+    }
+    WalkUpToRoot(path);
+    return PathUtils::AddTrailingSlash(path);
+}
+
+} // namespace DiskUtils
+} // namespace ORL

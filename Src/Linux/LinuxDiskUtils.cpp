@@ -1,0 +1,150 @@
+#include <Platform/Disks.h>
+
+#include "LinuxErrors.h"
+#include "LinuxHostPath.h"
+#include "SystemCalls.h"
+
+#include <HomePathText.h>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <linux/magic.h>
+#include <tvxcore/Text.h>
+
+namespace ORL {
+namespace DiskUtils {
+namespace Platform {
+
+namespace {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+constexpr unsigned int kSmallestSector = 512;
+
+struct FileSystem
+{
+    unsigned long mMagic;
+    const char* mName;
+};
+
+// The numbers that the kernel's headers leave out stand as they are.
+constexpr FileSystem kFileSystems[] = {
+    {MSDOS_SUPER_MAGIC, "FAT32"}, {EXT4_SUPER_MAGIC, "ext4"}, {XFS_SUPER_MAGIC, "xfs"},
+    {BTRFS_SUPER_MAGIC, "btrfs"}, {F2FS_SUPER_MAGIC, "f2fs"}, {0x2FC12FC1, "zfs"},
+    {EXFAT_SUPER_MAGIC, "exFAT"}, {0x7366746E, "NTFS"},       {0x5346544E, "NTFS"},
+    {TMPFS_MAGIC, "tmpfs"},       {RAMFS_MAGIC, "ramfs"},     {OVERLAYFS_SUPER_MAGIC, "overlay"},
+    {NFS_SUPER_MAGIC, "NFS"},     {CIFS_SUPER_MAGIC, "CIFS"}, {SMB2_SUPER_MAGIC, "SMB2"},
+    {SMB_SUPER_MAGIC, "SMB"},     {FUSE_SUPER_MAGIC, "fuse"}, {SQUASHFS_MAGIC, "squashfs"},
+    {ISOFS_SUPER_MAGIC, "CDFS"},  {UDF_SUPER_MAGIC, "UDF"},   {PROC_SUPER_MAGIC, "proc"},
+    {SYSFS_MAGIC, "sysfs"},       {V9FS_MAGIC, "9p"},
+};
+
+// A file system without a name of its own shows its number.
+UTF16String NameOf(unsigned long inMagic)
+{
+    for (const FileSystem& system : kFileSystems) {
+        if (system.mMagic == inMagic) {
+            return tvxcore::utility::AsciiToUTF16(system.mName);
+        }
+    }
+    char number[2 + 2 * sizeof(inMagic) + 1];
+    std::snprintf(number, sizeof(number), "0x%lx", inMagic);
+    return tvxcore::utility::AsciiToUTF16(number);
+}
+
+bool Exists(const std::string& inPath)
+{
+    struct statx status;
+    return System().mStatx(AT_FDCWD, inPath.c_str(), 0, STATX_TYPE, &status) == 0;
+}
+
+// The path itself, or the nearest folder above it that exists, down to the root's.
+std::string NearestExisting(std::string inPath, const std::string& inRoot)
+{
+    while (inPath.size() > inRoot.size() && !Exists(inPath)) {
+        const std::size_t slash = inPath.find_last_of('/', inPath.size() - 2);
+        inPath.resize(slash == std::string::npos ? 0 : slash);
+    }
+    return inPath.size() > inRoot.size() ? inPath : inRoot;
+}
+
+// Where to ask about a volume.
+SystemError FindVolume(const Volume& inVolume, std::string& outHostPath)
+{
+    HostPath root;
+    const SystemError error = ResolveHostPath(inVolume.mRoot, root);
+    if (error != kNoError) {
+        return error;
+    }
+    HostPath path;
+    const bool isInside =
+        ResolveHostPath(inVolume.mPath, path) == kNoError && path.mPath.compare(0, root.mPath.size(), root.mPath) == 0;
+    outHostPath = NearestExisting(isInside ? path.mPath : root.mPath, root.mPath);
+    return kNoError;
+}
+
+// The direct I/O alignment of the file system. Some tell it for files alone, so a folder's block size does not help:
+// where nothing is told, the smallest sector stands.
+unsigned int AlignmentOf(const struct statx& inStatus)
+{
+    const bool tells = (inStatus.stx_mask & STATX_DIOALIGN) != 0;
+    return std::max<unsigned int>(tells ? inStatus.stx_dio_offset_align : 0, kSmallestSector);
+}
+
+} // namespace
+
+SystemError GetSectorSize_Impl(const Volume& inVolume, unsigned int& outBytesPerSector)
+{
+    outBytesPerSector = 0;
+    std::string path;
+    const SystemError error = FindVolume(inVolume, path);
+    if (error != kNoError) {
+        return error;
+    }
+    struct statx status;
+    if (System().mStatx(AT_FDCWD, path.c_str(), 0, STATX_DIOALIGN, &status) != 0) {
+        return SystemErrorFromErrno(errno, path);
+    }
+    outBytesPerSector = AlignmentOf(status);
+    return kNoError;
+}
+
+SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes)
+{
+    std::string path;
+    const SystemError error = FindVolume(inVolume, path);
+    if (error != kNoError) {
+        return error;
+    }
+    struct statvfs status;
+    if (System().mStatVfs(path.c_str(), &status) != 0) {
+        return SystemErrorFromErrno(errno, path);
+    }
+    outBytes = static_cast<unsigned __int64>(status.f_bavail) * status.f_frsize;
+    return kNoError;
+}
+
+SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName)
+{
+    std::string path;
+    const SystemError error = FindVolume(inVolume, path);
+    if (error != kNoError) {
+        return error;
+    }
+    struct statfs status;
+    if (System().mStatFs(path.c_str(), &status) != 0) {
+        return SystemErrorFromErrno(errno, path);
+    }
+    outName = NameOf(static_cast<unsigned long>(status.f_type));
+    return kNoError;
+}
+
+bool IsRoot_Impl(const UTF16String& inPath)
+{
+    return PathUtils::HomeText::IsRoot(inPath);
+}
+
+} // namespace Platform
+} // namespace DiskUtils
+} // namespace ORL

@@ -1,0 +1,171 @@
+#include "LinuxNames.h"
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+constexpr std::size_t kLongestName = 255;
+constexpr unsigned kPrivateBase = 0xF000;
+constexpr char kIllegal[] = "\"*/:<>?\\|";
+
+bool IsIllegalCharacter(unsigned inCharacter) noexcept
+{
+    if (inCharacter < 0x20) {
+        return true;
+    }
+    for (const char* illegal = kIllegal; *illegal != '\0'; ++illegal) {
+        if (inCharacter == static_cast<unsigned char>(*illegal)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IsBlankOrDot(unsigned inCharacter) noexcept
+{
+    return inCharacter == ' ' || inCharacter == '.';
+}
+
+// The units that stand for a byte. U+F041 is none of them: its byte, "A", never needs to travel.
+bool IsUnitOfByte(unsigned inUnit) noexcept
+{
+    if (inUnit <= kPrivateBase || inUnit > kPrivateBase + 0xFF) {
+        return false;
+    }
+    const unsigned byte = inUnit - kPrivateBase;
+    return byte >= 0x80 || IsBlankOrDot(byte) || (byte != '/' && IsIllegalCharacter(byte));
+}
+
+bool IsHighHalf(unsigned inUnit) noexcept
+{
+    return (inUnit & 0xFC00) == 0xD800;
+}
+
+bool IsLowHalf(unsigned inUnit) noexcept
+{
+    return (inUnit & 0xFC00) == 0xDC00;
+}
+
+struct Sequence
+{
+    unsigned mCharacter = 0;
+    std::size_t mSize = 0; // 0 when the bytes are no character
+};
+
+unsigned SmallestOfSize(std::size_t inSize) noexcept
+{
+    return inSize == 2 ? 0x80 : inSize == 3 ? 0x800 : 0x10000;
+}
+
+// One character of two to four bytes. Halves of surrogate pairs are let through: a name written at home may hold one.
+Sequence ReadSequence(const unsigned char* inBytes, std::size_t inSize) noexcept
+{
+    const unsigned first = inBytes[0];
+    const std::size_t size = (first & 0xE0) == 0xC0 ? 2 : (first & 0xF0) == 0xE0 ? 3 : (first & 0xF8) == 0xF0 ? 4 : 0;
+    if (size == 0 || size > inSize) {
+        return {};
+    }
+    unsigned character = first & (0x7Fu >> size);
+    for (std::size_t i = 1; i < size; ++i) {
+        if ((inBytes[i] & 0xC0) != 0x80) {
+            return {};
+        }
+        character = character << 6 | (inBytes[i] & 0x3Fu);
+    }
+    return character < SmallestOfSize(size) || character > 0x10FFFF ? Sequence{} : Sequence{character, size};
+}
+
+void AppendCharacter(UTF16String& ioText, unsigned inCharacter)
+{
+    if (inCharacter < 0x10000) {
+        ioText += static_cast<unsigned short>(inCharacter);
+        return;
+    }
+    ioText += static_cast<unsigned short>(0xD7C0 + (inCharacter >> 10));
+    ioText += static_cast<unsigned short>(0xDC00 + (inCharacter & 0x3FF));
+}
+
+void AppendUTF8(std::string& ioBytes, unsigned inCharacter)
+{
+    const auto add = [&ioBytes](unsigned inByte) { ioBytes += static_cast<char>(inByte); };
+    if (inCharacter < 0x80) {
+        add(inCharacter);
+        return;
+    }
+    if (inCharacter < 0x800) {
+        add(0xC0 | inCharacter >> 6);
+    } else {
+        if (inCharacter < 0x10000) {
+            add(0xE0 | inCharacter >> 12);
+        } else {
+            add(0xF0 | inCharacter >> 18);
+            add(0x80 | (inCharacter >> 12 & 0x3F));
+        }
+        add(0x80 | (inCharacter >> 6 & 0x3F));
+    }
+    add(0x80 | (inCharacter & 0x3F));
+}
+
+void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
+{
+    const bool travels = IsIllegalCharacter(inByte) || (inIsLast && IsBlankOrDot(inByte));
+    ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
+}
+
+} // namespace
+
+void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSize)
+{
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(inName);
+    bool behindHighHalf = false;
+    for (std::size_t i = 0; i < inSize;) {
+        if (bytes[i] < 0x80) {
+            AppendUnitOfASCII(ioText, bytes[i], i + 1 == inSize);
+            behindHighHalf = false;
+            ++i;
+            continue;
+        }
+        Sequence sequence = ReadSequence(bytes + i, inSize - i);
+        // Two halves that stand apart on disk must not join into one character.
+        if (IsUnitOfByte(sequence.mCharacter) || (behindHighHalf && IsLowHalf(sequence.mCharacter))) {
+            sequence = {};
+        }
+        AppendCharacter(ioText, sequence.mSize != 0 ? sequence.mCharacter : kPrivateBase + bytes[i]);
+        behindHighHalf = IsHighHalf(sequence.mCharacter) && sequence.mSize == 3;
+        i += sequence.mSize != 0 ? sequence.mSize : 1;
+    }
+}
+
+void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount)
+{
+    for (std::size_t i = 0; i < inCount; ++i) {
+        const unsigned unit = inUnits[i];
+        if (IsUnitOfByte(unit)) {
+            ioBytes += static_cast<char>(unit - kPrivateBase);
+        } else if (IsHighHalf(unit) && i + 1 < inCount && IsLowHalf(inUnits[i + 1])) {
+            ++i;
+            AppendUTF8(ioBytes, 0x10000 + ((unit & 0x3FF) << 10) + (inUnits[i] & 0x3FFu));
+        } else {
+            AppendUTF8(ioBytes, unit);
+        }
+    }
+}
+
+SystemError CheckName(const unsigned short* inUnits, std::size_t inCount) noexcept
+{
+    if (inCount == 0 || inCount > kLongestName) {
+        return SystemErrors::kErrorInvalidName;
+    }
+    bool hasColon = false;
+    for (std::size_t i = 0; i < inCount; ++i) {
+        hasColon = hasColon || inUnits[i] == ':';
+        if (inUnits[i] != ':' && IsIllegalCharacter(inUnits[i])) {
+            return SystemErrors::kErrorInvalidName;
+        }
+    }
+    return hasColon ? SystemErrors::kErrorFileNotFound : SystemErrors::kNoError;
+}
+
+} // namespace Linux
+} // namespace ORL

@@ -1,0 +1,209 @@
+#include <Platform/Paths.h>
+
+#include "LinuxErrors.h"
+#include "LinuxHostPath.h"
+#include "LinuxNames.h"
+#include "SystemCalls.h"
+
+#include <HomePathText.h>
+#include <ORLHostPath.h>
+#include <cerrno>
+#include <cstdlib>
+#include <dirent.h>
+
+namespace ORL {
+namespace PathUtils {
+namespace Platform {
+
+namespace {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+// The status of the entry; of a link, that of what it leads to where inFollow says so.
+bool GetStatus(const std::string& inPath, bool inFollow, struct statx& outStatus)
+{
+    const int flags = inFollow ? 0 : AT_SYMLINK_NOFOLLOW;
+    return System().mStatx(AT_FDCWD, inPath.c_str(), flags, STATX_TYPE | STATX_MODE, &outStatus) == 0;
+}
+
+bool IsFolder(const std::string& inPath)
+{
+    struct statx status;
+    return GetStatus(inPath, true, status) && S_ISDIR(status.stx_mode);
+}
+
+std::string_view LeafOf(const std::string& inPath)
+{
+    std::string_view path = inPath;
+    while (!path.empty() && path.back() == '/') {
+        path.remove_suffix(1);
+    }
+    return path.substr(path.rfind('/') + 1);
+}
+
+// A folder that is open for listing.
+class OpenFolder
+{
+public:
+    explicit OpenFolder(const std::string& inPath)
+        : mFile(System().mOpen(inPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0))
+    {
+    }
+    ~OpenFolder()
+    {
+        if (mFile >= 0) {
+            System().mClose(mFile);
+        }
+    }
+    OpenFolder(const OpenFolder&) = delete;
+    OpenFolder& operator=(const OpenFolder&) = delete;
+
+    bool IsOpen() const noexcept { return mFile >= 0; }
+
+    /// Whether inMatches(name) holds for an entry; "." and ".." are left out. A failure ends the list.
+    template <class Predicate>
+    bool AnyEntry(const Predicate& inMatches)
+    {
+        for (;;) {
+            const ssize_t size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
+            if (size <= 0) {
+                mFailed = size < 0;
+                return false;
+            }
+            for (ssize_t at = 0; at < size;) {
+                const dirent64* entry = reinterpret_cast<const dirent64*>(mBuffer + at);
+                const std::string_view name = entry->d_name;
+                if (name != "." && name != ".." && inMatches(name)) {
+                    return true;
+                }
+                at += entry->d_reclen;
+            }
+        }
+    }
+
+    /// Whether the list came to an early end.
+    bool HasFailed() const noexcept { return mFailed; }
+
+private:
+    int mFile;
+    bool mFailed = false;
+    alignas(dirent64) char mBuffer[16384];
+};
+
+} // namespace
+
+UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
+                          const UTF16String& inExtension)
+{
+    return HomeText::MakePath(inDrive, inDirectory, inFile, inExtension);
+}
+
+bool FindEntry_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    if (ResolveHostPath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
+        return false;
+    }
+    struct statx status;
+    return GetStatus(path.mPath, false, status);
+}
+
+bool IsDirectory_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    return ResolveHostPath(inPath, path) == kNoError && IsFolder(path.mPath);
+}
+
+bool IsDirectoryEmpty_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    if (ResolveHostPath(inPath, path) != kNoError) {
+        return false;
+    }
+    OpenFolder folder(path.mPath);
+    return folder.IsOpen() && !folder.AnyEntry([](std::string_view) { return true; }) && !folder.HasFailed();
+}
+
+unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    struct statx status;
+    if (ResolveHostPath(inPath, path) != kNoError) {
+        return kInvalidAttributes;
+    }
+    // A link that leads nowhere is still an entry.
+    if (!GetStatus(path.mPath, true, status) && !GetStatus(path.mPath, false, status)) {
+        return kInvalidAttributes;
+    }
+    unsigned long attributes = S_ISDIR(status.stx_mode) ? kAttributeDirectory : 0;
+    if (!path.mIsRoot && LeafOf(path.mPath).front() == '.') {
+        attributes |= kAttributeHidden;
+    }
+    if ((status.stx_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
+        attributes |= kAttributeReadOnly;
+    }
+    return attributes != 0 ? attributes : kAttributeNormal;
+}
+
+bool PreparePathForWrite_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    if (ResolveHostPath(inPath, path) != kNoError) {
+        return false;
+    }
+    // From the top down; what is there already, or is being made by another, is fine.
+    for (std::size_t slash = path.mPath.find('/', 1); slash != std::string::npos;
+         slash = path.mPath.find('/', slash + 1)) {
+        System().mMakeDir(path.mPath.substr(0, slash).c_str(), 0777);
+    }
+    System().mMakeDir(path.mPath.c_str(), 0777);
+    return IsFolder(path.mPath);
+}
+
+const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)
+{
+    return HomeText::FindNextComponent(inPath);
+}
+
+bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
+{
+    return HomeText::RelativePathTo(inFrom, inTo, outRelative);
+}
+
+bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath)
+{
+    return HomeText::Combine(inBase, inMore, outPath);
+}
+
+// $TMPDIR where it is an absolute path, else /tmp. Whether it exists is not asked, as at home.
+unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
+{
+    const char* folder = std::getenv("TMPDIR");
+    if (folder == nullptr || *folder != '/') {
+        folder = "/tmp";
+    }
+    UTF16String path = Linux::FromHostPath(folder);
+    if (path.empty()) {
+        return 0;
+    }
+    if (path.back() != '\\') {
+        path += '\\';
+    }
+    if (path.size() >= inSize) {
+        return static_cast<unsigned long>(path.size() + 1);
+    }
+    path.copy(outBuffer, path.size());
+    outBuffer[path.size()] = 0;
+    return static_cast<unsigned long>(path.size());
+}
+
+// There is no shell: each name stands for itself.
+bool GetShellName_Impl(const UTF16String&, UTF16String&)
+{
+    return false;
+}
+
+} // namespace Platform
+} // namespace PathUtils
+} // namespace ORL

@@ -1,0 +1,64 @@
+#include <ORLHostPath.h>
+
+#include "WinText.h"
+
+#include <ORLPathUtils.h>
+#include <tvxcore/Text.h>
+#include <windows.h>
+
+namespace ORL {
+namespace PathUtils {
+
+namespace {
+
+using ORL::Win::AsWide;
+
+std::string AsUTF8(const UTF16String& inText)
+{
+    const UTF8String text = tvxcore::utility::UTF16to8(inText);
+    return std::string(text.begin(), text.end());
+}
+
+UTF16String AsUTF16(const std::string& inText)
+{
+    return tvxcore::utility::UTF8to16(reinterpret_cast<const unsigned char*>(inText.data()), inText.size());
+}
+
+} // namespace
+
+UTF16String FromHostPath(const std::string& inHostPath)
+{
+    const UTF16String path = AsUTF16(inHostPath);
+    const DWORD needed = ::GetFullPathNameW(AsWide(path.c_str()), 0, nullptr, nullptr);
+    if (needed == 0) {
+        return UTF16String();
+    }
+    UTF16String full(needed, 0);
+    full.resize(::GetFullPathNameW(AsWide(path.c_str()), needed, AsWide(full.data()), nullptr));
+    return full;
+}
+
+Result ToHostPath(const UTF16String& inPath, std::string& outHostPath)
+{
+    if (inPath.empty()) {
+        return kPathNotFound;
+    }
+    outHostPath = AsUTF8(IsNormalizedPath(inPath) ? Win::StripUNC(inPath) : inPath);
+    return kSuccess;
+}
+
+std::vector<MountPoint> GetMountPoints()
+{
+    std::vector<MountPoint> list;
+    const DWORD drives = ::GetLogicalDrives();
+    for (unsigned i = 0; i < 26; ++i) {
+        if ((drives >> i & 1) != 0) {
+            const unsigned short root[] = {static_cast<unsigned short>('A' + i), ':', '\\', 0};
+            list.push_back({root, AsUTF8(root)});
+        }
+    }
+    return list;
+}
+
+} // namespace PathUtils
+} // namespace ORL

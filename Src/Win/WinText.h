@@ -1,0 +1,25 @@
+// Units as the system's wide characters and back: both are 16-bit units of UTF-16 here.
+#pragma once
+
+namespace ORL {
+namespace Win {
+
+static_assert(sizeof(wchar_t) == sizeof(unsigned short));
+
+inline const wchar_t* AsWide(const unsigned short* inUnits) noexcept
+{
+    return reinterpret_cast<const wchar_t*>(inUnits);
+}
+
+inline wchar_t* AsWide(unsigned short* inUnits) noexcept
+{
+    return reinterpret_cast<wchar_t*>(inUnits);
+}
+
+inline const unsigned short* AsUnits(const wchar_t* inText) noexcept
+{
+    return reinterpret_cast<const unsigned short*>(inText);
+}
+
+} // namespace Win
+} // namespace ORL
