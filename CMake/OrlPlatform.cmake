@@ -32,11 +32,12 @@ else()
 endif()
 
 # What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.
+file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
 add_library(orl_strict INTERFACE)
 target_compile_options(orl_strict INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off
   # Reports name sources by their place in the project, the same on every machine.
-  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
   # A symbol that g++ marks as unique would keep our libraries in memory after a host unloads them.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   $<$<BOOL:${ORL_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -41,10 +41,12 @@ void ThrowContractError(const char* inZString, long inErrorID)
 bool ReportAssert(IgnoreFlag& ioIgnore, const char* inExpression, const char* inMessage, const char* inFile,
                   long inLine, const char* inFunction)
 {
-    bool ignore = ioIgnore.load(std::memory_order_relaxed);
+    bool ignore = false;
     const bool wantsBreak = tvxcore::debug::BreakAfterAssertDialog(
         ignore, inExpression, reinterpret_cast<const unsigned char*>(inMessage), inFile, inLine, inFunction);
-    ioIgnore.store(ignore, std::memory_order_relaxed);
+    if (ignore) { // only ever set: another report of the same site may have set it meanwhile
+        ioIgnore.store(true, std::memory_order_relaxed);
+    }
     return wantsBreak && tvxcore::debug::IsDebuggerAttached();
 }
 

@@ -1,0 +1,28 @@
+// Breaks each kind of check once. The answer to the reports is in the only argument: "break" or "go on".
+// The exit code tells that every check was passed.
+#include <ORLDebug.h>
+
+#include <tvxcore/Debug.h>
+
+#include <cstring>
+
+namespace {
+
+bool sAskToBreak = false;
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    sAskToBreak = argc > 1 && std::strcmp(argv[1], "break") == 0;
+    tvxcore::debug::Dialogs dialogs;
+    dialogs.mAssert = [](bool&, const char*, const unsigned char*, const char*, long, const char*) {
+        return sAskToBreak;
+    };
+    dialogs.mContract = [](const char*, const char*, long) { return sAskToBreak; };
+    tvxcore::debug::InstallDialogs(dialogs);
+    ORL_ASSERT(!"stop here");
+    ORL_INPUT_CONTRACT(!"stop here");
+    ORL_OUTPUT_CONTRACT(!"stop here");
+    return 7;
+}
