@@ -1,0 +1,152 @@
+// Floor: Threads
+// How a gate opens, closes and is waited at.
+#pragma once
+
+#include <ORLResult.h>
+#include <Sync/Policy.h>
+
+#include <cstdint>
+
+namespace ORL {
+namespace Sync {
+
+/// Works on any gate that has the fields of WaitableGate, in the types of the policy.
+///
+/// No wake-up is lost: Open sets the flag first and takes the mutex second, Wait takes the mutex first and reads the
+/// flag second. So either the waiter sees the flag, or the opener sees the waiter.
+template <class Policy>
+class WaitableGateAlgorithm
+{
+public:
+    template <class Gate>
+    static Result Wait(Gate& ioGate, int inMilliseconds)
+    {
+        if (IsOpen(ioGate)) {
+            return kSuccess;
+        }
+        if (inMilliseconds == 0 || inMilliseconds < kEndless) {
+            return kWaitTimeout;
+        }
+        return WaitAsleep(ioGate, inMilliseconds);
+    }
+
+    template <class Gate>
+    static void Open(Gate& ioGate)
+    {
+        if (!Policy::CompareAndSet(ioGate.mIsOpen, false, true)) {
+            return;
+        }
+        typename Policy::MutexLock lock(ioGate.mMutex);
+        if (Policy::Read(ioGate.mWaiterCount) > 0) {
+            ++Policy::Write(ioGate.mGeneration);
+            Policy::NotifyAll(ioGate.mCondition);
+        }
+    }
+
+    template <class Gate>
+    static void Close(Gate& ioGate)
+    {
+        while (!Policy::CompareAndSet(ioGate.mIsOpen, true, false) && IsOpen(ioGate)) {
+        }
+    }
+
+    /// How many threads are in the sleeping part of Wait now.
+    template <class Gate>
+    static std::int32_t CountWaiters(Gate& ioGate)
+    {
+        typename Policy::MutexLock lock(ioGate.mMutex);
+        return Policy::Read(ioGate.mWaiterCount);
+    }
+
+    /// How many openings have found waiters.
+    template <class Gate>
+    static std::uint32_t GetGeneration(Gate& ioGate)
+    {
+        typename Policy::MutexLock lock(ioGate.mMutex);
+        return Policy::Read(ioGate.mGeneration);
+    }
+
+private:
+    static constexpr int kEndless = -1;
+
+    // Counts the calling thread as a waiter while it lives. The mutex is held when it begins and when it ends.
+    template <class Gate>
+    class Waiter
+    {
+    public:
+        explicit Waiter(Gate& ioGate) : mGate(ioGate) { ++Policy::Write(mGate.mWaiterCount); }
+        ~Waiter() { --Policy::Write(mGate.mWaiterCount); }
+
+        Waiter(const Waiter&) = delete;
+        Waiter& operator=(const Waiter&) = delete;
+
+    private:
+        Gate& mGate;
+    };
+
+    // A compare-and-set that changes nothing: the read carries a full barrier.
+    template <class Gate>
+    static bool IsOpen(Gate& ioGate)
+    {
+        return !Policy::CompareAndSet(ioGate.mIsOpen, false, false);
+    }
+
+    template <class Gate>
+    static Result WaitAsleep(Gate& ioGate, int inMilliseconds)
+    {
+        typename Policy::MutexLock lock(ioGate.mMutex);
+        if (Policy::Keeps(Step::kGateSecondRead) && IsOpen(ioGate)) {
+            return kSuccess;
+        }
+        const Waiter<Gate> waiter(ioGate);
+        const std::uint32_t generation = Policy::Read(ioGate.mGeneration);
+        if (PassesSoon(ioGate, lock, generation)) {
+            return kSuccess;
+        }
+        do {
+            if (!SleepOnce(ioGate, lock, inMilliseconds)) {
+                return kWaitTimeout;
+            }
+        } while (IsStillShut(ioGate, generation));
+        return kSuccess;
+    }
+
+    // The flag is no guide here: a gate that is opened and closed at once still lets its sleepers go.
+    template <class Gate>
+    static bool IsStillShut(Gate& ioGate, std::uint32_t inGeneration)
+    {
+        return Policy::Keeps(Step::kGateGenerationEndsSleep) ? Policy::Read(ioGate.mGeneration) == inGeneration
+                                                             : !IsOpen(ioGate);
+    }
+
+    // False when the time ran out. Each sleep has the whole limit.
+    template <class Gate>
+    static bool SleepOnce(Gate& ioGate, typename Policy::MutexLock& ioLock, int inMilliseconds)
+    {
+        if (inMilliseconds == kEndless) {
+            Policy::Sleep(ioGate.mCondition, ioLock);
+            return true;
+        }
+        return Policy::SleepFor(ioGate.mCondition, ioLock, inMilliseconds);
+    }
+
+    // To be woken costs far more than to look for a moment longer. The thread counts as a waiter meanwhile, so an
+    // opening releases it by the generation even if the gate is closed again before the flag was seen.
+    template <class Gate>
+    static bool PassesSoon(Gate& ioGate, typename Policy::MutexLock& ioLock, std::uint32_t inGeneration)
+    {
+        const int turns = Policy::SpinTurns();
+        if (turns == 0) {
+            return false;
+        }
+        ioLock.unlock();
+        for (int turn = 0; turn < turns && !IsOpen(ioGate); ++turn) {
+            Policy::Pause();
+        }
+        ioLock.lock();
+        return Policy::Read(ioGate.mGeneration) != inGeneration || IsOpen(ioGate);
+    }
+};
+
+} // namespace Sync
+} // namespace ORL

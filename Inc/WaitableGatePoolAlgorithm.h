@@ -1,0 +1,115 @@
+// Floor: Threads
+// How the pool of gates lends them and takes them back.
+#pragma once
+
+#include <ORLDebug.h>
+#include <ORLResult.h>
+#include <Sync/Policy.h>
+
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace ORL {
+namespace Sync {
+
+/// A stack of closed gates. One object per policy, reached through sPool.
+template <class Policy>
+class WaitableGatePoolAlgorithm
+{
+public:
+    using Gate = typename Policy::Gate;
+
+    /// The pool is in use from here on.
+    WaitableGatePoolAlgorithm() : mMaxIdleGates(10)
+    {
+        // So that giving a gate back never needs memory.
+        Policy::Write(mGates).reserve(mMaxIdleGates);
+        sPool = this;
+    }
+
+    ~WaitableGatePoolAlgorithm()
+    {
+        sPool = nullptr;
+        for (Gate* gate : Policy::Write(mGates)) {
+            Policy::Delete(gate);
+        }
+    }
+
+    WaitableGatePoolAlgorithm(const WaitableGatePoolAlgorithm&) = delete;
+    WaitableGatePoolAlgorithm& operator=(const WaitableGatePoolAlgorithm&) = delete;
+
+    static Gate* RetrieveGate()
+    {
+        ORL_INPUT_CONTRACT(sPool);
+        Gate* const ret = sPool != nullptr ? sPool->TakeOrMake() : Policy::template New<Gate>();
+        ORL_OUTPUT_CONTRACT(ret);
+        ORL_OUTPUT_CONTRACT(kWaitTimeout == ret->Wait(0));
+        return ret;
+    }
+
+    static void ReturnGate(Gate* inGate)
+    {
+        ORL_INPUT_CONTRACT(sPool);
+        ORL_INPUT_CONTRACT(inGate);
+        if (inGate == nullptr) {
+            return;
+        }
+        ORL_INPUT_CONTRACT(kSuccess == inGate->Wait(0));
+        if (Policy::Keeps(Step::kGatePoolClosesFirst)) {
+            inGate->Close();
+        }
+        if (sPool != nullptr) {
+            sPool->KeepOrDestroy(inGate);
+        } else {
+            Policy::Delete(inGate);
+        }
+        if (!Policy::Keeps(Step::kGatePoolClosesFirst)) {
+            inGate->Close();
+        }
+    }
+
+    /// How many gates are idle now.
+    std::size_t CountIdleGates() const
+    {
+        typename Policy::LockScope lock(mLock);
+        return Policy::Read(mGates).size();
+    }
+
+    /// Null before the pool is built and after it has been destroyed.
+    static inline WaitableGatePoolAlgorithm* sPool = nullptr;
+
+private:
+    using Gates = std::vector<Gate*, tvxcore::utility::SmallBlockAllocator::STLAllocator<Gate*>>;
+
+    Gate* TakeOrMake()
+    {
+        typename Policy::LockScope lock(mLock);
+        Gates& gates = Policy::Write(mGates);
+        if (gates.empty()) {
+            return Policy::template New<Gate>();
+        }
+        Gate* const gate = gates.back();
+        gates.pop_back();
+        return gate;
+    }
+
+    void KeepOrDestroy(Gate* inGate)
+    {
+        typename Policy::LockScope lock(mLock);
+        Gates& gates = Policy::Write(mGates);
+        if (gates.size() >= mMaxIdleGates) {
+            Policy::Delete(inGate);
+        } else {
+            gates.push_back(inGate);
+        }
+    }
+
+    mutable typename Policy::Lock mLock;             // guards mGates; nothing but a gate's mutex is taken under it
+    typename Policy::template Guarded<Gates> mGates; // a stack; every gate in it is closed and ours
+    const std::size_t mMaxIdleGates;
+};
+
+} // namespace Sync
+} // namespace ORL

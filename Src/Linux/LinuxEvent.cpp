@@ -1,0 +1,166 @@
+// Events over one futex word each. The word and the number of waiters stand together in 64 bits, so that signalling
+// is one atomic step after which the event is not touched again: the thread that was let through may destroy it.
+#include <Platform/Event.h>
+
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <new>
+
+namespace ORL {
+namespace Events {
+namespace Platform {
+
+namespace {
+
+constexpr unsigned long kErrorInvalidHandle = 6;
+constexpr unsigned long kErrorNotEnoughMemory = 8;
+
+constexpr std::uint64_t kSignalled = 1;              // the low half: the futex word
+constexpr std::uint64_t kOneWaiter = 1ull << 32;     // the high half: how many sleep or are about to
+
+struct FutexEvent
+{
+    std::atomic<std::uint64_t> mState;
+    bool mManualReset;
+
+    // The low half of the state in memory, which is what the kernel compares.
+    std::uint32_t* FutexWord() { return reinterpret_cast<std::uint32_t*>(&mState); }
+};
+static_assert(sizeof(std::atomic<std::uint64_t>) == 8 && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "the futex word is the low half of the state");
+
+std::atomic<CreateFault> sCreateFault{nullptr};
+
+timespec DeadlineAfter(std::uint32_t inMilliseconds)
+{
+    timespec deadline;
+    ::clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += static_cast<time_t>(inMilliseconds / 1000);
+    deadline.tv_nsec += static_cast<long>(inMilliseconds % 1000) * 1000000;
+    if (deadline.tv_nsec >= 1000000000) {
+        deadline.tv_nsec -= 1000000000;
+        ++deadline.tv_sec;
+    }
+    return deadline;
+}
+
+// Takes the signal if there is one, and inLeaving off the number of waiters with it.
+bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
+{
+    std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);
+    while ((state & kSignalled) != 0) {
+        const std::uint64_t used = ioEvent.mManualReset ? 0 : kSignalled;
+        if (ioEvent.mState.compare_exchange_weak(state, state - used - inLeaving)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The caller is among the waiters. 0, or ETIMEDOUT; every other end of the sleep is a reason to look again.
+int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
+{
+    const long result = ::syscall(SYS_futex, ioEvent.FutexWord(), FUTEX_WAIT_BITSET_PRIVATE, 0, inDeadline, nullptr,
+                                  FUTEX_BITSET_MATCH_ANY);
+    return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
+}
+
+// The last look of a thread whose time ran out: it takes a signal that came just now, or leaves the waiters.
+WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
+{
+    std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);
+    while ((state & kSignalled) == 0) {
+        if (ioEvent.mState.compare_exchange_weak(state, state - kOneWaiter)) {
+            return WaitOutcome::kTimeout;
+        }
+    }
+    return TakeSignal(ioEvent, kOneWaiter) ? WaitOutcome::kSignalled : LeaveAfterTimeout(ioEvent);
+}
+
+WaitOutcome WaitAsleep(FutexEvent& ioEvent, std::uint32_t inMilliseconds)
+{
+    timespec limit;
+    const timespec* deadline = nullptr;
+    if (inMilliseconds != kEndless) {
+        limit = DeadlineAfter(inMilliseconds);
+        deadline = &limit;
+    }
+    ioEvent.mState.fetch_add(kOneWaiter);
+    while (!TakeSignal(ioEvent, kOneWaiter)) {
+        if (SleepAtWord(ioEvent, deadline) == ETIMEDOUT) {
+            return LeaveAfterTimeout(ioEvent);
+        }
+    }
+    return WaitOutcome::kSignalled;
+}
+
+} // namespace
+
+unsigned long CreateEvent_Impl(bool inManualReset, bool inInitiallySignalled, void*& outEvent)
+{
+    outEvent = nullptr;
+    const CreateFault fault = sCreateFault.load(std::memory_order_relaxed);
+    if (const unsigned long error = fault != nullptr ? fault() : 0; error != 0) {
+        return error;
+    }
+    void* block = tvxcore::utility::SmallBlockAllocator::Allocate(sizeof(FutexEvent));
+    if (block == nullptr) {
+        return kErrorNotEnoughMemory;
+    }
+    outEvent = ::new (block) FutexEvent{{inInitiallySignalled ? kSignalled : 0}, inManualReset};
+    return 0;
+}
+
+void DestroyEvent_Impl(void* inEvent)
+{
+    tvxcore::utility::SmallBlockAllocator::Dispose(inEvent, sizeof(FutexEvent));
+}
+
+unsigned long SetEvent_Impl(void* inEvent)
+{
+    if (inEvent == nullptr) {
+        return kErrorInvalidHandle;
+    }
+    FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
+    const int released = event.mManualReset ? INT_MAX : 1;
+    std::uint32_t* const word = event.FutexWord();
+    // A signal that is already there is written once more: that is what publishes the caller's own writes.
+    std::uint64_t state = event.mState.load(std::memory_order_relaxed);
+    while (!event.mState.compare_exchange_weak(state, state | kSignalled)) {
+    }
+    if (state >= kOneWaiter && (state & kSignalled) == 0) {
+        // From here on the event may be gone. The kernel takes the address as a number; a wake-up that finds nobody,
+        // or a stranger, does no harm, and so its failure is none of ours.
+        ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, released, nullptr, nullptr, 0);
+    }
+    return 0;
+}
+
+WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds)
+{
+    if (inEvent == nullptr) {
+        return WaitOutcome::kFailed;
+    }
+    FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
+    if (TakeSignal(event, 0)) {
+        return WaitOutcome::kSignalled;
+    }
+    return inMilliseconds == 0 ? WaitOutcome::kTimeout : WaitAsleep(event, inMilliseconds);
+}
+
+void InstallCreateFault(CreateFault inFault)
+{
+    sCreateFault.store(inFault, std::memory_order_relaxed);
+}
+
+} // namespace Platform
+} // namespace Events
+} // namespace ORL
