@@ -55,14 +55,15 @@ private:
     using SmallBlocks = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
     using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
 
-    /// One place of the index: open addressing, linear probing, a power of two of places, at most half of them taken.
+    /// One place of the index: open addressing, linear probing, a power of two of places, at most half of them taken. The
+    /// text's address stands here so that a hit does not have to go through the record to reach it.
     struct Place
     {
         std::uint64_t mHash = 0;
         Record* mRecord = nullptr;
+        const unsigned char* mText = nullptr;
     };
 
-    static std::uint64_t HashOf(const unsigned char* inText);
     static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
     static void FreeRecord(Record* inRecord);
 
