@@ -1,0 +1,46 @@
+#include <ORLTVXErrorManager.h>
+
+#include <tvxcore/Executor.h>
+#include <tvxcore/Trace.h>
+
+#include <locale>
+#include <sstream>
+
+namespace ORL {
+
+using tvxcore::config::ErrorLevel;
+using tvxcore::config::ReplacementValue;
+
+TVXErrorManager::TVXErrorManager() = default;
+TVXErrorManager::~TVXErrorManager() = default;
+
+namespace {
+
+void TraceSwallowedWarning(const char* inZString, long inErrorID)
+{
+    // One site for all warnings.
+    static tvxcore::debug::TraceSite sSite("ORLFoundation::TVXErrorManager", 1, true);
+    if (!sSite.IsEnabled()) {
+        return;
+    }
+    std::ostringstream line;
+    line.imbue(std::locale::classic()); // a host may have made another one global
+    line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
+         << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
+         << " exception was swallowed." << std::endl;
+    tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(line.str().c_str()));
+}
+
+} // namespace
+
+void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID,
+                                 bool, const ReplacementValue& inFirst, const ReplacementValue& inSecond,
+                                 const ReplacementValue& inThird, const ReplacementValue& inFourth) const
+{
+    if (inLevel != tvxcore::config::kErrorLevel_Warning) {
+        throw TVXException(inLevel, inZString, inPackage, inErrorID, inFirst, inSecond, inThird, inFourth);
+    }
+    TraceSwallowedWarning(inZString, inErrorID);
+}
+
+} // namespace ORL
