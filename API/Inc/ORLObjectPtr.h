@@ -1,4 +1,4 @@
-// Floor: Objects
+// Floor: Memory
 // Shared ownership of any object, counted outside of it.
 //
 //   ObjectPtr<Module> module(new Module(...));   // owns

@@ -4,6 +4,7 @@
 #include <liburing.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace ORL {
@@ -22,6 +23,13 @@ int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
     return ::io_uring_wait_cqe(ioRing, outCompletion);
 }
 
+// Private memory, with null instead of the system's own mark of failure.
+void* MapPages(std::size_t inSize)
+{
+    void* const pages = ::mmap(nullptr, inSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pages != MAP_FAILED ? pages : nullptr;
+}
+
 constexpr SystemCalls TheSystem()
 {
     SystemCalls calls{};
@@ -38,6 +46,8 @@ constexpr SystemCalls TheSystem()
     calls.mFAdvise = &::posix_fadvise;
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;
+    calls.mMapPages = &MapPages;
+    calls.mUnmapPages = &::munmap;
     calls.mClockGetTime = &::clock_gettime;
     calls.mUringQueueInit = &::io_uring_queue_init_params;
     calls.mUringSubmit = &::io_uring_submit;

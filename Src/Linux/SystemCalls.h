@@ -40,6 +40,8 @@ struct io_uring_cqe;
       (inFile, inPosition, inSize, inAdvice), sNoSize)                                                                 \
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \
     X(RealPath, Null, char*, (const char* inPath, char* outResolved), (inPath, outResolved), sNoSize)                  \
+    X(MapPages, Null, void*, (std::size_t inSize), (inSize), sNoSize)                                                 \
+    X(UnmapPages, Errno, int, (void* inPages, std::size_t inSize), (inPages, inSize), sNoSize)                        \
     X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \
     X(UringQueueInit, Negative, int, (unsigned inEntries, io_uring* outRing, io_uring_params* ioParameters),           \
       (inEntries, outRing, ioParameters), sNoSize)                                                                     \

@@ -1,0 +1,190 @@
+#include <ORLMemoryRecycler.h>
+
+#include <BadAllocation.h>
+#include <MemoryBufferSizes.h>
+#include <MemoryRecyclerLifecycle.h>
+#include <tvxcore/ErrorManager.h>
+
+#include <new>
+
+namespace ORL {
+
+namespace {
+
+constexpr std::size_t kDefaultLimit = 50000000;
+
+// Changed under the foundation lock alone.
+ObjectPtr<MemoryRecycler, AtomicValue> sMemoryRecycler;
+
+// True when the host has made room and wants another try.
+bool HostWantsAnotherTry(std::size_t inSize)
+{
+    tvxcore::config::ErrorManager* const manager = tvxcore::config::ErrorManager::Get(false);
+    return manager != nullptr && manager->OnAllocationFailure(inSize);
+}
+
+} // namespace
+
+void CreateMemoryRecycler()
+{
+    sMemoryRecycler = ObjectPtr<MemoryRecycler, AtomicValue>(new MemoryRecycler);
+}
+
+void DropMemoryRecycler()
+{
+    ObjectPtr<MemoryRecycler, AtomicValue> dropped;
+    dropped.Swap(sMemoryRecycler);
+}
+
+MemoryRecycler::MemoryRecycler() : mCurrentSize(0), mMaxSize(kDefaultLimit) {}
+
+MemoryRecycler::~MemoryRecycler()
+{
+    Purge(0);
+}
+
+ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
+{
+    return sMemoryRecycler;
+}
+
+MemoryBuffer MemoryRecycler::AllocateBuffer(std::size_t inSize)
+{
+    const bool isLarge = IsLargeBuffer(inSize);
+    const std::size_t size = isLarge ? RoundBufferSize(inSize) : inSize;
+    for (;;) {
+        MemoryBuffer buffer;
+        Pool evicted;
+        if (isLarge && TakeFromPool(size, buffer, evicted)) {
+            return buffer;
+        }
+        ReleaseAll(evicted);
+        buffer.Allocate(size);
+        if (buffer.mBuffer != nullptr) {
+            return buffer;
+        }
+        if (!HostWantsAnotherTry(size)) {
+            throw BadAllocation();
+        }
+    }
+}
+
+// A buffer of exactly that size, the most recent first. On a miss the pool makes room, so that what is now allocated
+// stays inside the limit although it is not in the pool.
+bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted)
+{
+    const CriticalSectionLock lock(mLock);
+    for (Pool::iterator i = mPool.begin(); i != mPool.end(); ++i) {
+        if (i->mSize == inSize) {
+            outBuffer = *i;
+            mPool.erase(i);
+            mCurrentSize -= inSize;
+            return true;
+        }
+    }
+    EvictUntilFits(inSize, outEvicted);
+    return false;
+}
+
+void MemoryRecycler::RecycleBuffer(MemoryBuffer& ioBuffer)
+{
+    if (!IsLargeBuffer(ioBuffer.mSize)) {
+        if (ioBuffer.mBuffer != nullptr) {
+            ioBuffer.Release();
+        }
+        return;
+    }
+    if (AddToPool(ioBuffer)) {
+        ReconcileSize();
+    } else {
+        MemoryBuffer unpooled(ioBuffer);
+        unpooled.Release();
+    }
+}
+
+// False when there is no memory to remember the buffer by.
+bool MemoryRecycler::AddToPool(const MemoryBuffer& inBuffer)
+{
+    const CriticalSectionLock lock(mLock);
+    try {
+        mPool.push_front(inBuffer);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    mCurrentSize += inBuffer.mSize;
+    return true;
+}
+
+void MemoryRecycler::ReconcileSize()
+{
+    Pool evicted;
+    {
+        const CriticalSectionLock lock(mLock);
+        EvictUntilFits(0, evicted);
+    }
+    ReleaseAll(evicted);
+}
+
+// Moves the oldest buffers out until the rest and inExtra more bytes are within the limit. The lock is held.
+void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
+{
+    const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
+    while (!mPool.empty() && mCurrentSize > allowed) {
+        mCurrentSize -= mPool.back().mSize;
+        outEvicted.splice(outEvicted.end(), mPool, --mPool.end());
+    }
+}
+
+void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
+{
+    for (MemoryBuffer& buffer : ioBuffers) {
+        buffer.Release();
+    }
+    ioBuffers.clear();
+}
+
+// Unlike the eviction, this frees with the lock held.
+std::size_t MemoryRecycler::Purge(std::size_t inBytes)
+{
+    const CriticalSectionLock lock(mLock);
+    const std::size_t wanted = inBytes != 0 ? inBytes : mCurrentSize;
+    std::size_t freed = 0;
+    while (!mPool.empty()) {
+        MemoryBuffer& oldest = mPool.back();
+        mCurrentSize -= oldest.mSize;
+        freed += oldest.mSize;
+        oldest.Release();
+        mPool.pop_back();
+        if (freed >= wanted) {
+            break;
+        }
+    }
+    return freed;
+}
+
+std::size_t MemoryRecycler::GetSize() const
+{
+    const CriticalSectionLock lock(mLock);
+    return mCurrentSize;
+}
+
+void MemoryRecycler::SetSize(std::size_t inBytes)
+{
+    {
+        const CriticalSectionLock lock(mLock);
+        mMaxSize = inBytes;
+    }
+    ReconcileSize();
+}
+
+MemoryBufferWrapper::MemoryBufferWrapper(unsigned int inSize)
+    : MemoryBuffer(MemoryRecycler::Instance()->AllocateBuffer(inSize))
+{
+}
+
+MemoryBufferWrapper::~MemoryBufferWrapper()
+{
+    MemoryRecycler::Instance()->RecycleBuffer(*this);
+}
+
+} // namespace ORL
