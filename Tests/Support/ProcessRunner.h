@@ -1,0 +1,22 @@
+// Runs a program that was built beside the tests and keeps what it wrote.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ORLTest {
+
+struct ProcessResult
+{
+    int mExitCode = -1;     // -1 when it had to be killed or did not start
+    bool mTimedOut = false; // it was killed at the end of its time
+    std::string mOutput;    // line ends are "\n" on both platforms
+    std::string mErrors;
+};
+
+/// Runs inName (without ".exe") from this program's own folder with those arguments, UTF-8 on Windows and bytes on
+/// Linux, in inWorkingFolder where one is given. Standard input is empty.
+ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
+                                   const std::string& inWorkingFolder = std::string(), int inSeconds = 60);
+
+} // namespace ORLTest

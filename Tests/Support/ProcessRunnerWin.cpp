@@ -1,0 +1,111 @@
+#include <ProcessRunner.h>
+
+#include <windows.h>
+
+namespace ORLTest {
+
+namespace {
+
+std::wstring Wide(const std::string& inText)
+{
+    const int size = ::MultiByteToWideChar(CP_UTF8, 0, inText.data(), static_cast<int>(inText.size()), nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    ::MultiByteToWideChar(CP_UTF8, 0, inText.data(), static_cast<int>(inText.size()), wide.data(), size);
+    return wide;
+}
+
+std::wstring FolderOfThisProgram()
+{
+    wchar_t path[4096];
+    const DWORD size = ::GetModuleFileNameW(nullptr, path, 4096);
+    const std::wstring program(path, size);
+    return program.substr(0, program.rfind(L'\\') + 1);
+}
+
+// As the C runtime takes a command line apart: backslashes count only before a quote.
+std::wstring Quoted(const std::wstring& inWord)
+{
+    std::wstring quoted = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t unit : inWord) {
+        if (unit == L'"') {
+            quoted.append(backslashes + 1, L'\\');
+        }
+        backslashes = unit == L'\\' ? backslashes + 1 : 0;
+        quoted += unit;
+    }
+    quoted.append(backslashes, L'\\');
+    return quoted += L'"';
+}
+
+HANDLE OpenTemporary()
+{
+    wchar_t folder[MAX_PATH];
+    wchar_t path[MAX_PATH];
+    ::GetTempPathW(MAX_PATH, folder);
+    ::GetTempFileNameW(folder, L"orl", 0, path);
+    SECURITY_ATTRIBUTES inheritable{sizeof(inheritable), nullptr, TRUE};
+    return ::CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                         CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+}
+
+std::string ReadAll(HANDLE inFile)
+{
+    std::string text;
+    char buffer[4096];
+    DWORD size = 0;
+    ::SetFilePointer(inFile, 0, nullptr, FILE_BEGIN);
+    while (::ReadFile(inFile, buffer, sizeof(buffer), &size, nullptr) && size != 0) {
+        for (DWORD i = 0; i < size; ++i) {
+            if (buffer[i] != '\r') {
+                text += buffer[i];
+            }
+        }
+    }
+    ::CloseHandle(inFile);
+    return text;
+}
+
+void WaitFor(const PROCESS_INFORMATION& inProcess, int inSeconds, ProcessResult& outResult)
+{
+    outResult.mTimedOut =
+        ::WaitForSingleObject(inProcess.hProcess, static_cast<DWORD>(inSeconds) * 1000) == WAIT_TIMEOUT;
+    if (outResult.mTimedOut) {
+        ::TerminateProcess(inProcess.hProcess, 1);
+        ::WaitForSingleObject(inProcess.hProcess, INFINITE);
+    }
+    DWORD exitCode = 0;
+    ::GetExitCodeProcess(inProcess.hProcess, &exitCode);
+    outResult.mExitCode = outResult.mTimedOut ? -1 : static_cast<int>(exitCode);
+    ::CloseHandle(inProcess.hThread);
+    ::CloseHandle(inProcess.hProcess);
+}
+
+} // namespace
+
+ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
+                                   const std::string& inWorkingFolder, int inSeconds)
+{
+    const std::wstring program = FolderOfThisProgram() + Wide(inName) + L".exe";
+    std::wstring line = Quoted(program);
+    for (const std::string& argument : inArguments) {
+        line += L' ' + Quoted(Wide(argument));
+    }
+    const std::wstring folder = Wide(inWorkingFolder);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = OpenTemporary();
+    startup.hStdError = OpenTemporary();
+    PROCESS_INFORMATION process{};
+    ProcessResult result;
+    if (::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                         folder.empty() ? nullptr : folder.c_str(), &startup, &process)) {
+        WaitFor(process, inSeconds, result);
+    }
+    result.mOutput = ReadAll(startup.hStdOutput);
+    result.mErrors = ReadAll(startup.hStdError);
+    return result;
+}
+
+} // namespace ORLTest

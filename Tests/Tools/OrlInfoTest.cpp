@@ -1,0 +1,124 @@
+// orl info as a user meets it: what it prints, how it ends.
+#include <ORLDiskUtils.h>
+#include <ORLHostPath.h>
+
+#include <ProcessRunner.h>
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace ORLTest;
+
+namespace {
+
+ProcessResult Orl(const std::vector<std::string>& inArguments)
+{
+    return RunBesideThisProgram("orl", inArguments);
+}
+
+// The value that the row of that name shows.
+std::string Row(const std::string& inOutput, const std::string& inName)
+{
+    const std::size_t at = ("\n" + inOutput).find("\n" + inName + " ");
+    if (at == std::string::npos) {
+        return std::string();
+    }
+    const std::size_t value = inOutput.find_first_not_of(' ', at + inName.size());
+    return inOutput.substr(value, inOutput.find('\n', value) - value);
+}
+
+bool IsOneLineOfOrl(const std::string& inErrors)
+{
+    return inErrors.compare(0, 5, "orl: ") == 0 && inErrors.find('\n') == inErrors.size() - 1;
+}
+
+} // namespace
+
+TEST(Orl, WithoutACommand_SaysSoOnOneLineAndEndsWith2)
+{
+    const ProcessResult result = Orl({});
+    EXPECT_EQ(2, result.mExitCode);
+    EXPECT_EQ("", result.mOutput);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+}
+
+TEST(Orl, WithAnUnknownCommand_NamesItAndEndsWith2)
+{
+    const ProcessResult result = Orl({"frobnicate"});
+    EXPECT_EQ(2, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find("frobnicate"));
+}
+
+TEST(Orl, HelpAndVersion_GoToStandardOutputAndEndWith0)
+{
+    for (const char* wish : {"--help", "--version"}) {
+        const ProcessResult result = Orl({wish});
+        EXPECT_EQ(0, result.mExitCode) << wish;
+        EXPECT_NE(std::string::npos, result.mOutput.find("orl")) << wish;
+        EXPECT_EQ("", result.mErrors) << wish;
+    }
+    EXPECT_NE(std::string::npos, Orl({"info", "--help"}).mOutput.find("--json"));
+}
+
+TEST(OrlInfo, WithoutAPath_TellsOfTheCurrentFolder)
+{
+    const ProcessResult result = Orl({"info"});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ("", result.mErrors);
+    EXPECT_EQ("directory", Row(result.mOutput, "kind"));
+    EXPECT_NE("", Row(result.mOutput, "version"));
+    EXPECT_NE("", Row(result.mOutput, "platform"));
+    EXPECT_NE(std::string::npos, Row(result.mOutput, "drives").find("C:\\"));
+}
+
+TEST(OrlInfo, OfTheDriveRoot_ShowsWhatTheLibraryAnswers)
+{
+    const ProcessResult result = Orl({"info", "C:\\"});
+    ASSERT_EQ(0, result.mExitCode) << result.mErrors;
+    unsigned int sectorSize = 0;
+    ASSERT_EQ(ORL::kSuccess, ORL::DiskUtils::GetEfficientDiskBufferSizeFromPath(TVX_UTF16("C:\\"), sectorSize));
+    EXPECT_EQ(std::to_string(sectorSize) + " bytes", Row(result.mOutput, "sector size"));
+    EXPECT_EQ("C:\\", Row(result.mOutput, "path"));
+}
+
+TEST(OrlInfo, OfAPathThatIsNotThere_CallsItMissing)
+{
+    const ProcessResult result = Orl({"info", "C:\\no such folder\\no such file"});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ("missing", Row(result.mOutput, "kind"));
+}
+
+TEST(OrlInfo, OfADriveThatIsNotThere_FailsWithThePathInTheLine)
+{
+    const ProcessResult result = Orl({"info", "Q:\\x"});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_EQ("", result.mOutput);
+    EXPECT_EQ("orl: info: cannot ask about the volume of \"Q:\\x\": path not found\n", result.mErrors);
+}
+
+TEST(OrlInfo, NamesBeyondASCII_ComeBackAsUTF8)
+{
+    const ProcessResult result = Orl({"info", "C:\\caf\xC3\xA9\\\xE6\x97\xA5\xF0\x9F\x98\x80"});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ("C:\\caf\xC3\xA9\\\xE6\x97\xA5\xF0\x9F\x98\x80", Row(result.mOutput, "path"));
+}
+
+TEST(OrlInfo, Json_IsOneObjectWithQuotedTexts)
+{
+    const ProcessResult result = Orl({"info", "--json", "C:\\a b"});
+    ASSERT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ(0u, result.mOutput.find("{\n"));
+    EXPECT_EQ(result.mOutput.size() - 2, result.mOutput.rfind("}\n"));
+    EXPECT_NE(std::string::npos, result.mOutput.find("\"path\": \"C:\\\\a b\""));
+    EXPECT_NE(std::string::npos, result.mOutput.find("\"kind\": \"missing\""));
+    EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"C:\\\\\", \"hostFolder\": "));
+}
+
+TEST(OrlInfo, TwoPaths_AreAMistakeOfTheCommandLine)
+{
+    const ProcessResult result = Orl({"info", "a", "b"});
+    EXPECT_EQ(2, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+}

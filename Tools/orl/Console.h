@@ -1,0 +1,29 @@
+// What the program needs of the console that it runs in.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orl {
+
+/// The program's arguments without its name: on Linux the bytes as they came, on Windows UTF-8 of the wide command
+/// line.
+std::vector<std::string> Arguments(int inCount, char** inArguments);
+
+/// While it lives, bytes written to standard output and standard error show as UTF-8.
+class UTF8Console
+{
+public:
+    UTF8Console();
+    ~UTF8Console();
+    UTF8Console(const UTF8Console&) = delete;
+    UTF8Console& operator=(const UTF8Console&) = delete;
+
+private:
+    unsigned int mEarlierCodePage;
+};
+
+/// Whether standard output is a terminal and not a file or pipe.
+bool OutputIsTerminal();
+
+} // namespace orl

@@ -1,0 +1,29 @@
+#include "Failure.h"
+
+namespace orl {
+
+std::string Describe(ORL::Result inResult)
+{
+    switch (inResult) {
+    case ORL::kSuccess:
+        return "success";
+    case ORL::kDiskFull:
+        return "the disk is full";
+    case ORL::kFileNotFound:
+        return "file not found";
+    case ORL::kPathNotFound:
+        return "path not found";
+    case ORL::kAccessDenied:
+        return "access denied";
+    case ORL::kOperationAborted:
+        return "stopped by the user";
+    case ORL::kSharingViolation:
+        return "in use by another";
+    case ORL::kAlreadyExists:
+        return "it exists already";
+    default:
+        return ORL::ResultSucceeded(inResult) ? "success" : "the system refused";
+    }
+}
+
+} // namespace orl

@@ -1,0 +1,52 @@
+#include "Console.h"
+
+#include <windows.h>
+
+#include <io.h>
+#include <shellapi.h>
+#include <stdio.h>
+
+namespace orl {
+
+namespace {
+
+std::string AsUTF8(const wchar_t* inText)
+{
+    const int size = ::WideCharToMultiByte(CP_UTF8, 0, inText, -1, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    ::WideCharToMultiByte(CP_UTF8, 0, inText, -1, text.data(), size, nullptr, nullptr);
+    text.resize(text.size() - 1);
+    return text;
+}
+
+} // namespace
+
+// The narrow arguments have lost what the system's code page does not hold, so they are read again.
+std::vector<std::string> Arguments(int, char**)
+{
+    std::vector<std::string> arguments;
+    int count = 0;
+    wchar_t** wide = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+    for (int i = 1; i < count; ++i) {
+        arguments.push_back(AsUTF8(wide[i]));
+    }
+    ::LocalFree(wide);
+    return arguments;
+}
+
+UTF8Console::UTF8Console() : mEarlierCodePage(::GetConsoleOutputCP())
+{
+    ::SetConsoleOutputCP(CP_UTF8);
+}
+
+UTF8Console::~UTF8Console()
+{
+    ::SetConsoleOutputCP(mEarlierCodePage);
+}
+
+bool OutputIsTerminal()
+{
+    return ::_isatty(::_fileno(stdout)) != 0;
+}
+
+} // namespace orl

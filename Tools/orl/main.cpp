@@ -1,0 +1,75 @@
+// orl: the library at work from the command line.
+#include "Commands.h"
+#include "Console.h"
+#include "Failure.h"
+
+#include <ORLVersion.h>
+#include <algorithm>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+void AddCommands(CLI::App& ioProgram)
+{
+    orl::AddInfo(ioProgram);
+}
+
+int Complain(const std::string& inText, int inExitCode)
+{
+    std::string line = inText;
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    std::cout.flush();
+    std::cerr << "orl: " << line << '\n';
+    return inExitCode;
+}
+
+// What was written may still fail on its way out, on a full disk for instance.
+int Finish()
+{
+    std::cout.flush();
+    return std::cout ? orl::kExitSuccess : Complain("cannot write to standard output", orl::kExitFailure);
+}
+
+// The parser would only say that a command is missing.
+void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
+{
+    if (inArguments.empty() || inArguments[0].compare(0, 1, "-") == 0) {
+        return;
+    }
+    const auto isIt = [&inArguments](const CLI::App* inCommand) { return inCommand->check_name(inArguments[0]); };
+    if (inProgram.get_subcommands(isIt).empty()) {
+        throw CLI::ExtrasError("orl", {inArguments[0]});
+    }
+}
+
+int Run(std::vector<std::string> inArguments)
+{
+    CLI::App program("Shows what ORLFoundation can do with files, and what it knows of this machine.", "orl");
+    program.set_version_flag("--version", "orl " ORL_VERSION);
+    program.require_subcommand(1);
+    AddCommands(program);
+    try {
+        CheckCommand(program, inArguments);
+        // The parser takes the last argument first.
+        std::reverse(inArguments.begin(), inArguments.end());
+        program.parse(std::move(inArguments));
+    } catch (const CLI::Success& wish) {
+        program.exit(wish, std::cout, std::cerr);
+    } catch (const CLI::ParseError& error) {
+        return Complain(std::string(error.what()) + " (see orl --help)", orl::kExitUsage);
+    }
+    return Finish();
+}
+
+} // namespace
+
+int main(int inCount, char** inArguments)
+{
+    const orl::UTF8Console console;
+    try {
+        return Run(orl::Arguments(inCount, inArguments));
+    } catch (const std::exception& failure) {
+        return Complain(failure.what(), orl::kExitFailure);
+    }
+}
