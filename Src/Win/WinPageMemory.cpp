@@ -1,7 +1,9 @@
 #include <Platform/PageMemory.h>
 
-#include <new.h>
 #include <windows.h>
+
+// The toolchain's header declares this one with the wrong linkage.
+extern "C" __declspec(dllimport) int __cdecl _query_new_mode(void);
 
 namespace ORL {
 namespace PageMemory {
