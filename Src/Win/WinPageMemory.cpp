@@ -2,9 +2,6 @@
 
 #include <windows.h>
 
-// The toolchain's header declares this one with the wrong linkage.
-extern "C" __declspec(dllimport) int __cdecl _query_new_mode(void);
-
 namespace ORL {
 namespace PageMemory {
 namespace Platform {
@@ -19,9 +16,16 @@ void FreePages_Impl(void* inPages, std::size_t)
     ::VirtualFree(inPages, 0, MEM_RELEASE);
 }
 
+// The runtime exports this one under a name of its maker's C++, which this compiler cannot write down.
 int QueryNewMode_Impl()
 {
-    return ::_query_new_mode();
+    using QueryNewMode = int(__cdecl*)();
+    static const QueryNewMode query = [] {
+        const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
+        const FARPROC found = runtime != nullptr ? ::GetProcAddress(runtime, "?_query_new_mode@@YAHXZ") : nullptr;
+        return reinterpret_cast<QueryNewMode>(reinterpret_cast<void*>(found));
+    }();
+    return query != nullptr ? query() : 0;
 }
 
 } // namespace Platform
