@@ -101,6 +101,9 @@ TEST(FrameRate, FromDouble_RoundsToTheNearestTick)
 
 TEST(FrameRate, OfItsOwnValue_IsTheSameRate)
 {
+    for (long long ticks = 1; ticks <= 1000000; ++ticks) {
+        ASSERT_EQ(ticks, FrameRate(FrameRate::FromTicksPerFrame(ticks).GetValue()).GetTicksPerFrame());
+    }
     std::mt19937_64 random(20240229);
     for (int i = 0; i < 1000000; ++i) {
         // Ticks that a double holds with room for the two roundings.
@@ -151,5 +154,47 @@ TEST(FrameRate, OrderOfListedRates_IsThatOfTheirFractions)
             EXPECT_EQ(left.mFrames * right.mSeconds < right.mFrames * left.mSeconds, left.mRate < right.mRate)
                 << left.mName << " and " << right.mName;
         }
+    }
+}
+
+TEST(FrameRate, OfAWholeNumber_HasThatNumberAsValue)
+{
+    // Whole rates that lie further apart than their ticks come back as they were.
+    for (int rate = 1; rate <= 18000; ++rate) {
+        ASSERT_EQ(rate, FrameRate(rate).GetValue());
+        ASSERT_EQ(rate, FrameRate(rate).GetTruncatedValue());
+        ASSERT_EQ(-rate, FrameRate(-rate).GetValue());
+        ASSERT_EQ(-rate, FrameRate(-rate).GetTruncatedValue());
+    }
+    EXPECT_NE(0, kTicksPerSecond % 11) << "11 is one of those that have no whole number of ticks";
+}
+
+TEST(FrameRate, BetweenWholeNumbers_HasTheQuotientAsValue)
+{
+    for (const double rate : {29.97, 14.985, 23.98, 0.5, 1.5, 12.5, 99.99, 29.999}) {
+        const FrameRate held(rate);
+        const double quotient = static_cast<double>(kTicksPerSecond) / static_cast<double>(held.GetTicksPerFrame());
+        EXPECT_EQ(quotient, held.GetValue()) << rate;
+        EXPECT_EQ(static_cast<long long>(rate), held.GetTruncatedValue()) << rate;
+    }
+}
+
+TEST(FrameRate, GetTruncatedValue_IsTheValueTruncatedForEveryLengthOfFrame)
+{
+    for (long long ticks = -1000000; ticks <= 1000000; ++ticks) {
+        const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
+        ASSERT_EQ(static_cast<long long>(rate.GetValue()), rate.GetTruncatedValue()) << ticks;
+    }
+    // The quotients just below and above each whole number are the ones that rounding could move.
+    for (long long whole = 1; whole <= 200000; ++whole) {
+        for (long long ticks = kTicksPerSecond / whole - 1; ticks <= kTicksPerSecond / whole + 2; ++ticks) {
+            const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
+            ASSERT_EQ(static_cast<long long>(rate.GetValue()), rate.GetTruncatedValue()) << ticks;
+        }
+    }
+    for (const long long ticks : {kLongest, -kLongest - 1, 2 * kTicksPerSecond, 2 * kTicksPerSecond + 1,
+                                  2 * kTicksPerSecond - 1, kTicksPerSecond + 1}) {
+        const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
+        EXPECT_EQ(static_cast<long long>(rate.GetValue()), rate.GetTruncatedValue()) << ticks;
     }
 }

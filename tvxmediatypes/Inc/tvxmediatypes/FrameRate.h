@@ -40,9 +40,27 @@ public:
     constexpr long long GetTicksPerFrame() const noexcept { return mTicksPerFrame; }
 
     /// Frames per second; 0 for the zero rate. For every listed rate this is the double nearest to the true value.
+    /// Where the ticks are those of a whole rate it is the whole number: rounding to ticks must not make 10.9999999
+    /// frames out of 11.
     constexpr double GetValue() const noexcept
     {
-        return mTicksPerFrame == 0 ? 0.0 : static_cast<double>(kTicksPerSecond) / static_cast<double>(mTicksPerFrame);
+        if (mTicksPerFrame == 0) {
+            return 0.0;
+        }
+        const long long whole = WholeRate();
+        return whole != 0 ? static_cast<double>(whole)
+                          : static_cast<double>(kTicksPerSecond) / static_cast<double>(mTicksPerFrame);
+    }
+
+    /// GetValue truncated toward zero.
+    constexpr long long GetTruncatedValue() const noexcept
+    {
+        if (mTicksPerFrame == 0) {
+            return 0;
+        }
+        // No quotient lies so close below a whole number that a double would be rounded up to it.
+        const long long whole = WholeRate();
+        return whole != 0 ? whole : kTicksPerSecond / mTicksPerFrame;
     }
 
     friend constexpr bool operator==(const FrameRate& inLeft, const FrameRate& inRight) noexcept
@@ -75,6 +93,22 @@ public:
 
 private:
     constexpr int Sign() const noexcept { return (mTicksPerFrame > 0) - (mTicksPerFrame < 0); }
+
+    // The whole rate nearest to this one if it rounds to the same ticks, else 0. Not for the zero rate.
+    constexpr long long WholeRate() const noexcept
+    {
+        if (mTicksPerFrame > 2 * kTicksPerSecond || mTicksPerFrame < -2 * kTicksPerSecond) {
+            return 0;
+        }
+        const long long ticks = mTicksPerFrame < 0 ? -mTicksPerFrame : mTicksPerFrame;
+        const long long nearest = (kTicksPerSecond + ticks / 2) / ticks;
+        // Halves round away from zero: up to half a tick too long, less than half a tick too short.
+        const long long tooLong = 2 * (nearest * ticks - kTicksPerSecond);
+        if (tooLong > nearest || tooLong <= -nearest) {
+            return 0;
+        }
+        return mTicksPerFrame < 0 ? -nearest : nearest;
+    }
 
     static constexpr long long TicksOf(double inFramesPerSecond) noexcept
     {

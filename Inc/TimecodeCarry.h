@@ -1,0 +1,31 @@
+// Floor: Media
+// Carries from one field of a label into the next.
+#pragma once
+
+#include <Wrapping.h>
+
+namespace ORL {
+namespace TimecodeLocal {
+
+/// Brings a field into 0 .. inLimit - 1 and adds what overflows to the next higher field, or takes it from there. This
+/// is the quotient of repeated subtraction, also where the next field wraps around. A limit that is not positive
+/// carries nothing.
+template <class Field>
+constexpr void Carry(Field& ioField, int& ioNext, Field inLimit) noexcept
+{
+    if (inLimit <= 0) {
+        return;
+    }
+    if (ioField >= inLimit) {
+        ioNext = Wrapping::Add(ioNext, static_cast<int>(Wrapping::Bits(ioField / inLimit)));
+        ioField %= inLimit;
+    } else if (ioField < 0) {
+        // As many as bring the field to 0 or above.
+        const Field count = (-1 - ioField) / inLimit + 1;
+        ioNext = Wrapping::Subtract(ioNext, static_cast<int>(Wrapping::Bits(count)));
+        ioField = Wrapping::Add(ioField, Wrapping::Multiply(count, inLimit));
+    }
+}
+
+} // namespace TimecodeLocal
+} // namespace ORL

@@ -1,0 +1,167 @@
+#include <TimecodeDropFrame.h>
+
+#include <ORLDebug.h>
+#include <TimecodeCarry.h>
+#include <Wrapping.h>
+
+#include <tvxmediatypes/Constants.h>
+
+namespace ORL {
+namespace TimecodeLocal {
+
+using namespace tvxmediatypes;
+
+namespace {
+
+// An hour is six blocks of ten minutes. The first minute of a block has all its labels, and each of the other nine
+// lacks the first ones, which brings the labels of an hour back to the clock within 3.6 milliseconds.
+struct DropFrame
+{
+    long long mLabelsPerSecond;
+    long long mLabelsDropped;
+
+    constexpr long long FirstSecond() const { return mLabelsPerSecond - mLabelsDropped; }
+    constexpr long long FirstMinute() const { return 60 * mLabelsPerSecond; }
+    constexpr long long OtherMinute() const { return FirstMinute() - mLabelsDropped; }
+    constexpr long long TenMinutes() const { return FirstMinute() + 9 * OtherMinute(); }
+    constexpr long long Hour() const { return 6 * TenMinutes(); }
+};
+
+constexpr DropFrame kNTSC = {30, 2};
+constexpr DropFrame kNTSC_HD = {60, 4};
+
+static_assert(kNTSC.Hour() == 107892 && kNTSC.TenMinutes() == 17982 && kNTSC.FirstMinute() == 1800
+                  && kNTSC.OtherMinute() == 1798 && kNTSC.FirstSecond() == 28,
+              "the counts of 29.97 drop-frame");
+static_assert(kNTSC_HD.Hour() == 215784 && kNTSC_HD.TenMinutes() == 35964 && kNTSC_HD.FirstMinute() == 3600
+                  && kNTSC_HD.OtherMinute() == 3596 && kNTSC_HD.FirstSecond() == 56,
+              "the counts of 59.94 drop-frame");
+
+// Frames from the start of a ten-minute block to a label in one of its last nine minutes.
+long long CountInShortMinute(const DropFrame& inDrop, int inOnes, int inSeconds, long long inFrames)
+{
+    const long long start = inDrop.FirstMinute() + (inOnes - 1LL) * inDrop.OtherMinute();
+    if (inSeconds != 0) {
+        const long long seconds = (inSeconds - 1LL) * inDrop.mLabelsPerSecond + inDrop.FirstSecond();
+        return Wrapping::Add(start + seconds, inFrames);
+    }
+    if (inFrames > 0) {
+        ORL_ASSERT_AT(inFrames != 1, "Timecode", __LINE__, "ORL::`anonymous-namespace'::NTSCDropFrame_HMSFToTime");
+        return Wrapping::Add(start - inDrop.mLabelsDropped, inFrames);
+    }
+    return start;
+}
+
+// With constants for the counts, so that no division takes a division's time.
+template <long long kLabelsPerSecond, long long kLabelsDropped>
+void CountToHMSF(unsigned long long inRest, int& outHours, int& outMinutes, int& outSeconds, long long& outFrames)
+{
+    constexpr DropFrame drop = {kLabelsPerSecond, kLabelsDropped};
+    constexpr unsigned long long hour = drop.Hour();
+    constexpr unsigned long long tenMinutes = drop.TenMinutes();
+    constexpr unsigned long long firstMinute = drop.FirstMinute();
+    constexpr unsigned long long otherMinute = drop.OtherMinute();
+
+    outHours = static_cast<int>(inRest / hour);
+    auto rest = static_cast<unsigned>(inRest % hour);
+    unsigned minutes = rest / static_cast<unsigned>(tenMinutes) * 10;
+    rest %= static_cast<unsigned>(tenMinutes);
+    if (rest >= firstMinute) {
+        const unsigned others = (rest - static_cast<unsigned>(firstMinute)) / static_cast<unsigned>(otherMinute) + 1;
+        minutes += others;
+        // What stays starts from the dropped labels, so the fields need no further correction.
+        rest -= others * static_cast<unsigned>(otherMinute);
+    }
+    outMinutes = static_cast<int>(minutes);
+    outSeconds = static_cast<int>(rest / static_cast<unsigned>(kLabelsPerSecond));
+    outFrames = rest % static_cast<unsigned>(kLabelsPerSecond);
+}
+
+unsigned long long Magnitude(long long inCount)
+{
+    return Wrapping::Bits(inCount < 0 ? Wrapping::Negate(inCount) : inCount);
+}
+
+// Steps off a label that is left out. The limit is 2 at both rates, also where 4 labels are left out.
+void StepOffDroppedLabel(bool inBackwards, int& ioMinutes, int& ioSeconds, long long& ioFrames, int inLabelsPerSecond,
+                         int inLabelsDropped)
+{
+    if (ioMinutes % 10 == 0 || ioSeconds != 0 || ioFrames >= 2) {
+        return;
+    }
+    if (inBackwards) {
+        ioMinutes -= 1;
+        ioSeconds = 59;
+        ioFrames = inLabelsPerSecond - 1;
+    } else {
+        ioFrames = inLabelsDropped;
+    }
+}
+
+} // namespace
+
+TickTime NTSCDropFrame_HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames, bool inIsHD)
+{
+    const DropFrame& drop = inIsHD ? kNTSC_HD : kNTSC;
+    const int tens = inMinutes / 10;
+    const int ones = inMinutes % 10;
+    const long long inBlock = ones == 0 ? Wrapping::Add(inSeconds * drop.mLabelsPerSecond, inFrames)
+                                        : CountInShortMinute(drop, ones, inSeconds, inFrames);
+    const long long total = Wrapping::Add(inHours * drop.Hour() + tens * drop.TenMinutes(), inBlock);
+    return TickTime(total, inIsHD ? kFrameRate_VideoNTSC_HD : kFrameRate_VideoNTSC);
+}
+
+void NTSCDropFrame_TimeToHMSF(const TickTime& inTime, int& outHours, int& outMinutes, int& outSeconds,
+                              long long& outFrames, bool inIsHD)
+{
+    if (inIsHD) {
+        const unsigned long long rest = Magnitude(inTime.ToFrame64(kFrameRate_VideoNTSC_HD));
+        CountToHMSF<60, 4>(rest, outHours, outMinutes, outSeconds, outFrames);
+    } else {
+        const unsigned long long rest = Magnitude(inTime.ToFrame64(kFrameRate_VideoNTSC));
+        CountToHMSF<30, 2>(rest, outHours, outMinutes, outSeconds, outFrames);
+    }
+}
+
+void NTSCDropFrame_IncrementHMSF(int inAddHours, int inAddMinutes, int inAddSeconds, long long inAddFrames,
+                                 int& ioHours, int& ioMinutes, int& ioSeconds, long long& ioFrames, bool& ioIsNegative,
+                                 int inLabelsPerSecond, int inLabelsDropped)
+{
+    const long long labelsPerSecond = inLabelsPerSecond;
+    long long frames = Wrapping::Add(ioFrames, inAddFrames);
+    int seconds = ioSeconds;
+    Carry(frames, seconds, labelsPerSecond);
+    seconds = Wrapping::Add(seconds, inAddSeconds);
+    int minutes = ioMinutes;
+    Carry(seconds, minutes, 60);
+    minutes = Wrapping::Add(minutes, inAddMinutes);
+    int hours = ioHours;
+    Carry(minutes, hours, 60);
+    hours = Wrapping::Add(hours, inAddHours);
+
+    // Whether zero was crossed is seen on the hours here, where the other formats look at the sign.
+    if (hours < 0 && ioHours >= 0) {
+        ioIsNegative = true;
+        frames = labelsPerSecond - frames;
+        seconds = 59 - seconds;
+        minutes = 59 - minutes;
+        hours += 1;
+    }
+    if (hours > 24 || hours < -24) {
+        hours = hours > 24 ? 24 : -24;
+        minutes = seconds = 0;
+        frames = 0;
+    }
+    StepOffDroppedLabel(inAddFrames < 0, minutes, seconds, frames, inLabelsPerSecond, inLabelsDropped);
+    if (hours < 0) {
+        ioIsNegative = true;
+        hours = -hours;
+    }
+    ioHours = hours;
+    ioMinutes = minutes;
+    ioSeconds = seconds;
+    ioFrames = frames;
+}
+
+} // namespace TimecodeLocal
+} // namespace ORL

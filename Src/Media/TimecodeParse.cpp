@@ -1,0 +1,246 @@
+#include <TimecodeStrings.h>
+
+#include <ORLDebug.h>
+#include <TimecodeFormats.h>
+#include <Wrapping.h>
+
+#include <tvxmediatypes/Constants.h>
+
+namespace ORL {
+namespace TimecodeLocal {
+
+using namespace tvxmediatypes;
+
+namespace {
+
+constexpr std::size_t kReadable = UTF16String::npos;
+constexpr int kMaxFields = 4;
+
+// What the scan finds: the sign, whether a separator stood before the first field, and where the fields lie.
+struct ScannedText
+{
+    bool mIsNegative = false;
+    bool mHasLeadSeparator = false;
+    int mFieldCount = 1;
+    const unsigned short* mBegin[kMaxFields];
+    const unsigned short* mEnd[kMaxFields];
+
+    unsigned long long Value(int inField) const
+    {
+        return ParseDigits(mBegin[inField], static_cast<std::size_t>(mEnd[inField] - mBegin[inField]));
+    }
+};
+
+// The fields of a label from the right, as they stand in the text.
+struct TypedFields
+{
+    long long mFrames = 0;
+    int mSeconds = 0;
+    int mMinutes = 0;
+    int mHours = 0;
+};
+
+// Finds the fields between inUnit and inEnd. Gives the unit that does not fit, or null where all is well.
+const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned short* inEnd, TimeDisplay inTimeDisplay,
+                                 ScannedText& outText)
+{
+    int field = 0;
+    bool afterSeparator = false;
+    outText.mBegin[0] = inUnit;
+    for (; inUnit != inEnd; ++inUnit) {
+        if (IsSeparator(*inUnit)) {
+            // A plain frame count takes no separator but the lead one.
+            if (afterSeparator || inTimeDisplay == kTimeDisplay_Frames) {
+                return inUnit;
+            }
+            outText.mEnd[field] = inUnit;
+            afterSeparator = true;
+            continue;
+        }
+        if (!IsDigit(*inUnit) || (afterSeparator && field + 1 == kMaxFields)) {
+            return inUnit;
+        }
+        if (afterSeparator) {
+            outText.mBegin[++field] = inUnit;
+            afterSeparator = false;
+        }
+    }
+    if (afterSeparator) {
+        if (++field == kMaxFields) {
+            return inEnd - 1; // a fifth field, if an empty one
+        }
+        outText.mBegin[field] = inEnd;
+    }
+    outText.mEnd[field] = inEnd;
+    outText.mFieldCount = field + 1;
+    return nullptr;
+}
+
+// Gives the index where reading stops, or kReadable.
+std::size_t ScanSMPTE(const UTF16String& inText, TimeDisplay inTimeDisplay, ScannedText& outText)
+{
+    const unsigned short* const begin = inText.data();
+    const unsigned short* const end = begin + inText.size();
+    const unsigned short* unit = begin;
+    if (unit != end && (*unit == '-' || *unit == '+')) {
+        outText.mIsNegative = *unit == '-';
+        ++unit;
+    }
+    if (unit != end && IsSeparator(*unit)) {
+        outText.mHasLeadSeparator = true;
+        ++unit;
+    }
+    const unsigned short* const stop = unit != end ? ScanFields(unit, end, inTimeDisplay, outText) : end;
+    return stop != nullptr ? static_cast<std::size_t>(stop - begin) : kReadable;
+}
+
+// A lone number that counts frames. The frame is added before the sign is applied.
+TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, bool inPreviousFrame, bool inIsNegative)
+{
+    TickTime time(static_cast<long long>(inCount), inFrameRate);
+    if (inPreviousFrame) {
+        time.AddFrames(1, inFrameRate);
+    }
+    return inIsNegative ? -time : time;
+}
+
+// Room for the frames of the rate, in digits, as a power of ten.
+unsigned long long ShorthandBase(const FrameRate& inRate)
+{
+    if (inRate > FrameRate(10000.0)) {
+        return 100000;
+    }
+    if (inRate > FrameRate(1000.0)) {
+        return 10000;
+    }
+    return inRate > FrameRate(100.0) ? 1000 : 100;
+}
+
+// A typed field of whatever length, as much of it as the field holds.
+int ToField(unsigned long long inValue)
+{
+    return static_cast<int>(static_cast<unsigned>(inValue));
+}
+
+// Splits a run of digits from the right.
+TypedFields SplitShorthand(unsigned long long inValue, const FrameRate& inRate)
+{
+    const unsigned long long base = ShorthandBase(inRate);
+    TypedFields fields;
+    fields.mFrames = static_cast<long long>(inValue);
+    if (inValue < base) {
+        return fields;
+    }
+    fields.mFrames = static_cast<long long>(inValue % base);
+    const unsigned long long fromSeconds = inValue / base;
+    if (fromSeconds < 100) {
+        fields.mSeconds = ToField(fromSeconds);
+        return fields;
+    }
+    fields.mSeconds = ToField(fromSeconds % 100);
+    const unsigned long long fromMinutes = fromSeconds / 100;
+    if (fromMinutes < 100) {
+        fields.mMinutes = ToField(fromMinutes);
+        return fields;
+    }
+    fields.mMinutes = ToField(fromMinutes % 100);
+    fields.mHours = ToField(fromMinutes / 100);
+    return fields;
+}
+
+TypedFields ReadFields(const ScannedText& inText)
+{
+    const int count = inText.mFieldCount;
+    TypedFields fields;
+    fields.mFrames = static_cast<long long>(inText.Value(count - 1));
+    fields.mSeconds = count > 1 ? ToField(inText.Value(count - 2)) : 0;
+    fields.mMinutes = count > 2 ? ToField(inText.Value(count - 3)) : 0;
+    fields.mHours = count > 3 ? ToField(inText.Value(count - 4)) : 0;
+    return fields;
+}
+
+FrameRate NominalRate(const FrameRate& inRate)
+{
+    if (inRate == kFrameRate_VideoNTSC) {
+        return kFrameRate_Video30;
+    }
+    if (inRate == kFrameRate_VideoNTSC_HD) {
+        return kFrameRate_Video60;
+    }
+    return inRate == kFrameRate_23976 ? kFrameRate_Film24 : inRate;
+}
+
+// Frames equal to the rate stay in place: only more than that carries.
+bool Overflows(long long inFrames, const FrameRate& inRate)
+{
+    return static_cast<double>(inFrames) > inRate.GetValue() && inRate.GetValue() >= 1;
+}
+
+void CarryFrames(TypedFields& ioFields, const FrameRate& inRate)
+{
+    if (!Overflows(ioFields.mFrames, inRate)) {
+        return;
+    }
+    const FrameRate frameRate = NominalRate(inRate);
+    const int count = Wrapping::TruncateToInt(static_cast<double>(ioFields.mFrames) / frameRate.GetValue());
+    ioFields.mFrames = Wrapping::Subtract(ioFields.mFrames, count * frameRate.GetTruncatedValue());
+    ioFields.mSeconds = Wrapping::Add(ioFields.mSeconds, count);
+    // A rate without a nominal one may keep more frames than it has in a second.
+    ORL_ASSERT_MESSAGE_AT(!Overflows(ioFields.mFrames, frameRate),
+                          "!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)", "", "Timecode", __LINE__,
+                          "ORL::`anonymous-namespace'::SMPTEStringToTime");
+}
+
+// No more than a day can be typed.
+void CarrySeconds(TypedFields& ioFields)
+{
+    if (ioFields.mSeconds > 59) {
+        const int count = ioFields.mSeconds / 60;
+        ioFields.mMinutes = Wrapping::Add(ioFields.mMinutes, count);
+        ioFields.mSeconds -= 60 * count;
+    }
+    if (ioFields.mMinutes > 59) {
+        const int count = ioFields.mMinutes / 60;
+        ioFields.mHours = Wrapping::Add(ioFields.mHours, count);
+        ioFields.mMinutes -= 60 * count;
+    }
+    if (ioFields.mHours > 23) {
+        ioFields.mHours %= 24;
+    }
+}
+
+} // namespace
+
+TickTime SMPTEStringToTime(const UTF16String& inText, const FrameRate& inFrameRate, TimeDisplay inTimeDisplay,
+                           bool inPreviousFrame)
+{
+    ScannedText text;
+    if (ScanSMPTE(inText, inTimeDisplay, text) != kReadable) {
+        return kTime_Invalid;
+    }
+    if (text.mFieldCount == 1 && (text.mHasLeadSeparator || inTimeDisplay == kTimeDisplay_Frames)) {
+        return CountToTime(text.Value(0), inFrameRate, inPreviousFrame, text.mIsNegative);
+    }
+    const FrameRate workingRate = inTimeDisplay == kTimeDisplay_AudioMsTimecode
+                                      ? GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate)
+                                      : inFrameRate;
+    TypedFields fields = text.mFieldCount == 1 ? SplitShorthand(text.Value(0), workingRate) : ReadFields(text);
+    CarryFrames(fields, workingRate);
+    CarrySeconds(fields);
+    TickTime time = HMSFToTime(fields.mHours, fields.mMinutes, fields.mSeconds, fields.mFrames, text.mIsNegative,
+                               inFrameRate, inTimeDisplay);
+    if (inPreviousFrame) {
+        // Here the sign is applied first, so that a negative entry ends one frame closer to zero.
+        time.AddFrames(1, inFrameRate);
+    }
+    return time;
+}
+
+std::size_t FindUnreadableInSMPTE(const UTF16String& inText, TimeDisplay inTimeDisplay)
+{
+    ScannedText text;
+    return ScanSMPTE(inText, inTimeDisplay, text);
+}
+
+} // namespace TimecodeLocal
+} // namespace ORL
