@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,6 +51,7 @@ class QuietManager : public tvxcore::config::ErrorManager
 
 Outcome Watch(void (*inCheck)(), bool inAskToBreak, bool inAttach)
 {
+    std::fflush(nullptr); // what is buffered belongs to one of the two
     const pid_t child = ::fork();
     if (child == 0) {
         RunChild(inCheck, inAskToBreak, inAttach);

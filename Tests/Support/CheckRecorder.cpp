@@ -86,6 +86,9 @@ bool CheckRecorder::OnAssert(bool& ioIgnore, const char* inExpression, const uns
     report.mFunction = inFunction;
     sRecorder->Add(std::move(report));
     ioIgnore = ioIgnore || sRecorder->mIgnoreForGood;
+    if (sRecorder->mThrowAssert) {
+        throw ContractError{0};
+    }
     return false;
 }
 

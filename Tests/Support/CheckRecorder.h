@@ -50,6 +50,7 @@ public:
     void Clear();
 
     bool mThrow = false;          // contract errors leave as ContractError
+    bool mThrowAssert = false;    // so does an assertion, for code that must not go on behind it
     bool mIgnoreForGood = false;  // the answer to an assertion
     long mDisplayChoice = 1;      // the answer to a display
 

@@ -1,0 +1,66 @@
+// Floor: Foundation
+// The whole library, and its start and stop.
+//
+//   ORL::Foundation::Initialize();
+//   ...
+//   ORL::Foundation::Terminate();
+#pragma once
+
+#include <ORLAllocator.h>
+#include <ORLAtomic.h>
+#include <ORLCString.h>
+#include <ORLClassFactory.h>
+#include <ORLConfig.h>
+#include <ORLConstString.h>
+#include <ORLConstants.h>
+#include <ORLCriticalSection.h>
+#include <ORLDebug.h>
+#include <ORLDiskUtils.h>
+#include <ORLEvent.h>
+#include <ORLException.h>
+#include <ORLHostPath.h>
+#include <ORLImmutableString.h>
+#include <ORLImpl.h>
+#include <ORLInterface.h>
+#include <ORLLanguage.h>
+#include <ORLLocale.h>
+#include <ORLManaged.h>
+#include <ORLMemoryRecycler.h>
+#include <ORLObjectPtr.h>
+#include <ORLParamString.h>
+#include <ORLPathUtils.h>
+#include <ORLResult.h>
+#include <ORLSharedObjectBase.h>
+#include <ORLSingletonConstruction.h>
+#include <ORLStream.h>
+#include <ORLString.h>
+#include <ORLTVXErrorManager.h>
+#include <ORLThreadManager.h>
+#include <ORLWaitableGate.h>
+
+namespace ORL {
+namespace Foundation {
+
+/// Starts the library. Starts are counted: the first one does the work, and the thread of the first one in the life of
+/// the process becomes the main thread. Each start owes one Terminate. May be called from any thread, also while another
+/// one starts or stops the library. An exception of a service that cannot start leaves with the library not started.
+///
+/// Before the start, and after the stop, everything works that needs no service of the library: constants, strings,
+/// the class factory, locks.
+ORL_API void Initialize();
+
+/// Takes one start back; the last one stops the services, after which the library may be started again. A stop without
+/// a start is not refused: the next start then only makes up for it and starts nothing.
+///
+/// To be called on the main thread where it is the last one.
+ORL_API void Terminate();
+
+} // namespace Foundation
+
+/// There is no such mode: always false.
+ORL_API bool GetEmergencyMemoryMode();
+
+/// Ignores its argument.
+ORL_API void SetEmergencyMemoryMode(bool);
+
+} // namespace ORL

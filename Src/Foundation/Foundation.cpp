@@ -1,0 +1,59 @@
+#include <ORLFoundation.h>
+
+#include <CountedLifecycle.h>
+#include <LocaleInternals.h>
+#include <MemoryRecyclerLifecycle.h>
+#include <tvxcore/Trace.h>
+
+namespace ORL {
+
+namespace {
+
+// What started last among these stops first, but the stop is no mirror of the start: both orders are fixed.
+constexpr LifecycleStep kStart[] = {
+    {"Exception::Initialize", &Exception::Initialize},
+    {"Locale::Initialize", &Locale::Initialize},
+    {"ThreadManager::RegisterMainThread", &ThreadManager::RegisterMainThread},
+    {"CreateMemoryRecycler", &CreateMemoryRecycler},
+};
+
+constexpr LifecycleStep kStop[] = {
+    {"DropMemoryRecycler", &DropMemoryRecycler},
+    {"ThreadManager::UnregisterMainThread", &ThreadManager::UnregisterMainThread},
+    {"Exception::Terminate", &Exception::Terminate},
+    {"tvxcore::debug::ShutdownTraceManager", &tvxcore::debug::ShutdownTraceManager},
+};
+
+CountedLifecycle sLifecycle(kStart, kStop);
+
+} // namespace
+
+CountedLifecycle& FoundationLifecycle()
+{
+    return sLifecycle;
+}
+
+namespace Foundation {
+
+void Initialize()
+{
+    sLifecycle.Initialize();
+}
+
+void Terminate()
+{
+    sLifecycle.Terminate();
+}
+
+} // namespace Foundation
+
+bool GetEmergencyMemoryMode()
+{
+    return false;
+}
+
+void SetEmergencyMemoryMode(bool)
+{
+}
+
+} // namespace ORL

@@ -1,0 +1,22 @@
+#include <ORLSharedObjectBase.h>
+#include <SharedObjectPool.h>
+
+namespace ORL {
+
+namespace {
+
+SharedObjectPool sPool;
+
+} // namespace
+
+SharedObjectPool& TheSharedObjectPool()
+{
+    return sPool;
+}
+
+CriticalSection& SharedObjectBase::GetCriticalSection()
+{
+    return sPool.Next();
+}
+
+} // namespace ORL

@@ -1,0 +1,36 @@
+#include <ORLSingletonConstruction.h>
+
+#include <ORLDebug.h>
+#include <SingletonSection.h>
+
+#include <atomic>
+#include <boost/thread/once.hpp>
+
+namespace {
+
+boost::once_flag sOnce = BOOST_ONCE_INIT;
+std::atomic<ORL::CriticalSection*> sSection{nullptr};
+
+void BuildSection()
+{
+    static ORL::CriticalSection section; // its destruction comes with the end of the process
+    sSection.store(&section, std::memory_order_release);
+}
+
+} // namespace
+
+namespace ORL {
+
+CriticalSection& CheckedSingletonSection(CriticalSection* sCriticalSectionPtr)
+{
+    ORL_INPUT_CONTRACT_AT(sCriticalSectionPtr != NULL, "ClassFactory", 62);
+    return *sCriticalSectionPtr;
+}
+
+} // namespace ORL
+
+ORL::CriticalSection& ORLGetGlobalCriticalSectionForSingletonConstruction()
+{
+    boost::call_once(sOnce, &BuildSection);
+    return ORL::CheckedSingletonSection(sSection.load(std::memory_order_acquire));
+}

@@ -1,0 +1,19 @@
+# Hosts of their own, linked to the shared libraries as hosts are.
+add_executable(lifecycle_host Foundation/LifecycleHost.cpp)
+target_link_libraries(lifecycle_host PRIVATE ORLFoundation orl_strict)
+add_executable(lifecycle_static_host Foundation/LifecycleHost.cpp)
+target_compile_definitions(lifecycle_static_host PRIVATE ORL_START_STATICALLY)
+target_link_libraries(lifecycle_static_host PRIVATE ORLFoundation orl_strict)
+
+# A host that is not linked to the library, but loads and unloads it.
+add_executable(load_unload_host Foundation/LoadUnloadHost.cpp Foundation/LoadUnloadHost${ORL_PLATFORM}.cpp)
+target_link_libraries(load_unload_host PRIVATE orl_strict ${CMAKE_DL_LIBS} Threads::Threads)
+target_compile_definitions(load_unload_host PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\"")
+if(ORL_SANITIZE)
+  target_compile_definitions(load_unload_host PRIVATE ORL_SANITIZED)
+endif()
+if(WIN32)
+  target_link_libraries(load_unload_host PRIVATE psapi)
+endif()
+
+add_dependencies(${room_target} lifecycle_host lifecycle_static_host load_unload_host ORLFoundation)

@@ -1,0 +1,171 @@
+#include <ORLAtomic.h>
+
+#include <CheckRecorder.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <limits>
+#include <thread>
+#include <vector>
+
+using namespace ORL;
+using ORLTest::CheckRecorder;
+
+TEST(Atomic, IncrementAndDecrement_GiveTheNewValue)
+{
+    std::int32_t value = -1;
+    EXPECT_EQ(0, AtomicIncrement(value));
+    EXPECT_EQ(1, AtomicIncrement(value));
+    EXPECT_EQ(0, AtomicDecrement(value));
+    EXPECT_EQ(-1, AtomicDecrement(value));
+    EXPECT_EQ(-1, value);
+}
+
+TEST(Atomic, IncrementAndDecrementAtTheEnds_Wrap)
+{
+    std::int32_t value = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(std::numeric_limits<std::int32_t>::min(), AtomicIncrement(value));
+    EXPECT_EQ(std::numeric_limits<std::int32_t>::max(), AtomicDecrement(value));
+    std::uint32_t number = 0;
+    EXPECT_EQ(0xFFFFFFFFu, AtomicDecrement(number));
+    EXPECT_EQ(0u, AtomicIncrement(number));
+}
+
+TEST(Atomic, ReadOfSeventeenAndOfAnyOtherValue_GivesItAndLeavesIt)
+{
+    for (const std::int32_t each : {17, 0, 1, 16, 18, -17, std::numeric_limits<std::int32_t>::min()}) {
+        std::int32_t value = each;
+        EXPECT_EQ(each, AtomicRead(value));
+        EXPECT_EQ(each, value);
+    }
+}
+
+TEST(Atomic, CompareAndSet_StoresOnlyWhereTheExpectedStands)
+{
+    std::int32_t value = 5;
+    EXPECT_FALSE(AtomicCompareAndSet(value, 4, 9));
+    EXPECT_EQ(5, value);
+    EXPECT_TRUE(AtomicCompareAndSet(value, 5, 9));
+    EXPECT_EQ(9, value);
+}
+
+TEST(Atomic, Exchange_GivesTheOldValue)
+{
+    std::int32_t value = 5;
+    EXPECT_EQ(5, AtomicExchange(value, -1));
+    EXPECT_EQ(-1, value);
+}
+
+TEST(Atomic, ReadPtrOfAnyPointer_GivesItAndLeavesIt)
+{
+    int object = 0;
+    for (int* each : {&object, static_cast<int*>(nullptr), reinterpret_cast<int*>(std::uintptr_t{17})}) {
+        int* pointer = each;
+        EXPECT_EQ(each, AtomicReadPtr(pointer));
+        EXPECT_EQ(each, pointer);
+    }
+}
+
+TEST(Atomic, NullifyPtr_GivesTheOldPointerAndLeavesNull)
+{
+    int object = 0;
+    int* pointer = &object;
+    EXPECT_EQ(&object, AtomicNullifyPtr(pointer));
+    EXPECT_EQ(nullptr, pointer);
+    EXPECT_EQ(nullptr, AtomicNullifyPtr(pointer));
+}
+
+TEST(Atomic, SetPtrIfNull_StoresOnlyOnce)
+{
+    const char first = 'a';
+    const char second = 'b';
+    const char* pointer = nullptr;
+    EXPECT_TRUE(AtomicSetPtrIfNull(pointer, &first));
+    EXPECT_FALSE(AtomicSetPtrIfNull(pointer, &second));
+    EXPECT_EQ(&first, pointer);
+    AtomicNullifyPtr(pointer);
+    EXPECT_TRUE(AtomicSetPtrIfNull(pointer, &second));
+    EXPECT_EQ(&second, pointer);
+}
+
+TEST(Atomic, AlignedTargets_ReportNothing)
+{
+    CheckRecorder recorder;
+    std::int32_t value = 0;
+    void* pointer = nullptr;
+    AtomicIncrement(value);
+    AtomicRead(value);
+    AtomicReadPtr(pointer);
+    EXPECT_TRUE(recorder.Reports().empty());
+}
+
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 20000;
+
+template <class Body>
+void OnAllThreads(Body inBody)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([inBody, i] { inBody(i); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace
+
+TEST(Atomic, ManyThreadsCountAndRead_LoseNothing)
+{
+    std::int32_t value = 0;
+    OnAllThreads([&](int inThread) {
+        for (int round = 0; round < kRounds; ++round) {
+            if (inThread % 2 == 0) {
+                AtomicIncrement(value);
+            } else {
+                AtomicRead(value); // its compare-and-set must not undo a step, not even at 17
+            }
+        }
+    });
+    EXPECT_EQ(kThreads / 2 * kRounds, value);
+}
+
+TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
+{
+    for (int round = 0; round < 200; ++round) {
+        int objects[kThreads] = {};
+        int* winner = nullptr;
+        std::atomic<int> wins{0};
+        OnAllThreads([&](int inThread) { wins.fetch_add(AtomicSetPtrIfNull(winner, &objects[inThread]) ? 1 : 0); });
+        EXPECT_EQ(1, wins.load());
+        EXPECT_NE(nullptr, winner);
+    }
+}
+
+// Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of them
+// sees the other's write.
+TEST(Atomic, Read_CarriesAFullBarrier)
+{
+    for (int round = 0; round < 2000; ++round) {
+        std::int32_t words[2] = {0, 0};
+        std::int32_t seen[2] = {-1, -1};
+        std::atomic<int> ready{0};
+        const auto run = [&](int inSelf) {
+            ready.fetch_add(1);
+            while (ready.load() != 2) {
+                std::this_thread::yield();
+            }
+            __atomic_store_n(&words[inSelf], 1, __ATOMIC_RELAXED);
+            seen[inSelf] = AtomicRead(words[1 - inSelf]);
+        };
+        std::thread other(run, 1);
+        run(0);
+        other.join();
+        EXPECT_TRUE(seen[0] == 1 || seen[1] == 1) << "round " << round;
+    }
+}
