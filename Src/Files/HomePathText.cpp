@@ -165,7 +165,15 @@ std::size_t RootLength(const UTF16String& inPath)
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);
 }
 
-// Resolves "." and ".." behind the root.
+// Takes the last name away, with the backslash behind it, but nothing of the root.
+void GoUp(UTF16String& ioPath, std::size_t inRoot)
+{
+    if (ioPath.size() > inRoot) {
+        ioPath.resize(std::max(inRoot, ioPath.rfind('\\', ioPath.size() - 2) + 1));
+    }
+}
+
+// Resolves "." and ".." behind the root. One at the end leaves no backslash behind.
 UTF16String Canonical(const UTF16String& inPath)
 {
     const std::size_t root = RootLength(inPath);
@@ -173,19 +181,19 @@ UTF16String Canonical(const UTF16String& inPath)
     for (std::size_t at = root; at < inPath.size();) {
         const std::size_t end = std::min(inPath.find('\\', at), inPath.size());
         const UTF16String name(inPath, at, end - at);
-        const bool isLast = end == inPath.size();
-        if (name == TVX_UTF16("..")) {
-            // Takes the backslash before the name too, unless it is the root's.
-            const std::size_t backslash = path.size() > root ? path.rfind('\\', path.size() - 2) : UTF16String::npos;
-            path.resize(backslash == UTF16String::npos ? root : std::max(root, backslash + 1));
-            if (isLast && path.size() > root) {
-                path.pop_back();
-            }
-        } else if (name != TVX_UTF16(".")) {
+        const bool isUp = name == TVX_UTF16("..");
+        const bool isDots = isUp || name == TVX_UTF16(".");
+        if (isUp) {
+            GoUp(path, root);
+        }
+        if (!isDots) {
             path += name;
-            if (!isLast) {
-                path += '\\';
-            }
+        }
+        if (!isDots && end < inPath.size()) {
+            path += '\\';
+        }
+        if (isDots && end == inPath.size() && path.size() > root) {
+            path.pop_back();
         }
         at = end + 1;
     }

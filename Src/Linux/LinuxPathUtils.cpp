@@ -91,6 +91,51 @@ private:
     alignas(dirent64) char mBuffer[16384];
 };
 
+// Whether a name fits a pattern: "*" stands for any run of units, "?" for one. "*.*" fits every name.
+bool Fits(const unsigned short* inName, const unsigned short* inPattern)
+{
+    const unsigned short* star = nullptr;
+    const unsigned short* retry = nullptr;
+    while (*inName != 0) {
+        if (*inPattern == '*') {
+            star = ++inPattern;
+            retry = inName;
+        } else if (*inPattern == '?' || *inPattern == *inName) {
+            ++inPattern;
+            ++inName;
+        } else if (star != nullptr) {
+            // The star takes one unit more.
+            inPattern = star;
+            inName = ++retry;
+        } else {
+            return false;
+        }
+    }
+    while (*inPattern == '*') {
+        ++inPattern;
+    }
+    return *inPattern == 0;
+}
+
+bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
+{
+    HostPath path;
+    if (ResolveHostPath(inFolder, path) != kNoError) {
+        return false;
+    }
+    if (inPattern == TVX_UTF16("*.*")) {
+        inPattern = TVX_UTF16("*");
+    }
+    OpenFolder folder(path.mPath);
+    // Every folder but a root lists itself too, as "." and "..".
+    const bool fitsItself = !path.mIsRoot && inPattern == TVX_UTF16("*");
+    return folder.IsOpen() && (fitsItself || folder.AnyEntry([&inPattern](std::string_view inName) {
+               UTF16String name;
+               AppendUnitsOfName(name, inName.data(), inName.size());
+               return Fits(name.c_str(), inPattern.c_str());
+           }));
+}
+
 } // namespace
 
 UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
@@ -101,6 +146,11 @@ UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirec
 
 bool FindEntry_Impl(const UTF16String& inPath)
 {
+    // The "?" of the extended form's own beginning is no pattern.
+    const std::size_t leaf = inPath.rfind('\\') + 1;
+    if (leaf > 4 && inPath.find_first_of(TVX_UTF16("*?"), leaf) != UTF16String::npos) {
+        return FindByPattern(UTF16String(inPath, 0, leaf), UTF16String(inPath, leaf));
+    }
     HostPath path;
     if (ResolveHostPath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
         return false;

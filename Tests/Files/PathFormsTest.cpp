@@ -1,10 +1,240 @@
+// The forms of a path and the way between them.
 #include <ORLPathUtils.h>
 
+#include <CheckRecorder.h>
+#include <PathForms.h>
+#include <TextHelpers.h>
+
 #include <gtest/gtest.h>
+#include <random>
+#include <regex>
 
-using namespace ORL;
+using namespace ORL::PathUtils;
+using ORLTest::CheckRecorder;
+using ORLTest::CheckReport;
+using ORLTest::Show;
+using ORLTest::Units;
 
-TEST(PathForms, ToNormalizedPath_OfDrive_EndsInABackslash)
+namespace {
+
+struct Row
 {
-    EXPECT_EQ(UTF16String(TVX_UTF16("\\\\?\\C:\\")), PathUtils::ToNormalizedPath(TVX_UTF16("C:")));
+    int mLine;
+    const char16_t* mPath;
+    const char16_t* mExpected;
+};
+
+} // namespace
+
+TEST(ToNormalizedPath, EachForm_BecomesExtended)
+{
+    const Row rows[] = {
+        {__LINE__, u"C:", uR"(\\?\C:\)"},
+        {__LINE__, uR"(C:\x)", uR"(\\?\C:\x)"},
+        {__LINE__, uR"(\\s\h\x)", uR"(\\?\UNC\s\h\x)"},
+        {__LINE__, uR"(relative\x)", uR"(relative\x)"},
+        {__LINE__, uR"(\\?\C:\x)", uR"(\\?\C:\x)"},
+        {__LINE__, uR"(\\?\C:)", uR"(\\?\C:\)"},
+        // what is taken for rooted and what is not
+        {__LINE__, u"C:x", uR"(\\?\C:x)"},
+        {__LINE__, u"1:x", u"1:x"},
+        {__LINE__, u"\u00C9:\\x", u"\u00C9:\\x"},
+        {__LINE__, uR"(\x)", uR"(\x)"},
+        {__LINE__, u"C", u"C"},
+        {__LINE__, uR"(\\)", uR"(\\?\UNC\)"},
+        {__LINE__, uR"(\\?)", uR"(\\?\UNC\?)"},
+        {__LINE__, uR"(\\?\)", uR"(\\?\)"},
+        {__LINE__, uR"(\\?\1:)", uR"(\\?\1:)"},
+        // slashes and dots stay
+        {__LINE__, uR"(C:/a/..\b)", uR"(\\?\C:/a/..\b)"},
+        {__LINE__, u"//s/h", u"//s/h"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Units(row.mExpected), ToNormalizedPath(Units(row.mPath))) << "row at line " << row.mLine;
+    }
+}
+
+TEST(IsNormalizedPath, DriveRootInExtendedForm_IsNot)
+{
+    EXPECT_TRUE(IsNormalizedPath(Units(uR"(\\?\C:\)")));
+    EXPECT_FALSE(IsNormalizedPath(Units(uR"(\\?\C:)")));
+    EXPECT_TRUE(IsNormalizedPath(Units(uR"(\\?\1:)")));
+    EXPECT_TRUE(IsNormalizedPath(Units(uR"(\\?\)")));
+    EXPECT_FALSE(IsNormalizedPath(Units(uR"(\\?)")));
+    EXPECT_FALSE(IsNormalizedPath(Units(uR"(C:\)")));
+}
+
+TEST(IsNormalizedPath, OfAnEmptyPath_FiresTheInputContract)
+{
+    CheckRecorder recorder;
+    EXPECT_FALSE(IsNormalizedPath(UTF16String()));
+    const auto contracts = recorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, contracts.size());
+    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
+    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
+    EXPECT_EQ(25, recorder.Reports(CheckReport::kError)[0].mLine);
+}
+
+TEST(StripUNC, EachNormalizedForm_BecomesPlain)
+{
+    const Row rows[] = {
+        {__LINE__, uR"(\\?\UNC\s\h)", uR"(\\s\h)"},
+        {__LINE__, uR"(\\?\C:\x)", uR"(C:\x)"},
+        {__LINE__, uR"(\\?\C:\)", uR"(C:\)"},
+        {__LINE__, uR"(\\?\UNC\)", uR"(\\)"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Units(row.mExpected), Win::StripUNC(Units(row.mPath))) << "row at line " << row.mLine;
+    }
+}
+
+TEST(StripUNC, OfAnyOtherText_ReportsAndGivesAnEmptyText)
+{
+    const char* const paths[] = {"C:\\x", "", "\\\\?\\C:", "\\\\?\\1:\\x", "\\\\?\\unc\\s\\h", "\\\\s\\h"};
+    for (const std::string path : paths) {
+        CheckRecorder recorder;
+        EXPECT_EQ(UTF16String(), Win::StripUNC(UTF16String(path.begin(), path.end())));
+        const auto asserts = recorder.Reports(CheckReport::kAssert);
+        ASSERT_EQ(1u, asserts.size()) << path;
+        EXPECT_EQ("!\"Non-normative UNC path detected\"", asserts[0].mExpression);
+        EXPECT_EQ("Path '" + path + "' is not a normative UNC path\r\n", asserts[0].mMessage);
+        EXPECT_EQ("WinPathUtils", asserts[0].mFile);
+        EXPECT_EQ("ORL::PathUtils::Win::StripUNC", asserts[0].mFunction);
+    }
+}
+
+TEST(StripUNC, OfANameBeyondASCII_ShowsItAsUTF8)
+{
+    CheckRecorder recorder;
+    Win::StripUNC(Units(u"\u00E9"));
+    EXPECT_EQ("Path '\xC3\xA9' is not a normative UNC path\r\n", recorder.Reports()[0].mMessage);
+}
+
+TEST(IsRootedPath, NeedsTwoBackslashesOrALetterAndColon)
+{
+    for (const char16_t* path : {u"C:", u"z:x", u"\\\\", uR"(\\?\x)"}) {
+        EXPECT_TRUE(IsRootedPath(Units(path))) << Show(Units(path));
+    }
+    for (const char16_t* path : {u"", u"C", u"\\", u"\\x", u"1:", u"@:", u"[:", u"`:", u"{:", u"//", u"\u0143:"}) {
+        EXPECT_FALSE(IsRootedPath(Units(path))) << Show(Units(path));
+    }
+}
+
+TEST(IsDriveRootPath, IsExactlyADrive)
+{
+    for (const char16_t* path : {u"C:", u"z:", uR"(\\?\C:)"}) {
+        EXPECT_TRUE(IsDriveRootPath(Units(path))) << Show(Units(path));
+    }
+    for (const char16_t* path : {u"", u"C", u"1:", u"C:\\", uR"(\\?\C:\)", uR"(\\?\1:)", uR"(\\.\C:)"}) {
+        EXPECT_FALSE(IsDriveRootPath(Units(path))) << Show(Units(path));
+    }
+}
+
+namespace {
+
+// A second reading of the rules over narrow text.
+std::string NormalForm(const std::string& inPath)
+{
+    static const std::regex extendedRoot(R"(\\\\\?\\[A-Za-z]:)");
+    static const std::regex extended(R"(\\\\\?\\[\s\S]*)");
+    static const std::regex drive(R"([A-Za-z]:([\s\S]*))");
+    static const std::regex server(R"(\\(\\[\s\S]*))");
+    std::smatch match;
+    if (std::regex_match(inPath, extendedRoot)) {
+        return inPath + "\\";
+    }
+    if (std::regex_match(inPath, extended)) {
+        return inPath;
+    }
+    if (std::regex_match(inPath, match, drive)) {
+        return "\\\\?\\" + inPath + (match[1].length() == 0 ? "\\" : "");
+    }
+    return std::regex_match(inPath, match, server) ? "\\\\?\\UNC" + match[1].str() : inPath;
+}
+
+} // namespace
+
+TEST(ToNormalizedPath, RandomPaths_AgreeWithTheRegularExpressionsAndComeBack)
+{
+    std::mt19937 random(20240602);
+    const char* const starts[] = {"", "C:", "C:\\", "\\\\?\\", "\\\\?\\C:", "\\\\?\\UNC\\", "\\\\", "\\", "1:"};
+    const char alphabet[] = "aU.:/\\?C";
+    for (int i = 0; i < 100000; ++i) {
+        std::string path = starts[random() % std::size(starts)];
+        for (auto size = random() % 12; size != 0; --size) {
+            path += alphabet[random() % (sizeof(alphabet) - 1)];
+        }
+        if (path.empty()) {
+            continue;
+        }
+        const UTF16String units(path.begin(), path.end());
+        const std::string expected = NormalForm(path);
+        const UTF16String normalized = ToNormalizedPath(units);
+        ASSERT_EQ(UTF16String(expected.begin(), expected.end()), normalized) << path;
+        // Stripping undoes it, but for a bare drive, which comes back with its backslash.
+        const bool wasPlain = std::regex_search(path, std::regex(R"(^([A-Za-z]:($|\\)|\\\\(?!\?\\)))"));
+        if (wasPlain) {
+            const std::string plain = path.size() == 2 && path[1] == ':' ? path + "\\" : path;
+            ASSERT_EQ(UTF16String(plain.begin(), plain.end()), Win::StripUNC(normalized)) << path;
+        }
+    }
+}
+
+TEST(MakePath, AddsWhatAPartLacks)
+{
+    const auto make = [](const char16_t* inDrive, const char16_t* inDirectory, const char16_t* inFile,
+                         const char16_t* inExtension) {
+        return MakePath(Units(inDrive), Units(inDirectory), Units(inFile), Units(inExtension));
+    };
+    EXPECT_EQ(Units(uR"(C:\a\f.txt)"), make(u"C", u"\\a", u"f", u"txt"));
+    EXPECT_EQ(Units(uR"(C:\a\f.txt)"), make(u"C:", u"\\a\\", u"f", u".txt"));
+    EXPECT_EQ(Units(uR"(C:a/f)"), make(u"C:", u"a/", u"f", u""));
+    EXPECT_EQ(Units(u".txt"), make(u"", u"", u"", u"txt"));
+    EXPECT_EQ(Units(u""), make(u"", u"", u"", u""));
+    EXPECT_EQ(Units(uR"(C:\a\f.txt)"), MakeFullPath(Units(u"C"), Units(u"\\a"), Units(u"f"), Units(u"txt")));
+}
+
+TEST(MakePath, PartsOf2043Units_AreJoined)
+{
+    const UTF16String directory(2043 - 5, 'd');
+    const UTF16String path = MakePath(Units(u"C"), directory, Units(u"fi"), Units(u"ex"));
+    EXPECT_EQ(Units(u"C:") + directory + Units(u"\\fi.ex"), path);
+}
+
+TEST(MakePath, PartsOf2044Units_ReportAndGiveAnEmptyText)
+{
+    CheckRecorder recorder;
+    EXPECT_EQ(UTF16String(), MakePath(Units(u"C"), UTF16String(2044 - 5, 'd'), Units(u"fi"), Units(u"ex")));
+    const auto reports = recorder.Reports();
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
+    EXPECT_EQ("len <= kBufferLength", reports[0].mExpression);
+    EXPECT_EQ("", reports[0].mMessage);
+    EXPECT_EQ("WinPathUtils", reports[0].mFile);
+    EXPECT_EQ("ORL::PathUtils::MakePath", reports[0].mFunction);
+}
+
+TEST(GetFullDirectoryPart, EndsWithTheLastSeparator)
+{
+    const Row rows[] = {
+        {__LINE__, uR"(C:\a\b.c)", uR"(C:\a\)"},
+        {__LINE__, uR"(C:\a\)", uR"(C:\a\)"},
+        {__LINE__, u"C:/a/b", u"C:/a/"},
+        {__LINE__, u"C:b", u"C:"},
+        {__LINE__, u"b", u""},
+        {__LINE__, u"a/b\\c", u"a/b\\"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Units(row.mExpected), GetFullDirectoryPart(Units(row.mPath))) << "row at line " << row.mLine;
+    }
+}
+
+TEST(GetFullDirectoryPart, OfAnEmptyPath_FiresTheInputContract)
+{
+    CheckRecorder recorder;
+    EXPECT_EQ(UTF16String(), GetFullDirectoryPart(UTF16String()));
+    const auto contracts = recorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, contracts.size());
+    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
+    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
 }

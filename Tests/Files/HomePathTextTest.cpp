@@ -1,0 +1,149 @@
+// The home platform's services over path text, and the public functions that stand on them.
+#include <HomePathText.h>
+
+#include <ORLPathUtils.h>
+#include <TextHelpers.h>
+
+#include <gtest/gtest.h>
+
+using namespace ORL::PathUtils;
+using ORLTest::Show;
+using ORLTest::Units;
+
+TEST(FindNextComponent, GivesWhatFollowsTheFirstBackslash)
+{
+    const auto next = [](const char16_t* inPath) {
+        const UTF16String path = Units(inPath);
+        return UTF16String(HomeText::FindNextComponent(path.c_str()));
+    };
+    EXPECT_EQ(Units(u"b\\c"), next(u"a\\b\\c"));
+    EXPECT_EQ(Units(u"b"), next(u"\\\\b"));
+    EXPECT_EQ(Units(u""), next(u"a"));
+    EXPECT_EQ(Units(u""), next(u"a\\"));
+    EXPECT_EQ(nullptr, HomeText::FindNextComponent(UTF16String().c_str()));
+}
+
+TEST(ArePathsRelative, EachPair_HasItsAnswer)
+{
+    struct Row
+    {
+        int mLine;
+        const char16_t* mFrom;
+        const char16_t* mTo;
+        const char16_t* mRelative; // null: not relative
+    };
+    const Row rows[] = {
+        {__LINE__, uR"(C:\aa\b\)", uR"(D:\aa\c\)", uR"(..\c\)"},
+        {__LINE__, uR"(C:\a\b\)", uR"(D:\a\c\)", uR"(..\c\)"},
+        {__LINE__, uR"(C:\a\)", uR"(C:\b\)", nullptr},
+        {__LINE__, uR"(C:\abc\)", uR"(C:\abc\d\)", uR"(\d\)"},
+        {__LINE__, uR"(C:\ab\)", uR"(C:\ab\d\)", uR"(.\d\)"},
+        {__LINE__, uR"(C:\abc\d\e\)", uR"(C:\abc\)", uR"(..\..\)"},
+        // a file name is dropped, and names are compared without case
+        {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
+        // slashes count here
+        {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},
+        // shares have no ":" and get one
+        {__LINE__, uR"(\\server\abc\d\)", uR"(\\server\abc\e\)", uR"(..\e\)"},
+        // a common beginning of a name is not a common name
+        {__LINE__, uR"(C:\abcd\)", uR"(C:\abce\)", nullptr},
+        {__LINE__, u"C:", uR"(C:\a\)", nullptr},
+        {__LINE__, uR"(C:\a\)", uR"(relative\)", nullptr},
+        {__LINE__, uR"(relative\)", uR"(C:\a\)", nullptr},
+        {__LINE__, u"", u"", nullptr},
+    };
+    for (const Row& row : rows) {
+        UTF16String relative = Units(u"untouched");
+        EXPECT_EQ(row.mRelative != nullptr, ArePathsRelative(Units(row.mFrom), Units(row.mTo), relative))
+            << "row at line " << row.mLine;
+        EXPECT_EQ(Units(row.mRelative != nullptr ? row.mRelative : u"untouched"), relative)
+            << "row at line " << row.mLine << ": " << Show(relative);
+    }
+}
+
+TEST(ArePathsRelative, PathsOnTwoDrives_AreComparedByTheirDirectoriesAlone)
+{
+    UTF16String relative;
+    EXPECT_TRUE(ArePathsRelative(Units(uR"(C:\a\b\)"), Units(uR"(D:\a\c\)"), relative));
+}
+
+TEST(CombinePaths, EachPair_IsCombined)
+{
+    struct Row
+    {
+        int mLine;
+        const char16_t* mBase;
+        const char16_t* mMore;
+        const char16_t* mCombined;
+    };
+    const Row rows[] = {
+        {__LINE__, uR"(C:\a)", u"b", uR"(C:\a\b)"},
+        {__LINE__, uR"(C:\a\)", u"b", uR"(C:\a\b)"},
+        {__LINE__, uR"(C:\a)", u"", uR"(C:\a)"},
+        {__LINE__, uR"(C:\a\b)", uR"(..\c)", uR"(C:\a\c)"},
+        {__LINE__, uR"(C:\a\b)", uR"(.\c)", uR"(C:\a\b\c)"},
+        {__LINE__, uR"(C:\a\b)", u"..", uR"(C:\a)"},
+        {__LINE__, uR"(C:\a)", uR"(..\..\..\b)", uR"(C:\b)"},
+        {__LINE__, uR"(C:\a\)", uR"(b\)", uR"(C:\a\b\)"},
+        // from the root, and away from the base
+        {__LINE__, uR"(C:\a\b)", uR"(\c)", uR"(C:\c)"},
+        {__LINE__, uR"(C:\a)", uR"(D:\b)", uR"(D:\b)"},
+        {__LINE__, uR"(C:\a)", uR"(\\s\h\b)", uR"(\\s\h\b)"},
+        {__LINE__, uR"(\\s\h\a)", u"b", uR"(\\s\h\a\b)"},
+        {__LINE__, uR"(\\s\h\a)", uR"(\b)", uR"(\\s\h\b)"},
+        // a slash is no separator here
+        {__LINE__, uR"(C:\a)", u"../b", uR"(C:\a\../b)"},
+        {__LINE__, u"relative", u"b", u""},
+        {__LINE__, u"", u"C:\\b", u""},
+    };
+    for (const Row& row : rows) {
+        if (Units(row.mMore) == Units(u"../b")) {
+            // Rests on the portable code: the system takes any name that begins with two dots for a step up.
+            UTF16String combined;
+            EXPECT_TRUE(HomeText::Combine(Units(row.mBase), Units(row.mMore), combined));
+            EXPECT_EQ(Units(row.mCombined), combined);
+            continue;
+        }
+        EXPECT_EQ(Units(row.mCombined), CombinePaths(Units(row.mBase), Units(row.mMore)))
+            << "row at line " << row.mLine;
+    }
+}
+
+TEST(CombinePaths, From260UnitsOn_GivesAnEmptyText)
+{
+    const UTF16String name(259 - 4, 'n');
+    EXPECT_EQ(Units(uR"(C:\a)") + name, CombinePaths(Units(u"C:\\"), Units(u"a") + name));
+    EXPECT_EQ(UTF16String(), CombinePaths(Units(u"C:\\"), Units(u"ab") + name));
+    EXPECT_EQ(UTF16String(), CombinePaths(UTF16String(Units(u"C:\\")).append(300, 'a'), Units(u"b")));
+}
+
+// Where the home platform's own answers vary by version, or read past their input, the portable code has these.
+TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
+{
+    const auto combine = [](const char16_t* inBase, const char16_t* inMore) {
+        UTF16String path;
+        EXPECT_TRUE(HomeText::Combine(Units(inBase), Units(inMore), path));
+        return path;
+    };
+    EXPECT_EQ(Units(uR"(C:\)"), combine(u"C:", u""));
+    EXPECT_EQ(Units(uR"(C:\)"), combine(u"C:\\", u"."));
+    EXPECT_EQ(Units(uR"(C:\a)"), combine(u"C:\\a", u"."));
+    EXPECT_EQ(Units(uR"(C:\)"), combine(u"C:\\a", u"..\\.."));
+    EXPECT_EQ(Units(uR"(\\s\h\)"), combine(u"\\\\s\\h", u"..\\"));
+    EXPECT_EQ(Units(uR"(\\s\h\x)"), combine(u"\\\\s\\h\\a", u"..\\..\\x"));
+    EXPECT_EQ(Units(uR"(C:\..a)"), combine(u"C:\\", u"..a"));
+    EXPECT_EQ(Units(uR"(C:\...)"), combine(u"C:\\", u"..."));
+    UTF16String relative;
+    EXPECT_TRUE(HomeText::RelativePathTo(Units(u"ab"), Units(u"ab"), relative));
+    EXPECT_EQ(Units(u"."), relative);
+}
+
+TEST(HomePathText, IsRoot_KnowsDrivesAndShares)
+{
+    for (const char16_t* path : {u"\\", u"C:\\", u"\\\\", u"\\\\s", u"\\\\s\\h", u"\\\\s\\"}) {
+        EXPECT_TRUE(HomeText::IsRoot(Units(path))) << Show(Units(path));
+    }
+    for (const char16_t* path : {u"", u"C:", u"C:\\a", u"a", u"\\a", u"\\\\s\\h\\", u"\\\\s\\h\\a", u"C:/"}) {
+        EXPECT_FALSE(HomeText::IsRoot(Units(path))) << Show(Units(path));
+    }
+}

@@ -1,0 +1,53 @@
+// A folder of its own for a test, gone with all that is in it when the test ends.
+#pragma once
+
+#include <ORLHostPath.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+namespace ORLTest {
+
+class TempFolder
+{
+public:
+    TempFolder()
+    {
+        std::random_device random;
+        do {
+            mFolder = std::filesystem::temp_directory_path() / ("orl-test-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(mFolder));
+    }
+
+    ~TempFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(mFolder, ignored);
+    }
+
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& Host() const noexcept { return mFolder; }
+
+    /// The library path of the folder, or of a name below it; neither ends in a backslash.
+    UTF16String Path() const { return ORL::PathUtils::FromHostPath(mFolder.u8string()); }
+    UTF16String Path(const std::u16string& inName) const
+    {
+        return Path() + UTF16String(1, '\\') + UTF16String(inName.begin(), inName.end());
+    }
+
+    void MakeFolder(const std::string& inName) const { std::filesystem::create_directories(mFolder / inName); }
+
+    void MakeFile(const std::string& inName, const std::string& inContents = "x") const
+    {
+        std::ofstream(mFolder / inName, std::ios::binary) << inContents;
+    }
+
+private:
+    std::filesystem::path mFolder;
+};
+
+} // namespace ORLTest
