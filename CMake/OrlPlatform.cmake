@@ -40,6 +40,8 @@ target_compile_options(orl_strict INTERFACE
   -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
   # A symbol that g++ marks as unique would keep our libraries in memory after a host unloads them.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
+  # The compiler spills wide registers with aligned moves, but the system's stack is aligned to 16 bytes only.
+  $<$<BOOL:${WIN32}>:-Wa,-muse-unaligned-vector-move>
   $<$<BOOL:${ORL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(orl_strict INTERFACE
   BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB

@@ -157,3 +157,21 @@ TEST(FoldCase, UnpairedSurrogates_StayAsTheyAre)
     const UTF16String folded = {0xDC00, 'a', 0xD801, 'b', 0xD801};
     EXPECT_EQ(folded, FoldCase(text));
 }
+
+TEST(FoldCase, LongText_IsFoldedAsItsCharactersAre)
+{
+    for (std::size_t lead = 0; lead < 3; ++lead) {
+        UTF16String text(lead, 'X');
+        UTF16String folded(lead, 'x');
+        for (int i = 0; i < 2000; ++i) {
+            text += Units(u"A\u00DF\U00010400Bc");
+            folded += Units(u"ass\U00010428bc");
+        }
+        EXPECT_EQ(folded, FoldCase(text));
+    }
+}
+
+TEST(FoldCase, ZeroUnits_StayInTheirPlace)
+{
+    EXPECT_EQ(UTF16String({0, 'a', 0}), FoldCase(UTF16String({0, 'A', 0})));
+}

@@ -1,3 +1,8 @@
+# ICU is the oracle of conversion and folding.
+if(NOT WIN32)
+  target_link_libraries(${room_target} PRIVATE ${ORL_ICU})
+endif()
+
 # Two plug-ins and a host across the borders of the shared library, which the room's own program links statically.
 add_executable(test_tvxcore_borders tvxcore/Borders/BordersTest.cpp)
 target_link_libraries(test_tvxcore_borders PRIVATE orl_strict gtest gtest_main ${CMAKE_DL_LIBS})

@@ -1,7 +1,11 @@
 #include <tvxcore/Text.h>
 
+#include <UtfCharacter.h>
+
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <emmintrin.h>
 #include <iterator>
 
 namespace tvxcore {
@@ -27,31 +31,40 @@ struct FoldingExpansion
 
 #include "CaseFoldingTable.inc"
 
-void Append(UTF16String& ioText, std::uint32_t inPoint)
+// Below this stand the scripts that have most of the cased letters: Latin, Greek, Cyrillic, Armenian.
+constexpr std::uint32_t kDirectEnd = 0x0600;
+
+// Folds of those at once; 0 stands for an expansion.
+constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
 {
-    if (inPoint >= 0x10000) {
-        ioText.push_back(static_cast<unsigned short>(0xD7C0 + (inPoint >> 10)));
-        inPoint = 0xDC00 + (inPoint & 0x3FF);
+    std::array<unsigned short, kDirectEnd> table{};
+    for (std::uint32_t point = 0; point < kDirectEnd; ++point) {
+        table[point] = static_cast<unsigned short>(point - 'A' < 26 ? point + 32 : point);
     }
-    ioText.push_back(static_cast<unsigned short>(inPoint));
+    for (const FoldingRun& run : kFoldingRuns) {
+        for (std::uint32_t point = run.mFirst; point <= run.mLast && point < kDirectEnd; point += run.mStride) {
+            table[point] = static_cast<unsigned short>(point + static_cast<std::uint32_t>(run.mDelta));
+        }
+    }
+    for (const FoldingExpansion& expansion : kFoldingExpansions) {
+        if (expansion.mCodePoint < kDirectEnd) {
+            table[expansion.mCodePoint] = 0;
+        }
+    }
+    return table;
 }
 
-bool AppendExpansion(UTF16String& ioText, std::uint32_t inPoint)
+constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirect();
+
+// Null for a code point that becomes one code point.
+const FoldingExpansion* FindExpansion(std::uint32_t inPoint)
 {
     const FoldingExpansion* const found =
         std::lower_bound(std::begin(kFoldingExpansions), std::end(kFoldingExpansions), inPoint,
                          [](const FoldingExpansion& inEntry, std::uint32_t inWanted) {
                              return inEntry.mCodePoint < inWanted;
                          });
-    if (found == std::end(kFoldingExpansions) || found->mCodePoint != inPoint) {
-        return false;
-    }
-    for (const unsigned short unit : found->mUnits) {
-        if (unit != 0) {
-            ioText.push_back(unit);
-        }
-    }
-    return true;
+    return found != std::end(kFoldingExpansions) && found->mCodePoint == inPoint ? found : nullptr;
 }
 
 std::uint32_t FoldSimple(std::uint32_t inPoint)
@@ -65,34 +78,79 @@ std::uint32_t FoldSimple(std::uint32_t inPoint)
     return inPoint + static_cast<std::uint32_t>(run->mDelta);
 }
 
-bool IsPair(const UTF16String& inText, std::size_t inIndex)
+unsigned short* FoldByTables(std::uint32_t inPoint, unsigned short* outText)
 {
-    return (inText[inIndex] & 0xFC00) == 0xD800 && inIndex + 1 < inText.size()
-           && (inText[inIndex + 1] & 0xFC00) == 0xDC00;
+    if (const FoldingExpansion* const expansion = FindExpansion(inPoint)) {
+        return std::copy_if(std::begin(expansion->mUnits), std::end(expansion->mUnits), outText,
+                            [](unsigned short inUnit) { return inUnit != 0; });
+    }
+    return utf::WriteUTF16(FoldSimple(inPoint), outText);
 }
 
-void FoldRest(UTF16String& ioFolded, const UTF16String& inText)
+// Folds one character. An unpaired surrogate stays as it is.
+unsigned short* FoldStep(const unsigned short*& ioText, const unsigned short* inEnd, unsigned short* outText)
 {
-    for (std::size_t i = ioFolded.size(); i < inText.size(); ++i) {
-        std::uint32_t point = inText[i];
-        if (IsPair(inText, i)) {
-            point = 0x10000u + ((point & 0x3FFu) << 10) + (inText[++i] & 0x3FFu);
-        }
-        if (point < 0x80) {
-            ioFolded.push_back(static_cast<unsigned short>(point - 'A' < 26 ? point + 32 : point));
-        } else if (!AppendExpansion(ioFolded, point)) {
-            Append(ioFolded, FoldSimple(point));
+    std::uint32_t point = *ioText++;
+    if (point < kDirectEnd && (point == 0 || kDirect[point] != 0)) {
+        *outText++ = kDirect[point];
+        return outText;
+    }
+    if (utf::IsHighSurrogate(point) && ioText != inEnd && utf::IsLowSurrogate(*ioText)) {
+        point = 0x10000u + ((point & 0x3FFu) << 10) + (*ioText++ & 0x3FFu);
+    }
+    return FoldByTables(point, outText);
+}
+
+// Folds eight units if they are ASCII.
+bool FoldAsciiStep(const unsigned short* inText, unsigned short* outText)
+{
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inText));
+    const __m128i above = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) != 0xFFFF) {
+        return false;
+    }
+    const __m128i isUpper = _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16('A' - 1)),
+                                          _mm_cmplt_epi16(units, _mm_set1_epi16('Z' + 1)));
+    const __m128i folded = _mm_or_si128(units, _mm_and_si128(isUpper, _mm_set1_epi16(0x20)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(outText), folded);
+    return true;
+}
+
+// A unit becomes three at most.
+constexpr std::size_t kGrowth = 3;
+
+std::size_t FoldPiece(const unsigned short* inText, std::size_t inLength, unsigned short* outText)
+{
+    const unsigned short* const end = inText + inLength;
+    unsigned short* out = outText;
+    while (inText != end) {
+        if (end - inText >= 8 && FoldAsciiStep(inText, out)) {
+            inText += 8;
+            out += 8;
+        } else {
+            out = FoldStep(inText, end, out);
         }
     }
+    return static_cast<std::size_t>(out - outText);
 }
+
+constexpr std::size_t kPiece = 512;
 
 } // namespace
 
 UTF16String FoldCase(const UTF16String& inText)
 {
+    unsigned short piece[kGrowth * kPiece];
+    if (inText.size() <= kPiece) {
+        return UTF16String(piece, FoldPiece(inText.data(), inText.size(), piece));
+    }
     UTF16String folded;
     folded.reserve(inText.size());
-    FoldRest(folded, inText);
+    for (std::size_t done = 0; done < inText.size();) {
+        const std::size_t count = utf::PieceOfUTF16(inText.data() + done, inText.size() - done, kPiece);
+        folded.append(piece, FoldPiece(inText.data() + done, count, piece));
+        done += count;
+    }
     return folded;
 }
 

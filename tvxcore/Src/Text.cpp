@@ -1,6 +1,7 @@
 #include <tvxcore/Text.h>
 
 #include <Utf.h>
+#include <UtfCharacter.h>
 
 #include <cstring>
 
@@ -9,20 +10,48 @@ namespace utility {
 
 namespace {
 
-// Short texts are converted on the stack and copied once: a 16-bit string that is sized first and filled then is
-// cleared unit by unit, which costs more than the conversion.
-constexpr std::size_t kStackText = 1024;
+// Text is converted on the stack and copied from there: a 16-bit string that is sized first and filled then is cleared
+// unit by unit, which costs more than the conversion. The piece is small enough for the smallest thread stacks.
+constexpr std::size_t kPiece = 1024;
 
-std::size_t UnitCount(const unsigned short* inText) noexcept
+UTF8String LongUTF16to8(const unsigned short* inText, std::size_t inLength)
 {
-    return std::char_traits<unsigned short>::length(inText);
+    unsigned char piece[utf::UTF8Bound(kPiece)];
+    UTF8String result;
+    result.reserve(inLength);
+    while (inLength != 0) {
+        const std::size_t count = utf::PieceOfUTF16(inText, inLength, kPiece);
+        result.append(piece, utf::ToUTF8(inText, count, piece));
+        inText += count;
+        inLength -= count;
+    }
+    return result;
+}
+
+UTF16String LongUTF8to16(const unsigned char* inText, std::size_t inLength)
+{
+    unsigned short piece[utf::UTF16Bound(kPiece)];
+    UTF16String result;
+    while (inLength != 0) {
+        const std::size_t count = utf::PieceOfUTF8(inText, inLength, kPiece);
+        const std::size_t written = utf::ToUTF16(inText, count, piece);
+        if (result.empty()) {
+            // The rest is most likely written as the beginning is.
+            result.reserve(written * (inLength / count + 1));
+        }
+        result.append(piece, written);
+        inText += count;
+        inLength -= count;
+    }
+    return result;
 }
 
 } // namespace
 
 UTF16String AsciiToUTF16(const char* inText)
 {
-    return UTF16String(inText, inText + std::strlen(inText));
+    const unsigned char* const text = reinterpret_cast<const unsigned char*>(inText);
+    return UTF16String(text, text + std::strlen(inText));
 }
 
 UTF8String UTF16to8(const UTF16String& inText)
@@ -32,22 +61,21 @@ UTF8String UTF16to8(const UTF16String& inText)
 
 UTF8String UTF16to8(const unsigned short* inText)
 {
-    return UTF16to8(inText, UnitCount(inText));
+    return UTF16to8(inText, std::char_traits<unsigned short>::length(inText));
 }
 
 UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength)
 {
-    unsigned char piece[utf::UTF8Bound(kStackText)];
-    UTF8String result;
-    while (inLength > kStackText) {
-        // A pair of surrogates must not be cut in two.
-        const std::size_t count = (inText[kStackText - 1] & 0xFC00) == 0xD800 ? kStackText - 1 : kStackText;
-        result.append(piece, utf::ToUTF8Plain(inText, count, piece));
-        inText += count;
-        inLength -= count;
+    if (inLength > kPiece) {
+        return LongUTF16to8(inText, inLength);
     }
-    result.append(piece, utf::ToUTF8Plain(inText, inLength, piece));
-    return result;
+    unsigned char piece[utf::UTF8Bound(kPiece)];
+    return UTF8String(piece, utf::ToUTF8(inText, inLength, piece));
+}
+
+std::size_t UTF16to8(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept
+{
+    return utf::ToUTF8(inText, inLength, outText);
 }
 
 UTF16String UTF8to16(const UTF8String& inText)
@@ -57,13 +85,16 @@ UTF16String UTF8to16(const UTF8String& inText)
 
 UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength)
 {
-    if (inLength <= kStackText) {
-        unsigned short piece[utf::UTF16Bound(kStackText)];
-        return UTF16String(piece, utf::ToUTF16Plain(inText, inLength, piece));
+    if (inLength > kPiece) {
+        return LongUTF8to16(inText, inLength);
     }
-    UTF16String result(utf::UTF16Bound(inLength), 0);
-    result.resize(utf::ToUTF16Plain(inText, inLength, &result[0]));
-    return result;
+    unsigned short piece[utf::UTF16Bound(kPiece)];
+    return UTF16String(piece, utf::ToUTF16(inText, inLength, piece));
+}
+
+std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept
+{
+    return utf::ToUTF16(inText, inLength, outText);
 }
 
 void ReplaceAllStringInString(UTF16String& ioText, const UTF16String& inFind, const UTF16String& inReplace)

@@ -6,9 +6,6 @@
 namespace tvxcore {
 namespace utf {
 
-/// What stands for each ill-formed piece.
-inline constexpr unsigned short kReplacement = 0xFFFD;
-
 /// UTF-16 never needs more units than UTF-8 has bytes.
 constexpr std::size_t UTF16Bound(std::size_t inBytes) noexcept
 {
@@ -21,13 +18,42 @@ constexpr std::size_t UTF8Bound(std::size_t inUnits) noexcept
     return 3 * inUnits;
 }
 
-/// Writes the UTF-16 of inText to outText, which holds UTF16Bound(inLength) units, and gives the number written.
-/// Each maximal subpart of an ill-formed sequence becomes one U+FFFD.
-std::size_t ToUTF16Plain(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
+/// Writes the UTF-16 of inText to outText, which holds UTF16Bound(inLength) units, and gives the number written. What
+/// is behind them, up to the bound, may be overwritten too. Each maximal subpart of an ill-formed sequence becomes one
+/// U+FFFD.
+using ToUTF16Function = std::size_t(const unsigned char* inText, std::size_t inLength,
+                                    unsigned short* outText) noexcept;
 
-/// Writes the UTF-8 of inText to outText, which holds UTF8Bound(inLength) bytes, and gives the number written.
-/// Each unpaired surrogate becomes U+FFFD.
-std::size_t ToUTF8Plain(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
+/// Writes the UTF-8 of inText to outText, which holds UTF8Bound(inLength) bytes, likewise. Each unpaired surrogate
+/// becomes U+FFFD.
+using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inLength,
+                                   unsigned char* outText) noexcept;
+
+/// The fastest that this processor has.
+ToUTF16Function ToUTF16;
+ToUTF8Function ToUTF8;
+
+/// One way to convert. All give the same text.
+struct Kernel
+{
+    const char* mName;
+    bool (*mIsSupported)() noexcept; // by this processor
+    ToUTF16Function* mToUTF16;
+    ToUTF8Function* mToUTF8;
+};
+
+/// Fastest first; the last two run on every x86-64 processor.
+inline constexpr std::size_t kKernelCount = 4;
+extern const Kernel kKernels[kKernelCount];
+
+ToUTF16Function ToUTF16Avx512;
+ToUTF8Function ToUTF8Avx512;
+ToUTF16Function ToUTF16Avx2;
+ToUTF8Function ToUTF8Avx2;
+ToUTF16Function ToUTF16Sse2;
+ToUTF8Function ToUTF8Sse2;
+ToUTF16Function ToUTF16Plain;
+ToUTF8Function ToUTF8Plain;
 
 } // namespace utf
 } // namespace tvxcore

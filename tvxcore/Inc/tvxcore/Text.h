@@ -17,10 +17,18 @@ TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength);
 
+/// The same into memory of the caller, which holds 3 * inLength bytes: gives the number of bytes written. What lies
+/// behind them, up to that size, may be overwritten too. Never fails.
+TVXCORE_API std::size_t UTF16to8(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
+
 /// UTF-16 of a text. Each maximal subpart of an ill-formed sequence becomes one U+FFFD, by the Unicode standard's
 /// recommended practice.
 TVXCORE_API UTF16String UTF8to16(const UTF8String& inText);
 TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength);
+
+/// The same into memory of the caller, which holds inLength units: gives the number of units written. What lies behind
+/// them, up to that size, may be overwritten too. Never fails.
+TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
 
 /// Full case folding of the Unicode standard, for comparison only.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
