@@ -3,6 +3,8 @@ if(NOT WIN32)
   target_link_libraries(${room_target} PRIVATE ${ORL_ICU})
 endif()
 
+target_compile_definitions(${room_target} PRIVATE TVX_UTF_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus/UtfFuzz")
+
 # Two plug-ins and a host across the borders of the shared library, which the room's own program links statically.
 add_executable(test_tvxcore_borders tvxcore/Borders/BordersTest.cpp)
 target_link_libraries(test_tvxcore_borders PRIVATE orl_strict gtest gtest_main ${CMAKE_DL_LIBS})

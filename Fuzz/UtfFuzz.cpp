@@ -1,0 +1,15 @@
+// Conversion and folding of arbitrary bytes, against the standard's own table.
+#include <UtfCheck.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* inData, std::size_t inSize)
+{
+    if (const char* const fault = ORLTest::CheckUtf(inData, inSize)) {
+        std::fprintf(stderr, "%s\n", fault);
+        std::abort();
+    }
+    return 0;
+}
