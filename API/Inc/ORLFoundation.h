@@ -36,6 +36,7 @@
 #include <ORLString.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
+#include <ORLThreadedWorkQueue.h>
 #include <ORLTimecode.h>
 #include <ORLWaitableGate.h>
 
