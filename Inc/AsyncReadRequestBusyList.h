@@ -5,6 +5,8 @@
 #include <ORLDebug.h>
 #include <Sync/Policy.h>
 
+#include <tvxcore/SmallBlockAllocator.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -89,7 +91,7 @@ public:
 
 private:
     using Requests = std::set<Request*, std::less<Request*>,
-                              typename Policy::template StlAllocator<Request*>>;
+                              tvxcore::utility::SmallBlockAllocator::STLAllocator<Request*>>;
 
     // Null when there is nothing to wait for.
     typename Policy::Gate* JoinWaiters()

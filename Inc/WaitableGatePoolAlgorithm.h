@@ -6,6 +6,8 @@
 #include <ORLResult.h>
 #include <Sync/Policy.h>
 
+#include <tvxcore/SmallBlockAllocator.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -79,7 +81,7 @@ public:
     static inline WaitableGatePoolAlgorithm* sPool = nullptr;
 
 private:
-    using Gates = std::vector<Gate*, typename Policy::template StlAllocator<Gate*>>;
+    using Gates = std::vector<Gate*, tvxcore::utility::SmallBlockAllocator::STLAllocator<Gate*>>;
 
     Gate* TakeOrMake()
     {

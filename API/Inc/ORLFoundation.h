@@ -7,6 +7,7 @@
 #pragma once
 
 #include <ORLAllocator.h>
+#include <ORLAsyncFileReader.h>
 #include <ORLAtomic.h>
 #include <ORLCString.h>
 #include <ORLClassFactory.h>
@@ -36,8 +37,6 @@
 #include <ORLString.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
-#include <ORLThreadedWorkQueue.h>
-#include <ORLTimecode.h>
 #include <ORLWaitableGate.h>
 
 namespace ORL {

@@ -1,5 +1,6 @@
 #include <ORLFoundation.h>
 
+#include <AsyncFileReaderImpl.h>
 #include <CountedLifecycle.h>
 #include <LocaleInternals.h>
 #include <MemoryRecyclerLifecycle.h>
@@ -15,9 +16,11 @@ constexpr LifecycleStep kStart[] = {
     {"Locale::Initialize", &Locale::Initialize},
     {"ThreadManager::RegisterMainThread", &ThreadManager::RegisterMainThread},
     {"CreateMemoryRecycler", &CreateMemoryRecycler},
+    {"StartupAsyncFileOperations", &StartupAsyncFileOperations},
 };
 
 constexpr LifecycleStep kStop[] = {
+    {"TerminateAsyncFileOperations", &TerminateAsyncFileOperations},
     {"DropMemoryRecycler", &DropMemoryRecycler},
     {"ThreadManager::UnregisterMainThread", &ThreadManager::UnregisterMainThread},
     {"Exception::Terminate", &Exception::Terminate},

@@ -1,9 +1,7 @@
 #include <tvxcore/ErrorManager.h>
 
-#include <StandardErrorLine.h>
-
 #include <atomic>
-#include <new>
+#include <cstdio>
 
 namespace tvxcore {
 namespace config {
@@ -14,9 +12,8 @@ std::atomic<ErrorManager*> sInstalled{nullptr};
 
 ErrorManager& BuiltInManager()
 {
-    // In static storage and never destroyed: an error may be raised while the process ends.
-    alignas(ErrorManager) static unsigned char storage[sizeof(ErrorManager)];
-    static ErrorManager* const manager = new (storage) ErrorManager;
+    // Never destroyed: an error may be raised while the process ends.
+    static ErrorManager* const manager = new ErrorManager;
     return *manager;
 }
 
@@ -36,8 +33,8 @@ void ErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsigne
                               const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                               const ReplacementValue&) const
 {
-    debug::WriteStandardErrorLine("Error %ld of package %lu, level %d: %s", inErrorID, inPackage,
-                                  static_cast<int>(inLevel), inZString);
+    std::fprintf(stderr, "Error %ld of package %lu, level %d: %s\n", inErrorID, inPackage, static_cast<int>(inLevel),
+                 inZString);
 }
 
 long ErrorManager::ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction)

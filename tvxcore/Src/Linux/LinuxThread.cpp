@@ -129,17 +129,13 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept
     }
 }
 
-unsigned int ProcessorCount_Impl() noexcept
-{
-    return static_cast<unsigned int>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1l));
-}
-
 unsigned int UsableProcessorCount_Impl() noexcept
 {
     cpu_set_t usable;
     CPU_ZERO(&usable);
     if (::sched_getaffinity(0, sizeof(usable), &usable) != 0) {
-        return ProcessorCount_Impl(); // more than the set can name
+        // More processors than the set can name.
+        return static_cast<unsigned int>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1l));
     }
     return static_cast<unsigned int>(std::max(CPU_COUNT(&usable), 1));
 }

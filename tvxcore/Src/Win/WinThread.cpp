@@ -88,11 +88,6 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept
     ::SetThreadPriority(::GetCurrentThread(), kPriorities[inPriority]);
 }
 
-unsigned int ProcessorCount_Impl() noexcept
-{
-    return static_cast<unsigned int>(std::max<DWORD>(::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1));
-}
-
 unsigned int UsableProcessorCount_Impl() noexcept
 {
     DWORD_PTR usable = 0;
@@ -104,7 +99,7 @@ unsigned int UsableProcessorCount_Impl() noexcept
         }
     }
     // A process that spans processor groups has no mask.
-    return count != 0 ? count : ProcessorCount_Impl();
+    return count != 0 ? count : static_cast<unsigned int>(std::max<DWORD>(::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1));
 }
 
 void YieldThread_Impl() noexcept

@@ -1,0 +1,57 @@
+// Floor: Files
+// What stands behind AsyncFileReader: the record of a reader, the record of a read, start and stop of the machinery.
+#pragma once
+
+#include <ORLAsyncFileReader.h>
+#include <ORLImpl.h>
+#include <ORLResult.h>
+
+#include <AsyncReadRequestBusyList.h>
+#include <AsyncReadRequestPool.h>
+#include <Platform/AsyncFiles.h>
+
+#include <cstdint>
+
+namespace ORL {
+
+/// Makes the completion port, the completion thread and the executor that starts reads. Input contract: they do not
+/// exist. With an exception of the executor's making nothing is left behind.
+void StartupAsyncFileOperations();
+
+/// Ends them. Completions already at the port still reach their callbacks. Readers should be closed by now: reads
+/// still in flight report to nobody.
+void TerminateAsyncFileOperations();
+
+struct AsyncReadRequest;
+using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
+
+/// One read, from QueueReadRequest until its callback has returned.
+struct AsyncReadRequest
+{
+    AsyncFiles::Platform::Overlapped mOverlapped; // first: the pointer that a port hands back is the request itself
+    std::uint64_t mFilePosition;
+    std::uint32_t mSize;
+    void* mBuffer; // the caller's
+    std::uint32_t mReserved;
+    AsyncFileReader::ReadCallback mCallback; // may be null
+    void* mUserData1;
+    void* mUserData2;
+    void* mUserData3;
+    Result mResult; // kSuccess unless the read failed to start
+    AsyncFileReader* mReader;
+    AsyncReadBusyRequests* mBusyRequests; // the list that holds this request
+};
+
+struct AsyncFileReader::PrivateImpl : Impl
+{
+    ~PrivateImpl() override;
+
+    AsyncFiles::Platform::Handle mFileHandle = AsyncFiles::Platform::InvalidHandle();
+    AsyncReadBusyRequests mBusyRequests;
+};
+
+/// The pool of the process, of 2048 records.
+using AsyncReadRequests = AsyncReadRequestPool<AsyncReadRequest, 2048>;
+AsyncReadRequests& TheAsyncReadRequests();
+
+} // namespace ORL

@@ -1,0 +1,66 @@
+// The two machines behind a completion port: a ring of the kernel, and threads that read.
+#pragma once
+
+#include <Platform/AsyncFiles.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace ORL {
+namespace Linux {
+
+struct AsyncFile;
+
+/// One read, from its start to its completion.
+struct ReadOrder
+{
+    AsyncFile* mFile;
+    void* mBuffer;
+    std::uint32_t mSize;
+    std::uint64_t mPosition;
+    AsyncFiles::Platform::Overlapped* mOverlapped;
+};
+
+/// Reads may be started on any thread, and packets posted; one thread gets the completions.
+class CompletionPort
+{
+public:
+    virtual ~CompletionPort() = default;
+
+    /// 997 when the read is under way, else the error that kept it from starting.
+    virtual SystemError Start(const ReadOrder& inOrder) = 0;
+
+    /// False when the system refused the packet.
+    virtual bool PostEmptyPacket() = 0;
+
+    /// The next packet. False for a read that failed, and with a null read when the port itself has failed.
+    virtual bool Get(AsyncFiles::Platform::Completion& outCompletion) = 0;
+
+    virtual const char* Describe() const = 0;
+};
+
+/// A file opened for asynchronous reads. It keeps its port alive.
+struct AsyncFile
+{
+    int mDescriptor = -1;
+    bool mIsRegular = false;       // its end is known; a block device is asked for what it has
+    bool mGoesThroughCache = false;
+    std::uint32_t mAlignment = 0;
+    std::shared_ptr<CompletionPort> mPort;
+};
+
+/// A port over io_uring. Null when the kernel refuses the ring or lacks an operation; outError then tells why, as an
+/// errno. Throws std::bad_alloc.
+std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
+
+/// A port over a few threads that call pread, for where the ring is refused for that reason. Throws std::bad_alloc.
+std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
+
+/// What is owed to a file once one of its reads has ended.
+void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uint32_t inBytesRead);
+
+/// What a read that has ended says, from what the system returned: bytes, or an errno negated. False for a failure.
+bool CompleteRead(const ReadOrder& inOrder, std::int64_t inReturned, AsyncFiles::Platform::Completion& outCompletion);
+
+} // namespace Linux
+} // namespace ORL
