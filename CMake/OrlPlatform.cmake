@@ -51,3 +51,8 @@ if(ORL_SANITIZE)
   add_compile_options(-fsanitize=${ORL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ORL_SANITIZE})
 endif()
+
+if(ORL_BUILD_FUZZ)
+  # The libraries count their branches for the fuzzer, not only the target that calls them.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
