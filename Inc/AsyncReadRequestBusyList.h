@@ -5,8 +5,6 @@
 #include <ORLDebug.h>
 #include <Sync/Policy.h>
 
-#include <tvxcore/SmallBlockAllocator.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -91,7 +89,7 @@ public:
 
 private:
     using Requests = std::set<Request*, std::less<Request*>,
-                              tvxcore::utility::SmallBlockAllocator::STLAllocator<Request*>>;
+                              typename Policy::template StlAllocator<Request*>>;
 
     // Null when there is nothing to wait for.
     typename Policy::Gate* JoinWaiters()

@@ -124,10 +124,10 @@ private:
     static bool SleepOnce(Gate& ioGate, typename Policy::MutexLock& ioLock, int inMilliseconds)
     {
         if (inMilliseconds == kEndless) {
-            Policy::Sleep(ioGate.mCondition, ioLock);
+            Policy::SleepOn(ioGate.mCondition, ioLock);
             return true;
         }
-        return Policy::SleepFor(ioGate.mCondition, ioLock, inMilliseconds);
+        return Policy::SleepOnFor(ioGate.mCondition, ioLock, inMilliseconds);
     }
 
     // To be woken costs far more than to look for a moment longer. The thread counts as a waiter meanwhile, so an

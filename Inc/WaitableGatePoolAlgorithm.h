@@ -6,8 +6,6 @@
 #include <ORLResult.h>
 #include <Sync/Policy.h>
 
-#include <tvxcore/SmallBlockAllocator.h>
-
 #include <cstddef>
 #include <vector>
 
@@ -81,7 +79,7 @@ public:
     static inline WaitableGatePoolAlgorithm* sPool = nullptr;
 
 private:
-    using Gates = std::vector<Gate*, tvxcore::utility::SmallBlockAllocator::STLAllocator<Gate*>>;
+    using Gates = std::vector<Gate*, typename Policy::template StlAllocator<Gate*>>;
 
     Gate* TakeOrMake()
     {

@@ -5,6 +5,7 @@ Floors: includes run downwards only. A source belongs to the floor of its folder
 floor that its first line names ("// Floor: Threads").
 Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
 Tools and examples: public headers alone.
+The roof: ORLFoundation.h brings in every public header.
 Prints one line for each fault; exit code 1 if there is any.
 """
 import re
@@ -108,12 +109,25 @@ def check_hosts(faults):
                 faults.append(f"{path.relative_to(ROOT)}:{number}: a host includes the private header {name}")
 
 
+def check_roof(faults):
+    public = {path.name: path for path in sources("API/Inc/*.h")}
+    reached, waiting = set(), ["ORLFoundation.h"]
+    while waiting:
+        name = waiting.pop()
+        if name in public and name not in reached:
+            reached.add(name)
+            waiting.extend(included for _, included in includes(public[name]))
+    for name in sorted(set(public) - reached):
+        faults.append(f"API/Inc/{name}:1: ORLFoundation.h does not bring it in")
+
+
 def main():
     faults = []
     floors = header_floors(faults)
     check_floors(floors, faults)
     check_seam(faults)
     check_hosts(faults)
+    check_roof(faults)
     for fault in faults:
         print(fault)
     return 1 if faults else 0

@@ -37,6 +37,8 @@
 #include <ORLString.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
+#include <ORLThreadedWorkQueue.h>
+#include <ORLTimecode.h>
 #include <ORLWaitableGate.h>
 
 namespace ORL {

@@ -10,9 +10,10 @@
 //   Guarded<T>            a value under a lock, reached through Read and Write alone, so that a checker sees a touch
 //                         without the lock
 //   Mutex, MutexLock      a lock that can be slept under, and its scope; MutexLock can be unlocked and locked again
-//   Condition             where threads sleep: Sleep, SleepFor, NotifyAll
+//   Condition             where threads sleep: SleepOn, SleepOnFor, NotifyAll
 //   Lock, LockScope       the recursive lock of everything else, and its scope
 //   New, Delete           objects
+//   StlAllocator<T>       where containers take their memory
 //   Pause, SpinTurns      the wait of a thread that expects its event at once; 0 turns where that cannot pay
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
@@ -23,6 +24,8 @@
 #include <ORLAtomic.h>
 #include <ORLCriticalSection.h>
 #include <ORLWaitableGate.h>
+
+#include <tvxcore/SmallBlockAllocator.h>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/condition_variable.hpp>
@@ -39,9 +42,7 @@ enum class Step {
     kGateSecondRead,            // WaitableGate::Wait reads the flag again under the mutex
     kGateGenerationEndsSleep,   // what ends a sleep is a new generation, not the flag
     kGatePoolClosesFirst,       // ReturnGate closes the gate before others can take it
-    kGatePoolLocks,             // the stack of idle gates is touched under the lock
     kRequestPoolClaims,         // a record is claimed by compare-and-set, not by look and store
-    kRequestPoolFreesLast,      // a record is free only after its owner has let go of it
     kBusyListOpensGate,         // the removal that empties the list opens the gate
     kBusyListCountsWaiters,     // only the last waiter gives the gate back
 };
@@ -82,9 +83,9 @@ struct SystemPolicy
     using MutexLock = boost::unique_lock<boost::mutex>;
     using Condition = boost::condition_variable;
 
-    static void Sleep(Condition& ioCondition, MutexLock& ioLock) { ioCondition.wait(ioLock); }
+    static void SleepOn(Condition& ioCondition, MutexLock& ioLock) { ioCondition.wait(ioLock); }
     /// False when the time ran out.
-    static bool SleepFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
+    static bool SleepOnFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
     {
         return ioCondition.timed_wait(ioLock, boost::posix_time::milliseconds(inMilliseconds));
     }
@@ -103,6 +104,9 @@ struct SystemPolicy
     {
         delete inObject;
     }
+
+    template <class T>
+    using StlAllocator = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
 
     static void Pause() { __builtin_ia32_pause(); }
     static int SpinTurns();

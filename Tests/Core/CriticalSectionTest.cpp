@@ -182,3 +182,38 @@ TEST(CriticalSection, ThreadsThatTryAndThreadsThatWait_ShareOneSection)
     waiter.join();
     EXPECT_EQ(kRounds + tries, count);
 }
+
+// The last user of a guarded object destroys it with its section, while the one before may still be on its way out of
+// Unlock. The address sanitizer sees any look back.
+TEST(CriticalSection, DestroyedByTheNextHolderRightAfterAnUnlock_IsNotTouchedAgain)
+{
+    struct Shared
+    {
+        const CriticalSection mSection;
+        int mUsers = 2;
+    };
+    const auto leave = [](Shared* inShared) {
+        bool isLast = false;
+        {
+            const CriticalSectionLock lock(inShared->mSection);
+            isLast = --inShared->mUsers == 0;
+        }
+        if (isLast) {
+            delete inShared;
+        }
+    };
+    constexpr int kRounds = 5000;
+    std::vector<Shared*> objects(kRounds);
+    for (Shared*& object : objects) {
+        object = new Shared;
+    }
+    std::thread other([&] {
+        for (Shared* object : objects) {
+            leave(object);
+        }
+    });
+    for (Shared* object : objects) {
+        leave(object);
+    }
+    other.join();
+}

@@ -174,3 +174,8 @@ TEST(FoundationHost, StoppedWithoutAStart_EndsCleanly)
 {
     ExpectHostSays("unmatched-stop", "main\n");
 }
+
+TEST(FoundationHost, SeveralHostsStartingAndStoppingAtOnce_FindTheirServicesRunning)
+{
+    ExpectHostSays("hosts-at-once", "main\n");
+}

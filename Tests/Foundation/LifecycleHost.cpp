@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -30,6 +32,34 @@ void UseWhatNeedsNoStart()
     const ORL::ObjectPtr<int> copy(number);
     if (*copy != 3 || ORL::kPropertyKey_FrameRate.empty()) {
         std::abort();
+    }
+}
+
+// Several hosts in one process, none of which knows when the others start and stop. Only one of their threads can be the
+// main thread; the others are told so by a check, which is answered for good.
+void RunHostsAtOnce()
+{
+    tvxcore::debug::Dialogs dialogs;
+    dialogs.mAssert = [](bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*) {
+        ioIgnore = true;
+        return false;
+    };
+    tvxcore::debug::InstallDialogs(dialogs);
+    std::vector<std::thread> hosts;
+    for (int host = 0; host < 4; ++host) {
+        hosts.emplace_back([] {
+            for (int round = 0; round < 100; ++round) {
+                ORL::Foundation::Initialize();
+                {
+                    const ORL::MemoryBufferWrapper buffer(100000);
+                    std::memset(buffer.GetBuffer(), round, buffer.GetSize());
+                }
+                ORL::Foundation::Terminate();
+            }
+        });
+    }
+    for (std::thread& host : hosts) {
+        host.join();
     }
 }
 
@@ -83,6 +113,8 @@ int main(int argc, char** argv)
     sMode = argc > 1 ? argv[1] : "";
     if (IsMode("unmatched-stop")) {
         ORL::Foundation::Terminate();
+    } else if (IsMode("hosts-at-once")) {
+        RunHostsAtOnce();
     } else if (!sStartsAndStops.mStarted) {
         sStartsAndStops.Start();
     }

@@ -1,7 +1,8 @@
 #include <tvxcore/Debug.h>
 
+#include <StandardErrorLine.h>
+
 #include <atomic>
-#include <cstdio>
 
 namespace tvxcore {
 namespace debug {
@@ -11,25 +12,25 @@ namespace {
 bool ReportAssertOnStandardError(bool&, const char* inExpression, const unsigned char* inMessage, const char* inFile,
                                  long inLine, const char* inFunction)
 {
-    const char* message = reinterpret_cast<const char*>(inMessage);
-    std::fprintf(stderr, "Assertion failed: %s%s%s, %s:%ld, in %s\n", inExpression, *message != '\0' ? ": " : "",
-                 message, inFile, inLine, inFunction);
+    const char* const message = reinterpret_cast<const char*>(inMessage);
+    WriteStandardErrorLine("Assertion failed: %s, %s:%ld, in %s%s%s", inExpression, inFile, inLine, inFunction,
+                           *message != '\0' ? ": " : "", message);
     return true;
 }
 
 bool ReportContractOnStandardError(const char* inExpression, const char* inFile, long inLine)
 {
-    std::fprintf(stderr, "Contract broken: %s, %s:%ld\n", inExpression, inFile, inLine);
+    WriteStandardErrorLine("Contract broken: %s, %s:%ld", inExpression, inFile, inLine);
     return true;
 }
 
-// Nobody is there to choose: the answer is neither "debug" nor "never again".
-constexpr long kIgnoreOnce = 1;
+constexpr long kDebug = 0;
+constexpr long kIgnoreOnce = 1; // neither "debug" nor "never again"
 
 long DisplayOnStandardError(const char* inTitle, const char* inText)
 {
-    std::fprintf(stderr, "%s\n%s\n", inTitle, inText);
-    return kIgnoreOnce;
+    WriteStandardErrorLine("%s\n%s", inTitle, inText);
+    return IsDebuggerAttached() ? kDebug : kIgnoreOnce;
 }
 
 std::atomic<decltype(Dialogs::mAssert)> sAssert{&ReportAssertOnStandardError};

@@ -1,7 +1,9 @@
 #include <tvxcore/ErrorManager.h>
 
+#include <StandardErrorLine.h>
+
 #include <atomic>
-#include <cstdio>
+#include <new>
 
 namespace tvxcore {
 namespace config {
@@ -12,8 +14,9 @@ std::atomic<ErrorManager*> sInstalled{nullptr};
 
 ErrorManager& BuiltInManager()
 {
-    // Never destroyed: an error may be raised while the process ends.
-    static ErrorManager* const manager = new ErrorManager;
+    // In static storage and never destroyed: an error may be raised while the process ends.
+    alignas(ErrorManager) static unsigned char storage[sizeof(ErrorManager)];
+    static ErrorManager* const manager = new (storage) ErrorManager;
     return *manager;
 }
 
@@ -33,8 +36,8 @@ void ErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsigne
                               const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                               const ReplacementValue&) const
 {
-    std::fprintf(stderr, "Error %ld of package %lu, level %d: %s\n", inErrorID, inPackage, static_cast<int>(inLevel),
-                 inZString);
+    debug::WriteStandardErrorLine("Error %ld of package %lu, level %d: %s", inErrorID, inPackage,
+                                  static_cast<int>(inLevel), inZString);
 }
 
 long ErrorManager::ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction)

@@ -20,8 +20,10 @@ TVXCORE_API bool BreakAfterContractDialog(const char* inExpression, const char* 
 /// Shows free text to the user and gives the choice: 0 asks to debug, 2 and 4 ask never to show this site again.
 TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 
-/// Who answers the reports above. A null member keeps the default: one line on standard error, no break unless a
-/// debugger is attached, and no wait for anybody.
+/// Who answers the reports above. A null member stands for the default: the report goes to standard error, nobody is
+/// waited for, nothing is ignored for good, and a break is asked for only to where a debugger is: the choice of
+/// DisplayAssert is then 0, else 1, and the breaks that the other two ask for are left out by their callers.
+/// A function may be called on any thread, and on two at once.
 struct Dialogs
 {
     bool (*mAssert)(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage, const char* inFile,

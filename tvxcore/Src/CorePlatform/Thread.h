@@ -13,6 +13,9 @@ using ThreadHandle = std::uintptr_t;
 /// Starts a thread that runs inFunction(inArgument). False when the system refuses.
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept;
 
+/// Whoever needs threads takes them from one of these, so that a test can refuse some.
+using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread);
+
 /// Returns when the thread is gone, its thread-local destructors included.
 void JoinThread_Impl(ThreadHandle inThread) noexcept;
 
@@ -25,7 +28,10 @@ void NameCurrentThread_Impl(const char* inName) noexcept;
 /// Gives the calling thread a priority from 0 to 5, 3 being the process's own, as far as the user may.
 void SetCurrentThreadPriority_Impl(int inPriority) noexcept;
 
-/// Processors that this process may run on, at least 1.
+/// Processors of the machine, at least 1.
+unsigned int ProcessorCount_Impl() noexcept;
+
+/// Processors that the calling thread may run on, at least 1. Threads that it starts may run on the same.
 unsigned int UsableProcessorCount_Impl() noexcept;
 
 /// Lets other threads of this processor go first.

@@ -129,13 +129,17 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept
     }
 }
 
+unsigned int ProcessorCount_Impl() noexcept
+{
+    return static_cast<unsigned int>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1l));
+}
+
 unsigned int UsableProcessorCount_Impl() noexcept
 {
     cpu_set_t usable;
     CPU_ZERO(&usable);
     if (::sched_getaffinity(0, sizeof(usable), &usable) != 0) {
-        // More processors than the set can name.
-        return static_cast<unsigned int>(std::max(::sysconf(_SC_NPROCESSORS_ONLN), 1l));
+        return ProcessorCount_Impl(); // more than the set can name
     }
     return static_cast<unsigned int>(std::max(CPU_COUNT(&usable), 1));
 }

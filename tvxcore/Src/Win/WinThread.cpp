@@ -88,6 +88,11 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept
     ::SetThreadPriority(::GetCurrentThread(), kPriorities[inPriority]);
 }
 
+unsigned int ProcessorCount_Impl() noexcept
+{
+    return static_cast<unsigned int>(std::max<DWORD>(::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1));
+}
+
 unsigned int UsableProcessorCount_Impl() noexcept
 {
     DWORD_PTR usable = 0;
@@ -99,7 +104,7 @@ unsigned int UsableProcessorCount_Impl() noexcept
         }
     }
     // A process that spans processor groups has no mask.
-    return count != 0 ? count : static_cast<unsigned int>(std::max<DWORD>(::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1));
+    return count != 0 ? count : ProcessorCount_Impl();
 }
 
 void YieldThread_Impl() noexcept

@@ -1,0 +1,2 @@
+find_package(TBB REQUIRED)
+target_link_libraries(${bench_target} PRIVATE TBB::tbb)

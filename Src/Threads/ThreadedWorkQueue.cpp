@@ -1,0 +1,217 @@
+#include <ORLThreadedWorkQueue.h>
+
+#include <ORLCriticalSection.h>
+#include <ORLDebug.h>
+#include <ORLImpl.h>
+#include <tvxcore/Executor.h>
+
+#include <atomic>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+
+namespace ORL {
+
+namespace {
+
+using tvxcore::threads::AsyncThreadedExecutor;
+using tvxcore::threads::RepeatDelayFunction;
+using Request = ThreadedWorkQueue::Request;
+
+// An owning pointer that may be compared with null without a lock. All else happens under one.
+class IdleFunction
+{
+public:
+    IdleFunction() = default;
+    ~IdleFunction() { Reset(nullptr); }
+    IdleFunction(const IdleFunction&) = delete;
+    IdleFunction& operator=(const IdleFunction&) = delete;
+
+    bool IsNull() const { return mPointer.load(std::memory_order_relaxed) == nullptr; }
+
+    void Reset(RepeatDelayFunction* inNew) { delete mPointer.exchange(inNew, std::memory_order_relaxed); }
+
+private:
+    std::atomic<RepeatDelayFunction*> mPointer{nullptr};
+};
+
+tvxcore::threads::ThreadPriority ConvertPriority(ThreadPriorities::Type inPriority)
+{
+    const bool isKnown = inPriority >= ThreadPriorities::kLowest && inPriority <= ThreadPriorities::kHighest;
+    return isKnown ? inPriority : ThreadPriorities::kNormal;
+}
+
+int ConvertThreadAllocationPolicy(int inThreadAllocationPolicy)
+{
+    constexpr int kExecutorChooses = -1;
+    if (inThreadAllocationPolicy == kExecutorChooses) {
+        return kExecutorChooses;
+    }
+    if (inThreadAllocationPolicy == 0) {
+        return 1;
+    }
+    ORL_ASSERT_IN(inThreadAllocationPolicy > 0, "ORL::`anonymous-namespace'::ConvertThreadAllocationPolicy");
+    return inThreadAllocationPolicy > 0 ? inThreadAllocationPolicy : 1;
+}
+
+// Runs once: the executor promises that for every function it accepts. So the count that came with the request travels
+// on with it and is paid back behind Process, and what boost::function copies on its way is a plain pointer. With a
+// counted reference in its place each queued request costs eight more changes of its count.
+class RunOnce
+{
+public:
+    explicit RunOnce(IThreadedQueueRequest& inRequest) : mRequest(&inRequest) {}
+
+    void operator()() const
+    {
+        struct PayBack
+        {
+            IThreadedQueueRequest* mRequest;
+            ~PayBack() { mRequest->Release(); }
+        } const payBack{mRequest};
+        mRequest->Process();
+    }
+
+private:
+    IThreadedQueueRequest* mRequest;
+};
+
+class RunAgainAndAgain
+{
+public:
+    explicit RunAgainAndAgain(const Request& inRequest) : mRequest(inRequest) {}
+
+    void operator()() const { mRequest->Process(); }
+
+private:
+    Request mRequest;
+};
+
+// The count of this reference now belongs to somebody else.
+void GiveUpCount(Request& ioRequest)
+{
+    alignas(Request) unsigned char neverDestroyed[sizeof(Request)];
+    new (neverDestroyed) Request(std::move(ioRequest));
+}
+
+} // namespace
+
+struct ThreadedWorkQueue::PrivateImpl : Impl
+{
+    boost::shared_ptr<AsyncThreadedExecutor> mExecutor;
+    IdleFunction mIdleFunction;
+    CriticalSection mLock; // guards mIdleFunction
+};
+
+ThreadedWorkQueue::ThreadedWorkQueue() : mImpl(new PrivateImpl)
+{
+}
+
+ThreadedWorkQueue::~ThreadedWorkQueue()
+{
+    if (mImpl != nullptr && mImpl->mExecutor) {
+        ORL_ASSERT_MESSAGE_IN(mImpl->mExecutor->IsTerminated(), "Stop() was not called on a ThreadedWorkQueue.\r\n",
+                              "ORL::ThreadedWorkQueue::~ThreadedWorkQueue");
+    }
+    delete mImpl;
+}
+
+bool ThreadedWorkQueue::Initialize(ThreadPriorities::Type inPriority, int inThreadAllocationPolicy,
+                                   ConstString inThreadName, ConstString inModuleName)
+{
+    ORL_INPUT_CONTRACT(!inThreadName.empty());
+    ORL_INPUT_CONTRACT(!inModuleName.empty());
+    if (mImpl == nullptr) {
+        return false;
+    }
+    const std::string name = MakeStdString(inModuleName) + ": " + MakeStdString(inThreadName);
+    const tvxcore::threads::ThreadPriority priority = ConvertPriority(inPriority);
+    const int threadCount = ConvertThreadAllocationPolicy(inThreadAllocationPolicy);
+    mImpl->mExecutor = tvxcore::threads::CreateAsyncThreadedExecutor(name, threadCount, priority,
+                                                                     boost::function<void()>(),
+                                                                     boost::function<void()>());
+    return true;
+}
+
+bool ThreadedWorkQueue::QueueRequest(Request inRequest)
+{
+    if (mImpl == nullptr || !mImpl->mExecutor) {
+        return false;
+    }
+    if (!inRequest) {
+        // The thread that runs it finds the null reference and reports it.
+        return mImpl->mExecutor->QueueFunction(RunAgainAndAgain(inRequest), 0);
+    }
+    const bool isQueued = mImpl->mExecutor->QueueFunction(RunOnce(*inRequest.GetPtr()), 0);
+    if (isQueued) {
+        GiveUpCount(inRequest);
+    }
+    return isQueued;
+}
+
+bool ThreadedWorkQueue::SetIdleProcess(Request inRequest, int inInterval)
+{
+    if (mImpl == nullptr || !inRequest || !mImpl->mExecutor || inInterval < 1) {
+        return false;
+    }
+    const CriticalSectionLock lock(mImpl->mLock);
+    mImpl->mIdleFunction.Reset(new RepeatDelayFunction(mImpl->mExecutor, RunAgainAndAgain(inRequest),
+                                                       static_cast<unsigned int>(inInterval)));
+    return true;
+}
+
+void ThreadedWorkQueue::ClearIdleProcess()
+{
+    if (mImpl == nullptr || mImpl->mIdleFunction.IsNull()) {
+        return;
+    }
+    const CriticalSectionLock lock(mImpl->mLock);
+    mImpl->mIdleFunction.Reset(nullptr);
+}
+
+void ThreadedWorkQueue::Pause()
+{
+    if (mImpl != nullptr && mImpl->mExecutor) {
+        mImpl->mExecutor->Pause();
+    }
+}
+
+void ThreadedWorkQueue::Resume()
+{
+    if (mImpl != nullptr && mImpl->mExecutor) {
+        mImpl->mExecutor->Resume();
+    }
+}
+
+void ThreadedWorkQueue::BlockWhilePaused()
+{
+    if (mImpl != nullptr && mImpl->mExecutor) {
+        mImpl->mExecutor->BlockWhilePaused();
+    }
+}
+
+bool ThreadedWorkQueue::CurrentThreadIsQueueThread()
+{
+    return mImpl != nullptr && mImpl->mExecutor && mImpl->mExecutor->CurrentThreadIsExecutorThread();
+}
+
+unsigned int ThreadedWorkQueue::GetNumberOfThreads()
+{
+    return mImpl != nullptr && mImpl->mExecutor ? mImpl->mExecutor->GetThreadCount() : 0;
+}
+
+void ThreadedWorkQueue::Stop()
+{
+    if (mImpl == nullptr || !mImpl->mExecutor) {
+        return;
+    }
+    ORL_ASSERT_MESSAGE_IN(!mImpl->mExecutor->IsTerminated(),
+                          "Somebody called stop on this Queue more than once (or without calling Initialize), "
+                          "which is bad.\r\n",
+                          "ORL::ThreadedWorkQueue::Stop");
+    mImpl->mExecutor->RequestTermination();
+    mImpl->mExecutor->WaitForTermination();
+}
+
+} // namespace ORL

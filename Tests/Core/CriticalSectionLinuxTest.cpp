@@ -1,0 +1,96 @@
+// What the lock of our own promises beyond the system's.
+#include <ORLCriticalSection.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <thread>
+#include <type_traits>
+#include <unistd.h>
+#include <vector>
+
+using namespace ORL;
+
+namespace {
+
+#if defined(__clang__)
+#define ORL_TEST_CONSTANT_INITIALIZED [[clang::require_constant_initialization]]
+#else
+#define ORL_TEST_CONSTANT_INITIALIZED __constinit
+#endif
+
+// Compiles only if no code has to run to build it: it can be locked in any static's constructor.
+ORL_TEST_CONSTANT_INITIALIZED CriticalSection sSection;
+
+// The letter that the system gives to a thread's state: 'S' for one that sleeps.
+char StateOf(pid_t inThread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(inThread) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const std::size_t end = text.rfind(") ");
+    return end != std::string::npos ? text[end + 2] : '?';
+}
+
+} // namespace
+
+TEST(CriticalSectionOfOurs, IsConstantInitializedAndNeedsNoDestruction)
+{
+    EXPECT_TRUE(sSection.TryLock());
+    sSection.Unlock();
+#if !ORL_THREAD_SANITIZER
+    EXPECT_TRUE(std::is_trivially_destructible_v<CriticalSection>);
+#endif
+}
+
+TEST(CriticalSectionOfOurs, ThreadsThatWait_SleepAndAreAllWokenOneAfterTheOther)
+{
+    const CriticalSection section;
+    std::vector<std::atomic<pid_t>> ids(3);
+    std::vector<std::thread> waiters;
+    int entered = 0; // guarded by the section
+    section.Lock();
+    for (std::atomic<pid_t>& id : ids) {
+        waiters.emplace_back([&section, &entered, &id] {
+            id.store(static_cast<pid_t>(::syscall(SYS_gettid)));
+            const CriticalSectionLock lock(section);
+            ++entered;
+        });
+    }
+    for (std::atomic<pid_t>& id : ids) {
+        while (id.load() == 0 || StateOf(id.load()) != 'S') {
+            std::this_thread::yield();
+        }
+    }
+    EXPECT_EQ(0, entered);
+    section.Unlock();
+    for (std::thread& waiter : waiters) {
+        waiter.join();
+    }
+    EXPECT_EQ(3, entered);
+}
+
+TEST(CriticalSectionOfOurs, ForkedWhileHeld_IsHeldByTheChildsThread)
+{
+    const CriticalSection section;
+    section.Lock();
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        section.Lock(); // would never come back if the child's thread were a stranger
+        section.Unlock();
+        section.Unlock();
+        const bool isFree = section.TryLock();
+        ::_exit(isFree ? 7 : 8);
+    }
+    int status = 0;
+    ASSERT_EQ(child, ::waitpid(child, &status, 0));
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(7, WEXITSTATUS(status));
+    section.Unlock();
+}

@@ -1,0 +1,33 @@
+#include <CurrentThread.h>
+
+#include <windows.h>
+
+namespace ORLTest {
+
+const std::size_t kKeptNameBytes = 255;
+
+std::string SystemNameOfThisThread()
+{
+    using GetThreadDescription = HRESULT(WINAPI*)(HANDLE, PWSTR*);
+    const auto getDescription = reinterpret_cast<GetThreadDescription>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "GetThreadDescription")));
+    PWSTR description = nullptr;
+    if (getDescription == nullptr || getDescription(::GetCurrentThread(), &description) < 0) {
+        return "the system tells no names";
+    }
+    char name[1024] = {};
+    ::WideCharToMultiByte(CP_UTF8, 0, description, -1, name, sizeof(name), nullptr, nullptr);
+    ::LocalFree(description);
+    return name;
+}
+
+int PriorityOfThisThread()
+{
+    const int priority = ::GetThreadPriority(::GetCurrentThread());
+    if (priority == THREAD_PRIORITY_IDLE) {
+        return 0;
+    }
+    return priority >= THREAD_PRIORITY_LOWEST && priority <= THREAD_PRIORITY_HIGHEST ? 3 + priority : -1;
+}
+
+} // namespace ORLTest

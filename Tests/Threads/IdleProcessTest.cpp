@@ -1,0 +1,189 @@
+// The idle process of a work queue.
+#include <ORLThreadedWorkQueue.h>
+
+#include <CheckRecorder.h>
+#include <CoreClock.h>
+#include <Signals.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+
+using namespace ORL;
+using ORLTest::CheckRecorder;
+using ORLTest::Event;
+
+namespace {
+
+using Queue = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
+using Request = ThreadedWorkQueue::Request;
+
+class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    explicit FunctionRequest(std::function<void()> inFunction) : mFunction(std::move(inFunction)) {}
+    void Process() override { mFunction(); }
+
+private:
+    std::function<void()> mFunction;
+};
+
+class IdleProcess : public testing::Test
+{
+protected:
+    IdleProcess() : mQueue(new ThreadedWorkQueue)
+    {
+        mQueue->Initialize(ThreadPriorities::kNormal, 0, ConstString("Idle"), ConstString("Module"));
+    }
+    ~IdleProcess() override
+    {
+        mQueue->ClearIdleProcess();
+        mQueue->Stop();
+    }
+
+    static Request MakeRequest(std::function<void()> inFunction)
+    {
+        return Request(new FunctionRequest(std::move(inFunction)));
+    }
+
+    // Moves time, and returns when all that became due has run.
+    void Pass(std::int64_t inMilliseconds)
+    {
+        mClock.Advance(inMilliseconds * 1'000'000);
+        Event done;
+        ASSERT_TRUE(mQueue->QueueRequest(MakeRequest([&done] { done.Set(); })));
+        done.Wait();
+    }
+
+    tvxcore::threads::ManualClock mClock;
+    Queue mQueue;
+    std::atomic<int> mRuns{0};
+};
+
+} // namespace
+
+TEST_F(IdleProcess, Set_RunsAtItsInterval)
+{
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    Pass(9);
+    EXPECT_EQ(0, mRuns);
+    Pass(1);
+    Pass(10);
+    EXPECT_EQ(2, mRuns);
+}
+
+TEST_F(IdleProcess, RunsOnTheQueuesThread)
+{
+    bool isOwn = false;
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&] { isOwn = mQueue->CurrentThreadIsQueueThread(); }), 1));
+    Pass(1);
+    mQueue->ClearIdleProcess();
+    EXPECT_TRUE(isOwn);
+}
+
+TEST_F(IdleProcess, IntervalBelowOne_IsRefusedAndKeepsTheOneInstalled)
+{
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    const Request other = MakeRequest([] { ADD_FAILURE() << "this one was refused"; });
+    EXPECT_FALSE(mQueue->SetIdleProcess(other, 0));
+    EXPECT_FALSE(mQueue->SetIdleProcess(other, -1));
+    EXPECT_FALSE(mQueue->SetIdleProcess(other, -2147483647 - 1));
+    Pass(10);
+    EXPECT_EQ(1, mRuns);
+}
+
+TEST_F(IdleProcess, NullRequest_IsRefusedAndKeepsTheOneInstalled)
+{
+    const CheckRecorder recorder;
+    EXPECT_FALSE(mQueue->SetIdleProcess(Request(), 10));
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    EXPECT_FALSE(mQueue->SetIdleProcess(Request(), 10));
+    Pass(10);
+    EXPECT_EQ(1, mRuns);
+    EXPECT_TRUE(recorder.Reports().empty());
+}
+
+TEST_F(IdleProcess, SetAgain_TakesThePlaceOfTheEarlierOne)
+{
+    auto life = std::make_shared<int>();
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([life] { ADD_FAILURE() << "this one was replaced"; }), 10));
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    EXPECT_EQ(1, life.use_count());
+    Pass(10);
+    EXPECT_EQ(1, mRuns);
+}
+
+TEST_F(IdleProcess, Cleared_NeverRunsAgainAndIsLetGo)
+{
+    auto life = std::make_shared<int>();
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this, life] { ++mRuns; }), 10));
+    Pass(10);
+    mQueue->ClearIdleProcess();
+    EXPECT_EQ(1, life.use_count());
+    Pass(100);
+    EXPECT_EQ(1, mRuns);
+    mQueue->ClearIdleProcess();
+}
+
+TEST_F(IdleProcess, ClearedByItself_DoesNotWaitForItself)
+{
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; mQueue->ClearIdleProcess(); }), 10));
+    Pass(10);
+    Pass(100);
+    EXPECT_EQ(1, mRuns);
+}
+
+TEST_F(IdleProcess, ReplacedByItself_GoesOnAsTheNewOne)
+{
+    std::atomic<int> later{0};
+    const Request second = MakeRequest([&later] { ++later; });
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&, this] { ++mRuns; mQueue->SetIdleProcess(second, 10); }), 10));
+    Pass(10);
+    Pass(10);
+    mQueue->ClearIdleProcess();
+    EXPECT_EQ(1, mRuns);
+    EXPECT_EQ(1, later);
+}
+
+TEST_F(IdleProcess, ClearedWithNoneInstalled_TakesNoLock)
+{
+    // The queue counts the request while it installs it, under its lock. Whoever clears meanwhile must not wait.
+    struct Nosy : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+    {
+        explicit Nosy(ThreadedWorkQueue& inQueue) : mQueue(inQueue) {}
+        void AddRef() override
+        {
+            std::thread([this] { mQueue.ClearIdleProcess(); }).join();
+            ++mCounted;
+            UnknownImpl::AddRef();
+        }
+        void Process() override {}
+        ThreadedWorkQueue& mQueue;
+        int mCounted = 0;
+    };
+    Nosy* const nosy = new Nosy(*mQueue.GetPtr());
+    const Request request(nosy);
+    Request argument(request);
+    const int before = nosy->mCounted;
+    EXPECT_TRUE(mQueue->SetIdleProcess(std::move(argument), 10));
+    EXPECT_LT(before, nosy->mCounted) << "nothing was counted under the lock, so this test shows nothing";
+}
+
+TEST_F(IdleProcess, StoppedQueue_KeepsItInstalledButQuiet)
+{
+    const Queue queue(new ThreadedWorkQueue);
+    queue->Initialize(3, 0, ConstString("Idle"), ConstString("Module"));
+    EXPECT_TRUE(queue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    queue->Stop();
+    Pass(10);
+    Pass(10);
+    EXPECT_EQ(0, mRuns);
+    EXPECT_TRUE(queue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    Pass(10);
+    EXPECT_EQ(0, mRuns);
+}

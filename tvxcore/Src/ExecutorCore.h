@@ -1,0 +1,46 @@
+// What the threads of an executor share, and what each of them does.
+#pragma once
+
+#include <WorkChannel.h>
+#include <WorkChannelPolicy.h>
+#include <tvxcore/Executor.h>
+
+#include <boost/function.hpp>
+#include <string>
+
+namespace tvxcore {
+namespace threads {
+
+/// Owned by the executor and by each of its threads, so a thread may outlive the executor.
+class ExecutorCore
+{
+public:
+    /// A thread starts with the processors of its creator: the core must be made by who starts its threads.
+    ExecutorCore(const std::string& inName, ThreadPriority inPriority, const boost::function<void()>& inThreadStart,
+                 const boost::function<void()>& inThreadEnd);
+
+    /// False after Channel().Close(). Throws what a copy of the function throws, or std::bad_alloc, and then nothing
+    /// is queued.
+    bool Queue(const boost::function<void()>& inFunction);
+
+    /// The whole life of one thread: until the channel is closed and empty.
+    void RunThread() noexcept;
+
+    /// True on a thread that is in RunThread of this core.
+    bool OwnsCurrentThread() const noexcept;
+
+    WorkChannel<SystemPolicy>& Channel() { return mChannel; }
+
+private:
+    void RunGuarded(const boost::function<void()>& inFunction) const noexcept;
+    void ReportThrow(const char* inWhat) const noexcept;
+
+    WorkChannel<SystemPolicy> mChannel;
+    const std::string mName;
+    const ThreadPriority mPriority;
+    const boost::function<void()> mThreadStart;
+    const boost::function<void()> mThreadEnd;
+};
+
+} // namespace threads
+} // namespace tvxcore

@@ -1,0 +1,45 @@
+// The executor that hosts see: a set of threads around an ExecutorCore.
+#pragma once
+
+#include <CoreMutex.h>
+#include <CorePlatform/Thread.h>
+#include <ExecutorCore.h>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace tvxcore {
+namespace threads {
+
+class ThreadedExecutor : public AsyncThreadedExecutor
+{
+public:
+    /// Throws boost::thread_resource_error when the system refuses a thread; those already started have ended then.
+    ThreadedExecutor(const std::shared_ptr<ExecutorCore>& inCore, unsigned int inThreadCount,
+                     Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
+    ~ThreadedExecutor() override;
+
+    bool QueueFunction(const boost::function<void()>& inFunction, int) override;
+    unsigned int GetThreadCount() override;
+    void RequestTermination() override;
+    bool IsTerminated() override;
+    bool CurrentThreadIsExecutorThread() override;
+    void WaitForTermination() override;
+    void Pause() override;
+    void Resume() override;
+    void BlockWhilePaused() override;
+
+private:
+    void StartThread(Platform::ThreadStarter inStarter);
+    void JoinThreads();
+
+    const std::shared_ptr<ExecutorCore> mCore;
+    const unsigned int mThreadCount;
+    std::atomic<bool> mIsTerminated{false};
+    CoreMutex mThreadsMutex;
+    std::vector<Platform::ThreadHandle> mThreads; // guarded by mThreadsMutex; those not yet joined
+};
+
+} // namespace threads
+} // namespace tvxcore

@@ -1,0 +1,71 @@
+// What the executors make their channels of. The model check instantiates the same template with a policy whose every
+// operation is a choice of the checker.
+#pragma once
+
+#include <CoreMutex.h>
+#include <CorePlatform/WordWait.h>
+#include <WorkChannel.h>
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+
+namespace tvxcore {
+namespace threads {
+
+struct SystemPolicy
+{
+    static constexpr bool Keeps(ChannelStep) { return true; }
+
+    /// Words and pointers: a load acquires, a store releases, the rest are sequentially consistent.
+    template <class T>
+    using Atomic = std::atomic<T>;
+    template <class T>
+    static T Load(const Atomic<T>& inTarget)
+    {
+        return inTarget.load(std::memory_order_acquire);
+    }
+    template <class T>
+    static void Store(Atomic<T>& outTarget, T inValue)
+    {
+        outTarget.store(inValue, std::memory_order_release);
+    }
+    template <class T>
+    static bool CompareAndSet(Atomic<T>& ioTarget, T inExpected, T inNew)
+    {
+        return ioTarget.compare_exchange_strong(inExpected, inNew);
+    }
+    static std::uint32_t Add(Atomic<std::uint32_t>& ioTarget, std::uint32_t inValue)
+    {
+        return ioTarget.fetch_add(inValue);
+    }
+    static std::uint32_t Subtract(Atomic<std::uint32_t>& ioTarget, std::uint32_t inValue)
+    {
+        return ioTarget.fetch_sub(inValue);
+    }
+
+    /// A value under a lock.
+    template <class T>
+    using Guarded = T;
+    template <class T>
+    static T& Reach(T& ioValue)
+    {
+        return ioValue;
+    }
+
+    using Mutex = CoreMutex;
+    using MutexLock = std::lock_guard<CoreMutex>;
+
+    static void Sleep(Atomic<std::uint32_t>& ioWord, std::uint32_t inExpected)
+    {
+        Platform::WaitOnWord_Impl(ioWord, inExpected, Platform::kEndless);
+    }
+    static void WakeOne(Atomic<std::uint32_t>& ioWord) { Platform::WakeOneOnWord_Impl(ioWord); }
+    static void WakeAll(Atomic<std::uint32_t>& ioWord) { Platform::WakeAllOnWord_Impl(ioWord); }
+
+    /// One turn of a spin.
+    static void Pause() { __builtin_ia32_pause(); }
+};
+
+} // namespace threads
+} // namespace tvxcore
