@@ -8,4 +8,10 @@ namespace orl {
 /// orl info [PATH]: version, platform, drive table and the volume of a path.
 void AddInfo(CLI::App& ioProgram);
 
+/// orl stream FILE...: reads files past the cache, many reads in flight, and shows rates, latencies and checksums.
+void AddStream(CLI::App& ioProgram);
+
+/// orl make-clip PATH: writes a clip to try things on.
+void AddMakeClip(CLI::App& ioProgram);
+
 } // namespace orl

@@ -12,7 +12,9 @@ namespace {
 
 void AddCommands(CLI::App& ioProgram)
 {
+    orl::AddStream(ioProgram);
     orl::AddInfo(ioProgram);
+    orl::AddMakeClip(ioProgram);
 }
 
 int Complain(const std::string& inText, int inExitCode)

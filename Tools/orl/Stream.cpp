@@ -1,0 +1,219 @@
+// orl stream FILE...
+#include "Commands.h"
+#include "Console.h"
+#include "Failure.h"
+#include "StreamFile.h"
+#include "Text.h"
+
+#include <ORLFoundation.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+namespace {
+
+struct Options
+{
+    std::vector<std::string> mFiles;
+    StreamSettings mSettings;
+    bool mVerifies = false;
+    bool mAsJson = false;
+};
+
+struct Row
+{
+    std::string mFile;
+    StreamFigures mFigures;
+};
+
+// The library runs for as long as this lives.
+struct StartedLibrary
+{
+    StartedLibrary() { ORL::Foundation::Initialize(); }
+    ~StartedLibrary() { ORL::Foundation::Terminate(); }
+};
+
+volatile std::sig_atomic_t sIsInterrupted = 0;
+
+void OnInterrupt(int)
+{
+    sIsInterrupted = 1;
+}
+
+double MegabytesPerSecond(const StreamFigures& inFigures)
+{
+    return inFigures.mSeconds > 0 ? static_cast<double>(inFigures.mBytes) / 1e6 / inFigures.mSeconds : 0;
+}
+
+// The last name of a path, which may be written either way.
+std::string NameOf(const std::string& inFile)
+{
+    const std::size_t at = inFile.find_last_of("/\\");
+    return at == std::string::npos ? inFile : inFile.substr(at + 1);
+}
+
+/// One line that is written over, on a terminal alone.
+class ProgressLine
+{
+public:
+    explicit ProgressLine(bool inIsShown) : mIsShown(inIsShown) {}
+    ~ProgressLine() { Clear(); }
+
+    void Show(const std::string& inFile, std::uint64_t inDone, std::uint64_t inSize)
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (!mIsShown || now - mShown < std::chrono::milliseconds(100)) {
+            return;
+        }
+        mShown = now;
+        const int percent = inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100;
+        std::cout << '\r' << std::setw(3) << percent << " %  " << NameOf(inFile) << "\x1b[K" << std::flush;
+        mHasText = true;
+    }
+
+    void Clear()
+    {
+        if (mHasText) {
+            std::cout << "\r\x1b[K" << std::flush;
+            mHasText = false;
+        }
+    }
+
+private:
+    const bool mIsShown;
+    bool mHasText = false;
+    std::chrono::steady_clock::time_point mShown;
+};
+
+std::string Hexadecimal(std::uint32_t inNumber)
+{
+    char text[9];
+    std::snprintf(text, sizeof(text), "%08x", static_cast<unsigned>(inNumber));
+    return text;
+}
+
+// Two digits behind the point, in the unit that suits.
+std::string Milliseconds(double inSeconds)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.2f ms", inSeconds * 1e3);
+    return text;
+}
+
+std::string Rounded(double inNumber)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f", inNumber);
+    return text;
+}
+
+void PrintTable(const std::vector<Row>& inRows, bool inVerified)
+{
+    std::size_t width = 4;
+    for (const Row& row : inRows) {
+        width = std::max(width, NameOf(row.mFile).size());
+    }
+    const auto line = [&](const std::string& inFile, const std::vector<std::string>& inCells) {
+        static constexpr int kWidths[] = {13, 9, 7, 8, 12, 12, 10};
+        std::cout << std::left << std::setw(static_cast<int>(width)) << inFile << std::right;
+        for (std::size_t i = 0; i < inCells.size(); ++i) {
+            std::cout << std::setw(kWidths[i]) << inCells[i];
+        }
+        std::cout << '\n';
+    };
+    line("file", {"bytes", "MB/s", "reads", "sector", "median", "99 %", "CRC-32"});
+    for (const Row& row : inRows) {
+        const StreamFigures& figures = row.mFigures;
+        line(NameOf(row.mFile),
+             {std::to_string(figures.mBytes), Rounded(MegabytesPerSecond(figures)), std::to_string(figures.mReads),
+              std::to_string(figures.mSectorSize), Milliseconds(figures.mMedianLatency),
+              Milliseconds(figures.mPercentile99Latency), Hexadecimal(figures.mCRC)});
+    }
+    if (inVerified && !inRows.empty()) {
+        std::cout << "Each CRC-32 equals the one of a plain buffered read.\n";
+    }
+}
+
+void PrintJson(const std::vector<Row>& inRows)
+{
+    std::cout << '[';
+    const char* separator = "\n";
+    for (const Row& row : inRows) {
+        const StreamFigures& figures = row.mFigures;
+        std::cout << separator << "  {\"file\": " << JsonQuoted(row.mFile) << ", \"bytes\": " << figures.mBytes
+                  << ", \"megabytesPerSecond\": " << MegabytesPerSecond(figures) << ", \"reads\": " << figures.mReads
+                  << ", \"sectorSize\": " << figures.mSectorSize
+                  << ", \"medianLatencySeconds\": " << figures.mMedianLatency
+                  << ", \"percentile99LatencySeconds\": " << figures.mPercentile99Latency << ", \"crc32\": \""
+                  << Hexadecimal(figures.mCRC) << "\"}";
+        separator = ",\n";
+    }
+    std::cout << (inRows.empty() ? "]\n" : "\n]\n");
+}
+
+StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
+{
+    ProgressLine line(OutputIsTerminal() && !inOptions.mAsJson);
+    const StreamFigures figures =
+        StreamFile(inFile, inOptions.mSettings, [&](std::uint64_t inDone, std::uint64_t inSize) {
+            line.Show(inFile, inDone, inSize);
+            return sIsInterrupted == 0;
+        });
+    if (inOptions.mVerifies && PlainCRC(inFile) != figures.mCRC) {
+        throw Failure("stream: \"" + inFile + "\" reads differently through the cache: CRC-32 "
+                      + Hexadecimal(PlainCRC(inFile)) + " there, " + Hexadecimal(figures.mCRC) + " unbuffered");
+    }
+    return figures;
+}
+
+void Run(const Options& inOptions)
+{
+    const StartedLibrary library;
+    std::signal(SIGINT, &OnInterrupt);
+    std::vector<Row> rows;
+    const auto print = [&] {
+        if (inOptions.mAsJson) {
+            PrintJson(rows);
+        } else if (!rows.empty()) {
+            PrintTable(rows, inOptions.mVerifies);
+        }
+    };
+    try {
+        for (const std::string& file : inOptions.mFiles) {
+            rows.push_back(Row{file, StreamOne(file, inOptions)});
+        }
+    } catch (...) {
+        print(); // what was streamed before stays true
+        throw;
+    }
+    print();
+}
+
+} // namespace
+
+void AddStream(CLI::App& ioProgram)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = ioProgram.add_subcommand(
+        "stream", "Read files past the system's cache, many reads in flight, and show what that gives");
+    command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
+    command->add_option("--block", options->mSettings.mBlockSize, "bytes of one read (default 1M)")
+        ->transform(CLI::AsSizeValue(false))
+        ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20));
+    command->add_option("--depth", options->mSettings.mDepth, "reads in flight (default 32)")
+        ->check(CLI::Range(1, 2048));
+    command->add_flag("--verify", options->mVerifies, "compare with a plain buffered read");
+    command->add_flag("--json", options->mAsJson, "write one JSON array");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace orl
