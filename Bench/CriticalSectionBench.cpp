@@ -42,9 +42,8 @@ struct Rivals
     {
         ioGroup.Ours("CriticalSection", Bench::AtMost(inGoal, "std::recursive_mutex"),
                      Pairs([this] { mOurs.Lock(); }, [this] { mOurs.Unlock(); }, inTurnsInside, inTurnsOutside));
-        ioGroup.Peer("std::recursive_mutex",
-                     Pairs([this] { mStandard.lock(); }, [this] { mStandard.unlock(); }, inTurnsInside,
-                           inTurnsOutside));
+        ioGroup.Peer("std::recursive_mutex", Pairs([this] { mStandard.lock(); }, [this] { mStandard.unlock(); },
+                                                   inTurnsInside, inTurnsOutside));
         ioGroup.Peer("boost::recursive_mutex",
                      Pairs([this] { mBoost.lock(); }, [this] { mBoost.unlock(); }, inTurnsInside, inTurnsOutside));
     }

@@ -122,18 +122,20 @@ void Reading()
     std::int32_t number = 5;
     std::atomic<std::int32_t> word{5};
     Bench::Group("read of a 32-bit number")
-        .Ours("AtomicRead", Bench::AtMost(0), [&](std::uint64_t inCount) {
-            while (inCount-- != 0) {
-                Bench::DoNotOptimize(ORL::AtomicRead(number));
-            }
-        })
-        .Peer("compare-and-set of 17, bare", [&](std::uint64_t inCount) {
-            while (inCount-- != 0) {
-                std::int32_t seen = 17;
-                word.compare_exchange_strong(seen, 17);
-                Bench::DoNotOptimize(seen);
-            }
-        })
+        .Ours("AtomicRead", Bench::AtMost(0),
+              [&](std::uint64_t inCount) {
+                  while (inCount-- != 0) {
+                      Bench::DoNotOptimize(ORL::AtomicRead(number));
+                  }
+              })
+        .Peer("compare-and-set of 17, bare",
+              [&](std::uint64_t inCount) {
+                  while (inCount-- != 0) {
+                      std::int32_t seen = 17;
+                      word.compare_exchange_strong(seen, 17);
+                      Bench::DoNotOptimize(seen);
+                  }
+              })
         .Run();
 }
 

@@ -45,8 +45,9 @@ namespace ORL {
 namespace Foundation {
 
 /// Starts the library. Starts are counted: the first one does the work, and the thread of the first one in the life of
-/// the process becomes the main thread. Each start owes one Terminate. May be called from any thread, also while another
-/// one starts or stops the library. An exception of a service that cannot start leaves with the library not started.
+/// the process becomes the main thread. Each start owes one Terminate. May be called from any thread, also while
+/// another one starts or stops the library. An exception of a service that cannot start leaves with the library not
+/// started.
 ///
 /// Before the start, and after the stop, everything works that needs no service of the library: constants, strings,
 /// the class factory, locks.

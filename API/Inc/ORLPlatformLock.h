@@ -9,8 +9,13 @@
 #include <atomic>
 #include <cstdint>
 
+// The thread sanitizer follows the lock through its atomic word; told of it as a lock, it also sees the order of
+// several.
 #if ORL_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
+#define ORL_TELL_SANITIZER(call) call
+#else
+#define ORL_TELL_SANITIZER(call)
 #endif
 
 namespace ORL {
@@ -24,6 +29,13 @@ namespace Internal {
 class PlatformLock
 {
 public:
+#if ORL_THREAD_SANITIZER
+    ~PlatformLock()
+    {
+        __tsan_mutex_destroy(this, __tsan_mutex_linker_init);
+    }
+#endif
+
     void Lock()
     {
         const std::uintptr_t self = ThisThread();
@@ -31,11 +43,11 @@ public:
             ++mDepth;
             return;
         }
-        BeforeLock();
+        ORL_TELL_SANITIZER(__tsan_mutex_pre_lock(this, __tsan_mutex_linker_init));
         if (!Take(self)) {
             WaitAndTake(self);
         }
-        AfterLock(true);
+        ORL_TELL_SANITIZER(__tsan_mutex_post_lock(this, __tsan_mutex_linker_init, 1));
     }
 
     bool TryLock()
@@ -45,9 +57,10 @@ public:
             ++mDepth;
             return true;
         }
-        BeforeTry();
+        ORL_TELL_SANITIZER(__tsan_mutex_pre_lock(this, __tsan_mutex_try_lock));
         const bool taken = Take(self);
-        AfterLock(taken);
+        ORL_TELL_SANITIZER(
+            __tsan_mutex_post_lock(this, __tsan_mutex_try_lock | (taken ? 0 : __tsan_mutex_try_lock_failed), 1));
         return taken;
     }
 
@@ -57,10 +70,10 @@ public:
             --mDepth;
             return;
         }
-        BeforeUnlock();
+        ORL_TELL_SANITIZER(__tsan_mutex_pre_unlock(this, 0));
         // From here on another thread may hold the lock, and destroy it: only its address is used after this.
         const std::uintptr_t old = mWord.exchange(0, std::memory_order_release);
-        AfterUnlock();
+        ORL_TELL_SANITIZER(__tsan_mutex_post_unlock(this, 0));
         if ((old & kSleepers) != 0) {
             WakeOneSleeper();
         }
@@ -79,7 +92,10 @@ private:
         return word;
     }
 
-    std::uintptr_t Holder() const { return mWord.load(std::memory_order_relaxed) & ~kSleepers; }
+    std::uintptr_t Holder() const
+    {
+        return mWord.load(std::memory_order_relaxed) & ~kSleepers;
+    }
 
     bool Take(std::uintptr_t inHolder)
     {
@@ -91,30 +107,6 @@ private:
     ORL_API void WakeOneSleeper();
     bool SpinAndTake(std::uintptr_t inSelf);
 
-    // The thread sanitizer follows the lock through its atomic word; as a lock it also sees the order of several.
-#if ORL_THREAD_SANITIZER
-    void BeforeLock() { __tsan_mutex_pre_lock(this, __tsan_mutex_linker_init); }
-    void BeforeTry() { __tsan_mutex_pre_lock(this, __tsan_mutex_linker_init | __tsan_mutex_try_lock); }
-    void AfterLock(bool inTaken)
-    {
-        __tsan_mutex_post_lock(this, inTaken ? __tsan_mutex_linker_init
-                                             : __tsan_mutex_linker_init | __tsan_mutex_try_lock
-                                                   | __tsan_mutex_try_lock_failed, 1);
-    }
-    void BeforeUnlock() { __tsan_mutex_pre_unlock(this, __tsan_mutex_linker_init); }
-    void AfterUnlock() { __tsan_mutex_post_unlock(this, __tsan_mutex_linker_init); }
-
-public:
-    ~PlatformLock() { __tsan_mutex_destroy(this, __tsan_mutex_linker_init); }
-#else
-    void BeforeLock() {}
-    void BeforeTry() {}
-    void AfterLock(bool) {}
-    void BeforeUnlock() {}
-    void AfterUnlock() {}
-#endif
-
-private:
     std::atomic<std::uintptr_t> mWord{0};
     std::uint32_t mDepth = 0; // how often the holder has taken it again; the holder's own
 };

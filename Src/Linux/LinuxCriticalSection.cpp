@@ -57,8 +57,8 @@ void PlatformLock::WaitAndTake(std::uintptr_t inSelf)
     while (!Take(inSelf | kSleepers)) {
         std::uintptr_t holder = mWord.load(std::memory_order_relaxed);
         const bool isMarked = (holder & kSleepers) != 0;
-        if (holder != 0 && (isMarked || mWord.compare_exchange_strong(holder, holder | kSleepers,
-                                                                      std::memory_order_relaxed))) {
+        if (holder != 0
+            && (isMarked || mWord.compare_exchange_strong(holder, holder | kSleepers, std::memory_order_relaxed))) {
             SleepWhile(mWord, holder | kSleepers);
         }
     }

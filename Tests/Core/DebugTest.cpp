@@ -123,7 +123,8 @@ TEST(OrlAssert, FailingExpression_IsEvaluatedOnceReportedAndPassed)
 {
     CheckRecorder recorder;
     int evaluations = 0;
-    ORL_ASSERT(++evaluations == 2); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORL_ASSERT(++evaluations == 2);
     EXPECT_EQ(1, evaluations);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
@@ -170,7 +171,8 @@ TEST(OrlAssert, StatedIdentity_IsReportedInPlaceOfTheSource)
     CheckRecorder recorder;
     const bool isFine = false;
     ORL_ASSERT_AT(isFine, "ClassFactory", 288, "ORL::ClassFactory::Example");
-    ORL_ASSERT_IN(isFine, "ORL::Example::Function"); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORL_ASSERT_IN(isFine, "ORL::Example::Function");
     ORL_ASSERT_MESSAGE_AT(isFine, "text of the check", "a message", "Source", 12, "Function");
     const auto reports = recorder.Reports();
     ASSERT_EQ(3u, reports.size());
@@ -282,7 +284,8 @@ TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
 TEST(OrlContract, BrokenOutputContract_RaisesItsOwnError)
 {
     CheckRecorder recorder;
-    ORL_OUTPUT_CONTRACT(recorder.mThrow); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORL_OUTPUT_CONTRACT(recorder.mThrow);
     ORL_OUTPUT_CONTRACT_AT(recorder.mThrow, "Source", 7);
     const auto reports = recorder.Reports();
     ASSERT_EQ(4u, reports.size());

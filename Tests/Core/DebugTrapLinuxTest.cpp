@@ -94,10 +94,10 @@ TEST(CheckUnderDebugger, TrapsOnlyWhenAskedAndAttached_AndGoesOnBehindTheCheck)
         int mTraps;
     };
     const Row rows[] = {
-        {__LINE__, FailAssert, true, true, 1},         {__LINE__, FailAssert, false, true, 0},
-        {__LINE__, FailAssert, true, false, 0},        {__LINE__, FailAssert, false, false, 0},
-        {__LINE__, FailInputContract, true, true, 1},  {__LINE__, FailInputContract, false, true, 0},
-        {__LINE__, FailInputContract, true, false, 0}, {__LINE__, FailOutputContract, true, true, 1},
+        {__LINE__, FailAssert, true, true, 1},          {__LINE__, FailAssert, false, true, 0},
+        {__LINE__, FailAssert, true, false, 0},         {__LINE__, FailAssert, false, false, 0},
+        {__LINE__, FailInputContract, true, true, 1},   {__LINE__, FailInputContract, false, true, 0},
+        {__LINE__, FailInputContract, true, false, 0},  {__LINE__, FailOutputContract, true, true, 1},
         {__LINE__, FailOutputContract, false, true, 0}, {__LINE__, FailOutputContract, true, false, 0},
     };
     for (const Row& row : rows) {

@@ -1,5 +1,5 @@
-// A host that starts and stops the library, and uses it from static objects. Its only argument is the mode; it says what
-// it does. With ORL_START_STATICALLY the start comes from a static constructor, before main.
+// A host that starts and stops the library, and uses it from static objects. Its only argument is the mode; it says
+// what it does. With ORL_START_STATICALLY the start comes from a static constructor, before main.
 #include <ORLFoundation.h>
 
 #include <cstdio>
@@ -35,8 +35,8 @@ void UseWhatNeedsNoStart()
     }
 }
 
-// Several hosts in one process, none of which knows when the others start and stop. Only one of their threads can be the
-// main thread; the others are told so by a check, which is answered for good.
+// Several hosts in one process, none of which knows when the others start and stop. Only one of their threads can be
+// the main thread; the others are told so by a check, which is answered for good.
 void RunHostsAtOnce()
 {
     tvxcore::debug::Dialogs dialogs;

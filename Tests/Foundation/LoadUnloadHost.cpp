@@ -13,7 +13,7 @@ using namespace LoadUnload;
 namespace {
 
 constexpr int kRounds = 100;
-constexpr int kSettled = 20;             // by then every one-time buffer of the system's libraries exists
+constexpr int kSettled = 20; // by then every one-time buffer of the system's libraries exists
 [[maybe_unused]] constexpr std::size_t kNoise = 64 << 10; // less than one page a round
 
 [[noreturn]] void Fail(const char* inWhat, int inRound)

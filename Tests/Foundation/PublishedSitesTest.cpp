@@ -146,8 +146,8 @@ const PublishedSite kSites[] = {
     {__LINE__, PublishedSite::kAssert, "(intptr_t(&ioTarget) & (sizeof(T*)-1)) == 0", "", "ORLAtomic", 476,
      "ORL::AtomicSetPtrIfNull", &SetPtrIfNullMisaligned},
     // counted pointers
-    {__LINE__, PublishedSite::kAssert, "*mCounter > CounterType(0)", "", "ORLObjectPtr", 119,
-     "ORL::ObjectPtr::Release", &ReleaseWithoutOwners},
+    {__LINE__, PublishedSite::kAssert, "*mCounter > CounterType(0)", "", "ORLObjectPtr", 119, "ORL::ObjectPtr::Release",
+     &ReleaseWithoutOwners},
     {__LINE__, PublishedSite::kAssert, "IsValidAddress(mPtr)", "", "ORLObjectPtr", 209, "ORL::ObjectPtr::operator->",
      &ArrowOfEmpty},
     {__LINE__, PublishedSite::kAssert, "mIPtr != NULL", "Attempt to use a NULL InterfaceRef\r\n", "ORLInterface", 359,

@@ -147,8 +147,8 @@ TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
     }
 }
 
-// Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of them
-// sees the other's write.
+// Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of
+// them sees the other's write.
 TEST(Atomic, Read_CarriesAFullBarrier)
 {
     for (int round = 0; round < 2000; ++round) {

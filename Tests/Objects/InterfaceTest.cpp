@@ -221,8 +221,8 @@ TEST(QueryInterface, IdentifierThatDiffersInOneWord_IsUnknown)
     Square* const square = new Square;
     const InterfaceRef<IShape> reference(square);
     const Guid& root = kInterfaceID_ORLUnknown;
-    for (const Guid& id : {Guid(root.FirstWord(), 0), Guid(0, root.SecondWord()),
-                           Guid(root.SecondWord(), root.FirstWord())}) {
+    for (const Guid& id :
+         {Guid(root.FirstWord(), 0), Guid(0, root.SecondWord()), Guid(root.SecondWord(), root.FirstWord())}) {
         void* found = square;
         EXPECT_EQ(kNoSuchInterface, square->QueryInterface(id, &found));
     }
