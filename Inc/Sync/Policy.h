@@ -45,6 +45,7 @@ enum class Step {
     kRequestPoolClaims,         // a record is claimed by compare-and-set, not by look and store
     kBusyListOpensGate,         // the removal that empties the list opens the gate
     kBusyListCountsWaiters,     // only the last waiter gives the gate back
+    kFlushWaitsForTheEarlierOne, // a claimed flush waits until the items of the one before have left
 };
 
 struct SystemPolicy
@@ -63,6 +64,7 @@ struct SystemPolicy
         return AtomicCompareAndSet(ioTarget, inExpected, inNew);
     }
     static std::uint32_t Increment(Word& ioTarget) { return AtomicIncrement(ioTarget); }
+    static std::uint32_t Decrement(Word& ioTarget) { return AtomicDecrement(ioTarget); }
     static std::uint32_t Exchange(Word& ioTarget, std::uint32_t inNew) { return AtomicExchange(ioTarget, inNew); }
     static std::uint32_t ReadWord(Word& ioTarget) { return AtomicRead(ioTarget); }
 

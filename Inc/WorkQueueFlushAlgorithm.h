@@ -1,0 +1,92 @@
+// Floor: Threads
+// The rendezvous by which a flush learns that every thread of a queue has finished what came before.
+#pragma once
+
+#include <Sync/Policy.h>
+
+#include <cstdint>
+
+namespace ORL {
+namespace Sync {
+
+/// Works on any record that has the rendezvous fields of ThreadedWorkQueueFlush, in the types of the policy.
+///
+/// A queue's thread takes a function only after finishing the one before, and functions start in the order in which they
+/// were queued. So when as many items as there are threads are all in Process, each thread has taken one, and whatever was
+/// queued before them has returned. The items wait for each other at the arrival gate; the flush waits until all have left.
+template <class Policy>
+class WorkQueueFlushAlgorithm
+{
+public:
+    /// What mArrivalsLeft holds while no flush has claimed the record: -1.
+    static constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
+
+    /// Waits its turn and takes the record for a flush of inThreads items, with both gates closed at the end.
+    template <class Flush>
+    static void Claim(Flush& ioFlush, std::uint32_t inThreads)
+    {
+        while (!Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads)) {
+            ioFlush.mArrivalGate.Wait(kEndless);
+        }
+        // The count says unclaimed before the earlier flush is over: its items may still be leaving.
+        if (Policy::Keeps(Step::kFlushWaitsForTheEarlierOne)) {
+            WaitForAll(ioFlush);
+        }
+        ioFlush.mArrivalGate.Close();
+        Policy::Exchange(ioFlush.mDeparturesLeft, inThreads);
+        ioFlush.mDepartureGate.Close();
+    }
+
+    /// What each item does on its thread.
+    template <class Flush>
+    static void Process(Flush& ioFlush)
+    {
+        if (!Arrive(ioFlush)) {
+            ioFlush.mArrivalGate.Wait(kEndless);
+        }
+        Depart(ioFlush);
+    }
+
+    /// Stands in for an item that could not be queued, so that the others need not wait for it.
+    template <class Flush>
+    static void MakeUpForMissingItem(Flush& ioFlush)
+    {
+        Arrive(ioFlush);
+        Depart(ioFlush);
+    }
+
+    /// Returns when all items have arrived and left.
+    template <class Flush>
+    static void WaitForAll(Flush& ioFlush)
+    {
+        ioFlush.mArrivalGate.Wait(kEndless);
+        ioFlush.mDepartureGate.Wait(kEndless);
+    }
+
+private:
+    static constexpr int kEndless = -1;
+
+    // True for the last one. The record is unclaimed before the gate opens, so that a waiting flush can claim it as soon as
+    // it comes through.
+    template <class Flush>
+    static bool Arrive(Flush& ioFlush)
+    {
+        if (Policy::Decrement(ioFlush.mArrivalsLeft) != 0) {
+            return false;
+        }
+        Policy::Exchange(ioFlush.mArrivalsLeft, kUnclaimed);
+        ioFlush.mArrivalGate.Open();
+        return true;
+    }
+
+    template <class Flush>
+    static void Depart(Flush& ioFlush)
+    {
+        if (Policy::Decrement(ioFlush.mDeparturesLeft) == 0) {
+            ioFlush.mDepartureGate.Open();
+        }
+    }
+};
+
+} // namespace Sync
+} // namespace ORL

@@ -1,0 +1,241 @@
+#include <ORLThreadedWorkQueueFlush.h>
+
+#include <CheckRecorder.h>
+#include <ORLConstString.h>
+#include <tvxcore/Guid.h>
+
+#include <atomic>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using namespace ORL;
+using ORLTest::CheckReport;
+
+namespace {
+
+using QueueRef = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
+using FlushRef = InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown>;
+using Request = ThreadedWorkQueue::Request;
+
+class Runs : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    explicit Runs(std::function<void()> inWork) : mWork(std::move(inWork)) {}
+    void Process() override { mWork(); }
+
+private:
+    std::function<void()> mWork;
+};
+
+Request Run(std::function<void()> inWork)
+{
+    return Request(new Runs(std::move(inWork)));
+}
+
+QueueRef StartedQueue(int inThreads)
+{
+    QueueRef queue(new ThreadedWorkQueue);
+    queue->Initialize(ThreadPriorities::kNormal, inThreads, ConstString("Flushed"), ConstString("Test"));
+    return queue;
+}
+
+FlushRef FlushOf(const QueueRef& inQueue)
+{
+    FlushRef flush(new ThreadedWorkQueueFlush);
+    flush->Init(inQueue);
+    return flush;
+}
+
+// An object that is idle flushes again at once; one whose gates or count were left behind would hang.
+void ExpectIdle(const FlushRef& inFlush, const QueueRef& inQueue)
+{
+    inFlush->Init(inQueue);
+    inFlush->Flush();
+}
+
+void ExpectMessages(const ORLTest::CheckRecorder& inRecorder, const std::vector<std::string>& inMessages)
+{
+    const std::vector<CheckReport> reports = inRecorder.Reports();
+    ASSERT_EQ(inMessages.size(), reports.size());
+    for (std::size_t i = 0; i < reports.size(); ++i) {
+        EXPECT_EQ(CheckReport::kAssert, reports[i].mKind);
+        EXPECT_EQ(inMessages[i], reports[i].mMessage);
+        EXPECT_EQ("ORL::ThreadedWorkQueueFlush::Flush", reports[i].mFunction);
+    }
+}
+
+} // namespace
+
+TEST(ThreadedWorkQueueFlush, WithoutAQueue_IsReportedAndReturns)
+{
+    ORLTest::CheckRecorder recorder;
+    FlushRef flush(new ThreadedWorkQueueFlush);
+    flush->Flush();
+    flush->Init(QueueRef());
+    flush->Flush();
+    const std::string message = "Init was not called in ThreadedWorkQueueFlush, or the provided Queue was NULL\r\n";
+    ExpectMessages(recorder, {message, message});
+    EXPECT_EQ("false", recorder.Reports()[0].mExpression);
+}
+
+TEST(ThreadedWorkQueueFlush, OnAThreadOfTheQueue_IsReportedAndReturnsWithoutWaiting)
+{
+    ORLTest::CheckRecorder recorder;
+    const QueueRef queue = StartedQueue(1);
+    const FlushRef flush = FlushOf(queue);
+    WaitableGate done;
+    queue->QueueRequest(Run([&] {
+        flush->Flush();
+        done.Open();
+    }));
+    EXPECT_EQ(kSuccess, done.Wait(-1));
+    ExpectMessages(recorder,
+                   {"Attempted to flush a Queue from within the Queue.  This is not what you intended.\r\n"});
+    ExpectIdle(flush, queue);
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, QueueThatWasNeverInitialised_HasNoThreads)
+{
+    ORLTest::CheckRecorder recorder;
+    FlushOf(QueueRef(new ThreadedWorkQueue))->Flush();
+    ExpectMessages(recorder, {"The Queue to flush has no threads.\r\n"});
+}
+
+TEST(ThreadedWorkQueueFlush, FourThreadsAndAHundredRequests_AllHaveFinished)
+{
+    const QueueRef queue = StartedQueue(4);
+    const FlushRef flush = FlushOf(queue);
+    for (int round = 0; round < 50; ++round) {
+        std::atomic<int> finished{0};
+        for (int i = 0; i < 100; ++i) {
+            ASSERT_TRUE(queue->QueueRequest(Run([&finished] { ++finished; })));
+        }
+        flush->Flush();
+        ASSERT_EQ(100, finished.load());
+    }
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, OneThread_IsTheLastArrivalAtOnce)
+{
+    const QueueRef queue = StartedQueue(1);
+    const FlushRef flush = FlushOf(queue);
+    bool finished = false;
+    queue->QueueRequest(Run([&finished] { finished = true; }));
+    flush->Flush();
+    EXPECT_TRUE(finished);
+    flush->Flush();
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, ManyThreadsFlushOneObject_AreServedOneAfterTheOther)
+{
+    const QueueRef queue = StartedQueue(3);
+    const FlushRef flush = FlushOf(queue);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 50; ++round) {
+                std::atomic<bool> finished{false};
+                queue->QueueRequest(Run([&finished] { finished = true; }));
+                flush->Flush();
+                EXPECT_TRUE(finished.load());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    ExpectIdle(flush, queue);
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_DoesNotDisturb)
+{
+    const QueueRef queue = StartedQueue(2);
+    const FlushRef flush = FlushOf(queue);
+    std::atomic<int> turns{0};
+    WaitableGate hasRun;
+    queue->SetIdleProcess(Run([&] {
+                              ++turns;
+                              hasRun.Open();
+                          }),
+                          1);
+    for (int round = 0; round < 100; ++round) {
+        flush->Flush();
+    }
+    EXPECT_EQ(kSuccess, hasRun.Wait(-1));
+    queue->ClearIdleProcess();
+    queue->Stop();
+    EXPECT_GT(turns.load(), 0);
+}
+
+TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResume)
+{
+    const QueueRef queue = StartedQueue(2);
+    const FlushRef flush = FlushOf(queue);
+    queue->Pause();
+    std::atomic<bool> finished{false};
+    queue->QueueRequest(Run([&finished] { finished = true; }));
+    std::thread flusher([&] {
+        flush->Flush();
+        EXPECT_TRUE(finished.load());
+    });
+    queue->Resume();
+    flusher.join();
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)
+{
+    const QueueRef stopped = StartedQueue(3);
+    stopped->Stop();
+    const FlushRef flush = FlushOf(stopped);
+    {
+        ORLTest::CheckRecorder recorder;
+        flush->Flush();
+        const std::vector<CheckReport> reports = recorder.Reports();
+        ASSERT_EQ(4u, reports.size());
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ("queuedSuccessfully", reports[static_cast<std::size_t>(i)].mExpression);
+        }
+        EXPECT_EQ("Something went awry while queuing Flush items.\r\n", reports[3].mMessage);
+        EXPECT_EQ("false", reports[3].mExpression);
+    }
+    const QueueRef running = StartedQueue(2);
+    ExpectIdle(flush, running);
+    running->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, ReferenceDroppedWhileQueued_LivesUntilTheItemsAreGone)
+{
+    const QueueRef queue = StartedQueue(2);
+    for (int round = 0; round < 100; ++round) {
+        FlushOf(queue)->Flush(); // the last reference may be the one of an item that is just leaving
+    }
+    queue->Stop();
+}
+
+TEST(ThreadedWorkQueueFlush, QueryInterface_AnswersItsThreeIdentifiers)
+{
+    const FlushRef flush(new ThreadedWorkQueueFlush);
+    const Guid answered[] = {
+        Guid(0x793307d6, 0xfe55, 0x4055, 0xb1, 0x34, 0x3a, 0xaf, 0xb1, 0x4d, 0x0a, 0x74),
+        Guid(0x1df08fed, 0x0ee7, 0x42e7, 0x92, 0xf4, 0x8c, 0xb3, 0x4d, 0x39, 0x9c, 0xe0),
+        Guid(0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u),
+    };
+    for (const Guid& id : answered) {
+        void* found = nullptr;
+        EXPECT_EQ(kSuccess, flush->QueryInterface(id, &found));
+        ASSERT_NE(nullptr, found);
+        static_cast<ORLUnknown*>(found)->Release();
+    }
+    void* found = &found;
+    EXPECT_EQ(kNoSuchInterface, flush->QueryInterface(kInterfaceID_ThreadedWorkQueue, &found));
+    EXPECT_EQ(nullptr, found);
+}
