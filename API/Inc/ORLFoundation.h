@@ -32,12 +32,14 @@
 #include <ORLPathUtils.h>
 #include <ORLResult.h>
 #include <ORLSharedObjectBase.h>
+#include <ORLSharedThreadedWorkQueue.h>
 #include <ORLSingletonConstruction.h>
 #include <ORLStream.h>
 #include <ORLString.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
 #include <ORLThreadedWorkQueue.h>
+#include <ORLThreadedWorkQueueFlush.h>
 #include <ORLTimecode.h>
 #include <ORLWaitableGate.h>
 

@@ -22,6 +22,7 @@ constexpr LifecycleStep kStart[] = {
 constexpr LifecycleStep kStop[] = {
     {"TerminateAsyncFileOperations", &TerminateAsyncFileOperations},
     {"DropMemoryRecycler", &DropMemoryRecycler},
+    {"SharedThreadedWorkQueue::Shutdown", &SharedThreadedWorkQueue::Shutdown},
     {"ThreadManager::UnregisterMainThread", &ThreadManager::UnregisterMainThread},
     {"Exception::Terminate", &Exception::Terminate},
     {"tvxcore::debug::ShutdownTraceManager", &tvxcore::debug::ShutdownTraceManager},

@@ -51,7 +51,8 @@ TEST(FoundationSequences, StartAndStop_AreInTheirFixedOrders)
                                         "ThreadManager::RegisterMainThread", "CreateMemoryRecycler",
                                         "StartupAsyncFileOperations"}),
               Names(lifecycle.mStart, lifecycle.mStartCount));
-    EXPECT_EQ((std::vector<std::string>{"TerminateAsyncFileOperations", "DropMemoryRecycler", "ThreadManager::UnregisterMainThread",
+    EXPECT_EQ((std::vector<std::string>{"TerminateAsyncFileOperations", "DropMemoryRecycler",
+                                        "SharedThreadedWorkQueue::Shutdown", "ThreadManager::UnregisterMainThread",
                                         "Exception::Terminate", "tvxcore::debug::ShutdownTraceManager"}),
               Names(lifecycle.mStop, lifecycle.mStopCount));
 }

@@ -73,7 +73,8 @@ TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
 {
     EXPECT_NE(Shared().RetrieveOrCreateSingleThreaded(17).GetPtr(),
               Shared().RetrieveOrCreateSingleThreaded(3).GetPtr());
-    EXPECT_EQ(Shared().RetrieveOrCreateSingleThreaded(-1).GetPtr(), Shared().RetrieveSingleThreaded(-1).GetPtr());
+    const QueueRef negative = Shared().RetrieveOrCreateSingleThreaded(-1);
+    EXPECT_EQ(negative.GetPtr(), Shared().RetrieveSingleThreaded(-1).GetPtr());
 }
 
 TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)

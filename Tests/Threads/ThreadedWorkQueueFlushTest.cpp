@@ -31,7 +31,7 @@ private:
     std::function<void()> mWork;
 };
 
-Request Run(std::function<void()> inWork)
+Request Work(std::function<void()> inWork)
 {
     return Request(new Runs(std::move(inWork)));
 }
@@ -88,7 +88,7 @@ TEST(ThreadedWorkQueueFlush, OnAThreadOfTheQueue_IsReportedAndReturnsWithoutWait
     const QueueRef queue = StartedQueue(1);
     const FlushRef flush = FlushOf(queue);
     WaitableGate done;
-    queue->QueueRequest(Run([&] {
+    queue->QueueRequest(Work([&] {
         flush->Flush();
         done.Open();
     }));
@@ -113,7 +113,7 @@ TEST(ThreadedWorkQueueFlush, FourThreadsAndAHundredRequests_AllHaveFinished)
     for (int round = 0; round < 50; ++round) {
         std::atomic<int> finished{0};
         for (int i = 0; i < 100; ++i) {
-            ASSERT_TRUE(queue->QueueRequest(Run([&finished] { ++finished; })));
+            ASSERT_TRUE(queue->QueueRequest(Work([&finished] { ++finished; })));
         }
         flush->Flush();
         ASSERT_EQ(100, finished.load());
@@ -126,7 +126,7 @@ TEST(ThreadedWorkQueueFlush, OneThread_IsTheLastArrivalAtOnce)
     const QueueRef queue = StartedQueue(1);
     const FlushRef flush = FlushOf(queue);
     bool finished = false;
-    queue->QueueRequest(Run([&finished] { finished = true; }));
+    queue->QueueRequest(Work([&finished] { finished = true; }));
     flush->Flush();
     EXPECT_TRUE(finished);
     flush->Flush();
@@ -142,7 +142,7 @@ TEST(ThreadedWorkQueueFlush, ManyThreadsFlushOneObject_AreServedOneAfterTheOther
         threads.emplace_back([&] {
             for (int round = 0; round < 50; ++round) {
                 std::atomic<bool> finished{false};
-                queue->QueueRequest(Run([&finished] { finished = true; }));
+                queue->QueueRequest(Work([&finished] { finished = true; }));
                 flush->Flush();
                 EXPECT_TRUE(finished.load());
             }
@@ -161,7 +161,7 @@ TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_DoesNotDisturb)
     const FlushRef flush = FlushOf(queue);
     std::atomic<int> turns{0};
     WaitableGate hasRun;
-    queue->SetIdleProcess(Run([&] {
+    queue->SetIdleProcess(Work([&] {
                               ++turns;
                               hasRun.Open();
                           }),
@@ -181,7 +181,7 @@ TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResume)
     const FlushRef flush = FlushOf(queue);
     queue->Pause();
     std::atomic<bool> finished{false};
-    queue->QueueRequest(Run([&finished] { finished = true; }));
+    queue->QueueRequest(Work([&finished] { finished = true; }));
     std::thread flusher([&] {
         flush->Flush();
         EXPECT_TRUE(finished.load());
