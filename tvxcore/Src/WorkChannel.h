@@ -14,7 +14,6 @@
 // its spin first and looks under the locks second.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 namespace tvxcore {
@@ -74,7 +73,7 @@ public:
                 return node;
             }
             if (!SpinForWork()) {
-                Sleep();
+                SleepUntilWoken();
             }
         }
     }
@@ -104,7 +103,7 @@ public:
     void BlockWhilePaused()
     {
         while (Policy::Load(mPaused) == kPaused) {
-            Policy::Sleep(mPaused, kPaused);
+            Policy::SleepOn(mPaused, kPaused);
         }
     }
 
@@ -238,7 +237,7 @@ private:
         return idle < kSpinner && Policy::CompareAndSet(mIdle, idle, idle + kSpinner);
     }
 
-    void Sleep()
+    void SleepUntilWoken()
     {
         Policy::Add(mIdle, kSleeper);
         const bool mustStay = Policy::Keeps(ChannelStep::kSleeperLooksAgain) && HasWork();
@@ -254,7 +253,7 @@ private:
         for (;;) {
             const std::uint32_t wakes = Policy::Load(mWakes);
             if (wakes == 0) {
-                Policy::Sleep(mWakes, 0);
+                Policy::SleepOn(mWakes, 0);
             } else if (Policy::CompareAndSet(mWakes, wakes, wakes - 1)) {
                 return;
             }
@@ -299,10 +298,9 @@ private:
         }
     }
 
-    // Each side's words stand on a line of their own, and so do the words that both look at and that rarely change.
-    static constexpr std::size_t kLine = 64;
-
-    struct alignas(kLine) Inbox
+    // Each side's words stand on a memory line of their own, and so do the words that both look at and that rarely
+    // change.
+    struct alignas(Policy::kLine) Inbox
     {
         typename Policy::Mutex mMutex;
         NodePointer mFirst{nullptr};
@@ -310,7 +308,7 @@ private:
         typename Policy::template Guarded<bool> mIsClosed;
     };
 
-    struct alignas(kLine) Outbox
+    struct alignas(Policy::kLine) Outbox
     {
         typename Policy::Mutex mMutex;
         NodePointer mFirst{nullptr};
@@ -319,9 +317,9 @@ private:
     const unsigned int mSpinTurns;
     Inbox mInbox;
     Outbox mOutbox;
-    alignas(kLine) Word mIdle{0};   // the number of sleepers, and kSpinner while somebody spins
-    Word mPaused{kRunning};         // changed under the outbox's lock
-    alignas(kLine) Word mWakes{0};  // owed to claimed sleepers
+    alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, and kSpinner while somebody spins
+    Word mPaused{kRunning};                 // changed under the outbox's lock
+    alignas(Policy::kLine) Word mWakes{0};  // owed to claimed sleepers
 };
 
 } // namespace threads

@@ -7,6 +7,7 @@
 #include <WorkChannel.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 
@@ -16,6 +17,9 @@ namespace threads {
 struct SystemPolicy
 {
     static constexpr bool Keeps(ChannelStep) { return true; }
+
+    /// Bytes of a memory line.
+    static constexpr std::size_t kLine = 64;
 
     /// Words and pointers: a load acquires, a store releases, the rest are sequentially consistent.
     template <class T>
@@ -56,7 +60,7 @@ struct SystemPolicy
     using Mutex = CoreMutex;
     using MutexLock = std::lock_guard<CoreMutex>;
 
-    static void Sleep(Atomic<std::uint32_t>& ioWord, std::uint32_t inExpected)
+    static void SleepOn(Atomic<std::uint32_t>& ioWord, std::uint32_t inExpected)
     {
         Platform::WaitOnWord_Impl(ioWord, inExpected, Platform::kEndless);
     }
