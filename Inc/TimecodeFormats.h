@@ -2,6 +2,7 @@
 // What each format counts: its rate, and the time that a label stands for.
 #pragma once
 
+#include <tvxmediatypes/Constants.h>
 #include <tvxmediatypes/FrameRate.h>
 #include <tvxmediatypes/TickTime.h>
 #include <tvxmediatypes/TimeDisplay.h>
@@ -19,6 +20,33 @@ tvxmediatypes::FrameRate GetFrameRateForDisplayMode(tvxmediatypes::TimeDisplay i
 tvxmediatypes::TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames, bool inIsNegative,
                                    const tvxmediatypes::FrameRate& inFrameRate,
                                    tvxmediatypes::TimeDisplay inTimeDisplay);
+
+/// How a format counts frames within a second: where the frame field carries, and how many zeros it may receive.
+struct FrameFormat
+{
+    long long mFramesPerSecond;
+    int mFrameDigits;
+};
+
+/// From the rate that a format converts with: 30, 60 and 24 for the fractional rates, else the truncated rate. The
+/// digits are how often the count can be divided by ten while it stays above ten.
+constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) noexcept
+{
+    FrameFormat format = {0, 0};
+    if (inRate == tvxmediatypes::kFrameRate_VideoNTSC) {
+        format.mFramesPerSecond = 30;
+    } else if (inRate == tvxmediatypes::kFrameRate_VideoNTSC_HD) {
+        format.mFramesPerSecond = 60;
+    } else if (inRate == tvxmediatypes::kFrameRate_23976) {
+        format.mFramesPerSecond = 24;
+    } else {
+        format.mFramesPerSecond = inRate.GetTruncatedValue();
+    }
+    for (long long value = format.mFramesPerSecond; value > 10; value /= 10) {
+        ++format.mFrameDigits;
+    }
+    return format;
+}
 
 /// Frames of film in one foot.
 constexpr int FramesPerFoot(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept

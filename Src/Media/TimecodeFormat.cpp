@@ -11,7 +11,7 @@ namespace ORL {
 namespace {
 
 constexpr int kMaxIntUnits = 11;   // sign and ten digits
-constexpr int kMaxInt64Units = 20; // sign and nineteen digits
+constexpr int kMaxInt64Units = 20; // sign and nineteen digits; 2^63 has as many
 
 // "00" to "99".
 constexpr std::array<unsigned short, 200> MakePairs()
@@ -35,8 +35,8 @@ public:
     // For numbers from 0 to 99.
     void AppendPair(unsigned inValue)
     {
-        *mEnd++ = kPairs[2 * inValue];
-        *mEnd++ = kPairs[2 * inValue + 1];
+        PutPair(mEnd, inValue);
+        mEnd += 2;
     }
 
     void AppendNumber(long long inValue)
@@ -45,15 +45,29 @@ public:
             Append('-');
         }
         auto magnitude = Wrapping::Bits(inValue < 0 ? Wrapping::Negate(inValue) : inValue);
-        unsigned short digits[kMaxInt64Units];
-        unsigned short* digit = digits + kMaxInt64Units;
-        do {
-            *--digit = static_cast<unsigned short>('0' + magnitude % 10);
-            magnitude /= 10;
-        } while (magnitude != 0);
-        while (digit != digits + kMaxInt64Units) {
-            *mEnd++ = *digit++;
+        // What an unsigned holds is divided faster, and most numbers are short.
+        constexpr unsigned long long kBillion = 1000000000;
+        if (magnitude >= kBillion) {
+            AppendNumber(static_cast<long long>(magnitude / kBillion));
+            AppendDigits(static_cast<unsigned>(magnitude % kBillion), 9);
+        } else {
+            const auto number = static_cast<unsigned>(magnitude);
+            AppendDigits(number, CountDigits(number));
         }
+    }
+
+    // A number of exactly so many digits.
+    void AppendDigits(unsigned inValue, int inWidth)
+    {
+        unsigned short* digit = mEnd + inWidth;
+        while (digit - mEnd >= 2) {
+            digit = PutPair(digit - 2, inValue % 100);
+            inValue /= 100;
+        }
+        if (digit != mEnd) {
+            *mEnd = static_cast<unsigned short>('0' + inValue);
+        }
+        mEnd += inWidth;
     }
 
     // A field of the clock: two digits, where leading zeros are wanted.
@@ -72,15 +86,15 @@ public:
     // One zero for each power of ten up to 10^inDigits that the value lies below. More than four digits get none.
     void AppendFrames(long long inFrames, int inDigits)
     {
-        if (inDigits == 1 && inFrames >= 0 && inFrames < 100) {
-            AppendPair(static_cast<unsigned>(inFrames));
+        constexpr int kMaxDigits = 4;
+        constexpr long long kLimits[kMaxDigits + 1] = {10, 100, 1000, 10000, 100000};
+        const int places = inDigits <= kMaxDigits ? inDigits : 0;
+        if (inFrames >= 0 && inFrames < kLimits[places]) {
+            AppendDigits(static_cast<unsigned>(inFrames), places + 1);
             return;
         }
-        constexpr int kMaxDigits = 4;
-        long long limit = 1;
-        for (int i = 0; i < inDigits && inDigits <= kMaxDigits; ++i) {
-            limit *= 10;
-            if (inFrames < limit) {
+        for (int i = 0; i < places; ++i) {
+            if (inFrames < kLimits[i]) {
                 Append('0');
             }
         }
@@ -90,6 +104,23 @@ public:
     UTF16String GetText() const { return UTF16String(mUnits, static_cast<std::size_t>(mEnd - mUnits)); }
 
 private:
+    // Below a billion.
+    static int CountDigits(unsigned inValue)
+    {
+        int digits = 1;
+        for (unsigned limit = 10; inValue >= limit && digits < 9; limit *= 10) {
+            ++digits;
+        }
+        return digits;
+    }
+
+    static unsigned short* PutPair(unsigned short* outUnits, unsigned inValue)
+    {
+        outUnits[0] = kPairs[2 * inValue];
+        outUnits[1] = kPairs[2 * inValue + 1];
+        return outUnits;
+    }
+
     // sign, three fields with a zero and a separator each, four zeros and the frames
     unsigned short mUnits[1 + 3 * (1 + kMaxIntUnits + 1) + 4 + kMaxInt64Units];
     unsigned short* mEnd = mUnits;
@@ -110,12 +141,27 @@ void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
 }
 
+// Film runs at few rates, and a division by a constant is a multiplication.
+long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inRate)
+{
+    if (inRate == tvxmediatypes::kFrameRate_Film24) {
+        return inTime.ToFrame64(tvxmediatypes::kFrameRate_Film24);
+    }
+    if (inRate == tvxmediatypes::kFrameRate_23976) {
+        return inTime.ToFrame64(tvxmediatypes::kFrameRate_23976);
+    }
+    if (inRate == tvxmediatypes::kFrameRate_VideoPAL) {
+        return inTime.ToFrame64(tvxmediatypes::kFrameRate_VideoPAL);
+    }
+    return inTime.ToFrame64(inRate);
+}
+
+template <int kFramesPerFoot>
 void AppendFeetFrames(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
 {
-    const int framesPerFoot = TimecodeLocal::FramesPerFoot(inImpl.mTimeDisplay);
-    const long long count = inImpl.mTime.ToFrame64(inImpl.mFrameRate);
-    int feet = static_cast<int>(Wrapping::Bits(count / framesPerFoot));
-    int frames = static_cast<int>(count % framesPerFoot);
+    const long long count = CountFilmFrames(inImpl.mTime, inImpl.mFrameRate);
+    int feet = static_cast<int>(Wrapping::Bits(count / kFramesPerFoot));
+    int frames = static_cast<int>(count % kFramesPerFoot);
     if (inImpl.mTime < tvxmediatypes::kTime_Zero) {
         ioText.Append('-');
         feet = Wrapping::Negate(feet);
@@ -123,7 +169,12 @@ void AppendFeetFrames(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
     ioText.AppendNumber(feet);
     ioText.Append('+');
-    if (frames > -10 && frames < 10) {
+    if (frames >= 0) {
+        ioText.AppendPair(static_cast<unsigned>(frames));
+        return;
+    }
+    // A negative rate counts against the time.
+    if (frames > -10) {
         ioText.Append('0');
     }
     ioText.AppendNumber(frames);
@@ -159,8 +210,10 @@ UTF16String Timecode::PrivateImpl::GetString() const
     AppendSign(text, *this);
     if (mTimeDisplay == tvxmediatypes::kTimeDisplay_Frames) {
         text.AppendNumber(mTime.ToFrame64(mFrameRate));
-    } else if (TimecodeLocal::IsFeetFrames(mTimeDisplay)) {
-        AppendFeetFrames(text, *this);
+    } else if (mTimeDisplay == tvxmediatypes::kTimeDisplay_16mmFeetFrames) {
+        AppendFeetFrames<40>(text, *this);
+    } else if (mTimeDisplay == tvxmediatypes::kTimeDisplay_35mmFeetFrames) {
+        AppendFeetFrames<16>(text, *this);
     } else {
         AppendClock(text, *this);
     }

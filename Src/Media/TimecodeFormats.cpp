@@ -32,6 +32,15 @@ long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames
     return Wrapping::Add(static_cast<long long>(whole), inFrames);
 }
 
+// At a whole rate the double is exact as long as the seconds are not negative, and can be left out.
+template <int kRate>
+TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
+{
+    constexpr FrameRate rate(kRate);
+    return TickTime(inSeconds >= 0 ? CountLabels(inSeconds, kRate, inFrames) : CountFrames(inSeconds, rate, inFrames),
+                    rate);
+}
+
 // Steps of one day, each taken while the time lies beyond the day's end, all at once.
 TickTime FoldFromAbove(const TickTime& inTime) noexcept
 {
@@ -118,6 +127,12 @@ TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrame
     case kTimeDisplay_23976Timecode:
         time = TickTime(CountLabels(seconds, 24, inFrames), kFrameRate_23976);
         break;
+    case kTimeDisplay_24Timecode: time = CountAtWholeRate<24>(seconds, inFrames); break;
+    case kTimeDisplay_25Timecode: time = CountAtWholeRate<25>(seconds, inFrames); break;
+    case kTimeDisplay_30Timecode: time = CountAtWholeRate<30>(seconds, inFrames); break;
+    case kTimeDisplay_50Timecode: time = CountAtWholeRate<50>(seconds, inFrames); break;
+    case kTimeDisplay_60Timecode: time = CountAtWholeRate<60>(seconds, inFrames); break;
+    case kTimeDisplay_AudioMsTimecode: time = CountAtWholeRate<1000>(seconds, inFrames); break;
     default: {
         const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate);
         time = TickTime(CountFrames(seconds, rate, inFrames), rate);

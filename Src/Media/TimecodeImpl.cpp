@@ -13,6 +13,40 @@ namespace ORL {
 using namespace TimecodeLocal;
 using namespace tvxmediatypes;
 
+namespace {
+
+// A copy is made for every frame that is shown, so what the format alone decides is computed by the compiler.
+FrameFormat FrameFormatOf(TimeDisplay inTimeDisplay, const FrameRate& inFrameRate)
+{
+    constexpr FrameFormat kPlainFrames = {std::numeric_limits<long long>::max(), 0};
+    constexpr FrameFormat k24 = FrameFormatOfRate(kFrameRate_Film24);
+    constexpr FrameFormat k25 = FrameFormatOfRate(kFrameRate_VideoPAL);
+    constexpr FrameFormat kNTSC = FrameFormatOfRate(kFrameRate_VideoNTSC);
+    constexpr FrameFormat k30 = FrameFormatOfRate(kFrameRate_Video30);
+    constexpr FrameFormat k50 = FrameFormatOfRate(kFrameRate_VideoPAL_HD);
+    constexpr FrameFormat kNTSC_HD = FrameFormatOfRate(kFrameRate_VideoNTSC_HD);
+    constexpr FrameFormat k60 = FrameFormatOfRate(kFrameRate_Video60);
+    constexpr FrameFormat k23976 = FrameFormatOfRate(kFrameRate_23976);
+    constexpr FrameFormat kMilliseconds = FrameFormatOfRate(FrameRate(1000.0));
+    switch (inTimeDisplay) {
+    case kTimeDisplay_24Timecode: return k24;
+    case kTimeDisplay_25Timecode: return k25;
+    case kTimeDisplay_2997DropTimecode:
+    case kTimeDisplay_2997NonDropTimecode: return kNTSC;
+    case kTimeDisplay_30Timecode: return k30;
+    case kTimeDisplay_50Timecode: return k50;
+    case kTimeDisplay_5994DropTimecode:
+    case kTimeDisplay_5994NonDropTimecode: return kNTSC_HD;
+    case kTimeDisplay_60Timecode: return k60;
+    case kTimeDisplay_Frames: return kPlainFrames;
+    case kTimeDisplay_23976Timecode: return k23976;
+    case kTimeDisplay_AudioMsTimecode: return kMilliseconds;
+    default: return FrameFormatOfRate(GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate));
+    }
+}
+
+} // namespace
+
 Timecode::PrivateImpl::PrivateImpl() : mFrameRate(kFrameRate_VideoNTSC), mTimeDisplay(kTimeDisplay_2997DropTimecode)
 {
     UpdateFrameFormat();
@@ -78,25 +112,9 @@ void Timecode::PrivateImpl::SetFormat(TimeDisplay inTimeDisplay, const FrameRate
 
 void Timecode::PrivateImpl::UpdateFrameFormat()
 {
-    if (mTimeDisplay == kTimeDisplay_Frames) {
-        mFramesPerSecond = std::numeric_limits<long long>::max();
-        mFrameDigits = 0;
-        return;
-    }
-    const FrameRate rate = GetFrameRateForDisplayMode(mTimeDisplay, mFrameRate);
-    if (rate == kFrameRate_VideoNTSC) {
-        mFramesPerSecond = 30;
-    } else if (rate == kFrameRate_VideoNTSC_HD) {
-        mFramesPerSecond = 60;
-    } else if (rate == kFrameRate_23976) {
-        mFramesPerSecond = 24;
-    } else {
-        mFramesPerSecond = rate.GetTruncatedValue();
-    }
-    mFrameDigits = 0;
-    for (long long value = mFramesPerSecond; value > 10; value /= 10) {
-        ++mFrameDigits;
-    }
+    const FrameFormat format = FrameFormatOf(mTimeDisplay, mFrameRate);
+    mFramesPerSecond = format.mFramesPerSecond;
+    mFrameDigits = format.mFrameDigits;
 }
 
 void Timecode::PrivateImpl::UpdateHMSF()

@@ -16,19 +16,14 @@ namespace {
 constexpr std::size_t kReadable = UTF16String::npos;
 constexpr int kMaxFields = 4;
 
-// What the scan finds: the sign, whether a separator stood before the first field, and where the fields lie.
+// What the scan finds: the sign, whether a separator stood before the first field, and the numbers of the fields. The
+// numbers are made while the text is scanned, as ParseDigits of each field would make them.
 struct ScannedText
 {
     bool mIsNegative = false;
     bool mHasLeadSeparator = false;
     int mFieldCount = 1;
-    const unsigned short* mBegin[kMaxFields];
-    const unsigned short* mEnd[kMaxFields];
-
-    unsigned long long Value(int inField) const
-    {
-        return ParseDigits(mBegin[inField], static_cast<std::size_t>(mEnd[inField] - mBegin[inField]));
-    }
+    unsigned long long mValues[kMaxFields];
 };
 
 // The fields of a label from the right, as they stand in the text.
@@ -40,38 +35,34 @@ struct TypedFields
     int mHours = 0;
 };
 
-// Finds the fields between inUnit and inEnd. Gives the unit that does not fit, or null where all is well.
+// Reads the fields between inUnit and inEnd. Gives the unit that does not fit, or null where all is well.
 const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned short* inEnd, TimeDisplay inTimeDisplay,
                                  ScannedText& outText)
 {
     int field = 0;
+    unsigned long long value = 0;
     bool afterSeparator = false;
-    outText.mBegin[0] = inUnit;
     for (; inUnit != inEnd; ++inUnit) {
-        if (IsSeparator(*inUnit)) {
-            // A plain frame count takes no separator but the lead one.
-            if (afterSeparator || inTimeDisplay == kTimeDisplay_Frames) {
+        if (IsDigit(*inUnit)) {
+            value = value * 10 + (*inUnit - unsigned{'0'});
+            afterSeparator = false;
+            if (field == kMaxFields) {
                 return inUnit;
             }
-            outText.mEnd[field] = inUnit;
-            afterSeparator = true;
             continue;
         }
-        if (!IsDigit(*inUnit) || (afterSeparator && field + 1 == kMaxFields)) {
+        // A plain frame count takes no separator but the lead one.
+        if (!IsSeparator(*inUnit) || afterSeparator || inTimeDisplay == kTimeDisplay_Frames) {
             return inUnit;
         }
-        if (afterSeparator) {
-            outText.mBegin[++field] = inUnit;
-            afterSeparator = false;
-        }
+        outText.mValues[field++] = value;
+        value = 0;
+        afterSeparator = true;
     }
-    if (afterSeparator) {
-        if (++field == kMaxFields) {
-            return inEnd - 1; // a fifth field, if an empty one
-        }
-        outText.mBegin[field] = inEnd;
+    if (field == kMaxFields) {
+        return inEnd - 1; // a fifth field, if an empty one
     }
-    outText.mEnd[field] = inEnd;
+    outText.mValues[field] = value;
     outText.mFieldCount = field + 1;
     return nullptr;
 }
@@ -152,10 +143,10 @@ TypedFields ReadFields(const ScannedText& inText)
 {
     const int count = inText.mFieldCount;
     TypedFields fields;
-    fields.mFrames = static_cast<long long>(inText.Value(count - 1));
-    fields.mSeconds = count > 1 ? ToField(inText.Value(count - 2)) : 0;
-    fields.mMinutes = count > 2 ? ToField(inText.Value(count - 3)) : 0;
-    fields.mHours = count > 3 ? ToField(inText.Value(count - 4)) : 0;
+    fields.mFrames = static_cast<long long>(inText.mValues[count - 1]);
+    fields.mSeconds = count > 1 ? ToField(inText.mValues[count - 2]) : 0;
+    fields.mMinutes = count > 2 ? ToField(inText.mValues[count - 3]) : 0;
+    fields.mHours = count > 3 ? ToField(inText.mValues[count - 4]) : 0;
     return fields;
 }
 
@@ -173,6 +164,13 @@ FrameRate NominalRate(const FrameRate& inRate)
 // Frames equal to the rate stay in place: only more than that carries.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
+    // A text seldom overflows, and a multiplication tells so: what fits into a second in ticks is not above the rate.
+    constexpr long long kFewFrames = 1000000;
+    constexpr long long kFewTicks = 1000000000000;
+    const long long ticks = inRate.GetTicksPerFrame();
+    if (inFrames <= kFewFrames && ticks > 0 && ticks <= kFewTicks && inFrames * ticks <= kTicksPerSecond) {
+        return false;
+    }
     return static_cast<double>(inFrames) > inRate.GetValue() && inRate.GetValue() >= 1;
 }
 
@@ -219,12 +217,12 @@ TickTime SMPTEStringToTime(const UTF16String& inText, const FrameRate& inFrameRa
         return kTime_Invalid;
     }
     if (text.mFieldCount == 1 && (text.mHasLeadSeparator || inTimeDisplay == kTimeDisplay_Frames)) {
-        return CountToTime(text.Value(0), inFrameRate, inPreviousFrame, text.mIsNegative);
+        return CountToTime(text.mValues[0], inFrameRate, inPreviousFrame, text.mIsNegative);
     }
     const FrameRate workingRate = inTimeDisplay == kTimeDisplay_AudioMsTimecode
                                       ? GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate)
                                       : inFrameRate;
-    TypedFields fields = text.mFieldCount == 1 ? SplitShorthand(text.Value(0), workingRate) : ReadFields(text);
+    TypedFields fields = text.mFieldCount == 1 ? SplitShorthand(text.mValues[0], workingRate) : ReadFields(text);
     CarryFrames(fields, workingRate);
     CarrySeconds(fields);
     TickTime time = HMSFToTime(fields.mHours, fields.mMinutes, fields.mSeconds, fields.mFrames, text.mIsNegative,

@@ -1,0 +1,2 @@
+pkg_check_modules(LIBAVUTIL REQUIRED IMPORTED_TARGET libavutil)
+target_link_libraries(${bench_target} PRIVATE PkgConfig::LIBAVUTIL)
