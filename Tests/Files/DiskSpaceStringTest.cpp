@@ -64,8 +64,8 @@ TEST(MakeDiskSpaceString, WholeRows_AreCutOffAndNotGrouped)
         const char16_t* mText;
     };
     const Row rows[] = {
-        {__LINE__, 0, u"0 B"},       {__LINE__, 1, u"1 B"},           {__LINE__, 1023, u"1023 B"},
-        {__LINE__, 1024, u"1 KB"},   {__LINE__, 2047, u"1 KB"},       {__LINE__, 1048575, u"1023 KB"},
+        {__LINE__, 0, u"0 B"},     {__LINE__, 1, u"1 B"},     {__LINE__, 1023, u"1023 B"},
+        {__LINE__, 1024, u"1 KB"}, {__LINE__, 2047, u"1 KB"}, {__LINE__, 1048575, u"1023 KB"},
     };
     for (const Row& row : rows) {
         const UTF16String text = MakeDiskSpaceString(row.mBytes);
@@ -114,7 +114,7 @@ TEST(MakeDiskSpaceString, TheUnit_ComesFromTheHostsCatalogue)
     MakeDiskSpaceString(kSize_gigaByte);
     MakeDiskSpaceString(kSize_teraByte);
     const std::vector<std::string> keys = {
-        "$$$/Mirencore/ORL/Foundation/bytes=B",     "$$$/Mirencore/ORL/Foundation/kilobytes=KB",
+        "$$$/Mirencore/ORL/Foundation/bytes=B",      "$$$/Mirencore/ORL/Foundation/kilobytes=KB",
         "$$$/Mirencore/ORL/Foundation/megabytes=MB", "$$$/Mirencore/ORL/Foundation/gigabytes=GB",
         "$$$/Mirencore/ORL/Foundation/terabytes=TB",
     };
