@@ -13,6 +13,7 @@
 #include <Platform/SystemErrors.h>
 #include <tvxcore/String.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ORL {
@@ -80,7 +81,17 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile);
 /// Any other number: the read was not started, and no completion will come. That is so for a position, size or
 /// address that is no multiple of the alignment (87), and may be so for a read that starts at or past the end (38),
 /// which else fails when it completes. A read that crosses the end comes back short.
+///
+/// A platform may hold a read back until SubmitReads_Impl, which the caller owes it. One thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);
+
+/// How many reads may be held back.
+inline constexpr std::size_t kMostReadsHeldBack = 32;
+
+/// Hands the system the reads that were held back. Gives how many of those started since the last call, counted from
+/// the newest, the system refused after all; outError tells why. A read may complete before it is handed over here,
+/// when a packet is posted behind it.
+std::size_t SubmitReads_Impl(SystemError& outError);
 
 /// Starts a plain thread. Gives 0 and the thread, or the system error and null.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread);

@@ -1,9 +1,11 @@
 #include "AsyncFileMachinery.h"
 
+#include <Immortal.h>
 #include <ORLDebug.h>
 
 #include <tvxcore/Trace.h>
 
+#include <atomic>
 #include <cstddef>
 
 namespace ORL {
@@ -13,17 +15,7 @@ using namespace Platform;
 
 namespace {
 
-// Keeps its value past the end of the process's static objects: a host that never stops the library must not have
-// its exit wait for our threads.
-template <class T>
-union Immortal
-{
-    constexpr Immortal() : mValue() {}
-    ~Immortal() {}
-
-    T mValue;
-};
-
+// A host that never stops the library must not have its exit wait for our threads.
 Immortal<boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>> sReadThreadQueueStorage;
 
 Handle sCompletionThread = nullptr;
@@ -41,6 +33,49 @@ void Finish(AsyncReadRequest& ioRequest, std::uint32_t inBytesRead)
     ioRequest.mBusyRequests->Remove(&ioRequest);
     sRequestPool.FreeAsyncReadRequest(&ioRequest);
 }
+
+void FailToStart(AsyncReadRequest& ioRequest, SystemError inError)
+{
+    ioRequest.mResult = Win::SystemErrorToORLResult(inError);
+    Finish(ioRequest, 0);
+}
+
+// Reads that were started one right after the other, and go to the system together. Touched by the executor's thread
+// alone.
+class HeldBackReads
+{
+public:
+    /// True when no more fit in.
+    bool Add(AsyncReadRequest& ioRequest)
+    {
+        mRequests[mCount++] = &ioRequest;
+        return mCount == kMostReadsHeldBack;
+    }
+
+    void Submit()
+    {
+        if (mCount == 0) {
+            return;
+        }
+        SystemError error = SystemErrors::kNoError;
+        const std::size_t count = mCount;
+        const std::size_t refused = SubmitReads_Impl(error);
+        mCount = 0;
+        for (std::size_t i = count - refused; i < count; ++i) {
+            FailToStart(*mRequests[i], error);
+        }
+    }
+
+private:
+    AsyncReadRequest* mRequests[kMostReadsHeldBack] = {};
+    std::size_t mCount = 0;
+};
+
+HeldBackReads sHeldBack;
+
+// Starts that the executor holds, or more: it is raised only after the executor has accepted one, so while it is above
+// zero another start is sure to come, and a read that waits for it is sure to be submitted.
+std::atomic<int> sQueuedStarts{0};
 
 // A read that completes with a failure ends the thread, like the packet of TerminateAsyncFileOperations.
 void DrainPort(void* inPort)
@@ -66,15 +101,24 @@ Handle sCompletionPort = nullptr;
 
 boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue = sReadThreadQueueStorage.mValue;
 
+void CountQueuedStart()
+{
+    sQueuedStarts.fetch_add(1, std::memory_order_relaxed);
+}
+
 void StartOfRead::operator()() const
 {
-    constexpr SystemError kStarted = 0;
     const SystemError error = StartRead_Impl(mFile, mRequest->mBuffer, mRequest->mSize, &mRequest->mOverlapped);
-    if (error == kStarted || error == SystemErrors::kErrorIoPending) {
-        return; // the port delivers it in both cases, and the request may be gone by now
+    const bool isStarted = error == SystemErrors::kNoError || error == SystemErrors::kErrorIoPending;
+    // The port delivers a started read, and its request may be gone as soon as it is submitted.
+    const bool isFull = isStarted && sHeldBack.Add(*mRequest);
+    const bool moreFollow = sQueuedStarts.fetch_sub(1, std::memory_order_relaxed) > 1;
+    if (!isStarted || isFull || !moreFollow) {
+        sHeldBack.Submit();
     }
-    mRequest->mResult = Win::SystemErrorToORLResult(error);
-    Finish(*mRequest, 0);
+    if (!isStarted) {
+        FailToStart(*mRequest, error);
+    }
 }
 
 } // namespace AsyncFiles

@@ -26,5 +26,8 @@ struct StartOfRead
     void operator()() const;
 };
 
+/// Called for each StartOfRead that the executor has accepted, after it has.
+void CountQueuedStart();
+
 } // namespace AsyncFiles
 } // namespace ORL

@@ -128,7 +128,9 @@ int AsyncFileReader::QueueReadRequest(unsigned __int64 inPosition, unsigned int 
         return kBareFailure;
     }
     const boost::function<void()> start = StartOfRead{mImpl->mFileHandle, request};
-    sReadThreadQueue->QueueFunction(start, 0);
+    if (sReadThreadQueue->QueueFunction(start, 0)) {
+        CountQueuedStart();
+    }
     owner.HandOver();
     return kSuccess;
 }

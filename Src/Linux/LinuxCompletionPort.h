@@ -3,6 +3,7 @@
 
 #include <Platform/AsyncFiles.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -11,15 +12,19 @@ namespace Linux {
 
 struct AsyncFile;
 
-/// One read, from its start to its completion.
+/// One read, from its start to its completion. Where it stands in the file is told by mOverlapped.
 struct ReadOrder
 {
     AsyncFile* mFile;
     void* mBuffer;
     std::uint32_t mSize;
-    std::uint64_t mPosition;
     AsyncFiles::Platform::Overlapped* mOverlapped;
 };
+
+inline std::uint64_t PositionOf(const AsyncFiles::Platform::Overlapped& inOverlapped)
+{
+    return std::uint64_t{inOverlapped.mPositionHigh} << 32 | inOverlapped.mPositionLow;
+}
 
 /// Reads may be started on any thread, and packets posted; one thread gets the completions.
 class CompletionPort
@@ -27,8 +32,11 @@ class CompletionPort
 public:
     virtual ~CompletionPort() = default;
 
-    /// 997 when the read is under way, else the error that kept it from starting.
+    /// 997 when the read is under way or held back, else the error that kept it from starting.
     virtual SystemError Start(const ReadOrder& inOrder) = 0;
+
+    /// How many of the newest reads were refused after all; outError tells why.
+    virtual std::size_t Submit(SystemError& outError) = 0;
 
     /// False when the system refused the packet.
     virtual bool PostEmptyPacket() = 0;
@@ -56,11 +64,9 @@ std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 /// A port over a few threads that call pread, for where the ring is refused for that reason. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
-/// What is owed to a file once one of its reads has ended.
-void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uint32_t inBytesRead);
-
 /// What a read that has ended says, from what the system returned: bytes, or an errno negated. False for a failure.
-bool CompleteRead(const ReadOrder& inOrder, std::int64_t inReturned, AsyncFiles::Platform::Completion& outCompletion);
+bool CompleteRead(const AsyncFile& inFile, AsyncFiles::Platform::Overlapped& inOverlapped, std::int64_t inReturned,
+                  AsyncFiles::Platform::Completion& outCompletion);
 
 } // namespace Linux
 } // namespace ORL

@@ -4,13 +4,10 @@
 #include "SystemCalls.h"
 
 #include <Platform/Waiting.h>
-#include <tvxcore/SmallBlockAllocator.h>
 
-#include <atomic>
 #include <cerrno>
 #include <liburing.h>
 #include <mutex>
-#include <new>
 
 namespace ORL {
 namespace Linux {
@@ -19,30 +16,30 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// One read is handed to the kernel at a time, so few places serve; completions have room for every read that can be in
-// flight, and an empty packet.
-constexpr unsigned kSubmissions = 64;
+// Places for the reads that are held back, a packet, and entries that the kernel did not take. Completions have room
+// for every read that can be in flight, and an empty packet.
+constexpr unsigned kSubmissions = 4 * kMostReadsHeldBack;
 constexpr unsigned kCompletions = 4096;
+constexpr int kTries = 2000; // a kernel short of room for a moment is asked again, a millisecond apart
 
-constexpr int kTries = 2000; // a kernel short of memory for a moment is asked again, a millisecond apart
+// Stands for a submission that the kernel did not take.
+Overlapped sWithdrawn{};
 
-using tvxcore::utility::SmallBlockAllocator;
-
-// What a completion carries back. It is published by one thread and taken up by another with only the kernel between them,
-// which the thread sanitizer cannot see: so the hand-over is spelt out.
-struct InFlight
+// A read passes from the thread that starts it to the one that completes it through the kernel alone, which the
+// language knows nothing of: so the hand-over is spelt out.
+void Publish(Overlapped& ioOverlapped, AsyncFile* inFile)
 {
-    ReadOrder mOrder;
-    std::atomic<bool> mIsPublished{false};
-};
+    __atomic_store_n(&ioOverlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inFile), __ATOMIC_RELEASE);
+}
 
-// Completions that are no reads.
-constexpr std::uint64_t kEmptyPacket = 0;
-constexpr std::uint64_t kWithdrawn = 1;
+const AsyncFile& TakeUp(const Overlapped& inOverlapped)
+{
+    return *reinterpret_cast<const AsyncFile*>(__atomic_load_n(&inOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
+}
 
 bool IsPassing(int inError)
 {
-    return inError == -EINTR || inError == -EAGAIN || inError == -EBUSY || inError == -ENOMEM || inError == -ENOBUFS;
+    return inError == EINTR || inError == EAGAIN || inError == EBUSY || inError == ENOMEM || inError == ENOBUFS;
 }
 
 class RingPort : public CompletionPort
@@ -76,31 +73,40 @@ public:
 
     SystemError Start(const ReadOrder& inOrder) override
     {
-        void* const memory = SmallBlockAllocator::Allocate(sizeof(InFlight));
-        if (memory == nullptr) {
-            return SystemErrors::kErrorNotEnoughMemory;
-        }
-        InFlight* const read = ::new (memory) InFlight{inOrder};
         const std::lock_guard<std::mutex> lock(mSubmitting);
-        io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
-        ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize, inOrder.mPosition);
-        ::io_uring_sqe_set_data(entry, read);
-        read->mIsPublished.store(true, std::memory_order_release);
-        const int refusal = Submit(entry);
-        if (refusal != 0) {
-            Free(read);
-            return SystemErrorFromErrno(refusal);
+        io_uring_sqe* const entry = TakeEntry();
+        if (entry == nullptr) {
+            return SystemErrors::kErrorBusy;
         }
+        Publish(*inOrder.mOverlapped, inOrder.mFile);
+        ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
+                             PositionOf(*inOrder.mOverlapped));
+        ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
         return SystemErrors::kErrorIoPending;
+    }
+
+    std::size_t Submit(SystemError& outError) override
+    {
+        const std::lock_guard<std::mutex> lock(mSubmitting);
+        const int error = Submit();
+        outError = SystemErrorFromErrno(error);
+        return error == 0 ? 0 : Withdraw([](void* inData) { return inData != nullptr; });
     }
 
     bool PostEmptyPacket() override
     {
         const std::lock_guard<std::mutex> lock(mSubmitting);
-        io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
+        io_uring_sqe* const entry = TakeEntry();
+        if (entry == nullptr) {
+            return false;
+        }
         ::io_uring_prep_nop(entry);
-        ::io_uring_sqe_set_data64(entry, kEmptyPacket);
-        return Submit(entry) == 0;
+        ::io_uring_sqe_set_data(entry, nullptr);
+        if (Submit() == 0) {
+            return true;
+        }
+        Withdraw([](void* inData) { return inData == nullptr; });
+        return false;
     }
 
     bool Get(Completion& outCompletion) override
@@ -115,14 +121,14 @@ public:
             if (error != 0) {
                 return false;
             }
-            const std::uint64_t data = ::io_uring_cqe_get_data64(entry);
+            auto* const overlapped = static_cast<Overlapped*>(::io_uring_cqe_get_data(entry));
             const int returned = entry->res;
             ::io_uring_cqe_seen(&mRing, entry);
-            if (data == kEmptyPacket) {
+            if (overlapped == nullptr) {
                 return true;
             }
-            if (data != kWithdrawn) {
-                return Complete(reinterpret_cast<InFlight*>(data), returned, outCompletion);
+            if (overlapped != &sWithdrawn) {
+                return CompleteRead(TakeUp(*overlapped), *overlapped, returned, outCompletion);
             }
         }
     }
@@ -130,39 +136,47 @@ public:
     const char* Describe() const override { return "io_uring"; }
 
 private:
-    static void Free(InFlight* inRead)
+    // Null when entries that the kernel does not take fill the queue.
+    io_uring_sqe* TakeEntry()
     {
-        inRead->~InFlight();
-        SmallBlockAllocator::Dispose(inRead, sizeof(InFlight));
+        io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
+        return entry != nullptr || Submit() != 0 ? entry : ::io_uring_get_sqe(&mRing);
     }
 
-    static bool Complete(InFlight* inRead, int inReturned, Completion& outCompletion)
+    // Hands the kernel what is queued: 0, or the errno for which it took no more. The lock is held.
+    int Submit()
     {
-        while (!inRead->mIsPublished.load(std::memory_order_acquire)) {
-        }
-        const bool hasSucceeded = CompleteRead(inRead->mOrder, inReturned, outCompletion);
-        Free(inRead);
-        return hasSucceeded;
-    }
-
-    // Hands the one waiting entry to the kernel: 0, or the errno for which it was withdrawn. The lock is held. An entry that
-    // the kernel did not take cannot be removed, but it can be made harmless; it goes with the next one.
-    int Submit(io_uring_sqe* ioEntry)
-    {
-        int result = 0;
+        int error = 0;
         for (int attempt = 0; attempt < kTries; ++attempt) {
-            result = System().mUringSubmit(&mRing);
+            const int taken = System().mUringSubmit(&mRing);
             if (::io_uring_sq_ready(&mRing) == 0) {
                 return 0;
             }
-            if (result < 0 && !IsPassing(result)) {
+            error = taken < 0 ? -taken : EAGAIN;
+            if (!IsPassing(error)) {
                 break;
             }
-            Sync::Platform::SleepMilliseconds_Impl(result == -EINTR ? 0 : 1);
+            Sync::Platform::SleepMilliseconds_Impl(error == EINTR ? 0 : 1);
         }
-        ::io_uring_prep_nop(ioEntry);
-        ::io_uring_sqe_set_data64(ioEntry, kWithdrawn);
-        return result < 0 ? -result : EAGAIN;
+        return error;
+    }
+
+    // An entry that the kernel did not take cannot be removed, but it can be made harmless; it goes with a later one.
+    // Gives how many entries of the wanted kind there were.
+    template <class Wanted>
+    std::size_t Withdraw(const Wanted& inIsWanted)
+    {
+        std::size_t count = 0;
+        for (unsigned i = __atomic_load_n(mRing.sq.khead, __ATOMIC_ACQUIRE); i != mRing.sq.sqe_tail; ++i) {
+            io_uring_sqe& entry = mRing.sq.sqes[i & mRing.sq.ring_mask];
+            void* const data = reinterpret_cast<void*>(entry.user_data);
+            if (data != &sWithdrawn && inIsWanted(data)) {
+                ::io_uring_prep_nop(&entry);
+                ::io_uring_sqe_set_data(&entry, &sWithdrawn);
+                ++count;
+            }
+        }
+        return count;
     }
 
     io_uring mRing{};

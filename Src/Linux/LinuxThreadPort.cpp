@@ -2,13 +2,10 @@
 
 #include "SystemCalls.h"
 
-#include <Platform/Waiting.h>
-
+#include <array>
 #include <cerrno>
 #include <condition_variable>
-#include <deque>
 #include <mutex>
-#include <new>
 #include <vector>
 
 namespace ORL {
@@ -21,10 +18,48 @@ namespace {
 // A disk is kept busy by a few reads at once; more threads only cost.
 constexpr std::size_t kThreads = 8;
 
+// Room for every read that can be in flight, and an empty packet.
+constexpr std::size_t kPlaces = 4096;
+
 struct Finished
 {
     ReadOrder mOrder; // without a file: an empty packet
     std::int64_t mReturned;
+};
+
+/// A queue that never asks for memory: a read that is under way must not be lost for want of it.
+template <class T>
+class FixedQueue
+{
+public:
+    bool IsEmpty() const { return mCount == 0; }
+    std::size_t Count() const { return mCount; }
+
+    bool Push(const T& inItem)
+    {
+        if (mCount == kPlaces) {
+            return false;
+        }
+        mItems[(mFirst + mCount) % kPlaces] = inItem;
+        ++mCount;
+        return true;
+    }
+
+    T Pop()
+    {
+        const T item = mItems[mFirst];
+        mFirst = (mFirst + 1) % kPlaces;
+        --mCount;
+        return item;
+    }
+
+    void PopNewest() { --mCount; }
+    void Clear() { mCount = 0; }
+
+private:
+    std::array<T, kPlaces> mItems{};
+    std::size_t mFirst = 0;
+    std::size_t mCount = 0;
 };
 
 /// Threads are started as reads come and find none idle. They end with the port.
@@ -40,7 +75,7 @@ public:
         {
             const std::lock_guard<std::mutex> lock(mMutex);
             mIsEnding = true;
-            mOrders.clear();
+            mOrders.Clear();
         }
         mOrderCame.notify_all();
         for (const Handle thread : mThreads) {
@@ -52,18 +87,23 @@ public:
     SystemError Start(const ReadOrder& inOrder) override
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        try {
-            mOrders.push_back(inOrder);
-        } catch (const std::bad_alloc&) {
-            return SystemErrors::kErrorNotEnoughMemory;
+        if (!mOrders.Push(inOrder)) {
+            return SystemErrors::kErrorBusy;
         }
-        const SystemError refusal = mOrders.size() > mIdle ? AddThread() : SystemErrors::kNoError;
+        const SystemError refusal = mOrders.Count() > mIdle ? AddThread() : SystemErrors::kNoError;
         if (refusal != SystemErrors::kNoError && mThreads.empty()) {
-            mOrders.pop_back(); // nobody would ever read it
+            mOrders.PopNewest(); // nobody would ever read it
             return refusal;
         }
         mOrderCame.notify_one();
         return SystemErrors::kErrorIoPending;
+    }
+
+    // Nothing is held back here.
+    std::size_t Submit(SystemError& outError) override
+    {
+        outError = SystemErrors::kNoError;
+        return 0;
     }
 
     bool PostEmptyPacket() override { return Report(Finished{ReadOrder{}, 0}); }
@@ -72,11 +112,12 @@ public:
     {
         outCompletion = Completion{};
         std::unique_lock<std::mutex> lock(mMutex);
-        mReadEnded.wait(lock, [this] { return !mFinished.empty(); });
-        const Finished finished = mFinished.front();
-        mFinished.pop_front();
+        mReadEnded.wait(lock, [this] { return !mFinished.IsEmpty(); });
+        const Finished finished = mFinished.Pop();
         lock.unlock();
-        return finished.mOrder.mFile == nullptr || CompleteRead(finished.mOrder, finished.mReturned, outCompletion);
+        const ReadOrder& order = finished.mOrder;
+        return order.mFile == nullptr
+               || CompleteRead(*order.mFile, *order.mOverlapped, finished.mReturned, outCompletion);
     }
 
     const char* Describe() const override { return mDescription; }
@@ -102,10 +143,7 @@ private:
     {
         ReadOrder order;
         while (TakeOrder(order)) {
-            const Finished finished{order, ReadNow(order)};
-            while (!Report(finished)) {
-                Sync::Platform::SleepMilliseconds_Impl(1); // without memory to remember it by, the read must not be lost
-            }
+            Report(Finished{order, ReadNow(order)});
         }
     }
 
@@ -113,13 +151,12 @@ private:
     {
         std::unique_lock<std::mutex> lock(mMutex);
         ++mIdle;
-        mOrderCame.wait(lock, [this] { return mIsEnding || !mOrders.empty(); });
+        mOrderCame.wait(lock, [this] { return mIsEnding || !mOrders.IsEmpty(); });
         --mIdle;
         if (mIsEnding) {
             return false;
         }
-        outOrder = mOrders.front();
-        mOrders.pop_front();
+        outOrder = mOrders.Pop();
         return true;
     }
 
@@ -127,7 +164,7 @@ private:
     {
         for (;;) {
             const ssize_t returned = System().mPRead(inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
-                                                     static_cast<off_t>(inOrder.mPosition));
+                                                     static_cast<off_t>(PositionOf(*inOrder.mOverlapped)));
             if (returned >= 0) {
                 return returned;
             }
@@ -139,24 +176,21 @@ private:
 
     bool Report(const Finished& inFinished)
     {
+        bool hasRoom = false;
         {
             const std::lock_guard<std::mutex> lock(mMutex);
-            try {
-                mFinished.push_back(inFinished);
-            } catch (const std::bad_alloc&) {
-                return false;
-            }
+            hasRoom = mFinished.Push(inFinished);
         }
         mReadEnded.notify_one();
-        return true;
+        return hasRoom;
     }
 
     const char* const mDescription;
     std::mutex mMutex; // guards all below but the threads' ends
     std::condition_variable mOrderCame;
     std::condition_variable mReadEnded;
-    std::deque<ReadOrder> mOrders;
-    std::deque<Finished> mFinished;
+    FixedQueue<ReadOrder> mOrders;
+    FixedQueue<Finished> mFinished;
     std::vector<Handle> mThreads;
     std::size_t mIdle = 0;
     bool mIsEnding = false;

@@ -17,6 +17,11 @@ int Open(const char* inPath, int inFlags, mode_t inMode)
     return ::open(inPath, inFlags, inMode);
 }
 
+int SetFlags(int inFile, int inFlags)
+{
+    return ::fcntl(inFile, F_SETFL, inFlags);
+}
+
 // The call is inline in the library's header and has no address of its own.
 int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
 {
@@ -38,6 +43,8 @@ constexpr SystemCalls TheSystem()
     calls.mPRead = &::pread;
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;
+    calls.mFStat = &::fstat;
+    calls.mSetFlags = &SetFlags;
     calls.mStatVfs = &::statvfs;
     calls.mStatFs = &::statfs;
     calls.mMakeDir = &::mkdir;
@@ -47,6 +54,7 @@ constexpr SystemCalls TheSystem()
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;
     calls.mMapPages = &MapPages;
+    calls.mAdvisePages = &::madvise;
     calls.mUnmapPages = &::munmap;
     calls.mClockGetTime = &::clock_gettime;
     calls.mUringQueueInit = &::io_uring_queue_init_params;

@@ -31,6 +31,8 @@ struct io_uring_cqe;
       sNoSize)                                                                                                         \
     X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
       (inFolder, inPath, inFlags, inMask, outStatus), sNoSize)                                                         \
+    X(FStat, Errno, int, (int inFile, struct stat* outStatus), (inFile, outStatus), sNoSize)                           \
+    X(SetFlags, Errno, int, (int inFile, int inFlags), (inFile, inFlags), sNoSize)                                     \
     X(StatVfs, Errno, int, (const char* inPath, struct statvfs* outStatus), (inPath, outStatus), sNoSize)              \
     X(StatFs, Errno, int, (const char* inPath, struct statfs* outStatus), (inPath, outStatus), sNoSize)                \
     X(MakeDir, Errno, int, (const char* inPath, mode_t inMode), (inPath, inMode), sNoSize)                             \
@@ -41,6 +43,7 @@ struct io_uring_cqe;
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \
     X(RealPath, Null, char*, (const char* inPath, char* outResolved), (inPath, outResolved), sNoSize)                  \
     X(MapPages, Null, void*, (std::size_t inSize), (inSize), sNoSize)                                                 \
+    X(AdvisePages, Errno, int, (void* inPages, std::size_t inSize, int inAdvice), (inPages, inSize, inAdvice), sNoSize) \
     X(UnmapPages, Errno, int, (void* inPages, std::size_t inSize), (inPages, inSize), sNoSize)                        \
     X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \
     X(UringQueueInit, Negative, int, (unsigned inEntries, io_uring* outRing, io_uring_params* ioParameters),           \

@@ -3,44 +3,26 @@
 #include <ORLAllocator.h>
 #include <ORLString.h>
 
-#include <StringConversion.h>
+#include <tvxcore/Text.h>
 
 #include <new>
-#include <utility>
 
 namespace ORL {
 
 namespace Internal {
 
-namespace {
-
-template <class String, class Source>
-ConstStringShared<String>* NewShared(Source&& inSource)
+template <class String>
+ConstStringShared<String>* ConstStringHandle<String>::MakeShared(const Unit* inText)
 {
-    using Shared = ConstStringShared<String>;
     void* const block = Allocator::Allocate(sizeof(Shared));
     try {
-        Shared* const shared = ::new (block) Shared{String(std::forward<Source>(inSource)), nullptr, 0};
+        Shared* const shared = ::new (block) Shared{String(inText), nullptr, 0};
         shared->mText = shared->mString.c_str();
         return shared;
     } catch (...) {
         Allocator::Dispose(block, sizeof(Shared));
         throw;
     }
-}
-
-} // namespace
-
-template <class String>
-ConstStringShared<String>* ConstStringHandle<String>::MakeShared(const Unit* inText)
-{
-    return NewShared<String>(inText);
-}
-
-template <class String>
-ConstStringShared<String>* ConstStringHandle<String>::MakeShared(String&& ioText)
-{
-    return NewShared<String>(std::move(ioText));
 }
 
 template <class String>
@@ -65,7 +47,7 @@ template class ConstStringHandle<std::string>;
 
 } // namespace Internal
 
-ConstString::ConstString(const char* inText) : ConstStringHandle(MakeString(inText))
+ConstString::ConstString(const char* inText) : ConstString(MakeString(inText))
 {
 }
 
@@ -87,7 +69,8 @@ StdConstString::StdConstString(const std::string& inText) : ConstStringHandle(in
 
 std::string MakeStdString(const ConstString& inText)
 {
-    return Internal::EncodeUTF8(inText.c_str(), inText.size());
+    const UTF8String encoded = tvxcore::utility::UTF16to8(inText.c_str());
+    return std::string(encoded.begin(), encoded.end());
 }
 
 std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,

@@ -105,6 +105,12 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
     return result ? SystemErrors::kNoError : ::GetLastError();
 }
 
+std::size_t SubmitReads_Impl(SystemError& outError)
+{
+    outError = SystemErrors::kNoError;
+    return 0; // nothing is held back
+}
+
 SystemError StartThread_Impl(const char*, void (*inBody)(void*), void* inArgument, Handle& outThread)
 {
     std::unique_ptr<Start> start(new Start{inBody, inArgument});

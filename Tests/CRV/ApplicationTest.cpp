@@ -9,19 +9,16 @@
 
 namespace {
 
-void ForgetAll()
-{
-    CRV::SetApplicationName(nullptr);
-    CRV::SetApplicationVersion(nullptr);
-    CRV::SetApplicationType(CRV::kApplicationType_Default);
-}
-
-// Every test begins and ends with a host that has said nothing, in whatever order and process it runs.
+// Every test leaves the defaults behind.
 class Application : public ::testing::Test
 {
 protected:
-    void SetUp() override { ForgetAll(); }
-    void TearDown() override { ForgetAll(); }
+    void TearDown() override
+    {
+        CRV::SetApplicationName(nullptr);
+        CRV::SetApplicationVersion(nullptr);
+        CRV::SetApplicationType(CRV::kApplicationType_Default);
+    }
 };
 
 // A host may speak before main: the earlier value must survive our own construction.
@@ -37,7 +34,7 @@ TEST_F(Application, SetAtLoad_IsKept)
     EXPECT_STREQ("set at load", sNameAtLoad);
 }
 
-TEST_F(Application, NothingSaid_AnswersTheDefaults)
+TEST_F(Application, BeforeTheHostSpeaks_AnswersTheDefaults)
 {
     EXPECT_STREQ("ORL", CRV::GetApplicationName());
     EXPECT_STREQ("1.0", CRV::GetApplicationVersion());

@@ -5,6 +5,7 @@
 #include "LinuxHostPath.h"
 #include "SystemCalls.h"
 
+#include <Immortal.h>
 #include <Platform/ThreadManager.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <string>
+#include <sys/stat.h>
 #include <utility>
 
 namespace ORL {
@@ -22,21 +24,30 @@ namespace Linux {
 
 using namespace AsyncFiles::Platform;
 
+namespace {
+
+// The system drops whole pages alone, so the page that a read begins in goes with it: the read that ended there may
+// have been smaller than a page.
 void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uint32_t inBytesRead)
 {
+    constexpr std::uint64_t kPage = 4096;
     if (inFile.mGoesThroughCache && inBytesRead != 0) {
-        System().mFAdvise(inFile.mDescriptor, static_cast<off_t>(inPosition), static_cast<off_t>(inBytesRead),
-                          POSIX_FADV_DONTNEED);
+        const std::uint64_t first = inPosition / kPage * kPage;
+        System().mFAdvise(inFile.mDescriptor, static_cast<off_t>(first),
+                          static_cast<off_t>(inPosition - first + inBytesRead), POSIX_FADV_DONTNEED);
     }
 }
 
-bool CompleteRead(const ReadOrder& inOrder, std::int64_t inReturned, Completion& outCompletion)
+} // namespace
+
+bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned,
+                  Completion& outCompletion)
 {
     const bool hasSucceeded = inReturned >= 0;
-    outCompletion.mOverlapped = inOrder.mOverlapped;
+    outCompletion.mOverlapped = &inOverlapped;
     outCompletion.mBytesRead = hasSucceeded ? static_cast<std::uint32_t>(inReturned) : 0;
     if (hasSucceeded) {
-        DropPagesBehind(*inOrder.mFile, inOrder.mPosition, outCompletion.mBytesRead);
+        DropPagesBehind(inFile, PositionOf(inOverlapped), outCompletion.mBytesRead);
     }
     return hasSucceeded;
 }
@@ -53,6 +64,13 @@ using namespace SystemErrors;
 
 using PortHandle = std::shared_ptr<CompletionPort>;
 
+constexpr std::uint32_t kSmallestSector = 512;
+constexpr std::uint32_t kLargestSector = 4096;
+
+// Held by a count of its own: the files of these reads may be closed by the time they are submitted. The thread that
+// starts reads has it to itself.
+Immortal<std::shared_ptr<CompletionPort>> sPortOfHeldBack;
+
 AsyncFile& FileOf(Handle inFile)
 {
     return *static_cast<AsyncFile*>(inFile);
@@ -63,22 +81,12 @@ CompletionPort& PortOf(Handle inPort)
     return **static_cast<PortHandle*>(inPort);
 }
 
-// Only what can be read at any place is opened: to open a pipe would wait for its writer.
-SystemError CheckKind(const std::string& inHostPath, AsyncFile& outFile)
-{
-    struct statx status;
-    if (System().mStatx(AT_FDCWD, inHostPath.c_str(), 0, STATX_TYPE, &status) != 0) {
-        return SystemErrorFromErrno(errno, inHostPath);
-    }
-    outFile.mIsRegular = S_ISREG(status.stx_mode);
-    return outFile.mIsRegular || S_ISBLK(status.stx_mode) ? kNoError : kErrorAccessDenied;
-}
-
 int OpenHostFile(const std::string& inHostPath, int inFlags)
 {
     int file = -1;
     do {
-        file = System().mOpen(inHostPath.c_str(), O_RDONLY | O_CLOEXEC | inFlags, 0);
+        // A pipe must not hold us until its writer comes.
+        file = System().mOpen(inHostPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | inFlags, 0);
     } while (file < 0 && errno == EINTR);
     return file;
 }
@@ -94,35 +102,78 @@ SystemError OpenDescriptor(const std::string& inHostPath, AsyncFile& outFile)
     return outFile.mDescriptor < 0 ? SystemErrorFromErrno(errno, inHostPath) : kNoError;
 }
 
-// Some file systems open for direct reads and tell no alignment, since they ask for none.
+int FlagsOf(const AsyncFile& inFile)
+{
+    return O_RDONLY | (inFile.mGoesThroughCache ? 0 : O_DIRECT);
+}
+
+// Only what can be read at any place stays open, and from here on a read may take its time.
+SystemError CheckKind(AsyncFile& ioFile)
+{
+    struct statx status;
+    if (System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_TYPE, &status) != 0) {
+        return SystemErrorFromErrno(errno);
+    }
+    ioFile.mIsRegular = S_ISREG(status.stx_mode);
+    if (!ioFile.mIsRegular && !S_ISBLK(status.stx_mode)) {
+        return kErrorAccessDenied;
+    }
+    return System().mSetFlags(ioFile.mDescriptor, FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
+}
+
+// Whether the file takes a direct read of that alignment; the one way to learn it where the system does not tell.
+bool TakesAlignment(const AsyncFile& inFile, std::uint32_t inAlignment)
+{
+    alignas(kLargestSector) char bytes[2 * kLargestSector];
+    // Aligned to inAlignment, and to no more.
+    char* const buffer = bytes + inAlignment;
+    return System().mPRead(inFile.mDescriptor, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
+}
+
+void GoThroughCache(AsyncFile& ioFile)
+{
+    ioFile.mGoesThroughCache = System().mSetFlags(ioFile.mDescriptor, O_RDONLY) == 0;
+}
+
+// The duty of aligned reads holds for every file, as it does at home, whether or not this one would mind.
 void LearnAlignment(AsyncFile& ioFile)
 {
     struct statx status;
-    if (!ioFile.mGoesThroughCache
-        && System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
-        && (status.stx_mask & STATX_DIOALIGN) != 0) {
-        ioFile.mAlignment = std::max(status.stx_dio_offset_align, status.stx_dio_mem_align);
+    const bool isTold = System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
+                        && (status.stx_mask & STATX_DIOALIGN) != 0;
+    ioFile.mAlignment = kSmallestSector;
+    if (ioFile.mGoesThroughCache) {
+        return;
+    }
+    if (isTold && status.stx_dio_offset_align == 0) {
+        GoThroughCache(ioFile); // it opened, but has no direct reads for this file
+    } else if (isTold) {
+        ioFile.mAlignment = std::max({kSmallestSector, status.stx_dio_offset_align, status.stx_dio_mem_align});
+    } else if (!TakesAlignment(ioFile, kSmallestSector)) {
+        ioFile.mAlignment = kLargestSector;
+        if (!TakesAlignment(ioFile, kLargestSector)) {
+            GoThroughCache(ioFile);
+        }
     }
 }
 
 bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSize, std::uint64_t inPosition)
 {
-    return inFile.mAlignment == 0
-           || (reinterpret_cast<std::uintptr_t>(inBuffer) % inFile.mAlignment == 0 && inSize % inFile.mAlignment == 0
-               && inPosition % inFile.mAlignment == 0);
+    const std::uint64_t all = reinterpret_cast<std::uintptr_t>(inBuffer) | inSize | inPosition;
+    return all % inFile.mAlignment == 0;
 }
 
 // At home such a read fails; here the system would call it a success of 0 bytes.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
-    struct statx status;
+    struct stat status;
     if (!inFile.mIsRegular) {
         return kNoError;
     }
-    if (System().mStatx(inFile.mDescriptor, "", AT_EMPTY_PATH, STATX_SIZE, &status) != 0) {
+    if (System().mFStat(inFile.mDescriptor, &status) != 0) {
         return SystemErrorFromErrno(errno);
     }
-    return inPosition >= status.stx_size ? kErrorHandleEof : kNoError;
+    return inPosition >= static_cast<std::uint64_t>(status.st_size) ? kErrorHandleEof : kNoError;
 }
 
 struct Thread
@@ -187,11 +238,18 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 {
     outFile = InvalidHandle();
     HostPath path;
-    std::unique_ptr<AsyncFile> file(new AsyncFile);
     SystemError error = ResolveHostPath(inNormalizedPath, path);
-    error = error == kNoError ? CheckKind(path.mPath, *file) : error;
-    error = error == kNoError ? OpenDescriptor(path.mPath, *file) : error;
     if (error != kNoError) {
+        return error;
+    }
+    std::unique_ptr<AsyncFile> file(new AsyncFile);
+    error = OpenDescriptor(path.mPath, *file);
+    if (error != kNoError) {
+        return error;
+    }
+    error = CheckKind(*file);
+    if (error != kNoError) {
+        System().mClose(file->mDescriptor);
         return error;
     }
     LearnAlignment(*file);
@@ -202,11 +260,14 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 void CloseFile_Impl(Handle inFile)
 {
     System().mClose(FileOf(inFile).mDescriptor);
-    delete static_cast<AsyncFile*>(inFile);
+    delete &FileOf(inFile);
 }
 
 SystemError AttachFile_Impl(Handle inPort, Handle inFile)
 {
+    if (inPort == nullptr) {
+        return kErrorInvalidHandle;
+    }
     FileOf(inFile).mPort = *static_cast<PortHandle*>(inPort);
     return kNoError;
 }
@@ -218,22 +279,39 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile)
 
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped)
 {
+    if (inFile == nullptr || inFile == InvalidHandle() || FileOf(inFile).mPort == nullptr) {
+        return kErrorInvalidHandle;
+    }
     AsyncFile& file = FileOf(inFile);
-    const std::uint64_t position =
-        std::uint64_t{ioOverlapped->mPositionHigh} << 32 | std::uint64_t{ioOverlapped->mPositionLow};
+    const std::uint64_t position = PositionOf(*ioOverlapped);
     if (!IsAligned(file, outBuffer, inSize, position)) {
         return kErrorInvalidParameter;
     }
     const SystemError error = CheckEnd(file, position);
-    return error != kNoError ? error
-                             : file.mPort->Start(ReadOrder{&file, outBuffer, inSize, position, ioOverlapped});
+    if (error != kNoError) {
+        return error;
+    }
+    if (sPortOfHeldBack.mValue == nullptr) {
+        sPortOfHeldBack.mValue = file.mPort;
+    }
+    return file.mPort->Start(ReadOrder{&file, outBuffer, inSize, ioOverlapped});
+}
+
+std::size_t SubmitReads_Impl(SystemError& outError)
+{
+    outError = kNoError;
+    const std::shared_ptr<CompletionPort> port = std::move(sPortOfHeldBack.mValue);
+    return port != nullptr ? port->Submit(outError) : 0;
 }
 
 // The thread takes none of the process's signals: their handlers belong to the host's threads.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread)
 {
     outThread = nullptr;
-    std::unique_ptr<Thread> thread(new Thread{pthread_t(), inName, inBody, inArgument});
+    std::unique_ptr<Thread> thread(new (std::nothrow) Thread{pthread_t(), inName, inBody, inArgument});
+    if (thread == nullptr) {
+        return kErrorNotEnoughMemory;
+    }
     sigset_t all;
     sigset_t earlier;
     ::sigfillset(&all);
