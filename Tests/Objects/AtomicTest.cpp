@@ -137,7 +137,7 @@ TEST(Atomic, ManyThreadsCountAndRead_LoseNothing)
 
 TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
 {
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 50; ++round) {
         int objects[kThreads] = {};
         int* winner = nullptr;
         std::atomic<int> wins{0};
@@ -148,24 +148,32 @@ TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
 }
 
 // Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of
-// them sees the other's write.
+// them sees the other's write. They run side by side through many pairs of words, so that some meet closely.
 TEST(Atomic, Read_CarriesAFullBarrier)
 {
-    for (int round = 0; round < 2000; ++round) {
-        std::int32_t words[2] = {0, 0};
-        std::int32_t seen[2] = {-1, -1};
-        std::atomic<int> ready{0};
-        const auto run = [&](int inSelf) {
-            ready.fetch_add(1);
-            while (ready.load() != 2) {
-                std::this_thread::yield();
+    constexpr std::size_t kPairs = 200000;
+    constexpr std::size_t kPairsBetweenMeetings = 100;
+    std::vector<std::int32_t> words[2] = {std::vector<std::int32_t>(kPairs), std::vector<std::int32_t>(kPairs)};
+    std::vector<std::int32_t> seen[2] = {std::vector<std::int32_t>(kPairs, -1), std::vector<std::int32_t>(kPairs, -1)};
+    std::atomic<std::size_t> arrived{0};
+    const auto run = [&](std::size_t inSelf) {
+        for (std::size_t pair = 0; pair < kPairs; ++pair) {
+            if (pair % kPairsBetweenMeetings == 0) {
+                arrived.fetch_add(1);
+                for (int turn = 1; arrived.load() < 2 * (pair / kPairsBetweenMeetings + 1); ++turn) {
+                    if (turn % 1000 == 0) { // let the other one run on a busy machine
+                        std::this_thread::yield();
+                    }
+                }
             }
-            __atomic_store_n(&words[inSelf], 1, __ATOMIC_RELAXED);
-            seen[inSelf] = AtomicRead(words[1 - inSelf]);
-        };
-        std::thread other(run, 1);
-        run(0);
-        other.join();
-        EXPECT_TRUE(seen[0] == 1 || seen[1] == 1) << "round " << round;
+            __atomic_store_n(&words[inSelf][pair], 1, __ATOMIC_RELAXED);
+            seen[inSelf][pair] = AtomicRead(words[1 - inSelf][pair]);
+        }
+    };
+    std::thread other(run, 1);
+    run(0);
+    other.join();
+    for (std::size_t pair = 0; pair < kPairs; ++pair) {
+        EXPECT_TRUE(seen[0][pair] == 1 || seen[1][pair] == 1) << "pair " << pair;
     }
 }
