@@ -66,6 +66,13 @@ protected:
         AtomicIncrement(mShared->mReferenceCount);
     }
 
+    /// Takes over a text that has no zero unit before its end.
+    explicit ConstStringHandle(String&& ioText)
+        : mShared(MakeShared(std::move(ioText))), mText(mShared->mText), mHash(HashText(mText))
+    {
+        AtomicIncrement(mShared->mReferenceCount);
+    }
+
     explicit ConstStringHandle(Adopted inAdopted) noexcept : mText(inAdopted.mText), mHash(HashText(mText)) {}
 
     ConstStringHandle(const ConstStringHandle& inOther)
@@ -102,6 +109,7 @@ private:
     using Shared = ConstStringShared<String>;
 
     static Shared* MakeShared(const Unit* inText);
+    static Shared* MakeShared(String&& ioText);
     static void Destroy(Shared* inShared);
     static std::uint32_t HashText(const Unit* inText) noexcept;
 

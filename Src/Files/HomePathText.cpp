@@ -177,17 +177,18 @@ void GoUp(UTF16String& ioPath, std::size_t inRoot)
 UTF16String Canonical(const UTF16String& inPath)
 {
     const std::size_t root = RootLength(inPath);
-    UTF16String path(inPath, 0, root);
+    UTF16String path;
+    path.reserve(inPath.size());
+    path.assign(inPath, 0, root);
     for (std::size_t at = root; at < inPath.size();) {
         const std::size_t end = std::min(inPath.find('\\', at), inPath.size());
-        const UTF16String name(inPath, at, end - at);
-        const bool isUp = name == TVX_UTF16("..");
-        const bool isDots = isUp || name == TVX_UTF16(".");
+        const bool isUp = end - at == 2 && inPath[at] == '.' && inPath[at + 1] == '.';
+        const bool isDots = isUp || (end - at == 1 && inPath[at] == '.');
         if (isUp) {
             GoUp(path, root);
         }
         if (!isDots) {
-            path += name;
+            path.append(inPath, at, end - at);
         }
         if (!isDots && end < inPath.size()) {
             path += '\\';

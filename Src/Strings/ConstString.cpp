@@ -3,26 +3,44 @@
 #include <ORLAllocator.h>
 #include <ORLString.h>
 
-#include <tvxcore/Text.h>
+#include <StringConversion.h>
 
 #include <new>
+#include <utility>
 
 namespace ORL {
 
 namespace Internal {
 
-template <class String>
-ConstStringShared<String>* ConstStringHandle<String>::MakeShared(const Unit* inText)
+namespace {
+
+template <class String, class Source>
+ConstStringShared<String>* NewShared(Source&& inSource)
 {
+    using Shared = ConstStringShared<String>;
     void* const block = Allocator::Allocate(sizeof(Shared));
     try {
-        Shared* const shared = ::new (block) Shared{String(inText), nullptr, 0};
+        Shared* const shared = ::new (block) Shared{String(std::forward<Source>(inSource)), nullptr, 0};
         shared->mText = shared->mString.c_str();
         return shared;
     } catch (...) {
         Allocator::Dispose(block, sizeof(Shared));
         throw;
     }
+}
+
+} // namespace
+
+template <class String>
+ConstStringShared<String>* ConstStringHandle<String>::MakeShared(const Unit* inText)
+{
+    return NewShared<String>(inText);
+}
+
+template <class String>
+ConstStringShared<String>* ConstStringHandle<String>::MakeShared(String&& ioText)
+{
+    return NewShared<String>(std::move(ioText));
 }
 
 template <class String>
@@ -47,7 +65,7 @@ template class ConstStringHandle<std::string>;
 
 } // namespace Internal
 
-ConstString::ConstString(const char* inText) : ConstString(MakeString(inText))
+ConstString::ConstString(const char* inText) : ConstStringHandle(MakeString(inText))
 {
 }
 
@@ -69,8 +87,7 @@ StdConstString::StdConstString(const std::string& inText) : ConstStringHandle(in
 
 std::string MakeStdString(const ConstString& inText)
 {
-    const UTF8String encoded = tvxcore::utility::UTF16to8(inText.c_str());
-    return std::string(encoded.begin(), encoded.end());
+    return Internal::EncodeUTF8(inText.c_str(), inText.size());
 }
 
 std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,

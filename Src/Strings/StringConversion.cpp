@@ -1,10 +1,29 @@
 #include <ORLString.h>
 
+#include <StringConversion.h>
+
 #include <tvxcore/Text.h>
 
 #include <cstring>
 
 namespace ORL {
+
+namespace Internal {
+
+std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength)
+{
+    // Names and paths fit, and are converted without a string between.
+    constexpr std::size_t kShort = 512;
+    if (inLength <= kShort) {
+        char text[3 * kShort];
+        unsigned char* const bytes = reinterpret_cast<unsigned char*>(text);
+        return std::string(text, tvxcore::utility::UTF16to8(inText, inLength, bytes));
+    }
+    const UTF8String encoded = tvxcore::utility::UTF16to8(inText, inLength);
+    return std::string(reinterpret_cast<const char*>(encoded.data()), encoded.size());
+}
+
+} // namespace Internal
 
 UTF16String MakeString(const char* inText)
 {
@@ -43,8 +62,7 @@ UTF16String MakeStringFromWchar(const unsigned short* inText)
 
 std::string MakeStdString(const UTF16String& inText)
 {
-    const UTF8String encoded = tvxcore::utility::UTF16to8(inText);
-    return std::string(encoded.begin(), encoded.end());
+    return Internal::EncodeUTF8(inText.data(), inText.size());
 }
 
 CString MakeCString(const UTF16String& inText)

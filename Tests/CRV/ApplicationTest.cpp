@@ -9,16 +9,19 @@
 
 namespace {
 
-// Every test leaves the defaults behind.
+void ForgetAll()
+{
+    CRV::SetApplicationName(nullptr);
+    CRV::SetApplicationVersion(nullptr);
+    CRV::SetApplicationType(CRV::kApplicationType_Default);
+}
+
+// Every test begins and ends with a host that has said nothing, in whatever order and process it runs.
 class Application : public ::testing::Test
 {
 protected:
-    void TearDown() override
-    {
-        CRV::SetApplicationName(nullptr);
-        CRV::SetApplicationVersion(nullptr);
-        CRV::SetApplicationType(CRV::kApplicationType_Default);
-    }
+    void SetUp() override { ForgetAll(); }
+    void TearDown() override { ForgetAll(); }
 };
 
 // A host may speak before main: the earlier value must survive our own construction.
@@ -34,7 +37,7 @@ TEST_F(Application, SetAtLoad_IsKept)
     EXPECT_STREQ("set at load", sNameAtLoad);
 }
 
-TEST_F(Application, BeforeTheHostSpeaks_AnswersTheDefaults)
+TEST_F(Application, NothingSaid_AnswersTheDefaults)
 {
     EXPECT_STREQ("ORL", CRV::GetApplicationName());
     EXPECT_STREQ("1.0", CRV::GetApplicationVersion());

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <random>
-#include <regex>
+#include <string>
 
 using namespace ORL::PathUtils;
 using ORLTest::CheckRecorder;
@@ -132,29 +132,43 @@ TEST(IsDriveRootPath, IsExactlyADrive)
 
 namespace {
 
-// A second reading of the rules over narrow text.
+// A second reading of the rules over narrow text: the extended prefix is taken off, what is left is judged by its
+// shape, and the prefix goes back on.
+struct Shape
+{
+    bool mIsExtended;
+    std::string mRest;
+    bool mHasDrive;
+};
+
+Shape ShapeOf(const std::string& inPath)
+{
+    Shape shape;
+    shape.mIsExtended = inPath.rfind("\\\\?\\", 0) == 0;
+    shape.mRest = inPath.substr(shape.mIsExtended ? 4 : 0);
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    shape.mHasDrive = shape.mRest.size() > 1 && letters.find(shape.mRest[0]) != std::string::npos
+                      && shape.mRest[1] == ':';
+    return shape;
+}
+
 std::string NormalForm(const std::string& inPath)
 {
-    static const std::regex extendedRoot(R"(\\\\\?\\[A-Za-z]:)");
-    static const std::regex extended(R"(\\\\\?\\[\s\S]*)");
-    static const std::regex drive(R"([A-Za-z]:([\s\S]*))");
-    static const std::regex server(R"(\\(\\[\s\S]*))");
-    std::smatch match;
-    if (std::regex_match(inPath, extendedRoot)) {
-        return inPath + "\\";
+    const Shape shape = ShapeOf(inPath);
+    const bool isBareDrive = shape.mHasDrive && shape.mRest.size() == 2;
+    if (isBareDrive) {
+        return "\\\\?\\" + shape.mRest + "\\";
     }
-    if (std::regex_match(inPath, extended)) {
+    if (shape.mIsExtended) {
         return inPath;
     }
-    if (std::regex_match(inPath, match, drive)) {
-        return "\\\\?\\" + inPath + (match[1].length() == 0 ? "\\" : "");
-    }
-    return std::regex_match(inPath, match, server) ? "\\\\?\\UNC" + match[1].str() : inPath;
+    const bool isShare = inPath.rfind("\\\\", 0) == 0;
+    return isShare ? "\\\\?\\UNC\\" + inPath.substr(2) : (shape.mHasDrive ? "\\\\?\\" : "") + inPath;
 }
 
 } // namespace
 
-TEST(ToNormalizedPath, RandomPaths_AgreeWithTheRegularExpressionsAndComeBack)
+TEST(ToNormalizedPath, RandomPaths_AgreeWithTheirShapeAndComeBack)
 {
     std::mt19937 random(20240602);
     const char* const starts[] = {"", "C:", "C:\\", "\\\\?\\", "\\\\?\\C:", "\\\\?\\UNC\\", "\\\\", "\\", "1:"};
@@ -172,9 +186,11 @@ TEST(ToNormalizedPath, RandomPaths_AgreeWithTheRegularExpressionsAndComeBack)
         const UTF16String normalized = ToNormalizedPath(units);
         ASSERT_EQ(UTF16String(expected.begin(), expected.end()), normalized) << path;
         // Stripping undoes it, but for a bare drive, which comes back with its backslash.
-        const bool wasPlain = std::regex_search(path, std::regex(R"(^([A-Za-z]:($|\\)|\\\\(?!\?\\)))"));
-        if (wasPlain) {
-            const std::string plain = path.size() == 2 && path[1] == ':' ? path + "\\" : path;
+        const Shape shape = ShapeOf(path);
+        const bool isAbsolute =
+            (shape.mHasDrive && (path.size() == 2 || path[2] == '\\')) || path.rfind("\\\\", 0) == 0;
+        if (isAbsolute && !shape.mIsExtended) {
+            const std::string plain = path.size() == 2 && shape.mHasDrive ? path + "\\" : path;
             ASSERT_EQ(UTF16String(plain.begin(), plain.end()), Win::StripUNC(normalized)) << path;
         }
     }

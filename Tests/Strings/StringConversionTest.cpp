@@ -40,6 +40,15 @@ TEST(MakeStdString, ZeroUnits_AreKept)
     EXPECT_EQ(std::string(), MakeStdString(UTF16String()));
 }
 
+TEST(MakeStdString, TextsOfEveryLength_ComeBackAsTheyWere)
+{
+    std::string text;
+    for (int i = 0; i < 600; ++i) {
+        EXPECT_EQ(text, MakeStdString(MakeString(text)));
+        text += i % 3 == 0 ? "\xE2\x82\xAC" : i % 3 == 1 ? "x" : "\xF0\x9F\x98\x80";
+    }
+}
+
 TEST(MakeCString, TextBehindAZeroUnit_IsDropped)
 {
     const CString text = MakeCString(UTF16String({'a', 'b', 0, 'c'}));

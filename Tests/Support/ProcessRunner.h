@@ -14,6 +14,9 @@ struct ProcessResult
     std::string mErrors;
 };
 
+/// The folder that this program and those built beside it stand in, with the separator at its end. UTF-8.
+std::string FolderOfThisProgram();
+
 /// Runs inName (without ".exe") from this program's own folder with those arguments, UTF-8 on Windows and bytes on
 /// Linux, in inWorkingFolder where one is given. Standard input is empty.
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,

@@ -12,14 +12,6 @@ namespace ORLTest {
 
 namespace {
 
-std::string FolderOfThisProgram()
-{
-    char path[4096];
-    const ssize_t size = ::readlink("/proc/self/exe", path, sizeof(path));
-    const std::string program(path, size > 0 ? static_cast<std::size_t>(size) : 0);
-    return program.substr(0, program.rfind('/') + 1);
-}
-
 std::string ReadAll(std::FILE* inFile)
 {
     std::string text;
@@ -59,6 +51,14 @@ void WaitFor(pid_t inProcess, int inSeconds, ProcessResult& outResult)
 }
 
 } // namespace
+
+std::string FolderOfThisProgram()
+{
+    char path[4096];
+    const ssize_t size = ::readlink("/proc/self/exe", path, sizeof(path));
+    const std::string program(path, size > 0 ? static_cast<std::size_t>(size) : 0);
+    return program.substr(0, program.rfind('/') + 1);
+}
 
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
                                    const std::string& inWorkingFolder, int inSeconds)

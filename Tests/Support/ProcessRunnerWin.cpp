@@ -14,12 +14,21 @@ std::wstring Wide(const std::string& inText)
     return wide;
 }
 
-std::wstring FolderOfThisProgram()
+std::wstring WideFolderOfThisProgram()
 {
     wchar_t path[4096];
     const DWORD size = ::GetModuleFileNameW(nullptr, path, 4096);
     const std::wstring program(path, size);
     return program.substr(0, program.rfind(L'\\') + 1);
+}
+
+std::string Narrow(const std::wstring& inText)
+{
+    const int length = static_cast<int>(inText.size());
+    const int size = ::WideCharToMultiByte(CP_UTF8, 0, inText.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(size), '\0');
+    ::WideCharToMultiByte(CP_UTF8, 0, inText.data(), length, narrow.data(), size, nullptr, nullptr);
+    return narrow;
 }
 
 // As the C runtime takes a command line apart: backslashes count only before a quote.
@@ -83,10 +92,15 @@ void WaitFor(const PROCESS_INFORMATION& inProcess, int inSeconds, ProcessResult&
 
 } // namespace
 
+std::string FolderOfThisProgram()
+{
+    return Narrow(WideFolderOfThisProgram());
+}
+
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
                                    const std::string& inWorkingFolder, int inSeconds)
 {
-    const std::wstring program = FolderOfThisProgram() + Wide(inName) + L".exe";
+    const std::wstring program = WideFolderOfThisProgram() + Wide(inName) + L".exe";
     std::wstring line = Quoted(program);
     for (const std::string& argument : inArguments) {
         line += L' ' + Quoted(Wide(argument));

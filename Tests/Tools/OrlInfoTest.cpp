@@ -81,6 +81,9 @@ TEST(OrlInfo, OfTheDriveRoot_ShowsWhatTheLibraryAnswers)
     ASSERT_EQ(ORL::kSuccess, ORL::DiskUtils::GetEfficientDiskBufferSizeFromPath(TVX_UTF16("C:\\"), sectorSize));
     EXPECT_EQ(std::to_string(sectorSize) + " bytes", Row(result.mOutput, "sector size"));
     EXPECT_EQ("C:\\", Row(result.mOutput, "path"));
+    const std::string free = Row(result.mOutput, "free space");
+    EXPECT_NE(std::string::npos, free.find("B (")) << free;
+    EXPECT_EQ(free.size() - 7, free.find(" bytes)")) << free;
 }
 
 TEST(OrlInfo, OfAPathThatIsNotThere_CallsItMissing)

@@ -23,3 +23,10 @@ foreach(number 1 2)
 endforeach()
 gtest_discover_tests(test_tvxcore_borders DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
   TEST_PREFIX "tvxcore.Borders." PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
+
+# A host that ends with a module's threads at work.
+add_library(tvxcore_exit_module SHARED tvxcore/Exit/Module.cpp)
+target_link_libraries(tvxcore_exit_module PRIVATE tvxcore orl_strict)
+add_executable(tvxcore_exit_host tvxcore/Exit/Host.cpp)
+target_link_libraries(tvxcore_exit_host PRIVATE tvxcore_exit_module orl_strict)
+add_dependencies(${room_target} tvxcore_exit_host)

@@ -74,7 +74,8 @@ void PrintText(const Facts& inFacts)
     row("kind") << inFacts.mKind << '\n';
     row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
     row("sector size") << inFacts.mSectorSize << " bytes\n";
-    row("free space") << inFacts.mFreeBytes << " bytes\n";
+    row("free space") << ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inFacts.mFreeBytes)) << " (" << inFacts.mFreeBytes
+                      << " bytes)\n";
     const char* title = "drives";
     for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
         row(title) << ToUTF8(drive.mRoot) << "  " << drive.mHostFolder << '\n';

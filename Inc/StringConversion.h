@@ -1,0 +1,15 @@
+// Floor: Strings
+// What the conversions of the Strings room share.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace ORL {
+namespace Internal {
+
+/// The UTF-8 of inLength units, zero units included.
+std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength);
+
+} // namespace Internal
+} // namespace ORL
