@@ -132,7 +132,8 @@ int main(int argc, char** argv)
     CopyAndDestroy(1);
     CopyAndDestroy(2);
     Equality("equality of two different texts of 24 units", u"a queue's name, number 12", u"a queue's name, number 13");
-    Equality("equality of two different texts, the first unit differs", u"queue's name, number 12", u"Queue's name, number 12");
+    Equality("equality of two different texts, the first unit differs", u"queue's name, number 12",
+             u"Queue's name, number 12");
     Equality("equality of two equal texts", u"a queue's name, number 12", u"a queue's name, number 12");
     Make();
     return Bench::Finish();

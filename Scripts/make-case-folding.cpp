@@ -1,5 +1,6 @@
 // Writes tvxcore/Src/CaseFoldingTable.inc: full case folding of the Unicode version that the linked ICU knows.
-//   g++ -std=c++17 Scripts/make-case-folding.cpp -licuuc -o /tmp/make-case-folding && /tmp/make-case-folding > tvxcore/Src/CaseFoldingTable.inc
+//   g++ -std=c++17 Scripts/make-case-folding.cpp -licuuc -o build/make-case-folding
+//   build/make-case-folding > tvxcore/Src/CaseFoldingTable.inc
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 

@@ -90,8 +90,7 @@ std::string MakeStdString(const ConstString& inText)
     return Internal::EncodeUTF8(inText.c_str(), inText.size());
 }
 
-std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
-                                               const ConstString& inText)
+std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream, const ConstString& inText)
 {
     return std::operator<<(ioStream, inText.c_str());
 }

@@ -53,8 +53,7 @@ std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short
     return ioStream << MakeString(inText);
 }
 
-std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
-                                               const std::string& inText)
+std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream, const std::string& inText)
 {
     return ioStream << MakeString(inText);
 }

@@ -114,7 +114,8 @@ TEST(SixteenBitStream, NarrowText_IsDecodedAsUTF8)
 TEST(SixteenBitStream, NarrowText_HonoursWidthCountedInUnits)
 {
     tvxcore::oUTF16StringStream stream;
-    stream << std::setw(4) << "\xC3\xA9" << "|" << std::left << std::setw(4) << std::string("ab") << "|";
+    stream << std::setw(4) << "\xC3\xA9"
+           << "|" << std::left << std::setw(4) << std::string("ab") << "|";
     EXPECT_EQ("   <00e9>|ab  |", Show(stream.str()));
 }
 

@@ -38,7 +38,8 @@ inline constexpr WellFormedRow kWellFormed[] = {
 inline std::size_t Matching(const WellFormedRow& inRow, const UTF8String& inText, std::size_t inPlace)
 {
     std::size_t count = 0;
-    while (count < inRow.mLength && inPlace + count < inText.size() && inText[inPlace + count] >= inRow.mBytes[count].mFirst
+    while (count < inRow.mLength && inPlace + count < inText.size()
+           && inText[inPlace + count] >= inRow.mBytes[count].mFirst
            && inText[inPlace + count] <= inRow.mBytes[count].mLast) {
         ++count;
     }

@@ -57,7 +57,8 @@ TEST(NumberToString, TheFirstVariableThatIsSet_DecidesTheLocale)
     EXPECT_EQ("1,234,567.25", Shown("", "en_US.UTF-8", "de_DE.UTF-8"));
     EXPECT_EQ("1.234.567,25", Shown(nullptr, nullptr, "de_DE@euro"));
     EXPECT_EQ("1<202f>234<202f>567,25", Shown(nullptr, nullptr, "fr_FR.UTF-8"));
-    EXPECT_EQ("<0661><066c><0662><0663><0664><066c><0665><0666><0667><066b><0662><0665>", Shown("ar_EG", nullptr, nullptr));
+    EXPECT_EQ("<0661><066c><0662><0663><0664><066c><0665><0666><0667><066b><0662><0665>",
+              Shown("ar_EG", nullptr, nullptr));
 }
 
 TEST(NumberToString, ClassicMissingAndUnknownLocales_GroupNothing)

@@ -1,7 +1,7 @@
 #include <tvxcore/Number.h>
 
+#include <CorePlatform/NumberFormat.h>
 #include <TextHelpers.h>
-#include <TextPlatform.h>
 
 #include <gtest/gtest.h>
 
@@ -18,8 +18,8 @@ namespace {
 std::string In(const char* inLocale, const char* inDecimal, unsigned inFractionDigits, bool inIsGrouped = true,
                bool inHasLeadingZero = true)
 {
-    const platform::NumberStyle style = {inHasLeadingZero, inIsGrouped, inFractionDigits};
-    return Show(platform::FormatNumber(inDecimal, style, inLocale));
+    const Platform::NumberStyle style = {inHasLeadingZero, inIsGrouped, inFractionDigits};
+    return Show(Platform::FormatNumber_Impl(inDecimal, style, inLocale));
 }
 
 std::string Ungrouped(double inNumber, std::size_t inFractionDigits, long inPrecision = 31)
@@ -140,8 +140,8 @@ TEST(NumberToString, NoNumberAndTheInfinities_HaveTheirOwnText)
 
 TEST(NumberToString, InTheUsersLocale_IsWhatTheSystemSays)
 {
-    const platform::NumberStyle style = {true, true, 1};
-    const UTF16String expected = platform::FormatNumber("1234567.5", style, nullptr);
+    const Platform::NumberStyle style = {true, true, 1};
+    const UTF16String expected = Platform::FormatNumber_Impl("1234567.5", style, nullptr);
     EXPECT_EQ(expected, NumberToString(1234567.5, 1, 1, Flags<unsigned short>(), 31));
     EXPECT_GE(expected.size(), 9u);
 }

@@ -74,47 +74,46 @@ private:
 TEST(OutputStream, IntegersOfEveryType_AreWritten)
 {
     EXPECT_EQ("-1 2 -3 4 -5 6", Written([](oUTF16StringStream& stream) {
-        stream << -1 << Units(u" ") << 2u << Units(u" ") << -3L << Units(u" ") << 4uL << Units(u" ") << -5LL
-               << Units(u" ") << 6uLL;
-    }));
-    EXPECT_EQ("-9223372036854775808", Written([](oUTF16StringStream& stream) {
-        stream << std::numeric_limits<std::int64_t>::min();
-    }));
-    EXPECT_EQ("18446744073709551615", Written([](oUTF16StringStream& stream) {
-        stream << std::numeric_limits<std::uint64_t>::max();
-    }));
+                  stream << -1 << Units(u" ") << 2u << Units(u" ") << -3L << Units(u" ") << 4uL << Units(u" ") << -5LL
+                         << Units(u" ") << 6uLL;
+              }));
+    EXPECT_EQ("-9223372036854775808",
+              Written([](oUTF16StringStream& stream) { stream << std::numeric_limits<std::int64_t>::min(); }));
+    EXPECT_EQ("18446744073709551615",
+              Written([](oUTF16StringStream& stream) { stream << std::numeric_limits<std::uint64_t>::max(); }));
     EXPECT_EQ("-32768", Written([](oUTF16StringStream& stream) { stream << short{-32768}; }));
 }
 
 TEST(OutputStream, AUnitIsANumber_AndPutWritesTheCharacter)
 {
     EXPECT_EQ("65A", Written([](oUTF16StringStream& stream) {
-        stream << static_cast<unsigned short>('A');
-        stream.put('A');
-    }));
+                  stream << static_cast<unsigned short>('A');
+                  stream.put('A');
+              }));
 }
 
 TEST(OutputStream, BasesWidthFillAndSign_AreHonoured)
 {
     EXPECT_EQ("ff", Written([](oUTF16StringStream& stream) { stream << std::hex << 255; }));
     EXPECT_EQ("0XFF", Written([](oUTF16StringStream& stream) {
-        stream << std::hex << std::showbase << std::uppercase << 255;
-    }));
+                  stream << std::hex << std::showbase << std::uppercase << 255;
+              }));
     EXPECT_EQ("0377", Written([](oUTF16StringStream& stream) { stream << std::oct << std::showbase << 255; }));
     EXPECT_EQ("0000002a", Written([](oUTF16StringStream& stream) {
-        stream << std::hex << std::setw(8) << std::setfill(static_cast<unsigned short>('0')) << 42;
-    }));
+                  stream << std::hex << std::setw(8) << std::setfill(static_cast<unsigned short>('0')) << 42;
+              }));
     EXPECT_EQ("42   |   42|-  42", Written([](oUTF16StringStream& stream) {
-        stream << std::left << std::setw(5) << 42 << Units(u"|") << std::right << std::setw(5) << 42 << Units(u"|")
-               << std::internal << std::setw(5) << -42;
-    }));
+                  stream << std::left << std::setw(5) << 42 << Units(u"|") << std::right << std::setw(5) << 42
+                         << Units(u"|") << std::internal << std::setw(5) << -42;
+              }));
     EXPECT_EQ("+7", Written([](oUTF16StringStream& stream) { stream << std::showpos << 7; }));
 }
 
 TEST(OutputStream, FloatingPoint_FollowsPrecisionAndNotation)
 {
     EXPECT_EQ("1.5", Written([](oUTF16StringStream& stream) { stream << 1.5; }));
-    EXPECT_EQ("3.14", Written([](oUTF16StringStream& stream) { stream << std::fixed << std::setprecision(2) << 3.14159; }));
+    EXPECT_EQ("3.14",
+              Written([](oUTF16StringStream& stream) { stream << std::fixed << std::setprecision(2) << 3.14159; }));
     EXPECT_EQ("1.500000e+10", Written([](oUTF16StringStream& stream) { stream << std::scientific << 1.5e10; }));
     EXPECT_EQ("-0.25", Written([](oUTF16StringStream& stream) { stream << -0.25f; }));
     EXPECT_EQ("2.5", Written([](oUTF16StringStream& stream) { stream << 2.5L; }));
@@ -124,18 +123,18 @@ TEST(OutputStream, FloatingPoint_FollowsPrecisionAndNotation)
 TEST(OutputStream, BoolsAndPointers_AreWritten)
 {
     EXPECT_EQ("10", Written([](oUTF16StringStream& stream) { stream << true << false; }));
-    EXPECT_EQ("true    false", Written([](oUTF16StringStream& stream) {
-        stream << std::boolalpha << true << std::setw(9) << false;
-    }));
+    EXPECT_EQ("true    false",
+              Written([](oUTF16StringStream& stream) { stream << std::boolalpha << true << std::setw(9) << false; }));
     EXPECT_EQ("0x1a2b", Written([](oUTF16StringStream& stream) { stream << reinterpret_cast<void*>(0x1a2b); }));
 }
 
 TEST(OutputStream, TextOf16BitUnits_HonoursWidthAndFill)
 {
     EXPECT_EQ("  ab|ab__|ab", Written([](oUTF16StringStream& stream) {
-        stream << std::setw(4) << Units(u"ab") << Units(u"|") << std::left << std::setw(4)
-               << std::setfill(static_cast<unsigned short>('_')) << Units(u"ab") << Units(u"|") << TVX_UTF16("ab");
-    }));
+                  stream << std::setw(4) << Units(u"ab") << Units(u"|") << std::left << std::setw(4)
+                         << std::setfill(static_cast<unsigned short>('_')) << Units(u"ab") << Units(u"|")
+                         << TVX_UTF16("ab");
+              }));
 }
 
 TEST(OutputStream, LongText_ComesBackWhole)
@@ -247,8 +246,8 @@ TEST(StreamLocale, ProcessWideLocaleOfTheMoment_DecidesPunctuation)
 {
     const GlobalLocale global(CommaLocale());
     EXPECT_EQ("1.234.567 2,5 ja", Written([](oUTF16StringStream& stream) {
-        stream << std::boolalpha << 1234567 << Units(u" ") << 2.5 << Units(u" ") << true;
-    }));
+                  stream << std::boolalpha << 1234567 << Units(u" ") << 2.5 << Units(u" ") << true;
+              }));
     EXPECT_EQ(1234.5, Read<double>(u"1.234,5").mNumber);
 }
 

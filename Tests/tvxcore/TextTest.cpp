@@ -42,8 +42,15 @@ TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
         {__LINE__, "\xC2", u"\uFFFD"},
         {__LINE__, "\xE2\x82", u"\uFFFD"},
         {__LINE__, "\xF0\x9F\x98", u"\uFFFD"},
-        {__LINE__, "\xF1\x80\x80\xE1\x80\xC2" "b", u"\uFFFD\uFFFD\uFFFDb"},
-        {__LINE__, "a\xF1\x80\x80\xE1\x80\xC2" "b\x80" "c\x80\xBF" "d",
+        {__LINE__,
+         "\xF1\x80\x80\xE1\x80\xC2"
+         "b",
+         u"\uFFFD\uFFFD\uFFFDb"},
+        {__LINE__,
+         "a\xF1\x80\x80\xE1\x80\xC2"
+         "b\x80"
+         "c\x80\xBF"
+         "d",
          u"a\uFFFD\uFFFD\uFFFDb\uFFFDc\uFFFD\uFFFDd"},
         {__LINE__, "\xE2\x82\xE2\x82\xAC", u"\uFFFD\u20AC"},
     };
@@ -66,8 +73,14 @@ TEST(Utf16To8, UnpairedSurrogate_BecomesTheReplacementCharacter)
         {__LINE__, {0x7F, 0x80, 0x7FF, 0x800, 0xFFFF}, "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
         {__LINE__, {0xD800, 0xDC00, 0xDBFF, 0xDFFF}, "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
         {__LINE__, {0xD800}, "\xEF\xBF\xBD"},
-        {__LINE__, {0xDC00, 'a'}, "\xEF\xBF\xBD" "a"},
-        {__LINE__, {0xD800, 'a'}, "\xEF\xBF\xBD" "a"},
+        {__LINE__,
+         {0xDC00, 'a'},
+         "\xEF\xBF\xBD"
+         "a"},
+        {__LINE__,
+         {0xD800, 'a'},
+         "\xEF\xBF\xBD"
+         "a"},
         {__LINE__, {0xD83D, 0xD83D, 0xDE00}, "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
         {__LINE__, {0xDE00, 0xD83D}, "\xEF\xBF\xBD\xEF\xBF\xBD"},
     };
@@ -110,10 +123,14 @@ TEST(ReplaceAllStringInString, ReplacesFromLeftToRight_AndNeverSearchesWhatItPut
         std::u16string mText, mFind, mReplace, mResult;
     };
     const Row rows[] = {
-        {__LINE__, u"", u"a", u"b", u""},          {__LINE__, u"abc", u"", u"x", u"abc"},
-        {__LINE__, u"abc", u"x", u"y", u"abc"},    {__LINE__, u"aaa", u"aa", u"b", u"ba"},
-        {__LINE__, u"a//b///c", u"//", u"/", u"a/b//c"}, {__LINE__, u"aXbX", u"X", u"XX", u"aXXbXX"},
-        {__LINE__, u"one two", u"one two", u"", u""}, {__LINE__, u"a/b/", u"/", u"\\", u"a\\b\\"},
+        {__LINE__, u"", u"a", u"b", u""},
+        {__LINE__, u"abc", u"", u"x", u"abc"},
+        {__LINE__, u"abc", u"x", u"y", u"abc"},
+        {__LINE__, u"aaa", u"aa", u"b", u"ba"},
+        {__LINE__, u"a//b///c", u"//", u"/", u"a/b//c"},
+        {__LINE__, u"aXbX", u"X", u"XX", u"aXXbXX"},
+        {__LINE__, u"one two", u"one two", u"", u""},
+        {__LINE__, u"a/b/", u"/", u"\\", u"a\\b\\"},
     };
     for (const Row& row : rows) {
         UTF16String text = Units(row.mText);

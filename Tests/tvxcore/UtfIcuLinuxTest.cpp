@@ -21,8 +21,8 @@ UTF16String IcuToUTF16(const UTF8String& inText)
     UErrorCode error = U_ZERO_ERROR;
     std::int32_t length = 0;
     u_strFromUTF8WithSub(units.data(), static_cast<std::int32_t>(units.size()), &length,
-                         reinterpret_cast<const char*>(inText.data()), static_cast<std::int32_t>(inText.size()),
-                         0xFFFD, nullptr, &error);
+                         reinterpret_cast<const char*>(inText.data()), static_cast<std::int32_t>(inText.size()), 0xFFFD,
+                         nullptr, &error);
     EXPECT_TRUE(U_SUCCESS(error));
     return UTF16String(units.begin(), units.begin() + length);
 }
@@ -43,10 +43,9 @@ UTF16String IcuFold(const UTF16String& inText)
 {
     std::vector<UChar> units(3 * inText.size() + 1);
     UErrorCode error = U_ZERO_ERROR;
-    const std::int32_t length =
-        u_strFoldCase(units.data(), static_cast<std::int32_t>(units.size()),
-                      reinterpret_cast<const UChar*>(inText.data()), static_cast<std::int32_t>(inText.size()),
-                      U_FOLD_CASE_DEFAULT, &error);
+    const std::int32_t length = u_strFoldCase(units.data(), static_cast<std::int32_t>(units.size()),
+                                              reinterpret_cast<const UChar*>(inText.data()),
+                                              static_cast<std::int32_t>(inText.size()), U_FOLD_CASE_DEFAULT, &error);
     EXPECT_TRUE(U_SUCCESS(error));
     return UTF16String(units.begin(), units.begin() + length);
 }

@@ -93,7 +93,8 @@ std::uint32_t RandomPoint(std::mt19937& ioRandom, unsigned inClasses)
     for (;;) {
         const unsigned kind = static_cast<unsigned>(ioRandom() % 4);
         if ((inClasses >> kind & 1) != 0) {
-            const std::uint32_t point = kFirst[kind] + static_cast<std::uint32_t>(ioRandom()) % (kLast[kind] - kFirst[kind] + 1);
+            const std::uint32_t point =
+                kFirst[kind] + static_cast<std::uint32_t>(ioRandom()) % (kLast[kind] - kFirst[kind] + 1);
             if (IsCharacter(point)) {
                 return point;
             }

@@ -59,11 +59,9 @@ constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirect();
 // Null for a code point that becomes one code point.
 const FoldingExpansion* FindExpansion(std::uint32_t inPoint)
 {
-    const FoldingExpansion* const found =
-        std::lower_bound(std::begin(kFoldingExpansions), std::end(kFoldingExpansions), inPoint,
-                         [](const FoldingExpansion& inEntry, std::uint32_t inWanted) {
-                             return inEntry.mCodePoint < inWanted;
-                         });
+    const FoldingExpansion* const found = std::lower_bound(
+        std::begin(kFoldingExpansions), std::end(kFoldingExpansions), inPoint,
+        [](const FoldingExpansion& inEntry, std::uint32_t inWanted) { return inEntry.mCodePoint < inWanted; });
     return found != std::end(kFoldingExpansions) && found->mCodePoint == inPoint ? found : nullptr;
 }
 
@@ -109,8 +107,8 @@ bool FoldAsciiStep(const unsigned short* inText, unsigned short* outText)
     if (_mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) != 0xFFFF) {
         return false;
     }
-    const __m128i isUpper = _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16('A' - 1)),
-                                          _mm_cmplt_epi16(units, _mm_set1_epi16('Z' + 1)));
+    const __m128i isUpper =
+        _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16('A' - 1)), _mm_cmplt_epi16(units, _mm_set1_epi16('Z' + 1)));
     const __m128i folded = _mm_or_si128(units, _mm_and_si128(isUpper, _mm_set1_epi16(0x20)));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(outText), folded);
     return true;

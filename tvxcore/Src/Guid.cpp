@@ -1,6 +1,6 @@
 #include <tvxcore/Guid.h>
 
-#include <TextPlatform.h>
+#include <CorePlatform/Random.h>
 
 #include <system_error>
 
@@ -23,7 +23,7 @@ unsigned short* AppendHex(unsigned short* outText, std::uint64_t inNumber, int i
 Guid Guid::CreateUnique()
 {
     std::uint64_t words[2];
-    if (!platform::FillRandom(words, sizeof(words))) {
+    if (!Platform::FillRandom_Impl(words, sizeof(words))) {
         throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
                                 "Guid::CreateUnique: the system gives no random bytes");
     }

@@ -1,6 +1,6 @@
 #include <tvxcore/Number.h>
 
-#include <TextPlatform.h>
+#include <CorePlatform/NumberFormat.h>
 
 #include <algorithm>
 #include <cmath>
@@ -69,11 +69,11 @@ UTF16String NumberToString(double inNumber, std::size_t inIntegerDigits, std::si
         return inNumber < 0 ? UTF16String({'-', 0x221E}) : UTF16String({0x221E});
     }
     const std::size_t fractionDigits = std::min(inFractionDigits, kMostFractionDigits);
-    platform::NumberStyle style;
+    Platform::NumberStyle style;
     style.mHasLeadingZero = inIntegerDigits != 0;
     style.mIsGrouped = !inFlags.Has(kNumberFlag_NoGrouping);
     style.mFractionDigits = static_cast<unsigned>(fractionDigits);
-    return platform::FormatNumber(Decimal(inNumber, fractionDigits, inPrecision), style, nullptr);
+    return Platform::FormatNumber_Impl(Decimal(inNumber, fractionDigits, inPrecision), style, nullptr);
 }
 
 } // namespace utility

@@ -101,8 +101,8 @@ char ctype<unsigned short>::do_narrow(char_type inUnit, char inDefault) const
     return inUnit <= 0xFF ? static_cast<char>(inUnit) : inDefault;
 }
 
-const unsigned short* ctype<unsigned short>::do_narrow(const char_type* inLow, const char_type* inHigh,
-                                                       char inDefault, char* outText) const
+const unsigned short* ctype<unsigned short>::do_narrow(const char_type* inLow, const char_type* inHigh, char inDefault,
+                                                       char* outText) const
 {
     for (; inLow != inHigh; ++inLow) {
         *outText++ = narrow(*inLow, inDefault);

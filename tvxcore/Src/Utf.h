@@ -26,8 +26,7 @@ using ToUTF16Function = std::size_t(const unsigned char* inText, std::size_t inL
 
 /// Writes the UTF-8 of inText to outText, which holds UTF8Bound(inLength) bytes, likewise. Each unpaired surrogate
 /// becomes U+FFFD.
-using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inLength,
-                                   unsigned char* outText) noexcept;
+using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
 
 /// The fastest that this processor has.
 ToUTF16Function ToUTF16;

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #if defined(_WIN32)
-#  include <windows.h>
+#include <windows.h>
 #else
-#  include <dlfcn.h>
+#include <dlfcn.h>
 #endif
 
 namespace {
@@ -17,8 +17,13 @@ class Plugin
 {
 public:
 #if defined(_WIN32)
-    explicit Plugin(const char* inPath) : mModule(::LoadLibraryA(inPath)) {}
-    ~Plugin() { ::FreeLibrary(mModule); }
+    explicit Plugin(const char* inPath) : mModule(::LoadLibraryA(inPath))
+    {
+    }
+    ~Plugin()
+    {
+        ::FreeLibrary(mModule);
+    }
 
     template <class Function>
     Function* Find(const char* inName) const
@@ -29,8 +34,13 @@ public:
 private:
     HMODULE mModule;
 #else
-    explicit Plugin(const char* inPath) : mModule(::dlopen(inPath, RTLD_NOW | RTLD_LOCAL)) {}
-    ~Plugin() { ::dlclose(mModule); }
+    explicit Plugin(const char* inPath) : mModule(::dlopen(inPath, RTLD_NOW | RTLD_LOCAL))
+    {
+    }
+    ~Plugin()
+    {
+        ::dlclose(mModule);
+    }
 
     template <class Function>
     Function* Find(const char* inName) const

@@ -49,10 +49,7 @@ public:
         return inLeft.mWords[0] == inRight.mWords[0] && inLeft.mWords[1] == inRight.mWords[1];
     }
 
-    friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept
-    {
-        return !(inLeft == inRight);
-    }
+    friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept { return !(inLeft == inRight); }
 
     /// A strict total order, by the first word and then the second; it is not the order of the texts.
     friend constexpr bool operator<(const Guid& inLeft, const Guid& inRight) noexcept

@@ -1,5 +1,5 @@
 // The one source file that knows ICU.
-#include <TextPlatform.h>
+#include <CorePlatform/NumberFormat.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -12,7 +12,8 @@
 #include <utility>
 
 namespace tvxcore {
-namespace platform {
+namespace utility {
+namespace Platform {
 
 namespace {
 
@@ -81,7 +82,7 @@ void Apply(const NumberStyle& inStyle, UNumberFormat* ioFormat)
 
 } // namespace
 
-UTF16String FormatNumber(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale)
+UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale)
 {
     const Format format = OpenFor(inLocale != nullptr ? inLocale : UserLocale());
     // 310 digits with a separator behind each two, and room for signs and marks of direction.
@@ -100,5 +101,6 @@ UTF16String FormatNumber(const std::string& inDecimal, const NumberStyle& inStyl
     return UTF16String(text, text + length);
 }
 
-} // namespace platform
+} // namespace Platform
+} // namespace utility
 } // namespace tvxcore

@@ -1,4 +1,4 @@
-#include <TextPlatform.h>
+#include <CorePlatform/Random.h>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -6,7 +6,8 @@
 #include <unistd.h>
 
 namespace tvxcore {
-namespace platform {
+namespace utility {
+namespace Platform {
 
 namespace {
 
@@ -32,7 +33,7 @@ bool FillFromDevice(unsigned char* outBytes, std::size_t inCount) noexcept
 
 } // namespace
 
-bool FillRandom(void* outBytes, std::size_t inCount) noexcept
+bool FillRandom_Impl(void* outBytes, std::size_t inCount) noexcept
 {
     unsigned char* bytes = static_cast<unsigned char*>(outBytes);
     while (inCount != 0) {
@@ -47,5 +48,6 @@ bool FillRandom(void* outBytes, std::size_t inCount) noexcept
     return true;
 }
 
-} // namespace platform
+} // namespace Platform
+} // namespace utility
 } // namespace tvxcore

@@ -1,6 +1,6 @@
 // The locale's data are the system's; the text is put together here, because the system's own formatting ends at
 // numbers that do not fit its buffers.
-#include <TextPlatform.h>
+#include <CorePlatform/NumberFormat.h>
 
 #include <algorithm>
 #include <cstring>
@@ -10,7 +10,8 @@
 #include <windows.h>
 
 namespace tvxcore {
-namespace platform {
+namespace utility {
+namespace Platform {
 
 namespace {
 
@@ -92,19 +93,21 @@ std::wstring Format(const std::string& inDecimal, const NumberStyle& inStyle, co
         text.clear();
     }
     if (inGroups) {
-        text = Group(text, ParseGrouping(Text(inLocale, LOCALE_SGROUPING, L"3;0")), Text(inLocale, LOCALE_STHOUSAND, L","));
+        text = Group(text, ParseGrouping(Text(inLocale, LOCALE_SGROUPING, L"3;0")),
+                     Text(inLocale, LOCALE_STHOUSAND, L","));
     }
     if (inStyle.mFractionDigits != 0) {
         text += Text(inLocale, LOCALE_SDECIMAL, L".");
         text.append(inDecimal.begin() + static_cast<std::ptrdiff_t>(point) + 1, inDecimal.end());
     }
-    return isNegative ? Negative(text, Text(inLocale, LOCALE_SNEGATIVESIGN, L"-"), Number(inLocale, LOCALE_INEGNUMBER, 1))
-                      : text;
+    return isNegative
+               ? Negative(text, Text(inLocale, LOCALE_SNEGATIVESIGN, L"-"), Number(inLocale, LOCALE_INEGNUMBER, 1))
+               : text;
 }
 
 } // namespace
 
-UTF16String FormatNumber(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale)
+UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale)
 {
     if (inLocale == nullptr) {
         const std::wstring text = Format(inDecimal, inStyle, LOCALE_NAME_USER_DEFAULT, inStyle.mIsGrouped);
@@ -113,10 +116,11 @@ UTF16String FormatNumber(const std::string& inDecimal, const NumberStyle& inStyl
     // The invariant locale is the classic one, but it groups.
     const std::wstring wanted(inLocale, inLocale + std::strlen(inLocale));
     const bool isKnown = ::IsValidLocaleName(wanted.c_str()) != FALSE;
-    const std::wstring text = Format(inDecimal, inStyle, isKnown ? wanted.c_str() : LOCALE_NAME_INVARIANT,
-                                     isKnown && inStyle.mIsGrouped);
+    const std::wstring text =
+        Format(inDecimal, inStyle, isKnown ? wanted.c_str() : LOCALE_NAME_INVARIANT, isKnown && inStyle.mIsGrouped);
     return UTF16String(text.begin(), text.end());
 }
 
-} // namespace platform
+} // namespace Platform
+} // namespace utility
 } // namespace tvxcore

@@ -1,16 +1,18 @@
-#include <TextPlatform.h>
+#include <CorePlatform/Random.h>
 
 #include <windows.h>
 // Needs windows.h before it.
 #include <ntsecapi.h>
 
 namespace tvxcore {
-namespace platform {
+namespace utility {
+namespace Platform {
 
-bool FillRandom(void* outBytes, std::size_t inCount) noexcept
+bool FillRandom_Impl(void* outBytes, std::size_t inCount) noexcept
 {
     return ::RtlGenRandom(outBytes, static_cast<ULONG>(inCount)) != FALSE;
 }
 
-} // namespace platform
+} // namespace Platform
+} // namespace utility
 } // namespace tvxcore

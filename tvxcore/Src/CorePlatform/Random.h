@@ -1,0 +1,15 @@
+// The system's source of random numbers.
+#pragma once
+
+#include <cstddef>
+
+namespace tvxcore {
+namespace utility {
+namespace Platform {
+
+/// Fills outBytes with random bytes that nobody can foresee. False when the system gives none.
+bool FillRandom_Impl(void* outBytes, std::size_t inCount) noexcept;
+
+} // namespace Platform
+} // namespace utility
+} // namespace tvxcore

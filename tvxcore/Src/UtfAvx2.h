@@ -1,0 +1,20 @@
+// What both directions of the AVX2 kernel share.
+#pragma once
+
+#include <immintrin.h>
+
+#define TVX_AVX2 __attribute__((target("avx2,bmi,popcnt")))
+#define TVX_AVX2_INLINE TVX_AVX2 __attribute__((always_inline)) inline
+
+namespace tvxcore {
+namespace utf {
+
+/// Every byte at the place of the one that many places behind it; the first ones become zero.
+template <int kPlaces>
+TVX_AVX2_INLINE __m256i Before(__m256i inBytes)
+{
+    return _mm256_alignr_epi8(inBytes, _mm256_permute2x128_si256(inBytes, inBytes, 0x08), 16 - kPlaces);
+}
+
+} // namespace utf
+} // namespace tvxcore
