@@ -58,7 +58,7 @@ const char* DescribePort_Impl(Handle inPort);
 bool PostEmptyPacket_Impl(Handle inPort);
 
 /// Waits, without a limit, for the next packet. True for a read that succeeded and for an empty packet. False when a
-/// read failed, which outCompletion then names, and when the port itself fails, with null.
+/// read failed, which outCompletion then names, and when the port itself fails or has been closed, with null.
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion);
 
 /// Opens an existing file for reading past the system's cache; others may read and write it meanwhile. Takes the

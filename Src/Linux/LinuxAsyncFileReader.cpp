@@ -215,7 +215,10 @@ SystemError CreatePort_Impl(Handle& outPort)
 
 void ClosePort_Impl(Handle inPort)
 {
-    delete static_cast<PortHandle*>(inPort);
+    if (inPort != nullptr) {
+        PortOf(inPort).Close();
+        delete static_cast<PortHandle*>(inPort);
+    }
 }
 
 const char* DescribePort_Impl(Handle inPort)
@@ -231,7 +234,12 @@ bool PostEmptyPacket_Impl(Handle inPort)
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
 {
     outCompletion = Completion{};
-    return inPort != nullptr && PortOf(inPort).Get(outCompletion);
+    if (inPort == nullptr) {
+        return false;
+    }
+    // A count of our own: a port that is closed while we wait stays until we have left it.
+    const PortHandle port = *static_cast<PortHandle*>(inPort);
+    return port->Get(outCompletion);
 }
 
 SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& outFile)

@@ -26,11 +26,14 @@ inline std::uint64_t PositionOf(const AsyncFiles::Platform::Overlapped& inOverla
     return std::uint64_t{inOverlapped.mPositionHigh} << 32 | inOverlapped.mPositionLow;
 }
 
-/// Reads may be started on any thread, and packets posted; one thread gets the completions.
+/// One thread starts reads, any may post packets, one gets the completions.
 class CompletionPort
 {
 public:
     virtual ~CompletionPort() = default;
+
+    /// From now on Get answers false, also to a thread that is in it: at once or with the next completion.
+    virtual void Close() = 0;
 
     /// 997 when the read is under way or held back, else the error that kept it from starting.
     virtual SystemError Start(const ReadOrder& inOrder) = 0;

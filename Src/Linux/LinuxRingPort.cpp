@@ -5,6 +5,7 @@
 
 #include <Platform/Waiting.h>
 
+#include <atomic>
 #include <cerrno>
 #include <liburing.h>
 #include <mutex>
@@ -71,6 +72,8 @@ public:
         return (parameters.features & IORING_FEAT_RW_CUR_POS) != 0 ? 0 : ENOSYS;
     }
 
+    void Close() override { mIsClosed.store(true); }
+
     SystemError Start(const ReadOrder& inOrder) override
     {
         const std::lock_guard<std::mutex> lock(mSubmitting);
@@ -118,7 +121,7 @@ public:
             if (error == -EINTR || error == -EAGAIN) {
                 continue;
             }
-            if (error != 0) {
+            if (error != 0 || mIsClosed.load()) {
                 return false;
             }
             auto* const overlapped = static_cast<Overlapped*>(::io_uring_cqe_get_data(entry));
@@ -181,6 +184,7 @@ private:
 
     io_uring mRing{};
     bool mIsOpen = false;
+    std::atomic<bool> mIsClosed{false};
     std::mutex mSubmitting; // guards the submission side of the ring; completions belong to the one thread that gets them
 };
 

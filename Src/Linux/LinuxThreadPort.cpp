@@ -84,6 +84,15 @@ public:
         }
     }
 
+    void Close() override
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mIsClosed = true;
+        }
+        mReadEnded.notify_all();
+    }
+
     SystemError Start(const ReadOrder& inOrder) override
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -112,7 +121,10 @@ public:
     {
         outCompletion = Completion{};
         std::unique_lock<std::mutex> lock(mMutex);
-        mReadEnded.wait(lock, [this] { return !mFinished.IsEmpty(); });
+        mReadEnded.wait(lock, [this] { return mIsClosed || !mFinished.IsEmpty(); });
+        if (mIsClosed) {
+            return false;
+        }
         const Finished finished = mFinished.Pop();
         lock.unlock();
         const ReadOrder& order = finished.mOrder;
@@ -194,6 +206,7 @@ private:
     std::vector<Handle> mThreads;
     std::size_t mIdle = 0;
     bool mIsEnding = false;
+    bool mIsClosed = false;
 };
 
 const char* DescriptionFor(int inRefusal)

@@ -1,15 +1,22 @@
 #include <ORLAsyncFileReader.h>
 
-#include "AsyncEngines.h"
-#include "AsyncReadSupport.h"
+#include "AsyncReadsFixture.h"
 
-#include <AsyncFileReaderImpl.h>
 #include <CheckRecorder.h>
 #include <ORLFoundation.h>
+#include <ORLHostPath.h>
+#include <ORLPathUtils.h>
+#include <Sync/Policy.h>
 #include <TextHelpers.h>
+#include <WaitableGatePoolAlgorithm.h>
 
+#include <algorithm>
 #include <atomic>
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <random>
 #include <string>
 #include <thread>
@@ -17,55 +24,6 @@
 
 using namespace ORL;
 using namespace ORLTest;
-
-namespace {
-
-constexpr unsigned kBlock = 65536;
-
-class AsyncReads : public testing::TestWithParam<std::string>
-{
-protected:
-    void SetUp() override
-    {
-        mEngine = UseAsyncEngine(GetParam());
-        StartupAsyncFileOperations();
-    }
-
-    void TearDown() override
-    {
-        TerminateAsyncFileOperations();
-        EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords()) << "every record goes back to the pool";
-    }
-
-    UTF16String MakeClip(const std::string& inName, std::size_t inSize) const
-    {
-        mFolder.MakeFile(inName, MakeContents(inSize));
-        return mFolder.Path(std::u16string(inName.begin(), inName.end()));
-    }
-
-    // Reads one block and waits for it.
-    static Delivered ReadOne(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize,
-                             const AlignedBuffer& inBuffer)
-    {
-        Deliveries deliveries;
-        EXPECT_EQ(0, ioReader.QueueReadRequest(inPosition, inSize, inBuffer.Get(), &Deliveries::OnRead, &deliveries,
-                                               nullptr, nullptr));
-        ioReader.WaitForPendingReads();
-        const std::vector<Delivered> all = deliveries.All();
-        EXPECT_EQ(1u, all.size()) << "the callback has returned when the wait returns";
-        return all.empty() ? Delivered{} : all[0];
-    }
-
-    TempFolder mFolder;
-    std::unique_ptr<AsyncEngine> mEngine;
-};
-
-std::string NameOfEngine(const testing::TestParamInfo<std::string>& inInfo)
-{
-    return inInfo.param;
-}
-
-} // namespace
 
 INSTANTIATE_TEST_SUITE_P(Engine, AsyncReads, testing::ValuesIn(AsyncEngineNames()), NameOfEngine);
 
@@ -158,14 +116,26 @@ TEST_P(AsyncReads, MissingFileAndDirectory_AreRefusedWithTheReaderClosed)
     EXPECT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader)) << "the reader holds no file yet";
 }
 
-TEST_P(AsyncReads, PathOfFourThousandCharacters_IsRefusedOrReadButNeverHangs)
+TEST_P(AsyncReads, PathOfFourThousandCharacters_IsReachedWhereItExists)
 {
-    UTF16String path = mFolder.Path();
-    while (path.size() < 4000) {
-        path += UTF16String(TVX_UTF16("\\")) + UTF16String(100, 'd');
+    UTF16String folder = mFolder.Path();
+    while (folder.size() < 3800) {
+        folder += UTF16String(TVX_UTF16("\\")) + UTF16String(99, 'd');
     }
     AsyncFileReader reader;
-    EXPECT_EQ(-1, AsyncFileReader::Open(path, reader));
+    const UTF16String missing = folder + UTF16String(TVX_UTF16("\\")) + UTF16String(3999 - folder.size(), 'x');
+    EXPECT_EQ(-1, AsyncFileReader::Open(missing, reader));
+
+    // The extended form is what names so long a path on every platform.
+    const UTF16String extended = PathUtils::ToNormalizedPath(missing);
+    std::string host;
+    ASSERT_EQ(kSuccess, PathUtils::ToHostPath(extended, host));
+    const std::filesystem::path path = std::filesystem::u8path(host);
+    std::filesystem::create_directories(path.parent_path());
+    ASSERT_TRUE(std::ofstream(path, std::ios::binary) << MakeContents(kBlock));
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(missing, reader));
+    const AlignedBuffer buffer(kBlock);
+    EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead);
 }
 
 TEST_P(AsyncReads, NothingInFlight_WaitReturnsAtOnceAndCloseMayComeTwice)
@@ -177,6 +147,121 @@ TEST_P(AsyncReads, NothingInFlight_WaitReturnsAtOnceAndCloseMayComeTwice)
     reader.WaitForPendingReads();
     reader.Close();
     reader.Close();
+}
+
+TEST_P(AsyncReads, NothingInFlight_WaitTakesNoGate)
+{
+    using Pool = Sync::WaitableGatePoolAlgorithm<Sync::SystemPolicy>;
+    std::vector<WaitableGate*> gates;
+    do {
+        gates.push_back(WaitableGatePool::RetrieveGate());
+    } while (Pool::sPool->CountIdleGates() != 0);
+    AsyncFileReader reader;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader));
+    reader.WaitForPendingReads();
+    EXPECT_EQ(0u, Pool::sPool->CountIdleGates()) << "a gate that was taken would have come back";
+    for (WaitableGate* gate : gates) {
+        gate->Open();
+        WaitableGatePool::ReturnGate(gate);
+    }
+}
+
+TEST_P(AsyncReads, FileThatShrinks_GivesWhatIsLeft)
+{
+    AsyncFileReader reader;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 4 * kBlock), reader));
+    const AlignedBuffer buffer(kBlock);
+    EXPECT_EQ(kBlock, ReadOne(reader, kBlock, kBlock, buffer).mBytesRead);
+    std::filesystem::resize_file(mFolder.Host() / "clip.mov", kBlock + 5000);
+    const Delivered crossing = ReadOne(reader, kBlock, kBlock, buffer);
+    EXPECT_EQ(kSuccess, crossing.mResult);
+    EXPECT_EQ(5000u, crossing.mBytesRead);
+    EXPECT_EQ(5000u, FirstWrongByte(buffer.Get(), 5000, kBlock));
+}
+
+TEST_P(AsyncReads, AllCallbacks_ComeOneAfterTheOtherOnOneThread)
+{
+    struct Watch
+    {
+        std::atomic<int> mInside{0};
+        std::atomic<int> mOverlaps{0};
+        std::mutex mMutex;
+        std::vector<std::thread::id> mThreads;
+
+        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inWatch,
+                           void*, void*, int)
+        {
+            Watch& watch = *static_cast<Watch*>(inWatch);
+            watch.mOverlaps += ++watch.mInside != 1;
+            std::this_thread::yield();
+            const std::lock_guard<std::mutex> lock(watch.mMutex);
+            watch.mThreads.push_back(std::this_thread::get_id());
+            --watch.mInside;
+        }
+    };
+    Watch watch;
+    AsyncFileReader first;
+    AsyncFileReader second;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("first.mov", kBlock), first));
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("second.mov", kBlock), second));
+    const AlignedBuffer buffer(64 * kReadAlignment);
+    for (unsigned i = 0; i < 64; ++i) {
+        (i % 2 == 0 ? first : second)
+            .QueueReadRequest(0, kReadAlignment, buffer.Get() + i * kReadAlignment, &Watch::OnRead, &watch, nullptr,
+                              nullptr);
+    }
+    first.WaitForPendingReads();
+    second.WaitForPendingReads();
+    EXPECT_EQ(0, watch.mOverlaps.load());
+    ASSERT_EQ(64u, watch.mThreads.size());
+    EXPECT_EQ(64, std::count(watch.mThreads.begin(), watch.mThreads.end(), watch.mThreads[0]));
+    EXPECT_NE(std::this_thread::get_id(), watch.mThreads[0]);
+}
+
+TEST_P(AsyncReads, Callback_MayQueueAtAnotherReader)
+{
+    struct Chain
+    {
+        AsyncFileReader mSecond;
+        AlignedBuffer mBuffer{kBlock};
+        Deliveries mDeliveries;
+
+        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inChain,
+                           void*, void*, int)
+        {
+            Chain& chain = *static_cast<Chain*>(inChain);
+            chain.mSecond.QueueReadRequest(kBlock, kBlock, chain.mBuffer.Get(), &Deliveries::OnRead,
+                                           &chain.mDeliveries, nullptr, nullptr);
+        }
+    };
+    Chain chain;
+    AsyncFileReader first;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("first.mov", kBlock), first));
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("second.mov", 2 * kBlock), chain.mSecond));
+    const AlignedBuffer buffer(kBlock);
+    first.QueueReadRequest(0, kBlock, buffer.Get(), &Chain::OnRead, &chain, nullptr, nullptr);
+    first.WaitForPendingReads();
+    chain.mSecond.WaitForPendingReads();
+    ASSERT_EQ(1u, chain.mDeliveries.All().size());
+    EXPECT_EQ(kBlock, FirstWrongByte(chain.mBuffer.Get(), kBlock, kBlock));
+}
+
+TEST_P(AsyncReads, PositionsBeyondFourGigabytes_AreSplitAndPutTogetherAgain)
+{
+    constexpr std::uint64_t kFar = (std::uint64_t{5} << 30) + kBlock;
+    const UTF16String path = MakeClip("sparse.mov", 10);
+    {
+        std::fstream file(mFolder.Host() / "sparse.mov", std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(static_cast<std::streamoff>(kFar));
+        ASSERT_TRUE(file << "far");
+    }
+    AsyncFileReader reader;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(path, reader));
+    const AlignedBuffer buffer(kBlock);
+    const Delivered far = ReadOne(reader, kFar, kBlock, buffer);
+    EXPECT_EQ(kFar, far.mPosition);
+    EXPECT_EQ(3u, far.mBytesRead);
+    EXPECT_EQ("far", std::string(buffer.Get(), buffer.Get() + 3));
 }
 
 TEST_P(AsyncReads, ClosedReader_CanBeOpenedAgain)
