@@ -3,6 +3,7 @@
 #include "WinText.h"
 
 #include <ORLPathUtils.h>
+#include <PathForms.h>
 #include <tvxcore/Text.h>
 #include <windows.h>
 
@@ -24,6 +25,14 @@ UTF16String AsUTF16(const std::string& inText)
     return tvxcore::utility::UTF8to16(reinterpret_cast<const unsigned char*>(inText.data()), inText.size());
 }
 
+// A drive or a share in extended form, which has a plain form; a volume's own name has none.
+bool HasPlainForm(const UTF16String& inPath)
+{
+    const bool isShare = inPath.compare(0, 8, TVX_UTF16("\\\\?\\UNC\\")) == 0;
+    const bool isDrive = inPath.size() > 6 && inPath[5] == ':' && inPath[6] == '\\' && IsRootedPath(inPath.substr(4));
+    return isShare || (IsNormalizedPath(inPath) && isDrive);
+}
+
 } // namespace
 
 UTF16String FromHostPath(const std::string& inHostPath)
@@ -43,7 +52,7 @@ Result ToHostPath(const UTF16String& inPath, std::string& outHostPath)
     if (inPath.empty()) {
         return kPathNotFound;
     }
-    outHostPath = AsUTF8(IsNormalizedPath(inPath) ? Win::StripUNC(inPath) : inPath);
+    outHostPath = AsUTF8(HasPlainForm(inPath) ? Win::StripUNC(inPath) : inPath);
     return kSuccess;
 }
 

@@ -147,8 +147,8 @@ Shape ShapeOf(const std::string& inPath)
     shape.mIsExtended = inPath.rfind("\\\\?\\", 0) == 0;
     shape.mRest = inPath.substr(shape.mIsExtended ? 4 : 0);
     const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-    shape.mHasDrive = shape.mRest.size() > 1 && letters.find(shape.mRest[0]) != std::string::npos
-                      && shape.mRest[1] == ':';
+    shape.mHasDrive =
+        shape.mRest.size() > 1 && letters.find(shape.mRest[0]) != std::string::npos && shape.mRest[1] == ':';
     return shape;
 }
 

@@ -42,6 +42,15 @@ TEST(ExistsOnDisk, WhatIsNotThere_DoesNot)
     EXPECT_FALSE(ExistsOnDisk(folder.Path(u"f|.txt")));
 }
 
+// Nothing is left of it once its backslash is dropped, and an empty path breaks the contract of the next step.
+TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
+{
+    CheckRecorder recorder;
+    EXPECT_FALSE(ExistsOnDisk(Units(u"\\")));
+    ASSERT_EQ(1u, recorder.Reports(CheckReport::kContract).size());
+    EXPECT_EQ("IsValidPath(inFullPath)", recorder.Reports(CheckReport::kContract)[0].mExpression);
+}
+
 // One trailing backslash is dropped before the file is looked for, so a file is found with it too.
 TEST(ExistsOnDisk, OfAFileWithATrailingBackslash_FindsIt)
 {

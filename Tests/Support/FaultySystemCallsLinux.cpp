@@ -74,7 +74,8 @@ private:
 
 namespace {
 
-FaultySystemCalls::State* sState = nullptr;
+// A thread may still be on its way into a call when the test ends: it keeps the state it found, or goes to the system.
+std::shared_ptr<FaultySystemCalls::State> sState;
 
 template <class Result>
 Result FailErrno(int inErrno)
@@ -111,8 +112,12 @@ Result FailNothing(int)
     result Faulty##name parameters                                                                                     \
     {                                                                                                                  \
         [[maybe_unused]] std::size_t sNoSize = 0;                                                                      \
-        const int error = sState->Enter(FaultySystemCalls::k##name, size);                                             \
-        return error != 0 ? Fail##failure<result>(error) : sState->mUnderneath.m##name arguments;                      \
+        const std::shared_ptr<FaultySystemCalls::State> state = std::atomic_load(&sState);                             \
+        if (state == nullptr) {                                                                                        \
+            return ORL::Linux::kSystem.m##name arguments;                                                              \
+        }                                                                                                              \
+        const int error = state->Enter(FaultySystemCalls::k##name, size);                                              \
+        return error != 0 ? Fail##failure<result>(error) : state->mUnderneath.m##name arguments;                       \
     }
 ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_CALL)
 #undef ORL_FAULTY_CALL
@@ -125,16 +130,16 @@ constexpr SystemCalls kFaulty = {
 
 } // namespace
 
-FaultySystemCalls::FaultySystemCalls() : mState(std::make_unique<State>())
+FaultySystemCalls::FaultySystemCalls() : mState(std::make_shared<State>())
 {
-    sState = mState.get();
+    std::atomic_store(&sState, mState);
     mEarlier = ORL::Linux::InstallSystemCalls(&kFaulty);
 }
 
 FaultySystemCalls::~FaultySystemCalls()
 {
     ORL::Linux::InstallSystemCalls(mEarlier);
-    sState = nullptr;
+    std::atomic_store(&sState, std::shared_ptr<State>());
 }
 
 void FaultySystemCalls::Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount)

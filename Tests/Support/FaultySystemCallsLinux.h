@@ -51,7 +51,7 @@ public:
 
 private:
     const ORL::Linux::SystemCalls* mEarlier;
-    std::unique_ptr<State> mState;
+    std::shared_ptr<State> mState;
 };
 
 } // namespace ORLTest
