@@ -43,7 +43,9 @@ public:
         ORL_INPUT_CONTRACT(sPool);
         Gate* const ret = sPool != nullptr ? sPool->TakeOrMake() : Policy::template New<Gate>();
         ORL_OUTPUT_CONTRACT(ret);
-        ORL_OUTPUT_CONTRACT(kWaitTimeout == ret->Wait(0));
+        if (ret != nullptr) {
+            ORL_OUTPUT_CONTRACT(kWaitTimeout == ret->Wait(0));
+        }
         return ret;
     }
 

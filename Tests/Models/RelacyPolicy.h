@@ -4,6 +4,7 @@
 
 #include <AsyncReadRequestBusyList.h>
 #include <AsyncReadRequestPool.h>
+#include <GateOf.h>
 #include <Sync/Policy.h>
 #include <WaitableGateAlgorithm.h>
 #include <WaitableGatePoolAlgorithm.h>
@@ -79,30 +80,6 @@ public:
     T& Value() { return *this; }
 
     Touched mTouched;
-};
-
-/// The gate under the checker: the fields of WaitableGate in the checker's types.
-template <class Policy>
-class Gate
-{
-public:
-    Gate() : mIsOpen(false) {}
-    ~Gate() { Open(); }
-
-    ORL::Result Wait(int inMilliseconds) { return Algorithm::Wait(*this, inMilliseconds); }
-    void Open() { Algorithm::Open(*this); }
-    void Close() { Algorithm::Close(*this); }
-    std::int32_t CountWaiters() { return Algorithm::CountWaiters(*this); }
-
-private:
-    using Algorithm = ORL::Sync::WaitableGateAlgorithm<Policy>;
-    friend Algorithm;
-
-    typename Policy::Flag mIsOpen;
-    typename Policy::Mutex mMutex;
-    typename Policy::Condition mCondition;
-    Guarded<std::uint32_t> mGeneration;
-    Guarded<std::int32_t> mWaiterCount;
 };
 
 /// A mutex that can be seen through a const reference, as the library's lock can.
@@ -237,7 +214,7 @@ struct RelacyPolicy
     static int SpinTurns() { return kSpins; }
     static void SleepMilliseconds(int) { rl::yield(1, $); }
 
-    using Gate = Model::Gate<RelacyPolicy>;
+    using Gate = ORLTest::GateOf<RelacyPolicy>;
     static Gate* RetrieveGate();
     static void ReturnGate(Gate* inGate);
 };

@@ -11,7 +11,7 @@ using ORL::Sync::Step;
 template <class Policy>
 struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
 {
-    Model::Gate<Policy> mGate;
+    ORLTest::GateOf<Policy> mGate;
 
     void thread(unsigned inIndex)
     {
@@ -34,7 +34,7 @@ struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
 template <class Policy>
 struct PulseReleasesSleepers : rl::test_suite<PulseReleasesSleepers<Policy>, 3>
 {
-    Model::Gate<Policy> mGate;
+    ORLTest::GateOf<Policy> mGate;
 
     void thread(unsigned inIndex)
     {
@@ -59,7 +59,7 @@ struct PulseReleasesSleepers : rl::test_suite<PulseReleasesSleepers<Policy>, 3>
 template <class Policy>
 struct TimedBesideEndless : rl::test_suite<TimedBesideEndless<Policy>, 4>
 {
-    Model::Gate<Policy> mGate;
+    ORLTest::GateOf<Policy> mGate;
 
     void thread(unsigned inIndex)
     {

@@ -1,6 +1,7 @@
 #include <ORLEvent.h>
 
 #include <CheckRecorder.h>
+#include <Stress.h>
 #include <Platform/Event.h>
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::Rounds;
 
 namespace {
 
@@ -115,18 +117,18 @@ TEST(WaitableObject, EachSignal_ReleasesOneOfManyWaiters)
 
 TEST(WaitableObject, WhatWasWrittenBeforeASignal_IsSeenAfterTheWait)
 {
-    constexpr int kRounds = 20000;
+    const int rounds = Rounds(3000);
     WaitableObject filled;
     WaitableObject emptied;
     int slot = 0; // plain on purpose: the events order its use
     std::thread consumer([&] {
-        for (int i = 1; i <= kRounds; ++i) {
+        for (int i = 1; i <= rounds; ++i) {
             filled.WaitForSignal(-1);
             EXPECT_EQ(i, slot);
             emptied.Signal();
         }
     });
-    for (int i = 1; i <= kRounds; ++i) {
+    for (int i = 1; i <= rounds; ++i) {
         slot = i;
         filled.Signal();
         emptied.WaitForSignal(-1);
@@ -136,7 +138,8 @@ TEST(WaitableObject, WhatWasWrittenBeforeASignal_IsSeenAfterTheWait)
 
 TEST(WaitableObject, ReleasedThreadMayDestroyIt_WhileSignalIsOnItsWayOut)
 {
-    for (int i = 0; i < 5000; ++i) {
+    const int rounds = Rounds(1000);
+    for (int i = 0; i < rounds; ++i) {
         auto event = std::make_unique<WaitableObject>();
         std::thread signaller([&event = *event] { event.Signal(); });
         EXPECT_EQ(kSuccess, event->WaitForSignal(-1));
@@ -148,7 +151,7 @@ TEST(WaitableObject, ReleasedThreadMayDestroyIt_WhileSignalIsOnItsWayOut)
 TEST(WaitableObject, WaitsThatTimeOutBesideSignals_LoseNoSignal)
 {
     // Waiters with limits so short that many run out, and one signal at a time: each must reach somebody.
-    constexpr int kSignals = 2000;
+    const int signals = Rounds(1000);
     WaitableObject event;
     std::atomic<int> taken{0};
     std::atomic<bool> stop{false};
@@ -162,7 +165,7 @@ TEST(WaitableObject, WaitsThatTimeOutBesideSignals_LoseNoSignal)
             }
         });
     }
-    for (int i = 1; i <= kSignals; ++i) {
+    for (int i = 1; i <= signals; ++i) {
         event.Signal();
         while (taken != i) {
             std::this_thread::yield();
@@ -172,7 +175,7 @@ TEST(WaitableObject, WaitsThatTimeOutBesideSignals_LoseNoSignal)
     for (std::thread& waiter : waiters) {
         waiter.join();
     }
-    EXPECT_EQ(kSignals, taken);
+    EXPECT_EQ(signals, taken);
 }
 
 TEST(WaitableObject, SystemGivesNoEvent_AssertsAndThrows)

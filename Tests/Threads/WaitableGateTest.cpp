@@ -1,13 +1,20 @@
 #include <ORLWaitableGate.h>
 
+#include <Stress.h>
 #include <WaitableGateAlgorithm.h>
+
+#include <boost/thread/thread.hpp>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <memory>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 using namespace ORL;
+using ORLTest::Rounds;
 
 namespace {
 
@@ -22,7 +29,9 @@ void AwaitSleepers(WaitableGate& ioGate, int inCount)
 
 } // namespace
 
-TEST(WaitableGate, NewGate_IsClosed)
+static_assert(!std::is_polymorphic_v<WaitableGate> && !std::is_copy_constructible_v<WaitableGate>);
+
+TEST(WaitableGate, NewGate_IsClosedAndNobodyWasThere)
 {
     WaitableGate gate;
     EXPECT_EQ(kWaitTimeout, gate.Wait(0));
@@ -30,9 +39,10 @@ TEST(WaitableGate, NewGate_IsClosed)
     EXPECT_EQ(0, Algorithm::CountWaiters(gate));
 }
 
-TEST(WaitableGate, PollOfAnOpenGate_Succeeds)
+TEST(WaitableGate, PollOfAClosedGate_TimesOutAndOfAnOpenOneSucceeds)
 {
     WaitableGate gate;
+    EXPECT_EQ(kWaitTimeout, gate.Wait(0));
     gate.Open();
     EXPECT_EQ(kSuccess, gate.Wait(0));
     EXPECT_EQ(kSuccess, gate.Wait(0)) << "passing does not close it";
@@ -42,7 +52,27 @@ TEST(WaitableGate, PollOfAnOpenGate_Succeeds)
     EXPECT_EQ(kWaitTimeout, gate.Wait(0));
 }
 
-TEST(WaitableGate, OpenedThenClosed_StillReleasesTheSleepers)
+TEST(WaitableGate, OpenAndClose_MayBeRepeated)
+{
+    WaitableGate gate;
+    gate.Close();
+    gate.Open();
+    gate.Open();
+    EXPECT_EQ(kSuccess, gate.Wait(0));
+    gate.Close();
+    gate.Close();
+    EXPECT_EQ(kWaitTimeout, gate.Wait(0));
+}
+
+TEST(WaitableGate, TimedWait_RunsOut)
+{
+    WaitableGate gate;
+    EXPECT_EQ(kWaitTimeout, gate.Wait(1));
+    EXPECT_EQ(kWaitTimeout, gate.Wait(20));
+    EXPECT_EQ(0, Algorithm::CountWaiters(gate));
+}
+
+TEST(WaitableGate, OpenedThenClosed_StillReleasesTheThreeSleepers)
 {
     WaitableGate gate;
     Result results[3] = {kGeneralFailure, kGeneralFailure, kGeneralFailure};
@@ -61,4 +91,157 @@ TEST(WaitableGate, OpenedThenClosed_StillReleasesTheSleepers)
     }
     EXPECT_EQ(kWaitTimeout, gate.Wait(0));
     EXPECT_EQ(1u, Algorithm::GetGeneration(gate));
+}
+
+TEST(WaitableGate, ThreadThatComesAfterTheClose_Sleeps)
+{
+    WaitableGate gate;
+    gate.Open();
+    gate.Close();
+    Result result = kGeneralFailure;
+    std::thread late([&] { result = gate.Wait(-1); });
+    AwaitSleepers(gate, 1);
+    EXPECT_EQ(0u, Algorithm::GetGeneration(gate)) << "the earlier opening found nobody";
+    gate.Open();
+    late.join();
+    EXPECT_EQ(kSuccess, result);
+}
+
+TEST(WaitableGate, OpenWithNoWaiters_LeavesTheGeneration)
+{
+    WaitableGate gate;
+    for (int i = 0; i < 3; ++i) {
+        gate.Open();
+        gate.Close();
+    }
+    EXPECT_EQ(0u, Algorithm::GetGeneration(gate));
+}
+
+TEST(WaitableGate, SleeperWithALimit_IsReleasedByAnOpening)
+{
+    WaitableGate gate;
+    Result result = kGeneralFailure;
+    std::thread sleeper([&] { result = gate.Wait(100000); });
+    AwaitSleepers(gate, 1);
+    gate.Open();
+    sleeper.join();
+    EXPECT_EQ(kSuccess, result);
+}
+
+TEST(WaitableGate, InterruptedSleeper_LeavesAndTheGateStaysUsable)
+{
+    WaitableGate gate;
+    std::atomic<bool> interrupted{false};
+    boost::thread sleeper([&] {
+        try {
+            gate.Wait(-1);
+        } catch (const boost::thread_interrupted&) {
+            interrupted = true;
+        }
+    });
+    AwaitSleepers(gate, 1);
+    sleeper.interrupt();
+    sleeper.join();
+    EXPECT_TRUE(interrupted);
+    EXPECT_EQ(0, Algorithm::CountWaiters(gate));
+    gate.Open();
+    EXPECT_EQ(kSuccess, gate.Wait(-1));
+}
+
+TEST(WaitableGate, GatesOnTheHeap_ComeAndGo)
+{
+    std::vector<std::unique_ptr<WaitableGate>> gates;
+    for (int i = 0; i < 100; ++i) {
+        gates.push_back(std::make_unique<WaitableGate>());
+        EXPECT_EQ(kWaitTimeout, gates.back()->Wait(0));
+    }
+}
+
+TEST(WaitableGate, PingPongOfTwoGates_OrdersWhatWasWritten)
+{
+    const int rounds = Rounds(2000);
+    WaitableGate there;
+    WaitableGate back;
+    int ball = 0; // plain on purpose: the gates order its use
+    std::thread partner([&] {
+        for (int i = 1; i <= rounds; ++i) {
+            EXPECT_EQ(kSuccess, there.Wait(-1));
+            there.Close();
+            EXPECT_EQ(i, ball);
+            back.Open();
+        }
+    });
+    for (int i = 1; i <= rounds; ++i) {
+        ball = i;
+        there.Open();
+        EXPECT_EQ(kSuccess, back.Wait(-1));
+        back.Close();
+    }
+    partner.join();
+}
+
+TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
+{
+    // Each sleeper is counted before the pulse that must release it; nobody may be left behind.
+    const int pulses = Rounds(1000);
+    constexpr int kSleepers = 4;
+    WaitableGate gate;
+    std::atomic<int> released{0};
+    std::atomic<int> pulsesOver{0};
+    std::vector<std::thread> sleepers;
+    for (int i = 0; i < kSleepers; ++i) {
+        sleepers.emplace_back([&, i] {
+            for (int pulse = 0; pulse < pulses; ++pulse) {
+                EXPECT_EQ(kSuccess, gate.Wait(i % 2 == 0 ? -1 : 100000));
+                ++released;
+                while (pulsesOver <= pulse) { // else it might come twice to the same opening
+                    std::this_thread::yield();
+                }
+            }
+        });
+    }
+    for (int pulse = 0; pulse < pulses; ++pulse) {
+        AwaitSleepers(gate, kSleepers);
+        gate.Open();
+        gate.Close();
+        while (released < (pulse + 1) * kSleepers) {
+            std::this_thread::yield();
+        }
+        ++pulsesOver;
+    }
+    for (std::thread& sleeper : sleepers) {
+        sleeper.join();
+    }
+    EXPECT_EQ(static_cast<std::uint32_t>(pulses), Algorithm::GetGeneration(gate));
+}
+
+TEST(WaitableGate, OpenersClosersAndWaitersAtOnce_AllComeToAnEnd)
+{
+    const int rounds = Rounds(3000);
+    WaitableGate gate;
+    std::atomic<int> waitersLeft{3};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < rounds; ++round) {
+                const Result result = gate.Wait(i == 0 ? -1 : i == 1 ? 0 : 1);
+                EXPECT_TRUE(result == kSuccess || (i != 0 && result == kWaitTimeout));
+            }
+            --waitersLeft;
+        });
+    }
+    for (int i = 0; i < 2; ++i) {
+        threads.emplace_back([&] {
+            while (waitersLeft != 0) {
+                gate.Open();
+                gate.Close();
+            }
+            gate.Open();
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0, Algorithm::CountWaiters(gate));
+    EXPECT_EQ(kSuccess, gate.Wait(0));
 }

@@ -1,0 +1,202 @@
+// Gates and waitable objects beside what a host would use instead.
+// Asks: is an open gate as cheap as its one atomic step, and is a sleeper woken no later than by a condition variable?
+#include <ORLEvent.h>
+#include <ORLWaitableGate.h>
+
+#include <Harness.h>
+
+#include <boost/thread/condition_variable.hpp>
+#include <boost/thread/mutex.hpp>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <semaphore.h>
+
+namespace {
+
+/// A ball that two threads throw to each other. A court has two of its doors.
+template <class Door>
+struct Court
+{
+    Door mThere;
+    Door mBack;
+
+    void Play(std::uint64_t inRounds, unsigned inThread)
+    {
+        Door& mine = inThread == 0 ? mBack : mThere;
+        Door& theirs = inThread == 0 ? mThere : mBack;
+        while (inRounds-- != 0) {
+            if (inThread == 0) {
+                theirs.Let();
+                mine.Await();
+            } else {
+                mine.Await();
+                theirs.Let();
+            }
+        }
+    }
+};
+
+struct GateDoor
+{
+    ORL::WaitableGate mGate;
+    void Let() { mGate.Open(); }
+    void Await()
+    {
+        mGate.Wait(-1);
+        mGate.Close();
+    }
+};
+
+struct ConditionDoor
+{
+    boost::mutex mMutex;
+    boost::condition_variable mCondition;
+    bool mIsOpen = false;
+    void Let()
+    {
+        {
+            boost::unique_lock<boost::mutex> lock(mMutex);
+            mIsOpen = true;
+        }
+        mCondition.notify_all(); // outside the lock, which is the faster way
+    }
+    void Await()
+    {
+        boost::unique_lock<boost::mutex> lock(mMutex);
+        while (!mIsOpen) {
+            mCondition.wait(lock);
+        }
+        mIsOpen = false;
+    }
+};
+
+struct EventDoor
+{
+    ORL::WaitableObject mEvent;
+    void Let() { mEvent.Signal(); }
+    void Await() { mEvent.WaitForSignal(-1); }
+};
+
+struct SemaphoreDoor
+{
+    sem_t mSemaphore;
+    SemaphoreDoor() { ::sem_init(&mSemaphore, 0, 0); }
+    ~SemaphoreDoor() { ::sem_destroy(&mSemaphore); }
+    void Let() { ::sem_post(&mSemaphore); }
+    void Await() { ::sem_wait(&mSemaphore); }
+};
+
+/// What a pooled gate saves.
+struct OwnGate
+{
+    std::atomic<bool> mIsOpen{false};
+    boost::mutex mMutex;
+    boost::condition_variable mCondition;
+};
+
+void OpenGates()
+{
+    ORL::WaitableGate gate;
+    gate.Open();
+    std::atomic<std::uint32_t> word{0};
+    const auto exchange = [&](std::uint64_t n) {
+        while (n-- != 0) {
+            std::uint32_t expected = 1;
+            Bench::DoNotOptimize(word.compare_exchange_strong(expected, 2));
+        }
+    };
+    Bench::Group("gate: Wait at an open gate")
+        .Ours("WaitableGate::Wait(-1)", Bench::AtMost(2.0),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      Bench::DoNotOptimize(gate.Wait(-1));
+                  }
+              })
+        .Peer("one locked compare-and-exchange", exchange)
+        .Run();
+    Bench::Group("gate: Open of an open gate")
+        .Ours("WaitableGate::Open", Bench::AtMost(2.0),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      gate.Open();
+                  }
+              })
+        .Peer("one locked compare-and-exchange", exchange)
+        .Run();
+}
+
+void SleepersWoken()
+{
+    Court<GateDoor> gates;
+    Court<ConditionDoor> conditions;
+    Bench::Group("gate: a sleeper woken, ping-pong of two, 2 processors")
+        .Threads(2)
+        .Ours("WaitableGate", Bench::AtMost(1.05), [&](std::uint64_t n, unsigned thread) { gates.Play(n, thread); })
+        .Peer("boost::condition_variable", [&](std::uint64_t n, unsigned thread) { conditions.Play(n, thread); })
+        .Run();
+    Court<EventDoor> events;
+    Court<SemaphoreDoor> semaphores;
+    Bench::Group("waitable object: a sleeper woken, ping-pong of two, 2 processors")
+        .Threads(2)
+        .Ours("WaitableObject", Bench::AtMost(1.1), [&](std::uint64_t n, unsigned thread) { events.Play(n, thread); })
+        .Peer("sem_t", [&](std::uint64_t n, unsigned thread) { semaphores.Play(n, thread); })
+        .Run();
+}
+
+void NobodyWaiting()
+{
+    EventDoor event;
+    SemaphoreDoor semaphore;
+    Bench::Group("waitable object: signal and wait with nobody waiting")
+        .Ours("WaitableObject", Bench::AtMost(1.1),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      event.Let();
+                      event.Await();
+                  }
+              })
+        .Peer("sem_t",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      semaphore.Let();
+                      semaphore.Await();
+                  }
+              })
+        .Run();
+}
+
+void PooledGates()
+{
+    Bench::Group("gate pool: take, open and give back a gate")
+        .Ours("WaitableGatePool", Bench::AtMost(1.0),
+              [](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ORL::WaitableGate* const gate = ORL::WaitableGatePool::RetrieveGate();
+                      gate->Open();
+                      ORL::WaitableGatePool::ReturnGate(gate);
+                  }
+              })
+        .Peer("new and delete of flag, boost::mutex and condition",
+              [](std::uint64_t n) {
+                  while (n-- != 0) {
+                      const auto own = std::make_unique<OwnGate>();
+                      own->mIsOpen.exchange(true);
+                      Bench::DoNotOptimize(own.get());
+                  }
+              })
+        .Run();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Bench::Start(argc, argv);
+    OpenGates();
+    SleepersWoken();
+    NobodyWaiting();
+    PooledGates();
+    return Bench::Finish();
+}

@@ -1,0 +1,109 @@
+// A synchronisation policy for one thread and a script: what happens at each lock, each look and each sleep is told
+// beforehand, and time is a number that the script moves.
+#pragma once
+
+#include <Sync/Policy.h>
+
+#include <deque>
+#include <functional>
+#include <stdexcept>
+#include <vector>
+
+namespace ORLTest {
+
+/// What the policy's operations do and have done. One at a time.
+struct Script
+{
+    Script() { sCurrent = this; }
+    ~Script() { sCurrent = nullptr; }
+
+    /// How a sleep ends. An exception may leave it.
+    enum class Wake { kNotified, kTimeout };
+    using SleepAction = std::function<Wake()>;
+
+    std::deque<SleepAction> mSleeps;                 // one for each sleep to come; a further one is an error
+    std::function<void()> mAtLock = [] {};           // before a mutex is taken
+    std::function<void()> mAtPause = [] {};          // at each turn of a spin
+    std::function<void(int)> mAtSleep = [](int) {};  // at each plain sleep
+    int mSpinTurns = 0;
+
+    long mNow = 0;                  // milliseconds
+    std::vector<int> mLimits;       // of the sleeps so far; -1 is endless
+    int mLocksTaken = 0;
+    int mLocksHeld = 0;
+    int mNotifications = 0;
+
+    Wake NextSleep(int inLimit)
+    {
+        mLimits.push_back(inLimit);
+        if (mSleeps.empty()) {
+            throw std::logic_error("a sleep that the script does not know");
+        }
+        const SleepAction action = mSleeps.front(); // which may give the script other sleeps
+        mSleeps.pop_front();
+        --mLocksHeld;
+        const Relock relock{*this};
+        return action();
+    }
+
+    static Script& Current() { return *sCurrent; }
+
+private:
+    struct Relock
+    {
+        Script& mScript;
+        ~Relock() { ++mScript.mLocksHeld; }
+    };
+
+    static inline Script* sCurrent = nullptr;
+};
+
+struct ScriptedPolicy : ORL::Sync::SystemPolicy
+{
+    struct Mutex
+    {
+    };
+    class MutexLock
+    {
+    public:
+        explicit MutexLock(Mutex&) { lock(); }
+        ~MutexLock()
+        {
+            if (mHeld) {
+                unlock();
+            }
+        }
+        MutexLock(const MutexLock&) = delete;
+        MutexLock& operator=(const MutexLock&) = delete;
+        void lock()
+        {
+            const std::function<void()> action = Script::Current().mAtLock; // which the action itself may replace
+            action();
+            ++Script::Current().mLocksTaken;
+            ++Script::Current().mLocksHeld;
+            mHeld = true;
+        }
+        void unlock()
+        {
+            --Script::Current().mLocksHeld;
+            mHeld = false;
+        }
+
+    private:
+        bool mHeld = false;
+    };
+    struct Condition
+    {
+    };
+    static void SleepOn(Condition&, MutexLock&) { Script::Current().NextSleep(-1); }
+    static bool SleepOnFor(Condition&, MutexLock&, int inMilliseconds)
+    {
+        return Script::Current().NextSleep(inMilliseconds) == Script::Wake::kNotified;
+    }
+    static void NotifyAll(Condition&) { ++Script::Current().mNotifications; }
+    static void Pause() { Script::Current().mAtPause(); }
+    static int SpinTurns() { return Script::Current().mSpinTurns; }
+    static void SleepMilliseconds(int inMilliseconds) { Script::Current().mAtSleep(inMilliseconds); }
+};
+
+} // namespace ORLTest
