@@ -2,7 +2,6 @@
 #pragma once
 
 #include <tvxcore/Config.h>
-#include <tvxcore/SmallBlockCache.h>
 #include <tvxcore/Types.h>
 
 #include <cstddef>
@@ -12,12 +11,7 @@
 namespace tvxcore {
 namespace utility {
 
-/// Process-wide allocator for small blocks. Every operation may be called from any thread, at any time: before static
-/// construction, after static destruction, and in the thread-local destructors of an ending thread.
-///
-/// Blocks up to SmallBlocks::kLargestSmall bytes come from size classes, through caches that belong to the threads;
-/// larger ones are the C library's. Memory of the classes goes back to the system as its clusters fall empty, less what
-/// the caches and the shared stores keep ready. Under AddressSanitizer every block is the C library's.
+/// Process-wide allocator for small blocks. Every operation may be called from any thread.
 class TVXCORE_API SmallBlockAllocator
 {
 public:
@@ -33,16 +27,6 @@ public:
     {
     public:
         /// 18 counters, three for each of six subjects: now, the highest ever, and the sum of all time.
-        ///   System allocations  what was taken from the system or the C library: clusters, the threads' caches, and
-        ///                       blocks too large for a class
-        ///   Small blocks        blocks handed out by the classes; their bytes are the bytes asked for
-        ///   Master blocks       runs of 64 KiB that hold the blocks of one class
-        ///   Clusters            runs of 1 MiB that master blocks are cut from
-        ///
-        /// A current value or total that other threads change at that moment may be short by what they do meanwhile.
-        /// A peak is never below a current value of any snapshot. The peaks of the small blocks are exact while one
-        /// thread allocates and disposes; with several, a peak may exceed the highest value there was by less than
-        /// 16,384 blocks and 16 MiB for each other thread. All other peaks are exact.
         struct Snapshot
         {
             unsigned __int64 mSystemAllocationCountCurrent;
@@ -87,7 +71,7 @@ public:
             if (inCount > (std::numeric_limits<std::size_t>::max)() / sizeof(T)) {
                 throw std::bad_alloc();
             }
-            void* const block = Allocate(inCount * sizeof(T));
+            void* block = Allocate(inCount * sizeof(T));
             if (block == nullptr) {
                 throw std::bad_alloc();
             }
@@ -108,23 +92,6 @@ public:
         }
     };
 };
-
-#if TVXCORE_HAS_SHARED_THREAD_LOCALS
-
-inline void* SmallBlockAllocator::Allocate(std::size_t inSize) noexcept
-{
-    void* const block = SmallBlocks::TakeFromCache(*SmallBlocks::sThreadCache, inSize);
-    return __builtin_expect(block != nullptr, 1) ? block : SmallBlocks::AllocateSlowly(inSize);
-}
-
-inline void SmallBlockAllocator::Dispose(void* inBlock, std::size_t inSize) noexcept
-{
-    if (inBlock != nullptr && !SmallBlocks::GiveToCache(*SmallBlocks::sThreadCache, inBlock, inSize)) {
-        SmallBlocks::DisposeSlowly(inBlock, inSize);
-    }
-}
-
-#endif
 
 } // namespace utility
 } // namespace tvxcore
