@@ -157,29 +157,6 @@ TEST(WaitableGate, GatesOnTheHeap_ComeAndGo)
     }
 }
 
-TEST(WaitableGate, PingPongOfTwoGates_OrdersWhatWasWritten)
-{
-    const int rounds = Rounds(2000);
-    WaitableGate there;
-    WaitableGate back;
-    int ball = 0; // plain on purpose: the gates order its use
-    std::thread partner([&] {
-        for (int i = 1; i <= rounds; ++i) {
-            EXPECT_EQ(kSuccess, there.Wait(-1));
-            there.Close();
-            EXPECT_EQ(i, ball);
-            back.Open();
-        }
-    });
-    for (int i = 1; i <= rounds; ++i) {
-        ball = i;
-        there.Open();
-        EXPECT_EQ(kSuccess, back.Wait(-1));
-        back.Close();
-    }
-    partner.join();
-}
-
 TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
 {
     // Each sleeper is counted before the pulse that must release it; nobody may be left behind.
