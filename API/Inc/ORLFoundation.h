@@ -16,6 +16,7 @@
 #include <ORLConstants.h>
 #include <ORLCriticalSection.h>
 #include <ORLDebug.h>
+#include <ORLDirectory.h>
 #include <ORLDiskUtils.h>
 #include <ORLEvent.h>
 #include <ORLException.h>

@@ -3,13 +3,13 @@
 #include "LinuxErrors.h"
 #include "LinuxHostPath.h"
 #include "LinuxNames.h"
+#include "LinuxOpenFolder.h"
 #include "SystemCalls.h"
 
 #include <HomePathText.h>
 #include <ORLHostPath.h>
 #include <cerrno>
 #include <cstdlib>
-#include <dirent.h>
 
 namespace ORL {
 namespace PathUtils {
@@ -41,55 +41,6 @@ std::string_view LeafOf(const std::string& inPath)
     }
     return path.substr(path.rfind('/') + 1);
 }
-
-// A folder that is open for listing.
-class OpenFolder
-{
-public:
-    explicit OpenFolder(const std::string& inPath)
-        : mFile(System().mOpen(inPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0))
-    {
-    }
-    ~OpenFolder()
-    {
-        if (mFile >= 0) {
-            System().mClose(mFile);
-        }
-    }
-    OpenFolder(const OpenFolder&) = delete;
-    OpenFolder& operator=(const OpenFolder&) = delete;
-
-    bool IsOpen() const noexcept { return mFile >= 0; }
-
-    /// Whether inMatches(name) holds for an entry; "." and ".." are left out. A failure ends the list.
-    template <class Predicate>
-    bool AnyEntry(const Predicate& inMatches)
-    {
-        for (;;) {
-            const ssize_t size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
-            if (size <= 0) {
-                mFailed = size < 0;
-                return false;
-            }
-            for (ssize_t at = 0; at < size;) {
-                const dirent64* entry = reinterpret_cast<const dirent64*>(mBuffer + at);
-                const std::string_view name = entry->d_name;
-                if (name != "." && name != ".." && inMatches(name)) {
-                    return true;
-                }
-                at += entry->d_reclen;
-            }
-        }
-    }
-
-    /// Whether the list came to an early end.
-    bool HasFailed() const noexcept { return mFailed; }
-
-private:
-    int mFile;
-    bool mFailed = false;
-    alignas(dirent64) char mBuffer[16384];
-};
 
 // Whether a name fits a pattern: "*" stands for any run of units, "?" for one. "*.*" fits every name.
 bool Fits(const unsigned short* inName, const unsigned short* inPattern)
@@ -126,7 +77,7 @@ bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
     if (inPattern == TVX_UTF16("*.*")) {
         inPattern = TVX_UTF16("*");
     }
-    OpenFolder folder(path.mPath);
+    OpenFolder folder(path.mPath.c_str());
     // Every folder but a root lists itself too, as "." and "..".
     const bool fitsItself = !path.mIsRoot && inPattern == TVX_UTF16("*");
     return folder.IsOpen() && (fitsItself || folder.AnyEntry([&inPattern](std::string_view inName) {
@@ -171,8 +122,8 @@ bool IsDirectoryEmpty_Impl(const UTF16String& inPath)
     if (ResolveHostPath(inPath, path) != kNoError) {
         return false;
     }
-    OpenFolder folder(path.mPath);
-    return folder.IsOpen() && !folder.AnyEntry([](std::string_view) { return true; }) && !folder.HasFailed();
+    OpenFolder folder(path.mPath.c_str());
+    return folder.IsOpen() && !folder.AnyEntry([](std::string_view) { return true; }) && folder.Failure() == 0;
 }
 
 unsigned long GetFileAttributes_Impl(const UTF16String& inPath)

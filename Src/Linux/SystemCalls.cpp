@@ -41,6 +41,7 @@ constexpr SystemCalls TheSystem()
     calls.mOpen = &Open;
     calls.mClose = &::close;
     calls.mPRead = &::pread;
+    calls.mPWrite = &::pwrite;
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;
     calls.mFStat = &::fstat;
@@ -48,6 +49,7 @@ constexpr SystemCalls TheSystem()
     calls.mStatVfs = &::statvfs;
     calls.mStatFs = &::statfs;
     calls.mMakeDir = &::mkdir;
+    calls.mRemoveDir = &::rmdir;
     calls.mRename = &::rename;
     calls.mUnlink = &::unlink;
     calls.mFAdvise = &::posix_fadvise;

@@ -27,6 +27,8 @@ struct io_uring_cqe;
     X(Close, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
     X(PRead, Errno, ssize_t, (int inFile, void* outBuffer, std::size_t inSize, off_t inPosition),                      \
       (inFile, outBuffer, inSize, inPosition), inSize)                                                                 \
+    X(PWrite, Errno, ssize_t, (int inFile, const void* inBuffer, std::size_t inSize, off_t inPosition),                \
+      (inFile, inBuffer, inSize, inPosition), inSize)                                                                  \
     X(GetDents, Errno, ssize_t, (int inFolder, void* outBuffer, std::size_t inSize), (inFolder, outBuffer, inSize),    \
       sNoSize)                                                                                                         \
     X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
@@ -36,6 +38,7 @@ struct io_uring_cqe;
     X(StatVfs, Errno, int, (const char* inPath, struct statvfs* outStatus), (inPath, outStatus), sNoSize)              \
     X(StatFs, Errno, int, (const char* inPath, struct statfs* outStatus), (inPath, outStatus), sNoSize)                \
     X(MakeDir, Errno, int, (const char* inPath, mode_t inMode), (inPath, inMode), sNoSize)                             \
+    X(RemoveDir, Errno, int, (const char* inPath), (inPath), sNoSize)                                                  \
     X(Rename, Errno, int, (const char* inFrom, const char* inTo), (inFrom, inTo), sNoSize)                             \
     X(Unlink, Errno, int, (const char* inPath), (inPath), sNoSize)                                                     \
     X(FAdvise, Number, int, (int inFile, off_t inPosition, off_t inSize, int inAdvice),                                \

@@ -13,11 +13,14 @@ namespace ORLTest {
 class TempFolder
 {
 public:
-    TempFolder()
+    TempFolder() : TempFolder(std::filesystem::temp_directory_path()) {}
+
+    /// Below a folder of the caller's choice.
+    explicit TempFolder(const std::filesystem::path& inAbove)
     {
         std::random_device random;
         do {
-            mFolder = std::filesystem::temp_directory_path() / ("orl-test-" + std::to_string(random()));
+            mFolder = inAbove / ("orl-test-" + std::to_string(random()));
         } while (!std::filesystem::create_directory(mFolder));
     }
 

@@ -1,0 +1,81 @@
+// A directory as an object: what can be asked of it, and what is made and removed on disk.
+#include <ORLDirectory.h>
+
+#include <PathForms.h>
+#include <Platform/Directory.h>
+#include <Platform/Paths.h>
+
+#include <ORLDebug.h>
+#include <ORLPathUtils.h>
+#include <tvxcore/Guid.h>
+
+namespace ORL {
+
+namespace Platform = Directories::Platform;
+
+Directory::Directory(const UTF16String& inPath) : mPath(inPath)
+{
+}
+
+Directory Directory::ConstructDirectory(const UTF16String& inPath)
+{
+    if (!PathUtils::IsDirectory(inPath)) {
+        throw eNotADirectoryPath();
+    }
+    return Directory(inPath);
+}
+
+UTF16String Directory::AsString() const
+{
+    return mPath;
+}
+
+bool Directory::IsDirectory(const UTF16String& inPath)
+{
+    return PathUtils::IsDirectory(inPath);
+}
+
+bool Directory::IsDirectoryEmpty() const
+{
+    if (!PathUtils::IsDirectory(mPath)) {
+        throw eDirectoryNoLongerValid();
+    }
+    return PathUtils::IsDirectoryEmpty(mPath);
+}
+
+bool Directory::IsDirectoryWriteable() const
+{
+    const UTF16String probe = PathUtils::AddTrailingSlash(mPath) + tvxcore::utility::Guid::CreateUnique().AsString();
+    return Platform::WriteProbe_Impl(PathUtils::ToNormalizedPath(probe));
+}
+
+// The status of the path service goes through the table as it is. It is no number of that table, so every failure
+// comes out as the general one.
+Result Directory::CreateOnDisk(const UTF16String& inPath, bool)
+{
+    const unsigned long status = Platform::PrepareForWrite_Impl(PathUtils::ToNormalizedPath(inPath));
+    return status == 0 ? kSuccess : Win::SystemErrorToORLResult(status);
+}
+
+Result Directory::Delete(const UTF16String& inPath)
+{
+    const SystemError error = Platform::RemoveDirectory_Impl(PathUtils::ToNormalizedPath(inPath));
+    return error == SystemErrors::kNoError ? kSuccess : Win::SystemErrorToORLResult(error);
+}
+
+// A failed query has every bit set, so what cannot be asked counts as read-only.
+bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
+{
+    ORL_INPUT_CONTRACT_AT(IsValidPath(inFullPath), "WinPathUtils", __LINE__);
+    if (!IsRootedPath(inFullPath)) {
+        return false;
+    }
+    if (IsDirectory(inFullPath)) {
+        return !Directory::ConstructDirectory(inFullPath).IsDirectoryWriteable();
+    }
+    const UTF16String path =
+        IsNormalizedPath(inFullPath) ? RemoveTrailingSlash(inFullPath) : ToNormalizedPath(inFullPath);
+    return (PathUtils::Platform::GetFileAttributes_Impl(path) & PathUtils::Platform::kAttributeReadOnly) != 0;
+}
+
+} // namespace ORL

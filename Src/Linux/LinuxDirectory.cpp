@@ -1,0 +1,144 @@
+#include <Platform/Directory.h>
+
+#include "LinuxErrors.h"
+#include "LinuxHostPath.h"
+#include "LinuxNames.h"
+#include "LinuxOpenFolder.h"
+#include "SystemCalls.h"
+
+#include <Platform/Paths.h>
+#include <cerrno>
+#include <cstring>
+
+namespace ORL {
+namespace Directories {
+namespace Platform {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+struct Listing
+{
+    explicit Listing(const char* inPath) : mFolder(inPath) {}
+
+    EntryKind KindOf(const dirent64& inEntry);
+
+    OpenFolder mFolder;
+    // Without the right to search a folder its list can be read, but nothing can be asked of its entries.
+    enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
+};
+
+// One answer stands for all folders in this one.
+EntryKind Listing::KindOf(const dirent64& inEntry)
+{
+    if (inEntry.d_type == DT_UNKNOWN || inEntry.d_type == DT_LNK) {
+        return EntryKind::kUnknown;
+    }
+    if (inEntry.d_type != DT_DIR) {
+        return EntryKind::kOther;
+    }
+    if (mMaySearch == kNotAsked) {
+        struct statx status;
+        const int answer = System().mStatx(mFolder.File(), inEntry.d_name, AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status);
+        mMaySearch = answer == 0 ? kYes : kNo;
+    }
+    return mMaySearch == kYes ? EntryKind::kDirectory : EntryKind::kUnknown;
+}
+
+SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListing)
+{
+    outListing = nullptr;
+    HostPath path;
+    const SystemError error = ResolveHostPath(inDirectory, path);
+    if (error != kNoError) {
+        return error;
+    }
+    Listing* const listing = new Listing(path.mPath.c_str());
+    if (!listing->mFolder.IsOpen()) {
+        const int number = errno;
+        delete listing;
+        return SystemErrorFromErrno(number, path.mPath);
+    }
+    outListing = listing;
+    return kNoError;
+}
+
+bool NextEntry_Impl(Listing& ioListing, Entry& outEntry)
+{
+    const dirent64* entry = ioListing.mFolder.Next();
+    if (entry == nullptr) {
+        return false;
+    }
+    outEntry.mName.clear();
+    AppendUnitsOfName(outEntry.mName, entry->d_name, std::strlen(entry->d_name));
+    outEntry.mKind = ioListing.KindOf(*entry);
+    return true;
+}
+
+void CloseListing_Impl(Listing* inListing)
+{
+    delete inListing;
+}
+
+namespace {
+
+bool GetIdentity(const UTF16String& inPath, struct statx& outStatus)
+{
+    HostPath path;
+    return ResolveHostPath(inPath, path) == kNoError
+           && System().mStatx(AT_FDCWD, path.mPath.c_str(), 0, STATX_TYPE | STATX_INO, &outStatus) == 0;
+}
+
+} // namespace
+
+bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
+{
+    struct statx one;
+    struct statx other;
+    return GetIdentity(inOne, one) && GetIdentity(inOther, other) && one.stx_ino == other.stx_ino
+           && one.stx_dev_major == other.stx_dev_major && one.stx_dev_minor == other.stx_dev_minor;
+}
+
+// The name goes before the byte is written, so that nobody meets the file and no end of the process leaves it.
+bool WriteProbe_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    if (ResolveHostPath(inPath, path) != kNoError) {
+        return false;
+    }
+    const int file = System().mOpen(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file < 0) {
+        return false;
+    }
+    System().mUnlink(path.mPath.c_str());
+    const bool isWritten = System().mPWrite(file, "X", 1, 0) == 1;
+    System().mClose(file);
+    return isWritten;
+}
+
+// A status in the form of the home platform's path service, which says no more than that a path is missing.
+unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
+{
+    constexpr unsigned long kPathNotFoundStatus = 0x80070003;
+    return PathUtils::Platform::PreparePathForWrite_Impl(inPath) ? 0 : kPathNotFoundStatus;
+}
+
+SystemError RemoveDirectory_Impl(const UTF16String& inPath)
+{
+    HostPath path;
+    const SystemError error = ResolveHostPath(inPath, path);
+    if (error != kNoError) {
+        return error;
+    }
+    // The folder of a drive is no entry that could be removed.
+    if (path.mIsRoot) {
+        return kErrorAccessDenied;
+    }
+    return System().mRemoveDir(path.mPath.c_str()) == 0
+               ? kNoError
+               : SystemErrorFromErrno(errno, path.mPath, PathOperation::kRemoveFolder);
+}
+
+} // namespace Platform
+} // namespace Directories
+} // namespace ORL

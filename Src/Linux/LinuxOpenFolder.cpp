@@ -1,0 +1,55 @@
+#include "LinuxOpenFolder.h"
+
+#include <cerrno>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+bool IsItselfOrAbove(const char* inName) noexcept
+{
+    return inName[0] == '.' && (inName[1] == '\0' || (inName[1] == '.' && inName[2] == '\0'));
+}
+
+} // namespace
+
+OpenFolder::OpenFolder(const char* inPath)
+    : mFile(System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0))
+{
+}
+
+OpenFolder::OpenFolder(int inFile) noexcept : mFile(inFile)
+{
+}
+
+OpenFolder::~OpenFolder()
+{
+    if (mFile >= 0) {
+        System().mClose(mFile);
+    }
+}
+
+const dirent64* OpenFolder::Next()
+{
+    while (mAt < mSize || Fill()) {
+        const dirent64* entry = reinterpret_cast<const dirent64*>(mBuffer + mAt);
+        mAt += entry->d_reclen;
+        if (!IsItselfOrAbove(entry->d_name)) {
+            return entry;
+        }
+    }
+    return nullptr;
+}
+
+bool OpenFolder::Fill()
+{
+    const ssize_t size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
+    mFailure = size < 0 ? errno : 0;
+    mAt = 0;
+    mSize = size > 0 ? static_cast<std::size_t>(size) : 0;
+    return size > 0;
+}
+
+} // namespace Linux
+} // namespace ORL
