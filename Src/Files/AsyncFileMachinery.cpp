@@ -6,6 +6,7 @@
 #include <tvxcore/Trace.h>
 
 #include <atomic>
+#include <boost/thread/exceptions.hpp>
 #include <cstddef>
 
 namespace ORL {
@@ -95,6 +96,16 @@ void TracePort()
     }
 }
 
+// Without the thread no read would ever end, so the machinery does not start without it.
+void StartCompletionThread()
+{
+    const SystemError error =
+        StartThread_Impl("ORL Async File Completion", &DrainPort, sCompletionPort, sCompletionThread);
+    if (error != SystemErrors::kNoError) {
+        throw boost::thread_resource_error();
+    }
+}
+
 } // namespace
 
 Handle sCompletionPort = nullptr;
@@ -138,9 +149,9 @@ void StartupAsyncFileOperations()
     }
     CreatePort_Impl(sCompletionPort);
     TracePort();
-    StartThread_Impl("ORL Async File Completion", &DrainPort, sCompletionPort, sCompletionThread);
-    ORL_ASSERT(sReadThreadQueue == NULL);
     try {
+        StartCompletionThread();
+        ORL_ASSERT(sReadThreadQueue == NULL);
         sReadThreadQueue = tvxcore::threads::CreateAsyncThreadedExecutor(
             "WinAsyncFileReader Async Read Thread", 1, 3, boost::function<void()>(), boost::function<void()>());
     } catch (...) {

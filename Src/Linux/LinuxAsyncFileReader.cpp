@@ -7,6 +7,7 @@
 
 #include <Immortal.h>
 #include <Platform/ThreadManager.h>
+#include <Platform/Waiting.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -38,7 +39,35 @@ void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uin
     }
 }
 
+bool IsPassing(int inErrno)
+{
+    return inErrno == EAGAIN || inErrno == EBUSY || inErrno == ENOMEM || inErrno == ENOBUFS;
+}
+
 } // namespace
+
+bool Retries::IsWorthwhile(int inErrno)
+{
+    if (inErrno == EINTR) {
+        return true;
+    }
+    if (!IsPassing(inErrno) || mLeft-- == 0) {
+        return false;
+    }
+    Sync::Platform::SleepMilliseconds_Impl(1);
+    return true;
+}
+
+std::int64_t ReadNow(const ReadOrder& inOrder)
+{
+    Retries retries;
+    ssize_t returned = -1;
+    do {
+        returned = System().mPRead(inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
+                                   static_cast<off_t>(PositionOf(*inOrder.mOverlapped)));
+    } while (returned < 0 && retries.IsWorthwhile(errno));
+    return returned >= 0 ? returned : -static_cast<std::int64_t>(errno);
+}
 
 bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned,
                   Completion& outCompletion)
@@ -62,8 +91,6 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-using PortHandle = std::shared_ptr<CompletionPort>;
-
 constexpr std::uint32_t kSmallestSector = 512;
 constexpr std::uint32_t kLargestSector = 4096;
 
@@ -74,11 +101,6 @@ Immortal<std::shared_ptr<CompletionPort>> sPortOfHeldBack;
 AsyncFile& FileOf(Handle inFile)
 {
     return *static_cast<AsyncFile*>(inFile);
-}
-
-CompletionPort& PortOf(Handle inPort)
-{
-    return **static_cast<PortHandle*>(inPort);
 }
 
 int OpenHostFile(const std::string& inHostPath, int inFlags)
@@ -130,31 +152,34 @@ bool TakesAlignment(const AsyncFile& inFile, std::uint32_t inAlignment)
     return System().mPRead(inFile.mDescriptor, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
 }
 
-void GoThroughCache(AsyncFile& ioFile)
+SystemError GoThroughCache(AsyncFile& ioFile)
 {
     ioFile.mGoesThroughCache = System().mSetFlags(ioFile.mDescriptor, O_RDONLY) == 0;
+    return ioFile.mGoesThroughCache ? kNoError : SystemErrorFromErrno(errno);
 }
 
 // The duty of aligned reads holds for every file, as it does at home, whether or not this one would mind.
-void LearnAlignment(AsyncFile& ioFile)
+SystemError LearnAlignment(AsyncFile& ioFile)
 {
     struct statx status;
     const bool isTold = System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
                         && (status.stx_mask & STATX_DIOALIGN) != 0;
     ioFile.mAlignment = kSmallestSector;
     if (ioFile.mGoesThroughCache) {
-        return;
+        return kNoError;
     }
     if (isTold && status.stx_dio_offset_align == 0) {
-        GoThroughCache(ioFile); // it opened, but has no direct reads for this file
-    } else if (isTold) {
-        ioFile.mAlignment = std::max({kSmallestSector, status.stx_dio_offset_align, status.stx_dio_mem_align});
-    } else if (!TakesAlignment(ioFile, kSmallestSector)) {
-        ioFile.mAlignment = kLargestSector;
-        if (!TakesAlignment(ioFile, kLargestSector)) {
-            GoThroughCache(ioFile);
-        }
+        return GoThroughCache(ioFile); // it opened, but has no direct reads for this file
     }
+    if (isTold) {
+        ioFile.mAlignment = std::max({kSmallestSector, status.stx_dio_offset_align, status.stx_dio_mem_align});
+        return kNoError;
+    }
+    if (TakesAlignment(ioFile, kSmallestSector)) {
+        return kNoError;
+    }
+    ioFile.mAlignment = kLargestSector;
+    return TakesAlignment(ioFile, kLargestSector) ? kNoError : GoThroughCache(ioFile);
 }
 
 bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSize, std::uint64_t inPosition)
@@ -202,11 +227,11 @@ SystemError CreatePort_Impl(Handle& outPort)
     outPort = nullptr;
     try {
         int refusal = 0;
-        PortHandle port = MakeRingPort(refusal);
+        std::shared_ptr<CompletionPort> port = MakeRingPort(refusal);
         if (port == nullptr) {
             port = MakeThreadPort(refusal);
         }
-        outPort = new PortHandle(std::move(port));
+        outPort = OpenPorts::Add(port);
         return kNoError;
     } catch (const std::bad_alloc&) {
         return kErrorNotEnoughMemory;
@@ -215,31 +240,30 @@ SystemError CreatePort_Impl(Handle& outPort)
 
 void ClosePort_Impl(Handle inPort)
 {
-    if (inPort != nullptr) {
-        PortOf(inPort).Close();
-        delete static_cast<PortHandle*>(inPort);
+    const std::shared_ptr<CompletionPort> port = OpenPorts::Remove(inPort);
+    if (port != nullptr) {
+        port->Close();
     }
 }
 
 const char* DescribePort_Impl(Handle inPort)
 {
-    return inPort != nullptr ? PortOf(inPort).Describe() : "nothing";
+    const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
+    return port != nullptr ? port->Describe() : "nothing"; // its text is static
 }
 
 bool PostEmptyPacket_Impl(Handle inPort)
 {
-    return inPort != nullptr && PortOf(inPort).PostEmptyPacket();
+    const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
+    return port != nullptr && port->PostEmptyPacket();
 }
 
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
 {
     outCompletion = Completion{};
-    if (inPort == nullptr) {
-        return false;
-    }
     // A count of our own: a port that is closed while we wait stays until we have left it.
-    const PortHandle port = *static_cast<PortHandle*>(inPort);
-    return port->Get(outCompletion);
+    const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
+    return port != nullptr && port->Get(outCompletion);
 }
 
 SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& outFile)
@@ -256,11 +280,13 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
         return error;
     }
     error = CheckKind(*file);
+    if (error == kNoError) {
+        error = LearnAlignment(*file);
+    }
     if (error != kNoError) {
         System().mClose(file->mDescriptor);
         return error;
     }
-    LearnAlignment(*file);
     outFile = file.release();
     return kNoError;
 }
@@ -273,11 +299,8 @@ void CloseFile_Impl(Handle inFile)
 
 SystemError AttachFile_Impl(Handle inPort, Handle inFile)
 {
-    if (inPort == nullptr) {
-        return kErrorInvalidHandle;
-    }
-    FileOf(inFile).mPort = *static_cast<PortHandle*>(inPort);
-    return kNoError;
+    FileOf(inFile).mPort = OpenPorts::Find(inPort);
+    return FileOf(inFile).mPort != nullptr ? kNoError : kErrorInvalidHandle;
 }
 
 std::uint32_t GetReadAlignment_Impl(Handle inFile)
@@ -324,7 +347,7 @@ SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* in
     sigset_t earlier;
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, &earlier);
-    const int refusal = ::pthread_create(&thread->mThread, nullptr, &RunThread, thread.get());
+    const int refusal = System().mCreateThread(&thread->mThread, nullptr, &RunThread, thread.get());
     ::pthread_sigmask(SIG_SETMASK, &earlier, nullptr);
     if (refusal != 0) {
         return SystemErrorFromErrno(refusal);

@@ -50,6 +50,20 @@ public:
     virtual const char* Describe() const = 0;
 };
 
+/// The open ports of the process, by their handles. A handle says nothing once its port is closed: a thread that still
+/// has it finds no port, and nothing of what the port was. Safe from any thread.
+class OpenPorts
+{
+public:
+    /// Throws std::bad_alloc.
+    static AsyncFiles::Platform::Handle Add(const std::shared_ptr<CompletionPort>& inPort);
+
+    /// Null for a handle without a port.
+    static std::shared_ptr<CompletionPort> Find(AsyncFiles::Platform::Handle inHandle);
+
+    static std::shared_ptr<CompletionPort> Remove(AsyncFiles::Platform::Handle inHandle);
+};
+
 /// A file opened for asynchronous reads. It keeps its port alive.
 struct AsyncFile
 {
@@ -66,6 +80,20 @@ std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
 /// A port over a few threads that call pread, for where the ring is refused for that reason. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
+
+/// Asks a system again that is short of something for a moment, or was interrupted.
+class Retries
+{
+public:
+    /// True when the call that failed with this errno is worth another try; it has waited a little by then.
+    bool IsWorthwhile(int inErrno);
+
+private:
+    int mLeft = 2000; // a millisecond apart
+};
+
+/// Reads on the calling thread: bytes, or an errno negated.
+std::int64_t ReadNow(const ReadOrder& inOrder);
 
 /// What a read that has ended says, from what the system returned: bytes, or an errno negated. False for a failure.
 bool CompleteRead(const AsyncFile& inFile, AsyncFiles::Platform::Overlapped& inOverlapped, std::int64_t inReturned,

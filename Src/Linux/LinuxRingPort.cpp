@@ -3,8 +3,6 @@
 #include "LinuxErrors.h"
 #include "SystemCalls.h"
 
-#include <Platform/Waiting.h>
-
 #include <atomic>
 #include <cerrno>
 #include <liburing.h>
@@ -21,26 +19,28 @@ namespace {
 // for every read that can be in flight, and an empty packet.
 constexpr unsigned kSubmissions = 4 * kMostReadsHeldBack;
 constexpr unsigned kCompletions = 4096;
-constexpr int kTries = 2000; // a kernel short of room for a moment is asked again, a millisecond apart
 
 // Stands for a submission that the kernel did not take.
 Overlapped sWithdrawn{};
 
 // A read passes from the thread that starts it to the one that completes it through the kernel alone, which the
 // language knows nothing of: so the hand-over is spelt out.
-void Publish(Overlapped& ioOverlapped, AsyncFile* inFile)
+// Meanwhile the record holds the whole order; the place of the event, of which there is none, lends room for the size.
+void Publish(const ReadOrder& inOrder)
 {
-    __atomic_store_n(&ioOverlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inFile), __ATOMIC_RELEASE);
+    Overlapped& overlapped = *inOrder.mOverlapped;
+    overlapped.mSystemWord2 = reinterpret_cast<std::uintptr_t>(inOrder.mBuffer);
+    overlapped.mEvent = reinterpret_cast<void*>(std::uintptr_t{inOrder.mSize});
+    __atomic_store_n(&overlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inOrder.mFile), __ATOMIC_RELEASE);
 }
 
-const AsyncFile& TakeUp(const Overlapped& inOverlapped)
+ReadOrder TakeUp(Overlapped& ioOverlapped)
 {
-    return *reinterpret_cast<const AsyncFile*>(__atomic_load_n(&inOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
-}
-
-bool IsPassing(int inError)
-{
-    return inError == EINTR || inError == EAGAIN || inError == EBUSY || inError == ENOMEM || inError == ENOBUFS;
+    auto* const file =
+        reinterpret_cast<AsyncFile*>(__atomic_load_n(&ioOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
+    const auto size = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ioOverlapped.mEvent));
+    ioOverlapped.mEvent = nullptr;
+    return ReadOrder{file, reinterpret_cast<void*>(ioOverlapped.mSystemWord2), size, &ioOverlapped};
 }
 
 class RingPort : public CompletionPort
@@ -72,7 +72,11 @@ public:
         return (parameters.features & IORING_FEAT_RW_CUR_POS) != 0 ? 0 : ENOSYS;
     }
 
-    void Close() override { mIsClosed.store(true); }
+    void Close() override
+    {
+        mIsClosed.store(true);
+        PostEmptyPacket(); // wakes a thread that waits in Get
+    }
 
     SystemError Start(const ReadOrder& inOrder) override
     {
@@ -81,7 +85,7 @@ public:
         if (entry == nullptr) {
             return SystemErrors::kErrorBusy;
         }
-        Publish(*inOrder.mOverlapped, inOrder.mFile);
+        Publish(inOrder);
         ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
                              PositionOf(*inOrder.mOverlapped));
         ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
@@ -115,10 +119,11 @@ public:
     bool Get(Completion& outCompletion) override
     {
         outCompletion = Completion{};
+        Retries retries;
         for (;;) {
             io_uring_cqe* entry = nullptr;
             const int error = System().mUringWaitCqe(&mRing, &entry);
-            if (error == -EINTR || error == -EAGAIN) {
+            if (error != 0 && retries.IsWorthwhile(-error)) {
                 continue;
             }
             if (error != 0 || mIsClosed.load()) {
@@ -131,7 +136,7 @@ public:
                 return true;
             }
             if (overlapped != &sWithdrawn) {
-                return CompleteRead(TakeUp(*overlapped), *overlapped, returned, outCompletion);
+                return Complete(TakeUp(*overlapped), returned, outCompletion);
             }
         }
     }
@@ -139,6 +144,14 @@ public:
     const char* Describe() const override { return "io_uring"; }
 
 private:
+    // The kernel gives a read up when a signal or a shortage meets it; that is no failure of the read.
+    static bool Complete(const ReadOrder& inOrder, int inReturned, Completion& outCompletion)
+    {
+        const bool isGivenUp = inReturned < 0 && Retries().IsWorthwhile(-inReturned);
+        return CompleteRead(*inOrder.mFile, *inOrder.mOverlapped, isGivenUp ? ReadNow(inOrder) : inReturned,
+                            outCompletion);
+    }
+
     // Null when entries that the kernel does not take fill the queue.
     io_uring_sqe* TakeEntry()
     {
@@ -149,19 +162,17 @@ private:
     // Hands the kernel what is queued: 0, or the errno for which it took no more. The lock is held.
     int Submit()
     {
-        int error = 0;
-        for (int attempt = 0; attempt < kTries; ++attempt) {
+        Retries retries;
+        for (;;) {
             const int taken = System().mUringSubmit(&mRing);
             if (::io_uring_sq_ready(&mRing) == 0) {
                 return 0;
             }
-            error = taken < 0 ? -taken : EAGAIN;
-            if (!IsPassing(error)) {
-                break;
+            const int error = taken < 0 ? -taken : EAGAIN;
+            if (!retries.IsWorthwhile(error)) {
+                return error;
             }
-            Sync::Platform::SleepMilliseconds_Impl(error == EINTR ? 0 : 1);
         }
-        return error;
     }
 
     // An entry that the kernel did not take cannot be removed, but it can be made harmless; it goes with a later one.

@@ -1,7 +1,5 @@
 #include "LinuxCompletionPort.h"
 
-#include "SystemCalls.h"
-
 #include <array>
 #include <cerrno>
 #include <condition_variable>
@@ -170,20 +168,6 @@ private:
         }
         outOrder = mOrders.Pop();
         return true;
-    }
-
-    static std::int64_t ReadNow(const ReadOrder& inOrder)
-    {
-        for (;;) {
-            const ssize_t returned = System().mPRead(inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
-                                                     static_cast<off_t>(PositionOf(*inOrder.mOverlapped)));
-            if (returned >= 0) {
-                return returned;
-            }
-            if (errno != EINTR) {
-                return -static_cast<std::int64_t>(errno);
-            }
-        }
     }
 
     bool Report(const Finished& inFinished)

@@ -59,6 +59,7 @@ constexpr SystemCalls TheSystem()
     calls.mAdvisePages = &::madvise;
     calls.mUnmapPages = &::munmap;
     calls.mClockGetTime = &::clock_gettime;
+    calls.mCreateThread = &::pthread_create;
     calls.mUringQueueInit = &::io_uring_queue_init_params;
     calls.mUringSubmit = &::io_uring_submit;
     calls.mUringWaitCqe = &WaitCqe;

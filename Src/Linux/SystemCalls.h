@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
@@ -49,6 +50,9 @@ struct io_uring_cqe;
     X(AdvisePages, Errno, int, (void* inPages, std::size_t inSize, int inAdvice), (inPages, inSize, inAdvice), sNoSize) \
     X(UnmapPages, Errno, int, (void* inPages, std::size_t inSize), (inPages, inSize), sNoSize)                        \
     X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \
+    X(CreateThread, Number, int,                                                                                       \
+      (pthread_t * outThread, const pthread_attr_t* inAttributes, void* (*inBody)(void*), void* inArgument),           \
+      (outThread, inAttributes, inBody, inArgument), sNoSize)                                                          \
     X(UringQueueInit, Negative, int, (unsigned inEntries, io_uring* outRing, io_uring_params* ioParameters),           \
       (inEntries, outRing, ioParameters), sNoSize)                                                                     \
     X(UringSubmit, Negative, int, (io_uring * ioRing), (ioRing), sNoSize)                                              \

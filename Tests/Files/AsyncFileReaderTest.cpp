@@ -363,7 +363,7 @@ TEST_P(AsyncReads, AllRecordsInFlightAndOneMore_TheOneMoreWaitsUntilOneHasComple
     constexpr unsigned kRecords = 2048;
     AsyncFileReader reader;
     ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", kReadAlignment), reader));
-    const AlignedBuffer buffer(kReadAlignment);
+    const AlignedBuffer buffer((kRecords + 1) * kReadAlignment);
     struct Hold
     {
         std::mutex mMutex;
@@ -382,12 +382,14 @@ TEST_P(AsyncReads, AllRecordsInFlightAndOneMore_TheOneMoreWaitsUntilOneHasComple
     };
     Hold hold;
     for (unsigned i = 0; i < kRecords; ++i) {
-        ASSERT_EQ(0, reader.QueueReadRequest(0, kReadAlignment, buffer.Get(), &Hold::OnRead, &hold, nullptr, nullptr));
+        ASSERT_EQ(0, reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + i * kReadAlignment, &Hold::OnRead, &hold,
+                                             nullptr, nullptr));
     }
     EXPECT_EQ(kRecords, TheAsyncReadRequests().CountBusyRecords());
     std::atomic<bool> hasReturned{false};
     std::thread oneMore([&] {
-        reader.QueueReadRequest(0, kReadAlignment, buffer.Get(), &Hold::OnRead, &hold, nullptr, nullptr);
+        reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + kRecords * kReadAlignment, &Hold::OnRead, &hold,
+                                nullptr, nullptr);
         EXPECT_GT(hold.mCalls.load(), 0u) << "a record was given back first";
         hasReturned = true;
     });

@@ -1,0 +1,73 @@
+#include "LinuxCompletionPort.h"
+
+#include <Immortal.h>
+
+#include <mutex>
+#include <utility>
+
+namespace ORL {
+namespace Linux {
+
+using AsyncFiles::Platform::Handle;
+
+namespace {
+
+struct OpenPort
+{
+    Handle mHandle;
+    std::shared_ptr<CompletionPort> mPort;
+    std::unique_ptr<OpenPort> mNext;
+};
+
+// A process has one port; only a test has a few.
+struct PortList
+{
+    std::mutex mMutex; // a leaf lock
+    std::unique_ptr<OpenPort> mFirst;
+    std::uintptr_t mLastNumber = 0; // of all ports there have been, so that no handle comes twice
+};
+
+// A thread that nobody waited for may still ask at the end of the process.
+Immortal<PortList> sPorts;
+
+// Where the port hangs in the list, or the null at its end. The lock is held.
+std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle)
+{
+    std::unique_ptr<OpenPort>* place = &sPorts.mValue.mFirst;
+    while (*place != nullptr && (*place)->mHandle != inHandle) {
+        place = &(*place)->mNext;
+    }
+    return *place;
+}
+
+} // namespace
+
+Handle OpenPorts::Add(const std::shared_ptr<CompletionPort>& inPort)
+{
+    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    const Handle handle = reinterpret_cast<Handle>(++sPorts.mValue.mLastNumber);
+    PlaceOf(handle).reset(new OpenPort{handle, inPort, nullptr});
+    return handle;
+}
+
+std::shared_ptr<CompletionPort> OpenPorts::Find(Handle inHandle)
+{
+    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    const std::unique_ptr<OpenPort>& place = PlaceOf(inHandle);
+    return place != nullptr ? place->mPort : nullptr;
+}
+
+std::shared_ptr<CompletionPort> OpenPorts::Remove(Handle inHandle)
+{
+    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    std::unique_ptr<OpenPort>& place = PlaceOf(inHandle);
+    if (place == nullptr) {
+        return nullptr;
+    }
+    const std::unique_ptr<OpenPort> removed = std::move(place);
+    place = std::move(removed->mNext);
+    return removed->mPort;
+}
+
+} // namespace Linux
+} // namespace ORL

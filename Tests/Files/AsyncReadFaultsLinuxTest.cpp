@@ -1,0 +1,287 @@
+// Every system call on the road of a read fails once, at each place where the road makes it, with each of the errors
+// that a system short of something gives. Whatever fails: what is delivered is right, nothing is lost or left open,
+// and the next reads work.
+#include "AsyncReadsFixture.h"
+
+#include <CheckRecorder.h>
+#include <FaultySystemCallsLinux.h>
+#include <ProcessThreads.h>
+
+#include <boost/thread/exceptions.hpp>
+
+#include <cerrno>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <liburing.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+using Call = FaultySystemCalls::Call;
+
+constexpr unsigned kReads = 3;
+constexpr int kErrors[] = {EINTR, EAGAIN, EIO, ENOMEM, ENOSPC, EMFILE};
+
+std::size_t CountOpenFiles()
+{
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        ++count;
+    }
+    return count;
+}
+
+/// What one start, one open file, a few reads and one stop came to.
+struct Journey
+{
+    bool mHasStarted = false;
+    int mOpened = 0;
+    std::vector<Delivered> mDelivered;
+    unsigned mCalls[FaultySystemCalls::kCallCount] = {};
+
+    bool IsWhole() const
+    {
+        bool isWhole = mHasStarted && mOpened == kSuccess && mDelivered.size() == kReads;
+        for (const Delivered& delivered : mDelivered) {
+            isWhole = isWhole && delivered.mResult == kSuccess && delivered.mBytesRead == kBlock;
+        }
+        return isWhole;
+    }
+};
+
+// The system closes a file also where it reports a failure of that.
+unsigned sClosesUntilFailure = 0;
+int sCloseErrno = 0;
+
+int CloseAndFail(int inFile)
+{
+    const int result = ::close(inFile);
+    if (sClosesUntilFailure == 0 || --sClosesUntilFailure != 0) {
+        return result;
+    }
+    errno = sCloseErrno;
+    return -1;
+}
+
+// A completion that comes with a failure, from the ring.
+int sCompletionErrno = 0;
+
+int WaitForFailedCompletion(io_uring* ioRing, io_uring_cqe** outCompletion)
+{
+    const int error = ORL::Linux::kSystem.mUringWaitCqe(ioRing, outCompletion);
+    if (error == 0 && sCompletionErrno != 0 && ::io_uring_cqe_get_data(*outCompletion) != nullptr) {
+        (*outCompletion)->res = -sCompletionErrno;
+        sCompletionErrno = 0;
+    }
+    return error;
+}
+
+class AsyncReadFaults : public testing::TestWithParam<std::string>
+{
+protected:
+    void SetUp() override
+    {
+        mFolder.MakeFile("clip.mov", MakeContents(kReads * kBlock));
+        mPath = mFolder.Path(u"clip.mov");
+        mThreads = CountProcessThreads();
+        mFiles = CountOpenFiles();
+    }
+
+    int RefusalOfTheRing() const
+    {
+        return GetParam() == "RingForbidden" ? EPERM : GetParam() == "RingAbsent" ? ENOSYS : 0;
+    }
+
+    template <class Plan>
+    Journey Travel(const Plan& inPlan)
+    {
+        Journey journey;
+        CheckRecorder refusedPacketsAreReported;
+        FaultySystemCalls calls;
+        if (RefusalOfTheRing() != 0) {
+            calls.Fail(FaultySystemCalls::kUringQueueInit, 1, RefusalOfTheRing(), FaultySystemCalls::kForEver);
+        }
+        inPlan(calls);
+        try {
+            StartupAsyncFileOperations();
+            journey.mHasStarted = true;
+        } catch (const boost::thread_resource_error&) {
+        }
+        if (journey.mHasStarted) {
+            Read(journey);
+            TerminateAsyncFileOperations();
+        }
+        for (unsigned call = 0; call < FaultySystemCalls::kCallCount; ++call) {
+            journey.mCalls[call] = calls.Count(static_cast<Call>(call));
+        }
+        WaitForProcessThreads(mThreads);
+        return journey;
+    }
+
+    Journey Travel()
+    {
+        return Travel([](FaultySystemCalls&) {});
+    }
+
+    void Read(Journey& ioJourney)
+    {
+        Deliveries deliveries;
+        AsyncFileReader reader;
+        ioJourney.mOpened = AsyncFileReader::Open(mPath, reader);
+        if (ioJourney.mOpened == -1) {
+            return; // any other failure leaves the file open
+        }
+        for (unsigned i = 0; i < kReads; ++i) {
+            reader.QueueReadRequest(i * kBlock, kBlock, mBuffer.Get() + i * kBlock, &Deliveries::OnRead, &deliveries,
+                                    nullptr, nullptr);
+        }
+        reader.WaitForPendingReads();
+        ioJourney.mDelivered = deliveries.All();
+    }
+
+    void ExpectRightAndNothingLost(const Journey& inJourney)
+    {
+        if (inJourney.mHasStarted && inJourney.mOpened != -1) {
+            EXPECT_EQ(kReads, inJourney.mDelivered.size());
+        }
+        for (const Delivered& delivered : inJourney.mDelivered) {
+            if (delivered.mResult == kSuccess) {
+                EXPECT_EQ(kBlock, delivered.mBytesRead);
+                EXPECT_EQ(kBlock, FirstWrongByte(static_cast<unsigned char*>(delivered.mBuffer), kBlock,
+                                                 delivered.mPosition));
+            } else {
+                EXPECT_FALSE(ResultSucceeded(delivered.mResult));
+                EXPECT_EQ(0u, delivered.mBytesRead);
+            }
+        }
+        EXPECT_EQ(mFiles, CountOpenFiles());
+        EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords());
+    }
+
+    // The calls that can fail; to leave the ring cannot.
+    static bool CanFail(Call inCall) { return inCall != FaultySystemCalls::kUringQueueExit; }
+
+    // A read or a port that fails for good ends the completion thread; that is shown elsewhere.
+    static bool EndsTheMachinery(Call inCall, int inErrno)
+    {
+        const bool isPassing = inErrno == EINTR || inErrno == EAGAIN || inErrno == ENOMEM;
+        return (inCall == FaultySystemCalls::kPRead || inCall == FaultySystemCalls::kUringWaitCqe) && !isPassing;
+    }
+
+    TempFolder mFolder;
+    UTF16String mPath;
+    AlignedBuffer mBuffer{kReads * kBlock};
+    unsigned mThreads = 0;
+    std::size_t mFiles = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Engine, AsyncReadFaults, testing::ValuesIn(AsyncEngineNames()), NameOfEngine);
+
+} // namespace
+
+TEST_P(AsyncReadFaults, WithoutAFault_TheRoadMakesTheCallsThatAreMadeToFail)
+{
+    const Journey journey = Travel();
+    EXPECT_TRUE(journey.IsWhole());
+    ExpectRightAndNothingLost(journey);
+    for (const Call call : {FaultySystemCalls::kOpen, FaultySystemCalls::kClose, FaultySystemCalls::kStatx,
+                            FaultySystemCalls::kFStat, FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread,
+                            FaultySystemCalls::kUringQueueInit,
+                            RefusalOfTheRing() == 0 ? FaultySystemCalls::kUringSubmit : FaultySystemCalls::kPRead}) {
+        EXPECT_GT(journey.mCalls[call], 0u) << "call " << call;
+    }
+}
+
+TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextReadsWork)
+{
+    const Journey clean = Travel();
+    for (unsigned number = 0; number < FaultySystemCalls::kCallCount; ++number) {
+        const Call call = static_cast<Call>(number);
+        for (unsigned at = 1; at <= clean.mCalls[number]; ++at) {
+            for (const int error : kErrors) {
+                if (!CanFail(call) || EndsTheMachinery(call, error)) {
+                    continue;
+                }
+                SCOPED_TRACE("call " + std::to_string(number) + " number " + std::to_string(at) + " fails with errno "
+                             + std::to_string(error));
+                ExpectRightAndNothingLost(Travel([&](FaultySystemCalls& ioCalls) {
+                    sClosesUntilFailure = call == FaultySystemCalls::kClose ? at : 0;
+                    sCloseErrno = error;
+                    ioCalls.Underneath().mClose = &CloseAndFail;
+                    if (call != FaultySystemCalls::kClose) {
+                        ioCalls.Fail(call, at, error);
+                    }
+                }));
+                EXPECT_TRUE(Travel().IsWhole()) << "the next reads";
+            }
+        }
+    }
+}
+
+// A system that is short of something for a moment costs no read.
+TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
+{
+    for (const int error : {EINTR, EAGAIN, EBUSY, ENOMEM}) {
+        for (const Call call : {FaultySystemCalls::kPRead, FaultySystemCalls::kUringSubmit,
+                                FaultySystemCalls::kUringWaitCqe}) {
+            SCOPED_TRACE("call " + std::to_string(call) + ", errno " + std::to_string(error));
+            EXPECT_TRUE(Travel([&](FaultySystemCalls& ioCalls) { ioCalls.Fail(call, 1, error, 3); }).IsWhole());
+        }
+        SCOPED_TRACE("a completion, errno " + std::to_string(error));
+        sCompletionErrno = error;
+        EXPECT_TRUE(Travel([](FaultySystemCalls& ioCalls) {
+                        ioCalls.Underneath().mUringWaitCqe = &WaitForFailedCompletion;
+                    }).IsWhole());
+        EXPECT_EQ(RefusalOfTheRing() == 0 ? 0 : error, sCompletionErrno) << "the ring has given it";
+        sCompletionErrno = 0;
+    }
+}
+
+// The kernel refuses what it is given, for good: the callbacks of those reads say so.
+TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
+{
+    if (RefusalOfTheRing() != 0) {
+        return; // there is nothing to refuse
+    }
+    const Journey journey = Travel([](FaultySystemCalls& ioCalls) {
+        ioCalls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO);
+    });
+    ExpectRightAndNothingLost(journey);
+    EXPECT_FALSE(journey.mDelivered.empty());
+    EXPECT_FALSE(journey.IsWhole());
+}
+
+TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
+{
+    const Journey journey = Travel([](FaultySystemCalls& ioCalls) {
+        ioCalls.Fail(FaultySystemCalls::kCreateThread, 1, EAGAIN);
+    });
+    EXPECT_FALSE(journey.mHasStarted);
+    ExpectRightAndNothingLost(journey);
+    EXPECT_TRUE(Travel().IsWhole());
+}
+
+// The completion thread still ends, though it was not waited for.
+TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEndsAllTheSame)
+{
+    if (RefusalOfTheRing() != 0) {
+        return; // the packet is ours alone
+    }
+    CheckRecorder recorder;
+    {
+        FaultySystemCalls calls;
+        StartupAsyncFileOperations();
+        calls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO);
+        TerminateAsyncFileOperations();
+        WaitForProcessThreads(mThreads);
+    }
+    const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kAssert);
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ("result", reports[0].mExpression);
+    EXPECT_EQ(mFiles, CountOpenFiles());
+}
