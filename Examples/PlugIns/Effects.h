@@ -1,0 +1,54 @@
+// What the host and its plug-ins know of each other: one interface, one category, and the function that a plug-in exports.
+#pragma once
+
+#include <ORLFoundation.h>
+
+#include <stdexcept>
+#include <vector>
+
+/// Something that changes sound.
+class IEffect : public ORL::ORLUnknown
+{
+public:
+    static constexpr ORL::Guid kInterfaceID{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x01};
+
+    virtual const char* GetName() const = 0;
+    virtual void Apply(std::vector<float>& ioSamples) = 0;
+};
+
+using EffectRef = ORL::InterfaceRef<IEffect>;
+using UnknownRef = ORL::InterfaceRef<ORL::ORLUnknown>;
+
+/// The category under which the host looks for effects.
+inline constexpr ORL::Guid kEffects{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x02};
+
+/// Turns the sound upside down. The levels plug-in registers it; who knows the identifier may use it.
+inline constexpr ORL::Guid kInvertEffect{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x03};
+
+/// A class of the register is an ORLUnknown until it is asked.
+inline EffectRef AsEffect(const UnknownRef& inObject)
+{
+    void* found = nullptr;
+    if (!ORL::ResultSucceeded(inObject->QueryInterface(IEffect::kInterfaceID, &found))) {
+        throw std::runtime_error("the class is no effect");
+    }
+    const EffectRef effect(static_cast<IEffect*>(static_cast<ORL::ORLUnknown*>(found)));
+    effect->Release(); // the count that came with the answer
+    return effect;
+}
+
+/// What ORL::ClassFactory wants to know of a class: how to make one, and that it is an effect.
+template <class Effect>
+void CreateEffect(UnknownRef& outRef)
+{
+    outRef = UnknownRef(new Effect);
+}
+
+inline void InEffects(std::vector<ORL::Guid>& outCategories)
+{
+    outCategories.push_back(kEffects);
+}
+
+/// The name of the function that each plug-in exports, and its shape. The host calls it once, on its main thread.
+inline constexpr char kRegisterEffects[] = "RegisterEffects";
+using RegisterEffectsFunction = void();

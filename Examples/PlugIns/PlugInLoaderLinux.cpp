@@ -1,0 +1,33 @@
+#include "PlugInLoader.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+std::string WithEnding(const std::string& inName)
+{
+    const std::string ending = ".so";
+    const bool hasIt = inName.size() > ending.size()
+                       && inName.compare(inName.size() - ending.size(), ending.size(), ending) == 0;
+    return hasIt ? inName : inName + ending;
+}
+
+[[noreturn]] void Fail()
+{
+    throw std::runtime_error(::dlerror());
+}
+
+} // namespace
+
+RegisterEffectsFunction* LoadPlugIn(const std::string& inName)
+{
+    void* const module = ::dlopen(WithEnding(inName).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr) {
+        Fail();
+    }
+    void* const function = ::dlsym(module, kRegisterEffects);
+    if (function == nullptr) {
+        Fail();
+    }
+    return reinterpret_cast<RegisterEffectsFunction*>(function);
+}
