@@ -160,6 +160,7 @@ struct RelacyPolicy
                                             static_cast<std::uint32_t>(inNew));
     }
     static std::uint32_t Increment(Word& ioTarget) { return ioTarget($).fetch_add(1, rl::mo_seq_cst) + 1; }
+    static std::uint32_t Decrement(Word& ioTarget) { return ioTarget($).fetch_sub(1, rl::mo_seq_cst) - 1; }
     static std::uint32_t Exchange(Word& ioTarget, std::uint32_t inNew)
     {
         return ioTarget($).exchange(inNew, rl::mo_seq_cst);

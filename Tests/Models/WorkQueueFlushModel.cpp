@@ -1,0 +1,271 @@
+// The rendezvous of a flush, as it ships, under a model checker: a queue of two threads, two threads that flush it.
+#include <ModelRun.h>
+
+#include <WorkQueueFlushAlgorithm.h>
+
+#include <cstdint>
+#include <type_traits>
+
+namespace {
+
+using ORL::Sync::Step;
+
+constexpr std::uint32_t kThreads = 2;
+constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
+
+/// An atomic value and what it holds, to be looked at without the checker switching threads.
+template <class T>
+struct Watched : rl::atomic<T>
+{
+    explicit Watched(T inValue) : rl::atomic<T>(inValue), mShadow(inValue) {}
+    T mShadow;
+};
+
+/// Called behind every operation on an atomic value: nothing else runs in between.
+class Watcher
+{
+public:
+    virtual void Look() = 0;
+
+protected:
+    ~Watcher() = default;
+};
+Watcher* sWatcher = nullptr;
+
+template <class T>
+void Note(Watched<T>& ioTarget, T inValue)
+{
+    ioTarget.mShadow = inValue;
+    if (sWatcher != nullptr) {
+        sWatcher->Look();
+    }
+}
+
+template <Step... kLeftOut>
+struct FlushPolicy : Model::RelacyPolicy<0, kLeftOut...>
+{
+    using Checked = Model::RelacyPolicy<0, kLeftOut...>;
+    using Flag = Watched<bool>;
+    using Word = Watched<std::uint32_t>;
+
+    template <class T>
+    static bool CompareAndSet(Watched<T>& ioTarget, T inExpected, T inNew)
+    {
+        const bool isSet = Checked::template CompareAndSet<T>(ioTarget, inExpected, inNew);
+        if (isSet) {
+            Note(ioTarget, inNew);
+        } else if (std::is_same_v<T, std::uint32_t>) {
+            rl::yield(1, $); // a claim that fails is tried again at once while the gates are open: let the other one go on
+        }
+        return isSet;
+    }
+    static std::uint32_t Exchange(Word& ioTarget, std::uint32_t inNew)
+    {
+        const std::uint32_t old = Checked::Exchange(ioTarget, inNew);
+        Note(ioTarget, inNew);
+        return old;
+    }
+    static std::uint32_t Decrement(Word& ioTarget)
+    {
+        const std::uint32_t left = Checked::Decrement(ioTarget);
+        Note(ioTarget, left);
+        return left;
+    }
+};
+
+/// The fields of a gate, with the flag in sight.
+template <class Policy>
+struct Gate
+{
+    using Algorithm = ORL::Sync::WaitableGateAlgorithm<Policy>;
+
+    void Wait(int inMilliseconds) { RL_ASSERT(Algorithm::Wait(*this, inMilliseconds) == ORL::kSuccess); }
+    void Open() { Algorithm::Open(*this); }
+    void Close() { Algorithm::Close(*this); }
+
+    typename Policy::Flag mIsOpen{true};
+    typename Policy::Mutex mMutex;
+    typename Policy::Condition mCondition;
+    typename Policy::template Guarded<std::uint32_t> mGeneration;
+    typename Policy::template Guarded<std::int32_t> mWaiterCount;
+};
+
+/// The fields of a flush.
+template <class Policy>
+struct Rendezvous
+{
+    typename Policy::Word mArrivalsLeft{kUnclaimed};
+    Gate<Policy> mArrivalGate;
+    typename Policy::Word mDeparturesLeft{0};
+    Gate<Policy> mDepartureGate;
+};
+
+/// How often each state was seen.
+struct States
+{
+    unsigned long long mIdle = 0;
+    unsigned long long mClaimed = 0;
+    unsigned long long mGathering = 0;
+    unsigned long long mDeparting = 0;
+    unsigned long long mDepartingAndClaimed = 0;
+
+    bool HasEach() const { return mIdle && mClaimed && mGathering && mDeparting && mDepartingAndClaimed; }
+};
+States sStates;
+
+/// Starts requests in the order in which they were queued; a thread takes one when it has finished the one before.
+template <class Policy>
+class Queue
+{
+public:
+    enum Request : int { kWorkOfFirst, kWorkOfSecond, kItem, kEnd };
+
+    /// inRequests: how many will come in all.
+    explicit Queue(unsigned inRequests) : mStillToTake(inRequests) {}
+
+    void Add(Request inRequest)
+    {
+        const typename Policy::MutexLock lock(mMutex);
+        mRequests[mQueued++] = inRequest;
+        Policy::NotifyAll(mCondition);
+    }
+
+    Request Take()
+    {
+        typename Policy::MutexLock lock(mMutex);
+        while (mStillToTake != 0 && mTaken == mQueued) {
+            Policy::SleepOn(mCondition, lock);
+        }
+        if (mStillToTake == 0) {
+            return kEnd;
+        }
+        if (--mStillToTake == 0) {
+            Policy::NotifyAll(mCondition);
+        }
+        return mRequests[mTaken++];
+    }
+
+private:
+    typename Policy::Mutex mMutex;
+    typename Policy::Condition mCondition;
+    unsigned mStillToTake;
+    unsigned mTaken = 0;
+    unsigned mQueued = 0;
+    Request mRequests[6] = {};
+};
+
+/// Threads 0 and 1 are the queue's. Threads 2 and 3 queue a piece of work each and flush; kRefused items of the last one are
+/// not taken by the queue.
+template <class Policy, unsigned kRefused>
+struct TwoFlushers : rl::test_suite<TwoFlushers<Policy, kRefused>, 4>, Watcher
+{
+    using Algorithm = ORL::Sync::WorkQueueFlushAlgorithm<Policy>;
+
+    Rendezvous<Policy> mFlush;
+    using Requests = Queue<Policy>;
+    Requests mQueue{6 - kRefused};
+    rl::var<int> mDone[2];
+
+    void before()
+    {
+        mDone[0]($) = 0;
+        mDone[1]($) = 0;
+        sWatcher = this;
+    }
+
+    void thread(unsigned inIndex)
+    {
+        if (inIndex < kThreads) {
+            RunRequests();
+        } else {
+            WorkAndFlush(inIndex - kThreads);
+        }
+    }
+
+    void after()
+    {
+        sWatcher = nullptr;
+        RL_ASSERT(IsIdle());
+        RL_ASSERT(mFlush.mDeparturesLeft.mShadow == 0);
+    }
+
+    void RunRequests()
+    {
+        for (auto request = mQueue.Take(); request != Requests::kEnd; request = mQueue.Take()) {
+            if (request == Requests::kItem) {
+                Algorithm::Process(mFlush);
+            } else {
+                mDone[request]($) = 1;
+            }
+        }
+    }
+
+    void WorkAndFlush(unsigned inFlusher)
+    {
+        mQueue.Add(inFlusher == 0 ? Requests::kWorkOfFirst : Requests::kWorkOfSecond);
+        const unsigned refused = inFlusher == 0 ? 0 : kRefused;
+        Algorithm::Claim(mFlush, kThreads);
+        for (unsigned i = refused; i < kThreads; ++i) {
+            mQueue.Add(Requests::kItem);
+        }
+        for (unsigned i = 0; i < refused; ++i) {
+            Algorithm::MakeUpForMissingItem(mFlush);
+        }
+        Algorithm::WaitForAll(mFlush);
+        // With an item missing, one thread may still be at its work.
+        if (refused == 0) {
+            RL_ASSERT(static_cast<int>(mDone[inFlusher]($)) == 1);
+        }
+    }
+
+    bool IsIdle() const
+    {
+        return mFlush.mArrivalsLeft.mShadow == kUnclaimed && mFlush.mArrivalGate.mIsOpen.mShadow
+               && mFlush.mDepartureGate.mIsOpen.mShadow;
+    }
+
+    void Look() override
+    {
+        const std::uint32_t left = mFlush.mArrivalsLeft.mShadow;
+        const bool arrivalIsOpen = mFlush.mArrivalGate.mIsOpen.mShadow;
+        const bool departureIsOpen = mFlush.mDepartureGate.mIsOpen.mShadow;
+        // While items gather, both gates are shut; and nobody leaves an unclaimed record with only the first one shut.
+        if (left < kThreads) {
+            RL_ASSERT(!arrivalIsOpen && !departureIsOpen);
+        }
+        RL_ASSERT(left == kUnclaimed || left <= kThreads);
+        RL_ASSERT(!(left == kUnclaimed && !arrivalIsOpen && departureIsOpen));
+        sStates.mIdle += IsIdle();
+        sStates.mClaimed += left == kThreads && arrivalIsOpen && departureIsOpen;
+        sStates.mGathering += left != kUnclaimed && left != 0 && !arrivalIsOpen && !departureIsOpen;
+        sStates.mDeparting += left == kUnclaimed && arrivalIsOpen && !departureIsOpen;
+        sStates.mDepartingAndClaimed += left == kThreads && arrivalIsOpen && !departureIsOpen;
+    }
+};
+
+using Ships = FlushPolicy<>;
+
+int Finish(const Model::Run& inRun)
+{
+    std::printf("%-6s states seen: idle %llu, claimed %llu, gathering %llu, departing %llu, departing and claimed %llu\n",
+                sStates.HasEach() ? "ok" : "FAILED", sStates.mIdle, sStates.mClaimed, sStates.mGathering, sStates.mDeparting,
+                sStates.mDepartingAndClaimed);
+    const int code = inRun.Finish();
+    return sStates.HasEach() ? code : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Model::Run run(argc, argv);
+    run.Exhaust<TwoFlushers<Ships, 0>>("2 threads, 2 flushers", 1);
+    run.Exhaust<TwoFlushers<Ships, 1>>("the same, one item refused", 1);
+    run.Exhaust<TwoFlushers<Ships, 2>>("the same, both items of one flush refused", 1);
+    const int code = Finish(run); // before the mutants add states of theirs
+    run.Random<TwoFlushers<Ships, 0>>("2 threads, 2 flushers", 100000);
+    run.Random<TwoFlushers<Ships, 1>>("the same, one item refused", 100000);
+    run.FindMutant<TwoFlushers<FlushPolicy<Step::kFlushWaitsForTheEarlierOne>, 0>>("the earlier flush is not waited for");
+    run.FindMutant<TwoFlushers<FlushPolicy<Step::kGateSecondRead>, 0>>("the gate without its second read");
+    return code != 0 ? code : run.Finish();
+}
