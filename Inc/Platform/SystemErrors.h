@@ -42,6 +42,7 @@ inline constexpr SystemError kErrorOperationAborted = 995;
 inline constexpr SystemError kErrorIoPending = 997;
 inline constexpr SystemError kErrorIoDevice = 1117;
 inline constexpr SystemError kErrorTooManyLinks = 1142;
+inline constexpr SystemError kErrorUnableToMoveReplacement2 = 1177;
 inline constexpr SystemError kErrorRequestAborted = 1235;
 inline constexpr SystemError kErrorCannotResolveFileName = 1921;
 

@@ -22,6 +22,21 @@ int SetFlags(int inFile, int inFlags)
     return ::fcntl(inFile, F_SETFL, inFlags);
 }
 
+int LockRange(int inFile, int inCommand, struct flock* ioLock)
+{
+    return ::fcntl(inFile, inCommand, ioLock);
+}
+
+int RenameTo(const char* inFrom, const char* inTo, unsigned inFlags)
+{
+    return ::renameat2(AT_FDCWD, inFrom, AT_FDCWD, inTo, inFlags);
+}
+
+ssize_t CopyRange(int inFrom, off_t* ioFromPosition, int inTo, off_t* ioToPosition, std::size_t inSize)
+{
+    return ::copy_file_range(inFrom, ioFromPosition, inTo, ioToPosition, inSize, 0);
+}
+
 // The call is inline in the library's header and has no address of its own.
 int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
 {
@@ -42,6 +57,12 @@ constexpr SystemCalls TheSystem()
     calls.mClose = &::close;
     calls.mPRead = &::pread;
     calls.mPWrite = &::pwrite;
+    calls.mCopyRange = &CopyRange;
+    calls.mFTruncate = &::ftruncate;
+    calls.mFSync = &::fsync;
+    calls.mFChMod = &::fchmod;
+    calls.mFUTimens = &::futimens;
+    calls.mLockRange = &LockRange;
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;
     calls.mFStat = &::fstat;
@@ -52,6 +73,8 @@ constexpr SystemCalls TheSystem()
     calls.mRemoveDir = &::rmdir;
     calls.mRename = &::rename;
     calls.mUnlink = &::unlink;
+    calls.mRenameTo = &RenameTo;
+    calls.mLink = &::link;
     calls.mFAdvise = &::posix_fadvise;
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;

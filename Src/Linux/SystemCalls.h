@@ -30,6 +30,13 @@ struct io_uring_cqe;
       (inFile, outBuffer, inSize, inPosition), inSize)                                                                 \
     X(PWrite, Errno, ssize_t, (int inFile, const void* inBuffer, std::size_t inSize, off_t inPosition),                \
       (inFile, inBuffer, inSize, inPosition), inSize)                                                                  \
+    X(CopyRange, Errno, ssize_t, (int inFrom, off_t* ioFromPosition, int inTo, off_t* ioToPosition, std::size_t inSize), \
+      (inFrom, ioFromPosition, inTo, ioToPosition, inSize), inSize)                                                    \
+    X(FTruncate, Errno, int, (int inFile, off_t inSize), (inFile, inSize), sNoSize)                                    \
+    X(FSync, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
+    X(FChMod, Errno, int, (int inFile, mode_t inMode), (inFile, inMode), sNoSize)                                      \
+    X(FUTimens, Errno, int, (int inFile, const struct timespec* inTimes), (inFile, inTimes), sNoSize)                  \
+    X(LockRange, Errno, int, (int inFile, int inCommand, struct flock* ioLock), (inFile, inCommand, ioLock), sNoSize)  \
     X(GetDents, Errno, ssize_t, (int inFolder, void* outBuffer, std::size_t inSize), (inFolder, outBuffer, inSize),    \
       sNoSize)                                                                                                         \
     X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
@@ -42,6 +49,9 @@ struct io_uring_cqe;
     X(RemoveDir, Errno, int, (const char* inPath), (inPath), sNoSize)                                                  \
     X(Rename, Errno, int, (const char* inFrom, const char* inTo), (inFrom, inTo), sNoSize)                             \
     X(Unlink, Errno, int, (const char* inPath), (inPath), sNoSize)                                                     \
+    X(RenameTo, Errno, int, (const char* inFrom, const char* inTo, unsigned inFlags), (inFrom, inTo, inFlags),         \
+      sNoSize)                                                                                                         \
+    X(Link, Errno, int, (const char* inFrom, const char* inTo), (inFrom, inTo), sNoSize)                               \
     X(FAdvise, Number, int, (int inFile, off_t inPosition, off_t inSize, int inAdvice),                                \
       (inFile, inPosition, inSize, inAdvice), sNoSize)                                                                 \
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \

@@ -1,0 +1,61 @@
+// Floor: Files
+// What stands behind File.
+#pragma once
+
+#include <ORLFile.h>
+#include <ORLImpl.h>
+
+#include <Platform/File.h>
+
+#include <cstdint>
+
+namespace ORL {
+
+struct File::PrivateImpl : Impl
+{
+    Files::Platform::Handle mHandle = Files::Platform::InvalidHandle();
+    InterfaceRef<IFileBuffer, IFileBuffer> mFileBuffer; // null unless the file is read through a block cache
+    std::uint32_t mBlockSize = 0;                       // bytes, at least 65536; for mFileBuffer
+    std::int64_t mPosition = 0;                         // for mFileBuffer
+
+    bool IsOpen() const noexcept { return mHandle != Files::Platform::InvalidHandle(); }
+
+    /// The size as the system tells it in two halves.
+    std::uint64_t GetSize() const;
+
+    /// Asks the factory for a buffer, and gives whether there is one.
+    bool SetUpBuffer(const UTF16String& inFullPath);
+
+    Result ReadFromSystem(void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
+    Result ReadThroughBuffer(void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
+    Result SetFilePointer(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod);
+
+private:
+    using Block = ObjectPtr<MemoryBufferWrapper>;
+
+    std::int64_t TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const;
+    Result FetchBlock(std::int64_t inBlockPosition, Block& outBlock);
+};
+
+namespace Files {
+
+/// The smallest block of a cache.
+inline constexpr std::uint32_t kSmallestBlock = 65536;
+
+/// A failure that is no named code.
+inline constexpr Result kBareFailure = -1;
+
+/// kSuccess for 0.
+Result ResultOf(SystemError inError);
+
+// The system's words for the flags. Bits that are no flag add nothing.
+std::uint32_t SystemAccess(FileAccessFlags::Type inAccess) noexcept;
+std::uint32_t SystemShareMode(FileShareModeFlags::Type inShareMode) noexcept;
+/// The numbers of several dispositions are joined by OR, which makes another one, or none.
+std::uint32_t SystemDisposition(FileCreateDispositionFlags::Type inDisposition) noexcept;
+std::uint32_t SystemFlags(FileAttributesFlags::Type inAttributes) noexcept;
+/// What is no method counts as kFilePointer_Current.
+std::uint32_t SystemMoveMethod(FilePointerMoveMethod::Type inMethod) noexcept;
+
+} // namespace Files
+} // namespace ORL

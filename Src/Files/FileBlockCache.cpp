@@ -1,0 +1,96 @@
+// Reading through the blocks that a host's buffer keeps. The handle goes past the system's cache, so it is only ever
+// read in whole blocks at block positions.
+#include <FileImpl.h>
+
+#include <ORLDebug.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace ORL {
+
+using namespace Files::Platform;
+
+namespace {
+
+// What a read gives at most: it ends at the end of the file.
+std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint64_t inSize)
+{
+    if (inStart + inCount <= inSize) {
+        return inCount;
+    }
+    return inSize > inStart ? static_cast<std::uint32_t>(inSize - inStart) : 0;
+}
+
+} // namespace
+
+// The block as the buffer holds it, else as it is on disk, which is then offered to the buffer. A last block is asked
+// for whole too, and comes short; nobody looks at the bytes behind the end.
+Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlock)
+{
+    if (ResultSucceeded(mFileBuffer->GetBlock(inBlockPosition, outBlock)) && outBlock) {
+        return kSuccess;
+    }
+    outBlock = Block(new MemoryBufferWrapper(mBlockSize));
+    Result result = SetFilePointer(inBlockPosition, FilePointerMoveMethod::kFilePointer_Begin);
+    if (!ResultSucceeded(result)) {
+        return result;
+    }
+    std::uint32_t bytesRead = 0;
+    result = ReadFromSystem(outBlock->GetBuffer(), mBlockSize, bytesRead);
+    if (ResultSucceeded(result)) {
+        mFileBuffer->AddBlock(outBlock, inBlockPosition);
+    }
+    return result;
+}
+
+Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead)
+{
+    const std::int64_t start = mPosition;
+    std::uint32_t offset = static_cast<std::uint32_t>(start % mBlockSize);
+    std::int64_t blockPosition = start - offset;
+    std::uint32_t remaining = BytesLeft(static_cast<std::uint64_t>(start), inCount, GetSize());
+    char* buffer = static_cast<char*>(outBuffer);
+    outBytesRead = 0;
+    while (remaining != 0) {
+        Block block;
+        const Result result = FetchBlock(blockPosition, block);
+        if (!ResultSucceeded(result)) {
+            return result;
+        }
+        const std::uint32_t count = std::min(mBlockSize - offset, remaining);
+        std::memcpy(buffer, static_cast<const char*>(block->GetBuffer()) + offset, count);
+        outBytesRead += count;
+        buffer += count;
+        remaining -= count;
+        blockPosition += mBlockSize;
+        offset = 0;
+    }
+    // Fetching a block has moved the position.
+    mPosition = start + outBytesRead;
+    return kSuccess;
+}
+
+// Where a seek leads: between 0 and the size. An offset from the end counts backwards whatever its sign.
+std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const
+{
+    const std::int64_t size = static_cast<std::int64_t>(GetSize());
+    std::int64_t target = mPosition;
+    switch (inMethod) {
+    case FilePointerMoveMethod::kFilePointer_Begin:
+        target = inOffset;
+        break;
+    case FilePointerMoveMethod::kFilePointer_Current:
+        target = static_cast<std::int64_t>(static_cast<std::uint64_t>(inOffset) + static_cast<std::uint64_t>(mPosition));
+        break;
+    case FilePointerMoveMethod::kFilePointer_End:
+        target = inOffset < 1 ? size + inOffset : size - inOffset;
+        break;
+    default:
+        ORL_ASSERT_AT(false, "WinFile", __LINE__, "ORL::File::SetFilePointer");
+        break;
+    }
+    return std::min(std::max<std::int64_t>(target, 0), size);
+}
+
+} // namespace ORL

@@ -1,0 +1,340 @@
+// Opening and closing.
+#include "LinuxFile.h"
+
+#include "LinuxErrors.h"
+#include "SystemCalls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <sys/sysmacros.h>
+
+namespace ORL {
+
+namespace Linux {
+
+namespace {
+
+using namespace SystemErrors;
+using namespace Files::Platform;
+
+constexpr std::uint32_t kSmallestSector = 512;
+constexpr std::uint32_t kLargestSector = 4096;
+
+bool Has(std::uint32_t inWord, std::uint32_t inBits) noexcept
+{
+    return (inWord & inBits) != 0;
+}
+
+bool MayEmpty(const OpenWish& inWish) noexcept
+{
+    return inWish.mDisposition == kCreateAlways || inWish.mDisposition == kTruncateExisting;
+}
+
+bool WantsToWrite(const OpenWish& inWish) noexcept
+{
+    return Has(inWish.mAccess, kGenericWrite) || MayEmpty(inWish);
+}
+
+SystemError CheckWish(const OpenWish& inWish)
+{
+    const bool isKnown = inWish.mDisposition >= kCreateNew && inWish.mDisposition <= kTruncateExisting;
+    const bool cannotEmpty = inWish.mDisposition == kTruncateExisting && !Has(inWish.mAccess, kGenericWrite);
+    return isKnown && !cannotEmpty ? kNoError : kErrorInvalidParameter;
+}
+
+// What the descriptor must be able to do. A writer reads too: a lock of the share modes asks for that.
+int DescriptorMode(const OpenWish& inWish) noexcept
+{
+    const std::uint32_t any = kGenericRead | kGenericWrite | kGenericExecute | kAccessDelete;
+    const bool onlyAsks = !Has(inWish.mAccess, any) && !WantsToWrite(inWish) && inWish.mDisposition == kOpenExisting;
+    return onlyAsks ? O_PATH : WantsToWrite(inWish) ? O_RDWR : O_RDONLY;
+}
+
+int OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
+{
+    int file = -1;
+    do {
+        // A pipe must not hold us until its other side comes.
+        file = System().mOpen(inPath.c_str(), inFlags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, inMode);
+    } while (file < 0 && errno == EINTR);
+    return file;
+}
+
+// Opens what exists. Who only writes, and may not read, gets a file that other processes do not see open.
+int OpenExisting(const std::string& inPath, const OpenWish& inWish)
+{
+    const int mode = DescriptorMode(inWish);
+    int file = OpenDescriptor(inPath, mode, 0);
+    if (file < 0 && errno == EACCES && mode == O_RDWR && !Has(inWish.mAccess, kGenericRead | kGenericExecute)) {
+        file = OpenDescriptor(inPath, O_WRONLY, 0);
+    }
+    if (file < 0 && errno == EISDIR && Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish)) {
+        file = OpenDescriptor(inPath, O_RDONLY | O_DIRECTORY, 0);
+    }
+    return file;
+}
+
+int MakeNew(const std::string& inPath, const OpenWish& inWish)
+{
+    return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT | O_EXCL, inWish.mNewMode);
+}
+
+// Makes the file or opens the one that is there. Both may fail in turn while others make and delete the name, or
+// because it is a link to a file that does not exist, which is then made.
+int MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+{
+    constexpr int kRounds = 4;
+    for (int round = 0; round < kRounds; ++round) {
+        int file = MakeNew(inPath, inWish);
+        outIsNew = file >= 0;
+        if (file >= 0 || errno != EEXIST) {
+            return file;
+        }
+        file = OpenExisting(inPath, inWish);
+        if (file >= 0 || errno != ENOENT) {
+            return file;
+        }
+    }
+    outIsNew = true;
+    return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT, inWish.mNewMode);
+}
+
+int OpenByDisposition(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+{
+    outIsNew = inWish.mDisposition == kCreateNew;
+    switch (inWish.mDisposition) {
+    case kCreateNew:
+        return MakeNew(inPath, inWish);
+    case kCreateAlways:
+    case kOpenAlways:
+        return MakeOrOpen(inPath, inWish, outIsNew);
+    default:
+        return OpenExisting(inPath, inWish);
+    }
+}
+
+SystemError CheckKind(const struct stat& inStatus, const OpenWish& inWish, bool inIsNew)
+{
+    if (S_ISDIR(inStatus.st_mode)) {
+        return Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish) ? kNoError : kErrorAccessDenied;
+    }
+    if (!S_ISREG(inStatus.st_mode) && !S_ISBLK(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
+        return kErrorAccessDenied;
+    }
+    const bool changes = WantsToWrite(inWish) || Has(inWish.mFlags, kFlagDeleteOnClose);
+    return changes && !inIsNew && IsReadOnly(inStatus) ? kErrorAccessDenied : kNoError;
+}
+
+unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
+{
+    const bool deletes = Has(inWish.mAccess, kAccessDelete) || Has(inWish.mFlags, kFlagDeleteOnClose);
+    const bool writes = Has(inWish.mAccess, kGenericWrite) || (!inIsNew && MayEmpty(inWish));
+    return (Has(inWish.mAccess, kGenericRead | kGenericExecute) ? kShareRead : 0u) | (writes ? kShareWrite : 0u)
+           | (deletes ? kShareDelete : 0u);
+}
+
+// The one way to learn it where the system does not tell.
+bool TakesAlignment(int inDescriptor, std::uint32_t inAlignment)
+{
+    alignas(kLargestSector) char bytes[2 * kLargestSector];
+    char* const buffer = bytes + inAlignment; // aligned to that, and to no more
+    return System().mPRead(inDescriptor, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
+}
+
+// The smallest alignment of direct reads that the file takes; 0 when it takes none.
+std::uint32_t FindAlignment(int inDescriptor, bool inMayRead)
+{
+    struct statx status;
+    const bool isTold = System().mStatx(inDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
+                        && (status.stx_mask & STATX_DIOALIGN) != 0;
+    if (isTold) {
+        const std::uint32_t alignment = std::max(status.stx_dio_offset_align, status.stx_dio_mem_align);
+        return status.stx_dio_offset_align != 0 ? std::max(alignment, kSmallestSector) : 0;
+    }
+    if (!inMayRead) {
+        return kLargestSector;
+    }
+    return TakesAlignment(inDescriptor, kSmallestSector)  ? kSmallestSector
+           : TakesAlignment(inDescriptor, kLargestSector) ? kLargestSector
+                                                          : 0;
+}
+
+// Goes past the cache where the file system can. Where it cannot, the duty of aligned reads holds all the same.
+void GoPastCache(OpenFile& ioFile, int inStatusFlags)
+{
+    ioFile.mIsUnbuffered = true;
+    ioFile.mDropsPages = true;
+    if (System().mSetFlags(ioFile.mDescriptor, inStatusFlags | O_DIRECT) != 0) {
+        return;
+    }
+    const std::uint32_t alignment = FindAlignment(ioFile.mDescriptor, ioFile.mMayRead);
+    if (alignment == 0) {
+        System().mSetFlags(ioFile.mDescriptor, inStatusFlags);
+        return;
+    }
+    ioFile.mAlignment = alignment;
+    ioFile.mDropsPages = false;
+}
+
+void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inStatus)
+{
+    if (S_ISCHR(inStatus.st_mode) || S_ISBLK(inStatus.st_mode)) {
+        System().mSetFlags(ioFile.mDescriptor, 0); // from here on it may take its time
+    }
+    if (Has(inWish.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
+        GoPastCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
+    }
+    if (Has(inWish.mFlags, kFlagSequentialScan)) {
+        System().mFAdvise(ioFile.mDescriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+}
+
+// Takes the open file into use. A failure leaves it to its destructor.
+SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct stat& outStatus)
+{
+    if (System().mFStat(ioFile.mDescriptor, &outStatus) != 0) {
+        return SystemErrorFromErrno(errno);
+    }
+    SystemError error = CheckKind(outStatus, inWish, inIsNew);
+    if (error != kNoError) {
+        return error;
+    }
+    ioFile.mMayRead = Has(inWish.mAccess, kGenericRead);
+    ioFile.mMayWrite = Has(inWish.mAccess, kGenericWrite);
+    ioFile.mIdentity = IdentityOf(outStatus);
+    error = ioFile.mShares.Enter(ioFile.mDescriptor, ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode);
+    if (error != kNoError) {
+        return error;
+    }
+    if (!inIsNew && MayEmpty(inWish) && outStatus.st_size != 0) {
+        if (System().mFTruncate(ioFile.mDescriptor, 0) != 0) {
+            return SystemErrorFromErrno(errno);
+        }
+        outStatus.st_size = 0;
+    }
+    ApplyFlags(ioFile, inWish, outStatus);
+    return kNoError;
+}
+
+// A name that ends in a separator is a directory or no name at all.
+SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
+{
+    struct stat status;
+    const std::string name(inPath.mPath, 0, inPath.mPath.size() - 1);
+    const SystemError error = GetEntryStatus(name, status);
+    return error == kErrorPathNotFound ? error : kErrorInvalidName;
+}
+
+} // namespace
+
+OpenFile::~OpenFile()
+{
+    if (!mNameToDelete.empty()) {
+        // The name may belong to another file by now.
+        struct stat status;
+        if (GetEntryStatus(mNameToDelete, status) == kNoError && IdentityOf(status) == mIdentity) {
+            System().mUnlink(mNameToDelete.c_str());
+        }
+    }
+    mShares.Release(mDescriptor);
+}
+
+SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,
+                         struct stat& outStatus, bool& outIsNew)
+{
+    SystemError error = CheckWish(inWish);
+    if (error != kNoError) {
+        return error;
+    }
+    std::unique_ptr<OpenFile> file(new OpenFile);
+    const std::string& path = inPath.mPath;
+    file->mDescriptor = OpenByDisposition(path, inWish, outIsNew);
+    if (file->mDescriptor < 0) {
+        const bool isNoFolder = errno == ENOTDIR || errno == ENOENT || errno == EISDIR;
+        error = SystemErrorFromErrno(errno, path);
+        return inPath.mHasTrailingSeparator && isNoFolder ? ErrorOfTrailingSeparator(inPath) : error;
+    }
+    error = SetUp(*file, inWish, outIsNew, outStatus);
+    if (error != kNoError) {
+        if (outIsNew) {
+            System().mUnlink(path.c_str());
+        }
+        return error;
+    }
+    if (Has(inWish.mFlags, kFlagDeleteOnClose)) {
+        file->mNameToDelete = path;
+    }
+    outFile = std::move(file);
+    return kNoError;
+}
+
+SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus)
+{
+    struct statx status;
+    if (System().mStatx(AT_FDCWD, inHostPath.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS, &status) != 0) {
+        return SystemErrorFromErrno(errno, inHostPath);
+    }
+    outStatus = {};
+    outStatus.st_dev = makedev(status.stx_dev_major, status.stx_dev_minor);
+    outStatus.st_ino = status.stx_ino;
+    outStatus.st_mode = status.stx_mode;
+    outStatus.st_size = static_cast<off_t>(status.stx_size);
+    outStatus.st_uid = status.stx_uid;
+    outStatus.st_gid = status.stx_gid;
+    return kNoError;
+}
+
+SystemError EntryHold::Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses,
+                             unsigned inShares)
+{
+    if (!S_ISREG(inStatus.st_mode) && !S_ISDIR(inStatus.st_mode)) {
+        return kNoError;
+    }
+    mDescriptor = OpenDescriptor(inHostPath, O_RDONLY | O_NOFOLLOW, 0);
+    mOpenError = mDescriptor < 0 ? errno : 0;
+    return mShares.Enter(mDescriptor, IdentityOf(inStatus), inUses, inShares);
+}
+
+} // namespace Linux
+
+namespace Files {
+namespace Platform {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inShareMode,
+                            std::uint32_t inDisposition, std::uint32_t inFlags, Handle& outFile)
+{
+    outFile = InvalidHandle();
+    HostPath path;
+    SystemError error = ResolveHostPath(inPath, path);
+    if (error != kNoError) {
+        return error;
+    }
+    OpenWish wish;
+    wish.mAccess = inAccess;
+    wish.mShareMode = inShareMode;
+    wish.mDisposition = inDisposition;
+    wish.mFlags = inFlags;
+    std::unique_ptr<OpenFile> file;
+    struct stat status;
+    bool isNew = false;
+    error = OpenHostFile(path, wish, file, status, isNew);
+    if (error == kNoError) {
+        outFile = file.release();
+    }
+    return error;
+}
+
+void CloseFile_Impl(Handle inFile)
+{
+    if (!IsNoFile(inFile)) {
+        delete &FileOf(inFile);
+    }
+}
+
+} // namespace Platform
+} // namespace Files
+} // namespace ORL

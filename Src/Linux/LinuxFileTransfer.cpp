@@ -1,0 +1,187 @@
+// Reading, writing, position, size and times of open files. The position is ours: every read and write names its
+// place, so a seek costs no system call.
+#include "LinuxFile.h"
+
+#include "LinuxErrors.h"
+#include "SystemCalls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+namespace ORL {
+namespace Files {
+namespace Platform {
+
+namespace {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+bool IsAligned(const OpenFile& inFile, const void* inBuffer, std::uint32_t inCount)
+{
+    const std::uint64_t all =
+        reinterpret_cast<std::uintptr_t>(inBuffer) | inCount | static_cast<std::uint64_t>(inFile.mPosition);
+    return !inFile.mIsUnbuffered || all % inFile.mAlignment == 0;
+}
+
+// Moves inCount bytes in as many calls as the system wants: it takes at most 2 GiB at once, and may be interrupted.
+// inCall(done) moves the rest and answers as the system does.
+template <class Call>
+SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& outDone, Call inCall)
+{
+    while (outDone < inCount) {
+        const ssize_t moved = inCall(outDone);
+        if (moved > 0) {
+            outDone += static_cast<std::uint32_t>(moved);
+            ioFile.mPosition += moved;
+        } else if (moved == 0) {
+            break;
+        } else if (errno != EINTR) {
+            return SystemErrorFromErrno(errno);
+        }
+    }
+    return kNoError;
+}
+
+// The system drops whole pages alone, so the page that the read begins in goes with it.
+void DropPagesBehind(const OpenFile& inFile, std::int64_t inPosition, std::uint32_t inCount)
+{
+    constexpr std::int64_t kPage = 4096;
+    if (inFile.mDropsPages && inCount != 0) {
+        const std::int64_t first = inPosition / kPage * kPage;
+        System().mFAdvise(inFile.mDescriptor, first, inPosition - first + inCount, POSIX_FADV_DONTNEED);
+    }
+}
+
+// An unbuffered read that has come short stands at the end: the rest would not be aligned any more.
+bool IsAtEnd(const OpenFile& inFile, std::uint32_t inDone)
+{
+    return inFile.mIsUnbuffered && inDone % inFile.mAlignment != 0;
+}
+
+} // namespace
+
+SystemError ReadFile_Impl(Handle inFile, void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead)
+{
+    outBytesRead = 0;
+    if (IsNoFile(inFile)) {
+        return kErrorInvalidHandle;
+    }
+    OpenFile& file = FileOf(inFile);
+    if (!file.mMayRead) {
+        return kErrorAccessDenied;
+    }
+    if (!IsAligned(file, outBuffer, inCount)) {
+        return kErrorInvalidParameter;
+    }
+    const std::int64_t start = file.mPosition;
+    const SystemError error = Transfer(file, inCount, outBytesRead, [&](std::uint32_t inDone) {
+        return IsAtEnd(file, inDone) ? ssize_t{0}
+                                     : System().mPRead(file.mDescriptor, static_cast<char*>(outBuffer) + inDone,
+                                                       inCount - inDone, file.mPosition);
+    });
+    DropPagesBehind(file, start, outBytesRead);
+    return error;
+}
+
+SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t inCount, std::uint32_t& outBytesWritten)
+{
+    outBytesWritten = 0;
+    if (IsNoFile(inFile)) {
+        return kErrorInvalidHandle;
+    }
+    OpenFile& file = FileOf(inFile);
+    if (!file.mMayWrite) {
+        return kErrorAccessDenied;
+    }
+    if (!IsAligned(file, inBuffer, inCount)) {
+        return kErrorInvalidParameter;
+    }
+    return Transfer(file, inCount, outBytesWritten, [&](std::uint32_t inDone) {
+        return System().mPWrite(file.mDescriptor, static_cast<const char*>(inBuffer) + inDone, inCount - inDone,
+                                file.mPosition);
+    });
+}
+
+int SetFilePointer_Impl(Handle inFile, std::int64_t inOffset, std::uint32_t inMethod, std::int64_t* outPosition)
+{
+    if (IsNoFile(inFile) || inMethod > kFromEnd) {
+        return 0;
+    }
+    OpenFile& file = FileOf(inFile);
+    std::int64_t base = inMethod == kFromCurrent ? file.mPosition : 0;
+    if (inMethod == kFromEnd) {
+        struct stat status;
+        if (System().mFStat(file.mDescriptor, &status) != 0) {
+            return 0;
+        }
+        base = status.st_size;
+    }
+    std::int64_t target = 0;
+    if (__builtin_add_overflow(base, inOffset, &target) || target < 0) {
+        return 0;
+    }
+    file.mPosition = target;
+    if (outPosition != nullptr) {
+        *outPosition = target;
+    }
+    return 1;
+}
+
+SystemError SetEndOfFile_Impl(Handle inFile)
+{
+    if (IsNoFile(inFile)) {
+        return kErrorInvalidHandle;
+    }
+    const OpenFile& file = FileOf(inFile);
+    if (!file.mMayWrite) {
+        return kErrorAccessDenied;
+    }
+    return System().mFTruncate(file.mDescriptor, file.mPosition) == 0 ? kNoError : SystemErrorFromErrno(errno);
+}
+
+std::uint32_t GetFileSize_Impl(Handle inFile, std::uint32_t& outHigh)
+{
+    constexpr std::uint32_t kInvalidSize = 0xFFFFFFFF;
+    struct stat status;
+    if (IsNoFile(inFile) || System().mFStat(FileOf(inFile).mDescriptor, &status) != 0) {
+        return kInvalidSize;
+    }
+    const std::uint64_t size = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
+    outHigh = static_cast<std::uint32_t>(size >> 32);
+    return static_cast<std::uint32_t>(size);
+}
+
+SystemError GetLastWriteTime_Impl(Handle inFile, std::uint64_t& outTime)
+{
+    struct stat status;
+    if (IsNoFile(inFile)) {
+        return kErrorInvalidHandle;
+    }
+    if (System().mFStat(FileOf(inFile).mDescriptor, &status) != 0) {
+        return SystemErrorFromErrno(errno);
+    }
+    outTime = TimeOf(status.st_mtim);
+    return kNoError;
+}
+
+SystemError GetSizeOfPath_Impl(const UTF16String& inPath, std::uint64_t& outSize)
+{
+    HostPath path;
+    const SystemError error = ResolveHostPath(inPath, path);
+    if (error != kNoError) {
+        return error;
+    }
+    struct statx status;
+    if (System().mStatx(AT_FDCWD, path.mPath.c_str(), 0, STATX_TYPE | STATX_SIZE, &status) != 0) {
+        return path.mHasTrailingSeparator && errno == ENOTDIR ? kErrorInvalidName
+                                                              : SystemErrorFromErrno(errno, path.mPath);
+    }
+    outSize = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
+    return kNoError;
+}
+
+} // namespace Platform
+} // namespace Files
+} // namespace ORL

@@ -1,0 +1,131 @@
+// Which handles of one file go together: in one process, in two, and beside deleting, moving, copying and replacing.
+#include "FileSupport.h"
+#include "ShareModes.h"
+
+#include <ProcessRunner.h>
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace ORL;
+using namespace ORL::Files::Platform;
+using namespace ORLTest;
+
+namespace {
+
+class OpenHandle
+{
+public:
+    OpenHandle(const UTF16String& inPath, const Holding& inHolding) { mError = OpenHolding(inPath, inHolding, mFile); }
+    ~OpenHandle()
+    {
+        if (mError == 0) {
+            CloseFile_Impl(mFile);
+        }
+    }
+    OpenHandle(const OpenHandle&) = delete;
+    OpenHandle& operator=(const OpenHandle&) = delete;
+
+    SystemError mError = 0;
+
+private:
+    Handle mFile = nullptr;
+};
+
+constexpr Holding kAlone = {kGenericRead | kGenericWrite, 0};
+
+} // namespace
+
+TEST(FileShareModes, EveryPairOfHandlesOfAProcess_FollowsTheRule)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    const UTF16String path = folder.Path(u"f");
+    int conflicts = 0;
+    for (const Holding& first : AllHoldings()) {
+        const OpenHandle held(path, first);
+        ASSERT_EQ(0u, held.mError) << NameOf(first);
+        for (const Holding& second : AllHoldings()) {
+            const OpenHandle other(path, second);
+            const unsigned expected = GoTogether(first, second) ? 0 : 32;
+            EXPECT_EQ(expected, other.mError) << NameOf(first) << ", then " << NameOf(second);
+            conflicts += expected != 0 ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(1276, conflicts) << "as many as at home";
+    EXPECT_EQ(0u, OpenHandle(path, kAlone).mError) << "everything is closed";
+}
+
+TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
+{
+    const TempFolder folder;
+    const std::vector<Holding> all = AllHoldings();
+    std::vector<std::unique_ptr<OpenHandle>> held;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::string name = std::to_string(i);
+        folder.MakeFile(name);
+        held.push_back(std::make_unique<OpenHandle>(folder.Path(std::u16string(name.begin(), name.end())), all[i]));
+        ASSERT_EQ(0u, held.back()->mError);
+    }
+    const ProcessResult result = RunBesideThisProgram("share_mode_host", {"matrix", folder.Host().u8string()});
+    ASSERT_EQ(0, result.mExitCode) << result.mErrors;
+    std::istringstream answers(result.mOutput);
+    for (const Holding& first : all) {
+        for (const Holding& second : all) {
+            unsigned answer = 1;
+            ASSERT_TRUE(static_cast<bool>(answers >> answer));
+            EXPECT_EQ(GoTogether(first, second) ? 0u : 32u, answer) << NameOf(first) << ", then " << NameOf(second);
+        }
+    }
+}
+
+// Not even for a moment: nothing is left of a process that ended with the file open.
+TEST(FileShareModes, AProcessThatEndsWithAFileOpen_HoldsItNoMore)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    const ProcessResult result = RunBesideThisProgram("share_mode_host", {"hold", (folder.Host() / "f").u8string()});
+    EXPECT_EQ("0\n", result.mOutput);
+    EXPECT_EQ(0u, OpenHandle(folder.Path(u"f"), kAlone).mError);
+}
+
+TEST(FileShareModes, AnotherHandleOfAnotherName_IsTheSameFile)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    std::error_code error;
+    std::filesystem::create_hard_link(folder.Host() / "f", folder.Host() / "g", error);
+    if (error) {
+        GTEST_SKIP() << "no second names here: " << error.message();
+    }
+    const OpenHandle held(folder.Path(u"f"), kAlone);
+    EXPECT_EQ(0u, held.mError);
+    EXPECT_EQ(32u, OpenHandle(folder.Path(u"g"), kAlone).mError);
+}
+
+TEST(FileShareModes, ThroughFile_AreSharingViolations)
+{
+    const TempFolder folder;
+    folder.MakeFile("f", "x");
+    const UTF16String path = folder.Path(u"f");
+    {
+        Opened first(path, kRead, kShareReaders);
+        EXPECT_EQ(kSuccess, first.mResult);
+        EXPECT_EQ(kSuccess, Opened(path, kRead, kShareReaders).mResult);
+        EXPECT_EQ(kSharingViolation, Opened(path, kWrite, kShareEverything).mResult);
+        EXPECT_EQ(kSharingViolation, Opened(path, kRead, kShareNone).mResult);
+        EXPECT_EQ(kSharingViolation, File::Delete(path));
+        EXPECT_EQ(kSharingViolation, File::Move(path, folder.Path(u"g")));
+        first.mFile.Close();
+        EXPECT_EQ(kSuccess, Opened(path, kWrite, kShareNone).mResult);
+    }
+    {
+        Opened first(path, kWrite, kShareNone);
+        EXPECT_EQ(kSharingViolation, File::Copy(path, folder.Path(u"copy")));
+        folder.MakeFile("other");
+        EXPECT_EQ(kSharingViolation, File::Copy(folder.Path(u"other"), path));
+        unsigned __int64 size = 0;
+        EXPECT_EQ(kSuccess, File::SizeOnDisk(path, size)) << "a size by name needs no handle";
+    }
+    EXPECT_EQ("x", ContentsOf(folder, "f")) << "a copy that was refused has not emptied the file";
+}

@@ -1,0 +1,74 @@
+// What the tests of File share.
+#pragma once
+
+#include <ORLFile.h>
+#include <ORLResult.h>
+
+#include <TempFolder.h>
+#include <TextHelpers.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace ORLTest {
+
+using Access = ORL::FileAccessFlags;
+using Share = ORL::FileShareModeFlags;
+using Disposition = ORL::FileCreateDispositionFlags;
+using Attributes = ORL::FileAttributesFlags;
+using Method = ORL::FilePointerMoveMethod;
+
+inline constexpr Access::Type kRead = Access::kFileAccess_Read;
+inline constexpr Access::Type kWrite = Access::kFileAccess_Write;
+inline constexpr Access::Type kReadWrite = kRead | kWrite;
+inline constexpr Share::Type kShareNone = static_cast<Share::Type>(0);
+inline constexpr Share::Type kShareReaders = Share::kFileShare_Read;
+inline constexpr Share::Type kShareEverything =
+    Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete;
+inline constexpr Attributes::Type kNormal = Attributes::kFileAttribute_Normal;
+
+/// A file and how its opening went.
+struct Opened
+{
+    ORL::File mFile;
+    ORL::Result mResult;
+
+    Opened(const UTF16String& inPath, Access::Type inAccess, Share::Type inShare = kShareEverything,
+           Disposition::Type inDisposition = Disposition::kFileCreate_OpenExisting,
+           Attributes::Type inAttributes = kNormal, bool inAllowDirectory = false)
+        : mResult(mFile.Create(inPath, inAccess, inShare, inDisposition, inAttributes, inAllowDirectory))
+    {
+    }
+};
+
+/// The bytes of a file as another program sees them; "<none>" where there is none.
+inline std::string ContentsOf(const TempFolder& inFolder, const std::string& inName)
+{
+    std::ifstream file(inFolder.Host() / inName, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "<none>";
+}
+
+/// What Read gives, as text.
+inline std::string ReadText(ORL::File& ioFile, unsigned inCount, ORL::Result inExpected = ORL::kSuccess)
+{
+    std::string text(inCount, '#');
+    unsigned bytesRead = 0;
+    const ORL::Result result = ioFile.Read(&text[0], inCount, bytesRead);
+    return result == inExpected ? text.substr(0, bytesRead) : "result " + std::to_string(result);
+}
+
+inline bool WriteText(ORL::File& ioFile, const std::string& inText)
+{
+    unsigned bytesWritten = 0;
+    return ioFile.Write(inText.data(), static_cast<unsigned>(inText.size()), bytesWritten) == ORL::kSuccess
+           && bytesWritten == inText.size();
+}
+
+inline __int64 PositionOf(ORL::File& ioFile)
+{
+    __int64 position = -77;
+    return ioFile.GetFilePointer(position) == ORL::kSuccess ? position : -78;
+}
+
+} // namespace ORLTest

@@ -1,0 +1,82 @@
+// A process of its own that opens files which the tests hold open.
+//   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line a file: the
+//                                   errors of its opens, in order
+//   share_mode_host hold PATH       opens the path alone and ends in the middle of it, without closing
+//   share_mode_host race PATH N     opens the path alone, N times, and prints how often it got it
+#include "ShareModes.h"
+
+#include <ORLHostPath.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+using namespace ORL::Files::Platform;
+using namespace ORLTest;
+
+namespace {
+
+constexpr Holding kAlone = {kGenericRead | kGenericWrite, 0};
+
+UTF16String LibraryPath(const std::string& inHostPath)
+{
+    return ORL::PathUtils::FromHostPath(inHostPath);
+}
+
+unsigned Try(const UTF16String& inPath, const Holding& inHolding)
+{
+    Handle file = nullptr;
+    const ORL::SystemError error = OpenHolding(inPath, inHolding, file);
+    if (error == 0) {
+        CloseFile_Impl(file);
+    }
+    return static_cast<unsigned>(error);
+}
+
+int TryAll(const std::string& inFolder)
+{
+    const std::vector<Holding> all = AllHoldings();
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const UTF16String path = LibraryPath(inFolder + "/" + std::to_string(i));
+        for (const Holding& holding : all) {
+            std::printf("%u ", Try(path, holding));
+        }
+        std::printf("\n");
+    }
+    return 0;
+}
+
+int HoldAndEnd(const std::string& inPath)
+{
+    Handle file = nullptr;
+    std::printf("%u\n", static_cast<unsigned>(OpenHolding(LibraryPath(inPath), kAlone, file)));
+    std::fflush(stdout);
+    std::_Exit(3);
+}
+
+int Race(const std::string& inPath, int inRounds)
+{
+    const UTF16String path = LibraryPath(inPath);
+    int got = 0;
+    int wrong = 0;
+    for (int round = 0; round < inRounds; ++round) {
+        const unsigned error = Try(path, kAlone);
+        got += error == 0 ? 1 : 0;
+        wrong += error != 0 && error != 32 ? 1 : 0;
+    }
+    std::printf("%d %d\n", got, wrong);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 3) {
+        return 2;
+    }
+    return std::strcmp(argv[1], "matrix") == 0 ? TryAll(argv[2])
+           : std::strcmp(argv[1], "hold") == 0 ? HoldAndEnd(argv[2])
+           : argc > 3                          ? Race(argv[2], std::atoi(argv[3]))
+                                               : 2;
+}

@@ -1,0 +1,7 @@
+# A second process that opens files beside the tests' own handles.
+add_executable(share_mode_host Files/ShareModeHost.cpp)
+target_link_libraries(share_mode_host PRIVATE ORLFoundation_private orl_strict)
+add_dependencies(${room_target} share_mode_host)
+
+# The sample host of a block cache is an example first.
+target_include_directories(${room_target} PRIVATE "${PROJECT_SOURCE_DIR}/Examples")
