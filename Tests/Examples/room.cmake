@@ -1,2 +1,11 @@
 # The tests run the example hosts that the build made beside them.
-add_dependencies(${room_target} example_plugins)
+add_dependencies(${room_target} example_plugins example_waveform)
+
+# Pictures are decoded by a library that is not ours: libpng, or the home platform's own services.
+target_sources(${room_target} PRIVATE Examples/PngReader${ORL_PLATFORM}.cpp)
+if(WIN32)
+  target_link_libraries(${room_target} PRIVATE gdiplus)
+else()
+  find_package(PNG REQUIRED)
+  target_link_libraries(${room_target} PRIVATE PNG::PNG)
+endif()

@@ -1,0 +1,147 @@
+// Draws the waveforms of WAV files as a PNG picture.
+//
+//   example_waveform OUT.png FILE.wav ...                  a sheet with a card for each file
+//   example_waveform --thumbnail WxH OUT.png FILE.wav      one waveform alone, edge to edge
+//
+// The columns of each picture are cut into requests for a shared queue; a flush tells when all are done. Each request reads
+// through a buffer of the recycler, and the name of its file is an immutable string that all of them share.
+// Exit code: 0, 1 when a file cannot be read or written, 2 when the arguments make no sense.
+#include "Painter.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+constexpr std::size_t kSheetWidth = 1200;
+constexpr std::size_t kColumnsPerRequest = 64;
+constexpr std::size_t kLargestSide = 8192;
+
+struct Wishes
+{
+    bool mIsThumbnail = false;
+    std::size_t mWidth = kSheetWidth;
+    std::size_t mHeight = 0;
+    std::string mOutput;
+    std::vector<std::string> mInputs;
+};
+
+// False when they make no sense.
+bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
+{
+    if (inArguments.size() > 1 && inArguments[0] == "--thumbnail") {
+        outWishes.mIsThumbnail = true;
+        char tooMuch;
+        if (std::sscanf(inArguments[1].c_str(), "%zux%zu%c", &outWishes.mWidth, &outWishes.mHeight, &tooMuch) != 2
+            || outWishes.mWidth == 0 || outWishes.mWidth > kLargestSide || outWishes.mHeight == 0
+            || outWishes.mHeight > kLargestSide) {
+            return false;
+        }
+        inArguments.erase(inArguments.begin(), inArguments.begin() + 2);
+    }
+    if (inArguments.size() < 2 || (outWishes.mIsThumbnail && inArguments.size() > 2)) {
+        return false;
+    }
+    outWishes.mOutput = inArguments[0];
+    outWishes.mInputs.assign(inArguments.begin() + 1, inArguments.end());
+    return true;
+}
+
+std::string Leaf(const std::string& inPath)
+{
+    return inPath.substr(inPath.find_last_of("/\\") + 1); // a path without a separator is all leaf
+}
+
+Sound OpenSound(const std::string& inPath, std::size_t inColumns)
+{
+    Sound sound;
+    sound.mPath = inPath;
+    sound.mName = ORL::ImmutableString::CreateDynamic(Leaf(inPath));
+    try {
+        sound.mFormat = ReadWavFormat(inPath);
+    } catch (const std::runtime_error& failure) {
+        throw std::runtime_error(Leaf(inPath) + " " + failure.what());
+    }
+    sound.mPeaks.assign(sound.mFormat.mChannels, std::vector<Peak>(inColumns));
+    return sound;
+}
+
+using Queue = ORL::InterfaceRef<ORL::ThreadedWorkQueue>;
+using Request = ORL::InterfaceRef<FindPeaks>;
+
+// False when the queue has not taken all of them.
+bool QueueRequests(const Queue& inQueue, std::vector<Sound>& ioSounds, std::size_t inColumns, std::vector<Request>& outRequests)
+{
+    bool allTaken = true;
+    for (Sound& sound : ioSounds) {
+        for (std::size_t column = 0; column < inColumns; column += kColumnsPerRequest) {
+            const std::size_t end = std::min(column + kColumnsPerRequest, inColumns);
+            outRequests.emplace_back(new FindPeaks(sound, column, end));
+            allTaken = inQueue->QueueRequest(outRequests.back().GetPtr()) && allTaken;
+        }
+    }
+    return allTaken;
+}
+
+void FindAllPeaks(std::vector<Sound>& ioSounds, std::size_t inColumns)
+{
+    const Queue queue = ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreate(ORL::ThreadPriorities::kNormal);
+    const ORL::InterfaceRef<ORL::ThreadedWorkQueueFlush> flush(new ORL::ThreadedWorkQueueFlush);
+    flush->Init(queue);
+    std::vector<Request> requests;
+    const bool allTaken = QueueRequests(queue, ioSounds, inColumns, requests);
+    flush->Flush();
+    if (!allTaken) {
+        throw std::runtime_error("the queue takes no more work");
+    }
+    for (const Request& request : requests) {
+        if (!request->GetFailure().empty()) {
+            throw std::runtime_error(request->GetFailure());
+        }
+    }
+}
+
+void Render(const Wishes& inWishes)
+{
+    const std::size_t columns = inWishes.mIsThumbnail ? inWishes.mWidth : SheetColumns(inWishes.mWidth);
+    std::vector<Sound> sounds;
+    for (const std::string& path : inWishes.mInputs) {
+        sounds.push_back(OpenSound(path, columns));
+    }
+    FindAllPeaks(sounds, columns);
+    const Picture picture = inWishes.mIsThumbnail ? PaintThumbnail(sounds[0], inWishes.mWidth, inWishes.mHeight)
+                                                  : PaintSheet(sounds, inWishes.mWidth);
+    try {
+        picture.Save(inWishes.mOutput);
+    } catch (const std::runtime_error& failure) {
+        throw std::runtime_error(inWishes.mOutput + " " + failure.what());
+    }
+    std::printf("%s: %zu by %zu pixels\n", inWishes.mOutput.c_str(), picture.Width(), picture.Height());
+}
+
+int RenderOrComplain(const Wishes& inWishes)
+{
+    try {
+        Render(inWishes);
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "example_waveform: %s\n", failure.what());
+        return 1;
+    }
+}
+
+} // namespace
+
+int main(int inCount, char** inArguments)
+{
+    Wishes wishes;
+    if (!ReadArguments(std::vector<std::string>(inArguments + 1, inArguments + inCount), wishes)) {
+        std::fprintf(stderr, "usage: example_waveform [--thumbnail WxH] OUT.png FILE.wav ...\n");
+        return 2;
+    }
+    ORL::Foundation::Initialize();
+    const int exitCode = RenderOrComplain(wishes);
+    ORL::Foundation::Terminate();
+    return exitCode;
+}
