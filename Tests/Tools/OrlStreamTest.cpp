@@ -1,4 +1,8 @@
 // orl stream and orl make-clip as a user meets them.
+#include "ShrinkingStream.h"
+
+#include <ORLPathUtils.h>
+#include <ORLResult.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 
@@ -175,4 +179,53 @@ TEST_F(OrlStream, ClipThatCannotBeWritten_LeavesNothingBehind)
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
     EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
+}
+
+TEST_F(OrlStream, FilesThatFail_EachHaveTheirLineAndTheOthersAreStreamed)
+{
+    mFolder.MakeFolder("folder");
+    mFolder.MakeFile("first.mov", "first");
+    mFolder.MakeFile("last.mov", "last");
+    const ProcessResult result =
+        Orl({"stream", Host("missing.mov"), Host("first.mov"), Host("folder"), Host("last.mov")});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_NE(std::string::npos, result.mOutput.find(CRC("first"))) << result.mOutput;
+    EXPECT_NE(std::string::npos, result.mOutput.find(CRC("last"))) << result.mOutput;
+    EXPECT_EQ("orl: stream: cannot open \"" + Host("missing.mov") + "\": there is no such file\n"
+              + "orl: stream: cannot open \"" + Host("folder") + "\": it is a directory\n",
+              result.mErrors);
+}
+
+TEST_F(OrlStream, PathOfFourThousandCharacters_IsStreamedOrCalledMissing)
+{
+    UTF16String folder = mFolder.Path();
+    while (folder.size() < 3800) {
+        folder += UTF16String(1, '\\') + UTF16String(99, 'd');
+    }
+    const UTF16String path = ORL::PathUtils::ToNormalizedPath(folder + UTF16String(1, '\\')
+                                                              + UTF16String(3999 - folder.size(), 'x'));
+    const std::string argument(path.begin(), path.end());
+    const ProcessResult missing = Orl({"stream", argument});
+    EXPECT_EQ(1, missing.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(missing.mErrors)) << missing.mErrors;
+    EXPECT_NE(std::string::npos, missing.mErrors.find("there is no such file")) << missing.mErrors;
+
+    std::string host;
+    ASSERT_EQ(ORL::kSuccess, ORL::PathUtils::ToHostPath(path, host));
+    const std::filesystem::path file = std::filesystem::u8path(host);
+    std::filesystem::create_directories(file.parent_path());
+    ASSERT_TRUE(std::ofstream(file, std::ios::binary) << "media");
+    const ProcessResult found = Orl({"stream", argument});
+    EXPECT_EQ(0, found.mExitCode) << found.mErrors;
+    EXPECT_NE(std::string::npos, found.mOutput.find(CRC("media"))) << found.mOutput;
+}
+
+// The short read tells that the file shrank, on both platforms.
+TEST(OrlStreamCut, InsideABlock_IsToldWithTheBytesThatCame)
+{
+    const std::string said = SaidOfAStreamCutTo(4096 + 100);
+    EXPECT_EQ(0u, said.find("failure: stream: \"")) << said;
+    EXPECT_NE(std::string::npos,
+              said.find("at byte 4096 came short, 100 of 4096 bytes: the file shrank while it was read\n"))
+        << said;
 }

@@ -1,6 +1,17 @@
 #include "Failure.h"
 
+#include <algorithm>
+#include <iostream>
+
 namespace orl {
+
+void Complain(const std::string& inText)
+{
+    std::string line = inText;
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    std::cout.flush();
+    std::cerr << "orl: " << line << std::endl;
+}
 
 std::string Describe(ORL::Result inResult)
 {

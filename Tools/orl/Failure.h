@@ -20,6 +20,17 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Writes "orl: " and the text on standard error, as one line, behind what standard output has so far.
+void Complain(const std::string& inText);
+
+/// Thrown by a command that has complained of all that failed, once the rest of its work is done. The program ends with
+/// kExitFailure and says no more.
+class PartialFailure : public std::runtime_error
+{
+public:
+    PartialFailure() : std::runtime_error("some of the work could not be done") {}
+};
+
 /// A result in words: "path not found".
 std::string Describe(ORL::Result inResult);
 

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -175,6 +176,22 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
     return figures;
 }
 
+// One file that cannot be streamed does not keep the others from it.
+bool StreamOrComplain(const std::string& inFile, const Options& inOptions, std::vector<Row>& ioRows)
+{
+    try {
+        ioRows.push_back(Row{inFile, StreamOne(inFile, inOptions)});
+        return true;
+    } catch (const NoAnswer&) {
+        throw;
+    } catch (const Interrupted&) {
+        throw;
+    } catch (const Failure& failure) {
+        Complain(failure.what());
+        return false;
+    }
+}
+
 void Run(const Options& inOptions)
 {
     const StartedLibrary library;
@@ -187,15 +204,23 @@ void Run(const Options& inOptions)
             PrintTable(rows, inOptions.mVerifies);
         }
     };
+    bool hasFailed = false;
     try {
         for (const std::string& file : inOptions.mFiles) {
-            rows.push_back(Row{file, StreamOne(file, inOptions)});
+            hasFailed |= !StreamOrComplain(file, inOptions, rows);
         }
-    } catch (...) {
+    } catch (const NoAnswer& failure) {
         print(); // what was streamed before stays true
+        Complain(failure.what());
+        std::_Exit(kExitFailure);
+    } catch (...) {
+        print();
         throw;
     }
     print();
+    if (hasFailed) {
+        throw PartialFailure();
+    }
 }
 
 } // namespace
@@ -211,6 +236,8 @@ void AddStream(CLI::App& ioProgram)
         ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20));
     command->add_option("--depth", options->mSettings.mDepth, "reads in flight (default 32)")
         ->check(CLI::Range(1, 2048));
+    command->add_option("--patience", options->mSettings.mPatience, "seconds without any answer of the disk (default 60)")
+        ->check(CLI::Range(1u, 86400u));
     command->add_flag("--verify", options->mVerifies, "compare with a plain buffered read");
     command->add_flag("--json", options->mAsJson, "write one JSON array");
     command->callback([options] { Run(*options); });

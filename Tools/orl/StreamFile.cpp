@@ -1,6 +1,5 @@
 #include "StreamFile.h"
 
-#include "Failure.h"
 #include "Text.h"
 
 #include <ORLAsyncFileReader.h>
@@ -10,10 +9,8 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -25,8 +22,6 @@ namespace orl {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds kPatience(60); // without any answer of the disk
 
 std::filesystem::path HostPathOf(const std::string& inArgument)
 {
@@ -72,7 +67,8 @@ private:
 class Stream
 {
 public:
-    Stream(const std::string& inArgument, const StreamSettings& inSettings) : mArgument(inArgument)
+    Stream(const std::string& inArgument, const StreamSettings& inSettings)
+        : mArgument(inArgument), mPatience(inSettings.mPatience)
     {
         Open();
         mSize = SizeOf(inArgument);
@@ -98,7 +94,7 @@ public:
             latencies.push_back(slot.mLatency);
             TakeUp(block, slot, figures);
             if (!inProgress(figures.mBytes, mSize)) {
-                throw Failure("stream: interrupted while reading \"" + mArgument + "\"");
+                throw Interrupted("stream: interrupted while reading \"" + mArgument + "\"");
             }
             if (block + mSlots.size() < mBlocks) {
                 Queue(block + mSlots.size());
@@ -178,10 +174,8 @@ private:
     {
         Slot& slot = mSlots[inBlock % mSlots.size()];
         std::unique_lock<std::mutex> lock(mMutex);
-        if (!mCame.wait_for(lock, kPatience, [&slot] { return slot.mIsDone; })) {
-            std::cout.flush();
-            std::cerr << "orl: stream: \"" << mArgument << "\" answers no more: a read failed or the disk is gone\n";
-            std::_Exit(kExitFailure);
+        if (!mCame.wait_for(lock, mPatience, [&slot] { return slot.mIsDone; })) {
+            throw NoAnswer("stream: \"" + mArgument + "\" answers no more: a read failed or the disk is gone");
         }
         return slot;
     }
@@ -216,6 +210,7 @@ private:
     }
 
     const std::string mArgument;
+    const std::chrono::seconds mPatience;
     std::uint64_t mSize = 0;
     std::size_t mBlockSize = 0;
     std::size_t mSector = 0;
@@ -232,7 +227,13 @@ private:
 StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& inSettings,
                          const StreamProgress& inProgress)
 {
-    return Stream(inArgument, inSettings).Run(inProgress);
+    auto stream = std::make_unique<Stream>(inArgument, inSettings);
+    try {
+        return stream->Run(inProgress);
+    } catch (const NoAnswer&) {
+        static_cast<void>(stream.release()); // its end would wait for its reads, which may still write into its memory
+        throw;
+    }
 }
 
 std::uint32_t PlainCRC(const std::string& inArgument)

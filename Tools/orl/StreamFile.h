@@ -6,12 +6,15 @@
 #include <functional>
 #include <string>
 
+#include "Failure.h"
+
 namespace orl {
 
 struct StreamSettings
 {
     std::size_t mBlockSize = 1 << 20; // bytes of one read, rounded up to whole sectors
     std::size_t mDepth = 32;          // reads in flight
+    unsigned mPatience = 60;          // seconds without any answer of the disk
 };
 
 struct StreamFigures
@@ -25,11 +28,26 @@ struct StreamFigures
     std::uint32_t mCRC = 0; // CRC-32 of the contents, as zlib computes it
 };
 
+/// Thrown when the disk answers no more. A read that was started and is never reported ends the reads of the whole process:
+/// what is open stays open, and the process had better end without a stop of the library, which might wait for the disk.
+class NoAnswer : public Failure
+{
+public:
+    using Failure::Failure;
+};
+
+/// Thrown when the progress function stops the stream.
+class Interrupted : public Failure
+{
+public:
+    using Failure::Failure;
+};
+
 /// Told the bytes that have passed and the bytes there are. False stops the stream.
 using StreamProgress = std::function<bool(std::uint64_t inDone, std::uint64_t inSize)>;
 
-/// inArgument is a host path or a library path. Needs a started library. Throws Failure, with no read left in flight; ends
-/// the process when the disk answers no more, since a reader cannot be closed under its reads.
+/// inArgument is a host path or a library path. Needs a started library. Throws Failure, with no read left in flight unless it
+/// is NoAnswer.
 StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& inSettings,
                          const StreamProgress& inProgress);
 

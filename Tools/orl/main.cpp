@@ -17,12 +17,9 @@ void AddCommands(CLI::App& ioProgram)
     orl::AddMakeClip(ioProgram);
 }
 
-int Complain(const std::string& inText, int inExitCode)
+int Fail(const std::string& inText, int inExitCode)
 {
-    std::string line = inText;
-    std::replace(line.begin(), line.end(), '\n', ' ');
-    std::cout.flush();
-    std::cerr << "orl: " << line << '\n';
+    orl::Complain(inText);
     return inExitCode;
 }
 
@@ -30,7 +27,7 @@ int Complain(const std::string& inText, int inExitCode)
 int Finish()
 {
     std::cout.flush();
-    return std::cout ? orl::kExitSuccess : Complain("cannot write to standard output", orl::kExitFailure);
+    return std::cout ? orl::kExitSuccess : Fail("cannot write to standard output", orl::kExitFailure);
 }
 
 // The parser would only say that a command is missing.
@@ -59,7 +56,7 @@ int Run(std::vector<std::string> inArguments)
     } catch (const CLI::Success& wish) {
         program.exit(wish, std::cout, std::cerr);
     } catch (const CLI::ParseError& error) {
-        return Complain(std::string(error.what()) + " (see orl --help)", orl::kExitUsage);
+        return Fail(std::string(error.what()) + " (see orl --help)", orl::kExitUsage);
     }
     return Finish();
 }
@@ -71,7 +68,9 @@ int main(int inCount, char** inArguments)
     const orl::UTF8Console console;
     try {
         return Run(orl::Arguments(inCount, inArguments));
+    } catch (const orl::PartialFailure&) {
+        return orl::kExitFailure;
     } catch (const std::exception& failure) {
-        return Complain(failure.what(), orl::kExitFailure);
+        return Fail(failure.what(), orl::kExitFailure);
     }
 }

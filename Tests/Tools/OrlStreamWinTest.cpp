@@ -1,0 +1,30 @@
+// orl stream where this platform answers in a way of its own.
+#include "ShrinkingStream.h"
+
+#include <windows.h>
+
+using namespace ORLTest;
+
+// The read past the new end is taken and fails when it completes, after which nothing is delivered any more.
+TEST(OrlStreamCut, AtABlock_IsToldAfterTheWait)
+{
+    const std::string said = SaidOfAStreamCutTo(4096);
+    EXPECT_EQ(0u, said.find("no answer: stream: \"")) << said;
+    EXPECT_NE(std::string::npos, said.find("answers no more: a read failed or the disk is gone\n")) << said;
+}
+
+TEST(OrlStreamWin, FileThatAnotherKeepsToItself_IsSaidOnOneLineAndTheOthersAreStreamed)
+{
+    const TempFolder folder;
+    folder.MakeFile("held.mov", "held");
+    folder.MakeFile("clip.mov", "123456789");
+    const HANDLE holder = ::CreateFileW((folder.Host() / "held.mov").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
+                                        nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, holder);
+    const ProcessResult result = RunBesideThisProgram(
+        "orl", {"stream", (folder.Host() / "held.mov").u8string(), (folder.Host() / "clip.mov").u8string()});
+    ::CloseHandle(holder);
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_NE(std::string::npos, result.mErrors.find("it cannot be opened for reading\n")) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mOutput.find("cbf43926")) << result.mOutput;
+}
