@@ -1,0 +1,85 @@
+// The sites of the threads room. Their lines are not published.
+#include <PublishedSites.h>
+
+#include <ORLEvent.h>
+#include <ORLInterface.h>
+#include <ORLThreadedWorkQueue.h>
+#include <ORLWaitableGate.h>
+
+using namespace ORL;
+using ORLTest::ExpectPublished;
+using ORLTest::PublishedSite;
+
+namespace {
+
+using Queue = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
+
+void RunQueue(int inPolicy, const char* inThreadName, const char* inModuleName)
+{
+    const Queue queue(new ThreadedWorkQueue);
+    queue->Initialize(ThreadPriorities::kNormal, inPolicy, ConstString(inThreadName), ConstString(inModuleName));
+    queue->Stop();
+}
+
+void StopTwice()
+{
+    const Queue queue(new ThreadedWorkQueue);
+    queue->Initialize(ThreadPriorities::kNormal, 1, ConstString("Thread"), ConstString("Module"));
+    queue->Stop();
+    queue->Stop();
+}
+
+void DestroyRunning()
+{
+    const Queue queue(new ThreadedWorkQueue);
+    queue->Initialize(ThreadPriorities::kNormal, 1, ConstString("Thread"), ConstString("Module"));
+}
+
+class WithoutHandle : public WaitableObject
+{
+public:
+    WithoutHandle() : mTakenAway(mEvent) { mEvent = nullptr; }
+    ~WithoutHandle() { mEvent = mTakenAway; }
+
+private:
+    void* mTakenAway;
+};
+
+void SignalWithoutHandle()
+{
+    WithoutHandle().Signal();
+}
+
+void ReturnAClosedGate()
+{
+    WaitableGate gate;
+    WaitableGatePool::ReturnGate(&gate);
+}
+
+const PublishedSite kSites[] = {
+    // work queues
+    {__LINE__, PublishedSite::kAssert, "inThreadAllocationPolicy > 0", "", nullptr, 0,
+     "ORL::`anonymous-namespace'::ConvertThreadAllocationPolicy", [] { RunQueue(-2, "Thread", "Module"); }},
+    {__LINE__, PublishedSite::kInputContract, "!inThreadName.empty()", "", nullptr, 0, "",
+     [] { RunQueue(1, "", "Module"); }},
+    {__LINE__, PublishedSite::kInputContract, "!inModuleName.empty()", "", nullptr, 0, "",
+     [] { RunQueue(1, "Thread", ""); }},
+    {__LINE__, PublishedSite::kAssert, "!mImpl->mExecutor->IsTerminated()",
+     "Somebody called stop on this Queue more than once (or without calling Initialize), which is bad.\r\n", nullptr, 0,
+     "ORL::ThreadedWorkQueue::Stop", &StopTwice},
+    {__LINE__, PublishedSite::kAssert, "mImpl->mExecutor->IsTerminated()",
+     "Stop() was not called on a ThreadedWorkQueue.\r\n", nullptr, 0, "ORL::ThreadedWorkQueue::~ThreadedWorkQueue",
+     &DestroyRunning},
+    // events and gates
+    {__LINE__, PublishedSite::kAssert, "eventOK", "", nullptr, 0, nullptr, &SignalWithoutHandle},
+    {__LINE__, PublishedSite::kInputContract, "inGate", "", nullptr, 0, "",
+     [] { WaitableGatePool::ReturnGate(nullptr); }},
+    {__LINE__, PublishedSite::kInputContract, "kSuccess == inGate->Wait(0)", "", nullptr, 0, "", &ReturnAClosedGate},
+};
+
+} // namespace
+
+TEST(PublishedSites, OfThreads_AreReportedAsPublished)
+{
+    ExpectPublished(kSites);
+}
