@@ -18,8 +18,9 @@ struct ProcessResult
 std::string FolderOfThisProgram();
 
 /// Runs inName (without ".exe") from this program's own folder with those arguments, UTF-8 on Windows and bytes on
-/// Linux, in inWorkingFolder where one is given. Standard input is empty.
+/// Linux, in inWorkingFolder where one is given. Standard input holds the bytes of inInput and ends.
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
-                                   const std::string& inWorkingFolder = std::string(), int inSeconds = 60);
+                                   const std::string& inWorkingFolder = std::string(), int inSeconds = 60,
+                                   const std::string& inInput = std::string());
 
 } // namespace ORLTest

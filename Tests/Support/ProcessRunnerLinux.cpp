@@ -1,7 +1,6 @@
 #include <ProcessRunner.h>
 
 #include <cstdio>
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/syscall.h>
@@ -23,11 +22,19 @@ std::string ReadAll(std::FILE* inFile)
     return text;
 }
 
+std::FILE* FileOf(const std::string& inBytes)
+{
+    std::FILE* const file = std::tmpfile();
+    std::fwrite(inBytes.data(), 1, inBytes.size(), file);
+    std::rewind(file);
+    return file;
+}
+
 // Between fork and exec only what is safe after fork.
 [[noreturn]] void Become(const std::string& inProgram, std::vector<char*>& inArguments, const std::string& inFolder,
-                         int inOutput, int inErrors)
+                         int inInput, int inOutput, int inErrors)
 {
-    ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+    ::dup2(inInput, STDIN_FILENO);
     ::dup2(inOutput, STDOUT_FILENO);
     ::dup2(inErrors, STDERR_FILENO);
     if (inFolder.empty() || ::chdir(inFolder.c_str()) == 0) {
@@ -61,7 +68,7 @@ std::string FolderOfThisProgram()
 }
 
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
-                                   const std::string& inWorkingFolder, int inSeconds)
+                                   const std::string& inWorkingFolder, int inSeconds, const std::string& inInput)
 {
     std::string program = FolderOfThisProgram() + inName;
     std::vector<std::string> words = inArguments;
@@ -70,14 +77,16 @@ ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<
         arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
+    std::FILE* input = FileOf(inInput);
     std::FILE* output = std::tmpfile();
     std::FILE* errors = std::tmpfile();
     const pid_t process = ::fork();
     if (process == 0) {
-        Become(program, arguments, inWorkingFolder, ::fileno(output), ::fileno(errors));
+        Become(program, arguments, inWorkingFolder, ::fileno(input), ::fileno(output), ::fileno(errors));
     }
     ProcessResult result;
     WaitFor(process, inSeconds, result);
+    std::fclose(input);
     result.mOutput = ReadAll(output);
     result.mErrors = ReadAll(errors);
     return result;

@@ -58,6 +58,15 @@ HANDLE OpenTemporary()
                          CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
 }
 
+HANDLE FileOf(const std::string& inBytes)
+{
+    const HANDLE file = OpenTemporary();
+    DWORD written = 0;
+    ::WriteFile(file, inBytes.data(), static_cast<DWORD>(inBytes.size()), &written, nullptr);
+    ::SetFilePointer(file, 0, nullptr, FILE_BEGIN);
+    return file;
+}
+
 std::string ReadAll(HANDLE inFile)
 {
     std::string text;
@@ -98,7 +107,7 @@ std::string FolderOfThisProgram()
 }
 
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
-                                   const std::string& inWorkingFolder, int inSeconds)
+                                   const std::string& inWorkingFolder, int inSeconds, const std::string& inInput)
 {
     const std::wstring program = WideFolderOfThisProgram() + Wide(inName) + L".exe";
     std::wstring line = Quoted(program);
@@ -109,6 +118,7 @@ ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = FileOf(inInput);
     startup.hStdOutput = OpenTemporary();
     startup.hStdError = OpenTemporary();
     PROCESS_INFORMATION process{};
@@ -117,6 +127,7 @@ ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<
                          folder.empty() ? nullptr : folder.c_str(), &startup, &process)) {
         WaitFor(process, inSeconds, result);
     }
+    ::CloseHandle(startup.hStdInput);
     result.mOutput = ReadAll(startup.hStdOutput);
     result.mErrors = ReadAll(startup.hStdError);
     return result;

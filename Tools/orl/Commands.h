@@ -14,4 +14,7 @@ void AddStream(CLI::App& ioProgram);
 /// orl make-clip PATH: writes a clip to try things on.
 void AddMakeClip(CLI::App& ioProgram);
 
+/// orl tc show|parse|add|convert|table: labels, counts and times of every timecode format.
+void AddTimecode(CLI::App& ioProgram);
+
 } // namespace orl

@@ -13,6 +13,7 @@ namespace {
 void AddCommands(CLI::App& ioProgram)
 {
     orl::AddStream(ioProgram);
+    orl::AddTimecode(ioProgram);
     orl::AddInfo(ioProgram);
     orl::AddMakeClip(ioProgram);
 }
@@ -33,12 +34,17 @@ int Finish()
 // The parser would only say that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
 {
-    if (inArguments.empty() || inArguments[0].compare(0, 1, "-") == 0) {
-        return;
-    }
-    const auto isIt = [&inArguments](const CLI::App* inCommand) { return inCommand->check_name(inArguments[0]); };
-    if (inProgram.get_subcommands(isIt).empty()) {
-        throw CLI::ExtrasError("orl", {inArguments[0]});
+    const CLI::App* program = &inProgram;
+    for (const std::string& argument : inArguments) {
+        const auto isIt = [&argument](const CLI::App* inCommand) { return inCommand->check_name(argument); };
+        if (argument.compare(0, 1, "-") == 0 || program->get_subcommands([](const CLI::App*) { return true; }).empty()) {
+            return;
+        }
+        const std::vector<const CLI::App*> commands = program->get_subcommands(isIt);
+        if (commands.empty()) {
+            throw CLI::ExtrasError(program->get_name(), {argument});
+        }
+        program = commands.front();
     }
 }
 

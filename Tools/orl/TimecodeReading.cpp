@@ -1,0 +1,214 @@
+#include "TimecodeReading.h"
+
+#include "Text.h"
+
+#include <cstdlib>
+#include <tvxcore/Debug.h>
+#include <vector>
+
+namespace orl {
+
+using namespace tvxmediatypes;
+
+namespace {
+
+constexpr std::size_t kNowhere = std::string::npos;
+constexpr const char* kTooLarge = "the number is too large";
+
+bool IsDigit(char inCharacter)
+{
+    return inCharacter >= '0' && inCharacter <= '9';
+}
+
+std::size_t SkipSign(const std::string& inText)
+{
+    return !inText.empty() && (inText[0] == '+' || inText[0] == '-') ? 1 : 0;
+}
+
+// The character at inStop in words. What is not ASCII is shown whole.
+std::string Complaint(const std::string& inText, std::size_t inStop)
+{
+    if (inStop >= inText.size()) {
+        return "a number is missing";
+    }
+    std::size_t end = inStop + 1;
+    while (end < inText.size() && (static_cast<unsigned char>(inText[end]) & 0xC0) == 0x80) {
+        ++end;
+    }
+    return JsonQuoted(inText.substr(inStop, end - inStop)) + " does not fit here";
+}
+
+// All digits of the text as one number, which is at least as large as any number in it.
+double AllDigits(const std::string& inText)
+{
+    double number = 0;
+    for (const char character : inText) {
+        number = IsDigit(character) ? number * 10 + (character - '0') : number;
+    }
+    return number;
+}
+
+// Times hold about 414 years on either side of zero.
+void CheckCount(double inCount, const FrameRate& inRate, std::size_t inWhere)
+{
+    if (inCount * static_cast<double>(inRate.GetTicksPerFrame()) > 9.2e18) {
+        throw Unreadable(kTooLarge, inWhere);
+    }
+}
+
+// The library takes digits as they come, and numbers of any length wrap around.
+void CheckFields(const std::string& inText)
+{
+    constexpr std::size_t kMaxDigitsOfField = 9;
+    constexpr std::size_t kMaxDigitsOfShorthand = 15;
+    const bool isLone = inText.find_first_of(":;.", SkipSign(inText)) == kNowhere;
+    const std::size_t limit = isLone ? kMaxDigitsOfShorthand : kMaxDigitsOfField;
+    std::size_t digits = 0;
+    for (std::size_t i = 0; i < inText.size(); ++i) {
+        digits = IsDigit(inText[i]) ? digits + 1 : 0;
+        if (digits > limit) {
+            throw Unreadable(kTooLarge, i);
+        }
+    }
+}
+
+bool IsFeet(TimeDisplay inDisplay)
+{
+    return inDisplay == kTimeDisplay_16mmFeetFrames || inDisplay == kTimeDisplay_35mmFeetFrames;
+}
+
+// A number that counts frames and is not split into fields.
+bool IsPlainCount(const std::string& inText, TimeDisplay inDisplay)
+{
+    const std::size_t begin = SkipSign(inText);
+    const std::size_t first = inText.find_first_of(":;.", begin);
+    const bool hasLeadAlone = first == begin && inText.find_first_of(":;.", begin + 1) == kNowhere;
+    return inDisplay == kTimeDisplay_Frames || hasLeadAlone;
+}
+
+void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
+{
+    const TimeDisplay display = inSettings.mFormat->mDisplay;
+    if (IsFeet(display)) {
+        constexpr double kFramesPerFoot = 40;
+        CheckCount(AllDigits(inText) * kFramesPerFoot, inSettings.mRate, SkipSign(inText));
+    } else if (IsPlainCount(inText, display)) {
+        CheckCount(AllDigits(inText), inSettings.mRate, SkipSign(inText));
+    } else {
+        CheckFields(inText);
+    }
+}
+
+// While it lives, a check of the library that fails on typed text is noted here and not shown: it is a remark on the
+// text and no defect of the library.
+class NotedChecks
+{
+public:
+    NotedChecks()
+    {
+        sHasFailed = false;
+        tvxcore::debug::Dialogs dialogs;
+        dialogs.mAssert = &Note;
+        mEarlier = tvxcore::debug::InstallDialogs(dialogs);
+    }
+    ~NotedChecks() { tvxcore::debug::InstallDialogs(mEarlier); }
+    NotedChecks(const NotedChecks&) = delete;
+    NotedChecks& operator=(const NotedChecks&) = delete;
+
+    bool HasFailed() const { return sHasFailed; }
+
+private:
+    static bool Note(bool&, const char*, const unsigned char*, const char*, long, const char*)
+    {
+        sHasFailed = true;
+        return false;
+    }
+
+    static bool sHasFailed;
+    tvxcore::debug::Dialogs mEarlier;
+};
+
+bool NotedChecks::sHasFailed = false;
+
+// The fields of a text that has exactly four, else none.
+std::vector<long> FourFields(const std::string& inText)
+{
+    std::vector<long> fields;
+    for (std::size_t at = SkipSign(inText); at < inText.size() && IsDigit(inText[at]);) {
+        fields.push_back(std::strtol(inText.c_str() + at, nullptr, 10));
+        at = inText.find_first_of(":;.", at);
+        at = at == kNowhere ? inText.size() : at + 1;
+    }
+    return fields.size() == 4 ? fields : std::vector<long>();
+}
+
+// How many labels a short minute starts without; 0 where none are left out.
+long LabelsLeftOut(TimeDisplay inDisplay)
+{
+    switch (inDisplay) {
+    case kTimeDisplay_2997DropTimecode: return 2;
+    case kTimeDisplay_5994DropTimecode: return 4;
+    default: return 0;
+    }
+}
+
+bool IsLeftOut(const std::string& inText, TimeDisplay inDisplay)
+{
+    const std::vector<long> fields = FourFields(inText);
+    return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < LabelsLeftOut(inDisplay);
+}
+
+// A label of one day, and a negative one that the fold of the library carries further away from it.
+bool IsBeyondTheDay(const TickTime& inTime)
+{
+    return inTime > TickTime(172800.0) || inTime < TickTime(-172800.0);
+}
+
+} // namespace
+
+Reading ReadCount(const std::string& inText, const TimecodeSettings& inSettings)
+{
+    const std::size_t begin = SkipSign(inText);
+    std::size_t end = begin;
+    while (end < inText.size() && IsDigit(inText[end])) {
+        ++end;
+    }
+    if (end != inText.size() || end == begin) {
+        throw Unreadable(Complaint(inText, end), end);
+    }
+    const FrameRate rate = inSettings.CountingRate();
+    CheckCount(AllDigits(inText), rate, begin);
+    const TickTime time(std::strtoll(inText.c_str() + begin, nullptr, 10), rate);
+    return Reading{inText[0] == '-' ? -time : time, std::string()};
+}
+
+Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
+{
+    const TimeDisplay display = inSettings.mFormat->mDisplay;
+    const UTF16String text = ToUTF16(inText);
+    const std::size_t stop = ORL::Timecode::FindUnreadable(text, display);
+    if (stop != UTF16String::npos) {
+        // What was read before is ASCII, so that units, characters and bytes have one count.
+        throw Unreadable(Complaint(inText, stop), stop);
+    }
+    CheckNumbers(inText, inSettings);
+    const NotedChecks checks;
+    ORL::Timecode code(kTime_Zero, inSettings.mRate, display, inSettings.mStyle);
+    code.SetTime(text);
+    if (!IsFeet(display) && !IsPlainCount(inText, display) && IsBeyondTheDay(code.GetTime())) {
+        throw Unreadable("the time lies beyond the day", kNowhere);
+    }
+    if (IsLeftOut(inText, display)) {
+        return Reading{code.GetTime(), "drop-frame leaves this label out"};
+    }
+    return Reading{code.GetTime(), checks.HasFailed() ? "there are more frames than a second holds" : ""};
+}
+
+Reading ReadDistance(const std::string& inText, const TimecodeSettings& inSettings)
+{
+    const std::size_t begin = SkipSign(inText);
+    const bool isCount = begin < inText.size() && inText.find_first_not_of("0123456789", begin) == kNowhere;
+    return isCount ? ReadCount(inText, inSettings) : ReadLabel(inText, inSettings);
+}
+
+} // namespace orl
