@@ -11,6 +11,7 @@ install(TARGETS tvxmediatypes tvxcore CRV ORLFoundation EXPORT ORLFoundationTarg
 install(DIRECTORY API/Inc/ tvxcore/Inc/ tvxmediatypes/Inc/ CRV/Inc/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation FILES_MATCHING PATTERN "*.h")
 install(FILES "${CMAKE_BINARY_DIR}/include/ORLVersion.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation)
+install(FILES Debug/orl_printers.py Debug/orl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/ORLFoundation/debug)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/licenses/ORLFoundation OPTIONAL)
 
 set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)
