@@ -17,3 +17,6 @@ add_dependencies(${room_target} shrinking_stream_host)
 if(TARGET run_restricted)
   add_dependencies(${room_target} run_restricted)
 endif()
+
+# What the documents show is typed and compared.
+target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
