@@ -83,9 +83,11 @@ void ExecutorCore::RunThread() noexcept
     tCurrent = nullptr;
 }
 
+// At the end of the process no thread of an executor is left to wait for, so the answer matters to nobody. It is not
+// looked up: a thread's first look at its own variables may take locks that a stopped thread holds for good.
 bool ExecutorCore::OwnsCurrentThread() const noexcept
 {
-    return tCurrent == this;
+    return !Platform::ProcessIsEnding_Impl() && tCurrent == this;
 }
 
 void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const noexcept

@@ -42,6 +42,11 @@ Function LookUp(const wchar_t* inModule, const char* inName) noexcept
                reinterpret_cast<void*>(::GetProcAddress(module, inName)));
 }
 
+// Looked up at the load, not at the first call: that call may come when the process ends, and a static that is built
+// at its first use is guarded by locks of the C++ runtime, which a stopped thread may hold for good.
+using ShutdownInProgress = BOOLEAN(WINAPI*)();
+const ShutdownInProgress sIsEnding = LookUp<ShutdownInProgress>(L"ntdll.dll", "RtlDllShutdownInProgress");
+
 } // namespace
 
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept
@@ -61,7 +66,9 @@ bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle&
 
 void JoinThread_Impl(ThreadHandle inThread) noexcept
 {
-    ::WaitForSingleObject(reinterpret_cast<HANDLE>(inThread), INFINITE);
+    if (!ProcessIsEnding_Impl()) {
+        ::WaitForSingleObject(reinterpret_cast<HANDLE>(inThread), INFINITE);
+    }
     DetachThread_Impl(inThread);
 }
 
@@ -114,9 +121,7 @@ void YieldThread_Impl() noexcept
 
 bool ProcessIsEnding_Impl() noexcept
 {
-    using RtlDllShutdownInProgress = BOOLEAN(WINAPI*)();
-    static const auto isEnding = LookUp<RtlDllShutdownInProgress>(L"ntdll.dll", "RtlDllShutdownInProgress");
-    return isEnding != nullptr && isEnding() != FALSE;
+    return sIsEnding != nullptr && sIsEnding() != FALSE;
 }
 
 std::int64_t MonotonicNanoseconds_Impl() noexcept

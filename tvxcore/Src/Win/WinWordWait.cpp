@@ -1,5 +1,7 @@
 #include <CorePlatform/WordWait.h>
 
+#include <CorePlatform/Thread.h>
+
 #include <algorithm>
 #include <windows.h>
 
@@ -22,14 +24,19 @@ bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpecte
     return !isTimedOut;
 }
 
+// At the end of the process all sleepers are gone, and one of them may hold a lock of the system's own list of sleepers.
 void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
 {
-    ::WakeByAddressSingle(&ioWord);
+    if (!ProcessIsEnding_Impl()) {
+        ::WakeByAddressSingle(&ioWord);
+    }
 }
 
 void WakeAllOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
 {
-    ::WakeByAddressAll(&ioWord);
+    if (!ProcessIsEnding_Impl()) {
+        ::WakeByAddressAll(&ioWord);
+    }
 }
 
 } // namespace Platform
