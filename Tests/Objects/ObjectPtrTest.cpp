@@ -194,16 +194,16 @@ TEST(ObjectPtr, Counter_IsABlockOfFourBytesOfItsOwn)
     using Metrics = tvxcore::utility::SmallBlockAllocator::Metrics;
     Metrics::Snapshot before{}, between{}, after{};
     Object* const object = new Object;
-    const bool isCounted = Metrics::GetSnapshot(before);
+    ASSERT_TRUE(Metrics::GetSnapshot(before));
     {
         const ObjectPtr<Object> pointer(object);
         Metrics::GetSnapshot(between);
     }
     Metrics::GetSnapshot(after);
-    if (isCounted) {
-        EXPECT_EQ(before.mSmallBlockCountCurrent + 1, between.mSmallBlockCountCurrent);
-        EXPECT_EQ(before.mSmallBlockCountCurrent, after.mSmallBlockCountCurrent);
-    }
+    EXPECT_EQ(before.mSmallBlockCountCurrent + 1, between.mSmallBlockCountCurrent);
+    EXPECT_EQ(before.mSmallBlockBytesCurrent + 4, between.mSmallBlockBytesCurrent);
+    EXPECT_EQ(before.mSmallBlockCountCurrent, after.mSmallBlockCountCurrent);
+    EXPECT_EQ(before.mSmallBlockBytesCurrent, after.mSmallBlockBytesCurrent);
     EXPECT_EQ(0, Object::sLiving);
 }
 

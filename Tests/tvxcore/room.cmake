@@ -30,3 +30,12 @@ target_link_libraries(tvxcore_exit_module PRIVATE tvxcore orl_strict)
 add_executable(tvxcore_exit_host tvxcore/Exit/Host.cpp)
 target_link_libraries(tvxcore_exit_host PRIVATE tvxcore_exit_module orl_strict)
 add_dependencies(${room_target} tvxcore_exit_host)
+
+# A plug-in over the shared library, which the tests load and unload.
+add_library(tvxcore_test_guest MODULE tvxcore/SmallBlockGuest.cpp)
+target_link_libraries(tvxcore_test_guest PRIVATE tvxcore orl_strict)
+set_target_properties(tvxcore_test_guest PROPERTIES PREFIX ""
+  LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+add_dependencies(${room_target} tvxcore_test_guest)
+target_compile_definitions(${room_target} PRIVATE
+  $<IF:$<BOOL:${WIN32}>,TVXCORE_TEST_GUEST="tvxcore_test_guest.dll",TVXCORE_TEST_GUEST="$<TARGET_FILE:tvxcore_test_guest>">)

@@ -5,6 +5,11 @@
 
 int main(int argc, char** argv)
 {
-    StartWork(argc > 1 && std::strcmp(argv[1], "held") == 0);
+    const char* const how = argc > 1 ? argv[1] : "";
+    if (std::strcmp(how, "allocating") == 0) {
+        StartAllocating();
+    } else {
+        StartWork(std::strcmp(how, "held") == 0);
+    }
     return 17;
 }

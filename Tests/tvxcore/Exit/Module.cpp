@@ -1,12 +1,18 @@
 #include "Module.h"
 
 #include <tvxcore/Executor.h>
+#include <tvxcore/SmallBlockAllocator.h>
 
+#include <algorithm>
 #include <atomic>
 #include <boost/shared_ptr.hpp>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -39,6 +45,67 @@ struct Work
 std::unique_ptr<Work> sWork;
 std::atomic<Work*> sNobodys{nullptr}; // still found by a leak checker
 
+using tvxcore::utility::SmallBlockAllocator;
+
+constexpr std::size_t kBlocks = 2000;
+
+// From the smallest to some that are too large for the allocator's classes.
+std::size_t SizeOf(std::size_t inIndex)
+{
+    return 1 + inIndex * 7919 % 20000;
+}
+
+void AllocateForEver()
+{
+    std::vector<void*> blocks(kBlocks);
+    for (;;) {
+        for (std::size_t i = 0; i < kBlocks; ++i) {
+            blocks[i] = SmallBlockAllocator::Allocate(SizeOf(i));
+        }
+        for (std::size_t i = 0; i < kBlocks; ++i) {
+            SmallBlockAllocator::Dispose(blocks[i], SizeOf(i));
+        }
+        ++sRuns;
+    }
+}
+
+bool IsFilledWith(const unsigned char* inBlock, std::size_t inSize, unsigned char inPattern)
+{
+    return std::all_of(inBlock, inBlock + inSize, [inPattern](unsigned char byte) { return byte == inPattern; });
+}
+
+struct LastUser
+{
+    ~LastUser()
+    {
+        if (mIsOfUse && !(AllocatesAndDisposes() && AllocatesAndDisposes())) {
+            std::_Exit(99);
+        }
+    }
+
+    static bool AllocatesAndDisposes()
+    {
+        static unsigned char* blocks[kBlocks];
+        for (std::size_t i = 0; i < kBlocks; ++i) {
+            blocks[i] = static_cast<unsigned char*>(SmallBlockAllocator::Allocate(SizeOf(i)));
+            if (blocks[i] == nullptr) {
+                return false;
+            }
+            std::memset(blocks[i], static_cast<unsigned char>(i), SizeOf(i));
+        }
+        bool isRight = true;
+        for (std::size_t i = 0; i < kBlocks; ++i) {
+            isRight = isRight && IsFilledWith(blocks[i], SizeOf(i), static_cast<unsigned char>(i));
+            SmallBlockAllocator::Dispose(blocks[i], SizeOf(i));
+        }
+        return isRight;
+    }
+
+    bool mIsOfUse = false;
+};
+
+LastUser sLastUser;
+
 } // namespace
 
 void StartWork(bool inIsHeldByStatics)
@@ -50,6 +117,17 @@ void StartWork(bool inIsHeldByStatics)
         sNobodys = work.release();
     }
     while (sRuns < 100) {
+        std::this_thread::yield();
+    }
+}
+
+void StartAllocating()
+{
+    sLastUser.mIsOfUse = true;
+    for (int i = 0; i < 3; ++i) {
+        std::thread(&AllocateForEver).detach();
+    }
+    while (sRuns < 3) {
         std::this_thread::yield();
     }
 }

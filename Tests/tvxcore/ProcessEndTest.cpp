@@ -1,4 +1,5 @@
-// The end of a process finds executors and repeated functions at work, held by statics of a module or by nobody.
+// The end of a process finds executors and repeated functions at work, held by statics of a module or by nobody, and
+// threads in the allocator. Windows stops them wherever they are before the statics of modules are destroyed.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>
@@ -25,4 +26,9 @@ TEST(ProcessEnd, WithExecutorsHeldByStaticsOfAModule_NeitherHangsNorCrashes)
 TEST(ProcessEnd, WithExecutorsThatNobodyHolds_NeitherHangsNorCrashes)
 {
     ExpectAQuietEnd("leaked");
+}
+
+TEST(ProcessEnd, WithThreadsInTheAllocator_LastDestructorsAreServed)
+{
+    ExpectAQuietEnd("allocating");
 }

@@ -1,0 +1,22 @@
+// Floor: Memory
+// The statistics of the allocator over any source of regions.
+#pragma once
+
+#include <Platform/MemoryRegions.h>
+
+namespace ORL {
+
+/// Where the walk gets its regions and its number of heaps.
+class RegionSource
+{
+public:
+    virtual ~RegionSource() = default;
+
+    virtual bool QueryRegion(std::uint64_t inAddress, MemoryRegions::Region& outRegion) = 0;
+    virtual unsigned long HeapCount() = 0;
+};
+
+/// What TraceAllocatorStatistics does, with ioSource in place of the system.
+void TraceAllocatorStatisticsFrom(RegionSource& ioSource);
+
+} // namespace ORL

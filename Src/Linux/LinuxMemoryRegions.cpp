@@ -1,0 +1,172 @@
+#include <Platform/MemoryRegions.h>
+
+#include "SystemCalls.h"
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
+#include <new>
+
+namespace ORL {
+namespace MemoryRegions {
+namespace Platform {
+
+namespace {
+
+// The end of what a process may map, four-level paging and no wish for more. The kernel's own page, which the list
+// shows above it, is not the process's.
+constexpr std::uint64_t kTop = 0x7ffffffff000;
+
+struct Mapping
+{
+    std::uint64_t mBegin = 0;
+    std::uint64_t mEnd = 0;
+    bool mHasAccess = false;
+};
+
+} // namespace
+
+// Reads the list of mappings as the walk goes on. A line of the list is shorter than the buffer: its longest part is a
+// path.
+struct Walk
+{
+    int mFile = -1;
+    off_t mPosition = 0;
+    std::size_t mBegin = 0; // of what is not yet read in mText
+    std::size_t mEnd = 0;
+    bool mIsOver = false;
+    bool mHasFailed = false;
+    Mapping mNext;
+    char mText[16 * 1024];
+};
+
+namespace {
+
+// Moves what is left to the front and reads behind it.
+bool ReadMore(Walk& ioWalk)
+{
+    std::memmove(ioWalk.mText, ioWalk.mText + ioWalk.mBegin, ioWalk.mEnd - ioWalk.mBegin);
+    ioWalk.mEnd -= ioWalk.mBegin;
+    ioWalk.mBegin = 0;
+    ssize_t size = -1;
+    do {
+        size = Linux::System().mPRead(ioWalk.mFile, ioWalk.mText + ioWalk.mEnd, sizeof(ioWalk.mText) - ioWalk.mEnd,
+                                      ioWalk.mPosition);
+    } while (size < 0 && errno == EINTR);
+    if (size <= 0) {
+        ioWalk.mHasFailed = size < 0;
+        return false;
+    }
+    ioWalk.mEnd += static_cast<std::size_t>(size);
+    ioWalk.mPosition += size;
+    return true;
+}
+
+// The next line with a zero at its end, or null at the end of the list.
+char* ReadLine(Walk& ioWalk)
+{
+    for (;;) {
+        char* const begin = ioWalk.mText + ioWalk.mBegin;
+        char* const end = static_cast<char*>(std::memchr(begin, '\n', ioWalk.mEnd - ioWalk.mBegin));
+        if (end != nullptr) {
+            *end = '\0';
+            ioWalk.mBegin = static_cast<std::size_t>(end + 1 - ioWalk.mText);
+            return begin;
+        }
+        if (ioWalk.mEnd - ioWalk.mBegin == sizeof(ioWalk.mText) || !ReadMore(ioWalk)) {
+            return nullptr;
+        }
+    }
+}
+
+// "7f0c1a000000-7f0c1a021000 rw-p ..."
+bool ReadMapping(Walk& ioWalk)
+{
+    char access[5];
+    const char* const line = ReadLine(ioWalk);
+    if (line == nullptr
+        || std::sscanf(line, "%" SCNx64 "-%" SCNx64 " %4s", &ioWalk.mNext.mBegin, &ioWalk.mNext.mEnd, access) != 3
+        || ioWalk.mNext.mBegin >= kTop) {
+        ioWalk.mIsOver = true;
+        return false;
+    }
+    ioWalk.mNext.mHasAccess = std::strncmp(access, "---", 3) != 0;
+    return true;
+}
+
+// Stops at the first mapping that ends behind the address.
+bool FindMapping(Walk& ioWalk, std::uint64_t inAddress)
+{
+    while (!ioWalk.mIsOver && ioWalk.mNext.mEnd <= inAddress) {
+        ReadMapping(ioWalk);
+    }
+    return !ioWalk.mIsOver;
+}
+
+} // namespace
+
+Walk* OpenWalk_Impl()
+{
+    const int file = Linux::System().mOpen("/proc/self/maps", O_RDONLY | O_CLOEXEC, 0);
+    if (file < 0) {
+        return nullptr;
+    }
+    Walk* const walk = new (std::nothrow) Walk;
+    if (walk == nullptr) {
+        Linux::System().mClose(file);
+        return nullptr;
+    }
+    walk->mFile = file;
+    return walk;
+}
+
+void CloseWalk_Impl(Walk* inWalk)
+{
+    Linux::System().mClose(inWalk->mFile);
+    delete inWalk;
+}
+
+bool QueryRegion_Impl(Walk& ioWalk, std::uint64_t inAddress, Region& outRegion)
+{
+    if (inAddress >= kTop) {
+        return false;
+    }
+    const bool hasMapping = FindMapping(ioWalk, inAddress);
+    if (ioWalk.mHasFailed) {
+        return false; // what follows is unknown, not free
+    }
+    if (!hasMapping || inAddress < ioWalk.mNext.mBegin) {
+        outRegion = Region{(hasMapping ? ioWalk.mNext.mBegin : kTop) - inAddress, kFree};
+    } else {
+        outRegion = Region{ioWalk.mNext.mEnd - inAddress, ioWalk.mNext.mHasAccess ? kCommitted : kReserved};
+    }
+    return true;
+}
+
+// The C library reports its arenas as <heap nr="0">, <heap nr="1"> ...
+unsigned long HeapCount_Impl()
+{
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::FILE* const file = ::open_memstream(&text, &size);
+    if (file == nullptr) {
+        return 0;
+    }
+    const bool isTold = ::malloc_info(0, file) == 0;
+    const bool isWhole = std::fclose(file) == 0;
+    unsigned long count = 0;
+    if (isTold && isWhole) {
+        for (const char* heap = text; (heap = std::strstr(heap, "<heap nr=")) != nullptr; ++heap) {
+            ++count;
+        }
+    }
+    std::free(text);
+    return count;
+}
+
+} // namespace Platform
+} // namespace MemoryRegions
+} // namespace ORL

@@ -1,0 +1,208 @@
+#include <SmallBlocks/Sanitizer.h>
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+using tvxcore::utility::SmallBlockAllocator;
+
+namespace {
+
+/// The plug-in with the shared library under it.
+class Guest
+{
+public:
+    Guest() : mHandle(::dlopen(TVXCORE_TEST_GUEST, RTLD_NOW | RTLD_LOCAL))
+    {
+        EXPECT_NE(mHandle, nullptr) << ::dlerror();
+    }
+    ~Guest() { ::dlclose(mHandle); }
+
+    bool Call(const char* inFunction) const
+    {
+        return reinterpret_cast<bool (*)()>(::dlsym(mHandle, inFunction))();
+    }
+
+    void* Keep() const { return reinterpret_cast<void* (*)()>(::dlsym(mHandle, "GuestKeep"))(); }
+
+private:
+    void* mHandle;
+};
+
+bool IsMapped(const char* inName)
+{
+    std::FILE* const file = std::fopen("/proc/self/maps", "r");
+    char line[4096];
+    bool found = false;
+    while (std::fgets(line, sizeof(line), file) != nullptr) {
+        found = found || std::strstr(line, inName) != nullptr;
+    }
+    std::fclose(file);
+    return found;
+}
+
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+// The sanitizers keep shadow memory for each library that was ever loaded.
+constexpr bool kIsOthersMemorySteady = false;
+#else
+constexpr bool kIsOthersMemorySteady = true;
+#endif
+
+std::size_t MappedPages()
+{
+    std::FILE* const file = std::fopen("/proc/self/statm", "r");
+    unsigned long pages = 0;
+    EXPECT_EQ(std::fscanf(file, "%lu", &pages), 1);
+    std::fclose(file);
+    return pages;
+}
+
+// A thread of the host's that lives longer than any plug-in.
+class Worker
+{
+public:
+    ~Worker()
+    {
+        Run(nullptr);
+        mThread.join();
+    }
+
+    void Run(std::function<void()> inJob)
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        mIsEnding = !inJob;
+        mJob = std::move(inJob);
+        mHasJob = true;
+        mChanged.notify_all();
+        mChanged.wait(lock, [this] { return !mHasJob; });
+    }
+
+private:
+    void Work()
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        for (;;) {
+            mChanged.wait(lock, [this] { return mHasJob; });
+            if (!mIsEnding) {
+                mJob();
+            }
+            mHasJob = false;
+            mChanged.notify_all();
+            if (mIsEnding) {
+                return;
+            }
+        }
+    }
+
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+    std::function<void()> mJob;
+    bool mHasJob = false;
+    bool mIsEnding = false;
+    std::thread mThread{[this] { Work(); }};
+};
+
+} // namespace
+
+TEST(SmallBlockUnload, LoadedAndUnloadedAHundredTimes_MemoryDoesNotGrow)
+{
+    Worker worker;
+    std::size_t early = 0;
+    for (int round = 0; round < 120; ++round) {
+        {
+            const Guest guest;
+            EXPECT_TRUE(guest.Call("GuestUse"));
+            EXPECT_TRUE(guest.Call("GuestUseOnThread"));
+            worker.Run([&] { EXPECT_TRUE(guest.Call("GuestUse")); });
+        }
+        ASSERT_FALSE(IsMapped("libtvxcore.so"));
+        if (round == 19) {
+            early = MappedPages();
+        }
+    }
+    if (kIsOthersMemorySteady) {
+        EXPECT_LE(MappedPages(), early);
+    }
+}
+
+TEST(SmallBlockUnload, ThreadsThatUsedTheLibraryEndAfterItIsGone_NothingOfItIsCalled)
+{
+    for (int round = 0; round < 20; ++round) {
+        Worker worker;
+        const Guest guest;
+        worker.Run([&] { EXPECT_TRUE(guest.Call("GuestUse")); });
+    }
+}
+
+TEST(SmallBlockUnload, BlockIsOutstandingAtTheUnloading_ItStaysReadable)
+{
+    void* kept = nullptr;
+    {
+        const Guest guest;
+        kept = guest.Keep();
+        ASSERT_NE(kept, nullptr);
+        std::memset(kept, 0x77, 100);
+    }
+    EXPECT_EQ(static_cast<unsigned char*>(kept)[99], 0x77);
+    if (tvxcore::utility::SmallBlocks::kBlocksAreTheSystems) {
+        std::free(kept);
+    }
+}
+
+TEST(SmallBlockUnload, ProcessForksWhileThreadsAllocate_TheChildIsServed)
+{
+    // The address sanitizer's own allocator does not stand a fork beside threads that use it.
+    const int threadCount = tvxcore::utility::SmallBlocks::kBlocksAreTheSystems ? 0 : 2;
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&] {
+            std::vector<void*> blocks(2000);
+            while (!isOver.load()) {
+                for (void*& block : blocks) {
+                    block = SmallBlockAllocator::Allocate(64);
+                }
+                for (void* const block : blocks) {
+                    SmallBlockAllocator::Dispose(block, 64);
+                }
+            }
+        });
+    }
+    for (int round = 0; round < 30; ++round) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(20);
+            bool isServed = true;
+            for (std::size_t i = 0; i < 5000; ++i) {
+                void* const block = SmallBlockAllocator::Allocate(i);
+                isServed = isServed && block != nullptr;
+                if (i % 2 == 0) {
+                    SmallBlockAllocator::Dispose(block, i);
+                }
+            }
+            ::_exit(isServed ? 0 : 1);
+        }
+        int status = -1;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
+    }
+    isOver.store(true);
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}

@@ -1,0 +1,175 @@
+#include <SmallBlocks/CachePool.h>
+
+#include <CorePlatform/SmallBlockSystem.h>
+#include <SmallBlocks/CurrentCache.h>
+#include <SmallBlocks/Ledger.h>
+#include <SmallBlocks/List.h>
+#include <SmallBlocks/Pages.h>
+#include <SmallBlocks/Sanitizer.h>
+
+#include <atomic>
+#include <new>
+
+namespace tvxcore {
+namespace utility {
+namespace SmallBlocks {
+
+namespace {
+
+constexpr std::size_t kCachePages = (sizeof(ThreadCache) + 4095) / 4096 * 4096;
+constexpr std::size_t kCacheAlignment = 4096;
+
+threads::CoreMutex sSharedMutex;
+ThreadCache sShared;
+bool sSharedIsReady = false;
+
+threads::CoreMutex sPoolMutex;
+List<ThreadCache> sIdle;
+enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds = kNotYet;
+
+// On the thread that ends. What it allocates and disposes of from now on goes through the shared cache.
+void OnThreadEnd(CacheHead* inCache) noexcept
+{
+    ThreadCache& cache = *static_cast<ThreadCache*>(inCache);
+    SetCurrentCache(&sEndedThreadCache);
+    cache.Drain();
+    LeaveCache(cache);
+    const Guard guard(sPoolMutex);
+    sIdle.PushFront(cache);
+}
+
+void BeforeFork()
+{
+    sSharedMutex.lock();
+    sPoolMutex.lock();
+    LockStores();
+    LockClusters();
+    LockLedger();
+}
+
+void AfterFork()
+{
+    UnlockLedger();
+    UnlockClusters();
+    UnlockStores();
+    sPoolMutex.unlock();
+    sSharedMutex.unlock();
+}
+
+void WatchForks() noexcept
+{
+    static std::atomic<bool> sIsWatching{false};
+    if (!sIsWatching.exchange(true)) {
+        Platform::WatchForks_Impl(&BeforeFork, &AfterFork);
+    }
+}
+
+// Under the pool's lock. Without word of a thread's end its cache would be lost with it.
+bool CanWatchThreadEnds() noexcept
+{
+    if (sThreadEnds == kNotYet) {
+        sThreadEnds = Platform::WatchThreadEnds_Impl(&OnThreadEnd) ? kWatching : kCannotWatch;
+        WatchForks();
+    }
+    return sThreadEnds == kWatching;
+}
+
+ThreadCache* IdleOrNewCache() noexcept
+{
+    const Guard guard(sPoolMutex);
+    if (!CanWatchThreadEnds()) {
+        return nullptr;
+    }
+    if (ThreadCache* const idle = sIdle.PopFront()) {
+        return idle;
+    }
+    void* const pages = TakePages(kCachePages, kCacheAlignment);
+    return pages != nullptr ? new (pages) ThreadCache(ThreadCache::OnFreshPages()) : nullptr;
+}
+
+ThreadCache* GiveThisThreadACache() noexcept
+{
+    ThreadCache* const cache = IdleOrNewCache();
+    if (cache == nullptr) {
+        return nullptr;
+    }
+    if (!Platform::WatchThisThread_Impl(cache)) {
+        const Guard guard(sPoolMutex);
+        sIdle.PushFront(*cache);
+        return nullptr;
+    }
+    cache->MakeEmpty();
+    EnterCache(*cache);
+    SetCurrentCache(cache);
+    return cache;
+}
+
+bool IsAnyBlockOutstanding() noexcept
+{
+    SmallBlockAllocator::Metrics::Snapshot snapshot;
+    ReadSmallBlockCounters(snapshot);
+    return snapshot.mSmallBlockCountCurrent != 0;
+}
+
+void UnmapCaches() noexcept
+{
+    while (ThreadCache* const cache = FirstCache()) {
+        LeaveCache(*cache);
+        if (cache != &sShared) {
+            GivePages(cache, kCachePages);
+        }
+    }
+    while (ThreadCache* const cache = sIdle.PopFront()) {
+        GivePages(cache, kCachePages);
+    }
+}
+
+} // namespace
+
+ThreadCache* CacheOfThisThread() noexcept
+{
+    CacheHead* const head = GetCurrentCache();
+    if (head == &sEndedThreadCache || kBlocksAreTheSystems) {
+        return nullptr;
+    }
+    return head != &sNewThreadCache ? static_cast<ThreadCache*>(head) : GiveThisThreadACache();
+}
+
+SharedCacheUse::SharedCacheUse() noexcept : mGuard(sSharedMutex)
+{
+    if (!sSharedIsReady) {
+        sShared.MakeEmpty();
+        EnterSharedCache(sShared);
+        WatchForks();
+        sSharedIsReady = true;
+    }
+}
+
+// It is no thread's, so it keeps no room from the threads: their peaks stay exact beside it.
+SharedCacheUse::~SharedCacheUse()
+{
+    LeaveAllRoom(sShared);
+}
+
+ThreadCache* SharedCacheUse::operator->() const noexcept
+{
+    return &sShared;
+}
+
+void ReleaseAllIfUnused() noexcept
+{
+    Platform::ForgetThreadEnds_Impl();
+    sThreadEnds = kCannotWatch;
+    if (IsAnyBlockOutstanding()) {
+        return;
+    }
+    SetCurrentCache(&sEndedThreadCache);
+    UnmapCaches();
+    sSharedIsReady = false;
+    ForgetStores();
+    DeleteClusters();
+}
+
+} // namespace SmallBlocks
+} // namespace utility
+} // namespace tvxcore

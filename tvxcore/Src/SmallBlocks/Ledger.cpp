@@ -1,0 +1,272 @@
+#include <SmallBlocks/Ledger.h>
+
+#include <SmallBlocks/Guard.h>
+#include <SmallBlocks/List.h>
+
+#include <algorithm>
+
+namespace tvxcore {
+namespace utility {
+namespace SmallBlocks {
+
+namespace {
+
+constexpr std::uint64_t kBytesMask = kOneBlock - 1;
+constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
+
+// What a thread claims beyond its need, so that it comes back less often.
+constexpr std::int64_t kClaimCount = 256;
+constexpr std::int64_t kClaimBytes = 256 * 1024;
+
+struct Amount
+{
+    std::int64_t mCount;
+    std::int64_t mBytes;
+};
+
+Amount Unpack(std::uint64_t inPacked) noexcept
+{
+    return {static_cast<std::int64_t>(inPacked >> 40), static_cast<std::int64_t>(inPacked & kBytesMask)};
+}
+
+std::uint64_t Pack(const Amount& inAmount) noexcept
+{
+    return static_cast<std::uint64_t>(inAmount.mCount) * kOneBlock + static_cast<std::uint64_t>(inAmount.mBytes);
+}
+
+// One subject's part that no thread holds. The unclaimed room is read without the lock, to see whether there is any.
+struct Account
+{
+    std::int64_t mPeak = 0;
+    std::uint64_t mTotal = 0;
+    std::atomic<std::int64_t> mUnclaimed{0};
+
+    std::int64_t Claim(std::int64_t inMissing, std::int64_t inWanted) noexcept
+    {
+        const std::int64_t unclaimed = mUnclaimed.load(kRelaxed);
+        const std::int64_t claimed = inMissing > 0 ? std::min(unclaimed, std::max(inMissing, inWanted)) : 0;
+        mUnclaimed.store(unclaimed - claimed, kRelaxed);
+        return claimed;
+    }
+
+    void Leave(std::int64_t inRoom) noexcept { mUnclaimed.store(mUnclaimed.load(kRelaxed) + inRoom, kRelaxed); }
+};
+
+threads::CoreMutex sMutex;
+Account sCount;
+Account sBytes;
+List<ThreadCache> sCaches;
+std::size_t sServesBelow = kLargestSmall + 1;
+
+Amount RoomOf(const ThreadCache& inCache) noexcept
+{
+    return Unpack(inCache.mRoom.load(kRelaxed) - inCache.mTaken.load(kRelaxed));
+}
+
+template <class Number>
+void AddTo(std::atomic<Number>& ioNumber, Number inAmount) noexcept
+{
+    // Only the cache's thread writes it.
+    ioNumber.store(ioNumber.load(kRelaxed) + inAmount, kRelaxed);
+}
+
+void AddRoom(ThreadCache& ioCache, const Amount& inAmount) noexcept
+{
+    AddTo(ioCache.mRoom, Pack(inAmount));
+}
+
+// Starts mTaken anew; the room stays the same.
+void BringForward(ThreadCache& ioCache) noexcept
+{
+    const Guard guard(sMutex);
+    const std::uint64_t taken = ioCache.mTaken.load(kRelaxed);
+    AddTo(ioCache.mForwardCount, taken >> 40);
+    AddTo(ioCache.mForwardBytes, taken & kBytesMask);
+    AddTo(ioCache.mRoom, 0 - taken);
+    ioCache.mTaken.store(0, kRelaxed);
+}
+
+Amount MissingFor(const ThreadCache& inCache, std::size_t inSize) noexcept
+{
+    const Amount room = RoomOf(inCache);
+    return {std::max<std::int64_t>(0, 1 - room.mCount),
+            std::max<std::int64_t>(0, static_cast<std::int64_t>(inSize) - room.mBytes)};
+}
+
+void ClaimRoom(ThreadCache& ioCache, const Amount& inMissing) noexcept
+{
+    const Guard guard(sMutex);
+    AddRoom(ioCache, {sCount.Claim(inMissing.mCount, kClaimCount), sBytes.Claim(inMissing.mBytes, kClaimBytes)});
+}
+
+void LeaveRoomBut(ThreadCache& ioCache, const Amount& inKept) noexcept
+{
+    const Guard guard(sMutex);
+    const Amount room = RoomOf(ioCache);
+    const Amount left{std::max<std::int64_t>(0, room.mCount - inKept.mCount),
+                      std::max<std::int64_t>(0, room.mBytes - inKept.mBytes)};
+    sCount.Leave(left.mCount);
+    sBytes.Leave(left.mBytes);
+    AddRoom(ioCache, {-left.mCount, -left.mBytes});
+}
+
+// What mTaken and mRoom were at one moment, give or take the few steps that their thread has done meanwhile.
+struct Words
+{
+    std::uint64_t mTaken;
+    std::uint64_t mRoom;
+};
+
+Words ReadWords(const ThreadCache& inCache) noexcept
+{
+    constexpr std::uint64_t kFewSteps = 32 * kOneBlock;
+    for (;;) {
+        const std::uint64_t taken = inCache.mTaken.load(std::memory_order_acquire);
+        const std::uint64_t room = inCache.mRoom.load(std::memory_order_acquire);
+        if (inCache.mTaken.load(kRelaxed) - taken < kFewSteps) {
+            return {taken, room};
+        }
+    }
+}
+
+struct Sums
+{
+    std::int64_t mRoom = 0;
+    std::int64_t mRaised = 0;
+    std::uint64_t mTaken = 0;
+};
+
+void Fill(const Account& inAccount, const Sums& inSums, unsigned __int64& outCurrent, unsigned __int64& outPeak,
+          unsigned __int64& outTotal) noexcept
+{
+    const std::int64_t peak = inAccount.mPeak + inSums.mRaised;
+    const std::int64_t current = peak - inAccount.mUnclaimed.load(kRelaxed) - inSums.mRoom;
+    outPeak = static_cast<unsigned __int64>(peak);
+    outCurrent = static_cast<unsigned __int64>(std::max<std::int64_t>(0, current));
+    outTotal = std::max<unsigned __int64>(outPeak, inAccount.mTotal + inSums.mTaken);
+}
+
+void Enter(ThreadCache& ioCache) noexcept
+{
+    ioCache.mTaken.store(0, kRelaxed);
+    ioCache.mRoom.store(0, kRelaxed);
+    ioCache.mForwardCount.store(0, kRelaxed);
+    ioCache.mForwardBytes.store(0, kRelaxed);
+    ioCache.mRaisedCount.store(0, kRelaxed);
+    ioCache.mRaisedBytes.store(0, kRelaxed);
+    sCaches.PushFront(ioCache);
+}
+
+} // namespace
+
+void EnterCache(ThreadCache& ioCache) noexcept
+{
+    const Guard guard(sMutex);
+    Enter(ioCache);
+    ioCache.mServesBelow.store(sServesBelow, kRelaxed);
+    ioCache.mTakesBelow = kLargestSmall + 1;
+}
+
+void EnterSharedCache(ThreadCache& ioCache) noexcept
+{
+    const Guard guard(sMutex);
+    Enter(ioCache);
+}
+
+void LeaveCache(ThreadCache& ioCache) noexcept
+{
+    const Guard guard(sMutex);
+    const Amount room = RoomOf(ioCache);
+    const Amount taken = Unpack(ioCache.mTaken.load(kRelaxed));
+    sCount.mPeak += ioCache.mRaisedCount.load(kRelaxed);
+    sBytes.mPeak += ioCache.mRaisedBytes.load(kRelaxed);
+    sCount.mTotal += ioCache.mForwardCount.load(kRelaxed) + static_cast<std::uint64_t>(taken.mCount);
+    sBytes.mTotal += ioCache.mForwardBytes.load(kRelaxed) + static_cast<std::uint64_t>(taken.mBytes);
+    sCount.Leave(room.mCount);
+    sBytes.Leave(room.mBytes);
+    sCaches.Remove(ioCache);
+    ioCache.mServesBelow.store(0, kRelaxed);
+    ioCache.mTakesBelow = 0;
+}
+
+void MakeRoomFor(ThreadCache& ioCache, std::size_t inSize) noexcept
+{
+    LeaveRoom(ioCache);
+    if (((ioCache.mTaken.load(kRelaxed) + (kOneBlock + inSize)) & kGuards) != 0) {
+        BringForward(ioCache);
+    }
+    Amount missing = MissingFor(ioCache, inSize);
+    if ((missing.mCount > 0 && sCount.mUnclaimed.load(kRelaxed) > 0)
+        || (missing.mBytes > 0 && sBytes.mUnclaimed.load(kRelaxed) > 0)) {
+        ClaimRoom(ioCache, missing);
+        missing = MissingFor(ioCache, inSize);
+    }
+    AddTo(ioCache.mRaisedCount, missing.mCount);
+    AddTo(ioCache.mRaisedBytes, missing.mBytes);
+    AddRoom(ioCache, missing);
+}
+
+void LeaveRoom(ThreadCache& ioCache) noexcept
+{
+    const Amount room = RoomOf(ioCache);
+    if (room.mCount > kMostRoomCount || room.mBytes > kMostRoomBytes) {
+        LeaveRoomBut(ioCache, {kMostRoomCount / 2, kMostRoomBytes / 2});
+    }
+}
+
+void LeaveAllRoom(ThreadCache& ioCache) noexcept
+{
+    LeaveRoomBut(ioCache, {0, 0});
+}
+
+void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot) noexcept
+{
+    const Guard guard(sMutex);
+    Sums count;
+    Sums bytes;
+    for (const ThreadCache* cache = sCaches.Front(); cache != nullptr; cache = cache->mNext) {
+        const Words words = ReadWords(*cache);
+        const Amount taken = Unpack(words.mTaken);
+        const Amount room = Unpack(words.mRoom - words.mTaken);
+        count.mTaken += cache->mForwardCount.load(kRelaxed) + static_cast<std::uint64_t>(taken.mCount);
+        bytes.mTaken += cache->mForwardBytes.load(kRelaxed) + static_cast<std::uint64_t>(taken.mBytes);
+        count.mRoom += room.mCount;
+        bytes.mRoom += room.mBytes;
+        count.mRaised += cache->mRaisedCount.load(kRelaxed);
+        bytes.mRaised += cache->mRaisedBytes.load(kRelaxed);
+    }
+    Fill(sCount, count, outSnapshot.mSmallBlockCountCurrent, outSnapshot.mSmallBlockCountPeak,
+         outSnapshot.mSmallBlockCountTotal);
+    Fill(sBytes, bytes, outSnapshot.mSmallBlockBytesCurrent, outSnapshot.mSmallBlockBytesPeak,
+         outSnapshot.mSmallBlockBytesTotal);
+}
+
+void OpenFastAllocation(bool inOpen) noexcept
+{
+    const Guard guard(sMutex);
+    sServesBelow = inOpen ? kLargestSmall + 1 : 0;
+    for (ThreadCache* cache = sCaches.Front(); cache != nullptr; cache = cache->mNext) {
+        if (cache->mTakesBelow != 0) {
+            cache->mServesBelow.store(sServesBelow, kRelaxed);
+        }
+    }
+}
+
+ThreadCache* FirstCache() noexcept
+{
+    return sCaches.Front();
+}
+
+void LockLedger() noexcept
+{
+    sMutex.lock();
+}
+
+void UnlockLedger() noexcept
+{
+    sMutex.unlock();
+}
+
+} // namespace SmallBlocks
+} // namespace utility
+} // namespace tvxcore

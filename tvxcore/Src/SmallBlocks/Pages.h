@@ -1,0 +1,17 @@
+// Memory of the system for clusters and caches: counted, and refused when a test wants it refused.
+#pragma once
+
+#include <cstddef>
+
+namespace tvxcore {
+namespace utility {
+namespace SmallBlocks {
+
+/// Zeroed memory, or null. inAlignment is a power of two.
+void* TakePages(std::size_t inSize, std::size_t inAlignment) noexcept;
+
+void GivePages(void* inPages, std::size_t inSize) noexcept;
+
+} // namespace SmallBlocks
+} // namespace utility
+} // namespace tvxcore

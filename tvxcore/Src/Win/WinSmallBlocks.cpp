@@ -1,0 +1,119 @@
+#include <CorePlatform/SmallBlockSystem.h>
+
+#include <SmallBlocks/CurrentCache.h>
+
+#include <CorePlatform/Thread.h>
+
+#include <cstdint>
+#include <windows.h>
+
+extern "C" {
+// Each thread's copy begins with this; the .tls$ sections are put together by the linker.
+extern tvxcore::utility::SmallBlocks::CacheHead* tvxcoreThreadCache;
+__attribute__((section(".tls$M"), used)) tvxcore::utility::SmallBlocks::CacheHead* tvxcoreThreadCache =
+    &tvxcore::utility::SmallBlocks::sNewThreadCache;
+}
+
+namespace tvxcore {
+namespace utility {
+namespace Platform {
+
+namespace {
+
+void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
+
+// The loader calls it on each thread that ends, since the image lists it below.
+void NTAPI OnThreadNotice(void*, DWORD inReason, void*)
+{
+    if (inReason != DLL_THREAD_DETACH || sEnded == nullptr) {
+        return;
+    }
+    SmallBlocks::CacheHead* const cache = SmallBlocks::GetCurrentCache();
+    if (cache != &SmallBlocks::sNewThreadCache && cache != &SmallBlocks::sEndedThreadCache) {
+        sEnded(cache);
+    }
+}
+
+constexpr std::size_t kSystemAlignment = 64 * 1024;
+
+void* Map(void* inAddress, std::size_t inSize) noexcept
+{
+    return ::VirtualAlloc(inAddress, inSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+// Looks for a place that is large enough and takes the aligned part of it. Another thread may take it between the two
+// calls, so it is tried again.
+void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
+{
+    for (int i = 0; i < 100; ++i) {
+        void* const room = ::VirtualAlloc(nullptr, inSize + inAlignment, MEM_RESERVE, PAGE_READWRITE);
+        if (room == nullptr) {
+            return nullptr;
+        }
+        ::VirtualFree(room, 0, MEM_RELEASE);
+        const std::uintptr_t aligned = (reinterpret_cast<std::uintptr_t>(room) + inAlignment - 1) & ~(inAlignment - 1);
+        if (void* const pages = Map(reinterpret_cast<void*>(aligned), inSize)) {
+            return pages;
+        }
+    }
+    return nullptr;
+}
+
+bool IsInProgram() noexcept
+{
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                         reinterpret_cast<LPCWSTR>(&OnThreadNotice), &module);
+    return module == ::GetModuleHandleW(nullptr);
+}
+
+} // namespace
+
+void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept
+{
+    const DWORD callersError = ::GetLastError();
+    void* const pages = inAlignment <= kSystemAlignment ? Map(nullptr, inSize) : MapAligned(inSize, inAlignment);
+    ::SetLastError(callersError);
+    return pages;
+}
+
+void UnmapPages_Impl(void* inPages, std::size_t) noexcept
+{
+    const DWORD callersError = ::GetLastError();
+    ::VirtualFree(inPages, 0, MEM_RELEASE);
+    ::SetLastError(callersError);
+}
+
+bool WatchThreadEnds_Impl(void (*inEnded)(SmallBlocks::CacheHead* inCache)) noexcept
+{
+    sEnded = inEnded;
+    return true;
+}
+
+bool WatchThisThread_Impl(SmallBlocks::CacheHead*) noexcept
+{
+    return true;
+}
+
+void ForgetThreadEnds_Impl() noexcept
+{
+    sEnded = nullptr;
+}
+
+void WatchForks_Impl(void (*)(), void (*)()) noexcept {}
+
+// A program is never unloaded.
+bool IsUnloading_Impl() noexcept
+{
+    return !IsInProgram() && !threads::Platform::ProcessIsEnding_Impl();
+}
+
+} // namespace Platform
+} // namespace utility
+} // namespace tvxcore
+
+extern "C" {
+// The linker gathers these sections into the image's list of functions to call at the start and end of threads.
+extern PIMAGE_TLS_CALLBACK tvxcoreThreadNotice;
+__attribute__((section(".CRT$XLD"), used)) PIMAGE_TLS_CALLBACK tvxcoreThreadNotice = &tvxcore::utility::Platform::OnThreadNotice;
+}
