@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 
 namespace {
 
@@ -187,20 +188,34 @@ private:
     const string_type mFalseName;
 };
 
-template <class Facet, class Make>
-std::locale WithFacet(const std::locale& inBase, Make inMake)
+// A facet that can be deleted where no locale has become its owner.
+template <class Facet>
+class Owned : public Facet
 {
-    return std::has_facet<Facet>(inBase) ? inBase : std::locale(inBase, static_cast<Facet*>(inMake()));
+public:
+    using Facet::Facet;
+    ~Owned() override = default;
+};
+
+template <class Facet, class Made, class... Arguments>
+std::locale WithFacet(const std::locale& inBase, const Arguments&... inArguments)
+{
+    if (std::has_facet<Facet>(inBase)) {
+        return inBase;
+    }
+    auto facet = std::make_unique<Owned<Made>>(inArguments...);
+    std::locale built(inBase, static_cast<Facet*>(facet.get()));
+    static_cast<void>(facet.release());
+    return built;
 }
 
 std::locale Build(const std::locale& inBase)
 {
     using Unit = unsigned short;
-    std::locale built = WithFacet<std::ctype<Unit>>(inBase, [] { return new std::ctype<Unit>; });
-    built = WithFacet<std::numpunct<Unit>>(
-        built, [&] { return new PunctuationOf(std::use_facet<std::numpunct<wchar_t>>(inBase)); });
-    built = WithFacet<std::num_put<Unit>>(built, [] { return new std::num_put<Unit>; });
-    return WithFacet<std::num_get<Unit>>(built, [] { return new std::num_get<Unit>; });
+    std::locale built = WithFacet<std::ctype<Unit>, std::ctype<Unit>>(inBase);
+    built = WithFacet<std::numpunct<Unit>, PunctuationOf>(built, std::use_facet<std::numpunct<wchar_t>>(inBase));
+    built = WithFacet<std::num_put<Unit>, std::num_put<Unit>>(built);
+    return WithFacet<std::num_get<Unit>, std::num_get<Unit>>(built);
 }
 
 // Nearly every stream runs under the classic locale, and building one costs more than a short text. A stream that is

@@ -1,0 +1,245 @@
+#include "MemoryFaults.h"
+
+// The allocator's own door, where it has one.
+#if __has_include(<AllocationFaults.h>)
+#  include <AllocationFaults.h>
+#  include <tvxcore/SmallBlockAllocator.h>
+#  include <optional>
+#  define ORL_ALLOCATOR_HAS_A_DOOR 1
+#else
+#  define ORL_ALLOCATOR_HAS_A_DOOR 0
+#endif
+
+#include <boost/thread/exceptions.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+
+namespace {
+
+using ORLTest::MemoryDoor;
+
+struct Plan
+{
+    bool mIsArmed = false;
+    MemoryDoor mDoor = MemoryDoor::kHeap;
+    unsigned mFirst = 0;
+    bool mAllFurther = false;
+    unsigned mAsked = 0;
+    unsigned mRefused = 0;
+};
+thread_local Plan tPlan;
+
+std::atomic<std::int64_t> sOwed[3];
+
+#if ORL_ALLOCATOR_HAS_A_DOOR
+namespace Faults = tvxcore::utility::AllocationFaults;
+std::optional<Faults::Scope> sScope;
+#endif
+
+bool Refuses(MemoryDoor inDoor)
+{
+    Plan& plan = tPlan;
+    if (!plan.mIsArmed || plan.mDoor != inDoor) {
+        return false;
+    }
+    const unsigned number = ++plan.mAsked;
+    const bool refuses = plan.mAllFurther ? number >= plan.mFirst : number == plan.mFirst;
+    plan.mRefused += refuses ? 1 : 0;
+    return refuses;
+}
+
+void Owe(MemoryDoor inDoor, std::int64_t inCount)
+{
+    sOwed[static_cast<int>(inDoor)].fetch_add(inCount, std::memory_order_relaxed);
+}
+
+void* FromHeap(std::size_t inSize)
+{
+    void* const block = Refuses(MemoryDoor::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    Owe(MemoryDoor::kHeap, 1);
+    return block;
+}
+
+void ToHeap(void* inBlock)
+{
+    if (inBlock != nullptr) {
+        Owe(MemoryDoor::kHeap, -1);
+        std::free(inBlock);
+    }
+}
+
+} // namespace
+
+// The C++ heap of this program. Over-aligned objects go past it.
+void* operator new(std::size_t inSize)
+{
+    return FromHeap(inSize);
+}
+
+void operator delete(void* inBlock) noexcept
+{
+    ToHeap(inBlock);
+}
+
+void operator delete(void* inBlock, std::size_t) noexcept
+{
+    ToHeap(inBlock);
+}
+
+// The linker sends every call of these functions here, and calls of the "real" ones on to them.
+#define ORL_SYMBOL(kind, name) __asm__("__" kind "_" name)
+#define ORL_ALLOCATE_PAGES "_ZN3ORL10PageMemory8Platform18AllocatePages_ImplE" ORL_MANGLED_SIZE
+#define ORL_FREE_PAGES "_ZN3ORL10PageMemory8Platform14FreePages_ImplEPv" ORL_MANGLED_SIZE
+
+void* RealAllocatePages(std::size_t) ORL_SYMBOL("real", ORL_ALLOCATE_PAGES);
+void RealFreePages(void*, std::size_t) ORL_SYMBOL("real", ORL_FREE_PAGES);
+void* WrappedAllocatePages(std::size_t) ORL_SYMBOL("wrap", ORL_ALLOCATE_PAGES);
+void WrappedFreePages(void*, std::size_t) ORL_SYMBOL("wrap", ORL_FREE_PAGES);
+
+void* WrappedAllocatePages(std::size_t inSize)
+{
+    void* const pages = Refuses(MemoryDoor::kPages) ? nullptr : RealAllocatePages(inSize);
+    Owe(MemoryDoor::kPages, pages != nullptr ? 1 : 0);
+    return pages;
+}
+
+void WrappedFreePages(void* inPages, std::size_t inSize)
+{
+    Owe(MemoryDoor::kPages, -1);
+    RealFreePages(inPages, inSize);
+}
+
+#if !ORL_ALLOCATOR_HAS_A_DOOR
+#define ORL_ALLOCATE "_ZN7tvxcore7utility19SmallBlockAllocator8AllocateE" ORL_MANGLED_SIZE
+#define ORL_DISPOSE "_ZN7tvxcore7utility19SmallBlockAllocator7DisposeEPv" ORL_MANGLED_SIZE
+
+void* RealAllocate(std::size_t) noexcept ORL_SYMBOL("real", ORL_ALLOCATE);
+void RealDispose(void*, std::size_t) noexcept ORL_SYMBOL("real", ORL_DISPOSE);
+void* WrappedAllocate(std::size_t) noexcept ORL_SYMBOL("wrap", ORL_ALLOCATE);
+void WrappedDispose(void*, std::size_t) noexcept ORL_SYMBOL("wrap", ORL_DISPOSE);
+
+void* WrappedAllocate(std::size_t inSize) noexcept
+{
+    void* const block = Refuses(MemoryDoor::kSmallBlocks) ? nullptr : RealAllocate(inSize);
+    Owe(MemoryDoor::kSmallBlocks, block != nullptr ? 1 : 0);
+    return block;
+}
+
+void WrappedDispose(void* inBlock, std::size_t inSize) noexcept
+{
+    Owe(MemoryDoor::kSmallBlocks, inBlock != nullptr ? -1 : 0);
+    RealDispose(inBlock, inSize);
+}
+#endif
+
+namespace ORLTest {
+
+namespace {
+
+constexpr unsigned kMostRequests = 10000; // of one piece of work; beyond it the sweep would never end
+
+void Attempt(const std::function<void()>& inWork)
+{
+    try {
+        inWork();
+    } catch (const std::bad_alloc&) {
+    } catch (const boost::thread_resource_error&) { // there was no memory to start a thread with
+    }
+}
+
+// Numbers 1, 2, 3 ... until one that is not reached.
+void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
+{
+    unsigned refused = 1;
+    for (unsigned number = 1; refused != 0; ++number) {
+        SCOPED_TRACE("door " + std::to_string(static_cast<int>(inDoor)) + ", request " + std::to_string(number)
+                     + (inAllFurther ? " and all further" : ""));
+        const std::int64_t owed[] = {MemoryOwed(kMemoryDoors[0]), MemoryOwed(kMemoryDoors[1]), MemoryOwed(kMemoryDoors[2])};
+        {
+            const MemoryFaults faults(inDoor, number, inAllFurther);
+            Attempt(inWork);
+            refused = faults.Refused();
+        }
+        for (const MemoryDoor door : kMemoryDoors) {
+            if (door == MemoryDoor::kHeap && !WholeHeapIsWatched()) {
+                continue;
+            }
+            ASSERT_EQ(owed[static_cast<int>(door)], MemoryOwed(door)) << "left behind at door " << static_cast<int>(door);
+        }
+        inCheck();
+        if (testing::Test::HasFailure()) {
+            return;
+        }
+        ASSERT_LT(number, kMostRequests);
+    }
+}
+
+} // namespace
+
+MemoryFaults::MemoryFaults(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther) : mDoor(inDoor)
+{
+#if ORL_ALLOCATOR_HAS_A_DOOR
+    if (inDoor == MemoryDoor::kSmallBlocks) {
+        Faults::Plan plan;
+        plan.mFirst = inNumber;
+        plan.mHowMany = inAllFurther ? Faults::kAllFurther : 1;
+        plan.mOfThisThreadOnly = true;
+        sScope.emplace(plan);
+        return;
+    }
+#endif
+    tPlan = {true, inDoor, inNumber, inAllFurther, 0, 0};
+}
+
+MemoryFaults::~MemoryFaults()
+{
+#if ORL_ALLOCATOR_HAS_A_DOOR
+    sScope.reset();
+#endif
+    tPlan.mIsArmed = false;
+}
+
+unsigned MemoryFaults::Refused() const
+{
+#if ORL_ALLOCATOR_HAS_A_DOOR
+    if (mDoor == MemoryDoor::kSmallBlocks) {
+        return static_cast<unsigned>(sScope->Refused());
+    }
+#endif
+    return tPlan.mRefused;
+}
+
+std::int64_t MemoryOwed(MemoryDoor inDoor)
+{
+#if ORL_ALLOCATOR_HAS_A_DOOR
+    tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot now{};
+    if (inDoor == MemoryDoor::kSmallBlocks && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
+        return static_cast<std::int64_t>(now.mSmallBlockCountCurrent);
+    }
+#endif
+    return sOwed[static_cast<int>(inDoor)].load();
+}
+
+bool WholeHeapIsWatched()
+{
+    const std::int64_t before = MemoryOwed(MemoryDoor::kHeap);
+    const std::string text(100, 'x'); // made by code of the standard library
+    return MemoryOwed(MemoryDoor::kHeap) > before;
+}
+
+void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
+{
+    inWork(); // what is made once and kept is there from now on
+    inCheck();
+    for (const MemoryDoor door : kMemoryDoors) {
+        SweepDoor(door, false, inWork, inCheck);
+        SweepDoor(door, true, inWork, inCheck);
+    }
+}
+
+} // namespace ORLTest

@@ -1,0 +1,207 @@
+// Names, templates and numbers with their memory refused at every place.
+#include "MemoryFaults.h"
+
+#include <ImmutableStringTable.h>
+#include <LocaleInternals.h>
+#include <ORLImmutableString.h>
+#include <ORLLocale.h>
+#include <ORLParamString.h>
+#include <Tokenizer.h>
+
+#include <thread>
+#include <vector>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+UTF16String Units(const std::u16string& inText)
+{
+    return UTF16String(inText.begin(), inText.end());
+}
+
+const unsigned char* Bytes(const char* inText)
+{
+    return reinterpret_cast<const unsigned char*>(inText);
+}
+
+// A text longer than what strings keep inside of themselves.
+const std::string kLong(100, 'l');
+
+class ImmutableStringSweep : public testing::Test
+{
+protected:
+    // Sweeps a work whose handles are gone at its end. What it entered is purged, so that the table is as before.
+    void Sweep(const std::function<void()>& inWork)
+    {
+        const std::size_t before = ImmutableStringTable::Get().GetCount();
+        const auto workAndPurge = [&inWork] {
+            struct AtEnd
+            {
+                ~AtEnd() { ImmutableString::PurgeUnusedStrings(); }
+            } const atEnd;
+            inWork();
+        };
+        SweepMemory(workAndPurge, [before] {
+            EXPECT_EQ(before, ImmutableStringTable::Get().GetCount());
+            ExpectUsable();
+        });
+    }
+
+    // From another thread, which a guard that was left held would stop for ever.
+    static void ExpectUsable()
+    {
+        std::thread([] {
+            const ImmutableString first = ImmutableString::CreateDynamic("usable");
+            const ImmutableString second = ImmutableString::CreateDynamic("usable");
+            EXPECT_EQ(first.c_str(), second.c_str());
+        }).join();
+        EXPECT_TRUE(ImmutableString::PurgeUnusedStrings());
+    }
+};
+
+} // namespace
+
+TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
+{
+    Sweep([] {
+        const ImmutableString texts[] = {
+            ImmutableString::CreateDynamic("a"),
+            ImmutableString::CreateDynamic(Bytes("b")),
+            ImmutableString::CreateDynamic(kLong),
+            ImmutableString::CreateDynamic(UTF8String(Bytes("another text that is longer than what a string keeps"))),
+            ImmutableString::CreateDynamic(Units(u"a text of 16-bit units \u00e9\u4e2d that is long, too")),
+            ImmutableString::CreateDynamic(Units(u"units").c_str()),
+            ImmutableString::CreateDynamic(static_cast<const char*>(nullptr)),
+        };
+        ASSERT_STREQ("a", reinterpret_cast<const char*>(texts[0].c_str()));
+        ASSERT_EQ(100u, texts[2].size());
+    });
+}
+
+// More texts than the index has places for at first, so that it grows on the way.
+TEST_F(ImmutableStringSweep, IndexThatGrows)
+{
+    const auto work = [] {
+        std::vector<ImmutableString> texts;
+        for (int i = 0; i < 40; ++i) {
+            texts.push_back(ImmutableString::CreateDynamic(std::to_string(i)));
+        }
+    };
+    Sweep(work);
+}
+
+TEST_F(ImmutableStringSweep, CreateStatic_StaysEvenWhenItsHandleIsGone)
+{
+    static const char* const kTexts[] = {"static one of the sweep", "static two of the sweep"};
+    ImmutableString::CreateStatic(kTexts[0]);
+    ImmutableString::CreateStatic(kTexts[1]);
+    Sweep([] {
+        const ImmutableString one = ImmutableString::CreateStatic(kTexts[0]);
+        const ImmutableString two = ImmutableString::CreateStatic(Bytes(kTexts[1]));
+        ASSERT_EQ(Bytes(kTexts[0]), one.c_str());
+    });
+}
+
+// A static text that has no record yet cannot be taken out again, so each round brings a new one.
+TEST(ImmutableStringFaults, NewStaticTextThatFindsNoMemory_IsNotEntered)
+{
+    static std::vector<std::string> sTexts;
+    for (int i = 0; i < 20; ++i) {
+        sTexts.push_back("static text " + std::to_string(i));
+    }
+    const ImmutableString first = ImmutableString::CreateStatic("first");
+    unsigned refusals = 0;
+    for (unsigned i = 0; i < 10; ++i) {
+        const std::size_t before = ImmutableStringTable::Get().GetCount();
+        bool isRefused = false;
+        {
+            const MemoryFaults faults(MemoryDoor::kSmallBlocks, i + 1, false);
+            try {
+                ImmutableString::CreateStatic(sTexts[i].c_str());
+            } catch (const std::bad_alloc&) {
+                isRefused = true;
+            }
+        }
+        refusals += isRefused ? 1 : 0;
+        EXPECT_EQ(before + (isRefused ? 0 : 1), ImmutableStringTable::Get().GetCount());
+        EXPECT_EQ(Bytes(sTexts[i].c_str()), ImmutableString::CreateStatic(sTexts[i].c_str()).c_str());
+    }
+    EXPECT_GE(refusals, 2u) << "the record and its place in the table";
+}
+
+TEST_F(ImmutableStringSweep, CopyCompareAndToString)
+{
+    const ImmutableString held = ImmutableString::CreateDynamic(kLong);
+    Sweep([&held] {
+        ImmutableString copy(held);
+        const ImmutableString other = ImmutableString::CreateDynamic("other");
+        copy = other;
+        copy = held;
+        static_cast<void>(copy.Compare(Units(u"a text that is longer than what a string keeps in itself")));
+        static_cast<void>(copy.Compare(Units(u"units").c_str()));
+        static_cast<void>(copy.Compare(kLong));
+        static_cast<void>(copy.Compare(UTF8String(Bytes("narrow"))));
+        static_cast<void>(copy.ToString());
+    });
+    EXPECT_EQ(0, held.Compare(kLong));
+}
+
+TEST(ParamStringSweep, EachParser_LeavesTheResultAlone)
+{
+    const UTF16String format = Units(u"from %1 to %2, and a tail that makes it longer than a string keeps");
+    const ParamVector params{Units(u"a parameter of some length, too"), Units(u"another one of some length")};
+    const std::string narrowFormat = "from %1 to %2, and a tail that makes it longer than a string keeps";
+    const StdParamVector narrowParams{"a parameter of some length, too", "another one of some length"};
+    const UTF16String untouched = Units(u"x");
+    SweepMemory(
+        [&] {
+            UTF16String result = untouched;
+            std::string narrowResult = "x";
+            try {
+                static_cast<void>(ParseString(format, params, result));
+                static_cast<void>(ParseStdString(narrowFormat, narrowParams, narrowResult));
+            } catch (const std::bad_alloc&) {
+                if (result != untouched && narrowResult != "x") {
+                    throw std::runtime_error("a parser that failed has stored a result");
+                }
+                throw;
+            }
+        },
+        [] {});
+}
+
+TEST(ParamStringSweep, SplitStringAndTokenizer)
+{
+    const UTF16String text = Units(u"a first token of some length==a second token of some length=rest");
+    const UTF16String separator = Units(u"=");
+    SweepMemory(
+        [&] {
+            UTF16String first;
+            UTF16String second;
+            SplitString(text, separator, first, second);
+            Tokenizer tokenizer(text, separator, false);
+            static_cast<void>(tokenizer.Next());
+            static_cast<void>(tokenizer.Next());
+        },
+        [&] {
+            UTF16String first;
+            UTF16String second;
+            SplitString(text, separator, first, second);
+            EXPECT_EQ(Units(u"a first token of some length"), first);
+            EXPECT_EQ(Units(u"a second token of some length"), second);
+        });
+}
+
+TEST(LocaleSweep, GetValueFromDisplayString)
+{
+    const UTF16String text = Units(u"1234567890.5 and words that follow the number");
+    SweepMemory([&text] { static_cast<void>(Locale::GetValueFromDisplayString(text)); },
+                [&text] { EXPECT_EQ(1234567890.5, Locale::GetValueFromDisplayString(text)); });
+}
+
+TEST(LocaleSweep, Initialize)
+{
+    SweepMemory([] { Locale::Initialize(); }, [] { EXPECT_EQ(std::locale::classic(), std::locale()); });
+}
