@@ -1,11 +1,12 @@
 // Which handles of one file go together: in one process, in two, and beside deleting, moving, copying and replacing.
-#include "FileSupport.h"
+#include <FileSupport.h>
 #include "ShareModes.h"
 
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>
 #include <sstream>
+#include <thread>
 
 using namespace ORL;
 using namespace ORL::Files::Platform;
@@ -128,4 +129,25 @@ TEST(FileShareModes, ThroughFile_AreSharingViolations)
         EXPECT_EQ(kSuccess, File::SizeOnDisk(path, size)) << "a size by name needs no handle";
     }
     EXPECT_EQ("x", ContentsOf(folder, "f")) << "a copy that was refused has not emptied the file";
+}
+
+// Two processes that want the file for themselves: never both have it, each gets it at times.
+TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    const std::vector<std::string> arguments = {"race", (folder.Host() / "f").u8string(), "3000"};
+    ProcessResult results[2];
+    std::thread other([&] { results[1] = RunBesideThisProgram("share_mode_host", arguments); });
+    results[0] = RunBesideThisProgram("share_mode_host", arguments);
+    other.join();
+    for (const ProcessResult& result : results) {
+        int got = -1;
+        int wrong = -1;
+        int notAlone = -1;
+        std::istringstream(result.mOutput) >> got >> wrong >> notAlone;
+        EXPECT_LT(0, got);
+        EXPECT_EQ(0, wrong);
+        EXPECT_EQ(0, notAlone);
+    }
 }

@@ -2,7 +2,8 @@
 //   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line a file: the
 //                                   errors of its opens, in order
 //   share_mode_host hold PATH       opens the path alone and ends in the middle of it, without closing
-//   share_mode_host race PATH N     opens the path alone, N times, and prints how often it got it
+//   share_mode_host race PATH N     tries N times to open the path alone; prints how often it got it, how often it was
+//                                   refused with another error than 32, and how often it was not alone
 #include "ShareModes.h"
 
 #include <ORLHostPath.h>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 using namespace ORL::Files::Platform;
 using namespace ORLTest;
@@ -59,12 +61,21 @@ int Race(const std::string& inPath, int inRounds)
     const UTF16String path = LibraryPath(inPath);
     int got = 0;
     int wrong = 0;
+    int notAlone = 0;
+    const std::filesystem::path mark = std::filesystem::u8path(inPath + ".mark");
     for (int round = 0; round < inRounds; ++round) {
-        const unsigned error = Try(path, kAlone);
-        got += error == 0 ? 1 : 0;
+        Handle file = nullptr;
+        const ORL::SystemError error = OpenHolding(path, kAlone, file);
+        if (error == 0) {
+            ++got;
+            std::error_code ignored;
+            notAlone += std::filesystem::create_directory(mark, ignored) ? 0 : 1;
+            std::filesystem::remove(mark, ignored);
+            CloseFile_Impl(file);
+        }
         wrong += error != 0 && error != 32 ? 1 : 0;
     }
-    std::printf("%d %d\n", got, wrong);
+    std::printf("%d %d %d\n", got, wrong, notAlone);
     return 0;
 }
 

@@ -4,7 +4,7 @@ target_link_libraries(share_mode_host PRIVATE ORLFoundation_private orl_strict)
 add_dependencies(${room_target} share_mode_host)
 
 # The sample host of a block cache is an example first.
-target_include_directories(${room_target} PRIVATE "${PROJECT_SOURCE_DIR}/Examples")
+target_include_directories(${room_target} PRIVATE "${PROJECT_SOURCE_DIR}/Examples/BlockCache")
 
 # Hosts of their own: one that reads, linked to the shared libraries as hosts are, and one whose reads fail.
 add_executable(reading_host Files/ReadingHost.cpp)

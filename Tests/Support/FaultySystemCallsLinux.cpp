@@ -57,10 +57,12 @@ private:
     std::vector<Plan> Take(Call inCall)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        const unsigned number = ++mCounts[inCall];
+        ++mCounts[inCall];
+        ++mCounts[kAny];
         std::vector<Plan> fitting;
         for (const Plan& plan : mPlans) {
-            if (plan.mCall == inCall && number >= plan.mFirst && number - plan.mFirst < plan.mCount) {
+            const unsigned number = mCounts[plan.mCall];
+            if ((plan.mCall == inCall || plan.mCall == kAny) && number >= plan.mFirst && number - plan.mFirst < plan.mCount) {
                 fitting.push_back(plan);
             }
         }
@@ -68,7 +70,7 @@ private:
     }
 
     mutable std::mutex mMutex;
-    unsigned mCounts[kCallCount] = {};
+    unsigned mCounts[kCallCount + 1] = {}; // the last for all
     std::vector<Plan> mPlans;
 };
 

@@ -21,7 +21,8 @@ public:
 #define ORL_NAME_CALL(name, failure, result, parameters, arguments, size) k##name,
         ORL_LINUX_SYSTEM_CALLS(ORL_NAME_CALL)
 #undef ORL_NAME_CALL
-            kCallCount
+            kCallCount,
+        kAny = kCallCount // calls of every kind, counted together
     };
 
     static constexpr unsigned kForEver = ~0u;

@@ -1,0 +1,132 @@
+// Hosts of block caches: one that records what it is asked, and one that does what it likes.
+#pragma once
+
+#include <FileSupport.h>
+
+#include <MemoryRecyclerLifecycle.h>
+
+#include <functional>
+#include <map>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace ORLTest {
+
+using Block = ORL::ObjectPtr<ORL::MemoryBufferWrapper>;
+using BufferRef = ORL::InterfaceRef<ORL::IFileBuffer, ORL::IFileBuffer>;
+using FactoryRef = ORL::InterfaceRef<ORL::IFileBufferFactory, ORL::IFileBufferFactory>;
+
+/// What a buffer was asked.
+struct BufferLog
+{
+    std::vector<std::int64_t> mGot;
+    std::vector<std::pair<std::int64_t, std::size_t>> mAdded; // position and bytes of the block
+    int mBuffers = 0;                                         // made so far
+    int mAlive = 0;
+};
+
+/// Keeps all blocks, and writes down what it is asked.
+class RecordingBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
+{
+public:
+    explicit RecordingBuffer(BufferLog& ioLog) : mLog(ioLog) { ++mLog.mAlive; }
+    ~RecordingBuffer() override { --mLog.mAlive; }
+
+    void AddBlock(Block inBlock, __int64 inPosition) override
+    {
+        mLog.mAdded.push_back({inPosition, inBlock->GetSize()});
+        mBlocks[inPosition] = inBlock;
+    }
+
+    ORL::Result GetBlock(__int64 inPosition, Block& outBlock) override
+    {
+        mLog.mGot.push_back(inPosition);
+        const auto found = mBlocks.find(inPosition);
+        if (found == mBlocks.end()) {
+            return ORL::kFileNotFound;
+        }
+        outBlock = found->second;
+        return ORL::kSuccess;
+    }
+
+private:
+    BufferLog& mLog;
+    std::map<std::int64_t, Block> mBlocks;
+};
+
+/// Keeps blocks, refuses them, forgets them and denies them at random.
+class MoodyBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
+{
+public:
+    /// Chances out of 100.
+    struct Mood
+    {
+        unsigned mRefuses = 0;
+        unsigned mForgets = 0;
+        unsigned mDenies = 0;
+    };
+
+    MoodyBuffer(const Mood& inMood, unsigned inSeed) : mMood(inMood), mRandom(inSeed) {}
+
+    void AddBlock(Block inBlock, __int64 inPosition) override
+    {
+        if (!Chance(mMood.mRefuses)) {
+            mBlocks[inPosition] = inBlock;
+        }
+        if (!mBlocks.empty() && Chance(mMood.mForgets)) {
+            mBlocks.erase(std::next(mBlocks.begin(), static_cast<std::ptrdiff_t>(mRandom() % mBlocks.size())));
+        }
+    }
+
+    ORL::Result GetBlock(__int64 inPosition, Block& outBlock) override
+    {
+        const auto found = mBlocks.find(inPosition);
+        if (found == mBlocks.end() || Chance(mMood.mDenies)) {
+            return ORL::kGeneralFailure;
+        }
+        outBlock = found->second;
+        return ORL::kSuccess;
+    }
+
+private:
+    bool Chance(unsigned inOfHundred) { return mRandom() % 100 < inOfHundred; }
+
+    const Mood mMood;
+    std::mt19937 mRandom;
+    std::map<std::int64_t, Block> mBlocks;
+};
+
+class FactoryOf : public ORL::UnknownImpl<ORL::IFileBufferFactory>
+{
+public:
+    explicit FactoryOf(std::function<BufferRef()> inMake) : mMake(std::move(inMake)) {}
+    BufferRef CreateFileBuffer() override { return mMake(); }
+
+private:
+    const std::function<BufferRef()> mMake;
+};
+
+/// The pool that blocks come from is there and a factory set, for as long as this lives.
+class FactoryInUse
+{
+public:
+    explicit FactoryInUse(const FactoryRef& inFactory)
+    {
+        ORL::CreateMemoryRecycler();
+        ORL::Foundation::SetFileBufferFactory(inFactory);
+    }
+
+    explicit FactoryInUse(std::function<BufferRef()> inMake) : FactoryInUse(new FactoryOf(std::move(inMake))) {}
+
+    ~FactoryInUse()
+    {
+        ORL::Foundation::SetFileBufferFactory(FactoryRef());
+        ORL::DropMemoryRecycler();
+    }
+
+    FactoryInUse(const FactoryInUse&) = delete;
+    FactoryInUse& operator=(const FactoryInUse&) = delete;
+};
+
+} // namespace ORLTest

@@ -1,0 +1,10 @@
+#include <SystemProbes.h>
+
+namespace ORLTest {
+
+bool RunsOnEmulator()
+{
+    return false;
+}
+
+} // namespace ORLTest
