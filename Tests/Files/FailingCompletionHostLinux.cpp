@@ -17,7 +17,8 @@ namespace FailingCompletion {
 
 namespace {
 
-FaultySystemCalls sCalls;
+// It stays: threads of the library may still be at work when the process ends.
+FaultySystemCalls& sCalls = *new FaultySystemCalls;
 std::atomic<bool> sNextFails{false};
 
 int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
