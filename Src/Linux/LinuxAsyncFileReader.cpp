@@ -17,6 +17,7 @@
 #include <signal.h>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace ORL {
@@ -188,17 +189,18 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
     return all % inFile.mAlignment == 0;
 }
 
-// At home such a read fails; here the system would call it a success of 0 bytes.
+// At home such a read fails; here the system would call it a success of 0 bytes. To seek is the cheapest question for a
+// file's end, and its answer, the place of a descriptor that is read by position alone, means nothing else.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
-    struct stat status;
     if (!inFile.mIsRegular) {
         return kNoError;
     }
-    if (System().mFStat(inFile.mDescriptor, &status) != 0) {
+    const off_t end = System().mSeek(inFile.mDescriptor, 0, SEEK_END);
+    if (end < 0) {
         return SystemErrorFromErrno(errno);
     }
-    return inPosition >= static_cast<std::uint64_t>(status.st_size) ? kErrorHandleEof : kNoError;
+    return inPosition >= static_cast<std::uint64_t>(end) ? kErrorHandleEof : kNoError;
 }
 
 struct Thread

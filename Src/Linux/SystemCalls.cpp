@@ -66,6 +66,7 @@ constexpr SystemCalls TheSystem()
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;
     calls.mFStat = &::fstat;
+    calls.mSeek = &::lseek;
     calls.mSetFlags = &SetFlags;
     calls.mStatVfs = &::statvfs;
     calls.mStatFs = &::statfs;

@@ -42,6 +42,7 @@ struct io_uring_cqe;
     X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
       (inFolder, inPath, inFlags, inMask, outStatus), sNoSize)                                                         \
     X(FStat, Errno, int, (int inFile, struct stat* outStatus), (inFile, outStatus), sNoSize)                           \
+    X(Seek, Errno, off_t, (int inFile, off_t inPosition, int inFrom), (inFile, inPosition, inFrom), sNoSize)           \
     X(SetFlags, Errno, int, (int inFile, int inFlags), (inFile, inFlags), sNoSize)                                     \
     X(StatVfs, Errno, int, (const char* inPath, struct statvfs* outStatus), (inPath, outStatus), sNoSize)              \
     X(StatFs, Errno, int, (const char* inPath, struct statfs* outStatus), (inPath, outStatus), sNoSize)                \

@@ -190,7 +190,7 @@ TEST_P(AsyncReadFaults, WithoutAFault_TheRoadMakesTheCallsThatAreMadeToFail)
     EXPECT_TRUE(journey.IsWhole());
     ExpectRightAndNothingLost(journey);
     for (const Call call : {FaultySystemCalls::kOpen, FaultySystemCalls::kClose, FaultySystemCalls::kStatx,
-                            FaultySystemCalls::kFStat, FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread,
+                            FaultySystemCalls::kSeek, FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread,
                             FaultySystemCalls::kUringQueueInit,
                             RefusalOfTheRing() == 0 ? FaultySystemCalls::kUringSubmit : FaultySystemCalls::kPRead}) {
         EXPECT_GT(journey.mCalls[call], 0u) << "call " << call;
