@@ -5,6 +5,7 @@
 #include <Wrapping.h>
 
 #include <array>
+#include <cstring>
 
 namespace ORL {
 
@@ -25,6 +26,13 @@ constexpr std::array<unsigned short, 200> MakePairs()
 }
 
 constexpr std::array<unsigned short, 200> kPairs = MakePairs();
+
+// For numbers from 0 to 99; both units in one move.
+unsigned short* PutPair(unsigned short* outUnits, unsigned inValue)
+{
+    std::memcpy(outUnits, &kPairs[2 * inValue], 2 * sizeof(unsigned short));
+    return outUnits;
+}
 
 // Builds a text on the stack, so that the string is allocated once and at its size.
 class TextBuilder
@@ -114,26 +122,18 @@ private:
         return digits;
     }
 
-    static unsigned short* PutPair(unsigned short* outUnits, unsigned inValue)
-    {
-        outUnits[0] = kPairs[2 * inValue];
-        outUnits[1] = kPairs[2 * inValue + 1];
-        return outUnits;
-    }
-
     // sign, three fields with a zero and a separator each, four zeros and the frames
     unsigned short mUnits[1 + 3 * (1 + kMaxIntUnits + 1) + 4 + kMaxInt64Units];
     unsigned short* mEnd = mUnits;
 };
 
-// The sign that stands before the text. Plain frame counts and feet bring their own minus.
+// The sign that stands before the text. Plain frame counts bring their own minus.
 void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
 {
     if (!inImpl.mStyle.mShowSign) {
         return;
     }
-    const bool bringsMinus =
-        inImpl.mTimeDisplay == tvxmediatypes::kTimeDisplay_Frames || TimecodeLocal::IsFeetFrames(inImpl.mTimeDisplay);
+    const bool bringsMinus = inImpl.mTimeDisplay == tvxmediatypes::kTimeDisplay_Frames;
     if (inImpl.mTime > tvxmediatypes::kTime_Zero) {
         ioText.Append('+');
     } else if (inImpl.mTime < tvxmediatypes::kTime_Zero && !bringsMinus) {
@@ -156,28 +156,73 @@ long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediat
     return inTime.ToFrame64(inRate);
 }
 
+// From the bits of the number, since a loop over lengths that follow no rule is mispredicted.
+std::size_t CountDecimalDigits(unsigned inValue)
+{
+    constexpr unsigned kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+    const unsigned bits = 32u - static_cast<unsigned>(__builtin_clz(inValue | 1u));
+    const unsigned atMost = bits * 1233 >> 12; // bits times log 2, which is short by one for the larger half
+    return atMost + (inValue >= kPowers[atMost] || inValue == 0 ? 1 : 0);
+}
+
+// Ends before outEnd, with as many digits as the number has.
+void PutDigitsBefore(unsigned short* outEnd, unsigned inValue)
+{
+    for (; inValue >= 100; inValue /= 100) {
+        outEnd = PutPair(outEnd - 2, inValue % 100);
+    }
+    if (inValue >= 10) {
+        PutPair(outEnd - 2, inValue);
+    } else {
+        outEnd[-1] = static_cast<unsigned short>('0' + inValue);
+    }
+}
+
+// Written where it stays: a copy from the stack would wait for the units that were just put there.
+inline UTF16String FeetFramesText(bool inIsNegative, bool inHasPlus, int inFeet, int inFrames)
+{
+    const auto feet = static_cast<unsigned>(inFeet);
+    const std::size_t length = (inIsNegative || inHasPlus ? 1 : 0) + CountDecimalDigits(feet) + 3;
+    UTF16String text(length, '+');
+    unsigned short* const end = text.data() + length;
+    PutPair(end - 2, static_cast<unsigned>(inFrames));
+    PutDigitsBefore(end - 3, feet);
+    if (inIsNegative) {
+        text[0] = '-';
+    }
+    return text;
+}
+
+// A negative rate counts against the time, and so both numbers may be negative behind the sign.
+[[gnu::noinline]] UTF16String NegativeFeetFramesText(bool inIsNegative, bool inHasPlus, int inFeet, int inFrames)
+{
+    TextBuilder text;
+    if (inIsNegative || inHasPlus) {
+        text.Append(inIsNegative ? '-' : '+');
+    }
+    text.AppendNumber(inFeet);
+    text.Append('+');
+    if (inFrames > -10 && inFrames < 10) {
+        text.Append('0');
+    }
+    text.AppendNumber(inFrames);
+    return text.GetText();
+}
+
 template <int kFramesPerFoot>
-void AppendFeetFrames(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
+[[gnu::noinline]] UTF16String FeetFrames(const Timecode::PrivateImpl& inImpl)
 {
     const long long count = CountFilmFrames(inImpl.mTime, inImpl.mFrameRate);
     int feet = static_cast<int>(Wrapping::Bits(count / kFramesPerFoot));
     int frames = static_cast<int>(count % kFramesPerFoot);
-    if (inImpl.mTime < tvxmediatypes::kTime_Zero) {
-        ioText.Append('-');
+    const bool isNegative = inImpl.mTime < tvxmediatypes::kTime_Zero;
+    if (isNegative) {
         feet = Wrapping::Negate(feet);
         frames = -frames;
     }
-    ioText.AppendNumber(feet);
-    ioText.Append('+');
-    if (frames >= 0) {
-        ioText.AppendPair(static_cast<unsigned>(frames));
-        return;
-    }
-    // A negative rate counts against the time.
-    if (frames > -10) {
-        ioText.Append('0');
-    }
-    ioText.AppendNumber(frames);
+    const bool hasPlus = inImpl.mStyle.mShowSign && inImpl.mTime > tvxmediatypes::kTime_Zero;
+    return feet >= 0 && frames >= 0 ? FeetFramesText(isNegative, hasPlus, feet, frames)
+                                    : NegativeFeetFramesText(isNegative, hasPlus, feet, frames);
 }
 
 // A negative time without a sign counts back from midnight on the hours alone.
@@ -187,37 +232,42 @@ int ShownHours(const Timecode::PrivateImpl& inImpl)
     return !inImpl.mStyle.mShowSign && inImpl.mTime < tvxmediatypes::kTime_Zero ? 23 - hours : hours;
 }
 
-void AppendClock(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
+[[gnu::noinline]] UTF16String ClockText(const Timecode::PrivateImpl& inImpl)
 {
+    TextBuilder text;
+    AppendSign(text, inImpl);
     const bool leadingZeros = !inImpl.mStyle.mNoLeadingZeros;
     const char separator = TimecodeLocal::IsDropFrame(inImpl.mTimeDisplay) ? ';' : ':';
     if (inImpl.mStyle.mHoursMode == 1) {
-        ioText.AppendField(ShownHours(inImpl), leadingZeros);
-        ioText.Append(separator);
+        text.AppendField(ShownHours(inImpl), leadingZeros);
+        text.Append(separator);
     }
-    ioText.AppendField(inImpl.mMinutes, leadingZeros);
-    ioText.Append(separator);
-    ioText.AppendField(inImpl.mSeconds, leadingZeros);
-    ioText.Append(inImpl.mTimeDisplay == tvxmediatypes::kTimeDisplay_AudioMsTimecode ? '.' : separator);
-    ioText.AppendFrames(inImpl.mFrames, leadingZeros ? inImpl.mFrameDigits : 0);
+    text.AppendField(inImpl.mMinutes, leadingZeros);
+    text.Append(separator);
+    text.AppendField(inImpl.mSeconds, leadingZeros);
+    text.Append(inImpl.mTimeDisplay == tvxmediatypes::kTimeDisplay_AudioMsTimecode ? '.' : separator);
+    text.AppendFrames(inImpl.mFrames, leadingZeros ? inImpl.mFrameDigits : 0);
+    return text.GetText();
+}
+
+[[gnu::noinline]] UTF16String FramesText(const Timecode::PrivateImpl& inImpl)
+{
+    TextBuilder text;
+    AppendSign(text, inImpl);
+    text.AppendNumber(inImpl.mTime.ToFrame64(inImpl.mFrameRate));
+    return text.GetText();
 }
 
 } // namespace
 
 UTF16String Timecode::PrivateImpl::GetString() const
 {
-    TextBuilder text;
-    AppendSign(text, *this);
-    if (mTimeDisplay == tvxmediatypes::kTimeDisplay_Frames) {
-        text.AppendNumber(mTime.ToFrame64(mFrameRate));
-    } else if (mTimeDisplay == tvxmediatypes::kTimeDisplay_16mmFeetFrames) {
-        AppendFeetFrames<40>(text, *this);
-    } else if (mTimeDisplay == tvxmediatypes::kTimeDisplay_35mmFeetFrames) {
-        AppendFeetFrames<16>(text, *this);
-    } else {
-        AppendClock(text, *this);
+    switch (mTimeDisplay) {
+    case tvxmediatypes::kTimeDisplay_Frames: return FramesText(*this);
+    case tvxmediatypes::kTimeDisplay_16mmFeetFrames: return FeetFrames<40>(*this);
+    case tvxmediatypes::kTimeDisplay_35mmFeetFrames: return FeetFrames<16>(*this);
+    default: return ClockText(*this);
     }
-    return text.GetText();
 }
 
 namespace TimecodeLocal {

@@ -227,6 +227,41 @@ TEST(TimecodeGetString, FeetBeyond32Bits_AreCutTo32Bits)
     EXPECT_EQ("--2147483648+00", Show(-Frames(least * 16, rate), rate, kTimeDisplay_35mmFeetFrames));
 }
 
+// As the rule is told: sign, feet, plus, a zero where the frames lie from -9 to 9, frames.
+std::string FeetByTheRule(const TickTime& inTime, const FrameRate& inRate, int inFramesPerFoot, bool inShowSign)
+{
+    const long long count = inTime.ToFrame64(inRate);
+    long long feet = count / inFramesPerFoot;
+    long long frames = count % inFramesPerFoot;
+    std::string text = inShowSign && inTime > kTime_Zero ? "+" : "";
+    if (inTime < kTime_Zero) {
+        text += '-';
+        feet = -feet;
+        frames = -frames;
+    }
+    return text + std::to_string(feet) + '+' + (frames > -10 && frames < 10 ? "0" : "") + std::to_string(frames);
+}
+
+TEST(TimecodeGetString, FeetOfEveryLengthAndSign_FollowTheRule)
+{
+    const FrameRate fast = FrameRate::FromTicksPerFrame(705600);
+    const FrameRate rates[] = {kFrameRate_Film24, kFrameRate_23976, fast, FrameRate(-24.0)};
+    for (const FrameRate& rate : rates) {
+        for (long long power = 1; power <= 1000000000; power *= 10) {
+            for (const long long feet : {power - 1, power, power + 1, 2 * power + 7}) {
+                for (const long long frames : {0LL, 9LL, 10LL, 15LL}) {
+                    const long long count = feet * 16 + frames;
+                    for (const TickTime& time : {Frames(count, rate), Frames(-count, rate)}) {
+                        EXPECT_EQ(FeetByTheRule(time, rate, 16, false), Show(time, rate, kTimeDisplay_35mmFeetFrames));
+                        EXPECT_EQ(FeetByTheRule(time, rate, 40, true),
+                                  Show(time, rate, kTimeDisplay_16mmFeetFrames, SignedStyle()));
+                    }
+                }
+            }
+        }
+    }
+}
+
 TEST(TimecodeGetString, WithPreviousFrame_ShowsTheStoredTime)
 {
     EXPECT_EQ("00:00:00:24",
