@@ -12,6 +12,7 @@
 namespace {
 
 std::string sMode;
+std::string sProgram; // the host path of this program, a file that is surely there
 
 bool IsMode(const char* inMode)
 {
@@ -35,6 +36,26 @@ void UseWhatNeedsNoStart()
     }
 }
 
+void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*, void* outBytesRead,
+            void*, void*, int)
+{
+    *static_cast<unsigned int*>(outBytesRead) = inBytesRead;
+}
+
+void ReadAFile(void* outBuffer)
+{
+    ORL::AsyncFileReader reader;
+    unsigned int bytesRead = 0;
+    if (ORL::AsyncFileReader::Open(ORL::PathUtils::FromHostPath(sProgram), reader) != ORL::kSuccess) {
+        std::abort();
+    }
+    reader.QueueReadRequest(0, 4096, outBuffer, &OnRead, &bytesRead, nullptr, nullptr);
+    reader.WaitForPendingReads();
+    if (bytesRead != 4096) {
+        std::abort();
+    }
+}
+
 // Several hosts in one process, none of which knows when the others start and stop. Only one of their threads can be
 // the main thread; the others are told so by a check, which is answered for good.
 void RunHostsAtOnce()
@@ -53,6 +74,7 @@ void RunHostsAtOnce()
                 {
                     const ORL::MemoryBufferWrapper buffer(100000);
                     std::memset(buffer.GetBuffer(), round, buffer.GetSize());
+                    ReadAFile(buffer.GetBuffer());
                 }
                 ORL::Foundation::Terminate();
             }
@@ -111,6 +133,7 @@ StartsAndStops sStartsAndStops;
 int main(int argc, char** argv)
 {
     sMode = argc > 1 ? argv[1] : "";
+    sProgram = argv[0];
     if (IsMode("unmatched-stop")) {
         ORL::Foundation::Terminate();
     } else if (IsMode("hosts-at-once")) {
