@@ -166,9 +166,12 @@ TEST(FoundationHost, UsedByAStaticDestructorAfterTheStop_StillHasItsLocksObjects
     ExpectHostSays("late-use", "started\nmain\nstopped\nused after the stop\n");
 }
 
+// The library's threads are wherever they are when the process ends, so this is done several times.
 TEST(FoundationHost, NeverStopped_EndsCleanly)
 {
-    ExpectHostSays("never-stopped", "started\nmain\n");
+    for (int round = 0; round < 10; ++round) {
+        ExpectHostSays("never-stopped", "started\nmain\n");
+    }
 }
 
 TEST(FoundationHost, StoppedWithoutAStart_EndsCleanly)
