@@ -1,11 +1,13 @@
 #include <ORLObjectPtr.h>
 
+#include <AllocationFaults.h>
 #include <CheckRecorder.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <new>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -204,6 +206,24 @@ TEST(ObjectPtr, Counter_IsABlockOfFourBytesOfItsOwn)
     EXPECT_EQ(before.mSmallBlockBytesCurrent + 4, between.mSmallBlockBytesCurrent);
     EXPECT_EQ(before.mSmallBlockCountCurrent, after.mSmallBlockCountCurrent);
     EXPECT_EQ(before.mSmallBlockBytesCurrent, after.mSmallBlockBytesCurrent);
+    EXPECT_EQ(0, Object::sLiving);
+}
+
+TEST(ObjectPtr, NoMemoryForTheCounter_DeletesTheObjectAndThrowsBadAlloc)
+{
+    tvxcore::utility::AllocationFaults::Plan plan;
+    plan.mOfThisThreadOnly = true;
+    Object* const object = new Object;
+    const tvxcore::utility::AllocationFaults::Scope faults(plan);
+    try {
+        const ObjectPtr<Object> pointer(object);
+        ADD_FAILURE() << "made without a counter";
+    } catch (const std::bad_alloc& exception) {
+        EXPECT_STREQ("bad allocation", exception.what());
+    }
+    EXPECT_EQ(1u, faults.Refused());
+    EXPECT_EQ(0, Object::sLiving);
+    EXPECT_NO_THROW(ObjectPtr<Object>(new Object));
     EXPECT_EQ(0, Object::sLiving);
 }
 

@@ -1,3 +1,4 @@
+#include <AllocationFaults.h>
 #include <tvxcore/Executor.h>
 #include <tvxcore/SmallBlockAllocator.h>
 #include <tvxcore/Trace.h>
@@ -5,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -38,6 +40,15 @@ bool IsOn(const char* inCategory, long inLevel, bool inFollowsAll)
 void Emit(const char* inText)
 {
     Trace(reinterpret_cast<const unsigned char*>(inText));
+}
+
+tvxcore::utility::AllocationFaults::Plan RefuseFrom(std::uint64_t inFirst)
+{
+    tvxcore::utility::AllocationFaults::Plan plan;
+    plan.mFirst = inFirst;
+    plan.mHowMany = tvxcore::utility::AllocationFaults::kAllFurther;
+    plan.mOfThisThreadOnly = true;
+    return plan;
 }
 
 // Each test begins quiet, with a recording sink, and leaves the trace shut down.
@@ -188,6 +199,39 @@ TEST_F(TraceTest, DefaultSink_WritesLinesToStandardError)
     Emit("");
     EXPECT_EQ("with an end\nwithout\n\n", testing::internal::GetCapturedStderr());
     EXPECT_EQ(nullptr, InstallTraceSink(&Record));
+}
+
+TEST_F(TraceTest, LevelWithoutMemoryForTheName_ChangesNothingAndTheNextTryWorks)
+{
+    {
+        const tvxcore::utility::AllocationFaults::Scope faults(RefuseFrom(1));
+        const int count = TraceChangeCount();
+        SetTraceLevel("New", 1);
+        EXPECT_EQ(1u, faults.Refused());
+        EXPECT_FALSE(IsOn("New", 0, false));
+        EXPECT_EQ(count, TraceChangeCount());
+    }
+    SetTraceLevel("New", 1);
+    EXPECT_TRUE(IsOn("New", 1, false));
+    const tvxcore::utility::AllocationFaults::Scope faults(RefuseFrom(1));
+    SetTraceLevel("New", 0);
+    EXPECT_FALSE(IsOn("New", 1, false)) << "a known name needs no memory";
+}
+
+TEST_F(TraceTest, TextThatOutgrowsMemory_IsEmittedAsFarAsItGot)
+{
+    const std::string fits(200, 'a');
+    const std::string grows(400, 'b');
+    const std::string outgrows(4000, 'c');
+    for (std::uint64_t refused = 1; refused <= 2; ++refused) {
+        const tvxcore::utility::AllocationFaults::Scope faults(RefuseFrom(refused));
+        {
+            SafeTraceStream stream;
+            stream << fits.c_str() << grows.c_str() << outgrows.c_str() << 17l << "end\n";
+        }
+        EXPECT_EQ(1u, faults.Refused()) << "what follows a text that is cut asks for nothing";
+        EXPECT_EQ(std::vector<std::string>{refused == 1 ? fits : fits + grows}, TakeTexts());
+    }
 }
 
 TEST_F(TraceTest, ThreadsThatConfigureAndTraceAtOnce_LoseNoLine)

@@ -33,7 +33,7 @@ private:
 
 } // namespace
 
-SafeTraceStream::SafeTraceStream() noexcept : mText(mInline), mCapacity(sizeof(mInline)), mCount(0)
+SafeTraceStream::SafeTraceStream() noexcept : mText(mInline), mCapacity(sizeof(mInline)), mCount(0), mIsCut(false)
 {
 }
 
@@ -50,10 +50,14 @@ SafeTraceStream::~SafeTraceStream()
 
 void SafeTraceStream::Append(const char* inBytes, std::size_t inCount) noexcept
 {
+    if (mIsCut) {
+        return;
+    }
     if (inCount >= mCapacity - mCount) {
         const std::size_t capacity = 2 * (mCapacity + inCount);
         char* const text = static_cast<char*>(SmallBlockAllocator::Allocate(capacity));
         if (text == nullptr) {
+            mIsCut = true;
             return;
         }
         std::memcpy(text, mText, mCount);

@@ -55,7 +55,7 @@ TVXCORE_API int TraceChangeCount();
 TVXCORE_API void Trace(const unsigned char* inText);
 
 /// Composes a text and emits it when it goes out of life, if anything was written. A text that outgrows memory is
-/// emitted as far as it got.
+/// emitted as far as it got: without the part that found none, and without those behind it.
 class TVXCORE_API SafeTraceStream
 {
 public:
@@ -79,6 +79,7 @@ private:
     char* mText;
     std::size_t mCapacity; // bytes at mText, the terminator's included
     std::size_t mCount;
+    bool mIsCut; // a part found no memory, and none follows it
 };
 
 /// One place that traces: its category, its level, and what it was told when the levels last changed.
