@@ -1,5 +1,6 @@
 #include <ORLClassFactory.h>
 
+#include <ClassCategories.h>
 #include <ORLDebug.h>
 #include <ORLException.h>
 
@@ -25,18 +26,6 @@ CategoryMap& Categories()
 }
 
 bool sWarnAboutUnregisteredClasses = true;
-
-std::vector<Guid>& GetOrCreateClassIDVector(CategoryMap& inCategoryMap, const Guid& inCategory)
-{
-    CategoryMap::iterator i = inCategoryMap.find(inCategory);
-    if (i != inCategoryMap.end()) {
-        return i->second;
-    }
-    inCategoryMap.insert(CategoryMap::value_type(inCategory, std::vector<Guid>()));
-    i = inCategoryMap.find(inCategory);
-    ORL_ASSERT_AT(i != inCategoryMap.end(), "ClassFactory", 288, "ORL::ClassFactory::GetOrCreateClassIDVector");
-    return i->second;
-}
 
 // Null for an unknown class.
 CreateClassFunction FindCreateFunction(const Guid& inClassID)

@@ -4,9 +4,11 @@
 #include <ORLString.h>
 #include <Platform/ThreadManager.h>
 #include <tvxcore/Executor.h>
+#include <tvxcore/Trace.h>
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 
 namespace ORL {
 namespace ThreadManager {
@@ -56,9 +58,21 @@ bool IsInfoIndexAllocated()
     return sInfoIndexAllocated.load(std::memory_order_relaxed);
 }
 
-void NameThreadForDebugger(const ThreadInfo& inInfo)
+// The trace line begins with the thread's identifier, as every line of that thread does.
+void TraceThread(const std::string& inName, const ThreadInfo& inInfo)
 {
-    NameThread_Impl(MakeStdString(inInfo.GetThreadName()).c_str());
+    static tvxcore::debug::TraceSite sSite("ORL.ThreadManager", 1, true);
+    if (sSite.IsEnabled()) {
+        tvxcore::debug::TraceLine(sSite) << "This thread is \"" << inName.c_str() << "\" of \""
+                                         << MakeStdString(inInfo.GetCurrentModule()).c_str() << "\".\n";
+    }
+}
+
+void NameThread(const ThreadInfo& inInfo)
+{
+    const std::string name = MakeStdString(inInfo.GetThreadName());
+    NameThread_Impl(name.c_str());
+    TraceThread(name, inInfo);
 }
 
 // The index keeps its number when the slot is freed, so a second start reports the first assertion and goes on.
@@ -84,7 +98,7 @@ void RegisterMainThread()
     }
     sMainThreadInfo = new PrivateThreadInfo(ConstString("CorvantoMain"), ConstString("Corvanto"), true);
     SetSlotValue_Impl(InfoIndex(), sMainThreadInfo);
-    NameThreadForDebugger(*sMainThreadInfo);
+    NameThread(*sMainThreadInfo);
 }
 
 void UnregisterMainThread()
@@ -109,7 +123,7 @@ void RegisterThread(const ConstString& inThreadName, const ConstString& inCurren
     }
     ThreadInfo* const info = new PrivateThreadInfo(inThreadName, inCurrentModule, false);
     SetSlotValue_Impl(InfoIndex(), info);
-    NameThreadForDebugger(*info);
+    NameThread(*info);
 }
 
 // The slot is not cleared: a thread unregisters as its last act.

@@ -57,7 +57,7 @@ int ConvertThreadAllocationPolicy(int inThreadAllocationPolicy)
 
 // Runs once: the executor promises that for every function it accepts. So the count that came with the request travels
 // on with it and is paid back behind Process, and what boost::function copies on its way is a plain pointer. With a
-// counted reference in its place each queued request costs eight more changes of its count.
+// counted reference in its place each queued request costs eight increments and eight decrements more.
 class RunOnce
 {
 public:

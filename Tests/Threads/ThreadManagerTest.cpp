@@ -2,6 +2,9 @@
 
 #include <CheckRecorder.h>
 #include <ORLString.h>
+#include <Platform/ThreadManager.h>
+#include <tvxcore/Executor.h>
+#include <tvxcore/Trace.h>
 
 #include <gtest/gtest.h>
 #include <string>
@@ -112,6 +115,45 @@ TEST_F(ThreadRecords, UnregisterOfAThreadWithoutRecord_FiresTheContract)
     const std::vector<CheckReport> reports = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
     EXPECT_EQ("info", reports[0].mExpression);
+}
+
+TEST_F(ThreadRecords, NamingAThreadWithNoDebuggerAttached_DoesNothingVisible)
+{
+    OnAnotherThread([this] {
+        ConstString name("Renderer");
+        ConstString module("Editor");
+        ThreadManager::RegisterThread(name, module);
+        ThreadManager::Platform::NameThread_Impl("Another name");
+        ThreadManager::Platform::NameThread_Impl("");
+        EXPECT_EQ("Renderer", NameOfThisThread()) << "the record is not asked";
+        EXPECT_TRUE(mRecorder.Reports().empty());
+        ThreadManager::UnregisterThread();
+    });
+}
+
+TEST_F(ThreadRecords, RegisteredName_IsTraced)
+{
+    static std::string sLines;
+    sLines.clear();
+    const tvxcore::debug::TraceSink old = tvxcore::debug::InstallTraceSink(
+        [](const unsigned char* inText) { sLines += reinterpret_cast<const char*>(inText); });
+    const auto registerOne = [] {
+        ConstString name("Renderer");
+        ConstString module("Editor");
+        ThreadManager::RegisterThread(name, module);
+        ThreadManager::UnregisterThread();
+    };
+    OnAnotherThread(registerOne);
+    EXPECT_EQ("", sLines) << "the category is off at first";
+    tvxcore::debug::SetTraceLevel("ORL.ThreadManager", 1);
+    std::string identifier;
+    OnAnotherThread([&] {
+        identifier = std::to_string(tvxcore::threads::GetCurrentThreadID());
+        registerOne();
+    });
+    tvxcore::debug::SetTraceLevel("ORL.ThreadManager", tvxcore::debug::kTraceOff);
+    tvxcore::debug::InstallTraceSink(old);
+    EXPECT_EQ("<" + identifier + "> <ORL.ThreadManager> <1> This thread is \"Renderer\" of \"Editor\".\n", sLines);
 }
 
 TEST_F(ThreadRecords, ManyThreadsAtOnce_EachSeeTheirOwnRecord)

@@ -1,5 +1,9 @@
 #include <Platform/ThreadManager.h>
 
+#include <ORLThreadManager.h>
+#include <ORLThreadedWorkQueue.h>
+
+#include <fstream>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <string>
@@ -32,4 +36,50 @@ TEST(ThreadName, TooLongForTheSystem_IsCutAtACharacter)
             EXPECT_EQ(std::string(row.mKept), kept) << "row at line " << row.mLine;
         }).join();
     }
+}
+
+namespace {
+
+// What `top -H` shows: it reads this file for each thread.
+std::string NameInTheSystemsList()
+{
+    std::string name;
+    std::getline(std::ifstream("/proc/thread-self/comm"), name);
+    return name;
+}
+
+class AsksForItsName : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    explicit AsksForItsName(std::string& outName) : mName(outName) {}
+    void Process() override { mName = NameInTheSystemsList(); }
+
+private:
+    std::string& mName;
+};
+
+} // namespace
+
+TEST(ThreadName, OfARegisteredThread_IsInTheSystemsList)
+{
+    ThreadManager::RegisterMainThread();
+    std::thread([] {
+        ConstString name("Renderer 1");
+        ConstString module("Editor");
+        ThreadManager::RegisterThread(name, module);
+        EXPECT_EQ("Renderer 1", NameInTheSystemsList());
+        ThreadManager::UnregisterThread();
+    }).join();
+    EXPECT_EQ("CorvantoMain", NameInTheSystemsList());
+    ThreadManager::UnregisterMainThread();
+}
+
+TEST(ThreadName, OfAQueuesThread_BeginsWithItsModule)
+{
+    std::string name;
+    const InterfaceRef<ThreadedWorkQueue, ORLUnknown> queue(new ThreadedWorkQueue);
+    queue->Initialize(ThreadPriorities::kNormal, 1, ConstString("Loader"), ConstString("Editor"));
+    queue->QueueRequest(new AsksForItsName(name));
+    queue->Stop();
+    EXPECT_EQ("Editor: Loader", name);
 }

@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <ORLConstString.h>
+#include <Stress.h>
 #include <tvxcore/Guid.h>
 
 #include <atomic>
@@ -189,6 +190,42 @@ TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResume)
     queue->Resume();
     flusher.join();
     queue->Stop();
+}
+
+// Whoever flushes while the queue stops may find that some of its items are refused; nobody may be left waiting.
+TEST(ThreadedWorkQueueFlush, EightFlushersBesideIdleWorkPausesAndAStop_AllReturn)
+{
+    for (int round = 0; round < ORLTest::Rounds(3); ++round) {
+        const ORLTest::CheckRecorder recorder; // refused items are reported
+        const QueueRef queue = StartedQueue(2);
+        const FlushRef flush = FlushOf(queue);
+        std::atomic<int> idleTurns{0};
+        queue->SetIdleProcess(Work([&idleTurns] { ++idleTurns; }), 1);
+        std::atomic<int> flushed{0};
+        std::vector<std::thread> flushers;
+        for (int i = 0; i < 8; ++i) {
+            flushers.emplace_back([&] {
+                for (int turn = 0; turn < 20; ++turn) {
+                    flush->Flush();
+                    ++flushed;
+                }
+            });
+        }
+        while (flushed.load() < 40) {
+            queue->Pause();
+            std::this_thread::yield();
+            queue->Resume();
+        }
+        queue->ClearIdleProcess();
+        queue->Stop();
+        for (std::thread& flusher : flushers) {
+            flusher.join();
+        }
+        EXPECT_EQ(160, flushed.load());
+        const QueueRef another = StartedQueue(2);
+        ExpectIdle(flush, another);
+        another->Stop();
+    }
 }
 
 TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)

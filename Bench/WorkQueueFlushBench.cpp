@@ -1,0 +1,227 @@
+// Asks: what does it cost to wait until a queue has drained? It serves the choice to flush once for each frame.
+//
+// The peers wait for less: the pool's tasks are counted, one for each thread, and nothing makes sure that each thread takes
+// one; the barrier's threads do nothing else than to meet.
+#include <Harness.h>
+
+#include <ORLThreadedWorkQueueFlush.h>
+
+#include <boost/asio/post.hpp>
+#include <boost/asio/thread_pool.hpp>
+#include <boost/thread/barrier.hpp>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+namespace {
+
+using ORL::InterfaceRef;
+using ORL::IThreadedQueueRequest;
+
+std::atomic<std::uint64_t> sWork{0};
+
+class ShortRequest : public ORL::UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    void Process() override { sWork.fetch_add(1, std::memory_order_relaxed); }
+};
+
+class PinsItsThread : public ORL::UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    void Process() override { Bench::PinThread(1); }
+};
+
+class OurQueue
+{
+public:
+    explicit OurQueue(int inThreads)
+        : mQueue(new ORL::ThreadedWorkQueue), mFlush(new ORL::ThreadedWorkQueueFlush), mRequest(new ShortRequest)
+    {
+        mQueue->Initialize(ORL::ThreadPriorities::kNormal, inThreads, ORL::ConstString("ours"), ORL::ConstString("bench"));
+        mFlush->Init(mQueue);
+        if (inThreads == 1) {
+            mQueue->QueueRequest(new PinsItsThread);
+        }
+    }
+    ~OurQueue() { mQueue->Stop(); }
+    OurQueue(const OurQueue&) = delete;
+    OurQueue& operator=(const OurQueue&) = delete;
+
+    void Drain(unsigned inRequests)
+    {
+        while (inRequests-- != 0) {
+            mQueue->QueueRequest(mRequest);
+        }
+        mFlush->Flush();
+    }
+
+private:
+    InterfaceRef<ORL::ThreadedWorkQueue> mQueue;
+    InterfaceRef<ORL::ThreadedWorkQueueFlush> mFlush;
+    ORL::ThreadedWorkQueue::Request mRequest;
+};
+
+class AsioPool
+{
+public:
+    explicit AsioPool(int inThreads) : mThreads(inThreads), mPool(static_cast<std::size_t>(inThreads))
+    {
+        if (inThreads == 1) {
+            boost::asio::post(mPool, [] { Bench::PinThread(1); });
+        }
+    }
+    ~AsioPool() { mPool.join(); }
+    AsioPool(const AsioPool&) = delete;
+    AsioPool& operator=(const AsioPool&) = delete;
+
+    void Drain(unsigned inRequests)
+    {
+        while (inRequests-- != 0) {
+            boost::asio::post(mPool, [] { sWork.fetch_add(1, std::memory_order_relaxed); });
+        }
+        mLeft = mThreads;
+        for (int i = 0; i < mThreads; ++i) {
+            boost::asio::post(mPool, [this] { CountDown(); });
+        }
+        std::unique_lock<std::mutex> lock(mMutex);
+        mDone.wait(lock, [this] { return mLeft == 0; });
+    }
+
+private:
+    void CountDown()
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        if (--mLeft == 0) {
+            mDone.notify_one();
+        }
+    }
+
+    const int mThreads;
+    std::mutex mMutex;
+    std::condition_variable mDone;
+    int mLeft = 0; // written without the lock only while no task is there
+    boost::asio::thread_pool mPool;
+};
+
+// Threads that meet the caller again and again.
+class Meeting
+{
+public:
+    explicit Meeting(int inThreads) : mBarrier(static_cast<unsigned>(inThreads) + 1)
+    {
+        for (int i = 0; i < inThreads; ++i) {
+            mThreads.emplace_back([this, inThreads] {
+                if (inThreads == 1) {
+                    Bench::PinThread(1);
+                }
+                while (!mIsOver.load()) {
+                    mBarrier.wait();
+                }
+            });
+        }
+    }
+    ~Meeting()
+    {
+        mIsOver.store(true);
+        mBarrier.wait();
+        for (std::thread& thread : mThreads) {
+            thread.join();
+        }
+    }
+    Meeting(const Meeting&) = delete;
+    Meeting& operator=(const Meeting&) = delete;
+
+    void Meet() { mBarrier.wait(); }
+
+private:
+    boost::barrier mBarrier;
+    std::atomic<bool> mIsOver{false};
+    std::vector<std::thread> mThreads;
+};
+
+std::string Threads(int inThreads)
+{
+    return std::to_string(inThreads) + (inThreads == 1 ? " thread" : " threads");
+}
+
+// The rivals with so many threads each, made before the harness binds the caller to a processor. A single thread works on the
+// processor beside the caller's; two share both.
+struct Field
+{
+    explicit Field(int inThreads) : mThreads(inThreads), mOurs(inThreads), mAsio(inThreads), mMeeting(inThreads) {}
+
+    const int mThreads;
+    OurQueue mOurs;
+    AsioPool mAsio;
+    Meeting mMeeting;
+};
+
+void CompareIdle(Field& ioField)
+{
+    OurQueue& ours = ioField.mOurs;
+    AsioPool& asio = ioField.mAsio;
+    Meeting& meeting = ioField.mMeeting;
+    Bench::Group("flush an idle queue of " + Threads(ioField.mThreads))
+        .Ours("ThreadedWorkQueueFlush", Bench::AtMost(1.2, "boost::asio::thread_pool"),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ours.Drain(0);
+                  }
+              })
+        .Ours("ThreadedWorkQueueFlush (again)", Bench::AtMost(1.2, "boost::barrier"),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ours.Drain(0);
+                  }
+              })
+        .Peer("boost::asio::thread_pool",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      asio.Drain(0);
+                  }
+              })
+        .Peer("boost::barrier",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      meeting.Meet();
+                  }
+              })
+        .Run();
+}
+
+void CompareBusy(Field& ioField)
+{
+    constexpr unsigned kRequests = 1000;
+    OurQueue& ours = ioField.mOurs;
+    AsioPool& asio = ioField.mAsio;
+    Bench::Group("1000 short requests and a flush, queue of " + Threads(ioField.mThreads))
+        .Ours("ThreadedWorkQueueFlush", Bench::AtMost(1.2, "boost::asio::thread_pool"),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ours.Drain(kRequests);
+                  }
+              })
+        .Peer("boost::asio::thread_pool",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      asio.Drain(kRequests);
+                  }
+              })
+        .Run();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Bench::Start(argc, argv);
+    Field one(1);
+    Field two(2);
+    CompareIdle(one);
+    CompareIdle(two);
+    CompareBusy(one);
+    CompareBusy(two);
+    return Bench::Finish();
+}
