@@ -47,6 +47,15 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 /// Removes an empty directory.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath);
 
+/// The shell's own numbers of its functions.
+enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
+
+/// The shell's operation on all that inFrom names: a plain path and "*.*". inTo, a plain path, is the folder that it
+/// goes to, made where missing, and null for kDelete. Overwrites and joins without asking. 0, or a status of the shell
+/// that is no system error number of the usual kind. Nothing to copy or to move is a failure; on the home platform
+/// some versions give 0 for it.
+unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
+
 } // namespace Platform
 } // namespace Directories
 } // namespace ORL

@@ -17,6 +17,16 @@ int Open(const char* inPath, int inFlags, mode_t inMode)
     return ::open(inPath, inFlags, inMode);
 }
 
+int OpenAt(int inFolder, const char* inPath, int inFlags, mode_t inMode)
+{
+    return ::openat(inFolder, inPath, inFlags, inMode);
+}
+
+ssize_t CopyRange(int inFrom, off_t* ioFromPosition, int inTo, off_t* ioToPosition, std::size_t inSize)
+{
+    return ::copy_file_range(inFrom, ioFromPosition, inTo, ioToPosition, inSize, 0);
+}
+
 int SetFlags(int inFile, int inFlags)
 {
     return ::fcntl(inFile, F_SETFL, inFlags);
@@ -30,11 +40,6 @@ int LockRange(int inFile, int inCommand, struct flock* ioLock)
 int RenameTo(const char* inFrom, const char* inTo, unsigned inFlags)
 {
     return ::renameat2(AT_FDCWD, inFrom, AT_FDCWD, inTo, inFlags);
-}
-
-ssize_t CopyRange(int inFrom, off_t* ioFromPosition, int inTo, off_t* ioToPosition, std::size_t inSize)
-{
-    return ::copy_file_range(inFrom, ioFromPosition, inTo, ioToPosition, inSize, 0);
 }
 
 // The call is inline in the library's header and has no address of its own.
@@ -76,6 +81,12 @@ constexpr SystemCalls TheSystem()
     calls.mUnlink = &::unlink;
     calls.mRenameTo = &RenameTo;
     calls.mLink = &::link;
+    calls.mOpenAt = &OpenAt;
+    calls.mUnlinkAt = &::unlinkat;
+    calls.mMakeDirAt = &::mkdirat;
+    calls.mRenameAt = &::renameat2;
+    calls.mReadLinkAt = &::readlinkat;
+    calls.mSymLinkAt = &::symlinkat;
     calls.mFAdvise = &::posix_fadvise;
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;

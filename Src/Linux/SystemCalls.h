@@ -53,6 +53,16 @@ struct io_uring_cqe;
     X(RenameTo, Errno, int, (const char* inFrom, const char* inTo, unsigned inFlags), (inFrom, inTo, inFlags),         \
       sNoSize)                                                                                                         \
     X(Link, Errno, int, (const char* inFrom, const char* inTo), (inFrom, inTo), sNoSize)                               \
+    X(OpenAt, Errno, int, (int inFolder, const char* inPath, int inFlags, mode_t inMode),                              \
+      (inFolder, inPath, inFlags, inMode), sNoSize)                                                                    \
+    X(UnlinkAt, Errno, int, (int inFolder, const char* inName, int inFlags), (inFolder, inName, inFlags), sNoSize)     \
+    X(MakeDirAt, Errno, int, (int inFolder, const char* inName, mode_t inMode), (inFolder, inName, inMode), sNoSize)   \
+    X(RenameAt, Errno, int, (int inFrom, const char* inName, int inTo, const char* inNewName, unsigned inFlags),       \
+      (inFrom, inName, inTo, inNewName, inFlags), sNoSize)                                                             \
+    X(ReadLinkAt, Errno, ssize_t, (int inFolder, const char* inName, char* outTarget, std::size_t inSize),             \
+      (inFolder, inName, outTarget, inSize), sNoSize)                                                                  \
+    X(SymLinkAt, Errno, int, (const char* inTarget, int inFolder, const char* inName), (inTarget, inFolder, inName),   \
+      sNoSize)                                                                                                         \
     X(FAdvise, Number, int, (int inFile, off_t inPosition, off_t inSize, int inAdvice),                                \
       (inFile, inPosition, inSize, inAdvice), sNoSize)                                                                 \
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \

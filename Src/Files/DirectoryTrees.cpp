@@ -1,0 +1,58 @@
+// Whole trees, by the shell's file operation.
+#include <ORLDirectory.h>
+
+#include <Platform/Directory.h>
+
+#include <ORLDebug.h>
+#include <ORLPathUtils.h>
+
+namespace ORL {
+
+namespace {
+
+using namespace Directories::Platform;
+
+constexpr const char* kFunction = "ORL::`anonymous-namespace'::FileOperation";
+constexpr const char* kMessage = "UNC paths are not supported by SHFileOperation!";
+
+// The shell takes plain paths alone. What the directory holds is operated on, not the directory.
+Result FileOperation(const UTF16String& inSource, const UTF16String& inDestination, ShellFunction inFunction)
+{
+    if (PathUtils::IsNormalizedPath(inSource)) {
+        ORL_ASSERT_MESSAGE_AT(false, "false", kMessage, "WinDirectory", __LINE__, kFunction);
+        return kPathNotFound;
+    }
+    // It broke a contract above. The pattern alone would mean the current folder.
+    if (inSource.empty()) {
+        return kPathNotFound;
+    }
+    const UTF16String from = PathUtils::AddTrailingSlash(inSource) + TVX_UTF16("*.*");
+    if (inFunction == ShellFunction::kDelete) {
+        return OperateOnFiles_Impl(inFunction, from, nullptr) == 0 ? kSuccess : kGeneralFailure;
+    }
+    if (PathUtils::IsNormalizedPath(inDestination)) {
+        ORL_ASSERT_MESSAGE_AT(false, "false", kMessage, "WinDirectory", __LINE__, kFunction);
+        return kPathNotFound;
+    }
+    return OperateOnFiles_Impl(inFunction, from, &inDestination) == 0 ? kSuccess : kGeneralFailure;
+}
+
+} // namespace
+
+Result Directory::DeleteNotEmpty(const UTF16String& inPath)
+{
+    const Result result = FileOperation(inPath, UTF16String(), ShellFunction::kDelete);
+    return ResultSucceeded(result) ? Delete(inPath) : result;
+}
+
+Result Directory::Copy(const UTF16String& inSource, const UTF16String& inDestination)
+{
+    return FileOperation(inSource, inDestination, ShellFunction::kCopy);
+}
+
+Result Directory::Move(const UTF16String& inSource, const UTF16String& inDestination)
+{
+    return FileOperation(inSource, inDestination, ShellFunction::kMove);
+}
+
+} // namespace ORL

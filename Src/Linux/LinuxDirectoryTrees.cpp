@@ -1,0 +1,146 @@
+// The shell's file operation on what a folder holds.
+#include <Platform/Directory.h>
+
+#include "LinuxErrors.h"
+#include "LinuxHostPath.h"
+#include "LinuxTree.h"
+
+#include <Platform/Paths.h>
+#include <cerrno>
+#include <memory>
+#include <utility>
+
+namespace ORL {
+namespace Directories {
+namespace Platform {
+
+namespace {
+
+using namespace ORL::Linux;
+using namespace SystemErrors;
+
+int OpenFolderAt(int inFolder, const char* inPath)
+{
+    return System().mOpenAt(inFolder, inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0);
+}
+
+bool GetIdentity(int inFolder, struct stat& outStatus)
+{
+    return System().mFStat(inFolder, &outStatus) == 0;
+}
+
+bool IsSame(const struct stat& inOne, const struct stat& inOther)
+{
+    return inOne.st_dev == inOther.st_dev && inOne.st_ino == inOther.st_ino;
+}
+
+// Whether inFolder is inTop or below it: up from folder to folder, to the one that is its own parent. What cannot be
+// followed counts as inside, so that nothing is copied into itself.
+bool IsInside(int inFolder, int inTop)
+{
+    struct stat top;
+    struct stat current;
+    std::unique_ptr<Descriptor> folder;
+    bool isKnown = GetIdentity(inTop, top) && GetIdentity(inFolder, current);
+    while (isKnown && !IsSame(current, top)) {
+        auto parent = std::make_unique<Descriptor>(OpenFolderAt(folder ? folder->Get() : inFolder, ".."));
+        struct stat above;
+        isKnown = *parent && GetIdentity(parent->Get(), above);
+        if (isKnown && IsSame(above, current)) {
+            return false;
+        }
+        current = above;
+        folder = std::move(parent);
+    }
+    return true;
+}
+
+// The folder at a path, or the nearest one above it that is there.
+int OpenNearest(std::string inPath)
+{
+    for (;;) {
+        const int folder = OpenFolderAt(AT_FDCWD, inPath.c_str());
+        const std::size_t nameEnd = inPath.find_last_not_of('/');
+        if (folder >= 0 || errno != ENOENT || nameEnd == std::string::npos) {
+            return folder;
+        }
+        inPath.resize(inPath.find_last_of('/', nameEnd) + 1);
+    }
+}
+
+// What is to be wiped must be a folder itself: through a link, another tree would go and the link stay.
+SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, std::unique_ptr<Descriptor>& outSource)
+{
+    HostPath path;
+    const SystemError error = ResolveHostPath(inFrom, path);
+    if (error != kNoError) {
+        return error;
+    }
+    if (inFunction == ShellFunction::kDelete && path.mHasTrailingSeparator) {
+        path.mPath.pop_back();
+        outSource = std::make_unique<Descriptor>(OpenSubfolder(AT_FDCWD, path.mPath.c_str()));
+    } else {
+        outSource = std::make_unique<Descriptor>(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+    }
+    return *outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
+}
+
+// The destination is made where missing, but not inside the source.
+SystemError OpenDestination(const UTF16String& inTo, int inSource, std::unique_ptr<Descriptor>& outDestination)
+{
+    HostPath path;
+    const SystemError error = ResolveHostPath(inTo, path);
+    if (error != kNoError) {
+        return error;
+    }
+    const Descriptor nearest(OpenNearest(path.mPath));
+    if (!nearest) {
+        return SystemErrorFromErrno(errno, path.mPath);
+    }
+    if (IsInside(nearest.Get(), inSource)) {
+        return kErrorInvalidParameter;
+    }
+    PathUtils::Platform::PreparePathForWrite_Impl(inTo);
+    outDestination = std::make_unique<Descriptor>(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+    return *outDestination ? kNoError : SystemErrorFromErrno(errno, path.mPath);
+}
+
+// A pattern that nothing fits is a failure of its own.
+SystemError CheckNotEmpty(int inFolder)
+{
+    std::vector<TreeEntry> entries;
+    const int failure = ListFolder(inFolder, entries);
+    return failure != 0 ? SystemErrorFromErrno(failure) : entries.empty() ? kErrorFileNotFound : kNoError;
+}
+
+SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& inTo)
+{
+    SystemError error = CheckNotEmpty(inSource);
+    std::unique_ptr<Descriptor> destination;
+    if (error == kNoError) {
+        error = OpenDestination(inTo, inSource, destination);
+    }
+    if (error != kNoError) {
+        return error;
+    }
+    return SystemErrorFromErrno(inFunction == ShellFunction::kCopy ? CopyContents(inSource, destination->Get())
+                                                                   : MoveContents(inSource, destination->Get()));
+}
+
+} // namespace
+
+unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
+{
+    // "*.*" fits every name.
+    std::unique_ptr<Descriptor> source;
+    const SystemError error = OpenSource(inFunction, UTF16String(inFrom, 0, inFrom.rfind('\\') + 1), source);
+    if (error != kNoError) {
+        return error;
+    }
+    return inFunction == ShellFunction::kDelete ? SystemErrorFromErrno(WipeContents(source->Get()))
+                                                : Transfer(inFunction, source->Get(), *inTo);
+}
+
+} // namespace Platform
+} // namespace Directories
+} // namespace ORL

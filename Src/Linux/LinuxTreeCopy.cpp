@@ -1,0 +1,212 @@
+#include "LinuxTree.h"
+
+#include <atomic>
+#include <cerrno>
+#include <unistd.h>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+constexpr std::size_t kStep = std::size_t{64} << 20; // of the kernel's own copy
+constexpr mode_t kPermissions = 0777;
+
+// A name beside the target that nobody else has; it is hidden.
+std::string TemporaryName()
+{
+    static std::atomic<unsigned> sCount{0};
+    return ".orl-copy-" + std::to_string(::getpid()) + "-" + std::to_string(sCount.fetch_add(1));
+}
+
+// Between volumes and where the file system has no copy of its own.
+int CopyByHand(int inFrom, int inTo, off_t inPosition)
+{
+    std::vector<char> buffer(std::size_t{1} << 20);
+    for (;;) {
+        const ssize_t size = System().mPRead(inFrom, buffer.data(), buffer.size(), inPosition);
+        if (size <= 0) {
+            return size == 0 ? 0 : errno;
+        }
+        for (ssize_t at = 0; at < size;) {
+            const ssize_t written =
+                System().mPWrite(inTo, buffer.data() + at, static_cast<std::size_t>(size - at), inPosition);
+            if (written < 0) {
+                return errno;
+            }
+            at += written;
+            inPosition += written;
+        }
+    }
+}
+
+bool IsRefusal(int inErrno)
+{
+    return inErrno == EXDEV || inErrno == EINVAL || inErrno == ENOSYS || inErrno == EOPNOTSUPP || inErrno == EPERM;
+}
+
+int CopyBytes(int inFrom, int inTo)
+{
+    off_t position = 0;
+    off_t target = 0;
+    for (;;) {
+        const ssize_t copied = System().mCopyRange(inFrom, &position, inTo, &target, kStep);
+        if (copied > 0) {
+            continue;
+        }
+        // Some files of the kernel's own seem empty to its copy.
+        if (copied == 0 ? position == 0 : IsRefusal(errno)) {
+            return CopyByHand(inFrom, inTo, position);
+        }
+        return copied == 0 ? 0 : errno;
+    }
+}
+
+int KeepTimes(int inTo, const struct stat& inStatus)
+{
+    const struct timespec times[] = {inStatus.st_atim, inStatus.st_mtim};
+    return System().mFUTimens(inTo, times) == 0 ? 0 : errno;
+}
+
+/// An entry that has a name of its own until it is whole.
+class NewEntry
+{
+public:
+    explicit NewEntry(int inFolder) : mFolder(inFolder), mName(TemporaryName()) {}
+    ~NewEntry()
+    {
+        if (mIsThere) {
+            System().mUnlinkAt(mFolder, mName.c_str(), 0);
+        }
+    }
+    NewEntry(const NewEntry&) = delete;
+    NewEntry& operator=(const NewEntry&) = delete;
+
+    int MakeFile(mode_t inMode)
+    {
+        const int file = System().mOpenAt(mFolder, mName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, inMode);
+        mIsThere = file >= 0;
+        return file;
+    }
+
+    int MakeLink(const char* inTarget)
+    {
+        mIsThere = System().mSymLinkAt(inTarget, mFolder, mName.c_str()) == 0;
+        return mIsThere ? 0 : errno;
+    }
+
+    int GiveName(const char* inName)
+    {
+        if (System().mRenameAt(mFolder, mName.c_str(), mFolder, inName, 0) != 0) {
+            return errno;
+        }
+        mIsThere = false;
+        return 0;
+    }
+
+private:
+    const int mFolder;
+    const std::string mName;
+    bool mIsThere = false;
+};
+
+int CopyFileEntry(int inFrom, const char* inName, int inTo)
+{
+    const Descriptor from(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0));
+    struct stat status;
+    if (!from || System().mFStat(from.Get(), &status) != 0) {
+        return errno;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return ENOTSUP;
+    }
+    NewEntry entry(inTo);
+    const Descriptor to(entry.MakeFile(status.st_mode & kPermissions));
+    if (!to) {
+        return errno;
+    }
+    int failure = CopyBytes(from.Get(), to.Get());
+    failure = failure == 0 ? KeepTimes(to.Get(), status) : failure;
+    return failure == 0 ? entry.GiveName(inName) : failure;
+}
+
+int CopyLinkEntry(int inFrom, const char* inName, int inTo)
+{
+    char target[4096];
+    const ssize_t size = System().mReadLinkAt(inFrom, inName, target, sizeof(target));
+    if (size < 0 || static_cast<std::size_t>(size) == sizeof(target)) {
+        return size < 0 ? errno : ENAMETOOLONG;
+    }
+    NewEntry entry(inTo);
+    const int failure = entry.MakeLink(std::string(target, static_cast<std::size_t>(size)).c_str());
+    return failure == 0 ? entry.GiveName(inName) : failure;
+}
+
+// A folder that is there already is joined and keeps its permissions.
+int CopyFolderEntry(int inFrom, const char* inName, int inTo)
+{
+    const Descriptor from(OpenSubfolder(inFrom, inName));
+    struct stat status;
+    if (!from || System().mFStat(from.Get(), &status) != 0) {
+        return errno;
+    }
+    // Open for us until all is in it.
+    const bool isNew = System().mMakeDirAt(inTo, inName, (status.st_mode & kPermissions) | S_IRWXU) == 0;
+    if (!isNew && errno != EEXIST) {
+        return errno;
+    }
+    const Descriptor to(OpenSubfolder(inTo, inName));
+    if (!to) {
+        return errno;
+    }
+    const int failure = CopyContents(from.Get(), to.Get());
+    const bool isTooOpen = isNew && (status.st_mode & S_IRWXU) != S_IRWXU;
+    if (failure == 0 && isTooOpen && System().mFChMod(to.Get(), status.st_mode & kPermissions) != 0) {
+        return errno;
+    }
+    return failure;
+}
+
+// What the listing does not tell is asked, of the entry itself.
+unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
+{
+    if (inEntry.mType != DT_UNKNOWN) {
+        return inEntry.mType;
+    }
+    struct statx status;
+    if (System().mStatx(inFolder, inEntry.mName.c_str(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) != 0) {
+        return DT_UNKNOWN;
+    }
+    return S_ISDIR(status.stx_mode) ? DT_DIR : S_ISLNK(status.stx_mode) ? DT_LNK : DT_REG;
+}
+
+} // namespace
+
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo)
+{
+    const char* const name = inEntry.mName.c_str();
+    switch (TypeOf(inFrom, inEntry)) {
+    case DT_DIR:
+        return CopyFolderEntry(inFrom, name, inTo);
+    case DT_LNK:
+        return CopyLinkEntry(inFrom, name, inTo);
+    case DT_REG:
+    case DT_UNKNOWN:
+        return CopyFileEntry(inFrom, name, inTo);
+    default:
+        return ENOTSUP;
+    }
+}
+
+int CopyContents(int inFrom, int inTo)
+{
+    std::vector<TreeEntry> entries;
+    int failure = ListFolder(inFrom, entries);
+    for (std::size_t i = 0; failure == 0 && i < entries.size(); ++i) {
+        failure = CopyEntry(inFrom, entries[i], inTo);
+    }
+    return failure;
+}
+
+} // namespace Linux
+} // namespace ORL

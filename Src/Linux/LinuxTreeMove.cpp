@@ -1,0 +1,82 @@
+#include "LinuxTree.h"
+
+#include <cerrno>
+#include <cstdio>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+bool GetStatus(int inFolder, const char* inName, struct statx& outStatus)
+{
+    return System().mStatx(inFolder, inName, AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO, &outStatus) == 0;
+}
+
+bool IsSame(const struct statx& inOne, const struct statx& inOther)
+{
+    return inOne.stx_ino == inOther.stx_ino && inOne.stx_dev_major == inOther.stx_dev_major
+           && inOne.stx_dev_minor == inOther.stx_dev_minor;
+}
+
+int JoinFolders(int inFrom, const char* inName, int inTo)
+{
+    {
+        const Descriptor from(OpenSubfolder(inFrom, inName));
+        if (!from) {
+            return errno;
+        }
+        const Descriptor to(OpenSubfolder(inTo, inName));
+        const int failure = to ? MoveContents(from.Get(), to.Get()) : errno;
+        if (failure != 0) {
+            return failure;
+        }
+    }
+    return System().mUnlinkAt(inFrom, inName, AT_REMOVEDIR) == 0 ? 0 : errno;
+}
+
+// The name is taken, or the file system cannot tell.
+int MoveOver(int inFrom, const char* inName, int inTo)
+{
+    struct statx from;
+    struct statx to;
+    if (GetStatus(inFrom, inName, from) && GetStatus(inTo, inName, to)) {
+        if (S_ISDIR(from.stx_mode) && S_ISDIR(to.stx_mode)) {
+            return JoinFolders(inFrom, inName, inTo);
+        }
+        // To rename one name of a file to another name of it does nothing.
+        if (IsSame(from, to)) {
+            return System().mUnlinkAt(inFrom, inName, 0) == 0 ? 0 : errno;
+        }
+    }
+    return System().mRenameAt(inFrom, inName, inTo, inName, 0) == 0 ? 0 : errno;
+}
+
+int MoveEntry(int inFrom, const TreeEntry& inEntry, int inTo)
+{
+    const char* const name = inEntry.mName.c_str();
+    int failure = System().mRenameAt(inFrom, name, inTo, name, RENAME_NOREPLACE) == 0 ? 0 : errno;
+    if (failure == EEXIST || failure == EINVAL || failure == ENOSYS) {
+        failure = MoveOver(inFrom, name, inTo);
+    }
+    if (failure == EXDEV) {
+        failure = CopyEntry(inFrom, inEntry, inTo);
+        failure = failure == 0 ? WipeEntry(inFrom, inEntry) : failure;
+    }
+    return failure;
+}
+
+} // namespace
+
+int MoveContents(int inFrom, int inTo)
+{
+    std::vector<TreeEntry> entries;
+    int failure = ListFolder(inFrom, entries);
+    for (std::size_t i = 0; failure == 0 && i < entries.size(); ++i) {
+        failure = MoveEntry(inFrom, entries[i], inTo);
+    }
+    return failure;
+}
+
+} // namespace Linux
+} // namespace ORL

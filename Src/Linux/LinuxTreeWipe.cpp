@@ -1,0 +1,73 @@
+#include "LinuxTree.h"
+
+#include <cerrno>
+
+namespace ORL {
+namespace Linux {
+
+Descriptor::~Descriptor()
+{
+    if (mFile >= 0) {
+        System().mClose(mFile);
+    }
+}
+
+int OpenSubfolder(int inFolder, const char* inName)
+{
+    return System().mOpenAt(inFolder, inName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
+}
+
+int ListFolder(int inFolder, std::vector<TreeEntry>& outEntries)
+{
+    // A list of its own, from the beginning: the folder's place in its list is the folder's.
+    OpenFolder folder(System().mOpenAt(inFolder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+    if (!folder.IsOpen()) {
+        return errno;
+    }
+    while (const dirent64* entry = folder.Next()) {
+        outEntries.push_back(TreeEntry{entry->d_name, entry->d_type});
+    }
+    return folder.Failure();
+}
+
+namespace {
+
+int WipeFolder(int inFolder, const char* inName)
+{
+    {
+        const Descriptor folder(OpenSubfolder(inFolder, inName));
+        const int failure = folder ? WipeContents(folder.Get()) : errno;
+        if (failure != 0) {
+            return failure;
+        }
+    }
+    return System().mUnlinkAt(inFolder, inName, AT_REMOVEDIR) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+// The listing may be wrong by now, so the system has the last word on what is a folder.
+int WipeEntry(int inFolder, const TreeEntry& inEntry)
+{
+    int failure = EISDIR;
+    if (inEntry.mType != DT_DIR) {
+        failure = System().mUnlinkAt(inFolder, inEntry.mName.c_str(), 0) == 0 ? 0 : errno;
+    }
+    if (failure == EISDIR) {
+        failure = WipeFolder(inFolder, inEntry.mName.c_str());
+    }
+    return failure == ENOENT ? 0 : failure;
+}
+
+int WipeContents(int inFolder)
+{
+    std::vector<TreeEntry> entries;
+    int failure = ListFolder(inFolder, entries);
+    for (std::size_t i = 0; failure == 0 && i < entries.size(); ++i) {
+        failure = WipeEntry(inFolder, entries[i]);
+    }
+    return failure;
+}
+
+} // namespace Linux
+} // namespace ORL

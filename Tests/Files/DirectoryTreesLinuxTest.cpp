@@ -1,0 +1,385 @@
+// Trees as only Linux has them: links that must not lead out, volumes, permissions, and a system that fails.
+#include <ORLDirectory.h>
+
+#include <FaultySystemCallsLinux.h>
+#include <TempFolder.h>
+#include <TextHelpers.h>
+#include <UnprivilegedLinux.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace ORL;
+using ORLTest::FaultySystemCalls;
+using ORLTest::RunUnprivileged;
+using ORLTest::TempFolder;
+using ORLTest::Units;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// By name: the contents, "/" for a folder, "-> target" for a link.
+using Tree = std::map<std::string, std::string>;
+
+Tree Read(const fs::path& inFolder)
+{
+    Tree tree;
+    for (const auto& entry : fs::recursive_directory_iterator(inFolder)) {
+        std::string what = "/";
+        if (entry.is_symlink()) {
+            what = "-> " + fs::read_symlink(entry.path()).string();
+        } else if (!entry.is_directory()) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            what.assign(std::istreambuf_iterator<char>(file), {});
+        }
+        tree[entry.path().lexically_relative(inFolder).string()] = what;
+    }
+    return tree;
+}
+
+class DirectoryTreesOnLinux : public testing::Test
+{
+protected:
+    void MakeTree()
+    {
+        mFolder.MakeFolder("from/sub");
+        mFolder.MakeFile("from/a", "A");
+        mFolder.MakeFile("from/sub/b", "B");
+        fs::create_symlink("a", mFolder.Host() / "from/link");
+        mOutside.MakeFile("precious", "P");
+        mOutside.MakeFolder("folder");
+        fs::create_directory_symlink(mOutside.Host(), mFolder.Host() / "from/out");
+        fs::create_directory_symlink("..", mFolder.Host() / "from/sub/up");
+        mTree = Read(Host("from"));
+        mOutsideTree = Read(mOutside.Host());
+    }
+
+    fs::path Host(const std::string& inName) const { return mFolder.Host() / inName; }
+    UTF16String From() const { return mFolder.Path(u"from"); }
+    UTF16String To() const { return mFolder.Path(u"to"); }
+    void ExpectNothingOutsideChanged() const { EXPECT_EQ(mOutsideTree, Read(mOutside.Host())); }
+
+    TempFolder mFolder;
+    TempFolder mOutside;
+    Tree mTree;
+    Tree mOutsideTree;
+};
+
+} // namespace
+
+TEST_F(DirectoryTreesOnLinux, Wipe_NeverFollowsALink)
+{
+    MakeTree();
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
+    EXPECT_FALSE(fs::exists(Host("from")));
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Wipe_OfALinkToATree_IsRefused)
+{
+    MakeTree();
+    EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(mFolder.Path(u"from\\out")));
+    EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(mFolder.Path(u"from\\out\\")));
+    EXPECT_EQ(mTree, Read(Host("from")));
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Copy_TakesLinksAsLinks)
+{
+    MakeTree();
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ(mTree, Read(Host("to")));
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Copy_NeverWritesThroughALinkOfTheDestination)
+{
+    MakeTree();
+    mFolder.MakeFolder("to");
+    fs::create_directory_symlink(mOutside.Host(), Host("to/sub"));
+    fs::create_symlink(mOutside.Host() / "precious", Host("to/a"));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To())) << "a link stands where a folder should go";
+    ExpectNothingOutsideChanged();
+    fs::remove(Host("to/sub"));
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ(mTree, Read(Host("to"))) << "the link that was a has made way for the file";
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Move_TakesLinksAsLinks)
+{
+    MakeTree();
+    mFolder.MakeFolder("to/sub");
+    EXPECT_EQ(kSuccess, Directory::Move(From(), To()));
+    EXPECT_EQ(mTree, Read(Host("to")));
+    EXPECT_TRUE(fs::is_empty(Host("from")));
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Move_ToAnotherVolume_CopiesAndWipes)
+{
+    MakeTree();
+    if (::access("/dev/shm", W_OK) != 0) {
+        GTEST_SKIP() << "there is no second volume here";
+    }
+    const TempFolder other("/dev/shm");
+    EXPECT_EQ(kSuccess, Directory::Move(From(), other.Path()));
+    EXPECT_EQ(mTree, Read(other.Host()));
+    EXPECT_TRUE(fs::is_empty(Host("from")));
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Move_OntoAnotherNameOfTheSameFile_LeavesOneName)
+{
+    mFolder.MakeFolder("from");
+    mFolder.MakeFolder("to");
+    mFolder.MakeFile("from/a", "A");
+    fs::create_hard_link(Host("from/a"), Host("to/a"));
+    EXPECT_EQ(kSuccess, Directory::Move(From(), To()));
+    EXPECT_EQ((Tree{{"a", "A"}}), Read(Host("to")));
+    EXPECT_TRUE(fs::is_empty(Host("from")));
+}
+
+TEST_F(DirectoryTreesOnLinux, Copy_IntoItselfOrBelow_IsRefused)
+{
+    MakeTree();
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), From()));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), mFolder.Path(u"from\\sub")));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), mFolder.Path(u"from\\new\\deep")));
+    EXPECT_EQ(kGeneralFailure, Directory::Move(From(), mFolder.Path(u"from\\sub\\up\\sub")));
+    EXPECT_EQ(mTree, Read(Host("from")));
+}
+
+TEST_F(DirectoryTreesOnLinux, NothingToCopyOrMove_IsAGeneralFailure)
+{
+    mFolder.MakeFolder("from");
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To()));
+    EXPECT_EQ(kGeneralFailure, Directory::Move(From(), To()));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(mFolder.Path(u"missing"), To()));
+    EXPECT_EQ(kGeneralFailure, Directory::Move(mFolder.Path(u"missing"), To()));
+    EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(mFolder.Path(u"missing")));
+    EXPECT_FALSE(fs::exists(Host("to")));
+}
+
+TEST_F(DirectoryTreesOnLinux, Copy_KeepsPermissionsAndReplacesReadOnlyFiles)
+{
+    mFolder.MakeFolder("from/closed");
+    mFolder.MakeFolder("to");
+    mFolder.MakeFile("from/a", "new");
+    mFolder.MakeFile("from/closed/f", "F");
+    mFolder.MakeFile("to/a", "old");
+    ::chmod(Host("from/a").c_str(), 0440);
+    ::chmod(Host("to/a").c_str(), 0440);
+    ::chmod(Host("from/closed").c_str(), 0500);
+    RunUnprivileged(mFolder.Host(), [this] {
+        return Directory::Copy(From(), To()) == kSuccess && Read(Host("to"))["a"] == "new";
+    });
+    struct stat status;
+    ASSERT_EQ(0, ::stat(Host("to/a").c_str(), &status));
+    EXPECT_EQ(0440u, status.st_mode & 0777);
+    ASSERT_EQ(0, ::stat(Host("to/closed").c_str(), &status));
+    EXPECT_EQ(0500u, status.st_mode & 0777);
+    EXPECT_EQ("F", Read(Host("to"))["closed/f"]);
+}
+
+TEST_F(DirectoryTreesOnLinux, FoldersWithoutPermission_StayAndFail)
+{
+    mFolder.MakeFolder("from/closed");
+    mFolder.MakeFile("from/closed/f", "F");
+    RunUnprivileged(mFolder.Host(), [this] {
+        ::chmod(Host("from/closed").c_str(), 0);
+        const bool refused = Directory::DeleteNotEmpty(From()) == kGeneralFailure
+                             && Directory::Copy(From(), To()) == kGeneralFailure;
+        ::chmod(Host("from/closed").c_str(), 0500);
+        const bool refusedToo = Directory::DeleteNotEmpty(From()) == kGeneralFailure;
+        ::chmod(Host("from/closed").c_str(), 0700);
+        return refused && refusedToo && Read(Host("from"))["closed/f"] == "F";
+    });
+}
+
+TEST_F(DirectoryTreesOnLinux, APipe_IsNotCopiedButWiped)
+{
+    mFolder.MakeFolder("from");
+    ASSERT_EQ(0, ::mkfifo(Host("from/pipe").c_str(), 0600));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To()));
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
+}
+
+TEST_F(DirectoryTreesOnLinux, NamesWithEveryByteAndDepth200_AreCopiedMovedAndWiped)
+{
+    mFolder.MakeFolder("from");
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/') {
+            std::ofstream(Host("from").string() + "/n" + static_cast<char>(byte)) << "x";
+        }
+    }
+    std::string deep = "from";
+    for (int depth = 0; depth < 200; ++depth) {
+        deep += "/d";
+    }
+    mFolder.MakeFolder(deep);
+    mFolder.MakeFile(deep + "/f", "F");
+    const Tree tree = Read(Host("from"));
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ(tree, Read(Host("to")));
+    EXPECT_EQ(kSuccess, Directory::Move(From(), mFolder.Path(u"moved")));
+    EXPECT_EQ(tree, Read(Host("moved")));
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(mFolder.Path(u"moved")));
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(To()));
+    EXPECT_EQ(1u, Read(mFolder.Host()).size()) << "the empty source is left";
+}
+
+// In the middle of a wipe somebody puts a link in the place of a folder that the listing has shown.
+TEST_F(DirectoryTreesOnLinux, Wipe_ALinkThatTakesAFoldersPlace_IsNotFollowed)
+{
+    MakeTree();
+    {
+        FaultySystemCalls calls;
+        // the folder itself, its listing, then the first folder in it
+        calls.Before(FaultySystemCalls::kOpenAt, 3, [this] {
+            fs::rename(Host("from/sub"), Host("aside"));
+            fs::create_directory_symlink(mOutside.Host(), Host("from/sub"));
+        });
+        Directory::DeleteNotEmpty(From());
+        EXPECT_LE(3u, calls.Count(FaultySystemCalls::kOpenAt));
+    }
+    ExpectNothingOutsideChanged();
+    EXPECT_TRUE(fs::exists(Host("aside/b")));
+}
+
+namespace {
+
+constexpr FaultySystemCalls::Call kCallsOfTrees[] = {
+    FaultySystemCalls::kOpenAt,    FaultySystemCalls::kGetDents, FaultySystemCalls::kFStat,
+    FaultySystemCalls::kPRead,     FaultySystemCalls::kPWrite,   FaultySystemCalls::kCopyRange,
+    FaultySystemCalls::kFUTimens,  FaultySystemCalls::kFChMod,   FaultySystemCalls::kMakeDirAt,
+    FaultySystemCalls::kReadLinkAt, FaultySystemCalls::kSymLinkAt, FaultySystemCalls::kRenameAt,
+    FaultySystemCalls::kUnlinkAt,  FaultySystemCalls::kRemoveDir,
+};
+
+// Runs inWork with each call failing at each index, and inCheck(result) behind it.
+template <class Prepare, class Work, class Check>
+void FailEachCall(const Prepare& inPrepare, const Work& inWork, const Check& inCheck)
+{
+    for (const FaultySystemCalls::Call call : kCallsOfTrees) {
+        for (const int error : {EIO, ENOSPC, EACCES, EMFILE}) {
+            for (unsigned number = 1;; ++number) {
+                SCOPED_TRACE("call " + std::to_string(call) + ", number " + std::to_string(number));
+                inPrepare();
+                unsigned made = 0;
+                Result result = kSuccess;
+                {
+                    FaultySystemCalls calls;
+                    calls.Fail(call, number, error);
+                    result = inWork();
+                    made = calls.Count(call);
+                }
+                inCheck(result, made >= number);
+                if (made < number || testing::Test::HasFailure()) {
+                    break;
+                }
+            }
+        }
+    }
+}
+
+unsigned OpenDescriptors()
+{
+    return static_cast<unsigned>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()));
+}
+
+} // namespace
+
+TEST_F(DirectoryTreesOnLinux, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheSourceWhole)
+{
+    MakeTree();
+    const unsigned descriptors = OpenDescriptors();
+    FailEachCall([this] { fs::remove_all(Host("to")); }, [this] { return Directory::Copy(From(), To()); },
+                 [this](Result inResult, bool) {
+                     EXPECT_EQ(mTree, Read(Host("from")));
+                     if (!fs::exists(Host("to"))) {
+                         EXPECT_EQ(kGeneralFailure, inResult);
+                         return;
+                     }
+                     for (const auto& [name, contents] : Read(Host("to"))) {
+                         // What could not be cleared away has a name of its own.
+                         if (name.find(".orl-copy-") == std::string::npos) {
+                             EXPECT_EQ(mTree[name], contents) << name;
+                         }
+                     }
+                     if (inResult == kSuccess) {
+                         EXPECT_EQ(mTree, Read(Host("to")));
+                     } else {
+                         EXPECT_EQ(kGeneralFailure, inResult);
+                     }
+                 });
+    EXPECT_EQ(descriptors, OpenDescriptors());
+    ExpectNothingOutsideChanged();
+}
+
+TEST_F(DirectoryTreesOnLinux, Move_EachCallFailsOnce_LosesNothing)
+{
+    MakeTree();
+    const fs::path keep = mOutside.Host() / "tree";
+    fs::copy(Host("from"), keep, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    const unsigned descriptors = OpenDescriptors();
+    FailEachCall(
+        [&] {
+            fs::remove_all(Host("from"));
+            fs::remove_all(Host("to"));
+            fs::copy(keep, Host("from"), fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+            mFolder.MakeFolder("to/sub");
+        },
+        [this] { return Directory::Move(From(), To()); },
+        [this](Result inResult, bool) {
+            Tree both = Read(Host("from"));
+            both.merge(Read(Host("to")));
+            EXPECT_EQ(mTree, both);
+            EXPECT_EQ(inResult == kSuccess, fs::is_empty(Host("from")));
+        });
+    EXPECT_EQ(descriptors, OpenDescriptors());
+}
+
+TEST_F(DirectoryTreesOnLinux, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirectory)
+{
+    MakeTree();
+    const fs::path keep = mFolder.Host() / "keep";
+    fs::copy(Host("from"), keep, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    const unsigned descriptors = OpenDescriptors();
+    FailEachCall(
+        [&] {
+            fs::remove_all(Host("from"));
+            fs::copy(keep, Host("from"), fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        },
+        [this] { return Directory::DeleteNotEmpty(From()); },
+        [this](Result inResult, bool inFailed) {
+            EXPECT_EQ(inResult == kSuccess, !fs::exists(Host("from")));
+            EXPECT_EQ(inFailed, inResult != kSuccess);
+        });
+    EXPECT_EQ(descriptors, OpenDescriptors());
+    ExpectNothingOutsideChanged();
+}
+
+// The kernel refuses its own copy, and writes come short.
+TEST_F(DirectoryTreesOnLinux, Copy_ByHand_GivesTheSameTree)
+{
+    MakeTree();
+    mFolder.MakeFile("from/long", std::string(3000000, 'l'));
+    const Tree tree = Read(Host("from"));
+    {
+        FaultySystemCalls calls;
+        calls.Fail(FaultySystemCalls::kCopyRange, 1, EXDEV, FaultySystemCalls::kForEver);
+        calls.Shorten(FaultySystemCalls::kPWrite, 2, 1000);
+        calls.Shorten(FaultySystemCalls::kPRead, 3, 70000);
+        EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    }
+    EXPECT_EQ(tree, Read(Host("to")));
+}
