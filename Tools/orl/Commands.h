@@ -11,6 +11,9 @@ void AddInfo(CLI::App& ioProgram);
 /// orl stream FILE...: reads files past the cache, many reads in flight, and shows rates, latencies and checksums.
 void AddStream(CLI::App& ioProgram);
 
+/// orl ingest SOURCE DEST: copies a tree, reads each file back past the cache, compares, and keeps a manifest.
+void AddIngest(CLI::App& ioProgram);
+
 /// orl make-clip PATH: writes a clip to try things on.
 void AddMakeClip(CLI::App& ioProgram);
 

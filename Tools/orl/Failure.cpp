@@ -1,16 +1,15 @@
 #include "Failure.h"
 
-#include <algorithm>
+#include "Text.h"
+
 #include <iostream>
 
 namespace orl {
 
 void Complain(const std::string& inText)
 {
-    std::string line = inText;
-    std::replace(line.begin(), line.end(), '\n', ' ');
     std::cout.flush();
-    std::cerr << "orl: " << line << std::endl;
+    std::cerr << "orl: " << OnOneLine(inText) << std::endl;
 }
 
 std::string Describe(ORL::Result inResult)

@@ -12,12 +12,29 @@ inline constexpr int kExitSuccess = 0;
 inline constexpr int kExitFailure = 1; // the work could not be done
 inline constexpr int kExitUsage = 2;   // the command line makes no sense
 
-/// Thrown by a command. The program prints "orl: " and the text on standard error, on one line, and ends with
-/// kExitFailure. The text says who, doing what, with which value, and why.
+// Exit codes of ingest: what went wrong first.
+inline constexpr int kExitNoRoom = 3;     // the destination is full, or would be
+inline constexpr int kExitUnreadable = 4; // a file or folder of the source cannot be read
+inline constexpr int kExitChanged = 5;    // a file changed while it was copied
+inline constexpr int kExitGone = 6;       // the source or the destination is not there any more
+inline constexpr int kExitNotTheSame = 7; // a copy reads back differently
+inline constexpr int kExitTaken = 8;      // another file has the name at the destination
+inline constexpr int kExitStopped = 130;  // stopped by the user, as shells have it
+
+/// Thrown by a command. The program prints "orl: " and the text on standard error, on one line, and ends with the exit
+/// code. The text says who, doing what, with which value, and why.
 class Failure : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    explicit Failure(const std::string& inText, int inExitCode = kExitFailure)
+        : std::runtime_error(inText), mExitCode(inExitCode)
+    {
+    }
+
+    int ExitCode() const noexcept { return mExitCode; }
+
+private:
+    int mExitCode;
 };
 
 /// Writes "orl: " and the text on standard error, as one line, behind what standard output has so far.

@@ -2,10 +2,9 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "StartedLibrary.h"
 #include "StreamFile.h"
 #include "Text.h"
-
-#include <ORLFoundation.h>
 
 #include <algorithm>
 #include <chrono>
@@ -34,13 +33,6 @@ struct Row
 {
     std::string mFile;
     StreamFigures mFigures;
-};
-
-// The library runs for as long as this lives.
-struct StartedLibrary
-{
-    StartedLibrary() { ORL::Foundation::Initialize(); }
-    ~StartedLibrary() { ORL::Foundation::Terminate(); }
 };
 
 volatile std::sig_atomic_t sIsInterrupted = 0;
@@ -107,13 +99,6 @@ std::string Milliseconds(double inSeconds)
 {
     char text[32];
     std::snprintf(text, sizeof(text), "%.2f ms", inSeconds * 1e3);
-    return text;
-}
-
-std::string Rounded(double inNumber)
-{
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f", inNumber);
     return text;
 }
 

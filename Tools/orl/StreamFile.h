@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Failure.h"
+#include "UnbufferedRead.h"
 
 namespace orl {
 
@@ -26,14 +27,6 @@ struct StreamFigures
     double mMedianLatency = 0;     // seconds from queuing a read to its callback
     double mPercentile99Latency = 0;
     std::uint32_t mCRC = 0; // CRC-32 of the contents, as zlib computes it
-};
-
-/// Thrown when the disk answers no more. A read that was started and is never reported ends the reads of the whole process:
-/// what is open stays open, and the process had better end without a stop of the library, which might wait for the disk.
-class NoAnswer : public Failure
-{
-public:
-    using Failure::Failure;
 };
 
 /// Thrown when the progress function stops the stream.

@@ -63,4 +63,61 @@ std::string JsonQuoted(const std::string& inText)
     return quoted += '"';
 }
 
+std::string HostTextOf(const UTF16String& inPath)
+{
+    std::string host;
+    return ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inPath, host)) ? host : ToUTF8(inPath);
+}
+
+std::string JoinHostPath(const std::string& inFolder, const std::string& inName)
+{
+    const char last = inFolder.empty() ? '/' : inFolder.back();
+    if (last == '/' || last == '\\') {
+        return inFolder + inName;
+    }
+    return inFolder + (inFolder.find('\\') != std::string::npos ? "\\" : "/") + inName;
+}
+
+std::string OnOneLine(const std::string& inText)
+{
+    std::string line = inText;
+    for (char& character : line) {
+        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) {
+            character = '?';
+        }
+    }
+    return line;
+}
+
+std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount)
+{
+    static const char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < inCount; ++i) {
+        text.append(1, kDigits[inBytes[i] >> 4]).append(1, kDigits[inBytes[i] & 15]);
+    }
+    return text;
+}
+
+std::string Rounded(double inNumber)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f", inNumber);
+    return text;
+}
+
+std::string InWords(std::uint64_t inBytes)
+{
+    static const char* const kUnits[] = {"kB", "MB", "GB", "TB"};
+    if (inBytes < 1000) {
+        return std::to_string(inBytes) + " B";
+    }
+    double size = static_cast<double>(inBytes) / 1000;
+    std::size_t unit = 0;
+    for (; size >= 999.95 && unit < 3; ++unit) {
+        size /= 1000;
+    }
+    return Rounded(size) + " " + kUnits[unit];
+}
+
 } // namespace orl

@@ -1,6 +1,8 @@
 // Between the text of the library and what a terminal takes, which is UTF-8 on both platforms.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <tvxcore/String.h>
 
@@ -16,5 +18,23 @@ UTF16String PathOfArgument(const std::string& inArgument);
 
 /// A text in JSON's quotes. Bytes that are no UTF-8 become U+FFFD, since JSON holds none.
 std::string JsonQuoted(const std::string& inText);
+
+/// What a library path is on this host; the library path itself where no drive leads there.
+std::string HostTextOf(const UTF16String& inPath);
+
+/// A name below a folder, in the way in which the folder is written.
+std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
+
+/// A text that stays on its line: "?" for each control character.
+std::string OnOneLine(const std::string& inText);
+
+/// Two digits a byte, in lower case.
+std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);
+
+/// One digit behind the point.
+std::string Rounded(double inNumber);
+
+/// A size in bytes, with the unit that suits: "1.2 GB". Units are powers of 1000.
+std::string InWords(std::uint64_t inBytes);
 
 } // namespace orl

@@ -13,6 +13,7 @@ namespace {
 void AddCommands(CLI::App& ioProgram)
 {
     orl::AddStream(ioProgram);
+    orl::AddIngest(ioProgram);
     orl::AddTimecode(ioProgram);
     orl::AddInfo(ioProgram);
     orl::AddMakeClip(ioProgram);
@@ -76,6 +77,8 @@ int main(int inCount, char** inArguments)
         return Run(orl::Arguments(inCount, inArguments));
     } catch (const orl::PartialFailure&) {
         return orl::kExitFailure;
+    } catch (const orl::Failure& failure) {
+        return Fail(failure.what(), failure.ExitCode());
     } catch (const std::exception& failure) {
         return Fail(failure.what(), orl::kExitFailure);
     }

@@ -1,0 +1,244 @@
+// An ingest from inside, where a test can step in between two steps of a file.
+#include <IngestTestSupport.h>
+
+#include <Failure.h>
+#include <IngestManifest.h>
+#include <IngestPlan.h>
+#include <IngestProgress.h>
+#include <IngestRun.h>
+#include <ORLFoundation.h>
+#include <Text.h>
+#include <WavHeader.h>
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace ORLTest;
+using orl::IngestItem;
+using orl::IngestManifest;
+using orl::IngestOutcome;
+using orl::IngestStep;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class IngestRun : public testing::Test
+{
+protected:
+    using OnStep = std::function<void(IngestStep, const IngestItem&)>;
+
+    IngestRun()
+    {
+        ORL::Foundation::Initialize();
+        mFolder.MakeFolder("card");
+        for (const char* name : {"a", "b", "c"}) {
+            mFolder.MakeFile(std::string("card/") + name, std::string(2500000, *name));
+        }
+        mCard = ReadTree(Card());
+    }
+    ~IngestRun() override { ORL::Foundation::Terminate(); }
+
+    fs::path Card() const { return mFolder.Host() / "card"; }
+    fs::path Disk() const { return mFolder.Host() / "disk"; }
+
+    /// One file at a time, in the order of names.
+    IngestOutcome Run(const OnStep& inOnStep, bool inReplaces = false)
+    {
+        const orl::IngestRoots roots = orl::MakeRoots(Card().u8string(), Disk().u8string());
+        fs::create_directories(Disk());
+        IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        manifest.Open();
+        mPlan = orl::MakePlan(roots, kManifest, manifest, inReplaces);
+        orl::CheckRoom(mPlan, roots);
+        orl::IngestWatcher watcher;
+        watcher.mIsStopped = [this] { return mIsStopped.load(); };
+        watcher.mShow = [](std::uint64_t, std::size_t) {};
+        watcher.mOnStep = inOnStep;
+        orl::IngestSettings settings;
+        settings.mFilesAtOnce = 1;
+        settings.mReplaces = inReplaces;
+        return orl::RunIngest(mPlan, roots, settings, manifest, watcher);
+    }
+
+    /// Whole and acknowledged are exactly these.
+    void ExpectInPlace(const std::string& inNames) const
+    {
+        FileTree expected;
+        for (const char name : inNames) {
+            expected[std::string(1, name)] = mCard.at(std::string(1, name));
+        }
+        ExpectIngested(expected, Disk());
+    }
+
+    void ExpectTrouble(const IngestOutcome& inOutcome, int inExitCode, const std::string& inText) const
+    {
+        ASSERT_EQ(1u, inOutcome.mTroubles.size());
+        EXPECT_EQ(inExitCode, inOutcome.mTroubles[0].mExitCode);
+        EXPECT_NE(std::string::npos, inOutcome.mTroubles[0].mText.find(inText)) << inOutcome.mTroubles[0].mText;
+    }
+
+    /// Does something once, when a step of that file is done.
+    static OnStep Once(IngestStep inStep, const std::string& inName, const std::function<void()>& inWork)
+    {
+        const auto isDone = std::make_shared<std::atomic<bool>>(false);
+        return [=](IngestStep inDone, const IngestItem& inItem) {
+            if (inDone == inStep && inItem.mName == inName && !isDone->exchange(true)) {
+                inWork();
+            }
+        };
+    }
+
+    TempFolder mFolder;
+    FileTree mCard;
+    std::atomic<bool> mIsStopped{false};
+    orl::IngestPlan mPlan;
+};
+
+} // namespace
+
+TEST_F(IngestRun, AFileThatGrowsWhileItIsCopied_IsNotKept)
+{
+    const IngestOutcome outcome = Run(Once(IngestStep::kBlockCopied, "b", [this] {
+        std::ofstream(Card() / "b", std::ios::binary | std::ios::app) << "more";
+    }));
+    ExpectTrouble(outcome, orl::kExitChanged, "\"b\" changed while it was copied");
+    ExpectInPlace("ac");
+    mCard["b"] += "more";
+    EXPECT_TRUE(Run({}).mTroubles.empty());
+    ExpectInPlace("abc");
+}
+
+TEST_F(IngestRun, AFileThatIsRewrittenWhileItIsCopied_IsNotKept)
+{
+    const IngestOutcome outcome = Run(Once(IngestStep::kBlockCopied, "b", [this] {
+        std::fstream file(Card() / "b", std::ios::binary | std::ios::in | std::ios::out);
+        file << "other";
+        file.close();
+        fs::last_write_time(Card() / "b", fs::last_write_time(Card() / "b") + std::chrono::seconds(1));
+    }));
+    ExpectTrouble(outcome, orl::kExitChanged, "\"b\" changed");
+    ExpectInPlace("ac");
+}
+
+TEST_F(IngestRun, AFileThatShrinksWhileItIsCopied_IsNotKept)
+{
+    const IngestOutcome outcome =
+        Run(Once(IngestStep::kBlockCopied, "b", [this] { fs::resize_file(Card() / "b", 1100000); }));
+    ExpectTrouble(outcome, orl::kExitChanged, "\"b\" changed");
+    ExpectInPlace("ac");
+}
+
+TEST_F(IngestRun, ACardThatVanishes_EndsTheRunWithOneLine)
+{
+    const IngestOutcome outcome = Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Card(), Card().u8string() + "-away"); }));
+    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectInPlace("a");
+}
+
+TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
+{
+    const IngestOutcome outcome = Run([this](IngestStep inStep, const IngestItem& inItem) {
+        if (inStep == IngestStep::kCopied && inItem.mName == "b") {
+            const fs::path path = fs::u8path(orl::HostTextOf(orl::TemporaryPathOf(inItem)));
+            std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+            file.seekp(1234567);
+            file << '\x01';
+        }
+    });
+    ExpectTrouble(outcome, orl::kExitNotTheSame, "reads back differently");
+    ExpectInPlace("ac");
+}
+
+TEST_F(IngestRun, StoppedByTheUser_LeavesNoHalfFile)
+{
+    // The run looks for the user's wish from time to time; the file waits for its answer.
+    const IngestOutcome outcome = Run([this](IngestStep, const IngestItem& inItem) {
+        mIsStopped = mIsStopped || inItem.mName == "b";
+    });
+    EXPECT_TRUE(outcome.mTroubles.empty());
+    for (const auto& [name, contents] : ReadTree(Disk())) {
+        EXPECT_TRUE(name == kManifest || contents == mCard[name]) << name;
+    }
+    ReadManifest(Disk() / kManifest);
+    mIsStopped = false;
+    EXPECT_TRUE(Run({}).mTroubles.empty());
+    ExpectInPlace("abc");
+}
+
+TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
+{
+    const IngestOutcome outcome =
+        Run(Once(IngestStep::kVerified, "b", [this] { WriteFile(Disk() / "b", "somebody's"); }));
+    ExpectTrouble(outcome, orl::kExitTaken, "\"b\"");
+    EXPECT_EQ("somebody's", ReadFile(Disk() / "b"));
+    EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
+}
+
+TEST_F(IngestRun, TheSecondOfTwoAtOnce_IsRefused)
+{
+    Run(Once(IngestStep::kOpened, "b", [this] {
+        const orl::IngestRoots roots = orl::MakeRoots(Card().u8string(), Disk().u8string());
+        IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        try {
+            manifest.Open();
+            ADD_FAILURE() << "two may write one manifest";
+        } catch (const orl::Failure& failure) {
+            EXPECT_NE(std::string::npos, std::string(failure.what()).find("another ingest is at work"));
+        }
+    }));
+    ExpectInPlace("abc");
+}
+
+TEST(IngestManifestLine, NamesComeBackAsTheyWere)
+{
+    const std::string digest(64, 'a');
+    for (const std::string& name : {std::string("plain"), std::string("two  blanks "), std::string("back\\slash"),
+                                    std::string("line\nbreak\r"), std::string("*star"), std::string("caf\xE9")}) {
+        const std::string text = orl::FormatManifestLine({name, digest});
+        ASSERT_EQ(text.size() - 1, text.find('\n')) << "one line";
+        IngestManifest::Line line;
+        ASSERT_TRUE(orl::ParseManifestLine(text.substr(0, text.size() - 1), line)) << text;
+        EXPECT_EQ(name, line.mName);
+        EXPECT_EQ(digest, line.mDigest);
+    }
+    EXPECT_EQ("\\" + digest + "  a\\\\b\\nc\n", orl::FormatManifestLine({"a\\b\nc", digest}));
+    IngestManifest::Line line;
+    EXPECT_TRUE(orl::ParseManifestLine(digest + " *binary", line));
+    EXPECT_EQ("binary", line.mName);
+    for (const std::string& other : {std::string(), std::string("# remark"), digest, digest + "  ", digest + "x  name",
+                                     digest.substr(1) + "  name", std::string(64, 'g') + "  name"}) {
+        EXPECT_FALSE(orl::ParseManifestLine(other, line)) << other;
+    }
+}
+
+TEST(IngestProgress, ShowsShareRateAndTimeLeft)
+{
+    EXPECT_EQ("[############------------]  50 %   1.0 GB of 2.0 GB   100.0 MB/s   0:10 left   3 of 7 files",
+              orl::ProgressText(2000000000, 4000000000, 3, 7, 10));
+    EXPECT_EQ("[------------------------]   0 %   0 B of 2.0 GB   0 of 7 files",
+              orl::ProgressText(0, 4000000000, 0, 7, 0));
+    EXPECT_EQ("[########################] 100 %   0 B of 0 B   7 of 7 files", orl::ProgressText(0, 0, 7, 7, 1));
+}
+
+TEST(WavHeader, LengthOfWholeCutAndBrokenFiles)
+{
+    const TempFolder folder;
+    const auto length = [&folder](const std::string& inContents) {
+        folder.MakeFile("f.wav", inContents);
+        return orl::ReadWavLength(folder.Path(u"f.wav"));
+    };
+    const std::string wav = MakeWav(44100, 1000);
+    ASSERT_TRUE(length(wav));
+    EXPECT_EQ(44100u, length(wav)->mSamplesPerSecond);
+    EXPECT_EQ(1000u, length(wav)->mSamples);
+    EXPECT_EQ(900u, length(wav.substr(0, wav.size() - 400))->mSamples) << "only what is there";
+    for (std::size_t size = 0; size < 64; ++size) {
+        EXPECT_FALSE(length(wav.substr(0, size)).has_value() && size < 44) << size;
+    }
+    EXPECT_FALSE(length("RIFFxxxxAVI "));
+    EXPECT_FALSE(length(std::string(1000, 'R')));
+}

@@ -1,0 +1,264 @@
+// orl ingest where only Linux can tell: awkward names, permissions, a system that fails, and coreutils as the judge.
+#include <IngestTestSupport.h>
+
+#include <Failure.h>
+#include <FaultySystemCallsLinux.h>
+#include <IngestPlan.h>
+#include <IngestRun.h>
+#include <ORLFoundation.h>
+#include <ProcessRunner.h>
+#include <Text.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace ORLTest;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class OrlIngestOnLinux : public testing::Test
+{
+protected:
+    OrlIngestOnLinux() { mFolder.MakeFolder("card"); }
+
+    fs::path Card() const { return mFolder.Host() / "card"; }
+    fs::path Disk() const { return mFolder.Host() / "disk"; }
+    ProcessResult Ingest() const
+    {
+        return RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string()});
+    }
+
+    /// From inside, one file at a time.
+    orl::IngestOutcome RunHere() const
+    {
+        const orl::IngestRoots roots = orl::MakeRoots(Card().string(), Disk().string());
+        fs::create_directories(Disk());
+        orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        manifest.Open();
+        const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
+        orl::IngestWatcher watcher;
+        watcher.mIsStopped = [] { return false; };
+        watcher.mShow = [](std::uint64_t, std::size_t) {};
+        orl::IngestSettings settings;
+        settings.mFilesAtOnce = 1;
+        return orl::RunIngest(plan, roots, settings, manifest, watcher);
+    }
+
+    TempFolder mFolder;
+};
+
+bool IsOneLineWith(const std::string& inErrors, const std::string& inText)
+{
+    return inErrors.find('\n') == inErrors.size() - 1 && inErrors.find(inText) != std::string::npos;
+}
+
+} // namespace
+
+// Every byte that a name may hold; coreutils read the manifest.
+TEST_F(OrlIngestOnLinux, AwkwardNames_AreVerifiedByCoreutils)
+{
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/') {
+            WriteFile(Card().string() + "/n" + static_cast<char>(byte), std::string(1, static_cast<char>(byte)));
+        }
+    }
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    const std::string check = "cd '" + Disk().string() + "' && test $(sha256sum -c ingest.sha256 | grep -c ': OK$') = 254";
+    EXPECT_EQ(0, std::system(check.c_str()));
+    FileTree disk = ReadTree(Disk());
+    disk.erase(kManifest);
+    EXPECT_EQ(ReadTree(Card()), disk);
+    const ProcessResult again = Ingest();
+    EXPECT_NE(std::string::npos, again.mOutput.find("254 verified before")) << again.mOutput;
+}
+
+TEST_F(OrlIngestOnLinux, APipe_IsToldAndNotWaitedFor)
+{
+    WriteFile(Card() / "a", "A");
+    ASSERT_EQ(0, ::mkfifo((Card() / "pipe").c_str(), 0600));
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(4, result.mExitCode);
+    EXPECT_TRUE(IsOneLineWith(result.mErrors, "\"pipe\": it is no file")) << result.mErrors;
+    EXPECT_EQ("A", ReadFile(Disk() / "a"));
+}
+
+TEST_F(OrlIngestOnLinux, ABrokenLinkAndALoop_AreToldAndWalkedOnce)
+{
+    WriteFile(Card() / "a", "A");
+    fs::create_symlink("nowhere", Card() / "broken");
+    fs::create_directory_symlink(".", Card() / "loop");
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(4, result.mExitCode);
+    EXPECT_TRUE(IsOneLineWith(result.mErrors, "\"broken\"")) << result.mErrors;
+    EXPECT_EQ("A", ReadFile(Disk() / "a"));
+    EXPECT_TRUE(fs::is_empty(Disk() / "loop"));
+}
+
+TEST_F(OrlIngestOnLinux, UnreadableFilesAndFolders_HaveALineEach)
+{
+    WriteFile(Card() / "a", "A");
+    WriteFile(Card() / "shut", "S");
+    mFolder.MakeFolder("card/closed");
+    WriteFile(Card() / "closed/f", "F");
+    ::chmod((Card() / "shut").c_str(), 0);
+    ::chmod((Card() / "closed").c_str(), 0);
+    ::chmod(mFolder.Host().c_str(), 0777);
+    const std::string as = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    const std::string errors = (mFolder.Host() / "errors").string();
+    const int status = std::system((as + "'" + FolderOfThisProgram() + "orl' ingest '" + Card().string() + "' '"
+                                    + Disk().string() + "' >/dev/null 2>'" + errors + "'")
+                                       .c_str());
+    ::chmod((Card() / "closed").c_str(), 0700);
+    ASSERT_TRUE(WIFEXITED(status));
+    const std::string said = ReadFile(errors);
+    EXPECT_EQ(4, WEXITSTATUS(status)) << said;
+    EXPECT_EQ(2, std::count(said.begin(), said.end(), '\n')) << said;
+    EXPECT_NE(std::string::npos, said.find("cannot read the folder")) << said;
+    EXPECT_NE(std::string::npos, said.find("cannot read \"shut\": access denied")) << said;
+    EXPECT_EQ("A", ReadFile(Disk() / "a"));
+}
+
+TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
+{
+    ORL::Foundation::Initialize();
+    for (const char* name : {"a", "b", "c"}) {
+        WriteFile(Card() / name, std::string(1000, *name));
+    }
+    orl::IngestOutcome outcome;
+    {
+        FaultySystemCalls calls;
+        calls.Fail(FaultySystemCalls::kPWrite, 2, ENOSPC);
+        outcome = RunHere();
+    }
+    ASSERT_EQ(1u, outcome.mTroubles.size());
+    EXPECT_EQ(orl::kExitNoRoom, outcome.mTroubles[0].mExitCode);
+    EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("is full"));
+    ExpectIngested({{"a", std::string(1000, 'a')}}, Disk());
+    ORL::Foundation::Terminate();
+}
+
+TEST_F(OrlIngestOnLinux, AFileThatBreaksOff_IsToldAndTheOthersGoOn)
+{
+    ORL::Foundation::Initialize();
+    for (const char* name : {"a", "b"}) {
+        WriteFile(Card() / name, std::string(1000, *name));
+    }
+    orl::IngestOutcome outcome;
+    {
+        FaultySystemCalls calls;
+        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first is the manifest's
+        outcome = RunHere();
+    }
+    ASSERT_EQ(1u, outcome.mTroubles.size());
+    EXPECT_EQ(orl::kExitUnreadable, outcome.mTroubles[0].mExitCode) << outcome.mTroubles[0].mText;
+    ExpectIngested({{"b", std::string(1000, 'b')}}, Disk());
+    ORL::Foundation::Terminate();
+}
+
+TEST_F(OrlIngestOnLinux, TooLittleRoom_IsToldBeforeAnythingIsDone)
+{
+    ORL::Foundation::Initialize();
+    WriteFile(Card() / "a", std::string(100000, 'a'));
+    {
+        FaultySystemCalls calls;
+        calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+            *outStatus = {};
+            outStatus->f_frsize = 4096;
+            outStatus->f_bavail = 10;
+            return 0;
+        };
+        const orl::IngestRoots roots = orl::MakeRoots(Card().string(), Disk().string());
+        const orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
+        try {
+            orl::CheckRoom(plan, roots);
+            ADD_FAILURE() << "102400 bytes do not fit 40960";
+        } catch (const orl::Failure& failure) {
+            EXPECT_EQ(orl::kExitNoRoom, failure.ExitCode());
+            EXPECT_NE(std::string::npos, std::string(failure.what()).find("has room for 41.0 kB")) << failure.what();
+        }
+    }
+    EXPECT_FALSE(fs::exists(Disk()));
+    ORL::Foundation::Terminate();
+}
+
+TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDone)
+{
+    ORL::Foundation::Initialize();
+    WriteFile(Card() / "a", "");
+    fs::resize_file(Card() / "a", std::uintmax_t{5} << 30);
+    {
+        FaultySystemCalls calls;
+        calls.Underneath().mStatFs = [](const char*, struct statfs* outStatus) {
+            *outStatus = {};
+            outStatus->f_type = 0x4d44; // the FAT family
+            return 0;
+        };
+        const orl::IngestRoots roots = orl::MakeRoots(Card().string(), Disk().string());
+        const orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
+        try {
+            orl::CheckRoom(plan, roots);
+            ADD_FAILURE() << "no file of that family has 5 GiB";
+        } catch (const orl::Failure& failure) {
+            EXPECT_EQ(orl::kExitNoRoom, failure.ExitCode());
+            EXPECT_NE(std::string::npos, std::string(failure.what()).find("may have (4.3 GB)")) << failure.what();
+        }
+    }
+    ORL::Foundation::Terminate();
+}
+
+// Each call of the library below an ingest fails once, at each index: what has a final name is whole, what is
+// acknowledged is there, and a second run completes.
+TEST_F(OrlIngestOnLinux, EachSystemCallFailsOnce_NothingHalfAndASecondRunCompletes)
+{
+    ORL::Foundation::Initialize();
+    mFolder.MakeFolder("card/d");
+    WriteFile(Card() / "d/a", std::string(5000, 'a'));
+    WriteFile(Card() / "b", "B");
+    const FileTree card = ReadTree(Card());
+    for (const FaultySystemCalls::Call call :
+         {FaultySystemCalls::kOpen, FaultySystemCalls::kPWrite, FaultySystemCalls::kPRead, FaultySystemCalls::kStatx,
+          FaultySystemCalls::kFStat, FaultySystemCalls::kMakeDir, FaultySystemCalls::kRenameTo,
+          FaultySystemCalls::kGetDents, FaultySystemCalls::kUnlink, FaultySystemCalls::kFTruncate}) {
+        for (unsigned number = 1, made = 1; made >= number; ++number) {
+            SCOPED_TRACE("call " + std::to_string(call) + ", number " + std::to_string(number));
+            fs::remove_all(Disk());
+            {
+                FaultySystemCalls calls;
+                calls.Fail(call, number, EIO);
+                try {
+                    RunHere();
+                } catch (const orl::Failure&) {
+                }
+                made = calls.Count(call);
+            }
+            if (fs::exists(Disk())) {
+                const FileTree disk = ReadTree(Disk());
+                for (const auto& [name, contents] : disk) {
+                    const bool isOurs = name == kManifest || name.find(".part") != std::string::npos;
+                    EXPECT_TRUE(isOurs || contents == card.at(name)) << name;
+                }
+                for (const auto& [name, digest] : ReadManifest(Disk() / kManifest, true)) {
+                    ASSERT_EQ(1u, disk.count(name)) << name;
+                    EXPECT_EQ(digest, ReferenceSha256(disk.at(name))) << name;
+                }
+            }
+            EXPECT_TRUE(RunHere().mTroubles.empty());
+            ExpectIngested(card, Disk());
+            if (HasFailure()) {
+                break;
+            }
+        }
+    }
+    ORL::Foundation::Terminate();
+}

@@ -1,0 +1,125 @@
+// orl ingest SOURCE DEST
+#include "Commands.h"
+#include "Console.h"
+#include "Failure.h"
+#include "IngestManifest.h"
+#include "IngestPlan.h"
+#include "IngestProgress.h"
+#include "IngestRun.h"
+#include "IngestSummary.h"
+#include "StartedLibrary.h"
+#include "Text.h"
+
+#include <ORLDirectory.h>
+#include <ORLPathUtils.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace orl {
+
+namespace {
+
+struct Options
+{
+    std::string mSource;
+    std::string mDestination;
+    std::string mManifest = "ingest.sha256";
+    std::string mRate = "25";
+    IngestSettings mSettings;
+};
+
+volatile std::sig_atomic_t sIsInterrupted = 0;
+
+void OnInterrupt(int)
+{
+    sIsInterrupted = 1;
+}
+
+// Every trouble has a line; the last is the program's.
+[[noreturn]] void Fail(const std::vector<IngestTrouble>& inTroubles)
+{
+    for (std::size_t i = 0; i + 1 < inTroubles.size(); ++i) {
+        Complain(inTroubles[i].mText);
+    }
+    throw Failure(inTroubles.back().mText, inTroubles.front().mExitCode);
+}
+
+void OpenManifest(const IngestRoots& inRoots, IngestManifest& ioManifest)
+{
+    const ORL::Result result = ORL::Directory::CreateOnDisk(inRoots.mDestination, false);
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("ingest: cannot make the folder \"" + inRoots.mShownDestination + "\": " + Describe(result));
+    }
+    ioManifest.Open();
+}
+
+IngestOutcome Ingest(const Options& inOptions, const IngestRoots& inRoots, IngestPlan& outPlan)
+{
+    const UTF16String path =
+        ORL::PathUtils::AddTrailingSlash(inRoots.mDestination) + ToUTF16(inOptions.mManifest);
+    IngestManifest manifest(path);
+    // A destination that is not there yet is made when it is clear that everything fits.
+    const bool isThere = ORL::Directory::IsDirectory(inRoots.mDestination);
+    if (isThere) {
+        manifest.Open();
+    }
+    outPlan = MakePlan(inRoots, inOptions.mManifest, manifest, inOptions.mSettings.mReplaces);
+    CheckRoom(outPlan, inRoots);
+    if (!isThere) {
+        OpenManifest(inRoots, manifest);
+    }
+    IngestProgress progress(OutputIsTerminal(), outPlan.mBytesToPass, outPlan.mItems.size());
+    IngestWatcher watcher;
+    watcher.mIsStopped = [] { return sIsInterrupted != 0; };
+    watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress.Show(inPassed, inDone); };
+    return RunIngest(outPlan, inRoots, inOptions.mSettings, manifest, watcher);
+}
+
+void Run(const Options& inOptions)
+{
+    const NamedRate& rate = FindRate(inOptions.mRate);
+    const StartedLibrary library;
+    std::signal(SIGINT, &OnInterrupt);
+    std::signal(SIGTERM, &OnInterrupt);
+    const IngestRoots roots = MakeRoots(inOptions.mSource, inOptions.mDestination);
+    IngestPlan plan;
+    IngestOutcome outcome = Ingest(inOptions, roots, plan);
+    PrintSummary(outcome, plan.mItems.size() + plan.mTroubles.size(), rate,
+                 JoinHostPath(inOptions.mDestination, inOptions.mManifest));
+    if (outcome.mIsStopped) {
+        outcome.mTroubles = {{"ingest: stopped by the user; what is in place is whole and stays", kExitStopped}};
+    }
+    if (outcome.mHasNoAnswer) {
+        Complain(outcome.mTroubles.front().mText);
+        std::_Exit(kExitGone);
+    }
+    if (!outcome.mTroubles.empty()) {
+        Fail(outcome.mTroubles);
+    }
+}
+
+} // namespace
+
+void AddIngest(CLI::App& ioProgram)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = ioProgram.add_subcommand(
+        "ingest", "Copy a card's files to a disk, read each back past the cache, compare, and keep a manifest");
+    command->add_option("SOURCE", options->mSource, "the folder to bring in: a host path or library path")->required();
+    command->add_option("DEST", options->mDestination, "the folder to bring it to; made where missing")->required();
+    command->add_flag("--replace", options->mSettings.mReplaces,
+                      "exchange other files that have the same names at the destination");
+    command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")
+        ->check([](const std::string& inName) {
+            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string() : "--manifest takes a file name";
+        });
+    command->add_option("--rate", options->mRate, "frame rate of the lengths in the table (default 25): " + RateNames());
+    command->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files on their way at once (default 4)")
+        ->check(CLI::Range(1, 64));
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace orl

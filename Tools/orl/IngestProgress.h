@@ -1,0 +1,35 @@
+// The line that shows how far an ingest is: written over, on a terminal alone.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace orl {
+
+/// "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files". Bytes are those of the source; each
+/// passes twice, once to be copied and once to be read back.
+std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::size_t inFilesDone, std::size_t inFiles,
+                         double inSeconds);
+
+class IngestProgress
+{
+public:
+    IngestProgress(bool inIsShown, std::uint64_t inToPass, std::size_t inFiles);
+    ~IngestProgress() { Clear(); }
+    IngestProgress(const IngestProgress&) = delete;
+    IngestProgress& operator=(const IngestProgress&) = delete;
+
+    void Show(std::uint64_t inPassed, std::size_t inFilesDone);
+    void Clear();
+
+private:
+    const bool mIsShown;
+    const std::uint64_t mToPass;
+    const std::size_t mFiles;
+    const std::chrono::steady_clock::time_point mStart;
+    bool mHasText = false;
+};
+
+} // namespace orl

@@ -1,0 +1,50 @@
+// All files of an ingest: several at once, and the manifest kept behind them.
+#pragma once
+
+#include "IngestFile.h"
+#include "IngestManifest.h"
+#include "IngestPlan.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+struct IngestSettings
+{
+    unsigned mFilesAtOnce = 4;
+    bool mReplaces = false;
+};
+
+/// What the caller of a run is asked and told. Both are called on the caller's thread, ten times a second or so.
+struct IngestWatcher
+{
+    std::function<bool()> mIsStopped;
+    std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow;
+    std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // called on any thread; may be empty
+};
+
+struct IngestOutcome
+{
+    struct Row
+    {
+        const IngestItem* mItem;
+        std::string mDigest; // empty for one that was verified before
+    };
+
+    std::vector<Row> mRows; // what is at the destination, verified, and in the manifest: in the plan's order
+    std::vector<IngestTrouble> mTroubles;
+    bool mIsStopped = false;
+    bool mHasNoAnswer = false; // of the destination: the process had better end without a stop of the library
+    double mSeconds = 0;
+};
+
+/// Makes the folders, brings the files, and acknowledges them in groups: a file's line is written when the file is on
+/// disk under its final name. When this returns or throws, everything that was verified is acknowledged. Throws Failure
+/// where the manifest cannot be kept.
+IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
+                        IngestManifest& ioManifest, const IngestWatcher& inWatcher);
+
+} // namespace orl

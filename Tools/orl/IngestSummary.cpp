@@ -1,0 +1,137 @@
+#include "IngestSummary.h"
+
+#include "Failure.h"
+#include "Text.h"
+#include "WavHeader.h"
+
+#include <ORLPathUtils.h>
+#include <ORLTimecode.h>
+#include <tvxmediatypes/Constants.h>
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+
+namespace orl {
+
+namespace mt = tvxmediatypes;
+
+struct NamedRate
+{
+    const char* mName;
+    mt::FrameRate mRate;
+    mt::TimeDisplay mDisplay;
+};
+
+namespace {
+
+constexpr NamedRate kRates[] = {
+    {"23.976", mt::kFrameRate_23976, mt::kTimeDisplay_23976Timecode},
+    {"24", mt::kFrameRate_Film24, mt::kTimeDisplay_24Timecode},
+    {"25", mt::kFrameRate_VideoPAL, mt::kTimeDisplay_25Timecode},
+    {"29.97", mt::kFrameRate_VideoNTSC, mt::kTimeDisplay_2997NonDropTimecode},
+    {"29.97df", mt::kFrameRate_VideoNTSC, mt::kTimeDisplay_2997DropTimecode},
+    {"30", mt::kFrameRate_Video30, mt::kTimeDisplay_30Timecode},
+    {"50", mt::kFrameRate_VideoPAL_HD, mt::kTimeDisplay_50Timecode},
+    {"59.94", mt::kFrameRate_VideoNTSC_HD, mt::kTimeDisplay_5994NonDropTimecode},
+    {"59.94df", mt::kFrameRate_VideoNTSC_HD, mt::kTimeDisplay_5994DropTimecode},
+    {"60", mt::kFrameRate_Video60, mt::kTimeDisplay_60Timecode},
+};
+
+constexpr std::size_t kMostRows = 24;
+constexpr std::size_t kWidestName = 48;
+constexpr std::size_t kShownDigits = 16;
+
+std::string Cut(const std::string& inName)
+{
+    const std::string name = OnOneLine(inName);
+    return name.size() <= kWidestName ? name : "..." + name.substr(name.size() - kWidestName + 3);
+}
+
+void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const NamedRate& inRate)
+{
+    const std::size_t count = std::min(inRows.size(), kMostRows);
+    std::size_t width = 4;
+    for (std::size_t i = 0; i < count; ++i) {
+        width = std::max(width, Cut(inRows[i].mItem->mName).size());
+    }
+    const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
+                              const std::string& inState, const std::string& inDigest) {
+        std::cout << std::left << std::setw(static_cast<int>(width)) << inName << std::right << std::setw(14) << inBytes
+                  << std::setw(13) << inLength << "  " << std::left << std::setw(17) << inState << inDigest << '\n';
+    };
+    line("file", "bytes", "length", "state", "SHA-256");
+    for (std::size_t i = 0; i < count; ++i) {
+        const IngestOutcome::Row& row = inRows[i];
+        const bool isNew = !row.mDigest.empty();
+        line(Cut(row.mItem->mName), std::to_string(row.mItem->mSize), TimecodeLength(row.mItem->mTarget, inRate),
+             isNew ? "verified" : "verified before", isNew ? row.mDigest.substr(0, kShownDigits) + "..." : "");
+    }
+    if (inRows.size() > count) {
+        std::cout << "... and " << inRows.size() - count << " more\n";
+    }
+}
+
+} // namespace
+
+const NamedRate& FindRate(const std::string& inName)
+{
+    for (const NamedRate& rate : kRates) {
+        if (inName == rate.mName) {
+            return rate;
+        }
+    }
+    throw Failure("ingest: no frame rate is called \"" + inName + "\": there are " + RateNames(), kExitUsage);
+}
+
+std::string RateNames()
+{
+    std::string names;
+    for (const NamedRate& rate : kRates) {
+        names += (names.empty() ? "" : ", ") + std::string(rate.mName);
+    }
+    return names;
+}
+
+std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate)
+{
+    const std::string extension = ToUTF8(ORL::PathUtils::GetExtensionPart(inPath));
+    const bool isWav = extension.size() == 4
+                       && std::equal(extension.begin(), extension.end(), ".wav",
+                                     [](char inLeft, char inRight) { return inLeft == inRight || (inLeft | 0x20) == inRight; });
+    const std::optional<WavLength> length = isWav ? ReadWavLength(inPath) : std::nullopt;
+    if (!length) {
+        return "";
+    }
+    const mt::TickTime time(static_cast<double>(length->mSamples) / length->mSamplesPerSecond);
+    return ToUTF8(ORL::Timecode(time, inRate.mRate, inRate.mDisplay).GetString());
+}
+
+void PrintSummary(const IngestOutcome& inOutcome, std::size_t inFiles, const NamedRate& inRate,
+                  const std::string& inManifest)
+{
+    if (!inOutcome.mRows.empty()) {
+        PrintTable(inOutcome.mRows, inRate);
+    }
+    std::uint64_t bytes = 0;
+    std::size_t files = 0;
+    for (const IngestOutcome::Row& row : inOutcome.mRows) {
+        bytes += row.mDigest.empty() ? 0 : row.mItem->mSize;
+        files += row.mDigest.empty() ? 0 : 1;
+    }
+    const std::size_t before = inOutcome.mRows.size() - files;
+    std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << InWords(bytes) << " in "
+              << Rounded(inOutcome.mSeconds) << " s";
+    if (inOutcome.mSeconds > 0 && bytes != 0) {
+        std::cout << " (" << Rounded(static_cast<double>(bytes) / 1e6 / inOutcome.mSeconds) << " MB/s)";
+    }
+    if (before != 0) {
+        std::cout << ", " << before << " verified before";
+    }
+    if (inOutcome.mRows.size() < inFiles) {
+        std::cout << ", " << inFiles - inOutcome.mRows.size() << " not in place";
+    }
+    std::cout << ".\nThe manifest is \"" << inManifest << "\".\n";
+}
+
+} // namespace orl

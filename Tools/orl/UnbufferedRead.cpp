@@ -1,0 +1,200 @@
+#include "UnbufferedRead.h"
+
+#include "Failure.h"
+
+#include <ORLAsyncFileReader.h>
+#include <ORLFile.h>
+#include <ORLPathUtils.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <vector>
+
+namespace orl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class AlignedMemory
+{
+public:
+    AlignedMemory(std::size_t inSize, std::size_t inAlignment)
+        : mAlignment(inAlignment),
+          mBytes(static_cast<unsigned char*>(::operator new(inSize, std::align_val_t(inAlignment))))
+    {
+    }
+    ~AlignedMemory() { ::operator delete(mBytes, std::align_val_t(mAlignment)); }
+    AlignedMemory(const AlignedMemory&) = delete;
+    AlignedMemory& operator=(const AlignedMemory&) = delete;
+
+    unsigned char* At(std::size_t inOffset) const { return mBytes + inOffset; }
+
+private:
+    std::size_t mAlignment;
+    unsigned char* mBytes;
+};
+
+std::size_t RoundUp(std::uint64_t inSize, std::size_t inUnit)
+{
+    return static_cast<std::size_t>((inSize + inUnit - 1) / inUnit * inUnit);
+}
+
+/// Block i of the file travels in slot i modulo the depth, so blocks are taken up in their order, whatever the order in
+/// which they come: a checksum wants them so.
+class Stream
+{
+public:
+    explicit Stream(const UnbufferedRead& inRead) : mRead(inRead), mPatience(inRead.mPatience)
+    {
+        Open();
+        mSize = inRead.mSize ? *inRead.mSize : AskSize();
+        mSector = std::max<std::size_t>(mReader.GetDiskSectorSize(), 512);
+        mBlockSize = RoundUp(std::clamp<std::uint64_t>(mSize, 1, std::max<std::size_t>(inRead.mBlockSize, 1)), mSector);
+        mBlocks = (mSize + mBlockSize - 1) / mBlockSize;
+        mSlots = std::vector<Slot>(std::max<std::size_t>(1, std::min<std::uint64_t>(inRead.mDepth, mBlocks)));
+        mMemory = std::make_unique<AlignedMemory>(mSlots.size() * mBlockSize, std::max<std::size_t>(mSector, 4096));
+    }
+
+    UnbufferedFigures Run(const UnbufferedSink& inSink)
+    {
+        for (std::uint64_t block = 0; block < mSlots.size() && block < mBlocks; ++block) {
+            Queue(block);
+        }
+        for (std::uint64_t block = 0; block < mBlocks; ++block) {
+            const Slot& slot = Await(block);
+            Check(block, slot);
+            inSink(BytesOf(block), ExpectedBytes(block), slot.mLatency, mSize);
+            if (block + mSlots.size() < mBlocks) {
+                Queue(block + mSlots.size());
+            }
+        }
+        return UnbufferedFigures{mSize, mBlocks, mReader.GetDiskSectorSize()};
+    }
+
+private:
+    struct Slot
+    {
+        Clock::time_point mQueued;
+        double mLatency = 0;
+        unsigned mBytesRead = 0;
+        int mResult = ORL::kSuccess;
+        bool mIsDone = false; // guarded by mMutex, as what a callback writes
+    };
+
+    void Open()
+    {
+        if (ORL::AsyncFileReader::Open(mRead.mPath, mReader) == ORL::kSuccess) {
+            return;
+        }
+        const char* reason = "it cannot be opened for reading";
+        if (!ORL::PathUtils::ExistsOnDisk(mRead.mPath)) {
+            reason = "there is no such file";
+        } else if (ORL::PathUtils::IsDirectory(mRead.mPath)) {
+            reason = "it is a directory";
+        }
+        throw Failure(mRead.mWho + ": cannot open \"" + mRead.mShown + "\": " + reason);
+    }
+
+    std::uint64_t AskSize() const
+    {
+        unsigned __int64 size = 0;
+        const ORL::Result result = ORL::File::SizeOnDisk(mRead.mPath, size);
+        if (!ORL::ResultSucceeded(result)) {
+            throw Failure(mRead.mWho + ": cannot learn the size of \"" + mRead.mShown + "\": " + Describe(result));
+        }
+        return size;
+    }
+
+    std::uint64_t PositionOf(std::uint64_t inBlock) const { return inBlock * mBlockSize; }
+    std::size_t ExpectedBytes(std::uint64_t inBlock) const
+    {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(mBlockSize, mSize - PositionOf(inBlock)));
+    }
+    unsigned char* BytesOf(std::uint64_t inBlock) const
+    {
+        return mMemory->At(static_cast<std::size_t>(inBlock % mSlots.size()) * mBlockSize);
+    }
+
+    void Queue(std::uint64_t inBlock)
+    {
+        Slot& slot = mSlots[inBlock % mSlots.size()];
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            slot.mIsDone = false;
+        }
+        slot.mQueued = Clock::now();
+        // Whole sectors, also for the last block, which comes back short.
+        const std::size_t size = RoundUp(ExpectedBytes(inBlock), mSector);
+        mReader.QueueReadRequest(PositionOf(inBlock), static_cast<unsigned>(size), BytesOf(inBlock), &OnRead, this,
+                                 &slot, nullptr);
+    }
+
+    static void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+                       void* inStream, void* inSlot, void*, int inResult)
+    {
+        Stream& stream = *static_cast<Stream*>(inStream);
+        Slot& slot = *static_cast<Slot*>(inSlot);
+        const Clock::time_point now = Clock::now();
+        const std::lock_guard<std::mutex> lock(stream.mMutex);
+        slot.mLatency = std::chrono::duration<double>(now - slot.mQueued).count();
+        slot.mBytesRead = inBytesRead;
+        slot.mResult = inResult;
+        slot.mIsDone = true;
+        stream.mCame.notify_one();
+    }
+
+    const Slot& Await(std::uint64_t inBlock)
+    {
+        Slot& slot = mSlots[inBlock % mSlots.size()];
+        std::unique_lock<std::mutex> lock(mMutex);
+        if (!mCame.wait_for(lock, mPatience, [&slot] { return slot.mIsDone; })) {
+            throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" answers no more: a read failed or the disk is gone");
+        }
+        return slot;
+    }
+
+    void Check(std::uint64_t inBlock, const Slot& inSlot) const
+    {
+        const std::size_t expected = ExpectedBytes(inBlock);
+        const std::string where = "\"" + mRead.mShown + "\" at byte " + std::to_string(PositionOf(inBlock));
+        if (!ORL::ResultSucceeded(inSlot.mResult)) {
+            throw Failure(mRead.mWho + ": cannot read " + where + ": " + Describe(inSlot.mResult));
+        }
+        if (inSlot.mBytesRead < expected) {
+            throw Failure(mRead.mWho + ": " + where + " came short, " + std::to_string(inSlot.mBytesRead) + " of "
+                          + std::to_string(expected) + " bytes: the file shrank while it was read");
+        }
+    }
+
+    const UnbufferedRead mRead;
+    const std::chrono::seconds mPatience;
+    std::uint64_t mSize = 0;
+    std::size_t mSector = 0;
+    std::size_t mBlockSize = 0;
+    std::uint64_t mBlocks = 0;
+    std::mutex mMutex;
+    std::condition_variable mCame;
+    std::vector<Slot> mSlots;
+    std::unique_ptr<AlignedMemory> mMemory;
+    ORL::AsyncFileReader mReader; // the last member: its end waits for the reads, which use all above
+};
+
+} // namespace
+
+UnbufferedFigures ReadUnbuffered(const UnbufferedRead& inRead, const UnbufferedSink& inSink)
+{
+    auto stream = std::make_unique<Stream>(inRead);
+    try {
+        return stream->Run(inSink);
+    } catch (const NoAnswer&) {
+        static_cast<void>(stream.release()); // its end would wait for its reads, which may still write into its memory
+        throw;
+    }
+}
+
+} // namespace orl
