@@ -17,6 +17,7 @@
 #include <signal.h>
 #include <string>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 #include <utility>
 
@@ -134,12 +135,18 @@ int FlagsOf(const AsyncFile& inFile)
 SystemError CheckKind(AsyncFile& ioFile)
 {
     struct statx status;
-    if (System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_TYPE, &status) != 0) {
+    if (System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_TYPE | STATX_INO, &status) != 0) {
         return SystemErrorFromErrno(errno);
     }
     ioFile.mIsRegular = S_ISREG(status.stx_mode);
     if (!ioFile.mIsRegular && !S_ISBLK(status.stx_mode)) {
         return kErrorAccessDenied;
+    }
+    const FileIdentity identity{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino};
+    const SystemError error =
+        ioFile.mShares.Enter(ioFile.mDescriptor, identity, kShareRead, kShareRead | kShareWrite);
+    if (error != kNoError) {
+        return error;
     }
     return System().mSetFlags(ioFile.mDescriptor, FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
 }
@@ -286,7 +293,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
         error = LearnAlignment(*file);
     }
     if (error != kNoError) {
-        System().mClose(file->mDescriptor);
+        file->mShares.Release(file->mDescriptor);
         return error;
     }
     outFile = file.release();
@@ -295,7 +302,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 
 void CloseFile_Impl(Handle inFile)
 {
-    System().mClose(FileOf(inFile).mDescriptor);
+    FileOf(inFile).mShares.Release(FileOf(inFile).mDescriptor);
     delete &FileOf(inFile);
 }
 

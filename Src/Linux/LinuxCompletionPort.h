@@ -1,6 +1,8 @@
 // The two machines behind a completion port: a ring of the kernel, and threads that read.
 #pragma once
 
+#include "LinuxShareModes.h"
+
 #include <Platform/AsyncFiles.h>
 
 #include <cstddef>
@@ -72,6 +74,7 @@ struct AsyncFile
     bool mGoesThroughCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
+    ShareHolder mShares; // a reader beside all other handles of the file
 };
 
 /// A port over io_uring. Null when the kernel refuses the ring or lacks an operation; outError then tells why, as an

@@ -19,6 +19,7 @@ struct OpenFile
     int mDescriptor = -1; // first: hosts reach it through the handle
     bool mMayRead = false;
     bool mMayWrite = false;
+    bool mIsRegular = false;
     bool mIsUnbuffered = false;        // the alignment of reads and writes is checked
     bool mDropsPages = false;          // unbuffered where the file system refuses that: the cache is emptied behind it
     std::uint32_t mAlignment = 512;    // of unbuffered reads and writes

@@ -202,6 +202,7 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     }
     ioFile.mMayRead = Has(inWish.mAccess, kGenericRead);
     ioFile.mMayWrite = Has(inWish.mAccess, kGenericWrite);
+    ioFile.mIsRegular = S_ISREG(outStatus.st_mode);
     ioFile.mIdentity = IdentityOf(outStatus);
     error = ioFile.mShares.Enter(ioFile.mDescriptor, ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode);
     if (error != kNoError) {

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
+#include <unistd.h>
 
 namespace ORL {
 namespace Files {
@@ -52,6 +52,22 @@ void DropPagesBehind(const OpenFile& inFile, std::int64_t inPosition, std::uint3
         const std::int64_t first = inPosition / kPage * kPage;
         System().mFAdvise(inFile.mDescriptor, first, inPosition - first + inCount, POSIX_FADV_DONTNEED);
     }
+}
+
+// False where the system cannot tell. A regular file is asked by a seek, which is the cheapest question; the position of
+// the descriptor is nobody's.
+bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
+{
+    outSize = inFile.mIsRegular ? System().mSeek(inFile.mDescriptor, 0, SEEK_END) : -1;
+    if (outSize >= 0) {
+        return true;
+    }
+    struct stat status;
+    if (System().mFStat(inFile.mDescriptor, &status) != 0) {
+        return false;
+    }
+    outSize = S_ISDIR(status.st_mode) ? 0 : status.st_size;
+    return true;
 }
 
 // An unbuffered read that has come short stands at the end: the rest would not be aligned any more.
@@ -111,12 +127,8 @@ int SetFilePointer_Impl(Handle inFile, std::int64_t inOffset, std::uint32_t inMe
     }
     OpenFile& file = FileOf(inFile);
     std::int64_t base = inMethod == kFromCurrent ? file.mPosition : 0;
-    if (inMethod == kFromEnd) {
-        struct stat status;
-        if (System().mFStat(file.mDescriptor, &status) != 0) {
-            return 0;
-        }
-        base = status.st_size;
+    if (inMethod == kFromEnd && !GetSize(file, base)) {
+        return 0;
     }
     std::int64_t target = 0;
     if (__builtin_add_overflow(base, inOffset, &target) || target < 0) {
@@ -144,11 +156,10 @@ SystemError SetEndOfFile_Impl(Handle inFile)
 std::uint32_t GetFileSize_Impl(Handle inFile, std::uint32_t& outHigh)
 {
     constexpr std::uint32_t kInvalidSize = 0xFFFFFFFF;
-    struct stat status;
-    if (IsNoFile(inFile) || System().mFStat(FileOf(inFile).mDescriptor, &status) != 0) {
+    std::int64_t size = 0;
+    if (IsNoFile(inFile) || !GetSize(FileOf(inFile), size)) {
         return kInvalidSize;
     }
-    const std::uint64_t size = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
     outHigh = static_cast<std::uint32_t>(size >> 32);
     return static_cast<std::uint32_t>(size);
 }

@@ -38,6 +38,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
 std::vector<Name> Split(const UTF16String& inPath, std::size_t inFrom)
 {
     std::vector<Name> names;
+    names.reserve(16);
     const Unit* start = inPath.data() + inFrom;
     const Unit* const end = inPath.data() + inPath.size();
     for (const Unit* unit = start;; ++unit) {
@@ -70,6 +71,7 @@ SystemError AddName(std::string& ioPath, const Name& inName)
 
 SystemError Build(std::string inFolder, const std::vector<Name>& inNames, bool inTrailing, HostPath& outHostPath)
 {
+    inFolder.reserve(128);
     for (const Name& name : inNames) {
         const SystemError error = AddName(inFolder, name);
         if (error != kNoError) {

@@ -2,6 +2,7 @@
 #include <FileSupport.h>
 #include "ShareModes.h"
 
+#include <Platform/AsyncFiles.h>
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>
@@ -129,6 +130,30 @@ TEST(FileShareModes, ThroughFile_AreSharingViolations)
         EXPECT_EQ(kSuccess, File::SizeOnDisk(path, size)) << "a size by name needs no handle";
     }
     EXPECT_EQ("x", ContentsOf(folder, "f")) << "a copy that was refused has not emptied the file";
+}
+
+// Asynchronous reads read, and share reading and writing.
+TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    const UTF16String path = folder.Path(u"f");
+    AsyncFiles::Platform::Handle reader = nullptr;
+    const Holding asReader = {kGenericRead, kShareRead | kShareWrite};
+    for (const Holding& other : AllHoldings()) {
+        {
+            const OpenHandle held(path, other);
+            const SystemError error = AsyncFiles::Platform::OpenUnbuffered_Impl(path, reader);
+            EXPECT_EQ(GoTogether(other, asReader) ? 0u : 32u, error) << NameOf(other);
+            if (error == 0) {
+                AsyncFiles::Platform::CloseFile_Impl(reader);
+            }
+        }
+        ASSERT_EQ(0u, AsyncFiles::Platform::OpenUnbuffered_Impl(path, reader));
+        EXPECT_EQ(GoTogether(asReader, other) ? 0u : 32u, OpenHandle(path, other).mError) << NameOf(other);
+        AsyncFiles::Platform::CloseFile_Impl(reader);
+    }
+    EXPECT_EQ(0u, OpenHandle(path, kAlone).mError);
 }
 
 // Two processes that want the file for themselves: never both have it, each gets it at times.
