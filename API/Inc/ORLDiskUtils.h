@@ -6,6 +6,7 @@
 #pragma once
 
 #include <ORLConfig.h>
+#include <ORLConstants.h>
 #include <ORLResult.h>
 #include <tvxcore/String.h>
 #include <tvxcore/Types.h>
@@ -13,10 +14,10 @@
 namespace ORL {
 namespace DiskUtils {
 
-inline constexpr unsigned __int64 kSize_kiloByte = 1024;
-inline constexpr unsigned __int64 kSize_megaByte = 1048576;
-inline constexpr unsigned __int64 kSize_gigaByte = 1073741824;
-inline constexpr unsigned __int64 kSize_teraByte = 1099511627776;
+ORL_CONSTANT unsigned __int64 kSize_kiloByte = 1024;
+ORL_CONSTANT unsigned __int64 kSize_megaByte = 1048576;
+ORL_CONSTANT unsigned __int64 kSize_gigaByte = 1073741824;
+ORL_CONSTANT unsigned __int64 kSize_teraByte = 1099511627776;
 
 /// A size with the largest unit that it reaches: terabytes with two fraction digits, gigabytes and megabytes with one,
 /// in the user's number format; kilobytes and bytes whole, kilobytes cut off. The unit is localised.

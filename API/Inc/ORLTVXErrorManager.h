@@ -33,7 +33,7 @@ private:
     const char* mZString;
     std::uint32_t mPackage;
     std::int32_t mErrorID;
-    const tvxcore::config::ReplacementValue* mValues[4];
+    [[maybe_unused]] const tvxcore::config::ReplacementValue* mValues[4]; // part of the record
     mutable char mMessage[256];
 };
 

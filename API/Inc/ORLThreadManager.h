@@ -25,7 +25,7 @@ public:
 private:
     ConstString mThreadName;
     ConstString mCurrentModule;
-    bool mIsMainThread;
+    [[maybe_unused]] bool mIsMainThread; // part of the record
 };
 
 /// Makes the calling thread the main thread, once and for the life of the process, and opens the thread records.

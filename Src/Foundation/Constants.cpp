@@ -2,6 +2,7 @@
 #define ORL_CONSTANTS_EMIT
 
 #include <ORLConstants.h>
+#include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
 #include <PropertyKeys.h>
 

@@ -1,9 +1,12 @@
 #include <ORLConstants.h>
+#include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
+#include <ORLStream.h>
 #include <PropertyKeys.h>
 
 #include <gtest/gtest.h>
 
+#include <iostream>
 #include <string>
 
 namespace {
@@ -35,6 +38,22 @@ TEST(Constants, ReadByAStaticAtLoad_AreBuilt)
 TEST(Constants, MaxPath_Is260)
 {
     EXPECT_EQ(260, ORL::ORL_MAX_PATH);
+}
+
+TEST(Constants, Sizes_ArePowersOf1024)
+{
+    EXPECT_EQ(1024u, ORL::DiskUtils::kSize_kiloByte);
+    EXPECT_EQ(1048576u, ORL::DiskUtils::kSize_megaByte);
+    EXPECT_EQ(1073741824u, ORL::DiskUtils::kSize_gigaByte);
+    EXPECT_EQ(1099511627776u, ORL::DiskUtils::kSize_teraByte);
+}
+
+TEST(Constants, Streams_AreTheStandardOnes)
+{
+    EXPECT_EQ(&std::cin, &ORL::In);
+    EXPECT_EQ(&std::cout, &ORL::Out);
+    EXPECT_EQ(&std::clog, &ORL::Log);
+    EXPECT_EQ(&std::cerr, &ORL::Err);
 }
 
 TEST(Constants, TimesAndRates_AreThoseOfTheMediaTypes)
