@@ -167,10 +167,12 @@ void NobodyWaiting()
         .Run();
 }
 
+// No goal: where memory is at hand at once, a new gate costs less than the pool's lock and checks. What the pool saves is
+// the building of a mutex and a condition where that asks the system, and memory that moves between threads.
 void PooledGates()
 {
     Bench::Group("gate pool: take, open and give back a gate")
-        .Ours("WaitableGatePool", Bench::AtMost(1.0),
+        .Ours("WaitableGatePool", Bench::AtMost(0),
               [](std::uint64_t n) {
                   while (n-- != 0) {
                       ORL::WaitableGate* const gate = ORL::WaitableGatePool::RetrieveGate();
