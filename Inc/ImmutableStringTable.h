@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <set>
-#include <vector>
 
 namespace ORL {
 
@@ -56,12 +55,34 @@ private:
     using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
 
     /// One place of the index: open addressing, linear probing, a power of two of places, at most half of them taken. The
-    /// text's address stands here so that a hit does not have to go through the record to reach it.
-    struct Place
+    /// text's address stands here so that a hit does not have to go through the record to reach it. Half a cache line, and
+    /// none lies across two.
+    struct alignas(32) Place
     {
-        std::uint64_t mHash = 0;
-        Record* mRecord = nullptr;
-        const unsigned char* mText = nullptr;
+        std::uint64_t mHash;
+        Record* mRecord; // null in a free place
+        const unsigned char* mText;
+    };
+
+    /// The places, in whole pages of the system: they begin zeroed, and a great many of them may have huge pages.
+    class Places
+    {
+    public:
+        Places() = default;
+        explicit Places(std::size_t inCount);
+        ~Places();
+        Places(const Places&) = delete;
+        Places& operator=(const Places&) = delete;
+
+        void Swap(Places& ioOther) noexcept;
+        std::size_t Count() const noexcept { return mCount; }
+        Place& operator[](std::size_t inAt) const noexcept { return mPlaces[inAt]; }
+        Place* begin() const noexcept { return mPlaces; }
+        Place* end() const noexcept { return mPlaces + mCount; }
+
+    private:
+        Place* mPlaces = nullptr;
+        std::size_t mCount = 0;
     };
 
     static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
@@ -75,7 +96,7 @@ private:
 
     CriticalSection mGuard; // guards all below
     Records mRecords;
-    std::vector<Place, SmallBlocks<Place>> mIndex;
+    Places mIndex;
 };
 
 } // namespace ORL

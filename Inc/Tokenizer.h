@@ -21,6 +21,14 @@ public:
     /// The next token; empty when none is left, and where two separators meet.
     UTF16String Next();
 
+    /// The same as a part of the text, for as long as that stands.
+    struct Token
+    {
+        const unsigned short* mBegin;
+        UTF16String::size_type mSize;
+    };
+    Token NextToken();
+
 private:
     /// Steps over the rest of a run of separators.
     void SkipRun();

@@ -1,6 +1,8 @@
 #include <ImmutableStringTable.h>
 
+#include <BadAllocation.h>
 #include <ORLAllocator.h>
+#include <Platform/PageMemory.h>
 
 #include <boost/thread/once.hpp>
 #include <cstring>
@@ -11,7 +13,7 @@ namespace ORL {
 
 namespace {
 
-constexpr std::size_t kFirstPlaces = 64;
+constexpr std::size_t kFirstPlaces = 128; // a page of them
 
 // The process's table lives in static storage from its first use to the process's exit actions.
 ImmutableStringTable* sTable = nullptr;
@@ -77,6 +79,27 @@ ImmutableStringTable::~ImmutableStringTable()
     }
 }
 
+ImmutableStringTable::Places::Places(std::size_t inCount)
+    : mPlaces(static_cast<Place*>(PageMemory::Platform::AllocatePages_Impl(inCount * sizeof(Place)))), mCount(inCount)
+{
+    if (mPlaces == nullptr) {
+        throw BadAllocation();
+    }
+}
+
+ImmutableStringTable::Places::~Places()
+{
+    if (mPlaces != nullptr) {
+        PageMemory::Platform::FreePages_Impl(mPlaces, mCount * sizeof(Place));
+    }
+}
+
+void ImmutableStringTable::Places::Swap(Places& ioOther) noexcept
+{
+    std::swap(mPlaces, ioOther.mPlaces);
+    std::swap(mCount, ioOther.mCount);
+}
+
 ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* inText, bool inIsStatic)
 {
     static constexpr unsigned char kEmpty[] = {0};
@@ -137,10 +160,10 @@ void ImmutableStringTable::FreeRecord(Record* inRecord)
 
 ImmutableStringTable::Record* ImmutableStringTable::Find(const unsigned char* inText, std::uint64_t inHash) const
 {
-    if (mIndex.empty()) {
+    if (mIndex.Count() == 0) {
         return nullptr;
     }
-    const std::size_t mask = mIndex.size() - 1;
+    const std::size_t mask = mIndex.Count() - 1;
     for (std::size_t at = inHash & mask; mIndex[at].mRecord != nullptr; at = (at + 1) & mask) {
         const Place& place = mIndex[at];
         if (place.mHash != inHash) {
@@ -172,11 +195,11 @@ ImmutableStringTable::Record* ImmutableStringTable::Add(const unsigned char* inT
 
 void ImmutableStringTable::MakeRoomInIndex()
 {
-    if ((mRecords.size() + 1) * 2 <= mIndex.size()) {
+    if ((mRecords.size() + 1) * 2 <= mIndex.Count()) {
         return;
     }
-    std::vector<Place, SmallBlocks<Place>> places(mIndex.empty() ? kFirstPlaces : mIndex.size() * 2);
-    places.swap(mIndex);
+    Places places(mIndex.Count() == 0 ? kFirstPlaces : mIndex.Count() * 2);
+    places.Swap(mIndex);
     for (const Place& place : places) {
         if (place.mRecord != nullptr) {
             AddToIndex(place.mRecord, place.mHash);
@@ -186,7 +209,7 @@ void ImmutableStringTable::MakeRoomInIndex()
 
 void ImmutableStringTable::AddToIndex(Record* inRecord, std::uint64_t inHash)
 {
-    const std::size_t mask = mIndex.size() - 1;
+    const std::size_t mask = mIndex.Count() - 1;
     std::size_t at = inHash & mask;
     while (mIndex[at].mRecord != nullptr) {
         at = (at + 1) & mask;

@@ -1,20 +1,14 @@
 #include "MemoryFaults.h"
 
-// The allocator's own door, where it has one.
-#if __has_include(<AllocationFaults.h>)
-#  include <AllocationFaults.h>
-#  include <tvxcore/SmallBlockAllocator.h>
-#  include <optional>
-#  define ORL_ALLOCATOR_HAS_A_DOOR 1
-#else
-#  define ORL_ALLOCATOR_HAS_A_DOOR 0
-#endif
+#include <AllocationFaults.h>
+#include <tvxcore/SmallBlockAllocator.h>
 
 #include <boost/thread/exceptions.hpp>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -33,10 +27,8 @@ thread_local Plan tPlan;
 
 std::atomic<std::int64_t> sOwed[3];
 
-#if ORL_ALLOCATOR_HAS_A_DOOR
 namespace Faults = tvxcore::utility::AllocationFaults;
 std::optional<Faults::Scope> sScope;
-#endif
 
 bool Refuses(MemoryDoor inDoor)
 {
@@ -114,29 +106,6 @@ void WrappedFreePages(void* inPages, std::size_t inSize)
     RealFreePages(inPages, inSize);
 }
 
-#if !ORL_ALLOCATOR_HAS_A_DOOR
-#define ORL_ALLOCATE "_ZN7tvxcore7utility19SmallBlockAllocator8AllocateE" ORL_MANGLED_SIZE
-#define ORL_DISPOSE "_ZN7tvxcore7utility19SmallBlockAllocator7DisposeEPv" ORL_MANGLED_SIZE
-
-void* RealAllocate(std::size_t) noexcept ORL_SYMBOL("real", ORL_ALLOCATE);
-void RealDispose(void*, std::size_t) noexcept ORL_SYMBOL("real", ORL_DISPOSE);
-void* WrappedAllocate(std::size_t) noexcept ORL_SYMBOL("wrap", ORL_ALLOCATE);
-void WrappedDispose(void*, std::size_t) noexcept ORL_SYMBOL("wrap", ORL_DISPOSE);
-
-void* WrappedAllocate(std::size_t inSize) noexcept
-{
-    void* const block = Refuses(MemoryDoor::kSmallBlocks) ? nullptr : RealAllocate(inSize);
-    Owe(MemoryDoor::kSmallBlocks, block != nullptr ? 1 : 0);
-    return block;
-}
-
-void WrappedDispose(void* inBlock, std::size_t inSize) noexcept
-{
-    Owe(MemoryDoor::kSmallBlocks, inBlock != nullptr ? -1 : 0);
-    RealDispose(inBlock, inSize);
-}
-#endif
-
 namespace ORLTest {
 
 namespace {
@@ -183,7 +152,6 @@ void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>
 
 MemoryFaults::MemoryFaults(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther) : mDoor(inDoor)
 {
-#if ORL_ALLOCATOR_HAS_A_DOOR
     if (inDoor == MemoryDoor::kSmallBlocks) {
         Faults::Plan plan;
         plan.mFirst = inNumber;
@@ -192,36 +160,29 @@ MemoryFaults::MemoryFaults(MemoryDoor inDoor, unsigned inNumber, bool inAllFurth
         sScope.emplace(plan);
         return;
     }
-#endif
     tPlan = {true, inDoor, inNumber, inAllFurther, 0, 0};
 }
 
 MemoryFaults::~MemoryFaults()
 {
-#if ORL_ALLOCATOR_HAS_A_DOOR
     sScope.reset();
-#endif
     tPlan.mIsArmed = false;
 }
 
 unsigned MemoryFaults::Refused() const
 {
-#if ORL_ALLOCATOR_HAS_A_DOOR
     if (mDoor == MemoryDoor::kSmallBlocks) {
         return static_cast<unsigned>(sScope->Refused());
     }
-#endif
     return tPlan.mRefused;
 }
 
 std::int64_t MemoryOwed(MemoryDoor inDoor)
 {
-#if ORL_ALLOCATOR_HAS_A_DOOR
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot now{};
     if (inDoor == MemoryDoor::kSmallBlocks && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
         return static_cast<std::int64_t>(now.mSmallBlockCountCurrent);
     }
-#endif
     return sOwed[static_cast<int>(inDoor)].load();
 }
 

@@ -154,3 +154,26 @@ TEST(Tokenizer, SeparatorAtTheEnd_LeavesNoTokenBehindIt)
     EXPECT_EQ("a", MakeStdString(tokens.Next()));
     EXPECT_EQ("", MakeStdString(tokens.Next()));
 }
+
+// The search goes by eight units at a time; each place, and units that differ from the separator in one bit, must come out as
+// in a search by one.
+TEST(Tokenizer, SeparatorAtEachPlaceAmongUnitsThatAreNearlyTheSame_IsFoundWhereItIs)
+{
+    const unsigned short separators[] = {'=', 0x0001, 0x8000, 0x7FFF, 0xFFFF, 0x0000};
+    for (const unsigned short separator : separators) {
+        for (unsigned bit = 0; bit < 16; ++bit) {
+            const unsigned short other = static_cast<unsigned short>(separator ^ 1u << bit);
+            for (std::size_t size = 0; size < 26; ++size) {
+                for (std::size_t place = 0; place <= size; ++place) {
+                    UTF16String text(size, other);
+                    if (place < size) {
+                        text[place] = separator;
+                    }
+                    Tokenizer tokens(text, UTF16String(1, separator), false);
+                    ASSERT_EQ(place, tokens.Next().size()) << separator << " at " << place << " of " << size;
+                    ASSERT_EQ(place < size ? size - place - 1 : 0, tokens.Next().size());
+                }
+            }
+        }
+    }
+}
