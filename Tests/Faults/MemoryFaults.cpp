@@ -47,13 +47,20 @@ void Owe(MemoryDoor inDoor, std::int64_t inCount)
     sOwed[static_cast<int>(inDoor)].fetch_add(inCount, std::memory_order_relaxed);
 }
 
-void* FromHeap(std::size_t inSize)
+// Null when memory is out.
+void* FromHeap(std::size_t inSize) noexcept
 {
     void* const block = Refuses(MemoryDoor::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
+    Owe(MemoryDoor::kHeap, block != nullptr ? 1 : 0);
+    return block;
+}
+
+void* FromHeapOrThrow(std::size_t inSize)
+{
+    void* const block = FromHeap(inSize);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    Owe(MemoryDoor::kHeap, 1);
     return block;
 }
 
@@ -67,8 +74,23 @@ void ToHeap(void* inBlock)
 
 } // namespace
 
-// The C++ heap of this program. Over-aligned objects go past it.
+// The C++ heap of this program: each form, since a sanitizer's own forms do not call each other. Over-aligned objects go past.
 void* operator new(std::size_t inSize)
+{
+    return FromHeapOrThrow(inSize);
+}
+
+void* operator new[](std::size_t inSize)
+{
+    return FromHeapOrThrow(inSize);
+}
+
+void* operator new(std::size_t inSize, const std::nothrow_t&) noexcept
+{
+    return FromHeap(inSize);
+}
+
+void* operator new[](std::size_t inSize, const std::nothrow_t&) noexcept
 {
     return FromHeap(inSize);
 }
@@ -78,7 +100,27 @@ void operator delete(void* inBlock) noexcept
     ToHeap(inBlock);
 }
 
+void operator delete[](void* inBlock) noexcept
+{
+    ToHeap(inBlock);
+}
+
 void operator delete(void* inBlock, std::size_t) noexcept
+{
+    ToHeap(inBlock);
+}
+
+void operator delete[](void* inBlock, std::size_t) noexcept
+{
+    ToHeap(inBlock);
+}
+
+void operator delete(void* inBlock, const std::nothrow_t&) noexcept
+{
+    ToHeap(inBlock);
+}
+
+void operator delete[](void* inBlock, const std::nothrow_t&) noexcept
 {
     ToHeap(inBlock);
 }
