@@ -7,6 +7,8 @@
 #include <tvxcore/Trace.h>
 
 #include <gtest/gtest.h>
+
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -91,6 +93,8 @@ TEST_F(ThreadRecords, EmptyNames_FireTheContractAndTheRecordIsStillBuilt)
 TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStaysMain)
 {
     mRecorder.Clear();
+    // The replaced record is nobody's then: the library keeps it alive, since this thread's slot still points to it.
+    const std::unique_ptr<ThreadManager::ThreadInfo> replaced(ThreadManager::GetCurrentThreadInfo());
     OnAnotherThread([] {
         // The slot is allocated already: the contract of that comes back too, and the record of the first is replaced.
         ThreadManager::RegisterMainThread();
