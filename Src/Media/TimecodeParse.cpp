@@ -168,6 +168,9 @@ bool Overflows(long long inFrames, const FrameRate& inRate)
     constexpr long long kFewFrames = 1000000;
     constexpr long long kFewTicks = 1000000000000;
     const long long ticks = inRate.GetTicksPerFrame();
+    if (inFrames < 0) {
+        return false; // a number beyond 63 bits
+    }
     if (inFrames <= kFewFrames && ticks > 0 && ticks <= kFewTicks && inFrames * ticks <= kTicksPerSecond) {
         return false;
     }

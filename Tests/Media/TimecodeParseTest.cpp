@@ -303,6 +303,8 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
         {__LINE__, "0:0:4294967297:4", Pal(0, 0, 1, 4)},
         // frames have 64 bits
         {__LINE__, "0:18446744073709551620", 4},
+        // the least of them, whose time wraps to zero
+        {__LINE__, "0:9223372036854775808", 0},
     };
     ExpectPalRows(rows);
 }
