@@ -113,11 +113,44 @@ void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
     ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
 }
 
+// Bytes that read the same in both forms wherever they stand but at the end.
+struct PlainBytes
+{
+    constexpr PlainBytes() : mIsPlain()
+    {
+        for (unsigned byte = 0x20; byte < 0x7F; ++byte) {
+            mIsPlain[byte] = true;
+        }
+        for (const char* illegal = kIllegal; *illegal != '\0'; ++illegal) {
+            mIsPlain[static_cast<unsigned char>(*illegal)] = false;
+        }
+    }
+
+    bool mIsPlain[256];
+};
+
+constexpr PlainBytes kPlainBytes;
+
+// Most names are of this kind, and listings are long.
+bool IsPlainName(const unsigned char* inBytes, std::size_t inSize) noexcept
+{
+    for (std::size_t i = 0; i < inSize; ++i) {
+        if (!kPlainBytes.mIsPlain[inBytes[i]]) {
+            return false;
+        }
+    }
+    return inSize != 0 && !IsBlankOrDot(inBytes[inSize - 1]);
+}
+
 } // namespace
 
 void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSize)
 {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(inName);
+    if (IsPlainName(bytes, inSize)) {
+        ioText.append(bytes, bytes + inSize);
+        return;
+    }
     bool behindHighHalf = false;
     for (std::size_t i = 0; i < inSize;) {
         if (bytes[i] < 0x80) {

@@ -10,6 +10,8 @@
 #include <ORLPathUtils.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace orl {
 
@@ -93,8 +95,10 @@ private:
         OpenSource(source);
         Tell(IngestStep::kOpened);
         File target;
-        CheckTarget(target.Create(mTemporary, Access::kFileAccess_Write, static_cast<Share::Type>(0),
-                                  Disposition::kFileCreate_Always, Attributes::kFileAttribute_Normal, true));
+        CheckTarget(OnceItIsFree([&] {
+            return target.Create(mTemporary, Access::kFileAccess_Write, static_cast<Share::Type>(0),
+                                 Disposition::kFileCreate_Always, Attributes::kFileAttribute_Normal, true);
+        }));
         const std::string digest = DigestOfSource(
             source, [&](const unsigned char* inBytes, unsigned int inCount) { WriteAll(target, inBytes, inCount); });
         if (!SetLastWriteTime(target, mTime) || !SettleFile(target)) {
@@ -260,6 +264,17 @@ private:
 };
 
 } // namespace
+
+Result OnceItIsFree(const std::function<Result()>& inWork)
+{
+    constexpr int kTries = 250;
+    Result result = inWork();
+    for (int i = 1; i < kTries && result == ORL::kSharingViolation; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        result = inWork();
+    }
+    return result;
+}
 
 std::string IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
 {

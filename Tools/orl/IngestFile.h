@@ -51,6 +51,10 @@ struct IngestStopped
 {
 };
 
+/// Does something with an unfinished file. A run that was killed may hold it for a moment longer, until the system has ended
+/// its reads, so kSharingViolation is answered by another try, for some seconds.
+ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork);
+
 /// Brings one file to the destination and gives its SHA-256 in hexadecimal digits. At no moment does anything but the
 /// whole and verified file have the final name. ioBuffer is memory to work with. Throws IngestFailure, IngestStopped and NoAnswer.
 std::string IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer);

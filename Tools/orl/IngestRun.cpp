@@ -20,7 +20,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A flush of the volume costs milliseconds, so files are acknowledged in groups.
+// A flush costs milliseconds, so files are acknowledged in groups.
 constexpr std::chrono::milliseconds kTick(100);
 constexpr std::chrono::seconds kGroupTime(10);
 constexpr std::size_t kGroupSize = 1024;
@@ -55,7 +55,7 @@ private:
     void Prepare()
     {
         for (const UTF16String& leftover : mPlan.mLeftovers) {
-            ORL::File::Delete(leftover);
+            OnceItIsFree([&leftover] { return ORL::File::Delete(leftover); });
         }
         for (const UTF16String& folder : mPlan.mFolders) {
             const ORL::Result result = ORL::Directory::CreateOnDisk(folder, false);
@@ -169,17 +169,19 @@ private:
     void Acknowledge()
     {
         std::vector<IngestManifest::Line> lines;
+        std::vector<UTF16String> files;
         {
             const std::lock_guard<std::mutex> lock(mMutex);
             for (const std::size_t index : mVerified) {
                 lines.push_back({mPlan.mItems[index].mName, mDigests[index]});
+                files.push_back(mPlan.mItems[index].mTarget);
             }
             mVerified.clear();
         }
         if (lines.empty()) {
             return;
         }
-        if (!FlushVolume(mRoots.mDestination)) {
+        if (!FlushGroup(mRoots.mDestination, files)) {
             throw Failure("ingest: \"" + mRoots.mShownDestination
                           + "\" cannot keep what was written; the last files are in place, but not in the manifest");
         }

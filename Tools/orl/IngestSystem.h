@@ -4,6 +4,7 @@
 
 #include <ORLFile.h>
 #include <tvxcore/String.h>
+#include <vector>
 
 namespace orl {
 
@@ -13,10 +14,10 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime);
 /// Waits until a file's contents are on disk.
 bool FlushFile(ORL::File& ioFile);
 
-/// For a file among many whose volume is flushed afterwards: does at once what FlushVolume cannot do for all of them.
+/// For a file that belongs to a group: does at once what FlushGroup cannot do for all of them.
 bool SettleFile(ORL::File& ioFile);
 
-/// Waits until everything on the volume of this folder is on disk: contents of settled files, names and folders.
-bool FlushVolume(const UTF16String& inFolder);
+/// Waits until settled files are on disk with their names and the folders that lead to them from inFolder on.
+bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inFiles);
 
 } // namespace orl

@@ -2,8 +2,10 @@
 
 #include <ORLHostPath.h>
 
+#include <algorithm>
 #include <ctime>
 #include <fcntl.h>
+#include <set>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -36,24 +38,56 @@ bool FlushFile(ORL::File& ioFile)
     return ::fdatasync(DescriptorOf(ioFile)) == 0;
 }
 
-// One call for the whole volume costs as much as one for a single file.
 bool SettleFile(ORL::File&)
 {
     return true;
 }
 
-bool FlushVolume(const UTF16String& inFolder)
+namespace {
+
+// From so many files on, one call for the whole volume costs less, although it waits for what others write too.
+constexpr std::size_t kManyFiles = 64;
+
+using Flush = int (*)(int);
+
+bool FlushPath(const std::string& inPath, Flush inFlush)
 {
-    std::string path;
-    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, path))) {
-        return false;
-    }
-    const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool isDone = folder >= 0 && ::syncfs(folder) == 0;
-    if (folder >= 0) {
-        ::close(folder);
+    const int file = ::open(inPath.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool isDone = file >= 0 && inFlush(file) == 0;
+    if (file >= 0) {
+        ::close(file);
     }
     return isDone;
+}
+
+std::string FolderOf(const std::string& inPath)
+{
+    return inPath.substr(0, inPath.find_last_of('/'));
+}
+
+} // namespace
+
+bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inFiles)
+{
+    std::string top;
+    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, top))) {
+        return false;
+    }
+    if (inFiles.size() >= kManyFiles) {
+        return FlushPath(top, &::syncfs);
+    }
+    std::set<std::string> folders{top};
+    for (const UTF16String& file : inFiles) {
+        std::string path;
+        if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(file, path)) || !FlushPath(path, &::fsync)) {
+            return false;
+        }
+        for (path = FolderOf(path); path.size() > top.size(); path = FolderOf(path)) {
+            folders.insert(path);
+        }
+    }
+    return std::all_of(folders.begin(), folders.end(),
+                       [](const std::string& inPath) { return FlushPath(inPath, &::fsync); });
 }
 
 } // namespace orl

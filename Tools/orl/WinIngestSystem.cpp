@@ -17,14 +17,14 @@ bool FlushFile(ORL::File& ioFile)
     return ::FlushFileBuffers(ioFile.GetPlatformFileHandle()) != FALSE;
 }
 
-// To flush a volume takes an administrator, so each file is flushed by itself. The file system's journal keeps the order
+// To flush a volume takes an administrator, so each file is flushed when it is written. The file system's journal keeps the order
 // of names.
 bool SettleFile(ORL::File& ioFile)
 {
     return FlushFile(ioFile);
 }
 
-bool FlushVolume(const UTF16String&)
+bool FlushGroup(const UTF16String&, const std::vector<UTF16String>&)
 {
     return true;
 }

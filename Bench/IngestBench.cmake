@@ -1,0 +1,2 @@
+# The program beside this one does the work.
+add_dependencies(${bench_target} orl)

@@ -1,0 +1,180 @@
+// Asks: what does it cost to be sure? An ingest (copy, read back past the cache, SHA-256 of both, flush of the volume,
+// manifest) beside "cp" and a read that compares the copy, past the cache, with the source, byte by byte. The peer does
+// not flush and keeps no checksums.
+//
+// 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is in the cache for both; the destination is
+// emptied before each round, outside of the clock.
+#include "Harness.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <sched.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Fail(const std::string& inWhat)
+{
+    std::fprintf(stderr, "bench_IngestBench: %s\n", inWhat.c_str());
+    std::exit(1);
+}
+
+fs::path FolderOfThisProgram()
+{
+    return fs::read_symlink("/proc/self/exe").parent_path();
+}
+
+struct Card
+{
+    const char* mTitle;
+    const char* mName;
+    int mFolders;
+    int mFilesInEach;
+    std::size_t mFileSize;
+
+    std::uint64_t Files() const { return static_cast<std::uint64_t>(mFolders) * static_cast<std::uint64_t>(mFilesInEach); }
+    std::uint64_t Bytes() const { return Files() * mFileSize; }
+};
+
+void MakeCard(const Card& inCard, const fs::path& inFolder)
+{
+    std::vector<std::uint64_t> words(inCard.mFileSize / sizeof(std::uint64_t));
+    std::mt19937_64 random(1);
+    for (int i = 0; i < inCard.mFolders; ++i) {
+        const fs::path folder = inFolder / ("d" + std::to_string(i));
+        fs::create_directories(folder);
+        for (int j = 0; j < inCard.mFilesInEach; ++j) {
+            for (std::uint64_t& word : words) {
+                word = random();
+            }
+            std::ofstream file(folder / ("clip" + std::to_string(j)), std::ios::binary);
+            file.write(reinterpret_cast<const char*>(words.data()), static_cast<std::streamsize>(inCard.mFileSize));
+            if (!file.flush()) {
+                Fail("the card cannot be written");
+            }
+        }
+    }
+    ::sync();
+}
+
+void RunCommand(const std::string& inCommand)
+{
+    if (std::system((inCommand + " >/dev/null").c_str()) != 0) {
+        Fail(inCommand + " failed");
+    }
+}
+
+// Reads a file whole, past the cache where inFlags says so.
+std::size_t ReadWhole(const fs::path& inFile, int inFlags, unsigned char* outBytes, std::size_t inRoom)
+{
+    const int file = ::open(inFile.c_str(), O_RDONLY | O_CLOEXEC | inFlags);
+    std::size_t size = 0;
+    ssize_t count = 0;
+    while (file >= 0 && size < inRoom
+           && (count = ::read(file, outBytes + size, std::min<std::size_t>(inRoom - size, 4 << 20))) > 0) {
+        size += static_cast<std::size_t>(count);
+    }
+    ::close(file);
+    if (file < 0 || count < 0) {
+        Fail("cannot read " + inFile.string());
+    }
+    return size;
+}
+
+void Compare(const fs::path& inSource, const fs::path& inCopy, std::size_t inFileSize)
+{
+    const std::size_t room = (inFileSize + 8191) / 4096 * 4096;
+    const auto memory = [room] {
+        return std::unique_ptr<unsigned char, decltype(&std::free)>(
+            static_cast<unsigned char*>(std::aligned_alloc(4096, room)), &std::free);
+    };
+    const auto one = memory();
+    const auto other = memory();
+    for (const auto& entry : fs::recursive_directory_iterator(inSource)) {
+        if (entry.is_regular_file()) {
+            const std::size_t size = ReadWhole(entry.path(), 0, one.get(), room);
+            const fs::path copy = inCopy / entry.path().lexically_relative(inSource);
+            if (ReadWhole(copy, O_DIRECT, other.get(), room) != size
+                || std::memcmp(one.get(), other.get(), size) != 0) {
+                Fail("the copy differs");
+            }
+        }
+    }
+}
+
+template <class Work>
+double Seconds(const fs::path& inDisk, const Work& inWork)
+{
+    fs::remove_all(inDisk);
+    ::sync();
+    const double start = Bench::NowInNanoseconds();
+    inWork();
+    return (Bench::NowInNanoseconds() - start) / 1e9;
+}
+
+// The harness binds its thread to one processor; here everybody is free.
+void UseAllProcessors()
+{
+    cpu_set_t all;
+    CPU_ZERO(&all);
+    for (unsigned i = 0; i < CPU_SETSIZE; ++i) {
+        CPU_SET(i, &all);
+    }
+    ::sched_setaffinity(0, sizeof(all), &all);
+}
+
+void Measure(const Card& inCard)
+{
+    const fs::path work = FolderOfThisProgram() / "ingest-bench";
+    const fs::path card = work / inCard.mName;
+    const fs::path disk = work / "disk";
+    fs::remove_all(work);
+    Bench::Group group(inCard.mTitle);
+    const std::string orl = "'" + (FolderOfThisProgram() / "orl").string() + "' ingest '";
+    const double megabytes = static_cast<double>(inCard.Bytes()) / 1e6;
+    bool isMade = false;
+    const auto prepare = [&] {
+        UseAllProcessors();
+        if (!isMade) {
+            MakeCard(inCard, card);
+            isMade = true;
+        }
+    };
+    group.Unit("MB/s", true).Operations(1);
+    group.Ours("orl ingest", Bench::AtLeast(1.0), [&](std::uint64_t) {
+        prepare();
+        return megabytes / Seconds(disk, [&] { RunCommand(orl + card.string() + "' '" + disk.string() + "'"); });
+    });
+    group.Peer("cp, then a comparing read past the cache", [&](std::uint64_t) {
+        prepare();
+        return megabytes / Seconds(disk, [&] {
+            RunCommand("cp -r --reflink=never '" + card.string() + "' '" + disk.string() + "'");
+            Compare(card, disk, inCard.mFileSize);
+        });
+    });
+    group.Run();
+    fs::remove_all(work);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Bench::Start(argc, argv);
+    const std::size_t large = Bench::IsQuick() ? std::size_t{2} << 20 : (std::size_t{2} << 30) / 40 / 4096 * 4096;
+    const int folders = Bench::IsQuick() ? 10 : 100;
+    Measure({"ingest of 2 GiB in 40 files", "large", 1, 40, large});
+    Measure({"ingest of 10000 files of 10 KiB", "small", folders, 100, 10240});
+    return Bench::Finish();
+}
