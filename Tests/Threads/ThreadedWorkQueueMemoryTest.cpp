@@ -27,7 +27,8 @@ public:
     {
         ++mLiving;
     }
-    ~CountedRequest() override { --mLiving; }
+    // Inlined where a release may or may not be one of these, it makes the compiler warn of the other classes.
+    __attribute__((noinline)) ~CountedRequest() override { --mLiving; }
     void Process() override { mFunction(); }
 
 private:
