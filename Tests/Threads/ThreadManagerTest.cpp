@@ -123,6 +123,7 @@ TEST_F(ThreadRecords, UnregisterOfAThreadWithoutRecord_FiresTheContract)
 
 TEST_F(ThreadRecords, NamingAThreadWithNoDebuggerAttached_DoesNothingVisible)
 {
+    mRecorder.Clear();
     OnAnotherThread([this] {
         ConstString name("Renderer");
         ConstString module("Editor");
