@@ -10,6 +10,7 @@
 #include <Platform/Waiting.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <new>
 #include <memory>
@@ -210,6 +211,7 @@ SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
     return inPosition >= static_cast<std::uint64_t>(end) ? kErrorHandleEof : kNoError;
 }
 
+// Belongs to the thread itself and to who holds its handle; the last of them takes it away.
 struct Thread
 {
     pthread_t mThread;
@@ -217,14 +219,24 @@ struct Thread
     void (*mBody)(void*);
     void* mArgument;
     bool mIsJoined = false;
+    std::atomic<int> mOwners{2};
 };
+
+void LetGo(Thread* inThread)
+{
+    if (inThread->mOwners.fetch_sub(1) == 1) {
+        delete inThread;
+    }
+}
 
 void* RunThread(void* inThread)
 {
-    const Thread& thread = *static_cast<Thread*>(inThread);
-    void (*const body)(void*) = thread.mBody;
-    void* const argument = thread.mArgument;
-    ThreadManager::Platform::NameThread_Impl(thread.mName);
+    Thread* const thread = static_cast<Thread*>(inThread);
+    const char* const name = thread->mName;
+    void (*const body)(void*) = thread->mBody;
+    void* const argument = thread->mArgument;
+    LetGo(thread);
+    ThreadManager::Platform::NameThread_Impl(name);
     body(argument);
     return nullptr;
 }
@@ -380,11 +392,10 @@ void CloseThread_Impl(Handle inThread)
     if (thread == nullptr) {
         return;
     }
-    if (thread->mIsJoined) {
-        delete thread;
-    } else {
-        ::pthread_detach(thread->mThread); // it may still be reading its record, which stays with it
+    if (!thread->mIsJoined) {
+        ::pthread_detach(thread->mThread);
     }
+    LetGo(thread);
 }
 
 } // namespace Platform
