@@ -248,6 +248,25 @@ TEST(FileBlockCacheHosts, AFactory_IsCountedAndReleased)
     EXPECT_EQ(1, alive) << "the copy holds it";
 }
 
+// A host's factory may ask the library for things while it goes: it holds the foundation lock, which it may take again.
+TEST(FileBlockCacheHosts, TheEarlierFactory_GoesUnderTheFoundationLock)
+{
+    class Going : public FactoryOf
+    {
+    public:
+        explicit Going(bool& outSawLater) : FactoryOf([] { return BufferRef(); }), mSawLater(outSawLater) {}
+        ~Going() override { mSawLater = static_cast<bool>(Foundation::GetFileBufferFactory()); }
+
+    private:
+        bool& mSawLater;
+    };
+    bool sawLater = false;
+    Foundation::SetFileBufferFactory(FactoryRef(new Going(sawLater)));
+    Foundation::SetFileBufferFactory(FactoryRef(new FactoryOf([] { return BufferRef(); })));
+    EXPECT_TRUE(sawLater) << "the new factory is in place when the earlier one goes";
+    Foundation::SetFileBufferFactory(FactoryRef());
+}
+
 // --- against a plain buffer ------------------------------------------------------------------------------------------
 
 namespace {

@@ -190,6 +190,8 @@ const Operation kOperations[] = {
          EXPECT_TRUE(real == Big('n') || real == Big('o')) << "the real file is whole";
          EXPECT_TRUE((temp == Big('n')) == (real == Big('o'))) << "the temporary name stands until it is done";
          EXPECT_TRUE(!succeeded || real == Big('n'));
+         const auto names = std::distance(std::filesystem::directory_iterator(folder.Host()), {});
+         EXPECT_TRUE(real == Big('n') || names == 2) << "what failed before the swap leaves no second name";
      },
      {}},
 };

@@ -44,6 +44,14 @@ TEST(FileOnLinux, TheHandle_PointsToTheDescriptor)
     EXPECT_EQ(5, status.st_size);
 }
 
+TEST(FileOnLinux, CreateWithARelativePath_AsksTheSystemNothing)
+{
+    const Faults calls;
+    EXPECT_EQ(kPathNotFound,
+              Opened(Units(u"f"), kWrite, kShareNone, Disposition::kFileCreate_Always, kNormal, true).mResult);
+    EXPECT_EQ(0u, calls.Count(Faults::kAny));
+}
+
 TEST(FileOnLinux, AProcessThatIsKilled_HoldsNothingMore)
 {
     const TempFolder folder;

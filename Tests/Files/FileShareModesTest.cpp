@@ -5,6 +5,7 @@
 #include <Platform/AsyncFiles.h>
 #include <ProcessRunner.h>
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>
@@ -154,6 +155,39 @@ TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
         AsyncFiles::Platform::CloseFile_Impl(reader);
     }
     EXPECT_EQ(0u, OpenHandle(path, kAlone).mError);
+}
+
+// Threads that want the file for themselves: never two have it, and one at least does.
+TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    const UTF16String path = folder.Path(u"f");
+    std::atomic<int> inside{0};
+    std::atomic<int> got{0};
+    std::atomic<int> wrong{0};
+    const auto race = [&] {
+        for (int round = 0; round < 500; ++round) {
+            Handle file = nullptr;
+            const SystemError error = OpenHolding(path, kAlone, file);
+            if (error == 0) {
+                wrong += inside.fetch_add(1) != 0 ? 1 : 0;
+                ++got;
+                --inside;
+                CloseFile_Impl(file);
+            }
+            wrong += error != 0 && error != 32 ? 1 : 0;
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back(race);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0, wrong);
+    EXPECT_LT(0, got);
 }
 
 // Two processes that want the file for themselves: never both have it, each gets it at times.
