@@ -67,6 +67,7 @@ TEST_F(SharedQueues, Queue_RunsRequests)
     WaitableGate gate;
     ASSERT_TRUE(Shared().RetrieveOrCreate(3)->QueueRequest(Request(new OpensGate(gate))));
     EXPECT_EQ(kSuccess, gate.Wait(-1));
+    SharedThreadedWorkQueue::Shutdown(); // who opens a gate may still be in it when the wait is over
 }
 
 TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
