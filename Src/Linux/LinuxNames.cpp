@@ -1,5 +1,7 @@
 #include "LinuxNames.h"
 
+#include <algorithm>
+
 namespace ORL {
 namespace Linux {
 
@@ -148,7 +150,9 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(inName);
     if (IsPlainName(bytes, inSize)) {
-        ioText.append(bytes, bytes + inSize);
+        const std::size_t end = ioText.size();
+        ioText.resize(end + inSize);
+        std::copy(bytes, bytes + inSize, ioText.begin() + static_cast<std::ptrdiff_t>(end));
         return;
     }
     bool behindHighHalf = false;
