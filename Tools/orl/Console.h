@@ -20,7 +20,7 @@ public:
     UTF8Console& operator=(const UTF8Console&) = delete;
 
 private:
-    unsigned int mEarlierCodePage;
+    [[maybe_unused]] unsigned int mEarlierCodePage; // of the Windows console
 };
 
 /// Whether standard output is a terminal and not a file or pipe.
