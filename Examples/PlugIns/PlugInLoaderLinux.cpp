@@ -1,14 +1,23 @@
 #include "PlugInLoader.h"
 
 #include <dlfcn.h>
+#include <filesystem>
 
 namespace {
+
+// A name alone is that of a module beside this program, as it is on the home platform.
+std::string WhereItStands(const std::string& inName)
+{
+    return inName.find('/') != std::string::npos
+               ? inName
+               : (std::filesystem::read_symlink("/proc/self/exe").parent_path() / inName).string();
+}
 
 std::string WithEnding(const std::string& inName)
 {
     const std::string ending = ".so";
-    const bool hasIt = inName.size() > ending.size()
-                       && inName.compare(inName.size() - ending.size(), ending.size(), ending) == 0;
+    const bool hasIt =
+        inName.size() > ending.size() && inName.compare(inName.size() - ending.size(), ending.size(), ending) == 0;
     return hasIt ? inName : inName + ending;
 }
 
@@ -21,7 +30,7 @@ std::string WithEnding(const std::string& inName)
 
 RegisterEffectsFunction* LoadPlugIn(const std::string& inName)
 {
-    void* const module = ::dlopen(WithEnding(inName).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const module = ::dlopen(WhereItStands(WithEnding(inName)).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
         Fail();
     }
