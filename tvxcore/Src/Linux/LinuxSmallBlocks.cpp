@@ -1,9 +1,11 @@
 #include <CorePlatform/SmallBlockSystem.h>
 
 #include <SmallBlocks/CachePool.h>
+#include <tvxcore/SmallBlockAllocator.h>
 
 #include <cerrno>
 #include <cstdint>
+#include <dlfcn.h>
 #include <pthread.h>
 #include <sys/mman.h>
 
@@ -88,8 +90,9 @@ void WatchForks_Impl(void (*inBefore)(), void (*inAfter)()) noexcept
 
 namespace {
 
-// When a library is unloaded, its ending functions run before its static destructors; when the process ends, after
-// those of all libraries. So a static destructor that comes after such a function knows that the process goes on.
+// When a library that was loaded at run time is unloaded, its ending functions run before its static destructors; when
+// the process ends, after those of all such libraries. So a static destructor that comes after such a function knows
+// that the process goes on.
 bool sEndingFunctionRan = false;
 
 __attribute__((destructor)) void OnEnding()
@@ -97,11 +100,31 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
+// One that came with the program is never unloaded, and sees that order at the end of the process. The program's scope
+// holds it, and what was loaded into that scope for all to see: that is taken for the program's too, and keeps its
+// pages.
+bool CameWithTheProgram() noexcept
+{
+    Dl_info here;
+    const auto exported = reinterpret_cast<void*>(&SmallBlockAllocator::Metrics::GetSnapshot);
+    if (::dladdr(exported, &here) == 0 || here.dli_sname == nullptr) {
+        return true;
+    }
+    void* const program = ::dlopen(nullptr, RTLD_LAZY);
+    const bool isInItsScope = program == nullptr || ::dlsym(program, here.dli_sname) == here.dli_saddr;
+    if (program != nullptr) {
+        ::dlclose(program);
+    }
+    return isInItsScope;
+}
+
+const bool sCameWithTheProgram = CameWithTheProgram();
+
 } // namespace
 
 bool IsUnloading_Impl() noexcept
 {
-    return sEndingFunctionRan;
+    return sEndingFunctionRan && !sCameWithTheProgram;
 }
 
 } // namespace Platform

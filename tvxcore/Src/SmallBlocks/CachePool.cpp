@@ -159,7 +159,10 @@ ThreadCache* SharedCacheUse::operator->() const noexcept
 void ReleaseAllIfUnused() noexcept
 {
     Platform::ForgetThreadEnds_Impl();
-    sThreadEnds = kCannotWatch;
+    {
+        const Guard guard(sPoolMutex);
+        sThreadEnds = kCannotWatch;
+    }
     if (IsAnyBlockOutstanding()) {
         return;
     }
