@@ -5,6 +5,12 @@
 
 using namespace tvxmediatypes;
 
+// Constant expressions: this file does not compile where they are none.
+static_assert(kTime_Max > kTime_Zero, "");
+static_assert(kFrameRate_VideoNTSC.GetTicksPerFrame() == 23543520, "");
+static_assert(kFrameRate_23976.GetTicksPerFrame() == 29429400, "");
+static_assert(kFrameRate_VideoNTSC_HD.GetTicksPerFrame() == 11771760, "");
+
 namespace {
 
 // Read by a static of another unit before main: the constants must have their values without any code having run.
@@ -19,15 +25,6 @@ const TickTime sDayAtLoad = [] {
 TEST(Constants, ReadByAStaticAtLoad_AlreadyHaveTheirValues)
 {
     EXPECT_EQ(TickTime(86400.0), sDayAtLoad);
-}
-
-TEST(Constants, AreConstantExpressions)
-{
-    static_assert(kTime_Max > kTime_Zero, "");
-    static_assert(kFrameRate_VideoNTSC.GetTicksPerFrame() == 23543520, "");
-    static_assert(kFrameRate_23976.GetTicksPerFrame() == 29429400, "");
-    static_assert(kFrameRate_VideoNTSC_HD.GetTicksPerFrame() == 11771760, "");
-    SUCCEED();
 }
 
 TEST(TimeDisplay, Values_AreFixed)
