@@ -1,16 +1,11 @@
-// Opening, reading, writing and whole-file operations, as hosts use them.
+// Opening, reading and writing, and the times of files, as hosts use them.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 
-#include <CheckRecorder.h>
 #include <FileImpl.h>
 #include <SystemProbes.h>
 
-#include <ORLPathUtils.h>
-
-#include <cmath>
 #include <gtest/gtest.h>
-#include <vector>
 
 using namespace ORL;
 using namespace ORLTest;
@@ -297,17 +292,6 @@ unsigned __int64 SecondsAfter1970(unsigned __int64 inSeconds)
     return (inSeconds + 11644473600u) * 10000000u;
 }
 
-// 1000000000 s after 1970, as another program sets it.
-void SetTime(const std::filesystem::path& inPath)
-{
-    using namespace std::filesystem;
-    // The clock of file times has an epoch of its own: go there from a time that both know.
-    const auto systemNow = std::chrono::system_clock::now();
-    const auto fileNow = file_time_type::clock::now();
-    const auto wanted = std::chrono::system_clock::from_time_t(1000000000);
-    last_write_time(inPath, fileNow + std::chrono::duration_cast<file_time_type::duration>(wanted - systemNow));
-}
-
 } // namespace
 
 TEST(File, LastModificationTime_IsIn100nsSince1601)
@@ -315,7 +299,7 @@ TEST(File, LastModificationTime_IsIn100nsSince1601)
     const TempFolder folder;
     folder.MakeFile("f");
     folder.MakeFolder("d");
-    SetTime(folder.Host() / "f");
+    SetTimeTo2001(folder.Host() / "f");
     const UTF16String path = folder.Path(u"f");
     const auto isClose = [](unsigned __int64 inTime) {
         return inTime > SecondsAfter1970(1000000000 - 2) && inTime < SecondsAfter1970(1000000000 + 2);
@@ -342,214 +326,4 @@ TEST(File, LastModificationTime_IsIn100nsSince1601)
 TEST(File, OSFileTypes_DoNotExist)
 {
     EXPECT_EQ(0u, File::GetOSFileType(Units(u"C:\\clip.wav")));
-}
-
-// --- deleting, copying, moving ---------------------------------------------------------------------------------------
-
-TEST(File, Delete_TakesExtendedAndPlainPaths)
-{
-    const TempFolder folder;
-    folder.MakeFile("f");
-    folder.MakeFile("g");
-    EXPECT_EQ(kSuccess, File::Delete(folder.Path(u"f")));
-    EXPECT_EQ(kSuccess, File::Delete(PathUtils::ToNormalizedPath(folder.Path(u"g"))));
-    EXPECT_EQ(kFileNotFound, File::Delete(folder.Path(u"f")));
-    EXPECT_EQ(kPathNotFound, File::Delete(folder.Path(u"no\\f")));
-    EXPECT_EQ(kAccessDenied, File::Delete(folder.Path()));
-}
-
-TEST(File, Copy_BringsContentsAndTime)
-{
-    const TempFolder folder;
-    folder.MakeFile("f", "hello");
-    folder.MakeFile("g", "a longer text that is there before");
-    SetTime(folder.Host() / "f");
-    for (const char16_t* name : {u"g", u"new"}) {
-        EXPECT_EQ(kSuccess, File::Copy(folder.Path(u"f"), folder.Path(name)));
-        unsigned __int64 source = 0;
-        unsigned __int64 copy = 1;
-        EXPECT_EQ(kSuccess, File::GetLastModificationTime(folder.Path(u"f"), source));
-        EXPECT_EQ(kSuccess, File::GetLastModificationTime(folder.Path(name), copy));
-        EXPECT_EQ(source, copy);
-    }
-    EXPECT_EQ("hello", ContentsOf(folder, "g"));
-    EXPECT_EQ("hello", ContentsOf(folder, "new"));
-    EXPECT_EQ(kFileNotFound, File::Copy(folder.Path(u"none"), folder.Path(u"n")));
-    EXPECT_EQ(kPathNotFound, File::Copy(folder.Path(u"f"), folder.Path(u"no\\n")));
-}
-
-TEST(File, Move_RenamesFilesAndDirectories)
-{
-    const TempFolder folder;
-    folder.MakeFile("f", "hello");
-    folder.MakeFile("d/inside", "deep");
-    EXPECT_EQ(kSuccess, File::Move(folder.Path(u"f"), folder.Path(u"g")));
-    EXPECT_EQ("hello", ContentsOf(folder, "g"));
-    folder.MakeFolder("d");
-    folder.MakeFile("d/inside", "deep");
-    EXPECT_EQ(kSuccess, File::Move(folder.Path(u"d"), folder.Path(u"e")));
-    EXPECT_EQ("deep", ContentsOf(folder, "e/inside"));
-    EXPECT_EQ(kAlreadyExists, File::Move(folder.Path(u"g"), folder.Path(u"e")));
-    EXPECT_EQ(kFileNotFound, File::Move(folder.Path(u"none"), folder.Path(u"n")));
-    EXPECT_EQ("hello", ContentsOf(folder, "g"));
-}
-
-namespace {
-
-struct Told
-{
-    std::vector<float> mParts;
-    std::size_t mStopsAt = ~std::size_t{0};
-
-    static bool OnProgress(float inPart, void* ioTold)
-    {
-        Told& told = *static_cast<Told*>(ioTold);
-        told.mParts.push_back(inPart);
-        return told.mParts.size() <= told.mStopsAt;
-    }
-};
-
-} // namespace
-
-TEST(File, CopyWithProgress_TellsFrom0To1)
-{
-    const TempFolder folder;
-    const std::string contents = MakeContents((std::size_t{9} << 20) + 123);
-    folder.MakeFile("f", contents);
-    Told told;
-    EXPECT_EQ(kSuccess, File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &Told::OnProgress, &told));
-    EXPECT_TRUE(contents == ContentsOf(folder, "g"));
-    if (!SystemTellsCopyProgress()) {
-        GTEST_SKIP() << "this system does not tell the progress of a copy";
-    }
-    ASSERT_LE(3u, told.mParts.size());
-    EXPECT_EQ(0.0f, told.mParts.front());
-    EXPECT_EQ(1.0f, told.mParts.back());
-    EXPECT_TRUE(std::is_sorted(told.mParts.begin(), told.mParts.end()));
-}
-
-TEST(File, CopyWithProgressOfAnEmptyFile_TellsNoNumber)
-{
-    const TempFolder folder;
-    folder.MakeFile("f", "");
-    Told told;
-    EXPECT_EQ(kSuccess, File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &Told::OnProgress, &told));
-    EXPECT_EQ("", ContentsOf(folder, "g"));
-    if (!SystemTellsCopyProgress()) {
-        GTEST_SKIP() << "this system does not tell the progress of a copy";
-    }
-    ASSERT_LE(1u, told.mParts.size());
-    EXPECT_TRUE(std::isnan(told.mParts[0]));
-}
-
-TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
-{
-    if (!SystemTellsCopyProgress()) {
-        GTEST_SKIP() << "this system does not tell the progress of a copy";
-    }
-    const TempFolder folder;
-    folder.MakeFile("f", MakeContents(std::size_t{9} << 20));
-    folder.MakeFile("empty", "");
-    for (const char16_t* source : {u"f", u"empty"}) {
-        for (std::size_t stop = 0; stop < 2; ++stop) {
-            if (stop == 1 && source[0] == u'e') {
-                continue;
-            }
-            Told told;
-            told.mStopsAt = stop;
-            EXPECT_EQ(kOperationAborted,
-                      File::CopyWithProgress(folder.Path(source), folder.Path(u"g"), &Told::OnProgress, &told));
-            EXPECT_EQ(stop + 1, told.mParts.size());
-            EXPECT_EQ("<none>", ContentsOf(folder, "g"));
-        }
-    }
-}
-
-// Its own, narrower table: what is not listed is a full disk.
-TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
-{
-    const TempFolder folder;
-    folder.MakeFile("f", "x");
-    folder.MakeFile("g", "y");
-    folder.MakeFolder("d");
-    Told told;
-    const auto copy = [&](const char16_t* inSource, const char16_t* inDestination) {
-        return File::CopyWithProgress(folder.Path(inSource), folder.Path(inDestination), &Told::OnProgress, &told);
-    };
-    EXPECT_EQ(kFileNotFound, copy(u"none", u"n"));
-    EXPECT_EQ(kPathNotFound, copy(u"f", u"no\\n"));
-    EXPECT_EQ(kAccessDenied, copy(u"f", u"d"));
-    const Opened held(folder.Path(u"g"), kRead, kShareNone);
-    EXPECT_EQ(kDiskFull, copy(u"f", u"g")) << "a sharing violation is not listed";
-    EXPECT_EQ(kDiskFull, copy(u"f", u"a*")) << "nor is an invalid name";
-    EXPECT_EQ(0u, told.mParts.size());
-}
-
-// --- swapping --------------------------------------------------------------------------------------------------------
-
-TEST(File, SwapTempFile_PutsTheNewContentsInPlace)
-{
-    const TempFolder folder;
-    folder.MakeFile("real.txt", "old");
-    folder.MakeFile("temp.txt", "new");
-    EXPECT_EQ(kSuccess, File::SwapTempFile(folder.Path(u"temp.txt"), folder.Path(u"real.txt")));
-    EXPECT_EQ("new", ContentsOf(folder, "real.txt"));
-    EXPECT_EQ("<none>", ContentsOf(folder, "temp.txt"));
-    EXPECT_EQ("<none>", ContentsOf(folder, "real~1.txt"));
-}
-
-TEST(File, SwapTempFileThatFails_LeavesBothFiles)
-{
-    const TempFolder folder;
-    folder.MakeFile("real.txt", "old");
-    folder.MakeFile("temp.txt", "new");
-    EXPECT_EQ(kFileNotFound, File::SwapTempFile(folder.Path(u"temp.txt"), folder.Path(u"none.txt")));
-    EXPECT_EQ(kFileNotFound, File::SwapTempFile(folder.Path(u"none.txt"), folder.Path(u"real.txt")));
-    {
-        const Opened held(folder.Path(u"temp.txt"), kRead, kShareEverything);
-        EXPECT_EQ(kSharingViolation, File::SwapTempFile(folder.Path(u"temp.txt"), folder.Path(u"real.txt")));
-    }
-    EXPECT_EQ("old", ContentsOf(folder, "real.txt"));
-    EXPECT_EQ("new", ContentsOf(folder, "temp.txt"));
-    EXPECT_EQ("<none>", ContentsOf(folder, "real~1.txt"));
-}
-
-// A reader that lets the file be deleted goes on reading the old contents.
-TEST(File, SwapTempFile_LeavesAReaderItsContents)
-{
-    const TempFolder folder;
-    folder.MakeFile("real.txt", "old");
-    folder.MakeFile("temp.txt", "new");
-    Opened reader(folder.Path(u"real.txt"), kRead, kShareReaders | Share::kFileShare_Delete);
-    EXPECT_EQ(kSuccess, File::SwapTempFile(folder.Path(u"temp.txt"), folder.Path(u"real.txt")));
-    EXPECT_EQ("old", ReadText(reader.mFile, 10));
-    reader.mFile.Close();
-    EXPECT_EQ("new", ContentsOf(folder, "real.txt"));
-}
-
-TEST(File, MakeUniqueTempPath_CountsUpToAFreeName)
-{
-    const TempFolder folder;
-    const auto unique = [&](const char16_t* inName) { return Show(File::MakeUniqueTempPath(folder.Path(inName))); };
-    const std::string base = Show(folder.Path()) + "\\";
-    EXPECT_EQ(base + "photo~1.jpg", unique(u"photo.jpg"));
-    folder.MakeFile("photo~1.jpg");
-    folder.MakeFolder("photo~2.jpg");
-    EXPECT_EQ(base + "photo~3.jpg", unique(u"photo.jpg"));
-    EXPECT_EQ(base + "noext~1", unique(u"noext"));
-    EXPECT_EQ(base + "a.b~1.c", unique(u"a.b.c"));
-    EXPECT_FALSE(std::filesystem::exists(folder.Host() / "photo~3.jpg")) << "nothing is made";
-}
-
-TEST(File, MakeUniqueTempPathOfALongName_CutsItTo250)
-{
-    const TempFolder folder;
-    const UTF16String path = folder.Path((std::u16string(300, u'n') + u".jpg").c_str());
-    const UTF16String expected = folder.Path((std::u16string(246, u'n') + u"~1.jpg").c_str());
-    EXPECT_EQ(Show(expected), Show(File::MakeUniqueTempPath(path)));
-    const UTF16String fits = folder.Path((std::u16string(246, u'n') + u".jpg").c_str());
-    EXPECT_EQ(Show(expected), Show(File::MakeUniqueTempPath(fits)));
-    const UTF16String longExtension = folder.Path((u"name." + std::u16string(300, u'e')).c_str());
-    EXPECT_EQ(Show(folder.Path((u"~1." + std::u16string(300, u'e')).c_str())),
-              Show(File::MakeUniqueTempPath(longExtension)));
 }

@@ -7,6 +7,8 @@
 #include <TempFolder.h>
 #include <TextHelpers.h>
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -69,6 +71,17 @@ inline __int64 PositionOf(ORL::File& ioFile)
 {
     __int64 position = -77;
     return ioFile.GetFilePointer(position) == ORL::kSuccess ? position : -78;
+}
+
+/// Sets the time of the last change to 1000000000 s after 1970, as another program does.
+inline void SetTimeTo2001(const std::filesystem::path& inPath)
+{
+    using namespace std::filesystem;
+    // The clock of file times has an epoch of its own: go there from a time that both know.
+    const auto systemNow = std::chrono::system_clock::now();
+    const auto fileNow = file_time_type::clock::now();
+    const auto wanted = std::chrono::system_clock::from_time_t(1000000000);
+    last_write_time(inPath, fileNow + std::chrono::duration_cast<file_time_type::duration>(wanted - systemNow));
 }
 
 } // namespace ORLTest
