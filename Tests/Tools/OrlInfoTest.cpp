@@ -51,6 +51,33 @@ TEST(Orl, WithAnUnknownCommand_NamesItAndEndsWith2)
     EXPECT_NE(std::string::npos, result.mErrors.find("frobnicate"));
 }
 
+// A mistake names the command and where its help is.
+TEST(Orl, CommandLineThatMakesNoSense_SaysWhichCommandAndWhereToLook)
+{
+    struct Row
+    {
+        int mLine;
+        std::vector<std::string> mArguments;
+        const char* mErrors;
+    };
+    const Row rows[] = {
+        {__LINE__, {}, "orl: A subcommand is required (see orl --help)\n"},
+        {__LINE__, {"frobnicate"}, "orl: no command is called \"frobnicate\" (see orl --help)\n"},
+        {__LINE__, {"tc", "frobnicate"}, "orl: no command is called \"frobnicate\" (see orl tc --help)\n"},
+        {__LINE__, {"tc"}, "orl: tc: A subcommand is required (see orl tc --help)\n"},
+        {__LINE__, {"make-clip"}, "orl: make-clip: PATH is required (see orl make-clip --help)\n"},
+        {__LINE__, {"tc", "convert"}, "orl: tc convert: --to is required (see orl tc convert --help)\n"},
+        {__LINE__,
+         {"stream", "--depth", "0", "x"},
+         "orl: stream: --depth: Value 0 not in range 1 to 2048 (see orl stream --help)\n"},
+    };
+    for (const Row& row : rows) {
+        const ProcessResult result = Orl(row.mArguments);
+        EXPECT_EQ(2, result.mExitCode) << "row at line " << row.mLine;
+        EXPECT_EQ(row.mErrors, result.mErrors) << "row at line " << row.mLine;
+    }
+}
+
 TEST(Orl, HelpAndVersion_GoToStandardOutputAndEndWith0)
 {
     for (const char* wish : {"--help", "--version"}) {

@@ -1,11 +1,14 @@
 // orl stream with files and kernels that only this platform has.
 #include "ShrinkingStream.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -58,7 +61,51 @@ TEST_F(OrlStreamLinux, FileWithoutPermission_IsSaidOnOneLine)
 TEST_F(OrlStreamLinux, PipeThatNobodyWrites_IsSaidOnOneLine)
 {
     ASSERT_EQ(0, ::mkfifo(Host("pipe").c_str(), 0600));
-    ExpectComplaint("pipe", "it cannot be opened for reading");
+    ExpectComplaint("pipe", "it is a device or a pipe, not a file");
+}
+
+TEST_F(OrlStreamLinux, LinkThatLeadsNowhere_IsSaidOnOneLine)
+{
+    ASSERT_EQ(0, ::symlink("nothing", Host("link").c_str()));
+    ExpectComplaint("link", "it is a link that leads nowhere");
+}
+
+// A name may hold what a terminal takes for an order, and a character of several bytes is one column wide.
+TEST_F(OrlStreamLinux, NameWithControlCharacters_IsShownOnItsRowWithoutThem)
+{
+    mFolder.MakeFile("a\x1b[31m\nb", kText);
+    mFolder.MakeFile("caf\xC3\xA9s.mov", kText);
+    const ProcessResult result =
+        RunBesideThisProgram("orl", {"stream", Host("a\x1b[31m\nb"), Host("caf\xC3\xA9s.mov")});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    const std::size_t row = result.mOutput.find('\n') + 1;
+    EXPECT_EQ(row, result.mOutput.find("a?[31m?b             9")) << result.mOutput;
+    EXPECT_NE(std::string::npos, result.mOutput.find("\ncaf\xC3\xA9s.mov            9")) << result.mOutput;
+}
+
+TEST_F(OrlStreamLinux, ClipForADeviceOrAPipe_IsRefusedAndTheDeviceStays)
+{
+    ASSERT_EQ(0, ::mkfifo(Host("pipe").c_str(), 0600));
+    const ProcessResult result = RunBesideThisProgram("orl", {"make-clip", Host("pipe"), "--size", "1"});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_EQ("orl: make-clip: cannot write \"" + Host("pipe") + "\": it is a device or a pipe, not a file\n",
+              result.mErrors);
+    EXPECT_TRUE(std::filesystem::is_fifo(Host("pipe")));
+}
+
+TEST_F(OrlStreamLinux, ClipThatTheSystemCutsShort_LeavesNothingBehindAndTellsWhy)
+{
+    const std::string command = "ulimit -f 20000; trap '' XFSZ; '" + FolderOfThisProgram() + "orl' make-clip '"
+                                + Host("clip.y4m") + "' --size 64M 2> '" + Host("said") + "'";
+    const int status = std::system(("bash -c \"" + command + "\"").c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(1, WEXITSTATUS(status));
+    std::ifstream said(Host("said"));
+    std::string line;
+    std::getline(said, line);
+    EXPECT_EQ("orl: make-clip: cannot write \"" + Host("clip.y4m") + "\": File too large", line);
+    EXPECT_FALSE(std::filesystem::exists(Host("clip.y4m")));
+    EXPECT_FALSE(std::filesystem::exists(Host("clip.y4m.part")));
 }
 
 TEST_F(OrlStreamLinux, NameThatIsNotUTF8_IsStreamed)

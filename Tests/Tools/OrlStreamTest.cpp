@@ -1,6 +1,7 @@
 // orl stream and orl make-clip as a user meets them.
 #include "ShrinkingStream.h"
 
+#include <ORLDiskUtils.h>
 #include <ORLPathUtils.h>
 #include <ORLResult.h>
 #include <ProcessRunner.h>
@@ -177,8 +178,58 @@ TEST_F(OrlStream, ClipThatCannotBeWritten_LeavesNothingBehind)
 {
     const ProcessResult result = Orl({"make-clip", Host("no/such/clip.y4m"), "--size", "1M"});
     EXPECT_EQ(1, result.mExitCode);
-    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_EQ("orl: make-clip: cannot write \"" + Host("no/such/clip.y4m") + "\": No such file or directory\n",
+              result.mErrors);
     EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
+}
+
+TEST_F(OrlStream, ClipInPlaceOfAFolder_IsRefused)
+{
+    mFolder.MakeFolder("folder");
+    const ProcessResult result = Orl({"make-clip", Host("folder"), "--size", "1M"});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_EQ("orl: make-clip: cannot write \"" + Host("folder") + "\": it is a directory\n", result.mErrors);
+    EXPECT_TRUE(std::filesystem::is_directory(mFolder.Host() / "folder"));
+    EXPECT_FALSE(std::filesystem::exists(mFolder.Host() / "folder.part"));
+}
+
+TEST_F(OrlStream, SmallestClip_HasOneFrame)
+{
+    ASSERT_EQ(0, Orl({"make-clip", Host("clip.y4m"), "--size", "1"}).mExitCode);
+    EXPECT_EQ(45u + 6 + 1920 * 1080 * 3 / 2, std::filesystem::file_size(mFolder.Host() / "clip.y4m"));
+}
+
+// A size below zero must not be taken for an enormous one, which would fill the disk.
+TEST_F(OrlStream, ClipOfNoSizeOrTooLarge_IsAMistakeOfTheCommandLine)
+{
+    for (const char* size : {"0", "-1", "-256M", "2T", "99999999999999999999", "1.5M", "lots", ""}) {
+        const ProcessResult result = Orl({"make-clip", Host("clip.y4m"), "--size", size});
+        EXPECT_EQ(2, result.mExitCode) << size;
+        EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+        EXPECT_NE(std::string::npos, result.mErrors.find("--size")) << result.mErrors;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
+}
+
+TEST_F(OrlStream, ClipLargerThanTheDisksRoom_IsRefusedBeforeAnythingIsWritten)
+{
+    if (ORL::DiskUtils::GetFreeSpaceFromPath(mFolder.Path()) >= std::uint64_t{1} << 40) {
+        GTEST_SKIP() << "the disk has room for the largest clip";
+    }
+    const ProcessResult result = Orl({"make-clip", Host("clip.y4m"), "--size", "1T"});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find("the disk has room for ")) << result.mErrors;
+    EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
+}
+
+TEST_F(OrlStream, EmptyPath_IsCalledNoPath)
+{
+    for (const char* command : {"stream", "make-clip", "info"}) {
+        const ProcessResult result = Orl({command, ""});
+        EXPECT_EQ(1, result.mExitCode) << command;
+        EXPECT_NE(std::string::npos, result.mErrors.find("an empty text is no path")) << result.mErrors;
+    }
 }
 
 TEST_F(OrlStream, FilesThatFail_EachHaveTheirLineAndTheOthersAreStreamed)

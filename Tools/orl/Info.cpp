@@ -69,8 +69,8 @@ void PrintText(const Facts& inFacts)
     };
     row("version") << ORL_VERSION << '\n';
     row("platform") << ORL_PLATFORM_NAME << '\n';
-    row("path") << inFacts.mPath << '\n';
-    row("host path") << inFacts.mHostPath << '\n';
+    row("path") << OnOneLine(inFacts.mPath) << '\n';
+    row("host path") << OnOneLine(inFacts.mHostPath) << '\n';
     row("kind") << inFacts.mKind << '\n';
     row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
     row("sector size") << inFacts.mSectorSize << " bytes\n";
@@ -78,7 +78,7 @@ void PrintText(const Facts& inFacts)
                       << " bytes)\n";
     const char* title = "drives";
     for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
-        row(title) << ToUTF8(drive.mRoot) << "  " << drive.mHostFolder << '\n';
+        row(title) << OnOneLine(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
         title = "";
     }
 }

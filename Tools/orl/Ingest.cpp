@@ -114,11 +114,13 @@ void AddIngest(CLI::App& ioProgram)
                       "exchange other files that have the same names at the destination");
     command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")
         ->check([](const std::string& inName) {
-            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string() : "--manifest takes a file name";
+            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string() : "a file name is wanted, without a folder";
         });
     command->add_option("--rate", options->mRate, "frame rate of the lengths in the table (default 25): " + RateNames());
-    command->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files on their way at once (default 4)")
-        ->check(CLI::Range(1, 64));
+    command
+        ->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files on their way at once, 1 to 64 (default 4)")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 64).description(""));
     command->callback([options] { Run(*options); });
 }
 

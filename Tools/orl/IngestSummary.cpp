@@ -42,29 +42,23 @@ constexpr std::size_t kMostRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 
-std::string Cut(const std::string& inName)
-{
-    const std::string name = OnOneLine(inName);
-    return name.size() <= kWidestName ? name : "..." + name.substr(name.size() - kWidestName + 3);
-}
-
 void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const NamedRate& inRate)
 {
     const std::size_t count = std::min(inRows.size(), kMostRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
-        width = std::max(width, Cut(inRows[i].mItem->mName).size());
+        width = std::max(width, CountCharacters(EndOf(inRows[i].mItem->mName, kWidestName)));
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
                               const std::string& inState, const std::string& inDigest) {
-        std::cout << std::left << std::setw(static_cast<int>(width)) << inName << std::right << std::setw(14) << inBytes
+        std::cout << PaddedTo(width, inName) << std::right << std::setw(14) << inBytes
                   << std::setw(13) << inLength << "  " << std::left << std::setw(17) << inState << inDigest << '\n';
     };
     line("file", "bytes", "length", "state", "SHA-256");
     for (std::size_t i = 0; i < count; ++i) {
         const IngestOutcome::Row& row = inRows[i];
         const bool isNew = !row.mDigest.empty();
-        line(Cut(row.mItem->mName), std::to_string(row.mItem->mSize), TimecodeLength(row.mItem->mTarget, inRate),
+        line(EndOf(row.mItem->mName, kWidestName), std::to_string(row.mItem->mSize), TimecodeLength(row.mItem->mTarget, inRate),
              isNew ? "verified" : "verified before", isNew ? row.mDigest.substr(0, kShownDigits) + "..." : "");
     }
     if (inRows.size() > count) {

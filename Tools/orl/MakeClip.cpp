@@ -3,8 +3,11 @@
 #include "Failure.h"
 #include "Text.h"
 
+#include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -40,42 +43,138 @@ std::string MakeFrame(unsigned inNumber)
     return frame;
 }
 
-void WriteFrames(std::ofstream& ioFile, std::uint64_t inSize)
+volatile std::sig_atomic_t sIsInterrupted = 0;
+
+void OnInterrupt(int)
+{
+    sIsInterrupted = 1;
+}
+
+Failure CannotWrite(const Options& inOptions, const std::string& inReason)
+{
+    return Failure("make-clip: cannot write \"" + inOptions.mPath + "\": " + inReason);
+}
+
+// Streams keep no reason of their own, but leave the system's.
+std::string SystemsReason()
+{
+    return std::generic_category().message(errno != 0 ? errno : EIO);
+}
+
+/// The clip under its temporary name, which goes unless the clip was finished.
+class PartFile
+{
+public:
+    PartFile(const Options& inOptions, const std::filesystem::path& inPath)
+        : mOptions(inOptions), mPath(inPath), mPart(inPath)
+    {
+        mPart += ".part";
+        errno = 0;
+        mFile.open(mPart, std::ios::binary);
+        Check();
+    }
+
+    ~PartFile()
+    {
+        if (!mIsFinished) {
+            mFile.close();
+            std::error_code ignored;
+            std::filesystem::remove(mPart, ignored);
+        }
+    }
+
+    PartFile(const PartFile&) = delete;
+    PartFile& operator=(const PartFile&) = delete;
+
+    void Write(const std::string& inBytes)
+    {
+        if (sIsInterrupted != 0) {
+            throw Failure("make-clip: stopped by the user; nothing of \"" + mOptions.mPath + "\" was kept", kExitStopped);
+        }
+        mFile << inBytes;
+        Check();
+    }
+
+    // The clip stands under its name only when it is whole.
+    void Finish()
+    {
+        mFile.close();
+        Check();
+        std::error_code error;
+        std::filesystem::rename(mPart, mPath, error);
+        if (error) {
+            throw CannotWrite(mOptions, error.message());
+        }
+        mIsFinished = true;
+    }
+
+private:
+    void Check() const
+    {
+        if (!mFile) {
+            throw CannotWrite(mOptions, SystemsReason());
+        }
+    }
+
+    const Options& mOptions;
+    const std::filesystem::path mPath;
+    std::filesystem::path mPart;
+    std::ofstream mFile;
+    bool mIsFinished = false;
+};
+
+void WriteFrames(PartFile& ioFile, std::uint64_t inSize)
 {
     const std::string header =
         "YUV4MPEG2 W" + std::to_string(kWidth) + " H" + std::to_string(kHeight) + " F25:1 Ip A1:1 C420jpeg\n";
-    ioFile << header;
+    ioFile.Write(header);
     std::uint64_t written = header.size();
-    for (unsigned number = 0; written < inSize && ioFile; ++number) {
-        const std::string frame = MakeFrame(number);
-        ioFile << frame;
+    unsigned number = 0;
+    do {
+        const std::string frame = MakeFrame(number++);
+        ioFile.Write(frame);
         written += frame.size();
+    } while (written < inSize);
+}
+
+// A device, a pipe or a folder must not be replaced by a clip.
+void CheckTarget(const Options& inOptions, const std::filesystem::path& inPath)
+{
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(inPath, ignored);
+    if (std::filesystem::is_directory(status)) {
+        throw CannotWrite(inOptions, "it is a directory");
+    }
+    if (std::filesystem::is_other(status)) {
+        throw CannotWrite(inOptions, "it is a device or a pipe, not a file");
     }
 }
 
-// The clip stands under its name only when it is whole.
+void CheckRoom(const Options& inOptions, const UTF16String& inPath)
+{
+    const std::uint64_t room = ORL::DiskUtils::GetFreeSpaceFromPath(inPath);
+    if (room != 0 && room < inOptions.mSize) { // 0: the system does not tell, or the first write will
+        throw CannotWrite(inOptions, "the disk has room for " + InWords(room) + ", but " + InWords(inOptions.mSize)
+                                         + " are wanted");
+    }
+}
+
 void Run(const Options& inOptions)
 {
+    const UTF16String libraryPath = PathOfArgument(inOptions.mPath);
     std::string hostPath;
-    const ORL::Result result = ORL::PathUtils::ToHostPath(PathOfArgument(inOptions.mPath), hostPath);
+    const ORL::Result result = ORL::PathUtils::ToHostPath(libraryPath, hostPath);
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("make-clip: cannot write \"" + inOptions.mPath + "\": " + Describe(result));
+        throw CannotWrite(inOptions, Describe(result));
     }
+    std::signal(SIGINT, &OnInterrupt);
+    std::signal(SIGTERM, &OnInterrupt);
     const std::filesystem::path path = std::filesystem::u8path(hostPath);
-    const std::filesystem::path part = std::filesystem::u8path(hostPath + ".part");
-    std::ofstream file(part, std::ios::binary);
+    CheckTarget(inOptions, path);
+    CheckRoom(inOptions, libraryPath);
+    PartFile file(inOptions, path);
     WriteFrames(file, inOptions.mSize);
-    file.close();
-    std::error_code error;
-    if (file) {
-        std::filesystem::rename(part, path, error);
-    }
-    if (!file || error) {
-        std::error_code ignored;
-        std::filesystem::remove(part, ignored);
-        throw Failure("make-clip: cannot write \"" + inOptions.mPath
-                      + "\": " + (error ? error.message() : std::string("the folder is missing, or full, or closed")));
-    }
+    file.Finish();
 }
 
 } // namespace
@@ -86,7 +185,10 @@ void AddMakeClip(CLI::App& ioProgram)
     CLI::App* command =
         ioProgram.add_subcommand("make-clip", "Write an uncompressed YUV4MPEG2 clip of whole frames to try things on");
     command->add_option("PATH", options->mPath, "host path or library path")->required();
-    command->add_option("--size", options->mSize, "bytes at least (default 256M)")->transform(CLI::AsSizeValue(false));
+    command->add_option("--size", options->mSize, "bytes at least, 1 to 1T (default 256M)")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 40).description(""));
     command->callback([options] { Run(*options); });
 }
 

@@ -69,7 +69,8 @@ public:
         }
         mShown = now;
         const int percent = inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100;
-        std::cout << '\r' << std::setw(3) << percent << " %  " << NameOf(inFile) << "\x1b[K" << std::flush;
+        // A line that the terminal wraps could not be written over.
+        std::cout << '\r' << std::setw(3) << percent << " %  " << EndOf(NameOf(inFile), 60) << "\x1b[K" << std::flush;
         mHasText = true;
     }
 
@@ -106,11 +107,11 @@ void PrintTable(const std::vector<Row>& inRows, bool inVerified)
 {
     std::size_t width = 4;
     for (const Row& row : inRows) {
-        width = std::max(width, NameOf(row.mFile).size());
+        width = std::max(width, CountCharacters(NameOf(row.mFile)));
     }
     const auto line = [&](const std::string& inFile, const std::vector<std::string>& inCells) {
         static constexpr int kWidths[] = {13, 9, 7, 8, 12, 12, 10};
-        std::cout << std::left << std::setw(static_cast<int>(width)) << inFile << std::right;
+        std::cout << PaddedTo(width, inFile) << std::right;
         for (std::size_t i = 0; i < inCells.size(); ++i) {
             std::cout << std::setw(kWidths[i]) << inCells[i];
         }
@@ -216,13 +217,17 @@ void AddStream(CLI::App& ioProgram)
     CLI::App* command = ioProgram.add_subcommand(
         "stream", "Read files past the system's cache, many reads in flight, and show what that gives");
     command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
-    command->add_option("--block", options->mSettings.mBlockSize, "bytes of one read (default 1M)")
-        ->transform(CLI::AsSizeValue(false))
-        ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20));
-    command->add_option("--depth", options->mSettings.mDepth, "reads in flight (default 32)")
-        ->check(CLI::Range(1, 2048));
-    command->add_option("--patience", options->mSettings.mPatience, "seconds without any answer of the disk (default 60)")
-        ->check(CLI::Range(1u, 86400u));
+    command->add_option("--block", options->mSettings.mBlockSize, "bytes of one read, 1 to 64M (default 1M)")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20).description(""));
+    command->add_option("--depth", options->mSettings.mDepth, "reads in flight, 1 to 2048 (default 32)")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 2048).description(""));
+    command->add_option("--patience", options->mSettings.mPatience,
+                        "seconds without any answer of the disk, 1 to 86400 (default 60)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1u, 86400u).description(""));
     command->add_flag("--verify", options->mVerifies, "compare with a plain buffered read");
     command->add_flag("--json", options->mAsJson, "write one JSON array");
     command->callback([options] { Run(*options); });

@@ -3,6 +3,7 @@
 #include "Failure.h"
 
 #include <ORLHostPath.h>
+#include <algorithm>
 #include <cstdio>
 #include <tvxcore/Text.h>
 
@@ -35,6 +36,9 @@ UTF16String ToUTF16(const std::string& inText)
 
 UTF16String PathOfArgument(const std::string& inArgument)
 {
+    if (inArgument.empty()) {
+        throw Failure("an empty text is no path");
+    }
     if (IsLibraryPath(inArgument)) {
         return ToUTF16(inArgument);
     }
@@ -87,6 +91,41 @@ std::string OnOneLine(const std::string& inText)
         }
     }
     return line;
+}
+
+namespace {
+
+bool BeginsCharacter(char inByte)
+{
+    return (static_cast<unsigned char>(inByte) & 0xC0) != 0x80;
+}
+
+} // namespace
+
+std::size_t CountCharacters(const std::string& inText)
+{
+    return static_cast<std::size_t>(std::count_if(inText.begin(), inText.end(), &BeginsCharacter));
+}
+
+std::string PaddedTo(std::size_t inCharacters, const std::string& inText)
+{
+    std::string padded = OnOneLine(inText);
+    padded.append(inCharacters - std::min(inCharacters, CountCharacters(padded)), ' ');
+    return padded;
+}
+
+std::string EndOf(const std::string& inText, std::size_t inCharacters)
+{
+    static const std::string kDots = "...";
+    const std::string text = OnOneLine(inText);
+    if (CountCharacters(text) <= inCharacters) {
+        return text;
+    }
+    std::size_t at = text.size();
+    for (std::size_t kept = kDots.size(); at > 0 && kept < inCharacters; --at) {
+        kept += BeginsCharacter(text[at - 1]) ? 1 : 0;
+    }
+    return kDots + text.substr(at);
 }
 
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount)

@@ -25,8 +25,17 @@ std::string HostTextOf(const UTF16String& inPath);
 /// A name below a folder, in the way in which the folder is written.
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
-/// A text that stays on its line: "?" for each control character.
+/// A text that stays on its line and gives a terminal no orders: "?" for each control character.
 std::string OnOneLine(const std::string& inText);
+
+/// How many characters a text has; a byte that is no UTF-8 counts as one or none.
+std::size_t CountCharacters(const std::string& inText);
+
+/// The text on one line, with blanks behind it up to that many characters.
+std::string PaddedTo(std::size_t inCharacters, const std::string& inText);
+
+/// The text on one line, or "..." and its end where it has more than that many characters.
+std::string EndOf(const std::string& inText, std::size_t inCharacters);
 
 /// Two digits a byte, in lower case.
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);

@@ -1,6 +1,7 @@
 #include "UnbufferedRead.h"
 
 #include "Failure.h"
+#include "Text.h"
 
 #include <ORLAsyncFileReader.h>
 #include <ORLFile.h>
@@ -9,9 +10,11 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <system_error>
 #include <vector>
 
 namespace orl {
@@ -42,6 +45,22 @@ private:
 std::size_t RoundUp(std::uint64_t inSize, std::size_t inUnit)
 {
     return static_cast<std::size_t>((inSize + inUnit - 1) / inUnit * inUnit);
+}
+
+const char* WhyItCannotBeOpened(const UTF16String& inPath)
+{
+    if (!ORL::PathUtils::ExistsOnDisk(inPath)) {
+        return "there is no such file";
+    }
+    if (ORL::PathUtils::IsDirectory(inPath)) {
+        return "it is a directory";
+    }
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(std::filesystem::u8path(HostTextOf(inPath)), ignored);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        return "it is a link that leads nowhere";
+    }
+    return std::filesystem::is_other(status) ? "it is a device or a pipe, not a file" : "it cannot be opened for reading";
 }
 
 /// Block i of the file travels in slot i modulo the depth, so blocks are taken up in their order, whatever the order in
@@ -91,13 +110,7 @@ private:
         if (ORL::AsyncFileReader::Open(mRead.mPath, mReader) == ORL::kSuccess) {
             return;
         }
-        const char* reason = "it cannot be opened for reading";
-        if (!ORL::PathUtils::ExistsOnDisk(mRead.mPath)) {
-            reason = "there is no such file";
-        } else if (ORL::PathUtils::IsDirectory(mRead.mPath)) {
-            reason = "it is a directory";
-        }
-        throw Failure(mRead.mWho + ": cannot open \"" + mRead.mShown + "\": " + reason);
+        throw Failure(mRead.mWho + ": cannot open \"" + mRead.mShown + "\": " + WhyItCannotBeOpened(mRead.mPath));
     }
 
     std::uint64_t AskSize() const

@@ -32,10 +32,16 @@ int Finish()
     return std::cout ? orl::kExitSuccess : Fail("cannot write to standard output", orl::kExitFailure);
 }
 
+std::string WhereToLook(const std::string& inCommand)
+{
+    return " (see " + inCommand + " --help)";
+}
+
 // The parser would only say that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
 {
     const CLI::App* program = &inProgram;
+    std::string shown = program->get_name();
     for (const std::string& argument : inArguments) {
         const auto isIt = [&argument](const CLI::App* inCommand) { return inCommand->check_name(argument); };
         if (argument.compare(0, 1, "-") == 0 || program->get_subcommands([](const CLI::App*) { return true; }).empty()) {
@@ -43,10 +49,31 @@ void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inA
         }
         const std::vector<const CLI::App*> commands = program->get_subcommands(isIt);
         if (commands.empty()) {
-            throw CLI::ExtrasError(program->get_name(), {argument});
+            throw orl::Failure("no command is called \"" + argument + "\"" + WhereToLook(shown), orl::kExitUsage);
         }
         program = commands.front();
+        shown += " " + program->get_name();
     }
+}
+
+// The commands that the parser has come to: "orl tc show".
+std::string CommandOf(const CLI::App& inProgram)
+{
+    std::string shown = inProgram.get_name();
+    for (const CLI::App* program = &inProgram; !program->get_subcommands().empty();) {
+        program = program->get_subcommands().front();
+        shown += " " + program->get_name();
+    }
+    return shown;
+}
+
+// "tc show: LABEL is required (see orl tc show --help)"
+std::string UsageError(const CLI::App& inProgram, const std::string& inWhat)
+{
+    const std::string command = CommandOf(inProgram);
+    const std::size_t behindProgram = inProgram.get_name().size() + 1;
+    const std::string who = command.size() > behindProgram ? command.substr(behindProgram) + ": " : std::string();
+    return who + inWhat + WhereToLook(command);
 }
 
 int Run(std::vector<std::string> inArguments)
@@ -63,7 +90,7 @@ int Run(std::vector<std::string> inArguments)
     } catch (const CLI::Success& wish) {
         program.exit(wish, std::cout, std::cerr);
     } catch (const CLI::ParseError& error) {
-        return Fail(std::string(error.what()) + " (see orl --help)", orl::kExitUsage);
+        return Fail(UsageError(program, error.what()), orl::kExitUsage);
     }
     return Finish();
 }
