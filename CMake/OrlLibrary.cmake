@@ -53,7 +53,8 @@ function(orl_library name)
     $<INSTALL_INTERFACE:include/ORLFoundation>)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
-    LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN") # installed libraries find each other wherever the tree is moved
 
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")

@@ -42,7 +42,7 @@ struct AsyncReadRequest
     AsyncReadBusyRequests* mBusyRequests; // the list that holds this request
 };
 
-struct AsyncFileReader::PrivateImpl : Impl
+struct ORL_LOCAL AsyncFileReader::PrivateImpl : Impl
 {
     ~PrivateImpl() override;
 

@@ -11,7 +11,7 @@
 
 namespace ORL {
 
-struct File::PrivateImpl : Impl
+struct ORL_LOCAL File::PrivateImpl : Impl
 {
     Files::Platform::Handle mHandle = Files::Platform::InvalidHandle();
     InterfaceRef<IFileBuffer, IFileBuffer> mFileBuffer; // null unless the file is read through a block cache

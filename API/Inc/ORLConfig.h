@@ -13,6 +13,13 @@
 #  define ORL_API __attribute__((visibility("default")))
 #endif
 
+// A class inside an exported one that hosts have no use for.
+#if defined(_WIN32)
+#  define ORL_LOCAL
+#else
+#  define ORL_LOCAL __attribute__((visibility("hidden")))
+#endif
+
 // 1 where the lock is made of words of ours, 0 where it is the system's.
 #if defined(_WIN32)
 #  define ORL_LOCK_IS_OURS 0

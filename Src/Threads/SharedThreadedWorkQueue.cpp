@@ -62,7 +62,7 @@ void StopAll(QueueMap& ioQueues)
 
 } // namespace
 
-struct SharedThreadedWorkQueue::PrivateImpl : public Impl
+struct ORL_LOCAL SharedThreadedWorkQueue::PrivateImpl : public Impl
 {
     CriticalSection mLock; // guards both maps
     QueueMap mMultiThreadedQueues;

@@ -97,7 +97,7 @@ void GiveUpCount(Request& ioRequest)
 
 } // namespace
 
-struct ThreadedWorkQueue::PrivateImpl : Impl
+struct ORL_LOCAL ThreadedWorkQueue::PrivateImpl : Impl
 {
     boost::shared_ptr<AsyncThreadedExecutor> mExecutor;
     IdleFunction mIdleFunction;

@@ -13,6 +13,17 @@ file(MAKE_DIRECTORY "${work}")
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${work}/installed")
 file(RENAME "${work}/installed" "${work}/moved")
 
+# The tool that was installed with the libraries runs where the tree stands now.
+if(TOOLCHAIN)
+  run("${SOURCE_DIR}/Scripts/run-under-wine" "${work}/moved/bin/orl.exe" --version)
+else()
+  run("${work}/moved/bin/orl" --version)
+endif()
+string(REPLACE "\r" "" output "${output}")
+if(NOT output STREQUAL "orl ${VERSION}\n")
+  message(FATAL_ERROR "the installed tool printed: ${output}")
+endif()
+
 set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Consumer" -B "${work}/build")
 file(GLOB package_dir "${work}/moved/lib*/cmake/ORLFoundation" "${work}/moved/lib/*/cmake/ORLFoundation")
 list(APPEND arguments "-DORLFoundation_DIR=${package_dir}")

@@ -26,7 +26,7 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 //
 // The executor is held by the RepeatDelayFunction alone. A turn that waits in the executor's queue holds this state,
 // and would keep the executor alive in a circle.
-struct RepeatDelayFunction::State final : RepeatEntry, std::enable_shared_from_this<RepeatDelayFunction::State>
+struct TVXCORE_LOCAL RepeatDelayFunction::State final : RepeatEntry, std::enable_shared_from_this<RepeatDelayFunction::State>
 {
     State(AsyncExecutor& inExecutor, const boost::function<void()>& inFunction, unsigned int inDelay)
         : mExecutor(inExecutor), mDelay(inDelay * kMillisecond), mFunction(inFunction)
