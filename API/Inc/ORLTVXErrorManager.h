@@ -51,6 +51,13 @@ public:
                     bool, const tvxcore::config::ReplacementValue& inFirst,
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
                     const tvxcore::config::ReplacementValue& inFourth) const override;
+
+    /// Runs the function and gives its answer. An exception does not leave: the user is alerted, and the answer is 1 if
+    /// the user asked to debug (after a breakpoint trap where a debugger is attached), else 0, as of a function that
+    /// answered 0. A user who never wants to hear of it again is not asked again, for as long as the process lives:
+    /// once for all std::exceptions, once for all other exceptions. An empty function counts as one that threw
+    /// boost::bad_function_call.
+    long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction) override;
 };
 
 } // namespace ORL
