@@ -169,6 +169,7 @@ TEST_F(OrlIngest, WhatCannotBeBegun_IsSaidOnOneLine)
     const Row rows[] = {
         {__LINE__, {card + "-missing", disk}, 1, "is no folder"},
         {__LINE__, {card + "/a.wav", disk}, 1, "is no folder"},
+        {__LINE__, {card, card + "/a.wav"}, 1, "a.wav\" is no folder"},
         {__LINE__, {card, card}, 1, "lies inside the source"},
         {__LINE__, {card, card + "/CLIP/new"}, 1, "lies inside the source"},
         {__LINE__, {card, disk, "--manifest", "none"}, 1, "the manifest's name"},

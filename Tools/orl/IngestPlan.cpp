@@ -227,6 +227,9 @@ IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestinat
     if (!Directory::IsDirectory(roots.mSource)) {
         throw Failure("ingest: \"" + inSource + "\" is no folder");
     }
+    if (ORL::PathUtils::ExistsOnDisk(roots.mDestination) && !Directory::IsDirectory(roots.mDestination)) {
+        throw Failure("ingest: the destination \"" + inDestination + "\" is no folder");
+    }
     if (IsInside(roots.mDestination, roots.mSource)) {
         throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
     }
