@@ -85,10 +85,10 @@ public:
         if (entry == nullptr) {
             return SystemErrors::kErrorBusy;
         }
-        Publish(inOrder);
         ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
                              PositionOf(*inOrder.mOverlapped));
         ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
+        Publish(inOrder); // last: whoever takes it up may close the file
         return SystemErrors::kErrorIoPending;
     }
 
