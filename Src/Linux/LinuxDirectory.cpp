@@ -1,6 +1,7 @@
 #include <Platform/Directory.h>
 
 #include "LinuxErrors.h"
+#include "LinuxFile.h"
 #include "LinuxHostPath.h"
 #include "LinuxNames.h"
 #include "LinuxOpenFolder.h"
@@ -123,6 +124,23 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
     return PathUtils::Platform::PreparePathForWrite_Impl(inPath) ? 0 : kPathNotFoundStatus;
 }
 
+namespace {
+
+// Whether others have the folder open and do not share that it goes, and whether its mark allows it. What is no folder
+// is left to the removal itself.
+SystemError HoldFolderToDelete(const HostPath& inPath, EntryHold& outHold)
+{
+    const std::string name = inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
+    struct stat status;
+    if (GetEntryStatus(name, status) != kNoError || !S_ISDIR(status.st_mode)) {
+        return kNoError;
+    }
+    const SystemError error = outHold.Enter(name, status, kShareDelete, kShareAll);
+    return error != kNoError ? error : IsReadOnly(status) ? kErrorAccessDenied : kNoError;
+}
+
+} // namespace
+
 SystemError RemoveDirectory_Impl(const UTF16String& inPath)
 {
     HostPath path;
@@ -133,6 +151,11 @@ SystemError RemoveDirectory_Impl(const UTF16String& inPath)
     // The folder of a drive is no entry that could be removed.
     if (path.mIsRoot) {
         return kErrorAccessDenied;
+    }
+    EntryHold hold;
+    const SystemError refusal = HoldFolderToDelete(path, hold);
+    if (refusal != kNoError) {
+        return refusal;
     }
     return System().mRemoveDir(path.mPath.c_str()) == 0
                ? kNoError

@@ -2,11 +2,13 @@
 // the place of a folder meanwhile leads a step out of the tree.
 //
 // A tree holds files, folders and links; anything else (a pipe, a device) can be moved on its volume and deleted, but
-// not copied: ENOTSUP. One file descriptor is held for each level. The first failure ends the work; what was done
+// not copied: ENOTSUP. What is open elsewhere and does not share what is to be done with it stays as it is: ETXTBSY,
+// which is 32 at home. One file descriptor is held for each level. The first failure ends the work; what was done
 // stays done. Every function gives 0 or an errno.
 #pragma once
 
 #include "LinuxOpenFolder.h"
+#include "LinuxShareModes.h"
 
 #include <string>
 #include <vector>
@@ -37,8 +39,35 @@ struct TreeEntry
     unsigned char mType;
 };
 
+/// Asks for a moment for the right to use an entry, beside the handles of all processes: each step of a tree holds what it
+/// works on. Links, pipes and the like are held by nobody.
+class TreeHold
+{
+public:
+    TreeHold() = default;
+    ~TreeHold() { mShares.Release(mFile); }
+    TreeHold(const TreeHold&) = delete;
+    TreeHold& operator=(const TreeHold&) = delete;
+
+    /// A file by its name; a folder and a name that is not there are fine, and not held. 0, ETXTBSY or the errno that kept it
+    /// from asking.
+    int EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares);
+
+    /// An open file or folder, which belongs to the hold from now on, whatever the answer is. It may be a failed open's -1.
+    int EnterOpen(int inFile, unsigned inUses, unsigned inShares);
+
+    int File() const noexcept { return mFile; }
+
+private:
+    int mFile = -1;
+    ShareHolder mShares;
+};
+
 /// All names of a folder, before any of them is touched: a list does not say what it does when it changes.
 int ListFolder(int inFolder, std::vector<TreeEntry>& outEntries);
+
+/// ETXTBSY when something in the folder, at any depth, is open and does not share that it goes.
+int CheckContentsMayGo(int inFolder);
 
 /// Opens a folder by its name in another one. A link is no folder.
 int OpenSubfolder(int inFolder, const char* inName);

@@ -112,20 +112,28 @@ private:
 
 int CopyFileEntry(int inFrom, const char* inName, int inTo)
 {
-    const Descriptor from(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0));
+    TreeHold from;
+    int failure = from.EnterOpen(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0),
+                                 kShareRead, kShareAll);
     struct stat status;
-    if (!from || System().mFStat(from.Get(), &status) != 0) {
-        return errno;
+    if (failure != 0 || System().mFStat(from.File(), &status) != 0) {
+        return failure != 0 ? failure : errno;
     }
     if (!S_ISREG(status.st_mode)) {
         return ENOTSUP;
+    }
+    // Who has the earlier file open to write must share that, as if it were written in its place.
+    TreeHold replaced;
+    failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
+    if (failure != 0) {
+        return failure;
     }
     NewEntry entry(inTo);
     const Descriptor to(entry.MakeFile(status.st_mode & kPermissions));
     if (!to) {
         return errno;
     }
-    int failure = CopyBytes(from.Get(), to.Get());
+    failure = CopyBytes(from.File(), to.Get());
     failure = failure == 0 ? KeepTimes(to.Get(), status) : failure;
     return failure == 0 ? entry.GiveName(inName) : failure;
 }

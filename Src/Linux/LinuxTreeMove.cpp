@@ -49,13 +49,41 @@ int MoveOver(int inFrom, const char* inName, int inTo)
             return System().mUnlinkAt(inFrom, inName, 0) == 0 ? 0 : errno;
         }
     }
+    TreeHold replaced;
+    const int failure = replaced.EnterFile(inTo, inName, kShareDelete, kShareAll);
+    if (failure != 0) {
+        return failure;
+    }
     return System().mRenameAt(inFrom, inName, inTo, inName, 0) == 0 ? 0 : errno;
+}
+
+// A folder goes with all that is in it or stays where it is: nothing in it may be open to somebody who does not share that.
+// One that may not be read can be moved all the same.
+int HoldToMove(int inFolder, const TreeEntry& inEntry, TreeHold& outHold)
+{
+    const char* const name = inEntry.mName.c_str();
+    int failure = ENOTDIR;
+    if (inEntry.mType == DT_DIR || inEntry.mType == DT_UNKNOWN) {
+        failure = outHold.EnterOpen(OpenSubfolder(inFolder, name), kShareDelete, kShareAll);
+    }
+    if (failure == 0) {
+        return CheckContentsMayGo(outHold.File());
+    }
+    if (failure == EACCES) {
+        return 0;
+    }
+    return failure == ENOTDIR || failure == ELOOP ? outHold.EnterFile(inFolder, name, kShareDelete, kShareAll) : failure;
 }
 
 int MoveEntry(int inFrom, const TreeEntry& inEntry, int inTo)
 {
     const char* const name = inEntry.mName.c_str();
-    int failure = System().mRenameAt(inFrom, name, inTo, name, RENAME_NOREPLACE) == 0 ? 0 : errno;
+    TreeHold hold;
+    int failure = HoldToMove(inFrom, inEntry, hold);
+    if (failure != 0) {
+        return failure;
+    }
+    failure = System().mRenameAt(inFrom, name, inTo, name, RENAME_NOREPLACE) == 0 ? 0 : errno;
     if (failure == EEXIST || failure == EINVAL || failure == ENOSYS) {
         failure = MoveOver(inFrom, name, inTo);
     }

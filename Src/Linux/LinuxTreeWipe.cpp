@@ -34,14 +34,23 @@ namespace {
 
 int WipeFolder(int inFolder, const char* inName)
 {
-    {
-        const Descriptor folder(OpenSubfolder(inFolder, inName));
-        const int failure = folder ? WipeContents(folder.Get()) : errno;
-        if (failure != 0) {
-            return failure;
-        }
+    TreeHold folder;
+    int failure = folder.EnterOpen(OpenSubfolder(inFolder, inName), kShareDelete, kShareAll);
+    failure = failure == 0 ? WipeContents(folder.File()) : failure;
+    if (failure != 0) {
+        return failure;
     }
     return System().mUnlinkAt(inFolder, inName, AT_REMOVEDIR) == 0 ? 0 : errno;
+}
+
+int WipeFile(int inFolder, const char* inName)
+{
+    TreeHold file;
+    const int failure = file.EnterFile(inFolder, inName, kShareDelete, kShareAll);
+    if (failure != 0) {
+        return failure;
+    }
+    return System().mUnlinkAt(inFolder, inName, 0) == 0 ? 0 : errno;
 }
 
 } // namespace
@@ -51,7 +60,7 @@ int WipeEntry(int inFolder, const TreeEntry& inEntry)
 {
     int failure = EISDIR;
     if (inEntry.mType != DT_DIR) {
-        failure = System().mUnlinkAt(inFolder, inEntry.mName.c_str(), 0) == 0 ? 0 : errno;
+        failure = WipeFile(inFolder, inEntry.mName.c_str());
     }
     if (failure == EISDIR) {
         failure = WipeFolder(inFolder, inEntry.mName.c_str());

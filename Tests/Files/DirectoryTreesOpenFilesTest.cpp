@@ -1,0 +1,141 @@
+// Trees in which a file is open meanwhile: the handle's share mode says what may be done with it.
+#include <ORLDirectory.h>
+#include <ORLFile.h>
+
+#include <TempFolder.h>
+#include <TextHelpers.h>
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+
+using namespace ORL;
+using ORLTest::TempFolder;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Share = FileShareModeFlags;
+
+constexpr auto kNothing = static_cast<Share::Type>(0);
+constexpr auto kReadAndWrite = static_cast<Share::Type>(Share::kFileShare_Read | Share::kFileShare_Write);
+constexpr auto kEverything =
+    static_cast<Share::Type>(Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete);
+
+class DirectoryTreesWithOpenFiles : public testing::Test
+{
+protected:
+    DirectoryTreesWithOpenFiles()
+    {
+        mFolder.MakeFolder("from/sub");
+        mFolder.MakeFile("from/sub/clip", "C");
+    }
+
+    /// Opens a file to read, sharing what is said, until the test ends or lets go of it.
+    void Hold(const std::u16string& inName, Share::Type inShares)
+    {
+        ASSERT_EQ(kSuccess, mHeld.Create(mFolder.Path(inName), FileAccessFlags::kFileAccess_Read, inShares,
+                                         FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                         FileAttributesFlags::kFileAttribute_Normal, true));
+    }
+
+    std::string Contents(const std::string& inName) const
+    {
+        std::ifstream file(mFolder.Host() / inName, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    UTF16String From() const { return mFolder.Path(u"from"); }
+    UTF16String To() const { return mFolder.Path(u"to"); }
+    bool Exists(const std::string& inName) const { return fs::exists(mFolder.Host() / inName); }
+
+    TempFolder mFolder;
+    File mHeld;
+};
+
+} // namespace
+
+TEST_F(DirectoryTreesWithOpenFiles, Wipe_StopsAtAFileThatDoesNotShareItsDeletion)
+{
+    Hold(u"from\\sub\\clip", kReadAndWrite);
+    EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(From()));
+    EXPECT_TRUE(Exists("from/sub/clip"));
+    mHeld.Close();
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
+    EXPECT_FALSE(Exists("from"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Move_LeavesAFolderWithAFileThatDoesNotShareItsDeletion)
+{
+    Hold(u"from\\sub\\clip", kReadAndWrite);
+    EXPECT_EQ(kGeneralFailure, Directory::Move(From(), To()));
+    EXPECT_EQ("C", Contents("from/sub/clip"));
+    mHeld.Close();
+    EXPECT_EQ(kSuccess, Directory::Move(From(), To()));
+    EXPECT_EQ("C", Contents("to/sub/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Move_LeavesAFileThatDoesNotShareItsDeletion)
+{
+    mFolder.MakeFolder("flat");
+    mFolder.MakeFile("flat/clip", "C");
+    Hold(u"flat\\clip", kReadAndWrite);
+    EXPECT_EQ(kGeneralFailure, Directory::Move(mFolder.Path(u"flat"), To()));
+    EXPECT_EQ("C", Contents("flat/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Move_ReplacesNoFileThatDoesNotShareItsDeletion)
+{
+    mFolder.MakeFolder("to");
+    mFolder.MakeFolder("flat");
+    mFolder.MakeFile("flat/clip", "new");
+    mFolder.MakeFile("to/clip", "old");
+    Hold(u"to\\clip", kReadAndWrite);
+    EXPECT_EQ(kGeneralFailure, Directory::Move(mFolder.Path(u"flat"), To()));
+    EXPECT_EQ("new", Contents("flat/clip"));
+    EXPECT_EQ("old", Contents("to/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Copy_StopsAtAFileThatDoesNotShareToBeRead)
+{
+    Hold(u"from\\sub\\clip", kNothing);
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To()));
+    EXPECT_EQ("", Contents("to/sub/clip"));
+    mHeld.Close();
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ("C", Contents("to/sub/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Copy_ReplacesNoFileThatDoesNotShareToBeWritten)
+{
+    mFolder.MakeFolder("to/sub");
+    mFolder.MakeFile("to/sub/clip", "old");
+    Hold(u"to\\sub\\clip", Share::kFileShare_Read);
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To()));
+    EXPECT_EQ("old", Contents("to/sub/clip"));
+    mHeld.Close();
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ("C", Contents("to/sub/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Copy_TakesAFileThatSharesToBeRead)
+{
+    Hold(u"from\\sub\\clip", Share::kFileShare_Read);
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ("C", Contents("to/sub/clip"));
+}
+
+TEST_F(DirectoryTreesWithOpenFiles, Delete_OfADirectoryThatIsOpen_IsASharingViolation)
+{
+    mFolder.MakeFolder("empty");
+    ASSERT_EQ(kSuccess, mHeld.Create(mFolder.Path(u"empty"), FileAccessFlags::kFileAccess_Read, kReadAndWrite,
+                                     FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                     FileAttributesFlags::kFileAttribute_BackupSemantics, true));
+    EXPECT_EQ(kSharingViolation, Directory::Delete(mFolder.Path(u"empty")));
+    EXPECT_TRUE(Exists("empty"));
+    mHeld.Close();
+    EXPECT_EQ(kSuccess, Directory::Delete(mFolder.Path(u"empty")));
+}
