@@ -11,7 +11,8 @@
 // No work is left lying: a sleeper announces itself first and looks under both locks second, a push appends under the
 // lock first and looks for sleepers second. So either the sleeper sees the work or the push sees the sleeper. One
 // idle thread at a time may spin for a moment, and a push may trust it with the only item there is: the spinner ends
-// its spin first and looks under the locks second.
+// its spin first and looks under the locks second. How long it spins is learned from how long work took to come: a spin
+// that ends in sleep has cost a processor for nothing.
 #pragma once
 
 #include <cstdint>
@@ -39,12 +40,13 @@ template <class Policy>
 class WorkChannel
 {
 public:
-    /// How long an idle thread spins before it sleeps; 0 where that cannot pay, since those who queue work need the
+    /// How long an idle thread spins at most before it sleeps; 0 where that cannot pay, since those who queue work need the
     /// thread's processor.
     explicit WorkChannel(unsigned int inSpinTurns) : mSpinTurns(inSpinTurns)
     {
         Policy::Reach(mInbox.mLast) = nullptr;
         Policy::Reach(mInbox.mIsClosed) = false;
+        Policy::Reach(mHabit) = Habit{inSpinTurns, 0};
     }
     WorkChannel(const WorkChannel&) = delete;
     WorkChannel& operator=(const WorkChannel&) = delete;
@@ -137,6 +139,9 @@ private:
 
     static constexpr std::uint32_t kSleeper = 1;
     static constexpr std::uint32_t kSpinner = 1u << 24;
+    static constexpr std::uint32_t kHopefulSpins = 4;
+    static constexpr std::uint32_t kSpinsSkipped = 16;
+    static constexpr unsigned int kLeastTurns = 64;
     static constexpr std::uint32_t kRunning = 0;
     static constexpr std::uint32_t kPaused = 1;
 
@@ -216,19 +221,45 @@ private:
 
     bool SpinForWork()
     {
-        unsigned int turns = mSpinTurns;
-        if (turns == 0 || !BeginSpin()) {
+        if (mSpinTurns == 0 || !BeginSpin()) {
             return false;
         }
+        const unsigned int most = TurnsWorthwhile();
+        unsigned int turns = 0;
         bool isFound = false;
-        while (!isFound && turns-- != 0) {
+        while (!isFound && turns != most) {
             Policy::Pause();
             isFound = SeemsToHaveWork();
+            ++turns;
         }
+        LearnFromSpin(isFound, turns);
         if (Policy::Keeps(ChannelStep::kSpinnerEndsFirst)) {
             Policy::Subtract(mIdle, kSpinner);
         }
         return isFound;
+    }
+
+    // Where work has lately come too late for any spin, only a spin now and then finds out whether that is still so.
+    unsigned int TurnsWorthwhile()
+    {
+        const Habit& habit = Policy::Reach(mHabit);
+        if (habit.mVainSpins < kHopefulSpins) {
+            return habit.mTurns;
+        }
+        return habit.mVainSpins % kSpinsSkipped == 0 ? mSpinTurns : 0;
+    }
+
+    // Work that came was worth twice the time it took, on the average of the last few times.
+    void LearnFromSpin(bool inIsFound, unsigned int inTurns)
+    {
+        Habit& habit = Policy::Reach(mHabit);
+        if (!inIsFound) {
+            ++habit.mVainSpins;
+            return;
+        }
+        const unsigned int average = (7 * habit.mTurns + 2 * inTurns + kLeastTurns) / 8;
+        habit.mTurns = average < mSpinTurns ? average : mSpinTurns;
+        habit.mVainSpins = 0;
     }
 
     bool BeginSpin()
@@ -314,10 +345,17 @@ private:
         NodePointer mFirst{nullptr};
     };
 
+    struct Habit
+    {
+        unsigned int mTurns;      // of a spin that may pay
+        std::uint32_t mVainSpins; // since work was last found
+    };
+
     const unsigned int mSpinTurns;
     Inbox mInbox;
     Outbox mOutbox;
     alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, and kSpinner while somebody spins
+    typename Policy::template Guarded<Habit> mHabit; // the spinner's alone
     Word mPaused{kRunning};                 // changed under the outbox's lock
     alignas(Policy::kLine) Word mWakes{0};  // owed to claimed sleepers
 };
