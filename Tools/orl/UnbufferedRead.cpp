@@ -23,6 +23,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// So long without an answer is unusual enough to look at the file.
+constexpr std::chrono::seconds kLook(1);
+
 class AlignedMemory
 {
 public:
@@ -164,11 +167,32 @@ private:
     const Slot& Await(std::uint64_t inBlock)
     {
         Slot& slot = mSlots[inBlock % mSlots.size()];
-        std::unique_lock<std::mutex> lock(mMutex);
-        if (!mCame.wait_for(lock, mPatience, [&slot] { return slot.mIsDone; })) {
-            throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" answers no more: a read failed or the disk is gone");
+        const Clock::time_point end = Clock::now() + mPatience;
+        while (!CameWithin(slot, std::min<Clock::duration>(kLook, end - Clock::now()))) {
+            CheckNotCut();
+            if (Clock::now() >= end) {
+                throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown
+                               + "\" answers no more: a read failed or the disk is gone");
+            }
         }
         return slot;
+    }
+
+    bool CameWithin(const Slot& inSlot, Clock::duration inTime)
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        return mCame.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
+    }
+
+    // A read that begins behind the end fails when it completes, where the system does not refuse it at its start, and a read
+    // that fails so is never reported. That need not cost the whole patience.
+    void CheckNotCut() const
+    {
+        unsigned __int64 size = 0;
+        if (ORL::ResultSucceeded(ORL::File::SizeOnDisk(mRead.mPath, size)) && size < mSize) {
+            throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
+                           + std::to_string(mSize) + " bytes left and answers no more: the file shrank while it was read");
+        }
     }
 
     void Check(std::uint64_t inBlock, const Slot& inSlot) const
