@@ -1,18 +1,12 @@
 // An ingest that is killed at every system call. The program is traced from outside: nothing of it knows of the test.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
+#include <TracedRunLinux.h>
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/ptrace.h>
-#include <sys/uio.h>
-#include <sys/user.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -26,119 +20,6 @@ fs::path FastFolder()
 {
     return ::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path();
 }
-
-/// Runs a program, counts the system calls of all its threads from the one on that first names a file below a folder,
-/// and may kill it before one of them.
-class TracedRun
-{
-public:
-    explicit TracedRun(const std::string& inFolder) : mFolder(inFolder) {}
-
-    /// The calls that were counted, less the one it was killed before; -1 where nothing can be traced here. 0 for
-    /// inKillAt kills it never.
-    int Run(std::vector<std::string> inArguments, int inKillAt)
-    {
-        mCount = 0;
-        mIsCounting = false;
-        mChild = ::fork();
-        if (mChild == 0) {
-            Become(inArguments);
-        }
-        int status = 0;
-        if (mChild < 0 || ::waitpid(mChild, &status, 0) != mChild || !WIFSTOPPED(status)) {
-            return -1;
-        }
-        constexpr long kOptions = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACECLONE | PTRACE_O_TRACEFORK | PTRACE_O_EXITKILL;
-        ::ptrace(PTRACE_SETOPTIONS, mChild, nullptr, kOptions);
-        ::ptrace(PTRACE_SYSCALL, mChild, nullptr, nullptr);
-        while (Step(inKillAt)) {
-        }
-        return mCount;
-    }
-
-    int ExitCode() const { return mExitCode; }
-
-private:
-    [[noreturn]] static void Become(std::vector<std::string>& ioArguments)
-    {
-        std::vector<char*> arguments;
-        for (std::string& argument : ioArguments) {
-            arguments.push_back(argument.data());
-        }
-        arguments.push_back(nullptr);
-        StopLeakChecker();
-        const int null = ::open("/dev/null", O_RDWR);
-        ::dup2(null, 1);
-        ::dup2(null, 2);
-        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0) {
-            ::raise(SIGSTOP);
-            ::execv(arguments[0], arguments.data());
-        }
-        ::_exit(99);
-    }
-
-    // A sanitizer's leak checker stops the threads by tracing them, and a thread has one tracer.
-    static void StopLeakChecker()
-    {
-        const char* const options = std::getenv("ASAN_OPTIONS");
-        const std::string without = std::string(options != nullptr ? options : "") + ":detect_leaks=0";
-        ::setenv("ASAN_OPTIONS", without.c_str(), 1);
-    }
-
-    // False when the program is over.
-    bool Step(int inKillAt)
-    {
-        int status = 0;
-        const pid_t thread = ::waitpid(-1, &status, __WALL);
-        if (thread < 0) {
-            return false;
-        }
-        if (WIFEXITED(status) || WIFSIGNALED(status)) {
-            mExitCode = thread == mChild && WIFEXITED(status) ? WEXITSTATUS(status) : mExitCode;
-            return true; // until no thread is left to wait for
-        }
-        const int signal = WSTOPSIG(status);
-        if (signal == (SIGTRAP | 0x80)) {
-            if (IsCounted(thread) && ++mCount == inKillAt) {
-                --mCount;
-                ::kill(mChild, SIGKILL);
-                return true;
-            }
-            ::ptrace(PTRACE_SYSCALL, thread, nullptr, nullptr);
-            return true;
-        }
-        const bool isOfTracing = signal == SIGTRAP || signal == SIGSTOP;
-        ::ptrace(PTRACE_SYSCALL, thread, nullptr, isOfTracing ? 0 : signal);
-        return true;
-    }
-
-    // Calls stop at their entry and at their return; the entry counts.
-    bool IsCounted(pid_t inThread)
-    {
-        struct user_regs_struct registers;
-        if (::ptrace(PTRACE_GETREGS, inThread, nullptr, &registers) != 0
-            || static_cast<long long>(registers.rax) != -ENOSYS) {
-            return false;
-        }
-        mIsCounting = mIsCounting || NamesFolder(inThread, registers.rdi) || NamesFolder(inThread, registers.rsi);
-        return mIsCounting;
-    }
-
-    bool NamesFolder(pid_t inThread, unsigned long long inAddress) const
-    {
-        std::string text(mFolder.size(), '\0');
-        struct iovec here = {text.data(), text.size()};
-        struct iovec there = {reinterpret_cast<void*>(inAddress), text.size()};
-        return ::process_vm_readv(inThread, &here, 1, &there, 1, 0) == static_cast<ssize_t>(text.size())
-               && text == mFolder;
-    }
-
-    const std::string mFolder;
-    pid_t mChild = -1;
-    int mCount = 0;
-    bool mIsCounting = false;
-    int mExitCode = -1;
-};
 
 /// A disk that holds one clip of an earlier ingest, and a card with a newer one of that name.
 class CrashedIngest : public testing::Test

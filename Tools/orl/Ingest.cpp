@@ -13,6 +13,7 @@
 #include <ORLDirectory.h>
 #include <ORLPathUtils.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -31,11 +32,22 @@ struct Options
     IngestSettings mSettings;
 };
 
-volatile std::sig_atomic_t sIsInterrupted = 0;
+// Set on whatever thread the system calls the handler on, read by all that copy.
+std::atomic<bool> sIsInterrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "a handler of signals must not wait for a lock");
 
 void OnInterrupt(int)
 {
-    sIsInterrupted = 1;
+    sIsInterrupted = true;
+}
+
+void HearTheUser()
+{
+    std::signal(SIGINT, &OnInterrupt);
+    std::signal(SIGTERM, &OnInterrupt);
+#ifdef SIGBREAK // Ctrl-Break, where there is one
+    std::signal(SIGBREAK, &OnInterrupt);
+#endif
 }
 
 // Every trouble has a line; the last is the program's.
@@ -73,7 +85,7 @@ IngestOutcome Ingest(const Options& inOptions, const IngestRoots& inRoots, Inges
     }
     IngestProgress progress(OutputIsTerminal(), outPlan.mBytesToPass, outPlan.mItems.size());
     IngestWatcher watcher;
-    watcher.mIsStopped = [] { return sIsInterrupted != 0; };
+    watcher.mIsStopped = [] { return sIsInterrupted.load(); };
     watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress.Show(inPassed, inDone); };
     return RunIngest(outPlan, inRoots, inOptions.mSettings, manifest, watcher);
 }
@@ -82,8 +94,7 @@ void Run(const Options& inOptions)
 {
     const NamedRate& rate = FindRate(inOptions.mRate);
     const StartedLibrary library;
-    std::signal(SIGINT, &OnInterrupt);
-    std::signal(SIGTERM, &OnInterrupt);
+    HearTheUser();
     const IngestRoots roots = MakeRoots(inOptions.mSource, inOptions.mDestination);
     IngestPlan plan;
     IngestOutcome outcome = Ingest(inOptions, roots, plan);

@@ -31,7 +31,7 @@ public:
     Run(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
         IngestManifest& ioManifest, const IngestWatcher& inWatcher)
         : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher), mRoots(inRoots),
-          mContext{inRoots, inSettings.mReplaces, [this] { return mEnds.load(std::memory_order_relaxed); },
+          mContext{inRoots, inSettings.mReplaces, [this] { return IsStopped(); },
                    [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
                    inWatcher.mOnStep},
           mDigests(inPlan.mItems.size())
@@ -47,6 +47,7 @@ public:
         Acknowledge();
         CollectRows();
         mOutcome.mHasNoAnswer = mHasNoAnswer;
+        mOutcome.mIsStopped = mIsStoppedByUser;
         mOutcome.mSeconds = std::chrono::duration<double>(Clock::now() - start).count();
         return std::move(mOutcome);
     }
@@ -109,9 +110,8 @@ private:
                 isOver = mChanged.wait_for(lock, kTick, [this] { return mLeft == 0; });
                 waiting = mVerified.size();
             }
-            if (!isOver && mWatcher.mIsStopped()) {
-                mOutcome.mIsStopped = true;
-                mEnds = true;
+            if (!isOver) {
+                IsStopped();
             }
             mWatcher.mShow(mPassed.load(std::memory_order_relaxed), mDone.load(std::memory_order_relaxed));
             if (waiting >= kGroupSize || (waiting != 0 && Clock::now() - acknowledged >= kGroupTime)) {
@@ -121,10 +121,19 @@ private:
         }
     }
 
+    bool IsStopped()
+    {
+        if (!mEnds.load(std::memory_order_relaxed) && mWatcher.mIsStopped()) {
+            mIsStoppedByUser = true;
+            mEnds = true;
+        }
+        return mEnds.load(std::memory_order_relaxed);
+    }
+
     void Work()
     {
         std::vector<unsigned char> buffer;
-        for (std::size_t i = mNext++; i < mPlan.mItems.size() && !mEnds; i = mNext++) {
+        for (std::size_t i = mNext++; i < mPlan.mItems.size() && !IsStopped(); i = mNext++) {
             if (mPlan.mItems[i].mState != IngestItem::kVerifiedBefore) {
                 Bring(i, buffer);
             }
@@ -205,6 +214,7 @@ private:
     const IngestRoots& mRoots;
     const IngestContext mContext;
     std::atomic<bool> mEnds{false};
+    std::atomic<bool> mIsStoppedByUser{false};
     std::atomic<bool> mHasNoAnswer{false};
     std::atomic<std::uint64_t> mPassed{0};
     std::atomic<std::size_t> mDone{0};

@@ -18,11 +18,11 @@ struct IngestSettings
     bool mReplaces = false;
 };
 
-/// What the caller of a run is asked and told. Both are called on the caller's thread, ten times a second or so.
+/// What the caller of a run is asked and told.
 struct IngestWatcher
 {
-    std::function<bool()> mIsStopped;
-    std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow;
+    std::function<bool()> mIsStopped; // called on any thread, between two blocks
+    std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow; // on the caller's thread, ten times a second
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // called on any thread; may be empty
 };
 

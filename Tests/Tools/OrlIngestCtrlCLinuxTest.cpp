@@ -1,0 +1,114 @@
+// An ingest whose user presses Ctrl-C, before system calls from its first to its last.
+#include <IngestTestSupport.h>
+#include <ProcessRunner.h>
+#include <TracedRunLinux.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace ORLTest;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kPoints = 16;
+constexpr int kStopped = 130;
+constexpr char kLine[] = "orl: ingest: stopped by the user; what is in place is whole and stays\n";
+
+/// Files of two blocks each, so that a run can be met within a file and between two.
+class InterruptedIngest : public testing::TestWithParam<const char*>
+{
+protected:
+    InterruptedIngest() : mFolder(::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path())
+    {
+        mFolder.MakeFolder("card/d");
+        for (const char* name : {"card/a", "card/b", "card/d/c"}) {
+            mFolder.MakeFile(name, std::string(1100000, name[6]));
+        }
+        mCard = ReadTree(mFolder.Host() / "card");
+    }
+
+    fs::path Disk() const { return mFolder.Host() / "disk"; }
+    std::string Errors() const { return (mFolder.Host() / "errors").string(); }
+
+    std::vector<std::string> Arguments() const
+    {
+        return {"ingest", "--files-at-once", GetParam(), (mFolder.Host() / "card").string(), Disk().string()};
+    }
+
+    int RunTraced(TracedRun& ioRun, int inSignalAt) const
+    {
+        fs::remove_all(Disk());
+        std::vector<std::string> arguments = Arguments();
+        arguments.insert(arguments.begin(), FolderOfThisProgram() + "orl");
+        return ioRun.Run(arguments, inSignalAt, SIGINT);
+    }
+
+    /// What is there is whole, has its final name, and its line.
+    void ExpectCleanStop() const
+    {
+        EXPECT_EQ(kLine, ReadFile(Errors()));
+        if (!fs::exists(Disk())) {
+            return;
+        }
+        FileTree disk = ReadTree(Disk());
+        const auto manifest = fs::exists(Disk() / kManifest) ? ReadManifest(Disk() / kManifest)
+                                                             : std::map<std::string, std::string>();
+        disk.erase(kManifest);
+        for (const auto& [name, contents] : disk) {
+            ASSERT_EQ(1u, mCard.count(name)) << name;
+            EXPECT_EQ(mCard.at(name), contents) << name;
+            EXPECT_EQ(contents == "/" ? 0u : 1u, manifest.count(name)) << name;
+        }
+        for (const auto& line : manifest) {
+            EXPECT_EQ(1u, disk.count(line.first)) << line.first;
+        }
+    }
+
+    TempFolder mFolder;
+    FileTree mCard;
+};
+
+std::string NameOfCount(const testing::TestParamInfo<const char*>& inInfo)
+{
+    return inInfo.param + std::string("AtOnce");
+}
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Files, InterruptedIngest, testing::Values("1", "4"), NameOfCount);
+
+TEST_P(InterruptedIngest, AtAnyCall_LeavesNothingHalfAndASecondRunCompletes)
+{
+    TracedRun traced(Disk().string(), Errors());
+    const int calls = RunTraced(traced, 0);
+    if (calls < 0 || traced.ExitCode() == 99) {
+        GTEST_SKIP() << "processes cannot be traced here";
+    }
+    ASSERT_EQ(0, traced.ExitCode()) << ReadFile(Errors());
+    ASSERT_LT(kPoints, calls);
+    int stops = 0;
+    for (int point = 0; point < kPoints && !HasFailure(); ++point) {
+        const int number = 1 + point * calls / kPoints;
+        SCOPED_TRACE("interrupted before call " + std::to_string(number) + " of about " + std::to_string(calls));
+        RunTraced(traced, number);
+        // When all is in place there is nothing to stop any more.
+        if (traced.ExitCode() == kStopped) {
+            ++stops;
+            ExpectCleanStop();
+        } else {
+            EXPECT_EQ(0, traced.ExitCode()) << ReadFile(Errors());
+            ExpectIngested(mCard, Disk());
+        }
+        const ProcessResult again = RunBesideThisProgram("orl", Arguments());
+        EXPECT_EQ(0, again.mExitCode) << again.mErrors;
+        ExpectIngested(mCard, Disk());
+    }
+    EXPECT_LE(kPoints / 2, stops);
+}
