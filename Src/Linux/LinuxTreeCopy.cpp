@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <memory>
 #include <unistd.h>
 
 namespace ORL {
@@ -22,15 +23,16 @@ std::string TemporaryName()
 // Between volumes and where the file system has no copy of its own.
 int CopyByHand(int inFrom, int inTo, off_t inPosition)
 {
-    std::vector<char> buffer(std::size_t{1} << 20);
+    constexpr std::size_t kBuffer = std::size_t{128} << 10;
+    const std::unique_ptr<char[]> buffer(new char[kBuffer]); // not zeroed: every empty file comes here too
     for (;;) {
-        const ssize_t size = System().mPRead(inFrom, buffer.data(), buffer.size(), inPosition);
+        const ssize_t size = System().mPRead(inFrom, buffer.get(), kBuffer, inPosition);
         if (size <= 0) {
             return size == 0 ? 0 : errno;
         }
         for (ssize_t at = 0; at < size;) {
             const ssize_t written =
-                System().mPWrite(inTo, buffer.data() + at, static_cast<std::size_t>(size - at), inPosition);
+                System().mPWrite(inTo, buffer.get() + at, static_cast<std::size_t>(size - at), inPosition);
             if (written < 0) {
                 return errno;
             }

@@ -1,5 +1,6 @@
 // Trees as only Linux has them: links that must not lead out, volumes, permissions, and a system that fails.
 #include <ORLDirectory.h>
+#include <ORLFile.h>
 
 #include <FaultySystemCallsLinux.h>
 #include <TempFolder.h>
@@ -15,6 +16,7 @@
 #include <map>
 #include <string>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace ORL;
@@ -204,6 +206,115 @@ TEST_F(DirectoryTreesOnLinux, FoldersWithoutPermission_StayAndFail)
         ::chmod(Host("from/closed").c_str(), 0700);
         return refused && refusedToo && Read(Host("from"))["closed/f"] == "F";
     });
+}
+
+TEST_F(DirectoryTreesOnLinux, AFolderThatMayNotBeRead_IsMoved)
+{
+    mFolder.MakeFolder("from/closed/in");
+    RunUnprivileged(mFolder.Host(), [this] {
+        ::chmod(Host("from/closed").c_str(), 0300);
+        const bool isMoved = Directory::Move(From(), To()) == kSuccess;
+        ::chmod(Host("to/closed").c_str(), 0700);
+        return isMoved && fs::exists(Host("to/closed/in"));
+    });
+}
+
+// A file that this user may not open can be asked about inside the process alone.
+TEST_F(DirectoryTreesOnLinux, AFileThatMayNotBeRead_IsWiped)
+{
+    mFolder.MakeFolder("from");
+    mFolder.MakeFile("from/f", "F");
+    RunUnprivileged(mFolder.Host(), [this] {
+        ::chmod(Host("from/f").c_str(), 0);
+        return Directory::DeleteNotEmpty(From()) == kSuccess;
+    });
+}
+
+TEST_F(DirectoryTreesOnLinux, AReadOnlyFolder_IsNotDeletedByItself)
+{
+    mFolder.MakeFolder("from");
+    ::chmod(Host("from").c_str(), 0555);
+    EXPECT_EQ(kAccessDenied, Directory::Delete(From()));
+    ::chmod(Host("from").c_str(), 0755);
+    EXPECT_EQ(kSuccess, Directory::Delete(From()));
+}
+
+// Another process of this library holds a file: what has its locks must stay.
+TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
+{
+    mFolder.MakeFolder("from");
+    mFolder.MakeFile("from/f", "F");
+    int ready[2];
+    int done[2];
+    ASSERT_EQ(0, ::pipe(ready));
+    ASSERT_EQ(0, ::pipe(done));
+    const pid_t child = ::fork();
+    ASSERT_LE(0, child);
+    char byte = 'x';
+    if (child == 0) {
+        File file;
+        const Result result = file.Create(mFolder.Path(u"from\\f"), FileAccessFlags::kFileAccess_Read,
+                                          static_cast<FileShareModeFlags::Type>(0),
+                                          FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                          FileAttributesFlags::kFileAttribute_Normal, true);
+        ::close(done[1]);
+        const bool isTold = ::write(ready[1], &byte, 1) == 1;
+        const ssize_t end = ::read(done[0], &byte, 1);
+        ::_exit(result == kSuccess && isTold && end == 0 ? 0 : 1);
+    }
+    ::close(done[0]);
+    ASSERT_EQ(1, ::read(ready[0], &byte, 1));
+    EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(From()));
+    EXPECT_EQ(kGeneralFailure, Directory::Move(From(), To()));
+    EXPECT_EQ(kGeneralFailure, Directory::Copy(From(), To()));
+    EXPECT_EQ("F", Read(Host("from"))["f"]);
+    ::close(done[1]);
+    int status = 0;
+    ASSERT_EQ(child, ::waitpid(child, &status, 0));
+    EXPECT_EQ(0, status);
+    ::close(ready[0]);
+    ::close(ready[1]);
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
+}
+
+// In memory where the machine has such a place: the disk is not what this is about.
+TEST_F(DirectoryTreesOnLinux, ATreeOf100000Entries_IsCopiedMovedAndWiped)
+{
+    const TempFolder folder(::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path());
+    for (int i = 0; i < 1000; ++i) {
+        const std::string sub = (folder.Host() / "from" / ("d" + std::to_string(i))).string();
+        fs::create_directories(sub);
+        for (int j = 0; j < 99; ++j) {
+            ASSERT_EQ(0, ::mknod((sub + "/f" + std::to_string(j)).c_str(), S_IFREG | 0666, 0));
+        }
+    }
+    const auto count = [&folder](const std::string& inName) {
+        return std::distance(fs::recursive_directory_iterator(folder.Host() / inName), fs::recursive_directory_iterator());
+    };
+    EXPECT_EQ(kSuccess, Directory::Copy(folder.Path(u"from"), folder.Path(u"to")));
+    EXPECT_EQ(100000, count("to"));
+    EXPECT_EQ(kSuccess, Directory::Move(folder.Path(u"to"), folder.Path(u"moved")));
+    EXPECT_EQ(100000, count("moved"));
+    EXPECT_EQ(0, count("to"));
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(folder.Path(u"moved")));
+    EXPECT_FALSE(fs::exists(folder.Host() / "moved"));
+}
+
+TEST_F(DirectoryTreesOnLinux, LoopsOfLinks_AreCopiedMovedAndWipedAsLinks)
+{
+    mFolder.MakeFolder("from/a/b");
+    mFolder.MakeFile("from/a/f", "F");
+    fs::create_directory_symlink(".", Host("from/a/self"));
+    fs::create_directory_symlink("../..", Host("from/a/b/up"));
+    fs::create_directory_symlink(Host("from/a"), Host("from/a/b/again"));
+    fs::create_symlink("round", Host("from/round"));
+    const Tree tree = Read(Host("from"));
+    EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
+    EXPECT_EQ(tree, Read(Host("to")));
+    EXPECT_EQ(kSuccess, Directory::Move(To(), mFolder.Path(u"moved")));
+    EXPECT_EQ(tree, Read(Host("moved")));
+    EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(mFolder.Path(u"moved")));
+    EXPECT_EQ(tree, Read(Host("from")));
 }
 
 TEST_F(DirectoryTreesOnLinux, APipe_IsNotCopiedButWiped)
