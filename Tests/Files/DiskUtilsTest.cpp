@@ -35,6 +35,8 @@ TEST(GetVolumeRootPath, EachPath_HasItsRoot)
         {__LINE__, uR"(\\?\UNC\server\share\dir)", uR"(\\?\UNC\server\share\)"},
         // fifth and sixth unit alone decide, whatever the drive is
         {__LINE__, uR"(\\?\1:\dir)", uR"(\\?\1:\)"},
+        // an empty server is none: the walk up ends at what looks like a server to the system
+        {__LINE__, uR"(\\?\UNC\\share\x)", uR"(\\?\)"},
         // no share: the walk up ends where the system sees a root, or where nothing is left to drop
         {__LINE__, u"relative", u"relative\\"},
         {__LINE__, uR"(relative\dir)", uR"(relative\)"},
