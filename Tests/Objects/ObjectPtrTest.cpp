@@ -178,17 +178,27 @@ TEST(ObjectPtr, LastOwner_DestroysTheObjectWhileTheCounterStillStands)
 {
     struct Watcher
     {
-        explicit Watcher(int& outCount) : mCount(outCount) {}
-        ~Watcher() { mCount = *mCounter; }
+        Watcher(int& outCount, bool& outIsGivenBack) : mCount(outCount), mIsGivenBack(outIsGivenBack) {}
+        ~Watcher()
+        {
+            mCount = *mCounter;
+            // The allocator hands out again first what it got back last.
+            void* const block = Allocator::Allocate(sizeof(AtomicValue));
+            mIsGivenBack = block == mCounter;
+            Allocator::Dispose(block, sizeof(AtomicValue));
+        }
         int& mCount;
+        bool& mIsGivenBack;
         const AtomicValue* mCounter = nullptr;
     };
     int count = -1;
+    bool isGivenBack = true;
     {
-        const ObjectPtr<Watcher> pointer(new Watcher(count));
+        const ObjectPtr<Watcher> pointer(new Watcher(count, isGivenBack));
         pointer->mCounter = MembersOf(pointer).mCounter;
     }
-    EXPECT_EQ(0, count) << "the object goes first, the counter second";
+    EXPECT_EQ(0, count);
+    EXPECT_FALSE(isGivenBack) << "the object goes first, the counter second";
 }
 
 TEST(ObjectPtr, Counter_IsABlockOfFourBytesOfItsOwn)

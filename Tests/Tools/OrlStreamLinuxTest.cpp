@@ -108,6 +108,23 @@ TEST_F(OrlStreamLinux, ClipThatTheSystemCutsShort_LeavesNothingBehindAndTellsWhy
     EXPECT_FALSE(std::filesystem::exists(Host("clip.y4m.part")));
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which take all the address space there is
+TEST_F(OrlStreamLinux, MemoryThatRunsOut_IsSaidOnOneLine)
+{
+    mFolder.MakeFile("large.mov");
+    ASSERT_EQ(0, ::truncate(Host("large.mov").c_str(), 1 << 30));
+    const std::string command = "ulimit -v 500000; '" + FolderOfThisProgram() + "orl' stream --block 64M --depth 2048 '"
+                                + Host("large.mov") + "' 2> '" + Host("said") + "'";
+    const int status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(1, WEXITSTATUS(status));
+    std::ifstream said(Host("said"));
+    std::string line;
+    std::getline(said, line);
+    EXPECT_EQ("orl: there is not enough memory", line);
+}
+#endif
+
 TEST_F(OrlStreamLinux, NameThatIsNotUTF8_IsStreamed)
 {
     mFolder.MakeFile("\xFF\xC3(\x80.mov", kText);

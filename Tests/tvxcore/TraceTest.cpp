@@ -117,6 +117,7 @@ TEST_F(TraceTest, ChangeOfConfiguration_TakesEffectOnTheNextPassAndNoSooner)
 {
     static TraceSite site("Site", 1, true);
     EXPECT_FALSE(site.IsEnabled());
+    EXPECT_FALSE(site.IsEnabled()) << "from the cache";
     SetTraceLevel("Site", 1);
     EXPECT_TRUE(site.IsEnabled()) << "the next pass";
     EXPECT_TRUE(site.IsEnabled()) << "from the cache";
@@ -127,6 +128,7 @@ TEST_F(TraceTest, ChangeOfConfiguration_TakesEffectOnTheNextPassAndNoSooner)
     }
     EXPECT_EQ(1u, TakeTexts().size()) << "a pass under way keeps its answer";
     EXPECT_FALSE(site.IsEnabled());
+    EXPECT_FALSE(site.IsEnabled()) << "from the cache";
 }
 
 TEST_F(TraceTest, Line_BeginsWithThreadCategoryAndLevel)

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <new>
 
 namespace {
 
@@ -106,6 +107,8 @@ int main(int inCount, char** inArguments)
         return orl::kExitFailure;
     } catch (const orl::Failure& failure) {
         return Fail(failure.what(), failure.ExitCode());
+    } catch (const std::bad_alloc&) {
+        return Fail("there is not enough memory", orl::kExitFailure);
     } catch (const std::exception& failure) {
         return Fail(failure.what(), orl::kExitFailure);
     }
