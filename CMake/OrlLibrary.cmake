@@ -1,3 +1,5 @@
+include(GNUInstallDirs)
+
 # orl_library(name ROOT folder [HEADERS dir] [PRIVATE_HEADERS dir] [SOURCES dir] [LINK_PUBLIC ...] [LINK_PRIVATE ...])
 #
 # Makes three targets from one set of objects:
@@ -50,7 +52,7 @@ function(orl_library name)
   string(REGEX REPLACE "^ORL" "" exported_name ${name})
   add_library(ORL::${exported_name} ALIAS ${name})
   target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
-    $<INSTALL_INTERFACE:include/ORLFoundation>)
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation>)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
