@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <liburing.h>
 #include <mutex>
+#include <poll.h>
+#include <sys/eventfd.h>
 
 namespace ORL {
 namespace Linux {
@@ -22,6 +24,10 @@ constexpr unsigned kCompletions = 4096;
 
 // Stands for a submission that the kernel did not take.
 Overlapped sWithdrawn{};
+
+// Stands for the alarm: an event that the ring watches from its beginning, so that a thread which waits for the ring can be
+// woken without handing the kernel anything more.
+Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the one that completes it through the kernel alone, which the
 // language knows nothing of: so the hand-over is spelt out.
@@ -55,6 +61,9 @@ public:
         if (mIsOpen) {
             System().mUringQueueExit(&mRing);
         }
+        if (mAlarm >= 0) {
+            System().mClose(mAlarm);
+        }
     }
 
     /// Gives 0 or an errno.
@@ -69,13 +78,21 @@ public:
         }
         mIsOpen = true;
         // A kernel that has this also has the plain read operation.
-        return (parameters.features & IORING_FEAT_RW_CUR_POS) != 0 ? 0 : ENOSYS;
+        if ((parameters.features & IORING_FEAT_RW_CUR_POS) == 0) {
+            return ENOSYS;
+        }
+        mAlarm = System().mMakeEvent(0, EFD_CLOEXEC | EFD_NONBLOCK);
+        SetAlarm();
+        return 0;
     }
 
     void Close() override
     {
         mIsClosed.store(true);
-        PostEmptyPacket(); // wakes a thread that waits in Get
+        // A packet wakes a thread that waits in Get.
+        if (!PostEmptyPacket() && mAlarm >= 0) {
+            System().mRaiseEvent(mAlarm);
+        }
     }
 
     SystemError Start(const ReadOrder& inOrder) override
@@ -97,7 +114,7 @@ public:
         const std::lock_guard<std::mutex> lock(mSubmitting);
         const int error = Submit();
         outError = SystemErrorFromErrno(error);
-        return error == 0 ? 0 : Withdraw([](void* inData) { return inData != nullptr; });
+        return error == 0 ? 0 : Withdraw([](void* inData) { return inData != nullptr && inData != &sAlarm; });
     }
 
     bool PostEmptyPacket() override
@@ -135,7 +152,11 @@ public:
             if (overlapped == nullptr) {
                 return true;
             }
-            if (overlapped != &sWithdrawn) {
+            // The kernel gives the alarm up when the thread that set it ends.
+            if (overlapped == &sAlarm && returned == -ECANCELED) {
+                SetAlarm();
+            }
+            if (overlapped != &sAlarm && overlapped != &sWithdrawn) {
                 return Complete(TakeUp(*overlapped), returned, outCompletion);
             }
         }
@@ -157,6 +178,22 @@ private:
     {
         io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
         return entry != nullptr || Submit() != 0 ? entry : ::io_uring_get_sqe(&mRing);
+    }
+
+    // Without an alarm, for want of something, only its one purpose is lost.
+    void SetAlarm()
+    {
+        const std::lock_guard<std::mutex> lock(mSubmitting);
+        io_uring_sqe* const entry = mAlarm >= 0 ? ::io_uring_get_sqe(&mRing) : nullptr;
+        if (entry == nullptr) {
+            return;
+        }
+        ::io_uring_prep_poll_add(entry, mAlarm, POLLIN);
+        ::io_uring_sqe_set_data(entry, &sAlarm);
+        System().mUringArm(&mRing);
+        if (::io_uring_sq_ready(&mRing) != 0) {
+            Withdraw([](void* inData) { return inData == &sAlarm; });
+        }
     }
 
     // Hands the kernel what is queued: 0, or the errno for which it took no more. The lock is held.
@@ -195,6 +232,7 @@ private:
 
     io_uring mRing{};
     bool mIsOpen = false;
+    int mAlarm = -1;
     std::atomic<bool> mIsClosed{false};
     std::mutex mSubmitting; // guards the submission side of the ring; completions belong to the one thread that gets them
 };

@@ -4,6 +4,7 @@
 #include <liburing.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -25,6 +26,11 @@ int OpenAt(int inFolder, const char* inPath, int inFlags, mode_t inMode)
 ssize_t CopyRange(int inFrom, off_t* ioFromPosition, int inTo, off_t* ioToPosition, std::size_t inSize)
 {
     return ::copy_file_range(inFrom, ioFromPosition, inTo, ioToPosition, inSize, 0);
+}
+
+int RaiseEvent(int inEvent)
+{
+    return ::eventfd_write(inEvent, 1);
 }
 
 int SetFlags(int inFile, int inFlags)
@@ -97,6 +103,9 @@ constexpr SystemCalls TheSystem()
     calls.mCreateThread = &::pthread_create;
     calls.mUringQueueInit = &::io_uring_queue_init_params;
     calls.mUringSubmit = &::io_uring_submit;
+    calls.mUringArm = &::io_uring_submit;
+    calls.mMakeEvent = &::eventfd;
+    calls.mRaiseEvent = &RaiseEvent;
     calls.mUringWaitCqe = &WaitCqe;
     calls.mUringQueueExit = &::io_uring_queue_exit;
     return calls;

@@ -77,6 +77,9 @@ struct io_uring_cqe;
     X(UringQueueInit, Negative, int, (unsigned inEntries, io_uring* outRing, io_uring_params* ioParameters),           \
       (inEntries, outRing, ioParameters), sNoSize)                                                                     \
     X(UringSubmit, Negative, int, (io_uring * ioRing), (ioRing), sNoSize)                                              \
+    X(UringArm, Negative, int, (io_uring * ioRing), (ioRing), sNoSize)                                                 \
+    X(MakeEvent, Errno, int, (unsigned inCount, int inFlags), (inCount, inFlags), sNoSize)                             \
+    X(RaiseEvent, Errno, int, (int inEvent), (inEvent), sNoSize)                                                       \
     X(UringWaitCqe, Negative, int, (io_uring * ioRing, io_uring_cqe * *outCompletion), (ioRing, outCompletion),        \
       sNoSize)                                                                                                         \
     X(UringQueueExit, Nothing, void, (io_uring * ioRing), (ioRing), sNoSize)

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <liburing.h>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -283,5 +284,28 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(1u, reports.size());
     EXPECT_EQ("result", reports[0].mExpression);
+    EXPECT_EQ(mFiles, CountOpenFiles());
+}
+
+// Neither the last packet nor the one that is to wake the thread is taken: an event that the ring has watched all the time does
+// it. The kernel gives its watch up with the thread that began it, which here has ended long ago.
+TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
+{
+    if (RefusalOfTheRing() != 0) {
+        return; // the packet is ours alone
+    }
+    CheckRecorder recorder;
+    {
+        FaultySystemCalls calls;
+        std::thread(&StartupAsyncFileOperations).join();
+        Journey journey;
+        Read(journey);
+        EXPECT_EQ(kReads, journey.mDelivered.size());
+        calls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO, FaultySystemCalls::kForEver);
+        TerminateAsyncFileOperations();
+        WaitForProcessThreads(mThreads);
+        EXPECT_EQ(1u, calls.Count(FaultySystemCalls::kRaiseEvent));
+    }
+    EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
     EXPECT_EQ(mFiles, CountOpenFiles());
 }
