@@ -68,8 +68,11 @@ public:
     /// Makes the directory with all above it where missing; one that is there already is fine. The bool means nothing.
     static Result CreateOnDisk(const UTF16String& inPath, bool);
 
-    /// Removes an empty directory.
+    /// Removes an empty directory. kSharingViolation while it is open to somebody who does not share its deletion.
     static Result Delete(const UTF16String& inPath);
+
+    // Whole trees. The first entry that cannot be treated ends the work with kGeneralFailure, and what was done stays done. A
+    // file that is open to somebody who does not share what is to be done with it is such an entry.
 
     /// Removes a directory with all that is in it.
     static Result DeleteNotEmpty(const UTF16String& inPath);
