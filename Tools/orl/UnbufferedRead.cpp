@@ -8,6 +8,7 @@
 #include <ORLPathUtils.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
@@ -15,6 +16,7 @@
 #include <mutex>
 #include <new>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace orl {
@@ -24,7 +26,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // So long without an answer is unusual enough to look at the file.
-constexpr std::chrono::seconds kLook(1);
+constexpr std::chrono::milliseconds kLook(500);
 
 class AlignedMemory
 {
@@ -99,6 +101,10 @@ public:
     }
 
 private:
+    using AskedSize = std::atomic<std::uint64_t>;
+    static constexpr std::uint64_t kNotKnown = ~std::uint64_t{0};
+    static constexpr std::uint64_t kWhole = kNotKnown - 1;
+
     struct Slot
     {
         Clock::time_point mQueued;
@@ -185,14 +191,30 @@ private:
     }
 
     // A read that begins behind the end fails when it completes, where the system does not refuse it at its start, and a read
-    // that fails so is never reported. That need not cost the whole patience.
-    void CheckNotCut() const
+    // that fails so is never reported. That need not cost the whole patience. The file is asked on a thread of its own: a disk
+    // that is gone may not answer that either.
+    void CheckNotCut()
     {
-        unsigned __int64 size = 0;
-        if (ORL::ResultSucceeded(ORL::File::SizeOnDisk(mRead.mPath, size)) && size < mSize) {
+        const std::uint64_t size = mAskedSize != nullptr ? mAskedSize->load() : kWhole;
+        if (size == kNotKnown) {
+            return;
+        }
+        if (size < mSize) {
             throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
                            + std::to_string(mSize) + " bytes left and answers no more: the file shrank while it was read");
         }
+        mAskedSize = std::make_shared<AskedSize>(kNotKnown);
+        try {
+            std::thread(&AskAgain, mAskedSize, mRead.mPath).detach();
+        } catch (const std::system_error&) {
+            *mAskedSize = kWhole; // no thread, no answer
+        }
+    }
+
+    static void AskAgain(std::shared_ptr<AskedSize> outSize, UTF16String inPath)
+    {
+        unsigned __int64 size = 0;
+        *outSize = ORL::ResultSucceeded(ORL::File::SizeOnDisk(inPath, size)) ? std::uint64_t{size} : kWhole;
     }
 
     void Check(std::uint64_t inBlock, const Slot& inSlot) const
@@ -214,6 +236,7 @@ private:
     std::size_t mSector = 0;
     std::size_t mBlockSize = 0;
     std::uint64_t mBlocks = 0;
+    std::shared_ptr<AskedSize> mAskedSize; // null before it is first asked
     std::mutex mMutex;
     std::condition_variable mCame;
     std::vector<Slot> mSlots;
