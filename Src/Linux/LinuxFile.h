@@ -29,9 +29,12 @@ struct OpenFile
     ShareHolder mShares;
 
     OpenFile() = default;
-    ~OpenFile();
+    ~OpenFile() { Close(); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
+
+    /// Once; the file is closed whatever is answered.
+    SystemError Close() noexcept;
 };
 
 /// The record of a handle that is not InvalidHandle().

@@ -204,7 +204,8 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     ioFile.mMayWrite = Has(inWish.mAccess, kGenericWrite);
     ioFile.mIsRegular = S_ISREG(outStatus.st_mode);
     ioFile.mIdentity = IdentityOf(outStatus);
-    error = ioFile.mShares.Enter(ioFile.mDescriptor, ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode);
+    error = ioFile.mShares.Enter(ioFile.mDescriptor, ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode,
+                                 WantsToWrite(inWish));
     if (error != kNoError) {
         return error;
     }
@@ -229,7 +230,7 @@ SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 
 } // namespace
 
-OpenFile::~OpenFile()
+SystemError OpenFile::Close() noexcept
 {
     if (!mNameToDelete.empty()) {
         // The name may belong to another file by now.
@@ -237,8 +238,11 @@ OpenFile::~OpenFile()
         if (GetEntryStatus(mNameToDelete, status) == kNoError && IdentityOf(status) == mIdentity) {
             System().mUnlink(mNameToDelete.c_str());
         }
+        mNameToDelete.clear();
     }
-    mShares.Release(mDescriptor);
+    const int failure = mShares.Release(mDescriptor);
+    mDescriptor = -1;
+    return SystemErrorFromErrno(failure);
 }
 
 SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,

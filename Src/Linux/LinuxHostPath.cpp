@@ -5,7 +5,7 @@
 
 #include <ORLHostPath.h>
 #include <algorithm>
-#include <vector>
+#include <boost/container/small_vector.hpp>
 
 namespace ORL {
 namespace Linux {
@@ -28,6 +28,9 @@ struct Name
     Unit Last() const noexcept { return mUnits[mCount - 1]; }
 };
 
+// Few paths go deeper, and no memory is asked for up to here.
+using Names = boost::container::small_vector<Name, 24>;
+
 bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
 {
     const std::size_t size = std::char_traits<char>::length(inText);
@@ -35,10 +38,9 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
 }
 
 // What stands between separators, empty names included. Always at least one.
-std::vector<Name> Split(const UTF16String& inPath, std::size_t inFrom)
+Names Split(const UTF16String& inPath, std::size_t inFrom)
 {
-    std::vector<Name> names;
-    names.reserve(16);
+    Names names;
     const Unit* start = inPath.data() + inFrom;
     const Unit* const end = inPath.data() + inPath.size();
     for (const Unit* unit = start;; ++unit) {
@@ -64,12 +66,12 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     const std::size_t start = ioPath.size();
     AppendBytesOfName(ioPath, inName.mUnits, inName.mCount);
     // "." and ".." lead elsewhere on disk and name no entry.
-    const bool leadsAway =
-        ioPath.compare(start, std::string::npos, ".") == 0 || ioPath.compare(start, std::string::npos, "..") == 0;
+    const std::size_t size = ioPath.size() - start;
+    const bool leadsAway = size <= 2 && ioPath[start] == '.' && ioPath[start + size - 1] == '.';
     return leadsAway ? kErrorInvalidName : kNoError;
 }
 
-SystemError Build(std::string inFolder, const std::vector<Name>& inNames, bool inTrailing, HostPath& outHostPath)
+SystemError Build(std::string inFolder, const Names& inNames, bool inTrailing, HostPath& outHostPath)
 {
     inFolder.reserve(128);
     for (const Name& name : inNames) {
@@ -88,7 +90,7 @@ SystemError Build(std::string inFolder, const std::vector<Name>& inNames, bool i
 }
 
 // The folder of \\server\share, where inNames begins with server and share.
-SystemError FindShareFolder(const std::vector<Name>& inNames, std::string& outFolder)
+SystemError FindShareFolder(const Names& inNames, std::string& outFolder)
 {
     if (inNames.size() < 2 || inNames[0].mCount == 0 || inNames[1].mCount == 0) {
         return kErrorNetworkPathNotFound;
@@ -103,7 +105,7 @@ SystemError FindShareFolder(const std::vector<Name>& inNames, std::string& outFo
 // The form that is taken as it stands: only its last name may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
-    std::vector<Name> names = Split(inPath, 4);
+    Names names = Split(inPath, 4);
     std::string folder;
     std::size_t rootNames = 1;
     if (names.front().Is("UNC")) {
@@ -146,9 +148,9 @@ void Trim(Name& ioName, bool inIsLast) noexcept
 }
 
 // Resolves what stands behind the root. Answers whether the path ends in a separator.
-bool Normalize(std::vector<Name>& ioNames)
+bool Normalize(Names& ioNames)
 {
-    std::vector<Name> names;
+    Names names;
     bool trailing = false;
     for (std::size_t i = 0; i < ioNames.size(); ++i) {
         Name name = ioNames[i];
@@ -176,7 +178,7 @@ bool Normalize(std::vector<Name>& ioNames)
 SystemError ResolveRooted(const UTF16String& inPath, HostPath& outHostPath)
 {
     std::string folder;
-    std::vector<Name> names = Split(inPath, 2);
+    Names names = Split(inPath, 2);
     if (BeginsWith(inPath, "\\\\")) {
         const SystemError error = FindShareFolder(names, folder);
         if (error != kNoError) {

@@ -24,6 +24,28 @@ bool IsIllegalCharacter(unsigned inCharacter) noexcept
     return false;
 }
 
+// Bytes that read the same in both forms wherever they stand but at the end.
+struct PlainBytes
+{
+    constexpr PlainBytes() : mIsPlain()
+    {
+        for (unsigned byte = 0x20; byte < 0x7F; ++byte) {
+            mIsPlain[byte] = true;
+        }
+        for (const char* illegal = kIllegal; *illegal != '\0'; ++illegal) {
+            mIsPlain[static_cast<unsigned char>(*illegal)] = false;
+        }
+    }
+
+    // Of a byte or a unit.
+    constexpr bool Has(unsigned inCharacter) const noexcept { return inCharacter < 256 && mIsPlain[inCharacter]; }
+
+private:
+    bool mIsPlain[256];
+};
+
+constexpr PlainBytes kPlainBytes;
+
 bool IsBlankOrDot(unsigned inCharacter) noexcept
 {
     return inCharacter == ' ' || inCharacter == '.';
@@ -115,29 +137,11 @@ void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
     ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
 }
 
-// Bytes that read the same in both forms wherever they stand but at the end.
-struct PlainBytes
-{
-    constexpr PlainBytes() : mIsPlain()
-    {
-        for (unsigned byte = 0x20; byte < 0x7F; ++byte) {
-            mIsPlain[byte] = true;
-        }
-        for (const char* illegal = kIllegal; *illegal != '\0'; ++illegal) {
-            mIsPlain[static_cast<unsigned char>(*illegal)] = false;
-        }
-    }
-
-    bool mIsPlain[256];
-};
-
-constexpr PlainBytes kPlainBytes;
-
 // Most names are of this kind, and listings are long.
 bool IsPlainName(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     for (std::size_t i = 0; i < inSize; ++i) {
-        if (!kPlainBytes.mIsPlain[inBytes[i]]) {
+        if (!kPlainBytes.Has(inBytes[i])) {
             return false;
         }
     }
@@ -176,7 +180,14 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount)
 {
-    for (std::size_t i = 0; i < inCount; ++i) {
+    const std::size_t start = ioBytes.size();
+    ioBytes.resize(start + inCount);
+    std::size_t plain = 0;
+    for (; plain < inCount && kPlainBytes.Has(inUnits[plain]); ++plain) {
+        ioBytes[start + plain] = static_cast<char>(inUnits[plain]);
+    }
+    ioBytes.resize(start + plain);
+    for (std::size_t i = plain; i < inCount; ++i) {
         const unsigned unit = inUnits[i];
         if (IsUnitOfByte(unit)) {
             ioBytes += static_cast<char>(unit - kPrivateBase);
@@ -196,6 +207,9 @@ SystemError CheckName(const unsigned short* inUnits, std::size_t inCount) noexce
     }
     bool hasColon = false;
     for (std::size_t i = 0; i < inCount; ++i) {
+        if (kPlainBytes.Has(inUnits[i])) {
+            continue;
+        }
         hasColon = hasColon || inUnits[i] == ':';
         if (inUnits[i] != ':' && IsIllegalCharacter(inUnits[i])) {
             return SystemErrors::kErrorInvalidName;

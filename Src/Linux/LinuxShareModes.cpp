@@ -112,17 +112,26 @@ bool ForEachRun(unsigned inBytes, Call inCall)
 
 enum class Outcome { kDone, kConflict, kNoLocks };
 
+constexpr int kTries = 12;
+
+Outcome Lock(int inDescriptor, short inType, unsigned inFirst, unsigned inCount) noexcept
+{
+    struct flock lock = LockOf(inType, inFirst, inCount);
+    if (System().mLockRange(inDescriptor, F_OFD_SETLK, &lock) == 0) {
+        return Outcome::kDone;
+    }
+    return errno == EAGAIN || errno == EACCES ? Outcome::kConflict : Outcome::kNoLocks;
+}
+
+// A conflict here is one with somebody who has the file for himself.
 Outcome Take(int inDescriptor, unsigned inBytes) noexcept
 {
-    int error = 0;
+    Outcome outcome = Outcome::kDone;
     ForEachRun(inBytes, [&](unsigned inFirst, unsigned inCount) {
-        struct flock lock = LockOf(F_RDLCK, inFirst, inCount);
-        error = System().mLockRange(inDescriptor, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
-        return error == 0;
+        outcome = Lock(inDescriptor, F_RDLCK, inFirst, inCount);
+        return outcome == Outcome::kDone;
     });
-    // Somebody else has locked the whole file for himself.
-    const bool isLocked = error == EAGAIN || error == EACCES;
-    return error == 0 ? Outcome::kDone : isLocked ? Outcome::kConflict : Outcome::kNoLocks;
+    return outcome;
 }
 
 void Drop(int inDescriptor) noexcept
@@ -169,10 +178,27 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
+// Who shares nothing goes with nobody: one lock for writing says so, and takes and looks in one step. It needs a
+// descriptor that can write; kNoLocks also where this one cannot.
+Outcome TakeAlone(int inDescriptor)
+{
+    constexpr unsigned kAllBytes = (1u << kByteCount) - 1;
+    for (int attempt = 0; attempt < kTries; ++attempt) {
+        const Outcome outcome = Lock(inDescriptor, F_WRLCK, 0, kByteCount);
+        if (outcome != Outcome::kConflict) {
+            return outcome;
+        }
+        if (StaysHeld(inDescriptor, kAllBytes)) {
+            return Outcome::kConflict;
+        }
+        WaitBeforeTry(attempt, &attempt);
+    }
+    return Outcome::kConflict;
+}
+
 // Takes the bytes of inHeld unless somebody holds one of inTested.
 Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
 {
-    constexpr int kTries = 12;
     for (int attempt = 0; attempt < kTries; ++attempt) {
         const Outcome outcome = Take(inDescriptor, inHeld);
         if (outcome == Outcome::kDone && !IsAnyHeld(inDescriptor, inTested)) {
@@ -190,9 +216,26 @@ Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
     return Outcome::kConflict;
 }
 
+// It is closed in any case; an interruption says nothing of the file.
+int CloseDescriptor(int inDescriptor) noexcept
+{
+    return inDescriptor < 0 || System().mClose(inDescriptor) == 0 || errno == EINTR ? 0 : errno;
+}
+
+Outcome TakeLocks(int inDescriptor, unsigned inUses, unsigned inShares, bool inCanWrite)
+{
+    const unsigned unshared = ~inShares & kShareAll;
+    const Outcome alone = inCanWrite && unshared == kShareAll ? TakeAlone(inDescriptor) : Outcome::kNoLocks;
+    if (alone != Outcome::kNoLocks) {
+        return alone;
+    }
+    return TakeUnlessHeld(inDescriptor, UseBytes(inUses) | KeepBytes(unshared), KeepBytes(inUses) | UseBytes(unshared));
+}
+
 } // namespace
 
-SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares)
+SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares,
+                               bool inCanWrite)
 {
     if (inUses == kShareNothing) {
         return kNoError;
@@ -203,9 +246,7 @@ SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, uns
         return kErrorSharingViolation;
     }
     if (inDescriptor >= 0) {
-        const unsigned unshared = ~inShares & kShareAll;
-        const Outcome outcome = TakeUnlessHeld(inDescriptor, UseBytes(inUses) | KeepBytes(unshared),
-                                               KeepBytes(inUses) | UseBytes(unshared));
+        const Outcome outcome = TakeLocks(inDescriptor, inUses, inShares, inCanWrite);
         if (outcome == Outcome::kConflict) {
             return kErrorSharingViolation;
         }
@@ -219,26 +260,22 @@ SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, uns
     return kNoError;
 }
 
-void ShareHolder::Release(int inDescriptor) noexcept
+int ShareHolder::Release(int inDescriptor) noexcept
 {
     if (!mIsIn) {
-        if (inDescriptor >= 0) {
-            System().mClose(inDescriptor);
-        }
-        return;
+        return CloseDescriptor(inDescriptor);
     }
     ShareBucket& bucket = BucketOf(mFile);
     const std::lock_guard<std::mutex> lock(bucket.mMutex);
-    if (inDescriptor >= 0) {
-        // Closing is not enough while a child that the host has just made still has a copy of the descriptor.
-        if (mHasLocks) {
-            Drop(inDescriptor);
-        }
-        System().mClose(inDescriptor);
+    // Closing is not enough while a child that the host has just made still has a copy of the descriptor.
+    if (inDescriptor >= 0 && mHasLocks) {
+        Drop(inDescriptor);
     }
+    const int failure = CloseDescriptor(inDescriptor);
     bucket.Remove(*this);
     mIsIn = false;
     mHasLocks = false;
+    return failure;
 }
 
 } // namespace Linux

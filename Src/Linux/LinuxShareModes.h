@@ -9,7 +9,8 @@
 // belong to the open file description (F_OFD_SETLK), so they die with their owner, need no right but to read, and do
 // not meddle with the locks of other libraries in the process. Who opens takes its locks first and looks for locks in
 // conflict then: of two that come at once at most one gets through, and one that has to go tries again for a moment,
-// unless the other is there to stay.
+// unless the other is there to stay. Who shares nothing and can write takes all bytes in one lock for writing instead,
+// which says the same in one call.
 //
 // Where a file cannot be locked (the descriptor cannot read, the file system has no locks) the rule holds inside the
 // process alone.
@@ -49,12 +50,13 @@ public:
     ShareHolder& operator=(const ShareHolder&) = delete;
 
     /// Enters the holder, which must be out: 0, or 32 and it stays out. inDescriptor is the holder's own, of that file;
-    /// -1 where there is none.
-    SystemError Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares);
+    /// -1 where there is none. inCanWrite: the descriptor may be open for writing.
+    SystemError Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares,
+                      bool inCanWrite = false);
 
     /// Takes the holder out and closes the descriptor that it entered with, both at one moment for others. Closes the
-    /// descriptor also when the holder is out; -1 closes none.
-    void Release(int inDescriptor) noexcept;
+    /// descriptor also when the holder is out; -1 closes none. 0, or the errno of a close that tells of a failure.
+    int Release(int inDescriptor) noexcept;
 
 private:
     friend struct ShareBucket;

@@ -1,0 +1,146 @@
+// Share modes between processes, lock by lock: who meets another on its way in, and who stays.
+//
+// The other process is a descriptor of our own with locks of its own description, which is all that one process sees of
+// another. The byte that it holds says "shuts out readers".
+#include <FileSupport.h>
+
+#include <FaultySystemCallsLinux.h>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+using Faults = FaultySystemCalls;
+
+class Other
+{
+public:
+    explicit Other(const TempFolder& inFolder) : mFile(::open((inFolder.Host() / "f").c_str(), O_RDWR | O_CLOEXEC)) {}
+    ~Other() { ::close(mFile); }
+    Other(const Other&) = delete;
+    Other& operator=(const Other&) = delete;
+
+    void Lock(short inType)
+    {
+        struct flock lock = {};
+        lock.l_type = inType;
+        lock.l_whence = SEEK_SET;
+        lock.l_start = off_t{1} << 62;
+        lock.l_len = 1;
+        EXPECT_EQ(0, ::fcntl(mFile, F_OFD_SETLK, &lock));
+    }
+    void ShutOutReaders() { Lock(F_RDLCK); }
+    void Leave() { Lock(F_UNLCK); }
+
+private:
+    const int mFile;
+};
+
+} // namespace
+
+TEST(FileShareModesOnLinux, OneThatStays_IsASharingViolation)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    Other other(folder);
+    other.ShutOutReaders();
+    EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kRead).mResult);
+    EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kReadWrite, kShareNone).mResult);
+    EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kWrite).mResult) << "it shuts out readers alone";
+    other.Leave();
+    EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
+}
+
+// Two that come at once meet each other's locks. One that is refused itself has left when it is looked for again, and
+// must not cost the other the file.
+TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
+{
+    const struct
+    {
+        const char* mName;
+        Access::Type mAccess;
+        Share::Type mShare;
+    } ways[] = {{"a reader", kRead, kShareEverything},
+                {"a reader alone", kRead, kShareNone},
+                {"a writer alone", kReadWrite, kShareNone}};
+    for (const auto& way : ways) {
+        const TempFolder folder;
+        folder.MakeFile("f");
+        unsigned all = 0;
+        {
+            Faults calls;
+            EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), way.mAccess, way.mShare).mResult);
+            all = calls.Count(Faults::kLockRange);
+        }
+        ASSERT_LT(1u, all) << way.mName;
+        // It is there when we first look, and gone at one of the calls that follow.
+        for (unsigned gone = 2; gone <= all + 2; ++gone) {
+            Other other(folder);
+            Faults calls;
+            unsigned met = 0;
+            calls.Before(Faults::kLockRange, 1, [&] { other.ShutOutReaders(); });
+            calls.Before(Faults::kLockRange, gone, [&] {
+                ++met;
+                other.Leave();
+            });
+            EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), way.mAccess, way.mShare).mResult)
+                << way.mName << ", gone at call " << gone;
+            EXPECT_EQ(1u, met) << "the lock was in the way";
+        }
+    }
+}
+
+// Not for ever: the other may have the same patience.
+TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    Other other(folder);
+    Faults calls;
+    for (unsigned number = 1; number < 400; ++number) {
+        // Every look that finds it is followed by one that does not.
+        calls.Before(Faults::kLockRange, number, [&other, number] {
+            number % 2 == 1 ? other.ShutOutReaders() : other.Leave();
+        });
+    }
+    const Result result = Opened(folder.Path(u"f"), kReadWrite, kShareNone).mResult;
+    EXPECT_EQ(kSharingViolation, result);
+    EXPECT_GT(400u, calls.Count(Faults::kLockRange));
+}
+
+// Nothing is left of one that was refused.
+TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    Other other(folder);
+    other.ShutOutReaders();
+    EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kRead, kShareNone).mResult);
+    EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kReadWrite, kShareNone).mResult);
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = (off_t{1} << 62) + 1;
+    const int third = ::open((folder.Host() / "f").c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(0, ::fcntl(third, F_OFD_GETLK, &lock));
+    EXPECT_EQ(F_UNLCK, lock.l_type);
+    ::close(third);
+}
+
+// A descriptor that cannot read takes no shared locks, but one for writing says that nobody else may come.
+TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    Faults calls;
+    Opened file(folder.Path(u"f"), kWrite, kShareNone);
+    EXPECT_EQ(kSuccess, file.mResult);
+    EXPECT_EQ(1u, calls.Count(Faults::kLockRange));
+    file.mFile.Close();
+    EXPECT_EQ(2u, calls.Count(Faults::kLockRange));
+}
