@@ -1,4 +1,5 @@
 // Deleting, moving and replacing names.
+#include "LinuxCopyBytes.h"
 #include "LinuxErrors.h"
 #include "LinuxFileCopy.h"
 #include "SystemCalls.h"
@@ -51,19 +52,37 @@ SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
                                                                 : SystemErrorFromErrno(errno, inTo, PathOperation::kMove);
 }
 
-SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
+// A link goes as a link, wherever it leads.
+SystemError CopyLink(const std::string& inSource, const std::string& inDestination)
 {
-    if (!S_ISREG(inStatus.st_mode)) {
-        return kErrorNotSameDevice;
+    char target[PATH_MAX];
+    const ssize_t size = System().mReadLinkAt(AT_FDCWD, inSource.c_str(), target, sizeof(target) - 1);
+    if (size < 0) {
+        return SystemErrorFromErrno(errno, inSource);
     }
+    target[size] = '\0';
+    return System().mSymLinkAt(target, AT_FDCWD, inDestination.c_str()) == 0 ? kNoError
+                                                                           : SystemErrorFromErrno(errno, inDestination);
+}
+
+SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
+{
     CopyWish wish;
     wish.mDisposition = kCreateNew;
     wish.mSyncs = true; // the source goes next
-    const SystemError error = CopyHostFile(inSource, inDestination, wish);
+    return CopyHostFile(inSource, inDestination, wish);
+}
+
+// By a copy, which folders do not have: 5. A source that cannot be deleted stays beside what has been moved.
+SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
+{
+    const SystemError error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
+                                                        : CopyWhole(inSource, inDestination);
     if (error != kNoError) {
         return error == kErrorFileExists ? kErrorAlreadyExists : error;
     }
-    return System().mUnlink(inSource.mPath.c_str()) == 0 ? kNoError : SystemErrorFromErrno(errno, inSource.mPath);
+    System().mUnlink(inSource.mPath.c_str());
+    return kNoError;
 }
 
 // --- replacing -------------------------------------------------------------------------------------------------------
@@ -143,6 +162,7 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
         System().mFChMod(contents, mode); // the permissions belong to the name; not every file system keeps them
     }
+    CopyUserAttributes(inReplaced.mHold.Descriptor(), contents, AttributesThere::kAreKept);
     if (System().mFSync(contents) != 0) {
         return SystemErrorFromErrno(errno);
     }

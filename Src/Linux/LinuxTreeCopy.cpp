@@ -1,8 +1,8 @@
+#include "LinuxCopyBytes.h"
 #include "LinuxTree.h"
 
 #include <atomic>
 #include <cerrno>
-#include <memory>
 #include <unistd.h>
 
 namespace ORL {
@@ -10,7 +10,6 @@ namespace Linux {
 
 namespace {
 
-constexpr std::size_t kStep = std::size_t{64} << 20; // of the kernel's own copy
 constexpr mode_t kPermissions = 0777;
 
 // A name beside the target that nobody else has; it is hidden.
@@ -18,50 +17,6 @@ std::string TemporaryName()
 {
     static std::atomic<unsigned> sCount{0};
     return ".orl-copy-" + std::to_string(::getpid()) + "-" + std::to_string(sCount.fetch_add(1));
-}
-
-// Between volumes and where the file system has no copy of its own.
-int CopyByHand(int inFrom, int inTo, off_t inPosition)
-{
-    constexpr std::size_t kBuffer = std::size_t{128} << 10;
-    const std::unique_ptr<char[]> buffer(new char[kBuffer]); // not zeroed: every empty file comes here too
-    for (;;) {
-        const ssize_t size = System().mPRead(inFrom, buffer.get(), kBuffer, inPosition);
-        if (size <= 0) {
-            return size == 0 ? 0 : errno;
-        }
-        for (ssize_t at = 0; at < size;) {
-            const ssize_t written =
-                System().mPWrite(inTo, buffer.get() + at, static_cast<std::size_t>(size - at), inPosition);
-            if (written < 0) {
-                return errno;
-            }
-            at += written;
-            inPosition += written;
-        }
-    }
-}
-
-bool IsRefusal(int inErrno)
-{
-    return inErrno == EXDEV || inErrno == EINVAL || inErrno == ENOSYS || inErrno == EOPNOTSUPP || inErrno == EPERM;
-}
-
-int CopyBytes(int inFrom, int inTo)
-{
-    off_t position = 0;
-    off_t target = 0;
-    for (;;) {
-        const ssize_t copied = System().mCopyRange(inFrom, &position, inTo, &target, kStep);
-        if (copied > 0) {
-            continue;
-        }
-        // Some files of the kernel's own seem empty to its copy.
-        if (copied == 0 ? position == 0 : IsRefusal(errno)) {
-            return CopyByHand(inFrom, inTo, position);
-        }
-        return copied == 0 ? 0 : errno;
-    }
 }
 
 int KeepTimes(int inTo, const struct stat& inStatus)
@@ -135,8 +90,12 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo)
     if (!to) {
         return errno;
     }
-    failure = CopyBytes(from.File(), to.Get());
-    failure = failure == 0 ? KeepTimes(to.Get(), status) : failure;
+    failure = CopyBytes(from.File(), to.Get(), static_cast<std::uint64_t>(status.st_size));
+    if (failure != 0) {
+        return failure;
+    }
+    CopyUserAttributes(from.File(), to.Get(), AttributesThere::kNone);
+    failure = KeepTimes(to.Get(), status);
     return failure == 0 ? entry.GiveName(inName) : failure;
 }
 

@@ -6,6 +6,7 @@
 #include <stdlib.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace ORL {
@@ -73,6 +74,10 @@ constexpr SystemCalls TheSystem()
     calls.mFSync = &::fsync;
     calls.mFChMod = &::fchmod;
     calls.mFUTimens = &::futimens;
+    calls.mFListXAttr = &::flistxattr;
+    calls.mFGetXAttr = &::fgetxattr;
+    calls.mFSetXAttr = &::fsetxattr;
+    calls.mFRemoveXAttr = &::fremovexattr;
     calls.mLockRange = &LockRange;
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;

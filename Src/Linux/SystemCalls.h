@@ -36,6 +36,12 @@ struct io_uring_cqe;
     X(FSync, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
     X(FChMod, Errno, int, (int inFile, mode_t inMode), (inFile, inMode), sNoSize)                                      \
     X(FUTimens, Errno, int, (int inFile, const struct timespec* inTimes), (inFile, inTimes), sNoSize)                  \
+    X(FListXAttr, Errno, ssize_t, (int inFile, char* outNames, std::size_t inSize), (inFile, outNames, inSize), sNoSize)\
+    X(FGetXAttr, Errno, ssize_t, (int inFile, const char* inName, void* outValue, std::size_t inSize),                 \
+      (inFile, inName, outValue, inSize), sNoSize)                                                                     \
+    X(FSetXAttr, Errno, int, (int inFile, const char* inName, const void* inValue, std::size_t inSize, int inFlags),   \
+      (inFile, inName, inValue, inSize, inFlags), sNoSize)                                                             \
+    X(FRemoveXAttr, Errno, int, (int inFile, const char* inName), (inFile, inName), sNoSize)                           \
     X(LockRange, Errno, int, (int inFile, int inCommand, struct flock* ioLock), (inFile, inCommand, ioLock), sNoSize)  \
     X(GetDents, Errno, ssize_t, (int inFolder, void* outBuffer, std::size_t inSize), (inFolder, outBuffer, inSize),    \
       sNoSize)                                                                                                         \

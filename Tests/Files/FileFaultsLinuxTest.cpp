@@ -3,6 +3,7 @@
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
+#include <FileImpl.h>
 #include <Linux/LinuxErrors.h>
 
 #include <algorithm>
@@ -47,7 +48,21 @@ struct Operation
     void (*mCheck)(const TempFolder&, bool);
     // Results besides success and the one that the error has.
     std::set<Result> mOther;
+    bool mIsOnTwoVolumes = false;
 };
+
+int RefuseToRename(const char*, const char*, unsigned)
+{
+    errno = EXDEV;
+    return -1;
+}
+
+void Prepare(const Operation& inOperation, Faults& ioCalls)
+{
+    if (inOperation.mIsOnTwoVolumes) {
+        ioCalls.Underneath().mRenameTo = &RefuseToRename;
+    }
+}
 
 Result WriteNew(const TempFolder& inFolder)
 {
@@ -182,6 +197,41 @@ const Operation kOperations[] = {
          EXPECT_TRUE((succeeded ? Big('o') : "<none>") == ContentsOf(folder, "m"));
      },
      {}},
+    {"MoveToAnotherVolume", &MakeOld,
+     [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
+     [](const TempFolder& folder, bool succeeded) {
+         const std::string source = ContentsOf(folder, "f");
+         EXPECT_TRUE(source == Big('o') || (succeeded && source == "<none>"));
+         EXPECT_TRUE((succeeded ? Big('o') : "<none>") == ContentsOf(folder, "m"));
+     },
+     {},
+     true},
+    {"MoveALinkToAnotherVolume",
+     [](const TempFolder& folder) {
+         MakeOld(folder);
+         std::filesystem::create_symlink("f", folder.Host() / "link");
+     },
+     [](const TempFolder& folder) { return File::Move(folder.Path(u"link"), folder.Path(u"m")); },
+     [](const TempFolder& folder, bool succeeded) {
+         ExpectUntouched(folder, true);
+         EXPECT_EQ(succeeded, std::filesystem::is_symlink(folder.Host() / "m"));
+         EXPECT_TRUE(succeeded || std::filesystem::is_symlink(folder.Host() / "link"));
+     },
+     {},
+     true},
+    {"DeleteOnClose", [](const TempFolder&) {},
+     [](const TempFolder& folder) {
+         using namespace Files::Platform;
+         Handle file = nullptr;
+         const SystemError error = CreateFile_Impl(folder.Path(u"f"), kGenericWrite | kAccessDelete, 7, kCreateNew,
+                                                   kFlagDeleteOnClose, file);
+         if (error == 0) {
+             CloseFile_Impl(file);
+         }
+         return Files::ResultOf(error);
+     },
+     [](const TempFolder&, bool) {},
+     {}},
     {"SwapTempFile", &MakeOldAndNew,
      [](const TempFolder& folder) { return File::SwapTempFile(folder.Path(u"n"), folder.Path(u"f")); },
      [](const TempFolder& folder, bool succeeded) {
@@ -218,7 +268,8 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
     {
         const TempFolder folder;
         operation.mPrepare(folder);
-        const Faults calls;
+        Faults calls;
+        Prepare(operation, calls);
         EXPECT_EQ(kSuccess, operation.mRun(folder));
         for (int call = 0; call < Faults::kCallCount; ++call) {
             counts[call] = calls.Count(static_cast<Faults::Call>(call));
@@ -226,9 +277,7 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
     }
     int injections = 0;
     for (int call = 0; call < Faults::kCallCount; ++call) {
-        // A close that reports a failure has closed all the same, which an injected one has not.
-        const unsigned count = call == Faults::kClose ? 0 : counts[call];
-        for (unsigned number = 1; number <= count; ++number) {
+        for (unsigned number = 1; number <= counts[call]; ++number) {
             for (const int error : kErrors) {
                 SCOPED_TRACE("call " + std::to_string(call) + " number " + std::to_string(number) + " error "
                              + std::to_string(error));
@@ -238,6 +287,7 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
                 Result result = kSuccess;
                 {
                     Faults calls;
+                    Prepare(operation, calls);
                     calls.Fail(static_cast<Faults::Call>(call), number, error);
                     result = operation.mRun(folder);
                 }

@@ -119,6 +119,11 @@ Result FailNothing(int)
             return ORL::Linux::kSystem.m##name arguments;                                                              \
         }                                                                                                              \
         const int error = state->Enter(FaultySystemCalls::k##name, size);                                              \
+        if constexpr (FaultySystemCalls::k##name == FaultySystemCalls::kClose) {                                       \
+            if (error != 0) {                                                                                          \
+                state->mUnderneath.m##name arguments;                                                                  \
+            }                                                                                                          \
+        }                                                                                                              \
         return error != 0 ? Fail##failure<result>(error) : state->mUnderneath.m##name arguments;                       \
     }
 ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_CALL)

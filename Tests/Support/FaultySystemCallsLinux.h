@@ -32,7 +32,8 @@ public:
     FaultySystemCalls(const FaultySystemCalls&) = delete;
     FaultySystemCalls& operator=(const FaultySystemCalls&) = delete;
 
-    /// inNumber counts the calls of that kind from now on; 1 is the next. inCount calls in a row fail.
+    /// inNumber counts the calls of that kind from now on; 1 is the next. inCount calls in a row fail. Nothing is done by a
+    /// call that fails, but a close has closed, as the system's has.
     void Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount = 1);
 
     /// Takes inBytes from the size that is asked for, but leaves 1 byte.

@@ -1,0 +1,76 @@
+// Records of opening that are a matter of names: their case, their length, a leading dot. Through the seam.
+#include <FileSupport.h>
+
+#include <Platform/File.h>
+
+#include <gtest/gtest.h>
+#include <set>
+
+using namespace ORL;
+using namespace ORL::Files::Platform;
+using namespace ORLTest;
+
+namespace {
+
+SystemError Try(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inDisposition)
+{
+    Handle file = nullptr;
+    const SystemError error = CreateFile_Impl(inPath, inAccess, 7, inDisposition, kAttributeNormal, file);
+    if (error == 0) {
+        CloseFile_Impl(file);
+    }
+    return error;
+}
+
+UTF16String Extended(const UTF16String& inPath)
+{
+    return Units(u"\\\\?\\") + inPath;
+}
+
+} // namespace
+
+// cf34, cf35. Names are matched as the volume matches them: at home it looks past their case, ext4 does not.
+TEST(FileSituationNames, AnotherCase_IsTheSameFileWhereTheVolumeSaysSo)
+{
+    const TempFolder folder;
+    folder.MakeFile("f.txt", "x");
+    const bool isSame = ContentsOf(folder, "F.TXT") == "x";
+    EXPECT_EQ(isSame ? 0u : 2u, Try(Extended(folder.Path(u"F.TXT")), kGenericRead, kOpenExisting)) << "cf34";
+    EXPECT_EQ(isSame ? 80u : 0u, Try(Extended(folder.Path(u"F.TXT")), kGenericWrite, kCreateNew)) << "cf35";
+}
+
+// cf47, cf48. At home a plain path of 260 units is opened where the process takes long paths, else it is 3.
+TEST(FileSituationNames, ALongPath_IsTakenExtendedAndPlainWhereThePlainFormMayBeLong)
+{
+    const TempFolder folder;
+    const UTF16String path = folder.Path(std::u16string(250, u'n'));
+    ASSERT_LE(260u, path.size());
+    EXPECT_EQ(0u, Try(Extended(path), kGenericWrite, kCreateAlways)) << "cf47";
+    EXPECT_EQ(1u, (std::set<SystemError>{0, 3}.count(Try(path, kGenericRead, kOpenExisting)))) << "cf48";
+    EXPECT_EQ(0u, DeleteFile_Impl(Extended(path)));
+}
+
+// cf58 and cf59 tell of files that an open has marked as hidden, over which another open must ask for the mark again.
+// File never asks for it; only the probe for a writeable folder does, which is gone when it is closed. Where a leading
+// dot hides a file it is no mark, and whoever made the file makes it again.
+TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
+{
+    const TempFolder folder;
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(0u, Try(Extended(folder.Path(u".settings")), kGenericWrite, kCreateAlways));
+    }
+}
+
+// ch1. The seam's close answers nothing and takes each handle once; that File closes but once is File's doing.
+TEST(FileSituationNames, AFileThatIsClosedTwice_IsClosedOnce)
+{
+    const TempFolder folder;
+    folder.MakeFile("f");
+    Opened first(folder.Path(u"f"), kRead);
+    first.mFile.Close();
+    Opened second(folder.Path(u"f"), kRead, kShareNone);
+    first.mFile.Close();
+    EXPECT_EQ(kSuccess, second.mResult);
+    EXPECT_EQ("x", ReadText(second.mFile, 1)) << "the second file may have the first one's handle by now";
+    EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kRead).mResult);
+}

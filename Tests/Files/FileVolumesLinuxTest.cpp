@@ -1,0 +1,120 @@
+// Moves to another volume, where a rename cannot help: a file is copied, a link is made anew, a folder stays.
+#include <FileSupport.h>
+
+#include <FaultySystemCallsLinux.h>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+using Faults = FaultySystemCalls;
+
+bool IsLink(const TempFolder& inFolder, const std::string& inName)
+{
+    return std::filesystem::is_symlink(inFolder.Host() / inName);
+}
+
+std::string TargetOf(const TempFolder& inFolder, const std::string& inName)
+{
+    return IsLink(inFolder, inName) ? std::filesystem::read_symlink(inFolder.Host() / inName).string() : "<none>";
+}
+
+dev_t DeviceOf(const std::filesystem::path& inPath)
+{
+    struct stat status = {};
+    return ::stat(inPath.c_str(), &status) == 0 ? status.st_dev : 0;
+}
+
+// Names of one volume that the system takes for two.
+struct TwoVolumes
+{
+    TwoVolumes() { mCalls.Fail(Faults::kRenameTo, 1, EXDEV, Faults::kForEver); }
+
+    TempFolder mFolder;
+    Faults mCalls;
+};
+
+} // namespace
+
+TEST(FileVolumes, ALink_IsMovedAsALink)
+{
+    const TwoVolumes volumes;
+    const TempFolder& folder = volumes.mFolder;
+    folder.MakeFile("target", "x");
+    folder.MakeFolder("d");
+    for (const char* target : {"target", "d", "nothing"}) {
+        std::filesystem::create_symlink(target, folder.Host() / "link");
+        EXPECT_EQ(kSuccess, File::Move(folder.Path(u"link"), folder.Path(u"moved")));
+        EXPECT_EQ(target, TargetOf(folder, "moved"));
+        EXPECT_FALSE(IsLink(folder, "link"));
+        std::filesystem::remove(folder.Host() / "moved");
+    }
+    EXPECT_EQ("x", ContentsOf(folder, "target")) << "what it leads to stays";
+}
+
+TEST(FileVolumes, ALinkOntoAnExistingName_IsRefusedAndStays)
+{
+    const TwoVolumes volumes;
+    volumes.mFolder.MakeFile("there", "x");
+    std::filesystem::create_symlink("nothing", volumes.mFolder.Host() / "link");
+    EXPECT_EQ(kAlreadyExists, File::Move(volumes.mFolder.Path(u"link"), volumes.mFolder.Path(u"there")));
+    EXPECT_EQ("x", ContentsOf(volumes.mFolder, "there"));
+    EXPECT_EQ("nothing", TargetOf(volumes.mFolder, "link"));
+}
+
+TEST(FileVolumes, AFolder_IsAccessDeniedAndStays)
+{
+    const TwoVolumes volumes;
+    volumes.mFolder.MakeFolder("d");
+    volumes.mFolder.MakeFile("d/f", "x");
+    EXPECT_EQ(kAccessDenied, File::Move(volumes.mFolder.Path(u"d"), volumes.mFolder.Path(u"e")));
+    EXPECT_EQ("x", ContentsOf(volumes.mFolder, "d/f"));
+    EXPECT_FALSE(std::filesystem::exists(volumes.mFolder.Host() / "e"));
+}
+
+TEST(FileVolumes, ASourceThatCannotBeDeleted_StaysBesideWhatWasMoved)
+{
+    TwoVolumes volumes;
+    volumes.mFolder.MakeFile("f", "x");
+    volumes.mCalls.Fail(Faults::kUnlink, 1, EACCES, Faults::kForEver);
+    EXPECT_EQ(kSuccess, File::Move(volumes.mFolder.Path(u"f"), volumes.mFolder.Path(u"m")));
+    EXPECT_EQ("x", ContentsOf(volumes.mFolder, "m"));
+    EXPECT_EQ("x", ContentsOf(volumes.mFolder, "f"));
+}
+
+TEST(FileVolumes, ACopyThatTheDiskRefusesAtItsClose_IsNoCopy)
+{
+    const TempFolder folder;
+    folder.MakeFile("f", "x");
+    Faults calls;
+    calls.Fail(Faults::kClose, 1, ENOSPC);
+    EXPECT_EQ(kDiskFull, File::Copy(folder.Path(u"f"), folder.Path(u"c")));
+    EXPECT_EQ("<none>", ContentsOf(folder, "c"));
+    calls.Fail(Faults::kClose, 1, EINTR);
+    EXPECT_EQ(kSuccess, File::Copy(folder.Path(u"f"), folder.Path(u"c"))) << "an interruption says nothing of the file";
+    EXPECT_EQ("x", ContentsOf(folder, "c"));
+}
+
+TEST(FileVolumes, BetweenTwoRealOnes_TheSameHolds)
+{
+    const std::filesystem::path memory = "/dev/shm";
+    const TempFolder from;
+    if (DeviceOf(memory) == 0 || DeviceOf(memory) == DeviceOf(from.Host())) {
+        GTEST_SKIP() << "there is one volume only";
+    }
+    const TempFolder to(memory);
+    from.MakeFile("f", "contents");
+    from.MakeFolder("d");
+    std::filesystem::create_symlink("f", from.Host() / "link");
+    EXPECT_EQ(kSuccess, File::Move(from.Path(u"link"), to.Path(u"link")));
+    EXPECT_EQ("f", TargetOf(to, "link"));
+    EXPECT_EQ(kSuccess, File::Move(from.Path(u"f"), to.Path(u"f")));
+    EXPECT_EQ("contents", ContentsOf(to, "f"));
+    EXPECT_EQ("<none>", ContentsOf(from, "f"));
+    EXPECT_EQ(kAccessDenied, File::Move(from.Path(u"d"), to.Path(u"d")));
+    EXPECT_TRUE(std::filesystem::is_directory(from.Host() / "d"));
+}
