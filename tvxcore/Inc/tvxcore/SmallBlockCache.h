@@ -100,6 +100,28 @@ inline void AssumeSmall(std::size_t inSize) noexcept
     }
 }
 
+// Recent processors hand a word that was just stored to its next reader without delay, where both name it by a register
+// and an offset and where the sum between them is no addition in place. By an index, or with one, each turn waits for
+// the store of the one before it: twice the time of a pair. Compilers prefer those forms, so these two hold them to the
+// others.
+
+/// The pair of a class's places, its address in a register.
+inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept
+{
+    void*** places = &ioCache.mPlaces[kPlaces[(inSize + kGrain - 1) / kGrain]];
+    if (!__builtin_constant_p(inSize)) {
+        __asm__("" : "+r"(places));
+    }
+    return places;
+}
+
+inline std::uint64_t Sum(std::uint64_t inFirst, std::uint64_t inSecond) noexcept
+{
+    std::uint64_t sum;
+    __asm__("leaq (%1,%2), %0" : "=r"(sum) : "r"(inFirst), "r"(inSecond));
+    return sum;
+}
+
 /// A block from the cache, or null when it takes the slow way.
 inline void* TakeFromCache(CacheHead& ioCache, std::size_t inSize) noexcept
 {
@@ -107,16 +129,16 @@ inline void* TakeFromCache(CacheHead& ioCache, std::size_t inSize) noexcept
         return nullptr;
     }
     AssumeSmall(inSize);
-    void**& place = ioCache.mPlaces[kPlaces[(inSize + kGrain - 1) / kGrain]];
-    void** const top = place - 1;
+    void*** const places = PlacesOf(ioCache, inSize);
+    void** const top = places[0] - 1;
     void* const block = *top;
-    const std::uint64_t taken = ioCache.mTaken.load(std::memory_order_relaxed) + (kOneBlock + inSize);
+    const std::uint64_t taken = Sum(ioCache.mTaken.load(std::memory_order_relaxed), kOneBlock + inSize);
     const std::uint64_t room = ioCache.mRoom.load(std::memory_order_relaxed) - taken;
     if (__builtin_expect(block == nullptr || ((room | taken) & kGuards) != 0, 0)) {
         return nullptr;
     }
     ioCache.mTaken.store(taken, std::memory_order_relaxed);
-    place = top;
+    places[0] = top;
     return block;
 }
 
@@ -127,15 +149,15 @@ inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) n
         return false;
     }
     AssumeSmall(inSize);
-    const std::size_t index = kPlaces[(inSize + kGrain - 1) / kGrain];
-    void** const place = ioCache.mPlaces[index];
-    if (__builtin_expect(place == ioCache.mPlaces[index + 1], 0)) {
+    void*** const places = PlacesOf(ioCache, inSize);
+    void** const place = places[0];
+    if (__builtin_expect(place == places[1], 0)) {
         return false;
     }
     *place = inBlock;
-    ioCache.mPlaces[index] = place + 1;
+    places[0] = place + 1;
     const std::uint64_t room = ioCache.mRoom.load(std::memory_order_relaxed);
-    ioCache.mRoom.store(room + (kOneBlock + inSize), std::memory_order_relaxed);
+    ioCache.mRoom.store(Sum(room, kOneBlock + inSize), std::memory_order_relaxed);
     return true;
 }
 

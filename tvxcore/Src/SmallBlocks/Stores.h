@@ -19,7 +19,7 @@ namespace SmallBlocks {
 /// nor a thread's hoard gets expensive.
 constexpr std::size_t BatchSize(std::size_t inClass) noexcept
 {
-    return std::clamp<std::size_t>(32 * 1024 / kClassSizes[inClass], 4, 128);
+    return std::clamp<std::size_t>(32 * 1024 / kClassSizes[inClass], 4, 256);
 }
 
 /// Blocks that a store keeps ready: 1 MiB worth.
