@@ -25,32 +25,37 @@ void SleepWhile(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValu
 
 // Looking again a few times is cheaper than a sleep when the holder runs on another processor, and a waste of the
 // holder's time when there is only one.
-int SpinCount()
+bool MaySpin()
 {
-    static const int count = [] {
+    static const bool may = [] {
         cpu_set_t allowed;
-        const bool known = ::sched_getaffinity(0, sizeof(allowed), &allowed) == 0;
-        return known && CPU_COUNT(&allowed) > 1 ? 40 : 0;
+        return ::sched_getaffinity(0, sizeof(allowed), &allowed) == 0 && CPU_COUNT(&allowed) > 1;
     }();
-    return count;
+    return may;
 }
+
+constexpr int kLongestPause = 32;
 
 } // namespace
 
+// Each look takes the word's line away from the holder, who may be about to need it many times. So the pauses between
+// them double.
 bool PlatformLock::SpinAndTake(std::uintptr_t inSelf)
 {
-    for (int left = SpinCount(); left > 0; --left) {
+    for (int pause = 1; pause <= kLongestPause; pause *= 2) {
+        for (int left = pause; left > 0; --left) {
+            __builtin_ia32_pause();
+        }
         if (mWord.load(std::memory_order_relaxed) == 0 && Take(inSelf)) {
             return true;
         }
-        __builtin_ia32_pause();
     }
     return false;
 }
 
 void PlatformLock::WaitAndTake(std::uintptr_t inSelf)
 {
-    if (SpinAndTake(inSelf)) {
+    if (TakeAgain(inSelf) || (MaySpin() && SpinAndTake(inSelf))) {
         return;
     }
     // Whoever takes the lock here cannot know whether others sleep, so it leaves the mark that wakes one of them.

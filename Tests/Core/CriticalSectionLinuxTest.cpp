@@ -48,6 +48,45 @@ TEST(CriticalSectionOfOurs, IsConstantInitializedAndNeedsNoDestruction)
 #endif
 }
 
+namespace {
+
+bool IsFreeForAnotherThread(const CriticalSection& inSection)
+{
+    bool isFree = false;
+    std::thread([&] { isFree = CriticalSectionTryLock(inSection).IsLocked(); }).join();
+    return isFree;
+}
+
+} // namespace
+
+// Whether the lock looks for its holder first depends on what happened to it before.
+TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
+{
+    for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {
+        const CriticalSection section;
+        for (int i = 0; i < 3; ++i) {
+            section.Lock();
+            section.Lock();
+            EXPECT_TRUE(section.TryLock());
+            section.Unlock();
+            section.Unlock();
+            EXPECT_FALSE(IsFreeForAnotherThread(section));
+            section.Unlock();
+            EXPECT_TRUE(IsFreeForAnotherThread(section));
+            for (int turn = 0; turn < plainTurns; ++turn) {
+                section.Lock();
+                section.Unlock();
+            }
+            EXPECT_TRUE(section.TryLock());
+            EXPECT_TRUE(section.TryLock());
+            section.Unlock();
+            EXPECT_FALSE(IsFreeForAnotherThread(section));
+            section.Unlock();
+            EXPECT_TRUE(IsFreeForAnotherThread(section));
+        }
+    }
+}
+
 TEST(CriticalSectionOfOurs, ThreadsThatWait_SleepAndAreAllWokenOneAfterTheOther)
 {
     const CriticalSection section;
