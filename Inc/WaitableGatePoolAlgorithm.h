@@ -6,6 +6,7 @@
 #include <ORLResult.h>
 #include <Sync/Policy.h>
 
+#include <atomic>
 #include <cstddef>
 #include <vector>
 
@@ -41,7 +42,8 @@ public:
     static Gate* RetrieveGate()
     {
         ORL_INPUT_CONTRACT(sPool);
-        Gate* const ret = sPool != nullptr ? sPool->TakeOrMake() : Policy::template New<Gate>();
+        WaitableGatePoolAlgorithm* const pool = sPool;
+        Gate* const ret = pool != nullptr ? pool->TakeOrMake() : Policy::template New<Gate>();
         ORL_OUTPUT_CONTRACT(ret);
         if (ret != nullptr) {
             ORL_OUTPUT_CONTRACT(kWaitTimeout == ret->Wait(0));
@@ -60,8 +62,8 @@ public:
         if (Policy::Keeps(Step::kGatePoolClosesFirst)) {
             inGate->Close();
         }
-        if (sPool != nullptr) {
-            sPool->KeepOrDestroy(inGate);
+        if (WaitableGatePoolAlgorithm* const pool = sPool) {
+            pool->KeepOrDestroy(inGate);
         } else {
             Policy::Delete(inGate);
         }
@@ -77,8 +79,9 @@ public:
         return Policy::Read(mGates).size();
     }
 
-    /// Null before the pool is built and after it has been destroyed.
-    static inline WaitableGatePoolAlgorithm* sPool = nullptr;
+    /// Null before the pool is built and after it has been destroyed. Atomic, so that whoever reads it sees the pool
+    /// that it leads to: how the once-only call orders this is Boost's own, where no sanitizer looks.
+    static inline std::atomic<WaitableGatePoolAlgorithm*> sPool{nullptr};
 
 private:
     using Gates = std::vector<Gate*, typename Policy::template StlAllocator<Gate*>>;

@@ -4,6 +4,7 @@
 #include <ORLAllocator.h>
 #include <Platform/PageMemory.h>
 
+#include <atomic>
 #include <boost/thread/once.hpp>
 #include <cstring>
 #include <new>
@@ -15,8 +16,10 @@ namespace {
 
 constexpr std::size_t kFirstPlaces = 128; // a page of them
 
-// The process's table lives in static storage from its first use to the process's exit actions.
-ImmutableStringTable* sTable = nullptr;
+// The process's table lives in static storage from its first use to the process's exit actions. The pointer is atomic,
+// so that whoever reads it sees the table that it leads to: how the once-only call orders this is Boost's own, where no
+// sanitizer looks.
+std::atomic<ImmutableStringTable*> sTable{nullptr};
 boost::once_flag sTableOnce = BOOST_ONCE_INIT;
 
 // Multiplies to 128 bits and folds the halves: every bit of the operands reaches every bit of the result.
@@ -57,7 +60,7 @@ std::uint64_t HashText(const unsigned char* inText)
 void MakeTable()
 {
     static ImmutableStringTable table;
-    sTable = &table;
+    sTable.store(&table, std::memory_order_release);
 }
 
 } // namespace
@@ -65,7 +68,7 @@ void MakeTable()
 ImmutableStringTable& ImmutableStringTable::Get()
 {
     boost::call_once(sTableOnce, &MakeTable);
-    return *sTable;
+    return *sTable.load(std::memory_order_acquire);
 }
 
 ImmutableStringTable::~ImmutableStringTable()

@@ -155,11 +155,11 @@ TEST_P(AsyncReads, NothingInFlight_WaitTakesNoGate)
     std::vector<WaitableGate*> gates;
     do {
         gates.push_back(WaitableGatePool::RetrieveGate());
-    } while (Pool::sPool->CountIdleGates() != 0);
+    } while (Pool::sPool.load()->CountIdleGates() != 0);
     AsyncFileReader reader;
     ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader));
     reader.WaitForPendingReads();
-    EXPECT_EQ(0u, Pool::sPool->CountIdleGates()) << "a gate that was taken would have come back";
+    EXPECT_EQ(0u, Pool::sPool.load()->CountIdleGates()) << "a gate that was taken would have come back";
     for (WaitableGate* gate : gates) {
         gate->Open();
         WaitableGatePool::ReturnGate(gate);

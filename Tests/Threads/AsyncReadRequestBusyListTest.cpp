@@ -266,14 +266,14 @@ TEST(AsyncReadRequestBusyList, TwoWaitersShareOneGate_ThatGoesBackAfterTheSecond
     AwaitWaiters(list, 2);
     WaitableGate* const shared = list.GetDrainedGate();
     ASSERT_NE(nullptr, shared);
-    const std::size_t idle = GatePool::sPool->CountIdleGates();
+    const std::size_t idle = GatePool::sPool.load()->CountIdleGates();
     list.Remove(&request);
     for (std::thread& waiter : waiters) {
         waiter.join();
     }
     EXPECT_EQ(nullptr, list.GetDrainedGate());
     EXPECT_EQ(0u, list.CountWaiters());
-    EXPECT_EQ(idle + 1, GatePool::sPool->CountIdleGates()) << "one gate came back, once";
+    EXPECT_EQ(idle + 1, GatePool::sPool.load()->CountIdleGates()) << "one gate came back, once";
     WaitableGate* const next = WaitableGatePool::RetrieveGate();
     EXPECT_EQ(shared, next);
     next->Open();

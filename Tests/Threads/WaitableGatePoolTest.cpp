@@ -26,7 +26,7 @@ using Algorithm = Sync::WaitableGateAlgorithm<Sync::SystemPolicy>;
 void EmptyThePool()
 {
     delete WaitableGatePool::RetrieveGate(); // which also builds the pool
-    while (Pool::sPool->CountIdleGates() != 0) {
+    while (Pool::sPool.load()->CountIdleGates() != 0) {
         delete WaitableGatePool::RetrieveGate();
     }
 }
@@ -96,7 +96,7 @@ TEST(WaitableGatePool, RetrieveFromAnEmptyPool_GivesANewClosedGate)
     WaitableGate* const gate = WaitableGatePool::RetrieveGate();
     ASSERT_NE(nullptr, gate);
     EXPECT_EQ(kWaitTimeout, gate->Wait(0));
-    EXPECT_EQ(0u, Pool::sPool->CountIdleGates());
+    EXPECT_EQ(0u, Pool::sPool.load()->CountIdleGates());
     gate->Open();
     WaitableGatePool::ReturnGate(gate);
 }
@@ -126,10 +126,10 @@ TEST(WaitableGatePool, EleventhReturn_LeavesThePoolAtTen)
     const auto gates = RetrieveOpened(11);
     for (std::size_t i = 0; i < 10; ++i) {
         WaitableGatePool::ReturnGate(gates[i]);
-        EXPECT_EQ(i + 1, Pool::sPool->CountIdleGates());
+        EXPECT_EQ(i + 1, Pool::sPool.load()->CountIdleGates());
     }
     WaitableGatePool::ReturnGate(gates[10]);
-    EXPECT_EQ(10u, Pool::sPool->CountIdleGates());
+    EXPECT_EQ(10u, Pool::sPool.load()->CountIdleGates());
     EXPECT_EQ(gates[9], WaitableGatePool::RetrieveGate()) << "the tenth is on top still";
     gates[9]->Open();
     WaitableGatePool::ReturnGate(gates[9]);
@@ -152,7 +152,7 @@ TEST(WaitableGatePool, EleventhReturn_DestroysTheGateReturned)
         EXPECT_EQ(10u, pool.CountIdleGates());
     }
     EXPECT_EQ(0, CountingPolicy::sAlive) << "the pool takes its idle gates along";
-    EXPECT_EQ(nullptr, CountingPool::sPool);
+    EXPECT_EQ(nullptr, CountingPool::sPool.load());
 }
 
 TEST(WaitableGatePool, ReturnOfNull_BreaksTheContractAndDoesNothing)
@@ -164,7 +164,7 @@ TEST(WaitableGatePool, ReturnOfNull_BreaksTheContractAndDoesNothing)
     const auto errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size());
     EXPECT_EQ(25, errors[0].mLine);
-    EXPECT_EQ(0u, Pool::sPool->CountIdleGates());
+    EXPECT_EQ(0u, Pool::sPool.load()->CountIdleGates());
 }
 
 TEST(WaitableGatePool, ReturnOfAClosedGate_BreaksTheContractAndKeepsItClosed)
@@ -174,7 +174,7 @@ TEST(WaitableGatePool, ReturnOfAClosedGate_BreaksTheContractAndKeepsItClosed)
     WaitableGate* const gate = WaitableGatePool::RetrieveGate();
     WaitableGatePool::ReturnGate(gate);
     EXPECT_EQ(Expressions{"kSuccess == inGate->Wait(0)"}, Contracts(recorder));
-    EXPECT_EQ(1u, Pool::sPool->CountIdleGates());
+    EXPECT_EQ(1u, Pool::sPool.load()->CountIdleGates());
     EXPECT_EQ(gate, WaitableGatePool::RetrieveGate());
     EXPECT_EQ(kWaitTimeout, gate->Wait(0));
     delete gate;
@@ -188,13 +188,13 @@ TEST(WaitableGatePool, ContractThatThrows_LeavesThePoolAsItWas)
     recorder.mThrow = true;
     EXPECT_THROW(WaitableGatePool::ReturnGate(gate), CheckRecorder::ContractError);
     EXPECT_THROW(WaitableGatePool::ReturnGate(nullptr), CheckRecorder::ContractError);
-    EXPECT_EQ(0u, Pool::sPool->CountIdleGates());
+    EXPECT_EQ(0u, Pool::sPool.load()->CountIdleGates());
     delete gate;
 }
 
 TEST(WaitableGatePool, NoPool_BreaksTheContractsFirstAndStillServes)
 {
-    ASSERT_EQ(nullptr, CountingPool::sPool);
+    ASSERT_EQ(nullptr, CountingPool::sPool.load());
     CheckRecorder recorder;
     WaitableGate* const gate = CountingPool::RetrieveGate();
     EXPECT_EQ(Expressions{"sPool"}, Contracts(recorder));
@@ -258,8 +258,8 @@ TEST(WaitableGatePool, ManyThreads_NeverShareAGate)
         thread.join();
     }
     EXPECT_TRUE(recorder.Reports().empty());
-    EXPECT_LE(Pool::sPool->CountIdleGates(), 10u);
-    EXPECT_GE(Pool::sPool->CountIdleGates(), 1u);
+    EXPECT_LE(Pool::sPool.load()->CountIdleGates(), 10u);
+    EXPECT_GE(Pool::sPool.load()->CountIdleGates(), 1u);
 }
 
 TEST(WaitableGatePool, FirstUseByManyThreadsAtOnce_BuildsOnePool)
