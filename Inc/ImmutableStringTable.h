@@ -4,8 +4,10 @@
 
 #include <ImmutableStringRecord.h>
 #include <ORLCriticalSection.h>
+#include <SharedVisits.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <set>
@@ -14,6 +16,10 @@ namespace ORL {
 
 /// An ordered set of records, and beside it an index by hash through which a text that is present is found without walking
 /// the set: at a million texts the walk costs twenty cache misses, the index one or two.
+///
+/// The guard has two sides. Whoever adds or removes a record holds mGuard. A search that finds its text needs no more than a
+/// visit; whatever would take a record or a place of the index away from under a visitor shuts the visitors out first. So a
+/// record whose count is 0 is found again under the guard alone, and a purge reads the counts while nobody can find them.
 class ImmutableStringTable
 {
 public:
@@ -54,14 +60,23 @@ private:
     using SmallBlocks = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
     using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
 
+    /// A text to look for.
+    struct Key
+    {
+        const unsigned char* mText;
+        std::size_t mSize;
+        std::uint64_t mHash;
+    };
+
     /// One place of the index: open addressing, linear probing, a power of two of places, at most half of them taken. The
-    /// text's address stands here so that a hit does not have to go through the record to reach it. Half a cache line, and
-    /// none lies across two.
+    /// text's address stands here so that a hit does not have to go through the record to reach it. Half a memory line: a
+    /// search begins at the first of the two places of one.
     struct alignas(32) Place
     {
-        std::uint64_t mHash;
-        Record* mRecord; // null in a free place
         const unsigned char* mText;
+        std::size_t mSize;
+        std::atomic<std::uint64_t> mHash; // may be looked at before mRecord
+        std::atomic<Record*> mRecord;     // null in a free place; stored last, so that a visitor finds the others written
     };
 
     /// The places, in whole pages of the system: they begin zeroed, and a great many of them may have huge pages.
@@ -85,18 +100,25 @@ private:
         std::size_t mCount = 0;
     };
 
+    static Key KeyOf(const unsigned char* inText);
+    static std::size_t HomeOf(const Places& inIndex, std::uint64_t inHash);
     static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
     static void FreeRecord(Record* inRecord);
 
-    Record* Find(const unsigned char* inText, std::uint64_t inHash) const;
-    Record* Add(const unsigned char* inText, bool inIsStatic, std::uint64_t inHash);
+    Record* EnterAsVisitor(const Key& inKey);
+    Record* EnterUnderGuard(const Key& inKey, bool inIsStatic);
+    Record* Find(const Key& inKey) const;
+    Record* FindFrom(std::size_t inAt, const Key& inKey) const;
+    static Record* RecordAt(const Place& inPlace, const Key& inKey);
+    Record* Add(const Key& inKey, bool inIsStatic);
     void MakeRoomInIndex();
-    void AddToIndex(Record* inRecord, std::uint64_t inHash);
+    static void AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey);
     void RebuildIndex();
 
     CriticalSection mGuard; // guards all below
     Records mRecords;
-    Places mIndex;
+    Places mIndex; // its places may be read in a visit
+    SharedVisits mVisits;
 };
 
 } // namespace ORL

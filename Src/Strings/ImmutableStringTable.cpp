@@ -30,31 +30,57 @@ inline std::uint64_t Mix(std::uint64_t inLeft, std::uint64_t inRight)
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-inline std::uint64_t LoadWord(const unsigned char* inBytes, std::size_t inSize)
+inline std::uint64_t LoadWord(const unsigned char* inBytes)
 {
-    std::uint64_t word = 0;
-    std::memcpy(&word, inBytes, inSize);
+    std::uint64_t word;
+    std::memcpy(&word, inBytes, sizeof(word));
     return word;
 }
 
-// Two words a step. It takes a third of the time of the standard library's hash, and half of a hit was that hash.
-std::uint64_t HashText(const unsigned char* inText)
+constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
+constexpr std::uint64_t kSecond = 0xD1B54A32D192ED03u;
+
+inline std::uint64_t MixSixteen(const unsigned char* inBytes, std::uint64_t inHash)
 {
-    constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
-    constexpr std::uint64_t kSecond = 0xD1B54A32D192ED03u;
-    const std::size_t size = std::strlen(reinterpret_cast<const char*>(inText));
-    std::uint64_t hash = size ^ kFirst;
-    const unsigned char* at = inText;
-    std::size_t left = size;
-    for (; left >= 16; at += 16, left -= 16) {
-        hash = Mix(LoadWord(at, 8) ^ hash, LoadWord(at + 8, 8) ^ kSecond);
+    return Mix(LoadWord(inBytes) ^ inHash, LoadWord(inBytes + 8) ^ kSecond);
+}
+
+std::uint64_t HashOfUpToSeven(const unsigned char* inText, std::size_t inSize, std::uint64_t inHash)
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, inText, inSize);
+    return Mix(word ^ inHash, kSecond);
+}
+
+std::uint64_t HashOfLongText(const unsigned char* inText, std::size_t inSize, std::uint64_t inHash)
+{
+    std::uint64_t hash = inHash;
+    const unsigned char* const last = inText + inSize - 16;
+    for (const unsigned char* at = inText; at < last; at += 16) {
+        hash = MixSixteen(at, hash);
     }
-    if (left >= 8) {
-        hash = Mix(LoadWord(at, 8) ^ hash, LoadWord(at + left - 8, 8) ^ kSecond);
-    } else if (left != 0) {
-        hash = Mix(LoadWord(at, left) ^ hash, kSecond);
+    return MixSixteen(last, hash);
+}
+
+// The steps of a text overlap where its size is no multiple of theirs. So a size asks for two decisions at most, and their
+// products are made side by side; a loop whose end cannot be foreseen costs more than all of them.
+std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)
+{
+    const std::uint64_t hash = inSize ^ kFirst;
+    const unsigned char* const end = inText + inSize;
+    if (inSize <= 16) {
+        return Mix(inSize >= 8 ? Mix(LoadWord(inText) ^ hash, LoadWord(end - 8) ^ kSecond)
+                               : HashOfUpToSeven(inText, inSize, hash),
+                   kFirst);
     }
-    return Mix(hash, kFirst);
+    if (inSize > 64) {
+        return Mix(HashOfLongText(inText, inSize, hash), kFirst);
+    }
+    std::uint64_t both = MixSixteen(inText, hash) ^ MixSixteen(end - 16, ~hash);
+    if (inSize > 32) {
+        both ^= MixSixteen(inText + 16, hash + kSecond) ^ MixSixteen(end - 32, hash - kSecond);
+    }
+    return Mix(both, kFirst);
 }
 
 void MakeTable()
@@ -67,8 +93,12 @@ void MakeTable()
 
 ImmutableStringTable& ImmutableStringTable::Get()
 {
-    boost::call_once(sTableOnce, &MakeTable);
-    return *sTable.load(std::memory_order_acquire);
+    ImmutableStringTable* table = sTable.load(std::memory_order_acquire);
+    if (table == nullptr) {
+        boost::call_once(sTableOnce, &MakeTable);
+        table = sTable.load(std::memory_order_acquire);
+    }
+    return *table;
 }
 
 ImmutableStringTable::~ImmutableStringTable()
@@ -103,16 +133,38 @@ void ImmutableStringTable::Places::Swap(Places& ioOther) noexcept
     std::swap(mCount, ioOther.mCount);
 }
 
+ImmutableStringTable::Key ImmutableStringTable::KeyOf(const unsigned char* inText)
+{
+    const std::size_t size = std::strlen(reinterpret_cast<const char*>(inText));
+    return Key{inText, size, HashText(inText, size)};
+}
+
 ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* inText, bool inIsStatic)
 {
     static constexpr unsigned char kEmpty[] = {0};
-    const unsigned char* const key = inText != nullptr ? inText : kEmpty;
-    const std::uint64_t hash = HashText(key);
+    const Key key = KeyOf(inText != nullptr ? inText : kEmpty);
+    Record* const present = EnterAsVisitor(key);
+    // An empty text without a pointer makes the same record whatever the kind: one with an empty copy.
+    return present != nullptr ? present : EnterUnderGuard(key, inIsStatic && inText != nullptr);
+}
+
+// Null where the text is not found, or the visit not let in.
+ImmutableStringTable::Record* ImmutableStringTable::EnterAsVisitor(const Key& inKey)
+{
+    const SharedVisits::Visit visit(mVisits);
+    Record* const record = visit.IsIn() ? Find(inKey) : nullptr;
+    if (record != nullptr) {
+        record->AddRef();
+    }
+    return record;
+}
+
+ImmutableStringTable::Record* ImmutableStringTable::EnterUnderGuard(const Key& inKey, bool inIsStatic)
+{
     const CriticalSectionLock lock(mGuard);
-    Record* record = Find(key, hash);
+    Record* record = Find(inKey);
     if (record == nullptr) {
-        // An empty text without a pointer makes the same record whatever the kind: one with an empty copy.
-        record = Add(key, inIsStatic && inText != nullptr, hash);
+        record = Add(inKey, inIsStatic);
     }
     record->AddRef();
     return record;
@@ -121,6 +173,7 @@ ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* i
 bool ImmutableStringTable::Purge()
 {
     const CriticalSectionLock lock(mGuard);
+    const SharedVisits::ShutOut shutOut(mVisits);
     bool removed = false;
     for (Records::iterator i = mRecords.begin(); i != mRecords.end();) {
         Record* const record = *i;
@@ -161,38 +214,58 @@ void ImmutableStringTable::FreeRecord(Record* inRecord)
     Allocator::Dispose(inRecord, sizeof(Record));
 }
 
-ImmutableStringTable::Record* ImmutableStringTable::Find(const unsigned char* inText, std::uint64_t inHash) const
+// Even: the first place of a memory line.
+std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t inHash)
+{
+    return inHash & (inIndex.Count() - 2);
+}
+
+// Under the guard, or in a visit. A text stands in one of the first two places as a rule, and in which one cannot be
+// foreseen: it is chosen without a branch, since a wrong guess costs more than both looks.
+ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
 {
     if (mIndex.Count() == 0) {
         return nullptr;
     }
+    const std::size_t home = HomeOf(mIndex, inKey.mHash);
+    const bool isSecond = mIndex[home].mHash.load(std::memory_order_relaxed) != inKey.mHash;
+    Record* const record = RecordAt(mIndex[home + isSecond], inKey);
+    return record != nullptr ? record : FindFrom(home, inKey);
+}
+
+ImmutableStringTable::Record* ImmutableStringTable::FindFrom(std::size_t inAt, const Key& inKey) const
+{
     const std::size_t mask = mIndex.Count() - 1;
-    for (std::size_t at = inHash & mask; mIndex[at].mRecord != nullptr; at = (at + 1) & mask) {
-        const Place& place = mIndex[at];
-        if (place.mHash != inHash) {
-            continue;
-        }
-        __builtin_prefetch(place.mRecord, 1); // its count is changed next; fetched while the texts are compared
-        if (CompareBytes(place.mText, inText) == 0) {
-            return place.mRecord;
+    for (std::size_t at = inAt; mIndex[at].mRecord.load(std::memory_order_acquire) != nullptr; at = (at + 1) & mask) {
+        if (Record* const record = RecordAt(mIndex[at], inKey); record != nullptr) {
+            return record;
         }
     }
     return nullptr;
 }
 
+ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Place& inPlace, const Key& inKey)
+{
+    Record* const record = inPlace.mRecord.load(std::memory_order_acquire);
+    if (record == nullptr || inPlace.mHash.load(std::memory_order_relaxed) != inKey.mHash || inPlace.mSize != inKey.mSize) {
+        return nullptr;
+    }
+    __builtin_prefetch(record, 1); // its count is changed next; fetched while the texts are compared
+    return std::memcmp(inPlace.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
+}
+
 // What may throw comes before the first change that shows.
-ImmutableStringTable::Record* ImmutableStringTable::Add(const unsigned char* inText, bool inIsStatic,
-                                                        std::uint64_t inHash)
+ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool inIsStatic)
 {
     MakeRoomInIndex();
-    Record* const record = MakeRecord(inText, inIsStatic);
+    Record* const record = MakeRecord(inKey.mText, inIsStatic);
     try {
         mRecords.insert(record);
     } catch (...) {
         FreeRecord(record);
         throw;
     }
-    AddToIndex(record, inHash);
+    AddToIndex(mIndex, record, inKey);
     return record;
 }
 
@@ -201,35 +274,38 @@ void ImmutableStringTable::MakeRoomInIndex()
     if ((mRecords.size() + 1) * 2 <= mIndex.Count()) {
         return;
     }
-    Places places(mIndex.Count() == 0 ? kFirstPlaces : mIndex.Count() * 2);
-    places.Swap(mIndex);
-    for (const Place& place : places) {
-        if (place.mRecord != nullptr) {
-            AddToIndex(place.mRecord, place.mHash);
+    Places larger(mIndex.Count() == 0 ? kFirstPlaces : mIndex.Count() * 2);
+    for (const Place& place : mIndex) {
+        if (Record* const record = place.mRecord.load(std::memory_order_relaxed); record != nullptr) {
+            AddToIndex(larger, record, Key{place.mText, place.mSize, place.mHash.load(std::memory_order_relaxed)});
         }
     }
+    const SharedVisits::ShutOut shutOut(mVisits);
+    larger.Swap(mIndex);
 }
 
-void ImmutableStringTable::AddToIndex(Record* inRecord, std::uint64_t inHash)
+void ImmutableStringTable::AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey)
 {
-    const std::size_t mask = mIndex.Count() - 1;
-    std::size_t at = inHash & mask;
-    while (mIndex[at].mRecord != nullptr) {
+    const std::size_t mask = ioIndex.Count() - 1;
+    std::size_t at = HomeOf(ioIndex, inKey.mHash);
+    while (ioIndex[at].mRecord.load(std::memory_order_relaxed) != nullptr) {
         at = (at + 1) & mask;
     }
-    mIndex[at].mHash = inHash;
-    mIndex[at].mRecord = inRecord;
-    mIndex[at].mText = inRecord->Text();
+    Place& place = ioIndex[at];
+    place.mText = inRecord->Text();
+    place.mSize = inKey.mSize;
+    place.mHash.store(inKey.mHash, std::memory_order_relaxed);
+    place.mRecord.store(inRecord, std::memory_order_release);
 }
 
 // In place, so that a purge needs no memory.
 void ImmutableStringTable::RebuildIndex()
 {
     for (Place& place : mIndex) {
-        place = Place();
+        place.mRecord.store(nullptr, std::memory_order_relaxed);
     }
     for (Record* const record : mRecords) {
-        AddToIndex(record, HashText(record->Text()));
+        AddToIndex(mIndex, record, KeyOf(record->Text()));
     }
 }
 

@@ -241,6 +241,57 @@ TEST(ImmutableStringTable, ManyTexts_AreEachFoundAgainAndPurgedTogether)
     EXPECT_TRUE(ImmutableString::PurgeUnusedStrings());
 }
 
+// Sizes on both sides of every border of the hash's steps. Texts of one size that differ in one byte are told apart.
+TEST(ImmutableStringTable, EachSizeUpTo200_IsFoundAgainAndOneOtherByteIsNot)
+{
+    for (std::size_t size = 0; size <= 200; ++size) {
+        const std::string text(size, 'q');
+        const ImmutableString handle = ImmutableString::CreateDynamic(text);
+        EXPECT_EQ(size, handle.size());
+        EXPECT_EQ(handle.c_str(), ImmutableString::CreateDynamic(text).c_str()) << size;
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = text;
+            other[at] = 'r';
+            ASSERT_EQ(other, TextOf(ImmutableString::CreateDynamic(other))) << size << ", " << at;
+        }
+    }
+    ImmutableString::PurgeUnusedStrings();
+}
+
+// The index is made larger and made anew while others search it.
+TEST(ImmutableStringTable, EightThreadsAddThousandsBesidePurges_EachTextIsOneRecord)
+{
+    constexpr int kTexts = 3000;
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    std::vector<std::vector<ImmutableString>> held(8, std::vector<ImmutableString>(kTexts));
+    for (unsigned seed = 0; seed < 8; ++seed) {
+        threads.emplace_back([seed, &wrong, &mine = held[seed]] {
+            for (int i = 0; i < kTexts; ++i) {
+                const std::string text = "grown " + std::to_string(i);
+                mine[static_cast<std::size_t>(i)] = ImmutableString::CreateDynamic(text);
+                wrong += TextOf(ImmutableString::CreateDynamic("dropped " + std::to_string(i % 7))).compare(0, 8, "dropped ");
+                if (i % 500 == static_cast<int>(seed)) {
+                    ImmutableString::PurgeUnusedStrings();
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (std::size_t i = 0; i < kTexts; ++i) {
+        ASSERT_EQ("grown " + std::to_string(i), TextOf(held[0][i]));
+        for (const std::vector<ImmutableString>& other : held) {
+            ASSERT_EQ(held[0][i].c_str(), other[i].c_str());
+        }
+    }
+    EXPECT_EQ(0, wrong.load());
+    EXPECT_EQ(8, RecordOf("grown 0")->CountOfHandles());
+    held.clear();
+    ImmutableString::PurgeUnusedStrings();
+}
+
 TEST(ImmutableString, EightThreadsCreateCopyReleaseAndPurge_EachSeesItsOwnText)
 {
     std::atomic<int> wrong{0};
