@@ -1,7 +1,8 @@
 // Asks: what does a large buffer cost that somebody has given back before? It serves the choice to take one for each frame.
 //
 // The pool holds what is asked for: one buffer of the size for each thread. "Written" touches each page once, as whoever
-// fills a buffer does. The peers: libavutil's pool of buffers, and a mapping from the system each time.
+// fills a buffer does. The peers: libavutil's pool of buffers, and a mapping from the system each time. The same writes into a
+// buffer that is kept tell how much of a written row is no pool's to save.
 #include <Harness.h>
 
 #include <ORLMemoryRecycler.h>
@@ -63,6 +64,31 @@ private:
     AVBufferPool* mPool;
 };
 
+class KeptBuffers
+{
+public:
+    explicit KeptBuffers(std::size_t inSize)
+    {
+        for (ORL::MemoryBuffer& buffer : mBuffers) {
+            buffer = mRecycler.AllocateBuffer(inSize);
+        }
+    }
+    ~KeptBuffers()
+    {
+        for (ORL::MemoryBuffer& buffer : mBuffers) {
+            mRecycler.RecycleBuffer(buffer);
+        }
+    }
+    KeptBuffers(const KeptBuffers&) = delete;
+    KeptBuffers& operator=(const KeptBuffers&) = delete;
+
+    void* BufferOf(unsigned inThread) const { return mBuffers[inThread].GetBuffer(); }
+
+private:
+    ORL::MemoryRecycler mRecycler;
+    ORL::MemoryBuffer mBuffers[2];
+};
+
 class FreshMapping
 {
 public:
@@ -104,13 +130,21 @@ void Compare(std::size_t inSize, unsigned inThreads, bool inWritten)
             }
         };
     };
-    Bench::Group(Title(inSize, inThreads, inWritten))
-        .Threads(inThreads)
+    Bench::Group group(Title(inSize, inThreads, inWritten));
+    group.Threads(inThreads)
         .Ours("MemoryRecycler", Bench::AtMost(0.5, "av_buffer_pool_get and unref"), repeat(ours))
         .Ours("MemoryRecycler (again)", Bench::AtMost(0.05, "a fresh mapping"), repeat(ours))
         .Peer("av_buffer_pool_get and unref", repeat(av))
-        .Peer("a fresh mapping", repeat(fresh))
-        .Run();
+        .Peer("a fresh mapping", repeat(fresh));
+    const KeptBuffers kept(inSize);
+    if (inWritten) {
+        group.Peer("the writes alone", [&](std::uint64_t n, unsigned thread) {
+            while (n-- != 0) {
+                use(kept.BufferOf(thread));
+            }
+        });
+    }
+    group.Run();
 }
 
 } // namespace

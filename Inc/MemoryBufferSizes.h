@@ -19,11 +19,11 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
 /// serve it either way.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
-    const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384;
+    const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // powers of two
     if (inSize > (std::numeric_limits<std::size_t>::max)() - (step - 1)) {
         return inSize;
     }
-    return (inSize + step - 1) / step * step;
+    return (inSize + step - 1) & ~(step - 1);
 }
 
 } // namespace ORL

@@ -88,7 +88,9 @@ private:
     using Pool = std::list<MemoryBuffer, tvxcore::utility::SmallBlockAllocator::STLAllocator<MemoryBuffer>>;
 
     bool TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted);
-    bool AddToPool(const MemoryBuffer& inBuffer);
+    bool AddToPool(const MemoryBuffer& inBuffer, Pool& outEvicted);
+    void AddAtFront(const MemoryBuffer& inBuffer);
+    void Remove(Pool::iterator inAt);
     void EvictUntilFits(std::size_t inExtra, Pool& outEvicted);
     void ReconcileSize();
     static void ReleaseAll(Pool& ioBuffers);
@@ -96,7 +98,8 @@ private:
     Pool mPool; // the most recently returned at the front
     std::size_t mCurrentSize;
     std::size_t mMaxSize;
-    CriticalSection mLock; // guards all of the above
+    CriticalSection mLock; // guards all of the above, and what follows
+    Pool mSpareNodes;      // empty ones: a buffer that goes and comes back costs no memory operation
 };
 
 /// A buffer of the pool, for a scope. Needs a started library.

@@ -12,6 +12,7 @@ namespace ORL {
 namespace {
 
 constexpr std::size_t kDefaultLimit = 50000000;
+constexpr std::size_t kMostSpareNodes = 16;
 
 // Changed under the foundation lock alone.
 ObjectPtr<MemoryRecycler, AtomicValue> sMemoryRecycler;
@@ -48,6 +49,79 @@ ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
     return sMemoryRecycler;
 }
 
+// The helpers are inline, since a call through the table of exported symbols costs a hit as much as all they do.
+
+inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
+{
+    for (MemoryBuffer& buffer : ioBuffers) {
+        buffer.Release();
+    }
+    ioBuffers.clear();
+}
+
+// Moves the oldest buffers out until the rest and inExtra more bytes are within the limit. The lock is held.
+inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
+{
+    const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
+    while (!mPool.empty() && mCurrentSize > allowed) {
+        mCurrentSize -= mPool.back().mSize;
+        outEvicted.splice(outEvicted.end(), mPool, --mPool.end());
+    }
+}
+
+// The lock is held.
+inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
+{
+    if (mSpareNodes.empty()) {
+        mPool.push_front(inBuffer);
+        return;
+    }
+    mSpareNodes.front() = inBuffer;
+    mPool.splice(mPool.begin(), mSpareNodes, mSpareNodes.begin());
+}
+
+// The lock is held.
+inline void MemoryRecycler::Remove(Pool::iterator inAt)
+{
+    if (mSpareNodes.size() < kMostSpareNodes) {
+        mSpareNodes.splice(mSpareNodes.begin(), mPool, inAt);
+    } else {
+        mPool.erase(inAt);
+    }
+}
+
+// A buffer of exactly that size, the most recent first. On a miss the pool makes room, so that what is now allocated
+// stays inside the limit although it is not in the pool.
+inline bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted)
+{
+    const CriticalSectionLock lock(mLock);
+    for (Pool::iterator i = mPool.begin(); i != mPool.end(); ++i) {
+        if (i->mSize == inSize) {
+            outBuffer = *i;
+            Remove(i);
+            mCurrentSize -= inSize;
+            return true;
+        }
+    }
+    EvictUntilFits(inSize, outEvicted);
+    return false;
+}
+
+// False when there is no memory to remember the buffer by. The limit is seen to under the same hold of the lock: to take it
+// a second time would be a third of the cost of a buffer that goes and comes back.
+inline bool MemoryRecycler::AddToPool(const MemoryBuffer& inBuffer, Pool& outEvicted)
+{
+    const CriticalSectionLock lock(mLock);
+    try {
+        AddAtFront(inBuffer);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    mCurrentSize += inBuffer.mSize;
+    EvictUntilFits(0, outEvicted);
+    return true;
+}
+
 MemoryBuffer MemoryRecycler::AllocateBuffer(std::size_t inSize)
 {
     const bool isLarge = IsLargeBuffer(inSize);
@@ -69,23 +143,6 @@ MemoryBuffer MemoryRecycler::AllocateBuffer(std::size_t inSize)
     }
 }
 
-// A buffer of exactly that size, the most recent first. On a miss the pool makes room, so that what is now allocated
-// stays inside the limit although it is not in the pool.
-bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted)
-{
-    const CriticalSectionLock lock(mLock);
-    for (Pool::iterator i = mPool.begin(); i != mPool.end(); ++i) {
-        if (i->mSize == inSize) {
-            outBuffer = *i;
-            mPool.erase(i);
-            mCurrentSize -= inSize;
-            return true;
-        }
-    }
-    EvictUntilFits(inSize, outEvicted);
-    return false;
-}
-
 void MemoryRecycler::RecycleBuffer(MemoryBuffer& ioBuffer)
 {
     if (!IsLargeBuffer(ioBuffer.mSize)) {
@@ -94,25 +151,13 @@ void MemoryRecycler::RecycleBuffer(MemoryBuffer& ioBuffer)
         }
         return;
     }
-    if (AddToPool(ioBuffer)) {
-        ReconcileSize();
+    Pool evicted;
+    if (AddToPool(ioBuffer, evicted)) {
+        ReleaseAll(evicted);
     } else {
         MemoryBuffer unpooled(ioBuffer);
         unpooled.Release();
     }
-}
-
-// False when there is no memory to remember the buffer by.
-bool MemoryRecycler::AddToPool(const MemoryBuffer& inBuffer)
-{
-    const CriticalSectionLock lock(mLock);
-    try {
-        mPool.push_front(inBuffer);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    mCurrentSize += inBuffer.mSize;
-    return true;
 }
 
 void MemoryRecycler::ReconcileSize()
@@ -123,24 +168,6 @@ void MemoryRecycler::ReconcileSize()
         EvictUntilFits(0, evicted);
     }
     ReleaseAll(evicted);
-}
-
-// Moves the oldest buffers out until the rest and inExtra more bytes are within the limit. The lock is held.
-void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
-{
-    const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
-    while (!mPool.empty() && mCurrentSize > allowed) {
-        mCurrentSize -= mPool.back().mSize;
-        outEvicted.splice(outEvicted.end(), mPool, --mPool.end());
-    }
-}
-
-void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
-{
-    for (MemoryBuffer& buffer : ioBuffers) {
-        buffer.Release();
-    }
-    ioBuffers.clear();
 }
 
 // Unlike the eviction, this frees with the lock held.
