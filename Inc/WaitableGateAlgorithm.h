@@ -27,7 +27,15 @@ public:
         if (inMilliseconds == 0 || inMilliseconds < kEndless) {
             return kWaitTimeout;
         }
-        return WaitAsleep(ioGate, inMilliseconds);
+        return WaitAsleep(ioGate, inMilliseconds, Policy::SpinTurns());
+    }
+
+    /// Wait(-1) of a thread that looks on for longer before it sleeps: those who will open the gate are on their way, but may
+    /// have to be woken.
+    template <class Gate>
+    static Result WaitPatiently(Gate& ioGate)
+    {
+        return IsOpen(ioGate) ? kSuccess : WaitAsleep(ioGate, kEndless, Policy::PatientTurns());
     }
 
     template <class Gate>
@@ -92,7 +100,7 @@ private:
     }
 
     template <class Gate>
-    static Result WaitAsleep(Gate& ioGate, int inMilliseconds)
+    static Result WaitAsleep(Gate& ioGate, int inMilliseconds, int inTurns)
     {
         typename Policy::MutexLock lock(ioGate.mMutex);
         if (Policy::Keeps(Step::kGateSecondRead) && IsOpen(ioGate)) {
@@ -100,7 +108,7 @@ private:
         }
         const Waiter<Gate> waiter(ioGate);
         const std::uint32_t generation = Policy::Read(ioGate.mGeneration);
-        if (PassesSoon(ioGate, lock, generation)) {
+        if (PassesSoon(ioGate, lock, generation, inTurns)) {
             return kSuccess;
         }
         do {
@@ -133,18 +141,18 @@ private:
     // To be woken costs far more than to look for a moment longer. The thread counts as a waiter meanwhile, so an
     // opening releases it by the generation even if the gate is closed again before the flag was seen.
     template <class Gate>
-    static bool PassesSoon(Gate& ioGate, typename Policy::MutexLock& ioLock, std::uint32_t inGeneration)
+    static bool PassesSoon(Gate& ioGate, typename Policy::MutexLock& ioLock, std::uint32_t inGeneration, int inTurns)
     {
-        const int turns = Policy::SpinTurns();
-        if (turns == 0) {
+        if (inTurns == 0) {
             return false;
         }
         ioLock.unlock();
-        for (int turn = 0; turn < turns && !IsOpen(ioGate); ++turn) {
-            Policy::Pause();
+        for (int turn = 0; turn < inTurns && !IsOpen(ioGate); ++turn) {
+            Policy::Pause(turn);
         }
         ioLock.lock();
-        return Policy::Read(ioGate.mGeneration) != inGeneration || IsOpen(ioGate);
+        // The flag alone is not enough: its opener is on the way to the mutex, and finds this thread counted.
+        return Policy::Read(ioGate.mGeneration) != inGeneration;
     }
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <Sync/Policy.h>
+#include <WaitableGateAlgorithm.h>
 
 #include <cstdint>
 
@@ -26,7 +27,7 @@ public:
     static void Claim(Flush& ioFlush, std::uint32_t inThreads)
     {
         while (!Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads)) {
-            ioFlush.mArrivalGate.Wait(kEndless);
+            GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
         }
         // The count says unclaimed before the earlier flush is over: its items may still be leaving.
         if (Policy::Keeps(Step::kFlushWaitsForTheEarlierOne)) {
@@ -42,7 +43,7 @@ public:
     static void Process(Flush& ioFlush)
     {
         if (!Arrive(ioFlush)) {
-            ioFlush.mArrivalGate.Wait(kEndless);
+            GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
         }
         Depart(ioFlush);
     }
@@ -59,12 +60,14 @@ public:
     template <class Flush>
     static void WaitForAll(Flush& ioFlush)
     {
-        ioFlush.mArrivalGate.Wait(kEndless);
-        ioFlush.mDepartureGate.Wait(kEndless);
+        GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
+        GateAlgorithm::WaitPatiently(ioFlush.mDepartureGate);
     }
 
 private:
-    static constexpr int kEndless = -1;
+    // A flush of an idle queue takes microseconds where nobody sleeps, and each sleep costs thirty and more: the caller's as
+    // well as that of a thread of the queue, which looks on for its next function only so long.
+    using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
     // True for the last one. The record is unclaimed before the gate opens, so that a waiting flush can claim it as soon as
     // it comes through.

@@ -14,7 +14,9 @@
 //   Lock, LockScope       the recursive lock of everything else, and its scope
 //   New, Delete           objects
 //   StlAllocator<T>       where containers take their memory
-//   Pause, SpinTurns      the wait of a thread that expects its event at once; 0 turns where that cannot pay
+//   Pause, SpinTurns      the wait of a thread that expects its event at once: how many turns it looks on, and what it does in
+//                         each; 0 turns where that cannot pay
+//   PatientTurns          the same for a thread whose event is the work of threads that may have to be woken first
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
 //                         the gate and its pool, for those who borrow one
@@ -110,8 +112,9 @@ struct SystemPolicy
     template <class T>
     using StlAllocator = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
 
-    static void Pause() { __builtin_ia32_pause(); }
+    static void Pause(int inTurn);
     static int SpinTurns();
+    static int PatientTurns();
     static void SleepMilliseconds(int inMilliseconds);
 
     using Gate = WaitableGate;

@@ -5,6 +5,8 @@
 #include <ORLInterface.h>
 #include <ORLThreadedWorkQueue.h>
 #include <ORLWaitableGate.h>
+#include <Platform/Event.h>
+#include <WaitableGatePoolAlgorithm.h>
 
 using namespace ORL;
 using ORLTest::ExpectPublished;
@@ -50,6 +52,50 @@ void SignalWithoutHandle()
     WithoutHandle().Signal();
 }
 
+void MakeAnEventThatTheSystemRefuses()
+{
+    struct Refusal
+    {
+        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // not enough memory
+        ~Refusal() { Events::Platform::InstallCreateFault(nullptr); }
+    } const refusal;
+    WaitableObject refused;
+}
+
+/// The gates that a pool of this policy lends are the ones it is shown; it destroys none.
+struct ShownGates : Sync::SystemPolicy
+{
+    static inline WaitableGate* sShown = nullptr;
+
+    template <class T>
+    static T* New()
+    {
+        return sShown;
+    }
+    template <class T>
+    static void Delete(T*)
+    {
+    }
+};
+
+using Pool = Sync::WaitableGatePoolAlgorithm<ShownGates>;
+
+void LendAGateThatIsOpen()
+{
+    const Pool pool;
+    WaitableGate gate;
+    gate.Open();
+    ShownGates::sShown = &gate;
+    Pool::RetrieveGate();
+}
+
+void LendNoGate()
+{
+    const Pool pool;
+    ShownGates::sShown = nullptr;
+    Pool::RetrieveGate();
+}
+
 void ReturnAClosedGate()
 {
     WaitableGate gate;
@@ -71,6 +117,11 @@ const PublishedSite kSites[] = {
      "Stop() was not called on a ThreadedWorkQueue.\r\n", nullptr, 0, "ORL::ThreadedWorkQueue::~ThreadedWorkQueue",
      &DestroyRunning},
     // events and gates
+    {__LINE__, PublishedSite::kAssert, "mEvent", "", nullptr, 0, nullptr, &MakeAnEventThatTheSystemRefuses},
+    {__LINE__, PublishedSite::kInputContract, "sPool", "", nullptr, 0, "", [] { Pool::RetrieveGate(); }},
+    {__LINE__, PublishedSite::kInputContract, "sPool", "", nullptr, 0, "", [] { Pool::ReturnGate(nullptr); }},
+    {__LINE__, PublishedSite::kOutputContract, "ret", "", nullptr, 0, "", &LendNoGate},
+    {__LINE__, PublishedSite::kOutputContract, "kWaitTimeout == ret->Wait(0)", "", nullptr, 0, "", &LendAGateThatIsOpen},
     {__LINE__, PublishedSite::kAssert, "eventOK", "", nullptr, 0, nullptr, &SignalWithoutHandle},
     {__LINE__, PublishedSite::kInputContract, "inGate", "", nullptr, 0, "",
      [] { WaitableGatePool::ReturnGate(nullptr); }},

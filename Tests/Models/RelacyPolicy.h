@@ -211,8 +211,9 @@ struct RelacyPolicy
     template <class T>
     using StlAllocator = std::allocator<T>;
 
-    static void Pause() { rl::yield(1, $); }
+    static void Pause(int) { rl::yield(1, $); }
     static int SpinTurns() { return kSpins; }
+    static int PatientTurns() { return kSpins; }
     static void SleepMilliseconds(int) { rl::yield(1, $); }
 
     using Gate = ORLTest::GateOf<RelacyPolicy>;

@@ -101,8 +101,9 @@ struct ScriptedPolicy : ORL::Sync::SystemPolicy
         return Script::Current().NextSleep(inMilliseconds) == Script::Wake::kNotified;
     }
     static void NotifyAll(Condition&) { ++Script::Current().mNotifications; }
-    static void Pause() { Script::Current().mAtPause(); }
+    static void Pause(int) { Script::Current().mAtPause(); }
     static int SpinTurns() { return Script::Current().mSpinTurns; }
+    static int PatientTurns() { return Script::Current().mSpinTurns; }
     static void SleepMilliseconds(int inMilliseconds) { Script::Current().mAtSleep(inMilliseconds); }
 };
 
