@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -128,6 +129,42 @@ TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
             EXPECT_TRUE(Convert(kernel.mToUTF16, bytes) == units);
             EXPECT_TRUE(Convert(kernel.mToUTF8, units) == bytes);
         });
+    }
+}
+
+// The ends of texts and of buffers around the end of a page, where a wide step takes another road.
+TEST(UtfKernels, TextsAndBuffersAroundTheEndOfAPage_AtEveryPlace)
+{
+    constexpr std::size_t kPage = 4096;
+    alignas(kPage) static unsigned char sFrom[2 * kPage];
+    alignas(kPage) static unsigned char sTo[2 * kPage];
+    std::mt19937 random(2);
+    for (std::size_t length = 1; length < 70; length += 3) {
+        Bytes bytes;
+        Units units;
+        while (units.size() < length) {
+            const std::uint32_t point = RandomPoint(random, length % 2 == 0 ? 1 : 15);
+            Append(bytes, point);
+            Append(units, point);
+        }
+        for (std::size_t back = 0; back <= 4 * length; back += 2) {
+            ForEachKernel([&](const Kernel& kernel) {
+                std::fill(std::begin(sTo), std::end(sTo), kByteBehind);
+                unsigned char* const from = sFrom + kPage - back;
+                unsigned char* const to = sTo + kPage - back;
+                std::copy(bytes.begin(), bytes.end(), from);
+                auto* const toUnits = reinterpret_cast<unsigned short*>(to);
+                ASSERT_EQ(units.size(), kernel.mToUTF16(from, bytes.size(), toUnits));
+                EXPECT_TRUE(std::equal(units.begin(), units.end(), toUnits)) << length << ", " << back << " before";
+                EXPECT_EQ(kByteBehind, to[2 * UTF16Bound(bytes.size())]);
+                std::fill(std::begin(sTo), std::end(sTo), kByteBehind);
+                auto* const fromUnits = reinterpret_cast<unsigned short*>(from);
+                std::copy(units.begin(), units.end(), fromUnits);
+                ASSERT_EQ(bytes.size(), kernel.mToUTF8(fromUnits, units.size(), to));
+                EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), to)) << length << ", " << back << " before";
+                EXPECT_EQ(kByteBehind, to[UTF8Bound(units.size())]);
+            });
+        }
     }
 }
 

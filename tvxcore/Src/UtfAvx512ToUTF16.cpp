@@ -168,10 +168,10 @@ TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inRoom, 
         _mm512_storeu_si512(outText, first);
         _mm512_storeu_si512(outText + 32, second);
     } else {
-        const std::uint64_t room = LowBits(inRoom);
-        _mm512_mask_storeu_epi16(outText, static_cast<__mmask32>(room), first);
+        const std::size_t firstRoom = inRoom < 32 ? inRoom : 32;
+        StoreEnd(outText, first, 2 * firstRoom);
         if (inRoom > 32) {
-            _mm512_mask_storeu_epi16(outText + 32, static_cast<__mmask32>(room >> 32), second);
+            StoreEnd(outText + 32, second, 2 * (inRoom - 32));
         }
     }
 }
@@ -207,7 +207,7 @@ TVX_AVX512 std::size_t ToUTF16Avx512(const unsigned char* inText, std::size_t in
     while (inText != end) {
         const std::size_t left = static_cast<std::size_t>(end - inText);
         const std::size_t count = left < 64 ? left : 64;
-        const __m512i bytes = left < 64 ? _mm512_maskz_loadu_epi8(LowBits(left), inText) : _mm512_loadu_si512(inText);
+        const __m512i bytes = left < 64 ? LoadEnd(inText, left) : _mm512_loadu_si512(inText);
         const Progress progress = StepUTF16(bytes, count, out);
         if (progress.mRead != 0) {
             inText += progress.mRead;

@@ -21,7 +21,7 @@ TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned
     if (inCount >= 32) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(outText), bytes);
     } else {
-        _mm256_mask_storeu_epi8(outText, static_cast<__mmask32>(LowBits(inCount)), bytes);
+        StoreEnd(outText, _mm512_castsi256_si512(bytes), inCount);
     }
 }
 
@@ -94,7 +94,7 @@ TVX_AVX512_INLINE Progress StepUTF8(__m512i inUnits, std::size_t inCount, bool i
     if (inMayOverrun) {
         _mm512_storeu_si512(outText, text);
     } else {
-        _mm512_mask_storeu_epi8(outText, LowBits(written), text);
+        StoreEnd(outText, text, written);
     }
     return {count, written};
 }
@@ -108,8 +108,7 @@ TVX_AVX512 std::size_t ToUTF8Avx512(const unsigned short* inText, std::size_t in
     while (inText != end) {
         const std::size_t left = static_cast<std::size_t>(end - inText);
         const bool midst = left >= 32;
-        const __m512i units = midst ? _mm512_loadu_si512(inText)
-                                    : _mm512_maskz_loadu_epi16(static_cast<__mmask32>(LowBits(left)), inText);
+        const __m512i units = midst ? _mm512_loadu_si512(inText) : LoadEnd(inText, 2 * left);
         const std::uint32_t notAscii = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(0x80));
         const std::size_t loaded = midst ? 32 : left;
         if (notAscii == 0) {
