@@ -190,12 +190,13 @@ TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
     EXPECT_LT(0, got);
 }
 
-// Two processes that want the file for themselves: never both have it, each gets it at times.
+// Two processes that want the file for themselves: never both have it, and none waits for ever. How often one is refused
+// before it gets the file is the scheduler's matter.
 TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
 {
     const TempFolder folder;
     folder.MakeFile("f");
-    const std::vector<std::string> arguments = {"race", (folder.Host() / "f").u8string(), "3000"};
+    const std::vector<std::string> arguments = {"race", (folder.Host() / "f").u8string(), "1000"};
     ProcessResult results[2];
     std::thread other([&] { results[1] = RunBesideThisProgram("share_mode_host", arguments); });
     results[0] = RunBesideThisProgram("share_mode_host", arguments);
@@ -205,7 +206,8 @@ TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
         int wrong = -1;
         int notAlone = -1;
         std::istringstream(result.mOutput) >> got >> wrong >> notAlone;
-        EXPECT_LT(0, got);
+        EXPECT_FALSE(result.mTimedOut);
+        EXPECT_EQ(1000, got);
         EXPECT_EQ(0, wrong);
         EXPECT_EQ(0, notAlone);
     }

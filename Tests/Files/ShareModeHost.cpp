@@ -2,8 +2,8 @@
 //   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line a file: the
 //                                   errors of its opens, in order
 //   share_mode_host hold PATH       opens the path alone and ends in the middle of it, without closing
-//   share_mode_host race PATH N     tries N times to open the path alone; prints how often it got it, how often it was
-//                                   refused with another error than 32, and how often it was not alone
+//   share_mode_host race PATH N     opens the path alone until it got it N times; prints how often it got it, how often it
+//                                   was refused with another error than 32, and how often it was not alone
 #include "ShareModes.h"
 
 #include <ORLHostPath.h>
@@ -56,14 +56,14 @@ int HoldAndEnd(const std::string& inPath)
     std::_Exit(3);
 }
 
-int Race(const std::string& inPath, int inRounds)
+int Race(const std::string& inPath, int inTimes)
 {
     const UTF16String path = LibraryPath(inPath);
     int got = 0;
     int wrong = 0;
     int notAlone = 0;
     const std::filesystem::path mark = std::filesystem::u8path(inPath + ".mark");
-    for (int round = 0; round < inRounds; ++round) {
+    while (got < inTimes && wrong == 0) {
         Handle file = nullptr;
         const ORL::SystemError error = OpenHolding(path, kAlone, file);
         if (error == 0) {
