@@ -17,8 +17,6 @@ struct ORL_LOCAL File::PrivateImpl : Impl
     InterfaceRef<IFileBuffer, IFileBuffer> mFileBuffer; // null unless the file is read through a block cache
     std::uint32_t mBlockSize = 0;                       // bytes, at least 65536; for mFileBuffer
     std::int64_t mPosition = 0;                         // for mFileBuffer
-    bool mShutsOutWriters = false;                      // the size stays as long as the file is open
-    mutable std::int64_t mKnownSize = kUnknownSize;     // for mFileBuffer: as of the last block that was fetched
 
     bool IsOpen() const noexcept { return mHandle != Files::Platform::InvalidHandle(); }
 
@@ -33,10 +31,8 @@ struct ORL_LOCAL File::PrivateImpl : Impl
     Result SetFilePointer(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod);
 
 private:
-    static constexpr std::int64_t kUnknownSize = -1;
     using Block = ObjectPtr<MemoryBufferWrapper>;
 
-    std::int64_t GetKnownSize() const;
     std::int64_t TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const;
     Result FetchBlock(std::int64_t inBlockPosition, Block& outBlock);
 };

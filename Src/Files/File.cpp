@@ -45,7 +45,6 @@ bool File::PrivateImpl::SetUpBuffer(const UTF16String& inFullPath)
     }
     mFileBuffer = factory->CreateFileBuffer();
     mPosition = 0;
-    mKnownSize = kUnknownSize;
     unsigned int sectorSize = 0;
     DiskUtils::GetEfficientDiskBufferSizeFromPath(inFullPath, sectorSize);
     mBlockSize = std::max<std::uint32_t>(sectorSize, kSmallestBlock);
@@ -67,8 +66,7 @@ Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAcces
         return kPathNotFound;
     }
     FileAttributesFlags::Type attributes = inAttributes;
-    mImpl->mShutsOutWriters = MayUseBuffer(inAccess, inShareMode, inAttributes);
-    if (mImpl->mShutsOutWriters && mImpl->SetUpBuffer(inFullPath)) {
+    if (MayUseBuffer(inAccess, inShareMode, inAttributes) && mImpl->SetUpBuffer(inFullPath)) {
         attributes = attributes | FileAttributesFlags::kFileAttribute_NoBuffering;
     }
     // Where the open fails the buffer stays, as hosts know it; without an open file nothing uses it.

@@ -14,23 +14,15 @@ using namespace Files::Platform;
 namespace {
 
 // What a read gives at most: it ends at the end of the file.
-std::uint32_t BytesLeft(std::int64_t inStart, std::uint32_t inCount, std::int64_t inSize)
+std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint64_t inSize)
 {
-    const std::int64_t left = std::max<std::int64_t>(inSize - inStart, 0);
-    return static_cast<std::uint32_t>(std::min<std::int64_t>(left, inCount));
+    if (inStart + inCount <= inSize) {
+        return inCount;
+    }
+    return inSize > inStart ? static_cast<std::uint32_t>(inSize - inStart) : 0;
 }
 
 } // namespace
-
-// Writers are shut out of a file that is given a buffer, so its size is known as its blocks are. Fetching a block asks the
-// system again: not every program keeps to share modes everywhere.
-std::int64_t File::PrivateImpl::GetKnownSize() const
-{
-    if (mKnownSize == kUnknownSize || !mShutsOutWriters) {
-        mKnownSize = static_cast<std::int64_t>(GetSize());
-    }
-    return mKnownSize;
-}
 
 // The block as the buffer holds it, else as it is on disk, which is then offered to the buffer. A last block is asked
 // for whole too, and comes short; nobody looks at the bytes behind the end.
@@ -39,7 +31,6 @@ Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlo
     if (ResultSucceeded(mFileBuffer->GetBlock(inBlockPosition, outBlock)) && outBlock) {
         return kSuccess;
     }
-    mKnownSize = kUnknownSize;
     outBlock = Block(new MemoryBufferWrapper(mBlockSize));
     Result result = SetFilePointer(inBlockPosition, FilePointerMoveMethod::kFilePointer_Begin);
     if (!ResultSucceeded(result)) {
@@ -58,7 +49,7 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
     const std::int64_t start = mPosition;
     std::uint32_t offset = static_cast<std::uint32_t>(start % mBlockSize);
     std::int64_t blockPosition = start - offset;
-    std::uint32_t remaining = BytesLeft(start, inCount, GetKnownSize());
+    std::uint32_t remaining = BytesLeft(static_cast<std::uint64_t>(start), inCount, GetSize());
     char* buffer = static_cast<char*>(outBuffer);
     outBytesRead = 0;
     while (remaining != 0) {
@@ -67,7 +58,6 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
         if (!ResultSucceeded(result)) {
             return result;
         }
-        remaining = BytesLeft(start + outBytesRead, remaining, GetKnownSize());
         const std::uint32_t count = std::min(mBlockSize - offset, remaining);
         std::memcpy(buffer, static_cast<const char*>(block->GetBuffer()) + offset, count);
         outBytesRead += count;
@@ -84,7 +74,7 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
 // Where a seek leads: between 0 and the size. An offset from the end counts backwards whatever its sign.
 std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const
 {
-    const std::int64_t size = GetKnownSize();
+    const std::int64_t size = static_cast<std::int64_t>(GetSize());
     std::int64_t target = mPosition;
     switch (inMethod) {
     case FilePointerMoveMethod::kFilePointer_Begin:

@@ -1,4 +1,4 @@
-// The size of a file that is read through a block cache: known while writers are shut out, asked anew when they are not.
+// The size of a file that is read through a block cache is asked for once in each read.
 #include <BlockCacheSupport.h>
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ protected:
 
 } // namespace
 
-TEST_F(BlockCacheSize, EachOpening_AsksForItAnew)
+TEST_F(BlockCacheSize, EachOpening_SeesTheFilesOwn)
 {
     File file;
     for (const std::size_t size : {100u, 70000u, 10u}) {
