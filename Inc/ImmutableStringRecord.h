@@ -28,12 +28,8 @@ public:
     /// Never deletes, even at zero: the record stays to be found again.
     void RemoveRef()
     {
-        // The caller's own handle is counted, so no other thread can take a count that is above 0 down to 0: a plain look
-        // is enough, and a quarter cheaper than one that takes the memory line. Only what looks wrong is read atomically.
-        if (__atomic_load_n(&mReferenceCount, __ATOMIC_RELAXED) <= 0) {
-            ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,
-                          "ORL::ImmutableString::InternalRepresentation::RemoveRef");
-        }
+        ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,
+                      "ORL::ImmutableString::InternalRepresentation::RemoveRef");
         AtomicDecrement(mReferenceCount);
     }
 
