@@ -21,7 +21,6 @@
 #include <liburing.h>
 #include <memory>
 #include <random>
-#include <sched.h>
 #include <string>
 #include <sys/resource.h>
 #include <sys/uio.h>
@@ -68,17 +67,6 @@ private:
     std::uint64_t mState = 1;
     std::uint64_t mCount = 0;
 };
-
-// The harness binds its thread to one processor; reads are a matter of several threads, so here everybody is free.
-void UseAllProcessors()
-{
-    cpu_set_t all;
-    CPU_ZERO(&all);
-    for (unsigned i = 0; i < CPU_SETSIZE; ++i) {
-        CPU_SET(i, &all);
-    }
-    ::sched_setaffinity(0, sizeof(all), &all);
-}
 
 [[noreturn]] void Fail(const char* inWhat)
 {
@@ -285,7 +273,7 @@ double RunFio(const Work& inWork)
 template <class Loop>
 double MegabytesPerSecond(const Work& inWork, Loop&& inLoop)
 {
-    UseAllProcessors();
+    Bench::UseAllProcessors();
     const double start = Bench::NowInNanoseconds();
     inLoop();
     return static_cast<double>(inWork.Reads() * inWork.mBlock) / (Bench::NowInNanoseconds() - start) * 1e3;
@@ -294,7 +282,7 @@ double MegabytesPerSecond(const Work& inWork, Loop&& inLoop)
 template <class Loop>
 double MicrosecondsPerRead(const Work& inWork, Loop&& inLoop)
 {
-    UseAllProcessors();
+    Bench::UseAllProcessors();
     const double start = ProcessorMicroseconds();
     inLoop();
     return (ProcessorMicroseconds() - start) / static_cast<double>(inWork.Reads());
@@ -312,7 +300,7 @@ void CompareSpeed(const Work& inWork, char* inMemory, bool inHasFio)
     });
     if (inHasFio) {
         group.Peer("fio io_uring", [&](std::uint64_t) {
-            UseAllProcessors();
+            Bench::UseAllProcessors();
             return RunFio(inWork) / 1e6;
         });
     }

@@ -15,7 +15,6 @@
 #include <fstream>
 #include <memory>
 #include <random>
-#include <sched.h>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -123,17 +122,6 @@ double Seconds(const fs::path& inDisk, const Work& inWork)
     return (Bench::NowInNanoseconds() - start) / 1e9;
 }
 
-// The harness binds its thread to one processor; here everybody is free.
-void UseAllProcessors()
-{
-    cpu_set_t all;
-    CPU_ZERO(&all);
-    for (unsigned i = 0; i < CPU_SETSIZE; ++i) {
-        CPU_SET(i, &all);
-    }
-    ::sched_setaffinity(0, sizeof(all), &all);
-}
-
 void Measure(const Card& inCard)
 {
     const fs::path work = FolderOfThisProgram() / "ingest-bench";
@@ -145,7 +133,7 @@ void Measure(const Card& inCard)
     const double megabytes = static_cast<double>(inCard.Bytes()) / 1e6;
     bool isMade = false;
     const auto prepare = [&] {
-        UseAllProcessors();
+        Bench::UseAllProcessors();
         if (!isMade) {
             MakeCard(inCard, card);
             isMade = true;

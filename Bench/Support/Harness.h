@@ -74,6 +74,18 @@ inline void PinThread(unsigned inProcessor)
     ::pthread_setaffinity_np(::pthread_self(), sizeof(set), &set);
 }
 
+/// Lets the calling thread, and those it starts, run on every processor again: for work that is done by several threads or
+/// by another process.
+inline void UseAllProcessors()
+{
+    cpu_set_t all;
+    CPU_ZERO(&all);
+    for (unsigned i = 0; i < CPU_SETSIZE; ++i) {
+        CPU_SET(i, &all);
+    }
+    ::pthread_setaffinity_np(::pthread_self(), sizeof(all), &all);
+}
+
 inline bool IsQuick()
 {
     static const bool quick = std::getenv("ORL_BENCH_QUICK") != nullptr;

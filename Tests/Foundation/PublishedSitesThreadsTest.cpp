@@ -1,5 +1,6 @@
 // The sites of the threads room. Their lines are not published.
 #include <PublishedSites.h>
+#include <WithoutHandle.h>
 
 #include <ORLEvent.h>
 #include <ORLInterface.h>
@@ -11,6 +12,7 @@
 using namespace ORL;
 using ORLTest::ExpectPublished;
 using ORLTest::PublishedSite;
+using ORLTest::WithoutHandle;
 
 namespace {
 
@@ -36,16 +38,6 @@ void DestroyRunning()
     const Queue queue(new ThreadedWorkQueue);
     queue->Initialize(ThreadPriorities::kNormal, 1, ConstString("Thread"), ConstString("Module"));
 }
-
-class WithoutHandle : public WaitableObject
-{
-public:
-    WithoutHandle() : mTakenAway(mEvent) { mEvent = nullptr; }
-    ~WithoutHandle() { mEvent = mTakenAway; }
-
-private:
-    void* mTakenAway;
-};
 
 void SignalWithoutHandle()
 {

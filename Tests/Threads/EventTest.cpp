@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <Stress.h>
+#include <WithoutHandle.h>
 #include <Platform/Event.h>
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
 using ORLTest::Rounds;
+using ORLTest::WithoutHandle;
 
 namespace {
 
@@ -28,17 +30,6 @@ struct NoMoreEvents
 {
     NoMoreEvents() { Events::Platform::InstallCreateFault(&RefuseEvents); }
     ~NoMoreEvents() { Events::Platform::InstallCreateFault(nullptr); }
-};
-
-/// A waitable object whose handle is taken away while it lives.
-class WithoutHandle : public WaitableObject
-{
-public:
-    WithoutHandle() : mTakenAway(mEvent) { mEvent = nullptr; }
-    ~WithoutHandle() { mEvent = mTakenAway; }
-
-private:
-    void* mTakenAway;
 };
 
 } // namespace
