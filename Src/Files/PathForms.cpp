@@ -30,9 +30,9 @@ bool HasDriveAt(const UTF16String& inPath, std::size_t inAt) noexcept
 
 UTF16String Extended(const UTF16String& inPath)
 {
-    UTF16String extended(TVX_UTF16("\\\\?\\"));
+    UTF16String extended;
     extended.reserve(4 + inPath.size());
-    return extended += inPath;
+    return extended.append(TVX_UTF16("\\\\?\\"), 4).append(inPath);
 }
 
 std::string StripUNCMessage(const UTF16String& inPath)

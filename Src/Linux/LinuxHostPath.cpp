@@ -31,6 +31,9 @@ struct Name
 // Few paths go deeper, and no memory is asked for up to here.
 using Names = boost::container::small_vector<Name, 24>;
 
+// Few paths are longer, so that they grow without moving.
+constexpr std::size_t kUsualSize = 128;
+
 bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
 {
     const std::size_t size = std::char_traits<char>::length(inText);
@@ -54,6 +57,12 @@ Names Split(const UTF16String& inPath, std::size_t inFrom)
     }
 }
 
+// Where the name that begins at inFrom ends.
+std::size_t EndOfName(const UTF16String& inPath, std::size_t inFrom) noexcept
+{
+    return std::min(inPath.find('\\', inFrom), inPath.size());
+}
+
 SystemError AddName(std::string& ioPath, const Name& inName)
 {
     const SystemError error = CheckName(inName.mUnits, inName.mCount);
@@ -71,68 +80,65 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     return leadsAway ? kErrorInvalidName : kNoError;
 }
 
-SystemError Build(std::string inFolder, const Names& inNames, bool inTrailing, HostPath& outHostPath)
+// inFolder with the names behind it becomes the path.
+void Finish(std::string&& inFolder, bool inHasNames, bool inHasTrailingSeparator, HostPath& outHostPath)
 {
-    inFolder.reserve(128);
-    for (const Name& name : inNames) {
-        const SystemError error = AddName(inFolder, name);
-        if (error != kNoError) {
-            return error;
-        }
-    }
-    outHostPath.mIsRoot = inNames.empty();
-    outHostPath.mHasTrailingSeparator = inTrailing && !inNames.empty();
+    outHostPath.mIsRoot = !inHasNames;
+    outHostPath.mHasTrailingSeparator = inHasTrailingSeparator && inHasNames;
     if (outHostPath.mHasTrailingSeparator) {
         inFolder += '/';
     }
     outHostPath.mPath = std::move(inFolder);
-    return kNoError;
 }
 
-// The folder of \\server\share, where inNames begins with server and share.
-SystemError FindShareFolder(const Names& inNames, std::string& outFolder)
+// The folder of \\server\share, where the server's name begins at inServer, and where the share's name ends.
+SystemError FindShareFolder(const UTF16String& inPath, std::size_t inServer, std::string& outFolder, std::size_t& outEnd)
 {
-    if (inNames.size() < 2 || inNames[0].mCount == 0 || inNames[1].mCount == 0) {
+    const std::size_t serverEnd = EndOfName(inPath, inServer);
+    outEnd = EndOfName(inPath, serverEnd + 1);
+    if (serverEnd <= inServer || outEnd <= serverEnd + 1) {
         return kErrorNetworkPathNotFound;
     }
     UTF16String share(2, '\\');
-    share.append(inNames[0].mUnits, inNames[0].mCount);
-    share += '\\';
-    share.append(inNames[1].mUnits, inNames[1].mCount);
+    share.append(inPath, inServer, outEnd - inServer);
     return TheDriveTable().FindShare(share, outFolder) ? kNoError : kErrorNetworkPathNotFound;
+}
+
+// The folder of \\?\X:, and where its name ends.
+SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, std::size_t& outEnd)
+{
+    constexpr std::size_t kDrive = 4;
+    outEnd = EndOfName(inPath, kDrive);
+    if (outEnd < kDrive + 2 || !IsDriveLetter(inPath[kDrive]) || inPath[kDrive + 1] != ':') {
+        return kErrorPathNotFound;
+    }
+    if (outEnd > kDrive + 2 || outEnd == inPath.size()) {
+        return kErrorInvalidName;
+    }
+    return TheDriveTable().FindDrive(inPath[kDrive], outFolder) ? kNoError : kErrorPathNotFound;
 }
 
 // The form that is taken as it stands: only its last name may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
-    Names names = Split(inPath, 4);
+    constexpr std::size_t kServer = 8;
+    const bool isShare = BeginsWith(inPath, "\\\\?\\UNC") && EndOfName(inPath, 4) == kServer - 1;
     std::string folder;
-    std::size_t rootNames = 1;
-    if (names.front().Is("UNC")) {
-        names.erase(names.begin());
-        rootNames = 2;
-        const SystemError error = FindShareFolder(names, folder);
-        if (error != kNoError) {
-            return error;
-        }
-    } else {
-        const Name& drive = names.front();
-        if (drive.mCount < 2 || !IsDriveLetter(drive.mUnits[0]) || drive.mUnits[1] != ':') {
-            return kErrorPathNotFound;
-        }
-        if (drive.mCount > 2 || names.size() == 1) {
-            return kErrorInvalidName;
-        }
-        if (!TheDriveTable().FindDrive(drive.mUnits[0], folder)) {
-            return kErrorPathNotFound;
-        }
+    folder.reserve(kUsualSize);
+    std::size_t end = 0; // of what is read
+    SystemError error =
+        isShare ? FindShareFolder(inPath, kServer, folder, end) : FindDriveFolder(inPath, folder, end);
+    bool hasNames = false;
+    while (error == kNoError && end + 1 < inPath.size()) {
+        const std::size_t start = end + 1;
+        end = EndOfName(inPath, start);
+        error = AddName(folder, {inPath.data() + start, end - start});
+        hasNames = true;
     }
-    names.erase(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(rootNames));
-    const bool trailing = !names.empty() && names.back().mCount == 0;
-    if (trailing) {
-        names.pop_back();
+    if (error == kNoError) {
+        Finish(std::move(folder), hasNames, end < inPath.size(), outHostPath);
     }
-    return Build(std::move(folder), names, trailing, outHostPath);
+    return error;
 }
 
 // A plain path loses the blanks and dots behind its last name, and one single dot behind each other name.
@@ -178,18 +184,26 @@ bool Normalize(Names& ioNames)
 SystemError ResolveRooted(const UTF16String& inPath, HostPath& outHostPath)
 {
     std::string folder;
-    Names names = Split(inPath, 2);
+    folder.reserve(kUsualSize);
+    std::size_t rootEnd = 2;
     if (BeginsWith(inPath, "\\\\")) {
-        const SystemError error = FindShareFolder(names, folder);
+        const SystemError error = FindShareFolder(inPath, 2, folder, rootEnd);
         if (error != kNoError) {
             return error;
         }
-        names.erase(names.begin(), names.begin() + 2);
     } else if (!TheDriveTable().FindDrive(inPath[0], folder)) {
         return kErrorPathNotFound;
     }
+    Names names = Split(inPath, rootEnd);
     const bool trailing = Normalize(names);
-    return Build(std::move(folder), names, trailing, outHostPath);
+    for (const Name& name : names) {
+        const SystemError error = AddName(folder, name);
+        if (error != kNoError) {
+            return error;
+        }
+    }
+    Finish(std::move(folder), !names.empty(), trailing, outHostPath);
+    return kNoError;
 }
 
 bool IsRooted(const UTF16String& inPath) noexcept

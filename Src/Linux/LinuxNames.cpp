@@ -180,13 +180,14 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount)
 {
-    const std::size_t start = ioBytes.size();
-    ioBytes.resize(start + inCount);
+    // A string can only grow filled; bytes gathered here first are written once.
+    char bytes[kLongestName] = {};
+    const std::size_t most = std::min(inCount, kLongestName);
     std::size_t plain = 0;
-    for (; plain < inCount && kPlainBytes.Has(inUnits[plain]); ++plain) {
-        ioBytes[start + plain] = static_cast<char>(inUnits[plain]);
+    for (; plain < most && kPlainBytes.Has(inUnits[plain]); ++plain) {
+        bytes[plain] = static_cast<char>(inUnits[plain]);
     }
-    ioBytes.resize(start + plain);
+    ioBytes.append(bytes, plain);
     for (std::size_t i = plain; i < inCount; ++i) {
         const unsigned unit = inUnits[i];
         if (IsUnitOfByte(unit)) {

@@ -64,7 +64,7 @@ ShareBucket& BucketOf(const FileIdentity& inFile) noexcept
 // The bytes stand in an order in which those of the usual opens are neighbours and so take one call.
 constexpr off_t kFirstByte = off_t{1} << 62;
 constexpr unsigned kByteCount = 6;
-enum Byte : unsigned { kKeepsReaders, kUsesWrite, kKeepsWriters, kKeepsDeleters, kUsesRead, kUsesDelete };
+enum Byte : unsigned { kKeepsReaders, kUsesWrite, kKeepsDeleters, kKeepsWriters, kUsesRead, kUsesDelete };
 
 constexpr unsigned BitOf(Byte inByte, unsigned inKind, unsigned inKinds) noexcept
 {
@@ -134,9 +134,13 @@ Outcome Take(int inDescriptor, unsigned inBytes) noexcept
     return outcome;
 }
 
+// Everything at once: the system asks for no memory then, as it does to keep the ends of what is cut out. The descriptor
+// is ours, and so are its locks.
 void Drop(int inDescriptor) noexcept
 {
-    struct flock lock = LockOf(F_UNLCK, 0, kByteCount);
+    struct flock lock = {};
+    lock.l_type = F_UNLCK;
+    lock.l_whence = SEEK_SET;
     System().mLockRange(inDescriptor, F_OFD_SETLK, &lock);
 }
 
