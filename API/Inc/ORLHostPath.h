@@ -21,12 +21,14 @@ namespace ORL {
 namespace PathUtils {
 
 /// The library path of a host path, in plain form. A relative one is taken from the current folder. Empty when
-/// inHostPath is empty, or when no drive leads there. The path need not exist. Safe from any thread.
+/// inHostPath is empty, or when no drive leads there; on Windows also when it is no UTF-8. The path need not exist. Safe
+/// from any thread.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 
 /// The host path of a library path, plain or extended. On Linux: kPathNotFound for a drive that is not mounted,
-/// kGeneralFailure for a share that is not mounted and for a name that no path may hold; outHostPath is then
-/// untouched. The path need not exist. Safe from any thread.
+/// kGeneralFailure for a share that is not mounted and for a name that no path may hold. On Windows: kGeneralFailure for
+/// a path with half a surrogate pair, which UTF-8 cannot say; the other operations take such a path as it is. outHostPath
+/// is then untouched. The path need not exist. Safe from any thread.
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 
 /// One way into the host's folders.

@@ -5,6 +5,7 @@
 #include <ORLPathUtils.h>
 #include <PathForms.h>
 #include <tvxcore/Text.h>
+#include <utility>
 #include <windows.h>
 
 namespace ORL {
@@ -38,6 +39,9 @@ bool HasPlainForm(const UTF16String& inPath)
 UTF16String FromHostPath(const std::string& inHostPath)
 {
     const UTF16String path = AsUTF16(inHostPath);
+    if (AsUTF8(path) != inHostPath) {
+        return UTF16String(); // no text; with its broken places mended it would be the name of another file
+    }
     const DWORD needed = ::GetFullPathNameW(AsWide(path.c_str()), 0, nullptr, nullptr);
     if (needed == 0) {
         return UTF16String();
@@ -52,7 +56,12 @@ Result ToHostPath(const UTF16String& inPath, std::string& outHostPath)
     if (inPath.empty()) {
         return kPathNotFound;
     }
-    outHostPath = AsUTF8(HasPlainForm(inPath) ? Win::StripUNC(inPath) : inPath);
+    const UTF16String path = HasPlainForm(inPath) ? Win::StripUNC(inPath) : inPath;
+    std::string host = AsUTF8(path);
+    if (AsUTF16(host) != path) {
+        return kGeneralFailure; // half a surrogate pair, which UTF-8 cannot say
+    }
+    outHostPath = std::move(host);
     return kSuccess;
 }
 
