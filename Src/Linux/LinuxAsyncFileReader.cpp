@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <new>
 #include <memory>
 #include <pthread.h>
@@ -241,6 +242,12 @@ void* RunThread(void* inThread)
     return nullptr;
 }
 
+// For tools that run a program by steps and do not let another thread run while one waits in a ring, as valgrind.
+bool IsRingUnwanted()
+{
+    return std::getenv("ORL_NO_IO_URING") != nullptr;
+}
+
 } // namespace
 
 SystemError CreatePort_Impl(Handle& outPort)
@@ -248,7 +255,7 @@ SystemError CreatePort_Impl(Handle& outPort)
     outPort = nullptr;
     try {
         int refusal = 0;
-        std::shared_ptr<CompletionPort> port = MakeRingPort(refusal);
+        std::shared_ptr<CompletionPort> port = IsRingUnwanted() ? nullptr : MakeRingPort(refusal);
         if (port == nullptr) {
             port = MakeThreadPort(refusal);
         }

@@ -81,7 +81,8 @@ struct AsyncFile
 /// errno. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
-/// A port over a few threads that call pread, for where the ring is refused for that reason. Throws std::bad_alloc.
+/// A port over a few threads that call pread, for where the ring is refused for that reason; 0: nobody asked for it.
+/// Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
 /// Asks a system again that is short of something for a moment, or was interrupted.

@@ -196,6 +196,8 @@ private:
 const char* DescriptionFor(int inRefusal)
 {
     switch (inRefusal) {
+    case 0:
+        return "pread threads, since ORL_NO_IO_URING is set";
     case EPERM:
         return "pread threads, since the kernel forbids io_uring (EPERM)";
     case ENOSYS:
