@@ -104,6 +104,39 @@ TEST(SetStreamBuffer, SixteenBitStream_KeepsWritingNumbers)
     EXPECT_EQ("  255", Show(second.str()));
 }
 
+TEST(SetStreamBuffer, LocaleOfTheNewBuffer_StaysTheCallers)
+{
+    class Grouping : public std::numpunct<char>
+    {
+        char do_thousands_sep() const override { return '\''; }
+    };
+    const std::locale own(std::locale::classic(), new Grouping);
+    std::stringbuf buffer;
+    buffer.pubimbue(own);
+    std::ostream stream(nullptr);
+    SetStreamBuffer(stream, &buffer);
+    EXPECT_EQ(own, buffer.getloc());
+    EXPECT_EQ(std::locale(), stream.getloc());
+
+    std::basic_stringbuf<unsigned short> wideBuffer;
+    wideBuffer.pubimbue(own);
+    tvxcore::oUTF16StringStream wideStream;
+    SetStreamBuffer(wideStream, &wideBuffer);
+    EXPECT_EQ(own, wideBuffer.getloc());
+}
+
+TEST(SetStreamBuffer, SixteenBitStreamThatKnewNoUnits_WritesThem)
+{
+    std::basic_stringbuf<unsigned short> first;
+    std::basic_stringbuf<unsigned short> second;
+    std::basic_ostream<unsigned short> stream(&first);
+    const std::locale own = first.getloc();
+    EXPECT_EQ(&first, SetStreamBuffer(stream, &second));
+    stream << std::setw(3) << 17;
+    EXPECT_EQ(Units(u" 17"), UTF16String(second.str().c_str()));
+    EXPECT_EQ(own, first.getloc());
+}
+
 TEST(SixteenBitStream, NarrowText_IsDecodedAsUTF8)
 {
     tvxcore::oUTF16StringStream stream;
