@@ -1,6 +1,7 @@
 #include <tvxcore/Number.h>
 
 #include <CorePlatform/NumberFormat.h>
+#include <DecimalComma.h>
 #include <TextHelpers.h>
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 using namespace tvxcore;
 using namespace tvxcore::utility;
@@ -128,6 +130,23 @@ TEST(NumberToString, DigitsBehindThePrecision_BecomeZero)
     EXPECT_EQ("100.0", Ungrouped(123.4, 1, 0)) << "at least one digit counts";
     EXPECT_EQ("1" + std::string(300, '0') + ".0", Ungrouped(1e300, 1, 15));
     EXPECT_EQ(309u + 2u, Ungrouped((std::numeric_limits<double>::max)(), 1).size());
+}
+
+TEST(NumberToString, HostWithADecimalCommaInTheCLibrary_ChangesNothing)
+{
+    const auto texts = [] {
+        const Flags<unsigned short> none;
+        std::vector<UTF16String> shown;
+        for (const double number : {0.0, 1.0, -1234567.25, 123.456, 0.0012349, 1e300}) {
+            shown.push_back(NumberToString(number, 1, 1, none, 31));
+            shown.push_back(NumberToString(number, 1, 5, none, 2)); // rounded once more
+        }
+        return shown;
+    };
+    const std::vector<UTF16String> expected = texts();
+    const ORLTest::DecimalComma comma;
+    ASSERT_TRUE(comma.IsInForce());
+    EXPECT_EQ(expected, texts());
 }
 
 TEST(NumberToString, NoNumberAndTheInfinities_HaveTheirOwnText)

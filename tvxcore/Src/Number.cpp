@@ -3,9 +3,10 @@
 #include <CorePlatform/NumberFormat.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 
 namespace tvxcore {
@@ -15,19 +16,19 @@ namespace {
 
 constexpr std::size_t kMostFractionDigits = 9;
 
-// The digits are made here, not by the system, so that a number is rounded alike on every platform.
-std::string Print(const char* inFormat, int inDigits, double inNumber)
+// The digits are made here, not by the system, so that a number is rounded alike on every platform; and not by printf,
+// which writes the point of whatever locale the host has set.
+std::string Print(std::chars_format inFormat, std::size_t inDigits, double inNumber)
 {
     // The largest double has 309 digits before the point.
     char text[400];
-    std::snprintf(text, sizeof(text), inFormat, inDigits, inNumber);
-    return text;
+    return std::string(text, std::to_chars(text, std::end(text), inNumber, inFormat, static_cast<int>(inDigits)).ptr);
 }
 
 // The digits of a number that is not negative, without the point: as many behind it as wanted.
 std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecision)
 {
-    std::string digits = Print("%.*f", static_cast<int>(inFractionDigits), inNumber);
+    std::string digits = Print(std::chars_format::fixed, inFractionDigits, inNumber);
     digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
     const std::size_t first = std::min(digits.find_first_not_of('0'), digits.size());
     const std::size_t precision = static_cast<std::size_t>(std::clamp(inPrecision, 1L, 400L));
@@ -35,7 +36,7 @@ std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecisi
         return digits;
     }
     // Rounded once more, from the number itself. A carry makes it one digit longer.
-    const std::string rounded = Print("%.*e", static_cast<int>(precision) - 1, inNumber);
+    const std::string rounded = Print(std::chars_format::scientific, precision - 1, inNumber);
     const std::size_t exponentAt = rounded.find('e');
     const long exponent = std::strtol(rounded.c_str() + exponentAt + 1, nullptr, 10);
     std::string result = rounded.substr(0, exponentAt);

@@ -1,0 +1,49 @@
+#include <DecimalComma.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+namespace ORLTest {
+
+namespace {
+
+// All that a locale needs to be made without the system's own locale sources, which few machines have.
+constexpr char kSource[] = "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
+
+std::string AsciiMap()
+{
+    std::string map = "<code_set_name> ASCII\n<escape_char> /\n<mb_cur_max> 1\n<mb_cur_min> 1\nCHARMAP\n";
+    for (unsigned character = 0; character < 128; ++character) {
+        char line[40];
+        std::snprintf(line, sizeof(line), "<U%04X> /x%02x x\n", character, character);
+        map += line;
+    }
+    return map + "END CHARMAP\n";
+}
+
+} // namespace
+
+DecimalComma::DecimalComma() : mOld(std::setlocale(LC_NUMERIC, nullptr))
+{
+    mFolder.MakeFile("source", kSource);
+    mFolder.MakeFile("map", AsciiMap());
+    // It warns of the categories that are not there, and its exit code says so.
+    const std::string command = "cd '" + mFolder.Host().string() + "' && localedef -c -i source -f ./map ./comma 2>/dev/null";
+    static_cast<void>(std::system(command.c_str()) == 0);
+    ::setenv("LOCPATH", mFolder.Host().c_str(), 1);
+    std::setlocale(LC_NUMERIC, "comma");
+    ::unsetenv("LOCPATH");
+}
+
+DecimalComma::~DecimalComma()
+{
+    std::setlocale(LC_NUMERIC, mOld.c_str());
+}
+
+bool DecimalComma::IsInForce() const
+{
+    return *std::localeconv()->decimal_point == ',';
+}
+
+} // namespace ORLTest
