@@ -2,7 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <type_traits>
+
 using namespace ORL;
+
+// Hosts keep and compare the numbers themselves.
+TEST(Result, EachCode_HasItsNumber)
+{
+    struct Row
+    {
+        int mLine;
+        Result mResult;
+        std::uint32_t mNumber;
+    };
+    const Row rows[] = {
+        {__LINE__, kSuccess, 0x00000000},
+        {__LINE__, kRegistryKeyExisted, 0x200F0001},
+        {__LINE__, kWaitTimeout, 0x200F0002},
+        {__LINE__, kNoSuchInterface, 0xA00A0001},
+        {__LINE__, kClassNotRegistered, 0xA00A0002},
+        {__LINE__, kCategoryNotRegistered, 0xA00A0003},
+        {__LINE__, kCategoryIndexOutOfRange, 0xA00A0004},
+        {__LINE__, kGeneralFailure, 0xA00F0001},
+        {__LINE__, kDiskFull, 0xA00F0002},
+        {__LINE__, kFileNotFound, 0xA00F0003},
+        {__LINE__, kPathNotFound, 0xA00F0004},
+        {__LINE__, kAccessDenied, 0xA00F0005},
+        {__LINE__, kOperationAborted, 0xA00F0007},
+        {__LINE__, kRegistryFailure, 0xA00F0008},
+        {__LINE__, kSharingViolation, 0xA00F0009},
+        {__LINE__, kAlreadyExists, 0xA00F000A},
+        {__LINE__, kWaitFailed, 0xA00F000B},
+    };
+    static_assert(sizeof(Result) == 4 && std::is_signed_v<Result>);
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.mNumber, static_cast<std::uint32_t>(row.mResult)) << "row at line " << row.mLine;
+    }
+}
 
 TEST(SystemErrorToORLResult, EachListedError_HasItsCode)
 {
