@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -30,6 +31,11 @@ void ExpectContractError(const CheckReport& inReport, const char* inText, long i
     EXPECT_EQ(105u, inReport.mPackage);
     EXPECT_EQ(inErrorID, inReport.mLine);
     EXPECT_EQ(0, inReport.mLevel);
+    EXPECT_TRUE(inReport.mFlag);
+    // An empty value has nothing to show but that it is one of its own.
+    const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
+    EXPECT_EQ(4u, values.size());
+    EXPECT_EQ(0u, values.count(nullptr));
 }
 
 } // namespace

@@ -29,9 +29,10 @@ CheckRecorder::~CheckRecorder()
 }
 
 void CheckRecorder::ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage,
-                               long inErrorID, bool, const tvxcore::config::ReplacementValue&,
-                               const tvxcore::config::ReplacementValue&, const tvxcore::config::ReplacementValue&,
-                               const tvxcore::config::ReplacementValue&) const
+                               long inErrorID, bool inFlag, const tvxcore::config::ReplacementValue& inFirst,
+                               const tvxcore::config::ReplacementValue& inSecond,
+                               const tvxcore::config::ReplacementValue& inThird,
+                               const tvxcore::config::ReplacementValue& inFourth) const
 {
     CheckReport report;
     report.mKind = CheckReport::kError;
@@ -39,6 +40,8 @@ void CheckRecorder::ThrowError(tvxcore::config::ErrorLevel inLevel, const char* 
     report.mLine = inErrorID;
     report.mPackage = inPackage;
     report.mLevel = inLevel;
+    report.mFlag = inFlag;
+    report.mValues = {&inFirst, &inSecond, &inThird, &inFourth};
     Add(std::move(report));
     if (mThrow) {
         throw ContractError{inErrorID};

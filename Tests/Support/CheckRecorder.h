@@ -4,6 +4,7 @@
 #include <tvxcore/Debug.h>
 #include <tvxcore/ErrorManager.h>
 
+#include <array>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -21,6 +22,8 @@ struct CheckReport
     std::string mFunction;
     unsigned long mPackage = 0; // of an error
     int mLevel = 0;             // of an error
+    bool mFlag = false;         // of an error
+    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; gone when its call has returned
 };
 
 /// One recorder at a time. While it lives, contract errors come back to the caller unless mThrow is set, in which
@@ -37,9 +40,9 @@ public:
     ~CheckRecorder() override;
 
     void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage,
-                    long inErrorID, bool, const tvxcore::config::ReplacementValue&,
-                    const tvxcore::config::ReplacementValue&, const tvxcore::config::ReplacementValue&,
-                    const tvxcore::config::ReplacementValue&) const override;
+                    long inErrorID, bool inFlag, const tvxcore::config::ReplacementValue& inFirst,
+                    const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
+                    const tvxcore::config::ReplacementValue& inFourth) const override;
 
     /// All reports so far, in order. Safe from any thread.
     std::vector<CheckReport> Reports() const;
