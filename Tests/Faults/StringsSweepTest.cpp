@@ -3,9 +3,11 @@
 
 #include <ImmutableStringTable.h>
 #include <LocaleInternals.h>
+#include <ORLConstString.h>
 #include <ORLImmutableString.h>
 #include <ORLLocale.h>
 #include <ORLParamString.h>
+#include <ORLString.h>
 #include <Tokenizer.h>
 
 #include <thread>
@@ -146,6 +148,49 @@ TEST_F(ImmutableStringSweep, CopyCompareAndToString)
         static_cast<void>(copy.ToString());
     });
     EXPECT_EQ(0, held.Compare(kLong));
+}
+
+TEST(ConstStringSweep, Construction_OfEachForm)
+{
+    const ConstString held("held");
+    SweepMemory(
+        [&held] {
+            ConstString texts[] = {
+                ConstString("a"),
+                ConstString(kLong.c_str()),
+                ConstString(Units(u"units").c_str()),
+                ConstString(Units(u"a text of 16-bit units that is longer than what a string keeps in itself")),
+            };
+            ASSERT_EQ(100u, texts[1].size());
+            texts[0] = held;
+        },
+        [&held] { EXPECT_TRUE(held == ConstString("held")); });
+}
+
+TEST(StdConstStringSweep, Construction_OfEachForm)
+{
+    SweepMemory(
+        [] {
+            const StdConstString texts[] = {StdConstString("a"), StdConstString(kLong.c_str()), StdConstString(kLong)};
+            ASSERT_EQ(100u, texts[1].size());
+        },
+        [] { EXPECT_TRUE(StdConstString(kLong) == StdConstString(kLong.c_str())); });
+}
+
+TEST(StringConversionSweep, MakeStringAndMakeStdString_OfEachForm)
+{
+    const UTF16String units = Units(u"a text of 16-bit units that is longer than what a string keeps in itself");
+    SweepMemory(
+        [&units] {
+            static_cast<void>(MakeString(kLong.c_str()));
+            static_cast<void>(MakeString(Bytes(kLong.c_str())));
+            static_cast<void>(MakeString(kLong));
+            static_cast<void>(MakeString(UTF8String(Bytes(kLong.c_str()))));
+            static_cast<void>(MakeString(units.c_str()));
+            static_cast<void>(MakeStdString(units));
+            static_cast<void>(MakeStdString(ConstString(units)));
+        },
+        [&units] { EXPECT_EQ(units, MakeString(MakeStdString(units))); });
 }
 
 TEST(ParamStringSweep, EachParser_LeavesTheResultAlone)

@@ -53,6 +53,66 @@ AtomicValue CountOf(const ConstString& inString)
     return static_cast<const Internal::ConstStringShared<UTF16String>*>(WordsOf(inString).mShared)->mReferenceCount;
 }
 
+using Snapshot = tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot;
+
+Snapshot Blocks()
+{
+    Snapshot snapshot{};
+    EXPECT_TRUE(tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(snapshot));
+    return snapshot;
+}
+
+// How many blocks the work allocates, given back or not.
+template <class Work>
+unsigned long long AllocationsOf(const Work& inWork)
+{
+    const Snapshot before = Blocks();
+    inWork();
+    return Blocks().mSmallBlockCountTotal - before.mSmallBlockCountTotal;
+}
+
+// A handle on inText owns inBlocks blocks of inBytes in all, and owes none when the last copy is gone.
+template <class Handle, class Text>
+void ExpectOwned(const Text& inText, unsigned inBlocks, std::size_t inBytes)
+{
+    const Snapshot before = Blocks();
+    {
+        Handle last;
+        {
+            const Handle first(inText);
+            const Handle second(first);
+            last = second;
+        }
+        const Snapshot between = Blocks();
+        EXPECT_EQ(before.mSmallBlockCountCurrent + inBlocks, between.mSmallBlockCountCurrent);
+        EXPECT_EQ(before.mSmallBlockBytesCurrent + inBytes, between.mSmallBlockBytesCurrent);
+    }
+    const Snapshot after = Blocks();
+    EXPECT_EQ(before.mSmallBlockCountCurrent, after.mSmallBlockCountCurrent);
+    EXPECT_EQ(before.mSmallBlockBytesCurrent, after.mSmallBlockBytesCurrent);
+}
+
+template <class Handle, class Unit>
+void ExpectOnlyConstructionAllocates(const Unit* inText)
+{
+    EXPECT_EQ(0u, AllocationsOf([inText] {
+        Handle none;
+        Handle adopted = Handle::Adoptor::Adopt(inText);
+        const Handle copy(adopted);
+        none = copy;
+        none.swap(adopted);
+    }));
+    Handle shared(inText);
+    EXPECT_EQ(0u, AllocationsOf([&shared] {
+        const Handle copy(shared);
+        Handle assigned;
+        assigned = copy;
+        assigned.swap(shared);
+    }));
+    EXPECT_EQ(0u, AllocationsOf([&shared] { shared = Handle(); })) << "giving the text up";
+    EXPECT_EQ(1u, AllocationsOf([inText] { const Handle made(inText); })) << "the record of a short text";
+}
+
 std::uint32_t PlainHash(const UTF16String& inText)
 {
     std::uint32_t hash = 0;
@@ -254,6 +314,20 @@ TEST(ConstString, HandlesOnSeveralThreads_ShareOneRecord)
     EXPECT_EQ(1, CountOf(shared));
 }
 
+TEST(ConstString, OnlyConstructionFromText_Allocates)
+{
+    ExpectOnlyConstructionAllocates<ConstString>(TVX_UTF16("short"));
+}
+
+TEST(ConstString, LastRelease_GivesTheRecordBackWithItsSize)
+{
+    const std::size_t record = sizeof(Internal::ConstStringShared<UTF16String>);
+    ExpectOwned<ConstString>(TVX_UTF16("short"), 1, record);
+    // The text of a long one stands in a block of its own, with the zero at its end.
+    const UTF16String text(100, 'x');
+    ExpectOwned<ConstString>(text.c_str(), 2, record + 101 * sizeof(unsigned short));
+}
+
 TEST(ConstString, OnAStream_HonoursWidthFillAndAdjustment)
 {
     tvxcore::oUTF16StringStream stream;
@@ -311,6 +385,17 @@ TEST(StdConstString, BehavesAsTheSixteenBitHandle)
     EXPECT_TRUE(adopted.empty());
     none = *&none;
     EXPECT_EQ(literal, none.c_str());
+}
+
+TEST(StdConstString, OnlyConstructionFromText_Allocates)
+{
+    ExpectOnlyConstructionAllocates<StdConstString>("short");
+}
+
+TEST(StdConstString, LastRelease_GivesTheRecordBackWithItsSize)
+{
+    ExpectOwned<StdConstString>("short", 1, sizeof(Internal::ConstStringShared<std::string>));
+    ExpectOwned<StdConstString>(std::string(100, 'x'), 1, sizeof(Internal::ConstStringShared<std::string>));
 }
 
 TEST(StdConstString, EqualHashesAboveSevenBits_CompareAsUnsigned)
