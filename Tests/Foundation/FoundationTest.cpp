@@ -3,10 +3,12 @@
 #include <CheckRecorder.h>
 #include <CountedLifecycle.h>
 #include <ProcessRunner.h>
+#include <TempFolder.h>
 #include <tvxcore/Trace.h>
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <locale>
 #include <string>
 #include <thread>
@@ -14,8 +16,11 @@
 
 using namespace ORL;
 using ORLTest::CheckRecorder;
+using ORLTest::CheckReport;
 using ORLTest::ProcessResult;
 using ORLTest::RunBesideThisProgram;
+using ORLTest::TempFolder;
+using QueueRef = SharedThreadedWorkQueue::QueueRef;
 
 namespace {
 
@@ -33,6 +38,45 @@ void ExpectHostSays(const char* inMode, const std::string& inOutput, const char*
     const ProcessResult result = RunBesideThisProgram(inProgram, {inMode});
     EXPECT_EQ(0, result.mExitCode) << inMode << ": " << result.mErrors;
     EXPECT_EQ(inOutput, result.mOutput) << inMode;
+}
+
+class OpensGate : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    explicit OpensGate(WaitableGate& inGate) : mGate(inGate) {}
+    void Process() override { mGate.Open(); }
+
+private:
+    WaitableGate& mGate;
+};
+
+// Whether the queue took a request, which then has run.
+bool Runs(ThreadedWorkQueue& ioQueue)
+{
+    // Who opens a gate may still be in it when the wait is over.
+    static std::deque<WaitableGate> sGates;
+    WaitableGate& gate = sGates.emplace_back();
+    const bool isTaken = ioQueue.QueueRequest(ThreadedWorkQueue::Request(new OpensGate(gate)));
+    return isTaken && gate.Wait(-1) == kSuccess;
+}
+
+void KeepBytesRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+                   void* outBytesRead, void*, void*, int)
+{
+    *static_cast<unsigned int*>(outBytesRead) = inBytesRead;
+}
+
+// 0 when the file could not be opened. One page of it is asked for.
+unsigned int BytesReadOf(const UTF16String& inPath)
+{
+    alignas(4096) static char sBuffer[4096];
+    unsigned int bytesRead = 0;
+    AsyncFileReader reader;
+    if (AsyncFileReader::Open(inPath, reader) == kSuccess) {
+        reader.QueueReadRequest(0, sizeof(sBuffer), sBuffer, &KeepBytesRead, &bytesRead, nullptr, nullptr);
+        reader.WaitForPendingReads();
+    }
+    return bytesRead;
 }
 
 /// Restarts report a check of the thread records, which is theirs to test.
@@ -59,14 +103,39 @@ TEST(FoundationSequences, StartAndStop_AreInTheirFixedOrders)
 
 TEST_F(FoundationTest, StartedTwiceAndStoppedOnce_LeavesAllServicesRunning)
 {
+    const TempFolder folder;
+    folder.MakeFile("clip", std::string(4096, 'x'));
     Foundation::Initialize();
     Foundation::Initialize();
     EXPECT_TRUE(MemoryRecycler::Instance());
+    const QueueRef queue = SharedThreadedWorkQueue::Instance()->RetrieveOrCreate(ThreadPriorities::kNormal);
     Foundation::Terminate();
     EXPECT_TRUE(MemoryRecycler::Instance());
     EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
+    EXPECT_EQ(4096u, BytesReadOf(folder.Path(u"clip")));
+    EXPECT_TRUE(Runs(*queue.GetPtr()));
+    EXPECT_TRUE(mRecorder.Reports(CheckReport::kContract).empty());
     Foundation::Terminate();
     EXPECT_FALSE(MemoryRecycler::Instance());
+    EXPECT_FALSE(Runs(*queue.GetPtr()));
+    EXPECT_EQ(0u, BytesReadOf(folder.Path(u"clip")));
+    const std::vector<CheckReport> broken = mRecorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, broken.size());
+    EXPECT_EQ("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", broken[0].mExpression);
+}
+
+TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstStart)
+{
+    Foundation::Initialize();
+    Foundation::Terminate();
+    bool otherIsMainThread = true;
+    std::thread([&otherIsMainThread] {
+        Foundation::Initialize();
+        otherIsMainThread = ThreadManager::CurrentThreadIsMainThread();
+        Foundation::Terminate();
+    }).join();
+    EXPECT_FALSE(otherIsMainThread);
+    EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
 }
 
 TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheMainThread)
@@ -172,6 +241,11 @@ TEST(FoundationHost, NeverStopped_EndsCleanly)
     for (int round = 0; round < 10; ++round) {
         ExpectHostSays("never-stopped", "started\nmain\n");
     }
+}
+
+TEST(FoundationHost, FirstPooledLockOfAProcess_IsEntryOne)
+{
+    ExpectHostSays("pooled-locks", "started\nin rotation from entry 1\nmain\nstopped\n");
 }
 
 TEST(FoundationHost, StoppedWithoutAStart_EndsCleanly)

@@ -2,6 +2,7 @@
 // what it does. With ORL_START_STATICALLY the start comes from a static constructor, before main.
 #include <ORLFoundation.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -85,6 +86,19 @@ void RunHostsAtOnce()
     }
 }
 
+// The locks lie in one row, so a host sees in their places which entries it was given.
+void SayWherePooledLocksStand()
+{
+    std::vector<ORL::CriticalSection*> given;
+    for (int call = 0; call < 64; ++call) {
+        given.push_back(&ORL::SharedObjectBase::GetCriticalSection());
+    }
+    std::vector<ORL::CriticalSection*> row(given);
+    std::sort(row.begin(), row.end());
+    std::rotate(row.begin(), row.begin() + 1, row.end());
+    Say(given == row ? "in rotation from entry 1" : "in another order");
+}
+
 /// Destroyed after StartsAndStops, since it was built before it.
 struct UsesLate
 {
@@ -140,6 +154,9 @@ int main(int argc, char** argv)
         RunHostsAtOnce();
     } else if (!sStartsAndStops.mStarted) {
         sStartsAndStops.Start();
+    }
+    if (IsMode("pooled-locks")) {
+        SayWherePooledLocksStand();
     }
     UseWhatNeedsNoStart();
     Say("main");
