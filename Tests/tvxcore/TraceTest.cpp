@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <climits>
 #include <cstdint>
 #include <mutex>
@@ -24,6 +25,10 @@ void Record(const unsigned char* inText)
 {
     const std::lock_guard<std::mutex> lock(sTextsMutex);
     sTexts.emplace_back(reinterpret_cast<const char*>(inText));
+}
+
+void Drop(const unsigned char*)
+{
 }
 
 std::vector<std::string> TakeTexts()
@@ -257,4 +262,30 @@ TEST_F(TraceTest, ThreadsThatConfigureAndTraceAtOnce_LoseNoLine)
         thread.join();
     }
     EXPECT_EQ(static_cast<std::size_t>(kThreads * kRounds / 2), TakeTexts().size());
+}
+
+// A text that a site had decided on when the trace ended, or began again, belongs to the host's sink or to nobody.
+TEST_F(TraceTest, EndedAndBegunAgainWhileThreadsTrace_WritesNothingToStandardError)
+{
+    constexpr int kThreads = 2;
+    constexpr int kTexts = 10'000'000;
+    testing::internal::CaptureStderr();
+    std::atomic<int> running{kThreads};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&running] {
+            for (int text = 0; text < kTexts; ++text) {
+                Emit("the host's\n");
+            }
+            --running;
+        });
+    }
+    while (running != 0) {
+        ShutdownTraceManager();
+        EXPECT_EQ(nullptr, InstallTraceSink(&Drop));
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ("", testing::internal::GetCapturedStderr().substr(0, 100));
 }

@@ -31,8 +31,23 @@ threads::CoreMutex sMutex;
 Category* sCategories = nullptr;  // guarded by sMutex
 long sLevelOfAll = kTraceOff;     // guarded by sMutex
 std::atomic<int> sChangeCount{1};
-std::atomic<bool> sIsShutDown{false};
+
+// The sink while the trace is shut down: a text that was decided on before is nobody's.
+void DropText(const unsigned char*)
+{
+}
+
+// Null stands for standard error. One word says both whether the trace is shut down and where texts go, so that no text
+// goes to standard error which its host keeps away from there. Changed under sMutex, read without it.
 std::atomic<TraceSink> sSink{nullptr};
+
+// sMutex is held.
+void EndShutdown()
+{
+    if (sSink == &DropText) {
+        sSink = nullptr;
+    }
+}
 
 void ForgetCategories()
 {
@@ -103,7 +118,7 @@ void SetTraceLevel(const char* inCategory, long inLevel)
     }
     if (category != nullptr) {
         category->mLevel = inLevel;
-        sIsShutDown = false;
+        EndShutdown();
         CountChange();
     }
 }
@@ -112,22 +127,21 @@ void SetTraceLevelOfAll(long inLevel)
 {
     const Lock lock(sMutex);
     sLevelOfAll = inLevel;
-    sIsShutDown = false;
+    EndShutdown();
     CountChange();
 }
 
 TraceSink InstallTraceSink(TraceSink inSink)
 {
     const Lock lock(sMutex);
-    sIsShutDown = false;
-    return sSink.exchange(inSink);
+    const TraceSink old = sSink.exchange(inSink);
+    return old == &DropText ? nullptr : old;
 }
 
 void ShutdownTraceManager()
 {
     const Lock lock(sMutex);
-    sIsShutDown = true;
-    sSink = nullptr;
+    sSink = &DropText;
     sLevelOfAll = kTraceOff;
     ForgetCategories();
     CountChange();
@@ -148,10 +162,8 @@ int TraceChangeCount()
 
 void Trace(const unsigned char* inText)
 {
-    if (!sIsShutDown) {
-        const TraceSink sink = sSink.load();
-        (sink != nullptr ? sink : &WriteToStandardError)(inText);
-    }
+    const TraceSink sink = sSink.load();
+    (sink != nullptr ? sink : &WriteToStandardError)(inText);
 }
 
 } // namespace debug
