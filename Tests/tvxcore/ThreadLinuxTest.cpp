@@ -1,15 +1,10 @@
-// What tvxcore makes of the threads and the standard error of Linux.
+// What tvxcore makes of the threads of Linux.
 #include <CurrentThread.h>
-#include <Signals.h>
 #include <tvxcore/Debug.h>
 #include <tvxcore/Executor.h>
-#include <tvxcore/Trace.h>
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <csignal>
-#include <fcntl.h>
 #include <string>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -41,18 +36,6 @@ int InChild(Function inFunction)
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + status;
-}
-
-// A pipe as standard error; what the child of a fork does in it hurts nobody.
-void MakeStandardErrorAPipe(int (&outEnds)[2])
-{
-    ASSERT_EQ(0, ::pipe(outEnds));
-    ASSERT_EQ(STDERR_FILENO, ::dup2(outEnds[1], STDERR_FILENO));
-}
-
-void Emit(const std::string& inText)
-{
-    tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(inText.c_str()));
 }
 
 } // namespace
@@ -109,58 +92,5 @@ TEST(DisplayAssert, UnderADebugger_ChoosesDebug)
         }
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         return tvxcore::debug::DisplayAssert("Title", "with one") == 0 ? 0 : 2;
-    }));
-}
-
-TEST(StandardError, PipeThatNobodyReads_DoesNotHoldTheProcessBack)
-{
-    EXPECT_EQ(0, InChild([] {
-        int ends[2];
-        MakeStandardErrorAPipe(ends);
-        ::alarm(30); // a child that is held back dies of it
-        for (int i = 0; i < 100; ++i) {
-            Emit(std::string(10'000, 'x'));
-        }
-        return 0;
-    }));
-}
-
-TEST(StandardError, PipeThatIsReadAgain_GetsTextAgain)
-{
-    EXPECT_EQ(0, InChild([] {
-        int ends[2];
-        MakeStandardErrorAPipe(ends);
-        for (int i = 0; i < 100; ++i) {
-            Emit(std::string(10'000, 'x'));
-        }
-        ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
-        char buffer[4096];
-        while (::read(ends[0], buffer, sizeof(buffer)) > 0) {
-        }
-        Emit("again");
-        const ssize_t count = ::read(ends[0], buffer, sizeof(buffer));
-        return std::string(buffer, static_cast<std::size_t>(count)) == "again\n" ? 0 : 1;
-    }));
-}
-
-TEST(StandardError, PipeWhoseReaderIsGone_RaisesNoSignal)
-{
-    EXPECT_EQ(0, InChild([] {
-        int ends[2];
-        MakeStandardErrorAPipe(ends);
-        ::close(ends[0]);
-        ::signal(SIGPIPE, SIG_DFL);
-        Emit("nobody reads this");
-        return 0;
-    }));
-}
-
-TEST(StandardError, Closed_IsNoError)
-{
-    EXPECT_EQ(0, InChild([] {
-        ::close(STDERR_FILENO);
-        errno = 17;
-        Emit("nobody reads this");
-        return errno == 17 ? 0 : 1;
     }));
 }

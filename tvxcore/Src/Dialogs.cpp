@@ -1,6 +1,6 @@
 #include <tvxcore/Debug.h>
 
-#include <StandardErrorLine.h>
+#include <StandardError.h>
 
 #include <atomic>
 

@@ -1,6 +1,6 @@
 #include <tvxcore/ErrorManager.h>
 
-#include <StandardErrorLine.h>
+#include <StandardError.h>
 
 #include <atomic>
 #include <new>

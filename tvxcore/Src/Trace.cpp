@@ -1,7 +1,7 @@
 #include <tvxcore/Trace.h>
 
 #include <CoreMutex.h>
-#include <CorePlatform/StandardError.h>
+#include <StandardError.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <cstring>
@@ -101,10 +101,7 @@ void WriteToStandardError(const unsigned char* inText)
 {
     const char* const text = reinterpret_cast<const char*>(inText);
     const std::size_t count = std::strlen(text);
-    Platform::WriteStandardError_Impl(text, count);
-    if (count == 0 || text[count - 1] != '\n') {
-        Platform::WriteStandardError_Impl("\n", 1);
-    }
+    WriteStandardError(text, count, count == 0 || text[count - 1] != '\n' ? "\n" : "");
 }
 
 } // namespace

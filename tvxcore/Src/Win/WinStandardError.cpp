@@ -7,16 +7,97 @@ namespace tvxcore {
 namespace debug {
 namespace Platform {
 
-// A process with windows has no such handle, and then the text is nobody's.
-void WriteStandardError_Impl(const char* inBytes, std::size_t inCount) noexcept
+namespace {
+
+// One text's piece: what is called off is lost whole.
+constexpr std::size_t kPiece = 4096;
+constexpr DWORD kPatience = 100;    // milliseconds
+constexpr DWORD kShortPatience = 1; // of a reader that is stuck
+
+// Calls the writes of the thread that made it off once their time is over, and again until it is gone: the first call may
+// come before the write has begun.
+class Watch
 {
-    const DWORD callersError = ::GetLastError();
-    const HANDLE file = ::GetStdHandle(STD_ERROR_HANDLE);
-    if (file != nullptr && file != INVALID_HANDLE_VALUE) {
-        DWORD written = 0;
-        ::WriteFile(file, inBytes, static_cast<DWORD>(std::min<std::size_t>(inCount, MAXDWORD)), &written, nullptr);
+public:
+    explicit Watch(DWORD inPatience) noexcept
+    {
+        const HANDLE process = ::GetCurrentProcess();
+        if (!::DuplicateHandle(process, ::GetCurrentThread(), process, &mThread, THREAD_TERMINATE, FALSE, 0)) {
+            return;
+        }
+        mTimer = ::CreateThreadpoolTimer(&CallOff, mThread, nullptr);
+        if (mTimer != nullptr) {
+            // Negative: from now on, in units of 100 ns.
+            ULARGE_INTEGER due;
+            due.QuadPart = static_cast<ULONGLONG>(-10'000LL * static_cast<LONGLONG>(inPatience));
+            FILETIME time{due.LowPart, due.HighPart};
+            ::SetThreadpoolTimer(mTimer, &time, inPatience, 0);
+        }
     }
-    ::SetLastError(callersError);
+
+    ~Watch()
+    {
+        if (mTimer != nullptr) {
+            ::SetThreadpoolTimer(mTimer, nullptr, 0, 0);
+            ::WaitForThreadpoolTimerCallbacks(mTimer, TRUE);
+            ::CloseThreadpoolTimer(mTimer);
+        }
+        if (mThread != nullptr) {
+            ::CloseHandle(mThread);
+        }
+    }
+
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    bool IsOn() const noexcept { return mTimer != nullptr; }
+
+private:
+    static void CALLBACK CallOff(PTP_CALLBACK_INSTANCE, void* inThread, PTP_TIMER) { ::CancelSynchronousIo(inThread); }
+
+    HANDLE mThread = nullptr;
+    PTP_TIMER mTimer = nullptr;
+};
+
+std::size_t Write(HANDLE inFile, const char* inBytes, std::size_t inCount) noexcept
+{
+    DWORD written = 0;
+    const BOOL isDone = ::WriteFile(inFile, inBytes, static_cast<DWORD>(inCount), &written, nullptr);
+    return isDone ? written : 0;
+}
+
+std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
+{
+    const Watch watch(ioReaderIsStuck ? kShortPatience : kPatience);
+    if (!watch.IsOn()) {
+        return 0; // without memory for it the text is dropped, too
+    }
+    const std::size_t written = Write(inPipe, inBytes, inCount);
+    ioReaderIsStuck = written == 0 && ::GetLastError() == ERROR_OPERATION_ABORTED;
+    return written;
+}
+
+} // namespace
+
+// A process with windows has no such handle, and then the text is nobody's.
+std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
+{
+    const HANDLE file = ::GetStdHandle(STD_ERROR_HANDLE);
+    if (file == nullptr || file == INVALID_HANDLE_VALUE) {
+        return 0;
+    }
+    const std::size_t count = std::min(inCount, kPiece);
+    return ::GetFileType(file) == FILE_TYPE_PIPE ? WriteToPipe(file, inBytes, count, ioReaderIsStuck)
+                                                 : Write(file, inBytes, count);
+}
+
+SystemErrorKeeper::SystemErrorKeeper() noexcept : mError(::GetLastError())
+{
+}
+
+SystemErrorKeeper::~SystemErrorKeeper()
+{
+    ::SetLastError(mError);
 }
 
 } // namespace Platform
