@@ -54,7 +54,8 @@ public:
     int Compare(const std::string& inOther) const;
     int Compare(const UTF8String& inOther) const;
 
-    /// The same with the UTF-8 form of a 16-bit text, which must not be null for a handle that is not.
+    /// The same with the UTF-8 form of a 16-bit text, where null stands for the empty text. A null handle answers -1
+    /// without converting.
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;
 

@@ -23,6 +23,13 @@ int CompareWithText(const Record* inRecord, const unsigned char* inText)
     return inRecord == nullptr ? -1 : CompareBytes(inRecord->Text(), inText);
 }
 
+// Null stands for the empty text.
+const unsigned short* UnitsOrNone(const unsigned short* inText)
+{
+    static constexpr unsigned short kEmpty[] = {0};
+    return inText != nullptr ? inText : kEmpty;
+}
+
 } // namespace
 
 int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight)
@@ -114,12 +121,18 @@ int ImmutableString::Compare(const UTF8String& inOther) const
 
 int ImmutableString::Compare(const UTF16String& inOther) const
 {
-    return CompareWithText(mRepresentation, tvxcore::utility::UTF16to8(inOther).c_str());
+    if (mRepresentation == nullptr) {
+        return -1; // whatever the text
+    }
+    return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(inOther).c_str());
 }
 
 int ImmutableString::Compare(const unsigned short* inOther) const
 {
-    return CompareWithText(mRepresentation, tvxcore::utility::UTF16to8(inOther).c_str());
+    if (mRepresentation == nullptr) {
+        return -1;
+    }
+    return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(UnitsOrNone(inOther)).c_str());
 }
 
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
@@ -166,7 +179,7 @@ ImmutableString ImmutableString::CreateDynamic(const UTF16String& inText)
 
 ImmutableString ImmutableString::CreateDynamic(const unsigned short* inText)
 {
-    return Enter(tvxcore::utility::UTF16to8(inText).c_str(), false);
+    return Enter(tvxcore::utility::UTF16to8(UnitsOrNone(inText)).c_str(), false);
 }
 
 bool ImmutableString::PurgeUnusedStrings()

@@ -116,6 +116,7 @@ TEST(ImmutableString, NullHandle_IsAnEmptyTextThatEqualsOnlyNull)
     EXPECT_EQ(-1, none.Compare(UTF8String()));
     EXPECT_EQ(-1, none.Compare(UTF16String()));
     EXPECT_EQ(-1, none.Compare(TVX_UTF16("")));
+    EXPECT_EQ(-1, none.Compare(static_cast<const unsigned short*>(nullptr))) << "a null 16-bit text is the empty one";
     EXPECT_EQ(-1, none.Compare(ImmutableString::CreateDynamic("")));
 }
 
@@ -135,6 +136,10 @@ TEST(ImmutableString, NullText_IsTheRecordOfTheEmptyText)
     const ImmutableString empty = ImmutableString::CreateDynamic("");
     EXPECT_EQ(empty.c_str(), fromNull.c_str());
     EXPECT_EQ(0u, fromNull.size());
+    const unsigned short* const noUnits = nullptr;
+    EXPECT_EQ(empty.c_str(), ImmutableString::CreateDynamic(noUnits).c_str());
+    EXPECT_EQ(0, empty.Compare(noUnits));
+    EXPECT_EQ(1, ImmutableString::CreateDynamic("a").Compare(noUnits));
 }
 
 TEST(ImmutableString, EachOverloadOfCompare_AgreesOnOneText)
