@@ -25,10 +25,10 @@ class ImmutableStringTable
 public:
     using Record = ImmutableString::InternalRepresentation;
 
-    ImmutableStringTable() = default;
+    /// The guard lives as long as the table.
+    explicit ImmutableStringTable(const CriticalSection& inGuard) : mGuard(inGuard) {}
 
-    /// At process exit. A record that a handle still points to loses its text, but its memory is not given back: another
-    /// thread may be counting in it to the end.
+    /// Frees all records, whatever their counts. The process's own table never comes to this.
     ~ImmutableStringTable();
 
     ImmutableStringTable(const ImmutableStringTable&) = delete;
@@ -40,6 +40,12 @@ public:
 
     /// Removes the dynamic records without handles. True if there was one.
     bool Purge();
+
+    /// At process exit and when the library is unloaded: frees the records without handles, static ones too, and the index
+    /// where none is left. What is held stays whole, and the table works on, since a thread that nobody has stopped may be
+    /// using it to the end. Waits for nobody, since a thread that the system has ended may have left the guard taken;
+    /// where somebody is at work in the table, all stays. When the library is unloaded nobody is.
+    void FreeWhatNobodyHolds();
 
     /// The records now in the table.
     std::size_t GetCount() const;
@@ -113,9 +119,10 @@ private:
     Record* Add(const Key& inKey, bool inIsStatic);
     void MakeRoomInIndex();
     static void AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey);
+    bool RemoveUnused(bool inStaticToo);
     void RebuildIndex();
 
-    CriticalSection mGuard; // guards all below
+    const CriticalSection& mGuard; // guards all below
     Records mRecords;
     Places mIndex; // its places may be read in a visit
     SharedVisits mVisits;

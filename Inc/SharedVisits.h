@@ -53,6 +53,27 @@ public:
         SharedVisits& mVisits;
     };
 
+    /// The same for whoever must not wait: where somebody visits, it is not shut.
+    class TryShutOut
+    {
+    public:
+        explicit TryShutOut(SharedVisits& ioVisits) : mVisits(ioVisits), mIsShut(ioVisits.TryShut()) {}
+        ~TryShutOut()
+        {
+            if (mIsShut) {
+                mVisits.mIsShut.store(false, std::memory_order_release);
+            }
+        }
+        TryShutOut(const TryShutOut&) = delete;
+        TryShutOut& operator=(const TryShutOut&) = delete;
+
+        bool IsShut() const { return mIsShut; }
+
+    private:
+        SharedVisits& mVisits;
+        const bool mIsShut;
+    };
+
 private:
     using PlaceWord = std::atomic<std::uint32_t>;
 
@@ -93,6 +114,7 @@ private:
     }
 
     void Shut();
+    bool TryShut();
 
     Place mPlaces[kPlaces];
     alignas(kLine) std::atomic<bool> mIsShut{false};

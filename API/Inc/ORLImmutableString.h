@@ -22,7 +22,9 @@ namespace ORL {
 /// Threads: any thread may create, copy and release handles of its own. Creating and purging go through one lock; copying
 /// and releasing touch one counter. One handle itself is a plain value.
 /// Failure: creating throws std::bad_alloc and then leaves everything as it was.
-/// At process exit all records go, whatever their counts: a handle in static storage that outlives the table dangles.
+/// At process exit the texts that nobody holds go, static ones too. What is held stays whole, and every operation works to
+/// the end, on threads that nobody has stopped and on handles in static storage; such memory is left to the system. Whoever
+/// unloads the library before the process ends has let its handles go: what it still holds is memory lost, and dangles.
 class ORL_API ImmutableString
 {
 public:

@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::size_t kFirstPlaces = 128; // a page of them
 
-// The process's table lives in static storage from its first use to the process's exit actions. The pointer is atomic,
-// so that whoever reads it sees the table that it leads to: how the once-only call orders this is Boost's own, where no
-// sanitizer looks.
+// The process's table is made on its first use and never destroyed. The pointer is atomic, so that whoever reads it sees
+// the table that it leads to: how the once-only call orders this is Boost's own, where no sanitizer looks.
+alignas(ImmutableStringTable) unsigned char sRoomForTable[sizeof(ImmutableStringTable)];
 std::atomic<ImmutableStringTable*> sTable{nullptr};
 boost::once_flag sTableOnce = BOOST_ONCE_INIT;
 
@@ -83,10 +83,17 @@ std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)
     return Mix(both, kFirst);
 }
 
+struct ExitAction
+{
+    ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeWhatNobodyHolds(); }
+};
+
+// The guard is destroyed where the system wants that of its locks; there the other threads have ended before.
 void MakeTable()
 {
-    static ImmutableStringTable table;
-    sTable.store(&table, std::memory_order_release);
+    static const CriticalSection guard;
+    sTable.store(::new (sRoomForTable) ImmutableStringTable(guard), std::memory_order_release);
+    static const ExitAction exitAction;
 }
 
 } // namespace
@@ -104,11 +111,7 @@ ImmutableStringTable& ImmutableStringTable::Get()
 ImmutableStringTable::~ImmutableStringTable()
 {
     for (Record* const record : mRecords) {
-        if (record->CountOfHandles() == 0) {
-            FreeRecord(record);
-        } else {
-            record->~InternalRepresentation();
-        }
+        FreeRecord(record);
     }
 }
 
@@ -174,21 +177,24 @@ bool ImmutableStringTable::Purge()
 {
     const CriticalSectionLock lock(mGuard);
     const SharedVisits::ShutOut shutOut(mVisits);
-    bool removed = false;
-    for (Records::iterator i = mRecords.begin(); i != mRecords.end();) {
-        Record* const record = *i;
-        if (record->IsStatic() || record->CountOfHandles() != 0) {
-            ++i;
-            continue;
-        }
-        i = mRecords.erase(i);
-        FreeRecord(record);
-        removed = true;
+    return RemoveUnused(false);
+}
+
+void ImmutableStringTable::FreeWhatNobodyHolds()
+{
+    const CriticalSectionTryLock lock(mGuard);
+    if (!lock.IsLocked()) {
+        return;
     }
-    if (removed) {
-        RebuildIndex();
+    const SharedVisits::TryShutOut shutOut(mVisits);
+    if (!shutOut.IsShut()) {
+        return;
     }
-    return removed;
+    RemoveUnused(true);
+    if (mRecords.empty()) {
+        Places none;
+        none.Swap(mIndex);
+    }
 }
 
 std::size_t ImmutableStringTable::GetCount() const
@@ -296,6 +302,26 @@ void ImmutableStringTable::AddToIndex(const Places& ioIndex, Record* inRecord, c
     place.mSize = inKey.mSize;
     place.mHash.store(inKey.mHash, std::memory_order_relaxed);
     place.mRecord.store(inRecord, std::memory_order_release);
+}
+
+// Under the guard, with the visitors shut out. True if a record was removed.
+bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
+{
+    bool removed = false;
+    for (Records::iterator i = mRecords.begin(); i != mRecords.end();) {
+        Record* const record = *i;
+        if ((record->IsStatic() && !inStaticToo) || record->CountOfHandles() != 0) {
+            ++i;
+            continue;
+        }
+        i = mRecords.erase(i);
+        FreeRecord(record);
+        removed = true;
+    }
+    if (removed) {
+        RebuildIndex();
+    }
+    return removed;
 }
 
 // In place, so that a purge needs no memory.

@@ -1,6 +1,8 @@
 #include <SharedVisits.h>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <thread>
 
 namespace ORL {
@@ -32,6 +34,17 @@ void SharedVisits::Shut()
             WaitForAMoment(turn);
         }
     }
+}
+
+bool SharedVisits::TryShut()
+{
+    mIsShut.store(true);
+    const bool isEmpty =
+        std::none_of(std::begin(mPlaces), std::end(mPlaces), [](const Place& inPlace) { return inPlace.mIsTaken.load() != 0; });
+    if (!isEmpty) {
+        mIsShut.store(false, std::memory_order_release);
+    }
+    return isEmpty;
 }
 
 } // namespace ORL

@@ -1,7 +1,10 @@
-// Ends while threads of its own copy and release handles of names, buffers and queues, and with handles in static storage.
+// Ends while threads of its own copy and release handles of names, buffers and queues, read, compare and look for names and
+// enter new ones, and with handles in static storage.
 #include <ORLFoundation.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -15,7 +18,7 @@ constexpr int kThreads = 4;
 
 std::atomic<int> sRounds[kThreads];
 
-// Goes after the table of names has gone, since it came before.
+// Goes after the exit action of the table of names, since it came before.
 ImmutableString sName;
 
 struct Shared
@@ -26,39 +29,74 @@ struct Shared
         ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
 };
 
+[[noreturn]] void Fail(const char* inWhat)
+{
+    std::fprintf(stderr, "%s\n", inWhat);
+    std::_Exit(1);
+}
+
+std::string TextOf(std::size_t inNumber)
+{
+    return "a name of some length, number " + std::to_string(inNumber);
+}
+
+// A name is one record, found again and readable, and a new one can be entered.
+void UseNames(const ImmutableString& inName, std::size_t inNumber, std::size_t inRound)
+{
+    const std::string text = TextOf(inNumber);
+    if (text != reinterpret_cast<const char*>(inName.c_str()) || inName.Compare(text) != 0) {
+        Fail("a name that is held has lost its text");
+    }
+    if (ImmutableString::CreateDynamic(text).c_str() != inName.c_str()) {
+        Fail("a name that is held is not found");
+    }
+    if (ImmutableString::CreateDynamic(std::to_string(inRound)).Compare(std::to_string(inRound)) != 0) {
+        Fail("a new name is not entered");
+    }
+}
+
 // Never ends.
-void CopyAndRelease(const Shared& inShared, std::atomic<int>& ioRounds)
+void UseHandles(const Shared& inShared, std::atomic<int>& ioRounds)
 {
     ImmutableString held;
     for (std::size_t i = 0;; ++i) {
-        const ImmutableString copy = inShared.mNames[i % inShared.mNames.size()];
+        const std::size_t number = i % inShared.mNames.size();
+        const ImmutableString copy = inShared.mNames[number];
         held = copy;
+        UseNames(copy, number, i);
         const auto recycler = inShared.mRecycler;
         const auto queue = inShared.mQueue;
         ++ioRounds;
     }
 }
 
-void StartThreads(const Shared& inShared)
+void LetEachThreadGoOn()
 {
-    for (std::atomic<int>& rounds : sRounds) {
-        std::thread([&inShared, &rounds] { CopyAndRelease(inShared, rounds); }).detach();
-    }
     for (const std::atomic<int>& rounds : sRounds) {
-        while (rounds.load() < 100) {
+        const int until = rounds.load() + 100;
+        while (rounds.load() < until) {
             std::this_thread::yield();
         }
     }
+}
+
+void StartThreads(const Shared& inShared)
+{
+    for (std::atomic<int>& rounds : sRounds) {
+        std::thread([&inShared, &rounds] { UseHandles(inShared, rounds); }).detach();
+    }
+    LetEachThreadGoOn();
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    std::atexit(&LetEachThreadGoOn); // runs behind the exit action of the table of names, which is registered later
     ORL::Foundation::Initialize();
     Shared* const shared = new Shared; // the threads outlive main
-    for (int i = 0; i < 100; ++i) {
-        shared->mNames.push_back(ImmutableString::CreateDynamic("a name of some length, number " + std::to_string(i)));
+    for (std::size_t i = 0; i < 100; ++i) {
+        shared->mNames.push_back(ImmutableString::CreateDynamic(TextOf(i)));
     }
     sName = shared->mNames[0];
     StartThreads(*shared);

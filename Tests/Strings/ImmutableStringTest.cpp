@@ -246,6 +246,38 @@ TEST(ImmutableStringTable, ManyTexts_AreEachFoundAgainAndPurgedTogether)
     EXPECT_TRUE(ImmutableString::PurgeUnusedStrings());
 }
 
+TEST(ImmutableStringTable, WhatNobodyHoldsIsFreed_TheRestIsFoundAndTheTableWorksOn)
+{
+    const CriticalSection guard;
+    ImmutableStringTable table(guard);
+    Record* const held = table.Enter(Bytes("held"), false);
+    table.Enter(Bytes("static"), true)->RemoveRef();
+    table.Enter(Bytes("dynamic"), false)->RemoveRef();
+    table.FreeWhatNobodyHolds();
+    EXPECT_EQ(1u, table.GetCount());
+    EXPECT_EQ(held, table.Enter(Bytes("held"), false));
+    EXPECT_STREQ("held", reinterpret_cast<const char*>(held->Text()));
+    held->RemoveRef();
+    held->RemoveRef();
+    table.FreeWhatNobodyHolds();
+    EXPECT_EQ(0u, table.GetCount());
+    EXPECT_STREQ("anew", reinterpret_cast<const char*>(table.Enter(Bytes("anew"), false)->Text()));
+}
+
+TEST(ImmutableStringTable, SomebodyAtWorkInTheTable_NothingIsFreedAndNobodyWaits)
+{
+    const CriticalSection guard;
+    ImmutableStringTable table(guard);
+    table.Enter(Bytes("unused"), false)->RemoveRef();
+    {
+        const CriticalSectionLock lock(guard);
+        std::thread([&table] { table.FreeWhatNobodyHolds(); }).join();
+    }
+    EXPECT_EQ(1u, table.GetCount());
+    table.FreeWhatNobodyHolds();
+    EXPECT_EQ(0u, table.GetCount());
+}
+
 // Sizes on both sides of every border of the hash's steps. Texts of one size that differ in one byte are told apart.
 TEST(ImmutableStringTable, EachSizeUpTo200_IsFoundAgainAndOneOtherByteIsNot)
 {

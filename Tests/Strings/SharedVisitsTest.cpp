@@ -20,6 +20,22 @@ TEST(SharedVisits, WhileAWriterWorks_NobodyIsLetIn)
     EXPECT_TRUE(SharedVisits::Visit(visits).IsIn());
 }
 
+TEST(SharedVisits, WriterThatMustNotWait_IsShutOnlyWhereNobodyVisits)
+{
+    SharedVisits visits;
+    {
+        const SharedVisits::Visit visit(visits);
+        EXPECT_FALSE(SharedVisits::TryShutOut(visits).IsShut());
+        EXPECT_TRUE(SharedVisits::Visit(visits).IsIn()) << "a try that failed has left it open";
+    }
+    {
+        const SharedVisits::TryShutOut shutOut(visits);
+        EXPECT_TRUE(shutOut.IsShut());
+        EXPECT_FALSE(SharedVisits::Visit(visits).IsIn());
+    }
+    EXPECT_TRUE(SharedVisits::Visit(visits).IsIn());
+}
+
 TEST(SharedVisits, OneVisitInsideAnother_BothAreIn)
 {
     SharedVisits visits;
