@@ -82,16 +82,54 @@ TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
     });
 }
 
-// More texts than the index has places for at first, so that it grows on the way.
-TEST_F(ImmutableStringSweep, IndexThatGrows)
+// A table of its own, whose index is made and grows twice on the way: the process's table has its index from the first
+// text on. What was entered before a refusal is found again, and what was refused is not there.
+TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
 {
-    const auto work = [] {
-        std::vector<ImmutableString> texts;
-        for (int i = 0; i < 40; ++i) {
-            texts.push_back(ImmutableString::CreateDynamic(std::to_string(i)));
+    constexpr std::size_t kTexts = 140; // the index has 128 places at first and is kept half empty
+    SweepMemory(
+        [] {
+            const CriticalSection guard;
+            ImmutableStringTable table(guard);
+            std::size_t entered = 0;
+            const auto expectWhole = [&table, &entered] {
+                EXPECT_EQ(entered, table.GetCount());
+                for (std::size_t i = 0; i < entered; ++i) {
+                    table.Enter(Bytes(std::to_string(i).c_str()), false)->RemoveRef();
+                }
+                EXPECT_EQ(entered, table.GetCount()) << "each was found again";
+            };
+            try {
+                for (; entered < kTexts; ++entered) {
+                    table.Enter(Bytes(std::to_string(entered).c_str()), false)->RemoveRef();
+                }
+            } catch (const std::bad_alloc&) {
+                expectWhole();
+                throw;
+            }
+            expectWhole();
+        },
+        [] {});
+}
+
+// The page memory of an index alone: made for the first text, made anew for the 65th and the 129th.
+TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItIsTriedAgain)
+{
+    for (unsigned refused = 1; refused <= 3; ++refused) {
+        const CriticalSection guard;
+        ImmutableStringTable table(guard);
+        const std::size_t last = refused == 1 ? 0 : refused == 2 ? 64 : 128;
+        const MemoryFaults faults(MemoryDoor::kPages, refused, false);
+        for (std::size_t i = 0; i < last; ++i) {
+            table.Enter(Bytes(std::to_string(i).c_str()), false);
         }
-    };
-    Sweep(work);
+        EXPECT_EQ(0u, faults.Refused());
+        EXPECT_THROW(table.Enter(Bytes("one more"), false), std::bad_alloc);
+        EXPECT_EQ(1u, faults.Refused());
+        EXPECT_EQ(last, table.GetCount());
+        table.Enter(Bytes("one more"), false);
+        EXPECT_EQ(last + 1, table.GetCount());
+    }
 }
 
 TEST_F(ImmutableStringSweep, CreateStatic_StaysEvenWhenItsHandleIsGone)
@@ -193,28 +231,42 @@ TEST(StringConversionSweep, MakeStringAndMakeStdString_OfEachForm)
         [&units] { EXPECT_EQ(units, MakeString(MakeStdString(units))); });
 }
 
-TEST(ParamStringSweep, EachParser_LeavesTheResultAlone)
+// A parser that runs out of memory has not touched its result; one that stored it and failed then would be no success.
+template <class Text, class Parse>
+void SweepParser(const Text& inUntouched, const Text& inExpected, const Parse& inParse)
 {
-    const UTF16String format = Units(u"from %1 to %2, and a tail that makes it longer than a string keeps");
-    const ParamVector params{Units(u"a parameter of some length, too"), Units(u"another one of some length")};
-    const std::string narrowFormat = "from %1 to %2, and a tail that makes it longer than a string keeps";
-    const StdParamVector narrowParams{"a parameter of some length, too", "another one of some length"};
-    const UTF16String untouched = Units(u"x");
     SweepMemory(
         [&] {
-            UTF16String result = untouched;
-            std::string narrowResult = "x";
+            Text result = inUntouched;
             try {
-                static_cast<void>(ParseString(format, params, result));
-                static_cast<void>(ParseStdString(narrowFormat, narrowParams, narrowResult));
+                EXPECT_EQ(kSuccess, inParse(result));
+                EXPECT_EQ(inExpected, result);
             } catch (const std::bad_alloc&) {
-                if (result != untouched && narrowResult != "x") {
-                    throw std::runtime_error("a parser that failed has stored a result");
-                }
+                EXPECT_EQ(inUntouched, result);
                 throw;
             }
         },
         [] {});
+}
+
+TEST(ParamStringSweep, ParseString_LeavesTheResultAlone)
+{
+    const UTF16String format = Units(u"from %1 to %2, and a tail that makes it longer than a string keeps");
+    const ParamVector params{Units(u"a parameter of some length, too"), Units(u"another one of some length")};
+    const UTF16String expected = Units(u"from a parameter of some length, too to another one of some length, and a tail that "
+                                       u"makes it longer than a string keeps");
+    SweepParser(Units(u"x"), expected,
+                [&](UTF16String& outResult) { return ParseString(format, params, outResult); });
+}
+
+TEST(ParamStringSweep, ParseStdString_LeavesTheResultAlone)
+{
+    const std::string format = "from %1 to %2, and a tail that makes it longer than a string keeps";
+    const StdParamVector params{"a parameter of some length, too", "another one of some length"};
+    const std::string expected = "from a parameter of some length, too to another one of some length, and a tail that makes "
+                                 "it longer than a string keeps";
+    SweepParser(std::string("x"), expected,
+                [&](std::string& outResult) { return ParseStdString(format, params, outResult); });
 }
 
 TEST(ParamStringSweep, SplitStringAndTokenizer)
