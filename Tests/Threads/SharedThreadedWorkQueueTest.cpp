@@ -1,13 +1,19 @@
 #include <ORLSharedThreadedWorkQueue.h>
 
+#include <CurrentThread.h>
 #include <ORLWaitableGate.h>
+#include <Signals.h>
 
 #include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace ORL;
+using ORLTest::Record;
 
 namespace {
 
@@ -23,6 +29,21 @@ public:
 private:
     WaitableGate& mGate;
 };
+
+class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    explicit FunctionRequest(std::function<void()> inFunction) : mFunction(std::move(inFunction)) {}
+    void Process() override { mFunction(); }
+
+private:
+    const std::function<void()> mFunction;
+};
+
+Request MakeRequest(std::function<void()> inFunction)
+{
+    return Request(new FunctionRequest(std::move(inFunction)));
+}
 
 // Each test begins and ends without an instance.
 class SharedQueues : public testing::Test
@@ -76,6 +97,18 @@ TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
               Shared().RetrieveOrCreateSingleThreaded(3).GetPtr());
     const QueueRef negative = Shared().RetrieveOrCreateSingleThreaded(-1);
     EXPECT_EQ(negative.GetPtr(), Shared().RetrieveSingleThreaded(-1).GetPtr());
+}
+
+TEST_F(SharedQueues, PriorityOutsideTheRange_RunsAtPriorityThree)
+{
+    Record<int> priorities;
+    for (const ThreadPriorities::Type outside : {17, -1}) {
+        for (const QueueRef& queue : {Shared().RetrieveOrCreateSingleThreaded(outside), Shared().RetrieveOrCreate(outside)}) {
+            queue->QueueRequest(MakeRequest([&priorities] { priorities.Add(ORLTest::PriorityOfThisThread()); }));
+        }
+    }
+    SharedThreadedWorkQueue::Shutdown();
+    EXPECT_EQ(std::vector<int>(4, 3), priorities.Get());
 }
 
 TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)
@@ -134,6 +167,26 @@ TEST_F(SharedQueues, AfterShutdown_TheInstanceIsNewAndEmpty)
     SharedThreadedWorkQueue::Shutdown();
     EXPECT_FALSE(Shared().Retrieve(3));
     EXPECT_FALSE(Shared().RetrieveSingleThreaded(3));
+}
+
+// A paused queue runs nothing until its Stop, which runs what is queued and then waits for the threads: so the requests tell in
+// which order the queues were stopped. They were made in another one.
+TEST_F(SharedQueues, Shutdown_StopsTheMultiThreadedFirstAndLowerPrioritiesFirst)
+{
+    Record<std::string> stopped;
+    const auto hold = [&stopped](const QueueRef& inQueue, const char* inName) {
+        inQueue->Pause();
+        ASSERT_TRUE(inQueue->QueueRequest(MakeRequest([&stopped, inName] { stopped.Add(inName); })));
+    };
+    hold(Shared().RetrieveOrCreateSingleThreaded(4), "single 4");
+    hold(Shared().RetrieveOrCreate(2), "multi 2");
+    hold(Shared().RetrieveOrCreateSingleThreaded(0), "single 0");
+    hold(Shared().RetrieveOrCreate(3), "multi 3");
+    hold(Shared().RetrieveOrCreate(-1), "multi -1");
+    hold(Shared().RetrieveOrCreateSingleThreaded(3), "single 3");
+    EXPECT_EQ(0u, stopped.Count());
+    SharedThreadedWorkQueue::Shutdown();
+    EXPECT_EQ((std::vector<std::string>{"multi -1", "multi 2", "multi 3", "single 0", "single 3", "single 4"}), stopped.Get());
 }
 
 TEST_F(SharedQueues, ReferenceKeptAcrossShutdown_IsAStoppedQueue)

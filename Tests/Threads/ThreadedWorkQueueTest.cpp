@@ -381,7 +381,7 @@ TEST(ThreadedWorkQueue, Stop_RunsWhatIsQueuedAndRefusesTheRest)
     EXPECT_TRUE(recorder.Reports().empty());
 }
 
-TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertionAndTerminatesAgain)
+TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertion)
 {
     const CheckRecorder recorder;
     const Queue queue = MakeQueue(0);
@@ -392,15 +392,42 @@ TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertionAndTerminatesAgain)
     ExpectAssert(reports[0], "!mImpl->mExecutor->IsTerminated()", kStoppedTwice, "ORL::ThreadedWorkQueue::Stop");
 }
 
-TEST(ThreadedWorkQueue, StoppedOnItsOwnThread_ReturnsAtOnceAndTheNextStopIsTheSecond)
+// The first Stop, on the queue's own thread, waits for nothing. The second has to end the queue: it comes while a request
+// that was queued behind the first is at work, and that one goes on until the second is reported and, if it does not wait,
+// has had every chance to return.
+TEST(ThreadedWorkQueue, StoppedOnItsOwnThread_ReturnsAtOnceAndTheSecondStopWaitsForWhatIsQueued)
 {
     const CheckRecorder recorder;
     const Queue queue = MakeQueue(0);
+    Event isQueued;
     Event stopped;
-    queue->QueueRequest(MakeRequest([&] { queue->Stop(); stopped.Set(); }));
+    std::atomic<bool> hasReturned{false};
+    bool hasReturnedTooEarly = true;
+    Event finished;
+    queue->QueueRequest(MakeRequest([&] {
+        isQueued.Wait();
+        queue->Stop();
+        stopped.Set();
+    }));
+    queue->QueueRequest(MakeRequest([&] {
+        while (recorder.Reports().empty()) {
+            std::this_thread::yield();
+        }
+        for (int turn = 0; turn < 10000 && !hasReturned; ++turn) {
+            std::this_thread::yield();
+        }
+        hasReturnedTooEarly = hasReturned;
+        finished.Set();
+    }));
+    isQueued.Set();
     stopped.Wait();
     queue->Stop();
-    EXPECT_EQ(1u, recorder.Reports().size());
+    hasReturned = true;
+    finished.Wait();
+    EXPECT_FALSE(hasReturnedTooEarly);
+    const std::vector<CheckReport> reports = recorder.Reports();
+    ASSERT_EQ(1u, reports.size());
+    ExpectAssert(reports[0], "!mImpl->mExecutor->IsTerminated()", kStoppedTwice, "ORL::ThreadedWorkQueue::Stop");
 }
 
 TEST(ThreadedWorkQueue, DestroyedWhileRunning_ReportsTheAssertionAndRunsWhatIsQueued)
