@@ -4,8 +4,11 @@
 #include <MemoryRecyclerLifecycle.h>
 #include <ORLMemoryRecycler.h>
 
+#include <tvxcore/ErrorManager.h>
+
 #include <cstring>
 #include <thread>
+#include <vector>
 
 using namespace ORL;
 using namespace ORLTest;
@@ -50,6 +53,54 @@ TEST(MemoryRecyclerSweep, AllocateAndRecycle_LeaveNothingBehind)
         }
     };
     SweepMemory(workAndPurge, [&recycler] { ExpectUsable(recycler); });
+}
+
+// Makes room where memory has run out: empties the pool, from another thread, which a lock that the asking thread held would
+// stop for ever.
+class PurgingManager : public tvxcore::config::ErrorManager
+{
+public:
+    explicit PurgingManager(MemoryRecycler& ioRecycler)
+        : mRecycler(ioRecycler), mOld(tvxcore::config::InstallErrorManager(this))
+    {
+    }
+    ~PurgingManager() override { tvxcore::config::InstallErrorManager(mOld); }
+
+    bool OnAllocationFailure(std::size_t inBytes) override
+    {
+        mSizes.push_back(inBytes);
+        std::thread([this] { mFreed += mRecycler.Purge(0); }).join();
+        return true;
+    }
+
+    std::vector<std::size_t> mSizes;
+    std::size_t mFreed = 0;
+
+private:
+    MemoryRecycler& mRecycler;
+    tvxcore::config::ErrorManager* const mOld;
+};
+
+TEST(MemoryRecyclerFaults, ManagerThatPurgesThePool_HasTheSecondAttemptSucceed)
+{
+    MemoryRecycler recycler;
+    MemoryBuffer pooled = recycler.AllocateBuffer(kLarge);
+    recycler.RecycleBuffer(pooled);
+    ASSERT_EQ(kLarge, recycler.GetSize());
+    PurgingManager manager(recycler);
+    MemoryBuffer buffer;
+    {
+        const MemoryFaults noPages(MemoryDoor::kPages, 1, false);
+        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // where a buffer without pages is looked for
+        buffer = recycler.AllocateBuffer(2 * kLarge - 1);
+    }
+    EXPECT_EQ(std::vector<std::size_t>{2 * kLarge}, manager.mSizes) << "asked once, with the rounded size";
+    EXPECT_EQ(kLarge, manager.mFreed);
+    EXPECT_EQ(0u, recycler.GetSize());
+    EXPECT_TRUE(buffer.IsVirtual());
+    std::memset(buffer.GetBuffer(), 1, buffer.GetSize());
+    recycler.RecycleBuffer(buffer);
+    EXPECT_EQ(2 * kLarge, recycler.GetSize());
 }
 
 TEST(MemoryRecyclerSweep, MissesThatMakeRoomAndLimitsThatShrink_LeaveNothingBehind)

@@ -308,6 +308,21 @@ TEST(MemoryBufferWrapper, EndOfScope_GivesTheBufferToThePool)
     DropMemoryRecycler();
 }
 
+// There is no pool to take a buffer from; the check reports it, and only who installs a reporter of its own gets past it.
+TEST(MemoryBufferWrapper, BeforeTheStart_IsReportedByThePointersPublishedCheck)
+{
+    ASSERT_FALSE(MemoryRecycler::Instance());
+    ORLTest::CheckRecorder recorder;
+    recorder.mThrowAssert = true;
+    EXPECT_THROW(MemoryBufferWrapper buffer(kLarge), ORLTest::CheckRecorder::ContractError);
+    const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
+    ASSERT_EQ(1u, reports.size());
+    EXPECT_EQ("IsValidAddress(mPtr)", reports[0].mExpression);
+    EXPECT_EQ("ORLObjectPtr", reports[0].mFile);
+    EXPECT_EQ(209, reports[0].mLine);
+    EXPECT_EQ("ORL::ObjectPtr::operator->", reports[0].mFunction);
+}
+
 TEST(MemoryRecycler, EightThreadsWithATinyLimit_NeverShareABuffer)
 {
     MemoryRecycler recycler;
