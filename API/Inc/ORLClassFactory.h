@@ -31,6 +31,9 @@ struct ClassMapEntry
 /// No lock is taken: registration belongs to load and start-up, on one thread; making instances from several threads is
 /// safe once all registrations are finished. Nothing is ever unregistered, so a module that has registered a class stays
 /// loaded. Exceptions of a create function and std::bad_alloc pass through.
+///
+/// A registration that runs out of memory is not undone: the class may be known, and stand in its first categories but not in
+/// the others. To register it again completes it, but puts it a second time where it stands already.
 class ORL_API ClassFactory
 {
 public:

@@ -26,14 +26,43 @@ void InCategory(std::vector<Guid>& outCategories)
     outCategories.push_back(kCategory);
 }
 
-unsigned CountCategory()
+unsigned CountCategory(const Guid& inCategory = kCategory)
 {
     UnknownRef object;
     unsigned count = 0;
-    while (ResultSucceeded(ClassFactory::CreateClassByCategory(kCategory, count, object))) {
+    while (ResultSucceeded(ClassFactory::CreateClassByCategory(inCategory, count, object))) {
         ++count;
     }
     return count;
+}
+
+// Two categories that nobody else names, new for each registration, so that each has to be made.
+std::uint64_t sPair = 0;
+
+Guid OfPair(std::uint64_t inWhich)
+{
+    return Guid(0xFA04, 2 * sPair + inWhich);
+}
+
+void InAPair(std::vector<Guid>& outCategories)
+{
+    outCategories.push_back(OfPair(0));
+    outCategories.push_back(OfPair(1));
+}
+
+// Registers a class in a new pair with one request refused. True where that made it fail.
+bool RegisterInAPair(const Guid& inClass, MemoryDoor inDoor, unsigned inNumber, unsigned& outRefused)
+{
+    ++sPair;
+    const MemoryFaults faults(inDoor, inNumber, false);
+    bool hasFailed = false;
+    try {
+        ClassFactory::RegisterORLClass(inClass, "", "", &Create, &InAPair);
+    } catch (const std::bad_alloc&) {
+        hasFailed = true;
+    }
+    outRefused = faults.Refused();
+    return hasFailed;
 }
 
 } // namespace
@@ -89,4 +118,32 @@ TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
         }
     }
     EXPECT_GT(next, 5u) << "the sweep has refused something";
+}
+
+// What was done before the memory ran out stays done, in the order in which it is done: the class, the first category, the
+// second. A repetition completes it, and puts the class a second time where it was.
+TEST(ClassFactoryFaults, RegistrationInTwoCategories_StaysDoneAsFarAsItCame)
+{
+    unsigned stoppedBetween = 0;
+    std::uint64_t next = 1;
+    for (const MemoryDoor door : kMemoryDoors) {
+        unsigned refused = 1;
+        for (unsigned number = 1; refused != 0; ++number) {
+            SCOPED_TRACE(number);
+            const Guid id(0xFA05, next++);
+            const bool hasFailed = RegisterInAPair(id, door, number, refused);
+            const unsigned first = CountCategory(OfPair(0));
+            const unsigned second = CountCategory(OfPair(1));
+            EXPECT_EQ(hasFailed ? 0u : 1u, second);
+            EXPECT_TRUE(hasFailed ? first <= 1 : first == 1);
+            EXPECT_TRUE(first == 0 || ClassFactory::GetClassTokenFromClassID(id) != nullptr);
+            if (hasFailed) {
+                stoppedBetween += first;
+                ClassFactory::RegisterORLClass(id, "", "", &Create, &InAPair);
+                EXPECT_EQ(first + 1, CountCategory(OfPair(0)));
+                EXPECT_EQ(1u, CountCategory(OfPair(1)));
+            }
+        }
+    }
+    EXPECT_GE(stoppedBetween, 2u) << "the second category's place in the register, and the class's in it";
 }

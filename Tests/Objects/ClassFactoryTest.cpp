@@ -71,9 +71,22 @@ TEST(ClassFactory, ClassWithoutCategories_IsCreatedByIdentifierAndIsInNoCategory
     UnknownRef ref;
     EXPECT_EQ(kSuccess, ClassFactory::CreateInstanceRef(id, ref));
     EXPECT_EQ(1, MakerOf(ref));
-    std::vector<Guid> categories;
+}
+
+// The categories that are known stay as they were, and none is made of an identifier that was near at hand.
+TEST(ClassFactory, ClassWithoutCategories_ChangesNoCategoryAndMakesNone)
+{
+    static const Guid known(0x1111, 6);
+    ClassFactory::RegisterORLClass(FreshID(), "", "", &Create<1>, &InCategory<known>);
+    const Guid id = FreshID();
+    ClassFactory::RegisterORLClass(id, "", "", &Create<2>, &ORLGetClassCategories);
+    UnknownRef ref;
+    EXPECT_EQ(kCategoryIndexOutOfRange, ClassFactory::CreateClassByCategory(known, 1, ref));
+    EXPECT_EQ(kCategoryNotRegistered, ClassFactory::CreateClassByCategory(id, 0, ref));
+    EXPECT_EQ(kCategoryNotRegistered, ClassFactory::CreateClassByCategory(Guid(0, 0), 0, ref));
+    std::vector<Guid> categories{known};
     ORLGetClassCategories(categories);
-    EXPECT_TRUE(categories.empty());
+    EXPECT_EQ(std::vector<Guid>{known}, categories) << "it appends nothing";
 }
 
 TEST(ClassFactory, RegisteredTwice_KeepsTheFirstCreateFunction)
