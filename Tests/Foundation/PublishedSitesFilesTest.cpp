@@ -2,6 +2,7 @@
 #include <PublishedSites.h>
 
 #include <AsyncFileReaderImpl.h>
+#include <Files/AsyncFileMachinery.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLPathUtils.h>
 #include <PathForms.h>
@@ -38,6 +39,21 @@ void StartTwice()
 {
     const Machinery machinery;
     StartupAsyncFileOperations();
+}
+
+// A thread queue that is left from an earlier start.
+void StartBesideAQueueThatWasLeft()
+{
+    struct Queue
+    {
+        Queue()
+        {
+            AsyncFiles::sReadThreadQueue = tvxcore::threads::CreateAsyncThreadedExecutor(
+                "left", 1, 3, boost::function<void()>(), boost::function<void()>());
+        }
+        ~Queue() { EXPECT_FALSE(AsyncFiles::sReadThreadQueue) << "the stop has let it go"; }
+    } const left;
+    const Machinery machinery;
 }
 
 void OpenTwice()
@@ -127,8 +143,9 @@ const PublishedSite kPathSites[] = {
 const PublishedSite kReadSites[] = {
     // start and stop
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort == NULL", "", nullptr, 0, "", &StartTwice},
+    {__LINE__, PublishedSite::kAssert, "sReadThreadQueue == NULL", "", nullptr, 0, nullptr, &StartBesideAQueueThatWasLeft},
     {__LINE__, PublishedSite::kAssert, "result", "", nullptr, 0, nullptr, &TerminateAsyncFileOperations},
-    // the reader
+    // the reader; "request", in QueueReadRequest, cannot fail: the pool of requests waits and never answers null
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", "",
      nullptr, 0, "", &OpenBeforeTheStart},
     {__LINE__, PublishedSite::kInputContract,

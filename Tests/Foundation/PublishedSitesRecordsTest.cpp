@@ -6,6 +6,7 @@
 #include <Platform/ThreadManager.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <thread>
 
@@ -153,8 +154,7 @@ TEST(PublishedSites, OfThreadRecords_AreReportedAsPublished)
     ThreadManager::UnregisterMainThread();
 }
 
-// In a process of its own, since the number of an earlier slot would be reported, too.
-TEST(PublishedSites, OfThreadRecordsWithoutASlot_AreReportedAsPublishedAndEveryThreadIsUnnamed)
+void ExpectUnnamedThreadsWithoutASlot()
 {
     sNoSlotIsFree = true;
     ExpectPublished(kNoSlot);
@@ -165,6 +165,20 @@ TEST(PublishedSites, OfThreadRecordsWithoutASlot_AreReportedAsPublishedAndEveryT
     ThreadManager::UnregisterThread();
     ThreadManager::UnregisterMainThread();
     sNoSlotIsFree = false;
+}
+
+// In a process of its own, since the number of an earlier slot would be reported, too.
+using PublishedSitesDeathTest = testing::Test;
+
+TEST_F(PublishedSitesDeathTest, OfThreadRecordsWithoutASlot_AreReportedAsPublishedAndEveryThreadIsUnnamed)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ExpectUnnamedThreadsWithoutASlot();
+            std::_Exit(HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST(PublishedSites, OfTheFlush_AreReportedAsPublished)
