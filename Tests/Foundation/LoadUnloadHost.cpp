@@ -1,5 +1,6 @@
-// Loads the library, starts it, uses it, stops it and unloads it, again and again, and compares what the process holds
-// after the first rounds with what it holds at the end. The only argument is the mode.
+// Loads the library, starts it, uses it, stops it and unloads it, again and again, by itself and through a plug-in that is linked
+// to it, and compares what the process holds after the first rounds with what it holds at the end. The only argument is the
+// mode.
 #include "LoadUnloadHost.h"
 
 #include <cstdio>
@@ -73,6 +74,26 @@ void UseSmallBlocks(const Library& inLibrary)
     }
 }
 
+// The plug-in brings the library and takes it away again.
+void RunPlugIn(const char* inFileToRead, int inRound)
+{
+    void* const plugIn = Load(ORL_MODULE_FILE);
+    if (plugIn == nullptr) {
+        Fail("cannot load the plug-in", inRound);
+    }
+    const char* (*use)(const char*) = nullptr;
+    FindFunction(use, plugIn, "UseTheLibrary", inRound);
+    if (const char* const failure = use(inFileToRead)) {
+        Fail(failure, inRound);
+    }
+    if (!Unload(plugIn)) {
+        Fail("cannot unload the plug-in", inRound);
+    }
+    if (IsAnyOfOursLoaded()) {
+        Fail("a library of ours stayed loaded behind the plug-in", inRound);
+    }
+}
+
 void RunOneRound(int inRound)
 {
     const Library library = LoadOurs(inRound);
@@ -94,11 +115,12 @@ void ExpectNoGrowth(const char* inWhat, std::size_t inBefore, std::size_t inAfte
     }
 }
 
-void RunRounds()
+void RunRounds(const char* inFileToRead)
 {
     Footprint settled;
     for (int round = 0; round < kRounds; ++round) {
         RunOneRound(round);
+        RunPlugIn(inFileToRead, round);
         if (round == kSettled) {
             settled = Measure();
         }
@@ -139,7 +161,7 @@ int main(int argc, char** argv)
             RunThreadThatOutlivesTheLibrary(round);
         }
     } else {
-        RunRounds();
+        RunRounds(argv[0]);
     }
     return 0;
 }

@@ -9,10 +9,15 @@ add_executable(handles_at_exit_host Foundation/HandlesAtExitHost.cpp)
 target_link_libraries(handles_at_exit_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} handles_at_exit_host)
 
-# A host that is not linked to the library, but loads and unloads it.
+# A host that is not linked to the library, but loads and unloads it, by itself and with a plug-in over it.
 add_executable(load_unload_host Foundation/LoadUnloadHost.cpp Foundation/LoadUnloadHost${ORL_PLATFORM}.cpp)
 target_link_libraries(load_unload_host PRIVATE orl_strict ${CMAKE_DL_LIBS} Threads::Threads)
-target_compile_definitions(load_unload_host PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\"")
+add_library(load_unload_module MODULE Foundation/LoadUnloadModule.cpp)
+target_link_libraries(load_unload_module PRIVATE ORLFoundation orl_strict)
+set_target_properties(load_unload_module PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+target_compile_definitions(load_unload_host PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\""
+  "ORL_MODULE_FILE=\"$<TARGET_FILE_NAME:load_unload_module>\"")
+add_dependencies(load_unload_host load_unload_module)
 if(ORL_SANITIZE)
   target_compile_definitions(load_unload_host PRIVATE ORL_SANITIZED)
 endif()

@@ -1,0 +1,86 @@
+// A plug-in that uses the library as its hosts do, for the host that loads and unloads both: what starts with the first use and
+// must have gone again at the unload.
+#include <ORLFoundation.h>
+
+#if defined(_WIN32)
+#  define MODULE_EXPORT extern "C" __declspec(dllexport)
+#else
+#  define MODULE_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+namespace {
+
+using ORL::WaitableGate;
+
+class OpensGate : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
+{
+public:
+    explicit OpensGate(WaitableGate& inGate) : mGate(inGate) {}
+    void Process() override { mGate.Open(); }
+
+private:
+    WaitableGate& mGate;
+};
+
+bool UseNames()
+{
+    const ORL::ImmutableString first = ORL::ImmutableString::CreateDynamic("a name of some length, of the plug-in");
+    const ORL::ImmutableString second = ORL::ImmutableString::CreateDynamic("a name of some length, of the plug-in");
+    return first.c_str() == second.c_str();
+}
+
+// The stop ends the queue's thread, which may still be in the gate when the wait is over; so the gate is not this function's.
+bool UseSharedQueueAndGate(WaitableGate& ioGate)
+{
+    const auto queue = ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
+    return queue->QueueRequest(ORL::ThreadedWorkQueue::Request(new OpensGate(ioGate))) && ioGate.Wait(-1) == ORL::kSuccess;
+}
+
+struct Outcome
+{
+    unsigned int mBytesRead = 0;
+    int mResult = -1;
+
+    static void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+                       void* inOutcome, void*, void*, int inResult)
+    {
+        *static_cast<Outcome*>(inOutcome) = Outcome{inBytesRead, inResult};
+    }
+};
+
+bool ReadBeginning(const char* inHostPath)
+{
+    constexpr unsigned int kBlock = 65536;
+    ORL::MemoryBufferWrapper buffer(kBlock);
+    ORL::AsyncFileReader reader;
+    Outcome outcome;
+    if (ORL::AsyncFileReader::Open(ORL::PathUtils::FromHostPath(inHostPath), reader) != ORL::kSuccess) {
+        return false;
+    }
+    reader.QueueReadRequest(0, kBlock, buffer.GetBuffer(), &Outcome::OnRead, &outcome, nullptr, nullptr);
+    reader.WaitForPendingReads();
+    return outcome.mResult == ORL::kSuccess && outcome.mBytesRead != 0;
+}
+
+const char* UseAll(const char* inHostPath, WaitableGate& ioGate)
+{
+    if (!UseNames()) {
+        return "one name has two records";
+    }
+    if (!UseSharedQueueAndGate(ioGate)) {
+        return "a shared queue has not run its request";
+    }
+    return ReadBeginning(inHostPath) ? nullptr : "a file has not been read";
+}
+
+} // namespace
+
+/// Starts the library, uses it and stops it. Null when all went well, else what did not.
+MODULE_EXPORT const char* UseTheLibrary(const char* inHostPath)
+{
+    WaitableGate gate;
+    ORL::Foundation::Initialize();
+    const char* const failure = UseAll(inHostPath, gate);
+    ORL::Foundation::Terminate();
+    return failure;
+}
