@@ -1,4 +1,9 @@
-// The rendezvous of a flush, as it ships, under a model checker: a queue of two threads, two threads that flush it.
+// The rendezvous of a flush, as it ships, under a model checker: a queue of up to two threads, up to two threads that flush it,
+// at gates that are looked at once more before a sleep, and at gates that are not.
+//
+// How far this goes: every interleaving with up to two switches away from a thread that could go on where the queue or the
+// flushers are one, with up to one where both are two (two were not done after four minutes: the argument "deep" goes one further
+// everywhere), and 100000 by chance of most, in which the number of switches has no bound.
 #include <ModelRun.h>
 
 #include <WorkQueueFlushAlgorithm.h>
@@ -10,7 +15,6 @@ namespace {
 
 using ORL::Sync::Step;
 
-constexpr std::uint32_t kThreads = 2;
 constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
 /// An atomic value and what it holds, to be looked at without the checker switching threads.
@@ -41,10 +45,10 @@ void Note(Watched<T>& ioTarget, T inValue)
     }
 }
 
-template <Step... kLeftOut>
-struct FlushPolicy : Model::RelacyPolicy<0, kLeftOut...>
+template <int kSpins, Step... kLeftOut>
+struct FlushPolicy : Model::RelacyPolicy<kSpins, kLeftOut...>
 {
-    using Checked = Model::RelacyPolicy<0, kLeftOut...>;
+    using Checked = Model::RelacyPolicy<kSpins, kLeftOut...>;
     using Flag = Watched<bool>;
     using Word = Watched<std::uint32_t>;
 
@@ -154,16 +158,26 @@ private:
     Request mRequests[6] = {};
 };
 
-/// Threads 0 and 1 are the queue's. Threads 2 and 3 queue a piece of work each and flush; kRefused items of the last one are
-/// not taken by the queue.
-template <class Policy, unsigned kRefused>
-struct TwoFlushers : rl::test_suite<TwoFlushers<Policy, kRefused>, 4>, Watcher
+/// What a model has: a queue's threads, those that flush it, and how many items of the last flush the queue refuses.
+template <unsigned kQueueThreads, unsigned kFlusherCount, unsigned kRefusedItems = 0>
+struct Shape
+{
+    static constexpr unsigned kThreads = kQueueThreads;
+    static constexpr unsigned kFlushers = kFlusherCount;
+    static constexpr unsigned kRefused = kRefusedItems;
+    static constexpr unsigned kRequests = kFlushers * (kThreads + 1) - kRefused;
+};
+
+/// The first threads are the queue's. Each of the others queues a piece of work and flushes.
+template <class Policy, class Form>
+struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::kFlushers>, Watcher
 {
     using Algorithm = ORL::Sync::WorkQueueFlushAlgorithm<Policy>;
+    static constexpr unsigned kThreads = Form::kThreads;
 
     Rendezvous<Policy> mFlush;
     using Requests = Queue<Policy>;
-    Requests mQueue{6 - kRefused};
+    Requests mQueue{Form::kRequests};
     rl::var<int> mDone[2];
 
     void before()
@@ -203,7 +217,7 @@ struct TwoFlushers : rl::test_suite<TwoFlushers<Policy, kRefused>, 4>, Watcher
     void WorkAndFlush(unsigned inFlusher)
     {
         mQueue.Add(inFlusher == 0 ? Requests::kWorkOfFirst : Requests::kWorkOfSecond);
-        const unsigned refused = inFlusher == 0 ? 0 : kRefused;
+        const unsigned refused = inFlusher + 1 == Form::kFlushers ? Form::kRefused : 0;
         Algorithm::Claim(mFlush, kThreads);
         for (unsigned i = refused; i < kThreads; ++i) {
             mQueue.Add(Requests::kItem);
@@ -243,7 +257,8 @@ struct TwoFlushers : rl::test_suite<TwoFlushers<Policy, kRefused>, 4>, Watcher
     }
 };
 
-using Ships = FlushPolicy<>;
+using Sleeping = FlushPolicy<0>;
+using Spinning = FlushPolicy<1>; // looks at a gate once more before it sleeps, as what ships does some hundred times
 
 int Finish(const Model::Run& inRun)
 {
@@ -259,13 +274,24 @@ int Finish(const Model::Run& inRun)
 int main(int argc, char** argv)
 {
     Model::Run run(argc, argv);
-    run.Exhaust<TwoFlushers<Ships, 0>>("2 threads, 2 flushers", 1);
-    run.Exhaust<TwoFlushers<Ships, 1>>("the same, one item refused", 1);
-    run.Exhaust<TwoFlushers<Ships, 2>>("the same, both items of one flush refused", 1);
+    run.Exhaust<Flushers<Sleeping, Shape<2, 1>>>("2 threads, 1 flusher", 2);
+    run.Exhaust<Flushers<Spinning, Shape<2, 1>>>("the same, with a spin", 2);
+    run.Exhaust<Flushers<Sleeping, Shape<1, 2>>>("1 thread, 2 flushers", 2);
+    run.Exhaust<Flushers<Spinning, Shape<1, 2>>>("the same, with a spin", 2);
+    run.Exhaust<Flushers<Sleeping, Shape<2, 2>>>("2 threads, 2 flushers", 1);
+    run.Exhaust<Flushers<Spinning, Shape<2, 2>>>("the same, with a spin", 1);
+    run.Exhaust<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 1);
+    run.Exhaust<Flushers<Spinning, Shape<2, 2, 1>>>("the same, with a spin", 1);
+    run.Exhaust<Flushers<Sleeping, Shape<2, 2, 2>>>("2 and 2, both items of one flush refused", 1);
+    run.Exhaust<Flushers<Spinning, Shape<2, 2, 2>>>("the same, with a spin", 1);
     const int code = Finish(run); // before the mutants add states of theirs
-    run.Random<TwoFlushers<Ships, 0>>("2 threads, 2 flushers", 100000);
-    run.Random<TwoFlushers<Ships, 1>>("the same, one item refused", 100000);
-    run.FindMutant<TwoFlushers<FlushPolicy<Step::kFlushWaitsForTheEarlierOne>, 0>>("the earlier flush is not waited for");
-    run.FindMutant<TwoFlushers<FlushPolicy<Step::kGateSecondRead>, 0>>("the gate without its second read");
+    run.Random<Flushers<Sleeping, Shape<2, 2>>>("2 threads, 2 flushers", 100000);
+    run.Random<Flushers<Spinning, Shape<2, 2>>>("the same, with a spin", 100000);
+    run.Random<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 100000);
+    run.Random<Flushers<Spinning, Shape<2, 2, 1>>>("the same, with a spin", 100000);
+    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushWaitsForTheEarlierOne>, Shape<2, 2>>>(
+        "the earlier flush is not waited for");
+    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushWaitsForTheEarlierOne>, Shape<2, 2>>>("the same, with a spin");
+    run.FindMutant<Flushers<FlushPolicy<0, Step::kGateSecondRead>, Shape<2, 2>>>("the gate without its second read");
     return code != 0 ? code : run.Finish();
 }
