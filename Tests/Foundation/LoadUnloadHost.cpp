@@ -1,6 +1,6 @@
-// Loads the library, starts it, uses it, stops it and unloads it, again and again, by itself and through a plug-in that is linked
-// to it, and compares what the process holds after the first rounds with what it holds at the end. The only argument is the
-// mode.
+// Loads the library, starts it, uses it, stops it and unloads it, again and again, by itself and through a plug-in that is
+// linked to it, and compares what the process holds after the first rounds with what it holds at the end. The only argument
+// is the mode.
 #include "LoadUnloadHost.h"
 
 #include <cstdio>
