@@ -18,6 +18,8 @@ set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)
 if(WIN32)
   # Boost.Thread has no package for this compiler: our build of it travels with us.
   set(ORL_PACKAGE_NEEDS_BOOST_THREAD OFF)
+  file(STRINGS "${boost_include}/boost/version.hpp" ORL_PACKAGE_BOOST_VERSION REGEX "#define BOOST_LIB_VERSION \"[0-9_]+\"")
+  string(REGEX REPLACE ".*\"([0-9_]+)\".*" "\\1" ORL_PACKAGE_BOOST_VERSION "${ORL_PACKAGE_BOOST_VERSION}")
   install(TARGETS orl_boost_thread orl_boost_headers EXPORT ORLFoundationTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()

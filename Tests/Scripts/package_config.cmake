@@ -1,0 +1,11 @@
+# The package's configuration in the form that it has for Windows: Boost.Thread comes along, the headers are the host's.
+# Asked of a copy beside targets that stand in for ours, so that it needs no Windows build.
+if(NOT WIN32 AND NOT ORL_SANITIZE)
+  foreach(case Hinted Missing OfAnotherVersion)
+    set(name "Package.BoostHeaders${case}")
+    add_test(NAME ${name} COMMAND ${CMAKE_COMMAND}
+      -D CASE=${case} -D SOURCE_DIR=${PROJECT_SOURCE_DIR} -D WORK=${CMAKE_BINARY_DIR}/package-config/${case}
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/PackageConfig/run.cmake)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 60)
+  endforeach()
+endif()
