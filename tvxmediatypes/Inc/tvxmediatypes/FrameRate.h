@@ -22,7 +22,7 @@ public:
 
     /// From frames per second: the nearest tick count, halves away from zero, of the quotient in double precision.
     /// Rates above one frame a tick become one frame a tick; rates so slow that the count does not fit get the
-    /// largest count. Zero and NaN give zero.
+    /// largest count. Zero and NaN give zero. Explicit, since a plain number may as well be a time in seconds.
     constexpr explicit FrameRate(double inFramesPerSecond) noexcept
         : mTicksPerFrame(TicksOf(inFramesPerSecond))
     {

@@ -19,7 +19,7 @@ public:
     constexpr TickTime() noexcept = default;
 
     /// From seconds: the nearest tick, halves away from zero. Times beyond the count become kTime_Max or kTime_Min;
-    /// NaN becomes kTime_Invalid.
+    /// NaN becomes kTime_Invalid. Explicit, since a plain number may as well be a count of frames or a rate.
     TVXMEDIATYPES_API explicit TickTime(double inSeconds) noexcept;
 
     /// inFrames frames of a rate, exactly. Any number of frames of the zero rate lasts no time.
