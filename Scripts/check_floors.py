@@ -1,18 +1,20 @@
 #!/usr/bin/env python3
 """Checks the house rules that can be read off the includes.
 
-Floors: includes run downwards only. A source belongs to the floor of its folder, a header of API/Inc or Inc to the
-floor that its first line names ("// Floor: Threads").
+Floors: includes run downwards only. A source or header below Src belongs to the floor of its folder, a header of API/Inc
+or Inc to the floor that its first line names ("// Floor: Threads"). What stands in a platform folder belongs to the floor
+that it works for: the one its first line names, else the highest of those whose seam headers it includes. A seam header
+is that of the lowest floor whose portable code includes it.
 Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
 Tools and examples: public headers alone.
 The roof: ORLFoundation.h brings in every public header.
-Prints one line for each fault; exit code 1 if there is any.
+Prints one line for each fault; exit code 1 if there is any. check_floors.py [ROOT]
 """
 import re
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+ROOT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parent.parent).resolve()
 
 # Higher floors may include lower ones. Media stands beside Threads and sees only Strings and below.
 RANK = {"Platform": 0, "Core": 1, "Memory": 2, "Objects": 3, "Strings": 4, "Threads": 5, "Media": 5, "Files": 6,
@@ -61,6 +63,22 @@ def header_floors(faults):
     return floors
 
 
+def named_floor(path):
+    lines = path.read_text(encoding="utf-8").splitlines()
+    match = FLOOR.match(lines[0]) if lines else None
+    return match.group(1) if match and match.group(1) in RANK else None
+
+
+def local_header(path, name):
+    """The header of our own that stands where a relative include points to, or None."""
+    target = (path.parent / name).resolve()
+    return target if target.is_file() and ROOT / "Src" in target.parents else None
+
+
+def in_platform_folder(path):
+    return path.relative_to(ROOT).parts[:2] in (("Src", "Linux"), ("Src", "Win"))
+
+
 def floor_of(path, floors):
     relative = path.relative_to(ROOT)
     if relative.parts[0] == "Src":
@@ -75,15 +93,49 @@ def may_include(upper, lower):
     return RANK[lower] < RANK[upper]
 
 
-def check_floors(floors, faults):
-    for path in sources("API/Inc/**/*.h", "Inc/**/*.h", "Src/**/*.cpp", "Src/**/*.h"):
-        if is_platform_file(path):
+def floor_sources():
+    return sources("API/Inc/**/*.h", "Inc/**/*.h", "Src/**/*.cpp", "Src/**/*.h")
+
+
+def seam_rooms(floors):
+    """Seam header -> the lowest floor that asks for it."""
+    rooms = {}
+    for path in floor_sources():
+        floor = None if in_platform_folder(path) else floor_of(path, floors)
+        if floor is None or floor == "Platform":
             continue
-        floor = floor_of(path, floors)
+        for _, name in includes(path):
+            if floors.get(name) == "Platform":
+                rooms[name] = min(floor, rooms.get(name, floor), key=RANK.get)
+    return rooms
+
+
+def platform_floor(path, rooms):
+    floor = named_floor(path)
+    if floor is not None:
+        return floor
+    floor = "Platform"
+    for _, name in includes(path):
+        header = local_header(path, name)
+        below = platform_floor(header, rooms) if header and header != path else rooms.get(name, "Platform")
+        floor = max(floor, below, key=RANK.get)
+    return floor
+
+
+def check_floors(floors, faults):
+    rooms = seam_rooms(floors)
+    for path in floor_sources():
+        is_platform = in_platform_folder(path)
+        floor = platform_floor(path, rooms) if is_platform else floor_of(path, floors)
         if floor is None:
             continue
         for number, name in includes(path):
-            lower = floors.get(name)
+            header = local_header(path, name)
+            if header and in_platform_folder(header):
+                if not is_platform:
+                    faults.append(f"{path.relative_to(ROOT)}:{number}: a header of a platform folder, {name}")
+                continue
+            lower = floor_of(header, floors) if header else floors.get(name)
             if lower is not None and not may_include(floor, lower):
                 faults.append(f"{path.relative_to(ROOT)}:{number}: floor {floor} includes {name} of floor {lower}")
 

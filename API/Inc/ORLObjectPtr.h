@@ -30,7 +30,8 @@ public:
 
     /// Takes the object over; null gives an empty pointer. The object must have no other owner. When there is no memory
     /// for the counter the object is deleted and std::bad_alloc leaves. Explicit, since a pointer that becomes an owner
-    /// unasked gets a counter of its own and its object two ends. (InterfaceRef counts inside the object and need not be.)
+    /// unasked gets a counter of its own and its object two ends. (InterfaceRef counts inside the object and need not
+    /// be.)
     explicit ObjectPtr(T* inPtr) : ObjectPtr()
     {
         if (inPtr != nullptr) {

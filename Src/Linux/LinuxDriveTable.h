@@ -1,3 +1,4 @@
+// Floor: Files
 // Which host folder stands behind each drive and each share.
 #pragma once
 

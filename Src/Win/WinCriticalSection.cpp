@@ -1,3 +1,4 @@
+// Floor: Core
 #include <ORLPlatformLock.h>
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// Floor: Files
 #include <ORLHostPath.h>
 
 #include "WinText.h"
