@@ -137,7 +137,7 @@ TEST_F(OrlIngestOnLinux, UnreadableFilesAndFolders_HaveALineEach)
     const std::string said = ReadFile(errors);
     EXPECT_EQ(4, WEXITSTATUS(status)) << said;
     EXPECT_EQ(2, std::count(said.begin(), said.end(), '\n')) << said;
-    EXPECT_NE(std::string::npos, said.find("cannot read the folder")) << said;
+    EXPECT_NE(std::string::npos, said.find("cannot list the folder")) << said;
     EXPECT_NE(std::string::npos, said.find("cannot read \"shut\": access denied")) << said;
     EXPECT_EQ("A", ReadFile(Disk() / "a"));
 }
@@ -230,11 +230,12 @@ TEST_F(OrlIngestOnLinux, EachSystemCallFailsOnce_NothingHalfAndASecondRunComplet
         for (unsigned number = 1, made = 1; made >= number; ++number) {
             SCOPED_TRACE("call " + std::to_string(call) + ", number " + std::to_string(number));
             fs::remove_all(Disk());
+            bool isDone = false;
             {
                 FaultySystemCalls calls;
                 calls.Fail(call, number, EIO);
                 try {
-                    RunHere();
+                    isDone = RunHere().mTroubles.empty();
                 } catch (const orl::Failure&) {
                 }
                 made = calls.Count(call);
@@ -249,6 +250,9 @@ TEST_F(OrlIngestOnLinux, EachSystemCallFailsOnce_NothingHalfAndASecondRunComplet
                     ASSERT_EQ(1u, disk.count(name)) << name;
                     EXPECT_EQ(digest, ReferenceSha256(disk.at(name))) << name;
                 }
+            }
+            if (isDone) {
+                ExpectIngested(card, Disk());
             }
             EXPECT_TRUE(RunHere().mTroubles.empty());
             ExpectIngested(card, Disk());

@@ -1,6 +1,7 @@
 #include "IngestPlan.h"
 
 #include "Failure.h"
+#include "IngestListing.h"
 #include "Text.h"
 
 #include <ORLDirectory.h>
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <set>
 #include <system_error>
 
 namespace orl {
@@ -72,12 +72,14 @@ public:
 
     IngestPlan Make()
     {
-        std::vector<UTF16String> files;
-        std::vector<Directory> folders;
-        Directory::ConstructDirectory(mRoots.mSource)
-            .GetContainedFileAndDirectoryPaths(files, folders, true, Directory::kNoLimit);
-        AddFolders(files, folders);
-        for (const UTF16String& file : files) {
+        const IngestListing listing = ListTwice(mRoots.mSource);
+        for (const UTF16String& folder : listing.mBroken) {
+            AddTrouble("cannot list the folder \"" + HostTextOf(folder) + "\" whole", kExitUnreadable);
+        }
+        for (const UTF16String& folder : listing.mFolders) {
+            mPlan.mFolders.push_back(TargetOf(folder));
+        }
+        for (const UTF16String& file : listing.mFiles) {
             AddFile(file);
         }
         FindLeftovers();
@@ -87,37 +89,6 @@ public:
     }
 
 private:
-    // A listing shows a folder behind what it holds; to be made, it has to come before.
-    void AddFolders(const std::vector<UTF16String>& inFiles, const std::vector<Directory>& inFolders)
-    {
-        std::set<UTF16String> parents;
-        for (const UTF16String& file : inFiles) {
-            parents.insert(PathUtils::GetFullDirectoryPart(file));
-        }
-        for (const Directory& folder : inFolders) {
-            parents.insert(PathUtils::GetFullDirectoryPart(folder.AsString()));
-        }
-        CheckReadable(mRoots.mSource, parents);
-        for (auto folder = inFolders.rbegin(); folder != inFolders.rend(); ++folder) {
-            CheckReadable(folder->AsString(), parents);
-            mPlan.mFolders.push_back(TargetOf(folder->AsString()));
-        }
-    }
-
-    // A folder that may not be read counts as empty for a listing, and must not for an ingest. A link back to a folder
-    // above is listed without contents too, and shows them when it is asked by itself.
-    void CheckReadable(const UTF16String& inFolder, const std::set<UTF16String>& inParents)
-    {
-        if (inParents.count(PathUtils::AddTrailingSlash(inFolder)) != 0 || PathUtils::IsDirectoryEmpty(inFolder)) {
-            return;
-        }
-        std::vector<UTF16String> first;
-        Directory::ConstructDirectory(inFolder).GetContainedPaths(first, false, 1);
-        if (first.empty()) {
-            AddTrouble("cannot read the folder \"" + HostTextOf(inFolder) + "\"", kExitUnreadable);
-        }
-    }
-
     void AddFile(const UTF16String& inPath)
     {
         IngestItem item;

@@ -1,8 +1,11 @@
 #include "IngestSystem.h"
+#include "LinuxIngestCalls.h"
 
 #include <ORLHostPath.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <set>
@@ -12,6 +15,15 @@
 
 namespace orl {
 
+IngestCalls sIngestCalls = {
+    [](const char* inPath, int inFlags) { return ::open(inPath, inFlags); },
+    [](DIR* inFolder) { return ::readdir(inFolder); },
+    [](int inFile, const struct timespec* inTimes) { return ::futimens(inFile, inTimes); },
+    [](int inFile) { return ::fdatasync(inFile); },
+    [](int inFile) { return ::fsync(inFile); },
+    [](int inFile) { return ::syncfs(inFile); },
+};
+
 namespace {
 
 int DescriptorOf(ORL::File& ioFile)
@@ -19,7 +31,59 @@ int DescriptorOf(ORL::File& ioFile)
     return *static_cast<const int*>(ioFile.GetPlatformFileHandle());
 }
 
+bool IsItselfOrAbove(const char* inName)
+{
+    return std::strcmp(inName, ".") == 0 || std::strcmp(inName, "..") == 0;
+}
+
+// An end and a failure look alike but for errno.
+bool ReadEntries(DIR* inFolder, const std::string& inStem, std::vector<std::string>& outPaths)
+{
+    for (;;) {
+        errno = 0;
+        const dirent* const entry = sIngestCalls.mReadDir(inFolder);
+        if (entry == nullptr) {
+            return errno == 0;
+        }
+        if (!IsItselfOrAbove(entry->d_name)) {
+            outPaths.push_back(inStem + entry->d_name);
+        }
+    }
+}
+
 } // namespace
+
+bool IdentifyFolder(const UTF16String& inFolder, FolderIdentity& outIdentity)
+{
+    std::string path;
+    struct stat status;
+    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, path)) || ::stat(path.c_str(), &status) != 0
+        || !S_ISDIR(status.st_mode)) {
+        return false;
+    }
+    outIdentity = {status.st_dev, status.st_ino};
+    return true;
+}
+
+bool ListFolder(const UTF16String& inFolder, std::vector<std::string>& outPaths)
+{
+    outPaths.clear();
+    std::string path;
+    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, path))) {
+        return false;
+    }
+    const int file = sIngestCalls.mOpen(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* const folder = file >= 0 ? ::fdopendir(file) : nullptr;
+    if (folder == nullptr) {
+        if (file >= 0) {
+            ::close(file);
+        }
+        return false;
+    }
+    const bool isWhole = ReadEntries(folder, path + (path.back() == '/' ? "" : "/"), outPaths);
+    ::closedir(folder);
+    return isWhole;
+}
 
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 {
@@ -30,12 +94,12 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
             static_cast<long>(inTime % 10000000 * 100)
     };
     const struct timespec times[] = {time, time};
-    return ::futimens(DescriptorOf(ioFile), times) == 0;
+    return sIngestCalls.mFUTimens(DescriptorOf(ioFile), times) == 0;
 }
 
 bool FlushFile(ORL::File& ioFile)
 {
-    return ::fdatasync(DescriptorOf(ioFile)) == 0;
+    return sIngestCalls.mFDataSync(DescriptorOf(ioFile)) == 0;
 }
 
 bool SettleFile(ORL::File&)
@@ -52,7 +116,7 @@ using Flush = int (*)(int);
 
 bool FlushPath(const std::string& inPath, Flush inFlush)
 {
-    const int file = ::open(inPath.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = sIngestCalls.mOpen(inPath.c_str(), O_RDONLY | O_CLOEXEC);
     const bool isDone = file >= 0 && inFlush(file) == 0;
     if (file >= 0) {
         ::close(file);
@@ -74,12 +138,12 @@ bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inF
         return false;
     }
     if (inFiles.size() >= kManyFiles) {
-        return FlushPath(top, &::syncfs);
+        return FlushPath(top, sIngestCalls.mSyncFs);
     }
     std::set<std::string> folders{top};
     for (const UTF16String& file : inFiles) {
         std::string path;
-        if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(file, path)) || !FlushPath(path, &::fsync)) {
+        if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(file, path)) || !FlushPath(path, sIngestCalls.mFSync)) {
             return false;
         }
         for (path = FolderOf(path); path.size() > top.size(); path = FolderOf(path)) {
@@ -87,7 +151,7 @@ bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inF
         }
     }
     return std::all_of(folders.begin(), folders.end(),
-                       [](const std::string& inPath) { return FlushPath(inPath, &::fsync); });
+                       [](const std::string& inPath) { return FlushPath(inPath, sIngestCalls.mFSync); });
 }
 
 } // namespace orl
