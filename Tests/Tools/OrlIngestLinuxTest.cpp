@@ -96,6 +96,19 @@ TEST_F(OrlIngestOnLinux, AwkwardNames_AreVerifiedByCoreutils)
     EXPECT_NE(std::string::npos, again.mOutput.find("254 verified before")) << again.mOutput;
 }
 
+// A backslash belongs to a name here, also at its begin.
+TEST_F(OrlIngestOnLinux, ANameThatBeginsWithABackslash_IsKept)
+{
+    WriteFile(Card() / "x", "X");
+    WriteFile(Card() / "\\x", "other");
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    const std::string check = "cd '" + Disk().string() + "' && test $(sha256sum -c ingest.sha256 | grep -c ': OK$') = 2";
+    EXPECT_EQ(0, std::system(check.c_str()));
+    EXPECT_EQ("X", ReadFile(Disk() / "x"));
+    EXPECT_EQ("other", ReadFile(Disk() / "\\x"));
+}
+
 TEST_F(OrlIngestOnLinux, APipe_IsToldAndNotWaitedFor)
 {
     WriteFile(Card() / "a", "A");

@@ -66,7 +66,7 @@ public:
         : mRoots(inRoots), mManifest(inManifest), mReplaces(inReplaces),
           mStem(PathUtils::AddTrailingSlash(inRoots.mSource).size()),
           mTargetStem(PathUtils::AddTrailingSlash(inRoots.mDestination)),
-          mHostStem(HostTextOf(inRoots.mSource).size()), mHasTarget(Directory::IsDirectory(inRoots.mDestination))
+          mHostStem(HostTextOf(PathUtils::AddTrailingSlash(inRoots.mSource)).size()), mHasTarget(Directory::IsDirectory(inRoots.mDestination))
     {
     }
 
@@ -170,9 +170,7 @@ private:
 
     std::string NameOf(const UTF16String& inPath) const
     {
-        const std::string host = HostTextOf(inPath);
-        const std::size_t start = host.find_first_not_of("/\\", mHostStem);
-        return fs::u8path(host.substr(std::min(start, host.size()))).generic_u8string();
+        return fs::u8path(HostTextOf(inPath).substr(mHostStem)).generic_u8string();
     }
 
     void AddTrouble(const std::string& inText, int inExitCode)
