@@ -6,6 +6,7 @@
 #include <IngestPlan.h>
 #include <IngestProgress.h>
 #include <IngestRun.h>
+#include <ORLFile.h>
 #include <ORLFoundation.h>
 #include <Text.h>
 #include <WavHeader.h>
@@ -62,6 +63,15 @@ protected:
         settings.mFilesAtOnce = 1;
         settings.mReplaces = inReplaces;
         return orl::RunIngest(mPlan, roots, settings, manifest, watcher);
+    }
+
+    /// With another time, since the clock may not have moved on.
+    void ChangeOnCard(const std::string& inName, const std::string& inContents)
+    {
+        const auto time = fs::last_write_time(Card() / inName);
+        WriteFile(Card() / inName, inContents);
+        fs::last_write_time(Card() / inName, time + std::chrono::seconds(10));
+        mCard[inName] = inContents;
     }
 
     /// Whole and acknowledged are exactly these.
@@ -176,6 +186,58 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
     ExpectTrouble(outcome, orl::kExitTaken, "\"b\"");
     EXPECT_EQ("somebody's", ReadFile(Disk() / "b"));
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
+}
+
+// A line that outlives its file is taken for the truth by every later run.
+TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
+{
+    ASSERT_TRUE(Run({}).mTroubles.empty());
+    ChangeOnCard("a", std::string(2500000, 'A')); // of the same size
+    ChangeOnCard("b", "shorter");
+    const IngestOutcome outcome = Run(
+        [this](IngestStep inStep, const IngestItem& inItem) {
+            const bool isHeld = ReadManifest(Disk() / kManifest).count(inItem.mName) != 0;
+            EXPECT_EQ(inStep != IngestStep::kInPlace, isHeld) << inItem.mName << static_cast<int>(inStep);
+        },
+        true);
+    EXPECT_TRUE(outcome.mTroubles.empty());
+    ExpectInPlace("abc");
+}
+
+TEST_F(IngestRun, StoppedBeforeAFileIsReplaced_KeepsItsLine)
+{
+    ASSERT_TRUE(Run({}).mTroubles.empty());
+    const FileTree before = mCard;
+    ChangeOnCard("b", "shorter");
+    Run([this](IngestStep, const IngestItem& inItem) { mIsStopped = mIsStopped || inItem.mName == "b"; }, true);
+    mIsStopped = false;
+    ExpectIngested(before, Disk());
+    EXPECT_TRUE(Run({}, true).mTroubles.empty());
+    ExpectInPlace("abc");
+}
+
+TEST_F(IngestRun, AFileThatCannotBeReplaced_KeepsItsLine)
+{
+    ASSERT_TRUE(Run({}).mTroubles.empty());
+    const FileTree before = mCard;
+    ChangeOnCard("b", "shorter");
+    ORL::File holder; // shares nothing, so that nobody may put another file in its place
+    const IngestOutcome outcome = Run(Once(IngestStep::kVerified, "b",
+                                           [&] {
+                                               ASSERT_EQ(ORL::kSuccess,
+                                                         holder.Create(mFolder.Path(u"disk\\b"),
+                                                                       ORL::FileAccessFlags::kFileAccess_Read,
+                                                                       ORL::FileShareModeFlags::kFileShare_Read,
+                                                                       ORL::FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                                                       ORL::FileAttributesFlags::kFileAttribute_Normal, true));
+                                           }),
+                                      true);
+    holder.Close();
+    ASSERT_EQ(1u, outcome.mTroubles.size());
+    EXPECT_EQ(orl::kExitFailure, outcome.mTroubles[0].mExitCode) << outcome.mTroubles[0].mText;
+    ExpectIngested(before, Disk());
+    EXPECT_TRUE(Run({}, true).mTroubles.empty());
+    ExpectInPlace("abc");
 }
 
 TEST_F(IngestRun, TheSecondOfTwoAtOnce_IsRefused)

@@ -21,15 +21,15 @@ fs::path FastFolder()
     return ::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path();
 }
 
-/// A disk that holds one clip of an earlier ingest, and a card with a newer one of that name.
-class CrashedIngest : public testing::Test
+/// A disk that holds one clip of an earlier ingest, and a card with a newer one of that name, of that text.
+class CrashedIngest : public testing::TestWithParam<const char*>
 {
 protected:
     CrashedIngest() : mFolder(FastFolder())
     {
         mFolder.MakeFolder("card/d");
         mFolder.MakeFile("card/new.wav", MakeWav(8000, 2000));
-        mFolder.MakeFile("card/d/clip", "the newer clip");
+        mFolder.MakeFile("card/d/clip", GetParam());
         mCard = ReadTree(mFolder.Host() / "card");
     }
 
@@ -95,9 +95,20 @@ protected:
     FileTree mCard;
 };
 
+// A file of another size is replaced without a look at it; one of the same size is compared first.
+constexpr char kOfAnotherSize[] = "the newer clip";
+constexpr char kOfTheSameSize[] = "the younger clip";
+
+std::string NameOfSize(const testing::TestParamInfo<const char*>& inInfo)
+{
+    return inInfo.param == kOfTheSameSize ? "TheSame" : "Another";
+}
+
 } // namespace
 
-TEST_F(CrashedIngest, KilledBeforeEachSystemCall_LosesNothingAndASecondRunCompletes)
+INSTANTIATE_TEST_SUITE_P(Size, CrashedIngest, testing::Values(kOfAnotherSize, kOfTheSameSize), NameOfSize);
+
+TEST_P(CrashedIngest, KilledBeforeEachSystemCall_LosesNothingAndASecondRunCompletes)
 {
     TracedRun traced(Disk().string());
     PutBack();

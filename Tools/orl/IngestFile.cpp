@@ -195,9 +195,30 @@ private:
             if (!mContext.mReplaces) {
                 ThrowTaken();
             }
-            result = File::SwapTempFile(mTemporary, mItem.mTarget);
+            result = Replace();
         }
         CheckTarget(result);
+    }
+
+    // A line must not outlive the contents that it was written for, not even behind a kill. Where the earlier file stays, its
+    // line comes back.
+    Result Replace() const
+    {
+        const std::string earlier = mContext.mManifest.Withdraw(mItem.mName);
+        const Result result = File::SwapTempFile(mTemporary, mItem.mTarget);
+        if (!ResultSucceeded(result) && !earlier.empty() && IsOnDisk(earlier)) {
+            mContext.mManifest.Acknowledge({{mItem.mName, earlier}});
+        }
+        return result;
+    }
+
+    bool IsOnDisk(const std::string& inDigest) const
+    {
+        try {
+            return DigestOnDisk(mItem.mTarget) == inDigest;
+        } catch (const IngestFailure&) {
+            return false;
+        }
     }
 
     void CheckStopped() const

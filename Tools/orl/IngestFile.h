@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Failure.h"
+#include "IngestManifest.h"
 #include "IngestPlan.h"
 
 #include <cstdint>
@@ -24,6 +25,7 @@ enum class IngestStep {
 struct IngestContext
 {
     const IngestRoots& mRoots;
+    IngestManifest& mManifest; // the line of a file that is replaced goes before the file
     bool mReplaces = false;
     std::function<bool()> mIsStopped;                                // asked between blocks
     std::function<void(std::uint64_t)> mPass;                        // told of bytes that were read, here or there

@@ -198,6 +198,7 @@ void IngestManifest::Rewrite()
 
 void IngestManifest::Drop(const std::vector<std::string>& inNames)
 {
+    const std::lock_guard<std::mutex> lock(mMutex);
     std::size_t dropped = 0;
     for (const std::string& name : inNames) {
         dropped += mDigests.erase(name);
@@ -207,8 +208,27 @@ void IngestManifest::Drop(const std::vector<std::string>& inNames)
     }
 }
 
+std::string IngestManifest::Withdraw(const std::string& inName)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto line = mDigests.find(inName);
+    if (line == mDigests.end()) {
+        return std::string();
+    }
+    std::string digest = line->second;
+    mDigests.erase(line);
+    try {
+        Rewrite();
+    } catch (const Failure&) {
+        mDigests[inName] = digest;
+        throw;
+    }
+    return digest;
+}
+
 void IngestManifest::Acknowledge(const std::vector<Line>& inLines)
 {
+    const std::lock_guard<std::mutex> lock(mMutex);
     std::string text;
     bool exchanges = false;
     for (const Line& line : inLines) {

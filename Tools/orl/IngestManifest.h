@@ -4,6 +4,7 @@
 
 #include <ORLFile.h>
 #include <map>
+#include <mutex>
 #include <string>
 #include <tvxcore/String.h>
 #include <vector>
@@ -33,8 +34,13 @@ public:
 
     bool Holds(const std::string& inName) const { return mDigests.count(inName) != 0; }
 
-    /// Takes names out, for files that are about to be replaced. Throws Failure.
+    /// Takes names out whose files are gone. Throws Failure.
     void Drop(const std::vector<std::string>& inNames);
+
+    /// Takes out the name of a file that is about to be replaced, and gives its digest, empty for a name that it does not
+    /// hold. On disk there is no such line when this returns. Writes the whole list anew. Throws Failure, and holds the name
+    /// on then. Safe from any thread, as is Acknowledge.
+    std::string Withdraw(const std::string& inName);
 
     /// Adds lines, or exchanges those of names that it holds; they are on disk when this returns. Throws Failure.
     void Acknowledge(const std::vector<Line>& inLines);
@@ -47,6 +53,7 @@ private:
     void Rewrite();
 
     const UTF16String mPath;
+    std::mutex mMutex; // guards all below once the file is open
     ORL::File mFile;
     std::vector<std::string> mForeign; // lines that are none of ours
     std::map<std::string, std::string> mDigests;

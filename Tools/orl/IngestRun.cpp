@@ -31,7 +31,7 @@ public:
     Run(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
         IngestManifest& ioManifest, const IngestWatcher& inWatcher)
         : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher), mRoots(inRoots),
-          mContext{inRoots, inSettings.mReplaces, [this] { return IsStopped(); },
+          mContext{inRoots, ioManifest, inSettings.mReplaces, [this] { return IsStopped(); },
                    [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
                    inWatcher.mOnStep},
           mDigests(inPlan.mItems.size())
@@ -64,10 +64,10 @@ private:
                 throw Failure("ingest: cannot make the folder \"" + HostTextOf(folder) + "\": " + Describe(result));
             }
         }
-        // A line must not outlive the contents that it was written for.
+        // Lines of files that somebody has taken away. That of a file to be replaced is true until then.
         std::vector<std::string> names;
         for (const IngestItem& item : mPlan.mItems) {
-            if (item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace) {
+            if (item.mState == IngestItem::kToCopy) {
                 names.push_back(item.mName);
             }
         }
@@ -157,6 +157,8 @@ private:
         } catch (const NoAnswer& failure) {
             AddTrouble(failure, true);
             mHasNoAnswer = true;
+        } catch (const Failure& failure) { // of the manifest
+            AddTrouble(failure, true);
         } catch (const std::exception& failure) {
             AddTrouble(Failure("ingest: " + std::string(failure.what())), true);
         }
