@@ -5,7 +5,6 @@
 #include "Text.h"
 #include "UnbufferedRead.h"
 
-#include <ORLDirectory.h>
 #include <ORLFile.h>
 #include <ORLPathUtils.h>
 
@@ -94,6 +93,7 @@ private:
         File source;
         OpenSource(source);
         Tell(IngestStep::kOpened);
+        CheckDestination();
         File target;
         CheckTarget(OnceItIsFree([&] {
             return target.Create(mTemporary, Access::kFileAccess_Write, static_cast<Share::Type>(0),
@@ -233,7 +233,7 @@ private:
         if (ResultSucceeded(inResult)) {
             return;
         }
-        if (!ORL::Directory::IsDirectory(mContext.mRoots.mSource)) {
+        if (IsSourceGone(mContext.mRoots, true)) {
             throw IngestFailure("the source \"" + mContext.mRoots.mShownSource
                                     + "\" is gone; what is in place is whole and stays",
                                 kExitGone, true);
@@ -250,11 +250,17 @@ private:
         if (inResult == ORL::kDiskFull) {
             throw IngestFailure("\"" + shown + "\" is full; what is in place is whole and stays", kExitNoRoom, true);
         }
-        if (!ORL::Directory::IsDirectory(mContext.mRoots.mDestination)) {
-            throw IngestFailure("the destination \"" + shown + "\" is gone", kExitGone, true);
-        }
+        CheckDestination();
         throw IngestFailure("cannot write \"" + mItem.mName + "\" at \"" + shown + "\": " + Describe(inResult),
                             kExitFailure, false);
+    }
+
+    // Where a volume has left its mount point, a file would be written to the disk behind it.
+    void CheckDestination() const
+    {
+        if (IsDestinationGone(mContext.mRoots)) {
+            throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone", kExitGone, true);
+        }
     }
 
     [[noreturn]] void ThrowChanged() const

@@ -59,6 +59,23 @@ bool IsLeftover(const UTF16String& inPath)
            && leaf.find_first_not_of("0123456789abcdef", 5) == kLeftoverSize - 5;
 }
 
+[[noreturn]] void ThrowGone(const IngestRoots& inRoots)
+{
+    throw Failure("ingest: the source \"" + inRoots.mShownSource + "\" went while it was listed", kExitGone);
+}
+
+std::optional<FolderIdentity> IdentityOf(const UTF16String& inFolder)
+{
+    FolderIdentity identity;
+    return IdentifyFolder(inFolder, identity) ? std::optional<FolderIdentity>(identity) : std::nullopt;
+}
+
+bool IsAnother(const UTF16String& inFolder, const std::optional<FolderIdentity>& inIdentity)
+{
+    const std::optional<FolderIdentity> now = IdentityOf(inFolder);
+    return !now || (inIdentity && !(*now == *inIdentity));
+}
+
 class Planner
 {
 public:
@@ -81,6 +98,10 @@ public:
         }
         for (const UTF16String& file : listing.mFiles) {
             AddFile(file);
+        }
+        const bool isListed = listing.mBroken.empty() || listing.mBroken.front() != mRoots.mSource;
+        if (!mPlan.mTroubles.empty() && IsSourceGone(mRoots, isListed && !listing.mFiles.empty())) {
+            ThrowGone(mRoots);
         }
         FindLeftovers();
         std::sort(mPlan.mItems.begin(), mPlan.mItems.end(),
@@ -192,7 +213,7 @@ private:
 
 IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestination)
 {
-    IngestRoots roots{CleanPath(inSource), CleanPath(inDestination), inSource, inDestination};
+    IngestRoots roots{CleanPath(inSource), CleanPath(inDestination), inSource, inDestination, {}, {}};
     if (!Directory::IsDirectory(roots.mSource)) {
         throw Failure("ingest: \"" + inSource + "\" is no folder");
     }
@@ -202,7 +223,21 @@ IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestinat
     if (IsInside(roots.mDestination, roots.mSource)) {
         throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
     }
+    roots.mSourceIdentity = IdentityOf(roots.mSource);
+    roots.mDestinationIdentity = IdentityOf(roots.mDestination);
     return roots;
+}
+
+bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething)
+{
+    std::vector<std::string> held;
+    return IsAnother(inRoots.mSource, inRoots.mSourceIdentity)
+           || (inHeldSomething && (!ListFolder(inRoots.mSource, held) || held.empty()));
+}
+
+bool IsDestinationGone(const IngestRoots& inRoots)
+{
+    return IsAnother(inRoots.mDestination, inRoots.mDestinationIdentity);
 }
 
 IngestPlan MakePlan(const IngestRoots& inRoots, const std::string& inManifestName, const IngestManifest& inManifest,
@@ -217,7 +252,7 @@ IngestPlan MakePlan(const IngestRoots& inRoots, const std::string& inManifestNam
         }
         return plan;
     } catch (const ORL::Exception&) {
-        throw Failure("ingest: the source \"" + inRoots.mShownSource + "\" went while it was listed", kExitGone);
+        ThrowGone(inRoots);
     }
 }
 

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "IngestManifest.h"
+#include "IngestSystem.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <tvxcore/String.h>
 #include <vector>
@@ -17,7 +19,15 @@ struct IngestRoots
     UTF16String mDestination;
     std::string mShownSource;
     std::string mShownDestination;
+    std::optional<FolderIdentity> mSourceIdentity;      // as they were at the start;
+    std::optional<FolderIdentity> mDestinationIdentity; // none for a destination that is still to be made
 };
+
+/// Whether the source is not there any more: another folder has its place, as where a volume has left its mount point, or
+/// it held something and holds nothing now, or cannot be listed.
+bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething);
+
+bool IsDestinationGone(const IngestRoots& inRoots);
 
 struct IngestItem
 {

@@ -30,8 +30,9 @@ class Run
 public:
     Run(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
         IngestManifest& ioManifest, const IngestWatcher& inWatcher)
-        : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher), mRoots(inRoots),
-          mContext{inRoots, ioManifest, inSettings.mReplaces, [this] { return IsStopped(); },
+        : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher),
+          mRoots(WithDestination(inRoots)),
+          mContext{mRoots, ioManifest, inSettings.mReplaces, [this] { return IsStopped(); },
                    [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
                    inWatcher.mOnStep},
           mDigests(inPlan.mItems.size())
@@ -42,8 +43,12 @@ public:
     {
         const Clock::time_point start = Clock::now();
         mOutcome.mTroubles = mPlan.mTroubles;
-        Prepare();
-        BringAll();
+        try {
+            Prepare();
+            BringAll();
+        } catch (const Failure& failure) {
+            AddTrouble(failure, true);
+        }
         Acknowledge();
         CollectRows();
         mOutcome.mHasNoAnswer = mHasNoAnswer;
@@ -53,6 +58,16 @@ public:
     }
 
 private:
+    // A destination that was to be made has been made since.
+    static IngestRoots WithDestination(IngestRoots inRoots)
+    {
+        FolderIdentity identity;
+        if (!inRoots.mDestinationIdentity && IdentifyFolder(inRoots.mDestination, identity)) {
+            inRoots.mDestinationIdentity = identity;
+        }
+        return inRoots;
+    }
+
     void Prepare()
     {
         for (const UTF16String& leftover : mPlan.mLeftovers) {
@@ -179,18 +194,47 @@ private:
 
     void Acknowledge()
     {
-        std::vector<IngestManifest::Line> lines;
-        std::vector<UTF16String> files;
+        std::vector<std::size_t> group;
         {
             const std::lock_guard<std::mutex> lock(mMutex);
-            for (const std::size_t index : mVerified) {
-                lines.push_back({mPlan.mItems[index].mName, mDigests[index]});
-                files.push_back(mPlan.mItems[index].mTarget);
-            }
-            mVerified.clear();
+            group.swap(mVerified);
         }
-        if (lines.empty()) {
+        if (group.empty()) {
             return;
+        }
+        try {
+            Keep(group);
+        } catch (const Failure& failure) {
+            AddTroubleOfGroup(failure, group);
+        }
+    }
+
+    // What went with the destination is told once.
+    void AddTroubleOfGroup(const Failure& inFailure, const std::vector<std::size_t>& inGroup)
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const auto isOfGone = [](const IngestTrouble& inTrouble) { return inTrouble.mExitCode == kExitGone; };
+        if (inFailure.ExitCode() != kExitGone
+            || std::none_of(mOutcome.mTroubles.begin(), mOutcome.mTroubles.end(), isOfGone)) {
+            mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
+        }
+        for (const std::size_t index : inGroup) {
+            mDigests[index].clear();
+        }
+        mHasEndedItself = true;
+        mEnds = true;
+    }
+
+    void Keep(const std::vector<std::size_t>& inGroup)
+    {
+        std::vector<IngestManifest::Line> lines;
+        std::vector<UTF16String> files;
+        for (const std::size_t index : inGroup) {
+            lines.push_back({mPlan.mItems[index].mName, mDigests[index]});
+            files.push_back(mPlan.mItems[index].mTarget);
+        }
+        if (IsDestinationGone(mRoots)) {
+            throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
         }
         if (!FlushGroup(mRoots.mDestination, files)) {
             throw Failure("ingest: \"" + mRoots.mShownDestination
@@ -213,7 +257,7 @@ private:
     const IngestSettings& mSettings;
     IngestManifest& mManifest;
     const IngestWatcher& mWatcher;
-    const IngestRoots& mRoots;
+    const IngestRoots mRoots;
     const IngestContext mContext;
     std::atomic<bool> mEnds{false};
     std::atomic<bool> mIsStoppedByUser{false};

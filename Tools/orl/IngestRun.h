@@ -42,8 +42,8 @@ struct IngestOutcome
 };
 
 /// Makes the folders, brings the files, and acknowledges them in groups: a file's line is written when the file is on
-/// disk under its final name. When this returns or throws, everything that was verified is acknowledged. Throws Failure
-/// where the manifest cannot be kept.
+/// disk under its final name. When this returns, everything that was verified is acknowledged, unless a trouble says that
+/// the disk or the manifest cannot be kept.
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
                         IngestManifest& ioManifest, const IngestWatcher& inWatcher);
 

@@ -1,0 +1,47 @@
+// A destination that goes while an ingest is at work. Elsewhere an open file keeps its folder in place.
+#include <IngestRunSupport.h>
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace ORLTest;
+using orl::IngestOutcome;
+using orl::IngestStep;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class IngestOnLinux : public IngestRun
+{
+};
+
+} // namespace
+
+// Nothing is written to the disk behind the mount point, and nothing acknowledged that went with the other.
+TEST_F(IngestOnLinux, ADestinationThatLeavesItsMountPoint_EndsTheRunWithOneLine)
+{
+    const fs::path away = Disk().u8string() + "-away";
+    const IngestOutcome outcome = Run(Once(IngestStep::kInPlace, "a", [&] {
+        fs::create_directory(away);
+        for (const auto& entry : fs::directory_iterator(Disk())) {
+            fs::rename(entry.path(), away / entry.path().filename());
+        }
+        fs::rename(Disk(), Disk().u8string() + "-empty");
+        fs::create_directory(Disk());
+    }));
+    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    EXPECT_TRUE(outcome.mRows.empty());
+    EXPECT_TRUE(fs::is_empty(Disk()));
+    EXPECT_EQ(mCard["a"], ReadFile(away / "a"));
+    EXPECT_EQ("", ReadFile(away / kManifest));
+}
+
+TEST_F(IngestOnLinux, ADestinationThatVanishes_EndsTheRunWithOneLine)
+{
+    const IngestOutcome outcome =
+        Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Disk(), Disk().u8string() + "-away"); }));
+    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    EXPECT_FALSE(fs::exists(Disk()));
+}

@@ -1,0 +1,103 @@
+// An ingest from inside, where a test can step in between two steps of a file.
+#pragma once
+
+#include <IngestTestSupport.h>
+
+#include <Failure.h>
+#include <IngestManifest.h>
+#include <IngestPlan.h>
+#include <IngestRun.h>
+#include <ORLFoundation.h>
+#include <Text.h>
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace ORLTest {
+
+class IngestRun : public testing::Test
+{
+protected:
+    using OnStep = std::function<void(orl::IngestStep, const orl::IngestItem&)>;
+
+    IngestRun()
+    {
+        ORL::Foundation::Initialize();
+        mFolder.MakeFolder("card");
+        for (const char* name : {"a", "b", "c"}) {
+            mFolder.MakeFile(std::string("card/") + name, std::string(2500000, *name));
+        }
+        mCard = ReadTree(Card());
+    }
+    ~IngestRun() override { ORL::Foundation::Terminate(); }
+
+    std::filesystem::path Card() const { return mFolder.Host() / "card"; }
+    std::filesystem::path Disk() const { return mFolder.Host() / "disk"; }
+
+    /// One file at a time, in the order of names.
+    orl::IngestOutcome Run(const OnStep& inOnStep, bool inReplaces = false)
+    {
+        const orl::IngestRoots roots = orl::MakeRoots(Card().u8string(), Disk().u8string());
+        std::filesystem::create_directories(Disk());
+        orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        manifest.Open();
+        mPlan = orl::MakePlan(roots, kManifest, manifest, inReplaces);
+        orl::CheckRoom(mPlan, roots);
+        orl::IngestWatcher watcher;
+        watcher.mIsStopped = [this] { return mIsStopped.load(); };
+        watcher.mShow = [](std::uint64_t, std::size_t) {};
+        watcher.mOnStep = inOnStep;
+        orl::IngestSettings settings;
+        settings.mFilesAtOnce = 1;
+        settings.mReplaces = inReplaces;
+        return orl::RunIngest(mPlan, roots, settings, manifest, watcher);
+    }
+
+    /// With another time, since the clock may not have moved on.
+    void ChangeOnCard(const std::string& inName, const std::string& inContents)
+    {
+        const auto time = std::filesystem::last_write_time(Card() / inName);
+        WriteFile(Card() / inName, inContents);
+        std::filesystem::last_write_time(Card() / inName, time + std::chrono::seconds(10));
+        mCard[inName] = inContents;
+    }
+
+    /// Whole and acknowledged are exactly these.
+    void ExpectInPlace(const std::string& inNames) const
+    {
+        FileTree expected;
+        for (const char name : inNames) {
+            expected[std::string(1, name)] = mCard.at(std::string(1, name));
+        }
+        ExpectIngested(expected, Disk());
+    }
+
+    void ExpectTrouble(const orl::IngestOutcome& inOutcome, int inExitCode, const std::string& inText) const
+    {
+        ASSERT_EQ(1u, inOutcome.mTroubles.size());
+        EXPECT_EQ(inExitCode, inOutcome.mTroubles[0].mExitCode);
+        EXPECT_NE(std::string::npos, inOutcome.mTroubles[0].mText.find(inText)) << inOutcome.mTroubles[0].mText;
+    }
+
+    /// Does something once, when a step of that file is done.
+    static OnStep Once(orl::IngestStep inStep, const std::string& inName, const std::function<void()>& inWork)
+    {
+        const auto isDone = std::make_shared<std::atomic<bool>>(false);
+        return [=](orl::IngestStep inDone, const orl::IngestItem& inItem) {
+            if (inDone == inStep && inItem.mName == inName && !isDone->exchange(true)) {
+                inWork();
+            }
+        };
+    }
+
+    TempFolder mFolder;
+    FileTree mCard;
+    std::atomic<bool> mIsStopped{false};
+    orl::IngestPlan mPlan;
+};
+
+} // namespace ORLTest
