@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -111,4 +112,22 @@ TEST_P(InterruptedIngest, AtAnyCall_LeavesNothingHalfAndASecondRunCompletes)
         ExpectIngested(mCard, Disk());
     }
     EXPECT_LE(kPoints / 2, stops);
+}
+
+TEST_P(InterruptedIngest, BehindATrouble_TellsBoth)
+{
+    ASSERT_EQ(0, ::mkfifo((mFolder.Host() / "card/pipe").c_str(), 0600));
+    TracedRun traced(Disk().string(), Errors());
+    const int calls = RunTraced(traced, 0);
+    if (calls < 0 || traced.ExitCode() == 99) {
+        GTEST_SKIP() << "processes cannot be traced here";
+    }
+    const std::string trouble = "orl: ingest: cannot read \"pipe\": it is no file\n";
+    ASSERT_EQ(4, traced.ExitCode()) << ReadFile(Errors());
+    ASSERT_EQ(trouble, ReadFile(Errors()));
+    for (int call = calls / 2; call > 0 && traced.ExitCode() != kStopped; call -= calls / 8) {
+        RunTraced(traced, call);
+    }
+    EXPECT_EQ(kStopped, traced.ExitCode());
+    EXPECT_EQ(trouble + kLine, ReadFile(Errors()));
 }

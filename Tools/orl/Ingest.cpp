@@ -50,13 +50,14 @@ void HearTheUser()
 #endif
 }
 
-// Every trouble has a line; the last is the program's.
-[[noreturn]] void Fail(const std::vector<IngestTrouble>& inTroubles)
+// Every trouble has a line; the last is the program's. A stop is the last, and has the exit code.
+[[noreturn]] void Fail(const IngestOutcome& inOutcome)
 {
-    for (std::size_t i = 0; i + 1 < inTroubles.size(); ++i) {
-        Complain(inTroubles[i].mText);
+    const std::vector<IngestTrouble>& troubles = inOutcome.mTroubles;
+    for (std::size_t i = 0; i + 1 < troubles.size(); ++i) {
+        Complain(troubles[i].mText);
     }
-    throw Failure(inTroubles.back().mText, inTroubles.front().mExitCode);
+    throw Failure(troubles.back().mText, (inOutcome.mIsStopped ? troubles.back() : troubles.front()).mExitCode);
 }
 
 void OpenManifest(const IngestRoots& inRoots, IngestManifest& ioManifest)
@@ -101,14 +102,17 @@ void Run(const Options& inOptions)
     PrintSummary(outcome, plan.mItems.size() + plan.mTroubles.size(), rate,
                  JoinHostPath(inOptions.mDestination, inOptions.mManifest));
     if (outcome.mIsStopped) {
-        outcome.mTroubles = {{"ingest: stopped by the user; what is in place is whole and stays", kExitStopped}};
+        outcome.mTroubles.push_back(
+            {"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
     }
     if (outcome.mHasNoAnswer) {
-        Complain(outcome.mTroubles.front().mText);
+        for (const IngestTrouble& trouble : outcome.mTroubles) {
+            Complain(trouble.mText);
+        }
         std::_Exit(kExitGone);
     }
     if (!outcome.mTroubles.empty()) {
-        Fail(outcome.mTroubles);
+        Fail(outcome);
     }
 }
 
