@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "IngestListing.h"
+#include "IngestTimes.h"
 #include "Text.h"
 
 #include <ORLDirectory.h>
@@ -170,10 +171,7 @@ private:
 
     static bool HasSameTime(const IngestItem& inItem)
     {
-        unsigned __int64 source = 0;
-        unsigned __int64 target = 0;
-        return ORL::ResultSucceeded(ORL::File::GetLastModificationTime(inItem.mSource, source))
-               && ORL::ResultSucceeded(ORL::File::GetLastModificationTime(inItem.mTarget, target)) && source == target;
+        return HasTimeOf(inItem.mSource, inItem.mTarget, TemporaryPathOf(inItem));
     }
 
     void FindLeftovers()
