@@ -219,6 +219,21 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     return kNoError;
 }
 
+// What was made for an open that fails is not left behind, unless it is no longer ours alone: another who had it before us
+// (32) keeps it, and the name may belong to another file by now.
+void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError inError)
+{
+    struct statx made;
+    struct stat named;
+    const bool isOurs = inError != kErrorSharingViolation
+                        && System().mStatx(inFile.mDescriptor, "", AT_EMPTY_PATH, STATX_INO, &made) == 0
+                        && GetEntryStatus(inPath, named) == kNoError && named.st_ino == made.stx_ino
+                        && named.st_dev == makedev(made.stx_dev_major, made.stx_dev_minor);
+    if (isOurs) {
+        System().mUnlink(inPath.c_str());
+    }
+}
+
 // A name that ends in a separator is a directory or no name at all.
 SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 {
@@ -263,7 +278,7 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::un
     error = SetUp(*file, inWish, outIsNew, outStatus);
     if (error != kNoError) {
         if (outIsNew) {
-            System().mUnlink(path.c_str());
+            RemoveMade(path, *file, error);
         }
         return error;
     }

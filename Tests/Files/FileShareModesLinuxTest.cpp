@@ -6,8 +6,11 @@
 
 #include <FaultySystemCallsLinux.h>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <memory>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace ORL;
@@ -16,6 +19,9 @@ using namespace ORLTest;
 namespace {
 
 using Faults = FaultySystemCalls;
+
+constexpr Disposition::Type kMaking[] = {Disposition::kFileCreate_New, Disposition::kFileCreate_Always,
+                                         Disposition::kFileCreate_OpenAlways};
 
 class Other
 {
@@ -143,4 +149,101 @@ TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
     EXPECT_EQ(1u, calls.Count(Faults::kLockRange));
     file.mFile.Close();
     EXPECT_EQ(2u, calls.Count(Faults::kLockRange));
+}
+
+// --- a file that is made, and opened by another before its maker holds it ---------------------------------------------
+
+// In this process, between the making and the first question about it.
+TEST(FileShareModesOnLinux, AMakerWhoComesTooLate_LeavesTheFileToItsHolder)
+{
+    for (const Disposition::Type disposition : kMaking) {
+        const TempFolder folder;
+        Faults calls;
+        std::unique_ptr<Opened> holder;
+        calls.Before(Faults::kFStat, 1, [&] {
+            holder = std::make_unique<Opened>(folder.Path(u"f"), kReadWrite, kShareNone);
+            EXPECT_EQ(kSuccess, holder->mResult);
+            EXPECT_TRUE(WriteText(holder->mFile, "mine"));
+        });
+        EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kReadWrite, kShareNone, disposition).mResult);
+        ASSERT_NE(nullptr, holder);
+        EXPECT_EQ("mine", ContentsOf(folder, "f")) << "disposition " << disposition;
+    }
+}
+
+// Another process has its locks before the maker's.
+TEST(FileShareModesOnLinux, AMakerWhoMeetsLocks_LeavesTheFileToTheirOwner)
+{
+    for (const Disposition::Type disposition : kMaking) {
+        const TempFolder folder;
+        Faults calls;
+        std::unique_ptr<Other> other;
+        calls.Before(Faults::kLockRange, 1, [&] {
+            other = std::make_unique<Other>(folder);
+            other->ShutOutReaders();
+        });
+        EXPECT_EQ(kSharingViolation, Opened(folder.Path(u"f"), kReadWrite, kShareNone, disposition).mResult);
+        ASSERT_NE(nullptr, other);
+        EXPECT_EQ("", ContentsOf(folder, "f")) << "disposition " << disposition;
+    }
+}
+
+// Two processes open the name alone, whether it is there or not. The second comes when the first has just made it.
+TEST(FileShareModesOnLinux, OfTwoProcessesThatMakeAFile_TheLoserDeletesNothing)
+{
+    const TempFolder folder;
+    const auto open = [&folder] {
+        return std::make_unique<Opened>(folder.Path(u"f"), kReadWrite, kShareNone, Disposition::kFileCreate_OpenAlways);
+    };
+    int ready[2];
+    int done[2];
+    ASSERT_EQ(0, ::pipe(ready));
+    ASSERT_EQ(0, ::pipe(done));
+    pid_t child = -1;
+    char byte = 'x';
+    {
+        Faults calls;
+        calls.Before(Faults::kFStat, 1, [&] {
+            child = ::fork();
+            if (child != 0) {
+                EXPECT_EQ(1, ::read(ready[0], &byte, 1));
+                return;
+            }
+            ::close(done[1]);
+            const auto winner = open();
+            const bool isTold = ::write(ready[1], &byte, 1) == 1;
+            const bool isOver = ::read(done[0], &byte, 1) == 0;
+            ::_exit(winner->mResult == kSuccess && isTold && isOver && WriteText(winner->mFile, "mine") ? 0 : 1);
+        });
+        EXPECT_EQ(kSharingViolation, open()->mResult);
+    }
+    ::close(done[1]);
+    int status = 0;
+    ASSERT_EQ(child, ::waitpid(child, &status, 0));
+    EXPECT_EQ(0, status);
+    EXPECT_EQ("mine", ContentsOf(folder, "f"));
+    for (const int end : {ready[0], ready[1], done[0]}) {
+        ::close(end);
+    }
+}
+
+// What was made and cannot be used goes again, but not what another has put in its place.
+TEST(FileShareModesOnLinux, AMakerWhoFails_DeletesHisOwnFileAlone)
+{
+    const TempFolder folder;
+    {
+        Faults calls;
+        calls.Fail(Faults::kFStat, 1, EIO);
+        EXPECT_EQ(kGeneralFailure,
+                  Opened(folder.Path(u"f"), kReadWrite, kShareNone, Disposition::kFileCreate_New).mResult);
+    }
+    EXPECT_EQ("<none>", ContentsOf(folder, "f"));
+    Faults calls;
+    calls.Fail(Faults::kFStat, 1, EIO);
+    calls.Before(Faults::kFStat, 1, [&folder] {
+        std::filesystem::rename(folder.Host() / "f", folder.Host() / "aside");
+        folder.MakeFile("f", "another");
+    });
+    EXPECT_EQ(kGeneralFailure, Opened(folder.Path(u"f"), kReadWrite, kShareNone, Disposition::kFileCreate_New).mResult);
+    EXPECT_EQ("another", ContentsOf(folder, "f"));
 }
