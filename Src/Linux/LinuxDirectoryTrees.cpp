@@ -85,8 +85,34 @@ SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, std:
     return *outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
 
-// The destination is made where missing, but not inside the source.
-SystemError OpenDestination(const UTF16String& inTo, int inSource, std::unique_ptr<Descriptor>& outDestination)
+// Puts the names on disk that lead from inTop, which is above it or the folder itself, to the folder.
+int SyncNamesBelow(int inTop, int inFolder)
+{
+    struct stat top;
+    struct stat current;
+    if (!GetIdentity(inTop, top) || !GetIdentity(inFolder, current)) {
+        return errno;
+    }
+    std::unique_ptr<Descriptor> folder;
+    while (!IsSame(current, top)) {
+        auto parent = std::make_unique<Descriptor>(OpenFolderAt(folder ? folder->Get() : inFolder, ".."));
+        struct stat above;
+        if (!*parent || !GetIdentity(parent->Get(), above)) {
+            return errno;
+        }
+        const int failure = SyncFolder(parent->Get());
+        if (failure != 0 || IsSame(above, current)) {
+            return failure;
+        }
+        current = above;
+        folder = std::move(parent);
+    }
+    return 0;
+}
+
+// The destination is made where missing, but not inside the source. Where the source goes then, its name stays.
+SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource,
+                            std::unique_ptr<Descriptor>& outDestination)
 {
     HostPath path;
     const SystemError error = ResolveHostPath(inTo, path);
@@ -102,7 +128,11 @@ SystemError OpenDestination(const UTF16String& inTo, int inSource, std::unique_p
     }
     PathUtils::Platform::PreparePathForWrite_Impl(inTo);
     outDestination = std::make_unique<Descriptor>(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
-    return *outDestination ? kNoError : SystemErrorFromErrno(errno, path.mPath);
+    if (!*outDestination) {
+        return SystemErrorFromErrno(errno, path.mPath);
+    }
+    return inFunction == ShellFunction::kMove ? SystemErrorFromErrno(SyncNamesBelow(nearest.Get(), outDestination->Get()))
+                                              : kNoError;
 }
 
 // A pattern that nothing fits is a failure of its own.
@@ -118,12 +148,12 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
     SystemError error = CheckNotEmpty(inSource);
     std::unique_ptr<Descriptor> destination;
     if (error == kNoError) {
-        error = OpenDestination(inTo, inSource, destination);
+        error = OpenDestination(inFunction, inTo, inSource, destination);
     }
     if (error != kNoError) {
         return error;
     }
-    return SystemErrorFromErrno(inFunction == ShellFunction::kCopy ? CopyContents(inSource, destination->Get())
+    return SystemErrorFromErrno(inFunction == ShellFunction::kCopy ? CopyContents(inSource, destination->Get(), CopyEnd::kIsWritten)
                                                                    : MoveContents(inSource, destination->Get()));
 }
 

@@ -51,5 +51,10 @@ bool OpenFolder::Fill()
     return size > 0;
 }
 
+int SyncFolder(int inFolder) noexcept
+{
+    return System().mFSync(inFolder) == 0 || errno == EINVAL || errno == EOPNOTSUPP ? 0 : errno;
+}
+
 } // namespace Linux
 } // namespace ORL

@@ -55,5 +55,9 @@ private:
     alignas(dirent64) char mBuffer[16384];
 };
 
+/// Puts the names of an open folder on disk: 0 or an errno. A file system without a way to sync folders keeps its names safe
+/// by itself.
+int SyncFolder(int inFolder) noexcept;
+
 } // namespace Linux
 } // namespace ORL

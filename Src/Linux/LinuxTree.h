@@ -28,6 +28,9 @@ public:
     explicit operator bool() const noexcept { return mFile >= 0; }
     int Get() const noexcept { return mFile; }
 
+    /// Closes it now, and tells what the system tells: 0 or an errno. Some file systems say only here that there was no room.
+    int Close() noexcept;
+
 private:
     int mFile;
 };
@@ -78,12 +81,15 @@ int WipeContents(int inFolder);
 /// Deletes one entry with all that is in it. One that is gone already is fine.
 int WipeEntry(int inFolder, const TreeEntry& inEntry);
 
+/// What holds of a copy when it is done. kIsOnDisk: contents and names, but for the name of the entry itself in its folder.
+enum class CopyEnd { kIsWritten, kIsOnDisk };
+
 /// Copies all that is in one folder into another, over files of the same name. A file gets its name when it is whole.
 /// Contents, permissions and last-write times are kept, the latter of files.
-int CopyContents(int inFrom, int inTo);
-int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo);
+int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
 
-/// Moves likewise; between volumes by copying.
+/// Moves likewise; between volumes by copying. An entry is deleted there when its copy is on disk.
 int MoveContents(int inFrom, int inTo);
 
 } // namespace Linux

@@ -1,9 +1,8 @@
 #include "LinuxCopyBytes.h"
+#include "LinuxTemporaryName.h"
 #include "LinuxTree.h"
 
-#include <atomic>
 #include <cerrno>
-#include <unistd.h>
 
 namespace ORL {
 namespace Linux {
@@ -11,13 +10,6 @@ namespace Linux {
 namespace {
 
 constexpr mode_t kPermissions = 0777;
-
-// A name beside the target that nobody else has; it is hidden.
-std::string TemporaryName()
-{
-    static std::atomic<unsigned> sCount{0};
-    return ".orl-copy-" + std::to_string(::getpid()) + "-" + std::to_string(sCount.fetch_add(1));
-}
 
 int KeepTimes(int inTo, const struct stat& inStatus)
 {
@@ -29,7 +21,7 @@ int KeepTimes(int inTo, const struct stat& inStatus)
 class NewEntry
 {
 public:
-    explicit NewEntry(int inFolder) : mFolder(inFolder), mName(TemporaryName()) {}
+    explicit NewEntry(int inFolder) : mFolder(inFolder) {}
     ~NewEntry()
     {
         if (mIsThere) {
@@ -39,17 +31,19 @@ public:
     NewEntry(const NewEntry&) = delete;
     NewEntry& operator=(const NewEntry&) = delete;
 
+    /// An open file, or -1 and errno.
     int MakeFile(mode_t inMode)
     {
-        const int file = System().mOpenAt(mFolder, mName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, inMode);
-        mIsThere = file >= 0;
-        return file;
+        return Make([this, inMode](const char* inName) {
+            return System().mOpenAt(mFolder, inName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, inMode);
+        });
     }
 
     int MakeLink(const char* inTarget)
     {
-        mIsThere = System().mSymLinkAt(inTarget, mFolder, mName.c_str()) == 0;
-        return mIsThere ? 0 : errno;
+        return Make([this, inTarget](const char* inName) { return System().mSymLinkAt(inTarget, mFolder, inName); }) == 0
+                   ? 0
+                   : errno;
     }
 
     int GiveName(const char* inName)
@@ -62,12 +56,35 @@ public:
     }
 
 private:
+    template <class Call>
+    int Make(const Call& inCall)
+    {
+        const int answer = MakeUnderTemporaryName("copy", mName, inCall);
+        mIsThere = answer >= 0;
+        return answer;
+    }
+
     const int mFolder;
-    const std::string mName;
+    std::string mName;
     bool mIsThere = false;
 };
 
-int CopyFileEntry(int inFrom, const char* inName, int inTo)
+// The contents of one file in a new one, which is closed then.
+int FillCopy(int inFrom, const struct stat& inStatus, Descriptor& ioTo, CopyEnd inEnd)
+{
+    int failure = CopyBytes(inFrom, ioTo.Get(), static_cast<std::uint64_t>(inStatus.st_size));
+    if (failure != 0) {
+        return failure;
+    }
+    CopyUserAttributes(inFrom, ioTo.Get(), AttributesThere::kNone);
+    failure = KeepTimes(ioTo.Get(), inStatus);
+    if (failure == 0 && inEnd == CopyEnd::kIsOnDisk) {
+        failure = System().mFSync(ioTo.Get()) == 0 ? 0 : errno;
+    }
+    return failure == 0 ? ioTo.Close() : failure;
+}
+
+int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
 {
     TreeHold from;
     int failure = from.EnterOpen(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0),
@@ -86,16 +103,8 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo)
         return failure;
     }
     NewEntry entry(inTo);
-    const Descriptor to(entry.MakeFile(status.st_mode & kPermissions));
-    if (!to) {
-        return errno;
-    }
-    failure = CopyBytes(from.File(), to.Get(), static_cast<std::uint64_t>(status.st_size));
-    if (failure != 0) {
-        return failure;
-    }
-    CopyUserAttributes(from.File(), to.Get(), AttributesThere::kNone);
-    failure = KeepTimes(to.Get(), status);
+    Descriptor to(entry.MakeFile(status.st_mode & kPermissions));
+    failure = to ? FillCopy(from.File(), status, to, inEnd) : errno;
     return failure == 0 ? entry.GiveName(inName) : failure;
 }
 
@@ -112,7 +121,7 @@ int CopyLinkEntry(int inFrom, const char* inName, int inTo)
 }
 
 // A folder that is there already is joined and keeps its permissions.
-int CopyFolderEntry(int inFrom, const char* inName, int inTo)
+int CopyFolderEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
 {
     const Descriptor from(OpenSubfolder(inFrom, inName));
     struct stat status;
@@ -128,12 +137,12 @@ int CopyFolderEntry(int inFrom, const char* inName, int inTo)
     if (!to) {
         return errno;
     }
-    const int failure = CopyContents(from.Get(), to.Get());
+    const int failure = CopyContents(from.Get(), to.Get(), inEnd);
     const bool isTooOpen = isNew && (status.st_mode & S_IRWXU) != S_IRWXU;
     if (failure == 0 && isTooOpen && System().mFChMod(to.Get(), status.st_mode & kPermissions) != 0) {
         return errno;
     }
-    return failure;
+    return failure == 0 && inEnd == CopyEnd::kIsOnDisk ? SyncFolder(to.Get()) : failure;
 }
 
 // What the listing does not tell is asked, of the entry itself.
@@ -151,28 +160,28 @@ unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
 
 } // namespace
 
-int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo)
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd)
 {
     const char* const name = inEntry.mName.c_str();
     switch (TypeOf(inFrom, inEntry)) {
     case DT_DIR:
-        return CopyFolderEntry(inFrom, name, inTo);
+        return CopyFolderEntry(inFrom, name, inTo, inEnd);
     case DT_LNK:
         return CopyLinkEntry(inFrom, name, inTo);
     case DT_REG:
     case DT_UNKNOWN:
-        return CopyFileEntry(inFrom, name, inTo);
+        return CopyFileEntry(inFrom, name, inTo, inEnd);
     default:
         return ENOTSUP;
     }
 }
 
-int CopyContents(int inFrom, int inTo)
+int CopyContents(int inFrom, int inTo, CopyEnd inEnd)
 {
     std::vector<TreeEntry> entries;
     int failure = ListFolder(inFrom, entries);
     for (std::size_t i = 0; failure == 0 && i < entries.size(); ++i) {
-        failure = CopyEntry(inFrom, entries[i], inTo);
+        failure = CopyEntry(inFrom, entries[i], inTo, inEnd);
     }
     return failure;
 }

@@ -75,6 +75,14 @@ int HoldToMove(int inFolder, const TreeEntry& inEntry, TreeHold& outHold)
     return failure == ENOTDIR || failure == ELOOP ? outHold.EnterFile(inFolder, name, kShareDelete, kShareAll) : failure;
 }
 
+// What is wiped is on disk elsewhere by then, with its name.
+int MoveToOtherVolume(int inFrom, const TreeEntry& inEntry, int inTo)
+{
+    int failure = CopyEntry(inFrom, inEntry, inTo, CopyEnd::kIsOnDisk);
+    failure = failure == 0 ? SyncFolder(inTo) : failure;
+    return failure == 0 ? WipeEntry(inFrom, inEntry) : failure;
+}
+
 int MoveEntry(int inFrom, const TreeEntry& inEntry, int inTo)
 {
     const char* const name = inEntry.mName.c_str();
@@ -88,8 +96,7 @@ int MoveEntry(int inFrom, const TreeEntry& inEntry, int inTo)
         failure = MoveOver(inFrom, name, inTo);
     }
     if (failure == EXDEV) {
-        failure = CopyEntry(inFrom, inEntry, inTo);
-        failure = failure == 0 ? WipeEntry(inFrom, inEntry) : failure;
+        failure = MoveToOtherVolume(inFrom, inEntry, inTo);
     }
     return failure;
 }

@@ -12,6 +12,13 @@ Descriptor::~Descriptor()
     }
 }
 
+int Descriptor::Close() noexcept
+{
+    const int file = mFile;
+    mFile = -1;
+    return file < 0 || System().mClose(file) == 0 || errno == EINTR ? 0 : errno; // it is closed in any case
+}
+
 int OpenSubfolder(int inFolder, const char* inName)
 {
     return System().mOpenAt(inFolder, inName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);

@@ -1,82 +1,20 @@
-// Trees as only Linux has them: links that must not lead out, volumes, permissions, and a system that fails.
-#include <ORLDirectory.h>
+// Trees as only Linux has them: links that must not lead out, volumes, permissions.
+#include "DirectoryTreesOnLinux.h"
+
 #include <ORLFile.h>
 
 #include <FaultySystemCallsLinux.h>
-#include <TempFolder.h>
 #include <TextHelpers.h>
 #include <UnprivilegedLinux.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <gtest/gtest.h>
-#include <iterator>
-#include <map>
-#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace ORL;
-using ORLTest::FaultySystemCalls;
-using ORLTest::RunUnprivileged;
-using ORLTest::TempFolder;
-using ORLTest::Units;
-
-namespace {
-
-namespace fs = std::filesystem;
-
-// By name: the contents, "/" for a folder, "-> target" for a link.
-using Tree = std::map<std::string, std::string>;
-
-Tree Read(const fs::path& inFolder)
-{
-    Tree tree;
-    for (const auto& entry : fs::recursive_directory_iterator(inFolder)) {
-        std::string what = "/";
-        if (entry.is_symlink()) {
-            what = "-> " + fs::read_symlink(entry.path()).string();
-        } else if (!entry.is_directory()) {
-            std::ifstream file(entry.path(), std::ios::binary);
-            what.assign(std::istreambuf_iterator<char>(file), {});
-        }
-        tree[entry.path().lexically_relative(inFolder).string()] = what;
-    }
-    return tree;
-}
-
-class DirectoryTreesOnLinux : public testing::Test
-{
-protected:
-    void MakeTree()
-    {
-        mFolder.MakeFolder("from/sub");
-        mFolder.MakeFile("from/a", "A");
-        mFolder.MakeFile("from/sub/b", "B");
-        fs::create_symlink("a", mFolder.Host() / "from/link");
-        mOutside.MakeFile("precious", "P");
-        mOutside.MakeFolder("folder");
-        fs::create_directory_symlink(mOutside.Host(), mFolder.Host() / "from/out");
-        fs::create_directory_symlink("..", mFolder.Host() / "from/sub/up");
-        mTree = Read(Host("from"));
-        mOutsideTree = Read(mOutside.Host());
-    }
-
-    fs::path Host(const std::string& inName) const { return mFolder.Host() / inName; }
-    UTF16String From() const { return mFolder.Path(u"from"); }
-    UTF16String To() const { return mFolder.Path(u"to"); }
-    void ExpectNothingOutsideChanged() const { EXPECT_EQ(mOutsideTree, Read(mOutside.Host())); }
-
-    TempFolder mFolder;
-    TempFolder mOutside;
-    Tree mTree;
-    Tree mOutsideTree;
-};
-
-} // namespace
+using namespace ORLTest;
 
 TEST_F(DirectoryTreesOnLinux, Wipe_NeverFollowsALink)
 {
@@ -374,137 +312,4 @@ TEST_F(DirectoryTreesOnLinux, Wipe_ALinkThatTakesAFoldersPlace_IsNotFollowed)
     sExchange = nullptr;
     ExpectNothingOutsideChanged();
     EXPECT_TRUE(fs::exists(Host("aside/b")));
-}
-
-namespace {
-
-constexpr FaultySystemCalls::Call kCallsOfTrees[] = {
-    FaultySystemCalls::kOpenAt,    FaultySystemCalls::kGetDents, FaultySystemCalls::kFStat,
-    FaultySystemCalls::kPRead,     FaultySystemCalls::kPWrite,   FaultySystemCalls::kCopyRange,
-    FaultySystemCalls::kFUTimens,  FaultySystemCalls::kFChMod,   FaultySystemCalls::kMakeDirAt,
-    FaultySystemCalls::kReadLinkAt, FaultySystemCalls::kSymLinkAt, FaultySystemCalls::kRenameAt,
-    FaultySystemCalls::kUnlinkAt,  FaultySystemCalls::kRemoveDir, FaultySystemCalls::kStatx,
-};
-
-// Runs inWork with each call failing at each index, and inCheck(result, whether one had to fail) behind it. A file that may
-// not be opened or asked about can be deleted and moved all the same.
-template <class Prepare, class Work, class Check>
-void FailEachCall(const Prepare& inPrepare, const Work& inWork, const Check& inCheck)
-{
-    for (const FaultySystemCalls::Call call : kCallsOfTrees) {
-        for (const int error : {EIO, ENOSPC, EACCES, EMFILE}) {
-            for (unsigned number = 1;; ++number) {
-                SCOPED_TRACE("call " + std::to_string(call) + ", number " + std::to_string(number));
-                inPrepare();
-                unsigned made = 0;
-                Result result = kSuccess;
-                {
-                    FaultySystemCalls calls;
-                    calls.Fail(call, number, error);
-                    result = inWork();
-                    made = calls.Count(call);
-                }
-                const bool isNoMatter = call == FaultySystemCalls::kStatx
-                                        || (call == FaultySystemCalls::kOpenAt && error == EACCES);
-                inCheck(result, made >= number && !isNoMatter);
-                EXPECT_TRUE(made >= number || result == kSuccess);
-                if (made < number || testing::Test::HasFailure()) {
-                    break;
-                }
-            }
-        }
-    }
-}
-
-unsigned OpenDescriptors()
-{
-    return static_cast<unsigned>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()));
-}
-
-} // namespace
-
-TEST_F(DirectoryTreesOnLinux, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheSourceWhole)
-{
-    MakeTree();
-    const unsigned descriptors = OpenDescriptors();
-    FailEachCall([this] { fs::remove_all(Host("to")); }, [this] { return Directory::Copy(From(), To()); },
-                 [this](Result inResult, bool) {
-                     EXPECT_EQ(mTree, Read(Host("from")));
-                     if (!fs::exists(Host("to"))) {
-                         EXPECT_EQ(kGeneralFailure, inResult);
-                         return;
-                     }
-                     for (const auto& [name, contents] : Read(Host("to"))) {
-                         // What could not be cleared away has a name of its own.
-                         if (name.find(".orl-copy-") == std::string::npos) {
-                             EXPECT_EQ(mTree[name], contents) << name;
-                         }
-                     }
-                     if (inResult == kSuccess) {
-                         EXPECT_EQ(mTree, Read(Host("to")));
-                     } else {
-                         EXPECT_EQ(kGeneralFailure, inResult);
-                     }
-                 });
-    EXPECT_EQ(descriptors, OpenDescriptors());
-    ExpectNothingOutsideChanged();
-}
-
-TEST_F(DirectoryTreesOnLinux, Move_EachCallFailsOnce_LosesNothing)
-{
-    MakeTree();
-    const fs::path keep = mOutside.Host() / "tree";
-    fs::copy(Host("from"), keep, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    const unsigned descriptors = OpenDescriptors();
-    FailEachCall(
-        [&] {
-            fs::remove_all(Host("from"));
-            fs::remove_all(Host("to"));
-            fs::copy(keep, Host("from"), fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-            mFolder.MakeFolder("to/sub");
-        },
-        [this] { return Directory::Move(From(), To()); },
-        [this](Result inResult, bool) {
-            Tree both = Read(Host("from"));
-            both.merge(Read(Host("to")));
-            EXPECT_EQ(mTree, both);
-            EXPECT_EQ(inResult == kSuccess, fs::is_empty(Host("from")));
-        });
-    EXPECT_EQ(descriptors, OpenDescriptors());
-}
-
-TEST_F(DirectoryTreesOnLinux, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirectory)
-{
-    MakeTree();
-    const fs::path keep = mFolder.Host() / "keep";
-    fs::copy(Host("from"), keep, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    const unsigned descriptors = OpenDescriptors();
-    FailEachCall(
-        [&] {
-            fs::remove_all(Host("from"));
-            fs::copy(keep, Host("from"), fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-        },
-        [this] { return Directory::DeleteNotEmpty(From()); },
-        [this](Result inResult, bool inFailed) {
-            EXPECT_EQ(inResult == kSuccess, !fs::exists(Host("from")));
-            EXPECT_TRUE(!inFailed || inResult != kSuccess);
-        });
-    EXPECT_EQ(descriptors, OpenDescriptors());
-    ExpectNothingOutsideChanged();
-}
-
-// The kernel refuses its own copy, and writes come short.
-TEST_F(DirectoryTreesOnLinux, Copy_ByHand_GivesTheSameTree)
-{
-    MakeTree();
-    mFolder.MakeFile("from/long", std::string(3000000, 'l'));
-    const Tree tree = Read(Host("from"));
-    {
-        FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kCopyRange, 1, EXDEV, FaultySystemCalls::kForEver);
-        calls.Shorten(FaultySystemCalls::kPWrite, 2, 1000);
-        calls.Shorten(FaultySystemCalls::kPRead, 3, 70000);
-        EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
-    }
-    EXPECT_EQ(tree, Read(Host("to")));
 }
