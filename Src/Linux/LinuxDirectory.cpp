@@ -100,19 +100,31 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
            && one.stx_dev_major == other.stx_dev_major && one.stx_dev_minor == other.stx_dev_minor;
 }
 
-// The name goes before the byte is written, so that nobody meets the file and no end of the process leaves it.
+namespace {
+
+// A folder in which names can be made and not deleted would keep the probe for all to see.
+bool KeepsAllNames(const std::string& inFolder)
+{
+    struct statx status;
+    return System().mStatx(AT_FDCWD, inFolder.c_str(), 0, STATX_TYPE, &status) == 0
+           && (status.stx_attributes & STATX_ATTR_APPEND) != 0;
+}
+
+} // namespace
+
+// The name goes before the byte is written, so that nobody meets the file and no end of the process leaves it. A file
+// without a name would ask less: whether the folder takes names, and lets go of them.
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ResolveHostPath(inPath, path) != kNoError) {
+    if (ResolveHostPath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
     const int file = System().mOpen(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file < 0) {
         return false;
     }
-    System().mUnlink(path.mPath.c_str());
-    const bool isWritten = System().mPWrite(file, "X", 1, 0) == 1;
+    const bool isWritten = System().mUnlink(path.mPath.c_str()) == 0 && System().mPWrite(file, "X", 1, 0) == 1;
     System().mClose(file);
     return isWritten;
 }

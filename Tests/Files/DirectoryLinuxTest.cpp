@@ -271,6 +271,37 @@ TEST(DirectoryFaults, AProbeThatCannotBeWritten_LeavesNothing)
     EXPECT_TRUE(directory.IsDirectoryEmpty());
 }
 
+// Where a probe cannot be taken away again the folder is not as free as one that takes files, and nothing more is made of it.
+TEST(DirectoryFaults, AProbeThatCannotBeDeleted_IsNoWriteableFolder)
+{
+    const TempFolder folder;
+    const Directory directory = Directory::ConstructDirectory(folder.Path());
+    for (const int error : {EPERM, EACCES, EIO}) {
+        FaultySystemCalls calls;
+        calls.Fail(FaultySystemCalls::kUnlink, 1, error);
+        EXPECT_FALSE(directory.IsDirectoryWriteable());
+        EXPECT_EQ(1u, calls.Count(FaultySystemCalls::kUnlink));
+        EXPECT_EQ(0u, calls.Count(FaultySystemCalls::kPWrite));
+        EXPECT_EQ(calls.Count(FaultySystemCalls::kOpen), calls.Count(FaultySystemCalls::kClose));
+    }
+}
+
+// A folder in which nothing can be deleted would keep the probe for all to see.
+TEST(DirectoryFaults, AFolderThatIsOnlyAppendedTo_GetsNoProbe)
+{
+    const TempFolder folder;
+    const Directory directory = Directory::ConstructDirectory(folder.Path());
+    FaultySystemCalls calls;
+    calls.Underneath().mStatx = [](int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus) {
+        const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
+        outStatus->stx_attributes |= STATX_ATTR_APPEND;
+        return answer;
+    };
+    EXPECT_FALSE(directory.IsDirectoryWriteable());
+    EXPECT_EQ(0u, calls.Count(FaultySystemCalls::kOpen));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Host()));
+}
+
 TEST(DirectoryFaults, Delete_GivesTheCodeOfEachError)
 {
     const TempFolder folder;
