@@ -101,7 +101,8 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 
 /// Puts the replacement in the place of the replaced file, whose earlier contents are then inBackup, which is
 /// overwritten where it exists. After success contents and names are on disk. At every moment the replaced name holds
-/// the one or the other, whole.
+/// the one or the other, whole. A backup whose name is too long for the volume, and for nothing else, is kept beside the
+/// replaced file until then and is gone after success.
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
                              const UTF16String& inBackup);
 

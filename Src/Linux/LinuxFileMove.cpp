@@ -2,6 +2,8 @@
 #include "LinuxCopyBytes.h"
 #include "LinuxErrors.h"
 #include "LinuxFileCopy.h"
+#include "LinuxOpenFolder.h"
+#include "LinuxTemporaryName.h"
 #include "SystemCalls.h"
 
 #include <cerrno>
@@ -87,34 +89,77 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 
 // --- replacing -------------------------------------------------------------------------------------------------------
 
-// A file system without a way to sync folders keeps its names safe by itself.
-SystemError SyncFolder(const std::string& inFolder)
+SystemError SyncNamesOf(const std::string& inFolder)
 {
     const int folder = System().mOpen(inFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
     if (folder < 0) {
         return SystemErrorFromErrno(errno, inFolder);
     }
-    const int error = System().mFSync(folder) == 0 ? 0 : errno;
+    const int error = SyncFolder(folder);
     System().mClose(folder);
-    return error == EINVAL || error == EOPNOTSUPP ? kNoError : SystemErrorFromErrno(error);
+    return SystemErrorFromErrno(error);
 }
 
-// A second name for the contents of the replaced file; a copy of them where the file system has one name for each file.
-SystemError MakeBackup(const HostPath& inReplaced, const HostPath& inBackup)
+// What the replaced name held: a second name for it, or a copy where the file system has one name for each file.
+class Backup
 {
-    const char* const from = inReplaced.mPath.c_str();
-    const char* const to = inBackup.mPath.c_str();
-    int error = System().mLink(from, to) == 0 ? 0 : errno;
-    if (error == EEXIST && System().mUnlink(to) == 0) {
-        error = System().mLink(from, to) == 0 ? 0 : errno;
+public:
+    explicit Backup(const HostPath& inPath) : mPath(inPath) {}
+
+    // A name that is too long for the file system could not be used by anybody: one of our own stands for it then.
+    SystemError Make(const HostPath& inReplaced)
+    {
+        const SystemError error = MakeOver(inReplaced);
+        mIsOurs = error == kErrorInvalidName;
+        return mIsOurs ? MakeUnderOwnName(inReplaced) : error;
     }
-    if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK || error == EXDEV) {
-        CopyWish wish;
-        wish.mSyncs = true;
-        return CopyHostFile(inReplaced, inBackup, wish);
+
+    void Remove() const { System().mUnlink(mPath.mPath.c_str()); }
+
+    // When the new contents are safe.
+    void RemoveIfOurs() const
+    {
+        if (mIsOurs) {
+            Remove();
+        }
     }
-    return error == 0 ? kNoError : SystemErrorFromErrno(error, inBackup.mPath);
-}
+
+private:
+    SystemError MakeAt(const HostPath& inReplaced, std::uint32_t inDisposition) const
+    {
+        const int error = System().mLink(inReplaced.mPath.c_str(), mPath.mPath.c_str()) == 0 ? 0 : errno;
+        if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK || error == EXDEV) {
+            CopyWish wish;
+            wish.mDisposition = inDisposition;
+            wish.mSyncs = true;
+            return CopyHostFile(inReplaced, mPath, wish);
+        }
+        return error == 0 ? kNoError : SystemErrorFromErrno(error, mPath.mPath);
+    }
+
+    SystemError MakeOver(const HostPath& inReplaced) const
+    {
+        const SystemError error = MakeAt(inReplaced, kOpenAlways);
+        const bool isFree = error == kErrorFileExists && System().mUnlink(mPath.mPath.c_str()) == 0;
+        return isFree ? MakeAt(inReplaced, kOpenAlways) : error;
+    }
+
+    SystemError MakeUnderOwnName(const HostPath& inReplaced)
+    {
+        SystemError error = kNoError;
+        std::string name;
+        MakeUnderTemporaryName("swap", name, [&](const char* inName) {
+            mPath.mPath = FolderOf(inReplaced.mPath) + inName;
+            error = MakeAt(inReplaced, kCreateNew);
+            errno = error == kErrorFileExists ? EEXIST : 0;
+            return error == kNoError ? 0 : -1;
+        });
+        return error;
+    }
+
+    HostPath mPath;
+    bool mIsOurs = false;
+};
 
 // The two files of a replacement, held against others.
 struct Replacing
@@ -155,7 +200,7 @@ struct Replacing
 
 // From here on the name holds the new contents or the old ones, and the replacement's name stands as long as it holds
 // the old ones: whoever is interrupted sees by that name whether it was done.
-SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, const HostPath& inBackup)
+SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
     const int contents = inReplacement.mHold.Descriptor();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
@@ -166,13 +211,13 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
     if (System().mFSync(contents) != 0) {
         return SystemErrorFromErrno(errno);
     }
-    const SystemError error = MakeBackup(inReplaced.mPath, inBackup);
+    const SystemError error = ioBackup.Make(inReplaced.mPath);
     if (error != kNoError) {
         return error;
     }
     if (System().mRename(inReplacement.mPath.mPath.c_str(), inReplaced.mPath.mPath.c_str()) != 0) {
         const int reason = errno;
-        System().mUnlink(inBackup.mPath.c_str());
+        ioBackup.Remove();
         return SystemErrorFromErrno(reason, inReplaced.mPath.mPath, PathOperation::kMove);
     }
     return kNoError;
@@ -182,8 +227,8 @@ SystemError SyncNames(const Replacing& inReplaced, const Replacing& inReplacemen
 {
     const std::string folder = FolderOf(inReplaced.mPath.mPath);
     const std::string other = FolderOf(inReplacement.mPath.mPath);
-    const SystemError error = SyncFolder(folder);
-    return error != kNoError || other == folder ? error : SyncFolder(other);
+    const SystemError error = SyncNamesOf(folder);
+    return error != kNoError || other == folder ? error : SyncNamesOf(other);
 }
 
 } // namespace
@@ -260,7 +305,7 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
 {
     Replacing replaced;
     Replacing replacement;
-    HostPath backup;
+    HostPath backupPath;
     SystemError error = replaced.Find(inReplaced);
     if (error == kNoError) {
         error = replaced.FollowLink();
@@ -269,7 +314,7 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
         error = replacement.Find(inReplacement);
     }
     if (error == kNoError) {
-        error = ResolveHostPath(inBackup, backup);
+        error = ResolveHostPath(inBackup, backupPath);
     }
     if (error != kNoError) {
         return error;
@@ -281,10 +326,17 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
     if (error == kNoError) {
         error = replacement.Hold(kShareAll, kShareNothing);
     }
+    Backup backup(backupPath);
     if (error == kNoError) {
         error = Exchange(replaced, replacement, backup);
     }
-    return error != kNoError ? error : SyncNames(replaced, replacement);
+    if (error == kNoError) {
+        error = SyncNames(replaced, replacement);
+    }
+    if (error == kNoError) {
+        backup.RemoveIfOurs();
+    }
+    return error;
 }
 
 } // namespace Platform

@@ -18,8 +18,14 @@ const std::string kNew(300000, 'n');
 
 enum class End { kKilled, kDone, kFailed };
 
+Result Swap(const TempFolder& inFolder, const std::string& inName)
+{
+    const UTF16String real = PathUtils::FromHostPath((inFolder.Host() / inName).string());
+    return File::SwapTempFile(inFolder.Path(u"temp"), real);
+}
+
 // Swaps in a child that is killed before its call inCall. inLinks: whether the file system has second names.
-End SwapInChild(const TempFolder& inFolder, unsigned inCall, bool inLinks)
+End SwapInChild(const TempFolder& inFolder, const std::string& inName, unsigned inCall, bool inLinks)
 {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -28,25 +34,25 @@ End SwapInChild(const TempFolder& inFolder, unsigned inCall, bool inLinks)
             calls.Fail(FaultySystemCalls::kLink, 1, EPERM, FaultySystemCalls::kForEver);
         }
         calls.Before(FaultySystemCalls::kAny, inCall, [] { ::kill(::getpid(), SIGKILL); });
-        ::_exit(File::SwapTempFile(inFolder.Path(u"temp"), inFolder.Path(u"real")) == kSuccess ? 0 : 1);
+        ::_exit(Swap(inFolder, inName) == kSuccess ? 0 : 1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFSIGNALED(status) ? End::kKilled : WEXITSTATUS(status) == 0 ? End::kDone : End::kFailed;
 }
 
-void SwapUnderKills(bool inLinks)
+void SwapUnderKills(const std::string& inName, bool inLinks)
 {
     bool sawOld = false;
     bool sawNew = false;
     unsigned call = 1;
     for (;; ++call) {
         const TempFolder folder;
-        folder.MakeFile("real", kOld);
+        folder.MakeFile(inName, kOld);
         folder.MakeFile("temp", kNew);
-        const End end = SwapInChild(folder, call, inLinks);
+        const End end = SwapInChild(folder, inName, call, inLinks);
         ASSERT_NE(End::kFailed, end);
-        const std::string real = ContentsOf(folder, "real");
+        const std::string real = ContentsOf(folder, inName);
         ASSERT_TRUE(real == kOld || real == kNew) << "killed at call " << call << ": the real file is not whole";
         // Whoever comes next sees by the temporary name whether it was done, and may simply do it again.
         const std::string temp = ContentsOf(folder, "temp");
@@ -54,9 +60,9 @@ void SwapUnderKills(bool inLinks)
         sawOld = sawOld || real == kOld;
         sawNew = sawNew || (real == kNew && end == End::kKilled);
         if (real == kOld) {
-            ASSERT_EQ(kSuccess, File::SwapTempFile(folder.Path(u"temp"), folder.Path(u"real"))) << call;
+            ASSERT_EQ(kSuccess, Swap(folder, inName)) << call;
         }
-        ASSERT_TRUE(kNew == ContentsOf(folder, "real")) << call;
+        ASSERT_TRUE(kNew == ContentsOf(folder, inName)) << call;
         ASSERT_EQ("<none>", ContentsOf(folder, "temp"));
         if (end == End::kDone) {
             break;
@@ -70,10 +76,22 @@ void SwapUnderKills(bool inLinks)
 
 TEST(SwapUnderCrash, AKillAtEachSystemCall_LeavesTheRealFileWhole)
 {
-    SwapUnderKills(true);
+    SwapUnderKills("real", true);
 }
 
 TEST(SwapUnderCrash, TheSameWithoutSecondNames)
 {
-    SwapUnderKills(false);
+    SwapUnderKills("real", false);
+}
+
+// 255 bytes: the backup has a name of its own.
+TEST(SwapUnderCrash, TheSameWithANameThatLeavesNoRoomForABackup)
+{
+    SwapUnderKills(std::string(255, 'r'), true);
+    std::string name;
+    while (name.size() < 254) {
+        name += "\xD1\x8F";
+    }
+    SwapUnderKills(name, true);
+    SwapUnderKills(name, false);
 }
