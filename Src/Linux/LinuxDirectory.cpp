@@ -58,7 +58,8 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
     if (!listing->mFolder.IsOpen()) {
         const int number = errno;
         delete listing;
-        return SystemErrorFromErrno(number, path.mPath);
+        // Its entries are asked for, so the folder is on their way.
+        return number == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(number, path.mPath);
     }
     outListing = listing;
     return kNoError;

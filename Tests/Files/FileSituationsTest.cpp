@@ -4,7 +4,8 @@
 // that answer alone. As the superuser Wine ignores the read-only mark: rows that need it ask first whether it holds.
 //
 // Elsewhere: FileSituationNamesTest has cf34, cf35, cf47, cf48, cf58, cf59 and ch1; FileTest ub01 to ub06;
-// FileCopyMoveTest cp17 and ce01 to ce10, whose callbacks are File's. io00 to io12 are asynchronous reads, which have a seam
+// FileCopyMoveTest cp17 and ce01 to ce10, whose callbacks are File's; DirectorySituationsTest rd, pd, ff, vo, so and pw (md
+// asks for one level made by the system's own call, which no seam has). io00 to io12 are asynchronous reads, which have a seam
 // of their own: AsyncFileReaderTest and AsyncReadInput*Test. cp11 (no overwriting), de10 and mv08 (what a listing shows)
 // and ga07, ga10 (attributes) are questions that this seam does not ask.
 #include <FileSupport.h>

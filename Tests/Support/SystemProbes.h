@@ -6,6 +6,9 @@ namespace ORLTest {
 /// The Windows build runs on Wine, not on Windows.
 bool RunsOnEmulator();
 
+/// A plain path may have 260 units and more. At home only where the process takes long paths; elsewhere always.
+bool SystemTakesLongPlainPaths();
+
 /// This user is kept from writing a file that is marked read-only: our Linux platform keeps everybody from it, Wine lets
 /// the superuser through.
 bool SystemKeepsReadOnlyMark();

@@ -7,4 +7,9 @@ bool RunsOnEmulator()
     return false;
 }
 
+bool SystemTakesLongPlainPaths()
+{
+    return true;
+}
+
 } // namespace ORLTest

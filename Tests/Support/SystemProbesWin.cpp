@@ -10,4 +10,12 @@ bool RunsOnEmulator()
     return module != nullptr && ::GetProcAddress(module, "wine_get_version") != nullptr;
 }
 
+bool SystemTakesLongPlainPaths()
+{
+    using Ask = BOOLEAN(WINAPI*)();
+    const HMODULE module = ::GetModuleHandleA("ntdll.dll");
+    const FARPROC ask = module != nullptr ? ::GetProcAddress(module, "RtlAreLongPathsEnabled") : nullptr;
+    return RunsOnEmulator() || (ask != nullptr && reinterpret_cast<Ask>(reinterpret_cast<void*>(ask))() != FALSE);
+}
+
 } // namespace ORLTest
