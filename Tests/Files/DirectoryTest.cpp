@@ -288,6 +288,16 @@ TEST_F(DirectoryTest, IsReadOnly_OfDirectoriesFilesAndWhatIsMissing)
     std::filesystem::permissions(mFolder.Host() / "locked", std::filesystem::perms::owner_all);
 }
 
+TEST_F(DirectoryTest, IsReadOnly_OfAnEmptyPath_IsReportedAndFalse)
+{
+    CheckRecorder recorder;
+    EXPECT_FALSE(PathUtils::IsReadOnly(UTF16String()));
+    const auto contracts = recorder.Reports(CheckReport::kContract);
+    ASSERT_LE(1u, contracts.size());
+    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
+    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
+}
+
 TEST_F(DirectoryTest, IsReadOnly_DropsOneSeparatorOfANormalizedPath)
 {
     mFolder.MakeFile("f");

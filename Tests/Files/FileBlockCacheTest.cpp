@@ -46,6 +46,14 @@ protected:
         return bytesRead;
     }
 
+    // Where the system's handle stands, which is not the position of the file.
+    static std::int64_t HandlePositionOf(File& inFile)
+    {
+        std::int64_t position = -1;
+        Files::Platform::SetFilePointer_Impl(inFile.GetPlatformFileHandle(), 0, Files::Platform::kFromCurrent, &position);
+        return position;
+    }
+
     TempFolder mFolder;
     BufferLog mLog;
     FactoryInUse mFactory;
@@ -180,14 +188,31 @@ TEST_F(FileBlockCache, AnUnalignedSeek_LeavesTheHandleWhereItIs)
 {
     Opened clip(MakeClip(3 * kBlock), kRead, kShareReaders);
     EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(2 * kBlock, Method::kFilePointer_Begin));
-    std::int64_t position = -1;
-    Files::Platform::SetFilePointer_Impl(clip.mFile.GetPlatformFileHandle(), 0, Files::Platform::kFromCurrent,
-                                         &position);
-    EXPECT_EQ(2 * kBlock, position);
+    EXPECT_EQ(2 * kBlock, HandlePositionOf(clip.mFile));
     EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(100, Method::kFilePointer_Begin));
-    Files::Platform::SetFilePointer_Impl(clip.mFile.GetPlatformFileHandle(), 0, Files::Platform::kFromCurrent,
-                                         &position);
-    EXPECT_EQ(2 * kBlock, position);
+    EXPECT_EQ(2 * kBlock, HandlePositionOf(clip.mFile));
+}
+
+// The position lands on a block, so the system is called, with what the caller has given: it refuses that.
+TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
+{
+    Opened clip(MakeClip(3 * kBlock), kRead, kShareReaders);
+    EXPECT_EQ(10u, ReadAndCheck(clip.mFile, 10, 0));
+    const std::int64_t before = HandlePositionOf(clip.mFile);
+    EXPECT_EQ(kBlock, before) << "a block was read";
+    EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(-1, Method::kFilePointer_Begin));
+    EXPECT_EQ(0, PositionOf(clip.mFile));
+    EXPECT_EQ(before, HandlePositionOf(clip.mFile));
+}
+
+// It takes this one, past the end of a file that ends with a block.
+TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
+{
+    Opened clip(MakeClip(kBlock), kRead, kShareReaders);
+    EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(1000000, Method::kFilePointer_Begin));
+    EXPECT_EQ(kBlock, PositionOf(clip.mFile));
+    EXPECT_EQ(1000000, HandlePositionOf(clip.mFile));
+    EXPECT_EQ(0u, ReadAndCheck(clip.mFile, 10, kBlock));
 }
 
 // A success without a block would otherwise be read from.
