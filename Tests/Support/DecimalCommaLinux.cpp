@@ -29,7 +29,8 @@ DecimalComma::DecimalComma() : mOld(std::setlocale(LC_NUMERIC, nullptr))
     mFolder.MakeFile("source", kSource);
     mFolder.MakeFile("map", AsciiMap());
     // It warns of the categories that are not there, and its exit code says so.
-    const std::string command = "cd '" + mFolder.Host().string() + "' && localedef -c -i source -f ./map ./comma 2>/dev/null";
+    const std::string command =
+        "cd '" + mFolder.Host().string() + "' && localedef -c -i source -f ./map ./comma 2>/dev/null";
     static_cast<void>(std::system(command.c_str()) == 0);
     ::setenv("LOCPATH", mFolder.Host().c_str(), 1);
     std::setlocale(LC_NUMERIC, "comma");

@@ -14,7 +14,7 @@ namespace debug {
 
 namespace {
 
-threads::CoreMutex sMutex;    // over one whole text
+threads::CoreMutex sMutex;   // over one whole text
 bool sReaderIsStuck = false; // guarded by sMutex: patience is spent once, not for each text
 
 // False when the rest is dropped.

@@ -28,8 +28,8 @@ struct Category
 
 // Constant-initialised and without a destructor: sites may trace while statics of other files come and go.
 threads::CoreMutex sMutex;
-Category* sCategories = nullptr;  // guarded by sMutex
-long sLevelOfAll = kTraceOff;     // guarded by sMutex
+Category* sCategories = nullptr; // guarded by sMutex
+long sLevelOfAll = kTraceOff;    // guarded by sMutex
 std::atomic<int> sChangeCount{1};
 
 // The sink while the trace is shut down: a text that was decided on before is nobody's.

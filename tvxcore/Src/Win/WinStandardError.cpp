@@ -14,8 +14,8 @@ constexpr std::size_t kPiece = 4096;
 constexpr DWORD kPatience = 100;    // milliseconds
 constexpr DWORD kShortPatience = 1; // of a reader that is stuck
 
-// Calls the writes of the thread that made it off once their time is over, and again until it is gone: the first call may
-// come before the write has begun.
+// Calls the writes of the thread that made it off once their time is over, and again until it is gone: the first call
+// may come before the write has begun.
 class Watch
 {
 public:
