@@ -13,11 +13,11 @@ namespace Platform {
 /// A pipe may be full: its reader then has a tenth of a second. When it takes nothing in that time, ioReaderIsStuck is
 /// set, and as long as it is, a call gives the reader hardly any time. A write that succeeds clears it. Never throws.
 ///
-/// Linux asks whether a write would be held, of whatever standard error is. Windows has no such question (what it tells
-/// of the room in a pipe is 0 both for a full one and for one whose reader waits with a large buffer), so the write is
-/// begun and called off by a thread of the system's pool. That is done for pipes alone: a console whose user holds it up
-/// holds its writers up. Nothing calls the write off where no thread of the pool can run (while the caller loads or
-/// unloads a module, or after the system has ended the process's other threads), or where other code of the process is
+/// Linux asks whether a write would be held, of whatever standard error is. Windows has no such question that is answered
+/// everywhere (the room in a pipe is 0 under Wine, whoever reads), so the write is begun and called off by a thread of the
+/// system's pool. That is done for pipes alone: a console whose user holds it up holds its writers up. Nothing calls the
+/// write off where no thread of the pool can run (while the caller loads or unloads a module, or after the system has
+/// ended the process's other threads), or where other code of the process is
 /// held in a write to the same pipe.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept;
 
