@@ -19,6 +19,24 @@
 
 namespace ORLTest {
 
+/// A whole ingest, one file at a time.
+inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk)
+{
+    const orl::IngestRoots roots = orl::MakeRoots(inCard.u8string(), inDisk.u8string());
+    std::filesystem::create_directories(inDisk);
+    orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+    manifest.Open();
+    const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
+    orl::IngestWatcher watcher;
+    watcher.mIsStopped = [] { return false; };
+    watcher.mShow = [](std::uint64_t, std::size_t) {};
+    orl::IngestSettings settings;
+    settings.mFilesAtOnce = 1;
+    orl::IngestOutcome outcome = orl::RunIngest(plan, roots, settings, manifest, watcher);
+    outcome.mRows.clear(); // they lead into the plan, which ends here
+    return outcome;
+}
+
 class IngestRun : public testing::Test
 {
 protected:

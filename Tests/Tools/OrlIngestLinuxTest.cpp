@@ -1,13 +1,8 @@
 // orl ingest where only Linux can tell: awkward names, permissions, a system that fails, and coreutils as the judge.
-#include <IngestTestSupport.h>
+#include <IngestRunSupport.h>
 
-#include <Failure.h>
 #include <FaultySystemCallsLinux.h>
-#include <IngestPlan.h>
-#include <IngestRun.h>
-#include <ORLFoundation.h>
 #include <ProcessRunner.h>
-#include <Text.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -36,21 +31,7 @@ protected:
         return RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string()});
     }
 
-    /// From inside, one file at a time.
-    orl::IngestOutcome RunHere() const
-    {
-        const orl::IngestRoots roots = orl::MakeRoots(Card().string(), Disk().string());
-        fs::create_directories(Disk());
-        orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
-        manifest.Open();
-        const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
-        orl::IngestWatcher watcher;
-        watcher.mIsStopped = [] { return false; };
-        watcher.mShow = [](std::uint64_t, std::size_t) {};
-        orl::IngestSettings settings;
-        settings.mFilesAtOnce = 1;
-        return orl::RunIngest(plan, roots, settings, manifest, watcher);
-    }
+    orl::IngestOutcome RunHere() const { return IngestHere(Card(), Disk()); }
 
     /// What an ingest needs is looked at and the destination refuses it, with this text.
     void ExpectNoRoom(const char* inText) const
@@ -223,56 +204,6 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
             return 0;
         };
         ExpectNoRoom("may have (4.3 GB)");
-    }
-    ORL::Foundation::Terminate();
-}
-
-// Each call of the library below an ingest fails once, at each index: what has a final name is whole, what is
-// acknowledged is there, and a second run completes.
-TEST_F(OrlIngestOnLinux, EachSystemCallFailsOnce_NothingHalfAndASecondRunCompletes)
-{
-    ORL::Foundation::Initialize();
-    mFolder.MakeFolder("card/d");
-    WriteFile(Card() / "d/a", std::string(5000, 'a'));
-    WriteFile(Card() / "b", "B");
-    const FileTree card = ReadTree(Card());
-    for (const FaultySystemCalls::Call call :
-         {FaultySystemCalls::kOpen, FaultySystemCalls::kPWrite, FaultySystemCalls::kPRead, FaultySystemCalls::kStatx,
-          FaultySystemCalls::kFStat, FaultySystemCalls::kMakeDir, FaultySystemCalls::kRenameTo,
-          FaultySystemCalls::kGetDents, FaultySystemCalls::kUnlink, FaultySystemCalls::kFTruncate}) {
-        for (unsigned number = 1, made = 1; made >= number; ++number) {
-            SCOPED_TRACE("call " + std::to_string(call) + ", number " + std::to_string(number));
-            fs::remove_all(Disk());
-            bool isDone = false;
-            {
-                FaultySystemCalls calls;
-                calls.Fail(call, number, EIO);
-                try {
-                    isDone = RunHere().mTroubles.empty();
-                } catch (const orl::Failure&) {
-                }
-                made = calls.Count(call);
-            }
-            if (fs::exists(Disk())) {
-                const FileTree disk = ReadTree(Disk());
-                for (const auto& [name, contents] : disk) {
-                    const bool isOurs = name == kManifest || name.find(".part") != std::string::npos;
-                    EXPECT_TRUE(isOurs || contents == card.at(name)) << name;
-                }
-                for (const auto& [name, digest] : ReadManifest(Disk() / kManifest, true)) {
-                    ASSERT_EQ(1u, disk.count(name)) << name;
-                    EXPECT_EQ(digest, ReferenceSha256(disk.at(name))) << name;
-                }
-            }
-            if (isDone) {
-                ExpectIngested(card, Disk());
-            }
-            EXPECT_TRUE(RunHere().mTroubles.empty());
-            ExpectIngested(card, Disk());
-            if (HasFailure()) {
-                break;
-            }
-        }
     }
     ORL::Foundation::Terminate();
 }

@@ -166,10 +166,18 @@ void IngestManifest::Parse(const std::string& inText)
     }
 }
 
+// A line that may not be on disk goes again: the next run would take it for an acknowledgement.
 void IngestManifest::Append(const std::string& inText)
 {
-    mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_End);
-    WriteAll(mFile, inText, mPath);
+    const auto end = static_cast<__int64>(mFile.SizeOnDisk());
+    mFile.SetFilePointer(end, ORL::FilePointerMoveMethod::kFilePointer_Begin);
+    try {
+        WriteAll(mFile, inText, mPath);
+    } catch (const Failure&) {
+        mFile.SetFilePointer(end, ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        mFile.SetEndOfFile();
+        throw;
+    }
 }
 
 // Whole at every moment: the new list takes the old one's name when it is on disk.

@@ -1,0 +1,217 @@
+// An ingest whose system fails: each call that it rests on, at each index, with each error that a disk or a card may give.
+#include <IngestRunSupport.h>
+
+#include <FaultySystemCallsLinux.h>
+#include <LinuxIngestCalls.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace ORLTest;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The calls that the tool makes by itself. While it lives, they are counted, and one of them may fail.
+class FaultyIngestCalls
+{
+public:
+    enum Call { kOpen, kReadDir, kFUTimens, kFDataSync, kFSync, kSyncFs, kCallCount };
+
+    FaultyIngestCalls()
+    {
+        sCall = kCallCount;
+        std::fill_n(sCounts, static_cast<int>(kCallCount), 0u);
+        orl::sIngestCalls = {
+            [](const char* inPath, int inFlags) { return Fails(kOpen) ? -1 : sSystem.mOpen(inPath, inFlags); },
+            [](DIR* inFolder) { return Fails(kReadDir) ? nullptr : sSystem.mReadDir(inFolder); },
+            [](int inFile, const struct timespec* inTimes) {
+                return Fails(kFUTimens) ? -1 : sSystem.mFUTimens(inFile, inTimes);
+            },
+            [](int inFile) { return Fails(kFDataSync) ? -1 : sSystem.mFDataSync(inFile); },
+            [](int inFile) { return Fails(kFSync) ? -1 : sSystem.mFSync(inFile); },
+            [](int inFile) { return Fails(kSyncFs) ? -1 : sSystem.mSyncFs(inFile); },
+        };
+    }
+    ~FaultyIngestCalls() { orl::sIngestCalls = sSystem; }
+    FaultyIngestCalls(const FaultyIngestCalls&) = delete;
+    FaultyIngestCalls& operator=(const FaultyIngestCalls&) = delete;
+
+    /// inNumber counts the calls of that kind; 1 is the first.
+    void Fail(Call inCall, unsigned inNumber, int inErrno)
+    {
+        sCall = inCall;
+        sNumber = inNumber;
+        sErrno = inErrno;
+    }
+
+    unsigned Count(Call inCall) const { return sCounts[inCall]; }
+
+private:
+    // One file is under way at a time, so the threads take turns.
+    static bool Fails(Call inCall)
+    {
+        const bool fails = ++sCounts[inCall] == sNumber && inCall == sCall;
+        errno = fails ? sErrno : errno;
+        return fails;
+    }
+
+    static inline const orl::IngestCalls sSystem = orl::sIngestCalls;
+    static inline Call sCall = kCallCount;
+    static inline unsigned sNumber = 0;
+    static inline int sErrno = 0;
+    static inline unsigned sCounts[kCallCount] = {};
+};
+
+class IngestFaults : public testing::TestWithParam<int>
+{
+protected:
+    IngestFaults()
+    {
+        ORL::Foundation::Initialize();
+        mFolder.MakeFolder("card/d");
+        WriteFile(Card() / "d/a", std::string(5000, 'a'));
+        WriteFile(Card() / "b", "B");
+        mCard = ReadTree(Card());
+    }
+    ~IngestFaults() override { ORL::Foundation::Terminate(); }
+
+    fs::path Card() const { return mFolder.Host() / "card"; }
+    fs::path Disk() const { return mFolder.Host() / "disk"; }
+
+    /// As a killed run has left it.
+    void PutBack() const
+    {
+        fs::remove_all(Disk());
+        fs::create_directory(Disk());
+        WriteFile(Disk() / kUnfinished, "half");
+        WriteFile(Disk() / kManifest, "0123456789abcdef torn");
+    }
+
+    /// What has a final name is whole, and each line of the manifest is true.
+    void ExpectNothingHalf() const
+    {
+        const FileTree disk = ReadTree(Disk());
+        for (const auto& [name, contents] : disk) {
+            const bool isOurs = name == kManifest || name.find(".part") != std::string::npos;
+            EXPECT_TRUE(isOurs || contents == mCard.at(name)) << name;
+        }
+        for (const auto& [name, digest] : ReadManifest(Disk() / kManifest, true)) {
+            ASSERT_EQ(1u, disk.count(name)) << name;
+            EXPECT_EQ(digest, ReferenceSha256(disk.at(name))) << name;
+        }
+    }
+
+    /// Fails each call of a kind once. What is not told is not wrong, and a second run completes.
+    template <class Calls>
+    void FailEach(typename Calls::Call inCall)
+    {
+        unsigned undisturbed = 0;
+        PutBack();
+        {
+            Calls calls;
+            EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());
+            undisturbed = calls.Count(inCall);
+        }
+        EXPECT_LT(0u, undisturbed) << inCall;
+        for (unsigned number = 1; number <= undisturbed && !HasFailure(); ++number) {
+            SCOPED_TRACE("call " + std::to_string(inCall) + ", number " + std::to_string(number) + " of "
+                         + std::to_string(undisturbed));
+            PutBack();
+            bool isDone = false;
+            {
+                Calls calls;
+                calls.Fail(inCall, number, GetParam());
+                try {
+                    isDone = IngestHere(Card(), Disk()).mTroubles.empty();
+                } catch (const orl::Failure&) {
+                }
+            }
+            ExpectNothingHalf();
+            if (isDone) {
+                fs::remove(Disk() / kUnfinished); // which is nobody's trouble, and the next run's
+                ExpectIngested(mCard, Disk());
+            }
+            EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());
+            ExpectIngested(mCard, Disk());
+        }
+    }
+
+    /// A call before the acknowledgement fails: one line for the user, none in the manifest, and a second run completes.
+    void ExpectNotAcknowledged(FaultyIngestCalls::Call inCall, unsigned inNumber)
+    {
+        SCOPED_TRACE("call " + std::to_string(inCall) + ", number " + std::to_string(inNumber));
+        fs::remove_all(Disk());
+        orl::IngestOutcome outcome;
+        {
+            FaultyIngestCalls calls;
+            calls.Fail(inCall, inNumber, GetParam());
+            outcome = IngestHere(Card(), Disk());
+            ASSERT_LE(inNumber, calls.Count(inCall));
+        }
+        ASSERT_EQ(1u, outcome.mTroubles.size());
+        EXPECT_EQ(orl::kExitFailure, outcome.mTroubles[0].mExitCode);
+        EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot keep")) << outcome.mTroubles[0].mText;
+        EXPECT_EQ("", fs::exists(Disk() / kManifest) ? ReadFile(Disk() / kManifest) : "");
+        ExpectNothingHalf();
+        EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());
+        ExpectIngested(mCard, Disk());
+    }
+
+    static constexpr const char* kUnfinished = ".orl-0123456789abcdef.part";
+
+    TempFolder mFolder;
+    FileTree mCard;
+};
+
+std::string NameOfError(const testing::TestParamInfo<int>& inInfo)
+{
+    return ::strerrorname_np(inInfo.param);
+}
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Errors, IngestFaults, testing::Values(EIO, ENOSPC, EDQUOT, EROFS, ENOMEM, EACCES), NameOfError);
+
+TEST_P(IngestFaults, EachCallOfTheLibrary_NothingHalfAndASecondRunCompletes)
+{
+    for (const FaultySystemCalls::Call call :
+         {FaultySystemCalls::kOpen, FaultySystemCalls::kPWrite, FaultySystemCalls::kPRead, FaultySystemCalls::kStatx,
+          FaultySystemCalls::kFStat, FaultySystemCalls::kMakeDir, FaultySystemCalls::kRenameTo,
+          FaultySystemCalls::kGetDents, FaultySystemCalls::kUnlink, FaultySystemCalls::kFTruncate}) {
+        FailEach<FaultySystemCalls>(call);
+    }
+}
+
+TEST_P(IngestFaults, EachCallOfTheTool_NothingHalfAndASecondRunCompletes)
+{
+    for (const FaultyIngestCalls::Call call :
+         {FaultyIngestCalls::kOpen, FaultyIngestCalls::kReadDir, FaultyIngestCalls::kFUTimens,
+          FaultyIngestCalls::kFDataSync, FaultyIngestCalls::kFSync}) {
+        FailEach<FaultyIngestCalls>(call);
+    }
+}
+
+// Two files and the two folders that lead to them, then the manifest.
+TEST_P(IngestFaults, AFlushThatFails_AcknowledgesNothing)
+{
+    for (unsigned number = 1; number <= 4; ++number) {
+        ExpectNotAcknowledged(FaultyIngestCalls::kFSync, number);
+    }
+    ExpectNotAcknowledged(FaultyIngestCalls::kFDataSync, 1);
+}
+
+TEST_P(IngestFaults, AFlushOfTheVolumeThatFails_AcknowledgesNothing)
+{
+    for (int i = 0; i < 70; ++i) {
+        WriteFile(Card() / ("many" + std::to_string(i)), "M");
+    }
+    mCard = ReadTree(Card());
+    ExpectNotAcknowledged(FaultyIngestCalls::kSyncFs, 1);
+    ExpectNotAcknowledged(FaultyIngestCalls::kFDataSync, 1);
+}
