@@ -89,6 +89,44 @@ protected:
         EXPECT_EQ(digests, ReadManifest(Disk() / kManifest));
     }
 
+    /// Calls of a run that is left alone; -1 where nothing can be traced. Threads take turns as they like, so their number
+    /// varies a little from run to run: this is the one in the middle of some runs.
+    int CountCalls(TracedRun& ioTraced) const
+    {
+        std::vector<int> counts(5);
+        for (int& calls : counts) {
+            PutBack();
+            calls = ioTraced.Run(Arguments(), 0);
+            if (calls < 0 || ioTraced.ExitCode() == 99) {
+                return -1;
+            }
+            EXPECT_EQ(0, ioTraced.ExitCode());
+            ExpectComplete();
+        }
+        std::sort(counts.begin(), counts.end());
+        return counts[counts.size() / 2];
+    }
+
+    /// False where the run came to its end before.
+    bool KillBefore(TracedRun& ioTraced, int inNumber) const
+    {
+        PutBack();
+        ioTraced.Run(Arguments(), inNumber);
+        const bool isKilled = ioTraced.ExitCode() == -1;
+        if (isKilled) {
+            ExpectNothingHalf();
+            std::vector<std::string> arguments = Arguments();
+            arguments.erase(arguments.begin());
+            const ProcessResult result = RunBesideThisProgram("orl", arguments);
+            EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+        } else {
+            EXPECT_EQ(0, ioTraced.ExitCode());
+        }
+        ExpectComplete();
+        return isKilled;
+    }
+
+    static constexpr int kTries = 100; // a call at the end is reached by every second run or so
     static constexpr const char* kOld = "the earlier clip";
 
     TempFolder mFolder;
@@ -111,30 +149,17 @@ INSTANTIATE_TEST_SUITE_P(Size, CrashedIngest, testing::Values(kOfAnotherSize, kO
 TEST_P(CrashedIngest, KilledBeforeEachSystemCall_LosesNothingAndASecondRunCompletes)
 {
     TracedRun traced(Disk().string());
-    PutBack();
-    const int calls = traced.Run(Arguments(), 0);
-    if (calls < 0 || traced.ExitCode() == 99) {
+    const int calls = CountCalls(traced);
+    if (calls < 0) {
         GTEST_SKIP() << "processes cannot be traced here";
     }
-    ASSERT_EQ(0, traced.ExitCode());
     ASSERT_LT(50, calls);
-    ExpectComplete();
-    // Threads take turns as they like, so the number of calls varies a little from run to run.
-    int longest = 0;
     for (int number = 1; number <= calls + 20 && !HasFailure(); ++number) {
         SCOPED_TRACE("killed before call " + std::to_string(number) + " of about " + std::to_string(calls));
-        PutBack();
-        const int made = traced.Run(Arguments(), number);
-        longest = std::max(longest, made);
-        if (made < number - 1) {
-            break; // it came to its end
+        bool isReached = KillBefore(traced, number);
+        for (int i = 1; i < kTries && number <= calls && !isReached && !HasFailure(); ++i) {
+            isReached = KillBefore(traced, number);
         }
-        ExpectNothingHalf();
-        std::vector<std::string> arguments = Arguments();
-        arguments.erase(arguments.begin());
-        const ProcessResult result = RunBesideThisProgram("orl", arguments);
-        EXPECT_EQ(0, result.mExitCode) << result.mErrors;
-        ExpectComplete();
+        EXPECT_TRUE(isReached || number > calls);
     }
-    EXPECT_LE(calls / 2, longest);
 }
