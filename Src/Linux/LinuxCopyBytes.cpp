@@ -16,6 +16,11 @@ constexpr std::size_t kStepWithProgress = std::size_t{4} << 20;
 constexpr std::size_t kStepWithout = std::size_t{128} << 20;
 constexpr std::size_t kLargestBuffer = std::size_t{128} << 10;
 
+// The largest file that is not left to the kernel. Of files of 40000 bytes a copy on xfs took 31 us by the kernel, which
+// clones, and 41 us through a buffer; on btrfs 40 us and 202 us; on tmpfs and ext4, which do not clone, the two were equal
+// from the smallest files on. Of 10 KiB xfs gained nothing, and of 1000 bytes it lost 7 us of 52.
+constexpr std::uint64_t kSmallFile = std::uint64_t{16} << 10;
+
 class Buffer
 {
 public:
@@ -53,7 +58,7 @@ class CopyJob
 public:
     CopyJob(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::CopyProgress inProgress, void* inData)
         : mFrom(inFrom), mTo(inTo), mTotal(inTotal), mProgress(inProgress), mData(inData),
-          mUsesKernel(inTotal > kLargestBuffer), mBuffer(inTotal)
+          mUsesKernel(inTotal > kSmallFile), mBuffer(inTotal)
     {
     }
 

@@ -9,8 +9,8 @@ namespace ORL {
 namespace Linux {
 
 /// Copies all bytes, from the beginning, into a file that is empty: left to the kernel, which clones where the volume
-/// can, in steps small enough to tell of; small files, and those that the kernel does not copy by itself, through a
-/// buffer. inTotal is the size as the system tells it, which may be 0 for a file that has bytes. 0 or an errno;
+/// can, in steps small enough to tell of; files of up to 16 KiB, and those that the kernel does not copy by itself, through
+/// a buffer. inTotal is the size as the system tells it, which may be 0 for a file that has bytes. 0 or an errno;
 /// ECANCELED where inProgress ended it.
 int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::CopyProgress inProgress = nullptr,
               void* inData = nullptr);

@@ -101,3 +101,18 @@ TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
         EXPECT_TRUE(kOld == ContentsOf(folder, "c"));
     }
 }
+
+// The kernel clones where the volume can; for the smallest files that is not worth its calls.
+TEST(FileTransfers, ACopy_IsLeftToTheKernelFrom16KiBOn)
+{
+    for (const std::size_t size : {std::size_t{16384}, std::size_t{16385}, std::size_t{100000}}) {
+        const TempFolder folder;
+        folder.MakeFile("f", std::string(size, 'c'));
+        {
+            Faults calls;
+            EXPECT_EQ(kSuccess, File::Copy(folder.Path(u"f"), folder.Path(u"c")));
+            EXPECT_EQ(size > 16384, calls.Count(Faults::kCopyRange) != 0) << size;
+        }
+        EXPECT_TRUE(std::string(size, 'c') == ContentsOf(folder, "c")) << size;
+    }
+}
