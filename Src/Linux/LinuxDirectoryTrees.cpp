@@ -131,8 +131,9 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
     if (!*outDestination) {
         return SystemErrorFromErrno(errno, path.mPath);
     }
-    return inFunction == ShellFunction::kMove ? SystemErrorFromErrno(SyncNamesBelow(nearest.Get(), outDestination->Get()))
-                                              : kNoError;
+    return inFunction == ShellFunction::kMove
+               ? SystemErrorFromErrno(SyncNamesBelow(nearest.Get(), outDestination->Get()))
+               : kNoError;
 }
 
 // A pattern that nothing fits is a failure of its own.
@@ -153,8 +154,9 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
     if (error != kNoError) {
         return error;
     }
-    return SystemErrorFromErrno(inFunction == ShellFunction::kCopy ? CopyContents(inSource, destination->Get(), CopyEnd::kIsWritten)
-                                                                   : MoveContents(inSource, destination->Get()));
+    return SystemErrorFromErrno(inFunction == ShellFunction::kCopy
+                                    ? CopyContents(inSource, destination->Get(), CopyEnd::kIsWritten)
+                                    : MoveContents(inSource, destination->Get()));
 }
 
 } // namespace

@@ -9,7 +9,8 @@ namespace Linux {
 std::string TemporaryName(const char* inPurpose)
 {
     static std::atomic<unsigned> sCount{0};
-    return std::string(".orl-") + inPurpose + "-" + std::to_string(::getpid()) + "-" + std::to_string(sCount.fetch_add(1));
+    return std::string(".orl-") + inPurpose + "-" + std::to_string(::getpid()) + "-"
+           + std::to_string(sCount.fetch_add(1));
 }
 
 } // namespace Linux

@@ -7,8 +7,8 @@
 namespace ORL {
 namespace Linux {
 
-/// ".orl-", the purpose, the process and a number that no other thread of it gets. Hidden, and short enough for every file
-/// system. A process that was killed may have left the name: its number comes again.
+/// ".orl-", the purpose, the process and a number that no other thread of it gets. Hidden, and short enough for every
+/// file system. A process that was killed may have left the name: its number comes again.
 std::string TemporaryName(const char* inPurpose);
 
 /// Calls inMake(name) with one temporary name after another until it finds one that nobody has. inMake answers as the

@@ -22,9 +22,10 @@ class DirectoryTreesUnderFaults : public DirectoryTreesOnLinux
 };
 
 constexpr Faults::Call kCallsOfTrees[] = {
-    Faults::kOpenAt,    Faults::kGetDents,  Faults::kFStat,    Faults::kPRead,   Faults::kPWrite,    Faults::kCopyRange,
-    Faults::kFUTimens,  Faults::kFChMod,    Faults::kMakeDirAt, Faults::kReadLinkAt, Faults::kSymLinkAt,
-    Faults::kRenameAt,  Faults::kUnlinkAt,  Faults::kRemoveDir, Faults::kStatx,   Faults::kFSync,     Faults::kClose,
+    Faults::kOpenAt,    Faults::kGetDents, Faults::kFStat,    Faults::kPRead,     Faults::kPWrite,
+    Faults::kCopyRange, Faults::kFUTimens, Faults::kFChMod,   Faults::kMakeDirAt, Faults::kReadLinkAt,
+    Faults::kSymLinkAt, Faults::kRenameAt, Faults::kUnlinkAt, Faults::kRemoveDir, Faults::kStatx,
+    Faults::kFSync,     Faults::kClose,
 };
 
 struct Failure
@@ -33,8 +34,8 @@ struct Failure
     int mErrno;
     bool mIsMet; // the work came to that call
 
-    // A file that may not be opened or asked about can be deleted and moved all the same, and only the close of what was
-    // written says something.
+    // A file that may not be opened or asked about can be deleted and moved all the same, and only the close of what
+    // was written says something.
     bool MustBeTold() const
     {
         const bool isNoMatter = mCall == Faults::kStatx || mCall == Faults::kClose
@@ -43,7 +44,9 @@ struct Failure
     }
 };
 
-void LeaveTheSystem(Faults&) {}
+void LeaveTheSystem(Faults&)
+{
+}
 
 // To move from folder to folder is to move to another volume.
 int RenameInFolders(int inFrom, const char* inName, int inTo, const char* inNewName, unsigned inFlags)
@@ -189,8 +192,8 @@ TEST_F(DirectoryTreesUnderFaults, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirecto
             EXPECT_EQ(inResult == kSuccess, !fs::exists(Host("from")));
             // The folder itself goes by a call of its own, which tells what the system says.
             const bool isOwn = inFailure.mCall == Faults::kRemoveDir;
-            const Result told = isOwn ? Win::SystemErrorToORLResult(Linux::SystemErrorFromErrno(inFailure.mErrno))
-                                      : kGeneralFailure;
+            const Result told =
+                isOwn ? Win::SystemErrorToORLResult(Linux::SystemErrorFromErrno(inFailure.mErrno)) : kGeneralFailure;
             EXPECT_TRUE(inResult == kSuccess || inResult == told) << inResult;
         });
     EXPECT_EQ(descriptors, OpenDescriptors());
@@ -277,7 +280,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAnotherVolume_PutsTheCopyOnDiskFirst)
         EXPECT_EQ(kSuccess, Directory::Move(From(), To()));
     }
     EXPECT_EQ((std::vector<std::string>{"sync folder", "sync file", "name a", "sync folder", "sync folder", "delete a",
-                                      "delete sub"}),
+                                        "delete sub"}),
               sSteps)
         << "the first is that in which the destination was made";
     EXPECT_EQ((Tree{{"sub", "/"}, {"sub/a", "A"}}), Read(Host("to")));

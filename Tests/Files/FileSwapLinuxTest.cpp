@@ -1,4 +1,5 @@
-// Swaps of files whose names leave no room for a longer one beside them: a name has 255 bytes here, and 255 units at home.
+// Swaps of files whose names leave no room for a longer one beside them: a name has 255 bytes here, and 255 units at
+// home.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
