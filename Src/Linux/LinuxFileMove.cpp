@@ -75,30 +75,54 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
     return CopyHostFile(inSource, inDestination, wish);
 }
 
-// By a copy, which folders do not have: 5. A source that cannot be deleted stays beside what has been moved.
-SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
+int OpenToSync(const std::string& inFolder)
 {
-    const SystemError error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
-                                                        : CopyWhole(inSource, inDestination);
-    if (error != kNoError) {
-        return error == kErrorFileExists ? kErrorAlreadyExists : error;
-    }
-    System().mUnlink(inSource.mPath.c_str());
-    return kNoError;
+    int folder = -1;
+    do {
+        folder = System().mOpen(inFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+    } while (folder < 0 && errno == EINTR);
+    return folder;
 }
 
-// --- replacing -------------------------------------------------------------------------------------------------------
+SystemError SyncAndClose(int inFolder)
+{
+    const int error = SyncFolder(inFolder);
+    System().mClose(inFolder);
+    return SystemErrorFromErrno(error);
+}
 
 SystemError SyncNamesOf(const std::string& inFolder)
 {
-    const int folder = System().mOpen(inFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-    if (folder < 0) {
-        return SystemErrorFromErrno(errno, inFolder);
-    }
-    const int error = SyncFolder(folder);
-    System().mClose(folder);
-    return SystemErrorFromErrno(error);
+    const int folder = OpenToSync(inFolder);
+    return folder < 0 ? SystemErrorFromErrno(errno, inFolder) : SyncAndClose(folder);
 }
+
+// A folder that may be written and not read cannot be asked; its names are then as safe as its volume makes them.
+SystemError SyncNameOf(const HostPath& inPath)
+{
+    const std::string name = FolderOf(inPath.mPath);
+    const int folder = OpenToSync(name);
+    if (folder >= 0) {
+        return SyncAndClose(folder);
+    }
+    return errno == EACCES || errno == EPERM ? kNoError : SystemErrorFromErrno(errno, name);
+}
+
+// By a copy, which folders do not have: 5. The source goes when the copy and its name are on disk; one that cannot be
+// deleted stays beside what has been moved.
+SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
+{
+    SystemError error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
+                                                  : CopyWhole(inSource, inDestination);
+    if (error != kNoError) {
+        return error == kErrorFileExists ? kErrorAlreadyExists : error;
+    }
+    error = SyncNameOf(inDestination);
+    System().mUnlink((error == kNoError ? inSource : inDestination).mPath.c_str());
+    return error;
+}
+
+// --- replacing -------------------------------------------------------------------------------------------------------
 
 // What the replaced name held: a second name for it, or a copy where the file system has one name for each file.
 class Backup

@@ -338,7 +338,9 @@ const Operation kOperations[] = {
          EXPECT_TRUE(source == Big('o') || (succeeded && source == "<none>"));
          ExpectCopyOrNothing(folder, "m", result);
      },
-     {1, 3, 6}, {{Faults::kOpen, 1}, kInterruptedOpen, kOtherCloses[0], kOtherCloses[1], {Faults::kUnlink}},
+     {1, 3, 6},
+     {{Faults::kOpen, 1}, {Faults::kOpen, 4, {EACCES, EPERM}}, {Faults::kFSync, 2, {EINVAL}}, kInterruptedOpen, kOtherCloses[0], kOtherCloses[1],
+      {Faults::kClose, 4}, {Faults::kUnlink}},
      kTellAsItIs, {}, true},
     {"MoveALinkToAnotherVolume",
      [](const TempFolder& folder) {
@@ -352,7 +354,7 @@ const Operation kOperations[] = {
          EXPECT_EQ(succeeded, std::filesystem::is_symlink(folder.Host() / "m"));
          EXPECT_TRUE(succeeded || std::filesystem::is_symlink(folder.Host() / "link"));
      },
-     {}, {{Faults::kUnlink}}, kTellAsItIs, {}, true},
+     {}, {{Faults::kOpen, 0, {EACCES, EPERM}}, {Faults::kFSync, 1, {EINVAL}}, kInterruptedOpen, kEveryClose, {Faults::kUnlink}}, kTellAsItIs, {}, true},
     {"DeleteOnClose", [](const TempFolder&) {},
      [](const TempFolder& folder) {
          using namespace Files::Platform;
@@ -380,7 +382,7 @@ const Operation kOperations[] = {
      },
      // The first questions look for a free name, the last open and the unlink belong to the backup that goes.
      {1, 3},
-     {{Faults::kOpen, 1, {EINTR}}, {Faults::kOpen, 2, {EINTR}}, {Faults::kOpen, 4}, kEveryClose, {Faults::kStatx, 1},
+     {kInterruptedOpen, {Faults::kOpen, 4}, kEveryClose, {Faults::kStatx, 1},
       {Faults::kStatx, 2}, {Faults::kStatx, 5}, {Faults::kUnlink}, {Faults::kFSync, 2, {EINVAL}}}},
 };
 

@@ -86,6 +86,25 @@ TEST(FileVolumes, ASourceThatCannotBeDeleted_StaysBesideWhatWasMoved)
     EXPECT_EQ("x", ContentsOf(volumes.mFolder, "f"));
 }
 
+TEST(FileVolumes, ASource_GoesWhenItsCopyAndTheNameOfThatAreOnDisk)
+{
+    struct Row
+    {
+        const char* mName;
+        unsigned mSync; // the call that fails
+    };
+    for (const Row& row : {Row{"file", 1}, Row{"file", 2}, Row{"link", 1}}) {
+        TwoVolumes volumes;
+        volumes.mFolder.MakeFile("file", "x");
+        std::filesystem::create_symlink("nothing", volumes.mFolder.Host() / "link");
+        const std::string name = row.mName;
+        const UTF16String source = volumes.mFolder.Path(std::u16string(name.begin(), name.end()));
+        volumes.mCalls.Fail(Faults::kFSync, row.mSync, EIO);
+        EXPECT_EQ(kGeneralFailure, File::Move(source, volumes.mFolder.Path(u"moved"))) << name << row.mSync;
+        EXPECT_TRUE(std::filesystem::exists(std::filesystem::symlink_status(volumes.mFolder.Host() / name)));
+    }
+}
+
 TEST(FileVolumes, ACopyThatTheDiskRefusesAtItsClose_IsNoCopy)
 {
     const TempFolder folder;
