@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <CountedLifecycle.h>
+#include <OpensGate.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <tvxcore/Trace.h>
@@ -17,6 +18,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::OpensGate;
 using ORLTest::ProcessResult;
 using ORLTest::RunBesideThisProgram;
 using ORLTest::TempFolder;
@@ -39,16 +41,6 @@ void ExpectHostSays(const char* inMode, const std::string& inOutput, const char*
     EXPECT_EQ(0, result.mExitCode) << inMode << ": " << result.mErrors;
     EXPECT_EQ(inOutput, result.mOutput) << inMode;
 }
-
-class OpensGate : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
-{
-public:
-    explicit OpensGate(WaitableGate& inGate) : mGate(inGate) {}
-    void Process() override { mGate.Open(); }
-
-private:
-    WaitableGate& mGate;
-};
 
 // Whether the queue took a request, which then has run.
 bool Runs(ThreadedWorkQueue& ioQueue)

@@ -1,6 +1,7 @@
 #include <ORLSharedThreadedWorkQueue.h>
 
 #include <CurrentThread.h>
+#include <OpensGate.h>
 #include <ORLWaitableGate.h>
 #include <Signals.h>
 
@@ -13,22 +14,13 @@
 #include <vector>
 
 using namespace ORL;
+using ORLTest::OpensGate;
 using ORLTest::Record;
 
 namespace {
 
 using QueueRef = SharedThreadedWorkQueue::QueueRef;
 using Request = ThreadedWorkQueue::Request;
-
-class OpensGate : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
-{
-public:
-    explicit OpensGate(WaitableGate& inGate) : mGate(inGate) {}
-    void Process() override { mGate.Open(); }
-
-private:
-    WaitableGate& mGate;
-};
 
 class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
 {
