@@ -2,32 +2,46 @@
 
 #include <ORLParamString.h>
 
+#include <algorithm>
 #include <emmintrin.h>
 
 namespace ORL {
 
 namespace {
 
-// The place of a unit at or behind inStart, or npos. Eight units a step.
+constexpr UTF16String::size_type kLanes = 8;
+
+// Two bits for each of the eight units that equals the wanted one.
+unsigned EqualLanes(const unsigned short* inUnits, __m128i inWanted)
+{
+    const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inUnits));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(lanes, inWanted)));
+}
+
+UTF16String::size_type FirstLane(unsigned inEqual)
+{
+    return static_cast<unsigned>(__builtin_ctz(inEqual)) / 2;
+}
+
+// The place of a unit at or behind inStart, or npos. Eight units a step; the last step looks again at what the one before
+// it has seen without finding anything.
 UTF16String::size_type FindUnit(const UTF16String& inText, unsigned short inUnit, UTF16String::size_type inStart)
 {
     const unsigned short* const units = inText.data();
     const UTF16String::size_type size = inText.size();
+    if (size - inStart < kLanes) {
+        const unsigned short* const found = std::find(units + inStart, units + size, inUnit);
+        return found != units + size ? static_cast<UTF16String::size_type>(found - units) : UTF16String::npos;
+    }
     const __m128i wanted = _mm_set1_epi16(static_cast<short>(inUnit));
-    UTF16String::size_type at = inStart;
-    for (; at + 8 <= size; at += 8) {
-        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + at));
-        const int equal = _mm_movemask_epi8(_mm_cmpeq_epi16(lanes, wanted)); // two bits for each unit
+    for (UTF16String::size_type at = inStart; at + kLanes <= size; at += kLanes) {
+        const unsigned equal = EqualLanes(units + at, wanted);
         if (equal != 0) {
-            return at + static_cast<unsigned>(__builtin_ctz(static_cast<unsigned>(equal))) / 2;
+            return at + FirstLane(equal);
         }
     }
-    for (; at < size; ++at) {
-        if (units[at] == inUnit) {
-            return at;
-        }
-    }
-    return UTF16String::npos;
+    const unsigned equal = EqualLanes(units + size - kLanes, wanted);
+    return equal != 0 ? size - kLanes + FirstLane(equal) : UTF16String::npos;
 }
 
 } // namespace
