@@ -10,6 +10,38 @@ using namespace tvxcore::utility;
 using ORLTest::Bytes;
 using ORLTest::Units;
 
+// Short texts by value go a way of their own; what goes into memory of the caller is their measure.
+TEST(Utf8To16, ShortTextsWithAnyByteAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
+{
+    for (std::size_t size = 0; size <= 40; ++size) {
+        for (std::size_t place = 0; place < size; ++place) {
+            for (unsigned byte = 0; byte < 256; ++byte) {
+                UTF8String text(size, 'a');
+                text[place] = static_cast<unsigned char>(byte);
+                unsigned short units[40];
+                const std::size_t count = UTF8to16(text.data(), text.size(), units);
+                ASSERT_EQ(UTF16String(units, count), UTF8to16(text)) << size << " bytes, " << byte << " at " << place;
+            }
+        }
+    }
+}
+
+TEST(Utf16To8, ShortTextsWithAnyUnitAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
+{
+    const unsigned units[] = {0, 1, 0x7F, 0x80, 0xFF, 0x100, 0x17F, 0x7FF, 0x800, 0x7F80, 0x8000, 0x807F, 0xD800, 0xDC00, 0xFFFF};
+    for (std::size_t size = 0; size <= 40; ++size) {
+        for (std::size_t place = 0; place < size; ++place) {
+            for (const unsigned unit : units) {
+                UTF16String text(size, 'a');
+                text[place] = static_cast<unsigned short>(unit);
+                unsigned char bytes[120];
+                const std::size_t count = UTF16to8(text.data(), text.size(), bytes);
+                ASSERT_EQ(UTF8String(bytes, count), UTF16to8(text)) << size << " units, " << unit << " at " << place;
+            }
+        }
+    }
+}
+
 TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
 {
     struct Row

@@ -3,6 +3,7 @@
 #include <Utf.h>
 #include <UtfCharacter.h>
 
+#include <cstdint>
 #include <cstring>
 
 namespace tvxcore {
@@ -13,6 +14,31 @@ namespace {
 // Text is converted on the stack and copied from there: a 16-bit string that is sized first and filled then is cleared
 // unit by unit, which costs more than the conversion. The piece is small enough for the smallest thread stacks.
 constexpr std::size_t kPiece = 1024;
+
+// Most names and words. A copy of so few units costs less than it takes to fetch them back from where a kernel put them.
+constexpr std::size_t kShortest = 8;
+constexpr std::size_t kShort = 16;
+
+// Bits of the eight bytes from there.
+std::uint64_t WordAt(const void* inBytes) noexcept
+{
+    std::uint64_t word;
+    std::memcpy(&word, inBytes, sizeof(word));
+    return word;
+}
+
+bool IsShortAscii(const unsigned char* inText, std::size_t inLength) noexcept
+{
+    return inLength >= kShortest && inLength <= kShort
+           && ((WordAt(inText) | WordAt(inText + inLength - 8)) & 0x8080808080808080) == 0;
+}
+
+bool IsShortAscii(const unsigned short* inText, std::size_t inLength) noexcept
+{
+    const auto fourFrom = [inText](std::size_t inAt) { return WordAt(inText + inAt); };
+    return inLength >= kShortest && inLength <= kShort
+           && ((fourFrom(0) | fourFrom(4) | fourFrom(inLength - 8) | fourFrom(inLength - 4)) & 0xFF80FF80FF80FF80) == 0;
+}
 
 UTF8String LongUTF16to8(const unsigned short* inText, std::size_t inLength)
 {
@@ -66,6 +92,9 @@ UTF8String UTF16to8(const unsigned short* inText)
 
 UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength)
 {
+    if (IsShortAscii(inText, inLength)) {
+        return UTF8String(inText, inText + inLength);
+    }
     if (inLength > kPiece) {
         return LongUTF16to8(inText, inLength);
     }
@@ -85,6 +114,9 @@ UTF16String UTF8to16(const UTF8String& inText)
 
 UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength)
 {
+    if (IsShortAscii(inText, inLength)) {
+        return UTF16String(inText, inText + inLength);
+    }
     if (inLength > kPiece) {
         return LongUTF8to16(inText, inLength);
     }
