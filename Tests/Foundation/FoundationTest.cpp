@@ -2,8 +2,8 @@
 
 #include <CheckRecorder.h>
 #include <CountedLifecycle.h>
-#include <OpensGate.h>
 #include <ProcessRunner.h>
+#include <QueueRequests.h>
 #include <TempFolder.h>
 #include <tvxcore/Trace.h>
 
@@ -18,7 +18,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
-using ORLTest::OpensGate;
+using ORLTest::MakeRequest;
 using ORLTest::ProcessResult;
 using ORLTest::RunBesideThisProgram;
 using ORLTest::TempFolder;
@@ -48,7 +48,7 @@ bool Runs(ThreadedWorkQueue& ioQueue)
     // Who opens a gate may still be in it when the wait is over.
     static std::deque<WaitableGate> sGates;
     WaitableGate& gate = sGates.emplace_back();
-    const bool isTaken = ioQueue.QueueRequest(ThreadedWorkQueue::Request(new OpensGate(gate)));
+    const bool isTaken = ioQueue.QueueRequest(MakeRequest([&gate] { gate.Open(); }));
     return isTaken && gate.Wait(-1) == kSuccess;
 }
 

@@ -3,13 +3,13 @@
 
 #include <CheckRecorder.h>
 #include <CoreClock.h>
+#include <QueueRequests.h>
 #include <Signals.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -17,21 +17,12 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::Event;
+using ORLTest::MakeRequest;
 
 namespace {
 
 using Queue = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
 using Request = ThreadedWorkQueue::Request;
-
-class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
-{
-public:
-    explicit FunctionRequest(std::function<void()> inFunction) : mFunction(std::move(inFunction)) {}
-    void Process() override { mFunction(); }
-
-private:
-    std::function<void()> mFunction;
-};
 
 class IdleProcess : public testing::Test
 {
@@ -44,11 +35,6 @@ protected:
     {
         mQueue->ClearIdleProcess();
         mQueue->Stop();
-    }
-
-    static Request MakeRequest(std::function<void()> inFunction)
-    {
-        return Request(new FunctionRequest(std::move(inFunction)));
     }
 
     // Moves time, and returns when all that became due has run.

@@ -1,41 +1,24 @@
 #include <ORLSharedThreadedWorkQueue.h>
 
 #include <CurrentThread.h>
-#include <OpensGate.h>
 #include <ORLWaitableGate.h>
+#include <QueueRequests.h>
 #include <Signals.h>
 
 #include <atomic>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 using namespace ORL;
-using ORLTest::OpensGate;
+using ORLTest::MakeRequest;
 using ORLTest::Record;
 
 namespace {
 
 using QueueRef = SharedThreadedWorkQueue::QueueRef;
 using Request = ThreadedWorkQueue::Request;
-
-class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
-{
-public:
-    explicit FunctionRequest(std::function<void()> inFunction) : mFunction(std::move(inFunction)) {}
-    void Process() override { mFunction(); }
-
-private:
-    const std::function<void()> mFunction;
-};
-
-Request MakeRequest(std::function<void()> inFunction)
-{
-    return Request(new FunctionRequest(std::move(inFunction)));
-}
 
 // Each test begins and ends without an instance.
 class SharedQueues : public testing::Test
@@ -78,7 +61,7 @@ TEST_F(SharedQueues, MultiAndSingleThreaded_AreTwoQueues)
 TEST_F(SharedQueues, Queue_RunsRequests)
 {
     WaitableGate gate;
-    ASSERT_TRUE(Shared().RetrieveOrCreate(3)->QueueRequest(Request(new OpensGate(gate))));
+    ASSERT_TRUE(Shared().RetrieveOrCreate(3)->QueueRequest(MakeRequest([&gate] { gate.Open(); })));
     EXPECT_EQ(kSuccess, gate.Wait(-1));
     SharedThreadedWorkQueue::Shutdown(); // who opens a gate may still be in it when the wait is over
 }
@@ -185,9 +168,9 @@ TEST_F(SharedQueues, ReferenceKeptAcrossShutdown_IsAStoppedQueue)
 {
     WaitableGate gate;
     const QueueRef queue = Shared().RetrieveOrCreateSingleThreaded(3);
-    ASSERT_TRUE(queue->QueueRequest(Request(new OpensGate(gate))));
+    ASSERT_TRUE(queue->QueueRequest(MakeRequest([&gate] { gate.Open(); })));
     SharedThreadedWorkQueue::Shutdown();
     EXPECT_EQ(kSuccess, gate.Wait(0)) << "what was queued has run";
-    EXPECT_FALSE(queue->QueueRequest(Request(new OpensGate(gate))));
+    EXPECT_FALSE(queue->QueueRequest(MakeRequest([&gate] { gate.Open(); })));
     EXPECT_EQ(1u, queue->GetNumberOfThreads());
 }

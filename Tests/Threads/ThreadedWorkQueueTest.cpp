@@ -3,6 +3,7 @@
 #include <CheckRecorder.h>
 #include <CurrentThread.h>
 #include <ProcessThreads.h>
+#include <QueueRequests.h>
 #include <Signals.h>
 #include <tvxcore/Guid.h>
 
@@ -11,18 +12,17 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
 using ORLTest::Event;
+using ORLTest::MakeRequest;
 using ORLTest::Meeting;
 using ORLTest::Record;
 
@@ -30,21 +30,6 @@ namespace {
 
 using Queue = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
 using Request = ThreadedWorkQueue::Request;
-
-class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
-{
-public:
-    explicit FunctionRequest(std::function<void()> inFunction) : mFunction(std::move(inFunction)) {}
-    void Process() override { mFunction(); }
-
-private:
-    std::function<void()> mFunction;
-};
-
-Request MakeRequest(std::function<void()> inFunction)
-{
-    return Request(new FunctionRequest(std::move(inFunction)));
-}
 
 Queue MakeQueue(int inPolicy, ThreadPriorities::Type inPriority = ThreadPriorities::kNormal)
 {
