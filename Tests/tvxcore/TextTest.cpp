@@ -4,42 +4,56 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
+#include <vector>
 
 using namespace tvxcore::utility;
 using ORLTest::Bytes;
 using ORLTest::Units;
 
-// Short texts by value go a way of their own; what goes into memory of the caller is their measure.
-TEST(Utf8To16, ShortTextsWithAnyByteAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
+namespace {
+
+constexpr std::size_t kLongestShort = 40;
+
+// Calls inCompare for each text of letters, up to 40, that has one of the units at one place.
+template <class Text, class Compare>
+void ForEachShortText(const std::vector<unsigned>& inUnits, const Compare& inCompare)
 {
-    for (std::size_t size = 0; size <= 40; ++size) {
+    for (std::size_t size = 1; size <= kLongestShort; ++size) {
         for (std::size_t place = 0; place < size; ++place) {
-            for (unsigned byte = 0; byte < 256; ++byte) {
-                UTF8String text(size, 'a');
-                text[place] = static_cast<unsigned char>(byte);
-                unsigned short units[40];
-                const std::size_t count = UTF8to16(text.data(), text.size(), units);
-                ASSERT_EQ(UTF16String(units, count), UTF8to16(text)) << size << " bytes, " << byte << " at " << place;
+            for (const unsigned unit : inUnits) {
+                Text text(size, 'a');
+                text[place] = static_cast<typename Text::value_type>(unit);
+                inCompare(text);
             }
         }
     }
 }
 
+} // namespace
+
+// Short texts by value go a way of their own; what goes into memory of the caller is their measure.
+TEST(Utf8To16, ShortTextsWithAnyByteAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
+{
+    std::vector<unsigned> bytes(256);
+    std::iota(bytes.begin(), bytes.end(), 0u);
+    ForEachShortText<UTF8String>(bytes, [](const UTF8String& inText) {
+        unsigned short units[kLongestShort];
+        const std::size_t count = UTF8to16(inText.data(), inText.size(), units);
+        ASSERT_EQ(UTF16String(units, count), UTF8to16(inText));
+    });
+}
+
 TEST(Utf16To8, ShortTextsWithAnyUnitAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
 {
-    const unsigned units[] = {0, 1, 0x7F, 0x80, 0xFF, 0x100, 0x17F, 0x7FF, 0x800, 0x7F80, 0x8000, 0x807F, 0xD800, 0xDC00, 0xFFFF};
-    for (std::size_t size = 0; size <= 40; ++size) {
-        for (std::size_t place = 0; place < size; ++place) {
-            for (const unsigned unit : units) {
-                UTF16String text(size, 'a');
-                text[place] = static_cast<unsigned short>(unit);
-                unsigned char bytes[120];
-                const std::size_t count = UTF16to8(text.data(), text.size(), bytes);
-                ASSERT_EQ(UTF8String(bytes, count), UTF16to8(text)) << size << " units, " << unit << " at " << place;
-            }
-        }
-    }
+    const std::vector<unsigned> units = {0,     1,      0x7F,   0x80,   0xFF,   0x100,  0x17F, 0x7FF,
+                                         0x800, 0x7F80, 0x8000, 0x807F, 0xD800, 0xDC00, 0xFFFF};
+    ForEachShortText<UTF16String>(units, [](const UTF16String& inText) {
+        unsigned char bytes[3 * kLongestShort];
+        const std::size_t count = UTF16to8(inText.data(), inText.size(), bytes);
+        ASSERT_EQ(UTF8String(bytes, count), UTF16to8(inText));
+    });
 }
 
 TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
