@@ -4,6 +4,7 @@
 #include "LinuxFileCopy.h"
 #include "LinuxOpenFolder.h"
 #include "LinuxTemporaryName.h"
+#include "LinuxTree.h"
 #include "SystemCalls.h"
 
 #include <cerrno>
@@ -84,28 +85,20 @@ int OpenToSync(const std::string& inFolder)
     return folder;
 }
 
-SystemError SyncAndClose(int inFolder)
-{
-    const int error = SyncFolder(inFolder);
-    System().mClose(inFolder);
-    return SystemErrorFromErrno(error);
-}
-
 SystemError SyncNamesOf(const std::string& inFolder)
 {
-    const int folder = OpenToSync(inFolder);
-    return folder < 0 ? SystemErrorFromErrno(errno, inFolder) : SyncAndClose(folder);
+    const Descriptor folder(OpenToSync(inFolder));
+    return folder ? SystemErrorFromErrno(SyncFolder(folder.Get())) : SystemErrorFromErrno(errno, inFolder);
 }
 
 // A folder that may be written and not read cannot be asked; its names are then as safe as its volume makes them.
 SystemError SyncNameOf(const HostPath& inPath)
 {
-    const std::string name = FolderOf(inPath.mPath);
-    const int folder = OpenToSync(name);
-    if (folder >= 0) {
-        return SyncAndClose(folder);
+    const Descriptor folder(OpenToSync(FolderOf(inPath.mPath)));
+    if (!folder) {
+        return errno == EACCES || errno == EPERM ? kNoError : SystemErrorFromErrno(errno, inPath.mPath);
     }
-    return errno == EACCES || errno == EPERM ? kNoError : SystemErrorFromErrno(errno, name);
+    return SystemErrorFromErrno(SyncFolder(folder.Get()));
 }
 
 // By a copy, which folders do not have: 5. The source goes when the copy and its name are on disk; one that cannot be
