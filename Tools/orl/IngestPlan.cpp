@@ -84,7 +84,8 @@ public:
         : mRoots(inRoots), mManifest(inManifest), mReplaces(inReplaces),
           mStem(PathUtils::AddTrailingSlash(inRoots.mSource).size()),
           mTargetStem(PathUtils::AddTrailingSlash(inRoots.mDestination)),
-          mHostStem(HostTextOf(PathUtils::AddTrailingSlash(inRoots.mSource)).size()), mHasTarget(Directory::IsDirectory(inRoots.mDestination))
+          mHostStem(HostTextOf(PathUtils::AddTrailingSlash(inRoots.mSource)).size()),
+          mHasTarget(Directory::IsDirectory(inRoots.mDestination))
     {
     }
 

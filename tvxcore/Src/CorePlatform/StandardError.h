@@ -17,8 +17,7 @@ namespace Platform {
 /// everywhere (the room in a pipe is 0 under Wine, whoever reads), so the write is begun and called off by a thread of the
 /// system's pool. That is done for pipes alone: a console whose user holds it up holds its writers up. Nothing calls the
 /// write off where no thread of the pool can run (while the caller loads or unloads a module, or after the system has
-/// ended the process's other threads), or where other code of the process is
-/// held in a write to the same pipe.
+/// ended the process's other threads), or where other code of the process is held in a write to the same pipe.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept;
 
 /// Puts the number that the system keeps of the calling thread's last failure back at the end of its life.
