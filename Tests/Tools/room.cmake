@@ -3,9 +3,9 @@ add_dependencies(${room_target} orl)
 
 # A host with orl's own stream in it, whose file is cut meanwhile.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
-add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/StreamFile.cpp"
-  "${orl_folder}/UnbufferedRead.cpp"   "${orl_folder}/Failure.cpp" "${orl_folder}/Text.cpp")
-target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}")
+add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
+  "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp")
+target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}/Common" "${orl_folder}/Stream")
 target_link_libraries(shrinking_stream_host PRIVATE ORLFoundation orl_strict)
 if(WIN32)
   target_link_libraries(shrinking_stream_host PRIVATE ${ORL_ZLIB})
@@ -22,15 +22,15 @@ endif()
 target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
 
 # What an ingest is made of is tested here by itself too, where a test can step in between.
-file(GLOB ingest_files CONFIGURE_DEPENDS "${orl_folder}/Ingest?*.cpp" "${orl_folder}/*IngestSystem.cpp" "${orl_folder}/*Sha256.cpp")
+file(GLOB ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp")
+list(FILTER ingest_files EXCLUDE REGEX "/Ingest/Ingest\\.cpp$") # the command line
 if(WIN32)
-  list(FILTER ingest_files EXCLUDE REGEX "/orl/Linux[A-Za-z0-9]*\\.cpp$")
+  list(FILTER ingest_files EXCLUDE REGEX "/Linux[A-Za-z0-9]*\\.cpp$")
   target_link_libraries(${room_target} PRIVATE bcrypt)
 else()
-  list(FILTER ingest_files EXCLUDE REGEX "/orl/Win[A-Za-z0-9]*\\.cpp$")
+  list(FILTER ingest_files EXCLUDE REGEX "/Win[A-Za-z0-9]*\\.cpp$")
   find_package(OpenSSL REQUIRED COMPONENTS Crypto)
   target_link_libraries(${room_target} PRIVATE OpenSSL::Crypto)
 endif()
-target_sources(${room_target} PRIVATE ${ingest_files} "${orl_folder}/UnbufferedRead.cpp" "${orl_folder}/WavHeader.cpp"
-  "${orl_folder}/Text.cpp" "${orl_folder}/Failure.cpp")
-target_include_directories(${room_target} PRIVATE "${orl_folder}")
+target_sources(${room_target} PRIVATE ${ingest_files})
+target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest")
