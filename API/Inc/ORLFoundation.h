@@ -33,6 +33,8 @@
 #include <ORLObjectPtr.h>
 #include <ORLParamString.h>
 #include <ORLPathUtils.h>
+#include <ORLRegistryKey.h>
+#include <ORLRegistryStore.h>
 #include <ORLResult.h>
 #include <ORLSharedObjectBase.h>
 #include <ORLSharedThreadedWorkQueue.h>

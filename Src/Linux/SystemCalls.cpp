@@ -62,6 +62,13 @@ void* MapPages(std::size_t inSize)
     return pages != MAP_FAILED ? pages : nullptr;
 }
 
+// The beginning of a file, shared with whoever else maps it.
+void* MapShared(int inFile, std::size_t inSize, int inProtection)
+{
+    void* const pages = ::mmap(nullptr, inSize, inProtection, MAP_SHARED, inFile, 0);
+    return pages != MAP_FAILED ? pages : nullptr;
+}
+
 constexpr SystemCalls TheSystem()
 {
     SystemCalls calls{};
@@ -73,6 +80,7 @@ constexpr SystemCalls TheSystem()
     calls.mFTruncate = &::ftruncate;
     calls.mFSync = &::fsync;
     calls.mFChMod = &::fchmod;
+    calls.mChMod = &::chmod;
     calls.mFUTimens = &::futimens;
     calls.mFListXAttr = &::flistxattr;
     calls.mFGetXAttr = &::fgetxattr;
@@ -81,6 +89,7 @@ constexpr SystemCalls TheSystem()
     calls.mLockRange = &LockRange;
     calls.mGetDents = &::getdents64;
     calls.mStatx = &::statx;
+    calls.mFAccessAt = &::faccessat;
     calls.mFStat = &::fstat;
     calls.mSeek = &::lseek;
     calls.mSetFlags = &SetFlags;
@@ -102,6 +111,7 @@ constexpr SystemCalls TheSystem()
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;
     calls.mMapPages = &MapPages;
+    calls.mMapShared = &MapShared;
     calls.mAdvisePages = &::madvise;
     calls.mUnmapPages = &::munmap;
     calls.mClockGetTime = &::clock_gettime;

@@ -35,6 +35,7 @@ struct io_uring_cqe;
     X(FTruncate, Errno, int, (int inFile, off_t inSize), (inFile, inSize), sNoSize)                                    \
     X(FSync, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
     X(FChMod, Errno, int, (int inFile, mode_t inMode), (inFile, inMode), sNoSize)                                      \
+    X(ChMod, Errno, int, (const char* inPath, mode_t inMode), (inPath, inMode), sNoSize)                               \
     X(FUTimens, Errno, int, (int inFile, const struct timespec* inTimes), (inFile, inTimes), sNoSize)                  \
     X(FListXAttr, Errno, ssize_t, (int inFile, char* outNames, std::size_t inSize), (inFile, outNames, inSize), sNoSize)\
     X(FGetXAttr, Errno, ssize_t, (int inFile, const char* inName, void* outValue, std::size_t inSize),                 \
@@ -47,6 +48,8 @@ struct io_uring_cqe;
       sNoSize)                                                                                                         \
     X(Statx, Errno, int, (int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus),    \
       (inFolder, inPath, inFlags, inMask, outStatus), sNoSize)                                                         \
+    X(FAccessAt, Errno, int, (int inFolder, const char* inPath, int inMode, int inFlags),                              \
+      (inFolder, inPath, inMode, inFlags), sNoSize)                                                                    \
     X(FStat, Errno, int, (int inFile, struct stat* outStatus), (inFile, outStatus), sNoSize)                           \
     X(Seek, Errno, off_t, (int inFile, off_t inPosition, int inFrom), (inFile, inPosition, inFrom), sNoSize)           \
     X(SetFlags, Errno, int, (int inFile, int inFlags), (inFile, inFlags), sNoSize)                                     \
@@ -74,6 +77,7 @@ struct io_uring_cqe;
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \
     X(RealPath, Null, char*, (const char* inPath, char* outResolved), (inPath, outResolved), sNoSize)                  \
     X(MapPages, Null, void*, (std::size_t inSize), (inSize), sNoSize)                                                 \
+    X(MapShared, Null, void*, (int inFile, std::size_t inSize, int inProtection), (inFile, inSize, inProtection), sNoSize) \
     X(AdvisePages, Errno, int, (void* inPages, std::size_t inSize, int inAdvice), (inPages, inSize, inAdvice), sNoSize) \
     X(UnmapPages, Errno, int, (void* inPages, std::size_t inSize), (inPages, inSize), sNoSize)                        \
     X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \

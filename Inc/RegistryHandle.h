@@ -1,0 +1,54 @@
+// Floor: System
+// The open key that copies of a RegistryKey share.
+#pragma once
+
+#include <Platform/Registry.h>
+
+namespace ORL {
+
+/// Binds registry keys to a transaction of the system. The library installs none; a key without one works on the
+/// registry itself.
+struct RegistryTransactionManager
+{
+    void* mTransaction = nullptr;
+    bool mFallsBack = false; // without a transaction: work on the registry itself instead of failing
+};
+
+/// Owns the handle of one key. Not thread-safe: Open and Create replace the handle.
+class RegistryHandle
+{
+public:
+    using KeyHandle = Registry::Platform::KeyHandle;
+
+    explicit RegistryHandle(RegistryTransactionManager* inManager = nullptr) noexcept : mManager(inManager) {}
+    ~RegistryHandle();
+    RegistryHandle(const RegistryHandle&) = delete;
+    RegistryHandle& operator=(const RegistryHandle&) = delete;
+
+    /// Null while closed.
+    KeyHandle Get() const noexcept { return mKey; }
+
+    /// The view bits of the access that the key was opened with.
+    unsigned View() const noexcept { return mView; }
+
+    /// Returns the error of the open, and then leaves the handle as it was; else that of closing the earlier handle.
+    SystemError Open(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
+    SystemError Create(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
+
+    /// Deletes a key below this one with all its descendants, the deepest first.
+    SystemError DeleteTree(const unsigned short* inPath);
+
+private:
+    SystemError Replace(KeyHandle inKey, unsigned inAccess);
+    SystemError DeleteDescendants(const unsigned short* inPath);
+    SystemError Close();
+    SystemError OpenAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
+    SystemError CreateAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
+    SystemError DeleteOne(const unsigned short* inPath) const;
+
+    KeyHandle mKey = nullptr;
+    unsigned mView = 0;
+    RegistryTransactionManager* mManager;
+};
+
+} // namespace ORL

@@ -1,0 +1,27 @@
+// Floor: System
+// What a RegistryKey hides.
+#pragma once
+
+#include <ORLAtomic.h>
+#include <ORLObjectPtr.h>
+#include <ORLRegistryKey.h>
+#include <RegistryHandle.h>
+
+namespace ORL {
+
+struct RegistryKey::PrivateImpl : Impl
+{
+    PrivateImpl() : mKey(new RegistryHandle) {}
+
+    Result Open(Registry::Platform::KeyHandle inParent, const UTF16String& inPath, unsigned inAccess);
+    Result Create(Registry::Platform::KeyHandle inParent, const UTF16String& inPath);
+
+    /// As the seam's, of the open key.
+    SystemError Query(const UTF16String& inName, unsigned* outType, void* outData, unsigned* ioSize) const;
+    Result Set(const UTF16String& inName, unsigned inType, const void* inData, std::size_t inSize) const;
+
+    ObjectPtr<RegistryHandle, AtomicValue> mKey; // shared by copies, never null
+    UTF16String mPath;                           // given to the last Open or Create
+};
+
+} // namespace ORL

@@ -1,0 +1,259 @@
+// The registry's seam: which store a handle belongs to, and memory that runs out.
+#include <Platform/Registry.h>
+
+#include "LinuxRegistryStore.h"
+
+#include <Immortal.h>
+
+#include <atomic>
+#include <new>
+#include <pthread.h>
+
+namespace ORL {
+namespace Registry {
+
+namespace Linux {
+
+namespace {
+
+struct Stores
+{
+    Store mUser{false, &FindUserPlace};
+    Store mMachine{true, &FindMachinePlace};
+};
+
+void BeforeFork();
+void AfterFork();
+
+std::atomic<Stores*> sStores{nullptr};
+
+// Made when they are first needed, and never destroyed: threads may outlive the process's statics.
+Stores& TheStores()
+{
+    static Stores* const sMade = [] {
+        alignas(Stores) static unsigned char sPlace[sizeof(Stores)];
+        Stores* const stores = ::new (static_cast<void*>(sPlace)) Stores;
+        sStores.store(stores);
+        ::pthread_atfork(&BeforeFork, &AfterFork, &AfterFork);
+        return stores;
+    }();
+    return *sMade;
+}
+
+void BeforeFork()
+{
+    TheStores().mUser.LockForFork();
+    TheStores().mMachine.LockForFork();
+}
+
+void AfterFork()
+{
+    TheStores().mMachine.UnlockAfterFork();
+    TheStores().mUser.UnlockAfterFork();
+}
+
+// When the library is unloaded, or the process ends. A thread that goes on opens the database again.
+const struct AtUnload
+{
+    ~AtUnload() { ReleaseStores(); }
+} sAtUnload;
+
+} // namespace
+
+Store& StoreOf(const HandleParts& inKey)
+{
+    return inKey.mIsMachine ? TheStores().mMachine : TheStores().mUser;
+}
+
+void ReleaseStores() noexcept
+{
+    Stores* const stores = sStores.load();
+    if (stores != nullptr) {
+        stores->mUser.Release();
+        stores->mMachine.Release();
+    }
+}
+
+} // namespace Linux
+
+namespace Platform {
+
+namespace {
+
+using namespace SystemErrors;
+using Linux::HandleParts;
+using Linux::LengthOf;
+using Linux::Store;
+using Linux::UnitsView;
+
+template <class Work>
+SystemError WithStore(KeyHandle inKey, Work inWork) noexcept
+{
+    HandleParts parts;
+    if (!Linux::TakeApart(inKey, parts)) {
+        return kErrorInvalidHandle;
+    }
+    try {
+        return inWork(Linux::StoreOf(parts), parts);
+    } catch (...) { // memory is out
+        return kErrorNotEnoughMemory;
+    }
+}
+
+KeyHandle Predefined(unsigned inNumber)
+{
+    return reinterpret_cast<KeyHandle>(static_cast<std::intptr_t>(static_cast<std::int32_t>(inNumber)));
+}
+
+UnitsView NameOf(const unsigned short* inName)
+{
+    return UnitsView(inName, LengthOf(inName));
+}
+
+constexpr unsigned kTypeMultiString = 7;
+
+// The home platform takes a terminator that stands behind a text.
+unsigned SizeWithTerminator(unsigned inType, const void* inData, unsigned inSize)
+{
+    const bool isText = inType == kTypeString || inType == kTypeExpandString || inType == kTypeMultiString;
+    if (!isText || inSize < sizeof(unsigned short)) {
+        return inSize;
+    }
+    const auto* const units = static_cast<const unsigned short*>(inData);
+    const unsigned count = inSize / static_cast<unsigned>(sizeof(unsigned short));
+    return units[count - 1] != 0 && units[count] == 0 ? inSize + static_cast<unsigned>(sizeof(unsigned short)) : inSize;
+}
+
+} // namespace
+
+KeyHandle GetUserRoot_Impl() noexcept
+{
+    return Predefined(0x80000001);
+}
+
+KeyHandle GetMachineRoot_Impl() noexcept
+{
+    return Predefined(0x80000002);
+}
+
+SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
+{
+    outKey = nullptr;
+    return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Open(inParts, inPath, inAccess, outKey);
+    });
+}
+
+SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
+{
+    outKey = nullptr;
+    if (inPath == nullptr) {
+        return kErrorInvalidParameter;
+    }
+    return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Create(inParts, inPath, inAccess, outKey);
+    });
+}
+
+// This system has no transactions that several services share.
+SystemError OpenKeyTransacted_Impl(KeyHandle, const unsigned short*, unsigned, void*, KeyHandle& outKey)
+{
+    outKey = nullptr;
+    return kErrorInvalidFunction;
+}
+
+SystemError CreateKeyTransacted_Impl(KeyHandle, const unsigned short*, unsigned, void*, KeyHandle& outKey)
+{
+    outKey = nullptr;
+    return kErrorInvalidFunction;
+}
+
+SystemError DeleteKeyTransacted_Impl(KeyHandle, const unsigned short*, void*)
+{
+    return kErrorInvalidFunction;
+}
+
+SystemError CloseKey_Impl(KeyHandle inKey)
+{
+    return WithStore(inKey, [](Store& ioStore, const HandleParts& inParts) {
+        return inParts.mIsRoot ? kNoError : ioStore.Close(inParts);
+    });
+}
+
+SystemError DeleteKey_Impl(KeyHandle inParent, const unsigned short* inPath)
+{
+    return inPath == nullptr ? kErrorInvalidParameter
+                             : WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
+                                   return ioStore.Delete(inParts, inPath, false);
+                               });
+}
+
+SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned)
+{
+    return DeleteKey_Impl(inParent, inPath);
+}
+
+SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath)
+{
+    return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Delete(inParts, inPath, true);
+    });
+}
+
+SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
+{
+    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Enumerate(inParts, inIndex, outName, ioLength);
+    });
+}
+
+SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
+                            unsigned* ioSize)
+{
+    if (outData != nullptr && ioSize == nullptr) {
+        return kErrorInvalidParameter;
+    }
+    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Query(inParts, NameOf(inName), outType, outData, ioSize);
+    });
+}
+
+SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
+                          unsigned inSize)
+{
+    if (inData == nullptr && inSize != 0) {
+        return kErrorNoAccess;
+    }
+    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) {
+        const unsigned size = SizeWithTerminator(inType, inData, inSize);
+        return ioStore.Set(inParts, NameOf(inName), inType, inData, size);
+    });
+}
+
+SystemError DeleteValue_Impl(KeyHandle inKey, const unsigned short* inName)
+{
+    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.DeleteValue(inParts, NameOf(inName));
+    });
+}
+
+SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues)
+{
+    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) { return ioStore.List(inParts, outValues); });
+}
+
+SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits)
+{
+    return WithStore(inRoot, [&](Store& ioStore, const HandleParts&) { return ioStore.Apply(inEdits); });
+}
+
+StoreState GetStoreState_Impl(KeyHandle inRoot, bool inCheck)
+{
+    HandleParts parts;
+    Linux::TakeApart(inRoot, parts);
+    return Linux::StoreOf(parts).State(inCheck);
+}
+
+} // namespace Platform
+} // namespace Registry
+} // namespace ORL

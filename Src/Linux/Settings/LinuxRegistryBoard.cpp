@@ -1,0 +1,189 @@
+#include "LinuxRegistryBoard.h"
+
+#include "../LinuxErrors.h"
+#include "../SystemCalls.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <sys/mman.h>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+using ORL::Linux::System;
+using ORL::Linux::SystemErrorFromErrno;
+using namespace SystemErrors;
+
+// The layout is shared with other processes, of other builds too. Its version is part of the mark.
+struct ChangeBoard::Page
+{
+    struct Slot
+    {
+        std::atomic<std::uint64_t> mKind;
+        std::atomic<std::uint64_t> mKey;
+        std::atomic<std::uint64_t> mHash;
+    };
+
+    std::atomic<std::uint64_t> mMark;
+    alignas(64) std::atomic<std::uint64_t> mGeneration;
+    alignas(64) Slot mSlots[kSlots];
+};
+
+namespace {
+
+constexpr std::uint64_t kMark = 0x31304452424C524F; // "ORLBRD01"
+constexpr std::size_t kFileSize = 8192;
+constexpr int kLockAttempts = 4000;
+constexpr long kLockPauseNanoseconds = 5 * 1000 * 1000; // 20 s altogether
+
+SystemError TakeLock(int inFile)
+{
+    struct flock range = {};
+    range.l_type = F_WRLCK;
+    range.l_len = 1;
+    for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
+        if (System().mLockRange(inFile, F_OFD_SETLK, &range) == 0) {
+            return kNoError;
+        }
+        if (errno != EAGAIN && errno != EACCES && errno != EINTR) {
+            return SystemErrorFromErrno(errno);
+        }
+        const struct timespec pause = {0, kLockPauseNanoseconds};
+        ::nanosleep(&pause, nullptr);
+    }
+    return kErrorBusy;
+}
+
+SystemError SizeOf(int inFile, off_t& outSize)
+{
+    struct stat status;
+    if (System().mFStat(inFile, &status) != 0) {
+        return SystemErrorFromErrno(errno);
+    }
+    outSize = status.st_size;
+    return S_ISREG(status.st_mode) ? kNoError : kErrorAccessDenied;
+}
+
+} // namespace
+
+SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
+{
+    static_assert(sizeof(Page) <= kFileSize && std::atomic<std::uint64_t>::is_always_lock_free);
+    Close();
+    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    mFile = System().mOpen(inFile.c_str(), O_RDWR | O_CREAT | kFlags, inIsForAll ? 0644 : 0600);
+    mIsWritable = mFile >= 0;
+    if (mFile < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
+        mFile = System().mOpen(inFile.c_str(), O_RDONLY | kFlags, 0);
+    }
+    if (mFile < 0) {
+        return errno == ELOOP ? kErrorAccessDenied : SystemErrorFromErrno(errno);
+    }
+    off_t size = 0;
+    SystemError error = SizeOf(mFile, size);
+    if (error == kNoError && size < static_cast<off_t>(kFileSize)) {
+        // A umask must not keep the machine's readers out.
+        const bool isMade = mIsWritable && System().mFTruncate(mFile, kFileSize) == 0
+                            && (!inIsForAll || System().mFChMod(mFile, 0644) == 0);
+        error = isMade ? kNoError : mIsWritable ? SystemErrorFromErrno(errno) : kErrorFileNotFound;
+    }
+    if (error == kNoError) {
+        void* const page = System().mMapShared(mFile, kFileSize, mIsWritable ? PROT_READ | PROT_WRITE : PROT_READ);
+        mPage = static_cast<Page*>(page);
+        error = page != nullptr ? kNoError : errno == ENODEV ? kErrorNotSupported : SystemErrorFromErrno(errno);
+    }
+    if (error == kNoError) {
+        std::uint64_t mark = 0;
+        if (mIsWritable) {
+            mPage->mMark.compare_exchange_strong(mark, kMark);
+        } else {
+            mark = mPage->mMark.load();
+        }
+        error = mark == kMark || (mark == 0 && mIsWritable) ? kNoError : kErrorNotRegistryFile;
+    }
+    if (error != kNoError) {
+        Close();
+    }
+    return error;
+}
+
+void ChangeBoard::Close() noexcept
+{
+    if (mPage != nullptr) {
+        System().mUnmapPages(mPage, kFileSize);
+        mPage = nullptr;
+    }
+    if (mFile >= 0) {
+        System().mClose(mFile);
+        mFile = -1;
+    }
+    mIsWritable = false;
+}
+
+SystemError ChangeBoard::Lock() noexcept
+{
+    return mIsWritable ? TakeLock(mFile) : kNoError;
+}
+
+void ChangeBoard::Unlock() noexcept
+{
+    if (mIsWritable) {
+        struct flock range = {};
+        range.l_type = F_UNLCK;
+        range.l_len = 1;
+        System().mLockRange(mFile, F_OFD_SETLK, &range);
+    }
+}
+
+std::uint64_t ChangeBoard::Generation() const noexcept
+{
+    return mPage->mGeneration.load(std::memory_order_acquire);
+}
+
+bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled, std::vector<Change>& outChanges) const
+{
+    const std::uint64_t now = Generation();
+    outSettled = now & ~std::uint64_t{1};
+    const std::uint64_t first = inSince / 2 + 1;
+    const std::uint64_t last = (now + 1) / 2;
+    if (last < inSince / 2 || last - first + 1 >= kSlots) {
+        return false;
+    }
+    outChanges.clear();
+    for (std::uint64_t number = first; number <= last; ++number) {
+        const Page::Slot& slot = mPage->mSlots[number % kSlots];
+        Change change;
+        change.mKind = static_cast<Change::Kind>(slot.mKind.load(std::memory_order_acquire));
+        change.mKey = slot.mKey.load(std::memory_order_acquire);
+        change.mHash = slot.mHash.load(std::memory_order_acquire);
+        outChanges.push_back(change);
+    }
+    // A writer may have overwritten slots meanwhile: at most the one after the change announced last, which this load
+    // sees if one of the loads above has seen the slot.
+    const std::uint64_t after = (mPage->mGeneration.load(std::memory_order_relaxed) + 1) / 2;
+    return after + 1 - first < kSlots;
+}
+
+std::uint64_t ChangeBoard::Announce(const Change& inChange) noexcept
+{
+    // An odd generation here is that of a writer that has committed and not settled yet, or that died: its entry stays.
+    const std::uint64_t announced = (mPage->mGeneration.load(std::memory_order_acquire) + 1) | 1;
+    Page::Slot& slot = mPage->mSlots[(announced + 1) / 2 % kSlots];
+    slot.mKind.store(inChange.mKind, std::memory_order_release);
+    slot.mKey.store(inChange.mKey, std::memory_order_release);
+    slot.mHash.store(inChange.mHash, std::memory_order_release);
+    mPage->mGeneration.store(announced);
+    return announced;
+}
+
+void ChangeBoard::Settle(std::uint64_t inAnnounced) noexcept
+{
+    std::uint64_t expected = inAnnounced;
+    mPage->mGeneration.compare_exchange_strong(expected, inAnnounced + 1);
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

@@ -1,0 +1,87 @@
+#include "LinuxRegistryHandles.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+namespace {
+
+// A handle: bit 0 set, bit 1 the machine's store, the slot in bits 2 to 31, its serial number above. The roots are the
+// home platform's, sign-extended, which no handle looks like: its bits 31 and 0 would say a slot of 2^29.
+constexpr unsigned kSlotShift = 2;
+constexpr unsigned kSerialShift = 32;
+constexpr std::uint32_t kMostSlots = 1u << 28;
+
+} // namespace
+
+bool TakeApart(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept
+{
+    if (inHandle == Platform::GetUserRoot_Impl() || inHandle == Platform::GetMachineRoot_Impl()) {
+        outParts.mIsRoot = true;
+        outParts.mIsMachine = inHandle == Platform::GetMachineRoot_Impl();
+        return true;
+    }
+    const auto bits = reinterpret_cast<std::uintptr_t>(inHandle);
+    outParts.mIsRoot = false;
+    outParts.mIsMachine = (bits & 2) != 0;
+    outParts.mSlot = static_cast<std::uint32_t>(bits) >> kSlotShift;
+    outParts.mSerial = static_cast<std::uint32_t>(bits >> kSerialShift);
+    return (bits & 1) != 0;
+}
+
+Platform::KeyHandle HandleTable::Add(std::shared_ptr<StoredKey> inKey, unsigned inAccess)
+{
+    if (mFree.empty()) {
+        if (mEntries.size() >= kMostSlots) {
+            throw std::bad_alloc();
+        }
+        mFree.reserve(mEntries.size() + 1); // so that a close needs no memory
+        mEntries.emplace_back();
+        mFree.push_back(static_cast<std::uint32_t>(mEntries.size() - 1));
+    }
+    const std::uint32_t slot = mFree.back();
+    mFree.pop_back();
+    Entry& entry = mEntries[slot];
+    entry.mKey = std::move(inKey);
+    entry.mAccess = inAccess;
+    const std::uintptr_t bits = static_cast<std::uintptr_t>(entry.mSerial) << kSerialShift
+                                | static_cast<std::uintptr_t>(slot) << kSlotShift | (mIsMachine ? 3u : 1u);
+    return reinterpret_cast<Platform::KeyHandle>(bits);
+}
+
+bool HandleTable::Find(const HandleParts& inParts, StoredKey*& outKey, unsigned& outAccess) const noexcept
+{
+    if (inParts.mSlot >= mEntries.size()) {
+        return false;
+    }
+    const Entry& entry = mEntries[inParts.mSlot];
+    outKey = entry.mKey.get();
+    outAccess = entry.mAccess;
+    return outKey != nullptr && entry.mSerial == inParts.mSerial;
+}
+
+std::shared_ptr<StoredKey> HandleTable::Remove(const HandleParts& inParts) noexcept
+{
+    StoredKey* key = nullptr;
+    unsigned access = 0;
+    if (!Find(inParts, key, access)) {
+        return nullptr;
+    }
+    Entry& entry = mEntries[inParts.mSlot];
+    ++entry.mSerial;
+    mFree.push_back(inParts.mSlot);
+    return std::move(entry.mKey);
+}
+
+void HandleTable::Clear() noexcept
+{
+    mEntries = {};
+    mFree = {};
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

@@ -1,0 +1,77 @@
+#include "LinuxRegistryPlaces.h"
+
+#include <cstdlib>
+#include <mutex>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+namespace {
+
+std::mutex sMutex;
+std::string* sMachineFolder = nullptr;
+
+std::string Variable(const char* inName)
+{
+    const char* const value = std::getenv(inName);
+    return value != nullptr && value[0] == '/' ? value : std::string();
+}
+
+std::string HomeFolder()
+{
+    const std::string home = Variable("HOME");
+    if (!home.empty()) {
+        return home;
+    }
+    std::vector<char> buffer(16384);
+    struct passwd entry;
+    struct passwd* found = nullptr;
+    const bool isKnown = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0
+                         && found != nullptr && found->pw_dir != nullptr && found->pw_dir[0] == '/';
+    return isKnown ? found->pw_dir : std::string();
+}
+
+Place PlaceIn(const std::string& inFolder, const char* inName, bool inIsForAll)
+{
+    Place place;
+    place.mFolder = inFolder + "/ORLFoundation";
+    place.mDatabase = place.mFolder + "/" + inName;
+    place.mIsForAll = inIsForAll;
+    return place;
+}
+
+} // namespace
+
+Place FindUserPlace()
+{
+    std::string data = Variable("XDG_DATA_HOME");
+    if (data.empty()) {
+        const std::string home = HomeFolder();
+        if (home.empty()) {
+            return Place();
+        }
+        data = home + "/.local/share";
+    }
+    return PlaceIn(data, "user.registry", false);
+}
+
+Place FindMachinePlace()
+{
+    const std::lock_guard<std::mutex> lock(sMutex);
+    return PlaceIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", true);
+}
+
+void SetMachineFolder(const std::string& inFolder)
+{
+    const std::lock_guard<std::mutex> lock(sMutex);
+    delete sMachineFolder;
+    sMachineFolder = inFolder.empty() ? nullptr : new std::string(inFolder);
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

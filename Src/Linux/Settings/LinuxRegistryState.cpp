@@ -1,0 +1,62 @@
+// What is known of a store.
+#include "LinuxRegistryStoreWork.h"
+
+#include "LinuxRegistryFolder.h"
+
+#include <algorithm>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+using namespace SystemErrors;
+
+namespace {
+
+std::string ProblemOf(SystemError inError)
+{
+    switch (inError) {
+    case kErrorAccessDenied:
+        return "the database or its folder may not be used: it is a link, belongs to another user, or everybody may "
+               "write it";
+    case kErrorNotRegistryFile:
+        return "the database was made by a newer version of this library";
+    case kErrorBusy:
+        return "another process keeps the database locked";
+    case kErrorDiskFull:
+        return "the disk is full";
+    default:
+        return "the database cannot be read: system error " + std::to_string(inError);
+    }
+}
+
+} // namespace
+
+Platform::StoreState Store::State(bool inCheck)
+{
+    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<std::mutex> memory(mMemory);
+    Platform::StoreState state;
+    const SystemError error = CatchUp(false);
+    state.mPlace = mPlace.mDatabase;
+    if (error != kNoError) {
+        state.mIsWhole = false;
+        state.mProblem = ProblemOf(error);
+    } else if (mDatabase.IsOpen() && inCheck) {
+        state.mProblem = mDatabase.FindFaults();
+        state.mIsWhole = state.mProblem.empty();
+    }
+    state.mBytes = SizeOnDisk(mPlace.mDatabase);
+    state.mSetAside = FindSetAside(mPlace.mDatabase);
+    const std::vector<SetAside> known = mDatabase.IsOpen() ? mDatabase.ListSetAside() : std::vector<SetAside>();
+    for (SetAside& aside : state.mSetAside) {
+        const auto found = std::find_if(known.begin(), known.end(),
+                                        [&](const SetAside& inKnown) { return inKnown.mTime == aside.mTime; });
+        aside.mReason = found != known.end() ? found->mReason : std::string();
+    }
+    return state;
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

@@ -1,0 +1,194 @@
+// Opening the database, keeping memory up to date with it, and finding keys.
+#include "LinuxRegistryStoreWork.h"
+
+#include "LinuxRegistryFolder.h"
+#include "LinuxRegistryTrace.h"
+
+#include <unistd.h>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+using namespace SystemErrors;
+
+namespace {
+
+constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x80000; // of an access mask
+
+} // namespace
+
+bool Store::IsUpToDate() noexcept
+{
+    return mSeen != kNever && mDatabase.IsOpen() && mDatabase.Board().IsOpen()
+           && mDatabase.Board().Generation() == mSeen;
+}
+
+void Store::Forget() noexcept
+{
+    mSeen = kNever;
+    mVersion = -1;
+}
+
+// Under both locks.
+SystemError Store::CatchUp(bool inCreate)
+{
+    if (mDatabase.IsOpen() && mProcess != ::getpid()) {
+        mDatabase.Abandon();
+        Forget();
+    }
+    if (mDatabase.IsOpen() && !mDatabase.IsInPlace()) {
+        mDatabase.Close();
+        Forget();
+    }
+    SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inCreate);
+    if (error == kErrorFileNotFound && !inCreate) {
+        return mTree.NoteEverything(nullptr); // an empty store, as long as nobody writes
+    }
+    return error == kNoError ? Refresh() : error;
+}
+
+SystemError Store::Refresh()
+{
+    const SystemError error = mDatabase.Board().IsOpen() ? CatchUpWithBoard() : CatchUpWithVersion();
+    if (error != kNoError) {
+        Forget();
+    }
+    return error;
+}
+
+SystemError Store::OpenDatabase(bool inCreate)
+{
+    Forget();
+    mPlace = mFindPlace();
+    SystemError error = mDatabase.Open(mPlace, inCreate);
+    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+        error = mDatabase.Open(mPlace, true); // says why, which needs a database
+    }
+    if (error == kNoError) {
+        mProcess = ::getpid();
+    } else if (error != kErrorFileNotFound) {
+        TraceRefusal(mPlace.mDatabase, error);
+    }
+    return error;
+}
+
+SystemError Store::CatchUpWithBoard()
+{
+    const std::uint64_t generation = mDatabase.Board().Generation();
+    if (generation == mSeen) {
+        return kNoError;
+    }
+    std::uint64_t settled = generation & ~std::uint64_t{1};
+    std::vector<Change> changes;
+    SystemError error = kNoError;
+    if (mSeen == kNever || !mDatabase.Board().ChangesSince(mSeen, settled, changes)) {
+        error = mTree.NoteEverything(Loader());
+        changes.clear();
+    }
+    for (std::size_t i = 0; i < changes.size() && error == kNoError; ++i) {
+        error = mTree.Note(changes[i], Loader());
+    }
+    mSeen = error == kNoError ? settled : kNever;
+    return error;
+}
+
+SystemError Store::CatchUpWithVersion()
+{
+    Statement query(mDatabase, Database::kDataVersion);
+    const std::int64_t version = query.Step() ? query.Number(0) : -1;
+    if (query.Error() != kNoError || version == mVersion) {
+        return query.Error();
+    }
+    mVersion = version;
+    return mTree.NoteEverything(Loader());
+}
+
+SystemError Store::Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const
+{
+    unsigned access = Platform::kAccessAll;
+    outKey = mTree.Root().get();
+    if (!inKey.mIsRoot && !mHandles.Find(inKey, outKey, access)) {
+        return kErrorInvalidHandle;
+    }
+    if (outKey->mIsDeleted) {
+        return kErrorKeyDeleted;
+    }
+    return (access & inAccess) == inAccess ? kNoError : kErrorAccessDenied;
+}
+
+SystemError Store::Walk(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey)
+{
+    PathNames names(inPath);
+    outKey = &inFrom;
+    for (UnitsView name; names.Next(name);) {
+        if (!outKey->mHasSubKeys && !inMayLoad) {
+            return kNotInMemory;
+        }
+        const SystemError error = mTree.LoadSubKeys(*outKey, Loader());
+        if (error != kNoError) {
+            return error;
+        }
+        FoldName(name, mFolded);
+        const std::shared_ptr<StoredKey>* const found = Tree::Find(*outKey, mFolded);
+        if (found == nullptr) {
+            return kErrorFileNotFound;
+        }
+        outKey = found->get();
+    }
+    return kNoError;
+}
+
+// An ordinary user may not change the machine's store, which is told when a key is opened to be changed. The user's own
+// store may be read-only for a while: its keys can be opened, and each change fails.
+SystemError Store::CheckAccess(unsigned inAccess) const
+{
+    if ((inAccess & Platform::kAccessViewBits) == Platform::kAccessViewBits) {
+        return kErrorInvalidParameter;
+    }
+    if (!mIsMachine || (inAccess & kChangingBits) == 0) {
+        return kNoError;
+    }
+    const bool mayWrite = mDatabase.IsOpen() ? !mDatabase.IsReadOnly() : MayCreate(mFindPlace());
+    return mayWrite ? kNoError : kErrorAccessDenied;
+}
+
+SystemError Store::AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& outKey)
+{
+    const SystemError error = CheckAccess(inAccess);
+    if (error == kNoError) {
+        outKey = mHandles.Add(inKey.shared_from_this(), inAccess);
+    }
+    return error;
+}
+
+void Store::Release() noexcept
+{
+    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<std::mutex> memory(mMemory);
+    if (mDatabase.IsOpen() && mProcess != ::getpid()) {
+        mDatabase.Abandon();
+    }
+    mDatabase.Close();
+    Forget();
+    if (mHandles.IsEmpty()) {
+        mTree.Clear();
+        mHandles.Clear();
+    }
+}
+
+void Store::LockForFork()
+{
+    mWork.lock();
+    mMemory.lock();
+}
+
+void Store::UnlockAfterFork()
+{
+    mMemory.unlock();
+    mWork.unlock();
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

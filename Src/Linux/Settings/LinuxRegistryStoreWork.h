@@ -1,0 +1,98 @@
+// Floor: System
+// How reads and changes of a store run: included by the sources of Store alone.
+#pragma once
+
+#include "LinuxRegistryStore.h"
+
+#include <new>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+/// inRead(false) looks at what is in memory and returns kNotInMemory if that is not enough; inRead(true) may load.
+template <class Read>
+SystemError Store::FromMemory(Read inRead)
+{
+    {
+        const std::lock_guard<std::mutex> memory(mMemory);
+        if (IsUpToDate()) {
+            const SystemError error = inRead(false);
+            if (error != kNotInMemory) {
+                return error;
+            }
+        }
+    }
+    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<std::mutex> memory(mMemory);
+    SystemError error = CatchUp(false);
+    error = error == SystemErrors::kNoError ? inRead(true) : error;
+    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+        error = CatchUp(true);
+        error = error == SystemErrors::kNoError ? inRead(true) : error;
+    }
+    return error;
+}
+
+/// inWork changes the database inside a transaction, in which memory is up to date and nobody else writes; it leaves
+/// memory alone. inDone does the same in memory after the commit. Both run under both locks.
+template <class Work, class Done>
+SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
+{
+    const std::lock_guard<std::mutex> work(mWork);
+    SystemError error = RunChangeOnce(inChange, inWork, inDone);
+    const std::lock_guard<std::mutex> memory(mMemory);
+    if (!mDatabase.SetAsideIfDamaged(mPlace)) {
+        return error;
+    }
+    Forget();
+    return error;
+}
+
+template <class Work, class Done>
+SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDone)
+{
+    SystemError error = SystemErrors::kNoError;
+    {
+        const std::lock_guard<std::mutex> memory(mMemory);
+        error = CatchUp(true);
+    }
+    if (error == SystemErrors::kNoError) {
+        error = Statement(mDatabase, Database::kBegin).Run(); // may wait for other processes
+    }
+    if (error != SystemErrors::kNoError) {
+        return error;
+    }
+    const std::lock_guard<std::mutex> memory(mMemory);
+    Transaction transaction(mDatabase, inChange);
+    error = Refresh();
+    error = error == SystemErrors::kNoError ? inWork() : error;
+    error = error == SystemErrors::kNoError ? transaction.Commit() : error;
+    const std::uint64_t announced = mDatabase.Settle();
+    if (error == SystemErrors::kNoError) {
+        KeepUp(announced, inDone);
+    }
+    return error;
+}
+
+/// Does in memory what this process has done itself, unless others have to be caught up with
+/// first. The commit stands whatever happens here.
+template <class Done>
+void Store::KeepUp(std::uint64_t inAnnounced, Done inDone) noexcept
+{
+    if (mDatabase.Board().IsOpen() && mSeen != inAnnounced - 1) {
+        return;
+    }
+    try {
+        if (inDone() == SystemErrors::kNoError) {
+            mSeen = mDatabase.Board().IsOpen() ? inAnnounced + 1 : kNever;
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+    }
+    Forget();
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

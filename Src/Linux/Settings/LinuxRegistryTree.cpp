@@ -1,0 +1,309 @@
+#include "LinuxRegistryTree.h"
+
+#include "LinuxRegistryDatabase.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+using namespace SystemErrors;
+
+namespace {
+
+// When more values than this are stale, all of them are loaded at once.
+constexpr std::size_t kMostStaleValues = 64;
+
+struct Row
+{
+    std::int64_t mId;
+    Units mFolded;
+    Units mName;
+};
+
+bool ComesBefore(const Row& inLeft, const Row& inRight)
+{
+    return inLeft.mFolded < inRight.mFolded;
+}
+
+constexpr unsigned short kSoftwareFolded[] = {'S', 'O', 'F', 'T', 'W', 'A', 'R', 'E', 0};
+constexpr unsigned short kSoftwareName[] = {'S', 'o', 'f', 't', 'w', 'a', 'r', 'e', 0};
+
+// The subkeys of a key, sorted. Rows that no version of the library writes are passed over.
+SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<Row>& outRows)
+{
+    if (ioDatabase == nullptr) {
+        if (inKey == kRootKey) {
+            outRows.push_back({kSoftwareKey, kSoftwareFolded, kSoftwareName});
+        }
+        return kNoError;
+    }
+    Statement query(*ioDatabase, Database::kSelectSubKeys);
+    query.Bind(1, inKey);
+    while (query.Step()) {
+        Row row;
+        row.mId = query.Number(0);
+        query.Text(1, row.mFolded);
+        query.Text(2, row.mName);
+        if (!row.mFolded.empty() && !row.mName.empty() && row.mId > kRootKey) {
+            outRows.push_back(std::move(row));
+        }
+    }
+    std::sort(outRows.begin(), outRows.end(), &ComesBefore);
+    return query.Error();
+}
+
+void ReadValue(Statement& inRow, Units& outFolded, StoredValue& outValue)
+{
+    inRow.Text(0, outFolded);
+    inRow.Text(1, outValue.mName);
+    outValue.mType = static_cast<unsigned>(inRow.Number(2));
+    inRow.Data(3, outValue.mData);
+}
+
+} // namespace
+
+Tree::Tree() : mRoot(std::make_shared<StoredKey>())
+{
+    mRoot->mId = kRootKey;
+    mKeys.emplace(kRootKey, mRoot.get());
+}
+
+std::shared_ptr<StoredKey>* Tree::Find(StoredKey& inKey, UnitsView inFolded)
+{
+    const auto found = std::lower_bound(
+        inKey.mSubKeys.begin(), inKey.mSubKeys.end(), inFolded,
+        [](const std::shared_ptr<StoredKey>& inLeft, UnitsView inRight) { return inLeft->mFolded < inRight; });
+    return found != inKey.mSubKeys.end() && (*found)->mFolded == inFolded ? &*found : nullptr;
+}
+
+unsigned Tree::LevelOf(const StoredKey& inKey) noexcept
+{
+    unsigned level = 0;
+    for (const StoredKey* key = inKey.mParent; key != nullptr; key = key->mParent) {
+        ++level;
+    }
+    return level;
+}
+
+SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
+{
+    if (ioKey.mHasSubKeys) {
+        return kNoError;
+    }
+    std::vector<Row> rows;
+    const SystemError error = ReadSubKeys(ioKey.mId, ioDatabase, rows);
+    if (error != kNoError) {
+        return error;
+    }
+    // Nothing changes before everything is made.
+    std::vector<std::shared_ptr<StoredKey>> subKeys;
+    subKeys.reserve(rows.size());
+    mKeys.reserve(mKeys.size() + rows.size());
+    for (Row& row : rows) {
+        const auto known = mKeys.find(row.mId);
+        if (known == mKeys.end()) {
+            auto key = std::make_shared<StoredKey>();
+            key->mId = row.mId;
+            key->mFolded = std::move(row.mFolded);
+            key->mName = std::move(row.mName);
+            subKeys.push_back(std::move(key));
+        } else if (known->second->mParent == &ioKey) { // one of another parent is no key of any version's making
+            const std::shared_ptr<StoredKey>* const here = Find(ioKey, row.mFolded);
+            if (here != nullptr) {
+                subKeys.push_back(*here);
+            }
+        }
+    }
+    subKeys.swap(ioKey.mSubKeys); // now subKeys are the earlier ones
+    for (const std::shared_ptr<StoredKey>& key : ioKey.mSubKeys) {
+        if (key->mParent == nullptr) {
+            key->mParent = &ioKey;
+            mKeys.emplace(key->mId, key.get());
+        }
+    }
+    ioKey.mHasSubKeys = true;
+    for (const std::shared_ptr<StoredKey>& key : subKeys) {
+        const std::shared_ptr<StoredKey>* const here = Find(ioKey, key->mFolded);
+        if (here == nullptr || *here != key) {
+            MarkDeleted(*key);
+        }
+    }
+    return kNoError;
+}
+
+SystemError Tree::LoadValues(StoredKey& ioKey, Database* ioDatabase)
+{
+    if (ioKey.mHasValues && ioKey.mStaleValues.empty()) {
+        return kNoError;
+    }
+    std::unordered_map<Units, StoredValue, HashOfName> values;
+    if (ioDatabase != nullptr) {
+        Statement query(*ioDatabase, Database::kSelectValues);
+        query.Bind(1, ioKey.mId);
+        while (query.Step()) {
+            Units folded;
+            StoredValue value;
+            ReadValue(query, folded, value);
+            values.emplace(std::move(folded), std::move(value));
+        }
+        if (query.Error() != kNoError) {
+            return query.Error();
+        }
+    }
+    ioKey.mValues.swap(values);
+    ioKey.mStaleValues.clear();
+    ioKey.mHasValues = true;
+    return kNoError;
+}
+
+SystemError Tree::LoadValue(StoredKey& ioKey, const Units& inFolded, Database* ioDatabase)
+{
+    if (!ioKey.mHasValues) {
+        return LoadValues(ioKey, ioDatabase);
+    }
+    const std::uint64_t hash = HashName(inFolded);
+    const auto stale = std::find(ioKey.mStaleValues.begin(), ioKey.mStaleValues.end(), hash);
+    if (stale == ioKey.mStaleValues.end()) {
+        return kNoError;
+    }
+    if (ioDatabase == nullptr) {
+        return LoadValues(ioKey, ioDatabase);
+    }
+    Statement query(*ioDatabase, Database::kSelectValue);
+    query.Bind(1, ioKey.mId).Bind(2, UnitsView(inFolded));
+    if (query.Step()) {
+        Units folded;
+        StoredValue value;
+        ReadValue(query, folded, value);
+        ioKey.mValues[inFolded] = std::move(value);
+    } else if (query.Error() == kNoError) {
+        ioKey.mValues.erase(inFolded);
+    }
+    if (query.Error() == kNoError) {
+        ioKey.mStaleValues.erase(stale);
+    }
+    return query.Error();
+}
+
+SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
+{
+    if (inChange.mKind != Change::kSubKeys && inChange.mKind != Change::kValue) {
+        return NoteEverything(ioDatabase);
+    }
+    const auto found = mKeys.find(static_cast<std::int64_t>(inChange.mKey));
+    if (found == mKeys.end()) {
+        return kNoError;
+    }
+    StoredKey& key = *found->second;
+    if (inChange.mKind == Change::kSubKeys) {
+        return ReloadSubKeys(key, ioDatabase);
+    }
+    std::vector<std::uint64_t>& stale = key.mStaleValues;
+    if (!key.mHasValues || std::find(stale.begin(), stale.end(), inChange.mHash) != stale.end()) {
+        return kNoError;
+    }
+    if (stale.size() >= kMostStaleValues) {
+        key.mHasValues = false;
+        stale.clear();
+    } else {
+        stale.push_back(inChange.mHash);
+    }
+    return kNoError;
+}
+
+SystemError Tree::NoteEverything(Database* ioDatabase)
+{
+    return ReloadBelow(*mRoot, ioDatabase);
+}
+
+SystemError Tree::ReloadBelow(StoredKey& ioKey, Database* ioDatabase)
+{
+    ioKey.mHasValues = false;
+    ioKey.mValues.clear();
+    ioKey.mStaleValues.clear();
+    SystemError error = ReloadSubKeys(ioKey, ioDatabase);
+    for (std::size_t i = 0; error == kNoError && i < ioKey.mSubKeys.size(); ++i) {
+        error = ReloadBelow(*ioKey.mSubKeys[i], ioDatabase);
+    }
+    return error;
+}
+
+SystemError Tree::ReloadSubKeys(StoredKey& ioKey, Database* ioDatabase)
+{
+    // Without mHasSubKeys there are subkeys in memory when loading them has failed before.
+    const bool isInMemory = std::exchange(ioKey.mHasSubKeys, false) || !ioKey.mSubKeys.empty();
+    return isInMemory ? LoadSubKeys(ioKey, ioDatabase) : kNoError;
+}
+
+void Tree::Insert(StoredKey& ioParent, std::int64_t inId, const Units& inFolded, const Units& inName)
+{
+    if (!ioParent.mHasSubKeys || mKeys.count(inId) != 0) {
+        return;
+    }
+    auto key = std::make_shared<StoredKey>();
+    key->mId = inId;
+    key->mParent = &ioParent;
+    key->mFolded = inFolded;
+    key->mName = inName;
+    key->mHasSubKeys = true; // a new key has none
+    key->mHasValues = true;
+    mKeys.reserve(mKeys.size() + 1);
+    const auto place = std::lower_bound(
+        ioParent.mSubKeys.begin(), ioParent.mSubKeys.end(), inFolded,
+        [](const std::shared_ptr<StoredKey>& inLeft, const Units& inRight) { return inLeft->mFolded < inRight; });
+    mKeys.emplace(inId, key.get());
+    try {
+        ioParent.mSubKeys.insert(place, std::move(key));
+    } catch (...) {
+        mKeys.erase(inId);
+        throw;
+    }
+}
+
+void Tree::Remove(StoredKey& ioKey) noexcept
+{
+    StoredKey* const parent = ioKey.mParent;
+    if (parent == nullptr) {
+        return;
+    }
+    const auto found = std::find_if(parent->mSubKeys.begin(), parent->mSubKeys.end(),
+                                    [&](const std::shared_ptr<StoredKey>& inKey) { return inKey.get() == &ioKey; });
+    const std::shared_ptr<StoredKey> key = found != parent->mSubKeys.end() ? *found : nullptr;
+    if (found != parent->mSubKeys.end()) {
+        parent->mSubKeys.erase(found);
+    }
+    MarkDeleted(ioKey);
+}
+
+void Tree::Clear() noexcept
+{
+    std::vector<std::shared_ptr<StoredKey>>().swap(mRoot->mSubKeys);
+    mRoot->mHasSubKeys = false;
+    mRoot->mHasValues = false;
+    mRoot->mValues = {};
+    mRoot->mStaleValues = {};
+    mKeys = {{kRootKey, mRoot.get()}};
+}
+
+void Tree::MarkDeleted(StoredKey& ioKey) noexcept
+{
+    std::vector<std::shared_ptr<StoredKey>> subKeys;
+    subKeys.swap(ioKey.mSubKeys);
+    for (const std::shared_ptr<StoredKey>& key : subKeys) {
+        MarkDeleted(*key);
+    }
+    ioKey.mIsDeleted = true;
+    ioKey.mParent = nullptr;
+    ioKey.mValues.clear();
+    const auto known = mKeys.find(ioKey.mId);
+    if (known != mKeys.end() && known->second == &ioKey) {
+        mKeys.erase(known);
+    }
+}
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

@@ -1,0 +1,46 @@
+// A part of the registry that belongs to one test: on Linux a store in a folder of its own, on Windows a key.
+#pragma once
+
+#include <ORLRegistryKey.h>
+
+#include <TextHelpers.h>
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace ORLTest {
+
+class RegistryPlace
+{
+public:
+    RegistryPlace();
+    ~RegistryPlace();
+    RegistryPlace(const RegistryPlace&) = delete;
+    RegistryPlace& operator=(const RegistryPlace&) = delete;
+
+    /// Where on Linux the stores lie; empty on Windows.
+    std::string Folder() const;
+
+    class Impl;
+
+private:
+    std::unique_ptr<Impl> mImpl;
+};
+
+/// A key of its own below the user's root, gone at the end.
+class RegistryTest : public testing::Test
+{
+protected:
+    RegistryTest();
+    ~RegistryTest() override;
+
+    /// The path of the test's key, or of a key below it.
+    UTF16String Path(const std::u16string& inBelow = std::u16string()) const;
+
+    const RegistryPlace mPlace;
+    const UTF16String mPath;
+    ORL::RegistryKey mKey; // open with all access
+};
+
+} // namespace ORLTest
