@@ -20,6 +20,7 @@
 #include <ORLDiskUtils.h>
 #include <ORLEvent.h>
 #include <ORLException.h>
+#include <ORLExceptionRecordLinux.h>
 #include <ORLFailureReport.h>
 #include <ORLFile.h>
 #include <ORLHostPath.h>

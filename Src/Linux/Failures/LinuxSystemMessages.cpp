@@ -1,0 +1,208 @@
+// The sentences that the home platform's error numbers have here. The wording is this library's own.
+#include <Platform/SystemMessages.h>
+
+#include <ORLString.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+namespace ORL {
+namespace FailureReport {
+namespace Platform {
+
+namespace {
+
+struct Message
+{
+    unsigned int mError;
+    const char* mText; // without its line end
+};
+
+// In the order of the numbers: the search is binary.
+constexpr Message kMessages[] = {
+    {0, "The operation succeeded."},
+    {1, "The function does not exist or does not apply here."},
+    {2, "The file does not exist."},
+    {3, "The path does not exist."},
+    {4, "Too many files are open."},
+    {5, "Access was denied."},
+    {6, "The handle is not valid."},
+    {7, "The memory control blocks are damaged."},
+    {8, "There is not enough memory for this operation."},
+    {9, "The memory block's address is not valid."},
+    {10, "The environment is not valid."},
+    {11, "The program's format is not valid."},
+    {12, "The access code is not valid."},
+    {13, "The data is not valid."},
+    {14, "There is not enough memory to finish this operation."},
+    {15, "The drive does not exist."},
+    {16, "The current directory cannot be removed."},
+    {17, "The file cannot be moved to another volume."},
+    {18, "There are no more files."},
+    {19, "The medium is write-protected."},
+    {20, "The device does not exist."},
+    {21, "The device is not ready."},
+    {22, "The device does not know the command."},
+    {23, "The data failed its checksum."},
+    {24, "The command's length is wrong."},
+    {25, "The device cannot find that place on the medium."},
+    {26, "The volume cannot be accessed."},
+    {27, "The device cannot find the sector."},
+    {28, "The printer is out of paper."},
+    {29, "The device cannot be written to."},
+    {30, "The device cannot be read from."},
+    {31, "The device does not work."},
+    {32, "Another process uses the file."},
+    {33, "Another process has locked a part of the file."},
+    {34, "The wrong medium is in the drive."},
+    {36, "Too many files are shared."},
+    {38, "The end of the file is reached."},
+    {39, "The disk is full."},
+    {50, "The request is not supported."},
+    {51, "The remote computer cannot be reached."},
+    {52, "The name already exists on the network."},
+    {53, "The network path was not found."},
+    {54, "The network is busy."},
+    {55, "The network resource is no longer available."},
+    {59, "The network failed unexpectedly."},
+    {64, "The network name is no longer available."},
+    {65, "Access to the network was denied."},
+    {67, "The network name does not exist."},
+    {80, "The file exists already."},
+    {82, "The file or directory cannot be created."},
+    {87, "A parameter is not valid."},
+    {107, "The disk was taken out of the drive."},
+    {108, "The disk is in use or locked by another process."},
+    {109, "The pipe was closed."},
+    {110, "The device or file cannot be opened."},
+    {111, "The file name is too long."},
+    {112, "There is not enough space on the disk."},
+    {120, "The function is not supported on this system."},
+    {121, "The wait timed out."},
+    {122, "The buffer given to a system call is too small."},
+    {123, "The name is not valid."},
+    {124, "The information level is not valid."},
+    {126, "The module was not found."},
+    {127, "The procedure was not found."},
+    {130, "The handle of an unbuffered file was used for another operation."},
+    {131, "The position lies before the beginning of the file."},
+    {132, "The file position cannot be set on this device."},
+    {145, "The directory is not empty."},
+    {148, "The path cannot be used now."},
+    {158, "The region is not locked."},
+    {161, "The path is not valid."},
+    {167, "The region of the file cannot be locked."},
+    {170, "The resource is in use."},
+    {173, "There is no lock request to cancel."},
+    {183, "A file with this name exists already."},
+    {186, "The flags are not valid."},
+    {187, "The semaphore does not exist."},
+    {193, "The file is not a program that can run here."},
+    {203, "The environment variable does not exist."},
+    {206, "The file name or its extension is too long."},
+    {216, "The program does not fit this machine."},
+    {223, "The file is larger than the limit allows."},
+    {230, "The pipe's state is not valid."},
+    {231, "All pipe instances are busy."},
+    {232, "The pipe is being closed."},
+    {233, "There is no process at the other end of the pipe."},
+    {234, "More data is available."},
+    {258, "The wait timed out."},
+    {259, "There is no more data."},
+    {267, "The name does not denote a directory."},
+    {276, "The buffer for extended attributes is too small."},
+    {282, "The file system does not support extended attributes."},
+    {298, "The semaphore was released too often."},
+    {299, "Only a part of the memory request was carried out."},
+    {317, "There is no text for this message number."},
+    {487, "The address is not valid."},
+    {534, "The result of an arithmetic operation is too large."},
+    {535, "A process is at the other end of the pipe."},
+    {536, "The pipe waits for a process to open its other end."},
+    {995, "The operation was cancelled."},
+    {996, "The overlapped operation is not finished."},
+    {997, "The overlapped operation is in progress."},
+    {998, "A memory address is not accessible."},
+    {999, "The paging operation failed."},
+    {1001, "The stack is exhausted by recursion."},
+    {1004, "The flags are not valid."},
+    {1005, "The volume holds no file system that is known here."},
+    {1006, "The volume of the open file has changed, so the file is no longer valid."},
+    {1008, "The thread has no token."},
+    {1009, "The settings store is damaged."},
+    {1010, "The settings key is not valid."},
+    {1011, "The settings key cannot be opened."},
+    {1012, "The settings key cannot be read."},
+    {1013, "The settings key cannot be written."},
+    {1015, "The settings store is damaged."},
+    {1016, "Reading or writing the settings store failed."},
+    {1018, "The settings key has been deleted."},
+    {1020, "The settings key has subkeys or values already."},
+    {1021, "A settings key that lasts cannot be made below one that does not."},
+    {1056, "The service is running already."},
+    {1060, "The service is not installed."},
+    {1062, "The service has not been started."},
+    {1112, "There is no medium in the drive."},
+    {1113, "A character has no counterpart in the target encoding."},
+    {1114, "The module failed to initialise."},
+    {1115, "The system is shutting down."},
+    {1117, "The device reported an input or output error."},
+    {1130, "There is not enough server memory for this command."},
+    {1131, "A possible deadlock was found."},
+    {1142, "The file has too many links."},
+    {1155, "No application is assigned to this kind of file."},
+    {1157, "A module that the application needs was not found."},
+    {1165, "The device indicates that it was opened badly."},
+    {1167, "The device is not connected."},
+    {1168, "The element was not found."},
+    {1175, "The file to be replaced cannot be removed."},
+    {1176, "The replacement cannot be moved into place. The replaced file keeps its name."},
+    {1177, "The replacement cannot be moved into place. The replaced file has its backup name."},
+    {1223, "The user cancelled the operation."},
+    {1224, "The file is mapped into memory and cannot be changed that way."},
+    {1231, "The network location cannot be reached."},
+    {1235, "The request was aborted."},
+    {1237, "The operation could not be finished. Try again."},
+    {1265, "The system cannot verify the other side."},
+    {1314, "A privilege that is needed is not held."},
+    {1326, "The user name or the password is wrong."},
+    {1392, "The file or directory is damaged and cannot be read."},
+    {1393, "The disk's structure is damaged and cannot be read."},
+    {1400, "The window handle is not valid."},
+    {1402, "The pointer handle is not valid."},
+    {1412, "There is no window of this class."},
+    {1450, "There are not enough system resources for this operation."},
+    {1453, "There is not enough quota for this operation."},
+    {1455, "The paging file is too small for this operation."},
+    {1460, "The wait timed out."},
+    {1784, "The buffer given is not valid for this operation."},
+    {1812, "The module holds no resources."},
+    {1813, "The module has no resource of this type."},
+    {1814, "The module has no resource of this name."},
+    {1815, "The module has no resource in this language."},
+    {1816, "There is not enough quota for this command."},
+    {1920, "The file cannot be accessed."},
+    {1921, "The name cannot be resolved."},
+    {2250, "The network connection does not exist."},
+    {2404, "The device is in use."},
+    {4390, "The file or directory is not a reparse point."},
+    {4392, "The reparse point's data is not valid."},
+};
+
+} // namespace
+
+UTF16String SystemErrorMessage_Impl(unsigned int inError)
+{
+    const Message* const found = std::lower_bound(
+        std::begin(kMessages), std::end(kMessages), inError,
+        [](const Message& inMessage, unsigned int inNumber) { return inMessage.mError < inNumber; });
+    if (found == std::end(kMessages) || found->mError != inError) {
+        return UTF16String();
+    }
+    return MakeString(std::string(found->mText) + "\r\n");
+}
+
+} // namespace Platform
+} // namespace FailureReport
+} // namespace ORL
