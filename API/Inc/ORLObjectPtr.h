@@ -26,7 +26,7 @@ class ObjectPtr
     static_assert(sizeof(CounterType) == 4, "the counter is a 32-bit number");
 
 public:
-    ObjectPtr() noexcept : mCounter(nullptr), mPtr(nullptr) {}
+    constexpr ObjectPtr() noexcept : mCounter(nullptr), mPtr(nullptr) {}
 
     /// Takes the object over; null gives an empty pointer. The object must have no other owner. When there is no memory
     /// for the counter the object is deleted and std::bad_alloc leaves. Explicit, since a pointer that becomes an owner

@@ -1,6 +1,7 @@
 #include "SystemCalls.h"
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <liburing.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -108,6 +109,8 @@ constexpr SystemCalls TheSystem()
     calls.mReadLinkAt = &::readlinkat;
     calls.mSymLinkAt = &::symlinkat;
     calls.mFAdvise = &::posix_fadvise;
+    calls.mLoadObject = &::dlopen;
+    calls.mUnloadObject = &::dlclose;
     calls.mGetCwd = &::getcwd;
     calls.mRealPath = &::realpath;
     calls.mMapPages = &MapPages;

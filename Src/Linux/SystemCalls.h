@@ -74,6 +74,8 @@ struct io_uring_cqe;
       sNoSize)                                                                                                         \
     X(FAdvise, Number, int, (int inFile, off_t inPosition, off_t inSize, int inAdvice),                                \
       (inFile, inPosition, inSize, inAdvice), sNoSize)                                                                 \
+    X(LoadObject, Null, void*, (const char* inName, int inFlags), (inName, inFlags), sNoSize)                           \
+    X(UnloadObject, Errno, int, (void* inObject), (inObject), sNoSize)                                                 \
     X(GetCwd, Null, char*, (char* outBuffer, std::size_t inSize), (outBuffer, inSize), sNoSize)                        \
     X(RealPath, Null, char*, (const char* inPath, char* outResolved), (inPath, outResolved), sNoSize)                  \
     X(MapPages, Null, void*, (std::size_t inSize), (inSize), sNoSize)                                                 \

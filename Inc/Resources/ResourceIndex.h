@@ -1,0 +1,91 @@
+// Floor: System
+// The resources of one module or file, found by type, name and language.
+#pragma once
+
+#include <Resources/ResourceName.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace ORL {
+namespace Resources {
+
+/// A stored type or name: a number, or a text in the index's own memory.
+struct StoredName
+{
+    std::uint32_t mOffset = 0; // of the text as it stands; its canonical form follows it
+    std::uint32_t mCount = 0;
+    std::uint32_t mCanonicalCount = 0;
+    unsigned short mID = 0;
+    bool mIsText = false;
+};
+
+struct ResourceEntry
+{
+    StoredName mType;
+    StoredName mName;
+    unsigned short mLanguage = 0;
+    std::uint32_t mSize = 0;
+    const unsigned char* mData = nullptr;
+};
+
+/// Filled once by a reader, then finished, and never changed again; so lookups are safe from any thread. The data of
+/// the entries is not the index's and must outlive it.
+class ResourceIndex
+{
+public:
+    /// Copies a name. Throws std::bad_alloc.
+    StoredName Store(const NameView& inName);
+
+    void Add(const StoredName& inType, const StoredName& inName, unsigned short inLanguage, const unsigned char* inData,
+             std::uint32_t inSize);
+
+    /// Sorts the entries: types and names with texts before numbers, then languages. Of two entries with one type, name
+    /// and language the one that was added first stays. Throws std::bad_alloc.
+    void Finish();
+
+    /// In order. Entries of one type stand together, and so do those of one type and name.
+    const std::vector<ResourceEntry>& Entries() const noexcept { return mEntries; }
+
+    /// The text of a stored name as it stands; null for a number.
+    const unsigned short* Text(const StoredName& inName) const noexcept;
+
+    /// Finds a resource as the home platform does: in the language, in its neutral sublanguage, in the neutral
+    /// language. If the language's primary part is 0, then in inUserLanguage, in its neutral sublanguage, in American
+    /// English, and in the first language there is. Null if there is none.
+    const ResourceEntry* Find(const NameView& inType, const NameView& inName, unsigned short inLanguage,
+                              unsigned short inUserLanguage) const;
+
+    /// The entry of exactly that language, or null.
+    const ResourceEntry* FindExact(const NameView& inType, const NameView& inName, unsigned short inLanguage) const;
+
+    /// The first entry of a type, or null.
+    const ResourceEntry* FindFirstOfType(const NameView& inType) const;
+
+private:
+    struct Group // the entries of one type and name
+    {
+        std::uint32_t mHash;
+        std::uint32_t mFirst;
+        std::uint32_t mCount;
+    };
+
+    const Group* FindGroup(const NameView& inType, const NameView& inName) const;
+    const Group* ProbeGroup(const NameView& inType, const NameView& inName) const;
+    const ResourceEntry* InLanguage(const Group& inGroup, unsigned short inLanguage) const noexcept;
+    bool Equals(const StoredName& inStored, const NameView& inCanonical) const noexcept;
+    int Compare(const StoredName& inLeft, const StoredName& inRight) const noexcept;
+    NameView View(const StoredName& inName) const noexcept;
+    void MakeGroups();
+    void MakeTable();
+
+    std::vector<ResourceEntry> mEntries;
+    std::vector<unsigned short> mTexts;
+    std::vector<Group> mGroups;
+    std::vector<std::uint32_t> mTable; // places of groups, one more than each; 0 is free
+    std::size_t mMask = 0;
+};
+
+} // namespace Resources
+} // namespace ORL

@@ -1,0 +1,227 @@
+#include <ORLModule.h>
+
+#include <ORLDebug.h>
+#include <Platform/Modules.h>
+#include <ResourceLanguage.h>
+
+#include <new>
+
+namespace ORL {
+
+using namespace Modules::Platform;
+
+namespace {
+
+constexpr unsigned short kNeutral = 0;
+constexpr unsigned short kAmericanEnglish = 1033;
+constexpr unsigned short kMenuType = 4;
+constexpr std::size_t kMaxPath = 260;
+
+// The handle and its resources, until a Module takes both over.
+class Holder
+{
+public:
+    Holder(HINSTANCE inModule, bool inOwns) : mModule(inModule), mOwns(inOwns) {}
+    ~Holder()
+    {
+        if (mOwns && mModule != nullptr) {
+            FreeModule_Impl(mModule);
+        }
+    }
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+
+    void LetGo() noexcept { mOwns = false; }
+
+private:
+    HINSTANCE mModule;
+    bool mOwns;
+};
+
+// A name of the first resource of a type: a number, or a text of its own.
+struct FirstName
+{
+    bool mIsFound = false;
+    unsigned short mID = 0;
+    UTF16String mText;
+
+    bool IsText() const noexcept { return !mText.empty(); }
+    const unsigned short* Get() const noexcept { return IsText() ? mText.c_str() : MakeResourceID(mID); }
+
+    static void OnFound(void* inThis, const unsigned short* inName)
+    {
+        FirstName& name = *static_cast<FirstName*>(inThis);
+        name.mIsFound = true;
+        const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(inName);
+        if (value <= 0xFFFF) {
+            name.mID = static_cast<unsigned short>(value);
+        } else {
+            name.mText = inName;
+        }
+    }
+};
+
+// A type as text: a number is written as the lookups read it.
+UTF16String TextOfType(const unsigned short* inType)
+{
+    const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(inType);
+    if (value > 0xFFFF) {
+        return UTF16String(inType);
+    }
+    const std::string text = "#" + std::to_string(value);
+    return UTF16String(text.begin(), text.end());
+}
+
+} // namespace
+
+ResourceCollection::~ResourceCollection() = default;
+
+// The wrapper takes the handle over only once nothing can fail any more.
+void Module::Wrap(HINSTANCE inModule, bool inOwnsModule, ObjectPtr<Module, AtomicValue>& outModule)
+{
+    Holder handle(inModule, inOwnsModule);
+    std::unique_ptr<Module> module(new Module(inModule, false));
+    module->mResources = OpenResources_Impl(inModule);
+    ObjectPtr<Module, AtomicValue> shared(module.release());
+    shared.GetPtr()->mOwnsModule = inOwnsModule;
+    handle.LetGo();
+    outModule.Swap(shared);
+}
+
+int Module::Load(const UTF16String& inModulePath, ObjectPtr<Module, AtomicValue>& outModule)
+{
+    ORL_INPUT_CONTRACT_AT(!inModulePath.empty(), "WinModule", 615);
+    HINSTANCE module = nullptr;
+    const SystemError error = LoadModule_Impl(inModulePath, module);
+    if (error != SystemErrors::kNoError) {
+        return Win::SystemErrorToORLResult(error);
+    }
+    Wrap(module, true, outModule);
+    return kSuccess;
+}
+
+int Module::Create(HINSTANCE inModule, ObjectPtr<Module, AtomicValue>& outModule)
+{
+    Wrap(inModule, false, outModule);
+    return kSuccess;
+}
+
+Module::Module(HINSTANCE inModule, bool inOwnsModule)
+    : mNativeModule(inModule), mOwnsModule(inOwnsModule), mResources(nullptr)
+{
+}
+
+Module::~Module()
+{
+    CloseResources_Impl(mResources);
+    if (mOwnsModule && mNativeModule != nullptr) {
+        FreeModule_Impl(mNativeModule);
+    }
+}
+
+void* Module::FindLocalizedResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const
+{
+    const Source source{mNativeModule, mResources};
+    const unsigned short language = CurrentLanguage();
+    Resource resource = FindResourceEx_Impl(source, inType, inName, language);
+    if (resource == nullptr && language != kNeutral) {
+        resource = FindResourceEx_Impl(source, inType, inName, kNeutral);
+    }
+    if (resource == nullptr) {
+        ORL_ASSERT_AT(false, "WinModule", 739, "ORL::Module::FindLocalizedResource");
+        return nullptr;
+    }
+    void* const data = LoadResource_Impl(source, resource, outSize);
+    if (data == nullptr) {
+        ORL_ASSERT_AT(false, "WinModule", 746, "ORL::Module::FindLocalizedResource");
+    }
+    return data;
+}
+
+void* Module::FindNonLocalizedResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const
+{
+    const Source source{mNativeModule, mResources};
+    const Resource rsrc = FindResourceEx_Impl(source, inType, inName, kAmericanEnglish);
+    ORL_ASSERT_MESSAGE_AT(rsrc != nullptr, "rsrc != NULL", "", "WinModule", 765,
+                          "ORL::Module::FindNonLocalizedResource");
+    if (rsrc == nullptr) {
+        return nullptr;
+    }
+    void* const data = LoadResource_Impl(source, rsrc, outSize);
+    ORL_ASSERT_MESSAGE_AT(data != nullptr, "hGlobal != NULL", "", "WinModule", 772,
+                          "ORL::Module::FindNonLocalizedResource");
+    return data;
+}
+
+void* Module::LoadResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const
+{
+    const Source source{mNativeModule, mResources};
+    const Resource resource = FindResource_Impl(source, inName, inType);
+    return resource != nullptr ? LoadResource_Impl(source, resource, outSize) : nullptr;
+}
+
+void* Module::LoadResource(short inID, const UTF16String& inType, int& outSize) const
+{
+    const ResourceCollection& self = *this;
+    return self.LoadResource(MakeResourceID(static_cast<unsigned short>(inID)), inType.c_str(), outSize);
+}
+
+void* Module::LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const
+{
+    outSize = 0;
+    FirstName name;
+    EnumFirstResourceName_Impl(Source{mNativeModule, mResources}, inType, &FirstName::OnFound, &name);
+    if (!name.mIsFound) {
+        return nullptr;
+    }
+    const ResourceCollection& self = *this;
+    if (void* const data = self.FindLocalizedResource(name.Get(), inType, outSize)) {
+        return data;
+    }
+    return name.IsText() ? self.LoadResource(name.Get(), inType, outSize)
+                         : self.LoadResource(static_cast<short>(name.mID), TextOfType(inType), outSize);
+}
+
+void Module::ReleaseResource(void*) const
+{
+}
+
+void* Module::LoadCursorW(short inID) const
+{
+    return LoadCursor_Impl(Source{mNativeModule, mResources}, static_cast<unsigned short>(inID));
+}
+
+HMENU Module::LoadMenuW(short inID) const
+{
+    int size = 0;
+    void* const menuResource =
+        FindLocalizedResource(MakeResourceID(static_cast<unsigned short>(inID)), MakeResourceID(kMenuType), size);
+    ORL_ASSERT_MESSAGE_AT(menuResource != nullptr, "menuResource != NULL", "", "WinModule", 936,
+                          "ORL::Module::LoadMenuW");
+    return menuResource != nullptr ? LoadMenuIndirect_Impl(menuResource, static_cast<unsigned int>(size)) : nullptr;
+}
+
+HINSTANCE Module::GetNativeModule() const
+{
+    return mNativeModule;
+}
+
+void Module::GetPath(UTF16String& outPath) const
+{
+    if (mPath.empty()) {
+        unsigned short buffer[kMaxPath] = {};
+        GetModuleFileName_Impl(mNativeModule, buffer, kMaxPath);
+        mPath = buffer;
+    }
+    outPath = mPath;
+}
+
+int (*Module::GetProcAddress(const std::string& inProcName) const)()
+{
+    ORL_INPUT_CONTRACT_AT(!inProcName.empty(), "WinModule", 707);
+    ORL_ASSERT_MESSAGE_AT(mNativeModule != nullptr, "mNativeModule != NULL", "", "WinModule", 708,
+                          "ORL::Module::GetProcAddress");
+    return GetProcAddress_Impl(mNativeModule, inProcName.c_str());
+}
+
+} // namespace ORL

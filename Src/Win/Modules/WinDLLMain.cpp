@@ -1,0 +1,15 @@
+// Floor: System
+// The loader's entry into this library.
+#include <LibraryModule.h>
+
+#include <windows.h>
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE inModule, DWORD inReason, LPVOID)
+{
+    if (inReason == DLL_PROCESS_ATTACH) {
+        ORL::OnLibraryLoad(inModule);
+    } else if (inReason == DLL_PROCESS_DETACH) {
+        ORL::OnLibraryUnload();
+    }
+    return TRUE;
+}

@@ -1,0 +1,64 @@
+#include "PlugIns.h"
+
+#include <ORLNativeHandles.h>
+
+#include <atomic>
+#include <cstddef>
+
+// The linker sends the library's calls of these two functions here.
+namespace {
+
+std::atomic<unsigned short> sLanguage{1033};
+std::atomic<unsigned int> sPathQueries{0};
+
+} // namespace
+
+extern "C" unsigned short WrappedCurrentLanguage() __asm__("__wrap__ZN3ORL15CurrentLanguageEv");
+extern "C" unsigned short WrappedCurrentLanguage()
+{
+    return sLanguage;
+}
+
+#if defined(_WIN32)
+#define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pty"
+#else
+#define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Ptm"
+#endif
+
+extern "C" void RealPathQuery(HINSTANCE, unsigned short*, std::size_t) __asm__("__real_" ORL_MANGLED_PATH_QUERY);
+extern "C" void WrappedPathQuery(HINSTANCE, unsigned short*, std::size_t) __asm__("__wrap_" ORL_MANGLED_PATH_QUERY);
+extern "C" void WrappedPathQuery(HINSTANCE inModule, unsigned short* outBuffer, std::size_t inSize)
+{
+    ++sPathQueries;
+    RealPathQuery(inModule, outBuffer, inSize);
+}
+
+namespace ORLTest {
+
+LanguageScope::LanguageScope(unsigned short inLanguage) : mEarlier(sLanguage.exchange(inLanguage))
+{
+}
+
+LanguageScope::~LanguageScope()
+{
+    sLanguage = mEarlier;
+}
+
+unsigned int CountOfPathQueries()
+{
+    return sPathQueries;
+}
+
+} // namespace ORLTest
+
+TEST(PlugIns, LanguageScope_IsTheLanguageOfTheLookups)
+{
+    const ORLTest::ModulePtr module = ORLTest::LoadPlugIn("resources_lookup");
+    int size = 0;
+    const ORLTest::LanguageScope german(1031);
+    const void* data = module->FindLocalizedResource(ORL::MakeResourceID(115), ORL::MakeResourceID(10), size);
+    EXPECT_EQ("de", ORLTest::TextOf(data, size));
+    const ORLTest::LanguageScope japanese(1041);
+    data = module->FindLocalizedResource(ORL::MakeResourceID(115), ORL::MakeResourceID(10), size);
+    EXPECT_EQ("ja", ORLTest::TextOf(data, size));
+}

@@ -1,0 +1,31 @@
+# Two plug-ins with resources, as a plug-in author makes them.
+foreach(module Lookup Twin)
+  string(TOLOWER ${module} name)
+  add_library(resources_${name} MODULE Resources/PlugIn.cpp)
+  target_link_libraries(resources_${name} PRIVATE orl_strict)
+  set_target_properties(resources_${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  orl_target_resources(resources_${name} Resources/Data/${module}.rc
+    DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/Resources/Data/two_sizes.cur" "${CMAKE_CURRENT_SOURCE_DIR}/Resources/Data/colours.cur")
+  add_dependencies(${room_target} resources_${name})
+endforeach()
+target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")
+
+# The same resources as a compiled file and as a Windows module, which every platform reads.
+set(lookup_res "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup.res")
+set(lookup_dll "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup_windows.dll")
+find_program(ORL_WINDOWS_LINKER x86_64-w64-mingw32-ld REQUIRED)
+file(GLOB lookup_inputs CONFIGURE_DEPENDS Resources/Data/*)
+add_custom_command(OUTPUT "${lookup_res}" "${lookup_dll}"
+  COMMAND "${ORL_WINDRES}" -c 65001 "--preprocessor=${CMAKE_CXX_COMPILER}" --preprocessor-arg=-E --preprocessor-arg=-xc
+          -O res Lookup.rc "${lookup_res}"
+  COMMAND "${ORL_WINDRES}" -O coff "${lookup_res}" "${lookup_res}.obj"
+  COMMAND "${ORL_WINDOWS_LINKER}" -shared -e 0 "${lookup_res}.obj" -o "${lookup_dll}"
+  WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/Resources/Data" DEPENDS ${lookup_inputs} VERBATIM)
+add_custom_target(resource_files DEPENDS "${lookup_res}" "${lookup_dll}")
+add_dependencies(${room_target} resource_files)
+
+# The tests choose the language, and count what the platform is asked for.
+foreach(symbol _ZN3ORL15CurrentLanguageEv
+    _ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pt$<IF:$<BOOL:${WIN32}>,y,m>)
+  target_link_options(${room_target} PRIVATE "-Wl,--wrap=${symbol}")
+endforeach()
