@@ -7,6 +7,7 @@
 #pragma once
 
 #include <ORLAllocator.h>
+#include <ORLApplication.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLAtomic.h>
 #include <ORLCString.h>
@@ -17,6 +18,7 @@
 #include <ORLCriticalSection.h>
 #include <ORLDebug.h>
 #include <ORLDirectory.h>
+#include <ORLDirectoryRegistry.h>
 #include <ORLDiskUtils.h>
 #include <ORLEvent.h>
 #include <ORLException.h>
