@@ -8,9 +8,9 @@ namespace ORL {
 namespace Locale {
 namespace Platform {
 
-/// The locale of that name, the user's for the empty one, with the system's punctuation of numbers for char and wchar_t.
-/// The classic locale where there is none. Never throws: it runs at load.
-std::locale MakeLocale_Impl(const char* inName) noexcept;
+/// Returns the C++ library's locale of that name, the user's for the empty one; the classic locale where there is none. What
+/// it says of numbers does not count. Never throws: it runs at load.
+std::locale FindLocale_Impl(const char* inName) noexcept;
 
 } // namespace Platform
 } // namespace Locale

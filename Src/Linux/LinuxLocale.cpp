@@ -6,7 +6,7 @@ namespace ORL {
 namespace Locale {
 namespace Platform {
 
-std::locale MakeLocale_Impl(const char* inName) noexcept
+std::locale FindLocale_Impl(const char* inName) noexcept
 {
     try {
         return std::locale(inName);

@@ -2,7 +2,6 @@
 
 #include <LocaleInternals.h>
 #include <ORLString.h>
-#include <Platform/Locale.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/UTF16Facets.h>
 
@@ -19,7 +18,7 @@ namespace {
 
 using Units = std::basic_string<unsigned short>;
 
-const std::locale sNativeLocale = Platform::MakeLocale_Impl("");
+const std::locale sNativeLocale = MakeLocale("");
 
 bool IsDigit(unsigned short inUnit)
 {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -157,6 +158,25 @@ TEST(TVXErrorManager, WarningWithTheTraceOn_IsOneLineAndSwallowed)
                   + "> <ORLFoundation::TVXErrorManager> <1> $$$/a/b=TextThe warning errorID=25inZString= $$$/a/b=Text"
                     " exception was swallowed.\n",
               sTexts[0]);
+}
+
+// A host's global locale would group the numbers of the line.
+TEST(TVXErrorManager, WarningUnderAHostsLocale_IsWrittenClassically)
+{
+    struct Digitwise : std::numpunct<char>
+    {
+        char do_thousands_sep() const override { return '\''; }
+        std::string do_grouping() const override { return "\1"; }
+    };
+    TraceRecorder recorder;
+    recorder.SetLevel(1);
+    const TVXErrorManager manager;
+    const std::locale earlier = std::locale::global(std::locale(std::locale::classic(), new Digitwise));
+    Raise(manager, 1);
+    std::locale::global(earlier);
+    ASSERT_EQ(1u, sTexts.size());
+    EXPECT_EQ(std::string::npos, sTexts[0].find('\'')) << sTexts[0];
+    EXPECT_NE(std::string::npos, sTexts[0].find("errorID=25")) << sTexts[0];
 }
 
 TEST(TVXErrorManager, ChangeOfTheTrace_ShowsOnTheNextWarning)

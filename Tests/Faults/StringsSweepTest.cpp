@@ -4,11 +4,13 @@
 #include <ImmutableStringTable.h>
 #include <LocaleInternals.h>
 #include <ORLConstString.h>
+#include <ORLDiskUtils.h>
 #include <ORLImmutableString.h>
 #include <ORLLocale.h>
 #include <ORLParamString.h>
 #include <ORLString.h>
 #include <Tokenizer.h>
+#include <tvxcore/Number.h>
 
 #include <thread>
 #include <vector>
@@ -296,6 +298,19 @@ TEST(LocaleSweep, GetValueFromDisplayString)
     const UTF16String text = Units(u"1234567890.5 and words that follow the number");
     SweepMemory([&text] { static_cast<void>(Locale::GetValueFromDisplayString(text)); },
                 [&text] { EXPECT_EQ(1234567890.5, Locale::GetValueFromDisplayString(text)); });
+}
+
+TEST(NumberSweep, NumberToStringAndSizesInWords)
+{
+    const auto show = [] { return tvxcore::utility::NumberToString(1234567890.25, 1, 2, {}, 31); };
+    const UTF16String number = show();
+    const UTF16String size = DiskUtils::MakeDiskSpaceString(3 * DiskUtils::kSize_teraByte / 2);
+    SweepMemory(
+        [&] {
+            EXPECT_EQ(number, show());
+            EXPECT_EQ(size, DiskUtils::MakeDiskSpaceString(3 * DiskUtils::kSize_teraByte / 2));
+        },
+        [&] { EXPECT_EQ(number, show()); });
 }
 
 TEST(LocaleSweep, Initialize)

@@ -2,7 +2,7 @@
 
 #include <LocaleInternals.h>
 #include <ORLString.h>
-#include <Platform/Locale.h>
+#include <tvxcore/NumberPunctuation.h>
 
 #include <gtest/gtest.h>
 #include <locale>
@@ -94,6 +94,16 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
     ExpectEach(rows, PointLocale());
 }
 
+// Too large for a double: the classic reading fails, so it counts as 0, whatever the stream has left in its variable.
+TEST(GetValueFromDisplayString, AClassicReadingThatFails_IsZero)
+{
+    const Row rows[] = {
+        {__LINE__, "1e999", 0}, {__LINE__, "-1e999", 0}, {__LINE__, "1e308", 1e308}, {__LINE__, "-", 0}, {__LINE__, ".", 0},
+    };
+    ExpectEach(rows, PointLocale());
+    ExpectEach(rows, CommaLocale());
+}
+
 TEST(GetValueFromDisplayString, UnderTheUsersLocale_ReadsZeroAndNothingAsZero)
 {
     EXPECT_EQ(0.0, Locale::GetValueFromDisplayString(UTF16String()));
@@ -117,11 +127,14 @@ TEST(Locale, Initialize_MakesTheClassicLocaleGlobal)
 
 TEST(Locale, UnknownName_GivesTheClassicLocaleInsteadOfAFailure)
 {
-    EXPECT_EQ(std::locale::classic(), Locale::Platform::MakeLocale_Impl("xx_NOWHERE"));
+    EXPECT_EQ(std::locale::classic(), Locale::MakeLocale("xx_NOWHERE"));
 }
 
-TEST(Locale, Native_IsAlwaysUsable)
+TEST(Locale, Native_PointsAndGroupsAsNumbersAreShown)
 {
-    EXPECT_NO_THROW(std::use_facet<std::numpunct<char>>(Locale::Native()).decimal_point());
+    const auto& shown = tvxcore::utility::UserNumberPunctuation();
+    const auto& native = std::use_facet<std::numpunct<wchar_t>>(Locale::Native());
+    EXPECT_EQ(shown.mDecimalPoint, native.decimal_point());
+    EXPECT_EQ(shown.mGrouping, native.grouping());
     EXPECT_EQ(&Locale::Native(), &Locale::Native());
 }

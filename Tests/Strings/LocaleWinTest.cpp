@@ -1,7 +1,6 @@
 // How the system says that numbers are written, as the library's locale tells it.
 #include <LocaleInternals.h>
 #include <ORLString.h>
-#include <Platform/Locale.h>
 
 #include <climits>
 #include <gtest/gtest.h>
@@ -31,7 +30,7 @@ TEST(MakeLocale, OfANamedLocale_WritesNumbersAsTheSystemSays)
         {__LINE__, "hi-IN", L'.', L',', "\3\2"},
     };
     for (const Row& row : rows) {
-        const std::locale locale = Locale::Platform::MakeLocale_Impl(row.mName);
+        const std::locale locale = Locale::MakeLocale(row.mName);
         const auto& wide = std::use_facet<std::numpunct<wchar_t>>(locale);
         const auto& narrow = std::use_facet<std::numpunct<char>>(locale);
         EXPECT_EQ(row.mPoint, wide.decimal_point()) << row.mName;
@@ -45,7 +44,7 @@ TEST(MakeLocale, OfANamedLocale_WritesNumbersAsTheSystemSays)
 
 TEST(MakeLocale, ASeparatorBeyondOneByte_IsABlankInTheNarrowForm)
 {
-    const std::locale locale = Locale::Platform::MakeLocale_Impl("fr-FR");
+    const std::locale locale = Locale::MakeLocale("fr-FR");
     const auto& wide = std::use_facet<std::numpunct<wchar_t>>(locale);
     EXPECT_EQ(L',', wide.decimal_point());
     EXPECT_LT(127, wide.thousands_sep()) << "a space that does not break";
@@ -54,7 +53,7 @@ TEST(MakeLocale, ASeparatorBeyondOneByte_IsABlankInTheNarrowForm)
 
 TEST(MakeLocale, NumbersTypedInAnotherCountry_AreRead)
 {
-    const std::locale german = Locale::Platform::MakeLocale_Impl("de-DE");
+    const std::locale german = Locale::MakeLocale("de-DE");
     EXPECT_EQ(1234.5, Locale::GetValueFromDisplayString(MakeString("1.234,5"), german));
     EXPECT_EQ(1.5, Locale::GetValueFromDisplayString(MakeString("1,5"), german));
 }

@@ -3,10 +3,8 @@
 
 #include <Failure.h>
 #include <IngestManifest.h>
-#include <IngestProgress.h>
 #include <ORLFile.h>
 #include <Text.h>
-#include <WavHeader.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -219,32 +217,4 @@ TEST(IngestManifestLine, NamesComeBackAsTheyWere)
                                      digest.substr(1) + "  name", std::string(64, 'g') + "  name"}) {
         EXPECT_FALSE(orl::ParseManifestLine(other, line)) << other;
     }
-}
-
-TEST(IngestProgress, ShowsShareRateAndTimeLeft)
-{
-    EXPECT_EQ("[############------------]  50 %   1.0 GB of 2.0 GB   100.0 MB/s   0:10 left   3 of 7 files",
-              orl::ProgressText(2000000000, 4000000000, 3, 7, 10));
-    EXPECT_EQ("[------------------------]   0 %   0 B of 2.0 GB   0 of 7 files",
-              orl::ProgressText(0, 4000000000, 0, 7, 0));
-    EXPECT_EQ("[########################] 100 %   0 B of 0 B   7 of 7 files", orl::ProgressText(0, 0, 7, 7, 1));
-}
-
-TEST(WavHeader, LengthOfWholeCutAndBrokenFiles)
-{
-    const TempFolder folder;
-    const auto length = [&folder](const std::string& inContents) {
-        folder.MakeFile("f.wav", inContents);
-        return orl::ReadWavLength(folder.Path(u"f.wav"));
-    };
-    const std::string wav = MakeWav(44100, 1000);
-    ASSERT_TRUE(length(wav));
-    EXPECT_EQ(44100u, length(wav)->mSamplesPerSecond);
-    EXPECT_EQ(1000u, length(wav)->mSamples);
-    EXPECT_EQ(900u, length(wav.substr(0, wav.size() - 400))->mSamples) << "only what is there";
-    for (std::size_t size = 0; size < 64; ++size) {
-        EXPECT_FALSE(length(wav.substr(0, size)).has_value() && size < 44) << size;
-    }
-    EXPECT_FALSE(length("RIFFxxxxAVI "));
-    EXPECT_FALSE(length(std::string(1000, 'R')));
 }

@@ -3,11 +3,14 @@
 #include <TempFolder.h>
 
 #include <cstdlib>
+#include <cwchar>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <signal.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -68,6 +71,14 @@ public:
 
     ~Terminal() { ::close(mMaster); }
 
+    void SetColumns(unsigned short inColumns) const
+    {
+        struct winsize size{};
+        size.ws_col = inColumns;
+        size.ws_row = 24;
+        ASSERT_EQ(0, ::ioctl(mMaster, TIOCSWINSZ, &size));
+    }
+
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
@@ -100,7 +111,50 @@ protected:
     Terminal mTerminal;
 };
 
+/// What the C library takes for the width of a text, independently of the program's own table.
+int WidthByTheCLibrary(const std::string& inText)
+{
+    const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const locale_t earlier = ::uselocale(utf8);
+    std::wstring wide(inText.size() + 1, L'\0');
+    const std::size_t count = std::mbstowcs(wide.data(), inText.c_str(), wide.size());
+    const int width = count == static_cast<std::size_t>(-1) ? -1 : ::wcswidth(wide.c_str(), count);
+    ::uselocale(earlier);
+    ::freelocale(utf8);
+    return width;
+}
+
+class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterface<unsigned short>
+{
+protected:
+    OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
+
+    /// Each text between a return and the order that clears the rest of the line fits before the last column, and no line
+    /// break stands among them.
+    static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
+    {
+        const std::string clear = "\x1b[K";
+        std::size_t shown = 0;
+        std::size_t at = 0;
+        for (std::size_t end = 0; at < inScreen.size() && inScreen[at] == '\r'; at = end + clear.size()) {
+            end = inScreen.find(clear, at);
+            ASSERT_NE(std::string::npos, end) << inScreen;
+            const std::string text = inScreen.substr(at + 1, end - at - 1);
+            EXPECT_EQ(std::string::npos, text.find('\n')) << text;
+            const int width = WidthByTheCLibrary(text);
+            EXPECT_LE(0, width) << text;
+            EXPECT_GT(GetParam(), width) << text;
+            shown += text.find(inPart) != std::string::npos ? 1 : 0;
+        }
+        EXPECT_LT(0u, shown) << inScreen;
+        EXPECT_EQ(std::string::npos, inScreen.find(clear, at)) << "no progress behind the result";
+    }
+};
+
 } // namespace
+
+INSTANTIATE_TEST_SUITE_P(Columns, OrlTerminalOfWidth, testing::Values<unsigned short>(40, 80, 200),
+                         testing::PrintToStringParamName());
 
 TEST_F(OrlTerminal, Stream_ShowsAProgressLineAndTakesItBackBeforeTheTable)
 {
@@ -114,8 +168,27 @@ TEST_F(OrlTerminal, StreamOfAnAwkwardName_KeepsTheProgressOnOneLine)
     const std::string name = "\x1b[2J\n" + std::string(100, 'n');
     mFolder.MakeFile(name, "x");
     const std::string screen = mTerminal.ScreenOf({"stream", Host(name)}, 0);
-    EXPECT_EQ(0u, screen.find("\r100 %  ..." + std::string(57, 'n') + "\x1b[K\r\x1b[Kfile ")) << screen;
+    EXPECT_EQ(0u, screen.find("\r100 %  ..." + std::string(69, 'n') + "\x1b[K\r\x1b[Kfile ")) << screen;
     EXPECT_EQ(std::string::npos, screen.find("\x1b[2J"));
+}
+
+TEST_P(OrlTerminalOfWidth, StreamOfWideAndJoinedCharacters_NeverWraps)
+{
+    std::string name;
+    for (int i = 0; i < 20; ++i) {
+        name += "\u6F22\u5B57e\u0301"; // 5 columns in 9 bytes
+    }
+    mFolder.MakeFile(name, "x");
+    ExpectOneLine(mTerminal.ScreenOf({"stream", Host(name)}, 0), "%  ");
+}
+
+TEST_P(OrlTerminalOfWidth, Ingest_NeverWraps)
+{
+    mFolder.MakeFolder("card");
+    for (int i = 0; i < 30; ++i) {
+        mFolder.MakeFile("card/clip" + std::to_string(i), std::string(1000000, 'c'));
+    }
+    ExpectOneLine(mTerminal.ScreenOf({"ingest", Host("card"), Host("disk")}, 0), " %");
 }
 
 TEST_F(OrlTerminal, StreamAsJson_ShowsNoProgress)

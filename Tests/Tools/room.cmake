@@ -4,7 +4,7 @@ add_dependencies(${room_target} orl)
 # A host with orl's own stream in it, whose file is cut meanwhile.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
-  "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp")
+  "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/TextWidth.cpp")
 target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}/Common" "${orl_folder}/Stream")
 target_link_libraries(shrinking_stream_host PRIVATE ORLFoundation orl_strict)
 if(WIN32)

@@ -1,6 +1,7 @@
 // What the program needs of the console that it runs in.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -25,5 +26,8 @@ private:
 
 /// Whether standard output is a terminal and not a file or pipe.
 bool OutputIsTerminal();
+
+/// Columns of the terminal on standard output, as wide as it is now; 80 where it does not tell, and at least 2.
+std::size_t TerminalColumns();
 
 } // namespace orl

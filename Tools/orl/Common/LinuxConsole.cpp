@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include <algorithm>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace orl {
@@ -18,6 +20,13 @@ UTF8Console::~UTF8Console() = default;
 bool OutputIsTerminal()
 {
     return ::isatty(STDOUT_FILENO) == 1;
+}
+
+std::size_t TerminalColumns()
+{
+    struct winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return isKnown ? std::max<std::size_t>(size.ws_col, 2) : 80;
 }
 
 } // namespace orl

@@ -1,6 +1,7 @@
 #include "Text.h"
 
 #include "Failure.h"
+#include "TextWidth.h"
 
 #include <ORLHostPath.h>
 #include <algorithm>
@@ -93,39 +94,21 @@ std::string OnOneLine(const std::string& inText)
     return line;
 }
 
-namespace {
-
-bool BeginsCharacter(char inByte)
-{
-    return (static_cast<unsigned char>(inByte) & 0xC0) != 0x80;
-}
-
-} // namespace
-
-std::size_t CountCharacters(const std::string& inText)
-{
-    return static_cast<std::size_t>(std::count_if(inText.begin(), inText.end(), &BeginsCharacter));
-}
-
-std::string PaddedTo(std::size_t inCharacters, const std::string& inText)
+std::string PaddedTo(std::size_t inColumns, const std::string& inText)
 {
     std::string padded = OnOneLine(inText);
-    padded.append(inCharacters - std::min(inCharacters, CountCharacters(padded)), ' ');
+    padded.append(inColumns - std::min(inColumns, ColumnsOf(padded)), ' ');
     return padded;
 }
 
-std::string EndOf(const std::string& inText, std::size_t inCharacters)
+std::string EndOf(const std::string& inText, std::size_t inColumns)
 {
     static const std::string kDots = "...";
-    const std::string text = OnOneLine(inText);
-    if (CountCharacters(text) <= inCharacters) {
+    std::string text = OnOneLine(inText);
+    if (ColumnsOf(text) <= inColumns) {
         return text;
     }
-    std::size_t at = text.size();
-    for (std::size_t kept = kDots.size(); at > 0 && kept < inCharacters; --at) {
-        kept += BeginsCharacter(text[at - 1]) ? 1 : 0;
-    }
-    return kDots + text.substr(at);
+    return inColumns <= kDots.size() ? StartOf(kDots, inColumns) : kDots + TailOf(text, inColumns - kDots.size());
 }
 
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount)

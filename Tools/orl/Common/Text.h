@@ -28,14 +28,11 @@ std::string JoinHostPath(const std::string& inFolder, const std::string& inName)
 /// A text that stays on its line and gives a terminal no orders: "?" for each control character.
 std::string OnOneLine(const std::string& inText);
 
-/// How many characters a text has; a byte that is no UTF-8 counts as one or none.
-std::size_t CountCharacters(const std::string& inText);
+/// The text on one line, with blanks behind it up to that many columns of a terminal.
+std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
-/// The text on one line, with blanks behind it up to that many characters.
-std::string PaddedTo(std::size_t inCharacters, const std::string& inText);
-
-/// The text on one line, or "..." and its end where it has more than that many characters.
-std::string EndOf(const std::string& inText, std::size_t inCharacters);
+/// The text on one line, or "..." and its end where it takes more than that many columns of a terminal.
+std::string EndOf(const std::string& inText, std::size_t inColumns);
 
 /// Two digits a byte, in lower case.
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);

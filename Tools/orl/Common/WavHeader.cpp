@@ -27,6 +27,17 @@ bool Is(const unsigned char* inBytes, const char* inTag)
     return std::memcmp(inBytes, inTag, 4) == 0;
 }
 
+// Format tags whose blocks hold one sample of each channel. All others pack several samples into a block, and only the "fact"
+// chunk tells how many there are.
+constexpr std::uint64_t kPcm = 1;
+constexpr std::uint64_t kFloat = 3;
+constexpr std::uint64_t kALaw = 6;
+constexpr std::uint64_t kMuLaw = 7;
+constexpr std::uint64_t kExtensible = 0xFFFE; // the tag is the start of an identifier further on
+
+// The rest of such an identifier, where it stands for a tag.
+constexpr unsigned char kTagIdentifier[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
 class WavFile
 {
 public:
@@ -44,18 +55,21 @@ public:
             return std::nullopt;
         }
         std::uint64_t position = sizeof(head);
-        for (int chunk = 0; chunk < kMostChunks; ++chunk) {
-            unsigned char tag[8];
-            if (!Read(position, tag, sizeof(tag))) {
-                return std::nullopt;
-            }
+        unsigned char tag[8];
+        for (int chunk = 0; chunk < kMostChunks && Read(position, tag, sizeof(tag)); ++chunk) {
             position += sizeof(tag);
-            const std::uint64_t size = NumberAt(tag + 4, 4);
+            std::uint64_t size = NumberAt(tag + 4, 4);
             if (Is(tag, "data")) {
-                return LengthOf(size == kSizeIsElsewhere && mLongSize != 0 ? mLongSize : size, position);
-            }
-            if (!TakeUp(tag, position, size)) {
+                size = size == kSizeIsElsewhere && mLongSize != 0 ? mLongSize : size;
+                mData = Data{size, std::min(size, mSize - position)};
+            } else if (!TakeUp(tag, position, size)) {
                 return std::nullopt;
+            }
+            if (const std::optional<WavLength> length = FoundLength()) {
+                return length;
+            }
+            if (size > mSize - position) {
+                break;
             }
             position += size + size % 2;
         }
@@ -63,6 +77,12 @@ public:
     }
 
 private:
+    struct Data
+    {
+        std::uint64_t mTold; // bytes, as the header has it
+        std::uint64_t mThere;
+    };
+
     bool Read(std::uint64_t inPosition, unsigned char* outBytes, unsigned int inCount)
     {
         unsigned int count = 0;
@@ -75,37 +95,69 @@ private:
 
     bool TakeUp(const unsigned char* inTag, std::uint64_t inPosition, std::uint64_t inSize)
     {
-        unsigned char body[16];
         if (Is(inTag, "fmt ")) {
-            if (inSize < sizeof(body) || !Read(inPosition, body, sizeof(body))) {
-                return false;
-            }
-            mSamplesPerSecond = static_cast<std::uint32_t>(NumberAt(body + 4, 4));
-            mBytesPerSample = static_cast<std::uint32_t>(NumberAt(body + 12, 2));
-        } else if (Is(inTag, "ds64")) {
+            return TakeUpFormat(inPosition, inSize);
+        }
+        unsigned char body[24];
+        if (Is(inTag, "ds64")) {
             if (inSize < sizeof(body) || !Read(inPosition, body, sizeof(body))) {
                 return false;
             }
             mLongSize = NumberAt(body + 8, 8);
+            mLongSamples = NumberAt(body + 16, 8);
+        } else if (Is(inTag, "fact") && inSize >= 4 && Read(inPosition, body, 4)) {
+            mToldSamples = NumberAt(body, 4);
         }
         return true;
     }
 
-    std::optional<WavLength> LengthOf(std::uint64_t inBytes, std::uint64_t inPosition) const
+    bool TakeUpFormat(std::uint64_t inPosition, std::uint64_t inSize)
     {
-        if (mSamplesPerSecond == 0 || mBytesPerSample == 0) {
+        unsigned char body[40];
+        if (inSize < 16 || !Read(inPosition, body, 16)) {
+            return false;
+        }
+        mFormat = NumberAt(body, 2);
+        mSamplesPerSecond = static_cast<std::uint32_t>(NumberAt(body + 4, 4));
+        mBytesPerBlock = static_cast<std::uint32_t>(NumberAt(body + 12, 2));
+        if (mFormat == kExtensible && inSize >= sizeof(body) && Read(inPosition, body, sizeof(body))
+            && std::memcmp(body + 26, kTagIdentifier, sizeof(kTagIdentifier)) == 0) {
+            mFormat = NumberAt(body + 24, 2);
+        }
+        return true;
+    }
+
+    bool HasOneSampleABlock() const
+    {
+        return mFormat == kPcm || mFormat == kFloat || mFormat == kALaw || mFormat == kMuLaw;
+    }
+
+    // As soon as the chunks so far tell it.
+    std::optional<WavLength> FoundLength() const
+    {
+        if (!mData || mSamplesPerSecond == 0) {
             return std::nullopt;
         }
-        const std::uint64_t there = std::min(inBytes, mSize - inPosition);
-        return WavLength{mSamplesPerSecond, there / mBytesPerSample};
+        if (HasOneSampleABlock()) {
+            return mBytesPerBlock != 0 ? std::optional<WavLength>({mSamplesPerSecond, mData->mThere / mBytesPerBlock})
+                                       : std::nullopt;
+        }
+        const std::uint64_t samples = mToldSamples == kSizeIsElsewhere ? mLongSamples : mToldSamples;
+        // What is left of a file that was cut tells nothing.
+        return samples != 0 && mData->mThere == mData->mTold ? std::optional<WavLength>({mSamplesPerSecond, samples})
+                                                             : std::nullopt;
     }
 
     ORL::File mFile;
     bool mIsOpen = false;
     std::uint64_t mSize = 0;
+    std::uint64_t mFormat = 0;
     std::uint32_t mSamplesPerSecond = 0;
-    std::uint32_t mBytesPerSample = 0; // of all channels
+    std::uint32_t mBytesPerBlock = 0; // of all channels
     std::uint64_t mLongSize = 0;
+    std::uint64_t mLongSamples = 0;
+    std::uint64_t mToldSamples = 0; // of one channel; 0 where no chunk tells
+    std::optional<Data> mData;
 };
 
 } // namespace

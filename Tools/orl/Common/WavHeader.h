@@ -13,8 +13,9 @@ struct WavLength
     std::uint64_t mSamples; // of one channel
 };
 
-/// Nothing where the file is no WAV file, or its header is not whole. The data that the header tells of is counted only
-/// as far as the file goes.
+/// Nothing where the file is no WAV file, its header is not whole, or its format packs several samples into a block and no
+/// "fact" chunk tells how many there are. The data that the header tells of is counted only as far as the file goes; a packed
+/// file that is cut has no length.
 std::optional<WavLength> ReadWavLength(const UTF16String& inPath);
 
 } // namespace orl

@@ -49,4 +49,12 @@ bool OutputIsTerminal()
     return ::_isatty(::_fileno(stdout)) != 0;
 }
 
+std::size_t TerminalColumns()
+{
+    CONSOLE_SCREEN_BUFFER_INFO info;
+    const bool isKnown = ::GetConsoleScreenBufferInfo(::GetStdHandle(STD_OUTPUT_HANDLE), &info) != FALSE;
+    const int columns = isKnown ? info.srWindow.Right - info.srWindow.Left + 1 : 80;
+    return static_cast<std::size_t>(columns < 2 ? 2 : columns);
+}
+
 } // namespace orl

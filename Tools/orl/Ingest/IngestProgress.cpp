@@ -1,16 +1,18 @@
 #include "IngestProgress.h"
 
 #include "Text.h"
+#include "TextWidth.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
+#include <vector>
 
 namespace orl {
 
 namespace {
 
-constexpr std::size_t kBarWidth = 24;
+constexpr std::size_t kWidestBar = 24;
+constexpr std::size_t kNarrowestBar = 8;
 
 std::string Clocked(double inSeconds)
 {
@@ -20,46 +22,43 @@ std::string Clocked(double inSeconds)
     return text;
 }
 
+std::string Bar(double inShare, std::size_t inWidth)
+{
+    const auto filled = static_cast<std::size_t>(inShare * static_cast<double>(inWidth));
+    return "[" + std::string(filled, '#') + std::string(inWidth - filled, '-') + "] ";
+}
+
 } // namespace
 
 std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::size_t inFilesDone, std::size_t inFiles,
-                         double inSeconds)
+                         double inSeconds, std::size_t inColumns)
 {
     const double share =
         inToPass != 0 ? std::min(1.0, static_cast<double>(inPassed) / static_cast<double>(inToPass)) : 1.0;
-    const auto filled = static_cast<std::size_t>(share * static_cast<double>(kBarWidth));
     char percent[16];
     std::snprintf(percent, sizeof(percent), "%3d %%", static_cast<int>(share * 100));
-    std::string text = "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '-') + "] " + percent + "   "
-                       + InWords(inPassed / 2) + " of " + InWords(inToPass / 2);
+    std::vector<ProgressPart> parts{{percent, 0}, {InWords(inPassed / 2) + " of " + InWords(inToPass / 2), 2}};
     if (inSeconds > 0 && inPassed != 0) {
-        const double rate = static_cast<double>(inPassed) / 2e6 / inSeconds;
-        text += "   " + Rounded(rate) + " MB/s   " + Clocked(inSeconds / share - inSeconds) + " left";
+        parts.push_back({Rounded(static_cast<double>(inPassed) / 2e6 / inSeconds) + " MB/s", 3});
+        parts.push_back({Clocked(inSeconds / share - inSeconds) + " left", 1});
     }
-    return text + "   " + std::to_string(inFilesDone) + " of " + std::to_string(inFiles) + " files";
+    parts.push_back({std::to_string(inFilesDone) + " of " + std::to_string(inFiles) + " files", 4});
+    const std::string text = FitProgress(parts, inColumns);
+    // The bar takes what is left over, with its brackets and a blank.
+    const std::size_t used = ColumnsOf(text) + 3;
+    const std::size_t bar = std::min(kWidestBar, inColumns - std::min(inColumns, used));
+    return (bar >= kNarrowestBar ? Bar(share, bar) : std::string()) + text;
 }
 
 IngestProgress::IngestProgress(bool inIsShown, std::uint64_t inToPass, std::size_t inFiles)
-    : mIsShown(inIsShown), mToPass(inToPass), mFiles(inFiles), mStart(std::chrono::steady_clock::now())
+    : mLine(inIsShown), mToPass(inToPass), mFiles(inFiles), mStart(std::chrono::steady_clock::now())
 {
 }
 
 void IngestProgress::Show(std::uint64_t inPassed, std::size_t inFilesDone)
 {
-    if (!mIsShown) {
-        return;
-    }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
-    std::cout << '\r' << ProgressText(inPassed, mToPass, inFilesDone, mFiles, seconds) << "\x1b[K" << std::flush;
-    mHasText = true;
-}
-
-void IngestProgress::Clear()
-{
-    if (mHasText) {
-        std::cout << "\r\x1b[K" << std::flush;
-        mHasText = false;
-    }
+    mLine.Show(ProgressText(inPassed, mToPass, inFilesDone, mFiles, seconds, ProgressLine::Room()));
 }
 
 } // namespace orl

@@ -1,5 +1,7 @@
-// The line that shows how far an ingest is: written over, on a terminal alone.
+// What the progress line of an ingest says.
 #pragma once
+
+#include "ProgressLine.h"
 
 #include <chrono>
 #include <cstddef>
@@ -8,28 +10,23 @@
 
 namespace orl {
 
-/// "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files". Bytes are those of the source; each
-/// passes twice, once to be copied and once to be read back.
+/// "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files", as much of it as fits into that many
+/// columns. Bytes are those of the source; each passes twice, once to be copied and once to be read back.
 std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::size_t inFilesDone, std::size_t inFiles,
-                         double inSeconds);
+                         double inSeconds, std::size_t inColumns);
 
 class IngestProgress
 {
 public:
     IngestProgress(bool inIsShown, std::uint64_t inToPass, std::size_t inFiles);
-    ~IngestProgress() { Clear(); }
-    IngestProgress(const IngestProgress&) = delete;
-    IngestProgress& operator=(const IngestProgress&) = delete;
 
     void Show(std::uint64_t inPassed, std::size_t inFilesDone);
-    void Clear();
 
 private:
-    const bool mIsShown;
+    ProgressLine mLine;
     const std::uint64_t mToPass;
     const std::size_t mFiles;
     const std::chrono::steady_clock::time_point mStart;
-    bool mHasText = false;
 };
 
 } // namespace orl

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "TextWidth.h"
 #include "WavHeader.h"
 
 #include <ORLPathUtils.h>
@@ -47,7 +48,7 @@ void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const NamedRate& 
     const std::size_t count = std::min(inRows.size(), kMostRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
-        width = std::max(width, CountCharacters(EndOf(inRows[i].mItem->mName, kWidestName)));
+        width = std::max(width, ColumnsOf(EndOf(inRows[i].mItem->mName, kWidestName)));
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
                               const std::string& inState, const std::string& inDigest) {

@@ -2,15 +2,18 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "ProgressLine.h"
 #include "StartedLibrary.h"
 #include "StreamFile.h"
 #include "Text.h"
+#include "TextWidth.h"
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -54,39 +57,15 @@ std::string NameOf(const std::string& inFile)
     return at == std::string::npos ? inFile : inFile.substr(at + 1);
 }
 
-/// One line that is written over, on a terminal alone.
-class ProgressLine
+void ShowProgress(ProgressLine& ioLine, const std::string& inFile, std::uint64_t inDone, std::uint64_t inSize)
 {
-public:
-    explicit ProgressLine(bool inIsShown) : mIsShown(inIsShown) {}
-    ~ProgressLine() { Clear(); }
-
-    void Show(const std::string& inFile, std::uint64_t inDone, std::uint64_t inSize)
-    {
-        const auto now = std::chrono::steady_clock::now();
-        if (!mIsShown || now - mShown < std::chrono::milliseconds(100)) {
-            return;
-        }
-        mShown = now;
-        const int percent = inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100;
-        // A line that the terminal wraps could not be written over.
-        std::cout << '\r' << std::setw(3) << percent << " %  " << EndOf(NameOf(inFile), 60) << "\x1b[K" << std::flush;
-        mHasText = true;
+    if (ioLine.IsDue()) {
+        char percent[16];
+        std::snprintf(percent, sizeof(percent), "%3d %%  ", inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100);
+        const std::size_t room = ProgressLine::Room();
+        ioLine.Show(percent + EndOf(NameOf(inFile), room - std::min(room, std::strlen(percent))));
     }
-
-    void Clear()
-    {
-        if (mHasText) {
-            std::cout << "\r\x1b[K" << std::flush;
-            mHasText = false;
-        }
-    }
-
-private:
-    const bool mIsShown;
-    bool mHasText = false;
-    std::chrono::steady_clock::time_point mShown;
-};
+}
 
 std::string Hexadecimal(std::uint32_t inNumber)
 {
@@ -107,7 +86,7 @@ void PrintTable(const std::vector<Row>& inRows, bool inVerified)
 {
     std::size_t width = 4;
     for (const Row& row : inRows) {
-        width = std::max(width, CountCharacters(NameOf(row.mFile)));
+        width = std::max(width, ColumnsOf(OnOneLine(NameOf(row.mFile))));
     }
     const auto line = [&](const std::string& inFile, const std::vector<std::string>& inCells) {
         static constexpr int kWidths[] = {13, 9, 7, 8, 12, 12, 10};
@@ -152,7 +131,7 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
     ProgressLine line(OutputIsTerminal() && !inOptions.mAsJson);
     const StreamFigures figures =
         StreamFile(inFile, inOptions.mSettings, [&](std::uint64_t inDone, std::uint64_t inSize) {
-            line.Show(inFile, inDone, inSize);
+            ShowProgress(line, inFile, inDone, inSize);
             return sIsInterrupted == 0;
         });
     if (inOptions.mVerifies && PlainCRC(inFile) != figures.mCRC) {

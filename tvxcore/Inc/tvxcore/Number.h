@@ -28,16 +28,16 @@ private:
 /// Leaves the separators between groups of digits out.
 inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 
-/// The number as the user's locale writes it: digits, point, grouping and sign are the locale's. On Linux the locale
-/// is that of LC_ALL, LC_NUMERIC or LANG, the first that is set; one that is unknown counts as the classic one, which
-/// groups nothing. On Windows it is that of the user's settings.
+/// The number as the user's locale writes it. Point and grouping are those of UserNumberPunctuation (NumberPunctuation.h),
+/// so a number that is shown here also reads back. On Linux digits and sign are those of ASCII; on Windows the sign stands
+/// where the user's settings put it.
 ///
 /// inIntegerDigits   0 leaves out the zero before the point of a number below 1; with any other value it is there.
 /// inFractionDigits  exactly so many digits stand behind the point, 9 at most; rounded to nearest, ties to even.
 /// inPrecision       so many digits count, from the first that is not zero; those behind become zero. A double has no
 ///                   more than 17 to tell one from another.
 /// What rounds to zero has no sign. A number that is none is "NaN", the infinities are U+221E with the sign before it.
-/// Safe from any thread, as long as none changes the environment meanwhile.
+/// Throws std::bad_alloc. Thread-safe.
 TVXCORE_API UTF16String NumberToString(double inNumber, std::size_t inIntegerDigits, std::size_t inFractionDigits,
                                        Flags<unsigned short> inFlags, long inPrecision);
 

@@ -1,6 +1,7 @@
 // How a locale writes numbers.
 #pragma once
 
+#include <tvxcore/NumberPunctuation.h>
 #include <tvxcore/String.h>
 
 #include <string>
@@ -20,6 +21,9 @@ struct NumberStyle
 /// The decimal text ("-1234.50": ASCII digits, at least one before the point, already rounded) by the rules of a
 /// locale: a name such as "de-DE", or null for the user's. An unknown name counts as the classic locale.
 UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale);
+
+/// How the user's locale writes numbers, found out anew at each call.
+NumberPunctuation FindUserPunctuation_Impl();
 
 } // namespace Platform
 } // namespace utility

@@ -1,15 +1,8 @@
-// The one source file that knows ICU.
 #include <CorePlatform/NumberFormat.h>
 
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <iterator>
-#include <memory>
+#include <algorithm>
+#include <climits>
 #include <string>
-#include <unicode/uloc.h>
-#include <unicode/unum.h>
-#include <utility>
 
 namespace tvxcore {
 namespace utility {
@@ -17,88 +10,53 @@ namespace Platform {
 
 namespace {
 
-struct CloseFormat
+// Puts separators between the groups of digits, from the right.
+UTF16String Grouped(const std::string& inDigits, const NumberPunctuation& inPunctuation)
 {
-    void operator()(UNumberFormat* inFormat) const { ::unum_close(inFormat); }
-};
-
-using Format = std::unique_ptr<UNumberFormat, CloseFormat>;
-
-constexpr const char* kClassic = "en_US_POSIX";
-
-// As the C library finds it, without asking it: the process-wide locale is the host's.
-const char* UserLocale()
-{
-    for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
-        const char* const name = std::getenv(variable);
-        if (name != nullptr && *name != '\0') {
-            return name;
+    UTF16String text(inDigits.begin(), inDigits.end());
+    const std::string& grouping = inPunctuation.mGrouping;
+    std::size_t place = text.size();
+    for (std::size_t group = 0; !grouping.empty(); ++group) {
+        const char size = grouping[std::min(group, grouping.size() - 1)];
+        if (size <= 0 || size == CHAR_MAX || place <= static_cast<std::size_t>(size)) {
+            break;
         }
+        place -= static_cast<std::size_t>(size);
+        text.insert(place, 1, inPunctuation.mThousandsSeparator);
     }
-    return "C";
+    return text;
 }
 
-std::string Language(const char* inLocale)
+// ASCII digits and sign in every locale: a reading knows no others.
+UTF16String Format(const std::string& inDecimal, const NumberStyle& inStyle, const NumberPunctuation& inPunctuation)
 {
-    char language[ULOC_LANG_CAPACITY] = "";
-    UErrorCode error = U_ZERO_ERROR;
-    ::uloc_getLanguage(inLocale, language, sizeof(language), &error);
-    return U_SUCCESS(error) ? language : "";
-}
-
-Format Open(const char* inLocale)
-{
-    UErrorCode error = U_ZERO_ERROR;
-    char name[ULOC_FULLNAME_CAPACITY];
-    ::uloc_canonicalize(inLocale, name, sizeof(name), &error);
-    Format format(U_SUCCESS(error) && error != U_STRING_NOT_TERMINATED_WARNING
-                      ? ::unum_open(UNUM_DECIMAL, nullptr, 0, name, nullptr, &error)
-                      : nullptr);
-    if (format == nullptr || U_FAILURE(error)) {
-        return nullptr;
+    const std::size_t start = inDecimal[0] == '-' ? 1 : 0;
+    const std::size_t point = std::min(inDecimal.find('.'), inDecimal.size());
+    std::string digits = inDecimal.substr(start, point - start);
+    if (digits == "0" && !inStyle.mHasLeadingZero && inStyle.mFractionDigits != 0) {
+        digits.clear();
     }
-    // For a locale that it does not know it takes another, and for what is no name the root of all.
-    const char* const found = ::unum_getLocaleByType(format.get(), ULOC_VALID_LOCALE, &error);
-    const std::string language = Language(name);
-    return U_SUCCESS(error) && !language.empty() && Language(found) == language ? std::move(format) : nullptr;
-}
-
-Format OpenFor(const char* inLocale)
-{
-    const std::size_t length = std::strcspn(inLocale, ".@");
-    const bool isClassic = std::string(inLocale, length) == "C" || std::string(inLocale, length) == "POSIX";
-    Format format = Open(isClassic ? kClassic : inLocale);
-    return format != nullptr || isClassic ? std::move(format) : Open(kClassic);
-}
-
-void Apply(const NumberStyle& inStyle, UNumberFormat* ioFormat)
-{
-    ::unum_setAttribute(ioFormat, UNUM_MIN_INTEGER_DIGITS, inStyle.mHasLeadingZero ? 1 : 0);
-    ::unum_setAttribute(ioFormat, UNUM_FRACTION_DIGITS, static_cast<std::int32_t>(inStyle.mFractionDigits));
-    if (!inStyle.mIsGrouped) {
-        ::unum_setAttribute(ioFormat, UNUM_GROUPING_USED, 0);
+    UTF16String text = inStyle.mIsGrouped ? Grouped(digits, inPunctuation) : UTF16String(digits.begin(), digits.end());
+    if (start != 0) {
+        text.insert(text.begin(), '-');
     }
+    if (inStyle.mFractionDigits != 0) {
+        text += inPunctuation.mDecimalPoint;
+        text.append(inDecimal.begin() + static_cast<std::ptrdiff_t>(point) + 1, inDecimal.end());
+    }
+    return text;
 }
 
 } // namespace
 
 UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale)
 {
-    const Format format = OpenFor(inLocale != nullptr ? inLocale : UserLocale());
-    // 310 digits with a separator behind each two, and room for signs and marks of direction.
-    UChar text[600];
-    UErrorCode error = U_ZERO_ERROR;
-    std::int32_t length = 0;
-    if (format != nullptr) {
-        Apply(inStyle, format.get());
-        length = ::unum_formatDecimal(format.get(), inDecimal.data(), static_cast<std::int32_t>(inDecimal.size()), text,
-                                      static_cast<std::int32_t>(std::size(text)), nullptr, &error);
+    if (inLocale == nullptr) {
+        return Format(inDecimal, inStyle, UserNumberPunctuation());
     }
-    if (format == nullptr || U_FAILURE(error)) {
-        // Its data are missing. The number is shown all the same.
-        return UTF16String(inDecimal.begin(), inDecimal.end());
-    }
-    return UTF16String(text, text + length);
+    NumberPunctuation punctuation;
+    FindNumberPunctuation(inLocale, punctuation);
+    return Format(inDecimal, inStyle, punctuation);
 }
 
 } // namespace Platform

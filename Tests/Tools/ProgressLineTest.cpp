@@ -1,0 +1,86 @@
+// The progress line and the width of what it says.
+#include <IngestProgress.h>
+#include <ProgressLine.h>
+#include <Text.h>
+#include <TextWidth.h>
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace orl;
+
+TEST(TextWidth, WideJoiningAndBrokenCharacters_TakeTheirColumns)
+{
+    struct Row
+    {
+        int mLine;
+        std::string mText;
+        std::size_t mColumns;
+    };
+    const Row rows[] = {
+        {__LINE__, "", 0},
+        {__LINE__, "plain", 5},
+        {__LINE__, "caf\u00E9", 4},
+        {__LINE__, "cafe\u0301", 4},
+        {__LINE__, "\u6F22\u5B57", 4},
+        {__LINE__, "\uD55C", 2},
+        {__LINE__, "\u1112\u1161\u11AB", 2}, // the same syllable in its parts
+        {__LINE__, "\U0001F3AC", 2},
+        {__LINE__, "a\u200Bb", 2},
+        {__LINE__, "\xE9", 1},
+        {__LINE__, "\xE6\xBC", 2}, // a character that breaks off
+        {__LINE__, "\xC0\x80", 2},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.mColumns, ColumnsOf(row.mText)) << "row at line " << row.mLine;
+    }
+}
+
+TEST(TextWidth, StartAndTail_CutNoCharacterAndLeaveNoMarkAlone)
+{
+    const std::string text = "a\u6F22e\u0301\u5B57";
+    EXPECT_EQ("", StartOf(text, 0));
+    EXPECT_EQ("a", StartOf(text, 2));
+    EXPECT_EQ("a\u6F22", StartOf(text, 3));
+    EXPECT_EQ("a\u6F22e\u0301", StartOf(text, 5));
+    EXPECT_EQ(text, StartOf(text, 6));
+    EXPECT_EQ("", TailOf(text, 1));
+    EXPECT_EQ("\u5B57", TailOf(text, 2));
+    EXPECT_EQ("e\u0301\u5B57", TailOf(text, 3));
+    EXPECT_EQ(text, TailOf(text, 6));
+    EXPECT_EQ("...\u5B57", EndOf(text, 5));
+    EXPECT_EQ("..", EndOf(text, 2));
+    EXPECT_EQ(text + "  ", PaddedTo(8, text));
+}
+
+TEST(FitProgress, PartsOfTheHighestRank_GoFirst)
+{
+    const std::vector<ProgressPart> parts{{"one", 0}, {"two", 3}, {"three", 1}, {"four", 2}};
+    EXPECT_EQ("one   two   three   four", FitProgress(parts, 24));
+    EXPECT_EQ("one   three   four", FitProgress(parts, 23));
+    EXPECT_EQ("one   three", FitProgress(parts, 17));
+    EXPECT_EQ("one", FitProgress(parts, 10));
+    EXPECT_EQ("on", FitProgress(parts, 2));
+    EXPECT_EQ("a?b", FitProgress({{"a\nb", 0}}, 9));
+}
+
+TEST(IngestProgress, ShowsShareRateAndTimeLeft)
+{
+    EXPECT_EQ("[############------------]  50 %   1.0 GB of 2.0 GB   100.0 MB/s   0:10 left   3 of 7 files",
+              ProgressText(2000000000, 4000000000, 3, 7, 10, 199));
+    EXPECT_EQ("[------------------------]   0 %   0 B of 2.0 GB   0 of 7 files",
+              ProgressText(0, 4000000000, 0, 7, 0, 199));
+    EXPECT_EQ("[########################] 100 %   0 B of 0 B   7 of 7 files", ProgressText(0, 0, 7, 7, 1, 199));
+}
+
+TEST(IngestProgress, InANarrowTerminal_KeepsWhatMattersMost)
+{
+    EXPECT_EQ("[######------]  50 %   1.0 GB of 2.0 GB   100.0 MB/s   0:10 left   3 of 7 files",
+              ProgressText(2000000000, 4000000000, 3, 7, 10, 79));
+    EXPECT_EQ(" 50 %   1.0 GB of 2.0 GB   0:10 left", ProgressText(2000000000, 4000000000, 3, 7, 10, 39));
+    EXPECT_EQ(" 50 %", ProgressText(2000000000, 4000000000, 3, 7, 10, 5));
+    for (std::size_t columns = 1; columns < 200; ++columns) {
+        EXPECT_GE(columns, ColumnsOf(ProgressText(987654321012, 1987654321012, 98765, 123456, 86400, columns))) << columns;
+    }
+}

@@ -1,0 +1,135 @@
+// The punctuation of each locale stands in a table, so nothing can fail here for lack of memory or of locale data.
+#include <tvxcore/NumberPunctuation.h>
+
+#include <CorePlatform/NumberFormat.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <locale>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+namespace tvxcore {
+namespace utility {
+
+namespace {
+
+struct KnownLocale
+{
+    const char* mName; // "de", and "de_CH" where a region differs
+    char16_t mDecimalPoint;
+    char16_t mThousandsSeparator;
+    char mGroup;
+    char mSecondGroup;
+};
+
+#include "NumberPunctuationTable.inc"
+
+const KnownLocale* Find(const std::string& inName)
+{
+    const auto isBefore = [](const KnownLocale& inKnown, const std::string& inWanted) { return inKnown.mName < inWanted; };
+    const auto found = std::lower_bound(std::begin(kKnownLocales), std::end(kKnownLocales), inName, isBefore);
+    return found != std::end(kKnownLocales) && found->mName == inName ? found : nullptr;
+}
+
+// The next part of a locale's name, behind which ioText stands afterwards.
+std::string NextPart(const char*& ioText)
+{
+    const std::size_t length = std::strcspn(ioText, "_-.@");
+    std::string part(ioText, std::min<std::size_t>(length, 9)); // longer than every part that has a meaning
+    ioText += length;
+    if (*ioText == '_' || *ioText == '-') {
+        ++ioText;
+    }
+    return part;
+}
+
+template <class Change>
+std::string Changed(std::string inText, Change inChange)
+{
+    for (char& character : inText) {
+        character = static_cast<char>(inChange(static_cast<unsigned char>(character)));
+    }
+    return inText;
+}
+
+int ToLower(int inCharacter)
+{
+    return inCharacter >= 'A' && inCharacter <= 'Z' ? inCharacter + ('a' - 'A') : inCharacter;
+}
+
+int ToUpper(int inCharacter)
+{
+    return inCharacter >= 'a' && inCharacter <= 'z' ? inCharacter - ('a' - 'A') : inCharacter;
+}
+
+const char* FirstThatIsSet(std::initializer_list<const char*> inVariables)
+{
+    for (const char* const variable : inVariables) {
+        const char* const value = std::getenv(variable);
+        if (value != nullptr && *value != '\0') {
+            return value;
+        }
+    }
+    return "C";
+}
+
+// The C library may know a locale that the table does not: one that was made on this machine.
+NumberPunctuation OfInstalledLocale()
+{
+    NumberPunctuation punctuation;
+    try {
+        const std::locale installed("");
+        const auto& facet = std::use_facet<std::numpunct<wchar_t>>(installed);
+        punctuation.mDecimalPoint = static_cast<unsigned short>(facet.decimal_point());
+        punctuation.mThousandsSeparator = static_cast<unsigned short>(facet.thousands_sep());
+        punctuation.mGrouping = facet.grouping();
+    } catch (const std::runtime_error&) { // it is not installed
+    }
+    return punctuation;
+}
+
+} // namespace
+
+namespace Platform {
+
+NumberPunctuation FindUserPunctuation_Impl()
+{
+    NumberPunctuation punctuation;
+    // The order in which the C library looks for it.
+    if (FindNumberPunctuation(FirstThatIsSet({"LC_ALL", "LC_NUMERIC", "LANG"}), punctuation)) {
+        return punctuation;
+    }
+    return OfInstalledLocale();
+}
+
+} // namespace Platform
+
+bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuation)
+{
+    const char* rest = inLocale;
+    const std::string language = Changed(NextPart(rest), ToLower);
+    std::string region = NextPart(rest);
+    if (region.size() == 4) { // a script
+        region = NextPart(rest);
+    }
+    const KnownLocale* known = Find(language + "_" + Changed(region, ToUpper));
+    known = known != nullptr ? known : Find(language);
+    if (known == nullptr) {
+        return false;
+    }
+    outPunctuation.mDecimalPoint = known->mDecimalPoint;
+    outPunctuation.mThousandsSeparator = known->mThousandsSeparator;
+    outPunctuation.mGrouping.assign(1, known->mGroup);
+    if (known->mSecondGroup != known->mGroup) {
+        outPunctuation.mGrouping += known->mSecondGroup;
+    }
+    return true;
+}
+
+} // namespace utility
+} // namespace tvxcore
