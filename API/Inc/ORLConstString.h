@@ -108,10 +108,12 @@ protected:
 private:
     using Shared = ConstStringShared<String>;
 
-    static Shared* MakeShared(const Unit* inText);
-    static Shared* MakeShared(String&& ioText);
-    static void Destroy(Shared* inShared);
-    static std::uint32_t HashText(const Unit* inText) noexcept;
+    // These four are symbols of the library. All other members are compiled into the caller: a class that is instantiated
+    // elsewhere as a whole leaves its inline functions to a library that may not export them.
+    static ORL_API Shared* MakeShared(const Unit* inText);
+    static ORL_API Shared* MakeShared(String&& ioText);
+    static ORL_API void Destroy(Shared* inShared);
+    static ORL_API std::uint32_t HashText(const Unit* inText) noexcept;
 
     static void Release(Shared* inShared)
     {
@@ -139,9 +141,6 @@ private:
     const Unit* mText = kEmptyText;
     std::uint32_t mHash = 0;
 };
-
-extern template class ORL_API ConstStringHandle<UTF16String>;
-extern template class ORL_API ConstStringHandle<std::string>;
 
 } // namespace Internal
 

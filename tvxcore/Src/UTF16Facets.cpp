@@ -144,8 +144,10 @@ basic_string<unsigned short> numpunct<unsigned short>::do_falsename() const
     return Widen("false");
 }
 
-template class num_put<unsigned short>;
-template class num_get<unsigned short>;
+template <>
+locale::id num_put<unsigned short>::id{};
+template <>
+locale::id num_get<unsigned short>::id{};
 
 } // namespace std
 

@@ -100,10 +100,13 @@ protected:
     virtual string_type do_falsename() const;
 };
 
-// The library's own formatting and reading, over the two facets above. One copy, so that every module of a process
-// finds a facet by the same identity.
-extern template class TVXCORE_API num_put<unsigned short>;
-extern template class TVXCORE_API num_get<unsigned short>;
+// Formatting and reading are the standard library's, over the two facets above. Their identities exist once, so that
+// every module of a process finds the same facet. All else is compiled into each module: a class that is instantiated
+// elsewhere as a whole leaves its inline functions to a library that may not export them.
+template <>
+TVXCORE_API locale::id num_put<unsigned short>::id;
+template <>
+TVXCORE_API locale::id num_get<unsigned short>::id;
 
 } // namespace std
 
