@@ -56,7 +56,9 @@ function(orl_library name)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-    INSTALL_RPATH "$ORIGIN") # installed libraries find each other wherever the tree is moved
+    # The libraries find each other wherever the tree is moved. In the build tree, too: a path of its own there would be
+    # padded to the length of this one with ":", and the loader takes an empty entry for the current folder.
+    INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
