@@ -40,7 +40,11 @@ void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsi
     if (inLevel != tvxcore::config::kErrorLevel_Warning) {
         throw TVXException(inLevel, inZString, inPackage, inErrorID, inFirst, inSecond, inThird, inFourth);
     }
-    TraceSwallowedWarning(inZString, inErrorID);
+    try {
+        TraceSwallowedWarning(inZString, inErrorID);
+    } catch (...) {
+        // A warning never throws: a line that finds no memory, or that its sink refuses, is lost.
+    }
 }
 
 } // namespace ORL

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <locale>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -191,6 +192,39 @@ TEST(TVXErrorManager, ChangeOfTheTrace_ShowsOnTheNextWarning)
     recorder.SetLevel(2);
     Raise(manager, 1);
     EXPECT_EQ(2u, sTexts.size());
+}
+
+// The category has no level of its own here, so only the level of all can switch it on.
+TEST(TVXErrorManager, CategoryWithoutALevelOfItsOwn_FollowsTheLevelOfAll)
+{
+    tvxcore::debug::ShutdownTraceManager(); // forgets the levels that other tests have set
+    sTexts.clear();
+    const tvxcore::debug::TraceSink old = tvxcore::debug::InstallTraceSink(
+        [](const unsigned char* inText) { sTexts.emplace_back(reinterpret_cast<const char*>(inText)); });
+    const TVXErrorManager manager;
+    tvxcore::debug::SetTraceLevelOfAll(0);
+    Raise(manager, 1);
+    EXPECT_TRUE(sTexts.empty());
+    tvxcore::debug::SetTraceLevelOfAll(1);
+    Raise(manager, 1);
+    EXPECT_EQ(1u, sTexts.size());
+    tvxcore::debug::ShutdownTraceManager();
+    tvxcore::debug::InstallTraceSink(old);
+}
+
+TEST(TVXErrorManager, SinkThatThrows_DoesNotMakeAWarningThrow)
+{
+    TraceRecorder recorder;
+    recorder.SetLevel(1);
+    static int sCalls = 0;
+    sCalls = 0;
+    tvxcore::debug::InstallTraceSink([](const unsigned char*) {
+        ++sCalls;
+        throw std::runtime_error("the sink");
+    });
+    const TVXErrorManager manager;
+    EXPECT_NO_THROW(Raise(manager, 1));
+    EXPECT_EQ(1, sCalls);
 }
 
 TEST(TVXErrorManager, Installed_TurnsABrokenInputContractIntoItsException)

@@ -160,7 +160,11 @@ int TraceChangeCount()
 void Trace(const unsigned char* inText)
 {
     const TraceSink sink = sSink.load();
-    (sink != nullptr ? sink : &WriteToStandardError)(inText);
+    try {
+        (sink != nullptr ? sink : &WriteToStandardError)(inText);
+    } catch (...) {
+        // The sink has lost its text. The code that traces goes on: it may be a destructor.
+    }
 }
 
 } // namespace debug

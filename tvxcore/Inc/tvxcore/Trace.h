@@ -32,7 +32,7 @@ TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
 /// Takes one finished text: zero-terminated UTF-8, of one line or several. It may be called on any thread, and on
-/// two at once.
+/// two at once. An exception of a sink is swallowed where the text was emitted.
 using TraceSink = void (*)(const unsigned char* inText);
 
 /// Installs where texts go and gives back the earlier sink. Null stands for standard error, which gets an end of line
