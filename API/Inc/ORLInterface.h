@@ -3,8 +3,11 @@
 //
 // A concrete class derives from UnknownImpl and is held by InterfaceRef:
 //
-//   class Work : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest> { void Process() override; };
-//   InterfaceRef<IThreadedQueueRequest, IThreadedQueueRequest> work(new Work);
+//   class Work : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
+//   {
+//       void Process() override {}
+//   };
+//   ORL::InterfaceRef<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest> work(new Work);
 #pragma once
 
 #include <ORLAtomic.h>
@@ -14,6 +17,7 @@
 
 #include <tvxcore/Guid.h>
 
+#include <type_traits>
 #include <utility>
 
 namespace ORL {
@@ -26,8 +30,8 @@ inline constexpr Guid kInterfaceID_ThreadedWorkQueue(0x424584A420974874u, 0x9981
 inline constexpr Guid kInterfaceID_ThreadedWorkQueueFlush(0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u);
 inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u);
 
-/// Root interface of the class system. The order of the operations is fixed; an interface adds its own behind them,
-/// and names its identifier in a constant kInterfaceID.
+/// Root interface of the class system. The order of the operations is fixed. An interface adds its own behind them and
+/// names its identifier in a constant kInterfaceID of its own: one that it inherits is that of another interface.
 class ORL_API ORLUnknown
 {
 public:
@@ -127,10 +131,27 @@ private:
     T* mIPtr;
 };
 
+namespace Internal {
+
+// Two classes that name the same constant: one of them inherits it.
+template <class First, class Second>
+constexpr bool ShareIdentifier()
+{
+    return !std::is_same_v<First, Second> && &First::kInterfaceID == &Second::kInterfaceID;
+}
+
+template <class Answer, class... Others>
+constexpr bool HasOwnIdentifier()
+{
+    return !(ShareIdentifier<Answer, Others>() || ...);
+}
+
+} // namespace Internal
+
 /// What a concrete class needs to be counted and asked. Base is the interface that it extends, or ORLUnknown; Answers
-/// are the classes and interfaces it answers QueryInterface for, itself first. Each names its kInterfaceID. ORLUnknown
-/// is answered last, without being listed. The count stands right behind the table of virtual functions and starts at
-/// 0.
+/// are the classes and interfaces it answers QueryInterface for, itself first. Each names a kInterfaceID of its own; a
+/// class that inherits the one of another listed class, of Base or of ORLUnknown does not compile. ORLUnknown is
+/// answered last, without being listed. The count stands right behind the table of virtual functions and starts at 0.
 ///
 /// All of them must share one address with the object, so a class has one chain of interfaces above it.
 template <class Base, class... Answers>
@@ -148,6 +169,8 @@ public:
 
     Result QueryInterface(const Guid& inInterfaceID, void** outInterface) override
     {
+        static_assert((Internal::HasOwnIdentifier<Answers, ORLUnknown, Base, Answers...>() && ...),
+                      "each answered class and interface declares a kInterfaceID of its own");
         const bool isOwn = ((inInterfaceID == Answers::kInterfaceID) || ...);
         *outInterface = nullptr;
         if (!isOwn && inInterfaceID != kInterfaceID_ORLUnknown) {
