@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <new>
 #include <memory>
 #include <pthread.h>
@@ -22,6 +21,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 #include <utility>
+#include <valgrind/valgrind.h>
 
 namespace ORL {
 
@@ -242,10 +242,10 @@ void* RunThread(void* inThread)
     return nullptr;
 }
 
-// For tools that run a program by steps and do not let another thread run while one waits in a ring, as valgrind.
+// Valgrind runs one thread at a time and does not notice that a thread sleeps in a ring, so all others would stand still.
 bool IsRingUnwanted()
 {
-    return std::getenv("ORL_NO_IO_URING") != nullptr;
+    return RUNNING_ON_VALGRIND != 0;
 }
 
 } // namespace

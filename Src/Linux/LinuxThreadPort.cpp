@@ -197,7 +197,7 @@ const char* DescriptionFor(int inRefusal)
 {
     switch (inRefusal) {
     case 0:
-        return "pread threads, since ORL_NO_IO_URING is set";
+        return "pread threads, since the program runs under valgrind";
     case EPERM:
         return "pread threads, since the kernel forbids io_uring (EPERM)";
     case ENOSYS:

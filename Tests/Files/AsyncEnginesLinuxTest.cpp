@@ -5,7 +5,6 @@
 #include <Platform/AsyncFiles.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -76,17 +75,6 @@ TEST(CompletionPort, EachRefusalOfTheRing_ChoosesThreadsAndSaysWhy)
         EXPECT_STREQ(refusal.mDescription, DescribePort_Impl(port));
         ClosePort_Impl(port);
     }
-}
-
-TEST(CompletionPort, RingThatIsUnwanted_IsNotAskedFor)
-{
-    using namespace AsyncFiles::Platform;
-    ::setenv("ORL_NO_IO_URING", "1", 1);
-    Handle port = nullptr;
-    EXPECT_EQ(0u, CreatePort_Impl(port));
-    ::unsetenv("ORL_NO_IO_URING");
-    EXPECT_STREQ("pread threads, since ORL_NO_IO_URING is set", DescribePort_Impl(port));
-    ClosePort_Impl(port);
 }
 
 TEST(CompletionPort, RingWithoutMemory_ChoosesThreads)
