@@ -1,8 +1,8 @@
 // Floor: Core
 // The one lock of the library, and its two scoped companions.
 //
-//   CriticalSectionLock lock(mLock);          held until the end of the scope
-//   CriticalSectionTryLock attempt(mLock);    held until the end of the scope when attempt.IsLocked()
+//   ORL::CriticalSectionLock lock(mLock);        // held until the end of the scope
+//   ORL::CriticalSectionTryLock attempt(mLock);  // held until the end of the scope if attempt.IsLocked()
 #pragma once
 
 #include <ORLPlatformLock.h>
@@ -29,7 +29,7 @@ public:
     bool TryLock() const { return mLock.TryLock(); }
 
 private:
-    mutable Internal::PlatformLock mLock;
+    mutable Internal::PlatformLock mLock{}; // initialised here, so that a const section needs no initialiser
     [[maybe_unused]] void* mWord = nullptr;
 };
 

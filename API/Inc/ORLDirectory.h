@@ -29,7 +29,8 @@ namespace ORL {
 ///           copied under another name first, so that no half file ever has the final one.
 /// Example:
 ///   std::vector<UTF16String> clips;
-///   ORL::Directory::ConstructDirectory(path).GetContainedFilePaths(MakeString(".mov"), clips, true, kNoLimit);
+///   const ORL::Directory directory = ORL::Directory::ConstructDirectory(path);
+///   directory.GetContainedFilePaths(ORL::MakeString(".mov"), clips, true, ORL::Directory::kNoLimit);
 class ORL_API Directory
 {
 public:

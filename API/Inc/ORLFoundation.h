@@ -61,8 +61,20 @@ namespace Foundation {
 
 /// Starts the library. Starts are counted: the first one does the work, and the thread of the first one in the life of
 /// the process becomes the main thread. Each start owes one Terminate. May be called from any thread, also while
-/// another one starts or stops the library. An exception of a service that cannot start leaves with the library not
-/// started.
+/// another one starts or stops the library.
+///
+/// Throws what a service throws that cannot start: std::bad_alloc, boost::thread_resource_error, TVXException. The
+/// library is then not started, and no Terminate is owed. The services that had started stay started, and the next
+/// start starts them again. One of them refuses that: ThreadManager::RegisterMainThread, with input contract 25, which
+/// a host that installed a TVXErrorManager receives as a TVXException. Such a host takes the registration back before
+/// it tries again:
+///
+///   try {
+///       ORL::Foundation::Initialize();
+///   } catch (const std::exception&) {
+///       ORL::ThreadManager::UnregisterMainThread();
+///       ORL::Foundation::Initialize();
+///   }
 ///
 /// Before the start, and after the stop, everything works that needs no service of the library: constants, strings,
 /// the class factory, locks.

@@ -1,7 +1,7 @@
 // Floor: Memory
 // Large buffers that are kept for the next one who wants the same size.
 //
-//   MemoryBufferWrapper buffer(1 << 20);      // from the pool or from the system; back to the pool at the end of the scope
+//   ORL::MemoryBufferWrapper buffer(1 << 20); // from the pool or from the system; back to the pool at the end of the scope
 #pragma once
 
 #include <ORLConfig.h>

@@ -1,8 +1,8 @@
 // Floor: Memory
 // Shared ownership of any object, counted outside of it.
 //
-//   ObjectPtr<Module> module(new Module(...));   // owns
-//   ObjectPtr<Module> second = module;           // shares; the last one deletes the object
+//   ORL::ObjectPtr<Picture> picture(new Picture); // owns
+//   ORL::ObjectPtr<Picture> second = picture;     // shares; the last one deletes the object
 #pragma once
 
 #include <ORLAllocator.h>

@@ -1,11 +1,14 @@
 // Floor: Threads
 // Work that runs on threads in the background.
 //
-//   class Scan : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest> { void Process() override; };
+//   class Scan : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
+//   {
+//       void Process() override {}
+//   };
 //
-//   InterfaceRef<ThreadedWorkQueue, ORLUnknown> queue(new ThreadedWorkQueue);
-//   queue->Initialize(ThreadPriorities::kNormal, 2, ConstString("Scan"), ConstString("Editor"));
-//   queue->QueueRequest(InterfaceRef<IThreadedQueueRequest, IThreadedQueueRequest>(new Scan));
+//   ORL::InterfaceRef<ORL::ThreadedWorkQueue, ORL::ORLUnknown> queue(new ORL::ThreadedWorkQueue);
+//   queue->Initialize(ORL::ThreadPriorities::kNormal, 2, ORL::ConstString("Scan"), ORL::ConstString("Editor"));
+//   queue->QueueRequest(ORL::ThreadedWorkQueue::Request(new Scan));
 //   ...
 //   queue->Stop();
 #pragma once

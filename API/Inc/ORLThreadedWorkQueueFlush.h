@@ -1,10 +1,11 @@
 // Floor: Threads
 // Waiting until a work queue has finished everything that was queued before.
 //
-//   InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown> flush(new ThreadedWorkQueueFlush);
+//   ORL::InterfaceRef<ORL::ThreadedWorkQueueFlush, ORL::ORLUnknown> flush(new ORL::ThreadedWorkQueueFlush);
 //   flush->Init(queue);
-//   ... queue->QueueRequest(...) ...
-//   flush->Flush();          // all of these have returned
+//   queue->QueueRequest(request);
+//   ...
+//   flush->Flush(); // every request queued before has returned
 #pragma once
 
 #include <ORLConfig.h>

@@ -26,8 +26,10 @@ namespace ORL {
 /// Threads:  an object is used by one thread at a time; different objects are independent.
 /// Failure:  no error codes. A rate and format that do not belong together fire an input contract (error 25), and a
 ///           text that cannot be read gives kTime_Invalid. Memory that is out leaves as std::bad_alloc.
-/// Example:  Timecode code(TickTime(1800, kFrameRate_VideoNTSC), kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode);
-///           code.GetString() is 00;01;00;02
+/// Example:
+///   const tvxmediatypes::TickTime time(1800, ORL::kFrameRate_VideoNTSC);
+///   const ORL::Timecode code(time, ORL::kFrameRate_VideoNTSC, tvxmediatypes::kTimeDisplay_2997DropTimecode);
+///   std::cout << ORL::MakeStdString(code.GetString()); // 00;01;00;02
 class Timecode
 {
 public:

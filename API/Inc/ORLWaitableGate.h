@@ -28,7 +28,10 @@ class WaitableGateAlgorithm;
 /// Time:     milliseconds; -1 waits for ever, 0 only asks; any other negative time has already run out.
 /// Failure:  kWaitTimeout is an answer, not an error. What boost::mutex and boost::condition_variable throw passes
 ///           through, thread interruption included.
-/// Example:  gate->Open();  ...  if (gate->Wait(0) == kSuccess) { ... }
+/// Example:
+///   gate->Open();
+///   ...
+///   const bool isOpen = gate->Wait(0) == ORL::kSuccess;
 class ORL_API WaitableGate
 {
 public:

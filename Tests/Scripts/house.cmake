@@ -13,5 +13,11 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
         ${compiler} ${standard} "${CMAKE_BINARY_DIR}/include")
       set_tests_properties(${name} PROPERTIES TIMEOUT 600)
     endforeach()
+    add_test(NAME House.ExamplesInHeadersCompile.${compiler} COMMAND Python3::Interpreter
+      "${CMAKE_CURRENT_SOURCE_DIR}/HeaderExamples/check_examples.py" ${compiler} "${CMAKE_BINARY_DIR}/include")
+    add_test(NAME House.MisuseDoesNotCompile.${compiler} COMMAND Python3::Interpreter
+      "${CMAKE_CURRENT_SOURCE_DIR}/Misuse/check_misuse.py" ${compiler} "${CMAKE_BINARY_DIR}/include")
+    set_tests_properties(House.ExamplesInHeadersCompile.${compiler} House.MisuseDoesNotCompile.${compiler}
+      PROPERTIES TIMEOUT 300)
   endforeach()
 endif()

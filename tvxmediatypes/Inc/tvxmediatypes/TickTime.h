@@ -11,7 +11,9 @@ namespace tvxmediatypes {
 /// The count spans about 414 years on either side of zero. Times made from frames are exact. Sums, negation and
 /// products wrap around in two's complement, so that no operation is undefined and every loop over times ends.
 /// Threads:  a plain value.
-/// Example:  TickTime time(90, kFrameRate_Video30);  time.ToFrame64(kFrameRate_VideoPAL) == 75
+/// Example:
+///   const tvxmediatypes::TickTime time(90, tvxmediatypes::kFrameRate_Video30);
+///   std::cout << time.ToFrame64(tvxmediatypes::kFrameRate_VideoPAL); // 75
 class TickTime
 {
 public:

@@ -1,0 +1,30 @@
+// What the examples in the public headers take for granted.
+#pragma once
+
+#include <ORLFoundation.h>
+#include <tvxcore/Trace.h>
+
+#include <iostream>
+#include <vector>
+
+struct Picture
+{
+};
+
+inline void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void*, void*,
+                   void*, int)
+{
+}
+
+struct Host
+{
+    void Example();
+
+    UTF16String path;
+    char buffer[65536];
+    unsigned int count;
+    ORL::WaitableGate* gate;
+    ORL::CriticalSection mLock;
+    ORL::InterfaceRef<ORL::ThreadedWorkQueue, ORL::ORLUnknown> queue;
+    ORL::ThreadedWorkQueue::Request request;
+};

@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Compiles the examples in the comments of the public headers: check_examples.py COMPILER BUILD_INCLUDE_DIR
+
+An example is what stands three blanks behind the slashes and has a line that ends a statement or opens a block. A host
+copies it as it is, so it names everything in full; what it takes for granted (a path, a buffer) is in Surroundings.h.
+"""
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
+FOLDERS = ("API/Inc", "tvxcore/Inc", "tvxmediatypes/Inc", "CRV/Inc")
+COMMENT = re.compile(r"^\s*(?:///|//)(.*)$")
+STATEMENT = re.compile(r"[;{}]\s*(?://.*)?$")
+
+
+def comments(lines):
+    """The runs of comment lines, each as (number of its first line, texts without the slashes)."""
+    run = []
+    for number, line in enumerate(lines + [""], 1):
+        match = COMMENT.match(line)
+        if match:
+            run.append((number, match[1]))
+        elif run:
+            yield run
+            run = []
+
+
+def examples(path):
+    """(line, code) of each example; blank lines between two parts of one comment do not end it."""
+    for run in comments(path.read_text(encoding="utf-8").splitlines()):
+        block = []
+        for number, text in run + [(0, "end")]:
+            if re.match(r"   \S", text) or (block and re.match(r"    ", text)) or (block and not text.strip()):
+                block.append((number, text))
+                continue
+            if any(STATEMENT.search(line) for _, line in block):
+                yield block[0][0], [line for _, line in block]
+            block = []
+
+
+def program(found):
+    """One program of all: each example is a function of a host of its own."""
+    headers = sorted({path.relative_to(root).as_posix() for path, _, _ in found
+                      for root in map(ROOT.joinpath, FOLDERS) if root in path.parents})
+    text = "".join(f"#include <{header}>\n" for header in headers) + f'#include "{HERE}/Surroundings.h"\n'
+    for number, (path, line, code) in enumerate(found):
+        body = "\n".join("" if part.strip() == "..." else part for part in code)
+        text += f"struct Host{number} : Host {{ void Example(); }};\nvoid Host{number}::Example()\n{{\n"
+        text += f'#line {line} "{path}"\n{body}\n}}\n'
+    return text
+
+
+def main():
+    compiler, generated = sys.argv[1:3]
+    command = [compiler, "-std=c++17", "-fsyntax-only", "-w", f"-I{generated}"]
+    command += [f"-I{ROOT / folder}" for folder in FOLDERS] + ["-x", "c++", "-"]
+    found = [(path, line, code) for folder in FOLDERS for path in sorted((ROOT / folder).rglob("*.h"))
+             for line, code in examples(path)]
+    done = subprocess.run(command, input=program(found), text=True, capture_output=True)
+    if done.returncode != 0:
+        print(f"an example in a header does not compile:\n{done.stderr}")
+    print(f"{len(found)} examples")
+    return 1 if done.returncode != 0 or len(found) < 12 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
