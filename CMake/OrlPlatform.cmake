@@ -36,12 +36,12 @@ else()
 endif()
 
 # What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.
-file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
+file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
 add_library(orl_strict INTERFACE)
 target_compile_options(orl_strict INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off
-  # Reports name sources by their place in the project, the same on every machine.
-  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
+  # Reports name sources by their place in this project, the same on every machine and in every project around it.
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
   # A symbol that g++ marks as unique would keep our libraries in memory after a host unloads them.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   # The compiler spills wide registers with aligned moves, but the system's stack is aligned to 16 bytes only.

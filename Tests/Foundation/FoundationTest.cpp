@@ -26,15 +26,6 @@ using QueueRef = SharedThreadedWorkQueue::QueueRef;
 
 namespace {
 
-std::vector<std::string> Names(const LifecycleStep* inSteps, std::size_t inCount)
-{
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < inCount; ++i) {
-        names.emplace_back(inSteps[i].mName);
-    }
-    return names;
-}
-
 void ExpectHostSays(const char* inMode, const std::string& inOutput, const char* inProgram = "lifecycle_host")
 {
     const ProcessResult result = RunBesideThisProgram(inProgram, {inMode});
@@ -80,17 +71,79 @@ protected:
 
 } // namespace
 
-TEST(FoundationSequences, StartAndStop_AreInTheirFixedOrders)
+namespace {
+
+const auto kTracedCategory = reinterpret_cast<const unsigned char*>("ORLFoundation::TVXErrorManager");
+
+/// What runs, as its users see it.
+class Services
 {
+public:
+    explicit Services(const TempFolder& inFolder) : mClip(inFolder.Path(u"clip")) {}
+
+    void MakeAQueue()
+    {
+        mQueue = SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ThreadPriorities::kNormal);
+    }
+
+    std::string Running() const
+    {
+        const bool hasRecord =
+            ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
+        std::string running;
+        running += std::locale() == std::locale::classic() ? "locale " : "";
+        running += hasRecord ? "thread " : "";
+        running += MemoryRecycler::Instance() ? "recycler " : "";
+        running += BytesReadOf(mClip) != 0 ? "reads " : "";
+        running += mQueue && Runs(*mQueue.GetPtr()) ? "queue " : "";
+        running += tvxcore::debug::TraceEnabled(kTracedCategory, 1, true) ? "trace " : "";
+        return running;
+    }
+
+    /// What runs after each step of a sequence.
+    std::vector<std::string> After(const LifecycleStep* inSteps, std::size_t inCount) const
+    {
+        std::vector<std::string> running;
+        for (std::size_t i = 0; i < inCount; ++i) {
+            inSteps[i].mRun();
+            running.push_back(Running());
+        }
+        return running;
+    }
+
+private:
+    const UTF16String mClip;
+    QueueRef mQueue;
+};
+
+class Apostrophes : public std::numpunct<char>
+{
+    char do_thousands_sep() const override { return '\''; }
+};
+
+} // namespace
+
+// The steps are run one by one, and what each has done is seen before the next. Nothing is to be seen of the two steps of
+// the exceptions, which are empty.
+TEST_F(FoundationTest, StartAndStop_DoTheirWorkInTheirFixedOrders)
+{
+    const TempFolder folder;
+    folder.MakeFile("clip", std::string(4096, 'x'));
+    Services services(folder);
     const CountedLifecycle& lifecycle = FoundationLifecycle();
-    EXPECT_EQ((std::vector<std::string>{"Exception::Initialize", "Locale::Initialize",
-                                        "ThreadManager::RegisterMainThread", "CreateMemoryRecycler",
-                                        "StartupAsyncFileOperations"}),
-              Names(lifecycle.mStart, lifecycle.mStartCount));
-    EXPECT_EQ((std::vector<std::string>{"TerminateAsyncFileOperations", "DropMemoryRecycler",
-                                        "SharedThreadedWorkQueue::Shutdown", "ThreadManager::UnregisterMainThread",
-                                        "Exception::Terminate", "tvxcore::debug::ShutdownTraceManager"}),
-              Names(lifecycle.mStop, lifecycle.mStopCount));
+    std::locale::global(std::locale(std::locale::classic(), new Apostrophes));
+    EXPECT_EQ("", services.Running());
+    EXPECT_EQ((std::vector<std::string>{"", "locale ", "locale thread ", "locale thread recycler ",
+                                        "locale thread recycler reads "}),
+              services.After(lifecycle.mStart, lifecycle.mStartCount));
+    EXPECT_EQ(&Exception::Initialize, lifecycle.mStart[0].mRun);
+    services.MakeAQueue();
+    tvxcore::debug::SetTraceLevelOfAll(1);
+    EXPECT_EQ("locale thread recycler reads queue trace ", services.Running());
+    EXPECT_EQ((std::vector<std::string>{"locale thread recycler queue trace ", "locale thread queue trace ",
+                                        "locale thread trace ", "locale trace ", "locale trace ", "locale "}),
+              services.After(lifecycle.mStop, lifecycle.mStopCount));
+    EXPECT_EQ(&Exception::Terminate, lifecycle.mStop[4].mRun);
 }
 
 TEST_F(FoundationTest, StartedTwiceAndStoppedOnce_LeavesAllServicesRunning)
@@ -145,11 +198,7 @@ TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheM
 
 TEST_F(FoundationTest, Start_MakesTheClassicLocaleGlobal)
 {
-    class Grouping : public std::numpunct<char>
-    {
-        char do_thousands_sep() const override { return '\''; }
-    };
-    std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    std::locale::global(std::locale(std::locale::classic(), new Apostrophes));
     Foundation::Initialize();
     EXPECT_EQ(std::locale::classic(), std::locale());
     Foundation::Terminate();
@@ -161,10 +210,9 @@ TEST_F(FoundationTest, LastStop_EndsTheTrace)
     tvxcore::debug::SetTraceLevelOfAll(3);
     Foundation::Initialize();
     Foundation::Terminate();
-    const auto category = reinterpret_cast<const unsigned char*>("ORLFoundation::TVXErrorManager");
-    EXPECT_TRUE(tvxcore::debug::TraceEnabled(category, 1, true));
+    EXPECT_TRUE(tvxcore::debug::TraceEnabled(kTracedCategory, 1, true));
     Foundation::Terminate();
-    EXPECT_FALSE(tvxcore::debug::TraceEnabled(category, 1, true));
+    EXPECT_FALSE(tvxcore::debug::TraceEnabled(kTracedCategory, 1, true));
 }
 
 TEST_F(FoundationTest, StoppedWithoutAStart_NextStartOnlyMakesUpForIt)

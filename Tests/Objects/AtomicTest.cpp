@@ -103,6 +103,57 @@ TEST(Atomic, AlignedTargets_ReportNothing)
 
 namespace {
 
+// Objects at each place within 16 aligned bytes; what is done to them is recorded.
+struct Misaligned
+{
+    alignas(16) unsigned char mBytes[32] = {};
+
+    template <class T>
+    T& At(std::size_t inOffset)
+    {
+        return *reinterpret_cast<T*>(mBytes + inOffset);
+    }
+};
+
+// How many reports a call makes.
+template <class Call>
+std::size_t ReportsOf(const Call& inCall)
+{
+    CheckRecorder recorder;
+    inCall();
+    return recorder.Reports().size();
+}
+
+} // namespace
+
+TEST(Atomic, PointersOffTheirOwnSize_AreReportedAtEveryPlace)
+{
+    Misaligned bytes;
+    for (std::size_t offset = 0; offset <= 8; ++offset) {
+        const std::size_t expected = offset % 8 == 0 ? 0 : 1;
+        void*& target = bytes.At<void*>(offset);
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicReadPtr(target); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicNullifyPtr(target); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicSetPtrIfNull(target, nullptr); })) << offset;
+    }
+}
+
+TEST(Atomic, NumbersOffTheirOwnSize_AreReportedAtEveryPlace)
+{
+    Misaligned bytes;
+    for (std::size_t offset = 0; offset <= 8; ++offset) {
+        const std::size_t expected = offset % 4 == 0 ? 0 : 1;
+        std::int32_t& target = bytes.At<std::int32_t>(offset);
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicIncrement(target); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicDecrement(target); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicRead(target); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicCompareAndSet(target, 0, 0); })) << offset;
+        EXPECT_EQ(expected, ReportsOf([&] { AtomicExchange(target, 0); })) << offset;
+    }
+}
+
+namespace {
+
 constexpr int kThreads = 4;
 constexpr int kRounds = 20000;
 
@@ -147,14 +198,17 @@ TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
     }
 }
 
+namespace {
+
 // Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of
 // them sees the other's write. They run side by side through many pairs of words, so that some meet closely.
-TEST(Atomic, Read_CarriesAFullBarrier)
+template <class Word, class Read>
+void ExpectAFullBarrier(Word inWritten, const Read& inRead)
 {
     constexpr std::size_t kPairs = 200000;
     constexpr std::size_t kPairsBetweenMeetings = 100;
-    std::vector<std::int32_t> words[2] = {std::vector<std::int32_t>(kPairs), std::vector<std::int32_t>(kPairs)};
-    std::vector<std::int32_t> seen[2] = {std::vector<std::int32_t>(kPairs, -1), std::vector<std::int32_t>(kPairs, -1)};
+    std::vector<Word> words[2] = {std::vector<Word>(kPairs), std::vector<Word>(kPairs)};
+    std::vector<char> seen[2] = {std::vector<char>(kPairs), std::vector<char>(kPairs)};
     std::atomic<std::size_t> arrived{0};
     const auto run = [&](std::size_t inSelf) {
         for (std::size_t pair = 0; pair < kPairs; ++pair) {
@@ -166,14 +220,36 @@ TEST(Atomic, Read_CarriesAFullBarrier)
                     }
                 }
             }
-            __atomic_store_n(&words[inSelf][pair], 1, __ATOMIC_RELAXED);
-            seen[inSelf][pair] = AtomicRead(words[1 - inSelf][pair]);
+            __atomic_store_n(&words[inSelf][pair], inWritten, __ATOMIC_RELAXED);
+            seen[inSelf][pair] = inRead(words[1 - inSelf][pair]) == inWritten;
         }
     };
     std::thread other(run, 1);
     run(0);
     other.join();
     for (std::size_t pair = 0; pair < kPairs; ++pair) {
-        EXPECT_TRUE(seen[0][pair] == 1 || seen[1][pair] == 1) << "pair " << pair;
+        EXPECT_TRUE(seen[0][pair] || seen[1][pair]) << "pair " << pair;
     }
+}
+
+} // namespace
+
+TEST(Atomic, Read_CarriesAFullBarrier)
+{
+    ExpectAFullBarrier<std::int32_t>(1, [](std::int32_t& ioWord) { return AtomicRead(ioWord); });
+}
+
+TEST(Atomic, ReadPtr_CarriesAFullBarrier)
+{
+    static char sObject = 0;
+    ExpectAFullBarrier<char*>(&sObject, [](char*& ioWord) { return AtomicReadPtr(ioWord); });
+}
+
+// Both reads are read-modify-write operations: what may not be written may not be read by them either.
+TEST(AtomicDeathTest, ReadOfWhatMayNotBeWritten_EndsTheProcess)
+{
+    static const std::int32_t sNumber = 18;
+    static int* const sPointer = nullptr;
+    EXPECT_DEATH(AtomicRead(const_cast<std::int32_t&>(sNumber)), "");
+    EXPECT_DEATH(AtomicReadPtr(const_cast<int*&>(sPointer)), "");
 }

@@ -98,6 +98,21 @@ TEST(ClassFactory, RegisteredTwice_KeepsTheFirstCreateFunction)
     EXPECT_STREQ("one", ClassFactory::GetClassTokenFromClassID(id)->mFirstName);
 }
 
+TEST(ClassFactory, RegisteredTwice_DiscardsTheSecondEntryWhole)
+{
+    const Guid id = FreshID();
+    static const char sFirst[] = "one";
+    static const char sSecond[] = "two";
+    ClassFactory::RegisterORLClass(id, sFirst, sSecond, &Create<1>, &ORLGetClassCategories);
+    ClassMapEntry* const token = ClassFactory::GetClassTokenFromClassID(id);
+    ClassFactory::RegisterORLClass(id, "three", "four", &Create<2>, &ORLGetClassCategories);
+    EXPECT_EQ(token, ClassFactory::GetClassTokenFromClassID(id));
+    EXPECT_EQ(id, token->mClassID);
+    EXPECT_EQ(sFirst, token->mFirstName) << "the pointer itself, which is stored and not read";
+    EXPECT_EQ(sSecond, token->mSecondName);
+    EXPECT_EQ(&Create<1>, token->mCreate);
+}
+
 TEST(ClassFactory, RegisteredTwice_StandsTwiceInItsCategory)
 {
     const Guid id = FreshID();

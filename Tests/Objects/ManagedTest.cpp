@@ -70,6 +70,35 @@ TEST(Managed, KeptAgainAfterDestroy_IsDestroyedAgain)
     }
 }
 
+// The count alone decides: what falls below 0 destroys nothing, and comes back to 0 by an AddRef, which destroys nothing.
+TEST(Managed, ReleasedTooOften_IsNotDestroyedAgain)
+{
+    Item item;
+    Keeper keeper;
+    keeper.Keep(item);
+    keeper.Drop(item);
+    EXPECT_EQ(1, item.mDestroyed);
+    keeper.Drop(item);
+    keeper.Drop(item);
+    EXPECT_EQ(-2, CountOf(item));
+    EXPECT_EQ(1, item.mDestroyed);
+    keeper.Keep(item);
+    keeper.Keep(item);
+    EXPECT_EQ(0, CountOf(item));
+    EXPECT_EQ(1, item.mDestroyed);
+    keeper.Keep(item);
+    keeper.Drop(item);
+    EXPECT_EQ(2, item.mDestroyed) << "whose count reaches 0 once more";
+}
+
+TEST(Managed, NeverKept_IsNotDestroyedByARelease)
+{
+    Item item;
+    Keeper().Drop(item);
+    EXPECT_EQ(0, item.mDestroyed);
+    EXPECT_EQ(-1, CountOf(item));
+}
+
 TEST(Managed, KeptAndDroppedOnManyThreads_IsDestroyedOnce)
 {
     Item item;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <locale>
+#include <sstream>
 #include <string>
 
 using namespace ORL;
@@ -137,4 +138,22 @@ TEST(Locale, Native_PointsAndGroupsAsNumbersAreShown)
     EXPECT_EQ(shown.mDecimalPoint, native.decimal_point());
     EXPECT_EQ(shown.mGrouping, native.grouping());
     EXPECT_EQ(&Locale::Native(), &Locale::Native());
+}
+
+TEST(Locale, Native_IsAlwaysUsable)
+{
+    const std::locale old = std::locale::global(PointLocale());
+    const std::locale& native = Locale::Native();
+    EXPECT_NE(std::locale(), native) << "the user's locale, not the process's global one";
+    for (const double number : {0.0, 1.5, -1234567.25}) {
+        std::stringstream stream;
+        stream.imbue(native);
+        stream << std::fixed << number;
+        double back = 17.0;
+        stream >> back;
+        EXPECT_EQ(number, back) << stream.str();
+        EXPECT_FALSE(stream.fail()) << stream.str();
+    }
+    EXPECT_EQ(&native, &Locale::Native());
+    std::locale::global(old);
 }

@@ -106,8 +106,11 @@ TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)
             thread.join();
         }
         for (SharedThreadedWorkQueue* const place : seen) {
+            ASSERT_NE(nullptr, place);
             ASSERT_EQ(seen[0], place);
         }
+        ASSERT_EQ(seen[0], SharedThreadedWorkQueue::Instance()) << "the one that was published, not one that went again";
+        ASSERT_TRUE(seen[0]->RetrieveOrCreateSingleThreaded(3)->QueueRequest(MakeRequest([] {})));
     }
 }
 
@@ -129,10 +132,17 @@ TEST_F(SharedQueues, ManyThreadsAskForOnePriority_ShareOneQueue)
 
 TEST_F(SharedQueues, ShutdownWithoutInstanceAndTwice_DoesNothing)
 {
+    const auto takesNoMore = [](const QueueRef& inQueue) { return !inQueue->QueueRequest(MakeRequest([] {})); };
     SharedThreadedWorkQueue::Shutdown();
-    Shared().RetrieveOrCreateSingleThreaded(3);
+    const QueueRef first = Shared().RetrieveOrCreateSingleThreaded(3);
+    EXPECT_FALSE(takesNoMore(first)) << "a shutdown without an instance leaves nothing that spoils the next one";
     SharedThreadedWorkQueue::Shutdown();
+    EXPECT_TRUE(takesNoMore(first));
     SharedThreadedWorkQueue::Shutdown();
+    EXPECT_FALSE(Shared().RetrieveSingleThreaded(3)) << "the second one has not brought the old queue back";
+    const QueueRef second = Shared().RetrieveOrCreateSingleThreaded(3);
+    EXPECT_NE(first.GetPtr(), second.GetPtr());
+    EXPECT_FALSE(takesNoMore(second));
 }
 
 TEST_F(SharedQueues, AfterShutdown_TheInstanceIsNewAndEmpty)

@@ -249,11 +249,58 @@ TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)
     running->Stop();
 }
 
+namespace {
+
+// A flush whose items stay with it for a while after they have let the flushing thread go.
+class LingeringFlush : public ThreadedWorkQueueFlush
+{
+public:
+    LingeringFlush(std::atomic<bool>& inMayLeave, std::atomic<int>& ioDestroyed, std::atomic<int>& ioSeenDestroyed)
+        : mMayLeave(inMayLeave), mDestroyed(ioDestroyed), mSeenDestroyed(ioSeenDestroyed)
+    {
+    }
+    ~LingeringFlush() override { ++mDestroyed; }
+
+    void Process() override
+    {
+        std::atomic<int>& seen = mSeenDestroyed; // the object is not used once it should be gone
+        const std::atomic<int>& destroyed = mDestroyed;
+        const std::atomic<bool>& mayLeave = mMayLeave;
+        ThreadedWorkQueueFlush::Process();
+        while (!mayLeave) {
+            std::this_thread::yield();
+        }
+        seen += destroyed;
+    }
+
+private:
+    std::atomic<bool>& mMayLeave;
+    std::atomic<int>& mDestroyed;
+    std::atomic<int>& mSeenDestroyed;
+};
+
+} // namespace
+
 TEST(ThreadedWorkQueueFlush, ReferenceDroppedWhileQueued_LivesUntilTheItemsAreGone)
 {
     const QueueRef queue = StartedQueue(2);
     for (int round = 0; round < 100; ++round) {
-        FlushOf(queue)->Flush(); // the last reference may be the one of an item that is just leaving
+        std::atomic<bool> mayLeave{false};
+        std::atomic<int> destroyed{0};
+        std::atomic<int> seenDestroyed{0};
+        FlushRef flush(new LingeringFlush(mayLeave, destroyed, seenDestroyed));
+        flush->Init(queue);
+        flush->Flush();
+        flush = FlushRef(); // the last references are those of the items, which are still in Process
+        EXPECT_EQ(0, destroyed);
+        mayLeave = true;
+        const FlushRef behind = FlushOf(queue);
+        behind->Flush(); // returns when both items are out of Process
+        while (destroyed == 0) {
+            std::this_thread::yield(); // the executor drops an item's reference when Process has returned
+        }
+        EXPECT_EQ(0, seenDestroyed) << "an item was in Process of an object that was gone";
+        EXPECT_EQ(1, destroyed);
     }
     queue->Stop();
 }

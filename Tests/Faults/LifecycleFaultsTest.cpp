@@ -1,0 +1,95 @@
+// The real start with its memory refused at every place, and what a host does after it.
+#include "MemoryFaults.h"
+
+#include <ORLFoundation.h>
+
+#include <CheckRecorder.h>
+#include <CountedLifecycle.h>
+
+#include <exception>
+#include <string>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+/// Contract errors leave as a TVXException while it lives.
+class ThrowingHost
+{
+public:
+    ThrowingHost() : mOld(tvxcore::config::InstallErrorManager(&mManager)) {}
+    ~ThrowingHost() { tvxcore::config::InstallErrorManager(mOld); }
+
+private:
+    const CheckRecorder mQuiet;
+    TVXErrorManager mManager;
+    tvxcore::config::ErrorManager* const mOld;
+};
+
+/// The number of the request that is refused is too high when none is.
+struct Attempt
+{
+    bool mHasFailed = false;
+    unsigned mRefused = 0;
+};
+
+Attempt StartWithFaults(MemoryDoor inDoor, unsigned inNumber)
+{
+    Attempt attempt;
+    const MemoryFaults faults(inDoor, inNumber, false);
+    try {
+        Foundation::Initialize();
+    } catch (const std::exception&) {
+        attempt.mHasFailed = true;
+    }
+    attempt.mRefused = faults.Refused();
+    return attempt;
+}
+
+bool ThreadHasARecord()
+{
+    return ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
+}
+
+// The text of what a second start throws, or nothing.
+std::string SecondStartThrows()
+{
+    try {
+        Foundation::Initialize();
+    } catch (const TVXException& refusal) {
+        return refusal.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(LifecycleFaults, StartThatFailsAtAnyPlace_CanBeMadeAgainAfterTheRegistrationIsTakenBack)
+{
+    const ThrowingHost host;
+    unsigned failedInTheLastStep = 0;
+    for (const MemoryDoor door : kMemoryDoors) {
+        Attempt attempt{false, 1};
+        for (unsigned number = 1; attempt.mRefused != 0; ++number) {
+            SCOPED_TRACE(number);
+            attempt = StartWithFaults(door, number);
+            if (attempt.mHasFailed) {
+                EXPECT_EQ(0, FoundationLifecycle().mCount);
+                failedInTheLastStep += MemoryRecycler::Instance() ? 1 : 0;
+                if (ThreadHasARecord()) { // the finished steps stay done, and this one refuses to be done twice
+                    EXPECT_EQ("\"An input contract violation has occurred!\" [ID 25, Package 105, Level 0]",
+                              SecondStartThrows());
+                }
+                ThreadManager::UnregisterMainThread();
+                Foundation::Initialize();
+            }
+            EXPECT_EQ(1, FoundationLifecycle().mCount);
+            EXPECT_TRUE(MemoryRecycler::Instance());
+            EXPECT_TRUE(ThreadHasARecord());
+            Foundation::Terminate();
+            EXPECT_FALSE(MemoryRecycler::Instance());
+        }
+    }
+    EXPECT_GE(failedInTheLastStep, 1u);
+}
