@@ -10,6 +10,8 @@ include(GNUInstallDirs)
 function(orl_library name)
   cmake_parse_arguments(arg "" "ROOT;HEADERS;PRIVATE_HEADERS;SOURCES" "LINK_PUBLIC;LINK_PRIVATE" ${ARGN})
   set(root "${CMAKE_CURRENT_SOURCE_DIR}/${arg_ROOT}")
+  cmake_path(NORMAL_PATH root) # checks in headers name them by this path
+  string(REGEX REPLACE "/$" "" root "${root}")
   set(headers "${root}/Inc")
   set(sources "${root}/Src")
   if(arg_HEADERS)

@@ -21,6 +21,7 @@ struct Host
     void Example();
 
     UTF16String path;
+    UTF16String name;
     char buffer[65536];
     unsigned int count;
     ORL::WaitableGate* gate;

@@ -8,6 +8,7 @@
 #include "TouchObjects.h"
 #include "TouchSiblings.h"
 #include "TouchStrings.h"
+#include "TouchSystem.h"
 #include "TouchThreads.h"
 
 #include <iostream>
@@ -21,6 +22,7 @@ int main()
     Consumer::TouchStrings();
     Consumer::TouchThreads();
     Consumer::TouchFiles();
+    Consumer::TouchSystem();
     Consumer::TouchMedia();
     Consumer::TouchFoundation();
     Consumer::TouchSiblings();
