@@ -1,9 +1,9 @@
 // Floor: System
 // Executable modules and their resources.
 //
-//   ObjectPtr<Module> plugIn;
-//   if (ResultSucceeded(Module::Load(path, plugIn))) {
-//       const UTF16String title = LoadStringW(*plugIn, 100);
+//   ORL::ObjectPtr<ORL::Module> plugIn;
+//   if (ORL::ResultSucceeded(ORL::Module::Load(path, plugIn))) {
+//       const UTF16String title = ORL::LoadStringW(*plugIn, 100);
 //   }
 //
 // Linux: a module is a shared object. Its resources are those that the CMake function orl_target_resources put into it;

@@ -4,12 +4,16 @@
 #include <ORLFoundation.h>
 #include <tvxcore/Trace.h>
 
+#include <csignal>
 #include <iostream>
+#include <unistd.h>
 #include <vector>
 
 struct Picture
 {
 };
+
+inline int sReportPipe;
 
 inline void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void*, void*,
                    void*, int)

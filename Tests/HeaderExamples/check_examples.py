@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Compiles the examples in the comments of the public headers: check_examples.py COMPILER BUILD_INCLUDE_DIR
 
-An example is what stands three blanks behind the slashes and has a line that ends a statement or opens a block. A host
-copies it as it is, so it names everything in full; what it takes for granted (a path, a buffer) is in Surroundings.h.
+An example is what stands three blanks behind the slashes and has a line that ends a statement or opens a block. It
+compiles as it stands in a host that uses namespace ORL; what it takes for granted (a path, a buffer) is in
+Surroundings.h.
 """
 import re
 import subprocess
@@ -41,6 +42,11 @@ def examples(path):
             block = []
 
 
+def is_function(code):
+    """Whether the example is the definition of a function."""
+    return len(code) > 1 and code[0].endswith(")") and code[1].strip() == "{"
+
+
 def program(found):
     """One program of all: each example is a function of a host of its own."""
     headers = sorted({path.relative_to(root).as_posix() for path, _, _ in found
@@ -48,8 +54,11 @@ def program(found):
     text = "".join(f"#include <{header}>\n" for header in headers) + f'#include "{HERE}/Surroundings.h"\n'
     for number, (path, line, code) in enumerate(found):
         body = "\n".join("" if part.strip() == "..." else part for part in code)
-        text += f"struct Host{number} : Host {{ void Example(); }};\nvoid Host{number}::Example()\n{{\n"
-        text += f'#line {line} "{path}"\n{body}\n}}\n'
+        if is_function(code):
+            text += f'namespace Example{number} {{\nusing namespace ORL;\n#line {line} "{path}"\n{body}\n}}\n'
+        else:
+            text += f"struct Host{number} : Host {{ void Example(); }};\nvoid Host{number}::Example()\n{{\n"
+            text += f'using namespace ORL;\n#line {line} "{path}"\n{body}\n}}\n'
     return text
 
 

@@ -52,7 +52,8 @@ inline void TouchErrorManager()
     const tvxcore::config::ReplacementValue none;
     ThrowAndCatch<TVXException>(tvxcore::config::kErrorLevel_Error, "$$$/a=b", 1ul, 2l, none, none, none, none);
     manager.ThrowError(tvxcore::config::kErrorLevel_Warning, "$$$/a=b", 1, 2, true, none, none, none, none);
-    Touch(&TVXErrorManager::ExecuteFunctionWithTopLevelExceptionHandler, &ThrowAfterUnhandledExceptionAlert);
+    Touch(&TVXErrorManager::ExecuteFunctionWithTopLevelExceptionHandler, &ThrowAfterUnhandledExceptionAlert,
+          Win32ErrorCodeToMessage(2), Win32ExceptionCodeToString(0), &ReportStructuredExceptionRecordInformation);
 }
 
 inline void TouchLocks()

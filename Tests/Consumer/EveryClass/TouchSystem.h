@@ -53,8 +53,55 @@ inline void TouchRegistryStore()
           &RegistryStore::GetValue, &RegistryStore::Apply, &RegistryStore::Check, &RegistryStore::GetState);
 }
 
+class HostsApplication : public ORL::Application
+{
+public:
+    using Application::Application;
+    int Run() override { return 0; }
+};
+
+inline void TouchModules()
+{
+    using namespace ORL;
+    ObjectPtr<Module, AtomicValue> module;
+    Touch(Module::Load(MakeString("C:\\a module that is not there"), module), &Module::Create, &Module::GetNativeModule,
+          &Module::GetPath, &Module::GetProcAddress, GetLibraryModule(), &GetResourceModule, &SetResourceModule,
+          &GetResourceCollection, MakeResourceID(17));
+    DirectoryRegistry::RegisterDirectory(MakeString("C:\\Data"), MakeString("Consumer"));
+    Touch(DirectoryRegistry::FindDirectory(MakeString("Consumer")), &DirectoryRegistry::RegisterDirectories);
+    DirectoryRegistry::UnregisterDirectory(MakeString("Consumer"));
+    HostsApplication application(module, module, UTF16String(), 0);
+    application.Idle();
+    Touch(Application::Instance(), &Application::GetApplicationFilePath);
+    if (IsWanted()) {
+        const ResourceCollection& resources = GetResourceCollection();
+        UTF16String text;
+        std::string narrow;
+        int size = 0;
+        Touch(LoadStringW(resources, 1), LoadStringW(resources, 1, text), LoadStdString(resources, 1),
+              LoadStdString(resources, 1, narrow), resources.LoadResource(1, text, size), resources.LoadMenuW(1));
+        resources.ReleaseResource(resources.LoadCursorW(1));
+    }
+}
+
+// On Windows the system itself has these.
+inline void TouchWhatWindowsHas()
+{
+#if !defined(_WIN32)
+    using namespace ORL;
+    const Resources::Linux::MenuItem item{};
+    const Resources::Linux::CursorPicture picture{};
+    const _EXCEPTION_RECORD record{};
+    Touch(item, picture, ReportStructuredExceptionRecordInformation(&record), &Linux::MakeExceptionRecord,
+          &Resources::Linux::ModuleOfAddress, &Resources::Linux::GetMenuItemCount, &Resources::Linux::GetMenuItem,
+          &Resources::Linux::DestroyMenu, &Resources::Linux::GetCursorPicture);
+#endif
+}
+
 inline void TouchSystem()
 {
+    TouchModules();
+    TouchWhatWindowsHas();
     TouchRegistry();
     TouchRegistryStore();
 }
