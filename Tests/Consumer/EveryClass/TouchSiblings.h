@@ -12,6 +12,7 @@
 #include <tvxcore/Guid.h>
 #include <tvxcore/Localizer.h>
 #include <tvxcore/Number.h>
+#include <tvxcore/NumberPunctuation.h>
 #include <tvxcore/SmallBlockAllocator.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/SystemInfo.h>
@@ -103,6 +104,13 @@ inline void TouchTexts()
           std::use_facet<std::numpunct<unsigned short>>(locale).decimal_point());
 }
 
+inline void TouchNumbers()
+{
+    using namespace tvxcore::utility;
+    NumberPunctuation punctuation;
+    Touch(FindNumberPunctuation("de_DE", punctuation), UserNumberPunctuation());
+}
+
 inline void TouchSmallBlocks()
 {
     using tvxcore::utility::SmallBlockAllocator;
@@ -121,6 +129,7 @@ inline void TouchSiblings()
     TouchDialogsAndTrace();
     TouchExecutors();
     TouchTexts();
+    TouchNumbers();
     TouchSmallBlocks();
 }
 
