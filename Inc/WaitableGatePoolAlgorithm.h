@@ -72,6 +72,20 @@ public:
         }
     }
 
+    /// Destroys the idle gates, unless another thread is at work in the pool, and leaves the pool in order.
+    void TryDestroyIdleGates()
+    {
+        const typename Policy::TryLockScope lock(mLock);
+        if (!lock.IsLocked()) {
+            return;
+        }
+        Gates& gates = Policy::Write(mGates);
+        for (Gate* gate : gates) {
+            Policy::Delete(gate);
+        }
+        gates.clear();
+    }
+
     /// How many gates are idle now.
     std::size_t CountIdleGates() const
     {

@@ -1,7 +1,10 @@
 #include <CRV/Application.h>
 
 #include <atomic>
-#include <string>
+#include <cstddef>
+#include <cstring>
+#include <new>
+#include <type_traits>
 
 namespace CRV {
 
@@ -10,26 +13,43 @@ namespace {
 constexpr char kDefaultName[] = "ORL";
 constexpr char kDefaultVersion[] = "1.0";
 
+// Memory of the library itself, so it needs no release when the library is unloaded. What does not fit is taken from the heap
+// and never freed, since a text that was handed out may be in use on a thread until the process ends.
+class TextRoom
+{
+public:
+    // Throws std::bad_alloc.
+    void* Allocate(std::size_t inSize)
+    {
+        const std::size_t size = (inSize + kAlignment - 1) / kAlignment * kAlignment;
+        std::size_t used = mUsed.load(std::memory_order_relaxed);
+        while (size <= kSize - used) {
+            if (mUsed.compare_exchange_weak(used, used + size, std::memory_order_relaxed)) {
+                return mBytes + used;
+            }
+        }
+        return ::operator new(inSize);
+    }
+
+private:
+    static constexpr std::size_t kSize = 4096;
+    static constexpr std::size_t kAlignment = alignof(void*);
+
+    std::atomic<std::size_t> mUsed{0};
+    alignas(kAlignment) unsigned char mBytes[kSize] = {};
+};
+
+TextRoom sRoom;
+
 // One value that is read without a lock, and every text that it ever was: readers may hold any of them. It is
-// constant-initialised, so a host may set it before our own static construction has run.
+// constant-initialised, so a host may set it before our own static construction has run, and has no destructor, so threads may
+// read it until the process ends.
 class HostText
 {
 public:
     constexpr explicit HostText(const char* inDefault) noexcept
         : mDefault(inDefault), mCurrent(inDefault)
     {
-    }
-
-    // Whoever asks after the texts are gone gets the default.
-    ~HostText()
-    {
-        mCurrent.store(mDefault, std::memory_order_release);
-        const Node* node = mTexts.exchange(nullptr, std::memory_order_acquire);
-        while (node != nullptr) {
-            const Node* const next = node->mNext;
-            delete node;
-            node = next;
-        }
     }
 
     HostText(const HostText&) = delete;
@@ -43,32 +63,38 @@ public:
     }
 
 private:
+    // The text stands behind it in the same block.
     struct Node
     {
         const Node* mNext;
-        const std::string mText;
+
+        const char* Text() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     };
 
-    // Nodes are only ever added while anybody may look, so no lock is needed; two threads that set the same new text
-    // at once keep it twice.
+    // Nodes are only ever added, so no lock is needed; two threads that set the same new text at once keep it twice.
     const char* Keep(const char* inText)
     {
         const Node* const newest = mTexts.load(std::memory_order_acquire);
         for (const Node* node = newest; node != nullptr; node = node->mNext) {
-            if (node->mText == inText) {
-                return node->mText.c_str();
+            if (std::strcmp(node->Text(), inText) == 0) {
+                return node->Text();
             }
         }
-        Node* const node = new Node{newest, inText};
+        const std::size_t size = std::strlen(inText) + 1;
+        void* const block = sRoom.Allocate(sizeof(Node) + size);
+        std::memcpy(static_cast<unsigned char*>(block) + sizeof(Node), inText, size);
+        Node* const node = ::new (block) Node{newest};
         while (!mTexts.compare_exchange_weak(node->mNext, node, std::memory_order_acq_rel)) {
         }
-        return node->mText.c_str();
+        return node->Text();
     }
 
     const char* const mDefault;
     std::atomic<const char*> mCurrent;
     std::atomic<const Node*> mTexts{nullptr};
 };
+
+static_assert(std::is_trivially_destructible_v<HostText> && std::is_trivially_destructible_v<TextRoom>);
 
 HostText sName{kDefaultName};
 HostText sVersion{kDefaultVersion};

@@ -11,7 +11,8 @@
 //                         without the lock
 //   Mutex, MutexLock      a lock that can be slept under, and its scope; MutexLock can be unlocked and locked again
 //   Condition             where threads sleep: SleepOn, SleepOnFor, NotifyAll
-//   Lock, LockScope       the recursive lock of everything else, and its scope
+//   Lock, LockScope       the recursive lock of everything else, and its scope; TryLockScope takes it only if that needs no
+//                         waiting
 //   New, Delete           objects
 //   StlAllocator<T>       where containers take their memory
 //   Pause, SpinTurns      the wait of a thread that expects its event at once: how many turns it looks on, and what it does in
@@ -97,6 +98,7 @@ struct SystemPolicy
 
     using Lock = CriticalSection;
     using LockScope = CriticalSectionLock;
+    using TryLockScope = CriticalSectionTryLock;
 
     template <class T>
     static T* New()

@@ -2,15 +2,16 @@
 
 #include "PathParts.h"
 
+#include <ExportedText.h>
 #include <ORLDebug.h>
 #include <algorithm>
 
 namespace ORL {
 namespace PathUtils {
 
-const UTF16String kPathSeparator(TVX_UTF16("\\"));
-const UTF16String kExtension(TVX_UTF16("."));
-const UTF16String kIllegalFilenameCharactersDisplay(TVX_UTF16("\\ / : * ? \" < > |"));
+ORL_EXPORTED_TEXT(kPathSeparator, "_ZN3ORL9PathUtils14kPathSeparator", "\\");
+ORL_EXPORTED_TEXT(kExtension, "_ZN3ORL9PathUtils10kExtension", ".");
+ORL_EXPORTED_TEXT(kIllegalFilenameCharactersDisplay, "_ZN3ORL9PathUtils33kIllegalFilenameCharactersDisplay", "\\ / : * ? \" < > |");
 
 namespace {
 

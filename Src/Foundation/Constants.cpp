@@ -1,41 +1,39 @@
 // Here the constants of the public headers become symbols of the library.
 #define ORL_CONSTANTS_EMIT
 
+#include <ExportedText.h>
 #include <ORLConstants.h>
 #include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
 #include <PropertyKeys.h>
 
-// Built before every other object of the library that does not ask for the same, whatever source it stands in.
-#define ORL_BUILT_FIRST __attribute__((init_priority(101)))
-
 namespace ORL {
 
-ORL_BUILT_FIRST const UTF16String kResType_ColorTable = TVX_UTF16("ORLCOLORTABLE");
-ORL_BUILT_FIRST const UTF16String kResType_FontTable = TVX_UTF16("ORLFONTTABLE");
-ORL_BUILT_FIRST const UTF16String kResType_BrushTable = TVX_UTF16("ORLBRUSHTABLE");
-ORL_BUILT_FIRST const UTF16String kResType_PenTable = TVX_UTF16("ORLPENTABLE");
-ORL_BUILT_FIRST const UTF16String kResType_DirectoryTable = TVX_UTF16("ORLDIRECTORYTABLE");
+ORL_EXPORTED_TEXT(kResType_ColorTable, "_ZN3ORL19kResType_ColorTable", "ORLCOLORTABLE");
+ORL_EXPORTED_TEXT(kResType_FontTable, "_ZN3ORL18kResType_FontTable", "ORLFONTTABLE");
+ORL_EXPORTED_TEXT(kResType_BrushTable, "_ZN3ORL19kResType_BrushTable", "ORLBRUSHTABLE");
+ORL_EXPORTED_TEXT(kResType_PenTable, "_ZN3ORL17kResType_PenTable", "ORLPENTABLE");
+ORL_EXPORTED_TEXT(kResType_DirectoryTable, "_ZN3ORL23kResType_DirectoryTable", "ORLDIRECTORYTABLE");
 
-ORL_BUILT_FIRST const UTF16String kPropertyKey_FrameRate = TVX_UTF16("BE.FrameRate");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_SampleRate = TVX_UTF16("BE.FrameRate [Audio Sample Rate]");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemCount = TVX_UTF16("item.count");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemName = TVX_UTF16("item.name");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemType = TVX_UTF16("item.type");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemHasVideo = TVX_UTF16("item.has.video");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemHasAudio = TVX_UTF16("item.has.audio");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ItemDuration = TVX_UTF16("item.duration");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_InPoint = TVX_UTF16("in.point");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_OutPoint = TVX_UTF16("out.point");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_AudioDisplay = TVX_UTF16("audio.display");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_WorkInPoint = TVX_UTF16("workin.point");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_WorkOutPoint = TVX_UTF16("workout.point");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_FrameSize = TVX_UTF16("frame.size");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_AspectRatio = TVX_UTF16("aspect.ratio");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_HasAlpha = TVX_UTF16("has.alpha");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_SampleSize = TVX_UTF16("sample.size");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_ChannelType = TVX_UTF16("channel.type");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_AudioTrackCount = TVX_UTF16("audio.track.count");
-ORL_BUILT_FIRST const UTF16String kPropertyKey_WorkBarAdjusted = TVX_UTF16("workbar.adjusted");
+ORL_EXPORTED_TEXT(kPropertyKey_FrameRate, "_ZN3ORL22kPropertyKey_FrameRate", "BE.FrameRate");
+ORL_EXPORTED_TEXT(kPropertyKey_SampleRate, "_ZN3ORL23kPropertyKey_SampleRate", "BE.FrameRate [Audio Sample Rate]");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemCount, "_ZN3ORL22kPropertyKey_ItemCount", "item.count");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemName, "_ZN3ORL21kPropertyKey_ItemName", "item.name");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemType, "_ZN3ORL21kPropertyKey_ItemType", "item.type");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemHasVideo, "_ZN3ORL25kPropertyKey_ItemHasVideo", "item.has.video");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemHasAudio, "_ZN3ORL25kPropertyKey_ItemHasAudio", "item.has.audio");
+ORL_EXPORTED_TEXT(kPropertyKey_ItemDuration, "_ZN3ORL25kPropertyKey_ItemDuration", "item.duration");
+ORL_EXPORTED_TEXT(kPropertyKey_InPoint, "_ZN3ORL20kPropertyKey_InPoint", "in.point");
+ORL_EXPORTED_TEXT(kPropertyKey_OutPoint, "_ZN3ORL21kPropertyKey_OutPoint", "out.point");
+ORL_EXPORTED_TEXT(kPropertyKey_AudioDisplay, "_ZN3ORL25kPropertyKey_AudioDisplay", "audio.display");
+ORL_EXPORTED_TEXT(kPropertyKey_WorkInPoint, "_ZN3ORL24kPropertyKey_WorkInPoint", "workin.point");
+ORL_EXPORTED_TEXT(kPropertyKey_WorkOutPoint, "_ZN3ORL25kPropertyKey_WorkOutPoint", "workout.point");
+ORL_EXPORTED_TEXT(kPropertyKey_FrameSize, "_ZN3ORL22kPropertyKey_FrameSize", "frame.size");
+ORL_EXPORTED_TEXT(kPropertyKey_AspectRatio, "_ZN3ORL24kPropertyKey_AspectRatio", "aspect.ratio");
+ORL_EXPORTED_TEXT(kPropertyKey_HasAlpha, "_ZN3ORL21kPropertyKey_HasAlpha", "has.alpha");
+ORL_EXPORTED_TEXT(kPropertyKey_SampleSize, "_ZN3ORL23kPropertyKey_SampleSize", "sample.size");
+ORL_EXPORTED_TEXT(kPropertyKey_ChannelType, "_ZN3ORL24kPropertyKey_ChannelType", "channel.type");
+ORL_EXPORTED_TEXT(kPropertyKey_AudioTrackCount, "_ZN3ORL28kPropertyKey_AudioTrackCount", "audio.track.count");
+ORL_PRIVATE_TEXT(kPropertyKey_WorkBarAdjusted, "_ZN3ORL28kPropertyKey_WorkBarAdjusted", "workbar.adjusted");
 
 } // namespace ORL

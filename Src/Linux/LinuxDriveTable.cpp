@@ -1,5 +1,7 @@
 #include "LinuxDriveTable.h"
 
+#include <UntilUnload.h>
+
 #include <algorithm>
 
 namespace ORL {
@@ -10,7 +12,7 @@ namespace {
 using namespace SystemErrors;
 
 // At namespace scope, and made without memory: it is there before the first static of a host and after the last.
-DriveTable sDriveTable;
+UntilUnload<DriveTable> sDriveTable;
 
 std::size_t IndexOf(unsigned inLetter) noexcept
 {
@@ -47,7 +49,7 @@ UTF16String DriveOfIndex(std::size_t inIndex)
 
 DriveTable& TheDriveTable() noexcept
 {
-    return sDriveTable;
+    return sDriveTable.Get();
 }
 
 DriveTable::DriveTable() noexcept

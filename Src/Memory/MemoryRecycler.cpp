@@ -1,6 +1,7 @@
 #include <ORLMemoryRecycler.h>
 
 #include <BadAllocation.h>
+#include <Immortal.h>
 #include <MemoryBufferSizes.h>
 #include <MemoryRecyclerLifecycle.h>
 #include <tvxcore/ErrorManager.h>
@@ -14,8 +15,9 @@ namespace {
 constexpr std::size_t kDefaultLimit = 50000000;
 constexpr std::size_t kMostSpareNodes = 16;
 
-// Changed under the foundation lock alone.
-ObjectPtr<MemoryRecycler, AtomicValue> sMemoryRecycler;
+// Changed under the foundation lock alone. A host that ends without stopping the library may have threads that use it to the
+// end.
+Immortal<ObjectPtr<MemoryRecycler, AtomicValue>> sMemoryRecycler;
 
 // True when the host has made room and wants another try.
 bool HostWantsAnotherTry(std::size_t inSize)
@@ -28,13 +30,13 @@ bool HostWantsAnotherTry(std::size_t inSize)
 
 void CreateMemoryRecycler()
 {
-    sMemoryRecycler = ObjectPtr<MemoryRecycler, AtomicValue>(new MemoryRecycler);
+    sMemoryRecycler.mValue = ObjectPtr<MemoryRecycler, AtomicValue>(new MemoryRecycler);
 }
 
 void DropMemoryRecycler()
 {
     ObjectPtr<MemoryRecycler, AtomicValue> dropped;
-    dropped.Swap(sMemoryRecycler);
+    dropped.Swap(sMemoryRecycler.mValue);
 }
 
 MemoryRecycler::MemoryRecycler() : mCurrentSize(0), mMaxSize(kDefaultLimit) {}
@@ -46,7 +48,7 @@ MemoryRecycler::~MemoryRecycler()
 
 ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
 {
-    return sMemoryRecycler;
+    return sMemoryRecycler.mValue;
 }
 
 // The helpers are inline, since a call through the table of exported symbols costs a hit as much as all they do.

@@ -3,6 +3,7 @@
 #include <ClassCategories.h>
 #include <ORLDebug.h>
 #include <ORLException.h>
+#include <UntilUnload.h>
 
 #include <map>
 #include <unordered_map>
@@ -28,20 +29,20 @@ using CategoryMap = std::map<Guid, std::vector<Guid>>;
 
 ClassMap& Classes()
 {
-    static ClassMap classes;
-    return classes;
+    static UntilUnload<ClassMap> classes;
+    return classes.Get();
 }
 
 ClassIndex& Index()
 {
-    static ClassIndex index;
-    return index;
+    static UntilUnload<ClassIndex> index;
+    return index.Get();
 }
 
 CategoryMap& Categories()
 {
-    static CategoryMap categories;
-    return categories;
+    static UntilUnload<CategoryMap> categories;
+    return categories.Get();
 }
 
 bool sWarnAboutUnregisteredClasses = true;

@@ -2,6 +2,7 @@
 
 #include <LocaleInternals.h>
 #include <ORLString.h>
+#include <UntilUnload.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/UTF16Facets.h>
 
@@ -18,7 +19,7 @@ namespace {
 
 using Units = std::basic_string<unsigned short>;
 
-const std::locale sNativeLocale = MakeLocale("");
+const UntilUnload<std::locale> sNativeLocale(MakeLocale(""));
 
 bool IsDigit(unsigned short inUnit)
 {
@@ -102,13 +103,13 @@ double ReadClassically(const UTF16String& inText)
 
 const std::locale& Native()
 {
-    return sNativeLocale;
+    return sNativeLocale.Get();
 }
 
 const std::locale& Default()
 {
-    static const std::locale sDefaultLocale = std::locale::classic();
-    return sDefaultLocale;
+    static const UntilUnload<std::locale> sDefaultLocale(std::locale::classic());
+    return sDefaultLocale.Get();
 }
 
 void Initialize()

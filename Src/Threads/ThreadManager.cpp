@@ -3,6 +3,7 @@
 #include <ORLDebug.h>
 #include <ORLString.h>
 #include <Platform/ThreadManager.h>
+#include <UntilUnload.h>
 #include <tvxcore/Executor.h>
 #include <tvxcore/Trace.h>
 
@@ -46,7 +47,7 @@ std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
 std::atomic<bool> sInfoIndexAllocated{false};
 ThreadInfo* sMainThreadInfo = nullptr;
 
-ThreadInfo sUnnamedThreadInfo(ConstString("Unnamed Thread"), ConstString("Unnamed Module"), false);
+UntilUnload<ThreadInfo> sUnnamedThreadInfo(ConstString("Unnamed Thread"), ConstString("Unnamed Module"), false);
 
 std::uint32_t InfoIndex()
 {
@@ -194,7 +195,7 @@ void UnregisterThread()
 ThreadInfo* GetCurrentThreadInfo()
 {
     ThreadInfo* const info = Platform::GetCurrentThreadInfo();
-    return info != nullptr ? info : &Platform::sUnnamedThreadInfo;
+    return info != nullptr ? info : &Platform::sUnnamedThreadInfo.Get();
 }
 
 bool CurrentThreadIsMainThread()

@@ -1,6 +1,8 @@
 #include <ORLWaitableGate.h>
 
+#include <UntilUnload.h>
 #include <WaitableGatePoolAlgorithm.h>
+#include <tvxcore/Unload.h>
 
 #include <boost/thread/once.hpp>
 
@@ -13,9 +15,23 @@ using Pool = Sync::WaitableGatePoolAlgorithm<Sync::SystemPolicy>;
 
 boost::once_flag sPoolOnce = BOOST_ONCE_INIT;
 
+// At the end of the process idle gates go, but the pool stays for threads that nobody has stopped.
+struct ExitAction
+{
+    ~ExitAction()
+    {
+        if (!tvxcore::utility::AreOtherThreadsStopped()) {
+            mPool.TryDestroyIdleGates();
+        }
+    }
+
+    Pool& mPool;
+};
+
 void BuildPool()
 {
-    static Pool pool;
+    static UntilUnload<Pool> pool;
+    static const ExitAction exitAction{pool.Get()};
 }
 
 } // namespace

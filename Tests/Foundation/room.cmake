@@ -9,6 +9,10 @@ add_executable(handles_at_exit_host Foundation/HandlesAtExitHost.cpp)
 target_link_libraries(handles_at_exit_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} handles_at_exit_host)
 
+add_executable(services_at_exit_host Foundation/AtExit/ServicesAtExitHost.cpp Foundation/AtExit/ServicesAtExit${ORL_PLATFORM}.cpp)
+target_link_libraries(services_at_exit_host PRIVATE ORLFoundation orl_strict)
+add_dependencies(${room_target} services_at_exit_host)
+
 # A host that is not linked to the library, but loads and unloads it, by itself and with a plug-in over it.
 add_executable(load_unload_host Foundation/LoadUnloadHost.cpp Foundation/LoadUnloadHost${ORL_PLATFORM}.cpp)
 target_link_libraries(load_unload_host PRIVATE orl_strict ${CMAKE_DL_LIBS} Threads::Threads)

@@ -1,6 +1,7 @@
 #include <tvxcore/Trace.h>
 
 #include <CoreMutex.h>
+#include <CorePlatform/SmallBlockSystem.h>
 #include <StandardError.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
@@ -58,13 +59,16 @@ void ForgetCategories()
     }
 }
 
-// The library may be unloaded by a host that never shut the trace down.
+// The library may be unloaded by a host that never shut the trace down. At the end of the process the levels stay: threads may
+// still trace.
 struct AtUnload
 {
     ~AtUnload()
     {
-        const Lock lock(sMutex);
-        ForgetCategories();
+        if (utility::Platform::IsUnloading_Impl()) {
+            const Lock lock(sMutex);
+            ForgetCategories();
+        }
     }
 } sAtUnload;
 

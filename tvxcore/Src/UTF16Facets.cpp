@@ -1,5 +1,7 @@
 #include <tvxcore/UTF16Facets.h>
 
+#include <CorePlatform/SmallBlockSystem.h>
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -220,13 +222,21 @@ std::locale Build(const std::locale& inBase)
     return WithFacet<std::num_get<Unit>, std::num_get<Unit>>(built);
 }
 
-// Nearly every stream runs under the classic locale, and building one costs more than a short text. A stream that is
-// made after this object's end, by some other static's destructor, builds its own.
+// Nearly every stream runs under the classic locale, and building one costs more than a short text. At the end of the process
+// it stays, since threads may be copying it. When the library is unloaded it goes; a stream that is made after that, by some
+// other static's destructor, builds its own.
 class ClassicLocale
 {
 public:
     ClassicLocale() : mLocale(Build(std::locale::classic())) {}
-    ~ClassicLocale() { sGone.store(true, std::memory_order_relaxed); }
+
+    ~ClassicLocale()
+    {
+        if (Platform::IsUnloading_Impl()) {
+            sGone.store(true, std::memory_order_relaxed);
+            mLocale.~locale();
+        }
+    }
 
     static std::locale Get()
     {
@@ -239,7 +249,11 @@ public:
 
 private:
     static std::atomic<bool> sGone;
-    const std::locale mLocale;
+
+    union
+    {
+        const std::locale mLocale;
+    };
 };
 
 std::atomic<bool> ClassicLocale::sGone{false};

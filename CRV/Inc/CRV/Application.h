@@ -23,7 +23,8 @@ CRV_API const char* GetApplicationVersion() noexcept;
 CRV_API ApplicationType GetApplicationType() noexcept;
 
 /// Set what the functions above answer. The text is UTF-8 and is copied; null brings the default back. Hosts do this
-/// once, before ORL::Foundation::Initialize. Each different text costs its memory until the library is unloaded.
+/// once, before ORL::Foundation::Initialize. Each different text keeps its memory: the first 4096 bytes of them are part of the
+/// library, the rest is never freed.
 /// Throws std::bad_alloc when memory is out; nothing has changed then.
 CRV_API void SetApplicationName(const char* inName);
 CRV_API void SetApplicationVersion(const char* inVersion);

@@ -27,8 +27,8 @@ void ForgetThreadEnds_Impl() noexcept;
 /// are not forked.
 void WatchForks_Impl(void (*inBefore)(), void (*inAfter)()) noexcept;
 
-/// True while this library is taken out of a process that goes on without it. Meant to be asked by the last of our
-/// static destructors: these run at the end of the process too, where other threads may still use the library.
+/// True while this library is unloaded from a process that goes on without it. For our static destructors: these run at the
+/// end of the process too, where other threads may still use the library.
 bool IsUnloading_Impl() noexcept;
 
 } // namespace Platform

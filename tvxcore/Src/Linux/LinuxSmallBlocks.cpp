@@ -2,10 +2,10 @@
 
 #include <SmallBlocks/CachePool.h>
 #include <tvxcore/SmallBlockAllocator.h>
+#include <tvxcore/Unload.h>
 
 #include <cerrno>
 #include <cstdint>
-#include <dlfcn.h>
 #include <pthread.h>
 #include <sys/mman.h>
 
@@ -100,31 +100,14 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
-// One that came with the program is never unloaded, and sees that order at the end of the process. The program's scope
-// holds it, and what was loaded into that scope for all to see: that is taken for the program's too, and keeps its
-// pages.
-bool CameWithTheProgram() noexcept
-{
-    Dl_info here;
-    const auto exported = reinterpret_cast<void*>(&SmallBlockAllocator::Metrics::GetSnapshot);
-    if (::dladdr(exported, &here) == 0 || here.dli_sname == nullptr) {
-        return true;
-    }
-    void* const program = ::dlopen(nullptr, RTLD_LAZY);
-    const bool isInItsScope = program == nullptr || ::dlsym(program, here.dli_sname) == here.dli_saddr;
-    if (program != nullptr) {
-        ::dlclose(program);
-    }
-    return isInItsScope;
-}
-
-const bool sCameWithTheProgram = CameWithTheProgram();
+// One that came with the program is never unloaded, and sees that order at the end of the process.
+const bool sBelongsToProgram = BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
 
 } // namespace
 
 bool IsUnloading_Impl() noexcept
 {
-    return sEndingFunctionRan && !sCameWithTheProgram;
+    return sEndingFunctionRan && !sBelongsToProgram;
 }
 
 } // namespace Platform

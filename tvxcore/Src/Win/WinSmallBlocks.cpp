@@ -2,7 +2,7 @@
 
 #include <SmallBlocks/CurrentCache.h>
 
-#include <CorePlatform/Thread.h>
+#include <tvxcore/Unload.h>
 
 #include <cstdint>
 #include <windows.h>
@@ -59,14 +59,6 @@ void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
     return nullptr;
 }
 
-bool IsInProgram() noexcept
-{
-    HMODULE module = nullptr;
-    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                         reinterpret_cast<LPCWSTR>(&OnThreadNotice), &module);
-    return module == ::GetModuleHandleW(nullptr);
-}
-
 } // namespace
 
 void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept
@@ -105,7 +97,7 @@ void WatchForks_Impl(void (*)(), void (*)()) noexcept {}
 // A program is never unloaded.
 bool IsUnloading_Impl() noexcept
 {
-    return !IsInProgram() && !threads::Platform::ProcessIsEnding_Impl();
+    return !BelongsToProgram(reinterpret_cast<const void*>(&OnThreadNotice)) && !AreOtherThreadsStopped();
 }
 
 } // namespace Platform

@@ -1,0 +1,42 @@
+// Floor: Core
+// A static object that the end of the process leaves alone.
+#pragma once
+
+#include <Platform/Unload.h>
+
+#include <utility>
+
+namespace ORL {
+
+/// Destroys its value when the library is unloaded, and keeps it at the end of the process: threads that a host has not stopped
+/// by then go on using it. Only for objects of static life. The value stands at the address of the object.
+template <class T>
+class UntilUnload
+{
+public:
+    template <class... Arguments>
+    explicit constexpr UntilUnload(Arguments&&... inArguments) : mValue(std::forward<Arguments>(inArguments)...)
+    {
+    }
+
+    ~UntilUnload()
+    {
+        if (Unload::Platform::IsUnloading_Impl()) {
+            mValue.~T();
+        }
+    }
+
+    UntilUnload(const UntilUnload&) = delete;
+    UntilUnload& operator=(const UntilUnload&) = delete;
+
+    constexpr T& Get() { return mValue; }
+    constexpr const T& Get() const { return mValue; }
+
+private:
+    union
+    {
+        T mValue;
+    };
+};
+
+} // namespace ORL

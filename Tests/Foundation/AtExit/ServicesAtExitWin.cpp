@@ -1,0 +1,3 @@
+#include "ServicesAtExitHost.h"
+
+void AtExit::GoOnAfterEveryLibrary() {}

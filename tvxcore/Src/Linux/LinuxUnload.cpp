@@ -1,0 +1,29 @@
+#include <tvxcore/Unload.h>
+
+#include <dlfcn.h>
+
+namespace tvxcore {
+namespace utility {
+
+// The program's scope holds what came with it, and what was loaded into that scope for all to see.
+bool BelongsToProgram(const void* inExported) noexcept
+{
+    Dl_info exported;
+    if (::dladdr(inExported, &exported) == 0 || exported.dli_sname == nullptr) {
+        return true;
+    }
+    void* const program = ::dlopen(nullptr, RTLD_LAZY);
+    const bool isInItsScope = program == nullptr || ::dlsym(program, exported.dli_sname) == exported.dli_saddr;
+    if (program != nullptr) {
+        ::dlclose(program);
+    }
+    return isInItsScope;
+}
+
+bool AreOtherThreadsStopped() noexcept
+{
+    return false;
+}
+
+} // namespace utility
+} // namespace tvxcore
