@@ -1,6 +1,7 @@
 #include <HomePathText.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <tvxcore/Text.h>
 #include <utility>
 #include <vector>
@@ -152,14 +153,25 @@ bool IsRoot(const UTF16String& inPath) noexcept
 
 namespace {
 
+// An empty name and dots name no share.
+bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEnd) noexcept
+{
+    return inEnd - inFrom > 2
+           || !std::all_of(inPath.begin() + static_cast<std::ptrdiff_t>(inFrom),
+                           inPath.begin() + static_cast<std::ptrdiff_t>(inEnd), [](Unit inUnit) { return inUnit == '.'; });
+}
+
 // The length of the part that ".." cannot take away, its backslash included: "X:\", "\\server\share\", "\".
 std::size_t RootLength(const UTF16String& inPath)
 {
     if (IsUNC(inPath)) {
         const std::size_t behindServer = inPath.find('\\', 2);
-        const std::size_t behindShare =
-            behindServer == UTF16String::npos ? behindServer : inPath.find('\\', behindServer + 1);
-        return behindShare == UTF16String::npos ? inPath.size() : behindShare + 1;
+        if (behindServer == UTF16String::npos) {
+            return inPath.size();
+        }
+        const std::size_t shareEnd = std::min(inPath.find('\\', behindServer + 1), inPath.size());
+        return IsShareName(inPath, behindServer + 1, shareEnd) ? std::min(shareEnd + 1, inPath.size())
+                                                               : behindServer + 1;
     }
     const std::size_t drive = HasDrive(inPath) ? 2 : 0;
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);

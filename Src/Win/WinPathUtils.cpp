@@ -2,11 +2,13 @@
 
 #include "WinText.h"
 
+#include <HomePathText.h>
 #include <shlobj.h>
 #include <shlwapi.h>
 #include <windows.h>
 
 #include <stdlib.h>
+#include <utility>
 
 namespace ORL {
 namespace PathUtils {
@@ -157,12 +159,21 @@ const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)
 
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
 {
-    unsigned short relative[kMaxPath] = {};
+    // The system silently cuts such a path.
+    if (inFrom.size() >= kMaxPath || inTo.size() >= kMaxPath) {
+        return HomeText::RelativePathTo(inFrom, inTo, outRelative);
+    }
+    // Room for three units for each two of the first path and all of the second: the system checks no size.
+    unsigned short relative[3 * kMaxPath] = {};
     if (!::PathRelativePathToW(AsWide(relative), AsWide(inFrom.c_str()), FILE_ATTRIBUTE_DIRECTORY, AsWide(inTo.c_str()),
                                FILE_ATTRIBUTE_DIRECTORY)) {
         return false;
     }
-    outRelative = relative;
+    UTF16String text(relative);
+    if (text.size() >= kMaxPath) {
+        return false;
+    }
+    outRelative = std::move(text);
     return true;
 }
 

@@ -117,6 +117,53 @@ TEST(CombinePaths, From260UnitsOn_GivesAnEmptyText)
     EXPECT_EQ(UTF16String(), CombinePaths(UTF16String(Units(u"C:\\")).append(300, 'a'), Units(u"b")));
 }
 
+// A name that is empty or a single dot is no share.
+TEST(HomePathText, ServerWithoutAShare_KeepsItsNameAlone)
+{
+    struct Row
+    {
+        int mLine;
+        const char16_t* mBase;
+        const char16_t* mMore;
+        const char16_t* mCombined;
+    };
+    const Row rows[] = {
+        {__LINE__, uR"(\\srv\)", uR"(.\)", uR"(\\srv\)"},
+        {__LINE__, uR"(\\srv\\)", uR"(\dir.ext\x y)", uR"(\\srv\dir.ext\x y)"},
+        {__LINE__, uR"(\\srv)", uR"(\a\b)", uR"(\\srv\a\b)"},
+        {__LINE__, uR"(\\srv\.\x)", uR"(\a)", uR"(\\srv\a)"},
+        {__LINE__, uR"(\\srv\.\x)", u"y", uR"(\\srv\x\y)"},
+        {__LINE__, uR"(\\srv\h)", uR"(.\)", uR"(\\srv\h\)"},
+        {__LINE__, uR"(\\srv\h\)", uR"(\a)", uR"(\\srv\h\a)"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Units(row.mCombined), CombinePaths(Units(row.mBase), Units(row.mMore)))
+            << "row at line " << row.mLine << ": " << Show(CombinePaths(Units(row.mBase), Units(row.mMore)));
+    }
+}
+
+// A relative path has one limit on both platforms, and no depth of the two paths harms.
+TEST(ArePathsRelative, DeepPaths_AreAnsweredAlikeAndStayInBounds)
+{
+    const auto deep = [](const char16_t* inName, int inFolders) {
+        UTF16String path = Units(u"C:\\top\\");
+        for (int i = 0; i < inFolders; ++i) {
+            path += Units(inName) + Units(u"\\");
+        }
+        return path;
+    };
+    for (int folders = 60; folders <= 400; ++folders) {
+        UTF16String relative = Units(u"untouched");
+        const std::size_t size = 3 * static_cast<std::size_t>(folders) + 2 * static_cast<std::size_t>(folders);
+        const bool fits = size < 260;
+        ASSERT_EQ(fits, ArePathsRelative(deep(u"a", folders), deep(u"b", folders), relative)) << folders;
+        ASSERT_EQ(fits ? size : Units(u"untouched").size(), relative.size()) << folders << ": " << Show(relative);
+    }
+    UTF16String relative;
+    EXPECT_TRUE(ArePathsRelative(deep(u"a", 200), deep(u"a", 200) + Units(u"b\\"), relative));
+    EXPECT_EQ(Units(uR"(\b\)"), relative) << Show(relative);
+}
+
 // Where the home platform's own answers vary by version, or read past their input, the portable code has these.
 TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
 {
