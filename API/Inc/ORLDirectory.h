@@ -21,7 +21,9 @@ namespace ORL {
 ///           so a list may be longer by the depth of the tree; kNoLimit is none. Entries that come or go meanwhile are
 ///           seen or missed, but a directory that goes before it is walked ends the listing with
 ///           eDirectoryNoLongerValid. A directory that may not be read is listed and counts as empty. Links to
-///           directories are walked like directories, unless they lead back to one that is being walked.
+///           directories are walked like directories, unless they lead back to one that is being walked. A listing is
+///           whole or throws: eDirectoryNotListed if the system breaks off or has no handle left, std::bad_alloc if
+///           memory is out. The depth of the tree costs memory alone.
 /// Trees:    Copy, Move and DeleteNotEmpty work on what the source holds, hidden entries too, and overwrite without
 ///           asking. They take plain paths alone: for one in the extended form (\\?\) they report an assertion and
 ///           give kPathNotFound. Everything else that goes wrong is kGeneralFailure, and what was done until then

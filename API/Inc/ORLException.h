@@ -48,6 +48,14 @@ public:
     const char* what() const noexcept override;
 };
 
+/// A directory could not be listed whole: the system broke off, or had no room for it.
+class ORL_API eDirectoryNotListed : public Exception
+{
+public:
+    ~eDirectoryNotListed() override;
+    const char* what() const noexcept override;
+};
+
 /// For hosts, whose start-up failed with a Result. The library does not throw it.
 class ORL_API StartupException : public Exception
 {

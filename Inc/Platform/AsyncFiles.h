@@ -43,6 +43,7 @@ struct Completion
 {
     Overlapped* mOverlapped;  // null for an empty packet
     std::uint32_t mBytesRead; // 0 for a read that failed
+    SystemError mRefusal = SystemErrors::kNoError; // why the read has not started after all: some systems find out late
 };
 
 /// Makes a port that one thread at a time is to drain. Gives 0, or the system error and null.
@@ -79,8 +80,9 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile);
 
 /// Starts a read of an attached file. 0 and 997 (pending): the completion will come through the port, in both cases.
 /// Any other number: the read was not started, and no completion will come. That is so for a position, size or
-/// address that is no multiple of the alignment (87), and may be so for a read that starts at or past the end (38),
-/// which else fails when it completes. A read that crosses the end comes back short.
+/// address that is no multiple of the alignment (87), for bytes without a buffer (998), and may be so for a read that
+/// starts at or past the end (38), which else fails when it completes. A buffer that may not be written is refused with
+/// 998, here or by the completion's mRefusal. A read that crosses the end comes back short.
 ///
 /// A platform may hold a read back until SubmitReads_Impl, which the caller owes it. One thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);

@@ -28,8 +28,13 @@ struct Listing;
 /// Begins to read a directory. Gives 0, or the system error and null.
 SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListing);
 
-/// The next entry, in the system's own order, without "." and "..". False at the end, and where the list breaks off.
-bool NextEntry_Impl(Listing& ioListing, Entry& outEntry);
+/// The next entry, in the system's own order, without "." and "..". 0, 18 (no more files) at the end, or the error that
+/// breaks the list off.
+SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry);
+
+/// Is called before directories below this one are listed, so that a walk of any depth does not use up the handles of a
+/// process that has few. The entries still to come are kept.
+void Suspend_Impl(Listing& ioListing);
 
 void CloseListing_Impl(Listing* inListing);
 

@@ -99,12 +99,16 @@ SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 /// another volume.
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination);
 
+/// What becomes of the earlier contents of a replaced file.
+enum class BackupEnd { kStays, kIsDeleted };
+
 /// Puts the replacement in the place of the replaced file, whose earlier contents are then inBackup, which is
 /// overwritten where it exists. After success contents and names are on disk. At every moment the replaced name holds
 /// the one or the other, whole. A backup whose name is too long for the volume, and for nothing else, is kept beside the
-/// replaced file until then and is gone after success.
+/// replaced file until then and is gone after success. With kIsDeleted every backup is gone after success, unless it
+/// cannot be deleted, which is no failure. Throws std::bad_alloc only before anything has been replaced.
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
-                             const UTF16String& inBackup);
+                             const UTF16String& inBackup, BackupEnd inEnd);
 
 } // namespace Platform
 } // namespace Files

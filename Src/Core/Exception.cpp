@@ -41,6 +41,13 @@ const char* eDirectoryNoLongerValid::what() const noexcept
     return "Directory no longer exists.";
 }
 
+eDirectoryNotListed::~eDirectoryNotListed() = default;
+
+const char* eDirectoryNotListed::what() const noexcept
+{
+    return "Directory could not be listed whole.";
+}
+
 StartupException::StartupException(Result inResult) : mResult(inResult)
 {
 }

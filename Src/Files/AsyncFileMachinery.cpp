@@ -83,7 +83,12 @@ void DrainPort(void* inPort)
 {
     Completion completion{};
     while (GetCompletion_Impl(inPort, completion) && completion.mOverlapped != nullptr) {
-        Finish(*reinterpret_cast<AsyncReadRequest*>(completion.mOverlapped), completion.mBytesRead);
+        AsyncReadRequest& request = *reinterpret_cast<AsyncReadRequest*>(completion.mOverlapped);
+        if (completion.mRefusal != SystemErrors::kNoError) {
+            FailToStart(request, completion.mRefusal);
+        } else {
+            Finish(request, completion.mBytesRead);
+        }
     }
 }
 

@@ -43,10 +43,20 @@ bool Directory::IsDirectoryEmpty() const
     return PathUtils::IsDirectoryEmpty(mPath);
 }
 
+namespace {
+
+bool TakesNewFiles(const UTF16String& inDirectory)
+{
+    const UTF16String probe =
+        PathUtils::AddTrailingSlash(inDirectory) + tvxcore::utility::Guid::CreateUnique().AsString();
+    return Platform::WriteProbe_Impl(PathUtils::ToNormalizedPath(probe));
+}
+
+} // namespace
+
 bool Directory::IsDirectoryWriteable() const
 {
-    const UTF16String probe = PathUtils::AddTrailingSlash(mPath) + tvxcore::utility::Guid::CreateUnique().AsString();
-    return Platform::WriteProbe_Impl(PathUtils::ToNormalizedPath(probe));
+    return TakesNewFiles(mPath);
 }
 
 // The status of the path service goes through the table as it is. It is no number of that table, so every failure
@@ -71,7 +81,7 @@ bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
         return false;
     }
     if (IsDirectory(inFullPath)) {
-        return !Directory::ConstructDirectory(inFullPath).IsDirectoryWriteable();
+        return !TakesNewFiles(inFullPath); // one that goes meanwhile takes none
     }
     const UTF16String path =
         IsNormalizedPath(inFullPath) ? RemoveTrailingSlash(inFullPath) : ToNormalizedPath(inFullPath);

@@ -7,8 +7,10 @@
 #include <ORLPathUtils.h>
 #include <tvxcore/Text.h>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace ORL {
 
@@ -32,24 +34,35 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
     return inKind == EntryKind::kUnknown ? PathUtils::IsDirectory(inPath) : inKind == EntryKind::kDirectory;
 }
 
-// A directory that is being walked, and those above it.
-struct Level
-{
-    const UTF16String& mPath;
-    const Level* mAbove;
-};
+using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-bool LeadsBack(const UTF16String& inPath, const Level* inLevel)
+// A directory that may not be read counts as empty, and so does the root of a volume without any entry.
+bool CountsAsEmpty(SystemError inError)
 {
-    for (; inLevel != nullptr; inLevel = inLevel->mAbove) {
-        if (IsSameDirectory_Impl(inPath, inLevel->mPath)) {
-            return true;
-        }
-    }
-    return false;
+    using namespace SystemErrors;
+    return inError == kErrorAccessDenied || inError == kErrorFileNotFound || inError == kErrorPathNotFound;
 }
 
-/// Goes through a directory, and calls ioSink(path, kind) for each entry.
+// Opening takes the place of asking first whether the directory is there and holds anything: a listing that cannot begin
+// tells the first, one without entries the second. Null for a directory that counts as empty.
+ListingPtr OpenListing(const UTF16String& inDirectory)
+{
+    Listing* listing = nullptr;
+    const SystemError error = OpenListing_Impl(inDirectory, listing);
+    if (error == SystemErrors::kNoError) {
+        return ListingPtr(listing);
+    }
+    if (!PathUtils::IsDirectory(inDirectory)) {
+        throw eDirectoryNoLongerValid();
+    }
+    if (!CountsAsEmpty(error)) {
+        throw eDirectoryNotListed();
+    }
+    return nullptr;
+}
+
+/// Goes through a directory, and calls ioSink(path, kind) for each entry. The depth of the tree costs neither stack nor, where
+/// they are few, handles.
 template <class Sink>
 class Walker
 {
@@ -59,60 +72,101 @@ public:
     {
     }
 
-    // Opening takes the place of asking first whether the directory is there and holds anything: a listing that cannot
-    // begin tells the first, one without entries the second.
-    void Walk(const UTF16String& inDirectory, const Level* inAbove)
+    void Walk(const UTF16String& inDirectory)
     {
-        const std::unique_ptr<Listing, ListingCloser> listing = Open(inDirectory);
-        if (listing == nullptr) {
-            return;
-        }
-        const Level level{inDirectory, inAbove};
-        UTF16String path = PathUtils::AddTrailingSlash(inDirectory);
-        const std::size_t stem = path.size();
-        Entry entry;
-        while (NextEntry_Impl(*listing, entry)) {
-            if (mLimit != Directory::kNoLimit && mCount >= mLimit) {
-                return;
+        Enter(inDirectory, EntryKind::kDirectory);
+        while (!mLevels.empty()) {
+            if (IsAtLimit() || !Next()) {
+                Leave();
+            } else if (!mRecursive || !EnterEntry()) {
+                Report(mPath, mEntry.mKind);
             }
-            path.replace(stem, UTF16String::npos, entry.mName);
-            if (mRecursive) {
-                WalkEntry(path, entry.mKind, level);
-            }
-            ++mCount;
-            mSink(path, entry.mKind);
         }
     }
 
 private:
-    static std::unique_ptr<Listing, ListingCloser> Open(const UTF16String& inDirectory)
+    // A directory that is being walked.
+    struct Level
     {
-        Listing* listing = nullptr;
-        const SystemError error = OpenListing_Impl(inDirectory, listing);
-        if (error != SystemErrors::kNoError && !PathUtils::IsDirectory(inDirectory)) {
-            throw eDirectoryNoLongerValid();
+        UTF16String mPath;
+        EntryKind mKind;
+        ListingPtr mListing;
+    };
+
+    bool IsAtLimit() const { return mLimit != Directory::kNoLimit && mCount >= mLimit; }
+
+    // False where there is nothing to walk.
+    bool Enter(const UTF16String& inPath, EntryKind inKind)
+    {
+        ListingPtr listing = OpenListing(inPath);
+        const bool isOpen = listing != nullptr;
+        if (isOpen) {
+            mLevels.push_back(Level{inPath, inKind, std::move(listing)});
         }
-        return std::unique_ptr<Listing, ListingCloser>(listing);
+        return isOpen;
+    }
+
+    // Reads the next entry of the deepest directory into mEntry and mPath. False at the end.
+    bool Next()
+    {
+        const Level& level = mLevels.back();
+        const SystemError error = NextEntry_Impl(*level.mListing, mEntry);
+        if (error == SystemErrors::kErrorNoMoreFiles) {
+            return false;
+        }
+        if (error != SystemErrors::kNoError) {
+            throw eDirectoryNotListed();
+        }
+        mPath = PathUtils::AddTrailingSlash(level.mPath);
+        mPath += mEntry.mName;
+        return true;
     }
 
     // What the kind leaves open is asked, and only a link leads back.
-    void WalkEntry(const UTF16String& inPath, EntryKind inKind, const Level& inLevel)
+    bool EnterEntry()
     {
-        if (IsDirectoryEntry(inPath, inKind) && (inKind != EntryKind::kUnknown || !LeadsBack(inPath, &inLevel))) {
-            Walk(inPath, &inLevel);
+        if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && LeadsBack())) {
+            return false;
         }
+        Suspend_Impl(*mLevels.back().mListing);
+        return Enter(mPath, mEntry.mKind);
+    }
+
+    bool LeadsBack() const
+    {
+        return std::any_of(mLevels.rbegin(), mLevels.rend(),
+                           [this](const Level& inLevel) { return IsSameDirectory_Impl(mPath, inLevel.mPath); });
+    }
+
+    // A directory follows what it holds; the one that the walk began with is not listed itself.
+    void Leave()
+    {
+        const Level left = std::move(mLevels.back());
+        mLevels.pop_back();
+        if (!mLevels.empty()) {
+            Report(left.mPath, left.mKind);
+        }
+    }
+
+    void Report(const UTF16String& inPath, EntryKind inKind)
+    {
+        ++mCount;
+        mSink(inPath, inKind);
     }
 
     const bool mRecursive;
     const unsigned int mLimit;
     unsigned int mCount = 0;
     Sink& mSink;
+    std::vector<Level> mLevels;
+    Entry mEntry;
+    UTF16String mPath; // of mEntry
 };
 
 template <class Sink>
 void WalkDirectory(const UTF16String& inDirectory, bool inRecursive, unsigned int inLimit, Sink&& ioSink)
 {
-    Walker<Sink>(inRecursive, inLimit, ioSink).Walk(inDirectory, nullptr);
+    Walker<Sink>(inRecursive, inLimit, ioSink).Walk(inDirectory);
 }
 
 } // namespace

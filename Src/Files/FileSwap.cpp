@@ -32,13 +32,9 @@ Result File::SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRe
         return kPathNotFound;
     }
     const UTF16String backup = PathUtils::ToNormalizedPath(MakeUniqueTempPath(inRealPath));
-    const SystemError error = ReplaceFile_Impl(PathUtils::ToNormalizedPath(inRealPath),
-                                               PathUtils::ToNormalizedPath(inTempPath), backup);
-    if (error != SystemErrors::kNoError) {
-        return Win::SystemErrorToORLResult(error);
-    }
-    DeleteFile_Impl(backup); // what cannot be deleted stays behind; the swap is done all the same
-    return kSuccess;
+    // What cannot be deleted stays behind; the swap is done all the same.
+    return ResultOf(ReplaceFile_Impl(PathUtils::ToNormalizedPath(inRealPath), PathUtils::ToNormalizedPath(inTempPath),
+                                     backup, BackupEnd::kIsDeleted));
 }
 
 UTF16String File::MakeUniqueTempPath(const UTF16String& inPath)

@@ -1,6 +1,7 @@
 // Files and threads of asynchronous reads. The ports stand in LinuxRingPort.cpp and LinuxThreadPort.cpp.
 #include "LinuxCompletionPort.h"
 
+#include "Files/LinuxDirectAlignment.h"
 #include "LinuxErrors.h"
 #include "LinuxHostPath.h"
 #include "SystemCalls.h"
@@ -9,7 +10,6 @@
 #include <Platform/ThreadManager.h>
 #include <Platform/Waiting.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <new>
@@ -76,8 +76,13 @@ std::int64_t ReadNow(const ReadOrder& inOrder)
 bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned,
                   Completion& outCompletion)
 {
-    const bool hasSucceeded = inReturned >= 0;
     outCompletion.mOverlapped = &inOverlapped;
+    // The kernel looks at the buffer only as it fills it; home does so at the start.
+    if (inReturned == -EFAULT) {
+        outCompletion.mRefusal = SystemErrors::kErrorNoAccess;
+        return true;
+    }
+    const bool hasSucceeded = inReturned >= 0;
     outCompletion.mBytesRead = hasSucceeded ? static_cast<std::uint32_t>(inReturned) : 0;
     if (hasSucceeded) {
         DropPagesBehind(inFile, PositionOf(inOverlapped), outCompletion.mBytesRead);
@@ -94,9 +99,6 @@ namespace {
 
 using namespace ORL::Linux;
 using namespace SystemErrors;
-
-constexpr std::uint32_t kSmallestSector = 512;
-constexpr std::uint32_t kLargestSector = 4096;
 
 // Held by a count of its own: the files of these reads may be closed by the time they are submitted. The thread that
 // starts reads has it to itself.
@@ -153,15 +155,6 @@ SystemError CheckKind(AsyncFile& ioFile)
     return System().mSetFlags(ioFile.mDescriptor, FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
 }
 
-// Whether the file takes a direct read of that alignment; the one way to learn it where the system does not tell.
-bool TakesAlignment(const AsyncFile& inFile, std::uint32_t inAlignment)
-{
-    alignas(kLargestSector) char bytes[2 * kLargestSector];
-    // Aligned to inAlignment, and to no more.
-    char* const buffer = bytes + inAlignment;
-    return System().mPRead(inFile.mDescriptor, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
-}
-
 SystemError GoThroughCache(AsyncFile& ioFile)
 {
     ioFile.mGoesThroughCache = System().mSetFlags(ioFile.mDescriptor, O_RDONLY) == 0;
@@ -171,25 +164,16 @@ SystemError GoThroughCache(AsyncFile& ioFile)
 // The duty of aligned reads holds for every file, as it does at home, whether or not this one would mind.
 SystemError LearnAlignment(AsyncFile& ioFile)
 {
-    struct statx status;
-    const bool isTold = System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
-                        && (status.stx_mask & STATX_DIOALIGN) != 0;
     ioFile.mAlignment = kSmallestSector;
     if (ioFile.mGoesThroughCache) {
         return kNoError;
     }
-    if (isTold && status.stx_dio_offset_align == 0) {
+    const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, true);
+    if (alignment == 0) {
         return GoThroughCache(ioFile); // it opened, but has no direct reads for this file
     }
-    if (isTold) {
-        ioFile.mAlignment = std::max({kSmallestSector, status.stx_dio_offset_align, status.stx_dio_mem_align});
-        return kNoError;
-    }
-    if (TakesAlignment(ioFile, kSmallestSector)) {
-        return kNoError;
-    }
-    ioFile.mAlignment = kLargestSector;
-    return TakesAlignment(ioFile, kLargestSector) ? kNoError : GoThroughCache(ioFile);
+    ioFile.mAlignment = alignment;
+    return kNoError;
 }
 
 bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSize, std::uint64_t inPosition)
@@ -298,7 +282,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 {
     outFile = InvalidHandle();
     HostPath path;
-    SystemError error = ResolveHostPath(inNormalizedPath, path);
+    SystemError error = ReachHostPath(inNormalizedPath, path);
     if (error != kNoError) {
         return error;
     }
@@ -340,6 +324,9 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 {
     if (inFile == nullptr || inFile == InvalidHandle() || FileOf(inFile).mPort == nullptr) {
         return kErrorInvalidHandle;
+    }
+    if (outBuffer == nullptr && inSize != 0) {
+        return kErrorNoAccess;
     }
     AsyncFile& file = FileOf(inFile);
     const std::uint64_t position = PositionOf(*ioOverlapped);

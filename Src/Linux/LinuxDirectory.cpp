@@ -10,6 +10,9 @@
 #include <Platform/Paths.h>
 #include <cerrno>
 #include <cstring>
+#include <deque>
+#include <memory>
+#include <utility>
 
 namespace ORL {
 namespace Directories {
@@ -23,8 +26,12 @@ struct Listing
     explicit Listing(const char* inPath) : mFolder(inPath) {}
 
     EntryKind KindOf(const dirent64& inEntry);
+    SystemError ReadEntry(Entry& outEntry);
 
     OpenFolder mFolder;
+    bool mIsSuspended = false;
+    std::deque<Entry> mKept; // of a suspended listing
+    SystemError mEndOfKept = kErrorNoMoreFiles;
     // Without the right to search a folder its list can be read, but nothing can be asked of its entries.
     enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
 };
@@ -50,31 +57,59 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
 {
     outListing = nullptr;
     HostPath path;
-    const SystemError error = ResolveHostPath(inDirectory, path);
+    const SystemError error = ReachHostPath(inDirectory, path);
     if (error != kNoError) {
         return error;
     }
-    Listing* const listing = new Listing(path.mPath.c_str());
+    auto listing = std::make_unique<Listing>(path.mPath.c_str());
     if (!listing->mFolder.IsOpen()) {
-        const int number = errno;
-        delete listing;
         // Its entries are asked for, so the folder is on their way.
-        return number == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(number, path.mPath);
+        return errno == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(errno, path.mPath);
     }
-    outListing = listing;
+    outListing = listing.release();
     return kNoError;
 }
 
-bool NextEntry_Impl(Listing& ioListing, Entry& outEntry)
+SystemError Listing::ReadEntry(Entry& outEntry)
 {
-    const dirent64* entry = ioListing.mFolder.Next();
+    const dirent64* entry = mFolder.Entries().Next();
     if (entry == nullptr) {
-        return false;
+        const int failure = mFolder.Entries().Failure();
+        return failure != 0 ? SystemErrorFromErrno(failure) : kErrorNoMoreFiles;
     }
     outEntry.mName.clear();
     AppendUnitsOfName(outEntry.mName, entry->d_name, std::strlen(entry->d_name));
-    outEntry.mKind = ioListing.KindOf(*entry);
-    return true;
+    outEntry.mKind = KindOf(*entry);
+    return kNoError;
+}
+
+SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry)
+{
+    if (!ioListing.mIsSuspended) {
+        return ioListing.ReadEntry(outEntry);
+    }
+    if (ioListing.mKept.empty()) {
+        return ioListing.mEndOfKept;
+    }
+    outEntry = std::move(ioListing.mKept.front());
+    ioListing.mKept.pop_front();
+    return kNoError;
+}
+
+void Suspend_Impl(Listing& ioListing)
+{
+    if (ioListing.mIsSuspended) {
+        return;
+    }
+    ioListing.mIsSuspended = true;
+    Entry entry;
+    SystemError error = ioListing.ReadEntry(entry);
+    for (; error == kNoError; error = ioListing.ReadEntry(entry)) {
+        ioListing.mKept.push_back(std::move(entry));
+        entry = Entry();
+    }
+    ioListing.mEndOfKept = error;
+    ioListing.mFolder.Close();
 }
 
 void CloseListing_Impl(Listing* inListing)
@@ -87,7 +122,7 @@ namespace {
 bool GetIdentity(const UTF16String& inPath, struct statx& outStatus)
 {
     HostPath path;
-    return ResolveHostPath(inPath, path) == kNoError
+    return ReachHostPath(inPath, path) == kNoError
            && System().mStatx(AT_FDCWD, path.mPath.c_str(), 0, STATX_TYPE | STATX_INO, &outStatus) == 0;
 }
 
@@ -118,7 +153,7 @@ bool KeepsAllNames(const std::string& inFolder)
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ResolveHostPath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
+    if (ReachHostPath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
     const int file = System().mOpen(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
@@ -157,7 +192,7 @@ SystemError HoldFolderToDelete(const HostPath& inPath, EntryHold& outHold)
 SystemError RemoveDirectory_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    const SystemError error = ResolveHostPath(inPath, path);
+    const SystemError error = ReachHostPath(inPath, path);
     if (error != kNoError) {
         return error;
     }

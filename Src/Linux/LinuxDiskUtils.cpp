@@ -1,11 +1,11 @@
 #include <Platform/Disks.h>
 
+#include "Files/LinuxDirectAlignment.h"
 #include "LinuxErrors.h"
 #include "LinuxHostPath.h"
 #include "SystemCalls.h"
 
 #include <HomePathText.h>
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <linux/magic.h>
@@ -19,8 +19,6 @@ namespace {
 
 using namespace ORL::Linux;
 using namespace SystemErrors;
-
-constexpr unsigned int kSmallestSector = 512;
 
 struct FileSystem
 {
@@ -70,26 +68,22 @@ std::string NearestExisting(std::string inPath, const std::string& inRoot)
 }
 
 // Where to ask about a volume.
-SystemError FindVolume(const Volume& inVolume, std::string& outHostPath)
+SystemError FindVolume(const Volume& inVolume, HostPath& outHostPath)
 {
     HostPath root;
     const SystemError error = ResolveHostPath(inVolume.mRoot, root);
     if (error != kNoError) {
         return error;
     }
+    if (ReachHostPath(inVolume.mPath, outHostPath) == kNoError && outHostPath.mFolder && Exists(outHostPath.mPath)) {
+        return kNoError;
+    }
     HostPath path;
     const bool isInside =
         ResolveHostPath(inVolume.mPath, path) == kNoError && path.mPath.compare(0, root.mPath.size(), root.mPath) == 0;
-    outHostPath = NearestExisting(isInside ? path.mPath : root.mPath, root.mPath);
+    outHostPath = HostPath();
+    outHostPath.mPath = NearestExisting(isInside ? path.mPath : root.mPath, root.mPath);
     return kNoError;
-}
-
-// The direct I/O alignment of the file system. Some tell it for files alone, so a folder's block size does not help:
-// where nothing is told, the smallest sector stands.
-unsigned int AlignmentOf(const struct statx& inStatus)
-{
-    const bool tells = (inStatus.stx_mask & STATX_DIOALIGN) != 0;
-    return std::max<unsigned int>(tells ? inStatus.stx_dio_offset_align : 0, kSmallestSector);
 }
 
 } // namespace
@@ -97,29 +91,21 @@ unsigned int AlignmentOf(const struct statx& inStatus)
 SystemError GetSectorSize_Impl(const Volume& inVolume, unsigned int& outBytesPerSector)
 {
     outBytesPerSector = 0;
-    std::string path;
+    HostPath path;
     const SystemError error = FindVolume(inVolume, path);
-    if (error != kNoError) {
-        return error;
-    }
-    struct statx status;
-    if (System().mStatx(AT_FDCWD, path.c_str(), 0, STATX_DIOALIGN, &status) != 0) {
-        return SystemErrorFromErrno(errno, path);
-    }
-    outBytesPerSector = AlignmentOf(status);
-    return kNoError;
+    return error != kNoError ? error : FindSectorSize(path.mPath, outBytesPerSector);
 }
 
 SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes)
 {
-    std::string path;
+    HostPath path;
     const SystemError error = FindVolume(inVolume, path);
     if (error != kNoError) {
         return error;
     }
     struct statvfs status;
-    if (System().mStatVfs(path.c_str(), &status) != 0) {
-        return SystemErrorFromErrno(errno, path);
+    if (System().mStatVfs(path.mPath.c_str(), &status) != 0) {
+        return SystemErrorFromErrno(errno, path.mPath);
     }
     outBytes = static_cast<unsigned __int64>(status.f_bavail) * status.f_frsize;
     return kNoError;
@@ -127,14 +113,14 @@ SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes
 
 SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName)
 {
-    std::string path;
+    HostPath path;
     const SystemError error = FindVolume(inVolume, path);
     if (error != kNoError) {
         return error;
     }
     struct statfs status;
-    if (System().mStatFs(path.c_str(), &status) != 0) {
-        return SystemErrorFromErrno(errno, path);
+    if (System().mStatFs(path.mPath.c_str(), &status) != 0) {
+        return SystemErrorFromErrno(errno, path.mPath);
     }
     outName = NameOf(static_cast<unsigned long>(status.f_type));
     return kNoError;

@@ -50,7 +50,7 @@ constexpr Row kRows[] = {
     // handles and values
     {EBADF, kErrorInvalidHandle},
     {EINVAL, kErrorInvalidParameter},
-    {EFAULT, kErrorInvalidParameter},
+    {EFAULT, kErrorNoAccess},
     {EOVERFLOW, kErrorInvalidParameter},
     {ESPIPE, kErrorInvalidParameter},
     // devices and the system

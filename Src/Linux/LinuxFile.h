@@ -25,6 +25,7 @@ struct OpenFile
     std::uint32_t mAlignment = 512;    // of unbuffered reads and writes
     std::int64_t mPosition = 0;
     std::string mNameToDelete;         // not empty: the host path that goes when the file is closed
+    std::shared_ptr<const Descriptor> mFolderOfName; // through which that path leads, where it is a long one
     FileIdentity mIdentity;
     ShareHolder mShares;
 

@@ -6,6 +6,7 @@
 #include "SystemCalls.h"
 
 #include <cerrno>
+#include <sys/sysmacros.h>
 
 namespace ORL {
 
@@ -16,19 +17,21 @@ namespace {
 using namespace SystemErrors;
 using namespace Files::Platform;
 
-// The last write's time, and the mark of a read-only file where the destination was there before. A file system that
-// keeps none of them is no failure.
+// A file system that keeps no marks is no failure.
+bool Fails(int inAnswer)
+{
+    return inAnswer != 0 && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
+}
+
+// The last write's time, and the mark of a read-only file where the destination was there before.
 SystemError CopyMarks(int inTo, const struct stat& inSource, const struct stat& inDestination, bool inIsNew)
 {
-    const auto fails = [](int inAnswer) {
-        return inAnswer != 0 && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
-    };
     const struct timespec times[2] = {{0, UTIME_OMIT}, inSource.st_mtim};
-    if (fails(System().mFUTimens(inTo, times))) {
+    if (Fails(System().mFUTimens(inTo, times))) {
         return SystemErrorFromErrno(errno);
     }
     const mode_t readOnly = inDestination.st_mode & 07777 & ~static_cast<mode_t>(S_IWUSR | S_IWGRP | S_IWOTH);
-    if (!inIsNew && IsReadOnly(inSource) && fails(System().mFChMod(inTo, readOnly))) {
+    if (!inIsNew && IsReadOnly(inSource) && Fails(System().mFChMod(inTo, readOnly))) {
         return SystemErrorFromErrno(errno);
     }
     return kNoError;
@@ -47,20 +50,43 @@ SystemError CopyContents(int inFrom, const struct stat& inSource, int inTo, cons
     }
     CopyUserAttributes(inFrom, inTo, inIsNew ? AttributesThere::kNone : AttributesThere::kAreReplaced);
     SystemError error = CopyMarks(inTo, inSource, inDestination, inIsNew);
-    if (error == kNoError && inWish.mSyncs && System().mFSync(inTo) != 0) {
+    if (error == kNoError && inWish.mStandsIn && Fails(System().mFChMod(inTo, inSource.st_mode & 0777))) {
+        error = SystemErrorFromErrno(errno);
+    }
+    if (error == kNoError && inWish.mStandsIn && System().mFSync(inTo) != 0) {
         error = SystemErrorFromErrno(errno);
     }
     return error;
 }
 
-// A copy that has failed leaves nothing. Where the name is a link, the link stays.
-void RemoveCopy(const std::string& inHostPath, const FileIdentity& inFile)
+// A copy that fails leaves nothing, whether by an error or an exception. Where the name is a link, the link stays.
+class UnfinishedCopy
 {
-    struct stat status;
-    if (GetEntryStatus(inHostPath, status) == kNoError && IdentityOf(status) == inFile) {
-        System().mUnlink(inHostPath.c_str());
+public:
+    UnfinishedCopy(const std::string& inHostPath, const FileIdentity& inFile) : mHostPath(inHostPath), mFile(inFile) {}
+    ~UnfinishedCopy()
+    {
+        if (!mIsDone && IsStillThere()) {
+            System().mUnlink(mHostPath.c_str());
+        }
     }
-}
+    UnfinishedCopy(const UnfinishedCopy&) = delete;
+    UnfinishedCopy& operator=(const UnfinishedCopy&) = delete;
+
+    void Done() { mIsDone = true; }
+
+private:
+    bool IsStillThere() const
+    {
+        struct statx status;
+        return System().mStatx(AT_FDCWD, mHostPath.c_str(), AT_SYMLINK_NOFOLLOW, STATX_INO, &status) == 0
+               && FileIdentity{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino} == mFile;
+    }
+
+    const std::string& mHostPath;
+    const FileIdentity mFile;
+    bool mIsDone = false;
+};
 
 } // namespace
 
@@ -90,12 +116,13 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
     if (to->mIdentity == from->mIdentity) {
         return kErrorSharingViolation;
     }
+    UnfinishedCopy copy(inDestination.mPath, to->mIdentity);
     error = CopyContents(from->mDescriptor, source, to->mDescriptor, destination, isNew, inWish);
     if (error == kNoError) {
         error = to->Close(); // some file systems tell only here that there was no room
     }
-    if (error != kNoError) {
-        RemoveCopy(inDestination.mPath, to->mIdentity);
+    if (error == kNoError) {
+        copy.Done();
     }
     return error;
 }
@@ -112,12 +139,12 @@ SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDest
                           void* inData)
 {
     HostPath source;
-    SystemError error = ResolveHostPath(inSource, source);
+    SystemError error = ReachHostPath(inSource, source);
     if (error != kNoError) {
         return error;
     }
     HostPath destination;
-    error = ResolveHostPath(inDestination, destination);
+    error = ReachHostPath(inDestination, destination);
     if (error != kNoError) {
         return error;
     }

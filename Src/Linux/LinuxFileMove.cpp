@@ -1,14 +1,15 @@
 // Deleting, moving and replacing names.
 #include "LinuxCopyBytes.h"
+#include "LinuxDescriptor.h"
 #include "LinuxErrors.h"
 #include "LinuxFileCopy.h"
 #include "LinuxOpenFolder.h"
 #include "LinuxTemporaryName.h"
-#include "LinuxTree.h"
 #include "SystemCalls.h"
 
 #include <cerrno>
 #include <climits>
+#include <optional>
 #include <stdio.h>
 
 namespace ORL {
@@ -20,9 +21,14 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
+std::string WithoutTrailingSlash(const std::string& inHostPath)
+{
+    return inHostPath.size() > 1 && inHostPath.back() == '/' ? inHostPath.substr(0, inHostPath.size() - 1) : inHostPath;
+}
+
 std::string WithoutTrailingSlash(const HostPath& inPath)
 {
-    return inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
+    return WithoutTrailingSlash(inPath.mPath);
 }
 
 std::string FolderOf(const std::string& inHostPath)
@@ -72,7 +78,7 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
 {
     CopyWish wish;
     wish.mDisposition = kCreateNew;
-    wish.mSyncs = true; // the source goes next
+    wish.mStandsIn = true; // the source goes next
     return CopyHostFile(inSource, inDestination, wish);
 }
 
@@ -85,32 +91,52 @@ int OpenToSync(const std::string& inFolder)
     return folder;
 }
 
-SystemError SyncNamesOf(const std::string& inFolder)
+// A folder whose names are to be put on disk. It is opened before anything is changed, so that nothing but the disk can
+// fail afterwards.
+class FolderToSync
 {
-    const Descriptor folder(OpenToSync(inFolder));
-    return folder ? SystemErrorFromErrno(SyncFolder(folder.Get())) : SystemErrorFromErrno(errno, inFolder);
-}
+public:
+    explicit FolderToSync(const std::string& inFolder) : mFolder(OpenToSync(inFolder)), mOpenError(mFolder ? 0 : errno) {}
 
-// A folder that may be written and not read cannot be asked; its names are then as safe as its volume makes them.
-SystemError SyncNameOf(const HostPath& inPath)
-{
-    const Descriptor folder(OpenToSync(FolderOf(inPath.mPath)));
-    if (!folder) {
-        return errno == EACCES || errno == EPERM ? kNoError : SystemErrorFromErrno(errno, inPath.mPath);
+    // A folder that may be written but not read cannot be opened.
+    SystemError OpenError(const std::string& inPath) const
+    {
+        return CanBeOpened() ? SystemErrorFromErrno(mOpenError, inPath) : kNoError;
     }
-    return SystemErrorFromErrno(SyncFolder(folder.Get()));
-}
+
+    // What cannot be opened is synced with its whole volume, on which inFile is.
+    SystemError Sync(int inFile) const noexcept
+    {
+        if (mFolder) {
+            return SystemErrorFromErrno(SyncFolder(mFolder.Get()));
+        }
+        return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
+    }
+
+    // The same without a file of that volume at hand.
+    SystemError SyncIfOpen() const noexcept { return mFolder ? Sync(-1) : kNoError; }
+
+private:
+    bool CanBeOpened() const noexcept { return mOpenError != EACCES && mOpenError != EPERM; }
+
+    const ORL::Linux::Descriptor mFolder;
+    const int mOpenError;
+};
 
 // By a copy, which folders do not have: 5. The source goes when the copy and its name are on disk; one that cannot be
 // deleted stays beside what has been moved.
 SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
 {
-    SystemError error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
-                                                  : CopyWhole(inSource, inDestination);
+    const FolderToSync folder(FolderOf(inDestination.mPath));
+    SystemError error = folder.OpenError(inDestination.mPath);
+    if (error == kNoError) {
+        error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
+                                          : CopyWhole(inSource, inDestination);
+    }
     if (error != kNoError) {
         return error == kErrorFileExists ? kErrorAlreadyExists : error;
     }
-    error = SyncNameOf(inDestination);
+    error = folder.SyncIfOpen();
     System().mUnlink((error == kNoError ? inSource : inDestination).mPath.c_str());
     return error;
 }
@@ -121,22 +147,25 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 class Backup
 {
 public:
-    explicit Backup(const HostPath& inPath) : mPath(inPath) {}
+    Backup(const HostPath& inPath, BackupEnd inEnd) : mPath(inPath), mGoes(inEnd == BackupEnd::kIsDeleted) {}
 
     // A name that is too long for the file system could not be used by anybody: one of our own stands for it then.
     SystemError Make(const HostPath& inReplaced)
     {
         const SystemError error = MakeOver(inReplaced);
-        mIsOurs = error == kErrorInvalidName;
-        return mIsOurs ? MakeUnderOwnName(inReplaced) : error;
+        if (error != kErrorInvalidName) {
+            return error;
+        }
+        mGoes = true;
+        return MakeUnderOwnName(inReplaced);
     }
 
     void Remove() const { System().mUnlink(mPath.mPath.c_str()); }
 
     // When the new contents are safe.
-    void RemoveIfOurs() const
+    void RemoveIfDone() const
     {
-        if (mIsOurs) {
+        if (mGoes) {
             Remove();
         }
     }
@@ -148,7 +177,7 @@ private:
         if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK || error == EXDEV) {
             CopyWish wish;
             wish.mDisposition = inDisposition;
-            wish.mSyncs = true;
+            wish.mStandsIn = true;
             return CopyHostFile(inReplaced, mPath, wish);
         }
         return error == 0 ? kNoError : SystemErrorFromErrno(error, mPath.mPath);
@@ -175,7 +204,7 @@ private:
     }
 
     HostPath mPath;
-    bool mIsOurs = false;
+    bool mGoes;
 };
 
 // The two files of a replacement, held against others.
@@ -187,7 +216,7 @@ struct Replacing
 
     SystemError Find(const UTF16String& inPath)
     {
-        const SystemError error = ResolveHostPath(inPath, mPath);
+        const SystemError error = ReachHostPath(inPath, mPath);
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
@@ -240,12 +269,51 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
     return kNoError;
 }
 
-SystemError SyncNames(const Replacing& inReplaced, const Replacing& inReplacement)
+// The folders of both names, which may be one.
+class BothFolders
 {
-    const std::string folder = FolderOf(inReplaced.mPath.mPath);
-    const std::string other = FolderOf(inReplacement.mPath.mPath);
-    const SystemError error = SyncNamesOf(folder);
-    return error != kNoError || other == folder ? error : SyncNamesOf(other);
+public:
+    BothFolders(const Replacing& inReplaced, const Replacing& inReplacement)
+        : mReplaced(FolderOf(inReplaced.mPath.mPath))
+    {
+        const std::string other = FolderOf(inReplacement.mPath.mPath);
+        if (other != FolderOf(inReplaced.mPath.mPath)) {
+            mReplacement.emplace(other);
+        }
+    }
+
+    SystemError OpenError(const std::string& inPath) const
+    {
+        const SystemError error = mReplaced.OpenError(inPath);
+        return error != kNoError || !mReplacement ? error : mReplacement->OpenError(inPath);
+    }
+
+    SystemError Sync(int inContents) const noexcept
+    {
+        const SystemError error = mReplaced.Sync(inContents);
+        return error != kNoError || !mReplacement ? error : mReplacement->Sync(inContents);
+    }
+
+private:
+    const FolderToSync mReplaced;
+    std::optional<FolderToSync> mReplacement; // where it is another one
+};
+
+// All that needs memory or a descriptor comes before the exchange.
+SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
+{
+    const BothFolders folders(inReplaced, inReplacement);
+    SystemError error = folders.OpenError(inReplaced.mPath.mPath);
+    if (error == kNoError) {
+        error = Exchange(inReplaced, inReplacement, ioBackup);
+    }
+    if (error == kNoError) {
+        error = folders.Sync(inReplacement.mHold.Descriptor());
+    }
+    if (error == kNoError) {
+        ioBackup.RemoveIfDone();
+    }
+    return error;
 }
 
 } // namespace
@@ -253,7 +321,7 @@ SystemError SyncNames(const Replacing& inReplaced, const Replacing& inReplacemen
 SystemError DeleteFile_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    SystemError error = ResolveHostPath(inPath, path);
+    SystemError error = ReachHostPath(inPath, path);
     if (error != kNoError) {
         return error;
     }
@@ -283,12 +351,12 @@ SystemError DeleteFile_Impl(const UTF16String& inPath)
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination)
 {
     HostPath source;
-    SystemError error = ResolveHostPath(inSource, source);
+    SystemError error = ReachHostPath(inSource, source);
     if (error != kNoError) {
         return error;
     }
     HostPath destination;
-    error = ResolveHostPath(inDestination, destination);
+    error = ReachHostPath(inDestination, destination);
     if (error != kNoError) {
         return error;
     }
@@ -297,10 +365,10 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
     EntryHold hold;
     struct stat status;
     error = HoldToDelete(from, hold, status);
-    if (error != kNoError || from == to) {
+    if (error != kNoError || WithoutTrailingSlash(source.Whole()) == WithoutTrailingSlash(destination.Whole())) {
         return error;
     }
-    if (S_ISDIR(status.st_mode) && IsBelow(to, from)) {
+    if (S_ISDIR(status.st_mode) && IsBelow(destination.Whole(), WithoutTrailingSlash(source.Whole()))) {
         return kErrorSharingViolation;
     }
     if (System().mRenameTo(from.c_str(), to.c_str(), RENAME_NOREPLACE) == 0) {
@@ -318,7 +386,7 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 }
 
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
-                             const UTF16String& inBackup)
+                             const UTF16String& inBackup, BackupEnd inEnd)
 {
     Replacing replaced;
     Replacing replacement;
@@ -331,7 +399,7 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
         error = replacement.Find(inReplacement);
     }
     if (error == kNoError) {
-        error = ResolveHostPath(inBackup, backupPath);
+        error = ReachHostPath(inBackup, backupPath);
     }
     if (error != kNoError) {
         return error;
@@ -343,17 +411,8 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
     if (error == kNoError) {
         error = replacement.Hold(kShareAll, kShareNothing);
     }
-    Backup backup(backupPath);
-    if (error == kNoError) {
-        error = Exchange(replaced, replacement, backup);
-    }
-    if (error == kNoError) {
-        error = SyncNames(replaced, replacement);
-    }
-    if (error == kNoError) {
-        backup.RemoveIfOurs();
-    }
-    return error;
+    Backup backup(backupPath, inEnd);
+    return error == kNoError ? ReplaceHeld(replaced, replacement, backup) : error;
 }
 
 } // namespace Platform

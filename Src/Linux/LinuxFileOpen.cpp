@@ -1,10 +1,10 @@
 // Opening and closing.
 #include "LinuxFile.h"
 
+#include "Files/LinuxDirectAlignment.h"
 #include "LinuxErrors.h"
 #include "SystemCalls.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <sys/sysmacros.h>
@@ -17,9 +17,6 @@ namespace {
 
 using namespace SystemErrors;
 using namespace Files::Platform;
-
-constexpr std::uint32_t kSmallestSector = 512;
-constexpr std::uint32_t kLargestSector = 4096;
 
 bool Has(std::uint32_t inWord, std::uint32_t inBits) noexcept
 {
@@ -134,32 +131,6 @@ unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
            | (deletes ? kShareDelete : 0u);
 }
 
-// The one way to learn it where the system does not tell.
-bool TakesAlignment(int inDescriptor, std::uint32_t inAlignment)
-{
-    alignas(kLargestSector) char bytes[2 * kLargestSector];
-    char* const buffer = bytes + inAlignment; // aligned to that, and to no more
-    return System().mPRead(inDescriptor, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
-}
-
-// The smallest alignment of direct reads that the file takes; 0 when it takes none.
-std::uint32_t FindAlignment(int inDescriptor, bool inMayRead)
-{
-    struct statx status;
-    const bool isTold = System().mStatx(inDescriptor, "", AT_EMPTY_PATH, STATX_DIOALIGN, &status) == 0
-                        && (status.stx_mask & STATX_DIOALIGN) != 0;
-    if (isTold) {
-        const std::uint32_t alignment = std::max(status.stx_dio_offset_align, status.stx_dio_mem_align);
-        return status.stx_dio_offset_align != 0 ? std::max(alignment, kSmallestSector) : 0;
-    }
-    if (!inMayRead) {
-        return kLargestSector;
-    }
-    return TakesAlignment(inDescriptor, kSmallestSector)  ? kSmallestSector
-           : TakesAlignment(inDescriptor, kLargestSector) ? kLargestSector
-                                                          : 0;
-}
-
 // Goes past the cache where the file system can. Where it cannot, the duty of aligned reads holds all the same.
 void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 {
@@ -168,7 +139,7 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
     if (System().mSetFlags(ioFile.mDescriptor, inStatusFlags | O_DIRECT) != 0) {
         return;
     }
-    const std::uint32_t alignment = FindAlignment(ioFile.mDescriptor, ioFile.mMayRead);
+    const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, ioFile.mMayRead);
     if (alignment == 0) {
         System().mSetFlags(ioFile.mDescriptor, inStatusFlags);
         return;
@@ -269,6 +240,7 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::un
     }
     std::unique_ptr<OpenFile> file(new OpenFile);
     const std::string& path = inPath.mPath;
+    std::string nameToDelete(Has(inWish.mFlags, kFlagDeleteOnClose) ? path : std::string());
     file->mDescriptor = OpenByDisposition(path, inWish, outIsNew);
     if (file->mDescriptor < 0) {
         const bool isNoFolder = errno == ENOTDIR || errno == ENOENT || errno == EISDIR;
@@ -282,9 +254,8 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::un
         }
         return error;
     }
-    if (Has(inWish.mFlags, kFlagDeleteOnClose)) {
-        file->mNameToDelete = path;
-    }
+    file->mNameToDelete = std::move(nameToDelete);
+    file->mFolderOfName = inPath.mFolder;
     outFile = std::move(file);
     return kNoError;
 }
@@ -329,7 +300,7 @@ SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, s
 {
     outFile = InvalidHandle();
     HostPath path;
-    SystemError error = ResolveHostPath(inPath, path);
+    SystemError error = ReachHostPath(inPath, path);
     if (error != kNoError) {
         return error;
     }

@@ -1,11 +1,15 @@
 #include "LinuxHostPath.h"
 
 #include "LinuxDriveTable.h"
+#include "LinuxErrors.h"
 #include "LinuxNames.h"
 
 #include <ORLHostPath.h>
 #include <algorithm>
 #include <boost/container/small_vector.hpp>
+#include <cerrno>
+#include <climits>
+#include <utility>
 
 namespace ORL {
 namespace Linux {
@@ -243,6 +247,51 @@ SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath)
         path = FromCurrentFolder(path);
     }
     return path.empty() ? kErrorPathNotFound : ResolveRooted(path, outHostPath);
+}
+
+namespace {
+
+constexpr std::size_t kLongestPath = PATH_MAX - 1;
+
+// Opens the folders on the way of a long path until the rest is short.
+SystemError OpenWay(std::string& ioRest, Descriptor& outFolder)
+{
+    constexpr std::size_t kRoomForFolder = 64; // "/proc/self/fd/" and a number
+    while (ioRest.size() > kLongestPath - kRoomForFolder) {
+        const std::size_t end = ioRest.rfind('/', kLongestPath);
+        if (end == std::string::npos || end == 0) {
+            return kErrorInvalidName; // one name alone is longer
+        }
+        const std::string way(ioRest, 0, end);
+        Descriptor next(System().mOpenAt(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(),
+                                         O_PATH | O_DIRECTORY | O_CLOEXEC, 0));
+        if (!next) {
+            return errno == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(errno);
+        }
+        outFolder = std::move(next);
+        ioRest.erase(0, end + 1);
+    }
+    return kNoError;
+}
+
+} // namespace
+
+SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath)
+{
+    HostPath path;
+    SystemError error = ResolveHostPath(inPath, path);
+    if (error == kNoError && path.mPath.size() > kLongestPath) {
+        const auto folder = std::make_shared<Descriptor>();
+        std::string rest = path.mPath;
+        error = OpenWay(rest, *folder);
+        path.mWhole = std::move(path.mPath);
+        path.mPath = "/proc/self/fd/" + std::to_string(folder->Get()) + "/" + rest;
+        path.mFolder = folder;
+    }
+    if (error == kNoError) {
+        outHostPath = std::move(path);
+    }
+    return error;
 }
 
 } // namespace Linux

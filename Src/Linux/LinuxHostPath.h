@@ -1,9 +1,12 @@
 // From a library path to the bytes that the system takes, and back.
 #pragma once
 
+#include "LinuxDescriptor.h"
+
 #include <Platform/SystemErrors.h>
 #include <tvxcore/String.h>
 
+#include <memory>
 #include <string>
 
 namespace ORL {
@@ -14,6 +17,13 @@ struct HostPath
     std::string mPath;                  ///< absolute; ends in "/" where the library path ends in a separator
     bool mIsRoot = false;               ///< it is the folder of a drive or share itself
     bool mHasTrailingSeparator = false; ///< and is no root
+
+    // Of a path that is longer than the system takes: mPath leads through the open folder.
+    std::string mWhole;
+    std::shared_ptr<const Descriptor> mFolder;
+
+    /// The path as text, whatever its length.
+    const std::string& Whole() const noexcept { return mWhole.empty() ? mPath : mWhole; }
 };
 
 /// Resolves a library path as the home platform does. The plain form takes "/" for a separator too, resolves "." and
@@ -23,6 +33,10 @@ struct HostPath
 /// 123 for a name that no path may hold, 2 for one with a ":" inside. outHostPath is then untouched. The path need not
 /// exist.
 SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
+
+/// Resolves a path and makes it one that the system takes: a host path may have 4095 bytes, and a longer one is given by
+/// way of an open folder, which has to be there (3).
+SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux
 } // namespace ORL

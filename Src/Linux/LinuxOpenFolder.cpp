@@ -15,22 +15,11 @@ bool IsItselfOrAbove(const char* inName) noexcept
 } // namespace
 
 OpenFolder::OpenFolder(const char* inPath)
-    : mFile(System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0))
+    : mFile(System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0)), mEntries(mFile.Get())
 {
 }
 
-OpenFolder::OpenFolder(int inFile) noexcept : mFile(inFile)
-{
-}
-
-OpenFolder::~OpenFolder()
-{
-    if (mFile >= 0) {
-        System().mClose(mFile);
-    }
-}
-
-const dirent64* OpenFolder::Next()
+const dirent64* FolderEntries::Next()
 {
     while (mAt < mSize || Fill()) {
         const dirent64* entry = reinterpret_cast<const dirent64*>(mBuffer + mAt);
@@ -42,7 +31,7 @@ const dirent64* OpenFolder::Next()
     return nullptr;
 }
 
-bool OpenFolder::Fill()
+bool FolderEntries::Fill()
 {
     const ssize_t size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
     mFailure = size < 0 ? errno : 0;

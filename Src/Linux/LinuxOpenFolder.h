@@ -1,6 +1,7 @@
 // A folder of the host that is open for reading its entries.
 #pragma once
 
+#include "LinuxDescriptor.h"
 #include "SystemCalls.h"
 
 #include <dirent.h>
@@ -9,23 +10,15 @@
 namespace ORL {
 namespace Linux {
 
-/// Entries come in the system's own order, without "." and "..". Holds a buffer of its own: too large for the stack of
-/// a recursion.
-class OpenFolder
+/// The entries of an open folder, in the system's own order, without "." and "..". Holds a buffer of its own: too large
+/// for the stack of a recursion.
+class FolderEntries
 {
 public:
-    /// Opens a folder by its path, which a link may lead to.
-    explicit OpenFolder(const char* inPath);
-
-    /// Takes over an open folder, which may be a failed open's -1.
-    explicit OpenFolder(int inFile) noexcept;
-
-    ~OpenFolder();
-    OpenFolder(const OpenFolder&) = delete;
-    OpenFolder& operator=(const OpenFolder&) = delete;
-
-    bool IsOpen() const noexcept { return mFile >= 0; }
-    int File() const noexcept { return mFile; }
+    /// The folder stays the caller's, and is read from where its list stands.
+    explicit FolderEntries(int inFile) noexcept : mFile(inFile) {}
+    FolderEntries(const FolderEntries&) = delete;
+    FolderEntries& operator=(const FolderEntries&) = delete;
 
     /// The next entry, or null at the end of the list. Good until the next call.
     const dirent64* Next();
@@ -48,11 +41,29 @@ public:
 private:
     bool Fill();
 
-    int mFile;
+    const int mFile;
     int mFailure = 0;
     std::size_t mAt = 0;
     std::size_t mSize = 0;
     alignas(dirent64) char mBuffer[16384];
+};
+
+/// A folder opened by its path, which a link may lead to.
+class OpenFolder
+{
+public:
+    explicit OpenFolder(const char* inPath);
+
+    bool IsOpen() const noexcept { return static_cast<bool>(mFile); }
+    int File() const noexcept { return mFile.Get(); }
+    FolderEntries& Entries() noexcept { return mEntries; }
+
+    /// Closes the folder, whose entries are all read.
+    void Close() noexcept { mFile.Close(); }
+
+private:
+    Descriptor mFile;
+    FolderEntries mEntries;
 };
 
 /// Puts the names of an open folder on disk: 0 or an errno. A file system without a way to sync folders keeps its names safe

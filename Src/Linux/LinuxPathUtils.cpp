@@ -9,7 +9,9 @@
 #include <HomePathText.h>
 #include <ORLHostPath.h>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
+#include <utility>
 
 namespace ORL {
 namespace PathUtils {
@@ -71,7 +73,7 @@ bool Fits(const unsigned short* inName, const unsigned short* inPattern)
 bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
 {
     HostPath path;
-    if (ResolveHostPath(inFolder, path) != kNoError) {
+    if (ReachHostPath(inFolder, path) != kNoError) {
         return false;
     }
     if (inPattern == TVX_UTF16("*.*")) {
@@ -80,7 +82,7 @@ bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
     OpenFolder folder(path.mPath.c_str());
     // Every folder but a root lists itself too, as "." and "..".
     const bool fitsItself = !path.mIsRoot && inPattern == TVX_UTF16("*");
-    return folder.IsOpen() && (fitsItself || folder.AnyEntry([&inPattern](std::string_view inName) {
+    return folder.IsOpen() && (fitsItself || folder.Entries().AnyEntry([&inPattern](std::string_view inName) {
                UTF16String name;
                AppendUnitsOfName(name, inName.data(), inName.size());
                return Fits(name.c_str(), inPattern.c_str());
@@ -103,7 +105,7 @@ bool FindEntry_Impl(const UTF16String& inPath)
         return FindByPattern(UTF16String(inPath, 0, leaf), UTF16String(inPath, leaf));
     }
     HostPath path;
-    if (ResolveHostPath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
+    if (ReachHostPath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
         return false;
     }
     struct statx status;
@@ -113,24 +115,24 @@ bool FindEntry_Impl(const UTF16String& inPath)
 bool IsDirectory_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    return ResolveHostPath(inPath, path) == kNoError && IsFolder(path.mPath);
+    return ReachHostPath(inPath, path) == kNoError && IsFolder(path.mPath);
 }
 
 bool IsDirectoryEmpty_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ResolveHostPath(inPath, path) != kNoError) {
+    if (ReachHostPath(inPath, path) != kNoError) {
         return false;
     }
     OpenFolder folder(path.mPath.c_str());
-    return folder.IsOpen() && !folder.AnyEntry([](std::string_view) { return true; }) && folder.Failure() == 0;
+    return folder.IsOpen() && !folder.Entries().AnyEntry([](std::string_view) { return true; }) && folder.Entries().Failure() == 0;
 }
 
 unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
 {
     HostPath path;
     struct statx status;
-    if (ResolveHostPath(inPath, path) != kNoError) {
+    if (ReachHostPath(inPath, path) != kNoError) {
         return kInvalidAttributes;
     }
     // A link that leads nowhere is still an entry.
@@ -147,19 +149,49 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
     return attributes != 0 ? attributes : kAttributeNormal;
 }
 
+namespace {
+
+void MakeFolder(int inFolder, const std::string& inPath)
+{
+    inFolder == AT_FDCWD ? System().mMakeDir(inPath.c_str(), 0777)
+                         : System().mMakeDirAt(inFolder, inPath.c_str(), 0777);
+}
+
+// From the top down; what is there already, or is being made by another, is fine.
+void MakeFolders(int inFolder, const std::string& inPath)
+{
+    for (std::size_t slash = inPath.find('/', 1); slash != std::string::npos; slash = inPath.find('/', slash + 1)) {
+        MakeFolder(inFolder, inPath.substr(0, slash));
+    }
+    MakeFolder(inFolder, inPath);
+}
+
+} // namespace
+
 bool PreparePathForWrite_Impl(const UTF16String& inPath)
 {
     HostPath path;
     if (ResolveHostPath(inPath, path) != kNoError) {
         return false;
     }
-    // From the top down; what is there already, or is being made by another, is fine.
-    for (std::size_t slash = path.mPath.find('/', 1); slash != std::string::npos;
-         slash = path.mPath.find('/', slash + 1)) {
-        System().mMakeDir(path.mPath.substr(0, slash).c_str(), 0777);
+    // Piece by piece, each as long as the system takes.
+    std::string rest = std::move(path.mPath);
+    Descriptor folder;
+    while (rest.size() >= PATH_MAX) {
+        const std::size_t end = rest.rfind('/', PATH_MAX - 1);
+        const std::string way(rest, 0, end);
+        const int from = folder ? folder.Get() : AT_FDCWD;
+        MakeFolders(from, way);
+        folder = Descriptor(System().mOpenAt(from, way.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC, 0));
+        if (!folder || end == std::string::npos) {
+            return false;
+        }
+        rest.erase(0, end + 1);
     }
-    System().mMakeDir(path.mPath.c_str(), 0777);
-    return IsFolder(path.mPath);
+    const int from = folder ? folder.Get() : AT_FDCWD;
+    MakeFolders(from, rest);
+    struct statx status;
+    return System().mStatx(from, rest.c_str(), 0, STATX_TYPE, &status) == 0 && S_ISDIR(status.stx_mode);
 }
 
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)

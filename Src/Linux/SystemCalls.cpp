@@ -80,6 +80,7 @@ constexpr SystemCalls TheSystem()
     calls.mCopyRange = &CopyRange;
     calls.mFTruncate = &::ftruncate;
     calls.mFSync = &::fsync;
+    calls.mSyncVolume = &::syncfs;
     calls.mFChMod = &::fchmod;
     calls.mChMod = &::chmod;
     calls.mFUTimens = &::futimens;

@@ -34,6 +34,7 @@ struct io_uring_cqe;
       (inFrom, ioFromPosition, inTo, ioToPosition, inSize), inSize)                                                    \
     X(FTruncate, Errno, int, (int inFile, off_t inSize), (inFile, inSize), sNoSize)                                    \
     X(FSync, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
+    X(SyncVolume, Errno, int, (int inFile), (inFile), sNoSize)                                                         \
     X(FChMod, Errno, int, (int inFile, mode_t inMode), (inFile, inMode), sNoSize)                                      \
     X(ChMod, Errno, int, (const char* inPath, mode_t inMode), (inPath, inMode), sNoSize)                               \
     X(FUTimens, Errno, int, (int inFile, const struct timespec* inTimes), (inFile, inTimes), sNoSize)                  \

@@ -73,6 +73,7 @@ bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
     const bool result = ::GetQueuedCompletionStatus(inPort, &bytes, &key, &overlapped, INFINITE) != FALSE;
     outCompletion.mOverlapped = reinterpret_cast<Overlapped*>(overlapped);
     outCompletion.mBytesRead = bytes;
+    outCompletion.mRefusal = SystemErrors::kNoError; // the system refuses at the start
     return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include "WinText.h"
 
+#include <memory>
 #include <shlobj.h>
 #include <windows.h>
 
@@ -16,7 +17,7 @@ struct Listing
 {
     HANDLE mHandle;
     WIN32_FIND_DATAW mNext;
-    bool mHasNext;
+    SystemError mEnd; // why there is no next entry; 0 while there is one
 };
 
 namespace {
@@ -58,27 +59,33 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
         pattern += '\\';
     }
     pattern += '*';
-    WIN32_FIND_DATAW first;
-    const HANDLE handle = ::FindFirstFileW(AsWide(pattern.c_str()), &first);
-    if (handle == INVALID_HANDLE_VALUE) {
+    std::unique_ptr<Listing> listing(new Listing{INVALID_HANDLE_VALUE, {}, SystemErrors::kNoError});
+    listing->mHandle = ::FindFirstFileW(AsWide(pattern.c_str()), &listing->mNext);
+    if (listing->mHandle == INVALID_HANDLE_VALUE) {
         return ::GetLastError();
     }
-    outListing = new Listing{handle, first, true};
+    outListing = listing.release();
     return SystemErrors::kNoError;
 }
 
-bool NextEntry_Impl(Listing& ioListing, Entry& outEntry)
+SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry)
 {
-    while (ioListing.mHasNext) {
+    while (ioListing.mEnd == SystemErrors::kNoError) {
         const WIN32_FIND_DATAW current = ioListing.mNext;
-        ioListing.mHasNext = ::FindNextFileW(ioListing.mHandle, &ioListing.mNext) != FALSE;
+        ioListing.mEnd =
+            ::FindNextFileW(ioListing.mHandle, &ioListing.mNext) ? SystemErrors::kNoError : ::GetLastError();
         if (!IsItselfOrAbove(current.cFileName)) {
             outEntry.mName = AsUnits(current.cFileName);
             outEntry.mKind = KindOf(current.dwFileAttributes);
-            return true;
+            return SystemErrors::kNoError;
         }
     }
-    return false;
+    return ioListing.mEnd;
+}
+
+// A process has room for millions of handles.
+void Suspend_Impl(Listing&)
+{
 }
 
 void CloseListing_Impl(Listing* inListing)

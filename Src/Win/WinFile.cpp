@@ -149,10 +149,15 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 }
 
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
-                             const UTF16String& inBackup)
+                             const UTF16String& inBackup, BackupEnd inEnd)
 {
-    return ErrorUnless(::ReplaceFileW(AsWide(inReplaced.c_str()), AsWide(inReplacement.c_str()),
-                                      AsWide(inBackup.c_str()), REPLACEFILE_WRITE_THROUGH, nullptr, nullptr));
+    const SystemError error =
+        ErrorUnless(::ReplaceFileW(AsWide(inReplaced.c_str()), AsWide(inReplacement.c_str()), AsWide(inBackup.c_str()),
+                                   REPLACEFILE_WRITE_THROUGH, nullptr, nullptr));
+    if (error == SystemErrors::kNoError && inEnd == BackupEnd::kIsDeleted) {
+        ::DeleteFileW(AsWide(inBackup.c_str()));
+    }
+    return error;
 }
 
 } // namespace Platform

@@ -37,6 +37,7 @@ TEST(Exception, EachClass_KeepsItsTextWhenThrownByValueAndCaughtAsBase)
         {__LINE__, CaughtAsBase<exClassNotFound>(), "Class not found."},
         {__LINE__, CaughtAsBase<eNotADirectoryPath>(), "Directory object cannot construct with this path."},
         {__LINE__, CaughtAsBase<eDirectoryNoLongerValid>(), "Directory no longer exists."},
+        {__LINE__, CaughtAsBase<eDirectoryNotListed>(), "Directory could not be listed whole."},
         {__LINE__, CaughtAsBase<StartupException>(kDiskFull), "StartupException"},
         {__LINE__, CaughtAsBase<NullInterfaceException>(), "A NULL interface pointer has been dereferenced."},
         {__LINE__, CaughtAsBase<EventFailure>(), "ORL::EventFailure exception"},

@@ -82,16 +82,22 @@ struct FailureWatch
     }
 };
 
-// The callback of a read that cannot start comes on the thread that starts reads, and later reads go on.
-void ExpectRefusedAtItsStart(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
+FailureWatch ExpectRefused(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
 {
     FailureWatch watch;
-    ASSERT_EQ(0, ioReader.QueueReadRequest(inPosition, inSize, outBuffer, &FailureWatch::OnRead, &watch, nullptr,
+    EXPECT_EQ(0, ioReader.QueueReadRequest(inPosition, inSize, outBuffer, &FailureWatch::OnRead, &watch, nullptr,
                                            nullptr));
     ioReader.WaitForPendingReads();
     EXPECT_EQ(1, watch.mCalls);
     EXPECT_EQ(0u, watch.mBytesRead);
     EXPECT_EQ(kGeneralFailure, watch.mResult);
+    return watch;
+}
+
+// The callback of a read that cannot start comes on the thread that starts reads, and later reads go on.
+void ExpectRefusedAtItsStart(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
+{
+    const FailureWatch watch = ExpectRefused(ioReader, inPosition, inSize, outBuffer);
     EXPECT_EQ(std::string("WinAsyncFileReader Async Read Thread").substr(0, 15), watch.mThread);
 }
 
@@ -122,6 +128,24 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
     ExpectRefusedAtItsStart(reader, 0, kBlock - 1, buffer.Get());
     ExpectRefusedAtItsStart(reader, 0, kBlock, buffer.Get() + 1);
     EXPECT_EQ(kBlock, ReadOne(reader, sector, kBlock, buffer).mBytesRead);
+}
+
+// The home platform looks at the buffer before anything else. A read that the kernel would refuse only as it completes
+// must not end the reads of the whole process.
+TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
+{
+    const AlignedBuffer buffer(kBlock);
+    AsyncFileReader reader;
+    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 2 * kBlock), reader));
+    ExpectRefusedAtItsStart(reader, 0, kBlock, nullptr);
+    ExpectRefusedAtItsStart(reader, 2 * kBlock, kBlock, nullptr);
+    void* const constant = ::mmap(nullptr, kBlock, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(MAP_FAILED, constant);
+    ExpectRefused(reader, 0, kBlock, constant);
+    ::munmap(constant, kBlock);
+    ExpectRefused(reader, 0, kBlock, constant);
+    EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead);
+    EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
 }
 
 TEST_P(AsyncReads, FileWithoutPermission_IsRefusedWithTheReaderClosed)

@@ -2,6 +2,8 @@
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>
+#include <AsyncFileReaderImpl.h>
+#include <ORLFile.h>
 #include <ORLHostPath.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
@@ -9,7 +11,11 @@
 #include <cerrno>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <fcntl.h>
 #include <linux/magic.h>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
 
 using namespace ORL;
 using namespace ORL::DiskUtils;
@@ -104,6 +110,114 @@ TEST(SectorSize, IsTheDirectAlignment_At512AtLeast)
     EXPECT_EQ(512u, SectorSize(512));
     EXPECT_EQ(512u, SectorSize(1));
     EXPECT_EQ(512u, SectorSize(0));
+}
+
+namespace {
+
+constexpr char kAnySector[] = "/sys/dev/block/";
+unsigned sTold;             // by statx; 0: nothing
+unsigned sTaken;            // the smallest direct read that the file takes
+const char* sDeviceSector;  // what the device says of itself; null: nothing
+
+int StatxOfBigSectors(int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus)
+{
+    const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
+    // Only a file tells, as on ext4 and xfs.
+    const bool tells = sTold != 0 && S_ISREG(outStatus->stx_mode);
+    outStatus->stx_mask = (outStatus->stx_mask & ~unsigned{STATX_DIOALIGN}) | (tells ? unsigned{STATX_DIOALIGN} : 0u);
+    outStatus->stx_dio_offset_align = tells ? sTold : 0;
+    outStatus->stx_dio_mem_align = tells ? sTold : 0;
+    return answer;
+}
+
+int OpenOfBigSectors(const char* inPath, int inFlags, mode_t inMode)
+{
+    if (std::strncmp(inPath, kAnySector, sizeof(kAnySector) - 1) != 0) {
+        return Linux::kSystem.mOpen(inPath, inFlags, inMode);
+    }
+    if (sDeviceSector == nullptr) {
+        errno = ENOENT;
+        return -1;
+    }
+    const int file = ::memfd_create("sector", MFD_CLOEXEC);
+    EXPECT_EQ(static_cast<ssize_t>(std::strlen(sDeviceSector)),
+              ::write(file, sDeviceSector, std::strlen(sDeviceSector)));
+    return file;
+}
+
+ssize_t ReadOfBigSectors(int inFile, void* outBuffer, std::size_t inSize, off_t inPosition)
+{
+    const bool isDirect = (::fcntl(inFile, F_GETFL) & O_DIRECT) != 0;
+    const auto all = reinterpret_cast<std::uintptr_t>(outBuffer) | inSize | static_cast<std::uintptr_t>(inPosition);
+    if (isDirect && all % sTaken != 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    return Linux::kSystem.mPRead(inFile, outBuffer, inSize, inPosition);
+}
+
+} // namespace
+
+// On a disk with sectors of 4096 bytes the volume, a reader and an unbuffered file have one answer, whether or not the
+// kernel knows the question.
+TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
+{
+    struct Row
+    {
+        int mLine;
+        unsigned mTold;
+        unsigned mTaken;
+        const char* mDevice;
+        unsigned mOfTheFile;
+        unsigned mOfTheFolder;
+    };
+    const Row rows[] = {
+        {__LINE__, 4096, 4096, "4096\n", 4096, 4096},
+        {__LINE__, 0, 4096, "4096\n", 4096, 4096},
+        {__LINE__, 4096, 4096, nullptr, 4096, 512}, // nobody says anything of a folder
+        {__LINE__, 0, 4096, nullptr, 4096, 512},
+        {__LINE__, 0, 4096, "512\n", 4096, 512},
+        {__LINE__, 0, 512, "512\n", 512, 512},
+        {__LINE__, 0, 512, nullptr, 512, 512},
+        {__LINE__, 512, 512, "512\n", 512, 512},
+        {__LINE__, 0, 512, "nonsense\n", 512, 512},
+        {__LINE__, 0, 512, "", 512, 512},
+        {__LINE__, 0, 512, "1000\n", 512, 512},
+        {__LINE__, 0, 512, "99999999999999999999\n", 512, 512},
+    };
+    const TempFolder folder;
+    folder.MakeFile("clip", std::string(65536, 'c'));
+    StartupAsyncFileOperations();
+    for (const Row& row : rows) {
+        SCOPED_TRACE("row at line " + std::to_string(row.mLine));
+        sTold = row.mTold;
+        sTaken = row.mTaken;
+        sDeviceSector = row.mDevice;
+        FaultySystemCalls calls;
+        calls.Underneath().mStatx = &StatxOfBigSectors;
+        calls.Underneath().mOpen = &OpenOfBigSectors;
+        calls.Underneath().mPRead = &ReadOfBigSectors;
+        unsigned int ofFile = 0;
+        unsigned int ofFolder = 0;
+        EXPECT_EQ(kSuccess, GetEfficientDiskBufferSizeFromPath(folder.Path(u"clip"), ofFile));
+        EXPECT_EQ(kSuccess, GetEfficientDiskBufferSizeFromPath(folder.Path(), ofFolder));
+        EXPECT_EQ(row.mOfTheFile, ofFile);
+        EXPECT_EQ(row.mOfTheFolder, ofFolder);
+        AsyncFileReader reader;
+        EXPECT_EQ(kSuccess, AsyncFileReader::Open(folder.Path(u"clip"), reader));
+        EXPECT_EQ(ofFile, reader.GetDiskSectorSize());
+        File file;
+        ASSERT_EQ(kSuccess, file.Create(folder.Path(u"clip"), FileAccessFlags::kFileAccess_Read,
+                                        FileShareModeFlags::kFileShare_Read,
+                                        FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                        FileAttributesFlags::kFileAttribute_NoBuffering, false));
+        alignas(4096) static char bytes[8192];
+        for (const unsigned size : {512u, 1024u, 4096u}) {
+            unsigned count = 0;
+            EXPECT_EQ(size % ofFile == 0, file.Read(bytes, size, count) == kSuccess) << size;
+        }
+    }
+    TerminateAsyncFileOperations();
 }
 
 // A drive is a tree of many file systems: the one that holds the path answers.

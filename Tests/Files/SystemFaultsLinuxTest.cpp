@@ -49,6 +49,7 @@ TEST(SystemErrorFromErrno, EachErrno_HasItsNumber)
         {__LINE__, ENOTEMPTY, 145},
         {__LINE__, EBUSY, 170},
         {__LINE__, EFBIG, 223},
+        {__LINE__, EFAULT, 998},
         {__LINE__, EIO, 1117},
         {__LINE__, ELOOP, 1921},
         // what has no number of its own

@@ -19,4 +19,7 @@ bool SystemTellsCopyProgress();
 /// The system refuses unbuffered reads that are not aligned: Wine 8 does not.
 bool SystemKeepsAlignment();
 
+/// Descriptors or handles that the process has open now. 0 where the system does not tell.
+unsigned OpenHandles();
+
 } // namespace ORLTest

@@ -1,5 +1,8 @@
 #include <SystemProbes.h>
 
+#include <filesystem>
+#include <iterator>
+
 namespace ORLTest {
 
 bool RunsOnEmulator()
@@ -10,6 +13,12 @@ bool RunsOnEmulator()
 bool SystemTakesLongPlainPaths()
 {
     return true;
+}
+
+unsigned OpenHandles()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<unsigned>(std::distance(all, std::filesystem::directory_iterator()));
 }
 
 } // namespace ORLTest

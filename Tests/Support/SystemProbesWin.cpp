@@ -18,4 +18,10 @@ bool SystemTakesLongPlainPaths()
     return RunsOnEmulator() || (ask != nullptr && reinterpret_cast<Ask>(reinterpret_cast<void*>(ask))() != FALSE);
 }
 
+unsigned OpenHandles()
+{
+    DWORD count = 0;
+    return ::GetProcessHandleCount(::GetCurrentProcess(), &count) != FALSE ? static_cast<unsigned>(count) : 0;
+}
+
 } // namespace ORLTest

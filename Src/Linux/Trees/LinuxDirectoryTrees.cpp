@@ -1,13 +1,12 @@
 // The shell's file operation on what a folder holds.
 #include <Platform/Directory.h>
 
-#include "LinuxErrors.h"
-#include "LinuxHostPath.h"
+#include "../LinuxErrors.h"
+#include "../LinuxHostPath.h"
 #include "LinuxTree.h"
 
 #include <Platform/Paths.h>
 #include <cerrno>
-#include <memory>
 #include <utility>
 
 namespace ORL {
@@ -40,12 +39,12 @@ bool IsInside(int inFolder, int inTop)
 {
     struct stat top;
     struct stat current;
-    std::unique_ptr<Descriptor> folder;
+    Descriptor folder;
     bool isKnown = GetIdentity(inTop, top) && GetIdentity(inFolder, current);
     while (isKnown && !IsSame(current, top)) {
-        auto parent = std::make_unique<Descriptor>(OpenFolderAt(folder ? folder->Get() : inFolder, ".."));
+        Descriptor parent(OpenFolderAt(folder ? folder.Get() : inFolder, ".."));
         struct stat above;
-        isKnown = *parent && GetIdentity(parent->Get(), above);
+        isKnown = parent && GetIdentity(parent.Get(), above);
         if (isKnown && IsSame(above, current)) {
             return false;
         }
@@ -61,7 +60,7 @@ int OpenNearest(std::string inPath)
     for (;;) {
         const int folder = OpenFolderAt(AT_FDCWD, inPath.c_str());
         const std::size_t nameEnd = inPath.find_last_not_of('/');
-        if (folder >= 0 || errno != ENOENT || nameEnd == std::string::npos) {
+        if (folder >= 0 || (errno != ENOENT && errno != ENAMETOOLONG) || nameEnd == std::string::npos) {
             return folder;
         }
         inPath.resize(inPath.find_last_of('/', nameEnd) + 1);
@@ -69,20 +68,20 @@ int OpenNearest(std::string inPath)
 }
 
 // What is to be wiped must be a folder itself: through a link, another tree would go and the link stay.
-SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, std::unique_ptr<Descriptor>& outSource)
+SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Descriptor& outSource)
 {
     HostPath path;
-    const SystemError error = ResolveHostPath(inFrom, path);
+    const SystemError error = ReachHostPath(inFrom, path);
     if (error != kNoError) {
         return error;
     }
     if (inFunction == ShellFunction::kDelete && path.mHasTrailingSeparator) {
         path.mPath.pop_back();
-        outSource = std::make_unique<Descriptor>(OpenSubfolder(AT_FDCWD, path.mPath.c_str()));
+        outSource = Descriptor(OpenSubfolder(AT_FDCWD, path.mPath.c_str()));
     } else {
-        outSource = std::make_unique<Descriptor>(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+        outSource = Descriptor(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
     }
-    return *outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
+    return outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
 
 // Puts the names on disk that lead from inTop, which is above it or the folder itself, to the folder.
@@ -93,14 +92,14 @@ int SyncNamesBelow(int inTop, int inFolder)
     if (!GetIdentity(inTop, top) || !GetIdentity(inFolder, current)) {
         return errno;
     }
-    std::unique_ptr<Descriptor> folder;
+    Descriptor folder;
     while (!IsSame(current, top)) {
-        auto parent = std::make_unique<Descriptor>(OpenFolderAt(folder ? folder->Get() : inFolder, ".."));
+        Descriptor parent(OpenFolderAt(folder ? folder.Get() : inFolder, ".."));
         struct stat above;
-        if (!*parent || !GetIdentity(parent->Get(), above)) {
+        if (!parent || !GetIdentity(parent.Get(), above)) {
             return errno;
         }
-        const int failure = SyncFolder(parent->Get());
+        const int failure = SyncFolder(parent.Get());
         if (failure != 0 || IsSame(above, current)) {
             return failure;
         }
@@ -112,10 +111,10 @@ int SyncNamesBelow(int inTop, int inFolder)
 
 // The destination is made where missing, but not inside the source. Where the source goes then, its name stays.
 SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource,
-                            std::unique_ptr<Descriptor>& outDestination)
+                            Descriptor& outDestination)
 {
     HostPath path;
-    const SystemError error = ResolveHostPath(inTo, path);
+    SystemError error = ResolveHostPath(inTo, path);
     if (error != kNoError) {
         return error;
     }
@@ -127,12 +126,20 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
         return kErrorInvalidParameter;
     }
     PathUtils::Platform::PreparePathForWrite_Impl(inTo);
-    outDestination = std::make_unique<Descriptor>(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
-    if (!*outDestination) {
+    error = ReachHostPath(inTo, path);
+    if (error != kNoError) {
+        return error;
+    }
+    outDestination = Descriptor(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+    if (!outDestination) {
         return SystemErrorFromErrno(errno, path.mPath);
     }
+    // The nearest folder of a very long path may be far above.
+    if (path.mFolder && IsInside(outDestination.Get(), inSource)) {
+        return kErrorInvalidParameter;
+    }
     return inFunction == ShellFunction::kMove
-               ? SystemErrorFromErrno(SyncNamesBelow(nearest.Get(), outDestination->Get()))
+               ? SystemErrorFromErrno(SyncNamesBelow(nearest.Get(), outDestination.Get()))
                : kNoError;
 }
 
@@ -147,7 +154,7 @@ SystemError CheckNotEmpty(int inFolder)
 SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& inTo)
 {
     SystemError error = CheckNotEmpty(inSource);
-    std::unique_ptr<Descriptor> destination;
+    Descriptor destination;
     if (error == kNoError) {
         error = OpenDestination(inFunction, inTo, inSource, destination);
     }
@@ -155,8 +162,8 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
         return error;
     }
     return SystemErrorFromErrno(inFunction == ShellFunction::kCopy
-                                    ? CopyContents(inSource, destination->Get(), CopyEnd::kIsWritten)
-                                    : MoveContents(inSource, destination->Get()));
+                                    ? CopyContents(inSource, destination.Get(), CopyEnd::kIsWritten)
+                                    : MoveContents(inSource, destination.Get()));
 }
 
 } // namespace
@@ -164,13 +171,13 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
 {
     // "*.*" fits every name.
-    std::unique_ptr<Descriptor> source;
+    Descriptor source;
     const SystemError error = OpenSource(inFunction, UTF16String(inFrom, 0, inFrom.rfind('\\') + 1), source);
     if (error != kNoError) {
         return error;
     }
-    return inFunction == ShellFunction::kDelete ? SystemErrorFromErrno(WipeContents(source->Get()))
-                                                : Transfer(inFunction, source->Get(), *inTo);
+    return inFunction == ShellFunction::kDelete ? SystemErrorFromErrno(WipeContents(source.Get()))
+                                                : Transfer(inFunction, source.Get(), *inTo);
 }
 
 } // namespace Platform

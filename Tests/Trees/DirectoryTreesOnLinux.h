@@ -38,6 +38,8 @@ inline Tree Read(const fs::path& inFolder)
 class DirectoryTreesOnLinux : public testing::Test
 {
 protected:
+    explicit DirectoryTreesOnLinux(const fs::path& inAbove = fs::temp_directory_path()) : mFolder(inAbove) {}
+
     void MakeTree()
     {
         mFolder.MakeFolder("from/sub");

@@ -1,0 +1,109 @@
+#include "LinuxDirectAlignment.h"
+
+#include "../LinuxDescriptor.h"
+#include "../LinuxErrors.h"
+#include "../SystemCalls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+bool IsTold(const struct statx& inStatus) noexcept
+{
+    return (inStatus.stx_mask & STATX_DIOALIGN) != 0;
+}
+
+// 0 if the kernel says that the file takes no direct I/O.
+std::uint32_t ToldAlignment(const struct statx& inStatus) noexcept
+{
+    return inStatus.stx_dio_offset_align == 0
+               ? 0
+               : std::max({kSmallestSector, inStatus.stx_dio_offset_align, inStatus.stx_dio_mem_align});
+}
+
+// 0 for a number that is no sector size.
+std::uint32_t ReadSectorFile(const char* inPath) noexcept
+{
+    const Descriptor file(System().mOpen(inPath, O_RDONLY | O_CLOEXEC, 0));
+    char text[16] = {};
+    if (!file || System().mPRead(file.Get(), text, sizeof(text) - 1, 0) <= 0) {
+        return 0;
+    }
+    char* end = text;
+    const unsigned long size = std::strtoul(text, &end, 10);
+    const bool isSector = size >= kSmallestSector && size <= kLargestSector && (size & (size - 1)) == 0;
+    return isSector && *end == '\n' ? static_cast<std::uint32_t>(size) : 0;
+}
+
+// The device below a file system. A partition has no queue of its own. Devices that only the kernel has, as those of file
+// systems in memory, have the number 0.
+std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
+{
+    const bool isDevice = S_ISBLK(inStatus.stx_mode);
+    const unsigned major = isDevice ? inStatus.stx_rdev_major : inStatus.stx_dev_major;
+    const unsigned minor = isDevice ? inStatus.stx_rdev_minor : inStatus.stx_dev_minor;
+    std::uint32_t sector = 0;
+    for (const char* const queue : {"queue", "../queue"}) {
+        char path[80];
+        std::snprintf(path, sizeof(path), "/sys/dev/block/%u:%u/%s/logical_block_size", major, minor, queue);
+        sector = major != 0 && sector == 0 ? ReadSectorFile(path) : sector;
+    }
+    return sector != 0 ? sector : kSmallestSector;
+}
+
+// Whether the file takes a direct read of that alignment, and of no greater one.
+bool TakesAlignment(int inFile, std::uint32_t inAlignment) noexcept
+{
+    alignas(kLargestSector) char bytes[2 * kLargestSector];
+    char* const buffer = bytes + inAlignment;
+    return System().mPRead(inFile, buffer, inAlignment, static_cast<off_t>(inAlignment)) >= 0 || errno != EINVAL;
+}
+
+} // namespace
+
+std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept
+{
+    struct statx status = {};
+    const bool isAsked = System().mStatx(inFile, "", AT_EMPTY_PATH, STATX_TYPE | STATX_DIOALIGN, &status) == 0;
+    if (isAsked && IsTold(status)) {
+        return ToldAlignment(status);
+    }
+    if (!inMayRead) {
+        return kLargestSector;
+    }
+    const std::uint32_t sector = isAsked ? SectorOfDevice(status) : kSmallestSector;
+    return TakesAlignment(inFile, sector) ? sector : TakesAlignment(inFile, kLargestSector) ? kLargestSector : 0;
+}
+
+SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)
+{
+    struct statx status = {};
+    if (System().mStatx(AT_FDCWD, inHostPath.c_str(), 0, STATX_TYPE | STATX_DIOALIGN, &status) != 0) {
+        return SystemErrorFromErrno(errno, inHostPath);
+    }
+    if (IsTold(status)) {
+        outSize = std::max(ToldAlignment(status), kSmallestSector);
+        return SystemErrors::kNoError;
+    }
+    outSize = SectorOfDevice(status);
+    if (!S_ISREG(status.stx_mode) && !S_ISBLK(status.stx_mode)) {
+        return SystemErrors::kNoError;
+    }
+    const Descriptor file(
+        System().mOpen(inHostPath.c_str(), O_RDONLY | O_DIRECT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0));
+    if (file) {
+        outSize = std::max(FindDirectAlignment(file.Get(), true), kSmallestSector);
+    } else if (errno == EINVAL) {
+        outSize = kSmallestSector; // the file system has no direct I/O
+    }
+    return SystemErrors::kNoError;
+}
+
+} // namespace Linux
+} // namespace ORL

@@ -1,0 +1,261 @@
+#include "../LinuxCopyBytes.h"
+#include "../LinuxTemporaryName.h"
+#include "LinuxTree.h"
+#include "LinuxTreeRoad.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+constexpr mode_t kPermissions = 0777;
+
+struct timespec TimeOf(const struct statx_timestamp& inTime) noexcept
+{
+    return {static_cast<time_t>(inTime.tv_sec), static_cast<long>(inTime.tv_nsec)};
+}
+
+int KeepTimes(int inTo, const struct statx& inStatus)
+{
+    const struct timespec times[] = {TimeOf(inStatus.stx_atime), TimeOf(inStatus.stx_mtime)};
+    return System().mFUTimens(inTo, times) == 0 ? 0 : errno;
+}
+
+// Whatever the mask of the process is. Not every volume keeps permissions.
+int GiveMode(int inTo, mode_t inMode)
+{
+    const bool isGiven = System().mFChMod(inTo, inMode) == 0;
+    return isGiven || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
+}
+
+/// An entry that has a name of its own until it is whole.
+class NewEntry
+{
+public:
+    explicit NewEntry(int inFolder) : mFolder(inFolder) {}
+    ~NewEntry()
+    {
+        if (mIsThere) {
+            System().mUnlinkAt(mFolder, mName.c_str(), 0);
+        }
+    }
+    NewEntry(const NewEntry&) = delete;
+    NewEntry& operator=(const NewEntry&) = delete;
+
+    /// An open file, or -1 and errno.
+    int MakeFile(mode_t inMode)
+    {
+        return Make([this, inMode](const char* inName) {
+            return System().mOpenAt(mFolder, inName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, inMode);
+        });
+    }
+
+    int MakeLink(const char* inTarget)
+    {
+        return Make([this, inTarget](const char* inName) { return System().mSymLinkAt(inTarget, mFolder, inName); }) == 0
+                   ? 0
+                   : errno;
+    }
+
+    int GiveName(const char* inName)
+    {
+        if (System().mRenameAt(mFolder, mName.c_str(), mFolder, inName, 0) != 0) {
+            return errno;
+        }
+        mIsThere = false;
+        return 0;
+    }
+
+private:
+    template <class Call>
+    int Make(const Call& inCall)
+    {
+        const int answer = MakeUnderTemporaryName("copy", mName, inCall);
+        mIsThere = answer >= 0;
+        return answer;
+    }
+
+    const int mFolder;
+    std::string mName;
+    bool mIsThere = false;
+};
+
+// The contents of one file in a new one, which is closed then.
+int FillCopy(int inFrom, const struct statx& inStatus, Descriptor& ioTo, CopyEnd inEnd)
+{
+    int failure = CopyBytes(inFrom, ioTo.Get(), inStatus.stx_size);
+    if (failure != 0) {
+        return failure;
+    }
+    CopyUserAttributes(inFrom, ioTo.Get(), AttributesThere::kNone);
+    failure = KeepTimes(ioTo.Get(), inStatus);
+    if (failure == 0 && inEnd == CopyEnd::kIsOnDisk) {
+        failure = GiveMode(ioTo.Get(), inStatus.stx_mode & kPermissions);
+    }
+    if (failure == 0 && inEnd == CopyEnd::kIsOnDisk) {
+        failure = System().mFSync(ioTo.Get()) == 0 ? 0 : errno;
+    }
+    return failure == 0 ? ioTo.Close() : failure;
+}
+
+int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
+{
+    TreeHold from;
+    int failure = from.EnterOpen(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0),
+                                 kShareRead, kShareAll);
+    if (failure != 0) {
+        return failure;
+    }
+    if (!S_ISREG(from.Status().stx_mode)) {
+        return ENOTSUP;
+    }
+    // Who has the earlier file open to write must share that, as if it were written in its place.
+    TreeHold replaced;
+    failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
+    if (failure != 0) {
+        return failure;
+    }
+    NewEntry entry(inTo);
+    Descriptor to(entry.MakeFile(from.Status().stx_mode & kPermissions));
+    failure = to ? FillCopy(from.File(), from.Status(), to, inEnd) : errno;
+    return failure == 0 ? entry.GiveName(inName) : failure;
+}
+
+int CopyLinkEntry(int inFrom, const char* inName, int inTo)
+{
+    char target[4096];
+    const ssize_t size = System().mReadLinkAt(inFrom, inName, target, sizeof(target));
+    if (size < 0 || static_cast<std::size_t>(size) == sizeof(target)) {
+        return size < 0 ? errno : ENAMETOOLONG;
+    }
+    NewEntry entry(inTo);
+    const int failure = entry.MakeLink(std::string(target, static_cast<std::size_t>(size)).c_str());
+    return failure == 0 ? entry.GiveName(inName) : failure;
+}
+
+// What the listing does not tell is asked, of the entry itself.
+unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
+{
+    if (inEntry.mType != DT_UNKNOWN) {
+        return inEntry.mType;
+    }
+    struct statx status;
+    if (System().mStatx(inFolder, inEntry.mName.c_str(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) != 0) {
+        return DT_UNKNOWN;
+    }
+    return IFTODT(status.stx_mode);
+}
+
+/// The copy of a tree, one step after the other. A level stands for a folder that is being copied.
+class TreeCopy
+{
+public:
+    TreeCopy(int inFrom, int inTo, CopyEnd inEnd) : mFrom(inFrom), mTo(inTo), mEnd(inEnd) {}
+
+    int Run(TreeEntries&& inEntries)
+    {
+        mLevels.push_back({std::move(inEntries), 0, 0, false});
+        int failure = 0;
+        while (failure == 0 && !mLevels.empty()) {
+            Level& level = mLevels.back();
+            failure = level.mNext < level.mEntries.size() ? CopyNext(level.mEntries[level.mNext++]) : LeaveFolder();
+        }
+        return failure;
+    }
+
+private:
+    struct Level
+    {
+        TreeEntries mEntries;
+        std::size_t mNext;
+        mode_t mMode;
+        bool mGetsMode; // when all is in it
+    };
+
+    int CopyNext(const TreeEntry& inEntry)
+    {
+        const char* const name = inEntry.mName.c_str();
+        switch (TypeOf(mFrom.Folder(), inEntry)) {
+        case DT_DIR:
+            return EnterFolder(name);
+        case DT_LNK:
+            return CopyLinkEntry(mFrom.Folder(), name, mTo.Folder());
+        case DT_REG:
+        case DT_UNKNOWN:
+            return CopyFileEntry(mFrom.Folder(), name, mTo.Folder(), mEnd);
+        default:
+            return ENOTSUP;
+        }
+    }
+
+    // A folder that is there already is joined and keeps its permissions.
+    int EnterFolder(const char* inName)
+    {
+        int failure = mFrom.Enter(inName);
+        if (failure != 0) {
+            return failure;
+        }
+        // By a mount, a folder may be below itself.
+        if (mTo.IsOn(mFrom)) {
+            return EINVAL;
+        }
+        const mode_t mode = mFrom.Status().stx_mode & kPermissions;
+        const bool isNew = System().mMakeDirAt(mTo.Folder(), inName, mode | S_IRWXU) == 0;
+        if (!isNew && errno != EEXIST) {
+            return errno;
+        }
+        failure = mTo.Enter(inName);
+        TreeEntries entries;
+        failure = failure == 0 ? ListFolder(mFrom.Folder(), entries) : failure;
+        if (failure == 0) {
+            mLevels.push_back({std::move(entries), 0, mode, isNew && (mEnd == CopyEnd::kIsOnDisk || (mode & S_IRWXU) != S_IRWXU)});
+        }
+        return failure;
+    }
+
+    // The way back is opened first: a folder may let nobody through it once it has its own permissions.
+    int LeaveFolder()
+    {
+        const Level level = std::move(mLevels.back());
+        mLevels.pop_back();
+        if (mLevels.empty()) {
+            return 0;
+        }
+        int failure = mFrom.OpenAbove();
+        failure = failure == 0 ? mTo.OpenAbove() : failure;
+        if (failure == 0 && level.mGetsMode) {
+            failure = GiveMode(mTo.Folder(), level.mMode);
+        }
+        if (failure == 0 && mEnd == CopyEnd::kIsOnDisk) {
+            failure = SyncFolder(mTo.Folder());
+        }
+        mFrom.Leave();
+        mTo.Leave();
+        return failure;
+    }
+
+    TreeRoad mFrom;
+    TreeRoad mTo;
+    const CopyEnd mEnd;
+    std::vector<Level> mLevels;
+};
+
+} // namespace
+
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd)
+{
+    return TreeCopy(inFrom, inTo, inEnd).Run({inEntry});
+}
+
+int CopyContents(int inFrom, int inTo, CopyEnd inEnd)
+{
+    TreeEntries entries;
+    const int failure = ListFolder(inFrom, entries);
+    return failure == 0 ? TreeCopy(inFrom, inTo, inEnd).Run(std::move(entries)) : failure;
+}
+
+} // namespace Linux
+} // namespace ORL

@@ -1,0 +1,73 @@
+#include "LinuxTreeHold.h"
+
+#include <cerrno>
+#include <sys/sysmacros.h>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+int ErrnoOf(SystemError inError)
+{
+    return inError == SystemErrors::kNoError ? 0 : ETXTBSY;
+}
+
+FileIdentity IdentityOf(const struct statx& inStatus) noexcept
+{
+    return FileIdentity{makedev(inStatus.stx_dev_major, inStatus.stx_dev_minor), inStatus.stx_ino};
+}
+
+} // namespace
+
+// A device must not be opened for a question, and what may not be read can be asked about inside this process alone.
+int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares)
+{
+    struct statx status;
+    if (System().mStatx(inFolder, inName, AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO, &status) != 0) {
+        return errno == ENOENT ? 0 : errno;
+    }
+    if (!S_ISREG(status.stx_mode)) {
+        return 0;
+    }
+    const int file = System().mOpenAt(inFolder, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
+    if (file >= 0) {
+        return EnterOpen(file, inUses, inShares);
+    }
+    if (errno != EACCES && errno != EPERM) {
+        return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry has the name by now
+    }
+    return ErrnoOf(mShares.Enter(-1, IdentityOf(status), inUses, inShares));
+}
+
+int TreeHold::EnterOpen(int inFile, unsigned inUses, unsigned inShares)
+{
+    if (inFile < 0) {
+        return errno;
+    }
+    mFile = inFile;
+    constexpr unsigned kAsked = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_ATIME | STATX_MTIME;
+    if (System().mStatx(mFile, "", AT_EMPTY_PATH, kAsked, &mStatus) != 0) {
+        return errno;
+    }
+    return ErrnoOf(mShares.Enter(mFile, Identity(), inUses, inShares));
+}
+
+void TreeHold::Close() noexcept
+{
+    mShares.Release(mFile);
+    mFile = -1;
+}
+
+FileIdentity TreeHold::Identity() const noexcept
+{
+    return IdentityOf(mStatus);
+}
+
+int OpenSubfolder(int inFolder, const char* inName)
+{
+    return System().mOpenAt(inFolder, inName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
+}
+
+} // namespace Linux
+} // namespace ORL

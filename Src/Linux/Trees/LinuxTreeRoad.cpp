@@ -1,0 +1,65 @@
+#include "LinuxTreeRoad.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <sys/sysmacros.h>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+// One more than the two that every step needs, so that a leaf beside another costs no folder that is opened again.
+constexpr std::size_t kOpenLevels = 3;
+
+} // namespace
+
+int TreeRoad::Enter(const char* inName)
+{
+    const int above = Folder();
+    mLevels.emplace_back();
+    TreeHold& hold = mLevels.back().mHold;
+    const int failure = hold.EnterOpen(OpenSubfolder(above, inName), mUses, mShares);
+    if (failure != 0) {
+        mLevels.pop_back();
+        return failure;
+    }
+    mLevels.back().mIdentity = hold.Identity();
+    if (mLevels.size() > kOpenLevels) {
+        mLevels[mLevels.size() - 1 - kOpenLevels].mHold.Close();
+    }
+    return 0;
+}
+
+int TreeRoad::OpenAbove()
+{
+    if (Above() >= 0) {
+        return 0;
+    }
+    Level& above = mLevels[mLevels.size() - 2];
+    const int folder =
+        System().mOpenAt(Folder(), "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
+    int failure = above.mHold.EnterOpen(folder, mUses, mShares);
+    const bool isAnother = failure == 0 && !(above.mHold.Identity() == above.mIdentity);
+    if (isAnother || failure == ENOENT) {
+        failure = ESTALE;
+    }
+    if (failure != 0) {
+        above.mHold.Close();
+    }
+    return failure;
+}
+
+bool TreeRoad::IsOn(const TreeRoad& inOther) const
+{
+    const FileIdentity deepest = inOther.mLevels.back().mIdentity;
+    struct statx top;
+    const bool isTop = System().mStatx(mTop, "", AT_EMPTY_PATH, STATX_INO, &top) == 0
+                       && FileIdentity{makedev(top.stx_dev_major, top.stx_dev_minor), top.stx_ino} == deepest;
+    return isTop || std::any_of(mLevels.begin(), mLevels.end(), [&deepest](const Level& inLevel) {
+               return inLevel.mIdentity == deepest;
+           });
+}
+
+} // namespace Linux
+} // namespace ORL

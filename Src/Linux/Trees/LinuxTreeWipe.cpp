@@ -1,0 +1,62 @@
+#include "LinuxTreeWalk.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace ORL {
+namespace Linux {
+
+namespace {
+
+int WipeFile(int inFolder, const char* inName)
+{
+    TreeHold file;
+    const int failure = file.EnterFile(inFolder, inName, kShareDelete, kShareAll);
+    if (failure != 0) {
+        return failure;
+    }
+    return System().mUnlinkAt(inFolder, inName, 0) == 0 ? 0 : errno;
+}
+
+class TreeWipe : public TreeWalk
+{
+public:
+    using TreeWalk::TreeWalk;
+
+private:
+    // The listing may be wrong by now, so the system has the last word on what is a folder.
+    int Visit(const TreeEntry& inEntry) override
+    {
+        const char* const name = inEntry.mName.c_str();
+        const int failure = inEntry.mType != DT_DIR ? WipeFile(Folder(), name) : EISDIR;
+        return failure == EISDIR ? EnterFolder(name) : failure;
+    }
+
+    // What is mounted into the tree is not a part of it, and could not be removed from it.
+    int Accept(const struct statx& inStatus) override
+    {
+        return (inStatus.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ? EBUSY : 0;
+    }
+
+    int Leave(int inAbove, const char* inName) override
+    {
+        return System().mUnlinkAt(inAbove, inName, AT_REMOVEDIR) == 0 ? 0 : errno;
+    }
+};
+
+} // namespace
+
+int WipeEntry(int inFolder, const TreeEntry& inEntry)
+{
+    return TreeWipe(inFolder).Run({inEntry});
+}
+
+int WipeContents(int inFolder)
+{
+    TreeEntries entries;
+    const int failure = ListFolder(inFolder, entries);
+    return failure == 0 ? TreeWipe(inFolder).Run(std::move(entries)) : failure;
+}
+
+} // namespace Linux
+} // namespace ORL

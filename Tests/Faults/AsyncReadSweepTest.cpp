@@ -1,0 +1,71 @@
+// The asynchronous reader with its memory refused at every place of the caller's thread.
+#include "FilesSweep.h"
+
+#include <AsyncFileReaderImpl.h>
+#include <ORLAsyncFileReader.h>
+#include <ORLResult.h>
+
+#include <atomic>
+#include <new>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+constexpr unsigned kSize = 65536;
+
+struct Watch
+{
+    std::atomic<unsigned> mCalls{0};
+    std::atomic<unsigned> mBytes{0};
+    std::atomic<int> mResult{1};
+
+    static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+                       void* inWatch, void*, void*, int inResult)
+    {
+        Watch& watch = *static_cast<Watch*>(inWatch);
+        ++watch.mCalls;
+        watch.mBytes = inBytesRead;
+        watch.mResult = inResult;
+    }
+};
+
+class AsyncReadSweep : public FilesSweep
+{
+protected:
+    AsyncReadSweep()
+    {
+        mFolder.MakeFile("clip", std::string(kSize, 'c'));
+        StartupAsyncFileOperations();
+    }
+
+    ~AsyncReadSweep() override
+    {
+        TerminateAsyncFileOperations();
+        EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords());
+    }
+
+    const UTF16String mClip = mFolder.Path(u"clip");
+    alignas(4096) char mBuffer[kSize];
+};
+
+} // namespace
+
+TEST_F(AsyncReadSweep, OpenReadWaitAndClose)
+{
+    SweepQuestion([this] {
+        AsyncFileReader reader;
+        if (AsyncFileReader::Open(mClip, reader) != kSuccess) {
+            return;
+        }
+        EXPECT_NE(0u, reader.GetDiskSectorSize());
+        Watch watch;
+        EXPECT_EQ(0, reader.QueueReadRequest(0, kSize, mBuffer, &Watch::OnRead, &watch, nullptr, nullptr));
+        reader.WaitForPendingReads();
+        EXPECT_EQ(1u, watch.mCalls);
+        EXPECT_EQ(kSize, watch.mBytes);
+        EXPECT_EQ(kSuccess, watch.mResult);
+        reader.Close();
+    });
+}

@@ -1,0 +1,85 @@
+// Operations on files whose memory is refused at every place: no handle and no memory stays behind, and what the
+// operation left on disk is checked after each round.
+#pragma once
+
+#include "MemoryFaults.h"
+
+#include <SystemProbes.h>
+#include <TempFolder.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <string>
+
+namespace ORLTest {
+
+/// By name: the contents, "/" for a folder.
+using Entries = std::map<std::string, std::string>;
+
+class FilesSweep : public testing::Test
+{
+protected:
+    /// inPrepare makes what inWork needs, before every round. inCheck(done) looks at what a round has left; done says
+    /// whether the work ended without an exception.
+    void Sweep(const std::function<void()>& inPrepare, const std::function<void()>& inWork,
+               const std::function<void(bool)>& inCheck)
+    {
+        inPrepare();
+        inWork(); // what is made once and kept
+        inCheck(true);
+        inPrepare();
+        const unsigned handles = OpenHandles();
+        bool done = false;
+        SweepMemory(
+            [&] {
+                done = false;
+                inWork();
+                done = true;
+            },
+            [&] {
+                EXPECT_EQ(handles, OpenHandles());
+                inCheck(done);
+                inPrepare();
+            });
+    }
+
+    /// Of work that changes nothing on disk.
+    void SweepQuestion(const std::function<void()>& inWork)
+    {
+        const Entries before = Read();
+        Sweep([] {}, inWork, [&](bool) { EXPECT_EQ(before, Read()); });
+    }
+
+    void Empty() const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(mFolder.Host())) {
+            std::filesystem::remove_all(entry.path());
+        }
+    }
+
+    Entries Read(const std::string& inBelow = ".") const
+    {
+        Entries entries;
+        const std::filesystem::path top = (mFolder.Host() / inBelow).lexically_normal();
+        if (!std::filesystem::exists(top)) {
+            return entries;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(top)) {
+            std::string what = "/";
+            if (!entry.is_directory()) {
+                std::ifstream file(entry.path(), std::ios::binary);
+                what.assign(std::istreambuf_iterator<char>(file), {});
+            }
+            entries[entry.path().lexically_relative(top).generic_string()] = what;
+        }
+        return entries;
+    }
+
+    TempFolder mFolder;
+};
+
+} // namespace ORLTest
