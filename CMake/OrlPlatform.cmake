@@ -35,6 +35,16 @@ else()
   set(ORL_SYSTEM_LIBRARIES "")
 endif()
 
+# The JSON library is headers alone, the same for both platforms: a folder that holds them and nothing else of the
+# machine's include folder.
+set(json_include "${CMAKE_BINARY_DIR}/json-include")
+file(MAKE_DIRECTORY "${json_include}")
+if(NOT EXISTS "${json_include}/nlohmann")
+  file(CREATE_LINK /usr/include/nlohmann "${json_include}/nlohmann" SYMBOLIC)
+endif()
+add_library(orl_json INTERFACE)
+target_include_directories(orl_json SYSTEM INTERFACE $<BUILD_INTERFACE:${json_include}>)
+
 # What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.
 file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
 add_library(orl_strict INTERFACE)

@@ -10,8 +10,10 @@
 #include <ORLApplication.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLAtomic.h>
+#include <ORLAutomationDataCollector.h>
 #include <ORLCString.h>
 #include <ORLClassFactory.h>
+#include <ORLColor.h>
 #include <ORLConfig.h>
 #include <ORLConstString.h>
 #include <ORLConstants.h>
@@ -25,6 +27,8 @@
 #include <ORLExceptionRecordLinux.h>
 #include <ORLFailureReport.h>
 #include <ORLFile.h>
+#include <ORLGeometry.h>
+#include <ORLHashValue.h>
 #include <ORLHostPath.h>
 #include <ORLImmutableString.h>
 #include <ORLImpl.h>
@@ -38,6 +42,7 @@
 #include <ORLObjectPtr.h>
 #include <ORLParamString.h>
 #include <ORLPathUtils.h>
+#include <ORLProcess.h>
 #include <ORLRegistryKey.h>
 #include <ORLRegistryStore.h>
 #include <ORLResourceCollection.h>
@@ -49,10 +54,12 @@
 #include <ORLStream.h>
 #include <ORLString.h>
 #include <ORLStringResources.h>
+#include <ORLSystemInfo.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
 #include <ORLThreadedWorkQueue.h>
 #include <ORLThreadedWorkQueueFlush.h>
+#include <ORLTimeStamp.h>
 #include <ORLTimecode.h>
 #include <ORLWaitableGate.h>
 

@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -48,6 +49,16 @@ int LockRange(int inFile, int inCommand, struct flock* ioLock)
 int RenameTo(const char* inFrom, const char* inTo, unsigned inFlags)
 {
     return ::renameat2(AT_FDCWD, inFrom, AT_FDCWD, inTo, inFlags);
+}
+
+int GetResourceLimit(int inResource, struct rlimit* outLimit)
+{
+    return ::getrlimit(static_cast<__rlimit_resource>(inResource), outLimit);
+}
+
+int GetTscMode(int* outMode)
+{
+    return ::prctl(PR_GET_TSC, outMode);
 }
 
 // The call is inline in the library's header and has no address of its own.
@@ -119,6 +130,8 @@ constexpr SystemCalls TheSystem()
     calls.mAdvisePages = &::madvise;
     calls.mUnmapPages = &::munmap;
     calls.mClockGetTime = &::clock_gettime;
+    calls.mGetResourceLimit = &GetResourceLimit;
+    calls.mGetTscMode = &GetTscMode;
     calls.mCreateThread = &::pthread_create;
     calls.mUringQueueInit = &::io_uring_queue_init_params;
     calls.mUringSubmit = &::io_uring_submit;

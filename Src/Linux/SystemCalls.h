@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
@@ -84,6 +85,8 @@ struct io_uring_cqe;
     X(AdvisePages, Errno, int, (void* inPages, std::size_t inSize, int inAdvice), (inPages, inSize, inAdvice), sNoSize) \
     X(UnmapPages, Errno, int, (void* inPages, std::size_t inSize), (inPages, inSize), sNoSize)                        \
     X(ClockGetTime, Errno, int, (clockid_t inClock, struct timespec * outTime), (inClock, outTime), sNoSize)           \
+    X(GetResourceLimit, Errno, int, (int inResource, struct rlimit * outLimit), (inResource, outLimit), sNoSize)       \
+    X(GetTscMode, Errno, int, (int* outMode), (outMode), sNoSize)                                                      \
     X(CreateThread, Number, int,                                                                                       \
       (pthread_t * outThread, const pthread_attr_t* inAttributes, void* (*inBody)(void*), void* inArgument),           \
       (outThread, inAttributes, inBody, inArgument), sNoSize)                                                          \

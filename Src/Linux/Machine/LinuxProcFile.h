@@ -1,0 +1,20 @@
+// Small text files of /proc.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace ORL {
+namespace Linux {
+
+/// Reads a file from its start until the buffer is full or the file ends. Returns 0, or the errno of the call that
+/// failed; outSize counts the bytes read, also before a failure.
+int ReadProcFile(const char* inPath, char* outBuffer, std::size_t inSize, std::size_t& outSize) noexcept;
+
+/// Takes the next number of blanks-separated text off its front. Returns false, with both untouched, if the text does
+/// not begin with blanks and a decimal number of 64 bits.
+bool TakeNumber(std::string_view& ioText, std::uint64_t& outNumber) noexcept;
+
+} // namespace Linux
+} // namespace ORL

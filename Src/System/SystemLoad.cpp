@@ -1,0 +1,57 @@
+#include <ORLSystemInfo.h>
+
+#include <ORLDebug.h>
+#include <Platform/SystemInfo.h>
+
+#include <atomic>
+
+namespace ORL {
+namespace SystemInfo {
+
+namespace {
+
+using namespace Platform;
+
+// Made by the first call and never closed. Two first calls at once may each make a query; one of them stays unused.
+std::atomic<LoadQuery> sLoadQuery{nullptr};
+std::atomic<LoadCounter> sLoadCounter{nullptr};
+
+constexpr char kFunction[] = "ORL::SystemInfo::Platform::GetSystemLoad_Impl";
+
+void OpenQuery()
+{
+    LoadQuery query = nullptr;
+    if (OpenLoadQuery_Impl(query) != SystemErrors::kNoError) {
+        return;
+    }
+    LoadCounter counter = nullptr;
+    if (AddLoadCounter_Impl(query, counter) != SystemErrors::kNoError) {
+        ORL_ASSERT_IN(false, kFunction);
+    }
+    sLoadCounter.store(counter, std::memory_order_release);
+    sLoadQuery.store(query, std::memory_order_release);
+}
+
+} // namespace
+
+float GetSystemLoad()
+{
+    if (sLoadQuery.load(std::memory_order_acquire) == nullptr) {
+        OpenQuery();
+    }
+    const LoadQuery query = sLoadQuery.load(std::memory_order_acquire);
+    if (query != nullptr && CollectLoadSample_Impl(query) != SystemErrors::kNoError) {
+        ORL_ASSERT_IN(false, kFunction);
+        return 0;
+    }
+    const LoadCounter counter = sLoadCounter.load(std::memory_order_acquire);
+    long percent = 0;
+    if (counter == nullptr || CheckLoadSample_Impl(counter) != SystemErrors::kNoError
+        || GetLoadPercent_Impl(counter, percent) != SystemErrors::kNoError) {
+        return 0;
+    }
+    return static_cast<float>(percent);
+}
+
+} // namespace SystemInfo
+} // namespace ORL
