@@ -17,57 +17,58 @@ struct RGB
     float mBlue = 0;
 };
 
-enum Channel { kRed, kGreen, kBlue };
-
 inline bool IsNearZero(float inValue)
 {
     return std::fabs(inValue) < 0.0001f;
 }
 
-/// The hue as a share of the circle. inSpread is the largest channel less the smallest.
-inline float Hue(const RGB& inColor, Channel inLargest, float inSpread)
+/// Red, green and blue, and the first two again: behind each channel stand the two others in their order. Indexing needs
+/// no branch, and which channel of a colour is the largest cannot be predicted.
+struct ChannelRing
 {
-    float sixths = 0;
-    switch (inLargest) {
-    case kRed:
-        sixths = (inColor.mGreen - inColor.mBlue) / inSpread;
-        break;
-    case kGreen:
-        sixths = (inColor.mBlue - inColor.mRed) / inSpread + 2.0f;
-        break;
-    case kBlue:
-        sixths = (inColor.mRed - inColor.mGreen) / inSpread + 4.0f;
-        break;
-    }
-    const double wide = sixths;
-    return static_cast<float>((wide < 0 ? wide + 6.0 : wide) / 6.0);
+    ChannelRing(float inRed, float inGreen, float inBlue) : mChannels{inRed, inGreen, inBlue, inRed, inGreen} {}
+
+    float operator[](unsigned inChannel) const { return mChannels[inChannel]; }
+
+    float mChannels[5];
+};
+
+inline constexpr unsigned kRed = 0;
+inline constexpr unsigned kGreen = 1;
+inline constexpr unsigned kBlue = 2;
+
+/// The hue as a share of the circle. inSpread is the largest channel less the smallest.
+inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
+{
+    static constexpr float kSectors[] = {-0.0f, 2, 4}; // adding -0 changes no number
+    static constexpr double kTurns[] = {-0.0, 6};
+    const double sixths = (inColor[inLargest + 1] - inColor[inLargest + 2]) / inSpread + kSectors[inLargest];
+    return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);
 }
 
 /// The two choices of the largest and the smallest channel differ where channels are equal.
-inline Channel LargestOfHSV(const RGB& inColor)
+inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
-    if (inColor.mGreen > inColor.mRed) {
-        return inColor.mBlue > inColor.mGreen ? kBlue : kGreen;
-    }
-    return inColor.mBlue > inColor.mRed ? kBlue : kRed;
+    const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;
+    const unsigned isBlue = inColor[kBlue] > inColor[redOrGreen] ? 1 : 0;
+    return (redOrGreen & (isBlue ^ 1u)) | (kBlue * isBlue); // compilers branch on a second choice
 }
 
-inline float SmallestOfHSV(const RGB& inColor)
+inline float SmallestOfHSV(const ChannelRing& inColor)
 {
-    if (inColor.mRed > inColor.mGreen) {
-        return inColor.mGreen > inColor.mBlue ? inColor.mBlue : inColor.mGreen;
-    }
-    return inColor.mRed > inColor.mBlue ? inColor.mBlue : inColor.mRed;
+    const float redOrGreen = inColor[kRed] > inColor[kGreen] ? inColor[kGreen] : inColor[kRed];
+    return redOrGreen > inColor[kBlue] ? inColor[kBlue] : redOrGreen;
 }
 
-inline float ValueOf(const RGB& inColor, Channel inChannel)
-{
-    return inChannel == kRed ? inColor.mRed : inChannel == kGreen ? inColor.mGreen : inColor.mBlue;
-}
-
-inline RGB Normalized(const ParamColor<unsigned long>& inColor)
+inline ChannelRing Normalized(const ParamColor<unsigned long>& inColor)
 {
     return {inColor.GetRed() / 255.0f, inColor.GetGreen() / 255.0f, inColor.GetBlue() / 255.0f};
+}
+
+/// Degrees or percent of a value from 0 to 1; the 0.5 is added in double.
+inline unsigned int Whole(float inValue, float inWhole)
+{
+    return static_cast<unsigned int>(static_cast<int>(inValue * inWhole + 0.5));
 }
 
 /// Low 8 bits of the rounded channel.
@@ -87,13 +88,7 @@ inline unsigned int StoredNumber(double inValue)
     return static_cast<unsigned int>(Wrapping::TruncateToUnsigned64(inValue));
 }
 
-/// Degrees or percent of a normalised value; the 0.5 is added in double.
-inline unsigned int StoredInDouble(float inValue, float inWhole)
-{
-    return StoredNumber(inValue * inWhole + 0.5);
-}
-
-/// The same with the 0.5 added in float.
+/// Degrees or percent of any value; the 0.5 is added in float.
 inline unsigned int StoredInFloat(float inValue, float inWhole)
 {
     return StoredNumber(inValue * inWhole + 0.5f);

@@ -9,20 +9,18 @@ using namespace ColorMath;
 
 namespace {
 
-Channel Largest(const RGB& inColor)
+unsigned Largest(const ChannelRing& inColor)
 {
-    if (inColor.mBlue >= inColor.mRed && inColor.mBlue >= inColor.mGreen) {
-        return kBlue;
-    }
-    return inColor.mGreen >= inColor.mRed && inColor.mGreen >= inColor.mBlue ? kGreen : kRed;
+    const bool isBlue = inColor[kBlue] >= inColor[kRed] && inColor[kBlue] >= inColor[kGreen];
+    const bool isGreen = inColor[kGreen] >= inColor[kRed] && inColor[kGreen] >= inColor[kBlue];
+    return isBlue ? kBlue : isGreen ? kGreen : kRed;
 }
 
-float Smallest(const RGB& inColor)
+float Smallest(const ChannelRing& inColor)
 {
-    if (inColor.mRed >= inColor.mBlue && inColor.mGreen >= inColor.mBlue) {
-        return inColor.mBlue;
-    }
-    return inColor.mRed >= inColor.mGreen && inColor.mBlue >= inColor.mGreen ? inColor.mGreen : inColor.mRed;
+    const bool isBlue = inColor[kRed] >= inColor[kBlue] && inColor[kGreen] >= inColor[kBlue];
+    const bool isGreen = inColor[kRed] >= inColor[kGreen] && inColor[kBlue] >= inColor[kGreen];
+    return inColor[isBlue ? kBlue : isGreen ? kGreen : kRed];
 }
 
 RGB OfHSL(unsigned int inH, float inS, unsigned int inL)
@@ -33,51 +31,44 @@ RGB OfHSL(unsigned int inH, float inS, unsigned int inL)
     return color;
 }
 
-} // namespace
-
-void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL, bool* outHasHue,
-                        bool* outHasSaturation)
+// inStore makes an output of a value and its whole, inStoreLightness the lightness.
+template <class Number, class Store, class StoreLightness>
+inline void ToHSL(const ChannelRing& inColor, Number& outH, Number& outS, Number& outL, bool* outHasHue,
+                  bool* outHasSaturation, const Store& inStore, const StoreLightness& inStoreLightness)
 {
-    const RGB color{inR, inG, inB};
-    const Channel largest = Largest(color);
-    const float most = ValueOf(color, largest);
-    const float least = Smallest(color);
+    const unsigned largest = Largest(inColor);
+    const float most = inColor[largest];
+    const float least = Smallest(inColor);
     const float lightness = (most + least) * 0.5f;
-    outL = lightness;
+    outL = inStoreLightness(lightness, 100.0f);
     if (IsNearZero(lightness)) {
         SetFlag(outHasSaturation, false);
         SetFlag(outHasHue, false);
         return;
     }
     const float saturation = most - least;
-    outS = saturation;
+    outS = inStore(saturation, 100.0f);
     SetFlag(outHasSaturation, true);
     const bool hasHue = !IsNearZero(saturation);
     SetFlag(outHasHue, hasHue);
     if (hasHue) {
-        outH = Hue(color, largest, saturation);
+        outH = inStore(Hue(inColor, largest, saturation), 360.0f);
     }
+}
+
+} // namespace
+
+void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL, bool* outHasHue,
+                        bool* outHasSaturation)
+{
+    const auto same = [](float inValue, float) { return inValue; };
+    ToHSL(ChannelRing(inR, inG, inB), outH, outS, outL, outHasHue, outHasSaturation, same, same);
 }
 
 void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                    unsigned int& outL, bool* outHasHue, bool* outHasSaturation)
 {
-    const RGB color = Normalized(inColor);
-    float hue = 0;
-    float saturation = 0;
-    float lightness = 0;
-    bool hasHue = false;
-    bool hasSaturation = false;
-    NormalizedRGBtoHSL(color.mRed, color.mGreen, color.mBlue, hue, saturation, lightness, &hasHue, &hasSaturation);
-    if (hasHue) {
-        outH = StoredInDouble(hue, 360.0f);
-    }
-    if (hasSaturation) {
-        outS = StoredInDouble(saturation, 100.0f);
-    }
-    outL = StoredInFloat(lightness, 100.0f);
-    SetFlag(outHasHue, hasHue);
-    SetFlag(outHasSaturation, hasSaturation);
+    ToHSL(Normalized(inColor), outH, outS, outL, outHasHue, outHasSaturation, &Whole, &StoredInFloat);
 }
 
 void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB)
@@ -112,8 +103,9 @@ void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigne
                    unsigned int& outV)
 {
     float saturation = static_cast<float>(inS) / 100.0f;
-    const RGB color = OfHSL(inH, saturation, inL);
-    const float value = ValueOf(color, LargestOfHSV(color));
+    const RGB rgb = OfHSL(inH, saturation, inL);
+    const ChannelRing color(rgb.mRed, rgb.mGreen, rgb.mBlue);
+    const float value = color[LargestOfHSV(color)];
     if (!IsNearZero(value)) {
         saturation = (value - SmallestOfHSV(color)) / value;
     }

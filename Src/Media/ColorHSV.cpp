@@ -7,48 +7,46 @@ namespace ORL {
 
 using namespace ColorMath;
 
-void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
-                        bool* outHasSaturation)
+namespace {
+
+// inStore makes an output of a value and its whole. Outputs are stored as they are found: a record of them, with flags,
+// costs half as much again.
+template <class Number, class Store>
+inline void ToHSV(const ChannelRing& inColor, Number& outH, Number& outS, Number& outV, bool* outHasHue,
+                  bool* outHasSaturation, const Store& inStore)
 {
-    const RGB color{inR, inG, inB};
-    const Channel largest = LargestOfHSV(color);
-    const float value = ValueOf(color, largest);
-    outV = value;
+    const unsigned largest = LargestOfHSV(inColor);
+    const float value = inColor[largest];
+    outV = inStore(value, 100.0f);
     if (IsNearZero(value)) {
         SetFlag(outHasSaturation, false);
         SetFlag(outHasHue, false);
         return;
     }
-    const float spread = value - SmallestOfHSV(color);
+    const float spread = value - SmallestOfHSV(inColor);
     const float saturation = spread / value;
-    outS = saturation;
+    outS = inStore(saturation, 100.0f);
     SetFlag(outHasSaturation, true);
     const bool hasHue = !IsNearZero(saturation);
     SetFlag(outHasHue, hasHue);
     if (hasHue) {
-        outH = Hue(color, largest, spread);
+        outH = inStore(Hue(inColor, largest, spread), 360.0f);
     }
+}
+
+} // namespace
+
+void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
+                        bool* outHasSaturation)
+{
+    ToHSV(ChannelRing(inR, inG, inB), outH, outS, outV, outHasHue, outHasSaturation,
+          [](float inValue, float) { return inValue; });
 }
 
 void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                    unsigned int& outV, bool* outHasHue, bool* outHasSaturation)
 {
-    const RGB color = Normalized(inColor);
-    float hue = 0;
-    float saturation = 0;
-    float value = 0;
-    bool hasHue = false;
-    bool hasSaturation = false;
-    NormalizedRGBtoHSV(color.mRed, color.mGreen, color.mBlue, hue, saturation, value, &hasHue, &hasSaturation);
-    if (hasHue) {
-        outH = StoredInDouble(hue, 360.0f);
-    }
-    if (hasSaturation) {
-        outS = StoredInDouble(saturation, 100.0f);
-    }
-    outV = StoredInDouble(value, 100.0f);
-    SetFlag(outHasHue, hasHue);
-    SetFlag(outHasSaturation, hasSaturation);
+    ToHSV(Normalized(inColor), outH, outS, outV, outHasHue, outHasSaturation, &Whole);
 }
 
 void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& outG, float& outB)

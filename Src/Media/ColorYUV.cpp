@@ -18,9 +18,9 @@ bool IsByte(int inValue)
 }
 
 // The 8 bits wrap, so adding 128 takes the offset of 128 off again.
-char AboutZero(unsigned char inValue)
+char AboutZero(int inByte)
 {
-    return static_cast<char>(static_cast<signed char>(static_cast<unsigned char>(inValue + 128)));
+    return static_cast<char>(inByte + 128);
 }
 
 // Clamps before it converts, since a float may hold more than any integer.
@@ -40,12 +40,13 @@ void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY
     const double red = inColor.GetRed();
     const double green = inColor.GetGreen();
     const double blue = inColor.GetBlue();
+    // Y stays within 16 and 235, U and V within 16 and 239: no clamp is left to do.
     const int y = static_cast<int>(0.257 * red + 0.504 * green + 0.098 * blue + 16);
     const int v = static_cast<int>(0.439 * red - 0.368 * green - 0.071 * blue + 128);
     const int u = static_cast<int>(-0.148 * red - 0.291 * green + 0.439 * blue + 128);
-    outY = ClampToByte(y);
-    outU = AboutZero(ClampToByte(u));
-    outV = AboutZero(ClampToByte(v));
+    outY = static_cast<unsigned char>(y);
+    outU = AboutZero(u);
+    outV = AboutZero(v);
 }
 
 bool ColorYUVtoRGB(unsigned char inY, char inU, char inV, ParamColor<unsigned long>& outColor)

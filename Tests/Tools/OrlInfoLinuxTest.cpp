@@ -24,7 +24,7 @@ TEST(OrlInfo, ARelativeHostPath_StartsInTheCurrentFolder)
     folder.MakeFile("clip.mov");
     const ProcessResult result = RunBesideThisProgram("orl", {"info", "clip.mov"}, folder.Host().string());
     EXPECT_TRUE(Shows(result, folder.Host().string() + "/clip.mov\n")) << result.mOutput << result.mErrors;
-    EXPECT_TRUE(Shows(result, "kind         file\n")) << result.mOutput;
+    EXPECT_TRUE(Shows(result, "kind           file\n")) << result.mOutput;
 }
 
 TEST(OrlInfo, ANameThatIsNotUTF8_ShowsItsBytesAsHostPath)
@@ -35,7 +35,7 @@ TEST(OrlInfo, ANameThatIsNotUTF8_ShowsItsBytesAsHostPath)
     const ProcessResult result = RunBesideThisProgram("orl", {"info", host});
     EXPECT_TRUE(Shows(result, host + "\n")) << result.mOutput << result.mErrors;
     EXPECT_TRUE(Shows(result, "\\caf\xEF\x83\xA9\n")) << "the library path holds the byte's unit";
-    EXPECT_TRUE(Shows(result, "kind         file\n"));
+    EXPECT_TRUE(Shows(result, "kind           file\n"));
     EXPECT_TRUE(Shows(RunBesideThisProgram("orl", {"info", "--json", host}), "caf\xEF\xBF\xBD\""))
         << "JSON holds no bytes that are not UTF-8";
 }
@@ -45,7 +45,7 @@ TEST(OrlInfo, AHostNameThatLooksLikeADrive_IsReachedFromItsFolder)
     const TempFolder folder;
     folder.MakeFile("C:clip");
     const ProcessResult result = RunBesideThisProgram("orl", {"info", "./C:clip"}, folder.Host().string());
-    EXPECT_TRUE(Shows(result, "kind         file\n")) << result.mOutput << result.mErrors;
+    EXPECT_TRUE(Shows(result, "kind           file\n")) << result.mOutput << result.mErrors;
 }
 
 TEST(OrlInfo, AFullDiskUnderTheOutput_IsAFailure)

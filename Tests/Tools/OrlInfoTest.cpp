@@ -1,6 +1,7 @@
 // orl info as a user meets it: what it prints, how it ends.
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
+#include <ORLSystemInfo.h>
 
 #include <ProcessRunner.h>
 
@@ -144,6 +145,26 @@ TEST(OrlInfo, Json_IsOneObjectWithQuotedTexts)
     EXPECT_NE(std::string::npos, result.mOutput.find("\"path\": \"C:\\\\a b\""));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"kind\": \"missing\""));
     EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"C:\\\\\", \"hostFolder\": "));
+}
+
+TEST(OrlInfo, OfTheMachine_ShowsProcessorsMemoryLoadAndProcessClock)
+{
+    const ProcessResult result = Orl({"info"});
+    ASSERT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ(std::to_string(ORL::SystemInfo::GetCPUCount()), Row(result.mOutput, "processors"));
+    EXPECT_NE(std::string::npos, Row(result.mOutput, "memory").find(" available"));
+    EXPECT_NE("", Row(result.mOutput, "address space"));
+    const int load = std::stoi(Row(result.mOutput, "load"));
+    EXPECT_GE(load, 0);
+    EXPECT_LE(load, 100);
+    EXPECT_GE(std::stoi(Row(result.mOutput, "process clock")), 150) << "the load is taken over 200 ms";
+    const ProcessResult json = Orl({"info", "--json"});
+    EXPECT_NE(std::string::npos, json.mOutput.find("\"processors\": " + std::to_string(ORL::SystemInfo::GetCPUCount())));
+    EXPECT_NE(std::string::npos,
+              json.mOutput.find("\"physicalMemory\": " + std::to_string(ORL::SystemInfo::GetTotalPhysicalMemory())));
+    for (const char* name : {"availableMemory", "virtualMemory", "loadPercent", "processClockMilliseconds"}) {
+        EXPECT_NE(std::string::npos, json.mOutput.find(std::string("\"") + name + "\": ")) << name;
+    }
 }
 
 TEST(OrlInfo, TwoPaths_AreAMistakeOfTheCommandLine)

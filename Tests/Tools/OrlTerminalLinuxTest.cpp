@@ -163,6 +163,39 @@ TEST_F(OrlTerminal, Stream_ShowsAProgressLineAndTakesItBackBeforeTheTable)
     EXPECT_EQ(0u, screen.find("\r100 %  clip.mov\x1b[K\r\x1b[Kfile ")) << screen;
 }
 
+// A patch of the colour above its forms, where the terminal shows colours.
+TEST_F(OrlTerminal, Colour_ShowsAPatchWhereTheTerminalShowsColours)
+{
+    const char* const term = std::getenv("TERM");
+    const std::string earlier = term != nullptr ? term : "";
+    ::unsetenv("NO_COLOR");
+    const std::string row = "\x1b[48;2;255;128;0m" + std::string(24, ' ') + "\x1b[0m\r\n";
+    const struct
+    {
+        int mLine;
+        const char* mTerm;
+        const char* mNoColor;
+        bool mShows;
+    } rows[] = {
+        {__LINE__, "xterm-256color", nullptr, true}, {__LINE__, "dumb", nullptr, false}, {__LINE__, "", nullptr, false},
+        {__LINE__, "xterm", "1", false},             {__LINE__, "xterm", "", true},
+    };
+    for (const auto& each : rows) {
+        ::setenv("TERM", each.mTerm, 1);
+        if (each.mNoColor != nullptr) {
+            ::setenv("NO_COLOR", each.mNoColor, 1);
+        }
+        Terminal terminal;
+        const std::string screen = terminal.ScreenOf({"colour", "#ff8000", "--to", "rgb"}, 0);
+        EXPECT_EQ(each.mShows ? row + row + "rgb    255     128     0     #ff8000\r\n"
+                              : "rgb    255     128     0     #ff8000\r\n",
+                  screen)
+            << "row at line " << each.mLine;
+        ::unsetenv("NO_COLOR");
+    }
+    ::setenv("TERM", earlier.c_str(), 1);
+}
+
 TEST_F(OrlTerminal, StreamOfAnAwkwardName_KeepsTheProgressOnOneLine)
 {
     const std::string name = "\x1b[2J\n" + std::string(100, 'n');

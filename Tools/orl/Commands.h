@@ -20,4 +20,10 @@ void AddMakeClip(CLI::App& ioProgram);
 /// orl tc show|parse|add|convert|table: labels, counts and times of every timecode format.
 void AddTimecode(CLI::App& ioProgram);
 
+/// orl colour COLOUR: a colour in every form that the library converts.
+void AddColour(CLI::App& ioProgram);
+
+/// orl hash FILE...: the three words of the library's hash.
+void AddHash(CLI::App& ioProgram);
+
 } // namespace orl

@@ -16,6 +16,8 @@ void AddCommands(CLI::App& ioProgram)
     orl::AddStream(ioProgram);
     orl::AddIngest(ioProgram);
     orl::AddTimecode(ioProgram);
+    orl::AddColour(ioProgram);
+    orl::AddHash(ioProgram);
     orl::AddInfo(ioProgram);
     orl::AddMakeClip(ioProgram);
 }

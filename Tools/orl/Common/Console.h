@@ -30,4 +30,21 @@ bool OutputIsTerminal();
 /// Columns of the terminal on standard output, as wide as it is now; 80 where it does not tell, and at least 2.
 std::size_t TerminalColumns();
 
+/// While it lives, standard output shows colours if it can: if it is a terminal that knows their escape sequences and
+/// the user has not set NO_COLOR.
+class ColourOutput
+{
+public:
+    ColourOutput();
+    ~ColourOutput();
+    ColourOutput(const ColourOutput&) = delete;
+    ColourOutput& operator=(const ColourOutput&) = delete;
+
+    bool ShowsColours() const noexcept { return mShowsColours; }
+
+private:
+    bool mShowsColours;
+    [[maybe_unused]] unsigned long mEarlierMode; // of the Windows console
+};
+
 } // namespace orl

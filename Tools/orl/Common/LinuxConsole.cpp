@@ -1,6 +1,8 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -28,5 +30,23 @@ std::size_t TerminalColumns()
     const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
     return isKnown ? std::max<std::size_t>(size.ws_col, 2) : 80;
 }
+
+namespace {
+
+bool IsSet(const char* inVariable)
+{
+    const char* const value = std::getenv(inVariable);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+ColourOutput::ColourOutput()
+    : mShowsColours(OutputIsTerminal() && !IsSet("NO_COLOR") && IsSet("TERM")
+                    && std::strcmp(std::getenv("TERM"), "dumb") != 0),
+      mEarlierMode(0)
+{
+}
+ColourOutput::~ColourOutput() = default;
 
 } // namespace orl

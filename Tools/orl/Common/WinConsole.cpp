@@ -57,4 +57,19 @@ std::size_t TerminalColumns()
     return static_cast<std::size_t>(columns < 2 ? 2 : columns);
 }
 
+ColourOutput::ColourOutput() : mShowsColours(false), mEarlierMode(0)
+{
+    const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    if (::GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) <= 1 && ::GetConsoleMode(output, &mEarlierMode) != FALSE) {
+        mShowsColours = ::SetConsoleMode(output, mEarlierMode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+    }
+}
+
+ColourOutput::~ColourOutput()
+{
+    if (mShowsColours) {
+        ::SetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), mEarlierMode);
+    }
+}
+
 } // namespace orl

@@ -6,10 +6,14 @@
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
 #include <ORLPathUtils.h>
+#include <ORLSystemInfo.h>
+#include <ORLTimeStamp.h>
 #include <ORLVersion.h>
+#include <chrono>
 #include <iomanip>
 #include <iostream>
 #include <memory>
+#include <thread>
 
 namespace orl {
 
@@ -30,7 +34,28 @@ struct Facts
     unsigned int mSectorSize;
     unsigned long long mFreeBytes;
     std::vector<ORL::PathUtils::MountPoint> mDrives;
+    unsigned int mProcessors;
+    unsigned long long mPhysicalMemory;
+    unsigned long long mAvailableMemory;
+    unsigned long long mVirtualMemory;
+    int mLoad; // percent
+    long long mProcessClock; // milliseconds since the library was loaded
 };
+
+// Long enough for a load in whole percents on a machine of one processor.
+constexpr std::chrono::milliseconds kLoadInterval(200);
+
+void GatherMachine(Facts& outFacts)
+{
+    outFacts.mProcessors = ORL::SystemInfo::GetCPUCount();
+    outFacts.mPhysicalMemory = ORL::SystemInfo::GetTotalPhysicalMemory();
+    outFacts.mAvailableMemory = ORL::SystemInfo::GetAvailablePhysicalMemory();
+    outFacts.mVirtualMemory = ORL::SystemInfo::GetTotalVirtualMemory();
+    ORL::SystemInfo::GetSystemLoad();
+    std::this_thread::sleep_for(kLoadInterval);
+    outFacts.mLoad = static_cast<int>(ORL::SystemInfo::GetSystemLoad());
+    outFacts.mProcessClock = static_cast<long long>(ORL::TimeStamp().GetMilliSeconds());
+}
 
 const char* KindOf(const UTF16String& inPath)
 {
@@ -59,28 +84,42 @@ Facts Gather(const std::string& inArgument)
     facts.mKind = KindOf(path);
     facts.mFreeBytes = ORL::DiskUtils::GetFreeSpaceFromPath(path);
     facts.mDrives = ORL::PathUtils::GetMountPoints();
+    GatherMachine(facts);
     return facts;
+}
+
+std::ostream& Row(const char* inName)
+{
+    return std::cout << std::left << std::setw(15) << inName;
+}
+
+void PrintMachine(const Facts& inFacts)
+{
+    const auto size = [](unsigned long long inBytes) { return ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inBytes)); };
+    Row("processors") << inFacts.mProcessors << '\n';
+    Row("memory") << size(inFacts.mPhysicalMemory) << ", " << size(inFacts.mAvailableMemory) << " available\n";
+    Row("address space") << size(inFacts.mVirtualMemory) << '\n';
+    Row("load") << inFacts.mLoad << " % of all processors\n";
+    Row("process clock") << inFacts.mProcessClock << " ms\n";
 }
 
 void PrintText(const Facts& inFacts)
 {
-    const auto row = [](const char* inName) -> std::ostream& {
-        return std::cout << std::left << std::setw(13) << inName;
-    };
-    row("version") << ORL_VERSION << '\n';
-    row("platform") << ORL_PLATFORM_NAME << '\n';
-    row("path") << OnOneLine(inFacts.mPath) << '\n';
-    row("host path") << OnOneLine(inFacts.mHostPath) << '\n';
-    row("kind") << inFacts.mKind << '\n';
-    row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
-    row("sector size") << inFacts.mSectorSize << " bytes\n";
-    row("free space") << ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inFacts.mFreeBytes)) << " (" << inFacts.mFreeBytes
+    Row("version") << ORL_VERSION << '\n';
+    Row("platform") << ORL_PLATFORM_NAME << '\n';
+    Row("path") << OnOneLine(inFacts.mPath) << '\n';
+    Row("host path") << OnOneLine(inFacts.mHostPath) << '\n';
+    Row("kind") << inFacts.mKind << '\n';
+    Row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
+    Row("sector size") << inFacts.mSectorSize << " bytes\n";
+    Row("free space") << ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inFacts.mFreeBytes)) << " (" << inFacts.mFreeBytes
                       << " bytes)\n";
     const char* title = "drives";
     for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
-        row(title) << OnOneLine(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
+        Row(title) << OnOneLine(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
         title = "";
     }
+    PrintMachine(inFacts);
 }
 
 void PrintJson(const Facts& inFacts)
@@ -99,7 +138,11 @@ void PrintJson(const Facts& inFacts)
                   << ", \"hostFolder\": " << JsonQuoted(drive.mHostFolder) << '}';
         separator = ",\n";
     }
-    std::cout << "\n  ]\n}\n";
+    std::cout << "\n  ],\n  \"processors\": " << inFacts.mProcessors
+              << ",\n  \"physicalMemory\": " << inFacts.mPhysicalMemory
+              << ",\n  \"availableMemory\": " << inFacts.mAvailableMemory
+              << ",\n  \"virtualMemory\": " << inFacts.mVirtualMemory << ",\n  \"loadPercent\": " << inFacts.mLoad
+              << ",\n  \"processClockMilliseconds\": " << inFacts.mProcessClock << "\n}\n";
 }
 
 void Run(const Options& inOptions)
@@ -118,7 +161,7 @@ void AddInfo(CLI::App& ioProgram)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand(
-        "info", "Show version, platform, drive table, and the sector size and free space of a path");
+        "info", "Show version, platform, drive table, a path's volume, and the machine: processors, memory, load");
     command->add_option("PATH", options->mPath, "host path or library path; the current folder when left out");
     command->add_flag("--json", options->mAsJson, "write one JSON object");
     command->callback([options] { Run(*options); });

@@ -1,0 +1,100 @@
+// orl colour COLOUR
+#include "ColourForms.h"
+#include "Commands.h"
+#include "Console.h"
+#include "Failure.h"
+#include "Text.h"
+
+#include <iostream>
+#include <memory>
+
+namespace orl {
+
+namespace {
+
+struct Options
+{
+    std::string mColour;
+    std::string mFrom = "rgb";
+    std::vector<std::string> mTo = ColourFormNames();
+    bool mAsJson = false;
+};
+
+// Two rows of blanks on the colour.
+void PrintPatch(const ORL::ParamColor<unsigned long>& inColour)
+{
+    const std::string colour = std::to_string(inColour.GetRed()) + ";" + std::to_string(inColour.GetGreen()) + ";"
+                               + std::to_string(inColour.GetBlue());
+    for (int row = 0; row < 2; ++row) {
+        std::cout << "\x1b[48;2;" << colour << "m" << std::string(24, ' ') << "\x1b[0m\n";
+    }
+}
+
+void PrintText(const ORL::ParamColor<unsigned long>& inColour, const std::vector<std::string>& inForms)
+{
+    for (const std::string& name : inForms) {
+        const ColourForm form = *ColourFormOf(name);
+        const std::vector<std::string> numbers = ColourNumbers(inColour, form);
+        std::cout << PaddedTo(7, name);
+        if (form == ColourForm::kIRE) {
+            std::cout << "luma " << numbers[0] << " (" << numbers[2] << " mV)  chroma " << numbers[1] << " ("
+                      << numbers[3] << " mV)";
+        } else {
+            std::cout << PaddedTo(8, numbers[0]) << PaddedTo(8, numbers[1]) << numbers[2];
+        }
+        std::cout << (form == ColourForm::kRGB ? "     " + ColourAsHexadecimal(inColour) : std::string()) << '\n';
+    }
+}
+
+void PrintJson(const ORL::ParamColor<unsigned long>& inColour, const std::vector<std::string>& inForms)
+{
+    std::cout << "{\n  \"hexadecimal\": " << JsonQuoted(ColourAsHexadecimal(inColour));
+    for (const std::string& name : inForms) {
+        const ColourForm form = *ColourFormOf(name);
+        const std::vector<std::string> numbers = ColourNumbers(inColour, form);
+        const std::vector<std::string> names = ColourNumberNames(form);
+        std::cout << ",\n  " << JsonQuoted(name) << ": {";
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            std::cout << (i == 0 ? "" : ", ") << JsonQuoted(names[i]) << ": " << numbers[i];
+        }
+        std::cout << '}';
+    }
+    std::cout << "\n}\n";
+}
+
+void Run(const Options& inOptions)
+{
+    const ORL::ParamColor<unsigned long> colour = ReadColour(inOptions.mColour, *ColourFormOf(inOptions.mFrom));
+    if (inOptions.mAsJson) {
+        PrintJson(colour, inOptions.mTo);
+        return;
+    }
+    const ColourOutput output;
+    if (output.ShowsColours()) {
+        PrintPatch(colour);
+        std::cout.flush(); // while the console takes colours
+    }
+    PrintText(colour, inOptions.mTo);
+}
+
+} // namespace
+
+void AddColour(CLI::App& ioProgram)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* command =
+        ioProgram.add_subcommand("colour", "Show a colour in RGB, HSL, HSV, YUV, YPbPr, YIQ and as a signal's levels");
+    command->add_option("COLOUR", options->mColour, "#rrggbb, or three numbers of the form, separated by commas")
+        ->required();
+    command->add_option("--from", options->mFrom, "rgb, hsl, hsv, yuv or ypbpr (default rgb)")
+        ->type_name("FORM")
+        ->check(CLI::IsMember({"rgb", "hsl", "hsv", "yuv", "ypbpr"}).description(""));
+    command->add_option("--to", options->mTo, "rgb, hsl, hsv, yuv, ypbpr, yiq, ire, separated by commas (default all)")
+        ->type_name("FORMS")
+        ->delimiter(',')
+        ->check(CLI::IsMember(ColourFormNames()).description(""));
+    command->add_flag("--json", options->mAsJson, "write one JSON object");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace orl

@@ -1,0 +1,120 @@
+// orl hash FILE...
+#include "Commands.h"
+#include "Failure.h"
+#include "Text.h"
+
+#include <ORLAutomationDataCollector.h>
+#include <ORLFile.h>
+#include <ORLHashValue.h>
+#include <tvxcore/StringStream.h>
+
+#include <iostream>
+#include <memory>
+
+namespace orl {
+
+namespace {
+
+struct Options
+{
+    std::vector<std::string> mFiles;
+    bool mAsJson = false;
+};
+
+// Part of what the words mean: a hash depends on where its bytes are cut.
+constexpr unsigned int kBlockSize = 1 << 20;
+
+Failure CannotRead(const std::string& inFile, ORL::Result inResult)
+{
+    // A bare -1 means that nothing is there.
+    return Failure("hash: cannot read \"" + OnOneLine(inFile)
+                   + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
+}
+
+// As many bytes as a block holds; fewer at the end of the file.
+unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector<unsigned char>& outBlock)
+{
+    unsigned int filled = 0;
+    while (filled < kBlockSize) {
+        unsigned int given = 0;
+        const ORL::Result result = ioFile.Read(outBlock.data() + filled, kBlockSize - filled, given);
+        if (!ORL::ResultSucceeded(result)) {
+            throw CannotRead(inName, result);
+        }
+        if (given == 0) {
+            break;
+        }
+        filled += given;
+    }
+    return filled;
+}
+
+// From 0:0:0, in blocks of 1 MiB. An empty file is one empty block.
+ORL::HashValue HashOf(const std::string& inName)
+{
+    ORL::File file;
+    const ORL::Result opened = ORL::File::Open(PathOfArgument(inName), ORL::FileAccessFlags::kFileAccess_Read, file);
+    if (!ORL::ResultSucceeded(opened)) {
+        throw CannotRead(inName, opened);
+    }
+    ORL::HashValue hash(0, 0, 0);
+    std::vector<unsigned char> block(kBlockSize);
+    unsigned int count = ReadBlock(file, inName, block);
+    do {
+        ORL::MixHash::Mix(hash, block.data(), count);
+    } while (count == kBlockSize && (count = ReadBlock(file, inName, block)) != 0);
+    return hash;
+}
+
+UTF16String TextOf(const ORL::HashValue& inHash)
+{
+    tvxcore::oUTF16StringStream stream;
+    stream << inHash;
+    return stream.str();
+}
+
+void HashOne(const std::string& inFile, bool inAsJson)
+{
+    using Collector = ORL::AutomationDataCollector;
+    const UTF16String text = TextOf(HashOf(inFile));
+    if (inAsJson) {
+        Collector::Instance()->AddResults(
+            ToUTF16(inFile), {{Collector::kSuccessTag, ToUTF16("True")}, {Collector::kResultsTag, text}});
+    } else {
+        std::cout << ToUTF8(text) << "  " << OnOneLine(inFile) << '\n';
+    }
+}
+
+void Run(const Options& inOptions)
+{
+    using Collector = ORL::AutomationDataCollector;
+    bool hasFailed = false;
+    for (const std::string& file : inOptions.mFiles) {
+        try {
+            HashOne(file, inOptions.mAsJson);
+        } catch (const Failure& failure) {
+            Complain(failure.what());
+            Collector::Instance()->AddResult(ToUTF16(file), {Collector::kErrorTag, ToUTF16(failure.what())});
+            hasFailed = true;
+        }
+    }
+    if (inOptions.mAsJson) {
+        ORL::WriteAutomationResults(std::cout, Collector::Instance()->GetCollection());
+    }
+    if (hasFailed) {
+        throw PartialFailure();
+    }
+}
+
+} // namespace
+
+void AddHash(CLI::App& ioProgram)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = ioProgram.add_subcommand("hash", "Hash files into three words, fast and not for security");
+    command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
+    command->add_flag("--json", options->mAsJson, "write the results as one JSON object, by file");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace orl
