@@ -3,6 +3,7 @@
 #include "../SystemCalls.h"
 #include "LinuxProcFile.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unistd.h>
 
@@ -68,7 +69,7 @@ std::int64_t FindStart() noexcept
 std::int64_t GetMilliseconds_Impl() noexcept
 {
     static const std::int64_t sStart = FindStart();
-    return (NanosecondsSinceBoot() - sStart) / 1'000'000;
+    return std::max<std::int64_t>(NanosecondsSinceBoot() - sStart, 0) / 1'000'000;
 }
 
 } // namespace Platform

@@ -36,7 +36,8 @@ void OpenQuery()
 
 float GetSystemLoad()
 {
-    if (sLoadQuery.load(std::memory_order_acquire) == nullptr) {
+    const bool isFirstCall = sLoadQuery.load(std::memory_order_acquire) == nullptr;
+    if (isFirstCall) {
         OpenQuery();
     }
     const LoadQuery query = sLoadQuery.load(std::memory_order_acquire);
@@ -50,7 +51,8 @@ float GetSystemLoad()
         || GetLoadPercent_Impl(counter, percent) != SystemErrors::kNoError) {
         return 0;
     }
-    return static_cast<float>(percent);
+    // A load needs two samples, whatever a counter makes of one.
+    return isFirstCall ? 0.0f : static_cast<float>(percent);
 }
 
 } // namespace SystemInfo
