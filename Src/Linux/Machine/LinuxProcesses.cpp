@@ -75,7 +75,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
     }
     std::size_t count = 0;
     while (count < inCapacity) {
-        const dirent64* const entry = folder.Next();
+        const dirent64* const entry = folder.Entries().Next();
         if (entry == nullptr) {
             break;
         }
@@ -85,8 +85,8 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
             outIdentifiers[count++] = static_cast<unsigned int>(number);
         }
     }
-    if (folder.Failure() != 0) {
-        return Linux::SystemErrorFromErrno(folder.Failure());
+    if (folder.Entries().Failure() != 0) {
+        return Linux::SystemErrorFromErrno(folder.Entries().Failure());
     }
     outCount = count;
     return SystemErrors::kNoError;

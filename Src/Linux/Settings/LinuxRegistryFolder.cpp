@@ -199,7 +199,7 @@ std::vector<Platform::SetAside> FindSetAside(const std::string& inDatabase)
     const std::string prefix = inDatabase.substr(slash + 1) + kDamaged;
     std::vector<Platform::SetAside> list;
     ORL::Linux::OpenFolder entries(folder.c_str());
-    while (const dirent64* const entry = entries.IsOpen() ? entries.Next() : nullptr) {
+    while (const dirent64* const entry = entries.IsOpen() ? entries.Entries().Next() : nullptr) {
         const std::string name = entry->d_name;
         const std::string date = name.substr(0, prefix.size()) == prefix ? name.substr(prefix.size()) : "";
         if (date.size() >= kDateSize && date.back() != 'l' && date.back() != 'm') { // no journal: -wal, -shm, -journal
