@@ -18,7 +18,8 @@ namespace ORL {
 class CriticalSection
 {
 public:
-    CriticalSection() = default;
+    // Written out, since a const section, or a const object that has one, needs a constructor that is.
+    ORL_LOCK_CONSTEXPR CriticalSection() noexcept(noexcept(Internal::PlatformLock())) {}
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
@@ -29,7 +30,7 @@ public:
     bool TryLock() const { return mLock.TryLock(); }
 
 private:
-    mutable Internal::PlatformLock mLock{}; // initialised here, so that a const section needs no initialiser
+    mutable Internal::PlatformLock mLock;
     [[maybe_unused]] void* mWord = nullptr;
 };
 

@@ -4,6 +4,13 @@
 
 #include <ORLConfig.h>
 
+// A lock of ours is constant-initialised; the system's is not.
+#if ORL_LOCK_IS_OURS
+#  define ORL_LOCK_CONSTEXPR constexpr
+#else
+#  define ORL_LOCK_CONSTEXPR
+#endif
+
 #if ORL_LOCK_IS_OURS
 
 #include <atomic>

@@ -8,6 +8,7 @@
 
 namespace {
 
+const bool sGoesOn = false;
 bool sAskToBreak = false;
 
 } // namespace
@@ -21,8 +22,8 @@ int main(int argc, char** argv)
     };
     dialogs.mContract = [](const char*, const char*, long) { return sAskToBreak; };
     tvxcore::debug::InstallDialogs(dialogs);
-    ORL_ASSERT(!"stop here");
-    ORL_INPUT_CONTRACT(!"stop here");
-    ORL_OUTPUT_CONTRACT(!"stop here");
+    ORL_ASSERT(sGoesOn);
+    ORL_INPUT_CONTRACT(sGoesOn);
+    ORL_OUTPUT_CONTRACT(sGoesOn);
     return 7;
 }

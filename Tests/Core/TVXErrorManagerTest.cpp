@@ -234,14 +234,15 @@ TEST(TVXErrorManager, Installed_TurnsABrokenInputContractIntoItsException)
     tvxcore::debug::Dialogs quiet;
     quiet.mContract = [](const char*, const char*, long) { return false; };
     const tvxcore::debug::Dialogs oldDialogs = tvxcore::debug::InstallDialogs(quiet);
+    const bool isKept = false;
     std::string input, output;
     try {
-        ORL_INPUT_CONTRACT(!"kept");
+        ORL_INPUT_CONTRACT(isKept);
     } catch (const TVXException& caught) {
         input = caught.what();
     }
     try {
-        ORL_OUTPUT_CONTRACT(!"kept");
+        ORL_OUTPUT_CONTRACT(isKept);
     } catch (const TVXException& caught) {
         output = caught.what();
     }

@@ -139,9 +139,10 @@ TEST(TickTime, Sums_WrapAroundInTwosComplement)
 TEST(TickTime, AddedToItself_ReadsItsOldValue)
 {
     TickTime time = TickTime::FromTicks(21);
-    time += time;
+    const TickTime& same = time;
+    time += same;
     EXPECT_EQ(42, time.GetTicks());
-    time -= time;
+    time -= same;
     EXPECT_EQ(kTime_Zero, time);
 }
 
