@@ -31,6 +31,7 @@ private:
 /// Makes the calling thread the main thread, once and for the life of the process, and opens the thread records.
 /// Part of the start of the library, under its lock. A call while the records are open is reported, and then gives the
 /// calling thread the main record; the earlier one stays alive for the thread that has it, and is leaked.
+/// On Linux the thread that the process began with keeps its name in the system's list: that is the process's own.
 ORL_API void RegisterMainThread();
 
 /// Deletes the main thread's record and closes the thread records. To be called on the main thread, which stays the

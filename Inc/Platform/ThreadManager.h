@@ -22,7 +22,8 @@ void* GetSlotValue_Impl(std::uint32_t inSlot);
 void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue);
 
 /// Hands the name of the calling thread (UTF-8) to a debugger and to the system's tools. Changes nothing else, and
-/// nothing visible when no debugger is attached. Cannot fail.
+/// nothing visible when no debugger is attached. On Linux the thread that the process began with keeps its name, which is the
+/// process's own. Cannot fail.
 void NameThread_Impl(const char* inName);
 
 } // namespace Platform

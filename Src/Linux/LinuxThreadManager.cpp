@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <unistd.h>
 
 namespace ORL {
 namespace ThreadManager {
@@ -50,8 +51,12 @@ void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
     ::pthread_setspecific(inSlot, inValue);
 }
 
+// The name of the first thread is that of the process, by which ps, pgrep and killall find the host.
 void NameThread_Impl(const char* inName)
 {
+    if (::gettid() == ::getpid()) {
+        return;
+    }
     char name[kNameLimit + 1] = {};
     std::memcpy(name, inName, LengthThatFits(inName));
     ::pthread_setname_np(::pthread_self(), name);

@@ -1,5 +1,6 @@
 #include <Platform/ThreadManager.h>
 
+#include <ORLString.h>
 #include <ORLThreadManager.h>
 #include <ORLThreadedWorkQueue.h>
 
@@ -8,6 +9,7 @@
 #include <pthread.h>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 using namespace ORL;
 
@@ -48,6 +50,14 @@ std::string NameInTheSystemsList()
     return name;
 }
 
+// What `ps` and `pgrep` show.
+std::string NameOfTheProcess()
+{
+    std::string name;
+    std::getline(std::ifstream("/proc/" + std::to_string(::getpid()) + "/comm"), name);
+    return name;
+}
+
 class AsksForItsName : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
 {
 public:
@@ -60,6 +70,26 @@ private:
 
 } // namespace
 
+TEST(ThreadName, OfTheFirstThread_StaysTheNameOfTheProcess)
+{
+    const std::string before = NameInTheSystemsList();
+    ASSERT_EQ(before, NameOfTheProcess());
+    ThreadManager::RegisterMainThread();
+    EXPECT_EQ(before, NameOfTheProcess());
+    EXPECT_EQ("CorvantoMain", MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetThreadName())) << "the record has it";
+    ThreadManager::UnregisterMainThread();
+    EXPECT_EQ(before, NameOfTheProcess());
+}
+
+TEST(ThreadName, OfAMainThreadThatIsNotTheFirst_IsInTheSystemsList)
+{
+    std::thread([] {
+        ThreadManager::RegisterMainThread();
+        EXPECT_EQ("CorvantoMain", NameInTheSystemsList());
+        ThreadManager::UnregisterMainThread();
+    }).join();
+}
+
 TEST(ThreadName, OfARegisteredThread_IsInTheSystemsList)
 {
     ThreadManager::RegisterMainThread();
@@ -70,7 +100,6 @@ TEST(ThreadName, OfARegisteredThread_IsInTheSystemsList)
         EXPECT_EQ("Renderer 1", NameInTheSystemsList());
         ThreadManager::UnregisterThread();
     }).join();
-    EXPECT_EQ("CorvantoMain", NameInTheSystemsList());
     ThreadManager::UnregisterMainThread();
 }
 
