@@ -20,7 +20,8 @@
 namespace ORL {
 
 /// How urgent a queue's threads are, from 0 to 5. Each number is the thread priority of the same number; every number
-/// outside counts as 3.
+/// outside counts as 3, the process's own. On Linux a user who may not raise a thread above the process gets 3 for 4 and 5, and
+/// the threads of a queue that is made on a thread of lower priority stay at that one's.
 struct ThreadPriorities
 {
     using Type = int;

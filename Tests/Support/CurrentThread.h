@@ -12,7 +12,11 @@ std::string SystemNameOfThisThread();
 /// Bytes of a name that the system keeps at least.
 extern const std::size_t kKeptNameBytes;
 
-/// Its priority from 0 to 5, counted from the process's own at 3; -1 for none of these.
-int PriorityOfThisThread();
+/// Its level, as the system counts.
+int LevelOfThisThread();
+
+/// The level of a thread that asks for a priority from 0 to 5, of which 3 is the process's own: a user who may not raise a
+/// level stays at the process's, and no level goes beyond what the system has.
+int LevelOfPriority(int inPriority);
 
 } // namespace ORLTest

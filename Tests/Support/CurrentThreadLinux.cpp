@@ -1,7 +1,9 @@
 #include <CurrentThread.h>
 
+#include <algorithm>
 #include <pthread.h>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 
 namespace ORLTest {
@@ -15,12 +17,18 @@ std::string SystemNameOfThisThread()
     return name;
 }
 
-int PriorityOfThisThread()
+int LevelOfThisThread()
 {
-    const int own = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));
+    return ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));
+}
+
+int LevelOfPriority(int inPriority)
+{
     const int process = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid()));
-    const int steps = process - own;
-    return steps % 5 == 0 && steps >= -15 && steps <= 10 ? 3 + steps / 5 : -1;
+    const int wanted = std::clamp(process + 5 * (3 - inPriority), -20, 19);
+    bool mayHaveIt = false;
+    std::thread([&] { mayHaveIt = ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), wanted) == 0; }).join();
+    return mayHaveIt ? wanted : process;
 }
 
 } // namespace ORLTest

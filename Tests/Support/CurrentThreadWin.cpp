@@ -21,13 +21,14 @@ std::string SystemNameOfThisThread()
     return name;
 }
 
-int PriorityOfThisThread()
+int LevelOfThisThread()
 {
-    const int priority = ::GetThreadPriority(::GetCurrentThread());
-    if (priority == THREAD_PRIORITY_IDLE) {
-        return 0;
-    }
-    return priority >= THREAD_PRIORITY_LOWEST && priority <= THREAD_PRIORITY_HIGHEST ? 3 + priority : -1;
+    return ::GetThreadPriority(::GetCurrentThread());
+}
+
+int LevelOfPriority(int inPriority)
+{
+    return inPriority == 0 ? THREAD_PRIORITY_IDLE : inPriority - 3;
 }
 
 } // namespace ORLTest

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,6 +30,16 @@ protected:
 
     SharedThreadedWorkQueue& Shared() { return *SharedThreadedWorkQueue::Instance(); }
 };
+
+// Each request waits for all others, so it ends only if each has a thread of its own.
+void ExpectToRunAtOnce(ThreadedWorkQueue& ioQueue, std::size_t inRequests)
+{
+    const auto all = std::make_shared<ORLTest::Meeting>(inRequests + 1);
+    for (std::size_t i = 0; i < inRequests; ++i) {
+        ASSERT_TRUE(ioQueue.QueueRequest(MakeRequest([all] { all->Join(); })));
+    }
+    all->Join();
+}
 
 } // namespace
 
@@ -55,7 +66,25 @@ TEST_F(SharedQueues, MultiAndSingleThreaded_AreTwoQueues)
     const QueueRef single = Shared().RetrieveOrCreateSingleThreaded(3);
     EXPECT_NE(multi.GetPtr(), single.GetPtr());
     EXPECT_EQ(1u, single->GetNumberOfThreads());
-    EXPECT_GE(multi->GetNumberOfThreads(), 1u);
+    const QueueRef executorChooses(new ThreadedWorkQueue);
+    executorChooses->Initialize(3, -1, ConstString("Own"), ConstString("Test"));
+    EXPECT_EQ(executorChooses->GetNumberOfThreads(), multi->GetNumberOfThreads());
+    executorChooses->Stop();
+    ExpectToRunAtOnce(*multi.GetPtr(), multi->GetNumberOfThreads());
+}
+
+TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
+{
+    const auto nameIn = [](const QueueRef& inQueue) {
+        Record<std::string> name;
+        inQueue->QueueRequest(MakeRequest([&name] { name.Add(ORLTest::SystemNameOfThisThread()); }));
+        return name.WaitFor(1)[0];
+    };
+    const auto kept = [](const std::string& inName) { return inName.substr(0, ORLTest::kKeptNameBytes); };
+    EXPECT_EQ(kept("ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue"), nameIn(Shared().RetrieveOrCreate(3)));
+    EXPECT_EQ(kept("ORL::Foundation: Single-threaded ORL::SharedThreadedWorkQueue"),
+              nameIn(Shared().RetrieveOrCreateSingleThreaded(3)));
+    SharedThreadedWorkQueue::Shutdown(); // who adds the name may still be in the record when it has been read
 }
 
 TEST_F(SharedQueues, Queue_RunsRequests)
@@ -76,14 +105,14 @@ TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
 
 TEST_F(SharedQueues, PriorityOutsideTheRange_RunsAtPriorityThree)
 {
-    Record<int> priorities;
+    Record<int> levels;
     for (const ThreadPriorities::Type outside : {17, -1}) {
         for (const QueueRef& queue : {Shared().RetrieveOrCreateSingleThreaded(outside), Shared().RetrieveOrCreate(outside)}) {
-            queue->QueueRequest(MakeRequest([&priorities] { priorities.Add(ORLTest::PriorityOfThisThread()); }));
+            queue->QueueRequest(MakeRequest([&levels] { levels.Add(ORLTest::LevelOfThisThread()); }));
         }
     }
     SharedThreadedWorkQueue::Shutdown();
-    EXPECT_EQ(std::vector<int>(4, 3), priorities.Get());
+    EXPECT_EQ(std::vector<int>(4, ORLTest::LevelOfPriority(3)), levels.Get());
 }
 
 TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)

@@ -1,4 +1,5 @@
 #include <CheckRecorder.h>
+#include <CurrentThread.h>
 #include <ExecutorCore.h>
 #include <ProcessThreads.h>
 #include <Signals.h>
@@ -68,6 +69,26 @@ TEST(Executor, OneThread_RunsFunctionsInTheirOrder)
     std::vector<int> expected(1000);
     std::iota(expected.begin(), expected.end(), 0);
     EXPECT_EQ(expected, order);
+}
+
+TEST(Executor, PriorityOutsideTheRange_IsTheNearestOne)
+{
+    struct Row
+    {
+        int mLine;
+        int mPriority;
+        int mExpected;
+    };
+    const Row rows[] = {
+        {__LINE__, 0, 0}, {__LINE__, 3, 3}, {__LINE__, 5, 5}, {__LINE__, 6, 5}, {__LINE__, 1000, 5}, {__LINE__, -1, 0},
+    };
+    for (const Row& row : rows) {
+        const ExecutorPointer executor = CreateAsyncThreadedExecutor("test", 1, row.mPriority, Function(), Function());
+        int level = -100;
+        executor->QueueFunction([&level] { level = ORLTest::LevelOfThisThread(); }, 0);
+        Stop(*executor);
+        EXPECT_EQ(ORLTest::LevelOfPriority(row.mExpected), level) << "row at line " << row.mLine;
+    }
 }
 
 TEST(Executor, ThreeThreads_StartFunctionsInTheirOrder)

@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -36,6 +38,26 @@ int InChild(Function inFunction)
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + status;
+}
+
+int LevelInExecutor(int inPriority)
+{
+    const auto executor = CreateAsyncThreadedExecutor("", 1, inPriority, boost::function<void()>(), boost::function<void()>());
+    int level = -100;
+    executor->QueueFunction([&level] { level = ORLTest::LevelOfThisThread(); }, 0);
+    executor->RequestTermination();
+    executor->WaitForTermination();
+    return level;
+}
+
+// For good: a user who may not raise any level.
+void BecomeAnOrdinaryUser()
+{
+    constexpr uid_t kNobody = 65534;
+    const rlimit none{0, 0};
+    if (::setrlimit(RLIMIT_NICE, &none) != 0 || (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))) {
+        ::_exit(99);
+    }
 }
 
 } // namespace
@@ -81,6 +103,37 @@ TEST(ExecutorThread, Name_IsCutAtACharacter)
     };
     for (const Row& row : rows) {
         EXPECT_EQ(row.mKept, NameInExecutorCalled(row.mName)) << "row at line " << row.mLine;
+    }
+}
+
+TEST(ExecutorThread, OfAnOrdinaryUser_StaysAtTheProcessWhereItMayNotGoAbove)
+{
+    for (int priority = 0; priority <= 5; ++priority) {
+        EXPECT_EQ(0, InChild([priority] {
+            BecomeAnOrdinaryUser();
+            const int process = ::getpriority(PRIO_PROCESS, 0);
+            const int wanted = priority < 3 ? std::min(19, process + 5 * (3 - priority)) : process;
+            return LevelInExecutor(priority) == wanted ? 0 : 1;
+        })) << "priority " << priority;
+    }
+}
+
+TEST(ExecutorThread, MadeByALowerOneOfAnOrdinaryUser_StaysAtItsMaker)
+{
+    for (const int priority : {2, 3, 4, 5}) {
+        EXPECT_EQ(0, InChild([priority] {
+            BecomeAnOrdinaryUser();
+            const auto low = CreateAsyncThreadedExecutor("", 1, 2, boost::function<void()>(), boost::function<void()>());
+            int own = -100;
+            int made = -100;
+            low->QueueFunction([&] {
+                own = ORLTest::LevelOfThisThread();
+                made = LevelInExecutor(priority);
+            }, 0);
+            low->RequestTermination();
+            low->WaitForTermination();
+            return own == made ? 0 : 1;
+        })) << "priority " << priority;
     }
 }
 

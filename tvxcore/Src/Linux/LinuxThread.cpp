@@ -76,16 +76,6 @@ std::size_t CutAtCharacter(const char* inText, std::size_t inCount)
     return count;
 }
 
-// The best nice level that the user may ask for: 20 less the soft limit.
-int LowestAllowedNice()
-{
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_NICE, &limit) != 0) {
-        return 0;
-    }
-    return 20 - static_cast<int>(std::min<rlim_t>(limit.rlim_cur, 40));
-}
-
 } // namespace
 
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept
@@ -118,14 +108,15 @@ void NameCurrentThread_Impl(const char* inName) noexcept
     ::pthread_setname_np(::pthread_self(), name);
 }
 
+// A thread starts with its creator's level; the process's own is that of its first thread. An ordinary user may lower a level
+// and never raise it, so what is refused stays at the process's own, or at the creator's where that is lower still.
 void SetCurrentThreadPriority_Impl(int inPriority) noexcept
 {
     static constexpr int kOffsets[] = {15, 10, 5, 0, -5, -10};
     const id_t thread = static_cast<id_t>(::gettid());
-    // A thread starts with its creator's level; the process's own is that of its first thread.
-    const int wanted = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid())) + kOffsets[inPriority];
-    if (::setpriority(PRIO_PROCESS, thread, wanted) != 0) {
-        ::setpriority(PRIO_PROCESS, thread, std::max(wanted, LowestAllowedNice()));
+    const int own = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid()));
+    if (::setpriority(PRIO_PROCESS, thread, own + kOffsets[inPriority]) != 0) {
+        ::setpriority(PRIO_PROCESS, thread, own);
     }
 }
 
