@@ -212,6 +212,31 @@ void CompareBusy(Field& ioField)
         .Run();
 }
 
+// Several callers of one object are served one after the other, and must not keep the queue's threads from their work.
+void FlushByMany(OurQueue& ioQueue, unsigned inFlushers, std::uint64_t inFlushes)
+{
+    std::vector<std::thread> flushers;
+    for (unsigned i = 0; i < inFlushers; ++i) {
+        flushers.emplace_back([&ioQueue, share = (inFlushes + i) / inFlushers] {
+            Bench::UseAllProcessors();
+            for (std::uint64_t n = share; n != 0; --n) {
+                ioQueue.Drain(0);
+            }
+        });
+    }
+    for (std::thread& flusher : flushers) {
+        flusher.join();
+    }
+}
+
+void CompareFlushers(OurQueue& ioQueue)
+{
+    Bench::Group("one object flushed by many, queue of 2 threads")
+        .Ours("8 flushers", Bench::AtMost(2, "1 flusher"), [&](std::uint64_t n) { FlushByMany(ioQueue, 8, n); })
+        .Peer("1 flusher", [&](std::uint64_t n) { FlushByMany(ioQueue, 1, n); })
+        .Run();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -223,5 +248,6 @@ int main(int argc, char** argv)
     CompareIdle(two);
     CompareBusy(one);
     CompareBusy(two);
+    CompareFlushers(two.mOurs);
     return Bench::Finish();
 }

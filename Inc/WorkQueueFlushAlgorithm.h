@@ -26,8 +26,13 @@ public:
     template <class Flush>
     static void Claim(Flush& ioFlush, std::uint32_t inThreads)
     {
-        while (!Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads)) {
+        for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
+            // The gate is open from the claim of another flush until that one closes it. Many who try again at once would keep
+            // the processors from that flush and from the items that it waits for.
+            if (Policy::Keeps(Step::kFlushGivesWay)) {
+                Policy::GiveWay(turn);
+            }
         }
         // The count says unclaimed before the earlier flush is over: its items may still be leaving.
         if (Policy::Keeps(Step::kFlushWaitsForTheEarlierOne)) {

@@ -18,6 +18,8 @@
 //   Pause, SpinTurns      the wait of a thread that expects its event at once: how many turns it looks on, and what it does in
 //                         each; 0 turns where that cannot pay
 //   PatientTurns          the same for a thread whose event is the work of threads that may have to be woken first
+//   GiveWay               lets other threads run before something is tried again, in the end those of lower priority too; gets
+//                         the number of tries before this one
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
 //                         the gate and its pool, for those who borrow one
@@ -49,6 +51,7 @@ enum class Step {
     kBusyListOpensGate,         // the removal that empties the list opens the gate
     kBusyListCountsWaiters,     // only the last waiter gives the gate back
     kFlushWaitsForTheEarlierOne, // a claimed flush waits until the items of the one before have left
+    kFlushGivesWay,              // a flush that cannot claim the record lets others run before it tries again
 };
 
 struct SystemPolicy
@@ -117,6 +120,7 @@ struct SystemPolicy
     static void Pause(int inTurn);
     static int SpinTurns();
     static int PatientTurns();
+    static void GiveWay(int inTurn);
     static void SleepMilliseconds(int inMilliseconds);
 
     using Gate = WaitableGate;

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kShortTurns = 200;
 constexpr int kTurns = 500;
+constexpr int kTurnsBeforeSleep = 10;
 
 } // namespace
 
@@ -37,6 +38,15 @@ void SystemPolicy::Pause(int inTurn)
         __builtin_ia32_pause();
     } else {
         std::this_thread::yield();
+    }
+}
+
+void SystemPolicy::GiveWay(int inTurn)
+{
+    if (inTurn < kTurnsBeforeSleep) {
+        std::this_thread::yield();
+    } else {
+        SleepMilliseconds(1); // a yield lets no thread of lower priority run, and many that yield keep a loaded machine busy
     }
 }
 

@@ -86,6 +86,16 @@ public:
         Search<Test>(params, false, inName, "mutant, random");
     }
 
+    /// The same for a thread that never lets another one run: a search by chance would.
+    template <class Test>
+    void FindMutant(const char* inName, unsigned inSwitches)
+    {
+        rl::test_params params;
+        params.search_type = rl::sched_bound;
+        params.context_bound = inSwitches;
+        Search<Test>(params, false, inName, "mutant, bounded");
+    }
+
     /// The exit code of the program.
     int Finish() const
     {

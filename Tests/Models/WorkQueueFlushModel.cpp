@@ -9,7 +9,6 @@
 #include <WorkQueueFlushAlgorithm.h>
 
 #include <cstdint>
-#include <type_traits>
 
 namespace {
 
@@ -58,8 +57,6 @@ struct FlushPolicy : Model::RelacyPolicy<kSpins, kLeftOut...>
         const bool isSet = Checked::template CompareAndSet<T>(ioTarget, inExpected, inNew);
         if (isSet) {
             Note(ioTarget, inNew);
-        } else if (std::is_same_v<T, std::uint32_t>) {
-            rl::yield(1, $); // a claim that fails is tried again at once while the gates are open: let the other one go on
         }
         return isSet;
     }
@@ -292,5 +289,7 @@ int main(int argc, char** argv)
         "the earlier flush is not waited for");
     run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushWaitsForTheEarlierOne>, Shape<2, 2>>>("the same, with a spin");
     run.FindMutant<Flushers<FlushPolicy<0, Step::kGateSecondRead>, Shape<2, 2>>>("the gate without its second read");
+    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushGivesWay>, Shape<1, 2>>>("a flush that cannot claim tries on", 1);
+    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushGivesWay>, Shape<1, 2>>>("the same, with a spin", 1);
     return code != 0 ? code : run.Finish();
 }
