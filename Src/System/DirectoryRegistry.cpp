@@ -6,6 +6,7 @@
 #include <ORLResourceCollection.h>
 #include <ORLString.h>
 #include <Tokenizer.h>
+#include <UntilUnload.h>
 
 #include <tvxcore/StringStream.h>
 
@@ -24,8 +25,8 @@ using Table = std::map<UTF16String, UTF16String, std::less<>>;
 
 Table& Directories()
 {
-    static Table directories;
-    return directories;
+    static UntilUnload<Table> directories;
+    return directories.Get();
 }
 
 // No honest table is deeper. The limit keeps a chain of references within the smallest stacks that hosts use.

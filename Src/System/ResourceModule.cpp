@@ -1,26 +1,28 @@
 #include <ORLModule.h>
 
+#include <UntilUnload.h>
+
 namespace ORL {
 
 namespace {
 
-ObjectPtr<Module, AtomicValue> sResourceModule;
+UntilUnload<ObjectPtr<Module, AtomicValue>> sResourceModule;
 
 } // namespace
 
 const ObjectPtr<Module, AtomicValue>& GetResourceModule()
 {
-    return sResourceModule;
+    return sResourceModule.Get();
 }
 
 void SetResourceModule(const ObjectPtr<Module, AtomicValue>& inModule)
 {
-    sResourceModule = inModule;
+    sResourceModule.Get() = inModule;
 }
 
 const ResourceCollection& GetResourceCollection()
 {
-    return *sResourceModule;
+    return *sResourceModule.Get();
 }
 
 } // namespace ORL
