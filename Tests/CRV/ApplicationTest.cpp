@@ -111,3 +111,20 @@ TEST_F(Application, SetWhileOthersRead_GivesOneOfTheTexts)
     }
     EXPECT_EQ(0, strange.load());
 }
+
+TEST_F(Application, MoreTextThanTheLibraryHasRoomFor_EachAnswerStaysValid)
+{
+    std::vector<std::string> texts;
+    std::vector<const char*> answers;
+    for (std::size_t i = 0; i < 200; ++i) {
+        texts.push_back(std::to_string(i) + std::string(i, 'x'));
+        CRV::SetApplicationName(texts.back().c_str());
+        answers.push_back(CRV::GetApplicationName());
+    }
+    const std::string longest(10000, 'y');
+    CRV::SetApplicationName(longest.c_str());
+    EXPECT_EQ(longest, CRV::GetApplicationName());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_EQ(texts[i], answers[i]);
+    }
+}

@@ -26,6 +26,7 @@ struct Shared
     std::vector<std::string> mTexts;
     std::vector<ImmutableString> mNames;
     ORL::ObjectPtr<ORL::MemoryRecycler, ORL::AtomicValue> mRecycler = ORL::MemoryRecycler::Instance();
+    bool mIsStopped = false; // the pool is asked for by nobody while it is dropped
     ORL::InterfaceRef<ORL::ThreadedWorkQueue> mQueue =
         ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
 };
@@ -66,7 +67,10 @@ void UseHandles(const Shared& inShared, std::atomic<int>& ioRounds)
         const ImmutableString copy = inShared.mNames[number];
         held = copy;
         UseNames(copy, inShared.mTexts[number], i);
-        const auto recycler = inShared.mRecycler;
+        const auto recycler = inShared.mIsStopped ? inShared.mRecycler : ORL::MemoryRecycler::Instance();
+        if (recycler.GetPtr() != inShared.mRecycler.GetPtr()) {
+            Fail("the pool of buffers is another one");
+        }
         const auto queue = inShared.mQueue;
         ++ioRounds;
     }
@@ -102,8 +106,9 @@ int main(int argc, char** argv)
         shared->mNames.push_back(ImmutableString::CreateDynamic(shared->mTexts.back()));
     }
     sName = shared->mNames[0];
+    shared->mIsStopped = argc > 1 && std::strcmp(argv[1], "stopped") == 0;
     StartThreads(*shared);
-    if (argc > 1 && std::strcmp(argv[1], "stopped") == 0) {
+    if (shared->mIsStopped) {
         ORL::Foundation::Terminate();
     }
     return 17;

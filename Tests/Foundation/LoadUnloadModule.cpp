@@ -1,5 +1,6 @@
 // A plug-in that uses the library as its hosts do, for the host that loads and unloads both: what starts with the first use and
 // must have gone again at the unload.
+#include <CRV/Application.h>
 #include <ORLFoundation.h>
 
 #if defined(_WIN32)
@@ -27,6 +28,25 @@ bool UseNames()
     const ORL::ImmutableString first = ORL::ImmutableString::CreateDynamic("a name of some length, of the plug-in");
     const ORL::ImmutableString second = ORL::ImmutableString::CreateDynamic("a name of some length, of the plug-in");
     return first.c_str() == second.c_str();
+}
+
+void MakeNothing(ORL::InterfaceRef<ORL::ORLUnknown, ORL::ORLUnknown>&) {}
+
+void CategoriesOfNothing(std::vector<ORL::Guid>& outCategories)
+{
+    outCategories.push_back(ORL::Guid(17, 18));
+}
+
+// What is kept for the life of the process goes with the library.
+bool UseWhatStays()
+{
+    CRV::SetApplicationName("a host of some name");
+    for (std::uint64_t i = 1; i <= 20; ++i) {
+        ORL::ClassFactory::RegisterORLClass(ORL::Guid(i, i), "Nothing", "Nothing", &MakeNothing, &CategoriesOfNothing);
+    }
+    return ORL::ClassFactory::GetClassTokenFromClassID(ORL::Guid(20, 20)) != nullptr
+           && ORL::Locale::GetValueFromDisplayString(ORL::MakeString("2.5")) == 2.5
+           && !ORL::ThreadManager::GetCurrentThreadInfo()->GetThreadName().empty();
 }
 
 // The stop ends the queue's thread, which may still be in the gate when the wait is over; so the gate is not this function's.
@@ -66,6 +86,9 @@ const char* UseAll(const char* inHostPath, WaitableGate& ioGate)
 {
     if (!UseNames()) {
         return "one name has two records";
+    }
+    if (!UseWhatStays()) {
+        return "a class, a number or a record is not found";
     }
     if (!UseSharedQueueAndGate(ioGate)) {
         return "a shared queue has not run its request";

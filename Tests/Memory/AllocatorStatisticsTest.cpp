@@ -223,6 +223,41 @@ TEST_F(AllocatorStatistics, OfTheSystem_RegionsFollowEachOtherFromZero)
     EXPECT_GE(heaps, 1u);
 }
 
+// The second thread comes while the first is in its walk, and gets every chance to write.
+TEST_F(AllocatorStatistics, ThreadThatComesDuringAWalk_WritesAfterIt)
+{
+    struct HeldUp : ListedRegions
+    {
+        HeldUp() : ListedRegions(kThreeRegions) {}
+        bool QueryRegion(std::uint64_t inAddress, Region& outRegion) override
+        {
+            if (!mOther.joinable()) {
+                mOther = std::thread([this] {
+                    ListedRegions regions(kThreeRegions);
+                    mHasCome = true;
+                    TraceAllocatorStatisticsFrom(regions);
+                    mIsThrough = true;
+                });
+            }
+            for (int i = 0; !mHasCome || (i < 5000 && !mIsThrough); i += mHasCome) {
+                std::this_thread::yield();
+            }
+            return ListedRegions::QueryRegion(inAddress, outRegion);
+        }
+        std::thread mOther;
+        std::atomic<bool> mHasCome{false};
+        std::atomic<bool> mIsThrough{false};
+    } regions;
+    const std::string own = Prefix();
+    TraceAllocatorStatisticsFrom(regions);
+    regions.mOther.join();
+    const std::vector<std::string> lines = TakeLines();
+    ASSERT_EQ(lines.size(), 2u * 10u);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(i < 10, lines[i].compare(0, own.size(), own) == 0) << i << ": " << lines[i];
+    }
+}
+
 TEST_F(AllocatorStatistics, TwoThreadsAtOnce_LinesDoNotMingle)
 {
     std::vector<std::thread> threads;

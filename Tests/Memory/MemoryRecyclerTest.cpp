@@ -198,6 +198,42 @@ TEST(MemoryRecycler, BufferLargerThanTheLimit_IsMadeAllTheSame)
     EXPECT_EQ(0u, recycler.GetSize()) << "the last one left is evicted too";
 }
 
+TEST(MemoryRecycler, LimitThatNobodyHasSet_Is50000000Bytes)
+{
+    // Sizes are multiples of 4096: the most that fits, and the least that does not.
+    constexpr std::size_t kFits = 50000000 / 4096 * 4096;
+    constexpr std::size_t kMost = kFits / 16384 * 16384;
+    MemoryRecycler recycler;
+    AddressOf(recycler, kMost);
+    MemoryBuffer rest = recycler.AllocateBuffer(kFits - kMost);
+    MemoryBuffer more = recycler.AllocateBuffer(kFits - kMost);
+    recycler.RecycleBuffer(rest);
+    EXPECT_EQ(kFits, recycler.GetSize());
+    ASSERT_EQ(kFits - kMost, recycler.Purge(0) - kMost);
+    AddressOf(recycler, kMost);
+    MemoryBuffer tooMuch = recycler.AllocateBuffer(kLarge);
+    recycler.RecycleBuffer(more);
+    EXPECT_EQ(kFits, recycler.GetSize());
+    recycler.RecycleBuffer(tooMuch);
+    EXPECT_EQ(kFits - kMost + kLarge, recycler.GetSize()) << "the oldest has gone";
+}
+
+TEST(MemoryRecycler, PurgeOfWhatTheOldestHas_StopsExactlyThere)
+{
+    MemoryRecycler recycler;
+    MemoryBuffer buffers[3];
+    for (MemoryBuffer& buffer : buffers) {
+        buffer = recycler.AllocateBuffer(kLarge);
+    }
+    for (MemoryBuffer& buffer : buffers) {
+        recycler.RecycleBuffer(buffer);
+    }
+    EXPECT_EQ(kLarge, recycler.Purge(kLarge));
+    EXPECT_EQ(2 * kLarge, recycler.GetSize());
+    EXPECT_EQ(2 * kLarge, recycler.Purge(kLarge + 1)) << "whole buffers go";
+    EXPECT_EQ(0u, recycler.GetSize());
+}
+
 TEST(MemoryRecycler, PurgeOfOneByte_FreesExactlyTheOldest)
 {
     MemoryRecycler recycler;

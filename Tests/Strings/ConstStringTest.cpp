@@ -217,10 +217,27 @@ TEST(ConstString, AssignmentToItself_ChangesNothing)
     const unsigned short* const text = handle.c_str();
     EXPECT_EQ(1, CountOf(handle));
     ConstString& same = handle;
+    const Snapshot before = Blocks();
     handle = same;
+    EXPECT_EQ(before.mSmallBlockCountCurrent, Blocks().mSmallBlockCountCurrent) << "the record has not been given back";
     EXPECT_EQ(1, CountOf(handle));
     EXPECT_EQ(text, handle.c_str());
     EXPECT_EQ("alone", MakeStdString(handle));
+}
+
+TEST(ConstString, HashWithTheHighestBit_IsAboveThoseWithoutIt)
+{
+    const ConstString high("zzzzzzzzzzzz");
+    const ConstString low("a");
+    ASSERT_EQ(0xBBD55A88u, WordsOf(high).mHash);
+    EXPECT_TRUE(low < high);
+    EXPECT_FALSE(high < low);
+    EXPECT_TRUE(high > low);
+    const StdConstString highBytes("zzzzzzzzzzzz");
+    const StdConstString lowBytes("a");
+    ASSERT_EQ(0xBBD55A88u, WordsOf(highBytes).mHash);
+    EXPECT_TRUE(lowBytes < highBytes);
+    EXPECT_FALSE(highBytes < lowBytes);
 }
 
 TEST(ConstString, CopiesAssignmentsAndDestruction_KeepTheCount)

@@ -142,6 +142,18 @@ TEST(ImmutableString, NullText_IsTheRecordOfTheEmptyText)
     EXPECT_EQ(1, ImmutableString::CreateDynamic("a").Compare(noUnits));
 }
 
+TEST(ImmutableStringTable, StaticNullText_MakesARecordThatOwnsItsText)
+{
+    const CriticalSection guard;
+    ImmutableStringTable table(guard);
+    Record* const record = table.Enter(nullptr, true);
+    EXPECT_FALSE(record->IsStatic());
+    EXPECT_STREQ("", reinterpret_cast<const char*>(record->Text()));
+    record->RemoveRef();
+    EXPECT_TRUE(table.Purge()) << "so it goes when nobody holds it";
+    EXPECT_EQ(0u, table.GetCount());
+}
+
 TEST(ImmutableString, EachOverloadOfCompare_AgreesOnOneText)
 {
     const ImmutableString text = ImmutableString::CreateDynamic("m\xC3\xA4");

@@ -1,3 +1,4 @@
+#include <ORLConstString.h>
 #include <ORLString.h>
 
 #include <gtest/gtest.h>
@@ -65,4 +66,18 @@ TEST(UTF16ToWstring, AllUnits_AreCopied)
     EXPECT_EQ(0, text[1]);
     EXPECT_EQ(0xDC00, text[2]);
     EXPECT_TRUE(tvxcore::utility::UTF16ToWstring(UTF16String()).empty());
+}
+
+// Each unit becomes three bytes, at lengths on both sides of every buffer on the way.
+TEST(MakeStdString, TextOfThreeBytesAUnit_IsWhole)
+{
+    for (const std::size_t units : {std::size_t{1}, std::size_t{341}, std::size_t{342}, std::size_t{511}, std::size_t{512},
+                                    std::size_t{513}, std::size_t{1024}, std::size_t{1025}}) {
+        std::string expected;
+        for (std::size_t i = 0; i < units; ++i) {
+            expected += "\xE4\xB8\xAD";
+        }
+        EXPECT_EQ(expected, MakeStdString(UTF16String(units, 0x4E2D))) << units;
+        EXPECT_EQ(expected, MakeStdString(ConstString(UTF16String(units, 0x4E2D)))) << units;
+    }
 }

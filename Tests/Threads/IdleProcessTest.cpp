@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -100,6 +101,32 @@ TEST_F(IdleProcess, SetAgain_TakesThePlaceOfTheEarlierOne)
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([life] { ADD_FAILURE() << "this one was replaced"; }), 10));
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
     EXPECT_EQ(1, life.use_count());
+    Pass(10);
+    EXPECT_EQ(1, mRuns);
+}
+
+// The new one is built first, so where that fails the earlier one goes on.
+TEST_F(IdleProcess, SetAgainWithAFailure_KeepsTheEarlierOne)
+{
+    struct Refusing : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+    {
+        void AddRef() override
+        {
+            if (mRefuses) {
+                throw std::bad_alloc();
+            }
+            UnknownImpl::AddRef();
+        }
+        void Process() override { ADD_FAILURE() << "this one was not installed"; }
+        bool mRefuses = false;
+    };
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
+    Refusing* const refusing = new Refusing;
+    const Request request(refusing);
+    Request argument(request);
+    refusing->mRefuses = true;
+    EXPECT_THROW(mQueue->SetIdleProcess(std::move(argument), 10), std::bad_alloc);
+    refusing->mRefuses = false;
     Pass(10);
     EXPECT_EQ(1, mRuns);
 }

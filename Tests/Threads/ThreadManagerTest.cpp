@@ -74,6 +74,26 @@ TEST_F(ThreadRecords, RegisteredThread_HasItsOwnRecord)
     EXPECT_EQ("CorvantoMain", NameOfThisThread());
 }
 
+// The number of the slot is the one that the system hands out next.
+TEST(ThreadSlot, AfterUnregisterThread_StillHoldsTheAddressOfTheRecord)
+{
+    namespace Platform = ThreadManager::Platform;
+    const std::uint32_t slot = Platform::AllocateSlot_Impl();
+    Platform::FreeSlot_Impl(slot);
+    ORLTest::CheckRecorder recorder;
+    ThreadManager::RegisterMainThread();
+    ASSERT_EQ(ThreadManager::GetCurrentThreadInfo(), Platform::GetSlotValue_Impl(slot));
+    OnAnotherThread([slot] {
+        ConstString name("Worker");
+        ConstString module("Renderer");
+        ThreadManager::RegisterThread(name, module);
+        const void* const record = ThreadManager::GetCurrentThreadInfo();
+        ThreadManager::UnregisterThread();
+        EXPECT_EQ(record, Platform::GetSlotValue_Impl(slot));
+    });
+    ThreadManager::UnregisterMainThread();
+}
+
 TEST_F(ThreadRecords, EmptyNames_FireTheContractAndTheRecordIsStillBuilt)
 {
     mRecorder.Clear();

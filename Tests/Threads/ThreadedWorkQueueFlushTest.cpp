@@ -1,6 +1,7 @@
 #include <ORLThreadedWorkQueueFlush.h>
 
 #include <CheckRecorder.h>
+#include <CoreClock.h>
 #include <ORLConstString.h>
 #include <Stress.h>
 #include <tvxcore/Guid.h>
@@ -156,39 +157,59 @@ TEST(ThreadedWorkQueueFlush, ManyThreadsFlushOneObject_AreServedOneAfterTheOther
     queue->Stop();
 }
 
-TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_DoesNotDisturb)
+TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_IsFlushedLikeARequest)
 {
+    tvxcore::threads::ManualClock clock;
     const QueueRef queue = StartedQueue(2);
     const FlushRef flush = FlushOf(queue);
     std::atomic<int> turns{0};
-    WaitableGate hasRun;
-    queue->SetIdleProcess(Work([&] {
-                              ++turns;
-                              hasRun.Open();
-                          }),
-                          1);
-    for (int round = 0; round < 100; ++round) {
+    std::atomic<int> finished{0};
+    queue->SetIdleProcess(Work([&turns] { ++turns; }), 1);
+    for (int round = 1; round <= 100; ++round) {
+        queue->QueueRequest(Work([&finished] { ++finished; }));
+        clock.Advance(1'000'000); // hands the turn that is due to the queue's threads
         flush->Flush();
+        ASSERT_EQ(round, turns.load());
+        ASSERT_EQ(round, finished.load());
     }
-    EXPECT_EQ(kSuccess, hasRun.Wait(-1));
     queue->ClearIdleProcess();
     queue->Stop();
-    EXPECT_GT(turns.load(), 0);
 }
 
-TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResume)
+TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
 {
+    // Counts the items: each is a reference to the object.
+    struct Counted : ThreadedWorkQueueFlush
+    {
+        void AddRef() override
+        {
+            ++mReferences;
+            ThreadedWorkQueueFlush::AddRef();
+        }
+        std::atomic<int> mReferences{0};
+    };
     const QueueRef queue = StartedQueue(2);
-    const FlushRef flush = FlushOf(queue);
+    Counted* const counted = new Counted;
+    const FlushRef flush(counted);
+    flush->Init(queue);
     queue->Pause();
+    const int before = counted->mReferences;
     std::atomic<bool> finished{false};
+    std::atomic<bool> hasReturned{false};
     queue->QueueRequest(Work([&finished] { finished = true; }));
     std::thread flusher([&] {
         flush->Flush();
         EXPECT_TRUE(finished.load());
+        hasReturned = true;
     });
+    while (counted->mReferences < before + 2) {
+        std::this_thread::yield();
+    }
+    EXPECT_FALSE(finished.load());
+    EXPECT_FALSE(hasReturned.load()) << "both items are queued, and none may start";
     queue->Resume();
     flusher.join();
+    EXPECT_TRUE(hasReturned.load());
     queue->Stop();
 }
 

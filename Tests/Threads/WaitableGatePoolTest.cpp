@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <set>
 #include <thread>
 #include <vector>
@@ -262,28 +263,64 @@ TEST(WaitableGatePool, ManyThreads_NeverShareAGate)
     EXPECT_GE(Pool::sPool.load()->CountIdleGates(), 1u);
 }
 
-TEST(WaitableGatePool, FirstUseByManyThreadsAtOnce_BuildsOnePool)
+namespace {
+
+// The exit code of a process in which nobody has used the pool before: 0 if eight threads that come at once find one pool, and
+// eight gates in it.
+int UseThePoolAtOnce()
 {
-    // The pool of this program may exist already; what is shown is that all threads see the same one.
-    std::atomic<bool> go{false};
-    Pool* seen[4] = {};
+    constexpr std::size_t kThreads = 8;
+    if (Pool::sPool != nullptr) {
+        return 2;
+    }
+    std::atomic<std::size_t> ready{0};
+    std::vector<Pool*> pools(kThreads);
+    std::vector<WaitableGate*> gates(kThreads);
     std::vector<std::thread> threads;
-    for (Pool*& pool : seen) {
-        threads.emplace_back([&] {
-            while (!go) {
+    for (std::size_t i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&, i] {
+            for (++ready; ready != kThreads;) {
+                std::this_thread::yield();
             }
-            WaitableGate* const gate = WaitableGatePool::RetrieveGate();
-            pool = Pool::sPool;
-            gate->Open();
-            WaitableGatePool::ReturnGate(gate);
+            gates[i] = WaitableGatePool::RetrieveGate();
+            pools[i] = Pool::sPool;
         });
     }
-    go = true;
     for (std::thread& thread : threads) {
         thread.join();
     }
-    for (const Pool* pool : seen) {
-        EXPECT_NE(nullptr, pool);
-        EXPECT_EQ(seen[0], pool);
+    const std::set<Pool*> differentPools(pools.begin(), pools.end());
+    const std::set<WaitableGate*> differentGates(gates.begin(), gates.end());
+    for (WaitableGate* const gate : gates) {
+        gate->Open();
+        WaitableGatePool::ReturnGate(gate);
     }
+    const bool isOne = differentPools.size() == 1 && differentPools.count(nullptr) == 0;
+    return isOne && differentGates.size() == kThreads && pools[0]->CountIdleGates() == kThreads ? 0 : 1;
+}
+
+} // namespace
+
+TEST(WaitableGatePoolDeathTest, FirstUseByManyThreadsAtOnce_BuildsOnePool)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(std::_Exit(UseThePoolAtOnce()), testing::ExitedWithCode(0), "");
+}
+
+TEST(WaitableGatePool, AtTheEndOfTheProcess_IdleGatesGoAndThePoolServesOn)
+{
+    CountingPool pool;
+    WaitableGate* const first = CountingPool::RetrieveGate();
+    first->Open();
+    CountingPool::ReturnGate(first);
+    ASSERT_EQ(1, CountingPolicy::sAlive);
+    pool.TryDestroyIdleGates();
+    EXPECT_EQ(0, CountingPolicy::sAlive);
+    EXPECT_EQ(0u, pool.CountIdleGates());
+    CheckRecorder recorder;
+    WaitableGate* const second = CountingPool::RetrieveGate();
+    second->Open();
+    CountingPool::ReturnGate(second);
+    EXPECT_EQ(1u, pool.CountIdleGates());
+    EXPECT_TRUE(recorder.Reports().empty());
 }

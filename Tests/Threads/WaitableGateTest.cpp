@@ -148,13 +148,30 @@ TEST(WaitableGate, InterruptedSleeper_LeavesAndTheGateStaysUsable)
     EXPECT_EQ(kSuccess, gate.Wait(-1));
 }
 
-TEST(WaitableGate, GatesOnTheHeap_ComeAndGo)
+TEST(WaitableGate, ManyGates_EachIsOpenedAndClosedAlone)
 {
-    std::vector<std::unique_ptr<WaitableGate>> gates;
-    for (int i = 0; i < 100; ++i) {
-        gates.push_back(std::make_unique<WaitableGate>());
-        EXPECT_EQ(kWaitTimeout, gates.back()->Wait(0));
+    std::vector<std::unique_ptr<WaitableGate>> gates(100);
+    for (auto& gate : gates) {
+        gate = std::make_unique<WaitableGate>();
     }
+    const auto expectOpen = [&gates](std::size_t inEach) {
+        for (std::size_t i = 0; i < gates.size(); ++i) {
+            EXPECT_EQ(inEach != 0 && i % inEach == 0 ? kSuccess : kWaitTimeout, gates[i]->Wait(0)) << i;
+        }
+    };
+    expectOpen(0);
+    for (std::size_t i = 0; i < gates.size(); i += 3) {
+        gates[i]->Open();
+    }
+    expectOpen(3);
+    for (std::size_t i = 0; i < gates.size(); ++i) {
+        if (i % 6 != 0) {
+            gates[i]->Close();
+        }
+    }
+    expectOpen(6);
+    gates.erase(gates.begin(), gates.begin() + 6);
+    expectOpen(6);
 }
 
 TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)

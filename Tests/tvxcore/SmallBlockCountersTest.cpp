@@ -217,6 +217,22 @@ TEST(SmallBlockCounters, BlocksMoveBetweenThreads_CountsAreExactOnceTheyRest)
     EXPECT_EQ(after.mSmallBlockCountTotal - before.mSmallBlockCountTotal, kCount);
 }
 
+TEST(SmallBlockCounters, ThreadThatHasEnded_LeavesItsTotals)
+{
+    // Often enough for the packed word to be brought forward, and once more for what stays in it.
+    for (const std::uint64_t rounds : {std::uint64_t{300000}, std::uint64_t{3}}) {
+        const Snapshot before = Now();
+        std::thread([rounds] {
+            for (std::uint64_t i = 0; i < rounds; ++i) {
+                SmallBlockAllocator::Dispose(SmallBlockAllocator::Allocate(kLargestSmall), kLargestSmall);
+            }
+        }).join();
+        const Snapshot after = Now();
+        EXPECT_EQ(after.mSmallBlockCountTotal - before.mSmallBlockCountTotal, rounds);
+        EXPECT_EQ(after.mSmallBlockBytesTotal - before.mSmallBlockBytesTotal, rounds * kLargestSmall);
+    }
+}
+
 TEST(SmallBlockCounters, ThreadDisposesOfLargerAndAllocatesSmaller_PeakKeepsItsBound)
 {
     // Up to the peak, so that nothing is left to claim and each missing byte raises it.

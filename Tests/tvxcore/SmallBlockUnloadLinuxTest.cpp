@@ -206,3 +206,69 @@ TEST(SmallBlockUnload, ProcessForksWhileThreadsAllocate_TheChildIsServed)
         thread.join();
     }
 }
+
+namespace {
+
+// What takes each of the allocator's locks, and little else.
+void ReadCounters()
+{
+    SmallBlockAllocator::Metrics::Snapshot snapshot;
+    SmallBlockAllocator::Metrics::GetSnapshot(snapshot);
+}
+
+void MoveManyBlocks()
+{
+    void* blocks[400];
+    for (void*& block : blocks) {
+        block = SmallBlockAllocator::Allocate(4096);
+    }
+    for (void* const block : blocks) {
+        SmallBlockAllocator::Dispose(block, 4096);
+    }
+}
+
+void ComeAndGo()
+{
+    std::thread([] { SmallBlockAllocator::Dispose(SmallBlockAllocator::Allocate(64), 64); }).join();
+}
+
+} // namespace
+
+// A lock that another thread holds at the fork stays taken in the child for good, unless the fork waits for it.
+TEST(SmallBlockUnload, ProcessForksWhileALockIsBusy_TheChildCanTakeIt)
+{
+    if (tvxcore::utility::SmallBlocks::kBlocksAreTheSystems) {
+        GTEST_SKIP() << "blocks are the system's";
+    }
+    for (void (*const keepBusy)() : {&ReadCounters, &MoveManyBlocks, &ComeAndGo}) {
+        std::atomic<bool> isOver{false};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 2; ++i) {
+            threads.emplace_back([&isOver, keepBusy] {
+                while (!isOver.load()) {
+                    keepBusy();
+                }
+            });
+        }
+        for (int round = 0; round < 50; ++round) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                ::alarm(20);
+                ReadCounters();
+                MoveManyBlocks();
+                ComeAndGo();
+                ::_exit(0);
+            }
+            int status = -1;
+            EXPECT_EQ(::waitpid(child, &status, 0), child);
+            if (status != 0) {
+                ADD_FAILURE() << "status " << status;
+                break;
+            }
+        }
+        isOver.store(true);
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+}
