@@ -24,10 +24,10 @@ TEST(OrlColour, OfAnOrange_ShowsEveryForm)
     EXPECT_EQ("rgb    255     128     0     #ff8000\n"
               "hsl    30      100     50\n"
               "hsv    30      100     100\n"
-              "yuv    146     -74     64\n"
+              "yuv    146     -75     64\n"
               "ypbpr  0.5937  -0.3350 0.2898\n"
               "yiq    0.5937  0.4255  -0.1231\n"
-              "ire    luma 59.4 (424.0 mV)  chroma 46.0 (328.5 mV)\n",
+              "ire    luma 59.4 (424.0 mV)  chroma 46.1 (329.2 mV)\n",
               result.mOutput);
 }
 
@@ -61,7 +61,7 @@ TEST(OrlColour, Json_IsOneObjectOfNumbers)
     const ProcessResult result = Colour({"#ff8000", "--json", "--to", "rgb,ire"});
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     EXPECT_EQ("{\n  \"hexadecimal\": \"#ff8000\",\n  \"rgb\": {\"r\": 255, \"g\": 128, \"b\": 0},\n"
-              "  \"ire\": {\"luma\": 59.4, \"chroma\": 46.0, \"lumaMillivolts\": 424.0, \"chromaMillivolts\": 328.5}\n}\n",
+              "  \"ire\": {\"luma\": 59.4, \"chroma\": 46.1, \"lumaMillivolts\": 424.0, \"chromaMillivolts\": 329.2}\n}\n",
               result.mOutput);
 }
 
