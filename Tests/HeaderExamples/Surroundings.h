@@ -27,6 +27,7 @@ struct Host
     UTF16String path;
     UTF16String name;
     char buffer[65536];
+    std::vector<char> bytes;
     unsigned int count;
     ORL::WaitableGate* gate;
     ORL::CriticalSection mLock;

@@ -35,6 +35,7 @@ inline void TouchExceptions()
     ThrowAndCatch<exClassNotFound>();
     ThrowAndCatch<eNotADirectoryPath>();
     ThrowAndCatch<eDirectoryNoLongerValid>();
+    ThrowAndCatch<eDirectoryNotListed>();
     ThrowAndCatch<StartupException>(kGeneralFailure);
     ThrowAndCatch<NullInterfaceException>();
     ThrowAndCatch<EventFailure>();

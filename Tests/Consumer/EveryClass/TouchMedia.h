@@ -4,9 +4,11 @@
 
 #include <ORLFoundation.h>
 
+#include <tvxcore/StringStream.h>
+
 namespace Consumer {
 
-inline void TouchMedia()
+inline void TouchTimecode()
 {
     using namespace ORL;
     using tvxmediatypes::FrameRate;
@@ -22,6 +24,49 @@ inline void TouchMedia()
     copy.SetFormat(tvxmediatypes::kTimeDisplay_30Timecode, kFrameRate_Video30);
     copy.IncrementHMSF(0, 0, 1, 0);
     Touch(&Timecode::IncrementFeetFrames, &Timecode::StringToTime, &Timecode::FindUnreadable, Timecode());
+}
+
+inline void TouchColours()
+{
+    using namespace ORL;
+    ParamColor<unsigned long> colour(1, 2, 3);
+    unsigned char luma = 0;
+    char first = 0;
+    char second = 0;
+    ColorRGBtoYUV(colour, luma, first, second);
+    Touch(colour.GetValue(), colour.GetRed(), ColorYUVtoRGB(luma, first, second, colour), &ColorYUVtoRGBf,
+          &ColorRGBToYPbPr, &ColorYPbPrToRGB, &ColorYPbPrToYIQ, &ColorPbPrToHue, &ColorYPbPrToHSL, &ColorRGBToIRE,
+          &ColorRGBToMV, &ColorYPbPrToIRE, &ColorYPbPrToMV, &NormalizedRGBtoHSV, &NormalizedRGBtoHSL,
+          &NormalizedHSVtoRGB, &NormalizedHSLtoRGB, &ColorRGBtoHSV, &ColorRGBtoHSL, &ColorHSVtoRGB, &ColorHSLtoRGB,
+          &ColorHSLtoHSV, &ColorHSVtoHSL, &ColorHSLtoYUV, &ColorHSVtoYUV, &ColorYUVtoHSL, &ColorYUVtoHSV,
+          &MakeRGBWebSafe, &MakeRGBNTSCSafe);
+}
+
+inline void TouchShapesHashesAndTimes()
+{
+    using namespace ORL;
+    ParamPoint<CPoint> point(1, 2);
+    HashValue hash(1, 2, 3);
+    MixHash::Mix(hash, "text", 4);
+    tvxcore::oUTF16StringStream stream;
+    stream << hash;
+    tvxcore::iUTF16StringStream input(stream.str());
+    input >> hash;
+    const CRCHashValue checksum;
+    TimeStamp now;
+    TimeStamp start = TimeStamp::GetStartTime();
+    now.Swap(start);
+    Touch(Geometry::PointToLineSegmentDistance2D(point, point, point), &Geometry::SolveNaturalCubicSpline2D,
+          &Geometry::InterpolateNaturalCubicSpline2D, hash.GetWord(0), checksum, now.GetElapsedValue(),
+          now.GetMilliSeconds(), now.GetSeconds(), now.GetMicroSeconds(), now.GetSecondsPart(),
+          now.GetMilliSecondsPart(), now.GetMicroSecondsPart());
+}
+
+inline void TouchMedia()
+{
+    TouchTimecode();
+    TouchColours();
+    TouchShapesHashesAndTimes();
 }
 
 } // namespace Consumer

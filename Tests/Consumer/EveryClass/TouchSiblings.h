@@ -19,6 +19,7 @@
 #include <tvxcore/Text.h>
 #include <tvxcore/Trace.h>
 #include <tvxcore/UTF16Facets.h>
+#include <tvxcore/Unload.h>
 #include <tvxmediatypes/Constants.h>
 
 namespace Consumer {
@@ -118,7 +119,7 @@ inline void TouchSmallBlocks()
     std::vector<int, SmallBlockAllocator::STLAllocator<int>> numbers(100);
     SmallBlockAllocator::Dispose(SmallBlockAllocator::Allocate(100), 100);
     Touch(SmallBlockAllocator::Metrics::GetSnapshot(snapshot), numbers, tvxcore::utility::TotalPhysicalMemory(),
-          tvxcore::utility::CPUCount());
+          &tvxcore::utility::BelongsToProgram, &tvxcore::utility::AreOtherThreadsStopped, tvxcore::utility::CPUCount());
 }
 
 inline void TouchSiblings()

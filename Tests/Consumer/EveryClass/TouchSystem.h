@@ -98,8 +98,21 @@ inline void TouchWhatWindowsHas()
 #endif
 }
 
+inline void TouchMachine()
+{
+    using namespace ORL;
+    Touch(&Process::IsProcessRunning, &Process::FocusProcess, SystemInfo::GetCPUCount(),
+          SystemInfo::GetTotalPhysicalMemory(), SystemInfo::GetAvailablePhysicalMemory(),
+          SystemInfo::GetTotalVirtualMemory(), &SystemInfo::GetSystemLoad, SystemInfo::ProcessorSupportsSSE2());
+    AutomationDataCollector& collector = *AutomationDataCollector::Instance();
+    Touch(collector.GetCollection(), collector.SpecifyPerformanceTest(), AutomationDataCollector::kResultsTag,
+          &AutomationDataCollector::AddResult, &AutomationDataCollector::AddResults, &AutomationDataCollector::Clear,
+          &WriteAutomationResults);
+}
+
 inline void TouchSystem()
 {
+    TouchMachine();
     TouchModules();
     TouchWhatWindowsHas();
     TouchRegistry();
