@@ -19,6 +19,7 @@
 #include <ORLConstants.h>
 #include <ORLCriticalSection.h>
 #include <ORLDebug.h>
+#include <ORLDebugDatabase.h>
 #include <ORLDirectory.h>
 #include <ORLDirectoryRegistry.h>
 #include <ORLDiskUtils.h>
@@ -30,6 +31,7 @@
 #include <ORLGeometry.h>
 #include <ORLHashValue.h>
 #include <ORLHostPath.h>
+#include <ORLHostSettings.h>
 #include <ORLImmutableString.h>
 #include <ORLImpl.h>
 #include <ORLInterface.h>
@@ -54,6 +56,7 @@
 #include <ORLStream.h>
 #include <ORLString.h>
 #include <ORLStringResources.h>
+#include <ORLStringUtils.h>
 #include <ORLSystemInfo.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>

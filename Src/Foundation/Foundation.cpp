@@ -2,6 +2,7 @@
 
 #include <AsyncFileReaderImpl.h>
 #include <CountedLifecycle.h>
+#include <DebugDatabaseLifecycle.h>
 #include <LocaleInternals.h>
 #include <MemoryRecyclerLifecycle.h>
 #include <tvxcore/Trace.h>
@@ -25,6 +26,7 @@ constexpr LifecycleStep kStop[] = {
     {"SharedThreadedWorkQueue::Shutdown", &SharedThreadedWorkQueue::Shutdown},
     {"ThreadManager::UnregisterMainThread", &ThreadManager::UnregisterMainThread},
     {"Exception::Terminate", &Exception::Terminate},
+    {"ReleaseDebugDatabase", &ReleaseDebugDatabase},
     {"tvxcore::debug::ShutdownTraceManager", &tvxcore::debug::ShutdownTraceManager},
 };
 

@@ -1,10 +1,12 @@
 #include <ResourceLanguage.h>
 
+#include <ORLHostSettings.h>
+
 namespace ORL {
 
 unsigned short CurrentLanguage()
 {
-    return 1033;
+    return GetLanguageID();
 }
 
 } // namespace ORL

@@ -141,7 +141,8 @@ TEST_F(FoundationTest, StartAndStop_DoTheirWorkInTheirFixedOrders)
     tvxcore::debug::SetTraceLevelOfAll(1);
     EXPECT_EQ("locale thread recycler reads queue trace ", services.Running());
     EXPECT_EQ((std::vector<std::string>{"locale thread recycler queue trace ", "locale thread queue trace ",
-                                        "locale thread trace ", "locale trace ", "locale trace ", "locale "}),
+                                        "locale thread trace ", "locale trace ", "locale trace ", "locale trace ",
+                                        "locale "}),
               services.After(lifecycle.mStop, lifecycle.mStopCount));
     EXPECT_EQ(&Exception::Terminate, lifecycle.mStop[4].mRun);
 }

@@ -1,4 +1,5 @@
 // What the documents show: each "$ orl ..." line of a console block is run, and its answer compared with the lines below.
+#include <OwnUserStore.h>
 #include <ProcessRunner.h>
 
 #include <fstream>
@@ -107,7 +108,15 @@ TEST(DocumentedCommands, OfTheTimecodePage_AnswerAsShown)
     ExpectAnswersOf("Docs/timecode.md", 40);
 }
 
+// They change settings: on Linux those of a store of their own, elsewhere a key that they delete again.
+TEST(DocumentedCommands, OfTheSettingsPage_AnswerAsShown)
+{
+    const OwnUserStore store;
+    ExpectAnswersOf("Docs/settings.md", 8);
+}
+
 TEST(DocumentedCommands, OfTheReadme_AnswerAsShown)
 {
+    const OwnUserStore store;
     ExpectAnswersOf("README.md", 5);
 }

@@ -1,6 +1,8 @@
 // orl info as a user meets it: what it prints, how it ends.
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
+#include <ORLRegistryStore.h>
+#include <ORLStringUtils.h>
 #include <ORLSystemInfo.h>
 
 #include <ProcessRunner.h>
@@ -145,6 +147,22 @@ TEST(OrlInfo, Json_IsOneObjectWithQuotedTexts)
     EXPECT_NE(std::string::npos, result.mOutput.find("\"path\": \"C:\\\\a b\""));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"kind\": \"missing\""));
     EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"C:\\\\\", \"hostFolder\": "));
+    EXPECT_NE(std::string::npos, result.mOutput.find("\"languageId\": "));
+    EXPECT_NE(std::string::npos, result.mOutput.find("\"codePage\": "));
+    EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"user\", \"place\": "));
+}
+
+TEST(OrlInfo, LanguageCodePageAndStores_AreThoseOfTheLibrary)
+{
+    const ProcessResult result = Orl({"info"});
+    ASSERT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ(std::to_string(ORL::StringUtils::GetDefaultCodePage()), Row(result.mOutput, "code page"));
+    const std::string language = Row(result.mOutput, "language");
+    EXPECT_NE(std::string::npos, language.find(" (")) << language;
+    const std::string place = ORL::RegistryStore::GetState(ORL::RegistryRootKeys::kUser).mPlace;
+    EXPECT_EQ(0u, Row(result.mOutput, "settings").find("user     " + (place.empty() ? "kept by the system" : place)))
+        << result.mOutput;
+    EXPECT_NE(std::string::npos, result.mOutput.find("\n               machine  ")) << result.mOutput;
 }
 
 TEST(OrlInfo, OfTheMachine_ShowsProcessorsMemoryLoadAndProcessClock)

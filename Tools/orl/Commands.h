@@ -17,6 +17,9 @@ void AddIngest(CLI::App& ioProgram);
 /// orl make-clip PATH: writes a clip to try things on.
 void AddMakeClip(CLI::App& ioProgram);
 
+/// orl reg list|get|set|unset|delete|export|import|check: the settings in the registry.
+void AddReg(CLI::App& ioProgram);
+
 /// orl tc show|parse|add|convert|table: labels, counts and times of every timecode format.
 void AddTimecode(CLI::App& ioProgram);
 

@@ -18,6 +18,7 @@ void AddCommands(CLI::App& ioProgram)
     orl::AddTimecode(ioProgram);
     orl::AddColour(ioProgram);
     orl::AddHash(ioProgram);
+    orl::AddReg(ioProgram);
     orl::AddInfo(ioProgram);
     orl::AddMakeClip(ioProgram);
 }

@@ -30,6 +30,9 @@ bool OutputIsTerminal();
 /// Columns of the terminal on standard output, as wide as it is now; 80 where it does not tell, and at least 2.
 std::size_t TerminalColumns();
 
+/// Bytes written to standard output from now on arrive as they are: Windows would write CR LF for LF.
+void MakeOutputBinary();
+
 /// While it lives, standard output shows colours if it can: if it is a terminal that knows their escape sequences and
 /// the user has not set NO_COLOR.
 class ColourOutput

@@ -31,6 +31,10 @@ std::size_t TerminalColumns()
     return isKnown ? std::max<std::size_t>(size.ws_col, 2) : 80;
 }
 
+void MakeOutputBinary()
+{
+}
+
 namespace {
 
 bool IsSet(const char* inVariable)

@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <fcntl.h>
 #include <io.h>
+#include <iostream>
 #include <shellapi.h>
 #include <stdio.h>
 
@@ -55,6 +57,12 @@ std::size_t TerminalColumns()
     const bool isKnown = ::GetConsoleScreenBufferInfo(::GetStdHandle(STD_OUTPUT_HANDLE), &info) != FALSE;
     const int columns = isKnown ? info.srWindow.Right - info.srWindow.Left + 1 : 80;
     return static_cast<std::size_t>(columns < 2 ? 2 : columns);
+}
+
+void MakeOutputBinary()
+{
+    std::cout.flush();
+    ::_setmode(::_fileno(stdout), _O_BINARY);
 }
 
 ColourOutput::ColourOutput() : mShowsColours(false), mEarlierMode(0)

@@ -5,7 +5,10 @@
 
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
+#include <ORLHostSettings.h>
 #include <ORLPathUtils.h>
+#include <ORLRegistryStore.h>
+#include <ORLStringUtils.h>
 #include <ORLSystemInfo.h>
 #include <ORLTimeStamp.h>
 #include <ORLVersion.h>
@@ -25,6 +28,14 @@ struct Options
     bool mAsJson = false;
 };
 
+// Where settings lie.
+struct Store
+{
+    const char* mName;
+    std::string mPlace; // empty where the system keeps the registry
+    unsigned long long mBytes;
+};
+
 struct Facts
 {
     std::string mPath;
@@ -40,6 +51,10 @@ struct Facts
     unsigned long long mVirtualMemory;
     int mLoad; // percent
     long long mProcessClock; // milliseconds since the library was loaded
+    std::string mLanguage;
+    unsigned mLanguageID;
+    unsigned mCodePage;
+    std::vector<Store> mStores;
 };
 
 // Long enough for a load in whole percents on a machine of one processor.
@@ -65,6 +80,21 @@ const char* KindOf(const UTF16String& inPath)
     return ORL::PathUtils::ExistsOnDisk(inPath) ? "file" : "missing";
 }
 
+Store StoreOf(const char* inName, ORL::RegistryRootKeys::Type inRoot)
+{
+    const ORL::RegistryStoreState state = ORL::RegistryStore::GetState(inRoot);
+    return {inName, state.mPlace, state.mBytes};
+}
+
+void GatherSettings(Facts& outFacts)
+{
+    outFacts.mLanguageID = ORL::GetLanguageID();
+    outFacts.mLanguage = ToUTF8(ORL::GetLanguageString());
+    outFacts.mCodePage = ORL::StringUtils::GetDefaultCodePage();
+    outFacts.mStores = {StoreOf("user", ORL::RegistryRootKeys::kUser),
+                        StoreOf("machine", ORL::RegistryRootKeys::kMachine)};
+}
+
 Facts Gather(const std::string& inArgument)
 {
     const UTF16String path = PathOfArgument(inArgument);
@@ -85,6 +115,7 @@ Facts Gather(const std::string& inArgument)
     facts.mFreeBytes = ORL::DiskUtils::GetFreeSpaceFromPath(path);
     facts.mDrives = ORL::PathUtils::GetMountPoints();
     GatherMachine(facts);
+    GatherSettings(facts);
     return facts;
 }
 
@@ -101,6 +132,22 @@ void PrintMachine(const Facts& inFacts)
     Row("address space") << size(inFacts.mVirtualMemory) << '\n';
     Row("load") << inFacts.mLoad << " % of all processors\n";
     Row("process clock") << inFacts.mProcessClock << " ms\n";
+}
+
+void PrintSettings(const Facts& inFacts)
+{
+    Row("language") << inFacts.mLanguage << " (" << inFacts.mLanguageID << ")\n";
+    Row("code page") << inFacts.mCodePage << '\n';
+    const char* title = "settings";
+    for (const Store& store : inFacts.mStores) {
+        Row(title) << PaddedTo(9, store.mName);
+        if (store.mPlace.empty()) {
+            std::cout << "kept by the system\n";
+        } else {
+            std::cout << OnOneLine(store.mPlace) << "  " << store.mBytes << " bytes\n";
+        }
+        title = "";
+    }
 }
 
 void PrintText(const Facts& inFacts)
@@ -120,6 +167,7 @@ void PrintText(const Facts& inFacts)
         title = "";
     }
     PrintMachine(inFacts);
+    PrintSettings(inFacts);
 }
 
 void PrintJson(const Facts& inFacts)
@@ -142,7 +190,18 @@ void PrintJson(const Facts& inFacts)
               << ",\n  \"physicalMemory\": " << inFacts.mPhysicalMemory
               << ",\n  \"availableMemory\": " << inFacts.mAvailableMemory
               << ",\n  \"virtualMemory\": " << inFacts.mVirtualMemory << ",\n  \"loadPercent\": " << inFacts.mLoad
-              << ",\n  \"processClockMilliseconds\": " << inFacts.mProcessClock << "\n}\n";
+              << ",\n  \"processClockMilliseconds\": " << inFacts.mProcessClock;
+
+    std::cout << ",\n  \"language\": " << JsonQuoted(inFacts.mLanguage)
+              << ",\n  \"languageId\": " << inFacts.mLanguageID << ",\n  \"codePage\": " << inFacts.mCodePage
+              << ",\n  \"stores\": [";
+    separator = "\n";
+    for (const Store& store : inFacts.mStores) {
+        std::cout << separator << "    {\"root\": " << JsonQuoted(store.mName)
+                  << ", \"place\": " << JsonQuoted(store.mPlace) << ", \"bytes\": " << store.mBytes << '}';
+        separator = ",\n";
+    }
+    std::cout << "\n  ]\n}\n";
 }
 
 void Run(const Options& inOptions)

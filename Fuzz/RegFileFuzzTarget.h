@@ -1,0 +1,62 @@
+// What is checked of any bytes that are read as a registry text file. The fuzzer and the plain test that replays its
+// corpus share it.
+//
+// A file is refused with a line that it has, or its changes are ones that a registry can make. Its values, written as a
+// file and read again, are the same.
+#pragma once
+
+#include <Reg/RegFile.h>
+#include <Reg/RegKeyName.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+namespace ORLFuzz {
+
+inline bool IsPossible(const ORL::RegistryEdit& inEdit)
+{
+    return orl::ComplainOfRegPath(inEdit.mPath).empty() && inEdit.mValue.mName.size() <= orl::kMostValueNameUnits
+           && inEdit.mValue.mName.find(static_cast<unsigned short>(0)) == UTF16String::npos
+           && (inEdit.mKind != ORL::RegistryEdit::kDeleteKey || !inEdit.mPath.empty());
+}
+
+/// The keys that the file sets values of, each as often as it comes.
+inline std::vector<orl::RegFileKey> KeysOf(const std::vector<ORL::RegistryEdit>& inEdits)
+{
+    std::vector<orl::RegFileKey> keys;
+    for (const ORL::RegistryEdit& edit : inEdits) {
+        const UTF16String name = orl::LongRegKeyName({edit.mRoot, edit.mPath});
+        if (edit.mKind == ORL::RegistryEdit::kCreateKey) {
+            keys.push_back({name, {}});
+        } else if (edit.mKind == ORL::RegistryEdit::kSetValue) {
+            if (keys.empty() || keys.back().mName != name) {
+                keys.push_back({name, {}});
+            }
+            keys.back().mValues.push_back(edit.mValue);
+        }
+    }
+    return keys;
+}
+
+/// Null if all holds, else what does not.
+inline const char* CheckRegFile(const std::string& inBytes)
+{
+    std::vector<ORL::RegistryEdit> edits;
+    try {
+        edits = orl::ReadRegFile(inBytes);
+    } catch (const orl::RegFileFault& fault) {
+        const auto lineEnds =
+            std::count_if(inBytes.begin(), inBytes.end(), [](char byte) { return byte == '\n' || byte == '\r'; });
+        const bool hasLine = fault.Line() >= 1 && fault.Line() <= static_cast<std::size_t>(lineEnds) + 1;
+        return hasLine ? nullptr : "a fault in a line that the file does not have";
+    }
+    if (!std::all_of(edits.begin(), edits.end(), &IsPossible)) {
+        return "a change that no registry can make";
+    }
+    const std::string first = orl::EncodeRegFile(orl::WriteRegFile(KeysOf(edits)));
+    const std::string second = orl::EncodeRegFile(orl::WriteRegFile(KeysOf(orl::ReadRegFile(first))));
+    return first == second ? nullptr : "what was written reads back differently";
+}
+
+} // namespace ORLFuzz

@@ -1,0 +1,10 @@
+// Floor: Diagnostics
+// The end of the debug database. It runs under the foundation lock.
+#pragma once
+
+namespace ORL {
+
+/// Destroys the database if there is one. The registry keeps the settings.
+void ReleaseDebugDatabase();
+
+} // namespace ORL

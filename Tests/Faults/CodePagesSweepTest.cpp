@@ -1,0 +1,102 @@
+// Text in code pages, the language and the debug settings with their memory refused at every place.
+#include "MemoryFaults.h"
+
+#include <CodePageConversion.h>
+#include <DebugDatabaseLifecycle.h>
+#include <LanguageInternals.h>
+#include <ORLDebugDatabase.h>
+#include <ORLHostSettings.h>
+#include <OwnHost.h>
+
+#include <new>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+UTF16String Converted(std::size_t inUnits)
+{
+    return Internal::To16BitUnicode(std::string(2 * inUnits, '\x82'), 932); // pairs of "<82><82>"
+}
+
+bool FailsWithout(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther, const std::function<void()>& inWork)
+{
+    const MemoryFaults faults(inDoor, inNumber, inAllFurther);
+    try {
+        inWork();
+    } catch (const std::bad_alloc&) {
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+// The result itself comes from the small block allocator.
+TEST(CodePagesSweep, UpTo1024Units_TakeNoWorkingMemory)
+{
+    const std::string bytes1024(2 * 1024, '\x82');
+    const std::string bytes1025(2 * 1025, '\x82');
+    UTF16String result;
+    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { result = Internal::To16BitUnicode(bytes1024, 932); }));
+    EXPECT_EQ(1024u, result.size());
+    EXPECT_TRUE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { Internal::To16BitUnicode(bytes1025, 932); }));
+    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::To16BitUnicode(bytes1025, 932); }));
+}
+
+TEST(CodePagesSweep, UpTo1024Bytes_TakeNoWorkingMemory)
+{
+    if (!WholeHeapIsWatched()) {
+        return; // the result comes from a door that is not watched here
+    }
+    const UTF16String units512(512, 0x65E5);
+    const UTF16String units513(513, 0x65E5);
+    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::ToMultiByteWithCodePage(units512, 932); }));
+    EXPECT_TRUE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::ToMultiByteWithCodePage(units513, 932); }));
+}
+
+TEST(CodePagesSweep, Conversions_LeaveNothingBehind)
+{
+    for (const std::size_t count : {1u, 100u, 1024u, 1025u, 3000u}) {
+        const std::string bytes(2 * count, '\x82');
+        const UTF16String units(count, 0x65E5);
+        SweepMemory([&] { Internal::To16BitUnicode(bytes, 932); }, [] { EXPECT_EQ(5u, Converted(5).size()); });
+        SweepMemory([&] { Internal::ToMultiByteWithCodePage(units, 932); }, [] { EXPECT_EQ(5u, Converted(5).size()); });
+    }
+}
+
+TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
+{
+    UseOwnHost();
+    GetRegistrySettingsKey(); // built once, and kept
+    SweepMemory(
+        [] {
+            Internal::ForgetLanguage();
+            GetLanguageString();
+        },
+        [] { EXPECT_EQ(1033, GetLanguageID()); });
+    Internal::ForgetLanguage();
+}
+
+TEST(DebugDatabaseSweep, EntriesWithoutMemory_AreWholeOrNotThere)
+{
+    UseOwnHost();
+    DebugDatabase::Instance().GetEntry("warm", "up");
+    const std::string name(100, 'n');
+    const std::string value(100, 'v');
+    SweepMemory(
+        [&] {
+            struct AtEnd
+            {
+                ~AtEnd() { ReleaseDebugDatabase(); }
+            } const atEnd;
+            DebugDatabase::Instance().GetEntry(name, value);
+            DebugDatabase::Instance().SetEntry(name, value);
+        },
+        [&] {
+            EXPECT_EQ(value, DebugDatabase::Instance().GetEntry(name, value));
+            ReleaseDebugDatabase();
+        });
+    ForgetSettingsOfOwnHost();
+}

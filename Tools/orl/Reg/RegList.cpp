@@ -1,0 +1,112 @@
+#include "RegList.h"
+
+#include "RegTree.h"
+#include "RegValueText.h"
+#include "Text.h"
+#include "TextWidth.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace orl {
+
+namespace {
+
+using ORL::RegistryValue;
+using Types = ORL::RegistryValueTypes;
+
+constexpr char kCommand[] = "reg list";
+constexpr std::size_t kWidestName = 40; // a longer one pushes its own line out, not all lines
+
+std::string Indent(std::size_t inLevel)
+{
+    return std::string(2 * inLevel, ' ');
+}
+
+std::string NameOf(const RegistryValue& inValue)
+{
+    return inValue.mName.empty() ? "(default)" : ToUTF8(inValue.mName);
+}
+
+void PrintValues(const std::vector<RegistryValue>& inValues, std::size_t inLevel)
+{
+    std::size_t width = 0;
+    for (const RegistryValue& value : inValues) {
+        width = std::max(width, std::min(kWidestName, ColumnsOf(NameOf(value))));
+    }
+    for (const RegistryValue& value : inValues) {
+        std::cout << Indent(inLevel) << PaddedTo(width, NameOf(value)) << "  " << PaddedTo(7, ShowRegType(value.mType))
+                  << ' ' << ShowRegValue(value) << '\n';
+    }
+}
+
+void PrintBelow(const RegListPlan& inPlan, const RegKeyName& inKey, std::size_t inLevel)
+{
+    PrintValues(ReadRegValues(kCommand, inKey), inLevel);
+    for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
+        std::cout << Indent(inLevel) << OnOneLine(ToUTF8(name)) << "\\\n";
+        if (inPlan.mIsRecursive) {
+            PrintBelow(inPlan, RegSubKey(inKey, name), inLevel + 1);
+        }
+    }
+}
+
+// A number or text as JSON has it; data that is not what its type promises stands as digits under another name.
+std::string JsonValue(const RegistryValue& inValue)
+{
+    const std::string plain = PlainRegValue(inValue);
+    if (!IsWellFormedRegValue(inValue)) {
+        return "\"data\": " + JsonQuoted(plain);
+    }
+    switch (inValue.mType) {
+    case Types::kUInt32:
+    case Types::kUInt64:
+        return "\"value\": " + plain;
+    case Types::kString:
+    case Types::kExpandString:
+        return "\"value\": " + JsonQuoted(plain);
+    default:
+        return "\"data\": " + JsonQuoted(plain);
+    }
+}
+
+void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::string& inName, std::size_t inLevel,
+               bool inIsOpen)
+{
+    const std::string indent = Indent(inLevel);
+    std::cout << indent << "{\"name\": " << JsonQuoted(inName);
+    if (inIsOpen) {
+        const char* separator = "\n";
+        std::cout << ", \"values\": [";
+        for (const RegistryValue& value : ReadRegValues(kCommand, inKey)) {
+            std::cout << separator << indent << "  {\"name\": " << JsonQuoted(ToUTF8(value.mName))
+                      << ", \"type\": " << JsonQuoted(ShowRegType(value.mType)) << ", " << JsonValue(value) << '}';
+            separator = ",\n";
+        }
+        std::cout << "], \"keys\": [";
+        separator = "\n";
+        for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
+            std::cout << separator;
+            PrintJson(inPlan, RegSubKey(inKey, name), ToUTF8(name), inLevel + 1, inPlan.mIsRecursive);
+            separator = ",\n";
+        }
+        std::cout << ']';
+    }
+    std::cout << '}';
+}
+
+} // namespace
+
+void ListRegKey(const RegListPlan& inPlan)
+{
+    if (inPlan.mAsJson) {
+        PrintJson(inPlan, inPlan.mKey, ShowRegKeyName(inPlan.mKey), 0, true);
+        std::cout << '\n';
+        return;
+    }
+    ReadRegValues(kCommand, inPlan.mKey); // a missing key writes nothing
+    std::cout << OnOneLine(ShowRegKeyName(inPlan.mKey)) << '\n';
+    PrintBelow(inPlan, inPlan.mKey, 1);
+}
+
+} // namespace orl
