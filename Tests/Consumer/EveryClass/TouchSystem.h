@@ -110,8 +110,34 @@ inline void TouchMachine()
           &WriteAutomationResults);
 }
 
+inline void TouchHostSettings()
+{
+    using namespace ORL;
+    Touch(&GetLanguageID, &GetPrimaryLanguageID, &SetLanguageID, &SetLanguageString, &GetLanguageString,
+          &GetConversionCodePage, GetRegistryBaseKey(), GetRegistrySettingsKey(), GetRegistryHelpKey(),
+          GetRegistryCurrentVersionKey());
+    DebugDatabase& database = DebugDatabase::Instance();
+    Touch(database.HasEntry("none"), &DebugDatabase::GetEntry, &DebugDatabase::SetEntry, &DebugDatabase::Clear);
+}
+
+inline void TouchCodePages()
+{
+    using namespace ORL;
+    const std::string bytes("a");
+    const UTF16String units(1, 'a');
+    Touch(StringUtils::ToUnicode(bytes), StringUtils::ToUnicode(units), StringUtils::ToMultiByte(units),
+          StringUtils::ToMultiByte(bytes), StringUtils::CodePageMultiByteToUnicode16(bytes),
+          StringUtils::Unicode16ToCodePageMultiByte(units), StringUtils::TrimTrailingZeros(units),
+          StringUtils::GetDefaultCodePage());
+#if !defined(_WIN32)
+    Touch(&StringUtils::Linux::SetDefaultCodePage);
+#endif
+}
+
 inline void TouchSystem()
 {
+    TouchHostSettings();
+    TouchCodePages();
     TouchMachine();
     TouchModules();
     TouchWhatWindowsHas();
