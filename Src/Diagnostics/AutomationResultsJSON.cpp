@@ -9,12 +9,11 @@ namespace ORL {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-std::string UTF8Of(const UTF16String& inText)
+// The library's texts are quoted, not its objects and arrays: one that is under construction when memory runs out is lost.
+std::string Quoted(const UTF16String& inText)
 {
     const UTF8String text = tvxcore::utility::UTF16to8(inText);
-    return std::string(text.begin(), text.end());
+    return nlohmann::json(std::string(text.begin(), text.end())).dump();
 }
 
 } // namespace
@@ -25,10 +24,10 @@ void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollecto
     ioStream << '{';
     const char* afterName = "";
     for (const auto& [name, results] : inCollection) {
-        ioStream << afterName << "\n  " << Json(UTF8Of(name)).dump() << ": [";
+        ioStream << afterName << "\n  " << Quoted(name) << ": [";
         const char* afterResult = "";
         for (const auto& [key, value] : results) {
-            ioStream << afterResult << "\n    " << Json{{"key", UTF8Of(key)}, {"value", UTF8Of(value)}}.dump();
+            ioStream << afterResult << "\n    {\"key\":" << Quoted(key) << ",\"value\":" << Quoted(value) << '}';
             afterResult = ",";
         }
         ioStream << (results.empty() ? "]" : "\n  ]");
