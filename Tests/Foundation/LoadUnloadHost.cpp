@@ -13,9 +13,9 @@ using namespace LoadUnload;
 
 namespace {
 
-constexpr int kRounds = 100;
+constexpr int kRounds = 120;
 constexpr int kSettled = 20; // by then every one-time buffer of the system's libraries exists
-[[maybe_unused]] constexpr std::size_t kNoise = 64 << 10; // less than one page a round
+[[maybe_unused]] constexpr std::size_t kNoise = 192 << 10; // the heap grows in steps of 128 KiB; about half a page a round
 
 [[noreturn]] void Fail(const char* inWhat, int inRound)
 {
