@@ -19,20 +19,35 @@
 
 namespace ORLTest {
 
-/// A whole ingest, one file at a time.
-inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk)
+struct IngestHereOptions
 {
-    const orl::IngestRoots roots = orl::MakeRoots(inCard.u8string(), inDisk.u8string());
-    std::filesystem::create_directories(inDisk);
-    orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
-    manifest.Open();
-    const orl::IngestPlan plan = orl::MakePlan(roots, kManifest, manifest, false);
+    bool mReplaces = false;
+    std::string mManifest = kManifest;
+    std::function<void(orl::IngestStep, const orl::IngestItem&)> mOnStep = {};
+    std::function<bool()> mIsStopped = [] { return false; };
+    unsigned mFilesAtOnce = 1;
+};
+
+/// A whole ingest, one file at a time, in the order of names. The outcome's rows lead into the plan.
+inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk,
+                                     const IngestHereOptions& inOptions, orl::IngestPlan& outPlan)
+{
+    orl::IngestRoots roots = orl::MakeRoots(inCard.u8string(), inDisk.u8string());
     orl::IngestWatcher watcher;
-    watcher.mIsStopped = [] { return false; };
+    watcher.mIsStopped = inOptions.mIsStopped;
     watcher.mShow = [](std::uint64_t, std::size_t) {};
+    watcher.mOnStep = inOptions.mOnStep;
     orl::IngestSettings settings;
-    settings.mFilesAtOnce = 1;
-    orl::IngestOutcome outcome = orl::RunIngest(plan, roots, settings, manifest, watcher);
+    settings.mFilesAtOnce = inOptions.mFilesAtOnce;
+    settings.mReplaces = inOptions.mReplaces;
+    return orl::Ingest(roots, inOptions.mManifest, settings, watcher, outPlan);
+}
+
+inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk,
+                                     const IngestHereOptions& inOptions = {})
+{
+    orl::IngestPlan plan;
+    orl::IngestOutcome outcome = IngestHere(inCard, inDisk, inOptions, plan);
     outcome.mRows.clear(); // they lead into the plan, which ends here
     return outcome;
 }
@@ -59,20 +74,12 @@ protected:
     /// One file at a time, in the order of names.
     orl::IngestOutcome Run(const OnStep& inOnStep, bool inReplaces = false)
     {
-        const orl::IngestRoots roots = orl::MakeRoots(Card().u8string(), Disk().u8string());
         std::filesystem::create_directories(Disk());
-        orl::IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
-        manifest.Open();
-        mPlan = orl::MakePlan(roots, kManifest, manifest, inReplaces);
-        orl::CheckRoom(mPlan, roots);
-        orl::IngestWatcher watcher;
-        watcher.mIsStopped = [this] { return mIsStopped.load(); };
-        watcher.mShow = [](std::uint64_t, std::size_t) {};
-        watcher.mOnStep = inOnStep;
-        orl::IngestSettings settings;
-        settings.mFilesAtOnce = 1;
-        settings.mReplaces = inReplaces;
-        return orl::RunIngest(mPlan, roots, settings, manifest, watcher);
+        IngestHereOptions options;
+        options.mReplaces = inReplaces;
+        options.mOnStep = inOnStep;
+        options.mIsStopped = [this] { return mIsStopped.load(); };
+        return IngestHere(Card(), Disk(), options, mPlan);
     }
 
     /// With another time, since the clock may not have moved on.
@@ -82,6 +89,18 @@ protected:
         WriteFile(Card() / inName, inContents);
         std::filesystem::last_write_time(Card() / inName, time + std::chrono::seconds(10));
         mCard[inName] = inContents;
+    }
+
+    /// The one unfinished file at the top of the destination.
+    std::filesystem::path Unfinished() const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(Disk())) {
+            if (entry.path().filename().u8string().compare(0, 5, ".orl-") == 0) {
+                return entry.path();
+            }
+        }
+        ADD_FAILURE() << "there is no unfinished file";
+        return {};
     }
 
     /// Whole and acknowledged are exactly these.

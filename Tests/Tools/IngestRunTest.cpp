@@ -56,7 +56,8 @@ TEST_F(IngestRun, AFileThatShrinksWhileItIsCopied_IsNotKept)
 
 TEST_F(IngestRun, ACardThatVanishes_EndsTheRunWithOneLine)
 {
-    const IngestOutcome outcome = Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Card(), Card().u8string() + "-away"); }));
+    const IngestOutcome outcome =
+        Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Card(), Card().u8string() + "-away"); }));
     ExpectTrouble(outcome, orl::kExitGone, "is gone");
     ExpectInPlace("a");
 }
@@ -95,7 +96,7 @@ TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
 {
     const IngestOutcome outcome = Run([this](IngestStep inStep, const IngestItem& inItem) {
         if (inStep == IngestStep::kCopied && inItem.mName == "b") {
-            const fs::path path = fs::u8path(orl::HostTextOf(orl::TemporaryPathOf(inItem)));
+            const fs::path path = Unfinished();
             std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
             file.seekp(1234567);
             file << '\x01';
@@ -108,9 +109,8 @@ TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
 TEST_F(IngestRun, StoppedByTheUser_LeavesNoHalfFile)
 {
     // The run looks for the user's wish from time to time; the file waits for its answer.
-    const IngestOutcome outcome = Run([this](IngestStep, const IngestItem& inItem) {
-        mIsStopped = mIsStopped || inItem.mName == "b";
-    });
+    const IngestOutcome outcome =
+        Run([this](IngestStep, const IngestItem& inItem) { mIsStopped = mIsStopped || inItem.mName == "b"; });
     EXPECT_TRUE(outcome.mTroubles.empty());
     for (const auto& [name, contents] : ReadTree(Disk())) {
         EXPECT_TRUE(name == kManifest || contents == mCard[name]) << name;
@@ -164,16 +164,16 @@ TEST_F(IngestRun, AFileThatCannotBeReplaced_KeepsItsLine)
     const FileTree before = mCard;
     ChangeOnCard("b", "shorter");
     ORL::File holder; // shares nothing, so that nobody may put another file in its place
-    const IngestOutcome outcome = Run(Once(IngestStep::kVerified, "b",
-                                           [&] {
-                                               ASSERT_EQ(ORL::kSuccess,
-                                                         holder.Create(mFolder.Path(u"disk\\b"),
-                                                                       ORL::FileAccessFlags::kFileAccess_Read,
-                                                                       ORL::FileShareModeFlags::kFileShare_Read,
-                                                                       ORL::FileCreateDispositionFlags::kFileCreate_OpenExisting,
-                                                                       ORL::FileAttributesFlags::kFileAttribute_Normal, true));
-                                           }),
-                                      true);
+    const IngestOutcome outcome =
+        Run(Once(IngestStep::kVerified, "b",
+                 [&] {
+                     ASSERT_EQ(ORL::kSuccess,
+                               holder.Create(mFolder.Path(u"disk\\b"), ORL::FileAccessFlags::kFileAccess_Read,
+                                             ORL::FileShareModeFlags::kFileShare_Read,
+                                             ORL::FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                                             ORL::FileAttributesFlags::kFileAttribute_Normal, true));
+                 }),
+            true);
     holder.Close();
     ASSERT_EQ(1u, outcome.mTroubles.size());
     EXPECT_EQ(orl::kExitFailure, outcome.mTroubles[0].mExitCode) << outcome.mTroubles[0].mText;
@@ -186,9 +186,9 @@ TEST_F(IngestRun, TheSecondOfTwoAtOnce_IsRefused)
 {
     Run(Once(IngestStep::kOpened, "b", [this] {
         const orl::IngestRoots roots = orl::MakeRoots(Card().u8string(), Disk().u8string());
-        IngestManifest manifest(roots.mDestination + orl::ToUTF16("\\ingest.sha256"));
+        orl::IngestRecord record(roots, kManifest);
         try {
-            manifest.Open();
+            record.Open();
             ADD_FAILURE() << "two may write one manifest";
         } catch (const orl::Failure& failure) {
             EXPECT_NE(std::string::npos, std::string(failure.what()).find("another ingest is at work"));

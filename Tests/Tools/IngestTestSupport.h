@@ -19,14 +19,16 @@ namespace ORLTest {
 inline std::string ReferenceSha256(std::string inBytes)
 {
     static const std::uint32_t kRound[64] = {
-        0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5, 0xd807aa98, 0x12835b01,
-        0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174, 0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc,
-        0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da, 0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147,
-        0x06ca6351, 0x14292967, 0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
-        0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070, 0x19a4c116, 0x1e376c08,
-        0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3, 0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208,
-        0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
-    std::uint32_t hash[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a, 0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+        0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
+        0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
+        0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
+        0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147, 0x06ca6351, 0x14292967,
+        0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
+        0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070,
+        0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
+        0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
+    std::uint32_t hash[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                             0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
     const std::uint64_t bits = std::uint64_t{inBytes.size()} * 8;
     inBytes += '\x80';
     inBytes.append((120 - inBytes.size() % 64) % 64, '\0');
@@ -49,8 +51,8 @@ inline std::string ReferenceSha256(std::string inBytes)
         std::uint32_t v[8];
         std::memcpy(v, hash, sizeof(v));
         for (std::size_t i = 0; i < 64; ++i) {
-            const std::uint32_t t1 = v[7] + (turn(v[4], 6) ^ turn(v[4], 11) ^ turn(v[4], 25)) + ((v[4] & v[5]) ^ (~v[4] & v[6]))
-                                     + kRound[i] + w[i];
+            const std::uint32_t t1 = v[7] + (turn(v[4], 6) ^ turn(v[4], 11) ^ turn(v[4], 25))
+                                     + ((v[4] & v[5]) ^ (~v[4] & v[6])) + kRound[i] + w[i];
             const std::uint32_t t2 =
                 (turn(v[0], 2) ^ turn(v[0], 13) ^ turn(v[0], 22)) + ((v[0] & v[1]) ^ (v[0] & v[2]) ^ (v[1] & v[2]));
             std::memmove(v + 1, v, 7 * sizeof(v[0]));
@@ -94,7 +96,7 @@ inline FileTree ReadTree(const std::filesystem::path& inFolder)
     return tree;
 }
 
-/// Names and digests of a manifest. The last line may be unfinished where inMayBeTorn says so.
+/// Names and digests of a manifest, without its remarks. The last line may be unfinished where inMayBeTorn says so.
 inline std::map<std::string, std::string> ReadManifest(const std::filesystem::path& inPath, bool inMayBeTorn = false)
 {
     std::map<std::string, std::string> lines;
@@ -102,6 +104,9 @@ inline std::map<std::string, std::string> ReadManifest(const std::filesystem::pa
     EXPECT_TRUE(inMayBeTorn || text.empty() || text.back() == '\n');
     for (std::size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
         const std::string line = text.substr(at, end - at);
+        if (line.compare(0, 1, "#") == 0) {
+            continue;
+        }
         EXPECT_LT(66u, line.size()) << line;
         EXPECT_EQ("  ", line.substr(64, 2)) << line;
         EXPECT_EQ(0u, lines.count(line.substr(66))) << "a second line for " << line;
@@ -111,6 +116,21 @@ inline std::map<std::string, std::string> ReadManifest(const std::filesystem::pa
 }
 
 inline constexpr char kManifest[] = "ingest.sha256";
+inline constexpr char kRecord[] = ".ingest.sha256.run";
+
+/// The record of a run that was killed, with these lines: "T name", "M length", "W place".
+inline std::string RecordOf(const std::string& inLines)
+{
+    return "orl ingest: the record of a run; it is deleted when the run has ended\n" + inLines;
+}
+
+inline constexpr char kUnfinished[] = ".orl-0123456789abcdef0123456789abcdef.part";
+
+/// Whether a name is that of an unfinished file, of the record, or of the earlier file that a killed exchange leaves.
+inline bool IsRemains(const std::string& inName)
+{
+    return inName.find(".orl-") != std::string::npos || inName == kRecord || inName.find('~') != std::string::npos;
+}
 
 /// The disk holds the card's tree and its manifest, and nothing else.
 inline void ExpectIngested(const FileTree& inCard, const std::filesystem::path& inDisk)

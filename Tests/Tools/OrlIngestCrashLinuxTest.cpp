@@ -55,9 +55,8 @@ protected:
     {
         const FileTree disk = ReadTree(Disk());
         for (const auto& [name, contents] : disk) {
-            const bool isUnfinished = name.find(".part") != std::string::npos || name.find('~') != std::string::npos;
             const bool isNew = mCard.count(name) != 0 && contents == mCard.at(name);
-            EXPECT_TRUE(isUnfinished || name == kManifest || contents == kOld || isNew) << name;
+            EXPECT_TRUE(IsRemains(name) || name == kManifest || contents == kOld || isNew) << name;
         }
         EXPECT_EQ(1u, disk.count("d/clip")) << "the real name is never without its file";
         EXPECT_EQ(kOld, ReadFile(Disk() / "kept"));
@@ -89,8 +88,8 @@ protected:
         EXPECT_EQ(digests, ReadManifest(Disk() / kManifest));
     }
 
-    /// Calls of a run that is left alone; -1 where nothing can be traced. Threads take turns as they like, so their number
-    /// varies a little from run to run: this is the one in the middle of some runs.
+    /// Calls of a run that is left alone; -1 where nothing can be traced. Threads take turns as they like, so their
+    /// number varies a little from run to run: this is the one in the middle of some runs.
     int CountCalls(TracedRun& ioTraced) const
     {
         std::vector<int> counts(5);

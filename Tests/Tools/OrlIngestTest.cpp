@@ -92,9 +92,24 @@ TEST_F(OrlIngest, SecondRun_SkipsWhatIsVerified)
 TEST_F(OrlIngest, FilesThatAreThereAlready_AreComparedAndAcknowledged)
 {
     fs::copy(Card(), Disk(), fs::copy_options::recursive);
-    const ProcessResult result = Ingest();
+    ProcessResult result = Ingest();
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     ExpectIngested(mCard, Disk());
+    EXPECT_TRUE(Shows(result.mOutput, "0 files copied and read back")) << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "3 present and compared")) << result.mOutput;
+    result = Ingest();
+    EXPECT_TRUE(Shows(result.mOutput, "3 verified before")) << result.mOutput << "they are not read again";
+}
+
+TEST_F(OrlIngest, ASourceWithoutFiles_HasAnExitCodeOfItsOwn)
+{
+    mFolder.MakeFolder("empty/folder");
+    const ProcessResult result =
+        RunBesideThisProgram("orl", {"ingest", (mFolder.Host() / "empty").u8string(), Disk().u8string()});
+    EXPECT_EQ(9, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_TRUE(Shows(result.mErrors, "holds no file")) << result.mErrors;
+    EXPECT_FALSE(fs::exists(Disk()));
 }
 
 TEST_F(OrlIngest, AnotherFileOfTheName_StaysAndIsTold)
@@ -133,10 +148,12 @@ TEST_F(OrlIngest, AFolderInTheWay_IsTold)
 
 TEST_F(OrlIngest, UnfinishedFilesOfAKilledRun_AreCleared)
 {
-    mFolder.MakeFolder("disk");
-    mFolder.MakeFile("disk/.orl-0123456789abcdef.part", "half");
+    mFolder.MakeFolder("disk/CLIP");
+    mFolder.MakeFile("disk/CLIP/" + std::string(kUnfinished), "half");
     mFolder.MakeFile("disk/ingest.sha256", "0123456789abcdef torn");
-    EXPECT_EQ(0, Ingest().mExitCode);
+    mFolder.MakeFile("disk/" + std::string(kRecord), RecordOf("T CLIP/" + std::string(kUnfinished) + "\nM 0\n"));
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     ExpectIngested(mCard, Disk());
 }
 

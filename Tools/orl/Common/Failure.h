@@ -19,6 +19,7 @@ inline constexpr int kExitChanged = 5;    // a file changed while it was copied
 inline constexpr int kExitGone = 6;       // the source or the destination is not there any more
 inline constexpr int kExitNotTheSame = 7; // a copy reads back differently
 inline constexpr int kExitTaken = 8;      // another file has the name at the destination
+inline constexpr int kExitEmpty = 9;      // the source holds no file
 inline constexpr int kExitStopped = 130;  // stopped by the user, as shells have it
 
 /// Thrown by a command. The program prints "orl: " and the text on standard error, on one line, and ends with the exit

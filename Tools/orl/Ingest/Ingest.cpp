@@ -2,21 +2,21 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
-#include "IngestManifest.h"
 #include "IngestPlan.h"
 #include "IngestProgress.h"
+#include "IngestRoots.h"
 #include "IngestRun.h"
 #include "IngestSummary.h"
 #include "StartedLibrary.h"
 #include "Text.h"
 
-#include <ORLDirectory.h>
 #include <ORLPathUtils.h>
 
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orl {
@@ -45,6 +45,9 @@ void HearTheUser()
 {
     std::signal(SIGINT, &OnInterrupt);
     std::signal(SIGTERM, &OnInterrupt);
+#ifdef SIGHUP // the terminal has gone
+    std::signal(SIGHUP, &OnInterrupt);
+#endif
 #ifdef SIGBREAK // Ctrl-Break, where there is one
     std::signal(SIGBREAK, &OnInterrupt);
 #endif
@@ -60,35 +63,16 @@ void HearTheUser()
     throw Failure(troubles.back().mText, (inOutcome.mIsStopped ? troubles.back() : troubles.front()).mExitCode);
 }
 
-void OpenManifest(const IngestRoots& inRoots, IngestManifest& ioManifest)
+IngestOutcome Ingest(const Options& inOptions, IngestRoots& ioRoots, IngestPlan& outPlan)
 {
-    const ORL::Result result = ORL::Directory::CreateOnDisk(inRoots.mDestination, false);
-    if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: cannot make the folder \"" + inRoots.mShownDestination + "\": " + Describe(result));
-    }
-    ioManifest.Open();
-}
-
-IngestOutcome Ingest(const Options& inOptions, const IngestRoots& inRoots, IngestPlan& outPlan)
-{
-    const UTF16String path =
-        ORL::PathUtils::AddTrailingSlash(inRoots.mDestination) + ToUTF16(inOptions.mManifest);
-    IngestManifest manifest(path);
-    // A destination that is not there yet is made when it is clear that everything fits.
-    const bool isThere = ORL::Directory::IsDirectory(inRoots.mDestination);
-    if (isThere) {
-        manifest.Open();
-    }
-    outPlan = MakePlan(inRoots, inOptions.mManifest, manifest, inOptions.mSettings.mReplaces);
-    CheckRoom(outPlan, inRoots);
-    if (!isThere) {
-        OpenManifest(inRoots, manifest);
-    }
-    IngestProgress progress(OutputIsTerminal(), outPlan.mBytesToPass, outPlan.mItems.size());
+    std::optional<IngestProgress> progress;
     IngestWatcher watcher;
     watcher.mIsStopped = [] { return sIsInterrupted.load(); };
-    watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress.Show(inPassed, inDone); };
-    return RunIngest(outPlan, inRoots, inOptions.mSettings, manifest, watcher);
+    watcher.mOnPlanned = [&progress](const IngestPlan& inPlan) {
+        progress.emplace(OutputIsTerminal(), inPlan.mBytesToPass, inPlan.mItems.size());
+    };
+    watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress->Show(inPassed, inDone); };
+    return Ingest(ioRoots, inOptions.mManifest, inOptions.mSettings, watcher, outPlan);
 }
 
 void Run(const Options& inOptions)
@@ -96,14 +80,13 @@ void Run(const Options& inOptions)
     const NamedRate& rate = FindRate(inOptions.mRate);
     const StartedLibrary library;
     HearTheUser();
-    const IngestRoots roots = MakeRoots(inOptions.mSource, inOptions.mDestination);
+    IngestRoots roots = MakeRoots(inOptions.mSource, inOptions.mDestination);
     IngestPlan plan;
     IngestOutcome outcome = Ingest(inOptions, roots, plan);
-    PrintSummary(outcome, plan.mItems.size() + plan.mTroubles.size(), rate,
+    PrintSummary(outcome, roots, plan.mItems.size() + plan.mTroubles.size(), rate,
                  JoinHostPath(inOptions.mDestination, inOptions.mManifest));
     if (outcome.mIsStopped) {
-        outcome.mTroubles.push_back(
-            {"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
+        outcome.mTroubles.push_back({"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
     }
     if (outcome.mHasNoAnswer) {
         for (const IngestTrouble& trouble : outcome.mTroubles) {
@@ -129,11 +112,14 @@ void AddIngest(CLI::App& ioProgram)
                       "exchange other files that have the same names at the destination");
     command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")
         ->check([](const std::string& inName) {
-            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string() : "a file name is wanted, without a folder";
+            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string()
+                                                                    : "a file name is wanted, without a folder";
         });
-    command->add_option("--rate", options->mRate, "frame rate of the lengths in the table (default 25): " + RateNames());
+    command->add_option("--rate", options->mRate,
+                        "frame rate of the lengths in the table (default 25): " + RateNames());
     command
-        ->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files on their way at once, 1 to 64 (default 4)")
+        ->add_option("--files-at-once", options->mSettings.mFilesAtOnce,
+                     "files on their way at once, 1 to 64 (default 4)")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 64).description(""));
     command->callback([options] { Run(*options); });

@@ -6,11 +6,9 @@
 #include "UnbufferedRead.h"
 
 #include <ORLFile.h>
-#include <ORLPathUtils.h>
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
+#include <utility>
 
 namespace orl {
 
@@ -27,38 +25,56 @@ using Attributes = ORL::FileAttributesFlags;
 constexpr std::size_t kBlockSize = 1 << 20;
 constexpr std::size_t kReadsInFlight = 4; // of one file; several files are on their way at once
 
+// Where a whole piece of that many bytes is zero, a file with holes gets another one.
+constexpr unsigned int kHole = 1 << 16;
+
 class OneFile
 {
 public:
     OneFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
-        : mItem(inItem), mContext(inContext), mBuffer(ioBuffer), mTemporary(TemporaryPathOf(inItem))
+        : mItem(inItem), mContext(inContext), mBuffer(ioBuffer), mFolderName(FolderOf(inItem.mName)),
+          mLeaf(LeafOf(inItem.mName))
     {
         mBuffer.resize(kBlockSize);
     }
 
-    std::string Bring()
+    IngestedFile Bring()
     {
-        return mItem.mState == IngestItem::kToCheck ? Check() : Copy();
+        OpenFolders();
+        return mItem.mState == IngestItem::kToCheck ? Check() : IngestedFile{Copy()};
     }
 
 private:
-    /// The temporary file goes, unless it has become the real one.
+    /// The unfinished file goes, unless it has become the real one.
     struct Remover
     {
-        const UTF16String& mPath;
+        const OneFile& mFile;
         bool mIsArmed = true;
 
         ~Remover()
         {
-            if (mIsArmed) {
-                File::Delete(mPath);
+            const Result result = mIsArmed ? mFile.mTarget.Remove(mFile.mTemporary) : ORL::kSuccess;
+            if (ResultSucceeded(result) || result == ORL::kFileNotFound) {
+                mFile.mContext.mRecord.Forget(mFile.mFolderName, mFile.mTemporary);
             }
         }
     };
 
+    void OpenFolders()
+    {
+        CheckSource(mContext.mRoots.OpenSource(mFolderName, mSource));
+        CheckTarget(mContext.mRoots.OpenDestination(mFolderName, mTarget));
+        if (mContext.mSourceFolders.count(mTarget.Identity()) != 0) {
+            throw IngestFailure("the folder of \"" + mItem.mName
+                                    + "\" at the destination leads into the source; nothing is written there",
+                                kExitTaken, false);
+        }
+    }
+
     std::string Copy()
     {
-        Remover remover{mTemporary};
+        mTemporary = mContext.mRecord.NewTemporary(mFolderName);
+        Remover remover{*this};
         const std::string digest = CopyToTemporary();
         Tell(IngestStep::kCopied);
         if (DigestOnDisk(mTemporary) != digest) {
@@ -73,19 +89,34 @@ private:
     }
 
     // The name is taken by a file of the same size. The same contents make it ours.
-    std::string Check()
+    IngestedFile Check()
     {
         File source;
         OpenSource(source);
-        const std::string digest = DigestOfSource(source, [](const unsigned char*, unsigned int) {});
+        std::string digest = DigestOfSource(source, [](const unsigned char*, unsigned int) {});
         source.Close();
-        if (DigestOnDisk(mItem.mTarget) == digest) {
-            return digest;
+        if (DigestOnDisk(mLeaf) == digest) {
+            GiveTimeOfSource();
+            return IngestedFile{std::move(digest), true};
         }
         if (mContext.mReplaces) {
-            return Copy();
+            return IngestedFile{Copy()};
         }
         ThrowTaken();
+    }
+
+    // A later run knows the file by its time. One that keeps its time is compared again then.
+    void GiveTimeOfSource() const
+    {
+        File file;
+        const Result result =
+            file.Create(mTarget.PathOf(mLeaf), Access::kFileAccess_Write,
+                        Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete,
+                        Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
+        EntryIdentity identity;
+        if (ResultSucceeded(result) && IdentifyFile(file, identity) && mItem.mEarlier == identity) {
+            SetLastWriteTime(file, mTime);
+        }
     }
 
     std::string CopyToTemporary()
@@ -95,21 +126,44 @@ private:
         Tell(IngestStep::kOpened);
         CheckDestination();
         File target;
-        CheckTarget(OnceItIsFree([&] {
-            return target.Create(mTemporary, Access::kFileAccess_Write, static_cast<Share::Type>(0),
-                                 Disposition::kFileCreate_Always, Attributes::kFileAttribute_Normal, true);
-        }));
+        CheckTarget(target.Create(mTarget.PathOf(mTemporary), Access::kFileAccess_Write, static_cast<Share::Type>(0),
+                                  Disposition::kFileCreate_New, Attributes::kFileAttribute_Normal, true));
+        if (HasHoles()) {
+            LetHaveHoles(target);
+        }
         const std::string digest = DigestOfSource(
-            source, [&](const unsigned char* inBytes, unsigned int inCount) { WriteAll(target, inBytes, inCount); });
+            source, [&](const unsigned char* inBytes, unsigned int inCount) { WriteOrSkip(target, inBytes, inCount); });
+        if (HasHoles()) {
+            CheckTarget(target.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure);
+        }
         if (!SetLastWriteTime(target, mTime) || !SettleFile(target)) {
             CheckTarget(ORL::kGeneralFailure);
         }
         return digest;
     }
 
+    bool HasHoles() const { return mItem.mAllocated < mItem.mSize; }
+
+    void WriteOrSkip(File& ioTarget, const unsigned char* inBytes, unsigned int inCount) const
+    {
+        if (!HasHoles()) {
+            WriteAll(ioTarget, inBytes, inCount);
+            return;
+        }
+        for (unsigned int at = 0; at < inCount; at += kHole) {
+            const unsigned int count = std::min(kHole, inCount - at);
+            const unsigned char* const piece = inBytes + at;
+            if (std::all_of(piece, piece + count, [](unsigned char inByte) { return inByte == 0; })) {
+                CheckTarget(ioTarget.SetFilePointer(count, ORL::FilePointerMoveMethod::kFilePointer_Current));
+            } else {
+                WriteAll(ioTarget, piece, count);
+            }
+        }
+    }
+
     void OpenSource(File& outFile)
     {
-        CheckSource(outFile.Create(mItem.mSource, Access::kFileAccess_Read,
+        CheckSource(outFile.Create(mSource.PathOf(mLeaf), Access::kFileAccess_Read,
                                    Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete,
                                    Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_SequentialScan,
                                    true));
@@ -160,16 +214,17 @@ private:
     }
 
     // A read cannot begin at the end of a file, so there is none for an empty one.
-    std::string DigestOnDisk(const UTF16String& inPath) const
+    std::string DigestOnDisk(const std::string& inLeaf) const
     {
+        const UTF16String path = mTarget.PathOf(inLeaf);
         unsigned __int64 size = 0;
-        CheckTarget(File::SizeOnDisk(inPath, size));
+        CheckTarget(File::SizeOnDisk(path, size));
         Sha256 digest;
         if (size != 0) {
             UnbufferedRead read;
             read.mWho = "ingest";
-            read.mShown = HostTextOf(inPath);
-            read.mPath = inPath;
+            read.mShown = mItem.mName;
+            read.mPath = path;
             read.mSize = size;
             read.mBlockSize = kBlockSize;
             read.mDepth = kReadsInFlight;
@@ -188,11 +243,16 @@ private:
         return digest.Finish();
     }
 
+    // What has come to the name since the plan was made stays: another program's, or another file of this run where the
+    // volume takes two names for one.
     void PutInPlace() const
     {
-        Result result = File::Move(mTemporary, mItem.mTarget);
+        Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
         if (result == ORL::kAlreadyExists) {
-            if (!mContext.mReplaces) {
+            EntryStatus status;
+            const bool isEarlier = ResultSucceeded(mTarget.Look(mLeaf, Links::kStay, status))
+                                   && status.mKind == EntryStatus::kFile && mItem.mEarlier == status.mIdentity;
+            if (!mContext.mReplaces || !isEarlier) {
                 ThrowTaken();
             }
             result = Replace();
@@ -200,22 +260,40 @@ private:
         CheckTarget(result);
     }
 
-    // A line must not outlive the contents that it was written for, not even behind a kill. Where the earlier file stays, its
-    // line comes back.
+    // A line must not outlive the contents that it was written for, not even after a kill. Where the earlier file
+    // stays, its line comes back.
     Result Replace() const
     {
-        const std::string earlier = mContext.mManifest.Withdraw(mItem.mName);
-        const Result result = File::SwapTempFile(mTemporary, mItem.mTarget);
-        if (!ResultSucceeded(result) && !earlier.empty() && IsOnDisk(earlier)) {
-            mContext.mManifest.Acknowledge({{mItem.mName, earlier}});
+        std::vector<IngestManifest::Line> earlier;
+        Withdraw(mItem.mName, earlier);
+        for (const std::string& name : mContext.mManifest.NamesLike(mItem.mName)) {
+            EntryStatus status;
+            HeldFolder folder;
+            if (ResultSucceeded(mContext.mRoots.OpenDestination(FolderOf(name), folder))
+                && ResultSucceeded(folder.Look(LeafOf(name), Links::kStay, status))
+                && mItem.mEarlier == status.mIdentity) {
+                Withdraw(name, earlier);
+            }
+        }
+        const Result result = File::SwapTempFile(mTarget.PathOf(mTemporary), mTarget.PathOf(mLeaf));
+        if (!ResultSucceeded(result) && !earlier.empty() && IsOnDisk(earlier.front().mDigest)) {
+            mContext.mManifest.Acknowledge(earlier);
         }
         return result;
+    }
+
+    void Withdraw(const std::string& inName, std::vector<IngestManifest::Line>& ioEarlier) const
+    {
+        std::string digest = mContext.mManifest.Withdraw(inName);
+        if (!digest.empty()) {
+            ioEarlier.push_back({inName, std::move(digest)});
+        }
     }
 
     bool IsOnDisk(const std::string& inDigest) const
     {
         try {
-            return DigestOnDisk(mItem.mTarget) == inDigest;
+            return DigestOnDisk(mLeaf) == inDigest;
         } catch (const IngestFailure&) {
             return false;
         }
@@ -259,7 +337,8 @@ private:
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {
-            throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone", kExitGone, true);
+            throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone", kExitGone,
+                                true);
         }
     }
 
@@ -286,24 +365,17 @@ private:
     const IngestItem& mItem;
     const IngestContext& mContext;
     std::vector<unsigned char>& mBuffer;
-    const UTF16String mTemporary;
+    const std::string mFolderName;
+    const std::string mLeaf;
+    std::string mTemporary; // beside the final name, once there is one
+    HeldFolder mSource;
+    HeldFolder mTarget;
     unsigned __int64 mTime = 0;
 };
 
 } // namespace
 
-Result OnceItIsFree(const std::function<Result()>& inWork)
-{
-    constexpr int kTries = 250;
-    Result result = inWork();
-    for (int i = 1; i < kTries && result == ORL::kSharingViolation; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        result = inWork();
-    }
-    return result;
-}
-
-std::string IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
+IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
 {
     return OneFile(inItem, inContext, ioBuffer).Bring();
 }

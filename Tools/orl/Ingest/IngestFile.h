@@ -4,9 +4,11 @@
 #include "Failure.h"
 #include "IngestManifest.h"
 #include "IngestPlan.h"
+#include "IngestRecord.h"
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,7 +27,9 @@ enum class IngestStep {
 struct IngestContext
 {
     const IngestRoots& mRoots;
-    IngestManifest& mManifest; // the line of a file that is replaced goes before the file
+    const std::set<EntryIdentity>& mSourceFolders; // none of them is ever written to
+    IngestManifest& mManifest;                     // the line of a file that is replaced goes before the file
+    IngestRecord& mRecord;                         // knows of each unfinished file before it is made
     bool mReplaces = false;
     std::function<bool()> mIsStopped;                                // asked between blocks
     std::function<void(std::uint64_t)> mPass;                        // told of bytes that were read, here or there
@@ -53,12 +57,15 @@ struct IngestStopped
 {
 };
 
-/// Does something with an unfinished file. A run that was killed may hold it for a moment longer, until the system has ended
-/// its reads, so kSharingViolation is answered by another try, for some seconds.
-ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork);
+struct IngestedFile
+{
+    std::string mDigest;      // SHA-256 in hexadecimal digits
+    bool mWasPresent = false; // the same file had its name already, and was compared
+};
 
-/// Brings one file to the destination and gives its SHA-256 in hexadecimal digits. At no moment does anything but the
-/// whole and verified file have the final name. ioBuffer is memory to work with. Throws IngestFailure, IngestStopped and NoAnswer.
-std::string IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer);
+/// Brings one file to the destination. At no moment does anything but the whole and verified file have the final name.
+/// ioBuffer is memory to work with. Throws IngestFailure, IngestStopped, NoAnswer, and Failure where manifest or record
+/// cannot be kept.
+IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer);
 
 } // namespace orl

@@ -1,90 +1,131 @@
 #include "IngestListing.h"
 
-#include "IngestSystem.h"
+#include "Failure.h"
 #include "Text.h"
 
-#include <ORLDirectory.h>
-#include <ORLPathUtils.h>
-
 #include <algorithm>
-#include <map>
-#include <string>
+#include <memory>
 
 namespace orl {
 
 namespace {
 
-namespace PathUtils = ORL::PathUtils;
+// The folders that lead to one, as a list that its subfolders share.
+struct Above
+{
+    EntryIdentity mIdentity;
+    std::shared_ptr<const Above> mNext;
+};
 
-/// Compares what was listed with what each folder shows when it is listed by itself.
-class SecondLook
+struct Pending
+{
+    std::string mFolder;
+    std::shared_ptr<const Above> mAbove;
+};
+
+class Lister
 {
 public:
-    SecondLook(const UTF16String& inRoot, const IngestListing& inListing) : mRoot(PathUtils::AddTrailingSlash(inRoot))
+    Lister(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped)
+        : mRoots(inRoots), mIsStopped(inIsStopped)
     {
-        AddAll(inListing.mFiles);
-        AddAll(inListing.mFolders);
     }
 
-    bool IsWhole(const UTF16String& inFolder)
+    IngestListing List()
     {
-        std::vector<std::string> there;
-        if (!ListFolder(inFolder, there)) {
-            return false;
+        std::vector<Pending> pending{{std::string(), nullptr}};
+        while (!pending.empty()) {
+            const Pending next = std::move(pending.back());
+            pending.pop_back();
+            ListFolder(next, pending);
         }
-        std::vector<std::string>& listed = mListed[PathUtils::AddTrailingSlash(inFolder)];
-        std::sort(there.begin(), there.end());
-        std::sort(listed.begin(), listed.end());
-        return there == listed || (listed.empty() && LeadsBack(inFolder));
+        std::sort(mListing.mFolders.begin(), mListing.mFolders.end());
+        return std::move(mListing);
     }
 
 private:
-    void AddAll(const std::vector<UTF16String>& inPaths)
+    void ListFolder(const Pending& inPending, std::vector<Pending>& ioPending)
     {
-        for (const UTF16String& path : inPaths) {
-            mListed[PathUtils::GetFullDirectoryPart(path)].push_back(HostTextOf(path));
+        CheckStopped();
+        HeldFolder folder;
+        std::vector<std::string> names;
+        ORL::Result result = mRoots.OpenSource(inPending.mFolder, folder);
+        if (ORL::ResultSucceeded(result)) {
+            if (LeadsBack(folder.Identity(), inPending.mAbove.get())) {
+                return;
+            }
+            mListing.mIdentities.insert(folder.Identity());
+            result = folder.List(names);
+        }
+        if (!ORL::ResultSucceeded(result)) {
+            CheckSource();
+            const std::string shown = JoinHostPath(mRoots.mShownSource, inPending.mFolder);
+            AddTrouble("cannot list the folder \"" + shown + "\" whole: " + Describe(result));
+        }
+        const auto above = std::make_shared<const Above>(
+            Above{folder.IsOpen() ? folder.Identity() : EntryIdentity(), inPending.mAbove});
+        std::sort(names.begin(), names.end());
+        for (const std::string& name : names) {
+            AddEntry(folder, inPending.mFolder, name, above, ioPending);
         }
     }
 
-    // Whether it is one of the folders above itself.
-    bool LeadsBack(const UTF16String& inFolder) const
+    void AddEntry(const HeldFolder& inHeld, const std::string& inFolder, const std::string& inLeaf,
+                  const std::shared_ptr<const Above>& inAbove, std::vector<Pending>& ioPending)
     {
-        FolderIdentity folder;
-        if (!IdentifyFolder(inFolder, folder)) {
-            return false;
+        CheckStopped();
+        const std::string name = Below(inFolder, inLeaf);
+        EntryStatus status;
+        const ORL::Result result = inHeld.Look(inLeaf, Links::kFollow, status);
+        if (!ORL::ResultSucceeded(result)) {
+            CheckSource();
+            AddTrouble("cannot read \"" + name + "\": " + Describe(result));
+        } else if (status.mKind == EntryStatus::kFolder) {
+            mListing.mFolders.push_back(name);
+            ioPending.push_back({name, inAbove});
+        } else if (status.mKind == EntryStatus::kFile) {
+            mListing.mFiles.push_back({name, status});
+        } else { // a pipe or a device would never end
+            AddTrouble("cannot read \"" + name + "\": it is no file");
         }
-        UTF16String above = PathUtils::RemoveTrailingSlash(inFolder);
-        while (above.size() > mRoot.size()) {
-            above = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(above));
-            FolderIdentity identity;
-            if (IdentifyFolder(above, identity) && identity == folder) {
+    }
+
+    static bool LeadsBack(const EntryIdentity& inIdentity, const Above* inAbove)
+    {
+        for (; inAbove != nullptr; inAbove = inAbove->mNext.get()) {
+            if (inAbove->mIdentity == inIdentity) {
                 return true;
             }
         }
         return false;
     }
 
-    const UTF16String mRoot;
-    std::map<UTF16String, std::vector<std::string>> mListed; // by folder, as HostTextOf gives them
+    void CheckStopped() const
+    {
+        if (mIsStopped()) {
+            throw Failure("ingest: stopped by the user; nothing was begun", kExitStopped);
+        }
+    }
+
+    void CheckSource() const
+    {
+        if (IsSourceGone(mRoots, !mListing.mFiles.empty())) {
+            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" went while it was listed", kExitGone);
+        }
+    }
+
+    void AddTrouble(const std::string& inText) { mListing.mTroubles.push_back({"ingest: " + inText, kExitUnreadable}); }
+
+    const IngestRoots& mRoots;
+    const std::function<bool()>& mIsStopped;
+    IngestListing mListing;
 };
 
 } // namespace
 
-IngestListing ListTwice(const UTF16String& inFolder)
+IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped)
 {
-    IngestListing listing;
-    std::vector<ORL::Directory> folders;
-    ORL::Directory::ConstructDirectory(inFolder)
-        .GetContainedFileAndDirectoryPaths(listing.mFiles, folders, true, ORL::Directory::kNoLimit);
-    // A listing shows a folder behind what it holds; to be made, it has to come before.
-    std::transform(folders.rbegin(), folders.rend(), std::back_inserter(listing.mFolders),
-                   [](const ORL::Directory& inListed) { return inListed.AsString(); });
-    SecondLook look(inFolder, listing);
-    std::vector<UTF16String> all{inFolder};
-    all.insert(all.end(), listing.mFolders.begin(), listing.mFolders.end());
-    std::copy_if(all.begin(), all.end(), std::back_inserter(listing.mBroken),
-                 [&look](const UTF16String& inListed) { return !look.IsWhole(inListed); });
-    return listing;
+    return Lister(inRoots, inIsStopped).List();
 }
 
 } // namespace orl

@@ -1,21 +1,39 @@
-// What the source holds, looked at twice: the library's listing ends without a word where the system refuses to go on,
-// and a file that is not listed would be left behind in silence.
+// What the source holds.
 #pragma once
 
-#include <tvxcore/String.h>
+#include "IngestRoots.h"
+
+#include <functional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace orl {
 
-struct IngestListing
+/// What went wrong with one file or folder: a line for the user, and the exit code that it means.
+struct IngestTrouble
 {
-    std::vector<UTF16String> mFiles;
-    std::vector<UTF16String> mFolders; // each behind the one above it
-    std::vector<UTF16String> mBroken;  // folders that may hold more than is listed here
+    std::string mText;
+    int mExitCode;
 };
 
-/// Lists a folder with all below it. Links are followed, but one that leads back to a folder above it is listed without
-/// contents. Throws ORL::Exception where the folder is none.
-IngestListing ListTwice(const UTF16String& inFolder);
+struct ListedFile
+{
+    std::string mName;
+    EntryStatus mStatus; // of the file that a link leads to
+};
+
+struct IngestListing
+{
+    std::vector<ListedFile> mFiles;
+    std::vector<std::string> mFolders;    // each after the one above it
+    std::set<EntryIdentity> mIdentities;  // of all folders, the source itself among them
+    std::vector<IngestTrouble> mTroubles; // what is not listed has a line here
+};
+
+/// Lists the source with all below it, through folders that are held, so no depth and no length of a path is too much.
+/// Links are followed, but one that leads back to a folder above it is listed without contents. Throws Failure where
+/// the source is gone, and kExitStopped where inIsStopped, which is asked all the time, says so.
+IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped);
 
 } // namespace orl

@@ -1,10 +1,9 @@
 #include "IngestManifest.h"
 
 #include "Failure.h"
-#include "IngestSystem.h"
 #include "Text.h"
 
-#include <ORLPathUtils.h>
+#include <tvxcore/Text.h>
 
 #include <algorithm>
 
@@ -17,220 +16,240 @@ using Share = ORL::FileShareModeFlags;
 using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
-constexpr std::size_t kDigits = 64;
+constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // several million lines
+constexpr std::size_t kLongestLine = 1 << 17;              // a path of 4096 bytes in its longest form is far below
+constexpr std::size_t kBlock = 1 << 16;
 
-bool IsDigest(const std::string& inText)
+UTF16String Folded(const std::string& inName)
 {
-    return inText.size() == kDigits && inText.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-}
-
-std::string Escaped(const std::string& inName)
-{
-    std::string escaped;
-    for (const char character : inName) {
-        switch (character) {
-        case '\\':
-            escaped += "\\\\";
-            break;
-        case '\n':
-            escaped += "\\n";
-            break;
-        case '\r':
-            escaped += "\\r";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
-}
-
-std::string Unescaped(const std::string& inText)
-{
-    std::string name;
-    for (std::size_t i = 0; i < inText.size(); ++i) {
-        if (inText[i] == '\\' && i + 1 < inText.size()) {
-            ++i;
-            name += inText[i] == 'n' ? '\n' : inText[i] == 'r' ? '\r' : inText[i];
-        } else {
-            name += inText[i];
-        }
-    }
-    return name;
-}
-
-void Check(ORL::Result inResult, const char* inWhat, const UTF16String& inPath)
-{
-    if (ORL::ResultSucceeded(inResult)) {
-        return;
-    }
-    if (inResult == ORL::kSharingViolation) {
-        throw Failure("ingest: another ingest is at work on \"" + HostTextOf(inPath) + "\"");
-    }
-    throw Failure(std::string("ingest: cannot ") + inWhat + " \"" + HostTextOf(inPath) + "\": " + Describe(inResult),
-                  inResult == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
-}
-
-void WriteAll(ORL::File& ioFile, const std::string& inText, const UTF16String& inPath)
-{
-    for (std::size_t at = 0; at < inText.size();) {
-        unsigned int written = 0;
-        const auto count = static_cast<unsigned int>(std::min<std::size_t>(inText.size() - at, 1 << 20));
-        Check(ioFile.Write(inText.data() + at, count, written), "write", inPath);
-        at += written;
-    }
-    Check(FlushFile(ioFile) ? ORL::kSuccess : ORL::kGeneralFailure, "keep", inPath);
+    return tvxcore::utility::FoldCase(ToUTF16(inName));
 }
 
 } // namespace
 
-std::string FormatManifestLine(const IngestManifest::Line& inLine)
-{
-    const std::string name = Escaped(inLine.mName);
-    return (name == inLine.mName ? "" : "\\") + inLine.mDigest + "  " + name + "\n";
-}
-
-bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine)
-{
-    const std::size_t start = !inText.empty() && inText[0] == '\\' ? 1 : 0;
-    const std::size_t blank = start + kDigits;
-    const bool hasForm = inText.size() > blank + 2 && IsDigest(inText.substr(start, kDigits)) && inText[blank] == ' '
-                         && (inText[blank + 1] == ' ' || inText[blank + 1] == '*');
-    if (!hasForm) {
-        return false;
-    }
-    const std::string name = inText.substr(blank + 2);
-    outLine.mDigest = inText.substr(start, kDigits);
-    outLine.mName = start == 1 ? Unescaped(name) : name;
-    return true;
-}
-
-IngestManifest::IngestManifest(const UTF16String& inPath) : mPath(inPath)
+IngestManifest::IngestManifest(const IngestRoots& inRoots, const std::string& inName, IngestRecord& ioRecord)
+    : mRoots(inRoots), mName(inName), mShown(JoinHostPath(inRoots.mShownDestination, inName)), mRecord(ioRecord)
 {
 }
 
-IngestManifest::~IngestManifest()
+void IngestManifest::Check(ORL::Result inResult, const char* inWhat) const
 {
-    const bool isEmpty = mFile.IsOpen() && mFile.SizeOnDisk() == 0;
-    mFile.Close();
-    if (isEmpty) {
-        ORL::File::Delete(mPath);
+    if (!ORL::ResultSucceeded(inResult)) {
+        throw Failure(std::string("ingest: cannot ") + inWhat + " the manifest \"" + mShown
+                          + "\": " + Describe(inResult),
+                      inResult == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
     }
 }
 
-void IngestManifest::OpenFile()
+void IngestManifest::Refuse(const std::string& inWhy) const
 {
-    Check(mFile.Create(mPath, Access::kFileAccess_Read | Access::kFileAccess_Write, Share::kFileShare_Read,
-                       Disposition::kFileCreate_OpenAlways, Attributes::kFileAttribute_Normal, true),
-          "open", mPath);
+    throw Failure("ingest: \"" + mShown + "\" " + inWhy + ", and stays as it is (--manifest names another manifest)");
 }
 
-void IngestManifest::Open()
+// --- reading ---------------------------------------------------------------------------------------------------------
+
+void IngestManifest::CheckStatus()
 {
-    OpenFile();
-    const std::string text = ReadAll();
-    const std::size_t whole = text.rfind('\n') + 1; // 0 where there is none
-    mFile.SetFilePointer(static_cast<__int64>(whole), ORL::FilePointerMoveMethod::kFilePointer_Begin);
-    if (whole != text.size()) {
-        Check(mFile.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure, "mend", mPath);
+    EntryStatus status;
+    const ORL::Result result = mFolder.Look(mName, Links::kStay, status);
+    mIsThere = result != ORL::kFileNotFound;
+    if (!mIsThere) {
+        return;
     }
-    Parse(text.substr(0, whole));
+    Check(result, "read");
+    if (status.mKind != EntryStatus::kFile) {
+        Refuse(status.mKind == EntryStatus::kLink ? "is a link" : "is no file");
+    }
+    if (status.mSize > kLargest) {
+        Refuse("is too long for a manifest (" + InWords(status.mSize) + ")");
+    }
+    mIdentity = status.mIdentity;
 }
 
-std::string IngestManifest::ReadAll()
+void IngestManifest::Read()
 {
-    std::string text;
-    std::vector<char> block(1 << 16);
-    for (;;) {
-        unsigned int count = 0;
-        Check(mFile.Read(block.data(), static_cast<unsigned int>(block.size()), count), "read", mPath);
-        if (count == 0) {
-            return text;
-        }
+    Check(mRoots.OpenDestination("", mFolder), "find");
+    CheckStatus();
+    if (!mIsThere) {
+        TellRecord();
+        return;
+    }
+    ORL::File file;
+    Check(file.Create(mFolder.PathOf(mName), Access::kFileAccess_Read, Share::kFileShare_Read | Share::kFileShare_Write,
+                      Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_SequentialScan, true),
+          "read");
+    EntryIdentity identity;
+    if (!IdentifyFile(file, identity) || identity != mIdentity) {
+        Refuse("was exchanged while it was opened");
+    }
+    ReadLines(file);
+    TellRecord();
+}
+
+// A line that is not finished, and remarks that were lines, are explained by the record alone.
+void IngestManifest::TellRecord()
+{
+    mRecord.SetNeededByManifest(mFound != mLength || !mWithdrawn.empty());
+}
+
+void IngestManifest::Mend()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mFound != mLength) {
+        OpenToWrite();
+    }
+}
+
+void IngestManifest::ReadLines(ORL::File& ioFile)
+{
+    std::vector<char> block(kBlock);
+    std::string text; // the line that is not whole yet
+    std::uint64_t start = 0;
+    for (unsigned int count = 1; count != 0 && mFound <= kLargest;) {
+        Check(ioFile.Read(block.data(), static_cast<unsigned int>(block.size()), count), "read");
+        mFound += count;
         text.append(block.data(), count);
+        std::size_t at = 0;
+        for (std::size_t end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+            TakeUpLine(text.substr(at, end - at), start + at, true);
+        }
+        text.erase(0, at);
+        start += at;
+        if (text.size() > kLongestLine) {
+            Refuse("is no list of SHA-256 sums");
+        }
+    }
+    mLength = mFound;
+    mEndsWithBreak = text.empty();
+    const std::optional<std::uint64_t>& kept = mRecord.Remains().mManifestLength;
+    if (!text.empty() && kept && start >= *kept) { // a killed run did not finish it
+        mLength = start;
+        mEndsWithBreak = true;
+    } else if (!text.empty()) {
+        TakeUpLine(text, start, false);
     }
 }
 
-void IngestManifest::Parse(const std::string& inText)
+void IngestManifest::TakeUpLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole)
 {
-    for (std::size_t at = 0; at < inText.size();) {
-        const std::size_t end = inText.find('\n', at);
-        const std::string text = inText.substr(at, end - at);
-        Line line;
-        if (ParseManifestLine(text, line)) {
-            mDigests[line.mName] = line.mDigest;
-        } else {
-            mForeign.push_back(text);
-        }
-        at = end + 1;
+    Line line;
+    const std::uint64_t length = inText.size() + (inIsWhole ? 1 : 0);
+    const std::vector<std::uint64_t>& withdrawn = mRecord.Remains().mWithdrawn;
+    if (ParseManifestLine(inText, line)) {
+        mLines[line.mName].push_back({inAt, length, line.mDigest});
+    } else if (!IsLineOfSums(inText)) {
+        Refuse("is no list of SHA-256 sums");
+    } else if (inText[0] == '#' && std::find(withdrawn.begin(), withdrawn.end(), inAt) != withdrawn.end()
+               && (ParseManifestLine("0" + inText.substr(1), line)
+                   || ParseManifestLine("\\" + inText.substr(1), line))) {
+        mWithdrawn.push_back({inAt, length, std::string()}); // by a killed run
     }
+}
+
+std::vector<std::string> IngestManifest::NamesLike(const std::string& inName) const
+{
+    std::vector<std::string> names;
+    const UTF16String folded = Folded(inName);
+    for (const auto& [name, places] : mLines) {
+        if (name != inName && name.size() == inName.size() && Folded(name) == folded) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+// --- writing ---------------------------------------------------------------------------------------------------------
+
+// What was read may have been exchanged or written by somebody who knows nothing of our lock.
+void IngestManifest::OpenToWrite()
+{
+    if (mFile.IsOpen()) {
+        return;
+    }
+    const Disposition::Type disposition =
+        mIsThere ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New;
+    Check(mFile.Create(mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write,
+                       Share::kFileShare_Read, disposition, Attributes::kFileAttribute_Normal, true),
+          "open");
+    EntryIdentity identity;
+    if (!IdentifyFile(mFile, identity) || (mIsThere && (identity != mIdentity || mFile.SizeOnDisk() != mFound))) {
+        mFile.Close();
+        Refuse("was changed by another program meanwhile");
+    }
+    mIsThere = true;
+    mIdentity = identity;
+    if (mFound != mLength) {
+        mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        Check(mFile.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure, "mend");
+        mFound = mLength;
+        TellRecord();
+    }
+}
+
+void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
+{
+    Check(mFile.SetFilePointer(static_cast<__int64>(inAt), ORL::FilePointerMoveMethod::kFilePointer_Begin), "write");
+    for (std::size_t at = 0; at < inText.size();) {
+        unsigned int written = 0;
+        const auto count = static_cast<unsigned int>(std::min<std::size_t>(inText.size() - at, 1 << 20));
+        Check(mFile.Write(inText.data() + at, count, written), "write");
+        at += written;
+    }
+    Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "keep");
 }
 
 // A line that may not be on disk goes again: the next run would take it for an acknowledgement.
 void IngestManifest::Append(const std::string& inText)
 {
-    const auto end = static_cast<__int64>(mFile.SizeOnDisk());
-    mFile.SetFilePointer(end, ORL::FilePointerMoveMethod::kFilePointer_Begin);
+    OpenToWrite();
+    mRecord.NoteManifestLength(mLength);
     try {
-        WriteAll(mFile, inText, mPath);
+        WriteAt(mLength, inText);
     } catch (const Failure&) {
-        mFile.SetFilePointer(end, ORL::FilePointerMoveMethod::kFilePointer_Begin);
-        mFile.SetEndOfFile();
+        mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        if (mFile.SetEndOfFile() != 0) {
+            mFound = mLength + 1; // a later run cuts it off
+            TellRecord();
+        }
         throw;
     }
+    mLength += inText.size();
+    mFound = mLength;
+    mEndsWithBreak = true;
+    mRecord.NoteManifestIsWhole();
 }
 
-// Whole at every moment: the new list takes the old one's name when it is on disk.
-void IngestManifest::Rewrite()
+// The record knows of the place before the line changes, so that a later run can tell our remarks from other people's.
+void IngestManifest::WithdrawPlaces(const std::string& inName)
 {
-    const UTF16String temporary = mPath + ToUTF16(".part");
-    {
-        ORL::File file;
-        Check(file.Create(temporary, Access::kFileAccess_Write, static_cast<Share::Type>(0),
-                          Disposition::kFileCreate_Always, Attributes::kFileAttribute_Normal, true),
-              "write", temporary);
-        std::string text;
-        for (const std::string& line : mForeign) {
-            text += line + "\n";
-        }
-        for (const auto& [name, digest] : mDigests) {
-            text += FormatManifestLine({name, digest});
-        }
-        WriteAll(file, text, temporary);
+    const auto line = mLines.find(inName);
+    if (line == mLines.end()) {
+        return;
     }
-    mFile.Close();
-    const ORL::Result result = ORL::File::SwapTempFile(temporary, mPath);
-    OpenFile();
-    Check(result, "exchange", mPath);
+    OpenToWrite();
+    for (const Place& place : line->second) {
+        mRecord.NoteWithdrawn(place.mAt);
+        WriteAt(place.mAt, "#");
+        mWithdrawn.push_back(place);
+        TellRecord();
+    }
+    mLines.erase(line);
 }
 
 void IngestManifest::Drop(const std::vector<std::string>& inNames)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    std::size_t dropped = 0;
     for (const std::string& name : inNames) {
-        dropped += mDigests.erase(name);
-    }
-    if (dropped != 0) {
-        Rewrite();
+        WithdrawPlaces(name);
     }
 }
 
 std::string IngestManifest::Withdraw(const std::string& inName)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    const auto line = mDigests.find(inName);
-    if (line == mDigests.end()) {
-        return std::string();
-    }
-    std::string digest = line->second;
-    mDigests.erase(line);
-    try {
-        Rewrite();
-    } catch (const Failure&) {
-        mDigests[inName] = digest;
-        throw;
-    }
+    const auto line = mLines.find(inName);
+    std::string digest = line != mLines.end() ? line->second.back().mDigest : std::string();
+    WithdrawPlaces(inName);
     return digest;
 }
 
@@ -238,21 +257,79 @@ void IngestManifest::Acknowledge(const std::vector<Line>& inLines)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     std::string text;
-    bool exchanges = false;
+    std::vector<std::pair<std::string, Place>> added;
     for (const Line& line : inLines) {
-        const auto earlier = mDigests.find(line.mName);
-        if (earlier == mDigests.end()) {
-            text += FormatManifestLine(line);
-        } else {
-            exchanges = exchanges || earlier->second != line.mDigest;
+        const auto earlier = mLines.find(line.mName);
+        const auto isOther = [&line](const Place& inPlace) { return inPlace.mDigest != line.mDigest; };
+        if (earlier != mLines.end() && std::none_of(earlier->second.begin(), earlier->second.end(), isOther)) {
+            continue;
         }
-        mDigests[line.mName] = line.mDigest;
+        WithdrawPlaces(line.mName);
+        const std::string formatted = FormatManifestLine(line);
+        text += text.empty() && !mEndsWithBreak ? "\n" : "";
+        added.push_back({line.mName, {mLength + text.size(), formatted.size(), line.mDigest}});
+        text += formatted;
     }
-    if (exchanges) {
-        Rewrite();
-    } else if (!text.empty()) {
-        Append(text);
+    if (text.empty()) {
+        return;
     }
+    Append(text);
+    for (const auto& [name, place] : added) {
+        mLines[name] = {place};
+    }
+}
+
+// --- compacting ------------------------------------------------------------------------------------------------------
+
+void IngestManifest::Compact()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mWithdrawn.empty()) {
+        return;
+    }
+    OpenToWrite();
+    std::vector<Place> places = mWithdrawn;
+    std::sort(places.begin(), places.end(),
+              [](const Place& inLeft, const Place& inRight) { return inLeft.mAt < inRight.mAt; });
+    const std::string temporary = CopyWithout(places);
+    mFile.Close();
+    const ORL::Result result = ORL::File::SwapTempFile(mFolder.PathOf(temporary), mFolder.PathOf(mName));
+    if (!ORL::ResultSucceeded(result)) {
+        mFolder.Remove(temporary);
+    }
+    mRecord.Forget("", temporary);
+    Check(result, "exchange");
+    mWithdrawn.clear(); // and no place is known any more: this is the last step of a run
+    mLines.clear();
+    TellRecord();
+}
+
+std::string IngestManifest::CopyWithout(const std::vector<Place>& inPlaces)
+{
+    const std::string temporary = mRecord.NewTemporary("");
+    ORL::File file;
+    Check(file.Create(mFolder.PathOf(temporary), Access::kFileAccess_Write, static_cast<Share::Type>(0),
+                      Disposition::kFileCreate_New, Attributes::kFileAttribute_Normal, true),
+          "write");
+    std::vector<char> block(kBlock);
+    std::size_t next = 0;
+    for (std::uint64_t at = 0; at < mLength;) {
+        if (next < inPlaces.size() && inPlaces[next].mAt == at) {
+            at += inPlaces[next++].mLength;
+            continue;
+        }
+        const std::uint64_t end = next < inPlaces.size() ? inPlaces[next].mAt : mLength;
+        const auto wanted = static_cast<unsigned int>(std::min<std::uint64_t>(end - at, block.size()));
+        unsigned int count = 0;
+        unsigned int written = 0;
+        mFile.SetFilePointer(static_cast<__int64>(at), ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        Check(mFile.Read(block.data(), wanted, count), "read");
+        Check(count != 0 ? file.Write(block.data(), count, written) : ORL::kGeneralFailure, "write");
+        Check(written == count ? ORL::kSuccess : ORL::kDiskFull, "write");
+        at += count;
+    }
+    Check(FlushFile(file) ? ORL::kSuccess : ORL::kGeneralFailure, "keep");
+    return temporary;
 }
 
 } // namespace orl

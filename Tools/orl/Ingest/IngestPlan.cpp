@@ -1,196 +1,237 @@
 #include "IngestPlan.h"
 
 #include "Failure.h"
-#include "IngestListing.h"
+#include "IngestNames.h"
 #include "IngestTimes.h"
 #include "Text.h"
 
-#include <ORLDirectory.h>
 #include <ORLDiskUtils.h>
-#include <ORLFile.h>
-#include <ORLHostPath.h>
-#include <ORLPathUtils.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <filesystem>
-#include <system_error>
+#include <map>
 
 namespace orl {
 
 namespace {
 
-using ORL::Directory;
-namespace fs = std::filesystem;
-namespace PathUtils = ORL::PathUtils;
-
-// Without dots and doubled separators, and past the length limit of plain paths.
-UTF16String CleanPath(const std::string& inArgument)
+/// A folder of the destination, as the plan finds it.
+struct Place
 {
-    std::string host;
-    const ORL::Result result = PathUtils::ToHostPath(PathOfArgument(inArgument), host);
-    if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: cannot find \"" + inArgument + "\": " + Describe(result));
-    }
-    return PathUtils::ToNormalizedPath(PathUtils::FromHostPath(host));
-}
+    enum State { kThere, kToBeMade, kRefused };
 
-fs::path HostPathOf(const UTF16String& inPath)
-{
-    return fs::u8path(HostTextOf(inPath));
-}
-
-bool IsInside(const UTF16String& inPath, const UTF16String& inFolder)
-{
-    std::error_code error;
-    const fs::path path = fs::weakly_canonical(HostPathOf(inPath), error);
-    const fs::path folder = fs::weakly_canonical(HostPathOf(inFolder), error);
-    const auto [end, rest] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
-    return end == folder.end() || (std::next(end) == folder.end() && end->empty());
-}
-
-constexpr char kLeftoverExtension[] = ".part";
-constexpr char kLeftoverStem[] = ".orl-";
-constexpr std::size_t kLeftoverSize = 5 + 16 + 5;
-
-bool IsLeftover(const UTF16String& inPath)
-{
-    const std::string leaf = ToUTF8(PathUtils::GetFullFilePart(inPath));
-    return leaf.size() == kLeftoverSize && leaf.compare(0, 5, kLeftoverStem) == 0
-           && leaf.find_first_not_of("0123456789abcdef", 5) == kLeftoverSize - 5;
-}
-
-[[noreturn]] void ThrowGone(const IngestRoots& inRoots)
-{
-    throw Failure("ingest: the source \"" + inRoots.mShownSource + "\" went while it was listed", kExitGone);
-}
-
-std::optional<FolderIdentity> IdentityOf(const UTF16String& inFolder)
-{
-    FolderIdentity identity;
-    return IdentifyFolder(inFolder, identity) ? std::optional<FolderIdentity>(identity) : std::nullopt;
-}
-
-bool IsAnother(const UTF16String& inFolder, const std::optional<FolderIdentity>& inIdentity)
-{
-    const std::optional<FolderIdentity> now = IdentityOf(inFolder);
-    return !now || (inIdentity && !(*now == *inIdentity));
-}
+    State mState = kRefused;
+    std::size_t mVolume = 0; // in the plan's list
+};
 
 class Planner
 {
 public:
-    Planner(const IngestRoots& inRoots, const IngestManifest& inManifest, bool inReplaces)
-        : mRoots(inRoots), mManifest(inManifest), mReplaces(inReplaces),
-          mStem(PathUtils::AddTrailingSlash(inRoots.mSource).size()),
-          mTargetStem(PathUtils::AddTrailingSlash(inRoots.mDestination)),
-          mHostStem(HostTextOf(PathUtils::AddTrailingSlash(inRoots.mSource)).size()),
-          mHasTarget(Directory::IsDirectory(inRoots.mDestination))
+    explicit Planner(IngestListing inListing, const IngestPlanRequest& inRequest)
+        : mRequest(inRequest), mRoots(inRequest.mRoots), mListing(std::move(inListing))
     {
     }
 
     IngestPlan Make()
     {
-        const IngestListing listing = ListTwice(mRoots.mSource);
-        for (const UTF16String& folder : listing.mBroken) {
-            AddTrouble("cannot list the folder \"" + HostTextOf(folder) + "\" whole", kExitUnreadable);
+        mPlan.mTroubles = std::move(mListing.mTroubles);
+        mPlan.mSourceFolders = mListing.mIdentities;
+        CheckListing();
+        FindPlaces();
+        std::sort(mListing.mFiles.begin(), mListing.mFiles.end(),
+                  [](const ListedFile& inLeft, const ListedFile& inRight) { return inLeft.mName < inRight.mName; });
+        const std::set<std::string> taken = FindCollisions(mListing.mFiles, mRoots, mRequest.mRecord);
+        for (const ListedFile& file : mListing.mFiles) {
+            CheckStopped();
+            if (taken.count(file.mName) == 0) {
+                AddFile(file);
+            } else {
+                AddTrouble("\"" + file.mName
+                               + "\" and another file of the source have one name at the destination, which does not "
+                                 "tell them apart; only one of them is brought in",
+                           kExitTaken);
+            }
         }
-        for (const UTF16String& folder : listing.mFolders) {
-            mPlan.mFolders.push_back(TargetOf(folder));
-        }
-        for (const UTF16String& file : listing.mFiles) {
-            AddFile(file);
-        }
-        const bool isListed = listing.mBroken.empty() || listing.mBroken.front() != mRoots.mSource;
-        if (!mPlan.mTroubles.empty() && IsSourceGone(mRoots, isListed && !listing.mFiles.empty())) {
-            ThrowGone(mRoots);
-        }
-        FindLeftovers();
-        std::sort(mPlan.mItems.begin(), mPlan.mItems.end(),
-                  [](const IngestItem& inLeft, const IngestItem& inRight) { return inLeft.mName < inRight.mName; });
         return std::move(mPlan);
     }
 
 private:
-    void AddFile(const UTF16String& inPath)
+    void CheckListing() const
     {
+        if (mListing.mFiles.empty() && mPlan.mTroubles.empty()) {
+            throw Failure("ingest: the source \"" + mRoots.mShownSource
+                              + "\" holds no file; a card that is not mounted looks like that",
+                          kExitEmpty);
+        }
+        const auto hasItsName = [this](const ListedFile& inFile) { return inFile.mName == mRequest.mManifestName; };
+        if (std::any_of(mListing.mFiles.begin(), mListing.mFiles.end(), hasItsName)) {
+            throw Failure("ingest: the source holds a file of the manifest's name, \"" + mRequest.mManifestName
+                          + "\" (--manifest names another)");
+        }
+    }
+
+    // Each folder after the one above it. What lies below a folder that is refused is refused without a word.
+    void FindPlaces()
+    {
+        mPlan.mVolumes.push_back({});
+        mPlaces[""] = {mRoots.mHasDestination ? Place::kThere : Place::kToBeMade, 0};
+        mVolumes[mRoots.mDestinationIdentity.mVolume] = 0;
+        for (const std::string& folder : mListing.mFolders) {
+            const Place above = mPlaces[FolderOf(folder)];
+            mPlaces[folder] = above.mState == Place::kThere ? FindPlace(folder, above) : above;
+            if (mPlaces[folder].mState == Place::kToBeMade) {
+                mPlan.mFolders.push_back(folder);
+            }
+        }
+    }
+
+    Place FindPlace(const std::string& inFolder, const Place& inAbove)
+    {
+        HeldFolder held;
+        const ORL::Result result = mRoots.OpenDestination(inFolder, held);
+        if (result == ORL::kFileNotFound) {
+            return FreePlace(inFolder, inAbove);
+        }
+        if (result == ORL::kPathNotFound) {
+            AddTrouble("another file is at the destination as \"" + inFolder
+                           + "\", where a folder is wanted, and stays",
+                       kExitTaken);
+            return {};
+        }
+        if (!ORL::ResultSucceeded(result)) {
+            AddTrouble("cannot open the folder \"" + inFolder + "\" at the destination: " + Describe(result),
+                       kExitFailure);
+            return {};
+        }
+        if (mPlan.mSourceFolders.count(held.Identity()) != 0) {
+            AddTrouble("the folder \"" + inFolder
+                           + "\" at the destination leads into the source; nothing is written there",
+                       kExitTaken);
+            return {};
+        }
+        return {Place::kThere, VolumeOf(held.Identity(), inFolder)};
+    }
+
+    // A link that leads nowhere has the name all the same.
+    Place FreePlace(const std::string& inFolder, const Place& inAbove)
+    {
+        HeldFolder above;
+        EntryStatus status;
+        if (ORL::ResultSucceeded(mRoots.OpenDestination(FolderOf(inFolder), above))
+            && ORL::ResultSucceeded(above.Look(LeafOf(inFolder), Links::kStay, status))) {
+            AddTrouble("a link that leads nowhere is at the destination as \"" + inFolder + "\", and stays",
+                       kExitTaken);
+            return {};
+        }
+        return {Place::kToBeMade, inAbove.mVolume};
+    }
+
+    std::size_t VolumeOf(const EntryIdentity& inFolder, const std::string& inName)
+    {
+        const auto [volume, isNew] = mVolumes.insert({inFolder.mVolume, mPlan.mVolumes.size()});
+        if (isNew) {
+            mPlan.mVolumes.push_back({});
+            mPlan.mVolumes.back().mFolder = inName;
+        }
+        return volume->second;
+    }
+
+    void AddFile(const ListedFile& inFile)
+    {
+        const Place& place = mPlaces[FolderOf(inFile.mName)];
         IngestItem item;
-        item.mSource = inPath;
-        item.mTarget = TargetOf(inPath);
-        item.mName = NameOf(inPath);
-        if (!MayBeRead(item) || !FindState(item)) {
+        item.mName = inFile.mName;
+        item.mSize = inFile.mStatus.mSize;
+        item.mAllocated = inFile.mStatus.mAllocated;
+        item.mTime = inFile.mStatus.mTime;
+        if (place.mState == Place::kRefused || (place.mState == Place::kThere && !FindState(inFile, item))) {
             return;
         }
-        const bool isCopied = item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace;
-        mPlan.mBytesToWrite += isCopied ? item.mSize : 0;
+        if (item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace) {
+            Need(mPlan.mVolumes[place.mVolume], item);
+        }
         mPlan.mBytesToPass += item.mState != IngestItem::kVerifiedBefore ? 2 * item.mSize : 0;
         mPlan.mItems.push_back(std::move(item));
     }
 
-    // A pipe or a device would never end.
-    bool MayBeRead(IngestItem& ioItem)
+    static void Need(IngestVolume& ioVolume, const IngestItem& inItem)
     {
-        std::error_code error;
-        const fs::file_status status = fs::status(HostPathOf(ioItem.mSource), error);
-        if (!error && fs::exists(status) && !fs::is_regular_file(status)) {
-            AddTrouble("cannot read \"" + ioItem.mName + "\": it is no file", kExitUnreadable);
-            return false;
+        constexpr std::uint64_t kCluster = 4096;
+        ioVolume.mBytes += (std::min(inItem.mSize, inItem.mAllocated) + kCluster - 1) / kCluster * kCluster;
+        if (inItem.mSize > ioVolume.mLargest) {
+            ioVolume.mLargest = inItem.mSize;
+            ioVolume.mLargestName = inItem.mName;
         }
-        unsigned __int64 size = 0;
-        const ORL::Result result = ORL::File::SizeOnDisk(ioItem.mSource, size);
-        if (!ORL::ResultSucceeded(result)) {
-            AddTrouble("cannot read \"" + ioItem.mName + "\": " + Describe(result), kExitUnreadable);
-            return false;
-        }
-        ioItem.mSize = size;
-        return true;
     }
 
-    bool FindState(IngestItem& ioItem)
+    const HeldFolder& Opened(const std::string& inFolder)
     {
-        if (!mHasTarget || !PathUtils::ExistsOnDisk(ioItem.mTarget)) {
-            ioItem.mState = IngestItem::kToCopy;
+        if (!mOpened.IsOpen() || mOpenedName != inFolder) {
+            mOpened = HeldFolder();
+            mRoots.OpenDestination(inFolder, mOpened);
+            mOpenedName = inFolder;
+        }
+        return mOpened;
+    }
+
+    bool FindState(const ListedFile& inFile, IngestItem& ioItem)
+    {
+        const HeldFolder& folder = Opened(FolderOf(ioItem.mName));
+        EntryStatus status;
+        const ORL::Result result =
+            folder.IsOpen() ? folder.Look(LeafOf(ioItem.mName), Links::kStay, status) : ORL::kPathNotFound;
+        if (result == ORL::kFileNotFound) {
             return true;
         }
-        unsigned __int64 size = 0;
-        const bool isFile = !Directory::IsDirectory(ioItem.mTarget)
-                            && ORL::ResultSucceeded(ORL::File::SizeOnDisk(ioItem.mTarget, size));
-        if (isFile && size == ioItem.mSize) {
-            ioItem.mState = mManifest.Holds(ioItem.mName) && HasSameTime(ioItem) ? IngestItem::kVerifiedBefore
-                                                                                 : IngestItem::kToCheck;
+        if (!ORL::ResultSucceeded(result)) {
+            AddTrouble("cannot look at \"" + ioItem.mName + "\" at the destination: " + Describe(result), kExitFailure);
+            return false;
+        }
+        return IsNobodysButOurs(inFile, status) && FindStateBeside(status, folder, ioItem);
+    }
+
+    bool IsNobodysButOurs(const ListedFile& inFile, const EntryStatus& inStatus)
+    {
+        const char* const what = inStatus.mKind == EntryStatus::kLink             ? "a link"
+                                 : inStatus.mKind == EntryStatus::kFolder         ? "another folder"
+                                 : inStatus.mKind != EntryStatus::kFile           ? "a device or a pipe"
+                                 : inStatus.mIdentity == inFile.mStatus.mIdentity ? "the file of the source itself"
+                                                                                  : nullptr;
+        if (what != nullptr) {
+            AddTrouble(std::string(what) + " is at the destination as \"" + inFile.mName + "\", and stays", kExitTaken);
+        }
+        return what == nullptr;
+    }
+
+    bool FindStateBeside(const EntryStatus& inStatus, const HeldFolder& inFolder, IngestItem& ioItem)
+    {
+        ioItem.mEarlier = inStatus.mIdentity;
+        if (inStatus.mSize == ioItem.mSize) {
+            const bool isKnown = mRequest.mManifest.Holds(ioItem.mName) && HasSameTime(inStatus, inFolder, ioItem);
+            ioItem.mState = isKnown ? IngestItem::kVerifiedBefore : IngestItem::kToCheck;
             return true;
         }
-        if (isFile && mReplaces) {
+        if (mRequest.mReplaces) {
             ioItem.mState = IngestItem::kToReplace;
             return true;
         }
-        AddTrouble("another " + std::string(isFile ? "file" : "folder") + " is at the destination as \"" + ioItem.mName
-                       + "\", and stays" + (isFile ? " (--replace exchanges it)" : ""),
+        AddTrouble("another file is at the destination as \"" + ioItem.mName + "\", and stays (--replace exchanges it)",
                    kExitTaken);
         return false;
     }
 
-    static bool HasSameTime(const IngestItem& inItem)
+    bool HasSameTime(const EntryStatus& inStatus, const HeldFolder& inFolder, const IngestItem& inItem) const
     {
-        return HasTimeOf(inItem.mSource, inItem.mTarget, TemporaryPathOf(inItem));
+        return inStatus.mTime == inItem.mTime
+               || (mRequest.mRecord != nullptr
+                   && TimeThatIsKept(inItem.mTime, inFolder, FolderOf(inItem.mName), *mRequest.mRecord)
+                          == inStatus.mTime);
     }
 
-    void FindLeftovers()
+    void CheckStopped() const
     {
-        if (!mHasTarget) {
-            return;
+        if (mRequest.mIsStopped()) {
+            throw Failure("ingest: stopped by the user; nothing was begun", kExitStopped);
         }
-        std::vector<UTF16String> files;
-        Directory::ConstructDirectory(mRoots.mDestination)
-            .GetContainedFilePaths(ToUTF16(kLeftoverExtension), files, true, Directory::kNoLimit);
-        std::copy_if(files.begin(), files.end(), std::back_inserter(mPlan.mLeftovers), &IsLeftover);
-    }
-
-    UTF16String TargetOf(const UTF16String& inPath) const { return mTargetStem + inPath.substr(mStem); }
-
-    std::string NameOf(const UTF16String& inPath) const
-    {
-        return fs::u8path(HostTextOf(inPath).substr(mHostStem)).generic_u8string();
     }
 
     void AddTrouble(const std::string& inText, int inExitCode)
@@ -198,103 +239,53 @@ private:
         mPlan.mTroubles.push_back({"ingest: " + inText, inExitCode});
     }
 
+    const IngestPlanRequest& mRequest;
     const IngestRoots& mRoots;
-    const IngestManifest& mManifest;
-    const bool mReplaces;
-    const std::size_t mStem;
-    const UTF16String mTargetStem;
-    const std::size_t mHostStem;
-    const bool mHasTarget;
+    IngestListing mListing;
     IngestPlan mPlan;
+    std::map<std::string, Place> mPlaces;          // by folder
+    std::map<std::uint64_t, std::size_t> mVolumes; // by volume, in the plan's list
+    HeldFolder mOpened;
+    std::string mOpenedName;
 };
+
+void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots)
+{
+    if (inVolume.mLargest == 0) {
+        return;
+    }
+    HeldFolder folder;
+    const bool isHeld =
+        inRoots.mHasDestination && ORL::ResultSucceeded(inRoots.OpenDestination(inVolume.mFolder, folder));
+    const UTF16String path = isHeld ? folder.Path() : inRoots.mDestination;
+    const std::string shown = JoinHostPath(inRoots.mShownDestination, inVolume.mFolder);
+    const std::uint64_t free = ORL::DiskUtils::GetFreeSpaceFromPath(path);
+    if (inVolume.mBytes > free) {
+        throw Failure("ingest: \"" + shown + "\" has room for " + InWords(free) + ", but " + InWords(inVolume.mBytes)
+                          + " are to be copied; nothing was begun",
+                      kExitNoRoom);
+    }
+    unsigned __int64 largest = 0;
+    if (ORL::ResultSucceeded(ORL::DiskUtils::GetMaxFileSize(path, largest)) && inVolume.mLargest > largest) {
+        throw Failure("ingest: \"" + inVolume.mLargestName + "\" has " + InWords(inVolume.mLargest)
+                          + ", more than a file at \"" + shown + "\" may have (" + InWords(largest)
+                          + "); nothing was begun",
+                      kExitNoRoom);
+    }
+}
 
 } // namespace
 
-IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestination)
+IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest)
 {
-    IngestRoots roots{CleanPath(inSource), CleanPath(inDestination), inSource, inDestination, {}, {}};
-    if (!Directory::IsDirectory(roots.mSource)) {
-        throw Failure("ingest: \"" + inSource + "\" is no folder");
-    }
-    if (ORL::PathUtils::ExistsOnDisk(roots.mDestination) && !Directory::IsDirectory(roots.mDestination)) {
-        throw Failure("ingest: the destination \"" + inDestination + "\" is no folder");
-    }
-    if (IsInside(roots.mDestination, roots.mSource)) {
-        throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
-    }
-    roots.mSourceIdentity = IdentityOf(roots.mSource);
-    roots.mDestinationIdentity = IdentityOf(roots.mDestination);
-    return roots;
-}
-
-bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething)
-{
-    std::vector<std::string> held;
-    return IsAnother(inRoots.mSource, inRoots.mSourceIdentity)
-           || (inHeldSomething && (!ListFolder(inRoots.mSource, held) || held.empty()));
-}
-
-bool IsDestinationGone(const IngestRoots& inRoots)
-{
-    return IsAnother(inRoots.mDestination, inRoots.mDestinationIdentity);
-}
-
-IngestPlan MakePlan(const IngestRoots& inRoots, const std::string& inManifestName, const IngestManifest& inManifest,
-                    bool inReplaces)
-{
-    try {
-        IngestPlan plan = Planner(inRoots, inManifest, inReplaces).Make();
-        const auto hasItsName = [&](const IngestItem& inItem) { return inItem.mName == inManifestName; };
-        if (std::any_of(plan.mItems.begin(), plan.mItems.end(), hasItsName)) {
-            throw Failure("ingest: the source holds a file of the manifest's name, \"" + inManifestName
-                          + "\" (--manifest names another)");
-        }
-        return plan;
-    } catch (const ORL::Exception&) {
-        ThrowGone(inRoots);
-    }
+    return Planner(std::move(inListing), inRequest).Make();
 }
 
 void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots)
 {
-    constexpr std::uint64_t kCluster = 4096;
-    std::uint64_t needed = 0;
-    for (const IngestItem& item : inPlan.mItems) {
-        const bool isCopied = item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace;
-        needed += isCopied ? (item.mSize + kCluster - 1) / kCluster * kCluster : 0;
+    for (const IngestVolume& volume : inPlan.mVolumes) {
+        CheckRoomOf(volume, inRoots);
     }
-    if (needed == 0) {
-        return;
-    }
-    const std::uint64_t free = ORL::DiskUtils::GetFreeSpaceFromPath(inRoots.mDestination);
-    if (needed > free) {
-        throw Failure("ingest: \"" + inRoots.mShownDestination + "\" has room for " + InWords(free) + ", but "
-                          + InWords(needed) + " are to be copied; nothing was begun",
-                      kExitNoRoom);
-    }
-    unsigned __int64 largest = 0;
-    if (!ORL::ResultSucceeded(ORL::DiskUtils::GetMaxFileSize(inRoots.mDestination, largest))) {
-        return;
-    }
-    for (const IngestItem& item : inPlan.mItems) {
-        if (item.mState != IngestItem::kVerifiedBefore && item.mSize > largest) {
-            throw Failure("ingest: \"" + item.mName + "\" has " + InWords(item.mSize) + ", more than a file at \""
-                              + inRoots.mShownDestination + "\" may have (" + InWords(largest) + "); nothing was begun",
-                          kExitNoRoom);
-        }
-    }
-}
-
-UTF16String TemporaryPathOf(const IngestItem& inItem)
-{
-    std::uint64_t hash = 14695981039346656037u; // FNV-1a
-    for (const char character : inItem.mName) {
-        hash = (hash ^ static_cast<unsigned char>(character)) * 1099511628211u;
-    }
-    char leaf[kLeftoverSize + 1];
-    std::snprintf(leaf, sizeof(leaf), "%s%016llx%s", kLeftoverStem, static_cast<unsigned long long>(hash),
-                  kLeftoverExtension);
-    return PathUtils::GetFullDirectoryPart(inItem.mTarget) + ToUTF16(leaf);
 }
 
 } // namespace orl

@@ -1,11 +1,8 @@
 #include "IngestRun.h"
 
-#include "IngestSystem.h"
+#include "IngestFlush.h"
 #include "Text.h"
 #include "UnbufferedRead.h"
-
-#include <ORLDirectory.h>
-#include <ORLFile.h>
 
 #include <algorithm>
 #include <atomic>
@@ -29,13 +26,18 @@ class Run
 {
 public:
     Run(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-        IngestManifest& ioManifest, const IngestWatcher& inWatcher)
+        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher)
         : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher),
-          mRoots(WithDestination(inRoots)),
-          mContext{mRoots, ioManifest, inSettings.mReplaces, [this] { return IsStopped(); },
-                   [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
-                   inWatcher.mOnStep},
-          mDigests(inPlan.mItems.size())
+          mRoots(inRoots), mContext{
+                               inRoots,
+                               inPlan.mSourceFolders,
+                               ioManifest,
+                               ioRecord,
+                               inSettings.mReplaces,
+                               [this] { return IsStopped(); },
+                               [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
+                               inWatcher.mOnStep},
+          mFiles(inPlan.mItems.size())
     {
     }
 
@@ -50,6 +52,7 @@ public:
             AddTrouble(failure, true);
         }
         Acknowledge();
+        Compact();
         CollectRows();
         mOutcome.mHasNoAnswer = mHasNoAnswer;
         mOutcome.mIsStopped = mIsStoppedByUser;
@@ -58,25 +61,19 @@ public:
     }
 
 private:
-    // A destination that was to be made has been made since.
-    static IngestRoots WithDestination(IngestRoots inRoots)
-    {
-        FolderIdentity identity;
-        if (!inRoots.mDestinationIdentity && IdentifyFolder(inRoots.mDestination, identity)) {
-            inRoots.mDestinationIdentity = identity;
-        }
-        return inRoots;
-    }
-
     void Prepare()
     {
-        for (const UTF16String& leftover : mPlan.mLeftovers) {
-            OnceItIsFree([&leftover] { return ORL::File::Delete(leftover); });
-        }
-        for (const UTF16String& folder : mPlan.mFolders) {
-            const ORL::Result result = ORL::Directory::CreateOnDisk(folder, false);
-            if (!ORL::ResultSucceeded(result)) {
-                throw Failure("ingest: cannot make the folder \"" + HostTextOf(folder) + "\": " + Describe(result));
+        for (const std::string& name : mPlan.mFolders) {
+            HeldFolder above;
+            ORL::Result result = mRoots.OpenDestination(FolderOf(name), above);
+            if (ORL::ResultSucceeded(result)) {
+                result = mPlan.mSourceFolders.count(above.Identity()) == 0 ? above.MakeFolder(LeafOf(name))
+                                                                           : ORL::kAccessDenied;
+            }
+            if (!ORL::ResultSucceeded(result) && result != ORL::kAlreadyExists) {
+                throw Failure("ingest: cannot make the folder \"" + JoinHostPath(mRoots.mShownDestination, name)
+                                  + "\": " + Describe(result),
+                              result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
             }
         }
         // Lines of files that somebody has taken away. That of a file to be replaced is true until then.
@@ -162,10 +159,10 @@ private:
     void Bring(std::size_t inIndex, std::vector<unsigned char>& ioBuffer)
     {
         try {
-            std::string digest = IngestFile(mPlan.mItems[inIndex], mContext, ioBuffer);
+            IngestedFile file = IngestFile(mPlan.mItems[inIndex], mContext, ioBuffer);
             const std::lock_guard<std::mutex> lock(mMutex);
             mVerified.push_back(inIndex);
-            mDigests[inIndex] = std::move(digest);
+            mFiles[inIndex] = std::move(file);
         } catch (const IngestStopped&) { // nothing of the file is left
         } catch (const IngestFailure& failure) {
             AddTrouble(failure, failure.EndsRun());
@@ -219,7 +216,7 @@ private:
             mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
         }
         for (const std::size_t index : inGroup) {
-            mDigests[index].clear();
+            mFiles[index].mDigest.clear();
         }
         mHasEndedItself = true;
         mEnds = true;
@@ -228,27 +225,38 @@ private:
     void Keep(const std::vector<std::size_t>& inGroup)
     {
         std::vector<IngestManifest::Line> lines;
-        std::vector<UTF16String> files;
+        std::vector<std::string> names;
         for (const std::size_t index : inGroup) {
-            lines.push_back({mPlan.mItems[index].mName, mDigests[index]});
-            files.push_back(mPlan.mItems[index].mTarget);
+            lines.push_back({mPlan.mItems[index].mName, mFiles[index].mDigest});
+            names.push_back(mPlan.mItems[index].mName);
         }
         if (IsDestinationGone(mRoots)) {
             throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
         }
-        if (!FlushGroup(mRoots.mDestination, files)) {
+        if (!FlushGroup(mRoots, names)) {
             throw Failure("ingest: \"" + mRoots.mShownDestination
                           + "\" cannot keep what was written; the last files are in place, but not in the manifest");
         }
         mManifest.Acknowledge(lines);
     }
 
+    void Compact()
+    {
+        try {
+            if (!mHasNoAnswer && !IsDestinationGone(mRoots)) {
+                mManifest.Compact();
+            }
+        } catch (const Failure& failure) {
+            AddTrouble(failure, true);
+        }
+    }
+
     void CollectRows()
     {
         for (std::size_t i = 0; i < mPlan.mItems.size(); ++i) {
             const bool wasBefore = mPlan.mItems[i].mState == IngestItem::kVerifiedBefore;
-            if (wasBefore || !mDigests[i].empty()) {
-                mOutcome.mRows.push_back({&mPlan.mItems[i], mDigests[i]});
+            if (wasBefore || !mFiles[i].mDigest.empty()) {
+                mOutcome.mRows.push_back({&mPlan.mItems[i], mFiles[i].mDigest, mFiles[i].mWasPresent});
             }
         }
     }
@@ -257,7 +265,7 @@ private:
     const IngestSettings& mSettings;
     IngestManifest& mManifest;
     const IngestWatcher& mWatcher;
-    const IngestRoots mRoots;
+    const IngestRoots& mRoots;
     const IngestContext mContext;
     std::atomic<bool> mEnds{false};
     std::atomic<bool> mIsStoppedByUser{false};
@@ -270,16 +278,48 @@ private:
     unsigned mLeft = 0;
     bool mHasEndedItself = false;
     std::vector<std::size_t> mVerified; // and not yet acknowledged
-    std::vector<std::string> mDigests;
+    std::vector<IngestedFile> mFiles;
     IngestOutcome mOutcome;
 };
 
 } // namespace
 
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-                        IngestManifest& ioManifest, const IngestWatcher& inWatcher)
+                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher)
 {
-    return Run(inPlan, inRoots, inSettings, ioManifest, inWatcher).Execute();
+    return Run(inPlan, inRoots, inSettings, ioManifest, ioRecord, inWatcher).Execute();
+}
+
+// First the source is looked at, so that not even our record is written into it; then the manifest, then what earlier
+// runs have left: its room counts as free. Only our own record is written before every check has passed.
+IngestOutcome Ingest(IngestRoots& ioRoots, const std::string& inManifestName, const IngestSettings& inSettings,
+                     const IngestWatcher& inWatcher, IngestPlan& outPlan)
+{
+    const bool wasThere = ioRoots.mHasDestination;
+    IngestListing listing = ListSource(ioRoots, inWatcher.mIsStopped);
+    if (wasThere && listing.mIdentities.count(ioRoots.mDestinationIdentity) != 0) {
+        throw Failure("ingest: the destination \"" + ioRoots.mShownDestination + "\" lies inside the source");
+    }
+    IngestRecord record(ioRoots, inManifestName);
+    IngestManifest manifest(ioRoots, inManifestName, record);
+    if (wasThere) {
+        record.Open();
+        manifest.Read();
+    }
+    record.RemoveLeftovers(listing.mIdentities);
+    outPlan = MakePlan(std::move(listing), {ioRoots, inManifestName, manifest, wasThere ? &record : nullptr,
+                                            inSettings.mReplaces, inWatcher.mIsStopped});
+    CheckRoom(outPlan, ioRoots);
+    if (!wasThere) {
+        MakeDestination(ioRoots);
+        record.Open();
+        manifest.Read();
+    }
+    manifest.Mend();
+    if (inWatcher.mOnPlanned) {
+        inWatcher.mOnPlanned(outPlan);
+    }
+    return RunIngest(outPlan, ioRoots, inSettings, manifest, record, inWatcher);
 }
 
 } // namespace orl

@@ -21,8 +21,10 @@ struct IngestSettings
 /// What the caller of a run is asked and told.
 struct IngestWatcher
 {
-    std::function<bool()> mIsStopped; // called on any thread, between two blocks
-    std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow; // on the caller's thread, ten times a second
+    std::function<bool()> mIsStopped;                       // called on any thread, between two blocks
+    std::function<void(const IngestPlan&)> mOnPlanned = {}; // on the caller's thread, when work begins; may be empty
+    std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)>
+        mShow;                                                       // on the caller's thread, ten times a second
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // called on any thread; may be empty
 };
 
@@ -31,7 +33,8 @@ struct IngestOutcome
     struct Row
     {
         const IngestItem* mItem;
-        std::string mDigest; // empty for one that was verified before
+        std::string mDigest;      // empty for one that was verified before
+        bool mWasPresent = false; // compared, not copied
     };
 
     std::vector<Row> mRows; // what is at the destination, verified, and in the manifest: in the plan's order
@@ -42,9 +45,14 @@ struct IngestOutcome
 };
 
 /// Makes the folders, brings the files, and acknowledges them in groups: a file's line is written when the file is on
-/// disk under its final name. When this returns, everything that was verified is acknowledged, unless a trouble says that
-/// the disk or the manifest cannot be kept.
+/// disk under its final name. When this returns, everything that was verified is acknowledged, unless a trouble says
+/// that the disk or the manifest cannot be kept.
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-                        IngestManifest& ioManifest, const IngestWatcher& inWatcher);
+                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher);
+
+/// A whole ingest: everything is looked at before anything changes, then RunIngest. Throws Failure where nothing was
+/// begun.
+IngestOutcome Ingest(IngestRoots& ioRoots, const std::string& inManifestName, const IngestSettings& inSettings,
+                     const IngestWatcher& inWatcher, IngestPlan& outPlan);
 
 } // namespace orl

@@ -43,7 +43,19 @@ constexpr std::size_t kMostRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 
-void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const NamedRate& inRate)
+const char* StateOf(const IngestOutcome::Row& inRow)
+{
+    return inRow.mDigest.empty() ? "verified before" : inRow.mWasPresent ? "present" : "verified";
+}
+
+std::string LengthOf(const IngestOutcome::Row& inRow, const IngestRoots& inRoots, const NamedRate& inRate)
+{
+    HeldFolder folder;
+    const bool isThere = ORL::ResultSucceeded(inRoots.OpenDestination(FolderOf(inRow.mItem->mName), folder));
+    return isThere ? TimecodeLength(folder.PathOf(LeafOf(inRow.mItem->mName)), inRate) : std::string();
+}
+
+void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const IngestRoots& inRoots, const NamedRate& inRate)
 {
     const std::size_t count = std::min(inRows.size(), kMostRows);
     std::size_t width = 4;
@@ -52,15 +64,15 @@ void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const NamedRate& 
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
                               const std::string& inState, const std::string& inDigest) {
-        std::cout << PaddedTo(width, inName) << std::right << std::setw(14) << inBytes
-                  << std::setw(13) << inLength << "  " << std::left << std::setw(17) << inState << inDigest << '\n';
+        std::cout << PaddedTo(width, inName) << std::right << std::setw(14) << inBytes << std::setw(13) << inLength
+                  << "  " << std::left << std::setw(17) << inState << inDigest << '\n';
     };
     line("file", "bytes", "length", "state", "SHA-256");
     for (std::size_t i = 0; i < count; ++i) {
         const IngestOutcome::Row& row = inRows[i];
         const bool isNew = !row.mDigest.empty();
-        line(EndOf(row.mItem->mName, kWidestName), std::to_string(row.mItem->mSize), TimecodeLength(row.mItem->mTarget, inRate),
-             isNew ? "verified" : "verified before", isNew ? row.mDigest.substr(0, kShownDigits) + "..." : "");
+        line(EndOf(row.mItem->mName, kWidestName), std::to_string(row.mItem->mSize), LengthOf(row, inRoots, inRate),
+             StateOf(row), isNew ? row.mDigest.substr(0, kShownDigits) + "..." : "");
     }
     if (inRows.size() > count) {
         std::cout << "... and " << inRows.size() - count << " more\n";
@@ -91,9 +103,10 @@ std::string RateNames()
 std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate)
 {
     const std::string extension = ToUTF8(ORL::PathUtils::GetExtensionPart(inPath));
-    const bool isWav = extension.size() == 4
-                       && std::equal(extension.begin(), extension.end(), ".wav",
-                                     [](char inLeft, char inRight) { return inLeft == inRight || (inLeft | 0x20) == inRight; });
+    const bool isWav =
+        extension.size() == 4 && std::equal(extension.begin(), extension.end(), ".wav", [](char inLeft, char inRight) {
+            return inLeft == inRight || (inLeft | 0x20) == inRight;
+        });
     const std::optional<WavLength> length = isWav ? ReadWavLength(inPath) : std::nullopt;
     if (!length) {
         return "";
@@ -102,23 +115,30 @@ std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate)
     return ToUTF8(ORL::Timecode(time, inRate.mRate, inRate.mDisplay).GetString());
 }
 
-void PrintSummary(const IngestOutcome& inOutcome, std::size_t inFiles, const NamedRate& inRate,
-                  const std::string& inManifest)
+void PrintSummary(const IngestOutcome& inOutcome, const IngestRoots& inRoots, std::size_t inFiles,
+                  const NamedRate& inRate, const std::string& inManifest)
 {
     if (!inOutcome.mRows.empty()) {
-        PrintTable(inOutcome.mRows, inRate);
+        PrintTable(inOutcome.mRows, inRoots, inRate);
     }
     std::uint64_t bytes = 0;
     std::size_t files = 0;
+    std::size_t present = 0;
+    std::size_t before = 0;
     for (const IngestOutcome::Row& row : inOutcome.mRows) {
-        bytes += row.mDigest.empty() ? 0 : row.mItem->mSize;
-        files += row.mDigest.empty() ? 0 : 1;
+        const bool isCopied = !row.mDigest.empty() && !row.mWasPresent;
+        bytes += isCopied ? row.mItem->mSize : 0;
+        files += isCopied ? 1 : 0;
+        present += row.mWasPresent ? 1 : 0;
+        before += row.mDigest.empty() ? 1 : 0;
     }
-    const std::size_t before = inOutcome.mRows.size() - files;
     std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << InWords(bytes) << " in "
               << Rounded(inOutcome.mSeconds) << " s";
     if (inOutcome.mSeconds > 0 && bytes != 0) {
         std::cout << " (" << Rounded(static_cast<double>(bytes) / 1e6 / inOutcome.mSeconds) << " MB/s)";
+    }
+    if (present != 0) {
+        std::cout << ", " << present << " present and compared";
     }
     if (before != 0) {
         std::cout << ", " << before << " verified before";

@@ -20,7 +20,7 @@ std::string RateNames();
 std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 
 /// The table, which leaves out the files behind the 24th, and the sums.
-void PrintSummary(const IngestOutcome& inOutcome, std::size_t inFiles, const NamedRate& inRate,
-                  const std::string& inManifest);
+void PrintSummary(const IngestOutcome& inOutcome, const IngestRoots& inRoots, std::size_t inFiles,
+                  const NamedRate& inRate, const std::string& inManifest);
 
 } // namespace orl

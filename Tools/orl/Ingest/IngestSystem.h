@@ -1,43 +1,114 @@
-// What an ingest needs of the system besides the library: listings that tell when they break off, times that are kept, and
-// contents that are on disk for sure. Each gives false where the system refuses.
+// What an ingest needs of the system besides the library: folders that are held and compared by identity, listings that
+// report where they break off, times that are kept, and contents that are on disk for sure.
 #pragma once
 
 #include <ORLFile.h>
+#include <ORLResult.h>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <tuple>
 #include <tvxcore/String.h>
 #include <vector>
 
 namespace orl {
 
-/// Tells one folder from all others that are there at the same time.
-struct FolderIdentity
+/// Tells one file or folder from all others that are there at the same time.
+struct EntryIdentity
 {
     std::uint64_t mVolume = 0;
-    std::uint64_t mFolder = 0;
+    std::uint64_t mEntry = 0;
 
-    bool operator==(const FolderIdentity& inOther) const
+    bool operator==(const EntryIdentity& inOther) const
     {
-        return mVolume == inOther.mVolume && mFolder == inOther.mFolder;
+        return mVolume == inOther.mVolume && mEntry == inOther.mEntry;
+    }
+    bool operator!=(const EntryIdentity& inOther) const { return !(*this == inOther); }
+    bool operator<(const EntryIdentity& inOther) const
+    {
+        return std::tie(mVolume, mEntry) < std::tie(inOther.mVolume, inOther.mEntry);
     }
 };
 
-/// A link stands for the folder that it leads to.
-bool IdentifyFolder(const UTF16String& inFolder, FolderIdentity& outIdentity);
+struct EntryStatus
+{
+    enum Kind { kFile, kFolder, kLink, kOther };
 
-/// The paths of all that a folder holds, as HostTextOf gives them, in no order. False also where the listing breaks off.
-bool ListFolder(const UTF16String& inFolder, std::vector<std::string>& outPaths);
+    Kind mKind = kOther;
+    EntryIdentity mIdentity;
+    std::uint64_t mSize = 0;
+    std::uint64_t mAllocated = 0; // bytes on the disk; fewer than the size where the file has holes
+    unsigned __int64 mTime = 0;   // of the last write, in the library's units
+};
+
+enum class Links { kFollow, kStay };
+
+/// A folder that stays this one, whatever happens to the names that led to it, and however long they are. Names are
+/// those of one entry, as bytes of the host (UTF-8 on Windows). Usable from several threads at once.
+///
+/// Each operation returns kSuccess, or what the system's error stands for.
+class HeldFolder
+{
+public:
+    HeldFolder();
+    ~HeldFolder();
+    HeldFolder(HeldFolder&& ioOther) noexcept;
+    HeldFolder& operator=(HeldFolder&& ioOther) noexcept;
+
+    static ORL::Result Open(const UTF16String& inPath, HeldFolder& outFolder);
+    ORL::Result OpenFolder(const std::string& inName, Links inLinks, HeldFolder& outFolder) const;
+
+    bool IsOpen() const { return mState != nullptr; }
+    const EntryIdentity& Identity() const;
+
+    /// Library paths that lead here, and to an entry, for as long as this object lives.
+    UTF16String Path() const;
+    UTF16String PathOf(const std::string& inName) const;
+
+    /// The names of all entries, in no order. Fails also where the listing breaks off.
+    ORL::Result List(std::vector<std::string>& outNames) const;
+
+    ORL::Result Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
+    ORL::Result MakeFolder(const std::string& inName) const;
+
+    /// Renames within this folder. kAlreadyExists where something has the new name: that stays, by the system's own
+    /// doing.
+    ORL::Result MoveToFreeName(const std::string& inFrom, const std::string& inTo) const;
+
+    /// Removes a file or a link itself, or an empty folder.
+    ORL::Result Remove(const std::string& inName) const;
+    ORL::Result RemoveFolder(const std::string& inName) const;
+
+    /// Waits until the names in this folder are on disk, as far as the file system can be asked to.
+    ORL::Result Sync() const;
+
+    /// Waits until the contents of a file are on disk that was settled when it was written.
+    ORL::Result SyncFile(const std::string& inName) const;
+
+    /// Waits until everything on this folder's volume is on disk.
+    ORL::Result SyncVolume() const;
+
+private:
+    struct State;
+
+    std::unique_ptr<State> mState;
+};
+
+/// Whether SyncVolume works for an ordinary user here.
+bool CanSyncVolumes();
+
+bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity);
 
 /// Sets the last-write time of a file that is open to write, in the library's units.
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime);
 
+/// Lets parts of a new file that are skipped stay holes.
+void LetHaveHoles(ORL::File& ioFile);
+
 /// Waits until a file's contents are on disk.
 bool FlushFile(ORL::File& ioFile);
 
-/// For a file that belongs to a group: does at once what FlushGroup cannot do for all of them.
+/// For a file that belongs to a group: does at once what SyncFile does not do.
 bool SettleFile(ORL::File& ioFile);
-
-/// Waits until settled files are on disk with their names and the folders that lead to them from inFolder on.
-bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inFiles);
 
 } // namespace orl

@@ -1,6 +1,6 @@
 #include "IngestTimes.h"
 
-#include "IngestSystem.h"
+#include "Failure.h"
 
 #include <ORLFile.h>
 
@@ -8,40 +8,35 @@ namespace orl {
 
 namespace {
 
-using ORL::File;
-
-bool GetTime(const UTF16String& inPath, unsigned __int64& outTime)
-{
-    return ORL::ResultSucceeded(File::GetLastModificationTime(inPath, outTime));
-}
-
 // Closed before it is asked, since an open file may still have a finer time.
 bool SetTimeOfNewFile(const UTF16String& inPath, unsigned __int64 inTime)
 {
-    File file;
-    return ORL::ResultSucceeded(file.Create(inPath, ORL::FileAccessFlags::kFileAccess_Write,
-                                            static_cast<ORL::FileShareModeFlags::Type>(0),
-                                            ORL::FileCreateDispositionFlags::kFileCreate_Always,
-                                            ORL::FileAttributesFlags::kFileAttribute_Normal, true))
+    ORL::File file;
+    return ORL::ResultSucceeded(file.Create(
+               inPath, ORL::FileAccessFlags::kFileAccess_Write, static_cast<ORL::FileShareModeFlags::Type>(0),
+               ORL::FileCreateDispositionFlags::kFileCreate_New, ORL::FileAttributesFlags::kFileAttribute_Normal, true))
            && SetLastWriteTime(file, inTime);
 }
 
 } // namespace
 
-bool HasTimeOf(const UTF16String& inSource, const UTF16String& inTarget, const UTF16String& inTemporary)
+unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
+                                IngestRecord& ioRecord)
 {
-    unsigned __int64 source = 0;
-    unsigned __int64 target = 0;
-    if (!GetTime(inSource, source) || !GetTime(inTarget, target)) {
-        return false;
+    std::string leaf;
+    try {
+        leaf = ioRecord.NewTemporary(inFolder);
+    } catch (const Failure&) {
+        return 0;
     }
-    if (source == target) {
-        return true;
+    EntryStatus status;
+    const bool isKnown =
+        SetTimeOfNewFile(inHeld.PathOf(leaf), inTime) && ORL::ResultSucceeded(inHeld.Look(leaf, Links::kStay, status));
+    const ORL::Result result = inHeld.Remove(leaf);
+    if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound) {
+        ioRecord.Forget(inFolder, leaf);
     }
-    unsigned __int64 kept = 0;
-    const bool isKnown = SetTimeOfNewFile(inTemporary, source) && GetTime(inTemporary, kept);
-    File::Delete(inTemporary);
-    return isKnown && kept == target;
+    return isKnown ? status.mTime : 0;
 }
 
 } // namespace orl

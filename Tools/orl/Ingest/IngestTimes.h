@@ -1,12 +1,16 @@
-// Whether a copy has its source's last-write time, on a file system that may keep less of it.
+// Last-write times on a file system that may keep less of them than the source has.
 #pragma once
 
-#include <tvxcore/String.h>
+#include "IngestRecord.h"
+#include "IngestSystem.h"
+
+#include <string>
 
 namespace orl {
 
-/// Compares what the target has with what its file system makes of the source's time, which is found out by a file that is
-/// made for it under inTemporary, in the folder of the target, and deleted. True where the times are equal at once.
-bool HasTimeOf(const UTF16String& inSource, const UTF16String& inTarget, const UTF16String& inTemporary);
+/// What the file system of a folder makes of a last-write time, found out by a file that is made for it there, and
+/// deleted. inFolder is the held folder's name below the destination. 0 where it cannot be found out.
+unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
+                                IngestRecord& ioRecord);
 
 } // namespace orl

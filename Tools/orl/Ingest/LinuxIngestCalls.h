@@ -4,13 +4,19 @@
 
 #include <ctime>
 #include <dirent.h>
+#include <sys/stat.h>
 
 namespace orl {
 
 struct IngestCalls
 {
-    int (*mOpen)(const char* inPath, int inFlags); // -1 and errno, as all here
-    dirent* (*mReadDir)(DIR* inFolder);            // null at the end, and null and errno
+    int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // -1 and errno, as all here
+    dirent* (*mReadDir)(DIR* inFolder);                            // null at the end, and null and errno
+    int (*mFStatAt)(int inFolder, const char* inName, struct stat* outStatus, int inFlags);
+    int (*mMakeDirAt)(int inFolder, const char* inName);
+    int (*mRenameAt)(int inFolder, const char* inFrom, const char* inTo, unsigned inFlags);
+    int (*mLinkAt)(int inFolder, const char* inFrom, const char* inTo);
+    int (*mUnlinkAt)(int inFolder, const char* inName, int inFlags);
     int (*mFUTimens)(int inFile, const struct timespec* inTimes);
     int (*mFDataSync)(int inFile);
     int (*mFSync)(int inFile);

@@ -3,21 +3,28 @@
 
 #include <ORLHostPath.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <set>
+#include <stdio.h>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orl {
 
 IngestCalls sIngestCalls = {
-    [](const char* inPath, int inFlags) { return ::open(inPath, inFlags); },
+    [](int inFolder, const char* inName, int inFlags) { return ::openat(inFolder, inName, inFlags); },
     [](DIR* inFolder) { return ::readdir(inFolder); },
+    [](int inFolder, const char* inName, struct stat* outStatus, int inFlags) {
+        return ::fstatat(inFolder, inName, outStatus, inFlags);
+    },
+    [](int inFolder, const char* inName) { return ::mkdirat(inFolder, inName, 0777); },
+    [](int inFolder, const char* inFrom, const char* inTo, unsigned inFlags) {
+        return ::renameat2(inFolder, inFrom, inFolder, inTo, inFlags);
+    },
+    [](int inFolder, const char* inFrom, const char* inTo) { return ::linkat(inFolder, inFrom, inFolder, inTo, 0); },
+    [](int inFolder, const char* inName, int inFlags) { return ::unlinkat(inFolder, inName, inFlags); },
     [](int inFile, const struct timespec* inTimes) { return ::futimens(inFile, inTimes); },
     [](int inFile) { return ::fdatasync(inFile); },
     [](int inFile) { return ::fsync(inFile); },
@@ -26,9 +33,45 @@ IngestCalls sIngestCalls = {
 
 namespace {
 
+constexpr long long kSecondsTo1970 = 11644473600;
+constexpr long long kUnitsPerSecond = 10000000;
+
 int DescriptorOf(ORL::File& ioFile)
 {
     return *static_cast<const int*>(ioFile.GetPlatformFileHandle());
+}
+
+ORL::Result ResultOf(int inErrno)
+{
+    switch (inErrno) {
+    case 0:
+        return ORL::kSuccess;
+    case ENOENT:
+        return ORL::kFileNotFound;
+    case ENOTDIR:
+    case ELOOP:
+        return ORL::kPathNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return ORL::kAccessDenied;
+    case ENOSPC:
+    case EDQUOT:
+        return ORL::kDiskFull;
+    case EEXIST:
+    case ENOTEMPTY:
+        return ORL::kAlreadyExists;
+    case EBUSY:
+    case ETXTBSY:
+        return ORL::kSharingViolation;
+    default:
+        return ORL::kGeneralFailure;
+    }
+}
+
+ORL::Result Done(int inAnswer)
+{
+    return ResultOf(inAnswer < 0 ? errno : 0);
 }
 
 bool IsItselfOrAbove(const char* inName)
@@ -37,64 +80,219 @@ bool IsItselfOrAbove(const char* inName)
 }
 
 // An end and a failure look alike but for errno.
-bool ReadEntries(DIR* inFolder, const std::string& inStem, std::vector<std::string>& outPaths)
+ORL::Result ReadNames(DIR* inFolder, std::vector<std::string>& outNames)
 {
     for (;;) {
         errno = 0;
         const dirent* const entry = sIngestCalls.mReadDir(inFolder);
         if (entry == nullptr) {
-            return errno == 0;
+            return ResultOf(errno);
         }
         if (!IsItselfOrAbove(entry->d_name)) {
-            outPaths.push_back(inStem + entry->d_name);
+            outNames.emplace_back(entry->d_name);
         }
     }
 }
 
+EntryStatus StatusOf(const struct stat& inStatus)
+{
+    EntryStatus status;
+    status.mKind = S_ISREG(inStatus.st_mode)   ? EntryStatus::kFile
+                   : S_ISDIR(inStatus.st_mode) ? EntryStatus::kFolder
+                   : S_ISLNK(inStatus.st_mode) ? EntryStatus::kLink
+                                               : EntryStatus::kOther;
+    status.mIdentity = {inStatus.st_dev, inStatus.st_ino};
+    status.mSize = static_cast<std::uint64_t>(inStatus.st_size);
+    status.mAllocated = static_cast<std::uint64_t>(inStatus.st_blocks) * 512;
+    status.mTime = static_cast<unsigned __int64>((inStatus.st_mtim.tv_sec + kSecondsTo1970) * kUnitsPerSecond
+                                                 + inStatus.st_mtim.tv_nsec / 100);
+    return status;
+}
+
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+
 } // namespace
 
-bool IdentifyFolder(const UTF16String& inFolder, FolderIdentity& outIdentity)
+struct HeldFolder::State
+{
+    explicit State(int inFile) : mFile(inFile) {}
+    ~State() { ::close(mFile); }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    static ORL::Result Take(int inFile, std::unique_ptr<State>& outState)
+    {
+        if (inFile < 0) {
+            return ResultOf(errno);
+        }
+        struct stat status;
+        auto state = std::make_unique<State>(inFile);
+        if (sIngestCalls.mFStatAt(inFile, "", &status, AT_EMPTY_PATH) != 0) {
+            return ResultOf(errno);
+        }
+        state->mIdentity = {status.st_dev, status.st_ino};
+        outState = std::move(state);
+        return ORL::kSuccess;
+    }
+
+    const int mFile;
+    EntryIdentity mIdentity;
+};
+
+HeldFolder::HeldFolder() = default;
+HeldFolder::~HeldFolder() = default;
+HeldFolder::HeldFolder(HeldFolder&& ioOther) noexcept = default;
+HeldFolder& HeldFolder::operator=(HeldFolder&& ioOther) noexcept = default;
+
+ORL::Result HeldFolder::Open(const UTF16String& inPath, HeldFolder& outFolder)
 {
     std::string path;
+    const ORL::Result result = ORL::PathUtils::ToHostPath(inPath, path);
+    return ORL::ResultSucceeded(result)
+               ? State::Take(sIngestCalls.mOpenAt(AT_FDCWD, path.c_str(), kFolderFlags), outFolder.mState)
+               : result;
+}
+
+ORL::Result HeldFolder::OpenFolder(const std::string& inName, Links inLinks, HeldFolder& outFolder) const
+{
+    const int flags = kFolderFlags | (inLinks == Links::kStay ? O_NOFOLLOW : 0);
+    return State::Take(sIngestCalls.mOpenAt(mState->mFile, inName.c_str(), flags), outFolder.mState);
+}
+
+const EntryIdentity& HeldFolder::Identity() const
+{
+    return mState->mIdentity;
+}
+
+// A link of the system's that leads to the folder itself, not to a name.
+UTF16String HeldFolder::Path() const
+{
+    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->mFile));
+}
+
+UTF16String HeldFolder::PathOf(const std::string& inName) const
+{
+    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->mFile) + "/" + inName);
+}
+
+ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
+{
+    outNames.clear();
+    const int file = sIngestCalls.mOpenAt(mState->mFile, ".", kFolderFlags);
+    DIR* const folder = file >= 0 ? ::fdopendir(file) : nullptr;
+    if (folder == nullptr) {
+        const ORL::Result result = ResultOf(errno);
+        if (file >= 0) {
+            ::close(file);
+        }
+        return result;
+    }
+    const ORL::Result result = ReadNames(folder, outNames);
+    ::closedir(folder);
+    return result;
+}
+
+ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
+{
     struct stat status;
-    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, path)) || ::stat(path.c_str(), &status) != 0
-        || !S_ISDIR(status.st_mode)) {
+    const int flags = inLinks == Links::kStay ? AT_SYMLINK_NOFOLLOW : 0;
+    if (sIngestCalls.mFStatAt(mState->mFile, inName.c_str(), &status, flags) != 0) {
+        return ResultOf(errno);
+    }
+    outStatus = StatusOf(status);
+    return ORL::kSuccess;
+}
+
+ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
+{
+    return Done(sIngestCalls.mMakeDirAt(mState->mFile, inName.c_str()));
+}
+
+// Each of the three refuses a name that is taken. The last is for file systems that know neither of the others, and
+// looks first, since it has nothing better.
+ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
+{
+    const char* const from = inFrom.c_str();
+    const char* const to = inTo.c_str();
+    if (sIngestCalls.mRenameAt(mState->mFile, from, to, RENAME_NOREPLACE) == 0) {
+        return ORL::kSuccess;
+    }
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
+        return ResultOf(errno);
+    }
+    if (sIngestCalls.mLinkAt(mState->mFile, from, to) == 0) {
+        return Done(sIngestCalls.mUnlinkAt(mState->mFile, from, 0));
+    }
+    if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP) {
+        return ResultOf(errno);
+    }
+    struct stat status;
+    if (sIngestCalls.mFStatAt(mState->mFile, to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return ORL::kAlreadyExists;
+    }
+    return errno == ENOENT ? Done(sIngestCalls.mRenameAt(mState->mFile, from, to, 0)) : ResultOf(errno);
+}
+
+ORL::Result HeldFolder::Remove(const std::string& inName) const
+{
+    return Done(sIngestCalls.mUnlinkAt(mState->mFile, inName.c_str(), 0));
+}
+
+ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
+{
+    return Done(sIngestCalls.mUnlinkAt(mState->mFile, inName.c_str(), AT_REMOVEDIR));
+}
+
+ORL::Result HeldFolder::Sync() const
+{
+    return Done(sIngestCalls.mFSync(mState->mFile));
+}
+
+ORL::Result HeldFolder::SyncFile(const std::string& inName) const
+{
+    const int file = sIngestCalls.mOpenAt(mState->mFile, inName.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (file < 0) {
+        return ResultOf(errno);
+    }
+    const ORL::Result result = Done(sIngestCalls.mFSync(file));
+    ::close(file);
+    return result;
+}
+
+ORL::Result HeldFolder::SyncVolume() const
+{
+    return Done(sIngestCalls.mSyncFs(mState->mFile));
+}
+
+bool CanSyncVolumes()
+{
+    return true;
+}
+
+bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity)
+{
+    struct stat status;
+    if (sIngestCalls.mFStatAt(DescriptorOf(inFile), "", &status, AT_EMPTY_PATH) != 0) {
         return false;
     }
     outIdentity = {status.st_dev, status.st_ino};
     return true;
 }
 
-bool ListFolder(const UTF16String& inFolder, std::vector<std::string>& outPaths)
-{
-    outPaths.clear();
-    std::string path;
-    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, path))) {
-        return false;
-    }
-    const int file = sIngestCalls.mOpen(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* const folder = file >= 0 ? ::fdopendir(file) : nullptr;
-    if (folder == nullptr) {
-        if (file >= 0) {
-            ::close(file);
-        }
-        return false;
-    }
-    const bool isWhole = ReadEntries(folder, path + (path.back() == '/' ? "" : "/"), outPaths);
-    ::closedir(folder);
-    return isWhole;
-}
-
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 {
-    constexpr long long kSecondsTo1970 = 11644473600;
-    const struct timespec time
+    struct timespec time
     {
-        static_cast<std::time_t>(static_cast<long long>(inTime / 10000000) - kSecondsTo1970),
-            static_cast<long>(inTime % 10000000 * 100)
     };
+    time.tv_sec = static_cast<std::time_t>(static_cast<long long>(inTime / kUnitsPerSecond) - kSecondsTo1970);
+    time.tv_nsec = static_cast<long>(inTime % kUnitsPerSecond * 100);
     const struct timespec times[] = {time, time};
     return sIngestCalls.mFUTimens(DescriptorOf(ioFile), times) == 0;
+}
+
+// Here each file may.
+void LetHaveHoles(ORL::File&)
+{
 }
 
 bool FlushFile(ORL::File& ioFile)
@@ -105,53 +303,6 @@ bool FlushFile(ORL::File& ioFile)
 bool SettleFile(ORL::File&)
 {
     return true;
-}
-
-namespace {
-
-// From so many files on, one call for the whole volume costs less, although it waits for what others write too.
-constexpr std::size_t kManyFiles = 64;
-
-using Flush = int (*)(int);
-
-bool FlushPath(const std::string& inPath, Flush inFlush)
-{
-    const int file = sIngestCalls.mOpen(inPath.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool isDone = file >= 0 && inFlush(file) == 0;
-    if (file >= 0) {
-        ::close(file);
-    }
-    return isDone;
-}
-
-std::string FolderOf(const std::string& inPath)
-{
-    return inPath.substr(0, inPath.find_last_of('/'));
-}
-
-} // namespace
-
-bool FlushGroup(const UTF16String& inFolder, const std::vector<UTF16String>& inFiles)
-{
-    std::string top;
-    if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(inFolder, top))) {
-        return false;
-    }
-    if (inFiles.size() >= kManyFiles) {
-        return FlushPath(top, sIngestCalls.mSyncFs);
-    }
-    std::set<std::string> folders{top};
-    for (const UTF16String& file : inFiles) {
-        std::string path;
-        if (!ORL::ResultSucceeded(ORL::PathUtils::ToHostPath(file, path)) || !FlushPath(path, sIngestCalls.mFSync)) {
-            return false;
-        }
-        for (path = FolderOf(path); path.size() > top.size(); path = FolderOf(path)) {
-            folders.insert(path);
-        }
-    }
-    return std::all_of(folders.begin(), folders.end(),
-                       [](const std::string& inPath) { return FlushPath(inPath, sIngestCalls.mFSync); });
 }
 
 } // namespace orl

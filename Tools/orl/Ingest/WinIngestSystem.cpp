@@ -6,13 +6,22 @@
 #include <cwchar>
 #include <windows.h>
 
+#include <winioctl.h>
+
 namespace orl {
 
 namespace {
 
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
 std::wstring Wide(const UTF16String& inText)
 {
     return std::wstring(inText.begin(), inText.end());
+}
+
+UTF16String Units(const std::wstring& inText)
+{
+    return UTF16String(inText.begin(), inText.end());
 }
 
 bool IsItselfOrAbove(const wchar_t* inName)
@@ -20,45 +29,241 @@ bool IsItselfOrAbove(const wchar_t* inName)
     return std::wcscmp(inName, L".") == 0 || std::wcscmp(inName, L"..") == 0;
 }
 
-} // namespace
-
-bool IdentifyFolder(const UTF16String& inFolder, FolderIdentity& outIdentity)
+ORL::Result ResultOf(DWORD inError)
 {
-    const HANDLE folder =
-        ::CreateFileW(Wide(inFolder).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (folder == INVALID_HANDLE_VALUE) {
-        return false;
+    switch (inError) {
+    case ERROR_SUCCESS:
+        return ORL::kSuccess;
+    case ERROR_FILE_NOT_FOUND:
+        return ORL::kFileNotFound;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DIRECTORY:
+        return ORL::kPathNotFound;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        return ORL::kAccessDenied;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+        return ORL::kDiskFull;
+    case ERROR_ALREADY_EXISTS:
+    case ERROR_FILE_EXISTS:
+    case ERROR_DIR_NOT_EMPTY:
+        return ORL::kAlreadyExists;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+        return ORL::kSharingViolation;
+    default:
+        return ORL::kGeneralFailure;
     }
-    BY_HANDLE_FILE_INFORMATION status;
-    const bool isKnown = ::GetFileInformationByHandle(folder, &status) != FALSE
-                         && (status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    ::CloseHandle(folder);
-    if (isKnown) {
-        outIdentity = {status.dwVolumeSerialNumber,
-                       std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
-    }
-    return isKnown;
 }
 
-bool ListFolder(const UTF16String& inFolder, std::vector<std::string>& outPaths)
+ORL::Result Done(BOOL inAnswer)
 {
-    outPaths.clear();
-    const UTF16String stem = ORL::PathUtils::AddTrailingSlash(inFolder);
+    return ResultOf(inAnswer != FALSE ? static_cast<DWORD>(ERROR_SUCCESS) : ::GetLastError());
+}
+
+class Handle
+{
+public:
+    Handle(const std::wstring& inPath, DWORD inAccess, DWORD inFlags)
+        : mHandle(::CreateFileW(inPath.c_str(), inAccess, kShareAll, nullptr, OPEN_EXISTING, inFlags, nullptr))
+    {
+    }
+    ~Handle()
+    {
+        if (IsOpen()) {
+            ::CloseHandle(mHandle);
+        }
+    }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    bool IsOpen() const { return mHandle != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return mHandle; }
+
+private:
+    const HANDLE mHandle;
+};
+
+EntryIdentity IdentityOf(const BY_HANDLE_FILE_INFORMATION& inStatus)
+{
+    return {inStatus.dwVolumeSerialNumber, std::uint64_t{inStatus.nFileIndexHigh} << 32 | inStatus.nFileIndexLow};
+}
+
+// A file without holes takes what it is long.
+std::uint64_t AllocatedOf(const std::wstring& inPath, DWORD inAttributes, std::uint64_t inSize)
+{
+    if ((inAttributes & FILE_ATTRIBUTE_SPARSE_FILE) == 0) {
+        return inSize;
+    }
+    DWORD high = 0;
+    const DWORD low = ::GetCompressedFileSizeW(inPath.c_str(), &high);
+    return low == INVALID_FILE_SIZE && ::GetLastError() != ERROR_SUCCESS ? inSize : std::uint64_t{high} << 32 | low;
+}
+
+ORL::Result LookAt(const std::wstring& inPath, Links inLinks, EntryStatus& outStatus)
+{
+    const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (inLinks == Links::kStay ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
+    const Handle entry(inPath, 0, flags);
+    BY_HANDLE_FILE_INFORMATION status;
+    if (!entry.IsOpen() || ::GetFileInformationByHandle(entry.Get(), &status) == FALSE) {
+        return ResultOf(::GetLastError());
+    }
+    const DWORD attributes = status.dwFileAttributes;
+    const bool isLink = inLinks == Links::kStay && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    outStatus.mKind = isLink                                         ? EntryStatus::kLink
+                      : (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? EntryStatus::kFolder
+                      : ::GetFileType(entry.Get()) == FILE_TYPE_DISK ? EntryStatus::kFile
+                                                                     : EntryStatus::kOther;
+    outStatus.mIdentity = IdentityOf(status);
+    outStatus.mSize = std::uint64_t{status.nFileSizeHigh} << 32 | status.nFileSizeLow;
+    outStatus.mAllocated = AllocatedOf(inPath, attributes, outStatus.mSize);
+    outStatus.mTime = std::uint64_t{status.ftLastWriteTime.dwHighDateTime} << 32 | status.ftLastWriteTime.dwLowDateTime;
+    return ORL::kSuccess;
+}
+
+} // namespace
+
+// The extended form of a path has room for 32767 units. Whoever exchanges a folder on the way is found out by its
+// identity.
+struct HeldFolder::State
+{
+    std::wstring mPath; // without a separator at its end, but for the root of a volume
+    EntryIdentity mIdentity;
+
+    std::wstring PathOf(const std::wstring& inName) const
+    {
+        return mPath + (mPath.back() == L'\\' ? L"" : L"\\") + inName;
+    }
+
+    std::wstring PathOf(const std::string& inName) const { return PathOf(Wide(ToUTF16(inName))); }
+
+    static ORL::Result Take(std::wstring inPath, Links inLinks, std::unique_ptr<State>& outState)
+    {
+        EntryStatus status;
+        const ORL::Result result = LookAt(inPath, inLinks, status);
+        if (!ORL::ResultSucceeded(result)) {
+            return result;
+        }
+        if (status.mKind != EntryStatus::kFolder) {
+            return ORL::kPathNotFound;
+        }
+        outState = std::make_unique<State>();
+        outState->mPath = std::move(inPath);
+        outState->mIdentity = status.mIdentity;
+        return ORL::kSuccess;
+    }
+};
+
+HeldFolder::HeldFolder() = default;
+HeldFolder::~HeldFolder() = default;
+HeldFolder::HeldFolder(HeldFolder&& ioOther) noexcept = default;
+HeldFolder& HeldFolder::operator=(HeldFolder&& ioOther) noexcept = default;
+
+ORL::Result HeldFolder::Open(const UTF16String& inPath, HeldFolder& outFolder)
+{
+    return State::Take(Wide(ORL::PathUtils::ToNormalizedPath(inPath)), Links::kFollow, outFolder.mState);
+}
+
+ORL::Result HeldFolder::OpenFolder(const std::string& inName, Links inLinks, HeldFolder& outFolder) const
+{
+    return State::Take(mState->PathOf(inName), inLinks, outFolder.mState);
+}
+
+const EntryIdentity& HeldFolder::Identity() const
+{
+    return mState->mIdentity;
+}
+
+UTF16String HeldFolder::Path() const
+{
+    return Units(mState->mPath);
+}
+
+UTF16String HeldFolder::PathOf(const std::string& inName) const
+{
+    return Units(mState->PathOf(inName));
+}
+
+ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
+{
+    outNames.clear();
     WIN32_FIND_DATAW entry;
-    const HANDLE listing = ::FindFirstFileW((Wide(stem) + L"*").c_str(), &entry);
+    const HANDLE listing = ::FindFirstFileW(mState->PathOf(L"*").c_str(), &entry);
     if (listing == INVALID_HANDLE_VALUE) {
-        return ::GetLastError() == ERROR_FILE_NOT_FOUND; // the root of a volume that holds nothing
+        const DWORD error = ::GetLastError();
+        return error == ERROR_FILE_NOT_FOUND ? ORL::kSuccess
+                                             : ResultOf(error); // the root of a volume that holds nothing
     }
     do {
         if (!IsItselfOrAbove(entry.cFileName)) {
-            const std::wstring name(entry.cFileName);
-            outPaths.push_back(HostTextOf(stem + UTF16String(name.begin(), name.end())));
+            outNames.push_back(ToUTF8(Units(entry.cFileName)));
         }
     } while (::FindNextFileW(listing, &entry) != FALSE);
-    const bool isWhole = ::GetLastError() == ERROR_NO_MORE_FILES;
+    const DWORD error = ::GetLastError();
     ::FindClose(listing);
-    return isWhole;
+    return error == ERROR_NO_MORE_FILES ? ORL::kSuccess : ResultOf(error);
+}
+
+ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
+{
+    return LookAt(mState->PathOf(inName), inLinks, outStatus);
+}
+
+ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
+{
+    return Done(::CreateDirectoryW(mState->PathOf(inName).c_str(), nullptr));
+}
+
+ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
+{
+    return Done(::MoveFileExW(mState->PathOf(inFrom).c_str(), mState->PathOf(inTo).c_str(), MOVEFILE_WRITE_THROUGH));
+}
+
+ORL::Result HeldFolder::Remove(const std::string& inName) const
+{
+    return Done(::DeleteFileW(mState->PathOf(inName).c_str()));
+}
+
+ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
+{
+    return Done(::RemoveDirectoryW(mState->PathOf(inName).c_str()));
+}
+
+// The file systems that refuse it keep the order of names in a journal, or write them through when they are made.
+ORL::Result HeldFolder::Sync() const
+{
+    const Handle folder(mState->mPath, GENERIC_WRITE, FILE_FLAG_BACKUP_SEMANTICS);
+    if (folder.IsOpen()) {
+        ::FlushFileBuffers(folder.Get());
+    }
+    return ORL::kSuccess;
+}
+
+ORL::Result HeldFolder::SyncFile(const std::string&) const
+{
+    return ORL::kSuccess;
+}
+
+ORL::Result HeldFolder::SyncVolume() const
+{
+    return ORL::kSuccess;
+}
+
+// It takes an administrator.
+bool CanSyncVolumes()
+{
+    return false;
+}
+
+bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity)
+{
+    BY_HANDLE_FILE_INFORMATION status;
+    if (::GetFileInformationByHandle(inFile.GetPlatformFileHandle(), &status) == FALSE) {
+        return false;
+    }
+    outIdentity = IdentityOf(status);
+    return true;
 }
 
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
@@ -69,21 +274,21 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
     return ::SetFileTime(ioFile.GetPlatformFileHandle(), nullptr, nullptr, &time) != FALSE;
 }
 
+// Where the file system cannot, the holes are written as zeros.
+void LetHaveHoles(ORL::File& ioFile)
+{
+    DWORD count = 0;
+    ::DeviceIoControl(ioFile.GetPlatformFileHandle(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &count, nullptr);
+}
+
 bool FlushFile(ORL::File& ioFile)
 {
     return ::FlushFileBuffers(ioFile.GetPlatformFileHandle()) != FALSE;
 }
 
-// To flush a volume takes an administrator, so each file is flushed when it is written. The file system's journal keeps the order
-// of names.
 bool SettleFile(ORL::File& ioFile)
 {
     return FlushFile(ioFile);
-}
-
-bool FlushGroup(const UTF16String&, const std::vector<UTF16String>&)
-{
-    return true;
 }
 
 } // namespace orl

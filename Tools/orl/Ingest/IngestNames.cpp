@@ -1,0 +1,136 @@
+#include "IngestNames.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include <ORLDirectory.h>
+#include <ORLFile.h>
+#include <ORLPathUtils.h>
+#include <tvxcore/Text.h>
+
+#include <algorithm>
+#include <map>
+
+namespace orl {
+
+namespace {
+
+/// A folder on the volume that is asked, for the time of the question.
+class Asked
+{
+public:
+    // Below what is there of the destination; before that is made, beside it.
+    Asked(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
+        : mRecord(ioRecord), mFolder(std::move(inFolder))
+    {
+        if (mRecord == nullptr) {
+            OpenAbove(inRoots.mDestination);
+            mLeaf = RandomTemporaryName();
+        } else {
+            while (!mFolder.empty() && !ORL::ResultSucceeded(inRoots.OpenDestination(mFolder, mAbove))) {
+                mFolder = FolderOf(mFolder);
+            }
+            if (mFolder.empty()) {
+                inRoots.OpenDestination("", mAbove);
+            }
+            mLeaf = mRecord->NewTemporary(mFolder);
+        }
+        mIsMade = mAbove.IsOpen() && ORL::ResultSucceeded(mAbove.MakeFolder(mLeaf))
+                  && ORL::ResultSucceeded(mAbove.OpenFolder(mLeaf, Links::kStay, mHeld));
+    }
+
+    ~Asked()
+    {
+        mHeld = HeldFolder();
+        const bool isGone = !mIsMade || ORL::ResultSucceeded(mAbove.RemoveFolder(mLeaf));
+        if (mRecord != nullptr && isGone) {
+            mRecord->Forget(mFolder, mLeaf);
+        }
+    }
+
+    Asked(const Asked&) = delete;
+    Asked& operator=(const Asked&) = delete;
+
+    // Where nothing can be asked the names are taken for one: nothing is overwritten then.
+    bool AreOne(const std::string& inLeft, const std::string& inRight) const
+    {
+        if (inLeft == inRight) {
+            return true;
+        }
+        const bool isMade = mIsMade && ORL::ResultSucceeded(mHeld.MakeFolder(inLeft));
+        const bool isOther = isMade && ORL::ResultSucceeded(mHeld.MakeFolder(inRight));
+        if (isOther) {
+            mHeld.RemoveFolder(inRight);
+        }
+        if (isMade) {
+            mHeld.RemoveFolder(inLeft);
+        }
+        return !isOther;
+    }
+
+private:
+    void OpenAbove(UTF16String inPath)
+    {
+        while (!ORL::ResultSucceeded(HeldFolder::Open(inPath, mAbove))) {
+            const UTF16String above = ORL::PathUtils::GetFullDirectoryPart(ORL::PathUtils::RemoveTrailingSlash(inPath));
+            if (above.empty() || above == inPath) {
+                return;
+            }
+            inPath = above;
+        }
+    }
+
+    IngestRecord* const mRecord;
+    std::string mFolder;
+    std::string mLeaf;
+    HeldFolder mAbove;
+    HeldFolder mHeld;
+    bool mIsMade = false;
+};
+
+// Part by part: a path is another one as soon as one of its names is.
+bool AreOnePath(const Asked& inAsked, const std::string& inLeft, const std::string& inRight)
+{
+    std::size_t left = 0;
+    std::size_t right = 0;
+    while (left < inLeft.size() && right < inRight.size()) {
+        const std::size_t leftEnd = std::min(inLeft.find('/', left), inLeft.size());
+        const std::size_t rightEnd = std::min(inRight.find('/', right), inRight.size());
+        if (!inAsked.AreOne(inLeft.substr(left, leftEnd - left), inRight.substr(right, rightEnd - right))) {
+            return false;
+        }
+        left = leftEnd + 1;
+        right = rightEnd + 1;
+    }
+    return true;
+}
+
+} // namespace
+
+std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, const IngestRoots& inRoots,
+                                     IngestRecord* ioRecord)
+{
+    std::map<UTF16String, std::vector<const std::string*>> alike;
+    for (const ListedFile& file : inFiles) {
+        alike[tvxcore::utility::FoldCase(ToUTF16(file.mName))].push_back(&file.mName);
+    }
+    std::set<std::string> taken;
+    for (const auto& [folded, names] : alike) {
+        if (names.size() == 1) {
+            continue;
+        }
+        const Asked asked(inRoots, ioRecord, FolderOf(*names.front()));
+        std::vector<const std::string*> kept;
+        for (const std::string* const name : names) {
+            const auto isOne = [&](const std::string* inKept) { return AreOnePath(asked, *inKept, *name); };
+            if (std::any_of(kept.begin(), kept.end(), isOne)) {
+                taken.insert(*name);
+            } else {
+                kept.push_back(name);
+            }
+        }
+    }
+    return taken;
+}
+
+} // namespace orl

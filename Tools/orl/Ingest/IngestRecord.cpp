@@ -1,0 +1,291 @@
+#include "IngestRecord.h"
+
+#include "Failure.h"
+#include "IngestManifest.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+#include <thread>
+
+namespace orl {
+
+namespace {
+
+using Access = ORL::FileAccessFlags;
+using Share = ORL::FileShareModeFlags;
+using Disposition = ORL::FileCreateDispositionFlags;
+using Attributes = ORL::FileAttributesFlags;
+
+constexpr char kHeader[] = "orl ingest: the record of a run; it is deleted when the run has ended\n";
+constexpr char kStem[] = ".orl-";
+constexpr char kExtension[] = ".part";
+constexpr std::size_t kRandomDigits = 32;
+constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
+
+// One line each, by its first letter: a temporary, the length of the manifest, a place in it.
+constexpr char kTemporary = 'T';
+constexpr char kLength = 'M';
+constexpr char kWithdrawn = 'W';
+constexpr char kWhole[] = "-"; // in the place of a length: nothing is being added
+
+bool IsNumber(const std::string& inText)
+{
+    return !inText.empty() && inText.size() < 19 && inText.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Below the destination, and a name that a run of ours may have given.
+bool MayBeOurs(const std::string& inName)
+{
+    const std::string folder = "/" + FolderOf(inName) + "/";
+    return IsTemporaryName(LeafOf(inName)) && inName[0] != '/' && folder.find("/../") == std::string::npos
+           && folder.find("/./") == std::string::npos && (folder == "//" || folder.find("//") == std::string::npos);
+}
+
+// A file, or a folder in which names were tried.
+ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLeaf)
+{
+    HeldFolder tried;
+    if (!ORL::ResultSucceeded(inFolder.OpenFolder(inLeaf, Links::kStay, tried))) {
+        return inFolder.Remove(inLeaf);
+    }
+    std::vector<std::string> names;
+    tried.List(names);
+    for (const std::string& name : names) {
+        tried.RemoveFolder(name);
+    }
+    tried = HeldFolder();
+    return inFolder.RemoveFolder(inLeaf);
+}
+
+void TakeUp(const std::string& inLine, IngestRemains& ioRemains)
+{
+    const std::string rest = inLine.size() > 2 && inLine[1] == ' ' ? inLine.substr(2) : std::string();
+    if (inLine[0] == kTemporary && MayBeOurs(UnescapedName(rest))) {
+        ioRemains.mTemporaries.insert(UnescapedName(rest));
+    } else if (inLine[0] == kLength && rest == kWhole) {
+        ioRemains.mManifestLength.reset();
+    } else if (inLine[0] == kLength && IsNumber(rest)) {
+        ioRemains.mManifestLength = std::stoull(rest);
+    } else if (inLine[0] == kWithdrawn && IsNumber(rest)) {
+        ioRemains.mWithdrawn.push_back(std::stoull(rest));
+    }
+}
+
+} // namespace
+
+std::string RecordNameOf(const std::string& inManifestName)
+{
+    return "." + inManifestName + ".run";
+}
+
+std::string RandomTemporaryName()
+{
+    std::random_device random;
+    unsigned char bytes[kRandomDigits / 2];
+    std::generate(std::begin(bytes), std::end(bytes), [&random] { return static_cast<unsigned char>(random()); });
+    return kStem + Hexadecimal(bytes, sizeof(bytes)) + kExtension;
+}
+
+bool IsTemporaryName(const std::string& inLeaf)
+{
+    const std::size_t stem = sizeof(kStem) - 1;
+    const std::size_t extension = sizeof(kExtension) - 1;
+    return inLeaf.size() == stem + kRandomDigits + extension && inLeaf.compare(0, stem, kStem) == 0
+           && inLeaf.compare(stem + kRandomDigits, extension, kExtension) == 0
+           && inLeaf.find_first_not_of("0123456789abcdef", stem) == stem + kRandomDigits;
+}
+
+ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork)
+{
+    constexpr int kTries = 250;
+    ORL::Result result = inWork();
+    for (int i = 1; i < kTries && result == ORL::kSharingViolation; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        result = inWork();
+    }
+    return result;
+}
+
+IngestRecord::IngestRecord(const IngestRoots& inRoots, const std::string& inManifestName)
+    : mRoots(inRoots), mName(RecordNameOf(inManifestName))
+{
+}
+
+// A file that is locked may be removed under its lock where the system lets a name go before its file. Elsewhere the
+// name goes when the file is closed; a run that came in between holds it, and the system refuses.
+IngestRecord::~IngestRecord()
+{
+    if (!mFile.IsOpen()) {
+        return;
+    }
+    const bool isNeeded = !mTemporaries.empty() || mIsNeededByManifest;
+    const bool isRemoved = !isNeeded && ORL::ResultSucceeded(mFolder.Remove(mName));
+    mFile.Close();
+    if (!isNeeded && !isRemoved) {
+        mFolder.Remove(mName);
+    }
+}
+
+void IngestRecord::Open()
+{
+    if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
+        throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
+    }
+    // A run that ends takes the name away from under one that waits: then that one has locked a file that nobody finds.
+    constexpr int kTries = 1000;
+    for (int i = 0; i < kTries; ++i) {
+        OpenOnce();
+        if (mFile.IsOpen() && HasItsName()) {
+            Read();
+            return;
+        }
+        mFile.Close();
+    }
+    throw Failure("ingest: cannot lock \"" + JoinHostPath(mRoots.mShownDestination, mName) + "\": it comes and goes");
+}
+
+void IngestRecord::OpenOnce()
+{
+    EntryStatus status;
+    const ORL::Result look = mFolder.Look(mName, Links::kStay, status);
+    const std::string shown = "\"" + JoinHostPath(mRoots.mShownDestination, mName) + "\"";
+    if (ORL::ResultSucceeded(look) && status.mKind != EntryStatus::kFile) {
+        throw Failure("ingest: " + shown + " is no file of ours (delete it, or name another manifest with --manifest)");
+    }
+    const ORL::Result result = mFile.Create(
+        mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write, static_cast<Share::Type>(0),
+        ORL::ResultSucceeded(look) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
+        Attributes::kFileAttribute_Normal, true);
+    if (result == ORL::kSharingViolation) {
+        throw Failure("ingest: another ingest is at work on \"" + mRoots.mShownDestination + "\"");
+    }
+    const bool hasChanged =
+        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // another try
+    if (!ORL::ResultSucceeded(result) && !hasChanged) {
+        throw Failure("ingest: cannot open " + shown + ": " + Describe(result),
+                      result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+    }
+}
+
+bool IngestRecord::HasItsName()
+{
+    EntryStatus status;
+    EntryIdentity identity;
+    return IdentifyFile(mFile, identity) && ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status))
+           && status.mKind == EntryStatus::kFile && status.mIdentity == identity;
+}
+
+void IngestRecord::Read()
+{
+    std::string text;
+    std::vector<char> block(1 << 16);
+    const bool isSmall = mFile.SizeOnDisk() <= kLargestRecord;
+    for (unsigned int count = isSmall ? 1 : 0; count != 0;) {
+        const ORL::Result result = mFile.Read(block.data(), static_cast<unsigned>(block.size()), count);
+        if (!ORL::ResultSucceeded(result)) {
+            mFile.Close(); // it may say something, so it stays
+            throw Failure("ingest: cannot read \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                          + "\": " + Describe(result));
+        }
+        text.append(block.data(), count);
+    }
+    const std::string header(kHeader);
+    if (!isSmall || text.compare(0, header.size(), header, 0, text.size()) != 0) {
+        mFile.Close(); // it is not ours, and stays
+        throw Failure("ingest: \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                      + "\" is no file of ours (delete it, or name another manifest with --manifest)");
+    }
+    if (text.size() < header.size()) {
+        mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        mFile.SetEndOfFile();
+        Write(header, false);
+        return;
+    }
+    for (std::size_t at = header.size(), end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+        if (end != at) {
+            TakeUp(text.substr(at, end - at), mRemains);
+        }
+    }
+    mTemporaries = mRemains.mTemporaries;
+    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest knows better
+    if (text.back() != '\n') {
+        Write("\n", false); // the line that a killed run did not finish stands for nothing
+    }
+}
+
+void IngestRecord::RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolders)
+{
+    for (const std::string& name : mRemains.mTemporaries) {
+        HeldFolder folder;
+        ORL::Result result = mRoots.OpenDestination(FolderOf(name), folder);
+        const bool isGone = result == ORL::kFileNotFound || result == ORL::kPathNotFound;
+        if (ORL::ResultSucceeded(result) && inSourceFolders.count(folder.Identity()) == 0) {
+            result = OnceItIsFree([&] { return RemoveUnfinished(folder, LeafOf(name)); });
+        }
+        if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound || isGone) {
+            Forget(FolderOf(name), LeafOf(name));
+        }
+    }
+}
+
+std::string IngestRecord::NewTemporary(const std::string& inFolder)
+{
+    std::string leaf = RandomTemporaryName();
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Write(std::string(1, kTemporary) + " " + EscapedName(Below(inFolder, leaf)) + "\n", false);
+    mTemporaries.insert(Below(inFolder, leaf));
+    return leaf;
+}
+
+void IngestRecord::Forget(const std::string& inFolder, const std::string& inLeaf)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mTemporaries.erase(Below(inFolder, inLeaf));
+}
+
+void IngestRecord::NoteManifestLength(std::uint64_t inLength)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Write(std::string(1, kLength) + " " + std::to_string(inLength) + "\n", true);
+}
+
+void IngestRecord::NoteManifestIsWhole()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Write(std::string(1, kLength) + " " + kWhole + "\n", false);
+}
+
+void IngestRecord::SetNeededByManifest(bool inIsNeeded)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIsNeededByManifest = inIsNeeded;
+}
+
+void IngestRecord::NoteWithdrawn(std::uint64_t inPlace)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Write(std::string(1, kWithdrawn) + " " + std::to_string(inPlace) + "\n", true);
+}
+
+void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
+{
+    mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_End);
+    ORL::Result result = ORL::kSuccess;
+    for (std::size_t at = 0; at < inLine.size() && ORL::ResultSucceeded(result);) {
+        unsigned int written = 0;
+        result = mFile.Write(inLine.data() + at, static_cast<unsigned>(inLine.size() - at), written);
+        at += written;
+    }
+    if (ORL::ResultSucceeded(result) && inIsFlushed && !FlushFile(mFile)) {
+        result = ORL::kGeneralFailure;
+    }
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("ingest: cannot keep \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                          + "\": " + Describe(result),
+                      result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+    }
+}
+
+} // namespace orl

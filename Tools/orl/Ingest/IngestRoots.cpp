@@ -1,0 +1,210 @@
+#include "IngestRoots.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include <ORLDirectory.h>
+#include <ORLHostPath.h>
+#include <ORLPathUtils.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace orl {
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace PathUtils = ORL::PathUtils;
+
+// Without dots and doubled separators, and past the length limit of plain paths.
+UTF16String CleanPath(const std::string& inArgument)
+{
+    std::string host;
+    const ORL::Result result = PathUtils::ToHostPath(PathOfArgument(inArgument), host);
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("ingest: cannot find \"" + inArgument + "\": " + Describe(result));
+    }
+    return PathUtils::ToNormalizedPath(PathUtils::FromHostPath(host));
+}
+
+// Of a destination that is not there yet the text is all that can be compared.
+bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
+{
+    std::error_code error;
+    const fs::path path = fs::weakly_canonical(fs::u8path(HostTextOf(inPath)), error);
+    const fs::path folder = fs::weakly_canonical(fs::u8path(HostTextOf(inFolder)), error);
+    const auto [end, rest] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+    return end == folder.end() || (std::next(end) == folder.end() && end->empty());
+}
+
+// Whether a folder, or one above it, is the one of that identity. It need not be there yet.
+bool IsInside(const UTF16String& inPath, const EntryIdentity& inIdentity)
+{
+    std::error_code error;
+    for (fs::path path = fs::weakly_canonical(fs::u8path(HostTextOf(inPath)), error);;) {
+        HeldFolder folder;
+        const UTF16String here = PathUtils::FromHostPath(path.u8string());
+        if (ORL::ResultSucceeded(HeldFolder::Open(here, folder)) && folder.Identity() == inIdentity) {
+            return true;
+        }
+        const fs::path above = path.parent_path();
+        if (above.empty() || above == path) {
+            return false;
+        }
+        path = above;
+    }
+}
+
+ORL::Result OpenBelow(const UTF16String& inRoot, const EntryIdentity& inIdentity, const std::string& inFolder,
+                      HeldFolder& outFolder)
+{
+    HeldFolder folder;
+    ORL::Result result = HeldFolder::Open(inRoot, folder);
+    const bool isGone = ORL::ResultSucceeded(result) ? folder.Identity() != inIdentity : result == ORL::kFileNotFound;
+    if (isGone) {
+        return ORL::kPathNotFound;
+    }
+    if (!ORL::ResultSucceeded(result)) {
+        return result;
+    }
+    for (std::size_t at = 0; at < inFolder.size();) {
+        const std::size_t end = std::min(inFolder.find('/', at), inFolder.size());
+        HeldFolder next;
+        result = folder.OpenFolder(inFolder.substr(at, end - at), Links::kFollow, next);
+        if (!ORL::ResultSucceeded(result)) {
+            return result;
+        }
+        folder = std::move(next);
+        at = end + 1;
+    }
+    outFolder = std::move(folder);
+    return ORL::kSuccess;
+}
+
+bool IsAnother(const UTF16String& inPath, const EntryIdentity& inIdentity)
+{
+    HeldFolder folder;
+    return !ORL::ResultSucceeded(HeldFolder::Open(inPath, folder)) || folder.Identity() != inIdentity;
+}
+
+void FindDestination(IngestRoots& ioRoots)
+{
+    HeldFolder folder;
+    ioRoots.mHasDestination = ORL::ResultSucceeded(HeldFolder::Open(ioRoots.mDestination, folder));
+    if (ioRoots.mHasDestination) {
+        ioRoots.mDestinationIdentity = folder.Identity();
+    }
+}
+
+} // namespace
+
+ORL::Result IngestRoots::OpenSource(const std::string& inFolder, HeldFolder& outFolder) const
+{
+    return OpenBelow(mSource, mSourceIdentity, inFolder, outFolder);
+}
+
+ORL::Result IngestRoots::OpenDestination(const std::string& inFolder, HeldFolder& outFolder) const
+{
+    return OpenBelow(mDestination, mDestinationIdentity, inFolder, outFolder);
+}
+
+IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestination)
+{
+    IngestRoots roots;
+    roots.mSource = CleanPath(inSource);
+    roots.mDestination = CleanPath(inDestination);
+    roots.mShownSource = inSource;
+    roots.mShownDestination = inDestination;
+    HeldFolder source;
+    const ORL::Result result = HeldFolder::Open(roots.mSource, source);
+    if (result == ORL::kAccessDenied) {
+        throw Failure("ingest: cannot open the source \"" + inSource + "\": " + Describe(result), kExitUnreadable);
+    }
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("ingest: \"" + inSource + "\" is no folder");
+    }
+    roots.mSourceIdentity = source.Identity();
+    FindDestination(roots);
+    if (!roots.mHasDestination && PathUtils::ExistsOnDisk(roots.mDestination)) {
+        const bool isFolder = ORL::Directory::IsDirectory(roots.mDestination);
+        throw Failure("ingest: the destination \"" + inDestination
+                      + (isFolder ? "\" cannot be opened" : "\" is no folder"));
+    }
+    if (IsInside(roots.mDestination, roots.mSourceIdentity) || IsTextInside(roots.mDestination, roots.mSource)) {
+        throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
+    }
+    return roots;
+}
+
+void MakeDestination(IngestRoots& ioRoots)
+{
+    std::vector<UTF16String> above; // whose entries are new
+    for (UTF16String path = ioRoots.mDestination; !ORL::Directory::IsDirectory(path);) {
+        const UTF16String next = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
+        if (next.empty() || next == path) {
+            break;
+        }
+        above.push_back(next);
+        path = next;
+    }
+    const ORL::Result result = ORL::Directory::CreateOnDisk(ioRoots.mDestination, false);
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("ingest: cannot make the folder \"" + ioRoots.mShownDestination + "\": " + Describe(result));
+    }
+    for (const UTF16String& path : above) {
+        HeldFolder folder;
+        if (!ORL::ResultSucceeded(HeldFolder::Open(path, folder)) || !ORL::ResultSucceeded(folder.Sync())) {
+            throw Failure("ingest: \"" + HostTextOf(PathUtils::RemoveTrailingSlash(path))
+                          + "\" cannot keep the name of the new folder");
+        }
+    }
+    FindDestination(ioRoots);
+    if (!ioRoots.mHasDestination) {
+        throw Failure("ingest: the destination \"" + ioRoots.mShownDestination + "\" is gone", kExitGone);
+    }
+}
+
+bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething)
+{
+    HeldFolder folder;
+    std::vector<std::string> held;
+    return !ORL::ResultSucceeded(inRoots.OpenSource("", folder))
+           || (inHeldSomething && (!ORL::ResultSucceeded(folder.List(held)) || held.empty()));
+}
+
+bool IsDestinationGone(const IngestRoots& inRoots)
+{
+    return inRoots.mHasDestination && IsAnother(inRoots.mDestination, inRoots.mDestinationIdentity);
+}
+
+std::string FolderOf(const std::string& inName)
+{
+    const std::size_t at = inName.rfind('/');
+    return at == std::string::npos ? std::string() : inName.substr(0, at);
+}
+
+std::string LeafOf(const std::string& inName)
+{
+    return inName.substr(inName.rfind('/') + 1);
+}
+
+std::string Below(const std::string& inFolder, const std::string& inLeaf)
+{
+    return inFolder.empty() ? inLeaf : inFolder + "/" + inLeaf;
+}
+
+std::vector<std::string> FoldersTo(const std::string& inFolder)
+{
+    std::vector<std::string> folders(1);
+    for (std::size_t at = inFolder.find('/'); at != std::string::npos; at = inFolder.find('/', at + 1)) {
+        folders.push_back(inFolder.substr(0, at));
+    }
+    if (!inFolder.empty()) {
+        folders.push_back(inFolder);
+    }
+    return folders;
+}
+
+} // namespace orl
