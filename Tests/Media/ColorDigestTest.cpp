@@ -2,7 +2,9 @@
 // in every bit of every value. A digest changes only with the arithmetic of its function, or with its sweep.
 #include "ColorSweeps.h"
 
+#include <cstddef>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 
 using namespace ORLTest;
@@ -46,14 +48,22 @@ constexpr Known kKnown[] = {
 
 } // namespace
 
-TEST(ColorDigests, OfEverySweep_AreThoseOfEveryPlatform)
+// One test for each sweep, so that none takes long.
+class ColorDigestOf : public testing::TestWithParam<std::size_t>
 {
-    ASSERT_EQ(std::size(kKnown), std::size(kSweeps));
-    for (std::size_t i = 0; i < std::size(kSweeps); ++i) {
-        ASSERT_STREQ(kKnown[i].mName, kSweeps[i].mName);
-        EXPECT_EQ(kKnown[i].mDigest, kSweeps[i].mRun(1)) << kKnown[i].mName;
-    }
+};
+
+TEST_P(ColorDigestOf, TheWholeSweep_IsThatOfEveryPlatform)
+{
+    const Sweep& sweep = kSweeps[GetParam()];
+    ASSERT_STREQ(kKnown[GetParam()].mName, sweep.mName);
+    EXPECT_EQ(kKnown[GetParam()].mDigest, sweep.mRun(1));
 }
+
+static_assert(std::size(kKnown) == std::size(kSweeps));
+
+INSTANTIATE_TEST_SUITE_P(ColorDigests, ColorDigestOf, testing::Range(std::size_t{0}, std::size(kSweeps)),
+                         [](const auto& inInfo) { return std::string(kSweeps[inInfo.param].mName); });
 
 TEST(ColorDigests, OfASweepWithOneBitElsewhere_Differ)
 {
