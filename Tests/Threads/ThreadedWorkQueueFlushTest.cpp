@@ -305,7 +305,7 @@ private:
 TEST(ThreadedWorkQueueFlush, ReferenceDroppedWhileQueued_LivesUntilTheItemsAreGone)
 {
     const QueueRef queue = StartedQueue(2);
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 10; ++round) {
         std::atomic<bool> mayLeave{false};
         std::atomic<int> destroyed{0};
         std::atomic<int> seenDestroyed{0};
