@@ -41,8 +41,13 @@ KeyHandle GetMachineRoot_Impl() noexcept;
 /// Opens an existing key. An empty or null path opens inParent again. outKey is null after a failure.
 SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
 
-/// Opens a key, or creates it and all missing keys above it.
-SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
+/// What CreateKey_Impl has done.
+inline constexpr unsigned kCreatedKey = 1;
+inline constexpr unsigned kOpenedKey = 2;
+
+/// Opens a key, or creates it and all missing keys above it. outDisposition may be null.
+SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
+                           unsigned* outDisposition);
 
 /// The same inside a transaction of the system's transaction manager. 1 where the system has no such function, which is
 /// looked up on each call.

@@ -95,7 +95,7 @@ SystemError RegistryHandle::CreateAnew(KeyHandle inParent, const unsigned short*
     if (mManager != nullptr && !mManager->mFallsBack) {
         return kErrorInvalidFunction;
     }
-    return CreateKey_Impl(inParent, inPath, inAccess, outKey);
+    return CreateKey_Impl(inParent, inPath, inAccess, outKey, nullptr);
 }
 
 SystemError RegistryHandle::DeleteOne(const unsigned short* inPath) const

@@ -1,1 +1,13 @@
-target_sources(${room_target} PRIVATE Settings/RegistryPlace.cpp Settings/RegistryPlace${ORL_PLATFORM}.cpp)
+target_sources(${room_target} PRIVATE Settings/RegistryPlace.cpp Settings/RegistryPlace${ORL_PLATFORM}.cpp
+  Settings/RegistryStage.cpp)
+target_sources(${room_target} PRIVATE Settings/RegistryModel.cpp)
+
+# A second process that works on the registry beside the tests, linked to the shared libraries as hosts are.
+add_executable(registry_host Settings/RegistryHost.cpp Settings/RegistryModel.cpp)
+target_link_libraries(registry_host PRIVATE ORLFoundation orl_strict)
+add_dependencies(${room_target} registry_host)
+
+if(NOT WIN32)
+  # Tests make databases of their own, and make calls of the database fail.
+  target_link_libraries(${room_target} PRIVATE ${ORL_SQLITE})
+endif()

@@ -23,7 +23,8 @@ struct Stores
 };
 
 void BeforeFork();
-void AfterFork();
+void AfterForkInParent();
+void AfterForkInChild();
 
 std::atomic<Stores*> sStores{nullptr};
 
@@ -34,7 +35,7 @@ Stores& TheStores()
         alignas(Stores) static unsigned char sPlace[sizeof(Stores)];
         Stores* const stores = ::new (static_cast<void*>(sPlace)) Stores;
         sStores.store(stores);
-        ::pthread_atfork(&BeforeFork, &AfterFork, &AfterFork);
+        ::pthread_atfork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
         return stores;
     }();
     return *sMade;
@@ -46,10 +47,20 @@ void BeforeFork()
     TheStores().mMachine.LockForFork();
 }
 
-void AfterFork()
+void AfterFork(bool inIsChild)
 {
-    TheStores().mMachine.UnlockAfterFork();
-    TheStores().mUser.UnlockAfterFork();
+    TheStores().mMachine.UnlockAfterFork(inIsChild);
+    TheStores().mUser.UnlockAfterFork(inIsChild);
+}
+
+void AfterForkInParent()
+{
+    AfterFork(false);
+}
+
+void AfterForkInChild()
+{
+    AfterFork(true);
 }
 
 // When the library is unloaded, or the process ends. A thread that goes on opens the database again.
@@ -144,14 +155,20 @@ SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsig
     });
 }
 
-SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
+SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
+                           unsigned* outDisposition)
 {
     outKey = nullptr;
     if (inPath == nullptr) {
         return kErrorInvalidParameter;
     }
     return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
-        return ioStore.Create(inParts, inPath, inAccess, outKey);
+        bool isMade = false;
+        const SystemError error = ioStore.Create(inParts, inPath, inAccess, outKey, isMade);
+        if (error == kNoError && outDisposition != nullptr) {
+            *outDisposition = isMade ? kCreatedKey : kOpenedKey;
+        }
+        return error;
     });
 }
 

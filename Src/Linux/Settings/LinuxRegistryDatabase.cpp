@@ -21,6 +21,8 @@ using namespace SystemErrors;
 namespace {
 
 constexpr int kBusyMilliseconds = 20000;
+constexpr int kOpenFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_PRIVATECACHE
+                           | SQLITE_OPEN_EXRESCODE;
 constexpr std::int64_t kApplication = 0x4F524C52; // "ORLR"
 constexpr std::int64_t kVersion = 1;
 
@@ -49,6 +51,22 @@ constexpr char kSchemaText[] =
 constexpr char kDescribe[] =
     "SELECT (SELECT application_id FROM pragma_application_id), (SELECT user_version FROM pragma_user_version), "
     "(SELECT group_concat(sql, char(10)) FROM (SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name))";
+
+// Reads the whole database. Returns SQLite's last code, SQLITE_DONE at the end of the check.
+int CheckIntegrity(sqlite3* inConnection, std::string& outFaults)
+{
+    sqlite3_stmt* query = nullptr;
+    int code = sqlite3_prepare_v2(inConnection, "PRAGMA integrity_check(20)", -1, &query, nullptr);
+    while (code == SQLITE_OK || code == SQLITE_ROW) {
+        code = sqlite3_step(query);
+        const auto* const text = code == SQLITE_ROW ? reinterpret_cast<const char*>(sqlite3_column_text(query, 0)) : nullptr;
+        if (text != nullptr && std::strcmp(text, "ok") != 0) {
+            outFaults += outFaults.empty() ? text : std::string("; ") + text;
+        }
+    }
+    sqlite3_finalize(query);
+    return code & 0xFF;
+}
 
 SystemError ErrorOfCode(int inCode, int inErrno)
 {
@@ -108,7 +126,7 @@ SystemError Database::Open(const Place& inPlace, bool inCreate)
         return error;
     }
     error = OpenConnection(inPlace);
-    error = error == kNoError ? Prepare(inPlace) : error;
+    error = error == kNoError ? Prepare() : error;
     if (mBoard.IsOpen()) {
         mBoard.Unlock();
     }
@@ -125,18 +143,18 @@ SystemError Database::OpenBoard(const Place& inPlace)
         return kNoError;
     }
     const SystemError error = mBoard.Open(mFile + "-changes", inPlace.mIsForAll);
-    // Without shared memory each read asks the database, in every process alike.
+    // Without shared memory each read asks the database, in every process alike. Where only this process may not post its
+    // changes it makes none: the others would not see them.
+    mIsReadOnly = error != kErrorNotSupported && !mBoard.IsWritable();
     return error == kErrorNotSupported || error == kErrorFileNotFound ? kNoError : error;
 }
 
 SystemError Database::OpenConnection(const Place& inPlace)
 {
-    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW
-                           | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE;
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     const bool isNew = !IdentityOf(mFile, device, inode);
-    const int code = sqlite3_open_v2(mFile.c_str(), &mConnection, kFlags, nullptr);
+    const int code = sqlite3_open_v2(mFile.c_str(), &mConnection, kOpenFlags | SQLITE_OPEN_CREATE, nullptr);
     if (code != SQLITE_OK) {
         const SystemError error = mConnection != nullptr ? Error(code) : kErrorNotEnoughMemory;
         return error;
@@ -159,7 +177,7 @@ bool Database::IsInPlace() const noexcept
     return IdentityOf(mFile, device, inode) && device == mDevice && inode == mInode;
 }
 
-SystemError Database::Prepare(const Place& inPlace)
+SystemError Database::Prepare()
 {
     sqlite3_busy_timeout(mConnection, kBusyMilliseconds);
     // What a foreign database may bring along is not run.
@@ -168,7 +186,7 @@ SystemError Database::Prepare(const Place& inPlace)
         sqlite3_db_config(mConnection, option, value, nullptr);
     }
     sqlite3_commit_hook(mConnection, &OnCommit, this);
-    mIsReadOnly = sqlite3_db_readonly(mConnection, "main") != 0 || (mBoard.IsOpen() && !mBoard.IsWritable());
+    mIsReadOnly = mIsReadOnly || sqlite3_db_readonly(mConnection, "main") != 0;
     SystemError error = Execute("PRAGMA cell_size_check = ON");
     bool isNew = false;
     error = error == kNoError ? CheckSchema(isNew) : error;
@@ -182,7 +200,6 @@ SystemError Database::Prepare(const Place& inPlace)
     if (error == kNoError && isNew) {
         error = mIsReadOnly ? kErrorFileNotFound : MakeSchema();
     }
-    static_cast<void>(inPlace);
     return error;
 }
 
@@ -256,64 +273,71 @@ std::uint64_t Database::Settle() noexcept
     return announced;
 }
 
-void Database::Close() noexcept
+void Database::CloseConnection() noexcept
 {
     for (sqlite3_stmt*& statement : mStatements) {
         sqlite3_finalize(std::exchange(statement, nullptr));
     }
     sqlite3_close(std::exchange(mConnection, nullptr));
+}
+
+void Database::Close() noexcept
+{
+    CloseConnection();
     mBoard.Close();
     mIsDamaged = false;
     mIsReadOnly = false;
 }
 
-void Database::Abandon() noexcept
-{
-    mStatements.fill(nullptr);
-    mConnection = nullptr;
-    mBoard.Close();
-}
-
-bool Database::SetAsideIfDamaged(const Place&)
+bool Database::SetAsideIfDamaged()
 {
     if (!std::exchange(mIsDamaged, false)) {
         return false;
     }
     SetAside aside;
-    aside.mReason = mConnection != nullptr ? sqlite3_errmsg(mConnection) : "not a database";
+    aside.mReason = mConnection != nullptr ? sqlite3_errmsg(mConnection) : "";
     const bool isLocked = !mBoard.IsOpen() || mBoard.Lock() == kNoError;
-    bool isMoved = !IsInPlace(); // somebody else has moved it
-    if (isLocked && !isMoved && !mIsReadOnly) {
-        isMoved = MoveAside(mFile, aside.mFile, aside.mTime) == kNoError;
-        if (isMoved) {
-            TraceSetAside(aside);
-            mSetAside = std::move(aside);
-            if (mBoard.IsWritable()) { // the others look for the new database
-                mBoard.Settle(mBoard.Announce(Change()));
-            }
+    // Somebody else may have moved it; and what a device fails to read once is no damage.
+    const bool isToMove = isLocked && !mIsReadOnly && IsInPlace() && IsStillDamaged(aside.mReason);
+    CloseConnection();
+    if (isToMove && MoveAside(mFile, aside.mFile, aside.mTime) == kNoError) {
+        TraceSetAside(aside);
+        mSetAside = std::move(aside);
+        if (mBoard.IsWritable()) { // the others look for the new database
+            mBoard.Settle(mBoard.Announce(Change()));
         }
     }
     Close();
-    return isMoved;
+    return true;
+}
+
+// Opens the database anew and reads it as a whole.
+bool Database::IsStillDamaged(std::string& ioReason)
+{
+    CloseConnection();
+    if (sqlite3_open_v2(mFile.c_str(), &mConnection, kOpenFlags, nullptr) != SQLITE_OK) {
+        return false;
+    }
+    sqlite3_busy_timeout(mConnection, kBusyMilliseconds);
+    bool isNew = false;
+    const SystemError error = CheckSchema(isNew);
+    if (std::exchange(mIsDamaged, false)) {
+        const char* const message = sqlite3_errmsg(mConnection);
+        ioReason = error == kErrorNotRegistryFile ? "its tables are not those of a settings database" : message;
+        return true;
+    }
+    std::string faults;
+    const int code = error == kNoError ? CheckIntegrity(mConnection, faults) : SQLITE_OK;
+    const bool isDamaged = code == SQLITE_CORRUPT || code == SQLITE_NOTADB || (code == SQLITE_DONE && !faults.empty());
+    ioReason = isDamaged && !faults.empty() ? faults : ioReason;
+    return isDamaged;
 }
 
 std::string Database::FindFaults()
 {
-    sqlite3_stmt* query = nullptr;
     std::string faults;
-    int code = sqlite3_prepare_v2(mConnection, "PRAGMA integrity_check(20)", -1, &query, nullptr);
-    while (code == SQLITE_OK || code == SQLITE_ROW) {
-        code = sqlite3_step(query);
-        const auto* const text = code == SQLITE_ROW ? reinterpret_cast<const char*>(sqlite3_column_text(query, 0)) : nullptr;
-        if (text != nullptr && std::strcmp(text, "ok") != 0) {
-            faults += faults.empty() ? text : std::string("; ") + text;
-        }
-    }
-    if (code != SQLITE_DONE && faults.empty()) {
-        faults = sqlite3_errmsg(mConnection);
-    }
-    sqlite3_finalize(query);
-    return faults;
+    const int code = CheckIntegrity(mConnection, faults);
+    return code != SQLITE_DONE && faults.empty() ? sqlite3_errmsg(mConnection) : faults;
 }
 
 std::vector<SetAside> Database::ListSetAside()

@@ -64,9 +64,6 @@ public:
     /// The store cannot be written by this process.
     bool IsReadOnly() const noexcept { return mIsReadOnly; }
 
-    /// In a child of fork: the parent's connection is left alone, and this one is closed.
-    void Abandon() noexcept;
-
     /// The database is still the one that its name leads to.
     bool IsInPlace() const noexcept;
 
@@ -85,9 +82,9 @@ public:
     /// After the commit, or after it has failed. Returns the generation that was announced, or 0 for none.
     std::uint64_t Settle() noexcept;
 
-    /// Moves the database out of the way under a dated name and closes it, if the last error says that it is damaged.
-    /// True if it was.
-    bool SetAsideIfDamaged(const Place& inPlace);
+    /// If the last error says that the database is damaged: looks again, moves it out of the way under a dated name if it
+    /// still is, and closes it. True if an operation may be tried again then.
+    bool SetAsideIfDamaged();
 
     /// Reads the whole database. Empty if it is sound, else what is wrong with it.
     std::string FindFaults();
@@ -103,11 +100,13 @@ public:
 private:
     SystemError OpenBoard(const Place& inPlace);
     SystemError OpenConnection(const Place& inPlace);
-    SystemError Prepare(const Place& inPlace);
+    SystemError Prepare();
     SystemError CheckSchema(bool& outIsNew);
     SystemError MakeSchema();
     SystemError Execute(const char* inText);
     SystemError RememberPlace();
+    bool IsStillDamaged(std::string& ioReason);
+    void CloseConnection() noexcept;
     static int OnCommit(void* ioDatabase) noexcept;
 
     sqlite3* mConnection = nullptr;

@@ -31,7 +31,8 @@ SystemError Store::Open(const HandleParts& inParent, const unsigned short* inPat
     });
 }
 
-SystemError Store::Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
+SystemError Store::Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
+                          bool& outIsMade)
 {
     SystemError error = Open(inParent, inPath, inAccess, outKey);
     if (error != kErrorFileNotFound) {
@@ -81,6 +82,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
         return kNoError;
     };
     error = RunChange(change, make, keep);
+    outIsMade = !made.empty(); // another process may have been faster
     return error == kNoError ? Open(inParent, inPath, inAccess, outKey) : error;
 }
 

@@ -34,7 +34,7 @@ std::string ProblemOf(SystemError inError)
 
 Platform::StoreState Store::State(bool inCheck)
 {
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     const std::lock_guard<std::mutex> memory(mMemory);
     Platform::StoreState state;
     const SystemError error = CatchUp(false);

@@ -34,7 +34,7 @@ void Store::Forget() noexcept
 SystemError Store::CatchUp(bool inCreate)
 {
     if (mDatabase.IsOpen() && mProcess != ::getpid()) {
-        mDatabase.Abandon();
+        mDatabase.Close(); // so that this process takes locks of its own
         Forget();
     }
     if (mDatabase.IsOpen() && !mDatabase.IsInPlace()) {
@@ -44,6 +44,9 @@ SystemError Store::CatchUp(bool inCreate)
     SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inCreate);
     if (error == kErrorFileNotFound && !inCreate) {
         return mTree.NoteEverything(nullptr); // an empty store, as long as nobody writes
+    }
+    if (error == kNoError && inCreate && mDatabase.IsReadOnly()) {
+        return kErrorAccessDenied;
     }
     return error == kNoError ? Refresh() : error;
 }
@@ -62,7 +65,7 @@ SystemError Store::OpenDatabase(bool inCreate)
     Forget();
     mPlace = mFindPlace();
     SystemError error = mDatabase.Open(mPlace, inCreate);
-    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+    if (mDatabase.SetAsideIfDamaged()) {
         error = mDatabase.Open(mPlace, true); // says why, which needs a database
     }
     if (error == kNoError) {
@@ -164,11 +167,8 @@ SystemError Store::AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& out
 
 void Store::Release() noexcept
 {
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     const std::lock_guard<std::mutex> memory(mMemory);
-    if (mDatabase.IsOpen() && mProcess != ::getpid()) {
-        mDatabase.Abandon();
-    }
     mDatabase.Close();
     Forget();
     if (mHandles.IsEmpty()) {
@@ -183,10 +183,14 @@ void Store::LockForFork()
     mMemory.lock();
 }
 
-void Store::UnlockAfterFork()
+void Store::UnlockAfterFork(bool inIsChild)
 {
     mMemory.unlock();
-    mWork.unlock();
+    if (inIsChild) {
+        mWork.Renew();
+    } else {
+        mWork.unlock();
+    }
 }
 
 } // namespace Linux

@@ -10,6 +10,7 @@
 #include "LinuxRegistryHandles.h"
 #include "LinuxRegistryPlaces.h"
 #include "LinuxRegistryTree.h"
+#include "LinuxTurnLock.h"
 
 #include <Platform/Registry.h>
 
@@ -38,7 +39,8 @@ public:
     }
 
     SystemError Open(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
-    SystemError Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
+    SystemError Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
+                       bool& outIsMade);
     SystemError Close(const HandleParts& inKey);
     SystemError Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants);
     SystemError Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
@@ -56,7 +58,7 @@ public:
 
     /// Around a fork: nobody is at work on the store while the process is copied.
     void LockForFork();
-    void UnlockAfterFork();
+    void UnlockAfterFork(bool inIsChild);
 
 private:
     static constexpr unsigned kRightToQuery = 0x1;
@@ -96,7 +98,7 @@ private:
     const bool mIsMachine;
     Place (*const mFindPlace)();
 
-    std::mutex mWork;
+    TurnLock mWork;
     std::mutex mMemory;
     Database mDatabase; // opened and closed under both
     Place mPlace;

@@ -23,11 +23,11 @@ SystemError Store::FromMemory(Read inRead)
             }
         }
     }
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     const std::lock_guard<std::mutex> memory(mMemory);
     SystemError error = CatchUp(false);
     error = error == SystemErrors::kNoError ? inRead(true) : error;
-    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+    if (mDatabase.SetAsideIfDamaged()) {
         error = CatchUp(true);
         error = error == SystemErrors::kNoError ? inRead(true) : error;
     }
@@ -39,10 +39,10 @@ SystemError Store::FromMemory(Read inRead)
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     SystemError error = RunChangeOnce(inChange, inWork, inDone);
     const std::lock_guard<std::mutex> memory(mMemory);
-    if (!mDatabase.SetAsideIfDamaged(mPlace)) {
+    if (!mDatabase.SetAsideIfDamaged()) {
         return error;
     }
     Forget();

@@ -16,14 +16,7 @@ namespace {
 // When more values than this are stale, all of them are loaded at once.
 constexpr std::size_t kMostStaleValues = 64;
 
-struct Row
-{
-    std::int64_t mId;
-    Units mFolded;
-    Units mName;
-};
-
-bool ComesBefore(const Row& inLeft, const Row& inRight)
+bool ComesBefore(const SubKeyRow& inLeft, const SubKeyRow& inRight)
 {
     return inLeft.mFolded < inRight.mFolded;
 }
@@ -32,7 +25,7 @@ constexpr unsigned short kSoftwareFolded[] = {'S', 'O', 'F', 'T', 'W', 'A', 'R',
 constexpr unsigned short kSoftwareName[] = {'S', 'o', 'f', 't', 'w', 'a', 'r', 'e', 0};
 
 // The subkeys of a key, sorted. Rows that no version of the library writes are passed over.
-SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<Row>& outRows)
+SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<SubKeyRow>& outRows)
 {
     if (ioDatabase == nullptr) {
         if (inKey == kRootKey) {
@@ -43,7 +36,7 @@ SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<Ro
     Statement query(*ioDatabase, Database::kSelectSubKeys);
     query.Bind(1, inKey);
     while (query.Step()) {
-        Row row;
+        SubKeyRow row;
         row.mId = query.Number(0);
         query.Text(1, row.mFolded);
         query.Text(2, row.mName);
@@ -88,41 +81,54 @@ unsigned Tree::LevelOf(const StoredKey& inKey) noexcept
     return level;
 }
 
-SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
+// The subkeys that the rows tell of: those in memory, and new ones, which have no parent yet. Rows of a key that has
+// another parent are passed over: no version of the library writes them.
+void Tree::Adopt(StoredKey& ioKey, std::vector<SubKeyRow>& ioRows, std::vector<std::shared_ptr<StoredKey>>& outSubKeys)
 {
-    if (ioKey.mHasSubKeys) {
-        return kNoError;
-    }
-    std::vector<Row> rows;
-    const SystemError error = ReadSubKeys(ioKey.mId, ioDatabase, rows);
-    if (error != kNoError) {
-        return error;
-    }
-    // Nothing changes before everything is made.
-    std::vector<std::shared_ptr<StoredKey>> subKeys;
-    subKeys.reserve(rows.size());
-    mKeys.reserve(mKeys.size() + rows.size());
-    for (Row& row : rows) {
+    outSubKeys.reserve(ioRows.size());
+    for (SubKeyRow& row : ioRows) {
         const auto known = mKeys.find(row.mId);
         if (known == mKeys.end()) {
             auto key = std::make_shared<StoredKey>();
             key->mId = row.mId;
             key->mFolded = std::move(row.mFolded);
             key->mName = std::move(row.mName);
-            subKeys.push_back(std::move(key));
-        } else if (known->second->mParent == &ioKey) { // one of another parent is no key of any version's making
+            mKeys.emplace(key->mId, key.get());
+            outSubKeys.push_back(std::move(key));
+        } else if (known->second->mParent == &ioKey) {
             const std::shared_ptr<StoredKey>* const here = Find(ioKey, row.mFolded);
-            if (here != nullptr) {
-                subKeys.push_back(*here);
+            if (here != nullptr && (*here)->mId == row.mId) {
+                outSubKeys.push_back(*here);
             }
         }
     }
+}
+
+SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
+{
+    if (ioKey.mHasSubKeys) {
+        return kNoError;
+    }
+    std::vector<SubKeyRow> rows;
+    const SystemError error = ReadSubKeys(ioKey.mId, ioDatabase, rows);
+    if (error != kNoError) {
+        return error;
+    }
+    // Nothing that is known changes before everything is made.
+    std::vector<std::shared_ptr<StoredKey>> subKeys;
+    try {
+        Adopt(ioKey, rows, subKeys);
+    } catch (...) {
+        for (const std::shared_ptr<StoredKey>& key : subKeys) {
+            if (key->mParent == nullptr) {
+                mKeys.erase(key->mId);
+            }
+        }
+        throw;
+    }
     subKeys.swap(ioKey.mSubKeys); // now subKeys are the earlier ones
     for (const std::shared_ptr<StoredKey>& key : ioKey.mSubKeys) {
-        if (key->mParent == nullptr) {
-            key->mParent = &ioKey;
-            mKeys.emplace(key->mId, key.get());
-        }
+        key->mParent = &ioKey;
     }
     ioKey.mHasSubKeys = true;
     for (const std::shared_ptr<StoredKey>& key : subKeys) {

@@ -47,6 +47,14 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     std::vector<std::uint64_t> mStaleValues;
 };
 
+/// A key as its parent's list has it.
+struct SubKeyRow
+{
+    std::int64_t mId = 0;
+    Units mFolded;
+    Units mName;
+};
+
 class Tree
 {
 public:
@@ -84,6 +92,7 @@ public:
     void Clear() noexcept;
 
 private:
+    void Adopt(StoredKey& ioKey, std::vector<SubKeyRow>& ioRows, std::vector<std::shared_ptr<StoredKey>>& outSubKeys);
     SystemError ReloadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError ReloadBelow(StoredKey& ioKey, Database* ioDatabase);
     void MarkDeleted(StoredKey& ioKey) noexcept;

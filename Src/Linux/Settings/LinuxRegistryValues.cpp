@@ -124,10 +124,10 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
     if (inSize != 0) {
         value.mData.assign(static_cast<const unsigned char*>(inData), inSize);
     }
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     const SystemError error = PutOrTake(inKey, inName, &value);
     const std::lock_guard<std::mutex> memory(mMemory);
-    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+    if (mDatabase.SetAsideIfDamaged()) {
         Forget();
     }
     return error;
@@ -148,10 +148,10 @@ SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
     if (known != kNoError) {
         return known;
     }
-    const std::lock_guard<std::mutex> work(mWork);
+    const std::lock_guard<TurnLock> work(mWork);
     const SystemError error = PutOrTake(inKey, inName, nullptr);
     const std::lock_guard<std::mutex> memory(mMemory);
-    if (mDatabase.SetAsideIfDamaged(mPlace)) {
+    if (mDatabase.SetAsideIfDamaged()) {
         Forget();
     }
     return error;

@@ -19,6 +19,7 @@ using namespace SystemErrors;
 static_assert(kAccessRead == KEY_READ && kAccessWrite == KEY_WRITE && kAccessAll == KEY_ALL_ACCESS);
 static_assert(kAccessViewBits == (KEY_WOW64_32KEY | KEY_WOW64_64KEY));
 static_assert(kTypeString == REG_SZ && kTypeExpandString == REG_EXPAND_SZ && kTypeBinary == REG_BINARY);
+static_assert(kCreatedKey == REG_CREATED_NEW_KEY && kOpenedKey == REG_OPENED_EXISTING_KEY);
 static_assert(kTypeUInt32 == REG_DWORD && kTypeUInt64 == REG_QWORD);
 static_assert(sizeof(DWORD) == sizeof(unsigned));
 
@@ -93,11 +94,12 @@ SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsig
     return AsError(status);
 }
 
-SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
+SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
+                           unsigned* outDisposition)
 {
     HKEY key = nullptr;
-    const LSTATUS status =
-        ::RegCreateKeyExW(AsKey(inParent), AsWide(inPath), 0, nullptr, 0, inAccess, nullptr, &key, nullptr);
+    const LSTATUS status = ::RegCreateKeyExW(AsKey(inParent), AsWide(inPath), 0, nullptr, 0, inAccess, nullptr, &key,
+                                             AsDword(outDisposition));
     outKey = key;
     return AsError(status);
 }

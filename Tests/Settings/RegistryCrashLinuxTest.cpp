@@ -1,0 +1,146 @@
+// A process that is killed before each of its system calls, in turn: what it has acknowledged is there, and what it has
+// not is there as a whole or not at all.
+#include "RegistryPlace.h"
+
+#include <Linux/Settings/LinuxRegistryStore.h>
+#include <ProcessRunner.h>
+#include <TempFolder.h>
+#include <TracedRunLinux.h>
+
+#include <ORLRegistryStore.h>
+#include <ORLString.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+using namespace ORL;
+using namespace ORLTest;
+using ORL::Registry::Linux::ReleaseStores;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto kUser = RegistryRootKeys::kUser;
+
+enum class Found { kOld, kNew, kBroken };
+
+// Each part takes every fourth call, so that none of them takes long on a busy machine.
+constexpr int kParts = 4;
+
+class RegistryCrash : public RegistryTest, public testing::WithParamInterface<int>
+{
+protected:
+    RegistryCrash()
+    {
+        mKey.SetUInt32Value(MakeString("v"), 1);
+        for (const char* path : {"tree\\a\\b", "tree\\c"}) {
+            RegistryKey key;
+            key.Create(mKey, MakeString(path));
+            key.SetUInt32Value(MakeString("n"), 1);
+        }
+        RegistryKey().Swap(mKey);
+        ReleaseStores();
+        fs::copy(mPlace.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
+    }
+
+    // Kills the step before one of its counted calls after the other, until it runs through.
+    void Sweep(const std::string& inStep, const std::function<Found()>& inLook)
+    {
+        const std::string ledger = mPristine.Host().string() + "/ledger";
+        const std::string host = FolderOfThisProgram() + "registry_host";
+        unsigned killed = 0;
+        for (int call = 1 + GetParam();; call += kParts) {
+            ReleaseStores();
+            for (const auto& entry : fs::directory_iterator(mPlace.Folder())) {
+                fs::remove_all(entry.path());
+            }
+            fs::copy(mPristine.Host() / "stores", mPlace.Folder(), fs::copy_options::recursive);
+            fs::remove(ledger);
+            TracedRun run(mPlace.Folder());
+            const int count = run.Run({host, "step", inStep, MakeStdString(mPath), ledger}, call);
+            ASSERT_LE(0, count) << "nothing can be traced here";
+            const bool isAcknowledged = fs::exists(ledger) && fs::file_size(ledger) != 0;
+            const Found found = inLook();
+            ASSERT_NE(Found::kBroken, found) << inStep << ", killed before call " << call;
+            ASSERT_TRUE(!isAcknowledged || found == Found::kNew) << inStep << ", killed before call " << call;
+            ASSERT_EQ("", RegistryStore::Check(kUser).mProblem) << inStep << ", killed before call " << call;
+            ASSERT_TRUE(RegistryStore::Check(kUser).mSetAside.empty());
+            if (run.ExitCode() == 0) {
+                ASSERT_TRUE(isAcknowledged);
+                break;
+            }
+            ++killed;
+        }
+        EXPECT_LT(5u, killed) << "too few calls to be the whole step";
+    }
+
+    bool Exists(const char* inPath) const
+    {
+        return RegistryKey().Open(kUser, mPath + MakeString(inPath), RegistryKeyAccess::kRead) == kSuccess;
+    }
+
+    bool HasNumber(const char* inPath) const
+    {
+        RegistryValue value;
+        return RegistryStore::GetValue(kUser, mPath + MakeString(inPath), MakeString("n"), value) == kSuccess;
+    }
+
+    bool HasBytes(const char* inPath, const char* inName, unsigned char inByte) const
+    {
+        RegistryValue value;
+        return RegistryStore::GetValue(kUser, mPath + MakeString(inPath), MakeString(inName), value) == kSuccess
+               && value.mData == std::vector<unsigned char>(100, inByte);
+    }
+
+    static Found AllOrNone(unsigned inCount, unsigned inAll)
+    {
+        return inCount == 0 ? Found::kOld : inCount == inAll ? Found::kNew : Found::kBroken;
+    }
+
+private:
+    const TempFolder mPristine;
+};
+
+} // namespace
+
+TEST_P(RegistryCrash, SetKilledAtEachCall_IsThereOrNot)
+{
+    Sweep("set", [this] {
+        RegistryKey key;
+        unsigned value = 0;
+        key.Open(kUser, mPath, RegistryKeyAccess::kRead);
+        key.GetUInt32Value(MakeString("v"), value);
+        return value == 1 ? Found::kOld : value == 2 ? Found::kNew : Found::kBroken;
+    });
+}
+
+TEST_P(RegistryCrash, CreateKilledAtEachCall_IsThereAsAWholeOrNot)
+{
+    Sweep("create", [this] {
+        const unsigned count = unsigned{Exists("\\made")} + unsigned{Exists("\\made\\deep")}
+                               + unsigned{Exists("\\made\\deep\\deeper")};
+        return AllOrNone(count, 3);
+    });
+}
+
+TEST_P(RegistryCrash, DeleteOfASubtreeKilledAtEachCall_IsDoneAsAWholeOrNot)
+{
+    Sweep("delete", [this] {
+        const unsigned count = unsigned{Exists("\\tree")} + unsigned{HasNumber("\\tree\\a\\b")}
+                               + unsigned{HasNumber("\\tree\\c")};
+        return count == 3 ? Found::kOld : count == 0 ? Found::kNew : Found::kBroken;
+    });
+}
+
+TEST_P(RegistryCrash, SeveralEditsKilledAtEachCall_AreThereAsAWholeOrNot)
+{
+    Sweep("apply", [this] {
+        const unsigned count = unsigned{HasBytes("", "one", 1)} + unsigned{HasBytes("\\new", "two", 2)}
+                               + unsigned{HasBytes("\\new\\newer", "three", 3)};
+        return AllOrNone(count, 3);
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Parts, RegistryCrash, testing::Range(0, kParts));
