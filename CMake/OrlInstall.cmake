@@ -29,4 +29,4 @@ configure_package_config_file(CMake/ORLFoundationConfig.cmake.in
   "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" "${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake"
-  DESTINATION ${package_dir})
+  CMake/OrlTargetResources.cmake DESTINATION ${package_dir})

@@ -48,6 +48,7 @@
 #include <ORLRegistryKey.h>
 #include <ORLRegistryStore.h>
 #include <ORLResourceCollection.h>
+#include <ORLResourceFile.h>
 #include <ORLResources.h>
 #include <ORLResult.h>
 #include <ORLSharedObjectBase.h>

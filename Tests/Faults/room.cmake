@@ -9,3 +9,4 @@ target_compile_definitions(${room_target} PRIVATE ORL_MANGLED_SIZE="${mangled_si
 foreach(symbol _ZN3ORL10PageMemory8Platform18AllocatePages_ImplE _ZN3ORL10PageMemory8Platform14FreePages_ImplEPv)
   target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol}${mangled_size})
 endforeach()
+add_dependencies(${room_target} resource_files)

@@ -5,6 +5,7 @@
 #include <TextHelpers.h>
 
 #include <ORLHostPath.h>
+#include <ORLHostSettings.h>
 #include <ORLModule.h>
 #include <ORLResult.h>
 
@@ -19,8 +20,11 @@ using ModulePtr = ORL::ObjectPtr<ORL::Module, ORL::AtomicValue>;
 class LanguageScope
 {
 public:
-    explicit LanguageScope(unsigned short inLanguage);
-    ~LanguageScope();
+    explicit LanguageScope(unsigned short inLanguage) : mEarlier(ORL::GetLanguageID())
+    {
+        ORL::SetLanguageID(inLanguage);
+    }
+    ~LanguageScope() { ORL::SetLanguageID(mEarlier); }
     LanguageScope(const LanguageScope&) = delete;
     LanguageScope& operator=(const LanguageScope&) = delete;
 

@@ -5,19 +5,12 @@
 #include <atomic>
 #include <cstddef>
 
-// The linker sends the library's calls of these two functions here.
+// The linker sends the library's calls of this function here.
 namespace {
 
-std::atomic<unsigned short> sLanguage{1033};
 std::atomic<unsigned int> sPathQueries{0};
 
 } // namespace
-
-extern "C" unsigned short WrappedCurrentLanguage() __asm__("__wrap__ZN3ORL15CurrentLanguageEv");
-extern "C" unsigned short WrappedCurrentLanguage()
-{
-    return sLanguage;
-}
 
 #if defined(_WIN32)
 #define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pty"
@@ -34,15 +27,6 @@ extern "C" void WrappedPathQuery(HINSTANCE inModule, unsigned short* outBuffer, 
 }
 
 namespace ORLTest {
-
-LanguageScope::LanguageScope(unsigned short inLanguage) : mEarlier(sLanguage.exchange(inLanguage))
-{
-}
-
-LanguageScope::~LanguageScope()
-{
-    sLanguage = mEarlier;
-}
 
 unsigned int CountOfPathQueries()
 {

@@ -24,8 +24,26 @@ add_custom_command(OUTPUT "${lookup_res}" "${lookup_dll}"
 add_custom_target(resource_files DEPENDS "${lookup_res}" "${lookup_dll}")
 add_dependencies(${room_target} resource_files)
 
-# The tests choose the language, and count what the platform is asked for.
-foreach(symbol _ZN3ORL15CurrentLanguageEv
-    _ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pt$<IF:$<BOOL:${WIN32}>,y,m>)
+# The tests count what the platform is asked for, and make it fail.
+foreach(symbol
+    _ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pt$<IF:$<BOOL:${WIN32}>,y,m>
+    _ZN3ORL7Modules8Platform17LoadResource_ImplERKNS1_6SourceEPKvRi
+    _ZN3ORL7Modules8Platform18OpenResources_ImplEP11HINSTANCE__)
   target_link_options(${room_target} PRIVATE "-Wl,--wrap=${symbol}")
 endforeach()
+
+# A host with static objects, linked to the shared libraries as hosts are.
+add_executable(library_module_host Resources/LibraryModuleHost.cpp)
+target_link_libraries(library_module_host PRIVATE ORLFoundation orl_strict)
+add_dependencies(${room_target} library_module_host)
+if(WIN32)
+  target_compile_definitions(${room_target} PRIVATE ORL_NO_LINUX_MODULE)
+else()
+  # What other programs find in the same module.
+  find_program(ORL_WRESTOOL wrestool REQUIRED)
+  find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED) # the one that has pefile's package
+  add_test(NAME Resources.Oracles.PefileAndWrestoolFindTheSame
+    COMMAND "${ORL_SYSTEM_PYTHON}" "${CMAKE_CURRENT_SOURCE_DIR}/Resources/compare_with_oracles.py" $<TARGET_FILE:orl>
+            "${ORL_WRESTOOL}" "${lookup_dll}")
+  set_tests_properties(Resources.Oracles.PefileAndWrestoolFindTheSame PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
+endif()

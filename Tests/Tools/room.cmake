@@ -1,5 +1,5 @@
 # The tests run the program that the build made beside them.
-add_dependencies(${room_target} orl)
+add_dependencies(${room_target} orl resource_files resources_lookup)
 
 # A host with orl's own stream in it, whose file is cut meanwhile.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
@@ -34,3 +34,4 @@ else()
 endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest")
+target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")

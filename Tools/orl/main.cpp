@@ -19,6 +19,7 @@ void AddCommands(CLI::App& ioProgram)
     orl::AddColour(ioProgram);
     orl::AddHash(ioProgram);
     orl::AddReg(ioProgram);
+    orl::AddResources(ioProgram);
     orl::AddInfo(ioProgram);
     orl::AddMakeClip(ioProgram);
 }

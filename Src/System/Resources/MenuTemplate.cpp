@@ -1,6 +1,6 @@
 #include <Resources/MenuTemplate.h>
 
-#include "ByteReader.h"
+#include "TemplateReader.h"
 
 namespace ORL {
 namespace Resources {
@@ -13,40 +13,6 @@ constexpr unsigned int kSeparator = 0x800;
 constexpr unsigned int kExtendedPopup = 0x01;
 constexpr std::uint16_t kExtended = 1;
 constexpr int kDeepest = 64;
-
-// Reads forward; once something is missing everything that follows fails.
-class TemplateReader
-{
-public:
-    explicit TemplateReader(const Bytes& inTemplate) : mTemplate(inTemplate) {}
-
-    template <class Number>
-    bool Read(Number& outNumber)
-    {
-        const bool isThere = ReadNumber(mTemplate, mPlace, outNumber);
-        mPlace += sizeof(outNumber);
-        return isThere;
-    }
-
-    bool ReadText(UTF16String& outText)
-    {
-        unsigned short unit = 0;
-        while (Read(unit)) {
-            if (unit == 0) {
-                return true;
-            }
-            outText += unit;
-        }
-        return false;
-    }
-
-    void Skip(std::uint64_t inSize) noexcept { mPlace += inSize; }
-    void AlignTo4() noexcept { mPlace = (mPlace + 3) & ~std::uint64_t{3}; }
-
-private:
-    const Bytes mTemplate;
-    std::uint64_t mPlace = 0;
-};
 
 bool ReadPlainItem(TemplateReader& ioReader, ParsedMenuItem& outItem, bool& outIsLast, bool& outIsPopup)
 {

@@ -24,6 +24,9 @@ private:
     [[maybe_unused]] unsigned int mEarlierCodePage; // of the Windows console
 };
 
+/// From here on standard output takes bytes as they are, and no text.
+void WriteBytesToOutput();
+
 /// Whether standard output is a terminal and not a file or pipe.
 bool OutputIsTerminal();
 

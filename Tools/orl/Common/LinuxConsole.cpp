@@ -53,4 +53,8 @@ ColourOutput::ColourOutput()
 }
 ColourOutput::~ColourOutput() = default;
 
+void WriteBytesToOutput()
+{
+}
+
 } // namespace orl

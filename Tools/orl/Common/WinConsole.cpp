@@ -80,4 +80,10 @@ ColourOutput::~ColourOutput()
     }
 }
 
+// The runtime would put a carriage return before each line feed.
+void WriteBytesToOutput()
+{
+    ::_setmode(::_fileno(stdout), _O_BINARY);
+}
+
 } // namespace orl

@@ -2,6 +2,7 @@
 
 #include <ORLDebug.h>
 #include <ORLString.h>
+#include <Resources/StringBlock.h>
 
 #include <cstdint>
 #include <cstring>
@@ -11,65 +12,26 @@ namespace ORL {
 
 namespace {
 
-constexpr unsigned short kStringType = 6;
-constexpr unsigned int kBlockBits = 4;
-constexpr unsigned int kPositionMask = 15;
-
-// Walks over the entries of a block: a count of units and the units, without padding. A block of a module that somebody
-// has damaged must not lead out of its bytes.
-class Block
-{
-public:
-    Block(const void* inData, int inSize)
-        : mData(static_cast<const unsigned char*>(inData)), mEnd(mData + static_cast<unsigned int>(inSize))
-    {
-    }
-
-    void StepOver(unsigned int inCount) noexcept
-    {
-        for (unsigned int k = 0; k < inCount && HasEntry(); ++k) {
-            mData += 2 + 2 * std::size_t{Length()};
-        }
-    }
-
-    /// Whether an entry stands here, wholly.
-    bool HasEntry() const noexcept
-    {
-        return mEnd - mData >= 2 && static_cast<std::size_t>(mEnd - mData - 2) >= 2 * std::size_t{Length()};
-    }
-
-    unsigned short Length() const noexcept
-    {
-        unsigned short length;
-        std::memcpy(&length, mData, sizeof(length));
-        return length;
-    }
-
-    const unsigned char* Text() const noexcept { return mData + 2; }
-
-private:
-    const unsigned char* mData;
-    const unsigned char* const mEnd;
-};
+using Resources::StringBlock;
 
 using Lookup = void* (ResourceCollection::*)(const unsigned short*, const unsigned short*, int&) const;
 
 unsigned int FindStringInResource(const ResourceCollection& inCollection, unsigned int inID,
                                   const unsigned char*& outText)
 {
-    const unsigned short* const block = MakeResourceID(static_cast<unsigned short>((inID >> kBlockBits) + 1));
+    const unsigned short* const block = MakeResourceID(Resources::BlockOfString(inID));
     const Lookup lookups[] = {&ResourceCollection::FindLocalizedResource,
                               &ResourceCollection::FindNonLocalizedResource};
     for (const Lookup lookup : lookups) {
         int size = 0;
-        void* const rsrc = (inCollection.*lookup)(block, MakeResourceID(kStringType), size);
+        void* const rsrc = (inCollection.*lookup)(block, MakeResourceID(Resources::kStringType), size);
         ORL_ASSERT_MESSAGE_AT(rsrc != nullptr, "rsrc != NULL", "", "StringUtils", 293,
                               "ORL::`anonymous-namespace'::FindStringInResource");
         if (rsrc == nullptr) {
             continue;
         }
-        Block data(rsrc, size);
-        data.StepOver(inID & kPositionMask);
+        StringBlock data(rsrc, static_cast<unsigned int>(size));
+        data.StepOver(inID % Resources::kStringsInBlock);
         const bool isInside = data.HasEntry();
         if (isInside && data.Length() == 0) {
             continue;

@@ -1,8 +1,8 @@
 #include <ORLModule.h>
 
 #include <ORLDebug.h>
+#include <ORLHostSettings.h>
 #include <Platform/Modules.h>
-#include <ResourceLanguage.h>
 
 #include <new>
 
@@ -122,7 +122,7 @@ Module::~Module()
 void* Module::FindLocalizedResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const
 {
     const Source source{mNativeModule, mResources};
-    const unsigned short language = CurrentLanguage();
+    const unsigned short language = GetLanguageID();
     Resource resource = FindResourceEx_Impl(source, inType, inName, language);
     if (resource == nullptr && language != kNeutral) {
         resource = FindResourceEx_Impl(source, inType, inName, kNeutral);

@@ -1,0 +1,45 @@
+# A plug-in with a block of sixteen texts and a thousand names, and the same for the peers.
+pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0)
+find_program(GLIB_COMPILE_RESOURCES glib-compile-resources REQUIRED)
+find_program(MSGFMT msgfmt REQUIRED)
+set(bench_resources "${CMAKE_CURRENT_BINARY_DIR}/resources")
+file(MAKE_DIRECTORY "${bench_resources}/locale/en_US/LC_MESSAGES")
+
+set(script "LANGUAGE 9, 1\nSTRINGTABLE\n{\n")
+set(catalogue "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n")
+foreach(position RANGE 0 15)
+  string(SUBSTRING "text number ${position}, made as long as all others" 0 40 text)
+  string(APPEND script "    ${position} \"${text}\"\n")
+  string(APPEND catalogue "\nmsgid \"text ${position}\"\nmsgstr \"${text}\"\n")
+endforeach()
+string(APPEND script "}\n")
+set(listing "<?xml version=\"1.0\"?>\n<gresources><gresource prefix=\"/orl\">\n")
+foreach(number RANGE 0 999)
+  math(EXPR digits "10000 + ${number}")
+  string(SUBSTRING ${digits} 1 4 digits)
+  string(APPEND script "PICTURE_${digits} RCDATA { \"${digits}\" }\n")
+  string(APPEND listing "<file alias=\"PICTURE_${digits}\">picture</file>\n")
+endforeach()
+string(APPEND listing "</gresource></gresources>\n")
+file(CONFIGURE OUTPUT "${bench_resources}/bench.rc" CONTENT "${script}" @ONLY)
+file(CONFIGURE OUTPUT "${bench_resources}/bench.po" CONTENT "${catalogue}" @ONLY)
+file(CONFIGURE OUTPUT "${bench_resources}/bench.gresource.xml" CONTENT "${listing}" @ONLY)
+file(CONFIGURE OUTPUT "${bench_resources}/picture" CONTENT "0000" @ONLY)
+
+set(bench_catalogue "${bench_resources}/locale/en_US/LC_MESSAGES/orlbench.mo")
+set(bench_gresource "${bench_resources}/bench.gresource")
+add_custom_command(OUTPUT "${bench_catalogue}" COMMAND "${MSGFMT}" bench.po -o "${bench_catalogue}"
+  WORKING_DIRECTORY "${bench_resources}" DEPENDS "${bench_resources}/bench.po" VERBATIM)
+add_custom_command(OUTPUT "${bench_gresource}"
+  COMMAND "${GLIB_COMPILE_RESOURCES}" bench.gresource.xml --target=${bench_gresource}
+  WORKING_DIRECTORY "${bench_resources}" DEPENDS "${bench_resources}/bench.gresource.xml" VERBATIM)
+add_custom_target(bench_resource_files DEPENDS "${bench_catalogue}" "${bench_gresource}")
+
+file(CONFIGURE OUTPUT "${bench_resources}/plug_in.cpp" CONTENT "// Nothing but resources.\n" @ONLY)
+add_library(bench_plug_in MODULE "${bench_resources}/plug_in.cpp")
+set_target_properties(bench_plug_in PROPERTIES PREFIX "")
+orl_target_resources(bench_plug_in "${bench_resources}/bench.rc")
+add_dependencies(${bench_target} bench_plug_in bench_resource_files)
+target_link_libraries(${bench_target} PRIVATE PkgConfig::GIO)
+target_compile_definitions(${bench_target} PRIVATE "ORL_BENCH_PLUG_IN=\"$<TARGET_FILE:bench_plug_in>\""
+  "ORL_BENCH_LOCALES=\"${bench_resources}/locale\"" "ORL_BENCH_GRESOURCE=\"${bench_gresource}\"")

@@ -1,0 +1,282 @@
+// orl res list|string|extract|check
+#include "Commands.h"
+#include "Console.h"
+#include "Failure.h"
+#include "ResourceCheck.h"
+#include "ResourceNames.h"
+#include "Text.h"
+
+#include <ORLFile.h>
+#include <ORLResourceFile.h>
+
+#include <iostream>
+#include <memory>
+#include <set>
+
+namespace orl {
+
+namespace {
+
+using ORL::Resources::FileEntry;
+using ORL::Resources::ResourceFile;
+
+constexpr unsigned short kString = 6;
+
+constexpr char kFileHelp[] = "a Windows module, a shared object or a .res file";
+
+struct Options
+{
+    std::string mFile;
+    std::vector<std::string> mFiles; // of check
+    std::string mType;
+    std::string mName;
+    std::string mLanguage = "en_US";
+    std::string mOutput; // empty: standard output
+    std::vector<unsigned int> mIDs;
+    bool mAsJson = false;
+};
+
+[[noreturn]] void Fail(const char* inCommand, const std::string& inFile, const std::string& inWhy)
+{
+    throw Failure("res " + std::string(inCommand) + ": cannot read \"" + inFile + "\": " + inWhy);
+}
+
+void Open(const char* inCommand, const std::string& inFile, ResourceFile& outFile)
+{
+    const ORL::Result result = outFile.Open(PathOfArgument(inFile));
+    if (result == ORL::kGeneralFailure) {
+        Fail(inCommand, inFile, "it is no Windows module, no shared object and no compiled resource file");
+    }
+    if (!ORL::ResultSucceeded(result)) {
+        Fail(inCommand, inFile, Describe(result));
+    }
+}
+
+const char* NameOfFormat(const ResourceFile& inFile)
+{
+    switch (inFile.GetFormat()) {
+    case ResourceFile::kCompiledFile:
+        return "compiled resource file";
+    case ResourceFile::kWindowsModule:
+        return "Windows module";
+    default:
+        return "shared object";
+    }
+}
+
+void WarnOfDamage(const char* inCommand, const std::string& inPath, const ResourceFile& inFile)
+{
+    if (inFile.IsDamaged()) {
+        Complain("res " + std::string(inCommand) + ": \"" + inPath
+                 + "\" is damaged: some of its resources cannot be read");
+    }
+}
+
+void PrintTable(const ResourceFile& inFile)
+{
+    std::cout << PaddedTo(14, "type") << PaddedTo(26, "name") << PaddedTo(10, "language") << "size\n";
+    for (const FileEntry& entry : inFile.GetEntries()) {
+        std::cout << PaddedTo(13, NameOfType(entry.mType)) << ' ' << PaddedTo(25, NameOfResource(entry.mName)) << ' '
+                  << PaddedTo(9, NameOfLanguage(entry.mLanguage)) << ' ' << entry.mSize << '\n';
+    }
+}
+
+void PrintName(const char* inMember, const ORL::Resources::FileName& inName)
+{
+    std::cout << '"' << inMember
+              << "\": " << (inName.mIsText ? JsonQuoted(ToUTF8(inName.mText)) : std::to_string(inName.mID));
+}
+
+void PrintJson(const ResourceFile& inFile)
+{
+    std::cout << "{\n  \"format\": " << JsonQuoted(NameOfFormat(inFile))
+              << ",\n  \"damaged\": " << (inFile.IsDamaged() ? "true" : "false") << ",\n  \"resources\": [";
+    const char* separator = "\n    {";
+    for (const FileEntry& entry : inFile.GetEntries()) {
+        std::cout << separator;
+        PrintName("type", entry.mType);
+        std::cout << ", ";
+        PrintName("name", entry.mName);
+        std::cout << ", \"language\": " << entry.mLanguage
+                  << ", \"languageName\": " << JsonQuoted(NameOfLanguage(entry.mLanguage))
+                  << ", \"size\": " << entry.mSize << '}';
+        separator = ",\n    {";
+    }
+    std::cout << "\n  ]\n}\n";
+}
+
+void List(const Options& inOptions)
+{
+    ResourceFile file;
+    Open("list", inOptions.mFile, file);
+    if (inOptions.mAsJson) {
+        PrintJson(file);
+        return;
+    }
+    PrintTable(file);
+    WarnOfDamage("list", inOptions.mFile, file);
+}
+
+// The identifiers that any language has a text for.
+std::set<unsigned int> IdentifiersOf(const ResourceFile& inFile)
+{
+    std::set<unsigned int> identifiers;
+    for (const FileEntry& entry : inFile.GetEntries()) {
+        std::vector<UTF16String> texts;
+        if (entry.mType.mIsText || entry.mType.mID != kString || entry.mName.mIsText || entry.mName.mID == 0
+            || !ORL::Resources::ReadStringBlock(entry, texts)) {
+            continue;
+        }
+        for (unsigned int i = 0; i < texts.size(); ++i) {
+            if (!texts[i].empty()) {
+                identifiers.insert((entry.mName.mID - 1u) * 16 + i);
+            }
+        }
+    }
+    return identifiers;
+}
+
+bool PrintString(const ResourceFile& inFile, unsigned int inID, unsigned short inLanguage)
+{
+    UTF16String text;
+    unsigned short answered = 0;
+    if (!inFile.FindString(inID, inLanguage, text, answered)) {
+        return false;
+    }
+    std::cout << PaddedTo(7, std::to_string(inID)) << ' ' << PaddedTo(8, NameOfLanguage(answered)) << ' '
+              << OnOneLine(ToUTF8(text)) << '\n';
+    return true;
+}
+
+void PrintStrings(const Options& inOptions)
+{
+    const unsigned short language = ReadLanguage(inOptions.mLanguage);
+    ResourceFile file;
+    Open("string", inOptions.mFile, file);
+    WarnOfDamage("string", inOptions.mFile, file);
+    if (inOptions.mIDs.empty()) {
+        for (const unsigned int id : IdentifiersOf(file)) {
+            PrintString(file, id, language);
+        }
+    } else if (!PrintString(file, inOptions.mIDs[0], language)) {
+        throw Failure("res string: \"" + inOptions.mFile + "\" has no text " + std::to_string(inOptions.mIDs[0])
+                      + " for " + NameOfLanguage(language));
+    }
+}
+
+void WriteFile(const std::string& inArgument, const FileEntry& inEntry)
+{
+    ORL::File file;
+    ORL::Result result =
+        file.Create(PathOfArgument(inArgument), ORL::FileAccessFlags::kFileAccess_Write,
+                    static_cast<ORL::FileShareModeFlags::Type>(0), ORL::FileCreateDispositionFlags::kFileCreate_Always,
+                    ORL::FileAttributesFlags::kFileAttribute_Normal, false);
+    unsigned int written = 0;
+    if (ORL::ResultSucceeded(result)) {
+        result = file.Write(inEntry.mData, static_cast<unsigned int>(inEntry.mSize), written);
+    }
+    if (!ORL::ResultSucceeded(result) || written != inEntry.mSize) {
+        throw Failure("res extract: cannot write \"" + inArgument
+                      + "\": " + Describe(ORL::ResultSucceeded(result) ? ORL::kDiskFull : result));
+    }
+}
+
+void Extract(const Options& inOptions)
+{
+    const unsigned short language = ReadLanguage(inOptions.mLanguage);
+    ResourceFile file;
+    Open("extract", inOptions.mFile, file);
+    const FileEntry* const entry =
+        file.FindLocalized(ReadName(inOptions.mName).c_str(), ReadType(inOptions.mType).c_str(), language);
+    if (entry == nullptr) {
+        throw Failure("res extract: \"" + inOptions.mFile + "\" has no " + inOptions.mType + " " + inOptions.mName
+                      + " for " + NameOfLanguage(language));
+    }
+    if (!inOptions.mOutput.empty()) {
+        WriteFile(inOptions.mOutput, *entry);
+        return;
+    }
+    WriteBytesToOutput();
+    std::cout.write(reinterpret_cast<const char*>(entry->mData), static_cast<std::streamsize>(entry->mSize));
+}
+
+void Check(const Options& inOptions)
+{
+    bool isGood = true;
+    for (const std::string& path : inOptions.mFiles) {
+        ResourceFile file;
+        Open("check", path, file);
+        for (const std::string& fault : FaultsOf(file)) {
+            std::cout << OnOneLine(path) << ": " << OnOneLine(fault) << '\n';
+            isGood = false;
+        }
+    }
+    std::cout.flush();
+    if (!isGood) {
+        throw PartialFailure();
+    }
+}
+
+CLI::App* AddCommand(CLI::App& ioResources, const std::shared_ptr<Options>& inOptions, const char* inName,
+                     const char* inWhat, void (*inRun)(const Options&))
+{
+    CLI::App* const command = ioResources.add_subcommand(inName, inWhat);
+    command->add_option("FILE", inOptions->mFile, kFileHelp)->required();
+    command->callback([inOptions, inRun] { inRun(*inOptions); });
+    return command;
+}
+
+void AddLanguage(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
+{
+    ioCommand.add_option("--language", inOptions->mLanguage, "de_DE, neutral, 1031 or 0x0407; en_US when left out");
+}
+
+void AddList(CLI::App& ioResources)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command =
+        AddCommand(ioResources, options, "list", "Show type, name, language and size of each resource", &List);
+    command->add_flag("--json", options->mAsJson, "write one JSON object");
+}
+
+void AddString(CLI::App& ioResources)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = AddCommand(ioResources, options, "string",
+                                         "Show one text, or all, and the language that answers", &PrintStrings);
+    command->add_option("ID", options->mIDs, "the identifier; all when left out")->expected(0, 1);
+    AddLanguage(*command, options);
+}
+
+void AddExtract(CLI::App& ioResources)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = AddCommand(ioResources, options, "extract", "Write the bytes of one resource", &Extract);
+    command->add_option("TYPE", options->mType, "RCDATA, a number or a text")->required();
+    command->add_option("NAME", options->mName, "a number or a text")->required();
+    AddLanguage(*command, options);
+    command->add_option("-o,--output", options->mOutput, "the file to write; standard output when left out");
+}
+
+void AddCheck(CLI::App& ioResources)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = ioResources.add_subcommand(
+        "check", "Find texts, menus and dialogs that a language lacks, parameters that differ, and what cannot be read");
+    command->add_option("FILE", options->mFiles, kFileHelp)->required();
+    command->callback([options] { Check(*options); });
+}
+
+} // namespace
+
+void AddResources(CLI::App& ioProgram)
+{
+    CLI::App* const resources = ioProgram.add_subcommand("res", "Look into the resources of modules and .res files");
+    resources->require_subcommand(1);
+    AddList(*resources);
+    AddString(*resources);
+    AddExtract(*resources);
+    AddCheck(*resources);
+}
+
+} // namespace orl
