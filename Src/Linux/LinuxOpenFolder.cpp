@@ -7,6 +7,15 @@ namespace Linux {
 
 namespace {
 
+int OpenToList(const char* inPath) noexcept
+{
+    int folder = -1;
+    do {
+        folder = System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0);
+    } while (folder < 0 && errno == EINTR);
+    return folder;
+}
+
 bool IsItselfOrAbove(const char* inName) noexcept
 {
     return inName[0] == '.' && (inName[1] == '\0' || (inName[1] == '.' && inName[2] == '\0'));
@@ -14,8 +23,7 @@ bool IsItselfOrAbove(const char* inName) noexcept
 
 } // namespace
 
-OpenFolder::OpenFolder(const char* inPath)
-    : mFile(System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0)), mEntries(mFile.Get())
+OpenFolder::OpenFolder(const char* inPath) : mFile(OpenToList(inPath)), mEntries(mFile.Get())
 {
 }
 
@@ -33,7 +41,10 @@ const dirent64* FolderEntries::Next()
 
 bool FolderEntries::Fill()
 {
-    const ssize_t size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
+    ssize_t size = 0;
+    do {
+        size = System().mGetDents(mFile, mBuffer, sizeof(mBuffer));
+    } while (size < 0 && errno == EINTR);
     mFailure = size < 0 ? errno : 0;
     mAt = 0;
     mSize = size > 0 ? static_cast<std::size_t>(size) : 0;

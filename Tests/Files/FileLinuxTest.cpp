@@ -151,6 +151,7 @@ TEST(FileOnLinux, AFileThatMayOnlyBeWritten_IsWritten)
         EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"f"), kRead, kShareEverything).mResult);
         return true;
     });
+    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // an ordinary user may not read it before
     EXPECT_EQ("hello", ContentsOf(folder, "f"));
 }
 

@@ -300,16 +300,14 @@ TEST_F(DeepTrees, Copy_WithoutADescriptor_FailsAndLeavesWholeFiles)
 TEST_F(DeepTrees, AFolderThatIsMovedAwayMeanwhile_EndsTheWorkAndNothingElseIsTouched)
 {
     MakeChain("from", 12);
-    mOutside.MakeFolder("sub");
-    mOutside.MakeFile("sub/f", "precious");
-    mOutsideTree = Read(mOutside.Host());
+    mFolder.MakeFolder("elsewhere");
+    mFolder.MakeFile("elsewhere/f", "precious");
     FaultySystemCalls calls;
     // A folder leaves the tree while the work is in the deepest below it, at the one file that there is.
     const fs::path deep = Host("from/d/d/d/d/d/d/d/d");
-    calls.Before(FaultySystemCalls::kUnlinkAt, 1, [&] { fs::rename(deep, mOutside.Host() / "sub/d"); });
+    calls.Before(FaultySystemCalls::kUnlinkAt, 1, [&] { fs::rename(deep, Host("elsewhere/d")); });
     EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(From()));
-    EXPECT_EQ("precious", Read(mOutside.Host())["sub/f"]);
+    EXPECT_EQ("precious", Read(Host("elsewhere"))["f"]);
     EXPECT_TRUE(fs::exists(Host("from/d/d/d/d/d/d/d")));
-    EXPECT_TRUE(fs::exists(mOutside.Host() / "sub/d"));
-    fs::remove_all(mOutside.Host() / "sub/d");
+    EXPECT_TRUE(fs::exists(Host("elsewhere/d")));
 }

@@ -18,10 +18,10 @@ private:
     {
         const char* const name = inEntry.mName.c_str();
         const bool mayBeFolder = inEntry.mType == DT_DIR || inEntry.mType == DT_UNKNOWN;
-        const int failure = mayBeFolder ? EnterFolder(name) : ENOTDIR;
+        int failure = mayBeFolder ? EnterFolder(name) : ENOTDIR;
         if (failure == ENOTDIR || failure == ELOOP) {
             TreeHold file;
-            return file.EnterFile(Folder(), name, kShareDelete, kShareAll);
+            failure = file.EnterFile(Folder(), name, kShareDelete, kShareAll);
         }
         // Nothing can be asked of what is in a folder that may not be read or searched.
         return failure == EACCES ? 0 : failure;
