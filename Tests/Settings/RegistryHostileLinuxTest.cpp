@@ -192,7 +192,7 @@ TEST_F(RegistryHostile, FlippedBytes_AreSurvived)
     const std::string whole = Contents(mFile);
     std::mt19937 random(7);
     unsigned noticed = 0;
-    for (int round = 0; round < 150; ++round) {
+    for (int round = 0; round < 60; ++round) {
         ReleaseStores();
         std::string flipped = whole;
         for (int i = 0; i < 4; ++i) {
