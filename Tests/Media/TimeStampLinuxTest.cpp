@@ -84,6 +84,7 @@ TEST(ProcessClock, UnderAHostileName_CountsFromTheStartOfTheProcess)
 TEST(TimeStamp, OfAClockThatTheTestMoves_CountsItsMilliseconds)
 {
     ::clock_gettime(CLOCK_BOOTTIME, &sTime);
+    sTime.tv_sec += 1; // a whole second that is not before the start of the process
     sTime.tv_nsec = 0;
     FaultySystemCalls calls;
     calls.Underneath().mClockGetTime = &ChosenTime;
