@@ -9,7 +9,7 @@
 
 namespace ORL {
 
-struct RegistryKey::PrivateImpl : Impl
+struct ORL_LOCAL RegistryKey::PrivateImpl : Impl
 {
     PrivateImpl() : mKey(new RegistryHandle) {}
 

@@ -2,9 +2,12 @@
 // The resources of any file, read as data on every platform: a Windows module, a Linux module that orl_target_resources
 // has put resources into, or a compiled resource file (.res). No code of the file runs.
 //
+//   std::size_t bytes = 0; // of all resources
 //   Resources::ResourceFile file;
 //   if (ResultSucceeded(file.Open(path))) {
-//       for (const Resources::FileEntry& entry : file.GetEntries()) { ... }
+//       for (const Resources::FileEntry& entry : file.GetEntries()) {
+//           bytes += entry.mSize;
+//       }
 //   }
 #pragma once
 

@@ -9,6 +9,7 @@ set(ORL_PACKAGE_BOOST_VERSION 1_74)
 set(CMAKE_INSTALL_PREFIX "${WORK}")
 configure_package_config_file("${SOURCE_DIR}/CMake/ORLFoundationConfig.cmake.in"
   "${WORK}/package/ORLFoundationConfig.cmake" INSTALL_DESTINATION package)
+file(COPY "${SOURCE_DIR}/CMake/OrlTargetResources.cmake" DESTINATION "${WORK}/package")
 file(WRITE "${WORK}/package/ORLFoundationTargets.cmake" "add_library(ORL::orl_boost_headers INTERFACE IMPORTED)\n")
 
 # The host looks for headers below this folder alone, as one that builds for another system does.

@@ -92,7 +92,7 @@ constexpr Reader kReaders[] = {
 
 } // namespace
 
-struct ResourceFile::PrivateImpl
+struct ORL_LOCAL ResourceFile::PrivateImpl
 {
     std::vector<unsigned char> mContents;
     ResourceIndex mIndex;

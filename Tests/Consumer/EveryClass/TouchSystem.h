@@ -53,6 +53,17 @@ inline void TouchRegistryStore()
           &RegistryStore::GetValue, &RegistryStore::Apply, &RegistryStore::Check, &RegistryStore::GetState);
 }
 
+inline void TouchResourceFiles()
+{
+    using namespace ORL;
+    Resources::ResourceFile file;
+    Touch(file.Open(MakeString("C:\\a file that is not there")), file.GetFormat(), file.IsDamaged(), file.GetEntries(),
+          &Resources::ResourceFile::FindLocalized, &Resources::ResourceFile::FindString);
+    const Resources::FileEntry entry{Resources::FileName{false, 6, UTF16String()}, {}, 0, nullptr, 0};
+    std::vector<UTF16String> texts;
+    Touch(Resources::ReadStringBlock(entry, texts), Resources::IsWellFormed(entry));
+}
+
 class HostsApplication : public ORL::Application
 {
 public:
@@ -140,6 +151,7 @@ inline void TouchSystem()
     TouchCodePages();
     TouchMachine();
     TouchModules();
+    TouchResourceFiles();
     TouchWhatWindowsHas();
     TouchRegistry();
     TouchRegistryStore();
