@@ -1,0 +1,24 @@
+// The table of messages that stands in for the home platform's.
+#include <ORLFailureReport.h>
+#include <ORLString.h>
+
+#include <gtest/gtest.h>
+#include <string>
+
+// The search is binary: an entry out of its order would not be found.
+TEST(SystemErrorMessageOnLinux, EveryEntryOfTheTable_IsFound)
+{
+    constexpr int kEntries = 167;
+    int found = 0;
+    for (unsigned int error = 0; error < 16384; ++error) {
+        const std::string message = ORL::MakeStdString(ORL::Win32ErrorCodeToMessage(error));
+        found += message.size() > 2 && message.compare(message.size() - 2, 2, "\r\n") == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(kEntries, found);
+}
+
+// Wine has no text for this one.
+TEST(SystemErrorMessageOnLinux, FileThatIsTooLarge_HasASentence)
+{
+    EXPECT_EQ("The file is larger than the limit allows.\r\n", ORL::MakeStdString(ORL::Win32ErrorCodeToMessage(223)));
+}
