@@ -1,4 +1,5 @@
-// The asynchronous reader with its memory refused at every place of the caller's thread.
+// The asynchronous reader with its memory refused at every place of the caller's thread. On Windows a refusal still ends the
+// process, which is a defect.
 #include "FilesSweep.h"
 
 #include <AsyncFileReaderImpl.h>
