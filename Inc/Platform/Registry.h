@@ -104,7 +104,7 @@ struct Edit
     const Value* mValue;         // of kSetValue, and for its name of kDeleteValue
 };
 
-/// Makes all changes below a root, or none. What is to be deleted may be missing. 50 where the system cannot, and nothing
+/// Makes all changes below a root, or none. Deletions of missing items succeed. Returns 50 if the system cannot, and nothing
 /// is done then.
 SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits);
 

@@ -149,7 +149,7 @@ TEST_F(FileSweep, Move)
         });
 }
 
-// Either nothing has happened, or the swap is done, is told, and has left no other name.
+// Either nothing has happened, or the swap is done, is reported, and has left no other name.
 TEST_F(FileSweep, SwapTempFile_IsDoneAndToldOrNotDone)
 {
     Result result = kSuccess;

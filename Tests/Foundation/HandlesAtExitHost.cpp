@@ -26,7 +26,7 @@ struct Shared
     std::vector<std::string> mTexts;
     std::vector<ImmutableString> mNames;
     ORL::ObjectPtr<ORL::MemoryRecycler, ORL::AtomicValue> mRecycler = ORL::MemoryRecycler::Instance();
-    bool mIsStopped = false; // the pool is asked for by nobody while it is dropped
+    bool mIsStopped = false; // nobody requests the pool while it is being dropped
     ORL::InterfaceRef<ORL::ThreadedWorkQueue> mQueue =
         ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
 };

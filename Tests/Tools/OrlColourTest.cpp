@@ -103,7 +103,7 @@ TEST(OrlColour, WhatCannotBeRead_IsAMistakeOfTheCommandLine)
     EXPECT_EQ(2, Colour({"1,2,3", "--from", "yiq"}).mExitCode);
 }
 
-// What goes into a file or a pipe has no escape sequences.
+// Output to a file or a pipe has no escape sequences.
 TEST(OrlColour, IntoAPipe_HasNoPatch)
 {
     EXPECT_EQ(std::string::npos, Colour({"#ff8000"}).mOutput.find('\x1b'));

@@ -20,7 +20,7 @@ const unsigned char* AddressIn(ElfW(Addr) inBase, ElfW(Addr) inOffset) noexcept
     return reinterpret_cast<const unsigned char*>(inBase + inOffset);
 }
 
-// The loader's lock is held meanwhile: nothing is asked for here.
+// The loader's lock is held meanwhile: nothing is requested here.
 int MatchImage(struct dl_phdr_info* inInfo, std::size_t, void* ioImage)
 {
     Image& image = *static_cast<Image*>(ioImage);

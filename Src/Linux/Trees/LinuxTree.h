@@ -16,7 +16,7 @@
 namespace ORL {
 namespace Linux {
 
-/// One name of a folder, and what the listing tells of it (DT_DIR ...).
+/// One name of a folder, and the type that the listing reports for it (DT_DIR ...).
 struct TreeEntry
 {
     std::string mName;

@@ -26,7 +26,7 @@ public:
     /// An open file or folder, which belongs to the hold from now on, whatever the answer is. It may be a failed open's -1.
     int EnterOpen(int inFile, unsigned inUses, unsigned inShares);
 
-    /// Lets go now, and closes the file.
+    /// Releases the hold now and closes the file.
     void Close() noexcept;
 
     /// -1 when nothing is open.

@@ -33,7 +33,7 @@ struct IngestItem
     std::optional<EntryIdentity> mEarlier; // the file that has its name at the destination
 };
 
-/// What is to be written to one volume.
+/// The bytes and files to be written to one volume.
 struct IngestVolume
 {
     std::string mFolder; // a folder of the destination that is there
