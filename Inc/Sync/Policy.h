@@ -91,7 +91,8 @@ struct SystemPolicy
     using MutexLock = boost::unique_lock<boost::mutex>;
     using Condition = boost::condition_variable;
 
-    static void SleepOn(Condition& ioCondition, MutexLock& ioLock) { ioCondition.wait(ioLock); }
+    /// Without an end. Without memory for the sleep it returns after a millisecond, as from a wake-up without a cause.
+    static void SleepOn(Condition& ioCondition, MutexLock& ioLock);
     /// False when the time ran out.
     static bool SleepOnFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
     {

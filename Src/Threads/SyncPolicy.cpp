@@ -2,6 +2,7 @@
 
 #include <Platform/Waiting.h>
 
+#include <new>
 #include <thread>
 
 namespace ORL {
@@ -47,6 +48,18 @@ void SystemPolicy::GiveWay(int inTurn)
         std::this_thread::yield();
     } else {
         SleepMilliseconds(1); // a yield lets no thread of lower priority run, and many that yield keep a loaded machine busy
+    }
+}
+
+void SystemPolicy::SleepOn(Condition& ioCondition, MutexLock& ioLock)
+{
+    try {
+        ioCondition.wait(ioLock);
+    } catch (const std::bad_alloc&) {
+        // On Windows the condition variable takes memory for each wait. Destructors wait too, and must not throw.
+        ioLock.unlock();
+        SleepMilliseconds(1);
+        ioLock.lock();
     }
 }
 

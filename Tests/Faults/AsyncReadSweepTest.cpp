@@ -1,5 +1,4 @@
-// The asynchronous reader with its memory refused at every place of the caller's thread. On Windows a refusal still ends the
-// process, which is a defect.
+// The asynchronous reader with its memory refused at every place of the caller's thread.
 #include "FilesSweep.h"
 
 #include <AsyncFileReaderImpl.h>
