@@ -32,6 +32,14 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
     u[i] = static_cast<float>((6.0 * u[i] / width - sig * u[i - 1]) / p);
 }
 
+// Null if there is no memory. The compiler's check of an array's size throws even from the non-throwing form, so sizes
+// beyond any memory do not reach it.
+std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
+{
+    constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
+    return std::unique_ptr<float[]>(inCount <= kMost ? new (std::nothrow) float[inCount] : nullptr);
+}
+
 } // namespace
 
 bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2)
@@ -41,7 +49,7 @@ bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2)
         return false;
     }
     // One point needs no array, but its first element is set all the same.
-    const std::unique_ptr<float[]> work(new (std::nothrow) float[std::max<std::size_t>(n - 1, 1)]);
+    const std::unique_ptr<float[]> work = AllocateFloats(std::max<std::size_t>(n - 1, 1));
     float* const u = work.get();
     if (u == nullptr) {
         return false;

@@ -173,6 +173,20 @@ TEST(SolveNaturalCubicSpline2D, NaNsAndInfinities_EndAndStoreEveryEntry)
     }
 }
 
+// No array of that many floats can be had; nothing is read or stored.
+TEST(SolveNaturalCubicSpline2D, MoreKnotsThanAnyMemoryHolds_ReturnsFalse)
+{
+    constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
+    for (const std::size_t count : {kMost, kMost / 2, kMost / 4, kMost / 8}) {
+        float knot = 1;
+        float bend = 99;
+        bool isSolved = true;
+        EXPECT_NO_THROW(isSolved = SolveNaturalCubicSpline2D(&knot, &knot, count, &bend)) << count;
+        EXPECT_FALSE(isSolved) << count;
+        EXPECT_EQ(99, bend) << count;
+    }
+}
+
 TEST(InterpolateNaturalCubicSpline2D, OnePoint_ReturnsFalse)
 {
     Spline spline{{3}, {4}, {}};
