@@ -1,4 +1,4 @@
-// Every value of the integer forms, and a grid of the float forms, against the formulas written down a second time.
+// Every value of the integer forms, and a grid of the float forms, against the formulas written by another hand.
 #include "ColorFormulas.h"
 #include "ColorSweeps.h"
 
@@ -37,10 +37,11 @@ bool SameBits(float inLeft, float inRight)
     return std::memcmp(&inLeft, &inRight, sizeof(inLeft)) == 0;
 }
 
-bool Same(const Color& inColor, const PlainColors::Bytes& inBytes)
+bool SameColor(const Color& inColor, const ByteTriple& inBytes)
 {
-    return inColor == Color(static_cast<unsigned char>(inBytes.r), static_cast<unsigned char>(inBytes.g),
-                            static_cast<unsigned char>(inBytes.b));
+    return inColor.GetValue()
+           == (static_cast<unsigned>(inBytes.a) | static_cast<unsigned>(inBytes.b) << 8
+               | static_cast<unsigned>(inBytes.c) << 16);
 }
 
 template <class Formulas>
@@ -53,32 +54,35 @@ void CompareYuv(std::uint32_t inStep)
         char u = 0;
         char v = 0;
         ORL::ColorRGBtoYUV(Color(first | second << 8 | third << 16), y, u, v);
-        const auto yuv =
-            Formulas::YuvOfBytes(static_cast<int>(first), static_cast<int>(second), static_cast<int>(third));
-        toYuv.Compare(yuv.y == y && yuv.u == static_cast<signed char>(u) && yuv.v == static_cast<signed char>(v), first,
+        const ByteTriple yuv =
+            Formulas::YUVFromRGB(static_cast<int>(first), static_cast<int>(second), static_cast<int>(third));
+        toYuv.Compare(yuv.a == y && yuv.b == static_cast<signed char>(u) && yuv.c == static_cast<signed char>(v), first,
                       second, third);
         Color color(0xFF000000ul);
         const char signedU = Signed(second);
         const char signedV = Signed(third);
         const bool hasUnclamped = ORL::ColorYUVtoRGB(static_cast<unsigned char>(first), signedU, signedV, color);
-        const auto bytes = Formulas::BytesOfYuv(static_cast<int>(first), static_cast<signed char>(signedU),
-                                                static_cast<signed char>(signedV));
-        fromYuv.Compare(color.GetValue() == (static_cast<unsigned>(bytes.r) | static_cast<unsigned>(bytes.g) << 8
-                                             | static_cast<unsigned>(bytes.b) << 16)
-                            && hasUnclamped == (bytes.inside > 0),
-                        first, second, third);
+        bool isAnyInside = false;
+        const ByteTriple rgb = Formulas::RGBFromYUV(static_cast<int>(first), static_cast<signed char>(signedU),
+                                                    static_cast<signed char>(signedV), isAnyInside);
+        fromYuv.Compare(SameColor(color, rgb) && hasUnclamped == isAnyInside, first, second, third);
     });
 }
 
 // What a function leaves alone keeps these.
 constexpr unsigned kUntouched[] = {1001, 1002, 1003};
 
-template <class PolarBytes>
-bool SamePolar(const PolarBytes& inExpected, const unsigned (&inGiven)[3], bool inHasHue, bool inHasSaturation)
+using ToWholeShade = void (*)(const Color&, unsigned&, unsigned&, unsigned&, bool*, bool*);
+
+bool SameShade(ToWholeShade inConvert, const Color& inColor, const WholeShade& inExpected)
 {
-    return inExpected.hasHue == inHasHue && inExpected.hasSaturation == inHasSaturation
-           && inGiven[0] == (inHasHue ? inExpected.hue : kUntouched[0])
-           && inGiven[1] == (inHasSaturation ? inExpected.saturation : kUntouched[1]) && inGiven[2] == inExpected.level;
+    unsigned given[] = {kUntouched[0], kUntouched[1], kUntouched[2]};
+    bool hasHue = !inExpected.hue;
+    bool hasSaturation = !inExpected.saturation;
+    inConvert(inColor, given[0], given[1], given[2], &hasHue, &hasSaturation);
+    return hasHue == inExpected.hue.has_value() && hasSaturation == inExpected.saturation.has_value()
+           && given[0] == inExpected.hue.value_or(kUntouched[0])
+           && given[1] == inExpected.saturation.value_or(kUntouched[1]) && given[2] == inExpected.level;
 }
 
 template <class Formulas>
@@ -88,17 +92,8 @@ void ComparePolar(std::uint32_t inStep)
     Differences toHsl("ColorRGBtoHSL");
     ForEachThreeBytes(inStep, [&](unsigned r, unsigned g, unsigned b) {
         const Color color(r | g << 8 | b << 16);
-        unsigned given[] = {kUntouched[0], kUntouched[1], kUntouched[2]};
-        bool hasHue = false;
-        bool hasSaturation = false;
-        ORL::ColorRGBtoHSV(color, given[0], given[1], given[2], &hasHue, &hasSaturation);
-        const int red = static_cast<int>(r);
-        const int green = static_cast<int>(g);
-        const int blue = static_cast<int>(b);
-        toHsv.Compare(SamePolar(Formulas::HsvOfBytes(red, green, blue), given, hasHue, hasSaturation), r, g, b);
-        std::memcpy(given, kUntouched, sizeof(given));
-        ORL::ColorRGBtoHSL(color, given[0], given[1], given[2], &hasHue, &hasSaturation);
-        toHsl.Compare(SamePolar(Formulas::HslOfBytes(red, green, blue), given, hasHue, hasSaturation), r, g, b);
+        toHsv.Compare(SameShade(&ORL::ColorRGBtoHSV, color, Formulas::WholeHSVFromRGB(r, g, b)), r, g, b);
+        toHsl.Compare(SameShade(&ORL::ColorRGBtoHSL, color, Formulas::WholeHSLFromRGB(r, g, b)), r, g, b);
     });
 }
 
@@ -110,62 +105,121 @@ void CompareFromPolar(std::uint32_t inStep)
     Differences hslToHsv("ColorHSLtoHSV");
     Differences hsvToHsl("ColorHSVtoHSL");
     ForEachPolar(inStep, [&](unsigned h, unsigned s, unsigned l) {
-        const auto same = [](const Color& inColor, const auto& inBytes) {
-            return inColor.GetValue() == (static_cast<unsigned>(inBytes.r) | static_cast<unsigned>(inBytes.g) << 8
-                                          | static_cast<unsigned>(inBytes.b) << 16);
-        };
-        const auto samePolar = [](const unsigned (&inGiven)[3], const auto& inExpected) {
+        const auto same = [](const unsigned (&inGiven)[3], const WholeShade& inExpected) {
             return inGiven[0] == inExpected.hue && inGiven[1] == inExpected.saturation && inGiven[2] == inExpected.level;
         };
         Color color(0xFF000000ul);
         ORL::ColorHSVtoRGB(h, s, l, color);
-        fromHsv.Compare(same(color, Formulas::BytesOfHsv(h, s, l)), h, s, l);
+        fromHsv.Compare(SameColor(color, Formulas::RGBFromWholeHSV(h, s, l)), h, s, l);
         ORL::ColorHSLtoRGB(h, s, l, color);
-        fromHsl.Compare(same(color, Formulas::BytesOfHsl(h, s, l)), h, s, l);
+        fromHsl.Compare(SameColor(color, Formulas::RGBFromWholeHSL(h, s, l)), h, s, l);
         unsigned given[3] = {};
         ORL::ColorHSLtoHSV(h, s, l, given[0], given[1], given[2]);
-        hslToHsv.Compare(samePolar(given, Formulas::HsvOfHsl(h, s, l)), h, s, l);
+        hslToHsv.Compare(same(given, Formulas::WholeHSVFromWholeHSL(h, s, l)), h, s, l);
         ORL::ColorHSVtoHSL(h, s, l, given[0], given[1], given[2]);
-        hsvToHsl.Compare(samePolar(given, Formulas::HslOfHsv(h, s, l)), h, s, l);
+        hsvToHsl.Compare(same(given, Formulas::WholeHSLFromWholeHSV(h, s, l)), h, s, l);
     });
 }
 
-// As the sweeps call them, with flags folded into the level.
-bool SameChannels(const float (&inGiven)[3], float inFirst, float inSecond, float inThird)
+template <class Triple>
+bool SameTriple(const float (&inGiven)[3], const Triple& inExpected)
 {
-    return SameBits(inGiven[0], inFirst) && SameBits(inGiven[1], inSecond) && SameBits(inGiven[2], inThird);
+    return SameBits(inGiven[0], Plain(inExpected.a)) && SameBits(inGiven[1], Plain(inExpected.b))
+           && SameBits(inGiven[2], Plain(inExpected.c));
 }
 
 template <class Formulas, class Single>
-void CompareFloats(std::uint32_t inStep)
+void CompareRgb(std::uint32_t inStep)
+{
+    Differences fromHsv("NormalizedHSVtoRGB");
+    Differences fromHsl("NormalizedHSLtoRGB");
+    ForEachThreeFloats(inStep, -0.25f, 1.25f, [&](float h, float s, float l) {
+        const Single hue(h);
+        const Single saturation(s);
+        const Single level(l);
+        float given[] = {7, 8, 9};
+        ORL::NormalizedHSVtoRGB(h, s, l, given[0], given[1], given[2]);
+        const typename Formulas::Triple untouched{7.0f, 8.0f, 9.0f};
+        fromHsv.Compare(SameTriple(given, Formulas::RGBFromHSV(hue, saturation, level).value_or(untouched)), h, s, l);
+        ORL::NormalizedHSLtoRGB(h, s, l, given[0], given[1], given[2]);
+        fromHsl.Compare(SameTriple(given, Formulas::RGBFromHSL(hue, saturation, level)), h, s, l);
+    });
+}
+
+template <class Formulas, class Single>
+void CompareComponents(std::uint32_t inStep)
 {
     Differences toYPbPr("ColorRGBToYPbPr");
     Differences fromYPbPr("ColorYPbPrToRGB");
     Differences toYiq("ColorYPbPrToYIQ");
-    Differences fromHsv("NormalizedHSVtoRGB");
-    Differences fromHsl("NormalizedHSLtoRGB");
-    ForEachThreeFloats(inStep, -0.25f, 1.25f, [&](float x, float y, float z) {
+    Differences toHue("ColorPbPrToHue");
+    ForEachThreeFloats(inStep, -0.75f, 1.25f, [&](float x, float y, float z) {
         const Single first(x);
         const Single second(y);
         const Single third(z);
-        const auto same = [](const float (&inGiven)[3], const auto& inExpected) {
-            return SameChannels(inGiven, Plain(inExpected.r), Plain(inExpected.g), Plain(inExpected.b));
-        };
         float given[3] = {};
         ORL::ColorRGBToYPbPr(x, y, z, given[0], given[1], given[2]);
-        toYPbPr.Compare(same(given, Formulas::YPbPrOfRgb(first, second, third)), x, y, z);
+        toYPbPr.Compare(SameTriple(given, Formulas::YPbPrFromRGB(first, second, third)), x, y, z);
         ORL::ColorYPbPrToRGB(x, y, z, given[0], given[1], given[2]);
-        fromYPbPr.Compare(same(given, Formulas::RgbOfYPbPr(first, second, third)), x, y, z);
+        fromYPbPr.Compare(SameTriple(given, Formulas::RGBFromYPbPr(first, second, third)), x, y, z);
         ORL::ColorYPbPrToYIQ(x, y, z, given[0], given[1], given[2]);
-        toYiq.Compare(same(given, Formulas::YiqOfYPbPr(first, second, third)), x, y, z);
-        float hsv[] = {7, 8, 9};
-        typename Formulas::Channels channels{Single(7.0f), Single(8.0f), Single(9.0f)};
-        ORL::NormalizedHSVtoRGB(x, y, z, hsv[0], hsv[1], hsv[2]);
-        Formulas::RgbOfHsv(first, second, third, channels);
-        fromHsv.Compare(same(hsv, channels), x, y, z);
-        ORL::NormalizedHSLtoRGB(x, y, z, given[0], given[1], given[2]);
-        fromHsl.Compare(same(given, Formulas::RgbOfHsl(first, second, third)), x, y, z);
+        toYiq.Compare(SameTriple(given, Formulas::YIQFromYPbPr(first, second, third)), x, y, z);
+        ORL::ColorPbPrToHue(y, z, given[0]);
+        toHue.Compare(SameBits(given[0], Plain(Formulas::HueFromPbPr(second, third))), x, y, z);
     });
+}
+
+using ToLevels = void (*)(float, float, float, float&, float&);
+
+template <class Levels>
+bool SameLevels(ToLevels inConvert, float inFirst, float inSecond, float inThird, const Levels& inExpected)
+{
+    float given[2] = {};
+    inConvert(inFirst, inSecond, inThird, given[0], given[1]);
+    return SameBits(given[0], Plain(inExpected.luma)) && SameBits(given[1], Plain(inExpected.chroma));
+}
+
+template <class Formulas, class Single>
+void CompareLevels(std::uint32_t inStep)
+{
+    Differences fromRgb("ColorRGBToIRE, ColorRGBToMV");
+    Differences fromYPbPr("ColorYPbPrToIRE, ColorYPbPrToMV");
+    ForEachThreeFloats(inStep, -0.75f, 1.25f, [&](float x, float y, float z) {
+        const auto ofRgb = Formulas::IREFromRGB(Single(x), Single(y), Single(z));
+        fromRgb.Compare(SameLevels(&ORL::ColorRGBToIRE, x, y, z, ofRgb)
+                            && SameLevels(&ORL::ColorRGBToMV, x, y, z, Formulas::Millivolts(ofRgb)),
+                        x, y, z);
+        const auto ofYPbPr = Formulas::IREFromYPbPr(Single(x), Single(y), Single(z));
+        fromYPbPr.Compare(SameLevels(&ORL::ColorYPbPrToIRE, x, y, z, ofYPbPr)
+                              && SameLevels(&ORL::ColorYPbPrToMV, x, y, z, Formulas::Millivolts(ofYPbPr)),
+                          x, y, z);
+    });
+}
+
+template <class Single>
+float ValueOr(const std::optional<Single>& inValue, float inUntouched)
+{
+    return inValue ? Plain(*inValue) : inUntouched;
+}
+
+template <class Shade>
+bool SameValues(const float (&inGiven)[3], const Shade& inExpected)
+{
+    return SameBits(inGiven[0], ValueOr(inExpected.hue, 7)) && SameBits(inGiven[1], ValueOr(inExpected.saturation, 8))
+           && SameBits(inGiven[2], Plain(inExpected.level));
+}
+
+using ToShade = void (*)(float, float, float, float&, float&, float&, bool*, bool*);
+
+template <class Shade>
+bool SameShade(ToShade inConvert, float inR, float inG, float inB, const Shade& inExpected)
+{
+    float given[] = {7, 8, 9};
+    bool hasHue = !inExpected.hue;
+    bool hasSaturation = !inExpected.saturation;
+    inConvert(inR, inG, inB, given[0], given[1], given[2], &hasHue, &hasSaturation);
+    return hasHue == inExpected.hue.has_value() && hasSaturation == inExpected.saturation.has_value()
+           && SameValues(given, inExpected);
 }
 
 template <class Formulas, class Single>
@@ -173,21 +227,26 @@ void CompareNormalizedPolar(std::uint32_t inStep)
 {
     Differences toHsv("NormalizedRGBtoHSV");
     Differences toHsl("NormalizedRGBtoHSL");
-    ForEachThreeFloats(inStep, -0.25f, 1.25f, [&](float r, float g, float b) {
-        const auto same = [](const float (&inGiven)[3], bool inHasHue, bool inHasSaturation, const auto& inExpected) {
-            return inHasHue == inExpected.hasHue && inHasSaturation == inExpected.hasSaturation
-                   && SameChannels(inGiven, inHasHue ? Plain(inExpected.hue) : 7.0f,
-                                   inHasSaturation ? Plain(inExpected.saturation) : 8.0f, Plain(inExpected.level));
-        };
-        float hsv[] = {7, 8, 9};
-        bool hasHue = false;
-        bool hasSaturation = false;
-        ORL::NormalizedRGBtoHSV(r, g, b, hsv[0], hsv[1], hsv[2], &hasHue, &hasSaturation);
-        toHsv.Compare(same(hsv, hasHue, hasSaturation, Formulas::HsvOfRgb(Single(r), Single(g), Single(b))), r, g, b);
-        float hsl[] = {7, 8, 9};
-        ORL::NormalizedRGBtoHSL(r, g, b, hsl[0], hsl[1], hsl[2], &hasHue, &hasSaturation);
-        toHsl.Compare(same(hsl, hasHue, hasSaturation, Formulas::HslOfRgb(Single(r), Single(g), Single(b))), r, g, b);
+    Differences fromYPbPr("ColorYPbPrToHSL");
+    ForEachThreeFloats(inStep, -0.25f, 1.25f, [&](float x, float y, float z) {
+        const Single first(x);
+        const Single second(y);
+        const Single third(z);
+        toHsv.Compare(SameShade(&ORL::NormalizedRGBtoHSV, x, y, z, Formulas::HSVFromRGB(first, second, third)), x, y, z);
+        toHsl.Compare(SameShade(&ORL::NormalizedRGBtoHSL, x, y, z, Formulas::HSLFromRGB(first, second, third)), x, y, z);
+        float given[] = {7, 8, 9};
+        ORL::ColorYPbPrToHSL(x, y, z, given[0], given[1], given[2]);
+        fromYPbPr.Compare(SameValues(given, Formulas::HSLFromYPbPr(first, second, third)), x, y, z);
     });
+}
+
+template <class Formulas, class Single>
+void CompareFloats(std::uint32_t inStep)
+{
+    CompareRgb<Formulas, Single>(inStep);
+    CompareComponents<Formulas, Single>(inStep);
+    CompareLevels<Formulas, Single>(inStep);
+    CompareNormalizedPolar<Formulas, Single>(inStep);
 }
 
 } // namespace
@@ -210,7 +269,6 @@ TEST(ColorEveryValue, HsvAndHslToRgbAndToEachOther_AreThoseOfThePlainFormulas)
 TEST(ColorEveryValue, FloatForms_AreThoseOfThePlainFormulasToTheLastBit)
 {
     CompareFloats<PlainColors, float>(1);
-    CompareNormalizedPolar<PlainColors, float>(1);
 }
 
 // With each operation done in a wider type and rounded once.
@@ -220,7 +278,6 @@ TEST(ColorEveryValue, ASampleOfAll_IsThatOfTheFormulasWithEachOperationRoundedOn
     ComparePolar<ExactColors>(97);
     CompareFromPolar<ExactColors>(31);
     CompareFloats<ExactColors, ExactSingle>(7);
-    CompareNormalizedPolar<ExactColors, ExactSingle>(7);
 }
 
 TEST(ColorEveryValue, YuvSingles_AreThoseOfTheFormulasWithEachOperationRoundedOnce)
@@ -229,9 +286,9 @@ TEST(ColorEveryValue, YuvSingles_AreThoseOfTheFormulasWithEachOperationRoundedOn
     ForEachThreeFloats(3, -140.0f, 300.0f, [&](float y, float u, float v) {
         Color color;
         ORL::ColorYUVtoRGBf(y, u, v, color);
-        const auto bytes = ExactColors::BytesOfYuvSingles(ExactSingle(y), ExactSingle(u), ExactSingle(v));
-        const auto plain = PlainColors::BytesOfYuvSingles(y, u, v);
-        differences.Compare(Same(color, plain) && bytes.r == plain.r && bytes.g == plain.g && bytes.b == plain.b, y, u, v);
+        const ByteTriple exact = ExactColors::RGBFromFloatYUV(ExactSingle(y), ExactSingle(u), ExactSingle(v));
+        const ByteTriple plain = PlainColors::RGBFromFloatYUV(y, u, v);
+        differences.Compare(SameColor(color, exact) && SameColor(color, plain), y, u, v);
     });
 }
 

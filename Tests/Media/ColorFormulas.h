@@ -1,351 +1,405 @@
-// The colour formulas a second time, written down plainly and apart from the library's sources, as the tests' oracle.
+// The colour formulas a second time, as the tests' oracle: one plain function for each formula, sums from left to right.
+// Written from the formulas alone, by another hand than the library's, and sharing no code with it.
 //
-// They are templates over the two number types they compute in. With float and double they run as fast as the sweeps
-// need. With Rounded<...> each single operation is computed in a wider type and rounded once, so no compiler setting
-// can contract, reorder or widen anything: the innermost arbiter for a sample of the values.
+// Every function is a template over the type of its singles and the type of its doubles. float and double run as fast as
+// the sweeps need; ExactSingle and ExactDouble leave the compiler no choice in any operation.
 #pragma once
 
+#include "RoundedNumber.h"
+
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
+#include <optional>
 
 namespace ORLTest {
 
-__extension__ typedef __float128 Quad;
-
-/// A number of type T whose every operation is done in Wide and rounded to T. Wide has more than twice the digits of T,
-/// so rounding twice gives what rounding once gives.
-template <class T, class Wide>
-class Rounded
+struct ByteTriple
 {
-public:
-    Rounded(T inValue = 0) : mValue(inValue) {}
-    template <class OtherT, class OtherWide>
-    explicit Rounded(const Rounded<OtherT, OtherWide>& inOther) : mValue(static_cast<T>(inOther.Value()))
-    {
-    }
-
-    T Value() const { return mValue; }
-
-    friend Rounded operator+(Rounded l, Rounded r) { return Wide(l.mValue) + Wide(r.mValue); }
-    friend Rounded operator-(Rounded l, Rounded r) { return Wide(l.mValue) - Wide(r.mValue); }
-    friend Rounded operator*(Rounded l, Rounded r) { return Wide(l.mValue) * Wide(r.mValue); }
-    friend Rounded operator/(Rounded l, Rounded r) { return Wide(l.mValue) / Wide(r.mValue); }
-    friend bool operator<(Rounded l, Rounded r) { return l.mValue < r.mValue; }
-    friend bool operator>(Rounded l, Rounded r) { return l.mValue > r.mValue; }
-    friend bool operator>=(Rounded l, Rounded r) { return l.mValue >= r.mValue; }
-    friend bool operator<=(Rounded l, Rounded r) { return l.mValue <= r.mValue; }
-    friend bool operator==(Rounded l, Rounded r) { return l.mValue == r.mValue; }
-
-private:
-    Rounded(Wide inValue) : mValue(static_cast<T>(inValue)) {}
-
-    T mValue;
+    int a, b, c;
 };
 
-using ExactSingle = Rounded<float, double>;
-using ExactDouble = Rounded<double, Quad>;
+/// What a colour does not have is empty.
+struct WholeShade
+{
+    std::optional<unsigned> hue, saturation;
+    unsigned level;
+};
 
-inline float Plain(float inValue)
-{
-    return inValue;
-}
-inline double Plain(double inValue)
-{
-    return inValue;
-}
-template <class T, class Wide>
-T Plain(Rounded<T, Wide> inValue)
-{
-    return inValue.Value();
-}
-
-/// S computes what is single, D what is double.
-template <class S, class D>
+template <class Single, class Double>
 struct ColorFormulas
 {
-    struct Channels
+    struct Triple
     {
-        S r, g, b;
+        Single a, b, c;
     };
 
-    /// A hue and a saturation that are not stored have their flag off.
-    struct Polar
+    struct Levels
     {
-        S hue, saturation, level;
-        bool hasHue, hasSaturation;
+        Single luma, chroma;
     };
 
-    struct Yuv
+    /// What a colour does not have is empty.
+    struct Shade
     {
-        int y, u, v; // u and v about 0
+        std::optional<Single> hue, saturation;
+        Single level;
     };
 
-    struct Bytes
-    {
-        int r, g, b;
-        int inside; // how many channels needed no clamp
-    };
+    static bool NearZero(Single inValue) { return std::fabs(Plain(inValue)) < 0.0001f; }
 
-    static long Cut(D inValue) { return static_cast<long>(Plain(inValue)); }
-    static long CutSingle(S inValue) { return static_cast<long>(Plain(inValue)); }
-    static int Clamped(long inValue) { return inValue < 0 ? 0 : inValue > 255 ? 255 : static_cast<int>(inValue); }
+    static double Truncated(Double inValue) { return std::trunc(Plain(inValue)); }
 
-    static Yuv YuvOfBytes(int inR, int inG, int inB)
+    static int Clamped(double inWhole) { return inWhole < 0.0 ? 0 : inWhole > 255.0 ? 255 : static_cast<int>(inWhole); }
+
+    // Bytes and YUV
+
+    /// Y from 0 to 255, U and V from -128 to 127.
+    static ByteTriple YUVFromRGB(int inR, int inG, int inB)
     {
-        const D r(static_cast<double>(inR)), g(static_cast<double>(inG)), b(static_cast<double>(inB));
-        const long y = Cut(D(0.257) * r + D(0.504) * g + D(0.098) * b + D(16.0));
-        const long v = Cut(D(0.439) * r - D(0.368) * g - D(0.071) * b + D(128.0));
-        const long u = Cut(D(-0.148) * r - D(0.291) * g + D(0.439) * b + D(128.0));
-        return {Clamped(y), Clamped(u) - 128, Clamped(v) - 128};
+        const Double r = static_cast<double>(inR), g = static_cast<double>(inG), b = static_cast<double>(inB);
+        const int y = Clamped(Truncated(0.257 * r + 0.504 * g + 0.098 * b + 16.0));
+        const int v = Clamped(Truncated(0.439 * r - 0.368 * g - 0.071 * b + 128.0));
+        const int u = Clamped(Truncated(-0.148 * r - 0.291 * g + 0.439 * b + 128.0));
+        return {y, u - 128, v - 128};
     }
 
-    static Bytes BytesOfYuv(int inY, int inU, int inV)
+    /// outAnyInside: whether at least one channel needed no clamping.
+    static ByteTriple RGBFromYUV(int inY, int inU, int inV, bool& outAnyInside)
     {
-        const D u(static_cast<double>(inU)), v(static_cast<double>(inV));
-        const D y = D(static_cast<double>(inY - 16)) * D(1.164);
-        const long wanted[] = {Cut(D(1.596) * v + y), Cut(y - D(0.392) * u - D(0.813) * v), Cut(D(2.017) * u + y)};
-        Bytes bytes{Clamped(wanted[0]), Clamped(wanted[1]), Clamped(wanted[2]), 0};
-        for (const long channel : wanted) {
-            bytes.inside += channel >= 0 && channel <= 255 ? 1 : 0;
-        }
-        return bytes;
-    }
-
-    static int RoundedAwayFromZero(S inValue)
-    {
-        const D value(inValue);
-        return Clamped(Plain(inValue) < 0 ? Cut(value - D(0.5)) : Cut(value + D(0.5)));
-    }
-
-    static Bytes BytesOfYuvSingles(S inY, S inU, S inV)
-    {
-        const S y = (inY - S(16.0f)) * S(1.164f);
-        const S r = S(1.596f) * inV + y;
-        const S g = y - S(0.392f) * inU - S(0.813f) * inV;
-        const S b = S(2.017f) * inU + y;
-        return {RoundedAwayFromZero(r), RoundedAwayFromZero(g), RoundedAwayFromZero(b), 0};
-    }
-
-    /// Y, Pb, Pr in the places of r, g, b.
-    static Channels YPbPrOfRgb(S r, S g, S b)
-    {
-        return {S(0.299f) * r + S(0.587f) * g + S(0.114f) * b, S(-0.168736f) * r - S(0.331264f) * g + S(0.5f) * b,
-                S(0.5f) * r - S(0.418688f) * g - S(0.081312f) * b};
-    }
-
-    static Channels RgbOfYPbPr(S y, S pb, S pr)
-    {
-        return {S(1.402f) * pr + y, y - S(0.344136f) * pb - S(0.714136f) * pr, S(1.772f) * pb + y};
-    }
-
-    static Channels YiqOfYPbPr(S y, S pb, S pr)
-    {
-        return {y, S(-0.544639f) * pb + S(0.838671f) * pr, S(0.544639f) * pr + S(0.838671f) * pb};
-    }
-
-    // The red channel is 0, green 1, blue 2.
-    static int LargestStrictly(const S (&c)[3])
-    {
-        if (c[1] > c[0]) {
-            return c[2] > c[1] ? 2 : 1;
-        }
-        return c[2] > c[0] ? 2 : 0;
-    }
-
-    static int SmallestStrictly(const S (&c)[3])
-    {
-        if (c[0] > c[1]) {
-            return c[1] > c[2] ? 2 : 1;
-        }
-        return c[0] > c[2] ? 2 : 0;
-    }
-
-    static int LargestOrEqual(const S (&c)[3])
-    {
-        for (const int candidate : {2, 1}) {
-            if (c[candidate] >= c[0] && c[candidate] >= c[1] && c[candidate] >= c[2]) {
-                return candidate;
+        const Double u = static_cast<double>(inU), v = static_cast<double>(inV);
+        const Double y = Double(inY - 16.0) * 1.164;
+        const double channels[] = {Truncated(1.596 * v + y), Truncated(y - 0.392 * u - 0.813 * v),
+                                   Truncated(2.017 * u + y)};
+        outAnyInside = false;
+        for (const double channel : channels) {
+            if (channel >= 0.0 && channel <= 255.0) {
+                outAnyInside = true;
             }
         }
-        return 0;
+        return {Clamped(channels[0]), Clamped(channels[1]), Clamped(channels[2])};
     }
 
-    static int SmallestOrEqual(const S (&c)[3])
+    static int RoundedAwayFromZero(Single inValue)
     {
-        for (const int candidate : {2, 1}) {
-            if (c[candidate] <= c[0] && c[candidate] <= c[1] && c[candidate] <= c[2]) {
-                return candidate;
-            }
-        }
-        return 0;
+        const Double value(inValue);
+        return Clamped(Truncated(value < 0.0 ? value - 0.5 : value + 0.5));
     }
 
-    static bool NearZero(S inValue) { return std::fabs(Plain(inValue)) < 0.0001f; }
-
-    // The sector, then +6 and /6 in double with one rounding at the end.
-    static S HueOf(const S (&c)[3], int inLargest, S inSpread)
+    static ByteTriple RGBFromFloatYUV(Single inY, Single inU, Single inV)
     {
-        S sixths = (c[(inLargest + 1) % 3] - c[(inLargest + 2) % 3]) / inSpread;
-        if (inLargest != 0) {
-            sixths = sixths + S(inLargest == 1 ? 2.0f : 4.0f);
-        }
-        D wide(sixths);
-        if (Plain(wide) < 0) {
-            wide = wide + D(6.0);
-        }
-        return S(wide / D(6.0));
+        const Single y = (inY - 16.0f) * 1.164f;
+        return {RoundedAwayFromZero(1.596f * inV + y), RoundedAwayFromZero(y - 0.392f * inU - 0.813f * inV),
+                RoundedAwayFromZero(2.017f * inU + y)};
     }
 
-    static Polar HsvOfRgb(S r, S g, S b)
+    // The component forms
+
+    static Triple YPbPrFromRGB(Single inR, Single inG, Single inB)
     {
-        const S c[] = {r, g, b};
-        const int most = LargestStrictly(c);
-        Polar hsv{S(0.0f), S(0.0f), c[most], false, false};
-        if (NearZero(hsv.level)) {
-            return hsv;
-        }
-        const S spread = c[most] - c[SmallestStrictly(c)];
-        hsv.hasSaturation = true;
-        hsv.saturation = spread / hsv.level;
-        hsv.hasHue = !NearZero(hsv.saturation);
-        if (hsv.hasHue) {
-            hsv.hue = HueOf(c, most, spread);
-        }
-        return hsv;
+        return {0.299f * inR + 0.587f * inG + 0.114f * inB, -0.168736f * inR - 0.331264f * inG + 0.5f * inB,
+                0.5f * inR - 0.418688f * inG - 0.081312f * inB};
     }
 
-    static Polar HslOfRgb(S r, S g, S b)
+    static Triple RGBFromYPbPr(Single inY, Single inPb, Single inPr)
     {
-        const S c[] = {r, g, b};
-        const int most = LargestOrEqual(c);
-        const int least = SmallestOrEqual(c);
-        Polar hsl{S(0.0f), S(0.0f), (c[most] + c[least]) * S(0.5f), false, false};
-        if (NearZero(hsl.level)) {
-            return hsl;
-        }
-        hsl.hasSaturation = true;
-        hsl.saturation = c[most] - c[least];
-        hsl.hasHue = !NearZero(hsl.saturation);
-        if (hsl.hasHue) {
-            hsl.hue = HueOf(c, most, hsl.saturation);
-        }
-        return hsl;
+        return {1.402f * inPr + inY, inY - 0.344136f * inPb - 0.714136f * inPr, 1.772f * inPb + inY};
     }
 
-    /// False where R, G and B are untouched.
-    static bool RgbOfHsv(S h, S s, S v, Channels& ioRgb)
+    static Triple YIQFromYPbPr(Single inY, Single inPb, Single inPr)
     {
-        if (Plain(s) == 0) {
-            ioRgb = {v, v, v};
-            return true;
+        return {inY, -0.544639f * inPb + 0.838671f * inPr, 0.544639f * inPr + 0.838671f * inPb};
+    }
+
+    /// The arctangent is the one nearest to the exact angle: runtimes differ in theirs.
+    static Single HueFromPbPr(Single inPb, Single inPr)
+    {
+        const Single sine = -0.9475003f * inPb - 0.31975487f * inPr;
+        const Single cosine = -0.31975487f * inPb + 0.9475003f * inPr;
+        const Single fullCircle = 6.2831855f;
+        Single angle = static_cast<float>(
+            std::atan2(static_cast<long double>(Plain(sine)), static_cast<long double>(Plain(cosine))));
+        if (angle < 0.0f) {
+            angle = angle + fullCircle;
         }
-        const S sixths = (Plain(h) == 1 ? S(0.0f) : h) * S(6.0f);
+        return angle / fullCircle;
+    }
+
+    /// The root of a wider number, rounded once.
+    static Single Length(Single inFirst, Single inSecond)
+    {
+        const Single square = inFirst * inFirst + inSecond * inSecond;
+        return static_cast<float>(std::sqrt(static_cast<double>(Plain(square))));
+    }
+
+    static Levels IREFromYPbPr(Single inY, Single inPb, Single inPr)
+    {
+        return {inY * 100.0f, Length(1.23f * inPr, 0.87202f * inPb) * 100.0f};
+    }
+
+    static Levels IREFromRGB(Single inR, Single inG, Single inB)
+    {
+        const Single a = 0.614975f * inR - 0.514965f * inG - 0.10001f * inB;
+        const Single c = -0.147141f * inR - 0.288869f * inG + 0.43601f * inB;
+        return {YPbPrFromRGB(inR, inG, inB).a * 100.0f, Length(a, c) * 100.0f};
+    }
+
+    static Levels Millivolts(const Levels& inIRE) { return {inIRE.luma * 7.142857f, inIRE.chroma * 7.142857f}; }
+
+    // From RGB to hue, saturation, and value or lightness
+
+    enum class Channel { Red, Green, Blue };
+
+    static Single Of(Channel inChannel, Single inR, Single inG, Single inB)
+    {
+        return inChannel == Channel::Red ? inR : inChannel == Channel::Green ? inG : inB;
+    }
+
+    static Channel StrictLargest(Single inR, Single inG, Single inB)
+    {
+        if (inG > inR) {
+            return inB > inG ? Channel::Blue : Channel::Green;
+        }
+        return inB > inR ? Channel::Blue : Channel::Red;
+    }
+
+    static Channel StrictSmallest(Single inR, Single inG, Single inB)
+    {
+        if (inR > inG) {
+            return inG > inB ? Channel::Blue : Channel::Green;
+        }
+        return inR > inB ? Channel::Blue : Channel::Red;
+    }
+
+    static Channel LooseLargest(Single inR, Single inG, Single inB)
+    {
+        if (inB >= inR && inB >= inG) {
+            return Channel::Blue;
+        }
+        return inG >= inR && inG >= inB ? Channel::Green : Channel::Red;
+    }
+
+    static Channel LooseSmallest(Single inR, Single inG, Single inB)
+    {
+        if (inR >= inB && inG >= inB) {
+            return Channel::Blue;
+        }
+        return inR >= inG && inB >= inG ? Channel::Green : Channel::Red;
+    }
+
+    /// The circle is closed and divided in double, all before in single.
+    static Single Hue(Channel inLargest, Single inD, Single inR, Single inG, Single inB)
+    {
+        Single sixths = 0.0f;
+        switch (inLargest) {
+        case Channel::Red:
+            sixths = (inG - inB) / inD;
+            break;
+        case Channel::Green:
+            sixths = (inB - inR) / inD + 2.0f;
+            break;
+        case Channel::Blue:
+            sixths = (inR - inG) / inD + 4.0f;
+            break;
+        }
+        Double whole(sixths);
+        if (whole < 0.0) {
+            whole = whole + 6.0;
+        }
+        return Single(whole / 6.0);
+    }
+
+    static Shade HSVFromRGB(Single inR, Single inG, Single inB)
+    {
+        const Channel top = StrictLargest(inR, inG, inB);
+        const Single largest = Of(top, inR, inG, inB);
+        Shade shade{{}, {}, largest};
+        if (NearZero(largest)) {
+            return shade;
+        }
+        const Single d = largest - Of(StrictSmallest(inR, inG, inB), inR, inG, inB);
+        shade.saturation = d / largest;
+        if (!NearZero(*shade.saturation)) {
+            shade.hue = Hue(top, d, inR, inG, inB);
+        }
+        return shade;
+    }
+
+    static Shade HSLFromRGB(Single inR, Single inG, Single inB)
+    {
+        const Channel top = LooseLargest(inR, inG, inB);
+        const Single largest = Of(top, inR, inG, inB);
+        const Single smallest = Of(LooseSmallest(inR, inG, inB), inR, inG, inB);
+        Shade shade{{}, {}, (largest + smallest) * 0.5f};
+        if (NearZero(shade.level)) {
+            return shade;
+        }
+        shade.saturation = largest - smallest;
+        if (!NearZero(*shade.saturation)) {
+            shade.hue = Hue(top, *shade.saturation, inR, inG, inB);
+        }
+        return shade;
+    }
+
+    static Shade HSLFromYPbPr(Single inY, Single inPb, Single inPr)
+    {
+        const Triple rgb = RGBFromYPbPr(inY, inPb, inPr);
+        return HSLFromRGB(rgb.a, rgb.b, rgb.c);
+    }
+
+    /// The product in single, the half added in double.
+    static unsigned Rounded(Single inValue, float inScale)
+    {
+        return static_cast<unsigned>(Truncated(Double(Single(inValue * inScale)) + 0.5));
+    }
+
+    /// Product and half in single.
+    static unsigned RoundedInSingle(Single inValue, float inScale)
+    {
+        return static_cast<unsigned>(Plain(Single(inValue * inScale + 0.5f)));
+    }
+
+    static WholeShade Whole(const Shade& inShade, unsigned inLevel)
+    {
+        WholeShade whole{{}, {}, inLevel};
+        if (inShade.hue) {
+            whole.hue = Rounded(*inShade.hue, 360.0f);
+        }
+        if (inShade.saturation) {
+            whole.saturation = Rounded(*inShade.saturation, 100.0f);
+        }
+        return whole;
+    }
+
+    static Single Share(unsigned inPart, float inWhole) { return Single(static_cast<float>(inPart)) / inWhole; }
+
+    static WholeShade WholeHSVFromRGB(unsigned inR, unsigned inG, unsigned inB)
+    {
+        const Shade shade = HSVFromRGB(Share(inR, 255.0f), Share(inG, 255.0f), Share(inB, 255.0f));
+        return Whole(shade, Rounded(shade.level, 100.0f));
+    }
+
+    static WholeShade WholeHSLFromRGB(unsigned inR, unsigned inG, unsigned inB)
+    {
+        const Shade shade = HSLFromRGB(Share(inR, 255.0f), Share(inG, 255.0f), Share(inB, 255.0f));
+        return Whole(shade, RoundedInSingle(shade.level, 100.0f));
+    }
+
+    // From hue, saturation, and value or lightness to RGB
+
+    /// Empty if the hue lies outside the circle.
+    static std::optional<Triple> RGBFromHSV(Single inH, Single inS, Single inV)
+    {
+        if (inS == 0.0f) {
+            return Triple{inV, inV, inV};
+        }
+        const Single sixths = (inH == 1.0f ? Single(0.0f) : inH) * 6.0f;
         const float sector = std::floor(Plain(sixths));
-        if (!(sector >= 0 && sector <= 5)) {
-            return false;
+        const Single one = 1.0f;
+        const Single f = sixths - sector;
+        const Single p = (one - inS) * inV;
+        const Single q = (one - f * inS) * inV;
+        const Single t = (one - (one - f) * inS) * inV;
+        if (sector == 0.0f) {
+            return Triple{inV, t, p};
         }
-        const S f = sixths - S(sector);
-        const S one(1.0f);
-        const S p = (one - s) * v;
-        const S q = (one - f * s) * v;
-        const S t = (one - (one - f) * s) * v;
-        const Channels table[] = {{v, t, p}, {q, v, p}, {p, v, t}, {p, q, v}, {t, p, v}, {v, p, q}};
-        ioRgb = table[static_cast<int>(sector)];
-        return true;
+        if (sector == 1.0f) {
+            return Triple{q, inV, p};
+        }
+        if (sector == 2.0f) {
+            return Triple{p, inV, t};
+        }
+        if (sector == 3.0f) {
+            return Triple{p, q, inV};
+        }
+        if (sector == 4.0f) {
+            return Triple{t, p, inV};
+        }
+        if (sector == 5.0f) {
+            return Triple{inV, p, q};
+        }
+        return {};
     }
 
-    static Channels RgbOfHsl(S h, S s, S l)
+    /// Black if the hue lies outside the circle or is the whole of it.
+    static Triple RGBFromHSL(Single inH, Single inS, Single inL)
     {
-        const Channels black{S(0.0f), S(0.0f), S(0.0f)};
-        const S v = Plain(l) <= 0.5f ? (s + S(1.0f)) * l : s + l - s * l;
-        if (!(Plain(v) > 0)) {
+        const Triple black{0.0f, 0.0f, 0.0f};
+        const Single v = inL <= 0.5f ? (inS + 1.0f) * inL : inS + inL - inS * inL;
+        if (!(v > 0.0f)) {
             return black;
         }
-        const S m = S(2.0f) * l - v;
-        const S sixths = S(6.0f) * h;
+        const Single m = 2.0f * inL - v;
+        const Single sixths = 6.0f * inH;
         const float sector = std::trunc(Plain(sixths));
-        if (!(sector >= 0 && sector <= 5)) {
-            return black;
+        const Single f = sixths - sector;
+        const Single w = (v - m) / v * v * f;
+        const Single u = m + w;
+        const Single z = v - w;
+        if (sector == 0.0f) {
+            return {v, u, m};
         }
-        const S f = sixths - S(sector);
-        const S w = (v - m) / v * v * f;
-        const S u = m + w;
-        const S z = v - w;
-        const Channels table[] = {{v, u, m}, {z, v, m}, {m, v, u}, {m, z, v}, {u, m, v}, {v, m, z}};
-        return table[static_cast<int>(sector)];
+        if (sector == 1.0f) {
+            return {z, v, m};
+        }
+        if (sector == 2.0f) {
+            return {m, v, u};
+        }
+        if (sector == 3.0f) {
+            return {m, z, v};
+        }
+        if (sector == 4.0f) {
+            return {u, m, v};
+        }
+        if (sector == 5.0f) {
+            return {v, m, z};
+        }
+        return black;
     }
 
-    static S Unit(unsigned inValue, float inWhole) { return S(static_cast<float>(inValue)) / S(inWhole); }
-
-    static unsigned StoredInDouble(S inValue, float inWhole)
+    /// The low 8 bits of the rounded channel.
+    static int Byte(Single inChannel)
     {
-        return static_cast<unsigned>(Cut(D(inValue * S(inWhole)) + D(0.5)));
+        return static_cast<int>(Truncated(Double(Single(inChannel * 255.0f)) + 0.5)) & 0xFF;
     }
 
-    static unsigned StoredInSingle(S inValue, float inWhole)
+    static ByteTriple Bytes(const Triple& inColor) { return {Byte(inColor.a), Byte(inColor.b), Byte(inColor.c)}; }
+
+    /// The whole forms start from black, so a hue outside the circle is black.
+    static Triple RGBOfWholeHSV(unsigned inH, unsigned inS, unsigned inV)
     {
-        return static_cast<unsigned>(CutSingle(inValue * S(inWhole) + S(0.5f)));
+        return RGBFromHSV(Share(inH, 360.0f), Share(inS, 100.0f), Share(inV, 100.0f))
+            .value_or(Triple{0.0f, 0.0f, 0.0f});
     }
 
-    static Bytes StoredBytes(const Channels& inRgb)
+    static Triple RGBOfWholeHSL(unsigned inH, unsigned inS, unsigned inL)
     {
-        const auto low = [](S inValue) { return static_cast<int>(StoredInSingle(inValue, 255.0f) & 0xFFu); };
-        return {low(inRgb.r), low(inRgb.g), low(inRgb.b), 0};
+        return RGBFromHSL(Share(inH, 360.0f), Share(inS, 100.0f), Share(inL, 100.0f));
     }
 
-    struct PolarBytes
+    static ByteTriple RGBFromWholeHSV(unsigned inH, unsigned inS, unsigned inV)
     {
-        unsigned hue, saturation, level;
-        bool hasHue, hasSaturation;
-    };
-
-    static PolarBytes HsvOfBytes(int inR, int inG, int inB)
-    {
-        const Polar hsv = HsvOfRgb(Unit(static_cast<unsigned>(inR), 255), Unit(static_cast<unsigned>(inG), 255),
-                                   Unit(static_cast<unsigned>(inB), 255));
-        return {StoredInDouble(hsv.hue, 360), StoredInDouble(hsv.saturation, 100), StoredInDouble(hsv.level, 100),
-                hsv.hasHue, hsv.hasSaturation};
+        return Bytes(RGBOfWholeHSV(inH, inS, inV));
     }
 
-    static PolarBytes HslOfBytes(int inR, int inG, int inB)
+    static ByteTriple RGBFromWholeHSL(unsigned inH, unsigned inS, unsigned inL)
     {
-        const Polar hsl = HslOfRgb(Unit(static_cast<unsigned>(inR), 255), Unit(static_cast<unsigned>(inG), 255),
-                                   Unit(static_cast<unsigned>(inB), 255));
-        return {StoredInDouble(hsl.hue, 360), StoredInDouble(hsl.saturation, 100), StoredInSingle(hsl.level, 100),
-                hsl.hasHue, hsl.hasSaturation};
+        return Bytes(RGBOfWholeHSL(inH, inS, inL));
     }
 
-    static Bytes BytesOfHsv(unsigned inH, unsigned inS, unsigned inV)
+    static WholeShade WholeHSVFromWholeHSL(unsigned inH, unsigned inS, unsigned inL)
     {
-        Channels rgb{S(0.0f), S(0.0f), S(0.0f)};
-        RgbOfHsv(Unit(inH, 360), Unit(inS, 100), Unit(inV, 100), rgb);
-        return StoredBytes(rgb);
+        const Triple rgb = RGBOfWholeHSL(inH, inS, inL);
+        const Single largest = Of(StrictLargest(rgb.a, rgb.b, rgb.c), rgb.a, rgb.b, rgb.c);
+        const Single smallest = Of(StrictSmallest(rgb.a, rgb.b, rgb.c), rgb.a, rgb.b, rgb.c);
+        const Single saturation = NearZero(largest) ? Share(inS, 100.0f) : (largest - smallest) / largest;
+        return {inH, Rounded(saturation, 100.0f), Rounded(largest, 100.0f)};
     }
 
-    static Bytes BytesOfHsl(unsigned inH, unsigned inS, unsigned inL)
+    static WholeShade WholeHSLFromWholeHSV(unsigned inH, unsigned inS, unsigned inV)
     {
-        return StoredBytes(RgbOfHsl(Unit(inH, 360), Unit(inS, 100), Unit(inL, 100)));
-    }
-
-    static PolarBytes HsvOfHsl(unsigned inH, unsigned inS, unsigned inL)
-    {
-        const S saturation = Unit(inS, 100);
-        const Channels rgb = RgbOfHsl(Unit(inH, 360), saturation, Unit(inL, 100));
-        const S c[] = {rgb.r, rgb.g, rgb.b};
-        const S most = c[LargestStrictly(c)];
-        const S result = NearZero(most) ? saturation : (most - c[SmallestStrictly(c)]) / most;
-        return {inH, StoredInSingle(result, 100), StoredInSingle(most, 100), true, true};
-    }
-
-    static PolarBytes HslOfHsv(unsigned inH, unsigned inS, unsigned inV)
-    {
-        const S saturation = Unit(inS, 100);
-        Channels rgb{S(0.0f), S(0.0f), S(0.0f)};
-        RgbOfHsv(Unit(inH, 360), saturation, Unit(inV, 100), rgb);
-        const Polar hsl = HslOfRgb(rgb.r, rgb.g, rgb.b);
-        const S kept = hsl.hasSaturation ? hsl.saturation : saturation;
-        return {inH, StoredInSingle(kept, 100), StoredInSingle(hsl.level, 100), true, true};
+        const Triple rgb = RGBOfWholeHSV(inH, inS, inV);
+        const Shade shade = HSLFromRGB(rgb.a, rgb.b, rgb.c);
+        const Single saturation = shade.saturation.value_or(Share(inS, 100.0f));
+        return {inH, Rounded(saturation, 100.0f), Rounded(shade.level, 100.0f)};
     }
 };
 
