@@ -101,5 +101,36 @@ inline void SetFlag(bool* outFlag, bool inValue)
     }
 }
 
+/// A colour as the HSV and the HSL family see it: each has its own level, and its own spread that is a saturation of 1.
+/// The spread is the largest channel less the smallest.
+struct Shade
+{
+    unsigned mLargest;
+    float mLevel;
+    float mSpread;
+    float mFullSpread;
+};
+
+/// Stores hue and saturation where the colour has them. inStore makes an output of a value and its whole. Outputs are
+/// stored as they are found: a record of them, with flags, costs half as much again.
+template <class Number, class Store>
+inline void StoreHueAndSaturation(const ChannelRing& inColor, const Shade& inShade, Number& outH, Number& outS,
+                                  bool* outHasHue, bool* outHasSaturation, const Store& inStore)
+{
+    if (IsNearZero(inShade.mLevel)) {
+        SetFlag(outHasSaturation, false);
+        SetFlag(outHasHue, false);
+        return;
+    }
+    const float saturation = inShade.mSpread / inShade.mFullSpread;
+    outS = inStore(saturation, 100.0f);
+    SetFlag(outHasSaturation, true);
+    const bool hasHue = !IsNearZero(saturation);
+    SetFlag(outHasHue, hasHue);
+    if (hasHue) {
+        outH = inStore(Hue(inColor, inShade.mLargest, inShade.mSpread), 360.0f);
+    }
+}
+
 } // namespace ColorMath
 } // namespace ORL

@@ -31,29 +31,12 @@ RGB OfHSL(unsigned int inH, float inS, unsigned int inL)
     return color;
 }
 
-// inStore makes an output of a value and its whole, inStoreLightness the lightness.
-template <class Number, class Store, class StoreLightness>
-inline void ToHSL(const ChannelRing& inColor, Number& outH, Number& outS, Number& outL, bool* outHasHue,
-                  bool* outHasSaturation, const Store& inStore, const StoreLightness& inStoreLightness)
+Shade ShadeOf(const ChannelRing& inColor)
 {
     const unsigned largest = Largest(inColor);
     const float most = inColor[largest];
     const float least = Smallest(inColor);
-    const float lightness = (most + least) * 0.5f;
-    outL = inStoreLightness(lightness, 100.0f);
-    if (IsNearZero(lightness)) {
-        SetFlag(outHasSaturation, false);
-        SetFlag(outHasHue, false);
-        return;
-    }
-    const float saturation = most - least;
-    outS = inStore(saturation, 100.0f);
-    SetFlag(outHasSaturation, true);
-    const bool hasHue = !IsNearZero(saturation);
-    SetFlag(outHasHue, hasHue);
-    if (hasHue) {
-        outH = inStore(Hue(inColor, largest, saturation), 360.0f);
-    }
+    return {largest, (most + least) * 0.5f, most - least, 1.0f}; // not divided by the lightness
 }
 
 } // namespace
@@ -61,14 +44,20 @@ inline void ToHSL(const ChannelRing& inColor, Number& outH, Number& outS, Number
 void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL, bool* outHasHue,
                         bool* outHasSaturation)
 {
-    const auto same = [](float inValue, float) { return inValue; };
-    ToHSL(ChannelRing(inR, inG, inB), outH, outS, outL, outHasHue, outHasSaturation, same, same);
+    const ChannelRing color(inR, inG, inB);
+    const Shade shade = ShadeOf(color);
+    outL = shade.mLevel;
+    StoreHueAndSaturation(color, shade, outH, outS, outHasHue, outHasSaturation,
+                          [](float inValue, float) { return inValue; });
 }
 
 void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                    unsigned int& outL, bool* outHasHue, bool* outHasSaturation)
 {
-    ToHSL(Normalized(inColor), outH, outS, outL, outHasHue, outHasSaturation, &Whole, &StoredInFloat);
+    const ChannelRing color = Normalized(inColor);
+    const Shade shade = ShadeOf(color);
+    outL = StoredInFloat(shade.mLevel, 100.0f);
+    StoreHueAndSaturation(color, shade, outH, outS, outHasHue, outHasSaturation, &Whole);
 }
 
 void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB)

@@ -9,29 +9,11 @@ using namespace ColorMath;
 
 namespace {
 
-// inStore makes an output of a value and its whole. Outputs are stored as they are found: a record of them, with flags,
-// costs half as much again.
-template <class Number, class Store>
-inline void ToHSV(const ChannelRing& inColor, Number& outH, Number& outS, Number& outV, bool* outHasHue,
-                  bool* outHasSaturation, const Store& inStore)
+Shade ShadeOf(const ChannelRing& inColor)
 {
     const unsigned largest = LargestOfHSV(inColor);
     const float value = inColor[largest];
-    outV = inStore(value, 100.0f);
-    if (IsNearZero(value)) {
-        SetFlag(outHasSaturation, false);
-        SetFlag(outHasHue, false);
-        return;
-    }
-    const float spread = value - SmallestOfHSV(inColor);
-    const float saturation = spread / value;
-    outS = inStore(saturation, 100.0f);
-    SetFlag(outHasSaturation, true);
-    const bool hasHue = !IsNearZero(saturation);
-    SetFlag(outHasHue, hasHue);
-    if (hasHue) {
-        outH = inStore(Hue(inColor, largest, spread), 360.0f);
-    }
+    return {largest, value, value - SmallestOfHSV(inColor), value};
 }
 
 } // namespace
@@ -39,14 +21,20 @@ inline void ToHSV(const ChannelRing& inColor, Number& outH, Number& outS, Number
 void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
                         bool* outHasSaturation)
 {
-    ToHSV(ChannelRing(inR, inG, inB), outH, outS, outV, outHasHue, outHasSaturation,
-          [](float inValue, float) { return inValue; });
+    const ChannelRing color(inR, inG, inB);
+    const Shade shade = ShadeOf(color);
+    outV = shade.mLevel;
+    StoreHueAndSaturation(color, shade, outH, outS, outHasHue, outHasSaturation,
+                          [](float inValue, float) { return inValue; });
 }
 
 void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                    unsigned int& outV, bool* outHasHue, bool* outHasSaturation)
 {
-    ToHSV(Normalized(inColor), outH, outS, outV, outHasHue, outHasSaturation, &Whole);
+    const ChannelRing color = Normalized(inColor);
+    const Shade shade = ShadeOf(color);
+    outV = Whole(shade.mLevel, 100.0f);
+    StoreHueAndSaturation(color, shade, outH, outS, outHasHue, outHasSaturation, &Whole);
 }
 
 void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& outG, float& outB)

@@ -336,41 +336,47 @@ TEST(ColorHSVtoRGB, ValuesFarOutOfRange_AreDefined)
     EXPECT_EQ(Color(255, 2, 2), OfHsv(0, 200, 100)) << "-254 in 8 bits";
 }
 
+namespace {
+
+using ShadeToShade = void (*)(unsigned, unsigned, unsigned, unsigned&, unsigned&, unsigned&);
+
+struct ShadeRow
+{
+    int mLine;
+    unsigned mGiven[3];
+    unsigned mExpected[3];
+};
+
+template <std::size_t N>
+void ExpectShades(ShadeToShade inConvert, const ShadeRow (&inRows)[N])
+{
+    for (const ShadeRow& row : inRows) {
+        unsigned shade[] = {7, 8, 9};
+        inConvert(row.mGiven[0], row.mGiven[1], row.mGiven[2], shade[0], shade[1], shade[2]);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(row.mExpected[i], shade[i]) << "row at line " << row.mLine << ", number " << i;
+        }
+    }
+}
+
+} // namespace
+
 TEST(ColorHSLtoHSV, PassesTheHueThroughAndKeepsTheSaturationOfBlack)
 {
-    unsigned h = 0;
-    unsigned s = 0;
-    unsigned v = 0;
-    ColorHSLtoHSV(123, 45, 0, h, s, v);
-    EXPECT_EQ(123u, h);
-    EXPECT_EQ(45u, s);
-    EXPECT_EQ(0u, v);
-    ColorHSLtoHSV(360, 70, 50, h, s, v);
-    EXPECT_EQ(360u, h);
-    EXPECT_EQ(70u, s) << "hue 360 is black here";
-    EXPECT_EQ(0u, v);
-    ColorHSLtoHSV(0, 100, 50, h, s, v);
-    EXPECT_EQ(100u, s);
-    EXPECT_EQ(100u, v);
+    ExpectShades(&ColorHSLtoHSV, {
+                                     {__LINE__, {123, 45, 0}, {123, 45, 0}},
+                                     {__LINE__, {360, 70, 50}, {360, 70, 0}}, // hue 360 is black here
+                                     {__LINE__, {0, 100, 50}, {0, 100, 100}},
+                                 });
 }
 
 TEST(ColorHSVtoHSL, PassesTheHueThroughAndKeepsTheSaturationOfBlack)
 {
-    unsigned h = 0;
-    unsigned s = 0;
-    unsigned l = 0;
-    ColorHSVtoHSL(123, 45, 0, h, s, l);
-    EXPECT_EQ(123u, h);
-    EXPECT_EQ(45u, s);
-    EXPECT_EQ(0u, l);
-    ColorHSVtoHSL(240, 50, 80, h, s, l);
-    EXPECT_EQ(240u, h);
-    EXPECT_EQ(40u, s) << "0.8 - 0.4";
-    EXPECT_EQ(60u, l);
-    ColorHSVtoHSL(400, 50, 80, h, s, l);
-    EXPECT_EQ(400u, h);
-    EXPECT_EQ(50u, s);
-    EXPECT_EQ(0u, l);
+    ExpectShades(&ColorHSVtoHSL, {
+                                     {__LINE__, {123, 45, 0}, {123, 45, 0}},
+                                     {__LINE__, {240, 50, 80}, {240, 40, 60}}, // 0.8 - 0.4
+                                     {__LINE__, {400, 50, 80}, {400, 50, 0}},
+                                 });
 }
 
 TEST(ColorYUVtoHSV, BlackAndGrey_LeaveWhatTheyDoNotHave)
