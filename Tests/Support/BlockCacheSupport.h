@@ -1,4 +1,4 @@
-// Hosts of block caches: one that records what it is asked, and one that does what it likes.
+// Hosts of block caches: one records the calls it gets, one refuses and loses blocks at random.
 #pragma once
 
 #include <FileSupport.h>
@@ -17,7 +17,7 @@ using Block = ORL::ObjectPtr<ORL::MemoryBufferWrapper>;
 using BufferRef = ORL::InterfaceRef<ORL::IFileBuffer, ORL::IFileBuffer>;
 using FactoryRef = ORL::InterfaceRef<ORL::IFileBufferFactory, ORL::IFileBufferFactory>;
 
-/// What a buffer was asked.
+/// The calls that a RecordingBuffer received.
 struct BufferLog
 {
     std::vector<std::int64_t> mGot;
@@ -26,7 +26,7 @@ struct BufferLog
     int mAlive = 0;
 };
 
-/// Keeps all blocks, and writes down what it is asked.
+/// Keeps all blocks and records each call.
 class RecordingBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
@@ -55,11 +55,11 @@ private:
     std::map<std::int64_t, Block> mBlocks;
 };
 
-/// Keeps blocks, refuses them, forgets them and denies them at random.
+/// Keeps blocks, but at random refuses to store one, drops one, or denies that it has one.
 class MoodyBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
-    /// Chances out of 100.
+    /// Percentages.
     struct Mood
     {
         unsigned mRefuses = 0;
@@ -107,7 +107,7 @@ private:
     const std::function<BufferRef()> mMake;
 };
 
-/// The pool that blocks come from is there and a factory set, for as long as this lives.
+/// Creates the pool of blocks and sets the block cache factory; the destructor undoes both.
 class FactoryInUse
 {
 public:

@@ -1,4 +1,4 @@
-// Records every report that a check makes while the recorder lives, and answers it.
+// Records every report that a check makes while the recorder lives, and answers the report.
 #pragma once
 
 #include <tvxcore/Debug.h>
@@ -23,11 +23,11 @@ struct CheckReport
     unsigned long mPackage = 0; // of an error
     int mLevel = 0;             // of an error
     bool mFlag = false;         // of an error
-    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; gone when its call has returned
+    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after its call
 };
 
-/// One recorder at a time. While it lives, contract errors come back to the caller unless mThrow is set, in which
-/// case they leave as ContractError.
+/// One recorder at a time. While it lives, a failed contract returns to its caller, or throws ContractError if mThrow
+/// is set.
 class CheckRecorder : public tvxcore::config::ErrorManager
 {
 public:
@@ -44,16 +44,16 @@ public:
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
                     const tvxcore::config::ReplacementValue& inFourth) const override;
 
-    /// All reports so far, in order. Safe from any thread.
+    /// All reports so far, in order. Thread-safe.
     std::vector<CheckReport> Reports() const;
 
-    /// The reports of one kind.
+    /// The reports of one kind, in order. Thread-safe.
     std::vector<CheckReport> Reports(CheckReport::Kind inKind) const;
 
     void Clear();
 
-    bool mThrow = false;          // contract errors leave as ContractError
-    bool mThrowAssert = false;    // so does an assertion, for code that must not go on behind it
+    bool mThrow = false;          // contract errors throw ContractError
+    bool mThrowAssert = false;    // assertions throw ContractError, for code that must not continue after one
     bool mIgnoreForGood = false;  // the answer to an assertion
     long mDisplayChoice = 1;      // the answer to a display
 

@@ -1,4 +1,4 @@
-// What the system knows of the calling thread.
+// What the operating system reports about the calling thread.
 #pragma once
 
 #include <cstddef>
@@ -6,17 +6,17 @@
 
 namespace ORLTest {
 
-/// Its name, as far as the system keeps it; UTF-8.
+/// Returns the thread's name as the OS keeps it (it may cut it), UTF-8.
 std::string SystemNameOfThisThread();
 
-/// Bytes of a name that the system keeps at least.
+/// The OS keeps at least this many bytes of a thread's name.
 extern const std::size_t kKeptNameBytes;
 
-/// Its level, as the system counts.
+/// Returns the thread's scheduling level in the unit of the OS: the nice value, or the Windows priority.
 int LevelOfThisThread();
 
-/// The level of a thread that asks for a priority from 0 to 5, of which 3 is the process's own: a user who may not raise a
-/// level stays at the process's, and no level goes beyond what the system has.
+/// Returns the level that a thread gets for a priority from 0 to 5; 3 is the level of the process. If the user may not
+/// raise a level, the thread stays at the level of the process. Levels are clamped to the range of the OS.
 int LevelOfPriority(int inPriority);
 
 } // namespace ORLTest

@@ -1,4 +1,4 @@
-// A program of the tests, run with the test as its debugger.
+// Runs a test program with the test as its debugger.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,17 +10,17 @@
 
 namespace ORLTest {
 
-/// An exception that the program raised.
+/// An exception that the debugged program raised.
 struct DebuggedException
 {
     HANDLE mProcess;
-    std::uintptr_t mProgram; ///< where the program itself is loaded
+    std::uintptr_t mProgram; ///< load address of the program's own image
     DWORD mThread;
     EXCEPTION_RECORD mRecord;
 };
 
-/// Runs a program that stands beside this one to its end and answers its exit code. Each exception comes first to
-/// inLook, which answers whether that settles it; else the program's own handlers get it.
+/// Runs a program from the folder of this one until it ends and returns its exit code. Each exception is first passed
+/// to inLook; if inLook returns false, the program's own handlers get it.
 inline DWORD RunDebugged(const std::wstring& inProgram, const std::wstring& inArgument,
                          const std::function<bool(const DebuggedException&)>& inLook)
 {

@@ -1,4 +1,4 @@
-// The C library's numbers with a decimal comma, as a host makes them that asks for its user's locale.
+// A C locale with a decimal comma, as in a host that sets its user's locale.
 #pragma once
 
 #include <TempFolder.h>
@@ -7,7 +7,8 @@
 
 namespace ORLTest {
 
-/// While it lives, printf and its kin write a comma. IsInForce is false where the system has no such locale to give.
+/// While it lives, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no such
+/// locale.
 class DecimalComma
 {
 public:
@@ -19,7 +20,7 @@ public:
     bool IsInForce() const;
 
 private:
-    TempFolder mFolder; // of a locale that was made for this
+    TempFolder mFolder; // holds a locale that was compiled for this object
     std::string mOld;
 };
 

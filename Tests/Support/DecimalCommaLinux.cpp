@@ -8,7 +8,7 @@ namespace ORLTest {
 
 namespace {
 
-// All that a locale needs to be made without the system's own locale sources, which few machines have.
+// A complete locale source. It needs none of the system's locale sources, which few machines have installed.
 constexpr char kSource[] = "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
 
 std::string AsciiMap()
@@ -28,7 +28,7 @@ DecimalComma::DecimalComma() : mOld(std::setlocale(LC_NUMERIC, nullptr))
 {
     mFolder.MakeFile("source", kSource);
     mFolder.MakeFile("map", AsciiMap());
-    // It warns of the categories that are not there, and its exit code says so.
+    // localedef warns about missing categories and then exits with an error code, although it made the locale.
     const std::string command =
         "cd '" + mFolder.Host().string() + "' && localedef -c -i source -f ./map ./comma 2>/dev/null";
     static_cast<void>(std::system(command.c_str()) == 0);

@@ -1,4 +1,4 @@
-// Exception records made by hand, whatever header the platform takes their type from.
+// Exception records made by hand. The platform sources hide the header that defines their type.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Files of /proc with contents that a test chooses.
+// Files of /proc whose contents a test chooses.
 #pragma once
 
 #include <FaultySystemCallsLinux.h>
@@ -11,8 +11,8 @@
 
 namespace ORLTest {
 
-/// While it lives, opens of the named files see the test's contents. All other calls are the system's, and faults may be
-/// played on top. One at a time.
+/// While it lives, opening one of the named files opens the test's contents. All other calls go to the kernel. Faults
+/// can be added on top. One object at a time.
 class FakeProc
 {
 public:

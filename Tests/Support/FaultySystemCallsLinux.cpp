@@ -23,7 +23,7 @@ public:
         std::function<void()> mAction;
     };
 
-    /// Counts one call and applies its plans: answers the error that it fails with, or 0.
+    /// Counts one call and applies its plans. Returns the errno that the call fails with, or 0.
     int Enter(Call inCall, std::size_t& ioSize)
     {
         int error = 0;
@@ -53,7 +53,7 @@ public:
     SystemCalls mUnderneath = ORL::Linux::kSystem;
 
 private:
-    // Counts the call and gives the plans that fit. They are carried out without the lock, since one may wait.
+    // Counts the call and returns the plans that match. The caller runs them without the lock, because one may wait.
     std::vector<Plan> Take(Call inCall)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -70,13 +70,14 @@ private:
     }
 
     mutable std::mutex mMutex;
-    unsigned mCounts[kCallCount + 1] = {}; // the last for all
+    unsigned mCounts[kCallCount + 1] = {}; // the last counts all calls
     std::vector<Plan> mPlans;
 };
 
 namespace {
 
-// A thread may still be on its way into a call when the test ends: it keeps the state it found, or goes to the system.
+// A thread may still be inside a call when the test ends. It keeps the state that it loaded, or calls the kernel if
+// there was none.
 std::shared_ptr<FaultySystemCalls::State> sState;
 
 template <class Result>

@@ -1,4 +1,4 @@
-// System calls that fail, fall short or are held, where and when a test says so.
+// System calls that fail, transfer less or are delayed when a test wants it.
 #pragma once
 
 #include <Linux/SystemCalls.h>
@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// While it lives, every system call of the library goes through it. One at a time; safe from any thread.
+/// While it lives, every system call of the library goes through it. One object at a time. Thread-safe.
 ///
 ///   FaultySystemCalls calls;
 ///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails
@@ -32,21 +32,20 @@ public:
     FaultySystemCalls(const FaultySystemCalls&) = delete;
     FaultySystemCalls& operator=(const FaultySystemCalls&) = delete;
 
-    /// inNumber counts the calls of that kind from now on; 1 is the next. inCount calls in a row fail. Nothing is done by a
-    /// call that fails, but a close has closed, as the system's has.
+    /// inNumber counts the calls of that kind from now on; 1 is the next. inCount calls in a row fail. A failing call
+    /// does nothing, except that a failing close has closed the descriptor, as on Linux.
     void Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount = 1);
 
-    /// Takes inBytes from the size that is asked for, but leaves 1 byte.
+    /// Reduces the requested size by inBytes, but to no less than 1 byte.
     void Shorten(Call inCall, unsigned inNumber, std::size_t inBytes);
 
-    /// Runs inAction before the call, on its thread. This is how a call is delayed: by an event, not by time.
+    /// Runs inAction before the call, on its thread. Use it to delay a call until an event, never for a fixed time.
     void Before(Call inCall, unsigned inNumber, std::function<void()> inAction);
 
-    /// Calls of that kind so far.
+    /// Returns the number of calls of that kind so far.
     unsigned Count(Call inCall) const;
 
-    /// The calls that are made underneath; at first the system's. A test may put its own answers here before the
-    /// first call.
+    /// The table of calls underneath, initially those of the kernel. A test may replace entries before the first call.
     ORL::Linux::SystemCalls& Underneath() noexcept;
 
     class State;

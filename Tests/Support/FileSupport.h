@@ -1,4 +1,4 @@
-// What the tests of File share.
+// Shared helpers of the tests of File.
 #pragma once
 
 #include <ORLFile.h>
@@ -30,7 +30,7 @@ inline constexpr Share::Type kShareEverything =
     Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete;
 inline constexpr Attributes::Type kNormal = Attributes::kFileAttribute_Normal;
 
-/// A file and how its opening went.
+/// A file together with the result of opening it.
 struct Opened
 {
     ORL::File mFile;
@@ -44,14 +44,14 @@ struct Opened
     }
 };
 
-/// The bytes of a file as another program sees them; "<none>" where there is none.
+/// Returns the bytes of a file, read without the library; "<none>" if it does not exist.
 inline std::string ContentsOf(const TempFolder& inFolder, const std::string& inName)
 {
     std::ifstream file(inFolder.Host() / inName, std::ios::binary);
     return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "<none>";
 }
 
-/// What Read gives, as text.
+/// Returns the bytes that Read delivers, as text.
 inline std::string ReadText(ORL::File& ioFile, unsigned inCount, ORL::Result inExpected = ORL::kSuccess)
 {
     std::string text(inCount, '#');
@@ -73,11 +73,11 @@ inline __int64 PositionOf(ORL::File& ioFile)
     return ioFile.GetFilePointer(position) == ORL::kSuccess ? position : -78;
 }
 
-/// Sets the time of the last change to 1000000000 s after 1970, as another program does.
+/// Sets the modification time to 1000000000 s after 1970 without using the library.
 inline void SetTimeTo2001(const std::filesystem::path& inPath)
 {
     using namespace std::filesystem;
-    // The clock of file times has an epoch of its own: go there from a time that both know.
+    // The file clock has another epoch than the system clock; convert through the current time of both.
     const auto systemNow = std::chrono::system_clock::now();
     const auto fileNow = file_time_type::clock::now();
     const auto wanted = std::chrono::system_clock::from_time_t(1000000000);

@@ -1,5 +1,5 @@
-// The gate over any synchronisation policy: the fields of WaitableGate in the policy's types, and the shipping
-// algorithm on them.
+// A gate over any synchronisation policy: the fields of WaitableGate in the policy's types, driven by the shipped
+// algorithm.
 #pragma once
 
 #include <WaitableGateAlgorithm.h>

@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// Holds one resource, which only the lookup by number and text type finds; counts its releases.
+/// Holds one resource, which is found only by its number and text type; counts its releases.
 class OneResource : public ORL::ResourceCollection
 {
 public:

@@ -1,4 +1,4 @@
-// A host whose settings nobody else has.
+// A host with settings that no other process uses.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace ORLTest {
 
-/// Makes this process a host with a name of its own, and so with settings of its own; on Linux also with a user's store
-/// of its own. Returns the name. Further calls change nothing. What the host has stored is gone when the process ends.
+/// Gives this process a unique host name and therefore its own settings; on Linux also its own user store. Returns the
+/// name. Further calls only return the name. The host's settings are deleted when the process ends.
 const std::string& UseOwnHost();
 
 /// Deletes every setting of this host.

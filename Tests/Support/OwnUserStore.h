@@ -1,12 +1,12 @@
-// The user's registry, for one process alone where the system allows it.
+// A private user registry for one process, on platforms that allow it.
 #pragma once
 
 #include <string>
 
 namespace ORLTest {
 
-/// While it lives, the user's store of this process and of those it starts lies in a new folder. On Windows, where the
-/// system keeps the registry, nothing changes.
+/// While it lives, this process and its children use a user store in a new folder. On Windows, where the OS owns the
+/// registry, this class does nothing.
 class OwnUserStore
 {
 public:
@@ -16,8 +16,8 @@ public:
     OwnUserStore& operator=(const OwnUserStore&) = delete;
 
 private:
-    [[maybe_unused]] std::string mFolder;  // empty where nothing changed
-    [[maybe_unused]] std::string mEarlier; // the variable that chose the place before; empty if it was not set
+    [[maybe_unused]] std::string mFolder;  // empty if nothing was changed
+    [[maybe_unused]] std::string mEarlier; // earlier value of the variable for the folder; empty if not set
 };
 
 } // namespace ORLTest

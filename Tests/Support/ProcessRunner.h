@@ -1,4 +1,4 @@
-// Runs a program that was built beside the tests and keeps what it wrote.
+// Runs a program that was built beside the tests and captures its output.
 #pragma once
 
 #include <string>
@@ -8,17 +8,17 @@ namespace ORLTest {
 
 struct ProcessResult
 {
-    int mExitCode = -1;     // -1 when it had to be killed or did not start
-    bool mTimedOut = false; // it was killed at the end of its time
+    int mExitCode = -1;     // -1 if it was killed or did not start
+    bool mTimedOut = false; // it was killed at the time limit
     std::string mOutput;    // line ends are "\n" on both platforms
     std::string mErrors;
 };
 
-/// The folder that this program and those built beside it stand in, with the separator at its end. UTF-8.
+/// Returns the folder of this program and of those built beside it, UTF-8, with a trailing separator.
 std::string FolderOfThisProgram();
 
-/// Runs inName (without ".exe") from this program's own folder with those arguments, UTF-8 on Windows and bytes on
-/// Linux, in inWorkingFolder where one is given. Standard input holds the bytes of inInput and ends.
+/// Runs inName (without ".exe") from the folder of this program, in inWorkingFolder if that is not empty. The arguments
+/// are UTF-8 on Windows and bytes on Linux. Standard input delivers inInput and then end of file.
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
                                    const std::string& inWorkingFolder = std::string(), int inSeconds = 60,
                                    const std::string& inInput = std::string());

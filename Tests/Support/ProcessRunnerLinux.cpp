@@ -30,7 +30,7 @@ std::FILE* FileOf(const std::string& inBytes)
     return file;
 }
 
-// Between fork and exec only what is safe after fork.
+// Runs between fork and exec: only async-signal-safe calls are allowed.
 [[noreturn]] void Become(const std::string& inProgram, std::vector<char*>& inArguments, const std::string& inFolder,
                          int inInput, int inOutput, int inErrors)
 {

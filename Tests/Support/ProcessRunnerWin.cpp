@@ -31,7 +31,7 @@ std::string Narrow(const std::wstring& inText)
     return narrow;
 }
 
-// As the C runtime takes a command line apart: backslashes count only before a quote.
+// Quotes for the C runtime's command line parser: backslashes are special only before a quote.
 std::wstring Quoted(const std::wstring& inWord)
 {
     std::wstring quoted = L"\"";
@@ -120,8 +120,8 @@ ProcessResult RunOnce(const std::wstring& inProgram, std::wstring inLine, const 
     return result;
 }
 
-// Once in some thousand starts on a busy machine, Wine ends a process before its program has begun. Such a process leaves
-// code -1 and not a byte of output. No program of the tests ends so by itself.
+// On a busy machine, about one start in some thousands fails: Wine ends the process before its program begins. Such a
+// process exits with -1 and no output. No test program ends like that by itself.
 constexpr int kStarts = 3;
 
 bool NeverBegan(const ProcessResult& inResult)

@@ -1,4 +1,4 @@
-// The threads of this process, as the system counts them.
+// The number of threads of this process, as the OS counts them.
 #pragma once
 
 #include <thread>
@@ -7,8 +7,8 @@ namespace ORLTest {
 
 unsigned int CountProcessThreads();
 
-/// Returns when the process has no more threads than so many. A thread that has been joined may still be listed for a
-/// moment, so the count that a test begins with may be too high, but never too low.
+/// Returns when the process has at most inAtMost threads. The OS may still list a joined thread for a moment, so a
+/// count taken at the start of a test may be too high, but never too low.
 inline void WaitForProcessThreads(unsigned int inAtMost)
 {
     while (CountProcessThreads() > inAtMost) {

@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-// With the first thread of a process a sanitizer starts one of its own, which stays.
+// A sanitizer starts its own permanent thread together with the first thread of a process.
 unsigned int CountProcessThreads()
 {
     static const bool isFirstThreadOver = (std::thread([] {}).join(), true);

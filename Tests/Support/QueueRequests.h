@@ -1,4 +1,4 @@
-// A request that is a function.
+// A work queue request that calls a function.
 #pragma once
 
 #include <ORLInterface.h>

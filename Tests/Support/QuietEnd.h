@@ -1,4 +1,4 @@
-// A process that ends while its threads are at work.
+// Checks a process that ends while its threads are working.
 #pragma once
 
 #include <ProcessRunner.h>
@@ -7,8 +7,8 @@
 
 namespace ORLTest {
 
-/// Runs a program beside the tests ten times with one argument. Each run must end by itself, with the code 17 that its main
-/// returns, and silently.
+/// Runs a program beside the tests ten times with one argument. Each run must end by itself, print nothing, and exit
+/// with 17, the code that its main returns.
 inline void ExpectAQuietEnd(const char* inProgram, const char* inHow)
 {
     for (int round = 0; round < 10; ++round) {

@@ -1,4 +1,4 @@
-// How the threads of a test tell each other what has happened. Nothing here waits for time to pass.
+// Signals between the threads of a test. None of them waits for a fixed time.
 #pragma once
 
 #include <condition_variable>
@@ -9,7 +9,7 @@
 
 namespace ORLTest {
 
-/// Happens once, and then has happened.
+/// A one-time event: once set, it stays set.
 class Event
 {
 public:
@@ -38,7 +38,7 @@ private:
     bool mIsSet = false;
 };
 
-/// A list that threads write and one waits for.
+/// A list that threads append to and one thread waits for.
 template <class T>
 class Record
 {
@@ -58,7 +58,7 @@ public:
 
     std::size_t Count() const { return Get().size(); }
 
-    /// The list once it has so many items or more.
+    /// Waits until the list has at least inCount items, and returns it.
     std::vector<T> WaitFor(std::size_t inCount)
     {
         std::unique_lock<std::mutex> lock(mMutex);
@@ -72,7 +72,7 @@ private:
     std::vector<T> mItems;
 };
 
-/// Lets nobody on before so many have come. Can be used once.
+/// A single-use barrier: blocks until inCount threads have arrived.
 class Meeting
 {
 public:

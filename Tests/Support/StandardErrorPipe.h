@@ -1,4 +1,4 @@
-// The standard error of this process as something else than what the test program was given.
+// Redirects the standard error of this process.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While it lives, standard error is a pipe that nobody reads unless told to. It holds at least 32 KiB of short texts.
+/// While it lives, standard error is a pipe that is read only by TakeAll. It holds at least 32 KiB of short texts.
 class StandardErrorPipe
 {
 public:
@@ -16,7 +16,7 @@ public:
     StandardErrorPipe(const StandardErrorPipe&) = delete;
     StandardErrorPipe& operator=(const StandardErrorPipe&) = delete;
 
-    /// Takes out what is in the pipe now.
+    /// Removes and returns what is in the pipe now.
     std::string TakeAll();
 
     void CloseReader();
@@ -27,7 +27,7 @@ private:
     std::intptr_t mOld;
 };
 
-/// While it lives, there is no standard error.
+/// While it lives, standard error is closed.
 class NoStandardError
 {
 public:
@@ -40,7 +40,7 @@ private:
     std::intptr_t mOld;
 };
 
-/// The number that the system keeps of the calling thread's last failure.
+/// The calling thread's last error: errno, or GetLastError on Windows.
 void SetLastSystemError(int inError);
 int LastSystemError();
 

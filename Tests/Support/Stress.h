@@ -1,11 +1,11 @@
-// How long the stress tests go on.
+// The length of the stress tests.
 #pragma once
 
 #include <cstdlib>
 
 namespace ORLTest {
 
-/// That many rounds, times the number in the environment variable ORL_STRESS if there is one.
+/// Returns inRounds times the number in the environment variable ORL_STRESS, if that is set.
 inline int Rounds(int inRounds)
 {
     const char* const text = std::getenv("ORL_STRESS");

@@ -1,25 +1,26 @@
-// What the system below the tests is like, where they cannot ask the same of every one.
+// Properties of the operating system that differ between the systems the tests run on.
 #pragma once
 
 namespace ORLTest {
 
-/// The Windows build runs on Wine, not on Windows.
+/// Whether the Windows build runs on Wine.
 bool RunsOnEmulator();
 
-/// A plain path may have 260 units and more. At home only where the process takes long paths; elsewhere always.
+/// Whether a plain path may have 260 units or more. On Windows only if the process enables long paths; elsewhere
+/// always.
 bool SystemTakesLongPlainPaths();
 
-/// This user is kept from writing a file that is marked read-only: our Linux platform keeps everybody from it, Wine lets
-/// the superuser through.
+/// Whether the read-only mark keeps this user from writing. Our Linux platform refuses every user; Wine lets the
+/// superuser write.
 bool SystemKeepsReadOnlyMark();
 
-/// The system calls the progress routine of a copy: Wine 8 does not.
+/// Whether the OS calls the progress routine of a copy. Wine 8 does not.
 bool SystemTellsCopyProgress();
 
-/// The system refuses unbuffered reads that are not aligned: Wine 8 does not.
+/// Whether the OS refuses unaligned unbuffered reads. Wine 8 does not.
 bool SystemKeepsAlignment();
 
-/// Descriptors or handles that the process has open now. 0 where the system does not tell.
+/// Returns the number of open descriptors or handles of the process, or 0 if the OS does not report it.
 unsigned OpenHandles();
 
 } // namespace ORLTest

@@ -1,4 +1,4 @@
-// A folder of its own for a test, gone with all that is in it when the test ends.
+// A temporary folder for a test, deleted with its contents when the test ends.
 #pragma once
 
 #include <ORLHostPath.h>
@@ -15,7 +15,7 @@ class TempFolder
 public:
     TempFolder() : TempFolder(std::filesystem::temp_directory_path()) {}
 
-    /// Below a folder of the caller's choice.
+    /// Creates the folder below inAbove.
     explicit TempFolder(const std::filesystem::path& inAbove)
     {
         std::random_device random;
@@ -35,7 +35,7 @@ public:
 
     const std::filesystem::path& Host() const noexcept { return mFolder; }
 
-    /// The library path of the folder, or of a name below it; neither ends in a backslash.
+    /// Returns the library path of the folder, or of a name in it, without a trailing backslash.
     UTF16String Path() const { return ORL::PathUtils::FromHostPath(mFolder.u8string()); }
     UTF16String Path(const std::u16string& inName) const
     {

@@ -1,4 +1,4 @@
-// 16-bit text beside narrow literals, and a printer so that a failed test shows both.
+// Converts literals to 16-bit text and prints that text, so that a failed test shows both sides.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -8,19 +8,19 @@
 
 namespace ORLTest {
 
-/// The units of a u"" literal.
+/// Returns the units of a u"" literal.
 inline UTF16String Units(const std::u16string& inText)
 {
     return UTF16String(inText.begin(), inText.end());
 }
 
-/// The bytes of a narrow literal.
+/// Returns the bytes of a narrow literal.
 inline UTF8String Bytes(const std::string& inText)
 {
     return UTF8String(inText.begin(), inText.end());
 }
 
-/// ASCII as it is, every other unit as <hex>.
+/// Returns printable ASCII unchanged and every other unit as <hex>.
 inline std::string Show(const UTF16String& inText)
 {
     std::string text;

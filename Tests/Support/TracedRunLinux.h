@@ -1,4 +1,4 @@
-// A program that is traced from outside: nothing of it knows of the test.
+// Traces a program from outside; the program needs no support for it.
 #pragma once
 
 #include <cerrno>
@@ -15,8 +15,9 @@
 
 namespace ORLTest {
 
-/// Runs a program, counts the system calls of all its threads from the one on that first names a file below a folder,
-/// and may send it a signal before one of them. Its output goes nowhere, its errors to a file where one is named.
+/// Runs a program and counts the system calls of all its threads, starting with the first call that names a path in a
+/// folder. It can send the program a signal before one of these calls. Standard output is discarded; standard error
+/// goes to inErrors.
 class TracedRun
 {
 public:
@@ -25,8 +26,8 @@ public:
     {
     }
 
-    /// The calls that were counted, less the one that the signal came before when that ended it; -1 where nothing can be
-    /// traced here. 0 for inSignalAt sends none.
+    /// Runs the program and sends inSignal before call number inSignalAt; 0 sends none. Returns the number of counted
+    /// calls, without the one that the signal prevented, or -1 if tracing is not possible here.
     int Run(std::vector<std::string> inArguments, int inSignalAt, int inSignal = SIGKILL)
     {
         mSignal = inSignal;
@@ -49,7 +50,7 @@ public:
         return mCount;
     }
 
-    /// -1 when a signal ended it.
+    /// Returns the exit code, or -1 if a signal ended the program.
     int ExitCode() const { return mExitCode; }
 
 private:
@@ -71,7 +72,7 @@ private:
         ::_exit(99);
     }
 
-    // A sanitizer's leak checker stops the threads by tracing them, and a thread has one tracer.
+    // A sanitizer's leak checker traces the threads to stop them, but a thread can have only one tracer.
     static void StopLeakChecker()
     {
         const char* const options = std::getenv("ASAN_OPTIONS");
@@ -79,7 +80,7 @@ private:
         ::setenv("ASAN_OPTIONS", without.c_str(), 1);
     }
 
-    // False when the program is over.
+    // Returns false when the program has ended.
     bool Step(int inSignalAt)
     {
         int status = 0;
@@ -89,7 +90,7 @@ private:
         }
         if (WIFEXITED(status) || WIFSIGNALED(status)) {
             mExitCode = thread == mChild && WIFEXITED(status) ? WEXITSTATUS(status) : mExitCode;
-            return true; // until no thread is left to wait for
+            return true; // until there is no thread left to wait for
         }
         const int signal = WSTOPSIG(status);
         if (signal == (SIGTRAP | 0x80)) {
@@ -108,7 +109,7 @@ private:
         return true;
     }
 
-    // Calls stop at their entry and at their return; the entry counts.
+    // A traced call stops at its entry and at its return; only the entry is counted.
     bool IsCounted(pid_t inThread)
     {
         struct user_regs_struct registers;

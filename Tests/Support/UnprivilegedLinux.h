@@ -1,4 +1,4 @@
-// Code that runs as an ordinary user, since root may do what others may not.
+// Runs code as an ordinary user, because root bypasses permissions.
 #pragma once
 
 #include <filesystem>
@@ -9,8 +9,8 @@
 
 namespace ORLTest {
 
-/// Runs inWork in a child process and expects true from it. As root the child becomes "nobody" first, and inFolder with
-/// all that is in it becomes theirs. The child must not start threads that outlive inWork.
+/// Runs inWork in a child process and expects it to return true. If run as root, the child first becomes "nobody" and
+/// owns inFolder with its contents. inWork must not leave threads running.
 inline void RunUnprivileged(const std::filesystem::path& inFolder, const std::function<bool()>& inWork)
 {
     constexpr ::uid_t kNobody = 65534;

@@ -1,4 +1,4 @@
-// What must hold of every text, whatever its bytes: used by the fuzzer and by the replay of its corpus.
+// Properties of the UTF conversions that must hold for any bytes. Used by the fuzzer and by the replay of its corpus.
 #pragma once
 
 #include <UtfReference.h>
@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// Null, or what did not hold.
+/// Returns null, or a description of the property that failed.
 inline const char* CheckUtf(const unsigned char* inBytes, std::size_t inCount)
 {
     namespace utf = tvxcore::utf;

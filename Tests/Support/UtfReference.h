@@ -1,5 +1,5 @@
-// Conversion between UTF-8 and UTF-16 straight from the Unicode standard's table of well-formed byte sequences, slow
-// and obvious: what the fast one is compared with where there is no ICU.
+// A slow, obvious conversion between UTF-8 and UTF-16, written from the Unicode standard's table of well-formed byte
+// sequences. The fast conversion is compared with it when ICU is not available.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -15,7 +15,7 @@ struct ByteRange
     unsigned char mLast;
 };
 
-/// One row of the table: the range of each byte; unused ones are {0, 0}.
+/// One row of the table: the range of each byte. Unused ranges are {0, 0}.
 struct WellFormedRow
 {
     std::size_t mLength;
@@ -34,7 +34,7 @@ inline constexpr WellFormedRow kWellFormed[] = {
     {4, {{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}}},
 };
 
-/// How many bytes of the row stand at inPlace.
+/// Returns the number of bytes at inPlace that match the beginning of the row.
 inline std::size_t Matching(const WellFormedRow& inRow, const UTF8String& inText, std::size_t inPlace)
 {
     std::size_t count = 0;
@@ -78,7 +78,7 @@ inline void AppendPoint(UTF8String& ioText, std::uint32_t inPoint)
     }
 }
 
-/// The longest beginning of any row at inPlace becomes the character, or one U+FFFD where it is not the whole row.
+/// The longest match of any row at inPlace becomes its character if it is a whole row, else one U+FFFD.
 inline UTF16String ReferenceToUTF16(const UTF8String& inText)
 {
     UTF16String units;

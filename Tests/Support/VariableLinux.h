@@ -1,4 +1,4 @@
-// A variable of the environment, for the time of a test.
+// Changes an environment variable for the duration of a test.
 #pragma once
 
 #include <cstdlib>
@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// Sets one variable, or removes it for null, and puts it back at its end.
+/// Sets one variable, or removes it if inValue is null. The destructor restores it.
 class Variable
 {
 public:

@@ -1,11 +1,11 @@
-// An event that the system has taken back.
+// A waitable object without a handle.
 #pragma once
 
 #include <ORLEvent.h>
 
 namespace ORLTest {
 
-/// A waitable object whose handle is taken away while it lives.
+/// Its handle is null as long as the object lives.
 class WithoutHandle : public ORL::WaitableObject
 {
 public:
