@@ -1,4 +1,4 @@
-// What the lock of our own promises beyond the system's.
+// What the Linux lock guarantees beyond the operating system's.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>
@@ -24,10 +24,10 @@ namespace {
 #define ORL_TEST_CONSTANT_INITIALIZED __constinit
 #endif
 
-// Compiles only if no code has to run to build it: it can be locked in any static's constructor.
+// Compiles only if the section needs no code to initialise: any static's constructor can lock it.
 ORL_TEST_CONSTANT_INITIALIZED CriticalSection sSection;
 
-// The letter that the system gives to a thread's state: 'S' for one that sleeps.
+// Returns the state letter that the kernel reports for a thread: 'S' if it sleeps.
 char StateOf(pid_t inThread)
 {
     std::ifstream file("/proc/self/task/" + std::to_string(inThread) + "/stat");
@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// Whether the lock looks for its holder first depends on what happened to it before.
+// Whether the lock checks its owner first depends on its history.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {
@@ -121,7 +121,7 @@ TEST(CriticalSectionOfOurs, ForkedWhileHeld_IsHeldByTheChildsThread)
     std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0) {
-        section.Lock(); // would never come back if the child's thread were a stranger
+        section.Lock(); // would deadlock if the child's thread did not count as the owner
         section.Unlock();
         section.Unlock();
         const bool isFree = section.TryLock();

@@ -10,7 +10,7 @@ using namespace ORL;
 
 namespace {
 
-// What another thread is told by one try; it gives the section back at once.
+// Returns whether another thread can lock the section now. The thread unlocks it at once.
 bool OtherThreadCanTake(const CriticalSection& inSection)
 {
     bool taken = false;
@@ -139,7 +139,7 @@ TEST(CriticalSection, FourThreadsCountUnderIt_LoseNoStepAtAnyDepth)
     const CriticalSection section;
     constexpr int kThreads = 4;
     constexpr int kRounds = 20000;
-    long count = 0; // plain on purpose: the section is what guards it
+    long count = 0; // deliberately not atomic: the section guards it
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&, thread] {
@@ -183,8 +183,8 @@ TEST(CriticalSection, ThreadsThatTryAndThreadsThatWait_ShareOneSection)
     EXPECT_EQ(kRounds + tries, count);
 }
 
-// The last user of a guarded object destroys it with its section, while the one before may still be on its way out of
-// Unlock. The address sanitizer sees any look back.
+// The last user of a guarded object destroys it with its section while the previous owner may still be returning from
+// Unlock. The address sanitizer reports any access after that.
 TEST(CriticalSection, DestroyedByTheNextHolderRightAfterAnUnlock_IsNotTouchedAgain)
 {
     struct Shared

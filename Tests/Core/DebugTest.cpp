@@ -21,7 +21,7 @@ const char kInputText[] =
 const char kOutputText[] =
     "$$$/tvxcore/utility/Error/Contract/OutputContractViolation=An output contract violation has occurred!";
 
-// What the address checks are asked about; nobody looks into it.
+// Its address is passed to the address checks; nothing reads its contents.
 char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)
@@ -32,7 +32,7 @@ void ExpectContractError(const CheckReport& inReport, const char* inText, long i
     EXPECT_EQ(inErrorID, inReport.mLine);
     EXPECT_EQ(0, inReport.mLevel);
     EXPECT_TRUE(inReport.mFlag);
-    // An empty value has nothing to show but that it is one of its own.
+    // Empty values are distinct only by address.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
     EXPECT_EQ(0u, values.count(nullptr));
@@ -168,8 +168,8 @@ TEST(OrlAssert, IgnoredForGood_LeavesOtherSitesAlone)
     CheckRecorder recorder;
     recorder.mIgnoreForGood = true;
     const bool isFine = false;
-    ORL_ASSERT(isFine); // one site
-    ORL_ASSERT(isFine); // and another
+    ORL_ASSERT(isFine); // first site
+    ORL_ASSERT(isFine); // second site
     EXPECT_EQ(2u, recorder.Reports().size());
 }
 
@@ -218,7 +218,7 @@ TEST(OrlAssert, MessageIsBuiltOnlyWhenTheCheckFails)
     EXPECT_EQ(1, built);
 }
 
-// While one report of a site is with the user, the same site may fail again, there or on another thread.
+// While the report of a site is being shown, the same site may fail again, on this thread or another.
 TEST(OrlAssert, IgnoredInsideTheReportOfTheSameSite_StaysIgnored)
 {
     static int sDepth = 0;
@@ -227,7 +227,7 @@ TEST(OrlAssert, IgnoredInsideTheReportOfTheSameSite_StaysIgnored)
     tvxcore::debug::Dialogs dialogs;
     dialogs.mAssert = [](bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*) {
         if (++sDepth == 1) {
-            sSite(); // the inner report is ignored for good, the outer one just this once
+            sSite(); // the inner report is ignored permanently, the outer one only once
         } else {
             ioIgnore = true;
         }
@@ -272,7 +272,7 @@ TEST(OrlContract, HoldingExpression_IsEvaluatedOnEveryPass)
 TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
 {
     CheckRecorder recorder;
-    recorder.mIgnoreForGood = true; // an answer that a contract does not ask for
+    recorder.mIgnoreForGood = true; // an answer that a contract does not use
     int evaluations = 0;
     for (int pass = 0; pass < 2; ++pass) {
         ORL_INPUT_CONTRACT(++evaluations < 0);

@@ -1,5 +1,5 @@
-// A failed check stops in the debugger only when its report asks for that and a debugger is attached. The test is the
-// debugger of its own child.
+// A failed check breaks into the debugger only if the report's answer requests it and a debugger is attached. The test
+// debugs its own forked child.
 #include <ORLDebug.h>
 
 #include <tvxcore/Debug.h>
@@ -51,7 +51,7 @@ class QuietManager : public tvxcore::config::ErrorManager
 
 Outcome Watch(void (*inCheck)(), bool inAskToBreak, bool inAttach)
 {
-    std::fflush(nullptr); // what is buffered belongs to one of the two
+    std::fflush(nullptr); // otherwise both processes would print what is still buffered
     const pid_t child = ::fork();
     if (child == 0) {
         RunChild(inCheck, inAskToBreak, inAttach);

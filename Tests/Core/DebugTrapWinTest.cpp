@@ -1,5 +1,5 @@
-// A failed check stops in the debugger only when its report asks for that and a debugger is attached. The test is the
-// debugger of a child.
+// A failed check breaks into the debugger only if the report's answer requests it and a debugger is attached. The test
+// debugs a child process.
 #include <DebuggedProcessWin.h>
 #include <ProcessRunner.h>
 
@@ -11,7 +11,7 @@ using ORLTest::DebuggedException;
 
 namespace {
 
-constexpr std::uintptr_t kLargestProgram = 64 << 20; // more than the child takes, less than its distance to any DLL
+constexpr std::uintptr_t kLargestProgram = 64 << 20; // more than the child's image, less than its distance to any DLL
 
 } // namespace
 
@@ -28,7 +28,7 @@ TEST(CheckUnderDebugger, TrapsOnlyWhenAskedAndAttached_AndGoesOnBehindTheCheck)
         {__LINE__, L"go on", 0},
     };
     for (const Row& row : rows) {
-        // Breakpoints of the program itself; the loader brings one of its own.
+        // Counts breakpoints in the program's own image; the loader raises another one.
         int traps = 0;
         const DWORD exitCode =
             ORLTest::RunDebugged(L"debugged_child.exe", row.mAnswer, [&traps](const DebuggedException& inException) {

@@ -1,5 +1,5 @@
-// Breaks each kind of check once. The answer to the reports is in the only argument: "break" or "go on".
-// The exit code tells that every check was passed.
+// Fails each kind of check once. The only argument answers the reports: "break" or "go on". The exit code confirms that
+// execution reached the end.
 #include <ORLDebug.h>
 
 #include <tvxcore/Debug.h>

@@ -9,7 +9,7 @@ using namespace ORL;
 
 namespace {
 
-// What a handler of the base sees of a thrown copy.
+// Throws a copy and returns what a handler of the base class sees.
 template <class Class, class... Arguments>
 std::string CaughtAsBase(Arguments... inArguments)
 {

@@ -37,7 +37,7 @@ void Raise(const TVXErrorManager& inManager, int inLevel, const char* inZString 
 
 std::vector<std::string> sTexts;
 
-/// Collects what is traced while it lives; the category starts off.
+/// Collects traced text while it lives; the category is initially off.
 class TraceRecorder
 {
 public:
@@ -86,7 +86,7 @@ TEST(TVXException, Message_IsTheTextOfTheZStringAndItsNumbers)
         {__LINE__, "$$$/key=" + std::string(199, 'x'), std::string(199, 'x')},
         {__LINE__, "$$$/key=" + std::string(200, 'x'), "(Error string too long)"},
         {__LINE__, "$$$/key=" + std::string(5000, 'x'), "(Error string too long)"},
-        // a long key does not count
+        // the length of the key does not count
         {__LINE__, std::string(500, 'k') + "=Text", "Text"},
     };
     for (const Row& row : rows) {
@@ -161,7 +161,7 @@ TEST(TVXErrorManager, WarningWithTheTraceOn_IsOneLineAndSwallowed)
               sTexts[0]);
 }
 
-// A host's global locale would group the numbers of the line.
+// Without the classic locale, the host's global locale would group the digits of the line.
 TEST(TVXErrorManager, WarningUnderAHostsLocale_IsWrittenClassically)
 {
     struct Digitwise : std::numpunct<char>
@@ -194,10 +194,10 @@ TEST(TVXErrorManager, ChangeOfTheTrace_ShowsOnTheNextWarning)
     EXPECT_EQ(2u, sTexts.size());
 }
 
-// The category has no level of its own here, so only the level of all can switch it on.
+// No level is set for the category, so only the default level can enable it.
 TEST(TVXErrorManager, CategoryWithoutALevelOfItsOwn_FollowsTheLevelOfAll)
 {
-    tvxcore::debug::ShutdownTraceManager(); // forgets the levels that other tests have set
+    tvxcore::debug::ShutdownTraceManager(); // clears the levels that other tests have set
     sTexts.clear();
     const tvxcore::debug::TraceSink old = tvxcore::debug::InstallTraceSink(
         [](const unsigned char* inText) { sTexts.emplace_back(reinterpret_cast<const char*>(inText)); });
