@@ -1,5 +1,5 @@
-// A trace site asks whether it is on when the configuration has changed, and remembers the answer: asked on every pass, the
-// question would stand on the fast path of whatever is traced.
+// A trace site queries the configuration only after it has changed, and caches the result. A query on every pass would
+// slow the fast path of traced code.
 #include <AllocatorStatistics.h>
 #include <tvxcore/Trace.h>
 
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// The linker sends the calls of this function here.
+// The linker redirects calls of the real function to this one.
 bool WrappedTraceEnabled(const unsigned char*, long, bool) __asm__("__wrap__ZN7tvxcore5debug12TraceEnabledEPKhlb");
 bool RealTraceEnabled(const unsigned char*, long, bool) __asm__("__real__ZN7tvxcore5debug12TraceEnabledEPKhlb");
 
@@ -65,7 +65,7 @@ protected:
     }
     ~AllocatorStatisticsSites() override { tvxcore::debug::ShutdownTraceManager(); }
 
-    // One of each subject, one of the regions and one of the heaps.
+    // Six subjects, the regions and the heaps have one site each.
     const std::vector<std::string> mOneOfEachSite = std::vector<std::string>(8, "ORL.Allocator, 1, false");
     const std::vector<std::string> mNone;
 };

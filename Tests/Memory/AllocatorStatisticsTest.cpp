@@ -36,7 +36,7 @@ std::string Prefix()
     return "<" + std::to_string(tvxcore::threads::GetCurrentThreadID()) + "> <ORL.Allocator> <1> ";
 }
 
-/// Regions from a list, one after the other from address 0.
+/// Reports the regions of a list, adjacent to each other from address 0.
 class ListedRegions : public RegionSource
 {
 public:
@@ -72,7 +72,7 @@ private:
 
 const std::vector<Region> kThreeRegions = {{0x10000, 65536}, {0x2000, 4096}, {0x1000, 8192}};
 
-// The trace records into sLines, with the category on.
+// Collects the trace in sLines, with the category on.
 class AllocatorStatistics : public testing::Test
 {
 protected:
@@ -223,7 +223,7 @@ TEST_F(AllocatorStatistics, OfTheSystem_RegionsFollowEachOtherFromZero)
     EXPECT_GE(heaps, 1u);
 }
 
-// The second thread comes while the first is in its walk, and gets every chance to write.
+// The second thread starts during the first one's walk and gets ample time to write.
 TEST_F(AllocatorStatistics, ThreadThatComesDuringAWalk_WritesAfterIt)
 {
     struct HeldUp : ListedRegions

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLarge = 8192;
 
-// The operations that a buffer's owner has.
+// Exposes the operations that a buffer's owner has.
 class OwnBuffer : public MemoryBuffer
 {
 public:
@@ -52,7 +52,7 @@ private:
     tvxcore::config::ErrorManager* mOld;
 };
 
-// More than any machine has, and still a multiple of every rounding step.
+// More memory than any machine has, and a multiple of every rounding step.
 constexpr std::size_t kHopeless = std::size_t{1} << 60;
 
 } // namespace
@@ -162,7 +162,7 @@ TEST(MemoryRecycler, ReturnOverTheLimit_DropsTheOldestFirst)
         recycler.RecycleBuffer(buffer);
     }
     EXPECT_EQ(3 * kLarge, recycler.GetSize());
-    // The three youngest are still there, youngest first.
+    // The three youngest are still pooled, youngest first.
     MemoryBuffer kept[3];
     for (int i = 0; i < 3; ++i) {
         kept[i] = recycler.AllocateBuffer(kLarge);
@@ -200,7 +200,7 @@ TEST(MemoryRecycler, BufferLargerThanTheLimit_IsMadeAllTheSame)
 
 TEST(MemoryRecycler, LimitThatNobodyHasSet_Is50000000Bytes)
 {
-    // Sizes are multiples of 4096: the most that fits, and the least that does not.
+    // Sizes are multiples of 4096: the largest that fits, and the smallest that does not.
     constexpr std::size_t kFits = 50000000 / 4096 * 4096;
     constexpr std::size_t kMost = kFits / 16384 * 16384;
     MemoryRecycler recycler;
@@ -344,7 +344,7 @@ TEST(MemoryBufferWrapper, EndOfScope_GivesTheBufferToThePool)
     DropMemoryRecycler();
 }
 
-// There is no pool to take a buffer from; the check reports it, and only who installs a reporter of its own gets past it.
+// Without a pool the check reports; only a host that installs its own reporter continues after it.
 TEST(MemoryBufferWrapper, BeforeTheStart_IsReportedByThePointersPublishedCheck)
 {
     ASSERT_FALSE(MemoryRecycler::Instance());

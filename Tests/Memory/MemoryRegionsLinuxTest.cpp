@@ -31,7 +31,7 @@ Region RegionAt(std::uint64_t inAddress)
 
 constexpr std::size_t kPage = 4096;
 
-// The list that the next walk reads, whatever the process has.
+// The region list that the next walk reads instead of the process's own.
 std::string sList;
 
 ssize_t ReadList(int, void* outBuffer, std::size_t inSize, off_t inPosition)

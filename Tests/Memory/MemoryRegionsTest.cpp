@@ -9,7 +9,7 @@ using namespace ORL::MemoryRegions;
 
 namespace {
 
-// The region that holds an address, by a walk from zero.
+// Walks from address zero to the region that contains inAddress, and returns it.
 Region RegionAt(const void* inAddress)
 {
     const std::uint64_t wanted = reinterpret_cast<std::uintptr_t>(inAddress);

@@ -1,2 +1,2 @@
-# The questions that trace sites ask are counted on their way: the calls of this function go to the tests.
+# Redirects the queries of trace sites to the tests, which count them.
 target_link_options(${room_target} PRIVATE -Wl,--wrap=_ZN7tvxcore5debug12TraceEnabledEPKhlb)
