@@ -1,5 +1,5 @@
-// The machine code of the two reads, which by their contract are compare-and-sets of 17 against 17. What they do to a
-// word tells that they write; the number shows nowhere else.
+// The machine code of the two reads, which their contract defines as a compare-exchange of 17 with 17. Tests of
+// behaviour can show that a read writes, but not the number; only the code shows that.
 #include <ORLAtomic.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 
 using namespace ORL;
 
-// A section of its own, so that no other function follows within the bytes that are looked at.
+// A separate section, so that no other function follows within the examined bytes.
 #define ORL_ALONE(name) __attribute__((noinline, used, section(name)))
 
 namespace {
@@ -27,8 +27,8 @@ ORL_ALONE("orlptr") void* ReadPointer(void*& ioPointer)
     return AtomicReadPtr(ioPointer);
 }
 
-// "mov $17, %eax", and later the locked compare-and-set, which compares with that register. A 64-bit one has one of the
-// prefixes from 0x48 to 0x4F between its other two bytes.
+// Looks for "mov $17, %eax" followed by the locked compare-exchange, which compares with that register. The 64-bit form
+// has a prefix from 0x48 to 0x4F between these two bytes.
 template <class Function>
 bool ComparesWithSeventeen(Function inFunction, bool inIs64Bit)
 {

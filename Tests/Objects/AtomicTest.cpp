@@ -103,7 +103,7 @@ TEST(Atomic, AlignedTargets_ReportNothing)
 
 namespace {
 
-// Objects at each place within 16 aligned bytes; what is done to them is recorded.
+// Objects at each offset in 16 aligned bytes; records the reports of operations on them.
 struct Misaligned
 {
     alignas(16) unsigned char mBytes[32] = {};
@@ -115,7 +115,7 @@ struct Misaligned
     }
 };
 
-// How many reports a call makes.
+// Returns the number of reports that a call makes.
 template <class Call>
 std::size_t ReportsOf(const Call& inCall)
 {
@@ -179,7 +179,7 @@ TEST(Atomic, ManyThreadsCountAndRead_LoseNothing)
             if (inThread % 2 == 0) {
                 AtomicIncrement(value);
             } else {
-                AtomicRead(value); // its compare-and-set must not undo a step, not even at 17
+                AtomicRead(value); // its compare-exchange must not undo an increment, not even at 17
             }
         }
     });
@@ -200,8 +200,8 @@ TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
 
 namespace {
 
-// Two threads each write their own word and then read the other's: with a full barrier in the read, at least one of
-// them sees the other's write. They run side by side through many pairs of words, so that some meet closely.
+// Two threads each write their own word and then read the other's. With a full barrier in the read, at least one of
+// them sees the other's write. They run through many pairs of words so that some accesses nearly coincide.
 template <class Word, class Read>
 void ExpectAFullBarrier(Word inWritten, const Read& inRead)
 {
@@ -215,7 +215,7 @@ void ExpectAFullBarrier(Word inWritten, const Read& inRead)
             if (pair % kPairsBetweenMeetings == 0) {
                 arrived.fetch_add(1);
                 for (int turn = 1; arrived.load() < 2 * (pair / kPairsBetweenMeetings + 1); ++turn) {
-                    if (turn % 1000 == 0) { // let the other one run on a busy machine
+                    if (turn % 1000 == 0) { // let the other thread run on a busy machine
                         std::this_thread::yield();
                     }
                 }
@@ -245,7 +245,7 @@ TEST(Atomic, ReadPtr_CarriesAFullBarrier)
     ExpectAFullBarrier<char*>(&sObject, [](char*& ioWord) { return AtomicReadPtr(ioWord); });
 }
 
-// Both reads are read-modify-write operations: what may not be written may not be read by them either.
+// Both reads are read-modify-write operations, so they fault on read-only memory.
 TEST(AtomicDeathTest, ReadOfWhatMayNotBeWritten_EndsTheProcess)
 {
     static const std::int32_t sNumber = 18;

@@ -38,7 +38,7 @@ int MakerOf(const UnknownRef& inRef)
     return static_cast<const Instance*>(inRef.GetPtr())->mMaker;
 }
 
-// The factory keeps what it learns for the life of the process, so each test takes identifiers of its own.
+// The factory never forgets a registration, so each test uses fresh identifiers.
 Guid FreshID()
 {
     return Guid::CreateUnique();
@@ -73,7 +73,7 @@ TEST(ClassFactory, ClassWithoutCategories_IsCreatedByIdentifierAndIsInNoCategory
     EXPECT_EQ(1, MakerOf(ref));
 }
 
-// The categories that are known stay as they were, and none is made of an identifier that was near at hand.
+// Known categories stay unchanged, and no category is created from a related identifier.
 TEST(ClassFactory, ClassWithoutCategories_ChangesNoCategoryAndMakesNone)
 {
     static const Guid known(0x1111, 6);

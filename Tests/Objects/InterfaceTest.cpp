@@ -39,7 +39,7 @@ public:
 
 int Square::sLiving = 0;
 
-/// The count, by the layout that is promised: right behind the table of virtual functions.
+/// Reads the count at its guaranteed place: directly after the vtable pointer.
 AtomicValue CountOf(const void* inObject)
 {
     AtomicValue count;
@@ -47,7 +47,7 @@ AtomicValue CountOf(const void* inObject)
     return count;
 }
 
-/// An interface that is its own root.
+/// An interface without a base interface.
 class LoneInterface
 {
 public:
@@ -122,7 +122,7 @@ TEST(InterfaceRef, Assignment_CountsTheNewBeforeItReleasesTheOld)
         reference = other;
         EXPECT_EQ("+b-a", sLog);
         sLog.clear();
-        reference = other; // what it holds already
+        reference = other; // the object that it already holds
         EXPECT_EQ("+b-b", sLog);
     }
 }

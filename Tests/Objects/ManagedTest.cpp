@@ -47,7 +47,7 @@ TEST(Managed, NewObject_HasNoOwner)
 
 TEST(Managed, LastReleaseThroughAManager_CallsDestroyAndDeletesNothing)
 {
-    Item item; // on the stack: a delete would be seen
+    Item item; // on the stack, so a delete would crash
     Keeper keeper;
     keeper.Keep(item);
     keeper.Keep(item);
@@ -70,7 +70,7 @@ TEST(Managed, KeptAgainAfterDestroy_IsDestroyedAgain)
     }
 }
 
-// The count alone decides: what falls below 0 destroys nothing, and comes back to 0 by an AddRef, which destroys nothing.
+// Only the count matters: going below 0 destroys nothing, and neither does an AddRef that returns it to 0.
 TEST(Managed, ReleasedTooOften_IsNotDestroyedAgain)
 {
     Item item;

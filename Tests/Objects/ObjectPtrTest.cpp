@@ -24,7 +24,7 @@ struct Base
     virtual ~Base() = default;
 };
 
-/// Counts the living and notes what each destructor sees.
+/// Counts the living objects and records what each destructor sees.
 struct Object : Base
 {
     explicit Object(int inNumber = 0) : mNumber(inNumber) { ++sLiving; }
@@ -36,7 +36,7 @@ struct Object : Base
 
 int Object::sLiving = 0;
 
-/// The two members, by the layout that hosts rely on.
+/// The two members, in the layout that hosts rely on.
 struct Members
 {
     AtomicValue* mCounter;
@@ -182,7 +182,7 @@ TEST(ObjectPtr, LastOwner_DestroysTheObjectWhileTheCounterStillStands)
         ~Watcher()
         {
             mCount = *mCounter;
-            // The allocator hands out again first what it got back last.
+            // The allocator reuses the most recently freed block first.
             void* const block = Allocator::Allocate(sizeof(AtomicValue));
             mIsGivenBack = block == mCounter;
             Allocator::Dispose(block, sizeof(AtomicValue));
@@ -245,7 +245,7 @@ TEST(ObjectPtr, CountBelowOne_IsReportedAndTheObjectIsLeftAlone)
     {
         const ObjectPtr<Object> pointer(object);
         counter = MembersOf(pointer).mCounter;
-        *counter = 0; // as a second owner that forgot to count would leave it
+        *counter = 0; // as if a second owner had forgotten to count
     }
     ASSERT_EQ(1u, recorder.Reports().size());
     EXPECT_EQ("*mCounter > CounterType(0)", recorder.Reports()[0].mExpression);

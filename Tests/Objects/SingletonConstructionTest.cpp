@@ -7,7 +7,7 @@
 
 using namespace ORL;
 
-// No test of this program starts the library.
+// Nothing in this program starts the library.
 TEST(SingletonConstruction, LockAskedForByManyThreadsBeforeAnyStart_IsOneAndTheSame)
 {
     std::vector<CriticalSection*> given(8);
