@@ -22,7 +22,7 @@ using ORLTest::Units;
 
 namespace {
 
-// The three words of a handle, as they lie in memory.
+// The three words of a handle in memory.
 template <class Unit>
 struct Words
 {
@@ -47,7 +47,7 @@ Words<char> WordsOf(const StdConstString& inString)
     return words;
 }
 
-// The shared record, as it lies in memory.
+// Reads the count in the shared record.
 AtomicValue CountOf(const ConstString& inString)
 {
     return static_cast<const Internal::ConstStringShared<UTF16String>*>(WordsOf(inString).mShared)->mReferenceCount;
@@ -62,7 +62,7 @@ Snapshot Blocks()
     return snapshot;
 }
 
-// How many blocks the work allocates, given back or not.
+// Returns the number of allocations during the work, freed or not.
 template <class Work>
 unsigned long long AllocationsOf(const Work& inWork)
 {
@@ -71,7 +71,7 @@ unsigned long long AllocationsOf(const Work& inWork)
     return Blocks().mSmallBlockCountTotal - before.mSmallBlockCountTotal;
 }
 
-// A handle on inText owns inBlocks blocks of inBytes in all, and owes none when the last copy is gone.
+// Expects that a handle on inText owns inBlocks blocks of inBytes in total, all freed with the last copy.
 template <class Handle, class Text>
 void ExpectOwned(const Text& inText, unsigned inBlocks, std::size_t inBytes)
 {
@@ -340,7 +340,7 @@ TEST(ConstString, LastRelease_GivesTheRecordBackWithItsSize)
 {
     const std::size_t record = sizeof(Internal::ConstStringShared<UTF16String>);
     ExpectOwned<ConstString>(TVX_UTF16("short"), 1, record);
-    // The text of a long one stands in a block of its own, with the zero at its end.
+    // A long text has its own block, including the terminating zero.
     const UTF16String text(100, 'x');
     ExpectOwned<ConstString>(text.c_str(), 2, record + 101 * sizeof(unsigned short));
 }

@@ -246,7 +246,7 @@ TEST(ImmutableStringTable, ManyTexts_AreEachFoundAgainAndPurgedTogether)
     for (std::size_t i = 0; i < texts.size(); ++i) {
         ASSERT_EQ(handles[i].c_str(), ImmutableString::CreateDynamic(texts[i]).c_str()) << texts[i];
     }
-    // Every second one goes; the others must still be found through the index made anew.
+    // Removes every second one; the rebuilt index must still find the others.
     for (std::size_t i = 0; i < handles.size(); i += 2) {
         handles[i] = ImmutableString();
     }
@@ -290,7 +290,7 @@ TEST(ImmutableStringTable, SomebodyAtWorkInTheTable_NothingIsFreedAndNobodyWaits
     EXPECT_EQ(0u, table.GetCount());
 }
 
-// Sizes on both sides of every border of the hash's steps. Texts of one size that differ in one byte are told apart.
+// Covers both sides of every block boundary of the hash. Texts of one size that differ in one byte must be distinct.
 TEST(ImmutableStringTable, EachSizeUpTo200_IsFoundAgainAndOneOtherByteIsNot)
 {
     for (std::size_t size = 0; size <= 200; ++size) {
@@ -307,7 +307,7 @@ TEST(ImmutableStringTable, EachSizeUpTo200_IsFoundAgainAndOneOtherByteIsNot)
     ImmutableString::PurgeUnusedStrings();
 }
 
-// The index is made larger and made anew while others search it.
+// The index is enlarged and rebuilt while other threads search it.
 TEST(ImmutableStringTable, EightThreadsAddThousandsBesidePurges_EachTextIsOneRecord)
 {
     constexpr int kTexts = 3000;

@@ -13,7 +13,7 @@ using namespace ORL;
 
 namespace {
 
-// A locale that writes numbers as the two units say, in groups of three.
+// A locale with the given decimal point and separator, in groups of three.
 class Written : public std::numpunct<wchar_t>
 {
 public:
@@ -67,12 +67,12 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalComma_ReadsBothConventions)
         {__LINE__, " 1,5", 1.5},
         {__LINE__, "1.234,5", 1234.5},
         {__LINE__, "1.234.567", 1234567},
-        // the reading stops at a separator that closes no group
+        // parsing stops at a separator that does not end a group
         {__LINE__, "1.23", 1.23},
         {__LINE__, "1.234.5", 1234},
         {__LINE__, "1.2345", 1.2345},
         {__LINE__, "12.5 kg", 12.5},
-        // one reading is 0, so the classic one wins: the rule's blind spot
+        // one of the two readings is 0, so the classic reading wins: a known gap of the rule
         {__LINE__, ",5", 0},
         {__LINE__, "-,5", 0},
         {__LINE__, "0,5", 0},
@@ -95,7 +95,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
     ExpectEach(rows, PointLocale());
 }
 
-// Too large for a double: the classic reading fails, so it counts as 0, whatever the stream has left in its variable.
+// Out of range for a double: the classic reading fails, so it counts as 0, whatever value the stream stored.
 TEST(GetValueFromDisplayString, AClassicReadingThatFails_IsZero)
 {
     const Row rows[] = {

@@ -1,4 +1,4 @@
-// How the system says that numbers are written, as the library's locale tells it.
+// The number format of Windows, as the library's locale reports it.
 #include <LocaleInternals.h>
 #include <ORLString.h>
 

@@ -16,7 +16,7 @@ struct ParseRow
     const char* mFormat;
     std::vector<std::string> mParams;
     Result mResult;
-    const char* mText; // what comes out; the earlier content where it fails
+    const char* mText; // the output, or the earlier content if the call fails
 };
 
 const ParseRow kParseRows[] = {
@@ -32,10 +32,10 @@ const ParseRow kParseRows[] = {
     // only the first occurrence is filled, and numbers above the count stay
     {__LINE__, "%1 %1", {"a"}, kSuccess, "a %1"},
     {__LINE__, "%1 %2 %3", {"a", "b"}, kSuccess, "a b %3"},
-    // text that was put in is searched by the next step
+    // later steps also search text that was inserted
     {__LINE__, "%1 %2", {"%2", "b"}, kSuccess, "b %2"},
     {__LINE__, "%1", {"%2", "b"}, kSuccess, "b"},
-    // "%1" matches the start of "%10", also with ten parameters
+    // "%1" matches the start of "%10", even with ten parameters
     {__LINE__, "%10", {"a"}, kSuccess, "a0"},
     {__LINE__, "%10 %1 %2 %3 %4 %5 %6 %7 %8 %9", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}, kGeneralFailure,
      "before"},
@@ -112,10 +112,10 @@ TEST(SplitString, EachText_GivesItsFirstTwoTokens)
         {__LINE__, "=", "=", "", ""},
         {__LINE__, "===", "=", "", ""},
         {__LINE__, "a===", "=", "a", ""},
-        // a longer separator is only partly stepped over
+        // only the first unit of a longer separator is skipped
         {__LINE__, "a::b", "::", "a", ":b"},
         {__LINE__, "a::b::c", "::", "a", ":b"},
-        // an empty separator is found at once, at every place
+        // an empty separator matches at once, at every position
         {__LINE__, "ab", "", "", ""},
     };
     for (const Row& row : rows) {
@@ -155,8 +155,8 @@ TEST(Tokenizer, SeparatorAtTheEnd_LeavesNoTokenBehindIt)
     EXPECT_EQ("", MakeStdString(tokens.Next()));
 }
 
-// The search goes by eight units at a time; each place, and units that differ from the separator in one bit, must come out as
-// in a search by one.
+// The search reads eight units at a time. It must agree with a unit-by-unit search at every position, even among units
+// that differ from the separator in one bit.
 TEST(Tokenizer, SeparatorAtEachPlaceAmongUnitsThatAreNearlyTheSame_IsFoundWhereItIs)
 {
     const unsigned short separators[] = {'=', 0x0001, 0x8000, 0x7FFF, 0xFFFF, 0x0000};

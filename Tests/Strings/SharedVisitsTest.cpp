@@ -57,7 +57,7 @@ TEST(SharedVisits, NoPlaceLeft_IsNotInAndDoesNotWait)
     EXPECT_TRUE(SharedVisits::Visit(visits).IsIn()) << "the places are free again";
 }
 
-// The numbers are plain ones: a visitor beside the writer is a data race, and finds them unequal.
+// The numbers are not atomic: a visitor concurrent with the writer is a data race and sees unequal numbers.
 TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
 {
     SharedVisits visits;
@@ -77,7 +77,7 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
                         ++looks;
                     }
                 }
-                std::this_thread::yield(); // to lose the processor in a visit holds the writer up for long
+                std::this_thread::yield(); // if a visitor loses the processor during a visit, the writer waits for long
             }
         });
     }

@@ -1,4 +1,4 @@
-// A host under its user's locale: shows numbers, reads what it showed, and says what its stream of the user's locale writes.
+// A host in its user's locale: displays numbers, parses them back, and prints what a stream of that locale writes.
 #include <ORLFoundation.h>
 #include <tvxcore/Number.h>
 #include <tvxcore/Text.h>
@@ -9,7 +9,7 @@
 int main()
 {
     ORL::Foundation::Initialize();
-    bool readsBack = true; // below 1 a decimal comma is lost by the declared rule
+    bool readsBack = true; // numbers below 1 lose a decimal comma, by the documented rule
     for (const double number : {1234.5, -1234567.25, 999.0, 1000.0, 12345678.0}) {
         const UTF16String shown = tvxcore::utility::NumberToString(number, 1, 2, {}, 31);
         readsBack = readsBack && ORL::Locale::GetValueFromDisplayString(shown) == number;

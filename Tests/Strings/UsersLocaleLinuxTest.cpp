@@ -1,4 +1,4 @@
-// The user's locale of a whole process: what is shown reads back, whether or not the C library has the locale.
+// The user's locale of a whole process: displayed numbers parse back, whether or not the C library has the locale.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <VariableLinux.h>
@@ -39,7 +39,7 @@ TEST(UsersLocale, ThatIsClassicUnknownOrMissing_IsTheClassicOne)
     EXPECT_EQ("1234567.5 reads back, point\n", HostUnder("xx_YY.UTF-8", nullptr, nullptr));
 }
 
-// A locale that somebody made on this machine is known to the C library alone.
+// Only the C library knows a locale that was compiled on this machine.
 TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
 {
     const TempFolder folder;
@@ -51,7 +51,7 @@ TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
     }
     folder.MakeFile("map", map + "END CHARMAP\n");
     folder.MakeFile("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 2;2\nEND LC_NUMERIC\n");
-    // It warns of the categories that are not there, and its exit code says so.
+    // localedef warns about missing categories and then exits with an error code, although it made the locale.
     static_cast<void>(std::system(
         ("cd '" + folder.Host().string() + "' && localedef -c -i source -f ./map ./own_made 2>/dev/null").c_str()));
     const Variable path("LOCPATH", folder.Host().c_str());
