@@ -1,5 +1,6 @@
 // Floor: Memory
-// The front of the small block allocator, for code that takes exhausted memory as an exception, and its statistics.
+// The interface to the small block allocator for code that reports exhausted memory by an exception, and its
+// statistics.
 #pragma once
 
 #include <ORLConfig.h>
@@ -9,27 +10,31 @@
 
 namespace ORL {
 
-/// Memory for counters, records and other small blocks. Safe from any thread; takes no lock of its own.
+/// Memory for counters, records and other small blocks.
+///
+/// Owner:    the caller owns each block until it passes the block to Dispose.
+/// Threads:  thread-safe.
+/// Failure:  Allocate throws std::bad_alloc. Dispose never throws.
 class ORL_API Allocator
 {
 public:
-    /// A block of inSize bytes (0 gives a block too), aligned for every fundamental type. Never null.
-    /// Throws std::bad_alloc, whose what() is "bad allocation", when memory is out.
+    /// Returns a block of inSize bytes, aligned for every fundamental type. Never null, even if inSize is 0. Throws
+    /// std::bad_alloc, whose what() is "bad allocation".
     static void* Allocate(std::size_t inSize);
 
-    /// Gives a block back, on any thread. inSize is the size that was asked for; null is ignored.
+    /// Frees a block, on any thread. inSize is the size that was passed to Allocate. Ignores null.
     static void Dispose(void* inBlock, std::size_t inSize);
 };
 
-/// Writes the state of the allocator and of the process's address space to the trace, for trouble with memory: the 18
-/// counters of the small block allocator in six lines, then a line for each region of the address space, then the
-/// number of heaps. All under category "ORL.Allocator" at level 1, which a host switches on by name:
+/// Writes the state of the allocator and of the process's address space to the trace, to diagnose memory problems: the
+/// 18 counters of the small block allocator in six lines, then a line for each region of the address space, then the
+/// number of heaps. All lines are in category "ORL.Allocator" at level 1, which a host enables by name:
 ///
 ///   tvxcore::debug::SetTraceLevel("ORL.Allocator", 1);
 ///
 /// Addresses and sizes of regions show their low 32 bits only. A region's state is 4096 for memory in use, 8192 for
-/// reserved and 65536 for free address space, on every platform. Safe from any thread; the lines of two calls do not
-/// mingle. When the allocator keeps no counters, nothing at all is written.
+/// reserved and 65536 for free address space, on every platform. Thread-safe: the lines of two calls are not
+/// interleaved. Writes nothing if the allocator keeps no counters.
 ORL_API void TraceAllocatorStatistics();
 
 } // namespace ORL

@@ -12,32 +12,33 @@
 
 namespace ORL {
 
-/// The host's application object, of which a process has at most one. The host derives from it, makes the object at
-/// start-up and destroys it at the end, on its main thread, before and after other threads use Instance. The library
-/// makes none.
+/// The host's application object, of which a process has at most one. The host derives from it and creates the object
+/// at start-up; the library creates none.
 ///
-/// Not thread-safe: Instance reads a plain pointer, and GetApplicationFilePath fills the cache of its module on the first
-/// call.
+/// Owner:    the host. It creates and destroys the object on its main thread, while no other thread uses Instance.
+/// Threads:  not thread-safe: Instance reads a plain pointer, and the first GetApplicationFilePath fills a cache in its
+///           module.
+/// Failure:  the constructor and GetApplicationFilePath throw std::bad_alloc.
 class ORL_API Application
 {
 public:
-    /// Shares both modules and copies the text and the value. inApplicationModule is the one whose path
-    /// GetApplicationFilePath returns; the other three are kept for the host. Makes this object the instance, after an
-    /// input contract that there is none. Throws std::bad_alloc.
+    /// Shares both modules and copies the text and the value. GetApplicationFilePath returns the path of
+    /// inApplicationModule; the other three are kept for the host. Makes this object the instance. Fires an input
+    /// contract if there is one already. Throws std::bad_alloc.
     Application(const ObjectPtr<Module, AtomicValue>& inModule,
                 const ObjectPtr<Module, AtomicValue>& inApplicationModule, const UTF16String& inStartupText,
                 int inStartupValue);
 
-    /// From here on there is no instance.
+    /// Clears the instance.
     virtual ~Application();
 
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// The host's main loop, or what it puts in that place. The library does not call it.
+    /// The host's main loop, or its equivalent. The library does not call it.
     virtual int Run() = 0;
 
-    /// For hosts that act when nothing else is to be done. Does nothing here, and the library does not call it.
+    /// For hosts that do work when idle. Does nothing here; the library does not call it.
     virtual void Idle();
 
     /// Returns the application, or null if there is none.

@@ -1,5 +1,5 @@
 // Floor: Files
-// Unbuffered reads of large files, many in flight, a callback for each.
+// Unbuffered reads of large files: many reads in flight, one callback for each.
 #pragma once
 
 #include <ORLConfig.h>
@@ -8,20 +8,20 @@
 
 namespace ORL {
 
-/// Reads one file past the system's cache. Reads are queued and come back, in any order, through their callbacks.
+/// Reads one file without the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
-/// Duties:   position, size and address of each read are multiples of GetDiskSectorSize(). Nothing here checks that;
-///           the system refuses the read, and its callback gets the failure. The last read of a file asks for whole
-///           sectors and comes back short. A read must start before the end of the file: on Linux one that does not
-///           fails at its start, on Windows it fails when it completes (see below).
-/// Owner:    the buffer stays the caller's and must live until the callback; so must the reader.
-/// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor belong to one
-///           thread at a time. Callbacks of all readers of the process run one after another on one library thread
-///           (those of reads that fail to start, on another), so a slow one holds all of them up.
-/// Needs:    Foundation::Initialize, with no Terminate before the last reader is closed.
-/// Failure:  Open gives -1 for a path that is missing, a directory or not to be opened. A read that fails to start
-///           reports through its callback with 0 bytes and the failure. A read that starts and then fails (a broken
-///           disk) ends the machinery: neither it nor any later read of the process is reported, and
+/// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). This is not checked here:
+///           the system refuses the read, and its callback receives the failure. The last read of a file requests whole
+///           sectors and returns fewer bytes. A read must start before the end of the file. If it does not, it fails at
+///           its start on Linux, and on completion on Windows (see Failure).
+/// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
+/// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor: one thread at a
+///           time. The callbacks of all readers of the process run one after another on one library thread, so a slow
+///           callback delays all others. Callbacks of reads that fail to start run on a second library thread.
+/// Needs:    Foundation::Initialize. Terminate must not be called before the last reader is closed.
+/// Failure:  Open returns -1 for a path that is missing, is a directory or cannot be opened. The callback of a read
+///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (a broken disk)
+///           stops all asynchronous reads of the process: neither it nor any later read is reported, and
 ///           WaitForPendingReads and Close do not return.
 /// Example:
 ///   ORL::AsyncFileReader reader;
@@ -32,9 +32,9 @@ namespace ORL {
 class ORL_API AsyncFileReader
 {
 public:
-    /// Gets one finished read: position, size, buffer and the three user values as they were queued, the bytes read
-    /// as the system reported them (fewer than asked for where the file ends), and kSuccess or the failure. It must
-    /// not call WaitForPendingReads or Close on its own reader, which would wait for itself, and must not throw.
+    /// Receives one finished read: position, size, buffer and the three user values as they were queued, the number of
+    /// bytes read as the system reports it (fewer than requested at the end of the file), and kSuccess or the failure.
+    /// Must not throw. Must not call WaitForPendingReads or Close on its own reader: that deadlocks.
     using ReadCallback = void (*)(const AsyncFileReader* inReader, unsigned __int64 inPosition, unsigned int inSize,
                                   unsigned int inBytesRead, void* inBuffer, void* inUserData1, void* inUserData2,
                                   void* inUserData3, int inResult);
@@ -42,29 +42,29 @@ public:
     /// No file is open.
     AsyncFileReader();
 
-    /// As Close.
+    /// Same as Close.
     ~AsyncFileReader();
 
     AsyncFileReader(const AsyncFileReader&) = delete;
     AsyncFileReader& operator=(const AsyncFileReader&) = delete;
 
-    /// Opens a file into a reader that holds none; others may read and write the file meanwhile. Returns kSuccess;
-    /// -1 when the path is missing, a directory or not to be opened; or the failure to learn the sector size, with
-    /// the file left open. A reader that was closed may be opened again.
+    /// Opens a file with a reader that is not open. Other handles may read and write the file meanwhile. Returns
+    /// kSuccess; -1 if the path is missing, is a directory or cannot be opened; or, if the sector size cannot be
+    /// determined, that failure, with the file left open. A closed reader may be opened again.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
-    /// Queues one read and returns 0; the outcome is the callback's alone, which may be null. Never touches the disk
-    /// on this thread. With 2048 reads of the process in flight it waits until one has finished.
+    /// Queues one read and returns 0. Only the callback receives the outcome; it may be null. Never accesses the disk
+    /// on this thread. If 2048 reads of the process are in flight, blocks until one has finished.
     int QueueReadRequest(unsigned __int64 inPosition, unsigned int inSize, void* inBuffer, ReadCallback inCallback,
                          void* inUserData1, void* inUserData2, void* inUserData3);
 
-    /// Returns when no read is in flight, and every callback has returned.
+    /// Blocks until no read is in flight and every callback has returned.
     void WaitForPendingReads();
 
-    /// Waits for pending reads, then closes the file. Nothing happens when none is open.
+    /// Waits for pending reads, then closes the file. Does nothing if no file is open.
     void Close();
 
-    /// Bytes, as Open learned them. 0 before.
+    /// Returns the sector size in bytes that Open determined, or 0 before Open.
     unsigned int GetDiskSectorSize();
 
 private:

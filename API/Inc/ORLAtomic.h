@@ -1,8 +1,8 @@
 // Floor: Core
 // Operations on shared 32-bit numbers and on shared pointers.
 //
-// Every operation is sequentially consistent and may be called from any thread. Each checks with an assertion that
-// its target is aligned to its own size, then does its work whatever the outcome.
+// Every operation is sequentially consistent and thread-safe. Each asserts that its target is aligned to its own size,
+// and runs even if that assertion fails. Never throws, unless the host's assertion handler does.
 #pragma once
 
 #include <ORLDebug.h>
@@ -13,19 +13,19 @@
 
 namespace ORL {
 
-/// The counter of an ObjectPtr, changed only through AtomicIncrement and AtomicDecrement.
+/// The counter of an ObjectPtr. Change it only with AtomicIncrement and AtomicDecrement.
 using AtomicValue = std::int32_t;
 
 namespace Internal {
 
-// A value whose type is found from another argument.
+// A parameter of this type takes no part in template argument deduction.
 template <class T>
 using Plain = std::common_type_t<T>;
 
 template <class T>
 inline constexpr bool kIs32BitNumber = std::is_integral_v<T> && sizeof(T) == 4;
 
-// The compiler may hold every reference for aligned. It has to look at this one.
+// The compiler may assume that every reference is aligned and drop the check. The empty asm hides the address from it.
 inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 {
     std::uintptr_t address = reinterpret_cast<std::uintptr_t>(inAddress);
@@ -36,7 +36,8 @@ inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 } // namespace Internal
 } // namespace ORL
 
-// A misaligned target is reported and then served, so the compiler's own check must not end the program first.
+// A misaligned target is reported and then served, so the compiler's own alignment check must not end the program
+// first.
 #define ORL_ATOMIC_SERVES_MISALIGNED __attribute__((no_sanitize("alignment")))
 
 #define ORL_ASSERT_ALIGNED_32_(target, line, function)                                                                 \
@@ -48,7 +49,7 @@ inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 
 namespace ORL {
 
-/// Adds one and gives the new value.
+/// Adds one and returns the new value.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicIncrement(T& ioValue)
 {
@@ -57,7 +58,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicIncrement(T& ioValue)
     return static_cast<T>(__atomic_add_fetch(&ioValue, T(1), __ATOMIC_SEQ_CST));
 }
 
-/// Takes one away and gives the new value.
+/// Subtracts one and returns the new value.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicDecrement(T& ioValue)
 {
@@ -66,8 +67,8 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicDecrement(T& ioValue)
     return static_cast<T>(__atomic_sub_fetch(&ioValue, T(1), __ATOMIC_SEQ_CST));
 }
 
-/// Gives the current value. The read is a compare-and-set of 17 against 17: the value stays, and the read is a full
-/// barrier. It takes the memory line for itself, so it costs what a change costs.
+/// Returns the current value. The read is a compare-and-set of 17 to 17, which changes nothing but is a full barrier.
+/// It acquires the cache line exclusively, so it costs as much as a write.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)
 {
@@ -78,7 +79,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)
     return value;
 }
 
-/// Stores inNew if the target holds inExpected. True when it did.
+/// Stores inNew if the target equals inExpected. Returns whether it did.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline bool AtomicCompareAndSet(T& ioAddend, Internal::Plain<T> inExpected,
                                                              Internal::Plain<T> inNew)
@@ -88,7 +89,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline bool AtomicCompareAndSet(T& ioAddend, Intern
     return __atomic_compare_exchange_n(&ioAddend, &inExpected, inNew, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
 }
 
-/// Stores inNew and gives the old value.
+/// Stores inNew and returns the old value.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicExchange(T& ioTarget, Internal::Plain<T> inNew)
 {
@@ -97,7 +98,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicExchange(T& ioTarget, Internal::Plai
     return __atomic_exchange_n(&ioTarget, inNew, __ATOMIC_SEQ_CST);
 }
 
-/// Gives the current pointer, by the same compare-and-set of 17 as AtomicRead.
+/// Returns the current pointer, by the same compare-and-set of 17 as AtomicRead.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicReadPtr(T*& ioValue)
 {
@@ -108,7 +109,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicReadPtr(T*& ioValue)
     return value;
 }
 
-/// Stores null and gives the old pointer.
+/// Stores null and returns the old pointer.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicNullifyPtr(T*& ioValue)
 {
@@ -116,7 +117,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicNullifyPtr(T*& ioValue)
     return __atomic_exchange_n(&ioValue, static_cast<T*>(nullptr), __ATOMIC_SEQ_CST);
 }
 
-/// Stores inNew if the target is null. True when it was.
+/// Stores inNew if the target is null. Returns whether it did.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline bool AtomicSetPtrIfNull(T*& ioTarget, Internal::Plain<T*> inNew)
 {

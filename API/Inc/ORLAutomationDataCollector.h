@@ -1,7 +1,7 @@
 // Floor: Diagnostics
-// A process-wide store of named results, for automation runs to read back, and its text as JSON.
+// A process-wide store of named results that automation runs read back, and its text as JSON.
 //
-// Not thread-safe: callers on several threads serialise themselves, the first call of Instance included.
+// Not thread-safe: callers on several threads must serialise their calls, the first call of Instance included.
 #pragma once
 
 #include <ORLConfig.h>
@@ -15,8 +15,11 @@
 
 namespace ORL {
 
-/// Results are kept under a name, in order of arrival; equal ones are all kept. The library itself adds none.
-/// Throws std::bad_alloc only.
+/// Keeps results under names, in the order they were added; duplicates are kept. The library itself adds none.
+///
+/// Owner:    the library owns the instance.
+/// Threads:  not thread-safe.
+/// Failure:  throws std::bad_alloc only.
 class ORL_API AutomationDataCollector
 {
 public:
@@ -24,10 +27,10 @@ public:
     using Result = std::pair<UTF16String, UTF16String>;
     using Results = std::vector<Result>;
 
-    /// By name, in the order of the names' units.
+    /// By name, in the order of the names' 16-bit units.
     using Collection = std::map<UTF16String, Results>;
 
-    // Keys that readers of a collection know.
+    // Well-known keys.
     static UTF16String kPerformanceTag; ///< "__Performance": the run is a performance test
     static UTF16String kSuccessTag;     ///< "__Success"
     static UTF16String kResultsTag;     ///< "__Results"
@@ -35,30 +38,30 @@ public:
 
     virtual ~AutomationDataCollector();
 
-    /// The store. It is made by the first call, belongs to the library, and is destroyed when the process exits.
+    /// Returns the store. The first call creates it; it is destroyed when the process exits.
     static AutomationDataCollector* Instance();
 
-    /// Appends a result to those of the name, which is entered if it is new.
+    /// Appends a result to the name, which is created if it is new.
     void AddResult(const UTF16String& inName, const Result& inResult);
 
-    /// Appends all in order. The name is entered even if there are none.
+    /// Appends all results in order. Creates the name even if inResults is empty.
     void AddResults(const UTF16String& inName, const Results& inResults);
 
-    /// A copy of all names with their results.
+    /// Returns a copy of all names with their results.
     Collection GetCollection();
 
     /// Removes all names.
     void Clear();
 
-    /// The pair of kPerformanceTag and "True". Adds nothing: the caller adds the pair to mark a run.
+    /// Returns the pair of kPerformanceTag and "True". Adds nothing: the caller adds the pair to mark a run.
     Result SpecifyPerformanceTest();
 
 private:
     Collection mCollection;
 };
 
-/// Writes a collection as one JSON object in UTF-8, with a line end after it. Each name is a member; its results are an
-/// array of objects with the members "key" and "value". Half a surrogate pair is written as U+FFFD. Names and results
+/// Writes a collection as one JSON object in UTF-8, followed by a line end. Each name is a member; its value is an
+/// array of objects with the members "key" and "value". An unpaired surrogate is written as U+FFFD. Names and results
 /// keep their order.
 ORL_API void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollector::Collection& inCollection);
 

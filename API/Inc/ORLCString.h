@@ -1,5 +1,5 @@
 // Floor: Strings
-// A plain zero-terminated 16-bit string, for interfaces that trade in the platform's own string class.
+// A plain zero-terminated 16-bit string, for interfaces that use the platform's own string class.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,7 +10,8 @@
 
 namespace ORL {
 
-/// Owns one zero-terminated 16-bit text. A value: copies are deep, and a copy is as thread-safe as any value.
+/// Owns one zero-terminated 16-bit text. A value: copies are deep. Not thread-safe: one thread at a time per object.
+/// The constructor throws std::bad_alloc.
 class CString
 {
 public:
@@ -19,7 +20,7 @@ public:
     /// Copies the text up to its first zero unit. inText must not be null.
     explicit CString(const unsigned short* inText) : mText(inText) {}
 
-    /// The text, never null; valid until the object changes or goes.
+    /// The text. Never null. Valid until the object is changed or destroyed.
     const unsigned short* GetString() const noexcept { return mText.c_str(); }
     operator const unsigned short*() const noexcept { return mText.c_str(); }
 

@@ -1,5 +1,5 @@
 // Floor: Objects
-// Classes published under an identifier, to be made by modules that know nothing else of them.
+// Classes registered under an identifier, so that modules can create instances without knowing the class.
 #pragma once
 
 #include <ORLConfig.h>
@@ -11,60 +11,64 @@
 
 namespace ORL {
 
-/// Makes an instance and stores it in its argument. May throw; the exception reaches who asked for the instance.
+/// Creates an instance and stores it in its argument. May throw: the exception propagates to the caller who requested
+/// the instance.
 using CreateClassFunction = void (*)(InterfaceRef<ORLUnknown, ORLUnknown>&);
 
 /// Appends the categories of a class to an empty vector.
 using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 
-/// What is known of one registered class. Its address is the class's token, stable for the life of the process.
+/// The record of one registered class. Its address is the class's token, stable for the life of the process.
 struct ClassMapEntry
 {
-    Guid mClassID;                // the key under which the entry stands
-    const char* mFirstName;       // the two texts of the registration: stored as pointers and not read here
+    Guid mClassID;                // the key of the entry
+    const char* mFirstName;       // the two texts of the registration; stored as pointers, not read here
     const char* mSecondName;
     CreateClassFunction mCreate;
 };
 
-/// The process's register of classes and categories.
+/// The process's registry of classes and categories.
 ///
-/// No lock is taken: registration belongs to load and start-up, on one thread; making instances from several threads is
-/// safe once all registrations are finished. Nothing is ever unregistered, so a module that has registered a class stays
-/// loaded. Exceptions of a create function and std::bad_alloc pass through.
-///
-/// A registration that runs out of memory is not undone: the class may be known, and stand in its first categories but not in
-/// the others. To register it again completes it, but puts it a second time where it stands already.
+/// Nothing is ever unregistered, so a module that has registered a class stays loaded.
+/// Owner:    the process. The texts of a registration stay the caller's.
+/// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
+///           created from any thread.
+/// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
+///           not undone: the class may be registered, and be in its first categories but not in the others. Registering
+///           it again completes it, but adds duplicates to the categories that already list it.
 class ORL_API ClassFactory
 {
 public:
-    /// Publishes a class and appends it to its categories. A class that is already registered keeps its first entry, but
-    /// is appended to the categories again. The texts must live as long as the process. Always kSuccess.
-    /// A class without categories passes ORLGetClassCategories.
+    /// Registers a class and appends it to its categories. A class that is already registered keeps its first entry,
+    /// but is appended to the categories again. The texts must live as long as the process. Always returns kSuccess.
+    /// For a class without categories, pass ORLGetClassCategories.
     static Result RegisterORLClass(const Guid& inClassID, const char* inFirstName, const char* inSecondName,
                                    CreateClassFunction inCreate, GetClassCategoriesFunction inGetCategories);
 
-    /// Makes an instance. kClassNotRegistered leaves outRef untouched; what the create function stored is not tested.
+    /// Creates an instance. Returns kClassNotRegistered, with outRef untouched, for an unknown class. What the create
+    /// function stored is not checked.
     static Result CreateInstanceRef(const Guid& inClassID, InterfaceRef<ORLUnknown, ORLUnknown>& outRef);
 
-    /// Makes an instance of the class at a position, counted from 0 in order of registration, of a category.
-    /// kCategoryNotRegistered, kCategoryIndexOutOfRange and kClassNotRegistered leave outRef untouched.
+    /// Creates an instance of one class of a category. inIndex counts from 0 in order of registration. Returns
+    /// kCategoryNotRegistered, kCategoryIndexOutOfRange or kClassNotRegistered, with outRef untouched, if there is no
+    /// such class.
     static Result CreateClassByCategory(const Guid& inCategory, unsigned int inIndex,
                                         InterfaceRef<ORLUnknown, ORLUnknown>& outRef);
 
-    /// The token of a class, null when it is unknown.
+    /// Returns the token of a class, or null if it is unknown.
     static ClassMapEntry* GetClassTokenFromClassID(const Guid& inClassID);
 
-    /// The class of a token, which must be one.
+    /// Returns the class of a token. inToken must be valid.
     static Guid GetClassIDFromClassToken(ClassMapEntry* const& inToken);
 
-    /// Stores the wish, which starts as true. Nothing here reads it.
+    /// Stores the flag, initially true. Nothing in the library reads it.
     static void SetWarnAboutUnregisteredClasses(bool inWarn);
 };
 
-/// Makes an instance. Throws exClassNotFound where ClassFactory::CreateInstanceRef answers kClassNotRegistered.
+/// Creates an instance. Throws exClassNotFound if the class is not registered.
 ORL_API InterfaceRef<ORLUnknown, ORLUnknown> CreateClassInstanceRef(const Guid& inClassID);
 
 } // namespace ORL
 
-/// The category function of a class that belongs to no category: leaves the vector empty.
+/// The category function of a class without categories: leaves the vector empty.
 ORL_API void ORLGetClassCategories(std::vector<ORL::Guid>& outCategories);

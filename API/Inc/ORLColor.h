@@ -1,19 +1,19 @@
 // Floor: Media
 // Conversions of one colour between RGB, HSL, HSV, YUV, YPbPr and YIQ, and its level in IRE and millivolts.
 //
-// Two number forms stand side by side. Normalised values are floats, 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5
-// for Pb and Pr. Integer values serve user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in
-// percent, 0 to 100; RGB, Y as bytes; U and V as signed bytes about 0. Values outside these ranges are computed with the
-// same formulas; each function says what it stores.
+// There are two number forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for Pb
+// and Pr. Integer values are for user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in percent,
+// 0 to 100; R, G, B and Y as bytes; U and V as signed bytes around 0. Values outside these ranges are computed with the
+// same formulas; each function documents what it stores.
 //
 // Every operation is an IEEE single or double operation, in the order of the formula and never fused, so results are
-// equal to the last bit on every platform and at every optimisation level. Conversions to integers truncate toward zero.
+// bit-identical on every platform and at every optimisation level. Conversions to integers truncate toward zero.
 //
-// Never throws, allocates nothing, takes no lock. Thread-safe.
+// Thread-safe. Never throws, allocates nothing, takes no lock.
 //
 // Sources of the formulas: RGB and YUV are ITU-R BT.601 with 16 to 235 for Y and 16 to 240 for chroma. YPbPr is BT.601
-// with full-range chroma, as JFIF has it. YIQ turns the chroma plane by 33 degrees. HSV is A. R. Smith's hexcone (1978);
-// HSL shares its hue, and its saturation is the chroma itself. IRE and millivolts are those of an NTSC signal without
+// with full-range chroma, as in JFIF. YIQ rotates the chroma plane by 33 degrees. HSV is A. R. Smith's hexcone (1978).
+// HSL shares its hue; its saturation is the chroma itself. IRE and millivolts are those of an NTSC signal without
 // set-up: 100 IRE are 714.2857 mV.
 #pragma once
 
@@ -27,7 +27,8 @@ template <class T>
 class ParamColor;
 
 /// A colour in 32 bits: red in the low byte, then green, then blue. The top byte is not part of the colour. Every
-/// function that stores a colour leaves it 0, except MakeRGBNTSCSafe, which copies it.
+/// function that stores a colour sets it to 0, except MakeRGBNTSCSafe, which copies it. A value: thread-safe like an
+/// integer.
 template <>
 class ParamColor<unsigned long>
 {
@@ -47,7 +48,7 @@ public:
     constexpr unsigned char GetGreen() const noexcept { return static_cast<unsigned char>(mValue >> 8); }
     constexpr unsigned char GetBlue() const noexcept { return static_cast<unsigned char>(mValue >> 16); }
 
-    /// All 32 bits are compared.
+    /// Compares all 32 bits.
     friend constexpr bool operator==(const ParamColor& inLeft, const ParamColor& inRight) noexcept
     {
         return inLeft.mValue == inRight.mValue;
@@ -63,8 +64,8 @@ private:
 
 // RGB and YUV
 
-/// Computes in double: Y = 0.257 R + 0.504 G + 0.098 B + 16, V = 0.439 R - 0.368 G - 0.071 B,
-/// U = -0.148 R - 0.291 G + 0.439 B; U and V are truncated with an offset of 128, which is taken off again.
+/// Computes in double: Y = 0.257 R + 0.504 G + 0.098 B + 16, V = 0.439 R - 0.368 G - 0.071 B, U = -0.148 R - 0.291 G +
+/// 0.439 B. U and V are truncated after adding 128, which is then subtracted again.
 ORL_API void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY, char& outU, char& outV);
 
 /// Computes in double, with y = (Y - 16) 1.164: R = 1.596 V + y, G = y - 0.392 U - 0.813 V, B = 2.017 U + y, truncated
@@ -86,15 +87,16 @@ ORL_API void ColorYPbPrToRGB(float inY, float inPb, float inPr, float& outR, flo
 /// Y stays; I = -0.544639 Pb + 0.838671 Pr, Q = 0.544639 Pr + 0.838671 Pb.
 ORL_API void ColorYPbPrToYIQ(float inY, float inPb, float inPr, float& outY, float& outI, float& outQ);
 
-/// The angle of the chroma vector, counted from red, as a share of the full circle: 0 to 1. No chroma gives 0. The
-/// arctangent is the library's own and rounds to the nearest float, so it does not change with the C runtime.
+/// Stores the angle of the chroma vector, counted from red, as a fraction of the full circle: 0 to 1. Without chroma it
+/// is 0. The library computes the arctangent itself, rounded to the nearest float, so it does not depend on the C
+/// runtime.
 ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 
-/// ColorYPbPrToRGB, then NormalizedRGBtoHSL: hue and saturation stay untouched where that leaves them.
+/// Same as ColorYPbPrToRGB, then NormalizedRGBtoHSL, which may leave hue and saturation untouched.
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
-// Levels: luma is 100 times the Y of YPbPr, chroma 100 times the length of the vector of the two colour differences as
-// they are modulated on the carrier. The forms in millivolts multiply both by 7.142857.
+// Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of the two colour differences,
+// as modulated on the carrier. The forms in millivolts multiply both by 7.142857.
 
 /// The colour differences are 0.614975 R - 0.514965 G - 0.10001 B and -0.147141 R - 0.288869 G + 0.43601 B.
 ORL_API void ColorRGBToIRE(float inR, float inG, float inB, float& outLuma, float& outChroma);
@@ -106,9 +108,9 @@ ORL_API void ColorYPbPrToMV(float inY, float inPb, float inPr, float& outLuma, f
 
 // RGB, HSV and HSL
 //
-// A colour may have no saturation to speak of (V or L below 0.0001) or no hue (S below 0.0001). What a colour does not
-// have is not stored: that output keeps the caller's value, so initialise it. The two flags tell; each may be null.
-// If the hue of the sector is negative, +6 is added, and the sum is divided by 6, both in double.
+// A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). An output that the colour does not
+// have is not stored and keeps the caller's value, so initialise it. The two flags report which are stored; each may be
+// null. A negative hue of a sector gets +6; the sum is divided by 6. Both are computed in double.
 
 /// V is the largest channel, S = (largest - smallest) / V.
 ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV,
@@ -118,39 +120,39 @@ ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, fl
 ORL_API void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL,
                                 bool* outHasHue, bool* outHasSaturation);
 
-/// A hue of exactly 1 counts as 0. If S is not 0 and the hue is below 0, above 1 or not a number, the outputs stay
+/// A hue of exactly 1 is treated as 0. If S is not 0 and the hue is below 0, above 1 or not a number, the outputs stay
 /// untouched.
 ORL_API void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& outG, float& outB);
 
-/// A hue of 1 gives black, unlike the HSV form; so does any hue with no sector from 0 to 5. The sector is truncated
-/// toward zero, so a hue above -1/6 counts to the first one.
+/// A hue of 1 results in black, unlike in the HSV form, as does any hue outside the sectors 0 to 5. The sector is
+/// truncated toward zero, so a hue between -1/6 and 0 is in the first one.
 ORL_API void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB);
 
-/// The normalised forms with bytes divided by 255. Hue is stored in degrees, the others in percent, rounded to the
+/// Same as the normalised forms, with bytes divided by 255. Hue is stored in degrees, the others in percent, rounded to
 /// nearest. Outputs that the normalised form leaves untouched stay untouched.
 ORL_API void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                            unsigned int& outV, bool* outHasHue, bool* outHasSaturation);
 ORL_API void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                            unsigned int& outL, bool* outHasHue, bool* outHasSaturation);
 
-/// The normalised forms with hue divided by 360 and the others by 100. Each channel is rounded and its low 8 bits are
-/// stored. Hue 360 is hue 0 for HSV and black for HSL; a hue above 360 is black unless an HSV saturation is 0.
+/// Same as the normalised forms, with hue divided by 360 and the others by 100. Each channel is rounded and its low 8
+/// bits are stored. Hue 360 is hue 0 for HSV and black for HSL; a hue above 360 is black unless an HSV saturation is 0.
 ORL_API void ColorHSVtoRGB(unsigned int inH, unsigned int inS, unsigned int inV, ParamColor<unsigned long>& outColor);
 ORL_API void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor);
 
-/// Through RGB in float. The hue passes through; where RGB has no saturation, the saturation does too.
+/// Converts through RGB in float. The hue is copied; if the RGB colour has no saturation, the saturation is copied too.
 ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH,
                            unsigned int& outS, unsigned int& outV);
 ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH,
                            unsigned int& outS, unsigned int& outL);
 
-/// ColorHSLtoRGB or ColorHSVtoRGB, then ColorRGBtoYUV.
+/// Same as ColorHSLtoRGB or ColorHSVtoRGB, then ColorRGBtoYUV.
 ORL_API void ColorHSLtoYUV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned char& outY, char& outU,
                            char& outV);
 ORL_API void ColorHSVtoYUV(unsigned int inH, unsigned int inS, unsigned int inV, unsigned char& outY, char& outU,
                            char& outV);
 
-/// ColorYUVtoRGB, then ColorRGBtoHSL or ColorRGBtoHSV: hue and saturation stay untouched where those leave them.
+/// Same as ColorYUVtoRGB, then ColorRGBtoHSL or ColorRGBtoHSV, which may leave hue and saturation untouched.
 ORL_API void ColorYUVtoHSL(unsigned char inY, char inU, char inV, unsigned int& outH, unsigned int& outS,
                            unsigned int& outL);
 ORL_API void ColorYUVtoHSV(unsigned char inY, char inU, char inV, unsigned int& outH, unsigned int& outS,

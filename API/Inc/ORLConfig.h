@@ -1,6 +1,5 @@
 // Floor: Core
-// What each symbol of ORLFoundation is marked with so that hosts can link to it, and what a header may know of the
-// platform.
+// How symbols of ORLFoundation are exported to hosts, and the properties of the platform that headers depend on.
 #pragma once
 
 #if defined(_WIN32)
@@ -13,14 +12,14 @@
 #  define ORL_API __attribute__((visibility("default")))
 #endif
 
-// A class inside an exported one that hosts have no use for.
+// Marks a class inside an exported class that hosts do not use.
 #if defined(_WIN32)
 #  define ORL_LOCAL
 #else
 #  define ORL_LOCAL __attribute__((visibility("hidden")))
 #endif
 
-// 1 where the lock is made of words of ours, 0 where it is the system's.
+// 1 if CriticalSection uses the library's own lock, 0 if it uses the lock of the OS.
 #if defined(_WIN32)
 #  define ORL_LOCK_IS_OURS 0
 #else

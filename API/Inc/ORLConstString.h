@@ -19,7 +19,7 @@ namespace ORL {
 
 namespace Internal {
 
-/// The shared copy of one text. It never changes; the count is that of the handles.
+/// The shared copy of one text. It is immutable; the count is the number of handles.
 template <class String>
 struct ConstStringShared
 {
@@ -28,7 +28,7 @@ struct ConstStringShared
     AtomicValue mReferenceCount;
 };
 
-/// What both kinds of handle have in common: a shared copy, or none; the text; and the hash of the text.
+/// The common part of both kinds of handle: a shared copy or none, the text, and the hash of the text.
 template <class String>
 class ConstStringHandle
 {
@@ -39,7 +39,7 @@ public:
     const Unit* data() const noexcept { return mText; }
     bool empty() const noexcept { return *mText == 0; }
 
-    /// Units before the terminating zero. They are counted on every call.
+    /// Units before the terminating zero. O(n): counted on every call.
     std::size_t size() const noexcept { return std::char_traits<Unit>::length(mText); }
 
     bool IsEqualTo(const ConstStringHandle& inOther) const noexcept
@@ -59,14 +59,15 @@ protected:
 
     ConstStringHandle() noexcept = default;
 
-    /// Copies the zero-terminated text. Throws std::bad_alloc, or std::length_error for a text beyond a string.
+    /// Copies the zero-terminated text. Throws std::bad_alloc, or std::length_error if the text is too long for a
+    /// string.
     explicit ConstStringHandle(const Unit* inText)
         : mShared(MakeShared(inText)), mText(mShared->mText), mHash(HashText(mText))
     {
         AtomicIncrement(mShared->mReferenceCount);
     }
 
-    /// Takes over a text that has no zero unit before its end.
+    /// Moves from a text that has no zero unit before its end.
     explicit ConstStringHandle(String&& ioText)
         : mShared(MakeShared(std::move(ioText))), mText(mShared->mText), mHash(HashText(mText))
     {
@@ -108,8 +109,8 @@ protected:
 private:
     using Shared = ConstStringShared<String>;
 
-    // These four are symbols of the library. All other members are compiled into the caller: a class that is instantiated
-    // elsewhere as a whole leaves its inline functions to a library that may not export them.
+    // These four are symbols of the library. All other members are compiled into the caller: explicit instantiation of
+    // the whole class would take its inline functions from a library that may not export them.
     static ORL_API Shared* MakeShared(const Unit* inText);
     static ORL_API Shared* MakeShared(String&& ioText);
     static ORL_API void Destroy(Shared* inShared);
@@ -122,7 +123,7 @@ private:
         }
     }
 
-    // Below, equal or above 0, by the unsigned values of the first units that differ.
+    // Returns below, equal to or above 0, by the unsigned values of the first units that differ.
     int CompareText(const ConstStringHandle& inOther) const noexcept
     {
         using Unsigned = std::make_unsigned_t<Unit>;
@@ -146,19 +147,19 @@ private:
 
 /// A handle to constant 16-bit text.
 ///
-/// Copying costs one atomic increment, comparing different texts one comparison of their hashes. Nothing is interned:
-/// two handles made of the same text are equal and share nothing. The order is strict and total and serves as that of
-/// map keys, but it is by hash first and so not alphabetical.
-/// Threads:  a handle is a plain value; handles on several threads may share one text. No lock is taken.
-/// Failure:  std::bad_alloc from the constructors that copy; copying a handle never allocates.
+/// Copying costs one atomic increment, and comparing two different texts usually one comparison of their hashes. Texts
+/// are not interned: two handles made from the same text are equal but share nothing. The order is strict and total,
+/// and works for map keys; it compares hashes first and so is not alphabetical.
+/// Owner:    handles own the shared copy together. Adopted text stays the caller's.
+/// Threads:  not thread-safe per handle; handles on several threads may share one text. Takes no lock.
+/// Failure:  the constructors that copy text throw std::bad_alloc. Copying a handle never allocates.
 class ConstString : public Internal::ConstStringHandle<UTF16String>
 {
 public:
-    /// The empty text, with nothing allocated.
+    /// The empty text. Allocates nothing.
     ConstString() noexcept = default;
 
-    /// A copy of the zero-terminated text; narrow text is UTF-8. A pointer must not be null, and what stands behind a
-    /// string's first zero unit is dropped.
+    /// Copies the text up to its first zero unit. Narrow text is UTF-8. A pointer must not be null.
     ORL_API ConstString(const char* inText);
     ORL_API ConstString(const unsigned short* inText);
     ORL_API ConstString(const UTF16String& inText);
@@ -167,7 +168,7 @@ public:
 
     void swap(ConstString& ioOther) noexcept { Swap(ioOther); }
 
-    /// Makes handles of text that is not copied, such as literals.
+    /// Creates handles to text that is not copied, such as literals.
     struct Adoptor
     {
         /// The text must outlive every copy of the handle.
@@ -178,7 +179,7 @@ private:
     explicit ConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
 };
 
-/// A handle to constant 8-bit text, which is never decoded; else as ConstString.
+/// A handle to constant 8-bit text, which is never decoded. Otherwise the same as ConstString.
 class StdConstString : public Internal::ConstStringHandle<std::string>
 {
 public:
@@ -232,15 +233,15 @@ inline bool operator>(const StdConstString& inLeft, const StdConstString& inRigh
     return inRight.IsBelow(inLeft);
 }
 
-/// The UTF-8 of the text.
+/// Returns the text as UTF-8.
 ORL_API std::string MakeStdString(const ConstString& inText);
 
 /// Writes the text with the stream's width, fill and adjustment, and sets the width back to 0.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const ConstString& inText);
 
-/// The same with each byte widened singly by the stream's locale. The bytes are not decoded as UTF-8, other than those
-/// of a const char* or std::string on the same stream.
+/// The same; the stream's locale widens each byte on its own. Unlike a const char* or std::string on the same stream,
+/// the bytes are not decoded as UTF-8.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const StdConstString& inText);
 

@@ -1,17 +1,17 @@
 // Floor: Core
-// The constants that hosts share: limits, media times and rates, names of resource types, property keys.
+// Constants that hosts share: limits, media times and rates, names of resource types, property keys.
 //
-// None of them ever changes, and all are built before the loader returns from the load of the library. The numbers,
-// times and rates are compile-time constants. The texts are built first of all objects of the library and destroyed
-// last, so any other static may read them.
+// All are constant and are initialised before the load of the library returns. The numbers, times and rates are
+// compile-time constants. The texts are constructed before all other objects of the library and destroyed after them,
+// so any other static may read them.
 #pragma once
 
 #include <ORLConfig.h>
 #include <tvxcore/String.h>
 #include <tvxmediatypes/Constants.h>
 
-// A constant whose value compilers see and that the library exports as well: the one source that defines
-// ORL_CONSTANTS_EMIT makes the symbols.
+// A constant whose value compilers see and that the library also exports: the one source that defines
+// ORL_CONSTANTS_EMIT emits the symbols.
 #if defined(ORL_CONSTANTS_EMIT)
 #  define ORL_CONSTANT ORL_API __attribute__((used)) inline constexpr
 #else
@@ -20,7 +20,7 @@
 
 namespace ORL {
 
-/// Units in a path that the plain system calls take, terminator included.
+/// Maximum length of a path for plain system calls, in units, terminator included.
 ORL_CONSTANT int ORL_MAX_PATH = 260;
 
 ORL_CONSTANT tvxmediatypes::TickTime kTime_Zero = tvxmediatypes::kTime_Zero;
@@ -60,8 +60,8 @@ ORL_API extern const UTF16String kResType_BrushTable;      // ORLBRUSHTABLE
 ORL_API extern const UTF16String kResType_PenTable;        // ORLPENTABLE
 ORL_API extern const UTF16String kResType_DirectoryTable;  // ORLDIRECTORYTABLE
 
-/// Keys under which hosts exchange properties of clips and sequences; the library only defines them. The key of the
-/// sample rate is the key of the frame rate with a suffix.
+/// Keys under which hosts exchange properties of clips and sequences. The library defines them but does not use them.
+/// The key of the sample rate is the key of the frame rate with a suffix.
 ORL_API extern const UTF16String kPropertyKey_FrameRate;        // BE.FrameRate
 ORL_API extern const UTF16String kPropertyKey_SampleRate;       // BE.FrameRate [Audio Sample Rate]
 ORL_API extern const UTF16String kPropertyKey_ItemCount;        // item.count

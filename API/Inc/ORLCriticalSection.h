@@ -1,5 +1,5 @@
 // Floor: Core
-// The one lock of the library, and its two scoped companions.
+// The library's mutex, and its two scoped guards.
 //
 //   ORL::CriticalSectionLock lock(mLock);        // held until the end of the scope
 //   ORL::CriticalSectionTryLock attempt(mLock);  // held until the end of the scope if attempt.IsLocked()
@@ -9,16 +9,17 @@
 
 namespace ORL {
 
-/// A recursive lock: the thread that holds it may take it again, and owes one Unlock for each Lock. No ordering or
-/// fairness between waiting threads is promised. What one holder wrote is visible to the next.
+/// A recursive mutex: its owner may lock it again, and must call Unlock once for each Lock. No ordering or fairness
+/// between waiters is promised. Writes made by one owner are visible to the next. Waiters sleep.
 ///
-/// Every operation may be called from any thread. The operations are const, so that a const object can be guarded by
-/// a lock it is only shown. Unlock by a thread that does not hold the lock, and destruction while it is held, are
-/// undefined. Threads that are waiting sleep; they do not burn a processor.
+/// The operations are const, so that code with const access can lock.
+/// Owner:    the creator. Destroying a locked section is undefined behaviour.
+/// Threads:  thread-safe. Unlock on a thread that does not own the section is undefined behaviour.
+/// Failure:  no operation throws or returns an error.
 class CriticalSection
 {
 public:
-    // Written out, since a const section, or a const object that has one, needs a constructor that is.
+    // A const object of this class needs a user-provided default constructor.
     ORL_LOCK_CONSTEXPR CriticalSection() noexcept(noexcept(Internal::PlatformLock())) {}
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
@@ -26,7 +27,7 @@ public:
     void Lock() const { mLock.Lock(); }
     void Unlock() const { mLock.Unlock(); }
 
-    /// Takes the lock if that needs no waiting. True when the lock was taken; Unlock is then owed.
+    /// Locks the section if that is possible without waiting. Returns whether it did; the caller must then call Unlock.
     bool TryLock() const { return mLock.TryLock(); }
 
 private:
@@ -34,13 +35,13 @@ private:
     [[maybe_unused]] void* mWord = nullptr;
 };
 
-/// Holds a section from construction to destruction.
+/// Locks a section from construction to destruction. Not thread-safe: belongs to one thread.
 class CriticalSectionLock
 {
 public:
     explicit CriticalSectionLock(const CriticalSection& inSection) : mSection(&inSection) { mSection->Lock(); }
 
-    /// The same; the text is for the reader of the code.
+    /// The same. The text only documents the call.
     CriticalSectionLock(const CriticalSection& inSection, const char*) : CriticalSectionLock(inSection) {}
 
     ~CriticalSectionLock() { mSection->Unlock(); }
@@ -52,7 +53,8 @@ private:
     const CriticalSection* mSection;
 };
 
-/// Tries once to take a section, and gives it back at destruction if the try succeeded.
+/// Tries once to lock a section. Unlocks it at destruction if the attempt succeeded. Not thread-safe: belongs to one
+/// thread.
 class CriticalSectionTryLock
 {
 public:
@@ -71,7 +73,7 @@ public:
     CriticalSectionTryLock(const CriticalSectionTryLock&) = delete;
     CriticalSectionTryLock& operator=(const CriticalSectionTryLock&) = delete;
 
-    /// Whether the one try took the section.
+    /// Returns whether the attempt succeeded.
     bool IsLocked() const { return mIsLocked; }
 
 private:

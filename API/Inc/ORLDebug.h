@@ -1,13 +1,13 @@
 // Floor: Core
-// Contract checks and assertions. They stay compiled in, in every build.
+// Contract checks and assertions. They are compiled into every build.
 //
-//   ORL_ASSERT(expression)           an internal inconsistency: reports and goes on; each site can be ignored for good
-//   ORL_INPUT_CONTRACT(expression)   a caller broke its promise: reports, then raises error 25 of package 105
-//   ORL_OUTPUT_CONTRACT(expression)  we broke ours: reports, then raises error 26 of package 105
+//   ORL_ASSERT(expression)           an internal inconsistency: reports, continues; the user can mute each site
+//   ORL_INPUT_CONTRACT(expression)   the caller violated a precondition: reports, then raises error 25 of package 105
+//   ORL_OUTPUT_CONTRACT(expression)  the library violated a promise: reports, then raises error 26 of package 105
 //
-// A site is named by source, line and function. Crash triage and users' ignore lists are keyed by these, so a site
-// whose identity is published states it (the forms that end in _AT) and keeps it when code moves. _IN states the
-// function only; _MESSAGE adds a text for the person who reads the report.
+// Source, line and function identify a site. Crash triage and users' ignore lists use them as keys. A site whose
+// identity is published therefore states it (the forms ending in _AT) and keeps it when code moves. _IN states the
+// function only; _MESSAGE adds a text for the reader of the report.
 #pragma once
 
 #include <ORLConfig.h>
@@ -18,27 +18,28 @@
 
 namespace ORL {
 
-/// True when inAllowNull is true or the address is not null. The memory is not looked at.
+/// Returns true if inAllowNull is true or the address is not null. Never accesses the memory.
 ORL_API bool IsValidAddress(const void* inAddress, bool inAllowNull);
 
-/// As IsValidAddress of inAddress; the size is not looked at.
+/// Same as IsValidAddress(inAddress, inAllowNull). The size is ignored.
 ORL_API bool IsValidAddressRange(const void* inAddress, std::size_t inSize, bool inAllowNull);
 
-/// True for a null inBegin when inAllowNull is true. Otherwise fires the input contract unless inBegin < inEnd, and
-/// tells whether inBegin is not null.
+/// Returns true if inBegin is null and inAllowNull is true. Otherwise fires the input contract unless inBegin < inEnd,
+/// and returns whether inBegin is not null.
 ORL_API bool IsValidAddressRange(const void* inBegin, const void* inEnd, bool inAllowNull);
 
 namespace Debug {
 
-/// The ignore flag of one assertion site. It is read and written without a lock on purpose: two threads may both
-/// report one failing site.
+/// The ignore flag of one assertion site. Two threads may both report one failing site: the flag is tested and set
+/// without a lock on purpose.
 using IgnoreFlag = std::atomic<bool>;
 
-/// Reports a failed assertion and stores the user's wish to ignore the site. True asks for a breakpoint trap.
+/// Reports a failed assertion and stores whether the user chose to ignore the site. Returns true to request a
+/// breakpoint trap.
 ORL_API bool ReportAssert(IgnoreFlag& ioIgnore, const char* inExpression, const char* inMessage, const char* inFile,
                           long inLine, const char* inFunction);
 
-/// Reports a broken contract. True asks for a breakpoint trap.
+/// Reports a broken contract. Returns true to request a breakpoint trap.
 ORL_API bool ReportContract(const char* inExpression, const char* inFile, long inLine);
 
 /// Raises the error of a broken contract through tvxcore::config::ThrowError. May return.
@@ -60,7 +61,7 @@ ORL_API void ThrowOutputContractError();
         }                                                                                                     \
     } while (false)
 
-// Each form turns its own argument into text, so that a macro inside the expression is shown as it was written.
+// Each form stringises its own argument, so that a macro inside the expression is shown as written.
 #define ORL_ASSERT_AT(expression, file, line, function)                                                       \
     ORL_ASSERT_MESSAGE_AT(expression, #expression, "", file, line, function)
 #define ORL_ASSERT_IN(expression, function)                                                                   \

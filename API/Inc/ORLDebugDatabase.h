@@ -4,8 +4,8 @@
 //   const bool drawsOutlines = ORL::DebugDatabase::Instance().GetEntry("DrawOutlines", "false") == "true";
 //
 // The settings are string values of the key "DebugCache" below GetRegistryBaseKey() of the user's root
-// (ORLHostSettings.h). Reading one with a default writes the default there, so that every setting that was ever asked
-// for can be found and edited. Each is read from the registry once and from memory after that.
+// (ORLHostSettings.h). Reading a setting with a default writes that default there, so that every setting ever read can
+// be found and edited. Each setting is read from the registry once, then from memory.
 #pragma once
 
 #include <ORLConfig.h>
@@ -18,30 +18,34 @@ namespace ORL {
 
 void ReleaseDebugDatabase();
 
-/// Not thread-safe: one thread at a time, Instance included. Names and values are UTF-8; a name ends at its first zero
-/// byte in the registry. A registry that cannot be used is never reported. Throws std::bad_alloc.
+/// A cache of named settings over the registry. Names and values are UTF-8; in the registry a name ends at its first
+/// zero byte.
+///
+/// Owner:    the library owns the instance.
+/// Threads:  not thread-safe: one thread at a time, Instance included.
+/// Failure:  throws std::bad_alloc. Registry failures are not reported.
 class ORL_API DebugDatabase
 {
 public:
-    /// Returns the database of the process and makes it first if there is none. Foundation::Terminate destroys it, and
-    /// a later call makes an empty one; what the registry holds stays.
+    /// Returns the database of the process; creates it if there is none. Foundation::Terminate destroys it, and a later
+    /// call creates an empty one. The values in the registry stay.
     static DebugDatabase& Instance();
 
     ~DebugDatabase();
     DebugDatabase(const DebugDatabase&) = delete;
     DebugDatabase& operator=(const DebugDatabase&) = delete;
 
-    /// Returns the setting. If it has not been read yet and the registry has none, or cannot be read, inDefault is
-    /// written to the registry and is the setting from now on.
+    /// Returns the setting. If it has not been read yet and cannot be read from the registry, writes inDefault to the
+    /// registry and uses it from then on.
     std::string GetEntry(const std::string& inKey, const std::string& inDefault);
 
-    /// Writes the setting to the registry. If that fails the setting stays as it was.
+    /// Writes the setting to the registry. If that fails, the setting is unchanged.
     void SetEntry(const std::string& inKey, const std::string& inValue);
 
-    /// Returns whether the setting was read or set since the database was made. The registry is not asked.
+    /// Returns whether the setting was read or set since the database was created. Does not query the registry.
     bool HasEntry(const std::string& inKey) const;
 
-    /// Forgets all settings, and deletes them from the registry.
+    /// Removes all settings, and deletes them from the registry.
     void Clear();
 
 private:

@@ -1,5 +1,5 @@
 // Floor: Files
-// A directory: what it holds, whether it takes new files, and whole trees copied, moved and wiped.
+// A directory: its contents, whether files can be created in it, and copying, moving and deleting of whole trees.
 #pragma once
 
 #include <ORLConfig.h>
@@ -11,24 +11,24 @@
 
 namespace ORL {
 
-/// Names a directory that existed when the object was made. A plain value that holds the path as it was passed.
+/// Names a directory that existed when the object was created. A plain value that holds the path as it was passed.
 ///
-/// Threads:  no locks and no statics; an object is used by one thread at a time.
-/// Failure:  queries of an object throw eDirectoryNoLongerValid where its directory is gone; operations on the disk
-///           give a Result.
-/// Listings: paths are the object's path, in its own form, and the names below it, in the order that the file system
-///           gives them. With inRecursive a directory follows what it holds. inLimit is looked at before each entry,
-///           so a list may be longer by the depth of the tree; kNoLimit is none. Entries that come or go meanwhile are
-///           seen or missed, but a directory that goes before it is walked ends the listing with
-///           eDirectoryNoLongerValid. A directory that may not be read is listed and counts as empty. Links to
-///           directories are walked like directories, unless they lead back to one that is being walked. A listing is
-///           whole or throws: eDirectoryNotListed if the system breaks off or has no handle left, std::bad_alloc if
-///           memory is out. The depth of the tree costs memory alone.
-/// Trees:    Copy, Move and DeleteNotEmpty work on what the source holds, hidden entries too, and overwrite without
-///           asking. They take plain paths alone: for one in the extended form (\\?\) they report an assertion and
-///           give kPathNotFound. Everything else that goes wrong is kGeneralFailure, and what was done until then
-///           stays done. On Linux links are copied, moved and deleted as links and never followed, and a file is
-///           copied under another name first, so that no half file ever has the final one.
+/// Owner:    the caller. The object owns its path only, not the directory.
+/// Threads:  not thread-safe: one thread at a time per object. No locks and no statics.
+/// Failure:  queries of an object throw eDirectoryNoLongerValid if its directory is gone. Operations on the disk return
+///           a Result.
+/// Listings: paths are the object's path, in its own form, followed by the names below it, in the order of the file
+/// system. With inRecursive a directory follows its contents. inLimit is tested before each entry, so a list may exceed
+/// it by the depth of the tree; kNoLimit disables it. Entries created or removed meanwhile may or may not be listed,
+/// but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable directory
+/// is listed and treated as empty. Links to directories are walked like directories, unless they lead back to one that
+/// is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of handles,
+/// std::bad_alloc if out of memory. Depth is limited by memory only.
+/// Trees:    Copy, Move and DeleteNotEmpty work on the contents of the source, hidden entries included, and overwrite
+///           without asking. They accept plain paths only: for one in the extended form (\\?\) they report an assertion
+///           and return kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
+/// On Linux: trees copy, move and delete links as links and never follow them. A file is first copied under a temporary
+///           name, so the final name never refers to a partial copy.
 /// Example:
 ///   std::vector<UTF16String> clips;
 ///   const ORL::Directory directory = ORL::Directory::ConstructDirectory(path);
@@ -41,50 +41,52 @@ public:
     /// Throws eNotADirectoryPath unless inPath is a directory.
     static Directory ConstructDirectory(const UTF16String& inPath);
 
-    /// The path as it was passed.
+    /// Returns the path as it was passed.
     UTF16String AsString() const;
 
     /// The same as PathUtils::IsDirectory.
     static bool IsDirectory(const UTF16String& inPath);
 
-    /// Whether nothing is in it, hidden entries counted.
+    /// Returns whether the directory is empty. Hidden entries count.
     bool IsDirectoryEmpty() const;
 
-    /// Whether a file can be made in it and written, found out by doing so. No trace is left.
+    /// Returns whether a file can be created and written in the directory. Tests it with a temporary file, which is
+    /// removed.
     bool IsDirectoryWriteable() const;
 
-    /// Everything in the directory. outPaths is replaced.
+    /// Replaces outPaths with the paths of all entries.
     void GetContainedPaths(std::vector<UTF16String>& outPaths, bool inRecursive, unsigned int inLimit) const;
 
-    /// The same, sorted into directories and all else.
+    /// The same, split into directories and all other entries.
     void GetContainedFileAndDirectoryPaths(std::vector<UTF16String>& outFiles, std::vector<Directory>& outDirectories,
                                            bool inRecursive, unsigned int inLimit) const;
 
-    /// The same without the directories, which count for the limit all the same.
+    /// The same without directories. Directories still count towards the limit.
     void GetContainedFilePaths(std::vector<UTF16String>& outFiles, bool inRecursive, unsigned int inLimit) const;
 
-    /// Those with an extension, given with its dot (".wav" finds "A.WAV", "wav" finds nothing). The files that are
-    /// dropped count for the limit. An empty extension breaks the input contract.
+    /// Lists the files with an extension, which includes its dot (".wav" finds "A.WAV", "wav" finds nothing). Files
+    /// that do not match count towards the limit. Fires an input contract if the extension is empty.
     void GetContainedFilePaths(const UTF16String& inFilterExtension, std::vector<UTF16String>& outFiles,
                                bool inRecursive, unsigned int inLimit) const;
 
-    /// Makes the directory with all above it where missing; one that is there already is fine. The bool means nothing.
+    /// Creates the directory and its missing parents. Succeeds if it exists. The bool is ignored.
     static Result CreateOnDisk(const UTF16String& inPath, bool);
 
-    /// Removes an empty directory. kSharingViolation while it is open to somebody who does not share its deletion.
+    /// Removes an empty directory. Returns kSharingViolation while another handle that does not share deletion has it
+    /// open.
     static Result Delete(const UTF16String& inPath);
 
-    // Whole trees. The first entry that cannot be treated ends the work with kGeneralFailure, and what was done stays done. A
-    // file that is open to somebody who does not share what is to be done with it is such an entry.
+    // Whole trees. Each stops with kGeneralFailure at the first entry that fails; the work done before it is not
+    // undone. A file that another handle has open without sharing the operation is such an entry.
 
-    /// Removes a directory with all that is in it.
+    /// Removes a directory with all its contents.
     static Result DeleteNotEmpty(const UTF16String& inPath);
 
-    /// Copies what inSource holds into inDestination, which is made where missing. Files of the same name are
-    /// overwritten, directories joined. kGeneralFailure when there is nothing to copy.
+    /// Copies the contents of inSource into inDestination, which is created if missing. Overwrites files of the same
+    /// name and merges directories. Returns kGeneralFailure if there is nothing to copy.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Moves it likewise, also to another volume. inSource itself stays, empty.
+    /// Moves the contents in the same way, across volumes too. inSource itself stays, empty.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
 private:
@@ -95,8 +97,9 @@ private:
 
 namespace PathUtils {
 
-/// Whether a file is read-only (on Linux: no one may write it), or a directory takes no new files. True for a rooted
-/// path that cannot be asked, false for one that is not rooted. An empty path breaks the input contract.
+/// Returns whether a file is read-only (on Linux: nobody has write permission) or no file can be created in a
+/// directory. Returns true for a rooted path that cannot be queried, false for one that is not rooted. Fires an input
+/// contract for an empty path.
 ORL_API bool IsReadOnly(const UTF16String& inFullPath);
 
 } // namespace PathUtils

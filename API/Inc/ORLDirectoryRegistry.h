@@ -5,16 +5,16 @@
 //   DirectoryRegistry::RegisterDirectory(MakeString("$(Root)\\Presets"), MakeString("Presets"));
 //   DirectoryRegistry::FindDirectory(MakeString("Presets")); // "C:\Data\Presets"
 //
-// A registered path is a pattern. "$(symbol)" in it refers to another directory and is expanded when a directory is
-// looked up, so the order of the registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and
-// form feeds of a pattern are skipped. Text between "$" and "(" is dropped if the symbol is registered. A reference
-// whose symbol is empty or not registered, and one that is not closed, stays as it was written.
+// A registered path is a pattern. "$(symbol)" in it refers to another directory and is expanded on lookup, so the order
+// of registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and form feeds of a pattern are
+// skipped. Text between "$" and "(" is dropped if the symbol is registered. A reference that is not closed, or whose
+// symbol is empty or not registered, is left unexpanded.
 //
-// A pattern must not refer to itself, directly or through others. A reference that would start such a cycle, or that is
-// more than 64 references deep, is reported by an assertion and stays as it was written.
+// A pattern must not refer to itself, directly or indirectly. A reference that would close such a cycle, or that is
+// more than 64 references deep, is reported by an assertion and left unexpanded.
 //
-// Not thread-safe: register at start-up, on one thread. Lookups may run on several threads as long as nothing is
-// registered meanwhile. The table lives until the process ends, and lookups still work on threads that run then.
+// Not thread-safe: register at start-up, on one thread. Lookups may run on several threads while no thread registers.
+// The table lives until the process exits; lookups work even on threads still running then.
 #pragma once
 
 #include <ORLConfig.h>
@@ -28,21 +28,21 @@ namespace DirectoryRegistry {
 
 /// Registers a pattern under a symbol, or replaces the symbol's pattern. Symbols are compared exactly, case included.
 /// Neither argument may be empty (input contracts). The pattern is neither checked nor expanded. Throws std::bad_alloc
-/// with the table unchanged.
+/// and then leaves the table unchanged.
 ORL_API void RegisterDirectory(const UTF16String& inFullPathname, const UTF16String& inSymbolicName);
 
 /// Removes a symbol, which must not be empty (input contract). Does nothing if it is not registered.
 ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 
-/// Returns the expanded pattern of a symbol, which must not be empty (input contract). Returns an empty string, after an
-/// assertion, if the symbol is not registered or if its pattern expands to nothing. Throws std::bad_alloc.
+/// Returns the expanded pattern of a symbol, which must not be empty (input contract). Reports an assertion and returns
+/// an empty string if the symbol is not registered or its pattern expands to nothing. Throws std::bad_alloc.
 ORL_API UTF16String FindDirectory(const UTF16String& inSymbolicName);
 
-/// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero byte;
-/// each line is symbol "=" path and ends in a line feed. Further "=" next to the first are skipped, and text from
-/// another "=" on is ignored. Blanks and tabs around symbol and path are removed; a carriage return is not.
-/// Does nothing but an assertion if the collection has no such resource. A line without a symbol or a path, an empty
-/// one for instance, breaks an input contract; the lines before it stay registered. Throws std::bad_alloc likewise.
+/// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero
+/// byte. Each line is symbol "=" path and ends in a line feed. Further "=" next to the first are skipped, and text from
+/// another "=" on is ignored. Blanks and tabs around symbol and path are removed; a carriage return is not. Only
+/// reports an assertion if the collection has no such resource. A line without a symbol or a path, such as an empty
+/// line, fires an input contract. Throws std::bad_alloc. In both cases the lines before stay registered.
 ORL_API void RegisterDirectories(const ResourceCollection& inResources, const short& inResourceID);
 
 } // namespace DirectoryRegistry

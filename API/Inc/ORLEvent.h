@@ -1,5 +1,5 @@
 // Floor: Threads
-// Events: one thread signals, one waiting thread is let through.
+// Events: a thread signals, and a waiting thread is released.
 #pragma once
 
 #include <ORLConfig.h>
@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-/// What every event has in common: the operation that signals it.
+/// The common base of all events: signals one.
 class ORL_API EventBase
 {
 public:
@@ -19,13 +19,13 @@ protected:
     EventBase() = default;
     ~EventBase() = default;
 
-    /// Signals an event. Asserts "eventOK" and throws EventFailure when the system refuses.
+    /// Signals an event. Asserts "eventOK" and throws EventFailure if the system call fails.
     static void SetEvent(void* inEvent);
 };
 
-/// An event of the system. Manual reset: a signal stays and lets everyone through. Otherwise each signal lets one
-/// waiting thread through and is used up by it.
-/// The constructor asserts "mEvent" and throws EventFailure when the system gives no event.
+/// An event of the OS. With kManualReset a signal stays set and releases every waiter. Without it each signal releases
+/// one waiter and is reset.
+/// The constructor asserts "mEvent" and throws EventFailure if the system cannot create the event.
 template <bool kManualReset, bool kInitiallySignalled>
 class ORL_API Event : public EventBase
 {
@@ -33,29 +33,31 @@ protected:
     Event();
     ~Event();
 
-    void* mEvent; // the handle of the system's event
+    void* mEvent; // the OS handle
 };
 
 extern template class Event<false, false>;
 
-/// An event that resets itself, unsignalled at first.
+/// An auto-reset event, initially not signalled.
 ///
-/// Signals do not add up: two calls of Signal with nobody waiting leave one signal.
-/// Owner:    whoever made it. It may be destroyed as soon as no thread waits and every Signal has begun to return.
-/// Threads:  every operation may be called from any thread.
-/// Time:     milliseconds; -1 waits for ever, 0 only asks.
-/// Failure:  the constructor and Signal throw EventFailure. WaitForSignal throws nothing.
+/// Signals do not accumulate: two calls of Signal without a waiter leave one signal.
+/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call of Signal has not
+///           returned yet. No other thread may be waiting.
+/// Threads:  thread-safe.
+/// Time:     milliseconds; -1 waits forever, 0 polls.
+/// Failure:  the constructor and Signal throw EventFailure. WaitForSignal never throws.
 class ORL_API WaitableObject : public Event<false, false>
 {
 public:
     WaitableObject();
     ~WaitableObject();
 
-    /// Lets one thread through: one that waits now, or else the next one to wait.
+    /// Releases one thread: a current waiter, or else the next thread that waits.
     void Signal();
 
-    /// kSuccess: the signal was there and is used up. kWaitTimeout: the time ran out first. kWaitFailed: the system
-    /// could not wait. The time is taken as unsigned, so that any negative time but -1 is a wait of several weeks.
+    /// Returns kSuccess if the event was signalled, and resets it; kWaitTimeout if the time ran out first; kWaitFailed
+    /// if the system could not wait. The time is converted to unsigned, so any negative time but -1 waits for several
+    /// weeks.
     Result WaitForSignal(int inMilliseconds);
 };
 

@@ -1,5 +1,5 @@
 // Floor: Core
-// The exceptions of the library: errors that no Result can carry.
+// The exceptions of the library, for errors that a Result cannot report.
 #pragma once
 
 #include <ORLConfig.h>
@@ -9,7 +9,7 @@
 
 namespace ORL {
 
-/// The base of all of them.
+/// The base class of the library's exceptions.
 class ORL_API Exception : public std::exception
 {
 public:
@@ -19,12 +19,12 @@ public:
     ~Exception() override;
     const char* what() const noexcept override;
 
-    /// Actions of the start and the stop of the library. There is nothing to do in them.
+    /// Hooks of the start and the stop of the library. They do nothing.
     static void Initialize();
     static void Terminate();
 };
 
-/// No class is registered under the identifier that was asked for.
+/// No class is registered under the requested identifier.
 class ORL_API exClassNotFound : public Exception
 {
 public:
@@ -32,7 +32,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// A Directory was made from a path that cannot name a directory.
+/// A Directory was constructed from a path that is not a directory.
 class ORL_API eNotADirectoryPath : public Exception
 {
 public:
@@ -40,7 +40,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// The directory behind a Directory is gone.
+/// The directory of a Directory object is gone.
 class ORL_API eDirectoryNoLongerValid : public Exception
 {
 public:
@@ -48,7 +48,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// A directory could not be listed whole: the system broke off, or had no room for it.
+/// A directory could not be listed completely: the system aborted the listing or was out of resources.
 class ORL_API eDirectoryNotListed : public Exception
 {
 public:
@@ -56,7 +56,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// For hosts, whose start-up failed with a Result. The library does not throw it.
+/// For hosts whose start-up fails with a Result. The library does not throw it.
 class ORL_API StartupException : public Exception
 {
 public:
@@ -77,7 +77,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// The system refused an event or an operation on it.
+/// The system could not create or signal an event.
 class ORL_API EventFailure : public Exception
 {
 public:
@@ -85,7 +85,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// For hosts, whose call of a suite function failed. The library does not throw it.
+/// For hosts whose call of a suite function failed. The library does not throw it.
 class ORL_API SuiteCallFailed : public Exception
 {
 public:

@@ -1,6 +1,6 @@
 // Floor: Core
-// On Linux: the record of a hardware exception, in the form that the home platform has, filled from a signal.
-// On Windows the system's own headers define the record and this header is empty.
+// On Linux: the record of a hardware exception, in the form of the home platform, filled from a signal. On Windows the
+//           system's headers define the record and this header is empty.
 //
 //   void OnSignal(int, siginfo_t* inInfo, void* inContext)
 //   {
@@ -19,14 +19,14 @@
 #include <cstdint>
 #include <signal.h>
 
-/// The layout is that of the 64-bit home platform, 152 bytes.
+/// Has the layout of the 64-bit home platform, 152 bytes.
 struct _EXCEPTION_RECORD
 {
     std::uint32_t ExceptionCode;
     std::uint32_t ExceptionFlags; ///< 0: execution could go on; 1: it cannot
     _EXCEPTION_RECORD* ExceptionRecord; ///< the exception during whose handling this one occurred, or null
-    void* ExceptionAddress;             ///< of the instruction that failed
-    std::uint32_t NumberParameters;     ///< how many values of ExceptionInformation are set; the others are 0
+    void* ExceptionAddress;             ///< address of the instruction that failed
+    std::uint32_t NumberParameters;     ///< number of values set in ExceptionInformation; the others are 0
     std::uint64_t ExceptionInformation[15];
 };
 
@@ -34,21 +34,21 @@ namespace ORL {
 namespace Linux {
 
 /// Fills outRecord from the arguments of a signal handler that was installed with SA_SIGINFO. inContext is the
-/// handler's third argument and may be null: the record then lacks what only the processor's registers tell.
+/// handler's third argument and may be null: the record then lacks the details found only in the processor's registers.
 ///
 /// | signal            | code of the record                                                                       |
 /// |---|---|
 /// | SIGSEGV           | 0xC0000005 access violation; its parameters are 0 for a read, 1 for a write or 8 for an  |
-/// |                   | execution, and the address. An address that no page can have is reported as all ones.    |
+/// |                   | execution, and the address. A non-canonical address is reported as all ones.             |
 /// |                   | 0xC0000096 if the cause is a privileged instruction                                      |
-/// | SIGBUS            | 0x80000002 for a misaligned address, else 0xC0000006 page not readable, parameters alike |
-/// | SIGFPE            | 0xC000008C to 0xC0000095, by the kind of the failure                                     |
+/// | SIGBUS            | 0x80000002 for a misaligned address, else 0xC0000006 page not readable, same parameters  |
+/// | SIGFPE            | 0xC000008C to 0xC0000095, depending on the error                                         |
 /// | SIGILL            | 0xC0000096 for a privileged instruction, else 0xC000001D illegal instruction             |
 /// | SIGTRAP           | 0x80000003 for a breakpoint, 0x80000004 for a single step or a hardware breakpoint       |
 ///
-/// A signal that another process sent, or raise(), has the same code with no address and no parameter.
-/// Returns false for every other signal and leaves outRecord unchanged. Async-signal-safe: it allocates nothing, locks
-/// nothing and calls nothing of the system. Thread-safe. Never throws.
+/// A signal sent by another process, or by raise(), has the same code with no address and no parameter. Returns false
+/// for every other signal and leaves outRecord unchanged. Async-signal-safe: allocates nothing, takes no lock and makes
+/// no system call. Thread-safe. Never throws.
 ORL_API bool MakeExceptionRecord(const siginfo_t& inInfo, const void* inContext,
                                  _EXCEPTION_RECORD& outRecord) noexcept;
 

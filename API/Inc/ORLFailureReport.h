@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Readable texts of system errors and exceptions, and the alert for an unhandled exception.
+// Readable texts for system errors and exceptions, and the alert for an unhandled exception.
 #pragma once
 
 #include <ORLConfig.h>
@@ -12,9 +12,9 @@ struct _EXCEPTION_RECORD;
 
 namespace ORL {
 
-/// Returns the system's sentence for a system error number of the home platform, ended by the system's line end "\r\n".
-/// Returns "There was an error converting this Win32 error to a message!" without a line end if the system has none.
-/// On Windows the sentence is in the user's language. On Linux it comes from a table of this library, in English.
+/// Returns the system's message for a system error number of the home platform, ending in "\r\n". Returns "There was an
+/// error converting this Win32 error to a message!" without a line end if the system has none. On Windows the message
+/// is in the user's language. On Linux it comes from a table of this library, in English.
 /// Thread-safe. Throws std::bad_alloc.
 ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 
@@ -23,7 +23,7 @@ ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 /// text. Thread-safe. Throws std::bad_alloc.
 ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 
-/// Returns a report of several lines about an exception: its code, whether execution could go on, its address, and for
+/// Returns a report of several lines about an exception: its code, whether execution can continue, its address, and for
 /// an access violation what was accessed. Every line ends in "\r\n". inRecord must not be null; on Linux
 /// ORL::Linux::MakeExceptionRecord fills one from a signal. Thread-safe. Throws std::bad_alloc: do not call it in a
 /// signal handler.
@@ -31,10 +31,9 @@ ORL_API UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_
 
 /// Shows an unhandled exception to the user, with the calling thread's name, identifier and module, through
 /// tvxcore::debug::DisplayAssert. inWhat is the exception's text, UTF-8, and may be empty.
-/// True: the user asked to debug, and the caller does what follows; nothing is thrown here for it. ioIgnore is set when
-/// the user never wants to hear of this site again, and left alone otherwise. It is not read: a caller whose flag is
-/// set does not call.
-/// Safe from any thread. Throws std::bad_alloc, and what the host's dialog throws.
+/// Returns true if the user chose to debug. Nothing is thrown: the caller acts on the result. Sets ioIgnore if the user
+/// chose to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it
+/// before the call. Thread-safe. Throws std::bad_alloc, and what the host's dialog throws.
 ORL_API bool ThrowAfterUnhandledExceptionAlert(bool& ioIgnore, const std::string& inWhat);
 
 } // namespace ORL
