@@ -40,7 +40,7 @@ void AwaitWaiters(SomeList& ioList, std::uint32_t inCount)
     }
 }
 
-/// A gate that does as the test says when somebody waits at it.
+/// A gate whose Wait runs an action that the test chooses.
 struct TalkingGate
 {
     std::function<void()> mAtWait = [] {};
@@ -97,7 +97,7 @@ protected:
     Request mRequests[3];
 };
 
-/// An allocator that has nothing to give.
+/// An allocator that always throws std::bad_alloc.
 template <class T>
 struct NoMemory : std::allocator<T>
 {
@@ -327,7 +327,7 @@ TEST(AsyncReadRequestBusyList, RemoversAndWaitersAtOnce_AllFinishedReadsAreSeen)
         threads.emplace_back([&, i] { // finishes two of the reads
             forEachRound([&](int inRound) {
                 for (int request = 2 * i; request < 2 * i + 2; ++request) {
-                    requests[request].mFinished = inRound; // plain on purpose: the wait orders it
+                    requests[request].mFinished = inRound; // deliberately not atomic: the wait orders it
                     list.Remove(&requests[request]);
                 }
             });

@@ -34,7 +34,7 @@ using ScriptedPool = AsyncReadRequestPool<Request, 4, ScriptedPolicy>;
 
 Pool sStaticPool;
 
-// The function under which double frees are triaged.
+// Double frees are reported under this function name.
 constexpr char kFree[] = "ORL::AsyncReadRequestPool<struct _OVERLAPPED,2048>::FreeAsyncReadRequest";
 
 template <class SomePool>
@@ -167,7 +167,7 @@ TEST(AsyncReadRequestPool, MoreThreadsThanRecords_NeverShareOne)
 {
     constexpr int kThreads = 6;
     const int rounds = Rounds(3000);
-    // No real sleeps here: a thread that finds no record gives way and looks again.
+    // No real sleeps: a thread that finds no free record yields and retries.
     struct Policy : Sync::SystemPolicy
     {
         static void SleepMilliseconds(int) { std::this_thread::yield(); }
@@ -178,7 +178,7 @@ TEST(AsyncReadRequestPool, MoreThreadsThanRecords_NeverShareOne)
         threads.emplace_back([&pool, i, rounds] {
             for (int round = 0; round < rounds; ++round) {
                 Request* const request = pool.AllocateAsyncReadRequest();
-                request->mOwner = i; // plain on purpose: two owners would race
+                request->mOwner = i; // deliberately not atomic: two owners would race
                 std::this_thread::yield();
                 EXPECT_EQ(i, request->mOwner);
                 pool.FreeAsyncReadRequest(request);

@@ -23,7 +23,7 @@ namespace {
 
 unsigned long RefuseEvents()
 {
-    return 8; // not enough memory
+    return 8; // out of memory
 }
 
 struct NoMoreEvents
@@ -111,7 +111,7 @@ TEST(WaitableObject, WhatWasWrittenBeforeASignal_IsSeenAfterTheWait)
     const int rounds = Rounds(3000);
     WaitableObject filled;
     WaitableObject emptied;
-    int slot = 0; // plain on purpose: the events order its use
+    int slot = 0; // deliberately not atomic: the events order its use
     std::thread consumer([&] {
         for (int i = 1; i <= rounds; ++i) {
             filled.WaitForSignal(-1);
@@ -141,7 +141,7 @@ TEST(WaitableObject, ReleasedThreadMayDestroyIt_WhileSignalIsOnItsWayOut)
 
 TEST(WaitableObject, WaitsThatTimeOutBesideSignals_LoseNoSignal)
 {
-    // Waiters with limits so short that many run out, and one signal at a time: each must reach somebody.
+    // The waiters' timeouts are so short that many expire, and signals come one at a time: each must release a waiter.
     const int signals = Rounds(1000);
     WaitableObject event;
     std::atomic<int> taken{0};

@@ -38,7 +38,7 @@ protected:
         mQueue->Stop();
     }
 
-    // Moves time, and returns when all that became due has run.
+    // Advances the clock and returns when all requests that became due have run.
     void Pass(std::int64_t inMilliseconds)
     {
         mClock.Advance(inMilliseconds * 1'000'000);
@@ -105,7 +105,7 @@ TEST_F(IdleProcess, SetAgain_TakesThePlaceOfTheEarlierOne)
     EXPECT_EQ(1, mRuns);
 }
 
-// The new one is built first, so where that fails the earlier one goes on.
+// The new idle process is built first, so a failure leaves the earlier one running.
 TEST_F(IdleProcess, SetAgainWithAFailure_KeepsTheEarlierOne)
 {
     struct Refusing : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
@@ -165,7 +165,7 @@ TEST_F(IdleProcess, ReplacedByItself_GoesOnAsTheNewOne)
 
 TEST_F(IdleProcess, ClearedWithNoneInstalled_TakesNoLock)
 {
-    // The queue counts the request while it installs it, under its lock. Whoever clears meanwhile must not wait.
+    // The queue calls AddRef under its lock while it installs the request. A concurrent Clear must not block.
     struct Nosy : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
     {
         explicit Nosy(ThreadedWorkQueue& inQueue) : mQueue(inQueue) {}

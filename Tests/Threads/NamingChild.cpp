@@ -1,4 +1,4 @@
-// Names one thread and tells by its exit code that this came to an end.
+// Names one thread and confirms with its exit code that it survived.
 #include <ORLThreadManager.h>
 
 int main()

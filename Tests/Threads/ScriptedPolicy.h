@@ -1,5 +1,5 @@
-// A synchronisation policy for one thread and a script: what happens at each lock, each look and each sleep is told
-// beforehand, and time is a number that the script moves.
+// A scripted synchronisation policy for one thread. The test sets in advance what happens at each lock, each spin turn
+// and each sleep. Time is a number that the script changes.
 #pragma once
 
 #include <Sync/Policy.h>
@@ -11,24 +11,24 @@
 
 namespace ORLTest {
 
-/// What the policy's operations do and have done. One at a time.
+/// The actions of the policy's operations, and a record of the operations. One object at a time.
 struct Script
 {
     Script() { sCurrent = this; }
     ~Script() { sCurrent = nullptr; }
 
-    /// How a sleep ends. An exception may leave it.
+    /// How a sleep ends. The action may also throw.
     enum class Wake { kNotified, kTimeout };
     using SleepAction = std::function<Wake()>;
 
-    std::deque<SleepAction> mSleeps;                 // one for each sleep to come; a further one is an error
-    std::function<void()> mAtLock = [] {};           // before a mutex is taken
+    std::deque<SleepAction> mSleeps;                 // one for each expected sleep; a further sleep throws
+    std::function<void()> mAtLock = [] {};           // before each lock of a mutex
     std::function<void()> mAtPause = [] {};          // at each turn of a spin
     std::function<void(int)> mAtSleep = [](int) {};  // at each plain sleep
     int mSpinTurns = 0;
 
     long mNow = 0;                  // milliseconds
-    std::vector<int> mLimits;       // of the sleeps so far; -1 is endless
+    std::vector<int> mLimits;       // limits of the sleeps so far; -1 is infinite
     int mLocksTaken = 0;
     int mLocksHeld = 0;
     int mNotifications = 0;
@@ -39,7 +39,7 @@ struct Script
         if (mSleeps.empty()) {
             throw std::logic_error("a sleep that the script does not know");
         }
-        const SleepAction action = mSleeps.front(); // which may give the script other sleeps
+        const SleepAction action = mSleeps.front(); // a copy, because the action may change mSleeps
         mSleeps.pop_front();
         --mLocksHeld;
         const Relock relock{*this};
@@ -77,7 +77,7 @@ struct ScriptedPolicy : ORL::Sync::SystemPolicy
         MutexLock& operator=(const MutexLock&) = delete;
         void lock()
         {
-            const std::function<void()> action = Script::Current().mAtLock; // which the action itself may replace
+            const std::function<void()> action = Script::Current().mAtLock; // a copy: the action may replace mAtLock
             action();
             ++Script::Current().mLocksTaken;
             ++Script::Current().mLocksHeld;

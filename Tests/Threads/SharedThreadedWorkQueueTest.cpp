@@ -21,7 +21,7 @@ namespace {
 using QueueRef = SharedThreadedWorkQueue::QueueRef;
 using Request = ThreadedWorkQueue::Request;
 
-// Each test begins and ends without an instance.
+// Each test starts and ends without an instance.
 class SharedQueues : public testing::Test
 {
 protected:
@@ -31,7 +31,7 @@ protected:
     SharedThreadedWorkQueue& Shared() { return *SharedThreadedWorkQueue::Instance(); }
 };
 
-// Each request waits for all others, so it ends only if each has a thread of its own.
+// Each request waits for all others, so all end only if each has its own thread.
 void ExpectToRunAtOnce(ThreadedWorkQueue& ioQueue, std::size_t inRequests)
 {
     const auto all = std::make_shared<ORLTest::Meeting>(inRequests + 1);
@@ -84,7 +84,7 @@ TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
     EXPECT_EQ(kept("ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue"), nameIn(Shared().RetrieveOrCreate(3)));
     EXPECT_EQ(kept("ORL::Foundation: Single-threaded ORL::SharedThreadedWorkQueue"),
               nameIn(Shared().RetrieveOrCreateSingleThreaded(3)));
-    SharedThreadedWorkQueue::Shutdown(); // who adds the name may still be in the record when it has been read
+    SharedThreadedWorkQueue::Shutdown(); // the thread that adds the name may still be inside Record
 }
 
 TEST_F(SharedQueues, Queue_RunsRequests)
@@ -92,7 +92,7 @@ TEST_F(SharedQueues, Queue_RunsRequests)
     WaitableGate gate;
     ASSERT_TRUE(Shared().RetrieveOrCreate(3)->QueueRequest(MakeRequest([&gate] { gate.Open(); })));
     EXPECT_EQ(kSuccess, gate.Wait(-1));
-    SharedThreadedWorkQueue::Shutdown(); // who opens a gate may still be in it when the wait is over
+    SharedThreadedWorkQueue::Shutdown(); // the thread that opens a gate may still be inside Open when the wait returns
 }
 
 TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
@@ -183,8 +183,8 @@ TEST_F(SharedQueues, AfterShutdown_TheInstanceIsNewAndEmpty)
     EXPECT_FALSE(Shared().RetrieveSingleThreaded(3));
 }
 
-// A paused queue runs nothing until its Stop, which runs what is queued and then waits for the threads: so the requests tell in
-// which order the queues were stopped. They were made in another one.
+// A paused queue runs nothing until its Stop, which runs the queued requests and then joins the threads. The requests
+// therefore show the order in which the queues were stopped, which differs from the order in which they were created.
 TEST_F(SharedQueues, Shutdown_StopsTheMultiThreadedFirstAndLowerPrioritiesFirst)
 {
     Record<std::string> stopped;

@@ -16,8 +16,8 @@
 using namespace ORL;
 using ORLTest::CheckReport;
 
-// The main thread of a process is fixed once, so every test here runs in a process of its own under the test command,
-// and the tests below hold in one process too as long as one thread registers.
+// The main thread of a process is fixed once. The test command therefore runs every test in its own process. The tests
+// below also pass in one process, as long as the same thread registers.
 
 namespace {
 
@@ -37,7 +37,7 @@ void OnAnotherThread(Function inFunction)
     std::thread(inFunction).join();
 }
 
-// A start and a stop of the records around each test.
+// Registers the main thread before each test and unregisters it afterwards.
 class ThreadRecords : public testing::Test
 {
 protected:
@@ -74,7 +74,7 @@ TEST_F(ThreadRecords, RegisteredThread_HasItsOwnRecord)
     EXPECT_EQ("CorvantoMain", NameOfThisThread());
 }
 
-// The number of the slot is the one that the system hands out next.
+// A slot that was just freed is the next one that the OS allocates.
 TEST(ThreadSlot, AfterUnregisterThread_StillHoldsTheAddressOfTheRecord)
 {
     namespace Platform = ThreadManager::Platform;
@@ -113,10 +113,10 @@ TEST_F(ThreadRecords, EmptyNames_FireTheContractAndTheRecordIsStillBuilt)
 TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStaysMain)
 {
     mRecorder.Clear();
-    // The replaced record is nobody's then: the library keeps it alive, since this thread's slot still points to it.
+    // Nothing deletes the replaced record: the library keeps it, because this thread's slot still points to it.
     const std::unique_ptr<ThreadManager::ThreadInfo> replaced(ThreadManager::GetCurrentThreadInfo());
     OnAnotherThread([] {
-        // The slot is allocated already: the contract of that comes back too, and the record of the first is replaced.
+        // The slot is already allocated, so that contract fails too, and the first thread's record is replaced.
         ThreadManager::RegisterMainThread();
         EXPECT_FALSE(ThreadManager::CurrentThreadIsMainThread());
         ThreadManager::UnregisterMainThread();

@@ -13,7 +13,7 @@
 
 using namespace ORL;
 
-// What `top -H` and a debugger read is what the system kept.
+// `top -H` and debuggers read the name that the kernel stores.
 TEST(ThreadName, TooLongForTheSystem_IsCutAtACharacter)
 {
     struct Row
@@ -42,7 +42,7 @@ TEST(ThreadName, TooLongForTheSystem_IsCutAtACharacter)
 
 namespace {
 
-// What `top -H` shows: it reads this file for each thread.
+// `top -H` reads this file for each thread.
 std::string NameInTheSystemsList()
 {
     std::string name;
@@ -50,7 +50,7 @@ std::string NameInTheSystemsList()
     return name;
 }
 
-// What `ps` and `pgrep` show.
+// `ps` and `pgrep` read this name.
 std::string NameOfTheProcess()
 {
     std::string name;

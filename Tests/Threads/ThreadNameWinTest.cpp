@@ -1,4 +1,4 @@
-// A debugger hears the name of a thread through an exception that it knows. The test is the debugger of a child.
+// A debugger learns a thread's name from a special exception. The test debugs a child process.
 #include <DebuggedProcessWin.h>
 
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ TEST(ThreadName, UnderADebugger_ComesAsTheExceptionItKnows)
             EXPECT_EQ(inException.mThread, LowHalf(record.ExceptionInformation[2])) << "the thread names itself";
             EXPECT_EQ(0u, HighHalf(record.ExceptionInformation[2]));
             names.push_back(TextAt(inException.mProcess, record.ExceptionInformation[1]));
-            return false; // the program must get along with a debugger that does not settle it
+            return false; // the program must survive a debugger that does not handle it
         });
     EXPECT_EQ(17u, exitCode);
     EXPECT_EQ((std::vector<std::string>{"CorvantoMain", "Decoder"}), names);

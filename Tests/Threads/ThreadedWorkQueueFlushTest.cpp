@@ -52,7 +52,7 @@ FlushRef FlushOf(const QueueRef& inQueue)
     return flush;
 }
 
-// An object that is idle flushes again at once; one whose gates or count were left behind would hang.
+// An idle object can flush again at once. If gates or a count had been left over, it would hang.
 void ExpectIdle(const FlushRef& inFlush, const QueueRef& inQueue)
 {
     inFlush->Init(inQueue);
@@ -167,7 +167,7 @@ TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_IsFlushedLikeARequest)
     queue->SetIdleProcess(Work([&turns] { ++turns; }), 1);
     for (int round = 1; round <= 100; ++round) {
         queue->QueueRequest(Work([&finished] { ++finished; }));
-        clock.Advance(1'000'000); // hands the turn that is due to the queue's threads
+        clock.Advance(1'000'000); // makes the idle process due
         flush->Flush();
         ASSERT_EQ(round, turns.load());
         ASSERT_EQ(round, finished.load());
@@ -178,7 +178,7 @@ TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_IsFlushedLikeARequest)
 
 TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
 {
-    // Counts the items: each is a reference to the object.
+    // Counts references; each queued item holds one.
     struct Counted : ThreadedWorkQueueFlush
     {
         void AddRef() override
@@ -213,7 +213,7 @@ TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
     queue->Stop();
 }
 
-// Whoever flushes while the queue stops may find that some of its items are refused; nobody may be left waiting.
+// A flush during the stop of the queue may have some of its items refused; no flusher may hang.
 TEST(ThreadedWorkQueueFlush, EightFlushersBesideIdleWorkPausesAndAStop_AllReturn)
 {
     for (int round = 0; round < ORLTest::Rounds(3); ++round) {
@@ -272,7 +272,7 @@ TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)
 
 namespace {
 
-// A flush whose items stay with it for a while after they have let the flushing thread go.
+// A flush whose items stay in Process for a while after the flushing thread has been released.
 class LingeringFlush : public ThreadedWorkQueueFlush
 {
 public:
@@ -284,7 +284,7 @@ public:
 
     void Process() override
     {
-        std::atomic<int>& seen = mSeenDestroyed; // the object is not used once it should be gone
+        std::atomic<int>& seen = mSeenDestroyed; // copied, because the object may be destroyed before the last use
         const std::atomic<int>& destroyed = mDestroyed;
         const std::atomic<bool>& mayLeave = mMayLeave;
         ThreadedWorkQueueFlush::Process();
@@ -312,13 +312,13 @@ TEST(ThreadedWorkQueueFlush, ReferenceDroppedWhileQueued_LivesUntilTheItemsAreGo
         FlushRef flush(new LingeringFlush(mayLeave, destroyed, seenDestroyed));
         flush->Init(queue);
         flush->Flush();
-        flush = FlushRef(); // the last references are those of the items, which are still in Process
+        flush = FlushRef(); // the remaining references belong to the items, which are still in Process
         EXPECT_EQ(0, destroyed);
         mayLeave = true;
         const FlushRef behind = FlushOf(queue);
-        behind->Flush(); // returns when both items are out of Process
+        behind->Flush(); // returns when both items have left Process
         while (destroyed == 0) {
-            std::this_thread::yield(); // the executor drops an item's reference when Process has returned
+            std::this_thread::yield(); // the executor releases an item after Process has returned
         }
         EXPECT_EQ(0, seenDestroyed) << "an item was in Process of an object that was gone";
         EXPECT_EQ(1, destroyed);

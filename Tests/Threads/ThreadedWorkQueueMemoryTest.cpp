@@ -27,7 +27,7 @@ public:
     {
         ++mLiving;
     }
-    // Inlined where a release may or may not be one of these, it makes the compiler warn of the other classes.
+    // noinline: inlined, it makes the compiler warn at releases that may concern other classes.
     __attribute__((noinline)) ~CountedRequest() override { --mLiving; }
     void Process() override { mFunction(); }
 
@@ -71,7 +71,7 @@ TEST(ThreadedWorkQueueMemory, RequestThatFindsNoMemory_ThrowsAndIsLetGoAndTheNex
     EXPECT_EQ(0, living);
 }
 
-// Each allocation of the way fails once. The queue is then as it was, and the next Initialize makes it work.
+// Each allocation of Initialize fails once. The queue must be unchanged then, and the next Initialize must succeed.
 TEST(ThreadedWorkQueueMemory, InitializeThatFindsNoMemory_ThrowsAndMayBeTriedAgain)
 {
     const Queue queue(new ThreadedWorkQueue);

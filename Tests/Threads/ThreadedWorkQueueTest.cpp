@@ -38,7 +38,7 @@ Queue MakeQueue(int inPolicy, ThreadPriorities::Type inPriority = ThreadPrioriti
     return queue;
 }
 
-// Returns when all that was queued before to the one thread has run.
+// Returns when the single thread has run everything queued so far.
 void Drain(const Queue& inQueue)
 {
     Event done;
@@ -175,7 +175,7 @@ TEST(ThreadedWorkQueue, Priority_ReachesTheThreadsAndEveryOtherNumberIsThree)
 TEST(ThreadedWorkQueue, Threads_AreNamedModuleFirst)
 {
     const Queue queue(new ThreadedWorkQueue);
-    // Three bytes a character: the system's limit of bytes falls inside one.
+    // Three bytes a character: the system's byte limit falls inside a character.
     EXPECT_TRUE(queue->Initialize(3, 0, ConstString("\u4e2d\u6587\u5b57\u7b26\u4e32"), ConstString("AB")));
     std::string name;
     queue->QueueRequest(MakeRequest([&name] { name = ORLTest::SystemNameOfThisThread(); }));
@@ -373,9 +373,9 @@ TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertion)
     ExpectAssert(reports[0], "!mImpl->mExecutor->IsTerminated()", kStoppedTwice, "ORL::ThreadedWorkQueue::Stop");
 }
 
-// The first Stop, on the queue's own thread, waits for nothing. The second has to end the queue: it comes while a request
-// that was queued behind the first is at work, and that one goes on until the second is reported and, if it does not wait,
-// has had every chance to return.
+// The first Stop runs on the queue's own thread and does not wait. The second must end the queue. It comes while a
+// request that was queued behind the first is running. That request continues until the second Stop is reported, and
+// then gives a Stop that does not wait ample time to return.
 TEST(ThreadedWorkQueue, StoppedOnItsOwnThread_ReturnsAtOnceAndTheSecondStopWaitsForWhatIsQueued)
 {
     const CheckRecorder recorder;
@@ -430,7 +430,7 @@ TEST(ThreadedWorkQueue, DestroyedWhileRunning_ReportsTheAssertionAndRunsWhatIsQu
     ORLTest::WaitForProcessThreads(before);
 }
 
-// An ignored site stays ignored for the life of the process, so each of these has a process of its own.
+// An ignored site stays ignored until the process ends, so each of these tests has its own process.
 using ThreadedWorkQueueDeathTest = testing::Test;
 
 TEST_F(ThreadedWorkQueueDeathTest, SecondStopIgnoredForGood_IsNotReportedAgain)

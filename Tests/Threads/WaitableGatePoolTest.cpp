@@ -23,10 +23,10 @@ namespace {
 using Pool = Sync::WaitableGatePoolAlgorithm<Sync::SystemPolicy>;
 using Algorithm = Sync::WaitableGateAlgorithm<Sync::SystemPolicy>;
 
-/// Takes all idle gates out of the pool and destroys them.
+/// Removes all idle gates from the pool and destroys them.
 void EmptyThePool()
 {
-    delete WaitableGatePool::RetrieveGate(); // which also builds the pool
+    delete WaitableGatePool::RetrieveGate(); // also creates the pool
     while (Pool::sPool.load()->CountIdleGates() != 0) {
         delete WaitableGatePool::RetrieveGate();
     }
@@ -42,7 +42,7 @@ std::vector<WaitableGate*> RetrieveOpened(int inCount)
     return gates;
 }
 
-/// Counts the gates that live, and makes them as it is told.
+/// Counts the living gates and creates them as the test chooses.
 struct CountingPolicy : Sync::SystemPolicy
 {
     enum class Make { kGates, kOpenGates, kNothing };
@@ -243,7 +243,7 @@ TEST(WaitableGatePool, ManyThreads_NeverShareAGate)
                 WaitableGate* const mine = WaitableGatePool::RetrieveGate();
                 WaitableGate* const other = round % 4 == i ? WaitableGatePool::RetrieveGate() : nullptr;
                 EXPECT_NE(mine, other);
-                // Closed until this thread opens it: it is in no other hands.
+                // Closed until this thread opens it, because no other thread has it.
                 EXPECT_EQ(kWaitTimeout, mine->Wait(0));
                 mine->Open();
                 EXPECT_EQ(kSuccess, mine->Wait(0));
@@ -265,8 +265,8 @@ TEST(WaitableGatePool, ManyThreads_NeverShareAGate)
 
 namespace {
 
-// The exit code of a process in which nobody has used the pool before: 0 if eight threads that come at once find one pool, and
-// eight gates in it.
+// Runs in a process that has not used the pool. Returns exit code 0 if eight threads that start together get the same
+// pool and eight different gates.
 int UseThePoolAtOnce()
 {
     constexpr std::size_t kThreads = 8;

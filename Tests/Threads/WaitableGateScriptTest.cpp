@@ -1,4 +1,4 @@
-// What a gate does at each lock and each sleep, told by a script: no threads, no clock but the script's.
+// The behaviour of a gate at each lock and each sleep, driven by a script on one thread with the script's clock.
 #include <GateOf.h>
 #include <ScriptedPolicy.h>
 
@@ -20,7 +20,7 @@ using Limits = std::vector<int>;
 class WaitableGateScript : public testing::Test
 {
 protected:
-    // A wake-up that no opening caused, that many milliseconds after the sleep began.
+    // A spurious wake-up, inMilliseconds after the sleep began.
     Script::SleepAction SpuriousAfter(long inMilliseconds)
     {
         return [this, inMilliseconds] {
@@ -76,7 +76,7 @@ TEST_F(WaitableGateScript, GenerationEndsTheSleep_ThoughTheGateIsClosedAgain)
 
 TEST_F(WaitableGateScript, OpenFlagAlone_DoesNotEndASleep)
 {
-    // Whoever opens has set the flag and not yet reached the mutex, and the sleeper wakes for no reason.
+    // The opener has set the flag but not yet locked the mutex when the sleeper wakes spuriously.
     mScript.mSleeps = {
         [this] {
             mScript.mAtLock = [this] {

@@ -176,7 +176,7 @@ TEST(WaitableGate, ManyGates_EachIsOpenedAndClosedAlone)
 
 TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
 {
-    // Each sleeper is counted before the pulse that must release it; nobody may be left behind.
+    // Each sleeper is counted before the pulse that must release it; none may remain.
     const int pulses = Rounds(1000);
     constexpr int kSleepers = 4;
     WaitableGate gate;
@@ -188,7 +188,7 @@ TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
             for (int pulse = 0; pulse < pulses; ++pulse) {
                 EXPECT_EQ(kSuccess, gate.Wait(i % 2 == 0 ? -1 : 100000));
                 ++released;
-                while (pulsesOver <= pulse) { // else it might come twice to the same opening
+                while (pulsesOver <= pulse) { // otherwise it could wait twice for the same opening
                     std::this_thread::yield();
                 }
             }
