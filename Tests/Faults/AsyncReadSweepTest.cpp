@@ -1,4 +1,4 @@
-// The asynchronous reader with its memory refused at every place of the caller's thread.
+// Fails each allocation that the asynchronous reader makes on the caller's thread.
 #include "FilesSweep.h"
 
 #include <AsyncFileReaderImpl.h>

@@ -1,4 +1,4 @@
-// The class factory with its memory refused at every place.
+// Fails each allocation of the class factory.
 #include "MemoryFaults.h"
 
 #include <ORLClassFactory.h>
@@ -36,7 +36,7 @@ unsigned CountCategory(const Guid& inCategory = kCategory)
     return count;
 }
 
-// Two categories that nobody else names, new for each registration, so that each has to be made.
+// A pair of categories unique to each registration, so that each registration creates both.
 std::uint64_t sPair = 0;
 
 Guid OfPair(std::uint64_t inWhich)
@@ -50,7 +50,7 @@ void InAPair(std::vector<Guid>& outCategories)
     outCategories.push_back(OfPair(1));
 }
 
-// Registers a class in a new pair with one request refused. True where that made it fail.
+// Registers a class in a new pair with one request refused. Returns true if the registration failed.
 bool RegisterInAPair(const Guid& inClass, MemoryDoor inDoor, unsigned inNumber, unsigned& outRefused)
 {
     ++sPair;
@@ -83,7 +83,7 @@ TEST(ClassFactorySweep, CreatingInstances_LeavesNothingBehind)
         [count] { EXPECT_EQ(count, CountCategory()); });
 }
 
-// Nothing is ever taken out of the register, so each round registers a class of its own, and what it leaves behind stays.
+// Registrations are permanent, so each round registers a new class and leaves it there.
 TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
 {
     std::uint64_t next = 1;
@@ -120,8 +120,8 @@ TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
     EXPECT_GT(next, 5u) << "the sweep has refused something";
 }
 
-// What was done before the memory ran out stays done, in the order in which it is done: the class, the first category, the
-// second. A repetition completes it, and puts the class a second time where it was.
+// The steps completed before memory ran out stay done: the class, then the first category, then the second. A
+// repetition completes the registration; the class then appears twice in categories that already had it.
 TEST(ClassFactoryFaults, RegistrationInTwoCategories_StaysDoneAsFarAsItCame)
 {
     unsigned stoppedBetween = 0;

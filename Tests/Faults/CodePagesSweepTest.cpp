@@ -1,4 +1,4 @@
-// Text in code pages, the language and the debug settings with their memory refused at every place.
+// Fails each allocation of code page conversions, the language and the debug settings.
 #include "MemoryFaults.h"
 
 #include <CodePageConversion.h>
@@ -33,7 +33,7 @@ bool FailsWithout(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther, const
 
 } // namespace
 
-// The result itself comes from the small block allocator.
+// The result itself uses the small block allocator.
 TEST(CodePagesSweep, UpTo1024Units_TakeNoWorkingMemory)
 {
     const std::string bytes1024(2 * 1024, '\x82');
@@ -48,7 +48,7 @@ TEST(CodePagesSweep, UpTo1024Units_TakeNoWorkingMemory)
 TEST(CodePagesSweep, UpTo1024Bytes_TakeNoWorkingMemory)
 {
     if (!WholeHeapIsWatched()) {
-        return; // the result comes from a door that is not watched here
+        return; // the allocator of the result is not watched here
     }
     const UTF16String units512(512, 0x65E5);
     const UTF16String units513(513, 0x65E5);
@@ -69,7 +69,7 @@ TEST(CodePagesSweep, Conversions_LeaveNothingBehind)
 TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
 {
     UseOwnHost();
-    GetRegistrySettingsKey(); // built once, and kept
+    GetRegistrySettingsKey(); // built once and kept
     SweepMemory(
         [] {
             Internal::ForgetLanguage();

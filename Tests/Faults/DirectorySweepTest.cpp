@@ -1,4 +1,4 @@
-// Every operation of Directory with its memory refused at every place.
+// Fails each allocation of every operation of Directory.
 #include "FilesSweep.h"
 
 #include <ORLDirectory.h>
@@ -47,7 +47,7 @@ TEST_F(DirectorySweep, Questions)
     });
 }
 
-// A list is whole, or an exception tells that it is not.
+// A listing is complete, or an exception is thrown.
 TEST_F(DirectorySweep, Listings_AreWholeOrThrow)
 {
     MakeTree();
@@ -104,12 +104,12 @@ TEST_F(DirectorySweep, Move_LosesNothing)
     Sweep(
         [this] {
             MakeTree();
-            mFolder.MakeFolder("to/sub"); // which is joined
+            mFolder.MakeFolder("to/sub"); // exists at the destination, so the folders are merged
         },
         [&] { result = Directory::Move(mFrom, mTo); },
         [&](bool inDone) {
             Entries both = Read("from");
-            // Wine 8 leaves folders that it joined where they were.
+            // Wine 8 does not delete source folders that it merged.
             if (inDone && result == kSuccess && !ORLTest::RunsOnEmulator()) {
                 EXPECT_TRUE(both.empty());
             }

@@ -1,5 +1,5 @@
-// Operations on files whose memory is refused at every place: no handle and no memory stays behind, and what the
-// operation left on disk is checked after each round.
+// Fails each allocation of operations on files. Afterwards no handle and no memory may leak, and each round checks what
+// the operation left on disk.
 #pragma once
 
 #include "MemoryFaults.h"
@@ -17,19 +17,19 @@
 
 namespace ORLTest {
 
-/// By name: the contents, "/" for a folder.
+/// The contents by name; "/" for a folder.
 using Entries = std::map<std::string, std::string>;
 
 class FilesSweep : public testing::Test
 {
 protected:
-    /// inPrepare makes what inWork needs, before every round. inCheck(done) looks at what a round has left; done says
-    /// whether the work ended without an exception.
+    /// Before every round inPrepare creates what inWork needs. inCheck(done) checks the result of a round; done is
+    /// false if inWork threw.
     void Sweep(const std::function<void()>& inPrepare, const std::function<void()>& inWork,
                const std::function<void(bool)>& inCheck)
     {
         inPrepare();
-        inWork(); // what is made once and kept
+        inWork(); // creates what is created once and kept
         inCheck(true);
         inPrepare();
         const unsigned handles = OpenHandles();
@@ -47,7 +47,7 @@ protected:
             });
     }
 
-    /// Of work that changes nothing on disk.
+    /// Sweeps work that changes nothing on disk.
     void SweepQuestion(const std::function<void()>& inWork)
     {
         const Entries before = Read();

@@ -1,4 +1,4 @@
-// The real start with its memory refused at every place, and what a host does after it.
+// Fails each allocation of the real start, and checks what a host can do afterwards.
 #include "MemoryFaults.h"
 
 #include <ORLFoundation.h>
@@ -14,7 +14,7 @@ using namespace ORLTest;
 
 namespace {
 
-/// Contract errors leave as a TVXException while it lives.
+/// While it lives, contract errors throw a TVXException.
 class ThrowingHost
 {
 public:
@@ -27,7 +27,7 @@ private:
     tvxcore::config::ErrorManager* const mOld;
 };
 
-/// The number of the request that is refused is too high when none is.
+/// mRefused counts the refused requests; 0 means that the start did not reach that request number.
 struct Attempt
 {
     bool mHasFailed = false;
@@ -52,7 +52,7 @@ bool ThreadHasARecord()
     return ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
 }
 
-// The text of what a second start throws, or nothing.
+// Returns the text of the exception that a second start throws, or an empty string.
 std::string SecondStartThrows()
 {
     try {
@@ -77,7 +77,7 @@ TEST(LifecycleFaults, StartThatFailsAtAnyPlace_CanBeMadeAgainAfterTheRegistratio
             if (attempt.mHasFailed) {
                 EXPECT_EQ(0, FoundationLifecycle().mCount);
                 failedInTheLastStep += MemoryRecycler::Instance() ? 1 : 0;
-                if (ThreadHasARecord()) { // the finished steps stay done, and this one refuses to be done twice
+                if (ThreadHasARecord()) { // the completed steps stay done, and this step refuses to run twice
                     EXPECT_EQ("\"An input contract violation has occurred!\" [ID 25, Package 105, Level 0]",
                               SecondStartThrows());
                 }

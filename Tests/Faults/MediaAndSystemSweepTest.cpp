@@ -1,4 +1,4 @@
-// Splines, hashes, the search for a process and the store of results with their memory refused at every place.
+// Fails each allocation of splines, hashes, the search for a process and the store of results.
 #include "MemoryFaults.h"
 
 #include <ORLAutomationDataCollector.h>
@@ -66,7 +66,7 @@ TEST(SystemInfoSweep, AsksForNoMemory)
     EXPECT_GT(SystemInfo::GetTotalPhysicalMemory(), 0u);
 }
 
-// A result that cannot be kept leaves those before it.
+// If a result cannot be stored, the earlier ones remain.
 TEST(AutomationDataCollectorSweep, AddResults)
 {
     using Collector = AutomationDataCollector;

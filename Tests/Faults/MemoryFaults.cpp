@@ -47,7 +47,7 @@ void Owe(MemoryDoor inDoor, std::int64_t inCount)
     sOwed[static_cast<int>(inDoor)].fetch_add(inCount, std::memory_order_relaxed);
 }
 
-// Null when memory is out.
+// Returns null if memory is refused or exhausted.
 void* FromHeap(std::size_t inSize) noexcept
 {
     void* const block = Refuses(MemoryDoor::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
@@ -74,7 +74,8 @@ void ToHeap(void* inBlock)
 
 } // namespace
 
-// The C++ heap of this program: each form, since a sanitizer's own forms do not call each other. Over-aligned objects go past.
+// The C++ heap of this program. Every form is replaced, because a sanitizer's forms do not call each other.
+// Over-aligned forms are not watched.
 void* operator new(std::size_t inSize)
 {
     return FromHeapOrThrow(inSize);
@@ -125,7 +126,7 @@ void operator delete[](void* inBlock, const std::nothrow_t&) noexcept
     ToHeap(inBlock);
 }
 
-// The linker sends every call of these functions here, and calls of the "real" ones on to them.
+// The linker redirects every call of these functions to the wrappers, and calls of the "real" ones to the originals.
 #define ORL_SYMBOL(kind, name) __asm__("__" kind "_" name)
 #define ORL_ALLOCATE_PAGES "_ZN3ORL10PageMemory8Platform18AllocatePages_ImplE" ORL_MANGLED_SIZE
 #define ORL_FREE_PAGES "_ZN3ORL10PageMemory8Platform14FreePages_ImplEPv" ORL_MANGLED_SIZE
@@ -152,18 +153,18 @@ namespace ORLTest {
 
 namespace {
 
-constexpr unsigned kMostRequests = 10000; // of one piece of work; beyond it the sweep would never end
+constexpr unsigned kMostRequests = 10000; // for one piece of work; more means that the sweep would not end
 
 void Attempt(const std::function<void()>& inWork)
 {
     try {
         inWork();
     } catch (const std::bad_alloc&) {
-    } catch (const boost::thread_resource_error&) { // there was no memory to start a thread with
+    } catch (const boost::thread_resource_error&) { // there was no memory to start a thread
     }
 }
 
-// Numbers 1, 2, 3 ... until one that is not reached.
+// Refuses request 1, 2, 3 ... until a number is not reached.
 void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
     unsigned refused = 1;
@@ -231,13 +232,13 @@ std::int64_t MemoryOwed(MemoryDoor inDoor)
 bool WholeHeapIsWatched()
 {
     const std::int64_t before = MemoryOwed(MemoryDoor::kHeap);
-    const std::string text(100, 'x'); // made by code of the standard library
+    const std::string text(100, 'x'); // allocated by code of the standard library
     return MemoryOwed(MemoryDoor::kHeap) > before;
 }
 
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
-    inWork(); // what is made once and kept is there from now on
+    inWork(); // creates what is created once and kept
     inCheck();
     for (const MemoryDoor door : kMemoryDoors) {
         SweepDoor(door, false, inWork, inCheck);

@@ -1,7 +1,7 @@
-// Memory that runs out where a sweep wants it to, and a count of what is still owed.
+// Allocation failures at chosen points, and a balance of the memory still allocated.
 //
-// Three doors are watched: the small block allocator, whole pages of the system, and the C++ heap. Only requests of the
-// thread that arms are counted and refused.
+// Three allocators are watched: the small block allocator, whole pages of the OS, and the C++ heap. Only requests of
+// the thread that created the MemoryFaults object are counted and refused.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace ORLTest {
 enum class MemoryDoor { kSmallBlocks, kPages, kHeap };
 inline constexpr MemoryDoor kMemoryDoors[] = {MemoryDoor::kSmallBlocks, MemoryDoor::kPages, MemoryDoor::kHeap};
 
-/// While it lives, the request of that number (counted from 1) at a door is refused, and with inAllFurther all behind it.
+/// While it lives, request number inNumber (from 1) of one allocator is refused; with inAllFurther, all later ones too.
 class MemoryFaults
 {
 public:
@@ -30,16 +30,16 @@ private:
     const MemoryDoor mDoor;
 };
 
-/// What the whole process holds at a door.
+/// Returns the process's current balance of allocations from that allocator.
 std::int64_t MemoryOwed(MemoryDoor inDoor);
 
-/// Whether the standard library's own requests come to the heap's door. Where they go past it (a shared library of the home
-/// platform keeps to its own heap functions), what is owed there says nothing.
+/// Returns whether the standard library's own requests reach the watched C++ heap. If not (on Windows, a shared library
+/// uses its own heap functions), the balance of the heap says nothing.
 bool WholeHeapIsWatched();
 
-/// Lets each request for memory that inWork makes fail once, alone and with all behind it. After each round inCheck looks
-/// whether everything is as before, and no more memory than before may be owed. inWork leaves nothing behind, fails with
-/// std::bad_alloc or finds another way.
+/// Fails each request for memory that inWork makes, once alone and once with all later ones. After each round inCheck
+/// verifies the state, and the balance must not have grown. inWork must leak nothing; it throws std::bad_alloc or
+/// succeeds in another way.
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck);
 
 } // namespace ORLTest

@@ -1,4 +1,4 @@
-// Here nothing of the heap goes past the sweeps.
+// On Linux no heap request bypasses the sweeps.
 #include "MemoryFaults.h"
 
 TEST(MemoryFaults, RequestsOfTheStandardLibrary_ComeToTheHeapsDoor)

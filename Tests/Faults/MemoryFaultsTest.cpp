@@ -1,4 +1,4 @@
-// The seam of the sweeps itself: a sweep that refuses nothing would prove nothing.
+// Tests the fault injection itself: a sweep that refuses nothing would prove nothing.
 #include "MemoryFaults.h"
 
 #include <ORLAllocator.h>

@@ -1,4 +1,4 @@
-// The recycler with its memory refused at every place.
+// Fails each allocation of the recycler.
 #include "MemoryFaults.h"
 
 #include <MemoryRecyclerLifecycle.h>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLarge = 65536;
 
-// A lock that was left held would hold this thread for ever; a pool that counts wrong would not come to 0.
+// A lock left held would hang the new thread; a wrong count would not reach 0.
 void ExpectUsable(MemoryRecycler& ioRecycler)
 {
     std::thread([&ioRecycler] {
@@ -55,8 +55,8 @@ TEST(MemoryRecyclerSweep, AllocateAndRecycle_LeaveNothingBehind)
     SweepMemory(workAndPurge, [&recycler] { ExpectUsable(recycler); });
 }
 
-// Makes room where memory has run out: empties the pool, from another thread, which a lock that the asking thread held would
-// stop for ever.
+// Frees memory after an allocation failure by purging the pool from another thread. If the allocating thread held the
+// pool's lock, this would hang.
 class PurgingManager : public tvxcore::config::ErrorManager
 {
 public:
@@ -91,7 +91,7 @@ TEST(MemoryRecyclerFaults, ManagerThatPurgesThePool_HasTheSecondAttemptSucceed)
     MemoryBuffer buffer;
     {
         const MemoryFaults noPages(MemoryDoor::kPages, 1, false);
-        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // where a buffer without pages is looked for
+        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // the fallback for a buffer without pages
         buffer = recycler.AllocateBuffer(2 * kLarge - 1);
     }
     EXPECT_EQ(std::vector<std::size_t>{2 * kLarge}, manager.mSizes) << "asked once, with the rounded size";
@@ -124,7 +124,7 @@ TEST(MemoryRecyclerSweep, MissesThatMakeRoomAndLimitsThatShrink_LeaveNothingBehi
         owner.mBuffers[1] = recycler.AllocateBuffer(kLarge);
         recycler.RecycleBuffer(owner.mBuffers[0]);
         owner.mBuffers[0] = MemoryBuffer();
-        owner.mBuffers[2] = recycler.AllocateBuffer(2 * kLarge); // makes room
+        owner.mBuffers[2] = recycler.AllocateBuffer(2 * kLarge); // forces an eviction
         recycler.SetSize(kLarge);
     };
     SweepMemory(work, [&recycler] {

@@ -1,4 +1,4 @@
-// Every function over paths and volumes with its memory refused at every place.
+// Fails each allocation of every function on paths and volumes.
 #include "FilesSweep.h"
 
 #include <ORLDiskUtils.h>

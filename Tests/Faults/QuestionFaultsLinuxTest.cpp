@@ -1,5 +1,5 @@
-// Every system call below the questions about paths, directories and volumes fails once, at each place, with several
-// errors: the answer is the true one or that of a question without one, and no descriptor stays open.
+// Fails each system call of the queries on paths, directories and volumes, with several errors. The query must return
+// the true answer or the answer for "not available", and leave no descriptor open.
 #include <FaultySystemCallsLinux.h>
 #include <SystemProbes.h>
 #include <TempFolder.h>
@@ -31,7 +31,7 @@ struct Question
     const char* mName;
     std::string (*mAsk)(const TempFolder&); // the answer as text
     std::string mTrue;
-    std::string mRefused; // beside the true one
+    std::string mRefused; // also allowed when a call fails
 };
 
 std::string Text(bool inAnswer)

@@ -1,4 +1,4 @@
-// Memory runs out while modules are loaded and asked.
+// Fails each allocation while modules are loaded and queried.
 #include "MemoryFaults.h"
 
 #include <ProcessRunner.h>
@@ -27,7 +27,7 @@ void LoadAndAsk(const UTF16String& inPath)
     if (result != kSuccess) {
         EXPECT_EQ(kGeneralFailure, result);
         EXPECT_FALSE(module);
-        throw std::bad_alloc(); // the pages of a file were refused, which is a result and no exception
+        throw std::bad_alloc(); // if the pages of a file are refused, the load returns a failure and does not throw
     }
     EXPECT_EQ(4u, LoadStringW(*module, 0).size());
     int size = 0;

@@ -1,4 +1,4 @@
-// Names, templates and numbers with their memory refused at every place.
+// Fails each allocation of names, templates and numbers.
 #include "MemoryFaults.h"
 
 #include <ImmutableStringTable.h>
@@ -30,13 +30,13 @@ const unsigned char* Bytes(const char* inText)
     return reinterpret_cast<const unsigned char*>(inText);
 }
 
-// A text longer than what strings keep inside of themselves.
+// Longer than what a string stores inline.
 const std::string kLong(100, 'l');
 
 class ImmutableStringSweep : public testing::Test
 {
 protected:
-    // Sweeps a work whose handles are gone at its end. What it entered is purged, so that the table is as before.
+    // Sweeps work that keeps no handle. Purges the texts that it entered, so that the table is as before.
     void Sweep(const std::function<void()>& inWork)
     {
         const std::size_t before = ImmutableStringTable::Get().GetCount();
@@ -53,7 +53,7 @@ protected:
         });
     }
 
-    // From another thread, which a guard that was left held would stop for ever.
+    // Uses the table from another thread; a lock left held would hang it.
     static void ExpectUsable()
     {
         std::thread([] {
@@ -84,11 +84,11 @@ TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
     });
 }
 
-// A table of its own, whose index is made and grows twice on the way: the process's table has its index from the first
-// text on. What was entered before a refusal is found again, and what was refused is not there.
+// A separate table, whose index is created and grows twice; the process's table has its index from the first text on.
+// Texts entered before a refusal are found again; refused texts are absent.
 TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
 {
-    constexpr std::size_t kTexts = 140; // the index has 128 places at first and is kept half empty
+    constexpr std::size_t kTexts = 140; // the index starts with 128 places and is kept half empty
     SweepMemory(
         [] {
             const CriticalSection guard;
@@ -114,7 +114,7 @@ TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
         [] {});
 }
 
-// The page memory of an index alone: made for the first text, made anew for the 65th and the 129th.
+// Refuses only the page memory of an index: created for the first text, enlarged for the 65th and the 129th.
 TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItIsTriedAgain)
 {
     for (unsigned refused = 1; refused <= 3; ++refused) {
@@ -146,7 +146,7 @@ TEST_F(ImmutableStringSweep, CreateStatic_StaysEvenWhenItsHandleIsGone)
     });
 }
 
-// A static text that has no record yet cannot be taken out again, so each round brings a new one.
+// A static text cannot be removed once it has a record, so each round uses a new one.
 TEST(ImmutableStringFaults, NewStaticTextThatFindsNoMemory_IsNotEntered)
 {
     static std::vector<std::string> sTexts;
@@ -233,7 +233,7 @@ TEST(StringConversionSweep, MakeStringAndMakeStdString_OfEachForm)
         [&units] { EXPECT_EQ(units, MakeString(MakeStdString(units))); });
 }
 
-// A parser that runs out of memory has not touched its result; one that stored it and failed then would be no success.
+// A parser that runs out of memory must not change its result, and must not fail after it has stored one.
 template <class Text, class Parse>
 void SweepParser(const Text& inUntouched, const Text& inExpected, const Parse& inParse)
 {

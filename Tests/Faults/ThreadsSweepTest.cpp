@@ -1,4 +1,4 @@
-// Thread records, shared queues and flushes with their memory refused at every place.
+// Fails each allocation of thread records, shared queues and flushes.
 #include "MemoryFaults.h"
 
 #include <ORLSharedThreadedWorkQueue.h>
@@ -21,7 +21,7 @@ using Request = ThreadedWorkQueue::Request;
 
 std::atomic<int> sReports{0};
 
-// Counts what the checks report, without memory.
+// Counts the reports of checks without allocating.
 void CountReports()
 {
     sReports = 0;
@@ -61,7 +61,7 @@ void ExpectSharedQueuesUsable()
     }).join();
 }
 
-// Stops at the end of its scope, so that the threads hold nothing more.
+// Stops the queue at the end of its scope, so that its threads hold no memory.
 class StartedQueue
 {
 public:
@@ -97,7 +97,7 @@ TEST(ThreadManagerSweep, RegisterAndUnregisterAThread)
     ThreadManager::RegisterMainThread();
     const auto work = [] {
         std::exception_ptr failure;
-        // A record that was made before its name could be handed on is the thread's all the same.
+        // A record created before its name was stored still belongs to the thread.
         ThreadManager::ThreadInfo* const unnamed = ThreadManager::GetCurrentThreadInfo();
         try {
             ConstString name("Sweeper");
@@ -113,7 +113,7 @@ TEST(ThreadManagerSweep, RegisterAndUnregisterAThread)
             std::rethrow_exception(failure);
         }
     };
-    // A thread asks for its record no more when it has unregistered, so each round is a thread of its own.
+    // A thread cannot register again after it has unregistered, so each round uses a new thread.
     for (const MemoryDoor door : kMemoryDoors) {
         unsigned refused = 1;
         for (unsigned number = 1; refused != 0; ++number) {

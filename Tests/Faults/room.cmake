@@ -1,4 +1,4 @@
-# The sweeps stand between the libraries and the system's pages: the linker sends the calls of these functions to the wrappers.
+# The sweeps intercept requests for OS pages: the linker redirects the calls of these functions to the wrappers.
 target_sources(${room_target} PRIVATE Faults/MemoryFaults.cpp)
 if(WIN32)
   set(mangled_size y)
