@@ -1,4 +1,4 @@
-// Trees far deeper than the descriptors that a process has, and deeper than a host path is long.
+// Trees with far more levels than a process has descriptors, and with host paths beyond the length limit.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -23,7 +23,7 @@ namespace {
 constexpr int kDepth = 3000;
 constexpr rlim_t kFewDescriptors = 64;
 
-/// The process has few descriptors while it lives.
+/// While it lives, the process may open only a few descriptors.
 class FewDescriptors
 {
 public:
@@ -41,7 +41,7 @@ private:
     struct rlimit mEarlier = {};
 };
 
-/// Holds every descriptor that is left but a few.
+/// Opens descriptors until only inLeft are available.
 class NearlyAllDescriptors
 {
 public:
@@ -74,13 +74,13 @@ int OpenFolderHere(int inFolder, const char* inName)
 class DeepTrees : public DirectoryTreesOnLinux
 {
 protected:
-    // In memory where the machine has such a place: some volumes take long for each step of a deep tree.
+    // In memory if the machine has /dev/shm: some volumes are slow at each level of a deep tree.
     DeepTrees() : DirectoryTreesOnLinux(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : fs::temp_directory_path())
     {
         mFolder.MakeFolder("from");
     }
 
-    // The library of the test's own cannot remove what is deeper than the stack and the descriptors allow.
+    // std::filesystem cannot remove trees deeper than the stack and the descriptors allow.
     ~DeepTrees() override
     {
         for (const char* name : {"from", "to"}) {
@@ -88,7 +88,7 @@ protected:
         }
     }
 
-    // "d" in "d", with a file "f" in every hundredth and in the last.
+    // Makes nested folders "d", with a file "f" in every inFileEach-th and in the last.
     void MakeChain(const char* inTop, int inDepth, int inFileEach = 100) const
     {
         int folder = ::open((mFolder.Host() / inTop).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -109,7 +109,7 @@ protected:
         ::close(folder);
     }
 
-    // The depth to which the chain is whole, its files included.
+    // Returns the depth to which the chain is complete, including its files.
     int DepthOfChain(const char* inTop, int inFileEach = 100) const
     {
         int folder = ::open((mFolder.Host() / inTop).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -152,7 +152,7 @@ protected:
     }
 };
 
-// A move from folder to folder is one to another volume.
+// Makes every rename between two folders a cross-volume move.
 void SplitVolumes(FaultySystemCalls& ioCalls)
 {
     ioCalls.Underneath().mFSync = [](int) { return 0; };
@@ -214,7 +214,7 @@ TEST_F(DeepTrees, Move_OfDepth3000_CostsNoDescriptors)
     EXPECT_TRUE(fs::is_empty(Host("from")));
 }
 
-// Folder by folder, since each is there already.
+// Merges folder by folder, because each already exists at the destination.
 TEST_F(DeepTrees, Move_OntoATreeOfDepth3000_JoinsItWithoutDescriptors)
 {
     MakeChain("from", kDepth);
@@ -238,7 +238,7 @@ TEST_F(DeepTrees, DeleteNotEmpty_OfDepth3000_CostsNoDescriptors)
     EXPECT_FALSE(fs::exists(Host("from")));
 }
 
-// Host paths end at 4095 bytes; the list does not.
+// Host paths are limited to 4095 bytes; listings are not.
 TEST_F(DeepTrees, Listing_OfDepth3000_IsWhole)
 {
     MakeChain("from", kDepth);
@@ -259,7 +259,7 @@ TEST_F(DeepTrees, Listing_OfDepth3000_IsWhole)
     EXPECT_EQ(From() + Units(u"\\d"), paths.back());
 }
 
-// A listing that has no descriptor left says so.
+// A listing that runs out of descriptors throws.
 TEST_F(DeepTrees, Listing_WithoutADescriptor_ThrowsAndIsNeverCut)
 {
     MakeChain("from", 5, 1);
@@ -296,14 +296,14 @@ TEST_F(DeepTrees, Copy_WithoutADescriptor_FailsAndLeavesWholeFiles)
     EXPECT_EQ(20, DepthOfChain("to", 1));
 }
 
-// On the way back a folder must be the one that the way has led through.
+// On the way up, each folder must be the one through which the walk came down.
 TEST_F(DeepTrees, AFolderThatIsMovedAwayMeanwhile_EndsTheWorkAndNothingElseIsTouched)
 {
     MakeChain("from", 12);
     mFolder.MakeFolder("elsewhere");
     mFolder.MakeFile("elsewhere/f", "precious");
     FaultySystemCalls calls;
-    // A folder leaves the tree while the work is in the deepest below it, at the one file that there is.
+    // The test moves a folder out of the tree while the deletion is in the deepest folder, at its only file.
     const fs::path deep = Host("from/d/d/d/d/d/d/d/d");
     calls.Before(FaultySystemCalls::kUnlinkAt, 1, [&] { fs::rename(deep, Host("elsewhere/d")); });
     EXPECT_EQ(kGeneralFailure, Directory::DeleteNotEmpty(From()));

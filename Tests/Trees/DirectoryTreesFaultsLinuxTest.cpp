@@ -1,4 +1,4 @@
-// Trees on a system whose calls fail: nothing is lost, nothing is half, and it is told.
+// Trees with failing system calls: nothing is lost or left incomplete, and the failure is reported.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -32,10 +32,10 @@ struct Failure
 {
     Faults::Call mCall;
     int mErrno;
-    bool mIsMet; // the work came to that call
+    bool mIsMet; // the work reached that call
 
-    // A file that may not be opened or asked about can be deleted and moved all the same, and only the close of what
-    // was written says something.
+    // A file that cannot be opened or queried can still be deleted and moved. A failing close matters only for a file
+    // that was written.
     bool MustBeTold() const
     {
         const bool isNoMatter = mCall == Faults::kStatx || mCall == Faults::kClose
@@ -48,7 +48,7 @@ void LeaveTheSystem(Faults&)
 {
 }
 
-// To move from folder to folder is to move to another volume.
+// Makes every rename between two folders a cross-volume move.
 int RenameInFolders(int inFrom, const char* inName, int inTo, const char* inNewName, unsigned inFlags)
 {
     if (inFrom == inTo) {
@@ -61,10 +61,10 @@ int RenameInFolders(int inFrom, const char* inName, int inTo, const char* inNewN
 void SplitVolumes(Faults& ioCalls)
 {
     ioCalls.Underneath().mRenameAt = &RenameInFolders;
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // the disk is not what this is about
+    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant here
 }
 
-// Runs inWork with each call failing at each index, and inCheck(result, failure) behind it.
+// Runs inWork with each call failing at each index, followed by inCheck(result, failure).
 template <class Prepare, class Work, class Check>
 void FailEachCall(const Prepare& inPrepare, const Work& inWork, const Check& inCheck,
                   void (*inSetUp)(Faults&) = &LeaveTheSystem)
@@ -117,7 +117,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheS
                          return;
                      }
                      for (const auto& [name, contents] : Read(Host("to"))) {
-                         // What could not be cleared away has a name of its own.
+                         // A temporary copy that could not be deleted keeps its own name.
                          if (name.find(".orl-copy-") == std::string::npos) {
                              EXPECT_EQ(mTree[name], contents) << name;
                          }
@@ -134,7 +134,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheS
 
 namespace {
 
-// Both trees together hold everything, once the move has ended in whatever way.
+// However the move ends, the two trees together must hold everything.
 class MovesUnderFaults : public DirectoryTreesUnderFaults
 {
 protected:
@@ -190,7 +190,7 @@ TEST_F(DirectoryTreesUnderFaults, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirecto
         [this] { return Directory::DeleteNotEmpty(From()); },
         [this](Result inResult, const Failure& inFailure) {
             EXPECT_EQ(inResult == kSuccess, !fs::exists(Host("from")));
-            // The folder itself goes by a call of its own, which tells what the system says.
+            // The folder itself is deleted by a separate call, whose error is reported.
             const bool isOwn = inFailure.mCall == Faults::kRemoveDir;
             const Result told =
                 isOwn ? Win::SystemErrorToORLResult(Linux::SystemErrorFromErrno(inFailure.mErrno)) : kGeneralFailure;
@@ -200,7 +200,7 @@ TEST_F(DirectoryTreesUnderFaults, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirecto
     ExpectNothingOutsideChanged();
 }
 
-// An empty folder is wiped as any other before it is deleted.
+// An empty folder is wiped like any other before it is deleted.
 TEST_F(DirectoryTreesUnderFaults, Wipe_OfAnEmptyFolderThatCannotBeListed_IsAGeneralFailure)
 {
     mFolder.MakeFolder("from");
@@ -212,7 +212,7 @@ TEST_F(DirectoryTreesUnderFaults, Wipe_OfAnEmptyFolderThatCannotBeListed_IsAGene
     EXPECT_TRUE(fs::exists(Host("from")));
 }
 
-// Some file systems tell only at the close that there was no room.
+// Some file systems report a full disk only at the close.
 TEST_F(DirectoryTreesUnderFaults, Copy_OfAFileWhoseCloseFails_LeavesTheEarlierOne)
 {
     mFolder.MakeFolder("from");
@@ -238,7 +238,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_OfAFileWhoseCloseFails_LeavesTheEarlierOn
 
 namespace {
 
-// The calls that make a copy safe and delete its source, in their order.
+// Records the calls that sync a copy and delete its source, in order.
 std::vector<std::string> sSteps;
 
 int NoteSync(int inFile)
@@ -266,7 +266,7 @@ int NoteUnlink(int inFolder, const char* inName, int inFlags)
 
 } // namespace
 
-// The source of a file goes when the copy is on disk, and its name too.
+// A source file is deleted only after its copy and the copy's name are synced.
 TEST_F(DirectoryTreesUnderFaults, Move_ToAnotherVolume_PutsTheCopyOnDiskFirst)
 {
     mFolder.MakeFolder("from/sub");
@@ -286,7 +286,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAnotherVolume_PutsTheCopyOnDiskFirst)
     EXPECT_EQ((Tree{{"sub", "/"}, {"sub/a", "A"}}), Read(Host("to")));
 }
 
-// There are file systems that have no way to sync a folder, and keep its names safe by themselves.
+// Some file systems cannot sync a folder, and keep its names safe without it.
 TEST_F(DirectoryTreesUnderFaults, Move_ToAVolumeThatSyncsNoFolders_IsDone)
 {
     MakeTree();
@@ -302,7 +302,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAVolumeThatSyncsNoFolders_IsDone)
     EXPECT_EQ(mTree, Read(Host("to")));
 }
 
-// A process that was killed has left a name that we would take, since its number comes again.
+// A killed process, whose number is reused, has left a file with the name that we would choose.
 TEST_F(DirectoryTreesUnderFaults, Copy_BesideTheLeftoversOfAKilledOne_IsDone)
 {
     MakeTree();
@@ -334,7 +334,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_BesideTheLeftoversOfAKilledOne_IsDone)
     EXPECT_EQ(expected, Read(Host("to")));
 }
 
-// The kernel refuses its own copy, and writes come short.
+// The kernel refuses copy_file_range, and writes are short.
 TEST_F(DirectoryTreesUnderFaults, Copy_ByHand_GivesTheSameTree)
 {
     MakeTree();

@@ -1,4 +1,4 @@
-// Trees as only Linux has them: links that must not lead out, volumes, permissions.
+// Trees with features that only Linux has: links that must not be followed out of the tree, volumes, permissions.
 #include "DirectoryTreesOnLinux.h"
 
 #include <ORLFile.h>
@@ -157,7 +157,7 @@ TEST_F(DirectoryTreesOnLinux, AFolderThatMayNotBeRead_IsMoved)
     });
 }
 
-// A file that this user may not open can be asked about inside the process alone.
+// If this user may not open a file, only holders in this process can be checked.
 TEST_F(DirectoryTreesOnLinux, AFileThatMayNotBeRead_IsWiped)
 {
     mFolder.MakeFolder("from");
@@ -177,7 +177,7 @@ TEST_F(DirectoryTreesOnLinux, AReadOnlyFolder_IsNotDeletedByItself)
     EXPECT_EQ(kSuccess, Directory::Delete(From()));
 }
 
-// Another process of this library holds a file: what has its locks must stay.
+// Another process that uses the library holds a file: a file with its locks must stay.
 TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
 {
     mFolder.MakeFolder("from");
@@ -215,7 +215,7 @@ TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
     EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
 }
 
-// In memory where the machine has such a place: the disk is not what this is about.
+// In memory if the machine has /dev/shm; the disk is irrelevant here.
 TEST_F(DirectoryTreesOnLinux, ATreeOf100000Entries_IsCopiedMovedAndWiped)
 {
     const TempFolder folder(::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path());
@@ -287,7 +287,7 @@ TEST_F(DirectoryTreesOnLinux, NamesWithEveryByteAndDepth200_AreCopiedMovedAndWip
     EXPECT_EQ(1u, Read(mFolder.Host()).size()) << "the empty source is left";
 }
 
-// In the middle of a wipe somebody puts a link in the place of a folder that the listing has shown.
+// During a wipe, a folder that has already been listed is replaced by a link.
 TEST_F(DirectoryTreesOnLinux, Wipe_ALinkThatTakesAFoldersPlace_IsNotFollowed)
 {
     MakeTree();

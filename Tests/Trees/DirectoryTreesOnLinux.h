@@ -1,4 +1,4 @@
-// A tree with links that lead out of it, and the trees that are made of it.
+// A tree with links that lead out of it, and the trees that operations make from it.
 #pragma once
 
 #include <ORLDirectory.h>

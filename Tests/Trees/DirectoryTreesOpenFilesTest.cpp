@@ -1,4 +1,4 @@
-// Trees in which a file is open meanwhile: the handle's share mode says what may be done with it.
+// Operations on trees that contain an open file; the handle's share mode decides what is allowed.
 #include <ORLDirectory.h>
 #include <ORLFile.h>
 
@@ -52,7 +52,7 @@ protected:
         EXPECT_EQ(kGeneralFailure, inResult);
     }
 
-    /// Opens a file to read, sharing what is said, until the test ends or lets go of it.
+    /// Opens a file for reading with the given share mode, until mHeld is closed or the test ends.
     void Hold(const std::u16string& inName, Share::Type inShares)
     {
         ASSERT_EQ(kSuccess, mHeld.Create(mFolder.Path(inName), FileAccessFlags::kFileAccess_Read, inShares,
@@ -92,7 +92,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Move_LeavesAFolderWithAFileThatDoesNotShareI
     Hold(u"from\\sub\\clip", kReadAndWrite);
     ExpectRefused(Directory::Move(From(), To()));
     if (mShellSaidNothing) {
-        return; // and it has moved the folder under the open file
+        return; // the shell moved the folder in spite of the open file
     }
     EXPECT_EQ("C", Contents("from/sub/clip"));
     mHeld.Close();

@@ -1,4 +1,4 @@
-// Whole trees copied, moved and wiped, and the checks of paths that the shell does not take.
+// Copies, moves and wipes of whole trees, and the checks of paths that the shell does not accept.
 #include <ORLDirectory.h>
 
 #include <CheckRecorder.h>
@@ -163,7 +163,7 @@ TEST_F(DirectoryTrees, DeleteNotEmpty_OfWhatIsMissing_Fails)
     EXPECT_FALSE(ResultSucceeded(Directory::DeleteNotEmpty(mFolder.Path(u"missing"))));
 }
 
-// The shell's way of saying that it takes plain paths alone. Each of the two sites has an ignore flag of its own.
+// The shell accepts plain paths only. Each of the two sites has its own ignore flag.
 TEST_F(DirectoryTrees, ExtendedPaths_AreReportedAndRefused)
 {
     struct Row

@@ -1,4 +1,4 @@
-// Paths whose host path is longer than the 4095 bytes that the system takes: everything works there as elsewhere.
+// Operations on paths whose host path exceeds the kernel's 4095 bytes: everything works as for short paths.
 #include <FileSupport.h>
 
 #include <ORLAsyncFileReader.h>
@@ -21,7 +21,7 @@ using namespace ORLTest;
 
 namespace {
 
-// 40 folders with names of 200 units: 8000 bytes and more.
+// 40 nested folders with names of 200 units: more than 8000 bytes.
 class LongPaths : public testing::Test
 {
 protected:
@@ -152,7 +152,7 @@ TEST_F(LongPaths, VolumesAndReaders_AnswerAsElsewhere)
     TerminateAsyncFileOperations();
 }
 
-// The folder that the name leads through stays open as long as the name is needed.
+// The parent folder stays open as long as the name is needed.
 TEST_F(LongPaths, AFileThatGoesWhenItIsClosed_Goes)
 {
     using namespace Files::Platform;
@@ -164,7 +164,7 @@ TEST_F(LongPaths, AFileThatGoesWhenItIsClosed_Goes)
     EXPECT_FALSE(PathUtils::ExistsOnDisk(Deep(u"f")));
 }
 
-// A name alone has a limit of its own.
+// A single name has its own limit.
 TEST_F(LongPaths, ANameThatIsTooLong_IsInvalid)
 {
     mFolder.MakeFolder("top");

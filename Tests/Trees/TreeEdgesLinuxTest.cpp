@@ -1,4 +1,4 @@
-// Trees as odd systems have them: mounts inside, folders without rights, listings that tell no types, a strict mask.
+// Trees with unusual properties: mounts inside, folders without permissions, listings without types, a strict umask.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -61,7 +61,7 @@ void SplitVolumes(FaultySystemCalls& ioCalls)
     };
 }
 
-// As file systems without types in their folders answer.
+// Lists like a file system whose folders store no entry types.
 ssize_t ListWithoutTypes(int inFolder, void* outBuffer, std::size_t inSize)
 {
     const ssize_t size = Linux::kSystem.mGetDents(inFolder, outBuffer, inSize);
@@ -73,7 +73,7 @@ ssize_t ListWithoutTypes(int inFolder, void* outBuffer, std::size_t inSize)
     return size;
 }
 
-/// Runs inWork in a process of its own, which sees mounts of its own. Skips where the system allows none.
+/// Runs inWork in a child process with its own mount namespace. Skips the test if the system forbids that.
 template <class Work>
 void RunWithMounts(const Work& inWork)
 {
@@ -122,8 +122,8 @@ TEST_F(TreeEdges, AFolderThatSomethingIsMountedOn_IsCopiedWithIt)
     });
 }
 
-// The destination is a part of the source, seen through a mount: a copy into it would find itself for ever, and a move
-// would delete what it has just copied.
+// The destination is part of the source, through a bind mount. A naive copy would never end, and a naive move would
+// delete what it has just copied.
 TEST_F(TreeEdges, ACopyIntoItselfByAMount_EndsAndLosesNothing)
 {
     MakeTree();
@@ -157,7 +157,7 @@ TEST_F(TreeEdges, ListingsWithoutTypes_CopyMoveWipeAndListTheSame)
     ExpectNothingOutsideChanged();
 }
 
-// To open a device may start something.
+// Opening a device can have side effects.
 TEST_F(TreeEdges, APipeInAListingWithoutTypes_IsNotOpened)
 {
     mFolder.MakeFolder("from");
@@ -174,7 +174,7 @@ TEST_F(TreeEdges, APipeInAListingWithoutTypes_IsNotOpened)
     EXPECT_FALSE(sIsOpened);
 }
 
-// What is moved keeps its permissions, as a renamed file does. What is copied is a new file, and the mask holds for it.
+// A moved file keeps its permissions, as after a rename. A copy is a new file, so the umask applies.
 TEST_F(TreeEdges, AStrictMask_ChangesNoPermissionsOfAMove)
 {
     mFolder.MakeFolder("from/open");
@@ -196,7 +196,7 @@ TEST_F(TreeEdges, AStrictMask_ChangesNoPermissionsOfAMove)
     EXPECT_EQ(0664u, ModeOf(Host("moved")));
 }
 
-// Nothing in it can be opened, and so nothing in it is open through us.
+// Nothing in the folder can be opened, so this process cannot have anything in it open.
 TEST_F(TreeEdges, AFolderThatMayBeReadAndNotSearched_IsMoved)
 {
     mFolder.MakeFolder("from/listed");
@@ -223,7 +223,7 @@ TEST_F(TreeEdges, ASwapInAFolderThatMayNotBeRead_IsDone)
     });
 }
 
-// A copy that an exception ends leaves no half file, as one that fails.
+// If the callback throws, the partial copy is deleted, as after a failure.
 TEST_F(TreeEdges, ACopyWhoseCallbackThrows_LeavesNothing)
 {
     struct Enough
