@@ -1,4 +1,4 @@
-// The engines that asynchronous reads may go through here: the reader's whole suite runs once with each.
+// The engines for asynchronous reads on this platform. The reader's whole suite runs once with each.
 #pragma once
 
 #include <memory>
@@ -7,14 +7,14 @@
 
 namespace ORLTest {
 
-/// While it lives, the machinery that is started uses that engine.
+/// While it lives, asynchronous reads that are started use that engine.
 class AsyncEngine
 {
 public:
     virtual ~AsyncEngine() = default;
 };
 
-/// Names of the engines of this platform; each is a test's parameter.
+/// Returns the names of the engines of this platform; each is a test parameter.
 std::vector<std::string> AsyncEngineNames();
 
 std::unique_ptr<AsyncEngine> UseAsyncEngine(const std::string& inName);

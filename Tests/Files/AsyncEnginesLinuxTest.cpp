@@ -18,7 +18,7 @@ namespace {
 struct Refusal
 {
     const char* mName;
-    int mErrno; // 0: the ring is there
+    int mErrno; // 0: io_uring is available
     const char* mDescription;
 };
 

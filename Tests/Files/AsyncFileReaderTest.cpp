@@ -126,7 +126,7 @@ TEST_P(AsyncReads, PathOfFourThousandCharacters_IsReachedWhereItExists)
     const UTF16String missing = folder + UTF16String(TVX_UTF16("\\")) + UTF16String(3999 - folder.size(), 'x');
     EXPECT_EQ(-1, AsyncFileReader::Open(missing, reader));
 
-    // The extended form is what names so long a path on every platform.
+    // Only the extended form can name so long a path on every platform.
     const UTF16String extended = PathUtils::ToNormalizedPath(missing);
     std::string host;
     ASSERT_EQ(kSuccess, PathUtils::ToHostPath(extended, host));
@@ -283,7 +283,7 @@ TEST_P(AsyncReads, NullCallback_StillLeavesTheListAndFreesItsRecord)
     ASSERT_EQ(0, reader.QueueReadRequest(0, kBlock, buffer.Get(), nullptr, nullptr, nullptr, nullptr));
     reader.WaitForPendingReads();
     EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
-    // That the record is free again is seen at the end, when the thread that frees it has gone.
+    // TearDown checks that the record is free, after the thread that frees it has ended.
 }
 
 TEST_P(AsyncReads, ReaderDestroyedWithReadsInFlight_WaitsForThem)

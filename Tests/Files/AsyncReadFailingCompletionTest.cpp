@@ -1,5 +1,4 @@
-// A read that starts and then fails ends the thread that delivers: what that means for the process, in a process of
-// its own.
+// A read that starts and then fails ends the completion thread. A child process shows what this means for a host.
 #include "AsyncEngines.h"
 #include "AsyncReadSupport.h"
 
@@ -35,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(Engine, FailingCompletion, testing::ValuesIn(AsyncEngin
 
 } // namespace
 
-// The limit only ends what has no end of its own. A machine too slow for one limit gets a longer one.
+// The wait never ends, so a time limit stops the process. Slow machines get a longer limit.
 TEST_P(FailingCompletion, ThreadThatWaits_WaitsForEver)
 {
     const std::string expected = "delivered\ncompletion thread ended\nwaiting\n";

@@ -1,6 +1,5 @@
-// Every system call on the road of a read fails once, at each place where the road makes it, with each of the errors
-// that a system short of something gives. Whatever fails: what is delivered is right, nothing is lost or left open,
-// and the next reads work.
+// Fails each system call of a read, at each place, with each error of a system short of resources. Data that is
+// delivered must be right, nothing may be lost or left open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
 #include <CheckRecorder.h>
@@ -37,7 +36,7 @@ std::size_t CountOpenFiles()
     return count;
 }
 
-/// What one start, one open file, a few reads and one stop came to.
+/// The results of one start, one opened file, a few reads and one stop.
 struct Journey
 {
     bool mHasStarted = false;
@@ -55,7 +54,7 @@ struct Journey
     }
 };
 
-// The system closes a file also where it reports a failure of that.
+// Linux closes a descriptor even if close reports an error.
 unsigned sClosesUntilFailure = 0;
 int sCloseErrno = 0;
 
@@ -69,7 +68,7 @@ int CloseAndFail(int inFile)
     return -1;
 }
 
-// A completion that comes with a failure, from the ring.
+// Returns a failed completion from the ring.
 int sCompletionErrno = 0;
 
 int WaitForFailedCompletion(io_uring* ioRing, io_uring_cqe** outCompletion)
@@ -164,10 +163,10 @@ protected:
         EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords());
     }
 
-    // The calls that can fail; to leave the ring cannot.
+    // Whether the call can fail; leaving the ring cannot.
     static bool CanFail(Call inCall) { return inCall != FaultySystemCalls::kUringQueueExit; }
 
-    // A read or a port that fails for good ends the completion thread; that is shown elsewhere.
+    // Whether the error ends the completion thread: a read or a port fails permanently. Another test covers that.
     static bool EndsTheMachinery(Call inCall, int inErrno)
     {
         const bool isPassing = inErrno == EINTR || inErrno == EAGAIN || inErrno == ENOMEM;
@@ -224,7 +223,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
     }
 }
 
-// A system that is short of something for a moment costs no read.
+// A temporary shortage loses no read.
 TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
 {
     for (const int error : {EINTR, EAGAIN, EBUSY, ENOMEM}) {
@@ -243,11 +242,11 @@ TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
     }
 }
 
-// The kernel refuses what it is given, for good: the callbacks of those reads say so.
+// The kernel refuses the submission permanently: the callbacks of those reads report a failure.
 TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
 {
     if (RefusalOfTheRing() != 0) {
-        return; // there is nothing to refuse
+        return; // without a ring nothing is submitted to the kernel
     }
     const Journey journey = Travel([](FaultySystemCalls& ioCalls) {
         ioCalls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO);
@@ -267,11 +266,11 @@ TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
     EXPECT_TRUE(Travel().IsWhole());
 }
 
-// The completion thread still ends, though it was not waited for.
+// The stop does not wait for the completion thread, but the thread still ends.
 TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEndsAllTheSame)
 {
     if (RefusalOfTheRing() != 0) {
-        return; // the packet is ours alone
+        return; // without a ring the packet does not reach the kernel
     }
     CheckRecorder recorder;
     {
@@ -287,12 +286,13 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
     EXPECT_EQ(mFiles, CountOpenFiles());
 }
 
-// Neither the last packet nor the one that is to wake the thread is taken: an event that the ring has watched all the time does
-// it. The kernel gives its watch up with the thread that began it, which here has ended long ago.
+// The kernel refuses both the last packet and the one that should wake the thread. An event that the ring polls all the
+// time wakes it instead. The kernel cancels a poll when the thread that submitted it ends, and here that thread ended
+// long ago.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {
-        return; // the packet is ours alone
+        return; // without a ring the packet does not reach the kernel
     }
     CheckRecorder recorder;
     {

@@ -1,4 +1,4 @@
-// What a reader makes of files that only this platform has, and of positions that no read should ask for.
+// Reads of files that exist only on Linux, and reads at invalid positions.
 #include "AsyncReadsFixture.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -24,7 +24,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// The calling thread meets the file system as an ordinary user, and other threads do not.
+/// While it lives, the calling thread accesses files as an ordinary user; other threads do not.
 class AsOrdinaryUser
 {
 public:
@@ -38,7 +38,7 @@ private:
     uid_t mEarlier;
 };
 
-/// A file of the system's memory file system, that has a path for as long as this lives.
+/// A file in memory that has a path as long as the object lives.
 class FileInMemory
 {
 public:
@@ -94,7 +94,7 @@ FailureWatch ExpectRefused(AsyncFileReader& ioReader, std::uint64_t inPosition, 
     return watch;
 }
 
-// The callback of a read that cannot start comes on the thread that starts reads, and later reads go on.
+// The callback of a read that cannot start runs on the thread that starts reads, and later reads work.
 void ExpectRefusedAtItsStart(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
 {
     const FailureWatch watch = ExpectRefused(ioReader, inPosition, inSize, outBuffer);
@@ -130,8 +130,8 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
     EXPECT_EQ(kBlock, ReadOne(reader, sector, kBlock, buffer).mBytesRead);
 }
 
-// The home platform looks at the buffer before anything else. A read that the kernel would refuse only as it completes
-// must not end the reads of the whole process.
+// Windows checks the buffer first. On Linux a read that the kernel refuses only at its completion must not end the
+// reads of the whole process.
 TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
 {
     const AlignedBuffer buffer(kBlock);
@@ -172,7 +172,7 @@ TEST_P(AsyncReads, NameThatIsNotUTF8_IsRead)
     EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
 }
 
-// A pipe without a writer, above all, must not hold the caller.
+// In particular, a pipe without a writer must not block the caller.
 TEST_P(AsyncReads, WhatIsNoFile_IsRefusedAtOnce)
 {
     ASSERT_EQ(0, ::mkfifo((mFolder.Host() / "pipe").c_str(), 0600));
@@ -205,7 +205,7 @@ TEST_P(AsyncReads, FileSystemThatRefusesDirectReads_IsReadThroughTheCacheThatIsD
 {
     const UTF16String path = MakeClip("clip.mov", 4 * kBlock);
     FaultySystemCalls calls;
-    calls.Fail(FaultySystemCalls::kOpen, 1, EINVAL); // the first open of the reader asks for direct reads
+    calls.Fail(FaultySystemCalls::kOpen, 1, EINVAL); // the reader first opens the file for direct reads
     AsyncFileReader reader;
     ASSERT_EQ(kSuccess, AsyncFileReader::Open(path, reader));
     EXPECT_EQ(2u, calls.Count(FaultySystemCalls::kOpen));
@@ -216,10 +216,10 @@ TEST_P(AsyncReads, FileSystemThatRefusesDirectReads_IsReadThroughTheCacheThatIsD
     }
     EXPECT_EQ(4u, calls.Count(FaultySystemCalls::kFAdvise));
     ExpectRefusedAtItsStart(reader, 4 * kBlock, kBlock, buffer.Get());
-    ExpectRefusedAtItsStart(reader, 1, kBlock, buffer.Get()); // the duty of alignment is the same
+    ExpectRefusedAtItsStart(reader, 1, kBlock, buffer.Get()); // the alignment rule stays the same
 }
 
-// The end is looked at when a read starts; the file may be cut between that look and the read.
+// A read checks the end of the file when it starts; the file may be truncated between that check and the read.
 TEST_P(AsyncReads, FileCutBehindTheStartOfARead_GivesNothingAndLaterReadsGoOn)
 {
     const UTF16String path = MakeClip("clip.mov", 4 * kBlock);

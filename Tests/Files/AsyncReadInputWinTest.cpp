@@ -1,4 +1,4 @@
-// A file that the system refuses to open, and what a reader makes of it.
+// A reader on a file that Windows refuses to open.
 #include "AsyncReadsFixture.h"
 
 #include <gtest/gtest.h>

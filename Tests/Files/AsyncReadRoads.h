@@ -1,4 +1,4 @@
-// Has a host read the beginning of a file, and looks at the road that its trace tells.
+// Runs a host that reads the beginning of a file, and checks which engine its trace reports.
 #pragma once
 
 #include "AsyncReadSupport.h"
@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// inProgram with its arguments is or becomes reading_host.
+/// inProgram with its arguments must be reading_host or execute it.
 inline void ExpectReadThrough(const std::string& inRoad, const std::string& inProgram, std::vector<std::string> inArguments = {})
 {
     constexpr std::size_t kSize = 50000;

@@ -1,4 +1,4 @@
-// The ring, and a kernel that truly has none: a filter of the kernel answers for it, not a table of ours.
+// Runs with the ring, and with a kernel filter that refuses it, instead of a replaced call table.
 #include "AsyncReadRoads.h"
 
 using namespace ORLTest;

@@ -1,4 +1,5 @@
-// What the tests of the asynchronous reader share: a clip whose every byte tells where it stands, and a reader's callback.
+// Shared helpers of the tests of asynchronous reads: a clip whose bytes depend on their position, and a reader's
+// callback.
 #pragma once
 
 #include <ORLAsyncFileReader.h>
@@ -20,9 +21,9 @@
 
 namespace ORLTest {
 
-inline constexpr std::size_t kReadAlignment = 4096; // enough for any sector
+inline constexpr std::size_t kReadAlignment = 4096; // sufficient for any sector size
 
-/// A buffer that unbuffered reads may use.
+/// A buffer that is aligned for unbuffered reads.
 class AlignedBuffer
 {
 public:
@@ -45,7 +46,7 @@ private:
     std::size_t mSize;
 };
 
-/// The byte that stands at a position of every clip.
+/// Returns the byte at a position of every clip.
 inline unsigned char ByteAt(std::uint64_t inPosition)
 {
     return static_cast<unsigned char>((inPosition * 2654435761u) >> 13);
@@ -60,7 +61,7 @@ inline std::string MakeContents(std::size_t inSize)
     return contents;
 }
 
-/// Where the first wrong byte of a buffer stands; inCount when all are right.
+/// Returns the offset of the first wrong byte in a buffer, or inCount if all are right.
 inline std::size_t FirstWrongByte(const unsigned char* inBytes, std::size_t inCount, std::uint64_t inPosition)
 {
     std::size_t i = 0;
@@ -82,7 +83,7 @@ struct Delivered
     int mResult;
 };
 
-/// Keeps what callbacks are given. Pass the object as the first user value.
+/// Records the arguments of callbacks. Pass the object as the first user value.
 class Deliveries
 {
 public:

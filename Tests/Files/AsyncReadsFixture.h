@@ -1,4 +1,4 @@
-// A test whose machinery runs, with the engine that is its parameter.
+// A fixture that starts asynchronous reads with the engine given as its parameter.
 #pragma once
 
 #include "AsyncEngines.h"

@@ -1,4 +1,4 @@
-// Names that no Windows path could hold, on a real disk.
+// Names on a real disk that no Windows path could contain.
 #include <ORLHostPath.h>
 #include <ORLPathUtils.h>
 
@@ -21,7 +21,7 @@ namespace {
 const std::string kNames[] = {
     "plain.txt",
     "caf\xE9.mov",  // Latin-1
-    "\xFF\xFE\x80", // no UTF-8 at all
+    "\xFF\xFE\x80", // invalid UTF-8
     "a\\b",         // a separator inside a name
     "C:",           // looks like a drive
     "what?*.wav",   // looks like a pattern
@@ -31,11 +31,11 @@ const std::string kNames[] = {
     "...",
     " ",
     "line\nbreak\ttab\x01",
-    "\xEF\x80\xBA", // holds a unit that stands for a byte
+    "\xEF\x80\xBA", // contains a private unit that stands for a byte
     "\xEF\x83\xBF\xEF\x80\xAF",
-    "\xED\xA0\x80\xED\xB0\x80",      // two halves of a pair, side by side
+    "\xED\xA0\x80\xED\xB0\x80",      // two adjacent halves of a surrogate pair
     "\xF0\x9F\x8E\xAC \xE6\x97\xA5", // a clapper board
-    std::string(255, '\xE9'),        // as long as a name may be
+    std::string(255, '\xE9'),        // the longest name allowed
 };
 
 } // namespace
@@ -92,7 +92,7 @@ TEST(AwkwardNames, APathOf4000Characters_IsReached)
     EXPECT_EQ(path, GetDisplayStringFromPath(ToNormalizedPath(path)));
 }
 
-// Names are matched as the volume matches them.
+// Names are matched by the rules of the volume.
 TEST(AwkwardNames, TheCaseOfAName_Counts)
 {
     const TempFolder folder;

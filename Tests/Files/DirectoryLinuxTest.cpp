@@ -1,4 +1,5 @@
-// Directories as only Linux has them: awkward bytes, links, folders without permission, and a system that fails.
+// Directories with features that only Linux has: unusual bytes in names, links, folders without permission, failing
+// calls.
 #include <ORLDirectory.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -37,7 +38,7 @@ std::vector<UTF16String> List(const UTF16String& inPath, bool inRecursive = true
     return paths;
 }
 
-// In memory where the machine has such a place.
+// Returns a folder in memory if the machine has one.
 std::filesystem::path FastFolder()
 {
     return ::access("/dev/shm", W_OK) == 0 ? std::filesystem::path("/dev/shm") : std::filesystem::temp_directory_path();
@@ -56,7 +57,7 @@ std::set<std::string> HostNames(const TempFolder& inFolder, const std::vector<UT
 
 } // namespace
 
-// Every byte that a name may hold, at its start, inside it and at its end.
+// Every byte that a name may contain, at its start, inside it and at its end.
 TEST(DirectoryOnLinux, NamesWithEveryByte_AreListedAndComeBack)
 {
     const TempFolder folder;
@@ -147,7 +148,7 @@ TEST(DirectoryOnLinux, LoopsOfLinks_AreListedOnce)
               HostNames(folder, List(folder.Path())));
 }
 
-// Out of the tree and back into it from above: the way ends where it would begin again.
+// The link leads out of the tree and back into it from above: the listing must stop when it would repeat.
 TEST(DirectoryOnLinux, ALinkToTheFolderAbove_Ends)
 {
     const TempFolder folder;
@@ -172,7 +173,7 @@ TEST(DirectoryOnLinux, AFolderThatMayNotBeRead_IsListedWithoutContents)
     });
 }
 
-// Its list can be read, but nothing can be asked of its entries: none of them is known for a directory.
+// The folder can be read, but its entries cannot be queried, so all are listed as files.
 TEST(DirectoryOnLinux, AFolderThatMayNotBeSearched_ListsItsEntriesAsFiles)
 {
     const TempFolder folder;
@@ -224,7 +225,7 @@ TEST(DirectoryFaults, ASubdirectoryThatVanishes_EndsTheListing)
     EXPECT_EQ(calls.Count(FaultySystemCalls::kOpen) - 1, calls.Count(FaultySystemCalls::kClose)) << "a handle is left";
 }
 
-// Whatever call fails, and with whatever, nothing is invented and no handle is left.
+// Whichever call fails, with whichever error, the listing invents no entries and leaks no handle.
 TEST(DirectoryFaults, EachCallOfAListingFailsOnce_ListsWhatIsThereOrThrows)
 {
     const TempFolder folder;
@@ -241,7 +242,7 @@ TEST(DirectoryFaults, EachCallOfAListingFailsOnce_ListsWhatIsThereOrThrows)
                 try {
                     const std::set<std::string> names = HostNames(folder, List(folder.Path()));
                     EXPECT_TRUE(std::includes(all.begin(), all.end(), names.begin(), names.end()));
-                    // Only what may not be read, or is gone, is missing without a word.
+                    // Only entries that are unreadable or gone may be missing without a report.
                     EXPECT_TRUE(error == EACCES || error == ENOENT || names == all) << "call " << call << ", error " << error;
                 } catch (const eDirectoryNotListed&) {
                     EXPECT_NE(EINTR, error);
@@ -274,7 +275,7 @@ TEST(DirectoryFaults, AProbeThatCannotBeWritten_LeavesNothing)
     EXPECT_TRUE(directory.IsDirectoryEmpty());
 }
 
-// Where a probe cannot be taken away again the folder is not as free as one that takes files, and nothing more is made of it.
+// If the probe cannot be deleted, the folder counts as not writeable, and no further probe is created.
 TEST(DirectoryFaults, AProbeThatCannotBeDeleted_IsNoWriteableFolder)
 {
     const TempFolder folder;
@@ -289,7 +290,7 @@ TEST(DirectoryFaults, AProbeThatCannotBeDeleted_IsNoWriteableFolder)
     }
 }
 
-// A folder in which nothing can be deleted would keep the probe for all to see.
+// In an append-only folder nothing can be deleted, so the probe would stay.
 TEST(DirectoryFaults, AFolderThatIsOnlyAppendedTo_GetsNoProbe)
 {
     const TempFolder folder;

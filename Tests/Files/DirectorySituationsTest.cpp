@@ -1,9 +1,11 @@
-// What the home platform answers of directories, listings, volumes and the shell's operation, by the number of its record:
-// through the seam, on both platforms. A row whose last set is filled names what Wine 8 answers instead.
+// Checks directories, listings, volumes and the shell's operations against recorded results of Windows, through the
+// platform functions, on both platforms. Each row starts with its record number. A row whose last set is not empty
+// lists the results of Wine 8.
 //
-// Not here: md1 to md3 (one level made by the system's own call) and pw8 (a path that is not made), which this seam does
-// not ask; ff20 (the order of a listing is free). The seam asks volumes by their roots alone, which vo3, vo6, vo9 and vo10
-// are not: on Linux a folder answers for the file system that holds it.
+// Not covered: md1 to md3 (a system call that creates one level) and pw8 (a path that is not created), because no
+// platform function does this; ff20, because the order of a listing is unspecified. vo3, vo6, vo9 and vo10 query
+// volumes by a path that is not a root; the platform functions use roots only, because on Linux a folder stands for the
+// file system that contains it.
 #include <FileSupport.h>
 #include "SystemProbes.h"
 
@@ -47,7 +49,7 @@ public:
     bool Has(const std::string& inName) const { return std::filesystem::exists(mFolder.Host() / inName); }
     std::filesystem::path Host(const std::string& inName) const { return mFolder.Host() / inName; }
 
-    /// Removes it while a handle is open on it.
+    /// Removes the directory while a handle to it is open.
     SystemError RemoveBeside(const char16_t* inName, std::uint32_t inShare) const
     {
         using namespace Files::Platform;
@@ -71,7 +73,7 @@ struct Situation
     std::set<unsigned long> mEmulator = {};
 };
 
-// 1 for a directory, 10 for an empty one.
+// Adds 1 for a directory and 10 for an empty one.
 unsigned long Kind(const UTF16String& inPath)
 {
     return (IsDirectory_Impl(inPath) ? 1u : 0u) + (IsDirectoryEmpty_Impl(inPath) ? 10u : 0u);
@@ -93,7 +95,7 @@ unsigned long Operate(ShellFunction inFunction, const UTF16String& inFolder, con
     return OperateOnFiles_Impl(inFunction, inFolder + Units(u"\\*.*"), inTo.empty() ? nullptr : &inTo);
 }
 
-// Its three answers, one after another.
+// Returns one of the three results of the volume query.
 unsigned long Volume(const UTF16String& inRoot, unsigned long inWhich)
 {
     const DiskUtils::Platform::Volume volume{inRoot, inRoot};
@@ -121,7 +123,7 @@ unsigned long AllOf(const UTF16String& inRoot)
     return first;
 }
 
-// As the path service says it.
+// The error code of the path service.
 constexpr unsigned long kNoWay = 0x80070003;
 
 const Situation kRemoving[] = {
@@ -159,7 +161,7 @@ const Situation kKinds[] = {
      }},
 };
 
-// 1 for an entry that is found; and the numbers of listings that do not begin.
+// Returns 1 if the entry is found, or the error number of a listing that cannot be opened.
 const Situation kFinding[] = {
     {"ff01", "missing", {0}, [](const Stage& s) { return FindEntry_Impl(s.Plain(u"no")); }},
     {"ff02", "in a missing folder", {0}, [](const Stage& s) { return FindEntry_Impl(s.Plain(u"no\\no")); }},

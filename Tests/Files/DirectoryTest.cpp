@@ -40,7 +40,7 @@ protected:
         return paths;
     }
 
-    /// What stands behind the folder's path, with "/" for the separator, sorted.
+    /// Returns the sorted paths relative to the folder, with "/" as separator.
     std::vector<std::string> Names(const std::vector<UTF16String>& inPaths) const
     {
         std::vector<std::string> names;
@@ -313,7 +313,7 @@ TEST_F(DirectoryTest, CreateOnDisk_MakesAllThatIsMissing)
     EXPECT_TRUE(Directory::IsDirectory(mFolder.Path(u"a\\d")));
 }
 
-// The path service's status is none of the numbers that have a code of their own.
+// The status of the path service has no code of its own.
 TEST_F(DirectoryTest, CreateOnDisk_WhereItCannotBe_IsAGeneralFailure)
 {
     mFolder.MakeFile("f");
@@ -335,7 +335,7 @@ TEST_F(DirectoryTest, Delete_ThatFails_GivesTheSystemsError)
 {
     mFolder.MakeFolder("full");
     mFolder.MakeFile("full/f");
-    // 145 and 267 have no code of their own.
+    // The errors 145 and 267 have no code of their own.
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full")));
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full\\f")));
     EXPECT_EQ(kFileNotFound, Directory::Delete(mFolder.Path(u"missing")));

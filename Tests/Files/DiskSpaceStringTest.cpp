@@ -1,4 +1,4 @@
-// Sizes in words.
+// Sizes formatted as text.
 #include <ORLDiskUtils.h>
 
 #include <TextHelpers.h>
@@ -16,7 +16,7 @@ using ORLTest::Units;
 
 namespace {
 
-/// Keeps the keys that are asked for, and answers in its own words.
+/// Records the requested keys and returns its own translations.
 class Words : public tvxcore::config::Localizer
 {
 public:
@@ -92,7 +92,7 @@ TEST(MakeDiskSpaceString, FractionalRows_ShowTheUsersNumbers)
         {__LINE__, 1099511627775, 1099511627775 / 1073741824.0, 1, u" GB", "10240"},
         {__LINE__, 1099511627776, 1.0, 2, u" TB", "100"},
         {__LINE__, 1374389534720, 1.25, 2, u" TB", "125"},
-        // no sign, over the whole range
+        // values are unsigned over the whole range
         {__LINE__, kLargest, 16777216.0, 2, u" TB", "1677721600"},
         {__LINE__, 0x8000000000000000u, 8388608.0, 2, u" TB", "838860800"},
     };

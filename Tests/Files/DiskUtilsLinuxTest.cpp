@@ -1,4 +1,4 @@
-// Volumes below the seam: what the system tells, and what is made of it.
+// Volumes below the platform seam: the system's reports and the values derived from them.
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -27,7 +27,7 @@ using ORLTest::Units;
 namespace {
 
 long sMagic;
-unsigned sAlignment; // 0: the file system tells none
+unsigned sAlignment; // 0: the file system reports none
 unsigned long sFreeBlocks;
 
 int FakeStatFs(const char*, struct statfs* outStatus)
@@ -115,14 +115,14 @@ TEST(SectorSize, IsTheDirectAlignment_At512AtLeast)
 namespace {
 
 constexpr char kAnySector[] = "/sys/dev/block/";
-unsigned sTold;             // by statx; 0: nothing
-unsigned sTaken;            // the smallest direct read that the file takes
-const char* sDeviceSector;  // what the device says of itself; null: nothing
+unsigned sTold;             // reported by statx; 0: nothing
+unsigned sTaken;            // the smallest direct read that the file allows
+const char* sDeviceSector;  // reported by the device; null: nothing
 
 int StatxOfBigSectors(int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus)
 {
     const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
-    // Only a file tells, as on ext4 and xfs.
+    // Only files report an alignment, as on ext4 and xfs.
     const bool tells = sTold != 0 && S_ISREG(outStatus->stx_mode);
     outStatus->stx_mask = (outStatus->stx_mask & ~unsigned{STATX_DIOALIGN}) | (tells ? unsigned{STATX_DIOALIGN} : 0u);
     outStatus->stx_dio_offset_align = tells ? sTold : 0;
@@ -158,8 +158,8 @@ ssize_t ReadOfBigSectors(int inFile, void* outBuffer, std::size_t inSize, off_t 
 
 } // namespace
 
-// On a disk with sectors of 4096 bytes the volume, a reader and an unbuffered file have one answer, whether or not the
-// kernel knows the question.
+// On a disk with sectors of 4096 bytes, the volume, a reader and an unbuffered file report the same size, whether or
+// not the kernel supports the query.
 TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
 {
     struct Row
@@ -174,7 +174,7 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     const Row rows[] = {
         {__LINE__, 4096, 4096, "4096\n", 4096, 4096},
         {__LINE__, 0, 4096, "4096\n", 4096, 4096},
-        {__LINE__, 4096, 4096, nullptr, 4096, 512}, // nobody says anything of a folder
+        {__LINE__, 4096, 4096, nullptr, 4096, 512}, // nothing reports a size for the folder
         {__LINE__, 0, 4096, nullptr, 4096, 512},
         {__LINE__, 0, 4096, "512\n", 4096, 512},
         {__LINE__, 0, 512, "512\n", 512, 512},
@@ -220,7 +220,7 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     TerminateAsyncFileOperations();
 }
 
-// A drive is a tree of many file systems: the one that holds the path answers.
+// A drive is a tree of many file systems; the one that contains the path is used.
 TEST(DiskUtils, BelowAMountPoint_TheMountedFileSystemAnswers)
 {
     UTF16String root;
@@ -237,7 +237,7 @@ TEST(DiskUtils, OfAMountedDrive_AskItsFolder)
     ASSERT_EQ(kSuccess, PathUtils::Linux::MountDrive('M', folder.Host().string()));
     EXPECT_NE(0u, GetFreeSpaceFromPath(Units(uR"(M:\no\such\file)")));
     std::filesystem::remove(folder.Host());
-    // the drive's folder is gone
+    // the drive's folder is deleted
     unsigned __int64 size = 77;
     EXPECT_EQ(kFileNotFound, GetMaxFileSize(Units(uR"(M:\x)"), size));
     ASSERT_EQ(kSuccess, PathUtils::Linux::UnmountDrive('M'));

@@ -1,4 +1,4 @@
-// The volume that holds a path.
+// The volume that contains a path.
 #include <ORLDiskUtils.h>
 
 #include <ORLPathUtils.h>
@@ -33,11 +33,11 @@ TEST(GetVolumeRootPath, EachPath_HasItsRoot)
         {__LINE__, uR"(\\?\C:)", uR"(\\?\C:\)"},
         {__LINE__, uR"(\\?\C:\dir\file)", uR"(\\?\C:\)"},
         {__LINE__, uR"(\\?\UNC\server\share\dir)", uR"(\\?\UNC\server\share\)"},
-        // fifth and sixth unit alone decide, whatever the drive is
+        // only the fifth and sixth units count, whatever the drive
         {__LINE__, uR"(\\?\1:\dir)", uR"(\\?\1:\)"},
-        // an empty server is none: the walk up ends at what looks like a server to the system
+        // an empty server name is invalid: the walk up stops where the system sees a server
         {__LINE__, uR"(\\?\UNC\\share\x)", uR"(\\?\)"},
-        // no share: the walk up ends where the system sees a root, or where nothing is left to drop
+        // no share: the walk up stops where the system sees a root, or when nothing is left to drop
         {__LINE__, u"relative", u"relative\\"},
         {__LINE__, uR"(relative\dir)", uR"(relative\)"},
         {__LINE__, uR"(\dir\file)", u""},
@@ -59,7 +59,7 @@ TEST(GetVolumeRootPath, OfEveryShortText_EndsAndGivesABackslashAtTheEndOrNothing
         }
         for (const UTF16String& text : {path, Units(uR"(\\?\UNC\)") + path, Units(uR"(\\)") + path}) {
             const UTF16String root = GetVolumeRootPath(text);
-            // Only the walk up from a single leading backslash drops everything.
+            // Only the walk up from a single leading backslash may drop everything.
             const bool mayBeEmpty = text[0] == '\\' && text.size() > 1 && text[1] != '\\';
             ASSERT_TRUE(root.empty() ? mayBeEmpty : PathUtils::HasTrailingSlash(root)) << Show(text);
         }
@@ -131,7 +131,7 @@ TEST(GetMaxFileSize, WhereTheSystemFails_LeavesTheSize)
     sNameError = 5;
     EXPECT_EQ(kAccessDenied, GetMaxFileSize(Units(u"C:\\x"), size, queries));
     EXPECT_EQ(77u, size);
-    // a size of 32 bits needs no name
+    // a 32-bit size needs no file system name
     sFree = kGiB;
     EXPECT_EQ(kSuccess, GetMaxFileSize(Units(u"C:\\x"), size, queries));
     EXPECT_EQ(kGiB, size);

@@ -1,4 +1,4 @@
-// A host one of whose reads fails when it completes. Arguments: the engine, what to do in the end, a file's host path.
+// A host in which one read fails when it completes. Arguments: the engine, the final action, the host path of a file.
 //   wait   wait for the reads that will never be reported
 //   stop   stop the library
 #include "FailingCompletionHost.h"
@@ -30,7 +30,7 @@ void Say(const char* inText)
     std::fflush(stdout);
 }
 
-// Neither goes: to close the reader would be to wait for the lost reads, which the system may still be filling in.
+// Both are leaked: closing the reader would wait for the lost reads, and the kernel may still write to the buffer.
 ORL::AsyncFileReader* sReader = new ORL::AsyncFileReader;
 void* sBuffer = ::operator new(kBlock, std::align_val_t(4096));
 

@@ -1,4 +1,4 @@
-// What the host whose read fails when it completes needs of the system.
+// The platform part of the host whose read fails when it completes.
 #pragma once
 
 #include <cstdint>
@@ -6,13 +6,13 @@
 
 namespace FailingCompletion {
 
-/// Before the library starts: the engine that reads are to go through.
+/// Selects the engine for reads. Call it before the library starts.
 void UseEngine(const std::string& inEngine);
 
-/// From now on the next read of the process fails when it completes, if it asks for what stands there. Gives where.
+/// Makes the process's next read fail when it completes, if it reads at the position that this function returns.
 std::uint64_t MakeNextReadFail(std::uint64_t inFileSize);
 
-/// Returns once the thread that drains completions has ended.
+/// Returns when the thread that handles completions has ended.
 void AwaitEndOfCompletionThread();
 
 } // namespace FailingCompletion

@@ -17,7 +17,7 @@ namespace FailingCompletion {
 
 namespace {
 
-// It stays: threads of the library may still be at work when the process ends.
+// Never destroyed: threads of the library may still run when the process ends.
 FaultySystemCalls& sCalls = *new FaultySystemCalls;
 std::atomic<bool> sNextFails{false};
 

@@ -14,7 +14,7 @@ void UseEngine(const std::string&)
 {
 }
 
-// A read past the end is taken, and fails when it completes.
+// A read past the end is accepted and fails when it completes.
 std::uint64_t MakeNextReadFail(std::uint64_t inFileSize)
 {
     sThreads = ORLTest::CountProcessThreads();

@@ -1,5 +1,5 @@
-// A file that another program cuts and lengthens while it is read through a block cache: only users of the library keep to
-// share modes on Linux.
+// Another program truncates and extends a file while it is read through a block cache. On Linux only users of the
+// library respect share modes.
 #include <BlockCacheSupport.h>
 
 #include <filesystem>

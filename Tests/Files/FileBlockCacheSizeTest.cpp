@@ -1,4 +1,4 @@
-// The size of a file that is read through a block cache is asked for once in each read.
+// The size of a file read through a block cache is queried once in each read.
 #include <BlockCacheSupport.h>
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ TEST_F(BlockCacheSize, EachOpening_SeesTheFilesOwn)
     }
 }
 
-// An open that failed leaves its buffer to the next, which may write.
+// An open that fails leaves its buffer to the next open, which may be for writing.
 TEST_F(BlockCacheSize, AWriterWithAnEarlierBuffer_SeesItsFileGrow)
 {
     File file;

@@ -1,4 +1,4 @@
-// Reading through the block cache that a host lends.
+// Reads through a host's block cache.
 #include "AsyncReadSupport.h"
 #include <BlockCacheSupport.h>
 
@@ -35,7 +35,7 @@ protected:
         return mFolder.Path(u"clip");
     }
 
-    // Reads, and looks at what came. Gives the bytes read.
+    // Reads and checks the data. Returns the number of bytes read.
     static unsigned ReadAndCheck(File& ioFile, unsigned inCount, std::uint64_t inPosition)
     {
         std::vector<unsigned char> bytes(inCount + 1, 0xEE);
@@ -46,7 +46,7 @@ protected:
         return bytesRead;
     }
 
-    // Where the system's handle stands, which is not the position of the file.
+    // Returns the position of the system's handle, which differs from the position of the file.
     static std::int64_t HandlePositionOf(File& inFile)
     {
         std::int64_t position = -1;
@@ -87,7 +87,7 @@ TEST_F(FileBlockCache, AReadAcrossTwoBlocks_AsksForBothAndAddsBothWhole)
     EXPECT_EQ(20u, ReadAndCheck(clip.mFile, 20, kBlock - 10));
     EXPECT_EQ((std::vector<std::int64_t>{0, kBlock}), mLog.mGot);
     EXPECT_EQ((std::vector<std::pair<std::int64_t, std::size_t>>{{0, kBlock}, {kBlock, kBlock}}), mLog.mAdded);
-    // From now on they are held.
+    // Now the blocks are cached.
     EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(kBlock - 10, Method::kFilePointer_Begin));
     EXPECT_EQ(20u, ReadAndCheck(clip.mFile, 20, kBlock - 10));
     EXPECT_EQ(4u, mLog.mGot.size());
@@ -113,7 +113,7 @@ TEST_F(FileBlockCache, AnOffsetFromTheEnd_CountsBackwardsWhateverItsSign)
     }
     EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(0, Method::kFilePointer_End));
     EXPECT_EQ(100, PositionOf(clip.mFile));
-    // Without a block cache the system's rule applies.
+    // Without a block cache the system's alignment rule applies.
     Opened plain(path, kRead, kShareReaders, Disposition::kFileCreate_OpenExisting,
                  Attributes::kFileAttribute_NoBuffering);
     ASSERT_EQ(kSuccess, plain.mResult);
@@ -193,7 +193,7 @@ TEST_F(FileBlockCache, AnUnalignedSeek_LeavesTheHandleWhereItIs)
     EXPECT_EQ(2 * kBlock, HandlePositionOf(clip.mFile));
 }
 
-// The position lands on a block, so the system is called, with what the caller has given: it refuses that.
+// The clamped position lies on a block boundary, so the OS is called, but with the caller's position, which it refuses.
 TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
 {
     Opened clip(MakeClip(3 * kBlock), kRead, kShareReaders);
@@ -205,7 +205,7 @@ TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
     EXPECT_EQ(before, HandlePositionOf(clip.mFile));
 }
 
-// It takes this one, past the end of a file that ends with a block.
+// The OS accepts this position, beyond the end of a file that ends at a block boundary.
 TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
 {
     Opened clip(MakeClip(kBlock), kRead, kShareReaders);
@@ -215,7 +215,7 @@ TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
     EXPECT_EQ(0u, ReadAndCheck(clip.mFile, 10, kBlock));
 }
 
-// A success without a block would otherwise be read from.
+// Otherwise the reader would read from a null block.
 TEST(FileBlockCacheHosts, ASuccessWithoutABlock_IsAMiss)
 {
     class Empty : public UnknownImpl<IFileBuffer>
@@ -273,7 +273,7 @@ TEST(FileBlockCacheHosts, AFactory_IsCountedAndReleased)
     EXPECT_EQ(1, alive) << "the copy holds it";
 }
 
-// A host's factory may ask the library for things while it goes: it holds the foundation lock, which it may take again.
+// A host's factory may call the library in its destructor: the caller holds the foundation lock, which is recursive.
 TEST(FileBlockCacheHosts, TheEarlierFactory_GoesUnderTheFoundationLock)
 {
     class Going : public FactoryOf
@@ -292,11 +292,11 @@ TEST(FileBlockCacheHosts, TheEarlierFactory_GoesUnderTheFoundationLock)
     Foundation::SetFileBufferFactory(FactoryRef());
 }
 
-// --- against a plain buffer ------------------------------------------------------------------------------------------
+// --- comparison with a plain buffer ----------------------------------------------------------------------------------
 
 namespace {
 
-// Random reads and seeks, each compared with the same on bytes in memory.
+// Random reads and seeks, each compared with the same operation on bytes in memory.
 void CompareWithPlainBuffer(File& ioFile, const std::string& inContents, unsigned inSeed, int inOperations)
 {
     std::mt19937 numbers(inSeed);
@@ -326,7 +326,7 @@ void CompareWithPlainBuffer(File& ioFile, const std::string& inContents, unsigne
             break;
         }
         default: {
-            // Mostly small, at times over several blocks.
+            // Mostly small, sometimes several blocks long.
             const unsigned count = random() % (random() % 64 == 0 ? static_cast<unsigned>(bytes.size()) : 600u);
             const std::int64_t expected = std::min<std::int64_t>(count, size - position);
             unsigned bytesRead = ~0u;
@@ -402,7 +402,7 @@ TEST(LruFileBuffer, TheLimit_IsKeptAndAClosedFileForgotten)
     EXPECT_EQ(0u, store->Size());
 }
 
-// Two threads, each with its own file, one store.
+// Two threads, each with its own file, share one store.
 TEST(LruFileBuffer, TwoFilesOnTwoThreads_ShareOneStore)
 {
     const auto store = std::make_shared<BlockStore>(4 * static_cast<std::size_t>(kBlock));

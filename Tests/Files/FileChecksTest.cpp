@@ -1,4 +1,4 @@
-// The checks of File: what each reports, and that nothing breaks when a report lets the caller go on.
+// The checks of File: the report of each, and that nothing breaks if the caller continues after a report.
 #include <FileSupport.h>
 
 #include <CheckRecorder.h>

@@ -1,4 +1,4 @@
-// Whole files deleted, copied and moved by name.
+// Files deleted, copied and moved by name.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 
@@ -133,7 +133,7 @@ TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
     }
 }
 
-// Its own, narrower table: what is not listed is a full disk.
+// Copies with progress map errors by a smaller table: errors not listed become a full disk.
 TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// A process that is killed in the middle of a swap, at each system call of it.
+// Kills a process at each system call of a swap.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -24,7 +24,7 @@ Result Swap(const TempFolder& inFolder, const std::string& inName)
     return File::SwapTempFile(inFolder.Path(u"temp"), real);
 }
 
-// Swaps in a child that is killed before its call inCall. inLinks: whether the file system has second names.
+// Swaps in a child that is killed before call number inCall. inLinks: whether the file system supports hard links.
 End SwapInChild(const TempFolder& inFolder, const std::string& inName, unsigned inCall, bool inLinks)
 {
     const pid_t child = ::fork();
@@ -54,7 +54,7 @@ void SwapUnderKills(const std::string& inName, bool inLinks)
         ASSERT_NE(End::kFailed, end);
         const std::string real = ContentsOf(folder, inName);
         ASSERT_TRUE(real == kOld || real == kNew) << "killed at call " << call << ": the real file is not whole";
-        // Whoever comes next sees by the temporary name whether it was done, and may simply do it again.
+        // The temporary name shows the next process whether the swap was completed; if not, it can simply be repeated.
         const std::string temp = ContentsOf(folder, "temp");
         ASSERT_EQ(real == kOld ? kNew : "<none>", temp) << call;
         sawOld = sawOld || real == kOld;
@@ -84,7 +84,7 @@ TEST(SwapUnderCrash, TheSameWithoutSecondNames)
     SwapUnderKills("real", false);
 }
 
-// 255 bytes: the backup has a name of its own.
+// With 255 bytes there is no room for a longer backup name, so the backup gets an unrelated name.
 TEST(SwapUnderCrash, TheSameWithANameThatLeavesNoRoomForABackup)
 {
     SwapUnderKills(std::string(255, 'r'), true);

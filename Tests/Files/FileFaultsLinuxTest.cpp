@@ -1,5 +1,5 @@
-// Every system call of every operation of File fails once, at each place, with several errors: the result tells of it,
-// no descriptor stays open, nobody is left on the list of holders, and no contents are lost.
+// Fails each system call of each operation of File with several errors. The result must report the error, no descriptor
+// may stay open, no holder may stay registered, and no contents may be lost.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -24,8 +24,8 @@ using Faults = FaultySystemCalls;
 constexpr int kErrors[] = {EIO,    EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
-// Failures that are no matter: of a call (its number, 0 for each), with these errors (none for all). What is not listed is
-// told.
+// Failures that do not matter: of a call, by its number (0 for every number), with these errors (empty for all). All
+// other failures must be reported.
 struct Forgiven
 {
     Faults::Call mCall;
@@ -44,7 +44,7 @@ bool FitsAny(const std::vector<Forgiven>& inAll, int inCall, unsigned inNumber, 
                        [&](const Forgiven& one) { return one.Fits(inCall, inNumber, inError); });
 }
 
-// In every operation: what is done again, another way, or is not kept by every file system.
+// For every operation: calls that are retried or replaced, and attributes that not every file system stores.
 const std::vector<Forgiven> kAlwaysForgiven = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},
@@ -81,14 +81,14 @@ struct Operation
     const char* mName;
     void (*mPrepare)(const TempFolder&);
     Result (*mRun)(const TempFolder&);
-    // What must hold afterwards, given the result.
+    // Checks the state afterwards, given the result.
     void (*mCheck)(const TempFolder&, Result);
-    // The locks that are taken: a refusal of one of these is a sharing violation. All others are no matter.
+    // The numbers of the locks whose refusal is a sharing violation. Refusals of others do not matter.
     std::set<unsigned> mLocks;
     std::vector<Forgiven> mForgiven;
-    // What the system's error becomes.
+    // Maps the system's error to the expected result.
     Result (*mTells)(Faults::Call, SystemError) = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
-    // What depends on the file system of the tests.
+    // Failures whose outcome depends on the file system of the tests.
     std::vector<Forgiven> mOpen = {};
     bool mIsOnTwoVolumes = false;
 
@@ -113,7 +113,7 @@ struct Operation
 const Forgiven kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
 const Forgiven kEveryClose = {Faults::kClose};
 const Forgiven kEveryStatx = {Faults::kStatx};
-// Of a copy, whose own close is the first.
+// For a copy, whose own close is the first.
 const Forgiven kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 int RefuseToRename(const char*, const char*, unsigned)
@@ -124,7 +124,7 @@ int RefuseToRename(const char*, const char*, unsigned)
 
 void Prepare(const Operation& inOperation, Faults& ioCalls)
 {
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // the disk is not what this is about
+    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant here
     if (inOperation.mIsOnTwoVolumes) {
         ioCalls.Underneath().mRenameTo = &RefuseToRename;
     }
@@ -158,7 +158,7 @@ Result ReadAll(const TempFolder& inFolder, Attributes::Type inAttributes)
     return result;
 }
 
-// Block by block, from within the first.
+// Reads block by block, from the middle of the first block.
 Result ReadThroughBlocks(const TempFolder& inFolder)
 {
     BufferLog log;
@@ -222,7 +222,7 @@ void ExpectUntouched(const TempFolder& inFolder, Result)
     EXPECT_TRUE(Big('o') == ContentsOf(inFolder, "f"));
 }
 
-// A refusal of the new file's locks says that somebody has it by now: it stays as it was made.
+// If the new file's lock is refused, another holder has it, so the file stays empty and is not deleted.
 void ExpectCopyOrNothing(const TempFolder& inFolder, const char* inName, Result inResult,
                          Result inRefusal = kSharingViolation)
 {
@@ -233,7 +233,7 @@ void ExpectCopyOrNothing(const TempFolder& inFolder, const char* inName, Result 
 
 constexpr auto kTellAsItIs = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
 
-// The operations that have a failure of their own, at that call.
+// Maps errors of operations that return -1 if this call fails.
 template <Faults::Call Own>
 Result TellBareFailureOf(Faults::Call inCall, SystemError inError)
 {
@@ -245,7 +245,7 @@ Result TellNoSize(Faults::Call inCall, SystemError inError)
     return inCall == Faults::kStatx ? kFileNotFound : Files::ResultOf(inError);
 }
 
-// A copy with progress takes most failures for a full disk.
+// A copy with progress reports most failures as a full disk.
 Result TellAsACopy(Faults::Call, SystemError inError)
 {
     using namespace SystemErrors;
@@ -276,7 +276,7 @@ const Operation kOperations[] = {
      [](const TempFolder& folder) { return ReadAll(folder, Attributes::kFileAttribute_NoBuffering); },
      &ExpectUntouched,
      {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kTellAsItIs, {{Faults::kPRead}}},
-    // Some file systems are asked for their alignment by a read or two.
+    // Some file systems are probed for their alignment with one or two reads.
     {"ReadThroughBlocks", &MakeOld, &ReadThroughBlocks, &ExpectUntouched,
      {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kTellAsItIs, {{Faults::kPRead, 1}, {Faults::kPRead, 2}}},
     {"OpenExisting", &MakeOld,
@@ -381,14 +381,14 @@ const Operation kOperations[] = {
          const auto names = std::distance(std::filesystem::directory_iterator(folder.Host()), {});
          EXPECT_TRUE(real == Big('n') || names == 2) << "what failed before the swap leaves no second name";
      },
-     // The first questions look for a free name, the unlink belongs to the backup that goes. A folder that may not be read
-     // is synced with its volume.
+     // The first statx calls look for a free name; the unlink deletes the backup. A folder that cannot be read is
+     // synced with its volume.
      {1, 3},
      {kInterruptedOpen, {Faults::kOpen, 3, {EACCES, EPERM}}, kEveryClose, {Faults::kStatx, 1},
       {Faults::kStatx, 2}, {Faults::kUnlink}, {Faults::kFSync, 2, {EINVAL}}}},
 };
 
-// The pages of the allocator are asked for at any time, and have fault tests of their own.
+// The allocator may request pages at any time; other tests cover its faults.
 bool IsOfMemory(int inCall)
 {
     return inCall == Faults::kMapPages || inCall == Faults::kAdvisePages || inCall == Faults::kUnmapPages;

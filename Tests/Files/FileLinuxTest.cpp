@@ -1,4 +1,4 @@
-// What File keeps to on Linux alone: links, permissions, other programs' locks, file systems that refuse.
+// Behaviour of File on Linux only: links, permissions, other programs' locks, file systems that refuse operations.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 #include "ShareModes.h"
@@ -78,7 +78,8 @@ TEST(FileOnLinux, AProcessThatIsKilled_HoldsNothingMore)
     ::close(ready[1]);
 }
 
-// A host starts a program while a file is open: the copy of the descriptor must not hold the file when ours is closed.
+// A host starts a child process while a file is open: the child's copy of the descriptor must not hold the file after
+// the host has closed it.
 TEST(FileOnLinux, AChildOfTheHost_DoesNotHoldWhatWeHaveClosed)
 {
     const TempFolder folder;
@@ -113,7 +114,7 @@ TEST(FileOnLinux, AProgramThatLocksTheWholeFile_IsASharingViolation)
     EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
 }
 
-// Locks that a program takes on its data leave ours alone.
+// Locks that a program takes on its own data do not affect our locks.
 TEST(FileOnLinux, AProgramThatLocksItsData_DoesNotMeetUs)
 {
     const TempFolder folder;
@@ -151,7 +152,7 @@ TEST(FileOnLinux, AFileThatMayOnlyBeWritten_IsWritten)
         EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"f"), kRead, kShareEverything).mResult);
         return true;
     });
-    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // an ordinary user may not read it before
+    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // an ordinary user cannot read it before
     EXPECT_EQ("hello", ContentsOf(folder, "f"));
 }
 
@@ -247,7 +248,7 @@ TEST(FileOnLinux, ACopyOfAReadOnlyFile_IsReadOnlyAlsoWhereOneWasBefore)
     EXPECT_EQ(kAccessDenied, File::Delete(folder.Path(u"g")));
 }
 
-// Its size is told as 0 until it is read.
+// The size is reported as 0 until the file is read.
 TEST(FileOnLinux, AFileThatTellsNoSize_IsCopiedWhole)
 {
     const TempFolder folder;

@@ -1,7 +1,7 @@
-// Share modes between processes, lock by lock: who meets another on its way in, and who stays.
+// Share modes between processes, lock by lock: conflicts with a handle that is just opening, and with one that stays.
 //
-// The other process is a descriptor of our own with locks of its own description, which is all that one process sees of
-// another. The byte that it holds says "shuts out readers".
+// The other process is simulated by a second descriptor with its own open file description, because locks look the same
+// from another process. The byte that it locks means "refuses readers".
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -62,8 +62,8 @@ TEST(FileShareModesOnLinux, OneThatStays_IsASharingViolation)
     EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
 }
 
-// Two that come at once meet each other's locks. One that is refused itself has left when it is looked for again, and
-// must not cost the other the file.
+// Two simultaneous opens see each other's locks. One that is itself refused has released its locks when they are
+// checked again, and must not cause the other open to fail.
 TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
 {
     const struct
@@ -84,7 +84,7 @@ TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
             all = calls.Count(Faults::kLockRange);
         }
         ASSERT_LT(1u, all) << way.mName;
-        // It is there when we first look, and gone at one of the calls that follow.
+        // The lock is held at the first check and released at one of the calls that follow.
         for (unsigned gone = 2; gone <= all + 2; ++gone) {
             Other other(folder);
             Faults calls;
@@ -101,7 +101,7 @@ TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
     }
 }
 
-// Not for ever: the other may have the same patience.
+// The retries are limited: the other process may retry as well.
 TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
 {
     const TempFolder folder;
@@ -109,7 +109,7 @@ TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
     Other other(folder);
     Faults calls;
     for (unsigned number = 1; number < 400; ++number) {
-        // Every look that finds it is followed by one that does not.
+        // Every check that finds the lock is followed by one that does not.
         calls.Before(Faults::kLockRange, number, [&other, number] {
             number % 2 == 1 ? other.ShutOutReaders() : other.Leave();
         });
@@ -119,7 +119,7 @@ TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
     EXPECT_GT(400u, calls.Count(Faults::kLockRange));
 }
 
-// Nothing is left of one that was refused.
+// A refused open leaves no locks.
 TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
 {
     const TempFolder folder;
@@ -138,7 +138,7 @@ TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
     ::close(third);
 }
 
-// A descriptor that cannot read takes no shared locks, but one for writing says that nobody else may come.
+// A descriptor that cannot read takes no shared locks; one for writing takes the lock that refuses all others.
 TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
 {
     const TempFolder folder;
@@ -151,9 +151,9 @@ TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
     EXPECT_EQ(2u, calls.Count(Faults::kLockRange));
 }
 
-// --- a file that is made, and opened by another before its maker holds it ---------------------------------------------
+// --- a file that is created, and opened by another before its creator locks it ---------------------------------------
 
-// In this process, between the making and the first question about it.
+// The other open happens in this process, between creating the file and the first query about it.
 TEST(FileShareModesOnLinux, AMakerWhoComesTooLate_LeavesTheFileToItsHolder)
 {
     for (const Disposition::Type disposition : kMaking) {
@@ -171,7 +171,7 @@ TEST(FileShareModesOnLinux, AMakerWhoComesTooLate_LeavesTheFileToItsHolder)
     }
 }
 
-// Another process has its locks before the maker's.
+// Another process locks the file before its creator does.
 TEST(FileShareModesOnLinux, AMakerWhoMeetsLocks_LeavesTheFileToTheirOwner)
 {
     for (const Disposition::Type disposition : kMaking) {
@@ -188,7 +188,8 @@ TEST(FileShareModesOnLinux, AMakerWhoMeetsLocks_LeavesTheFileToTheirOwner)
     }
 }
 
-// Two processes open the name alone, whether it is there or not. The second comes when the first has just made it.
+// Two processes open the same name exclusively, and create the file if it is missing. The second opens it directly
+// after the first has created it.
 TEST(FileShareModesOnLinux, OfTwoProcessesThatMakeAFile_TheLoserDeletesNothing)
 {
     const TempFolder folder;
@@ -227,7 +228,7 @@ TEST(FileShareModesOnLinux, OfTwoProcessesThatMakeAFile_TheLoserDeletesNothing)
     }
 }
 
-// What was made and cannot be used goes again, but not what another has put in its place.
+// If the new file cannot be used, it is deleted, but never a file that another process has put in its place.
 TEST(FileShareModesOnLinux, AMakerWhoFails_DeletesHisOwnFileAlone)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Which handles of one file go together: in one process, in two, and beside deleting, moving, copying and replacing.
+// Which handles of one file are compatible: in one process, in two, and with deleting, moving, copying and replacing.
 #include <FileSupport.h>
 #include "ShareModes.h"
 
@@ -82,7 +82,7 @@ TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
     }
 }
 
-// Not even for a moment: nothing is left of a process that ended with the file open.
+// A process that ends with the file open leaves no share mode, not even briefly.
 TEST(FileShareModes, AProcessThatEndsWithAFileOpen_HoldsItNoMore)
 {
     const TempFolder folder;
@@ -133,7 +133,7 @@ TEST(FileShareModes, ThroughFile_AreSharingViolations)
     EXPECT_EQ("x", ContentsOf(folder, "f")) << "a copy that was refused has not emptied the file";
 }
 
-// Asynchronous reads read, and share reading and writing.
+// Asynchronous reads open with read access and share reading and writing.
 TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
 {
     const TempFolder folder;
@@ -157,7 +157,7 @@ TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
     EXPECT_EQ(0u, OpenHandle(path, kAlone).mError);
 }
 
-// Threads that want the file for themselves: never two have it, and one at least does.
+// Threads that open the file exclusively: never two hold it, and at least one succeeds.
 TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
 {
     const TempFolder folder;
@@ -190,8 +190,8 @@ TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
     EXPECT_LT(0, got);
 }
 
-// Two processes that want the file for themselves: never both have it, and none waits for ever. How often one is refused
-// before it gets the file is the scheduler's matter.
+// Two processes that open the file exclusively: never both hold it, and neither waits forever. The number of refusals
+// before a success depends on the scheduler.
 TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Records of opening that are a matter of names: their case, their length, a leading dot. Through the seam.
+// Records about opening files that concern names: their case, their length, a leading dot. Uses the platform functions.
 #include <FileSupport.h>
 #include "SystemProbes.h"
 
@@ -29,7 +29,7 @@ UTF16String Extended(const UTF16String& inPath)
 
 } // namespace
 
-// cf34, cf35. Names are matched as the volume matches them: at home it looks past their case, ext4 does not.
+// cf34, cf35. Names are matched by the rules of the volume: Windows ignores their case, ext4 does not.
 TEST(FileSituationNames, AnotherCase_IsTheSameFileWhereTheVolumeSaysSo)
 {
     const TempFolder folder;
@@ -39,8 +39,8 @@ TEST(FileSituationNames, AnotherCase_IsTheSameFileWhereTheVolumeSaysSo)
     EXPECT_EQ(isSame ? 80u : 0u, Try(Extended(folder.Path(u"F.TXT")), kGenericWrite, kCreateNew)) << "cf35";
 }
 
-// cf47, cf48. At home a plain path of 260 units is opened where the process takes long paths, else it is 3. On Linux plain
-// paths have no such limit: that they open there is a difference on purpose.
+// cf47, cf48. Windows opens a plain path of 260 units if the process enables long paths, else it fails with 3. On Linux
+// plain paths have no such limit; this difference is intended.
 TEST(FileSituationNames, ALongPath_IsTakenExtendedAndPlainWhereThePlainFormMayBeLong)
 {
     const TempFolder folder;
@@ -51,9 +51,10 @@ TEST(FileSituationNames, ALongPath_IsTakenExtendedAndPlainWhereThePlainFormMayBe
     EXPECT_EQ(0u, DeleteFile_Impl(Extended(path)));
 }
 
-// cf58 and cf59 tell of files that an open has marked as hidden, over which another open must ask for the mark again.
-// File never asks for it; only the probe for a writeable folder does, which is gone when it is closed. Where a leading
-// dot hides a file it is no mark, and whoever made the file makes it again: on Linux both are differences on purpose.
+// cf58 and cf59 concern files that were opened with the hidden attribute: a later open that recreates such a file must
+// request the attribute again. File never requests it; only the probe for a writeable folder does, and that file is
+// deleted at its close. On Linux a leading dot hides a file, but it is not an attribute, and the owner can recreate the
+// file. Both are intended differences.
 TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
 {
     const TempFolder folder;
@@ -62,7 +63,7 @@ TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
     }
 }
 
-// ch1. The seam's close answers nothing and takes each handle once; that File closes but once is File's doing.
+// ch1. The seam's close reports nothing and takes each handle once. That a second Close does nothing is up to File.
 TEST(FileSituationNames, AFileThatIsClosedTwice_IsClosedOnce)
 {
     const TempFolder folder;

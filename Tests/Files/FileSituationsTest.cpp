@@ -1,13 +1,13 @@
-// What the home platform answers in each situation, by the number of its record: through the seam, on both platforms.
+// Checks each situation against the recorded result of Windows, through the platform functions, on both platforms.
 //
-// A row whose mEmulator is set names what Wine 8 answers instead; where the tests run under Wine that row is looked at by
-// that answer alone. As the superuser Wine ignores the read-only mark: rows that need it ask first whether it holds.
+// A row with mEmulator lists the results of Wine 8; under Wine the row is checked against these only. Wine ignores the
+// read-only mark for the superuser: rows that need the mark first probe for it.
 //
-// Elsewhere: FileSituationNamesTest has cf34, cf35, cf47, cf48, cf58, cf59 and ch1; FileTest ub01 to ub06;
-// FileCopyMoveTest cp17 and ce01 to ce10, whose callbacks are File's; DirectorySituationsTest rd, pd, ff, vo, so and pw (md
-// asks for one level made by the system's own call, which no seam has). io00 to io12 are asynchronous reads, which have a seam
-// of their own: AsyncFileReaderTest and AsyncReadInput*Test. cp11 (no overwriting), de10 and mv08 (what a listing shows)
-// and ga07, ga10 (attributes) are questions that this seam does not ask.
+// Covered elsewhere: cf34, cf35, cf47, cf48, cf58, cf59 and ch1 in FileSituationNamesTest; ub01 to ub06 in FileTest;
+// cp17 and ce01 to ce10, whose callbacks belong to File, in FileCopyMoveTest; rd, pd, ff, vo, so and pw in
+// DirectorySituationsTest. No platform function creates a single level (md). io00 to io12 are asynchronous reads, which
+// have separate platform functions: AsyncFileReaderTest and AsyncReadInput*Test. The platform functions do not support
+// cp11 (no overwriting), de10 and mv08 (contents of a listing) and ga07, ga10 (attributes).
 #include <FileSupport.h>
 #include "SystemProbes.h"
 
@@ -26,7 +26,7 @@ namespace {
 constexpr std::uint32_t kAll = 7;
 constexpr std::uint32_t kBoth = kGenericRead | kGenericWrite;
 
-// A folder with a file, a read-only file, two directories and a file to move onto.
+// A folder with a file, a read-only file, two directories and a file as the target of moves.
 class Stage
 {
 public:
@@ -59,7 +59,7 @@ public:
     UTF16String Extended(const char16_t* inName) const { return Units(u"\\\\?\\") + mFolder.Path(inName); }
     std::string Contents(const char* inName) const { return ContentsOf(mFolder, inName); }
 
-    /// Opens and closes.
+    /// Opens and closes the file, and returns the error.
     SystemError Try(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inDisposition,
                     std::uint32_t inFlags = kAttributeNormal, std::uint32_t inShare = kAll) const
     {
@@ -76,7 +76,7 @@ private:
     TempFolder mFolder;
 };
 
-// A file held open beside the situation.
+// A file held open during the situation.
 class Held
 {
 public:
@@ -313,7 +313,7 @@ TEST(FileSituations, Copying_AnswersAsAtHome) { Expect(kCopying); }
 TEST(FileSituations, Replacing_AnswersAsAtHome) { Expect(kReplacing); }
 TEST(FileSituations, SizesByName_AnswerAsAtHome) { Expect(kSizes); }
 
-// cf57: the probe that asks whether a directory takes new files.
+// cf57: the probe for whether a directory accepts new files.
 TEST(FileSituations, AFileThatIsDeletedOnClose_IsThereUntilThen)
 {
     const Stage stage;

@@ -1,5 +1,5 @@
-// Swaps of files whose names leave no room for a longer one beside them: a name has 255 bytes here, and 255 units at
-// home.
+// Swaps of files whose names leave no room for a longer name beside them: a name is limited to 255 bytes on Linux and
+// to 255 units on Windows.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -18,7 +18,7 @@ std::u16string Times(std::size_t inCount, char16_t inUnit)
     return std::u16string(inCount, inUnit);
 }
 
-// Two bytes, three bytes, and four (two units each).
+// Characters of two bytes, of three, and of four (two units each).
 std::u16string LongNames(int inIndex)
 {
     if (inIndex == 2) {
@@ -75,7 +75,7 @@ TEST(SwapOfLongNames, PutsTheNewContentsInPlaceAndLeavesNothing)
     }
 }
 
-// Until the swap is done both stay, and nothing else does.
+// Until the swap is complete both files stay, and no other file is left.
 TEST(SwapOfLongNames, ThatFails_LeavesBothFilesAlone)
 {
     for (const FaultySystemCalls::Call call : {FaultySystemCalls::kRename, FaultySystemCalls::kFSync}) {
@@ -91,7 +91,7 @@ TEST(SwapOfLongNames, ThatFails_LeavesBothFilesAlone)
     }
 }
 
-// As long as it is not known to be on disk the old contents stay too.
+// Until the swap is known to be on disk, the old contents stay too.
 TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
 {
     const TempFolder folder;
@@ -109,7 +109,7 @@ TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
     EXPECT_EQ("old", ContentsOf(folder, *names.begin()));
 }
 
-// A process that was killed has left the names that come next.
+// A killed process has left the names that would be used next.
 TEST(SwapOfLongNames, BesideTheLeftoversOfAKilledOne_IsDone)
 {
     const TempFolder folder;
@@ -117,7 +117,7 @@ TEST(SwapOfLongNames, BesideTheLeftoversOfAKilledOne_IsDone)
     static std::set<std::string> sLeft;
     sLeft.clear();
     FaultySystemCalls calls;
-    // Each name of our own is found taken, twice.
+    // The first two temporary names are already taken.
     calls.Underneath().mLink = [](const char* inFrom, const char* inTo) {
         const std::filesystem::path to(inTo);
         const std::string name = to.filename().string();

@@ -1,4 +1,4 @@
-// A finished temporary file put in the place of the real one, and free names for such files.
+// Replacing a file by a finished temporary file, and free names for such files.
 #include <FileSupport.h>
 
 #include <filesystem>
@@ -34,7 +34,7 @@ TEST(File, SwapTempFileThatFails_LeavesBothFiles)
     EXPECT_EQ("<none>", ContentsOf(folder, "real~1.txt"));
 }
 
-// A reader that lets the file be deleted goes on reading the old contents.
+// A reader that shares deletion continues to read the old contents.
 TEST(File, SwapTempFile_LeavesAReaderItsContents)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Opening, reading and writing, and the times of files, as hosts use them.
+// Opening, reading, writing and file times, as hosts use them.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 
@@ -92,7 +92,7 @@ TEST(File, EachFlag_HasItsSystemWord)
     }
 }
 
-// Access by disposition on a file that exists and on one that does not: what comes of it, and what the file is then.
+// Every access with every disposition, on an existing and on a missing file: the result, and the contents afterwards.
 TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
 {
     struct Row
@@ -116,7 +116,7 @@ TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
                 const bool isRefused =
                     row.mDisposition == Disposition::kFileCreate_TruncateExisting && (access & kWrite) == 0;
                 if (isRefused && RunsOnEmulator()) {
-                    continue; // it empties the file all the same
+                    continue; // Wine empties the file although it refuses the open
                 }
                 const TempFolder folder;
                 folder.MakeFile("old", "contents");
@@ -132,7 +132,7 @@ TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
     }
 }
 
-// Existing is 80 at home, which has no code of its own.
+// On Windows the error is 80, which has no code of its own.
 TEST(File, CreateNewOfAnExistingFile_IsAGeneralFailure)
 {
     const TempFolder folder;
@@ -195,7 +195,7 @@ TEST(File, ReadAndWriteWithoutTheRight_AreAccessDenied)
     EXPECT_EQ(0u, count);
 }
 
-// --- past the cache --------------------------------------------------------------------------------------------------
+// --- unbuffered reads ------------------------------------------------------------------------------------------------
 
 TEST(File, NoBuffering_ReadsAlignedPiecesAndComesShortAtTheEnd)
 {
@@ -262,7 +262,7 @@ TEST(File, SizeByName_IsFileNotFoundWhateverFails)
     EXPECT_EQ(kSuccess, File::SizeOnDisk(folder.Path(u"f"), size));
     EXPECT_EQ(5u, size);
     size = 77;
-    // 2, 3, 123, 3 again and what a path without a root gives: one answer for all.
+    // Errors 2, 3, 123, 3, and the error for a path without a root all become one result.
     for (const UTF16String& path : {folder.Path(u"none"), folder.Path(u"no\\no"), folder.Path(u"a*"), UTF16String(),
                                     folder.Path(u"f\\x"), Units(u"Q:\\none")}) {
         EXPECT_EQ(kFileNotFound, File::SizeOnDisk(path, size));
@@ -286,7 +286,7 @@ TEST(File, SizesBeyond32Bits_AreWhole)
 
 namespace {
 
-// 100 ns since 1601.
+// In units of 100 ns since 1601.
 unsigned __int64 SecondsAfter1970(unsigned __int64 inSeconds)
 {
     return (inSeconds + 11644473600u) * 10000000u;
@@ -316,7 +316,7 @@ TEST(File, LastModificationTime_IsIn100nsSince1601)
     EXPECT_EQ(byName, time);
     EXPECT_EQ(kFileNotFound, File::GetLastModificationTime(folder.Path(u"none"), time));
     EXPECT_EQ(byName, time);
-    // A directory opens for the second form alone.
+    // Only the second function opens directories.
     EXPECT_EQ(kAccessDenied, File::GetLastModificationTime(folder.Path(u"d"), time));
     EXPECT_EQ(kSuccess, File::GetLastModificationTimeForFolder(folder.Path(u"d"), time));
     EXPECT_GT(time, SecondsAfter1970(1000000000));

@@ -1,4 +1,4 @@
-// Transfers that come in pieces, and those that fail half-way.
+// Transfers that are split into pieces, and transfers that fail midway.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -86,7 +86,7 @@ TEST(FileTransfers, ACopyInShortPieces_IsWhole)
     EXPECT_TRUE(kOld == ContentsOf(folder, "c"));
 }
 
-// The kernel began, then refuses: another volume below a mount point, for instance.
+// The kernel starts the copy and then refuses, for instance because a mount point leads to another volume.
 TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
 {
     for (const int error : {EXDEV, EINVAL, EOPNOTSUPP, ENOSYS}) {
@@ -102,7 +102,7 @@ TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
     }
 }
 
-// The kernel clones where the volume can; for the smallest files that is not worth its calls.
+// The kernel can clone files on some volumes; for the smallest files its calls are not worth it.
 TEST(FileTransfers, ACopy_IsLeftToTheKernelFrom16KiBOn)
 {
     for (const std::size_t size : {std::size_t{16384}, std::size_t{16385}, std::size_t{100000}}) {

@@ -1,4 +1,4 @@
-// The user's extended attributes of files that are copied, moved and replaced: kept where they can be, never a failure.
+// User extended attributes of copied, moved and replaced files: kept if possible, never a cause of failure.
 #include <FileSupport.h>
 
 #include <ORLDirectory.h>
@@ -68,7 +68,7 @@ TEST_F(UserAttributes, ACopyOverAFile_HasNoOthers)
     EXPECT_EQ("<none>", Get("c", "user.old"));
 }
 
-// The system lets the superuser alone write attributes of a file without write permission.
+// Linux lets only root write attributes of a file without write permission.
 TEST_F(UserAttributes, ACopyOfAReadOnlyFile_IsACopy)
 {
     ASSERT_EQ(0, ::chmod((mFolder.Host() / "f").c_str(), 0444));
@@ -95,7 +95,7 @@ TEST_F(UserAttributes, AMoveToAnotherVolume_KeepsThem)
     EXPECT_EQ("A001", Get("m", "user.reel"));
 }
 
-// They belong to the name, as the permissions do, unless the new contents bring their own.
+// Attributes belong to the name, like permissions, unless the new contents have their own.
 TEST_F(UserAttributes, ASwap_AddsThoseOfTheRealFile)
 {
     mFolder.MakeFile("temp", "new");

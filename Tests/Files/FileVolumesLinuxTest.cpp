@@ -1,4 +1,4 @@
-// Moves to another volume, where a rename cannot help: a file is copied, a link is made anew, a folder stays.
+// Cross-volume moves, which cannot rename: files are copied, links are recreated, folders are refused.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -29,7 +29,7 @@ dev_t DeviceOf(const std::filesystem::path& inPath)
     return ::stat(inPath.c_str(), &status) == 0 ? status.st_dev : 0;
 }
 
-// Names of one volume that the system takes for two.
+// Makes the library see every rename as a cross-volume one.
 struct TwoVolumes
 {
     TwoVolumes() { mCalls.Fail(Faults::kRenameTo, 1, EXDEV, Faults::kForEver); }
@@ -91,7 +91,7 @@ TEST(FileVolumes, ASource_GoesWhenItsCopyAndTheNameOfThatAreOnDisk)
     struct Row
     {
         const char* mName;
-        unsigned mSync; // the call that fails
+        unsigned mSync; // the number of the sync that fails
     };
     for (const Row& row : {Row{"file", 1}, Row{"file", 2}, Row{"link", 1}}) {
         TwoVolumes volumes;

@@ -1,4 +1,4 @@
-// The home platform's services over path text, and the public functions that stand on them.
+// Windows' services for path text, and the public functions built on them.
 #include <HomePathText.h>
 
 #include <ORLPathUtils.h>
@@ -41,11 +41,11 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         {__LINE__, uR"(C:\abc\d\e\)", uR"(C:\abc\)", uR"(..\..\)"},
         // a file name is dropped, and names are compared without case
         {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
-        // slashes count here
+        // slashes are separators here
         {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},
-        // shares have no ":" and get one
+        // shares have no ":"; one is added
         {__LINE__, uR"(\\server\abc\d\)", uR"(\\server\abc\e\)", uR"(..\e\)"},
-        // a common beginning of a name is not a common name
+        // a common prefix of two names does not count
         {__LINE__, uR"(C:\abcd\)", uR"(C:\abce\)", nullptr},
         {__LINE__, u"C:", uR"(C:\a\)", nullptr},
         {__LINE__, uR"(C:\a\)", uR"(relative\)", nullptr},
@@ -85,20 +85,20 @@ TEST(CombinePaths, EachPair_IsCombined)
         {__LINE__, uR"(C:\a\b)", u"..", uR"(C:\a)"},
         {__LINE__, uR"(C:\a)", uR"(..\..\..\b)", uR"(C:\b)"},
         {__LINE__, uR"(C:\a\)", uR"(b\)", uR"(C:\a\b\)"},
-        // from the root, and away from the base
+        // from the root, and to another root
         {__LINE__, uR"(C:\a\b)", uR"(\c)", uR"(C:\c)"},
         {__LINE__, uR"(C:\a)", uR"(D:\b)", uR"(D:\b)"},
         {__LINE__, uR"(C:\a)", uR"(\\s\h\b)", uR"(\\s\h\b)"},
         {__LINE__, uR"(\\s\h\a)", u"b", uR"(\\s\h\a\b)"},
         {__LINE__, uR"(\\s\h\a)", uR"(\b)", uR"(\\s\h\b)"},
-        // a slash is no separator here
+        // slashes are not separators here
         {__LINE__, uR"(C:\a)", u"../b", uR"(C:\a\../b)"},
         {__LINE__, u"relative", u"b", u""},
         {__LINE__, u"", u"C:\\b", u""},
     };
     for (const Row& row : rows) {
         if (Units(row.mMore) == Units(u"../b")) {
-            // Rests on the portable code: the system takes any name that begins with two dots for a step up.
+            // Tests only the portable code: Windows takes any name that begins with two dots for a step up.
             UTF16String combined;
             EXPECT_TRUE(HomeText::Combine(Units(row.mBase), Units(row.mMore), combined));
             EXPECT_EQ(Units(row.mCombined), combined);
@@ -117,7 +117,7 @@ TEST(CombinePaths, From260UnitsOn_GivesAnEmptyText)
     EXPECT_EQ(UTF16String(), CombinePaths(UTF16String(Units(u"C:\\")).append(300, 'a'), Units(u"b")));
 }
 
-// A name that is empty or a single dot is no share.
+// An empty name or a single dot is not a share.
 TEST(HomePathText, ServerWithoutAShare_KeepsItsNameAlone)
 {
     struct Row
@@ -142,7 +142,7 @@ TEST(HomePathText, ServerWithoutAShare_KeepsItsNameAlone)
     }
 }
 
-// A relative path has one limit on both platforms, and no depth of the two paths harms.
+// Relative paths have the same length limit on both platforms, and no depth of the input overflows.
 TEST(ArePathsRelative, DeepPaths_AreAnsweredAlikeAndStayInBounds)
 {
     const auto deep = [](const char16_t* inName, int inFolders) {
@@ -164,7 +164,7 @@ TEST(ArePathsRelative, DeepPaths_AreAnsweredAlikeAndStayInBounds)
     EXPECT_EQ(Units(uR"(\b\)"), relative) << Show(relative);
 }
 
-// Where the home platform's own answers vary by version, or read past their input, the portable code has these.
+// The results of the portable code in cases where Windows differs between versions or reads past its input.
 TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
 {
     const auto combine = [](const char16_t* inBase, const char16_t* inMore) {

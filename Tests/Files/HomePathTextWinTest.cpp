@@ -1,4 +1,4 @@
-// The portable path text against the system's own, on many thousands of generated paths.
+// Compares the portable path text with Windows' own functions on many thousands of generated paths.
 #include <HomePathText.h>
 #include <Platform/Disks.h>
 #include <Platform/Paths.h>
@@ -52,7 +52,7 @@ bool Has(const std::string& inText, const char* inPart)
 
 } // namespace
 
-// Left out is where the system's answers are accidents: names that only begin with two dots, a single dot at the end,
+// Excludes inputs with accidental results on Windows: names that only begin with two dots, a single dot at the end,
 // steps above a share, drives without a root.
 TEST(HomePathText, Combine_AgreesWithTheSystem)
 {
@@ -78,7 +78,7 @@ TEST(HomePathText, Combine_AgreesWithTheSystem)
     EXPECT_GT(compared, 20000);
 }
 
-// Left out are texts of two units, behind whose end the system reads.
+// Excludes texts of two units: Windows reads past their end.
 TEST(HomePathText, RelativePathTo_AgreesWithTheSystem)
 {
     PathGenerator generator(2);

@@ -1,4 +1,4 @@
-// The drive table, and library paths as bytes of the host.
+// The drive table, and the conversion of library paths to host paths.
 #include <ORLHostPath.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -26,7 +26,7 @@ using ORLTest::Units;
 
 namespace {
 
-/// A drive or share for the time of a test.
+/// A drive or share mounted for the duration of a test.
 class Mount
 {
 public:
@@ -93,7 +93,7 @@ TEST(ResolveHostPath, EachForm_LeadsToItsBytesOrFailsWithItsNumber)
         {__LINE__, Units(uR"(M:\x)"), 0, base + "/x"},
         {__LINE__, Units(uR"(m:\)"), 0, base},
         {__LINE__, Units(uR"(M:\..\x)"), 0, base + "/x"},
-        // extended: as it stands
+        // extended: unchanged
         {__LINE__, Units(uR"(\\?\C:\a\b)"), 0, "/a/b"},
         {__LINE__, Units(uR"(\\?\C:\a. \b)"), 0, "/a. /b"},
         {__LINE__, Units(uR"(\\?\C:\a.)"), 0, "/a."},
@@ -123,7 +123,7 @@ TEST(ResolveHostPath, EachForm_LeadsToItsBytesOrFailsWithItsNumber)
         {__LINE__, Units(uR"(\\?\UNC\server)"), 53, ""},
         {__LINE__, Units(uR"(\\.\pipe\x)"), 53, ""},
         {__LINE__, Units(uR"(\\)"), 53, ""},
-        // what leads nowhere
+        // invalid or unmapped paths
         {__LINE__, UTF16String(), 3, ""},
         {__LINE__, Units(uR"(Q:\a)"), 3, ""},
         {__LINE__, Units(uR"(\\?\Q:\a)"), 3, ""},
@@ -132,7 +132,7 @@ TEST(ResolveHostPath, EachForm_LeadsToItsBytesOrFailsWithItsNumber)
         {__LINE__, Units(u"C:\\a\u0001"), 123, ""},
         {__LINE__, Units(uR"(C:\f.txt:stream)"), 2, ""},
         {__LINE__, Units(u"C:\\") + UTF16String(256, 'n'), 123, ""},
-        // private units that would lead away
+        // private units that decode to ".." or "."
         {__LINE__, Units(u"C:\\a\\\uF02E\uF02E\\b"), 123, ""},
         {__LINE__, Units(u"\\\\?\\C:\\\uF02E"), 123, ""},
     };
@@ -220,7 +220,7 @@ TEST(FromHostPath, OfARelativePath_StartsInTheCurrentFolder)
     EXPECT_EQ(UTF16String(), FromHostPath("a"));
 }
 
-// ".." behind a link leads up from where the link points.
+// ".." after a link refers to the parent of the link's target.
 TEST(FromHostPath, TwoDotsBehindALink_LeadWhereTheSystemLeads)
 {
     const TempFolder folder;
@@ -242,7 +242,7 @@ TEST(DriveTable, TheLongestFolderWins)
     EXPECT_EQ(Units(u"M:\\"), FromHostPath(base + "/media"));
     EXPECT_EQ(Units(u"N:\\x"), FromHostPath(base + "/media/clips/x"));
     EXPECT_EQ(folder.Path(u"mediathek"), FromHostPath(base + "/mediathek"));
-    // the first of two equal folders
+    // the first of two drives with the same folder
     const Mount again('L', base + "/media");
     EXPECT_EQ(Units(u"L:\\x"), FromHostPath(base + "/media/x"));
 }

@@ -1,4 +1,4 @@
-// Host paths and library paths on either platform.
+// Host paths and library paths on both platforms.
 #include <ORLHostPath.h>
 
 #include <ORLPathUtils.h>

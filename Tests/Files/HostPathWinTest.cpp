@@ -1,4 +1,4 @@
-// Names that UTF-8 and the system's own 16-bit names cannot say to each other.
+// Names that cannot be converted between UTF-8 and Windows' 16-bit names.
 #include <ORLHostPath.h>
 
 #include <ORLPathUtils.h>

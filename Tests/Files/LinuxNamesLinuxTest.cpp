@@ -1,4 +1,4 @@
-// Names of the disk as units of a library path, one to one.
+// The one-to-one mapping between names on disk and units of a library path.
 #include <Linux/LinuxNames.h>
 
 #include <TextHelpers.h>
@@ -47,26 +47,26 @@ TEST(LinuxNames, EachKindOfName_HasItsUnitsAndComesBack)
         {__LINE__, "plain.txt", Units(u"plain.txt")},
         {__LINE__, "\xC3\xA9t\xC3\xA9", Units(u"\u00E9t\u00E9")},
         {__LINE__, "\xF0\x9F\x98\x80", Units(u"\U0001F600")},
-        // what a library path cannot hold in a name
+        // characters that a library path cannot contain in a name
         {__LINE__, "a:b*c?", Units(u"a\uF03Ab\uF02Ac\uF03F")},
         {__LINE__, "\"<>|\\", Units(u"\uF022\uF03C\uF03E\uF07C\uF05C")},
         {__LINE__, "\x01\x1F\x7F", Units(u"\uF001\uF01F\u007F")},
-        // what a plain path would lose at the end, and nowhere else
+        // trailing characters that a plain path would drop, only at the end
         {__LINE__, "a. b. ", Units(u"a. b.\uF020")},
         {__LINE__, "...", Units(u"..\uF02E")},
         {__LINE__, " a", Units(u" a")},
-        // no UTF-8: a stray byte, a long form, past the last character, cut off
+        // invalid UTF-8: a stray byte, an overlong form, beyond the last character, truncated
         {__LINE__, "caf\xE9", Units(u"caf\uF0E9")},
         {__LINE__, "\x80\xFF", Units(u"\uF080\uF0FF")},
         {__LINE__, "\xC0\xAF", Units(u"\uF0C0\uF0AF")},
         {__LINE__, "\xF4\x90\x80\x80", Units(u"\uF0F4\uF090\uF080\uF080")},
         {__LINE__, "\xE2\x82", Units(u"\uF0E2\uF082")},
-        // characters that look like travelling bytes
+        // characters that look like mapped bytes
         {__LINE__, "\xEF\x80\xBA", Units(u"\uF0EF\uF080\uF0BA")},
         {__LINE__, "\xEF\x83\xA9", Units(u"\uF0EF\uF083\uF0A9")},
-        // one that does not: its byte never travels
+        // a private unit whose byte is never mapped
         {__LINE__, "\xEF\x81\x81", Units(u"\uF041")},
-        // halves of a pair: alone they stand for themselves, side by side they must not join
+        // halves of a surrogate pair: alone they map to themselves; adjacent ones must not combine
         {__LINE__, "\xED\xA0\xBD!", UTF16String{0xD83D, '!'}},
         {__LINE__, "\xED\xB8\x80", UTF16String{0xDE00}},
         {__LINE__, "\xED\xA0\xBD\xED\xB8\x80", UTF16String{0xD83D, 0xF0ED, 0xF0B8, 0xF080}},
@@ -82,7 +82,7 @@ TEST(LinuxNames, EachKindOfName_HasItsUnitsAndComesBack)
 TEST(LinuxNames, RandomBytes_ComeBackAndAreLegal)
 {
     std::mt19937 random(20240603);
-    // Pieces that make sequences, near misses and travelling bytes likely.
+    // Pieces that make valid sequences, near misses and mapped bytes likely.
     const std::string pieces[] = {"a",    ".",    " ",    ":",    "\\",   "\x01", "\xC3", "\xA9", "\xED", "\xA0",
                                   "\xB0", "\xEF", "\x80", "\x82", "\xBA", "\xF0", "\x9F", "\x98", "\xFF", "\xEF\x83"};
     for (int i = 0; i < 100000; ++i) {

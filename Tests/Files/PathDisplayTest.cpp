@@ -1,4 +1,4 @@
-// Paths in the words that the shell shows.
+// Paths as the shell displays them.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
@@ -50,7 +50,7 @@ TEST(GetLeafDisplayName, EachShape_GivesItsNameAndIsCut)
         {__LINE__, uR"(\\server\share)", uR"(\\server\share)", u""},
         {__LINE__, uR"(\\server)", uR"(\\server)", u""},
         {__LINE__, u"abcd", u"abcd", u""},
-        // what the shell does not know falls back to the plain leaf
+        // names unknown to the shell fall back to the plain leaf
         {__LINE__, uR"(\\nosuch.invalid\share\x)", u"x", uR"(\\nosuch.invalid\share)"},
         {__LINE__, uR"(Q:\no\such)", u"such", uR"(Q:\no)"},
         {__LINE__, uR"(a\bc)", u"bc", u"a"},
@@ -78,14 +78,14 @@ TEST(GetLeafDisplayName, From261UnitsOn_LeavesTheShellOut)
     const Step cut = Take(folder + Units(u"\\") + leaf);
     EXPECT_EQ(leaf, cut.mName);
     EXPECT_EQ(folder, cut.mLeft);
-    // without text behind the last backslash, or without one, it is given whole and stays
+    // without a backslash, or with nothing after the last one, the whole text is returned and stays
     const UTF16String trailing = folder + Units(u"\\") + leaf + Units(u"\\");
     EXPECT_EQ(trailing, Take(trailing).mName);
     EXPECT_EQ(trailing, Take(trailing).mLeft);
     const UTF16String flat(261, 'f');
     EXPECT_EQ(flat, Take(flat).mName);
     EXPECT_EQ(flat, Take(flat).mLeft);
-    // one unit less goes the short way
+    // one unit less takes the short path
     EXPECT_EQ(UTF16String(), Take(UTF16String(260, 'f')).mLeft);
 }
 
@@ -120,7 +120,7 @@ TEST(GetDisplayStringFromPath, OfALongPath_IsThePath)
     EXPECT_EQ(path, GetDisplayStringFromPath(Units(uR"(\\?\)") + path));
 }
 
-// A long path that ends in two backslashes would stay as it is at every step.
+// A long path that ends in two backslashes must not loop without progress.
 TEST(GetDisplayStringFromPath, OfALongPathThatEndsInTwoBackslashes_EndsAndGivesItWhole)
 {
     const UTF16String path = Units(u"Q:\\") + UTF16String(300, 'n') + Units(u"\\\\");

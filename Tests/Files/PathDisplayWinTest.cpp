@@ -1,4 +1,4 @@
-// The shell behind the display names.
+// The shell functions behind the display names.
 #include <Platform/Paths.h>
 
 #include <ORLPathUtils.h>
@@ -28,7 +28,7 @@ TEST(GetShellName, OfWhatIsNotThere_FailsAndLeavesTheName)
     EXPECT_EQ(Units(u"plain leaf"), name);
 }
 
-// The thread's state is left as it was: an initialisation that failed is not undone.
+// A failed COM initialisation must not be undone: the thread's state stays as it was.
 TEST(GetShellName, OnAThreadOfAnotherKind_FallsBackAndLeavesTheThreadAlone)
 {
     std::thread([] {

@@ -1,4 +1,4 @@
-// The forms of a path and the way between them.
+// The forms of a path and the conversions between them.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
@@ -35,7 +35,7 @@ TEST(ToNormalizedPath, EachForm_BecomesExtended)
         {__LINE__, uR"(relative\x)", uR"(relative\x)"},
         {__LINE__, uR"(\\?\C:\x)", uR"(\\?\C:\x)"},
         {__LINE__, uR"(\\?\C:)", uR"(\\?\C:\)"},
-        // what is taken for rooted and what is not
+        // which prefixes count as rooted
         {__LINE__, u"C:x", uR"(\\?\C:x)"},
         {__LINE__, u"1:x", u"1:x"},
         {__LINE__, u"\u00C9:\\x", u"\u00C9:\\x"},
@@ -132,8 +132,8 @@ TEST(IsDriveRootPath, IsExactlyADrive)
 
 namespace {
 
-// A second reading of the rules over narrow text: the extended prefix is taken off, what is left is judged by its
-// shape, and the prefix goes back on.
+// A second implementation of the rules over narrow text: it removes the extended prefix, classifies the rest by its
+// shape, and adds the prefix again.
 struct Shape
 {
     bool mIsExtended;
@@ -185,7 +185,7 @@ TEST(ToNormalizedPath, RandomPaths_AgreeWithTheirShapeAndComeBack)
         const std::string expected = NormalForm(path);
         const UTF16String normalized = ToNormalizedPath(units);
         ASSERT_EQ(UTF16String(expected.begin(), expected.end()), normalized) << path;
-        // Stripping undoes it, but for a bare drive, which comes back with its backslash.
+        // Stripping reverses it, except for a bare drive, which returns with a backslash.
         const Shape shape = ShapeOf(path);
         const bool isAbsolute =
             (shape.mHasDrive && (path.size() == 2 || path[2] == '\\')) || path.rfind("\\\\", 0) == 0;

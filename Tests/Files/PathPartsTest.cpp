@@ -1,4 +1,4 @@
-// Taking paths apart, file names, the trailing separator.
+// Splitting paths, file names, and the trailing separator.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
@@ -72,7 +72,7 @@ TEST(SplitPath, EachShape_ComesApart)
         {__LINE__, u"..", {Units(u""), Units(u""), Units(u"."), Units(u".")}},
         {__LINE__, u".\\", {Units(u""), Units(u".\\"), Units(u""), Units(u"")}},
         {__LINE__, u"x:.", {Units(u"x:"), Units(u""), Units(u""), Units(u".")}},
-        // units that look like others in their low byte
+        // units whose low byte is a separator or a dot
         {__LINE__, u"a\u5C5Cb\u2F2Fc\u2E2Ed", {Units(u""), Units(u""), Units(u"a\u5C5Cb\u2F2Fc\u2E2Ed"), Units(u"")}},
     };
     for (const Row& row : rows) {
@@ -102,8 +102,8 @@ TEST(SplitPath, OutputsMayBeNull_OrThePathItself)
 
 namespace {
 
-// A second reading of the rules: one walk from the front over narrow text, which carries each character to where it
-// belongs and moves what it took for a file name when a separator shows that it was none.
+// A second implementation of the rules: one walk over narrow text that adds each character to a part, and moves the
+// file name so far to the directory when a separator follows.
 struct NarrowParts
 {
     std::string mDrive;
@@ -225,7 +225,7 @@ TEST(IsValidFileName, EachKindOfName_IsJudged)
         {__LINE__, u"\"", false},
         {__LINE__, u"<", false},
         {__LINE__, u">", false},
-        // white space, and what stands just beside it
+        // white space, and its neighbouring code points
         {__LINE__, u"\t \u00A0\u2000\u200B\u202F\u205F\u3000", false},
         {__LINE__, u"\n", true},
         {__LINE__, u"\u1FFF", true},
@@ -233,7 +233,7 @@ TEST(IsValidFileName, EachKindOfName_IsJudged)
         {__LINE__, u"\u202E", true},
         {__LINE__, u"\u2060", true},
         {__LINE__, u"\u3001", true},
-        // no rule on these
+        // names that no rule forbids
         {__LINE__, u"con", true},
         {__LINE__, u"a.", true},
         {__LINE__, u"a ", true},

@@ -1,4 +1,4 @@
-// What the file system says of a path.
+// Queries to the file system about a path.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
@@ -42,7 +42,7 @@ TEST(ExistsOnDisk, WhatIsNotThere_DoesNot)
     EXPECT_FALSE(ExistsOnDisk(folder.Path(u"f|.txt")));
 }
 
-// Nothing is left of it once its backslash is dropped, and an empty path breaks the contract of the next step.
+// Without its backslash the path is empty, and an empty path violates the contract of the next step.
 TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
 {
     CheckRecorder recorder;
@@ -51,7 +51,7 @@ TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
     EXPECT_EQ("IsValidPath(inFullPath)", recorder.Reports(CheckReport::kContract)[0].mExpression);
 }
 
-// One trailing backslash is dropped before the file is looked for, so a file is found with it too.
+// One trailing backslash is dropped before the lookup, so a file is found with it as well.
 TEST(ExistsOnDisk, OfAFileWithATrailingBackslash_FindsIt)
 {
     const TempFolder folder;
@@ -77,7 +77,7 @@ TEST(ExistsOnDisk, APattern_ExistsWhereAnEntryFits)
     EXPECT_FALSE(ExistsOnDisk(folder.Path(u"*\\clip.mov")));
 }
 
-// A path that is not rooted answers false, whether or not something is there: "." always is.
+// A path that is not rooted returns false, whether or not it exists; "." always exists.
 TEST(PathQueries, OfARelativePath_AreFalse)
 {
     for (const char16_t* path : {u".", u"..", u"x"}) {
@@ -126,7 +126,7 @@ TEST(IsDirectory, KnowsFoldersFromFiles)
     EXPECT_FALSE(IsDirectory(Units(u"Q:\\")));
 }
 
-// The path goes to the system in extended form, where a slash is part of a name.
+// The path is passed to the OS in extended form, in which a slash is part of a name.
 TEST(IsDirectory, OfAPathWithSlashes_IsFalse)
 {
     const TempFolder folder;
@@ -227,7 +227,7 @@ TEST(MakeUniqueFilename, OfAFolderOrAnExtensionAlone_KeepsTheParts)
 
 namespace {
 
-// A system whose directory for temporary files has any length.
+// Fakes a system whose directory for temporary files has a given length.
 UTF16String sTempFolder;
 unsigned long sSecondAnswer;
 unsigned long sSizes[2];
@@ -287,7 +287,7 @@ TEST(GetTempDirectory, OfMoreThan512Units_ReportsAndIsEmpty)
     EXPECT_EQ("ORL::PathUtils::GetTempDirectory", reports[0].mFunction);
 }
 
-// The sense of the second answer is the reverse of what one would expect.
+// The meaning of the second result is the reverse of what one would expect.
 TEST(GetTempDirectory, WhoseSecondQuestionFails_TakesTheBuffer)
 {
     FakeTempFolder(600, 0);

@@ -1,4 +1,4 @@
-// A host that reads the beginning of a file, whose host path is its argument, and says by which road.
+// A host that reads the beginning of a file, given as a host path, and prints the engine it used.
 #include <ORLFoundation.h>
 #include <tvxcore/Trace.h>
 

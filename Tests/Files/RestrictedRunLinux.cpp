@@ -1,6 +1,6 @@
-// Runs another program of this folder with something taken from it: run_restricted WHAT PROGRAM [ARGUMENT ...]
-//   EPERM, ENOSYS   every call of io_uring fails so, as a container's filter or an old kernel has it
-//   ordinary        root's right to read what nobody may read is gone
+// Runs another program of this folder with restrictions: run_restricted WHAT PROGRAM [ARGUMENT ...]
+//   EPERM, ENOSYS   every io_uring call fails with this error, as under a container's filter or on an old kernel
+//   ordinary        root loses the right to read files without permission
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -32,7 +32,7 @@ bool ForbidTheRing(int inErrno)
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
-// An ordinary user has these rights no more than a root that has lost them.
+// An ordinary user lacks these rights anyway.
 bool DropRights()
 {
     const auto isGone = [](unsigned long inRight) {

@@ -1,9 +1,9 @@
-// A process of its own that opens files which the tests hold open.
-//   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line a file: the
+// A separate process that opens files which the tests hold open.
+//   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line per file: the
 //                                   errors of its opens, in order
-//   share_mode_host hold PATH       opens the path alone and ends in the middle of it, without closing
-//   share_mode_host race PATH N     opens the path alone until it got it N times; prints how often it got it, how often it
-//                                   was refused with another error than 32, and how often it was not alone
+//   share_mode_host hold PATH       opens the path exclusively and ends abruptly, without closing
+//   share_mode_host race PATH N     opens the path exclusively until it succeeded N times; prints the number of successes,
+//                                   of refusals with an error other than 32, and of times it was not alone
 #include "ShareModes.h"
 
 #include <ORLHostPath.h>

@@ -1,5 +1,5 @@
-// All ways to hold a file, and the rule that says which two go together: written down here on its own, and equal to what
-// the home platform answers for each of the 2304 pairs.
+// All ways to hold a file, and the rule for which two are compatible: written independently, and equal to the results
+// of Windows for each of the 2304 pairs.
 #pragma once
 
 #include <Platform/File.h>
@@ -15,7 +15,7 @@ struct Holding
     std::uint32_t mAccess;
     std::uint32_t mShare; // 1 readers, 2 writers, 4 deleters
 
-    // What it uses, in the bits of a share mode. To execute counts as to read.
+    // Returns the access in the bits of a share mode. Execute access counts as read access.
     std::uint32_t Uses() const
     {
         using namespace ORL::Files::Platform;
@@ -27,13 +27,13 @@ struct Holding
 inline bool GoTogether(const Holding& inFirst, const Holding& inSecond)
 {
     if (inFirst.Uses() == 0 || inSecond.Uses() == 0) {
-        return true; // who only asks is never in the way
+        return true; // a handle that only queries never conflicts
     }
     return (inFirst.Uses() & inSecond.mShare) == inFirst.Uses()
            && (inSecond.Uses() & inFirst.mShare) == inSecond.Uses();
 }
 
-/// Nothing, read, write, both, execute and delete, each with every share mode: 48 ways.
+/// Returns no access, read, write, both, execute and delete, each with every share mode: 48 ways.
 inline std::vector<Holding> AllHoldings()
 {
     using namespace ORL::Files::Platform;

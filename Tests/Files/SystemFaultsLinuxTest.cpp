@@ -1,4 +1,4 @@
-// Faults of the system below the path and disk functions, and the numbers they become.
+// Faults of system calls below the path and disk functions, and the error numbers they become.
 #include <Linux/LinuxErrors.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -52,7 +52,7 @@ TEST(SystemErrorFromErrno, EachErrno_HasItsNumber)
         {__LINE__, EFAULT, 998},
         {__LINE__, EIO, 1117},
         {__LINE__, ELOOP, 1921},
-        // what has no number of its own
+        // errors without their own number
         {__LINE__, ENOTTY, 31},
         {__LINE__, 99999, 31},
         {__LINE__, -1, 31},
@@ -145,7 +145,7 @@ TEST(PathFaults, AQueryThatTheSystemRefuses_IsFalse)
     }
 }
 
-// A list that breaks off must not make a folder look empty.
+// A listing that breaks off must not make a folder appear empty.
 TEST(PathFaults, AListThatBreaksOff_IsNoEmptyFolder)
 {
     const TempFolder folder;
@@ -166,7 +166,7 @@ TEST(PathFaults, AFolderThatCannotBeMade_IsTold)
     EXPECT_FALSE(PreparePathForWrite(folder.Path(u"a\\b\\")));
 }
 
-// Another process makes the same folder between our look and our step: it is there, and that is all that counts.
+// Another process creates the same folder between the check and the creation: the folder exists, so the call succeeds.
 TEST(PathFaults, AFolderThatAnotherMakesFirst_IsFine)
 {
     const TempFolder folder;
