@@ -24,7 +24,7 @@ void TraceSwallowedWarning(const char* inZString, long inErrorID)
         return;
     }
     std::ostringstream line;
-    line.imbue(std::locale::classic()); // a host may have made another one global
+    line.imbue(std::locale::classic()); // the host may have set another global locale
     line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
          << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
          << " exception was swallowed." << std::endl;
@@ -43,7 +43,7 @@ void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsi
     try {
         TraceSwallowedWarning(inZString, inErrorID);
     } catch (...) {
-        // A warning never throws: a line that finds no memory, or that its sink refuses, is lost.
+        // A warning never throws: the line is lost if memory is exhausted or its sink fails.
     }
 }
 

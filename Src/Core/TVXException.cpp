@@ -20,10 +20,10 @@ TVXException::~TVXException() = default;
 
 namespace {
 
-// The default text of a ZString, as far as a message can show it.
+// Returns the default text of a ZString, or a fixed text if it is missing or too long for a message.
 const char* ShownText(const char* inZString)
 {
-    constexpr std::size_t kTooLong = 201; // from the "=" on
+    constexpr std::size_t kTooLong = 201; // counted from the "="
     const char* const equals = std::strchr(inZString, '=');
     if (equals == nullptr || equals[1] == '\0') {
         return "Unknown TVX Exception";
