@@ -1,4 +1,4 @@
-// Here the constants of the public headers become symbols of the library.
+// Emits the constants of the public headers as symbols of the library.
 #define ORL_CONSTANTS_EMIT
 
 #include <ExportedText.h>

@@ -16,7 +16,7 @@ namespace ORL {
 
 namespace {
 
-// The choices that the user has.
+// The user's choices in the alert.
 constexpr long kDebug = 0;
 constexpr long kNeverAgain = 2;
 constexpr long kNeverAgainAtAll = 4;
@@ -26,7 +26,7 @@ constexpr const char* kLineEnd = "\r\n";
 std::string AlertText(const std::string& inWhat)
 {
     std::ostringstream text;
-    text.imbue(std::locale::classic()); // a host may have made another one global
+    text.imbue(std::locale::classic()); // the host may have set another global locale
     if (!inWhat.empty()) {
         text << inWhat << kLineEnd << kLineEnd;
     }
@@ -38,7 +38,7 @@ std::string AlertText(const std::string& inWhat)
     return text.str();
 }
 
-// 1 when the user asked to debug.
+// Returns 1 if the user chose to debug.
 long AlertUnlessIgnored(Debug::IgnoreFlag& ioIgnore, const char* inWhat)
 {
     if (ioIgnore.load(std::memory_order_relaxed)) {

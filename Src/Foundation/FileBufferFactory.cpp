@@ -10,7 +10,7 @@ namespace {
 
 using Factory = InterfaceRef<IFileBufferFactory, IFileBufferFactory>;
 
-// Not destroyed at the end of the process: the module of the host's factory may be gone by then.
+// Never destroyed: at process exit the module of the host's factory may already be unloaded.
 Factory& TheFactory()
 {
     alignas(Factory) static unsigned char sMemory[sizeof(Factory)];
@@ -23,7 +23,7 @@ Factory& TheFactory()
 void SetFileBufferFactory(Factory inFactory)
 {
     const CriticalSectionLock lock(FoundationLifecycle().mLock);
-    Factory earlier(inFactory); // released before the lock is
+    Factory earlier(inFactory); // declared after the lock, so it is released while the lock is held
     earlier.Swap(TheFactory());
 }
 

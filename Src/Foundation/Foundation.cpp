@@ -11,7 +11,7 @@ namespace ORL {
 
 namespace {
 
-// What started last among these stops first, but the stop is no mirror of the start: both orders are fixed.
+// Both orders are fixed. The stop order is not the reverse of the start order.
 constexpr LifecycleStep kStart[] = {
     {"Exception::Initialize", &Exception::Initialize},
     {"Locale::Initialize", &Locale::Initialize},
