@@ -14,7 +14,7 @@ namespace {
 
 using ClassMap = std::map<Guid, ClassMapEntry>;
 
-// The two words of an identifier are random but for a few bits of each.
+// Both words of an identifier are random except for a few bits.
 struct HashOfGuid
 {
     std::size_t operator()(const Guid& inID) const noexcept
@@ -23,7 +23,8 @@ struct HashOfGuid
     }
 };
 
-// Beside the ordered map: with a thousand classes a walk down the map costs ten cache misses, a look here one or two.
+// A second index beside the ordered map: with a thousand classes, a lookup in the map costs ten cache misses, here one
+// or two.
 using ClassIndex = std::unordered_map<Guid, ClassMapEntry*, HashOfGuid>;
 using CategoryMap = std::map<Guid, std::vector<Guid>>;
 
@@ -47,7 +48,7 @@ CategoryMap& Categories()
 
 bool sWarnAboutUnregisteredClasses = true;
 
-// A class that is there already stays as it is. Throws with nothing changed.
+// An existing class stays as it is. If this throws, nothing has changed.
 void AddClass(const ClassMapEntry& inEntry)
 {
     const auto [place, isNew] = Index().try_emplace(inEntry.mClassID, nullptr);
@@ -62,7 +63,7 @@ void AddClass(const ClassMapEntry& inEntry)
     }
 }
 
-// Null for an unknown class.
+// Returns null for an unknown class.
 ClassMapEntry* FindClass(const Guid& inClassID)
 {
     const ClassIndex::const_iterator item = Index().find(inClassID);

@@ -13,7 +13,7 @@ std::atomic<ORL::CriticalSection*> sSection{nullptr};
 
 void BuildSection()
 {
-    static ORL::CriticalSection section; // its destruction comes with the end of the process
+    static ORL::CriticalSection section; // destroyed at process exit
     sSection.store(&section, std::memory_order_release);
 }
 
