@@ -22,7 +22,7 @@ constexpr long kLevel = 1;
 
 const CriticalSection sStatisticsLock;
 
-// One subject of the snapshot; each has a trace site of its own.
+// One line of the statistics. Each has its own trace site.
 struct Subject
 {
     TraceSite mSite;
@@ -89,8 +89,8 @@ const char* StateName(std::uint32_t inState)
     }
 }
 
-// Address and size appear by their low 32 bits: readers of these lines know them so. The address is put into text for
-// each region, traced or not.
+// Address and size are printed as their low 32 bits, because readers of these lines expect that. The address is
+// formatted for each region even if the trace is off.
 void TraceRegion(std::uint64_t inAddress, const Region& inRegion)
 {
     char address[16];
@@ -123,7 +123,7 @@ void TraceHeapCount(unsigned long inCount)
     }
 }
 
-// The walk is opened by its first question: where there are no statistics, nothing is looked at.
+// Opens the walk on the first query, so nothing is opened if there are no statistics.
 class SystemRegions : public RegionSource
 {
 public:

@@ -15,11 +15,11 @@ namespace {
 constexpr std::size_t kDefaultLimit = 50000000;
 constexpr std::size_t kMostSpareNodes = 16;
 
-// Changed under the foundation lock alone. A host that ends without stopping the library may have threads that use it to the
-// end.
+// Changed only under the foundation lock. Never destroyed: a host that exits without stopping the library may have
+// threads that still use it.
 Immortal<ObjectPtr<MemoryRecycler, AtomicValue>> sMemoryRecycler;
 
-// True when the host has made room and wants another try.
+// Returns true if the host has freed memory and requests another try.
 bool HostWantsAnotherTry(std::size_t inSize)
 {
     tvxcore::config::ErrorManager* const manager = tvxcore::config::ErrorManager::Get(false);
@@ -51,7 +51,7 @@ ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
     return sMemoryRecycler.mValue;
 }
 
-// The helpers are inline, since a call through the table of exported symbols costs a hit as much as all they do.
+// These helpers are inline: for a hit, a call through the table of exported symbols would cost as much as their work.
 
 inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
 {
@@ -61,7 +61,7 @@ inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
     ioBuffers.clear();
 }
 
-// Moves the oldest buffers out until the rest and inExtra more bytes are within the limit. The lock is held.
+// Moves the oldest buffers to outEvicted until the rest plus inExtra bytes fit the limit. The lock is held.
 inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
 {
     const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
@@ -92,8 +92,8 @@ inline void MemoryRecycler::Remove(Pool::iterator inAt)
     }
 }
 
-// A buffer of exactly that size, the most recent first. On a miss the pool makes room, so that what is now allocated
-// stays inside the limit although it is not in the pool.
+// Takes the most recent buffer of exactly this size. On a miss, evicts until a buffer of this size would fit: the
+// caller allocates it next, and it counts against the limit although it is not in the pool.
 inline bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted)
 {
     const CriticalSectionLock lock(mLock);
@@ -109,8 +109,8 @@ inline bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBu
     return false;
 }
 
-// False when there is no memory to remember the buffer by. The limit is seen to under the same hold of the lock: to take it
-// a second time would be a third of the cost of a buffer that goes and comes back.
+// Returns false if there is no memory for the list node. Evicts under the same lock: acquiring it twice would add a
+// third to the cost of a recycled buffer.
 inline bool MemoryRecycler::AddToPool(const MemoryBuffer& inBuffer, Pool& outEvicted)
 {
     const CriticalSectionLock lock(mLock);
@@ -172,7 +172,7 @@ void MemoryRecycler::ReconcileSize()
     ReleaseAll(evicted);
 }
 
-// Unlike the eviction, this frees with the lock held.
+// Unlike eviction, this frees buffers with the lock held.
 std::size_t MemoryRecycler::Purge(std::size_t inBytes)
 {
     const CriticalSectionLock lock(mLock);
