@@ -95,7 +95,7 @@ std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short
     return std::operator<<(ioStream, inText.c_str());
 }
 
-// The standard's own inserter of narrow text widens each byte.
+// The standard inserter for narrow text widens each byte.
 std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                const StdConstString& inText)
 {

@@ -17,13 +17,13 @@ const unsigned char* Bytes(const char* inText)
     return reinterpret_cast<const unsigned char*>(inText);
 }
 
-// A record, or none, against a text that is there.
+// Compares a record, which may be null, with a text that is not null.
 int CompareWithText(const Record* inRecord, const unsigned char* inText)
 {
     return inRecord == nullptr ? -1 : CompareBytes(inRecord->Text(), inText);
 }
 
-// Null stands for the empty text.
+// Returns the empty text for null.
 const unsigned short* UnitsOrNone(const unsigned short* inText)
 {
     static constexpr unsigned short kEmpty[] = {0};
@@ -122,7 +122,7 @@ int ImmutableString::Compare(const UTF8String& inOther) const
 int ImmutableString::Compare(const UTF16String& inOther) const
 {
     if (mRepresentation == nullptr) {
-        return -1; // whatever the text
+        return -1; // whatever the text is
     }
     return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(inOther).c_str());
 }
@@ -138,7 +138,7 @@ int ImmutableString::Compare(const unsigned short* inOther) const
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
 {
     ImmutableString handle;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // already counted for us
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // already counted for this handle
     return handle;
 }
 

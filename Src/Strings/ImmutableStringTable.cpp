@@ -14,15 +14,15 @@ namespace ORL {
 
 namespace {
 
-constexpr std::size_t kFirstPlaces = 128; // a page of them
+constexpr std::size_t kFirstPlaces = 128; // fills one page
 
-// The process's table is made on its first use and never destroyed. The pointer is atomic, so that whoever reads it sees
-// the table that it leads to: how the once-only call orders this is Boost's own, where no sanitizer looks.
+// The process's table is created on first use and never destroyed. The pointer is atomic, so that every reader sees a
+// complete table: the ordering of Boost's once-only call is invisible to sanitizers.
 alignas(ImmutableStringTable) unsigned char sRoomForTable[sizeof(ImmutableStringTable)];
 std::atomic<ImmutableStringTable*> sTable{nullptr};
 boost::once_flag sTableOnce = BOOST_ONCE_INIT;
 
-// Multiplies to 128 bits and folds the halves: every bit of the operands reaches every bit of the result.
+// Multiplies to 128 bits and XORs the halves, so that every bit of the operands affects every bit of the result.
 inline std::uint64_t Mix(std::uint64_t inLeft, std::uint64_t inRight)
 {
     __extension__ using Wide = unsigned __int128;
@@ -62,8 +62,9 @@ std::uint64_t HashOfLongText(const unsigned char* inText, std::size_t inSize, st
     return MixSixteen(last, hash);
 }
 
-// The steps of a text overlap where its size is no multiple of theirs. So a size asks for two decisions at most, and their
-// products are made side by side; a loop whose end cannot be foreseen costs more than all of them.
+// The last step overlaps the one before it if the size is not a multiple of the step. A size therefore needs at most
+// two branches, and the multiplications run in parallel. A loop with an unpredictable end would cost more than all of
+// them.
 std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)
 {
     const std::uint64_t hash = inSize ^ kFirst;
@@ -88,7 +89,7 @@ struct ExitAction
     ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeWhatNobodyHolds(); }
 };
 
-// The guard is destroyed where the system wants that of its locks; there the other threads have ended before.
+// The guard is destroyed only where the OS requires that of its locks; by then the other threads have ended.
 void MakeTable()
 {
     static const CriticalSection guard;
@@ -151,7 +152,7 @@ ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* i
     return present != nullptr ? present : EnterUnderGuard(key, inIsStatic && inText != nullptr);
 }
 
-// Null where the text is not found, or the visit not let in.
+// Returns null if the text is not found or the visit is not admitted.
 ImmutableStringTable::Record* ImmutableStringTable::EnterAsVisitor(const Key& inKey)
 {
     const SharedVisits::Visit visit(mVisits);
@@ -220,14 +221,14 @@ void ImmutableStringTable::FreeRecord(Record* inRecord)
     Allocator::Dispose(inRecord, sizeof(Record));
 }
 
-// Even: the first place of a memory line.
+// Returns an even number: the first place of a cache line.
 std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t inHash)
 {
     return inHash & (inIndex.Count() - 2);
 }
 
-// Under the guard, or in a visit. A text stands in one of the first two places as a rule, and in which one cannot be
-// foreseen: it is chosen without a branch, since a wrong guess costs more than both looks.
+// Called under the guard or in a visit. A text is usually in one of the first two places, but which one is
+// unpredictable. It is selected without a branch, because a mispredicted branch costs more than reading both.
 ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
 {
     if (mIndex.Count() == 0) {
@@ -256,11 +257,11 @@ ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Place& inPlac
     if (record == nullptr || inPlace.mHash.load(std::memory_order_relaxed) != inKey.mHash || inPlace.mSize != inKey.mSize) {
         return nullptr;
     }
-    __builtin_prefetch(record, 1); // its count is changed next; fetched while the texts are compared
+    __builtin_prefetch(record, 1); // its count changes next; fetched while the texts are compared
     return std::memcmp(inPlace.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
 }
 
-// What may throw comes before the first change that shows.
+// Everything that may throw comes before the first visible change.
 ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool inIsStatic)
 {
     MakeRoomInIndex();
@@ -304,7 +305,7 @@ void ImmutableStringTable::AddToIndex(const Places& ioIndex, Record* inRecord, c
     place.mRecord.store(inRecord, std::memory_order_release);
 }
 
-// Under the guard, with the visitors shut out. True if a record was removed.
+// Called under the guard, with visitors shut out. Returns true if a record was removed.
 bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
 {
     bool removed = false;
@@ -324,7 +325,7 @@ bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
     return removed;
 }
 
-// In place, so that a purge needs no memory.
+// Works in place, so that a purge needs no memory.
 void ImmutableStringTable::RebuildIndex()
 {
     for (Place& place : mIndex) {

@@ -26,7 +26,7 @@ bool IsDigit(unsigned short inUnit)
     return inUnit >= '0' && inUnit <= '9';
 }
 
-// Where the digits and separators of a number start: behind blanks and a sign.
+// Returns where the digits and separators of a number start: after blanks and a sign.
 std::size_t StartOfDigits(const Units& inText)
 {
     std::size_t at = 0;
@@ -36,8 +36,8 @@ std::size_t StartOfDigits(const Units& inText)
     return at < inText.size() && (inText[at] == '+' || inText[at] == '-') ? at + 1 : at;
 }
 
-// Whether groups of digits, the leftmost first, have the sizes that a locale's grouping wants: its entries count from the
-// right, the last one repeats, and the leftmost group may be short.
+// Checks that the groups of digits, leftmost first, have the sizes that the locale's grouping requires. The grouping's
+// entries count from the right, the last one repeats, and the leftmost group may be short.
 bool AreWellGrouped(const std::vector<std::size_t>& inGroups, std::size_t inCount, const std::string& inGrouping)
 {
     for (std::size_t i = 0; i < inCount; ++i) {
@@ -53,8 +53,8 @@ bool AreWellGrouped(const std::vector<std::size_t>& inGroups, std::size_t inCoun
     return true;
 }
 
-// The text up to the first separator that stands where no group ends: a reading stops at what it does not understand. The
-// standard reading would skip such a separator instead and take "1.5" for 15.
+// Returns the text up to the first separator that does not end a group, because reading stops at the first unexpected
+// character. The standard stream would skip such a separator and read "1.5" as 15.
 Units WithoutMisplacedSeparators(const Units& inText, const std::numpunct<unsigned short>& inPunctuation)
 {
     const std::string grouping = inPunctuation.grouping();
@@ -78,7 +78,7 @@ Units WithoutMisplacedSeparators(const Units& inText, const std::numpunct<unsign
     return kept == separators.size() ? inText : inText.substr(0, separators[kept]);
 }
 
-// What the reading of a double leaves; the state of the stream is not looked at.
+// Returns the value that the stream stores, even if reading failed; the state of the stream is not checked.
 double ReadNatively(const UTF16String& inText, const std::locale& inNative)
 {
     const std::locale locale = tvxcore::utility::UTF16Locale(inNative);

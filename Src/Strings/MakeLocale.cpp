@@ -13,7 +13,7 @@ namespace {
 
 using tvxcore::utility::NumberPunctuation;
 
-// A separator that one byte cannot hold is left to the wide facet; the narrow one groups by a blank.
+// A separator that does not fit in one byte is only in the wide facet; the narrow facet uses a blank.
 template <class Character>
 Character Fit(unsigned short inUnit)
 {

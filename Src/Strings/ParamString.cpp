@@ -6,7 +6,7 @@ namespace ORL {
 
 namespace {
 
-// "%" and a number, as text of either width.
+// "%" and a number, as narrow or 16-bit text.
 template <class Unit>
 class Placeholder
 {
@@ -24,7 +24,7 @@ public:
     std::size_t Size() const { return static_cast<std::size_t>(mUnits + kCapacity - mBegin); }
 
 private:
-    static constexpr std::size_t kCapacity = 11; // "%" and the ten digits of the greatest number
+    static constexpr std::size_t kCapacity = 11; // "%" and the ten digits of the largest number
     Unit mUnits[kCapacity];
     Unit* mBegin = mUnits + kCapacity;
 };

@@ -5,8 +5,8 @@
 
 namespace ORL {
 
-// A visit takes less than a microsecond, unless the visitor has lost its processor: then the writer gives up its own, and
-// in the end sleeps, since a visitor of lower priority might never run beside it.
+// A visit takes less than a microsecond unless the visitor has been preempted. The writer then yields its processor,
+// and finally sleeps, because a visitor of lower priority might never run beside a yielding writer.
 void SystemVisits::WaitForAMoment(int inTurn)
 {
     constexpr int kPauses = 200;

@@ -24,8 +24,8 @@ std::locale LocaleFor(const std::basic_ios<unsigned short>&)
     return tvxcore::utility::UTF16Locale();
 }
 
-// Taking on a fill character asks the stream's own locale for the old one first, which one that knows nothing of the
-// unit cannot answer.
+// `copyfmt` copies the fill character and first asks the stream's own locale to widen the old one; a locale without a
+// facet for the unit throws.
 template <class Unit>
 void MakeItKnowItsUnit(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)
 {
@@ -34,10 +34,10 @@ void MakeItKnowItsUnit(std::basic_ostream<Unit>& ioStream, const std::locale& in
     }
 }
 
-// Ending and rebuilding the stream where it stands would hit its neighbours in memory whenever the stream is part of a
-// larger one, as a string stream's is. Taking on the whole format of a new stream, then the buffer, leaves every
-// member as the rebuilding would, and calls the same callbacks. Neither buffer is there while a locale is set, since it
-// would be handed on to a buffer, whose locale is the caller's.
+// Destroying and reconstructing the stream in place would overwrite its neighbours in memory if it is part of a larger
+// one, as in a string stream. Copying the whole format of a new stream, then setting the buffer, resets every member in
+// the same way and calls the same callbacks. No buffer is set while the locale changes, because the stream would pass
+// the locale on to the buffer, whose locale belongs to the caller.
 template <class Unit>
 std::basic_streambuf<Unit>* Rebind(std::basic_ostream<Unit>& ioStream, std::basic_streambuf<Unit>* inBuffer)
 {

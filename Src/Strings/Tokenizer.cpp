@@ -11,7 +11,7 @@ namespace {
 
 constexpr UTF16String::size_type kLanes = 8;
 
-// Two bits for each of the eight units that equals the wanted one.
+// Returns a mask with two bits set for each of the eight units that equals the wanted one.
 unsigned EqualLanes(const unsigned short* inUnits, __m128i inWanted)
 {
     const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inUnits));
@@ -23,8 +23,8 @@ UTF16String::size_type FirstLane(unsigned inEqual)
     return static_cast<unsigned>(__builtin_ctz(inEqual)) / 2;
 }
 
-// The place of a unit at or behind inStart, or npos. Eight units a step; the last step looks again at what the one before
-// it has seen without finding anything.
+// Returns the position of a unit at or after inStart, or npos. Compares eight units at a time; the last step overlaps
+// units already compared.
 UTF16String::size_type FindUnit(const UTF16String& inText, unsigned short inUnit, UTF16String::size_type inStart)
 {
     const unsigned short* const units = inText.data();
@@ -63,7 +63,7 @@ Tokenizer::Token Tokenizer::NextToken()
     if (found == UTF16String::npos) {
         found = mText->size();
     }
-    mPosition = found + 1; // one unit, also behind a longer separator
+    mPosition = found + 1; // one unit, even after a longer separator
     if (mSkipRuns) {
         SkipRun();
     }
@@ -75,7 +75,7 @@ Tokenizer::Token Tokenizer::NextToken()
 
 void Tokenizer::SkipRun()
 {
-    // Only a separator of one unit can equal the single unit at the position.
+    // The comparison below uses one unit, so only a separator of one unit can match.
     if (mSeparator.size() != 1) {
         return;
     }
@@ -97,7 +97,7 @@ void SplitString(const UTF16String& inString, const UTF16String& inSeparator, UT
         outSecond = std::move(secondText);
         return;
     }
-    // What may throw comes before the first change that shows.
+    // Everything that may throw comes before the first visible change.
     outFirst.reserve(first.mSize);
     outSecond.reserve(second.mSize);
     outFirst.assign(first.mBegin, first.mSize);
