@@ -15,7 +15,7 @@ namespace {
 using QueueRef = SharedThreadedWorkQueue::QueueRef;
 using QueueMap = std::map<ThreadPriorities::Type, QueueRef>;
 
-// How the queues of one map are made.
+// How the queues of one map are created.
 struct Kind
 {
     int mThreadAllocationPolicy;
@@ -25,7 +25,7 @@ struct Kind
 constexpr Kind kMultiThreaded = {-1, "Multi-threaded ORL::SharedThreadedWorkQueue"};
 constexpr Kind kSingleThreaded = {0, "Single-threaded ORL::SharedThreadedWorkQueue"};
 
-SharedThreadedWorkQueue* sInstance = nullptr; // changed by atomic operations alone
+SharedThreadedWorkQueue* sInstance = nullptr; // changed only by atomic operations
 
 QueueRef Find(const QueueMap& inQueues, ThreadPriorities::Type inPriority)
 {
@@ -45,7 +45,7 @@ QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const
     try {
         ioQueues.insert(QueueMap::value_type(inPriority, queue));
     } catch (...) {
-        queue->Stop(); // nobody else will
+        queue->Stop(); // nobody else would stop it
         throw;
     }
     return queue;
@@ -76,7 +76,7 @@ SharedThreadedWorkQueue::~SharedThreadedWorkQueue()
     delete mImpl;
 }
 
-// Two threads may both make an instance; one is published, and the other's, still empty, goes again.
+// Two threads may both create an instance; one is published, and the other, still empty, is deleted.
 SharedThreadedWorkQueue* SharedThreadedWorkQueue::Instance()
 {
     SharedThreadedWorkQueue* const existing = AtomicReadPtr(sInstance);

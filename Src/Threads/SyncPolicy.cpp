@@ -18,21 +18,21 @@ constexpr int kTurnsBeforeSleep = 10;
 
 int SystemPolicy::SpinTurns()
 {
-    // With one processor the thread that is waited for cannot run while we look.
+    // With one processor the awaited thread cannot run while this one spins.
     static const int turns = Platform::CountProcessors_Impl() > 1 ? kShortTurns : 0;
     return turns;
 }
 
 int SystemPolicy::PatientTurns()
 {
-    // The machine's processors: the thread that waits may be bound to one, while the queue's threads run on the others.
+    // Counts the machine's processors: a waiter may be bound to one processor while the queue's threads run on others.
     static const int turns = std::thread::hardware_concurrency() > 1 ? kTurns : 0;
     return turns;
 }
 
-// The short turns take a few microseconds. All together take twice as long as it takes to wake a thread on an idle processor,
-// which is what they may save on either side; the longer ones give the processor to whoever wants it, since the thread that is
-// waited for may be one of these.
+// The short turns take a few microseconds. All turns together take twice the time needed to wake a thread on an idle
+// processor, because spinning can save one wake-up on either side. The longer turns yield the processor, because the
+// awaited thread may need it.
 void SystemPolicy::Pause(int inTurn)
 {
     if (inTurn < kShortTurns) {
@@ -47,7 +47,7 @@ void SystemPolicy::GiveWay(int inTurn)
     if (inTurn < kTurnsBeforeSleep) {
         std::this_thread::yield();
     } else {
-        SleepMilliseconds(1); // a yield lets no thread of lower priority run, and many that yield keep a loaded machine busy
+        SleepMilliseconds(1); // a yield runs no thread of lower priority, and many yielding threads load the machine
     }
 }
 
@@ -56,7 +56,7 @@ void SystemPolicy::SleepOn(Condition& ioCondition, MutexLock& ioLock)
     try {
         ioCondition.wait(ioLock);
     } catch (const std::bad_alloc&) {
-        // On Windows the condition variable takes memory for each wait. Destructors wait too, and must not throw.
+        // On Windows each wait on the condition variable allocates memory. Destructors wait too, and must not throw.
         ioLock.unlock();
         SleepMilliseconds(1);
         ioLock.lock();

@@ -41,8 +41,8 @@ public:
     using ThreadInfo::ThreadInfo;
 };
 
-// Written under the lock of the library's start and stop. Other threads read the first two without a lock, so they
-// are atomics; no order is wanted of them.
+// Written under the lock of the library's start and stop. Other threads read the first two without a lock, so these are
+// atomic; relaxed order is enough.
 std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
 std::atomic<bool> sInfoIndexAllocated{false};
 ThreadInfo* sMainThreadInfo = nullptr;
@@ -59,7 +59,7 @@ bool IsInfoIndexAllocated()
     return sInfoIndexAllocated.load(std::memory_order_relaxed);
 }
 
-// The trace line begins with the thread's identifier, as every line of that thread does.
+// The trace adds the thread's identifier to each line, so this line assigns a name to it.
 void TraceThread(const std::string& inName, const ThreadInfo& inInfo)
 {
     static tvxcore::debug::TraceSite sSite("ORL.ThreadManager", 1, true);
@@ -76,7 +76,7 @@ void NameThread(const ThreadInfo& inInfo)
     TraceThread(name, inInfo);
 }
 
-// The index keeps its number when the slot is freed, so a second start reports the first assertion and goes on.
+// The index keeps its number after the slot is freed, so a second start fails the first assertion and continues.
 void AllocateInfoIndex()
 {
     ORL_ASSERT_MESSAGE_AT(InfoIndex() == kNoSlot, "sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES", "", __FILE__,
@@ -150,8 +150,8 @@ ThreadInfo* GetCurrentThreadInfo()
 
 namespace {
 
-// The single place that touches the main thread's identifier, which is set once and never reset. True when the
-// calling thread is the main thread.
+// The only access to the main thread's identifier, which is set once and never reset. Returns true if the calling
+// thread is the main thread.
 bool SetOrCheckMainThreadID(bool inSet)
 {
     static std::atomic<std::uint32_t> mainThreadID{0};

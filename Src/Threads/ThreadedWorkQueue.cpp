@@ -19,7 +19,7 @@ using tvxcore::threads::AsyncThreadedExecutor;
 using tvxcore::threads::RepeatDelayFunction;
 using Request = ThreadedWorkQueue::Request;
 
-// An owning pointer that may be compared with null without a lock. All else happens under one.
+// An owning pointer. Only the comparison with null is allowed without a lock.
 class IdleFunction
 {
 public:
@@ -55,9 +55,9 @@ int ConvertThreadAllocationPolicy(int inThreadAllocationPolicy)
     return inThreadAllocationPolicy > 0 ? inThreadAllocationPolicy : 1;
 }
 
-// Runs once: the executor promises that for every function it accepts. So the count that came with the request travels
-// on with it and is paid back behind Process, and what boost::function copies on its way is a plain pointer. With a
-// counted reference in its place each queued request costs eight increments and eight decrements more.
+// Runs once: the executor guarantees that for every function it accepts. The request's reference count therefore
+// travels with this object and is released after Process, and boost::function copies only a plain pointer. A counted
+// reference instead would cost each queued request eight more increments and decrements.
 class RunOnce
 {
 public:
@@ -88,7 +88,7 @@ private:
     Request mRequest;
 };
 
-// The count of this reference now belongs to somebody else.
+// Detaches the reference without releasing its count, which now belongs to another owner.
 void GiveUpCount(Request& ioRequest)
 {
     alignas(Request) unsigned char neverDestroyed[sizeof(Request)];
@@ -140,7 +140,7 @@ bool ThreadedWorkQueue::QueueRequest(Request inRequest)
         return false;
     }
     if (!inRequest) {
-        // The thread that runs it finds the null reference and reports it.
+        // The thread that runs the request detects the null reference and reports it.
         return mImpl->mExecutor->QueueFunction(RunAgainAndAgain(inRequest), 0);
     }
     const bool isQueued = mImpl->mExecutor->QueueFunction(RunOnce(*inRequest.GetPtr()), 0);

@@ -24,7 +24,7 @@ ThreadedWorkQueueFlush::ThreadedWorkQueueFlush() : mArrivalsLeft(Rendezvous::kUn
     mDepartureGate.Open();
 }
 
-// The gates open as they go, so that no thread stays asleep at them.
+// The destructors of the gates open them, so no thread stays asleep there.
 ThreadedWorkQueueFlush::~ThreadedWorkQueueFlush() = default;
 
 void ThreadedWorkQueueFlush::Init(InterfaceRef<ThreadedWorkQueue, ORLUnknown> inQueue)
@@ -61,7 +61,7 @@ void ThreadedWorkQueueFlush::Process()
     Rendezvous::Process(*this);
 }
 
-// Gives the number of items that the queue took.
+// Returns the number of items that the queue accepted.
 unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
 {
     unsigned int queued = 0;
@@ -70,7 +70,7 @@ unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
         try {
             queuedSuccessfully = mQueue->QueueRequest(ThreadedWorkQueue::Request(this));
         } catch (const std::bad_alloc&) {
-            // An item for which there is no memory is one that the queue refused: those already queued must not wait for it.
+            // Treat exhausted memory like a refusal of the queue: the items already queued must not wait for this one.
         }
         ORL_ASSERT_IN(queuedSuccessfully, "ORL::ThreadedWorkQueueFlush::Flush");
         queued += queuedSuccessfully ? 1 : 0;

@@ -15,7 +15,7 @@ using Pool = Sync::WaitableGatePoolAlgorithm<Sync::SystemPolicy>;
 
 boost::once_flag sPoolOnce = BOOST_ONCE_INIT;
 
-// At the end of the process idle gates go, but the pool stays for threads that nobody has stopped.
+// At process exit idle gates are destroyed, but the pool stays for threads that still run.
 struct ExitAction
 {
     ~ExitAction()
