@@ -16,14 +16,15 @@ using namespace Platform;
 
 namespace {
 
-// A host that never stops the library must not have its exit wait for our threads.
+// Immortal, so that a host that never stops the library does not wait for these threads at exit.
 Immortal<boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>> sReadThreadQueueStorage;
 
 Handle sCompletionThread = nullptr;
 
 AsyncReadRequests sRequestPool;
 
-// The callback returns before the request leaves its list, so an empty list means that all callbacks have returned.
+// The callback returns before the request is removed from its list, so an empty list means that all callbacks have
+// returned.
 void Finish(AsyncReadRequest& ioRequest, std::uint32_t inBytesRead)
 {
     if (ioRequest.mCallback != nullptr) {
@@ -41,12 +42,11 @@ void FailToStart(AsyncReadRequest& ioRequest, SystemError inError)
     Finish(ioRequest, 0);
 }
 
-// Reads that were started one right after the other, and go to the system together. Touched by the executor's thread
-// alone.
+// Reads started in quick succession, submitted to the system together. Only the executor's thread uses it.
 class HeldBackReads
 {
 public:
-    /// True when no more fit in.
+    /// Returns true if it is full.
     bool Add(AsyncReadRequest& ioRequest)
     {
         mRequests[mCount++] = &ioRequest;
@@ -74,11 +74,11 @@ private:
 
 HeldBackReads sHeldBack;
 
-// Starts that the executor holds, or more: it is raised only after the executor has accepted one, so while it is above
-// zero another start is sure to come, and a read that waits for it is sure to be submitted.
+// At most the number of starts in the executor's queue. It is incremented only after the executor has accepted a start,
+// so while it is above zero another start will run, and a held-back read will be submitted.
 std::atomic<int> sQueuedStarts{0};
 
-// A read that completes with a failure ends the thread, like the packet of TerminateAsyncFileOperations.
+// A read that completes with a failure ends the thread, as does the empty packet of TerminateAsyncFileOperations.
 void DrainPort(void* inPort)
 {
     Completion completion{};
@@ -101,7 +101,7 @@ void TracePort()
     }
 }
 
-// Without the thread no read would ever end, so the machinery does not start without it.
+// Without this thread no read would ever complete, so the machinery does not start without it.
 void StartCompletionThread()
 {
     const SystemError error =
@@ -126,7 +126,7 @@ void StartOfRead::operator()() const
 {
     const SystemError error = StartRead_Impl(mFile, mRequest->mBuffer, mRequest->mSize, &mRequest->mOverlapped);
     const bool isStarted = error == SystemErrors::kNoError || error == SystemErrors::kErrorIoPending;
-    // The port delivers a started read, and its request may be gone as soon as it is submitted.
+    // Once submitted, the read completes through the port, and its request may already be freed.
     const bool isFull = isStarted && sHeldBack.Add(*mRequest);
     const bool moreFollow = sQueuedStarts.fetch_sub(1, std::memory_order_relaxed) > 1;
     if (!isStarted || isFull || !moreFollow) {

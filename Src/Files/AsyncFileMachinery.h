@@ -1,4 +1,4 @@
-// What all readers of the process share: one port, one thread that drains it, one executor that starts reads.
+// The state that all readers of the process share: one port, one thread that drains it, one executor that starts reads.
 #pragma once
 
 #include <AsyncFileReaderImpl.h>
@@ -13,11 +13,10 @@ namespace AsyncFiles {
 /// Null while the machinery is not running.
 extern Platform::Handle sCompletionPort;
 
-/// Every read is started on its one thread. Empty while the machinery is not running.
+/// Starts every read on its one thread. Empty while the machinery is not running.
 extern boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue;
 
-/// The start of one read, as it travels through the executor: small enough that a boost::function holds it without
-/// memory of its own.
+/// The start of one read, as queued in the executor: small enough that a boost::function stores it without allocating.
 struct StartOfRead
 {
     Platform::Handle mFile;
@@ -26,7 +25,7 @@ struct StartOfRead
     void operator()() const;
 };
 
-/// Called for each StartOfRead that the executor has accepted, after it has.
+/// Must be called for each StartOfRead, after the executor has accepted it.
 void CountQueuedStart();
 
 } // namespace AsyncFiles

@@ -1,4 +1,4 @@
-// A directory as an object: what can be asked of it, and what is made and removed on disk.
+// A directory as an object: queries, creation and removal.
 #include <ORLDirectory.h>
 
 #include <PathForms.h>
@@ -59,8 +59,8 @@ bool Directory::IsDirectoryWriteable() const
     return TakesNewFiles(mPath);
 }
 
-// The status of the path service goes through the table as it is. It is no number of that table, so every failure
-// comes out as the general one.
+// The status of the path service is mapped like a system error. It is not one of those numbers, so every failure
+// becomes kGeneralFailure.
 Result Directory::CreateOnDisk(const UTF16String& inPath, bool)
 {
     const unsigned long status = Platform::PrepareForWrite_Impl(PathUtils::ToNormalizedPath(inPath));
@@ -73,7 +73,7 @@ Result Directory::Delete(const UTF16String& inPath)
     return error == SystemErrors::kNoError ? kSuccess : Win::SystemErrorToORLResult(error);
 }
 
-// A failed query has every bit set, so what cannot be asked counts as read-only.
+// A failed query returns all bits set, so a path that cannot be queried counts as read-only.
 bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
 {
     ORL_INPUT_CONTRACT_AT(IsValidPath(inFullPath), "WinPathUtils", __LINE__);
@@ -81,7 +81,7 @@ bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
         return false;
     }
     if (IsDirectory(inFullPath)) {
-        return !TakesNewFiles(inFullPath); // one that goes meanwhile takes none
+        return !TakesNewFiles(inFullPath); // false too if the directory is removed meanwhile
     }
     const UTF16String path =
         IsNormalizedPath(inFullPath) ? RemoveTrailingSlash(inFullPath) : ToNormalizedPath(inFullPath);

@@ -1,4 +1,4 @@
-// What a directory holds.
+// Listing the contents of a directory.
 #include <ORLDirectory.h>
 
 #include <Platform/Directory.h>
@@ -36,15 +36,15 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
 
 using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-// A directory that may not be read counts as empty, and so does the root of a volume without any entry.
+// A directory without read permission counts as empty, and so does the root of a volume without any entry.
 bool CountsAsEmpty(SystemError inError)
 {
     using namespace SystemErrors;
     return inError == kErrorAccessDenied || inError == kErrorFileNotFound || inError == kErrorPathNotFound;
 }
 
-// Opening takes the place of asking first whether the directory is there and holds anything: a listing that cannot begin
-// tells the first, one without entries the second. Null for a directory that counts as empty.
+// Opening the listing replaces two queries: it fails if the directory does not exist, and has no entries if it is
+// empty. Returns null for a directory that counts as empty.
 ListingPtr OpenListing(const UTF16String& inDirectory)
 {
     Listing* listing = nullptr;
@@ -61,8 +61,8 @@ ListingPtr OpenListing(const UTF16String& inDirectory)
     return nullptr;
 }
 
-/// Goes through a directory, and calls ioSink(path, kind) for each entry. The depth of the tree costs neither stack nor, where
-/// they are few, handles.
+/// Walks a directory and calls ioSink(path, kind) for each entry. A deep tree needs no more stack and, on systems with
+/// few handles, no more handles.
 template <class Sink>
 class Walker
 {
@@ -95,7 +95,7 @@ private:
 
     bool IsAtLimit() const { return mLimit != Directory::kNoLimit && mCount >= mLimit; }
 
-    // False where there is nothing to walk.
+    // Returns false if there is nothing to walk.
     bool Enter(const UTF16String& inPath, EntryKind inKind)
     {
         ListingPtr listing = OpenListing(inPath);
@@ -106,7 +106,7 @@ private:
         return isOpen;
     }
 
-    // Reads the next entry of the deepest directory into mEntry and mPath. False at the end.
+    // Reads the next entry of the deepest directory into mEntry and mPath. Returns false at the end.
     bool Next()
     {
         const Level& level = mLevels.back();
@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // What the kind leaves open is asked, and only a link leads back.
+    // An unknown kind is queried here. Only then can the entry be a link that leads back to an open level.
     bool EnterEntry()
     {
         if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && LeadsBack())) {
@@ -138,7 +138,7 @@ private:
                            [this](const Level& inLevel) { return IsSameDirectory_Impl(mPath, inLevel.mPath); });
     }
 
-    // A directory follows what it holds; the one that the walk began with is not listed itself.
+    // A directory is reported after its contents; the one where the walk began is not reported.
     void Leave()
     {
         const Level left = std::move(mLevels.back());

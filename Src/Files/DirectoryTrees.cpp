@@ -1,4 +1,4 @@
-// Whole trees, by the shell's file operation.
+// Whole trees, through the shell's file operation.
 #include <ORLDirectory.h>
 
 #include <Platform/Directory.h>
@@ -15,14 +15,14 @@ using namespace Directories::Platform;
 constexpr const char* kFunction = "ORL::`anonymous-namespace'::FileOperation";
 constexpr const char* kMessage = "UNC paths are not supported by SHFileOperation!";
 
-// The shell takes plain paths alone. What the directory holds is operated on, not the directory.
+// The shell accepts plain paths only. The operation applies to the contents of the directory, not to the directory.
 Result FileOperation(const UTF16String& inSource, const UTF16String& inDestination, ShellFunction inFunction)
 {
     if (PathUtils::IsNormalizedPath(inSource)) {
         ORL_ASSERT_MESSAGE_AT(false, "false", kMessage, "WinDirectory", __LINE__, kFunction);
         return kPathNotFound;
     }
-    // It broke a contract above. The pattern alone would mean the current folder.
+    // An empty path has already failed a contract check above. The pattern alone would mean the current folder.
     if (inSource.empty()) {
         return kPathNotFound;
     }

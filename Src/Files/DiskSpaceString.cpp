@@ -1,4 +1,4 @@
-// A size in bytes as a short text.
+// Formats a size in bytes as a short text.
 #include <ORLDiskUtils.h>
 
 #include <string>
@@ -11,15 +11,15 @@ namespace DiskUtils {
 
 namespace {
 
-// The number as the user's locale writes it.
+// Returns the number in the format of the user's locale.
 UTF16String Fraction(unsigned __int64 inBytes, unsigned __int64 inUnit, std::size_t inDigits)
 {
-    // The units are powers of two, so this is exact but for what a double cannot hold of the bytes.
+    // The units are powers of two, so only the conversion of the bytes to double can round.
     const double number = static_cast<double>(inBytes) / static_cast<double>(inUnit);
     return tvxcore::utility::NumberToString(number, 1, inDigits, tvxcore::utility::Flags<unsigned short>(), 31);
 }
 
-// Digits alone, in no locale.
+// Returns the digits only, independent of the locale.
 UTF16String Whole(unsigned __int64 inNumber)
 {
     return tvxcore::utility::AsciiToUTF16(std::to_string(inNumber).c_str());

@@ -47,7 +47,7 @@ Result GetMaxFileSize(const UTF16String& inPath, unsigned __int64& outSize, cons
     if (error != SystemErrors::kNoError) {
         return ResultOf(error);
     }
-    // What fits in 32 bits fits in a file of any file system.
+    // A file of 32-bit size fits on any file system.
     if (free > kLargestFATFile) {
         UTF16String name;
         error = inQueries.mGetFileSystemName(volume, name);

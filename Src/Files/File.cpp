@@ -16,7 +16,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// Whether others are kept from changing what the blocks of a cache hold, and the caller has no cache of its own.
+// Returns true if no other handle may write while cached blocks are in use, and the caller has not requested unbuffered
+// access.
 bool MayUseBuffer(FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileAttributesFlags::Type inAttributes)
 {
@@ -69,7 +70,7 @@ Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAcces
     if (MayUseBuffer(inAccess, inShareMode, inAttributes) && mImpl->SetUpBuffer(inFullPath)) {
         attributes = attributes | FileAttributesFlags::kFileAttribute_NoBuffering;
     }
-    // Where the open fails the buffer stays, as hosts know it; without an open file nothing uses it.
+    // If the open fails, the buffer stays, because hosts expect that; without an open file nothing uses it.
     return ResultOf(CreateFile_Impl(PathUtils::ToNormalizedPath(inFullPath), SystemAccess(inAccess),
                                     SystemShareMode(inShareMode), SystemDisposition(inDisposition),
                                     SystemFlags(attributes), mImpl->mHandle));

@@ -1,5 +1,5 @@
-// Reading through the blocks that a host's buffer keeps. The handle goes past the system's cache, so it is only ever
-// read in whole blocks at block positions.
+// Reads through the blocks that a host's buffer keeps. The handle bypasses the system's cache, so it is only read in
+// whole blocks at block positions.
 #include <FileImpl.h>
 
 #include <ORLDebug.h>
@@ -13,7 +13,7 @@ using namespace Files::Platform;
 
 namespace {
 
-// What a read gives at most: it ends at the end of the file.
+// Returns the bytes to read: inCount, or less at the end of the file.
 std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint64_t inSize)
 {
     if (inStart + inCount <= inSize) {
@@ -24,8 +24,8 @@ std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint6
 
 } // namespace
 
-// The block as the buffer holds it, else as it is on disk, which is then offered to the buffer. A last block is asked
-// for whole too, and comes short; nobody looks at the bytes behind the end.
+// Returns the block from the buffer, or else reads it from disk and offers it to the buffer. The last block is
+// requested whole too and is read short; the bytes after the end are never used.
 Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlock)
 {
     if (ResultSucceeded(mFileBuffer->GetBlock(inBlockPosition, outBlock)) && outBlock) {
@@ -71,7 +71,7 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
     return kSuccess;
 }
 
-// Where a seek leads: between 0 and the size. An offset from the end counts backwards whatever its sign.
+// Returns the target of a seek, between 0 and the size. An offset from the end counts backwards whatever its sign.
 std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const
 {
     const std::int64_t size = static_cast<std::int64_t>(GetSize());

@@ -1,4 +1,4 @@
-// Deleting, copying and moving whole files.
+// Deletes, copies and moves whole files.
 #include <FileImpl.h>
 
 #include <ORLPathUtils.h>
@@ -26,7 +26,7 @@ bool TellProgress(std::uint64_t inTotal, std::uint64_t inTransferred, void* inPr
     return progress.mCallback(static_cast<float>(inTransferred) / static_cast<float>(inTotal), progress.mData);
 }
 
-// Narrower than the mapping of all other operations: what is left of a copy's failures is mostly a full disk.
+// Maps fewer errors than the other operations do: most other failures of a copy are a full disk.
 Result ResultOfCopy(SystemError inError)
 {
     switch (inError) {

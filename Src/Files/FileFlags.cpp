@@ -1,4 +1,4 @@
-// The library's flags as the system's words.
+// Converts the library's flags to the system's flags.
 #include <FileImpl.h>
 
 namespace ORL {

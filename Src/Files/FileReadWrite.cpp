@@ -1,4 +1,4 @@
-// Reading, writing and the position, where the system keeps it.
+// Reads, writes and seeks at the position that the system keeps.
 #include <FileImpl.h>
 
 #include <ORLDebug.h>
@@ -10,8 +10,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// A seek counts as failed when the system's answer is this. It is 0 when the system refuses a seek, so refused seeks
-// are successes; hosts rely on it.
+// A seek fails only if the system returns this. It returns 0 for a refused seek, so refused seeks succeed; hosts rely
+// on it.
 constexpr int kFailedSeek = -1;
 
 Result ResultOfSeek(int inAnswer)
@@ -43,7 +43,7 @@ Result File::PrivateImpl::SetFilePointer(std::int64_t inOffset, FilePointerMoveM
 {
     if (mFileBuffer) {
         mPosition = TargetOf(inOffset, inMethod);
-        // The system would refuse it, and a read seeks for itself.
+        // The system would refuse this position, and each read seeks by itself.
         if (mPosition % mBlockSize != 0) {
             return kSuccess;
         }

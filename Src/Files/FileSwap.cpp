@@ -1,4 +1,4 @@
-// A finished temporary file in the place of the real one, and names for temporary files.
+// Replaces a file by a finished temporary file, and makes names for temporary files.
 #include <FileImpl.h>
 
 #include <ORLDebug.h>
@@ -32,7 +32,7 @@ Result File::SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRe
         return kPathNotFound;
     }
     const UTF16String backup = PathUtils::ToNormalizedPath(MakeUniqueTempPath(inRealPath));
-    // What cannot be deleted stays behind; the swap is done all the same.
+    // A backup that cannot be deleted stays; the swap succeeds all the same.
     return ResultOf(ReplaceFile_Impl(PathUtils::ToNormalizedPath(inRealPath), PathUtils::ToNormalizedPath(inTempPath),
                                      backup, BackupEnd::kIsDeleted));
 }

@@ -1,4 +1,4 @@
-// Sizes and times, of open files and by name.
+// Sizes and times, of open files and by path.
 #include <FileImpl.h>
 
 #include <ORLDebug.h>
@@ -64,7 +64,7 @@ Result File::GetLastModificationTime(const UTF16String& inPath, unsigned __int64
 
 Result File::GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime)
 {
-    // A directory opens with backup semantics alone.
+    // A directory can only be opened with backup semantics.
     return GetTimeThroughFile(inPath,
                               PathUtils::IsDirectory(inPath) ? FileAttributesFlags::kFileAttribute_BackupSemantics
                                                              : FileAttributesFlags::kFileAttribute_NoBuffering,

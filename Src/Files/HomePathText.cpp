@@ -80,7 +80,7 @@ const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept
 
 namespace {
 
-// The length of what both paths begin with, up to the end of a name.
+// Returns the length of the common prefix, up to the end of a name.
 std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
 {
     if (IsUNC(inLeft) != IsUNC(inRight)) {
@@ -98,11 +98,11 @@ std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
             break;
         }
     }
-    // Two units are taken for a drive, whose backslash belongs to it.
+    // Two units are assumed to be a drive, which includes its backslash.
     return length == 2 ? 3 : length;
 }
 
-// One step up for each name from inAt on.
+// Returns one step up for each name from inAt on.
 UTF16String StepsUp(const UTF16String& inFrom, std::size_t inAt)
 {
     UTF16String steps;
@@ -132,7 +132,7 @@ bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16Str
     }
     UTF16String relative = StepsUp(from, common);
     if (common < to.size()) {
-        // What is left of the target keeps the backslash before it.
+        // The rest of the target keeps the backslash before it.
         relative += to.substr(to[common] == '\\' ? common : common - 1);
     }
     if (relative.size() >= kMaxPath) {
@@ -153,7 +153,7 @@ bool IsRoot(const UTF16String& inPath) noexcept
 
 namespace {
 
-// An empty name and dots name no share.
+// An empty name, "." and ".." are not share names.
 bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEnd) noexcept
 {
     return inEnd - inFrom > 2
@@ -161,7 +161,7 @@ bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEn
                            inPath.begin() + static_cast<std::ptrdiff_t>(inEnd), [](Unit inUnit) { return inUnit == '.'; });
 }
 
-// The length of the part that ".." cannot take away, its backslash included: "X:\", "\\server\share\", "\".
+// Returns the length of the part that ".." cannot remove, with its backslash: "X:\", "\\server\share\", "\".
 std::size_t RootLength(const UTF16String& inPath)
 {
     if (IsUNC(inPath)) {
@@ -177,7 +177,7 @@ std::size_t RootLength(const UTF16String& inPath)
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);
 }
 
-// Takes the last name away, with the backslash behind it, but nothing of the root.
+// Removes the last name with the backslash after it, but nothing of the root.
 void GoUp(UTF16String& ioPath, std::size_t inRoot)
 {
     if (ioPath.size() > inRoot) {
@@ -185,7 +185,7 @@ void GoUp(UTF16String& ioPath, std::size_t inRoot)
     }
 }
 
-// Resolves "." and ".." behind the root. One at the end leaves no backslash behind.
+// Resolves "." and ".." after the root. One at the end leaves no trailing backslash.
 UTF16String Canonical(const UTF16String& inPath)
 {
     const std::size_t root = RootLength(inPath);

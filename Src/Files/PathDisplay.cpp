@@ -1,4 +1,4 @@
-// Paths in the words that the shell shows to a user.
+// Paths as the shell displays them to a user.
 #include <PathForms.h>
 #include <Platform/Paths.h>
 
@@ -11,7 +11,7 @@ namespace PathUtils {
 
 namespace {
 
-// From this length on the shell is left out: its objects take plain paths of a limited length.
+// The shell is not called for paths of this length or more: its objects accept only plain paths of limited length.
 constexpr std::size_t kTooLongForShell = 261;
 
 UTF16String TakeWhole(UTF16String& ioPath)
@@ -21,7 +21,8 @@ UTF16String TakeWhole(UTF16String& ioPath)
     return whole;
 }
 
-// The plain leaf of a path that the shell does not take. One that ends in a backslash is given whole and stays.
+// Returns the plain leaf of a path that the shell does not accept, and removes it from ioPath. A path that ends in a
+// backslash is returned whole and not changed.
 UTF16String TakePlainLeaf(UTF16String& ioPath)
 {
     const std::size_t backslash = ioPath.rfind('\\');
@@ -33,7 +34,7 @@ UTF16String TakePlainLeaf(UTF16String& ioPath)
     return leaf;
 }
 
-// \\server\share and what is shorter.
+// True for \\server\share and for shorter paths of this kind.
 bool IsShareOrServer(const UTF16String& inPath)
 {
     return inPath.compare(0, 2, TVX_UTF16("\\\\")) == 0 && std::count(inPath.begin(), inPath.end(), '\\') < 4;
@@ -53,7 +54,7 @@ UTF16String GetLeafDisplayName(UTF16String& ioPath)
     UTF16String name(ioPath, backslash + 1);
     const UTF16String whole = ioPath;
     ioPath.resize(backslash);
-    // Where the shell fails the plain leaf stands.
+    // If the shell fails, the plain leaf stays.
     Platform::GetShellName_Impl(whole, name);
     return name;
 }
@@ -78,7 +79,7 @@ UTF16String GetDisplayStringFromPath(const UTF16String& inPath)
         const std::size_t size = path.size();
         UTF16String name = GetLeafDisplayName(path);
         if (path.size() == size) {
-            // A long path that ends in a backslash: it was taken whole, and there is nothing to walk up to.
+            // A long path that ends in a backslash has been returned whole; its parents are not displayed.
             path.clear();
         }
         display = display.empty() ? std::move(name) : name + UTF16String(1, '\\') + display;

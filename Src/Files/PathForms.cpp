@@ -1,4 +1,4 @@
-// The forms of a path, and the way between them.
+// The forms of a path, and the conversions between them.
 #include <PathForms.h>
 
 #include <ORLDebug.h>
@@ -18,7 +18,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
     return inPath.size() >= size && std::equal(inText, inText + size, inPath.begin());
 }
 
-// A letter and ":" at inAt. The letter is an ASCII one.
+// Returns true if an ASCII letter and ":" are at inAt.
 bool HasDriveAt(const UTF16String& inPath, std::size_t inAt) noexcept
 {
     if (inPath.size() < inAt + 2 || inPath[inAt + 1] != ':') {

@@ -1,4 +1,4 @@
-// Paths made of parts and of other paths.
+// Builds paths from parts and from other paths.
 #include <PathForms.h>
 #include <Platform/Paths.h>
 
@@ -14,15 +14,15 @@ namespace PathUtils {
 
 namespace {
 
-// "_" and the number, and the extension behind them.
+// Appends the number and the extension.
 UTF16String Numbered(UTF16String inName, unsigned int inNumber, const UTF16String& inExtension)
 {
     inName += tvxcore::utility::AsciiToUTF16(std::to_string(inNumber).c_str());
     return inName += inExtension;
 }
 
-// The directory that the search for a relative path starts from or leads to, without its drive. False when nothing
-// stands behind the drive.
+// Returns in outDirectory the directory that the relative path starts from or leads to, without its drive. Returns
+// false if nothing follows the drive.
 bool DirectoryBehindDrive(const UTF16String& inPath, UTF16String& outDirectory)
 {
     UTF16String path = inPath;

@@ -8,8 +8,8 @@ namespace PathUtils {
 
 namespace {
 
-// The length up to the terminator. A path hardly ever holds one inside, so four units are looked at together: a unit
-// is 0 where taking 1 from it borrows.
+// Returns the length up to the terminator. A path rarely contains one, so this tests four units at a time: a unit is 0
+// if subtracting 1 from it borrows.
 std::size_t LengthToTerminator(const unsigned short* inText, std::size_t inSize) noexcept
 {
     std::size_t i = 0;
@@ -38,7 +38,7 @@ PathParts::PathParts(const UTF16String& inPath) noexcept
     const unsigned short* text = inPath.data();
     mEnd = LengthToTerminator(text, inPath.size());
     mDrive = mEnd >= 2 && text[1] == ':' ? 2 : 0;
-    // From the end, since the file name is the shortest part.
+    // Scans from the end, because the file name is the shortest part.
     mExtension = mEnd;
     mFile = mEnd;
     while (mFile > mDrive && !IsSeparator(text[mFile - 1])) {

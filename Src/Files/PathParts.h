@@ -1,4 +1,4 @@
-// Where the parts of a path begin and end.
+// Finds where the parts of a path begin and end.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -9,7 +9,7 @@ namespace ORL {
 namespace PathUtils {
 
 /// Positions within a path: [0, drive) is the drive, [drive, file) the directory, [file, extension) the file and
-/// [extension, end) the extension. The parts themselves are cut from the text that the positions were taken from.
+/// [extension, end) the extension. To cut the parts, pass the text that the positions were computed from.
 class PathParts
 {
 public:

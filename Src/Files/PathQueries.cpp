@@ -1,4 +1,4 @@
-// What the file system says of a path.
+// Queries the file system about a path.
 #include <PathForms.h>
 #include <Platform/Paths.h>
 
@@ -19,7 +19,7 @@ bool ExistsOnDisk(const UTF16String& inFullPath)
     if (!IsRootedPath(path)) {
         return false;
     }
-    // The root of a drive is no entry of any directory.
+    // The root of a drive is not an entry of any directory.
     return Platform::FindEntry_Impl(path) || IsDirectory(path);
 }
 
@@ -35,7 +35,7 @@ bool IsDirectoryEmpty(const UTF16String& inFullPath)
     return IsRootedPath(inFullPath) && Platform::IsDirectoryEmpty_Impl(ToNormalizedPath(inFullPath));
 }
 
-// A failure has every bit set, so what does not exist counts as hidden.
+// A failed query returns all bits set, so a path that does not exist counts as hidden.
 bool IsHidden(const UTF16String& inPath)
 {
     return IsRootedPath(inPath) && (Platform::GetFileAttributes_Impl(inPath) & Platform::kAttributeHidden) != 0;
@@ -64,8 +64,8 @@ UTF16String GetTempDirectoryFrom(GetTempPathFunction inGetTempPath)
         return UTF16String(buffer.data());
     }
     buffer.assign(needed + 1, 0);
-    // The sense of this answer is the reverse of what one would expect. Hosts know a long path as an empty one with an
-    // assertion, so it stays.
+    // This condition is inverted: success asserts and returns an empty text. It stays, because hosts expect an empty
+    // path and an assertion for a long path.
     if (inGetTempPath(needed, buffer.data()) == 0) {
         return UTF16String(buffer.data());
     }

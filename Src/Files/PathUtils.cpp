@@ -15,7 +15,7 @@ ORL_EXPORTED_TEXT(kIllegalFilenameCharactersDisplay, "_ZN3ORL9PathUtils33kIllega
 
 namespace {
 
-// The searches of this file may run before the constants above are built, so nothing of them needs those.
+// Functions of this file may run before the constants above are constructed, so none of them uses those.
 constexpr char kIllegalFilenameCharacters[] = "\\/:*?\"<>|";
 
 bool IsIllegal(unsigned short inUnit) noexcept
@@ -61,7 +61,7 @@ void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* ou
 {
     const PathParts parts(inPath);
     const unsigned short* text = inPath.data();
-    // An output may be the path, so all are made before the first is written.
+    // An output may be the path itself, so all parts are cut before the first is written.
     UTF16String drive = outDrive != nullptr ? parts.Drive(text) : UTF16String();
     UTF16String directory = outDirectory != nullptr ? parts.Directory(text) : UTF16String();
     UTF16String file = outFile != nullptr ? parts.File(text) : UTF16String();

@@ -12,7 +12,7 @@ bool BeginsWith(const UTF16String& inPath, const unsigned short* inText)
     return inPath.compare(0, std::char_traits<unsigned short>::length(inText), inText) == 0;
 }
 
-// The server and share part of \\?\UNC\server\share\.... Empty where the share is missing.
+// Returns the server and share part of \\?\UNC\server\share\..., or an empty text if the share is missing.
 UTF16String ServerAndShare(const UTF16String& inPath)
 {
     constexpr std::size_t kServer = 8;
@@ -32,7 +32,7 @@ bool IsTwoBackslashes(const UTF16String& inPath)
     return inPath == TVX_UTF16("\\\\");
 }
 
-// Drops names from the end until a root is left, or nothing more can be dropped.
+// Drops names from the end until only a root is left, or nothing more can be dropped.
 void WalkUpToRoot(UTF16String& ioPath)
 {
     while (!IsTwoBackslashes(ioPath) && !Platform::IsRoot_Impl(ioPath)) {
