@@ -9,7 +9,8 @@ namespace ORL {
 
 namespace {
 
-// The library's texts are quoted, not its objects and arrays: one that is under construction when memory runs out is lost.
+// The library only quotes texts; its objects and arrays are not used, because one under construction leaks when memory
+// runs out.
 std::string Quoted(const UTF16String& inText)
 {
     const UTF8String text = tvxcore::utility::UTF16to8(inText);
@@ -20,7 +21,8 @@ std::string Quoted(const UTF16String& inText)
 
 void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollector::Collection& inCollection)
 {
-    // Written name by name: two names that differ only in half surrogate pairs would be one key of a JSON value.
+    // Written name by name: as keys of a JSON value, two names that differ only in unpaired surrogates would be one
+    // key.
     ioStream << '{';
     const char* afterName = "";
     for (const auto& [name, results] : inCollection) {

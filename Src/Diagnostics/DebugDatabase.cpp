@@ -15,7 +15,7 @@ namespace ORL {
 namespace {
 
 DebugDatabase* sInstance = nullptr;
-std::int32_t sInstanceCount = 0; // 0 or 1: only the making adds to it
+std::int32_t sInstanceCount = 0; // 0 or 1: only Instance() increments it
 
 constexpr char kCacheSubKey[] = "DebugCache\\";
 
@@ -35,7 +35,7 @@ const UTF16String& FullPath()
     return sFullPath.mValue;
 }
 
-// A failure shows in the operations on the key, which then is closed.
+// If this fails, the key is closed and the operations on it fail.
 void OpenCacheKey(RegistryKey& outKey)
 {
     outKey.Create(RegistryRootKeys::kUser, FullPath());
