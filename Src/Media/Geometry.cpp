@@ -14,7 +14,7 @@ namespace Geometry {
 
 namespace {
 
-// One row of the elimination. y2 and u take the row's factor and right side; both stay 0 where the row is left out.
+// Eliminates one row. y2 and u receive the row's factor and right side, or 0 if the row is skipped.
 void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, float* u)
 {
     u[i] = y2[i] = 0;
@@ -32,8 +32,8 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
     u[i] = static_cast<float>((6.0 * u[i] / width - sig * u[i - 1]) / p);
 }
 
-// Null if there is no memory. The compiler's check of an array's size throws even from the non-throwing form, so sizes
-// beyond any memory do not reach it.
+// Returns null if memory is exhausted. The compiler's check of an array's size throws even in the non-throwing form, so
+// larger sizes are refused here.
 std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
 {
     constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
@@ -48,7 +48,7 @@ bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2)
         ORL_ASSERT_AT(x && y && n && y2, "Geometry", 111, "ORL::Geometry::SolveNaturalCubicSpline2D");
         return false;
     }
-    // One point needs no array, but its first element is set all the same.
+    // One point needs no array, but its first element is written anyway.
     const std::unique_ptr<float[]> work = AllocateFloats(std::max<std::size_t>(n - 1, 1));
     float* const u = work.get();
     if (u == nullptr) {
@@ -104,7 +104,7 @@ Point Difference(const Point& inTo, const Point& inFrom)
     return {Wrapping::Subtract(inTo.x, inFrom.x), Wrapping::Subtract(inTo.y, inFrom.y)};
 }
 
-// C runtimes differ in the sign of the root of a negative number.
+// C runtimes differ in the sign of the NaN that the root of a negative number yields.
 float Length(const Point& inVector)
 {
     const std::int32_t square = Dot(inVector, inVector);

@@ -15,7 +15,7 @@ struct State
     std::uint32_t c;
 };
 
-// lookup2's mix.
+// The mix step of lookup2.
 inline void MixStep(State& ioState)
 {
     std::uint32_t a = ioState.a;
@@ -33,7 +33,7 @@ inline void MixStep(State& ioState)
     ioState = {a, b, c};
 }
 
-// One load on this processor, whatever the address.
+// Compiles to one load on this processor, aligned or not.
 inline std::uint32_t WordAt(const unsigned char* inBytes)
 {
     std::uint32_t word;
@@ -41,7 +41,7 @@ inline std::uint32_t WordAt(const unsigned char* inBytes)
     return word;
 }
 
-// Up to four bytes, the first in the lowest place.
+// Returns up to four bytes as a word, little-endian.
 std::uint32_t WordOfTail(const unsigned char* inBytes, std::size_t inCount)
 {
     std::uint32_t word = 0;
@@ -51,7 +51,7 @@ std::uint32_t WordOfTail(const unsigned char* inBytes, std::size_t inCount)
     return word;
 }
 
-// The low byte of c belongs to the length.
+// The low byte of c is reserved for the length.
 void AddTail(State& ioState, const unsigned char* inBytes, std::size_t inCount)
 {
     if (inCount > 8) {

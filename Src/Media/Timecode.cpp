@@ -37,7 +37,7 @@ Timecode::Timecode(const Timecode& inOther)
 
 Timecode& Timecode::operator=(const Timecode& inOther)
 {
-    // The new record is whole before the old one goes, so an object may be assigned to itself.
+    // The new record is complete before the old one is destroyed, so self-assignment is safe.
     Timecode copy(inOther);
     mPrivateImpl.swap(copy.mPrivateImpl);
     return *this;

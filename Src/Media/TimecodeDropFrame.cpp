@@ -13,8 +13,8 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// An hour is six blocks of ten minutes. The first minute of a block has all its labels, and each of the other nine
-// lacks the first ones, which brings the labels of an hour back to the clock within 3.6 milliseconds.
+// An hour is six blocks of ten minutes. The first minute of a block has all its labels; each of the other nine drops
+// its first labels. This keeps the labels within 3.6 milliseconds of the clock each hour.
 struct DropFrame
 {
     long long mLabelsPerSecond;
@@ -37,7 +37,7 @@ static_assert(kNTSC_HD.Hour() == 215784 && kNTSC_HD.TenMinutes() == 35964 && kNT
                   && kNTSC_HD.OtherMinute() == 3596 && kNTSC_HD.FirstSecond() == 56,
               "the counts of 59.94 drop-frame");
 
-// Frames from the start of a ten-minute block to a label in one of its last nine minutes.
+// Returns the frames from the start of a ten-minute block to a label in one of its last nine minutes.
 long long CountInShortMinute(const DropFrame& inDrop, int inOnes, int inSeconds, long long inFrames)
 {
     const long long start = inDrop.FirstMinute() + (inOnes - 1LL) * inDrop.OtherMinute();
@@ -52,7 +52,7 @@ long long CountInShortMinute(const DropFrame& inDrop, int inOnes, int inSeconds,
     return start;
 }
 
-// With constants for the counts, so that no division takes a division's time.
+// The counts are template arguments, so divisions compile to multiplications.
 template <long long kLabelsPerSecond, long long kLabelsDropped>
 void CountToHMSF(unsigned long long inRest, int& outHours, int& outMinutes, int& outSeconds, long long& outFrames)
 {
@@ -69,7 +69,7 @@ void CountToHMSF(unsigned long long inRest, int& outHours, int& outMinutes, int&
     if (rest >= firstMinute) {
         const unsigned others = (rest - static_cast<unsigned>(firstMinute)) / static_cast<unsigned>(otherMinute) + 1;
         minutes += others;
-        // What stays starts from the dropped labels, so the fields need no further correction.
+        // The rest counts from the dropped labels, so the fields need no further correction.
         rest -= others * static_cast<unsigned>(otherMinute);
     }
     outMinutes = static_cast<int>(minutes);
@@ -82,7 +82,7 @@ unsigned long long Magnitude(long long inCount)
     return Wrapping::Bits(inCount < 0 ? Wrapping::Negate(inCount) : inCount);
 }
 
-// Steps off a label that is left out. The limit is 2 at both rates, also where 4 labels are left out.
+// Moves from a dropped label to the next valid one. The limit is 2 at both rates, even where 4 labels are dropped.
 void StepOffDroppedLabel(bool inBackwards, int& ioMinutes, int& ioSeconds, long long& ioFrames, int inLabelsPerSecond,
                          int inLabelsDropped)
 {
@@ -139,7 +139,7 @@ void NTSCDropFrame_IncrementHMSF(int inAddHours, int inAddMinutes, int inAddSeco
     Carry(minutes, hours, 60);
     hours = Wrapping::Add(hours, inAddHours);
 
-    // Whether zero was crossed is seen on the hours here, where the other formats look at the sign.
+    // Crossing zero is detected by the hours here; the other formats use the sign.
     if (hours < 0 && ioHours >= 0) {
         ioIsNegative = true;
         frames = labelsPerSecond - frames;

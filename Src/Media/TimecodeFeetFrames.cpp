@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kReadable = UTF16String::npos;
 
-// Where feet and frames lie in a text whose sign is taken off.
+// The positions of feet and frames in a text without its sign.
 struct FeetFramesText
 {
     bool mIsNegative = false;
@@ -28,7 +28,7 @@ constexpr bool IsFeetSeparator(unsigned short inUnit)
     return IsSeparator(inUnit) || inUnit == '+';
 }
 
-// A lone number: the last two of up to eight digits are the frames.
+// Splits a lone number of up to eight digits: the last two are the frames.
 const unsigned short* SplitLoneNumber(const unsigned short* inBegin, const unsigned short* inEnd,
                                       FeetFramesText& outText)
 {
@@ -43,7 +43,7 @@ const unsigned short* SplitLoneNumber(const unsigned short* inBegin, const unsig
     return nullptr;
 }
 
-// Gives where the text cannot be read, or null.
+// Returns the first unreadable unit, or null.
 const unsigned short* ScanFields(const unsigned short* inBegin, const unsigned short* inEnd, FeetFramesText& outText)
 {
     outText.mFeetBegin = inBegin;
@@ -55,7 +55,7 @@ const unsigned short* ScanFields(const unsigned short* inBegin, const unsigned s
             if (afterSeparator) {
                 return unit;
             }
-            // Each separator moves the end of the feet, also one behind the second field.
+            // Each separator moves the end of the feet, even one after the second field.
             outText.mFeetEnd = unit;
             afterSeparator = true;
             continue;

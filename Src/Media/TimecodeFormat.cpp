@@ -12,7 +12,7 @@ namespace ORL {
 namespace {
 
 constexpr int kMaxIntUnits = 11;   // sign and ten digits
-constexpr int kMaxInt64Units = 20; // sign and nineteen digits; 2^63 has as many
+constexpr int kMaxInt64Units = 20; // sign and nineteen digits, also for 2^63
 
 // "00" to "99".
 constexpr std::array<unsigned short, 200> MakePairs()
@@ -27,14 +27,14 @@ constexpr std::array<unsigned short, 200> MakePairs()
 
 constexpr std::array<unsigned short, 200> kPairs = MakePairs();
 
-// For numbers from 0 to 99; both units in one move.
+// Writes a number from 0 to 99; copies both units at once.
 unsigned short* PutPair(unsigned short* outUnits, unsigned inValue)
 {
     std::memcpy(outUnits, &kPairs[2 * inValue], 2 * sizeof(unsigned short));
     return outUnits;
 }
 
-// Builds a text on the stack, so that the string is allocated once and at its size.
+// Builds a text on the stack, so that the string is allocated once, with its final size.
 class TextBuilder
 {
 public:
@@ -53,7 +53,7 @@ public:
             Append('-');
         }
         auto magnitude = Wrapping::Bits(inValue < 0 ? Wrapping::Negate(inValue) : inValue);
-        // What an unsigned holds is divided faster, and most numbers are short.
+        // Division is faster on an unsigned int, and most numbers are short.
         constexpr unsigned long long kBillion = 1000000000;
         if (magnitude >= kBillion) {
             AppendNumber(static_cast<long long>(magnitude / kBillion));
@@ -64,7 +64,7 @@ public:
         }
     }
 
-    // A number of exactly so many digits.
+    // Appends inValue with exactly inWidth digits.
     void AppendDigits(unsigned inValue, int inWidth)
     {
         unsigned short* digit = mEnd + inWidth;
@@ -78,7 +78,7 @@ public:
         mEnd += inWidth;
     }
 
-    // A field of the clock: two digits, where leading zeros are wanted.
+    // Appends a field of the clock, with two digits if leading zeros are requested.
     void AppendField(int inValue, bool inLeadingZeros)
     {
         if (inLeadingZeros && inValue >= 0 && inValue < 100) {
@@ -91,7 +91,8 @@ public:
         AppendNumber(inValue);
     }
 
-    // One zero for each power of ten up to 10^inDigits that the value lies below. More than four digits get none.
+    // Prepends one zero for each power of ten, up to 10^inDigits, that exceeds the value; none if inDigits is above
+    // four.
     void AppendFrames(long long inFrames, int inDigits)
     {
         constexpr int kMaxDigits = 4;
@@ -112,7 +113,7 @@ public:
     UTF16String GetText() const { return UTF16String(mUnits, static_cast<std::size_t>(mEnd - mUnits)); }
 
 private:
-    // Below a billion.
+    // Only for values below a billion.
     static int CountDigits(unsigned inValue)
     {
         int digits = 1;
@@ -127,7 +128,7 @@ private:
     unsigned short* mEnd = mUnits;
 };
 
-// The sign that stands before the text. Plain frame counts bring their own minus.
+// Appends the sign before the text. Plain frame counts already have a minus.
 void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
 {
     if (!inImpl.mStyle.mShowSign) {
@@ -141,7 +142,7 @@ void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
 }
 
-// Film runs at few rates, and a division by a constant is a multiplication.
+// Film has few rates, and a division by a constant compiles to a multiplication.
 long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inRate)
 {
     if (inRate == tvxmediatypes::kFrameRate_Film24) {
@@ -156,16 +157,16 @@ long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediat
     return inTime.ToFrame64(inRate);
 }
 
-// From the bits of the number, since a loop over lengths that follow no rule is mispredicted.
+// Computes the count from the bits, because the processor mispredicts a loop over irregular lengths.
 std::size_t CountDecimalDigits(unsigned inValue)
 {
     constexpr unsigned kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
     const unsigned bits = 32u - static_cast<unsigned>(__builtin_clz(inValue | 1u));
-    const unsigned atMost = bits * 1233 >> 12; // bits times log 2, which is short by one for the larger half
+    const unsigned atMost = bits * 1233 >> 12; // bits times log10(2); one too few for the larger half
     return atMost + (inValue >= kPowers[atMost] || inValue == 0 ? 1 : 0);
 }
 
-// Ends before outEnd, with as many digits as the number has.
+// Writes the digits of inValue before outEnd.
 void PutDigitsBefore(unsigned short* outEnd, unsigned inValue)
 {
     for (; inValue >= 100; inValue /= 100) {
@@ -178,7 +179,7 @@ void PutDigitsBefore(unsigned short* outEnd, unsigned inValue)
     }
 }
 
-// Written where it stays: a copy from the stack would wait for the units that were just put there.
+// Writes into the string itself: copying from the stack would stall on the units just stored.
 inline UTF16String FeetFramesText(bool inIsNegative, bool inHasPlus, int inFeet, int inFrames)
 {
     const auto feet = static_cast<unsigned>(inFeet);
@@ -193,7 +194,7 @@ inline UTF16String FeetFramesText(bool inIsNegative, bool inHasPlus, int inFeet,
     return text;
 }
 
-// A negative rate counts against the time, and so both numbers may be negative behind the sign.
+// A negative rate reverses the sign of the count, so both numbers may be negative after the sign.
 [[gnu::noinline]] UTF16String NegativeFeetFramesText(bool inIsNegative, bool inHasPlus, int inFeet, int inFrames)
 {
     TextBuilder text;
@@ -225,7 +226,7 @@ template <int kFramesPerFoot>
                                     : NegativeFeetFramesText(isNegative, hasPlus, feet, frames);
 }
 
-// A negative time without a sign counts back from midnight on the hours alone.
+// A negative time shown without a sign counts back from midnight in the hours only.
 int ShownHours(const Timecode::PrivateImpl& inImpl)
 {
     const int hours = inImpl.mHours % 24;

@@ -17,14 +17,14 @@ namespace {
 
 constexpr TickTime kOneDay(86400, FrameRate(1.0));
 
-// The label counted at a whole rate. Times of a negative label are the label's time negated, so the fields are
-// magnitudes here; only a typed field that overflowed 32 bits is not.
+// Counts a label at a whole rate. The time of a negative label is the negated time of the label, so the fields are not
+// negative here, unless a typed field overflowed 32 bits.
 constexpr long long CountLabels(int inSeconds, long long inLabelsPerSecond, long long inFrames) noexcept
 {
     return Wrapping::Add(inSeconds * inLabelsPerSecond, inFrames);
 }
 
-// The same at any rate. The seconds are taken as an unsigned number, so that negative ones become enormous.
+// Counts a label at any rate. The seconds are converted to unsigned, so negative ones become huge.
 long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames) noexcept
 {
     const auto seconds = static_cast<double>(Wrapping::Bits(static_cast<long long>(inSeconds)));
@@ -32,7 +32,7 @@ long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames
     return Wrapping::Add(static_cast<long long>(whole), inFrames);
 }
 
-// At a whole rate the double is exact as long as the seconds are not negative, and can be left out.
+// At a whole rate the double is exact for seconds that are not negative, so the integer count is used for them.
 template <int kRate>
 TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
 {
@@ -41,14 +41,14 @@ TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
                     rate);
 }
 
-// Steps of one day, each taken while the time lies beyond the day's end, all at once.
+// Equivalent to subtracting one day while the time is beyond the end of the day.
 TickTime FoldFromAbove(const TickTime& inTime) noexcept
 {
     const long long day = kOneDay.GetTicks();
     return TickTime::FromTicks((inTime.GetTicks() - 1) % day + 1);
 }
 
-// Steps of one day downwards end where the count wraps around, at the last step that still starts in the count.
+// Equivalent to subtracting one day repeatedly, until the count wraps around.
 TickTime FoldFromBelow(const TickTime& inTime) noexcept
 {
     const auto day = Wrapping::Bits(kOneDay.GetTicks());

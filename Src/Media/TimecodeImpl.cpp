@@ -15,7 +15,7 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// A copy is made for every frame that is shown, so what the format alone decides is computed by the compiler.
+// Every displayed frame copies a timecode, so the compiler computes everything that depends only on the format.
 FrameFormat FrameFormatOf(TimeDisplay inTimeDisplay, const FrameRate& inFrameRate)
 {
     constexpr FrameFormat kPlainFrames = {std::numeric_limits<long long>::max(), 0};
@@ -57,7 +57,7 @@ Timecode::PrivateImpl::PrivateImpl(const TickTime& inTime, const FrameRate& inFr
                                    const Style& inStyle)
     : mTime(inTime), mFrameRate(inFrameRate), mTimeDisplay(inTimeDisplay), mStyle(inStyle)
 {
-    // Unlike the check of SetFormat this one takes any format with an audio rate.
+    // Unlike the check in SetFormat, this one accepts any format with an audio rate.
     // clang-format off
     ORL_INPUT_CONTRACT_AT(((inFrameRate <= tvxmediatypes::kFrameRate_Video1000) && (inTimeDisplay >= tvxmediatypes::kTimeDisplay_24Timecode) && (inTimeDisplay <= tvxmediatypes::kTimeDisplay_35mmFeetFrames)) || ((inFrameRate >= tvxmediatypes::FrameRate(1000.0)) && (inFrameRate <= tvxmediatypes::kFrameRate_Audio192000) ), "Timecode", __LINE__);
     // clang-format on
@@ -119,7 +119,7 @@ void Timecode::PrivateImpl::UpdateFrameFormat()
 
 void Timecode::PrivateImpl::UpdateHMSF()
 {
-    // With a constant rate and a constant count a second, no division takes a division's time.
+    // With a constant rate and count, the divisions compile to multiplications.
     switch (mTimeDisplay) {
     case kTimeDisplay_Frames:
         mHours = mMinutes = mSeconds = 0;
@@ -162,7 +162,7 @@ void Timecode::PrivateImpl::UpdateHMSF()
     SplitCount(mTime.ToFrame64(rate), rate.GetTruncatedValue());
 }
 
-// A rate below one frame a second has no count to carry at, and everything stays in the frame field.
+// A rate below one frame a second has no count to carry at, so everything stays in the frame field.
 inline __attribute__((always_inline)) void Timecode::PrivateImpl::SplitCount(long long inCount,
                                                                              long long inFramesPerSecond)
 {
@@ -224,7 +224,7 @@ void Timecode::PrivateImpl::IncrementFields(int inHours, int inMinutes, int inSe
     }
 }
 
-// The frame field is mirrored as it stands: from frame 0 it ends full, on a label that carries.
+// The frame field is mirrored unchanged: frame 0 becomes a full second, which carries later.
 void Timecode::PrivateImpl::CrossZero()
 {
     mIsNegative = true;

@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t kReadable = UTF16String::npos;
 constexpr int kMaxFields = 4;
 
-// What the scan finds: the sign, whether a separator stood before the first field, and the numbers of the fields. The
-// numbers are made while the text is scanned, as ParseDigits of each field would make them.
+// The result of the scan: the sign, whether a separator precedes the first field, and the numbers of the fields. The
+// scan computes the same numbers as ParseDigits of each field.
 struct ScannedText
 {
     bool mIsNegative = false;
@@ -26,7 +26,7 @@ struct ScannedText
     unsigned long long mValues[kMaxFields];
 };
 
-// The fields of a label from the right, as they stand in the text.
+// The fields of a label, read from the right, as typed.
 struct TypedFields
 {
     long long mFrames = 0;
@@ -35,7 +35,7 @@ struct TypedFields
     int mHours = 0;
 };
 
-// Reads the fields between inUnit and inEnd. Gives the unit that does not fit, or null where all is well.
+// Reads the fields between inUnit and inEnd. Returns the first unit that does not fit, or null.
 const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned short* inEnd, TimeDisplay inTimeDisplay,
                                  ScannedText& outText)
 {
@@ -51,7 +51,7 @@ const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned sh
             }
             continue;
         }
-        // A plain frame count takes no separator but the lead one.
+        // A plain frame count allows no separator but the leading one.
         if (!IsSeparator(*inUnit) || afterSeparator || inTimeDisplay == kTimeDisplay_Frames) {
             return inUnit;
         }
@@ -60,14 +60,14 @@ const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned sh
         afterSeparator = true;
     }
     if (field == kMaxFields) {
-        return inEnd - 1; // a fifth field, if an empty one
+        return inEnd - 1; // a fifth field, even if it is empty
     }
     outText.mValues[field] = value;
     outText.mFieldCount = field + 1;
     return nullptr;
 }
 
-// Gives the index where reading stops, or kReadable.
+// Returns the index where reading stops, or kReadable.
 std::size_t ScanSMPTE(const UTF16String& inText, TimeDisplay inTimeDisplay, ScannedText& outText)
 {
     const unsigned short* const begin = inText.data();
@@ -85,7 +85,7 @@ std::size_t ScanSMPTE(const UTF16String& inText, TimeDisplay inTimeDisplay, Scan
     return stop != nullptr ? static_cast<std::size_t>(stop - begin) : kReadable;
 }
 
-// A lone number that counts frames. The frame is added before the sign is applied.
+// Converts a lone number that counts frames. The frame is added before the sign is applied.
 TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, bool inPreviousFrame, bool inIsNegative)
 {
     TickTime time(static_cast<long long>(inCount), inFrameRate);
@@ -95,7 +95,7 @@ TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, b
     return inIsNegative ? -time : time;
 }
 
-// Room for the frames of the rate, in digits, as a power of ten.
+// Returns the power of ten that leaves enough digits for the frames of the rate.
 unsigned long long ShorthandBase(const FrameRate& inRate)
 {
     if (inRate > FrameRate(10000.0)) {
@@ -107,7 +107,7 @@ unsigned long long ShorthandBase(const FrameRate& inRate)
     return inRate > FrameRate(100.0) ? 1000 : 100;
 }
 
-// A typed field of whatever length, as much of it as the field holds.
+// Converts a typed field of any length, wrapped to 32 bits.
 int ToField(unsigned long long inValue)
 {
     return static_cast<int>(static_cast<unsigned>(inValue));
@@ -161,15 +161,16 @@ FrameRate NominalRate(const FrameRate& inRate)
     return inRate == kFrameRate_23976 ? kFrameRate_Film24 : inRate;
 }
 
-// Frames equal to the rate stay in place: only more than that carries.
+// A count equal to the rate stays as it is: only a larger one carries.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
-    // A text seldom overflows, and a multiplication tells so: what fits into a second in ticks is not above the rate.
+    // Texts rarely overflow, and one multiplication shows it: frames that fit in a second of ticks do not exceed the
+    // rate.
     constexpr long long kFewFrames = 1000000;
     constexpr long long kFewTicks = 1000000000000;
     const long long ticks = inRate.GetTicksPerFrame();
     if (inFrames < 0) {
-        return false; // a number beyond 63 bits
+        return false; // a number of more than 63 bits
     }
     if (inFrames <= kFewFrames && ticks > 0 && ticks <= kFewTicks && inFrames * ticks <= kTicksPerSecond) {
         return false;
@@ -186,13 +187,13 @@ void CarryFrames(TypedFields& ioFields, const FrameRate& inRate)
     const int count = Wrapping::TruncateToInt(static_cast<double>(ioFields.mFrames) / frameRate.GetValue());
     ioFields.mFrames = Wrapping::Subtract(ioFields.mFrames, count * frameRate.GetTruncatedValue());
     ioFields.mSeconds = Wrapping::Add(ioFields.mSeconds, count);
-    // A rate without a nominal one may keep more frames than it has in a second.
+    // A rate without a nominal rate may keep more frames than a second has.
     ORL_ASSERT_MESSAGE_AT(!Overflows(ioFields.mFrames, frameRate),
                           "!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)", "", "Timecode", __LINE__,
                           "ORL::`anonymous-namespace'::SMPTEStringToTime");
 }
 
-// No more than a day can be typed.
+// A typed label is reduced to one day.
 void CarrySeconds(TypedFields& ioFields)
 {
     if (ioFields.mSeconds > 59) {
@@ -231,7 +232,7 @@ TickTime SMPTEStringToTime(const UTF16String& inText, const FrameRate& inFrameRa
     TickTime time = HMSFToTime(fields.mHours, fields.mMinutes, fields.mSeconds, fields.mFrames, text.mIsNegative,
                                inFrameRate, inTimeDisplay);
     if (inPreviousFrame) {
-        // Here the sign is applied first, so that a negative entry ends one frame closer to zero.
+        // Here the sign is applied first, so a negative entry ends one frame closer to zero.
         time.AddFrames(1, inFrameRate);
     }
     return time;
