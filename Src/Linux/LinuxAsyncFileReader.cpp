@@ -1,4 +1,4 @@
-// Files and threads of asynchronous reads. The ports stand in LinuxRingPort.cpp and LinuxThreadPort.cpp.
+// Files and threads of asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
 #include "LinuxCompletionPort.h"
 
 #include "Files/LinuxDirectAlignment.h"
@@ -31,8 +31,8 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// The system drops whole pages alone, so the page that a read begins in goes with it: the read that ended there may
-// have been smaller than a page.
+// The kernel drops whole pages only, so this includes the page where the read begins: the previous read, which ended
+// there, may have been smaller than a page.
 void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uint32_t inBytesRead)
 {
     constexpr std::uint64_t kPage = 4096;
@@ -77,7 +77,7 @@ bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_
                   Completion& outCompletion)
 {
     outCompletion.mOverlapped = &inOverlapped;
-    // The kernel looks at the buffer only as it fills it; home does so at the start.
+    // The kernel checks the buffer only when it fills it; the home platform checks it at the start.
     if (inReturned == -EFAULT) {
         outCompletion.mRefusal = SystemErrors::kErrorNoAccess;
         return true;
@@ -100,8 +100,8 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-// Held by a count of its own: the files of these reads may be closed by the time they are submitted. The thread that
-// starts reads has it to itself.
+// A counted reference, because the files of these reads may be closed before the reads are submitted. Only the thread
+// that starts reads uses it.
 Immortal<std::shared_ptr<CompletionPort>> sPortOfHeldBack;
 
 AsyncFile& FileOf(Handle inFile)
@@ -113,13 +113,13 @@ int OpenHostFile(const std::string& inHostPath, int inFlags)
 {
     int file = -1;
     do {
-        // A pipe must not hold us until its writer comes.
+        // Opening a pipe must not block until it has a writer.
         file = System().mOpen(inHostPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | inFlags, 0);
     } while (file < 0 && errno == EINTR);
     return file;
 }
 
-// A file system that refuses direct reads is read through the cache.
+// If the file system refuses direct reads, the file is read through the cache.
 SystemError OpenDescriptor(const std::string& inHostPath, AsyncFile& outFile)
 {
     outFile.mDescriptor = OpenHostFile(inHostPath, O_DIRECT);
@@ -135,7 +135,7 @@ int FlagsOf(const AsyncFile& inFile)
     return O_RDONLY | (inFile.mGoesThroughCache ? 0 : O_DIRECT);
 }
 
-// Only what can be read at any place stays open, and from here on a read may take its time.
+// Accepts only files that can be read at any position, and makes their reads blocking.
 SystemError CheckKind(AsyncFile& ioFile)
 {
     struct statx status;
@@ -161,7 +161,7 @@ SystemError GoThroughCache(AsyncFile& ioFile)
     return ioFile.mGoesThroughCache ? kNoError : SystemErrorFromErrno(errno);
 }
 
-// The duty of aligned reads holds for every file, as it does at home, whether or not this one would mind.
+// Unaligned reads fail for every file, as on the home platform, even if this file could serve them.
 SystemError LearnAlignment(AsyncFile& ioFile)
 {
     ioFile.mAlignment = kSmallestSector;
@@ -170,7 +170,7 @@ SystemError LearnAlignment(AsyncFile& ioFile)
     }
     const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, true);
     if (alignment == 0) {
-        return GoThroughCache(ioFile); // it opened, but has no direct reads for this file
+        return GoThroughCache(ioFile); // the open succeeded, but this file has no direct reads
     }
     ioFile.mAlignment = alignment;
     return kNoError;
@@ -182,8 +182,8 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
     return all % inFile.mAlignment == 0;
 }
 
-// At home such a read fails; here the system would call it a success of 0 bytes. To seek is the cheapest question for a
-// file's end, and its answer, the place of a descriptor that is read by position alone, means nothing else.
+// On the home platform a read at or after the end fails; the kernel would report success with 0 bytes. A seek is the
+// cheapest query of the size. It moves only the descriptor's own position, which is not used.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
     if (!inFile.mIsRegular) {
@@ -196,7 +196,7 @@ SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
     return inPosition >= static_cast<std::uint64_t>(end) ? kErrorHandleEof : kNoError;
 }
 
-// Belongs to the thread itself and to who holds its handle; the last of them takes it away.
+// Owned by the thread itself and by the owner of its handle; the last of them deletes it.
 struct Thread
 {
     pthread_t mThread;
@@ -226,7 +226,7 @@ void* RunThread(void* inThread)
     return nullptr;
 }
 
-// Valgrind runs one thread at a time and does not notice that a thread sleeps in a ring, so all others would stand still.
+// Valgrind runs one thread at a time and cannot detect that a thread sleeps in a ring, so all other threads would stop.
 bool IsRingUnwanted()
 {
     return RUNNING_ON_VALGRIND != 0;
@@ -273,7 +273,7 @@ bool PostEmptyPacket_Impl(Handle inPort)
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
 {
     outCompletion = Completion{};
-    // A count of our own: a port that is closed while we wait stays until we have left it.
+    // This reference keeps a port alive that another thread closes during the wait.
     const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
     return port != nullptr && port->Get(outCompletion);
 }
@@ -350,7 +350,7 @@ std::size_t SubmitReads_Impl(SystemError& outError)
     return port != nullptr ? port->Submit(outError) : 0;
 }
 
-// The thread takes none of the process's signals: their handlers belong to the host's threads.
+// The thread blocks all signals of the process, because their handlers expect to run on the host's threads.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread)
 {
     outThread = nullptr;

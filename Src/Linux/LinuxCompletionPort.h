@@ -1,4 +1,4 @@
-// The two machines behind a completion port: a ring of the kernel, and threads that read.
+// The two implementations of a completion port: a ring of the kernel, and threads that read.
 #pragma once
 
 #include "LinuxShareModes.h"
@@ -14,7 +14,7 @@ namespace Linux {
 
 struct AsyncFile;
 
-/// One read, from its start to its completion. Where it stands in the file is told by mOverlapped.
+/// One read, from its start to its completion. mOverlapped contains its position in the file.
 struct ReadOrder
 {
     AsyncFile* mFile;
@@ -28,39 +28,40 @@ inline std::uint64_t PositionOf(const AsyncFiles::Platform::Overlapped& inOverla
     return std::uint64_t{inOverlapped.mPositionHigh} << 32 | inOverlapped.mPositionLow;
 }
 
-/// One thread starts reads, any may post packets, one gets the completions.
+/// A port of completions. One thread starts reads, any thread may post packets, and one thread gets the completions.
 class CompletionPort
 {
 public:
     virtual ~CompletionPort() = default;
 
-    /// From now on Get answers false, also to a thread that is in it: at once or with the next completion.
+    /// Makes Get return false from now on. A thread that is inside Get returns at once or with the next completion.
     virtual void Close() = 0;
 
-    /// 997 when the read is under way or held back, else the error that kept it from starting.
+    /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
     virtual SystemError Start(const ReadOrder& inOrder) = 0;
 
-    /// How many of the newest reads were refused after all; outError tells why.
+    /// Submits the reads held back. Returns how many of the newest ones the system refused, with the reason in
+    /// outError.
     virtual std::size_t Submit(SystemError& outError) = 0;
 
-    /// False when the system refused the packet.
+    /// Returns false if the system refuses the packet.
     virtual bool PostEmptyPacket() = 0;
 
-    /// The next packet. False for a read that failed, and with a null read when the port itself has failed.
+    /// Waits for the next packet. Returns false for a failed read, and with a null read if the port itself has failed.
     virtual bool Get(AsyncFiles::Platform::Completion& outCompletion) = 0;
 
     virtual const char* Describe() const = 0;
 };
 
-/// The open ports of the process, by their handles. A handle says nothing once its port is closed: a thread that still
-/// has it finds no port, and nothing of what the port was. Safe from any thread.
+/// The open ports of the process, by handle. The handle of a closed port is never valid again: a thread that still has
+/// it finds no port. Thread-safe.
 class OpenPorts
 {
 public:
     /// Throws std::bad_alloc.
     static AsyncFiles::Platform::Handle Add(const std::shared_ptr<CompletionPort>& inPort);
 
-    /// Null for a handle without a port.
+    /// Returns null for a handle without a port.
     static std::shared_ptr<CompletionPort> Find(AsyncFiles::Platform::Handle inHandle);
 
     static std::shared_ptr<CompletionPort> Remove(AsyncFiles::Platform::Handle inHandle);
@@ -70,36 +71,37 @@ public:
 struct AsyncFile
 {
     int mDescriptor = -1;
-    bool mIsRegular = false;       // its end is known; a block device is asked for what it has
+    bool mIsRegular = false;       // the end is known; for a block device the kernel decides
     bool mGoesThroughCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
-    ShareHolder mShares; // a reader beside all other handles of the file
+    ShareHolder mShares; // a reader's share, like any other handle of the file
 };
 
-/// A port over io_uring. Null when the kernel refuses the ring or lacks an operation; outError then tells why, as an
-/// errno. Throws std::bad_alloc.
+/// Makes a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
+/// outError as an errno. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
-/// A port over a few threads that call pread, for where the ring is refused for that reason; 0: nobody asked for it.
-/// Throws std::bad_alloc.
+/// Makes a port over a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0 if no
+/// ring was requested. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
-/// Asks a system again that is short of something for a moment, or was interrupted.
+/// Repeats calls that were interrupted or found the system temporarily short of a resource.
 class Retries
 {
 public:
-    /// True when the call that failed with this errno is worth another try; it has waited a little by then.
+    /// Returns true if the call that failed with this errno is worth another try, after waiting briefly if needed.
     bool IsWorthwhile(int inErrno);
 
 private:
-    int mLeft = 2000; // a millisecond apart
+    int mLeft = 2000; // tries, one millisecond apart
 };
 
-/// Reads on the calling thread: bytes, or an errno negated.
+/// Reads on the calling thread. Returns the bytes read, or an errno negated.
 std::int64_t ReadNow(const ReadOrder& inOrder);
 
-/// What a read that has ended says, from what the system returned: bytes, or an errno negated. False for a failure.
+/// Fills outCompletion for a completed read. inReturned is the number of bytes, or an errno negated. Returns false for
+/// a failed read.
 bool CompleteRead(const AsyncFile& inFile, AsyncFiles::Platform::Overlapped& inOverlapped, std::int64_t inReturned,
                   AsyncFiles::Platform::Completion& outCompletion);
 

@@ -1,4 +1,4 @@
-// Copying what is in one open file into another.
+// Copies the contents of one open file into another.
 #pragma once
 
 #include <Platform/File.h>
@@ -8,19 +8,19 @@
 namespace ORL {
 namespace Linux {
 
-/// Copies all bytes, from the beginning, into a file that is empty: left to the kernel, which clones where the volume
-/// can, in steps small enough to tell of; files of up to 16 KiB, and those that the kernel does not copy by itself, through
-/// a buffer. inTotal is the size as the system tells it, which may be 0 for a file that has bytes. 0 or an errno;
-/// ECANCELED where inProgress ended it.
+/// Copies all bytes, from the beginning, into an empty file. The kernel copies them, and clones them if the volume can,
+/// in steps small enough to report progress. Files of up to 16 KiB, and files that the kernel cannot copy, are copied
+/// through a buffer. inTotal is the size that the system reports, which may be 0 for a file with contents. Returns 0 or
+/// an errno; ECANCELED if inProgress ended the copy.
 int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::CopyProgress inProgress = nullptr,
               void* inData = nullptr);
 
-/// What becomes of attributes that the destination has.
+/// What happens to attributes that the destination already has.
 enum class AttributesThere { kNone, kAreReplaced, kAreKept };
 
-/// Copies the user's extended attributes, which are to a file here what named streams are at home. kAreReplaced removes
-/// all others, kAreKept lets those of the destination win. A file system that keeps none, or has no room for them, is no
-/// failure of a copy, so nothing is told.
+/// Copies the user's extended attributes, which correspond to named streams on the home platform. kAreReplaced removes
+/// all others; with kAreKept the destination's own values win. Reports no error: a file system without attributes, or
+/// without space for them, does not make a copy fail.
 void CopyUserAttributes(int inFrom, int inTo, AttributesThere inThere);
 
 } // namespace Linux

@@ -11,8 +11,8 @@ namespace Internal {
 
 namespace {
 
-// The system's wait compares 32 bits: the low half of the word, in which the mark stands. Two holders may share it,
-// but the mark is what decides whether somebody will be woken.
+// A futex compares 32 bits: the low half of the word, which contains the mark. Two owners may have the same low half,
+// but only the mark decides whether a sleeper will be woken.
 const void* LowHalf(const std::atomic<std::uintptr_t>& inWord)
 {
     static_assert(sizeof(inWord) == 8 && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the low half comes first");
@@ -24,8 +24,8 @@ void SleepWhile(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValu
     ::syscall(SYS_futex, LowHalf(inWord), FUTEX_WAIT_PRIVATE, static_cast<std::uint32_t>(inValue), nullptr, nullptr, 0);
 }
 
-// Looking again a few times is cheaper than a sleep when the holder runs on another processor, and a waste of the
-// holder's time when there is only one.
+// If the owner runs on another processor, spinning briefly is cheaper than sleeping. With a single processor it would
+// only waste the owner's time.
 bool MaySpin()
 {
     static const bool may = [] {
@@ -39,8 +39,7 @@ constexpr int kLongestPause = 32;
 
 } // namespace
 
-// Each look takes the word's line away from the holder, who may be about to need it many times. So the pauses between
-// them double.
+// Each poll takes the cache line away from the owner, who may need it often. The pauses between polls therefore double.
 bool PlatformLock::SpinAndTake(std::uintptr_t inSelf)
 {
     for (int pause = 1; pause <= kLongestPause; pause *= 2) {
@@ -59,7 +58,7 @@ void PlatformLock::WaitAndTake(std::uintptr_t inSelf)
     if (TakeAgain(inSelf) || (MaySpin() && SpinAndTake(inSelf))) {
         return;
     }
-    // Whoever takes the lock here cannot know whether others sleep, so it leaves the mark that wakes one of them.
+    // This thread cannot know whether others sleep, so it acquires the lock with the mark that makes Unlock wake one.
     while (!Take(inSelf | kSleepers)) {
         std::uintptr_t holder = mWord.load(std::memory_order_relaxed);
         const bool isMarked = (holder & kSleepers) != 0;

@@ -1,4 +1,4 @@
-// An owner of one open file of the host.
+// Owner of one open file of the host.
 #pragma once
 
 #include "SystemCalls.h"
@@ -8,8 +8,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Owns an open file or folder, or stands for a failed open. Never allocates, so that an open file has an owner from
-/// its first moment: keep it by value, and move it.
+/// Owns an open file or folder, or represents a failed open. Never allocates, so that an open file has an owner at
+/// once. Keep it by value, and move it.
 class Descriptor
 {
 public:
@@ -28,7 +28,7 @@ public:
     explicit operator bool() const noexcept { return mFile >= 0; }
     int Get() const noexcept { return mFile; }
 
-    /// Gives up ownership.
+    /// Releases ownership and returns the file.
     int Release() noexcept
     {
         const int file = mFile;
@@ -36,8 +36,8 @@ public:
         return file;
     }
 
-    /// Closes the file now. Returns 0 or an errno: some file systems report only here that the disk is full. The file is
-    /// closed in any case, and an interruption says nothing about it. Keeps errno.
+    /// Closes the file. Returns 0 or an errno: some file systems report a full disk only here. The file is closed in
+    /// any case, and EINTR is not reported. Preserves errno.
     int Close() noexcept
     {
         const int earlier = errno;

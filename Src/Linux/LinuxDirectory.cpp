@@ -32,11 +32,11 @@ struct Listing
     bool mIsSuspended = false;
     std::deque<Entry> mKept; // of a suspended listing
     SystemError mEndOfKept = kErrorNoMoreFiles;
-    // Without the right to search a folder its list can be read, but nothing can be asked of its entries.
+    // Without search permission a folder can be listed, but its entries cannot be queried.
     enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
 };
 
-// One answer stands for all folders in this one.
+// One query decides for all folders in this one.
 EntryKind Listing::KindOf(const dirent64& inEntry)
 {
     if (inEntry.d_type == DT_UNKNOWN || inEntry.d_type == DT_LNK) {
@@ -63,7 +63,7 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
     }
     auto listing = std::make_unique<Listing>(path.mPath.c_str());
     if (!listing->mFolder.IsOpen()) {
-        // Its entries are asked for, so the folder is on their way.
+        // The operation concerns the folder's entries, so a missing folder is a missing path.
         return errno == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(errno, path.mPath);
     }
     outListing = listing.release();
@@ -138,7 +138,7 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
 
 namespace {
 
-// A folder in which names can be made and not deleted would keep the probe for all to see.
+// A folder where files can be created but not deleted would keep the probe forever.
 bool KeepsAllNames(const std::string& inFolder)
 {
     struct statx status;
@@ -148,8 +148,8 @@ bool KeepsAllNames(const std::string& inFolder)
 
 } // namespace
 
-// The name goes before the byte is written, so that nobody meets the file and no end of the process leaves it. A file
-// without a name would ask less: whether the folder takes names, and lets go of them.
+// Unlinks the name before it writes the byte, so that no one finds the file and no crash leaves it behind. A file
+// without a name (O_TMPFILE) would not test whether the folder accepts and removes names.
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
@@ -165,7 +165,7 @@ bool WriteProbe_Impl(const UTF16String& inPath)
     return isWritten;
 }
 
-// A status in the form of the home platform's path service, which says no more than that a path is missing.
+// Returns a status in the form of the home platform's path service, which only reports that a path is missing.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 {
     constexpr unsigned long kPathNotFoundStatus = 0x80070003;
@@ -174,8 +174,8 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 
 namespace {
 
-// Whether others have the folder open and do not share that it goes, and whether its mark allows it. What is no folder
-// is left to the removal itself.
+// Fails if another handle does not share deleting the folder, or if the folder is read-only. If the name is not a
+// folder, leaves the failure to the removal itself.
 SystemError HoldFolderToDelete(const HostPath& inPath, EntryHold& outHold)
 {
     const std::string name = inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
@@ -196,7 +196,7 @@ SystemError RemoveDirectory_Impl(const UTF16String& inPath)
     if (error != kNoError) {
         return error;
     }
-    // The folder of a drive is no entry that could be removed.
+    // The folder of a drive is not an entry that can be removed.
     if (path.mIsRoot) {
         return kErrorAccessDenied;
     }

@@ -26,7 +26,7 @@ struct FileSystem
     const char* mName;
 };
 
-// The numbers that the kernel's headers leave out stand as they are.
+// Numbers that the kernel's headers do not define are literals.
 constexpr FileSystem kFileSystems[] = {
     {MSDOS_SUPER_MAGIC, "FAT32"}, {EXT4_SUPER_MAGIC, "ext4"}, {XFS_SUPER_MAGIC, "xfs"},
     {BTRFS_SUPER_MAGIC, "btrfs"}, {F2FS_SUPER_MAGIC, "f2fs"}, {0x2FC12FC1, "zfs"},
@@ -38,7 +38,7 @@ constexpr FileSystem kFileSystems[] = {
     {SYSFS_MAGIC, "sysfs"},       {V9FS_MAGIC, "9p"},
 };
 
-// A file system without a name of its own shows its number.
+// A file system that is not in the list is shown as its number.
 UTF16String NameOf(unsigned long inMagic)
 {
     for (const FileSystem& system : kFileSystems) {
@@ -57,7 +57,7 @@ bool Exists(const std::string& inPath)
     return System().mStatx(AT_FDCWD, inPath.c_str(), 0, STATX_TYPE, &status) == 0;
 }
 
-// The path itself, or the nearest folder above it that exists, down to the root's.
+// Returns the path itself or the nearest existing folder above it, at most up to the root.
 std::string NearestExisting(std::string inPath, const std::string& inRoot)
 {
     while (inPath.size() > inRoot.size() && !Exists(inPath)) {
@@ -67,7 +67,7 @@ std::string NearestExisting(std::string inPath, const std::string& inRoot)
     return inPath.size() > inRoot.size() ? inPath : inRoot;
 }
 
-// Where to ask about a volume.
+// Finds the host path to query for a volume.
 SystemError FindVolume(const Volume& inVolume, HostPath& outHostPath)
 {
     HostPath root;

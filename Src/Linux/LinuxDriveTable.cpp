@@ -11,7 +11,8 @@ namespace {
 
 using namespace SystemErrors;
 
-// At namespace scope, and made without memory: it is there before the first static of a host and after the last.
+// At namespace scope and constructed without allocating: it exists before the first static object of a host and after
+// the last.
 UntilUnload<DriveTable> sDriveTable;
 
 std::size_t IndexOf(unsigned inLetter) noexcept
@@ -30,7 +31,7 @@ bool EqualIgnoringASCIICase(const UTF16String& inLeft, const UTF16String& inRigh
                       [](unsigned short a, unsigned short b) { return LowerASCII(a) == LowerASCII(b); });
 }
 
-// Whether inFolder is inHostPath or a folder above it.
+// Returns true if inFolder is inHostPath or a folder above it.
 bool Holds(const std::string& inFolder, const std::string& inHostPath) noexcept
 {
     if (inFolder.empty() || inHostPath.compare(0, inFolder.size(), inFolder) != 0) {

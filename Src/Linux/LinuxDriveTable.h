@@ -1,5 +1,5 @@
 // Floor: Files
-// Which host folder stands behind each drive and each share.
+// Maps each drive and each share to a host folder.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -15,11 +15,11 @@
 namespace ORL {
 namespace Linux {
 
-/// Safe from any thread; its mutex is a leaf lock. Folders are absolute and end in no slash but that of "/".
+/// Thread-safe; its mutex is a leaf lock. Folders are absolute and have no trailing slash, except "/".
 class DriveTable
 {
 public:
-    /// C: leads to "/".
+    /// C: is mounted on "/".
     DriveTable() noexcept;
 
     SystemError MountDrive(char inLetter, const std::string& inFolder);
@@ -29,12 +29,13 @@ public:
     SystemError MountShare(const UTF16String& inShare, const std::string& inFolder);
     SystemError UnmountShare(const UTF16String& inShare);
 
-    /// False when nothing is mounted there.
+    /// Returns false if nothing is mounted there.
     bool FindDrive(unsigned short inLetter, std::string& outFolder) const;
     bool FindShare(const UTF16String& inShare, std::string& outFolder) const;
 
-    /// The longest mounted folder that holds inHostPath, which is absolute and clean. outRoot is "C:" or
-    /// "\\server\share", outRest what follows the folder. Among equal folders the first drive wins.
+    /// Finds the longest mounted folder that contains inHostPath, which must be absolute and normalised. outRoot is
+    /// "C:" or "\\server\share", outRest the part after the folder. Among equal folders the first drive wins. Returns
+    /// false if there is none.
     bool FindFolderAbove(const std::string& inHostPath, UTF16String& outRoot, std::string& outRest) const;
 
     std::vector<PathUtils::MountPoint> List() const;
@@ -48,10 +49,10 @@ private:
     std::vector<Share> mShares;
 };
 
-/// The process's table.
+/// Returns the process's table.
 DriveTable& TheDriveTable() noexcept;
 
-/// True for an ASCII letter.
+/// Returns true for an ASCII letter.
 constexpr bool IsDriveLetter(unsigned inUnit) noexcept
 {
     return (inUnit >= 'A' && inUnit <= 'Z') || (inUnit >= 'a' && inUnit <= 'z');

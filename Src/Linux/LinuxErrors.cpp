@@ -39,7 +39,7 @@ constexpr Row kRows[] = {
     {EAGAIN, kErrorBusy},
     {EDEADLK, kErrorLockViolation},
     {ENOLCK, kErrorLockViolation},
-    // room
+    // space and other resources
     {ENOSPC, kErrorDiskFull},
     {EDQUOT, kErrorDiskFull},
     {EFBIG, kErrorFileTooLarge},
@@ -71,7 +71,7 @@ constexpr Row kRows[] = {
     {ENETUNREACH, kErrorNetworkPathNotFound},
 };
 
-// The folder that holds the last name of the path.
+// Returns the folder that contains the last name of the path.
 std::string ParentOf(const std::string& inHostPath)
 {
     const std::size_t nameEnd = inHostPath.find_last_not_of('/');
@@ -109,7 +109,7 @@ SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath, Pat
     case ENOENT:
         return IsFolder(ParentOf(inHostPath)) ? kErrorFileNotFound : kErrorPathNotFound;
     case ENOTDIR:
-        // Either the name itself is a file, or one of the folders on the way to it is.
+        // Either the name itself is a file, or one of the folders above it is.
         return inOperation == PathOperation::kRemoveFolder && IsFolder(ParentOf(inHostPath)) ? kErrorDirectory
                                                                                              : kErrorPathNotFound;
     case EEXIST:

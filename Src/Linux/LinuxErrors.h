@@ -1,4 +1,4 @@
-// The one table from errno to the home platform's system error numbers.
+// Converts an errno to the home platform's system error numbers.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -8,20 +8,20 @@
 namespace ORL {
 namespace Linux {
 
-/// What was asked of a path: the same errno means different numbers.
+/// The operation on a path: one errno has different numbers for different operations.
 enum class PathOperation {
     kOpen,         // open, create, delete, query
     kMakeFolder,   // an existing name is 183, not 80
-    kMove,         // likewise
-    kRemoveFolder, // a file in the folder's place is 267
+    kMove,         // as above
+    kRemoveFolder, // a file instead of the folder is 267
 };
 
-/// The number of an error that concerns an open file or no path at all. A number that the table does not know is 31,
-/// general failure; 0 is 0.
+/// Converts an error that concerns an open file or no path at all. An unknown errno becomes 31, general failure; 0
+/// becomes 0.
 SystemError SystemErrorFromErrno(int inErrno) noexcept;
 
-/// The number of an error that concerns inHostPath. A missing name is 2 where its folder exists and 3 where the
-/// folder is missing too, which is asked of the system here and now.
+/// Converts an error that concerns inHostPath. A missing name becomes 2 if its folder exists and 3 if the folder is
+/// missing too; this queries the file system.
 SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath,
                                  PathOperation inOperation = PathOperation::kOpen);
 

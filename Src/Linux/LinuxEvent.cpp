@@ -1,5 +1,5 @@
-// Events over one futex word each. The word and the number of waiters stand together in 64 bits, so that signalling
-// is one atomic step after which the event is not touched again: the thread that was let through may destroy it.
+// Events over one futex word each. The word and the number of waiters share 64 bits, so signalling is one atomic
+// operation, after which the event is not accessed again: the released thread may destroy it.
 #include <Platform/Event.h>
 
 #include <tvxcore/SmallBlockAllocator.h>
@@ -24,14 +24,14 @@ constexpr unsigned long kErrorInvalidHandle = 6;
 constexpr unsigned long kErrorNotEnoughMemory = 8;
 
 constexpr std::uint64_t kSignalled = 1;              // the low half: the futex word
-constexpr std::uint64_t kOneWaiter = 1ull << 32;     // the high half: how many sleep or are about to
+constexpr std::uint64_t kOneWaiter = 1ull << 32;     // the high half: waiters asleep or about to sleep
 
 struct FutexEvent
 {
     std::atomic<std::uint64_t> mState;
     bool mManualReset;
 
-    // The low half of the state in memory, which is what the kernel compares.
+    // The low half of the state in memory, which the kernel compares.
     std::uint32_t* FutexWord() { return reinterpret_cast<std::uint32_t*>(&mState); }
 };
 static_assert(sizeof(std::atomic<std::uint64_t>) == 8 && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
@@ -52,8 +52,8 @@ timespec DeadlineAfter(std::uint32_t inMilliseconds)
     return deadline;
 }
 
-// Takes the signal if there is one, and inLeaving off the number of waiters with it. The state is guessed first, not
-// read: the usual one is known, and an exchange that need not wait for a read is a fifth quicker.
+// Consumes the signal if it is set, and subtracts inLeaving from the waiters. The state is guessed, not read: it is
+// usually the same, and an exchange that need not wait for a read is a fifth faster.
 bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
 {
     std::uint64_t state = kSignalled + inLeaving;
@@ -66,7 +66,7 @@ bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
     return false;
 }
 
-// The caller is among the waiters. 0, or ETIMEDOUT; every other end of the sleep is a reason to look again.
+// The caller is counted as a waiter. Returns 0 or ETIMEDOUT; after any other wake-up the caller polls again.
 int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
 {
     const long result = ::syscall(SYS_futex, ioEvent.FutexWord(), FUTEX_WAIT_BITSET_PRIVATE, 0, inDeadline, nullptr,
@@ -74,7 +74,7 @@ int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
     return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
 }
 
-// The last look of a thread whose time ran out: it takes a signal that came just now, or leaves the waiters.
+// The last check of a thread whose time ran out: it consumes a signal that arrived meanwhile, or stops being a waiter.
 WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
 {
     std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);
@@ -133,14 +133,14 @@ unsigned long SetEvent_Impl(void* inEvent)
     FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
     const int released = event.mManualReset ? INT_MAX : 1;
     std::uint32_t* const word = event.FutexWord();
-    // A signal that is already there is written once more: that is what publishes the caller's own writes. The state is
-    // guessed first, as above.
+    // Writes the signal even if it is already set: the write publishes the caller's own stores. The state is guessed
+    // first, as above.
     std::uint64_t state = 0;
     while (!event.mState.compare_exchange_weak(state, state | kSignalled)) {
     }
     if (state >= kOneWaiter && (state & kSignalled) == 0) {
-        // From here on the event may be gone. The kernel takes the address as a number; a wake-up that finds nobody,
-        // or a stranger, does no harm, and so its failure is none of ours.
+        // From here on the event may be destroyed. The kernel uses the address as a number only. A wake-up that finds
+        // no waiter, or an unrelated one, is harmless, so its failure is ignored.
         ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, released, nullptr, nullptr, 0);
     }
     return 0;
@@ -152,7 +152,7 @@ WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds)
         return WaitOutcome::kFailed;
     }
     FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
-    // A poll that finds nothing writes nothing: others may poll the same event without end.
+    // A poll that finds no signal must not write: others may poll the same event in a loop.
     if (inMilliseconds == 0 && (event.mState.load(std::memory_order_relaxed) & kSignalled) == 0) {
         return WaitOutcome::kTimeout;
     }

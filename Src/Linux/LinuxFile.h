@@ -1,4 +1,4 @@
-// What stands behind the handle of an open file.
+// The record behind the handle of an open file.
 #pragma once
 
 #include "LinuxHostPath.h"
@@ -21,11 +21,11 @@ struct OpenFile
     bool mMayWrite = false;
     bool mIsRegular = false;
     bool mIsUnbuffered = false;        // the alignment of reads and writes is checked
-    bool mDropsPages = false;          // unbuffered where the file system refuses that: the cache is emptied behind it
+    bool mDropsPages = false;          // unbuffered, but without direct I/O: drops the pages from the cache
     std::uint32_t mAlignment = 512;    // of unbuffered reads and writes
     std::int64_t mPosition = 0;
-    std::string mNameToDelete;         // not empty: the host path that goes when the file is closed
-    std::shared_ptr<const Descriptor> mFolderOfName; // through which that path leads, where it is a long one
+    std::string mNameToDelete;         // not empty: the host path to delete when the file is closed
+    std::shared_ptr<const Descriptor> mFolderOfName; // the open folder in mNameToDelete, if the path is a long one
     FileIdentity mIdentity;
     ShareHolder mShares;
 
@@ -34,17 +34,17 @@ struct OpenFile
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    /// Once; the file is closed whatever is answered.
+    /// Call it once. The file is closed even if this returns an error.
     SystemError Close() noexcept;
 };
 
-/// The record of a handle that is not InvalidHandle().
+/// Returns the record of a handle that is not InvalidHandle().
 inline OpenFile& FileOf(Files::Platform::Handle inFile)
 {
     return *static_cast<OpenFile*>(inFile);
 }
 
-/// True for a handle that no file stands behind.
+/// Returns true for a handle without a file.
 inline bool IsNoFile(Files::Platform::Handle inFile)
 {
     return inFile == nullptr || inFile == Files::Platform::InvalidHandle();
@@ -55,38 +55,39 @@ inline FileIdentity IdentityOf(const struct stat& inStatus)
     return FileIdentity{inStatus.st_dev, inStatus.st_ino};
 }
 
-/// No write permission at all: what the home platform marks as read-only.
+/// Returns true if the file has no write permission at all, which the home platform reports as read-only.
 inline bool IsReadOnly(const struct stat& inStatus)
 {
     return (inStatus.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
 
-/// 100 ns since the beginning of 1601.
+/// Returns the time in 100 ns since the beginning of 1601.
 inline std::uint64_t TimeOf(const struct timespec& inTime)
 {
     constexpr std::int64_t kSecondsTo1970 = 11644473600;
     return static_cast<std::uint64_t>((inTime.tv_sec + kSecondsTo1970) * 10000000 + inTime.tv_nsec / 100);
 }
 
-/// What is asked of an open, in the words of CreateFile_Impl.
+/// The parameters of an open, with the values of CreateFile_Impl.
 struct OpenWish
 {
     std::uint32_t mAccess = 0;
     std::uint32_t mShareMode = 0;
     std::uint32_t mDisposition = 0;
     std::uint32_t mFlags = 0;
-    mode_t mNewMode = 0666; // of a file that is made, before the process's mask
+    mode_t mNewMode = 0666; // of a new file, before the umask applies
 };
 
-/// Opens a file by its host path, as CreateFile_Impl tells; also its status and whether it was made.
+/// Opens a file by its host path, as CreateFile_Impl does. Also returns its status and whether it was created.
 SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,
                          struct stat& outStatus, bool& outIsNew);
 
-/// The status of a name: of a link itself, not of what it leads to.
+/// Returns the status of a name; for a link, of the link itself.
 SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus);
 
-/// Holds a name for a moment, so that it can be deleted or moved: asks for the right to use inUses, and shares
-/// inShares. A link, and what cannot be opened, is held by nobody. 0, 32 or the failure to find the name.
+/// Briefly registers a use of a name, so that it can be deleted or moved: requests the access inUses and shares
+/// inShares. A link, or an entry that cannot be opened, is not registered. Returns 0, 32 or the failure to find the
+/// name.
 class EntryHold
 {
 public:
@@ -97,10 +98,10 @@ public:
 
     SystemError Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses, unsigned inShares);
 
-    /// -1 where the entry could not be opened.
+    /// Returns -1 if the entry could not be opened.
     int Descriptor() const noexcept { return mDescriptor; }
 
-    /// Why it could not; else 0.
+    /// Returns the errno of the failed open, or 0.
     int OpenError() const noexcept { return mOpenError; }
 
 private:

@@ -1,4 +1,4 @@
-// Copies of whole files by name: contents, the user's attributes, the time of the last write.
+// Copies whole files by name: contents, the user's attributes and the last-write time.
 #include "LinuxFileCopy.h"
 
 #include "LinuxCopyBytes.h"
@@ -17,13 +17,13 @@ namespace {
 using namespace SystemErrors;
 using namespace Files::Platform;
 
-// A file system that keeps no marks is no failure.
+// A file system without times or permissions does not make a copy fail.
 bool Fails(int inAnswer)
 {
     return inAnswer != 0 && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
 }
 
-// The last write's time, and the mark of a read-only file where the destination was there before.
+// Copies the last-write time, and the read-only mark if the destination existed before.
 SystemError CopyMarks(int inTo, const struct stat& inSource, const struct stat& inDestination, bool inIsNew)
 {
     const struct timespec times[2] = {{0, UTIME_OMIT}, inSource.st_mtim};
@@ -59,7 +59,8 @@ SystemError CopyContents(int inFrom, const struct stat& inSource, int inTo, cons
     return error;
 }
 
-// A copy that fails leaves nothing, whether by an error or an exception. Where the name is a link, the link stays.
+// Removes the destination of a copy that fails, by an error or an exception. If the destination name is a link, the
+// link stays.
 class UnfinishedCopy
 {
 public:
@@ -119,7 +120,7 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
     UnfinishedCopy copy(inDestination.mPath, to->mIdentity);
     error = CopyContents(from->mDescriptor, source, to->mDescriptor, destination, isNew, inWish);
     if (error == kNoError) {
-        error = to->Close(); // some file systems tell only here that there was no room
+        error = to->Close(); // some file systems report a full disk only here
     }
     if (error == kNoError) {
         copy.Done();

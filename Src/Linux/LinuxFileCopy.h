@@ -1,4 +1,4 @@
-// Copying one file, by host paths.
+// Copies one file, by host paths.
 #pragma once
 
 #include "LinuxFile.h"
@@ -6,9 +6,9 @@
 namespace ORL {
 namespace Linux {
 
-/// As CopyFile_Impl. mDisposition is kOpenAlways or kCreateNew; with the latter an existing destination gives 80. With
-/// mStandsIn the copy takes the place of the source: it is put on disk before it is done, and has the source's permissions
-/// whatever the mask of the process is.
+/// Options of CopyHostFile, which otherwise copies like CopyFile_Impl. mDisposition is kOpenAlways or kCreateNew; with
+/// kCreateNew an existing destination returns 80. With mStandsIn the copy will replace the source: it is synced to disk
+/// before this returns, and gets the source's permissions whatever the umask is.
 struct CopyWish
 {
     std::uint32_t mDisposition = Files::Platform::kOpenAlways;

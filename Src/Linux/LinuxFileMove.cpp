@@ -1,4 +1,4 @@
-// Deleting, moving and replacing names.
+// Deletes, moves and replaces names.
 #include "LinuxCopyBytes.h"
 #include "LinuxDescriptor.h"
 #include "LinuxErrors.h"
@@ -42,14 +42,14 @@ bool IsBelow(const std::string& inHostPath, const std::string& inFolder)
            && inHostPath.compare(0, inFolder.size(), inFolder) == 0;
 }
 
-// Asks for the right to delete the name for a moment.
+// Briefly requests delete access to the name.
 SystemError HoldToDelete(const std::string& inHostPath, EntryHold& outHold, struct stat& outStatus)
 {
     const SystemError error = GetEntryStatus(inHostPath, outStatus);
     return error != kNoError ? error : outHold.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
 }
 
-// For file systems that do not know how to rename without replacing.
+// For file systems that cannot rename without replacing.
 SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
 {
     struct stat status;
@@ -61,7 +61,7 @@ SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
                                                                 : SystemErrorFromErrno(errno, inTo, PathOperation::kMove);
 }
 
-// A link goes as a link, wherever it leads.
+// Copies a link as a link, wherever it leads.
 SystemError CopyLink(const std::string& inSource, const std::string& inDestination)
 {
     char target[PATH_MAX];
@@ -78,7 +78,7 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
 {
     CopyWish wish;
     wish.mDisposition = kCreateNew;
-    wish.mStandsIn = true; // the source goes next
+    wish.mStandsIn = true; // the source is deleted next
     return CopyHostFile(inSource, inDestination, wish);
 }
 
@@ -91,20 +91,20 @@ int OpenToSync(const std::string& inFolder)
     return folder;
 }
 
-// A folder whose names are to be put on disk. It is opened before anything is changed, so that nothing but the disk can
-// fail afterwards.
+// A folder whose entries are to be synced to disk. It is opened before anything is changed, so that afterwards only the
+// disk itself can fail.
 class FolderToSync
 {
 public:
     explicit FolderToSync(const std::string& inFolder) : mFolder(OpenToSync(inFolder)), mOpenError(mFolder ? 0 : errno) {}
 
-    // A folder that may be written but not read cannot be opened.
+    // A folder with write but without read permission cannot be opened; that is not an error here.
     SystemError OpenError(const std::string& inPath) const
     {
         return CanBeOpened() ? SystemErrorFromErrno(mOpenError, inPath) : kNoError;
     }
 
-    // What cannot be opened is synced with its whole volume, on which inFile is.
+    // If the folder could not be opened, syncs the whole volume of inFile.
     SystemError Sync(int inFile) const noexcept
     {
         if (mFolder) {
@@ -113,7 +113,7 @@ public:
         return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
     }
 
-    // The same without a file of that volume at hand.
+    // Syncs without a file of that volume at hand.
     SystemError SyncIfOpen() const noexcept { return mFolder ? Sync(-1) : kNoError; }
 
 private:
@@ -123,8 +123,8 @@ private:
     const int mOpenError;
 };
 
-// By a copy, which folders do not have: 5. The source goes when the copy and its name are on disk; one that cannot be
-// deleted stays beside what has been moved.
+// Moves by copying; fails with 5 for folders. The source is deleted after the copy and its name have been synced. A
+// source that cannot be deleted stays beside the copy.
 SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
 {
     const FolderToSync folder(FolderOf(inDestination.mPath));
@@ -143,13 +143,14 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 
 // --- replacing -------------------------------------------------------------------------------------------------------
 
-// What the replaced name held: a second name for it, or a copy where the file system has one name for each file.
+// The earlier contents of the replaced name: a second name for the file, or a copy if the file system has no hard
+// links.
 class Backup
 {
 public:
     Backup(const HostPath& inPath, BackupEnd inEnd) : mPath(inPath), mGoes(inEnd == BackupEnd::kIsDeleted) {}
 
-    // A name that is too long for the file system could not be used by anybody: one of our own stands for it then.
+    // A name that is too long for the file system could not be opened by anyone, so a temporary name replaces it.
     SystemError Make(const HostPath& inReplaced)
     {
         const SystemError error = MakeOver(inReplaced);
@@ -162,7 +163,7 @@ public:
 
     void Remove() const { System().mUnlink(mPath.mPath.c_str()); }
 
-    // When the new contents are safe.
+    // Call it when the new contents are synced.
     void RemoveIfDone() const
     {
         if (mGoes) {
@@ -207,7 +208,7 @@ private:
     bool mGoes;
 };
 
-// The two files of a replacement, held against others.
+// One of the two files of a replacement, registered against other handles.
 struct Replacing
 {
     HostPath mPath;
@@ -220,7 +221,7 @@ struct Replacing
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
-    // A link stays, and leads to the new contents.
+    // A link stays and then leads to the new contents.
     SystemError FollowLink()
     {
         char target[PATH_MAX];
@@ -244,14 +245,14 @@ struct Replacing
     }
 };
 
-// From here on the name holds the new contents or the old ones, and the replacement's name stands as long as it holds
-// the old ones: whoever is interrupted sees by that name whether it was done.
+// The name always has the old or the new contents. The name of the replacement exists as long as the name has the old
+// contents, so after an interruption its existence tells whether the exchange was done.
 SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
     const int contents = inReplacement.mHold.Descriptor();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
-        System().mFChMod(contents, mode); // the permissions belong to the name; not every file system keeps them
+        System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system keeps them
     }
     CopyUserAttributes(inReplaced.mHold.Descriptor(), contents, AttributesThere::kAreKept);
     if (System().mFSync(contents) != 0) {
@@ -269,7 +270,7 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
     return kNoError;
 }
 
-// The folders of both names, which may be one.
+// The folders of both names, possibly one and the same.
 class BothFolders
 {
 public:
@@ -296,10 +297,10 @@ public:
 
 private:
     const FolderToSync mReplaced;
-    std::optional<FolderToSync> mReplacement; // where it is another one
+    std::optional<FolderToSync> mReplacement; // if it is another folder
 };
 
-// All that needs memory or a descriptor comes before the exchange.
+// Everything that needs memory or a descriptor comes before the exchange.
 SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
     const BothFolders folders(inReplaced, inReplacement);

@@ -1,4 +1,4 @@
-// Opening and closing.
+// Opens and closes files.
 #include "LinuxFile.h"
 
 #include "Files/LinuxDirectAlignment.h"
@@ -40,7 +40,7 @@ SystemError CheckWish(const OpenWish& inWish)
     return isKnown && !cannotEmpty ? kNoError : kErrorInvalidParameter;
 }
 
-// What the descriptor must be able to do. A writer reads too: a lock of the share modes asks for that.
+// The open mode of the descriptor. A writer can read too, because the locks of the share modes need that.
 int DescriptorMode(const OpenWish& inWish) noexcept
 {
     const std::uint32_t any = kGenericRead | kGenericWrite | kGenericExecute | kAccessDelete;
@@ -52,13 +52,14 @@ int OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
 {
     int file = -1;
     do {
-        // A pipe must not hold us until its other side comes.
+        // Opening a pipe must not block until its other end is open.
         file = System().mOpen(inPath.c_str(), inFlags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, inMode);
     } while (file < 0 && errno == EINTR);
     return file;
 }
 
-// Opens what exists. Who only writes, and may not read, gets a file that other processes do not see open.
+// Opens an existing file. A write-only handle to a file without read permission is invisible to other processes' share
+// modes.
 int OpenExisting(const std::string& inPath, const OpenWish& inWish)
 {
     const int mode = DescriptorMode(inWish);
@@ -77,8 +78,8 @@ int MakeNew(const std::string& inPath, const OpenWish& inWish)
     return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT | O_EXCL, inWish.mNewMode);
 }
 
-// Makes the file or opens the one that is there. Both may fail in turn while others make and delete the name, or
-// because it is a link to a file that does not exist, which is then made.
+// Creates the file or opens the existing one. Both may fail in turn while others create and delete the name, or because
+// the name is a link to a missing file, which is then created.
 int MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
 {
     constexpr int kRounds = 4;
@@ -131,7 +132,7 @@ unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
            | (deletes ? kShareDelete : 0u);
 }
 
-// Goes past the cache where the file system can. Where it cannot, the duty of aligned reads holds all the same.
+// Bypasses the cache if the file system can. If it cannot, unaligned reads and writes fail all the same.
 void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;
@@ -151,7 +152,7 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inStatus)
 {
     if (S_ISCHR(inStatus.st_mode) || S_ISBLK(inStatus.st_mode)) {
-        System().mSetFlags(ioFile.mDescriptor, 0); // from here on it may take its time
+        System().mSetFlags(ioFile.mDescriptor, 0); // make its reads and writes blocking
     }
     if (Has(inWish.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
         GoPastCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
@@ -161,7 +162,7 @@ void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inS
     }
 }
 
-// Takes the open file into use. A failure leaves it to its destructor.
+// Prepares the open file. On failure the caller destroys it.
 SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct stat& outStatus)
 {
     if (System().mFStat(ioFile.mDescriptor, &outStatus) != 0) {
@@ -190,8 +191,8 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     return kNoError;
 }
 
-// What was made for an open that fails is not left behind, unless it is no longer ours alone: another who had it before us
-// (32) keeps it, and the name may belong to another file by now.
+// Removes a file created by an open that failed, unless another handle opened it first (32) or the name belongs to
+// another file by now.
 void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError inError)
 {
     struct statx made;
@@ -205,7 +206,7 @@ void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError i
     }
 }
 
-// A name that ends in a separator is a directory or no name at all.
+// A name that ends in a separator must be a directory.
 SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 {
     struct stat status;

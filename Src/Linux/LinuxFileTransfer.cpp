@@ -1,5 +1,5 @@
-// Reading, writing, position, size and times of open files. The position is ours: every read and write names its
-// place, so a seek costs no system call.
+// Reads, writes, position, size and times of open files. The position is kept in OpenFile, and every read and write
+// passes it, so a seek costs no system call.
 #include "LinuxFile.h"
 
 #include "LinuxErrors.h"
@@ -25,8 +25,8 @@ bool IsAligned(const OpenFile& inFile, const void* inBuffer, std::uint32_t inCou
     return !inFile.mIsUnbuffered || all % inFile.mAlignment == 0;
 }
 
-// Moves inCount bytes in as many calls as the system wants: it takes at most 2 GiB at once, and may be interrupted.
-// inCall(done) moves the rest and answers as the system does.
+// Moves inCount bytes in as many calls as needed: one call moves at most 2 GiB and may be interrupted. inCall(done)
+// moves the rest and returns like the system call.
 template <class Call>
 SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& outDone, Call inCall)
 {
@@ -44,7 +44,7 @@ SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& out
     return kNoError;
 }
 
-// The system drops whole pages alone, so the page that the read begins in goes with it.
+// The kernel drops whole pages only, so this includes the page where the read begins.
 void DropPagesBehind(const OpenFile& inFile, std::int64_t inPosition, std::uint32_t inCount)
 {
     constexpr std::int64_t kPage = 4096;
@@ -54,8 +54,8 @@ void DropPagesBehind(const OpenFile& inFile, std::int64_t inPosition, std::uint3
     }
 }
 
-// False where the system cannot tell. A regular file is asked by a seek, which is the cheapest question; the position of
-// the descriptor is nobody's.
+// Returns false if the system cannot report the size. A seek is the cheapest query of a regular file; the descriptor's
+// own position is not used.
 bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
 {
     outSize = inFile.mIsRegular ? System().mSeek(inFile.mDescriptor, 0, SEEK_END) : -1;
@@ -70,7 +70,7 @@ bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
     return true;
 }
 
-// An unbuffered read that has come short stands at the end: the rest would not be aligned any more.
+// A short unbuffered read is at the end: the rest would no longer be aligned.
 bool IsAtEnd(const OpenFile& inFile, std::uint32_t inDone)
 {
     return inFile.mIsUnbuffered && inDone % inFile.mAlignment != 0;

@@ -32,10 +32,10 @@ struct Name
     Unit Last() const noexcept { return mUnits[mCount - 1]; }
 };
 
-// Few paths go deeper, and no memory is asked for up to here.
+// Few paths are deeper; up to this depth nothing is allocated.
 using Names = boost::container::small_vector<Name, 24>;
 
-// Few paths are longer, so that they grow without moving.
+// Few paths are longer, so most grow without reallocating.
 constexpr std::size_t kUsualSize = 128;
 
 bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
@@ -44,7 +44,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
     return inPath.size() >= size && std::equal(inText, inText + size, inPath.begin());
 }
 
-// What stands between separators, empty names included. Always at least one.
+// Returns the names between separators, including empty ones; always at least one.
 Names Split(const UTF16String& inPath, std::size_t inFrom)
 {
     Names names;
@@ -61,7 +61,7 @@ Names Split(const UTF16String& inPath, std::size_t inFrom)
     }
 }
 
-// Where the name that begins at inFrom ends.
+// Returns the end of the name that begins at inFrom.
 std::size_t EndOfName(const UTF16String& inPath, std::size_t inFrom) noexcept
 {
     return std::min(inPath.find('\\', inFrom), inPath.size());
@@ -78,13 +78,13 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     }
     const std::size_t start = ioPath.size();
     AppendBytesOfName(ioPath, inName.mUnits, inName.mCount);
-    // "." and ".." lead elsewhere on disk and name no entry.
+    // On disk "." and ".." lead to other folders, so they are not valid names of entries.
     const std::size_t size = ioPath.size() - start;
     const bool leadsAway = size <= 2 && ioPath[start] == '.' && ioPath[start + size - 1] == '.';
     return leadsAway ? kErrorInvalidName : kNoError;
 }
 
-// inFolder with the names behind it becomes the path.
+// Stores inFolder, with the names already appended to it, as the path.
 void Finish(std::string&& inFolder, bool inHasNames, bool inHasTrailingSeparator, HostPath& outHostPath)
 {
     outHostPath.mIsRoot = !inHasNames;
@@ -95,7 +95,7 @@ void Finish(std::string&& inFolder, bool inHasNames, bool inHasTrailingSeparator
     outHostPath.mPath = std::move(inFolder);
 }
 
-// The folder of \\server\share, where the server's name begins at inServer, and where the share's name ends.
+// Finds the folder of \\server\share and the end of the share's name. The server's name begins at inServer.
 SystemError FindShareFolder(const UTF16String& inPath, std::size_t inServer, std::string& outFolder, std::size_t& outEnd)
 {
     const std::size_t serverEnd = EndOfName(inPath, inServer);
@@ -108,7 +108,7 @@ SystemError FindShareFolder(const UTF16String& inPath, std::size_t inServer, std
     return TheDriveTable().FindShare(share, outFolder) ? kNoError : kErrorNetworkPathNotFound;
 }
 
-// The folder of \\?\X:, and where its name ends.
+// Finds the folder of \\?\X: and the end of its name.
 SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, std::size_t& outEnd)
 {
     constexpr std::size_t kDrive = 4;
@@ -122,14 +122,14 @@ SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, s
     return TheDriveTable().FindDrive(inPath[kDrive], outFolder) ? kNoError : kErrorPathNotFound;
 }
 
-// The form that is taken as it stands: only its last name may be empty.
+// Resolves the extended form, which is used as it is: only its last name may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
     constexpr std::size_t kServer = 8;
     const bool isShare = BeginsWith(inPath, "\\\\?\\UNC") && EndOfName(inPath, 4) == kServer - 1;
     std::string folder;
     folder.reserve(kUsualSize);
-    std::size_t end = 0; // of what is read
+    std::size_t end = 0; // of the part already parsed
     SystemError error =
         isShare ? FindShareFolder(inPath, kServer, folder, end) : FindDriveFolder(inPath, folder, end);
     bool hasNames = false;
@@ -145,7 +145,8 @@ SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
     return error;
 }
 
-// A plain path loses the blanks and dots behind its last name, and one single dot behind each other name.
+// In a plain path, removes trailing blanks and dots from the last name, and one single trailing dot from each other
+// name.
 void Trim(Name& ioName, bool inIsLast) noexcept
 {
     if (inIsLast) {
@@ -157,7 +158,7 @@ void Trim(Name& ioName, bool inIsLast) noexcept
     }
 }
 
-// Resolves what stands behind the root. Answers whether the path ends in a separator.
+// Resolves the part after the root. Returns true if the path ends in a separator.
 bool Normalize(Names& ioNames)
 {
     Names names;
@@ -253,14 +254,14 @@ namespace {
 
 constexpr std::size_t kLongestPath = PATH_MAX - 1;
 
-// Opens the folders on the way of a long path until the rest is short.
+// Opens the folders along a long path until the rest is short enough.
 SystemError OpenWay(std::string& ioRest, Descriptor& outFolder)
 {
     constexpr std::size_t kRoomForFolder = 64; // "/proc/self/fd/" and a number
     while (ioRest.size() > kLongestPath - kRoomForFolder) {
         const std::size_t end = ioRest.rfind('/', kLongestPath);
         if (end == std::string::npos || end == 0) {
-            return kErrorInvalidName; // one name alone is longer
+            return kErrorInvalidName; // a single name is longer
         }
         const std::string way(ioRest, 0, end);
         Descriptor next(System().mOpenAt(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(),

@@ -16,8 +16,8 @@ namespace Platform {
 
 namespace {
 
-// The end of what a process may map, four-level paging and no wish for more. The kernel's own page, which the list
-// shows above it, is not the process's.
+// The end of the address space of a process with four-level paging. The list shows the kernel's own page above it,
+// which does not belong to the process.
 constexpr std::uint64_t kTop = 0x7ffffffff000;
 
 struct Mapping
@@ -29,13 +29,12 @@ struct Mapping
 
 } // namespace
 
-// Reads the list of mappings as the walk goes on. A line of the list is shorter than the buffer: its longest part is a
-// path.
+// Reads the list of mappings as the walk proceeds. A line is shorter than the buffer: its longest part is a path.
 struct Walk
 {
     int mFile = -1;
     off_t mPosition = 0;
-    std::size_t mBegin = 0; // of what is not yet read in mText
+    std::size_t mBegin = 0; // of the unread part of mText
     std::size_t mEnd = 0;
     bool mIsOver = false;
     bool mHasFailed = false;
@@ -45,7 +44,7 @@ struct Walk
 
 namespace {
 
-// Moves what is left to the front and reads behind it.
+// Moves the unread part to the front and reads more after it.
 bool ReadMore(Walk& ioWalk)
 {
     std::memmove(ioWalk.mText, ioWalk.mText + ioWalk.mBegin, ioWalk.mEnd - ioWalk.mBegin);
@@ -65,7 +64,7 @@ bool ReadMore(Walk& ioWalk)
     return true;
 }
 
-// The next line with a zero at its end, or null at the end of the list.
+// Returns the next line, zero-terminated, or null at the end of the list.
 char* ReadLine(Walk& ioWalk)
 {
     for (;;) {
@@ -97,7 +96,7 @@ bool ReadMapping(Walk& ioWalk)
     return true;
 }
 
-// Stops at the first mapping that ends behind the address.
+// Stops at the first mapping that ends after the address.
 bool FindMapping(Walk& ioWalk, std::uint64_t inAddress)
 {
     while (!ioWalk.mIsOver && ioWalk.mNext.mEnd <= inAddress) {
@@ -136,7 +135,7 @@ bool QueryRegion_Impl(Walk& ioWalk, std::uint64_t inAddress, Region& outRegion)
     }
     const bool hasMapping = FindMapping(ioWalk, inAddress);
     if (ioWalk.mHasFailed) {
-        return false; // what follows is unknown, not free
+        return false; // the rest is unknown, not free
     }
     if (!hasMapping || inAddress < ioWalk.mNext.mBegin) {
         outRegion = Region{(hasMapping ? ioWalk.mNext.mBegin : kTop) - inAddress, kFree};

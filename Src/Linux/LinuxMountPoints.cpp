@@ -1,4 +1,4 @@
-// The public face of the drive table, and host paths as library paths.
+// The public functions over the drive table, and conversion of host paths to library paths.
 #include "LinuxDriveTable.h"
 #include "LinuxHostPath.h"
 #include "LinuxNames.h"
@@ -21,7 +21,7 @@ Result ResultOf(SystemError inError)
     return inError == kNoError ? kSuccess : Win::SystemErrorToORLResult(inError);
 }
 
-// What stands behind the slash that begins at inStart, up to the next slash.
+// Returns the name after the slashes at ioPosition, up to the next slash, and moves ioPosition behind it.
 std::string NextName(const std::string& inPath, std::size_t& ioPosition)
 {
     const std::size_t start = inPath.find_first_not_of('/', ioPosition);
@@ -33,8 +33,8 @@ std::string NextName(const std::string& inPath, std::size_t& ioPosition)
     return inPath.substr(start, ioPosition - start);
 }
 
-// ".." leads from where a link points, not from where it stands, so the system is asked; a path that does not exist
-// is taken as text.
+// ".." goes up from the target of a link, so this resolves the path first; a path that does not exist is treated as
+// text.
 void GoUp(std::string& ioPath)
 {
     char resolved[PATH_MAX];
@@ -45,7 +45,8 @@ void GoUp(std::string& ioPath)
     ioPath.resize(slash == std::string::npos ? 0 : slash);
 }
 
-// An absolute path without ".", "..", doubled slashes and a slash at its end. "/" for the root, empty for a failure.
+// Returns an absolute path without ".", "..", doubled and trailing slashes; "/" for the root, empty for a relative
+// path.
 std::string Clean(const std::string& inHostPath)
 {
     std::string path;
@@ -63,7 +64,7 @@ std::string Clean(const std::string& inHostPath)
     return path.empty() ? "/" : path;
 }
 
-// Empty when the current folder is gone.
+// Returns an empty text if the current folder no longer exists.
 std::string InCurrentFolder(const std::string& inHostPath)
 {
     char folder[PATH_MAX];
@@ -82,7 +83,7 @@ SystemError CheckFolder(const std::string& inFolder)
     return kNoError;
 }
 
-// "\\server\share" and nothing more.
+// True for exactly "\\server\share".
 bool IsShare(const UTF16String& inShare)
 {
     if (inShare.size() < 2 || inShare[0] != '\\' || inShare[1] != '\\') {

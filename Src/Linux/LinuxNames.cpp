@@ -24,7 +24,7 @@ bool IsIllegalCharacter(unsigned inCharacter) noexcept
     return false;
 }
 
-// Bytes that read the same in both forms wherever they stand but at the end.
+// The bytes that are the same in both forms, except a blank or dot at the end of a name.
 struct PlainBytes
 {
     constexpr PlainBytes() : mIsPlain()
@@ -37,7 +37,7 @@ struct PlainBytes
         }
     }
 
-    // Of a byte or a unit.
+    // For a byte or a unit.
     constexpr bool Has(unsigned inCharacter) const noexcept { return inCharacter < 256 && mIsPlain[inCharacter]; }
 
 private:
@@ -51,7 +51,7 @@ bool IsBlankOrDot(unsigned inCharacter) noexcept
     return inCharacter == ' ' || inCharacter == '.';
 }
 
-// The units that stand for a byte. U+F041 is none of them: its byte, "A", never needs to travel.
+// True for the units that encode a byte. U+F041 is not one of them: its byte, "A", is never encoded.
 bool IsUnitOfByte(unsigned inUnit) noexcept
 {
     if (inUnit <= kPrivateBase || inUnit > kPrivateBase + 0xFF) {
@@ -74,7 +74,7 @@ bool IsLowHalf(unsigned inUnit) noexcept
 struct Sequence
 {
     unsigned mCharacter = 0;
-    std::size_t mSize = 0; // 0 when the bytes are no character
+    std::size_t mSize = 0; // 0 if the bytes are not a character
 };
 
 unsigned SmallestOfSize(std::size_t inSize) noexcept
@@ -82,7 +82,8 @@ unsigned SmallestOfSize(std::size_t inSize) noexcept
     return inSize == 2 ? 0x80 : inSize == 3 ? 0x800 : 0x10000;
 }
 
-// One character of two to four bytes. Halves of surrogate pairs are let through: a name written at home may hold one.
+// Decodes one character of two to four bytes. Unpaired surrogates are accepted, because a name from the home platform
+// may contain one.
 Sequence ReadSequence(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     const unsigned first = inBytes[0];
@@ -137,7 +138,7 @@ void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
     ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
 }
 
-// Most names are of this kind, and listings are long.
+// Most names are plain, and listings are long, so these have a fast path.
 bool IsPlainName(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     for (std::size_t i = 0; i < inSize; ++i) {
@@ -168,7 +169,7 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
             continue;
         }
         Sequence sequence = ReadSequence(bytes + i, inSize - i);
-        // Two halves that stand apart on disk must not join into one character.
+        // Two surrogates that are separate characters on disk must not join into one.
         if (IsUnitOfByte(sequence.mCharacter) || (behindHighHalf && IsLowHalf(sequence.mCharacter))) {
             sequence = {};
         }
@@ -180,7 +181,7 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount)
 {
-    // A string can only grow filled; bytes gathered here first are written once.
+    // A string zero-fills when it grows, so the bytes are gathered here and appended once.
     char bytes[kLongestName] = {};
     const std::size_t most = std::min(inCount, kLongestName);
     std::size_t plain = 0;

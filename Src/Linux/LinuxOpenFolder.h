@@ -1,4 +1,4 @@
-// A folder of the host that is open for reading its entries.
+// A folder of the host, open for reading its entries.
 #pragma once
 
 #include "LinuxDescriptor.h"
@@ -10,23 +10,23 @@
 namespace ORL {
 namespace Linux {
 
-/// The entries of an open folder, in the system's own order, without "." and "..". Holds a buffer of its own: too large
-/// for the stack of a recursion.
+/// The entries of an open folder, in the kernel's order, without "." and "..". Contains a buffer that is too large for
+/// the stack of a recursion.
 class FolderEntries
 {
 public:
-    /// The folder stays the caller's, and is read from where its list stands.
+    /// Does not own inFile, and reads from its current position.
     explicit FolderEntries(int inFile) noexcept : mFile(inFile) {}
     FolderEntries(const FolderEntries&) = delete;
     FolderEntries& operator=(const FolderEntries&) = delete;
 
-    /// The next entry, or null at the end of the list. Good until the next call.
+    /// Returns the next entry, or null at the end of the list. The entry is valid until the next call.
     const dirent64* Next();
 
-    /// The errno that broke the list off, or 0.
+    /// Returns the errno that ended the list early, or 0.
     int Failure() const noexcept { return mFailure; }
 
-    /// Whether inMatches(name) holds for one of the entries that are still to come.
+    /// Returns true if inMatches(name) is true for one of the remaining entries.
     template <class Predicate>
     bool AnyEntry(const Predicate& inMatches)
     {
@@ -48,7 +48,7 @@ private:
     alignas(dirent64) char mBuffer[16384];
 };
 
-/// A folder opened by its path, which a link may lead to.
+/// A folder opened by its path; links in the path are followed.
 class OpenFolder
 {
 public:
@@ -58,7 +58,7 @@ public:
     int File() const noexcept { return mFile.Get(); }
     FolderEntries& Entries() noexcept { return mEntries; }
 
-    /// Closes the folder, whose entries are all read.
+    /// Closes the folder. Call it after reading all entries.
     void Close() noexcept { mFile.Close(); }
 
 private:
@@ -66,8 +66,8 @@ private:
     FolderEntries mEntries;
 };
 
-/// Puts the names of an open folder on disk: 0 or an errno. A file system without a way to sync folders keeps its names safe
-/// by itself.
+/// Syncs the names of an open folder to disk. Returns 0 or an errno. A file system that cannot sync folders keeps its
+/// names safe by itself, so this returns 0 there.
 int SyncFolder(int inFolder) noexcept;
 
 } // namespace Linux

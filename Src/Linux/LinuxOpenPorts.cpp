@@ -19,18 +19,18 @@ struct OpenPort
     std::unique_ptr<OpenPort> mNext;
 };
 
-// A process has one port; only a test has a few.
+// A process has one port; only tests have a few.
 struct PortList
 {
     std::mutex mMutex; // a leaf lock
     std::unique_ptr<OpenPort> mFirst;
-    std::uintptr_t mLastNumber = 0; // of all ports there have been, so that no handle comes twice
+    std::uintptr_t mLastNumber = 0; // counts all ports ever opened, so that no handle is reused
 };
 
-// A thread that nobody waited for may still ask at the end of the process.
+// A thread that was never joined may still call at process exit.
 Immortal<PortList> sPorts;
 
-// Where the port hangs in the list, or the null at its end. The lock is held.
+// Returns the link that owns the port, or the null link at the end of the list. The lock is held.
 std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle)
 {
     std::unique_ptr<OpenPort>* place = &sPorts.mValue.mFirst;

@@ -22,7 +22,7 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-// The status of the entry; of a link, that of what it leads to where inFollow says so.
+// Returns the status of the entry. If it is a link and inFollow is true, returns the status of its target.
 bool GetStatus(const std::string& inPath, bool inFollow, struct statx& outStatus)
 {
     const int flags = inFollow ? 0 : AT_SYMLINK_NOFOLLOW;
@@ -44,7 +44,8 @@ std::string_view LeafOf(const std::string& inPath)
     return path.substr(path.rfind('/') + 1);
 }
 
-// Whether a name fits a pattern: "*" stands for any run of units, "?" for one. "*.*" fits every name.
+// Returns true if a name matches a pattern: "*" matches any run of units, "?" one unit. The caller replaces "*.*",
+// which matches every name.
 bool Fits(const unsigned short* inName, const unsigned short* inPattern)
 {
     const unsigned short* star = nullptr;
@@ -57,7 +58,7 @@ bool Fits(const unsigned short* inName, const unsigned short* inPattern)
             ++inPattern;
             ++inName;
         } else if (star != nullptr) {
-            // The star takes one unit more.
+            // The star matches one more unit.
             inPattern = star;
             inName = ++retry;
         } else {
@@ -80,7 +81,7 @@ bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
         inPattern = TVX_UTF16("*");
     }
     OpenFolder folder(path.mPath.c_str());
-    // Every folder but a root lists itself too, as "." and "..".
+    // Every folder but a root also lists itself, as "." and "..".
     const bool fitsItself = !path.mIsRoot && inPattern == TVX_UTF16("*");
     return folder.IsOpen() && (fitsItself || folder.Entries().AnyEntry([&inPattern](std::string_view inName) {
                UTF16String name;
@@ -99,7 +100,7 @@ UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirec
 
 bool FindEntry_Impl(const UTF16String& inPath)
 {
-    // The "?" of the extended form's own beginning is no pattern.
+    // The "?" in the prefix of the extended form is not a pattern.
     const std::size_t leaf = inPath.rfind('\\') + 1;
     if (leaf > 4 && inPath.find_first_of(TVX_UTF16("*?"), leaf) != UTF16String::npos) {
         return FindByPattern(UTF16String(inPath, 0, leaf), UTF16String(inPath, leaf));
@@ -135,7 +136,7 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
     if (ReachHostPath(inPath, path) != kNoError) {
         return kInvalidAttributes;
     }
-    // A link that leads nowhere is still an entry.
+    // A link without a target is still an entry.
     if (!GetStatus(path.mPath, true, status) && !GetStatus(path.mPath, false, status)) {
         return kInvalidAttributes;
     }
@@ -157,7 +158,7 @@ void MakeFolder(int inFolder, const std::string& inPath)
                          : System().mMakeDirAt(inFolder, inPath.c_str(), 0777);
 }
 
-// From the top down; what is there already, or is being made by another, is fine.
+// Creates from the top down. Folders that exist already, or are created concurrently, are not an error.
 void MakeFolders(int inFolder, const std::string& inPath)
 {
     for (std::size_t slash = inPath.find('/', 1); slash != std::string::npos; slash = inPath.find('/', slash + 1)) {
@@ -174,7 +175,7 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath)
     if (ResolveHostPath(inPath, path) != kNoError) {
         return false;
     }
-    // Piece by piece, each as long as the system takes.
+    // In pieces, each as long as the kernel accepts.
     std::string rest = std::move(path.mPath);
     Descriptor folder;
     while (rest.size() >= PATH_MAX) {
@@ -209,7 +210,8 @@ bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF
     return HomeText::Combine(inBase, inMore, outPath);
 }
 
-// $TMPDIR where it is an absolute path, else /tmp. Whether it exists is not asked, as at home.
+// Uses $TMPDIR if it is an absolute path, otherwise /tmp. Does not check that the folder exists, like the home
+// platform.
 unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
 {
     const char* folder = std::getenv("TMPDIR");
@@ -231,7 +233,7 @@ unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
     return static_cast<unsigned long>(path.size());
 }
 
-// There is no shell: each name stands for itself.
+// Linux has no shell names: the caller uses each name as it is.
 bool GetShellName_Impl(const UTF16String&, UTF16String&)
 {
     return false;

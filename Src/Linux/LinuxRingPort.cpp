@@ -17,21 +17,21 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// Places for the reads that are held back, a packet, and entries that the kernel did not take. Completions have room
-// for every read that can be in flight, and an empty packet.
+// Places for the reads held back, a packet, and entries that the kernel refused. The completion queue has space for
+// every read that can be in flight, and an empty packet.
 constexpr unsigned kSubmissions = 4 * kMostReadsHeldBack;
 constexpr unsigned kCompletions = 4096;
 
-// Stands for a submission that the kernel did not take.
+// Marks a submission that the kernel refused.
 Overlapped sWithdrawn{};
 
-// Stands for the alarm: an event that the ring watches from its beginning, so that a thread which waits for the ring can be
-// woken without handing the kernel anything more.
+// Marks the alarm: an event that the ring polls from its start. Raising it wakes a thread that waits for the ring
+// without submitting anything more to the kernel.
 Overlapped sAlarm{};
 
-// A read passes from the thread that starts it to the one that completes it through the kernel alone, which the
-// language knows nothing of: so the hand-over is spelt out.
-// Meanwhile the record holds the whole order; the place of the event, of which there is none, lends room for the size.
+// A read passes from the thread that starts it to the one that completes it only through the kernel, which the C++
+// memory model does not cover. The hand-over therefore uses explicit atomics. Meanwhile the record stores the whole
+// order; mEvent is unused and stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;
@@ -66,7 +66,7 @@ public:
         }
     }
 
-    /// Gives 0 or an errno.
+    /// Opens the ring. Returns 0 or an errno.
     int Open()
     {
         io_uring_params parameters{};
@@ -77,7 +77,7 @@ public:
             return -refusal;
         }
         mIsOpen = true;
-        // A kernel that has this also has the plain read operation.
+        // A kernel with this feature also has the plain read operation.
         if ((parameters.features & IORING_FEAT_RW_CUR_POS) == 0) {
             return ENOSYS;
         }
@@ -105,7 +105,7 @@ public:
         ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
                              PositionOf(*inOrder.mOverlapped));
         ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
-        Publish(inOrder); // last: whoever takes it up may close the file
+        Publish(inOrder); // last: the thread that completes the read may close the file
         return SystemErrors::kErrorIoPending;
     }
 
@@ -152,7 +152,7 @@ public:
             if (overlapped == nullptr) {
                 return true;
             }
-            // The kernel gives the alarm up when the thread that set it ends.
+            // The kernel cancels the alarm when the thread that submitted it ends.
             if (overlapped == &sAlarm && returned == -ECANCELED) {
                 SetAlarm();
             }
@@ -165,7 +165,7 @@ public:
     const char* Describe() const override { return "io_uring"; }
 
 private:
-    // The kernel gives a read up when a signal or a shortage meets it; that is no failure of the read.
+    // The kernel aborts a read on a signal or a temporary shortage; the read itself has not failed.
     static bool Complete(const ReadOrder& inOrder, int inReturned, Completion& outCompletion)
     {
         const bool isGivenUp = inReturned < 0 && Retries().IsWorthwhile(-inReturned);
@@ -173,14 +173,14 @@ private:
                             outCompletion);
     }
 
-    // Null when entries that the kernel does not take fill the queue.
+    // Returns null if the queue is full of entries that the kernel refuses.
     io_uring_sqe* TakeEntry()
     {
         io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
         return entry != nullptr || Submit() != 0 ? entry : ::io_uring_get_sqe(&mRing);
     }
 
-    // Without an alarm, for want of something, only its one purpose is lost.
+    // If the alarm cannot be set, only a close without a packet can no longer wake the waiting thread.
     void SetAlarm()
     {
         const std::lock_guard<std::mutex> lock(mSubmitting);
@@ -196,7 +196,7 @@ private:
         }
     }
 
-    // Hands the kernel what is queued: 0, or the errno for which it took no more. The lock is held.
+    // Submits the queued entries. Returns 0, or the errno with which the kernel refused the rest. The lock is held.
     int Submit()
     {
         Retries retries;
@@ -212,8 +212,8 @@ private:
         }
     }
 
-    // An entry that the kernel did not take cannot be removed, but it can be made harmless; it goes with a later one.
-    // Gives how many entries of the wanted kind there were.
+    // Withdraws the entries that inIsWanted selects. An entry that the kernel refused cannot be removed, so it becomes
+    // a no-op, which is submitted with a later entry. Returns the number of withdrawn entries.
     template <class Wanted>
     std::size_t Withdraw(const Wanted& inIsWanted)
     {
@@ -234,7 +234,7 @@ private:
     bool mIsOpen = false;
     int mAlarm = -1;
     std::atomic<bool> mIsClosed{false};
-    std::mutex mSubmitting; // guards the submission side of the ring; completions belong to the one thread that gets them
+    std::mutex mSubmitting; // guards the submission side of the ring; only one thread gets completions
 };
 
 } // namespace

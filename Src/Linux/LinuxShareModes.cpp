@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Linux {
 
-// The holders of the files whose identity leads here. Never destroyed: files may be closed after the statics are gone.
+// Holders of the files that hash to this bucket. Never destroyed: files may be closed after static destruction.
 struct ShareBucket
 {
     std::mutex mMutex;
@@ -61,7 +61,7 @@ ShareBucket& BucketOf(const FileIdentity& inFile) noexcept
     return sBuckets[mixed >> 55];
 }
 
-// The bytes stand in an order in which those of the usual opens are neighbours and so take one call.
+// The order makes the bytes of the usual opens adjacent, so that they take one call.
 constexpr off_t kFirstByte = off_t{1} << 62;
 constexpr unsigned kByteCount = 6;
 enum Byte : unsigned { kKeepsReaders, kUsesWrite, kKeepsDeleters, kKeepsWriters, kUsesRead, kUsesDelete };
@@ -93,7 +93,7 @@ struct flock LockOf(short inType, unsigned inFirst, unsigned inCount) noexcept
     return lock;
 }
 
-// Calls inCall(first, count) for each run of set bits, until one answers false.
+// Calls inCall(first, count) for each run of set bits, until one call returns false.
 template <class Call>
 bool ForEachRun(unsigned inBytes, Call inCall)
 {
@@ -123,7 +123,7 @@ Outcome Lock(int inDescriptor, short inType, unsigned inFirst, unsigned inCount)
     return errno == EAGAIN || errno == EACCES ? Outcome::kConflict : Outcome::kNoLocks;
 }
 
-// A conflict here is one with somebody who has the file for himself.
+// A conflict here is with a holder that has locked the file exclusively.
 Outcome Take(int inDescriptor, unsigned inBytes) noexcept
 {
     Outcome outcome = Outcome::kDone;
@@ -134,8 +134,8 @@ Outcome Take(int inDescriptor, unsigned inBytes) noexcept
     return outcome;
 }
 
-// Everything at once: the system asks for no memory then, as it does to keep the ends of what is cut out. The descriptor
-// is ours, and so are its locks.
+// Unlocks everything at once: unlocking only a part would make the kernel allocate memory for the remaining ends. The
+// descriptor and its locks belong to this holder.
 void Drop(int inDescriptor) noexcept
 {
     struct flock lock = {};
@@ -144,7 +144,7 @@ void Drop(int inDescriptor) noexcept
     System().mLockRange(inDescriptor, F_OFD_SETLK, &lock);
 }
 
-// Whether another description holds a lock on one of the bytes.
+// Returns true if another file description holds a lock on one of the bytes.
 bool IsHeld(int inDescriptor, unsigned inFirst, unsigned inCount) noexcept
 {
     struct flock lock = LockOf(F_WRLCK, inFirst, inCount);
@@ -153,14 +153,14 @@ bool IsHeld(int inDescriptor, unsigned inFirst, unsigned inCount) noexcept
 
 bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
 {
-    // Usually nobody else has the file open, and one question tells.
+    // Usually no other handle has the file open, and one query is enough.
     return IsHeld(inDescriptor, 0, kByteCount)
            && !ForEachRun(inBytes, [inDescriptor](unsigned inFirst, unsigned inCount) {
                   return !IsHeld(inDescriptor, inFirst, inCount);
               });
 }
 
-// Whether those in conflict stay. One that only tries to get in is gone in a moment.
+// Returns true if the conflict lasts. A holder that only tries to enter disappears within a moment.
 bool StaysHeld(int inDescriptor, unsigned inBytes) noexcept
 {
     constexpr int kLooks = 3;
@@ -173,7 +173,7 @@ bool StaysHeld(int inDescriptor, unsigned inBytes) noexcept
     return true;
 }
 
-// Two that keep meeting part when they wait for different times.
+// Waits for a random time, so that two holders that collide repeatedly separate.
 void WaitBeforeTry(int inTry, const void* inSelf)
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
@@ -182,8 +182,8 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
-// Who shares nothing goes with nobody: one lock for writing says so, and takes and looks in one step. It needs a
-// descriptor that can write; kNoLocks also where this one cannot.
+// A holder that shares nothing excludes all others: one write lock expresses that, and acquires and tests in one step.
+// It needs a writable descriptor; returns kNoLocks if this one is not.
 Outcome TakeAlone(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;
@@ -200,7 +200,7 @@ Outcome TakeAlone(int inDescriptor)
     return Outcome::kConflict;
 }
 
-// Takes the bytes of inHeld unless somebody holds one of inTested.
+// Acquires the bytes of inHeld unless another holder has one of inTested.
 Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
 {
     for (int attempt = 0; attempt < kTries; ++attempt) {
@@ -208,7 +208,7 @@ Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
         if (outcome == Outcome::kDone && !IsAnyHeld(inDescriptor, inTested)) {
             return outcome;
         }
-        Drop(inDescriptor); // also what a refusal half-way has left
+        Drop(inDescriptor); // including the locks acquired before a refusal
         if (outcome != Outcome::kDone) {
             return outcome;
         }
@@ -220,7 +220,7 @@ Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
     return Outcome::kConflict;
 }
 
-// It is closed in any case; an interruption says nothing of the file.
+// The descriptor is closed in any case; EINTR does not mean that the close failed.
 int CloseDescriptor(int inDescriptor) noexcept
 {
     return inDescriptor < 0 || System().mClose(inDescriptor) == 0 || errno == EINTR ? 0 : errno;
@@ -271,7 +271,7 @@ int ShareHolder::Release(int inDescriptor) noexcept
     }
     ShareBucket& bucket = BucketOf(mFile);
     const std::lock_guard<std::mutex> lock(bucket.mMutex);
-    // Closing is not enough while a child that the host has just made still has a copy of the descriptor.
+    // Closing does not release the locks while a process just forked by the host still has a copy of the descriptor.
     if (inDescriptor >= 0 && mHasLocks) {
         Drop(inDescriptor);
     }

@@ -1,19 +1,18 @@
-// What handles may do with a file beside each other: the home platform's share modes, between all handles of the
-// process and with other processes that use this library.
+// The home platform's share modes, between all handles of the process and with other processes that use this library.
 //
-// The rule: a holder uses some kinds of access (read, write, delete) and shares some. Two holders of one file are in
-// conflict when one of them uses what the other does not share. A holder that uses nothing is never in conflict.
+// The rule: a holder uses some kinds of access (read, write, delete) and shares some. Two holders of one file conflict
+// if one of them uses a kind that the other does not share. A holder that uses nothing never conflicts.
 //
-// Inside the process every holder is on a list, by device and inode. Across processes it holds shared locks on bytes of
-// the file itself, far behind any data: one byte for each kind that it uses, one for each that it does not share. They
-// belong to the open file description (F_OFD_SETLK), so they die with their owner, need no right but to read, and do
-// not meddle with the locks of other libraries in the process. Who opens takes its locks first and looks for locks in
-// conflict then: of two that come at once at most one gets through, and one that has to go tries again for a moment,
-// unless the other is there to stay. Who shares nothing and can write takes all bytes in one lock for writing instead,
-// which says the same in one call.
+// Inside the process every holder is in a list, by device and inode. Across processes it holds shared locks on bytes of
+// the file itself, far after any data: one byte for each kind that it uses, one for each kind that it does not share.
+// The locks belong to the open file description (F_OFD_SETLK). They therefore vanish with their owner, need only read
+// permission, and do not interfere with the locks of other libraries in the process. An open first acquires its locks
+// and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that meets a conflict
+// retries briefly, unless the conflict lasts. A holder that shares nothing and can write instead acquires one write
+// lock on all bytes, which has the same effect in one call.
 //
-// Where a file cannot be locked (the descriptor cannot read, the file system has no locks) the rule holds inside the
-// process alone.
+// If a file cannot be locked (the descriptor cannot read, or the file system has no locks), the rule holds only inside
+// the process.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -40,7 +39,7 @@ struct FileIdentity
     }
 };
 
-/// One holder. Safe to use beside other holders on other threads; one holder belongs to one thread at a time.
+/// One holder. Different holders may be used on different threads. Not thread-safe: one thread at a time per holder.
 class ShareHolder
 {
 public:
@@ -49,13 +48,14 @@ public:
     ShareHolder(const ShareHolder&) = delete;
     ShareHolder& operator=(const ShareHolder&) = delete;
 
-    /// Enters the holder, which must be out: 0, or 32 and it stays out. inDescriptor is the holder's own, of that file;
-    /// -1 where there is none. inCanWrite: the descriptor may be open for writing.
+    /// Registers the holder, which must not be registered yet. Returns 0, or 32 and leaves it unregistered.
+    /// inDescriptor is the holder's own descriptor of that file, or -1. inCanWrite: the descriptor may be open for
+    /// writing.
     SystemError Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares,
                       bool inCanWrite = false);
 
-    /// Takes the holder out and closes the descriptor that it entered with, both at one moment for others. Closes the
-    /// descriptor also when the holder is out; -1 closes none. 0, or the errno of a close that tells of a failure.
+    /// Removes the holder and closes its descriptor in one step. Closes the descriptor even if the holder is not
+    /// registered; -1 closes nothing. Returns 0, or the errno of the close.
     int Release(int inDescriptor) noexcept;
 
 private:

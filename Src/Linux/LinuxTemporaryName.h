@@ -1,4 +1,4 @@
-// Names for what is not whole yet, or stands for a moment only.
+// Names for files that are incomplete or exist only briefly.
 #pragma once
 
 #include <cerrno>
@@ -7,12 +7,13 @@
 namespace ORL {
 namespace Linux {
 
-/// ".orl-", the purpose, the process and a number that no other thread of it gets. Hidden, and short enough for every
-/// file system. A process that was killed may have left the name: its number comes again.
+/// Returns ".orl-", the purpose, the process identifier and a number that is unique in the process. The name is hidden
+/// and short enough for every file system. A killed process may have left the same name behind, because process
+/// identifiers are reused.
 std::string TemporaryName(const char* inPurpose);
 
-/// Calls inMake(name) with one temporary name after another until it finds one that nobody has. inMake answers as the
-/// system does, and so does this; outName is the last name.
+/// Calls inMake(name) with one temporary name after another until a name is free. inMake returns like a system call,
+/// and so does this function; outName is the last name.
 template <class Make>
 int MakeUnderTemporaryName(const char* inPurpose, std::string& outName, const Make& inMake)
 {

@@ -12,9 +12,9 @@ namespace Platform {
 
 namespace {
 
-constexpr std::size_t kNameLimit = 15; // what the system keeps of a thread's name
+constexpr std::size_t kNameLimit = 15; // the kernel's limit for the name of a thread
 
-// The length of the longest start of a UTF-8 text that fits and ends at a character.
+// Returns the length of the longest prefix of a UTF-8 text that fits and ends at a character.
 std::size_t LengthThatFits(const char* inName)
 {
     const std::size_t length = std::strlen(inName);
@@ -51,7 +51,7 @@ void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
     ::pthread_setspecific(inSlot, inValue);
 }
 
-// The name of the first thread is that of the process, by which ps, pgrep and killall find the host.
+// The name of the first thread is the process's name, by which ps, pgrep and killall find the host.
 void NameThread_Impl(const char* inName)
 {
     if (::gettid() == ::getpid()) {

@@ -13,19 +13,19 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// A disk is kept busy by a few reads at once; more threads only cost.
+// A few reads at once keep a disk busy; more threads only cost.
 constexpr std::size_t kThreads = 8;
 
-// Room for every read that can be in flight, and an empty packet.
+// Space for every read that can be in flight, and an empty packet.
 constexpr std::size_t kPlaces = 4096;
 
 struct Finished
 {
-    ReadOrder mOrder; // without a file: an empty packet
+    ReadOrder mOrder; // an order without a file is an empty packet
     std::int64_t mReturned;
 };
 
-/// A queue that never asks for memory: a read that is under way must not be lost for want of it.
+/// A queue that never allocates, because a read in progress must not be lost when memory runs out.
 template <class T>
 class FixedQueue
 {
@@ -60,7 +60,7 @@ private:
     std::size_t mCount = 0;
 };
 
-/// Threads are started as reads come and find none idle. They end with the port.
+/// Starts a thread if a read finds none idle. The threads end with the port.
 class ThreadPort : public CompletionPort
 {
 public:
@@ -99,14 +99,14 @@ public:
         }
         const SystemError refusal = mOrders.Count() > mIdle ? AddThread() : SystemErrors::kNoError;
         if (refusal != SystemErrors::kNoError && mThreads.empty()) {
-            mOrders.PopNewest(); // nobody would ever read it
+            mOrders.PopNewest(); // no thread would ever read it
             return refusal;
         }
         mOrderCame.notify_one();
         return SystemErrors::kErrorIoPending;
     }
 
-    // Nothing is held back here.
+    // This port holds nothing back.
     std::size_t Submit(SystemError& outError) override
     {
         outError = SystemErrors::kNoError;
@@ -182,7 +182,7 @@ private:
     }
 
     const char* const mDescription;
-    std::mutex mMutex; // guards all below but the threads' ends
+    std::mutex mMutex; // guards all members below, except while the threads are joined
     std::condition_variable mOrderCame;
     std::condition_variable mReadEnded;
     FixedQueue<ReadOrder> mOrders;

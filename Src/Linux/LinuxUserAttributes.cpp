@@ -13,15 +13,15 @@ namespace Linux {
 namespace {
 
 constexpr char kPrefix[] = "user.";
-constexpr std::size_t kLargestValue = 65536; // of any attribute, and of any list of their names
+constexpr std::size_t kLargestValue = 65536; // of any attribute, and of any list of attribute names
 
-// Calls inCall(name) for each of the user's own attributes.
+// Calls inCall(name) for each attribute in the user namespace.
 template <class Call>
 void ForEachUserAttribute(int inFile, Call inCall)
 {
     const ssize_t size = System().mFListXAttr(inFile, nullptr, 0);
     if (size <= 0) {
-        return; // as for nearly all files
+        return; // true for nearly all files
     }
     std::vector<char> names(kLargestValue);
     const ssize_t listed = System().mFListXAttr(inFile, names.data(), names.size());

@@ -12,7 +12,7 @@ namespace Platform {
 int CountProcessors_Impl()
 {
     cpu_set_t allowed;
-    // More processors than the set has room for are more than one.
+    // The call fails if the machine has more processors than the set; then there is more than one.
     return ::sched_getaffinity(0, sizeof(allowed), &allowed) == 0 ? CPU_COUNT(&allowed) : 2;
 }
 

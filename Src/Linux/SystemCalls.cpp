@@ -61,20 +61,20 @@ int GetTscMode(int* outMode)
     return ::prctl(PR_GET_TSC, outMode);
 }
 
-// The call is inline in the library's header and has no address of its own.
+// The call is an inline function in the library's header and has no address.
 int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
 {
     return ::io_uring_wait_cqe(ioRing, outCompletion);
 }
 
-// Private memory, with null instead of the system's own mark of failure.
+// Maps private memory; returns null instead of MAP_FAILED.
 void* MapPages(std::size_t inSize)
 {
     void* const pages = ::mmap(nullptr, inSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     return pages != MAP_FAILED ? pages : nullptr;
 }
 
-// The beginning of a file, shared with whoever else maps it.
+// Maps the beginning of a file, shared with all other mappings of it.
 void* MapShared(int inFile, std::size_t inSize, int inProtection)
 {
     void* const pages = ::mmap(nullptr, inSize, inProtection, MAP_SHARED, inFile, 0);

@@ -1,5 +1,5 @@
-// The one table through which every system call of these sources goes. The product's table forwards; a test installs
-// one that fails, shortens or holds a call. The indirection costs a nanosecond beside the call itself.
+// The table of all system calls that these sources make. The default table forwards to the kernel; a test installs one
+// that fails, shortens or delays a call. The indirection adds a nanosecond to each call.
 #pragma once
 
 #include <atomic>
@@ -20,10 +20,10 @@ struct io_uring_cqe;
 
 // X(name, failure, result, parameters, arguments, size)
 //   failure  Errno: -1 and errno.  Null: a null pointer and errno.  Number: the error number itself.
-//            Negative: the error number, negated.  Nothing: cannot fail.
-//   size     the byte count that a short transfer shortens, else sNoSize.
-// A call joins the list when a source first needs it; the table, its forwards and the faulty table of the tests all
-// follow from here.
+//           Negative: the error number, negated.  Nothing: never fails.
+//   size     the byte count that a short transfer reduces, or sNoSize.
+// Add a call when a source first needs it. The table, its forwarding functions and the tests' faulty table are
+// generated from this list.
 #define ORL_LINUX_SYSTEM_CALLS(X)                                                                                      \
     X(Open, Errno, int, (const char* inPath, int inFlags, mode_t inMode), (inPath, inFlags, inMode), sNoSize)          \
     X(Close, Errno, int, (int inFile), (inFile), sNoSize)                                                              \
@@ -110,10 +110,10 @@ struct SystemCalls
 #undef ORL_DECLARE_CALL
 };
 
-/// The system itself.
+/// The table that forwards to the kernel.
 extern const SystemCalls kSystem;
 
-/// The table in use. Constant-initialised, so that statics may call before main.
+/// The table in use. Constant-initialised, so that static initialisers may make calls before main.
 extern std::atomic<const SystemCalls*> sSystemCalls;
 
 inline const SystemCalls& System() noexcept
@@ -121,8 +121,8 @@ inline const SystemCalls& System() noexcept
     return *sSystemCalls.load(std::memory_order_acquire);
 }
 
-/// Puts a table in use, which must outlive its use, and gives back the earlier one. Null stands for kSystem. A call
-/// already under way still goes to the earlier table.
+/// Installs a table and returns the previous one. Null installs kSystem. The table must outlive its use: a call in
+/// progress still uses the previous table.
 const SystemCalls* InstallSystemCalls(const SystemCalls* inCalls) noexcept;
 
 } // namespace Linux

@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Exception records from signals. Everything here may run in a signal handler.
+// Converts signals to exception records. Everything here may run in a signal handler.
 #include <ORLExceptionRecordLinux.h>
 #include <Platform/ExceptionRecords.h>
 
@@ -43,13 +43,13 @@ constexpr std::uint64_t kTrapFloatX87 = 16;
 constexpr std::uint64_t kPageFaultOnWrite = 1u << 1;
 constexpr std::uint64_t kPageFaultOnExecute = 1u << 4;
 
-// Bits of the floating-point status words, of x87 and SSE alike unless the name says otherwise.
+// Bits of the floating-point status words, the same for x87 and SSE unless the name says otherwise.
 constexpr unsigned kStatusInvalid = 1u << 0;
 constexpr unsigned kStatusDenormal = 1u << 1;
 constexpr unsigned kStatusStackFaultX87 = 1u << 6;
 constexpr unsigned kMaskShiftSse = 7;
 
-// What the kernel saved of the processor when the signal was raised.
+// The processor state that the kernel saved when it raised the signal.
 class Registers
 {
 public:
@@ -77,7 +77,7 @@ public:
         return Get(REG_TRAPNO);
     }
 
-    /// The floating-point exceptions that are both raised and not masked.
+    /// Returns the floating-point exceptions that are raised and not masked.
     unsigned FloatExceptions() const noexcept
     {
         const _libc_fpstate* const state = AreKnown() ? mContext->uc_mcontext.fpregs : nullptr;
@@ -94,11 +94,12 @@ private:
     const ucontext_t* mContext;
 };
 
-// The processor reports a privileged instruction as a general protection failure; only its bytes tell it apart.
+// The processor reports a privileged instruction as a general protection fault; only the bytes of the instruction
+// identify it.
 bool IsPrivilegedInstruction(const unsigned char* inCode) noexcept
 {
     const unsigned char first = inCode[0];
-    if (first == 0x0F) { // the processor has decoded the second byte, so it is there
+    if (first == 0x0F) { // the processor has decoded the second byte, so it is readable
         const unsigned char second = inCode[1];
         return second == 0x01 || second == 0x06 || second == 0x08 || second == 0x09 || second == 0x30 || second == 0x32
                || (second >= 0x20 && second <= 0x23);
@@ -149,7 +150,7 @@ void FillFromSegmentationFault(const siginfo_t& inInfo, const Registers& inRegis
         ioRecord.ExceptionCode = kPrivilegedInstruction;
         return;
     }
-    SetAccess(ioRecord, 0, ~std::uint64_t{0}); // the processor does not tell an address that no page can have
+    SetAccess(ioRecord, 0, ~std::uint64_t{0}); // the processor does not report a non-canonical address
 }
 
 void FillFromBusError(const siginfo_t& inInfo, const Registers& inRegisters, _EXCEPTION_RECORD& ioRecord) noexcept
@@ -172,7 +173,7 @@ std::uint32_t CodeOfArithmeticFailure(const siginfo_t& inInfo, const Registers& 
         return kFloatDivideByZero;
     case FPE_FLTOVF:
         return kFloatOverflow;
-    case FPE_FLTUND: // the kernel's word for a denormal operand, too
+    case FPE_FLTUND: // the kernel also reports a denormal operand with this code
         return (inRegisters.FloatExceptions() & kStatusDenormal) != 0 ? kFloatDenormalOperand : kFloatUnderflow;
     case FPE_FLTRES:
         return kFloatInexactResult;
@@ -197,7 +198,7 @@ void FillFromTrap(const siginfo_t& inInfo, const Registers& inRegisters, _EXCEPT
     const bool isStep = inInfo.si_code == TRAP_TRACE || inInfo.si_code == TRAP_HWBKPT;
     ioRecord.ExceptionCode = isStep ? kSingleStep : kBreakpoint;
     if (inRegisters.Trap() == kTrapBreakpoint && !IsSent(inInfo)) {
-        // The processor stands after the breakpoint instruction, which is one byte.
+        // The instruction pointer is after the breakpoint instruction, which is one byte long.
         ioRecord.ExceptionAddress = AsAddress(inRegisters.Instruction() - 1);
     }
 }

@@ -1,4 +1,4 @@
-// The sentences that the home platform's error numbers have here. The wording is this library's own.
+// Texts for the error numbers of the home platform. This library words them itself.
 #include <Platform/SystemMessages.h>
 
 #include <ORLString.h>
@@ -19,7 +19,7 @@ struct Message
     const char* mText; // without its line end
 };
 
-// In the order of the numbers: the search is binary.
+// Sorted by number for the binary search.
 constexpr Message kMessages[] = {
     {0, "The operation succeeded."},
     {1, "The function does not exist or does not apply here."},

@@ -19,7 +19,7 @@ bool IsTold(const struct statx& inStatus) noexcept
     return (inStatus.stx_mask & STATX_DIOALIGN) != 0;
 }
 
-// 0 if the kernel says that the file takes no direct I/O.
+// Returns 0 if the kernel reports that the file does not support direct I/O.
 std::uint32_t ToldAlignment(const struct statx& inStatus) noexcept
 {
     return inStatus.stx_dio_offset_align == 0
@@ -27,7 +27,7 @@ std::uint32_t ToldAlignment(const struct statx& inStatus) noexcept
                : std::max({kSmallestSector, inStatus.stx_dio_offset_align, inStatus.stx_dio_mem_align});
 }
 
-// 0 for a number that is no sector size.
+// Returns 0 if the file does not contain a valid sector size.
 std::uint32_t ReadSectorFile(const char* inPath) noexcept
 {
     const Descriptor file(System().mOpen(inPath, O_RDONLY | O_CLOEXEC, 0));
@@ -41,8 +41,8 @@ std::uint32_t ReadSectorFile(const char* inPath) noexcept
     return isSector && *end == '\n' ? static_cast<std::uint32_t>(size) : 0;
 }
 
-// The device below a file system. A partition has no queue of its own. Devices that only the kernel has, as those of file
-// systems in memory, have the number 0.
+// Returns the sector size of the device below a file system. A partition has no queue, so its parent's is read. Devices
+// without hardware, such as those of file systems in memory, have the major number 0.
 std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
 {
     const bool isDevice = S_ISBLK(inStatus.stx_mode);
@@ -57,7 +57,7 @@ std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
     return sector != 0 ? sector : kSmallestSector;
 }
 
-// Whether the file takes a direct read of that alignment, and of no greater one.
+// Returns true if a direct read with this alignment, and no larger one, succeeds.
 bool TakesAlignment(int inFile, std::uint32_t inAlignment) noexcept
 {
     alignas(kLargestSector) char bytes[2 * kLargestSector];

@@ -1,4 +1,4 @@
-// Small text files of /proc.
+// Reads small text files of /proc.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +12,8 @@ namespace Linux {
 /// failed; outSize counts the bytes read, also before a failure.
 int ReadProcFile(const char* inPath, char* outBuffer, std::size_t inSize, std::size_t& outSize) noexcept;
 
-/// Takes the next number of blanks-separated text off its front. Returns false, with both untouched, if the text does
-/// not begin with blanks and a decimal number of 64 bits.
+/// Parses the next decimal number of a text separated by blanks, and removes it. Returns false and changes nothing if
+/// the text does not begin with blanks and a decimal number of at most 64 bits.
 bool TakeNumber(std::string_view& ioText, std::uint64_t& outNumber) noexcept;
 
 } // namespace Linux

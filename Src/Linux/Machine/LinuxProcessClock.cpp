@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 
-// Time since the machine was started, the base of a process's start in /proc. It counts suspended time and does not
-// follow changes of the date.
+// Returns the time since boot, the same clock as the start times of processes in /proc. It includes suspended time and
+// ignores changes of the date.
 std::int64_t NanosecondsSinceBoot() noexcept
 {
     timespec now{};
@@ -26,8 +26,8 @@ std::int64_t NanosecondsSinceBoot() noexcept
     return static_cast<std::int64_t>(now.tv_sec) * kNanosecondsPerSecond + now.tv_nsec;
 }
 
-// Field 22 of /proc/self/stat, in clock ticks. The name in field 2 may hold blanks and parentheses, so the fields are
-// counted behind the last ")". Returns a negative number if the file does not tell.
+// Returns field 22 of /proc/self/stat, in nanoseconds. The name in field 2 may contain blanks and parentheses, so the
+// fields are counted after the last ")". Returns a negative number if the file cannot be read or parsed.
 std::int64_t StartOfProcess() noexcept
 {
     char buffer[1024];
@@ -56,7 +56,7 @@ std::int64_t StartOfProcess() noexcept
     return static_cast<std::int64_t>(ticks) * (kNanosecondsPerSecond / ticksPerSecond);
 }
 
-// If the start is unknown, or in another clock's time (a restored container), the clock begins at its first reading.
+// If the start is unknown or after the current time (a restored container), the clock starts at its first reading.
 std::int64_t FindStart() noexcept
 {
     const std::int64_t now = NanosecondsSinceBoot();

@@ -30,7 +30,8 @@ std::string_view Leaf(std::string_view inPath)
     return inPath.substr(inPath.rfind('/') + 1); // npos + 1 is 0
 }
 
-// The kernel marks the name of a deleted file. Only a file whose own name ends like that is still there.
+// The kernel appends a mark to the path of a deleted file. If a file with that whole name exists, the text belongs to
+// its name.
 std::string_view WithoutDeletedMark(const char* inPath, std::size_t inSize)
 {
     constexpr std::string_view kMark = " (deleted)";
@@ -43,7 +44,7 @@ std::string_view WithoutDeletedMark(const char* inPath, std::size_t inSize)
     return path.substr(0, inSize - kMark.size());
 }
 
-// What a process shows of itself: "/usr/bin/editor", "-bash", "server: idle".
+// Returns the name in a command line such as "/usr/bin/editor", "-bash", "server: idle".
 std::string_view NameInCommand(std::string_view inCommand)
 {
     const std::string_view first = inCommand.substr(0, inCommand.find('\0'));
@@ -92,7 +93,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
     return SystemErrors::kNoError;
 }
 
-// Names are read by identifier.
+// Not needed: names are read by identifier.
 ProcessHandle OpenProcess_Impl(unsigned int)
 {
     return nullptr;
@@ -115,7 +116,7 @@ bool GetExecutableName_Impl(ProcessHandle, unsigned int inIdentifier, UTF16Strin
         Linux::AppendUnitsOfName(outName, name.data(), name.size());
         return true;
     }
-    // No link at all: the process has ended, or is a thread of the kernel.
+    // If the link does not exist, the process has ended or is a kernel thread.
     return errno != ENOENT && NameFromCommandLine(inIdentifier, outName);
 }
 

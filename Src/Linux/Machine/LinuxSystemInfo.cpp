@@ -12,7 +12,7 @@ namespace ORL {
 namespace SystemInfo {
 namespace Platform {
 
-// "MemAvailable:   22742636 kB", the third line. Kernels before 3.14 have no such line.
+// Parses "MemAvailable:   22742636 kB", the third line. Kernels before 3.14 have no such line.
 unsigned __int64 GetAvailablePhysicalMemory_Impl()
 {
     char buffer[1024];
@@ -31,7 +31,7 @@ unsigned __int64 GetAvailablePhysicalMemory_Impl()
     return Linux::TakeNumber(text, kilobytes) ? kilobytes * 1024 : 0;
 }
 
-// 47 bits less the last page, unless the user's limit is lower.
+// 47 bits minus the last page, unless the resource limit is lower.
 unsigned __int64 GetTotalVirtualMemory_Impl()
 {
     constexpr unsigned __int64 kUserSpace = 0x7FFFFFFFF000;
@@ -42,7 +42,7 @@ unsigned __int64 GetTotalVirtualMemory_Impl()
     return std::min<unsigned __int64>(limit.rlim_cur, kUserSpace);
 }
 
-// Every x86-64 processor has the instruction; a process may have barred itself from it.
+// Every x86-64 processor has the instruction; a process may have disabled it for itself.
 bool ProcessorSupportsRDTSCInstruction_Impl()
 {
     int mode = PR_TSC_ENABLE;

@@ -14,7 +14,7 @@ namespace Platform {
 
 namespace {
 
-// Times of all processors together, in clock ticks since the machine was started.
+// Times of all processors together, in clock ticks since boot.
 struct Sample
 {
     std::uint64_t mTotal = 0;
@@ -32,13 +32,14 @@ public:
 private:
     std::mutex mMutex; // a leaf lock
     bool mHasCounter = false;
-    int mSampleCount = 0; // 0, 1, or 2 for two and more
+    int mSampleCount = 0; // 0, 1, or 2 for two or more
     Sample mEarlier;
     Sample mLast;
 };
 
-// "cpu  user nice system idle iowait irq softirq steal guest guest_nice"; early kernels end sooner. Guests' time is in
-// user and nice already. The kernel makes the whole file for any read, so one read has to do.
+// Parses "cpu  user nice system idle iowait irq softirq steal guest guest_nice"; old kernels have fewer fields. user
+// and nice already include the guests' time. The kernel generates the whole file for any read, so a single read must
+// do.
 SystemError ReadSample(Sample& outSample)
 {
     char buffer[512];
@@ -77,7 +78,7 @@ SystemError Query::Add()
     return failure;
 }
 
-// A sample within the tick of the one before equals it, so no time is lost between two answers.
+// A sample within the same clock tick equals the previous one, so no time is lost between two results.
 SystemError Query::Collect()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -101,7 +102,7 @@ SystemError Query::Check()
     return mSampleCount != 0 ? SystemErrors::kNoError : kLoadInvalidData;
 }
 
-// The kernel may take back a little idle or waiting time, so that the idle time runs backwards or past the total.
+// The kernel may correct idle and I/O wait times downwards, so the idle time may decrease or exceed the total.
 SystemError Query::Percent(long& outPercent)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -115,7 +116,7 @@ SystemError Query::Percent(long& outPercent)
     return SystemErrors::kNoError;
 }
 
-Immortal<Query> sQuery; // a thread may still ask while the process exits
+Immortal<Query> sQuery; // a thread may still query while the process exits
 
 Query& QueryOf(void* inHandle)
 {

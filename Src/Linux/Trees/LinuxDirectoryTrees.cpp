@@ -1,4 +1,4 @@
-// The shell's file operation on what a folder holds.
+// The shell's file operation on the contents of a folder.
 #include <Platform/Directory.h>
 
 #include "../LinuxErrors.h"
@@ -33,8 +33,8 @@ bool IsSame(const struct stat& inOne, const struct stat& inOther)
     return inOne.st_dev == inOther.st_dev && inOne.st_ino == inOther.st_ino;
 }
 
-// Whether inFolder is inTop or below it: up from folder to folder, to the one that is its own parent. What cannot be
-// followed counts as inside, so that nothing is copied into itself.
+// Returns true if inFolder is inTop or below it. Follows ".." up to the root, which is its own parent. If this fails,
+// returns true, so that nothing is copied into itself.
 bool IsInside(int inFolder, int inTop)
 {
     struct stat top;
@@ -54,7 +54,7 @@ bool IsInside(int inFolder, int inTop)
     return true;
 }
 
-// The folder at a path, or the nearest one above it that is there.
+// Opens the folder at a path, or the nearest existing one above it.
 int OpenNearest(std::string inPath)
 {
     for (;;) {
@@ -67,7 +67,7 @@ int OpenNearest(std::string inPath)
     }
 }
 
-// What is to be wiped must be a folder itself: through a link, another tree would go and the link stay.
+// A folder to delete must not be a link: the contents of another tree would be deleted, and the link would stay.
 SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Descriptor& outSource)
 {
     HostPath path;
@@ -84,7 +84,7 @@ SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Desc
     return outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
 
-// Puts the names on disk that lead from inTop, which is above it or the folder itself, to the folder.
+// Syncs the names that lead from inTop to the folder. inTop is above the folder or the folder itself.
 int SyncNamesBelow(int inTop, int inFolder)
 {
     struct stat top;
@@ -109,7 +109,8 @@ int SyncNamesBelow(int inTop, int inFolder)
     return 0;
 }
 
-// The destination is made where missing, but not inside the source. Where the source goes then, its name stays.
+// Creates the destination if it is missing, but never inside the source. For a move, syncs its name, because the source
+// is deleted later.
 SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource,
                             Descriptor& outDestination)
 {
@@ -134,7 +135,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
     if (!outDestination) {
         return SystemErrorFromErrno(errno, path.mPath);
     }
-    // The nearest folder of a very long path may be far above.
+    // The nearest existing folder of a very long path may be far above.
     if (path.mFolder && IsInside(outDestination.Get(), inSource)) {
         return kErrorInvalidParameter;
     }
@@ -143,7 +144,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
                : kNoError;
 }
 
-// A pattern that nothing fits is a failure of its own.
+// An empty folder is an error: the pattern matches nothing.
 SystemError CheckNotEmpty(int inFolder)
 {
     std::vector<TreeEntry> entries;
@@ -170,7 +171,7 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
 
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
 {
-    // "*.*" fits every name.
+    // "*.*" matches every name.
     Descriptor source;
     const SystemError error = OpenSource(inFunction, UTF16String(inFrom, 0, inFrom.rfind('\\') + 1), source);
     if (error != kNoError) {

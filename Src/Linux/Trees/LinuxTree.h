@@ -1,10 +1,11 @@
-// Trees of folders, walked by open folders and single names: no step follows a link, and nobody who puts one in the
-// place of a folder meanwhile leads a step out of the tree.
+// Operations on trees of folders, through open folders and single names. No step follows a link, and replacing a folder
+// by a link meanwhile cannot lead a step out of the tree.
 //
-// A tree holds files, folders and links; anything else (a pipe, a device) can be moved on its volume and deleted, but
-// not copied: ENOTSUP. What is open elsewhere and does not share what is to be done with it stays as it is: ETXTBSY,
-// which is 32 at home. The depth of a tree costs memory, no descriptors and no stack (LinuxTreeRoad.h). The first
-// failure ends the work; what was done stays done. Every function returns 0 or an errno and may throw std::bad_alloc.
+// A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
+// deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:
+// ETXTBSY, which the home platform reports as 32. A deep tree needs memory, but no more descriptors or stack
+// (LinuxTreeRoad.h). The first failure stops the operation; finished steps stay done. Every function returns 0 or an
+// errno and may throw std::bad_alloc.
 #pragma once
 
 #include "../LinuxOpenFolder.h"
@@ -16,7 +17,7 @@
 namespace ORL {
 namespace Linux {
 
-/// One name of a folder, and the type that the listing reports for it (DT_DIR ...).
+/// One name of a folder, and its type as listed (DT_DIR ...).
 struct TreeEntry
 {
     std::string mName;
@@ -25,29 +26,29 @@ struct TreeEntry
 
 using TreeEntries = std::vector<TreeEntry>;
 
-/// All names of a folder, before any of them is touched: a list does not say what it does when it changes.
+/// Lists all names of a folder before any of them is changed, because a listing is undefined while its folder changes.
 int ListFolder(int inFolder, TreeEntries& outEntries);
 
-/// ETXTBSY when something in the folder, at any depth, is open and does not share that it goes.
+/// Returns ETXTBSY if anything in the folder, at any depth, is open without sharing deletion.
 int CheckContentsMayGo(int inFolder);
 
-/// Deletes all that is in the folder. A folder that another volume is mounted on is not entered: EBUSY.
+/// Deletes the contents of the folder. Does not enter the mount point of another volume: EBUSY.
 int WipeContents(int inFolder);
 
-/// Deletes one entry with all that is in it. One that is gone already is fine.
+/// Deletes one entry and its contents. An entry that no longer exists is not an error.
 int WipeEntry(int inFolder, const TreeEntry& inEntry);
 
-/// What holds of a copy when it is done. kIsOnDisk, for moves: contents and names, but for the name of the entry itself in
-/// its folder; and permissions are kept whatever the mask of the process is.
+/// The state of a finished copy. kIsOnDisk is for moves: contents and names are synced, except the entry's own name in
+/// its folder, and permissions are kept whatever the umask is.
 enum class CopyEnd { kIsWritten, kIsOnDisk };
 
-/// Copies all that is in one folder into another, over files of the same name. A file gets its name when it is whole.
-/// Contents, permissions and last-write times are kept, the latter of files. A folder that turns out to be one that the
-/// copy goes into, by another way to it, ends the work: EINVAL.
+/// Copies the contents of one folder into another, replacing files of the same name. A file gets its name when it is
+/// complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL at a folder that also
+/// contains the destination through another path.
 int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
 
-/// Moves likewise; between volumes by copying. An entry is deleted there when its copy is on disk.
+/// Moves in the same way; between volumes it copies. There an entry is deleted after its copy has been synced.
 int MoveContents(int inFrom, int inTo);
 
 } // namespace Linux

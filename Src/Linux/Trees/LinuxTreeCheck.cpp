@@ -23,7 +23,7 @@ private:
             TreeHold file;
             failure = file.EnterFile(Folder(), name, kShareDelete, kShareAll);
         }
-        // Nothing can be asked of what is in a folder that may not be read or searched.
+        // The contents of a folder without read or search permission cannot be checked.
         return failure == EACCES ? 0 : failure;
     }
 

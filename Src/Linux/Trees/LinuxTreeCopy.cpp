@@ -24,14 +24,14 @@ int KeepTimes(int inTo, const struct statx& inStatus)
     return System().mFUTimens(inTo, times) == 0 ? 0 : errno;
 }
 
-// Whatever the mask of the process is. Not every volume keeps permissions.
+// Sets permissions regardless of the umask. A volume that does not keep permissions is not an error.
 int GiveMode(int inTo, mode_t inMode)
 {
     const bool isGiven = System().mFChMod(inTo, inMode) == 0;
     return isGiven || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
 }
 
-/// An entry that has a name of its own until it is whole.
+/// An entry that has a temporary name until it is complete.
 class NewEntry
 {
 public:
@@ -45,7 +45,7 @@ public:
     NewEntry(const NewEntry&) = delete;
     NewEntry& operator=(const NewEntry&) = delete;
 
-    /// An open file, or -1 and errno.
+    /// Returns an open file, or -1 and errno.
     int MakeFile(mode_t inMode)
     {
         return Make([this, inMode](const char* inName) {
@@ -83,7 +83,7 @@ private:
     bool mIsThere = false;
 };
 
-// The contents of one file in a new one, which is closed then.
+// Copies the contents of one file into a new one, and closes the new one.
 int FillCopy(int inFrom, const struct statx& inStatus, Descriptor& ioTo, CopyEnd inEnd)
 {
     int failure = CopyBytes(inFrom, ioTo.Get(), inStatus.stx_size);
@@ -112,7 +112,7 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
     if (!S_ISREG(from.Status().stx_mode)) {
         return ENOTSUP;
     }
-    // Who has the earlier file open to write must share that, as if it were written in its place.
+    // Other handles that may write the earlier file must share that, as if it were written in place.
     TreeHold replaced;
     failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
     if (failure != 0) {
@@ -136,7 +136,7 @@ int CopyLinkEntry(int inFrom, const char* inName, int inTo)
     return failure == 0 ? entry.GiveName(inName) : failure;
 }
 
-// What the listing does not tell is asked, of the entry itself.
+// If the listing does not report the type, queries the entry itself.
 unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
 {
     if (inEntry.mType != DT_UNKNOWN) {
@@ -149,7 +149,7 @@ unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
     return IFTODT(status.stx_mode);
 }
 
-/// The copy of a tree, one step after the other. A level stands for a folder that is being copied.
+/// Copies a tree step by step. A level is a folder being copied.
 class TreeCopy
 {
 public:
@@ -172,7 +172,7 @@ private:
         TreeEntries mEntries;
         std::size_t mNext;
         mode_t mMode;
-        bool mGetsMode; // when all is in it
+        bool mGetsMode; // after all its contents
     };
 
     int CopyNext(const TreeEntry& inEntry)
@@ -191,14 +191,14 @@ private:
         }
     }
 
-    // A folder that is there already is joined and keeps its permissions.
+    // An existing folder is merged and keeps its permissions.
     int EnterFolder(const char* inName)
     {
         int failure = mFrom.Enter(inName);
         if (failure != 0) {
             return failure;
         }
-        // By a mount, a folder may be below itself.
+        // Through a mount, a folder may be below itself.
         if (mTo.IsOn(mFrom)) {
             return EINVAL;
         }
@@ -216,7 +216,7 @@ private:
         return failure;
     }
 
-    // The way back is opened first: a folder may let nobody through it once it has its own permissions.
+    // Opens the parents first: with its final permissions the folder may not be searchable any more.
     int LeaveFolder()
     {
         const Level level = std::move(mLevels.back());

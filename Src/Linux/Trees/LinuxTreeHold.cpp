@@ -20,7 +20,8 @@ FileIdentity IdentityOf(const struct statx& inStatus) noexcept
 
 } // namespace
 
-// A device must not be opened for a question, and what may not be read can be asked about inside this process alone.
+// Opens regular files only, because opening a device has side effects. A file without read permission is checked inside
+// this process only.
 int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares)
 {
     struct statx status;
@@ -35,7 +36,7 @@ int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsig
         return EnterOpen(file, inUses, inShares);
     }
     if (errno != EACCES && errno != EPERM) {
-        return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry has the name by now
+        return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry has this name by now
     }
     return ErrnoOf(mShares.Enter(-1, IdentityOf(status), inUses, inShares));
 }

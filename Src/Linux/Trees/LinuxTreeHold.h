@@ -1,4 +1,4 @@
-// What a step through a tree holds while it works.
+// The entry that a step through a tree holds while it works on it.
 #pragma once
 
 #include "../LinuxShareModes.h"
@@ -9,8 +9,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Asks for a moment for the right to use an entry, beside the handles of all processes: each step of a tree holds what it
-/// works on. Links, pipes and the like are held by nobody.
+/// Briefly registers a use of an entry against the handles of all processes: each step of a tree holds the entry that
+/// it works on. Links, pipes and devices are never held.
 class TreeHold
 {
 public:
@@ -19,20 +19,20 @@ public:
     TreeHold(const TreeHold&) = delete;
     TreeHold& operator=(const TreeHold&) = delete;
 
-    /// A file by its name; a folder and a name that is not there are fine, and not held. 0, ETXTBSY or the errno that kept it
-    /// from asking.
+    /// Holds a file by its name. Folders and missing names are not held and not an error. Returns 0, ETXTBSY or the
+    /// errno of the failed query.
     int EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares);
 
-    /// An open file or folder, which belongs to the hold from now on, whatever the answer is. It may be a failed open's -1.
+    /// Holds an open file or folder, and owns it from now on even if this fails. inFile may be the -1 of a failed open.
     int EnterOpen(int inFile, unsigned inUses, unsigned inShares);
 
-    /// Releases the hold now and closes the file.
+    /// Releases the hold and closes the file.
     void Close() noexcept;
 
-    /// -1 when nothing is open.
+    /// Returns -1 if nothing is open.
     int File() const noexcept { return mFile; }
 
-    /// Of what EnterOpen has entered.
+    /// Only after EnterOpen.
     FileIdentity Identity() const noexcept;
     const struct statx& Status() const noexcept { return mStatus; }
 
@@ -42,7 +42,7 @@ private:
     ShareHolder mShares;
 };
 
-/// Opens a folder by its name in another one. A link is no folder. -1 and errno for a failure.
+/// Opens a folder by its name in another folder. Fails for a link. Returns -1 and errno on failure.
 int OpenSubfolder(int inFolder, const char* inName);
 
 } // namespace Linux

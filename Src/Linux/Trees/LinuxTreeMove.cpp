@@ -21,7 +21,7 @@ bool IsSame(const struct statx& inOne, const struct statx& inOther)
            && inOne.stx_dev_minor == inOther.stx_dev_minor;
 }
 
-// What is wiped is on disk elsewhere by then, with its name.
+// Deletes the source only after the copy and its name have been synced.
 int MoveToOtherVolume(int inFrom, const TreeEntry& inEntry, int inTo)
 {
     int failure = CopyEntry(inFrom, inEntry, inTo, CopyEnd::kIsOnDisk);
@@ -29,7 +29,7 @@ int MoveToOtherVolume(int inFrom, const TreeEntry& inEntry, int inTo)
     return failure == 0 ? WipeEntry(inFrom, inEntry) : failure;
 }
 
-/// The move of a tree, one step after the other. A level stands for a folder whose entries join those of another.
+/// Moves a tree step by step. A level is a folder whose entries are merged into another folder.
 class TreeMove
 {
 public:
@@ -68,8 +68,8 @@ private:
         return failure == EXDEV ? MoveToOtherVolume(mFrom.Folder(), inEntry, mTo.Folder()) : failure;
     }
 
-    // A folder goes with all that is in it or stays where it is: nothing in it may be open to somebody who does not share
-    // that. One that may not be read can be moved all the same. Below a folder that is joined all has been asked already.
+    // A folder moves with all its contents or not at all: nothing in it may be open without sharing deletion. A folder
+    // without read permission is moved unchecked. Below a merged folder everything has been checked already.
     int HoldToMove(const TreeEntry& inEntry, TreeHold& outHold) const
     {
         const char* const name = inEntry.mName.c_str();
@@ -88,7 +88,7 @@ private:
                    : failure;
     }
 
-    // The name is taken, or the file system cannot tell.
+    // The name exists already, or the file system cannot rename without replacing.
     int MoveOver(const char* inName)
     {
         struct statx from;
@@ -97,7 +97,7 @@ private:
             if (S_ISDIR(from.stx_mode) && S_ISDIR(to.stx_mode)) {
                 return JoinFolders(inName);
             }
-            // To rename one name of a file to another name of it does nothing.
+            // Renaming one name of a file to another name of the same file does nothing.
             if (IsSame(from, to)) {
                 return System().mUnlinkAt(mFrom.Folder(), inName, 0) == 0 ? 0 : errno;
             }

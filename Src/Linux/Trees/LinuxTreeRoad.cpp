@@ -9,7 +9,7 @@ namespace Linux {
 
 namespace {
 
-// One more than the two that every step needs, so that a leaf beside another costs no folder that is opened again.
+// One more than the two that every step needs, so that entering and leaving a subfolder reopens no folder.
 constexpr std::size_t kOpenLevels = 3;
 
 } // namespace

@@ -1,4 +1,4 @@
-// The way from a folder down into its tree.
+// The path from a folder down into its tree.
 #pragma once
 
 #include "LinuxTreeHold.h"
@@ -9,37 +9,38 @@
 namespace ORL {
 namespace Linux {
 
-/// However long the way is, it costs few descriptors: only its deepest folders are open. One above them is opened again,
-/// from the folder below it, when the work comes back to it, and must be the folder that it was.
+/// A path of open folders. However long it is, it needs few descriptors: only the deepest folders are open. A folder
+/// above them is reopened through ".." of the folder below it when the walk returns to it, and must be the same folder
+/// as before.
 class TreeRoad
 {
 public:
-    /// inTop stays the caller's, and open. Every other folder is held with these rights while it is open.
+    /// Does not own inTop, which must stay open. Every other folder is held with these rights while it is open.
     explicit TreeRoad(int inTop, unsigned inUses = kShareNothing, unsigned inShares = kShareAll)
         : mTop(inTop), mUses(inUses), mShares(inShares)
     {
     }
 
-    /// The deepest folder.
+    /// Returns the deepest folder.
     int Folder() const noexcept { return mLevels.empty() ? mTop : mLevels.back().mHold.File(); }
 
-    /// Goes down into a subfolder. 0, ETXTBSY or the errno that kept it from it; the way is then as before.
+    /// Enters a subfolder. Returns 0, ETXTBSY or an errno; on failure the path is unchanged.
     int Enter(const char* inName);
 
-    /// The status of the deepest folder, which is not the top.
+    /// Returns the status of the deepest folder, which must not be the top.
     const struct statx& Status() const noexcept { return mLevels.back().mHold.Status(); }
 
-    /// Sees to it that the folder above the deepest one is open. 0, ETXTBSY or an errno: ESTALE when another folder is there
+    /// Opens the folder above the deepest one if needed. Returns 0, ETXTBSY or an errno: ESTALE if it is another folder
     /// by now.
     int OpenAbove();
 
-    /// That folder.
+    /// Returns the folder above the deepest one.
     int Above() const noexcept { return mLevels.size() < 2 ? mTop : mLevels[mLevels.size() - 2].mHold.File(); }
 
-    /// Goes up, to a folder that OpenAbove has opened.
+    /// Goes up to the folder that OpenAbove opened.
     void Leave() noexcept { mLevels.pop_back(); }
 
-    /// Whether the deepest folder of inOther is one of this way, the top included.
+    /// Returns true if the deepest folder of inOther is on this path, including the top.
     bool IsOn(const TreeRoad& inOther) const;
 
 private:
@@ -52,7 +53,7 @@ private:
     const int mTop;
     const unsigned mUses;
     const unsigned mShares;
-    std::deque<Level> mLevels; // their places in memory do not change: a hold is on a list
+    std::deque<Level> mLevels; // a deque, because a hold is in a list and must not move
 };
 
 } // namespace Linux

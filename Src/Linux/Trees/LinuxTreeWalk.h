@@ -1,4 +1,4 @@
-// A walk through one tree that looks at every entry, and at each folder again when all in it is done.
+// A walk through one tree that visits every entry, and each folder again after its contents.
 #pragma once
 
 #include "LinuxTree.h"
@@ -9,7 +9,7 @@
 namespace ORL {
 namespace Linux {
 
-/// Holds every folder that it is in, to delete or move it. What goes by itself meanwhile (ENOENT) is passed over.
+/// Holds every folder that it is in, for deleting or moving it. Entries that disappear meanwhile (ENOENT) are skipped.
 class TreeWalk
 {
 public:
@@ -18,17 +18,17 @@ public:
     TreeWalk(const TreeWalk&) = delete;
     TreeWalk& operator=(const TreeWalk&) = delete;
 
-    /// 0, or the first failure.
+    /// Returns 0 or the first failure.
     int Run(TreeEntries&& inEntries);
 
 protected:
-    /// Looks at an entry of Folder(); may go into it by EnterFolder.
+    /// Handles an entry of Folder(); may enter it with EnterFolder.
     virtual int Visit(const TreeEntry& inEntry) = 0;
 
-    /// Whether the folder that was just entered is to be walked: 0, or why not.
+    /// Decides whether to walk the folder just entered: returns 0, or the reason not to.
     virtual int Accept(const struct statx&) { return 0; }
 
-    /// All in a folder is done. It is still held.
+    /// Called after the contents of a folder, which is still held.
     virtual int Leave(int inAbove, const char* inName) = 0;
 
     int EnterFolder(const char* inName);

@@ -24,7 +24,7 @@ public:
     using TreeWalk::TreeWalk;
 
 private:
-    // The listing may be wrong by now, so the system has the last word on what is a folder.
+    // The listing may be outdated, so the system decides whether the entry is a folder.
     int Visit(const TreeEntry& inEntry) override
     {
         const char* const name = inEntry.mName.c_str();
@@ -32,7 +32,7 @@ private:
         return failure == EISDIR ? EnterFolder(name) : failure;
     }
 
-    // What is mounted into the tree is not a part of it, and could not be removed from it.
+    // A mounted volume is not part of the tree and cannot be removed with it.
     int Accept(const struct statx& inStatus) override
     {
         return (inStatus.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ? EBUSY : 0;
