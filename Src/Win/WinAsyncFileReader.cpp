@@ -13,7 +13,7 @@ namespace Platform {
 
 namespace {
 
-// The pointer that the port hands back is the record that the read was started with.
+// The port returns the pointer of the record with which the read was started.
 static_assert(sizeof(Overlapped) == sizeof(OVERLAPPED));
 static_assert(offsetof(Overlapped, mPositionLow) == offsetof(OVERLAPPED, Offset));
 static_assert(offsetof(Overlapped, mPositionHigh) == offsetof(OVERLAPPED, OffsetHigh));
@@ -73,7 +73,7 @@ bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
     const bool result = ::GetQueuedCompletionStatus(inPort, &bytes, &key, &overlapped, INFINITE) != FALSE;
     outCompletion.mOverlapped = reinterpret_cast<Overlapped*>(overlapped);
     outCompletion.mBytesRead = bytes;
-    outCompletion.mRefusal = SystemErrors::kNoError; // the system refuses at the start
+    outCompletion.mRefusal = SystemErrors::kNoError; // the system refuses reads when they start
     return result;
 }
 
@@ -97,7 +97,7 @@ SystemError AttachFile_Impl(Handle inPort, Handle inFile)
 
 std::uint32_t GetReadAlignment_Impl(Handle)
 {
-    return 0; // that of its volume
+    return 0; // the alignment of the volume
 }
 
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped)
@@ -109,7 +109,7 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 std::size_t SubmitReads_Impl(SystemError& outError)
 {
     outError = SystemErrors::kNoError;
-    return 0; // nothing is held back
+    return 0; // this port holds nothing back
 }
 
 SystemError StartThread_Impl(const char*, void (*inBody)(void*), void* inArgument, Handle& outThread)

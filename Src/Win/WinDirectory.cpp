@@ -17,7 +17,7 @@ struct Listing
 {
     HANDLE mHandle;
     WIN32_FIND_DATAW mNext;
-    SystemError mEnd; // why there is no next entry; 0 while there is one
+    SystemError mEnd; // why there is no next entry, or 0 if there is one
 };
 
 namespace {
@@ -27,7 +27,7 @@ bool IsItselfOrAbove(const wchar_t* inName)
     return inName[0] == L'.' && (inName[1] == 0 || (inName[1] == L'.' && inName[2] == 0));
 }
 
-// Behind a reparse point may be a directory, or nothing any more.
+// A reparse point may lead to a directory, a file or nothing.
 EntryKind KindOf(DWORD inAttributes)
 {
     if ((inAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
@@ -83,7 +83,7 @@ SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry)
     return ioListing.mEnd;
 }
 
-// A process has room for millions of handles.
+// Nothing to do: a process can have millions of handles.
 void Suspend_Impl(Listing&)
 {
 }
@@ -125,7 +125,7 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
         ::SHPathPrepareForWriteW(nullptr, nullptr, AsWide(inPath.c_str()), SHPPFW_DIRCREATE));
 }
 
-// The call's own word for success is exactly 1.
+// Only the return value 1 means success.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath)
 {
     return ::RemoveDirectoryW(AsWide(inPath.c_str())) == 1 ? SystemErrors::kNoError : ::GetLastError();

@@ -1,4 +1,4 @@
-// The shell's file operation on what a directory holds.
+// The shell's file operation on the contents of a directory.
 #include <Platform/Directory.h>
 
 #include "WinText.h"
@@ -13,7 +13,7 @@ namespace Platform {
 
 using ORL::Win::AsWide;
 
-// The shell reads lists of names, each with its own terminator and one more behind the last.
+// The shell reads lists of names: each name has a terminator, and one more follows the last.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
 {
     const UTF16String from = inFrom + UTF16String(1, 0);

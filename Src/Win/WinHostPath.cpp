@@ -27,7 +27,7 @@ UTF16String AsUTF16(const std::string& inText)
     return tvxcore::utility::UTF8to16(reinterpret_cast<const unsigned char*>(inText.data()), inText.size());
 }
 
-// A drive or a share in extended form, which has a plain form; a volume's own name has none.
+// True for a drive or a share in extended form, which have a plain form; a volume name has none.
 bool HasPlainForm(const UTF16String& inPath)
 {
     const bool isShare = inPath.compare(0, 8, TVX_UTF16("\\\\?\\UNC\\")) == 0;
@@ -41,7 +41,7 @@ UTF16String FromHostPath(const std::string& inHostPath)
 {
     const UTF16String path = AsUTF16(inHostPath);
     if (AsUTF8(path) != inHostPath) {
-        return UTF16String(); // no text; with its broken places mended it would be the name of another file
+        return UTF16String(); // not UTF-8; a repaired text would name another file
     }
     const DWORD needed = ::GetFullPathNameW(AsWide(path.c_str()), 0, nullptr, nullptr);
     if (needed == 0) {
@@ -60,7 +60,7 @@ Result ToHostPath(const UTF16String& inPath, std::string& outHostPath)
     const UTF16String path = HasPlainForm(inPath) ? Win::StripUNC(inPath) : inPath;
     std::string host = AsUTF8(path);
     if (AsUTF16(host) != path) {
-        return kGeneralFailure; // half a surrogate pair, which UTF-8 cannot say
+        return kGeneralFailure; // an unpaired surrogate, which UTF-8 cannot encode
     }
     outHostPath = std::move(host);
     return kSuccess;

@@ -4,7 +4,7 @@ namespace ORL {
 namespace Locale {
 namespace Platform {
 
-// The compiler's standard library knows no named locale here.
+// The compiler's standard library has no named locales on Windows.
 std::locale FindLocale_Impl(const char*) noexcept
 {
     return std::locale::classic();

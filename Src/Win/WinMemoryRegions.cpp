@@ -6,7 +6,7 @@ namespace ORL {
 namespace MemoryRegions {
 namespace Platform {
 
-// The system answers for any address by itself, so a walk carries nothing.
+// The system can query any address directly, so a walk has no state.
 struct Walk
 {
 };

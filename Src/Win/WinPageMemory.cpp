@@ -16,7 +16,7 @@ void FreePages_Impl(void* inPages, std::size_t)
     ::VirtualFree(inPages, 0, MEM_RELEASE);
 }
 
-// The runtime exports this one under a name of its maker's C++, which this compiler cannot write down.
+// The runtime exports this function only under its mangled C++ name.
 int QueryNewMode_Impl()
 {
     using QueryNewMode = int(__cdecl*)();

@@ -19,7 +19,7 @@ namespace {
 using ORL::Win::AsUnits;
 using ORL::Win::AsWide;
 
-// Why the shell could not tell a name.
+// Why the shell could not return a name.
 struct ShellFailure
 {
     HRESULT mStatus;
@@ -123,7 +123,7 @@ UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirec
     return UTF16String(path.c_str());
 }
 
-// FindClose is called on whatever came back: the failure value is harmless there.
+// FindClose accepts the failure value too.
 bool FindEntry_Impl(const UTF16String& inPath)
 {
     WIN32_FIND_DATAW data;
@@ -159,11 +159,12 @@ const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)
 
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
 {
-    // The system silently cuts such a path.
+    // The system silently truncates such a path.
     if (inFrom.size() >= kMaxPath || inTo.size() >= kMaxPath) {
         return HomeText::RelativePathTo(inFrom, inTo, outRelative);
     }
-    // Room for three units for each two of the first path and all of the second: the system checks no size.
+    // The system checks no size. This has space for three units for every two of the first path, plus the whole second
+    // path.
     unsigned short relative[3 * kMaxPath] = {};
     if (!::PathRelativePathToW(AsWide(relative), AsWide(inFrom.c_str()), FILE_ATTRIBUTE_DIRECTORY, AsWide(inTo.c_str()),
                                FILE_ATTRIBUTE_DIRECTORY)) {

@@ -1,4 +1,4 @@
-// Units as the system's wide characters and back: both are 16-bit units of UTF-16 here.
+// Converts units to the system's wide characters and back: both are 16-bit UTF-16 units here.
 #pragma once
 
 namespace ORL {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kNamesAThread = 0x406D1388;
 
-// What a debugger reads when it is told the name of a thread.
+// The record with which a debugger learns the name of a thread.
 #pragma pack(push, 8)
 struct ThreadNameRecord
 {
@@ -21,7 +21,7 @@ struct ThreadNameRecord
 };
 #pragma pack(pop)
 
-// With no debugger attached the exception is answered here and has no effect.
+// Without a debugger this handler continues after the exception, which then has no effect.
 LONG CALLBACK GoOnAfterNaming(EXCEPTION_POINTERS* inPointers)
 {
     return inPointers->ExceptionRecord->ExceptionCode == kNamesAThread ? EXCEPTION_CONTINUE_EXECUTION
@@ -56,7 +56,7 @@ void NameThread_Impl(const char* inName)
     const ThreadNameRecord record = {0x1000, inName, ::GetCurrentThreadId(), 0};
     PVOID const handler = ::AddVectoredExceptionHandler(1, &GoOnAfterNaming);
     if (handler == nullptr) {
-        return; // raised with nobody to answer it, the exception would end the process
+        return; // without a handler the exception would end the process
     }
     ::RaiseException(kNamesAThread, 0, sizeof(record) / sizeof(ULONG_PTR),
                      reinterpret_cast<const ULONG_PTR*>(&record));

@@ -8,7 +8,7 @@ namespace Platform {
 
 namespace {
 
-// All 0 if the call fails.
+// Returns all zeros if the call fails.
 MEMORYSTATUSEX MemoryStatus()
 {
     MEMORYSTATUSEX status = {};

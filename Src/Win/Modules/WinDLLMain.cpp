@@ -1,5 +1,5 @@
 // Floor: System
-// The loader's entry into this library.
+// The entry point that the loader calls.
 #include <LibraryModule.h>
 
 #include <windows.h>
