@@ -41,8 +41,8 @@ extern template class Event<false, false>;
 /// An auto-reset event, initially not signalled.
 ///
 /// Signals do not accumulate: two calls of Signal without a waiter leave one signal.
-/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call of Signal has not
-///           returned yet. No other thread may be waiting.
+/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call of Signal has
+///           not returned yet. No other thread may be waiting.
 /// Threads:  thread-safe.
 /// Time:     milliseconds; -1 waits forever, 0 polls.
 /// Failure:  the constructor and Signal throw EventFailure. WaitForSignal never throws.

@@ -18,9 +18,9 @@ namespace ORL {
 /// Thread-safe. Throws std::bad_alloc.
 ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 
-/// Returns the name and an explanation of an exception code of the home platform, such as
-/// "EXCEPTION_BREAKPOINT (A breakpoint was encountered.)". Returns "!!! Unknown Exception type !!!" for a code without a
-/// text. Thread-safe. Throws std::bad_alloc.
+/// Returns the name and an explanation of an exception code of the home platform, such as "EXCEPTION_BREAKPOINT (A
+/// breakpoint was encountered.)". Returns "!!! Unknown Exception type !!!" for a code without a text. Thread-safe.
+/// Throws std::bad_alloc.
 ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 
 /// Returns a report of several lines about an exception: its code, whether execution can continue, its address, and for

@@ -1,5 +1,5 @@
 // Floor: Files
-// One open file, whole-file operations, and the block cache that a host may lend.
+// One open file, whole-file operations, and the block cache that a host may provide.
 //
 //   ORL::File file;
 //   if (ORL::ResultSucceeded(ORL::File::Open(path, ORL::FileAccessFlags::kFileAccess_Read, file))) {
@@ -20,29 +20,29 @@ namespace ORL {
 
 // Flags. The values of one kind combine with |, except for dispositions.
 
-/// What the handle may do.
+/// Operations allowed through the handle.
 struct FileAccessFlags
 {
     enum Type : int { kFileAccess_Read = 1, kFileAccess_Write = 2, kFileAccess_Execute = 4 };
 };
 
-/// What others may do with the file meanwhile. Handles of the whole process, and of other processes that use this
-/// library, keep to it on both platforms: an open that conflicts with one of them gives kSharingViolation. On Linux a
-/// program that does not use this library is not kept out.
+/// Operations that other handles may perform while this one is open. All handles of the process, and of other processes
+/// that use this library, honour the modes on both platforms: a conflicting open fails with kSharingViolation. On
+/// Linux, programs that do not use this library are not restricted.
 struct FileShareModeFlags
 {
     enum Type : int { kFileShare_Read = 1, kFileShare_Write = 2, kFileShare_Delete = 4 };
 };
 
-/// What to do about a file that exists, or does not. One at a time.
+/// How Create treats existing and missing files. Exactly one value.
 struct FileCreateDispositionFlags
 {
     enum Type : int {
-        kFileCreate_New = 1,              ///< only if it does not exist
-        kFileCreate_Always = 2,           ///< an existing file is emptied
-        kFileCreate_OpenAlways = 4,       ///< an existing file is opened, a missing one made
-        kFileCreate_OpenExisting = 8,     ///< only if it exists
-        kFileCreate_TruncateExisting = 16 ///< only if it exists, and it is emptied; needs write access
+        kFileCreate_New = 1,              ///< fails if the file exists
+        kFileCreate_Always = 2,           ///< creates the file, or truncates an existing one
+        kFileCreate_OpenAlways = 4,       ///< opens the file, or creates a missing one
+        kFileCreate_OpenExisting = 8,     ///< fails if the file does not exist
+        kFileCreate_TruncateExisting = 16 ///< truncates; fails if the file does not exist; needs write access
     };
 };
 
@@ -51,15 +51,15 @@ struct FileAttributesFlags
     enum Type : int {
         kFileAttribute_Normal = 1,
         kFileAttribute_SequentialScan = 2,
-        /// Past the system's cache. Position, size and address of each read and write are then multiples of the
-        /// volume's sector size (DiskUtils::GetEfficientDiskBufferSizeFromPath); others fail.
+        /// Bypasses the system's cache. Position, size and address of each read and write must be multiples of the
+        /// volume's sector size (DiskUtils::GetEfficientDiskBufferSizeFromPath); otherwise the call fails.
         kFileAttribute_NoBuffering = 4,
-        /// Also opens a directory.
+        /// Allows opening a directory.
         kFileAttribute_BackupSemantics = 8
     };
 };
 
-/// Where an offset counts from.
+/// The origin of an offset.
 struct FilePointerMoveMethod
 {
     enum Type : int { kFilePointer_Begin = 0, kFilePointer_Current = 1, kFilePointer_End = 2 };
@@ -76,144 +76,150 @@ ORL_COMBINE_FLAGS(FileCreateDispositionFlags)
 ORL_COMBINE_FLAGS(FileAttributesFlags)
 #undef ORL_COMBINE_FLAGS
 
-/// A host's cache of the blocks of one file. The library calls it on whichever thread reads. How many blocks it keeps,
-/// and when it lets them go, is the host's business. A host derives from UnknownImpl<IFileBuffer>.
+/// A host's cache for the blocks of one file. A host derives from UnknownImpl<IFileBuffer>.
+///
+/// Owner:    counted references. The host decides how many blocks to keep and when to release them.
+/// Threads:  called on whichever thread reads the file.
+/// Failure:  an exception propagates to the reader of the file.
 class ORL_API IFileBuffer : public ORLUnknown
 {
 public:
-    /// Offers a block that was read, with its position in the file: a multiple of the block size. The buffer may take
-    /// a counted reference, and need not. Behind the end of the file a block's bytes mean nothing.
+    /// Offers a block that was read. inPosition is its position in the file, a multiple of the block size. The buffer
+    /// may keep a counted reference. Bytes after the end of the file are undefined.
     virtual void AddBlock(ObjectPtr<MemoryBufferWrapper> inBlock, __int64 inPosition) = 0;
 
-    /// Stores the block of that position and gives a success; or gives a failure when the block is not held.
+    /// Stores the block at inPosition and returns a success code. Returns a failure if the block is not cached.
     virtual Result GetBlock(__int64 inPosition, ObjectPtr<MemoryBufferWrapper>& outBlock) = 0;
 };
 
-/// Makes the cache of each file that is opened to be read through one. Called on the thread that opens the file. A host
+/// Creates the block cache of each file that is read through one. Called on the thread that opens the file. A host
 /// derives from UnknownImpl<IFileBufferFactory>.
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
 public:
-    /// A buffer for one file, or null for none.
+    /// Returns a buffer for one file, or null for none.
     virtual InterfaceRef<IFileBuffer, IFileBuffer> CreateFileBuffer() = 0;
 };
 
 namespace Foundation {
 
-/// Puts the host's factory in use for all files opened from now on; null takes the earlier one back. The earlier
-/// factory is released under the foundation lock, so its destructor must not wait for another thread that starts or
-/// stops the library or sets a factory. Safe from any thread.
+/// Sets the host's factory for all files opened from now on; null removes it. The previous factory is released under
+/// the foundation lock, so its destructor must not wait for a thread that starts or stops the library or sets a
+/// factory. Thread-safe.
 ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFactory> inFactory);
 
 } // namespace Foundation
 
-/// One file. Paths are rooted unless told otherwise, in plain or extended form.
+/// One file. Unless documented otherwise, paths are rooted, in plain or extended form.
 ///
-/// The block cache: where a factory is set, a file that is opened only to read, without kFileShare_Write and without
-/// kFileAttribute_NoBuffering, is read past the system's cache in whole blocks of at least 64 KiB, and each block goes
-/// through the buffer that the factory made for the file. Its position is then kept here, and ends at the end of the
-/// file. The block cache takes its blocks from the library's pool, so the library must be started.
+/// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
+/// kFileAttribute_NoBuffering, it bypasses the system's cache. It is then read in whole blocks of at least 64 KiB
+/// through the buffer that the factory created for it. This object then keeps the position, which stops at the end of
+/// the file. The block cache allocates its blocks from the library's pool, so the library must be started.
 ///
-/// Needs:    an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
-///           else the input contract "IsOpen()" fires. Create needs one that is not open.
-/// Failure:  what Win::SystemErrorToORLResult makes of the system's error, where nothing else is told. Several
-///           operations give a bare -1, and kSuccess is 0.
-/// Threads:  an object belongs to one thread at a time; the static operations are safe from any thread.
+/// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
+///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.
+/// Owner:    the object owns its handle; the destructor closes it.
+/// Failure:  unless documented otherwise, returns Win::SystemErrorToORLResult of the system's error. Several operations
+///           return a bare -1 instead. kSuccess is 0.
+/// Threads:  not thread-safe: one thread at a time per object. The static operations are thread-safe.
 /// On Linux: see FileShareModeFlags. A file without any write permission is read-only: it cannot be opened to write,
-///           emptied, copied over, deleted or replaced, also not by the superuser. Pipes and sockets are not opened.
+///           truncated, copied over, deleted or replaced, not even by the superuser. Pipes and sockets cannot be
+///           opened.
 class ORL_API File
 {
 public:
-    /// Not open.
+    /// No file is open.
     File();
 
-    /// As Close.
+    /// Same as Close.
     ~File();
 
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Opens or makes a file. A path that is not rooted gives kPathNotFound. A directory is reported by an assertion
-    /// unless inAllowDirectory is true, and can be opened with kFileAttribute_BackupSemantics alone.
-    /// An existing file gives kGeneralFailure for kFileCreate_New (system error 80).
+    /// Opens or creates a file. Returns kPathNotFound for a path that is not rooted. A directory requires
+    /// kFileAttribute_BackupSemantics, and reports an assertion unless inAllowDirectory is true. With kFileCreate_New
+    /// an existing file is kGeneralFailure (system error 80).
     Result Create(const UTF16String& inFullPath, FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileCreateDispositionFlags::Type inDisposition, FileAttributesFlags::Type inAttributes,
                   bool inAllowDirectory);
 
     bool IsOpen() const;
 
-    /// Nothing happens where no file is open.
+    /// Does nothing if no file is open.
     void Close();
 
-    /// Reads at the position, which moves on. Fewer bytes than wanted come at the end of the file, and 0 with kSuccess
-    /// behind it. After a failure outBytesRead is what the system told, and the position of a file with a block cache
-    /// is unknown.
+    /// Reads at the position and advances it. Reads fewer bytes than requested at the end of the file, and returns
+    /// kSuccess with 0 bytes after it. After a failure outBytesRead is what the system reported, and the position of a
+    /// file with a block cache is unspecified.
     Result Read(void* outBuffer, unsigned int inCount, unsigned int& outBytesRead);
 
-    /// Writes at the position, which moves on. outBytesWritten is what the system told, also after a failure.
+    /// Writes at the position and advances it. outBytesWritten is what the system reported, even after a failure.
     Result Write(const void* inBuffer, unsigned int inCount, unsigned int& outBytesWritten);
 
-    /// Moves the position. Always kSuccess: a seek that the system refuses (to before the beginning) is not told, and
-    /// leaves the position. With a block cache the position is held between 0 and the file's size, and an offset from
-    /// the end counts backwards whatever its sign.
+    /// Moves the position. Always returns kSuccess: a seek that the system refuses (before the beginning) is not
+    /// reported and keeps the position. With a block cache the position is clamped to the file's size, and an offset
+    /// from the end counts backwards whatever its sign.
     Result SetFilePointer(__int64 inOffset, FilePointerMoveMethod::Type inMethod);
 
-    /// Always kSuccess; outPosition is untouched where the system cannot tell.
+    /// Always returns kSuccess. outPosition is untouched if the system reports an error.
     Result GetFilePointer(__int64& outPosition);
 
-    /// Cuts or extends the file at the position. 0 or -1.
+    /// Truncates or extends the file to the position. Returns 0 or -1.
     Result SetEndOfFile();
 
-    /// Bytes. 4294967295 where the system cannot tell.
+    /// Returns the size in bytes, or 4294967295 if the system reports an error.
     unsigned __int64 SizeOnDisk() const;
 
-    /// The last write, in units of 100 ns since the beginning of 1601, UTC.
+    /// Stores the time of the last write, in units of 100 ns since the beginning of 1601, UTC.
     Result GetLastModificationTime(unsigned __int64& outTime) const;
 
-    /// The system's handle; -1 while not open. On Linux it points to the file's descriptor, an int, which the file
-    /// keeps.
+    /// Returns the system's handle, or -1 if no file is open. On Linux it points to the file's descriptor, an int that
+    /// the file owns.
     void* GetPlatformFileHandle();
 
-    /// Opens an existing file; others may read, write and delete it meanwhile. -1 when nothing is there.
+    /// Opens an existing file. Other handles may read, write and delete it meanwhile. Returns -1 if it does not exist.
     static Result Open(const UTF16String& inPath, FileAccessFlags::Type inAccess, File& ioFile);
 
     static Result Delete(const UTF16String& inPath);
 
-    /// Copies a file with its last-write time and its read-only mark; an existing destination is overwritten. Paths as
-    /// they stand. On Linux the permissions come along too, and the copy is left to the kernel where it can.
+    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Uses the
+    /// paths as given. On Linux it also copies the permissions, and lets the kernel copy the data if it can.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// As Copy; calls inCallback at the beginning, as the copy goes on and at its end with the part that is done, from
-    /// 0 to 1, and inData. For an empty file the part is no number (0 divided by 0). When it answers false the copy
-    /// stops and the destination is removed: kOperationAborted. The callback must not be null and must not throw.
-    /// Failures: kFileNotFound, kPathNotFound, kAccessDenied, kOperationAborted, and kDiskFull for every other one.
+    /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
+    /// the copy and at the end. For an empty file the fraction is not a number (NaN). If the callback returns false,
+    /// the copy stops, removes the destination and returns kOperationAborted. The callback must not be null and must
+    /// not throw. Other failures are kFileNotFound, kPathNotFound, kAccessDenied, and kDiskFull for the rest.
     static Result CopyWithProgress(const UTF16String& inSource, const UTF16String& inDestination,
                                    bool (*inCallback)(float, void*), void* inData);
 
-    /// Renames a file or directory; a file may move to another volume. An existing destination gives kAlreadyExists.
-    /// Paths as they stand.
+    /// Renames a file or directory. Files may also be moved to another volume. Returns kAlreadyExists if the
+    /// destination exists. Uses the paths as given.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Puts a finished temporary file in the place of the real one, which must exist; the temporary name is gone then.
-    /// On success the new contents and their folder are on disk. Whatever happens, the real name holds the old contents
-    /// or the new ones, whole; nothing is tried after a failure, and the contents of both files stay.
-    /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
+    /// Replaces the real file, which must exist, by a finished temporary file, whose name is then gone. On success the
+    /// new contents and their folder have been synced to disk. The real name always refers to the complete old or the
+    /// complete new contents. After a failure nothing is retried, and both files keep their contents. Neither file may
+    /// be open elsewhere, except that the real one may be open with kFileShare_Delete.
     static Result SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRealPath);
 
-    /// A free name beside the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on. Name and extension
-    /// are cut to 250 characters before that. Nothing is made: the name is free at this moment only.
+    /// Returns an unused name beside the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on. First cuts
+    /// the name so that name and extension have at most 250 characters. Creates nothing, so another caller may take the
+    /// name.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// The size of a file by its name, open or not. Every failure is kFileNotFound. The path as it stands.
+    /// Stores the size of the file at a path, open or not. Every failure is kFileNotFound. Uses the path as given.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
-    /// The last write of a file, as the member tells it.
+    /// Stores the time of a file's last write, like the member function.
     static Result GetLastModificationTime(const UTF16String& inPath, unsigned __int64& outTime);
 
-    /// The same, for a directory too.
+    /// The same, for directories too.
     static Result GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime);
 
-    /// Always 0: these systems keep no types of files.
+    /// Always returns 0: these systems have no file types.
     static unsigned int GetOSFileType(const UTF16String& inPath);
 
 private:

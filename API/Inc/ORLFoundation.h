@@ -70,15 +70,14 @@
 namespace ORL {
 namespace Foundation {
 
-/// Starts the library. Starts are counted: the first one does the work, and the thread of the first one in the life of
-/// the process becomes the main thread. Each start owes one Terminate. May be called from any thread, also while
-/// another one starts or stops the library.
+/// Starts the library. Starts are counted; only the first one starts the services. The thread of the first start in the
+/// life of the process becomes the main thread. Each start requires one Terminate. Thread-safe, even while other
+/// threads start or stop the library.
 ///
-/// Throws what a service throws that cannot start: std::bad_alloc, boost::thread_resource_error, TVXException. The
-/// library is then not started, and no Terminate is owed. The services that had started stay started, and the next
-/// start starts them again. One of them refuses that: ThreadManager::RegisterMainThread, with input contract 25, which
-/// a host that installed a TVXErrorManager receives as a TVXException. Such a host takes the registration back before
-/// it tries again:
+/// Throws what a failing service throws: std::bad_alloc, boost::thread_resource_error, TVXException. The library is
+/// then not started, and no Terminate is required. The services that had started stay started, and the next start
+/// starts them again. Only ThreadManager::RegisterMainThread refuses that, with input contract 25, which a host with an
+/// installed TVXErrorManager receives as a TVXException. Such a host undoes the registration before it retries:
 ///
 ///   try {
 ///       ORL::Foundation::Initialize();
@@ -87,19 +86,19 @@ namespace Foundation {
 ///       ORL::Foundation::Initialize();
 ///   }
 ///
-/// Before the start, and after the stop, everything works that needs no service of the library: constants, strings,
-/// the class factory, locks.
+/// Before the start and after the stop, everything that needs no service works: constants, strings, the class factory,
+/// locks.
 ORL_API void Initialize();
 
-/// Takes one start back; the last one stops the services, after which the library may be started again. A stop without
-/// a start is not refused: the next start then only makes up for it and starts nothing.
+/// Undoes one start; the last call stops the services, after which the library may be started again. A call without a
+/// start is accepted: it cancels the next start, which then starts nothing.
 ///
-/// To be called on the main thread where it is the last one.
+/// Call the last one on the main thread.
 ORL_API void Terminate();
 
 } // namespace Foundation
 
-/// There is no such mode: always false.
+/// Always returns false: there is no such mode.
 ORL_API bool GetEmergencyMemoryMode();
 
 /// Ignores its argument.

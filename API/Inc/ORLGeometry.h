@@ -1,8 +1,8 @@
 // Floor: Media
-// A natural cubic spline through points, and the distance of a point from a line segment on the integer grid.
+// A natural cubic spline through points, and the distance from a point to a line segment on the integer grid.
 //
-// Takes no lock; thread-safe for different arrays. Never throws. The float and double operations are done in the order
-// of the formulas and never fused, so results are equal to the last bit on every platform.
+// Thread-safe for different arrays. Takes no lock. Never throws. Float and double operations run in the order of the
+// formulas and are never fused, so results are bit-identical on every platform.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,14 +10,14 @@
 #include <cstddef>
 #include <cstdint>
 
-class CPoint; // the home platform's point class; it only names the point type here
+class CPoint; // the home platform's point class; used only as a tag
 
 namespace ORL {
 
 template <class T>
 class ParamPoint;
 
-/// A point on the integer grid.
+/// A point on the integer grid. A value.
 template <>
 class ParamPoint<CPoint>
 {
@@ -40,29 +40,30 @@ public:
 
 namespace Geometry {
 
-/// Solves the natural cubic spline through n points: stores the second derivative at each of them in y2, which has
-/// room for n. Those at the first and the last point are 0. x is expected to ascend; at a point whose x does not lie
-/// strictly between its neighbours' the equation is left out. x and y are only read.
+/// Solves the natural cubic spline through n points. Stores the second derivative at each point in y2, which has space
+/// for n; those at the first and the last point are 0. x should be ascending; the equation is skipped at a point whose
+/// x is not strictly between its neighbours. x and y are read-only.
 ///
-/// Returns false if a pointer is null or n is 0, after a failed assertion, and if there is no memory for n - 1 floats;
-/// y2 is untouched then. The method is the usual forward elimination and back-substitution of the tridiagonal system.
+/// Returns false, with y2 untouched, if a pointer is null or n is 0 (reported by an assertion), or if there is no
+/// memory for n - 1 floats. The method is the usual forward elimination and back-substitution of the tridiagonal
+/// system.
 ORL_API bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2);
 
-/// Evaluates the spline at x and stores the value in y. xa and ya are the n points, y2a is what
-/// SolveNaturalCubicSpline2D stored. An x outside the points extrapolates the first or the last interval. Allocates
-/// nothing; finds the interval by bisection.
+/// Evaluates the spline at x and stores the value in y. xa and ya are the n points; y2a was stored by
+/// SolveNaturalCubicSpline2D. An x outside the points extrapolates the first or the last interval. Allocates nothing;
+/// finds the interval by bisection.
 ///
-/// Returns false, with y untouched, if a pointer is null or n is 0, after a failed assertion, and if the interval found
-/// has no width, as with one point.
+/// Returns false, with y untouched, if a pointer is null or n is 0 (reported by an assertion), or if the interval found
+/// has no width, as with a single point.
 ORL_API bool InterpolateNaturalCubicSpline2D(float* xa, float* ya, float* y2a, std::size_t n, float x, float* y);
 
-/// The distance of a point from the segment between inStart and inEnd, in units of the grid. The foot of the
-/// perpendicular is truncated to the grid before its distance is taken, so the result may differ from the true one by
-/// up to the diagonal of a cell. A segment of one point gives the distance from that point.
+/// Returns the distance from a point to the segment between inStart and inEnd, in grid units. The foot of the
+/// perpendicular is truncated to the grid first, so the result may be off by up to the diagonal of a cell. If both ends
+/// are equal, returns the distance to that point.
 ///
 /// Differences, squares and sums are 32-bit integers, exact while no coordinate differs from another by more than
-/// 32767. Beyond that they wrap around in two's complement; a negative sum of squares makes the result NaN, and a
-/// foot that does not fit is taken as the least integer.
+/// 32767. Beyond that they wrap around in two's complement: a negative sum of squares makes the result NaN, and a foot
+/// that does not fit is replaced by the smallest integer.
 ORL_API float PointToLineSegmentDistance2D(ParamPoint<CPoint>& inPoint, ParamPoint<CPoint>& inStart,
                                            ParamPoint<CPoint>& inEnd);
 

@@ -1,7 +1,7 @@
 // Floor: Media
 // A 96-bit running hash of bytes, and its text.
 //
-// For tables and comparisons, not for security: whoever chooses the bytes can choose the hash.
+// For tables and comparisons, not for security: whoever controls the bytes can force any hash.
 #pragma once
 
 #include <ORLConfig.h>
@@ -17,7 +17,7 @@
 
 namespace ORL {
 
-/// Three 32-bit words. A value; one thread at a time mixes into one object.
+/// Three 32-bit words. A value. Not thread-safe: one thread at a time per object.
 ///
 ///   ORL::HashValue hash(0, 0, 0);
 ///   ORL::MixHash::Mix(hash, bytes.data(), bytes.size());
@@ -26,7 +26,7 @@ class HashValue
 public:
     static constexpr std::size_t kWordCount = 3;
 
-    /// The words that the hash starts from. Different starts give independent hashes of the same bytes.
+    /// The initial words. Different initial words give independent hashes of the same bytes.
     constexpr HashValue(std::uint32_t inWord0, std::uint32_t inWord1, std::uint32_t inWord2) noexcept
         : mWords{inWord0, inWord1, inWord2}
     {
@@ -45,7 +45,7 @@ public:
         return !(inLeft == inRight);
     }
 
-    /// By word 0, then word 1, then word 2.
+    /// Orders by word 0, then word 1, then word 2.
     friend constexpr bool operator<(const HashValue& inLeft, const HashValue& inRight) noexcept
     {
         for (std::size_t i = 0; i < kWordCount; ++i) {
@@ -64,16 +64,16 @@ private:
     std::uint32_t mWords[kWordCount];
 };
 
-/// Folds blocks of bytes into a hash. The result depends on the order of the blocks and on where they are cut: every
-/// word depends on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), started with word 0; one more
-/// mix step then spreads the result over the three words. Reads words in little-endian order, from any address, so
-/// equal bytes give equal hashes on every platform.
+/// Hashes blocks of bytes into a HashValue. The result depends on the order of the blocks and on the block boundaries:
+/// every word depends on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), seeded with word 0; one
+/// more mix step then spreads the result over the three words. Words are read in little-endian order at any alignment,
+/// so equal bytes have equal hashes on every platform.
 ///
-/// Never throws, allocates nothing. Thread-safe for different hashes.
+/// Thread-safe for different hashes. Never throws, allocates nothing.
 class MixHash
 {
 public:
-    /// Mixes inLength bytes into the hash. No bytes change the hash too; inData may be null then.
+    /// Mixes inLength bytes into the hash. A length of 0 changes the hash too; inData may be null then.
     static void Mix(HashValue& ioHash, const void* inData, std::size_t inLength)
     {
         MixInData(ioHash, static_cast<const unsigned char*>(inData), inLength);
@@ -83,19 +83,18 @@ private:
     static ORL_API void MixInData(HashValue& ioHash, const unsigned char* inData, std::size_t inLength);
 };
 
-/// Writes the three words in lower-case hexadecimal, separated by ":", for example "1a:2b:3c": the text that operator>>
-/// reads. Flags, width and locale of the stream have no influence and stay as they are.
+/// Writes the three words in lower-case hexadecimal, separated by ":", for example "1a:2b:3c". This is the format that
+/// operator>> reads. Ignores and keeps the flags, width and locale of the stream.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const HashValue& inHash);
 
-/// Reads one text up to white space and takes three hexadecimal words from it, separated by ":"; a run of ":" counts as
-/// one, and what follows the third word is ignored. A word that is missing keeps its value, one that is no number
-/// becomes 0, and one that needs more than 32 bits becomes 0xFFFFFFFF; the stream's state tells only whether there was
-/// a text.
+/// Reads one text up to white space and parses three hexadecimal words from it, separated by ":". A run of ":" counts
+/// as one, and text after the third word is ignored. A missing word keeps its value, one that is not a number becomes
+/// 0, and one of more than 32 bits becomes 0xFFFFFFFF. The stream's state only reports whether there was a text.
 ORL_API std::basic_istream<unsigned short>& operator>>(std::basic_istream<unsigned short>& ioStream,
                                                        HashValue& outHash);
 
-/// The table of a CRC over the reflected polynomial 0xEDB88320 that keeps the low 8 bits of each entry.
+/// The CRC table of the reflected polynomial 0xEDB88320, with only the low 8 bits of each entry.
 class CRCHashValue
 {
     /// 256 entries, built when the library is loaded.

@@ -1,13 +1,13 @@
 // Floor: Files
-// Between the paths of this library and the paths of the system it runs on.
+// Conversion between library paths and host paths.
 //
-// A library path is Windows-style on every platform: a drive or \\server\share, names behind backslashes. A host path
-// is what the system's own programs take: on Windows the same in UTF-8, on Linux bytes behind slashes.
+// A library path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. A
+// host path is the form that the system's own programs use: on Windows the same in UTF-8, on Linux bytes separated by
+// slashes.
 //
-// On Linux a drive table says which folder stands behind each drive. At load it holds C: for "/", so every file has a
-// library path. Names keep their identity: bytes that are no UTF-8 and characters that a library path cannot hold in
-// a name travel as private code units (U+F000 and the byte) and come back to the same bytes. Names are matched as the
-// volume matches them, which for most means exactly.
+// On Linux a drive table maps each drive to a host folder. At load it maps C: to "/", so every file has a library path.
+// Names round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted
+// to private code units (U+F000 plus the byte) and back. The volume decides how names are matched; most match exactly.
 #pragma once
 
 #include <ORLConfig.h>
@@ -20,45 +20,44 @@
 namespace ORL {
 namespace PathUtils {
 
-/// The library path of a host path, in plain form. A relative one is taken from the current folder. Empty when
-/// inHostPath is empty, or when no drive leads there; on Windows also when it is no UTF-8. The path need not exist. Safe
-/// from any thread.
+/// Returns the library path of a host path, in plain form. A relative path starts at the current folder. Returns an
+/// empty path if inHostPath is empty or no drive contains it; on Windows also if it is not UTF-8. The path need not
+/// exist. Thread-safe.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 
-/// The host path of a library path, plain or extended. On Linux: kPathNotFound for a drive that is not mounted,
-/// kGeneralFailure for a share that is not mounted and for a name that no path may hold. On Windows: kGeneralFailure for
-/// a path with half a surrogate pair, which UTF-8 cannot say; the other operations take such a path as it is. outHostPath
-/// is then untouched. The path need not exist. Safe from any thread.
+/// Stores the host path of a library path, plain or extended. On Linux returns kPathNotFound for a drive that is not
+/// mounted, and kGeneralFailure for a share that is not mounted or a name that no path may hold. On Windows returns
+/// kGeneralFailure for a path with an unpaired surrogate, which UTF-8 cannot represent; the other operations accept
+/// such a path. A failure leaves outHostPath untouched. The path need not exist. Thread-safe.
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 
-/// One way into the host's folders.
+/// One entry of the drive table.
 struct MountPoint
 {
     UTF16String mRoot;       ///< "C:\" or "\\server\share\"
-    std::string mHostFolder; ///< what it leads to; on Windows the root again
+    std::string mHostFolder; ///< the folder it maps to; on Windows the root again
 };
 
-/// The drive table: the drives in the order of their letters, then (on Linux) the mounted shares. Safe from any thread.
+/// Returns the drive table: the drives in the order of their letters, then (on Linux) the mounted shares. Thread-safe.
 ORL_API std::vector<MountPoint> GetMountPoints();
 
-/// The drive table of Linux. These functions exist in the Linux library alone; a host that runs on both calls them
-/// from its Linux sources. Each may be called from any thread; a path that is being resolved meanwhile sees the table
-/// as it was before or after.
+/// The drive table of Linux. These functions exist in the Linux library only; a host for both platforms calls them from
+/// its Linux sources. Thread-safe: a path that is being resolved meanwhile uses the table before or after the change.
 namespace Linux {
 
-/// As the functions of PathUtils above.
+/// Same as the functions of PathUtils above.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 
-/// Puts a host folder behind a drive letter (either case). kAlreadyExists when the letter is taken, kPathNotFound when
-/// inHostFolder is no absolute path of an existing folder, kGeneralFailure when inLetter is no ASCII letter.
+/// Maps a drive letter (either case) to a host folder. Returns kAlreadyExists if the letter is in use, kPathNotFound if
+/// inHostFolder is not the absolute path of an existing folder, kGeneralFailure if inLetter is not an ASCII letter.
 ORL_API Result MountDrive(char inLetter, const std::string& inHostFolder);
 
-/// Takes a drive out of the table. kPathNotFound when it is not there.
+/// Removes a drive from the table. Returns kPathNotFound if it is not mounted.
 ORL_API Result UnmountDrive(char inLetter);
 
-/// The same for a share: inShare is "\\server\share", compared without regard to the case of ASCII letters.
-/// kGeneralFailure when it has another shape.
+/// The same for a share. inShare is "\\server\share", compared without regard to the case of ASCII letters. Returns
+/// kGeneralFailure if it has another form.
 ORL_API Result MountShare(const UTF16String& inShare, const std::string& inHostFolder);
 ORL_API Result UnmountShare(const UTF16String& inShare);
 

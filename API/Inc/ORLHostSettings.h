@@ -1,18 +1,18 @@
 // Floor: System
-// The language of the process, and where the settings of the host application lie.
+// The language of the process, and the location of the host application's settings.
 //
-// A language is an identifier of the home platform (ORLLanguage.h names the parts). These are known by name as well,
-// and this is the table that the functions below look up:
+// A language is an identifier of the home platform (ORLLanguage.h names the parts). These identifiers also have names,
+// in the table that the functions below use:
 //
 //   en_US 1033   de_DE 1031   fr_FR 1036   it_IT 1040   ja_JP 1041   es_ES 1034   nl_NL 1043   sv_SE 1053
 //   cs_CZ 1029   ko_KR 1042   pl_PL 1045   pt_BR 1046   ru_RU 1049   tr_TR 1055   zh_CN 2052   zh_TW 1028
 //
-// Until somebody sets the language, the first function that needs it reads the text "Language" below
-// GetRegistryBaseKey() of the user's root, once in the life of the process. Without that value the language is 1033,
-// and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. A value changed later is
-// not seen.
+// Until SetLanguageID or SetLanguageString is called, the first function that needs the language reads the text
+// "Language" below GetRegistryBaseKey() of the user's root, once in the life of the process. Without that value the
+// language is 1033, and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. Later
+// changes of the value have no effect.
 //
-// Thread-safe. The functions throw std::bad_alloc if memory is out; nothing has changed then.
+// Thread-safe. The functions throw std::bad_alloc and then change nothing.
 #pragma once
 
 #include <ORLConfig.h>
@@ -26,12 +26,12 @@ ORL_API unsigned short GetLanguageID();
 /// Returns the primary language: bits 0 to 9 of GetLanguageID().
 ORL_API unsigned short GetPrimaryLanguageID();
 
-/// Sets the language of this process. Any number is taken, whether the table has it or not. The settings of the host
-/// are not changed.
+/// Sets the language of this process. Accepts any number, even one that the table lacks. Does not change the host's
+/// settings.
 ORL_API void SetLanguageID(unsigned short inLanguageID);
 
-/// Sets the language by its name in the table, which must match exactly. Any other text counts as a decimal number, of
-/// which the low 16 bits are taken: "1031" is 1031, "0x407" is 0, and what begins with no number is 0.
+/// Sets the language by its name in the table, which must match exactly. Any other text is read as a decimal number, of
+/// which the low 16 bits are used: "1031" is 1031, "0x407" is 0, and a text that does not begin with a number is 0.
 ORL_API void SetLanguageString(const UTF16String& inLanguage);
 
 /// Returns the name of the language; "en_US" for an identifier that the table lacks.
@@ -41,8 +41,8 @@ ORL_API UTF16String GetLanguageString();
 /// page, for all others.
 ORL_API unsigned int GetConversionCodePage();
 
-/// Return where the host's settings lie, below the root of the user or of the machine. NAME and VERSION are what the
-/// host has told CRV (CRV/Application.h) before the first call of the function; each text is built once, and stays
+/// Return the location of the host's settings, below the root of the user or of the machine. NAME and VERSION are what
+/// the host passed to CRV (CRV/Application.h) before the first call of the function. Each text is built once and stays
 /// valid for the life of the process.
 ///
 ///   GetRegistryBaseKey             Software\Zerin\NAME\VERSION\ (with the backslash)

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Interned text: of each distinct UTF-8 text the process holds one copy, and a handle is one word.
+// Interned text: the process holds one copy of each distinct UTF-8 text, and a handle is one word.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -12,60 +12,61 @@
 
 namespace ORL {
 
-/// A counted handle to an interned UTF-8 text, or to nothing. All handles of one text share one record, so their c_str()
-/// are one pointer.
+/// A counted handle to an interned UTF-8 text, or a null handle. All handles of one text share one record, so their
+/// c_str() are the same pointer.
 ///
-/// A text is entered as static (the table keeps the caller's pointer, which must live as long as the process) or as dynamic
-/// (the table owns a copy); a text that is already there keeps its kind. A record that nobody holds stays in the table
-/// until PurgeUnusedStrings, which removes dynamic ones.
-///
-/// Threads: any thread may create, copy and release handles of its own. Creating and purging go through one lock; copying
-/// and releasing touch one counter. One handle itself is a plain value.
-/// Failure: creating throws std::bad_alloc and then leaves everything as it was.
-/// At process exit the texts that nobody holds go, static ones too. What is held stays whole, and every operation works to
-/// the end, on threads that nobody has stopped and on handles in static storage; such memory is left to the system. Whoever
-/// unloads the library before the process ends has let its handles go: what it still holds is memory lost, and dangles.
+/// A text is entered as static (the table keeps the caller's pointer, which must live as long as the process) or as
+/// dynamic (the table owns a copy). A text that is already in the table keeps its kind.
+/// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings, which
+///           removes dynamic ones, or until the process exits.
+/// Threads:  not thread-safe per handle: one thread at a time. Any thread may create, copy and release its own handles.
+///           Interning a new text and purging take one lock; copying and releasing change one counter.
+/// Failure:  creating throws std::bad_alloc and then changes nothing.
+/// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
+///           operation works until the process ends, for threads still running and for handles in static storage; the
+///           system reclaims their memory. A module that unloads the library earlier must release its handles first:
+///           the rest dangle, and their memory leaks.
 class ORL_API ImmutableString
 {
 public:
-    /// One text. Records belong to the table.
+    /// The record of one text. The table owns it.
     class InternalRepresentation;
 
     /// The null handle: no text, not even the empty one.
     ImmutableString() noexcept : mRepresentation(nullptr) {}
 
-    /// One more handle of a record, or a null handle.
+    /// Adds a handle to a record, or makes a null handle.
     ImmutableString(InternalRepresentation* inRepresentation);
     ImmutableString(const ImmutableString& inOther);
     ~ImmutableString();
     ImmutableString& operator=(const ImmutableString& inOther);
 
-    /// The zero-terminated text; an empty one for a null handle.
+    /// Returns the zero-terminated text, or an empty one for a null handle.
     const unsigned char* c_str() const;
 
-    /// Bytes before the terminator. A static text is measured at each call.
+    /// Returns the bytes before the terminator. O(n) for static texts, whose length is not stored.
     unsigned __int64 size() const;
 
     UTF16String ToString() const;
 
-    /// -1, 0 or 1, by the bytes as unsigned values up to the first zero. A null handle is below every text, the empty one
-    /// included, and equals only the null handle and the null pointer, which are below every text too.
+    /// Returns -1, 0 or 1, by the bytes as unsigned values up to the first zero. A null handle is below every text, the
+    /// empty one included, and equal only to a null handle and to a null pointer, which orders the same way.
     int Compare(const ImmutableString& inOther) const;
     int Compare(const char* inOther) const;
     int Compare(const unsigned char* inOther) const;
     int Compare(const std::string& inOther) const;
     int Compare(const UTF8String& inOther) const;
 
-    /// The same with the UTF-8 form of a 16-bit text, where null stands for the empty text. A null handle answers -1
-    /// without converting.
+    /// The same for the UTF-8 form of a 16-bit text; null means the empty text. A null handle returns -1 without
+    /// converting.
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;
 
-    /// Enters a text whose bytes live as long as the process. Null stands for the empty text.
+    /// Interns a text whose bytes live as long as the process. Null means the empty text.
     static ImmutableString CreateStatic(const unsigned char* inText);
     static ImmutableString CreateStatic(const char* inText);
 
-    /// Enters a text up to its first zero. Null stands for the empty text.
+    /// Interns a copy of a text up to its first zero. Null means the empty text.
     static ImmutableString CreateDynamic(const unsigned char* inText);
     static ImmutableString CreateDynamic(const char* inText);
     static ImmutableString CreateDynamic(const std::string& inText);
@@ -73,7 +74,7 @@ public:
     static ImmutableString CreateDynamic(const UTF16String& inText);
     static ImmutableString CreateDynamic(const unsigned short* inText);
 
-    /// Removes the dynamic texts that nobody holds. True if there was one.
+    /// Removes unreferenced dynamic texts. Returns whether it removed any.
     static bool PurgeUnusedStrings();
 
 private:

@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-/// A class with hidden state holds one record derived from Impl, and deletes it through this base.
+/// A class with hidden state owns one record derived from Impl, and deletes it through this base.
 struct ORL_API Impl
 {
     Impl() = default;

@@ -1,5 +1,5 @@
 // Floor: Objects
-// Objects that count their owners themselves, the references that own them, and the interfaces they answer for.
+// Objects with an intrusive reference count, the references that own them, and interface queries.
 //
 // A concrete class derives from UnknownImpl and is held by InterfaceRef:
 //
@@ -24,29 +24,33 @@ namespace ORL {
 
 using tvxcore::utility::Guid;
 
-// The identifiers of the published interfaces, as the two 64-bit words that they are compared by.
+// Identifiers of the published interfaces, as the two 64-bit words that are compared.
 inline constexpr Guid kInterfaceID_ORLUnknown(0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u);
 inline constexpr Guid kInterfaceID_ThreadedWorkQueue(0x424584A420974874u, 0x998149164AB27293u);
 inline constexpr Guid kInterfaceID_ThreadedWorkQueueFlush(0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u);
 inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u);
 
-/// Root interface of the class system. The order of the operations is fixed. An interface adds its own behind them and
-/// names its identifier in a constant kInterfaceID of its own: one that it inherits is that of another interface.
+/// Root interface of the class system. The order of the virtual functions is fixed. An interface appends its own and
+/// declares its own kInterfaceID: an inherited one identifies another interface.
+///
+/// Owner:    whoever holds a reference; the last Release deletes the object.
+/// Threads:  AddRef, Release and QueryInterface are thread-safe in classes derived from UnknownImpl.
+/// Failure:  QueryInterface returns kNoSuchInterface.
 class ORL_API ORLUnknown
 {
 public:
     static constexpr Guid kInterfaceID = kInterfaceID_ORLUnknown;
 
-    /// Adds one owner. A new object has none.
+    /// Adds one reference. A new object has none.
     virtual void AddRef() = 0;
 
-    /// Takes one owner away. The last one deletes the object.
+    /// Removes one reference. The last call deletes the object.
     virtual void Release() = 0;
 
     virtual ~ORLUnknown();
 
-    /// Stores the object as the wanted interface, with one owner counted for the caller, and gives kSuccess. Otherwise
-    /// stores null and gives kNoSuchInterface.
+    /// Stores the object as the requested interface, with one reference added for the caller, and returns kSuccess.
+    /// Otherwise stores null and returns kNoSuchInterface.
     virtual Result QueryInterface(const Guid& inInterfaceID, void** outInterface) = 0;
 
 protected:
@@ -55,28 +59,29 @@ protected:
     ORLUnknown& operator=(const ORLUnknown&) = default;
 };
 
-/// Owns one count of the object it points to, or points to nothing. Base is the root interface of T, through which
-/// the count is changed: ORLUnknown for classes of the class system, T itself for a lone interface.
+/// A smart pointer that owns one reference, or is null. Base is the root interface of T, whose AddRef and Release are
+/// called: ORLUnknown for classes of the class system, T itself for a standalone interface.
 ///
-/// The count may be changed from any thread. One InterfaceRef itself is a plain member: assigning it while another
-/// thread uses it needs a lock.
+/// Owner:    each InterfaceRef owns one reference of its object.
+/// Threads:  not thread-safe per InterfaceRef. Any thread may copy and destroy references to one object.
+/// Failure:  only operator-> throws: NullInterfaceException.
 template <class T, class Base = ORLUnknown>
 class InterfaceRef
 {
 public:
     InterfaceRef() noexcept : mIPtr(nullptr) {}
 
-    /// Counts one owner when inPtr is not null.
+    /// Adds one reference if inPtr is not null.
     InterfaceRef(T* inPtr) : mIPtr(inPtr) { AddRef(mIPtr); }
 
     InterfaceRef(const InterfaceRef& inOther) : InterfaceRef(inOther.mIPtr) {}
 
-    /// Takes the other's count and leaves it null.
+    /// Moves the reference; ioOther becomes null.
     InterfaceRef(InterfaceRef&& ioOther) noexcept : mIPtr(std::exchange(ioOther.mIPtr, nullptr)) {}
 
     ~InterfaceRef() { Release(mIPtr); }
 
-    /// The new object is counted before the old one is released, so assigning a reference to itself is safe.
+    /// Adds the new reference before it releases the old one, so self-assignment is safe.
     InterfaceRef& operator=(const InterfaceRef& inOther)
     {
         AddRef(inOther.mIPtr);
@@ -92,7 +97,7 @@ public:
 
     void Swap(InterfaceRef& ioOther) noexcept { std::swap(mIPtr, ioOther.mIPtr); }
 
-    /// The object. A null reference is reported, and then NullInterfaceException leaves.
+    /// Returns the object. If it is null, reports an assertion and throws NullInterfaceException.
     T* operator->() const
     {
         if (__builtin_expect(mIPtr == nullptr, 0)) {
@@ -101,7 +106,7 @@ public:
         return mIPtr;
     }
 
-    /// The object or null, without a check.
+    /// Returns the object or null, without a check.
     T* GetPtr() const noexcept { return mIPtr; }
 
     explicit operator bool() const noexcept { return mIPtr != nullptr; }
@@ -133,7 +138,7 @@ private:
 
 namespace Internal {
 
-// Two classes that name the same constant: one of them inherits it.
+// Returns whether the classes name the same constant: one of them inherits it.
 template <class First, class Second>
 constexpr bool ShareIdentifier()
 {
@@ -148,12 +153,13 @@ constexpr bool HasOwnIdentifier()
 
 } // namespace Internal
 
-/// What a concrete class needs to be counted and asked. Base is the interface that it extends, or ORLUnknown; Answers
-/// are the classes and interfaces it answers QueryInterface for, itself first. Each names a kInterfaceID of its own; a
-/// class that inherits the one of another listed class, of Base or of ORLUnknown does not compile. ORLUnknown is
-/// answered last, without being listed. The count stands right behind the table of virtual functions and starts at 0.
+/// Implements reference count and interface queries for a concrete class. Base is the interface that it extends, or
+/// ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first. Each must
+/// declare its own kInterfaceID: a class that inherits the one of another listed class, of Base or of ORLUnknown does
+/// not compile. ORLUnknown is supported without being listed. The count directly follows the vtable pointer and starts
+/// at 0.
 ///
-/// All of them must share one address with the object, so a class has one chain of interfaces above it.
+/// All of them must have the object's address, so a class may only have a single chain of interfaces above it.
 template <class Base, class... Answers>
 class UnknownImpl : public Base
 {
@@ -181,14 +187,14 @@ public:
         return kSuccess;
     }
 
-    /// The object as its root interface; one owner is counted.
+    /// Returns the object as its root interface, with one reference added.
     virtual InterfaceRef<ORLUnknown, ORLUnknown> GetUnknown() { return InterfaceRef<ORLUnknown, ORLUnknown>(this); }
 
 protected:
     UnknownImpl() = default;
     ~UnknownImpl() override = default;
 
-    // A copy is an object of its own, with no owner yet.
+    // A copy is a new object without references.
     UnknownImpl(const UnknownImpl& inOther) : Base(inOther) {}
     UnknownImpl& operator=(const UnknownImpl& inOther)
     {

@@ -1,5 +1,5 @@
 // Floor: Strings
-// The user's locale, the classic one, and numbers as people type them.
+// The user's locale, the classic locale, and numbers as people type them.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,17 +10,17 @@
 namespace ORL {
 namespace Locale {
 
-/// The user's locale, taken from the environment at load. The classic one where the environment names none that this
-/// machine has. Thread-safe.
+/// Returns the user's locale, which the environment names at load. Returns the classic locale if the machine lacks it
+/// or none is named. Thread-safe.
 ORL_API const std::locale& Native();
 
-/// The classic locale, which the start of the library makes the process's global one.
+/// Returns the classic locale. The start of the library makes it the process's global locale.
 ORL_API const std::locale& Default();
 
-/// The number at the start of a typed text, read once as the user's locale writes numbers and once as the classic locale
-/// does. Both above 0: the greater; both below 0: the smaller; in every other case the classic reading. So in a locale with
-/// a decimal comma both "1,5" and "1.5" are 1.5. Known blind spot: where one reading is 0 the classic one wins, and ",5" is
-/// 0. A text without a number is 0. Thread-safe.
+/// Returns the number at the start of a typed text. Reads it twice, by the rules of the user's locale and of the
+/// classic locale. If both are above 0, returns the greater; if both are below 0, the smaller; otherwise the classic
+/// reading. So in a locale with a decimal comma both "1,5" and "1.5" are 1.5. Known limitation: if one reading is 0 the
+/// classic one wins, so ",5" is 0. Returns 0 for a text without a number. Thread-safe.
 ORL_API double GetValueFromDisplayString(const UTF16String& inText);
 
 } // namespace Locale

@@ -1,5 +1,5 @@
 // Floor: Objects
-// Objects whose owners are counted by a manager and by nobody else.
+// Objects whose reference count is changed only by a manager.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -9,8 +9,12 @@ namespace ORL {
 
 class Manager;
 
-/// An object with a count that only a Manager may touch. A new object has no owner. The count may be changed from any
-/// thread.
+/// An object with a reference count that only a Manager can change. A new object has no references.
+///
+/// Owner:    the managers that hold references. The last Release calls Destroy, which decides what happens to the
+///           object.
+/// Threads:  the count is thread-safe.
+/// Failure:  nothing here throws.
 class ORL_API Managed
 {
 protected:
@@ -23,7 +27,7 @@ protected:
 private:
     friend class Manager;
 
-    /// Called when the last owner has gone. What becomes of the object is the derived class's choice.
+    /// Called when the last reference has been released.
     virtual void Destroy() = 0;
 
     void AddRef();
@@ -32,13 +36,13 @@ private:
     AtomicValue mRefCount;
 };
 
-/// Base of classes that keep Managed objects alive.
+/// Base of classes that keep Managed objects alive. Thread-safe.
 class ORL_API Manager
 {
 protected:
     static void AddRef(Managed* inManaged);
 
-    /// The last one ends in the object's Destroy.
+    /// The last release calls Destroy.
     static void Release(Managed* inManaged);
 };
 

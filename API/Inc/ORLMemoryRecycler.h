@@ -1,7 +1,7 @@
 // Floor: Memory
-// Large buffers that are kept for the next one who wants the same size.
+// A pool that keeps large freed buffers for reuse.
 //
-//   ORL::MemoryBufferWrapper buffer(1 << 20); // from the pool or from the system; back to the pool at the end of the scope
+//   ORL::MemoryBufferWrapper buffer(1 << 20); // from the pool or the system; returned at the end of the scope
 #pragma once
 
 #include <ORLConfig.h>
@@ -16,10 +16,10 @@ namespace ORL {
 
 class MemoryRecycler;
 
-/// A piece of memory, as a plain value: copies speak of the same memory, and nothing is freed by itself.
+/// A block of memory, as a plain value: copies refer to the same memory, and the destructor frees nothing.
 ///
-/// From 8192 bytes on a buffer is large: its size is rounded up (to a multiple of 4096, from 1048576 on of 16384), and its
-/// memory comes in whole pages straight from the system where that can be had.
+/// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, from 1048576 bytes of
+/// 16384), and their memory is allocated in whole pages from the system if possible.
 class ORL_API MemoryBuffer
 {
 public:
@@ -27,17 +27,17 @@ public:
 
     void* GetBuffer() const { return mBuffer; }
 
-    /// Bytes, after rounding.
+    /// Returns the size in bytes, after rounding.
     std::size_t GetSize() const { return mSize; }
 
-    /// True when the memory came straight from the system, and not from the small block allocator.
+    /// Returns whether the memory came directly from the system, not from the small block allocator.
     bool IsVirtual() const { return mIsVirtual; }
 
 protected:
-    /// Gets memory for an empty buffer. Without any it stays empty, without a word.
+    /// Allocates memory for an empty buffer. Leaves it empty if out of memory, without an error.
     void Allocate(std::size_t inSize);
 
-    /// Frees the memory, the way it was had, and clears mBuffer and mSize.
+    /// Frees the memory and clears mBuffer and mSize.
     void Release();
 
     void* mBuffer;
@@ -47,41 +47,44 @@ protected:
     friend class MemoryRecycler;
 };
 
-/// The process's pool of large buffers, made at the start of the library and dropped at its stop; a counted copy keeps it
-/// alive beyond. Every operation may be called from any thread.
+/// The process's pool of large buffers.
+///
+/// Owner:    the start of the library creates it and the stop releases it; a counted copy keeps it alive.
+/// Threads:  thread-safe, except Instance.
+/// Failure:  AllocateBuffer throws std::bad_alloc.
 class ORL_API MemoryRecycler
 {
 public:
-    /// An empty pool with a limit of 50000000 bytes.
+    /// Creates an empty pool with a limit of 50000000 bytes.
     MemoryRecycler();
 
-    /// Frees everything.
+    /// Frees all pooled buffers.
     ~MemoryRecycler();
 
     MemoryRecycler(const MemoryRecycler&) = delete;
     MemoryRecycler& operator=(const MemoryRecycler&) = delete;
 
-    /// A counted copy of the pool; empty while the library is not started. Read without a lock: not to be called while
-    /// another thread starts or stops the library.
+    /// Returns a counted copy of the pool, or an empty pointer if the library is not started. Takes no lock: do not
+    /// call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
-    /// A buffer of inSize bytes, of at least 8192 after rounding: the one of exactly that size that was returned last, else
-    /// a new one. When there is no memory the error manager is asked, and where it does not want another try
-    /// std::bad_alloc leaves, with the text "bad allocation". The contents are those of the earlier user.
+    /// Returns a buffer of inSize bytes, of at least 8192 after rounding: the last one returned of exactly that size,
+    /// or a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc with the
+    /// text "bad allocation". The contents are left over from the previous user.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
-    /// Takes a buffer back. A large one enters the pool, and the oldest leave it until the limit holds. The fields of
-    /// ioBuffer stay as they are, but the memory is given away. Never throws.
+    /// Takes a buffer back. A large one is added to the pool, which then frees its oldest buffers until it meets the
+    /// limit. The fields of ioBuffer are not changed, but the memory is no longer the caller's. Never throws.
     void RecycleBuffer(MemoryBuffer& ioBuffer);
 
-    /// Frees pooled buffers, oldest first, until inBytes are free or the pool is empty; 0 frees all. Gives the bytes freed,
-    /// which may be more.
+    /// Frees pooled buffers, oldest first, until at least inBytes are freed or the pool is empty; 0 frees all. Returns
+    /// the number of bytes freed.
     std::size_t Purge(std::size_t inBytes);
 
-    /// The bytes now in the pool. Not the limit that SetSize sets.
+    /// Returns the bytes in the pool now, not the limit that SetSize sets.
     std::size_t GetSize() const;
 
-    /// Sets the limit, and frees the oldest buffers until it holds.
+    /// Sets the limit, and frees the oldest buffers until the pool meets it.
     void SetSize(std::size_t inBytes);
 
 private:
@@ -95,18 +98,19 @@ private:
     void ReconcileSize();
     static void ReleaseAll(Pool& ioBuffers);
 
-    Pool mPool; // the most recently returned at the front
+    Pool mPool; // the most recently returned first
     std::size_t mCurrentSize;
     std::size_t mMaxSize;
-    CriticalSection mLock; // guards all of the above, and what follows
-    Pool mSpareNodes;      // empty ones: a buffer that goes and comes back costs no memory operation
+    CriticalSection mLock; // guards all of the above and mSpareNodes
+    Pool mSpareNodes;      // empty list nodes: reusing one saves an allocation
 };
 
-/// A buffer of the pool, for a scope. Needs a started library.
+/// A buffer of the pool, freed at the end of a scope. The library must be started. Not thread-safe: one thread at a
+/// time.
 class ORL_API MemoryBufferWrapper : public MemoryBuffer
 {
 public:
-    /// Failure leaves as of MemoryRecycler::AllocateBuffer.
+    /// Throws what MemoryRecycler::AllocateBuffer throws.
     explicit MemoryBufferWrapper(unsigned int inSize);
     ~MemoryBufferWrapper();
 

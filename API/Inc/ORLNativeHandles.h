@@ -1,14 +1,14 @@
 // Floor: Platform
-// Handle types of the home platform, for signatures that name them. On Windows they are the system's own types, so this
-// header goes with <windows.h> in either order. On Linux they are opaque handles of this library.
+// Handle types of the home platform, for signatures that use them. On Windows they are the system's own types, so this
+// header may be combined with <windows.h> in either order. On Linux they are opaque handles of this library.
 #pragma once
 
 struct HINSTANCE__;
 struct HMENU__;
 struct HBITMAP__;
 
-/// An executable module. Linux: what dlopen returns for an ELF module; a module that is only data has a handle of this
-/// library, which no function of the system takes. Null stands for the program itself.
+/// An executable module; null is the program itself. Linux: the handle that dlopen returns for an ELF module. A module
+/// that is only data has a handle of this library, which no system function accepts.
 typedef HINSTANCE__* HINSTANCE;
 
 /// A menu. Linux: see ORL::Resources::Linux in ORLResources.h.

@@ -1,8 +1,8 @@
 // Floor: Memory
-// Shared ownership of any object, counted outside of it.
+// Shared ownership of any object, with an external reference count.
 //
 //   ORL::ObjectPtr<Picture> picture(new Picture); // owns
-//   ORL::ObjectPtr<Picture> second = picture;     // shares; the last one deletes the object
+//   ORL::ObjectPtr<Picture> second = picture;     // shares; the last owner deletes the object
 #pragma once
 
 #include <ORLAllocator.h>
@@ -15,11 +15,12 @@
 
 namespace ORL {
 
-/// A pointer whose copies share one object and one counter, which stands in a block of 4 bytes of its own. The counter
-/// is null exactly when the pointer is.
+/// A smart pointer whose copies share one object and one counter, which is allocated separately in 4 bytes. The counter
+/// is null exactly if the pointer is.
 ///
-/// The count may be changed from any thread, so two threads may copy and destroy copies of one pointer. One ObjectPtr
-/// itself is a plain pair of members: assigning it while another thread uses it needs a lock.
+/// Owner:    the copies own the object together; the last one deletes it.
+/// Threads:  not thread-safe per ObjectPtr. Several threads may copy and destroy copies of one pointer.
+/// Failure:  the constructor throws std::bad_alloc. Dereferencing an empty pointer fires an assertion.
 template <class T, class CounterType = AtomicValue>
 class ObjectPtr
 {
@@ -28,10 +29,10 @@ class ObjectPtr
 public:
     constexpr ObjectPtr() noexcept : mCounter(nullptr), mPtr(nullptr) {}
 
-    /// Takes the object over; null gives an empty pointer. The object must have no other owner. When there is no memory
-    /// for the counter the object is deleted and std::bad_alloc leaves. Explicit, since a pointer that becomes an owner
-    /// unasked gets a counter of its own and its object two ends. (InterfaceRef counts inside the object and need not
-    /// be.)
+    /// Takes ownership of the object, which must have no other owner; null makes an empty pointer. If there is no
+    /// memory for the counter, deletes the object and throws std::bad_alloc. Explicit: an implicit conversion would
+    /// create a second counter for an object and delete it twice. (InterfaceRef counts inside the object, so its
+    /// constructor is implicit.)
     explicit ObjectPtr(T* inPtr) : ObjectPtr()
     {
         if (inPtr != nullptr) {
@@ -48,14 +49,14 @@ public:
         }
     }
 
-    /// Takes the other's share and leaves it empty.
+    /// Moves the ownership; ioOther becomes empty.
     ObjectPtr(ObjectPtr&& ioOther) noexcept
         : mCounter(std::exchange(ioOther.mCounter, nullptr)), mPtr(std::exchange(ioOther.mPtr, nullptr))
     {
     }
 
-    /// The new share is taken before the old one is given up, so assigning a pointer to itself is safe, and so is
-    /// assigning one that the old object owns.
+    /// Acquires the new object before it releases the old one, so it is safe to assign a pointer to itself, or one that
+    /// the old object owns.
     ObjectPtr& operator=(const ObjectPtr& inOther)
     {
         ObjectPtr(inOther).Swap(*this);
@@ -76,7 +77,7 @@ public:
         std::swap(mPtr, ioOther.mPtr);
     }
 
-    /// The object. An empty pointer is reported, and then dereferenced.
+    /// Returns the object. An empty pointer fires an assertion, and is then dereferenced.
     T& operator*() const
     {
         ORL_ASSERT_MESSAGE_AT(IsValidAddress(mPtr, false), "IsValidAddress(mPtr)", "", "ORLObjectPtr", 199,
@@ -84,7 +85,7 @@ public:
         return *mPtr;
     }
 
-    /// The object. An empty pointer is reported, and then handed out.
+    /// Returns the object. An empty pointer fires an assertion, and null is returned.
     T* operator->() const
     {
         ORL_ASSERT_MESSAGE_AT(IsValidAddress(mPtr, false), "IsValidAddress(mPtr)", "", "ORLObjectPtr", 209,
@@ -92,7 +93,7 @@ public:
         return mPtr;
     }
 
-    /// The object or null, without a check.
+    /// Returns the object or null, without a check.
     T* GetPtr() const noexcept { return mPtr; }
 
     explicit operator bool() const noexcept { return mPtr != nullptr; }
@@ -112,7 +113,7 @@ private:
         Allocator::Dispose(mCounter, sizeof(CounterType));
     }
 
-    // A plain read as the machine sees it; other owners may be counting at this moment.
+    // A relaxed read: other owners may change the count concurrently.
     CounterType CurrentCount() const { return __atomic_load_n(mCounter, __ATOMIC_RELAXED); }
 
     CounterType* mCounter;

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Message templates with numbered placeholders, and cutting a text at a separator.
+// Message templates with numbered placeholders, and splitting of text at a separator.
 #pragma once
 
 #include <ORLConfig.h>
@@ -14,7 +14,7 @@
 
 namespace ORL {
 
-/// The parameters of a template, in order: parameter 1 is the first element. T is UTF16String or std::string.
+/// The parameters of a template, in order: parameter 1 is the first element. T is UTF16String or std::string. A value.
 template <class T>
 class ParamVectorImpl
 {
@@ -39,12 +39,12 @@ private:
 using ParamVector = ParamVectorImpl<UTF16String>;
 using StdParamVector = ParamVectorImpl<std::string>;
 
-/// Fills the placeholders "%1", "%2" ... of inFormat with the parameters, one after the other, and stores the text.
+/// Replaces the placeholders "%1", "%2" ... of inFormat by the parameters, in order, and stores the text.
 ///
-/// Every parameter must be used: with an empty list, or where a placeholder does not occur, the answer is
-/// kGeneralFailure and outResult stays as it was. Only the first occurrence of a placeholder is filled, the search
-/// sees text that earlier parameters brought in, and "%1" also matches the start of "%10". A "%" cannot be escaped.
-/// Thread-safe. outResult may be the format or a parameter.
+/// Returns kGeneralFailure, with outResult untouched, if the list is empty or a parameter has no placeholder. Only the
+/// first occurrence of a placeholder is replaced. The search includes text inserted for earlier parameters, and "%1"
+/// also matches the start of "%10". A "%" cannot be escaped. outResult may be the format or a parameter. Thread-safe.
+/// Throws std::bad_alloc.
 ORL_API Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UTF16String>& inParams,
                            UTF16String& outResult);
 
@@ -52,9 +52,9 @@ ORL_API Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UT
 ORL_API Result ParseStdString(const std::string& inFormat, const ParamVectorImpl<std::string>& inParams,
                               std::string& outResult);
 
-/// Cuts off the first two tokens of inString. A run of separators counts as one, but not at the start, where the first
-/// token is then empty. Text behind the second token is dropped; a missing token comes out empty. Made for separators
-/// of one character: behind a longer one only a single character is stepped over. Thread-safe.
+/// Splits off the first two tokens of inString. A run of separators counts as one, but a separator at the start makes
+/// the first token empty. Text after the second token is dropped; a missing token is empty. Works for separators of one
+/// character: of a longer separator only one character is skipped. Thread-safe.
 ORL_API void SplitString(const UTF16String& inString, const UTF16String& inSeparator, UTF16String& outFirst,
                          UTF16String& outSecond);
 

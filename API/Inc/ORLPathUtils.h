@@ -1,15 +1,15 @@
 // Floor: Files
-// Paths as text, and what the file system and the shell say of them.
+// Paths as text, and queries of the file system and the shell about paths.
 //
-// A path is Windows-style on every platform: a drive of two characters or \\server\share, names behind backslashes, a
-// file name whose extension keeps its leading dot. Its forms:
+// A path is Windows-style on every platform: a drive of two characters or \\server\share, then names separated by
+// backslashes, and a file name whose extension includes its leading dot. Its forms:
 //   rooted:          it begins with two backslashes, or with an ASCII letter and ":"
 //   drive root:      it is exactly a letter and ":", or \\?\ and a letter and ":"
-//   normalized:      it begins with \\?\ and is no drive root; it passes the length limit of plain paths
+//   normalized:      it begins with \\?\ and is no drive root; it may exceed the length limit of plain paths
 //   normalized UNC:  it begins with \\?\UNC\ as it stands
 //
-// Every function is safe from any thread and takes no lock. None gives a system error: queries answer false, true or
-// an empty text as told at each. ORLHostPath.h leads from paths of the host's own system to these and back.
+// Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
+// text, as documented. ORLHostPath.h converts paths of the host's own system to these and back.
 #pragma once
 
 #include <ORLConfig.h>
@@ -20,58 +20,59 @@ namespace PathUtils {
 
 /// One backslash.
 extern ORL_API const UTF16String kPathSeparator;
-/// ".", with which an extension begins.
+/// ".", the first character of an extension.
 extern ORL_API const UTF16String kExtension;
-/// The nine characters that a file name may not hold, with a blank between each two: for showing to a user.
+/// The nine characters that a file name must not contain, separated by blanks, to show to a user.
 extern ORL_API const UTF16String kIllegalFilenameCharactersDisplay;
 
-// Text alone. The functions whose argument is called inFullPath fire the input contract for an empty path.
+// Text only. Functions with a parameter called inFullPath fire an input contract for an empty path.
 
-/// A copy of kPathSeparator.
+/// Returns a copy of kPathSeparator.
 ORL_API UTF16String GetPathSeparator();
 
-/// True when the path is not empty. No character is looked at.
+/// Returns whether the path is not empty. Checks no characters.
 ORL_API bool IsValidPath(const UTF16String& inFullPath);
 
-/// False for an empty name, a name with any of \ / : * ? " < > | and a name of white space alone. Length, reserved
-/// device names, trailing dots and blanks do not matter.
+/// Returns false for an empty name, a name with any of \ / : * ? " < > | and a name of white space only. Ignores
+/// length, reserved device names, trailing dots and blanks.
 ORL_API bool IsValidFileName(const UTF16String& inName);
 
-/// Erases every illegal character. True if there was one.
+/// Erases every illegal character. Returns whether it erased any.
 ORL_API bool RemoveIllegalFileNameCharacters(UTF16String& ioName);
 
-/// Takes a path apart: the drive is the first two characters if the second is ":"; the directory ends with its last
-/// "/" or backslash; the extension begins with the last dot of the file name. Reads up to the terminator. An output
-/// may be null; each that is given is overwritten, also where it comes out empty, and may be the path itself.
+/// Splits a path. The drive is the first two characters if the second is ":". The directory ends with the last "/" or
+/// backslash. The extension begins with the last dot of the file name. Reads up to the terminator. Each output may be
+/// null or the path itself; a part that the path lacks is stored as an empty text.
 ORL_API void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* outDirectory,
                        UTF16String* outFile, UTF16String* outExtension);
 
-/// The outputs of SplitPath, one by one.
+/// Return one output of SplitPath each.
 ORL_API UTF16String GetDrivePart(const UTF16String& inFullPath);
 ORL_API UTF16String GetDirectoryPart(const UTF16String& inFullPath);
 ORL_API UTF16String GetFilePart(const UTF16String& inFullPath);
 ORL_API UTF16String GetExtensionPart(const UTF16String& inFullPath);
 
-/// File and extension together.
+/// Returns file and extension.
 ORL_API UTF16String GetFullFilePart(const UTF16String& inFullPath);
 
-/// Drive and directory together, with the trailing separator.
+/// Returns drive and directory, with the trailing separator.
 ORL_API UTF16String GetFullDirectoryPart(const UTF16String& inFullPath);
 
-/// Whether the path ends in a backslash. A slash does not count.
+/// Returns whether the path ends in a backslash. A slash does not count.
 ORL_API bool HasTrailingSlash(const UTF16String& inPath);
 
-/// The path with a backslash at its end. An empty path stays empty.
+/// Returns the path with a backslash at its end. An empty path stays empty.
 ORL_API UTF16String AddTrailingSlash(const UTF16String& inPath);
 
-/// The path without the backslash at its end. Only one is removed.
+/// Returns the path without the backslash at its end. Removes only one.
 ORL_API UTF16String RemoveTrailingSlash(const UTF16String& inPath);
 
-/// Whether the path's extension is inExtension, given with or without its dot. Case counts. False if either is empty.
+/// Returns whether the path's extension is inExtension, passed with or without its dot. Case-sensitive. Returns false
+/// if either is empty.
 ORL_API bool FileHasExtension(const UTF16String& inPath, const UTF16String& inExtension);
 
-/// The four parts joined, a ":", a trailing separator and a "." added where a part lacks it. Empty, with an
-/// assertion, when their lengths and 5 add up to more than 2048.
+/// Joins the four parts. Adds the ":" of the drive, the trailing separator of the directory and the "." of the
+/// extension if missing. If the lengths plus 5 exceed 2048, reports an assertion and returns an empty path.
 ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                              const UTF16String& inExtension);
 
@@ -79,57 +80,59 @@ ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDi
 ORL_API UTF16String MakeFullPath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                                  const UTF16String& inExtension);
 
-/// The extended form of a rooted path; any other text comes back as it is. Slashes stay and dots are not resolved.
+/// Returns the extended form of a rooted path, and any other text unchanged. Keeps slashes and does not resolve dots.
 ORL_API UTF16String ToNormalizedPath(const UTF16String& inFullPath);
 
-/// Whether the path is normalized. \\?\C: is not, \\?\C:\ is.
+/// Returns whether the path is normalized. \\?\C: is not, \\?\C:\ is.
 ORL_API bool IsNormalizedPath(const UTF16String& inFullPath);
 
 namespace Win {
 
-/// The plain form of a normalized path. Empty, with an assertion, for any other text.
+/// Returns the plain form of a normalized path. For any other text reports an assertion and returns an empty text.
 ORL_API UTF16String StripUNC(const UTF16String& inPath);
 
 } // namespace Win
 
-/// Puts the relative path from one rooted path's directory to the other's into outRelative. False, with outRelative
-/// untouched, when they have nothing in common or one is not rooted. Drives are not compared.
+/// Stores the relative path from the directory of inFrom to that of inTo. Returns false, with outRelative untouched, if
+/// they have nothing in common or one is not rooted. Drives are not compared.
 ORL_API bool ArePathsRelative(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// The second path as seen from the first, dots resolved. Empty when the first is not rooted or the result would pass
-/// 259 characters.
+/// Returns inMore relative to inBase, with dots resolved. Returns an empty path if inBase is not rooted or the result
+/// would exceed 259 characters.
 ORL_API UTF16String CombinePaths(const UTF16String& inBase, const UTF16String& inMore);
 
-// The file system. A path that is not rooted answers false everywhere.
+// The file system. Every query returns false for a path that is not rooted.
 
-/// Whether a file or a directory is there.
+/// Returns whether a file or directory exists.
 ORL_API bool ExistsOnDisk(const UTF16String& inFullPath);
 
 ORL_API bool IsDirectory(const UTF16String& inFullPath);
 
-/// Whether it is a directory with nothing in it, hidden entries counted.
+/// Returns whether the path is an empty directory. Hidden entries count.
 ORL_API bool IsDirectoryEmpty(const UTF16String& inFullPath);
 
-/// Whether the entry is hidden (on Linux: its name begins with a dot). True for a rooted path that does not exist.
+/// Returns whether the entry is hidden (on Linux: its name begins with a dot). Returns true for a rooted path that does
+/// not exist.
 ORL_API bool IsHidden(const UTF16String& inPath);
 
-/// Makes the directory with all above it where missing; inPath should end in a backslash. True when it is there.
+/// Creates the directory and its missing parents. inPath should end in a backslash. Returns whether the directory
+/// exists now.
 ORL_API bool PreparePathForWrite(const UTF16String& inPath);
 
-/// The path itself if nothing is there, else the first of name_1.ext, name_2.ext and so on that is free. The name is
-/// not reserved: two callers may get the same.
+/// Returns the path if nothing exists there, else the first unused of name_1.ext, name_2.ext and so on. The name is not
+/// reserved: two callers may get the same.
 ORL_API UTF16String MakeUniqueFilename(const UTF16String& inPath);
 
-/// The directory for temporary files, with its trailing separator. Empty, with an assertion, when it is longer than
-/// 512 characters.
+/// Returns the directory for temporary files, with its trailing separator. If it is longer than 512 characters, reports
+/// an assertion and returns an empty path.
 ORL_API UTF16String GetTempDirectory();
 
-// The shell (on Linux each name stands for itself).
+// The shell. On Linux display names equal the names.
 
-/// The shell's name of the last component of a normalized path; any other text comes back as it is.
+/// Returns the shell's display name of the last component of a normalized path, and any other text unchanged.
 ORL_API UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath);
 
-/// A normalized path in the shell's names; any other text comes back as it is.
+/// Returns a normalized path in the shell's display names, and any other text unchanged.
 ORL_API UTF16String GetDisplayStringFromPath(const UTF16String& inPath);
 
 } // namespace PathUtils

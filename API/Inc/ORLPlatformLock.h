@@ -1,10 +1,10 @@
 // Floor: Core
-// What stands inside a CriticalSection. Code outside of it uses ORLCriticalSection.h.
+// The implementation of CriticalSection. Other code uses ORLCriticalSection.h.
 #pragma once
 
 #include <ORLConfig.h>
 
-// A lock of ours is constant-initialised; the system's is not.
+// The library's own lock is constant-initialised; that of the OS is not.
 #if ORL_LOCK_IS_OURS
 #  define ORL_LOCK_CONSTEXPR constexpr
 #else
@@ -16,8 +16,8 @@
 #include <atomic>
 #include <cstdint>
 
-// The thread sanitizer follows the lock through its atomic word; told of it as a lock, it also sees the order of
-// several.
+// The thread sanitizer follows the lock through its atomic word. Annotated as a mutex, it also detects lock order
+// inversions.
 #if ORL_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #define ORL_TELL_SANITIZER(call) call
@@ -28,15 +28,15 @@
 namespace ORL {
 namespace Internal {
 
-/// A recursive lock of one word, which names the holder, and the depth beside it. The holder takes it again without a
-/// locked operation; a free lock costs one to take and one to give back. All zeros is a free lock and nothing needs
-/// an end, so one of static life works at any time, before the first constructor and after the last destructor.
+/// A recursive lock: one word that identifies the owner, and a recursion depth. Recursive locking needs no atomic
+/// read-modify-write; an uncontended lock and unlock need one each. All zeros is an unlocked lock, and the destructor
+/// does nothing, so a static lock works before the first constructor and after the last destructor.
 ///
-/// To look who holds the lock before taking it costs a third of an uncontended pair, since the look must wait for the
-/// locked operation before it. So only a lock that was taken again not long ago is looked at; another one is taken
-/// first, and the look comes when that fails.
+/// Testing for recursion before trying to lock costs a third of an uncontended pair, since the load must wait for the
+/// atomic operation before it. So only a lock that was recently locked recursively is tested first; any other is tested
+/// after an attempt to lock it has failed.
 ///
-/// The short paths stand in this header since a call into the library costs more than they do.
+/// The fast paths are inline, since a call into the library costs more than they do.
 class PlatformLock
 {
 public:
@@ -80,7 +80,7 @@ public:
             return;
         }
         ORL_TELL_SANITIZER(__tsan_mutex_pre_unlock(this, 0));
-        // From here on another thread may hold the lock, and destroy it: only its address is used after this.
+        // From here on another thread may lock and destroy the object, so only its address is used after this.
         const std::uintptr_t old = mWord.exchange(0, std::memory_order_release);
         ORL_TELL_SANITIZER(__tsan_mutex_post_unlock(this, 0));
         if ((old & kSleepers) != 0) {
@@ -89,14 +89,15 @@ public:
     }
 
 private:
-    // Set beside the holder when a thread may be asleep. Thread control blocks are aligned, so their bit 0 is free.
+    // Set in mWord, beside the owner, if a thread may be asleep. Thread control blocks are aligned, so their bit 0 is
+    // free.
     static constexpr std::uintptr_t kSleepers = 1;
 
-    // So often the lock is looked at, in vain, after its holder has taken it again.
+    // After a recursive lock: the number of times that the owner is tested first without finding recursion.
     static constexpr std::uint32_t kLooks = 8;
 
-    // The address of the thread's control block: one instruction, never 0, and no two living threads share it. A
-    // forked child keeps its thread's address, so it goes on holding what that thread held.
+    // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. A
+    // forked child keeps the address of its thread, so it still owns the locks that this thread owned.
     static std::uintptr_t ThisThread()
     {
         std::uintptr_t word;
@@ -109,13 +110,13 @@ private:
         return mWord.load(std::memory_order_relaxed) & ~kSleepers;
     }
 
-    // The sanitizer must hear of a taking before it is done, and not of one that is another turn of the holder's.
+    // The sanitizer must be notified before an acquisition, but never of a recursive one.
     bool LooksFirst() const
     {
         return ORL_THREAD_SANITIZER || mLooks.load(std::memory_order_relaxed) != 0;
     }
 
-    // Another turn, if the thread holds the lock.
+    // Locks recursively if the thread is the owner. Returns whether it did.
     bool TakeAgain(std::uintptr_t inSelf)
     {
         const std::uintptr_t holder = Holder();
@@ -144,8 +145,8 @@ private:
     bool SpinAndTake(std::uintptr_t inSelf);
 
     std::atomic<std::uintptr_t> mWord{0};
-    std::uint32_t mDepth = 0;             // how often the holder has taken it again; the holder's own
-    std::atomic<std::uint32_t> mLooks{0}; // how often it is still looked at first; a mere hint, whoever writes it
+    std::uint32_t mDepth = 0;             // recursive locks by the owner; only the owner accesses it
+    std::atomic<std::uint32_t> mLooks{0}; // remaining first tests for recursion; a hint, any thread may write it
 };
 
 } // namespace Internal
@@ -156,7 +157,7 @@ private:
 namespace ORL {
 namespace Internal {
 
-/// The system's own recursive lock, whose type stays out of this header.
+/// The recursive lock of the OS. This header does not need its type.
 class ORL_API PlatformLock
 {
 public:

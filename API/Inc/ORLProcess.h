@@ -13,7 +13,7 @@ namespace Process {
 
 namespace ProcessSearchFlags {
 
-/// How the name of a process is matched, unit by unit: case matters. Any other value matches nothing.
+/// How the name of a process is compared, unit by unit and case-sensitively. Any other value matches nothing.
 enum Type : int {
     kExactMatch = 0, ///< equals the text
     kStartsWith = 1, ///< begins with the text; an empty text matches every name
@@ -24,13 +24,14 @@ enum Type : int {
 } // namespace ProcessSearchFlags
 
 /// Returns whether one of the first 1024 processes that the system lists has an executable of that name. The name is
-/// that of the file without its folder, extension included. Processes that this user may not look at are passed over.
+/// that of the file without its folder, extension included. Processes that this user has no permission to query are
+/// skipped.
 ///
-/// On Windows each true answer keeps one handle, to the process found, open until this process ends.
-/// On Linux processes are listed by ascending identifier, this user's view of /proc. The name is that of the file that
-/// the exe link names, as library paths hold it, also after the file was deleted. Where the link may not be read, it is
-/// taken from the first word of the command line, less a folder, a login shell's "-", and the text after ": " of a
-/// process that writes its state there. Kernel threads have no name.
+/// On Windows each call that returns true leaks one handle to the process found, until this process exits.
+/// On Linux: processes are listed from /proc as this user sees it, by ascending identifier. The name is that of the
+///           file that the exe link points to, as a library path, even if the file was deleted. If the link is not
+///           readable, the name is the first word of the command line without its folder, a login shell's "-", and text
+///           after ": ", which some processes use for their state. Kernel threads have no name.
 ORL_API bool IsProcessRunning(const UTF16String& inName, ProcessSearchFlags::Type inFlags);
 
 /// Does nothing and returns false.

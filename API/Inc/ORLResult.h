@@ -1,5 +1,5 @@
 // Floor: Core
-// The codes by which the library reports failures that a caller is expected to handle.
+// Codes for failures that a caller is expected to handle.
 #pragma once
 
 #include <ORLConfig.h>
@@ -8,8 +8,8 @@
 
 namespace ORL {
 
-/// 32-bit signed code, negative for failure. Bit 31 failure, bit 29 set in every non-zero code of this library,
-/// bits 16 to 27 the facility (0x00A object model, 0x00F foundation), bits 0 to 15 the code, counted from 1.
+/// 32-bit signed code, negative for failure. Bit 31: failure. Bit 29: set in every non-zero code of this library. Bits
+/// 16 to 27: the facility (0x00A object model, 0x00F foundation). Bits 0 to 15: the code, counted from 1.
 using Result = std::int32_t;
 
 inline constexpr Result kSuccess = 0;
@@ -36,7 +36,7 @@ inline constexpr Result kSharingViolation = static_cast<Result>(0xA00F0009u);
 inline constexpr Result kAlreadyExists = static_cast<Result>(0xA00F000Au);
 inline constexpr Result kWaitFailed = static_cast<Result>(0xA00F000Bu);
 
-/// True when nothing failed; informational codes count as success.
+/// Returns whether the code is not a failure. Informational codes count as success.
 constexpr bool ResultSucceeded(Result inResult) noexcept
 {
     return inResult >= 0;
@@ -44,8 +44,8 @@ constexpr bool ResultSucceeded(Result inResult) noexcept
 
 namespace Win {
 
-/// The code for a system error number of the home platform. Ask only after a failure: 0 and every number without a
-/// code of its own give kGeneralFailure.
+/// Returns the code for a system error number of the home platform. Call it only after a failure: 0 and every number
+/// without its own code return kGeneralFailure.
 ORL_API Result SystemErrorToORLResult(unsigned long inSystemError);
 
 } // namespace Win

@@ -1,5 +1,5 @@
 // Floor: Objects
-// Locks for any number of shared objects, out of a fixed pool.
+// A fixed pool of locks for any number of shared objects.
 #pragma once
 
 #include <ORLConfig.h>
@@ -7,15 +7,19 @@
 
 namespace ORL {
 
-/// Hands out 64 locks in rotation. An object keeps the lock it was given for life, and many objects share each: holding
-/// two of them at once may be holding one twice, which their being recursive allows, and has no order.
+/// Hands out 64 recursive locks in rotation. An object keeps its lock for life, and many objects share each lock. Two
+/// objects may have the same lock, and locking two objects follows no lock order.
+///
+/// Owner:    the library owns the locks.
+/// Threads:  thread-safe.
+/// Failure:  nothing here throws.
 class ORL_API SharedObjectBase
 {
 public:
-    /// The next lock. It lives as long as the library. Safe from any thread.
+    /// Returns the next lock, which lives as long as the library. Thread-safe.
     static CriticalSection& GetCriticalSection();
 
-    /// What an object remembers of its lock.
+    /// A reference to an object's lock.
     class TagBase
     {
     public:

@@ -8,13 +8,14 @@
 
 namespace ORL {
 
-/// One multi-threaded and one single-threaded queue for each priority, made when they are first asked for and stopped when
-/// the library stops.
+/// One multi-threaded and one single-threaded queue for each priority, created on first request and stopped when the
+/// library stops.
 ///
-/// Threads:  every operation may be called from any thread. A lock is held while a queue is made and over the whole of
-///           Shutdown, which waits for the queues' threads: a request must not use this class while Shutdown can run.
-/// Failure:  a missing queue is a null reference. Exceptions of ThreadedWorkQueue::Initialize pass through; the queue is
-///           then not kept.
+/// Owner:    the library owns the instance; queues are reference-counted.
+/// Threads:  thread-safe. Holds a lock while it creates a queue and during all of Shutdown, which waits for the queues'
+///           threads: a request must not use this class while Shutdown can run.
+/// Failure:  a missing queue is a null reference. Exceptions of ThreadedWorkQueue::Initialize propagate; the queue is
+///           then discarded.
 class ORL_API SharedThreadedWorkQueue
 {
 public:
@@ -23,20 +24,21 @@ public:
     SharedThreadedWorkQueue(const SharedThreadedWorkQueue&) = delete;
     SharedThreadedWorkQueue& operator=(const SharedThreadedWorkQueue&) = delete;
 
-    /// The process's instance, made if there is none. Lock-free. It is the library's own and lives until Shutdown.
+    /// Returns the instance of the process; creates it if there is none. Lock-free. The library owns it, until
+    /// Shutdown.
     static SharedThreadedWorkQueue* Instance();
 
-    /// The multi-threaded queue of a priority; null when there is none yet. A number outside 0 to 5 is a key of its own,
-    /// and its queue runs at priority 3.
+    /// Returns the multi-threaded queue of a priority, or null if it does not exist yet. A number outside 0 to 5 is a
+    /// separate key, whose queue runs at priority 3.
     QueueRef Retrieve(ThreadPriorities::Type inPriority);
     QueueRef RetrieveOrCreate(ThreadPriorities::Type inPriority);
 
-    /// The single-threaded queue of a priority.
+    /// Returns the single-threaded queue of a priority.
     QueueRef RetrieveSingleThreaded(ThreadPriorities::Type inPriority);
     QueueRef RetrieveOrCreateSingleThreaded(ThreadPriorities::Type inPriority);
 
-    /// Stops every queue, the multi-threaded ones first, and destroys the instance; a later Instance makes a new one. A
-    /// reference that a client holds stays valid, to a stopped queue.
+    /// Stops every queue, the multi-threaded ones first, and destroys the instance; a later Instance creates a new one.
+    /// References that clients hold stay valid and refer to stopped queues.
     static void Shutdown();
 
 private:

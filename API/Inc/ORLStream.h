@@ -1,5 +1,5 @@
 // Floor: Strings
-// The standard streams of the process, a way to redirect a stream, and narrow text on 16-bit streams.
+// The standard streams of the process, redirecting a stream, and narrow text on 16-bit streams.
 #pragma once
 
 #include <ORLConfig.h>
@@ -19,15 +19,15 @@ ORL_API extern std::basic_ostream<char>& Out;
 ORL_API extern std::basic_ostream<char>& Log;
 ORL_API extern std::basic_ostream<char>& Err;
 
-/// Gives the stream a new buffer as if it were made anew with it: flags, width, precision, fill, locale, exceptions,
-/// error state, tied stream, callbacks and stored words are those of a new stream. Returns the buffer that it had;
-/// the caller owns both. No other thread may use the stream meanwhile.
+/// Replaces the stream's buffer and resets the stream to the state of a new one: flags, width, precision, fill, locale,
+/// exceptions, error state, tied stream, callbacks and stored words. Returns the previous buffer; the caller owns both.
+/// Not thread-safe: no other thread may use the stream meanwhile.
 ORL_API std::basic_streambuf<char>* SetStreamBuffer(std::basic_ostream<char>& ioStream,
                                                     std::basic_streambuf<char>* inBuffer);
 ORL_API std::basic_streambuf<unsigned short>* SetStreamBuffer(std::basic_ostream<unsigned short>& ioStream,
                                                               std::basic_streambuf<unsigned short>* inBuffer);
 
-/// Writes UTF-8 text as the 16-bit text it stands for, with the stream's width and fill. A zero byte ends the text.
+/// Converts UTF-8 text to UTF-16 and writes it with the stream's width and fill. A zero byte ends the text.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const char* inText);
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,

@@ -1,17 +1,17 @@
 // Floor: System
-// Conversions between 16-bit text and narrow text in a code page of the home platform, as its older files and functions
-// use it. Everywhere else narrow text is UTF-8: see ORLString.h. The two must not be mixed.
+// Conversions between 16-bit text and narrow text in a code page of the home platform, for its older files and
+// functions. Everywhere else narrow text is UTF-8: see ORLString.h. The two must not be mixed.
 //
 // The code page follows the language of the process (ORLHostSettings.h): 932 for Japanese, 949 for Korean, and the
-// system's default page for all others. The answers are those of the home platform on every platform, to the byte:
-// - A character that the page lacks becomes the one that the home platform considers the best fit, else "?". Each half
-//   of a surrogate pair becomes one "?".
-// - A byte or a pair of bytes without a meaning becomes the page's default character: U+30FB in 932, "?" in all others.
+// system's default page for all others. Results are byte for byte those of the home platform on every platform:
+// - A character that the page lacks is replaced by the home platform's best fit, else by "?". Each half of a surrogate
+//   pair becomes one "?".
+// - A byte or a pair of bytes without a mapping becomes the page's default character: U+30FB in 932, "?" elsewhere.
 // - An empty text stays empty.
 //
-// Text that the system cannot convert at all (longer than 2^31 - 1 bytes or units, or a page that it lacks) gives an
-// empty text, after an assertion. No function reports a failure. Each throws std::bad_alloc if memory is out, and
-// std::length_error if the result is too long for its string.
+// If the system cannot convert a text (it is longer than 2^31 - 1 bytes or units, or the system lacks the page), an
+// assertion fires and the result is empty. No function reports a failure. Each throws std::bad_alloc if out of memory,
+// and std::length_error if the result is too long for its string.
 //
 // Thread-safe.
 #pragma once
@@ -42,24 +42,23 @@ ORL_API std::string ToMultiByte(const std::string& inText);
 ORL_API UTF16String CodePageMultiByteToUnicode16(const std::string& inText);
 ORL_API std::string Unicode16ToCodePageMultiByte(const UTF16String& inText);
 
-/// Removes "0" characters from the end while more than two units are left. Knows nothing of decimal points: "1.500"
-/// becomes "1.5", "2.000" becomes "2.", and "1000" becomes "10".
+/// Removes "0" characters from the end while more than two units are left. Ignores decimal points: "1.500" becomes
+/// "1.5", "2.000" becomes "2.", and "1000" becomes "10".
 ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 
 /// Returns the number of the system's default code page.
 ///
-/// On Linux that is the page of a home machine with the user's locale: the language in LC_ALL, LC_CTYPE or LANG (the
-/// first that is not empty) decides, whatever encoding stands behind it. ru_RU.UTF-8 is 1251, ja_JP is 932; a locale
-/// that names no language is 1252. The environment is read once.
+/// On Linux that is the page of a home machine with the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
+/// first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale without
+/// a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
-/// These functions exist in the Linux library alone; a host that runs on both platforms calls them from its Linux
-/// sources.
+/// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.
 namespace Linux {
 
-/// Sets the default code page of this process, for conversions that begin after it; 0 goes back to the one of the
-/// user's locale. Hosts do this at start. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258; any other is
-/// refused with kGeneralFailure, and nothing changes.
+/// Sets the default code page of this process, for conversions that begin later; 0 restores the one of the user's
+/// locale. Hosts call it at start. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258. Returns kGeneralFailure
+/// and changes nothing for any other page.
 ORL_API Result SetDefaultCodePage(unsigned int inCodePage);
 
 } // namespace Linux

@@ -1,7 +1,7 @@
 // Floor: System
-// What the machine has and how busy it is.
+// The machine's resources and its load.
 //
-// Every function is thread-safe. None of them throws or returns an error: what the system does not tell is 0 or false.
+// Thread-safe. Never throws and never returns an error: a value that the system does not report is 0 or false.
 #pragma once
 
 #include <ORLConfig.h>
@@ -11,35 +11,35 @@
 namespace ORL {
 namespace SystemInfo {
 
-/// Number of logical processors that this process may run on now, at least 1.
+/// Returns the number of logical processors that this process may run on now, at least 1.
 ORL_API unsigned int GetCPUCount();
 
-/// Physical memory of the machine, in bytes.
+/// Returns the physical memory of the machine, in bytes.
 ORL_API unsigned __int64 GetTotalPhysicalMemory();
 
-/// Physical memory that is free to be used now, in bytes. On Linux MemAvailable of /proc/meminfo: free memory and the
+/// Returns the physical memory available now, in bytes. On Linux this is MemAvailable of /proc/meminfo: free memory and
 /// caches that the kernel can drop.
 ORL_API unsigned __int64 GetAvailablePhysicalMemory();
 
-/// Size of the address space that this process may use, in bytes. On Linux a lower RLIMIT_AS counts.
+/// Returns the size of this process's address space, in bytes. On Linux a lower RLIMIT_AS limits it.
 ORL_API unsigned __int64 GetTotalVirtualMemory();
 
-/// The load of all processors of the machine together since the previous call in this process, in whole percents from
-/// 0 to 100. The first call returns 0, and so does one that comes before the system's clock has moved on.
+/// Returns the load of all processors of the machine together since the previous call in this process, in whole
+/// percents from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
 ///
-/// On Linux the load is made from the first line of /proc/stat, whose unit is commonly 10 ms: all time but idle and
-/// input/output wait, rounded down. A container's share of the processors does not change what is measured.
-/// If the system has no such counter, an assertion is reported and the load is 0.
+/// On Linux the load is computed from the first line of /proc/stat, usually in units of 10 ms: all time except idle and
+/// input/output wait, rounded down. A container's CPU limit does not affect it. If the system has no such counter, an
+/// assertion is reported and the load is 0.
 ORL_API float GetSystemLoad();
 
-/// Whether the time stamp counter can be read by this process.
+/// Returns whether this process can read the time stamp counter.
 ORL_API bool ProcessorSupportsRDTSCInstruction();
 
-/// Always false.
+/// Always returns false.
 ORL_API bool ProcessorSupportsAltivec();
 
-// Instruction sets that every supported machine is known to have. The processor is not asked: a machine with more
-// returns false for the later ones all the same.
+// Fixed answers: they state the instruction sets that every supported machine has. The processor is not queried, so the
+// later sets are false even if it has them.
 ORL_API bool ProcessorSupportsMMX();     // true
 ORL_API bool ProcessorSupportsSSE();     // true
 ORL_API bool ProcessorSupportsSSE2();    // true

@@ -1,5 +1,5 @@
 // Floor: Core
-// The bridge from raised errors (level, package, identifier) to exceptions and trace lines.
+// Converts raised errors (level, package, identifier) to exceptions and trace lines.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,22 +10,22 @@
 
 namespace ORL {
 
-/// An error that was raised through tvxcore::config::ThrowError. It allocates nothing.
+/// An error raised through tvxcore::config::ThrowError. Allocates nothing. Not thread-safe: see what().
 class ORL_API TVXException : public Exception
 {
 public:
-    /// inZString ("$$$/" key "=" default text) and the four values must outlive the exception and its copies: it keeps
-    /// their addresses.
+    /// Stores the addresses of inZString ("$$$/" key "=" default text) and the four values, which must outlive the
+    /// exception and its copies.
     TVXException(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID,
                  const tvxcore::config::ReplacementValue& inFirst, const tvxcore::config::ReplacementValue& inSecond,
                  const tvxcore::config::ReplacementValue& inThird, const tvxcore::config::ReplacementValue& inFourth);
     ~TVXException() override;
 
-    /// The default text of the ZString in quotes, then the three numbers:
+    /// Returns the default text of the ZString in quotes, then the three numbers:
     ///   "An input contract violation has occurred!" [ID 25, Package 105, Level 0]
-    /// A ZString without a text, or one of 200 characters and more, shows a fixed text instead. Parameters of the text
-    /// are shown as they stand. The message is built anew in the exception's own buffer on each call, so two threads
-    /// must not ask one object at once.
+    /// A fixed text replaces a ZString without a text, or of 200 characters and more. Parameters of the text are not
+    /// filled in. Each call rebuilds the message in the exception's buffer, so two threads must not call it on one
+    /// object at the same time.
     const char* what() const noexcept override;
 
 private:
@@ -37,26 +37,29 @@ private:
     mutable char mMessage[256];
 };
 
-/// The error manager for hosts: errors leave as TVXException, warnings become a line of the trace. A host makes one and
-/// installs it with tvxcore::config::InstallErrorManager; the library makes none. Safe from any thread.
+/// The error manager for hosts: it throws errors as TVXException and writes warnings to the trace.
+///
+/// Owner:    the host creates one and installs it with tvxcore::config::InstallErrorManager; the library creates none.
+/// Threads:  thread-safe.
+/// Failure:  ThrowError throws TVXException and std::bad_alloc.
 class ORL_API TVXErrorManager : public tvxcore::config::ErrorManager
 {
 public:
     TVXErrorManager();
     ~TVXErrorManager() override;
 
-    /// Level 1 is a warning: it is traced under "ORLFoundation::TVXErrorManager" at level 1, and swallowed. Every other
-    /// level throws TVXException.
+    /// Level 1 is a warning: it is traced under "ORLFoundation::TVXErrorManager" at level 1, and the call returns.
+    /// Every other level throws TVXException.
     void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID,
                     bool, const tvxcore::config::ReplacementValue& inFirst,
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
                     const tvxcore::config::ReplacementValue& inFourth) const override;
 
-    /// Runs the function and gives its answer. An exception does not leave: the user is alerted, and the answer is 1 if
-    /// the user asked to debug (after a breakpoint trap where a debugger is attached), else 0, as of a function that
-    /// answered 0. A user who never wants to hear of it again is not asked again, for as long as the process lives:
-    /// once for all std::exceptions, once for all other exceptions. An empty function counts as one that threw
-    /// boost::bad_function_call.
+    /// Runs the function and returns its result. Exceptions do not propagate: the user is alerted, and the result is 1
+    /// if the user chose to debug (after a breakpoint trap if a debugger is attached), else 0, which a function may
+    /// return too. If the user chooses to ignore the alert for good, it is not shown again in this process: this is
+    /// stored once for all std::exceptions and once for all other exceptions. An empty function is treated as one that
+    /// threw boost::bad_function_call.
     long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction) override;
 };
 

@@ -1,5 +1,5 @@
 // Floor: Threads
-// Which thread is this, whose is it, and is it the main one.
+// Name and module of the current thread, and whether it is the main thread.
 #pragma once
 
 #include <ORLConfig.h>
@@ -8,7 +8,7 @@
 namespace ORL {
 namespace ThreadManager {
 
-/// What is known of one thread. A record never changes.
+/// The record of one thread. Immutable, so thread-safe. The library owns the records that the functions below create.
 class ORL_API ThreadInfo
 {
 public:
@@ -18,7 +18,7 @@ public:
     ThreadInfo(const ThreadInfo&) = delete;
     ThreadInfo& operator=(const ThreadInfo&) = delete;
 
-    /// Copies of the handles.
+    /// Return copies of the handles.
     ConstString GetThreadName() const;
     ConstString GetCurrentModule() const;
 
@@ -28,30 +28,30 @@ private:
     [[maybe_unused]] bool mIsMainThread; // part of the record
 };
 
-/// Makes the calling thread the main thread, once and for the life of the process, and opens the thread records.
-/// Part of the start of the library, under its lock. A call while the records are open is reported, and then gives the
-/// calling thread the main record; the earlier one stays alive for the thread that has it, and is leaked.
-/// On Linux the thread that the process began with keeps its name in the system's list: that is the process's own.
+/// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called by the
+/// start of the library, under its lock. A call while records are enabled is reported, and then gives the calling
+/// thread a new main record; the earlier one stays valid for its thread, and is leaked. On Linux the initial thread of
+/// the process keeps its name in the system's list, since that is the name of the process.
 ORL_API void RegisterMainThread();
 
-/// Deletes the main thread's record and closes the thread records. To be called on the main thread, which stays the
-/// main thread. Part of the stop of the library, under its lock.
+/// Deletes the main thread's record and disables thread records. Call it on the main thread, which stays the main
+/// thread. Called by the stop of the library, under its lock.
 ORL_API void UnregisterMainThread();
 
-/// Gives the calling thread a record and hands its name to a debugger and to the system's tools. Both names must be
-/// given, and the library must be started. A thread that registers twice leaks its first record. The record is the
-/// thread's own: it calls UnregisterThread as its last act.
+/// Creates a record for the calling thread and passes its name to a debugger and the system's tools. Neither name may
+/// be empty, and the library must be started. A thread that registers twice leaks its first record. Each registered
+/// thread must call UnregisterThread before it ends.
 ORL_API void RegisterThread(ConstString& inThreadName, ConstString& inCurrentModule);
 
-/// Deletes the calling thread's record. The thread must not ask for its record afterwards.
+/// Deletes the calling thread's record. The thread must not query its record afterwards.
 ORL_API void UnregisterThread();
 
-/// The calling thread's record, or one named "Unnamed Thread" of "Unnamed Module" where it has none. Never null, and
-/// valid at any time. The record lives until the thread unregisters.
+/// Returns the calling thread's record. A thread without one gets a record named "Unnamed Thread" of "Unnamed Module".
+/// Never null. May be called at any time. The record is valid until the thread unregisters.
 ORL_API ThreadInfo* GetCurrentThreadInfo();
 
-/// True on the thread that was first registered as the main one, also after it was unregistered. Valid at any time;
-/// false on every thread before the first registration.
+/// Returns whether this thread was first registered as the main thread, even after it was unregistered. May be called
+/// at any time. Returns false on every thread before the first registration.
 ORL_API bool CurrentThreadIsMainThread();
 
 } // namespace ThreadManager

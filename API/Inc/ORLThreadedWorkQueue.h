@@ -1,5 +1,5 @@
 // Floor: Threads
-// Work that runs on threads in the background.
+// Work on background threads.
 //
 //   class Scan : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
 //   {
@@ -19,9 +19,9 @@
 
 namespace ORL {
 
-/// How urgent a queue's threads are, from 0 to 5. Each number is the thread priority of the same number; every number
-/// outside counts as 3, the process's own. On Linux a user who may not raise a thread above the process gets 3 for 4 and 5, and
-/// the threads of a queue that is made on a thread of lower priority stay at that one's.
+/// The priority of a queue's threads, from 0 to 5; each is the thread priority of the same number. Any other number is
+/// treated as 3, the process's own priority. On Linux, for a user without the right to raise priorities, 4 and 5 are 3,
+/// and queues created on a thread of lower priority keep that priority.
 struct ThreadPriorities
 {
     using Type = int;
@@ -31,28 +31,27 @@ struct ThreadPriorities
     static constexpr Type kHighest = 5;
 };
 
-/// A piece of work.
+/// A unit of work. Clients and the queue share it by counted references.
 class ORL_API IThreadedQueueRequest : public ORLUnknown
 {
 public:
     static constexpr Guid kInterfaceID = kInterfaceID_IThreadedQueueRequest;
 
-    /// Does the work, on a thread of the queue. An exception that leaves it is reported as a warning to the error
-    /// manager; the thread goes on with the next request.
+    /// Does the work, on a thread of the queue. An exception is reported to the error manager as a warning; the thread
+    /// continues with the next request.
     virtual void Process() = 0;
 };
 
-/// Runs requests on threads of its own, started in the order in which they were queued, and one idle process beside
-/// them. Clients hold it by InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
+/// Runs requests on its own threads, started in the order in which they were queued, and one periodic idle process.
 ///
-/// Created: without threads until Initialize. Running: until Stop. Stopped: for good; requests are refused.
-/// A queue that is destroyed while it runs reports an assertion, and then ends as if it had been stopped; so does a
-/// queue that is stopped twice.
-///
-/// Threads:  Initialize must be finished before a second thread uses the queue, and Stop must not run beside it. All
-///           else may be called from any thread, the queue's own included.
-/// Failure:  misuse is reported by assertions and contract checks; there are no results beyond true and false.
-///           std::bad_alloc may leave QueueRequest and SetIdleProcess, and then nothing has changed.
+/// State:    created (no threads) until Initialize; running until Stop; then stopped for good, when requests are
+///           refused. Destroying a running queue, or stopping a queue twice, reports an assertion and then acts like
+///           Stop.
+/// Owner:    counted references. Clients hold it by InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
+/// Threads:  thread-safe, the queue's own threads included, with two exceptions: Initialize must finish before a second
+///           thread uses the queue, and Stop must not run at the same time as Initialize.
+/// Failure:  misuse is reported by assertions and contract checks; results are only true and false. QueueRequest and
+///           SetIdleProcess may throw std::bad_alloc, and then change nothing.
 class ORL_API ThreadedWorkQueue : public UnknownImpl<ORLUnknown, ThreadedWorkQueue>
 {
 public:
@@ -65,30 +64,28 @@ public:
     ThreadedWorkQueue(const ThreadedWorkQueue&) = delete;
     ThreadedWorkQueue& operator=(const ThreadedWorkQueue&) = delete;
 
-    /// Starts the threads, which are named "module: thread". Both names must be given.
-    /// Policy: -1 for as many threads as suit the machine, two at least; 0 for one thread; above 0 for that many. Any
-    /// other policy is reported and gives one thread.
-    /// A second call replaces the threads: the old ones run what was queued to them, then end.
-    /// True when done. Throws boost::thread_resource_error when the system refuses a thread.
+    /// Starts the threads, which are named "module: thread". Neither name may be empty. Policy -1 starts as many
+    /// threads as suit the machine, at least two; 0 starts one thread; a number above 0 starts that many. Any other
+    /// policy is reported and starts one thread.
+    /// A second call replaces the threads: the old ones run the requests queued to them, then end. Returns true. Throws
+    /// boost::thread_resource_error if the system cannot start a thread.
     bool Initialize(ThreadPriorities::Type inPriority, int inThreadAllocationPolicy, ConstString inThreadName,
                     ConstString inModuleName);
 
-    /// Hands a request to the threads, which keep a count of it until Process has returned. True: it will run once.
-    /// False: the queue has no threads, or has been stopped.
+    /// Queues a request. The threads hold a reference to it until Process has returned. Returns true if the request
+    /// will run once, false if the queue has no threads or has been stopped.
     bool QueueRequest(Request inRequest);
 
-    /// Runs a request again and again, inInterval milliseconds apart, in its turn among the others, in place of the
-    /// idle process before. False, and nothing changes, for a null request, an interval below 1, or a queue without
-    /// threads.
-    /// The idle process before is ended inside: when it is running, this waits for it. So neither it nor a lock that it
-    /// takes may wait for the caller.
+    /// Replaces the idle process: runs a request repeatedly, inInterval milliseconds apart, in turn with the others.
+    /// Returns false and changes nothing for a null request, an interval below 1, or a queue without threads. If the
+    /// previous idle process is running, waits for it. So neither that process nor a lock that it acquires may wait for
+    /// the caller.
     bool SetIdleProcess(Request inRequest, int inInterval);
 
-    /// Ends the idle process, if there is one, and waits while it is running; on the thread that runs it, it does not
-    /// wait.
+    /// Stops the idle process, if there is one. Waits while it is running, except on the thread that runs it.
     void ClearIdleProcess();
 
-    /// Holds back the start of further requests, until Resume or Stop. One Resume ends any number of pauses.
+    /// Delays the start of further requests until Resume or Stop. One Resume ends any number of pauses.
     void Pause();
     void Resume();
 
@@ -97,11 +94,11 @@ public:
 
     bool CurrentThreadIsQueueThread();
 
-    /// 0 before Initialize.
+    /// Returns 0 before Initialize.
     unsigned int GetNumberOfThreads();
 
-    /// Refuses further requests, runs those that are queued, and returns when the threads have ended. On a thread of
-    /// the queue it returns at once.
+    /// Refuses further requests, runs the queued ones, and returns when the threads have ended. On a thread of the
+    /// queue it returns at once.
     void Stop();
 
 private:

@@ -1,5 +1,5 @@
 // Floor: Threads
-// Waiting until a work queue has finished everything that was queued before.
+// Waits until a work queue has finished all requests queued before.
 //
 //   ORL::InterfaceRef<ORL::ThreadedWorkQueueFlush, ORL::ORLUnknown> flush(new ORL::ThreadedWorkQueueFlush);
 //   flush->Init(queue);
@@ -22,15 +22,15 @@ template <class Policy>
 class WorkQueueFlushAlgorithm;
 } // namespace Sync
 
-/// Queues one copy of itself for each thread of the queue; each copy holds its thread until all have arrived. All threads
-/// of the queue are held meanwhile, and what is queued after waits.
+/// Queues one item for each thread of the queue; each item blocks its thread until all have arrived. Meanwhile no
+/// thread of the queue runs other requests.
 ///
-/// Owner:    a caller holds a counted reference for as long as it uses the object: the queued copies are references too,
-///           and the last one to go deletes it.
+/// Owner:    counted references. A caller must hold one while it uses the object: the queued items are references too,
+///           and the last release deletes the object.
 /// Threads:  any number of threads may call Flush on one object; they are served one after the other. Two objects that
-///           flush one queue at the same time may wait for each other for ever: use one object for each queue.
-/// Time:     every wait is endless. The queue must not be paused.
-/// Failure:  misuse is reported by assertions, and Flush then returns without having waited; it has no result.
+///           flush one queue at the same time may deadlock: use one object for each queue.
+/// Time:     every wait is unlimited. The queue must not be paused.
+/// Failure:  misuse is reported by assertions, and Flush then returns without waiting; it has no result.
 class ORL_API ThreadedWorkQueueFlush
     : public UnknownImpl<IThreadedQueueRequest, ThreadedWorkQueueFlush, IThreadedQueueRequest>
 {
@@ -42,13 +42,13 @@ public:
     ThreadedWorkQueueFlush(const ThreadedWorkQueueFlush&) = delete;
     ThreadedWorkQueueFlush& operator=(const ThreadedWorkQueueFlush&) = delete;
 
-    /// The queue to flush, in place of any earlier one. A null reference is reported by Flush. Not while Flush runs.
+    /// Sets the queue to flush. Flush reports a null reference. Must not be called while Flush runs.
     void Init(InterfaceRef<ThreadedWorkQueue, ORLUnknown> inQueue);
 
-    /// Returns when everything queued before has finished. Not to be called on a thread of the queue.
+    /// Blocks until all requests queued before have finished. Must not be called on a thread of the queue.
     void Flush();
 
-    /// The rendezvous, run by the queue's threads alone.
+    /// The rendezvous. Only the queue's threads call it.
     void Process() override;
 
 private:
@@ -59,8 +59,8 @@ private:
     void MakeUpForMissingItems(unsigned int inCount);
 
     InterfaceRef<ThreadedWorkQueue, ORLUnknown> mQueue;
-    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush has claimed the object
-    WaitableGate mArrivalGate;     // closed while items gather
+    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush uses the object
+    WaitableGate mArrivalGate;     // closed until all items have arrived
     std::uint32_t mDeparturesLeft; // items that have not left Process
     WaitableGate mDepartureGate;   // opens when the last one has left
 };

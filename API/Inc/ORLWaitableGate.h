@@ -1,5 +1,5 @@
 // Floor: Threads
-// Gates: doors that threads wait at, and the pool that lends them.
+// Gates that threads wait at, and a pool of gates.
 #pragma once
 
 #include <ORLConfig.h>
@@ -19,15 +19,15 @@ template <class Policy>
 class WaitableGateAlgorithm;
 } // namespace Sync
 
-/// A door that threads wait at. It starts closed, and may be opened and closed again.
+/// A gate that threads wait at. It starts closed, and may be opened and closed again.
 ///
-/// Opening releases every thread then asleep here, even if the gate is closed at once.
-/// Owner:    whoever made it; one lent by the pool goes back there, and goes back open. Destroying a gate opens it
-///           first; nobody may come to it any more by then.
-/// Threads:  every operation may be called from any thread; mMutex is a leaf lock.
-/// Time:     milliseconds; -1 waits for ever, 0 only asks; any other negative time has already run out.
-/// Failure:  kWaitTimeout is an answer, not an error. What boost::mutex and boost::condition_variable throw passes
-///           through, thread interruption included.
+/// Opening releases every thread that sleeps at the gate, even if the gate is closed at once.
+/// Owner:    the creator. A gate of the pool is returned to the pool, open. Destroying a gate opens it first; no thread
+///           may start to wait on it by then.
+/// Threads:  thread-safe. mMutex is a leaf lock.
+/// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time has already run out.
+/// Failure:  kWaitTimeout is a result, not an error. Exceptions of boost::mutex and boost::condition_variable
+///           propagate, thread interruption included.
 /// Example:
 ///   gate->Open();
 ///   ...
@@ -41,18 +41,18 @@ public:
     WaitableGate(const WaitableGate&) = delete;
     WaitableGate& operator=(const WaitableGate&) = delete;
 
-    /// kSuccess: the gate is open, or was opened while this thread slept at it. kWaitTimeout: the time ran out.
-    /// The time limit counts for each sleep: a wake-up that no opening caused starts it anew.
-    /// An open gate and a time of 0 take no lock.
+    /// Returns kSuccess if the gate is open, or was opened while this thread slept; kWaitTimeout if the time ran out.
+    /// The time limit applies to each sleep: a spurious wake-up restarts it. Takes no lock if the gate is open or the
+    /// time is 0.
     Result Wait(int inMilliseconds);
 
-    /// Opens the gate and releases everyone waiting at it. Nothing happens at an open gate.
+    /// Opens the gate and releases all waiters. Does nothing if the gate is open.
     void Open();
 
-    /// Closes the gate for those who come later. Takes no lock; nothing happens at a closed gate.
+    /// Closes the gate for later callers of Wait. Takes no lock; does nothing if the gate is closed.
     void Close();
 
-    // Gates come from the small block allocator, and so throw std::bad_alloc when memory is out.
+    // The small block allocator allocates gates. Throws std::bad_alloc.
     static void* operator new(std::size_t inSize);
     static void operator delete(void* inGate, std::size_t inSize);
 
@@ -60,23 +60,26 @@ private:
     template <class Policy>
     friend class Sync::WaitableGateAlgorithm;
 
-    std::atomic<bool> mIsOpen; // changed and read by compare-and-set alone
-    boost::mutex mMutex;       // guards what follows
+    std::atomic<bool> mIsOpen; // changed and read only by compare-and-set
+    boost::mutex mMutex;       // guards the fields below
     boost::condition_variable mCondition;
-    std::uint32_t mGeneration;  // raised by each opening that finds waiters
+    std::uint32_t mGeneration;  // incremented by each opening that finds waiters
     std::int32_t mWaiterCount;  // threads in the sleeping part of Wait
 };
 
-/// A process-wide stack of closed gates, so that a short wait need not build a mutex and a condition variable.
-/// Both functions may be called from any thread, and neither ever waits for a gate to come back.
+/// A process-wide stack of closed gates, so that a short wait need not construct a mutex and a condition variable.
+///
+/// Owner:    the caller owns a retrieved gate until it returns it.
+/// Threads:  thread-safe. Neither function waits for another gate to be returned.
+/// Failure:  RetrieveGate throws std::bad_alloc.
 namespace WaitableGatePool {
 
-/// A closed gate that belongs to the caller, the one most recently returned if there is any.
-/// Throws std::bad_alloc when memory is out.
+/// Returns a closed gate that belongs to the caller: the most recently returned one, or a new one. Throws
+/// std::bad_alloc.
 ORL_API WaitableGate* RetrieveGate();
 
-/// Takes back a gate, which must be open at the time of the call (input contract). The pool keeps up to ten idle
-/// gates and destroys the others.
+/// Returns a gate to the pool. The gate must be open (input contract). The pool keeps up to ten idle gates and destroys
+/// the others.
 ORL_API void ReturnGate(WaitableGate* inGate);
 
 } // namespace WaitableGatePool
