@@ -1,4 +1,4 @@
-// Splines against a long double solution of the same equations, and distances against plain integers.
+// Splines compared with a long double solution of the same equations, and distances compared with plain integers.
 #include <CheckRecorder.h>
 #include <ORLGeometry.h>
 
@@ -109,7 +109,7 @@ TEST(SolveNaturalCubicSpline2D, TwoPoints_GiveZerosAndTrue)
     EXPECT_EQ((Floats{0, 0}), spline.mBends);
 }
 
-// A row that is left out keeps 0 for its factor and right side, so its second derivative is 0 in the end.
+// A skipped row keeps 0 for its factor and right side, so its second derivative is 0.
 TEST(SolveNaturalCubicSpline2D, ARepeatedXInTheMiddle_Leaves0ThereAndReturnsTrue)
 {
     Spline spline{{0, 1, 1, 2, 3}, {0, 5, 2, 7, 0}, {}};
@@ -173,7 +173,7 @@ TEST(SolveNaturalCubicSpline2D, NaNsAndInfinities_EndAndStoreEveryEntry)
     }
 }
 
-// No array of that many floats can be had; nothing is read or stored.
+// No array can hold that many floats; nothing is read or stored.
 TEST(SolveNaturalCubicSpline2D, MoreKnotsThanAnyMemoryHolds_ReturnsFalse)
 {
     constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
@@ -294,7 +294,7 @@ TEST(PointToLineSegmentDistance2D, BeyondAnEnd_IsMeasuredToThatEnd)
     EXPECT_EQ(0, Distance({6, 0}, {0, 0}, {10, 0}));
 }
 
-// Against the same steps in 64-bit integers and double, over segments whose sums fit.
+// Compares with the same steps in 64-bit integers and double, over segments whose sums fit.
 TEST(PointToLineSegmentDistance2D, RandomSegments_AreWithinACellOfTheTrueDistance)
 {
     std::mt19937 random(12);

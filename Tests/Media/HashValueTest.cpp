@@ -1,4 +1,4 @@
-// The hash against lookup2 written down from its publication, and its text.
+// The hash compared with lookup2 as published, and its text.
 #include <ORLHashValue.h>
 
 #include <TextHelpers.h>
@@ -14,7 +14,7 @@
 using namespace ORL;
 using namespace ORLTest;
 
-// The table under the name that hosts' linkers see. A reference is kept as a pointer.
+// The table under the symbol that hosts link to. A reference has the representation of a pointer.
 extern const std::vector<unsigned char>* const sExportedTable __asm__("_ZN3ORL12CRCHashValue9sCRCTableE");
 
 namespace {
@@ -43,7 +43,7 @@ struct Lookup2
     }
 };
 
-// Byte by byte, as the publication of 1996 has it.
+// Byte by byte, as in the publication of 1996.
 std::uint32_t PublishedLookup2(const std::string& inBytes, std::uint32_t inInitial)
 {
     const auto byte = [&](std::size_t inAt) {
@@ -84,7 +84,7 @@ HashValue Expected(const HashValue& inStart, const std::string& inBytes)
     return HashValue(spread.a, spread.b, spread.c);
 }
 
-// Undoes one line of the mix after the other, so that the spread's first word shows again.
+// Reverses the mixing steps to recover the word from which the three words were derived.
 std::uint32_t InnerHash(const HashValue& inHash)
 {
     std::uint32_t a = inHash.GetWord(0);

@@ -1,4 +1,4 @@
-// A number whose every operation is rounded once, whatever the compiler's settings.
+// A number whose every operation rounds once, whatever the compiler settings.
 #pragma once
 
 #include <cmath>
@@ -7,8 +7,8 @@ namespace ORLTest {
 
 __extension__ typedef __float128 Quad;
 
-/// A number of type T whose every operation is done in Wide and rounded to T. Wide has more than twice the digits of T,
-/// so rounding twice gives what rounding once gives. Nothing can be contracted, reordered or widened.
+/// A number of type T. Each operation computes in Wide and rounds to T. Wide has more than twice the digits of T, so
+/// rounding twice equals rounding once. The compiler cannot contract, reorder or widen these operations.
 template <class T, class Wide>
 class RoundedNumber
 {

@@ -1,4 +1,4 @@
-// The process clock on Linux: where it begins, and a clock that the test moves.
+// The process clock on Linux: its start, and its behaviour with a clock that the test sets.
 #include <ORLTimeStamp.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -36,7 +36,7 @@ long long MillisecondsSinceBoot()
     return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
-// Field 22, read by words behind the name.
+// Reads field 22, counted in words after the process name.
 long long StartOfThisProcess()
 {
     std::ifstream file("/proc/self/stat");
@@ -62,7 +62,7 @@ TEST(ProcessClock, CountsFromTheStartOfTheProcess)
     EXPECT_LE(clock, after + 1);
 }
 
-// The process's name stands before its start in the kernel's file, with all it may hold.
+// In the kernel's file the process name precedes the start time and may contain any character.
 TEST(ProcessClock, UnderAHostileName_CountsFromTheStartOfTheProcess)
 {
     const ORLTest::TempFolder folder;
@@ -84,7 +84,7 @@ TEST(ProcessClock, UnderAHostileName_CountsFromTheStartOfTheProcess)
 TEST(TimeStamp, OfAClockThatTheTestMoves_CountsItsMilliseconds)
 {
     ::clock_gettime(CLOCK_BOOTTIME, &sTime);
-    sTime.tv_sec += 1; // a whole second that is not before the start of the process
+    sTime.tv_sec += 1; // a whole second that is not before the process start
     sTime.tv_nsec = 0;
     FaultySystemCalls calls;
     calls.Underneath().mClockGetTime = &ChosenTime;

@@ -1,4 +1,4 @@
-// Time stamps, with moments that the test chooses.
+// Time stamps at moments that the test chooses.
 #include <ORLTimeStamp.h>
 
 #include <climits>
@@ -12,7 +12,7 @@ namespace {
 
 static_assert(sizeof(TimeStamp) == sizeof(double) && std::is_trivially_copyable_v<TimeStamp>);
 
-// A stamp that many milliseconds after the start.
+// Returns the stamp inElapsed milliseconds after the start.
 TimeStamp StampAt(double inElapsed)
 {
     double time;
@@ -59,7 +59,7 @@ TEST(TimeStamp, Parts_AreTruncatedAndKeepTheSign)
         {__LINE__, 999, 0, 999},      {__LINE__, 1000, 1, 0},       {__LINE__, 1999.9, 1, 999},
         {__LINE__, -2500, -2, -500},  {__LINE__, -999, 0, -999},    {__LINE__, -0.5, 0, 0},
         {__LINE__, 2147483647.0, 2147483, 647},
-        {__LINE__, 2147483648.0, INT_MIN / 1000, INT_MIN % 1000}, // beyond what an int holds
+        {__LINE__, 2147483648.0, INT_MIN / 1000, INT_MIN % 1000}, // beyond the range of an int
         {__LINE__, 1e300, INT_MIN / 1000, INT_MIN % 1000},
     };
     for (const auto& row : rows) {

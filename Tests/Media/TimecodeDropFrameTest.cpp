@@ -42,7 +42,7 @@ TEST(TimecodeDropFrame, LabelsAroundEachBoundary_FollowTheCount)
         {__LINE__, 0, "00;00;00;00"},
         {__LINE__, 29, "00;00;00;29"},
         {__LINE__, 30, "00;00;01;00"},
-        // start of a minute: two labels do not exist
+        // start of a minute: two labels are skipped
         {__LINE__, 1799, "00;00;59;29"},
         {__LINE__, 1800, "00;01;00;02"},
         {__LINE__, 1827, "00;01;00;29"},
@@ -51,7 +51,7 @@ TEST(TimecodeDropFrame, LabelsAroundEachBoundary_FollowTheCount)
         {__LINE__, 3598, "00;02;00;02"},
         {__LINE__, 16183, "00;08;59;29"},
         {__LINE__, 16184, "00;09;00;02"},
-        // tenth minute: nothing is dropped
+        // tenth minute: no labels are skipped
         {__LINE__, 17981, "00;09;59;29"},
         {__LINE__, 17982, "00;10;00;00"},
         {__LINE__, 17983, "00;10;00;01"},
@@ -142,13 +142,13 @@ TEST(TimecodeDropFrame, CountOfALabel_FollowsTheArithmeticAlsoOutsideTheClock)
     };
     const Row rows[] = {
         {__LINE__, 1, 0, 0, 0, false, 107892},
-        {__LINE__, 0, 10, 0, 1, false, 17983},        // the tenth minute has its frame 1
+        {__LINE__, 0, 10, 0, 1, false, 17983},        // the tenth minute has a frame 1
         {__LINE__, 0, 1, 1, 0, false, 1828},
         {__LINE__, 0, 9, 59, 29, false, 17981},
         {__LINE__, 24, 0, 0, 0, false, 2589408},
-        {__LINE__, 0, 0, 59, 30, false, 1800},        // fields may run over
+        {__LINE__, 0, 0, 59, 30, false, 1800},        // fields may exceed their range
         {__LINE__, 0, 0, 0, -1, false, -1},
-        {__LINE__, 0, 1, 0, -5, false, 1800},         // nothing is added for a negative frame there
+        {__LINE__, 0, 1, 0, -5, false, 1800},         // a negative frame there adds nothing
         {__LINE__, 0, 1, 1, -5, false, 1823},
         {__LINE__, 0, -1, 0, 0, false, 1800 - 2 * 1798},
         {__LINE__, 0, -10, 0, 0, false, -17982},

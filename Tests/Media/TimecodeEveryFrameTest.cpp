@@ -1,5 +1,5 @@
-// Every frame of 24 hours: from the count to the label and back. What the label has to be is told by an odometer that
-// only knows how labels follow each other; where a label does not lead back to its frame, the rule of it stands here.
+// Every frame of 24 hours, from the count to the label and back. An odometer that only knows the order of the labels
+// supplies the expected label. The rule for labels that do not convert back to their frame is written out here.
 #include "TimecodeTestSupport.h"
 
 #include <cstdlib>
@@ -10,7 +10,7 @@ using ORL::TimecodeLocal::IsDropFrame;
 
 namespace {
 
-// Labels one after the other. Drop-frame leaves out the first ones of each minute but every tenth.
+// Steps through the labels. Drop-frame skips the first labels of each minute except every tenth.
 class Odometer
 {
 public:
@@ -65,9 +65,9 @@ TickTime TimeOfFields(const Timecode::PrivateImpl& inRecord)
                       inRecord.mFrameRate, inRecord.mTimeDisplay);
 }
 
-// The only rule by which a label of the day does not lead back to its own time: non-drop labels at a 1001 rate run
-// slower than the clock, so the last of them lie beyond 86400 seconds. Above zero they come back by one day; below
-// zero they step down by days until the count wraps around.
+// The only labels of a day that do not convert back to their time: non-drop labels at a 1001 rate run slower than the
+// clock, so the last ones lie beyond 86400 seconds. Positive times are reduced by one day; negative times are reduced
+// by further days until the count wraps around.
 TickTime Folded(TickTime inTime)
 {
     const TickTime day(86400.0);
@@ -184,7 +184,7 @@ std::string TextOfCount(long long inCount, TimeDisplay inDisplay)
 
 TEST_P(EveryCount, OfADay_HasItsTextAndComesBackFromIt)
 {
-    // Plain counts and feet are not folded, so there is no exception at all.
+    // Plain counts and feet are not folded, so there are no exceptions.
     CheckRecorder recorder;
     const Format& format = GetParam();
     const long long day = TickTime(86400.0).ToFrame64(format.mRate);
@@ -211,8 +211,8 @@ TEST_P(EveryCount, OfADay_ComesBackFromItsFields)
         record.SetTime(TickTime(count, format.mRate));
         long long expected = count;
         if (format.mLabelsPerSecond != 0) {
-            // In feet and frames the fields split by the truncated rate, but are joined again at the true one: at a
-            // fractional rate the whole frames of so many seconds.
+            // In feet and frames the fields are split with the truncated rate but joined with the true rate. At a
+            // fractional rate the seconds contribute their whole frames only.
             const long long seconds = count / format.mLabelsPerSecond;
             expected = static_cast<long long>(static_cast<double>(seconds) * format.mRate.GetValue())
                        + count % format.mLabelsPerSecond;
@@ -253,7 +253,7 @@ std::string TextOfSample(long long inSecond, long long inSample, const Format& i
     AppendTwo(text, inSecond % 60);
     text += inFormat.mDisplay == kTimeDisplay_AudioMsTimecode ? '.' : ':';
     std::string sample = std::to_string(inSample);
-    // As many places as the greatest sample has; but six places are written without zeros.
+    // Padded to the digits of the largest sample; six digits are not padded.
     const std::size_t places = std::to_string(inFormat.mLabelsPerSecond - 1).size();
     if (places < 6) {
         sample.insert(0, places - sample.size(), '0');
@@ -283,7 +283,7 @@ TEST_P(EverySample, AtTheEdgesOfEachSecondOfADay_HasItsTextAndComesBackFromIt)
     const Format& format = GetParam();
     Timecode::PrivateImpl record(kTime_Zero, format.mRate, format.mDisplay, Timecode::Style());
     for (long long second = 0; second < 86400; ++second) {
-        // The edges of a second, and one sample that moves through it from second to second.
+        // The edges of each second, and one sample that differs from second to second.
         for (const long long sample : {0LL, 1LL, format.mLabelsPerSecond - 1, second * 7919 % format.mLabelsPerSecond}) {
             ExpectSample(record, second, sample, format);
             ASSERT_FALSE(HasFatalFailure());
@@ -294,8 +294,8 @@ TEST_P(EverySample, AtTheEdgesOfEachSecondOfADay_HasItsTextAndComesBackFromIt)
 
 TEST_P(EverySample, OfSomeSeconds_HasItsTextAndComesBackFromIt)
 {
-    // A second's samples are counted alike in every second, so all samples of a few stand for the four billion of a
-    // day. ORL_EVERY_SAMPLE=1 walks through all of them (minutes for each rate).
+    // Samples are counted in the same way in every second, so all samples of a few seconds represent the four billion
+    // of a day. ORL_EVERY_SAMPLE=1 checks all of them, which takes minutes for each rate.
     CheckRecorder recorder;
     const Format& format = GetParam();
     const bool all = std::getenv("ORL_EVERY_SAMPLE") != nullptr;
@@ -331,7 +331,7 @@ TEST(EveryMillisecond, OfADaysHoursEnds_HasItsTextAndComesBackFromIt)
     const Format format = {"Milliseconds", kTimeDisplay_AudioMsTimecode, kFrameRate_Audio48000, 1000};
     Timecode::PrivateImpl record(kTime_Zero, format.mRate, format.mDisplay, Timecode::Style());
     for (long long second = 0; second < 86400; ++second) {
-        // Every millisecond around each whole hour, and 25 in every other second.
+        // Every millisecond around each whole hour, and 25 samples in each other second.
         const bool nearHour = second % 3600 < 10 || second % 3600 >= 3590;
         for (long long sample = 0; sample < 1000; sample += nearHour ? 1 : 40) {
             ExpectSample(record, second, sample, format);

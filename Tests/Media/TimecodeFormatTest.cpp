@@ -19,7 +19,7 @@ TickTime Clock(int inHours, int inMinutes, int inSeconds)
     return TickTime((inHours * 60LL + inMinutes) * 60 + inSeconds, FrameRate(1.0));
 }
 
-// A time of whole seconds and some frames.
+// Returns the time of whole seconds plus inFrames frames.
 TickTime At(int inHours, int inMinutes, int inSeconds, long long inFrames, const FrameRate& inRate)
 {
     TickTime time = Clock(inHours, inMinutes, inSeconds);
@@ -86,7 +86,7 @@ TEST(TimecodeGetString, Sign_IsWrittenOnlyWhenTheStyleAsksForIt)
     EXPECT_EQ("+00:00:00:01", Show(Frames(1, pal), pal, kTimeDisplay_25Timecode, SignedStyle()));
     EXPECT_EQ("-00:00:00:01", Show(-Frames(1, pal), pal, kTimeDisplay_25Timecode, SignedStyle()));
     EXPECT_EQ("00:00:00:00", Show(kTime_Zero, pal, kTimeDisplay_25Timecode, SignedStyle())) << "zero has no sign";
-    // The sign is the time's, also where no whole frame shows it.
+    // The sign is that of the time, even if no whole frame shows it.
     EXPECT_EQ("+00:00:00:00", Show(TickTime::FromTicks(1), pal, kTimeDisplay_25Timecode, SignedStyle()));
     EXPECT_EQ("-00:00:00:00", Show(TickTime::FromTicks(-1), pal, kTimeDisplay_25Timecode, SignedStyle()));
 }
@@ -155,7 +155,7 @@ TEST(TimecodeGetString, FrameField_IsPaddedByTheDigitsOfTheRate)
         {__LINE__, kFrameRate_Audio44100, samples, 0, "00000"},
         {__LINE__, kFrameRate_Audio96000, samples, 9, "00009"},
         {__LINE__, kFrameRate_Audio96000, samples, 95999, "95999"},
-        // six places are written with none of the zeros
+        // six digits are not padded with zeros
         {__LINE__, kFrameRate_Audio192000, samples, 9, "9"},
         {__LINE__, kFrameRate_Audio192000, samples, 191999, "191999"},
         {__LINE__, kFrameRate_Video1000, samples, 5, "005"},
@@ -209,7 +209,7 @@ TEST(TimecodeGetString, FeetAndFrames_WriteTheirMinusWhateverTheStyleSays)
         EXPECT_EQ(row.mText, Show(time, kFrameRate_Film24, row.mDisplay)) << "row at line " << row.mLine;
         EXPECT_EQ(row.mSigned, Show(time, kFrameRate_Film24, row.mDisplay, SignedStyle()))
             << "row at line " << row.mLine;
-        // leading zeros of the frames do not go
+        // leading zeros of the frames stay
         EXPECT_EQ(row.mText, Show(time, kFrameRate_Film24, row.mDisplay, NoZeros())) << "row at line " << row.mLine;
     }
     EXPECT_EQ("-0+00", Show(TickTime::FromTicks(-1), kFrameRate_Film24, kTimeDisplay_35mmFeetFrames));
@@ -217,7 +217,7 @@ TEST(TimecodeGetString, FeetAndFrames_WriteTheirMinusWhateverTheStyleSays)
 
 TEST(TimecodeGetString, FeetBeyond32Bits_AreCutTo32Bits)
 {
-    // At one tick a frame the farthest times have more feet than an int holds.
+    // At one tick a frame, the largest times have more feet than an int can hold.
     const FrameRate rate = FrameRate::FromTicksPerFrame(705600); // 1000 per second
     const long long feet = 4294967296LL + 5;
     EXPECT_EQ("5+03", Show(Frames(feet * 16 + 3, rate), rate, kTimeDisplay_35mmFeetFrames));
@@ -227,7 +227,7 @@ TEST(TimecodeGetString, FeetBeyond32Bits_AreCutTo32Bits)
     EXPECT_EQ("--2147483648+00", Show(-Frames(least * 16, rate), rate, kTimeDisplay_35mmFeetFrames));
 }
 
-// As the rule is told: sign, feet, plus, a zero where the frames lie from -9 to 9, frames.
+// Formats by the rule: sign, feet, plus, a zero if the frames lie from -9 to 9, frames.
 std::string FeetByTheRule(const TickTime& inTime, const FrameRate& inRate, int inFramesPerFoot, bool inShowSign)
 {
     const long long count = inTime.ToFrame64(inRate);

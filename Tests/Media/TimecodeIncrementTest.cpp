@@ -105,7 +105,7 @@ TEST(TimecodeIncrement, DropCorrectionAt5994_KeepsTheLimitOfTwo)
     ExpectRows({
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 1, "0 1 0 4"},
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 2, "0 1 0 4"},
-        // frames 2 and 3 of the minute stay as they are
+        // frames 2 and 3 of the minute are not skipped
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 3, "0 1 0 2"},
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 4, "0 1 0 3"},
         {__LINE__, DropHD(0, 1, 0, 4), 0, 0, 0, -1, "0 1 0 3"},
@@ -129,7 +129,7 @@ TEST(TimecodeIncrement, Past24Hours_ClampsToExactly24Hours)
 {
     ExpectRows({
         {__LINE__, Pal(24, 0, 0, 0), 1, 0, 0, 0, "24 0 0 0"},
-        {__LINE__, Pal(23, 59, 59, 24), 1, 0, 0, 1, "24 0 0 0"},  // lands on 25:00:00:00
+        {__LINE__, Pal(23, 59, 59, 24), 1, 0, 0, 1, "24 0 0 0"},  // reaches 25:00:00:00
         {__LINE__, Pal(0, 0, 0, 0), 1000000, 59, 59, 24, "24 0 0 0"},
         {__LINE__, Pal(1, 0, 0, 0, true), -24, 0, 0, 0, "-24 0 0 0"},
         {__LINE__, Pal(1, 0, 0, 0, true), -2000000, 0, 0, 0, "-24 0 0 0"},
@@ -142,7 +142,7 @@ TEST(TimecodeIncrement, Past24Hours_ClampsToExactly24Hours)
 
 TEST(TimecodeIncrement, FarBelowMinus24Hours_EndsOnTheClampedFieldsWithTheSign)
 {
-    // Below -24 hours after the hour that crossing zero gives back.
+    // Less than -24 hours, even after the hour that crossing zero adds back.
     ExpectRows({
         {__LINE__, Pal(0, 0, 0, 0), -26, 0, 0, 0, "-24 0 0 0"},
         {__LINE__, Pal(0, 0, 0, 0), -1000000, 0, 0, 0, "-24 0 0 0"},
@@ -153,7 +153,7 @@ TEST(TimecodeIncrement, FarBelowMinus24Hours_EndsOnTheClampedFieldsWithTheSign)
 
 TEST(TimecodeIncrement, Between24And25Hours_StaysBehind24Hours)
 {
-    // Only hours above 24 are clamped; the time is folded into the day all the same.
+    // Only hours above 24 are clamped, but the time is still folded into the day.
     Timecode::PrivateImpl record = Pal(23, 59, 59, 24);
     record.IncrementHMSF(1, 0, 0, 0);
     EXPECT_EQ("24 59 59 24", Fields(record));
@@ -173,8 +173,8 @@ TEST(TimecodeIncrement, FromZeroDownwards_CrossesIntoNegativeTimes)
 
 TEST(TimecodeIncrement, BelowZeroFromFrameZero_LeavesAFullFrameField)
 {
-    // The frame field is mirrored at the frames of a second, so frame 0 becomes a whole second of frames, and the
-    // seconds above it stay one short. The time is right.
+    // The frame field is mirrored at the frames of a second, so frame 0 becomes a whole second of frames and the
+    // seconds field stays one short. The time is right.
     Timecode::PrivateImpl record = Pal(0, 0, 0, 0);
     record.IncrementHMSF(0, 0, -1, 0);
     EXPECT_EQ("-0 0 0 25", Fields(record));
@@ -192,8 +192,8 @@ TEST(TimecodeIncrement, BelowZeroFromFrameZero_LeavesAFullFrameField)
 
 TEST(TimecodeIncrement, FromZeroToMinus25Hours_ClampsNothingAndFoldsToTheEndOfTheCount)
 {
-    // Crossing zero gives one hour back, so -25 becomes -24, which is not clamped, and the mirrored fields stand
-    // behind it: 25 hours below zero. The fold of such a time steps down by days until the count wraps around.
+    // Crossing zero adds one hour back, so -25 becomes -24, which is not clamped. The mirrored fields are added to
+    // that: 25 hours below zero. The fold of such a time subtracts days until the count wraps around.
     CheckRecorder recorder;
     for (const bool drop : {false, true}) {
         Timecode::PrivateImpl record = drop ? Drop(0, 0, 0, 0) : Pal(0, 0, 0, 0);
@@ -222,8 +222,8 @@ TEST(TimecodeIncrement, OfANegativeTime_ActsOnTheMagnitude)
 
 TEST(TimecodeIncrement, NegativeUpThroughZero_LooksAtTheHoursInDropFrameAndAtTheSignElsewhere)
 {
-    // Both end an hour below zero instead of above: the one because its sign stood already, the other because its
-    // hours did not lie below zero before.
+    // Both end an hour below zero instead of above: the first because its sign was already set, the second because its
+    // hours were not negative before.
     Timecode::PrivateImpl record = Pal(1, 0, 0, 0, true);
     record.IncrementHMSF(2, 0, 0, 0);
     EXPECT_EQ("-1 0 0 0", Fields(record)) << "not mirrored: the time was negative on entry";
@@ -234,7 +234,7 @@ TEST(TimecodeIncrement, NegativeUpThroughZero_LooksAtTheHoursInDropFrameAndAtThe
     EXPECT_EQ("-0 59 59 30", Fields(record)) << "mirrored: the hours were not";
     EXPECT_EQ(-Frames(107892, kFrameRate_VideoNTSC), record.mTime);
 
-    // A magnitude that ends exactly at zero has lost its sign afterwards, since the time is not below zero.
+    // A magnitude that becomes exactly zero loses its sign, because the time is not negative.
     record = Pal(1, 0, 0, 0, true);
     record.IncrementHMSF(1, 0, 0, 0);
     EXPECT_EQ("0 0 0 0", Fields(record));
@@ -285,7 +285,7 @@ TEST(TimecodeIncrement, OfFramesByHoursMinutesOrSeconds_Reports)
 TEST(TimecodeIncrement, OfFramesDownThroughZero_IsMirroredLikeEveryOtherFormat)
 {
     CheckRecorder recorder;
-    // From zero frames the field is brought up by the largest number, taken from the clock fields, and mirrored back.
+    // From zero frames the field is raised by the largest number, borrowed from the clock fields, and mirrored back.
     Timecode::PrivateImpl record = PlainFrames(0);
     record.IncrementHMSF(0, 0, 0, -1);
     EXPECT_EQ("-0 0 0 1", Fields(record)) << "a magnitude, where SetTime would hold -1";
@@ -300,8 +300,8 @@ TEST(TimecodeIncrement, OfFramesDownThroughZero_IsMirroredLikeEveryOtherFormat)
 
 TEST(TimecodeIncrement, OfNegativeFramesAsSetTimeStoresThem_RunsIntoTheClockFields)
 {
-    // SetTime stores a signed count beside the sign, so the increment is negated and moves the wrong way; the field
-    // then falls below zero, borrows from the clock fields, and these are reported.
+    // SetTime stores a signed count in addition to the sign, so the increment is negated and moves the wrong way. The
+    // field then falls below zero and borrows from the clock fields, which is reported.
     CheckRecorder recorder;
     Timecode::PrivateImpl record = PlainFrames(-5);
     EXPECT_EQ("--5", Fields(record).substr(0, 1) + Fields(record).substr(7)) << "sign and signed count";
@@ -317,7 +317,7 @@ TEST(TimecodeIncrement, OfNegativeFramesAsSetTimeStoresThem_RunsIntoTheClockFiel
 
 TEST(TimecodeIncrement, ExtremeIncrements_WrapAndEnd)
 {
-    // Nothing is expected of the labels but that they are reached, and that the sanitizers have nothing to say.
+    // Only checks that the calls return and that the sanitizers report nothing.
     CheckRecorder recorder;
     const int ints[] = {0, 1, -1, 59, 60, std::numeric_limits<int>::max(), kIntMin};
     const long long frames[] = {0, 1, -1, std::numeric_limits<long long>::max(),
@@ -343,7 +343,7 @@ TEST(TimecodeIncrement, ExtremeIncrements_WrapAndEnd)
 
 TEST(TimecodeIncrement, OfAMinimalInt_NegatesToItself)
 {
-    // On a negative time the increments are negated, and the least int is its own negation: 2^31 hours below.
+    // For a negative time the increments are negated, and the smallest int is its own negation: 2^31 hours below.
     ExpectRows({
         {__LINE__, Pal(1, 0, 0, 0, true), kIntMin, 0, 0, 0, "-24 0 0 0"},
     });

@@ -1,5 +1,5 @@
-// A second opinion on labels: libavutil's timecode functions. They agree on every frame of a day, and the texts and
-// times on which they do not are listed with the rule that parts them.
+// Compares labels with libavutil's timecode functions. They agree on every frame of a day. The texts and times on which
+// they differ are listed with the reason.
 #include "TimecodeTestSupport.h"
 
 extern "C" {
@@ -52,7 +52,7 @@ protected:
     }
 };
 
-// The peer writes ":" between the fields but before the frames of drop-frame; ours writes the same one everywhere.
+// libavutil writes ":" between the fields except before the frames of drop-frame; we use one separator everywhere.
 bool SameText(const UTF16String& inOurs, const char* inPeers, char inSeparator)
 {
     if (inOurs.size() != std::strlen(inPeers)) {
@@ -99,7 +99,7 @@ TEST_P(Libavutil, WritesTheSameLabelForEveryFrameOfADay)
 
 TEST_P(Libavutil, ReadsTheSameFrameFromLabelsAllOverADay)
 {
-    // The peer takes drop-frame from the last separator, which is the one it writes; our format alone decides.
+    // libavutil detects drop-frame by the last separator, which it writes accordingly; we use the format only.
     const PeerFormat& format = GetParam();
     AVTimecode peer;
     ASSERT_EQ(0, av_timecode_init(&peer, format.mPeerRate, static_cast<int>(format.mPeerFlags), 0, nullptr));
@@ -110,7 +110,7 @@ TEST_P(Libavutil, ReadsTheSameFrameFromLabelsAllOverADay)
         ASSERT_EQ(frame, PeerStart(text, format.mPeerRate)) << text;
         TickTime expected(frame, format.mRate);
         if (expected > day) {
-            expected -= day; // labels of a non-drop day at a 1001 rate run past 86400 seconds; ours are folded
+            expected -= day; // labels of a non-drop day at a 1001 rate exceed 86400 seconds; we fold them
         }
         ASSERT_EQ(expected, Timecode::StringToTime(Text(text), format.mRate, format.mDisplay, false)) << text;
     }
@@ -125,10 +125,10 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
 {
     CheckRecorder recorder;
     const AVRational rate = {30000, 1001};
-    // Frame 0 of such a minute is its first real label with us; the peer subtracts the labels all the same.
+    // For us frame 0 of such a minute is its first existing label; libavutil subtracts the skipped labels anyway.
     EXPECT_EQ(1798, PeerStart("00:01:00;00", rate));
     EXPECT_EQ(1800, OurCount("00:01:00;00", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
-    // Frame 1 is reported, and counted by the same subtraction.
+    // Frame 1 is reported and counted with the same subtraction.
     EXPECT_EQ(1799, PeerStart("00:01:00;01", rate));
     EXPECT_EQ(1799, OurCount("00:01:00;01", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
@@ -137,11 +137,11 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
 TEST(LibavutilDisagreements, Separators_DecideNothingWithUs)
 {
     const AVRational rate = {30000, 1001};
-    // The last separator selects drop-frame there; the format does here.
+    // The last separator selects drop-frame in libavutil; the format does here.
     EXPECT_EQ(1802, PeerStart("00:01:00:02", rate));
     EXPECT_EQ(1800, OurCount("00:01:00:02", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1800, PeerStart("00:01:00.02", rate));
-    // A ";" between the other fields is unreadable there.
+    // libavutil cannot parse a ";" between the other fields.
     EXPECT_GT(0, PeerStart("00;01;00;02", rate));
     EXPECT_EQ(1800, OurCount("00;01;00;02", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
 }

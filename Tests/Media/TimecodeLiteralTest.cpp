@@ -1,5 +1,5 @@
-// Where the rules are told as repeated subtraction, the library divides. Here are the loops as they are told, and they
-// have to give the same results, signs and overflows included.
+// The rules define some results by repeated subtraction, but the library divides. The literal loops are written here
+// and must give the same results, including signs and overflows.
 #include "TimecodeTestSupport.h"
 
 #include <TimecodeCarry.h>
@@ -14,7 +14,7 @@ using ORL::TimecodeLocal::HMSFToTime;
 
 namespace {
 
-// A format whose label is the count itself, at a rate of one tick a frame: every time can be folded through it.
+// Folds a time through a format whose label is the count itself, at one tick a frame.
 TickTime Fold(long long inTicks)
 {
     return HMSFToTime(0, 0, 0, inTicks, false, FrameRate::FromTicksPerFrame(1), kTimeDisplay_Frames);
@@ -160,7 +160,7 @@ TEST(TimecodeLiteral, CarryOfExtremes_IsThatOfTheLoops)
         ExpectSameCarry<long long>(std::numeric_limits<long long>::min(), next, std::numeric_limits<long long>::max());
         ExpectSameCarry<long long>(-1, next, std::numeric_limits<long long>::max());
     }
-    // A limit that is not positive would never end; nothing is carried.
+    // A limit that is not positive would loop forever; nothing is carried.
     long long field = 17;
     int next = 3;
     Carry<long long>(field, next, 0);
@@ -171,7 +171,7 @@ TEST(TimecodeLiteral, CarryOfExtremes_IsThatOfTheLoops)
 
 TEST(TimecodeLiteral, CarryOf64BitFramesInto32BitSeconds_KeepsTheLow32Bits)
 {
-    // More seconds than an int holds: one step at a time would wrap around as often.
+    // More seconds than an int can hold: single steps would wrap around the same number of times.
     long long frames = 25LL * 4294967296LL + 25LL * 7 + 3;
     int seconds = 1;
     Carry<long long>(frames, seconds, 25);
@@ -188,7 +188,7 @@ TEST(TimecodeLiteral, FieldsOfATime_AreThoseOfTheLoops)
     std::mt19937_64 random(24);
     for (const Format& format : kClockFormats) {
         if (ORL::TimecodeLocal::IsDropFrame(format.mDisplay)) {
-            continue; // told as divisions
+            continue; // the rule for drop-frame is a division
         }
         for (int i = 0; i < 20000; ++i) {
             const long long count = static_cast<long long>(random() % 50000000) - 25000000;
@@ -210,7 +210,7 @@ TEST(TimecodeLiteral, FieldsOfATime_AreThoseOfTheLoops)
 
 TEST(TimecodeLiteral, LabelsAtAWholeRate_AreCountedThroughADoubleWithoutLoss)
 {
-    // The seconds go through a double at these formats; whole numbers come out of it as they went in.
+    // These formats compute the seconds in a double, which keeps whole numbers exact.
     for (const Format& format : kClockFormats) {
         for (const int hours : {0, 1, 23, 24, 100, 596522}) {
             const long long count = (hours * 3600LL + 59 * 60 + 59) * format.mLabelsPerSecond + 1;
@@ -225,15 +225,15 @@ TEST(TimecodeLiteral, LabelsAtAWholeRate_AreCountedThroughADoubleWithoutLoss)
 
 TEST(TimecodeLiteral, SecondsBeyond32Bits_WrapAround)
 {
-    // 596523 hours and a bit are 2^31 seconds.
+    // 596523 hours, 14 minutes and 8 seconds are 2^31 seconds.
     EXPECT_EQ(HMSFToTime(0, 0, std::numeric_limits<int>::min(), 3, false, kFrameRate_VideoNTSC,
                          kTimeDisplay_2997NonDropTimecode),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));
-    // The same at a whole rate, where negative seconds are an enormous count that does not fit: 2^63 frames, which at
-    // an even number of ticks a frame are no time.
+    // The same at a whole rate: the negative seconds become an unsigned count that does not fit, 2^63 frames. At an
+    // even number of ticks a frame that is a time of zero.
     EXPECT_EQ(Frames(3, kFrameRate_VideoPAL),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoPAL, kTimeDisplay_25Timecode));
-    // At an odd number of ticks half of the count's range is left of it.
+    // At an odd number of ticks, half of the count's range remains.
     EXPECT_EQ(FoldByLoops(ORL::Wrapping::Add(std::numeric_limits<long long>::min(), 3LL * 3675)),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_Audio192000, kTimeDisplay_AudioSamplesTimecode));
 }

@@ -149,7 +149,7 @@ TEST(Timecode, FrameFormat_CountsTheDigitsThatTheFieldMayBePaddedTo)
         {__LINE__, kTimeDisplay_Frames, kFrameRate_VideoPAL, std::numeric_limits<long long>::max(), 0},
         {__LINE__, kTimeDisplay_23976Timecode, kFrameRate_VideoPAL, 24, 1},
         {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_VideoPAL, 25, 1},
-        // the object's own rate, with the fractional ones at their nominal count
+        // the object's own rate; fractional rates use their nominal count
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_23976, 24, 1},
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC, 30, 1},
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC_HD, 60, 1},
@@ -196,7 +196,7 @@ TEST(Timecode, Constructor_ChecksThatRateAndFormatBelongTogether)
         {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(113), false},
-        // from 1000 on any format will do
+        // from 1000 on every format is accepted
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
         {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
         {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, true},
@@ -219,7 +219,7 @@ TEST(Timecode, Constructor_ChecksThatRateAndFormatBelongTogether)
 
 TEST(Timecode, ConstructorContract_ComesBeforeTheFrameAdjustment)
 {
-    // The check throws before anything else is done with the record; nothing leaks, as the sanitizers see.
+    // The check throws before the record is changed; the sanitizers detect leaks.
     CheckRecorder recorder;
     recorder.mThrow = true;
     EXPECT_THROW(Timecode(kTime_Zero, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, PreviousFrameStyle()),
@@ -400,10 +400,10 @@ TEST(Timecode, SetFormat_ChecksRateAndFormatBeforeAnyChange)
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_35mmFeetFrames, true},
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
         {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
-        // the constructor takes these
+        // the constructor accepts these
         {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, false},
         {__LINE__, kFrameRate_Audio48000, kUnknownDisplay, false},
-        // and these are wrong everywhere
+        // these are rejected everywhere
         {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
         {__LINE__, kFrameRate_Audio48000, static_cast<TimeDisplay>(199), false},
@@ -470,7 +470,7 @@ TEST(Timecode, SetFormat_MakesFieldsAndFrameFormatAgreeWithTheNewFormat)
 
 TEST(Timecode, SetFormat_LeavesTheSignWhereTheFieldsDoNotTellIt)
 {
-    // Half a frame below zero is negative for the drop format, and zero frames for the other.
+    // Half a frame below zero is negative in the drop format and zero frames in the other.
     Timecode::PrivateImpl record(TickTime::FromTicks(-100), kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode,
                                  Timecode::Style());
     EXPECT_TRUE(record.mIsNegative);
@@ -494,7 +494,7 @@ TEST(Timecode, NegativeTime_KeepsItsSignBesideTheMagnitudes)
 
 TEST(Timecode, FractionalRateInFeetAndFrames_Splits23AndCarriesAt24)
 {
-    // The fields come from the truncated rate, the carry limit from the nominal one.
+    // The fields use the truncated rate, the carry limit uses the nominal one.
     for (const TimeDisplay display : {kTimeDisplay_16mmFeetFrames, kTimeDisplay_35mmFeetFrames}) {
         Timecode::PrivateImpl record(Frames(100, kFrameRate_23976), kFrameRate_23976, display, Timecode::Style());
         EXPECT_EQ("0 0 4 8", Fields(record)) << "100 = 4 * 23 + 8";

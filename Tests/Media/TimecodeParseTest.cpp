@@ -15,7 +15,7 @@ TickTime Parse(const std::string& inText, const FrameRate& inRate, TimeDisplay i
 
 constexpr long long kUnreadable = std::numeric_limits<long long>::min();
 
-// One text with the frame count that it means, or kUnreadable.
+// A text and the frame count that it means, or kUnreadable.
 struct ParseRow
 {
     int mLine;
@@ -67,7 +67,7 @@ TEST(TimecodeParse, SignOrSeparatorWithNothingBehind_IsUnreadable)
         {__LINE__, "-", kUnreadable},  {__LINE__, "+", kUnreadable},  {__LINE__, ":", kUnreadable},
         {__LINE__, ";", kUnreadable},  {__LINE__, ".", kUnreadable},  {__LINE__, "-:", kUnreadable},
         {__LINE__, "+;", kUnreadable}, {__LINE__, "-.", kUnreadable},
-        // behind the lead separator another one is an empty field
+        // a separator after the leading one makes an empty field
         {__LINE__, "::", 0},
         {__LINE__, "-::", 0},
         {__LINE__, ":::", kUnreadable},
@@ -132,7 +132,7 @@ TEST(TimecodeParse, LeadSeparator_MattersOnlyForALoneNumber)
         {__LINE__, ":1234", 1234},
         {__LINE__, ".1234", 1234},
         {__LINE__, "-;1234", -1234},
-        // neither split nor folded into the day
+        // neither split into fields nor folded into the day
         {__LINE__, ":123456789", 123456789},
     };
     ExpectPalRows(rows);
@@ -195,20 +195,20 @@ TEST(TimecodeParse, Milliseconds_AreReadAtTheirOwnRate)
     const ParseRow rows[] = {
         {__LINE__, "12345", 12345},
         {__LINE__, "1:2:3.045", 3723045},
-        {__LINE__, "1.1000", 2000}, // 1000 does not exceed the rate, and means a second all the same
+        {__LINE__, "1.1000", 2000}, // 1000 does not exceed the rate, but is still a second
         {__LINE__, "1.1001", 2001},
         {__LINE__, "99999", 99999},
         {__LINE__, "100000", 60000}, // 1 minute 00 seconds 000
     };
     ExpectRows(rows, kFrameRate_Audio48000, kTimeDisplay_AudioMsTimecode, FrameRate(1000.0));
-    // the bare count is one of the given rate
+    // a bare count uses the given rate
     const ParseRow bare[] = {{__LINE__, ":48000", 48000}};
     ExpectRows(bare, kFrameRate_Audio48000, kTimeDisplay_AudioMsTimecode, kFrameRate_Audio48000);
 }
 
 TEST(TimecodeParse, FramesEqualToTheRate_StayInTheirField)
 {
-    // Both give one second; what differs is whether the field carries, which the assertion-free path shows.
+    // Both rates give one second; they differ in whether the field carries, which the rows without a report show.
     const ParseRow at30[] = {
         {__LINE__, "30", 30},
         {__LINE__, "31", 31},
@@ -238,7 +238,7 @@ TEST(TimecodeParse, FrameOverflowAtAFractionalRate_CarriesAtTheNominalRate)
         {__LINE__, "0:89", 89},
         {__LINE__, "0:1799", 1799},
         {__LINE__, "0:1800", 1800},
-        {__LINE__, "0:107892", 107892 - 2 * 54}, // 00;59;56;12, behind 54 starts of minutes that drop labels
+        {__LINE__, "0:107892", 107892 - 2 * 54}, // 00;59;56;12, after 54 minutes that skip labels
     };
     ExpectRows(rows, kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC);
     const ParseRow hd[] = {
@@ -256,7 +256,7 @@ TEST(TimecodeParse, FrameOverflowAtAFractionalRate_CarriesAtTheNominalRate)
 
 TEST(TimecodeParse, FrameOverflowAtARateWithoutANominalOne_MayReport)
 {
-    // 14.985 truncates to 14: of 29 frames one second takes 14 and leaves 15, which still exceed the rate.
+    // 14.985 truncates to 14: of 29 frames one second takes 14; the remaining 15 still exceed the rate.
     CheckRecorder recorder;
     Parse("0:29", FrameRate(14.985), kTimeDisplay_35mmFeetFrames); // feet do not carry
     EXPECT_TRUE(recorder.Reports().empty());
@@ -303,7 +303,7 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
         {__LINE__, "0:0:4294967297:4", Pal(0, 0, 1, 4)},
         // frames have 64 bits
         {__LINE__, "0:18446744073709551620", 4},
-        // the least of them, whose time wraps to zero
+        // the smallest frame count, whose time wraps to zero
         {__LINE__, "0:9223372036854775808", 0},
     };
     ExpectPalRows(rows);
@@ -311,14 +311,14 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
 
 TEST(TimecodeParse, NegativeFieldsFromOverflow_AreDefined)
 {
-    // 4294967295 is -1 in 32 bits. The seconds are then negative, which the count takes as an enormous number: what
-    // does not fit becomes 2^63 frames, which are no time at an even number of ticks, so the frames alone are left.
+    // 4294967295 is -1 in 32 bits. The seconds are then negative and become a huge unsigned count. It does not fit and
+    // becomes 2^63 frames, which are a time of zero at an even number of ticks, so only the frames remain.
     const ParseRow rows[] = {
         {__LINE__, "0:0:4294967295:4", 4},
         {__LINE__, "4294967295:0:0:4", 4},
     };
     ExpectPalRows(rows);
-    // Where labels are counted in whole numbers they are negative.
+    // If labels are counted in whole numbers, they are negative.
     EXPECT_EQ(Frames(-26, kFrameRate_VideoNTSC),
               Parse("0:0:4294967295:4", kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));
     EXPECT_EQ(Frames(-26, kFrameRate_VideoNTSC),
@@ -367,7 +367,7 @@ TEST(TimecodeParse, PlainFrames_TakeOneLeadSeparatorAndNoOther)
 
 TEST(TimecodeParse, SignAndAddedFrame_ComeInOppositeOrderForCountsAndLabels)
 {
-    // A bare count gets the frame first and the sign afterwards, a label the sign first.
+    // For a bare count the frame is added before the sign is applied, for a label after it.
     const FrameRate rate = kFrameRate_VideoPAL;
     EXPECT_EQ(Frames(-11, rate), Parse("-10", rate, kTimeDisplay_Frames, true));
     EXPECT_EQ(Frames(-11, rate), Parse("-:10", rate, kTimeDisplay_25Timecode, true));
@@ -401,7 +401,7 @@ TEST(TimecodeParseFeetFrames, SixteenMillimetres_Have40FramesAFoot)
         {__LINE__, "1:2", 42},
         {__LINE__, "1.2", 42},
         {__LINE__, "1+99", 139}, // no limit on the frames
-        {__LINE__, "1+2+", 480}, // the whole text before the end, without its separator
+        {__LINE__, "1+2+", 480}, // all digits before the end, without the separator
         {__LINE__, "12+34:", 1234 * 40},
         {__LINE__, "1+2+3", kUnreadable},
         {__LINE__, "1++2", kUnreadable},
@@ -413,9 +413,9 @@ TEST(TimecodeParseFeetFrames, SixteenMillimetres_Have40FramesAFoot)
         {__LINE__, " 1", kUnreadable},
         {__LINE__, "1 ", kUnreadable},
         {__LINE__, "1x", kUnreadable},
-        {__LINE__, ":5", 5},      // a separator in front makes the feet empty
+        {__LINE__, ":5", 5},      // a leading separator makes the feet empty
         {__LINE__, "123456789+1", 123456789LL * 40 + 1},
-        // a lone sign is zero here, and so is a lone separator
+        // a lone sign or a lone separator is zero here
         {__LINE__, "-", 0},
         {__LINE__, "+", 0},
         {__LINE__, ":", 0},

@@ -1,4 +1,4 @@
-// What the tests of Timecode share: texts, formats with their rates, and the recorder of reports.
+// Shared helpers of the tests of Timecode: texts, formats with their rates, and the recorder of reports.
 #pragma once
 
 #include <CheckRecorder.h>
@@ -16,7 +16,7 @@
 
 namespace tvxmediatypes {
 
-// How a failed expectation shows them.
+// Formats a time for failed expectations.
 inline void PrintTo(const TickTime& inTime, std::ostream* outStream)
 {
     *outStream << inTime.GetTicks() << " ticks";
@@ -48,13 +48,13 @@ inline std::string Narrow(const UTF16String& inText)
     return narrow;
 }
 
-/// A format with a rate that belongs to it.
+/// A format with a matching rate.
 struct Format
 {
     const char* mName;
     TimeDisplay mDisplay;
     FrameRate mRate;
-    long long mLabelsPerSecond; // as the labels count them; frames of the rate in a foot count do not matter
+    long long mLabelsPerSecond; // in the label's count; unused for feet
 };
 
 inline constexpr Format kClockFormats[] = {
@@ -70,7 +70,7 @@ inline constexpr Format kClockFormats[] = {
     {"23976", kTimeDisplay_23976Timecode, kFrameRate_23976, 24},
 };
 
-/// Shorthand for a time of so many frames.
+/// Returns the time of inFrames frames.
 inline TickTime Frames(long long inFrames, const FrameRate& inRate)
 {
     return TickTime(inFrames, inRate);
@@ -90,14 +90,14 @@ inline Timecode::Style PreviousFrameStyle()
     return style;
 }
 
-/// The fields of a record as one value that failures print.
+/// Returns the fields of a record as one printable value.
 inline std::string Fields(const Timecode::PrivateImpl& inImpl)
 {
     return (inImpl.mIsNegative ? "-" : "") + std::to_string(inImpl.mHours) + " " + std::to_string(inImpl.mMinutes) + " "
            + std::to_string(inImpl.mSeconds) + " " + std::to_string(inImpl.mFrames);
 }
 
-/// A record whose fields are set by hand, as a long edit leaves them.
+/// Returns a record with the given fields, as after many edits.
 inline Timecode::PrivateImpl RecordOf(int inHours, int inMinutes, int inSeconds, long long inFrames,
                                       const FrameRate& inRate, TimeDisplay inDisplay, bool inIsNegative = false)
 {

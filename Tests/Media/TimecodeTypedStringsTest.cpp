@@ -1,5 +1,5 @@
-// A million typed texts against a second reading of the entry rules, written on its own: it takes the text apart into pieces
-// first and computes in ticks, where the library scans once and computes in frames.
+// Checks a million typed texts against an independent implementation of the entry rules. It first splits the text into
+// pieces and computes in ticks; the library scans once and computes in frames.
 #include <ORLTimecode.h>
 
 #include <CheckRecorder.h>
@@ -110,7 +110,8 @@ bool IsSeparator(char16_t inUnit, bool inIsFeet)
     return inUnit == u':' || inUnit == u';' || inUnit == u'.' || (inIsFeet && inUnit == u'+');
 }
 
-// Cuts at every separator; nothing when a unit is neither digit nor separator, or two separators meet.
+// Splits at every separator. Returns nothing if a unit is neither digit nor separator, or if two separators are
+// adjacent.
 std::optional<std::vector<std::u16string>> Cut(const std::u16string& inText, bool inIsFeet)
 {
     std::vector<std::u16string> fields(1);
@@ -182,7 +183,7 @@ struct Label
     std::int64_t mFrames = 0;
 };
 
-// The digits of a lone number, as many to the frames as the rate needs and two to each other field.
+// Splits the digits of a single number: the frames take as many as the rate needs, each other field takes two.
 Label SplitDigits(Count inValue, const FrameRate& inRate)
 {
     Count base = 100;
@@ -220,14 +221,14 @@ FrameRate Nominal(const FrameRate& inRate)
     return inRate == kFrameRate_23976 ? kFrameRate_Film24 : inRate;
 }
 
-// A double becomes a 32-bit number as the machine does it: what does not fit becomes the lowest number.
+// Converts like the processor: a double that does not fit becomes the lowest number.
 std::int32_t ToInt32(double inValue)
 {
     const bool fits = inValue > -2147483649.0 && inValue < 2147483648.0;
     return fits ? static_cast<std::int32_t>(inValue) : (std::numeric_limits<std::int32_t>::min)();
 }
 
-// True when frames are left above the rate, which is reported.
+// Returns true if the frames still exceed the rate, which is reported.
 bool CarryFrames(Label& ioLabel, FrameRate inRate)
 {
     const auto isOver = [&] {
@@ -275,7 +276,7 @@ Count DropFrames(const Label& inLabel, bool inIsHD, bool& outReports)
     return Count(minute) + Count(inLabel.mFrames) - Count(2 * scale);
 }
 
-// A double becomes an unsigned 64-bit number as at home: what is too great becomes 2 to the 63rd.
+// Converts like Windows: a double that is too large becomes 2^63.
 Count ToCount(double inValue)
 {
     return inValue < 18446744073709551616.0 ? static_cast<Count>(inValue) : Count(1) << 63;
@@ -296,7 +297,7 @@ Count FramesOf(const Label& inLabel, int inDisplay, const FrameRate& inRate, boo
     }
 }
 
-// Above a day, days are taken away. Below minus a day, days are taken away too, until the count wraps.
+// Subtracts days from a time above a day. Also subtracts days from a time below minus a day, until the count wraps.
 Ticks Fold(Ticks inTime)
 {
     if (inTime > kDay) {
@@ -344,8 +345,8 @@ std::optional<Ticks> ReadLabel(const std::u16string& inText, int inDisplay, cons
 
 struct Reading
 {
-    std::optional<Ticks> mTicks; // nothing where the text cannot be read
-    bool mReports = false;       // an assertion is made
+    std::optional<Ticks> mTicks; // nothing if the text cannot be parsed
+    bool mReports = false;       // an assertion is reported
 };
 
 Reading Read(const UTF16String& inText, int inDisplay, const FrameRate& inRate, bool inPrevious)

@@ -1,4 +1,4 @@
-// Texts as people type timecode, well and badly: the source of random tests and of fuzzing seeds.
+// Generates timecode texts as people type them, correct and incorrect, for random tests and fuzzing seeds.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -9,8 +9,8 @@
 
 namespace ORLTest {
 
-/// Gives one random text after the other, and a format, rate and flag to read it with. The same seed gives the same
-/// texts on every platform.
+/// Generates random texts, each with a format, rate and flag for parsing it. The same seed gives the same texts on
+/// every platform.
 class TypedStringGrammar
 {
 public:
@@ -55,7 +55,7 @@ private:
         return static_cast<tvxmediatypes::TimeDisplay>(AnyOf(kDisplays));
     }
 
-    // Mostly the rate of the format, at times any other.
+    // Usually the rate of the format, sometimes any other.
     tvxmediatypes::FrameRate AnyRate(tvxmediatypes::TimeDisplay inDisplay)
     {
         using namespace tvxmediatypes;
@@ -78,7 +78,7 @@ private:
         return kOwn[inDisplay - kTimeDisplay_24Timecode];
     }
 
-    // sign, lead separator, fields, trailing separator: each may be there or not
+    // sign, leading separator, fields, trailing separator: each is optional
     void AppendTyped()
     {
         AppendSign();
@@ -123,7 +123,7 @@ private:
         }
     }
 
-    // Numbers at the limits of fields, of rates and of the folds.
+    // Numbers at the limits of fields, rates and folds.
     static constexpr unsigned long long kEdges[] = {
         0,     1,     2,     3,     4,     9,     10,    11,    12,     13,     14,     15,    23,    24,   25,
         28,    29,    30,    31,    49,    50,    51,    59,    60,     61,     99,     100,   101,   999,  1000,
@@ -145,7 +145,7 @@ private:
         }
     }
 
-    // Something that does not belong: junk somewhere, a unit twice, or one missing.
+    // Adds an error: a junk unit, a doubled unit or a missing one.
     void Spoil()
     {
         static constexpr unsigned short kJunk[] = {' ',    'a',    '-',    '+',    ',',    '/',    ':',    '\t',
