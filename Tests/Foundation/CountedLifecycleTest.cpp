@@ -118,7 +118,7 @@ TEST_F(CountedLifecycleTest, ExceptionOfAStopStep_LeavesWithTheLockFreeAndTheCou
 
 namespace {
 
-// Plain on purpose: the lock of the lifecycle is what guards it.
+// Deliberately not atomic: the lock of the lifecycle guards it.
 bool sIsRunning = false;
 int sStarts = 0;
 std::atomic<int> sFaults{0};

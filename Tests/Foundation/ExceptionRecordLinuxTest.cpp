@@ -1,4 +1,5 @@
-// Exception records from real signals. Each failure happens in a child, whose handler sends the record to the test.
+// Exception records of real signals. Each failure happens in a child process, whose handler sends the record to the
+// test.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 
@@ -17,10 +18,10 @@ namespace {
 
 int sPipe = -1;
 
-// The child's handler may call nothing but what a signal handler may call.
+// The child's handler may only make async-signal-safe calls.
 void SendRecord(int, siginfo_t* inInfo, void* inContext)
 {
-    // One test has the processor check every alignment, and the kernel leaves that on.
+    // Clears the alignment-check flag, which one test sets and the kernel leaves set in handlers.
     __asm__ volatile("pushfq\n\tandq $~0x40000, (%%rsp)\n\tpopfq" : : : "memory", "cc");
     _EXCEPTION_RECORD record;
     const bool isFilled = ORL::Linux::MakeExceptionRecord(*inInfo, inContext, record);
@@ -59,7 +60,7 @@ Crash CrashOf(Function inFunction)
         sPipe = ends[1];
         HandleSignals();
         inFunction();
-        _exit(2); // the failure did not happen
+        _exit(2); // reached only if the failure did not happen
     }
     close(ends[1]);
     Crash crash{};
@@ -77,12 +78,12 @@ std::uint64_t NumberOf(const void* inAddress)
     return reinterpret_cast<std::uint64_t>(inAddress);
 }
 
-// A page that may be read only, and one that holds code.
+// Returns a page of "return" instructions with the given protection.
 void* ProtectedPage(int inProtection)
 {
     void* const page = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     EXPECT_NE(MAP_FAILED, page);
-    std::memset(page, 0xC3, 4096); // "return", many times
+    std::memset(page, 0xC3, 4096); // the "return" instruction, repeated
     EXPECT_EQ(0, mprotect(page, 4096, inProtection));
     return page;
 }
@@ -100,7 +101,7 @@ void ExpectAccess(const Crash& inCrash, std::uint64_t inAccess, std::uint64_t in
 
 void DivideFloats(volatile double& outQuotient, double inDividend, double inDivisor)
 {
-    // By hand, so that the sanitizers and the optimiser leave it alone.
+    // In assembly, so that sanitizers and the optimiser do not change it.
     double quotient = inDividend;
     __asm__ volatile("divsd %1, %0" : "+x"(quotient) : "x"(inDivisor));
     outQuotient = quotient;
@@ -170,7 +171,7 @@ TEST(ExceptionRecordFromSignal, MisalignedAddress_IsThatWhereTheProcessorChecks)
 {
     EXPECT_EQ(0x80000002u, CodeOf([] {
                   alignas(8) char bytes[16] = {};
-                  // Sets the flag by which the processor checks the alignment of every access.
+                  // Sets the flag that makes the processor check the alignment of every access.
                   __asm__ volatile("pushfq\n\torq $0x40000, (%%rsp)\n\tpopfq\n\tmovl 1(%0), %%eax"
                                    :
                                    : "r"(bytes)

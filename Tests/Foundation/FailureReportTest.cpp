@@ -1,4 +1,4 @@
-// What becomes of an exception that nobody handled.
+// The handling of an exception that no code caught.
 #include <ORLFailureReport.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>
@@ -21,7 +21,7 @@ namespace {
 
 const std::string kTitle = "Unhandled Exception caught!";
 
-// What the alert says on a thread without a record.
+// Returns the text of the alert on a thread without a record.
 std::string AlertText(const std::string& inBegin)
 {
     return inBegin + "ThreadName: Unnamed Thread\r\nThreadID: " + std::to_string(tvxcore::threads::GetCurrentThreadID())
@@ -60,7 +60,7 @@ long ThrowNumber()
     throw 17;
 }
 
-// The flags of "never again" live as long as the process, so each story of them has one of its own.
+// The "never again" flags last as long as the process, so each test of them runs in its own process.
 void InAProcessOfItsOwn(const std::function<bool()>& inStory)
 {
     EXPECT_EXIT(std::_Exit(inStory() ? 0 : 1), testing::ExitedWithCode(0), "");
@@ -92,7 +92,7 @@ TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)
 TEST(UnhandledExceptionAlert, OnANamedThread_ShowsItsNamesAsUTF8)
 {
     CheckRecorder recorder;
-    ThreadManager::RegisterMainThread(); // opens the records
+    ThreadManager::RegisterMainThread(); // starts the records
     bool ignore = false;
     ThrowAfterUnhandledExceptionAlert(ignore, "");
     const ThreadManager::ThreadInfo& info = *ThreadManager::GetCurrentThreadInfo();
@@ -188,7 +188,7 @@ TEST(TopLevelHandlerDeathTest, NeverAgain_HoldsForExceptionsOfThatClauseAlone)
             CheckRecorder recorder;
             recorder.mDisplayChoice = choice;
             const bool first = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
-            recorder.mDisplayChoice = 0; // nobody is asked, so nobody answers
+            recorder.mDisplayChoice = 0; // would be the answer if the alert were displayed
             const bool silent = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
             const bool other = Execute(&ThrowNumber) == 1 && recorder.Reports().size() == 2;
             return first && silent && other;

@@ -33,10 +33,10 @@ void ExpectHostSays(const char* inMode, const std::string& inOutput, const char*
     EXPECT_EQ(inOutput, result.mOutput) << inMode;
 }
 
-// Whether the queue took a request, which then has run.
+// Returns whether the queue accepted a request and ran it.
 bool Runs(ThreadedWorkQueue& ioQueue)
 {
-    // Who opens a gate may still be in it when the wait is over.
+    // The thread that opens a gate may still be inside Open when the wait returns.
     static std::deque<WaitableGate> sGates;
     WaitableGate& gate = sGates.emplace_back();
     const bool isTaken = ioQueue.QueueRequest(MakeRequest([&gate] { gate.Open(); }));
@@ -49,7 +49,7 @@ void KeepBytesRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsig
     *static_cast<unsigned int*>(outBytesRead) = inBytesRead;
 }
 
-// 0 when the file could not be opened. One page of it is asked for.
+// Reads one page. Returns 0 if the file cannot be opened.
 unsigned int BytesReadOf(const UTF16String& inPath)
 {
     alignas(4096) static char sBuffer[4096];
@@ -62,7 +62,7 @@ unsigned int BytesReadOf(const UTF16String& inPath)
     return bytesRead;
 }
 
-/// Restarts report a check of the thread records, which is theirs to test.
+/// A restart fails a check of the thread records, which other tests cover; the recorder absorbs it.
 class FoundationTest : public ::testing::Test
 {
 protected:
@@ -75,7 +75,7 @@ namespace {
 
 const auto kTracedCategory = reinterpret_cast<const unsigned char*>("ORLFoundation::TVXErrorManager");
 
-/// What runs, as its users see it.
+/// The running services, as users see them.
 class Services
 {
 public:
@@ -100,7 +100,7 @@ public:
         return running;
     }
 
-    /// What runs after each step of a sequence.
+    /// Returns the running services after each step of a sequence.
     std::vector<std::string> After(const LifecycleStep* inSteps, std::size_t inCount) const
     {
         std::vector<std::string> running;
@@ -123,8 +123,8 @@ class Apostrophes : public std::numpunct<char>
 
 } // namespace
 
-// The steps are run one by one, and what each has done is seen before the next. Nothing is to be seen of the two steps of
-// the exceptions, which are empty.
+// Runs the steps one by one and checks the effect of each before the next. The two steps of the exceptions are empty
+// and have no visible effect.
 TEST_F(FoundationTest, StartAndStop_DoTheirWorkInTheirFixedOrders)
 {
     const TempFolder folder;
@@ -187,7 +187,7 @@ TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstS
 TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheMainThread)
 {
     Foundation::Initialize();
-    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // keeps its address taken
+    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // prevents reuse of its address
     Foundation::Terminate();
     Foundation::Initialize();
     const ObjectPtr<MemoryRecycler, AtomicValue> second = MemoryRecycler::Instance();
@@ -260,7 +260,7 @@ TEST(SingletonConstructionLock, IsNotTheLockOfStartAndStop)
     EXPECT_NE(&FoundationLifecycle().mLock, &ORLGetGlobalCriticalSectionForSingletonConstruction());
 }
 
-// Each mode is a host of its own, linked to the shared libraries as hosts are.
+// Each mode runs a separate host, linked to the shared libraries as real hosts are.
 TEST(FoundationHost, StartedByAStaticAndStoppedByItsDestructor_EndsCleanly)
 {
     ExpectHostSays("plain", "started\nmain\nstopped\n", "lifecycle_static_host");
@@ -276,7 +276,7 @@ TEST(FoundationHost, UsedByAStaticDestructorAfterTheStop_StillHasItsLocksObjects
     ExpectHostSays("late-use", "started\nmain\nstopped\nused after the stop\n");
 }
 
-// The library's threads are wherever they are when the process ends, so this is done several times.
+// The library's threads may be anywhere when the process ends, so this is repeated.
 TEST(FoundationHost, NeverStopped_EndsCleanly)
 {
     for (int round = 0; round < 10; ++round) {

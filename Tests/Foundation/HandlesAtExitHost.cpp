@@ -1,5 +1,5 @@
-// Ends while threads of its own copy and release handles of names, buffers and queues, read, compare and look for names and
-// enter new ones, and with handles in static storage.
+// Ends while its threads copy and release handles of names, buffers and queues, and read, compare, look up and add
+// names. Further handles are in static storage.
 #include <ORLFoundation.h>
 
 #include <atomic>
@@ -18,7 +18,7 @@ constexpr int kThreads = 4;
 
 std::atomic<int> sRounds[kThreads];
 
-// Goes after the exit action of the table of names, since it came before.
+// Constructed before the exit action of the name table was registered, so it is destroyed after that action.
 ImmutableString sName;
 
 struct Shared
@@ -26,7 +26,7 @@ struct Shared
     std::vector<std::string> mTexts;
     std::vector<ImmutableString> mNames;
     ORL::ObjectPtr<ORL::MemoryRecycler, ORL::AtomicValue> mRecycler = ORL::MemoryRecycler::Instance();
-    bool mIsStopped = false; // nobody requests the pool while it is being dropped
+    bool mIsStopped = false; // no thread requests the pool while main drops it
     ORL::InterfaceRef<ORL::ThreadedWorkQueue> mQueue =
         ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
 };
@@ -42,9 +42,9 @@ std::string TextOf(std::size_t inNumber)
     return "a name of some length, number " + std::to_string(inNumber);
 }
 
-// A name is one record, found again and readable, and a new one can be entered. No text here takes memory of the system's
-// heap: where the system ends threads at the end of a process, the one that is in the heap leaves its lock taken, and under
-// Wine 8 whatever frees something then waits for ever.
+// A name is one record that can be found and read, and new names can be added. No text here uses the system's heap.
+// When Windows ends the threads at process exit, a thread inside the heap leaves its lock held, and under Wine 8 the
+// next free then waits forever.
 void UseNames(const ImmutableString& inName, const std::string& inText, std::size_t inRound)
 {
     if (inText != reinterpret_cast<const char*>(inName.c_str()) || inName.Compare(inText) != 0) {
@@ -58,7 +58,7 @@ void UseNames(const ImmutableString& inName, const std::string& inText, std::siz
     }
 }
 
-// Never ends.
+// Never returns.
 void UseHandles(const Shared& inShared, std::atomic<int>& ioRounds)
 {
     ImmutableString held;
@@ -98,7 +98,7 @@ void StartThreads(const Shared& inShared)
 
 int main(int argc, char** argv)
 {
-    std::atexit(&LetEachThreadGoOn); // runs behind the exit action of the table of names, which is registered later
+    std::atexit(&LetEachThreadGoOn); // runs after the exit action of the name table, which is registered later
     ORL::Foundation::Initialize();
     Shared* const shared = new Shared; // the threads outlive main
     for (std::size_t i = 0; i < 100; ++i) {

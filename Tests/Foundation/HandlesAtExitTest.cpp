@@ -1,4 +1,4 @@
-// The end of a process finds handles in the hands of other threads, which go on copying and releasing them.
+// A process ends while other threads still copy and release handles.
 #include <QuietEnd.h>
 
 #include <gtest/gtest.h>

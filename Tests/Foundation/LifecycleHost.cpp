@@ -1,5 +1,5 @@
-// A host that starts and stops the library, and uses it from static objects. Its only argument is the mode; it says
-// what it does. With ORL_START_STATICALLY the start comes from a static constructor, before main.
+// A host that starts and stops the library and uses it from static objects. Its only argument is the mode; it prints
+// what it does. With ORL_START_STATICALLY a static constructor starts the library before main.
 #include <ORLFoundation.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 namespace {
 
 std::string sMode;
-std::string sProgram; // the host path of this program, a file that is surely there
+std::string sProgram; // the host path of this program, an existing file
 
 bool IsMode(const char* inMode)
 {
@@ -57,8 +57,8 @@ void ReadAFile(void* outBuffer)
     }
 }
 
-// Several hosts in one process, none of which knows when the others start and stop. Only one of their threads can be
-// the main thread; the others are told so by a check, which is answered for good.
+// Several hosts in one process that start and stop independently. Only one of their threads can be the main thread; the
+// check that reports this to the others is answered with "ignore".
 void RunHostsAtOnce()
 {
     tvxcore::debug::Dialogs dialogs;
@@ -86,7 +86,7 @@ void RunHostsAtOnce()
     }
 }
 
-// The locks lie in one row, so a host sees in their places which entries it was given.
+// The locks lie in an array, so their addresses show the order in which they are handed out.
 void SayWherePooledLocksStand()
 {
     std::vector<ORL::CriticalSection*> given;
@@ -99,7 +99,7 @@ void SayWherePooledLocksStand()
     Say(given == row ? "in rotation from entry 1" : "in another order");
 }
 
-/// Destroyed after StartsAndStops, since it was built before it.
+/// Constructed before StartsAndStops, so destroyed after it.
 struct UsesLate
 {
     ~UsesLate()

@@ -1,5 +1,5 @@
-// Loads the library, starts it, uses it, stops it and unloads it, again and again, by itself and through a plug-in that is
-// linked to it, and compares what the process holds after the first rounds with what it holds at the end. The only argument
+// Repeatedly loads the library, starts it, uses it, stops it and unloads it, directly and through a plug-in that is
+// linked to it. Compares the resources of the process after the first rounds with those at the end. The only argument
 // is the mode.
 #include "LoadUnloadHost.h"
 
@@ -14,8 +14,8 @@ using namespace LoadUnload;
 namespace {
 
 constexpr int kRounds = 120;
-constexpr int kSettled = 20; // by then every one-time buffer of the system's libraries exists
-[[maybe_unused]] constexpr std::size_t kNoise = 192 << 10; // the heap grows in steps of 128 KiB; about half a page a round
+constexpr int kSettled = 20; // by then all one-time buffers of the system's libraries exist
+[[maybe_unused]] constexpr std::size_t kNoise = 192 << 10; // the heap grows in 128 KiB steps; about half a page a round
 
 [[noreturn]] void Fail(const char* inWhat, int inRound)
 {
@@ -74,7 +74,7 @@ void UseSmallBlocks(const Library& inLibrary)
     }
 }
 
-// The plug-in brings the library and takes it away again.
+// Loading the plug-in loads the library, and unloading it unloads the library.
 void RunPlugIn(const char* inFileToRead, int inRound)
 {
     void* const plugIn = Load(ORL_MODULE_FILE);
@@ -126,7 +126,7 @@ void RunRounds(const char* inFileToRead)
         }
     }
     const Footprint end = Measure();
-#if !defined(ORL_SANITIZED) // a sanitizer keeps what is freed, in memory of its own
+#if !defined(ORL_SANITIZED) // a sanitizer keeps freed memory
     ExpectNoGrowth("memory", settled.mMemory, end.mMemory, kNoise);
     ExpectNoGrowth("mappings", settled.mMappings, end.mMappings, 2);
 #endif

@@ -1,21 +1,21 @@
-// What the host that loads and unloads the library needs of the system.
+// The platform part of the host that loads and unloads the library.
 #pragma once
 
 #include <cstddef>
 
 namespace LoadUnload {
 
-/// Handle of the loaded library beside this program, null on failure.
+/// Returns the handle of the loaded library beside this program, or null on failure.
 void* Load(const char* inFileName);
 bool Unload(void* inLibrary);
 
-/// True while any of our libraries is in the process.
+/// Returns whether any of our libraries is loaded.
 bool IsAnyOfOursLoaded();
 
-/// Address of an exported function by its linker name, null when it is missing.
+/// Returns the address of an exported function by its linker name, or null if it is missing.
 void* Find(void* inLibrary, const char* inName);
 
-/// What must not grow from round to round.
+/// Resources that must not grow from round to round.
 struct Footprint
 {
     std::size_t mMemory = 0;   // private bytes

@@ -1,5 +1,5 @@
-// A plug-in that uses the library as its hosts do, for the host that loads and unloads both: what starts with the first use and
-// must have gone again at the unload.
+// A plug-in that uses the library like a host, for the host that loads and unloads both. Everything that starts on
+// first use must be gone after the unload.
 #include <CRV/Application.h>
 #include <ORLFoundation.h>
 
@@ -37,7 +37,7 @@ void CategoriesOfNothing(std::vector<ORL::Guid>& outCategories)
     outCategories.push_back(ORL::Guid(17, 18));
 }
 
-// What is kept for the life of the process goes with the library.
+// Uses objects that live as long as the process, or until the library is unloaded.
 bool UseWhatStays()
 {
     CRV::SetApplicationName("a host of some name");
@@ -49,7 +49,8 @@ bool UseWhatStays()
            && !ORL::ThreadManager::GetCurrentThreadInfo()->GetThreadName().empty();
 }
 
-// The stop ends the queue's thread, which may still be in the gate when the wait is over; so the gate is not this function's.
+// The stop ends the queue's thread, which may still be inside the gate when the wait returns. The caller therefore owns
+// the gate.
 bool UseSharedQueueAndGate(WaitableGate& ioGate)
 {
     const auto queue = ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
@@ -98,7 +99,7 @@ const char* UseAll(const char* inHostPath, WaitableGate& ioGate)
 
 } // namespace
 
-/// Starts the library, uses it and stops it. Null when all went well, else what did not.
+/// Starts the library, uses it and stops it. Returns null on success, else a description of the failure.
 MODULE_EXPORT const char* UseTheLibrary(const char* inHostPath)
 {
     WaitableGate gate;

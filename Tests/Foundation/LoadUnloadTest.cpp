@@ -1,4 +1,4 @@
-// A host may load the library when it needs it and unload it when it does not, any number of times.
+// A host may load and unload the library any number of times.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

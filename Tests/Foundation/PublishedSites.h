@@ -1,5 +1,5 @@
-// Checks whose identity is published: crash triage and users' lists of ignored checks are keyed by it. Each room has a
-// table of its sites in a file of its own, PublishedSites<Room>Test.cpp:
+// Checks whose identity is published, because crash triage and users' lists of ignored checks use it as the key. Each
+// room has a table of its sites in the file PublishedSites<Room>Test.cpp:
 //
 //   const PublishedSite kSites[] = {
 //       {__LINE__, PublishedSite::kAssert, "false", "message\r\n", "Source", 12, "ORL::Class::Function", [] { ... }},
@@ -25,14 +25,13 @@ struct PublishedSite
     Kind mKind;
     const char* mExpression;
     const char* mMessage; // of an assertion
-    const char* mSource;   // null where none is published
-    long mLine;            // 0 where none is published
-    const char* mFunction; // of an assertion, null where none is published; a contract tells none
-    void (*mProvoke)();    // breaks the check once; an exception of the library may leave it
+    const char* mSource;   // null if none is published
+    long mLine;            // 0 if none is published
+    const char* mFunction; // of an assertion, null if none is published; contracts have none
+    void (*mProvoke)();    // fails the check once; may throw an exception of the library
 };
 
-/// Breaks the check and looks at its report. A broken contract does not come back to the site, and a failed assertion
-/// does.
+/// Fails the check and compares its report. A failed contract throws; a failed assertion returns to its site.
 inline void ExpectPublished(const PublishedSite& inSite)
 {
     SCOPED_TRACE("row at line " + std::to_string(inSite.mTableLine));
@@ -44,7 +43,7 @@ inline void ExpectPublished(const PublishedSite& inSite)
     } catch (const CheckRecorder::ContractError& error) {
         leftByContract = true;
         EXPECT_EQ(inSite.mKind == PublishedSite::kOutputContract ? 26 : 25, error.mErrorID);
-    } catch (const ORL::Exception&) { // what the site's function throws behind its check
+    } catch (const ORL::Exception&) { // thrown by the site's function after its check
     }
     const bool isAssert = inSite.mKind == PublishedSite::kAssert;
     EXPECT_EQ(!isAssert, leftByContract);

@@ -11,7 +11,7 @@ using ORLTest::Units;
 
 namespace {
 
-constexpr unsigned kNoPage = 12345; // every system lacks it
+constexpr unsigned kNoPage = 12345; // no system has this page
 
 const PublishedSite kSites[] = {
     {__LINE__, PublishedSite::kAssert, "resultLength > 0", "", "StringUtils", 570,

@@ -9,7 +9,7 @@ using namespace ORLTest;
 
 namespace {
 
-// A file that is open while this lives, and the folder it is in.
+// A file that is open as long as this object lives, and its folder.
 struct OpenClip
 {
     OpenClip() { mFolder.MakeFile("f", "x"); }

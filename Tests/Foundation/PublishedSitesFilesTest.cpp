@@ -22,13 +22,13 @@ namespace {
 
 const UTF16String kEmpty;
 
-// A system whose folder for temporary files has a name too long for any buffer.
+// Fakes a temporary folder whose name is too long for any buffer.
 unsigned long LongTempPath(unsigned long, unsigned short*)
 {
     return 600;
 }
 
-/// The machinery of asynchronous reads runs while this lives.
+/// Starts asynchronous reads; the destructor stops them.
 struct Machinery
 {
     Machinery() { StartupAsyncFileOperations(); }
@@ -41,7 +41,7 @@ void StartTwice()
     StartupAsyncFileOperations();
 }
 
-// A thread queue that is left from an earlier start.
+// Starts although a thread queue remains from an earlier start.
 void StartBesideAQueueThatWasLeft()
 {
     struct Queue
@@ -88,7 +88,7 @@ void QueueAfterTheStop()
         EXPECT_EQ(kSuccess, AsyncFileReader::Open(folder.Path(u"clip.mov"), reader));
     }
     EXPECT_EQ(-1, reader.QueueReadRequest(0, 512, nullptr, nullptr, nullptr, nullptr, nullptr));
-    reader.Close(); // no read is left in the list to wait for
+    reader.Close(); // no read is in the list to wait for
 }
 
 void FreeTwice()
@@ -145,7 +145,7 @@ const PublishedSite kReadSites[] = {
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort == NULL", "", nullptr, 0, "", &StartTwice},
     {__LINE__, PublishedSite::kAssert, "sReadThreadQueue == NULL", "", nullptr, 0, nullptr, &StartBesideAQueueThatWasLeft},
     {__LINE__, PublishedSite::kAssert, "result", "", nullptr, 0, nullptr, &TerminateAsyncFileOperations},
-    // the reader; "request", in QueueReadRequest, cannot fail: the pool of requests waits and never answers null
+    // the reader; "request" in QueueReadRequest cannot fail, because the pool of requests waits and never returns null
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", "",
      nullptr, 0, "", &OpenBeforeTheStart},
     {__LINE__, PublishedSite::kInputContract,

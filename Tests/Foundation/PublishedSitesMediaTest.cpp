@@ -1,4 +1,4 @@
-// The sites of geometry. That of the hash, "len < 12", cannot fail: the loop before it leaves fewer bytes.
+// The sites of geometry. The hash's site "len < 12" cannot fail: the loop before it leaves fewer bytes.
 #include <PublishedSites.h>
 
 #include <ORLGeometry.h>

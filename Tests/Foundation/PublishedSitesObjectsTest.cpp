@@ -1,4 +1,4 @@
-// The sites of the rooms with the class factory, large buffers and names.
+// The sites of the class factory, large buffers and names.
 #include <PublishedSites.h>
 
 #include <ClassCategories.h>
@@ -9,7 +9,7 @@
 #include <map>
 #include <vector>
 
-// The linker sends the calls of this function here, so that a runtime can be played whose heap calls handlers.
+// The linker redirects the calls to this function, which simulates a runtime whose heap calls new handlers.
 int WrappedQueryNewMode() __asm__("__wrap__ZN3ORL10PageMemory8Platform17QueryNewMode_ImplEv");
 
 namespace {
@@ -31,7 +31,7 @@ namespace {
 
 void CreateNothing(InterfaceRef<ORLUnknown, ORLUnknown>&) {}
 
-// The entry of a class says that it is another one.
+// Makes a class's entry contain the identifier of another class.
 void AskForATokenThatLies()
 {
     constexpr Guid kClass(0x5173, 1);
@@ -40,7 +40,7 @@ void AskForATokenThatLies()
     ClassFactory::GetClassTokenFromClassID(kClass);
 }
 
-// A map that loses what is put into it. Its end can be looked at, as the code behind the check does.
+// A map that loses its insertions. Its end can be dereferenced, because the code after the check does so.
 class ForgetfulMap
 {
 public:

@@ -10,7 +10,7 @@
 #include <exception>
 #include <thread>
 
-// The linker sends the calls of this function here, so that a system without a free slot can be played.
+// The linker redirects the calls to this function, which simulates a system without a free slot.
 std::uint32_t WrappedAllocateSlot() __asm__("__wrap__ZN3ORL13ThreadManager8Platform17AllocateSlot_ImplEv");
 std::uint32_t RealAllocateSlot() __asm__("__real__ZN3ORL13ThreadManager8Platform17AllocateSlot_ImplEv");
 
@@ -33,7 +33,7 @@ using ORLTest::PublishedSite;
 
 namespace {
 
-// What leaves inWork on another thread leaves here, too.
+// Runs inWork on another thread and rethrows its exception here.
 void OnAnotherThread(void (*inWork)())
 {
     std::exception_ptr left;
@@ -167,7 +167,7 @@ void ExpectUnnamedThreadsWithoutASlot()
     sNoSlotIsFree = false;
 }
 
-// In a process of its own, since the number of an earlier slot would be reported, too.
+// Runs in its own process, because an already allocated slot would be reported too.
 using PublishedSitesDeathTest = testing::Test;
 
 TEST_F(PublishedSitesDeathTest, OfThreadRecordsWithoutASlot_AreReportedAsPublishedAndEveryThreadIsUnnamed)
@@ -186,7 +186,7 @@ TEST(PublishedSites, OfTheFlush_AreReportedAsPublished)
     ExpectPublished(kFlushSites);
 }
 
-// A queue that takes no items reports one site for each item, and the other one once.
+// A queue that refuses items causes one report of the first site for each item, and one report of the second.
 TEST(PublishedSites, OfAFlushThatIsRefused_AreReportedAsPublished)
 {
     const Queue queue = StartedQueue();

@@ -12,7 +12,7 @@ using ORLTest::PublishedSite;
 
 namespace {
 
-// A path that no operation takes, so that nothing is opened or created.
+// A path that every operation refuses, so that nothing is opened or created.
 const char* const kRefused = "\\";
 
 void OpenBelowAnUnknownRoot()

@@ -15,7 +15,7 @@ using ORLTest::PublishedSite;
 
 namespace {
 
-/// A target that stands one byte off its place, but inside of one memory line.
+/// A target that is misaligned by one byte, but lies within one cache line.
 template <class T>
 struct Misaligned
 {
@@ -38,7 +38,7 @@ using Pointer = Misaligned<int*>;
 
 int sObject;
 
-// Each serves its misaligned target all the same.
+// Each function still works on its misaligned target.
 void IncrementMisaligned()
 {
     Number number(5);
@@ -163,7 +163,7 @@ TEST(PublishedSites, OfCoreAndObjects_AreReportedAsPublished)
     ExpectPublished(kSites);
 }
 
-// Behind this check a null pointer is dereferenced, so the report itself leaves.
+// The code after this check dereferences a null pointer, so the report throws.
 TEST(PublishedSites, StarOfAnEmptyObjectPtr_IsReportedAsPublished)
 {
     ORLTest::CheckRecorder recorder;

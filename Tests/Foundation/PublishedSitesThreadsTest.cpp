@@ -48,13 +48,13 @@ void MakeAnEventThatTheSystemRefuses()
 {
     struct Refusal
     {
-        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // not enough memory
+        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // out of memory
         ~Refusal() { Events::Platform::InstallCreateFault(nullptr); }
     } const refusal;
     WaitableObject refused;
 }
 
-/// The gates that a pool of this policy lends are the ones it is shown; it destroys none.
+/// A pool with this policy lends the given gate; it destroys none.
 struct ShownGates : Sync::SystemPolicy
 {
     static inline WaitableGate* sShown = nullptr;

@@ -1,8 +1,8 @@
-// The end of a process that has not stopped the library finds every service in use on threads, which go on using it while the
-// static objects of all libraries are destroyed, and after.
+// A process ends without stopping the library. Its threads continue to use every service while the static objects of
+// all libraries are destroyed, and afterwards.
 //
-// Under Wine 8 a process may spin for ever at its end if a thread that the system has ended held the heap's lock, and most
-// of these services use the heap. HandlesAtExitTest.cpp holds on both platforms.
+// Linux only: under Wine 8 a process may spin forever at its end if a thread that was ended held the heap's lock, and
+// most of these services use the heap. HandlesAtExitTest.cpp runs on both platforms.
 #include <QuietEnd.h>
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
-// The table of messages that stands in for the home platform's.
+// The table of messages that replaces Windows' own.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 
 #include <gtest/gtest.h>
 #include <string>
 
-// The search is binary: an entry out of its order would not be found.
+// The search is binary, so it would miss an entry out of order.
 TEST(SystemErrorMessageOnLinux, EveryEntryOfTheTable_IsFound)
 {
     constexpr int kEntries = 167;
@@ -17,7 +17,7 @@ TEST(SystemErrorMessageOnLinux, EveryEntryOfTheTable_IsFound)
     EXPECT_EQ(kEntries, found);
 }
 
-// Wine has no text for this one.
+// Wine has no text for this error.
 TEST(SystemErrorMessageOnLinux, FileThatIsTooLarge_HasASentence)
 {
     EXPECT_EQ("The file is larger than the limit allows.\r\n", ORL::MakeStdString(ORL::Win32ErrorCodeToMessage(223)));

@@ -1,4 +1,4 @@
-// A machine that lacks the locale which the user's settings name.
+// A machine that lacks the locale named in the user's settings.
 #include <ProcessRunner.h>
 
 #include <cstdlib>

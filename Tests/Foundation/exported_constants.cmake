@@ -1,4 +1,4 @@
-# Checks that the shared library exports each constant of exported_constants.txt, and not the key that it keeps.
+# Checks that the shared library exports each constant of exported_constants.txt, but not its private key.
 #   cmake -DLIBRARY=file -DNAMES=file -DTOOL=command -DOPTIONS=list -P exported_constants.cmake
 separate_arguments(OPTIONS)
 execute_process(COMMAND ${TOOL} ${OPTIONS} "${LIBRARY}" OUTPUT_VARIABLE symbols RESULT_VARIABLE result)
@@ -13,7 +13,7 @@ foreach(name IN LISTS names)
     string(LENGTH "${word}" length)
     string(APPEND mangled "${length}${word}")
   endforeach()
-  # The standard library tags names of string objects.
+  # The standard library adds a tag to the names of string objects.
   if(NOT symbols MATCHES "_ZN3ORL${mangled}(B5cxx11)?E")
     message(SEND_ERROR "ORL::${name} is not exported")
   endif()

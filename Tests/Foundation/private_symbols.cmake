@@ -1,4 +1,4 @@
-# Checks the name of a shared library, and that nothing of its inside is exported.
+# Checks the soname of a shared library, and that it exports no private symbols.
 #   cmake -DLIBRARY=file -DNM=command -DOBJDUMP=command -DSONAME=name -P private_symbols.cmake
 execute_process(COMMAND ${OBJDUMP} -p "${LIBRARY}" OUTPUT_VARIABLE head RESULT_VARIABLE result)
 if(NOT result EQUAL 0 OR NOT head MATCHES "SONAME +${SONAME}\n")

@@ -1,4 +1,4 @@
-# Hosts of their own, linked to the shared libraries as hosts are.
+# Separate hosts, linked to the shared libraries as real hosts are.
 add_executable(lifecycle_host Foundation/LifecycleHost.cpp)
 target_link_libraries(lifecycle_host PRIVATE ORLFoundation orl_strict)
 add_executable(lifecycle_static_host Foundation/LifecycleHost.cpp)
@@ -13,7 +13,7 @@ add_executable(services_at_exit_host Foundation/AtExit/ServicesAtExitHost.cpp Fo
 target_link_libraries(services_at_exit_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} services_at_exit_host)
 
-# A host that is not linked to the library, but loads and unloads it, by itself and with a plug-in over it.
+# A host that is not linked to the library, but loads and unloads it, directly and through a plug-in.
 add_executable(load_unload_host Foundation/LoadUnloadHost.cpp Foundation/LoadUnloadHost${ORL_PLATFORM}.cpp)
 target_link_libraries(load_unload_host PRIVATE orl_strict ${CMAKE_DL_LIBS} Threads::Threads)
 add_library(load_unload_module MODULE Foundation/LoadUnloadModule.cpp)
@@ -31,7 +31,7 @@ endif()
 
 add_dependencies(${room_target} lifecycle_host lifecycle_static_host load_unload_host ORLFoundation)
 
-# The published checks of what only a system in trouble brings about: the calls of these functions go to the tests.
+# Some published checks fail only on a system in trouble: the linker redirects these functions to the tests.
 foreach(symbol _ZN3ORL10PageMemory8Platform17QueryNewMode_ImplEv _ZN3ORL13ThreadManager8Platform17AllocateSlot_ImplEv)
   target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol})
 endforeach()

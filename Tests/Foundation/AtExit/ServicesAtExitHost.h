@@ -1,13 +1,13 @@
-// What the host that ends amid its threads needs of the system.
+// The platform part of the host that ends while its threads run.
 #pragma once
 
 namespace AtExit {
 
-/// Waits until each thread has used every service again. A process that is killed in it never gets so far.
+/// Waits until each thread has used every service again. Never returns if the OS has already ended the threads.
 void LetEachThreadGoOn();
 
-/// Has LetEachThreadGoOn run once more after the static objects of every library have been destroyed, where threads still run
-/// then. Windows has stopped them by that time. Called first of all by main.
+/// Makes LetEachThreadGoOn run again after the static objects of every library have been destroyed, if threads still
+/// run then; Windows has ended them by that time. main calls this first.
 void GoOnAfterEveryLibrary();
 
 } // namespace AtExit
