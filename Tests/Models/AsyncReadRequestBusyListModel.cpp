@@ -1,5 +1,5 @@
-// The list of reads in flight, as it ships, with the shipping gate and the shipping pool of gates, under a model
-// checker: removers against waiters.
+// The shipped list of reads in flight, with the shipped gate and gate pool, under a model checker: removals against
+// waits.
 #include <ModelRun.h>
 
 namespace {
@@ -9,7 +9,7 @@ using ORL::Sync::Step;
 struct Request
 {
     Request() { mFinished($) = 0; }
-    rl::var<int> mFinished; // what the callback of the read has written
+    rl::var<int> mFinished; // written by the callback of the read
 };
 
 template <class Policy>
@@ -25,7 +25,7 @@ void Finish(List<Policy>& ioList, Request& ioRequest)
     ioList.Remove(&ioRequest);
 }
 
-/// Two reads in flight, each finished by a thread of its own; two threads wait for both.
+/// Two reads in flight, each finished by a separate thread; two threads wait for both.
 template <class Policy>
 struct TwoWaitersShareOneGate : rl::test_suite<TwoWaitersShareOneGate<Policy>, 4>
 {
@@ -57,8 +57,8 @@ struct TwoWaitersShareOneGate : rl::test_suite<TwoWaitersShareOneGate<Policy>, 4
     }
 };
 
-/// Two lists, a read and a waiter each, and one pool: a gate that comes back from one list may go to the other, whose
-/// waiter must not be released by the first list.
+/// Two lists, each with a read and a waiter, share one pool. A gate returned by one list may go to the other, and the
+/// first list must not release the second list's waiter.
 template <class Policy>
 struct TwoListsOnePool : rl::test_suite<TwoListsOnePool<Policy>, 4>
 {
@@ -87,7 +87,7 @@ struct TwoListsOnePool : rl::test_suite<TwoListsOnePool<Policy>, 4>
     }
 };
 
-/// One thread queues a read, waits, queues another and waits again, as a reader that is closed and opened does.
+/// One thread queues a read, waits, queues another and waits again, like a reader that is closed and reopened.
 template <class Policy>
 struct WaitTwice : rl::test_suite<WaitTwice<Policy>, 2>
 {

@@ -1,4 +1,4 @@
-// The pool of read requests, as it ships, under a model checker.
+// The shipped pool of read requests under a model checker.
 #include <ModelRun.h>
 
 namespace {
@@ -8,10 +8,10 @@ using ORL::Sync::Step;
 struct Request
 {
     Request() { mOwner($) = 0; }
-    rl::var<unsigned> mOwner; // two owners at once would race for it
+    rl::var<unsigned> mOwner; // two simultaneous owners would race on it
 };
 
-/// Three threads want one of two records each, so one may have to sleep. The index starts where it is told.
+/// Three threads each need one of two records, so one may have to sleep. kNextIndex is the initial index.
 template <class Policy, std::uint32_t kNextIndex>
 struct MoreThreadsThanRecords : rl::test_suite<MoreThreadsThanRecords<Policy, kNextIndex>, 3>
 {
@@ -27,7 +27,7 @@ struct MoreThreadsThanRecords : rl::test_suite<MoreThreadsThanRecords<Policy, kN
     void after() { RL_ASSERT(mPool.CountBusyRecords() == 0); }
 };
 
-/// One record is made on one thread and freed on another, as a read's is, while a third looks for one.
+/// One record is allocated on one thread and freed on another, like that of a read, while a third thread looks for one.
 template <class Policy>
 struct FreedElsewhere : rl::test_suite<FreedElsewhere<Policy>, 3>
 {

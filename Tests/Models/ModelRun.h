@@ -1,4 +1,4 @@
-// Runs searches over one model, counts the interleavings, and demands that the mutants are found.
+// Runs searches over one model, counts the interleavings, and requires that the mutants are detected.
 #pragma once
 
 #include <RelacyPolicy.h>
@@ -12,8 +12,8 @@
 
 namespace Model {
 
-/// Keeps the beginning of what the checker writes. The checker takes over the memory of the standard streams, so this
-/// one needs none.
+/// Keeps the beginning of the checker's output. The checker replaces the allocator under the standard streams, so this
+/// one does not allocate.
 class Transcript : public std::streambuf
 {
 public:
@@ -28,7 +28,7 @@ private:
     char mText[200000];
 };
 
-/// A broken check inside the code under test ends the interleaving as a failure.
+/// A failed check in the code under test makes the interleaving fail.
 inline void FailOnBrokenChecks()
 {
     tvxcore::debug::Dialogs dialogs;
@@ -46,15 +46,15 @@ inline void FailOnBrokenChecks()
 class Run
 {
 public:
-    /// With the argument "deep" the search goes one switch and ten times the number of random interleavings further.
+    /// With the argument "deep", the search allows one more switch and runs ten times as many random interleavings.
     Run(int inArgumentCount, char** inArguments)
         : mIsDeep(inArgumentCount > 1 && std::strcmp(inArguments[1], "deep") == 0)
     {
         FailOnBrokenChecks();
     }
 
-    /// Every interleaving with up to that many switches away from a thread that could go on. Not for models with a
-    /// timed sleep: the checker's search ends a thread several times beside one.
+    /// Runs every interleaving with up to inSwitches preemptions. Not for models with a timed sleep: in this search the
+    /// checker ends a thread several times in such models.
     template <class Test>
     void Exhaust(const char* inName, unsigned inSwitches)
     {
@@ -66,7 +66,7 @@ public:
         Search<Test>(params, true, inName, how);
     }
 
-    /// That many interleavings by chance, with sleepers that wake for no reason.
+    /// Runs inCount random interleavings, with spurious wake-ups.
     template <class Test>
     void Random(const char* inName, unsigned inCount)
     {
@@ -76,7 +76,7 @@ public:
         Search<Test>(params, true, inName, "random");
     }
 
-    /// A model with a step left out: some interleaving must fail.
+    /// Runs a model without one of the steps: some interleaving must fail.
     template <class Test>
     void FindMutant(const char* inName)
     {
@@ -86,7 +86,7 @@ public:
         Search<Test>(params, false, inName, "mutant, random");
     }
 
-    /// The same for a thread that never lets another one run: a search by chance would.
+    /// The same by exhaustive search, for a thread that never lets another run; a random search would not end.
     template <class Test>
     void FindMutant(const char* inName, unsigned inSwitches)
     {
@@ -96,7 +96,7 @@ public:
         Search<Test>(params, false, inName, "mutant, bounded");
     }
 
-    /// The exit code of the program.
+    /// Prints a summary and returns the exit code of the program.
     int Finish() const
     {
         std::printf("%llu interleavings of the code as it ships, %d of %d mutants found, %d failures\n", mExplored,

@@ -1,5 +1,5 @@
-// The synchronisation policy of the model checks: every operation is a point where the checker may switch threads,
-// and every guarded value reports who touches it.
+// The synchronisation policy of the model checks: the checker may switch threads at every operation, and every guarded
+// value reports its accesses.
 #pragma once
 
 #include <AsyncReadRequestBusyList.h>
@@ -19,7 +19,7 @@
 
 #include <relacy/relacy.hpp>
 
-// The checker brings these as macros, for code that is written for it alone.
+// The checker defines these as macros, intended for code written only for it.
 #undef new
 #undef delete
 #undef malloc
@@ -35,7 +35,7 @@
 #undef memory_order_acq_rel
 #undef memory_order_seq_cst
 
-// The checker replaces the memory functions of the program, but for those that are told the size.
+// The checker replaces the program's memory functions except the sized ones.
 void operator delete(void* inBlock, std::size_t) noexcept
 {
     ::operator delete(inBlock);
@@ -43,7 +43,7 @@ void operator delete(void* inBlock, std::size_t) noexcept
 
 namespace Model {
 
-/// Tells the checker who reads and writes something that a lock guards.
+/// Reports reads and writes of a lock-guarded object to the checker.
 class Touched
 {
 public:
@@ -71,7 +71,7 @@ private:
     T mValue;
 };
 
-/// A guarded container. It can be used by its own name where a touch was told before.
+/// A guarded container. It can be used directly after its access has been reported.
 template <class T>
 class Guarded<T, true> : public T
 {
@@ -82,7 +82,7 @@ public:
     Touched mTouched;
 };
 
-/// A mutex that can be seen through a const reference, as the library's lock can.
+/// A mutex that can be locked through a const reference, like the library's lock.
 template <class RelacyMutex>
 class Mutex
 {
@@ -126,7 +126,7 @@ private:
     bool mHeld = false;
 };
 
-/// Where threads sleep. Under the random search the checker wakes sleepers for no reason, too.
+/// A condition variable. In the random search the checker also causes spurious wake-ups.
 class Condition
 {
 public:
@@ -141,7 +141,7 @@ private:
     rl::condvar<Condition> mCondition;
 };
 
-/// kSpins: how often a thread looks at a gate before it sleeps. kLeftOut: the steps that are taken out of the code.
+/// kSpins: the number of times a thread polls a gate before it sleeps. kLeftOut: the steps removed from the code.
 template <int kSpins, ORL::Sync::Step... kLeftOut>
 struct RelacyPolicy
 {

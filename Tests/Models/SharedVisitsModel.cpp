@@ -1,9 +1,9 @@
-// The visits beside a writer, as they ship, under a model checker: what the writer changes is a plain variable, so a visitor
-// beside it is a data race, which the checker reports. It also reorders what the memory orders allow, and one mutant is the
-// same code with weaker orders.
+// The shipped visits concurrent with a writer, under a model checker. The writer changes a plain variable, so a
+// simultaneous visitor is a data race, which the checker reports. The checker also reorders operations as the memory
+// orders allow; one mutant is the same code with weaker orders.
 //
-// How far this goes: every interleaving with up to three switches away from a thread that could go on, then 100000 by chance.
-// There are two places here, not 64, and all visitors begin at the same one, so that they meet.
+// Extent: every interleaving with up to three preemptions, then 100000 random ones. There are two slots here, not 64,
+// and all visitors start at the same slot, so that they collide.
 #include <ModelRun.h>
 
 #include <SharedVisits.h>
@@ -20,7 +20,7 @@ constexpr rl::memory_order Order(std::memory_order inOrder, bool inIsWeak)
     return inOrder == std::memory_order_seq_cst ? (inIsWeak ? rl::mo_acq_rel : rl::mo_seq_cst) : rl::mo_release;
 }
 
-/// The face of std::atomic over an atomic value of the checker. A weak one is no sequentially consistent one.
+/// The interface of std::atomic over the checker's atomic type. A weak one is not sequentially consistent.
 template <class T, bool kIsWeak>
 class Atomic
 {
@@ -53,7 +53,7 @@ struct VisitPolicy
     static void WaitForAMoment(int) { rl::yield(1, $); }
 };
 
-/// How often each outcome was seen.
+/// The number of times that each outcome was seen.
 struct Outcomes
 {
     unsigned long long mVisits = 0;
@@ -65,7 +65,7 @@ struct Outcomes
 };
 Outcomes sOutcomes;
 
-/// The first thread writes, waiting for visitors or not; each of the others visits twice.
+/// The first thread writes, and waits for visitors or not; each other thread visits twice.
 template <class Policy, bool kWaits, unsigned kVisitors>
 struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors + 1>
 {
@@ -133,7 +133,7 @@ int main(int argc, char** argv)
     std::printf("%-6s seen: %llu visits, %llu refusals, %llu times shut out, %llu tries that failed\n",
                 sOutcomes.HasEach() ? "ok" : "FAILED", sOutcomes.mVisits, sOutcomes.mRefusals, sOutcomes.mShutOuts,
                 sOutcomes.mTriesThatFailed);
-    const bool hasEach = sOutcomes.HasEach(); // before the mutants add outcomes of theirs
+    const bool hasEach = sOutcomes.HasEach(); // before the mutants add their outcomes
     run.FindMutant<Visitors<VisitPolicy<false, VisitStep::kTakesPlaceFirst>, true, 1>>("a visitor looks before it takes a place");
     run.FindMutant<Visitors<VisitPolicy<false, VisitStep::kShutsFirst>, true, 1>>("a writer looks before it shuts");
     run.FindMutant<Visitors<VisitPolicy<true>, true, 1>>("orders that are not sequentially consistent");

@@ -1,4 +1,4 @@
-// The gate, as it ships, under a model checker.
+// The shipped gate under a model checker.
 #include <ModelRun.h>
 
 namespace {
@@ -7,7 +7,7 @@ using ORL::kSuccess;
 using ORL::kWaitTimeout;
 using ORL::Sync::Step;
 
-/// One thread opens, closes and opens again; two come to wait. Nobody may stay asleep.
+/// One thread opens, closes and reopens the gate; two others wait. None may remain asleep.
 template <class Policy>
 struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
 {
@@ -30,7 +30,7 @@ struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
     }
 };
 
-/// Two threads sleep; then the gate is opened and closed at once, for good. Both must be released.
+/// Two threads sleep; then the gate is opened and closed at once, permanently. Both must be released.
 template <class Policy>
 struct PulseReleasesSleepers : rl::test_suite<PulseReleasesSleepers<Policy>, 3>
 {
@@ -55,7 +55,7 @@ struct PulseReleasesSleepers : rl::test_suite<PulseReleasesSleepers<Policy>, 3>
     }
 };
 
-/// A waiter with a time limit beside one without, two openers and a closer in between.
+/// A waiter with a timeout and one without, two openers, and a close between them.
 template <class Policy>
 struct TimedBesideEndless : rl::test_suite<TimedBesideEndless<Policy>, 4>
 {

@@ -1,4 +1,4 @@
-// The pool of gates, as it ships, under a model checker: giving back against taking.
+// The shipped pool of gates under a model checker: returns against retrievals.
 #include <ModelRun.h>
 
 namespace {
@@ -8,8 +8,8 @@ using ORL::Sync::Step;
 template <class Policy>
 using Pool = ORL::Sync::WaitableGatePoolAlgorithm<Policy>;
 
-/// Three threads borrow and give back. A gate that two had at once would race, a gate that comes open or goes back
-/// closed breaks a contract, a gate that is lost leaks: all of these end the run.
+/// Three threads borrow and return gates. Every error ends the run: two owners of one gate race, a gate that is
+/// retrieved open or returned closed fails a contract, and a lost gate leaks.
 template <class Policy>
 struct BorrowAndReturn : rl::test_suite<BorrowAndReturn<Policy>, 3>
 {
@@ -26,7 +26,7 @@ struct BorrowAndReturn : rl::test_suite<BorrowAndReturn<Policy>, 3>
     void after() { RL_ASSERT(mPool.CountIdleGates() >= 1 && mPool.CountIdleGates() <= 3); }
 };
 
-/// The pool is full but for one gate, and two come back while a third is taken.
+/// The pool has room for one gate, and two are returned while a third is retrieved.
 template <class Policy>
 struct ReturnToAlmostFull : rl::test_suite<ReturnToAlmostFull<Policy>, 3>
 {

@@ -1,4 +1,4 @@
-// The road from those who queue work to the threads of an executor, as it ships, under a model checker.
+// The shipped channel from the threads that queue work to the threads of an executor, under a model checker.
 #include <ModelRun.h>
 
 #include <WorkChannel.h>
@@ -8,7 +8,7 @@ namespace {
 using tvxcore::threads::ChannelStep;
 using tvxcore::threads::WorkNode;
 
-/// A word that threads can sleep on: the system looks at it and falls asleep in one step, and so does this.
+/// A word that threads can sleep on. Like the kernel's call, SleepOn compares the word and falls asleep atomically.
 class SleepWord
 {
 public:
@@ -94,7 +94,7 @@ struct ChannelPolicy
     static void Pause() { rl::yield(1, $); }
 };
 
-/// What every model has: a channel, and nodes that know how often they were taken.
+/// Common parts of the models: a channel, and nodes that count how often they were taken.
 template <class Policy, int kSpins>
 struct Channel : tvxcore::threads::WorkChannel<Policy>
 {
@@ -107,9 +107,9 @@ struct Node : WorkNode
     rl::var<int> mTaken;
 };
 
-/// Two pieces of work that wait for each other are pushed; two threads take. Both must find a thread, whatever sleeps
-/// or spins. The channel is closed only when they have met, so that the end wakes nobody who was forgotten.
-/// With kSleeps one of the takers sleeps before anything else begins.
+/// Two work items that wait for each other are pushed; two threads take. Both items must run at the same time,
+/// whichever thread sleeps or spins. The channel closes only after they have met, so that closing wakes no thread that
+/// was missed. With kSleeps one taker sleeps before anything else begins.
 template <class Policy, int kSpins, int kPushers, bool kSleeps = false>
 struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kSleeps>, 2 + kPushers>
 {
@@ -154,7 +154,7 @@ struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kS
     }
 };
 
-/// One thread pushes and another closes. What was accepted is taken, once; what was refused is not.
+/// One thread pushes and another closes. Accepted work is taken exactly once, refused work never.
 template <class Policy, int kSpins>
 struct PushAgainstClose : rl::test_suite<PushAgainstClose<Policy, kSpins>, 4>
 {
@@ -184,7 +184,7 @@ struct PushAgainstClose : rl::test_suite<PushAgainstClose<Policy, kSpins>, 4>
     }
 };
 
-/// Work that was pushed in a pause comes out after it, in its order, and never during it.
+/// Work pushed during a pause is taken after it, in order, and never during it.
 template <class Policy, int kSpins>
 struct PauseHoldsBack : rl::test_suite<PauseHoldsBack<Policy, kSpins>, 3>
 {

@@ -1,9 +1,9 @@
-// The rendezvous of a flush, as it ships, under a model checker: a queue of up to two threads, up to two threads that flush
-// it, at gates that are looked at once more before a sleep, and at gates that are not.
+// The shipped rendezvous of a flush under a model checker: a queue with up to two threads, up to two flushing threads,
+// and gates with and without one more poll before a sleep.
 //
-// How far this goes: every interleaving with up to two switches away from a thread that could go on where the queue or the
-// flushers are one, and with up to one where both are two (two were not done after four minutes there); the argument "deep"
-// goes one further everywhere. Beyond that 100000 by chance, in which the number of switches has no bound.
+// Extent: every interleaving with up to two preemptions if there is one queue thread or one flusher, and with one if
+// there are two of both (with two, the search did not end in four minutes). The argument "deep" allows one more
+// everywhere. Then 100000 random interleavings without a bound.
 #include <ModelRun.h>
 
 #include <WorkQueueFlushAlgorithm.h>
@@ -16,7 +16,7 @@ using ORL::Sync::Step;
 
 constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
-/// An atomic value and what it holds, to be looked at without the checker switching threads.
+/// An atomic value with a copy that can be read without a thread switch by the checker.
 template <class T>
 struct Watched : rl::atomic<T>
 {
@@ -24,7 +24,7 @@ struct Watched : rl::atomic<T>
     T mShadow;
 };
 
-/// Called behind every operation on an atomic value: nothing else runs in between.
+/// Look is called after every operation on an atomic value, before anything else runs.
 class Watcher
 {
 public:
@@ -74,7 +74,7 @@ struct FlushPolicy : Model::RelacyPolicy<kSpins, kLeftOut...>
     }
 };
 
-/// The fields of a gate, with the flag in sight.
+/// The fields of a gate, with an observable flag.
 template <class Policy>
 struct Gate
 {
@@ -101,7 +101,7 @@ struct Rendezvous
     Gate<Policy> mDepartureGate;
 };
 
-/// How often each state was seen.
+/// The number of times that each state was seen.
 struct States
 {
     unsigned long long mIdle = 0;
@@ -114,14 +114,14 @@ struct States
 };
 States sStates;
 
-/// Starts requests in the order in which they were queued; a thread takes one when it has finished the one before.
+/// Starts requests in the order of queueing; a thread takes the next one when it has finished the previous one.
 template <class Policy>
 class Queue
 {
 public:
     enum Request : int { kWorkOfFirst, kWorkOfSecond, kItem, kEnd };
 
-    /// inRequests: how many will come in all.
+    /// inRequests: the total number of requests.
     explicit Queue(unsigned inRequests) : mStillToTake(inRequests) {}
 
     void Add(Request inRequest)
@@ -155,7 +155,8 @@ private:
     Request mRequests[6] = {};
 };
 
-/// What a model has: a queue's threads, those that flush it, and how many items of the last flush the queue refuses.
+/// The size of a model: the queue's threads, the flushing threads, and the items of the last flush that the queue
+/// refuses.
 template <unsigned kQueueThreads, unsigned kFlusherCount, unsigned kRefusedItems = 0>
 struct Shape
 {
@@ -165,7 +166,7 @@ struct Shape
     static constexpr unsigned kRequests = kFlushers * (kThreads + 1) - kRefused;
 };
 
-/// The first threads are the queue's. Each of the others queues a piece of work and flushes.
+/// The first threads belong to the queue. Each other thread queues a work item and flushes.
 template <class Policy, class Form>
 struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::kFlushers>, Watcher
 {
@@ -223,7 +224,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
             Algorithm::MakeUpForMissingItem(mFlush);
         }
         Algorithm::WaitForAll(mFlush);
-        // With an item missing, one thread may still be at its work.
+        // If an item is missing, one thread may still be working.
         if (refused == 0) {
             RL_ASSERT(static_cast<int>(mDone[inFlusher]($)) == 1);
         }
@@ -240,7 +241,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
         const std::uint32_t left = mFlush.mArrivalsLeft.mShadow;
         const bool arrivalIsOpen = mFlush.mArrivalGate.mIsOpen.mShadow;
         const bool departureIsOpen = mFlush.mDepartureGate.mIsOpen.mShadow;
-        // While items gather, both gates are shut; and nobody leaves an unclaimed record with only the first one shut.
+        // While items gather, both gates are closed. An unclaimed record never has only its arrival gate closed.
         if (left < kThreads) {
             RL_ASSERT(!arrivalIsOpen && !departureIsOpen);
         }
@@ -255,7 +256,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
 };
 
 using Sleeping = FlushPolicy<0>;
-using Spinning = FlushPolicy<1>; // looks at a gate once more before it sleeps, as what ships does some hundred times
+using Spinning = FlushPolicy<1>; // polls a gate once more before it sleeps; the shipped code polls some hundred times
 
 int Finish(const Model::Run& inRun)
 {
@@ -280,7 +281,7 @@ int main(int argc, char** argv)
     run.Exhaust<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 1);
     run.Exhaust<Flushers<Sleeping, Shape<2, 2, 2>>>("2 and 2, both items of one flush refused", 1);
     run.Exhaust<Flushers<Spinning, Shape<2, 2, 2>>>("the same, with a spin", 1);
-    const int code = Finish(run); // before the mutants add states of theirs
+    const int code = Finish(run); // before the mutants add their states
     run.Random<Flushers<Sleeping, Shape<2, 2>>>("2 threads, 2 flushers", 100000);
     run.Random<Flushers<Spinning, Shape<2, 2>>>("the same, with a spin", 100000);
     run.Random<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 100000);
