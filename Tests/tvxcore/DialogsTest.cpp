@@ -61,7 +61,7 @@ bool Assert(bool& ioIgnore, const char* inMessage)
                                   "ORL::Function");
 }
 
-// The answers of the process before and after each test.
+// Restores the process's dialogs after each test.
 class ReportDialogs : public testing::Test
 {
 protected:

@@ -82,7 +82,7 @@ TEST(ExecutorMemory, NoMemoryWhileItEnds_ItEndsAndRunsWhatWasQueued)
     EXPECT_EQ(100, runs.load());
 }
 
-// The timer's thread finds no memory for a turn, and the turn after has better luck.
+// The timer's thread gets no memory for one run; the next run works.
 TEST(ExecutorMemory, RepeatedFunctionThatFindsNoMemory_RunsAgainAfterTheDelay)
 {
     constexpr std::int64_t kDelay = 10'000'000;

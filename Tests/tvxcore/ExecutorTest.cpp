@@ -43,7 +43,7 @@ void Stop(AsyncExecutor& ioExecutor)
     ioExecutor.WaitForTermination();
 }
 
-// Returns when everything that was queued before has run.
+// Returns when everything queued so far has run.
 void Drain(AsyncExecutor& ioExecutor)
 {
     const std::size_t threads = ioExecutor.GetThreadCount();

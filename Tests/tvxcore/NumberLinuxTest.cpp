@@ -1,5 +1,5 @@
-// How locales write numbers, by the names that users of Linux give them. ICU, which has the same data from the same
-// consortium, is the judge.
+// The number formats of locales, by the locale names that Linux users set. Compared with ICU, which has the same data
+// from the same consortium.
 #include <tvxcore/Number.h>
 #include <tvxcore/NumberPunctuation.h>
 
@@ -112,7 +112,7 @@ TEST(FindNumberPunctuation, EachLocaleOfIcu_IsTheSame)
     int compared = 0;
     for (std::int32_t i = 0; i < ::uloc_countAvailable(); ++i) {
         const std::string name = ::uloc_getAvailable(i);
-        // Areas of the world and second scripts are none that the system's locales have.
+        // The system has no locales for areas of the world or second scripts.
         const bool hasSecondScript = name.size() > 6 && name.find('_') != std::string::npos && name[name.find('_') + 3] != '\0';
         if (hasSecondScript || name.find_first_of("0123456789") != std::string::npos || name == "en_US_POSIX") {
             continue;

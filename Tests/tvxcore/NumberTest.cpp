@@ -28,7 +28,7 @@ std::string Ungrouped(double inNumber, std::size_t inFractionDigits, long inPrec
 {
     const Flags<unsigned short> flags(kNumberFlag_NoGrouping);
     std::string text = Show(NumberToString(inNumber, 1, inFractionDigits, flags, inPrecision));
-    // Whatever the user's point is.
+    // Replaces the user's decimal point.
     const std::size_t point = text.find_first_not_of("-0123456789");
     return point == std::string::npos ? text : text.replace(point, text.size() - point - inFractionDigits, ".");
 }
@@ -96,12 +96,12 @@ TEST(NumberToString, ExactlyTheWantedFractionDigits_AreShown)
         {__LINE__, 99.999, 2, "100.00"},
         {__LINE__, 2.5, 0, "2"},
         {__LINE__, 3.5, 0, "4"},
-        // exactly half a digit goes to the even one, as a double holds it
+        // exact halves, as a double holds them, round to even
         {__LINE__, 1.25, 1, "1.2"},
         {__LINE__, 1.35, 1, "1.4"},
         {__LINE__, -1.25, 1, "-1.2"},
         {__LINE__, 0.000000001, 9, "0.000000001"},
-        // what rounds to zero has no sign
+        // results that round to zero have no sign
         {__LINE__, -0.04, 1, "0.0"},
         {__LINE__, -0.0, 2, "0.00"},
         {__LINE__, -0.06, 1, "-0.1"},
@@ -139,7 +139,7 @@ TEST(NumberToString, HostWithADecimalCommaInTheCLibrary_ChangesNothing)
         std::vector<UTF16String> shown;
         for (const double number : {0.0, 1.0, -1234567.25, 123.456, 0.0012349, 1e300}) {
             shown.push_back(NumberToString(number, 1, 1, none, 31));
-            shown.push_back(NumberToString(number, 1, 5, none, 2)); // rounded once more
+            shown.push_back(NumberToString(number, 1, 5, none, 2)); // rounded twice
         }
         return shown;
     };

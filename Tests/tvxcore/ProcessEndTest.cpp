@@ -1,5 +1,5 @@
-// The end of a process finds executors and repeated functions at work, held by statics of a module or by nobody, and
-// threads in the allocator. Windows stops them wherever they are before the statics of modules are destroyed.
+// A process ends while executors and repeated functions run, held by statics of a module or never destroyed, and while
+// threads allocate. Windows ends the threads at arbitrary points before the statics of modules are destroyed.
 #include <QuietEnd.h>
 
 #include <gtest/gtest.h>

@@ -37,7 +37,7 @@ ExecutorPointer Make(int inThreads)
     return CreateAsyncThreadedExecutor("test", inThreads, 3, Function(), Function());
 }
 
-// Returns when everything that was queued to the one thread before has run.
+// Returns when everything queued so far to the single thread has run.
 void Drain(AsyncExecutor& ioExecutor)
 {
     Meeting both(2);
@@ -47,7 +47,7 @@ void Drain(AsyncExecutor& ioExecutor)
     left.Wait();
 }
 
-// A host's executor: nothing but QueueFunction matters here.
+// A host's executor; only QueueFunction is used here.
 class HostExecutor : public AsyncExecutor
 {
 public:
@@ -64,7 +64,7 @@ public:
 class RepeatDelayFunctionTest : public testing::Test
 {
 protected:
-    // Moves time, and returns when all that became due has run.
+    // Advances the clock and returns when everything that became due has run.
     void Pass(std::int64_t inMilliseconds)
     {
         mClock.Advance(inMilliseconds * kMillisecond);
@@ -282,7 +282,7 @@ TEST_F(RepeatDelayFunctionTest, ExecutorThatRunsAtOnceOnTheTimersThread_MayDestr
     }
     EXPECT_EQ(3, mRuns);
     EXPECT_EQ(nullptr, repeat);
-    // The mExecutor's one thread stays.
+    // The single thread of mExecutor remains.
     ORLTest::WaitForProcessThreads(mThreadsBefore + 1);
 }
 

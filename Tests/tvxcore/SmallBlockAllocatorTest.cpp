@@ -24,7 +24,7 @@ using SmallBlocks::kPlaces;
 
 namespace {
 
-// A block that knows its size and what it was filled with.
+// A block that stores its size and its fill byte.
 struct Filled
 {
     unsigned char* mBytes;
@@ -47,7 +47,7 @@ struct Filled
     void Dispose() { SmallBlockAllocator::Dispose(mBytes, mSize); }
 };
 
-// Around each class boundary, and some of the system's sizes.
+// Returns the sizes around each class boundary, and some that the system's allocator serves.
 std::vector<std::size_t> InterestingSizes()
 {
     std::vector<std::size_t> sizes;
@@ -115,7 +115,7 @@ TEST(SmallBlockAllocator, ManyBlocksAtOnce_DoNotOverlap)
         const std::size_t size = sizes[random() % (sizes.size() - 2)];
         blocks.emplace_back(size, static_cast<unsigned char>(i));
         ASSERT_NE(blocks.back().mBytes, nullptr);
-        // A third goes back at once, so that stacks, stores and master blocks all see traffic both ways.
+        // A third is freed at once, so that blocks move in both directions through stacks, stores and master blocks.
         if (random() % 3 == 0) {
             std::swap(blocks[random() % blocks.size()], blocks.back());
             ASSERT_TRUE(blocks.back().IsWhole());
@@ -218,7 +218,7 @@ TEST(SmallBlockAllocator, FaultsOfTheWholeProcess_ReachThreadsThatAlreadyHaveBlo
 
 TEST(SmallBlockAllocator, SystemGivesNoMorePages_AllocateGivesNullAndRecovers)
 {
-    // Larger than what the caches, the stores and the spare cluster can hold.
+    // More than the caches, the stores and the spare cluster can hold.
     constexpr std::size_t kBlocks = 3000;
     std::vector<void*> blocks;
     blocks.reserve(kBlocks);
@@ -252,7 +252,7 @@ TEST(SmallBlockAllocator, NoPagesForAThreadsCache_TheThreadIsServedAllTheSame)
     std::promise<void> over;
     const std::shared_future<void> untilOver = over.get_future().share();
     std::vector<std::thread> threads;
-    // The first threads get the idle caches of earlier ones. Each keeps its own, so the next ones find none.
+    // The first threads take over idle caches of earlier ones. Each keeps its cache, so later threads find none.
     while (threads.size() < 64) {
         std::promise<bool> served;
         std::future<bool> wasServed = served.get_future();

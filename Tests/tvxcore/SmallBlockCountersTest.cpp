@@ -20,7 +20,7 @@ using Snapshot = SmallBlockAllocator::Metrics::Snapshot;
 
 namespace {
 
-// By how many bytes a peak may be too high for each other thread.
+// A peak may be too high by this many bytes for each other thread.
 constexpr std::uint64_t kMostPerThread = 16 * 1024 * 1024;
 
 Snapshot Now()
@@ -80,7 +80,7 @@ TEST(SmallBlockCounters, OneThread_PeakIsTheHighestValueAndNothingElse)
 {
     const Snapshot before = Now();
     Blocks blocks(64);
-    // Past the old peak for sure, from wherever the process stands.
+    // Exceeds the old peak, whatever the current state of the process.
     const std::size_t past = static_cast<std::size_t>(
         before.mSmallBlockCountPeak + before.mSmallBlockBytesPeak / 64 - before.mSmallBlockCountCurrent + 1000);
     blocks.Allocate(past);
@@ -152,7 +152,7 @@ TEST(SmallBlockCounters, FailedAllocation_CountsNothing)
 TEST(SmallBlockCounters, TidesOfBlocks_MasterBlocksAndClustersComeAndGo)
 {
     const Snapshot before = Now();
-    // 64 MiB of one class: far more than caches and stores keep.
+    // 64 MiB of one class: far more than caches and stores hold.
     constexpr std::size_t kSize = 4096;
     constexpr std::size_t kCount = 16384;
     Blocks blocks(kSize);
@@ -173,7 +173,8 @@ TEST(SmallBlockCounters, TidesOfBlocks_MasterBlocksAndClustersComeAndGo)
     EXPECT_EQ(full.mMasterBlockCountPeak, std::max(before.mMasterBlockCountPeak, full.mMasterBlockCountCurrent));
     EXPECT_EQ(full.mClusterCountPeak, std::max(before.mClusterCountPeak, full.mClusterCountCurrent));
     EXPECT_GE(full.mSystemAllocationBytesCurrent, full.mClusterCountCurrent * SmallBlocks::kClusterSize);
-    // What stays is what a stack and a store keep, which may hold a master block each block, and the spare cluster.
+    // The remainder is what a stack and a store keep, each block possibly in a different master block, and the spare
+    // cluster.
     const std::uint64_t kept = SmallBlocks::StoreSize(31) + 2 * SmallBlocks::BatchSize(31);
     EXPECT_LE(after.mMasterBlockCountCurrent, before.mMasterBlockCountCurrent + kept);
     EXPECT_LT(after.mClusterCountCurrent, before.mClusterCountCurrent + kClusters / 4);
@@ -190,7 +191,8 @@ TEST(SmallBlockCounters, MemoryOfOneClass_ServesAnother)
             blocks.Allocate(32 * 1024 * 1024 / size);
         }
     }
-    // A tide fills 32 clusters; twelve of them need little more than one, if each leaves its memory to the next.
+    // Each of the twelve passes needs 32 clusters. If each pass reuses the memory of the previous one, the total stays
+    // small.
     const Snapshot after = Now();
     EXPECT_LE(after.mClusterCountPeak, std::max(before.mClusterCountPeak, before.mClusterCountCurrent + 64));
     EXPECT_LT(after.mClusterCountCurrent, before.mClusterCountCurrent + 24);
@@ -219,7 +221,7 @@ TEST(SmallBlockCounters, BlocksMoveBetweenThreads_CountsAreExactOnceTheyRest)
 
 TEST(SmallBlockCounters, ThreadThatHasEnded_LeavesItsTotals)
 {
-    // Often enough for the packed word to be brought forward, and once more for what stays in it.
+    // The first count is large enough to carry over the packed word; the second stays within it.
     for (const std::uint64_t rounds : {std::uint64_t{300000}, std::uint64_t{3}}) {
         const Snapshot before = Now();
         std::thread([rounds] {
@@ -235,10 +237,10 @@ TEST(SmallBlockCounters, ThreadThatHasEnded_LeavesItsTotals)
 
 TEST(SmallBlockCounters, ThreadDisposesOfLargerAndAllocatesSmaller_PeakKeepsItsBound)
 {
-    // Up to the peak, so that nothing is left to claim and each missing byte raises it.
+    // Allocates up to the peak, so that no slack is left and each missing byte raises the peak.
     Blocks filling(kLargestSmall);
     filling.Allocate(static_cast<std::size_t>((Now().mSmallBlockBytesPeak - Now().mSmallBlockBytesCurrent) / kLargestSmall + 1));
-    // Each exchange leaves the thread more room in bytes than it uses up, within one class and so within its stack.
+    // Each exchange frees more bytes on the thread than it uses, within one class and therefore within its stack.
     const Snapshot before = Now();
     constexpr int kRounds = 40000;
     constexpr std::size_t kSmaller = kLargestSmall - 2000;
@@ -261,7 +263,7 @@ TEST(SmallBlockCounters, ThreadDisposesOfLargerAndAllocatesSmaller_PeakKeepsItsB
         larger.store(SmallBlockAllocator::Allocate(kLargestSmall));
         SmallBlockAllocator::Dispose(take(smaller), kSmaller);
     }
-    // Before the other thread ends and leaves what it has.
+    // Measured before the other thread ends and returns its slack.
     const Snapshot after = Now();
     EXPECT_LT(after.mSmallBlockBytesPeak, before.mSmallBlockBytesPeak + 2 * kLargestSmall + kMostPerThread);
     other.join();
@@ -323,7 +325,7 @@ TEST(SmallBlockCounters, SnapshotsUnderLoad_CurrentIsNeverAbovePeakNorTotal)
         ASSERT_LE(now.mSystemAllocationCountCurrent, now.mSystemAllocationCountPeak);
         ASSERT_GE(now.mSmallBlockCountTotal, last.mSmallBlockCountTotal);
         ASSERT_GE(now.mSmallBlockCountPeak, last.mSmallBlockCountPeak);
-        // Three threads with 500 blocks each, and what a reading may miss.
+        // Three threads with 500 blocks each, plus the inaccuracy of a reading.
         ASSERT_LT(now.mSmallBlockCountCurrent, last.mSmallBlockCountCurrent + 100000);
         last = now;
     }

@@ -1,4 +1,4 @@
-// A plug-in that uses the small block allocator of the shared library, for tests that load and unload both.
+// A plug-in that uses the shared library's small block allocator, for tests that load and unload both.
 #include <tvxcore/SmallBlockAllocator.h>
 #include <tvxcore/String.h>
 
@@ -42,7 +42,7 @@ GUEST_API bool GuestUse()
     return UseMuch();
 }
 
-/// Uses it on a thread that ends before the call does.
+/// Uses the allocator on a thread that ends before the call returns.
 GUEST_API bool GuestUseOnThread()
 {
     bool isServed = false;
@@ -50,7 +50,7 @@ GUEST_API bool GuestUseOnThread()
     return isServed;
 }
 
-/// Keeps a block that nobody gives back before the plug-in goes.
+/// Allocates a block that is not freed before the plug-in is unloaded.
 GUEST_API void* GuestKeep()
 {
     sKept = SmallBlockAllocator::Allocate(100);

@@ -13,7 +13,7 @@ namespace {
 std::atomic<int> sServed{0};
 pthread_key_t sKey;
 
-// Comes back twice, so that at least one call comes after the allocator's own farewell to the thread.
+// Registers itself again once, so that at least one call happens after the allocator's own thread-exit handler.
 void UseLate(void* inTimes)
 {
     void* const block = SmallBlockAllocator::Allocate(77);

@@ -27,7 +27,7 @@ Snapshot Now()
     return snapshot;
 }
 
-// A block that carries its size and a check word at both ends.
+// A block that stores its size and a check word at both ends.
 struct Parcel
 {
     unsigned char* mBytes;
@@ -49,7 +49,7 @@ struct Parcel
     }
 };
 
-// Where threads leave blocks for each other.
+// A place where threads exchange blocks.
 class Market
 {
 public:
@@ -75,7 +75,7 @@ private:
     std::vector<Parcel> mParcels;
 };
 
-// Allocates at random, disposes of its own blocks and of others', and hands some over.
+// Allocates at random, disposes of own and received blocks, and passes some on.
 int Trade(Market& ioMarket, unsigned inSeed, int inSteps)
 {
     std::mt19937 random(inSeed);
@@ -137,7 +137,7 @@ TEST(SmallBlockThreads, ManyThreadsTradeBlocks_NothingBreaksAndNothingIsLost)
 
 TEST(SmallBlockThreads, ThreadsComeAndGo_LaterOnesUseWhatEarlierOnesLeft)
 {
-    // Eight blocks of each class, which the stores have room for.
+    // Eight blocks of each class, which fit into the stores.
     const auto useMuch = [] {
         std::vector<std::pair<void*, std::size_t>> blocks;
         for (std::size_t i = 0; i < 8 * SmallBlocks::kClassCount; ++i) {
@@ -163,8 +163,8 @@ namespace {
 
 std::atomic<int> sServedAtThreadEnd{0};
 
-// Allocates and disposes when the thread's objects are destroyed, in whatever order that is with the allocator's own
-// farewell to the thread.
+// Allocates and disposes when thread-local objects are destroyed, before or after the allocator's own thread-exit
+// handler.
 struct LateUser
 {
     UTF16String mText = UTF16String(100, static_cast<unsigned short>('a'));
@@ -195,7 +195,7 @@ TEST(SmallBlockThreads, ThreadLocalDestructors_AreServed)
 
 namespace {
 
-// Made by code that runs before main, in an order nobody knows, and destroyed after main.
+// Constructed before main in an unspecified order, and destroyed after main.
 struct EarlyUser
 {
     UTF16String mText = UTF16String(500, static_cast<unsigned short>('e'));
@@ -231,7 +231,7 @@ TEST(SmallBlockThreadsDeathTest, ProcessEndsWhileThreadsAllocate_ItEndsWell)
             while (!isRunning.load()) {
                 std::this_thread::yield();
             }
-            // Static destructors run from here on, while the other thread goes on.
+            // From here on static destructors run while the other thread continues.
             std::exit(0);
         },
         testing::ExitedWithCode(0), "");

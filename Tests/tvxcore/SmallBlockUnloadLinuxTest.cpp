@@ -23,7 +23,7 @@ using tvxcore::utility::SmallBlockAllocator;
 
 namespace {
 
-/// The plug-in with the shared library under it.
+/// The plug-in, which loads the shared library.
 class Guest
 {
 public:
@@ -57,7 +57,7 @@ bool IsMapped(const char* inName)
 }
 
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-// The sanitizers keep shadow memory for each library that was ever loaded.
+// The sanitizers keep shadow memory for each library that was loaded.
 constexpr bool kIsOthersMemorySteady = false;
 #else
 constexpr bool kIsOthersMemorySteady = true;
@@ -72,7 +72,7 @@ std::size_t MappedPages()
     return pages;
 }
 
-// A thread of the host's that lives longer than any plug-in.
+// A thread of the host that outlives every plug-in.
 class Worker
 {
 public:
@@ -166,7 +166,7 @@ TEST(SmallBlockUnload, BlockIsOutstandingAtTheUnloading_ItStaysReadable)
 
 TEST(SmallBlockUnload, ProcessForksWhileThreadsAllocate_TheChildIsServed)
 {
-    // The address sanitizer's own allocator does not stand a fork beside threads that use it.
+    // The address sanitizer's allocator does not support a fork while other threads use it.
     const int threadCount = tvxcore::utility::SmallBlocks::kBlocksAreTheSystems ? 0 : 2;
     std::atomic<bool> isOver{false};
     std::vector<std::thread> threads;
@@ -209,7 +209,7 @@ TEST(SmallBlockUnload, ProcessForksWhileThreadsAllocate_TheChildIsServed)
 
 namespace {
 
-// What takes each of the allocator's locks, and little else.
+// Takes each of the allocator's locks and does little else.
 void ReadCounters()
 {
     SmallBlockAllocator::Metrics::Snapshot snapshot;
@@ -234,7 +234,7 @@ void ComeAndGo()
 
 } // namespace
 
-// A lock that another thread holds at the fork stays taken in the child for good, unless the fork waits for it.
+// If another thread holds a lock at the fork, it would stay locked in the child forever; the fork must wait for it.
 TEST(SmallBlockUnload, ProcessForksWhileALockIsBusy_TheChildCanTakeIt)
 {
     if (tvxcore::utility::SmallBlocks::kBlocksAreTheSystems) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The plug-in with the shared library under it.
+/// The plug-in, which loads the shared library.
 class Guest
 {
 public:
@@ -55,7 +55,7 @@ TEST(SmallBlockUnload, LoadedAndUnloadedAHundredTimes_MemoryDoesNotGrow)
             early = TakenBytes();
         }
     }
-    // A hundred rounds with a cluster left behind in each would be 100 MiB.
+    // If each of a hundred rounds leaked a cluster, this would be 100 MiB.
     EXPECT_LT(TakenBytes(), early + 1024 * 1024);
 }
 

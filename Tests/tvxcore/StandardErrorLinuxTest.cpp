@@ -1,4 +1,4 @@
-// Reports on a standard error whose writes fail, which the calling thread's errno must not show.
+// Reports to a standard error whose writes fail must not change the calling thread's errno.
 #include <tvxcore/Debug.h>
 #include <tvxcore/ErrorManager.h>
 #include <tvxcore/Trace.h>
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// While it lives, standard error is a device on which no room is left: it is ready for a write, and the write fails.
+/// While it lives, standard error is a full device: it is ready for a write, and the write fails.
 class FullStandardError
 {
 public:

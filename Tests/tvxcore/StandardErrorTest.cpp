@@ -1,4 +1,4 @@
-// Reports on a standard error that takes them, takes none, or is not there.
+// Reports to a standard error that accepts them, is blocked, or is closed.
 #include <StandardErrorPipe.h>
 #include <tvxcore/Trace.h>
 
@@ -21,7 +21,7 @@ void Emit(const std::string& inText)
     tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(inText.c_str()));
 }
 
-// Whoever is held back here for ever is ended by the time limit of the tests.
+// If a write blocks here forever, the tests' time limit ends the process.
 void EmitMoreThanAPipeHolds()
 {
     for (int i = 0; i < 100; ++i) {
@@ -95,7 +95,7 @@ TEST_F(StandardError, TextsOfSeveralThreads_AreWholeLines)
         for (const char letter : {'a', 'b', 'c', 'd'}) {
             threads.emplace_back([letter] {
                 for (int text = 0; text < kTexts; ++text) {
-                    Emit(std::string(40, letter)); // without an end of line, which is put behind it
+                    Emit(std::string(40, letter)); // no line end, so the trace appends one
                 }
             });
         }

@@ -17,7 +17,7 @@ using tvxcore::oUTF16StringStream;
 
 namespace {
 
-// Writes whatever the function writes.
+// Returns what inFunction writes to a stream.
 template <class Function>
 std::string Written(Function inFunction)
 {
@@ -44,7 +44,7 @@ ReadBack<Number> Read(const std::u16string& inText)
     return result;
 }
 
-// A decimal comma, "." between groups of three, and words of its own.
+// A decimal comma, "." between groups of three, and other words for true and false.
 class Comma : public std::numpunct<wchar_t>
 {
     wchar_t do_decimal_point() const override { return L','; }

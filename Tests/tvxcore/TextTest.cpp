@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kLongestShort = 40;
 
-// Calls inCompare for each text of letters, up to 40, that has one of the units at one place.
+// Calls inCompare for each text of up to 40 letters in which one letter is replaced by one of the units.
 template <class Text, class Compare>
 void ForEachShortText(const std::vector<unsigned>& inUnits, const Compare& inCompare)
 {
@@ -33,7 +33,8 @@ void ForEachShortText(const std::vector<unsigned>& inUnits, const Compare& inCom
 
 } // namespace
 
-// Short texts by value go a way of their own; what goes into memory of the caller is their measure.
+// Conversions that return a short text by value take a separate path; conversions into the caller's memory are the
+// reference.
 TEST(Utf8To16, ShortTextsWithAnyByteAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
 {
     std::vector<unsigned> bytes(256);
@@ -65,18 +66,18 @@ TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
         std::u16string mUnits;
     };
     const Row rows[] = {
-        // well formed, at the borders of each length
+        // well formed, at the limits of each length
         {__LINE__, "", u""},
         {__LINE__, std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
         {__LINE__, "\x7F\xC2\x80\xDF\xBF", u"\u007F\u0080\u07FF"},
         {__LINE__, "\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", u"\u0800\uD7FF\uE000\uFFFF"},
         {__LINE__, "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF"},
-        // bytes that begin nothing
+        // bytes that cannot start a sequence
         {__LINE__, "\x80\xBF", u"\uFFFD\uFFFD"},
         {__LINE__, "\xC0\xAF", u"\uFFFD\uFFFD"},
         {__LINE__, "\xC1\xBFz", u"\uFFFD\uFFFDz"},
         {__LINE__, "\xF5\x80\x80\x80\xFF", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
-        // overlong forms, surrogates and what lies above the last code point
+        // overlong forms, surrogates and values above the last code point
         {__LINE__, "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xE0\x9F\xBF", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xF0\x80\x80\xAF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
@@ -84,7 +85,7 @@ TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
         {__LINE__, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xED\xBF\xBF", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-        // cut short: what could have become a character counts once
+        // truncated: the longest valid beginning counts once
         {__LINE__, "\xC2", u"\uFFFD"},
         {__LINE__, "\xE2\x82", u"\uFFFD"},
         {__LINE__, "\xF0\x9F\x98", u"\uFFFD"},

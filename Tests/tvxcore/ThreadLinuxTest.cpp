@@ -1,4 +1,4 @@
-// What tvxcore makes of the threads of Linux.
+// The threads of tvxcore on Linux.
 #include <CurrentThread.h>
 #include <tvxcore/Debug.h>
 #include <tvxcore/Executor.h>
@@ -27,7 +27,7 @@ std::string NameInExecutorCalled(const std::string& inName)
     return name;
 }
 
-// The exit code of a forked child that runs the function.
+// Runs the function in a forked child and returns its exit code.
 template <class Function>
 int InChild(Function inFunction)
 {
@@ -50,7 +50,7 @@ int LevelInExecutor(int inPriority)
     return level;
 }
 
-// For good: a user who may not raise any level.
+// Permanently drops the privileges and the right to raise any priority.
 void BecomeAnOrdinaryUser()
 {
     constexpr uid_t kNobody = 65534;

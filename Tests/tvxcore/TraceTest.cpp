@@ -56,7 +56,7 @@ tvxcore::utility::AllocationFaults::Plan RefuseFrom(std::uint64_t inFirst)
     return plan;
 }
 
-// Each test begins quiet, with a recording sink, and leaves the trace shut down.
+// Each test starts with tracing off and a recording sink, and shuts the trace down.
 class TraceTest : public testing::Test
 {
 protected:
@@ -264,7 +264,7 @@ TEST_F(TraceTest, ThreadsThatConfigureAndTraceAtOnce_LoseNoLine)
     EXPECT_EQ(static_cast<std::size_t>(kThreads * kRounds / 2), TakeTexts().size());
 }
 
-// A text that a site had decided on when the trace ended, or began again, belongs to the host's sink or to nobody.
+// A text already on its way when the trace ends or restarts goes to the host's sink or is dropped.
 TEST_F(TraceTest, EndedAndBegunAgainWhileThreadsTrace_WritesNothingToStandardError)
 {
     constexpr int kThreads = 2;

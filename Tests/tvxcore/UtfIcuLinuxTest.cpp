@@ -1,4 +1,4 @@
-// Conversion and folding against ICU, which was written by others from the same standard.
+// Conversion and case folding compared with ICU, an independent implementation of the same standard.
 #include <tvxcore/Text.h>
 
 #include <TextHelpers.h>
@@ -91,7 +91,7 @@ TEST(Utf, EveryThreeBytesThatBeginWithALead_ConvertAsICUDoes)
 TEST(Utf, AMillionRandomByteStrings_ConvertAsICUDoes)
 {
     std::mt19937 random(20);
-    // Bytes at the borders of each class are the likely ones.
+    // Bytes at the limits of each class are frequent.
     static constexpr unsigned char kBorders[] = {0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC1, 0xC2, 0xDF,
                                                  0xE0, 0xE1, 0xEC, 0xED, 0xEE, 0xEF, 0xF0, 0xF1, 0xF3, 0xF4, 0xF5};
     for (int i = 0; i < 1000000; ++i) {
@@ -126,7 +126,7 @@ TEST(FoldCase, EveryCodePointOfUnicode15_FoldsAsICUDoes)
     for (UChar32 point = 0; point <= 0x10FFFF; ++point) {
         UVersionInfo age;
         u_charAge(point, age);
-        // A newer ICU knows letters that our table does not.
+        // A newer ICU has letters that our table lacks.
         if (age[0] <= 15) {
             ASSERT_EQ(IcuFold(UnitsOf(point)), FoldCase(UnitsOf(point))) << point;
         }

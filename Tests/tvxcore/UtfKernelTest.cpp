@@ -1,4 +1,4 @@
-// Every kernel that this processor has, against the plain loop.
+// Compares every kernel that this processor supports with the plain loop.
 #include <Utf.h>
 #include <UtfCharacter.h>
 
@@ -21,7 +21,7 @@ using Units = std::vector<unsigned short>;
 constexpr unsigned short kUnitBehind = 0xABCD;
 constexpr unsigned char kByteBehind = 0xEE;
 
-// Converts with nothing to spare on either side, so that a sanitizer sees every step too far.
+// Converts between buffers of the exact size, so that a sanitizer detects every access beyond them.
 Units Convert(ToUTF16Function* inKernel, const Bytes& inText)
 {
     const Bytes exact(inText);
@@ -86,7 +86,7 @@ bool IsCharacter(std::uint32_t inPoint)
     return inPoint > 0xFFFF || !IsSurrogate(inPoint);
 }
 
-// Code points of one length class each, so that texts are of one kind or mixed as wished.
+// Returns a code point of one of the chosen length classes, for uniform or mixed texts.
 std::uint32_t RandomPoint(std::mt19937& ioRandom, unsigned inClasses)
 {
     static constexpr std::uint32_t kFirst[] = {0x01, 0x80, 0x800, 0x10000};
@@ -115,7 +115,7 @@ TEST(UtfKernels, AtLeastTheBaselineRunsHere)
 
 TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
 {
-    // A run of code points moves through the places by its own lengths; the lead moves the whole run once more.
+    // The characters shift a run of code points through all positions; the lead shifts the whole run once more.
     for (std::size_t lead = 0; lead < 3; ++lead) {
         Bytes bytes(lead, 'x');
         Units units(lead, 'x');
@@ -132,7 +132,7 @@ TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
     }
 }
 
-// The ends of texts and of buffers around the end of a page, where a wide step takes another road.
+// Texts and buffers that end around the end of a page, where wide steps take another path.
 TEST(UtfKernels, TextsAndBuffersAroundTheEndOfAPage_AtEveryPlace)
 {
     constexpr std::size_t kPage = 4096;

@@ -1,4 +1,4 @@
-// Conversion against a second implementation, on both platforms.
+// Conversion compared with a second implementation, on both platforms.
 #include <tvxcore/Text.h>
 
 #include <UtfCheck.h>

@@ -1,11 +1,11 @@
-# ICU is the oracle of conversion and folding.
+# ICU is the reference for conversion and folding.
 if(NOT WIN32)
   target_link_libraries(${room_target} PRIVATE ${ORL_ICU})
 endif()
 
 target_compile_definitions(${room_target} PRIVATE TVX_UTF_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus/UtfFuzz")
 
-# Two plug-ins and a host across the borders of the shared library, which the room's own program links statically.
+# Two plug-ins and a host across the boundary of the shared library; the room's own program links it statically.
 add_executable(test_tvxcore_borders tvxcore/Borders/BordersTest.cpp)
 target_link_libraries(test_tvxcore_borders PRIVATE orl_strict gtest gtest_main ${CMAKE_DL_LIBS})
 foreach(number 1 2)
@@ -24,14 +24,14 @@ endforeach()
 gtest_discover_tests(test_tvxcore_borders DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
   TEST_PREFIX "tvxcore.Borders." PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 
-# A host that ends with a module's threads at work.
+# A host that ends while a module's threads are working.
 add_library(tvxcore_exit_module SHARED tvxcore/Exit/Module.cpp)
 target_link_libraries(tvxcore_exit_module PRIVATE tvxcore orl_strict)
 add_executable(tvxcore_exit_host tvxcore/Exit/Host.cpp)
 target_link_libraries(tvxcore_exit_host PRIVATE tvxcore_exit_module orl_strict)
 add_dependencies(${room_target} tvxcore_exit_host)
 
-# A plug-in over the shared library, which the tests load and unload.
+# A plug-in that uses the shared library; the tests load and unload both.
 add_library(tvxcore_test_guest MODULE tvxcore/SmallBlockGuest.cpp)
 target_link_libraries(tvxcore_test_guest PRIVATE tvxcore orl_strict)
 set_target_properties(tvxcore_test_guest PROPERTIES PREFIX ""

@@ -1,5 +1,5 @@
-// Two plug-ins that share a stream. Each is linked to the shared tvxcore and sees no symbol of the other; the host that
-// loads them knows nothing of either. A facet whose identity were not one for all would not be found here.
+// Two plug-ins share a stream. Each is linked to the shared tvxcore and sees no symbols of the other; the host that
+// loads them is linked to neither. If the identity of a facet differed between them, its lookup would fail.
 #include <gtest/gtest.h>
 
 #if defined(_WIN32)
@@ -10,7 +10,7 @@
 
 namespace {
 
-// What MakeStream gives.
+// The opaque result of MakeStream.
 struct Stream;
 
 class Plugin

@@ -1,4 +1,4 @@
-// A plug-in that hands its 16-bit streams to others and uses theirs.
+// A plug-in that passes its 16-bit streams to others and uses theirs.
 #include <tvxcore/StringStream.h>
 
 #if defined(_WIN32)
@@ -19,7 +19,7 @@ PLUGIN_API void DeleteStream(oUTF16StringStream* inStream)
     delete inStream;
 }
 
-// As code that knows only the standard stream does it.
+// Uses the stream through the standard base class only.
 PLUGIN_API void WriteNumbers(oUTF16StringStream* ioStream, int inNumber, double inFraction)
 {
     std::basic_ostream<unsigned short>& stream = *ioStream;

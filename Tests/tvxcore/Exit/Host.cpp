@@ -1,4 +1,4 @@
-// Ends while threads of its module are at work.
+// Ends while threads of its module are working.
 #include "Module.h"
 
 #include <cstring>

@@ -20,7 +20,7 @@ using namespace tvxcore::threads;
 
 std::atomic<int> sRuns{0};
 
-// Threads that always have something to do, locks that are always taken: an end at any moment finds some in use.
+// Keeps threads busy and locks taken, so that the process ends with some in use.
 struct Work
 {
     Work() : mExecutor(CreateAsyncThreadedExecutor("work", 3, 3, boost::function<void()>(), boost::function<void()>()))
@@ -43,20 +43,20 @@ struct Work
 };
 
 std::unique_ptr<Work> sWork;
-std::atomic<Work*> sNobodys{nullptr}; // still found by a leak checker
+std::atomic<Work*> sNobodys{nullptr}; // keeps it reachable for leak checkers
 
 using tvxcore::utility::SmallBlockAllocator;
 
 constexpr std::size_t kBlocks = 2000;
 
-// From the smallest to some that are too large for the allocator's classes.
+// Returns sizes from the smallest to some that exceed the allocator's classes.
 std::size_t SizeOf(std::size_t inIndex)
 {
     return 1 + inIndex * 7919 % 20000;
 }
 
-// Of the allocator's classes only. Larger blocks are the C library's, whose own end waits for the system's heap: a
-// thread that was stopped while it waited there can hold that up, and nothing of ours runs then.
+// Returns sizes of the allocator's classes only. Larger blocks come from the C library. Its exit handler waits for the
+// system's heap, so a thread ended inside the heap could block the exit, outside our control.
 std::size_t SmallSizeOf(std::size_t inIndex)
 {
     return 1 + inIndex * 7919 % 16384;

@@ -1,4 +1,4 @@
-// A module of a host that ends with threads at work.
+// A module of a host that ends while threads are working.
 #pragma once
 
 #if defined(_WIN32)
@@ -11,11 +11,10 @@
 #  define EXIT_MODULE_API __attribute__((visibility("default")))
 #endif
 
-/// Sets executors and repeated functions to work, and returns when they are at it. They are held by statics of the
-/// module, which the end of the process destroys, or by nobody.
+/// Starts executors and repeated functions, and returns when they run. If inIsHeldByStatics, statics of the module hold
+/// them, which are destroyed when the process ends; otherwise nothing destroys them.
 EXIT_MODULE_API void StartWork(bool inIsHeldByStatics);
 
-/// Sets threads to work that do nothing but allocate and dispose, and returns when they are at it. A static of the
-/// module allocates and disposes at the end of the process, and ends it with 99 when it finds a block that is null or
-/// somebody else's too.
+/// Starts threads that only allocate and dispose, and returns when they run. At the end of the process a static of the
+/// module allocates and disposes; it exits with 99 if it gets a null block or one that is also used elsewhere.
 EXIT_MODULE_API void StartAllocating();
