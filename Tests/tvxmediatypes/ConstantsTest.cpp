@@ -5,7 +5,7 @@
 
 using namespace tvxmediatypes;
 
-// Constant expressions: this file does not compile where they are none.
+// The constants must be constant expressions, or this file does not compile.
 static_assert(kTime_Max > kTime_Zero, "");
 static_assert(kFrameRate_VideoNTSC.GetTicksPerFrame() == 23543520, "");
 static_assert(kFrameRate_23976.GetTicksPerFrame() == 29429400, "");
@@ -13,7 +13,7 @@ static_assert(kFrameRate_VideoNTSC_HD.GetTicksPerFrame() == 11771760, "");
 
 namespace {
 
-// Read by a static of another unit before main: the constants must have their values without any code having run.
+// A static of another unit reads the constants before main: they must be initialised without running code.
 const TickTime sDayAtLoad = [] {
     TickTime day = kTime_Zero;
     day.AddFrames(86400 * 25, kFrameRate_VideoPAL);

@@ -14,7 +14,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr long long kLongest = std::numeric_limits<long long>::max();
 
-// Rates in rising order, with every sort of extreme between the usual ones.
+// Rates in rising order, including all kinds of extremes.
 constexpr long long kRisingTicks[] = {-1, -2, -705600000, -kLongest, 0, kLongest, kLongest - 1, 70560000, 29429400, 1};
 
 } // namespace
@@ -71,7 +71,7 @@ TEST(FrameRate, FromDouble_RoundsToTheNearestTick)
         {__LINE__, 23.976, 29429429},  // 29429429.43...
         {__LINE__, 14.985, 47087087},  // 47087087.09...
         {__LINE__, 352800000.0, 2},
-        {__LINE__, 470400000.0, 2},    // 1.5: halves go away from zero
+        {__LINE__, 470400000.0, 2},    // 1.5: halves round away from zero
         {__LINE__, 282240000.0, 3},    // 2.5
         {__LINE__, 282240001.0, 2},
         {__LINE__, 705600000.0, 1},
@@ -80,11 +80,11 @@ TEST(FrameRate, FromDouble_RoundsToTheNearestTick)
         {__LINE__, 1.5e9, 1},
         {__LINE__, 1e300, 1},
         {__LINE__, kInfinity, 1},
-        // so slow that the count does not fit
+        // too slow for the count to fit
         {__LINE__, 7.6e-11, kLongest},
         {__LINE__, 1e-300, kLongest},
         {__LINE__, 5e-324, kLongest},
-        // no rate
+        // no valid rate
         {__LINE__, 0.0, 0},
         {__LINE__, -0.0, 0},
         {__LINE__, std::numeric_limits<double>::quiet_NaN(), 0},
@@ -106,7 +106,7 @@ TEST(FrameRate, OfItsOwnValue_IsTheSameRate)
     }
     std::mt19937_64 random(20240229);
     for (int i = 0; i < 1000000; ++i) {
-        // Ticks that a double holds with room for the two roundings.
+        // Tick counts that a double holds exactly, with room for two roundings.
         const long long ticks = static_cast<long long>(random() >> (14 + random() % 49)) * ((i & 1) != 0 ? 1 : -1);
         const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
         ASSERT_EQ(ticks, FrameRate(rate.GetValue()).GetTicksPerFrame());
@@ -124,7 +124,7 @@ TEST(FrameRate, OfARandomFraction_IsWithinHalfATick)
         const Wide scaled = static_cast<Wide>(kTicksPerSecond) * seconds; // ticks of `frames` frames
         Wide error = static_cast<Wide>(rate.GetTicksPerFrame()) * frames - scaled;
         error = error < 0 ? -error : error;
-        // The value that went in is itself rounded: allow it one part in 2^52 of the quotient.
+        // The input value is itself rounded: allows one part in 2^52 of the quotient.
         ASSERT_LE(error * 2, static_cast<Wide>(frames) + (scaled >> 51) + 1) << frames << "/" << seconds;
     }
 }
@@ -132,7 +132,7 @@ TEST(FrameRate, OfARandomFraction_IsWithinHalfATick)
 TEST(FrameRate, Order_IsThatOfFramesPerSecond)
 {
     const std::size_t count = sizeof(kRisingTicks) / sizeof(kRisingTicks[0]);
-    // The first four fall from the slowest negative to the fastest negative rate.
+    // The first four rise from the fastest negative rate to the slowest.
     const std::size_t rising[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
     static_assert(sizeof(rising) / sizeof(rising[0]) == sizeof(kRisingTicks) / sizeof(kRisingTicks[0]), "");
     for (std::size_t i = 0; i < count; ++i) {
@@ -159,7 +159,7 @@ TEST(FrameRate, OrderOfListedRates_IsThatOfTheirFractions)
 
 TEST(FrameRate, OfAWholeNumber_HasThatNumberAsValue)
 {
-    // Whole rates that lie further apart than their ticks come back as they were.
+    // Whole rates that differ by more than one tick round-trip exactly.
     for (int rate = 1; rate <= 18000; ++rate) {
         ASSERT_EQ(rate, FrameRate(rate).GetValue());
         ASSERT_EQ(rate, FrameRate(rate).GetTruncatedValue());
@@ -185,7 +185,7 @@ TEST(FrameRate, GetTruncatedValue_IsTheValueTruncatedForEveryLengthOfFrame)
         const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
         ASSERT_EQ(static_cast<long long>(rate.GetValue()), rate.GetTruncatedValue()) << ticks;
     }
-    // The quotients just below and above each whole number are the ones that rounding could move.
+    // Rounding could only affect quotients just below and above a whole number.
     for (long long whole = 1; whole <= 200000; ++whole) {
         for (long long ticks = kTicksPerSecond / whole - 1; ticks <= kTicksPerSecond / whole + 2; ++ticks) {
             const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);

@@ -1,4 +1,4 @@
-// Every rate of the library with the fraction that it stands for.
+// Every rate of the library with its exact fraction.
 #pragma once
 
 #include <tvxmediatypes/Constants.h>
@@ -7,8 +7,8 @@ struct KnownRate
 {
     const char* mName;
     tvxmediatypes::FrameRate mRate;
-    long long mFrames;  // so many frames ...
-    long long mSeconds; // ... in so many seconds
+    long long mFrames;  // this many frames ...
+    long long mSeconds; // ... in this many seconds
 };
 
 inline constexpr KnownRate kKnownRates[] = {

@@ -17,13 +17,13 @@ __extension__ typedef unsigned __int128 UnsignedWide;
 constexpr long long kMost = std::numeric_limits<long long>::max();
 constexpr long long kLeast = std::numeric_limits<long long>::min();
 
-// The low 64 bits of an exact result, as a signed number.
+// Returns the low 64 bits of an exact result as a signed number.
 long long Wrapped(Wide inValue)
 {
     return static_cast<long long>(static_cast<unsigned long long>(static_cast<UnsignedWide>(inValue)));
 }
 
-// A number of random length: small ones, large ones and the ends of the range come equally often.
+// Returns a number of random length: small numbers, large numbers and the limits are equally frequent.
 long long AnyLength(std::mt19937_64& ioRandom)
 {
     switch (ioRandom() % 16) {
@@ -184,7 +184,7 @@ TEST(TickTime, FromSeconds_RoundsToTheNearestTick)
         double mSeconds;
         long long mTicks;
     };
-    const double kTick = 1.0 / 512.0; // 1378125 ticks exactly: the smallest binary fraction that has no rest
+    const double kTick = 1.0 / 512.0; // exactly 1378125 ticks: the smallest binary fraction without a remainder
     const Row rows[] = {
         {__LINE__, 0.0, 0},
         {__LINE__, -0.0, 0},
@@ -192,7 +192,7 @@ TEST(TickTime, FromSeconds_RoundsToTheNearestTick)
         {__LINE__, 86400.0, 60963840000000},
         {__LINE__, -86400.0, -60963840000000},
         {__LINE__, kTick, 1378125},
-        // 1378125 is odd, so a half of this fraction ends on half a tick: away from zero
+        // 1378125 is odd, so half of it ends on half a tick and rounds away from zero
         {__LINE__, kTick / 2, 689063},
         {__LINE__, -kTick / 2, -689063},
         {__LINE__, std::nextafter(kTick / 2, 0.0), 689062},
@@ -201,13 +201,13 @@ TEST(TickTime, FromSeconds_RoundsToTheNearestTick)
         {__LINE__, 0.1, 70560000},
         {__LINE__, 1.0 / 48000.0, 14700},
         {__LINE__, 1001.0 / 30000.0, 23543520},
-        // next to nothing
+        // almost zero
         {__LINE__, 7e-10, 0},
         {__LINE__, 7.1e-10, 1},
         {__LINE__, -7.1e-10, -1},
         {__LINE__, 1e-30, 0},
         {__LINE__, 5e-324, 0},
-        // the ends of the count
+        // the limits of the count
         {__LINE__, 13071672387.832731, 9223372036854775168},
         {__LINE__, -13071672387.832731, -9223372036854775168},
         {__LINE__, std::nextafter(13071672387.832731, 1e11), kMost},
@@ -227,7 +227,7 @@ TEST(TickTime, FromRandomSeconds_AgreesWith128BitArithmetic)
 {
     std::mt19937_64 random(86400);
     for (int i = 0; i < 2000000; ++i) {
-        // significand / 2^places seconds, below the end of the count, with every length of fraction
+        // significand / 2^places seconds, within the range of the count, with every length of fraction
         const int places = static_cast<int>(random() % 70);
         const long long significand = static_cast<long long>((random() >> 11) >> (random() % 53));
         const double seconds = std::ldexp(static_cast<double>(significand), -places);
