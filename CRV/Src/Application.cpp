@@ -13,8 +13,8 @@ namespace {
 constexpr char kDefaultName[] = "ORL";
 constexpr char kDefaultVersion[] = "1.0";
 
-// Memory of the library itself, so it needs no release when the library is unloaded. What does not fit is taken from the heap
-// and never freed, since a text that was handed out may be in use on a thread until the process ends.
+// Memory inside the library, which needs no release on unload. Text that does not fit is allocated from the heap and
+// never freed, since a thread may use a returned text until the process exits.
 class TextRoom
 {
 public:
@@ -41,9 +41,9 @@ private:
 
 TextRoom sRoom;
 
-// One value that is read without a lock, and every text that it ever was: readers may hold any of them. It is
-// constant-initialised, so a host may set it before our own static construction has run, and has no destructor, so threads may
-// read it until the process ends.
+// A value that is read without a lock, and every text it has ever had, since readers may still use any of them. It is
+// constant-initialised, so a host may set it before this library's static construction, and has no destructor, so
+// threads may read it until the process exits.
 class HostText
 {
 public:
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    // The text stands behind it in the same block.
+    // The text follows the node in the same block.
     struct Node
     {
         const Node* mNext;
@@ -71,7 +71,8 @@ private:
         const char* Text() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     };
 
-    // Nodes are only ever added, so no lock is needed; two threads that set the same new text at once keep it twice.
+    // Nodes are only added, so no lock is needed. Two threads that set the same new text at the same time may store it
+    // twice.
     const char* Keep(const char* inText)
     {
         const Node* const newest = mTexts.load(std::memory_order_acquire);

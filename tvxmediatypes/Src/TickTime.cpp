@@ -8,12 +8,12 @@ namespace tvxmediatypes {
 
 namespace {
 
-// The product of a 53-bit significand and the ticks of a second needs 83 bits, and the rounding looks at all of them.
+// The product of a 53-bit significand and kTicksPerSecond needs 83 bits; rounding uses all of them.
 __extension__ typedef unsigned __int128 Wide;
 
 constexpr int kSignificandBits = 53;
 
-// Ticks of a time from 0 on that is known to fit; the shift is then at least 19.
+// Returns the ticks of a time that is not negative and known to fit; the shift is then at least 19.
 long long NearestTick(double inSeconds) noexcept
 {
     int exponent = 0;
@@ -32,7 +32,7 @@ long long NearestTick(double inSeconds) noexcept
 
 TickTime::TickTime(double inSeconds) noexcept
 {
-    // The last double whose ticks fit: it lies 640 ticks below the end of the count and the next one lies 705 above it.
+    // The last double whose ticks fit: it is 640 ticks below the largest count; the next one is 705 above it.
     constexpr double kLast = 9223372036854775808.0 / static_cast<double>(kTicksPerSecond);
     if (std::isnan(inSeconds)) {
         *this = kTime_Invalid;

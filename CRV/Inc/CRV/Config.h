@@ -1,4 +1,4 @@
-// What each symbol of CRV is marked with so that hosts can link to it.
+// How symbols of CRV are exported to hosts.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,4 +1,4 @@
-// What each symbol of tvxcore is marked with so that hosts can link to it.
+// How symbols of tvxcore are exported to hosts.
 #pragma once
 
 #if defined(_WIN32)
@@ -11,14 +11,14 @@
 #  define TVXCORE_API __attribute__((visibility("default")))
 #endif
 
-// What is the same in every library that compiles it, and needs no name outside of it.
+// Marks symbols that are identical in every library that compiles them, and are not exported.
 #if defined(_WIN32)
 #  define TVXCORE_LOCAL
 #else
 #  define TVXCORE_LOCAL __attribute__((visibility("hidden")))
 #endif
 
-// Whether other libraries can reach a thread-local variable of this one directly.
+// 1 if other libraries can access a thread-local variable of this one directly.
 #if defined(_WIN32)
 #  define TVXCORE_HAS_SHARED_THREAD_LOCALS 0
 #else

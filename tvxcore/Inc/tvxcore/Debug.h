@@ -1,4 +1,4 @@
-// What a failed check asks the user, and who answers.
+// Reports of failed checks, and the dialogs that a host installs to answer them.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -6,24 +6,25 @@
 namespace tvxcore {
 namespace debug {
 
-/// True when a debugger is attached to this process now.
+/// Returns whether a debugger is attached to this process now.
 TVXCORE_API bool IsDebuggerAttached();
 
-/// Reports a failed assertion. Sets ioIgnore when the user never wants to hear of this site again.
-/// True asks the caller to break into the debugger. inMessage is UTF-8 and may be empty.
+/// Reports a failed assertion. Sets ioIgnore if the user chooses to ignore this site for good. Returns true to ask the
+/// caller to break into the debugger. inMessage is UTF-8 and may be empty. Thread-safe.
 TVXCORE_API bool BreakAfterAssertDialog(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage,
                                         const char* inFile, long inLine, const char* inFunction);
 
-/// Reports a broken contract. True asks the caller to break into the debugger.
+/// Reports a broken contract. Returns true to ask the caller to break into the debugger. Thread-safe.
 TVXCORE_API bool BreakAfterContractDialog(const char* inExpression, const char* inFile, long inLine);
 
-/// Shows free text to the user and gives the choice: 0 asks to debug, 2 and 4 ask never to show this site again.
+/// Shows free text to the user. Returns the user's choice: 0 to debug, 2 and 4 to ignore this site for good.
+/// Thread-safe.
 TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 
-/// Who answers the reports above. A null member stands for the default: the report goes to standard error, nobody is
-/// waited for, nothing is ignored for good, and a break is asked for only to where a debugger is: the choice of
-/// DisplayAssert is then 0, else 1, and the breaks that the other two ask for are left out by their callers.
-/// A function may be called on any thread, and on two at once.
+/// The host's handlers of the reports above. A null member selects the default, which writes the report to standard
+/// error, does not block and never ignores a site for good. The default of mDisplay returns 0 if a debugger is
+/// attached, else 1. Those of the other two return true, and their callers break only if a debugger is attached. The
+/// functions may be called on any thread, and concurrently.
 struct Dialogs
 {
     bool (*mAssert)(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage, const char* inFile,
@@ -32,8 +33,8 @@ struct Dialogs
     long (*mDisplay)(const char* inTitle, const char* inText) = nullptr;
 };
 
-/// Installs the host's answers and gives back the earlier ones. Safe from any thread; a report already under way
-/// may still reach the earlier ones.
+/// Installs the host's dialogs and returns the previous ones. Thread-safe; a report in progress may still use the
+/// previous ones.
 TVXCORE_API Dialogs InstallDialogs(const Dialogs& inDialogs);
 
 } // namespace debug

@@ -1,4 +1,4 @@
-// Where errors that are raised by level, package and identifier go.
+// Handling of errors that are raised by level, package and identifier.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -9,10 +9,10 @@
 namespace tvxcore {
 namespace config {
 
-/// Level 0 is an error, which a manager raises as an exception; level 1 is a warning, traced and swallowed.
+/// Level 0 is an error, which a manager throws as an exception; level 1 is a warning, which is only traced.
 enum ErrorLevel : int { kErrorLevel_Error = 0, kErrorLevel_Warning = 1 };
 
-/// A value that stands for one parameter of an error message.
+/// The value of one parameter of an error message.
 class TVXCORE_API ReplacementValue
 {
 public:
@@ -20,32 +20,37 @@ public:
     ~ReplacementValue();
 };
 
-/// The host's handler of errors. Operations may be called from any thread.
+/// The host's error handler.
+///
+/// Owner:    the host. It must outlive its installation.
+/// Threads:  its functions are called on any thread, and concurrently.
+/// Failure:  exceptions of a handler propagate to the caller that raised the error.
 class TVXCORE_API ErrorManager
 {
 public:
     virtual ~ErrorManager();
 
-    /// Memory for inBytes could not be had. True asks the caller to try once more.
+    /// Called if inBytes of memory cannot be allocated. Returns true to request another attempt.
     virtual bool OnAllocationFailure(std::size_t inBytes);
 
-    /// Takes one error. inZString is "$$$/" key "=" default text. May return.
+    /// Handles one error. inZString is "$$$/" key "=" default text. May return.
     virtual void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;
 
-    /// Runs inFunction and keeps an unhandled exception from leaving it.
+    /// Runs inFunction and catches unhandled exceptions.
     virtual long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction);
 
-    /// The installed manager. With none installed: the built-in one when inAllowDefault is true, else null.
+    /// Returns the installed manager. If none is installed, returns the built-in one if inAllowDefault is true, else
+    /// null.
     static ErrorManager* Get(bool inAllowDefault);
 };
 
-/// Installs the host's manager, which must outlive its installation, and gives back the earlier one. Null goes
-/// back to the built-in one, which writes one line to standard error and returns.
+/// Installs the host's manager and returns the previous one. Null restores the built-in manager, which writes one line
+/// to standard error and returns. Thread-safe.
 TVXCORE_API ErrorManager* InstallErrorManager(ErrorManager* inManager);
 
-/// Hands the error to the installed manager. May return.
+/// Passes the error to the installed manager. May return. Thread-safe.
 TVXCORE_API void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&);

@@ -9,20 +9,20 @@
 namespace tvxcore {
 namespace utility {
 
-/// A 16-byte value and nothing else: its memory is the identifier in the order that the home platform keeps it, and
-/// may be read as two 64-bit little-endian words. A constexpr constant costs nothing at load.
+/// A plain 16-byte value. Its memory is the identifier in the byte order of the home platform, and may be read as two
+/// 64-bit little-endian words. A constexpr constant needs no initialisation at load. Not thread-safe: a plain value.
 class Guid
 {
 public:
     /// All bits zero.
     constexpr Guid() noexcept = default;
 
-    /// From the two words of its memory.
+    /// Constructs from the two words of its memory.
     constexpr Guid(std::uint64_t inFirstWord, std::uint64_t inSecondWord) noexcept : mWords{inFirstWord, inSecondWord}
     {
     }
 
-    /// From the eleven numbers of its text: {20974874-84a4-4245-9372-b24a16498199} is
+    /// Constructs from the eleven numbers of its text: {20974874-84a4-4245-9372-b24a16498199} is
     /// Guid(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x16, 0x49, 0x81, 0x99).
     constexpr Guid(std::uint32_t inData1, std::uint16_t inData2, std::uint16_t inData3, std::uint8_t in0,
                    std::uint8_t in1, std::uint8_t in2, std::uint8_t in3, std::uint8_t in4, std::uint8_t in5,
@@ -34,11 +34,12 @@ public:
     {
     }
 
-    /// A new random identifier (version 4) from the system's random source. Throws std::system_error when the system
-    /// gives no random bytes.
+    /// Returns a new random identifier (version 4) from the system's random source. Throws std::system_error if the
+    /// system returns no random bytes. Thread-safe.
     TVXCORE_API static Guid CreateUnique();
 
-    /// "{20974874-84a4-4245-9372-b24a16498199}": braces, lower-case digits. Every letter is allowed in a file name.
+    /// Returns "{20974874-84a4-4245-9372-b24a16498199}": braces, lower-case digits. Every character is valid in a file
+    /// name.
     TVXCORE_API UTF16String AsString() const;
 
     constexpr std::uint64_t FirstWord() const noexcept { return mWords[0]; }
@@ -51,7 +52,7 @@ public:
 
     friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept { return !(inLeft == inRight); }
 
-    /// A strict total order, by the first word and then the second; it is not the order of the texts.
+    /// A strict total order, by the first word, then the second. It differs from the order of the texts.
     friend constexpr bool operator<(const Guid& inLeft, const Guid& inRight) noexcept
     {
         return inLeft.mWords[0] != inRight.mWords[0] ? inLeft.mWords[0] < inRight.mWords[0]

@@ -1,4 +1,4 @@
-// The text of a ZString in the user's language.
+// Translation of ZStrings into the user's language.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -7,22 +7,22 @@
 namespace tvxcore {
 namespace config {
 
-/// The host's catalogue. Operations may be called from any thread.
+/// The host's catalogue. The host owns it. Its functions are called on any thread, and concurrently.
 class TVXCORE_API Localizer
 {
 public:
     virtual ~Localizer();
 
-    /// The text for a ZString ("$$$/" key "=" default text). The built-in localiser gives the default text; a text
-    /// that is no ZString comes back whole.
+    /// Returns the text for a ZString ("$$$/" key "=" default text). The built-in localiser returns the default text,
+    /// and a text that is not a ZString unchanged.
     virtual UTF16String Localize(const char* inZString);
 
-    /// The installed localiser, never null.
+    /// Returns the installed localiser. Never null.
     static Localizer* Get();
 };
 
-/// Installs the host's localiser, which must outlive its installation, and gives back the earlier one. Null goes
-/// back to the built-in one.
+/// Installs the host's localiser, which must outlive its installation, and returns the previous one. Null restores the
+/// built-in one. Thread-safe.
 TVXCORE_API Localizer* InstallLocalizer(Localizer* inLocalizer);
 
 } // namespace config

@@ -1,5 +1,5 @@
-// How a locale separates the digits of a number. What shows numbers and what reads them both ask here, so that a number
-// that was shown reads back.
+// How a locale separates the digits of a number. Both writing and reading of numbers use it, so that a number that was
+// written reads back.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -9,29 +9,30 @@
 namespace tvxcore {
 namespace utility {
 
-/// As constructed, that of the classic locale.
+/// Defaults to the punctuation of the classic locale. A value.
 struct NumberPunctuation
 {
     unsigned short mDecimalPoint = '.';
     unsigned short mThousandsSeparator = ',';
 
-    /// Sizes of the groups of digits from the right, as std::numpunct has them: each character is a number, the last one
-    /// repeats, CHAR_MAX ends the grouping. Empty where digits are not grouped.
+    /// Sizes of the groups of digits from the right, in the format of std::numpunct: each character is a number, the
+    /// last one repeats, CHAR_MAX ends the grouping. Empty if digits are not grouped.
     std::string mGrouping;
 };
 
-/// Finds the punctuation of a locale by its name: "de-DE", or on Linux also "de_DE.UTF-8@euro".
+/// Finds the punctuation of a locale by its name: "de-DE", or on Linux also "de_DE.UTF-8@euro". The locale need not be
+/// installed.
 ///
-/// Returns false, and leaves outPunctuation as it is, for the classic locale ("C", "POSIX") and for an unknown name. The
-/// locale need not be installed. Throws std::bad_alloc. Thread-safe.
+/// Returns false, with outPunctuation untouched, for the classic locale ("C", "POSIX") and for an unknown name. Throws
+/// std::bad_alloc. Thread-safe.
 TVXCORE_API bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuation);
 
-/// Returns the user's punctuation, found out at the first call and kept until the process exits.
+/// Returns the user's punctuation, which the first call determines for the life of the process.
 ///
-/// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. For a name that is unknown here
-/// but installed, the C library decides; any other counts as the classic locale. On Windows it is that of the user's
-/// settings. Throws std::bad_alloc at the first call. Thread-safe, as long as no thread changes the environment during the
-/// first call.
+/// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. If the table lacks the name
+/// but the locale is installed, the C library decides; any other name is treated as the classic locale. On Windows the
+/// user's settings decide. The first call throws std::bad_alloc. Thread-safe if no thread changes the environment
+/// during the first call.
 TVXCORE_API const NumberPunctuation& UserNumberPunctuation();
 
 } // namespace utility

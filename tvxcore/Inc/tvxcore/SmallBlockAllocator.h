@@ -1,4 +1,4 @@
-// The allocator that every string, record and counter of the libraries comes from.
+// The allocator for all strings, records and counters of the libraries.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -12,40 +12,42 @@
 namespace tvxcore {
 namespace utility {
 
-/// Process-wide allocator for small blocks. Every operation may be called from any thread, at any time: before static
-/// construction, after static destruction, and in the thread-local destructors of an ending thread.
+/// Process-wide allocator for small blocks.
 ///
-/// Blocks up to SmallBlocks::kLargestSmall bytes come from size classes, through caches that belong to the threads;
-/// larger ones are the C library's. Memory of the classes goes back to the system as its clusters fall empty, less what
-/// the caches and the shared stores keep ready. Under AddressSanitizer every block is the C library's.
+/// Blocks up to SmallBlocks::kLargestSmall bytes come from size classes, through thread caches; larger ones come from
+/// the C library. Clusters that become empty are returned to the system, except the memory that the caches and the
+/// shared stores keep. Under AddressSanitizer every block comes from the C library.
 ///
-/// Windows ends a process by stopping all threads but one, wherever they are. The last thread is still served, from
-/// its cache and from fresh pages; what is not its cache's is then no longer counted, nor given back.
+/// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
+///           destructors of an ending thread.
+/// Failure:  Allocate returns null. Nothing throws but STLAllocator.
+/// On Windows: the exit of a process stops all threads but one at arbitrary points. The last thread is still served,
+///             from its cache and from new pages; blocks that are not from its cache are then neither counted nor
+///             freed.
 class TVXCORE_API SmallBlockAllocator
 {
 public:
-    /// A block of inSize bytes, aligned for every fundamental type. Null when memory is out; never throws.
-    /// A size of 0 gives a block too.
+    /// Returns a block of inSize bytes, aligned for every fundamental type; null if out of memory. A size of 0 returns
+    /// a block too. Never throws.
     static void* Allocate(std::size_t inSize) noexcept;
 
-    /// Gives a block back. inSize is the size that was asked for; null is accepted and ignored.
-    /// A block may be given back on any thread.
+    /// Frees a block, on any thread. inSize is the size that was passed to Allocate. Ignores null.
     static void Dispose(void* inBlock, std::size_t inSize) noexcept;
 
     class TVXCORE_API Metrics
     {
     public:
-        /// 18 counters, three for each of six subjects: now, the highest ever, and the sum of all time.
-        ///   System allocations  what was taken from the system or the C library: clusters, the threads' caches, and
-        ///                       blocks too large for a class
-        ///   Small blocks        blocks handed out by the classes; their bytes are the bytes asked for
+        /// 18 counters, three for each of six subjects: the current value, the peak, and the total over time.
+        ///   System allocations  memory from the system or the C library: clusters, thread caches, and blocks too large
+        ///                       for a class
+        ///   Small blocks        blocks allocated from the classes; their bytes are the bytes requested
         ///   Master blocks       runs of 64 KiB that hold the blocks of one class
         ///   Clusters            runs of 1 MiB that master blocks are cut from
         ///
-        /// A current value or total that other threads change at that moment may be short by what they do meanwhile.
-        /// A peak is never below a current value of any snapshot. The peaks of the small blocks are exact while one
-        /// thread allocates and disposes; with several, a peak may exceed the highest value there was by less than
-        /// 16,384 blocks and 16 MiB for each other thread. All other peaks are exact.
+        /// A current value or a total lacks the changes that other threads make during the call. A peak is never below
+        /// a current value of any snapshot. The peaks of the small blocks are exact while one thread allocates and
+        /// frees; with several threads, a peak may exceed the true one by less than 16,384 blocks and 16 MiB for each
+        /// other thread. All other peaks are exact.
         struct Snapshot
         {
             unsigned __int64 mSystemAllocationCountCurrent;
@@ -68,11 +70,11 @@ public:
             unsigned __int64 mClusterCountTotal;
         };
 
-        /// Fills the snapshot. False means that no metrics exist; outSnapshot is then untouched.
+        /// Fills the snapshot. Returns false, with outSnapshot untouched, if there are no metrics.
         static bool GetSnapshot(Snapshot& outSnapshot);
     };
 
-    /// A standard allocator over Allocate and Dispose. Throws std::bad_alloc where Allocate gives null.
+    /// A standard allocator over Allocate and Dispose. Throws std::bad_alloc if Allocate returns null.
     template <class T>
     class STLAllocator
     {

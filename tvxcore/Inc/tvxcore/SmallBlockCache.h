@@ -1,17 +1,17 @@
 // The part of the small block allocator that is compiled into its callers. Hosts use SmallBlockAllocator.
 //
-// Each thread keeps a stack of free blocks for each size class. A block is taken from and given to the calling thread's
-// stack, whichever thread it came from; whole batches move between a stack and the stores that all threads share. The
-// caller tells the size when it gives a block back, so a block needs no header and its class no search.
+// Each thread has a stack of free blocks for each size class. Blocks are allocated from and freed to the calling
+// thread's stack, whichever thread allocated them; whole batches move between a stack and the stores that all threads
+// share. The caller passes the size when it frees a block, so a block needs no header and no search for its class.
 //
 // The counters cost two additions. A packed word holds a number of blocks and a number of bytes, and sums of packed
-// words stay right as long as the differences that are looked at fit their fields:
-//   mTaken  what the thread has allocated since its totals were last brought forward
-//   mRoom   mTaken, and what the thread may still allocate before a peak moves
-// Allocate adds to mTaken, Dispose to mRoom. Allocate goes the slow way when the room is used up or a sum has grown
-// into a guard bit; the slow way keeps the peaks and the totals.
+// words stay correct as long as the differences that are evaluated fit their fields:
+//   mTaken  what the thread has allocated since its totals were last updated
+//   mRoom   mTaken, plus what the thread may still allocate before a peak moves
+// Allocate adds to mTaken, Dispose to mRoom. Allocate takes the slow path if the allowance is used up or a sum has
+// carried into a guard bit; the slow path updates the peaks and the totals.
 //
-// All of this is part of the binary interface: hosts carry it compiled in.
+// All of this is part of the binary interface: it is compiled into hosts.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -26,13 +26,13 @@ namespace utility {
 namespace SmallBlocks {
 
 inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to this, and blocks aligned to it
-inline constexpr std::size_t kLargestSmall = 16384; // larger blocks are the system's
+inline constexpr std::size_t kLargestSmall = 16384; // larger blocks come from the C library
 inline constexpr std::size_t kClassCount = 40;
 
 using ClassSizes = std::array<std::uint16_t, kClassCount>;
 using PlaceTable = std::array<std::uint8_t, kLargestSmall / kGrain + 1>;
 
-/// Every grain up to 256 bytes, then four classes for each doubling, where at most a fifth of a block is lost.
+/// Multiples of kGrain up to 256 bytes, then four classes for each doubling, which waste at most a fifth of a block.
 constexpr ClassSizes MakeClassSizes() noexcept
 {
     ClassSizes sizes{};
@@ -48,7 +48,7 @@ constexpr ClassSizes MakeClassSizes() noexcept
     return sizes;
 }
 
-/// For each number of grains the index of its class's pair in CacheHead::mPlaces.
+/// Maps a number of grains to the index of its class's pair in CacheHead::mPlaces.
 constexpr PlaceTable MakePlaceTable() noexcept
 {
     PlaceTable table{};
@@ -68,31 +68,32 @@ TVXCORE_LOCAL inline constexpr PlaceTable kPlaces = MakePlaceTable();
 
 static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[kClassCount - 1] == kLargestSmall);
 
-// A packed number of blocks and of bytes. The guards stand far below the ends of their fields: the slow way is to come
-// by once in a while, so that a thread does not gather room without limit.
+// A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread takes
+// the slow path once in a while and does not accumulate an unlimited allowance.
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 
-/// What the fast paths touch of a thread's cache. All of it belongs to the thread; the atomic members are read by
-/// others, and mServesBelow is set by others.
+/// The part of a thread's cache that the fast paths access. It belongs to the thread; other threads read the atomic
+/// members, and write mServesBelow.
 struct CacheHead
 {
     constexpr CacheHead() noexcept = default;
 
-    std::atomic<std::size_t> mServesBelow{0}; // smaller sizes are served from here; 0 sends all the slow way
-    std::size_t mTakesBelow = 0;              // the same for blocks that are given back
+    std::atomic<std::size_t> mServesBelow{0}; // smaller sizes are allocated from here; 0 forces the slow path
+    std::size_t mTakesBelow = 0;              // the same for blocks that are freed
     std::atomic<std::uint64_t> mTaken{0};
     std::atomic<std::uint64_t> mRoom{0};
-    // Two for each class: above its stack's top block, and the end of its stack's room. A null lies below each stack.
+    // Two for each class: one past the top block of its stack, and the end of the stack's memory. A null is below each
+    // stack.
     std::array<void**, 2 * kClassCount> mPlaces{};
 };
 
-/// The slow ways. They do everything that the fast ones do, and the rest.
+/// The slow paths. They also do everything that the fast paths do.
 TVXCORE_API void* AllocateSlowly(std::size_t inSize) noexcept;
 TVXCORE_API void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept;
 
-/// Both limits of a cache lie at kLargestSmall + 1 or below, which the compiler cannot see: for a size that it knows to
-/// be large it then leaves the fast way out.
+/// Both limits of a cache are at most kLargestSmall + 1, which the compiler cannot see. This hint lets it drop the fast
+/// path for sizes that it knows to be large.
 inline void AssumeSmall(std::size_t inSize) noexcept
 {
     if (inSize > kLargestSmall) {
@@ -100,12 +101,12 @@ inline void AssumeSmall(std::size_t inSize) noexcept
     }
 }
 
-// Recent processors hand a word that was just stored to its next reader without delay, where both name it by a register
-// and an offset and where the sum between them is no addition in place. By an index, or with one, each turn waits for
-// the store of the one before it: twice the time of a pair. Compilers prefer those forms, so these two hold them to the
-// others.
+// Recent processors forward a stored word to the next load without delay, if both address it by a register plus offset
+// and the addition between them is not done in memory. With indexed addresses each iteration waits for the store of the
+// one before, which doubles the time of a pair. Compilers prefer the slow forms; these two functions force the fast
+// ones.
 
-/// The pair of a class's places, its address in a register.
+/// Returns the pair of a class's places, with its address in a register.
 inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept
 {
     void*** places = &ioCache.mPlaces[kPlaces[(inSize + kGrain - 1) / kGrain]];
@@ -122,7 +123,7 @@ inline std::uint64_t Sum(std::uint64_t inFirst, std::uint64_t inSecond) noexcept
     return sum;
 }
 
-/// A block from the cache, or null when it takes the slow way.
+/// Returns a block from the cache, or null if the slow path is needed.
 inline void* TakeFromCache(CacheHead& ioCache, std::size_t inSize) noexcept
 {
     if (__builtin_expect(inSize >= ioCache.mServesBelow.load(std::memory_order_relaxed), 0)) {
@@ -142,7 +143,7 @@ inline void* TakeFromCache(CacheHead& ioCache, std::size_t inSize) noexcept
     return block;
 }
 
-/// False when the block takes the slow way.
+/// Returns false if the slow path is needed.
 inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) noexcept
 {
     if (__builtin_expect(inSize >= ioCache.mTakesBelow, 0)) {
@@ -162,8 +163,8 @@ inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) n
 }
 
 #if TVXCORE_HAS_SHARED_THREAD_LOCALS
-/// The calling thread's cache; never null. The word lies in the static block of each thread, so that it is read with
-/// no call. It is constant-initialised, which only this older keyword lets a header promise.
+/// The calling thread's cache; never null. It is in each thread's static TLS block, so reading it needs no call. It is
+/// constant-initialised, which only this older keyword guarantees in a header.
 extern TVXCORE_API __attribute__((tls_model("initial-exec"))) __thread CacheHead* sThreadCache;
 #endif
 

@@ -1,4 +1,4 @@
-// The universal text types, and the one way to write a literal of 16-bit units.
+// The text types, and the macro for literals of 16-bit units.
 #pragma once
 
 #include <tvxcore/SmallBlockAllocator.h>
@@ -10,7 +10,7 @@
 using UTF16String = std::basic_string<unsigned short, std::char_traits<unsigned short>,
                                       tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>;
 
-/// Bytes that hold UTF-8.
+/// UTF-8 text.
 using UTF8String = std::basic_string<unsigned char, std::char_traits<unsigned char>,
                                      tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned char>>;
 
@@ -37,7 +37,7 @@ struct UTF16Literal
 } // namespace utility
 } // namespace tvxcore
 
-/// A zero-terminated const unsigned short* of static life for a narrow literal: TVX_UTF16("text").
+/// Makes a zero-terminated const unsigned short* with static lifetime from a narrow literal: TVX_UTF16("text").
 #define TVX_UTF16(text)                                                                                       \
     ([]() noexcept -> const unsigned short* {                                                                 \
         static constexpr ::tvxcore::utility::UTF16Literal literal{u"" text};                                  \

@@ -9,7 +9,7 @@
 
 namespace tvxcore {
 
-/// Reads from a text. It runs under the process-wide locale of the moment it is made.
+/// Reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like any stream.
 ///
 /// A 16-bit unit and a number are one type here: `stream >> unit` and `stream << unit` treat it as a number. Use
 /// get() and put() for a unit.
@@ -21,11 +21,12 @@ public:
     explicit iUTF16StringStream(const UTF16String& inText);
     ~iUTF16StringStream() override;
 
-    /// As for every stream, with the facets of 16-bit streams kept.
+    /// Like imbue of any stream, but keeps the facets of 16-bit streams.
     std::locale imbue(const std::locale& inLocale);
 };
 
-/// Writes to a text, which str() gives. It runs under the process-wide locale of the moment it is made.
+/// Writes to a text, which str() returns. Uses the process's global locale at the time of construction. Not
+/// thread-safe, like any stream.
 class TVXCORE_API oUTF16StringStream
     : public std::basic_ostringstream<unsigned short, std::char_traits<unsigned short>,
                                       utility::SmallBlockAllocator::STLAllocator<unsigned short>>
@@ -34,7 +35,7 @@ public:
     oUTF16StringStream();
     ~oUTF16StringStream() override;
 
-    /// As for every stream, with the facets of 16-bit streams kept.
+    /// Like imbue of any stream, but keeps the facets of 16-bit streams.
     std::locale imbue(const std::locale& inLocale);
 };
 

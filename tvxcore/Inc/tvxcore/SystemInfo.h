@@ -1,4 +1,4 @@
-// What the machine has.
+// The machine's resources. Thread-safe. Never throws.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -7,10 +7,12 @@
 namespace tvxcore {
 namespace utility {
 
-/// Physical memory of the machine in bytes, whatever part of it this process may use. 0 if the system does not tell.
+/// Returns the physical memory of the machine in bytes, including memory that this process may not use. 0 if the system
+/// does not report it.
 TVXCORE_API unsigned __int64 TotalPhysicalMemory();
 
-/// Number of logical processors that this process may run on now, at least 1: what it pays to start threads for.
+/// Returns the number of logical processors that this process may run on now, at least 1: the number of threads worth
+/// starting.
 TVXCORE_API unsigned long CPUCount();
 
 } // namespace utility

@@ -1,4 +1,4 @@
-// Conversion, folding and formatting of text.
+// Conversion, folding and formatting of text. Thread-safe.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -12,29 +12,29 @@ namespace utility {
 /// Widens an ASCII text.
 TVXCORE_API UTF16String AsciiToUTF16(const char* inText);
 
-/// UTF-8 of a text. An unpaired surrogate becomes U+FFFD; nothing is dropped and nothing throws but memory.
+/// Converts to UTF-8. An unpaired surrogate becomes U+FFFD; nothing is dropped. Throws std::bad_alloc only.
 TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength);
 
-/// The same into memory of the caller, which holds 3 * inLength bytes: gives the number of bytes written. What lies
-/// behind them, up to that size, may be overwritten too. Never fails.
+/// The same into the caller's buffer, of at least 3 * inLength bytes. Returns the number of bytes written. May
+/// overwrite the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF16to8(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
 
-/// UTF-16 of a text. Each maximal subpart of an ill-formed sequence becomes one U+FFFD, by the Unicode standard's
-/// recommended practice.
+/// Converts to UTF-16. Each maximal subpart of an ill-formed sequence becomes one U+FFFD, as the Unicode standard
+/// recommends.
 TVXCORE_API UTF16String UTF8to16(const UTF8String& inText);
 TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength);
 
-/// The same into memory of the caller, which holds inLength units: gives the number of units written. What lies behind
-/// them, up to that size, may be overwritten too. Never fails.
+/// The same into the caller's buffer, of at least inLength units. Returns the number of units written. May overwrite
+/// the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
 
-/// Full case folding of the Unicode standard, for comparison only.
+/// Returns the full case folding of the Unicode standard, for comparison only.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
 
-/// Replaces every occurrence of inFind from left to right; what was put in is not searched again. An empty inFind
-/// changes nothing.
+/// Replaces every occurrence of inFind from left to right; replaced text is not searched again. An empty inFind changes
+/// nothing.
 TVXCORE_API void ReplaceAllStringInString(UTF16String& ioText, const UTF16String& inFind, const UTF16String& inReplace);
 
 } // namespace utility

@@ -1,14 +1,13 @@
-// Diagnostic lines that a host can switch on, off and elsewhere while the process runs.
+// Diagnostic lines that a host can enable, disable and redirect at run time.
 //
-// A place that traces owns a site and asks it first; while nothing changes, that is one load and one compare:
+// Code that traces has a site and queries it first; while nothing changes, that costs one load and one compare:
 //
 //   static tvxcore::debug::TraceSite sSite("ORL.Allocator", 1, false);
 //   if (sSite.IsEnabled()) {
 //       tvxcore::debug::TraceLine(sSite) << "There are currently " << count << " heaps.\n";
 //   }
 //
-// Everything is off at first. Lines go to standard error unless a sink is installed. Every operation may be called
-// from any thread, and none of them throws.
+// Everything is disabled at first. Lines go to standard error unless a sink is installed. Thread-safe. Never throws.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -20,42 +19,46 @@
 namespace tvxcore {
 namespace debug {
 
-/// A level that switches a category off: no site has a level as low as this.
+/// A level that disables a category: no site has a level this low.
 inline constexpr long kTraceOff = -1;
 
-/// Switches one category on for its levels from 0 up to inLevel, whatever the others are set to.
-/// The name is compared byte by byte. Without memory for a new name nothing changes.
+/// Enables one category for its levels from 0 to inLevel, independent of all others. The name is compared byte by byte.
+/// If there is no memory for a new name, nothing changes.
 TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 
-/// The same for every category that has no level of its own. Categories that write a great deal stay out of this:
-/// their sites ask to be switched on by name.
+/// The same for every category without its own level. Verbose categories are excluded: their sites must be enabled by
+/// name.
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
-/// Takes one finished text: zero-terminated UTF-8, of one line or several. It may be called on any thread, and on
-/// two at once. An exception of a sink is swallowed where the text was emitted.
+/// Receives one finished text: zero-terminated UTF-8, of one line or several. Called on any thread, and concurrently.
+/// Exceptions of a sink are swallowed.
 using TraceSink = void (*)(const unsigned char* inText);
 
-/// Installs where texts go and gives back the earlier sink. Null stands for standard error, which gets an end of line
-/// where the text has none, and never holds the process back: a reader that takes nothing loses text.
-/// A text already under way may still reach the earlier sink.
+/// Installs a sink and returns the previous one. Null selects standard error, which adds a line end if the text has
+/// none and never blocks the process: if the reader does not keep up, text is dropped. A text in progress may still
+/// reach the previous sink.
 TVXCORE_API TraceSink InstallTraceSink(TraceSink inSink);
 
-/// Ends tracing: forgets all levels and the sink. It is quiet after this, also for texts that a site has decided to
-/// write before, until a level or a sink is set again.
+/// Ends tracing: clears all levels and the sink. Nothing is written after this, not even texts whose site was enabled
+/// before, until a level or a sink is set again.
 TVXCORE_API void ShutdownTraceManager();
 
-/// Whether a category is on at a level. With inFollowsAll a category without a level of its own follows
-/// SetTraceLevelOfAll; without, only its own name switches it on.
+/// Returns whether a category is enabled at a level. With inFollowsAll a category without its own level uses that of
+/// SetTraceLevelOfAll; otherwise it must be enabled by name.
 TVXCORE_API bool TraceEnabled(const unsigned char* inCategory, long inLevel, bool inFollowsAll);
 
-/// A number that moves with every change of the levels. Never 0.
+/// Returns a number that changes with every change of the levels. Never 0.
 TVXCORE_API int TraceChangeCount();
 
-/// Emits one finished text, as it is.
+/// Writes one finished text unchanged.
 TVXCORE_API void Trace(const unsigned char* inText);
 
-/// Composes a text and emits it when it goes out of life, if anything was written. A text that outgrows memory is
-/// emitted as far as it got: without the part that found none, and without those behind it.
+/// Composes a text and writes it on destruction, unless it is empty. If out of memory, the text is cut: the part that
+/// did not fit and all later parts are dropped.
+///
+/// Owner:    a scope.
+/// Threads:  not thread-safe: belongs to one thread.
+/// Failure:  never throws.
 class TVXCORE_API SafeTraceStream
 {
 public:
@@ -74,16 +77,16 @@ public:
 private:
     void Append(const char* inBytes, std::size_t inCount) noexcept;
 
-    // Most lines fit here; mText points to a larger block for those that do not.
+    // Most lines fit here. For longer ones mText points to a larger block.
     char mInline[256];
     char* mText;
-    std::size_t mCapacity; // bytes at mText, the terminator's included
+    std::size_t mCapacity; // bytes at mText, including the terminator
     std::size_t mCount;
-    bool mIsCut; // a part found no memory, and none follows it
+    bool mIsCut; // out of memory: later parts are dropped
 };
 
-/// One place that traces: its category, its level, and what it was told when the levels last changed.
-/// Make it static; inCategory must live as long.
+/// One place that traces: its category, its level, and a cached answer for the current levels. Must be static, and
+/// inCategory must live as long. Thread-safe. Never throws.
 class TraceSite
 {
 public:
@@ -92,7 +95,7 @@ public:
     {
     }
 
-    /// A change of the levels shows on the next pass, and no sooner.
+    /// Returns whether the site is enabled. A change of the levels takes effect on the next call.
     bool IsEnabled() noexcept
     {
         const auto count = static_cast<unsigned int>(TraceChangeCount());
@@ -114,8 +117,8 @@ private:
     const char* mCategory;
     long mLevel;
     bool mFollowsAll;
-    // The change count of the last question above, its answer below: one word, so that no thread sees an answer
-    // beside the wrong count. A count is never 0, so the first pass asks.
+    // The change count of the last query in the upper half, its answer in the lower: one word, so that no thread pairs
+    // an answer with the wrong count. A count is never 0, so the first call queries.
     std::atomic<unsigned __int64> mCached{0};
 };
 

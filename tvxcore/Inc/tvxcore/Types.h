@@ -1,4 +1,4 @@
-// The 64-bit integer by the name that hosts of the home platform use.
+// The 64-bit integer under the name used by hosts of the home platform.
 #pragma once
 
 #ifndef __int64

@@ -1,5 +1,5 @@
-// What a stream of 16-bit units needs to know about characters and numbers. The standard library has it for char and
-// wchar_t alone: without these a number written to a 16-bit stream only sets its bad bit.
+// Facets for characters and numbers on streams of 16-bit units. The standard library has them only for char and
+// wchar_t: without these, writing a number to a 16-bit stream only sets its bad bit.
 //
 // Include this (or StringStream.h) before the first use of a standard stream of unsigned short.
 #pragma once
@@ -14,8 +14,8 @@
 
 namespace std {
 
-/// Character classes and case of ASCII; every other unit has no class and no case. A narrow character widens to the
-/// unit of the same value, 0 to 255, in every locale; units above 255 narrow to the default that is given.
+/// Character classes and case of ASCII; other units have no class and no case. A narrow character widens to the unit of
+/// the same value, 0 to 255, in every locale; units above 255 narrow to the default passed. Immutable, so thread-safe.
 template <>
 class TVXCORE_API ctype<unsigned short> : public locale::facet, public ctype_base
 {
@@ -72,7 +72,8 @@ protected:
                                        char* outText) const;
 };
 
-/// How numbers are pointed and grouped: as the classic locale does, unless a derived facet knows better.
+/// Decimal point and grouping of numbers: those of the classic locale, unless a derived facet overrides them.
+/// Immutable, so thread-safe.
 template <>
 class TVXCORE_API numpunct<unsigned short> : public locale::facet
 {
@@ -100,9 +101,9 @@ protected:
     virtual string_type do_falsename() const;
 };
 
-// Formatting and reading are the standard library's, over the two facets above. Their identities exist once, so that
-// every module of a process finds the same facet. All else is compiled into each module: a class that is instantiated
-// elsewhere as a whole leaves its inline functions to a library that may not export them.
+// The standard library formats and parses, using the two facets above. Their ids exist once, so that every module of a
+// process finds the same facet. All else is compiled into each module: explicit instantiation of the whole class would
+// take its inline functions from a library that may not export them.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>
@@ -113,8 +114,8 @@ TVXCORE_API locale::id num_get<unsigned short>::id;
 namespace tvxcore {
 namespace utility {
 
-/// inBase with the facets above added where it has none. Numbers are then pointed and grouped as inBase does for
-/// wide characters. A locale is a value: what this gives does not change with std::locale::global.
+/// Returns inBase with the facets above added if it lacks them. Decimal point and grouping are then those of inBase for
+/// wide characters. A locale is a value: std::locale::global does not change the result. Thread-safe.
 TVXCORE_API std::locale UTF16Locale(const std::locale& inBase = std::locale());
 
 } // namespace utility

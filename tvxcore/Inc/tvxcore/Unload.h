@@ -1,4 +1,4 @@
-// What a library that may be unloaded has to know when its static objects are destroyed.
+// State of the process that a library needs if its static objects are destroyed on unload.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -6,14 +6,15 @@
 namespace tvxcore {
 namespace utility {
 
-/// Whether the library that exports a symbol belongs to the program itself: linked into it, loaded together with it, or loaded
-/// later for all to see. Such a library is not unloaded before the process ends. inExported is the address of an exported
-/// function; true if that cannot be told. Call it while the library is loaded, not when it is unloaded. Thread-safe.
+/// Returns whether the library that exports a symbol belongs to the program: linked into it, loaded together with it,
+/// or loaded later with global visibility. Such a library is not unloaded before the process exits. inExported is the
+/// address of an exported function; returns true if the library cannot be determined. Call it while the library is
+/// loaded, not while it is unloaded. Thread-safe.
 TVXCORE_API bool BelongsToProgram(const void* inExported) noexcept;
 
-/// True once the system has begun to end the process and has stopped its other threads, wherever they were: nothing may wait
-/// for them then, nor for a lock that they may hold, that of the C++ heap included. Always false on Linux, where threads run
-/// until the very end. Thread-safe.
+/// Returns whether the exit of the process has already stopped all other threads, at arbitrary points. Nothing may then
+/// wait for them, or for a lock that they may hold, that of the C++ heap included. Always false on Linux, where threads
+/// run until the very end. Thread-safe.
 TVXCORE_API bool AreOtherThreadsStopped() noexcept;
 
 } // namespace utility

@@ -1,4 +1,4 @@
-// The times and rates that everybody shares. All are compile-time constants: they can be read before any code runs.
+// Common times and rates. All are compile-time constants, so they can be read before any code runs.
 #pragma once
 
 #include <tvxmediatypes/Config.h>
@@ -13,7 +13,7 @@ TVXMEDIATYPES_API inline constexpr TickTime kTime_Zero = TickTime();
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Max = TickTime::FromTicks(0x7FFFFFFFFFFFFFFF);
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Min = TickTime::FromTicks(-0x7FFFFFFFFFFFFFFF);
 
-/// No time: what a reader of text answers when there is none. It lies below kTime_Min and is its own negation.
+/// Not a time: the result of reading a text that holds none. It is below kTime_Min, and its own negation.
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Invalid = TickTime::FromTicks(-0x7FFFFFFFFFFFFFFF - 1);
 
 TVXMEDIATYPES_API inline constexpr FrameRate kFrameRate_Zero = FrameRate();

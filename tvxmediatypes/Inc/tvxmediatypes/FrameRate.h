@@ -1,34 +1,35 @@
-// A rate of frames or samples, held as the time that one of them lasts.
+// A rate of frames or samples, stored as the duration of one frame or sample.
 #pragma once
 
 #include <tvxmediatypes/Config.h>
 
 namespace tvxmediatypes {
 
-/// Ticks in one second. A tick is one flick: the largest unit of time of which every rate that media use, the
-/// fractional video rates (24000, 30000 and 60000 in 1001 seconds) and all audio sample rates, lasts a whole number.
+/// Ticks in one second. A tick is one flick: the largest time unit that divides the frame duration of every rate used
+/// in media, including the fractional video rates (24000, 30000 and 60000 in 1001 seconds) and all audio sample rates.
 inline constexpr long long kTicksPerSecond = 705600000;
 
-/// A rate, held as ticks per frame, so that rates compare exactly.
+/// A rate, stored as ticks per frame, so that rates compare exactly.
 ///
-/// Zero frames per second is held as zero ticks and is the default. Rates that no whole number of ticks expresses are
-/// rounded (see the constructor). A negative rate is allowed and orders below zero; nothing here is undefined.
+/// Zero frames per second is the default, stored as zero ticks. Rates without a whole number of ticks are rounded (see
+/// the constructor). A negative rate is allowed and orders below zero; nothing here is undefined.
 /// Threads:  a plain value.
+/// Failure:  never throws.
 class FrameRate
 {
 public:
     /// Zero frames per second.
     constexpr FrameRate() noexcept = default;
 
-    /// From frames per second: the nearest tick count, halves away from zero, of the quotient in double precision.
-    /// Rates above one frame a tick become one frame a tick; rates so slow that the count does not fit get the
-    /// largest count. Zero and NaN give zero. Explicit, since a plain number may as well be a time in seconds.
+    /// Constructs from frames per second. Rounds the tick count, computed in double precision, to nearest, ties away
+    /// from zero. Rates above one frame a tick become one frame a tick; rates whose count does not fit get the largest
+    /// count. Zero and NaN become zero. Explicit, since a plain number could also be a time in seconds.
     constexpr explicit FrameRate(double inFramesPerSecond) noexcept
         : mTicksPerFrame(TicksOf(inFramesPerSecond))
     {
     }
 
-    /// From the time that one frame lasts.
+    /// Constructs from the duration of one frame, in ticks.
     static constexpr FrameRate FromTicksPerFrame(long long inTicks) noexcept
     {
         FrameRate rate;
@@ -36,12 +37,12 @@ public:
         return rate;
     }
 
-    /// How long one frame lasts; 0 for the zero rate.
+    /// Returns the duration of one frame in ticks; 0 for the zero rate.
     constexpr long long GetTicksPerFrame() const noexcept { return mTicksPerFrame; }
 
-    /// Frames per second; 0 for the zero rate. For every listed rate this is the double nearest to the true value.
-    /// Where the ticks are those of a whole rate it is the whole number: rounding to ticks must not make 10.9999999
-    /// frames out of 11.
+    /// Returns frames per second; 0 for the zero rate. For every listed rate this is the double nearest to the true
+    /// value. If the ticks are those of a whole rate, returns the whole number, so that rounding to ticks does not turn
+    /// 11 frames into 10.9999999.
     constexpr double GetValue() const noexcept
     {
         if (mTicksPerFrame == 0) {
@@ -52,13 +53,13 @@ public:
                           : static_cast<double>(kTicksPerSecond) / static_cast<double>(mTicksPerFrame);
     }
 
-    /// GetValue truncated toward zero.
+    /// Returns GetValue truncated toward zero.
     constexpr long long GetTruncatedValue() const noexcept
     {
         if (mTicksPerFrame == 0) {
             return 0;
         }
-        // No quotient lies so close below a whole number that a double would be rounded up to it.
+        // No quotient is so close below a whole number that a double would be rounded up to it.
         const long long whole = WholeRate();
         return whole != 0 ? whole : kTicksPerSecond / mTicksPerFrame;
     }
@@ -71,7 +72,7 @@ public:
     {
         return !(inLeft == inRight);
     }
-    /// By frames per second, exactly and totally.
+    /// Orders by frames per second: exact and total.
     friend constexpr bool operator<(const FrameRate& inLeft, const FrameRate& inRight) noexcept
     {
         const int left = inLeft.Sign();
@@ -94,7 +95,7 @@ public:
 private:
     constexpr int Sign() const noexcept { return (mTicksPerFrame > 0) - (mTicksPerFrame < 0); }
 
-    // The whole rate nearest to this one if it rounds to the same ticks, else 0. Not for the zero rate.
+    // Returns the nearest whole rate if it rounds to the same ticks, else 0. Must not be called for the zero rate.
     constexpr long long WholeRate() const noexcept
     {
         if (mTicksPerFrame > 2 * kTicksPerSecond || mTicksPerFrame < -2 * kTicksPerSecond) {
@@ -102,7 +103,7 @@ private:
         }
         const long long ticks = mTicksPerFrame < 0 ? -mTicksPerFrame : mTicksPerFrame;
         const long long nearest = (kTicksPerSecond + ticks / 2) / ticks;
-        // Halves round away from zero: up to half a tick too long, less than half a tick too short.
+        // Ties round away from zero: up to half a tick too long, less than half a tick too short.
         const long long tooLong = 2 * (nearest * ticks - kTicksPerSecond);
         if (tooLong > nearest || tooLong <= -nearest) {
             return 0;
@@ -119,7 +120,7 @@ private:
             return 0;
         }
         constexpr long long kLongest = 0x7FFFFFFFFFFFFFFF;
-        // Below this rate the quotient does not fit, and a rate next to zero would even make it infinite.
+        // Below this rate the quotient does not fit; for a rate near zero it would even be infinite.
         constexpr double kSlowest = static_cast<double>(kTicksPerSecond) / 9223372036854775808.0;
         if (inFramesPerSecond <= kSlowest) {
             return kLongest;

@@ -6,11 +6,12 @@
 
 namespace tvxmediatypes {
 
-/// A time or duration on a media timeline, in ticks of 1/705600000 second, held in a signed 64-bit count.
+/// A time or duration on a media timeline, in ticks of 1/705600000 second, stored as a signed 64-bit count.
 ///
-/// The count spans about 414 years on either side of zero. Times made from frames are exact. Sums, negation and
-/// products wrap around in two's complement, so that no operation is undefined and every loop over times ends.
+/// The count spans about 414 years on either side of zero. Times from frames are exact. Sums, negation and products
+/// wrap around in two's complement, so no operation is undefined.
 /// Threads:  a plain value.
+/// Failure:  never throws.
 /// Example:
 ///   const tvxmediatypes::TickTime time(90, tvxmediatypes::kFrameRate_Video30);
 ///   std::cout << time.ToFrame64(tvxmediatypes::kFrameRate_VideoPAL); // 75
@@ -20,17 +21,18 @@ public:
     /// Zero.
     constexpr TickTime() noexcept = default;
 
-    /// From seconds: the nearest tick, halves away from zero. Times beyond the count become kTime_Max or kTime_Min;
-    /// NaN becomes kTime_Invalid. Explicit, since a plain number may as well be a count of frames or a rate.
+    /// Constructs from seconds, rounded to the nearest tick, ties away from zero. Times out of range become kTime_Max
+    /// or kTime_Min; NaN becomes kTime_Invalid. Explicit, since a plain number could also be a count of frames or a
+    /// rate.
     TVXMEDIATYPES_API explicit TickTime(double inSeconds) noexcept;
 
-    /// inFrames frames of a rate, exactly. Any number of frames of the zero rate lasts no time.
+    /// Constructs inFrames frames of a rate, exactly. For the zero rate the time is zero.
     constexpr TickTime(long long inFrames, const FrameRate& inFrameRate) noexcept
         : mTicks(Wrap(Bits(inFrames) * Bits(inFrameRate.GetTicksPerFrame())))
     {
     }
 
-    /// From a count of ticks.
+    /// Constructs from a count of ticks.
     static constexpr TickTime FromTicks(long long inTicks) noexcept
     {
         TickTime time;
@@ -53,18 +55,18 @@ public:
         return *this;
     }
 
-    /// Moves the time by exactly inFrames frames of a rate, also from between two frames.
+    /// Adds exactly inFrames frames of a rate. The time need not be on a frame boundary.
     constexpr void AddFrames(long long inFrames, const FrameRate& inFrameRate) noexcept
     {
         *this += TickTime(inFrames, inFrameRate);
     }
 
-    /// Whole frames of a rate, counted toward zero: the count of -t is the count of t with its sign changed.
-    /// 0 for the zero rate.
+    /// Returns the number of whole frames of a rate, truncated toward zero: the count of -t is the negated count of t.
+    /// Returns 0 for the zero rate.
     constexpr long long ToFrame64(const FrameRate& inFrameRate) const noexcept
     {
         const long long ticksPerFrame = inFrameRate.GetTicksPerFrame();
-        // -1 tick is negation, which wraps where the division would trap.
+        // A frame of -1 tick means negation, which wraps; a division would trap.
         if (ticksPerFrame == 0 || ticksPerFrame == -1) {
             return ticksPerFrame == 0 ? 0 : (-*this).mTicks;
         }
@@ -97,7 +99,7 @@ public:
     }
 
 private:
-    // Sums are taken on the bits, where they wrap by definition.
+    // Computes on unsigned values, which wrap by definition.
     static constexpr unsigned long long Bits(long long inValue) noexcept
     {
         return static_cast<unsigned long long>(inValue);

@@ -1,20 +1,20 @@
-// The formats in which people read media times.
+// Display formats of media times.
 #pragma once
 
 #include <tvxmediatypes/Config.h>
 
 namespace tvxmediatypes {
 
-/// How a time is shown. No other value is valid.
+/// How a time is displayed. No other value is valid.
 enum TimeDisplay : int
 {
     kTimeDisplay_24Timecode = 100,
     kTimeDisplay_25Timecode = 101,
-    kTimeDisplay_2997DropTimecode = 102,    // drop-frame: 2 labels left out each minute, but every tenth
+    kTimeDisplay_2997DropTimecode = 102,    // drop-frame: skips 2 labels each minute, except every tenth
     kTimeDisplay_2997NonDropTimecode = 103, // counts 30 a second at the NTSC rate
     kTimeDisplay_30Timecode = 104,
     kTimeDisplay_50Timecode = 105,
-    kTimeDisplay_5994DropTimecode = 106,    // drop-frame: 4 labels left out each minute, but every tenth
+    kTimeDisplay_5994DropTimecode = 106,    // drop-frame: skips 4 labels each minute, except every tenth
     kTimeDisplay_5994NonDropTimecode = 107, // counts 60 a second at the NTSC HD rate
     kTimeDisplay_60Timecode = 108,
     kTimeDisplay_Frames = 109,              // a plain frame count
