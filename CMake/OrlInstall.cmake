@@ -16,7 +16,7 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/licenses/ORLFoundatio
 
 set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)
 if(WIN32)
-  # Boost.Thread has no package for this compiler: our build of it travels with us.
+  # Boost.Thread has no package for this compiler, so the package includes our build of it.
   set(ORL_PACKAGE_NEEDS_BOOST_THREAD OFF)
   file(STRINGS "${boost_include}/boost/version.hpp" ORL_PACKAGE_BOOST_VERSION REGEX "#define BOOST_LIB_VERSION \"[0-9_]+\"")
   string(REGEX REPLACE ".*\"([0-9_]+)\".*" "\\1" ORL_PACKAGE_BOOST_VERSION "${ORL_PACKAGE_BOOST_VERSION}")

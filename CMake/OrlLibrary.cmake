@@ -5,8 +5,8 @@ include(GNUInstallDirs)
 # Makes three targets from one set of objects:
 #   <name>          the shared library that ships, exported as ORL::<name>; ORLFoundation as ORL::Foundation
 #   <name>_objects  the objects
-#   <name>_private  a static library of the same objects, through which the tests reach private things
-# Sources are every .cpp below SOURCES (default: Src), less the folder of the other platform.
+#   <name>_private  a static library of the same objects, with which the tests access private code
+# Sources are all .cpp files below SOURCES (default: Src), except the folder of the other platform.
 function(orl_library name)
   cmake_parse_arguments(arg "" "ROOT;HEADERS;PRIVATE_HEADERS;SOURCES" "LINK_PUBLIC;LINK_PRIVATE" ${ARGN})
   set(root "${CMAKE_CURRENT_SOURCE_DIR}/${arg_ROOT}")
@@ -34,7 +34,7 @@ function(orl_library name)
     set(private_dir "${sources}")
   endif()
 
-  # The objects and the static twin link the twins of our own libraries, so a test holds one copy of everything.
+  # The private libraries link each other, so a test contains one copy of everything.
   set(own_twins "")
   foreach(library IN LISTS arg_LINK_PUBLIC arg_LINK_PRIVATE)
     if(TARGET ${library}_private)
@@ -58,15 +58,15 @@ function(orl_library name)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-    # The libraries find each other wherever the tree is moved. In the build tree, too: a path of its own there would be
-    # padded to the length of this one with ":", and the loader takes an empty entry for the current folder.
+    # The libraries find each other wherever the tree is moved, including in the build tree. A separate path there would
+    # be padded with ":" to the length of this one, and the loader treats an empty entry as the current folder.
     INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
   target_link_libraries(${name}_private PUBLIC ${own_twins})
   set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)
-  # Under clang the sanitizers' own symbols come with the program alone.
+  # With clang only the program contains the sanitizers' symbols.
   if(NOT WIN32 AND NOT (ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
     target_link_options(${name} PRIVATE -Wl,--no-undefined)
   endif()

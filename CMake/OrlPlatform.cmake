@@ -1,4 +1,4 @@
-# The platform folder, the compiler's strictness, and the packages that each platform brings.
+# Sets the platform folder, the compiler options, and the packages of each platform.
 
 set(CMAKE_CXX_STANDARD 17 CACHE STRING "")
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -35,8 +35,8 @@ else()
   set(ORL_SYSTEM_LIBRARIES "")
 endif()
 
-# The JSON library is headers alone, the same for both platforms: a folder that holds them and nothing else of the
-# machine's include folder.
+# The JSON library is header-only and the same for both platforms. Links it into a folder that contains nothing else of
+# the machine's include folder.
 set(json_include "${CMAKE_BINARY_DIR}/json-include")
 file(MAKE_DIRECTORY "${json_include}")
 if(NOT EXISTS "${json_include}/nlohmann")
@@ -45,14 +45,14 @@ endif()
 add_library(orl_json INTERFACE)
 target_include_directories(orl_json SYSTEM INTERFACE $<BUILD_INTERFACE:${json_include}>)
 
-# What every target of ours is compiled with. Floating point is required to the last bit, so no contraction.
+# Compile options of all our targets. Floating-point results must be exact to the last bit, so no contraction.
 file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
 add_library(orl_strict INTERFACE)
 target_compile_options(orl_strict INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off
-  # Reports name sources by their place in this project, the same on every machine and in every project around it.
+  # Reports contain source paths relative to this project, the same on every machine and in every parent project.
   -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
-  # A symbol that g++ marks as unique would keep our libraries in memory after a host unloads them.
+  # Symbols that g++ marks as unique would keep our libraries loaded after a host unloads them.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   # The compiler spills wide registers with aligned moves, but the system's stack is aligned to 16 bytes only.
   $<$<BOOL:${WIN32}>:-Wa,-muse-unaligned-vector-move>
@@ -67,6 +67,6 @@ if(ORL_SANITIZE)
 endif()
 
 if(ORL_BUILD_FUZZ)
-  # The libraries count their branches for the fuzzer, not only the target that calls them.
+  # Instruments the libraries for the fuzzer too, not only the fuzz targets.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()

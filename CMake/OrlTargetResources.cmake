@@ -1,10 +1,10 @@
 # orl_target_resources(target file.rc... [DEPENDS file...] [INCLUDE_DIRECTORIES dir...])
 #
 # Compiles Windows resource scripts (UTF-8) into a target: a plug-in, a library or a program.
-#   Windows  the linker puts them where the system looks for a module's resources.
-#   Linux    the compiled file (.res) stands in the module's read-only data, and a note of owner "ORL" says where.
-# ORL::Module finds them on both. DEPENDS lists what the scripts take in besides #include files: pictures, tables. Files
-# are searched in the script's folder, then in INCLUDE_DIRECTORIES.
+#   Windows  the linker stores them as the module's resources.
+#   Linux    the compiled file (.res) is in the module's read-only data, and a note of owner "ORL" contains its place.
+# ORL::Module finds them on both. DEPENDS lists the files that the scripts use besides #include files: pictures, tables.
+# Files are searched in the script's folder, then in INCLUDE_DIRECTORIES.
 # Needs x86_64-w64-mingw32-windres (Debian: binutils-mingw-w64-x86-64) or the RC compiler of MSVC.
 
 cmake_policy(SET CMP0116 NEW) # generated dependencies are relative to the build folder
@@ -32,7 +32,7 @@ function(orl_target_resources target)
   set_target_properties(${target} PROPERTIES ORL_RESOURCE_SCRIPTS ${number})
 endfunction()
 
-# Compiles one script and adds what comes out to the target's sources.
+# Compiles one script and adds the result to the target's sources.
 function(_orl_compile_resources target script number depends include_directories)
   find_program(ORL_WINDRES NAMES x86_64-w64-mingw32-windres windres DOC "The resource compiler")
   if(NOT ORL_WINDRES)
@@ -47,7 +47,7 @@ function(_orl_compile_resources target script number depends include_directories
     set(compiled "${base}.obj")
     set(format coff)
   endif()
-  # The package of the resource compiler alone brings no preprocessor, so the script goes through ours.
+  # The package of the resource compiler contains no preprocessor, so our compiler preprocesses the script.
   set(options -c 65001 "--preprocessor=${CMAKE_CXX_COMPILER}" --preprocessor-arg=-E --preprocessor-arg=-xc
     --preprocessor-arg=-DRC_INVOKED --preprocessor-arg=-MD "--preprocessor-arg=-MF${base}.d"
     "--preprocessor-arg=-MT${compiled}" "-I${folder}")
@@ -68,8 +68,8 @@ function(_orl_compile_resources target script number depends include_directories
   endif()
 endfunction()
 
-# A source whose object holds the compiled file and the note that leads there: how far behind the note's contents it begins,
-# and its size. Neither needs a symbol or a relocation, so both outlive strip, and a module may be moved.
+# Writes a source whose object contains the compiled file and a note with the file's offset from the note's contents and
+# its size. Neither needs a symbol or a relocation, so both survive strip, and a module can be moved.
 function(_orl_embed_resources target compiled source)
   file(CONFIGURE OUTPUT "${source}" @ONLY CONTENT [=[
 // Written by orl_target_resources.

@@ -1,9 +1,9 @@
-# What the 64-bit Windows build brings along: Boost's headers of this machine and Boost.Thread built from
-# Boost's own source (its three files for Windows), since no package carries it for this compiler.
+# Packages of the 64-bit Windows build: Boost's headers of this machine, and Boost.Thread built from the three Windows
+# files of Boost's source, because no package contains it for this compiler.
 
 set(ORL_BOOST_SOURCE "" CACHE PATH "Folder that holds libs/thread of Boost's source package")
 
-# A folder that holds Boost's headers and nothing else of the machine's include folder.
+# A folder with Boost's headers and nothing else of the machine's include folder.
 set(boost_include "${CMAKE_BINARY_DIR}/boost-include")
 file(MAKE_DIRECTORY "${boost_include}")
 if(NOT EXISTS "${boost_include}/boost")
@@ -36,7 +36,7 @@ set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi)
 # WaitOnAddress and its companions
 set(ORL_SYNCHRONIZATION synchronization)
 
-# The toolchain's runtime libraries stand beside the programs, so that these run from their folder.
+# Copies the toolchain's runtime libraries beside the programs, so that these run from their folder.
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
     OUTPUT_VARIABLE dll_path OUTPUT_STRIP_TRAILING_WHITESPACE)

@@ -1,4 +1,4 @@
-# 64-bit Windows by mingw-w64 with posix threads; the tests run under Wine.
+# Builds for 64-bit Windows with mingw-w64 and posix threads; the tests run under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

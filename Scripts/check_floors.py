@@ -16,7 +16,7 @@ from pathlib import Path
 
 ROOT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parent.parent).resolve()
 
-# Higher floors may include lower ones. Media stands beside Threads and sees only Strings and below.
+# Higher floors may include lower ones. Media has the rank of Threads and may include only Strings and below.
 RANK = {"Platform": 0, "Core": 1, "Memory": 2, "Objects": 3, "Strings": 4, "Threads": 5, "Media": 5, "Files": 6,
         "System": 7, "Diagnostics": 8, "Foundation": 9}
 

@@ -14,7 +14,7 @@ WARNINGS = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror".split()
 
 
 def compile_alone(command, header):
-    # Included twice, so that a missing guard shows too.
+    # Includes the header twice, to detect a missing guard.
     source = f"#include <{header}>\n#include <{header}>\n"
     done = subprocess.run(command + ["-x", "c++", "-fsyntax-only", "-"], input=source, text=True, capture_output=True)
     return done.returncode, header, done.stderr

@@ -1,4 +1,4 @@
-// Writes tvxcore/Src/CaseFoldingTable.inc: full case folding of the Unicode version that the linked ICU knows.
+// Writes tvxcore/Src/CaseFoldingTable.inc: full case folding of the linked ICU's Unicode version.
 //   g++ -std=c++17 Scripts/make-case-folding.cpp -licuuc -o build/make-case-folding
 //   build/make-case-folding > tvxcore/Src/CaseFoldingTable.inc
 #include <unicode/uchar.h>
@@ -35,7 +35,7 @@ std::vector<char16_t> Fold(std::int32_t inCodePoint)
     return std::vector<char16_t>(folded, folded + count);
 }
 
-// A run is lengthened as long as code points of one delta follow each other by 1, or by 2.
+// A run grows while code points with the same delta follow each other at a distance of 1, or of 2.
 bool Extend(Run& ioRun, std::int32_t inCodePoint, std::int32_t inDelta)
 {
     const std::int32_t step = inCodePoint - ioRun.mLast;

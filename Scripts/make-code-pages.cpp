@@ -1,11 +1,11 @@
-// Writes the code page tables of the Linux library, from the answers of the system's own conversions. It is a Windows
+// Writes the code page tables of the Linux library, from the results of the system's own conversions. It is a Windows
 // program:
 //   x86_64-w64-mingw32-g++ -std=c++17 -O1 -static Scripts/make-code-pages.cpp -o build/make-code-pages.exe
 //   Scripts/run-under-wine build/make-code-pages.exe Src/Linux/CodePages/Tables
 // The folder receives one CodePage<number>.inc for each page.
 //
-// The library converts text byte by byte and unit by unit on the assumptions that this program checks (see Check): a
-// page that breaks one is refused, not written wrongly.
+// The library converts text byte by byte and unit by unit. This program checks the assumptions of that (see Check): it
+// refuses a page that violates one, instead of writing a wrong table.
 #include <windows.h>
 
 #include <algorithm>
@@ -57,8 +57,8 @@ std::string Pair(unsigned inLead, unsigned inTrail)
 struct Page
 {
     unsigned mNumber;
-    Numbers mSingles; // unit of each byte that is no lead byte, or a lead byte without its trail byte
-    Numbers mLeadRow; // 0, or 1 and the row of each lead byte
+    Numbers mSingles; // unit of each byte that is not a lead byte, or a lead byte without its trail byte
+    Numbers mLeadRow; // 0, or 1 plus the row of each lead byte
     std::vector<Numbers> mRows;
     Numbers mIndex;
     std::vector<Numbers> mBlocks;
@@ -132,7 +132,7 @@ Page ReadPage(unsigned inNumber)
     return page;
 }
 
-// Decimal and without blanks: half the size of the usual form, and nobody reads it.
+// Decimal and without blanks: half the size of the usual form, and not meant for readers.
 void WriteNumbers(std::FILE* ioFile, const Numbers& inNumbers)
 {
     std::string line;
@@ -164,7 +164,7 @@ std::size_t WriteTable(std::FILE* ioFile, const char* inType, const std::string&
     return inNumbers.size() * (isByte ? 1 : 2);
 }
 
-// Returns the bytes that the tables take in the library.
+// Returns the size of the tables in the library, in bytes.
 std::size_t WritePage(const std::string& inFolder, const Page& inPage)
 {
     const std::string number = std::to_string(inPage.mNumber);

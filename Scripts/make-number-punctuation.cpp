@@ -1,4 +1,4 @@
-// Writes tvxcore/Src/Linux/NumberPunctuationTable.inc: how each locale that the linked ICU knows writes numbers.
+// Writes tvxcore/Src/Linux/NumberPunctuationTable.inc: the number format of each locale in the linked ICU.
 //   g++ -std=c++17 Scripts/make-number-punctuation.cpp -licui18n -licuuc -o build/make-number-punctuation
 //   build/make-number-punctuation > tvxcore/Src/Linux/NumberPunctuationTable.inc
 #include <unicode/uloc.h>
@@ -34,7 +34,7 @@ char16_t Symbol(const UNumberFormat* inFormat, UNumberFormatSymbol inWhich)
     return unum_getSymbol(inFormat, inWhich, text, 16, &error) == 1 ? text[0] : u'\0';
 }
 
-// ASCII digits, whatever digits the locale prefers: a reading knows no others.
+// ASCII digits, even if the locale prefers others: the library reads no others.
 bool Find(const std::string& inName, Punctuation& outPunctuation)
 {
     UErrorCode error = U_ZERO_ERROR;
@@ -51,7 +51,7 @@ bool Find(const std::string& inName, Punctuation& outPunctuation)
     outPunctuation.mGroup = isGrouped ? outPunctuation.mGroup : 0;
     outPunctuation.mSecondGroup = outPunctuation.mSecondGroup > 0 ? outPunctuation.mSecondGroup : outPunctuation.mGroup;
     unum_close(format);
-    // For a language that it does not know, ICU takes the locale of the process.
+    // For an unknown language ICU uses the locale of the process.
     return U_SUCCESS(error) && found == inName.substr(0, inName.find('_')) && outPunctuation.mPoint != u'\0' && outPunctuation.mSeparator != u'\0';
 }
 
@@ -69,7 +69,7 @@ int main()
         UErrorCode error = U_ZERO_ERROR;
         uloc_getLanguage(uloc_getAvailable(i), language, sizeof(language), &error);
         uloc_getCountry(uloc_getAvailable(i), region, sizeof(region), &error);
-        // A region of three digits is an area of the world, which no locale of the system has.
+        // A region of three digits is an area of the world; no system locale has one.
         names.insert(region[0] != '\0' && region[2] == '\0' ? std::string(language) + "_" + region : language);
     }
     std::map<std::string, Punctuation> known;
