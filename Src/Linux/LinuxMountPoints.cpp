@@ -21,7 +21,7 @@ Result ResultOf(SystemError inError)
     return inError == kNoError ? kSuccess : Win::SystemErrorToORLResult(inError);
 }
 
-// Returns the name after the slashes at ioPosition, up to the next slash, and moves ioPosition behind it.
+// Returns the name after the slashes at ioPosition, up to the next slash, and moves ioPosition to its end.
 std::string NextName(const std::string& inPath, std::size_t& ioPosition)
 {
     const std::size_t start = inPath.find_first_not_of('/', ioPosition);

@@ -20,7 +20,7 @@ struct io_uring_cqe;
 
 // X(name, failure, result, parameters, arguments, size)
 //   failure  Errno: -1 and errno.  Null: a null pointer and errno.  Number: the error number itself.
-//           Negative: the error number, negated.  Nothing: never fails.
+//            Negative: the error number, negated.  Nothing: never fails.
 //   size     the byte count that a short transfer reduces, or sNoSize.
 // Add a call when a source first needs it. The table, its forwarding functions and the tests' faulty table are
 // generated from this list.
