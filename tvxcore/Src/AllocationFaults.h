@@ -1,4 +1,4 @@
-// Memory that runs out where a test wants it to.
+// Fault injection for tests: makes chosen allocations fail.
 //
 //   AllocationFaults::Plan plan;
 //   plan.mFirst = 3;                                        // the third allocation from now fails, and only it
@@ -8,7 +8,8 @@
 //
 // A sweep runs the same work with mFirst = 1, 2, 3 ... until a run in which nothing was refused.
 //
-// Unarmed, this costs the allocator's fast way nothing: arming closes it for all threads, and the slow way asks here.
+// While no plan is armed, this costs the allocator's fast path nothing: arming disables that path for all threads, and
+// only the slow path checks for faults.
 #pragma once
 
 #include <cstdint>
@@ -17,23 +18,23 @@ namespace tvxcore {
 namespace utility {
 namespace AllocationFaults {
 
-/// What fails.
+/// The kind of allocation that fails.
 enum Door {
-    kBlocks, // SmallBlockAllocator::Allocate: null
-    kPages   // what the allocator takes from the system for its clusters and caches
+    kBlocks, // SmallBlockAllocator::Allocate: returns null
+    kPages   // memory that the allocator maps for its clusters and caches
 };
 
 struct Plan
 {
     Door mDoor = kBlocks;
     std::uint64_t mFirst = 1;              // counted from 1
-    std::uint64_t mHowMany = 1;            // from the first on; kAllFurther for all of them
-    bool mOfThisThreadOnly = false;        // count and refuse only what the arming thread asks for
+    std::uint64_t mHowMany = 1;            // consecutive failures; kAllFurther for no limit
+    bool mOfThisThreadOnly = false;        // count and refuse only allocations of the arming thread
 };
 
 inline constexpr std::uint64_t kAllFurther = UINT64_MAX;
 
-/// Arms a plan for as long as it lives. One at a time in the process.
+/// Arms a plan until its destruction. Only one Scope may exist in the process.
 class Scope
 {
 public:
@@ -42,12 +43,12 @@ public:
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
 
-    /// How often the door was asked, and how often it refused.
+    /// Return the number of allocations seen, and the number of those refused.
     std::uint64_t Asked() const noexcept;
     std::uint64_t Refused() const noexcept;
 };
 
-/// Lets SmallBlockAllocator::Metrics::GetSnapshot answer that there are no metrics, for as long as it lives.
+/// Makes SmallBlockAllocator::Metrics::GetSnapshot return false until its destruction.
 class NoMetricsScope
 {
 public:
@@ -57,7 +58,7 @@ public:
     NoMetricsScope& operator=(const NoMetricsScope&) = delete;
 };
 
-/// Asked by the allocator.
+/// Called by the allocator.
 bool Refuses(Door inDoor) noexcept;
 bool HasMetrics() noexcept;
 

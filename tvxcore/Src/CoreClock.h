@@ -1,4 +1,4 @@
-// The clock under repeated functions, which a test can take into its own hand.
+// The clock for repeated functions, which a test can replace.
 #pragma once
 
 #include <cstdint>
@@ -6,13 +6,13 @@
 namespace tvxcore {
 namespace threads {
 
-/// Nanoseconds of the system's monotonic clock, or of the ManualClock that lives.
+/// Returns the nanoseconds of the system's monotonic clock, or of the ManualClock if one exists.
 std::int64_t ClockNow();
 
-/// True while a ManualClock lives: then time passes by itself for nobody.
+/// Returns whether a ManualClock exists; time then passes only when it is advanced.
 bool ClockIsManual();
 
-/// Stops time at what it is, and moves it when told. One at a time, made and destroyed while nothing waits for time.
+/// Freezes time until Advance. Only one may exist; construct and destroy it while nothing waits for time.
 class ManualClock
 {
 public:
@@ -21,7 +21,7 @@ public:
     ManualClock(const ManualClock&) = delete;
     ManualClock& operator=(const ManualClock&) = delete;
 
-    /// Moves time, and returns when everything that became due has been handed to its executor.
+    /// Advances time, and returns when all entries that became due have been passed to their executors.
     void Advance(std::int64_t inNanoseconds);
 };
 

@@ -1,5 +1,5 @@
-// The mutex of this library: one word, no system object behind it. It needs no construction at run time and no
-// destruction, so it serves before static construction, after static destruction and across unloading.
+// The mutex of this library: one word, without a system object. It needs neither construction at run time nor
+// destruction, so it works before static construction, after static destruction and during unloading.
 #pragma once
 
 #include <CorePlatform/WordWait.h>

@@ -1,4 +1,4 @@
-// What the threads of an executor share, and what each of them does.
+// The state that the threads of an executor share, and the loop that each of them runs.
 #pragma once
 
 #include <WorkChannel.h>
@@ -15,18 +15,19 @@ namespace threads {
 class ExecutorCore
 {
 public:
-    /// A thread starts with the processors of its creator: the core must be made by who starts its threads.
+    /// A thread inherits the processor affinity of its creator, so the core must be constructed on the thread that
+    /// starts the threads.
     ExecutorCore(const std::string& inName, ThreadPriority inPriority, const boost::function<void()>& inThreadStart,
                  const boost::function<void()>& inThreadEnd);
 
-    /// False after Channel().Close(). Throws what a copy of the function throws, or std::bad_alloc, and then nothing
-    /// is queued.
+    /// Returns false after Channel().Close(). Throws what a copy of the function throws, or std::bad_alloc, and then
+    /// queues nothing.
     bool Queue(const boost::function<void()>& inFunction);
 
-    /// The whole life of one thread: until the channel is closed and empty.
+    /// The main function of a thread: runs until the channel is closed and empty.
     void RunThread() noexcept;
 
-    /// True on a thread that is in RunThread of this core.
+    /// Returns whether the calling thread is in RunThread of this core.
     bool OwnsCurrentThread() const noexcept;
 
     WorkChannel<SystemPolicy>& Channel() { return mChannel; }

@@ -1,7 +1,7 @@
-// The one thread that waits for the times of all repeated functions of the process.
+// The timer thread for all repeated functions of the process.
 //
-// The thread starts with the first entry that is added and has ended when the last one has been removed, so it never
-// outlives the need for it, nor the library.
+// The thread starts when the first entry is added and has ended when the last one is removed, so it never outlives the
+// library.
 #pragma once
 
 #include <CorePlatform/Thread.h>
@@ -11,7 +11,7 @@
 namespace tvxcore {
 namespace threads {
 
-/// Something that becomes due again and again. Its owner keeps it alive from Add until Remove has returned.
+/// A recurring event. Its owner keeps it alive from Add until Remove has returned.
 class RepeatEntry
 {
 public:
@@ -28,28 +28,29 @@ protected:
 private:
     friend struct RepeatSchedule;
 
-    std::int64_t mDue = 0;          // on the clock
-    RepeatEntry* mNext = nullptr;   // of those that are scheduled, the one that is due next
+    std::int64_t mDue = 0;          // time of the clock
+    RepeatEntry* mNext = nullptr;   // the next one due, if scheduled
     bool mIsScheduled = false;
 };
 
 class RepeatTimer
 {
 public:
-    /// Keeps the thread running until Remove. Throws boost::thread_resource_error when the system refuses the thread.
+    /// Keeps the thread running until Remove. Throws boost::thread_resource_error if the system cannot start the
+    /// thread.
     static void Add(Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
 
-    /// Makes the entry due in inDelay nanoseconds. It must not be scheduled already.
+    /// Makes the entry due in inDelay nanoseconds. It must not be scheduled yet.
     static void Schedule(RepeatEntry& ioEntry, std::int64_t inDelay);
 
-    /// The same, inDelay after it was due last, or from now where that has gone by.
+    /// The same, inDelay after its previous due time, or from now if that time has passed.
     static void ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay);
 
-    /// Undoes Add and Schedule. When this returns, BecomeDue is not running, unless it is what calls this. The last
-    /// one returns after the thread has ended.
+    /// Undoes Add and Schedule. BecomeDue is not running when this returns, unless BecomeDue itself calls it. The last
+    /// call returns after the thread has ended.
     static void Remove(RepeatEntry& ioEntry);
 
-    /// Returns when every entry that is due has had its call.
+    /// Returns when BecomeDue has been called for all entries that are due.
     static void WaitUntilNothingIsDue();
 };
 

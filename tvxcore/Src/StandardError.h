@@ -6,13 +6,13 @@
 namespace tvxcore {
 namespace debug {
 
-/// Writes the bytes to standard error and behind them inEnd, with no other text of this library between. Never throws,
-/// never waits for somebody to read for longer than a moment, and drops what cannot be written: a report must not hold
-/// a process back. The calling thread's errno or last error stays as it is.
+/// Writes the bytes and then inEnd to standard error, with no other text of this library between them. Never throws.
+/// Never blocks for long on a reader, and drops what cannot be written. Preserves the calling thread's errno or last
+/// error.
 void WriteStandardError(const char* inBytes, std::size_t inCount, const char* inEnd = "") noexcept;
 
-/// Prints one line and its end in one piece. Takes no memory and never throws: a report may come from anywhere. What
-/// a screenful does not hold is cut off.
+/// Formats and writes one line and its end in one call. Allocates no memory and never throws, so it may be called
+/// anywhere. Cuts off text that exceeds its buffer.
 void WriteStandardErrorLine(const char* inFormat, ...) noexcept __attribute__((format(printf, 1, 2)));
 
 } // namespace debug

@@ -1,4 +1,4 @@
-// The executor that hosts see: a set of threads around an ExecutorCore.
+// The executor behind the public interface: a set of threads around an ExecutorCore.
 #pragma once
 
 #include <CoreMutex.h>
@@ -15,7 +15,8 @@ namespace threads {
 class ThreadedExecutor : public AsyncThreadedExecutor
 {
 public:
-    /// Throws boost::thread_resource_error when the system refuses a thread; those already started have ended then.
+    /// Throws boost::thread_resource_error if the system cannot start a thread; threads already started have then
+    /// ended.
     ThreadedExecutor(const std::shared_ptr<ExecutorCore>& inCore, unsigned int inThreadCount,
                      Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
     ~ThreadedExecutor() override;
@@ -38,7 +39,7 @@ private:
     const unsigned int mThreadCount;
     std::atomic<bool> mIsTerminated{false};
     CoreMutex mThreadsMutex;
-    std::vector<Platform::ThreadHandle> mThreads; // guarded by mThreadsMutex; those not yet joined
+    std::vector<Platform::ThreadHandle> mThreads; // guarded by mThreadsMutex; threads not yet joined
 };
 
 } // namespace threads

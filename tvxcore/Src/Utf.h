@@ -1,4 +1,4 @@
-// Conversion between UTF-8 and UTF-16 into memory of the caller: the kernels under the string functions.
+// Conversion between UTF-8 and UTF-16 into the caller's buffer: the kernels of the string functions.
 #pragma once
 
 #include <cstddef>
@@ -18,21 +18,21 @@ constexpr std::size_t UTF8Bound(std::size_t inUnits) noexcept
     return 3 * inUnits;
 }
 
-/// Writes the UTF-16 of inText to outText, which holds UTF16Bound(inLength) units, and gives the number written. What
-/// is behind them, up to the bound, may be overwritten too. Each maximal subpart of an ill-formed sequence becomes one
-/// U+FFFD.
+/// Writes the UTF-16 of inText to outText, a buffer of UTF16Bound(inLength) units, and returns the number of units
+/// written. May overwrite the rest of the buffer, up to the bound. Each maximal subpart of an ill-formed sequence
+/// becomes one U+FFFD.
 using ToUTF16Function = std::size_t(const unsigned char* inText, std::size_t inLength,
                                     unsigned short* outText) noexcept;
 
-/// Writes the UTF-8 of inText to outText, which holds UTF8Bound(inLength) bytes, likewise. Each unpaired surrogate
-/// becomes U+FFFD.
+/// Writes the UTF-8 of inText to outText, a buffer of UTF8Bound(inLength) bytes, in the same way. Each unpaired
+/// surrogate becomes U+FFFD.
 using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
 
-/// The fastest that this processor has.
+/// The fastest kernels that this processor supports.
 ToUTF16Function ToUTF16;
 ToUTF8Function ToUTF8;
 
-/// One way to convert. All give the same text.
+/// One implementation of the conversions. All of them produce the same text.
 struct Kernel
 {
     const char* mName;

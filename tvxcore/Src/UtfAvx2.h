@@ -1,4 +1,4 @@
-// What both directions of the AVX2 kernel share.
+// Shared by both directions of the AVX2 kernel.
 #pragma once
 
 #include <immintrin.h>
@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utf {
 
-/// Every byte at the place of the one that many places behind it; the first ones become zero.
+/// Shifts all bytes up by kPlaces places; the lowest become zero. So each place holds the byte kPlaces before it.
 template <int kPlaces>
 TVX_AVX2_INLINE __m256i Before(__m256i inBytes)
 {

@@ -1,4 +1,4 @@
-// What both directions of the AVX-512 kernel share.
+// Shared by both directions of the AVX-512 kernel.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,12 @@
 #include <immintrin.h>
 
 #if !defined(__clang__)
-// The compiler's own headers leave operands undefined that a full mask makes meaningless, and it warns of them here.
+// The compiler's headers leave operands undefined that a full mask makes irrelevant, and the compiler warns about them
+// here.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
-// Byte compress and byte permute are the newest that the kernel needs.
+// Byte compress and byte permute are the newest instructions that the kernel needs.
 #define TVX_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,lzcnt,popcnt")))
 #define TVX_AVX512_INLINE TVX_AVX512 __attribute__((always_inline)) inline
 
@@ -23,15 +24,15 @@ constexpr std::uint64_t LowBits(std::size_t inCount) noexcept
     return inCount >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << inCount) - 1;
 }
 
-/// A register's width from there reaches into another page. Where that page is absent or has not been touched, a masked move
-/// is repeated by the processor's microcode although the mask spares the page: more than 100 ns on Intel's processors,
-/// against 5 ns for a copy.
+/// Returns whether a 64-byte access at inText crosses a page boundary. If the second page is absent or untouched, the
+/// processor repeats a masked move in microcode although the mask excludes that page: more than 100 ns on Intel
+/// processors, against 5 ns for a copy.
 inline bool ReachesIntoAnotherPage(const void* inText) noexcept
 {
     return (reinterpret_cast<std::uintptr_t>(inText) & 4095) > 4096 - 64;
 }
 
-/// The bytes of a text's end, fewer than 64, with zeros behind.
+/// Loads the last inBytes (fewer than 64) of a text, padded with zeros.
 TVX_AVX512_INLINE __m512i LoadEnd(const void* inText, std::size_t inBytes) noexcept
 {
     if (ReachesIntoAnotherPage(inText)) {
@@ -42,7 +43,7 @@ TVX_AVX512_INLINE __m512i LoadEnd(const void* inText, std::size_t inBytes) noexc
     return _mm512_maskz_loadu_epi8(LowBits(inBytes), inText);
 }
 
-/// The first bytes of a register, up to 64.
+/// Stores the first inBytes of a register, up to 64.
 TVX_AVX512_INLINE void StoreEnd(void* outText, __m512i inRegister, std::size_t inBytes) noexcept
 {
     if (ReachesIntoAnotherPage(outText)) {

@@ -1,4 +1,5 @@
-// One character at a time: the reference that every kernel agrees with, and what kernels do at the ends of a text.
+// Conversion of single characters: the reference that every kernel must match, and the code that kernels use at the
+// ends of a text.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +8,7 @@
 namespace tvxcore {
 namespace utf {
 
-/// What stands for each ill-formed piece.
+/// Replaces each ill-formed sequence.
 inline constexpr unsigned short kReplacement = 0xFFFD;
 
 constexpr bool IsContinuation(unsigned char inByte) noexcept
@@ -30,11 +31,11 @@ constexpr bool IsLowSurrogate(unsigned inUnit) noexcept
     return (inUnit & 0xFC00) == 0xDC00;
 }
 
-/// What a lead byte promises: how many bytes follow, and what the first of them may be. That one byte's range keeps
-/// out overlong forms, surrogates and everything above U+10FFFF; the further bytes are free.
+/// The properties of a lead byte: how many bytes must follow, and the range of the first of them. That range excludes
+/// overlong forms, surrogates and everything above U+10FFFF; the other bytes may be any continuation bytes.
 struct Lead
 {
-    unsigned char mFollowers; // 0: no character begins so
+    unsigned char mFollowers; // 0: not a valid lead byte
     unsigned char mFirstLow;
     unsigned char mFirstHigh;
     unsigned char mPayload;
@@ -58,8 +59,8 @@ constexpr Lead LeadOf(unsigned char inByte) noexcept
     return {3, low, high, static_cast<unsigned char>(inByte & 0x07)};
 }
 
-/// Reads one character that begins with a byte above 0x7F. An ill-formed one gives U+FFFD and leaves ioText behind its
-/// maximal subpart: the bytes that could still have become a character.
+/// Reads one character that begins with a byte above 0x7F. For an ill-formed one returns U+FFFD and advances ioText
+/// past its maximal subpart: the bytes that could have begun a character.
 inline std::uint32_t ReadMultibyte(const unsigned char*& ioText, const unsigned char* inEnd) noexcept
 {
     const Lead lead = LeadOf(*ioText++);
@@ -87,7 +88,7 @@ inline unsigned short* WriteUTF16(std::uint32_t inPoint, unsigned short* outText
     return outText;
 }
 
-/// Converts one character, or one ill-formed piece.
+/// Converts one character, or one ill-formed sequence.
 inline unsigned short* StepToUTF16(const unsigned char*& ioText, const unsigned char* inEnd,
                                    unsigned short* outText) noexcept
 {
@@ -142,9 +143,9 @@ inline unsigned char* StepToUTF8(const unsigned short*& ioText, const unsigned s
     return WriteUTF8(ReadUTF16(ioText, inEnd), outText);
 }
 
-/// The longest piece of inText, at most inLimit bytes (4 at least), behind which the text may be cut without changing
-/// what it converts to. A piece ends before a byte that continues nothing; four continuation bytes in a row belong to
-/// no one character, so the last of them may begin a piece.
+/// Returns the length of the longest prefix of inText, at most inLimit bytes (at least 4), that converts independently
+/// of the rest. A prefix ends before a byte that is not a continuation byte. Four continuation bytes in a row cannot
+/// belong to one character, so the last of them may begin the next piece.
 inline std::size_t PieceOfUTF8(const unsigned char* inText, std::size_t inLength, std::size_t inLimit) noexcept
 {
     if (inLength <= inLimit) {
@@ -158,7 +159,7 @@ inline std::size_t PieceOfUTF8(const unsigned char* inText, std::size_t inLength
     return inLimit;
 }
 
-/// The same for UTF-16: a pair is not cut.
+/// The same for UTF-16: a surrogate pair is not split.
 inline std::size_t PieceOfUTF16(const unsigned short* inText, std::size_t inLength, std::size_t inLimit) noexcept
 {
     if (inLength <= inLimit) {

@@ -1,4 +1,4 @@
-// How far a step of a vector kernel came.
+// Progress of one step of a vector kernel.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace utf {
 
 struct Progress
 {
-    std::size_t mRead; // 0: not well formed, so that the plain loop has to take this step
+    std::size_t mRead; // 0: ill-formed; the scalar loop must take this step
     std::size_t mWritten;
 };
 

@@ -1,18 +1,18 @@
-// The road from those who queue work to the threads that do it.
+// The queue from the clients that submit work to the threads that run it.
 //
-// Work leaves in the order in which it came, one node at a time: a thread that took several would hold back work that
-// others are free to do, and two pieces of work that wait for each other would never meet. Idle threads sleep; a push
-// wakes one of them, and makes no system call when nobody sleeps.
+// Work is dequeued in first-in, first-out order, one node at a time: a thread that took several would delay work that
+// idle threads could run, and two tasks that wait for each other would deadlock. Idle threads sleep; a push wakes one
+// of them, and makes no system call if none sleeps.
 //
-// Two lists. A push appends to the inbox under the inbox's lock; a thread takes from the outbox under the outbox's
-// lock, and moves the whole inbox over when the outbox is empty. So the two sides rarely meet, and a lock is held for
-// a few instructions. The outbox's lock comes first.
+// There are two lists. A push appends to the inbox under the inbox lock. A thread dequeues from the outbox under the
+// outbox lock, and moves the whole inbox over if the outbox is empty. So the two sides rarely contend, and each lock is
+// held for a few instructions. Lock order: outbox before inbox.
 //
-// No work is left lying: a sleeper announces itself first and looks under both locks second, a push appends under the
-// lock first and looks for sleepers second. So either the sleeper sees the work or the push sees the sleeper. One
-// idle thread at a time may spin for a moment, and a push may trust it with the only item there is: the spinner ends
-// its spin first and looks under the locks second. How long it spins is learned from how long work took to come: a spin
-// that ends in sleep has cost a processor for nothing.
+// No wake-up is lost. A sleeper first announces itself, then checks for work under both locks; a push first appends
+// under the lock, then checks for sleepers. So either the sleeper sees the work or the push sees the sleeper. One idle
+// thread at a time may spin for a short time, and a push may leave a single item to it without a wake: the spinner
+// first ends its spin, then checks under the locks. The spin time adapts to how long work has taken to arrive, since a
+// spin that ends in sleep only wastes processor time.
 #pragma once
 
 #include <cstdint>
@@ -20,17 +20,17 @@
 namespace tvxcore {
 namespace threads {
 
-/// The steps that a model check leaves out one by one, to prove that it would notice.
+/// Steps that the model check omits one by one, to prove that it detects each omission.
 enum class ChannelStep {
-    kSleeperLooksAgain,    // who has announced its sleep looks for work once more
-    kSpinnerEndsFirst,     // who has found work in a spin stops being counted as a spinner before it takes the work
-    kOnlyItemNeedsNoWake,  // a spinner is trusted with one item, not with several
+    kSleeperLooksAgain,    // a thread that has announced its sleep checks for work once more
+    kSpinnerEndsFirst,     // a spinner that found work is uncounted before it dequeues it
+    kOnlyItemNeedsNoWake,  // a push leaves one item to a spinner, but not several
     kResumeWakes,          // the end of a pause wakes the sleepers
     kCloseWakes,           // closing wakes the sleepers
-    kRefusalUnderLock,     // whether the channel is closed is asked under the lock of the list
+    kRefusalUnderLock,     // a push checks under the list's lock whether the channel is closed
 };
 
-/// A piece of work in the channel, which neither makes nor deletes nodes.
+/// A work item. The channel neither creates nor deletes nodes.
 struct WorkNode
 {
     WorkNode* mNext = nullptr;
@@ -40,8 +40,8 @@ template <class Policy>
 class WorkChannel
 {
 public:
-    /// How long an idle thread spins at most before it sleeps; 0 where that cannot pay, since those who queue work need the
-    /// thread's processor.
+    /// inSpinTurns is the maximum number of turns that an idle thread spins before it sleeps. Pass 0 if spinning cannot
+    /// pay because the clients need the thread's processor.
     explicit WorkChannel(unsigned int inSpinTurns) : mSpinTurns(inSpinTurns)
     {
         Policy::Reach(mInbox.mLast) = nullptr;
@@ -51,7 +51,7 @@ public:
     WorkChannel(const WorkChannel&) = delete;
     WorkChannel& operator=(const WorkChannel&) = delete;
 
-    /// False when the channel is closed; the node then stays the caller's.
+    /// Returns false if the channel is closed; the caller then keeps the node.
     bool Push(WorkNode& ioNode)
     {
         bool isOnly = false;
@@ -66,7 +66,7 @@ public:
         return true;
     }
 
-    /// The next node, for as long as it takes to come. Null when the channel is closed and empty.
+    /// Returns the next node; waits for it without limit. Returns null if the channel is closed and empty.
     WorkNode* Take()
     {
         for (;;) {
@@ -80,8 +80,8 @@ public:
         }
     }
 
-    /// Holds back what is in the channel and what comes. What a thread has taken counts as begun.
-    /// A closed channel cannot be paused.
+    /// Holds back all nodes in the channel and later ones. Nodes already dequeued count as started. Has no effect on a
+    /// closed channel.
     void Pause()
     {
         const MutexLock outboxLock(mOutbox.mMutex);
@@ -109,7 +109,7 @@ public:
         }
     }
 
-    /// Refuses further nodes and ends a pause. What is in the channel still comes out.
+    /// Refuses further nodes and ends a pause. Nodes in the channel can still be dequeued.
     void Close()
     {
         {
@@ -129,7 +129,7 @@ public:
         return Policy::Reach(mInbox.mIsClosed);
     }
 
-    /// How many threads sleep now and have not been woken.
+    /// Returns the number of threads that sleep and have not been woken.
     unsigned int CountSleepers() const { return Sleepers(Policy::Load(mIdle)); }
 
 private:
@@ -169,7 +169,7 @@ private:
         return true;
     }
 
-    // True when there is an answer: a node, or null for the end.
+    // Returns true if there is a result: a node, or null if the channel is closed and empty.
     bool TakeNow(WorkNode*& outNode)
     {
         const MutexLock lock(mOutbox.mMutex);
@@ -187,8 +187,8 @@ private:
         return outNode != nullptr || isOver;
     }
 
-    // The outbox is set before the inbox's lock goes: a push that finds the inbox empty must not find the outbox
-    // empty too while the nodes are on their way.
+    // Sets the outbox before it releases the inbox lock: a push that finds the inbox empty must not find the outbox
+    // empty too while the nodes are being moved.
     WorkNode* MoveInboxOver(bool& outIsOver)
     {
         const MutexLock lock(mInbox.mMutex);
@@ -212,7 +212,7 @@ private:
                || Policy::Reach(mInbox.mIsClosed);
     }
 
-    // Without the locks, for a spinner: it looks again under them.
+    // Takes no lock: a spinner checks again under the locks.
     bool SeemsToHaveWork() const
     {
         return Policy::Load(mPaused) == kRunning
@@ -239,7 +239,7 @@ private:
         return isFound;
     }
 
-    // Where work has lately come too late for any spin, only a spin now and then finds out whether that is still so.
+    // If recent work came too late for any spin, only an occasional spin tests whether that has changed.
     unsigned int TurnsWorthwhile()
     {
         const Habit& habit = Policy::Reach(mHabit);
@@ -249,7 +249,7 @@ private:
         return habit.mVainSpins % kSpinsSkipped == 0 ? mSpinTurns : 0;
     }
 
-    // Work that came was worth twice the time it took, on the average of the last few times.
+    // A successful spin justifies twice its time. Keeps a moving average of recent spins.
     void LearnFromSpin(bool inIsFound, unsigned int inTurns)
     {
         Habit& habit = Policy::Reach(mHabit);
@@ -275,7 +275,7 @@ private:
         if (mustStay && ClaimSleepers(1) == 1) {
             return;
         }
-        // Asleep, or somebody has claimed this sleeper in between: either way a wake belongs to it.
+        // Asleep, or another thread has claimed this sleeper meanwhile: either way it is owed a wake.
         TakeWake();
     }
 
@@ -291,7 +291,7 @@ private:
         }
     }
 
-    // Takes up to inMost threads off the count of sleepers: whoever claims a sleeper owes it a wake.
+    // Removes up to inMost threads from the count of sleepers. A thread that claims a sleeper must wake it.
     std::uint32_t ClaimSleepers(std::uint32_t inMost)
     {
         for (;;) {
@@ -320,7 +320,7 @@ private:
         }
     }
 
-    // The caller holds the outbox's lock.
+    // The caller must hold the outbox lock.
     void EndPause()
     {
         if (Policy::Load(mPaused) == kPaused) {
@@ -329,8 +329,7 @@ private:
         }
     }
 
-    // Each side's words stand on a memory line of their own, and so do the words that both look at and that rarely
-    // change.
+    // Each side's words are on their own cache line, and so are the rarely changed words that both sides read.
     struct alignas(Policy::kLine) Inbox
     {
         typename Policy::Mutex mMutex;
@@ -347,17 +346,17 @@ private:
 
     struct Habit
     {
-        unsigned int mTurns;      // of a spin that may pay
-        std::uint32_t mVainSpins; // since work was last found
+        unsigned int mTurns;      // turns of a spin that may pay
+        std::uint32_t mVainSpins; // failed spins since work was last found
     };
 
     const unsigned int mSpinTurns;
     Inbox mInbox;
     Outbox mOutbox;
-    alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, and kSpinner while somebody spins
-    typename Policy::template Guarded<Habit> mHabit; // the spinner's alone
-    Word mPaused{kRunning};                 // changed under the outbox's lock
-    alignas(Policy::kLine) Word mWakes{0};  // owed to claimed sleepers
+    alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, plus kSpinner while a thread spins
+    typename Policy::template Guarded<Habit> mHabit; // only the spinner accesses it
+    Word mPaused{kRunning};                 // changed under the outbox lock
+    alignas(Policy::kLine) Word mWakes{0};  // number of wakes owed to claimed sleepers
 };
 
 } // namespace threads

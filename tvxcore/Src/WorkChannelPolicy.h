@@ -1,5 +1,5 @@
-// What the executors make their channels of. The model check instantiates the same template with a policy whose every
-// operation is a choice of the checker.
+// The primitives that executors use in their channels. The model check instantiates the same template with a policy in
+// which the checker controls every operation.
 #pragma once
 
 #include <CoreMutex.h>
@@ -18,7 +18,7 @@ struct SystemPolicy
 {
     static constexpr bool Keeps(ChannelStep) { return true; }
 
-    /// Bytes of a memory line.
+    /// Size of a cache line in bytes.
     static constexpr std::size_t kLine = 64;
 
     /// Words and pointers: a load acquires, a store releases, the rest are sequentially consistent.
@@ -48,7 +48,7 @@ struct SystemPolicy
         return ioTarget.fetch_sub(inValue);
     }
 
-    /// A value under a lock.
+    /// A value that a lock guards.
     template <class T>
     using Guarded = T;
     template <class T>
@@ -67,7 +67,7 @@ struct SystemPolicy
     static void WakeOne(Atomic<std::uint32_t>& ioWord) { Platform::WakeOneOnWord_Impl(ioWord); }
     static void WakeAll(Atomic<std::uint32_t>& ioWord) { Platform::WakeAllOnWord_Impl(ioWord); }
 
-    /// One turn of a spin.
+    /// One iteration of a spin.
     static void Pause() { __builtin_ia32_pause(); }
 };
 

@@ -8,8 +8,8 @@
 // words stay correct as long as the differences that are evaluated fit their fields:
 //   mTaken  what the thread has allocated since its totals were last updated
 //   mRoom   mTaken, plus what the thread may still allocate before a peak moves
-// Allocate adds to mTaken, Dispose to mRoom. Allocate takes the slow path if the allowance is used up or a sum has
-// carried into a guard bit; the slow path updates the peaks and the totals.
+// Allocate adds to mTaken, Dispose to mRoom. Allocate takes the slow path if the room (mRoom - mTaken) is used up or a
+// sum has carried into a guard bit; the slow path updates the peaks and the totals.
 //
 // All of this is part of the binary interface: it is compiled into hosts.
 #pragma once
@@ -69,7 +69,7 @@ TVXCORE_LOCAL inline constexpr PlaceTable kPlaces = MakePlaceTable();
 static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[kClassCount - 1] == kLargestSmall);
 
 // A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread takes
-// the slow path once in a while and does not accumulate an unlimited allowance.
+// the slow path once in a while and does not accumulate unlimited room.
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 

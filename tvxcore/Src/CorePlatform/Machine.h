@@ -1,4 +1,4 @@
-// What the machine has.
+// The machine's resources.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@ namespace tvxcore {
 namespace utility {
 namespace Platform {
 
-/// Physical memory in bytes. 0 if the system does not tell.
+/// Returns the physical memory in bytes, or 0 if the system does not report it.
 std::uint64_t TotalPhysicalMemory_Impl() noexcept;
 
 } // namespace Platform

@@ -10,7 +10,7 @@ namespace tvxcore {
 namespace utility {
 namespace Platform {
 
-/// How a number is to be shown.
+/// How a number is displayed.
 struct NumberStyle
 {
     bool mHasLeadingZero;
@@ -18,11 +18,11 @@ struct NumberStyle
     unsigned mFractionDigits; // 0 to 9, as many as the decimal text has
 };
 
-/// The decimal text ("-1234.50": ASCII digits, at least one before the point, already rounded) by the rules of a
-/// locale: a name such as "de-DE", or null for the user's. An unknown name counts as the classic locale.
+/// Formats a decimal text ("-1234.50": ASCII digits, at least one before the point, already rounded) by the rules of a
+/// locale: a name such as "de-DE", or null for the user's. An unknown name is treated as the classic locale.
 UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale);
 
-/// How the user's locale writes numbers, found out anew at each call.
+/// Returns the punctuation of the user's locale. Determines it on each call.
 NumberPunctuation FindUserPunctuation_Impl();
 
 } // namespace Platform

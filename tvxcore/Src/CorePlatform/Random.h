@@ -7,7 +7,7 @@ namespace tvxcore {
 namespace utility {
 namespace Platform {
 
-/// Fills outBytes with random bytes that nobody can foresee. False when the system gives none.
+/// Fills outBytes with cryptographically secure random bytes. Returns false if the system returns none.
 bool FillRandom_Impl(void* outBytes, std::size_t inCount) noexcept;
 
 } // namespace Platform

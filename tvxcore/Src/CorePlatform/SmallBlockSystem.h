@@ -1,4 +1,4 @@
-// What the small block allocator needs of the system.
+// The system functions that the small block allocator needs.
 #pragma once
 
 #include <tvxcore/SmallBlockCache.h>
@@ -9,26 +9,26 @@ namespace tvxcore {
 namespace utility {
 namespace Platform {
 
-/// Fresh zeroed memory of the system, readable and writable. inAlignment is a power of two. Null when there is none.
+/// Maps new zeroed memory, readable and writable. inAlignment is a power of two. Returns null if out of memory.
 void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept;
 
-/// Gives memory of MapPages_Impl back, with the same size.
+/// Unmaps memory of MapPages_Impl. inSize must be the same.
 void UnmapPages_Impl(void* inPages, std::size_t inSize) noexcept;
 
-/// Has inEnded called on each thread that ends after WatchThisThread_Impl, with what was given there. To be called
-/// once, before that. False when the system cannot.
+/// Registers inEnded, which is then called on each thread that ends after its WatchThisThread_Impl, with the argument
+/// given there. Call it once, before any WatchThisThread_Impl. Both return false if the system cannot do it.
 bool WatchThreadEnds_Impl(void (*inEnded)(SmallBlocks::CacheHead* inCache)) noexcept;
 bool WatchThisThread_Impl(SmallBlocks::CacheHead* inCache) noexcept;
 
-/// Ends the watch on all threads: nothing of ours is called when they end.
+/// Ends the watch on all threads: no function of this library is called any more when they end.
 void ForgetThreadEnds_Impl() noexcept;
 
-/// Has inBefore called before the process is forked, and inAfter after it in both processes. Nothing where processes
-/// are not forked.
+/// Registers inBefore, which is called before the process forks, and inAfter, which is called after it in both
+/// processes. Does nothing on systems without fork.
 void WatchForks_Impl(void (*inBefore)(), void (*inAfter)()) noexcept;
 
-/// True while this library is unloaded from a process that goes on without it. For our static destructors: these run at the
-/// end of the process too, where other threads may still use the library.
+/// Returns whether this library is being unloaded from a process that continues. Static destructors call it: they also
+/// run at process exit, when other threads may still use the library.
 bool IsUnloading_Impl() noexcept;
 
 } // namespace Platform

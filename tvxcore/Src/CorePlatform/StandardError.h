@@ -1,4 +1,4 @@
-// Where reports go when no host has installed anything better.
+// The default output of reports, if the host installs no handler.
 #pragma once
 
 #include <cstddef>
@@ -7,20 +7,21 @@ namespace tvxcore {
 namespace debug {
 namespace Platform {
 
-/// Writes some of the bytes to standard error and returns how many; 0 when it takes none, or is not there. The caller
-/// keeps to one call at a time.
+/// Writes some of the bytes to standard error and returns the number written; 0 if it accepts none, or does not exist.
+/// The caller serialises the calls.
 ///
-/// A pipe may be full: its reader then has a tenth of a second. When it takes nothing in that time, ioReaderIsStuck is
-/// set, and as long as it is, a call gives the reader hardly any time. A write that succeeds clears it. Never throws.
+/// If a pipe is full, its reader has a tenth of a second to read. If it reads nothing in that time, ioReaderIsStuck is
+/// set, and while it is set, calls hardly wait for the reader. A successful write clears it. Never throws.
 ///
-/// Linux asks whether a write would be held, of whatever standard error is. Windows has no such question that is answered
-/// everywhere (the room in a pipe is 0 under Wine, whoever reads), so the write is begun and called off by a thread of the
-/// system's pool. That is done for pipes alone: a console whose user holds it up holds its writers up. Nothing calls the
-/// write off where no thread of the pool can run (while the caller loads or unloads a module, or after the system has
-/// ended the process's other threads), or where other code of the process is held in a write to the same pipe.
+/// On Linux: polls whether a write would block, for every kind of file.
+/// On Windows: there is no reliable such query (under Wine the free space of a pipe is always 0), so the write is
+///             started, and a thread of the system's pool cancels it after the timeout. This covers pipes only: a
+///             console that its user has paused blocks its writers. The write cannot be cancelled if no thread of the
+///             pool can run (while the caller loads or unloads a module, or after the system has stopped the process's
+///             other threads), or if other code of the process blocks in a write to the same pipe.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept;
 
-/// Puts the number that the system keeps of the calling thread's last failure back at the end of its life.
+/// Saves the calling thread's errno or last error, and restores it on destruction.
 class SystemErrorKeeper
 {
 public:

@@ -1,4 +1,4 @@
-// A thread of the system, as an executor needs it.
+// The thread functions that an executor needs.
 #pragma once
 
 #include <cstdint>
@@ -7,41 +7,44 @@ namespace tvxcore {
 namespace threads {
 namespace Platform {
 
-/// A started thread. Exactly one of Join and Detach ends the handle's life.
+/// A started thread. Must be passed to exactly one of JoinThread_Impl and DetachThread_Impl.
 using ThreadHandle = std::uintptr_t;
 
-/// Starts a thread that runs inFunction(inArgument). False when the system refuses.
+/// Starts a thread that runs inFunction(inArgument). Returns false if the system cannot start it.
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept;
 
-/// Whoever needs threads takes them from one of these, so that a test can refuse some.
+/// The type of StartThread_Impl: code that starts threads calls it through this pointer, so that a test can make it
+/// fail.
 using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread);
 
-/// Returns when the thread is gone, its thread-local destructors included.
+/// Returns when the thread has ended, including its thread-local destructors.
 void JoinThread_Impl(ThreadHandle inThread) noexcept;
 
 /// Lets the thread end on its own.
 void DetachThread_Impl(ThreadHandle inThread) noexcept;
 
-/// Names the calling thread for debuggers and system tools, as far as the system keeps the name. UTF-8.
+/// Names the calling thread for debuggers and system tools, truncated to the system's limit. UTF-8.
 void NameCurrentThread_Impl(const char* inName) noexcept;
 
-/// Gives the calling thread a priority from 0 to 5, 3 being the process's own, as far as the user may.
+/// Sets the priority of the calling thread, 0 to 5, as far as the user's rights allow. 3 is the priority of the
+/// process.
 void SetCurrentThreadPriority_Impl(int inPriority) noexcept;
 
-/// Processors of the machine, at least 1.
+/// Returns the number of processors of the machine, at least 1.
 unsigned int ProcessorCount_Impl() noexcept;
 
-/// Processors that the calling thread may run on, at least 1. Threads that it starts may run on the same.
+/// Returns the number of processors that the calling thread may run on, at least 1. Threads that it starts inherit
+/// them.
 unsigned int UsableProcessorCount_Impl() noexcept;
 
-/// Lets other threads of this processor go first.
+/// Yields this processor to other threads.
 void YieldThread_Impl() noexcept;
 
-/// True once the system has begun to end the process and has already stopped its other threads, wherever they were:
-/// then nothing may wait for them, nor for a lock that they may hold.
+/// Returns whether the exit of the process has already stopped its other threads, at arbitrary points. Nothing may then
+/// wait for them, or for a lock that they may hold.
 bool ProcessIsEnding_Impl() noexcept;
 
-/// A monotonic clock.
+/// Returns the time of a monotonic clock.
 std::int64_t MonotonicNanoseconds_Impl() noexcept;
 
 } // namespace Platform

@@ -1,4 +1,4 @@
-// Sleep until somebody changes a word: the one thing that locks and parked threads need of the system.
+// Waiting for a change of a word: the only system function that locks and parked threads need.
 #pragma once
 
 #include <atomic>
@@ -10,11 +10,11 @@ namespace Platform {
 
 constexpr std::int64_t kEndless = -1;
 
-/// Sleeps while ioWord holds inExpected: until a wake, for at most inNanoseconds (kEndless: no limit). It may also
-/// return for no reason, so the caller looks again. False only when the time is over.
+/// Sleeps while ioWord holds inExpected, until a wake, for at most inNanoseconds (kEndless: no limit). May wake
+/// spuriously, so the caller checks the word again. Returns false only if the time has run out.
 bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpected, std::int64_t inNanoseconds);
 
-/// Wakes one thread, or all, that sleep on the word. The word is not read, so it may be gone by then.
+/// Wake one or all threads that sleep on the word. They do not read the word, so it may already be destroyed.
 void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord);
 void WakeAllOnWord_Impl(std::atomic<std::uint32_t>& ioWord);
 

@@ -27,7 +27,7 @@ threads::CoreMutex sPoolMutex;
 List<ThreadCache> sIdle;
 enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds = kNotYet;
 
-// On the thread that ends. What it allocates and disposes of from now on goes through the shared cache.
+// Runs on the ending thread. Its later allocations and frees use the shared cache.
 void OnThreadEnd(CacheHead* inCache) noexcept
 {
     ThreadCache& cache = *static_cast<ThreadCache*>(inCache);
@@ -64,7 +64,7 @@ void WatchForks() noexcept
     }
 }
 
-// Under the pool's lock. Without word of a thread's end its cache would be lost with it.
+// The caller holds the pool's lock. If thread ends cannot be watched, a cache would leak when its thread ends.
 bool CanWatchThreadEnds() noexcept
 {
     if (sThreadEnds == kNotYet) {
@@ -145,7 +145,7 @@ SharedCacheUse::SharedCacheUse() noexcept : mGuard(sSharedMutex)
     }
 }
 
-// It is no thread's, so it keeps no room from the threads: their peaks stay exact beside it.
+// The shared cache belongs to no thread, so it returns all its room to the ledger: the threads' peaks stay exact.
 SharedCacheUse::~SharedCacheUse()
 {
     LeaveAllRoom(sShared);

@@ -1,4 +1,4 @@
-// Which thread has which cache.
+// Assigns caches to threads.
 #pragma once
 
 #include <SmallBlocks/Guard.h>
@@ -10,12 +10,12 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// The calling thread's cache, made if need be. Null when the thread has none: it is ending and has given it back, or
-/// there is no memory for one. Then the shared cache serves it.
+/// Returns the calling thread's cache; creates one if needed. Returns null if the thread has none: it is ending and has
+/// returned its cache, or there is no memory for one. The shared cache then serves it.
 ThreadCache* CacheOfThisThread() noexcept;
 
-/// The cache of the threads without one of their own, one after the other. Nothing is in it at first, and its memory is
-/// static, so it serves where nothing else can.
+/// Locks and uses the shared cache, for threads without a cache. It starts empty and its memory is static, so it works
+/// when nothing else does.
 class SharedCacheUse
 {
 public:
@@ -30,8 +30,8 @@ private:
     const Guard mGuard;
 };
 
-/// Frees the memory of every cache and cluster when no block is outstanding, so that nothing stays behind when the
-/// library is unloaded. Otherwise nothing happens: the blocks stay valid, and may still be given back.
+/// Frees the memory of every cache and cluster if no block is allocated, so that unloading the library leaks nothing.
+/// Otherwise does nothing: the blocks stay valid and may still be freed.
 void ReleaseAllIfUnused() noexcept;
 
 } // namespace SmallBlocks

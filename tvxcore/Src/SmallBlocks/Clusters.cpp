@@ -15,12 +15,12 @@ namespace SmallBlocks {
 
 namespace {
 
-// Stands at the start of the cluster's memory; the first master block is shorter by that.
+// The header at the start of the cluster's memory; the first master block is shorter by its size.
 struct Cluster
 {
     Cluster* mNext = nullptr;
     Cluster* mPrevious = nullptr;
-    std::uint32_t mUsed = 0; // a bit for each master block
+    std::uint32_t mUsed = 0; // one bit for each master block
     Master mMasters[kMastersPerCluster];
 };
 
@@ -28,9 +28,10 @@ constexpr std::size_t kHeadSize = (sizeof(Cluster) + 63) / 64 * 64;
 constexpr std::uint32_t kAllUsed = (1u << kMastersPerCluster) - 1;
 
 threads::CoreMutex sMutex;
-List<Cluster> sRoomy; // clusters that have a master block left
+List<Cluster> sRoomy; // clusters with an unused master block
 List<Cluster> sFull;
-// One empty cluster is kept, so that a host that works at the edge of a cluster does not map and unmap it each time.
+// One empty cluster is kept, so that a host whose usage fluctuates around a cluster boundary does not map and unmap it
+// each time.
 Cluster* sSpare = nullptr;
 
 Cluster& ClusterOf(const void* inAddress) noexcept

@@ -1,7 +1,7 @@
 // Clusters of 1 MiB from the system, cut into master blocks of 64 KiB, each of which holds the blocks of one class.
 //
-// A cluster begins at a multiple of its size, so the master block of any block follows from its address. Only the slow
-// ways ask for it.
+// A cluster is aligned to its size, so the master block of a block follows from its address. Only the slow paths look
+// it up.
 #pragma once
 
 #include <cstddef>
@@ -15,14 +15,15 @@ inline constexpr std::size_t kClusterSize = 1024 * 1024;
 inline constexpr std::size_t kMasterSize = 64 * 1024;
 inline constexpr std::size_t kMastersPerCluster = kClusterSize / kMasterSize;
 
-/// One master block: its blocks that are free and not in a store or a cache. The store of its class guards it.
+/// One master block with those of its free blocks that are in no store or cache. Guarded by the lock of its class's
+/// store.
 class Master
 {
 public:
-    /// Makes all blocks free. Their memory is not touched until they are handed out.
+    /// Makes all blocks free. Does not touch their memory.
     void Cut(char* inMemory, std::size_t inBytes, std::size_t inBlockSize) noexcept;
 
-    /// A free block; there must be one.
+    /// Returns a free block. There must be one.
     void* Take() noexcept;
     void Give(void* inBlock) noexcept;
 
@@ -33,26 +34,26 @@ public:
     Master* mPrevious;
 
 private:
-    void* mFree; // blocks given back, linked through their first bytes
+    void* mFree; // freed blocks, linked through their first bytes
     char* mMemory;
     std::uint32_t mBlockSize;
-    std::uint32_t mBlocks; // how many there are
-    std::uint32_t mUncut;  // from here on they were never handed out
+    std::uint32_t mBlocks; // number of blocks
+    std::uint32_t mUncut;  // index of the first block that was never allocated
     std::uint32_t mUsed;
 };
 
-/// A master block cut for a class, or null when memory is out.
+/// Returns a master block for a class, or null if out of memory.
 Master* NewMaster(std::size_t inClass) noexcept;
 
-/// Gives an unused master block back.
+/// Returns an unused master block to its cluster.
 void DeleteMaster(Master& inMaster) noexcept;
 
 Master& MasterOf(void* inBlock) noexcept;
 
-/// Gives all clusters back to the system, whatever they hold. For the unloading of the library.
+/// Unmaps all clusters, whatever they hold. Used when the library is unloaded.
 void DeleteClusters() noexcept;
 
-/// Hold the clusters' lock across a fork.
+/// Lock and unlock the clusters around a fork.
 void LockClusters() noexcept;
 void UnlockClusters() noexcept;
 

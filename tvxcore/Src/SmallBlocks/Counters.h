@@ -1,4 +1,4 @@
-// The counters of the rarer subjects: shared by all threads, exact.
+// The counters of infrequent events: shared by all threads, exact.
 #pragma once
 
 #include <tvxcore/Types.h>
@@ -11,7 +11,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// One subject: its value now, its highest value, and the sum of all that was added.
+/// One subject: its current value, its peak, and its total.
 class Counter
 {
 public:
@@ -30,7 +30,7 @@ public:
 
     void Read(unsigned __int64& outCurrent, unsigned __int64& outPeak, unsigned __int64& outTotal) const noexcept
     {
-        // Another thread may stand between its steps above.
+        // Another thread may be between its updates in Add.
         outCurrent = mCurrent.load(std::memory_order_relaxed);
         outPeak = std::max<unsigned __int64>(outCurrent, mPeak.load(std::memory_order_relaxed));
         outTotal = std::max<unsigned __int64>(outPeak, mTotal.load(std::memory_order_relaxed));

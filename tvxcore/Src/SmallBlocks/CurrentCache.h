@@ -1,4 +1,4 @@
-// The word that leads a thread to its cache.
+// The thread-local pointer to a thread's cache.
 #pragma once
 
 #include <tvxcore/SmallBlockCache.h>
@@ -11,8 +11,8 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// What the word shows on a thread that has no cache yet, and on one that has given its cache back. Both send every
-/// call the slow way.
+/// Placeholders for a thread that has no cache yet, and for one that has returned its cache. Both send every call to
+/// the slow path.
 extern CacheHead sNewThreadCache;
 extern CacheHead sEndedThreadCache;
 

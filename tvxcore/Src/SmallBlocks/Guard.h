@@ -1,7 +1,6 @@
-// Holds a lock of the allocator for the few dozen instructions that are done under one.
+// Holds a lock of the allocator, for a few dozen instructions.
 //
-// Order of the locks, outermost first: the shared cache's, the thread caches' pool, the store of a class, the clusters,
-// the ledger.
+// Lock order, outermost first: shared cache, pool, store of a class, clusters, ledger.
 #pragma once
 
 #include <CoreMutex.h>

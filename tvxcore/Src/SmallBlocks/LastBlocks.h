@@ -1,6 +1,6 @@
-// Blocks for the end of the process, where the system has stopped all other threads wherever they were: in the middle of
-// a change of the stores and with the heap's lock in hand. So nothing that threads share is touched any more. Blocks are
-// cut from fresh pages, and none is taken back: the system takes them all in a moment.
+// Blocks for the exit of the process, after the system has stopped all other threads at arbitrary points: perhaps in
+// the middle of a change of the stores, or while holding the heap's lock. So no shared data is touched any more. Blocks
+// are cut from new pages and never freed.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// A block of any size, not counted. For the one thread that is left. Null when memory is out.
+/// Returns a block of any size, not counted. Only for the one thread that is left. Returns null if out of memory.
 void* TakeLastBlock(std::size_t inSize) noexcept;
 
 } // namespace SmallBlocks

@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t kBytesMask = kOneBlock - 1;
 constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
 
-// What a thread claims beyond its need, so that it comes back less often.
+// Extra room that a thread claims, so that it claims less often.
 constexpr std::int64_t kClaimCount = 256;
 constexpr std::int64_t kClaimBytes = 256 * 1024;
 
@@ -34,7 +34,7 @@ std::uint64_t Pack(const Amount& inAmount) noexcept
     return static_cast<std::uint64_t>(inAmount.mCount) * kOneBlock + static_cast<std::uint64_t>(inAmount.mBytes);
 }
 
-// One subject's part that no thread holds. The unclaimed room is read without the lock, to see whether there is any.
+// The part of one subject that no thread owns. mUnclaimed is also read without the lock, to test whether there is any.
 struct Account
 {
     std::int64_t mPeak = 0;
@@ -75,7 +75,7 @@ void AddRoom(ThreadCache& ioCache, const Amount& inAmount) noexcept
     AddTo(ioCache.mRoom, Pack(inAmount));
 }
 
-// Starts mTaken anew; the room stays the same.
+// Resets mTaken to zero; the room stays the same.
 void BringForward(ThreadCache& ioCache) noexcept
 {
     const Guard guard(sMutex);
@@ -110,7 +110,7 @@ void LeaveRoomBut(ThreadCache& ioCache, const Amount& inKept) noexcept
     AddRoom(ioCache, {-left.mCount, -left.mBytes});
 }
 
-// What mTaken and mRoom were at one moment, give or take the few steps that their thread has done meanwhile.
+// The values of mTaken and mRoom at one moment, except for a few steps of their thread in between.
 struct Words
 {
     std::uint64_t mTaken;

@@ -1,14 +1,14 @@
-// The small blocks' counters, kept by each thread for itself and summed for a snapshot.
+// The counters of the small blocks. Each thread keeps its own; a snapshot sums them.
 //
-// For blocks and for bytes alike:
+// For blocks and for bytes:
 //
 //   current = peak - unclaimed - the sum of all threads' rooms
 //
-// A thread's room is what it may allocate before the peak has to move. Disposing makes room, allocating uses it up. A
-// thread that runs out of room claims some that others have left with the ledger; when there is none, it raises the
-// peak by exactly what it lacks. A thread that has gathered much room, since it disposes of what others allocate,
-// leaves it with the ledger. No room is ever negative, so no current value exceeds the peak. One thread alone raises
-// the peak only when nothing is unclaimed, so its peak is exact.
+// A thread's room is the amount that it may allocate before the peak has to move. Freeing adds to the room, allocating
+// uses it. A thread that runs out of room claims unclaimed room from the ledger; if there is none, it raises the peak
+// by exactly the missing amount. A thread that has accumulated much room, since it frees what others allocate, returns
+// it to the ledger. Room is never negative, so no current value exceeds the peak. A single thread raises the peak only
+// if nothing is unclaimed, so its peak is exact.
 #pragma once
 
 #include <SmallBlocks/ThreadCache.h>
@@ -21,36 +21,36 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// A thread keeps at most this much room when its stacks overflow.
+/// Above this much room, the slow path returns room to the ledger.
 inline constexpr std::int64_t kMostRoomCount = 1024;
 inline constexpr std::int64_t kMostRoomBytes = 1024 * 1024;
 
-/// Enters a cache that counts from now on, and opens its fast ways.
+/// Registers a cache, which counts from now on, and enables its fast paths.
 void EnterCache(ThreadCache& ioCache) noexcept;
 
-/// Takes over what the cache has counted, and closes it.
+/// Adds the counts of the cache to the ledger, and closes the cache.
 void LeaveCache(ThreadCache& ioCache) noexcept;
 
-/// Enters a cache that counts without fast ways.
+/// Registers a cache that counts without fast paths.
 void EnterSharedCache(ThreadCache& ioCache) noexcept;
 
-/// Makes sure that the cache may count an allocation of inSize bytes.
+/// Ensures that the cache has room for an allocation of inSize bytes.
 void MakeRoomFor(ThreadCache& ioCache, std::size_t inSize) noexcept;
 
-/// Leaves what is too much room with the ledger, or all of it.
+/// Return excess room, or all of it, to the ledger.
 void LeaveRoom(ThreadCache& ioCache) noexcept;
 void LeaveAllRoom(ThreadCache& ioCache) noexcept;
 
-/// Fills the small blocks' part.
+/// Fills in the counters of the small blocks.
 void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot) noexcept;
 
-/// Opens or closes the fast way of Allocate in all caches, those to come included.
+/// Enables or disables the fast path of Allocate in all caches, including later ones.
 void OpenFastAllocation(bool inOpen) noexcept;
 
-/// The first of the caches entered, or null. For the unloading of the library, when no thread uses them.
+/// Returns the first registered cache, or null. Used when the library is unloaded and no thread uses the caches.
 ThreadCache* FirstCache() noexcept;
 
-/// Hold the ledger's lock across a fork.
+/// Lock and unlock the ledger around a fork.
 void LockLedger() noexcept;
 void UnlockLedger() noexcept;
 

@@ -1,4 +1,4 @@
-// A doubly linked list through the elements' own mNext and mPrevious.
+// An intrusive doubly linked list, through the elements' mNext and mPrevious.
 #pragma once
 
 namespace tvxcore {

@@ -1,4 +1,4 @@
-// Memory of the system for clusters and caches: counted, and refused when a test wants it refused.
+// System memory for clusters and caches: counted, with fault injection.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Zeroed memory, or null. inAlignment is a power of two.
+/// Returns zeroed memory, or null. inAlignment is a power of two.
 void* TakePages(std::size_t inSize, std::size_t inAlignment) noexcept;
 
 void GivePages(void* inPages, std::size_t inSize) noexcept;

@@ -1,4 +1,4 @@
-// Whether blocks go to the system's allocator one by one.
+// Whether every block comes from the C library's allocator.
 #pragma once
 
 namespace tvxcore {
@@ -13,7 +13,7 @@ namespace SmallBlocks {
 #  endif
 #endif
 
-/// AddressSanitizer sees overruns, late uses and leaks only of blocks that are its own.
+/// AddressSanitizer detects overruns, use after free and leaks only for blocks of its own allocator.
 #if defined(TVXCORE_UNDER_ADDRESS_SANITIZER)
 inline constexpr bool kBlocksAreTheSystems = true;
 #else

@@ -42,7 +42,7 @@ constexpr std::array<std::size_t, kClassCount> kOffsets = MakeOffsets();
 Store sStores[kClassCount];
 void* sSlots[SlotsBefore(kClassCount)];
 
-// A master block without free blocks is in no list; it comes back with the first block that is given back.
+// A master block without free blocks is in no list; it returns to the list when one of its blocks is freed.
 Master* MasterWithFreeBlocks(Store& ioStore, std::size_t inClass) noexcept
 {
     if (ioStore.mMasters.Front() == nullptr) {

@@ -13,14 +13,14 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Blocks that a stack has room for: two batches.
+/// Capacity of a stack in blocks: two batches.
 constexpr std::size_t StackSize(std::size_t inClass) noexcept
 {
     return 2 * BatchSize(inClass);
 }
 
-/// Slots of a class's stack with the null below it, rounded up to an odd number of cache lines: stacks of one size
-/// would otherwise lie a power of two apart and crowd the same lines of the processor's cache.
+/// Slots of a class's stack, including the null below it, rounded up to an odd number of cache lines. Otherwise stacks
+/// of one size would be a power of two apart and compete for the same cache sets.
 constexpr std::size_t SlotsOfClass(std::size_t inClass) noexcept
 {
     const std::size_t lines = (1 + StackSize(inClass) + 7) / 8;
@@ -39,8 +39,8 @@ constexpr std::size_t SlotsBeforeClass(std::size_t inClass) noexcept
 /// The stacks of one thread and its part of the counters.
 struct ThreadCache : CacheHead
 {
-    // The part of the small blocks' counters that the ledger cannot read off mTaken and mRoom.
-    std::atomic<std::uint64_t> mForwardCount{0}; // totals brought forward from mTaken
+    // The part of the small blocks' counters that mTaken and mRoom do not hold.
+    std::atomic<std::uint64_t> mForwardCount{0}; // totals moved out of mTaken
     std::atomic<std::uint64_t> mForwardBytes{0};
     std::atomic<std::int64_t> mRaisedCount{0}; // by how much this thread has raised the peaks
     std::atomic<std::int64_t> mRaisedBytes{0};
@@ -51,28 +51,29 @@ struct ThreadCache : CacheHead
 
     std::array<void*, SlotsBeforeClass(kClassCount)> mSlots;
 
-    /// For a cache of static life.
+    /// For a cache with static lifetime.
     constexpr ThreadCache() noexcept : mSlots{} {}
 
-    /// For a cache on fresh pages, whose slots are not touched before they are used.
+    /// For a cache on new pages. Does not touch the slots.
     struct OnFreshPages
     {
     };
     explicit ThreadCache(OnFreshPages) noexcept {}
 
-    /// Makes every stack empty. The fast ways stay closed until the ledger opens them.
+    /// Makes every stack empty. The fast paths stay disabled until the ledger enables them.
     void MakeEmpty() noexcept;
 
-    /// A block of that size: from its stack, or from the stores in a batch. Null when memory is out. Counted.
+    /// Returns a block of that size, from its stack or in a batch from the stores. Null if out of memory. Updates the
+    /// counters.
     void* Take(std::size_t inSize) noexcept;
 
-    /// Puts a block on its stack, whose older half goes to the stores when it is full. Counted.
+    /// Puts a block on its stack. If the stack is full, its older half moves to the stores. Updates the counters.
     void Give(void* inBlock, std::size_t inSize) noexcept;
 
-    /// Gives all blocks to the stores.
+    /// Moves all blocks to the stores.
     void Drain() noexcept;
 
-    /// The same counts for a block that is not ours.
+    /// Update the counters in the same way for a block of the C library.
     void CountTaken(std::size_t inSize) noexcept;
     void CountGiven(std::size_t inSize) noexcept;
 

@@ -17,7 +17,8 @@ struct AtUnload
     }
 };
 
-// The first of this library's static objects to be made, so the last to go: texts of static life are gone by then.
+// The first static object of this library to be constructed and the last to be destroyed: static texts are destroyed
+// before.
 __attribute__((init_priority(101))) AtUnload sAtUnload;
 
 } // namespace
