@@ -4,8 +4,8 @@
 //   Scripts/run-under-wine build/make-code-pages.exe Src/Linux/CodePages/Tables
 // The folder receives one CodePage<number>.inc for each page.
 //
-// The library converts text byte by byte and unit by unit. This program checks the assumptions of that (see Check): it
-// refuses a page that violates one, instead of writing a wrong table.
+// The library converts text byte by byte and unit by unit. This program checks the assumptions behind that (see Check):
+// it refuses a page that violates one, instead of writing a wrong table.
 #include <windows.h>
 
 #include <algorithm>

@@ -35,7 +35,7 @@ const UTF16String& FullPath()
     return sFullPath.mValue;
 }
 
-// If this fails, the key is closed and the operations on it fail.
+// If this fails, the key stays closed and operations on it fail.
 void OpenCacheKey(RegistryKey& outKey)
 {
     outKey.Create(RegistryRootKeys::kUser, FullPath());

@@ -74,8 +74,8 @@ private:
 
 HeldBackReads sHeldBack;
 
-// At most the number of starts in the executor's queue. It is incremented only after the executor has accepted a start,
-// so while it is above zero another start will run, and a held-back read will be submitted.
+// A lower bound for the number of starts that the executor holds. It is incremented only after the executor has
+// accepted a start, so while it is above zero another start will run, and a held-back read will be submitted.
 std::atomic<int> sQueuedStarts{0};
 
 // A read that completes with a failure ends the thread, as does the empty packet of TerminateAsyncFileOperations.

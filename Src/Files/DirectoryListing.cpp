@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // An unknown kind is queried here. Only then can the entry be a link that leads back to an open level.
+    // Queries an unknown kind. Only an entry of unknown kind can be a link that leads back to an open level.
     bool EnterEntry()
     {
         if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && LeadsBack())) {

@@ -16,8 +16,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// Returns true if no other handle may write while cached blocks are in use, and the caller has not requested unbuffered
-// access.
+// Returns true if the access is read-only, no other handle may write meanwhile, and the caller does not bypass the
+// system's cache itself.
 bool MayUseBuffer(FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileAttributesFlags::Type inAttributes)
 {

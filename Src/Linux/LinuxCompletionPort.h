@@ -71,11 +71,11 @@ public:
 struct AsyncFile
 {
     int mDescriptor = -1;
-    bool mIsRegular = false;       // the end is known; for a block device the kernel decides
+    bool mIsRegular = false;       // the end of the file is checked; not so for block devices
     bool mGoesThroughCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
-    ShareHolder mShares; // a reader's share, like any other handle of the file
+    ShareHolder mShares; // registers the reader in the share modes
 };
 
 /// Makes a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in

@@ -52,8 +52,8 @@ timespec DeadlineAfter(std::uint32_t inMilliseconds)
     return deadline;
 }
 
-// Consumes the signal if it is set, and subtracts inLeaving from the waiters. The state is guessed, not read: it is
-// usually the same, and an exchange that need not wait for a read is a fifth faster.
+// Consumes the signal if it is set, and subtracts inLeaving from the waiters. The usual state is guessed, not read: an
+// exchange that need not wait for a read is a fifth faster.
 bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
 {
     std::uint64_t state = kSignalled + inLeaving;

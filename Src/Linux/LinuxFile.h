@@ -25,7 +25,7 @@ struct OpenFile
     std::uint32_t mAlignment = 512;    // of unbuffered reads and writes
     std::int64_t mPosition = 0;
     std::string mNameToDelete;         // not empty: the host path to delete when the file is closed
-    std::shared_ptr<const Descriptor> mFolderOfName; // the open folder in mNameToDelete, if the path is a long one
+    std::shared_ptr<const Descriptor> mFolderOfName; // keeps the folder open through which a long path leads
     FileIdentity mIdentity;
     ShareHolder mShares;
 

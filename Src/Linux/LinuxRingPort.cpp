@@ -31,7 +31,7 @@ Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the one that completes it only through the kernel, which the C++
 // memory model does not cover. The hand-over therefore uses explicit atomics. Meanwhile the record stores the whole
-// order; mEvent is unused and stores the size.
+// order; mEvent, otherwise unused, stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;

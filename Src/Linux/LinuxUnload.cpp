@@ -9,8 +9,8 @@ namespace Platform {
 
 namespace {
 
-// At an unload, the destructor functions of a library run before its static destructors. At process exit they run after
-// them, except in a library that is linked to the program.
+// At an unload, the destructor functions of a library run before its static destructors. At process exit the destructor
+// functions run last, except in a library that is linked to the program.
 bool sEndingFunctionRan = false;
 
 __attribute__((destructor)) void OnEnding()

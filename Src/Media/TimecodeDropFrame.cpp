@@ -14,7 +14,7 @@ using namespace tvxmediatypes;
 namespace {
 
 // An hour is six blocks of ten minutes. The first minute of a block has all its labels; each of the other nine drops
-// its first labels. This keeps the labels within 3.6 milliseconds of the clock each hour.
+// its first labels. Over an hour the labels therefore deviate from the clock by only 3.6 milliseconds.
 struct DropFrame
 {
     long long mLabelsPerSecond;
@@ -82,7 +82,8 @@ unsigned long long Magnitude(long long inCount)
     return Wrapping::Bits(inCount < 0 ? Wrapping::Negate(inCount) : inCount);
 }
 
-// Moves from a dropped label to the next valid one. The limit is 2 at both rates, even where 4 labels are dropped.
+// Moves off a dropped label: forwards to the next valid label, backwards to the last one before it. The limit is 2 at
+// both rates, even where 4 labels are dropped.
 void StepOffDroppedLabel(bool inBackwards, int& ioMinutes, int& ioSeconds, long long& ioFrames, int inLabelsPerSecond,
                          int inLabelsDropped)
 {

@@ -16,7 +16,7 @@ void FreePages_Impl(void* inPages, std::size_t)
     ::VirtualFree(inPages, 0, MEM_RELEASE);
 }
 
-// The runtime exports this function only under its mangled C++ name.
+// The runtime exports this function only under a mangled C++ name that this compiler cannot declare.
 int QueryNewMode_Impl()
 {
     using QueryNewMode = int(__cdecl*)();

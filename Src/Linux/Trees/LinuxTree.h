@@ -43,8 +43,8 @@ int WipeEntry(int inFolder, const TreeEntry& inEntry);
 enum class CopyEnd { kIsWritten, kIsOnDisk };
 
 /// Copies the contents of one folder into another, replacing files of the same name. A file gets its name when it is
-/// complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL at a folder that also
-/// contains the destination through another path.
+/// complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL at a source folder that is
+/// also part of the destination, through another path.
 int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
 
