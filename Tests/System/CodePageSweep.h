@@ -1,5 +1,5 @@
-// Every question that a code page can be asked, and one number for all the answers: two sets of answers that differ in
-// one unit have different numbers.
+// Runs every conversion of a code page and combines the results into one number: two sets of results that differ in one
+// unit have different numbers.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -10,7 +10,7 @@
 
 namespace ORLTest {
 
-/// Collects answers into a 64-bit FNV-1a hash.
+/// Combines results into a 64-bit FNV-1a hash.
 class AnswerDigest
 {
 public:
@@ -36,7 +36,7 @@ private:
     std::uint64_t mValue = 0xCBF29CE484222325u;
 };
 
-/// The same numbers on every machine.
+/// A random number generator that gives the same numbers on every machine.
 class SteadyNumbers
 {
 public:
@@ -50,7 +50,7 @@ private:
     std::uint64_t mState = 20261122;
 };
 
-/// Texts of up to 100 elements, with runs of ASCII of every length between elements below inLimit.
+/// Returns a text of up to 100 elements, with runs of ASCII of every length between elements below inLimit.
 template <class Text>
 Text RandomText(SteadyNumbers& ioNumbers, unsigned inLimit)
 {
@@ -65,7 +65,7 @@ Text RandomText(SteadyNumbers& ioNumbers, unsigned inLimit)
 
 constexpr int kRandomTexts = 20000;
 
-/// Asks for every byte, every pair of bytes, and random texts. inToUnits takes a std::string.
+/// Converts every byte, every pair of bytes, and random texts. inToUnits takes a std::string.
 template <class ToUnits>
 std::uint64_t DigestOfUnits(ToUnits inToUnits)
 {
@@ -85,7 +85,7 @@ std::uint64_t DigestOfUnits(ToUnits inToUnits)
     return digest.Value();
 }
 
-/// Asks for every unit and random texts. inToBytes takes a UTF16String.
+/// Converts every unit and random texts. inToBytes takes a UTF16String.
 template <class ToBytes>
 std::uint64_t DigestOfBytes(ToBytes inToBytes)
 {

@@ -1,4 +1,4 @@
-// Text in code pages: the home platform's answers, on both platforms.
+// Text in code pages: both platforms must give the results of Windows.
 #include "CodePageSweep.h"
 
 #include <CRV/Application.h>
@@ -32,7 +32,7 @@ struct PageDigest
     std::uint64_t mBytes;
 };
 
-// Recorded from the system's own conversions, MultiByteToWideChar and WideCharToMultiByte with flags 0.
+// Recorded from Windows' own conversions, MultiByteToWideChar and WideCharToMultiByte with flags 0.
 constexpr PageDigest kDigests[] = {
     {437, 0x578AC5F708978764u, 0x62F08CE942421B25u},  {874, 0x746B2D4889231F29u, 0x1F076F1CD9CC48DCu},
     {932, 0xFD1629646C1C56D5u, 0x21DF44FA6AB3E8DBu},  {936, 0x7DBEE947C4CDECE5u, 0x6647587B840C2511u},
@@ -161,7 +161,7 @@ TEST_F(CodePages, EmptyText_StaysEmptyWithoutACheck)
     EXPECT_TRUE(recorder.Reports().empty());
 }
 
-// Steps of sixteen, runs of ASCII and lone lead bytes at every place of them.
+// Covers the steps of sixteen, with runs of ASCII and lone lead bytes at every position.
 TEST_F(CodePages, EveryLengthAndPlace_IsThePartsSideBySide)
 {
     for (std::size_t before = 0; before < 40; ++before) {
@@ -219,7 +219,7 @@ TEST_F(CodePages, HostOfTheSystemsPage_UsesItWhateverTheLanguage)
     CRV::SetApplicationType(CRV::kApplicationType_SystemCodePage);
     EXPECT_EQ(Decoded(0, "\x93\xFA"), Show(StringUtils::CodePageMultiByteToUnicode16("\x93\xFA")));
     EXPECT_EQ(Encoded(0, u"\u65e5"), StringUtils::Unicode16ToCodePageMultiByte(Units(u"\u65e5")));
-    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // these two follow the language always
+    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // these two always follow the language
     EXPECT_EQ("\x93\xFA", StringUtils::ToMultiByte(Units(u"\u65e5")));
 }
 
@@ -262,7 +262,7 @@ TEST_F(CodePages, TextThatCannotBeConverted_IsEmptyAfterTheCheck)
     EXPECT_EQ(4u, recorder.Reports(CheckReport::kAssert).size());
 }
 
-// The text is not read: the system's sizes are 32-bit.
+// The text is not read, because sizes in Windows are 32-bit.
 TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasured)
 {
     const std::size_t count = static_cast<std::size_t>(INT_MAX) + 1;

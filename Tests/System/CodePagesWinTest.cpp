@@ -1,4 +1,4 @@
-// The library's conversions beside the system's own.
+// Compares the library's conversions with those of Windows.
 #include "CodePageSweep.h"
 
 #include <CodePageConversion.h>

@@ -1,4 +1,4 @@
-// The code page that a home machine of the user's locale has.
+// The code page that a Windows machine with the user's locale has.
 #include <Linux/CodePages/LinuxDefaultCodePage.h>
 #include <ORLStringUtils.h>
 #include <ProcessRunner.h>
@@ -79,7 +79,7 @@ TEST(DefaultCodePage, SetByTheHost_ReplacesThatOfTheUser)
     EXPECT_EQ(ofUser, StringUtils::GetDefaultCodePage());
 }
 
-// The first variable that is not empty decides. A process reads its environment once, so each row has one of its own.
+// The first variable that is not empty is used. A process reads its environment once, so each row runs its own process.
 TEST(DefaultCodePage, OfTheEnvironment_IsThatOfTheFirstVariableThatIsNotEmpty)
 {
     struct Row

@@ -23,7 +23,7 @@ std::string Find(const std::string& inSymbol)
     return MakeStdString(DirectoryRegistry::FindDirectory(Units(inSymbol)));
 }
 
-// Registers directories, and removes them at its end: the table is one for the whole process.
+// Registers directories and removes them in the destructor: the process has only one table.
 class Registered
 {
 public:
@@ -52,7 +52,7 @@ private:
     std::vector<std::string> mSymbols;
 };
 
-// What a pattern expands to while "Root" is "C:\Data".
+// Returns the expansion of a pattern while "Root" is "C:\Data".
 std::string Expand(const std::string& inPattern)
 {
     const Registered directories{{"Root", "C:\\Data"}, {"Pattern", inPattern}};
@@ -185,7 +185,7 @@ TEST(DirectoryRegistry, Cycles_AreReportedAndStayAsWritten)
     {
         int mLine;
         std::vector<std::pair<std::string, std::string>> mDirectories;
-        std::string mPath; // of "A"
+        std::string mPath; // expansion of "A"
         std::size_t mReports;
     };
     const Row rows[] = {
@@ -193,7 +193,7 @@ TEST(DirectoryRegistry, Cycles_AreReportedAndStayAsWritten)
         {__LINE__, {{"A", "[$(A)$(A)]"}}, "[$(A)$(A)]", 2},
         {__LINE__, {{"A", "a$(B)"}, {"B", "b$x(A)"}}, "ab$x(A)", 1},
         {__LINE__, {{"A", "$(B)$(B)"}, {"B", "$(C)$(C)"}, {"C", "$(A)"}}, "$(A)$(A)$(A)$(A)", 4},
-        {__LINE__, {{"A", "$(B)$(C)"}, {"B", "$(C)"}, {"C", "c"}}, "cc", 0}, // twice, but not inside itself
+        {__LINE__, {{"A", "$(B)$(C)"}, {"B", "$(C)"}, {"C", "c"}}, "cc", 0}, // repeated, but not recursive
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row at line " + std::to_string(row.mLine));
@@ -225,7 +225,7 @@ TEST(DirectoryRegistry, ChainOfReferences_HasALimit)
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
 }
 
-// The grammar once more, as a machine that reads one unit after the other.
+// A second implementation of the grammar, as a state machine that reads unit by unit.
 TEST(DirectoryRegistry, RandomPatterns_AgreeWithASecondReading)
 {
     const auto expandUnitByUnit = [](const std::string& inPattern) {

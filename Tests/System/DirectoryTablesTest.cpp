@@ -1,4 +1,4 @@
-// Directories that are registered from a resource.
+// Directories registered from a resource.
 #include <ORLDirectoryRegistry.h>
 
 #include <CheckRecorder.h>
@@ -26,7 +26,7 @@ OneResource Table(const std::string& inText)
     return OneResource(kTable, Units("ORLDIRECTORYTABLE"), inText);
 }
 
-// The pattern of a symbol; empty if it is not registered. Every symbol of these tests is removed when it is read.
+// Returns the pattern of a symbol, or an empty string if it is not registered. Removes the symbol.
 std::string Take(const std::string& inSymbol)
 {
     const CheckRecorder recorder;

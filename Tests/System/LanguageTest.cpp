@@ -229,12 +229,12 @@ TEST_F(Language, MissingValue_IsNotTracedWhereTheCategoryIsOff)
     tvxcore::debug::SetTraceLevel(kCategory, tvxcore::debug::kTraceOff);
     EXPECT_EQ(1033, GetLanguageID());
     EXPECT_TRUE(sTraced.empty());
-    tvxcore::debug::SetTraceLevelOfAll(0); // a category without a level of its own follows all
+    tvxcore::debug::SetTraceLevelOfAll(0); // a category without its own level follows the default level
     EXPECT_EQ(1033, GetLanguageID());
     EXPECT_TRUE(sTraced.empty());
 }
 
-// The fetch holds the lock of the language while it takes that of the keys.
+// The fetch holds the lock of the language while it takes the lock of the keys.
 TEST_F(Language, EightFirstReadersBesideTheKeys_FetchOnceAndEnd)
 {
     Store("ja_JP");

@@ -1,4 +1,4 @@
-// The search for a process on Linux: names of all kinds, processes of others, and a system that fails.
+// The search for a process on Linux: unusual names, other users' processes, and failing calls.
 #include <ORLProcess.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -34,11 +34,11 @@ bool IsRunning(const std::u16string& inName, Flags inFlags = ProcessSearchFlags:
     return IsProcessRunning(Units(inName), inFlags);
 }
 
-/// A process that waits until it is ended.
+/// A process that waits until it is killed.
 class Sleeper
 {
 public:
-    // Returns when the program runs: the pipe's end closes as the new image starts.
+    // Returns when the program runs: its pipe end closes at the exec.
     Sleeper(const std::string& inProgram, const std::string& inShownName)
     {
         int started[2];
@@ -75,7 +75,7 @@ private:
 class ProcessNames : public testing::Test
 {
 protected:
-    // A copy of cat, which reads until its input ends.
+    // Copies cat, which reads until its input ends, under the given name.
     std::string Program(const std::string& inName)
     {
         const std::string path = mFolder.Host().string() + "/" + inName;
@@ -144,7 +144,7 @@ TEST_F(ProcessNames, OfAnEndedProcess_AreGone)
     EXPECT_FALSE(IsRunning(u"orl-ended-program"));
 }
 
-// Where the link may not be read, the command line tells.
+// If the exe link cannot be read, the command line is used.
 TEST_F(ProcessNames, WithoutALink_ComeFromTheCommandLine)
 {
     const std::string path = Program("orl-linked-program");
@@ -192,7 +192,7 @@ namespace {
 constexpr int kFakeCount = 1100;
 int sNextFake = 0;
 
-// A folder of processes 1 to 1100, with entries between them that are none.
+// Lists processes 1 to 1100, with other entries between them.
 ssize_t FakeDents(int, void* outEntries, std::size_t inSize)
 {
     char* const outBuffer = static_cast<char*>(outEntries);
@@ -246,7 +246,7 @@ TEST(IsProcessRunning, WithoutProc_IsFalse)
     }
 }
 
-// Each call of the search fails once; the search goes on, and no file stays open.
+// Fails each call of the search once; the search continues, and no file stays open.
 TEST(IsProcessRunning, WithAnyCallFailing_EndsAndLeavesNoFileOpen)
 {
     const std::size_t before = OpenFiles();

@@ -1,4 +1,4 @@
-// The search for a process, with this program as the one that runs for sure.
+// The search for a process, using this program as the one that certainly runs.
 #include <ORLProcess.h>
 
 #include <TextHelpers.h>

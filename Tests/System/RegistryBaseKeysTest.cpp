@@ -1,4 +1,4 @@
-// Where the settings of a host lie.
+// The registry keys of a host's settings.
 #include <OwnHost.h>
 #include <ProcessRunner.h>
 #include <TextHelpers.h>
@@ -17,7 +17,7 @@ TEST(RegistryBaseKeys, AreBuiltOnceFromTheNameAndVersionOfTheirFirstCall)
 {
     const ProcessResult result = RunBesideThisProgram("settings_host", {"keys", "Editor", "5.0"});
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
-    // The host has changed its name before the last of the four was built; the other three are as they were.
+    // The host changes its name before the last of the four keys is built; the other three stay as they were.
     EXPECT_EQ("Software\\Zerin\\Editor\\5.0\\\n"
               "Software\\Zerin\\Editor\\5.0\\Settings\\\n"
               "Software\\Zerin\\Editor\\5.0\\Help\\\n"

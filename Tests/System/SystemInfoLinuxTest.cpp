@@ -1,4 +1,4 @@
-// Memory and the time stamp counter on Linux, with a system that fails and one that tells little.
+// Memory and the time stamp counter on Linux, with failing calls and with incomplete data.
 #include <ORLSystemInfo.h>
 
 #include <FakeProcLinux.h>
@@ -17,7 +17,7 @@ using ORLTest::FaultySystemCalls;
 
 namespace {
 
-// What inWork returns in a child process.
+// Runs inWork in a child process and returns its result.
 template <class Work>
 int InChild(const Work& inWork)
 {
@@ -41,7 +41,7 @@ TEST(SystemInfo, AvailableMemory_IsAtLeastTheFreeMemoryOfAnotherCall)
     const unsigned long long total = static_cast<unsigned long long>(info.totalram) * info.mem_unit;
     const unsigned __int64 available = SystemInfo::GetAvailablePhysicalMemory();
     EXPECT_LE(available, total);
-    // Free memory counts as available but for the kernel's reserve, and moves while other processes run.
+    // Available memory is free memory minus the kernel's reserve; it changes while other processes run.
     const unsigned long long free = static_cast<unsigned long long>(info.freeram) * info.mem_unit;
     EXPECT_GT(available + total / 4, free);
 }

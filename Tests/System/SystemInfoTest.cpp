@@ -1,4 +1,4 @@
-// What the machine has and how busy it is, as every platform answers.
+// The machine's hardware and load, as reported on every platform.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>
@@ -48,7 +48,7 @@ TEST(SystemInfo, RDTSC_IsThereOnThisProcessor)
     EXPECT_TRUE(SystemInfo::ProcessorSupportsRDTSCInstruction());
 }
 
-// In a process of its own: only its first call is the first.
+// Runs in its own process, because only its first call is the first.
 using SystemLoadDeathTest = testing::Test;
 
 TEST_F(SystemLoadDeathTest, FirstCallInAProcess_Returns0)

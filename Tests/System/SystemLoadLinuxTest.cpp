@@ -1,4 +1,4 @@
-// The load on Linux, from files that the test writes and beside a second reading of the real one.
+// The load on Linux, from files that the test writes and compared with a second measurement of the real load.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr char kStat[] = "/proc/stat";
 
-// The load between two contents of the file; -1 where there is none.
+// Returns the load between two contents of the file, or -1 if there is none.
 long PercentBetween(const std::string& inFirst, const std::string& inSecond)
 {
     FakeProc proc;
@@ -43,7 +43,7 @@ long PercentBetween(const std::string& inFirst, const std::string& inSecond)
     return percent;
 }
 
-// A machine of many processors: the first line is the sum of the others.
+// A machine with many processors: the first line is the sum of the others.
 std::string Machine(unsigned long inProcessors, unsigned long inBusy, unsigned long inIdle)
 {
     std::ostringstream text;
@@ -61,7 +61,7 @@ struct Ticks
     long long mBusy = 0;
 };
 
-// A reading of our own.
+// Reads the counters directly.
 Ticks ReadTicks()
 {
     std::ifstream file(kStat);
@@ -98,12 +98,12 @@ TEST(SystemLoad, KindsOfTime_CountAsBusyOrIdle)
         long mPercent;
     } rows[] = {
         {__LINE__, "cpu  0 0 0 0 0 0 0 0 0 0\n", "cpu  10 10 10 40 10 5 5 10 0 0\n", 50},
-        {__LINE__, "cpu  0 0 0 0 0 0 0 0 0 0\n", "cpu  50 0 0 50 0 0 0 0 50 0\n", 50}, // guests are users already
+        {__LINE__, "cpu  0 0 0 0 0 0 0 0 0 0\n", "cpu  50 0 0 50 0 0 0 0 50 0\n", 50}, // user includes guest time
         {__LINE__, "cpu  0 0 0 0\n", "cpu  1 0 0 2\n", 33},                            // an early kernel; rounded down
         {__LINE__, "cpu  0 0 0 0 0 0 0 0 0 0\n", "cpu  199 0 0 1 0 0 0 0 0 0\n", 99},
-        {__LINE__, "cpu  0 0 0 100 50 0 0 0 0 0\n", "cpu  100 0 0 100 10 0 0 0 0 0\n", 100}, // waiting taken back
-        {__LINE__, "cpu  100 0 0 0 0 0 0 0 0 0\n", "cpu  90 0 0 100 0 0 0 0 0 0\n", 0},      // busy time taken back
-        {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  5 0 0 5 0 0 0 0 0 0\n", -1},          // within one tick
+        {__LINE__, "cpu  0 0 0 100 50 0 0 0 0 0\n", "cpu  100 0 0 100 10 0 0 0 0 0\n", 100}, // iowait decreased
+        {__LINE__, "cpu  100 0 0 0 0 0 0 0 0 0\n", "cpu  90 0 0 100 0 0 0 0 0 0\n", 0},      // busy time decreased
+        {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  5 0 0 5 0 0 0 0 0 0\n", -1},          // no tick passed
         {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  4 0 0 5 0 0 0 0 0 0\n", -1},          // backwards
         {__LINE__, "cpu  9223372036854775000 0 0 1000 0 0 0 0 0 0\n",
          "cpu  9223372036854775001 0 0 1003 0 0 0 0 0 0\n", 25},
@@ -156,8 +156,8 @@ TEST(SystemLoad, AFailedReading_IsAFailureOfTheSampleAndKeepsTheEarlierOne)
     }
 }
 
-// The sample lies between two readings of the test, so the exact answer lies between what these allow. One thread is busy
-// until the machine's clock has counted a good second, so the load cannot be less than its share.
+// The sample lies between two measurements of the test, which bound the exact result. One thread is busy until the
+// machine's clock has counted about a second, so the load is at least the thread's share.
 TEST(SystemLoad, BesideASecondReading_IsTheSameAndShowsABusyThread)
 {
     std::atomic<bool> isDone{false};
@@ -186,7 +186,7 @@ TEST(SystemLoad, BesideASecondReading_IsTheSameAndShowsABusyThread)
     EXPECT_GE(load, 80.0f / static_cast<float>(processors)) << "a thread that never sleeps";
 }
 
-// Without the counter: the same reports, in the same order, at every call.
+// Without the counter: every process gets the same reports in the same order.
 using SystemLoadDeathTest = testing::Test;
 
 namespace {
@@ -198,7 +198,7 @@ bool ReportsAreThoseOfAMissingCounter()
     proc.Set(kStat, "nothing\n");
     const bool areZero = SystemInfo::GetSystemLoad() == 0.0f && SystemInfo::GetSystemLoad() == 0.0f;
     const auto reports = recorder.Reports();
-    bool areRight = areZero && reports.size() == 3; // the counter, then a sample for each call
+    bool areRight = areZero && reports.size() == 3; // one for the counter, then one for the sample of each call
     for (const CheckReport& report : reports) {
         areRight = areRight && report.mKind == CheckReport::kAssert && report.mExpression == "false"
                    && report.mFunction == "ORL::SystemInfo::Platform::GetSystemLoad_Impl";
