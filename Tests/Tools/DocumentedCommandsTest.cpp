@@ -1,4 +1,4 @@
-// What the documents show: each "$ orl ..." line of a console block is run, and its answer compared with the lines below.
+// Runs each "$ orl ..." line in the console blocks of the documents and compares its output with the lines below it.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 
@@ -18,7 +18,7 @@ struct Shown
     std::string mAnswer;
 };
 
-// The commands of a document, with the lines below each until the next command or the block's end.
+// Returns the commands of a document, each with the lines up to the next command or the end of the block.
 std::vector<Shown> CommandsIn(const std::string& inDocument)
 {
     std::ifstream file(ORL_DOCUMENTS "/" + inDocument);
@@ -38,7 +38,7 @@ std::vector<Shown> CommandsIn(const std::string& inDocument)
     return commands;
 }
 
-// Words as a shell takes them: quotes of both kinds, nothing else.
+// Splits a command line like a shell, but supports only single and double quotes.
 std::vector<std::string> WordsOf(const std::string& inLine)
 {
     std::vector<std::string> words;
@@ -71,7 +71,7 @@ std::string WithLineEnds(std::string inText)
     return inText;
 }
 
-// "orl ...", or "printf TEXT | orl ...".
+// Supports "orl ..." and "printf TEXT | orl ...".
 std::string AnswerTo(const std::string& inCommand)
 {
     std::vector<std::string> words = WordsOf(inCommand);
@@ -108,7 +108,7 @@ TEST(DocumentedCommands, OfTheTimecodePage_AnswerAsShown)
     ExpectAnswersOf("Docs/timecode.md", 40);
 }
 
-// They change settings: on Linux those of a store of their own, elsewhere a key that they delete again.
+// The commands change settings: on Linux in a private store, on Windows in a key that they delete again.
 TEST(DocumentedCommands, OfTheSettingsPage_AnswerAsShown)
 {
     const OwnUserStore store;

@@ -1,5 +1,4 @@
-// An ingest whose system fails: each call that it rests on, at each index, with each error that a disk or a card may
-// give.
+// Fails each system call of an ingest, at each index, with each error that a disk or a card may cause.
 #include <IngestRunSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -18,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The calls that the tool makes by itself. While it lives, they are counted, and one of them may fail.
+/// The system calls that the tool makes directly. While it lives, they are counted, and one of them may fail.
 class FaultyIngestCalls
 {
 public:
@@ -84,7 +83,7 @@ public:
     unsigned Count(Call inCall) const { return sCounts[inCall]; }
 
 private:
-    // One file is under way at a time, so the threads take turns.
+    // Needs no lock: only one file is processed at a time, so the threads never call together.
     static bool Fails(Call inCall)
     {
         const bool fails = ++sCounts[inCall] == sNumber && inCall == sCall;
@@ -115,7 +114,7 @@ protected:
     fs::path Card() const { return mFolder.Host() / "card"; }
     fs::path Disk() const { return mFolder.Host() / "disk"; }
 
-    /// As a killed run has left it.
+    /// Restores the state that a killed run left.
     void PutBack() const
     {
         fs::remove_all(Disk());
@@ -125,7 +124,7 @@ protected:
         WriteFile(Disk() / kRecord, RecordOf("M 0\nT " + std::string(kUnfinished) + "\n"));
     }
 
-    /// What has a final name is whole, and each line of the manifest is true.
+    /// Files with a final name are complete, and each line of the manifest is true.
     void ExpectNothingHalf() const
     {
         const FileTree disk = ReadTree(Disk());
@@ -138,7 +137,7 @@ protected:
         }
     }
 
-    /// Fails each call of a kind once. What is not told is not wrong, and a second run completes.
+    /// Fails each call of a kind once. An unreported failure must not damage anything, and a second run must complete.
     template <class Calls>
     void FailEach(typename Calls::Call inCall)
     {
@@ -166,7 +165,7 @@ protected:
             ExpectNothingHalf();
             if (isDone) {
                 FileTree disk = ReadTree(Disk());
-                fs::remove(Disk() / kUnfinished); // which is nobody's trouble, and the next run's
+                fs::remove(Disk() / kUnfinished); // harmless; the next run deletes it
                 const bool isLeft = disk.count(kUnfinished) != 0 || disk.count(kRecord) != 0;
                 EXPECT_EQ(isLeft, disk.count(kRecord) != 0) << "what is left is in the record";
                 fs::remove(Disk() / kRecord);
@@ -180,7 +179,7 @@ protected:
         }
     }
 
-    /// A call before the acknowledgement fails: one line for the user, none in the manifest, and a second run
+    /// A call before the acknowledgement fails: the user gets one line, the manifest gets none, and a second run
     /// completes.
     void ExpectNotAcknowledged(FaultyIngestCalls::Call inCall, unsigned inNumber)
     {
@@ -236,7 +235,7 @@ TEST_P(IngestFaults, EachCallOfTheTool_NothingHalfAndASecondRunCompletes)
     }
 }
 
-// Two files and the two folders that lead to them, then the manifest.
+// Syncs of two files and of their two folders; the manifest's come later.
 TEST_P(IngestFaults, AFlushThatFails_AcknowledgesNothing)
 {
     for (unsigned number = 1; number <= 4; ++number) {

@@ -1,4 +1,4 @@
-// A destination that goes while an ingest is at work. Elsewhere an open file keeps its folder in place.
+// A destination that disappears during an ingest. On Windows an open file keeps its folder in place.
 #include <IngestRunSupport.h>
 
 #include <filesystem>
@@ -19,7 +19,7 @@ class IngestOnLinux : public IngestRun
 
 } // namespace
 
-// Nothing is written to the disk behind the mount point, and nothing acknowledged that went with the other.
+// Nothing may be written to the disk below the mount point, and no file on the removed disk may be acknowledged.
 TEST_F(IngestOnLinux, ADestinationThatLeavesItsMountPoint_EndsTheRunWithOneLine)
 {
     const fs::path away = Disk().u8string() + "-away";

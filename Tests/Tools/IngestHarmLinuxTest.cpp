@@ -1,4 +1,4 @@
-// What an ingest must never harm, by way of links, mounts, volumes that ignore case, and a system that tells no lies.
+// Damage that an ingest must never cause through links, mounts, volumes that ignore case, or misleading system calls.
 #include <IngestRunSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -32,8 +32,8 @@ protected:
 
     ProcessResult Orl() const { return RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string()}); }
 
-    /// Runs a shell's commands with mounts of their own, as root of a user namespace where the user is none; the exit
-    /// code of the commands, or -1 where the system allows no such thing. "$orl", "$card" and "$disk" are set.
+    /// Runs shell commands in a private mount namespace, as root of a user namespace if the user is not root. Returns
+    /// the exit code of the commands, or -1 if the system forbids that. Sets "$orl", "$card" and "$disk".
     int InOwnMounts(const std::string& inCommands) const
     {
         const std::string unshare = ::geteuid() == 0 ? "unshare -m" : "unshare -rm";
@@ -133,7 +133,7 @@ TEST_F(IngestHarmOnLinux, AVolumeBelowTheDestination_IsMeasuredForItself)
     EXPECT_FALSE(fs::exists(Disk() / "a")) << "nothing was begun";
 }
 
-// A folder of another volume, as its status has it.
+// Marks a folder as one of another volume, through its status.
 TEST_F(IngestHarmOnLinux, EachVolumeBelowTheDestination_IsFlushed)
 {
     mFolder.MakeFolder("card/d");
@@ -178,7 +178,7 @@ TEST_F(IngestHarmOnLinux, ADestinationThatIsMade_IsSyncedInTheFoldersAbove)
     }
 }
 
-// A volume that takes "CLIP" and "Clip" for one name: stood in for by calls that see lower case alone.
+// Simulates a volume that treats "CLIP" and "Clip" as one name: the calls convert names to lower case.
 TEST_F(IngestHarmOnLinux, NamesThatTheVolumeTakesForOne_AreFoundInThePlan)
 {
     WriteFile(Card() / "Clip", "one");
@@ -211,7 +211,7 @@ TEST_F(IngestHarmOnLinux, NamesThatTheVolumeTellsApart_AreAllBroughtIn)
     ExpectIngested(ReadTree(Card()), Disk());
 }
 
-// Found only when the name is taken: two names that no folding of case makes one.
+// Simulates two names that collide although case folding keeps them apart; found only when the name is taken.
 TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
 {
     const IngestOutcome outcome =
@@ -222,7 +222,7 @@ TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
         << "although --replace was given: it was not there when the plan was made";
 }
 
-// The file systems that know no such rename make a second name instead.
+// File systems without such a rename create a hard link instead.
 TEST_F(IngestHarmOnLinux, AMoveWithoutTheSystemsHelp_OverwritesNothing)
 {
     orl::sIngestCalls.mRenameAt = [](int inFolder, const char* inFrom, const char* inTo, unsigned inFlags) {
@@ -264,7 +264,7 @@ TEST_F(IngestHarmOnLinux, LeftoversOfAKilledRun_CountAsFreeRoom)
     ExpectInPlace("abc");
 }
 
-// Also a last line without a break, which a run that may write would end.
+// Includes a last line without a line break, which a permitted run would complete.
 TEST_F(IngestHarmOnLinux, ARunThatIsRefusedForRoom_ChangesNothing)
 {
     fs::create_directories(Disk());

@@ -1,4 +1,4 @@
-// What an ingest must never harm: other people's files and lines, and the source.
+// Damage that an ingest must never cause to other people's files and lines, and to the source.
 #include <IngestRunSupport.h>
 #include <ProcessRunner.h>
 
@@ -25,7 +25,7 @@ protected:
         return RunBesideThisProgram("orl", arguments);
     }
 
-    /// A run with that file as its manifest is refused, and the file stays as it is.
+    /// Expects that a run with this file as its manifest is refused and leaves the file unchanged.
     void ExpectRefused(const std::string& inContents, const std::string& inReason) const
     {
         fs::create_directories(Disk());
@@ -81,7 +81,7 @@ TEST_F(IngestHarm, AnIngestedFileAsTheManifest_IsRefused)
     EXPECT_EQ(mCard["a"], ReadFile(Disk() / "a"));
 }
 
-// No line break, for it is another program's last line.
+// The last line is another program's and has no line break.
 TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
 {
     fs::create_directories(Disk());
@@ -93,7 +93,7 @@ TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
     EXPECT_EQ(4u, ReadManifest(Disk() / kManifest).size());
 }
 
-// Each form that a program of sums writes, while lines of ours between them are exchanged.
+// Every form of line that checksum programs write, between lines of ours that are exchanged.
 TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -113,7 +113,7 @@ TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
               ReadFile(Disk() / kManifest));
 }
 
-// They are files like others, in the source and under a destination further up.
+// They are ordinary files, in the source and in a folder below the destination.
 TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
 {
     const std::vector<std::string> names{".orl-0123456789abcdef.part", kUnfinished, "ingest.sha256.part", ".orl-names"};
@@ -132,7 +132,7 @@ TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
     EXPECT_EQ(3 + names.size(), ReadManifest(Disk() / kManifest).size());
 }
 
-// The destination holds the source, and its record, from a run that brought something to where the source is now.
+// The destination contains the source. Its record is from a run that copied something to where the source is now.
 TEST_F(IngestHarm, ARecordedTemporaryInsideTheSource_IsNotDeleted)
 {
     WriteFile(Card() / kUnfinished, "a file of the source");
@@ -161,7 +161,7 @@ TEST_F(IngestHarm, ARecordThatIsNotOurs_DeletesNothing)
     EXPECT_EQ("a file of somebody's", ReadFile(Disk() / kRecord));
 }
 
-// Also while the manifest is written anew, which once took its lock away.
+// Includes the rewrite of the manifest, which must not release the lock.
 TEST_F(IngestHarm, ASecondRunDuringAnExchange_IsRefused)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -183,7 +183,7 @@ TEST_F(IngestHarm, ASecondRunDuringAnExchange_IsRefused)
     ExpectInPlace("abc");
 }
 
-// Lines that a killed run made remarks of go; other people's remarks stay.
+// Lines that a killed run turned into comments are deleted; other people's comments stay.
 TEST_F(IngestHarm, LinesWithdrawnByAKilledRun_GoAtTheNext)
 {
     fs::create_directories(Disk());

@@ -1,4 +1,4 @@
-// A source whose listing breaks off: what is not listed is told, never left out in silence.
+// A source whose listing breaks off: entries that cannot be listed must be reported, never omitted silently.
 #include <IngestTestSupport.h>
 
 #include <Failure.h>
@@ -42,7 +42,7 @@ protected:
         return orl::ListSource(roots, [] { return false; });
     }
 
-    /// A chain of folders of one name, with a file "f" at its end, made from within.
+    /// Makes a chain of folders of one name, with a file "f" in the last, by entering each folder.
     void MakeDeep(const std::string& inName, int inDepth) const
     {
         const fs::path earlier = fs::current_path();
@@ -70,14 +70,14 @@ protected:
     TempFolder mFolder;
 };
 
-// All files are listed, or there is a line for the user.
+// Returns whether all files are listed or the user gets a line.
 bool IsWholeOrTold(const orl::IngestListing& inListing, std::size_t inFiles)
 {
     const bool isTold = !inListing.mTroubles.empty() && inListing.mTroubles[0].mExitCode == orl::kExitUnreadable;
     return isTold || inListing.mFiles.size() == inFiles;
 }
 
-// While it lives, the listing breaks off at the call of that number.
+// While it lives, the listing fails at call number inNumber.
 class BrokenListing
 {
 public:
@@ -148,7 +148,7 @@ TEST_F(IngestListing, ATreeDeeperThanDescriptorsReach_IsBroughtIn)
     ExpectIngested(ReadTree(Card()), Disk());
 }
 
-// A link back to a folder above it is walked once, also when it leads above the source.
+// A link to a folder above it is listed once, even if it leads above the source.
 TEST_F(IngestListing, LinksThatLeadBack_AreNoTrouble)
 {
     mFolder.MakeFolder("card/d/e");
@@ -160,7 +160,7 @@ TEST_F(IngestListing, LinksThatLeadBack_AreNoTrouble)
     EXPECT_EQ(1u, listing.mFiles.size());
 }
 
-// A link to a folder elsewhere is no link back, and what it holds belongs to the card.
+// A link to a folder elsewhere is no loop, and the folder's contents belong to the card.
 TEST_F(IngestListing, ALinkThatCannotBeListed_IsTold)
 {
     mFolder.MakeFolder("elsewhere");
@@ -183,7 +183,7 @@ TEST_F(IngestListing, ALinkThatCannotBeListed_IsTold)
         << listing.mTroubles[0].mText;
 }
 
-// A path of more than the 4095 bytes that one system call takes.
+// A path longer than the 4095 bytes that one system call accepts.
 TEST_F(IngestListing, APathLongerThanTheSystemTakes_IsBroughtIn)
 {
     const std::string name(250, 'n');

@@ -1,4 +1,4 @@
-// An ingest from inside, where a test can step in between two steps of a file.
+// Runs an ingest in this process, so that a test can act between two steps of a file.
 #pragma once
 
 #include <IngestTestSupport.h>
@@ -28,7 +28,7 @@ struct IngestHereOptions
     unsigned mFilesAtOnce = 1;
 };
 
-/// A whole ingest, one file at a time, in the order of names. The outcome's rows lead into the plan.
+/// Runs a complete ingest, one file at a time, in the order of names. The outcome's rows point into outPlan.
 inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk,
                                      const IngestHereOptions& inOptions, orl::IngestPlan& outPlan)
 {
@@ -48,7 +48,7 @@ inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const 
 {
     orl::IngestPlan plan;
     orl::IngestOutcome outcome = IngestHere(inCard, inDisk, inOptions, plan);
-    outcome.mRows.clear(); // they lead into the plan, which ends here
+    outcome.mRows.clear(); // they point into the plan, which is destroyed here
     return outcome;
 }
 
@@ -71,7 +71,7 @@ protected:
     std::filesystem::path Card() const { return mFolder.Host() / "card"; }
     std::filesystem::path Disk() const { return mFolder.Host() / "disk"; }
 
-    /// One file at a time, in the order of names.
+    /// Runs one file at a time, in the order of names.
     orl::IngestOutcome Run(const OnStep& inOnStep, bool inReplaces = false)
     {
         std::filesystem::create_directories(Disk());
@@ -82,7 +82,7 @@ protected:
         return IngestHere(Card(), Disk(), options, mPlan);
     }
 
-    /// With another time, since the clock may not have moved on.
+    /// Also changes the time stamp, because the clock may not have advanced.
     void ChangeOnCard(const std::string& inName, const std::string& inContents)
     {
         const auto time = std::filesystem::last_write_time(Card() / inName);
@@ -91,7 +91,7 @@ protected:
         mCard[inName] = inContents;
     }
 
-    /// The one unfinished file at the top of the destination.
+    /// Returns the one unfinished file at the top of the destination.
     std::filesystem::path Unfinished() const
     {
         for (const auto& entry : std::filesystem::directory_iterator(Disk())) {
@@ -103,7 +103,7 @@ protected:
         return {};
     }
 
-    /// Whole and acknowledged are exactly these.
+    /// Expects that exactly these files are complete and acknowledged.
     void ExpectInPlace(const std::string& inNames) const
     {
         FileTree expected;
@@ -120,7 +120,7 @@ protected:
         EXPECT_NE(std::string::npos, inOutcome.mTroubles[0].mText.find(inText)) << inOutcome.mTroubles[0].mText;
     }
 
-    /// Does something once, when a step of that file is done.
+    /// Returns a callback that acts once, after the given step of that file.
     static OnStep Once(orl::IngestStep inStep, const std::string& inName, const std::function<void()>& inWork)
     {
         const auto isDone = std::make_shared<std::atomic<bool>>(false);

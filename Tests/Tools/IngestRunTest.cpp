@@ -1,4 +1,4 @@
-// What an ingest does when something comes between two steps of a file.
+// Events between two steps of a file during an ingest.
 #include <IngestRunSupport.h>
 
 #include <Failure.h>
@@ -62,7 +62,7 @@ TEST_F(IngestRun, ACardThatVanishes_EndsTheRunWithOneLine)
     ExpectInPlace("a");
 }
 
-// The folder that a card was mounted on stays, and is another one.
+// The mount point of the card remains, but is a different folder.
 TEST_F(IngestRun, ACardThatLeavesItsMountPoint_EndsTheRunWithOneLine)
 {
     const IngestOutcome outcome = Run(Once(IngestStep::kInPlace, "a", [this] {
@@ -108,7 +108,7 @@ TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
 
 TEST_F(IngestRun, StoppedByTheUser_LeavesNoHalfFile)
 {
-    // The run looks for the user's wish from time to time; the file waits for its answer.
+    // The run polls for the user's stop request; the file waits for the result.
     const IngestOutcome outcome =
         Run([this](IngestStep, const IngestItem& inItem) { mIsStopped = mIsStopped || inItem.mName == "b"; });
     EXPECT_TRUE(outcome.mTroubles.empty());
@@ -130,7 +130,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
 }
 
-// A line that outlives its file is taken for the truth by every later run.
+// A line that outlives its file would be trusted by every later run.
 TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -163,7 +163,7 @@ TEST_F(IngestRun, AFileThatCannotBeReplaced_KeepsItsLine)
     ASSERT_TRUE(Run({}).mTroubles.empty());
     const FileTree before = mCard;
     ChangeOnCard("b", "shorter");
-    ORL::File holder; // shares nothing, so that nobody may put another file in its place
+    ORL::File holder; // shares nothing, so the file cannot be replaced
     const IngestOutcome outcome =
         Run(Once(IngestStep::kVerified, "b",
                  [&] {

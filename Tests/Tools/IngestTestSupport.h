@@ -1,4 +1,4 @@
-// A card, a disk, and what must hold of them behind an ingest.
+// A card, a disk, and the conditions that must hold after an ingest.
 #pragma once
 
 #include <TempFolder.h>
@@ -15,7 +15,7 @@
 
 namespace ORLTest {
 
-/// SHA-256 as its standard tells it, with nothing of the tool's own library.
+/// SHA-256 written from its standard, independent of the tool's library.
 inline std::string ReferenceSha256(std::string inBytes)
 {
     static const std::uint32_t kRound[64] = {
@@ -72,7 +72,7 @@ inline std::string ReferenceSha256(std::string inBytes)
     return text;
 }
 
-/// Contents by name, folders with "/".
+/// Contents by name; "/" for folders.
 using FileTree = std::map<std::string, std::string>;
 
 inline std::string ReadFile(const std::filesystem::path& inPath)
@@ -96,7 +96,7 @@ inline FileTree ReadTree(const std::filesystem::path& inFolder)
     return tree;
 }
 
-/// Names and digests of a manifest, without its remarks. The last line may be unfinished where inMayBeTorn says so.
+/// Returns the names and digests of a manifest, without its comments. If inMayBeTorn, the last line may be incomplete.
 inline std::map<std::string, std::string> ReadManifest(const std::filesystem::path& inPath, bool inMayBeTorn = false)
 {
     std::map<std::string, std::string> lines;
@@ -118,7 +118,7 @@ inline std::map<std::string, std::string> ReadManifest(const std::filesystem::pa
 inline constexpr char kManifest[] = "ingest.sha256";
 inline constexpr char kRecord[] = ".ingest.sha256.run";
 
-/// The record of a run that was killed, with these lines: "T name", "M length", "W place".
+/// Returns the record of a killed run with these lines: "T name", "M length", "W place".
 inline std::string RecordOf(const std::string& inLines)
 {
     return "orl ingest: the record of a run; it is deleted when the run has ended\n" + inLines;
@@ -126,13 +126,13 @@ inline std::string RecordOf(const std::string& inLines)
 
 inline constexpr char kUnfinished[] = ".orl-0123456789abcdef0123456789abcdef.part";
 
-/// Whether a name is that of an unfinished file, of the record, or of the earlier file that a killed exchange leaves.
+/// Whether a name is that of an unfinished file, the record, or the earlier file that a killed exchange leaves.
 inline bool IsRemains(const std::string& inName)
 {
     return inName.find(".orl-") != std::string::npos || inName == kRecord || inName.find('~') != std::string::npos;
 }
 
-/// The disk holds the card's tree and its manifest, and nothing else.
+/// Expects that the disk holds the card's tree and its manifest, and nothing else.
 inline void ExpectIngested(const FileTree& inCard, const std::filesystem::path& inDisk)
 {
     FileTree disk = ReadTree(inDisk);
@@ -148,7 +148,7 @@ inline void ExpectIngested(const FileTree& inCard, const std::filesystem::path& 
     EXPECT_EQ(expected, manifest);
 }
 
-/// A RIFF file of 16-bit stereo silence.
+/// Returns a RIFF file of 16-bit stereo silence.
 inline std::string MakeWav(std::uint32_t inSamplesPerSecond, std::uint32_t inSamples)
 {
     const auto number = [](std::uint32_t inNumber, int inSize) {

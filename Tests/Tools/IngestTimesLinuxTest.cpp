@@ -1,4 +1,4 @@
-// A destination whose file system keeps times in steps: what is verified is known again all the same.
+// A destination whose file system rounds times: verified files must still be recognised.
 #include <IngestRunSupport.h>
 
 #include <LinuxIngestCalls.h>
@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// As the FAT family keeps times.
+// Rounds times like the FAT file systems.
 int SetTimeInStepsOfTwoSeconds(int inFile, const struct timespec* inTimes)
 {
     const struct timespec time = {inTimes[1].tv_sec / 2 * 2, 0};
@@ -36,7 +36,7 @@ protected:
         ASSERT_EQ(0, ::utimensat(AT_FDCWD, (Card() / inName).c_str(), times, 0));
     }
 
-    /// How many files the last run knew again.
+    /// Returns the number of files that the last run recognised.
     std::ptrdiff_t Known() const
     {
         return std::count_if(mPlan.mItems.begin(), mPlan.mItems.end(), [](const IngestItem& inItem) {
@@ -67,7 +67,7 @@ TEST_F(IngestTimes, InSteps_AreKnownAgain)
     ExpectInPlace("abc");
 }
 
-// A time that is whole by chance is no sign of steps.
+// A time that happens to be whole does not mean that the file system rounds.
 TEST_F(IngestTimes, KeptExactly_AreComparedExactly)
 {
     SetTime("a", 1000000000, 0);

@@ -1,4 +1,4 @@
-// orl colour as a user meets it.
+// orl colour, run as a user runs it.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

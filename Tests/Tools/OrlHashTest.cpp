@@ -1,4 +1,4 @@
-// orl hash as a user meets it, beside the library's own hash of the same bytes.
+// orl hash, run as a user runs it, compared with the library's own hash of the same bytes.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

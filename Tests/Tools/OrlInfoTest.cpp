@@ -1,4 +1,4 @@
-// orl info as a user meets it: what it prints, how it ends.
+// orl info, run as a user runs it: its output and exit codes.
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
 #include <ORLRegistryStore.h>
@@ -20,7 +20,7 @@ ProcessResult Orl(const std::vector<std::string>& inArguments)
     return RunBesideThisProgram("orl", inArguments);
 }
 
-// The value that the row of that name shows.
+// Returns the value in the row of that name.
 std::string Row(const std::string& inOutput, const std::string& inName)
 {
     const std::size_t at = ("\n" + inOutput).find("\n" + inName + " ");
@@ -54,7 +54,7 @@ TEST(Orl, WithAnUnknownCommand_NamesItAndEndsWith2)
     EXPECT_NE(std::string::npos, result.mErrors.find("frobnicate"));
 }
 
-// A mistake names the command and where its help is.
+// The message for a usage error names the command and its help.
 TEST(Orl, CommandLineThatMakesNoSense_SaysWhichCommandAndWhereToLook)
 {
     struct Row

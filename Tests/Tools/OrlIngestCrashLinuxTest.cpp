@@ -1,4 +1,4 @@
-// An ingest that is killed at every system call. The program is traced from outside: nothing of it knows of the test.
+// Kills an ingest at every system call. The program is traced from outside and contains no test code.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 #include <TracedRunLinux.h>
@@ -22,7 +22,7 @@ fs::path FastFolder()
     return ::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path();
 }
 
-/// A disk that holds one clip of an earlier ingest, and a card with a newer one of that name, of that text.
+/// A disk with one clip of an earlier ingest, and a card with a newer clip of the same name and the given text.
 class CrashedIngest : public testing::TestWithParam<std::tuple<const char*, int>>
 {
 protected:
@@ -51,7 +51,7 @@ protected:
                 (mFolder.Host() / "card").string(), Disk().string()};
     }
 
-    /// Under a final name is what was there before or what is to be there, whole; every line of the manifest is true.
+    /// Each final name has either its old or its new contents, complete; every line of the manifest is true.
     void ExpectNothingHalf() const
     {
         const FileTree disk = ReadTree(Disk());
@@ -75,7 +75,7 @@ protected:
         expected["kept"] = kOld;
         FileTree disk = ReadTree(Disk());
         disk.erase(kManifest);
-        // A swap that was killed may leave the earlier file beside the new one, under a name of its own.
+        // A killed swap may leave the earlier file beside the new one, under a different name.
         for (auto entry = disk.begin(); entry != disk.end();) {
             entry = entry->first.find('~') != std::string::npos ? disk.erase(entry) : std::next(entry);
         }
@@ -89,8 +89,8 @@ protected:
         EXPECT_EQ(digests, ReadManifest(Disk() / kManifest));
     }
 
-    /// Calls of a run that is left alone; -1 where nothing can be traced. Threads take turns as they like, so their
-    /// number varies a little from run to run: this is the one in the middle of some runs.
+    /// Returns the number of calls of an undisturbed run, or -1 if tracing is not possible. Thread scheduling varies
+    /// the number a little, so this is the median of five runs.
     int CountCalls(TracedRun& ioTraced) const
     {
         std::vector<int> counts(5);
@@ -107,7 +107,7 @@ protected:
         return counts[counts.size() / 2];
     }
 
-    /// False where the run came to its end before.
+    /// Returns false if the run ended before that call.
     bool KillBefore(TracedRun& ioTraced, int inNumber) const
     {
         PutBack();
@@ -126,18 +126,18 @@ protected:
         return isKilled;
     }
 
-    static constexpr int kTries = 100; // a call at the end is reached by every second run or so
+    static constexpr int kTries = 100; // only about every second run reaches a call near the end
     static constexpr const char* kOld = "the earlier clip";
 
     TempFolder mFolder;
     FileTree mCard;
 };
 
-// A file of another size is replaced without a look at it; one of the same size is compared first.
+// A file of another size is replaced without comparing; one of the same size is compared first.
 constexpr char kOfAnotherSize[] = "the newer clip";
 constexpr char kOfTheSameSize[] = "the younger clip";
 
-// The calls are shared out among several tests, so that none takes long.
+// The calls are divided among several tests, so that none takes long.
 constexpr int kParts = 4;
 
 std::string NameOfPart(const testing::TestParamInfo<std::tuple<const char*, int>>& inInfo)

@@ -1,4 +1,4 @@
-// An ingest whose user presses Ctrl-C, before system calls from its first to its last.
+// Sends Ctrl-C to an ingest before system calls from its first to its last.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 #include <TracedRunLinux.h>
@@ -23,7 +23,7 @@ constexpr int kStopped = 130;
 constexpr char kLine[] = "orl: ingest: stopped by the user; what is in place is whole and stays\n";
 constexpr char kLineOfPlanning[] = "orl: ingest: stopped by the user; nothing was begun\n";
 
-/// Files of two blocks each, so that a run can be met within a file and between two.
+/// Files of two blocks each, so that a run can be interrupted within a file and between two files.
 class InterruptedIngest : public testing::TestWithParam<const char*>
 {
 protected:
@@ -52,7 +52,7 @@ protected:
         return ioRun.Run(arguments, inSignalAt, SIGINT);
     }
 
-    /// What is there is whole, has its final name, and its line.
+    /// Every file is complete, has its final name, and has its line.
     void ExpectCleanStop() const
     {
         const std::string told = ReadFile(Errors());
@@ -103,7 +103,7 @@ TEST_P(InterruptedIngest, AtAnyCall_LeavesNothingHalfAndASecondRunCompletes)
         const int number = 1 + point * calls / kPoints;
         SCOPED_TRACE("interrupted before call " + std::to_string(number) + " of about " + std::to_string(calls));
         RunTraced(traced, number);
-        // When all is in place there is nothing to stop any more.
+        // When all files are in place, a stop has no effect.
         if (traced.ExitCode() == kStopped) {
             ++stops;
             ExpectCleanStop();

@@ -1,4 +1,4 @@
-// An ingest whose user presses Ctrl-Break: the one of the two that can be sent to a single program of a console.
+// Sends Ctrl-Break to an ingest; unlike Ctrl-C it can be sent to a single program of a console.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 
@@ -47,7 +47,7 @@ protected:
                              nullptr);
     }
 
-    /// Starts an ingest in a group of its own.
+    /// Starts an ingest in a separate process group.
     bool Start()
     {
         const std::wstring program = fs::u8path(FolderOfThisProgram()).wstring() + L"orl.exe";
@@ -78,7 +78,7 @@ protected:
         return exitCode;
     }
 
-    /// Whole files under final names, with their lines, and nothing else.
+    /// Expects complete files under final names with their lines, and nothing else.
     void ExpectNothingHalf() const
     {
         const auto manifest =

@@ -1,4 +1,5 @@
-// orl ingest where only Linux can tell: awkward names, permissions, a system that fails, and coreutils as the judge.
+// orl ingest with properties that only Linux has: unusual names, permissions, failing calls, and coreutils as the
+// verifier.
 #include <IngestRunSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -30,7 +31,7 @@ protected:
 
     orl::IngestOutcome RunHere() const { return IngestHere(Card(), Disk()); }
 
-    /// What an ingest needs is looked at and the destination refuses it, with this text.
+    /// Expects that the check for room refuses the destination with this text.
     void ExpectNoRoom(const char* inText) const
     {
         try {
@@ -52,7 +53,7 @@ bool IsOneLineWith(const std::string& inErrors, const std::string& inText)
 
 } // namespace
 
-// Every byte that a name may hold; coreutils read the manifest.
+// Every byte that a name may contain; coreutils verify the manifest.
 TEST_F(OrlIngestOnLinux, AwkwardNames_AreVerifiedByCoreutils)
 {
     for (int byte = 1; byte < 256; ++byte) {
@@ -72,7 +73,7 @@ TEST_F(OrlIngestOnLinux, AwkwardNames_AreVerifiedByCoreutils)
     EXPECT_NE(std::string::npos, again.mOutput.find("254 verified before")) << again.mOutput;
 }
 
-// A backslash belongs to a name here, also at its begin.
+// On Linux a backslash is part of a name, even at its start.
 TEST_F(OrlIngestOnLinux, ANameThatBeginsWithABackslash_IsKept)
 {
     WriteFile(Card() / "x", "X");
@@ -141,7 +142,7 @@ TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // before it the record twice, a, the record
+        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // earlier writes: the record twice, a, the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
@@ -160,7 +161,7 @@ TEST_F(OrlIngestOnLinux, AFileThatBreaksOff_IsToldAndTheOthersGoOn)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first is the record's
+        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first reads the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
@@ -196,7 +197,7 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
         FaultySystemCalls calls;
         calls.Underneath().mStatFs = [](const char*, struct statfs* outStatus) {
             *outStatus = {};
-            outStatus->f_type = 0x4d44; // the FAT family
+            outStatus->f_type = 0x4d44; // the FAT file systems
             return 0;
         };
         ExpectNoRoom("may have (4.3 GB)");

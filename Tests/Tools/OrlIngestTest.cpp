@@ -1,4 +1,4 @@
-// orl ingest as a user meets it.
+// orl ingest, run as a user runs it.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 
@@ -68,7 +68,7 @@ TEST_F(OrlIngest, FirstRun_BringsTheTreeWithTimesAndManifest)
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     EXPECT_EQ("", result.mErrors);
     ExpectIngested(mCard, Disk());
-    // The library counts time in steps of 100 ns.
+    // The library's times have a resolution of 100 ns.
     const auto kept = time - fs::last_write_time(Disk() / "a.wav");
     EXPECT_TRUE(kept >= kept.zero() && kept < std::chrono::nanoseconds(100)) << kept.count();
     EXPECT_TRUE(Shows(result.mOutput, "3 files copied and read back")) << result.mOutput;
@@ -88,7 +88,7 @@ TEST_F(OrlIngest, SecondRun_SkipsWhatIsVerified)
     ExpectIngested(mCard, Disk());
 }
 
-// What another program has copied already is compared, not copied, and not trusted by its name.
+// Files that another program has already copied are compared, not copied, and not trusted by name.
 TEST_F(OrlIngest, FilesThatAreThereAlready_AreComparedAndAcknowledged)
 {
     fs::copy(Card(), Disk(), fs::copy_options::recursive);

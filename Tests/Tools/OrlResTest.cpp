@@ -1,4 +1,4 @@
-// orl res as a user meets it.
+// orl res, run as a user runs it.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

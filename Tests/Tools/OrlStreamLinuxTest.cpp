@@ -1,4 +1,4 @@
-// orl stream with files and kernels that only this platform has.
+// orl stream with files and kernels that only Linux has.
 #include "ShrinkingStream.h"
 
 #include <cstdlib>
@@ -26,7 +26,7 @@ protected:
 
     std::string Host(const std::string& inName) const { return (mFolder.Host() / inName).string(); }
 
-    // The bad file fails with one line, and the good one beside it is streamed.
+    // Expects one line for the bad file, and that the good one is streamed.
     void ExpectComplaint(const std::string& inName, const std::string& inReason,
                          const std::string& inWhat = "ordinary") const
     {
@@ -70,7 +70,7 @@ TEST_F(OrlStreamLinux, LinkThatLeadsNowhere_IsSaidOnOneLine)
     ExpectComplaint("link", "it is a link that leads nowhere");
 }
 
-// A name may hold what a terminal takes for an order, and a character of several bytes is one column wide.
+// A name may contain terminal control characters, and a character of several bytes is one column wide.
 TEST_F(OrlStreamLinux, NameWithControlCharacters_IsShownOnItsRowWithoutThem)
 {
     mFolder.MakeFile("a\x1b[31m\nb", kText);
@@ -108,7 +108,7 @@ TEST_F(OrlStreamLinux, ClipThatTheSystemCutsShort_LeavesNothingBehindAndTellsWhy
     EXPECT_FALSE(std::filesystem::exists(Host("clip.y4m.part")));
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which take all the address space there is
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // the sanitizers use the whole address space
 TEST_F(OrlStreamLinux, MemoryThatRunsOut_IsSaidOnOneLine)
 {
     mFolder.MakeFile("large.mov");
@@ -145,7 +145,7 @@ TEST_F(OrlStreamLinux, FileOfAFileSystemInMemory_IsStreamed)
     ::close(file);
 }
 
-// The read past the new end fails at its start, so the stream can say where.
+// The read past the new end fails at its start, so the message can name the position.
 TEST(OrlStreamCut, AtABlock_IsToldAtOnce)
 {
     const std::string said = SaidOfAStreamCutTo(4096);

@@ -1,4 +1,4 @@
-// orl stream and orl make-clip as a user meets them.
+// orl stream and orl make-clip, run as a user runs them.
 #include "ShrinkingStream.h"
 
 #include <ORLDiskUtils.h>
@@ -23,7 +23,7 @@ ProcessResult Orl(const std::vector<std::string>& inArguments)
     return RunBesideThisProgram("orl", inArguments);
 }
 
-// The checksum bit by bit, with nothing of the tool's own library.
+// The checksum computed bit by bit, independent of the tool's library.
 std::string CRC(const std::string& inBytes)
 {
     std::uint32_t crc = 0xFFFFFFFFu;
@@ -199,7 +199,7 @@ TEST_F(OrlStream, SmallestClip_HasOneFrame)
     EXPECT_EQ(45u + 6 + 1920 * 1080 * 3 / 2, std::filesystem::file_size(mFolder.Host() / "clip.y4m"));
 }
 
-// A size below zero must not be taken for an enormous one, which would fill the disk.
+// A negative size must not be taken for a huge one, which would fill the disk.
 TEST_F(OrlStream, ClipOfNoSizeOrTooLarge_IsAMistakeOfTheCommandLine)
 {
     for (const char* size : {"0", "-1", "-256M", "2T", "99999999999999999999", "1.5M", "lots", ""}) {
@@ -271,7 +271,7 @@ TEST_F(OrlStream, PathOfFourThousandCharacters_IsStreamedOrCalledMissing)
     EXPECT_NE(std::string::npos, found.mOutput.find(CRC("media"))) << found.mOutput;
 }
 
-// The short read tells that the file shrank, on both platforms.
+// On both platforms a short read shows that the file shrank.
 TEST(OrlStreamCut, InsideABlock_IsToldWithTheBytesThatCame)
 {
     const std::string said = SaidOfAStreamCutTo(4096 + 100);

@@ -1,12 +1,12 @@
-// orl stream where this platform answers in a way of its own.
+// orl stream where Windows behaves differently.
 #include "ShrinkingStream.h"
 
 #include <windows.h>
 
 using namespace ORLTest;
 
-// The read past the new end is taken and fails when it completes, after which nothing is delivered any more. The stream is more
-// patient than this test, and finds out by itself.
+// The read past the new end is accepted and fails when it completes; after that nothing is delivered. The stream's
+// timeout is longer than this test's, so it must detect the truncation itself.
 TEST(OrlStreamCut, AtABlock_IsToldWithoutTheWholePatience)
 {
     const std::string said = SaidOfAStreamCutTo(4096);

@@ -1,4 +1,4 @@
-// orl as a user at a terminal meets it: the progress line, and the key that stops it.
+// orl at a terminal: the progress line, and the key that stops it.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 
@@ -19,7 +19,7 @@ using namespace ORLTest;
 
 namespace {
 
-// Between fork and exec only what is safe after fork.
+// Runs between fork and exec: only async-signal-safe calls are allowed.
 [[noreturn]] void BecomeOrl(const std::string& inProgram, std::vector<char*>& inArguments, int inOutput)
 {
     const int nothing = ::open("/dev/null", O_RDWR);
@@ -58,7 +58,7 @@ bool HasEnded(pid_t inProcess)
     return ::waitid(P_PID, static_cast<id_t>(inProcess), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
 }
 
-/// A terminal whose screen is read here.
+/// A pseudo-terminal whose screen the test reads.
 class Terminal
 {
 public:
@@ -82,7 +82,7 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    // All that the program writes until it ends.
+    // Returns everything that the program writes until it ends.
     std::string ScreenOf(const std::vector<std::string>& inArguments, int inExitCode)
     {
         const pid_t process = StartOrl(inArguments, mSlave);
@@ -90,7 +90,7 @@ public:
         std::string text;
         char bytes[4096];
         ssize_t count = 0;
-        while ((count = ::read(mMaster, bytes, sizeof(bytes))) > 0) { // fails when nobody writes any more
+        while ((count = ::read(mMaster, bytes, sizeof(bytes))) > 0) { // fails when the program has ended
             text.append(bytes, static_cast<std::size_t>(count));
         }
         EXPECT_EQ(inExitCode, ExitCodeOf(process)) << text;
@@ -111,7 +111,7 @@ protected:
     Terminal mTerminal;
 };
 
-/// What the C library takes for the width of a text, independently of the program's own table.
+/// Returns the C library's width of a text, independent of the program's own table.
 int WidthByTheCLibrary(const std::string& inText)
 {
     const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
@@ -129,8 +129,8 @@ class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterfac
 protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
-    /// Each text between a return and the order that clears the rest of the line fits before the last column, and no line
-    /// break stands among them.
+    /// Expects that each text between a carriage return and the sequence that clears the rest of the line fits before
+    /// the last column, and that there is no line break among them.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
         const std::string clear = "\x1b[K";
@@ -163,7 +163,7 @@ TEST_F(OrlTerminal, Stream_ShowsAProgressLineAndTakesItBackBeforeTheTable)
     EXPECT_EQ(0u, screen.find("\r100 %  clip.mov\x1b[K\r\x1b[Kfile ")) << screen;
 }
 
-// A patch of the colour above its forms, where the terminal shows colours.
+// Shows a patch of the colour above its forms if the terminal supports colours.
 TEST_F(OrlTerminal, Colour_ShowsAPatchWhereTheTerminalShowsColours)
 {
     const char* const term = std::getenv("TERM");

@@ -1,4 +1,4 @@
-// orl tc as a person meets it at a prompt.
+// orl tc, run as a person runs it at a prompt.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>
@@ -194,7 +194,7 @@ TEST(OrlTimecode, UnreadableText_ShowsWhereReadingStoppedAndEndsWith1)
     }
 }
 
-// The library takes digits as they come and wraps around; a person would be told a time that nobody typed.
+// The library accepts any digits and wraps around; a person would get a time that was not typed.
 TEST(OrlTimecode, NumberBeyondWhatTimesHold_IsNoTime)
 {
     const Words rows[] = {

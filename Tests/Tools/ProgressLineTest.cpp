@@ -1,4 +1,4 @@
-// The progress line and the width of what it says.
+// The progress line and the width of its text.
 #include <IngestProgress.h>
 #include <ProgressLine.h>
 #include <Text.h>
@@ -25,11 +25,11 @@ TEST(TextWidth, WideJoiningAndBrokenCharacters_TakeTheirColumns)
         {__LINE__, "cafe\u0301", 4},
         {__LINE__, "\u6F22\u5B57", 4},
         {__LINE__, "\uD55C", 2},
-        {__LINE__, "\u1112\u1161\u11AB", 2}, // the same syllable in its parts
+        {__LINE__, "\u1112\u1161\u11AB", 2}, // the same syllable, decomposed
         {__LINE__, "\U0001F3AC", 2},
         {__LINE__, "a\u200Bb", 2},
         {__LINE__, "\xE9", 1},
-        {__LINE__, "\xE6\xBC", 2}, // a character that breaks off
+        {__LINE__, "\xE6\xBC", 2}, // a truncated character
         {__LINE__, "\xC0\x80", 2},
     };
     for (const Row& row : rows) {

@@ -1,4 +1,4 @@
-// A stream whose file is cut while it is read.
+// A stream whose file is truncated while it is read.
 #pragma once
 
 #include <ProcessRunner.h>
@@ -10,7 +10,7 @@
 
 namespace ORLTest {
 
-/// What a stream says of a file of 64 blocks of 4096 bytes, of which so many bytes are left when one block has come.
+/// Streams a file of 64 blocks of 4096 bytes that is cut to inLeft bytes after the first block. Returns the output.
 inline std::string SaidOfAStreamCutTo(std::size_t inLeft)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Streams a file as orl does, and cuts it after the first block. Arguments: the file, the bytes that are left of it.
+// Streams a file as orl does, and truncates it after the first block. Arguments: the file, the remaining size in bytes.
 #include <StreamFile.h>
 
 #include <ORLFoundation.h>

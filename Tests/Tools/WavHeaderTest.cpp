@@ -1,4 +1,4 @@
-// The length that a WAV header tells, for formats that count samples and for those that count blocks.
+// The length in a WAV header, for formats that count samples and for those that count blocks.
 #include <IngestTestSupport.h>
 
 #include <WavHeader.h>
@@ -31,7 +31,7 @@ std::string Format(unsigned inTag, unsigned inRate, unsigned inBytesPerBlock, co
                              + Number(4, 2) + inMore);
 }
 
-// What follows the 16 bytes that every format has: 22 bytes of more, valid bits, speakers, the identifier.
+// Returns what follows the 16 bytes common to all formats: the extension size 22, valid bits, speakers, the identifier.
 std::string Extensible(const std::string& inIdentifier)
 {
     return Number(22, 2) + Number(16, 2) + Number(3, 4) + inIdentifier;
@@ -44,7 +44,7 @@ std::string Riff(const std::string& inChunks, const std::string& inForm = "RIFF"
     return inForm + Number(4 + inChunks.size(), 4) + "WAVE" + inChunks;
 }
 
-/// Samples, or -1 for no length.
+/// Returns the samples, or -1 if there is no length.
 std::int64_t Samples(const std::string& inContents)
 {
     const TempFolder folder;
@@ -54,7 +54,7 @@ std::int64_t Samples(const std::string& inContents)
 }
 
 const std::string kData = Chunk("data", std::string(1024, 'd'));
-const std::string kBlocks = Number(2, 2) + Number(505, 2); // of IMA ADPCM: samples in a block
+const std::string kBlocks = Number(2, 2) + Number(505, 2); // of IMA ADPCM: extension size and samples per block
 
 } // namespace
 

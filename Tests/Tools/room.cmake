@@ -1,7 +1,7 @@
-# The tests run the program that the build made beside them.
+# The tests run the program that is built beside them.
 add_dependencies(${room_target} orl resource_files resources_lookup)
 
-# A host with orl's own stream in it, whose file is cut meanwhile.
+# A host with orl's own stream, whose file is truncated while it is read.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
   "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/TextWidth.cpp")
@@ -18,10 +18,10 @@ if(TARGET run_restricted)
   add_dependencies(${room_target} run_restricted)
 endif()
 
-# What the documents show is typed and compared.
+# The commands shown in the documents are run and compared.
 target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
 
-# What an ingest is made of is tested here by itself too, where a test can step in between.
+# The parts of an ingest are also compiled into the tests, so that a test can act between two steps.
 file(GLOB ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp")
 list(FILTER ingest_files EXCLUDE REGEX "/Ingest/Ingest\\.cpp$") # the command line
 if(WIN32)
