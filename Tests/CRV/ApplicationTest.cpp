@@ -16,7 +16,7 @@ void ForgetAll()
     CRV::SetApplicationType(CRV::kApplicationType_Default);
 }
 
-// Every test begins and ends with a host that has said nothing, in whatever order and process it runs.
+// Each test starts and ends without values from a host, whatever the order and the process.
 class Application : public ::testing::Test
 {
 protected:
@@ -24,7 +24,7 @@ protected:
     void TearDown() override { ForgetAll(); }
 };
 
-// A host may speak before main: the earlier value must survive our own construction.
+// A host may set values before main: they must survive the construction of our own objects.
 const char* const sNameAtLoad = [] {
     CRV::SetApplicationName("set at load");
     return CRV::GetApplicationName();

@@ -28,7 +28,7 @@ TREE = {
     "Tests/Consumer/EveryClass/Touch.cpp": "File Times Holder Exists kLarge Text // Comment\n",
 }
 
-# What is taken out of the consumer, and what is said then.
+# What is removed from the consumer, and the expected message.
 MISSING = [
     ("File", "API/Inc/ORLFile.h: the class File is not touched"),
     ("Times", "API/Inc/ORLFile.h: the class Times is not touched"),

@@ -1,4 +1,5 @@
-// The smallest useful host: start the library, take a path apart, read a text of its own resources, stop it.
+// The smallest useful host: starts the library, splits a path, reads a text from its own resources, and stops the
+// library.
 #include <ORLFoundation.h>
 #include <ORLVersion.h>
 

@@ -13,7 +13,7 @@ file(MAKE_DIRECTORY "${work}")
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${work}/installed")
 file(RENAME "${work}/installed" "${work}/moved")
 
-# The tool that was installed with the libraries runs where the tree stands now.
+# The installed tool must run from the moved tree.
 if(TOOLCHAIN)
   run("${SOURCE_DIR}/Scripts/run-under-wine" "${work}/moved/bin/orl.exe" --version)
 else()
@@ -39,7 +39,7 @@ run(${CMAKE_COMMAND} ${arguments})
 run(${CMAKE_COMMAND} --build "${work}/build")
 
 if(TOOLCHAIN)
-  # A Windows program finds its libraries beside itself.
+  # A Windows program loads libraries from its own folder.
   file(GLOB libraries "${work}/moved/bin/*.dll")
   file(COPY ${libraries} DESTINATION "${work}/build")
   run("${SOURCE_DIR}/Scripts/run-under-wine" "${work}/build/host.exe")

@@ -24,7 +24,7 @@ def declares(text, qualified):
     *namespaces, name = qualified.split("::")
     if not re.search(r"\b(class|struct)\s+(ORL_API\s+|TVXCORE_API\s+)?([A-Za-z]+::)?%s\b" % name, text):
         return False
-    # A nested class is declared within its class, or defined as Class::Nested.
+    # A nested class is declared inside its class or defined as Class::Nested.
     return all(re.search(r"\b(namespace|class|struct)\s+(ORL_API\s+)?%s\b" % scope, text)
                or re.search(r"\b%s::%s\b" % (scope, name), text) for scope in namespaces)
 

@@ -1,4 +1,4 @@
-# gdb -nx -batch -x check_views.py --args HOST PRINTERS: what the pretty-printers show of the host's values.
+# gdb -nx -batch -x check_views.py --args HOST PRINTERS: checks how the pretty-printers display the host's values.
 import gdb
 
 EXPECTED = {

@@ -1,4 +1,4 @@
-// Values for a debugger to show. The script stops it in Stop and prints what main holds.
+// Values for a debugger to display. The script stops the host in Stop and prints main's variables.
 #include <ORLConstString.h>
 #include <ORLInterface.h>
 #include <ORLObjectPtr.h>
@@ -38,7 +38,7 @@ UTF16String Units(const std::u16string& inText)
 
 constexpr int kLabels = 2000;
 
-// Labels of all formats and styles, at random.
+// Returns random labels of all formats and styles.
 std::vector<ORL::Timecode> AnyCodes()
 {
     static constexpr int kDisplays[] = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 200, 201};

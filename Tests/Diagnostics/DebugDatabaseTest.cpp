@@ -33,7 +33,7 @@ protected:
 
     static UTF16String CacheKey() { return GetRegistryBaseKey() + Units(u"DebugCache"); }
 
-    // "(none)" where the registry has no such text.
+    // Returns "(none)" if the registry has no such text.
     static std::string Stored(const std::string& inName)
     {
         RegistryKey key;
@@ -51,7 +51,7 @@ protected:
     }
 };
 
-// A name that no registry takes.
+// A name that is too long for the registry.
 const std::string kImpossibleName(20000, 'n');
 
 } // namespace
@@ -110,7 +110,7 @@ TEST_F(DebugDatabaseTest, SetEntry_ChangesRegistryAndCache)
 TEST_F(DebugDatabaseTest, SetEntryThatFails_LeavesTheCacheAsItWas)
 {
     EXPECT_EQ("default", Database().GetEntry(kImpossibleName, "default"));
-    EXPECT_TRUE(Database().HasEntry(kImpossibleName)); // though the registry did not take it
+    EXPECT_TRUE(Database().HasEntry(kImpossibleName)); // although the registry refused it
     EXPECT_EQ("(none)", Stored(kImpossibleName));
     Database().SetEntry(kImpossibleName, "changed");
     EXPECT_EQ("default", Database().GetEntry(kImpossibleName, "other"));
@@ -153,14 +153,14 @@ TEST_F(DebugDatabaseTest, Names_DifferByCaseInTheCacheAlone)
 {
     EXPECT_EQ("one", Database().GetEntry("name", "one"));
     EXPECT_FALSE(Database().HasEntry("NAME"));
-    EXPECT_EQ("one", Database().GetEntry("NAME", "two")); // the registry has it
+    EXPECT_EQ("one", Database().GetEntry("NAME", "two")); // read from the registry
 }
 
 TEST_F(DebugDatabaseTest, Release_EmptiesTheCacheAndKeepsTheRegistry)
 {
     Database().SetEntry("a", "one");
     ReleaseDebugDatabase();
-    ReleaseDebugDatabase(); // a second one finds nothing to do
+    ReleaseDebugDatabase(); // a second call does nothing
     EXPECT_FALSE(Database().HasEntry("a"));
     EXPECT_EQ("one", Database().GetEntry("a", "default"));
 }

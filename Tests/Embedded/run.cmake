@@ -1,5 +1,5 @@
 # cmake -D SOURCE_DIR=... -D WORK=... [-D TOOLCHAIN=... -D BOOST_SOURCE=...] -P run.cmake
-# Builds two objects inside another project and reads the names by which their checks know the sources.
+# Builds two objects inside another project and reads the source names in their checks.
 file(REMOVE_RECURSE "${WORK}")
 set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Embedded" -B "${WORK}" "-DORL_SOURCE=${SOURCE_DIR}" -DCMAKE_BUILD_TYPE=Release)
 set(extension o)
@@ -15,7 +15,7 @@ function(run)
   endif()
 endfunction()
 
-# One check stands in a source, the other in a header of the library.
+# One check is in a source, the other in a header of the library.
 function(expect_name source name)
   set(object "orl/CMakeFiles/ORLFoundation_objects.dir/${source}.${extension}")
   run(${CMAKE_COMMAND} --build "${WORK}" --target "${object}")

@@ -1,4 +1,4 @@
-// The example that reads through a block cache, as its user meets it.
+// The example that reads through a block cache, run as a user runs it.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// The example that walks an edit decision list, as its user meets it.
+// The example that processes an edit decision list, run as a user runs it.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 
@@ -19,7 +19,7 @@ ProcessResult CutList(const std::vector<std::string>& inArguments)
     return RunBesideThisProgram("example_cut_list", inArguments);
 }
 
-// The whole file, with "\n" at line ends.
+// Returns the whole file with "\n" line ends.
 std::string Contents(const std::string& inFile)
 {
     std::ifstream file(inFile, std::ios::binary);
@@ -39,7 +39,7 @@ protected:
         return (mFolder.Host() / "list.edl").u8string();
     }
 
-    // The fault without the file's name: "12: ...".
+    // Returns the fault without the file's name: "12: ...".
     static std::string FaultOf(const ProcessResult& inResult)
     {
         const std::string mark = "list.edl:";

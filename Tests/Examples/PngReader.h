@@ -1,4 +1,4 @@
-// Reads a PNG file with a library that is not ours.
+// Reads a PNG file with an independent library.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace ORLTest {
 
 struct DecodedPicture
 {
-    std::size_t mWidth = 0; // 0 when the file could not be decoded
+    std::size_t mWidth = 0; // 0 if the file could not be decoded
     std::size_t mHeight = 0;
     std::vector<std::uint8_t> mPixels; // red, green, blue, row by row
 

@@ -49,7 +49,7 @@ DecodedPicture ReadPng(const std::string& inPath)
 {
     const ImageServices services;
     DecodedPicture picture;
-    const std::wstring path(inPath.begin(), inPath.end()); // of ASCII
+    const std::wstring path(inPath.begin(), inPath.end()); // ASCII only
     Gdiplus::Bitmap bitmap(path.c_str());
     if (bitmap.GetLastStatus() == Gdiplus::Ok) {
         CopyPixels(bitmap, picture);

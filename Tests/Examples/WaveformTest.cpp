@@ -1,4 +1,4 @@
-// The renderer of waveforms, run as a user runs it, and its pictures decoded by a library that is not ours.
+// The waveform renderer, run as a user runs it, with its pictures decoded by an independent library.
 #include "PngReader.h"
 
 #include <ProcessRunner.h>
@@ -70,7 +70,7 @@ protected:
         return RunBesideThisProgram("example_waveform", inArguments);
     }
 
-    // A thumbnail of 120 by 60 pixels.
+    // Returns a thumbnail of 120 by 60 pixels.
     DecodedPicture Thumbnail(const std::string& inWav)
     {
         mFolder.MakeFile("in.wav", inWav);
@@ -83,7 +83,7 @@ protected:
         return picture;
     }
 
-    // One line on standard error that names the file, exit code 1, no picture.
+    // Expects one line on standard error that names the file, exit code 1, and no picture.
     void ExpectRefusal(const std::string& inContents, const std::string& inReason)
     {
         mFolder.MakeFile("bad.wav", inContents);
@@ -97,13 +97,13 @@ protected:
     TempFolder mFolder;
 };
 
-// The background of the corner that silence leaves free.
+// Whether the pixel has the background colour of a corner without sound.
 bool IsPaper(const std::uint8_t* inPixel)
 {
     return inPixel[0] == 13 && inPixel[1] == 17 && inPixel[2] == 23;
 }
 
-// The rows of one column that show something.
+// Returns the rows of a column that are not background.
 std::vector<std::size_t> InkedRows(const DecodedPicture& inPicture, std::size_t inX)
 {
     std::vector<std::size_t> rows;

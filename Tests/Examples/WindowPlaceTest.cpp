@@ -1,4 +1,4 @@
-// The example that keeps its window's place and its language, as its user meets it.
+// The example that stores its window's place and its language, run as a user runs it.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 
@@ -14,7 +14,7 @@ namespace {
 class WindowPlaceExample : public testing::Test
 {
 protected:
-    // On Windows the example keeps its settings where its user's are.
+    // On Windows the example's settings are stored with the user's own.
     void SetUp() override { Forget(); }
     void TearDown() override { Forget(); }
 
@@ -37,7 +37,7 @@ private:
 
 } // namespace
 
-// One test, since on Windows two at once would share the settings.
+// A single test, because on Windows two concurrent tests would share the settings.
 TEST_F(WindowPlaceExample, PlaceAndLanguage_LastFromStartToStart)
 {
     EXPECT_EQ("Good day. The window stands at 100, 100.\n", Said({}));

@@ -1,8 +1,8 @@
-# The tests run the example hosts that the build made beside them.
+# The tests run the example hosts that are built beside them.
 add_dependencies(${room_target} example_block_cache example_plugins example_waveform example_cut_list example_window_place)
 target_compile_definitions(${room_target} PRIVATE ORL_EXAMPLES="${PROJECT_SOURCE_DIR}/Examples")
 
-# Pictures are decoded by a library that is not ours: libpng, or the home platform's own services.
+# Pictures are decoded by an independent library: libpng, or GDI+ on Windows.
 target_sources(${room_target} PRIVATE Examples/PngReader${ORL_PLATFORM}.cpp)
 if(WIN32)
   target_link_libraries(${room_target} PRIVATE gdiplus)

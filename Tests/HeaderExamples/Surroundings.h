@@ -1,4 +1,4 @@
-// What the examples in the public headers take for granted.
+// Declarations that the examples in the public headers assume.
 #pragma once
 
 #include <ORLFoundation.h>

@@ -1,4 +1,4 @@
-// Interfaces that forget to declare an identifier of their own, by number. Without a number all of this compiles.
+// Interfaces that lack their own identifier, selected by number. Without a number all of this compiles.
 // Expected: declares a kInterfaceID of its own
 #include <ORLInterface.h>
 
@@ -40,7 +40,7 @@ class Forgetful : public UnknownImpl<IForgetful, IForgetful>
 {
 };
 
-// Listed alone over the interface that it extends.
+// Lists only the extended interface, not its base.
 class Square : public UnknownImpl<IShape, Square>
 {
 public:
@@ -49,7 +49,7 @@ public:
 #endif
 };
 
-// What is not answered needs no identifier, and the root may be listed although it need not be.
+// An interface that is not listed needs no identifier, and the root may be listed but need not be.
 class IUnasked : public ORLUnknown
 {
 };

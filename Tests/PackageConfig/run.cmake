@@ -12,7 +12,7 @@ configure_package_config_file("${SOURCE_DIR}/CMake/ORLFoundationConfig.cmake.in"
 file(COPY "${SOURCE_DIR}/CMake/OrlTargetResources.cmake" DESTINATION "${WORK}/package")
 file(WRITE "${WORK}/package/ORLFoundationTargets.cmake" "add_library(ORL::orl_boost_headers INTERFACE IMPORTED)\n")
 
-# The host looks for headers below this folder alone, as one that builds for another system does.
+# The host searches for headers only below this folder, like a host that cross-compiles.
 set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/PackageConfig" -B "${WORK}/build"
   "-DORLFoundation_DIR=${WORK}/package"
   "-DCMAKE_FIND_ROOT_PATH=${WORK}/none" -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY)

@@ -1,4 +1,4 @@
-# The colour sources by themselves, by two compilers at three levels of optimisation: every digest is the same.
+# Compiles the colour sources alone with two compilers at three optimisation levels: all digests must be equal.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   add_test(NAME Media.ColorDigests.AreTheSameAtEveryLevelOfOptimisation

@@ -1,4 +1,4 @@
-# The constants are symbols of the shared library, not only values in a header.
+# The constants must be symbols of the shared library, not only values in a header.
 if(WIN32)
   set(symbols_tool -DTOOL=${CMAKE_OBJDUMP} -DOPTIONS=-p)
 else()

@@ -1,4 +1,4 @@
-# Installs what was built, moves the installed tree, and builds and runs a host against it.
+# Installs the build, moves the installed tree, and builds and runs a host against it.
 if(NOT ORL_SANITIZE)
   add_test(NAME Package.HostBuildsAgainstTheMovedInstallation
     COMMAND ${CMAKE_COMMAND}

@@ -1,4 +1,4 @@
-# What debuggers show. GDB is asked itself; of the Windows file only what the headers can tell is checked.
+# The debugger visualisers. gdb itself checks its printers; the Windows file is only compared with the headers.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   find_program(ORL_GDB gdb REQUIRED)

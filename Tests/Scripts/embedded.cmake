@@ -1,4 +1,4 @@
-# Reports name sources by their place in this project, also when another project around it builds the library.
+# Reports name sources relative to this project, even if another project builds the library as a part of it.
 if(NOT ORL_SANITIZE)
   add_test(NAME Package.ChecksNameTheSameSourcesInsideAnotherProject
     COMMAND ${CMAKE_COMMAND} -D SOURCE_DIR=${PROJECT_SOURCE_DIR} -D WORK=${CMAKE_BINARY_DIR}/embedded

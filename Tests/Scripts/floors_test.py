@@ -20,7 +20,7 @@ HOUSE = {
     "Src/Win/WinLock.cpp": "// Floor: Core\n#include <ORLLock.h>\n",
 }
 
-# File, its new text, and what is to be said of it.
+# A file, its new text, and the expected message.
 FAULTS = [
     ("Src/Memory/Pages.cpp", "#include <ORLFile.h>\n", "floor Memory includes ORLFile.h of floor Files"),
     ("API/Inc/ORLLock.h", "// Floor: Core\n#include <ORLFile.h>\n", "floor Core includes ORLFile.h of floor Files"),

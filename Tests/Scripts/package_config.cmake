@@ -1,5 +1,5 @@
-# The package's configuration in the form that it has for Windows: Boost.Thread comes along, the headers are the host's.
-# Asked of a copy beside targets that stand in for ours, so that it needs no Windows build.
+# The package configuration in its Windows form: Boost.Thread is included, the headers are the host's. Uses a copy with
+# placeholder targets, so that it needs no Windows build.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(case Hinted Missing OfAnotherVersion)
     set(name "Package.BoostHeaders${case}")

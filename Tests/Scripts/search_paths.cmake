@@ -1,4 +1,4 @@
-# No program or library of the build tree is searched for in the current folder.
+# No program or library of the build tree may search the current folder for libraries.
 if(NOT WIN32)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   add_test(NAME Package.NothingIsLoadedFromTheCurrentFolder

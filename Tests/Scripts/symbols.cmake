@@ -1,4 +1,4 @@
-# Each library shows hosts what its public headers promise, and is found by its major version.
+# Each library must export only what its public headers declare, and have a soname with its major version.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(library tvxmediatypes tvxcore CRV ORLFoundation)
     add_test(NAME Package.${library}.ExportsNothingPrivate

@@ -1,4 +1,4 @@
-# A program that reads asynchronously gets to its end under valgrind, which lets no other thread run while one waits in an
+# A program that reads asynchronously must complete under valgrind, which blocks all threads while one waits in
 # io_uring.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_program(ORL_VALGRIND valgrind REQUIRED)

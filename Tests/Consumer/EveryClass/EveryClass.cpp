@@ -1,5 +1,6 @@
-// A host that touches every public class, to be linked to the shared libraries at each optimisation level: what is
-// inlined at one is a symbol at another, and has to come from somewhere. check_every_class.py finds what is missing.
+// A host that touches every public class, linked to the shared libraries at each optimisation level: a function that is
+// inlined at one level is a symbol at another, which a library must export. check_every_class.py finds classes that are
+// missing here.
 #include "TouchCore.h"
 #include "TouchFiles.h"
 #include "TouchFoundation.h"

@@ -1,11 +1,11 @@
-// How a host touches what it only has to link: by naming it where the compiler cannot see that nobody calls it.
+// Touches functions that need only be linked: they are named where the compiler cannot see that they are never called.
 #pragma once
 
 namespace Consumer {
 
 inline volatile bool sIsWanted = false;
 
-/// Always false, which the compiler does not know: what stands behind it is linked and never run.
+/// Returns false, but the compiler cannot know that: the guarded code is linked and never run.
 inline bool IsWanted()
 {
     return sIsWanted;

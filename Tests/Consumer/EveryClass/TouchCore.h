@@ -23,7 +23,7 @@ void ThrowAndCatch(const Arguments&... inArguments)
     try {
         throw Thrown(inArguments...);
     } catch (const ORL::Exception& caught) {
-        const Thrown copy = dynamic_cast<const Thrown&>(caught); // the type is one in the host and in the library
+        const Thrown copy = dynamic_cast<const Thrown&>(caught); // the host and the library share one type identity
         Touch(copy.what());
     }
 }

@@ -69,7 +69,7 @@ inline void TouchPointers()
     }
     unknown = InterfaceRef<ORLUnknown, ORLUnknown>();
     if (IsWanted()) {
-        unknown->AddRef(); // reports and throws
+        unknown->AddRef(); // would report and throw
     }
 }
 

@@ -1,4 +1,4 @@
-// What a host uses of the three libraries beside ORLFoundation.
+// A host's use of the three libraries beside ORLFoundation.
 #pragma once
 
 #include "Touch.h"

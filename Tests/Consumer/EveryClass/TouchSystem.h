@@ -11,7 +11,7 @@
 
 namespace Consumer {
 
-// What changes a registry is only linked.
+// Functions that change a registry are only linked.
 inline void TouchRegistry()
 {
     using namespace ORL;
@@ -95,7 +95,7 @@ inline void TouchModules()
     }
 }
 
-// On Windows the system itself has these.
+// On Windows the OS provides these functions.
 inline void TouchWhatWindowsHas()
 {
 #if !defined(_WIN32)
