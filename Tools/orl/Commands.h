@@ -1,4 +1,4 @@
-// The subcommands of orl. Each stands in a source of its own and adds itself to the program.
+// The subcommands of orl. Each has its own source and adds itself to the program.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -8,13 +8,13 @@ namespace orl {
 /// orl info [PATH]: version, platform, drive table and the volume of a path.
 void AddInfo(CLI::App& ioProgram);
 
-/// orl stream FILE...: reads files past the cache, many reads in flight, and shows rates, latencies and checksums.
+/// orl stream FILE...: reads files unbuffered, with many reads in flight, and shows rates, latencies and checksums.
 void AddStream(CLI::App& ioProgram);
 
-/// orl ingest SOURCE DEST: copies a tree, reads each file back past the cache, compares, and keeps a manifest.
+/// orl ingest SOURCE DEST: copies a tree, reads each file back unbuffered, compares, and keeps a manifest.
 void AddIngest(CLI::App& ioProgram);
 
-/// orl make-clip PATH: writes a clip to try things on.
+/// orl make-clip PATH: writes a test clip.
 void AddMakeClip(CLI::App& ioProgram);
 
 /// orl reg list|get|set|unset|delete|export|import|check: the settings in the registry.
@@ -29,7 +29,7 @@ void AddColour(CLI::App& ioProgram);
 /// orl hash FILE...: the three words of the library's hash.
 void AddHash(CLI::App& ioProgram);
 
-/// orl res list|string|extract|check: what stands in the resources of a module or a compiled resource file.
+/// orl res list|string|extract|check: the resources of a module or a compiled resource file.
 void AddResources(CLI::App& ioProgram);
 
 } // namespace orl

@@ -28,7 +28,7 @@ struct Options
 constexpr unsigned kWidth = 1920;
 constexpr unsigned kHeight = 1080;
 
-// A grey ramp that moves with the frame, under flat colour planes of half the size each way.
+// A grey ramp that moves with the frame number, with flat chroma planes of half the width and height.
 std::string MakeFrame(unsigned inNumber)
 {
     std::string frame = "FRAME\n";
@@ -55,13 +55,13 @@ Failure CannotWrite(const Options& inOptions, const std::string& inReason)
     return Failure("make-clip: cannot write \"" + inOptions.mPath + "\": " + inReason);
 }
 
-// Streams keep no reason of their own, but leave the system's.
+// Streams store no reason, so the system's last error is used.
 std::string SystemsReason()
 {
     return std::generic_category().message(errno != 0 ? errno : EIO);
 }
 
-/// The clip under its temporary name, which goes unless the clip was finished.
+/// The clip under its temporary name, deleted unless the clip is finished.
 class PartFile
 {
 public:
@@ -95,7 +95,7 @@ public:
         Check();
     }
 
-    // The clip stands under its name only when it is whole.
+    // The clip gets its final name only when it is complete.
     void Finish()
     {
         mFile.close();
@@ -137,7 +137,7 @@ void WriteFrames(PartFile& ioFile, std::uint64_t inSize)
     } while (written < inSize);
 }
 
-// A device, a pipe or a folder must not be replaced by a clip.
+// Refuses to replace a device, a pipe or a folder.
 void CheckTarget(const Options& inOptions, const std::filesystem::path& inPath)
 {
     std::error_code ignored;
@@ -153,7 +153,7 @@ void CheckTarget(const Options& inOptions, const std::filesystem::path& inPath)
 void CheckRoom(const Options& inOptions, const UTF16String& inPath)
 {
     const std::uint64_t room = ORL::DiskUtils::GetFreeSpaceFromPath(inPath);
-    if (room != 0 && room < inOptions.mSize) { // 0: the system does not tell, or the first write will
+    if (room != 0 && room < inOptions.mSize) { // 0: unknown, or the disk is full and the first write will fail
         throw CannotWrite(inOptions, "the disk has room for " + InWords(room) + ", but " + InWords(inOptions.mSize)
                                          + " are wanted");
     }

@@ -1,4 +1,4 @@
-// orl: the library at work from the command line.
+// orl: the library's functions on the command line.
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
@@ -30,7 +30,7 @@ int Fail(const std::string& inText, int inExitCode)
     return inExitCode;
 }
 
-// What was written may still fail on its way out, on a full disk for instance.
+// Buffered output may still fail, for instance on a full disk.
 int Finish()
 {
     std::cout.flush();
@@ -42,7 +42,7 @@ std::string WhereToLook(const std::string& inCommand)
     return " (see " + inCommand + " --help)";
 }
 
-// The parser would only say that a command is missing.
+// Replaces the parser's message, which would only say that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
 {
     const CLI::App* program = &inProgram;
@@ -61,7 +61,7 @@ void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inA
     }
 }
 
-// The commands that the parser has come to: "orl tc show".
+// Returns the commands that the parser has matched: "orl tc show".
 std::string CommandOf(const CLI::App& inProgram)
 {
     std::string shown = inProgram.get_name();
@@ -72,7 +72,7 @@ std::string CommandOf(const CLI::App& inProgram)
     return shown;
 }
 
-// "tc show: LABEL is required (see orl tc show --help)"
+// Returns "tc show: LABEL is required (see orl tc show --help)".
 std::string UsageError(const CLI::App& inProgram, const std::string& inWhat)
 {
     const std::string command = CommandOf(inProgram);
@@ -89,7 +89,7 @@ int Run(std::vector<std::string> inArguments)
     AddCommands(program);
     try {
         CheckCommand(program, inArguments);
-        // The parser takes the last argument first.
+        // The parser consumes arguments from the back.
         std::reverse(inArguments.begin(), inArguments.end());
         program.parse(std::move(inArguments));
     } catch (const CLI::Success& wish) {

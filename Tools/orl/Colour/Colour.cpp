@@ -20,7 +20,7 @@ struct Options
     bool mAsJson = false;
 };
 
-// Two rows of blanks on the colour.
+// Prints two rows of blanks on the colour.
 void PrintPatch(const ORL::ParamColor<unsigned long>& inColour)
 {
     const std::string colour = std::to_string(inColour.GetRed()) + ";" + std::to_string(inColour.GetGreen()) + ";"
@@ -72,7 +72,7 @@ void Run(const Options& inOptions)
     const ColourOutput output;
     if (output.ShowsColours()) {
         PrintPatch(colour);
-        std::cout.flush(); // while the console takes colours
+        std::cout.flush(); // before the console mode is restored
     }
     PrintText(colour, inOptions.mTo);
 }

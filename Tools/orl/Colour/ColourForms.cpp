@@ -26,7 +26,7 @@ struct Form
 {
     const char* mName;
     std::vector<std::string> mNumbers;
-    std::vector<Range> mRanges; // of what can be read; empty for a form that is only shown
+    std::vector<Range> mRanges; // for parsing; empty if the form is only shown
 };
 
 const Form& Of(ColourForm inForm)
@@ -157,7 +157,7 @@ std::string Rounded(float inNumber, int inDigits)
 {
     char text[64];
     std::snprintf(text, sizeof(text), "%.*f", inDigits, static_cast<double>(inNumber));
-    // No "-0.0000".
+    // Removes the sign of "-0.0000".
     const bool isZero = std::all_of(text, text + std::char_traits<char>::length(text),
                                     [](char c) { return c == '-' || c == '0' || c == '.'; });
     return isZero && text[0] == '-' ? text + 1 : text;
@@ -181,7 +181,7 @@ std::vector<std::string> Texts(std::initializer_list<int> inNumbers)
     return texts;
 }
 
-// A grey has no hue, and black no saturation either: both are shown as 0.
+// A grey has no hue, and black has no saturation either; both are shown as 0.
 std::vector<std::string> PolarNumbers(const Colour& inColour, ColourForm inForm)
 {
     unsigned hue = 0;

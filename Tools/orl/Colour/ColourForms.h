@@ -1,4 +1,4 @@
-// A colour in every form that the library converts, and the texts of each.
+// A colour in every form that the library converts, and their texts.
 #pragma once
 
 #include <ORLColor.h>
@@ -11,24 +11,24 @@ namespace orl {
 
 enum class ColourForm { kRGB, kHSL, kHSV, kYUV, kYPbPr, kYIQ, kIRE };
 
-/// The names that the command line takes, in the order in which forms are shown: "rgb", "hsl", ...
+/// Returns the names on the command line, in the order in which forms are shown: "rgb", "hsl", ...
 const std::vector<std::string>& ColourFormNames();
 
-/// The form of that name; none if there is none.
+/// Returns the form of that name, or nothing if there is none.
 std::optional<ColourForm> ColourFormOf(const std::string& inName);
 
-/// The colour that a text means. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for
-/// rgb, degrees and percents for hsl and hsv, a byte and two signed bytes for yuv, 0 to 1 and twice -0.5 to 0.5 for
-/// ypbpr. Throws Failure, with exit code 2, if it cannot be read.
+/// Parses a colour. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for rgb,
+/// degrees and percents for hsl and hsv, a byte and two signed bytes for yuv, 0 to 1 and twice -0.5 to 0.5 for ypbpr.
+/// Throws Failure with exit code 2 if the text cannot be read.
 ORL::ParamColor<unsigned long> ReadColour(const std::string& inText, ColourForm inForm);
 
-/// The numbers of a colour in a form, as text: "255 128 0", "30 100 50".
+/// Returns the numbers of a colour in a form, as text: "255 128 0", "30 100 50".
 std::vector<std::string> ColourNumbers(const ORL::ParamColor<unsigned long>& inColour, ColourForm inForm);
 
-/// What the numbers of a form are called: "r", "g", "b".
+/// Returns the names of a form's numbers: "r", "g", "b".
 std::vector<std::string> ColourNumberNames(ColourForm inForm);
 
-/// "#ff8000"
+/// Returns "#ff8000".
 std::string ColourAsHexadecimal(const ORL::ParamColor<unsigned long>& inColour);
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// What the program needs of the console that it runs in.
+// The program's interface to its console.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace orl {
 
-/// The program's arguments without its name: on Linux the bytes as they came, on Windows UTF-8 of the wide command
-/// line.
+/// Returns the program's arguments without its name: the original bytes on Linux, UTF-8 of the wide command line on
+/// Windows.
 std::vector<std::string> Arguments(int inCount, char** inArguments);
 
-/// While it lives, bytes written to standard output and standard error show as UTF-8.
+/// While it lives, bytes written to standard output and standard error are shown as UTF-8.
 class UTF8Console
 {
 public:
@@ -24,20 +24,20 @@ private:
     [[maybe_unused]] unsigned int mEarlierCodePage; // of the Windows console
 };
 
-/// From here on standard output takes bytes as they are, and no text.
+/// Switches standard output to binary mode.
 void WriteBytesToOutput();
 
-/// Whether standard output is a terminal and not a file or pipe.
+/// Returns whether standard output is a terminal, not a file or pipe.
 bool OutputIsTerminal();
 
-/// Columns of the terminal on standard output, as wide as it is now; 80 where it does not tell, and at least 2.
+/// Returns the current columns of the terminal on standard output: 80 if unknown, and at least 2.
 std::size_t TerminalColumns();
 
-/// Bytes written to standard output from now on arrive as they are: Windows would write CR LF for LF.
+/// Switches standard output to binary mode: Windows would write CR LF for LF.
 void MakeOutputBinary();
 
-/// While it lives, standard output shows colours if it can: if it is a terminal that knows their escape sequences and
-/// the user has not set NO_COLOR.
+/// While it lives, standard output shows colours if it is a terminal that supports their escape sequences and the user
+/// has not set NO_COLOR.
 class ColourOutput
 {
 public:

@@ -1,4 +1,4 @@
-// How a command ends that cannot do its work.
+// How a command reports that it cannot do its work.
 #pragma once
 
 #include <ORLResult.h>
@@ -10,20 +10,20 @@ namespace orl {
 // Exit codes of the program.
 inline constexpr int kExitSuccess = 0;
 inline constexpr int kExitFailure = 1; // the work could not be done
-inline constexpr int kExitUsage = 2;   // the command line makes no sense
+inline constexpr int kExitUsage = 2;   // invalid command line
 
-// Exit codes of ingest: what went wrong first.
+// Exit codes of ingest, by the first error.
 inline constexpr int kExitNoRoom = 3;     // the destination is full, or would be
 inline constexpr int kExitUnreadable = 4; // a file or folder of the source cannot be read
 inline constexpr int kExitChanged = 5;    // a file changed while it was copied
-inline constexpr int kExitGone = 6;       // the source or the destination is not there any more
+inline constexpr int kExitGone = 6;       // the source or the destination has disappeared
 inline constexpr int kExitNotTheSame = 7; // a copy reads back differently
 inline constexpr int kExitTaken = 8;      // another file has the name at the destination
-inline constexpr int kExitEmpty = 9;      // the source holds no file
-inline constexpr int kExitStopped = 130;  // stopped by the user, as shells have it
+inline constexpr int kExitEmpty = 9;      // the source contains no file
+inline constexpr int kExitStopped = 130;  // stopped by the user; the code that shells use
 
-/// Thrown by a command. The program prints "orl: " and the text on standard error, on one line, and ends with the exit
-/// code. The text says who, doing what, with which value, and why.
+/// Thrown by a command. The program prints "orl: " and the text on one line on standard error, and ends with the exit
+/// code. The text names the command, the action, the value and the reason.
 class Failure : public std::runtime_error
 {
 public:
@@ -38,18 +38,18 @@ private:
     int mExitCode;
 };
 
-/// Writes "orl: " and the text on standard error, as one line, behind what standard output has so far.
+/// Writes "orl: " and the text as one line on standard error, after flushing standard output.
 void Complain(const std::string& inText);
 
-/// Thrown by a command that has complained of all that failed, once the rest of its work is done. The program ends with
-/// kExitFailure and says no more.
+/// Thrown by a command that has reported each failure, after the rest of its work. The program ends with kExitFailure
+/// and prints nothing more.
 class PartialFailure : public std::runtime_error
 {
 public:
     PartialFailure() : std::runtime_error("some of the work could not be done") {}
 };
 
-/// A result in words: "path not found".
+/// Returns a result in words: "path not found".
 std::string Describe(ORL::Result inResult);
 
 } // namespace orl

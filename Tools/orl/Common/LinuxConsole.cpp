@@ -13,7 +13,7 @@ std::vector<std::string> Arguments(int inCount, char** inArguments)
     return std::vector<std::string>(inArguments + (inCount > 0 ? 1 : 0), inArguments + inCount);
 }
 
-// Terminals show UTF-8 here.
+// Terminals on Linux show UTF-8.
 UTF8Console::UTF8Console() : mEarlierCodePage(0)
 {
 }

@@ -1,5 +1,5 @@
-// The line that shows how far a command is: written over, on a terminal alone, and never wider than the terminal, since a line
-// that the terminal wraps cannot be written over.
+// A progress line that is overwritten in place, shown on terminals only. It is never wider than the terminal, because a
+// wrapped line cannot be overwritten.
 #pragma once
 
 #include <chrono>
@@ -9,36 +9,38 @@
 
 namespace orl {
 
-/// One piece of the line. Where there is not enough room for all, those of the highest rank go first; rank 0 never goes.
+/// A part of the line. If there is not enough room, the parts with the highest rank are omitted first; rank 0 is never
+/// omitted.
 struct ProgressPart
 {
     std::string mText;
     int mRank = 0;
 };
 
-/// The parts that fit into that many columns, three blanks between them, cut where not even rank 0 fits. Control characters
-/// show as "?".
+/// Returns the parts that fit into inColumns, separated by three blanks; truncates if not even rank 0 fits. Control
+/// characters become "?".
 std::string FitProgress(const std::vector<ProgressPart>& inParts, std::size_t inColumns);
 
 class ProgressLine
 {
 public:
-    /// Nothing is ever written where inIsShown is false.
+    /// If inIsShown is false, nothing is ever written.
     explicit ProgressLine(bool inIsShown) : mIsShown(inIsShown) {}
     ~ProgressLine() { Clear(); }
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Whether a text would be shown now: the first one, and then ten a second.
+    /// Returns whether Show would be due: at once for the first text, then ten times a second.
     bool IsDue() const;
 
-    /// Columns that a text may have: those of the terminal, less the last one, in which some terminals wrap.
+    /// Returns the columns available for a text: one less than the terminal has, because some terminals wrap in the
+    /// last column.
     static std::size_t Room();
 
-    /// Shows a text in the place of the one before.
+    /// Replaces the text shown.
     void Show(const std::string& inText);
 
-    /// Takes the line away.
+    /// Removes the line.
     void Clear();
 
 private:

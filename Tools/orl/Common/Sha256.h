@@ -1,4 +1,4 @@
-// SHA-256 by the system's own library: libcrypto on Linux, the cryptography services on Windows.
+// SHA-256 by the OS's own library: libcrypto on Linux, the cryptography services on Windows.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace orl {
 class Sha256
 {
 public:
-    /// Throws Failure where the system has no SHA-256.
+    /// Throws Failure if SHA-256 is not available.
     Sha256();
     ~Sha256();
     Sha256(const Sha256&) = delete;
@@ -18,7 +18,7 @@ public:
 
     void Add(const void* inBytes, std::size_t inCount);
 
-    /// 64 hexadecimal digits in lower case. The sum is used up.
+    /// Returns 64 lower-case hexadecimal digits. The object cannot be used afterwards.
     std::string Finish();
 
 private:

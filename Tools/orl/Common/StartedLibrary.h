@@ -4,7 +4,7 @@
 
 namespace orl {
 
-/// The library runs for as long as this lives.
+/// Starts the library; the destructor stops it.
 struct StartedLibrary
 {
     StartedLibrary() { ORL::Foundation::Initialize(); }

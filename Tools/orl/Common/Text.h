@@ -1,4 +1,4 @@
-// Between the text of the library and what a terminal takes, which is UTF-8 on both platforms.
+// Conversions between library text and terminal text, which is UTF-8 on both platforms.
 #pragma once
 
 #include <cstddef>
@@ -11,36 +11,36 @@ namespace orl {
 std::string ToUTF8(const UTF16String& inText);
 UTF16String ToUTF16(const std::string& inText);
 
-/// The library path that an argument means. One that is rooted (a drive letter and ":", or two backslashes) is a
-/// library path already; any other is a path of the host's system, taken from the current folder when relative. On
-/// Linux a host file whose name begins like a drive is reached as "./C:name". Throws Failure where no drive leads.
+/// Converts an argument to a library path. A rooted argument (a drive letter and ":", or two backslashes) is already a
+/// library path; any other is a host path, relative to the current folder. On Linux, write "./C:name" for a host file
+/// whose name begins like a drive. Throws Failure if no drive contains the path.
 UTF16String PathOfArgument(const std::string& inArgument);
 
-/// A text in JSON's quotes. Bytes that are no UTF-8 become U+FFFD, since JSON holds none.
+/// Returns a text in JSON quotes. Invalid UTF-8 becomes U+FFFD, because JSON cannot represent it.
 std::string JsonQuoted(const std::string& inText);
 
-/// What a library path is on this host; the library path itself where no drive leads there.
+/// Returns the host path of a library path, or the library path itself if no drive contains it.
 std::string HostTextOf(const UTF16String& inPath);
 
-/// A name below a folder, in the way in which the folder is written.
+/// Joins a name to a folder, in the style in which the folder is written.
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
-/// A text that stays on its line and gives a terminal no orders: "?" for each control character.
+/// Replaces each control character by "?", so that a text stays on its line and cannot control the terminal.
 std::string OnOneLine(const std::string& inText);
 
-/// The text on one line, with blanks behind it up to that many columns of a terminal.
+/// Returns the text on one line, padded with blanks to that many terminal columns.
 std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
-/// The text on one line, or "..." and its end where it takes more than that many columns of a terminal.
+/// Returns the text on one line; if it exceeds that many terminal columns, "..." and its end.
 std::string EndOf(const std::string& inText, std::size_t inColumns);
 
-/// Two digits a byte, in lower case.
+/// Returns two lower-case digits per byte.
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);
 
-/// One digit behind the point.
+/// Returns the number with one decimal.
 std::string Rounded(double inNumber);
 
-/// A size in bytes, with the unit that suits: "1.2 GB". Units are powers of 1000.
+/// Returns a size with a suitable unit: "1.2 GB". Units are powers of 1000.
 std::string InWords(std::uint64_t inBytes);
 
 } // namespace orl

@@ -23,7 +23,7 @@ struct Character
     std::size_t mSize; // bytes
 };
 
-// A byte that begins no whole character stands for itself, as one that no table knows.
+// A byte that does not start a complete character counts as a character that no table contains.
 Character CharacterAt(const std::string& inText, std::size_t inAt)
 {
     const auto first = static_cast<unsigned char>(inText[inAt]);

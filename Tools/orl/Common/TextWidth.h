@@ -1,4 +1,4 @@
-// How much of a terminal's line a text takes.
+// The width of text on a terminal.
 #pragma once
 
 #include <cstddef>
@@ -6,14 +6,14 @@
 
 namespace orl {
 
-/// Columns that a UTF-8 text takes on a terminal: two for a wide character, none for one that joins the character before it.
-/// A byte that is no UTF-8 counts as one.
+/// Returns the terminal columns of a UTF-8 text: two for a wide character, none for a combining one. An invalid byte
+/// counts as one.
 std::size_t ColumnsOf(const std::string& inText);
 
-/// The longest start of a text that takes at most that many columns; no character is cut.
+/// Returns the longest beginning that takes at most that many columns, without splitting a character.
 std::string StartOf(const std::string& inText, std::size_t inColumns);
 
-/// The longest end of a text that takes at most that many columns. It begins with a character that takes a column.
+/// Returns the longest end that takes at most that many columns. It starts with a character that has a width.
 std::string TailOf(const std::string& inText, std::size_t inColumns);
 
 } // namespace orl

@@ -25,7 +25,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// So long without an answer is unusual enough to look at the file.
+// After this time without an answer the size of the file is checked.
 constexpr std::chrono::milliseconds kLook(500);
 
 class AlignedMemory
@@ -68,8 +68,8 @@ const char* WhyItCannotBeOpened(const UTF16String& inPath)
     return std::filesystem::is_other(status) ? "it is a device or a pipe, not a file" : "it cannot be opened for reading";
 }
 
-/// Block i of the file travels in slot i modulo the depth, so blocks are taken up in their order, whatever the order in
-/// which they come: a checksum wants them so.
+/// Block i of the file uses slot i modulo the depth. Blocks are consumed in order, whatever the order of completion,
+/// because a checksum needs that.
 class Stream
 {
 public:
@@ -111,7 +111,7 @@ private:
         double mLatency = 0;
         unsigned mBytesRead = 0;
         int mResult = ORL::kSuccess;
-        bool mIsDone = false; // guarded by mMutex, as what a callback writes
+        bool mIsDone = false; // guarded by mMutex, like all that a callback writes
     };
 
     void Open()
@@ -150,7 +150,7 @@ private:
             slot.mIsDone = false;
         }
         slot.mQueued = Clock::now();
-        // Whole sectors, also for the last block, which comes back short.
+        // Whole sectors, even for the last block, whose read is short.
         const std::size_t size = RoundUp(ExpectedBytes(inBlock), mSector);
         mReader.QueueReadRequest(PositionOf(inBlock), static_cast<unsigned>(size), BytesOf(inBlock), &OnRead, this,
                                  &slot, nullptr);
@@ -190,9 +190,9 @@ private:
         return mCame.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
     }
 
-    // A read that begins behind the end fails when it completes, where the system does not refuse it at its start, and a read
-    // that fails so is never reported. That need not cost the whole patience. The file is asked on a thread of its own: a disk
-    // that is gone may not answer that either.
+    // If the OS does not refuse a read beyond the end at its start, the read fails at its completion and is never
+    // reported. Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
+    // disk that is gone may not answer it either.
     void CheckNotCut()
     {
         const std::uint64_t size = mAskedSize != nullptr ? mAskedSize->load() : kWhole;
@@ -207,7 +207,7 @@ private:
         try {
             std::thread(&AskAgain, mAskedSize, mRead.mPath).detach();
         } catch (const std::system_error&) {
-            *mAskedSize = kWhole; // no thread, no answer
+            *mAskedSize = kWhole; // without a thread, assume that the file is whole
         }
     }
 
@@ -236,12 +236,12 @@ private:
     std::size_t mSector = 0;
     std::size_t mBlockSize = 0;
     std::uint64_t mBlocks = 0;
-    std::shared_ptr<AskedSize> mAskedSize; // null before it is first asked
+    std::shared_ptr<AskedSize> mAskedSize; // null before the first query
     std::mutex mMutex;
     std::condition_variable mCame;
     std::vector<Slot> mSlots;
     std::unique_ptr<AlignedMemory> mMemory;
-    ORL::AsyncFileReader mReader; // the last member: its end waits for the reads, which use all above
+    ORL::AsyncFileReader mReader; // the last member: its destructor waits for the reads, which use everything above
 };
 
 } // namespace
@@ -252,7 +252,7 @@ UnbufferedFigures ReadUnbuffered(const UnbufferedRead& inRead, const UnbufferedS
     try {
         return stream->Run(inSink);
     } catch (const NoAnswer&) {
-        static_cast<void>(stream.release()); // its end would wait for its reads, which may still write into its memory
+        static_cast<void>(stream.release()); // the destructor would wait for reads that may still write to the memory
         throw;
     }
 }

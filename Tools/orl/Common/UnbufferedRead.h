@@ -1,4 +1,4 @@
-// A whole file read past the system's cache, many reads in flight, taken up in order.
+// Reads a whole file unbuffered, with many reads in flight, and delivers it in order.
 #pragma once
 
 #include "Failure.h"
@@ -12,8 +12,8 @@
 
 namespace orl {
 
-/// Thrown when the disk answers no more. A read that was started and is never reported ends the reads of the whole process:
-/// what is open stays open, and the process had better end without a stop of the library, which might wait for the disk.
+/// Thrown when the disk stops answering. A read that is started and never reported blocks all reads of the process, and
+/// the file stays open. The process should end without stopping the library, because the stop might wait for the disk.
 class NoAnswer : public Failure
 {
 public:
@@ -22,13 +22,13 @@ public:
 
 struct UnbufferedRead
 {
-    std::string mWho;                   // the command, for its failures
-    std::string mShown;                 // the file as its user knows it
+    std::string mWho;                   // the command, for its error messages
+    std::string mShown;                 // the file name as the user typed it
     UTF16String mPath;                  // the file's library path
-    std::optional<std::uint64_t> mSize; // bytes to read; the file's size where it is left out
-    std::size_t mBlockSize = 1 << 20;   // bytes of one read, rounded up to whole sectors
+    std::optional<std::uint64_t> mSize; // bytes to read; the file's size if empty
+    std::size_t mBlockSize = 1 << 20;   // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;            // reads in flight
-    unsigned mPatience = 60;            // seconds without any answer of the disk
+    unsigned mPatience = 60;            // timeout in seconds without any answer from the disk
 };
 
 struct UnbufferedFigures
@@ -38,12 +38,12 @@ struct UnbufferedFigures
     unsigned mSectorSize = 0;
 };
 
-/// Gets the blocks of a file in their order: the bytes, and the seconds from queuing the read to its callback. The last
-/// argument is the size of the file. What it throws ends the read.
+/// Receives the blocks of a file in order: the bytes, and the seconds from queuing the read to its callback. The last
+/// argument is the size of the file. An exception from it ends the read.
 using UnbufferedSink =
     std::function<void(const unsigned char* inBytes, std::size_t inCount, double inLatency, std::uint64_t inSize)>;
 
-/// Needs a started library. Throws Failure, with no read left in flight unless it is NoAnswer.
+/// Requires a started library. Throws Failure; no read is in flight then, except after NoAnswer.
 UnbufferedFigures ReadUnbuffered(const UnbufferedRead& inRead, const UnbufferedSink& inSink);
 
 } // namespace orl

@@ -10,9 +10,9 @@ namespace orl {
 namespace {
 
 constexpr std::uint32_t kSizeIsElsewhere = 0xFFFFFFFF;
-constexpr int kMostChunks = 1000; // of a file that makes sense
+constexpr int kMostChunks = 1000; // more chunks mean an invalid file
 
-// Numbers are little-endian.
+// Reads a little-endian number.
 std::uint64_t NumberAt(const unsigned char* inBytes, int inSize)
 {
     std::uint64_t number = 0;
@@ -27,15 +27,15 @@ bool Is(const unsigned char* inBytes, const char* inTag)
     return std::memcmp(inBytes, inTag, 4) == 0;
 }
 
-// Format tags whose blocks hold one sample of each channel. All others pack several samples into a block, and only the "fact"
-// chunk tells how many there are.
+// Format tags whose blocks contain one sample per channel. All others pack several samples into a block, and only the
+// "fact" chunk contains their number.
 constexpr std::uint64_t kPcm = 1;
 constexpr std::uint64_t kFloat = 3;
 constexpr std::uint64_t kALaw = 6;
 constexpr std::uint64_t kMuLaw = 7;
-constexpr std::uint64_t kExtensible = 0xFFFE; // the tag is the start of an identifier further on
+constexpr std::uint64_t kExtensible = 0xFFFE; // the actual tag is at the start of an identifier further on
 
-// The rest of such an identifier, where it stands for a tag.
+// The rest of an identifier that contains a tag.
 constexpr unsigned char kTagIdentifier[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 class WavFile
@@ -79,7 +79,7 @@ public:
 private:
     struct Data
     {
-        std::uint64_t mTold; // bytes, as the header has it
+        std::uint64_t mTold; // bytes, according to the header
         std::uint64_t mThere;
     };
 
@@ -132,7 +132,7 @@ private:
         return mFormat == kPcm || mFormat == kFloat || mFormat == kALaw || mFormat == kMuLaw;
     }
 
-    // As soon as the chunks so far tell it.
+    // Returns the length as soon as the chunks so far determine it.
     std::optional<WavLength> FoundLength() const
     {
         if (!mData || mSamplesPerSecond == 0) {
@@ -143,7 +143,7 @@ private:
                                        : std::nullopt;
         }
         const std::uint64_t samples = mToldSamples == kSizeIsElsewhere ? mLongSamples : mToldSamples;
-        // What is left of a file that was cut tells nothing.
+        // The length of a truncated packed file is unknown.
         return samples != 0 && mData->mThere == mData->mTold ? std::optional<WavLength>({mSamplesPerSecond, samples})
                                                              : std::nullopt;
     }
@@ -153,10 +153,10 @@ private:
     std::uint64_t mSize = 0;
     std::uint64_t mFormat = 0;
     std::uint32_t mSamplesPerSecond = 0;
-    std::uint32_t mBytesPerBlock = 0; // of all channels
+    std::uint32_t mBytesPerBlock = 0; // for all channels
     std::uint64_t mLongSize = 0;
     std::uint64_t mLongSamples = 0;
-    std::uint64_t mToldSamples = 0; // of one channel; 0 where no chunk tells
+    std::uint64_t mToldSamples = 0; // per channel; 0 if no chunk contains it
     std::optional<Data> mData;
 };
 

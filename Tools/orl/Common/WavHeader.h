@@ -1,4 +1,4 @@
-// How long a WAV file plays, from its header: RIFF, and RF64 or BW64 for sizes past 4 GB.
+// The playing time of a WAV file, from its header: RIFF, and RF64 or BW64 for sizes above 4 GB.
 #pragma once
 
 #include <cstdint>
@@ -10,12 +10,12 @@ namespace orl {
 struct WavLength
 {
     std::uint32_t mSamplesPerSecond;
-    std::uint64_t mSamples; // of one channel
+    std::uint64_t mSamples; // per channel
 };
 
-/// Nothing where the file is no WAV file, its header is not whole, or its format packs several samples into a block and no
-/// "fact" chunk tells how many there are. The data that the header tells of is counted only as far as the file goes; a packed
-/// file that is cut has no length.
+/// Returns nothing if the file is not a WAV file, if its header is incomplete, or if its format packs several samples
+/// into a block and no "fact" chunk counts them. Data beyond the end of the file is not counted; a truncated packed
+/// file has no length.
 std::optional<WavLength> ReadWavLength(const UTF16String& inPath);
 
 } // namespace orl

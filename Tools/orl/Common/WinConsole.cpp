@@ -23,7 +23,7 @@ std::string AsUTF8(const wchar_t* inText)
 
 } // namespace
 
-// The narrow arguments have lost what the system's code page does not hold, so they are read again.
+// The narrow arguments lose characters outside the code page, so the wide command line is parsed instead.
 std::vector<std::string> Arguments(int, char**)
 {
     std::vector<std::string> arguments;
@@ -80,7 +80,7 @@ ColourOutput::~ColourOutput()
     }
 }
 
-// The runtime would put a carriage return before each line feed.
+// The runtime would insert a carriage return before each line feed.
 void WriteBytesToOutput()
 {
     ::_setmode(::_fileno(stdout), _O_BINARY);

@@ -21,17 +21,17 @@ struct Options
     bool mAsJson = false;
 };
 
-// Part of what the words mean: a hash depends on where its bytes are cut.
+// Part of the definition of the result: the hash depends on the block size.
 constexpr unsigned int kBlockSize = 1 << 20;
 
 Failure CannotRead(const std::string& inFile, ORL::Result inResult)
 {
-    // A bare -1 means that nothing is there.
+    // A bare -1 means that the file does not exist.
     return Failure("hash: cannot read \"" + OnOneLine(inFile)
                    + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
 }
 
-// As many bytes as a block holds; fewer at the end of the file.
+// Fills a block; returns fewer bytes at the end of the file.
 unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector<unsigned char>& outBlock)
 {
     unsigned int filled = 0;
@@ -49,7 +49,7 @@ unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector
     return filled;
 }
 
-// From 0:0:0, in blocks of 1 MiB. An empty file is one empty block.
+// Starts from 0:0:0, in blocks of 1 MiB. An empty file is one empty block.
 ORL::HashValue HashOf(const std::string& inName)
 {
     ORL::File file;

@@ -28,11 +28,11 @@ struct Options
     bool mAsJson = false;
 };
 
-// Where settings lie.
+// Where the settings are stored.
 struct Store
 {
     const char* mName;
-    std::string mPlace; // empty where the system keeps the registry
+    std::string mPlace; // empty if the OS keeps the registry
     unsigned long long mBytes;
 };
 
@@ -41,7 +41,7 @@ struct Facts
     std::string mPath;
     std::string mHostPath;
     const char* mKind;
-    std::string mFileSystem; // empty where the system does not tell
+    std::string mFileSystem; // empty if the OS does not report it
     unsigned int mSectorSize;
     unsigned long long mFreeBytes;
     std::vector<ORL::PathUtils::MountPoint> mDrives;
@@ -57,7 +57,7 @@ struct Facts
     std::vector<Store> mStores;
 };
 
-// Long enough for a load in whole percents on a machine of one processor.
+// Long enough for a load in whole percents on a machine with one processor.
 constexpr std::chrono::milliseconds kLoadInterval(200);
 
 void GatherMachine(Facts& outFacts)

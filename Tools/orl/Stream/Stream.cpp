@@ -50,7 +50,7 @@ double MegabytesPerSecond(const StreamFigures& inFigures)
     return inFigures.mSeconds > 0 ? static_cast<double>(inFigures.mBytes) / 1e6 / inFigures.mSeconds : 0;
 }
 
-// The last name of a path, which may be written either way.
+// Returns the last name of a host path or library path.
 std::string NameOf(const std::string& inFile)
 {
     const std::size_t at = inFile.find_last_of("/\\");
@@ -74,7 +74,7 @@ std::string Hexadecimal(std::uint32_t inNumber)
     return text;
 }
 
-// Two digits behind the point, in the unit that suits.
+// Returns two decimals with a suitable unit.
 std::string Milliseconds(double inSeconds)
 {
     char text[32];
@@ -141,7 +141,7 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
     return figures;
 }
 
-// One file that cannot be streamed does not keep the others from it.
+// If one file fails, the others are still streamed.
 bool StreamOrComplain(const std::string& inFile, const Options& inOptions, std::vector<Row>& ioRows)
 {
     try {
@@ -175,7 +175,7 @@ void Run(const Options& inOptions)
             hasFailed |= !StreamOrComplain(file, inOptions, rows);
         }
     } catch (const NoAnswer& failure) {
-        print(); // what was streamed before stays true
+        print(); // the figures so far remain valid
         Complain(failure.what());
         std::_Exit(kExitFailure);
     } catch (...) {

@@ -1,4 +1,4 @@
-// Streams one file past the system's cache, many reads in flight, and measures it.
+// Streams one file unbuffered, with many reads in flight, and measures it.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,9 @@ namespace orl {
 
 struct StreamSettings
 {
-    std::size_t mBlockSize = 1 << 20; // bytes of one read, rounded up to whole sectors
+    std::size_t mBlockSize = 1 << 20; // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;          // reads in flight
-    unsigned mPatience = 60;          // seconds without any answer of the disk
+    unsigned mPatience = 60;          // timeout in seconds without any answer from the disk
 };
 
 struct StreamFigures
@@ -26,7 +26,7 @@ struct StreamFigures
     unsigned mSectorSize = 0;
     double mMedianLatency = 0;     // seconds from queuing a read to its callback
     double mPercentile99Latency = 0;
-    std::uint32_t mCRC = 0; // CRC-32 of the contents, as zlib computes it
+    std::uint32_t mCRC = 0; // CRC-32 of the contents, as computed by zlib
 };
 
 /// Thrown when the progress function stops the stream.
@@ -36,15 +36,15 @@ public:
     using Failure::Failure;
 };
 
-/// Told the bytes that have passed and the bytes there are. False stops the stream.
+/// Receives the bytes done and the total. Returns false to stop the stream.
 using StreamProgress = std::function<bool(std::uint64_t inDone, std::uint64_t inSize)>;
 
-/// inArgument is a host path or a library path. Needs a started library. Throws Failure, with no read left in flight unless it
-/// is NoAnswer.
+/// inArgument is a host path or a library path. Requires a started library. Throws Failure; no read is in flight then,
+/// except after NoAnswer.
 StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& inSettings,
                          const StreamProgress& inProgress);
 
-/// The CRC-32 of a plain read through the system's cache.
+/// Returns the CRC-32 of a plain read through the system's cache.
 std::uint32_t PlainCRC(const std::string& inArgument);
 
 } // namespace orl

@@ -13,18 +13,18 @@ namespace orl {
 
 namespace {
 
-// A format, and the rate that goes with it, as the command line names them.
+// A format and its rate, as named on the command line.
 struct FormatChoice
 {
     std::string mName = "2997drop";
-    std::string mRate; // empty for the format's own
+    std::string mRate; // empty for the format's own rate
 };
 
 struct Options
 {
     AnswerPlan mPlan;
     FormatChoice mFormat;
-    FormatChoice mTarget; // of convert
+    FormatChoice mTarget; // for convert
     ORL::Timecode::Style mStyle;
     SignRule mSign = SignRule::kBelowZero;
     bool mHidesHours = false;
@@ -74,7 +74,7 @@ void Parse(const Options& inOptions)
     AnswerAll(inOptions.mPlan, settings, [&](const std::string& inText) { return ReadLabel(inText, settings); });
 }
 
-// Wrapping sums would come back from the other end of time.
+// Checks for overflow: a wrapped sum would be a time at the other end of the range.
 Reading Sum(Reading inReading, const tvxmediatypes::TickTime& inDistance)
 {
     const tvxmediatypes::TickTime before = inReading.mTime;
@@ -91,7 +91,7 @@ void Add(const Options& inOptions)
     AnswerPlan plan = inOptions.mPlan;
     const std::string distance = plan.mValues.back();
     plan.mValues.pop_back();
-    // A distance has no frame before it.
+    // A distance has no previous frame.
     TimecodeSettings ofDistance = settings;
     ofDistance.mStyle.mPreviousFrame = false;
     Reading added;

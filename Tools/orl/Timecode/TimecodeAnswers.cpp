@@ -48,7 +48,7 @@ std::string InJson(const std::string& inValue, const Unreadable& inFault)
            + ", \"position\": " + stop + '}';
 }
 
-/// Gives the values one after the other, from the command line or from standard input.
+/// Returns the values one by one, from the command line or from standard input.
 class Values
 {
 public:
@@ -73,7 +73,7 @@ public:
         return false;
     }
 
-    /// "line 3: " of a value that came from standard input.
+    /// Returns "line 3: " for a value from standard input.
     std::string Place() const { return mValues.empty() ? "line " + std::to_string(mNext) + ": " : std::string(); }
 
 private:
@@ -81,7 +81,7 @@ private:
     std::size_t mNext = 0;
 };
 
-/// Answers among the brackets of an array, or as bare lines.
+/// Writes answers as elements of a JSON array or as plain lines.
 class Lines
 {
 public:

@@ -1,4 +1,4 @@
-// Answers about times: one line of text or one JSON object for each value, and what is said of values that are no times.
+// Output for times: one line of text or one JSON object per value, and the errors for values that are not times.
 #pragma once
 
 #include "TimecodeFormatNames.h"
@@ -13,34 +13,34 @@ namespace orl {
 struct TimecodeAnswer
 {
     std::string mLabel;
-    long long mCount; // whole frames of the format, counted toward zero
+    long long mCount; // whole frames of the format, rounded toward zero
     tvxmediatypes::TickTime mTime;
-    std::string mRemark; // what should be said of the value; mostly empty
+    std::string mRemark; // a warning about the value; usually empty
 };
 
-/// The label and count of a time.
+/// Returns the label and count of a time.
 TimecodeAnswer AnswerTo(const Reading& inReading, const TimecodeSettings& inSettings);
 
-/// Seconds with up to six digits behind the point, rounded, halves away from zero.
+/// Returns the seconds with up to six decimals; halves round away from zero.
 std::string InSeconds(const tvxmediatypes::TickTime& inTime);
 
-/// "cannot read ...": why, at which character, and below it the text with a mark where reading stopped.
+/// Returns "cannot read ...": the reason, the character, and below it the text with a mark where reading stopped.
 std::string Describe(const std::string& inText, const Unreadable& inFault);
 
-/// Writes a line to standard error, behind the answers that were given before.
+/// Writes a line to standard error, after flushing the answers so far.
 void Tell(const std::string& inText);
 
-/// How a command answers many values.
+/// How a command processes many values.
 struct AnswerPlan
 {
-    std::string mCommand;             // "tc show", for what goes to standard error
-    std::vector<std::string> mValues; // where there are none, the lines of standard input that are not empty
+    std::string mCommand;             // "tc show", for messages on standard error
+    std::vector<std::string> mValues; // if empty, the non-empty lines of standard input
     bool mAsJson = false;
-    bool mInFull = false; // count and seconds beside the label
+    bool mInFull = false; // count and seconds in addition to the label
 };
 
-/// Answers each value, one line each. A value that cannot be read gets no line among the answers, but a message on
-/// standard error (in JSON, an object that says so); the others still get theirs. Then it throws PartialFailure.
+/// Answers each value on one line. For a value that cannot be read, writes a message to standard error (in JSON, an
+/// object with the error) and continues. Afterwards throws PartialFailure if there was such a value.
 void AnswerAll(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
                const std::function<Reading(const std::string&)>& inRead);
 

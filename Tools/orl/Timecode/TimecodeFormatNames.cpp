@@ -23,7 +23,7 @@ const FractionalRate kFractionalRates[] = {
     {kFrameRate_VideoNTSC_HD, "59.94", "60000/1001"},
 };
 
-// Letters and digits alone, small.
+// Returns the letters and digits only, in lower case.
 std::string Bare(const std::string& inName)
 {
     std::string bare;
@@ -36,7 +36,7 @@ std::string Bare(const std::string& inName)
     return bare;
 }
 
-// A plain positive number, or 0.
+// Returns a plain positive number, or 0 if the text is not one.
 double ReadNumber(const std::string& inText)
 {
     double number = 0;

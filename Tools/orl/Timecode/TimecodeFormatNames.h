@@ -1,4 +1,4 @@
-// The timecode formats under the names that a person types, and what else an answer depends on.
+// The timecode formats by their names on the command line, and other settings of an answer.
 #pragma once
 
 #include <ORLTimecode.h>
@@ -13,44 +13,44 @@ struct TimecodeFormat
 {
     const char* mName;
     tvxmediatypes::TimeDisplay mDisplay;
-    tvxmediatypes::FrameRate mRate; // the format's own, or the one that is taken where nobody chooses
+    tvxmediatypes::FrameRate mRate; // the format's own rate, or the default
     bool mHasOwnRate;
     const char* mUnit; // what the last field counts
     const char* mAbout;
 };
 
-/// All formats, in the order of their values.
+/// Returns all formats in the order of their values.
 const std::vector<TimecodeFormat>& AllTimecodeFormats();
 
-/// The format of that name, or null. Case, points, blanks and hyphens do not matter ("29.97 drop").
+/// Returns the format of that name, or null. Case, points, blanks and hyphens are ignored ("29.97 drop").
 const TimecodeFormat* FindTimecodeFormat(const std::string& inName);
 
-/// When a label gets a sign.
+/// When a label has a sign.
 enum class SignRule { kBelowZero, kAlways, kNever };
 
 /// How labels are read and written.
 struct TimecodeSettings
 {
     const TimecodeFormat* mFormat = FindTimecodeFormat("2997drop");
-    tvxmediatypes::FrameRate mRate = mFormat->mRate; // the rate that the library is handed
+    tvxmediatypes::FrameRate mRate = mFormat->mRate; // the rate passed to the library
     ORL::Timecode::Style mStyle;
     SignRule mSign = SignRule::kBelowZero;
 
-    /// The rate that labels of the format count at.
+    /// Returns the rate at which labels of the format count.
     tvxmediatypes::FrameRate CountingRate() const { return mFormat->mHasOwnRate ? mFormat->mRate : mRate; }
 };
 
-/// Frames per second from "25", "29.97", "30000/1001"; the zero rate where the text is none. The three fractional
-/// video rates are meant by their usual short forms.
+/// Parses frames per second: "25", "29.97", "30000/1001". Returns the zero rate if the text is not a rate. The usual
+/// short forms select the three fractional video rates.
 tvxmediatypes::FrameRate ReadRate(const std::string& inText);
 
-/// "29.97": as a person says it.
+/// Returns the usual short form: "29.97".
 std::string RateInShort(const tvxmediatypes::FrameRate& inRate);
 
-/// "30000/1001": exactly.
+/// Returns the exact form: "30000/1001".
 std::string RateInFull(const tvxmediatypes::FrameRate& inRate);
 
-/// Why a rate does not go with a format; empty where it does.
+/// Returns why a rate does not fit a format, or an empty string if it does.
 std::string RateComplaint(const TimecodeFormat& inFormat, const tvxmediatypes::FrameRate& inRate);
 
 } // namespace orl

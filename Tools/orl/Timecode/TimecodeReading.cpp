@@ -25,7 +25,7 @@ std::size_t SkipSign(const std::string& inText)
     return !inText.empty() && (inText[0] == '+' || inText[0] == '-') ? 1 : 0;
 }
 
-// The character at inStop in words. What is not ASCII is shown whole.
+// Describes the character at inStop. Characters outside ASCII are shown whole.
 std::string Complaint(const std::string& inText, std::size_t inStop)
 {
     if (inStop >= inText.size()) {
@@ -38,7 +38,7 @@ std::string Complaint(const std::string& inText, std::size_t inStop)
     return JsonQuoted(inText.substr(inStop, end - inStop)) + " does not fit here";
 }
 
-// All digits of the text as one number, which is at least as large as any number in it.
+// Returns all digits of the text as one number, which is at least as large as each number in it.
 double AllDigits(const std::string& inText)
 {
     double number = 0;
@@ -48,7 +48,7 @@ double AllDigits(const std::string& inText)
     return number;
 }
 
-// Times hold about 414 years on either side of zero.
+// Times are limited to about 414 years on either side of zero.
 void CheckCount(double inCount, const FrameRate& inRate, std::size_t inWhere)
 {
     if (inCount * static_cast<double>(inRate.GetTicksPerFrame()) > 9.2e18) {
@@ -56,7 +56,7 @@ void CheckCount(double inCount, const FrameRate& inRate, std::size_t inWhere)
     }
 }
 
-// The library takes digits as they come, and numbers of any length wrap around.
+// Checks the number of digits, because the library accepts any and wraps around.
 void CheckFields(const std::string& inText)
 {
     constexpr std::size_t kMaxDigitsOfField = 9;
@@ -77,7 +77,7 @@ bool IsFeet(TimeDisplay inDisplay)
     return inDisplay == kTimeDisplay_16mmFeetFrames || inDisplay == kTimeDisplay_35mmFeetFrames;
 }
 
-// A number that counts frames and is not split into fields.
+// Whether the text is a number of frames that is not split into fields.
 bool IsPlainCount(const std::string& inText, TimeDisplay inDisplay)
 {
     const std::size_t begin = SkipSign(inText);
@@ -99,8 +99,7 @@ void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
     }
 }
 
-// While it lives, a check of the library that fails on typed text is noted here and not shown: it is a remark on the
-// text and no defect of the library.
+// While it lives, a failing check of the library is recorded and not shown: typed text is at fault, not the library.
 class NotedChecks
 {
 public:
@@ -130,7 +129,7 @@ private:
 
 bool NotedChecks::sHasFailed = false;
 
-// The fields of a text that has exactly four, else none.
+// Returns the fields of a text that has exactly four, else none.
 std::vector<long> FourFields(const std::string& inText)
 {
     std::vector<long> fields;
@@ -142,7 +141,7 @@ std::vector<long> FourFields(const std::string& inText)
     return fields.size() == 4 ? fields : std::vector<long>();
 }
 
-// How many labels a short minute starts without; 0 where none are left out.
+// Returns the number of labels skipped at the start of a short minute; 0 if none.
 long LabelsLeftOut(TimeDisplay inDisplay)
 {
     switch (inDisplay) {
@@ -158,7 +157,7 @@ bool IsLeftOut(const std::string& inText, TimeDisplay inDisplay)
     return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < LabelsLeftOut(inDisplay);
 }
 
-// A label of one day, and a negative one that the fold of the library carries further away from it.
+// Whether the time exceeds a day's labels so far that the library's fold has made it worse.
 bool IsBeyondTheDay(const TickTime& inTime)
 {
     return inTime > TickTime(172800.0) || inTime < TickTime(-172800.0);
@@ -188,7 +187,7 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     const UTF16String text = ToUTF16(inText);
     const std::size_t stop = ORL::Timecode::FindUnreadable(text, display);
     if (stop != UTF16String::npos) {
-        // What was read before is ASCII, so that units, characters and bytes have one count.
+        // The text before is ASCII, so units, characters and bytes have the same count.
         throw Unreadable(Complaint(inText, stop), stop);
     }
     CheckNumbers(inText, inSettings);

@@ -1,5 +1,5 @@
-// From what a person types to a time. Nothing is guessed: a text that the library cannot read, and a number that is
-// larger than times can hold, is an Unreadable.
+// Converts typed text to a time. Nothing is guessed: text that the library cannot read, and numbers beyond the range of
+// times, throw Unreadable.
 #pragma once
 
 #include "TimecodeFormatNames.h"
@@ -10,8 +10,8 @@
 
 namespace orl {
 
-/// Thrown for a text that is no time. The text of the exception says why; mStop is the place where reading stopped,
-/// counted in characters from 0, or npos where the text was read to its end.
+/// Thrown for a text that is not a time. The exception's text is the reason; mStop is the position where reading
+/// stopped, in characters from 0, or npos if the text was read to its end.
 class Unreadable : public std::runtime_error
 {
 public:
@@ -20,20 +20,20 @@ public:
     const std::size_t mStop;
 };
 
-/// A time that was read, and what should be said of it although it was: mostly nothing.
+/// A time that was read, and a warning about it; usually none.
 struct Reading
 {
     tvxmediatypes::TickTime mTime;
     std::string mRemark;
 };
 
-/// A whole number of frames (samples, milliseconds) of the format.
+/// Reads a whole number of frames (samples, milliseconds) of the format.
 Reading ReadCount(const std::string& inText, const TimecodeSettings& inSettings);
 
-/// A label, as Timecode::SetTime reads it.
+/// Reads a label, like Timecode::SetTime.
 Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings);
 
-/// A distance: a whole number is a count, everything else a label.
+/// Reads a distance: a whole number is a count, everything else a label.
 Reading ReadDistance(const std::string& inText, const TimecodeSettings& inSettings);
 
 } // namespace orl

@@ -20,7 +20,7 @@ struct Row
 {
     const TimecodeFormat& mFormat;
     std::string mRate;
-    std::size_t mDigits; // of the last field; 0 where it has as many as it needs
+    std::size_t mDigits; // of the last field; 0 if it varies
     std::string mSeparators;
     long long mFramesPerDay;
     std::string mSample;
@@ -42,7 +42,8 @@ std::string SeparatorsIn(const std::string& inLabel)
     return separators;
 }
 
-// From label to label where there are hours, else of a day of the clock. Half a day stays clear of the fold.
+// Returns the frames between two labels a day apart if the format has hours, else of a day of the clock. It doubles
+// half a day, which is not folded.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {
     ORL::Timecode code(kTime_Zero, inFormat.mRate, inFormat.mDisplay);

@@ -1,10 +1,10 @@
-// All formats at a glance.
+// An overview of all formats.
 #pragma once
 
 namespace orl {
 
-/// A row for each format: its rate, the digits of the last field, the separators, how many frames its day has, and a
-/// label. All but names and rates is asked of the library.
+/// Prints a row for each format: its rate, the digits of the last field, the separators, the frames of a day, and a
+/// label. Everything except names and rates is queried from the library.
 void PrintTimecodeTable(bool inAsJson);
 
 } // namespace orl
