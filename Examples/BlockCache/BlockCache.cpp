@@ -1,4 +1,4 @@
-// Reads a file twice through a block cache that the host lends, and tells how many bytes the cache kept.
+// Reads a file twice through the host's own block cache, and prints how many bytes the cache kept.
 //   example_block_cache FILE [LIMIT-IN-MEGABYTES]
 #include "LruFileBuffer.h"
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// The file's bytes added up, read in pieces that are no blocks; -1 when it cannot be read.
+// Returns the sum of the file's bytes, read in pieces that differ from blocks, or -1 on an error.
 long long SumOf(ORL::File& ioFile)
 {
     long long sum = 0;
@@ -33,7 +33,7 @@ long long SumOf(ORL::File& ioFile)
 int ReadTwice(const UTF16String& inPath, const BlockStore& inStore)
 {
     ORL::File file;
-    // Only a file that nobody may write meanwhile is read through the cache.
+    // The library uses the cache only for files that cannot be written meanwhile.
     const ORL::Result result =
         file.Create(inPath, ORL::FileAccessFlags::kFileAccess_Read, ORL::FileShareModeFlags::kFileShare_Read,
                     ORL::FileCreateDispositionFlags::kFileCreate_OpenExisting,

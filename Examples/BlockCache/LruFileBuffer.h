@@ -17,8 +17,8 @@
 #include <unordered_map>
 #include <utility>
 
-/// The blocks of all files of a host, the most recently used at the front. Safe from any thread. Blocks that a reader
-/// still holds live on when they are evicted.
+/// The blocks of all files of a host, the most recently used first. Thread-safe. An evicted block stays alive as long
+/// as a reader holds it.
 class BlockStore
 {
 public:
@@ -46,7 +46,7 @@ public:
         if (found == mIndex.end()) {
             return false;
         }
-        // Reads run on in one block, so it is usually in front already.
+        // Consecutive reads usually hit the same block, which is then already in front.
         if (found->second != mEntries.begin()) {
             mEntries.splice(mEntries.begin(), mEntries, found->second);
         }
@@ -54,7 +54,7 @@ public:
         return true;
     }
 
-    /// Lets go of all blocks of one file.
+    /// Releases all blocks of one file.
     void Forget(const void* inOwner)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -66,7 +66,7 @@ public:
         }
     }
 
-    /// Bytes held now.
+    /// Returns the bytes held now.
     std::size_t Size() const
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -99,14 +99,14 @@ private:
         }
     }
 
-    mutable std::mutex mMutex; // guards all below
+    mutable std::mutex mMutex; // guards everything below
     const std::size_t mLimit;
     std::size_t mSize = 0;
     std::list<Entry> mEntries;
     std::unordered_map<Key, std::list<Entry>::iterator, HashOfKey> mIndex;
 };
 
-/// The blocks of one file in the store. They go when the file is closed.
+/// The blocks of one file in the store, released when the file is closed.
 class LruFileBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:

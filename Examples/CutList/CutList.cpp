@@ -1,11 +1,11 @@
-// Walks the cut list of an edit decision list (CMX 3600 text): checks that every source lasts as long as its place in the
-// programme and that no picture covers another, sums the durations, or prints the list again.
+// Processes an edit decision list (CMX 3600 text): checks that every source is as long as its place in the programme
+// and that no pictures overlap, sums the durations, or prints the list again.
 //
 //   example_cut_list LIST.edl [--print] [--fps 24 | 25 | 30]
 //
-// Drop-frame is told by a ";" in an event's codes, else by the FCM line above it. Without --fps the list counts NTSC
-// frames. Codes are printed from their times, not from the text that was read: --print gives the list back letter by
-// letter, or it says which code is no label.
+// A ";" in an event's codes means drop-frame; otherwise the FCM line above the event decides. Without --fps the list
+// counts NTSC frames. Codes are printed from their times, not from the input text: --print reproduces the list exactly,
+// or reports which code is not a label.
 #include <ORLTimecode.h>
 
 #include <tvxmediatypes/Constants.h>
@@ -30,7 +30,7 @@ struct Fault : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// One code of an event: the time, and the text that it was read from, for its separators and its place in the line.
+/// One code of an event: the time, and the text it was read from, which gives its separators and its place in the line.
 struct Code
 {
     std::size_t mColumn = 0;
@@ -42,12 +42,12 @@ enum { kSourceIn, kSourceOut, kRecordIn, kRecordOut, kCodes };
 
 struct Event
 {
-    std::size_t mLine; // into the list's lines
+    std::size_t mLine; // index into the list's lines
     std::string mNumber;
     std::string mReel;
     std::string mTracks;
     Code mCodes[kCodes];
-    bool mHasMotion = false; // an M2 line follows, so that source and programme run at different speeds
+    bool mHasMotion = false; // an M2 line follows: source and programme run at different speeds
 };
 
 struct CutList
@@ -81,7 +81,7 @@ bool IsCode(const std::string& inText)
     return inText.size() == 11;
 }
 
-/// The label of a code's time, between the separators that it was read with.
+/// Returns the label of a code's time, with the separators of the input.
 std::string Print(const Code& inCode)
 {
     const UTF16String label = inCode.mCode.GetString();
@@ -124,7 +124,7 @@ bool IsEvent(const std::vector<Word>& inWords)
     return !inWords.empty() && std::isdigit(static_cast<unsigned char>(inWords[0].mText[0])) != 0;
 }
 
-/// Number, reel, tracks, transition, its length where it has one, and four codes.
+/// Parses number, reel, tracks, transition, the transition's length if any, and four codes.
 Event ReadEvent(const std::vector<Word>& inWords, const CutList& inList, bool inIsDropList)
 {
     if (inWords.size() < 8 || inWords.size() > 9) {
@@ -154,7 +154,7 @@ TickTime Length(const Event& inEvent, int inFrom, int inTo)
     return time -= inEvent.mCodes[inFrom].mCode.GetTime();
 }
 
-/// A duration in the event's own way of counting.
+/// Returns a duration in the event's own format.
 std::string PrintLength(const Event& inEvent, const TickTime& inTime)
 {
     const Timecode& like = inEvent.mCodes[kRecordIn].mCode;
@@ -180,7 +180,7 @@ bool HasPicture(const Event& inEvent)
     return inEvent.mTracks.find('V') != std::string::npos || inEvent.mTracks == "B";
 }
 
-/// Says what is wrong and in which line, for all lines. True when nothing is.
+/// Reports each error with its line. Returns true if there is none.
 class Inspector
 {
 public:

@@ -1,4 +1,4 @@
-// What the host and its plug-ins know of each other: one interface, one category, and the function that a plug-in exports.
+// The contract between the host and its plug-ins: one interface, one category, and the function that a plug-in exports.
 #pragma once
 
 #include <ORLFoundation.h>
@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <vector>
 
-/// Something that changes sound.
+/// An effect that changes sound.
 class IEffect : public ORL::ORLUnknown
 {
 public:
@@ -19,13 +19,13 @@ public:
 using EffectRef = ORL::InterfaceRef<IEffect>;
 using UnknownRef = ORL::InterfaceRef<ORL::ORLUnknown>;
 
-/// The category under which the host looks for effects.
+/// The category of effects.
 inline constexpr ORL::Guid kEffects{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x02};
 
-/// Turns the sound upside down. The levels plug-in registers it; who knows the identifier may use it.
+/// Inverts the sound. The levels plug-in registers it; anyone can create it by this identifier.
 inline constexpr ORL::Guid kInvertEffect{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x03};
 
-/// A class of the register is an ORLUnknown until it is asked.
+/// Converts an object of the class register to an effect.
 inline EffectRef AsEffect(const UnknownRef& inObject)
 {
     void* found = nullptr;
@@ -33,11 +33,11 @@ inline EffectRef AsEffect(const UnknownRef& inObject)
         throw std::runtime_error("the class is no effect");
     }
     const EffectRef effect(static_cast<IEffect*>(static_cast<ORL::ORLUnknown*>(found)));
-    effect->Release(); // the count that came with the answer
+    effect->Release(); // releases the reference from QueryInterface
     return effect;
 }
 
-/// What ORL::ClassFactory wants to know of a class: how to make one, and that it is an effect.
+/// The functions that ORL::ClassFactory needs for a class: one creates it, one lists its categories.
 template <class Effect>
 void CreateEffect(UnknownRef& outRef)
 {
@@ -49,6 +49,6 @@ inline void InEffects(std::vector<ORL::Guid>& outCategories)
     outCategories.push_back(kEffects);
 }
 
-/// The name of the function that each plug-in exports, and its shape. The host calls it once, on its main thread.
+/// The name and type of the function that each plug-in exports. The host calls it once, on its main thread.
 inline constexpr char kRegisterEffects[] = "RegisterEffects";
 using RegisterEffectsFunction = void();

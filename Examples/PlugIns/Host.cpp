@@ -1,9 +1,9 @@
-// A host whose effects live in plug-ins: it loads them, lists the category "effects", and makes instances by position and by
-// identifier. A plug-in that fails costs one line.
+// A host whose effects are in plug-ins: it loads them, lists the category "effects", and creates instances by position
+// and by identifier. A plug-in that fails is reported in one line.
 //
-//   example_plugins [PLUG-IN ...]      without any: plug-ins "plugin_levels" and "plugin_shapes"
+//   example_plugins [PLUG-IN ...]      default: the plug-ins "plugin_levels" and "plugin_shapes"
 //
-// Exit code: 0, or 1 when no effect could be used.
+// Exit code: 0, or 1 if no effect could be used.
 #include "PlugInLoader.h"
 
 #include <cstdio>
@@ -32,7 +32,7 @@ void Show(unsigned inPosition, const EffectRef& inEffect)
     std::printf("\n");
 }
 
-// False at the end of the category.
+// Returns false at the end of the category.
 bool ShowEffectAt(unsigned inPosition, unsigned& ioShown)
 {
     try {

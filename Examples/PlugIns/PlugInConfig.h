@@ -1,4 +1,4 @@
-// How a plug-in exports its one function.
+// The export declaration for a plug-in's function.
 #pragma once
 
 #if defined(_WIN32)

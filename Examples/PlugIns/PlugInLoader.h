@@ -1,11 +1,11 @@
-// What the host needs of the system: a module in its process, and one function of it.
+// Loading of plug-ins, which differs between platforms.
 #pragma once
 
 #include "Effects.h"
 
 #include <string>
 
-/// Loads a plug-in and finds its RegisterEffects. inName is a path, or the bare name of a plug-in that stands where the
-/// libraries of the program do; without an ending it gets the platform's. Throws std::runtime_error with the system's reason.
-/// A plug-in stays loaded: nothing is ever taken out of the register of classes.
+/// Loads a plug-in and returns its RegisterEffects function. inName is a path, or a bare name in the folder of the
+/// program's libraries; the platform's extension is added if missing. Throws std::runtime_error with the system's
+/// reason. A plug-in stays loaded, because class registrations are permanent.
 RegisterEffectsFunction* LoadPlugIn(const std::string& inName);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A name alone is that of a module beside this program, as it is on the home platform.
+// A bare name means a module beside this program, as on Windows.
 std::string WhereItStands(const std::string& inName)
 {
     return inName.find('/') != std::string::npos

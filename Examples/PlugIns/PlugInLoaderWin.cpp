@@ -22,7 +22,7 @@ std::wstring Wide(const std::string& inText)
 
 } // namespace
 
-// A name without an ending gets ".dll" from the system.
+// Windows adds ".dll" to a name without an extension.
 RegisterEffectsFunction* LoadPlugIn(const std::string& inName)
 {
     const HMODULE module = ::LoadLibraryW(Wide(inName).c_str());

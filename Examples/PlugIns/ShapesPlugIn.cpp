@@ -1,5 +1,5 @@
-// A plug-in with three effects, one of which cannot be made. One makes use of a class of the other plug-in, of which it knows
-// nothing but the identifier.
+// A plug-in with three effects, one of which cannot be created. One uses a class of the other plug-in, of which it
+// knows only the identifier.
 #include "Effects.h"
 #include "PlugInConfig.h"
 
@@ -48,7 +48,7 @@ public:
 
 private:
     Clip mClip;
-    // Throws where the plug-in that brings the class is not loaded.
+    // Throws if the plug-in with the class is not loaded.
     EffectRef mInvert = AsEffect(ORL::CreateClassInstanceRef(kInvertEffect));
 };
 

@@ -1,11 +1,11 @@
 // Draws the waveforms of WAV files as a PNG picture.
 //
 //   example_waveform OUT.png FILE.wav ...                  a sheet with a card for each file
-//   example_waveform --thumbnail WxH OUT.png FILE.wav      one waveform alone, edge to edge
+//   example_waveform --thumbnail WxH OUT.png FILE.wav      a single waveform, edge to edge
 //
-// The columns of each picture are cut into requests for a shared queue; a flush tells when all are done. Each request reads
-// through a buffer of the recycler, and the name of its file is an immutable string that all of them share.
-// Exit code: 0, 1 when a file cannot be read or written, 2 when the arguments make no sense.
+// The columns of each picture are split into requests for a shared queue; a flush waits for all of them. Each request
+// reads through a buffer of the recycler, and all share the name of their file as an immutable string.
+// Exit code: 0, 1 if a file cannot be read or written, 2 for invalid arguments.
 #include "Painter.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ struct Wishes
     std::vector<std::string> mInputs;
 };
 
-// False when they make no sense.
+// Returns false if they are invalid.
 bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
 {
     if (inArguments.size() > 1 && inArguments[0] == "--thumbnail") {
@@ -50,7 +50,7 @@ bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
 
 std::string Leaf(const std::string& inPath)
 {
-    return inPath.substr(inPath.find_last_of("/\\") + 1); // a path without a separator is all leaf
+    return inPath.substr(inPath.find_last_of("/\\") + 1); // a path without a separator consists of the leaf
 }
 
 Sound OpenSound(const std::string& inPath, std::size_t inColumns)
@@ -70,7 +70,7 @@ Sound OpenSound(const std::string& inPath, std::size_t inColumns)
 using Queue = ORL::InterfaceRef<ORL::ThreadedWorkQueue>;
 using Request = ORL::InterfaceRef<FindPeaks>;
 
-// False when the queue has not taken all of them.
+// Returns false if the queue refused a request.
 bool QueueRequests(const Queue& inQueue, std::vector<Sound>& ioSounds, std::size_t inColumns, std::vector<Request>& outRequests)
 {
     bool allTaken = true;

@@ -1,4 +1,4 @@
-// Letters of 5 by 7 points, and one row below the line.
+// Letters of 5 by 7 pixels, plus one row below the baseline.
 #pragma once
 
 #include <cstddef>
@@ -6,10 +6,10 @@
 inline constexpr std::size_t kLetterWidth = 5;
 inline constexpr std::size_t kLetterHeight = 8;
 
-/// A character that is no ASCII letter is a question mark.
+/// Characters outside ASCII are drawn as a question mark.
 bool LetterHasPoint(char inCharacter, std::size_t inColumn, std::size_t inRow);
 
-/// The bytes of UTF-8 behind the first of a character: they are not drawn.
+/// Whether the byte continues a UTF-8 character; such bytes are not drawn.
 inline bool IsContinuation(char inCharacter)
 {
     return (static_cast<unsigned char>(inCharacter) & 0xC0) == 0x80;

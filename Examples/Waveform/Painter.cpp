@@ -25,7 +25,7 @@ constexpr std::size_t kLaneGap = 8;
 
 constexpr float kFullScale = 0.999f;
 
-// How much of the pixel row lies between two heights.
+// Returns the part of the pixel row that lies between two heights.
 double Covered(std::size_t inRow, double inTop, double inBottom)
 {
     const double row = static_cast<double>(inRow);
@@ -49,7 +49,7 @@ void PaintPeak(Picture& ioPicture, const Rectangle& inLane, std::size_t inColumn
     const double middle = static_cast<double>(inLane.mHeight) / 2;
     double top = middle - static_cast<double>(inPeak.mHighest) * middle;
     double bottom = middle - static_cast<double>(inPeak.mLowest) * middle;
-    const double missing = std::max(1 - (bottom - top), 0.0); // the thinnest line is a pixel high
+    const double missing = std::max(1 - (bottom - top), 0.0); // the thinnest line is one pixel high
     top -= missing / 2;
     bottom += missing / 2;
     PaintBar(ioPicture, inLane, inColumn, top, bottom, 0);
@@ -74,7 +74,7 @@ void PaintWave(Picture& ioPicture, const Rectangle& inLane, const std::vector<Pe
     }
 }
 
-// Seconds between two lines of the grid: at least 80 pixels.
+// Returns the seconds between two grid lines, which are at least 80 pixels apart.
 double GridStep(double inSeconds, std::size_t inColumns)
 {
     const double least = inSeconds * 80 / static_cast<double>(inColumns);

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr unsigned kBufferSize = 64 * 1024; // one size for all, so that the recycler finds it again
+constexpr unsigned kBufferSize = 64 * 1024; // one size for all, so that the recycler can reuse them
 
 struct Sums
 {
@@ -55,7 +55,7 @@ void FindPeaks::FindAll()
     }
 }
 
-// A column reaches to the first frame of the next one, so that the line has no gaps.
+// A column includes the first frame of the next one, so that the line has no gaps.
 void FindPeaks::ReadColumn(std::ifstream& ioFile, ORL::MemoryBufferWrapper& ioBuffer, std::size_t inColumn)
 {
     const WavFormat& format = mSound.mFormat;

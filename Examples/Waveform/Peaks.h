@@ -1,4 +1,4 @@
-// The extremes of a sound, column by column of its picture, found by the threads of a queue.
+// The extremes of a sound for each column of its picture, computed by the threads of a queue.
 #pragma once
 
 #include "WavFile.h"
@@ -9,24 +9,24 @@
 #include <string>
 #include <vector>
 
-/// What one channel does within one column.
+/// The extremes of one channel within one column.
 struct Peak
 {
     float mLowest = 0;
     float mHighest = 0;
-    float mLoudness = 0; ///< the root of the mean square
+    float mLoudness = 0; ///< root mean square
 };
 
-/// One sound on its way into the picture.
+/// A sound and its analysis.
 struct Sound
 {
     std::string mPath;
-    ORL::ImmutableString mName; ///< the file's, shared by all who speak of it
+    ORL::ImmutableString mName; ///< the file's name, shared by all its requests
     WavFormat mFormat;
-    std::vector<std::vector<Peak>> mPeaks; ///< for each channel and column
+    std::vector<std::vector<Peak>> mPeaks; ///< per channel and column
 };
 
-/// Finds the peaks of some columns. Each request writes columns of its own, so nobody waits for anybody.
+/// Finds the peaks of some columns. Each request writes only its own columns, so no locking is needed.
 class FindPeaks : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
 {
 public:
@@ -34,7 +34,7 @@ public:
 
     void Process() override;
 
-    /// Empty when all went well. To be asked when Process has returned.
+    /// Returns the error, or an empty string on success. Call it after Process has returned.
     const std::string& GetFailure() const { return mFailure; }
 
 private:

@@ -37,7 +37,7 @@ void Picture::Fill(const Rectangle& inArea, Colour inColour, double inPart)
 
 void Picture::FillRounded(const Rectangle& inArea, double inRadius, Colour inColour)
 {
-    // How far a point lies inside of the two sides that are next to it, as far as the corner reaches.
+    // The distance from the two nearest sides, as far as the rounded corner extends.
     const auto beyond = [inRadius](std::size_t inPlace, std::size_t inSize) {
         const double middle = static_cast<double>(inPlace) + 0.5;
         const double side = std::min(middle, static_cast<double>(inSize) - middle);

@@ -1,4 +1,4 @@
-// A picture of 24-bit pixels, with the few brushes that a waveform wants.
+// A picture of 24-bit pixels, with the few drawing operations that a waveform needs.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ struct Colour
     std::uint8_t mBlue = 0;
 };
 
-/// inPart from 0, which gives the first, to 1.
+/// Returns a mix of both colours; inPart is from 0, the first colour, to 1.
 Colour Mix(Colour inFirst, Colour inSecond, double inPart);
 
 struct Rectangle
@@ -32,16 +32,17 @@ public:
     std::size_t Width() const { return mWidth; }
     std::size_t Height() const { return mHeight; }
 
-    /// The part of a pixel that a brush covers goes from 0 to 1. Pixels outside the picture are left out.
+    /// inPart is the coverage, from 0 to 1. Pixels outside the picture are ignored.
     void Blend(std::size_t inX, std::size_t inY, Colour inColour, double inPart);
     void Fill(const Rectangle& inArea, Colour inColour, double inPart = 1);
     void FillRounded(const Rectangle& inArea, double inRadius, Colour inColour);
 
-    /// Letters of 5 by 7 points; a point is inPoint pixels wide. Other than ASCII is drawn as a question mark for each character.
+    /// Draws letters of 5 by 7 points; a point is inPoint pixels wide. Each character outside ASCII becomes a question
+    /// mark.
     void Write(std::size_t inX, std::size_t inY, const std::string& inText, std::size_t inPoint, Colour inColour);
     static std::size_t TextWidth(const std::string& inText, std::size_t inPoint);
 
-    /// A PNG file. Throws std::runtime_error with the reason.
+    /// Writes a PNG file. Throws std::runtime_error with the reason.
     void Save(const std::string& inPath) const;
 
 private:

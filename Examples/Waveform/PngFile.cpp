@@ -1,4 +1,4 @@
-// The Portable Network Graphics form: a signature, and chunks of length, name, bytes and CRC-32, most significant byte first.
+// The PNG format: a signature, and chunks of length, type, data and CRC-32, most significant byte first.
 #include "Picture.h"
 
 #include <zlib.h>
@@ -56,7 +56,7 @@ void Picture::Save(const std::string& inPath) const
     Bytes header;
     Append(header, static_cast<std::uint32_t>(mWidth));
     Append(header, static_cast<std::uint32_t>(mHeight));
-    header += Bytes("\x08\x02\x00\x00\x00", 5); // 8 bits a channel, true colour, nothing special
+    header += Bytes("\x08\x02\x00\x00\x00", 5); // 8 bits per channel, true colour, no interlacing
 
     Bytes png("\x89PNG\r\n\x1a\n", 8);
     AppendChunk(png, "IHDR", header);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned kPCM = 1;
 constexpr unsigned kFloat = 3;
-constexpr unsigned kExtensible = 0xFFFE; // the coding stands in the extension, as the first two bytes of an identifier
+constexpr unsigned kExtensible = 0xFFFE; // the coding is in the extension: the first two bytes of an identifier
 constexpr unsigned kMostChannels = 16;
 
 std::uint32_t Number(const unsigned char* inBytes, unsigned inCount)
@@ -27,7 +27,7 @@ bool IsNamed(const unsigned char* inBytes, const char* inName)
     return std::memcmp(inBytes, inName, 4) == 0;
 }
 
-// Gives what could be read.
+// Returns the number of bytes that could be read.
 std::size_t ReadAt(std::ifstream& ioFile, std::uint64_t inPlace, unsigned char* outBytes, std::size_t inCount)
 {
     ioFile.clear();

@@ -1,11 +1,11 @@
-// What a RIFF WAVE file says of itself, and how its samples become numbers.
+// The header of a RIFF WAVE file, and the decoding of its samples.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
-/// Where the sound of a file stands and what it is made of.
+/// The position and format of a file's sound.
 struct WavFormat
 {
     enum class Coding { kUnsigned8, kSigned16, kSigned24, kSigned32, kFloat32 };
@@ -20,9 +20,9 @@ struct WavFormat
     double Seconds() const { return static_cast<double>(mFrames) / mFramesPerSecond; }
 };
 
-/// Reads the head of a file: PCM of 8 to 32 bits and floats, up to 16 channels. Where the file ends before its sound should,
-/// the frames that are there count. Throws std::runtime_error with the reason, without the file's name.
+/// Reads the header of a file: PCM of 8 to 32 bits and floats, up to 16 channels. If the file is truncated, only its
+/// existing frames count. Throws std::runtime_error with the reason, without the file's name.
 WavFormat ReadWavFormat(const std::string& inPath);
 
-/// One sample at its place in memory, -1 to 1. What is no number is silence.
+/// Decodes one sample to -1 to 1. Not a number (NaN) becomes silence.
 float DecodeSample(WavFormat::Coding inCoding, const unsigned char* inBytes);

@@ -1,10 +1,10 @@
-// Keeps the place of its window and its language from one start to the next.
+// Stores the place of its window and its language between starts.
 //
 //   example_window_place [--move X Y] [--language NAME]
 //
-// It greets in its language and says where the window stands. --move drags the window there, --language chooses the
+// It prints a greeting in its language and the place of the window. --move moves the window, --language sets the
 // language of the next start: "de_DE", or "fr_FR". orl reg list 'HKCU\Software\Zerin\Window Place' --recursive shows
-// what it keeps.
+// the stored settings.
 #include <ORLFoundation.h>
 
 #include <CRV/Application.h>
@@ -24,7 +24,7 @@ struct Place
     int mY = 100;
 };
 
-// Not text but values of their own, so that each can be read, and edited, by itself.
+// Separate numeric values instead of one text, so that each can be read and edited alone.
 constexpr char kX[] = "X";
 constexpr char kY[] = "Y";
 
@@ -33,12 +33,12 @@ UTF16String WindowKey()
     return ORL::GetRegistrySettingsKey() + ORL::MakeString("Window");
 }
 
-// A number keeps its earlier value if the registry has none: a first start, or a setting that somebody has deleted.
+// A number keeps its value if the registry has none: on the first start, or if the setting was deleted.
 void ReadNumber(const ORL::RegistryKey& inKey, const char* inName, int& ioNumber)
 {
     unsigned int stored = 0;
     if (ORL::ResultSucceeded(inKey.GetUInt32Value(ORL::MakeString(inName), stored))) {
-        ioNumber = static_cast<int>(stored); // places left of the first screen are negative
+        ioNumber = static_cast<int>(stored); // positions left of the first screen are negative
     }
 }
 
@@ -68,7 +68,7 @@ void KeepPlace(const Place& inPlace)
     Check(key.SetUInt32Value(ORL::MakeString(kY), static_cast<unsigned int>(inPlace.mY)), "the place of the window");
 }
 
-// The library reads this value, once, when somebody first asks for the language.
+// The library reads this value once, at the first query of the language.
 void KeepLanguage(const std::string& inLanguage)
 {
     ORL::RegistryKey key;
@@ -126,7 +126,7 @@ int main(int inCount, char** inArguments)
     ORL::Foundation::Initialize();
     int exitCode = 0;
     try {
-        ORL::GetLanguageID(); // a language that is chosen below counts from the next start on
+        ORL::GetLanguageID(); // reads the language now, so a change below applies to the next start
         Run(std::vector<std::string>(inArguments + 1, inArguments + inCount));
     } catch (const std::exception& failure) {
         std::cerr << "example_window_place: " << failure.what() << '\n';
