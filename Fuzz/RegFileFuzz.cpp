@@ -1,4 +1,4 @@
-// Any bytes as a registry text file.
+// Parses any bytes as a registry text file.
 #include "RegFileFuzzTarget.h"
 
 #include <cstdio>

@@ -1,8 +1,8 @@
-// What is checked of any bytes that are read as a registry text file. The fuzzer and the plain test that replays its
-// corpus share it.
+// Properties of parsing any bytes as a registry text file. The fuzzer and the plain test that replays its corpus share
+// them.
 //
-// A file is refused with a line that it has, or its changes are ones that a registry can make. Its values, written as a
-// file and read again, are the same.
+// A file is either refused with the number of one of its lines, or its changes are valid for a registry. Its values are
+// the same after they are written to a file and read again.
 #pragma once
 
 #include <Reg/RegFile.h>
@@ -21,7 +21,7 @@ inline bool IsPossible(const ORL::RegistryEdit& inEdit)
            && (inEdit.mKind != ORL::RegistryEdit::kDeleteKey || !inEdit.mPath.empty());
 }
 
-/// The keys that the file sets values of, each as often as it comes.
+/// Returns the keys whose values the file sets, including repetitions.
 inline std::vector<orl::RegFileKey> KeysOf(const std::vector<ORL::RegistryEdit>& inEdits)
 {
     std::vector<orl::RegFileKey> keys;
@@ -39,7 +39,7 @@ inline std::vector<orl::RegFileKey> KeysOf(const std::vector<ORL::RegistryEdit>&
     return keys;
 }
 
-/// Null if all holds, else what does not.
+/// Returns null, or a description of the property that failed.
 inline const char* CheckRegFile(const std::string& inBytes)
 {
     std::vector<ORL::RegistryEdit> edits;

@@ -1,4 +1,4 @@
-// What is checked of any bytes that are read as resources. The fuzzers and the plain tests share it.
+// Properties of parsing any bytes as resources. The fuzzers and the plain tests share them.
 #pragma once
 
 #include <Resources/CursorReader.h>
@@ -29,7 +29,7 @@ inline ORL::Resources::NameView ViewOf(const ORL::Resources::ResourceIndex& inIn
     return inName.mIsText ? NameView::OfText(inIndex.Text(inName), inName.mCount) : NameView::OfNumber(inName.mID);
 }
 
-/// Reads the contents of a resource in every way there is.
+/// Parses the contents of a resource with every parser.
 inline void ReadContents(const ORL::Resources::ResourceEntry& inEntry)
 {
     using namespace ORL::Resources;
@@ -47,7 +47,7 @@ inline void ReadContents(const ORL::Resources::ResourceEntry& inEntry)
     block.StepOver(kStringsInBlock);
 }
 
-/// Null if all is well, else what is not.
+/// Returns null, or a description of the property that failed.
 inline const char* CheckResources(ResourceReader inReader, const std::uint8_t* inData, std::size_t inSize)
 {
     using namespace ORL::Resources;

@@ -1,7 +1,7 @@
-// What is checked of any text that is read as timecode. The fuzzer and the plain test that replays its corpus share it.
+// Properties of parsing any text as timecode. The fuzzer and the plain test that replays its corpus share them.
 //
-// Input: byte 0 chooses the format, byte 1 the rate, byte 2 the style, and each further byte is a unit of the text; 0xFF
-// is followed by the two bytes of any other unit.
+// Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a unit of the text; 0xFF
+// introduces the two bytes of any other unit.
 #pragma once
 
 #include <ORLTimecode.h>
@@ -33,7 +33,7 @@ inline bool IsAudio(tvxmediatypes::TimeDisplay inDisplay)
     return inDisplay >= tvxmediatypes::kTimeDisplay_AudioSamplesTimecode;
 }
 
-/// The rate that a format counts at, where it has one of its own.
+/// Returns the fixed rate of a format, if it has one.
 inline tvxmediatypes::FrameRate OwnRate(tvxmediatypes::TimeDisplay inDisplay)
 {
     using namespace tvxmediatypes;
@@ -85,9 +85,9 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
     return input;
 }
 
-/// Whether the rules imply that the text of a time, written with its sign and all its fields, reads as the same time:
-/// whole frames of the format's rate, within a day. The longest padding of samples and a rate that is not the format's
-/// do not matter to labels, but frames that overflow a slower rate would carry.
+/// Returns whether, by the rules, the text of a time with its sign and all fields must parse to the same time: whole
+/// frames of the format's rate, within a day. The longest padding of samples and a rate that differs from the format's
+/// do not affect labels, but frames that overflow a slower rate would carry.
 inline bool ComesBack(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)
 {
     using namespace tvxmediatypes;
@@ -107,7 +107,7 @@ inline bool ComesBack(const TimecodeInput& inInput, const tvxmediatypes::TickTim
     return TickTime(inTime.ToFrame64(rate), rate) == inTime;
 }
 
-/// Null when all holds, else what does not.
+/// Returns null, or a description of the property that failed.
 inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t inSize)
 {
     using namespace tvxmediatypes;
@@ -139,7 +139,7 @@ inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t in
     return nullptr;
 }
 
-/// Assertions are part of the game: they are answered with "never again" instead of a line on standard error.
+/// Assertions are expected: they are answered with "never again" instead of a line on standard error.
 inline void SilenceAssertions()
 {
     tvxcore::debug::Dialogs dialogs;

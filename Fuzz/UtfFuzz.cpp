@@ -1,4 +1,4 @@
-// Conversion and folding of arbitrary bytes, against the standard's own table.
+// Converts and folds arbitrary bytes and compares the results with the standard's own table.
 #include <UtfCheck.h>
 
 #include <cstdint>
