@@ -1,10 +1,10 @@
-// Asks: what do callbacks, busy lists and records cost on top of the ring that does the reading?
+// Question: what do callbacks, busy lists and records cost in addition to the ring that does the reading?
 //
-// Ours, a bare liburing loop and fio read one file of 1 GiB past the cache, in turn. Each round reads 256 MiB. The
-// loops of this program read into the same memory, from the library's pool of large buffers; fio brings its own, in
-// small pages, which costs it speed. The bare loop is as lean as a loop can be that reads into any memory; the one
-// with registered buffers and file names its memory to the kernel beforehand, which a reader of other people's
-// buffers cannot.
+// Ours, a bare liburing loop and fio read the same file of 1 GiB unbuffered, in turn. Each round reads 256 MiB. The
+// loops of this program read into the same memory, from the library's pool of large buffers; fio uses its own memory,
+// in small pages, which makes it slower. The bare loop is minimal for reads into arbitrary memory. The loop with
+// registered buffers and file registers its memory with the kernel beforehand, which a reader into a caller's buffers
+// cannot do.
 #include "Harness.h"
 
 #include <ORLAsyncFileReader.h>
@@ -48,7 +48,7 @@ struct Work
     }
 };
 
-// The same walk for everybody.
+// The same sequence of positions for all rivals.
 class Positions
 {
 public:
@@ -108,8 +108,8 @@ public:
 private:
     void Queue(void* inBuffer)
     {
-        // Reads are queued by this thread first and by the completion thread after that, never by both at once for
-        // the same slot; the counter is shared.
+        // This thread queues reads first, then the completion thread does, but never both at once for the same slot.
+        // The counter is shared.
         if (mQueued.fetch_add(1, std::memory_order_relaxed) < mWork.Reads()) {
             mReader.QueueReadRequest(NextPosition(), mWork.mBlock, inBuffer, &OnRead, this, nullptr, nullptr);
         }
@@ -241,7 +241,7 @@ private:
 
 // --- fio -------------------------------------------------------------------------------------------------------------
 
-// The bytes a second that fio itself measured; 0 when it could not run.
+// Returns the bytes per second that fio measured, or 0 if it could not run.
 double RunFio(const Work& inWork)
 {
     const std::string command = "fio --name=read --readonly --filename='" + inWork.mFile + "' --direct=1 "
@@ -259,7 +259,7 @@ double RunFio(const Work& inWork)
     if (::pclose(pipe) != 0 || !hasLine) {
         return 0;
     }
-    // The terse form: the seventh field is the bandwidth of reads in KiB a second.
+    // In terse output the seventh field is the read bandwidth in KiB per second.
     const char* field = line;
     for (int i = 0; i < 6 && field != nullptr; ++i) {
         field = std::strchr(field, ';');

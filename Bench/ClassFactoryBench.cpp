@@ -1,4 +1,4 @@
-// Asks: what does making an object by identifier cost over making it directly from a map of makers?
+// Question: what does creating an object by identifier cost, compared with a plain map of creation functions?
 #include <Harness.h>
 
 #include <ORLClassFactory.h>
@@ -37,7 +37,7 @@ std::shared_ptr<PlainEffect> MakePlainEffect()
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    std::thread([] {}).join(); // a process that has had threads counts atomically
+    std::thread([] {}).join(); // libstdc++ counts atomically only in processes that have had threads
     std::vector<ORL::Guid> ids;
     std::map<ORL::Guid, std::shared_ptr<PlainEffect> (*)()> makers;
     for (std::size_t i = 0; i < kClasses; ++i) {

@@ -1,8 +1,8 @@
-// Colours beside the same formulas written plainly in double, a million values at a time.
+// Colours compared with the same formulas written plainly in double, a million values at a time.
 //
-// Asks: does a host that converts a palette or a swatch lose anything by calling the library? Ours keeps to the precision
-// that each step of the formulas names, and is a call into a shared library; so the plain formulas are functions that are
-// called, too. No widespread library has these operations on single values.
+// Question: does a host that converts a palette or a swatch lose speed by calling the library? Ours keeps the precision
+// that the formulas define for each step, and is a call into a shared library; therefore the plain formulas are called
+// as functions too. No widespread library has these operations on single values.
 #include "Harness.h"
 
 #include <ORLColor.h>

@@ -1,4 +1,5 @@
-// Asks: does a handle to constant text cost what a counted pointer costs, and do different texts end on their hashes?
+// Question: is a handle to constant text as cheap as a counted pointer, and do hashes decide the comparison of
+// different texts?
 #include <ORLConstString.h>
 #include <ORLString.h>
 
@@ -33,7 +34,7 @@ void intrusive_ptr_release(Counted* inCounted)
     }
 }
 
-// Each takes a copy of its own and looks at it.
+// Copies the handle and uses the copy.
 template <class Handle>
 __attribute__((noinline)) void Take(Handle inHandle)
 {
@@ -67,13 +68,13 @@ void CompareMany(const String& inLeft, const String& inRight, std::uint64_t inCo
     const String* left = &inLeft;
     const String* right = &inRight;
     while (inCount-- != 0) {
-        // Both could be any texts, each time anew.
+        // Hides the pointers from the optimiser in each iteration.
         __asm__ volatile("" : "+r"(left), "+r"(right) : : "memory");
         Bench::DoNotOptimize(*left == *right);
     }
 }
 
-// Names that begin alike, as those of threads and queues do.
+// Names with a common prefix, like those of threads and queues.
 void Equality(const char* inTitle, const std::u16string& inLeft, const std::u16string& inRight)
 {
     const ConstString left(UTF16String(inLeft.begin(), inLeft.end()));

@@ -1,4 +1,4 @@
-// Asks: what does our own recursive lock cost beside the system's, free, taken again, and fought over?
+// Question: what does our own recursive lock cost compared with the system's: uncontended, recursive, and contended?
 #include <Harness.h>
 
 #include <ORLCriticalSection.h>
@@ -73,7 +73,7 @@ void TwoThreads(int inTurnsInside, int inTurnsOutside)
     Rivals rivals;
     Bench::Group group("lock and unlock, 2 threads, " + std::to_string(inTurnsInside) + " turns inside, "
                        + std::to_string(inTurnsOutside) + " outside");
-    // A fixed count: a preempted thread must not make the rounds short.
+    // A fixed count, because a preempted thread must not shorten the rounds.
     group.Threads(2).Repetitions(21).Operations(200000);
     rivals.Add(group, 1.1, inTurnsInside, inTurnsOutside);
     group.Run();
@@ -84,7 +84,7 @@ void TwoThreads(int inTurnsInside, int inTurnsOutside)
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // The system's locks leave out their locked operations until a process has its first thread; hosts have many.
+    // The C library omits locked operations until a process has its first thread; hosts have many.
     std::thread([] {}).join();
     Uncontended();
     TakenAgain();

@@ -1,10 +1,10 @@
-// Asks: what does File cost on top of the system's own calls, and a block cache on top of a copy in memory?
+// Question: what does File cost in addition to the system calls, and a block cache in addition to a copy in memory?
 //
-// The file of 64 MiB is in the system's cache, so that the disk does not hide us. Small reads are 4 KiB, large ones
-// 1 MiB. "pread" reads on one plain descriptor. With a block cache, everything is in the host's cache before the
-// clock starts: a host that keeps all blocks in a row, so that its own cost is next to nothing. The peer copies the same
-// bytes from the same blocks. Copies are of real files on the disk
-// that holds this program; both sides write to fresh names, and what each wrote is deleted outside the clock.
+// The file of 64 MiB is in the system's cache, so that the disk does not hide our cost. Small reads are 4 KiB, large
+// ones 1 MiB. "pread" reads from a plain descriptor. For the block cache, everything is in the host's cache before the
+// clock starts; this host keeps all blocks in an array, so its own cost is almost zero. The peer copies the same bytes
+// from the same blocks. Copies are of real files on the disk of this program; both sides write to new names, and the
+// results are deleted outside the measured time.
 #include "Harness.h"
 
 #include <ORLFoundation.h>
@@ -43,7 +43,7 @@ void Require(bool inHolds, const char* inWhy)
     }
 }
 
-// A folder beside the program, gone at the end.
+// A folder beside the program, deleted at the end.
 class Folder
 {
 public:
@@ -100,7 +100,7 @@ struct Work
     }
 };
 
-// The same walk for everybody.
+// The same sequence of positions for all rivals.
 class Walk
 {
 public:
@@ -121,7 +121,7 @@ private:
     std::uint64_t mState = 0;
 };
 
-// Sequential reads go on by themselves, and seek at the end of the file alone.
+// Sequential reads continue at the current position and seek only at the end of the file.
 void ReadOne(ORL::File& ioFile, const Work& inWork, std::size_t inPosition, char* outBuffer)
 {
     if (inWork.mIsRandom || inPosition == 0) {
@@ -160,7 +160,7 @@ void CompareReads(const Folder& inFolder, const Work& inWork, std::vector<char>&
 
 using Blocks = std::vector<ORL::ObjectPtr<ORL::MemoryBufferWrapper>>;
 
-// The blocks of one file in a row.
+// Keeps the blocks of one file in an array.
 class KeepsAll : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
@@ -191,7 +191,7 @@ private:
     Blocks& mBlocks;
 };
 
-// What a copy from blocks costs at the least.
+// The minimal cost of a copy from blocks.
 void CopyFromBlocks(const std::vector<const char*>& inBlocks, std::size_t inPosition, std::size_t inSize,
                     char* outBuffer)
 {
@@ -215,7 +215,8 @@ double NanosecondsPerRead(std::uint64_t inCount, Read inRead)
     return (Bench::NowInNanoseconds() - start) / static_cast<double>(inCount);
 }
 
-// The goal is 1.3 of the copy and 150 ns. The copy's figure has 150 / 1.3 ns added, so that one ratio judges.
+// The goal is 1.3 times the copy plus 150 ns. The copy's figure includes 150 / 1.3 ns, so that a single ratio checks
+// the goal.
 void CompareCachedReads(ORL::File& ioFile, const Work& inWork, const std::vector<const char*>& inBlocks,
                         std::vector<char>& ioBuffer)
 {

@@ -1,5 +1,6 @@
-// Gates and waitable objects beside what a host would use instead.
-// Asks: is an open gate as cheap as its one atomic step, and is a sleeper woken no later than by a condition variable?
+// Gates and waitable objects compared with what a host would use instead.
+// Question: is an open gate as cheap as its one atomic operation, and does a sleeper wake as fast as from a condition
+// variable?
 #include <ORLEvent.h>
 #include <ORLWaitableGate.h>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-/// A ball that two threads throw to each other. A court has two of its doors.
+/// One direction for each of two threads that signal each other alternately.
 template <class Door>
 struct Court
 {
@@ -60,7 +61,7 @@ struct ConditionDoor
             boost::unique_lock<boost::mutex> lock(mMutex);
             mIsOpen = true;
         }
-        mCondition.notify_all(); // outside the lock, which is the faster way
+        mCondition.notify_all(); // outside the lock, which is faster
     }
     void Await()
     {
@@ -88,7 +89,7 @@ struct SemaphoreDoor
     void Await() { ::sem_wait(&mSemaphore); }
 };
 
-/// What a pooled gate saves.
+/// The gate that a host would build without the pool.
 struct OwnGate
 {
     std::atomic<bool> mIsOpen{false};
@@ -167,8 +168,9 @@ void NobodyWaiting()
         .Run();
 }
 
-// No goal: where memory is at hand at once, a new gate costs less than the pool's lock and checks. What the pool saves is
-// the building of a mutex and a condition where that asks the system, and memory that moves between threads.
+// No goal: if memory is available at once, a new gate costs less than the pool's lock and checks. The pool saves the
+// construction of a mutex and a condition on systems where that needs system calls, and memory that moves between
+// threads.
 void PooledGates()
 {
     Bench::Group("gate pool: take, open and give back a gate")

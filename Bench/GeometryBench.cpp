@@ -1,6 +1,6 @@
-// Natural cubic splines beside those of the GNU Scientific Library, which compute in double.
+// Natural cubic splines compared with those of the GNU Scientific Library, which compute in double.
 //
-// Asks: is a host that draws a curve through 10^4 points better served elsewhere? The places that are evaluated are random.
+// Question: does another library draw a curve through 10^4 points faster? The evaluated positions are random.
 #include "Harness.h"
 
 #include <ORLGeometry.h>

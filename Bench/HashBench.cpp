@@ -1,8 +1,8 @@
-// The hash beside a plain lookup2 loop with 32-bit loads, followed by one more mix step as ours is: without that step the
-// rivals would not do the same work, and for 16 bytes it is a third of all.
+// The hash compared with a plain lookup2 loop with 32-bit loads, followed by one more mix step as in ours. Without that
+// step the peer would do less work: for 16 bytes it is a third of the total.
 //
-// Asks: do the check, the record of three words and the call cost anything? Hashing is bound by the chain of the mix step, so
-// nothing should be left of them.
+// Question: do the check, the record of three words and the call cost anything? The dependency chain of the mix step
+// limits hashing, so their cost should be hidden.
 #include "Harness.h"
 
 #include <ORLHashValue.h>

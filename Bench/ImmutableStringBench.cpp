@@ -1,7 +1,7 @@
-// Asks: what does a name cost that is already interned? It serves the choice to intern names in hot code at all.
+// Question: what does a lookup of an interned name cost? The answer decides whether hot code may intern names.
 //
-// Texts of 8 to 64 bytes, asked for in one random order that all rivals share. The peers intern too: an ordered set under a
-// mutex with a search that copies nothing, and boost::flyweight with its default counting and locking.
+// Texts of 8 to 64 bytes, looked up in one random order shared by all rivals. The peers intern too: an ordered set
+// under a mutex with a search that copies nothing, and boost::flyweight with its default counting and locking.
 #include <Harness.h>
 
 #include <ORLImmutableString.h>
@@ -58,7 +58,7 @@ void Compare(std::size_t inCount, unsigned inThreads)
 {
     using Flyweight = boost::flyweight<std::string>;
     const std::vector<std::string> texts = MakeTexts(inCount);
-    std::thread([] {}).join(); // a process that has had threads counts atomically
+    std::thread([] {}).join(); // libstdc++ counts atomically only in processes that have had threads
     const std::vector<unsigned> order = MakeOrder(inCount);
     std::vector<ORL::ImmutableString> ours;
     std::vector<Flyweight> flyweights;

@@ -1,2 +1,2 @@
-# The program beside this one does the work.
+# The orl program, which is built beside this one, does the work.
 add_dependencies(${bench_target} orl)

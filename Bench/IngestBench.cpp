@@ -1,9 +1,9 @@
-// Asks: what does it cost to be sure? An ingest (copy, read back past the cache, SHA-256 of both, flush of the volume,
-// manifest) beside "cp" and a read that compares the copy, past the cache, with the source, byte by byte. The peer does
-// not flush and keeps no checksums.
+// Question: what does verification cost? Compares an ingest (copy, unbuffered read-back, SHA-256 of both sides, flush
+// of the volume, manifest) with "cp" followed by an unbuffered read that compares the copy with the source byte by
+// byte. The peer does not flush and keeps no checksums.
 //
-// 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is in the cache for both; the destination is
-// emptied before each round, outside of the clock.
+// 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is cached for both; the destination is
+// emptied before each round, outside the measured time.
 #include "Harness.h"
 
 #include <cstdint>
@@ -74,7 +74,7 @@ void RunCommand(const std::string& inCommand)
     }
 }
 
-// Reads a file whole, past the cache where inFlags says so.
+// Reads a whole file, unbuffered if inFlags requests it.
 std::size_t ReadWhole(const fs::path& inFile, int inFlags, unsigned char* outBytes, std::size_t inRoom)
 {
     const int file = ::open(inFile.c_str(), O_RDONLY | O_CLOEXEC | inFlags);

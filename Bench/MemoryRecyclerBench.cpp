@@ -1,8 +1,8 @@
-// Asks: what does a large buffer cost that somebody has given back before? It serves the choice to take one for each frame.
+// Question: what does a reused large buffer cost? The answer decides whether a host may request one per frame.
 //
-// The pool holds what is asked for: one buffer of the size for each thread. "Written" touches each page once, as whoever
-// fills a buffer does. The peers: libavutil's pool of buffers, and a mapping from the system each time. The same writes into a
-// buffer that is kept tell how much of a written row is no pool's to save.
+// The pool contains what is requested: one buffer of the size per thread. "Written" rows touch each page once, as any
+// code that fills a buffer does. The peers are libavutil's buffer pool and a new mapping each time. The row of writes
+// into a kept buffer shows the part of a written row that no pool can save.
 #include <Harness.h>
 
 #include <ORLMemoryRecycler.h>

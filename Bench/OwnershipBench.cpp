@@ -1,4 +1,4 @@
-// Asks: what do the counted pointers cost, checks included, beside those that check nothing?
+// Question: what do the counted pointers, including their checks, cost compared with unchecked ones?
 #include <Harness.h>
 
 #include <ORLInterface.h>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// A fixed count: on a busy machine a preempted thread must not make the rounds short.
+// A fixed count, because on a busy machine a preempted thread must not shorten the rounds.
 constexpr std::uint64_t kOperations = 500000;
 
 struct Object
@@ -25,7 +25,7 @@ class Ours : public ORL::UnknownImpl<ORL::ORLUnknown>
 {
 };
 
-/// The peer's object: a count of its own, changed through virtual functions.
+/// The peer's object: it contains a count, changed through virtual functions.
 class Counted
 {
 public:
@@ -52,7 +52,7 @@ void intrusive_ptr_release(Counted* inObject)
     inObject->Release();
 }
 
-// A call by value that the compiler cannot see through: one copy, one destruction.
+// A call by value that is not inlined: one copy, one destruction.
 template <class Pointer>
 __attribute__((noinline)) void Take(Pointer inPointer)
 {
@@ -144,7 +144,7 @@ void Reading()
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // Pointers that count without locked operations until a process has its first thread are not what hosts see.
+    // Some pointers count without locked operations until a process has its first thread; hosts have threads.
     std::thread([] {}).join();
     ObjectPointers(1);
     References(1);

@@ -1,4 +1,4 @@
-// Asks: may a log line be built from a localised template in hot code?
+// Question: is it fast enough to build a log line from a localised template in hot code?
 #include <Harness.h>
 
 #include <ORLParamString.h>

@@ -1,4 +1,4 @@
-// Path text beside std::filesystem::path, which is built from the text and asked the same.
+// Path text compared with std::filesystem::path, which is constructed from the text and queried for the same parts.
 #include <Harness.h>
 #include <ORLPathUtils.h>
 
@@ -25,7 +25,7 @@ UTF16String LibraryPath()
 
 } // namespace
 
-// Asks: does every part of a path, as new strings, cost less than parsing the path once?
+// Question: do all parts of a path, as new strings, cost less than parsing the path once?
 void SplitAPath()
 {
     const UTF16String path = LibraryPath();
@@ -52,7 +52,7 @@ void SplitAPath()
         .Run();
 }
 
-// Asks: is the extension, the question asked most, free of the rest of the path?
+// Question: is the cost of the extension, the most frequent query, independent of the rest of the path?
 void AskTheExtension()
 {
     const UTF16String path = LibraryPath();
@@ -74,7 +74,7 @@ void AskTheExtension()
         .Run();
 }
 
-// Asks: what does a neighbour of a file cost?
+// Question: what does the path of a neighbouring file cost?
 void NameANeighbour()
 {
     const UTF16String path = LibraryPath();
@@ -98,7 +98,7 @@ void NameANeighbour()
         .Run();
 }
 
-// Asks: does resolving dots pay for its own pass? No goal is promised for it.
+// Question: what does the separate pass that resolves dots cost? There is no goal for it.
 void CombineWithDots()
 {
     const UTF16String path = LibraryPath();

@@ -1,7 +1,7 @@
-// The search for a process beside one pass over /proc that reads each comm, as pgrep -x does.
+// The search for a process compared with one pass over /proc that reads each comm, like pgrep -x.
 //
-// Asks: what does the whole name cost? comm is cut at 15 bytes, so the library follows the exe link instead. Both look
-// for a name that is not there, so both see every process of the machine.
+// Question: what does matching the whole name cost? comm is cut to 15 bytes, so the library reads the exe link instead.
+// Both search for a name that does not exist, so both visit every process of the machine.
 #include "Harness.h"
 
 #include <ORLProcess.h>
@@ -25,7 +25,7 @@ bool CommOf(const char* inIdentifier, char (&outName)[64])
     if (size <= 0) {
         return false;
     }
-    outName[size - 1] = '\0'; // the line's end
+    outName[size - 1] = '\0'; // the line feed
     return true;
 }
 

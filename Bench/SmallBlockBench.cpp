@@ -1,10 +1,10 @@
-// The small block allocator, its counters on, beside the fastest allocators that a host could use instead.
+// The small block allocator, with its counters, compared with the fastest allocators that a host could use instead.
 //
-// Asks: may every string, record and counter of the libraries come from our allocator without thinking about cost?
+// Question: is our allocator fast enough for every string, record and counter of the libraries?
 //
-// "ours" is what a host gets: the header compiles the fast way into its callers. Two more rows are no rivals: the same
-// allocator called through a pointer, as a peer is, and two calls through pointers that do nothing, which is the part
-// of a peer's time that no allocator behind a call can save.
+// "ours" is what a host gets: the header inlines the fast path into its callers. Two more rows are for reference: the
+// same allocator called through a pointer, like a peer, and two calls through pointers that do nothing, which is the
+// part of a peer's time that no allocator behind a call can save.
 #include <AllocatorPeers.h>
 #include <Harness.h>
 
@@ -31,7 +31,7 @@ struct Ours
     static constexpr const char* kName = "ours";
 };
 
-// Both are read through a volatile once, so that the compiler does not know what is called.
+// Both are read from a volatile once, so that the compiler does not know the called functions.
 void* (*volatile sFindAllocate)(std::size_t) = &SmallBlockAllocator::Allocate;
 void (*volatile sFindDispose)(void*, std::size_t) = &SmallBlockAllocator::Dispose;
 void* (*sAllocate)(std::size_t) = sFindAllocate;
@@ -74,7 +74,7 @@ void AddPeer(Bench::Group& ioGroup, std::size_t inSize)
     }
 }
 
-// One group: the same work for ours and for every peer.
+// Runs the same work for ours and for every peer.
 template <template <class> class Work>
 void Run(Bench::Group inGroup, double inGoal, std::size_t inSize)
 {
@@ -122,7 +122,7 @@ std::array<std::uint16_t, kBatch> RandomOrder()
 
 const std::array<std::uint16_t, kBatch> kOrder = RandomOrder();
 
-// Each block is written to once, as any block that is of use to somebody.
+// Each block is written once, like any block in real use.
 template <class Peer>
 struct Batches
 {
@@ -143,8 +143,8 @@ struct Batches
     }
 };
 
-// A ring of one producer and one consumer. Each end keeps its own view of the other's place and reads the shared one
-// only when that view is used up, so that the ring costs little beside the allocator.
+// A ring of one producer and one consumer. Each end caches the other's position and reads the shared one only when the
+// cached value is exhausted, so that the ring costs little compared with the allocator.
 template <class Peer>
 struct Ring
 {

@@ -1,4 +1,4 @@
-// Asks: does converting text by value cost less than ICU's conversion into a ready buffer, and folding case less than
+// Question: is converting text by value faster than ICU's conversion into a ready buffer, and folding case faster than
 // ICU's?
 #include <tvxcore/Text.h>
 
@@ -16,7 +16,7 @@ using tvxcore::utility::FoldCase;
 using tvxcore::utility::UTF16to8;
 using tvxcore::utility::UTF8to16;
 
-// Repeats the sample until the text has that many bytes, and cuts it at a character.
+// Repeats the sample until the text has inBytes bytes, and cuts it at a character boundary.
 UTF8String TextOf(const std::string& inSample, std::size_t inBytes)
 {
     UTF8String text;
@@ -34,7 +34,7 @@ struct Kind
 {
     const char* mName;
     const char* mSample;
-    double mGoals[3]; // for 16, 256 and 65536 bytes; 0 where there is none
+    double mGoals[3]; // for 16, 256 and 65536 bytes; 0 for no goal
 };
 
 const Kind kKinds[] = {

@@ -1,7 +1,7 @@
-// Timecode beside libavutil's timecode functions, and beside snprintf and sscanf where libavutil has no such format.
+// Timecode compared with libavutil's timecode functions, and with snprintf and sscanf for formats that libavutil lacks.
 //
-// Asks: can a host that shows and reads labels all day do better by calling anything else? Labels and times are random
-// over a day, so that nothing is predicted; ours gives its texts by value, as 16-bit strings.
+// Question: would a host that displays and parses many labels be faster with another library? Labels and times are
+// random over a day, so that branches cannot be predicted; ours returns its texts by value, as 16-bit strings.
 #include "Harness.h"
 
 #include <ORLTimecode.h>
@@ -22,11 +22,11 @@ using ORL::Timecode;
 
 namespace {
 
-unsigned long long sHeapBlocks = 0; // this program runs on one thread
+unsigned long long sHeapBlocks = 0; // this program has one thread
 
 } // namespace
 
-// Stands before the system's own for the libraries as well.
+// Replaces the C library's malloc, for the libraries as well.
 extern "C" void* __libc_malloc(std::size_t inSize);
 extern "C" void* malloc(std::size_t inSize)
 {
@@ -64,7 +64,7 @@ UTF16String Wide(const char* inText)
     return UTF16String(inText, inText + std::strlen(inText));
 }
 
-// Random frames of a day, and what both sides make of them.
+// Random frames of a day, converted for both sides.
 struct Material
 {
     explicit Material(const BenchFormat& inFormat)
@@ -92,7 +92,7 @@ struct Material
     std::vector<std::string> mNarrow;
 };
 
-// The fields of a label as libavutil computes them, taken out of its packed form.
+// The fields of a label as libavutil computes them, unpacked.
 struct PeerFields
 {
     int mHours;
@@ -169,7 +169,7 @@ void WriteGroupAgainstPrint(const Material& inMaterial, const char* inPattern, s
 void ReadGroup(const Material& inMaterial)
 {
     const BenchFormat& format = inMaterial.mFormat;
-    // libavutil takes drop-frame from the last separator and no ";" before it.
+    // libavutil detects drop-frame by the last separator and accepts no ";" before it.
     std::vector<std::string> peerTexts;
     for (const int frame : inMaterial.mFrames) {
         char text[AV_TIMECODE_STR_SIZE];
@@ -303,7 +303,7 @@ void FieldGroups(const Material& inMaterial)
         .Run();
 }
 
-// A row for each label, written one after the other.
+// One row for writing every label of a day in order.
 void DayGroup()
 {
     constexpr int kLabels = 2589408;
@@ -340,8 +340,8 @@ void DayGroup()
         .Run();
 }
 
-// Blocks of the small block allocator where it counts, and those of the system's heap beneath it. The allocator may be
-// a front over the heap, without counters.
+// Returns the blocks of the small block allocator, if it counts them, plus those of the system's heap beneath it. The
+// allocator may be a front end of the heap without counters.
 unsigned long long BlocksSoFar()
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot snapshot{};
@@ -360,7 +360,7 @@ void PrintAllocations(const char* inName, Function inFunction)
     std::printf("  %-34s %9.4g\n", inName, static_cast<double>(BlocksSoFar() - before) / kOperations);
 }
 
-// A label has 11 units, which the string holds on the heap: one block. A Timecode owns one record.
+// A label has 11 units, which the string stores in one heap block. A Timecode owns one record.
 void PrintAllAllocations()
 {
     std::printf("\nallocations (blocks an operation)\n");

@@ -1,4 +1,4 @@
-// Does handing small work to threads cost us less than it costs the usual pools?
+// Question: is handing small work to threads cheaper with ours than with the usual pools?
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueue.h>
@@ -22,7 +22,7 @@ using ORL::IThreadedQueueRequest;
 using ORL::ThreadedWorkQueue;
 using ORL::UnknownImpl;
 
-// What has run; the caller spins on it. The same for ours and the peers.
+// Counts the finished work; the caller spins on it. The same for ours and the peers.
 class alignas(64) Counter
 {
 public:
@@ -39,7 +39,7 @@ private:
     std::atomic<std::uint64_t> mCount{0};
 };
 
-// Work of the peers: empty, virtual and counted, as a request is.
+// A work item for the peers: empty, virtual and counted, like a request.
 class Task
 {
 public:
@@ -119,7 +119,7 @@ private:
     boost::asio::thread_pool mPool;
 };
 
-// The caller has no place in the arena, so workers do everything.
+// The caller has no slot in the arena, so workers do everything.
 class TbbPool
 {
 public:
@@ -138,7 +138,7 @@ private:
     tbb::task_arena mArena;
 };
 
-// Occupies the one thread of a pool, asleep, while it lives.
+// While it lives, keeps the single thread of a pool asleep.
 template <class Pool>
 class Hold
 {
@@ -172,12 +172,12 @@ private:
     bool mIsReleased = false;
 };
 
-// A pool and the number of what it has been given.
+// A pool and the number of items that it got.
 template <class Pool>
 class Rival
 {
 public:
-    // A single thread works on the processor beside the caller's; two share both.
+    // A single thread runs on the processor beside the caller's; two share both.
     explicit Rival(int inThreads) : mPool(inThreads)
     {
         if (inThreads == 1) {
@@ -224,7 +224,7 @@ private:
     std::uint64_t mSubmitted = 0;
 };
 
-// The three rivals with so many threads each, made before the harness binds the caller to a processor.
+// The three rivals with inThreads threads each, constructed before the harness pins the caller to a processor.
 struct Field
 {
     explicit Field(int inThreads) : mOurs(inThreads), mAsio(inThreads), mTbb(inThreads) {}
@@ -250,7 +250,7 @@ constexpr std::uint64_t kBurst = 1'000'000;
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // Two workers beside the caller, though there may be two processors only.
+    // Two workers beside the caller, although there may be only two processors.
     const tbb::global_control parallelism(tbb::global_control::max_allowed_parallelism, 3);
     Field one(1);
     Field two(2);

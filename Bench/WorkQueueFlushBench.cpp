@@ -1,7 +1,7 @@
-// Asks: what does it cost to wait until a queue has drained? It serves the choice to flush once for each frame.
+// Question: what does waiting for a queue to drain cost? The answer decides whether a host may flush once per frame.
 //
-// The peers wait for less: the pool's tasks are counted, one for each thread, and nothing makes sure that each thread takes
-// one; the barrier's threads do nothing else than to meet.
+// The peers wait for less. The pool's tasks are counted, one per thread, but nothing ensures that each thread takes
+// one; the barrier's threads do nothing but meet.
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueueFlush.h>
@@ -101,11 +101,11 @@ private:
     const int mThreads;
     std::mutex mMutex;
     std::condition_variable mDone;
-    int mLeft = 0; // written without the lock only while no task is there
+    int mLeft = 0; // written without the lock only while there are no tasks
     boost::asio::thread_pool mPool;
 };
 
-// Threads that meet the caller again and again.
+// Threads that repeatedly meet the caller.
 class Meeting
 {
 public:
@@ -146,8 +146,8 @@ std::string Threads(int inThreads)
     return std::to_string(inThreads) + (inThreads == 1 ? " thread" : " threads");
 }
 
-// The rivals with so many threads each, made before the harness binds the caller to a processor. A single thread works on the
-// processor beside the caller's; two share both.
+// The rivals with inThreads threads each, constructed before the harness pins the caller to a processor. A single
+// thread runs on the processor beside the caller's; two share both.
 struct Field
 {
     explicit Field(int inThreads) : mThreads(inThreads), mOurs(inThreads), mAsio(inThreads), mMeeting(inThreads) {}
@@ -212,7 +212,7 @@ void CompareBusy(Field& ioField)
         .Run();
 }
 
-// Several callers of one object are served one after the other, and must not keep the queue's threads from their work.
+// Several callers of one object are served one after the other, and must not delay the queue's threads.
 void FlushByMany(OurQueue& ioQueue, unsigned inFlushers, std::uint64_t inFlushes)
 {
     std::vector<std::thread> flushers;

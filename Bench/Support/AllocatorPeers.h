@@ -1,8 +1,8 @@
-// The allocators that the small block allocator is measured against.
+// The allocators that the small block allocator is compared with.
 //
-// Each is loaded so that it serves only those who ask for it by address: malloc stays the C library's for everybody.
-// A peer is a type with Allocate and Dispose, so that a benchmark's loop is compiled for each of them alike, and each
-// call of a peer is one call through a pointer, as a program's call of a shared library is.
+// Each is loaded so that only calls by address reach it: malloc remains the C library's everywhere else. A peer is a
+// type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call of a peer is
+// one call through a pointer, like a program's call into a shared library.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct Glibc
 
     static bool Load()
     {
-        // Through a volatile, or the compiler would know what it calls.
+        // Through a volatile, so that the compiler does not know the called functions.
         sAllocate = sFindAllocate;
         sFree = sFindFree;
         return true;
@@ -101,8 +101,8 @@ struct Mimalloc
     static constexpr const char* kName = "mimalloc";
 };
 
-/// jemalloc keeps 2.6 KiB of static thread-local storage, more than a program offers to libraries that it loads
-/// late. The room can only be asked for before the program starts, so the program starts itself anew with it.
+/// jemalloc needs 2.6 KiB of static thread-local storage, more than a program reserves for libraries that are loaded
+/// later. The reserve can only be changed before the program starts, so the program restarts itself with a larger one.
 inline void MakeRoomForPeers(char** inArguments)
 {
     if (std::getenv("GLIBC_TUNABLES") == nullptr) {

@@ -1,19 +1,19 @@
-// A small benchmark harness: groups of rivals that do the same work, ours beside its peers.
+// A small benchmark harness: groups of rivals that do the same work, ours and its peers.
 //
 // Method
-//   - Inside a group every rival runs once in each repetition, in turn, so noise of the machine hits all alike. The
-//     first one moves on by one place from repetition to repetition.
-//   - Before the first repetition each rival warms up and its operation count is chosen so that one round takes about
+//   - In each repetition of a group every rival runs once, in turn, so machine noise affects all alike. Each
+//     repetition starts with the next rival.
+//   - Before the first repetition each rival warms up, and its operation count is chosen so that one round takes about
 //     20 ms. A round's figure is its wall time divided by its operations (with several threads: by the operations of
 //     one thread, from the common start to the end of the last thread).
 //   - 11 repetitions by default, never fewer than 9. A row shows the median, the fastest and the 90th percentile.
-//   - The ratio of ours to a peer is taken inside each repetition; what is printed and judged is the median of these
-//     ratios. The peer is the one named by the goal, else the one with the best median.
-//   - Threads stay alive for the whole group and are pinned, thread 0 (the caller) to processor 0, thread 1 to 1.
-//   - ORL_BENCH_QUICK=1 makes rounds of 1 ms and 3 repetitions: it shows that a benchmark runs, not how fast we are.
-//   - ORL_BENCH_STRICT=1 makes Finish() return 1 when a goal was missed.
-//   - The first argument of a program, if there is one, selects the groups whose title contains it.
-//
+//   - The ratio of ours to a peer is computed in each repetition; the median of these ratios is printed and compared
+//     with the goal. The peer is the one named by the goal, else the one with the best median.
+//   - Threads stay alive for the whole group and are pinned: thread 0 (the caller) to processor 0, thread 1 to 1.
+//   - ORL_BENCH_QUICK=1 makes rounds of 1 ms and 3 repetitions: it shows that a benchmark runs, not how fast it is.
+//   - ORL_BENCH_STRICT=1 makes Finish() return 1 if a goal was missed.
+//   - The first argument of a program, if any, selects the groups whose title contains it.
+// 
 // Example
 //   int main(int argc, char** argv)
 //   {
@@ -29,8 +29,8 @@
 //       return Bench::Finish();
 //   }
 //
-// A body gets the number of operations to do and, if it takes a second argument, its thread's number. A body that
-// returns a double gives the round's figure itself (its own clock, MB/s, processor time); Unit() names it then.
+// A body receives the number of operations and, if it takes a second argument, its thread's number. If a body returns a
+// double, that is the round's figure (its own clock, MB/s, processor time); Unit() names it then.
 #pragma once
 
 #include <algorithm>
@@ -52,20 +52,20 @@
 
 namespace Bench {
 
-/// Keeps the compiler from dropping the computation of a value.
+/// Prevents the compiler from removing the computation of a value.
 template <class T>
 inline void DoNotOptimize(T const& inValue)
 {
     __asm__ volatile("" : : "r,m"(inValue) : "memory");
 }
 
-/// Keeps the compiler from keeping memory in registers across this point.
+/// Prevents the compiler from keeping memory in registers across this point.
 inline void ClobberMemory()
 {
     __asm__ volatile("" : : : "memory");
 }
 
-/// Binds the calling thread to one processor, counted modulo those there are. Best effort.
+/// Pins the calling thread to one processor, modulo the number of processors. Best effort.
 inline void PinThread(unsigned inProcessor)
 {
     cpu_set_t set;
@@ -74,7 +74,7 @@ inline void PinThread(unsigned inProcessor)
     ::pthread_setaffinity_np(::pthread_self(), sizeof(set), &set);
 }
 
-/// Lets the calling thread, and those it starts, run on every processor again: for work that is done by several threads or
+/// Lets the calling thread and the threads it starts run on every processor again. For work done by several threads or
 /// by another process.
 inline void UseAllProcessors()
 {
@@ -98,7 +98,7 @@ inline double NowInNanoseconds()
     return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
-/// What ours has to reach: a ratio to a peer. An empty name means the best peer.
+/// The goal of ours: a ratio to a peer. An empty name means the best peer.
 struct Goal
 {
     double mRatio;
@@ -131,7 +131,7 @@ inline State& TheState()
     return state;
 }
 
-// One round's share of one thread. The result counts only for bodies that give their own figure.
+// One thread's part of a round. The result is used only for bodies that return a figure.
 using Body = std::function<double(std::uint64_t inOperations, unsigned inThread)>;
 
 template <class Function, class... Arguments>
@@ -168,7 +168,7 @@ Body MakeBody(Function inFunction)
     };
 }
 
-// Helper threads that spin between rounds, so that starting a round costs no wake.
+// Helper threads that spin between rounds, so that starting a round needs no wake-up.
 class Crew
 {
 public:
@@ -189,7 +189,7 @@ public:
         }
     }
 
-    /// Runs the body once on every thread and gives the wall time, or the figure of thread 0's body.
+    /// Runs the body once on every thread and returns the wall time, or the figure of thread 0's body.
     double Run(const Body& inBody, std::uint64_t inOperations, bool inGivesFigure)
     {
         mBody = &inBody;
@@ -220,7 +220,7 @@ private:
         }
     }
 
-    // On a machine with fewer processors than threads a spin would starve the one it waits for.
+    // With fewer processors than threads, spinning would starve the thread that is waited for.
     static void Relax()
     {
         if (std::thread::hardware_concurrency() < 2) {
@@ -254,7 +254,7 @@ inline void Start(int inCount, char** inArguments)
     }
 }
 
-/// Prints how many goals were met, and gives main's result.
+/// Prints how many goals were met. Returns the exit code for main.
 inline int Finish()
 {
     const Detail::State& state = Detail::TheState();
@@ -268,19 +268,19 @@ class Group
 public:
     explicit Group(std::string inTitle) : mTitle(std::move(inTitle)) {}
 
-    /// How many threads run each body at once; 1 by default.
+    /// The number of threads that run each body concurrently; 1 by default.
     Group& Threads(unsigned inCount) { mThreads = inCount; return *this; }
 
-    /// Operation counts are multiples of this (a batch size, for instance).
+    /// Operation counts are multiples of inStep, for instance a batch size.
     Group& Step(std::uint64_t inStep) { mStep = inStep; return *this; }
 
-    /// A fixed number of operations for each round instead of one fitted to the clock.
+    /// Sets a fixed number of operations per round instead of a calibrated one.
     Group& Operations(std::uint64_t inOperations) { mFixedOperations = inOperations; return *this; }
 
-    /// Repetitions; fewer than 9 are raised to 9.
+    /// The number of repetitions, at least 9.
     Group& Repetitions(unsigned inCount) { mRepetitions = std::max(9u, inCount); return *this; }
 
-    /// The name of the figure, and whether more of it is better. "ns" and less by default.
+    /// The unit of the figure, and whether more is better. The default is "ns", less is better.
     Group& Unit(std::string inUnit, bool inMoreIsBetter = false)
     {
         mUnit = std::move(inUnit);
@@ -294,7 +294,7 @@ public:
         return Add(std::move(inName), std::move(inBody), false, Goal{});
     }
 
-    /// A row of ours. One group may hold several (with different goals, or none when the ratio is 0).
+    /// Adds a row of ours. One group may have several (with different goals, or none if the ratio is 0).
     template <class Function>
     Group& Ours(std::string inName, Goal inGoal, Function inBody)
     {
@@ -341,7 +341,7 @@ private:
         return *this;
     }
 
-    // Doubles the count until a round is long enough to judge, which warms up too.
+    // Doubles the count until a round is long enough to measure. This also warms up.
     void Calibrate(Detail::Crew& inCrew, Rival& ioRival)
     {
         const double wanted = IsQuick() ? 1e6 : 20e6;
@@ -353,7 +353,7 @@ private:
         };
         double spent = timeOnce();
         while (mFixedOperations == 0) {
-            // A thread that starts late, or loses its processor, makes a short round look long: believe the fastest of five.
+            // A thread that starts late or is preempted makes a short round look long, so use the fastest of five.
             for (int again = 0; again < 4 && spent >= wanted / 8; ++again) {
                 spent = std::min(spent, timeOnce());
             }
