@@ -7,10 +7,10 @@ namespace threads {
 
 namespace {
 
-// What the lock guards takes a few instructions, so its holder is done before a sleep would have begun.
+// Critical sections are a few instructions, so the owner usually unlocks before a waiter could fall asleep.
 constexpr int kSpinTurns = 100;
 
-// With one processor the holder cannot go on while another thread spins.
+// With one processor the owner cannot run while another thread spins.
 bool MaySpin() noexcept
 {
     static std::atomic<unsigned int> sProcessors{0};
@@ -34,10 +34,10 @@ void CoreMutex::LockSlowly() noexcept
             }
         }
     }
-    // Whoever has slept takes the lock as "wanted", since others may still sleep behind it: at worst one wake too many.
+    // A thread that has slept locks as kHeldAndWanted, since others may still sleep: at worst one wake too many.
     while (mState.exchange(kHeldAndWanted, std::memory_order_acquire) != kFree) {
         if (Platform::ProcessIsEnding_Impl()) {
-            return; // its holder is no more, and there is nobody left to shut out
+            return; // the owner has been stopped, and no other thread is left
         }
         Platform::WaitOnWord_Impl(mState, kHeldAndWanted, Platform::kEndless);
     }

@@ -25,7 +25,7 @@ bool ReportContractOnStandardError(const char* inExpression, const char* inFile,
 }
 
 constexpr long kDebug = 0;
-constexpr long kIgnoreOnce = 1; // neither "debug" nor "never again"
+constexpr long kIgnoreOnce = 1; // neither "debug" nor "ignore for good"
 
 long DisplayOnStandardError(const char* inTitle, const char* inText)
 {
@@ -37,7 +37,7 @@ std::atomic<decltype(Dialogs::mAssert)> sAssert{&ReportAssertOnStandardError};
 std::atomic<decltype(Dialogs::mContract)> sContract{&ReportContractOnStandardError};
 std::atomic<decltype(Dialogs::mDisplay)> sDisplay{&DisplayOnStandardError};
 
-// Swaps one answer; null stands for the default in both directions.
+// Exchanges one handler. Null means the default, as argument and as result.
 template <class Function>
 Function Install(std::atomic<Function>& ioSlot, Function inNew, Function inDefault)
 {

@@ -16,7 +16,7 @@ namespace {
 
 using utility::SmallBlockAllocator;
 
-// A queued function. It is copied once, outside of every lock, and runs where it lies.
+// A queued function. It is copied once, outside every lock, and runs in place.
 class FunctionNode : public WorkNode
 {
 public:
@@ -41,7 +41,7 @@ private:
 
 thread_local const ExecutorCore* tCurrent = nullptr;
 
-// About as long as it takes to wake a thread on another processor.
+// Spins about as long as it takes to wake a thread on another processor.
 unsigned int SpinTurns()
 {
     return Platform::UsableProcessorCount_Impl() > 1 ? 600 : 0;
@@ -83,8 +83,8 @@ void ExecutorCore::RunThread() noexcept
     tCurrent = nullptr;
 }
 
-// At the end of the process no thread of an executor is left to wait for, so the answer matters to nobody. It is not
-// looked up: a thread's first look at its own variables may take locks that a stopped thread holds for good.
+// During process exit no thread of an executor is left, so the result does not matter. The thread-local is not read
+// then: a thread's first access to its thread-locals may take locks that a stopped thread holds forever.
 bool ExecutorCore::OwnsCurrentThread() const noexcept
 {
     return !Platform::ProcessIsEnding_Impl() && tCurrent == this;
@@ -103,8 +103,8 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
     }
 }
 
-// A warning is read and done with by the time the call returns, so its text may be composed here. Whatever the
-// report itself throws ends here too: the thread goes on.
+// The error manager is done with the text when the call returns, so it may be composed here. Exceptions of the report
+// itself are caught too: the thread continues.
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {
     try {

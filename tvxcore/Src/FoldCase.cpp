@@ -13,28 +13,28 @@ namespace utility {
 
 namespace {
 
-// One table for both platforms, so that they never disagree on what is the same text: the home platform has no full
-// case folding, and a system library's would change with its version.
+// Both platforms use one table, so that they agree on which texts are equal: the home platform has no full case
+// folding, and that of a system library would change with its version.
 struct FoldingRun
 {
     std::uint32_t mFirst;
     std::uint32_t mLast;
     std::int32_t mDelta;
-    std::uint32_t mStride; // each, or every second, code point of the run
+    std::uint32_t mStride; // 1 if each code point of the run folds, 2 if every second one does
 };
 
 struct FoldingExpansion
 {
     std::uint32_t mCodePoint;
-    unsigned short mUnits[3]; // ends at the first zero
+    unsigned short mUnits[3]; // terminated by the first zero, if shorter than 3
 };
 
 #include "CaseFoldingTable.inc"
 
-// Below this stand the scripts that have most of the cased letters: Latin, Greek, Cyrillic, Armenian.
+// The scripts with most of the cased letters are below this: Latin, Greek, Cyrillic, Armenian.
 constexpr std::uint32_t kDirectEnd = 0x0600;
 
-// Folds of those at once; 0 stands for an expansion.
+// Direct table of their foldings; 0 marks an expansion.
 constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
 {
     std::array<unsigned short, kDirectEnd> table{};
@@ -56,7 +56,7 @@ constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
 
 constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirect();
 
-// Null for a code point that becomes one code point.
+// Returns null for a code point that folds to one code point.
 const FoldingExpansion* FindExpansion(std::uint32_t inPoint)
 {
     const FoldingExpansion* const found = std::lower_bound(
@@ -85,7 +85,7 @@ unsigned short* FoldByTables(std::uint32_t inPoint, unsigned short* outText)
     return utf::WriteUTF16(FoldSimple(inPoint), outText);
 }
 
-// Folds one character. An unpaired surrogate stays as it is.
+// Folds one character. Keeps an unpaired surrogate.
 unsigned short* FoldStep(const unsigned short*& ioText, const unsigned short* inEnd, unsigned short* outText)
 {
     std::uint32_t point = *ioText++;
@@ -99,7 +99,7 @@ unsigned short* FoldStep(const unsigned short*& ioText, const unsigned short* in
     return FoldByTables(point, outText);
 }
 
-// Folds eight units if they are ASCII.
+// Folds eight units if all are ASCII. Returns whether they are.
 bool FoldAsciiStep(const unsigned short* inText, unsigned short* outText)
 {
     const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inText));
@@ -114,7 +114,7 @@ bool FoldAsciiStep(const unsigned short* inText, unsigned short* outText)
     return true;
 }
 
-// A unit becomes three at most.
+// A unit becomes at most three.
 constexpr std::size_t kGrowth = 3;
 
 std::size_t FoldPiece(const unsigned short* inText, std::size_t inLength, unsigned short* outText)

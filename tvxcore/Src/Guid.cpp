@@ -27,7 +27,7 @@ Guid Guid::CreateUnique()
         throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
                                 "Guid::CreateUnique: the system gives no random bytes");
     }
-    // Version 4 stands in the top digit of the third number, the variant in the top two bits of the ninth byte.
+    // The version, 4, is the top digit of the third number; the variant is the top two bits of the ninth byte.
     constexpr std::uint64_t kVersionMask = 0xF000000000000000u;
     constexpr std::uint64_t kVersion4 = 0x4000000000000000u;
     constexpr std::uint64_t kVariantMask = 0xC0;

@@ -16,16 +16,16 @@ namespace {
 
 constexpr std::size_t kMostFractionDigits = 9;
 
-// The digits are made here, not by the system, so that a number is rounded alike on every platform; and not by printf,
-// which writes the point of whatever locale the host has set.
+// The digits are computed here, not by the system, so that numbers are rounded identically on every platform. printf is
+// not used, since it writes the decimal point of the host's current locale.
 std::string Print(std::chars_format inFormat, std::size_t inDigits, double inNumber)
 {
-    // The largest double has 309 digits before the point.
+    // The largest double has 309 digits before the decimal point.
     char text[400];
     return std::string(text, std::to_chars(text, std::end(text), inNumber, inFormat, static_cast<int>(inDigits)).ptr);
 }
 
-// The digits of a number that is not negative, without the point: as many behind it as wanted.
+// Returns the digits of a non-negative number without the decimal point, inFractionDigits of them after it.
 std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecision)
 {
     std::string digits = Print(std::chars_format::fixed, inFractionDigits, inNumber);
@@ -35,7 +35,7 @@ std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecisi
     if (digits.size() - first <= precision) {
         return digits;
     }
-    // Rounded once more, from the number itself. A carry makes it one digit longer.
+    // Rounds the original number again, to the precision. A carry makes it one digit longer.
     const std::string rounded = Print(std::chars_format::scientific, precision - 1, inNumber);
     const std::size_t exponentAt = rounded.find('e');
     const long exponent = std::strtol(rounded.c_str() + exponentAt + 1, nullptr, 10);

@@ -5,7 +5,7 @@
 namespace tvxcore {
 namespace utility {
 
-// Never destroyed: threads may still show numbers while the process exits.
+// Never destroyed: threads may still format numbers while the process exits.
 const NumberPunctuation& UserNumberPunctuation()
 {
     static const NumberPunctuation& sPunctuation = *new NumberPunctuation(Platform::FindUserPunctuation_Impl());

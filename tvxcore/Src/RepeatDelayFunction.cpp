@@ -21,11 +21,11 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 
 } // namespace
 
-// A turn goes round: scheduled, due and handed to the executor, running, scheduled again. It is in one place at a
-// time, so a slow executor never has more than one of it.
+// A turn is scheduled, becomes due and is queued to the executor, runs, and is scheduled again. It is in one of these
+// states at a time, so a slow executor never has more than one turn of a function.
 //
-// The executor is held by the RepeatDelayFunction alone. A turn that waits in the executor's queue holds this state,
-// and would keep the executor alive in a circle.
+// Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue refers to this state,
+// so an owning reference here would form a cycle.
 struct TVXCORE_LOCAL RepeatDelayFunction::State final : RepeatEntry, std::enable_shared_from_this<RepeatDelayFunction::State>
 {
     State(AsyncExecutor& inExecutor, const boost::function<void()>& inFunction, unsigned int inDelay)
@@ -50,15 +50,15 @@ private:
 
     AsyncExecutor& mExecutor;
     const std::int64_t mDelay;
-    CoreMutex mMutex; // guards all that follows but the word; goes before the timer's
+    CoreMutex mMutex; // guards the fields below, except mRunsEnded; locked before the timer's lock
     boost::function<void()> mFunction;
     bool mIsEnded = false;
     bool mIsEndedByItself = false;
-    unsigned long mRunner = 0; // the thread on which the function runs
+    unsigned long mRunner = 0; // the thread that runs the function
     std::atomic<std::uint32_t> mRunsEnded{0};
 };
 
-// The function runs while this lives, and may leave by an exception.
+// Exists while the function runs, which may end by an exception.
 class RepeatDelayFunction::State::Running
 {
 public:
@@ -94,8 +94,8 @@ void RepeatDelayFunction::State::BecomeDue()
     }
 }
 
-// False when there was no memory for it: then the next turn may have better luck. An executor that refuses a turn has
-// been told to end, and with it ends the repetition.
+// Returns false if out of memory; the next turn may succeed. An executor that refuses a turn is terminating, which ends
+// the repetition.
 bool RepeatDelayFunction::State::QueueTurn()
 {
     try {
@@ -115,7 +115,7 @@ void RepeatDelayFunction::State::Run()
         mFunction();
     }
     if (mIsEndedByItself) {
-        finished.swap(mFunction); // it goes when it has returned, and without the lock
+        finished.swap(mFunction); // destroyed after it has returned, and without the lock
     }
     lock.unlock();
 }

@@ -17,15 +17,15 @@ namespace {
 
 using UniqueLock = std::unique_lock<CoreMutex>;
 
-CoreMutex sMutex; // guards all that follows but the two words
+CoreMutex sMutex; // guards all of the below except the two words
 RepeatEntry* sFirst = nullptr;
-RepeatEntry* sCalled = nullptr; // BecomeDue of this one is running
+RepeatEntry* sCalled = nullptr; // the entry whose BecomeDue is running
 unsigned int sEntries = 0;
 Platform::ThreadHandle sThread{};
-std::uintptr_t sGeneration = 0; // of the thread that may work; one that has been replaced ends
+std::uintptr_t sGeneration = 0; // of the current thread; a thread of an older generation ends
 
-std::atomic<std::uint32_t> sScheduleMoved{0}; // where the thread waits
-std::atomic<std::uint32_t> sCallEnded{0};     // where others wait for it
+std::atomic<std::uint32_t> sScheduleMoved{0}; // the timer thread waits on it
+std::atomic<std::uint32_t> sCallEnded{0};     // threads that wait for the end of a call wait on it
 
 thread_local bool tIsTimerThread = false;
 
@@ -52,7 +52,7 @@ void WaitForCallToEnd(UniqueLock& ioLock)
 
 } // namespace
 
-// The private parts of an entry, for the functions of this file.
+// Gives the functions of this file access to the private members of an entry.
 struct RepeatSchedule
 {
     static std::int64_t Due(const RepeatEntry& inEntry) { return inEntry.mDue; }
@@ -101,7 +101,7 @@ void CallFirst(UniqueLock& ioLock, std::uintptr_t inGeneration)
     ioLock.unlock();
     entry.BecomeDue();
     ioLock.lock();
-    // An entry that has removed itself may have been the last; then this thread has been replaced.
+    // If the entry has removed itself and was the last one, this thread has been replaced.
     if (sGeneration == inGeneration) {
         EndCall();
     }
@@ -154,7 +154,7 @@ void RepeatTimer::ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay)
 void RepeatTimer::Remove(RepeatEntry& ioEntry)
 {
     if (Platform::ProcessIsEnding_Impl()) {
-        return; // the thread is no more, wherever it was
+        return; // the thread has been stopped
     }
     UniqueLock lock(sMutex);
     if (RepeatSchedule::IsScheduled(ioEntry)) {

@@ -18,7 +18,7 @@ namespace SmallBlocks {
 
 namespace {
 
-// Nothing of that size exists, and some C libraries end the process when they are asked for it.
+// No block can be that large, and some C libraries abort on such a request.
 constexpr std::size_t kLargestBlock = std::size_t{1} << 40;
 
 void* AllocateFromSystem(std::size_t inSize) noexcept
@@ -86,7 +86,7 @@ void* AllocateSlowly(std::size_t inSize) noexcept
 void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept
 {
     if (threads::Platform::ProcessIsEnding_Impl()) {
-        return; // the system takes it back
+        return; // the system reclaims the memory
     }
     if (inSize <= kLargestSmall) {
         DisposeSmall(inBlock, inSize);

@@ -14,10 +14,10 @@ namespace debug {
 
 namespace {
 
-threads::CoreMutex sMutex;   // over one whole text
-bool sReaderIsStuck = false; // guarded by sMutex: patience is spent once, not for each text
+threads::CoreMutex sMutex;   // held while one whole text is written
+bool sReaderIsStuck = false; // guarded by sMutex; only the first text waits for a stuck reader
 
-// False when the rest is dropped.
+// Returns false if the rest was dropped.
 bool WriteAll(const char* inBytes, std::size_t inCount) noexcept
 {
     while (inCount != 0) {
@@ -49,7 +49,7 @@ void WriteStandardErrorLine(const char* inFormat, ...) noexcept
     va_start(arguments, inFormat);
     const int wanted = std::vsnprintf(text, sizeof(text), inFormat, arguments);
     va_end(arguments);
-    // The terminator's place serves for the end of line.
+    // The line end replaces the terminator.
     const std::size_t count = std::min(static_cast<std::size_t>(std::max(wanted, 0)), sizeof(text) - 1);
     text[count] = '\n';
     WriteStandardError(text, count + 1);

@@ -11,15 +11,16 @@ namespace utility {
 
 namespace {
 
-// Text is converted on the stack and copied from there: a 16-bit string that is sized first and filled then is cleared
+// Text is converted on the stack and copied from there: a 16-bit string that is first resized and then filled is zeroed
 // unit by unit, which costs more than the conversion. The piece is small enough for the smallest thread stacks.
 constexpr std::size_t kPiece = 1024;
 
-// Most names and words. A copy of so few units costs less than it takes to fetch them back from where a kernel put them.
+// Covers most names and words. Copying so few units in registers costs less than reloading them from where a kernel
+// stored them.
 constexpr std::size_t kShortest = 8;
 constexpr std::size_t kShort = 16;
 
-// Bits of the eight bytes from there.
+// Loads the eight bytes at inBytes.
 std::uint64_t WordAt(const void* inBytes) noexcept
 {
     std::uint64_t word;
@@ -62,7 +63,7 @@ UTF16String LongUTF8to16(const unsigned char* inText, std::size_t inLength)
         const std::size_t count = utf::PieceOfUTF8(inText, inLength, kPiece);
         const std::size_t written = utf::ToUTF16(inText, count, piece);
         if (result.empty()) {
-            // The rest is most likely written as the beginning is.
+            // Assume that the rest expands like the beginning.
             result.reserve(written * (inLength / count + 1));
         }
         result.append(piece, written);

@@ -18,8 +18,8 @@ void RunThread(void* inCore)
     (*core)->RunThread();
 }
 
-// One thread for each processor, but never a single one: a queue that was asked to be multi-threaded must not hang
-// when one piece of its work waits for another.
+// One thread for each processor, but at least two: a queue that was created as multi-threaded must not deadlock when
+// one task waits for another.
 unsigned int ChooseThreadCount(int inThreadCount)
 {
     return inThreadCount > 0 ? static_cast<unsigned int>(inThreadCount)
@@ -68,7 +68,7 @@ void ThreadedExecutor::StartThread(Platform::ThreadStarter inStarter)
     mThreads.push_back(thread);
 }
 
-// Whoever comes second waits here until the first has seen the threads go.
+// A second caller waits here until the first one has joined the threads.
 void ThreadedExecutor::JoinThreads()
 {
     const std::lock_guard<CoreMutex> lock(mThreadsMutex);

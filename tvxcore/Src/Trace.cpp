@@ -17,7 +17,7 @@ namespace {
 using utility::SmallBlockAllocator;
 using Lock = std::lock_guard<threads::CoreMutex>;
 
-// One category with a level of its own; its name stands behind the record in the same block.
+// A category with its own level. Its name follows the record in the same block.
 struct Category
 {
     Category* mNext;
@@ -27,22 +27,23 @@ struct Category
     char* Name() noexcept { return reinterpret_cast<char*>(this + 1); }
 };
 
-// Constant-initialised and without a destructor: sites may trace while statics of other files come and go.
+// Constant-initialised and without destructors: sites may trace during the static construction and destruction of other
+// files.
 threads::CoreMutex sMutex;
 Category* sCategories = nullptr; // guarded by sMutex
 long sLevelOfAll = kTraceOff;    // guarded by sMutex
 std::atomic<int> sChangeCount{1};
 
-// The sink while the trace is shut down: a text that was decided on before is nobody's.
+// The sink while the trace is shut down: drops texts of sites that were enabled before.
 void DropText(const unsigned char*)
 {
 }
 
-// Null stands for standard error. One word says both whether the trace is shut down and where texts go, so that no text
-// goes to standard error which its host keeps away from there. Changed under sMutex, read without it.
+// Null selects standard error. One word holds both the shutdown state and the sink, so that a text never reaches
+// standard error after its host has redirected it. Written under sMutex, read without it.
 std::atomic<TraceSink> sSink{nullptr};
 
-// sMutex is held.
+// The caller must hold sMutex.
 void EndShutdown()
 {
     if (sSink == &DropText) {
@@ -59,8 +60,8 @@ void ForgetCategories()
     }
 }
 
-// The library may be unloaded by a host that never shut the trace down. At the end of the process the levels stay: threads may
-// still trace.
+// A host may unload the library without ShutdownTraceManager. At process exit the levels are kept: threads may still
+// trace.
 struct AtUnload
 {
     ~AtUnload()
@@ -94,7 +95,7 @@ Category* AddCategory(const char* inName)
     return sCategories;
 }
 
-// After the change, so that a site that sees the new count also gets the new answer.
+// Called after the change, so that a site that sees the new count also sees the new answer.
 void CountChange()
 {
     const int next = sChangeCount.load(std::memory_order_relaxed) + 1;
@@ -167,7 +168,7 @@ void Trace(const unsigned char* inText)
     try {
         (sink != nullptr ? sink : &WriteToStandardError)(inText);
     } catch (...) {
-        // The sink has lost its text. The code that traces goes on: it may be a destructor.
+        // The sink's text is lost. The tracing code continues: it may be a destructor.
     }
 }
 

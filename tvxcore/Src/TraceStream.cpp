@@ -13,7 +13,7 @@ using utility::SmallBlockAllocator;
 
 namespace {
 
-// The decimal digits of a number, whatever the locale says.
+// The decimal digits of a number, independent of the locale.
 class Digits
 {
 public:

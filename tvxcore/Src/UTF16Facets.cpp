@@ -8,7 +8,7 @@
 
 namespace {
 
-// The standard library classes ASCII by a table that is the same in every locale.
+// The standard library classifies ASCII by a table that is the same in every locale.
 std::ctype_base::mask ClassOf(unsigned short inUnit)
 {
     return inUnit < 0x80 ? std::ctype<char>::classic_table()[inUnit] : std::ctype_base::mask();
@@ -158,7 +158,7 @@ namespace utility {
 
 namespace {
 
-// Points and groups numbers as another locale does for wide characters.
+// The decimal point and grouping of another locale's wide characters.
 class PunctuationOf : public std::numpunct<unsigned short>
 {
 public:
@@ -192,7 +192,7 @@ private:
     const string_type mFalseName;
 };
 
-// A facet that can be deleted where no locale has become its owner.
+// Makes the destructor accessible, to delete a facet that no locale owns.
 template <class Facet>
 class Owned : public Facet
 {
@@ -222,9 +222,9 @@ std::locale Build(const std::locale& inBase)
     return WithFacet<std::num_get<Unit>, std::num_get<Unit>>(built);
 }
 
-// Nearly every stream runs under the classic locale, and building one costs more than a short text. At the end of the process
-// it stays, since threads may be copying it. When the library is unloaded it goes; a stream that is made after that, by some
-// other static's destructor, builds its own.
+// Nearly every stream uses the classic locale, and building it costs more than writing a short text, so it is cached.
+// At process exit it is kept, since threads may be copying it; on unload it is destroyed. A stream constructed after
+// that, in the destructor of another static, builds its own.
 class ClassicLocale
 {
 public:

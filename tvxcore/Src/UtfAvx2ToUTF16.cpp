@@ -1,7 +1,7 @@
-// 32 bytes at a step for processors with AVX2.
+// Converts 32 bytes per step, for processors with AVX2.
 //
-// The way is that of the AVX-512 kernel; what moves the units of eight bytes together is a shuffle from a table. A step
-// with anything ill-formed is left to the plain loop, and the end of a text to the SSE2 kernel.
+// The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the units of eight bytes.
+// The scalar loop takes steps with ill-formed text, and the SSE2 kernel the end of a text.
 #include <Utf.h>
 #include <UtfAvx2.h>
 #include <UtfCharacter.h>
@@ -21,7 +21,7 @@ TVX_AVX2_INLINE __m256i All(int inByte)
     return _mm256_set1_epi8(static_cast<char>(inByte));
 }
 
-// One table of 16 bytes for each half of a register.
+// Looks up each byte in one table of 16 bytes.
 TVX_AVX2_INLINE __m256i LookUp(const unsigned char (&inTable)[16], __m256i inIndex)
 {
     const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inTable));
@@ -48,7 +48,7 @@ TVX_AVX2_INLINE __m256i ShiftRight(__m256i inBytes, int inBits, int inMask)
     return _mm256_and_si256(_mm256_srli_epi16(inBytes, inBits), All(inMask));
 }
 
-// For each choice of eight bytes, the shuffle that moves the chosen ones together.
+// For each subset of eight bytes, the shuffle that compacts it.
 constexpr std::array<std::array<unsigned char, 8>, 256> MakeChoiceOfEight()
 {
     std::array<std::array<unsigned char, 8>, 256> table{};
@@ -68,12 +68,12 @@ constexpr std::array<std::array<unsigned char, 8>, 256> MakeChoiceOfEight()
 
 constexpr std::array<std::array<unsigned char, 8>, 256> kChoiceOfEight = MakeChoiceOfEight();
 
-// Where the characters of one step begin and what they are: as bytes of all ones, and as bits.
+// The positions and kinds of the characters in one step: as byte masks, and as bit masks.
 struct Classes
 {
     __m256i mLead3Bytes;
     __m256i mLead4Bytes;
-    std::uint32_t mLead; // of two bytes or more, as those below are contained in it
+    std::uint32_t mLead; // of two bytes or more: includes mLead3 and mLead4
     std::uint32_t mLead3;
     std::uint32_t mLead4;
     std::uint32_t mContinuation;
@@ -98,8 +98,8 @@ TVX_AVX2_INLINE std::size_t WholeCharacters(const Classes& inClasses)
     return cut != 0 ? static_cast<std::size_t>(_tzcnt_u32(cut)) : 32;
 }
 
-// What two neighbours rule out, found by three tables and their common bits: by the first byte's upper half, its lower
-// half, and the second byte's upper half.
+// Errors of two adjacent bytes, found as the common bits of three table lookups: by the first byte's upper half, its
+// lower half, and the second byte's upper half.
 constexpr unsigned char kOverlong2 = 1; // C0 C1
 constexpr unsigned char kOverlong3 = 2; // E0 before 80 to 9F
 constexpr unsigned char kSurrogate = 4; // ED before A0 to BF
@@ -144,7 +144,7 @@ constexpr unsigned char kBySecondUpper[16] = {0,
 
 TVX_AVX2_INLINE bool IsWellFormed(__m256i inBytes, const Classes& inClasses, std::uint32_t inWhole)
 {
-    // A character that is cut into by the next lead promises a byte behind the whole ones, so it is found here too.
+    // A lead that interrupts a character leaves it with an expected byte after the whole ones, so this detects it too.
     const std::uint32_t expected =
         (inClasses.mLead & inWhole) << 1 | (inClasses.mLead3 & inWhole) << 2 | (inClasses.mLead4 & inWhole) << 3;
     const __m256i upper = ShiftRight(inBytes, 4, 0x0F);
@@ -155,7 +155,7 @@ TVX_AVX2_INLINE bool IsWellFormed(__m256i inBytes, const Classes& inClasses, std
     return ((expected ^ (inClasses.mContinuation & inWhole)) | (~good & inWhole)) == 0;
 }
 
-// The bytes without their tags.
+// Removes the tag bits from the bytes.
 TVX_AVX2_INLINE __m256i Fields(__m256i inBytes)
 {
     constexpr unsigned char kMasks[16] = {0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F,
@@ -163,7 +163,7 @@ TVX_AVX2_INLINE __m256i Fields(__m256i inBytes)
     return _mm256_and_si256(inBytes, LookUp(kMasks, ShiftRight(inBytes, 4, 0x0F)));
 }
 
-// The units of a step, before they are moved together: low bytes and high bytes at the places that mUnits marks.
+// The units of a step before compaction: low bytes and high bytes, at the places marked in mUnits.
 struct Units
 {
     __m256i mLow;
@@ -171,7 +171,7 @@ struct Units
     std::uint32_t mUnits;
 };
 
-// Takes the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
+// Combines the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
 TVX_AVX2_INLINE Units Join(__m256i inLow, __m256i inMiddle, __m256i inHigh, std::uint32_t inUnits)
 {
     Units units;
@@ -181,7 +181,7 @@ TVX_AVX2_INLINE Units Join(__m256i inLow, __m256i inMiddle, __m256i inHigh, std:
     return units;
 }
 
-// The high unit is D800 + (point - 10000) / 400, which is the fields D, 1F + the top five bits, and the next six.
+// The high surrogate is D800 + (point - 10000) / 400: the fields D, 1F + the top five bits, and the next six bits.
 TVX_AVX2_INLINE Units JoinWithPairs(__m256i inFields, __m256i inMiddle, __m256i inHigh, const Classes& inClasses,
                                     std::uint32_t inEnds)
 {
@@ -203,7 +203,7 @@ TVX_AVX2_INLINE Units Decode(__m256i inBytes, const Classes& inClasses, std::uin
 {
     const std::uint32_t ends = ~(inClasses.mContinuation >> 1) & inWhole;
     const __m256i fields = Fields(inBytes);
-    // As a signed number, a continuation byte is below C0.
+    // As a signed number, a continuation byte is less than C0.
     const __m256i continuation = _mm256_cmpgt_epi8(All(0xC0), inBytes);
     const __m256i middle = _mm256_and_si256(Before<1>(fields), continuation);
     const __m256i high = _mm256_and_si256(Before<2>(fields), Before<2>(inClasses.mLead3Bytes));
@@ -222,7 +222,7 @@ TVX_AVX2_INLINE long long ChoiceOfEight(std::uint32_t inUnits, int inGroup)
     return shuffle;
 }
 
-// Writes up to eight units of each group of eight bytes, moving on by those that there are.
+// Compacts and writes each group of up to eight units; advances by the number of units in it.
 TVX_AVX2_INLINE std::size_t Store(const Units& inUnits, unsigned short* outText)
 {
     const std::uint32_t units = inUnits.mUnits;

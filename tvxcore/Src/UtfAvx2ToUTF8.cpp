@@ -1,7 +1,7 @@
-// 16 units at a step for processors with AVX2.
+// Converts 16 units per step, for processors with AVX2.
 //
-// The way is that of the AVX-512 kernel; what moves the bytes of four units together is a shuffle from a table. A step
-// with anything ill-formed is left to the plain loop, and the end of a text to the SSE2 kernel.
+// The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the bytes of four units. The
+// scalar loop takes steps with ill-formed text, and the SSE2 kernel the end of a text.
 #include <Utf.h>
 #include <UtfAvx2.h>
 #include <UtfCharacter.h>
@@ -15,8 +15,8 @@ namespace utf {
 
 namespace {
 
-// For four units of one to three bytes in the upper bytes of their words: the shuffle that moves the bytes together.
-// The index has a bit for each unit of two bytes or more, and above those a bit for each of three.
+// For four units of one to three bytes, in the upper bytes of their words: the shuffle that compacts the bytes. The low
+// four bits of the index mark units of two bytes or more, the next four those of three.
 constexpr std::array<std::array<unsigned char, 16>, 256> MakeChoiceOfFour()
 {
     std::array<std::array<unsigned char, 16>, 256> table{};
@@ -47,8 +47,8 @@ TVX_AVX2_INLINE __m256i IsAbove(__m256i inWords, int inNumber)
     return _mm256_cmpgt_epi32(inWords, _mm256_set1_epi32(inNumber));
 }
 
-// The halves of pairs as fields of six bits: a low half takes the two bits that the high half before it has left over;
-// a high half gives its upper eight bits, with what the first 0x10000 code points add.
+// Converts surrogates to fields of six bits. A low surrogate receives the last two bits of the high surrogate before
+// it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
 TVX_AVX2_INLINE __m256i MovePairs(__m256i inWords, __m256i inHigh, __m256i inLow)
 {
     const __m256i bits = _mm256_and_si256(inWords, _mm256_set1_epi32(0x3FF));
@@ -63,7 +63,7 @@ TVX_AVX2_INLINE __m256i Field(__m256i inWords, int inMask, int inShift)
     return inShift >= 0 ? _mm256_slli_epi32(field, inShift) : _mm256_srli_epi32(field, -inShift);
 }
 
-// Writes the text of eight words; the index of four is that of kChoiceOfFour.
+// Writes the bytes of eight words, with kChoiceOfFour for each four.
 TVX_AVX2_INLINE std::size_t Store(__m256i inWords, std::uint32_t inTwo, std::uint32_t inThree, std::size_t inCount,
                                   unsigned char* outText)
 {
@@ -80,7 +80,7 @@ TVX_AVX2_INLINE std::size_t Store(__m256i inWords, std::uint32_t inTwo, std::uin
     return inCount + static_cast<std::size_t>(_mm_popcnt_u32((inTwo & whole) | (inThree & whole) << 8));
 }
 
-// Eight units in words of 32 bits. A high half in the last place waits for the next step.
+// Converts eight units in words of 32 bits. Leaves a high surrogate in the last place to the next step.
 TVX_AVX2_INLINE Progress StepUTF8(__m256i inUnits, unsigned char* outText)
 {
     const __m256i kind = _mm256_and_si256(inUnits, _mm256_set1_epi32(0xFC00));

@@ -1,11 +1,11 @@
-// 64 bytes at a step for processors with AVX-512 VBMI2.
+// Converts 64 bytes per step, for processors with AVX-512 VBMI2.
 //
-// Each byte loses its tag bits, so that a character of up to three bytes is fields of 4, 6 and 6 bits (or of 5 and 6,
-// or of 7). At the place of a character's last byte the fields before it are brought together by permutes; they make
-// the low and the high byte of its unit. Compressing both rows of bytes leaves the units side by side. A character of
-// four bytes yields one unit at its third byte and one at its fourth, from the same fields moved.
+// Without its tag bits, a character of up to three bytes consists of fields of 4, 6 and 6 bits (or of 5 and 6, or of
+// 7). Permutes bring the fields together at the place of its last byte, where they form the low and the high byte of
+// its unit. Compressing both rows of bytes yields adjacent units. A character of four bytes yields one unit at its
+// third byte and one at its fourth, from shifted fields.
 //
-// A step with anything ill-formed is left to the plain loop, which alone knows what replaces it.
+// The scalar loop takes steps with ill-formed text, since only it computes the replacements.
 #include <Utf.h>
 #include <UtfAvx512.h>
 #include <UtfCharacter.h>
@@ -16,11 +16,11 @@ namespace utf {
 
 namespace {
 
-// Where the characters of one step begin and what they are.
+// The positions and kinds of the characters in one step.
 struct Classes
 {
     std::uint64_t mNotAscii;
-    std::uint64_t mLead;  // of two bytes or more, as those below are contained in it
+    std::uint64_t mLead;  // of two bytes or more: includes mLead3 and mLead4
     std::uint64_t mLead3; // of three bytes or more
     std::uint64_t mLead4; // of four bytes
     std::uint64_t mContinuation;
@@ -37,7 +37,7 @@ TVX_AVX512_INLINE Classes Classify(__m512i inBytes, std::uint64_t inNotAscii)
     return classes;
 }
 
-// How many of the bytes belong to characters that end among them. What is cut off waits for the next step.
+// Returns the number of bytes of complete characters. An incomplete one is left to the next step.
 TVX_AVX512_INLINE std::size_t WholeCharacters(const Classes& inClasses, std::size_t inCount)
 {
     const std::size_t missing = 64 - inCount;
@@ -47,7 +47,7 @@ TVX_AVX512_INLINE std::size_t WholeCharacters(const Classes& inClasses, std::siz
     return cut != 0 ? static_cast<std::size_t>(_tzcnt_u64(cut)) : inCount;
 }
 
-// Every byte at the place of the one inBack places behind it. The first ones are of no meaning.
+// Returns the indices of the bytes inBack places before each place. The first inBack results are meaningless.
 TVX_AVX512_INLINE __m512i Places(int inBack)
 {
     const __m512i places =
@@ -57,10 +57,10 @@ TVX_AVX512_INLINE __m512i Places(int inBack)
     return _mm512_sub_epi8(places, _mm512_set1_epi8(static_cast<char>(inBack)));
 }
 
-// For each lead byte, by its low six bits, which second bytes are not for it: bit 0 stands for 80 to 8F, bit 1 for 90
-// to 9F, bit 2 for A0 to BF.
+// For each lead byte, indexed by its low six bits, the invalid second bytes: bit 0 for 80 to 8F, bit 1 for 90 to 9F,
+// bit 2 for A0 to BF.
 alignas(64) constexpr unsigned char kSecondByteErrors[64] = {
-    7, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, // C0 C1 begin nothing
+    7, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, // C0 C1 are never valid
     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, //
     3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0, // E0 overlong, ED surrogates
     1, 0, 0, 0, 6, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, // F0 overlong, F4 and above beyond the last code point
@@ -68,7 +68,7 @@ alignas(64) constexpr unsigned char kSecondByteErrors[64] = {
 
 TVX_AVX512_INLINE bool IsWellFormed(__m512i inBytes, const Classes& inClasses, std::uint64_t inWhole)
 {
-    // A character that is cut into by the next lead promises a byte behind the whole ones, so it is found here too.
+    // A lead that interrupts a character leaves it with an expected byte after the whole ones, so this detects it too.
     const std::uint64_t expected =
         (inClasses.mLead & inWhole) << 1 | (inClasses.mLead3 & inWhole) << 2 | (inClasses.mLead4 & inWhole) << 3;
     const __m512i previous = _mm512_permutexvar_epi8(Places(1), inBytes);
@@ -80,7 +80,7 @@ TVX_AVX512_INLINE bool IsWellFormed(__m512i inBytes, const Classes& inClasses, s
     return ((expected ^ (inClasses.mContinuation & inWhole)) | (bad & inWhole)) == 0;
 }
 
-// The units of a step, before they are moved together: low bytes and high bytes at the places that mUnits marks.
+// The units of a step before compaction: low bytes and high bytes, at the places marked in mUnits.
 struct Units
 {
     __m512i mLow;
@@ -98,7 +98,7 @@ TVX_AVX512_INLINE __m512i ShiftRight(__m512i inBytes, unsigned inBits, int inMas
     return _mm512_and_si512(_mm512_srli_epi16(inBytes, inBits), _mm512_set1_epi8(static_cast<char>(inMask)));
 }
 
-// The bytes without their tags.
+// Removes the tag bits from the bytes.
 TVX_AVX512_INLINE __m512i Fields(__m512i inBytes, const Classes& inClasses)
 {
     __m512i fields =
@@ -108,7 +108,7 @@ TVX_AVX512_INLINE __m512i Fields(__m512i inBytes, const Classes& inClasses)
     return _mm512_mask_sub_epi8(fields, inClasses.mLead4, fields, _mm512_set1_epi8(0x10));
 }
 
-// Takes the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
+// Combines the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
 TVX_AVX512_INLINE Units Join(__m512i inLow, __m512i inMiddle, __m512i inHigh, std::uint64_t inUnits)
 {
     Units units;
@@ -118,7 +118,7 @@ TVX_AVX512_INLINE Units Join(__m512i inLow, __m512i inMiddle, __m512i inHigh, st
     return units;
 }
 
-// The high unit is D800 + (point - 10000) / 400, which is the fields D, 1F + the top five bits, and the next six.
+// The high surrogate is D800 + (point - 10000) / 400: the fields D, 1F + the top five bits, and the next six bits.
 TVX_AVX512_INLINE Units JoinWithPairs(__m512i inFields, __m512i inMiddle, __m512i inHigh, const Classes& inClasses,
                                       std::uint64_t inEnds)
 {
@@ -159,7 +159,7 @@ TVX_AVX512_INLINE __m512i Widen(__m256i inLow, __m256i inHigh)
     return _mm512_or_si512(_mm512_cvtepu8_epi16(inLow), _mm512_slli_epi16(_mm512_cvtepu8_epi16(inHigh), 8));
 }
 
-// inRoom units may be written: all 64 in the midst of a text.
+// Writes at most inRoom units; pass 64 except at the end of a text.
 TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inRoom, unsigned short* outText)
 {
     const __m512i first = Widen(_mm512_castsi512_si256(inLow), _mm512_castsi512_si256(inHigh));
@@ -176,7 +176,7 @@ TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inRoom, 
     }
 }
 
-// inCount bytes, 1 to 64, of which the register holds zeros behind.
+// Converts inCount bytes, 1 to 64. The rest of the register must be zero.
 TVX_AVX512_INLINE Progress StepUTF16(__m512i inBytes, std::size_t inCount, unsigned short* outText)
 {
     const std::uint64_t notAscii = _mm512_movepi8_mask(inBytes);

@@ -1,9 +1,9 @@
-// 16 or 32 units at a step for processors with AVX-512 VBMI2.
+// Converts 16 or 32 units per step, for processors with AVX-512 VBMI2.
 //
-// Each unit becomes a word of 32 bits whose bytes are its fields of six bits with their tags; compressing the words
-// leaves the text. Half of a pair yields two bytes, like a unit below U+0800, from fields moved.
+// Each unit becomes a word of 32 bits whose bytes are its tagged fields of six bits; compressing the words yields the
+// text. A surrogate yields two bytes, like a unit below U+0800, from shifted fields.
 //
-// A step with anything ill-formed is left to the plain loop, which alone knows what replaces it.
+// The scalar loop takes steps with ill-formed text, since only it computes the replacements.
 #include <Utf.h>
 #include <UtfAvx512.h>
 #include <UtfCharacter.h>
@@ -14,7 +14,7 @@ namespace utf {
 
 namespace {
 
-// 32 units below U+0080 each.
+// Writes up to 32 units, all below U+0080.
 TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned char* outText)
 {
     const __m256i bytes = _mm512_cvtepi16_epi8(inUnits);
@@ -25,8 +25,8 @@ TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned
     }
 }
 
-// 32 units below U+0800 each, in the midst of a text. Each becomes its tagged fields in the order of the text, and an
-// ASCII one leaves its first byte out.
+// Writes 32 units, all below U+0800, not at the end of a text. Each becomes its tagged fields in text order; an ASCII
+// unit omits its first byte.
 TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNotAscii, unsigned char* outText)
 {
     const __m512i first = _mm512_srli_epi16(inUnits, 6);
@@ -39,8 +39,8 @@ TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNot
     return 32 + static_cast<std::size_t>(_mm_popcnt_u32(inNotAscii));
 }
 
-// The halves of pairs as fields of six bits. In words: a low half takes the two bits that the high half before it has
-// left over; a high half gives its upper eight bits, with what the first 0x10000 code points add.
+// Converts surrogates, in words, to fields of six bits. A low surrogate receives the last two bits of the high
+// surrogate before it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
 TVX_AVX512_INLINE __m512i MovePairs(__m512i inWords, __mmask16 inHigh, __mmask16 inLow)
 {
     const __m512i bits = _mm512_and_si512(inWords, _mm512_set1_epi32(0x3FF));
@@ -51,7 +51,7 @@ TVX_AVX512_INLINE __m512i MovePairs(__m512i inWords, __mmask16 inHigh, __mmask16
     return _mm512_mask_or_epi32(words, inLow, bits, rest);
 }
 
-// Each word's text in its upper bytes, tagged. The top bit of every byte that is used is set in outPlaces.
+// Returns each word's tagged text in its upper bytes. Sets the top bit of every used byte in outPlaces.
 TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmask16 inHigh, __mmask16 inLow,
                                        __m512i& outPlaces)
 {
@@ -63,14 +63,16 @@ TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmas
     tags = _mm512_mask_mov_epi32(tags, inHigh, _mm512_set1_epi32(static_cast<int>(0x80F00000)));
     tags = _mm512_mask_mov_epi32(tags, inLow, _mm512_set1_epi32(static_cast<int>(0x80800000)));
     outPlaces = _mm512_or_si512(tags, _mm512_set1_epi32(static_cast<int>(0x80000000)));
-    // Shifts of 12, 6 and 0 bits into the upper three bytes of each word, so that the text's order is the memory's.
+    // Shifts by 12, 6 and 0 bits into the upper three bytes of each word, so that the order in memory is that of the
+    // text.
     const __m512i shifts = _mm512_set1_epi64(0x20262C2000060C00);
     const __m512i fields =
         _mm512_and_si512(_mm512_multishift_epi64_epi8(shifts, inFields), _mm512_set1_epi32(0x3F3F3F00));
     return _mm512_mask_or_epi32(_mm512_slli_epi32(inUnits, 24), two, fields, tags);
 }
 
-// Up to 16 units in words of 32 bits, with zeros behind. A high half in the last place waits for the next step.
+// Converts up to 16 units in words of 32 bits; the rest must be zero. Leaves a high surrogate in the last place to the
+// next step.
 TVX_AVX512_INLINE Progress StepUTF8(__m512i inUnits, std::size_t inCount, bool inMayOverrun, unsigned char* outText)
 {
     const __m512i kind = _mm512_and_si512(inUnits, _mm512_set1_epi32(0xFC00));

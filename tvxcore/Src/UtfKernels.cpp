@@ -1,5 +1,5 @@
-// Chooses among the kernels on the first conversion. Until then the pointers lead to the choice, so a conversion in a
-// static constructor of the host works like any other, and two threads that choose at once choose the same.
+// Selects the kernels on the first conversion. Until then the pointers refer to the selection, so conversions work in
+// static constructors of the host too; two threads that select concurrently select the same kernels.
 #include <Utf.h>
 
 #include <atomic>

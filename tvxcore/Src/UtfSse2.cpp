@@ -1,4 +1,4 @@
-// ASCII sixteen characters at a step, everything else one by one. Runs on every x86-64 processor.
+// Converts sixteen ASCII characters per step, all others one by one. Runs on every x86-64 processor.
 #include <Utf.h>
 #include <UtfCharacter.h>
 
@@ -49,7 +49,7 @@ std::size_t ToUTF16Sse2(const unsigned char* inText, std::size_t inLength, unsig
             out += kStep;
             continue;
         }
-        // Where one character is not ASCII its neighbours rarely are: the step is not tried again at once.
+        // Neighbours of a non-ASCII character are rarely ASCII, so the next sixteen characters are not tried as ASCII.
         const unsigned char* const retry = inText + kStep;
         while (inText < retry) {
             out = StepToUTF16(inText, end, out);

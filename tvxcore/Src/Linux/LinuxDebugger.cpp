@@ -8,7 +8,7 @@
 namespace tvxcore {
 namespace debug {
 
-// A tracer shows as a TracerPid other than 0 in the process's status. Plain reads: a failed check may come from
+// A debugger shows as a TracerPid other than 0 in the process's status. Uses plain reads: a failed check may occur
 // anywhere, so nothing here allocates.
 bool IsDebuggerAttached()
 {

@@ -10,7 +10,7 @@ namespace Platform {
 
 namespace {
 
-// Puts separators between the groups of digits, from the right.
+// Inserts separators between the groups of digits, counted from the right.
 UTF16String Grouped(const std::string& inDigits, const NumberPunctuation& inPunctuation)
 {
     UTF16String text(inDigits.begin(), inDigits.end());
@@ -27,7 +27,7 @@ UTF16String Grouped(const std::string& inDigits, const NumberPunctuation& inPunc
     return text;
 }
 
-// ASCII digits and sign in every locale: a reading knows no others.
+// Digits and sign are ASCII in every locale: the code that reads numbers accepts no others.
 UTF16String Format(const std::string& inDecimal, const NumberStyle& inStyle, const NumberPunctuation& inPunctuation)
 {
     const std::size_t start = inDecimal[0] == '-' ? 1 : 0;

@@ -1,4 +1,4 @@
-// The punctuation of each locale stands in a table, so nothing can fail here for lack of memory or of locale data.
+// A table holds the punctuation of each locale, so no lookup needs installed locale data.
 #include <tvxcore/NumberPunctuation.h>
 
 #include <CorePlatform/NumberFormat.h>
@@ -20,7 +20,7 @@ namespace {
 
 struct KnownLocale
 {
-    const char* mName; // "de", and "de_CH" where a region differs
+    const char* mName; // "de", and "de_CH" if a region differs
     char16_t mDecimalPoint;
     char16_t mThousandsSeparator;
     char mGroup;
@@ -36,11 +36,11 @@ const KnownLocale* Find(const std::string& inName)
     return found != std::end(kKnownLocales) && found->mName == inName ? found : nullptr;
 }
 
-// The next part of a locale's name, behind which ioText stands afterwards.
+// Returns the next part of a locale's name and advances ioText past it.
 std::string NextPart(const char*& ioText)
 {
     const std::size_t length = std::strcspn(ioText, "_-.@");
-    std::string part(ioText, std::min<std::size_t>(length, 9)); // longer than every part that has a meaning
+    std::string part(ioText, std::min<std::size_t>(length, 9)); // longer than every valid part
     ioText += length;
     if (*ioText == '_' || *ioText == '-') {
         ++ioText;
@@ -78,7 +78,7 @@ const char* FirstThatIsSet(std::initializer_list<const char*> inVariables)
     return "C";
 }
 
-// The C library may know a locale that the table does not: one that was made on this machine.
+// The C library may have a locale that the table lacks, such as one built on this machine.
 NumberPunctuation OfInstalledLocale()
 {
     NumberPunctuation punctuation;
@@ -88,7 +88,7 @@ NumberPunctuation OfInstalledLocale()
         punctuation.mDecimalPoint = static_cast<unsigned short>(facet.decimal_point());
         punctuation.mThousandsSeparator = static_cast<unsigned short>(facet.thousands_sep());
         punctuation.mGrouping = facet.grouping();
-    } catch (const std::runtime_error&) { // it is not installed
+    } catch (const std::runtime_error&) { // the locale is not installed
     }
     return punctuation;
 }
@@ -100,7 +100,7 @@ namespace Platform {
 NumberPunctuation FindUserPunctuation_Impl()
 {
     NumberPunctuation punctuation;
-    // The order in which the C library looks for it.
+    // The same order as in the C library.
     if (FindNumberPunctuation(FirstThatIsSet({"LC_ALL", "LC_NUMERIC", "LANG"}), punctuation)) {
         return punctuation;
     }
@@ -114,7 +114,7 @@ bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuati
     const char* rest = inLocale;
     const std::string language = Changed(NextPart(rest), ToLower);
     std::string region = NextPart(rest);
-    if (region.size() == 4) { // a script
+    if (region.size() == 4) { // it is a script
         region = NextPart(rest);
     }
     const KnownLocale* known = Find(language + "_" + Changed(region, ToUpper));

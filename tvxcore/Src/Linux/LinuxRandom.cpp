@@ -11,7 +11,7 @@ namespace Platform {
 
 namespace {
 
-// For a kernel or a sandbox that refuses the call.
+// For kernels or sandboxes that refuse the system call.
 bool FillFromDevice(unsigned char* outBytes, std::size_t inCount) noexcept
 {
     const int file = ::open("/dev/urandom", O_RDONLY | O_CLOEXEC);

@@ -19,8 +19,8 @@ pthread_key_t sThreadEndKey;
 bool sHasThreadEndKey = false;
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// Thread-local destructors of C++ would keep the library loaded until every thread has ended; a key's are forgotten
-// with the key.
+// C++ thread-local destructors would keep the library loaded until every thread has ended; the destructor of a pthread
+// key is discarded with the key.
 void OnKeyDestroyed(void* inCache)
 {
     sEnded(static_cast<SmallBlocks::CacheHead*>(inCache));
@@ -38,7 +38,7 @@ constexpr std::size_t kPage = 4096;
 
 } // namespace
 
-// The system aligns to pages. More is had by mapping more and giving the ends back.
+// mmap aligns to pages. For a larger alignment, maps more and unmaps both ends.
 void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept
 {
     if (inAlignment <= kPage) {
@@ -90,9 +90,9 @@ void WatchForks_Impl(void (*inBefore)(), void (*inAfter)()) noexcept
 
 namespace {
 
-// When a library that was loaded at run time is unloaded, its ending functions run before its static destructors; when
-// the process ends, after those of all such libraries. So a static destructor that comes after such a function knows
-// that the process goes on.
+// If a library that was loaded at run time is unloaded, its destructor functions run before its static destructors; at
+// process exit they run after those of all such libraries. So a static destructor that runs after such a function knows
+// that the process continues.
 bool sEndingFunctionRan = false;
 
 __attribute__((destructor)) void OnEnding()
@@ -100,7 +100,7 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
-// One that came with the program is never unloaded, and sees that order at the end of the process.
+// A library loaded with the program is never unloaded, and sees that same order at process exit.
 const bool sBelongsToProgram = BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
 
 } // namespace

@@ -11,7 +11,7 @@ namespace Platform {
 
 namespace {
 
-// A pipe that is ready takes this much without blocking; there is one writer at a time, so nobody takes the room away.
+// A pipe that is ready accepts this many bytes without blocking. There is only one writer at a time in this library.
 constexpr std::size_t kPipeRoom = 4096;
 constexpr int kPatience = 100; // milliseconds
 
@@ -23,7 +23,7 @@ bool WaitUntilWritable(bool& ioReaderIsStuck)
         ready = ::poll(&standardError, 1, ioReaderIsStuck ? 0 : kPatience);
     } while (ready < 0 && errno == EINTR);
     ioReaderIsStuck = ready == 0;
-    // A pipe without a reader is "ready" too, and a write would raise SIGPIPE.
+    // poll also reports a pipe without a reader as ready, and a write to it would raise SIGPIPE.
     return ready == 1 && standardError.revents == POLLOUT;
 }
 

@@ -16,8 +16,8 @@ namespace threads {
 
 namespace {
 
-// The system call costs fifty times the load. The child of a fork keeps its parent's memory, but not its number.
-// Initial-exec: one load, and eight bytes of the room that the loader keeps for libraries that come late.
+// Cached, since the system call costs fifty times the load. A forked child inherits the memory but not the thread ID.
+// Initial-exec: one load, and eight bytes of the TLS space that the loader reserves for libraries loaded late.
 __attribute__((tls_model("initial-exec"))) thread_local unsigned long tThreadID = 0;
 
 void ForgetThreadID()
@@ -61,7 +61,7 @@ void* RunThread(void* inStart)
 
 static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
 
-// The highest bytes up to inCount at which no character is cut in two.
+// Returns the largest number of bytes, up to inCount, that does not split a character.
 std::size_t CutAtCharacter(const char* inText, std::size_t inCount)
 {
     std::size_t count = 0;
@@ -108,8 +108,9 @@ void NameCurrentThread_Impl(const char* inName) noexcept
     ::pthread_setname_np(::pthread_self(), name);
 }
 
-// A thread starts with its creator's level; the process's own is that of its first thread. An ordinary user may lower a level
-// and never raise it, so what is refused stays at the process's own, or at the creator's where that is lower still.
+// A thread inherits its creator's nice level; that of the process is the level of its first thread. An ordinary user
+// may lower a priority but not raise it. So a refused level stays at that of the process, or at that of the creator if
+// lower.
 void SetCurrentThreadPriority_Impl(int inPriority) noexcept
 {
     static constexpr int kOffsets[] = {15, 10, 5, 0, -5, -10};
@@ -130,7 +131,7 @@ unsigned int UsableProcessorCount_Impl() noexcept
     cpu_set_t usable;
     CPU_ZERO(&usable);
     if (::sched_getaffinity(0, sizeof(usable), &usable) != 0) {
-        return ProcessorCount_Impl(); // more than the set can name
+        return ProcessorCount_Impl(); // more processors than the set can hold
     }
     return static_cast<unsigned int>(std::max(CPU_COUNT(&usable), 1));
 }

@@ -1,5 +1,5 @@
-// A thread-local word in the image's own thread-local section. The compiler would keep it in an emulation that takes a
-// call, a lock and memory of its own; the loader's way takes three loads.
+// A thread-local pointer in the image's TLS section. The compiler's emulated TLS needs a call, a lock and memory;
+// native TLS needs three loads.
 #pragma once
 
 #include <tvxcore/SmallBlockCache.h>
@@ -8,11 +8,11 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// The calling thread's copy.
+/// Returns the calling thread's copy.
 inline CacheHead*& CurrentCacheWord() noexcept
 {
-    // The system's record of the thread holds at 0x58 the blocks of all images; this image's index among them is the
-    // linker's _tls_index.
+    // At offset 0x58 the thread's TEB points to the TLS blocks of all images; the linker's _tls_index is this image's
+    // index.
     char* address;
     unsigned long long index;
     __asm__("movl _tls_index(%%rip), %k1\n\t"

@@ -1,4 +1,4 @@
-// The locale's data are the system's; the text is put together here, because the system's own formatting ends at
+// The locale data come from the system. The text is composed here, because the system's formatting function fails for
 // numbers that do not fit its buffers.
 #include <CorePlatform/NumberFormat.h>
 
@@ -30,7 +30,7 @@ DWORD Number(const wchar_t* inLocale, LCTYPE inWhat, DWORD inDefault)
                : inDefault;
 }
 
-// "3;2;0" is a group of three and then groups of two; without the closing zero the last group is the rest.
+// "3;2;0" is a group of three and then groups of two. Without the final zero the rest is one group.
 struct Grouping
 {
     std::vector<std::size_t> mSizes;
@@ -67,7 +67,7 @@ std::wstring Group(const std::wstring& inDigits, const Grouping& inGrouping, con
     }
 }
 
-// The five ways that the system knows.
+// The five formats of negative numbers that the system defines.
 std::wstring Negative(const std::wstring& inText, const std::wstring& inSign, DWORD inOrder)
 {
     switch (inOrder) {
@@ -113,7 +113,7 @@ UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& i
         const std::wstring text = Format(inDecimal, inStyle, LOCALE_NAME_USER_DEFAULT, inStyle.mIsGrouped);
         return UTF16String(text.begin(), text.end());
     }
-    // The invariant locale is the classic one, but it groups.
+    // The invariant locale equals the classic one, except that it groups digits.
     const std::wstring wanted(inLocale, inLocale + std::strlen(inLocale));
     const bool isKnown = ::IsValidLocaleName(wanted.c_str()) != FALSE;
     const std::wstring text =

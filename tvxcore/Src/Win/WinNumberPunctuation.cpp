@@ -18,7 +18,7 @@ std::wstring Ask(const wchar_t* inName, LCTYPE inWhat)
     return ::GetLocaleInfoEx(inName, inWhat, text, 32) > 0 ? std::wstring(text) : std::wstring();
 }
 
-// The system writes "3;0" for groups of three for ever, and "3" for one group of three.
+// The system writes "3;0" for repeated groups of three, and "3" for a single group of three.
 std::string GroupingOf(const std::wstring& inText)
 {
     std::string grouping;

@@ -1,7 +1,7 @@
 #include <CorePlatform/Random.h>
 
 #include <windows.h>
-// Needs windows.h before it.
+// Requires windows.h to be included first.
 #include <ntsecapi.h>
 
 namespace tvxcore {

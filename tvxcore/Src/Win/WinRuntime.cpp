@@ -1,9 +1,9 @@
-// Makes the C++ runtime's own data of a thread ready at the load.
+// Initialises the C++ runtime's per-thread data at load.
 //
-// The runtime makes them at the first use in the process, under locks. Windows ends a process by stopping all threads but
-// one, wherever they are, and the last one destroys the static objects; the standard streams among them ask for exceptions
-// in flight, which are such data. If a stopped thread was in the middle of the very first use, the last one would wait
-// for it for good. So the first use is here, when no thread of ours runs yet.
+// The runtime initialises them on first use in the process, under locks. The exit of a Windows process stops all
+// threads but one at arbitrary points, and the last thread destroys the static objects; the standard streams then query
+// exceptions in flight, which are such data. If a stopped thread was in the middle of the first use, the last thread
+// would wait forever. So the first use is here, before any thread of this library runs.
 #include <exception>
 
 namespace {

@@ -8,7 +8,7 @@
 #include <windows.h>
 
 extern "C" {
-// Each thread's copy begins with this; the .tls$ sections are put together by the linker.
+// The initial value of each thread's copy. The linker merges the .tls$ sections.
 extern tvxcore::utility::SmallBlocks::CacheHead* tvxcoreThreadCache;
 __attribute__((section(".tls$M"), used)) tvxcore::utility::SmallBlocks::CacheHead* tvxcoreThreadCache =
     &tvxcore::utility::SmallBlocks::sNewThreadCache;
@@ -22,7 +22,7 @@ namespace {
 
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// The loader calls it on each thread that ends, since the image lists it below.
+// The loader calls it on each thread that ends, because of the TLS callback below.
 void NTAPI OnThreadNotice(void*, DWORD inReason, void*)
 {
     if (inReason != DLL_THREAD_DETACH || sEnded == nullptr) {
@@ -41,8 +41,8 @@ void* Map(void* inAddress, std::size_t inSize) noexcept
     return ::VirtualAlloc(inAddress, inSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
 }
 
-// Looks for a place that is large enough and takes the aligned part of it. Another thread may take it between the two
-// calls, so it is tried again.
+// Finds a free range that is large enough and maps its aligned part. Another thread may take the range between the two
+// calls, so it retries.
 void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
 {
     for (int i = 0; i < 100; ++i) {
@@ -94,7 +94,7 @@ void ForgetThreadEnds_Impl() noexcept
 
 void WatchForks_Impl(void (*)(), void (*)()) noexcept {}
 
-// A program is never unloaded.
+// An executable is never unloaded.
 bool IsUnloading_Impl() noexcept
 {
     return !BelongsToProgram(reinterpret_cast<const void*>(&OnThreadNotice)) && !AreOtherThreadsStopped();
@@ -105,7 +105,7 @@ bool IsUnloading_Impl() noexcept
 } // namespace tvxcore
 
 extern "C" {
-// The linker gathers these sections into the image's list of functions to call at the start and end of threads.
+// The linker merges these sections into the image's list of TLS callbacks.
 extern PIMAGE_TLS_CALLBACK tvxcoreThreadNotice;
 __attribute__((section(".CRT$XLD"), used)) PIMAGE_TLS_CALLBACK tvxcoreThreadNotice = &tvxcore::utility::Platform::OnThreadNotice;
 }

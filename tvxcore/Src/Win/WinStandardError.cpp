@@ -9,12 +9,12 @@ namespace Platform {
 
 namespace {
 
-// One text's piece: what is called off is lost whole.
+// Maximum bytes per write; a cancelled write loses all of them.
 constexpr std::size_t kPiece = 4096;
 constexpr DWORD kPatience = 100;    // milliseconds
-constexpr DWORD kShortPatience = 1; // of a reader that is stuck
+constexpr DWORD kShortPatience = 1; // for a reader that is stuck
 
-// Calls the writes of the thread that made it off once their time is over, and again until it is gone: the first call
+// Cancels the writes of the constructing thread after the timeout, repeatedly until destruction: the first cancellation
 // may come before the write has begun.
 class Watch
 {
@@ -27,7 +27,7 @@ public:
         }
         mTimer = ::CreateThreadpoolTimer(&CallOff, mThread, nullptr);
         if (mTimer != nullptr) {
-            // Negative: from now on, in units of 100 ns.
+            // Negative: relative to now, in units of 100 ns.
             ULARGE_INTEGER due;
             due.QuadPart = static_cast<ULONGLONG>(-10'000LL * static_cast<LONGLONG>(inPatience));
             FILETIME time{due.LowPart, due.HighPart};
@@ -70,7 +70,7 @@ std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount,
 {
     const Watch watch(ioReaderIsStuck ? kShortPatience : kPatience);
     if (!watch.IsOn()) {
-        return 0; // without memory for it the text is dropped, too
+        return 0; // out of memory: the text is dropped too
     }
     const std::size_t written = Write(inPipe, inBytes, inCount);
     ioReaderIsStuck = written == 0 && ::GetLastError() == ERROR_OPERATION_ABORTED;
@@ -79,7 +79,7 @@ std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount,
 
 } // namespace
 
-// A process with windows has no such handle, and then the text is nobody's.
+// A GUI process has no such handle; its texts are dropped.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
 {
     const HANDLE file = ::GetStdHandle(STD_ERROR_HANDLE);

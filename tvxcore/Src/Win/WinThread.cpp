@@ -33,7 +33,7 @@ unsigned int __stdcall RunThread(void* inStart)
     return 0;
 }
 
-// A function that not every release of the system has.
+// Looks up a function that some releases of the system lack.
 template <class Function>
 Function LookUp(const wchar_t* inModule, const char* inName) noexcept
 {
@@ -42,8 +42,8 @@ Function LookUp(const wchar_t* inModule, const char* inName) noexcept
                reinterpret_cast<void*>(::GetProcAddress(module, inName)));
 }
 
-// Looked up at the load, not at the first call: that call may come when the process ends, and a static that is built
-// at its first use is guarded by locks of the C++ runtime, which a stopped thread may hold for good.
+// Looked up at load, not on the first call: that call may come during process exit, and the initialisation of a
+// function-local static takes locks of the C++ runtime, which a stopped thread may hold forever.
 using ShutdownInProgress = BOOLEAN(WINAPI*)();
 const ShutdownInProgress sIsEnding = LookUp<ShutdownInProgress>(L"ntdll.dll", "RtlDllShutdownInProgress");
 
@@ -110,7 +110,7 @@ unsigned int UsableProcessorCount_Impl() noexcept
             ++count;
         }
     }
-    // A process that spans processor groups has no mask.
+    // A process that spans processor groups has no affinity mask.
     return count != 0 ? count : ProcessorCount_Impl();
 }
 
@@ -130,7 +130,7 @@ std::int64_t MonotonicNanoseconds_Impl() noexcept
     LARGE_INTEGER now{};
     ::QueryPerformanceFrequency(&frequency);
     ::QueryPerformanceCounter(&now);
-    // In two steps: the product of the whole would overflow within a day.
+    // In two steps: the direct product would overflow within a day.
     constexpr std::int64_t kSecond = 1'000'000'000;
     return now.QuadPart / frequency.QuadPart * kSecond + now.QuadPart % frequency.QuadPart * kSecond / frequency.QuadPart;
 }

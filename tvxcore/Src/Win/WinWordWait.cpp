@@ -11,8 +11,7 @@ namespace Platform {
 
 bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpected, std::int64_t inNanoseconds)
 {
-    // Rounded up, so that a limit is never cut short; a longer wait than the type holds is cut and the caller looks
-    // again.
+    // Rounded up, so that a wait is never too short. A time that exceeds the type is clamped; the caller checks again.
     DWORD limit = INFINITE;
     if (inNanoseconds >= 0) {
         limit = static_cast<DWORD>(std::min<std::int64_t>((inNanoseconds + 999'999) / 1'000'000, INFINITE - 1));
@@ -24,7 +23,7 @@ bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpecte
     return !isTimedOut;
 }
 
-// At the end of the process all sleepers are gone, and one of them may hold a lock of the system's own list of sleepers.
+// At process exit all sleepers have been stopped, and one of them may hold a lock of the system's wait list.
 void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
 {
     if (!ProcessIsEnding_Impl()) {
