@@ -138,11 +138,18 @@ private:
 
 namespace Internal {
 
+// Compilers compare addresses as template arguments even where a sanitizer keeps them from folding "==".
+template <const Guid* inAddress>
+struct IdentifierAt
+{
+};
+
 // Returns whether the classes name the same constant: one of them inherits it.
 template <class First, class Second>
 constexpr bool ShareIdentifier()
 {
-    return !std::is_same_v<First, Second> && &First::kInterfaceID == &Second::kInterfaceID;
+    return !std::is_same_v<First, Second>
+           && std::is_same_v<IdentifierAt<&First::kInterfaceID>, IdentifierAt<&Second::kInterfaceID>>;
 }
 
 template <class Answer, class... Others>
