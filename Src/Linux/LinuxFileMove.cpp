@@ -113,7 +113,7 @@ public:
         return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
     }
 
-    // Syncs without a file of that volume at hand.
+    // Syncs the folder if it could be opened, otherwise nothing: for callers without a file on its volume.
     SystemError SyncIfOpen() const noexcept { return mFolder ? Sync(-1) : kNoError; }
 
 private:
@@ -123,8 +123,8 @@ private:
     const int mOpenError;
 };
 
-// Moves by copying; fails with 5 for folders. The source is deleted after the copy and its name have been synced. A
-// source that cannot be deleted stays beside the copy.
+// Moves by copying; fails with 5 for folders. The source is deleted after the copy has been synced, and its name too if
+// the folder can be opened. A source that cannot be deleted stays beside the copy.
 SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
 {
     const FolderToSync folder(FolderOf(inDestination.mPath));

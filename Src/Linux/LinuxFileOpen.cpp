@@ -58,8 +58,8 @@ int OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
     return file;
 }
 
-// Opens an existing file. A write-only handle to a file without read permission is invisible to other processes' share
-// modes.
+// Opens an existing file. A write-only handle to a file without read permission is invisible to the share modes of
+// other processes, unless it shares nothing.
 int OpenExisting(const std::string& inPath, const OpenWish& inWish)
 {
     const int mode = DescriptorMode(inWish);
