@@ -16,7 +16,7 @@
 
 namespace {
 
-/// One direction for each of two threads that signal each other alternately.
+/// A ping-pong between two threads, with one door for each direction.
 template <class Door>
 struct Court
 {

@@ -138,7 +138,7 @@ private:
     tbb::task_arena mArena;
 };
 
-// While it lives, keeps the single thread of a pool asleep.
+// During its lifetime, keeps the single thread of a pool asleep.
 template <class Pool>
 class Hold
 {

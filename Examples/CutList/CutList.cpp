@@ -180,7 +180,7 @@ bool HasPicture(const Event& inEvent)
     return inEvent.mTracks.find('V') != std::string::npos || inEvent.mTracks == "B";
 }
 
-/// Reports each error with its line. Returns true if there is none.
+/// Runs checks, prints each fault with its line, and records whether there was one.
 class Inspector
 {
 public:

@@ -37,7 +37,7 @@ void Raise(const TVXErrorManager& inManager, int inLevel, const char* inZString 
 
 std::vector<std::string> sTexts;
 
-/// Collects traced text while it lives; the category is initially off.
+/// Collects traced text during its lifetime; the category is initially off.
 class TraceRecorder
 {
 public:

@@ -14,7 +14,7 @@ using namespace ORLTest;
 
 namespace {
 
-/// While it lives, contract errors throw a TVXException.
+/// During its lifetime, contract errors throw a TVXException.
 class ThrowingHost
 {
 public:

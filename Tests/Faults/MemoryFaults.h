@@ -15,7 +15,8 @@ namespace ORLTest {
 enum class MemoryDoor { kSmallBlocks, kPages, kHeap };
 inline constexpr MemoryDoor kMemoryDoors[] = {MemoryDoor::kSmallBlocks, MemoryDoor::kPages, MemoryDoor::kHeap};
 
-/// While it lives, request number inNumber (from 1) of one allocator is refused; with inAllFurther, all later ones too.
+/// During its lifetime, request number inNumber (from 1) of one allocator is refused; with inAllFurther, all later ones
+/// too.
 class MemoryFaults
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While it lives, asynchronous reads that are started use that engine.
+/// During its lifetime, asynchronous reads that are started use that engine.
 class AsyncEngine
 {
 public:

@@ -24,7 +24,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// While it lives, the calling thread accesses files as an ordinary user; other threads do not.
+/// During its lifetime, the calling thread accesses files as an ordinary user; other threads do not.
 class AsOrdinaryUser
 {
 public:
@@ -38,7 +38,7 @@ private:
     uid_t mEarlier;
 };
 
-/// A file in memory that has a path as long as the object lives.
+/// A file in memory that has a path during the lifetime of the object.
 class FileInMemory
 {
 public:

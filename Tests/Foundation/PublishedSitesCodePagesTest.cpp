@@ -1,4 +1,4 @@
-// The sites of the conversions between code pages and 16-bit text.
+// The published checks of the conversions between code pages and 16-bit text.
 #include <PublishedSites.h>
 
 #include <CodePageConversion.h>

@@ -1,4 +1,4 @@
-// The sites of File. Their lines are not published.
+// The published checks of File. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <BlockCacheSupport.h>
@@ -9,7 +9,7 @@ using namespace ORLTest;
 
 namespace {
 
-// A file that is open as long as this object lives, and its folder.
+// A file that is open during the lifetime of this object, and its folder.
 struct OpenClip
 {
     OpenClip() { mFolder.MakeFile("f", "x"); }

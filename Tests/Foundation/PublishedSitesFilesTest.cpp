@@ -1,4 +1,4 @@
-// The sites of the files room: paths and asynchronous reads. Their lines are not published.
+// The published checks of paths and asynchronous reads. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <AsyncFileReaderImpl.h>

@@ -1,4 +1,4 @@
-// The sites of geometry. The hash's site "len < 12" cannot fail: the loop before it leaves fewer bytes.
+// The published checks of geometry. The hash's check "len < 12" cannot fail: the loop before it leaves fewer bytes.
 #include <PublishedSites.h>
 
 #include <ORLGeometry.h>

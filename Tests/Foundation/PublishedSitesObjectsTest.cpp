@@ -1,4 +1,4 @@
-// The sites of the class factory, large buffers and names.
+// The published checks of the class factory, large buffers and names.
 #include <PublishedSites.h>
 
 #include <ClassCategories.h>

@@ -1,4 +1,4 @@
-// The sites of thread records and of the flush. Their lines are not published.
+// The published checks of thread records and of the flush. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <ORLThreadManager.h>

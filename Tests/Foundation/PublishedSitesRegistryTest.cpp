@@ -1,4 +1,4 @@
-// The sites of registry keys.
+// The published checks of registry keys.
 #include <PublishedSites.h>
 
 #include <ORLRegistryKey.h>

@@ -1,4 +1,4 @@
-// The sites of symbolic directories and of the application object.
+// The published checks of symbolic directories and of the application object.
 #include <PublishedSites.h>
 
 #include <ORLApplication.h>

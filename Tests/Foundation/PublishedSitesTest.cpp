@@ -1,4 +1,4 @@
-// The sites of the core and of the objects room.
+// The published checks of the core and of the objects room.
 #include <PublishedSites.h>
 
 #include <ORLAtomic.h>

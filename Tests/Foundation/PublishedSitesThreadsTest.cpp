@@ -1,4 +1,4 @@
-// The sites of the threads room. Their lines are not published.
+// The published checks of the threads room. Their line numbers are not published.
 #include <PublishedSites.h>
 #include <WithoutHandle.h>
 

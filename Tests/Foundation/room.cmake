@@ -31,7 +31,8 @@ endif()
 
 add_dependencies(${room_target} lifecycle_host lifecycle_static_host load_unload_host ORLFoundation)
 
-# Some published checks fail only on a system in trouble: the linker redirects these functions to the tests.
+# Some published checks fail only after a system error. The linker redirects these functions to the tests, which
+# simulate it.
 foreach(symbol _ZN3ORL10PageMemory8Platform17QueryNewMode_ImplEv _ZN3ORL13ThreadManager8Platform17AllocateSlot_ImplEv)
   target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol})
 endforeach()

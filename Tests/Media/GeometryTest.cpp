@@ -38,7 +38,7 @@ struct Spline
     }
 };
 
-// The second derivatives by Thomas's algorithm on the textbook's equations:
+// The second derivatives, computed with the Thomas algorithm from the textbook equations:
 // h[i-1] m[i-1] + 2 (h[i-1] + h[i]) m[i] + h[i] m[i+1] = 6 (slope[i] - slope[i-1]), both ends 0.
 std::vector<long double> ExactBends(const Floats& x, const Floats& y)
 {
@@ -279,9 +279,9 @@ TEST(PointToLineSegmentDistance2D, ADegenerateSegment_GivesThePlainDistance)
 
 TEST(PointToLineSegmentDistance2D, AFootBetweenGridPoints_IsTruncatedToTheGrid)
 {
-    // The true foot is (1.5, 1.5), the true distance 2.1213; the truncated foot is (1, 1).
+    // The exact foot of the perpendicular is (1.5, 1.5), the exact distance 2.1213; the truncated foot is (1, 1).
     EXPECT_FLOAT_EQ(std::sqrt(5.0f), Distance({3, 0}, {0, 0}, {10, 10}));
-    // Negative feet are truncated toward zero: (-1, -1).
+    // A negative foot is truncated toward zero: (-1, -1).
     EXPECT_FLOAT_EQ(std::sqrt(5.0f), Distance({-3, 0}, {0, 0}, {-10, -10}));
 }
 

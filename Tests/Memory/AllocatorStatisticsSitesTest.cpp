@@ -32,7 +32,7 @@ namespace {
 
 void Ignore(const unsigned char*) {}
 
-/// Two regions and three heaps.
+/// Reports two regions and three heaps.
 class FewRegions : public RegionSource
 {
 public:

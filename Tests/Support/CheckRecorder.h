@@ -1,4 +1,4 @@
-// Records every report that a check makes while the recorder lives, and answers the report.
+// Records every report that a check makes during its lifetime, and answers the report.
 #pragma once
 
 #include <tvxcore/Debug.h>
@@ -26,8 +26,8 @@ struct CheckReport
     std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after its call
 };
 
-/// One recorder at a time. While it lives, a failed contract returns to its caller, or throws ContractError if mThrow
-/// is set.
+/// One recorder at a time. During its lifetime, a failed contract returns to its caller, or throws ContractError if
+/// mThrow is set.
 class CheckRecorder : public tvxcore::config::ErrorManager
 {
 public:

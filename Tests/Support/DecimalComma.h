@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While it lives, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no such
+/// During its lifetime, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no such
 /// locale.
 class DecimalComma
 {

@@ -11,8 +11,8 @@
 
 namespace ORLTest {
 
-/// While it lives, opening one of the named files opens the test's contents. All other calls go to the kernel. Faults
-/// can be added on top. One object at a time.
+/// During its lifetime, opening one of the named files opens the test's contents. All other calls go to the kernel.
+/// Faults can be added on top. One object at a time.
 class FakeProc
 {
 public:

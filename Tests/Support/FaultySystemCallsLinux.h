@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// While it lives, every system call of the library goes through it. One object at a time. Thread-safe.
+/// During its lifetime, every system call of the library goes through it. One object at a time. Thread-safe.
 ///
 ///   FaultySystemCalls calls;
 ///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While it lives, standard error is a pipe that is read only by TakeAll. It holds at least 32 KiB of short texts.
+/// During its lifetime, standard error is a pipe that is read only by TakeAll. It holds at least 32 KiB of short texts.
 class StandardErrorPipe
 {
 public:
@@ -27,7 +27,7 @@ private:
     std::intptr_t mOld;
 };
 
-/// While it lives, standard error is closed.
+/// During its lifetime, standard error is closed.
 class NoStandardError
 {
 public:

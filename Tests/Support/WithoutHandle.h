@@ -5,7 +5,7 @@
 
 namespace ORLTest {
 
-/// Its handle is null as long as the object lives.
+/// Its handle is null during the lifetime of the object.
 class WithoutHandle : public ORL::WaitableObject
 {
 public:

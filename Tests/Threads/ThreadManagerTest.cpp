@@ -16,8 +16,8 @@
 using namespace ORL;
 using ORLTest::CheckReport;
 
-// The main thread of a process is fixed once. The test command therefore runs every test in its own process. The tests
-// below also pass in one process, as long as the same thread registers.
+// The main thread of a process can be set only once. The test command therefore runs every test in its own process. The
+// tests below also pass in one process, as long as the same thread registers.
 
 namespace {
 

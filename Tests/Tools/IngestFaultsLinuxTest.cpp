@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The system calls that the tool makes directly. While it lives, they are counted, and one of them may fail.
+/// The system calls that the tool makes directly. During its lifetime, they are counted, and one of them may fail.
 class FaultyIngestCalls
 {
 public:

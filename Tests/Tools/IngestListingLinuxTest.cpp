@@ -77,7 +77,7 @@ bool IsWholeOrTold(const orl::IngestListing& inListing, std::size_t inFiles)
     return isTold || inListing.mFiles.size() == inFiles;
 }
 
-// While it lives, the listing fails at call number inNumber.
+// During its lifetime, the listing fails at call number inNumber.
 class BrokenListing
 {
 public:

@@ -23,7 +23,7 @@ namespace {
 constexpr int kDepth = 3000;
 constexpr rlim_t kFewDescriptors = 64;
 
-/// While it lives, the process may open only a few descriptors.
+/// During its lifetime, the process may open only a few descriptors.
 class FewDescriptors
 {
 public:

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// While it lives, standard error is a full device: it is ready for a write, and the write fails.
+/// During its lifetime, standard error is a full device: it is ready for a write, and the write fails.
 class FullStandardError
 {
 public:

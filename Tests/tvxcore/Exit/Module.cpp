@@ -55,8 +55,8 @@ std::size_t SizeOf(std::size_t inIndex)
     return 1 + inIndex * 7919 % 20000;
 }
 
-// Returns sizes of the allocator's classes only. Larger blocks come from the C library. Its exit handler waits for the
-// system's heap, so a thread ended inside the heap could block the exit, outside our control.
+// Returns sizes of the allocator's classes only. Larger blocks come from the C library. Its exit code waits for the
+// system's heap, so a thread that was ended inside the heap could block the exit before any code of ours runs.
 std::size_t SmallSizeOf(std::size_t inIndex)
 {
     return 1 + inIndex * 7919 % 16384;

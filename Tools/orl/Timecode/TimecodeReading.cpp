@@ -99,7 +99,8 @@ void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
     }
 }
 
-// While it lives, a failing check of the library is recorded and not shown: typed text is at fault, not the library.
+// During its lifetime, a failing check of the library is recorded and not shown: typed text is at fault, not the
+// library.
 class NotedChecks
 {
 public:
@@ -157,7 +158,7 @@ bool IsLeftOut(const std::string& inText, TimeDisplay inDisplay)
     return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < LabelsLeftOut(inDisplay);
 }
 
-// Whether the time exceeds a day's labels so far that the library's fold has made it worse.
+// Whether the time of a label is more than two days from zero. The library's fold moves some negative times that far.
 bool IsBeyondTheDay(const TickTime& inTime)
 {
     return inTime > TickTime(172800.0) || inTime < TickTime(-172800.0);
