@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-/// Where the walk gets its regions and its number of heaps.
+/// The source of memory regions and of the number of heaps.
 class RegionSource
 {
 public:
@@ -16,7 +16,7 @@ public:
     virtual unsigned long HeapCount() = 0;
 };
 
-/// What TraceAllocatorStatistics does, with ioSource in place of the system.
+/// Same as TraceAllocatorStatistics, with ioSource in place of the system.
 void TraceAllocatorStatisticsFrom(RegionSource& ioSource);
 
 } // namespace ORL

@@ -1,13 +1,13 @@
 // Floor: Media
-// The angle of a vector, with the same bits on every platform. C runtimes differ in the last bits of theirs.
+// The angle of a vector, bit-identical on every platform. The arctangents of C runtimes differ in the last bits.
 #pragma once
 
 #include <cmath>
 
 namespace ORL {
 
-/// The angle of (inX, inY) in radians, from -pi to pi, rounded to the nearest float. Zeros, infinities and signs as the
-/// standard's atan2 has them; not a number if either is not a number.
+/// Returns the angle of (inX, inY) in radians, from -pi to pi, rounded to the nearest float. Zeros, infinities and
+/// signs behave as in the standard's atan2. Returns NaN if either is NaN.
 inline float Arctangent2(float inY, float inX)
 {
     if (inX != inX || inY != inY) {
@@ -24,7 +24,8 @@ inline float Arctangent2(float inY, float inX)
     } else if (std::isinf(across) && std::isinf(up)) {
         ratio = 1;
     }
-    // The series converges fast below tan(pi / 8); the tangent of a difference brings the others there.
+    // The series converges fast below tan(pi / 8); the formula for the tangent of a difference maps larger ratios
+    // there.
     const bool isTurned = ratio > 0.41421356;
     const double tangent = isTurned ? (ratio - 1) / (ratio + 1) : ratio;
     const double square = tangent * tangent;

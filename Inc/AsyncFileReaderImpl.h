@@ -1,5 +1,6 @@
 // Floor: Files
-// What stands behind AsyncFileReader: the record of a reader, the record of a read, start and stop of the machinery.
+// The implementation of AsyncFileReader: the record of a reader, the record of a read, start and stop of asynchronous
+// reads.
 #pragma once
 
 #include <ORLAsyncFileReader.h>
@@ -14,12 +15,12 @@
 
 namespace ORL {
 
-/// Makes the completion port, the completion thread and the executor that starts reads. Input contract: they do not
-/// exist. With an exception of the executor's making nothing is left behind.
+/// Creates the completion port, the completion thread and the executor that starts reads. Fires an input contract if
+/// they exist. If creating the executor throws, everything is undone.
 void StartupAsyncFileOperations();
 
-/// Ends them. Completions already at the port still reach their callbacks. Readers should be closed by now: reads
-/// still in flight report to nobody.
+/// Stops and destroys them. Callbacks of completions already at the port still run. Readers should be closed before:
+/// reads still in flight are not reported.
 void TerminateAsyncFileOperations();
 
 struct AsyncReadRequest;
@@ -28,7 +29,7 @@ using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
 /// One read, from QueueReadRequest until its callback has returned.
 struct AsyncReadRequest
 {
-    AsyncFiles::Platform::Overlapped mOverlapped; // first: the pointer that a port hands back is the request itself
+    AsyncFiles::Platform::Overlapped mOverlapped; // first: the pointer that a port returns is the request itself
     std::uint64_t mFilePosition;
     std::uint32_t mSize;
     void* mBuffer; // the caller's
@@ -50,7 +51,7 @@ struct ORL_LOCAL AsyncFileReader::PrivateImpl : Impl
     AsyncReadBusyRequests mBusyRequests;
 };
 
-/// The pool of the process, of 2048 records.
+/// The pool of the process, with 2048 records.
 using AsyncReadRequests = AsyncReadRequestPool<AsyncReadRequest, 2048>;
 AsyncReadRequests& TheAsyncReadRequests();
 

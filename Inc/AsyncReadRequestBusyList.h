@@ -1,5 +1,5 @@
 // Floor: Threads
-// The reads of one reader that have not finished, and the wait for the last of them.
+// The unfinished reads of one reader, and waiting for all of them.
 #pragma once
 
 #include <ORLDebug.h>
@@ -14,11 +14,10 @@ namespace ORL {
 
 /// The requests in flight on one reader. The list does not own them.
 ///
-/// Threads:  every operation may be called from any thread. The callback of a read must not wait for its own list:
-///           its request is still in there.
+/// Threads:  thread-safe. The callback of a read must not wait for its own list, which still contains its request.
 /// Locks:    mLock, then the lock of the gate pool or the mutex of a gate. mLock is not held while a thread waits.
-/// Gate:     it stays open from the moment the list is empty until the last waiter has left. A thread that comes to
-///           wait in that short span passes at once, even if a new read is in flight.
+/// Gate:     it is open from the moment the list becomes empty until the last waiter has left. A thread that starts to
+///           wait in that short time passes at once, even if a new read is in flight.
 template <class Request, class Policy = Sync::SystemPolicy>
 class AsyncReadRequestBusyList
 {
@@ -28,8 +27,8 @@ public:
     AsyncReadRequestBusyList(const AsyncReadRequestBusyList&) = delete;
     AsyncReadRequestBusyList& operator=(const AsyncReadRequestBusyList&) = delete;
 
-    /// Enters a request. Input contract: it is not in the list. Throws std::bad_alloc, with the list as it was, when
-    /// memory is out.
+    /// Adds a request. Fires an input contract if it is in the list. Throws std::bad_alloc and then leaves the list
+    /// unchanged.
     void Add(Request* inRequest)
     {
         typename Policy::LockScope lock(mLock);
@@ -37,7 +36,7 @@ public:
         Policy::Write(mBusyList).insert(inRequest);
     }
 
-    /// Takes a request out, and releases the waiting threads when it was the last one. Input contract: it is in the
+    /// Removes a request; if it was the last one, releases the waiters. Fires an input contract if it is not in the
     /// list.
     void Remove(Request* inRequest)
     {
@@ -50,7 +49,7 @@ public:
         }
     }
 
-    /// Returns once no request is in the list. With an empty list it returns at once and takes no gate.
+    /// Blocks until no request is in the list. If the list is empty, returns at once without a gate.
     void WaitForPendingReads()
     {
         typename Policy::Gate* const gate = JoinWaiters();
@@ -66,21 +65,21 @@ public:
         LeaveWaiters(gate);
     }
 
-    /// How many requests are in the list now.
+    /// Returns the number of requests in the list.
     std::size_t CountRequests() const
     {
         typename Policy::LockScope lock(mLock);
         return Policy::Read(mBusyList).size();
     }
 
-    /// How many threads are in WaitForPendingReads now.
+    /// Returns the number of threads in WaitForPendingReads.
     std::uint32_t CountWaiters() const
     {
         typename Policy::LockScope lock(mLock);
         return Policy::Read(mWaiterCount);
     }
 
-    /// The gate that the waiting threads share; null when nobody waits.
+    /// Returns the gate that the waiters share, or null if there are none.
     typename Policy::Gate* GetDrainedGate() const
     {
         typename Policy::LockScope lock(mLock);
@@ -91,7 +90,7 @@ private:
     using Requests = std::set<Request*, std::less<Request*>,
                               typename Policy::template StlAllocator<Request*>>;
 
-    // Null when there is nothing to wait for.
+    // Returns null if there is nothing to wait for.
     typename Policy::Gate* JoinWaiters()
     {
         typename Policy::LockScope lock(mLock);
@@ -115,8 +114,8 @@ private:
         }
     }
 
-    // A host may interrupt the sleep of its thread. The pool takes back open gates only, and nobody else is at this one
-    // when the last waiter leaves.
+    // A host may interrupt a waiting thread. The pool accepts only open gates, and the last waiter is the only thread
+    // at this one.
     void LeaveInterrupted(typename Policy::Gate* inGate)
     {
         typename Policy::LockScope lock(mLock);
@@ -129,10 +128,10 @@ private:
     template <class T>
     using Guarded = typename Policy::template Guarded<T>;
 
-    mutable typename Policy::Lock mLock;                    // guards all that follows
-    Guarded<typename Policy::Gate*> mDrainedGate{nullptr};  // lent by the pool while anyone waits
-    Guarded<std::uint32_t> mWaiterCount{0};                 // threads that wait at it
-    Guarded<Requests> mBusyList;                            // in order of their addresses
+    mutable typename Policy::Lock mLock;                    // guards all of the below
+    Guarded<typename Policy::Gate*> mDrainedGate{nullptr};  // borrowed from the pool while there are waiters
+    Guarded<std::uint32_t> mWaiterCount{0};                 // number of waiters
+    Guarded<Requests> mBusyList;                            // ordered by address
 };
 
 } // namespace ORL

@@ -1,5 +1,5 @@
 // Floor: Threads
-// The fixed pool that the records of asynchronous reads come from.
+// The fixed pool for the records of asynchronous reads.
 #pragma once
 
 #include <ORLDebug.h>
@@ -10,13 +10,13 @@
 
 namespace ORL {
 
-/// A number of records of one kind, lent without a lock. It never fails and never grows: when all records are taken,
-/// the thread that wants one sleeps in steps of 10 ms until one is free.
+/// A fixed number of records, allocated without a lock. It never fails and never grows: if all records are in use, the
+/// caller sleeps in steps of 10 ms until one is free.
 ///
-/// Request:      what a record lends; default-constructible, and kept as its last owner left it.
+/// Request:      the type of a record; default-constructible. A reused record keeps its old contents.
 /// kRecordCount: a power of two, so that the rotating index may wrap.
-/// Threads:      every operation may be called from any thread.
-/// A pool of static life whose requests are zero at first is zeroed at load, before any code runs:
+/// Threads:      thread-safe.
+/// A static pool whose requests are initially zero is zero-initialised at load, before any code runs:
 ///   static AsyncReadRequestPool<AsyncReadRequest, 2048> sRequestPool;
 template <class Request, std::uint32_t kRecordCount, class Policy = Sync::SystemPolicy>
 class AsyncReadRequestPool
@@ -26,13 +26,13 @@ class AsyncReadRequestPool
 public:
     constexpr AsyncReadRequestPool() = default;
 
-    /// The search begins at that index.
+    /// Starts the search at that index.
     explicit AsyncReadRequestPool(std::uint32_t inNextIndex) : mNextIndex(inNextIndex) {}
 
     AsyncReadRequestPool(const AsyncReadRequestPool&) = delete;
     AsyncReadRequestPool& operator=(const AsyncReadRequestPool&) = delete;
 
-    /// A request that belongs to the caller until FreeAsyncReadRequest. Never null. The caller fills in every field.
+    /// Returns a request that the caller owns until FreeAsyncReadRequest. Never null. The caller must set every field.
     Request* AllocateAsyncReadRequest()
     {
         for (;;) {
@@ -46,8 +46,8 @@ public:
         }
     }
 
-    /// Gives a request of this pool back. Input contract "inRequest != NULL"; a request that is not taken is reported
-    /// by an assertion.
+    /// Frees a request of this pool. Fires the input contract "inRequest != NULL"; reports an assertion if the request
+    /// is not in use.
     void FreeAsyncReadRequest(Request* inRequest)
     {
         ORL_INPUT_CONTRACT(inRequest != NULL);
@@ -60,7 +60,7 @@ public:
         Policy::Exchange(allocRecord->mBusy, 0);
     }
 
-    /// How many records are taken at this moment.
+    /// Returns the number of records in use.
     std::uint32_t CountBusyRecords()
     {
         std::uint32_t count = 0;
@@ -73,7 +73,7 @@ public:
 private:
     struct Record
     {
-        typename Policy::Word mBusy{0}; // 1 while the record is taken
+        typename Policy::Word mBusy{0}; // 1 while the record is in use
         Request mRequest{};
     };
 
@@ -96,7 +96,7 @@ private:
     }
 
     Record mRecords[kRecordCount];
-    typename Policy::Word mNextIndex{0}; // only its value modulo the number of records is used
+    typename Policy::Word mNextIndex{0}; // used modulo the number of records
 };
 
 } // namespace ORL

@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-// Standard libraries differ in the text of their own exception; ours is the same everywhere.
+// The text of std::bad_alloc differs between standard libraries; this one is the same everywhere.
 class BadAllocation : public std::bad_alloc
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace ORL {
 
-/// The vector of a category, made where there is none. CategoryMap is a std::map from Guid to std::vector<Guid>.
+/// Returns the vector of a category; creates it if missing. CategoryMap is a std::map from Guid to std::vector<Guid>.
 template <class CategoryMap>
 std::vector<tvxcore::utility::Guid>& GetOrCreateClassIDVector(CategoryMap& inCategoryMap,
                                                               const tvxcore::utility::Guid& inCategory)

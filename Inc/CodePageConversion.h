@@ -1,5 +1,6 @@
 // Floor: System
-// The conversions of ORLStringUtils.h with the code page as an argument. Each is a check site of its own.
+// The conversions of ORLStringUtils.h with the code page as a parameter. Each reports its assertions under its own
+// name.
 #pragma once
 
 #include <tvxcore/String.h>

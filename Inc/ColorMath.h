@@ -1,5 +1,5 @@
 // Floor: Media
-// What the HSV and HSL families share: channels, sectors, hues, and the stored integer forms.
+// Shared by the HSV and HSL families: channels, sectors, hues, and the stored integer forms.
 #pragma once
 
 #include <ORLColor.h>
@@ -22,8 +22,8 @@ inline bool IsNearZero(float inValue)
     return std::fabs(inValue) < 0.0001f;
 }
 
-/// Red, green and blue, and the first two again: behind each channel stand the two others in their order. Indexing needs
-/// no branch, and which channel of a colour is the largest cannot be predicted.
+/// Red, green, blue, red, green: each channel is followed by the two others in order. Indexing needs no branch; a
+/// branch on which channel is the largest would be unpredictable.
 struct ChannelRing
 {
     ChannelRing(float inRed, float inGreen, float inBlue) : mChannels{inRed, inGreen, inBlue, inRed, inGreen} {}
@@ -37,7 +37,7 @@ inline constexpr unsigned kRed = 0;
 inline constexpr unsigned kGreen = 1;
 inline constexpr unsigned kBlue = 2;
 
-/// The hue as a share of the circle. inSpread is the largest channel less the smallest.
+/// Returns the hue as a fraction of the circle. inSpread is the largest channel minus the smallest.
 inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
 {
     static constexpr float kSectors[] = {-0.0f, 2, 4}; // adding -0 changes no number
@@ -46,12 +46,12 @@ inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
     return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);
 }
 
-/// The two choices of the largest and the smallest channel differ where channels are equal.
+/// HSV and HSL choose the largest and the smallest channel differently if channels are equal.
 inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
     const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;
     const unsigned isBlue = inColor[kBlue] > inColor[redOrGreen] ? 1 : 0;
-    return (redOrGreen & (isBlue ^ 1u)) | (kBlue * isBlue); // compilers branch on a second choice
+    return (redOrGreen & (isBlue ^ 1u)) | (kBlue * isBlue); // for a second conditional, compilers emit a branch
 }
 
 inline float SmallestOfHSV(const ChannelRing& inColor)
@@ -65,13 +65,13 @@ inline ChannelRing Normalized(const ParamColor<unsigned long>& inColor)
     return {inColor.GetRed() / 255.0f, inColor.GetGreen() / 255.0f, inColor.GetBlue() / 255.0f};
 }
 
-/// Degrees or percent of a value from 0 to 1; the 0.5 is added in double.
+/// Returns the degrees or percent of a value from 0 to 1. Adds the 0.5 in double.
 inline unsigned int Whole(float inValue, float inWhole)
 {
     return static_cast<unsigned int>(static_cast<int>(inValue * inWhole + 0.5));
 }
 
-/// Low 8 bits of the rounded channel.
+/// Returns the low 8 bits of the rounded channel.
 inline unsigned char StoredChannel(float inValue)
 {
     return static_cast<unsigned char>(Wrapping::TruncateToInt(inValue * 255.0f + 0.5f));
@@ -82,13 +82,13 @@ inline ParamColor<unsigned long> Stored(const RGB& inColor)
     return {StoredChannel(inColor.mRed), StoredChannel(inColor.mGreen), StoredChannel(inColor.mBlue)};
 }
 
-/// The low 32 bits of a truncated value; a negative one wraps.
+/// Returns the low 32 bits of a truncated value; a negative one wraps.
 inline unsigned int StoredNumber(double inValue)
 {
     return static_cast<unsigned int>(Wrapping::TruncateToUnsigned64(inValue));
 }
 
-/// Degrees or percent of any value; the 0.5 is added in float.
+/// Returns the degrees or percent of any value. Adds the 0.5 in float.
 inline unsigned int StoredInFloat(float inValue, float inWhole)
 {
     return StoredNumber(inValue * inWhole + 0.5f);
@@ -101,8 +101,8 @@ inline void SetFlag(bool* outFlag, bool inValue)
     }
 }
 
-/// A colour as the HSV and the HSL family see it: each has its own level, and its own spread that is a saturation of 1.
-/// The spread is the largest channel less the smallest.
+/// A colour in HSV or HSL. Each family has its own level, and its own spread at which the saturation is 1. The spread
+/// is the largest channel minus the smallest.
 struct Shade
 {
     unsigned mLargest;
@@ -111,8 +111,8 @@ struct Shade
     float mFullSpread;
 };
 
-/// Stores hue and saturation where the colour has them. inStore makes an output of a value and its whole. Outputs are
-/// stored as they are found: a record of them, with flags, costs half as much again.
+/// Stores hue and saturation if the colour has them. inStore converts a value and its full scale to an output. Stores
+/// directly: returning a record with flags costs 50 % more.
 template <class Number, class Store>
 inline void StoreHueAndSaturation(const ChannelRing& inColor, const Shade& inShade, Number& outH, Number& outS,
                                   bool* outHasHue, bool* outHasSaturation, const Store& inStore)

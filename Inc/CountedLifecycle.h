@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Start and stop that are counted: the first start and the last stop do the work.
+// Counted start and stop: only the first start and the last stop run the steps.
 #pragma once
 
 #include <ORLCriticalSection.h>
@@ -16,9 +16,9 @@ struct LifecycleStep
     void (*mRun)();
 };
 
-/// Runs the steps of the start when the count leaves 0, and those of the stop when it comes back to 0. Any thread may
-/// call both operations: the lock is held over the whole of each. An exception of a step leaves with the lock released
-/// and the count as it was; steps that had finished stay done.
+/// Runs the start steps when the count becomes 1, and the stop steps when it becomes 0. Thread-safe: each operation
+/// holds the lock throughout. If a step throws, the exception propagates, the lock is released and the count is
+/// unchanged; finished steps are not undone.
 struct CountedLifecycle
 {
     template <std::size_t StartCount, std::size_t StopCount>
@@ -29,18 +29,19 @@ struct CountedLifecycle
 
     void Initialize();
 
-    /// Is not guarded against being called once too often: the count is then -1, and nothing is run.
+    /// An extra call is not detected: the count becomes -1, and nothing runs.
     void Terminate();
 
     const LifecycleStep* mStart;
     std::size_t mStartCount;
     const LifecycleStep* mStop;
     std::size_t mStopCount;
-    std::int32_t mCount = 0; // starts less stops
+    std::int32_t mCount = 0; // starts minus stops
     CriticalSection mLock;
 };
 
-/// The start and stop of the library. Built with the other statics, so it exists before anybody can start it.
+/// Returns the lifecycle of the library. It is a static object, so it exists before any host code can start the
+/// library.
 CountedLifecycle& FoundationLifecycle();
 
 } // namespace ORL

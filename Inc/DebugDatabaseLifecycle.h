@@ -1,5 +1,5 @@
 // Floor: Diagnostics
-// The end of the debug database. It runs under the foundation lock.
+// Destroys the debug database. Runs under the foundation lock.
 #pragma once
 
 namespace ORL {

@@ -1,5 +1,5 @@
 // Floor: System
-// The grammar of a directory's pattern, apart from the table that resolves its references.
+// The grammar of directory patterns, without the table that resolves references.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -10,21 +10,21 @@
 
 namespace ORL {
 
-/// The part of a pattern that is read next.
+/// One parsed part of a pattern.
 struct PatternPiece
 {
     using Text = std::basic_string_view<unsigned short>;
 
     Text mText;   // as written
-    Text mSymbol; // of a reference; empty for literal text
+    Text mSymbol; // the symbol of a reference; empty for literal text
 };
 
-/// Cuts a pattern into literal text and references. A "$" without "(" after it, or a "$(" without ")", is literal text
-/// up to the end of the pattern.
+/// Splits a pattern into literal text and references. A "$" without "(" after it, or a "$(" without ")", is literal
+/// text up to the end of the pattern.
 class DirectoryPattern
 {
 public:
-    /// inPattern must outlive the object. Leading white space is skipped; vertical tabs do not belong to it.
+    /// inPattern must outlive the object. Skips leading white space, except vertical tabs.
     explicit DirectoryPattern(const UTF16String& inPattern)
         : mNext(inPattern.data()), mEnd(inPattern.data() + inPattern.size())
     {
@@ -33,7 +33,7 @@ public:
         }
     }
 
-    /// False at the end of the pattern, with outPiece unchanged.
+    /// Returns false, with outPiece unchanged, at the end of the pattern.
     bool GetNext(PatternPiece& outPiece)
     {
         if (mNext == mEnd) {

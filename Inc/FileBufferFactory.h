@@ -1,5 +1,5 @@
 // Floor: Files
-// The factory that the host has set. It is kept with the start and stop of the library, whose lock guards it.
+// The factory that the host has set. It is stored with the library's start and stop, whose lock guards it.
 #pragma once
 
 #include <ORLFile.h>
@@ -7,7 +7,7 @@
 namespace ORL {
 namespace Foundation {
 
-/// A counted copy; null when none is set. Takes the foundation lock.
+/// Returns a counted copy, or null if none is set. Takes the foundation lock.
 InterfaceRef<IFileBufferFactory, IFileBufferFactory> GetFileBufferFactory();
 
 } // namespace Foundation

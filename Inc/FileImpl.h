@@ -1,5 +1,5 @@
 // Floor: Files
-// What stands behind File.
+// The implementation of File.
 #pragma once
 
 #include <ORLFile.h>
@@ -20,10 +20,10 @@ struct ORL_LOCAL File::PrivateImpl : Impl
 
     bool IsOpen() const noexcept { return mHandle != Files::Platform::InvalidHandle(); }
 
-    /// The size as the system tells it in two halves.
+    /// Returns the size, which the system reports in two halves.
     std::uint64_t GetSize() const;
 
-    /// Asks the factory for a buffer, and gives whether there is one.
+    /// Requests a buffer from the factory. Returns whether it provided one.
     bool SetUpBuffer(const UTF16String& inFullPath);
 
     Result ReadFromSystem(void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
@@ -42,19 +42,19 @@ namespace Files {
 /// The smallest block of a cache.
 inline constexpr std::uint32_t kSmallestBlock = 65536;
 
-/// A failure that is no named code.
+/// A failure without a specific code.
 inline constexpr Result kBareFailure = -1;
 
-/// kSuccess for 0.
+/// Returns kSuccess for 0.
 Result ResultOf(SystemError inError);
 
-// The system's words for the flags. Bits that are no flag add nothing.
+// The system's values for the flags. Unknown bits are ignored.
 std::uint32_t SystemAccess(FileAccessFlags::Type inAccess) noexcept;
 std::uint32_t SystemShareMode(FileShareModeFlags::Type inShareMode) noexcept;
-/// The numbers of several dispositions are joined by OR, which makes another one, or none.
+/// Combining several dispositions with OR yields another disposition, or none.
 std::uint32_t SystemDisposition(FileCreateDispositionFlags::Type inDisposition) noexcept;
 std::uint32_t SystemFlags(FileAttributesFlags::Type inAttributes) noexcept;
-/// What is no method counts as kFilePointer_Current.
+/// Values that are not a method are treated as kFilePointer_Current.
 std::uint32_t SystemMoveMethod(FilePointerMoveMethod::Type inMethod) noexcept;
 
 } // namespace Files

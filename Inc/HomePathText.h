@@ -1,7 +1,6 @@
 // Floor: Files
-// The home platform's services over the text of paths, in portable code: what they give there, they give everywhere.
-// Names are compared without regard to case, and "/" is an ordinary character. Every text is read up to its
-// terminator.
+// The home platform's functions on the text of paths, as portable code with the same results on every platform. Names
+// are compared case-insensitively, and "/" is an ordinary character. Every text is read up to its terminator.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -12,27 +11,28 @@ namespace ORL {
 namespace PathUtils {
 namespace HomeText {
 
-/// What Combine and RelativePathTo give at most, the terminator included.
+/// Maximum size of the results of Combine and RelativePathTo, terminator included.
 inline constexpr std::size_t kMaxPath = 260;
 
-/// The first unit of the drive and ":"; the directory and a backslash, unless it ends in a separator; the file; the
-/// extension behind a ".". What is empty adds nothing.
+/// Joins the first unit of the drive and ":"; the directory and a backslash, unless it ends in a separator; the file;
+/// "." and the extension. Empty parts add nothing.
 UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                      const UTF16String& inExtension);
 
-/// What follows the first backslash, or the first two where they stand together; else the end. Null for an empty text.
+/// Returns the text after the first backslash, or after the first two if adjacent; without a backslash, the end.
+/// Returns null for an empty text.
 const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 
-/// The way from one directory to the other. False, with outRelative untouched, when no name at their beginning is
-/// common, when one alone is a UNC path, or when the result would not fit kMaxPath.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if they have no common
+/// first name, if only one is a UNC path, or if the result exceeds kMaxPath.
 bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// inMore as seen from inBase: put behind it when relative, behind its root when it begins with a backslash, alone
-/// when it has a drive or is UNC; then "." and ".." resolved. False, with outPath untouched, when the joined text would
-/// not fit kMaxPath.
+/// Stores inMore relative to inBase: appended if relative, below the root of inBase if it begins with a backslash,
+/// alone if it has a drive or is UNC. Then resolves "." and "..". Returns false, with outPath untouched, if the joined
+/// text exceeds kMaxPath.
 bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
-/// Whether the text is a root: "\", "X:\", "\\", "\\server" or "\\server\share".
+/// Returns whether the text is a root: "\", "X:\", "\\", "\\server" or "\\server\share".
 bool IsRoot(const UTF16String& inPath) noexcept;
 
 } // namespace HomeText

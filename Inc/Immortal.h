@@ -4,8 +4,8 @@
 
 namespace ORL {
 
-/// Keeps its value past the end of the process's static objects, for threads that a host has not stopped by then. The
-/// value is made at compile time, and what it holds at the end is left to the system.
+/// Keeps its value after static destruction, for threads of a host that still run then. Constant-initialised; the
+/// system reclaims its memory at process exit.
 template <class T>
 union Immortal
 {

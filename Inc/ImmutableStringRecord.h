@@ -1,5 +1,5 @@
 // Floor: Strings
-// The record behind the handles of one interned text.
+// The shared record of one interned text.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -11,7 +11,7 @@ namespace ORL {
 class ImmutableString::InternalRepresentation
 {
 public:
-    /// A static record, or a key to search with. Null gives the empty text.
+    /// A static record, or a search key. Null creates the empty text.
     explicit InternalRepresentation(const unsigned char* inStaticText) : mStaticText(inStaticText) {}
 
     /// A dynamic record of a text that is not null.
@@ -25,7 +25,7 @@ public:
 
     void AddRef() { AtomicIncrement(mReferenceCount); }
 
-    /// Never deletes, even at zero: the record stays to be found again.
+    /// Never deletes, even at zero: the record stays in the table and may be found again.
     void RemoveRef()
     {
         ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,
@@ -39,12 +39,12 @@ public:
     const UTF8String& DynamicText() const { return mDynamicText; }
 
 private:
-    AtomicValue mReferenceCount = 0; // handles; the table's own entry does not count
-    const unsigned char* mStaticText; // the caller's, null in a dynamic record
+    AtomicValue mReferenceCount = 0; // handles; the table's entry does not count
+    const unsigned char* mStaticText; // the caller's; null in a dynamic record
     UTF8String mDynamicText;          // the copy, empty in a static record
 };
 
-/// -1, 0 or 1 by the bytes as unsigned values up to the first zero.
+/// Returns -1, 0 or 1 by the bytes as unsigned values up to the first zero.
 int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight);
 
 } // namespace ORL

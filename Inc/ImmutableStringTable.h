@@ -1,5 +1,5 @@
 // Floor: Strings
-// The process's one table of interned texts.
+// The process's table of interned texts.
 #pragma once
 
 #include <ImmutableStringRecord.h>
@@ -14,12 +14,12 @@
 
 namespace ORL {
 
-/// An ordered set of records, and beside it an index by hash through which a text that is present is found without walking
-/// the set: at a million texts the walk costs twenty cache misses, the index one or two.
+/// An ordered set of records, with a hash index that finds present texts without a walk of the set: with a million
+/// texts the walk costs twenty cache misses, the index one or two.
 ///
-/// The guard has two sides. Whoever adds or removes a record holds mGuard. A search that finds its text needs no more than a
-/// visit; whatever would take a record or a place of the index away from under a visitor shuts the visitors out first. So a
-/// record whose count is 0 is found again under the guard alone, and a purge reads the counts while nobody can find them.
+/// Locking: a thread that adds or removes a record holds mGuard. A search that finds its text needs only a visit.
+/// Before a record or an index entry that a visitor may access is freed, visitors are excluded. So a record whose count
+/// is 0 can be found again only under the guard, and a purge reads the counts while no visitor can find the records.
 class ImmutableStringTable
 {
 public:
@@ -28,29 +28,29 @@ public:
     /// The guard lives as long as the table.
     explicit ImmutableStringTable(const CriticalSection& inGuard) : mGuard(inGuard) {}
 
-    /// Frees all records, whatever their counts. The process's own table never comes to this.
+    /// Frees all records, whatever their counts. Never runs for the process's own table.
     ~ImmutableStringTable();
 
     ImmutableStringTable(const ImmutableStringTable&) = delete;
     ImmutableStringTable& operator=(const ImmutableStringTable&) = delete;
 
-    /// The record of a text (null: the empty text), made if need be, with one handle counted. Throws std::bad_alloc with
-    /// nothing changed.
+    /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. Throws
+    /// std::bad_alloc and then changes nothing.
     Record* Enter(const unsigned char* inText, bool inIsStatic);
 
-    /// Removes the dynamic records without handles. True if there was one.
+    /// Removes the dynamic records without handles. Returns whether it removed any.
     bool Purge();
 
-    /// At process exit and when the library is unloaded: frees the records without handles, static ones too, and the index
-    /// where none is left. What is held stays whole, and the table works on, since a thread that nobody has stopped may be
-    /// using it to the end. Waits for nobody, since a thread that the system has ended may have left the guard taken;
-    /// where somebody is at work in the table, all stays. When the library is unloaded nobody is.
+    /// For process exit and unload: frees the records without handles, static ones too, and the index if no record is
+    /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
+    /// since a thread that the system has stopped may hold the guard: if the table is in use, frees nothing. On unload
+    /// it is not in use.
     void FreeWhatNobodyHolds();
 
-    /// The records now in the table.
+    /// Returns the number of records in the table.
     std::size_t GetCount() const;
 
-    /// The process's table, made on first use.
+    /// Returns the process's table; the first call creates it.
     static ImmutableStringTable& Get();
 
 private:
@@ -66,7 +66,7 @@ private:
     using SmallBlocks = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
     using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
 
-    /// A text to look for.
+    /// A text to search for.
     struct Key
     {
         const unsigned char* mText;
@@ -74,18 +74,18 @@ private:
         std::uint64_t mHash;
     };
 
-    /// One place of the index: open addressing, linear probing, a power of two of places, at most half of them taken. The
-    /// text's address stands here so that a hit does not have to go through the record to reach it. Half a memory line: a
-    /// search begins at the first of the two places of one.
+    /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use. It
+    /// holds the text's address, so that a hit need not access the record. The size is half a cache line; a search
+    /// begins at the first of the two slots of a line.
     struct alignas(32) Place
     {
         const unsigned char* mText;
         std::size_t mSize;
-        std::atomic<std::uint64_t> mHash; // may be looked at before mRecord
-        std::atomic<Record*> mRecord;     // null in a free place; stored last, so that a visitor finds the others written
+        std::atomic<std::uint64_t> mHash; // may be read before mRecord
+        std::atomic<Record*> mRecord;     // null in a free slot; stored last, so that a visitor sees the others
     };
 
-    /// The places, in whole pages of the system: they begin zeroed, and a great many of them may have huge pages.
+    /// The slots, in whole pages from the system: initially zero, and large tables may get huge pages.
     class Places
     {
     public:
@@ -122,9 +122,9 @@ private:
     bool RemoveUnused(bool inStaticToo);
     void RebuildIndex();
 
-    const CriticalSection& mGuard; // guards all below
+    const CriticalSection& mGuard; // guards all of the below
     Records mRecords;
-    Places mIndex; // its places may be read in a visit
+    Places mIndex; // visits may read its slots
     SharedVisits mVisits;
 };
 

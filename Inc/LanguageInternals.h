@@ -1,11 +1,11 @@
 // Floor: System
-// What the tests need of the language beside its public face.
+// Access to the language setting for tests.
 #pragma once
 
 namespace ORL {
 namespace Internal {
 
-/// Makes the language unknown again, as at load. The next reader fetches it from the registry.
+/// Resets the language to unknown, as at load. The next read fetches it from the registry.
 void ForgetLanguage();
 
 } // namespace Internal

@@ -1,15 +1,15 @@
 // Floor: System
-// What the system's loader tells this library about itself.
+// Notifications of the system's loader about this library.
 #pragma once
 
 #include <ORLModule.h>
 
 namespace ORL {
 
-/// At load, once: makes the library's own module of its handle.
+/// Called once, at load: creates the library's own module from its handle.
 void OnLibraryLoad(HINSTANCE inModule);
 
-/// At unload, once: lets the library's own module go.
+/// Called once, at unload: releases the library's own module.
 void OnLibraryUnload();
 
 } // namespace ORL

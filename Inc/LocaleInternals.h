@@ -1,5 +1,5 @@
 // Floor: Strings
-// The parts of the locale family that only the library and its tests reach.
+// The parts of the locale family for the library and its tests only.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -12,12 +12,12 @@ namespace Locale {
 /// Makes the classic locale the process's global one.
 void Initialize();
 
-/// Returns the locale of that name, the user's for the empty one, with the punctuation of numbers that NumberToString uses:
-/// a number that is shown reads back, even where the C library has no such locale. The classic locale where the name is
-/// unknown. Never throws: it runs at load.
+/// Returns the locale of that name; an empty name means the user's locale. Its number punctuation is that of
+/// NumberToString, so a number written by that function reads back, even if the C library lacks the locale. Returns the
+/// classic locale for an unknown name. Never throws: it runs at load.
 std::locale MakeLocale(const char* inName) noexcept;
 
-/// The value of a typed text under a given locale in the place of the user's.
+/// Returns the number of a typed text, with inNative in place of the user's locale.
 double GetValueFromDisplayString(const UTF16String& inText, const std::locale& inNative);
 
 } // namespace Locale

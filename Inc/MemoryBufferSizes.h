@@ -1,5 +1,5 @@
 // Floor: Memory
-// From which size on a buffer is large, and how large sizes are rounded so that near ones meet in the pool.
+// The size from which a buffer is large, and the rounding of large sizes, so that similar sizes share pool entries.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,8 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
     return inSize >= kLargeBuffer;
 }
 
-/// inSize is large. A size so near the end of the address space that it cannot be rounded stays as it is: nobody can
-/// serve it either way.
+/// inSize must be large. A size too near to the end of the address space to be rounded is returned unchanged: it cannot
+/// be allocated in any case.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
     const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // powers of two

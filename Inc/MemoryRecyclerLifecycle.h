@@ -1,13 +1,13 @@
 // Floor: Memory
-// The start and the stop of the process's memory recycler. Both run under the foundation lock.
+// Start and stop of the process's memory recycler. Both run under the foundation lock.
 #pragma once
 
 namespace ORL {
 
-/// Makes the pool, in place of any earlier one. Throws std::bad_alloc.
+/// Creates the pool, which replaces any earlier one. Throws std::bad_alloc.
 void CreateMemoryRecycler();
 
-/// Drops the library's own share of the pool. Copies that are still out keep it alive.
+/// Releases the library's reference to the pool. Copies of it keep the pool alive.
 void DropMemoryRecycler();
 
 } // namespace ORL

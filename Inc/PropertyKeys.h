@@ -1,5 +1,5 @@
 // Floor: Core
-// The property key that the library keeps to itself.
+// The library's private property key.
 #pragma once
 
 #include <tvxcore/String.h>

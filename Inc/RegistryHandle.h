@@ -1,17 +1,17 @@
 // Floor: System
-// The open key that copies of a RegistryKey share.
+// The open key shared by copies of a RegistryKey.
 #pragma once
 
 #include <Platform/Registry.h>
 
 namespace ORL {
 
-/// Binds registry keys to a transaction of the system. The library installs none; a key without one works on the
-/// registry itself.
+/// Binds registry keys to a system transaction. The library installs none; a key without one works directly on the
+/// registry.
 struct RegistryTransactionManager
 {
     void* mTransaction = nullptr;
-    bool mFallsBack = false; // without a transaction: work on the registry itself instead of failing
+    bool mFallsBack = false; // without a transaction, work directly on the registry instead of failing
 };
 
 /// Owns the handle of one key. Not thread-safe: Open and Create replace the handle.
@@ -31,7 +31,8 @@ public:
     /// The view bits of the access that the key was opened with.
     unsigned View() const noexcept { return mView; }
 
-    /// Returns the error of the open, and then leaves the handle as it was; else that of closing the earlier handle.
+    /// Returns the error of the open, and then leaves the handle unchanged; otherwise the error of closing the previous
+    /// handle.
     SystemError Open(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
     SystemError Create(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
 

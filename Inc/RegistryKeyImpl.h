@@ -1,5 +1,5 @@
 // Floor: System
-// What a RegistryKey hides.
+// The implementation of RegistryKey.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -16,12 +16,12 @@ struct ORL_LOCAL RegistryKey::PrivateImpl : Impl
     Result Open(Registry::Platform::KeyHandle inParent, const UTF16String& inPath, unsigned inAccess);
     Result Create(Registry::Platform::KeyHandle inParent, const UTF16String& inPath);
 
-    /// As the seam's, of the open key.
+    /// Same as the platform functions, for the open key.
     SystemError Query(const UTF16String& inName, unsigned* outType, void* outData, unsigned* ioSize) const;
     Result Set(const UTF16String& inName, unsigned inType, const void* inData, std::size_t inSize) const;
 
     ObjectPtr<RegistryHandle, AtomicValue> mKey; // shared by copies, never null
-    UTF16String mPath;                           // given to the last Open or Create
+    UTF16String mPath;                           // path of the last Open or Create
 };
 
 } // namespace ORL

@@ -1,5 +1,5 @@
 // Floor: Objects
-// The locks behind SharedObjectBase.
+// The locks of SharedObjectBase.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -7,14 +7,14 @@
 
 namespace ORL {
 
-/// A fixed pool of locks and the counter that it is used in rotation by. One of static life may be used while statics
-/// are still being built where locks are constant-initialised.
+/// A fixed pool of locks, used in rotation. If locks are constant-initialised, a static pool may be used during static
+/// construction.
 class SharedObjectPool
 {
 public:
     static constexpr std::uint32_t kSize = 64;
 
-    /// The next entry; the first call gives entry 1.
+    /// Returns the next entry; the first call returns entry 1.
     CriticalSection& Next()
     {
         const auto turn = static_cast<std::uint32_t>(AtomicIncrement(mTurns));
@@ -28,7 +28,7 @@ private:
     std::int32_t mTurns = 0;
 };
 
-/// The pool that SharedObjectBase hands out.
+/// Returns the pool of SharedObjectBase.
 SharedObjectPool& TheSharedObjectPool();
 
 } // namespace ORL

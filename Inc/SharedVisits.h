@@ -1,5 +1,5 @@
 // Floor: Strings
-// The shared side of a guard: many threads read at once, each in a place of its own, and a writer waits until all have left.
+// The shared side of a lock: readers enter concurrently, each in its own slot, and a writer waits until all have left.
 #pragma once
 
 #include <atomic>
@@ -8,13 +8,13 @@
 
 namespace ORL {
 
-/// The steps that the model checks leave out one by one, to prove that they would notice.
+/// Steps that the model checks omit one by one, to prove that they detect each omission.
 enum class VisitStep {
-    kTakesPlaceFirst, // a visitor takes its place before it looks whether it is shut
-    kShutsFirst,      // a writer shuts before it looks at the places
+    kTakesPlaceFirst, // a visitor takes its slot before it tests whether visitors are excluded
+    kShutsFirst,      // a writer excludes visitors before it tests the slots
 };
 
-/// What the visits of the library are made of; a model check brings a policy of its own.
+/// The primitives of visits in the library; a model check provides its own policy.
 struct SystemVisits
 {
     static constexpr bool Keeps(VisitStep) { return true; }
@@ -23,10 +23,10 @@ struct SystemVisits
     using Atomic = std::atomic<T>;
 
     static constexpr std::size_t kPlaces = 64;
-    static constexpr std::size_t kTries = 4; // places that a visitor looks at
+    static constexpr std::size_t kTries = 4; // slots that a visitor tries
 
-    /// Where the calling thread begins to look. Threads have stacks that lie far from each other: the address of a variable
-    /// tells them apart without a call.
+    /// Returns the slot at which the calling thread starts. Thread stacks are far apart, so the address of a local
+    /// variable distinguishes threads without a call.
     static std::size_t FirstPlace()
     {
         const char here = 0;
@@ -35,14 +35,15 @@ struct SystemVisits
     }
     static_assert(kPlaces == 64, "the six highest bits name a place");
 
-    /// The wait of a writer for a visitor: how many times it has waited for this one.
+    /// Waits a moment for a visitor. inTurn is the number of waits for this visitor so far.
     static void WaitForAMoment(int inTurn);
 };
 
-/// A lock costs each reader a word that the other processors write too; with two threads that word is most of a lookup. A
-/// visit writes a cache line that the thread rarely shares, and takes one locked instruction.
+/// A reader-writer lock makes each reader write a word that other processors write too; with two threads that dominates
+/// the cost of a lookup. A visit writes a cache line that threads rarely share, with one atomic instruction.
 ///
-/// The writer has a lock of its own: ShutOut is for one thread at a time. A visitor must not ask for that lock.
+/// Writers are serialised by a separate lock: only one thread at a time may use ShutOut. A visitor must not acquire
+/// that lock.
 template <class Policy>
 class SharedVisitsOf
 {
@@ -55,8 +56,8 @@ public:
     SharedVisitsOf(const SharedVisitsOf&) = delete;
     SharedVisitsOf& operator=(const SharedVisitsOf&) = delete;
 
-    /// While it lives and IsIn() is true, no ShutOut begins its work. It never waits: where a writer works, or all the
-    /// places it looks at are taken, it is not in, and its owner takes the writer's lock.
+    /// While it exists and IsIn() is true, no ShutOut gets past its construction. Never waits: if a writer is active or
+    /// all slots tried are taken, IsIn() is false and the caller takes the writers' lock instead.
     class Visit
     {
     public:
@@ -76,7 +77,7 @@ public:
         PlaceWord* const mPlace;
     };
 
-    /// While it lives nobody visits. It waits for those who do.
+    /// Excludes visitors while it exists. The constructor waits for current visitors to leave.
     class ShutOut
     {
     public:
@@ -89,7 +90,7 @@ public:
         SharedVisitsOf& mVisits;
     };
 
-    /// The same for whoever must not wait: where somebody visits, it is not shut.
+    /// Same as ShutOut, but never waits: IsShut() is false if there is a visitor.
     class TryShutOut
     {
     public:
@@ -118,7 +119,8 @@ private:
         PlaceWord mIsTaken{0};
     };
 
-    // Either the visitor sees that it is shut, or the writer sees the place taken: both write first and look second.
+    // Both sides write first and test second, so either the visitor sees the exclusion or the writer sees the slot
+    // taken.
     PlaceWord* Enter()
     {
         const bool wasShut = !Policy::Keeps(VisitStep::kTakesPlaceFirst) && mIsShut.load();

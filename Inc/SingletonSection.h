@@ -1,12 +1,12 @@
 // Floor: Objects
-// The check behind ORLGetGlobalCriticalSectionForSingletonConstruction.
+// The check of ORLGetGlobalCriticalSectionForSingletonConstruction.
 #pragma once
 
 #include <ORLCriticalSection.h>
 
 namespace ORL {
 
-/// The section of an address that must not be null.
+/// Returns the section at an address, which must not be null.
 CriticalSection& CheckedSingletonSection(CriticalSection* sCriticalSectionPtr);
 
 } // namespace ORL

@@ -1,5 +1,5 @@
 // Floor: Strings
-// What the conversions of the Strings room share.
+// Shared by the string conversions.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 namespace ORL {
 namespace Internal {
 
-/// The UTF-8 of inLength units, zero units included.
+/// Returns the UTF-8 of inLength units, zero units included.
 std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength);
 
 } // namespace Internal

@@ -7,9 +7,8 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Brings a field into 0 .. inLimit - 1 and adds what overflows to the next higher field, or takes it from there. This
-/// is the quotient of repeated subtraction, also where the next field wraps around. A limit that is not positive
-/// carries nothing.
+/// Reduces a field to 0 .. inLimit - 1 and carries the overflow to the next higher field, or borrows from it. Equals
+/// repeated subtraction, even if the next field wraps around. A limit that is not positive carries nothing.
 template <class Field>
 constexpr void Carry(Field& ioField, int& ioNext, Field inLimit) noexcept
 {
@@ -20,7 +19,7 @@ constexpr void Carry(Field& ioField, int& ioNext, Field inLimit) noexcept
         ioNext = Wrapping::Add(ioNext, static_cast<int>(Wrapping::Bits(ioField / inLimit)));
         ioField %= inLimit;
     } else if (ioField < 0) {
-        // As many as bring the field to 0 or above.
+        // The smallest count that raises the field to 0 or above.
         const Field count = (-1 - ioField) / inLimit + 1;
         ioNext = Wrapping::Subtract(ioNext, static_cast<int>(Wrapping::Bits(count)));
         ioField = Wrapping::Add(ioField, Wrapping::Multiply(count, inLimit));

@@ -1,5 +1,5 @@
 // Floor: Media
-// What each format counts: its rate, and the time that a label stands for.
+// The rate of each format, and the time of a label.
 #pragma once
 
 #include <tvxmediatypes/Constants.h>
@@ -10,26 +10,27 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// The rate that a format converts with: its own, or inFrameRate where it has none. An unknown format fails an
-/// assertion and gives the zero rate.
+/// Returns the rate for the conversions of a format: its own, or inFrameRate if it has none. For an unknown format
+/// fails an assertion and returns the zero rate.
 tvxmediatypes::FrameRate GetFrameRateForDisplayMode(tvxmediatypes::TimeDisplay inTimeDisplay,
                                                     const tvxmediatypes::FrameRate& inFrameRate);
 
-/// The time of a label, folded into one day. The fold of a time below minus one day goes further down instead of back
-/// up, until the count wraps around: a time that far below zero ends just below kTime_Max.
+/// Returns the time of a label, folded into one day. A time below minus one day is folded further down instead of up,
+/// until the count wraps around: a time that far below zero ends just below kTime_Max.
 tvxmediatypes::TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames, bool inIsNegative,
                                    const tvxmediatypes::FrameRate& inFrameRate,
                                    tvxmediatypes::TimeDisplay inTimeDisplay);
 
-/// How a format counts frames within a second: where the frame field carries, and how many zeros it may receive.
+/// How a format counts frames within a second: the carry limit of the frame field, and its maximum number of leading
+/// zeros.
 struct FrameFormat
 {
     long long mFramesPerSecond;
     int mFrameDigits;
 };
 
-/// From the rate that a format converts with: 30, 60 and 24 for the fractional rates, else the truncated rate. The
-/// digits are how often the count can be divided by ten while it stays above ten.
+/// Computed from the rate for the conversions of a format: 30, 60 and 24 for the fractional rates, else the truncated
+/// rate. mFrameDigits counts the divisions by ten while the rate is above ten.
 constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) noexcept
 {
     FrameFormat format = {0, 0};

@@ -12,17 +12,18 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// The time of a text, or kTime_Invalid. The rules stand at Timecode::StringToTime; an empty text is unreadable here.
+/// Return the time of a text, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty text is
+/// unreadable.
 tvxmediatypes::TickTime SMPTEStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,
                                           tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 tvxmediatypes::TickTime FeetFramesStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,
                                                tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 
-/// Where the functions above stop reading; see Timecode::FindUnreadable.
+/// Return the index at which the functions above stop reading; see Timecode::FindUnreadable.
 std::size_t FindUnreadableInSMPTE(const UTF16String& inText, tvxmediatypes::TimeDisplay inTimeDisplay);
 std::size_t FindUnreadableInFeetFrames(const UTF16String& inText);
 
-/// The number that the digits among the units make, modulo 2^64; everything else is skipped.
+/// Returns the number that the digits among the units form, modulo 2^64; skips all other units.
 constexpr unsigned long long ParseDigits(const unsigned short* inUnits, std::size_t inCount) noexcept
 {
     unsigned long long value = 0;

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Cuts a text at a separator, token by token.
+// Splits a text at a separator, token by token.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -18,10 +18,10 @@ public:
     {
     }
 
-    /// The next token; empty when none is left, and where two separators meet.
+    /// Returns the next token: empty if none is left, and between two adjacent separators.
     UTF16String Next();
 
-    /// The same as a part of the text, for as long as that stands.
+    /// Same as Next, as a view of the text.
     struct Token
     {
         const unsigned short* mBegin;
@@ -30,12 +30,12 @@ public:
     Token NextToken();
 
 private:
-    /// Steps over the rest of a run of separators.
+    /// Skips the rest of a run of separators.
     void SkipRun();
 
     const UTF16String* mText;
     UTF16String mSeparator;
-    unsigned __int64 mPosition; // where the next token starts, npos when no token is left
+    unsigned __int64 mPosition; // start of the next token; npos if none is left
     bool mSkipRuns;
 };
 

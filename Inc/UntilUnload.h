@@ -1,5 +1,5 @@
 // Floor: Core
-// A static object that the end of the process leaves alone.
+// A static object that is destroyed on unload but not at process exit.
 #pragma once
 
 #include <Platform/Unload.h>
@@ -8,8 +8,8 @@
 
 namespace ORL {
 
-/// Destroys its value when the library is unloaded, and keeps it at the end of the process: threads that a host has not stopped
-/// by then go on using it. Only for objects of static life. The value stands at the address of the object.
+/// Destroys its value when the library is unloaded, and keeps it at process exit for threads that are still running.
+/// Only for static objects. The value has the address of the object.
 template <class T>
 class UntilUnload
 {

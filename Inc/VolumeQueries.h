@@ -1,5 +1,5 @@
 // Floor: Files
-// The root of the volume that holds a path, and the disk functions over any system: tests give their own volumes.
+// The root of a path's volume, and disk functions with the system calls as parameters, for tests.
 #pragma once
 
 #include <ORLResult.h>
@@ -10,10 +10,10 @@
 namespace ORL {
 namespace DiskUtils {
 
-/// The root of the path's volume in extended form, with a backslash at its end. Empty for an empty path.
+/// Returns the root of the path's volume in extended form, with a backslash at its end; empty for an empty path.
 UTF16String GetVolumeRootPath(const UTF16String& inPath);
 
-/// The system's answers that GetMaxFileSize needs.
+/// The system calls that GetMaxFileSize uses.
 struct VolumeQueries
 {
     SystemError (*mGetFreeSpace)(const Platform::Volume& inVolume, unsigned __int64& outBytes);

@@ -1,5 +1,5 @@
 // Floor: Threads
-// How a gate opens, closes and is waited at.
+// Opening and closing of gates, and waiting at them.
 #pragma once
 
 #include <ORLResult.h>
@@ -10,10 +10,10 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any gate that has the fields of WaitableGate, in the types of the policy.
+/// Works on any type with the fields of WaitableGate, in the types of the policy.
 ///
-/// No wake-up is lost: Open sets the flag first and takes the mutex second, Wait takes the mutex first and reads the
-/// flag second. So either the waiter sees the flag, or the opener sees the waiter.
+/// No wake-up is lost: Open sets the flag, then locks the mutex; Wait locks the mutex, then reads the flag. So either
+/// the waiter sees the flag, or the opener sees the waiter.
 template <class Policy>
 class WaitableGateAlgorithm
 {
@@ -30,8 +30,8 @@ public:
         return WaitAsleep(ioGate, inMilliseconds, Policy::SpinTurns());
     }
 
-    /// Wait(-1) of a thread that looks on for longer before it sleeps: those who will open the gate are on their way, but may
-    /// have to be woken.
+    /// Same as Wait(-1), but spins longer before it sleeps: the threads that will open the gate are on their way, but
+    /// may have to be woken first.
     template <class Gate>
     static Result WaitPatiently(Gate& ioGate)
     {
@@ -58,7 +58,7 @@ public:
         }
     }
 
-    /// How many threads are in the sleeping part of Wait now.
+    /// Returns the number of threads in the sleeping part of Wait.
     template <class Gate>
     static std::int32_t CountWaiters(Gate& ioGate)
     {
@@ -66,7 +66,7 @@ public:
         return Policy::Read(ioGate.mWaiterCount);
     }
 
-    /// How many openings have found waiters.
+    /// Returns the number of openings that found waiters.
     template <class Gate>
     static std::uint32_t GetGeneration(Gate& ioGate)
     {
@@ -77,7 +77,7 @@ public:
 private:
     static constexpr int kEndless = -1;
 
-    // Counts the calling thread as a waiter while it lives. The mutex is held when it begins and when it ends.
+    // Counts the calling thread as a waiter while it exists. The mutex must be held at construction and destruction.
     template <class Gate>
     class Waiter
     {
@@ -92,7 +92,7 @@ private:
         Gate& mGate;
     };
 
-    // A compare-and-set that changes nothing: the read carries a full barrier.
+    // A compare-and-set that changes nothing: a read with a full barrier.
     template <class Gate>
     static bool IsOpen(Gate& ioGate)
     {
@@ -119,7 +119,7 @@ private:
         return kSuccess;
     }
 
-    // The flag is no guide here: a gate that is opened and closed at once still lets its sleepers go.
+    // The flag does not decide here: a gate that is opened and closed at once still releases its waiters.
     template <class Gate>
     static bool IsStillShut(Gate& ioGate, std::uint32_t inGeneration)
     {
@@ -127,7 +127,7 @@ private:
                                                              : !IsOpen(ioGate);
     }
 
-    // False when the time ran out. Each sleep has the whole limit.
+    // Returns false if the time ran out. Each sleep has the whole limit.
     template <class Gate>
     static bool SleepOnce(Gate& ioGate, typename Policy::MutexLock& ioLock, int inMilliseconds)
     {
@@ -138,8 +138,8 @@ private:
         return Policy::SleepOnFor(ioGate.mCondition, ioLock, inMilliseconds);
     }
 
-    // To be woken costs far more than to look for a moment longer. The thread counts as a waiter meanwhile, so an
-    // opening releases it by the generation even if the gate is closed again before the flag was seen.
+    // A wake-up costs far more than a short spin. The thread counts as a waiter meanwhile, so an opening changes its
+    // generation even if the gate is closed again before the spin sees the flag.
     template <class Gate>
     static bool PassesSoon(Gate& ioGate, typename Policy::MutexLock& ioLock, std::uint32_t inGeneration, int inTurns)
     {
@@ -151,7 +151,7 @@ private:
             Policy::Pause(turn);
         }
         ioLock.lock();
-        // The flag alone is not enough: its opener is on the way to the mutex, and finds this thread counted.
+        // The flag is not enough: its opener is about to lock the mutex, and will find this thread counted.
         return Policy::Read(ioGate.mGeneration) != inGeneration;
     }
 };

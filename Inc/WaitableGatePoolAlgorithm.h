@@ -1,5 +1,5 @@
 // Floor: Threads
-// How the pool of gates lends them and takes them back.
+// The algorithm of the gate pool.
 #pragma once
 
 #include <ORLDebug.h>
@@ -13,17 +13,17 @@
 namespace ORL {
 namespace Sync {
 
-/// A stack of closed gates. One object per policy, reached through sPool.
+/// A stack of closed gates. One object per policy, accessed through sPool.
 template <class Policy>
 class WaitableGatePoolAlgorithm
 {
 public:
     using Gate = typename Policy::Gate;
 
-    /// The pool is in use from here on.
+    /// Makes this object the pool.
     WaitableGatePoolAlgorithm() : mMaxIdleGates(10)
     {
-        // So that giving a gate back never needs memory.
+        // Reserved, so that returning a gate never allocates.
         Policy::Write(mGates).reserve(mMaxIdleGates);
         sPool = this;
     }
@@ -72,7 +72,7 @@ public:
         }
     }
 
-    /// Destroys the idle gates, unless another thread is at work in the pool, and leaves the pool in order.
+    /// Destroys the idle gates, unless another thread uses the pool. The pool stays usable.
     void TryDestroyIdleGates()
     {
         const typename Policy::TryLockScope lock(mLock);
@@ -86,15 +86,15 @@ public:
         gates.clear();
     }
 
-    /// How many gates are idle now.
+    /// Returns the number of idle gates.
     std::size_t CountIdleGates() const
     {
         typename Policy::LockScope lock(mLock);
         return Policy::Read(mGates).size();
     }
 
-    /// Null before the pool is built and after it has been destroyed. Atomic, so that whoever reads it sees the pool
-    /// that it leads to: how the once-only call orders this is Boost's own, where no sanitizer looks.
+    /// Null before the pool is constructed and after it has been destroyed. Atomic, so that a reader of the pointer
+    /// also sees the constructed pool: call_once of Boost orders this too, but sanitizers cannot see it.
     static inline std::atomic<WaitableGatePoolAlgorithm*> sPool{nullptr};
 
 private:
@@ -123,8 +123,8 @@ private:
         }
     }
 
-    mutable typename Policy::Lock mLock;             // guards mGates; nothing but a gate's mutex is taken under it
-    typename Policy::template Guarded<Gates> mGates; // a stack; every gate in it is closed and ours
+    mutable typename Policy::Lock mLock;             // guards mGates; only a gate's mutex is locked under it
+    typename Policy::template Guarded<Gates> mGates; // a stack of closed gates that the pool owns
     const std::size_t mMaxIdleGates;
 };
 

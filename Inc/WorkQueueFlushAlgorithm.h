@@ -1,5 +1,5 @@
 // Floor: Threads
-// The rendezvous by which a flush learns that every thread of a queue has finished what came before.
+// The rendezvous by which a flush detects that every thread of a queue has finished all earlier requests.
 #pragma once
 
 #include <Sync/Policy.h>
@@ -10,31 +10,32 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any record that has the rendezvous fields of ThreadedWorkQueueFlush, in the types of the policy.
+/// Works on any type with the rendezvous fields of ThreadedWorkQueueFlush, in the types of the policy.
 ///
-/// A queue's thread takes a function only after finishing the one before, and functions start in the order in which they
-/// were queued. So when as many items as there are threads are all in Process, each thread has taken one, and whatever was
-/// queued before them has returned. The items wait for each other at the arrival gate; the flush waits until all have left.
+/// A thread of the queue takes a function only after it has finished the previous one, and functions start in the order
+/// in which they were queued. So when one item for each thread is in Process, every thread has taken one, and
+/// everything queued before them has returned. The items wait for each other at the arrival gate; the flush waits until
+/// all have left.
 template <class Policy>
 class WorkQueueFlushAlgorithm
 {
 public:
-    /// What mArrivalsLeft holds while no flush has claimed the record: -1.
+    /// The value of mArrivalsLeft while no flush has claimed the object: -1.
     static constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
-    /// Waits its turn and takes the record for a flush of inThreads items, with both gates closed at the end.
+    /// Waits its turn and claims the object for a flush of inThreads items. Closes both gates.
     template <class Flush>
     static void Claim(Flush& ioFlush, std::uint32_t inThreads)
     {
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
-            // The gate is open from the claim of another flush until that one closes it. Many who try again at once would keep
-            // the processors from that flush and from the items that it waits for.
+            // The gate is open from the claim of another flush until that flush closes it. Many threads that retry at
+            // once would take the processors from that flush and from the items that it waits for.
             if (Policy::Keeps(Step::kFlushGivesWay)) {
                 Policy::GiveWay(turn);
             }
         }
-        // The count says unclaimed before the earlier flush is over: its items may still be leaving.
+        // The object becomes claimable before the previous flush is over: its items may still be leaving.
         if (Policy::Keeps(Step::kFlushWaitsForTheEarlierOne)) {
             WaitForAll(ioFlush);
         }
@@ -43,7 +44,7 @@ public:
         ioFlush.mDepartureGate.Close();
     }
 
-    /// What each item does on its thread.
+    /// Called by each item, on its thread.
     template <class Flush>
     static void Process(Flush& ioFlush)
     {
@@ -53,7 +54,7 @@ public:
         Depart(ioFlush);
     }
 
-    /// Stands in for an item that could not be queued, so that the others need not wait for it.
+    /// Replaces an item that could not be queued, so that the others do not wait for it.
     template <class Flush>
     static void MakeUpForMissingItem(Flush& ioFlush)
     {
@@ -70,12 +71,12 @@ public:
     }
 
 private:
-    // A flush of an idle queue takes microseconds where nobody sleeps, and each sleep costs thirty and more: the caller's as
-    // well as that of a thread of the queue, which looks on for its next function only so long.
+    // A flush of an idle queue takes microseconds if no thread sleeps, and each sleep costs thirty or more: in the
+    // caller as well as in a thread of the queue, whose spin for its next function is limited.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
-    // True for the last one. The record is unclaimed before the gate opens, so that a waiting flush can claim it as soon as
-    // it comes through.
+    // Returns true for the last arrival. It makes the object claimable before it opens the gate, so that a waiting
+    // flush can claim it as soon as it has passed.
     template <class Flush>
     static bool Arrive(Flush& ioFlush)
     {

@@ -1,6 +1,6 @@
 // Floor: Core
-// Integer arithmetic that wraps around in two's complement, and conversions of doubles that do not fit, as the home
-// platform's processor does them.
+// Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with the results of
+// the home platform's processor.
 #pragma once
 
 #include <limits>
@@ -39,14 +39,15 @@ constexpr T Negate(T inValue) noexcept
     return static_cast<T>(0 - Bits(inValue));
 }
 
-/// Toward zero; the least int for what does not fit, and for NaN.
+/// Truncates toward zero. Returns the smallest int for values that do not fit, and for NaN.
 constexpr int TruncateToInt(double inValue) noexcept
 {
     return inValue > -2147483649.0 && inValue < 2147483648.0 ? static_cast<int>(inValue)
                                                              : std::numeric_limits<int>::min();
 }
 
-/// Toward zero; 2^63 for what does not fit, and for NaN. A negative value gives the bits of its signed conversion.
+/// Truncates toward zero. Returns 2^63 for values that do not fit, and for NaN. A negative value returns the bits of
+/// its signed conversion.
 constexpr unsigned long long TruncateToUnsigned64(double inValue) noexcept
 {
     constexpr double kHalf = 9223372036854775808.0;

@@ -59,7 +59,7 @@ private:
     void MakeUpForMissingItems(unsigned int inCount);
 
     InterfaceRef<ThreadedWorkQueue, ORLUnknown> mQueue;
-    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush uses the object
+    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush has claimed the object
     WaitableGate mArrivalGate;     // closed until all items have arrived
     std::uint32_t mDeparturesLeft; // items that have not left Process
     WaitableGate mDepartureGate;   // opens when the last one has left
