@@ -1,4 +1,4 @@
-// Letters of 5 by 7 pixels, plus one row below the baseline.
+// Letters of 5 by 7 points, plus one row below the baseline.
 #pragma once
 
 #include <cstddef>

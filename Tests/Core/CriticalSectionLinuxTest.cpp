@@ -24,7 +24,7 @@ namespace {
 #define ORL_TEST_CONSTANT_INITIALIZED __constinit
 #endif
 
-// Compiles only if the section needs no code to initialise: any static's constructor can lock it.
+// Compiles only if the section needs no code to initialise, so that the constructor of any static can lock it.
 ORL_TEST_CONSTANT_INITIALIZED CriticalSection sSection;
 
 // Returns the state letter that the kernel reports for a thread: 'S' if it sleeps.

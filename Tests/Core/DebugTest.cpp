@@ -272,7 +272,7 @@ TEST(OrlContract, HoldingExpression_IsEvaluatedOnEveryPass)
 TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
 {
     CheckRecorder recorder;
-    recorder.mIgnoreForGood = true; // an answer that a contract does not use
+    recorder.mIgnoreForGood = true; // contracts ignore this answer
     int evaluations = 0;
     for (int pass = 0; pass < 2; ++pass) {
         ORL_INPUT_CONTRACT(++evaluations < 0);

@@ -120,7 +120,7 @@ TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
     EXPECT_GT(next, 5u) << "the sweep has refused something";
 }
 
-// The steps completed before memory ran out stay done: the class, then the first category, then the second. A
+// The steps completed before memory ran out stay done, in this order: the class, the first category, the second. A
 // repetition completes the registration; the class then appears twice in categories that already had it.
 TEST(ClassFactoryFaults, RegistrationInTwoCategories_StaysDoneAsFarAsItCame)
 {

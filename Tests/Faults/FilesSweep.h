@@ -29,7 +29,7 @@ protected:
                const std::function<void(bool)>& inCheck)
     {
         inPrepare();
-        inWork(); // creates what is created once and kept
+        inWork(); // creates the objects that stay for good
         inCheck(true);
         inPrepare();
         const unsigned handles = OpenHandles();

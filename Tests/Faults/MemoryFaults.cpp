@@ -164,7 +164,7 @@ void Attempt(const std::function<void()>& inWork)
     }
 }
 
-// Refuses request 1, 2, 3 ... until a number is not reached.
+// Refuses request 1, 2, 3 ... until the work makes fewer requests.
 void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
     unsigned refused = 1;
@@ -238,7 +238,7 @@ bool WholeHeapIsWatched()
 
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
-    inWork(); // creates what is created once and kept
+    inWork(); // creates the objects that stay for good
     inCheck();
     for (const MemoryDoor door : kMemoryDoors) {
         SweepDoor(door, false, inWork, inCheck);

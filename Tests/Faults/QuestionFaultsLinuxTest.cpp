@@ -1,5 +1,5 @@
 // Fails each system call of the queries on paths, directories and volumes, with several errors. The query must return
-// the true answer or the answer for "not available", and leave no descriptor open.
+// the true result or that of a failed query, and leave no descriptor open.
 #include <FaultySystemCallsLinux.h>
 #include <SystemProbes.h>
 #include <TempFolder.h>

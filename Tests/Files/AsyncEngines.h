@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, asynchronous reads that are started use that engine.
+/// During its lifetime, asynchronous reads start with that engine.
 class AsyncEngine
 {
 public:

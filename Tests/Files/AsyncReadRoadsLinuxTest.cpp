@@ -1,4 +1,4 @@
-// Runs with the ring, and with a kernel filter that refuses it, instead of a replaced call table.
+// Reads with the ring, and without it because a kernel filter refuses it. The call table is not replaced.
 #include "AsyncReadRoads.h"
 
 using namespace ORLTest;

@@ -148,7 +148,7 @@ TEST(DirectoryOnLinux, LoopsOfLinks_AreListedOnce)
               HostNames(folder, List(folder.Path())));
 }
 
-// The link leads out of the tree and back into it from above: the listing must stop when it would repeat.
+// The link leads out of the tree and back into it from above: the listing must stop before it repeats.
 TEST(DirectoryOnLinux, ALinkToTheFolderAbove_Ends)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// The checks of File: the report of each, and that nothing breaks if the caller continues after a report.
+// Tests the checks of File: each reports correctly, and nothing breaks if the caller continues after a report.
 #include <FileSupport.h>
 
 #include <CheckRecorder.h>

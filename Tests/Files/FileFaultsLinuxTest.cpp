@@ -24,8 +24,8 @@ using Faults = FaultySystemCalls;
 constexpr int kErrors[] = {EIO,    EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
-// Failures that do not matter: of a call, by its number (0 for every number), with these errors (empty for all). All
-// other failures must be reported.
+// Failures of a call that need not be reported. mNumber 0 means every call of the kind, empty mErrors means every
+// error.
 struct Forgiven
 {
     Faults::Call mCall;

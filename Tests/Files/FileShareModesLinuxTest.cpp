@@ -62,8 +62,8 @@ TEST(FileShareModesOnLinux, OneThatStays_IsASharingViolation)
     EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
 }
 
-// Two simultaneous opens see each other's locks. One that is itself refused has released its locks when they are
-// checked again, and must not cause the other open to fail.
+// Two simultaneous opens see each other's locks. If one is refused, it has released its locks by the next check and
+// must not make the other fail.
 TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
 {
     const struct

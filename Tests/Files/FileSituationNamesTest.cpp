@@ -1,4 +1,5 @@
-// Records about opening files that concern names: their case, their length, a leading dot. Uses the platform functions.
+// Checks recorded results of Windows for opening files that depend on names: their case, their length, a leading dot.
+// Uses the platform functions.
 #include <FileSupport.h>
 #include "SystemProbes.h"
 
@@ -63,7 +64,8 @@ TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
     }
 }
 
-// ch1. The seam's close reports nothing and takes each handle once. That a second Close does nothing is up to File.
+// ch1. The platform's close function returns nothing and takes each handle once. File itself makes a second Close
+// harmless.
 TEST(FileSituationNames, AFileThatIsClosedTwice_IsClosedOnce)
 {
     const TempFolder folder;

@@ -188,7 +188,7 @@ TEST(TopLevelHandlerDeathTest, NeverAgain_HoldsForExceptionsOfThatClauseAlone)
             CheckRecorder recorder;
             recorder.mDisplayChoice = choice;
             const bool first = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
-            recorder.mDisplayChoice = 0; // would be the answer if the alert were displayed
+            recorder.mDisplayChoice = 0; // used only if the alert is displayed
             const bool silent = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
             const bool other = Execute(&ThrowNumber) == 1 && recorder.Reports().size() == 2;
             return first && silent && other;

@@ -42,9 +42,9 @@ std::string TextOf(std::size_t inNumber)
     return "a name of some length, number " + std::to_string(inNumber);
 }
 
-// A name is one record that can be found and read, and new names can be added. No text here uses the system's heap.
-// When Windows ends the threads at process exit, a thread inside the heap leaves its lock held, and under Wine 8 the
-// next free then waits forever.
+// Checks that a name is one record that can be found and read, and that new names can be added. No text here uses the
+// system's heap. When Windows ends the threads at process exit, a thread inside the heap leaves its lock held, and
+// under Wine 8 the next free then waits forever.
 void UseNames(const ImmutableString& inName, const std::string& inText, std::size_t inRound)
 {
     if (inText != reinterpret_cast<const char*>(inName.c_str()) || inName.Compare(inText) != 0) {

@@ -40,7 +40,7 @@ class Forgetful : public UnknownImpl<IForgetful, IForgetful>
 {
 };
 
-// Lists only the extended interface, not its base.
+// Lists itself, but not the interface that it extends.
 class Square : public UnknownImpl<IShape, Square>
 {
 public:

@@ -46,7 +46,7 @@ inline void FailOnBrokenChecks()
 class Run
 {
 public:
-    /// With the argument "deep", the search allows one more switch and runs ten times as many random interleavings.
+    /// With the argument "deep", the search allows one more preemption and runs ten times as many random interleavings.
     Run(int inArgumentCount, char** inArguments)
         : mIsDeep(inArgumentCount > 1 && std::strcmp(inArguments[1], "deep") == 0)
     {

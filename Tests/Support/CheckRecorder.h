@@ -1,4 +1,4 @@
-// Records every report that a check makes during its lifetime, and answers the report.
+// Records and answers every report that a check makes during the recorder's lifetime.
 #pragma once
 
 #include <tvxcore/Debug.h>

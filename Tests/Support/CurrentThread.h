@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-/// Returns the thread's name as the OS keeps it (it may cut it), UTF-8.
+/// Returns the thread's name as the OS keeps it, possibly truncated, UTF-8.
 std::string SystemNameOfThisThread();
 
 /// The OS keeps at least this many bytes of a thread's name.

@@ -186,7 +186,7 @@ TEST(SystemLoad, BesideASecondReading_IsTheSameAndShowsABusyThread)
     EXPECT_GE(load, 80.0f / static_cast<float>(processors)) << "a thread that never sleeps";
 }
 
-// Without the counter: every process gets the same reports in the same order.
+// Runs in its own process, because a missing counter is reported only once in a process.
 using SystemLoadDeathTest = testing::Test;
 
 namespace {

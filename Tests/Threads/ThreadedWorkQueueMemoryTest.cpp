@@ -27,7 +27,7 @@ public:
     {
         ++mLiving;
     }
-    // noinline: inlined, it makes the compiler warn at releases that may concern other classes.
+    // noinline: if this destructor is inlined, the compiler warns about releases of other classes.
     __attribute__((noinline)) ~CountedRequest() override { --mLiving; }
     void Process() override { mFunction(); }
 

@@ -374,8 +374,8 @@ TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertion)
 }
 
 // The first Stop runs on the queue's own thread and does not wait. The second must end the queue. It comes while a
-// request that was queued behind the first is running. That request continues until the second Stop is reported, and
-// then gives a Stop that does not wait ample time to return.
+// request that was queued behind the first is running. That request runs until the second Stop is reported, and then
+// long enough for a Stop that does not wait to return.
 TEST(ThreadedWorkQueue, StoppedOnItsOwnThread_ReturnsAtOnceAndTheSecondStopWaitsForWhatIsQueued)
 {
     const CheckRecorder recorder;

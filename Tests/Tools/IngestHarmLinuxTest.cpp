@@ -133,7 +133,7 @@ TEST_F(IngestHarmOnLinux, AVolumeBelowTheDestination_IsMeasuredForItself)
     EXPECT_FALSE(fs::exists(Disk() / "a")) << "nothing was begun";
 }
 
-// Marks a folder as one of another volume, through its status.
+// Simulates a folder on another volume by changing its status.
 TEST_F(IngestHarmOnLinux, EachVolumeBelowTheDestination_IsFlushed)
 {
     mFolder.MakeFolder("card/d");

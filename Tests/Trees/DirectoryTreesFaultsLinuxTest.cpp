@@ -302,7 +302,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAVolumeThatSyncsNoFolders_IsDone)
     EXPECT_EQ(mTree, Read(Host("to")));
 }
 
-// A killed process, whose number is reused, has left a file with the name that we would choose.
+// A killed process, whose process ID is reused, has left a file with the name that we would choose.
 TEST_F(DirectoryTreesUnderFaults, Copy_BesideTheLeftoversOfAKilledOne_IsDone)
 {
     MakeTree();

@@ -221,7 +221,7 @@ TEST(SmallBlockCounters, BlocksMoveBetweenThreads_CountsAreExactOnceTheyRest)
 
 TEST(SmallBlockCounters, ThreadThatHasEnded_LeavesItsTotals)
 {
-    // The first count is large enough to carry over the packed word; the second stays within it.
+    // The first count is large enough to flush the packed word into the totals; the second stays within the word.
     for (const std::uint64_t rounds : {std::uint64_t{300000}, std::uint64_t{3}}) {
         const Snapshot before = Now();
         std::thread([rounds] {

@@ -12,7 +12,8 @@ void GoOn(void*)
     AtExit::LetEachThreadGoOn();
 }
 
-// Registers for no library, because std::atexit would run the function with the program's own static destructors.
+// Registers with no library handle, because std::atexit would run the function together with the program's own static
+// destructors.
 void RegisterFirst(int, char**, char**)
 {
     sIsRegistered = abi::__cxa_atexit(&GoOn, nullptr, nullptr) == 0;
