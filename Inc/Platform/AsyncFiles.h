@@ -1,13 +1,13 @@
 // Floor: Platform
-// What asynchronous unbuffered reads need of the system: a port that collects completions, files whose reads report
-// to it, and a plain thread to drain it.
+// The system functions for asynchronous unbuffered reads: a port that collects completions, files whose reads report to
+// it, and a plain thread that drains it.
 //
-// The home platform has all of this by name. Elsewhere a port is whatever keeps these promises:
-//   - a read that was started reports once, through the port its file is attached to, and to nobody else;
-//   - completions come in any order; an empty packet comes behind those that were there before it;
-//   - a port lives until it is closed and until the last file attached to it is closed.
+// The home platform has all of this natively. On other systems a port is any implementation with these guarantees:
+//   - a read that was started reports exactly once, through the port that its file is attached to;
+//   - completions arrive in any order; an empty packet arrives after those that were queued before it;
+//   - a port lives until it and the last file attached to it have been closed.
 //
-// Handles are opaque. Null is no handle; InvalidHandle() is what a file handle holds while no file is open.
+// Handles are opaque. Null means no handle; InvalidHandle() is the value of a file handle while no file is open.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -27,15 +27,15 @@ inline Handle InvalidHandle()
     return reinterpret_cast<Handle>(static_cast<std::intptr_t>(-1));
 }
 
-/// What the system keeps for one read in flight. The caller hands it over with zeros and the position; the words of
-/// the system are the system's until the read has completed. It has the home platform's layout.
+/// The system's state of one read in flight, in the home platform's layout. The caller passes it zeroed except for the
+/// position; the system owns the system words until the read has completed.
 struct Overlapped
 {
     std::uintptr_t mSystemWord1;
     std::uintptr_t mSystemWord2;
     std::uint32_t mPositionLow;
     std::uint32_t mPositionHigh;
-    void* mEvent; // none: completions go to the port
+    void* mEvent; // unused: completions go to the port
 };
 
 /// One packet of a port.
@@ -43,65 +43,65 @@ struct Completion
 {
     Overlapped* mOverlapped;  // null for an empty packet
     std::uint32_t mBytesRead; // 0 for a read that failed
-    SystemError mRefusal = SystemErrors::kNoError; // why the read has not started after all: some systems find out late
+    SystemError mRefusal = SystemErrors::kNoError; // why the read did not start; some systems detect that late
 };
 
-/// Makes a port that one thread at a time is to drain. Gives 0, or the system error and null.
+/// Creates a port that one thread at a time drains. Returns 0, or the system error with a null port.
 SystemError CreatePort_Impl(Handle& outPort);
 
-/// Lets go of the port. Null is ignored. Reads still in flight report to nobody.
+/// Closes the port. Ignores null. Reads still in flight are not reported.
 void ClosePort_Impl(Handle inPort);
 
-/// How the port works, in a word or two for a diagnostic line: static text.
+/// Returns a short static text about the implementation of the port, for a diagnostic line.
 const char* DescribePort_Impl(Handle inPort);
 
-/// Puts an empty packet behind the completions already there. False when the system refused it.
+/// Queues an empty packet after the completions already there. Returns false if the system refuses.
 bool PostEmptyPacket_Impl(Handle inPort);
 
-/// Waits, without a limit, for the next packet. True for a read that succeeded and for an empty packet. False when a
-/// read failed, which outCompletion then names, and when the port itself fails or has been closed, with null.
+/// Waits without limit for the next packet. Returns true for a read that succeeded and for an empty packet. Returns
+/// false for a failed read, with its outCompletion, and if the port fails or has been closed, with null.
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion);
 
-/// Opens an existing file for reading past the system's cache; others may read and write it meanwhile. Takes the
-/// extended form of a path. Gives 0 and the file, or the system error and InvalidHandle().
+/// Opens an existing file for unbuffered reading; other handles may read and write it meanwhile. Takes the extended
+/// form of a path. Returns 0 and the file, or the system error and InvalidHandle().
 ///
-/// Where a file system knows no way past the cache, reads go through it and drop their pages behind themselves.
+/// On file systems without unbuffered access, reads use the page cache and drop their pages afterwards.
 SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& outFile);
 
 /// Closes a file that has no read in flight.
 void CloseFile_Impl(Handle inFile);
 
-/// From now on reads of the file report to the port. A file is attached once. Gives 0 or the system error.
+/// Makes reads of the file report to the port. A file is attached only once. Returns 0 or the system error.
 SystemError AttachFile_Impl(Handle inPort, Handle inFile);
 
-/// What positions, sizes and addresses of reads of this file must be multiples of, where the file itself knows
-/// better than its volume; else 0.
+/// Returns the alignment of positions, sizes and addresses for reads of this file, if the file has a more exact one
+/// than its volume; else 0.
 std::uint32_t GetReadAlignment_Impl(Handle inFile);
 
-/// Starts a read of an attached file. 0 and 997 (pending): the completion will come through the port, in both cases.
-/// Any other number: the read was not started, and no completion will come. That is so for a position, size or
-/// address that is no multiple of the alignment (87), for bytes without a buffer (998), and may be so for a read that
-/// starts at or past the end (38), which else fails when it completes. A buffer that may not be written is refused with
-/// 998, here or by the completion's mRefusal. A read that crosses the end comes back short.
+/// Starts a read of an attached file. Returns 0 or 997 (pending) if the completion will arrive through the port. Any
+/// other number: the read was not started, and no completion will arrive. That is the result for a position, size or
+/// address that is not a multiple of the alignment (87), for bytes without a buffer (998), and on some platforms for a
+/// read that starts at or past the end (38), which fails on completion elsewhere. A buffer that is not writable fails
+/// with 998, here or in the completion's mRefusal. A read across the end returns fewer bytes.
 ///
-/// A platform may hold a read back until SubmitReads_Impl, which the caller owes it. One thread starts reads.
+/// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);
 
-/// How many reads may be held back.
+/// Maximum number of delayed reads.
 inline constexpr std::size_t kMostReadsHeldBack = 32;
 
-/// Hands the system the reads that were held back. Gives how many of those started since the last call, counted from
-/// the newest, the system refused after all; outError tells why. A read may complete before it is handed over here,
-/// when a packet is posted behind it.
+/// Submits the delayed reads to the system. Returns how many of the reads started since the last call the system
+/// refused after all, counted from the newest; outError is the reason. A delayed read may complete before this call if
+/// a packet is posted after it.
 std::size_t SubmitReads_Impl(SystemError& outError);
 
-/// Starts a plain thread. Gives 0 and the thread, or the system error and null.
+/// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread);
 
-/// Waits, without a limit, for the end of the thread. Null is ignored.
+/// Waits without limit for the thread to end. Ignores null.
 void WaitForThread_Impl(Handle inThread);
 
-/// Lets go of the thread, which runs on if it has not ended. Null is ignored.
+/// Closes the handle of the thread, which keeps running if it has not ended. Ignores null.
 void CloseThread_Impl(Handle inThread);
 
 } // namespace Platform

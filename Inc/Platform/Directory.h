@@ -1,5 +1,5 @@
 // Floor: Platform
-// What directories need of the system.
+// The system functions for directories.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -9,11 +9,11 @@ namespace ORL {
 namespace Directories {
 namespace Platform {
 
-/// What a listing tells of an entry: exactly what asking for the entry's path would answer at that moment.
+/// The kind of an entry as a listing reports it, the same as a query of the entry's path at that moment.
 enum class EntryKind {
     kDirectory,
-    kOther,   // no directory
-    kUnknown, // the listing does not tell (a link, for one): the path has to be asked
+    kOther,   // not a directory
+    kUnknown, // the listing does not report it (for links, for example): query the path
 };
 
 struct Entry
@@ -22,43 +22,43 @@ struct Entry
     EntryKind mKind = EntryKind::kUnknown;
 };
 
-/// A directory that is being read.
+/// An open directory listing.
 struct Listing;
 
-/// Begins to read a directory. Gives 0, or the system error and null.
+/// Opens a listing of a directory. Returns 0, or the system error with a null listing.
 SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListing);
 
-/// The next entry, in the system's own order, without "." and "..". 0, 18 (no more files) at the end, or the error that
-/// breaks the list off.
+/// Stores the next entry, in the system's order, without "." and "..". Returns 0, 18 (no more files) at the end, or the
+/// error that aborts the listing.
 SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry);
 
-/// Is called before directories below this one are listed, so that a walk of any depth does not use up the handles of a
-/// process that has few. The entries still to come are kept.
+/// Called before directories below this one are listed, so that a walk of any depth does not exhaust the handles of the
+/// process. The remaining entries are kept.
 void Suspend_Impl(Listing& ioListing);
 
 void CloseListing_Impl(Listing* inListing);
 
-/// Whether two paths lead to one directory. False when one cannot be asked.
+/// Returns whether two paths refer to the same directory; false if one cannot be queried.
 bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther);
 
-/// Makes a file that must not exist yet, hidden and sure to be gone at the end, and writes one byte into it. Whether
-/// that could be done.
+/// Creates a hidden file that must not exist yet and is certain to be deleted at the end, and writes one byte to it.
+/// Returns whether that succeeded.
 bool WriteProbe_Impl(const UTF16String& inPath);
 
-/// Makes the directory and all above it. The status of the system's path service: 0, or not 0; it is no system error
-/// number of the usual kind.
+/// Creates the directory and its missing parents. Returns the status of the system's path service: 0 for success. Other
+/// values are not system error numbers of the usual kind.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 
 /// Removes an empty directory.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath);
 
-/// The shell's own numbers of its functions.
+/// The shell's numbers of its functions.
 enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
-/// The shell's operation on all that inFrom names: a plain path and "*.*". inTo, a plain path, is the folder that it
-/// goes to, made where missing, and null for kDelete. Overwrites and joins without asking. 0, or a status of the shell
-/// that is no system error number of the usual kind. Nothing to copy or to move is a failure; on the home platform
-/// some versions give 0 for it.
+/// Runs the shell's operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
+/// destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or a
+/// status of the shell that is not a system error number of the usual kind. Fails if there is nothing to copy or move;
+/// some versions of the home platform return 0 then.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
 
 } // namespace Platform

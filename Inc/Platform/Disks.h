@@ -1,5 +1,5 @@
 // Floor: Platform
-// What the disk functions need of the system.
+// The system functions for volumes.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -10,25 +10,25 @@ namespace ORL {
 namespace DiskUtils {
 namespace Platform {
 
-/// The volume that is asked about: its root with a backslash at its end, and the path whose volume it is. At home the
-/// root alone counts. On Linux a drive is a tree of many file systems, so the one that holds the path answers, or
-/// would hold it: the path need not exist, the root must.
+/// The volume to query: its root with a backslash at its end, and a path on it. On the home platform only the root is
+/// used. On Linux a drive is a tree of many file systems, so the one that holds the path, or would hold it, is queried:
+/// the path need not exist, the root must.
 struct Volume
 {
     UTF16String mRoot;
     UTF16String mPath;
 };
 
-/// Bytes of a sector: the unit of direct reads. 0 where the call fails.
+/// Stores the bytes of a sector, the unit of direct reads; 0 on failure.
 SystemError GetSectorSize_Impl(const Volume& inVolume, unsigned int& outBytesPerSector);
 
-/// Bytes free to this user. outBytes is untouched where the call fails.
+/// Stores the bytes free to this user. outBytes is untouched on failure.
 SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes);
 
-/// The file system's name; that of the FAT family begins with "FAT". outName is untouched where the call fails.
+/// Stores the file system's name; names of the FAT family begin with "FAT". outName is untouched on failure.
 SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName);
 
-/// Whether a path is the root of a volume, as text.
+/// Returns whether a path is the root of a volume. Compares text only.
 bool IsRoot_Impl(const UTF16String& inPath);
 
 } // namespace Platform

@@ -8,29 +8,29 @@ namespace ORL {
 namespace Events {
 namespace Platform {
 
-/// A number that means an endless wait.
+/// The number for an unlimited wait.
 inline constexpr std::uint32_t kEndless = 0xFFFFFFFFu;
 
-/// What a wait came to.
+/// The result of a wait.
 enum class WaitOutcome { kSignalled, kTimeout, kFailed };
 
-/// Makes an unnamed event. A manual-reset event stays signalled; any other is reset by the wait that it ends.
-/// Gives 0 and the handle, which is never null; or the system error, and null.
+/// Creates an unnamed event. A manual-reset event stays signalled; any other is reset by the wait that it ends. Returns
+/// 0 and the handle, which is never null; or the system error and null.
 unsigned long CreateEvent_Impl(bool inManualReset, bool inInitiallySignalled, void*& outEvent);
 
-/// Ends the life of an event that no thread waits at. A call of SetEvent_Impl may still be on its way out. Null is
-/// ignored.
+/// Destroys an event without waiters. A call of SetEvent_Impl that has already signalled may not have returned yet.
+/// Ignores null.
 void DestroyEvent_Impl(void* inEvent);
 
-/// Signals the event; what the caller wrote before is seen by the thread that is let through. Gives 0, or the system
-/// error: 6 for a null handle.
+/// Signals the event. The released thread sees all earlier writes of the caller. Returns 0, or the system error: 6 for
+/// a null handle.
 unsigned long SetEvent_Impl(void* inEvent);
 
-/// Waits that many milliseconds for a signal, 0 being a poll. Fails for a null handle.
+/// Waits up to that many milliseconds for a signal; 0 polls. Fails for a null handle.
 WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds);
 
-/// For tests: while installed, each CreateEvent_Impl asks this function first and fails with what it gives, unless
-/// that is 0. Null takes it away.
+/// For tests: while installed, each CreateEvent_Impl first calls this function, and fails with its result unless that
+/// is 0. Null removes it.
 using CreateFault = unsigned long (*)();
 void InstallCreateFault(CreateFault inFault);
 

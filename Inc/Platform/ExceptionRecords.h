@@ -1,5 +1,5 @@
 // Floor: Platform
-// What an exception record of the home platform holds.
+// The contents of an exception record of the home platform.
 #pragma once
 
 #include <cstdint>

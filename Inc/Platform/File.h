@@ -1,13 +1,13 @@
 // Floor: Platform
-// What files need of the system. Words and numbers are the home platform's on every platform: access, share mode,
-// disposition and flags go in as its words, failures come back as its error numbers, times are units of 100 ns since
-// the beginning of 1601, UTC.
+// The system functions for files. Values are those of the home platform on every platform: access, share mode,
+// disposition and flags are its constants, failures its error numbers, times units of 100 ns since the beginning of
+// 1601, UTC.
 //
-// Share modes are kept between all handles: an open whose access another handle does not share, or that does not share
-// another handle's access, fails with 32. To delete or move a file asks for the right to delete for a moment; so does
-// to replace one. Access 0 is never checked.
+// Share modes apply between all handles: an open whose access another handle does not share, or that does not share
+// another handle's access, fails with 32. Deleting, moving or replacing a file briefly opens it with delete access.
+// Access 0 is never checked.
 //
-// Paths may be plain or extended, and are taken as they stand.
+// Paths may be plain or extended, and are used as given.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -21,7 +21,7 @@ namespace Platform {
 
 using Handle = void*;
 
-/// What a handle holds while no file is open.
+/// The value of a handle while no file is open.
 inline Handle InvalidHandle()
 {
     return reinterpret_cast<Handle>(static_cast<std::intptr_t>(-1));
@@ -53,60 +53,61 @@ inline constexpr std::uint32_t kFromBegin = 0;
 inline constexpr std::uint32_t kFromCurrent = 1;
 inline constexpr std::uint32_t kFromEnd = 2;
 
-/// Opens or makes a file. Gives 0 and the file, or the error and InvalidHandle().
+/// Opens or creates a file. Returns 0 and the file, or the error and InvalidHandle().
 SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inShareMode,
                             std::uint32_t inDisposition, std::uint32_t inFlags, Handle& outFile);
 
-/// Closes the file. One that was opened with kFlagDeleteOnClose is gone then.
+/// Closes the file. Deletes one that was opened with kFlagDeleteOnClose.
 void CloseFile_Impl(Handle inFile);
 
-/// Reads at the file's position and moves it on. outBytesRead is set also after a failure. Behind the end 0 bytes are
-/// read, without a failure.
+/// Reads at the file's position and advances it. Sets outBytesRead even on failure. Reads 0 bytes after the end,
+/// without an error.
 SystemError ReadFile_Impl(Handle inFile, void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
 
-/// Writes at the file's position and moves it on. outBytesWritten is set also after a failure.
+/// Writes at the file's position and advances it. Sets outBytesWritten even on failure.
 SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t inCount,
                            std::uint32_t& outBytesWritten);
 
-/// Moves the file's position and stores the new one, where outPosition is not null. The answer is the system's own: not
-/// 0 when it was done, 0 when it was refused, and then neither position nor outPosition change.
+/// Moves the file's position and stores the new one, unless outPosition is null. Returns the system's result: not 0 for
+/// success; 0 for a failure, with position and outPosition unchanged.
 int SetFilePointer_Impl(Handle inFile, std::int64_t inOffset, std::uint32_t inMethod, std::int64_t* outPosition);
 
-/// Cuts or extends the file at its position.
+/// Truncates or extends the file to its position.
 SystemError SetEndOfFile_Impl(Handle inFile);
 
-/// The low half of the size, and the high half in outHigh. 0xFFFFFFFF, with outHigh untouched, when it fails.
+/// Returns the low half of the size, and stores the high half in outHigh. Returns 0xFFFFFFFF, with outHigh untouched,
+/// on failure.
 std::uint32_t GetFileSize_Impl(Handle inFile, std::uint32_t& outHigh);
 
-/// outTime is untouched where it fails.
+/// outTime is untouched on failure.
 SystemError GetLastWriteTime_Impl(Handle inFile, std::uint64_t& outTime);
 
-/// The size of what the path names, 0 for a directory, whether or not it is open. outSize is untouched where it fails.
+/// Stores the size of a file, open or not; 0 for a directory. outSize is untouched on failure.
 SystemError GetSizeOfPath_Impl(const UTF16String& inPath, std::uint64_t& outSize);
 
-/// A directory gives 5, a file without write permission too.
+/// Returns 5 for a directory and for a file without write permission.
 SystemError DeleteFile_Impl(const UTF16String& inPath);
 
-/// Is called with the bytes of the file and those copied so far, at least once. False ends the copy.
+/// Called at least once with the size of the file and the bytes copied so far. Returning false ends the copy.
 using CopyProgress = bool (*)(std::uint64_t inTotal, std::uint64_t inTransferred, void* inData);
 
-/// Copies contents, last-write time and read-only mark; an existing destination is overwritten. inProgress may be
-/// null. A copy that was ended by it gives 1235. A copy that fails half-way leaves no destination.
+/// Copies contents, last-write time and read-only attribute; overwrites an existing destination. inProgress may be
+/// null. If it ends the copy, returns 1235. A failed copy leaves no destination.
 SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDestination, CopyProgress inProgress,
                           void* inData);
 
-/// Renames a file or directory. 183 where the destination exists, unless it is the source itself. A file may move to
-/// another volume.
+/// Renames a file or directory. Returns 183 if the destination exists, unless it is the source itself. Files may also
+/// be moved to another volume.
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination);
 
-/// What becomes of the earlier contents of a replaced file.
+/// What happens to the previous contents of a replaced file.
 enum class BackupEnd { kStays, kIsDeleted };
 
-/// Puts the replacement in the place of the replaced file, whose earlier contents are then inBackup, which is
-/// overwritten where it exists. After success contents and names are on disk. At every moment the replaced name holds
-/// the one or the other, whole. A backup whose name is too long for the volume, and for nothing else, is kept beside the
-/// replaced file until then and is gone after success. With kIsDeleted every backup is gone after success, unless it
-/// cannot be deleted, which is no failure. Throws std::bad_alloc only before anything has been replaced.
+/// Replaces a file by another one. The previous contents are moved to inBackup, which is overwritten if it exists. On
+/// success contents and names have been synced to disk. The replaced name always refers to the complete old or the
+/// complete new contents. If the backup fails only because its name is too long for the volume, it is kept beside the
+/// replaced file under another name, and deleted on success. With kIsDeleted every backup is deleted on success; a
+/// failure of that is ignored. Throws std::bad_alloc only before anything has been replaced.
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
                              const UTF16String& inBackup, BackupEnd inEnd);
 

@@ -1,5 +1,5 @@
 // Floor: Platform
-// The user's locale as the system knows it.
+// The user's locale as the system defines it.
 #pragma once
 
 #include <locale>
@@ -8,8 +8,8 @@ namespace ORL {
 namespace Locale {
 namespace Platform {
 
-/// Returns the C++ library's locale of that name, the user's for the empty one; the classic locale where there is none. What
-/// it says of numbers does not count. Never throws: it runs at load.
+/// Returns the C++ library's locale of that name; an empty name means the user's locale. Returns the classic locale if
+/// there is none. Callers ignore its number punctuation. Never throws: it runs at load.
 std::locale FindLocale_Impl(const char* inName) noexcept;
 
 } // namespace Platform

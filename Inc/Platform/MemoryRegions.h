@@ -7,12 +7,12 @@
 namespace ORL {
 namespace MemoryRegions {
 
-/// States, by the home platform's numbers.
+/// States, as numbers of the home platform.
 inline constexpr std::uint32_t kCommitted = 4096;
 inline constexpr std::uint32_t kReserved = 8192;
 inline constexpr std::uint32_t kFree = 65536;
 
-/// From the address that was asked for to the end of the region that holds it.
+/// The range from the queried address to the end of its region.
 struct Region
 {
     std::uint64_t mSize;
@@ -21,22 +21,22 @@ struct Region
 
 namespace Platform {
 
-/// One walk, in rising order of the addresses. Not safe from two threads at once.
+/// One walk, in ascending order of addresses. Not thread-safe.
 struct Walk;
 
-/// Null when the system does not tell its regions. The walk ends with CloseWalk_Impl.
+/// Returns null if the system does not report its regions. CloseWalk_Impl ends the walk.
 Walk* OpenWalk_Impl();
 void CloseWalk_Impl(Walk* inWalk);
 
-/// The region that holds inAddress. False at the end of the address space that the process may use, and when the system
-/// does not tell.
+/// Stores the region that holds inAddress. Returns false at the end of the process's address space, and if the system
+/// does not report regions.
 ///
 /// On Linux, mappings without any access are reserved, all others committed, and the gaps between them free. Mappings
-/// that come and go during the walk may be missed, never told twice.
+/// that change during the walk may be missed, but are never reported twice.
 bool QueryRegion_Impl(Walk& ioWalk, std::uint64_t inAddress, Region& outRegion);
 
-/// Heaps of the process. On Linux these are the C library's arenas: one, and a further one for each thread that found
-/// the others busy, up to the library's limit. 0 when the system does not tell.
+/// Returns the number of heaps of the process; 0 if the system does not report it. On Linux these are the C library's
+/// arenas: one, plus one for each thread that found the others busy, up to the library's limit.
 unsigned long HeapCount_Impl();
 
 } // namespace Platform

@@ -1,5 +1,5 @@
 // Floor: Platform
-// Memory in whole pages, straight from the system.
+// Memory in whole pages, directly from the system.
 #pragma once
 
 #include <cstddef>
@@ -8,15 +8,15 @@ namespace ORL {
 namespace PageMemory {
 namespace Platform {
 
-/// Zeroed, readable and writable memory of inSize bytes, a multiple of the page size, from the top of the address space
-/// where the system can; null when there is none.
+/// Returns zeroed, readable and writable memory of inSize bytes, a multiple of the page size, from the top of the
+/// address space if possible. Returns null if out of memory.
 void* AllocatePages_Impl(std::size_t inSize);
 
-/// Frees memory of AllocatePages_Impl. inSize is the size that was asked for.
+/// Frees memory of AllocatePages_Impl. inSize must be the same.
 void FreePages_Impl(void* inPages, std::size_t inSize);
 
-/// How the runtime answers an exhausted heap: 0 where an allocation just fails. Any other mode calls handlers of the host
-/// from inside of an allocation.
+/// Returns how the C runtime handles an exhausted heap: 0 if an allocation simply fails. In any other mode an
+/// allocation calls handlers of the host.
 int QueryNewMode_Impl();
 
 } // namespace Platform

@@ -1,6 +1,6 @@
 // Floor: Platform
-// What the path functions need of the system. A path may be plain or extended; a plain one is resolved by the system,
-// an extended one taken as it stands.
+// The system functions for paths. A path may be plain or extended; the system resolves a plain one and uses an extended
+// one as given.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -11,7 +11,7 @@ namespace ORL {
 namespace PathUtils {
 namespace Platform {
 
-/// What the system's path text functions take and give at most, the terminator included.
+/// Maximum size of arguments and results of the system's path text functions, terminator included.
 inline constexpr std::size_t kMaxPath = 260;
 
 /// Attribute bits of an entry.
@@ -21,39 +21,42 @@ inline constexpr unsigned long kAttributeDirectory = 0x10;
 inline constexpr unsigned long kAttributeNormal = 0x80;
 inline constexpr unsigned long kInvalidAttributes = 0xFFFFFFFF;
 
-/// Joins drive, directory, file and extension, adding ":", a trailing separator and "." where a part lacks it. The
-/// lengths and 5 add up to at most kBufferLength.
+/// Joins drive, directory, file and extension. Adds ":", a trailing separator and "." if missing. The sum of the
+/// lengths plus 5 must not exceed kBufferLength.
 UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                           const UTF16String& inExtension);
 
-/// Whether an entry of that name is in its directory; the last name may be a pattern. The root of a drive is no entry.
+/// Returns whether the directory of the path has an entry of its last name, which may be a pattern. The root of a drive
+/// is not an entry.
 bool FindEntry_Impl(const UTF16String& inPath);
 
 bool IsDirectory_Impl(const UTF16String& inPath);
 
-/// A directory without any entry, hidden ones counted.
+/// Returns whether the path is an empty directory. Hidden entries count.
 bool IsDirectoryEmpty_Impl(const UTF16String& inPath);
 
-/// The attribute bits, or kInvalidAttributes for any failure.
+/// Returns the attribute bits, or kInvalidAttributes on failure.
 unsigned long GetFileAttributes_Impl(const UTF16String& inPath);
 
-/// Makes the directory and all above it where missing. True when it is there at the end.
+/// Creates the directory and its missing parents. Returns whether the directory exists now.
 bool PreparePathForWrite_Impl(const UTF16String& inPath);
 
-/// What follows the first component of inPath, a pointer into it; null for an empty text.
+/// Returns a pointer to the text after the first component of inPath; null for an empty text.
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 
-/// The relative path between two directories. False, with outRelative untouched, when they have nothing in common.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if they have nothing in
+/// common.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// inMore as seen from inBase, dots resolved. False, with outPath untouched, when it would not fit kMaxPath.
+/// Stores inMore relative to inBase, with dots resolved. Returns false, with outPath untouched, if it exceeds kMaxPath.
 bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
-/// Fills the buffer with the directory for temporary files, trailing separator and terminator included, and gives its
-/// length; or gives the size needed, terminator included, when inSize is too small. 0 is a failure.
+/// Fills the buffer with the directory for temporary files, with trailing separator and terminator, and returns its
+/// length. If inSize is too small, returns the size needed, terminator included. Returns 0 on failure.
 unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer);
 
-/// The shell's name of the path's last component. False when the shell cannot tell; outName is then untouched.
+/// Stores the shell's display name of the path's last component. Returns false, with outName untouched, if the shell
+/// reports none.
 bool GetShellName_Impl(const UTF16String& inPath, UTF16String& outName);
 
 } // namespace Platform

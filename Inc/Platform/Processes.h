@@ -1,5 +1,5 @@
 // Floor: Platform
-// What the search for a process needs of the system.
+// The system functions for finding a process.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -11,7 +11,7 @@ namespace ORL {
 namespace Process {
 namespace Platform {
 
-/// A process that was opened for its name; null if it could not be, and always null where a name needs no handle.
+/// A process opened to query its name. Null if it could not be opened, and on platforms that need no handle for that.
 using ProcessHandle = void*;
 
 /// Stores the identifiers of at most inCapacity running processes, in the system's order. outCount is untouched on
@@ -20,11 +20,11 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
 
 ProcessHandle OpenProcess_Impl(unsigned int inIdentifier);
 
-/// The file name of the process's executable, without its folder. Returns false if the process has ended or does not
-/// tell.
+/// Stores the file name of the process's executable, without its folder. Returns false if the process has ended or its
+/// name is not available.
 bool GetExecutableName_Impl(ProcessHandle inProcess, unsigned int inIdentifier, UTF16String& outName);
 
-/// Null is fine.
+/// Ignores null.
 void CloseProcess_Impl(ProcessHandle inProcess);
 
 } // namespace Platform

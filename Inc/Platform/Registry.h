@@ -1,5 +1,5 @@
 // Floor: Platform
-// What registry keys need of the system. Each operation returns a system error number; 0 is success. Paths and names
+// The system functions for registry keys. Each operation returns a system error number; 0 is success. Paths and names
 // are zero-terminated.
 #pragma once
 
@@ -14,43 +14,44 @@ namespace ORL {
 namespace Registry {
 namespace Platform {
 
-/// A handle to an open key; null is none.
+/// A handle to an open key, or null.
 using KeyHandle = void*;
 
-/// Access rights of a handle. A handle may do what its rights allow; deleting and creating keys below it asks for none.
+/// Access rights of a handle. They limit its operations, except deleting and creating keys below it, which need no
+/// right.
 inline constexpr unsigned kAccessRead = 0x20019;
 inline constexpr unsigned kAccessWrite = 0x20006;
 inline constexpr unsigned kAccessReadWrite = 0x2001F;
 inline constexpr unsigned kAccessAll = 0xF003F;
-inline constexpr unsigned kAccessViewBits = 0x300; // one of the two views of the registry, where there are two
+inline constexpr unsigned kAccessViewBits = 0x300; // selects one of two views of the registry, on systems that have two
 
-/// Types of values that the library itself looks at.
+/// Types of values that the library itself handles.
 inline constexpr unsigned kTypeString = 1;
 inline constexpr unsigned kTypeExpandString = 2;
 inline constexpr unsigned kTypeBinary = 3;
 inline constexpr unsigned kTypeUInt32 = 4;
 inline constexpr unsigned kTypeUInt64 = 11;
 
-/// A buffer of this size holds every key name with its terminator.
+/// A buffer of this size holds every key name, terminator included.
 inline constexpr unsigned kKeyNameCapacity = 256;
 
-/// The two roots: handles that need no close, though they bear one.
+/// The two root handles. They need no close, but closing them is allowed.
 KeyHandle GetUserRoot_Impl() noexcept;
 KeyHandle GetMachineRoot_Impl() noexcept;
 
-/// Opens an existing key. An empty or null path opens inParent again. outKey is null after a failure.
+/// Opens an existing key. An empty or null path opens inParent again. outKey is null on failure.
 SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
 
-/// What CreateKey_Impl has done.
+/// Results of CreateKey_Impl in outDisposition.
 inline constexpr unsigned kCreatedKey = 1;
 inline constexpr unsigned kOpenedKey = 2;
 
-/// Opens a key, or creates it and all missing keys above it. outDisposition may be null.
+/// Opens a key, or creates it and its missing parents. outDisposition may be null.
 SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                            unsigned* outDisposition);
 
-/// The same inside a transaction of the system's transaction manager. 1 where the system has no such function, which is
-/// looked up on each call.
+/// The same inside a transaction of the system's transaction manager. Returns 1 if the system lacks the function, which
+/// is looked up on each call.
 SystemError OpenKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
                                    void* inTransaction, KeyHandle& outKey);
 SystemError CreateKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
@@ -59,26 +60,26 @@ SystemError DeleteKeyTransacted_Impl(KeyHandle inParent, const unsigned short* i
 
 SystemError CloseKey_Impl(KeyHandle inKey);
 
-/// Deletes a key that has no subkeys: 5 if it has. An empty path deletes the key of inParent.
+/// Deletes a key without subkeys; returns 5 if it has any. An empty path deletes the key of inParent.
 SystemError DeleteKey_Impl(KeyHandle inParent, const unsigned short* inPath);
 
-/// The same in one view of the registry; as DeleteKey_Impl where the system knows no views.
+/// The same in one view of the registry; same as DeleteKey_Impl if the system has no views.
 SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inView);
 
-/// Deletes a key with all its descendants, all or none; 50 where the system cannot, and nothing is deleted then.
+/// Deletes a key with all its descendants, all or none. Returns 50 and deletes nothing if the system cannot do that.
 SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath);
 
-/// The name of subkey number inIndex with its terminator. ioLength is the capacity in units, and afterwards the length
-/// without terminator. 259 past the last one, 234 if the name does not fit.
+/// Stores the name of subkey number inIndex with its terminator. ioLength is the capacity in units on entry, and the
+/// length without terminator on return. Returns 259 past the last subkey, 234 if the name does not fit.
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
 
-/// Type and data of a value. *ioSize is the capacity in bytes, and afterwards the size of the value. Without a buffer
-/// only type and size are stored; a buffer that is too small gives 234 and both. Every output may be null, but a buffer
-/// needs a size: 87.
+/// Stores type and data of a value. *ioSize is the capacity in bytes on entry, and the size of the value on return.
+/// Without a buffer stores only type and size. If the buffer is too small, returns 234 and stores both. Every output
+/// may be null, but a buffer without a size returns 87.
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 
-/// Text is read one unit past its size: a terminator that stands there is stored with it.
+/// Reads text one unit past its size; a terminator there is stored too.
 SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
                           unsigned inSize);
 
@@ -91,21 +92,21 @@ struct Value
     std::vector<unsigned char> mData;
 };
 
-/// All values of a key.
+/// Stores all values of a key.
 SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues);
 
-/// One step of a change of several keys and values.
+/// One step of an atomic change of several keys and values.
 struct Edit
 {
     enum Kind { kCreateKey, kDeleteTree, kSetValue, kDeleteValue };
 
     Kind mKind;
     const unsigned short* mPath; // below the root
-    const Value* mValue;         // of kSetValue, and for its name of kDeleteValue
+    const Value* mValue;         // of kSetValue; of kDeleteValue, for the name only
 };
 
-/// Makes all changes below a root, or none. Deletions of missing items succeed. Returns 50 if the system cannot, and nothing
-/// is done then.
+/// Makes all changes below a root, or none. Deleting a missing item succeeds. Returns 50 and changes nothing if the
+/// system cannot do that.
 SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits);
 
 struct SetAside
@@ -124,7 +125,7 @@ struct StoreState
     std::vector<SetAside> mSetAside;
 };
 
-/// What is known of the store of a root. inCheck reads all of it.
+/// Returns the state of the store of a root. With inCheck reads all of it.
 StoreState GetStoreState_Impl(KeyHandle inRoot, bool inCheck);
 
 } // namespace Platform

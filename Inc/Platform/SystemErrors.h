@@ -1,6 +1,6 @@
 // Floor: Platform
-// System error numbers of the home platform. Failures cross the platform seam as these on every platform, so that
-// what stands above it gives the same answer everywhere.
+// System error numbers of the home platform. The platform functions report failures with these numbers on every
+// platform, so that the code above has the same results everywhere.
 #pragma once
 
 namespace ORL {
@@ -34,21 +34,21 @@ inline constexpr SystemError kErrorInvalidParameter = 87;
 inline constexpr SystemError kErrorBrokenPipe = 109;
 inline constexpr SystemError kErrorDiskFull = 112;
 inline constexpr SystemError kErrorInvalidName = 123;
-inline constexpr SystemError kErrorModNotFound = 126; // a module, or one that it needs
+inline constexpr SystemError kErrorModNotFound = 126; // a module, or one that it depends on
 inline constexpr SystemError kErrorNegativeSeek = 131;
 inline constexpr SystemError kErrorDirectoryNotEmpty = 145;
 inline constexpr SystemError kErrorBadPathName = 161;
 inline constexpr SystemError kErrorBusy = 170;
 inline constexpr SystemError kErrorAlreadyExists = 183;
-inline constexpr SystemError kErrorBadExeFormat = 193; // the file is no module of this machine
+inline constexpr SystemError kErrorBadExeFormat = 193; // the file is not a module for this machine
 inline constexpr SystemError kErrorFileNameTooLong = 206;
 inline constexpr SystemError kErrorFileTooLarge = 223;
 inline constexpr SystemError kErrorMoreData = 234;
 inline constexpr SystemError kErrorNoMoreItems = 259;
-inline constexpr SystemError kErrorDirectory = 267; // the name is no directory where one is required
+inline constexpr SystemError kErrorDirectory = 267; // the name is not a directory where one is required
 inline constexpr SystemError kErrorOperationAborted = 995;
 inline constexpr SystemError kErrorIoPending = 997;
-inline constexpr SystemError kErrorNoAccess = 998; // memory that cannot be read or written
+inline constexpr SystemError kErrorNoAccess = 998; // memory that is not readable or writable
 inline constexpr SystemError kErrorRegistryIoFailed = 1016;
 inline constexpr SystemError kErrorNotRegistryFile = 1017;
 inline constexpr SystemError kErrorKeyDeleted = 1018;

@@ -1,5 +1,5 @@
 // Floor: Platform
-// The slot in which each thread keeps a pointer of its own, and the way a thread's name reaches a debugger.
+// Thread-local slots for one pointer per thread, and passing a thread's name to a debugger.
 #pragma once
 
 #include <cstdint>
@@ -8,22 +8,22 @@ namespace ORL {
 namespace ThreadManager {
 namespace Platform {
 
-/// Stands for a slot that could not be had.
+/// The value for a slot that could not be allocated.
 inline constexpr std::uint32_t kNoSlot = 0xFFFFFFFFu;
 
-/// A slot that holds null for every thread, or kNoSlot. Nothing runs at the end of a thread.
+/// Returns a slot that holds null for every thread, or kNoSlot. Slots have no destructors.
 std::uint32_t AllocateSlot_Impl();
 
-/// Gives the slot back. Its number may be handed out again.
+/// Frees the slot. Its number may be reused.
 void FreeSlot_Impl(std::uint32_t inSlot);
 
-/// The calling thread's pointer in a slot; null for a slot that was given back.
+/// Returns the calling thread's pointer in a slot; null for a freed slot.
 void* GetSlotValue_Impl(std::uint32_t inSlot);
 void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue);
 
-/// Hands the name of the calling thread (UTF-8) to a debugger and to the system's tools. Changes nothing else, and
-/// nothing visible when no debugger is attached. On Linux the thread that the process began with keeps its name, which is the
-/// process's own. Cannot fail.
+/// Passes the name of the calling thread (UTF-8) to a debugger and the system's tools. Has no other effect, and no
+/// visible one without a debugger. On Linux the initial thread of the process keeps its name, which is that of the
+/// process. Never fails.
 void NameThread_Impl(const char* inName);
 
 } // namespace Platform

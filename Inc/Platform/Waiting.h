@@ -1,15 +1,15 @@
 // Floor: Platform
-// What a thread that has to wait asks of the system.
+// The system functions for waiting threads.
 #pragma once
 
 namespace ORL {
 namespace Sync {
 namespace Platform {
 
-/// The processors that the calling thread may run on, 1 at least.
+/// Returns the number of processors that the calling thread may run on, at least 1.
 int CountProcessors_Impl();
 
-/// Sleeps that many milliseconds at least. An early wake-up by the system does not shorten it.
+/// Sleeps at least that many milliseconds. An interrupted sleep is continued.
 void SleepMilliseconds_Impl(int inMilliseconds);
 
 } // namespace Platform

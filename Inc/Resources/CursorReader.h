@@ -1,5 +1,5 @@
 // Floor: System
-// Cursors as resources hold them.
+// Cursors in resources.
 #pragma once
 
 #include <ORLResources.h>
@@ -8,12 +8,13 @@
 namespace ORL {
 namespace Resources {
 
-/// The identifier of the cursor in a group that fits a pointer of 32 by 32 best: the nearest size, then the most
-/// colours. False if the group holds none.
+/// Stores the identifier of the cursor in a group that best fits a pointer of 32 by 32 pixels: the nearest size, then
+/// the most colours. Returns false if the group is empty.
 bool ChooseCursor(const Bytes& inGroup, unsigned short& outID) noexcept;
 
-/// Reads one cursor: hot spot, picture and mask, uncompressed, of 1, 4, 8, 24 or 32 bits. A pixel that would invert the
-/// screen becomes opaque black. False, with outPicture untouched, if it cannot be read. Throws std::bad_alloc.
+/// Reads one cursor: hot spot, picture and mask, uncompressed, with 1, 4, 8, 24 or 32 bits. A pixel that would invert
+/// the screen becomes opaque black. Returns false, with outPicture untouched, if it cannot be read. Throws
+/// std::bad_alloc.
 bool ReadCursor(const Bytes& inCursor, Linux::CursorPicture& outPicture);
 
 } // namespace Resources

@@ -1,5 +1,5 @@
 // Floor: System
-// Dialogs as resources hold them.
+// Dialogs in resources.
 #pragma once
 
 #include <Resources/ResourceReaders.h>
@@ -24,7 +24,7 @@ struct DialogItem
     std::uint32_t mStyle = 0;
     std::uint32_t mExtendedStyle = 0;
     std::uint32_t mID = 0;
-    std::int16_t mX = 0; // in dialog units, as all sizes here
+    std::int16_t mX = 0; // in dialog units, like all sizes here
     std::int16_t mY = 0;
     std::int16_t mWidth = 0;
     std::int16_t mHeight = 0;
@@ -44,12 +44,13 @@ struct Dialog
     TemplateName mMenu;
     TemplateName mClass;
     UTF16String mTitle;
-    std::uint16_t mFontSize = 0; // 0: no font is named
+    std::uint16_t mFontSize = 0; // 0: the template names no font
     UTF16String mFont;
     std::vector<DialogItem> mItems;
 };
 
-/// Reads a dialog template of either form. False, with outDialog in parts, if it is not whole. Throws std::bad_alloc.
+/// Reads a dialog template of either form. Returns false, with outDialog partly filled, if it is truncated. Throws
+/// std::bad_alloc.
 bool ReadDialogTemplate(const Bytes& inTemplate, Dialog& outDialog);
 
 } // namespace Resources

@@ -11,10 +11,10 @@
 namespace ORL {
 namespace Resources {
 
-/// A stored type or name: a number, or a text in the index's own memory.
+/// A stored type or name: a number, or a text in the index's memory.
 struct StoredName
 {
-    std::uint32_t mOffset = 0; // of the text as it stands; its canonical form follows it
+    std::uint32_t mOffset = 0; // of the unmodified text; its canonical form follows it
     std::uint32_t mCount = 0;
     std::uint32_t mCanonicalCount = 0;
     unsigned short mID = 0;
@@ -30,8 +30,8 @@ struct ResourceEntry
     const unsigned char* mData = nullptr;
 };
 
-/// Filled once by a reader, then finished, and never changed again; so lookups are safe from any thread. The data of
-/// the entries is not the index's and must outlive it.
+/// Filled once by a reader, then finished and immutable; lookups are then thread-safe. The index does not own the data
+/// of the entries, which must outlive it.
 class ResourceIndex
 {
 public:
@@ -41,26 +41,26 @@ public:
     void Add(const StoredName& inType, const StoredName& inName, unsigned short inLanguage, const unsigned char* inData,
              std::uint32_t inSize);
 
-    /// Sorts the entries: types and names with texts before numbers, then languages. Of two entries with one type, name
-    /// and language the one that was added first stays. Throws std::bad_alloc.
+    /// Sorts the entries by type, name and language; texts precede numbers. Of several entries with the same type, name
+    /// and language only the first one added is kept. Throws std::bad_alloc.
     void Finish();
 
-    /// In order. Entries of one type stand together, and so do those of one type and name.
+    /// Returns the sorted entries. Entries of one type are adjacent, and so are those of one type and name.
     const std::vector<ResourceEntry>& Entries() const noexcept { return mEntries; }
 
-    /// The text of a stored name as it stands; null for a number.
+    /// Returns the unmodified text of a stored name; null for a number.
     const unsigned short* Text(const StoredName& inName) const noexcept;
 
     /// Finds a resource as the home platform does: in the language, in its neutral sublanguage, in the neutral
-    /// language. If the language's primary part is 0, then in inUserLanguage, in its neutral sublanguage, in American
-    /// English, and in the first language there is. Null if there is none.
+    /// language. If the primary language is 0, then in inUserLanguage, in its neutral sublanguage, in American English,
+    /// and in the first language that exists. Returns null if there is none.
     const ResourceEntry* Find(const NameView& inType, const NameView& inName, unsigned short inLanguage,
                               unsigned short inUserLanguage) const;
 
-    /// The entry of exactly that language, or null.
+    /// Returns the entry of exactly that language, or null.
     const ResourceEntry* FindExact(const NameView& inType, const NameView& inName, unsigned short inLanguage) const;
 
-    /// The first entry of a type, or null.
+    /// Returns the first entry of a type, or null.
     const ResourceEntry* FindFirstOfType(const NameView& inType) const;
 
 private:
@@ -83,7 +83,7 @@ private:
     std::vector<ResourceEntry> mEntries;
     std::vector<unsigned short> mTexts;
     std::vector<Group> mGroups;
-    std::vector<std::uint32_t> mTable; // places of groups, one more than each; 0 is free
+    std::vector<std::uint32_t> mTable; // indices of groups plus one; 0 is free
     std::size_t mMask = 0;
 };
 

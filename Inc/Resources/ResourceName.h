@@ -1,5 +1,5 @@
 // Floor: System
-// Types and names of resources: numbers or texts without regard to case.
+// Types and names of resources: numbers, or case-insensitive texts.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Resources {
 
-/// A type or name as a lookup takes it. Holds no memory: a text is the caller's.
+/// The type or name argument of a lookup. Does not own its text.
 class NameView
 {
 public:
@@ -31,8 +31,8 @@ public:
         return name;
     }
 
-    /// Reads the home platform's form: a number in the pointer's value, or a terminated text, of which "#" and digits
-    /// are a number. Returns false for a text of "#" and a number beyond 16 bits, which names nothing.
+    /// Parses the home platform's form: a number in the pointer's value, or a terminated text, in which "#" and digits
+    /// are a number. Returns false for "#" and a number beyond 16 bits, which is invalid.
     static bool Parse(const unsigned short* inName, NameView& outName) noexcept;
 
     bool IsText() const noexcept { return mUnits != nullptr; }
@@ -46,8 +46,8 @@ private:
     unsigned short mID = 0;
 };
 
-/// The form of a text in which two names are equal exactly if they differ in case alone. ASCII becomes upper case; a
-/// text with any other unit is folded as a whole.
+/// Returns the canonical form of a text, which is equal for two names exactly if they differ only in case. ASCII
+/// becomes upper case; a text with any other unit is case-folded as a whole.
 UTF16String CanonicalName(const unsigned short* inUnits, std::size_t inCount);
 
 inline bool IsAscii(const unsigned short* inUnits, std::size_t inCount) noexcept

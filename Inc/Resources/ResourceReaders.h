@@ -1,6 +1,6 @@
 // Floor: System
-// Readers of compiled resources. They take nothing on trust: whatever the bytes say, nothing outside of them is read,
-// and time and memory stay in proportion to their number.
+// Readers of compiled resources. The input is untrusted: nothing outside the bytes is read, and time and memory are
+// proportional to their number.
 #pragma once
 
 #include <Resources/ResourceIndex.h>
@@ -19,36 +19,36 @@ struct Bytes
 
 enum class ReadOutcome {
     kComplete,
-    kPartial, // something is damaged; what could be read is in the index
-    kRefused  // of another format; the index is as it was
+    kPartial, // the data is damaged; what could be read is in the index
+    kRefused  // another format; the index is unchanged
 };
 
-/// Whether the bytes begin as a compiled resource file (.res) does: with its empty entry.
+/// Returns whether the bytes begin with the empty entry of a compiled resource file (.res).
 bool IsResFile(const Bytes& inFile) noexcept;
 
 /// Adds the entries of a .res file. Throws std::bad_alloc.
 ReadOutcome ReadResFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
-/// Whether the bytes are those of a Windows module with whole headers and sections. Throws std::bad_alloc.
+/// Returns whether the bytes are those of a Windows module with complete headers and sections. Throws std::bad_alloc.
 bool IsPEFile(const Bytes& inFile);
 
 /// Adds the resources of a Windows module (PE, 32 or 64 bits) from the bytes of its file. A module without resources is
-/// complete. Refused if its headers or sections are not whole. Throws std::bad_alloc.
+/// complete. Returns kRefused if its headers or sections are truncated. Throws std::bad_alloc.
 ReadOutcome ReadPEFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
 /// Adds the resources of a shared object (ELF, 64 bits) from the bytes of its file. Throws std::bad_alloc.
 ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
-/// Where a shared object keeps its .res files. Each has a note of owner "ORL", whose contents say how far behind them
-/// the file begins, and its size; so they are found in the loaded image as well as in the file, and need no symbol.
+/// The location of a .res file in a shared object. Each has a note of owner "ORL" with the distance from the note's
+/// contents to the .res file, and its size. So it is found in the loaded image and in the file, without a symbol.
 struct ResourceNote
 {
-    std::size_t mPlace;     // of the note's contents, in the bytes of the notes
-    std::int64_t mDistance; // from there to the .res file
+    std::size_t mPlace;     // offset of the note's contents in the bytes of the notes
+    std::int64_t mDistance; // from the note's contents to the .res file
     std::uint64_t mSize;
 };
 
-/// The notes in a note segment. Stops at the first one that is not whole.
+/// Returns the notes in a note segment. Stops at the first truncated one.
 std::vector<ResourceNote> FindResourceNotes(const Bytes& inNotes);
 
 } // namespace Resources

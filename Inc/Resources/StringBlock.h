@@ -1,5 +1,5 @@
 // Floor: System
-// One resource of a string table: sixteen entries, each a count of units and the units, without padding.
+// One resource of a string table: sixteen entries, each a unit count followed by the units, without padding.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace Resources {
 
 inline constexpr unsigned short kStringType = 6;
 
-/// The block of an identifier, and the place in it.
+/// The number of strings in a block. An identifier's block and its index in the block follow from it.
 inline constexpr unsigned int kStringsInBlock = 16;
 
 constexpr unsigned short BlockOfString(unsigned int inID) noexcept
@@ -18,7 +18,8 @@ constexpr unsigned short BlockOfString(unsigned int inID) noexcept
     return static_cast<unsigned short>(inID / kStringsInBlock + 1);
 }
 
-/// Walks over the entries. A block that somebody has damaged does not lead out of its bytes, which need not be aligned.
+/// Iterates over the entries. Never reads outside the bytes, even if the block is damaged. The bytes need not be
+/// aligned.
 class StringBlock
 {
 public:
@@ -27,7 +28,7 @@ public:
     {
     }
 
-    /// Steps over entries, to the end at most.
+    /// Skips entries, up to the end.
     void StepOver(unsigned int inCount) noexcept
     {
         for (unsigned int k = 0; k < inCount && HasEntry(); ++k) {
@@ -35,13 +36,13 @@ public:
         }
     }
 
-    /// Whether an entry stands here, wholly.
+    /// Returns whether there is a complete entry at this position.
     bool HasEntry() const noexcept
     {
         return mEnd - mData >= 2 && static_cast<std::size_t>(mEnd - mData - 2) >= 2 * std::size_t{Length()};
     }
 
-    /// The count of units of the entry here.
+    /// Returns the number of units of the current entry.
     unsigned short Length() const noexcept
     {
         unsigned short length;
@@ -49,7 +50,7 @@ public:
         return length;
     }
 
-    /// The units of the entry here.
+    /// Returns the units of the current entry.
     const unsigned char* Text() const noexcept { return mData + 2; }
 
 private:

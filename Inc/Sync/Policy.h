@@ -1,29 +1,27 @@
 // Floor: Threads
-// What the waiting algorithms of the library are made of: atomics, locks, sleeping, memory.
+// The primitives of the library's synchronisation algorithms: atomics, locks, sleeping, memory.
 //
 // Gate, gate pool, request pool and busy list are templates over a policy. The library instantiates them with
-// SystemPolicy; the model checks instantiate the same templates with a policy whose every operation is a choice of the
-// checker, and other tests with one whose clock they move. A policy has what SystemPolicy has:
+// SystemPolicy; the model checks use a policy in which the checker controls every operation, and other tests one whose
+// clock they set. A policy has the members of SystemPolicy:
 //
-//   Flag, Word            an atomic boolean and an atomic unsigned 32-bit word; the operations on them are sequentially
-//                         consistent
-//   Guarded<T>            a value under a lock, reached through Read and Write alone, so that a checker sees a touch
-//                         without the lock
-//   Mutex, MutexLock      a lock that can be slept under, and its scope; MutexLock can be unlocked and locked again
-//   Condition             where threads sleep: SleepOn, SleepOnFor, NotifyAll
-//   Lock, LockScope       the recursive lock of everything else, and its scope; TryLockScope takes it only if that needs no
-//                         waiting
-//   New, Delete           objects
-//   StlAllocator<T>       where containers take their memory
-//   Pause, SpinTurns      the wait of a thread that expects its event at once: how many turns it looks on, and what it does in
-//                         each; 0 turns where that cannot pay
-//   PatientTurns          the same for a thread whose event is the work of threads that may have to be woken first
-//   GiveWay               lets other threads run before something is tried again, in the end those of lower priority too; gets
-//                         the number of tries before this one
+//   Flag, Word            an atomic boolean and an atomic unsigned 32-bit word; operations are sequentially consistent
+//   Guarded<T>            a value under a lock, accessed only through Read and Write, so that a checker detects an
+//                         access without the lock
+//   Mutex, MutexLock      a lock for condition variables, and its scope; MutexLock can be unlocked and locked again
+//   Condition             a condition variable: SleepOn, SleepOnFor, NotifyAll
+//   Lock, LockScope       the recursive lock for everything else, and its scope; TryLockScope only tries to lock
+//   New, Delete           create and delete objects
+//   StlAllocator<T>       the allocator of containers
+//   Pause, SpinTurns      one turn of a spin, and the number of turns of a thread that expects its event at once; 0 if
+//                         spinning cannot pay
+//   PatientTurns          the number of turns if the event depends on threads that may have to be woken first
+//   GiveWay               yields before a retry, after some tries also to threads of lower priority; takes the number
+//                         of earlier tries
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
-//                         the gate and its pool, for those who borrow one
-//   Keeps                 whether a step stays in: always in the product; a model check that leaves one out must fail
+//                         the gate, and its pool
+//   Keeps                 whether a step is executed: always true in the product; omitting one must fail a model check
 #pragma once
 
 #include <ORLAtomic.h>
@@ -42,16 +40,16 @@
 namespace ORL {
 namespace Sync {
 
-/// The steps that the model checks leave out one by one, to prove that they would notice.
+/// Steps that the model checks omit one by one, to prove that they detect each omission.
 enum class Step {
     kGateSecondRead,            // WaitableGate::Wait reads the flag again under the mutex
-    kGateGenerationEndsSleep,   // what ends a sleep is a new generation, not the flag
-    kGatePoolClosesFirst,       // ReturnGate closes the gate before others can take it
-    kRequestPoolClaims,         // a record is claimed by compare-and-set, not by look and store
-    kBusyListOpensGate,         // the removal that empties the list opens the gate
-    kBusyListCountsWaiters,     // only the last waiter gives the gate back
-    kFlushWaitsForTheEarlierOne, // a claimed flush waits until the items of the one before have left
-    kFlushGivesWay,              // a flush that cannot claim the record lets others run before it tries again
+    kGateGenerationEndsSleep,   // a new generation ends a sleep, not the flag
+    kGatePoolClosesFirst,       // ReturnGate closes the gate before other threads can take it
+    kRequestPoolClaims,         // a record is claimed by compare-and-set, not by a load and a store
+    kBusyListOpensGate,         // the removal of the last request opens the gate
+    kBusyListCountsWaiters,     // only the last waiter returns the gate
+    kFlushWaitsForTheEarlierOne, // a claimed flush waits until the items of the previous one have left
+    kFlushGivesWay,              // a flush that cannot claim the object yields before it retries
 };
 
 struct SystemPolicy
@@ -91,9 +89,9 @@ struct SystemPolicy
     using MutexLock = boost::unique_lock<boost::mutex>;
     using Condition = boost::condition_variable;
 
-    /// Without an end. Without memory for the sleep it returns after a millisecond, as from a wake-up without a cause.
+    /// Sleeps without limit. If there is no memory for the sleep, returns after a millisecond like a spurious wake-up.
     static void SleepOn(Condition& ioCondition, MutexLock& ioLock);
-    /// False when the time ran out.
+    /// Returns false if the time ran out.
     static bool SleepOnFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
     {
         return ioCondition.timed_wait(ioLock, boost::posix_time::milliseconds(inMilliseconds));
