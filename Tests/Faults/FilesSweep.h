@@ -29,7 +29,7 @@ protected:
                const std::function<void(bool)>& inCheck)
     {
         inPrepare();
-        inWork(); // creates the objects that stay for good
+        inWork(); // the first run creates what is created only once
         inCheck(true);
         inPrepare();
         const unsigned handles = OpenHandles();

@@ -238,7 +238,7 @@ bool WholeHeapIsWatched()
 
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
-    inWork(); // creates the objects that stay for good
+    inWork(); // the first run creates what is created only once
     inCheck();
     for (const MemoryDoor door : kMemoryDoors) {
         SweepDoor(door, false, inWork, inCheck);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLarge = 65536;
 
-// A lock left held would hang the new thread; a wrong count would not reach 0.
+// A lock that is still held would hang the new thread; a wrong count would not reach 0.
 void ExpectUsable(MemoryRecycler& ioRecycler)
 {
     std::thread([&ioRecycler] {

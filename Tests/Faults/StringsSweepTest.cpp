@@ -53,7 +53,7 @@ protected:
         });
     }
 
-    // Uses the table from another thread; a lock left held would hang it.
+    // Uses the table from another thread; a lock that is still held would hang it.
     static void ExpectUsable()
     {
         std::thread([] {

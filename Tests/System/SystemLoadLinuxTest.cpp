@@ -186,7 +186,7 @@ TEST(SystemLoad, BesideASecondReading_IsTheSameAndShowsABusyThread)
     EXPECT_GE(load, 80.0f / static_cast<float>(processors)) << "a thread that never sleeps";
 }
 
-// Runs in its own process, because a missing counter is reported only once in a process.
+// Runs in its own process, because only the first call in a process reports a missing counter.
 using SystemLoadDeathTest = testing::Test;
 
 namespace {
