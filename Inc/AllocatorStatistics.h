@@ -1,5 +1,5 @@
 // Floor: Memory
-// The statistics of the allocator over any source of regions.
+// The statistics of the allocator, with a replaceable source of memory regions.
 #pragma once
 
 #include <Platform/MemoryRegions.h>

@@ -1,5 +1,5 @@
 // Floor: Files
-// The factory that the host has set. It is stored with the library's start and stop, whose lock guards it.
+// The factory that the host has set. The lock of the library's start and stop guards it.
 #pragma once
 
 #include <ORLFile.h>

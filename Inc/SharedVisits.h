@@ -25,7 +25,7 @@ struct SystemVisits
     static constexpr std::size_t kPlaces = 64;
     static constexpr std::size_t kTries = 4; // slots that a visitor tries
 
-    /// Returns the slot at which the calling thread starts. Thread stacks are far apart, so the address of a local
+    /// Returns the first slot that the calling thread tries. Thread stacks are far apart, so the address of a local
     /// variable distinguishes threads without a call.
     static std::size_t FirstPlace()
     {

@@ -110,7 +110,8 @@ ORL_API void ColorYPbPrToMV(float inY, float inPb, float inPr, float& outLuma, f
 //
 // A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). An output that the colour does not
 // have is not stored and keeps the caller's value, so initialise it. The two flags report which are stored; each may be
-// null. A negative hue of a sector gets +6; the sum is divided by 6. Both are computed in double.
+// null. The hue is computed in sixths of the circle: 6 is added if it is negative, then it is divided by 6, both in
+// double.
 
 /// V is the largest channel, S = (largest - smallest) / V.
 ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV,

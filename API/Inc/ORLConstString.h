@@ -151,7 +151,7 @@ private:
 /// are not interned: two handles made from the same text are equal but share nothing. The order is strict and total,
 /// and works for map keys; it compares hashes first and so is not alphabetical.
 /// Owner:    handles own the shared copy together. Adopted text stays the caller's.
-/// Threads:  not thread-safe per handle; handles on several threads may share one text. Takes no lock.
+/// Threads:  one thread at a time per handle. Handles on several threads may share one text. Takes no lock.
 /// Failure:  the constructors that copy text throw std::bad_alloc. Copying a handle never allocates.
 class ConstString : public Internal::ConstStringHandle<UTF16String>
 {

@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-/// The common base of all events: signals one.
+/// The common base of all events.
 class ORL_API EventBase
 {
 public:

@@ -34,7 +34,7 @@ struct FileShareModeFlags
     enum Type : int { kFileShare_Read = 1, kFileShare_Write = 2, kFileShare_Delete = 4 };
 };
 
-/// How Create treats existing and missing files. Exactly one value.
+/// How Create treats existing and missing files. Pass exactly one value.
 struct FileCreateDispositionFlags
 {
     enum Type : int {

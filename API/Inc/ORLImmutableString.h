@@ -19,8 +19,8 @@ namespace ORL {
 /// dynamic (the table owns a copy). A text that is already in the table keeps its kind.
 /// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings, which
 ///           removes dynamic ones, or until the process exits.
-/// Threads:  not thread-safe per handle: one thread at a time. Any thread may create, copy and release its own handles.
-///           Interning a new text and purging take one lock; copying and releasing change one counter.
+/// Threads:  one thread at a time per handle. Handles on several threads may refer to one text. Interning a new text
+///           and purging take one lock; copying and releasing change one counter.
 /// Failure:  creating throws std::bad_alloc and then changes nothing.
 /// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
 ///           operation works until the process ends, for threads still running and for handles in static storage; the

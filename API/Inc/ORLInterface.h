@@ -63,7 +63,8 @@ protected:
 /// called: ORLUnknown for classes of the class system, T itself for a standalone interface.
 ///
 /// Owner:    each InterfaceRef owns one reference of its object.
-/// Threads:  not thread-safe per InterfaceRef. Any thread may copy and destroy references to one object.
+/// Threads:  one thread at a time per InterfaceRef. Several threads may own references to one object, and copy and
+///           destroy them.
 /// Failure:  only operator-> throws: NullInterfaceException.
 template <class T, class Base = ORLUnknown>
 class InterfaceRef

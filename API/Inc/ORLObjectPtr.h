@@ -19,7 +19,8 @@ namespace ORL {
 /// is null exactly if the pointer is.
 ///
 /// Owner:    the copies own the object together; the last one deletes it.
-/// Threads:  not thread-safe per ObjectPtr. Several threads may copy and destroy copies of one pointer.
+/// Threads:  one thread at a time per ObjectPtr. Several threads may own copies of one pointer, and copy and destroy
+///           them.
 /// Failure:  the constructor throws std::bad_alloc. Dereferencing an empty pointer fires an assertion.
 template <class T, class CounterType = AtomicValue>
 class ObjectPtr

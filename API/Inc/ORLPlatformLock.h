@@ -93,7 +93,7 @@ private:
     // free.
     static constexpr std::uintptr_t kSleepers = 1;
 
-    // After a recursive lock: the number of times that the owner is tested first without finding recursion.
+    // Number of lock operations, after a recursive one, that test for recursion first.
     static constexpr std::uint32_t kLooks = 8;
 
     // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. A
@@ -110,7 +110,7 @@ private:
         return mWord.load(std::memory_order_relaxed) & ~kSleepers;
     }
 
-    // The sanitizer must be notified before an acquisition, but never of a recursive one.
+    // The sanitizer must be notified before each acquisition, except a recursive one.
     bool LooksFirst() const
     {
         return ORL_THREAD_SANITIZER || mLooks.load(std::memory_order_relaxed) != 0;
@@ -146,7 +146,7 @@ private:
 
     std::atomic<std::uintptr_t> mWord{0};
     std::uint32_t mDepth = 0;             // recursive locks by the owner; only the owner accesses it
-    std::atomic<std::uint32_t> mLooks{0}; // remaining first tests for recursion; a hint, any thread may write it
+    std::atomic<std::uint32_t> mLooks{0}; // lock operations that still test first; a hint, any thread may write it
 };
 
 } // namespace Internal

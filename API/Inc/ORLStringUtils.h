@@ -48,9 +48,9 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 
 /// Returns the number of the system's default code page.
 ///
-/// On Linux that is the page of a home machine with the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
-/// first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale without
-/// a language is 1252. The environment is read once.
+/// On Linux this is the page that the home platform uses for the user's locale. The language in LC_ALL, LC_CTYPE or
+/// LANG (the first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a
+/// locale without a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
 /// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.

@@ -22,8 +22,8 @@ class WaitableGateAlgorithm;
 /// A gate that threads wait at. It starts closed, and may be opened and closed again.
 ///
 /// Opening releases every thread that sleeps at the gate, even if the gate is closed at once.
-/// Owner:    the creator. A gate of the pool is returned to the pool, open. Destroying a gate opens it first; no thread
-///           may start to wait on it by then.
+/// Owner:    the creator. Gates of the pool must be open when they are returned to it. The destructor opens the gate;
+///           no thread may start to wait on it any more.
 /// Threads:  thread-safe. mMutex is a leaf lock.
 /// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time has already run out.
 /// Failure:  kWaitTimeout is a result, not an error. Exceptions of boost::mutex and boost::condition_variable

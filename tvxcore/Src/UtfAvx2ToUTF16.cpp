@@ -101,10 +101,10 @@ TVX_AVX2_INLINE std::size_t WholeCharacters(const Classes& inClasses)
 // Errors of two adjacent bytes, found as the common bits of three table lookups: by the first byte's upper half, its
 // lower half, and the second byte's upper half.
 constexpr unsigned char kOverlong2 = 1; // C0 C1
-constexpr unsigned char kOverlong3 = 2; // E0 before 80 to 9F
-constexpr unsigned char kSurrogate = 4; // ED before A0 to BF
-constexpr unsigned char kOverlong4 = 8; // F0 before 80 to 8F
-constexpr unsigned char kTooLarge = 16; // F4 before 90 to BF
+constexpr unsigned char kOverlong3 = 2; // E0 followed by 80 to 9F
+constexpr unsigned char kSurrogate = 4; // ED followed by A0 to BF
+constexpr unsigned char kOverlong4 = 8; // F0 followed by 80 to 8F
+constexpr unsigned char kTooLarge = 16; // F4 followed by 90 to BF
 constexpr unsigned char kNoLead = 32;   // F5 and above
 
 constexpr unsigned char kByFirstUpper[16] = {
@@ -144,7 +144,7 @@ constexpr unsigned char kBySecondUpper[16] = {0,
 
 TVX_AVX2_INLINE bool IsWellFormed(__m256i inBytes, const Classes& inClasses, std::uint32_t inWhole)
 {
-    // A lead that interrupts a character leaves it with an expected byte after the whole ones, so this detects it too.
+    // Also detects a character cut short by the next lead byte: its missing continuation byte is outside inWhole.
     const std::uint32_t expected =
         (inClasses.mLead & inWhole) << 1 | (inClasses.mLead3 & inWhole) << 2 | (inClasses.mLead4 & inWhole) << 3;
     const __m256i upper = ShiftRight(inBytes, 4, 0x0F);

@@ -68,7 +68,7 @@ alignas(64) constexpr unsigned char kSecondByteErrors[64] = {
 
 TVX_AVX512_INLINE bool IsWellFormed(__m512i inBytes, const Classes& inClasses, std::uint64_t inWhole)
 {
-    // A lead that interrupts a character leaves it with an expected byte after the whole ones, so this detects it too.
+    // Also detects a character cut short by the next lead byte: its missing continuation byte is outside inWhole.
     const std::uint64_t expected =
         (inClasses.mLead & inWhole) << 1 | (inClasses.mLead3 & inWhole) << 2 | (inClasses.mLead4 & inWhole) << 3;
     const __m512i previous = _mm512_permutexvar_epi8(Places(1), inBytes);

@@ -19,7 +19,7 @@ TVXCORE_API unsigned long GetCurrentThreadID();
 
 /// Runs functions on its own threads.
 ///
-/// Owner:    shared pointers.
+/// Owner:    shared pointers; the last one destroys it.
 /// Threads:  thread-safe; every operation may also be called on the executor's own threads.
 /// Failure:  only QueueFunction throws.
 class TVXCORE_API AsyncExecutor
@@ -87,8 +87,8 @@ TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor> CreateAsyncThreadedExecutor
 /// Owner:    keeps a reference to the executor. The destructor returns after the function has finished and has been
 ///           destroyed, unless the function itself calls it. So the caller must not hold a lock that the function
 ///           acquires.
-/// Threads:  one thread destroys the object; any thread may.
-/// Failure:  the constructor throws, see there.
+/// Threads:  any thread may destroy the object, its own function included.
+/// Failure:  only the constructor throws.
 class TVXCORE_API RepeatDelayFunction
 {
 public:

@@ -34,9 +34,9 @@ TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 /// Exceptions of a sink are swallowed.
 using TraceSink = void (*)(const unsigned char* inText);
 
-/// Installs a sink and returns the previous one. Null selects standard error, which adds a line end if the text has
-/// none and never blocks the process: if the reader does not keep up, text is dropped. A text in progress may still
-/// reach the previous sink.
+/// Installs a sink and returns the previous one. Null selects standard error; a line end is then added to texts without
+/// one, and text is dropped if the reader does not keep up, so tracing never blocks the process. A text in progress may
+/// still reach the previous sink.
 TVXCORE_API TraceSink InstallTraceSink(TraceSink inSink);
 
 /// Ends tracing: clears all levels and the sink. Nothing is written after this, not even texts whose site was enabled

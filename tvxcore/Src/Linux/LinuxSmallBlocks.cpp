@@ -100,7 +100,7 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
-// A library loaded with the program is never unloaded, and sees that same order at process exit.
+// A library that belongs to the program is never unloaded. At process exit its destructor functions also run first.
 const bool sBelongsToProgram = BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
 
 } // namespace
