@@ -35,7 +35,7 @@ private:
     [[maybe_unused]] void* mWord = nullptr;
 };
 
-/// Locks a section from construction to destruction. Not thread-safe: belongs to one thread.
+/// Locks a section from construction to destruction. The section must outlive it. Belongs to one thread. Never throws.
 class CriticalSectionLock
 {
 public:
@@ -53,8 +53,8 @@ private:
     const CriticalSection* mSection;
 };
 
-/// Tries once to lock a section. Unlocks it at destruction if the attempt succeeded. Not thread-safe: belongs to one
-/// thread.
+/// Tries once to lock a section. Unlocks it at destruction if the attempt succeeded. The section must outlive it.
+/// Belongs to one thread. Never throws.
 class CriticalSectionTryLock
 {
 public:

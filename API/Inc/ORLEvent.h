@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-/// The common base of all events.
+/// The common base of all events; see WaitableObject for owner, threads and failures.
 class ORL_API EventBase
 {
 public:

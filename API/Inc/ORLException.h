@@ -10,6 +10,10 @@
 namespace ORL {
 
 /// The base class of the library's exceptions.
+///
+/// Owner:    thrown by value.
+/// Threads:  values; what() returns a static text in all classes of this header, so it is thread-safe.
+/// Failure:  never throws.
 class ORL_API Exception : public std::exception
 {
 public:

@@ -92,8 +92,8 @@ public:
     virtual Result GetBlock(__int64 inPosition, ObjectPtr<MemoryBufferWrapper>& outBlock) = 0;
 };
 
-/// Creates the block cache of each file that is read through one. Called on the thread that opens the file. A host
-/// derives from UnknownImpl<IFileBufferFactory>.
+/// Creates the block cache of each file that is read through one. Called on the thread that opens the file, which also
+/// receives its exceptions. A host derives from UnknownImpl<IFileBufferFactory>.
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
 public:

@@ -167,7 +167,11 @@ constexpr bool HasOwnIdentifier()
 /// not compile. ORLUnknown is supported without being listed. The count directly follows the vtable pointer and starts
 /// at 0.
 ///
-/// All of them must have the object's address, so a class may only have a single chain of interfaces above it.
+/// Owner:    references own the object; the last Release deletes it.
+/// Threads:  the count is thread-safe.
+/// Failure:  never throws.
+/// All listed interfaces must have the object's address, so a class may only have a single chain of interfaces above
+/// it.
 template <class Base, class... Answers>
 class UnknownImpl : public Base
 {

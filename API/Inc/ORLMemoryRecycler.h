@@ -105,8 +105,11 @@ private:
     Pool mSpareNodes;      // empty list nodes: reusing one saves an allocation
 };
 
-/// A buffer of the pool, freed at the end of a scope. The library must be started. Not thread-safe: one thread at a
-/// time.
+/// A buffer of the pool, for a scope. The library must be started.
+///
+/// Owner:    the object owns its memory; the destructor returns it to the pool.
+/// Threads:  one thread at a time per object.
+/// Failure:  the constructor throws std::bad_alloc.
 class ORL_API MemoryBufferWrapper : public MemoryBuffer
 {
 public:

@@ -15,6 +15,7 @@
 namespace ORL {
 
 /// The parameters of a template, in order: parameter 1 is the first element. T is UTF16String or std::string. A value.
+/// Throws std::bad_alloc.
 template <class T>
 class ParamVectorImpl
 {

@@ -41,7 +41,7 @@ private:
 ///
 /// Owner:    the host creates one and installs it with tvxcore::config::InstallErrorManager; the library creates none.
 /// Threads:  thread-safe.
-/// Failure:  ThrowError throws TVXException and std::bad_alloc.
+/// Failure:  ThrowError throws TVXException for errors, and never for warnings.
 class ORL_API TVXErrorManager : public tvxcore::config::ErrorManager
 {
 public:

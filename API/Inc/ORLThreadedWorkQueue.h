@@ -31,7 +31,8 @@ struct ThreadPriorities
     static constexpr Type kHighest = 5;
 };
 
-/// A unit of work. Clients and the queue share it by counted references.
+/// A unit of work. Clients and the queue share it by counted references. Its Process runs once, on a thread of the
+/// queue.
 class ORL_API IThreadedQueueRequest : public ORLUnknown
 {
 public:

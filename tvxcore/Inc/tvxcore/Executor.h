@@ -60,9 +60,9 @@ public:
     virtual void BlockWhilePaused() = 0;
 };
 
-/// An executor with a fixed number of threads. Releasing the last reference requests termination and waits for it. On a
-/// thread of the executor itself it does not wait, and the threads end on their own. A module must not be unloaded
-/// before its executors have terminated.
+/// An executor with a fixed number of threads. Owner, threads and failures are as for AsyncExecutor. Releasing the last
+/// reference requests termination and waits for it. On a thread of the executor itself it does not wait, and the
+/// threads end on their own. A module must not be unloaded before its executors have terminated.
 class TVXCORE_API AsyncThreadedExecutor : public AsyncExecutor
 {
 public:

@@ -7,7 +7,11 @@
 namespace tvxcore {
 namespace config {
 
-/// The host's catalogue. The host owns it. Its functions are called on any thread, and concurrently.
+/// The host's catalogue.
+///
+/// Owner:    the host. It must outlive its installation.
+/// Threads:  its functions are called on any thread, and concurrently.
+/// Failure:  exceptions propagate to the caller.
 class TVXCORE_API Localizer
 {
 public:

@@ -18,6 +18,7 @@ namespace utility {
 /// the C library. Clusters that become empty are returned to the system, except the memory that the caches and the
 /// shared stores keep. Under AddressSanitizer every block comes from the C library.
 ///
+/// Owner:    the caller owns a block until Dispose.
 /// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
 ///           destructors of an ending thread.
 /// Failure:  Allocate returns null. Nothing throws but STLAllocator.

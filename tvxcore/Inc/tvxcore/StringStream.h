@@ -10,6 +10,7 @@
 namespace tvxcore {
 
 /// Reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like any stream.
+/// The constructor throws std::bad_alloc.
 ///
 /// A 16-bit unit and a number are one type here: `stream >> unit` and `stream << unit` treat it as a number. Use
 /// get() and put() for a unit.
@@ -26,7 +27,7 @@ public:
 };
 
 /// Writes to a text, which str() returns. Uses the process's global locale at the time of construction. Not
-/// thread-safe, like any stream.
+/// thread-safe, like any stream. The constructor throws std::bad_alloc.
 class TVXCORE_API oUTF16StringStream
     : public std::basic_ostringstream<unsigned short, std::char_traits<unsigned short>,
                                       utility::SmallBlockAllocator::STLAllocator<unsigned short>>

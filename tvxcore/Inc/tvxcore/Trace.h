@@ -122,7 +122,7 @@ private:
     std::atomic<unsigned __int64> mCached{0};
 };
 
-/// A stream that begins with "<" thread identifier "> <" category "> <" level "> ".
+/// A stream that begins with "<" thread identifier "> <" category "> <" level "> ". Otherwise like SafeTraceStream.
 class TVXCORE_API TraceLine : public SafeTraceStream
 {
 public:
