@@ -31,8 +31,7 @@ struct ThreadPriorities
     static constexpr Type kHighest = 5;
 };
 
-/// A unit of work. Clients and the queue share it by counted references. Its Process runs once, on a thread of the
-/// queue.
+/// A unit of work. Clients and the queue share it by counted references. Process describes threads and failures.
 class ORL_API IThreadedQueueRequest : public ORLUnknown
 {
 public:
