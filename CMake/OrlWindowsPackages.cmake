@@ -32,7 +32,7 @@ target_link_libraries(orl_boost_thread PUBLIC orl_boost_headers)
 set(ORL_BOOST_THREAD orl_boost_thread)
 set(ORL_ICU "")
 set(ORL_URING "")
-set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi)
+set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi gdiplus gdi32)
 # WaitOnAddress and its companions
 set(ORL_SYNCHRONIZATION synchronization)
 

@@ -18,6 +18,7 @@
 #include <ORLConstString.h>
 #include <ORLConstants.h>
 #include <ORLCriticalSection.h>
+#include <ORLCursor.h>
 #include <ORLDebug.h>
 #include <ORLDebugDatabase.h>
 #include <ORLDirectory.h>
@@ -40,7 +41,9 @@
 #include <ORLManaged.h>
 #include <ORLMemoryRecycler.h>
 #include <ORLModule.h>
+#include <ORLNativeBitmap.h>
 #include <ORLNativeHandles.h>
+#include <ORLOSImageHandle.h>
 #include <ORLObjectPtr.h>
 #include <ORLParamString.h>
 #include <ORLPathUtils.h>

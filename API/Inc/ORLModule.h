@@ -14,6 +14,7 @@
 #include <ORLAtomic.h>
 #include <ORLConfig.h>
 #include <ORLNativeHandles.h>
+#include <ORLOSImageHandle.h>
 #include <ORLObjectPtr.h>
 #include <ORLResourceCollection.h>
 #include <ORLResult.h>
@@ -60,6 +61,9 @@ public:
     void* LoadResource(short inID, const UTF16String& inType, int& outSize) const override;
     void* LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const override;
     void ReleaseResource(void* inData) const override;
+    OSImageHandle LoadBitmapW(short inID, bool inLocalized) override;
+    OSImageHandle LoadBitmapFromFile(UTF16String inPath, bool) override;
+    OSImageHandle LoadBitmapWTL(short inID, bool inLocalized) override;
     void* LoadCursorW(short inID) const override;
     HMENU LoadMenuW(short inID) const override;
 

@@ -14,5 +14,5 @@ typedef HINSTANCE__* HINSTANCE;
 /// A menu. Linux: see ORL::Resources::Linux in ORLResources.h.
 typedef HMENU__* HMENU;
 
-/// A bitmap.
+/// A bitmap. Linux: see ORL::Images::Linux in ORLNativeBitmap.h.
 typedef HBITMAP__* HBITMAP;

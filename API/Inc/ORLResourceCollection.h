@@ -4,6 +4,7 @@
 
 #include <ORLConfig.h>
 #include <ORLNativeHandles.h>
+#include <ORLOSImageHandle.h>
 #include <tvxcore/String.h>
 
 #include <cstdint>
@@ -52,6 +53,21 @@ public:
 
     /// Ends the use of data that a lookup returned. Callers owe it, though a module has nothing to do here.
     virtual void ReleaseResource(void* inData) const = 0;
+
+    /// Loads a picture with its rows exchanged, the last one on top: the resource of type "PNG", else the bitmap resource
+    /// of that number with its rows in order. The PNG resource is found as FindLocalizedResource does if inLocalized is
+    /// true, else as LoadResource does. Pixels of a PNG are premultiplied by alpha. The result is not valid if there is
+    /// neither, or if neither can be decoded. Throws std::bad_alloc.
+    /// Windows: the host has started GDI+. Linux: ORLNativeBitmap.h reads the bitmap.
+    virtual OSImageHandle LoadBitmapW(short inID, bool inLocalized) = 0;
+
+    /// Loads a PNG file, with its rows exchanged, from the folder "PNG/" in the directory registered as "application".
+    /// The second parameter is ignored. The result holds a null bitmap if it cannot be read or decoded. Throws
+    /// std::bad_alloc.
+    virtual OSImageHandle LoadBitmapFromFile(UTF16String inPath, bool) = 0;
+
+    /// Loads a picture as LoadBitmapW does, with its rows in their order.
+    virtual OSImageHandle LoadBitmapWTL(short inID, bool inLocalized) = 0;
 
     /// Loads a cursor in the language of the platform's own choice. Returns the native handle, which stays the
     /// collection's, or null. Linux: GetCursorPicture in ORLResources.h reads it.

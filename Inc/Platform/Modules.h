@@ -63,6 +63,10 @@ void EnumFirstResourceName_Impl(const Source& inSource, const unsigned short* in
 /// Returns the cursor in the language that the platform selects; null if there is none. It lives as long as the source.
 void* LoadCursor_Impl(const Source& inSource, unsigned short inID);
 
+/// Creates a bitmap, which the caller deletes, of the bitmap resource of that number in the language that the platform
+/// selects. Returns null if there is none or it cannot be read.
+HBITMAP LoadBitmap_Impl(const Source& inSource, unsigned short inID);
+
 /// Creates a menu from a template of inSize bytes. Returns null if it cannot be read.
 HMENU LoadMenuIndirect_Impl(const void* inTemplate, std::size_t inSize);
 

@@ -1,8 +1,10 @@
 // A host with a static object that uses the library's own module from before main to behind it.
+#include <ORLHostSettings.h>
 #include <ORLModule.h>
 #include <ORLString.h>
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -26,10 +28,29 @@ struct Watcher
 
 const Watcher sWatcher;
 
+// Type, name and size of what the library's own module answers with.
+void ReportResource(unsigned short inLanguage, unsigned short inType, unsigned short inName)
+{
+    ORL::SetLanguageID(inLanguage);
+    int size = 0;
+    const void* const data = ORL::GetLibraryModule()->FindLocalizedResource(ORL::MakeResourceID(inName),
+                                                                            ORL::MakeResourceID(inType), size);
+    std::printf("%d %d %d %s\n", inLanguage, inType, inName, data != nullptr && size > 0 ? "found" : "missing");
+}
+
 } // namespace
 
-int main()
+int main(int inCount, char** inArguments)
 {
+    if (inCount == 2 && std::strcmp(inArguments[1], "resources") == 0) {
+        constexpr unsigned short kLanguages[] = {1031, 1033, 1034, 1036, 1040};
+        for (const unsigned short language : kLanguages) {
+            ReportResource(language, 14, 14000);
+            ReportResource(language, 5, 14400);
+            ReportResource(language, 5, 14401);
+        }
+        return 0;
+    }
     Report("main");
     return 0;
 }

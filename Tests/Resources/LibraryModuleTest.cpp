@@ -11,3 +11,16 @@ TEST(LibraryModule, StaticObjectsOfAHost_UseItInConstructorAndDestructor)
         "constructor: libORLFoundation\nmain: libORLFoundation\ndestructor: libORLFoundation\n";
     EXPECT_EQ(expected, result.mOutput);
 }
+
+TEST(LibraryModule, ItsIconAndDialogs_AreThereInFiveLanguages)
+{
+    const ProcessResult result = RunBesideThisProgram("library_module_host", {"resources"});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    std::string expected = "constructor: libORLFoundation\n";
+    for (const char* const language : {"1031", "1033", "1034", "1036", "1040"}) {
+        for (const char* const resource : {"14 14000", "5 14400", "5 14401"}) {
+            expected += std::string(language) + " " + resource + " found\n";
+        }
+    }
+    EXPECT_EQ(expected + "destructor: libORLFoundation\n", result.mOutput);
+}

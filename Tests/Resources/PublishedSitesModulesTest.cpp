@@ -113,6 +113,9 @@ public:
     void* LoadResource(short, const UTF16String&, int&) const override { return nullptr; }
     void* LoadFirstResourceOfType(const unsigned short*, int&) const override { return nullptr; }
     void ReleaseResource(void*) const override {}
+    OSImageHandle LoadBitmapW(short, bool) override { return OSImageHandle(); }
+    OSImageHandle LoadBitmapFromFile(UTF16String, bool) override { return OSImageHandle(); }
+    OSImageHandle LoadBitmapWTL(short, bool) override { return OSImageHandle(); }
     void* LoadCursorW(short) const override { return nullptr; }
     HMENU LoadMenuW(short) const override { return nullptr; }
 

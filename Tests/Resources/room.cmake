@@ -47,3 +47,7 @@ else()
             "${ORL_WRESTOOL}" "${lookup_dll}")
   set_tests_properties(Resources.Oracles.PefileAndWrestoolFindTheSame PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 endif()
+
+# The library's own resources stand in its shared library.
+target_compile_definitions(${room_target} PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\"")
+add_dependencies(${room_target} ORLFoundation)

@@ -30,6 +30,9 @@ public:
     }
     void* LoadFirstResourceOfType(const unsigned short*, int&) const override { return nullptr; }
     void ReleaseResource(void* inData) const override { mReleases += inData == mData.data() ? 1 : 0; }
+    ORL::OSImageHandle LoadBitmapW(short, bool) override { return ORL::OSImageHandle(); }
+    ORL::OSImageHandle LoadBitmapFromFile(UTF16String, bool) override { return ORL::OSImageHandle(); }
+    ORL::OSImageHandle LoadBitmapWTL(short, bool) override { return ORL::OSImageHandle(); }
     void* LoadCursorW(short) const override { return nullptr; }
     HMENU LoadMenuW(short) const override { return nullptr; }
 

@@ -289,6 +289,11 @@ void* LoadCursor_Impl(const Source& inSource, unsigned short inID)
     return const_cast<Resources::Linux::CursorPicture*>(inSource.mStore->FindCursor(inID));
 }
 
+HBITMAP LoadBitmap_Impl(const Source& inSource, unsigned short inID)
+{
+    return inSource.mStore->MakeBitmap(inID);
+}
+
 } // namespace Platform
 } // namespace Modules
 

@@ -2,7 +2,11 @@
 
 #include "LinuxUserLanguage.h"
 
+#include <Images/BitmapReader.h>
+#include <ORLNativeBitmap.h>
 #include <Resources/CursorReader.h>
+
+#include <cstring>
 
 namespace ORL {
 namespace Modules {
@@ -12,6 +16,7 @@ namespace {
 using namespace Resources;
 
 constexpr unsigned short kCursorType = 1;
+constexpr unsigned short kBitmapType = 2;
 constexpr unsigned short kCursorGroupType = 12;
 
 Bytes DataOf(const ResourceEntry& inEntry) noexcept
@@ -59,6 +64,23 @@ const Resources::Linux::CursorPicture* ResourceStore::FindCursor(unsigned short 
         return known->second.get();
     }
     return mCursors.emplace(inID, ReadCursor(inID)).first->second.get();
+}
+
+HBITMAP ResourceStore::MakeBitmap(unsigned short inID) const
+{
+    const ResourceEntry* const entry =
+        mIndex.Find(NameView::OfNumber(kBitmapType), NameView::OfNumber(inID), 0, ORL::Linux::UserLanguage());
+    Images::PixelPicture picture;
+    if (entry == nullptr || !Images::ReadBitmap(DataOf(*entry), picture)) {
+        return nullptr;
+    }
+    const HBITMAP bitmap =
+        Images::Linux::CreateBitmap(static_cast<int>(picture.mWidth), static_cast<int>(picture.mHeight));
+    Images::Linux::BitmapInfo info{};
+    if (Images::Linux::GetBitmapInfo(bitmap, info)) {
+        std::memcpy(info.mPixels, picture.mPixels.data(), picture.mPixels.size() * sizeof(std::uint32_t));
+    }
+    return bitmap;
 }
 
 } // namespace Modules

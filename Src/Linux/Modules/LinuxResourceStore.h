@@ -29,6 +29,9 @@ public:
     /// The cursor of that identifier, read once; null if there is none. Throws std::bad_alloc.
     const Resources::Linux::CursorPicture* FindCursor(unsigned short inID) const;
 
+    /// The bitmap resource of that number, made anew; null if there is none or it cannot be read. Throws std::bad_alloc.
+    HBITMAP MakeBitmap(unsigned short inID) const;
+
 private:
     std::unique_ptr<Resources::Linux::CursorPicture> ReadCursor(unsigned short inID) const;
 

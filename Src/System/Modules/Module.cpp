@@ -1,6 +1,8 @@
 #include <ORLModule.h>
 
+#include <Images/PictureLoader.h>
 #include <ORLDebug.h>
+#include <ORLDirectoryRegistry.h>
 #include <ORLHostSettings.h>
 #include <Platform/Modules.h>
 
@@ -184,6 +186,30 @@ void* Module::LoadFirstResourceOfType(const unsigned short* inType, int& outSize
 
 void Module::ReleaseResource(void*) const
 {
+}
+
+OSImageHandle Module::LoadBitmapW(short inID, bool inLocalized)
+{
+    HBITMAP bitmap = Images::LoadGDIPlusBitmap(*this, inID, inLocalized);
+    if (bitmap == nullptr) {
+        bitmap = LoadBitmap_Impl(Source{mNativeModule, mResources}, static_cast<unsigned short>(inID));
+    }
+    return OSImageHandle(bitmap);
+}
+
+OSImageHandle Module::LoadBitmapFromFile(UTF16String inPath, bool)
+{
+    const UTF16String path = DirectoryRegistry::FindDirectory(TVX_UTF16("application")) + TVX_UTF16("PNG/") + inPath;
+    return OSImageHandle(Images::LoadBitmapOfFile(path));
+}
+
+OSImageHandle Module::LoadBitmapWTL(short inID, bool inLocalized)
+{
+    HBITMAP bitmap = Images::LoadGDIPlusBitmapWTL(*this, inID, inLocalized);
+    if (bitmap == nullptr) {
+        bitmap = LoadBitmap_Impl(Source{mNativeModule, mResources}, static_cast<unsigned short>(inID));
+    }
+    return OSImageHandle(bitmap);
 }
 
 void* Module::LoadCursorW(short inID) const

@@ -102,6 +102,11 @@ void* LoadCursor_Impl(const Source& inSource, unsigned short inID)
     return ::LoadCursorW(inSource.mModule, MAKEINTRESOURCEW(inID));
 }
 
+HBITMAP LoadBitmap_Impl(const Source& inSource, unsigned short inID)
+{
+    return ::LoadBitmapW(inSource.mModule, MAKEINTRESOURCEW(inID));
+}
+
 HMENU LoadMenuIndirect_Impl(const void* inTemplate, std::size_t)
 {
     return ::LoadMenuIndirectW(inTemplate);

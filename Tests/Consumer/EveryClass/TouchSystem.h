@@ -83,6 +83,13 @@ inline void TouchModules()
     DirectoryRegistry::UnregisterDirectory(MakeString("Consumer"));
     HostsApplication application(module, module, UTF16String(), 0);
     application.Idle();
+    Cursor::SetArrowCursor();
+    OSImageHandle noImage;
+    OSImageHandle image(nullptr);
+    image.Swap(noImage);
+    Touch(image.IsValid(), noImage.GetHBITMAP(), noImage.StealHBITMAP(), &Cursor::SetIBeamCursor,
+          &Cursor::SetWaitCursor, &Cursor::SetSizeCursor, &Module::LoadBitmapW, &Module::LoadBitmapWTL,
+          &Module::LoadBitmapFromFile);
     Touch(Application::Instance(), &Application::GetApplicationFilePath);
     if (IsWanted()) {
         const ResourceCollection& resources = GetResourceCollection();
@@ -102,7 +109,10 @@ inline void TouchWhatWindowsHas()
     using namespace ORL;
     const Resources::Linux::MenuItem item{};
     const Resources::Linux::CursorPicture picture{};
+    const Images::Linux::BitmapInfo info{};
     const _EXCEPTION_RECORD record{};
+    Touch(info, &Images::Linux::CreateBitmap, &Images::Linux::GetBitmapInfo, &Images::Linux::DeleteBitmap,
+          &Cursors::Linux::SetShapeSetter, &Cursors::Linux::SetX11Window, Cursors::Linux::GetLastShape());
     Touch(item, picture, ReportStructuredExceptionRecordInformation(&record), &Linux::MakeExceptionRecord,
           &Resources::Linux::ModuleOfAddress, &Resources::Linux::GetMenuItemCount, &Resources::Linux::GetMenuItem,
           &Resources::Linux::DestroyMenu, &Resources::Linux::GetCursorPicture);

@@ -1,0 +1,34 @@
+// What is checked of any bytes that are read as a PNG file. The fuzzer and the plain tests share it.
+#pragma once
+
+#include <Linux/Images/LinuxPNG.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace ORLFuzz {
+
+/// Null if all is well, else what is not. Reads a copy of exactly the size, on both roads: what the fast one takes, the
+/// other one takes with the same pixels.
+inline const char* CheckPNG(const unsigned char* inData, std::size_t inSize)
+{
+    const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);
+    std::copy_n(inData, inSize, copy.get());
+    ORL::Resources::Bytes file;
+    file.mData = copy.get();
+    file.mSize = inSize;
+    ORL::Linux::DecodedPNG fast;
+    ORL::Linux::DecodedPNG safe;
+    const bool isFast = ORL::Linux::DecodeCommonPNG(file, fast);
+    const bool isSafe = ORL::Linux::DecodeAnyPNG(file, safe);
+    if (!isFast) {
+        return fast.mPixels == nullptr && (isSafe || safe.mPixels == nullptr) ? nullptr : "a refused file has pixels";
+    }
+    if (!isSafe || fast.mWidth != safe.mWidth || fast.mHeight != safe.mHeight) {
+        return "the fast road takes what the other does not";
+    }
+    const std::size_t size = std::size_t{fast.mWidth} * fast.mHeight * 4;
+    return std::memcmp(fast.mPixels.get(), safe.mPixels.get(), size) == 0 ? nullptr : "the roads make other pixels";
+}
+
+} // namespace ORLFuzz

@@ -1,0 +1,23 @@
+// Floor: System
+// PNG resources and picture files as premultiplied native bitmaps.
+#pragma once
+
+#include <ORLNativeHandles.h>
+#include <ORLResourceCollection.h>
+#include <tvxcore/String.h>
+
+namespace ORL {
+namespace Images {
+
+/// Makes a bitmap of the resource of that number and type "PNG", with the rows exchanged: the last one on top.
+/// inLocalized chooses between FindLocalizedResource and LoadResource. Null if there is none or it cannot be decoded.
+HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
+
+/// The same with the rows in their order. A lock that fails is not noticed: the bitmap is then transparent.
+HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized);
+
+/// Makes a bitmap of a picture file, with the rows exchanged. Null if it cannot be read or decoded.
+HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
+
+} // namespace Images
+} // namespace ORL

@@ -1,0 +1,43 @@
+// Floor: System
+// What stands behind an HBITMAP.
+#pragma once
+
+#include <ORLNativeHandles.h>
+
+#include <cstddef>
+#include <memory>
+
+namespace ORL {
+namespace Linux {
+
+struct NativeBitmap
+{
+    unsigned int mWidth;
+    unsigned int mHeight;
+    std::size_t mStride;
+    std::unique_ptr<unsigned char[]> mPixels;
+};
+
+inline NativeBitmap* BitmapOf(HBITMAP inBitmap) noexcept
+{
+    return reinterpret_cast<NativeBitmap*>(inBitmap);
+}
+
+inline HBITMAP HandleOf(NativeBitmap* inBitmap) noexcept
+{
+    return reinterpret_cast<HBITMAP>(inBitmap);
+}
+
+/// Pixels of less than 2 GiB. Returns false for larger pictures and for empty ones.
+inline bool SizeOfPixels(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize) noexcept
+{
+    constexpr std::size_t kLargest = 0x7FFFFFFF / 4;
+    if (inWidth == 0 || inHeight == 0 || inWidth > kLargest / inHeight) {
+        return false;
+    }
+    outSize = inWidth * inHeight * 4;
+    return true;
+}
+
+} // namespace Linux
+} // namespace ORL

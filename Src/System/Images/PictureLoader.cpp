@@ -1,0 +1,213 @@
+#include <Images/PictureLoader.h>
+
+#include <Images/Premultiply.h>
+#include <ORLDebug.h>
+#include <Platform/Images.h>
+
+#include <limits>
+#include <memory>
+#include <new>
+
+namespace ORL {
+namespace Images {
+
+using namespace Platform;
+
+namespace {
+
+constexpr std::size_t kBytesInPixel = 4;
+constexpr std::size_t kHeapFlush = 16000000;
+
+template <class T, void (*Free)(T*)>
+struct Freer
+{
+    void operator()(T* inThing) const { Free(inThing); }
+};
+
+using PicturePtr = std::unique_ptr<Picture, Freer<Picture, &DisposePicture_Impl>>;
+using StreamPtr = std::unique_ptr<Stream, Freer<Stream, &ReleaseStream_Impl>>;
+using Block = std::unique_ptr<unsigned char[]>;
+
+// What the two forms of the loader differ in, and the identity of their checks.
+struct RowsExchanged
+{
+    static constexpr bool kIsFlipped = true;
+    static constexpr bool kTestsLocks = true;
+    static constexpr long kCopyLine = 84;
+    static constexpr long kObjectLine = 104;
+    static constexpr char kFunction[] = "`anonymous-namespace'::LoadGDIPlusBitmap";
+};
+
+struct RowsInOrder
+{
+    static constexpr bool kIsFlipped = false;
+    static constexpr bool kTestsLocks = false;
+    static constexpr long kCopyLine = 466;
+    static constexpr long kObjectLine = 486;
+    static constexpr char kFunction[] = "`anonymous-namespace'::LoadGDIPlusBitmapWTL";
+};
+
+// The decoder may find no memory in a heap in pieces. A large block that comes and goes makes the heap give its free
+// pages back. The store keeps the compiler from leaving both out.
+void FlushHeap()
+{
+    const Block block(new (std::nothrow) unsigned char[kHeapFlush]);
+    if (block != nullptr) {
+        *static_cast<volatile unsigned char*>(block.get()) = 0;
+    }
+}
+
+// A whole picture, locked while it lives.
+class Lock
+{
+public:
+    Lock(Picture* inPicture, unsigned int inMode, int inFormat, bool inRetries) : mPicture(inPicture)
+    {
+        mStatus = LockPixels_Impl(mPicture, inMode, inFormat, mPixels);
+        if (mStatus != 0 && inRetries) {
+            FlushHeap();
+            mStatus = LockPixels_Impl(mPicture, inMode, inFormat, mPixels);
+        }
+    }
+    ~Lock()
+    {
+        if (IsGood()) {
+            UnlockPixels_Impl(mPicture, mPixels);
+        }
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+    bool IsGood() const noexcept { return mStatus == 0; }
+
+    std::uint32_t* Row(std::size_t inRow) const noexcept
+    {
+        return reinterpret_cast<std::uint32_t*>(mPixels.mPixels + static_cast<std::ptrdiff_t>(inRow) * mPixels.mStride);
+    }
+
+private:
+    Picture* const mPicture;
+    LockedPixels mPixels;
+    int mStatus;
+};
+
+// False if a lock failed. One that is not tested leaves the destination as it was.
+template <class Form>
+bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, std::size_t inHeight)
+{
+    const Lock source(inSource, kLockRead, kFormat32bppARGB, Form::kTestsLocks);
+    if (Form::kTestsLocks && !source.IsGood()) {
+        return false;
+    }
+    const Lock destination(inDestination, kLockReadWrite, kFormat32bppPARGB, Form::kTestsLocks);
+    if (!source.IsGood() || !destination.IsGood()) {
+        return !Form::kTestsLocks;
+    }
+    for (std::size_t y = 0; y < inHeight; ++y) {
+        Premultiply(source.Row(y), destination.Row(Form::kIsFlipped ? inHeight - 1 - y : y), inWidth);
+    }
+    return true;
+}
+
+// The pixels of a picture fit into memory that one can address.
+bool SizeOfBlock(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize) noexcept
+{
+    constexpr std::size_t kLargest = std::numeric_limits<std::ptrdiff_t>::max();
+    if (inWidth == 0 || inHeight == 0 || inWidth > kLargest / kBytesInPixel / inHeight) {
+        return false;
+    }
+    outSize = inWidth * inHeight * kBytesInPixel;
+    return true;
+}
+
+// Only a picture whose locks nobody tests may be made without its pixels being written.
+template <class Form>
+Block AllocateBlock(std::size_t inSize)
+{
+    return Block(Form::kTestsLocks ? new (std::nothrow) unsigned char[inSize]
+                                   : new (std::nothrow) unsigned char[inSize]());
+}
+
+template <class Form>
+HBITMAP BitmapOf(Picture* inSource)
+{
+    const std::size_t width = GetWidth_Impl(inSource);
+    const std::size_t height = GetHeight_Impl(inSource);
+    std::size_t size = 0;
+    if (!SizeOfBlock(width, height, size)) {
+        return nullptr;
+    }
+    Block block = AllocateBlock<Form>(size);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    const PicturePtr destination(CreateOnBlock_Impl(static_cast<unsigned int>(width), static_cast<unsigned int>(height),
+                                                    width * kBytesInPixel, kFormat32bppPARGB, block.get()));
+    if (destination == nullptr || !CopyPixels<Form>(inSource, destination.get(), width, height)) {
+        return nullptr;
+    }
+    HBITMAP bitmap = nullptr;
+    return CreateBitmap_Impl(destination.get(), block, bitmap) == 0 ? bitmap : nullptr;
+}
+
+template <class Form>
+HBITMAP BitmapOfStream(Stream* inStream)
+{
+    const PicturePtr bitmapMask(CreateFromStream_Impl(inStream));
+    ORL_ASSERT_MESSAGE_AT(bitmapMask.get() != nullptr, "bitmapMask.get() != 0", "", "WinModule", Form::kObjectLine,
+                          Form::kFunction);
+    if (bitmapMask == nullptr || GetLastStatus_Impl(bitmapMask.get()) != 0) {
+        return nullptr;
+    }
+    return BitmapOf<Form>(bitmapMask.get());
+}
+
+void* FindPNG(const ResourceCollection& inResources, short inID, bool inLocalized, int& outSize)
+{
+    const unsigned short* const name = MakeResourceID(static_cast<unsigned short>(inID));
+    const unsigned short* const type = TVX_UTF16("PNG");
+    return inLocalized ? inResources.FindLocalizedResource(name, type, outSize)
+                       : inResources.LoadResource(name, type, outSize);
+}
+
+template <class Form>
+HBITMAP Load(const ResourceCollection& inResources, short inID, bool inLocalized)
+{
+    int size = 0;
+    const void* const data = FindPNG(inResources, inID, inLocalized, size);
+    if (data == nullptr || size < 0) {
+        return nullptr;
+    }
+    MemoryCopy* const resDataCopyH = CopyToMemory_Impl(data, static_cast<std::size_t>(size));
+    ORL_ASSERT_MESSAGE_AT(resDataCopyH != nullptr, "resDataCopyH != NULL", "", "WinModule", Form::kCopyLine,
+                          Form::kFunction);
+    if (resDataCopyH == nullptr) {
+        return nullptr;
+    }
+    const StreamPtr stream(CreateStream_Impl(resDataCopyH));
+    return stream != nullptr ? BitmapOfStream<Form>(stream.get()) : nullptr;
+}
+
+} // namespace
+
+HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized)
+{
+    return Load<RowsExchanged>(inResources, inID, inLocalized);
+}
+
+HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized)
+{
+    return Load<RowsInOrder>(inResources, inID, inLocalized);
+}
+
+HBITMAP LoadBitmapOfFile(const UTF16String& inPath)
+{
+    const PicturePtr picture(CreateFromFile_Impl(inPath));
+    if (picture == nullptr || GetLastStatus_Impl(picture.get()) != 0) {
+        return nullptr;
+    }
+    return BitmapOf<RowsExchanged>(picture.get());
+}
+
+} // namespace Images
+} // namespace ORL
