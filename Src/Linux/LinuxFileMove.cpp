@@ -82,13 +82,20 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
     return CopyHostFile(inSource, inDestination, wish);
 }
 
-int OpenToSync(const std::string& inFolder)
+int OpenToSync(const std::string& inPath, int inFlags)
 {
-    int folder = -1;
+    int descriptor = -1;
     do {
-        folder = System().mOpen(inFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-    } while (folder < 0 && errno == EINTR);
-    return folder;
+        descriptor = System().mOpen(inPath.c_str(), inFlags | O_CLOEXEC, 0);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+// A copy has the permissions of its source, which may lack one of the two.
+int OpenAnyWay(const std::string& inFile)
+{
+    const int descriptor = OpenToSync(inFile, O_RDONLY | O_NOFOLLOW);
+    return descriptor < 0 && errno == EACCES ? OpenToSync(inFile, O_WRONLY | O_NOFOLLOW) : descriptor;
 }
 
 // A folder whose entries are to be synced to disk. It is opened before anything is changed, so that afterwards only the
@@ -96,13 +103,17 @@ int OpenToSync(const std::string& inFolder)
 class FolderToSync
 {
 public:
-    explicit FolderToSync(const std::string& inFolder) : mFolder(OpenToSync(inFolder)), mOpenError(mFolder ? 0 : errno) {}
+    explicit FolderToSync(const std::string& inFolder) : mFolder(OpenToSync(inFolder, O_RDONLY | O_DIRECTORY)), mOpenError(mFolder ? 0 : errno)
+    {
+    }
 
     // A folder with write but without read permission cannot be opened; that is not an error here.
     SystemError OpenError(const std::string& inPath) const
     {
         return CanBeOpened() ? SystemErrorFromErrno(mOpenError, inPath) : kNoError;
     }
+
+    bool IsOpen() const noexcept { return static_cast<bool>(mFolder); }
 
     // If the folder could not be opened, syncs the whole volume of inFile.
     SystemError Sync(int inFile) const noexcept
@@ -113,8 +124,15 @@ public:
         return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
     }
 
-    // Syncs the folder if it could be opened, otherwise nothing: for callers without a file on its volume.
-    SystemError SyncIfOpen() const noexcept { return mFolder ? Sync(-1) : kNoError; }
+    // The same for a caller that has no descriptor of the new file.
+    SystemError SyncWith(const std::string& inFile) const noexcept
+    {
+        if (mFolder) {
+            return Sync(-1);
+        }
+        const ORL::Linux::Descriptor file(OpenAnyWay(inFile));
+        return file ? Sync(file.Get()) : SystemErrorFromErrno(errno, inFile);
+    }
 
 private:
     bool CanBeOpened() const noexcept { return mOpenError != EACCES && mOpenError != EPERM; }
@@ -123,20 +141,22 @@ private:
     const int mOpenError;
 };
 
-// Moves by copying; fails with 5 for folders. The source is deleted after the copy has been synced, and its name too if
-// the folder can be opened. A source that cannot be deleted stays beside the copy.
+// Moves by copying; fails with 5 for folders. The source is deleted after the copy and its name have been synced. Only a
+// link in a folder without read permission is not: no descriptor of its volume can be had. A source that cannot be deleted
+// stays beside the copy.
 SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
 {
     const FolderToSync folder(FolderOf(inDestination.mPath));
+    const bool isLink = S_ISLNK(inStatus.st_mode);
     SystemError error = folder.OpenError(inDestination.mPath);
     if (error == kNoError) {
-        error = S_ISLNK(inStatus.st_mode) ? CopyLink(inSource.mPath, inDestination.mPath)
+        error = isLink ? CopyLink(inSource.mPath, inDestination.mPath)
                                           : CopyWhole(inSource, inDestination);
     }
     if (error != kNoError) {
         return error == kErrorFileExists ? kErrorAlreadyExists : error;
     }
-    error = folder.SyncIfOpen();
+    error = isLink && !folder.IsOpen() ? kNoError : folder.SyncWith(inDestination.mPath);
     System().mUnlink((error == kNoError ? inSource : inDestination).mPath.c_str());
     return error;
 }

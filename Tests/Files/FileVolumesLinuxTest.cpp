@@ -2,6 +2,7 @@
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
+#include <UnprivilegedLinux.h>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -103,6 +104,44 @@ TEST(FileVolumes, ASource_GoesWhenItsCopyAndTheNameOfThatAreOnDisk)
         EXPECT_EQ(kGeneralFailure, File::Move(source, volumes.mFolder.Path(u"moved"))) << name << row.mSync;
         EXPECT_TRUE(std::filesystem::exists(std::filesystem::symlink_status(volumes.mFolder.Host() / name)));
     }
+}
+
+TEST(FileVolumes, IntoAFolderThatCannotBeRead_TheNameOfTheCopyIsSynced)
+{
+    for (const ::mode_t mode : {0644, 0400}) {
+        TwoVolumes volumes;
+        const TempFolder& folder = volumes.mFolder;
+        folder.MakeFolder("dark");
+        folder.MakeFile("f", "x");
+        std::filesystem::create_symlink("nothing", folder.Host() / "link");
+        RunUnprivileged(folder.Host(), [&] {
+            EXPECT_EQ(0, ::chmod((folder.Host() / "f").c_str(), mode));
+            EXPECT_EQ(0, ::chmod((folder.Host() / "dark").c_str(), 0300));
+            EXPECT_EQ(kSuccess, File::Move(folder.Path(u"f"), folder.Path(u"dark\\f")));
+            EXPECT_EQ(1u, volumes.mCalls.Count(Faults::kSyncVolume)) << mode;
+            EXPECT_EQ(kSuccess, File::Move(folder.Path(u"link"), folder.Path(u"dark\\link")));
+            return ::chmod((folder.Host() / "dark").c_str(), 0755) == 0;
+        });
+        EXPECT_EQ("x", ContentsOf(folder, "dark/f"));
+        EXPECT_EQ("nothing", TargetOf(folder, "dark/link"));
+        EXPECT_FALSE(std::filesystem::exists(folder.Host() / "f"));
+    }
+}
+
+TEST(FileVolumes, IntoAFolderThatCannotBeRead_AFailedSyncKeepsTheSource)
+{
+    TwoVolumes volumes;
+    const TempFolder& folder = volumes.mFolder;
+    folder.MakeFolder("dark");
+    folder.MakeFile("f", "x");
+    RunUnprivileged(folder.Host(), [&] {
+        EXPECT_EQ(0, ::chmod((folder.Host() / "dark").c_str(), 0300));
+        volumes.mCalls.Fail(Faults::kSyncVolume, 1, EIO);
+        EXPECT_EQ(kGeneralFailure, File::Move(folder.Path(u"f"), folder.Path(u"dark\\f")));
+        return ::chmod((folder.Host() / "dark").c_str(), 0755) == 0;
+    });
+    EXPECT_EQ("x", ContentsOf(folder, "f"));
+    EXPECT_FALSE(std::filesystem::exists(folder.Host() / "dark/f"));
 }
 
 TEST(FileVolumes, ACopyThatTheDiskRefusesAtItsClose_IsNoCopy)
