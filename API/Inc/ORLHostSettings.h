@@ -18,10 +18,29 @@
 #include <ORLConfig.h>
 #include <tvxcore/String.h>
 
+#include <atomic>
+#include <cstdint>
+
 namespace ORL {
 
-/// Returns the language.
-ORL_API unsigned short GetLanguageID();
+namespace Internal {
+
+/// The language and whether it is known, in one word: a reader without a lock cannot see the one without the other.
+inline constexpr std::uint32_t kLanguageIsKnown = 0x10000;
+ORL_API extern std::atomic<std::uint32_t> sLanguageID;
+
+/// Reads the language from the registry, unless another thread has done so meanwhile.
+ORL_API unsigned short FetchLanguageID();
+
+} // namespace Internal
+
+/// Returns the language. Known, it costs a load and a branch.
+ORL_API inline unsigned short GetLanguageID()
+{
+    const std::uint32_t language = Internal::sLanguageID.load(std::memory_order_relaxed);
+    return (language & Internal::kLanguageIsKnown) != 0 ? static_cast<unsigned short>(language & 0xFFFF)
+                                                        : Internal::FetchLanguageID();
+}
 
 /// Returns the primary language: bits 0 to 9 of GetLanguageID().
 ORL_API unsigned short GetPrimaryLanguageID();

@@ -13,16 +13,20 @@ namespace ORL {
 namespace StringUtils {
 namespace Platform {
 
-/// Returns the number of units that inBytes bytes convert to; 0 if the system cannot convert them. inBytes must not be
-/// 0.
+/// Returns an upper bound of the number of units that inBytes bytes convert to, without reading them; 0 if the system
+/// cannot convert that many or lacks the page. inBytes must not be 0, here and below.
+std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes);
+
+/// Returns the number of units that inBytes bytes convert to; 0 if the system cannot convert them.
 std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes);
 
 /// Converts, and returns the number of units written; 0 if the system cannot convert. inCapacity is the capacity of
-/// outUnits, at least the result of MeasureUnits_Impl. There are never more units than bytes.
+/// outUnits, at least the result of MeasureUnits_Impl.
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity);
 
-/// The same in the other direction. There are never more than four bytes per unit.
+/// The same in the other direction.
+std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits);
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,
                          std::size_t inCapacity);

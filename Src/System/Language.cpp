@@ -32,9 +32,9 @@ constexpr Language kLanguages[] = {
 constexpr const Language& kDefaultLanguage = kLanguages[0];
 constexpr char kLanguageValueName[] = "Language";
 
-// The language and whether it is known, in one word: a reader without the lock cannot see the one without the other.
-constexpr std::uint32_t kIsSet = 0x10000;
-std::atomic<std::uint32_t> sLanguageID{0};
+using Internal::kLanguageIsKnown;
+using Internal::sLanguageID;
+
 Immortal<CriticalSection> sLanguageLock; // guards writing; comes before the lock of the base keys
 
 const Language* FindLanguage(unsigned short inID)
@@ -83,25 +83,28 @@ unsigned short GetLanguageIDFromRegistry()
     return kDefaultLanguage.mID;
 }
 
+} // namespace
+
+namespace Internal {
+
+std::atomic<std::uint32_t> sLanguageID{0};
+
 unsigned short FetchLanguageID()
 {
     const CriticalSectionLock lock(sLanguageLock.mValue);
-    const std::uint32_t known = sLanguageID.load(std::memory_order_relaxed);
-    if ((known & kIsSet) != 0) {
-        return static_cast<unsigned short>(known & 0xFFFF);
+    const std::uint32_t language = sLanguageID.load(std::memory_order_relaxed);
+    if ((language & kLanguageIsKnown) != 0) {
+        return static_cast<unsigned short>(language & 0xFFFF);
     }
     const unsigned short fetched = GetLanguageIDFromRegistry();
-    sLanguageID.store(fetched | kIsSet, std::memory_order_relaxed);
+    sLanguageID.store(fetched | kLanguageIsKnown, std::memory_order_relaxed);
     return fetched;
 }
 
-} // namespace
+// Callers compile GetLanguageID in; this makes the library export it as well.
+[[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 
-unsigned short GetLanguageID()
-{
-    const std::uint32_t known = sLanguageID.load(std::memory_order_relaxed);
-    return (known & kIsSet) != 0 ? static_cast<unsigned short>(known & 0xFFFF) : FetchLanguageID();
-}
+} // namespace Internal
 
 unsigned short GetPrimaryLanguageID()
 {
@@ -111,7 +114,7 @@ unsigned short GetPrimaryLanguageID()
 void SetLanguageID(unsigned short inLanguageID)
 {
     const CriticalSectionLock lock(sLanguageLock.mValue);
-    sLanguageID.store(inLanguageID | kIsSet, std::memory_order_relaxed);
+    sLanguageID.store(inLanguageID | kLanguageIsKnown, std::memory_order_relaxed);
 }
 
 void SetLanguageString(const UTF16String& inLanguage)

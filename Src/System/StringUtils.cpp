@@ -6,21 +6,19 @@
 #include <ORLHostSettings.h>
 #include <Platform/CodePages.h>
 
-#include <memory>
-
 namespace ORL {
 
 namespace {
 
 constexpr std::size_t kStackBuffer = 1024; // elements
-constexpr std::size_t kBytesOfUnit = 4;    // at most: a system's default page can be GB18030
 
 // Both directions in one: how a text of Source becomes a text of Target.
 struct ToUnicode16
 {
     using Source = std::string;
     using Target = UTF16String;
-    static constexpr std::size_t kMostForOne = 1;
+    static constexpr std::size_t kMostForResult = 4; // a unit is read from at most this many bytes
+    static constexpr auto kLimit = &StringUtils::Platform::MostUnits_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureUnits_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToUnits_Impl;
 };
@@ -29,12 +27,24 @@ struct ToCodePage
 {
     using Source = UTF16String;
     using Target = std::string;
-    static constexpr std::size_t kMostForOne = kBytesOfUnit;
+    static constexpr std::size_t kMostForResult = 2; // the halves of a surrogate pair may become bytes together
+    static constexpr auto kLimit = &StringUtils::Platform::MostBytes_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureBytes_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToBytes_Impl;
 };
 
-// Tells the site of the caller whether the text could be converted.
+// The room for the result, in elements; 0 if the text cannot be converted. The text is measured only if the choice
+// between the buffers depends on it: measuring costs as much as converting.
+template <class Direction>
+std::size_t RoomForResult(const typename Direction::Source& inText, unsigned int inCodePage)
+{
+    const std::size_t most = Direction::kLimit(inCodePage, inText.size());
+    const bool mayFitStack = inText.size() <= kStackBuffer * Direction::kMostForResult;
+    return most > kStackBuffer && mayFitStack ? Direction::kMeasure(inCodePage, inText.data(), inText.size()) : most;
+}
+
+// Tells the site of the caller whether the text could be converted. A long result is written where it stays; it may keep
+// some more memory than it needs, as a text does that grows.
 template <class Direction, class CheckSite>
 typename Direction::Target Convert(const typename Direction::Source& inText, unsigned int inCodePage,
                                    CheckSite inCheckSite)
@@ -45,21 +55,21 @@ typename Direction::Target Convert(const typename Direction::Source& inText, uns
         return Target();
     }
     const unsigned int codePage = inCodePage != 0 ? inCodePage : StringUtils::GetDefaultCodePage();
-    Element onStack[kStackBuffer];
-    if (inText.size() <= kStackBuffer / Direction::kMostForOne) { // fits, so it need not be measured
-        const std::size_t length = Direction::kConvert(codePage, inText.data(), inText.size(), onStack, kStackBuffer);
+    const std::size_t room = RoomForResult<Direction>(inText, codePage);
+    const auto convert = [&](Element* outBuffer) {
+        const std::size_t length =
+            room != 0 ? Direction::kConvert(codePage, inText.data(), inText.size(), outBuffer, room) : 0;
         inCheckSite(length);
+        return length;
+    };
+    if (room <= kStackBuffer) {
+        Element onStack[kStackBuffer];
+        const std::size_t length = convert(onStack);
         return Target(onStack, length);
     }
-    const std::size_t length = Direction::kMeasure(codePage, inText.data(), inText.size());
-    inCheckSite(length);
-    if (length == 0) {
-        return Target();
-    }
-    const std::unique_ptr<Element[]> onHeap(length > kStackBuffer ? new Element[length] : nullptr);
-    Element* const buffer = onHeap ? onHeap.get() : onStack;
-    Direction::kConvert(codePage, inText.data(), inText.size(), buffer, length);
-    return Target(buffer, length);
+    Target result(room, Element());
+    result.resize(convert(&result[0]));
+    return result;
 }
 
 unsigned int CodePageOfHost()

@@ -33,27 +33,34 @@ bool FailsWithout(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther, const
 
 } // namespace
 
-// The result itself uses the small block allocator.
-TEST(CodePagesSweep, UpTo1024Units_TakeNoWorkingMemory)
+// The result itself uses the small block allocator. Up to 1024 units are converted on the stack; more are written
+// where the result stays, so that there is no second block.
+TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 {
-    const std::string bytes1024(2 * 1024, '\x82');
-    const std::string bytes1025(2 * 1025, '\x82');
-    UTF16String result;
-    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { result = Internal::To16BitUnicode(bytes1024, 932); }));
-    EXPECT_EQ(1024u, result.size());
-    EXPECT_TRUE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { Internal::To16BitUnicode(bytes1025, 932); }));
-    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::To16BitUnicode(bytes1025, 932); }));
+    for (const std::size_t count : {1024u, 1025u, 5000u}) {
+        const std::string bytes(2 * count, '\x82');
+        UTF16String result;
+        EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { result = Internal::To16BitUnicode(bytes, 932); }))
+            << count;
+        EXPECT_EQ(count, result.size());
+    }
 }
 
-TEST(CodePagesSweep, UpTo1024Bytes_TakeNoWorkingMemory)
+TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
 {
     if (!WholeHeapIsWatched()) {
         return; // the allocator of the result is not watched here
     }
-    const UTF16String units512(512, 0x65E5);
-    const UTF16String units513(513, 0x65E5);
-    EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::ToMultiByteWithCodePage(units512, 932); }));
-    EXPECT_TRUE(FailsWithout(MemoryDoor::kHeap, 2, true, [&] { Internal::ToMultiByteWithCodePage(units513, 932); }));
+    for (const std::size_t count : {512u, 513u, 5000u}) {
+        const UTF16String units(count, 0x65E5);
+        std::string result;
+        EXPECT_FALSE(FailsWithout(MemoryDoor::kHeap, 2, true,
+                                  [&] { result = Internal::ToMultiByteWithCodePage(units, 932); }))
+            << count;
+        EXPECT_EQ(2 * count, result.size());
+        EXPECT_TRUE(FailsWithout(MemoryDoor::kHeap, 1, true, [&] { Internal::ToMultiByteWithCodePage(units, 932); }))
+            << count;
+    }
 }
 
 TEST(CodePagesSweep, Conversions_LeaveNothingBehind)

@@ -13,6 +13,7 @@
 
 #include <climits>
 #include <gtest/gtest.h>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -180,7 +181,8 @@ TEST_F(CodePages, EveryLengthAndPlace_IsThePartsSideBySide)
 
 TEST_F(CodePages, ResultsAroundTheStackBuffer_AreWhole)
 {
-    for (const std::size_t count : {255u, 256u, 257u, 511u, 512u, 513u, 1023u, 1024u, 1025u, 5000u}) {
+    for (const std::size_t count :
+         {255u, 256u, 257u, 511u, 512u, 513u, 1023u, 1024u, 1025u, 2047u, 2048u, 2049u, 4096u, 4097u, 40000u}) {
         std::string bytes;
         for (std::size_t i = 0; i < count; ++i) {
             bytes += "\x93\xFA";
@@ -262,15 +264,63 @@ TEST_F(CodePages, TextThatCannotBeConverted_IsEmptyAfterTheCheck)
     EXPECT_EQ(4u, recorder.Reports(CheckReport::kAssert).size());
 }
 
+// A page that the system lacks has no limits, and each one else has those that hold for all of its characters.
+TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
+{
+    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(12345, 7));
+    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(12345, 7));
+    for (const unsigned page : kCodePages) {
+        const UTF16String units = Internal::To16BitUnicode("\x93\xFA\xC7\xD1\xE9", page);
+        EXPECT_LE(units.size(), StringUtils::Platform::MostUnits_Impl(page, 5)) << page;
+        EXPECT_LE(Internal::ToMultiByteWithCodePage(units, page).size(),
+                  StringUtils::Platform::MostBytes_Impl(page, units.size()))
+            << page;
+    }
+    EXPECT_EQ(14u, StringUtils::Platform::MostBytes_Impl(932, 7));
+}
+
+// Mixed text of every density of characters beyond ASCII, beside the same text converted unit by unit.
+TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
+{
+    std::mt19937 random(3);
+    const char16_t others[] = {0xE9, 0x20AC, 0x416, 0x65E5, 0xFF71, 0xFFFD, 0x3042, 0xD83D};
+    for (const unsigned page : kCodePages) {
+        for (unsigned density = 0; density <= 16; ++density) {
+            UTF16String units;
+            std::string bytes;
+            UTF16String again;
+            for (int i = 0; i < 3000; ++i) {
+                const bool isOther = random() % 16 < density;
+                const auto unit = static_cast<unsigned short>(isOther ? others[random() % std::size(others)] : 'a' + random() % 26);
+                units.push_back(unit);
+                bytes += Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page);
+                again += Internal::To16BitUnicode(Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page), page);
+            }
+            ASSERT_EQ(bytes, Internal::ToMultiByteWithCodePage(units, page)) << page << ' ' << density;
+            ASSERT_EQ(again, Internal::To16BitUnicode(bytes, page)) << page << ' ' << density;
+        }
+    }
+}
+
 // The text is not read, because sizes in Windows are 32-bit.
-TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasured)
+TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasuredOrConverted)
 {
     const std::size_t count = static_cast<std::size_t>(INT_MAX) + 1;
     const unsigned short unit = 'a';
+    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(932, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(1252, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(932, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(1252, count));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureUnits_Impl(932, "a", count));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureUnits_Impl(1252, "a", 2 * count + 1));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureBytes_Impl(932, &unit, count));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureBytes_Impl(1252, &unit, count));
+    unsigned short units[1];
+    char bytes[1];
+    EXPECT_EQ(0u, StringUtils::Platform::ToUnits_Impl(932, "a", count, units, 1));
+    EXPECT_EQ(0u, StringUtils::Platform::ToUnits_Impl(1252, "a", 2 * count + 1, units, 1));
+    EXPECT_EQ(0u, StringUtils::Platform::ToBytes_Impl(932, &unit, count, bytes, 1));
+    EXPECT_EQ(0u, StringUtils::Platform::ToBytes_Impl(1252, &unit, 2 * count + 1, bytes, 1));
 }
 
 TEST_F(CodePages, EightThreads_GetTheSameAnswers)

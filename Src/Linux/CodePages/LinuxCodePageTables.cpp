@@ -1,5 +1,7 @@
 #include "LinuxCodePageTables.h"
 
+#include <array>
+
 namespace ORL {
 namespace Linux {
 
@@ -21,11 +23,70 @@ namespace {
 #include "Tables/CodePage949.inc"
 #include "Tables/CodePage950.inc"
 
+constexpr std::size_t kBytes = 256;
+constexpr std::size_t kFirstTrail = 0x40;
+constexpr std::size_t kTrails = 0xFE - kFirstTrail + 1;
+constexpr std::size_t kIndexed = 0x10000 / 64;
+
+// The generated tables are as compact as they can be; the ones below are what a conversion looks things up in. The
+// compiler makes them, and keeps these alone.
+
+template <class Number>
+constexpr std::array<std::uint16_t, kIndexed> OffsetsOf(const Number (&inIndex)[kIndexed])
+{
+    std::array<std::uint16_t, kIndexed> offsets{};
+    for (std::size_t i = 0; i < kIndexed; ++i) {
+        offsets[i] = static_cast<std::uint16_t>((inIndex[i] - i) * 64);
+    }
+    return offsets;
+}
+
+constexpr unsigned FirstSameOf(const std::uint16_t (&inUnits)[kBytes])
+{
+    unsigned first = kBytes;
+    while (first > 0x80 && inUnits[first - 1] == first - 1) {
+        --first;
+    }
+    return first;
+}
+
+constexpr std::array<std::uint16_t, kBytes> RowsOf(const std::uint8_t (&inRows)[kBytes])
+{
+    std::array<std::uint16_t, kBytes> rows{};
+    for (std::size_t i = 0; i < kBytes; ++i) {
+        rows[i] = static_cast<std::uint16_t>(inRows[i] * DoubleBytePage::kRow);
+    }
+    return rows;
+}
+
+// A trail byte outside of the generated rows makes the default character.
+template <std::size_t Pairs>
+constexpr std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow>
+PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBytes], const std::uint16_t (&inPairs)[Pairs])
+{
+    std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow> pairs{};
+    for (std::size_t lead = 0; lead < kBytes; ++lead) {
+        for (std::size_t trail = 1; inRows[lead] != 0 && trail < DoubleBytePage::kRow; ++trail) {
+            const std::size_t column = trail - kFirstTrail; // wraps below the first
+            pairs[inRows[lead] * DoubleBytePage::kRow + trail] =
+                column < kTrails ? inPairs[(inRows[lead] - 1u) * kTrails + column] : inUnits[lead];
+        }
+    }
+    return pairs;
+}
+
 #define ORL_SINGLE_BYTE_PAGE(number)                                                                                   \
-    constexpr SingleBytePage kPage##number = {kSingles##number, {kIndex##number, kBlocks##number}};
+    constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                       \
+    constexpr SingleBytePage kPage##number = {                                                                         \
+        kSingles##number, {kOffsets##number.data(), kBlocks##number}, FirstSameOf(kSingles##number)};
 #define ORL_DOUBLE_BYTE_PAGE(number)                                                                                   \
-    constexpr DoubleBytePage kPage##number = {                                                                         \
-        kSingles##number, kRows##number, kPairs##number, {kIndex##number, kBlocks##number}};
+    constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                       \
+    constexpr auto kRowOffsets##number = RowsOf(kRows##number);                                                        \
+    constexpr auto kRowPairs##number = PairsOf(kSingles##number, kRows##number, kPairs##number);                       \
+    constexpr DoubleBytePage kPage##number = {kSingles##number,                                                        \
+                                              kRowOffsets##number.data(),                                              \
+                                              kRowPairs##number.data(),                                                \
+                                              {kOffsets##number.data(), kBlocks##number}};
 
 ORL_SINGLE_BYTE_PAGE(437)
 ORL_SINGLE_BYTE_PAGE(874)

@@ -9,16 +9,17 @@
 namespace ORL {
 namespace Linux {
 
-/// A table of 65,536 entries in blocks of 64, of which equal ones stand once.
+/// A table of 65,536 entries in blocks of 64, of which equal ones stand once. An offset is the place of a block's first
+/// entry less the unit that it is for, so that the unit itself can be added. All of it wraps at 65,536.
 template <class Entry>
 struct BlockTable
 {
-    const Entry* mIndex;
+    const std::uint16_t* mOffsets;
     const Entry* mBlocks;
 
     Entry operator[](unsigned short inUnit) const noexcept
     {
-        return mBlocks[(static_cast<std::size_t>(mIndex[inUnit >> 6]) << 6) + (inUnit & 63u)];
+        return mBlocks[static_cast<std::uint16_t>(mOffsets[inUnit >> 6] + inUnit)];
     }
 };
 
@@ -27,17 +28,19 @@ struct SingleBytePage
 {
     const std::uint16_t* mUnits; // of each byte
     BlockTable<std::uint8_t> mBytes;
+    unsigned mFirstSame; // this byte and all after it, up to 0xFF, are the units of their own number; 0x100 for none
 };
 
 /// A page whose characters take one byte or two.
 struct DoubleBytePage
 {
-    static constexpr unsigned kFirstTrail = 0x40;
-    static constexpr unsigned kTrails = 0xFE - kFirstTrail + 1;
+    static constexpr std::size_t kRow = 256;
 
     const std::uint16_t* mUnits; // of each byte that no other follows up; of a lead byte, the page's default character
-    const std::uint8_t* mRows;   // of each lead byte: 1 and its row in mPairs; 0 for all other bytes
-    const std::uint16_t* mPairs; // rows of kTrails units. A trail byte outside of them makes the default character.
+    // Where in mPairs the row of a lead byte begins: a unit for each trail byte, but 0 for the zero byte, before which a
+    // lead byte stands alone. All other bytes have the row at 0, which is 0 throughout.
+    const std::uint16_t* mRows;
+    const std::uint16_t* mPairs;
     BlockTable<std::uint16_t> mBytes; // two bytes from 0x100 on, the lead byte above the trail byte
 };
 

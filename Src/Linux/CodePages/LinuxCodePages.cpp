@@ -3,6 +3,8 @@
 #include "LinuxCodePageTables.h"
 
 #include <climits>
+#include <cstddef>
+#include <cstring>
 #include <emmintrin.h>
 
 namespace ORL {
@@ -16,28 +18,54 @@ using ORL::Linux::DoubleBytePage;
 using ORL::Linux::FindCodePage;
 using ORL::Linux::SingleBytePage;
 
-// ASCII goes sixteen at a time. Where a step meets anything else, the next sixteen go one by one: looking again at once
-// would cost mixed text more than the step saves.
-constexpr std::size_t kStep = 16;
+// ASCII is converted sixteen elements at a time.
+constexpr std::ptrdiff_t kStep = 16;
+constexpr int kFewOthers = 5; // up to so many, copying all sixteen and converting these is faster
 
 const __m128i* AsVector(const void* inAddress)
 {
     return static_cast<const __m128i*>(inAddress);
 }
 
-bool AreSixteenASCII(const unsigned char* inBytes)
+// Which of the next sixteen elements are not ASCII: the first one is bit 0.
+unsigned FindNonASCII(const unsigned char* inBytes)
 {
-    return _mm_movemask_epi8(_mm_loadu_si128(AsVector(inBytes))) == 0;
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_loadu_si128(AsVector(inBytes))));
 }
 
-bool AreSixteenASCII(const unsigned short* inUnits)
+unsigned FindNonASCII(const unsigned short* inUnits)
 {
-    const __m128i all = _mm_or_si128(_mm_loadu_si128(AsVector(inUnits)), _mm_loadu_si128(AsVector(inUnits + 8)));
-    const __m128i high = _mm_and_si128(all, _mm_set1_epi16(static_cast<short>(0xFF80)));
-    return _mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xFFFF;
+    const __m128i mask = _mm_set1_epi16(static_cast<short>(0xFF80));
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i low = _mm_cmpeq_epi16(_mm_and_si128(_mm_loadu_si128(AsVector(inUnits)), mask), zero);
+    const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(_mm_loadu_si128(AsVector(inUnits + 8)), mask), zero);
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high))) ^ 0xFFFFu;
 }
 
-void WidenSixteen(const unsigned char* inBytes, unsigned short* outUnits)
+// The same, but bytes from inFirstSame on count as ASCII. As signed numbers the bytes from 0x80 on are the lowest.
+unsigned FindBytesBefore(unsigned inFirstSame, const unsigned char* inBytes)
+{
+    const __m128i limit = _mm_set1_epi8(static_cast<char>(inFirstSame));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(_mm_loadu_si128(AsVector(inBytes)), limit)));
+}
+
+std::ptrdiff_t IndexOfFirst(unsigned inBits)
+{
+    return __builtin_ctz(inBits);
+}
+
+// Whether more than Count bits are set.
+template <int Count>
+bool HasMoreThan(unsigned inBits)
+{
+    for (int i = 0; i < Count; ++i) {
+        inBits &= inBits - 1;
+    }
+    return inBits != 0;
+}
+
+// Copies sixteen elements.
+void CopySixteen(const unsigned char* inBytes, unsigned short* outUnits)
 {
     const __m128i bytes = _mm_loadu_si128(AsVector(inBytes));
     __m128i* const units = reinterpret_cast<__m128i*>(outUnits);
@@ -45,148 +73,144 @@ void WidenSixteen(const unsigned char* inBytes, unsigned short* outUnits)
     _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
 }
 
-void NarrowSixteen(const unsigned short* inUnits, unsigned char* outBytes)
+void CopySixteen(const unsigned short* inUnits, unsigned char* outBytes)
 {
     const __m128i low = _mm_loadu_si128(AsVector(inUnits));
     const __m128i high = _mm_loadu_si128(AsVector(inUnits + 8));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(outBytes), _mm_packus_epi16(low, high));
 }
 
-// Calls inOfASCII(at) for each sixteen of ASCII, and for the rest inOfOther(at, end), which returns how far it came.
-template <class Element, class OfASCII, class OfOther>
-void Walk(const Element* inText, std::size_t inCount, OfASCII inOfASCII, OfOther inOfOther)
+// Converts between texts that have one byte for each unit. inTable holds the result for each element, inFindOthers tells
+// which of sixteen cannot be copied.
+template <class Table, class Source, class Result, class FindOthers>
+std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCount, Result* outText,
+                           FindOthers inFindOthers)
 {
-    std::size_t at = 0;
-    while (at + kStep <= inCount) {
-        if (AreSixteenASCII(inText + at)) {
-            inOfASCII(at);
-            at += kStep;
-        } else {
-            at = inOfOther(at, at + kStep);
+    const Source* const end = inText + inCount;
+    for (; end - inText >= kStep; inText += kStep, outText += kStep) {
+        unsigned others = inFindOthers(inText);
+        if (HasMoreThan<kFewOthers>(others)) {
+            for (std::ptrdiff_t i = 0; i < kStep; ++i) {
+                outText[i] = inTable[inText[i]];
+            }
+            continue;
+        }
+        CopySixteen(inText, outText);
+        for (; others != 0; others &= others - 1) {
+            const std::ptrdiff_t index = IndexOfFirst(others);
+            outText[index] = inTable[inText[index]];
         }
     }
-    if (at < inCount) {
-        inOfOther(at, inCount);
+    for (; inText != end; ++inText, ++outText) {
+        *outText = inTable[*inText];
     }
+    return inCount;
 }
 
-// A lead byte in front of a zero byte, or at the end, stands alone.
-bool IsPair(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inAt, std::size_t inCount)
+// Converts a text whose units have one byte or two. inConvertOne converts what is next, ASCII included, and moves both
+// pointers. Returns the number of elements written.
+template <class Source, class Result, class ConvertOne>
+std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outText, ConvertOne inConvertOne)
 {
-    return inPage.mRows[inText[inAt]] != 0 && inAt + 1 < inCount && inText[inAt + 1] != 0;
+    const Source* const end = inText + inCount;
+    Result* next = outText;
+    while (end - inText >= kStep) {
+        if (FindNonASCII(inText) == 0) {
+            CopySixteen(inText, next);
+            inText += kStep;
+            next += kStep;
+            continue;
+        }
+        // No jump to the first element that is not ASCII: the next load would wait for its index, while the processor
+        // predicts the branches of single elements.
+        const Source* const stop = inText + kStep;
+        do {
+            inConvertOne(inText, next);
+        } while (inText < stop);
+    }
+    while (inText != end) {
+        inConvertOne(inText, next);
+    }
+    return static_cast<std::size_t>(next - outText);
 }
 
-unsigned short UnitOfPair(const DoubleBytePage& inPage, unsigned char inLead, unsigned char inTrail)
+std::size_t ToUnits(const SingleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
+                    unsigned short* outUnits)
 {
-    const unsigned column = inTrail - DoubleBytePage::kFirstTrail; // wraps below the first
-    const unsigned row = inPage.mRows[inLead] - 1u;
-    return column < DoubleBytePage::kTrails ? inPage.mPairs[row * DoubleBytePage::kTrails + column]
-                                            : inPage.mUnits[inLead];
+    return ConvertSingles(inPage.mUnits, inText, inBytes, outUnits,
+                          [same = inPage.mFirstSame](const unsigned char* inSixteen) {
+                              return FindBytesBefore(same, inSixteen);
+                          });
+}
+
+std::size_t ToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
+                    unsigned char* outBytes)
+{
+    return ConvertSingles(inPage.mBytes, inText, inUnits, outBytes,
+                          [](const unsigned short* inSixteen) { return FindNonASCII(inSixteen); });
+}
+
+// The unit of a pair of bytes; 0 if the first one stands alone.
+unsigned short UnitOfPair(const DoubleBytePage& inPage, const unsigned char* inText, const unsigned char* inEnd)
+{
+    return inEnd - inText > 1 ? inPage.mPairs[inPage.mRows[inText[0]] + inText[1]] : static_cast<unsigned short>(0);
 }
 
 std::size_t CountUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes)
 {
-    std::size_t count = inBytes;
-    Walk(
-        inText, inBytes, [](std::size_t) {},
-        [&](std::size_t at, std::size_t end) {
-            while (at < end) {
-                const std::size_t taken = IsPair(inPage, inText, at, inBytes) ? 2 : 1;
-                count -= taken - 1;
-                at += taken;
-            }
-            return at;
-        });
+    const unsigned char* const end = inText + inBytes;
+    std::size_t count = 0;
+    for (; inText != end; ++count) {
+        inText += UnitOfPair(inPage, inText, end) != 0 ? 2 : 1;
+    }
+    return count;
+}
+
+std::size_t CountBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits)
+{
+    std::size_t count = inUnits;
+    for (std::size_t i = 0; i < inUnits; ++i) {
+        count += inPage.mBytes[inText[i]] > 0xFF ? 1 : 0;
+    }
     return count;
 }
 
 std::size_t ToUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
                     unsigned short* outUnits)
 {
-    unsigned short* out = outUnits;
-    Walk(
-        inText, inBytes,
-        [&](std::size_t at) {
-            WidenSixteen(inText + at, out);
-            out += kStep;
-        },
-        [&](std::size_t at, std::size_t end) {
-            while (at < end) {
-                if (IsPair(inPage, inText, at, inBytes)) {
-                    *out++ = UnitOfPair(inPage, inText[at], inText[at + 1]);
-                    at += 2;
-                } else {
-                    *out++ = inPage.mUnits[inText[at++]];
-                }
-            }
-            return at;
-        });
-    return static_cast<std::size_t>(out - outUnits);
-}
-
-std::size_t ToUnits(const SingleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
-                    unsigned short* outUnits)
-{
-    Walk(
-        inText, inBytes, [&](std::size_t at) { WidenSixteen(inText + at, outUnits + at); },
-        [&](std::size_t at, std::size_t end) {
-            for (; at < end; ++at) {
-                outUnits[at] = inPage.mUnits[inText[at]];
-            }
-            return end;
-        });
-    return inBytes;
-}
-
-std::size_t CountBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits)
-{
-    std::size_t count = inUnits;
-    Walk(
-        inText, inUnits, [](std::size_t) {},
-        [&](std::size_t at, std::size_t end) {
-            for (; at < end; ++at) {
-                count += inPage.mBytes[inText[at]] > 0xFF ? 1 : 0;
-            }
-            return end;
-        });
-    return count;
+    const unsigned char* const end = inText + inBytes;
+    return ConvertPairs(inText, inBytes, outUnits,
+                        [page = inPage, end](const unsigned char*& ioText, unsigned short*& ioNext) {
+                            const unsigned char first = *ioText;
+                            if (first < 0x80) {
+                                *ioNext++ = first;
+                                ++ioText;
+                                return;
+                            }
+                            const unsigned short unit = UnitOfPair(page, ioText, end);
+                            if (unit != 0) {
+                                *ioNext++ = unit;
+                                ioText += 2;
+                            } else {
+                                *ioNext++ = page.mUnits[*ioText++];
+                            }
+                        });
 }
 
 std::size_t ToBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
                     unsigned char* outBytes)
 {
-    unsigned char* out = outBytes;
-    Walk(
-        inText, inUnits,
-        [&](std::size_t at) {
-            NarrowSixteen(inText + at, out);
-            out += kStep;
-        },
-        [&](std::size_t at, std::size_t end) {
-            for (; at < end; ++at) {
-                const unsigned code = inPage.mBytes[inText[at]];
-                if (code > 0xFF) {
-                    *out++ = static_cast<unsigned char>(code >> 8);
-                }
-                *out++ = static_cast<unsigned char>(code & 0xFF);
-            }
-            return end;
-        });
-    return static_cast<std::size_t>(out - outBytes);
-}
-
-std::size_t ToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
-                    unsigned char* outBytes)
-{
-    Walk(
-        inText, inUnits, [&](std::size_t at) { NarrowSixteen(inText + at, outBytes + at); },
-        [&](std::size_t at, std::size_t end) {
-            for (; at < end; ++at) {
-                outBytes[at] = inPage.mBytes[inText[at]];
-            }
-            return end;
-        });
-    return inUnits;
+    return ConvertPairs(inText, inUnits, outBytes,
+                        [codes = inPage.mBytes](const unsigned short*& ioText, unsigned char*& ioNext) {
+                            const unsigned code = codes[*ioText++];
+                            if (code > 0xFF) {
+                                const auto swapped = static_cast<std::uint16_t>(code >> 8 | code << 8);
+                                std::memcpy(ioNext, &swapped, sizeof(swapped));
+                                ioNext += 2;
+                            } else {
+                                *ioNext++ = static_cast<unsigned char>(code);
+                            }
+                        });
 }
 
 // The sizes of the home platform's calls are 32-bit.
@@ -202,6 +226,11 @@ const unsigned char* AsBytes(const char* inText)
 
 } // namespace
 
+std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
+{
+    return FindCodePage(inCodePage) != nullptr ? Limited(inBytes) : 0;
+}
+
 std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes)
 {
     const CodePageTable* const page = FindCodePage(inCodePage);
@@ -215,11 +244,17 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
                          std::size_t)
 {
     const CodePageTable* const page = FindCodePage(inCodePage);
-    if (page == nullptr) {
+    if (page == nullptr || Limited(inBytes) == 0) {
         return 0;
     }
     return page->mSingle != nullptr ? ToUnits(*page->mSingle, AsBytes(inText), inBytes, outUnits)
                                     : ToUnits(*page->mDouble, AsBytes(inText), inBytes, outUnits);
+}
+
+std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
+{
+    const CodePageTable* const page = FindCodePage(inCodePage);
+    return page == nullptr ? 0 : page->mSingle != nullptr ? Limited(inUnits) : 2 * Limited(inUnits);
 }
 
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits)
@@ -235,12 +270,12 @@ std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, 
                          std::size_t)
 {
     const CodePageTable* const page = FindCodePage(inCodePage);
-    if (page == nullptr) {
+    if (page == nullptr || Limited(inUnits) == 0) {
         return 0;
     }
     unsigned char* const bytes = reinterpret_cast<unsigned char*>(outBytes);
     return page->mSingle != nullptr ? ToBytes(*page->mSingle, inText, inUnits, bytes)
-                                    : ToBytes(*page->mDouble, inText, inUnits, bytes);
+                                    : Limited(ToBytes(*page->mDouble, inText, inUnits, bytes));
 }
 
 } // namespace Platform

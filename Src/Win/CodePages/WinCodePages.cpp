@@ -24,7 +24,19 @@ std::size_t CountOf(int inResult)
     return inResult > 0 ? static_cast<std::size_t>(inResult) : 0;
 }
 
+// The most bytes that a unit becomes; 0 if the system lacks the page.
+std::size_t MostOfEach(unsigned int inCodePage)
+{
+    CPINFO info;
+    return ::GetCPInfo(inCodePage, &info) != FALSE ? info.MaxCharSize : 0;
+}
+
 } // namespace
+
+std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
+{
+    return MostOfEach(inCodePage) != 0 && inBytes <= kMost ? inBytes : 0;
+}
 
 std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes)
 {
@@ -34,8 +46,16 @@ std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity)
 {
+    if (inBytes > kMost) {
+        return 0;
+    }
     return CountOf(
         ::MultiByteToWideChar(inCodePage, 0, inText, SizeOf(inBytes), Win::AsWide(outUnits), SizeOf(inCapacity)));
+}
+
+std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
+{
+    return inUnits <= kMost ? inUnits * MostOfEach(inCodePage) : 0;
 }
 
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits)
@@ -50,6 +70,9 @@ std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inT
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,
                          std::size_t inCapacity)
 {
+    if (inUnits > kMost) {
+        return 0;
+    }
     return CountOf(::WideCharToMultiByte(inCodePage, 0, Win::AsWide(inText), SizeOf(inUnits), outBytes,
                                          SizeOf(inCapacity), nullptr, nullptr));
 }
