@@ -171,6 +171,29 @@ TEST_F(OrlReg, ListAsJson_IsOneObject)
         Output({"list", mKey, "--json", "--recursive"}));
 }
 
+TEST_F(OrlReg, GetAsJson_IsOneObject)
+{
+    Output({"set", mKey, "Width", "1920", "--type", "u32"});
+    Output({"set", mKey, "", "a\"b"});
+    Output({"set", mKey, "Data", "00ff", "--type", "binary"});
+    EXPECT_EQ("{\"name\": \"Width\", \"type\": \"u32\", \"value\": 1920}\n", Output({"get", mKey, "Width", "--json"}));
+    EXPECT_EQ("{\"name\": \"\", \"type\": \"string\", \"value\": \"a\\\"b\"}\n", Output({"get", mKey, "", "--json"}));
+    EXPECT_EQ("{\"name\": \"Data\", \"type\": \"binary\", \"data\": \"00ff\"}\n",
+              Output({"get", mKey, "Data", "--json"}));
+    Error({"get", mKey, "None", "--json"});
+}
+
+TEST_F(OrlReg, CheckAsJson_IsOneObject)
+{
+    Output({"set", mKey, "n", "v"});
+    const std::string output = Output({"check", "--json"});
+    EXPECT_EQ(0u,
+              output.find("{\"stores\": [\n  {\"name\": \"user\", \"whole\": true, \"problem\": \"\", \"place\": \""))
+        << output;
+    EXPECT_NE(std::string::npos, output.find("]},\n  {\"name\": \"machine\", \"whole\": true, ")) << output;
+    EXPECT_EQ("]}]}\n", output.substr(output.size() - 5));
+}
+
 TEST_F(OrlReg, UnsetAndDelete_RemoveWhatIsThereAndReportWhatIsNot)
 {
     Output({"set", mKey + "\\a", "n", "v"});

@@ -86,7 +86,8 @@ void List(const Options& inOptions)
 
 void Get(const Options& inOptions)
 {
-    std::cout << PlainRegValue(ReadValue("reg get", inOptions, KeyOf(inOptions))) << '\n';
+    const ORL::RegistryValue value = ReadValue("reg get", inOptions, KeyOf(inOptions));
+    std::cout << (inOptions.mAsJson ? JsonOfRegValue(value) : PlainRegValue(value)) << '\n';
 }
 
 void Set(const Options& inOptions)
@@ -115,6 +116,11 @@ void Delete(const Options& inOptions)
                       + "); --recursive deletes them too");
     }
     ApplyRegEdits("reg delete", ShowRegKeyName(key), {EditOf(ORL::RegistryEdit::kDeleteKey, key)});
+}
+
+void Check(const Options& inOptions)
+{
+    CheckRegStores(inOptions.mAsJson);
 }
 
 void Export(const Options& inOptions)
@@ -168,6 +174,7 @@ void AddReading(CLI::App& ioReg)
     const Command get = Add(ioReg, "get", "Show one value: text, a decimal number, or hexadecimal digits", &Get);
     AddKey(get)->required();
     AddName(get);
+    get.mApp->add_flag("--json", get.mOptions->mAsJson, "write one JSON object");
 }
 
 void AddChanging(CLI::App& ioReg)
@@ -211,7 +218,8 @@ void AddReg(CLI::App& ioProgram)
     AddReading(*reg);
     AddChanging(*reg);
     AddMoving(*reg);
-    reg->add_subcommand("check", "Say whether the stores are whole, and what was set aside")->callback(&CheckRegStores);
+    const Command check = Add(*reg, "check", "Say whether the stores are whole, and what was set aside", &Check);
+    check.mApp->add_flag("--json", check.mOptions->mAsJson, "write one JSON object");
 }
 
 } // namespace orl

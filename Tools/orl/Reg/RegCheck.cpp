@@ -10,11 +10,16 @@ namespace orl {
 
 namespace {
 
-// Returns whether the store is whole.
-bool CheckOne(const char* inName, ORL::RegistryRootKeys::Type inRoot)
+struct NamedState
 {
-    const ORL::RegistryStoreState state = ORL::RegistryStore::Check(inRoot);
-    std::cout << PaddedTo(9, inName) << (state.mIsWhole ? "whole    " : "damaged  ")
+    const char* mName;
+    ORL::RegistryStoreState mState;
+};
+
+void Print(const NamedState& inStore)
+{
+    const ORL::RegistryStoreState& state = inStore.mState;
+    std::cout << PaddedTo(9, inStore.mName) << (state.mIsWhole ? "whole    " : "damaged  ")
               << (state.mPlace.empty() ? "kept by the system" : OnOneLine(state.mPlace));
     if (!state.mPlace.empty()) {
         std::cout << "  " << (state.mBytes == 0 ? "empty" : std::to_string(state.mBytes) + " bytes");
@@ -30,16 +35,40 @@ bool CheckOne(const char* inName, ORL::RegistryRootKeys::Type inRoot)
         }
         std::cout << '\n';
     }
-    return state.mIsWhole;
+}
+
+void PrintJson(const NamedState& inStore)
+{
+    const ORL::RegistryStoreState& state = inStore.mState;
+    std::cout << "  {\"name\": " << JsonQuoted(inStore.mName) << ", \"whole\": " << (state.mIsWhole ? "true" : "false")
+              << ", \"problem\": " << JsonQuoted(state.mProblem) << ", \"place\": " << JsonQuoted(state.mPlace)
+              << ", \"bytes\": " << state.mBytes << ", \"setAside\": [";
+    const char* separator = "\n";
+    for (const ORL::RegistryStoreState::SetAside& aside : state.mSetAside) {
+        std::cout << separator << "    {\"time\": " << JsonQuoted(aside.mTime)
+                  << ", \"file\": " << JsonQuoted(aside.mFile) << ", \"reason\": " << JsonQuoted(aside.mReason) << '}';
+        separator = ",\n";
+    }
+    std::cout << "]}";
 }
 
 } // namespace
 
-void CheckRegStores()
+void CheckRegStores(bool inAsJson)
 {
-    const bool userIsWhole = CheckOne("user", ORL::RegistryRootKeys::kUser);
-    const bool machineIsWhole = CheckOne("machine", ORL::RegistryRootKeys::kMachine);
-    if (!userIsWhole || !machineIsWhole) {
+    const NamedState stores[] = {{"user", ORL::RegistryStore::Check(ORL::RegistryRootKeys::kUser)},
+                                 {"machine", ORL::RegistryStore::Check(ORL::RegistryRootKeys::kMachine)}};
+    if (inAsJson) {
+        std::cout << "{\"stores\": [\n";
+        PrintJson(stores[0]);
+        std::cout << ",\n";
+        PrintJson(stores[1]);
+        std::cout << "]}\n";
+    } else {
+        Print(stores[0]);
+        Print(stores[1]);
+    }
+    if (!stores[0].mState.mIsWhole || !stores[1].mState.mIsWhole) {
         throw PartialFailure();
     }
 }

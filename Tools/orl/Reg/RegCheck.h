@@ -4,6 +4,6 @@
 namespace orl {
 
 /// Reads both stores and says on standard output whether they are whole. Throws PartialFailure if one is not.
-void CheckRegStores();
+void CheckRegStores(bool inAsJson);
 
 } // namespace orl

@@ -13,7 +13,6 @@ namespace orl {
 namespace {
 
 using ORL::RegistryValue;
-using Types = ORL::RegistryValueTypes;
 
 constexpr char kCommand[] = "reg list";
 constexpr std::size_t kWidestName = 40; // a longer one pushes its own line out, not all lines
@@ -51,25 +50,6 @@ void PrintBelow(const RegListPlan& inPlan, const RegKeyName& inKey, std::size_t 
     }
 }
 
-// A number or text as JSON has it; data that is not what its type promises stands as digits under another name.
-std::string JsonValue(const RegistryValue& inValue)
-{
-    const std::string plain = PlainRegValue(inValue);
-    if (!IsWellFormedRegValue(inValue)) {
-        return "\"data\": " + JsonQuoted(plain);
-    }
-    switch (inValue.mType) {
-    case Types::kUInt32:
-    case Types::kUInt64:
-        return "\"value\": " + plain;
-    case Types::kString:
-    case Types::kExpandString:
-        return "\"value\": " + JsonQuoted(plain);
-    default:
-        return "\"data\": " + JsonQuoted(plain);
-    }
-}
-
 void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::string& inName, std::size_t inLevel,
                bool inIsOpen)
 {
@@ -79,8 +59,7 @@ void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::st
         const char* separator = "\n";
         std::cout << ", \"values\": [";
         for (const RegistryValue& value : ReadRegValues(kCommand, inKey)) {
-            std::cout << separator << indent << "  {\"name\": " << JsonQuoted(ToUTF8(value.mName))
-                      << ", \"type\": " << JsonQuoted(ShowRegType(value.mType)) << ", " << JsonValue(value) << '}';
+            std::cout << separator << indent << "  " << JsonOfRegValue(value);
             separator = ",\n";
         }
         std::cout << "], \"keys\": [";

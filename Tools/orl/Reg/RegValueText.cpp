@@ -113,6 +113,25 @@ UTF16String ReadText(const std::string& inText)
     return text;
 }
 
+// A number or text as JSON has it; data that is not what its type promises stands as digits under another name.
+std::string JsonValue(const ORL::RegistryValue& inValue)
+{
+    const std::string plain = PlainRegValue(inValue);
+    if (!IsWellFormedRegValue(inValue)) {
+        return "\"data\": " + JsonQuoted(plain);
+    }
+    switch (inValue.mType) {
+    case ORL::RegistryValueTypes::kUInt32:
+    case ORL::RegistryValueTypes::kUInt64:
+        return "\"value\": " + plain;
+    case ORL::RegistryValueTypes::kString:
+    case ORL::RegistryValueTypes::kExpandString:
+        return "\"value\": " + JsonQuoted(plain);
+    default:
+        return "\"data\": " + JsonQuoted(plain);
+    }
+}
+
 } // namespace
 
 std::string ShowRegType(unsigned int inType)
@@ -228,6 +247,12 @@ RegistryValue ReadRegValue(const std::string& inType, const std::string& inText)
         value.mData = RegDataOfText(ReadText(inText));
     }
     return value;
+}
+
+std::string JsonOfRegValue(const ORL::RegistryValue& inValue)
+{
+    return "{\"name\": " + JsonQuoted(ToUTF8(inValue.mName)) + ", \"type\": " + JsonQuoted(ShowRegType(inValue.mType))
+           + ", " + JsonValue(inValue) + '}';
 }
 
 } // namespace orl

@@ -28,6 +28,9 @@ std::string PlainRegValue(const ORL::RegistryValue& inValue);
 /// The value for people, on one line: quoted text, numbers in decimal and hexadecimal, the beginning of long data.
 std::string ShowRegValue(const ORL::RegistryValue& inValue);
 
+/// One JSON object: name, type, and the value, or its bytes as hexadecimal digits under "data".
+std::string JsonOfRegValue(const ORL::RegistryValue& inValue);
+
 /// The data of a value that the command line names by its type ("string", "expand", "u32", "u64" or "binary") and its
 /// text. Throws Failure with the exit code of a wrong command line if the text does not fit the type.
 ORL::RegistryValue ReadRegValue(const std::string& inType, const std::string& inText);
