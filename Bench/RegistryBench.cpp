@@ -62,10 +62,13 @@ public:
         Check(sqlite3_open(inFile.c_str(), &mDatabase) == SQLITE_OK, "cannot open the peer's database");
         sqlite3_busy_timeout(mDatabase, 20000);
         Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
-                "CREATE TABLE IF NOT EXISTS vals(key INTEGER, name TEXT, type INTEGER, data BLOB, PRIMARY KEY(key, name)) WITHOUT ROWID;"
-                "CREATE TABLE IF NOT EXISTS keys(parent INTEGER, name TEXT, id INTEGER, PRIMARY KEY(parent, name)) WITHOUT ROWID");
+                "CREATE TABLE IF NOT EXISTS vals(key INTEGER, name TEXT, type INTEGER, data BLOB, PRIMARY KEY(key, "
+                "name)) WITHOUT ROWID;"
+                "CREATE TABLE IF NOT EXISTS keys(parent INTEGER, name TEXT, id INTEGER, PRIMARY KEY(parent, name)) "
+                "WITHOUT ROWID");
         mGet = Prepare("SELECT type, data FROM vals WHERE key = ?1 AND name = ?2");
-        mPut = Prepare("INSERT INTO vals VALUES(?1, ?2, ?3, ?4) ON CONFLICT(key, name) DO UPDATE SET type = ?3, data = ?4");
+        mPut = Prepare(
+            "INSERT INTO vals VALUES(?1, ?2, ?3, ?4) ON CONFLICT(key, name) DO UPDATE SET type = ?3, data = ?4");
         mFind = Prepare("SELECT id FROM keys WHERE parent = ?1 AND name = ?2");
         mScan = Prepare("SELECT name FROM keys WHERE parent = ?1 ORDER BY name");
         mAdd = Prepare("INSERT OR IGNORE INTO keys VALUES(?1, ?2, ?3)");
@@ -80,7 +83,10 @@ public:
     Sqlite(const Sqlite&) = delete;
     Sqlite& operator=(const Sqlite&) = delete;
 
-    void Execute(const char* inText) { Check(sqlite3_exec(mDatabase, inText, nullptr, nullptr, nullptr) == SQLITE_OK, inText); }
+    void Execute(const char* inText)
+    {
+        Check(sqlite3_exec(mDatabase, inText, nullptr, nullptr, nullptr) == SQLITE_OK, inText);
+    }
 
     bool Get(const std::string& inName, std::string& outData)
     {
@@ -200,10 +206,7 @@ public:
     }
 
 private:
-    static MDB_val Of(const std::string& inText)
-    {
-        return MDB_val{inText.size(), const_cast<char*>(inText.data())};
-    }
+    static MDB_val Of(const std::string& inText) { return MDB_val{inText.size(), const_cast<char*>(inText.data())}; }
 
     MDB_env* mEnvironment = nullptr;
     MDB_txn* mReader = nullptr;
@@ -215,7 +218,8 @@ class Stores
 public:
     Stores()
     {
-        mFolder = fs::read_symlink("/proc/self/exe").parent_path() / ("orl-bench-" + std::to_string(std::random_device()()));
+        mFolder =
+            fs::read_symlink("/proc/self/exe").parent_path() / ("orl-bench-" + std::to_string(std::random_device()()));
         fs::create_directories(mFolder);
         ::setenv("XDG_DATA_HOME", mFolder.c_str(), 1);
     }
@@ -231,7 +235,8 @@ public:
         Sqlite sqlite(SqliteFile());
         Lmdb lmdb(LmdbFolder());
         ORL::RegistryKey key;
-        Check(ORL::ResultSucceeded(key.Create(kUser, ORL::MakeString("Software\\Company\\Product\\Settings"))), "no key");
+        Check(ORL::ResultSucceeded(key.Create(kUser, ORL::MakeString("Software\\Company\\Product\\Settings"))),
+              "no key");
         std::vector<std::pair<std::string, std::string>> values;
         sqlite.Execute("BEGIN");
         for (unsigned i = 0; i < kValues; ++i) {

@@ -101,7 +101,7 @@ unsigned short FetchLanguageID()
     return fetched;
 }
 
-// Callers compile GetLanguageID in; this makes the library export it as well.
+// Callers compile GetLanguageID in. If the linker exports inline functions, this makes it one for those who look it up.
 [[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 
 } // namespace Internal

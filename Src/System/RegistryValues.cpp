@@ -26,8 +26,11 @@ std::string TooLargeMessage(std::size_t inBytes)
            + std::to_string(inBytes) + "\r\n";
 }
 
-// Data of a value whose second read brought inSize bytes of inType.
-SystemError CheckText(unsigned inType, unsigned inSize, const UTF16String& inBuffer)
+// Most texts fit into this, and are then read by one call.
+constexpr unsigned kShortText = 128; // units
+
+// The data of a value of which a read brought inSize bytes of inType.
+SystemError CheckText(unsigned inType, unsigned inSize, const unsigned short* inBuffer)
 {
     const bool isTerminated = inSize == 0 || inBuffer[inSize / 2 - 1] == 0;
     return IsText(inType) && inSize % 2 == 0 && isTerminated ? kNoError : kErrorInvalidData;
@@ -138,23 +141,33 @@ Result RegistryKey::GetBinaryValue(const UTF16String& inName, std::vector<char>&
 
 Result RegistryKey::GetStringValue(const UTF16String& inName, UTF16String& outValue) const
 {
+    unsigned short shortText[kShortText];
     unsigned type = 0;
-    unsigned size = 0;
-    if (mImpl->Query(inName, &type, nullptr, &size) != kNoError || !IsText(type)) {
+    unsigned size = sizeof(shortText);
+    SystemError error = mImpl->Query(inName, &type, shortText, &size);
+    if ((error != kNoError && error != kErrorMoreData) || !IsText(type)) {
         return kRegistryFailure;
     }
     if (size < 2) {
         outValue.clear();
         return kSuccess;
     }
-    UTF16String buffer(size / 2, 0);
-    size = static_cast<unsigned>(buffer.size() * 2);
-    SystemError error = mImpl->Query(inName, &type, buffer.data(), &size);
-    error = error == kNoError ? CheckText(type, size, buffer) : error;
+    const bool isLong = error == kErrorMoreData;
+    UTF16String longText(isLong ? size / 2 : 0, 0);
+    if (isLong) {
+        size = static_cast<unsigned>(longText.size() * 2);
+        error = mImpl->Query(inName, &type, longText.data(), &size);
+    }
+    const unsigned short* const text = isLong ? longText.data() : shortText;
+    error = error == kNoError ? CheckText(type, size, text) : error;
     if (error != kNoError) {
         return kRegistryFailure;
     }
-    outValue.assign(buffer.c_str());
+    if (size == 0) { // it has become empty between two reads
+        outValue.clear();
+    } else {
+        outValue.assign(text);
+    }
     return kSuccess;
 }
 

@@ -45,11 +45,11 @@ protected:
         fs::copy(mPlace.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
     }
 
-    // Kills the step before one of its counted calls after the other, until it runs through.
-    void Sweep(const std::string& inStep, const std::function<Found()>& inLook)
+    // Kills a program before one of its counted calls after the other, until it runs through. It adds to the ledger, if
+    // it has one, once its change has been acknowledged.
+    void Sweep(const std::vector<std::string>& inCommand, const std::function<Found()>& inLook)
     {
-        const std::string ledger = mPristine.Host().string() + "/ledger";
-        const std::string host = FolderOfThisProgram() + "registry_host";
+        const std::string& step = inCommand[2];
         unsigned killed = 0;
         for (int call = 1 + GetParam();; call += kParts) {
             ReleaseStores();
@@ -57,23 +57,36 @@ protected:
                 fs::remove_all(entry.path());
             }
             fs::copy(mPristine.Host() / "stores", mPlace.Folder(), fs::copy_options::recursive);
-            fs::remove(ledger);
+            fs::remove(Ledger());
             TracedRun run(mPlace.Folder());
-            const int count = run.Run({host, "step", inStep, MakeStdString(mPath), ledger}, call);
+            const int count = run.Run(inCommand, call);
             ASSERT_LE(0, count) << "nothing can be traced here";
-            const bool isAcknowledged = fs::exists(ledger) && fs::file_size(ledger) != 0;
+            const bool isAcknowledged = run.ExitCode() == 0 || (fs::exists(Ledger()) && fs::file_size(Ledger()) != 0);
             const Found found = inLook();
-            ASSERT_NE(Found::kBroken, found) << inStep << ", killed before call " << call;
-            ASSERT_TRUE(!isAcknowledged || found == Found::kNew) << inStep << ", killed before call " << call;
-            ASSERT_EQ("", RegistryStore::Check(kUser).mProblem) << inStep << ", killed before call " << call;
+            ASSERT_NE(Found::kBroken, found) << step << ", killed before call " << call;
+            ASSERT_TRUE(!isAcknowledged || found == Found::kNew) << step << ", killed before call " << call;
+            ASSERT_EQ("", RegistryStore::Check(kUser).mProblem) << step << ", killed before call " << call;
             ASSERT_TRUE(RegistryStore::Check(kUser).mSetAside.empty());
             if (run.ExitCode() == 0) {
-                ASSERT_TRUE(isAcknowledged);
                 break;
             }
             ++killed;
         }
         EXPECT_LT(5u, killed) << "too few calls to be the whole step";
+    }
+
+    void SweepStep(const std::string& inStep, const std::function<Found()>& inLook)
+    {
+        Sweep({FolderOfThisProgram() + "registry_host", "step", inStep, MakeStdString(mPath), Ledger()}, inLook);
+    }
+
+    std::string Ledger() const { return mPristine.Host().string() + "/ledger"; }
+
+    std::string FileWith(const std::string& inText) const
+    {
+        const std::string file = mPristine.Host().string() + "/import.reg";
+        std::ofstream(file, std::ios::binary) << inText;
+        return file;
     }
 
     bool Exists(const char* inPath) const
@@ -107,7 +120,7 @@ private:
 
 TEST_P(RegistryCrash, SetKilledAtEachCall_IsThereOrNot)
 {
-    Sweep("set", [this] {
+    SweepStep("set", [this] {
         RegistryKey key;
         unsigned value = 0;
         key.Open(kUser, mPath, RegistryKeyAccess::kRead);
@@ -118,7 +131,7 @@ TEST_P(RegistryCrash, SetKilledAtEachCall_IsThereOrNot)
 
 TEST_P(RegistryCrash, CreateKilledAtEachCall_IsThereAsAWholeOrNot)
 {
-    Sweep("create", [this] {
+    SweepStep("create", [this] {
         const unsigned count = unsigned{Exists("\\made")} + unsigned{Exists("\\made\\deep")}
                                + unsigned{Exists("\\made\\deep\\deeper")};
         return AllOrNone(count, 3);
@@ -127,7 +140,7 @@ TEST_P(RegistryCrash, CreateKilledAtEachCall_IsThereAsAWholeOrNot)
 
 TEST_P(RegistryCrash, DeleteOfASubtreeKilledAtEachCall_IsDoneAsAWholeOrNot)
 {
-    Sweep("delete", [this] {
+    SweepStep("delete", [this] {
         const unsigned count = unsigned{Exists("\\tree")} + unsigned{HasNumber("\\tree\\a\\b")}
                                + unsigned{HasNumber("\\tree\\c")};
         return count == 3 ? Found::kOld : count == 0 ? Found::kNew : Found::kBroken;
@@ -136,10 +149,24 @@ TEST_P(RegistryCrash, DeleteOfASubtreeKilledAtEachCall_IsDoneAsAWholeOrNot)
 
 TEST_P(RegistryCrash, SeveralEditsKilledAtEachCall_AreThereAsAWholeOrNot)
 {
-    Sweep("apply", [this] {
+    SweepStep("apply", [this] {
         const unsigned count = unsigned{HasBytes("", "one", 1)} + unsigned{HasBytes("\\new", "two", 2)}
                                + unsigned{HasBytes("\\new\\newer", "three", 3)};
         return AllOrNone(count, 3);
+    });
+}
+
+TEST_P(RegistryCrash, ImportKilledAtEachCall_IsDoneAsAWholeOrNot)
+{
+    const std::string key = "HKEY_CURRENT_USER\\" + MakeStdString(mPath);
+    const std::string file = FileWith("Windows Registry Editor Version 5.00\n[" + key + "\\new]\n\"n\"=dword:1\n[" + key
+                                      + "\\new\\newer]\n\"n\"=dword:2\n[-" + key + "\\tree]\n[" + key + "]\n\"v\"=-\n");
+    Sweep({FolderOfThisProgram() + "orl", "reg", "import", file}, [this] {
+        RegistryValue value;
+        const bool hasOld = RegistryStore::GetValue(kUser, mPath, MakeString("v"), value) == kSuccess;
+        const unsigned old = unsigned{hasOld} + unsigned{HasNumber("\\tree\\a\\b")} + unsigned{HasNumber("\\tree\\c")};
+        const unsigned made = unsigned{HasNumber("\\new")} + unsigned{HasNumber("\\new\\newer")};
+        return old == 3 && made == 0 ? Found::kOld : old == 0 && made == 2 ? Found::kNew : Found::kBroken;
     });
 }
 

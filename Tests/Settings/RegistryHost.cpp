@@ -1,8 +1,10 @@
-// A second process that works on the registry beside the tests. It uses the public headers alone, and ends without a stop
-// of the library.
+// A second process that works on the registry beside the tests. It uses the public headers alone, and ends without a
+// stop of the library.
 //   registry_host model BASE SEED COUNT     random operations, as in RegistryModel
 //   registry_host mix BASE FIRST COUNT N    N threads, each with values of its own, COUNT rounds each
 //   registry_host step NAME BASE LEDGER     one change, and a line in the ledger once it has been acknowledged
+//   registry_host fill BASE COUNT VALUE      sets COUNT numbered values
+//   registry_host count BASE NAME            counts a value up until it is killed, and prints what was acknowledged
 #include "RegistryModel.h"
 
 #include <ORLRegistryStore.h>
@@ -117,6 +119,35 @@ int Step(const std::string& inName, const UTF16String& inBase, const char* inLed
     return 0;
 }
 
+// Sets the numbered values of a key.
+int Fill(const UTF16String& inBase, unsigned inCount, unsigned inValue)
+{
+    RegistryKey base;
+    bool isRight = base.Open(kUser, inBase, static_cast<RegistryKeyAccess::Type>(0)) == kSuccess;
+    for (unsigned i = 0; i < inCount; ++i) {
+        isRight = isRight && base.SetUInt32Value(MakeString("value " + std::to_string(i)), inValue) == kSuccess;
+    }
+    return isRight ? 0 : 1;
+}
+
+// Prints the number that a value holds, then counts on and prints each number once it has been acknowledged, until it is
+// killed.
+int Count(const UTF16String& inBase, const std::string& inName)
+{
+    RegistryKey base;
+    const UTF16String name = MakeString(inName);
+    unsigned value = 0;
+    if (!ResultSucceeded(base.Create(kUser, inBase))) {
+        return 1;
+    }
+    base.GetUInt32Value(name, value);
+    do {
+        std::printf("%u\n", value);
+        std::fflush(stdout);
+    } while (base.SetUInt32Value(name, ++value) == kSuccess);
+    return 2;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -134,6 +165,12 @@ int main(int argc, char** argv)
     }
     if (words.at(0) == "mix") {
         return MixOnThreads(MakeString(words.at(1)), number(2), number(3), number(4));
+    }
+    if (words.at(0) == "count") {
+        return Count(MakeString(words.at(1)), words.at(2));
+    }
+    if (words.at(0) == "fill") {
+        return Fill(MakeString(words.at(1)), number(2), number(3));
     }
     return Step(words.at(1), MakeString(words.at(2)), words.at(3).c_str());
 }

@@ -140,6 +140,17 @@ TEST_F(RegistryHostile, DatabaseOfANewerVersion_IsLeftAlone)
     EXPECT_EQ(contents, Contents(mFile));
 }
 
+// The tables decide: a lower number above the same ones is no reason to refuse what can be read.
+TEST_F(RegistryHostile, DatabaseOfAnOlderVersionWithTheSameTables_IsUsed)
+{
+    Run("PRAGMA journal_mode = DELETE; PRAGMA user_version = 0");
+    RegistryKey key;
+    EXPECT_EQ(kSuccess, key.Open(kUser, MakeString("Software\\Tool\\key7"), kAll));
+    EXPECT_EQ(kSuccess, TryToWrite());
+    EXPECT_TRUE(CanRead());
+    EXPECT_TRUE(RegistryStore::Check(kUser).mSetAside.empty());
+}
+
 TEST_F(RegistryHostile, LinkInTheDatabasesPlace_IsRefused)
 {
     const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";

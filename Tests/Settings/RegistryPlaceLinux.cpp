@@ -2,9 +2,7 @@
 
 #include <Linux/Settings/LinuxRegistryPlaces.h>
 #include <Linux/Settings/LinuxRegistryStore.h>
-#include <TempFolder.h>
-
-#include <cstdlib>
+#include <OwnUserStore.h>
 
 namespace ORLTest {
 
@@ -16,30 +14,17 @@ class RegistryPlace::Impl
 public:
     Impl()
     {
-        const char* const earlier = std::getenv("XDG_DATA_HOME");
-        mHadVariable = earlier != nullptr;
-        mEarlier = earlier != nullptr ? earlier : "";
         ReleaseStores();
-        ::setenv("XDG_DATA_HOME", mFolder.Host().c_str(), 1);
-        SetMachineFolder(mFolder.Host().string() + "/machine");
+        SetMachineFolder(mStore.Folder() + "/machine");
     }
 
     ~Impl()
     {
         ReleaseStores();
         SetMachineFolder(std::string());
-        if (mHadVariable) {
-            ::setenv("XDG_DATA_HOME", mEarlier.c_str(), 1);
-        } else {
-            ::unsetenv("XDG_DATA_HOME");
-        }
     }
 
-    const TempFolder mFolder;
-
-private:
-    bool mHadVariable;
-    std::string mEarlier;
+    const OwnUserStore mStore;
 };
 
 RegistryPlace::RegistryPlace() : mImpl(std::make_unique<Impl>())
@@ -50,7 +35,7 @@ RegistryPlace::~RegistryPlace() = default;
 
 std::string RegistryPlace::Folder() const
 {
-    return mImpl->mFolder.Host().string();
+    return mImpl->mStore.Folder();
 }
 
 } // namespace ORLTest

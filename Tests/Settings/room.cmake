@@ -10,4 +10,10 @@ add_dependencies(${room_target} registry_host)
 if(NOT WIN32)
   # Tests make databases of their own, and make calls of the database fail.
   target_link_libraries(${room_target} PRIVATE ${ORL_SQLITE})
+
+  # A module with a second library in the process of the tests, and orl, which they kill.
+  add_library(registry_guest MODULE Settings/RegistryGuestLinux.cpp)
+  set_target_properties(registry_guest PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  target_link_libraries(registry_guest PRIVATE ORLFoundation orl_strict)
+  add_dependencies(${room_target} registry_guest orl)
 endif()

@@ -15,8 +15,11 @@ public:
     OwnUserStore(const OwnUserStore&) = delete;
     OwnUserStore& operator=(const OwnUserStore&) = delete;
 
+    /// The new folder, a host path; empty on Windows.
+    const std::string& Folder() const noexcept { return mFolder; }
+
 private:
-    [[maybe_unused]] std::string mFolder;  // empty if nothing was changed
+    std::string mFolder;                   // empty if nothing was changed
     [[maybe_unused]] std::string mEarlier; // earlier value of the variable for the folder; empty if not set
 };
 

@@ -291,7 +291,8 @@ TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
             UTF16String again;
             for (int i = 0; i < 3000; ++i) {
                 const bool isOther = random() % 16 < density;
-                const auto unit = static_cast<unsigned short>(isOther ? others[random() % std::size(others)] : 'a' + random() % 26);
+                const auto unit = static_cast<unsigned short>(isOther ? others[random() % std::size(others)]
+                                                                      : 'a' + random() % 26);
                 units.push_back(unit);
                 bytes += Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page);
                 again += Internal::To16BitUnicode(Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page), page);

@@ -62,7 +62,8 @@ constexpr std::array<std::uint16_t, kBytes> RowsOf(const std::uint8_t (&inRows)[
 // A trail byte outside of the generated rows makes the default character.
 template <std::size_t Pairs>
 constexpr std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow>
-PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBytes], const std::uint16_t (&inPairs)[Pairs])
+PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBytes],
+        const std::uint16_t (&inPairs)[Pairs])
 {
     std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow> pairs{};
     for (std::size_t lead = 0; lead < kBytes; ++lead) {

@@ -37,8 +37,8 @@ struct DoubleBytePage
     static constexpr std::size_t kRow = 256;
 
     const std::uint16_t* mUnits; // of each byte that no other follows up; of a lead byte, the page's default character
-    // Where in mPairs the row of a lead byte begins: a unit for each trail byte, but 0 for the zero byte, before which a
-    // lead byte stands alone. All other bytes have the row at 0, which is 0 throughout.
+    // Where in mPairs the row of a lead byte begins: a unit for each trail byte, but 0 for the zero byte, before which
+    // a lead byte stands alone. All other bytes have the row at 0, which is 0 throughout.
     const std::uint16_t* mRows;
     const std::uint16_t* mPairs;
     BlockTable<std::uint16_t> mBytes; // two bytes from 0x100 on, the lead byte above the trail byte

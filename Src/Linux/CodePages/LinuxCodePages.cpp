@@ -80,8 +80,8 @@ void CopySixteen(const unsigned short* inUnits, unsigned char* outBytes)
     _mm_storeu_si128(reinterpret_cast<__m128i*>(outBytes), _mm_packus_epi16(low, high));
 }
 
-// Converts between texts that have one byte for each unit. inTable holds the result for each element, inFindOthers tells
-// which of sixteen cannot be copied.
+// Converts between texts that have one byte for each unit. inTable holds the result for each element, inFindOthers
+// tells which of sixteen cannot be copied.
 template <class Table, class Source, class Result, class FindOthers>
 std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCount, Result* outText,
                            FindOthers inFindOthers)
@@ -137,10 +137,9 @@ std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outT
 std::size_t ToUnits(const SingleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
                     unsigned short* outUnits)
 {
-    return ConvertSingles(inPage.mUnits, inText, inBytes, outUnits,
-                          [same = inPage.mFirstSame](const unsigned char* inSixteen) {
-                              return FindBytesBefore(same, inSixteen);
-                          });
+    return ConvertSingles(
+        inPage.mUnits, inText, inBytes, outUnits,
+        [same = inPage.mFirstSame](const unsigned char* inSixteen) { return FindBytesBefore(same, inSixteen); });
 }
 
 std::size_t ToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,

@@ -2,11 +2,13 @@
 
 #include "../LinuxErrors.h"
 #include "../SystemCalls.h"
+#include "LinuxRegistryFolder.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <sys/mman.h>
+#include <sys/sysmacros.h>
 
 namespace ORL {
 namespace Registry {
@@ -27,6 +29,7 @@ struct ChangeBoard::Page
     };
 
     std::atomic<std::uint64_t> mMark;
+    std::atomic<std::uint64_t> mMadeAt; // the system's monotonic clock, in milliseconds
     alignas(64) std::atomic<std::uint64_t> mGeneration;
     alignas(64) Slot mSlots[kSlots];
 };
@@ -36,7 +39,13 @@ namespace {
 constexpr std::uint64_t kMark = 0x31304452424C524F; // "ORLBRD01"
 constexpr std::size_t kFileSize = 8192;
 constexpr int kLockAttempts = 4000;
-constexpr long kLockPauseNanoseconds = 5 * 1000 * 1000; // 20 s altogether
+constexpr long kLockPauseMilliseconds = 5; // 20 s altogether
+
+void Sleep(long inMilliseconds)
+{
+    const struct timespec pause = {0, inMilliseconds * 1000 * 1000};
+    ::nanosleep(&pause, nullptr);
+}
 
 SystemError TakeLock(int inFile)
 {
@@ -50,20 +59,17 @@ SystemError TakeLock(int inFile)
         if (errno != EAGAIN && errno != EACCES && errno != EINTR) {
             return SystemErrorFromErrno(errno);
         }
-        const struct timespec pause = {0, kLockPauseNanoseconds};
-        ::nanosleep(&pause, nullptr);
+        Sleep(kLockPauseMilliseconds);
     }
     return kErrorBusy;
 }
 
-SystemError SizeOf(int inFile, off_t& outSize)
+SystemError Describe(int inFile, struct stat& outStatus)
 {
-    struct stat status;
-    if (System().mFStat(inFile, &status) != 0) {
+    if (System().mFStat(inFile, &outStatus) != 0) {
         return SystemErrorFromErrno(errno);
     }
-    outSize = status.st_size;
-    return S_ISREG(status.st_mode) ? kNoError : kErrorAccessDenied;
+    return S_ISREG(outStatus.st_mode) ? kNoError : kErrorAccessDenied;
 }
 
 } // namespace
@@ -81,9 +87,12 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
     if (mFile < 0) {
         return errno == ELOOP ? kErrorAccessDenied : SystemErrorFromErrno(errno);
     }
-    off_t size = 0;
-    SystemError error = SizeOf(mFile, size);
-    if (error == kNoError && size < static_cast<off_t>(kFileSize)) {
+    struct stat status = {};
+    SystemError error = Describe(mFile, status);
+    mName = inFile;
+    mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // as IdentityOf has it
+    mInode = status.st_ino;
+    if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
         // A umask must not keep the machine's readers out.
         const bool isMade = mIsWritable && System().mFTruncate(mFile, kFileSize) == 0
                             && (!inIsForAll || System().mFChMod(mFile, 0644) == 0);
@@ -105,8 +114,31 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
     }
     if (error != kNoError) {
         Close();
+    } else if (mIsWritable) {
+        WaitUntilSettled();
     }
     return error;
+}
+
+// Somebody may have deleted the board that other processes look at: they look for a new one now and then.
+void ChangeBoard::WaitUntilSettled() noexcept
+{
+    std::uint64_t madeAt = 0;
+    const std::uint64_t start = MonotonicMilliseconds(CLOCK_MONOTONIC);
+    if (mPage->mMadeAt.compare_exchange_strong(madeAt, start != 0 ? start : 1)) {
+        madeAt = start;
+    }
+    for (std::uint64_t now = start; now >= madeAt && now - madeAt < kSettleMilliseconds;) {
+        Sleep(static_cast<long>(kSettleMilliseconds - (now - madeAt)));
+        now = MonotonicMilliseconds(CLOCK_MONOTONIC);
+    }
+}
+
+bool ChangeBoard::IsInPlace() const noexcept
+{
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    return IdentityOf(mName, device, inode) && device == mDevice && inode == mInode;
 }
 
 void ChangeBoard::Close() noexcept

@@ -49,6 +49,11 @@ public:
     SystemError Open(const std::string& inFile, bool inIsForAll);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }
+
+    /// Whether the board's name still leads to it. A new board can be written kSettleMilliseconds after it was made and
+    /// no sooner: who asks this more often than that misses no change that is posted on another board.
+    bool IsInPlace() const noexcept;
+    static constexpr int kSettleMilliseconds = 25;
     bool IsWritable() const noexcept { return mIsWritable; }
 
     /// Lock of the file, held while a store is opened or set aside. Waits for a while. It dies with its owner.
@@ -70,8 +75,13 @@ public:
 private:
     struct Page;
 
+    void WaitUntilSettled() noexcept;
+
     Page* mPage = nullptr;
     int mFile = -1;
+    std::string mName;
+    std::uint64_t mDevice = 0;
+    std::uint64_t mInode = 0;
     bool mIsWritable = false;
 };
 

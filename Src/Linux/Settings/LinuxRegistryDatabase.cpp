@@ -174,7 +174,8 @@ bool Database::IsInPlace() const noexcept
 {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    return IdentityOf(mFile, device, inode) && device == mDevice && inode == mInode;
+    return IdentityOf(mFile, device, inode) && device == mDevice && inode == mInode
+           && (!mBoard.IsOpen() || mBoard.IsInPlace());
 }
 
 SystemError Database::Prepare()
@@ -193,9 +194,10 @@ SystemError Database::Prepare()
     if (error == kNoError && !mIsReadOnly) {
         int keep = 1; // the journal's files, without which nobody but the owner could read the store
         sqlite3_file_control(mConnection, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
-        error = Execute(mBoard.IsOpen() ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
-                                          "PRAGMA journal_size_limit = 1048576"
-                                        : "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
+        error = Execute(mBoard.IsOpen()
+                            ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
+                              "PRAGMA journal_size_limit = 8388608" // twice what it grows to between two checkpoints
+                            : "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
     }
     if (error == kNoError && isNew) {
         error = mIsReadOnly ? kErrorFileNotFound : MakeSchema();

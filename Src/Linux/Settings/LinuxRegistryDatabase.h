@@ -64,7 +64,7 @@ public:
     /// The store cannot be written by this process.
     bool IsReadOnly() const noexcept { return mIsReadOnly; }
 
-    /// The database is still the one that its name leads to.
+    /// The database and its board are still those that their names lead to.
     bool IsInPlace() const noexcept;
 
     /// The board of changes; closed where the file system has no shared memory.

@@ -179,6 +179,14 @@ SystemError MoveAside(const std::string& inDatabase, std::string& outFile, std::
     return kNoError;
 }
 
+std::uint64_t MonotonicMilliseconds(int inClock) noexcept
+{
+    struct timespec time = {};
+    const bool isRead = System().mClockGetTime(inClock, &time) == 0;
+    return isRead ? static_cast<std::uint64_t>(time.tv_sec) * 1000 + static_cast<std::uint64_t>(time.tv_nsec) / 1000000
+                  : 0;
+}
+
 std::uint64_t SizeOnDisk(const std::string& inDatabase) noexcept
 {
     std::uint64_t size = 0;

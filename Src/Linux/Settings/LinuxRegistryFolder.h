@@ -31,6 +31,9 @@ bool HasSharedMemory(const std::string& inFolder) noexcept;
 /// What identifies the file that a path leads to. False if there is none.
 bool IdentityOf(const std::string& inFile, std::uint64_t& outDevice, std::uint64_t& outInode) noexcept;
 
+/// A clock of the system in milliseconds; 0 if it cannot be read.
+std::uint64_t MonotonicMilliseconds(int inClock) noexcept;
+
 /// Size of a database with its journal, in bytes; 0 if there is none.
 std::uint64_t SizeOnDisk(const std::string& inDatabase) noexcept;
 

@@ -4,6 +4,7 @@
 #include "LinuxRegistryFolder.h"
 #include "LinuxRegistryTrace.h"
 
+#include <ctime>
 #include <unistd.h>
 
 namespace ORL {
@@ -14,6 +15,10 @@ using namespace SystemErrors;
 
 namespace {
 
+// The clock that is asked steps by at most ten milliseconds.
+constexpr unsigned kPlaceLastsMilliseconds = 10;
+static_assert(kPlaceLastsMilliseconds + 10 < ChangeBoard::kSettleMilliseconds);
+
 constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x80000; // of an access mask
 
 } // namespace
@@ -21,7 +26,19 @@ constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x8000
 bool Store::IsUpToDate() noexcept
 {
     return mSeen != kNever && mDatabase.IsOpen() && mDatabase.Board().IsOpen()
-           && mDatabase.Board().Generation() == mSeen;
+           && mDatabase.Board().Generation() == mSeen && IsInPlace();
+}
+
+// The names are looked up only now and then, since that costs more than a read.
+bool Store::IsInPlace() noexcept
+{
+    const std::uint64_t now = MonotonicMilliseconds(CLOCK_MONOTONIC_COARSE);
+    if (now != 0 && now - mPlaceSeenAt < kPlaceLastsMilliseconds) {
+        return true;
+    }
+    const bool isInPlace = mDatabase.IsInPlace();
+    mPlaceSeenAt = isInPlace ? now : 0;
+    return isInPlace;
 }
 
 void Store::Forget() noexcept

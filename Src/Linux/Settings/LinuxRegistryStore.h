@@ -83,6 +83,7 @@ private:
     SystemError CatchUpWithBoard();
     SystemError CatchUpWithVersion();
     bool IsUpToDate() noexcept;
+    bool IsInPlace() noexcept;
     void Forget() noexcept;
     Database* Loader() noexcept { return mDatabase.IsOpen() ? &mDatabase : nullptr; }
 
@@ -108,6 +109,7 @@ private:
     Units mFolded;              // a name that is looked up, under mMemory
     std::uint64_t mSeen = kNever; // generation of the board that memory is up to date with
     std::int64_t mVersion = -1;   // the same for a database without a board
+    std::uint64_t mPlaceSeenAt = 0; // when the database and its board were last found in their places
 };
 
 /// The store that a handle belongs to.

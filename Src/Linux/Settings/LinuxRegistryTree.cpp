@@ -13,9 +13,6 @@ using namespace SystemErrors;
 
 namespace {
 
-// When more values than this are stale, all of them are loaded at once.
-constexpr std::size_t kMostStaleValues = 64;
-
 bool ComesBefore(const SubKeyRow& inLeft, const SubKeyRow& inRight)
 {
     return inLeft.mFolded < inRight.mFolded;
@@ -142,7 +139,7 @@ SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
 
 SystemError Tree::LoadValues(StoredKey& ioKey, Database* ioDatabase)
 {
-    if (ioKey.mHasValues && ioKey.mStaleValues.empty()) {
+    if (ioKey.HasAllValues()) {
         return kNoError;
     }
     std::unordered_map<Units, StoredValue, HashOfName> values;
@@ -160,7 +157,7 @@ SystemError Tree::LoadValues(StoredKey& ioKey, Database* ioDatabase)
         }
     }
     ioKey.mValues.swap(values);
-    ioKey.mStaleValues.clear();
+    ioKey.mStale.Clear();
     ioKey.mHasValues = true;
     return kNoError;
 }
@@ -170,9 +167,7 @@ SystemError Tree::LoadValue(StoredKey& ioKey, const Units& inFolded, Database* i
     if (!ioKey.mHasValues) {
         return LoadValues(ioKey, ioDatabase);
     }
-    const std::uint64_t hash = HashName(inFolded);
-    const auto stale = std::find(ioKey.mStaleValues.begin(), ioKey.mStaleValues.end(), hash);
-    if (stale == ioKey.mStaleValues.end()) {
+    if (ioKey.HasValue(inFolded)) {
         return kNoError;
     }
     if (ioDatabase == nullptr) {
@@ -189,7 +184,7 @@ SystemError Tree::LoadValue(StoredKey& ioKey, const Units& inFolded, Database* i
         ioKey.mValues.erase(inFolded);
     }
     if (query.Error() == kNoError) {
-        ioKey.mStaleValues.erase(stale);
+        ioKey.mStale.Remove(HashName(inFolded), inFolded);
     }
     return query.Error();
 }
@@ -207,15 +202,11 @@ SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
     if (inChange.mKind == Change::kSubKeys) {
         return ReloadSubKeys(key, ioDatabase);
     }
-    std::vector<std::uint64_t>& stale = key.mStaleValues;
-    if (!key.mHasValues || std::find(stale.begin(), stale.end(), inChange.mHash) != stale.end()) {
-        return kNoError;
-    }
-    if (stale.size() >= kMostStaleValues) {
+    if (key.mHasValues && key.mStale.IsFull()) {
         key.mHasValues = false;
-        stale.clear();
-    } else {
-        stale.push_back(inChange.mHash);
+        key.mStale.Clear();
+    } else if (key.mHasValues) {
+        key.mStale.Add(inChange.mHash);
     }
     return kNoError;
 }
@@ -229,7 +220,7 @@ SystemError Tree::ReloadBelow(StoredKey& ioKey, Database* ioDatabase)
 {
     ioKey.mHasValues = false;
     ioKey.mValues.clear();
-    ioKey.mStaleValues.clear();
+    ioKey.mStale.Clear();
     SystemError error = ReloadSubKeys(ioKey, ioDatabase);
     for (std::size_t i = 0; error == kNoError && i < ioKey.mSubKeys.size(); ++i) {
         error = ReloadBelow(*ioKey.mSubKeys[i], ioDatabase);
@@ -290,7 +281,7 @@ void Tree::Clear() noexcept
     mRoot->mHasSubKeys = false;
     mRoot->mHasValues = false;
     mRoot->mValues = {};
-    mRoot->mStaleValues = {};
+    mRoot->mStale = {};
     mKeys = {{kRootKey, mRoot.get()}};
 }
 

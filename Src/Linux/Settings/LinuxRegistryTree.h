@@ -6,6 +6,7 @@
 
 #include "LinuxRegistryBoard.h"
 #include "LinuxRegistryNames.h"
+#include "LinuxRegistryStaleNames.h"
 
 #include <cstdint>
 #include <memory>
@@ -28,7 +29,9 @@ struct StoredValue
 
 struct HashOfName
 {
-    std::size_t operator()(const Units& inFolded) const noexcept { return HashName(inFolded); }
+    // Not noexcept: the standard library then keeps each entry's hash beside it, instead of hashing names again that it
+    // passes in a look-up.
+    std::size_t operator()(const Units& inFolded) const { return HashName(inFolded); }
 };
 
 /// One key in memory. A deleted one lives as long as a handle to it, without a parent.
@@ -40,11 +43,16 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     Units mName;
     bool mIsDeleted = false;
     bool mHasSubKeys = false; // mSubKeys is loaded
-    bool mHasValues = false;  // mValues is loaded, but for those of mStaleValues
+    bool mHasValues = false;  // mValues is loaded, but for those of mStale
     std::vector<std::shared_ptr<StoredKey>> mSubKeys; // in the order of their folded names
     std::unordered_map<Units, StoredValue, HashOfName> mValues; // by folded name
-    // Hashes of names that others have written. Two names with one hash of 64 bits are not told apart.
-    std::vector<std::uint64_t> mStaleValues;
+    StaleNames mStale;
+
+    bool HasAllValues() const noexcept { return mHasValues && mStale.IsEmpty(); }
+    bool HasValue(const Units& inFolded) const noexcept
+    {
+        return mHasValues && (mStale.IsEmpty() || !mStale.Contains(HashName(inFolded), inFolded));
+    }
 };
 
 /// A key as its parent's list has it.

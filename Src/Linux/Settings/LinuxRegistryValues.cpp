@@ -10,15 +10,6 @@ namespace Linux {
 
 using namespace SystemErrors;
 
-namespace {
-
-bool HasAllValues(const StoredKey& inKey)
-{
-    return inKey.mHasValues && inKey.mStaleValues.empty();
-}
-
-} // namespace
-
 SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
 {
     return FromMemory([&](bool inMayLoad) {
@@ -27,10 +18,10 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
         if (error != kNoError) {
             return error;
         }
-        if (!inMayLoad && !HasAllValues(*key)) {
+        FoldName(inName, mFolded);
+        if (!inMayLoad && !key->HasValue(mFolded)) {
             return kNotInMemory;
         }
-        FoldName(inName, mFolded);
         error = mTree.LoadValue(*key, mFolded, Loader());
         if (error != kNoError) {
             return error;
@@ -138,10 +129,10 @@ SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
     const SystemError known = FromMemory([&](bool inMayLoad) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToSet, key);
-        if (error == kNoError && !inMayLoad && !HasAllValues(*key)) {
+        FoldName(inName, mFolded);
+        if (error == kNoError && !inMayLoad && !key->HasValue(mFolded)) {
             return kNotInMemory;
         }
-        FoldName(inName, mFolded);
         error = error == kNoError ? mTree.LoadValue(*key, mFolded, Loader()) : error;
         return error == kNoError && key->mValues.count(mFolded) == 0 ? kErrorFileNotFound : error;
     });
@@ -162,7 +153,7 @@ SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& 
     return FromMemory([&](bool inMayLoad) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToQuery, key);
-        if (error == kNoError && !inMayLoad && !HasAllValues(*key)) {
+        if (error == kNoError && !inMayLoad && !key->HasAllValues()) {
             return kNotInMemory;
         }
         error = error == kNoError ? mTree.LoadValues(*key, Loader()) : error;

@@ -1,0 +1,59 @@
+// Floor: System
+// The values of a key that other processes have changed, of which the hashes of their names are known.
+//
+// A name is stale from a change of its hash until it has been loaded. Names that share a hash are told apart: loading
+// one of them leaves the others stale.
+#pragma once
+
+#include "LinuxRegistryNames.h"
+
+#include <unordered_map>
+#include <vector>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+class StaleNames
+{
+public:
+    /// With more hashes than this, loading all values of the key costs less.
+    static constexpr std::size_t kMost = 1024;
+
+    bool IsEmpty() const noexcept { return mLoaded.empty(); }
+    bool IsFull() const noexcept { return mLoaded.size() >= kMost; }
+
+    bool Contains(std::uint64_t inHash, const Units& inFolded) const noexcept
+    {
+        const auto found = mLoaded.find(inHash);
+        if (found == mLoaded.end()) {
+            return false;
+        }
+        for (const Units& name : found->second) {
+            if (name == inFolded) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// All names of that hash are stale.
+    void Add(std::uint64_t inHash) { mLoaded[inHash].clear(); }
+
+    /// The name has been loaded.
+    void Remove(std::uint64_t inHash, const Units& inFolded)
+    {
+        if (Contains(inHash, inFolded)) {
+            mLoaded[inHash].push_back(inFolded);
+        }
+    }
+
+    void Clear() noexcept { mLoaded.clear(); }
+
+private:
+    std::unordered_map<std::uint64_t, std::vector<Units>> mLoaded; // of each hash, the names loaded since its change
+};
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL

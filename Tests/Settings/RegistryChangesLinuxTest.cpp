@@ -1,0 +1,111 @@
+// Processes that tell each other of changes, also when somebody deletes the page through which they do.
+#include "RegistryPlace.h"
+
+#include <ProcessRunner.h>
+
+#include <ORLHostSettings.h>
+#include <ORLRegistryStore.h>
+#include <ORLString.h>
+
+#include <dlfcn.h>
+#include <filesystem>
+
+using namespace ORL;
+using namespace ORLTest;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto kAll = static_cast<RegistryKeyAccess::Type>(0);
+
+class RegistryChanges : public RegistryTest
+{
+protected:
+    RegistryChanges() { EXPECT_EQ(kSuccess, mKey.SetUInt32Value(MakeString("v"), 1)); }
+
+    unsigned Read() const
+    {
+        RegistryKey key(mKey);
+        unsigned value = 0;
+        EXPECT_EQ(kSuccess, key.GetUInt32Value(MakeString("v"), value));
+        return value;
+    }
+
+    // Another process sets the value to 2.
+    void WriteElsewhere() const
+    {
+        const std::string ledger = mPlace.Folder() + "/ledger";
+        EXPECT_EQ(0, RunBesideThisProgram("registry_host", {"step", "set", MakeStdString(mPath), ledger}).mExitCode);
+    }
+
+    fs::path Store() const { return fs::path(mPlace.Folder()) / "ORLFoundation"; }
+};
+
+} // namespace
+
+TEST_F(RegistryChanges, DeletedPage_LeavesNoReaderBehind)
+{
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_EQ(kSuccess, mKey.SetUInt32Value(MakeString("v"), 1));
+        EXPECT_EQ(1u, Read());
+        ASSERT_TRUE(fs::remove(Store() / "user.registry-changes"));
+        WriteElsewhere();
+        ASSERT_EQ(2u, Read()) << round;
+    }
+}
+
+TEST_F(RegistryChanges, PageDeletedBeforeAWriteHere_IsMadeAnew)
+{
+    EXPECT_EQ(1u, Read());
+    ASSERT_TRUE(fs::remove(Store() / "user.registry-changes"));
+    EXPECT_EQ(kSuccess, mKey.SetUInt32Value(MakeString("v"), 3));
+    EXPECT_TRUE(fs::exists(Store() / "user.registry-changes"));
+    EXPECT_EQ(3u, Read());
+    WriteElsewhere();
+    EXPECT_EQ(2u, Read());
+}
+
+// A full page of changes that nobody here has read yet, by way of values which this process has in memory.
+TEST_F(RegistryChanges, MoreChangesThanThePageHolds_AreAllSeen)
+{
+    constexpr unsigned kCount = 400;
+    for (unsigned i = 0; i < kCount; ++i) {
+        ASSERT_EQ(kSuccess, mKey.SetUInt32Value(MakeString("value " + std::to_string(i)), 0));
+    }
+    EXPECT_EQ(1u, Read());
+    EXPECT_EQ(
+        0,
+        RunBesideThisProgram("registry_host", {"fill", MakeStdString(mPath), std::to_string(kCount), "5"}).mExitCode);
+    for (unsigned i = 0; i < kCount; ++i) {
+        unsigned value = 0;
+        ASSERT_EQ(kSuccess, mKey.GetUInt32Value(MakeString("value " + std::to_string(i)), value));
+        ASSERT_EQ(5u, value) << i;
+    }
+}
+
+// Another build of the library in the same process, as a plug-in brings it along: both work on one store.
+TEST_F(RegistryChanges, SecondLibraryInTheProcess_SharesTheStore)
+{
+    void* const guest = ::dlopen((FolderOfThisProgram() + "registry_guest.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(nullptr, guest) << ::dlerror();
+    const auto write = reinterpret_cast<bool (*)(const char*, unsigned)>(::dlsym(guest, "WriteAsGuest"));
+    const auto read = reinterpret_cast<unsigned (*)(const char*)>(::dlsym(guest, "ReadAsGuest"));
+    const auto identity = reinterpret_cast<const void* (*)()>(::dlsym(guest, "GuestsLanguage"));
+    ASSERT_TRUE(write != nullptr && read != nullptr && identity != nullptr);
+    const void* const own = &Internal::sLanguageID;
+    EXPECT_NE(own, identity()) << "the guest has a library of its own";
+    const std::string path = MakeStdString(mPath);
+    EXPECT_EQ(1u, read(path.c_str()));
+    for (unsigned round = 2; round < 200; round += 2) {
+        ASSERT_TRUE(write(path.c_str(), round));
+        ASSERT_EQ(round, Read());
+        ASSERT_EQ(kSuccess, mKey.SetUInt32Value(MakeString("v"), round + 1));
+        ASSERT_EQ(round + 1, read(path.c_str()));
+    }
+    EXPECT_TRUE(RegistryStore::Check(RegistryRootKeys::kUser).mIsWhole);
+    ::dlclose(guest);
+    RegistryKey again;
+    EXPECT_EQ(kSuccess, again.Open(RegistryRootKeys::kUser, mPath, kAll));
+    EXPECT_EQ(kSuccess, again.SetUInt32Value(MakeString("v"), 1));
+}

@@ -1,0 +1,29 @@
+// This system has no transactions that the registry could join: each call that needs one fails as the home platform's
+// does where its function is missing.
+#include "RegistryPlace.h"
+
+#include <RegistryHandle.h>
+
+using namespace ORL;
+using namespace ORLTest;
+
+using RegistryTransactionsTest = RegistryTest;
+
+TEST_F(RegistryTransactionsTest, ManagerWithATransaction_FailsWithOne)
+{
+    using namespace Registry::Platform;
+    int transaction = 0;
+    RegistryTransactionManager manager;
+    RegistryHandle handle(&manager);
+    manager.mFallsBack = true;
+    ASSERT_EQ(SystemErrors::kNoError, handle.Open(GetUserRoot_Impl(), mPath.c_str(), kAccessAll));
+    const KeyHandle open = handle.Get();
+    manager.mTransaction = &transaction;
+    EXPECT_EQ(SystemErrors::kErrorInvalidFunction, handle.Open(GetUserRoot_Impl(), mPath.c_str(), kAccessAll));
+    EXPECT_EQ(SystemErrors::kErrorInvalidFunction, handle.Create(GetUserRoot_Impl(), mPath.c_str(), kAccessAll));
+    EXPECT_EQ(open, handle.Get());
+    RegistryKey child;
+    ASSERT_EQ(kSuccess, child.Create(mKey, Units(u"child")));
+    EXPECT_EQ(SystemErrors::kErrorInvalidFunction, handle.DeleteTree(Units(u"child").c_str()));
+    EXPECT_EQ(kSuccess, child.Open(mKey, Units(u"child")));
+}
