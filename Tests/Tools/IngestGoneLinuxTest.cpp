@@ -1,5 +1,5 @@
 // A destination that disappears during an ingest. On Windows an open file keeps its folder in place.
-#include <IngestRunSupport.h>
+#include <IngestDestinationsSupport.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -44,4 +44,21 @@ TEST_F(IngestOnLinux, ADestinationThatVanishes_EndsTheRunWithOneLine)
         Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Disk(), Disk().u8string() + "-away"); }));
     ExpectTrouble(outcome, orl::kExitGone, "is gone");
     EXPECT_FALSE(fs::exists(Disk()));
+}
+
+TEST_F(IngestDestinations, OneThatIsGone_StopsNoOther)
+{
+    const auto onStep = [this](std::size_t inDestination, orl::IngestStep inStep, const orl::IngestItem& inItem) {
+        if (inDestination == 1 && inStep == orl::IngestStep::kInPlace && inItem.mName == "a") {
+            std::filesystem::rename(DiskOf(1), DiskOf(7));
+        }
+    };
+    orl::IngestSettings settings;
+    settings.mFilesAtOnce = 1;
+    const std::vector<orl::IngestDestination> destinations = RunTo(3, onStep, settings);
+    EXPECT_TRUE(destinations[0].mOutcome.mTroubles.empty());
+    ExpectOnlyTrouble(destinations[1], orl::kExitGone);
+    EXPECT_TRUE(destinations[2].mOutcome.mTroubles.empty());
+    ExpectIngested(mCard, DiskOf(0));
+    ExpectIngested(mCard, DiskOf(2));
 }

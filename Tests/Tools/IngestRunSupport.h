@@ -4,6 +4,7 @@
 #include <IngestTestSupport.h>
 
 #include <Failure.h>
+#include <IngestDestinations.h>
 #include <IngestManifest.h>
 #include <IngestPlan.h>
 #include <IngestRun.h>
@@ -32,15 +33,21 @@ struct IngestHereOptions
 inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk,
                                      const IngestHereOptions& inOptions, orl::IngestPlan& outPlan)
 {
-    orl::IngestRoots roots = orl::MakeRoots(inCard.u8string(), inDisk.u8string());
+    std::vector<orl::IngestDestination> destinations = orl::MakeDestinations(inCard.u8string(), {inDisk.u8string()});
     orl::IngestWatcher watcher;
     watcher.mIsStopped = inOptions.mIsStopped;
     watcher.mShow = [](std::uint64_t, std::size_t) {};
-    watcher.mOnStep = inOptions.mOnStep;
+    if (inOptions.mOnStep) {
+        watcher.mOnStep = [&inOptions](std::size_t, orl::IngestStep inStep, const orl::IngestItem& inItem) {
+            inOptions.mOnStep(inStep, inItem);
+        };
+    }
     orl::IngestSettings settings;
     settings.mFilesAtOnce = inOptions.mFilesAtOnce;
     settings.mReplaces = inOptions.mReplaces;
-    return orl::Ingest(roots, inOptions.mManifest, settings, watcher, outPlan);
+    orl::Ingest(destinations, inOptions.mManifest, settings, watcher);
+    outPlan = std::move(destinations.front().mPlan);
+    return std::move(destinations.front().mOutcome);
 }
 
 inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const std::filesystem::path& inDisk,

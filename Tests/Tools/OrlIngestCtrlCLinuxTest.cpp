@@ -44,12 +44,12 @@ protected:
         return {"ingest", "--files-at-once", GetParam(), (mFolder.Host() / "card").string(), Disk().string()};
     }
 
-    int RunTraced(TracedRun& ioRun, int inSignalAt) const
+    int RunTraced(TracedRun& ioRun, int inSignalAt, int inSignal = SIGINT) const
     {
         fs::remove_all(Disk());
         std::vector<std::string> arguments = Arguments();
         arguments.insert(arguments.begin(), FolderOfThisProgram() + "orl");
-        return ioRun.Run(arguments, inSignalAt, SIGINT);
+        return ioRun.Run(arguments, inSignalAt, inSignal);
     }
 
     /// Every file is complete, has its final name, and has its line.
@@ -134,4 +134,49 @@ TEST_P(InterruptedIngest, BehindATrouble_TellsBoth)
     }
     EXPECT_EQ(kStopped, traced.ExitCode());
     EXPECT_EQ(trouble + kLine, ReadFile(Errors()));
+}
+
+TEST_P(InterruptedIngest, ByAHangUpOrAnEnd_StopsAsCleanly)
+{
+    TracedRun traced(Disk().string(), Errors());
+    const int calls = RunTraced(traced, 0);
+    if (calls < 0 || traced.ExitCode() == 99) {
+        GTEST_SKIP() << "processes cannot be traced here";
+    }
+    for (const int signal : {SIGHUP, SIGTERM}) {
+        int stops = 0;
+        for (const int number : {calls / 4, calls / 2, calls * 3 / 4}) {
+            SCOPED_TRACE("signal " + std::to_string(signal) + " before call " + std::to_string(number));
+            RunTraced(traced, number, signal);
+            if (traced.ExitCode() == kStopped) {
+                ++stops;
+                ExpectCleanStop();
+            } else {
+                EXPECT_EQ(0, traced.ExitCode()) << ReadFile(Errors());
+            }
+        }
+        EXPECT_LE(1, stops) << "signal " << signal;
+        const ProcessResult again = RunBesideThisProgram("orl", Arguments());
+        EXPECT_EQ(0, again.mExitCode) << again.mErrors;
+        ExpectIngested(mCard, Disk());
+    }
+}
+
+// As nohup starts it.
+TEST_P(InterruptedIngest, WhoseHangUpIsIgnored_GoesOn)
+{
+    std::string command = "trap '' HUP; exec '" + FolderOfThisProgram() + "orl'";
+    for (const std::string& argument : Arguments()) {
+        command += " '" + argument + "'";
+    }
+    TracedRun traced(Disk().string(), Errors());
+    const std::vector<std::string> shell{"/bin/sh", "-c", command};
+    const int calls = traced.Run(shell, 0, SIGHUP);
+    if (calls < 0 || traced.ExitCode() == 99) {
+        GTEST_SKIP() << "processes cannot be traced here";
+    }
+    fs::remove_all(Disk());
+    traced.Run(shell, calls / 2, SIGHUP);
+    EXPECT_EQ(0, traced.ExitCode()) << ReadFile(Errors());
+    ExpectIngested(mCard, Disk());
 }

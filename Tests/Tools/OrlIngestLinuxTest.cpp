@@ -188,6 +188,45 @@ TEST_F(OrlIngestOnLinux, TooLittleRoom_IsToldBeforeAnythingIsDone)
     ORL::Foundation::Terminate();
 }
 
+// One file fits, two do not; who comes first is served.
+TEST_F(OrlIngestOnLinux, TwoDestinationsOnOneVolume_ShareItsRoom)
+{
+    ORL::Foundation::Initialize();
+    WriteFile(Card() / "a", std::string(100000, 'a'));
+    std::vector<orl::IngestDestination> destinations =
+        orl::MakeDestinations(Card().string(), {Disk().string(), Disk().string() + "2"});
+    orl::IngestWatcher watcher;
+    watcher.mIsStopped = [] { return false; };
+    watcher.mShow = [](std::uint64_t, std::size_t) {};
+    {
+        FaultySystemCalls calls;
+        calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+            *outStatus = {};
+            outStatus->f_frsize = 4096;
+            outStatus->f_bavail = 40;
+            return 0;
+        };
+        orl::Ingest(destinations, kManifest, {}, watcher);
+    }
+    EXPECT_TRUE(destinations[0].mOutcome.mTroubles.empty());
+    ASSERT_EQ(1u, destinations[1].mOutcome.mTroubles.size());
+    EXPECT_EQ(orl::kExitNoRoom, destinations[1].mOutcome.mTroubles[0].mExitCode);
+    EXPECT_FALSE(fs::exists(Disk().string() + "2"));
+    ORL::Foundation::Terminate();
+}
+
+TEST_F(OrlIngestOnLinux, ATroubleOfTheSource_IsToldOnceForAllDestinations)
+{
+    WriteFile(Card() / "a", "A");
+    ASSERT_EQ(0, ::mkfifo((Card() / "pipe").c_str(), 0600));
+    const ProcessResult result =
+        RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string(), Disk().string() + "2"});
+    EXPECT_EQ(4, result.mExitCode);
+    EXPECT_EQ("orl: ingest: cannot read \"pipe\": it is no file\n", result.mErrors);
+    EXPECT_EQ("A", ReadFile(Disk() / "a"));
+    EXPECT_EQ("A", ReadFile(Disk().string() + "2/a"));
+}
+
 TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDone)
 {
     ORL::Foundation::Initialize();

@@ -112,6 +112,25 @@ TEST_F(OrlIngest, ASourceWithoutFiles_HasAnExitCodeOfItsOwn)
     EXPECT_FALSE(fs::exists(Disk()));
 }
 
+TEST_F(OrlIngest, SeveralDestinations_AreToldEach)
+{
+    const std::string other = (mFolder.Host() / "other disk").u8string();
+    ProcessResult result = Ingest({other});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ("", result.mErrors);
+    ExpectIngested(mCard, Disk());
+    ExpectIngested(mCard, mFolder.Host() / "other disk");
+    EXPECT_TRUE(Shows(result.mOutput, "2 of 2")) << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "\"" + Disk().u8string() + "\": 3 files copied and read back")) << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "\"" + other + "\": 3 files copied and read back")) << result.mOutput;
+    WriteFile(mFolder.Host() / "other disk/a.wav", "another file");
+    result = Ingest({other});
+    EXPECT_EQ(8, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_TRUE(Shows(result.mErrors, "orl: ingest: \"" + other + "\": another file")) << result.mErrors;
+    EXPECT_TRUE(Shows(result.mOutput, "1 of 2")) << result.mOutput;
+}
+
 TEST_F(OrlIngest, AnotherFileOfTheName_StaysAndIsTold)
 {
     mFolder.MakeFolder("disk/CLIP");
@@ -189,6 +208,8 @@ TEST_F(OrlIngest, WhatCannotBeBegun_IsSaidOnOneLine)
         {__LINE__, {card, card + "/a.wav"}, 1, "a.wav\" is no folder"},
         {__LINE__, {card, card}, 1, "lies inside the source"},
         {__LINE__, {card, card + "/CLIP/new"}, 1, "lies inside the source"},
+        {__LINE__, {card, disk, disk}, 2, "lies inside the destination"},
+        {__LINE__, {card, disk, disk + "/below"}, 2, "lies inside the destination"},
         {__LINE__, {card, disk, "--manifest", "none"}, 1, "the manifest's name"},
         {__LINE__, {card, disk, "--manifest", "a/b"}, 2, "--manifest"},
         {__LINE__, {card, disk, "--rate", "26"}, 2, "no frame rate"},

@@ -1,23 +1,23 @@
-// orl ingest SOURCE DEST
+// orl ingest SOURCE DEST...
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
-#include "IngestPlan.h"
+#include "IngestDestinations.h"
 #include "IngestProgress.h"
-#include "IngestRoots.h"
-#include "IngestRun.h"
 #include "IngestSummary.h"
 #include "StartedLibrary.h"
 #include "Text.h"
 
 #include <ORLPathUtils.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orl {
 
@@ -26,7 +26,7 @@ namespace {
 struct Options
 {
     std::string mSource;
-    std::string mDestination;
+    std::vector<std::string> mDestinations;
     std::string mManifest = "ingest.sha256";
     std::string mRate = "25";
     IngestSettings mSettings;
@@ -41,38 +41,48 @@ void OnInterrupt(int)
     sIsInterrupted = true;
 }
 
+// A signal that was ignored at the start stays ignored: nohup and shells rely on it.
+void Hear(int inSignal)
+{
+    if (std::signal(inSignal, &OnInterrupt) == SIG_IGN) {
+        std::signal(inSignal, SIG_IGN);
+    }
+}
+
 void HearTheUser()
 {
-    std::signal(SIGINT, &OnInterrupt);
-    std::signal(SIGTERM, &OnInterrupt);
+    Hear(SIGINT);
+    Hear(SIGTERM);
 #ifdef SIGHUP // the terminal has gone
-    std::signal(SIGHUP, &OnInterrupt);
+    Hear(SIGHUP);
 #endif
 #ifdef SIGBREAK // Ctrl-Break, where there is one
-    std::signal(SIGBREAK, &OnInterrupt);
+    Hear(SIGBREAK);
 #endif
 }
 
-// Every trouble has a line; the last is the program's. A stop is the last, and has the exit code.
-[[noreturn]] void Fail(const IngestOutcome& inOutcome)
-{
-    const std::vector<IngestTrouble>& troubles = inOutcome.mTroubles;
-    for (std::size_t i = 0; i + 1 < troubles.size(); ++i) {
-        Complain(troubles[i].mText);
-    }
-    throw Failure(troubles.back().mText, (inOutcome.mIsStopped ? troubles.back() : troubles.front()).mExitCode);
-}
-
-IngestOutcome Ingest(const Options& inOptions, IngestRoots& ioRoots, IngestPlan& outPlan)
+void Ingest(const Options& inOptions, std::vector<IngestDestination>& ioDestinations)
 {
     std::optional<IngestProgress> progress;
     IngestWatcher watcher;
     watcher.mIsStopped = [] { return sIsInterrupted.load(); };
-    watcher.mOnPlanned = [&progress](const IngestPlan& inPlan) {
-        progress.emplace(OutputIsTerminal(), inPlan.mBytesToPass, inPlan.mItems.size());
+    watcher.mOnPlanned = [&progress](std::uint64_t inBytesToPass, std::size_t inFiles) {
+        progress.emplace(OutputIsTerminal(), inBytesToPass, inFiles);
     };
     watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress->Show(inPassed, inDone); };
-    return Ingest(ioRoots, inOptions.mManifest, inOptions.mSettings, watcher, outPlan);
+    Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
+}
+
+// Every trouble has a line; the last is the program's. A stop is the last, and has the exit code.
+void EndWith(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
+{
+    if (inTroubles.empty()) {
+        return;
+    }
+    for (std::size_t i = 0; i + 1 < inTroubles.size(); ++i) {
+        Complain(inTroubles[i].mText);
+    }
+    throw Failure(inTroubles.back().mText, (inIsStopped ? inTroubles.back() : inTroubles.front()).mExitCode);
 }
 
 void Run(const Options& inOptions)
@@ -80,23 +90,26 @@ void Run(const Options& inOptions)
     const NamedRate& rate = FindRate(inOptions.mRate);
     const StartedLibrary library;
     HearTheUser();
-    IngestRoots roots = MakeRoots(inOptions.mSource, inOptions.mDestination);
-    IngestPlan plan;
-    IngestOutcome outcome = Ingest(inOptions, roots, plan);
-    PrintSummary(outcome, roots, plan.mItems.size() + plan.mTroubles.size(), rate,
-                 JoinHostPath(inOptions.mDestination, inOptions.mManifest));
-    if (outcome.mIsStopped) {
-        outcome.mTroubles.push_back({"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
+    std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
+    Ingest(inOptions, destinations);
+    PrintSummary(destinations, rate, inOptions.mManifest);
+    std::vector<IngestTrouble> troubles = TroublesOf(destinations);
+    const auto is = [&destinations](bool IngestOutcome::*inWhat) {
+        return std::any_of(
+            destinations.begin(), destinations.end(),
+            [inWhat](const IngestDestination& inDestination) { return inDestination.mOutcome.*inWhat; });
+    };
+    const bool isStopped = is(&IngestOutcome::mIsStopped);
+    if (isStopped) {
+        troubles.push_back({"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
     }
-    if (outcome.mHasNoAnswer) {
-        for (const IngestTrouble& trouble : outcome.mTroubles) {
+    if (is(&IngestOutcome::mHasNoAnswer)) {
+        for (const IngestTrouble& trouble : troubles) {
             Complain(trouble.mText);
         }
         std::_Exit(kExitGone);
     }
-    if (!outcome.mTroubles.empty()) {
-        Fail(outcome);
-    }
+    EndWith(troubles, isStopped);
 }
 
 } // namespace
@@ -105,9 +118,12 @@ void AddIngest(CLI::App& ioProgram)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand(
-        "ingest", "Copy a card's files to a disk, read each back past the cache, compare, and keep a manifest");
+        "ingest", "Copy a card's files to disks, read each back past the cache, compare, and keep a manifest");
     command->add_option("SOURCE", options->mSource, "the folder to bring in: a host path or library path")->required();
-    command->add_option("DEST", options->mDestination, "the folder to bring it to; made where missing")->required();
+    command
+        ->add_option("DEST", options->mDestinations,
+                     "the folders to bring it to, from one read of the source; made where missing")
+        ->required();
     command->add_flag("--replace", options->mSettings.mReplaces,
                       "exchange other files that have the same names at the destination");
     command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")

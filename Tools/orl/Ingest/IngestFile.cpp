@@ -22,7 +22,7 @@ using Share = ORL::FileShareModeFlags;
 using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
-constexpr std::size_t kBlockSize = 1 << 20;
+constexpr std::size_t kBlockSize = SharedReading::kBlockSize;
 constexpr std::size_t kReadsInFlight = 4; // of one file; several files are on their way at once
 
 // Where a whole piece of that many bytes is zero, a file with holes gets another one.
@@ -31,11 +31,9 @@ constexpr unsigned int kHole = 1 << 16;
 class OneFile
 {
 public:
-    OneFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
-        : mItem(inItem), mContext(inContext), mBuffer(ioBuffer), mFolderName(FolderOf(inItem.mName)),
-          mLeaf(LeafOf(inItem.mName))
+    OneFile(const IngestItem& inItem, const IngestContext& inContext)
+        : mItem(inItem), mContext(inContext), mFolderName(FolderOf(inItem.mName)), mLeaf(LeafOf(inItem.mName))
     {
-        mBuffer.resize(kBlockSize);
     }
 
     IngestedFile Bring()
@@ -184,23 +182,41 @@ private:
     template <class Sink>
     std::string DigestOfSource(File& ioSource, const Sink& inSink)
     {
-        Sha256 digest;
-        for (std::uint64_t done = 0; done < mItem.mSize;) {
+        std::uint64_t place = 0; // of the file's pointer
+        SharedReading reading(
+            mContext.mSource, mContext.mDestination, mItem.mName, mItem.mSize,
+            [&](std::uint64_t inAt, unsigned char* outBytes, std::size_t inCount) {
+                ReadSource(ioSource, inAt, outBytes, inCount, place);
+            },
+            [this] { CheckStopped(); });
+        CheckStopped();
+        while (const SharedReading::Block block = reading.Next()) {
+            inSink(block->data(), static_cast<unsigned int>(block->size()));
+            mContext.mPass(block->size());
+            Tell(IngestStep::kBlockCopied);
             CheckStopped();
-            const auto wanted = static_cast<unsigned int>(std::min<std::uint64_t>(kBlockSize, mItem.mSize - done));
+        }
+        CheckUnchanged(ioSource);
+        return reading.Digest();
+    }
+
+    void ReadSource(File& ioSource, std::uint64_t inAt, unsigned char* outBytes, std::size_t inCount,
+                    std::uint64_t& ioPlace) const
+    {
+        if (ioPlace != inAt) {
+            CheckSource(ioSource.SetFilePointer(static_cast<__int64>(inAt),
+                                                ORL::FilePointerMoveMethod::kFilePointer_Begin));
+            ioPlace = inAt;
+        }
+        for (std::size_t done = 0; done < inCount;) {
             unsigned int count = 0;
-            CheckSource(ioSource.Read(mBuffer.data(), wanted, count));
+            CheckSource(ioSource.Read(outBytes + done, static_cast<unsigned int>(inCount - done), count));
             if (count == 0) {
                 ThrowChanged();
             }
-            digest.Add(mBuffer.data(), count);
-            inSink(mBuffer.data(), count);
             done += count;
-            mContext.mPass(count);
-            Tell(IngestStep::kBlockCopied);
+            ioPlace += count;
         }
-        CheckUnchanged(ioSource);
-        return digest.Finish();
     }
 
     void WriteAll(File& ioTarget, const unsigned char* inBytes, unsigned int inCount) const
@@ -364,7 +380,6 @@ private:
 
     const IngestItem& mItem;
     const IngestContext& mContext;
-    std::vector<unsigned char>& mBuffer;
     const std::string mFolderName;
     const std::string mLeaf;
     std::string mTemporary; // beside the final name, once there is one
@@ -375,9 +390,9 @@ private:
 
 } // namespace
 
-IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer)
+IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext)
 {
-    return OneFile(inItem, inContext, ioBuffer).Bring();
+    return OneFile(inItem, inContext).Bring();
 }
 
 } // namespace orl

@@ -5,12 +5,12 @@
 #include "IngestManifest.h"
 #include "IngestPlan.h"
 #include "IngestRecord.h"
+#include "IngestSharedSource.h"
 
 #include <cstdint>
 #include <functional>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace orl {
 
@@ -30,6 +30,8 @@ struct IngestContext
     const std::set<EntryIdentity>& mSourceFolders; // none of them is ever written to
     IngestManifest& mManifest;                     // the line of a file that is replaced goes before the file
     IngestRecord& mRecord;                         // knows of each unfinished file before it is made
+    SharedSource& mSource;                         // shared with the other destinations
+    std::size_t mDestination = 0;                  // index of this one
     bool mReplaces = false;
     std::function<bool()> mIsStopped;                                // asked between blocks
     std::function<void(std::uint64_t)> mPass;                        // told of bytes that were read, here or there
@@ -64,8 +66,7 @@ struct IngestedFile
 };
 
 /// Brings one file to the destination. At no moment does anything but the whole and verified file have the final name.
-/// ioBuffer is memory to work with. Throws IngestFailure, IngestStopped, NoAnswer, and Failure where manifest or record
-/// cannot be kept.
-IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext, std::vector<unsigned char>& ioBuffer);
+/// Throws IngestFailure, IngestStopped, NoAnswer, and Failure where manifest or record cannot be kept.
+IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext);
 
 } // namespace orl

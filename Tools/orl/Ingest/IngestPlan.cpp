@@ -73,8 +73,9 @@ private:
     void FindPlaces()
     {
         mPlan.mVolumes.push_back({});
+        mPlan.mVolumes.back().mVolume = mRoots.mVolume;
         mPlaces[""] = {mRoots.mHasDestination ? Place::kThere : Place::kToBeMade, 0};
-        mVolumes[mRoots.mDestinationIdentity.mVolume] = 0;
+        mVolumes[mRoots.mVolume] = 0;
         for (const std::string& folder : mListing.mFolders) {
             const Place above = mPlaces[FolderOf(folder)];
             mPlaces[folder] = above.mState == Place::kThere ? FindPlace(folder, above) : above;
@@ -130,6 +131,7 @@ private:
         const auto [volume, isNew] = mVolumes.insert({inFolder.mVolume, mPlan.mVolumes.size()});
         if (isNew) {
             mPlan.mVolumes.push_back({});
+            mPlan.mVolumes.back().mVolume = inFolder.mVolume;
             mPlan.mVolumes.back().mFolder = inName;
         }
         return volume->second;
@@ -249,7 +251,7 @@ private:
     std::string mOpenedName;
 };
 
-void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots)
+void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::uint64_t inPromised)
 {
     if (inVolume.mLargest == 0) {
         return;
@@ -260,8 +262,9 @@ void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots)
     const UTF16String path = isHeld ? folder.Path() : inRoots.mDestination;
     const std::string shown = JoinHostPath(inRoots.mShownDestination, inVolume.mFolder);
     const std::uint64_t free = ORL::DiskUtils::GetFreeSpaceFromPath(path);
-    if (inVolume.mBytes > free) {
-        throw Failure("ingest: \"" + shown + "\" has room for " + InWords(free) + ", but " + InWords(inVolume.mBytes)
+    const std::uint64_t bytes = inPromised + inVolume.mBytes;
+    if (bytes > free) {
+        throw Failure("ingest: \"" + shown + "\" has room for " + InWords(free) + ", but " + InWords(bytes)
                           + " are to be copied; nothing was begun",
                       kExitNoRoom);
     }
@@ -281,10 +284,13 @@ IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest)
     return Planner(std::move(inListing), inRequest).Make();
 }
 
-void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots)
+void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised)
 {
     for (const IngestVolume& volume : inPlan.mVolumes) {
-        CheckRoomOf(volume, inRoots);
+        CheckRoomOf(volume, inRoots, ioPromised[volume.mVolume]);
+    }
+    for (const IngestVolume& volume : inPlan.mVolumes) {
+        ioPromised[volume.mVolume] += volume.mBytes;
     }
 }
 

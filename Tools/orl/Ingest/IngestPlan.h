@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -36,6 +37,7 @@ struct IngestItem
 /// The bytes and files to be written to one volume.
 struct IngestVolume
 {
+    std::uint64_t mVolume = 0;
     std::string mFolder; // a folder of the destination that is there
     std::uint64_t mBytes = 0;
     std::uint64_t mLargest = 0;
@@ -66,8 +68,11 @@ struct IngestPlanRequest
 /// no file at all.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
+/// Bytes that other destinations of this run will write, by volume.
+using PromisedRoom = std::map<std::uint64_t, std::uint64_t>;
+
 /// Throws Failure where a volume of the destination has no room for all that is to be written, or its file system none
-/// for so large a file.
-void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots);
+/// for so large a file. Otherwise the room is promised.
+void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised);
 
 } // namespace orl

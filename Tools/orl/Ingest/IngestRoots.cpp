@@ -96,6 +96,15 @@ void FindDestination(IngestRoots& ioRoots)
     if (ioRoots.mHasDestination) {
         ioRoots.mDestinationIdentity = folder.Identity();
     }
+    for (UTF16String path = ioRoots.mDestination; !folder.IsOpen();) {
+        const UTF16String above = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
+        if (above.empty() || above == path) {
+            break;
+        }
+        path = above;
+        HeldFolder::Open(path, folder);
+    }
+    ioRoots.mVolume = folder.IsOpen() ? folder.Identity().mVolume : 0;
 }
 
 } // namespace
@@ -136,6 +145,22 @@ IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestinat
         throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
     }
     return roots;
+}
+
+void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther)
+{
+    const auto isInside = [](const IngestRoots& inInner, const IngestRoots& inOuter) {
+        return (inOuter.mHasDestination && IsInside(inInner.mDestination, inOuter.mDestinationIdentity))
+               || IsTextInside(inInner.mDestination, inOuter.mDestination);
+    };
+    const bool isOtherInside = isInside(inOther, inOne);
+    if (isOtherInside || isInside(inOne, inOther)) {
+        const IngestRoots& inner = isOtherInside ? inOther : inOne;
+        const IngestRoots& outer = isOtherInside ? inOne : inOther;
+        throw Failure("ingest: the destination \"" + inner.mShownDestination + "\" lies inside the destination \""
+                          + outer.mShownDestination + "\"",
+                      kExitUsage);
+    }
 }
 
 void MakeDestination(IngestRoots& ioRoots)

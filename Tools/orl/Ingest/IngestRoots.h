@@ -20,6 +20,7 @@ struct IngestRoots
     EntryIdentity mSourceIdentity;      // as they were at the start
     EntryIdentity mDestinationIdentity; // meaningful once mHasDestination is true
     bool mHasDestination = false;
+    std::uint64_t mVolume = 0; // of the destination, or of the folder in which it will be created
 
     /// Opens a folder below the source, one name after the other, so that no path is too long. Links are followed.
     /// kPathNotFound where the source itself is gone or another folder has its place.
@@ -31,6 +32,9 @@ struct IngestRoots
 
 /// Takes the two arguments. Throws Failure where the source is no folder, or the destination lies inside it.
 IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestination);
+
+/// Throws Failure if two destinations are the same folder or one lies inside the other.
+void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther);
 
 /// Makes the destination where it is not there, with the folders above it. Their names are on disk when this returns.
 /// Throws Failure.

@@ -26,13 +26,16 @@ class Run
 {
 public:
     Run(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher)
+        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,
+        const IngestRunWatcher& inWatcher)
         : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher),
           mRoots(inRoots), mContext{
                                inRoots,
                                inPlan.mSourceFolders,
                                ioManifest,
                                ioRecord,
+                               inShare.mSource,
+                               inShare.mDestination,
                                inSettings.mReplaces,
                                [this] { return IsStopped(); },
                                [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
@@ -51,6 +54,7 @@ public:
         } catch (const Failure& failure) {
             AddTrouble(failure, true);
         }
+        mContext.mSource.GiveUpAll(mContext.mDestination);
         Acknowledge();
         Compact();
         CollectRows();
@@ -144,10 +148,10 @@ private:
 
     void Work()
     {
-        std::vector<unsigned char> buffer;
         for (std::size_t i = mNext++; i < mPlan.mItems.size() && !IsStopped(); i = mNext++) {
             if (mPlan.mItems[i].mState != IngestItem::kVerifiedBefore) {
-                Bring(i, buffer);
+                Bring(i);
+                mContext.mSource.GiveUp(mContext.mDestination, mPlan.mItems[i].mName);
             }
             mDone.fetch_add(1, std::memory_order_relaxed);
         }
@@ -156,10 +160,10 @@ private:
         mChanged.notify_all();
     }
 
-    void Bring(std::size_t inIndex, std::vector<unsigned char>& ioBuffer)
+    void Bring(std::size_t inIndex)
     {
         try {
-            IngestedFile file = IngestFile(mPlan.mItems[inIndex], mContext, ioBuffer);
+            IngestedFile file = IngestFile(mPlan.mItems[inIndex], mContext);
             const std::lock_guard<std::mutex> lock(mMutex);
             mVerified.push_back(inIndex);
             mFiles[inIndex] = std::move(file);
@@ -264,7 +268,7 @@ private:
     const IngestPlan& mPlan;
     const IngestSettings& mSettings;
     IngestManifest& mManifest;
-    const IngestWatcher& mWatcher;
+    const IngestRunWatcher& mWatcher;
     const IngestRoots& mRoots;
     const IngestContext mContext;
     std::atomic<bool> mEnds{false};
@@ -285,41 +289,10 @@ private:
 } // namespace
 
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher)
+                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,
+                        const IngestRunWatcher& inWatcher)
 {
-    return Run(inPlan, inRoots, inSettings, ioManifest, ioRecord, inWatcher).Execute();
-}
-
-// First the source is looked at, so that not even our record is written into it; then the manifest, then what earlier
-// runs have left: its room counts as free. Only our own record is written before every check has passed.
-IngestOutcome Ingest(IngestRoots& ioRoots, const std::string& inManifestName, const IngestSettings& inSettings,
-                     const IngestWatcher& inWatcher, IngestPlan& outPlan)
-{
-    const bool wasThere = ioRoots.mHasDestination;
-    IngestListing listing = ListSource(ioRoots, inWatcher.mIsStopped);
-    if (wasThere && listing.mIdentities.count(ioRoots.mDestinationIdentity) != 0) {
-        throw Failure("ingest: the destination \"" + ioRoots.mShownDestination + "\" lies inside the source");
-    }
-    IngestRecord record(ioRoots, inManifestName);
-    IngestManifest manifest(ioRoots, inManifestName, record);
-    if (wasThere) {
-        record.Open();
-        manifest.Read();
-    }
-    record.RemoveLeftovers(listing.mIdentities);
-    outPlan = MakePlan(std::move(listing), {ioRoots, inManifestName, manifest, wasThere ? &record : nullptr,
-                                            inSettings.mReplaces, inWatcher.mIsStopped});
-    CheckRoom(outPlan, ioRoots);
-    if (!wasThere) {
-        MakeDestination(ioRoots);
-        record.Open();
-        manifest.Read();
-    }
-    manifest.Mend();
-    if (inWatcher.mOnPlanned) {
-        inWatcher.mOnPlanned(outPlan);
-    }
-    return RunIngest(outPlan, ioRoots, inSettings, manifest, record, inWatcher);
+    return Run(inPlan, inRoots, inSettings, ioManifest, ioRecord, inShare, inWatcher).Execute();
 }
 
 } // namespace orl

@@ -14,18 +14,25 @@ namespace orl {
 
 struct IngestSettings
 {
-    unsigned mFilesAtOnce = 4;
+    unsigned mFilesAtOnce = 4; // of each destination
     bool mReplaces = false;
+    SharingLimits mSharing;
 };
 
-/// What the caller of a run is asked and told.
-struct IngestWatcher
+/// The callbacks of a run to one destination.
+struct IngestRunWatcher
 {
-    std::function<bool()> mIsStopped;                       // called on any thread, between two blocks
-    std::function<void(const IngestPlan&)> mOnPlanned = {}; // on the caller's thread, when work begins; may be empty
+    std::function<bool()> mIsStopped; // called on any thread, between two blocks
     std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)>
         mShow;                                                       // on the caller's thread, ten times a second
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // called on any thread; may be empty
+};
+
+/// The source that all runs share, and the index of this run's destination.
+struct IngestShare
+{
+    SharedSource& mSource;
+    std::size_t mDestination;
 };
 
 struct IngestOutcome
@@ -39,6 +46,7 @@ struct IngestOutcome
 
     std::vector<Row> mRows; // what is at the destination, verified, and in the manifest: in the plan's order
     std::vector<IngestTrouble> mTroubles;
+    bool mIsRefused = false; // nothing was begun
     bool mIsStopped = false;
     bool mHasNoAnswer = false; // of the destination: the process had better end without a stop of the library
     double mSeconds = 0;
@@ -48,11 +56,7 @@ struct IngestOutcome
 /// disk under its final name. When this returns, everything that was verified is acknowledged, unless a trouble says
 /// that the disk or the manifest cannot be kept.
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
-                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestWatcher& inWatcher);
-
-/// A whole ingest: everything is looked at before anything changes, then RunIngest. Throws Failure where nothing was
-/// begun.
-IngestOutcome Ingest(IngestRoots& ioRoots, const std::string& inManifestName, const IngestSettings& inSettings,
-                     const IngestWatcher& inWatcher, IngestPlan& outPlan);
+                        IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,
+                        const IngestRunWatcher& inWatcher);
 
 } // namespace orl

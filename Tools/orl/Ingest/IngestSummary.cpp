@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
+#include <map>
 
 namespace orl {
 
@@ -43,40 +44,105 @@ constexpr std::size_t kMostRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 
-const char* StateOf(const IngestOutcome::Row& inRow)
+/// One file of the source, with the number of destinations that have it.
+struct ShownFile
 {
-    return inRow.mDigest.empty() ? "verified before" : inRow.mWasPresent ? "present" : "verified";
+    const IngestItem* mItem = nullptr;
+    const IngestRoots* mRoots = nullptr; // of one destination that has it
+    std::string mDigest;                 // empty if it was verified before
+    bool mWasPresent = false;
+    std::size_t mCount = 0;
+};
+
+std::vector<ShownFile> ShownFilesOf(const std::vector<IngestDestination>& inDestinations)
+{
+    std::map<std::string, ShownFile> files;
+    for (const IngestDestination& destination : inDestinations) {
+        for (const IngestOutcome::Row& row : destination.mOutcome.mRows) {
+            ShownFile& file = files[row.mItem->mName];
+            file.mItem = row.mItem;
+            file.mRoots = &destination.mRoots;
+            file.mDigest = row.mDigest.empty() ? file.mDigest : row.mDigest;
+            file.mWasPresent = row.mWasPresent;
+            ++file.mCount;
+        }
+    }
+    std::vector<ShownFile> list;
+    for (auto& [name, file] : files) {
+        list.push_back(std::move(file));
+    }
+    return list;
 }
 
-std::string LengthOf(const IngestOutcome::Row& inRow, const IngestRoots& inRoots, const NamedRate& inRate)
+// With several destinations the state is their number.
+std::string StateOf(const ShownFile& inFile, std::size_t inDestinations)
+{
+    if (inDestinations > 1) {
+        return std::to_string(inFile.mCount) + " of " + std::to_string(inDestinations);
+    }
+    return inFile.mDigest.empty() ? "verified before" : inFile.mWasPresent ? "present" : "verified";
+}
+
+std::string LengthOf(const ShownFile& inFile, const NamedRate& inRate)
 {
     HeldFolder folder;
-    const bool isThere = ORL::ResultSucceeded(inRoots.OpenDestination(FolderOf(inRow.mItem->mName), folder));
-    return isThere ? TimecodeLength(folder.PathOf(LeafOf(inRow.mItem->mName)), inRate) : std::string();
+    const std::string& name = inFile.mItem->mName;
+    const bool isThere = ORL::ResultSucceeded(inFile.mRoots->OpenDestination(FolderOf(name), folder));
+    return isThere ? TimecodeLength(folder.PathOf(LeafOf(name)), inRate) : std::string();
 }
 
-void PrintTable(const std::vector<IngestOutcome::Row>& inRows, const IngestRoots& inRoots, const NamedRate& inRate)
+void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestinations, const NamedRate& inRate)
 {
-    const std::size_t count = std::min(inRows.size(), kMostRows);
+    const std::size_t count = std::min(inFiles.size(), kMostRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
-        width = std::max(width, ColumnsOf(EndOf(inRows[i].mItem->mName, kWidestName)));
+        width = std::max(width, ColumnsOf(EndOf(inFiles[i].mItem->mName, kWidestName)));
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
                               const std::string& inState, const std::string& inDigest) {
         std::cout << PaddedTo(width, inName) << std::right << std::setw(14) << inBytes << std::setw(13) << inLength
                   << "  " << std::left << std::setw(17) << inState << inDigest << '\n';
     };
-    line("file", "bytes", "length", "state", "SHA-256");
+    line("file", "bytes", "length", inDestinations > 1 ? "verified at" : "state", "SHA-256");
     for (std::size_t i = 0; i < count; ++i) {
-        const IngestOutcome::Row& row = inRows[i];
-        const bool isNew = !row.mDigest.empty();
-        line(EndOf(row.mItem->mName, kWidestName), std::to_string(row.mItem->mSize), LengthOf(row, inRoots, inRate),
-             StateOf(row), isNew ? row.mDigest.substr(0, kShownDigits) + "..." : "");
+        const ShownFile& file = inFiles[i];
+        line(EndOf(file.mItem->mName, kWidestName), std::to_string(file.mItem->mSize), LengthOf(file, inRate),
+             StateOf(file, inDestinations),
+             file.mDigest.empty() ? "" : file.mDigest.substr(0, kShownDigits) + "...");
     }
-    if (inRows.size() > count) {
-        std::cout << "... and " << inRows.size() - count << " more\n";
+    if (inFiles.size() > count) {
+        std::cout << "... and " << inFiles.size() - count << " more\n";
     }
+}
+
+void PrintSums(const IngestOutcome& inOutcome, std::size_t inFiles)
+{
+    std::uint64_t bytes = 0;
+    std::size_t files = 0;
+    std::size_t present = 0;
+    std::size_t before = 0;
+    for (const IngestOutcome::Row& row : inOutcome.mRows) {
+        const bool isCopied = !row.mDigest.empty() && !row.mWasPresent;
+        bytes += isCopied ? row.mItem->mSize : 0;
+        files += isCopied ? 1 : 0;
+        present += row.mWasPresent ? 1 : 0;
+        before += row.mDigest.empty() ? 1 : 0;
+    }
+    std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << InWords(bytes) << " in "
+              << Rounded(inOutcome.mSeconds) << " s";
+    if (inOutcome.mSeconds > 0 && bytes != 0) {
+        std::cout << " (" << Rounded(static_cast<double>(bytes) / 1e6 / inOutcome.mSeconds) << " MB/s)";
+    }
+    if (present != 0) {
+        std::cout << ", " << present << " present and compared";
+    }
+    if (before != 0) {
+        std::cout << ", " << before << " verified before";
+    }
+    if (inOutcome.mRows.size() < inFiles) {
+        std::cout << ", " << inFiles - inOutcome.mRows.size() << " not in place";
+    }
+    std::cout << '.';
 }
 
 } // namespace
@@ -115,38 +181,50 @@ std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate)
     return ToUTF8(ORL::Timecode(time, inRate.mRate, inRate.mDisplay).GetString());
 }
 
-void PrintSummary(const IngestOutcome& inOutcome, const IngestRoots& inRoots, std::size_t inFiles,
-                  const NamedRate& inRate, const std::string& inManifest)
+void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
+                  const std::string& inManifestName)
 {
-    if (!inOutcome.mRows.empty()) {
-        PrintTable(inOutcome.mRows, inRoots, inRate);
+    const bool areSeveral = inDestinations.size() > 1;
+    const std::vector<ShownFile> files = ShownFilesOf(inDestinations);
+    if (!files.empty()) {
+        PrintTable(files, inDestinations.size(), inRate);
     }
-    std::uint64_t bytes = 0;
-    std::size_t files = 0;
-    std::size_t present = 0;
-    std::size_t before = 0;
-    for (const IngestOutcome::Row& row : inOutcome.mRows) {
-        const bool isCopied = !row.mDigest.empty() && !row.mWasPresent;
-        bytes += isCopied ? row.mItem->mSize : 0;
-        files += isCopied ? 1 : 0;
-        present += row.mWasPresent ? 1 : 0;
-        before += row.mDigest.empty() ? 1 : 0;
+    for (const IngestDestination& destination : inDestinations) {
+        const std::string& shown = destination.mRoots.mShownDestination;
+        std::cout << (areSeveral ? "\"" + shown + "\": " : "");
+        if (destination.mOutcome.mIsRefused) {
+            std::cout << "nothing was begun.\n";
+            continue;
+        }
+        PrintSums(destination.mOutcome, destination.mPlan.mItems.size() + destination.mPlan.mTroubles.size());
+        std::cout << (areSeveral ? " " : "\n") << "The manifest is \"" << JoinHostPath(shown, inManifestName)
+                  << "\".\n";
     }
-    std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << InWords(bytes) << " in "
-              << Rounded(inOutcome.mSeconds) << " s";
-    if (inOutcome.mSeconds > 0 && bytes != 0) {
-        std::cout << " (" << Rounded(static_cast<double>(bytes) / 1e6 / inOutcome.mSeconds) << " MB/s)";
+}
+
+std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDestinations)
+{
+    std::map<std::string, std::size_t> counts;
+    for (const IngestDestination& destination : inDestinations) {
+        for (const IngestTrouble& trouble : destination.mOutcome.mTroubles) {
+            ++counts[trouble.mText];
+        }
     }
-    if (present != 0) {
-        std::cout << ", " << present << " present and compared";
+    const std::string who = "ingest: ";
+    std::vector<IngestTrouble> troubles;
+    for (const IngestDestination& destination : inDestinations) {
+        for (const IngestTrouble& trouble : destination.mOutcome.mTroubles) {
+            const bool isCommon = counts[trouble.mText] >= inDestinations.size();
+            if (!isCommon) {
+                troubles.push_back({who + "\"" + destination.mRoots.mShownDestination + "\": "
+                                        + trouble.mText.substr(who.size()),
+                                    trouble.mExitCode});
+            } else if (&destination == &inDestinations.front()) {
+                troubles.push_back(trouble);
+            }
+        }
     }
-    if (before != 0) {
-        std::cout << ", " << before << " verified before";
-    }
-    if (inOutcome.mRows.size() < inFiles) {
-        std::cout << ", " << inFiles - inOutcome.mRows.size() << " not in place";
-    }
-    std::cout << ".\nThe manifest is \"" << inManifest << "\".\n";
+    return troubles;
 }
 
 } // namespace orl

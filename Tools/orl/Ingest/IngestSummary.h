@@ -1,7 +1,7 @@
 // What an ingest shows at its end.
 #pragma once
 
-#include "IngestRun.h"
+#include "IngestDestinations.h"
 
 #include <string>
 
@@ -19,8 +19,11 @@ std::string RateNames();
 /// The timecode of a file's length, empty for a file that has none.
 std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 
-/// The table, which leaves out the files behind the 24th, and the sums.
-void PrintSummary(const IngestOutcome& inOutcome, const IngestRoots& inRoots, std::size_t inFiles,
-                  const NamedRate& inRate, const std::string& inManifest);
+/// The table, which leaves out the files behind the 24th, and the sums of each destination.
+void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
+                  const std::string& inManifestName);
+
+/// All troubles. With several destinations each line names its own, and a trouble that all share is listed once.
+std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDestinations);
 
 } // namespace orl

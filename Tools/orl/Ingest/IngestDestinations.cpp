@@ -1,0 +1,238 @@
+#include "IngestDestinations.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace orl {
+
+namespace {
+
+constexpr std::chrono::milliseconds kTick(100);
+
+/// The open files of one destination.
+struct Opened
+{
+    Opened(const IngestRoots& inRoots, const std::string& inManifestName)
+        : mRecord(inRoots, inManifestName), mManifest(inRoots, inManifestName, mRecord)
+    {
+    }
+
+    IngestRecord mRecord;
+    IngestManifest mManifest;
+    std::atomic<std::uint64_t> mPassed{0};
+    std::atomic<std::size_t> mDone{0};
+    bool mIsOver = false; // guarded by the ingest's mutex
+};
+
+class WholeIngest
+{
+public:
+    WholeIngest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
+                const IngestSettings& inSettings, const IngestWatcher& inWatcher)
+        : mDestinations(ioDestinations), mManifestName(inManifestName), mSettings(inSettings), mWatcher(inWatcher),
+          mSource(inSettings.mSharing), mOpened(ioDestinations.size())
+    {
+    }
+
+    std::uint64_t Execute()
+    {
+        const IngestListing listing = ListSource(mDestinations.front().mRoots, mWatcher.mIsStopped);
+        for (std::size_t i = 0; i < mDestinations.size(); ++i) {
+            try {
+                Begin(i, listing);
+            } catch (const Failure& failure) {
+                Refuse(i, failure);
+            }
+        }
+        Want();
+        if (mWatcher.mOnPlanned) {
+            TellPlan();
+        }
+        ServeAll();
+        return mSource.BytesRead();
+    }
+
+private:
+    // The check against the source comes first, so that not even our record is written there. Leftovers of earlier runs
+    // are deleted before the free space is checked. Only our record is written before every check has passed.
+    void Begin(std::size_t inIndex, const IngestListing& inListing)
+    {
+        IngestDestination& destination = mDestinations[inIndex];
+        IngestRoots& roots = destination.mRoots;
+        const bool wasThere = roots.mHasDestination;
+        if (wasThere && inListing.mIdentities.count(roots.mDestinationIdentity) != 0) {
+            throw Failure("ingest: the destination \"" + roots.mShownDestination + "\" lies inside the source");
+        }
+        auto opened = std::make_unique<Opened>(roots, mManifestName);
+        if (wasThere) {
+            opened->mRecord.Open();
+            opened->mManifest.Read();
+        }
+        opened->mRecord.RemoveLeftovers(inListing.mIdentities);
+        destination.mPlan =
+            MakePlan(inListing, {roots, mManifestName, opened->mManifest, wasThere ? &opened->mRecord : nullptr,
+                                 mSettings.mReplaces, mWatcher.mIsStopped});
+        CheckRoom(destination.mPlan, roots, mPromised);
+        if (!wasThere) {
+            MakeDestination(roots);
+            opened->mRecord.Open();
+            opened->mManifest.Read();
+        }
+        opened->mManifest.Mend();
+        mOpened[inIndex] = std::move(opened);
+    }
+
+    // A failure that concerns all destinations, or the only one, ends the ingest.
+    void Refuse(std::size_t inIndex, const Failure& inFailure)
+    {
+        const bool isOfAll = inFailure.ExitCode() == kExitStopped || inFailure.ExitCode() == kExitEmpty;
+        if (isOfAll || mDestinations.size() == 1) {
+            throw inFailure;
+        }
+        mDestinations[inIndex].mPlan = IngestPlan();
+        mDestinations[inIndex].mOutcome.mIsRefused = true;
+        mDestinations[inIndex].mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
+    }
+
+    // A single destination shares nothing.
+    void Want()
+    {
+        for (std::size_t i = 0; i < mDestinations.size() && mDestinations.size() > 1; ++i) {
+            for (const IngestItem& item : mDestinations[i].mPlan.mItems) {
+                if (item.mState != IngestItem::kVerifiedBefore) {
+                    mSource.Want(i, item.mName);
+                }
+            }
+        }
+    }
+
+    void TellPlan() const
+    {
+        std::uint64_t bytes = 0;
+        std::size_t files = 0;
+        for (const IngestDestination& destination : mDestinations) {
+            bytes += destination.mPlan.mBytesToPass;
+            files += destination.mPlan.mItems.size();
+        }
+        mWatcher.mOnPlanned(bytes, files);
+    }
+
+    void ServeAll()
+    {
+        std::vector<std::thread> threads;
+        for (std::size_t i = 0; i < mDestinations.size(); ++i) {
+            if (mOpened[i]) {
+                threads.emplace_back([this, i] { Serve(i); });
+            }
+        }
+        Watch();
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        Show();
+    }
+
+    void Serve(std::size_t inIndex)
+    {
+        IngestDestination& destination = mDestinations[inIndex];
+        Opened& opened = *mOpened[inIndex];
+        try {
+            destination.mOutcome =
+                RunIngest(destination.mPlan, destination.mRoots, mSettings, opened.mManifest, opened.mRecord,
+                          {mSource, inIndex}, WatcherOf(inIndex));
+        } catch (const std::exception& failure) {
+            destination.mOutcome.mTroubles.push_back({"ingest: " + std::string(failure.what()), kExitFailure});
+        }
+        mSource.GiveUpAll(inIndex);
+        const std::lock_guard<std::mutex> lock(mMutex);
+        opened.mIsOver = true;
+        mChanged.notify_all();
+    }
+
+    IngestRunWatcher WatcherOf(std::size_t inIndex)
+    {
+        IngestRunWatcher watcher;
+        watcher.mIsStopped = mWatcher.mIsStopped;
+        watcher.mShow = [&opened = *mOpened[inIndex]](std::uint64_t inPassed, std::size_t inDone) {
+            opened.mPassed.store(inPassed, std::memory_order_relaxed);
+            opened.mDone.store(inDone, std::memory_order_relaxed);
+        };
+        if (mWatcher.mOnStep) {
+            watcher.mOnStep = [this, inIndex](IngestStep inStep, const IngestItem& inItem) {
+                mWatcher.mOnStep(inIndex, inStep, inItem);
+            };
+        }
+        return watcher;
+    }
+
+    void Watch()
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        while (!mChanged.wait_for(lock, kTick, [this] { return AreAllOver(); })) {
+            lock.unlock();
+            Show();
+            lock.lock();
+        }
+    }
+
+    bool AreAllOver() const
+    {
+        for (const std::unique_ptr<Opened>& opened : mOpened) {
+            if (opened && !opened->mIsOver) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void Show() const
+    {
+        std::uint64_t passed = 0;
+        std::size_t done = 0;
+        for (const std::unique_ptr<Opened>& opened : mOpened) {
+            passed += opened ? opened->mPassed.load(std::memory_order_relaxed) : 0;
+            done += opened ? opened->mDone.load(std::memory_order_relaxed) : 0;
+        }
+        mWatcher.mShow(passed, done);
+    }
+
+    std::vector<IngestDestination>& mDestinations;
+    const std::string& mManifestName;
+    const IngestSettings& mSettings;
+    const IngestWatcher& mWatcher;
+    SharedSource mSource;
+    PromisedRoom mPromised;
+    std::vector<std::unique_ptr<Opened>> mOpened; // null where one was refused
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+};
+
+} // namespace
+
+std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
+                                                const std::vector<std::string>& inDestinations)
+{
+    std::vector<IngestDestination> destinations;
+    for (const std::string& argument : inDestinations) {
+        IngestDestination destination;
+        destination.mRoots = MakeRoots(inSource, argument);
+        for (const IngestDestination& earlier : destinations) {
+            CheckApart(earlier.mRoots, destination.mRoots);
+        }
+        destinations.push_back(std::move(destination));
+    }
+    return destinations;
+}
+
+std::uint64_t Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
+                     const IngestSettings& inSettings, const IngestWatcher& inWatcher)
+{
+    return WholeIngest(ioDestinations, inManifestName, inSettings, inWatcher).Execute();
+}
+
+} // namespace orl

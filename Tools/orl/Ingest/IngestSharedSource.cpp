@@ -1,0 +1,358 @@
+#include "IngestSharedSource.h"
+
+#include "Sha256.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace orl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Block = SharedReading::Block;
+
+// Each file may keep this many blocks beyond the limit. Otherwise destinations could wait for each other at different
+// files.
+constexpr std::size_t kLeastBlocks = 4;
+
+constexpr std::chrono::milliseconds kLook(50);
+constexpr std::chrono::seconds kLeastPatience(1);
+
+/// A file being read. Places are offsets in bytes, at the start of a block or at the end of the file.
+struct SharedFile
+{
+    explicit SharedFile(std::uint64_t inSize) : mSize(inSize) {}
+
+    bool IsAnyoneBehind(std::size_t inReader) const
+    {
+        return std::any_of(mPlaces.begin(), mPlaces.end(), [&](const auto& inPlace) {
+            // Readers before mKept do not count: they read by themselves.
+            return inPlace.first != inReader && inPlace.second >= mKept;
+        });
+    }
+
+    const std::uint64_t mSize;
+    std::uint64_t mKept = 0; // start of the first block in memory
+    std::uint64_t mRead = 0; // end of what was read
+    bool mIsReading = false; // a destination reads the block at mRead
+    std::deque<Block> mBlocks;
+    Sha256 mSum;
+    std::string mDigest;                          // empty until the whole file was read
+    std::map<std::size_t, std::uint64_t> mPlaces; // next offset of each destination that needs the file
+};
+
+using Bytes = std::vector<unsigned char>;
+
+/// Reuses the memory of blocks: fresh memory costs page faults and clearing.
+struct BlockPool
+{
+    std::shared_ptr<Bytes> Take(const std::shared_ptr<BlockPool>& inSelf, std::size_t inSize)
+    {
+        Bytes bytes;
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            if (!mFree.empty()) {
+                bytes = std::move(mFree.back());
+                mFree.pop_back();
+            }
+        }
+        bytes.resize(inSize);
+        return std::shared_ptr<Bytes>(new Bytes(std::move(bytes)), [inSelf](Bytes* inBytes) {
+            const std::unique_ptr<Bytes> owned(inBytes);
+            const std::lock_guard<std::mutex> lock(inSelf->mMutex);
+            if (inSelf->mFree.size() < kMostFree) {
+                inSelf->mFree.push_back(std::move(*owned));
+            }
+        });
+    }
+
+    static constexpr std::size_t kMostFree = 64;
+
+    std::mutex mMutex;
+    std::vector<Bytes> mFree = ReservedList(); // returning a block allocates nothing
+
+    static std::vector<Bytes> ReservedList()
+    {
+        std::vector<Bytes> list;
+        list.reserve(kMostFree);
+        return list;
+    }
+};
+
+using FilePtr = std::shared_ptr<SharedFile>;
+
+} // namespace
+
+struct SharedSource::State
+{
+    explicit State(const SharingLimits& inLimits) : mLimits(inLimits) {}
+
+    FilePtr Join(std::size_t inDestination, const std::string& inName, std::uint64_t inSize);
+    void Leave(std::size_t inDestination, const std::string& inName, SharedFile& ioFile);
+    void Trim(SharedFile& ioFile);
+    void DropFirst(SharedFile& ioFile);
+
+    const SharingLimits mLimits;
+    const std::shared_ptr<BlockPool> mPool = std::make_shared<BlockPool>();
+    std::atomic<std::uint64_t> mBytesRead{0};
+    std::mutex mMutex; // guards all below, with the files
+    std::condition_variable mChanged;
+    std::uint64_t mBytesKept = 0;
+    std::map<std::string, std::set<std::size_t>> mWanted; // by destinations that have not joined the file yet
+    std::map<std::string, FilePtr> mFiles;                // being read
+};
+
+// A destination that did not register, or reads a file a second time, reads it alone.
+FilePtr SharedSource::State::Join(std::size_t inDestination, const std::string& inName, std::uint64_t inSize)
+{
+    const auto wanted = mWanted.find(inName);
+    if (wanted == mWanted.end() || wanted->second.erase(inDestination) == 0) {
+        const auto alone = std::make_shared<SharedFile>(inSize);
+        alone->mPlaces[inDestination] = 0;
+        return alone;
+    }
+    FilePtr& file = mFiles[inName];
+    if (!file) {
+        file = std::make_shared<SharedFile>(inSize);
+        for (const std::size_t other : wanted->second) {
+            file->mPlaces[other] = 0;
+        }
+    }
+    file->mPlaces[inDestination] = 0;
+    return file;
+}
+
+void SharedSource::State::Leave(std::size_t inDestination, const std::string& inName, SharedFile& ioFile)
+{
+    ioFile.mPlaces.erase(inDestination);
+    Trim(ioFile);
+    const auto file = mFiles.find(inName);
+    if (file != mFiles.end() && file->second.get() == &ioFile && ioFile.mPlaces.empty()) {
+        mFiles.erase(file);
+        mWanted.erase(inName);
+    }
+    mChanged.notify_all();
+}
+
+// Readers before mKept read from the source by themselves until they reach it.
+void SharedSource::State::Trim(SharedFile& ioFile)
+{
+    while (!ioFile.mBlocks.empty()) {
+        const auto wantsFirst = [&ioFile](const auto& inPlace) { return inPlace.second == ioFile.mKept; };
+        if (std::any_of(ioFile.mPlaces.begin(), ioFile.mPlaces.end(), wantsFirst)) {
+            return;
+        }
+        DropFirst(ioFile);
+    }
+}
+
+void SharedSource::State::DropFirst(SharedFile& ioFile)
+{
+    const std::size_t size = ioFile.mBlocks.front()->size();
+    ioFile.mBlocks.pop_front();
+    ioFile.mKept += size;
+    mBytesKept -= size;
+}
+
+SharedSource::SharedSource(const SharingLimits& inLimits) : mState(std::make_unique<State>(inLimits))
+{
+}
+
+SharedSource::~SharedSource() = default;
+
+void SharedSource::Want(std::size_t inDestination, const std::string& inName)
+{
+    const std::lock_guard<std::mutex> lock(mState->mMutex);
+    mState->mWanted[inName].insert(inDestination);
+}
+
+void SharedSource::GiveUp(std::size_t inDestination, const std::string& inName)
+{
+    const std::lock_guard<std::mutex> lock(mState->mMutex);
+    const auto wanted = mState->mWanted.find(inName);
+    if (wanted == mState->mWanted.end() || wanted->second.erase(inDestination) == 0) {
+        return;
+    }
+    const auto file = mState->mFiles.find(inName);
+    if (file != mState->mFiles.end()) {
+        const FilePtr held = file->second;
+        mState->Leave(inDestination, inName, *held);
+    }
+}
+
+void SharedSource::GiveUpAll(std::size_t inDestination)
+{
+    std::vector<std::string> names;
+    {
+        const std::lock_guard<std::mutex> lock(mState->mMutex);
+        for (const auto& [name, destinations] : mState->mWanted) {
+            if (destinations.count(inDestination) != 0) {
+                names.push_back(name);
+            }
+        }
+    }
+    for (const std::string& name : names) {
+        GiveUp(inDestination, name);
+    }
+}
+
+std::uint64_t SharedSource::BytesRead() const
+{
+    return mState->mBytesRead.load();
+}
+
+struct SharedReading::Impl
+{
+    using Lock = std::unique_lock<std::mutex>;
+
+    std::uint64_t& Place() { return mFile->mPlaces[mDestination]; }
+
+    std::size_t SizeAt(std::uint64_t inAt) const
+    {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(kBlockSize, mFile->mSize - inAt));
+    }
+
+    Block ReadAt(std::uint64_t inAt)
+    {
+        const std::shared_ptr<Bytes> bytes = mSource.mPool->Take(mSource.mPool, SizeAt(inAt));
+        mRead(inAt, bytes->data(), bytes->size());
+        mSource.mBytesRead += bytes->size();
+        return bytes;
+    }
+
+    /// For a reader whose block was dropped.
+    Block ReadAgain(std::uint64_t inAt, Lock& ioLock)
+    {
+        ioLock.unlock();
+        Block block = ReadAt(inAt);
+        ioLock.lock();
+        Place() += block->size();
+        return block;
+    }
+
+    Block Take(std::uint64_t inAt)
+    {
+        Block block = mFile->mBlocks[static_cast<std::size_t>((inAt - mFile->mKept) / kBlockSize)];
+        Place() += block->size();
+        mSource.Trim(*mFile);
+        mSource.mChanged.notify_all();
+        return block;
+    }
+
+    /// True while another destination reads, or while the memory limit is reached and another one is behind.
+    bool MustWait()
+    {
+        return mFile->mIsReading
+               || (mFile->mBlocks.size() >= kLeastBlocks && mSource.mBytesKept >= mSource.mLimits.mBytesKept
+                   && mFile->IsAnyoneBehind(mDestination));
+    }
+
+    void Wait(Lock& ioLock)
+    {
+        const Clock::time_point start = Clock::now();
+        const bool isForOthers = !mFile->mIsReading;
+        const bool isPatient = mSource.mLimits.mWaits && mWaited < kLeastPatience + (start - mStart - mWaited);
+        if (isForOthers && !isPatient) {
+            mSource.DropFirst(*mFile);
+            return;
+        }
+        mSource.mChanged.wait_for(ioLock, kLook);
+        mWaited += isForOthers ? Clock::now() - start : Clock::duration::zero();
+        ioLock.unlock();
+        mCheck();
+        ioLock.lock();
+    }
+
+    void ReadOn(Lock& ioLock)
+    {
+        mFile->mIsReading = true;
+        const std::uint64_t at = mFile->mRead;
+        ioLock.unlock();
+        Block block;
+        try {
+            block = ReadAt(at);
+            mFile->mSum.Add(block->data(), block->size()); // one thread at a time, in order
+        } catch (...) {
+            ioLock.lock();
+            mFile->mIsReading = false;
+            mSource.mChanged.notify_all();
+            throw;
+        }
+        ioLock.lock();
+        mFile->mIsReading = false;
+        mFile->mRead += block->size();
+        mSource.mBytesKept += block->size();
+        mFile->mBlocks.push_back(std::move(block));
+        FinishSum();
+        mSource.mChanged.notify_all();
+    }
+
+    void FinishSum()
+    {
+        if (mFile->mRead == mFile->mSize && mFile->mDigest.empty()) {
+            mFile->mDigest = mFile->mSum.Finish();
+        }
+    }
+
+    SharedSource::State& mSource;
+    const std::size_t mDestination;
+    const std::string mName;
+    const Read mRead;
+    const std::function<void()> mCheck;
+    FilePtr mFile;
+    const Clock::time_point mStart = Clock::now();
+    Clock::duration mWaited = Clock::duration::zero(); // for destinations that are behind
+};
+
+SharedReading::SharedReading(SharedSource& ioSource, std::size_t inDestination, const std::string& inName,
+                             std::uint64_t inSize, Read inRead, std::function<void()> inCheck)
+    : mImpl(new Impl{*ioSource.mState, inDestination, inName, std::move(inRead), std::move(inCheck), nullptr})
+{
+    const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
+    mImpl->mFile = mImpl->mSource.Join(inDestination, inName, inSize);
+    mImpl->FinishSum(); // for an empty file
+}
+
+SharedReading::~SharedReading()
+{
+    const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
+    mImpl->mSource.Leave(mImpl->mDestination, mImpl->mName, *mImpl->mFile);
+}
+
+SharedReading::Block SharedReading::Next()
+{
+    SharedFile& file = *mImpl->mFile;
+    Impl::Lock lock(mImpl->mSource.mMutex);
+    for (;;) {
+        const std::uint64_t at = mImpl->Place();
+        if (at == file.mSize) {
+            return nullptr;
+        }
+        if (at < file.mKept) {
+            return mImpl->ReadAgain(at, lock);
+        }
+        if (at < file.mRead) {
+            return mImpl->Take(at);
+        }
+        if (mImpl->MustWait()) {
+            mImpl->Wait(lock);
+        } else {
+            mImpl->ReadOn(lock);
+        }
+    }
+}
+
+std::string SharedReading::Digest() const
+{
+    const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
+    return mImpl->mFile->mDigest;
+}
+
+} // namespace orl
