@@ -17,6 +17,7 @@
 #include <tvxcore/String.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -38,6 +39,14 @@ struct FileEntry
     unsigned short mLanguage;
     const unsigned char* mData; ///< belongs to the file object
     std::size_t mSize;          ///< in bytes
+};
+
+struct FilePicture
+{
+    unsigned int mWidth = 0;
+    unsigned int mHeight = 0;
+    std::vector<std::uint32_t>
+        mPixels; ///< rows from the top; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
 /// One open file. Thread-safe once it is open. Files may be damaged or hostile: whatever they say, nothing outside of
@@ -74,6 +83,11 @@ public:
     /// outLanguage is the language that answered.
     bool FindString(unsigned int inID, unsigned short inLanguage, UTF16String& outText,
                     unsigned short& outLanguage) const;
+
+    /// Finds and decodes a picture as Module::LoadBitmapWTL does for that language: the resource of type "PNG", else
+    /// the bitmap resource. Returns false, with outPicture untouched, if there is neither or it cannot be decoded.
+    /// Throws std::bad_alloc. Windows: the host has started GDI+.
+    bool FindPicture(unsigned short inID, unsigned short inLanguage, FilePicture& outPicture) const;
 
 private:
     struct PrivateImpl;

@@ -2,6 +2,7 @@
 // PNG resources and picture files as premultiplied native bitmaps.
 #pragma once
 
+#include <Images/BitmapReader.h>
 #include <ORLNativeHandles.h>
 #include <ORLResourceCollection.h>
 #include <tvxcore/String.h>
@@ -18,6 +19,10 @@ HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, 
 
 /// Makes a bitmap of a picture file, with the rows exchanged. Null if it cannot be read or decoded.
 HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
+
+/// Decodes a PNG file to premultiplied pixels, with the rows in their order. Returns false, with outPicture untouched, if
+/// it cannot be decoded. Throws std::bad_alloc.
+bool DecodePicture(const Resources::Bytes& inFile, PixelPicture& outPicture);
 
 } // namespace Images
 } // namespace ORL

@@ -12,9 +12,6 @@ namespace Images {
 /// exactly. The blocks are equal or do not overlap; alignment is free.
 void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
-/// The inverse: of the colours that Premultiply makes into these, those that round best. Transparent pixels become 0.
-void Unpremultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
-
 using PremultiplyFunction = void(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
 /// One way to do it, the best first; the last ones work everywhere.

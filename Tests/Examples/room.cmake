@@ -1,5 +1,5 @@
 # The tests run the example hosts that are built beside them.
-add_dependencies(${room_target} example_block_cache example_plugins example_waveform example_cut_list example_window_place)
+add_dependencies(${room_target} example_block_cache example_plugins example_waveform example_gallery example_cut_list example_window_place)
 target_compile_definitions(${room_target} PRIVATE ORL_EXAMPLES="${PROJECT_SOURCE_DIR}/Examples")
 
 # Pictures are decoded by an independent library: libpng, or GDI+ on Windows.

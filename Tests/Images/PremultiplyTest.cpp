@@ -99,19 +99,3 @@ TEST(Premultiply, InPlace_IsTheSame)
     Premultiply(pixels.data(), pixels.data(), pixels.size());
     EXPECT_EQ(apart, pixels);
 }
-
-TEST(Unpremultiply, EachResultOfPremultiply_ComesOutOfItAgain)
-{
-    for (std::uint32_t alpha = 0; alpha < 256; ++alpha) {
-        for (std::uint32_t colour = 0; colour < 256; ++colour) {
-            const std::uint32_t pixel = alpha << 24 | colour << 16 | (255 - colour) << 8 | 0x55;
-            std::uint32_t first = 0;
-            std::uint32_t straight = 0;
-            std::uint32_t second = 0;
-            Premultiply(&pixel, &first, 1);
-            Unpremultiply(&first, &straight, 1);
-            Premultiply(&straight, &second, 1);
-            ASSERT_EQ(first, second) << std::hex << pixel;
-        }
-    }
-}

@@ -24,3 +24,13 @@ if(NOT WIN32)
   pkg_check_modules(X11 REQUIRED IMPORTED_TARGET x11 xfixes)
   target_link_libraries(${room_target} PRIVATE PNG::PNG PkgConfig::SPNG PkgConfig::X11)
 endif()
+
+# What another program reads in the same bitmaps.
+if(NOT WIN32)
+  find_program(ORL_CONVERT NAMES convert-im6.q16 convert-im7.q16 REQUIRED)
+  find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)
+  add_test(NAME Images.Oracles.ImageMagickReadsTheSameBitmaps
+    COMMAND "${ORL_SYSTEM_PYTHON}" "${CMAKE_CURRENT_SOURCE_DIR}/Images/compare_with_imagemagick.py" $<TARGET_FILE:orl>
+            "${ORL_CONVERT}" $<TARGET_FILE:images_pictures> "${CMAKE_CURRENT_SOURCE_DIR}/Images/Data")
+  set_tests_properties(Images.Oracles.ImageMagickReadsTheSameBitmaps PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
+endif()

@@ -1,5 +1,5 @@
 # The tests run the program that is built beside them.
-add_dependencies(${room_target} orl resource_files resources_lookup)
+add_dependencies(${room_target} orl resource_files resources_lookup images_pictures)
 
 # A host with orl's own stream, whose file is truncated while it is read.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
@@ -35,3 +35,12 @@ endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest")
 target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")
+
+# Pictures are decoded by an independent library: libpng, or GDI+ on Windows.
+target_sources(${room_target} PRIVATE Examples/PngReader${ORL_PLATFORM}.cpp)
+if(WIN32)
+  target_link_libraries(${room_target} PRIVATE gdiplus)
+else()
+  find_package(PNG REQUIRED)
+  target_link_libraries(${room_target} PRIVATE PNG::PNG)
+endif()

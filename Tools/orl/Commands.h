@@ -29,7 +29,7 @@ void AddColour(CLI::App& ioProgram);
 /// orl hash FILE...: the three words of the library's hash.
 void AddHash(CLI::App& ioProgram);
 
-/// orl res list|string|extract|check: the resources of a module or a compiled resource file.
+/// orl res list|string|extract|picture|check: the resources of a module or a compiled resource file.
 void AddResources(CLI::App& ioProgram);
 
 } // namespace orl

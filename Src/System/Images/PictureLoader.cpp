@@ -209,5 +209,29 @@ HBITMAP LoadBitmapOfFile(const UTF16String& inPath)
     return BitmapOf<RowsExchanged>(picture.get());
 }
 
+bool DecodePicture(const Resources::Bytes& inFile, PixelPicture& outPicture)
+{
+    MemoryCopy* const copy = CopyToMemory_Impl(inFile.mData, inFile.mSize);
+    const StreamPtr stream(copy != nullptr ? CreateStream_Impl(copy) : nullptr);
+    const PicturePtr source(stream != nullptr ? CreateFromStream_Impl(stream.get()) : nullptr);
+    if (source == nullptr || GetLastStatus_Impl(source.get()) != 0) {
+        return false;
+    }
+    PixelPicture picture;
+    picture.mWidth = GetWidth_Impl(source.get());
+    picture.mHeight = GetHeight_Impl(source.get());
+    const Lock lock(source.get(), kLockRead, kFormat32bppARGB, true);
+    std::size_t size = 0;
+    if (!lock.IsGood() || !SizeOfBlock(picture.mWidth, picture.mHeight, size)) {
+        return false;
+    }
+    picture.mPixels.resize(size / kBytesInPixel);
+    for (std::size_t y = 0; y < picture.mHeight; ++y) {
+        Premultiply(lock.Row(y), picture.mPixels.data() + y * picture.mWidth, picture.mWidth);
+    }
+    outPicture = std::move(picture);
+    return true;
+}
+
 } // namespace Images
 } // namespace ORL

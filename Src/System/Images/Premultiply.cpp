@@ -101,12 +101,6 @@ void Choose(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t
     kernel->mPremultiply(inPixels, outPixels, inCount);
 }
 
-std::uint32_t Unscaled(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha) noexcept
-{
-    const std::uint32_t colour = ((inPixel >> inShift & 0xFF) * 255 + inAlpha / 2) / inAlpha;
-    return (colour < 255 ? colour : 255) << inShift;
-}
-
 } // namespace
 
 const PremultiplyKernel kPremultiplyKernels[kPremultiplyKernelCount] = {
@@ -118,17 +112,6 @@ const PremultiplyKernel kPremultiplyKernels[kPremultiplyKernelCount] = {
 void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept
 {
     sPremultiply.load(std::memory_order_relaxed)(inPixels, outPixels, inCount);
-}
-
-void Unpremultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept
-{
-    for (std::size_t i = 0; i < inCount; ++i) {
-        const std::uint32_t pixel = inPixels[i];
-        const std::uint32_t alpha = pixel >> 24;
-        outPixels[i] = alpha == 0 ? 0
-                                  : Unscaled(pixel, 0, alpha) | Unscaled(pixel, 8, alpha) | Unscaled(pixel, 16, alpha)
-                                        | alpha << 24;
-    }
 }
 
 } // namespace Images

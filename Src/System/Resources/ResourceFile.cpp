@@ -1,5 +1,7 @@
 #include <ORLResourceFile.h>
 
+#include <Images/BitmapReader.h>
+#include <Images/PictureLoader.h>
 #include <ORLFile.h>
 #include <ORLPathUtils.h>
 #include <Resources/DialogTemplate.h>
@@ -15,6 +17,7 @@ namespace Resources {
 
 namespace {
 
+constexpr unsigned short kBitmapType = 2;
 constexpr unsigned short kMenuType = 4;
 constexpr unsigned short kDialogType = 5;
 constexpr unsigned short kAmericanEnglish = 1033;
@@ -196,6 +199,24 @@ bool ResourceFile::FindString(unsigned int inID, unsigned short inLanguage, UTF1
         }
     }
     return false;
+}
+
+bool ResourceFile::FindPicture(unsigned short inID, unsigned short inLanguage, FilePicture& outPicture) const
+{
+    NameView png;
+    NameView::Parse(TVX_UTF16("PNG"), png);
+    const NameView name = NameView::OfNumber(inID);
+    const FileEntry* const file = mImpl->FindLocalized(png, name, inLanguage);
+    const FileEntry* const bitmap = mImpl->FindLocalized(NameView::OfNumber(kBitmapType), name, inLanguage);
+    Images::PixelPicture picture;
+    if ((file == nullptr || !Images::DecodePicture(BytesOf(*file), picture))
+        && (bitmap == nullptr || !Images::ReadBitmap(BytesOf(*bitmap), picture))) {
+        return false;
+    }
+    outPicture.mWidth = picture.mWidth;
+    outPicture.mHeight = picture.mHeight;
+    outPicture.mPixels.swap(picture.mPixels);
+    return true;
 }
 
 bool ReadStringBlock(const FileEntry& inEntry, std::vector<UTF16String>& outTexts)

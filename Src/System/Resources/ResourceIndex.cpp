@@ -53,13 +53,18 @@ std::uint32_t HashOf(const NameView& inType, const NameView& inName) noexcept
     return hasher.Value();
 }
 
+bool IsCanonical(const NameView& inName) noexcept
+{
+    return !inName.IsText() || IsAscii(inName.Units(), inName.Count());
+}
+
 // A text with units beyond ASCII is folded before it is compared; every other name serves as it stands.
 class Canonical
 {
 public:
     explicit Canonical(const NameView& inName) : mView(inName)
     {
-        if (inName.IsText() && !IsAscii(inName.Units(), inName.Count())) {
+        if (!IsCanonical(inName)) {
             mText = CanonicalName(inName.Units(), inName.Count());
             mView = NameView::OfText(mText.data(), mText.size());
         }
@@ -226,6 +231,10 @@ const ResourceIndex::Group* ResourceIndex::FindGroup(const NameView& inType, con
 {
     if (mGroups.empty()) {
         return nullptr;
+    }
+    // Most names are numbers or ASCII, and even an empty text costs its construction and destruction.
+    if (IsCanonical(inType) && IsCanonical(inName)) {
+        return ProbeGroup(inType, inName);
     }
     const Canonical type(inType);
     const Canonical name(inName);

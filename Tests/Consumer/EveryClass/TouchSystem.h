@@ -84,6 +84,8 @@ inline void TouchModules()
     HostsApplication application(module, module, UTF16String(), 0);
     application.Idle();
     Cursor::SetArrowCursor();
+    const Resources::FilePicture picture;
+    Touch(picture, &Resources::ResourceFile::FindPicture);
     OSImageHandle noImage;
     OSImageHandle image(nullptr);
     image.Swap(noImage);

@@ -1,7 +1,8 @@
-// orl res list|string|extract|check
+// orl res list|string|extract|picture|check
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "PictureFile.h"
 #include "ResourceCheck.h"
 #include "ResourceNames.h"
 #include "Text.h"
@@ -164,7 +165,7 @@ void PrintStrings(const Options& inOptions)
     }
 }
 
-void WriteFile(const std::string& inArgument, const FileEntry& inEntry)
+void WriteFile(const char* inCommand, const std::string& inArgument, const void* inData, std::size_t inSize)
 {
     ORL::File file;
     ORL::Result result =
@@ -173,10 +174,10 @@ void WriteFile(const std::string& inArgument, const FileEntry& inEntry)
                     ORL::FileAttributesFlags::kFileAttribute_Normal, false);
     unsigned int written = 0;
     if (ORL::ResultSucceeded(result)) {
-        result = file.Write(inEntry.mData, static_cast<unsigned int>(inEntry.mSize), written);
+        result = file.Write(inData, static_cast<unsigned int>(inSize), written);
     }
-    if (!ORL::ResultSucceeded(result) || written != inEntry.mSize) {
-        throw Failure("res extract: cannot write \"" + inArgument
+    if (!ORL::ResultSucceeded(result) || written != inSize) {
+        throw Failure("res " + std::string(inCommand) + ": cannot write \"" + inArgument
                       + "\": " + Describe(ORL::ResultSucceeded(result) ? ORL::kDiskFull : result));
     }
 }
@@ -193,11 +194,27 @@ void Extract(const Options& inOptions)
                       + " for " + NameOfLanguage(language));
     }
     if (!inOptions.mOutput.empty()) {
-        WriteFile(inOptions.mOutput, *entry);
+        WriteFile("extract", inOptions.mOutput, entry->mData, entry->mSize);
         return;
     }
     WriteBytesToOutput();
     std::cout.write(reinterpret_cast<const char*>(entry->mData), static_cast<std::streamsize>(entry->mSize));
+}
+
+void WritePicture(const Options& inOptions)
+{
+    const unsigned short language = ReadLanguage(inOptions.mLanguage);
+    ResourceFile file;
+    Open("picture", inOptions.mFile, file);
+    const PictureDecoder decoder;
+    ORL::Resources::FilePicture picture;
+    const unsigned int id = inOptions.mIDs[0];
+    if (id > 0xFFFF || !file.FindPicture(static_cast<unsigned short>(id), language, picture)) {
+        throw Failure("res picture: \"" + inOptions.mFile + "\" has no picture " + std::to_string(id) + " for "
+                      + NameOfLanguage(language) + " that can be decoded");
+    }
+    const std::string png = ToPng(picture);
+    WriteFile("picture", inOptions.mOutput, png.data(), png.size());
 }
 
 void Check(const Options& inOptions)
@@ -258,11 +275,23 @@ void AddExtract(CLI::App& ioResources)
     command->add_option("-o,--output", options->mOutput, "the file to write; standard output when left out");
 }
 
+void AddPicture(CLI::App& ioResources)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command =
+        AddCommand(ioResources, options, "picture", "Write a PNG file of what the bitmap loader makes of one picture",
+                   &WritePicture);
+    command->add_option("ID", options->mIDs, "the identifier of a PNG or bitmap resource")->required()->expected(1);
+    AddLanguage(*command, options);
+    command->add_option("-o,--output", options->mOutput, "the file to write")->required();
+}
+
 void AddCheck(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = ioResources.add_subcommand(
-        "check", "Find texts, menus and dialogs that a language lacks, parameters that differ, and what cannot be read");
+        "check",
+        "Find texts, menus and dialogs that a language lacks, parameters that differ, and what cannot be read");
     command->add_option("FILE", options->mFiles, kFileHelp)->required();
     command->callback([options] { Check(*options); });
 }
@@ -276,6 +305,7 @@ void AddResources(CLI::App& ioProgram)
     AddList(*resources);
     AddString(*resources);
     AddExtract(*resources);
+    AddPicture(*resources);
     AddCheck(*resources);
 }
 

@@ -1,0 +1,31 @@
+// The pixels of a native bitmap, which each platform reads in its own way.
+#pragma once
+
+#include <ORLNativeHandles.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+struct BitmapPixels
+{
+    std::size_t mWidth = 0;
+    std::size_t mHeight = 0;
+    std::vector<std::uint32_t>
+        mPixels; // rows from the top; alpha in bits 24 to 31, then red, green, blue, premultiplied
+};
+
+/// The library decodes pictures while it lives: on Windows the host starts GDI+.
+class PictureDecoder
+{
+public:
+    PictureDecoder();
+    ~PictureDecoder();
+    PictureDecoder(const PictureDecoder&) = delete;
+    PictureDecoder& operator=(const PictureDecoder&) = delete;
+
+private:
+    std::uintptr_t mToken = 0;
+};
+
+BitmapPixels ReadPixels(HBITMAP inBitmap);

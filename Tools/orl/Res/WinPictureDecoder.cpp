@@ -1,0 +1,31 @@
+// GDI+ is the host's to start.
+#include "PictureFile.h"
+
+#include <algorithm>
+
+#include <windows.h>
+
+#include <objidl.h>
+
+namespace Gdiplus { // its headers want these two
+using std::max;
+using std::min;
+} // namespace Gdiplus
+#include <gdiplus.h>
+
+namespace orl {
+
+PictureDecoder::PictureDecoder()
+{
+    const Gdiplus::GdiplusStartupInput input;
+    ULONG_PTR token = 0;
+    Gdiplus::GdiplusStartup(&token, &input, nullptr);
+    mToken = token;
+}
+
+PictureDecoder::~PictureDecoder()
+{
+    Gdiplus::GdiplusShutdown(mToken);
+}
+
+} // namespace orl
