@@ -33,9 +33,9 @@ typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
 /// Installs the function that sets the shape; null removes it. Belongs to the host's start; not thread-safe.
 ORL_API void SetShapeSetter(SetShapeFunction inFunction, void* inContext);
 
-/// Names the window whose pointer is set, and its connection: a Display* of Xlib and a Window. Null removes both. The
-/// host removes them before it closes either. Not thread-safe; the pointer is then set on threads that may use the
-/// connection. libX11 is loaded when it is first needed and stays loaded; without it nothing happens.
+/// Selects the window whose pointer is set, and its connection: a Display* of Xlib and a Window. Null removes both; the
+/// host removes them before it closes either. Not thread-safe, and the pointer must then be set on threads that may use
+/// the connection. libX11 is loaded at first use and stays loaded; if it is missing, nothing happens.
 ORL_API void SetX11Window(void* inDisplay, unsigned long inWindow);
 
 /// The shape that was set last, whether or not there was anything to set it on; kNone before the first. Thread-safe.

@@ -24,11 +24,11 @@ struct BitmapInfo
     unsigned char* mPixels; ///< belongs to the bitmap; aligned to 16 bytes
 };
 
-/// Describes a bitmap. Returns false, with outInfo untouched, for null. Thread-safe; who writes pixels keeps readers
-/// away.
+/// Describes a bitmap. Returns false, with outInfo untouched, for null. Thread-safe; a writer of pixels must
+/// exclude readers.
 ORL_API bool GetBitmapInfo(HBITMAP inBitmap, BitmapInfo& outInfo);
 
-/// Makes a bitmap of transparent pixels, which the caller deletes or gives to an OSImageHandle. Returns null if a side
+/// Creates a bitmap of transparent pixels, which the caller deletes or passes to an OSImageHandle. Returns null if a side
 /// is not positive, if the pixels need 2 GiB or more, or if there is no memory. Never throws.
 ORL_API HBITMAP CreateBitmap(int inWidth, int inHeight);
 

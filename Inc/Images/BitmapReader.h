@@ -22,7 +22,7 @@ struct PixelPicture
 /// their fourth byte as it stands unless it is 0 in all of them; so such a bitmap holds premultiplied colours if it has
 /// alpha. Pixels that no run reaches are black.
 ///
-/// Returns false, with outPicture untouched, if the bytes are not whole or say what cannot be. Memory stays in
+/// Returns false, with outPicture untouched, if data is missing or the header is invalid. Memory stays in
 /// proportion to their number: run-length encoding may declare 2^24 pixels, or 1024 a byte if that is more. Throws
 /// std::bad_alloc.
 bool ReadBitmap(const Resources::Bytes& inBitmap, PixelPicture& outPicture);

@@ -10,14 +10,14 @@
 namespace ORL {
 namespace Images {
 
-/// Makes a bitmap of the resource of that number and type "PNG", with the rows exchanged: the last one on top.
+/// Creates a bitmap of the resource of that number and type "PNG", with the rows exchanged: the last one on top.
 /// inLocalized chooses between FindLocalizedResource and LoadResource. Null if there is none or it cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// The same with the rows in their order. A lock that fails is not noticed: the bitmap is then transparent.
+/// The same with the rows in their order. A failed lock is not detected: the bitmap is then transparent.
 HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// Makes a bitmap of a picture file, with the rows exchanged. Null if it cannot be read or decoded.
+/// Creates a bitmap of a picture file, with the rows exchanged. Null if it cannot be read or decoded.
 HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
 
 /// Decodes a PNG file to premultiplied pixels, with the rows in their order. Returns false, with outPicture untouched, if

@@ -1,4 +1,4 @@
-// The decoder: a PNG file is decoded when its picture is made, so the locks of pixels cannot fail.
+// The decoder decodes a PNG file when it creates the picture, so locks of its pixels cannot fail.
 #include <Platform/Images.h>
 
 #include "LinuxNativeBitmap.h"

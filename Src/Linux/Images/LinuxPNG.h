@@ -23,9 +23,9 @@ struct DecodedPNG
 /// throws.
 bool DecodePNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// The two roads that DecodePNG takes. The fast one knows only the common kind, true colour of 8 bits with or without
-/// alpha and not interlaced, and returns false for every file that it is not sure of; the other one is libspng's and
-/// has the last word.
+/// The two decoders behind DecodePNG. DecodeCommonPNG is the fast one. It supports only 8-bit true colour with or without
+/// alpha and without interlacing, and returns false for every other or doubtful file. DecodeAnyPNG uses libspng and
+/// decides about the rest.
 bool DecodeCommonPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeAnyPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 

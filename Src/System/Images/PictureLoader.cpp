@@ -28,7 +28,7 @@ using PicturePtr = std::unique_ptr<Picture, Freer<Picture, &DisposePicture_Impl>
 using StreamPtr = std::unique_ptr<Stream, Freer<Stream, &ReleaseStream_Impl>>;
 using Block = std::unique_ptr<unsigned char[]>;
 
-// What the two forms of the loader differ in, and the identity of their checks.
+// The differences between the two forms of the loader, and the identities of their checks.
 struct RowsExchanged
 {
     static constexpr bool kIsFlipped = true;
@@ -47,8 +47,8 @@ struct RowsInOrder
     static constexpr char kFunction[] = "`anonymous-namespace'::LoadGDIPlusBitmapWTL";
 };
 
-// The decoder may find no memory in a heap in pieces. A large block that comes and goes makes the heap give its free
-// pages back. The store keeps the compiler from leaving both out.
+// In a fragmented heap the decoder may run out of memory. Allocating and freeing a large block makes the heap return its
+// free pages. The store keeps the compiler from removing both.
 void FlushHeap()
 {
     const Block block(new (std::nothrow) unsigned char[kHeapFlush]);
@@ -91,7 +91,7 @@ private:
     int mStatus;
 };
 
-// False if a lock failed. One that is not tested leaves the destination as it was.
+// Returns false if a tested lock failed. A failed lock that is not tested leaves the destination unchanged.
 template <class Form>
 bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, std::size_t inHeight)
 {
@@ -109,7 +109,7 @@ bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, 
     return true;
 }
 
-// The pixels of a picture fit into memory that one can address.
+// Returns false if the pixels do not fit into the address space.
 bool SizeOfBlock(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize) noexcept
 {
     constexpr std::size_t kLargest = std::numeric_limits<std::ptrdiff_t>::max();
@@ -120,7 +120,7 @@ bool SizeOfBlock(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize
     return true;
 }
 
-// Only a picture whose locks nobody tests may be made without its pixels being written.
+// Without tested locks the bitmap may be created before its pixels are written, so they start transparent.
 template <class Form>
 Block AllocateBlock(std::size_t inSize)
 {

@@ -1,6 +1,6 @@
 // (c * a + 128) * 257 >> 16 is the same number as (t + (t >> 8)) >> 8 with t = c * a + 128, in one step for a vector of
-// 16-bit lanes. Alpha 0 and 255 need no tests: they come out as they must, and tests cost more than they save
-// (twenty times on a ramp of alpha, for the branches that the processor guesses wrong).
+// 16-bit lanes. Alpha 0 and 255 need no tests: the formula is exact for them, and tests cost more than they save
+// (a factor of twenty on an alpha ramp, because of mispredicted branches).
 #include <Images/Premultiply.h>
 
 #include <atomic>
