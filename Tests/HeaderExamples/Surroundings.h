@@ -20,6 +20,8 @@ inline void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, 
 {
 }
 
+inline void Draw(HBITMAP) {}
+
 struct Host
 {
     void Example();
@@ -30,6 +32,7 @@ struct Host
     std::vector<char> bytes;
     unsigned int count;
     ORL::WaitableGate* gate;
+    ORL::Module* module;
     ORL::CriticalSection mLock;
     ORL::InterfaceRef<ORL::ThreadedWorkQueue, ORL::ORLUnknown> queue;
     ORL::ThreadedWorkQueue::Request request;
