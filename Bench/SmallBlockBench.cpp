@@ -3,8 +3,8 @@
 // Question: is our allocator fast enough for every string, record and counter of the libraries?
 //
 // "ours" is what a host gets: the header inlines the fast path into its callers. Two more rows are for reference: the
-// same allocator called through a pointer, like a peer, and two calls through pointers that do nothing, which is the
-// part of a peer's time that no allocator behind a call can save.
+// same allocator called through a pointer, like a peer, and two calls through pointers that do nothing, which
+// measures the cost of the calls alone: no allocator behind a call can be faster.
 #include <AllocatorPeers.h>
 #include <Harness.h>
 

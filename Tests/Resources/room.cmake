@@ -24,7 +24,7 @@ add_custom_command(OUTPUT "${lookup_res}" "${lookup_dll}"
 add_custom_target(resource_files DEPENDS "${lookup_res}" "${lookup_dll}")
 add_dependencies(${room_target} resource_files)
 
-# The tests count what the platform is asked for, and make it fail.
+# The linker redirects these platform functions to the tests, which count the calls and make them fail.
 foreach(symbol
     _ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pt$<IF:$<BOOL:${WIN32}>,y,m>
     _ZN3ORL7Modules8Platform17LoadResource_ImplERKNS1_6SourceEPKvRi

@@ -1,4 +1,4 @@
-// Several destinations of one ingest: each gets everything from one read, and what goes wrong at one stays there.
+// One ingest with several destinations: each file is read once, and an error at one destination stops no other.
 #include <IngestDestinationsSupport.h>
 
 #include <condition_variable>

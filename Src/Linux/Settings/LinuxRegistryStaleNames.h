@@ -1,8 +1,8 @@
 // Floor: System
-// The values of a key that other processes have changed, of which the hashes of their names are known.
+// The values of a key that other processes have changed. Only the hashes of their names are known.
 //
-// A name is stale from a change of its hash until it has been loaded. Names that share a hash are told apart: loading
-// one of them leaves the others stale.
+// A change of a hash makes every name with that hash stale. Loading a name makes that name current; other names with
+// the same hash stay stale.
 #pragma once
 
 #include "LinuxRegistryNames.h"
