@@ -32,7 +32,7 @@ struct Options
     IngestSettings mSettings;
 };
 
-// Set on whatever thread the system calls the handler on, read by all that copy.
+// Set by the signal handler, on any thread; polled by all copying threads.
 std::atomic<bool> sIsInterrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a handler of signals must not wait for a lock");
 
@@ -41,7 +41,7 @@ void OnInterrupt(int)
     sIsInterrupted = true;
 }
 
-// A signal that was ignored at the start stays ignored: nohup and shells rely on it.
+// A signal that is ignored at the start stays ignored: nohup and shells rely on it.
 void Hear(int inSignal)
 {
     if (std::signal(inSignal, &OnInterrupt) == SIG_IGN) {
@@ -53,10 +53,10 @@ void HearTheUser()
 {
     Hear(SIGINT);
     Hear(SIGTERM);
-#ifdef SIGHUP // the terminal has gone
+#ifdef SIGHUP // the terminal was closed
     Hear(SIGHUP);
 #endif
-#ifdef SIGBREAK // Ctrl-Break, where there is one
+#ifdef SIGBREAK // Ctrl-Break, on Windows
     Hear(SIGBREAK);
 #endif
 }
@@ -73,7 +73,8 @@ void Ingest(const Options& inOptions, std::vector<IngestDestination>& ioDestinat
     Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
 }
 
-// Every trouble has a line; the last is the program's. A stop is the last, and has the exit code.
+// Reports every trouble on its own line; the last is thrown as the program's error. If the user stopped the run, the
+// stop is the last trouble and decides the exit code, otherwise the first trouble does.
 void EndWith(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
 {
     if (inTroubles.empty()) {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kTick(100);
 
-/// The open files of one destination.
+/// The record and the manifest of one destination, and its progress.
 struct Opened
 {
     Opened(const IngestRoots& inRoots, const std::string& inManifestName)
@@ -58,8 +58,9 @@ public:
     }
 
 private:
-    // The check against the source comes first, so that not even our record is written there. Leftovers of earlier runs
-    // are deleted before the free space is checked. Only our record is written before every check has passed.
+    // The check against the source comes first, so that not even the record is written inside the source. Leftovers of
+    // earlier runs are deleted before the free space is checked. Until every check has passed, only the record is
+    // written.
     void Begin(std::size_t inIndex, const IngestListing& inListing)
     {
         IngestDestination& destination = mDestinations[inIndex];
@@ -99,7 +100,7 @@ private:
         mDestinations[inIndex].mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
     }
 
-    // A single destination shares nothing.
+    // With a single destination nothing is shared.
     void Want()
     {
         for (std::size_t i = 0; i < mDestinations.size() && mDestinations.size() > 1; ++i) {
@@ -207,7 +208,7 @@ private:
     const IngestWatcher& mWatcher;
     SharedSource mSource;
     PromisedRoom mPromised;
-    std::vector<std::unique_ptr<Opened>> mOpened; // null where one was refused
+    std::vector<std::unique_ptr<Opened>> mOpened; // null if the destination was refused
     std::mutex mMutex;
     std::condition_variable mChanged;
 };

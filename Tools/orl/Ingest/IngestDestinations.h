@@ -1,4 +1,4 @@
-// A whole ingest, to one destination or to several from one read of the source.
+// A whole ingest: one source, read once, to one or more destinations.
 #pragma once
 
 #include "IngestRun.h"
@@ -14,15 +14,16 @@ struct IngestDestination
 {
     IngestRoots mRoots;
     IngestPlan mPlan;
-    IngestOutcome mOutcome; // its rows lead into the plan
+    IngestOutcome mOutcome; // its rows point into the plan
 };
 
-/// What the caller of an ingest is asked and told.
+/// The callbacks of an ingest.
 struct IngestWatcher
 {
-    std::function<bool()> mIsStopped; // called on any thread, all the time
+    std::function<bool()> mIsStopped; // polled on any thread
 
-    // Called on the caller's thread: once when work begins, then ten times a second. Sums over all destinations.
+    // Called on the caller's thread: mOnPlanned once before the first file, then mShow ten times a second. Sums over
+    // all destinations.
     std::function<void(std::uint64_t inBytesToPass, std::size_t inFiles)> mOnPlanned = {}; // may be empty
     std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow;
 
@@ -34,8 +35,8 @@ struct IngestWatcher
 std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
                                                 const std::vector<std::string>& inDestinations);
 
-/// Checks everything before anything changes, then serves all destinations at once. A failure at one destination stops
-/// no other. Throws Failure if nothing was begun: the source holds no file, the user stops the planning, or the only
+/// Checks each destination, then serves all destinations at once. A failure at one destination does not stop the
+/// others. Throws Failure if nothing was begun: the source holds no file, the user stops the planning, or the only
 /// destination is refused. Returns the number of bytes read from the source.
 std::uint64_t Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                      const IngestSettings& inSettings, const IngestWatcher& inWatcher);

@@ -23,9 +23,9 @@ using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
 constexpr std::size_t kBlockSize = SharedReading::kBlockSize;
-constexpr std::size_t kReadsInFlight = 4; // of one file; several files are on their way at once
+constexpr std::size_t kReadsInFlight = 4; // per file; several files are copied at once
 
-// Where a whole piece of that many bytes is zero, a file with holes gets another one.
+// In a file with holes, a piece of this many zero bytes becomes a hole.
 constexpr unsigned int kHole = 1 << 16;
 
 class OneFile
@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    /// The unfinished file goes, unless it has become the real one.
+    /// Removes the temporary file, unless it has become the final one.
     struct Remover
     {
         const OneFile& mFile;
@@ -86,7 +86,7 @@ private:
         return digest;
     }
 
-    // The name is taken by a file of the same size. The same contents make it ours.
+    // A file of the same size has the name. If its contents are the same too, it counts as ingested.
     IngestedFile Check()
     {
         File source;
@@ -103,7 +103,7 @@ private:
         ThrowTaken();
     }
 
-    // A later run knows the file by its time. One that keeps its time is compared again then.
+    // A later run recognises the file by its time. If the time cannot be set, that run compares the file again.
     void GiveTimeOfSource() const
     {
         File file;
@@ -169,7 +169,7 @@ private:
         CheckUnchanged(outFile);
     }
 
-    // Whoever writes a file changes its size or its time.
+    // A program that writes to the source changes its size or its time.
     void CheckUnchanged(const File& inSource) const
     {
         unsigned __int64 time = 0;
@@ -182,7 +182,7 @@ private:
     template <class Sink>
     std::string DigestOfSource(File& ioSource, const Sink& inSink)
     {
-        std::uint64_t place = 0; // of the file's pointer
+        std::uint64_t place = 0; // the position of the file pointer
         SharedReading reading(
             mContext.mSource, mContext.mDestination, mItem.mName, mItem.mSize,
             [&](std::uint64_t inAt, unsigned char* outBytes, std::size_t inCount) {
@@ -229,7 +229,7 @@ private:
         }
     }
 
-    // A read cannot begin at the end of a file, so there is none for an empty one.
+    // A read cannot begin at the end of a file, so an empty file is not read.
     std::string DigestOnDisk(const std::string& inLeaf) const
     {
         const UTF16String path = mTarget.PathOf(inLeaf);
@@ -259,8 +259,8 @@ private:
         return digest.Finish();
     }
 
-    // What has come to the name since the plan was made stays: another program's, or another file of this run where the
-    // volume takes two names for one.
+    // A file that took the name after the plan was made stays. It belongs to another program, or to this run if the
+    // volume treats two names of the source as one.
     void PutInPlace() const
     {
         Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
@@ -276,8 +276,8 @@ private:
         CheckTarget(result);
     }
 
-    // A line must not outlive the contents that it was written for, not even after a kill. Where the earlier file
-    // stays, its line comes back.
+    // The manifest must never hold a line for contents that are gone, not even after a kill. If the earlier file stays,
+    // its line is restored.
     Result Replace() const
     {
         std::vector<IngestManifest::Line> earlier;
@@ -349,7 +349,7 @@ private:
                             kExitFailure, false);
     }
 
-    // Where a volume has left its mount point, a file would be written to the disk behind it.
+    // If the volume was unmounted, a file would be written to the disk that holds the mount point.
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {
@@ -382,7 +382,7 @@ private:
     const IngestContext& mContext;
     const std::string mFolderName;
     const std::string mLeaf;
-    std::string mTemporary; // beside the final name, once there is one
+    std::string mTemporary; // in the folder of the final name; empty before the copy begins
     HeldFolder mSource;
     HeldFolder mTarget;
     unsigned __int64 mTime = 0;

@@ -1,4 +1,5 @@
-// One file on its way: copied to a temporary name, read back past the cache, compared, put in place.
+// The ingest of one file: copy it to a temporary name, read the copy back past the cache, compare, rename to the final
+// name.
 #pragma once
 
 #include "Failure.h"
@@ -14,31 +15,32 @@
 
 namespace orl {
 
-/// The steps of one file, each told when it is done.
+/// The steps of one file, each reported once it is done.
 enum class IngestStep {
     kOpened,      // the source is open
-    kBlockCopied, // one block of many
-    kCopied,      // the temporary file is whole and closed
-    kVerified,    // it reads back as the source was read
-    kInPlace,     // it has its final name
+    kBlockCopied, // one of many blocks is copied
+    kCopied,      // the temporary file is complete and closed
+    kVerified,    // the copy reads back the same as the source
+    kInPlace,     // the file has its final name
 };
 
 /// What all files of a run share. The functions are called from several threads.
 struct IngestContext
 {
     const IngestRoots& mRoots;
-    const std::set<EntryIdentity>& mSourceFolders; // none of them is ever written to
-    IngestManifest& mManifest;                     // the line of a file that is replaced goes before the file
-    IngestRecord& mRecord;                         // knows of each unfinished file before it is made
+    const std::set<EntryIdentity>& mSourceFolders; // never written to
+    IngestManifest& mManifest;                     // loses the line of a file before that file is replaced
+    IngestRecord& mRecord;                         // lists each unfinished file before it is created
     SharedSource& mSource;                         // shared with the other destinations
-    std::size_t mDestination = 0;                  // index of this one
+    std::size_t mDestination = 0;                  // index of this run's destination
     bool mReplaces = false;
-    std::function<bool()> mIsStopped;                                // asked between blocks
-    std::function<void(std::uint64_t)> mPass;                        // told of bytes that were read, here or there
+    std::function<bool()> mIsStopped;                                // called between blocks
+    std::function<void(std::uint64_t)> mPass;                        // receives the bytes just read or read back
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty
 };
 
-/// One file could not be brought in. Nothing of it is left at the destination.
+/// One file could not be ingested. Its temporary file has been removed, or stays in the record for a later run to
+/// remove.
 class IngestFailure : public Failure
 {
 public:
@@ -47,7 +49,7 @@ public:
     {
     }
 
-    /// Whether the other files have no chance either: the disk is full, the card is gone.
+    /// Whether the other files will fail too, because the disk is full or the card is gone.
     bool EndsRun() const noexcept { return mEndsRun; }
 
 private:
@@ -62,11 +64,11 @@ struct IngestStopped
 struct IngestedFile
 {
     std::string mDigest;      // SHA-256 in hexadecimal digits
-    bool mWasPresent = false; // the same file had its name already, and was compared
+    bool mWasPresent = false; // the same file already had its name, and was compared
 };
 
-/// Brings one file to the destination. At no moment does anything but the whole and verified file have the final name.
-/// Throws IngestFailure, IngestStopped, NoAnswer, and Failure where manifest or record cannot be kept.
+/// Copies one file to the destination. The final name never refers to anything but the complete and verified file.
+/// Throws IngestFailure, IngestStopped, NoAnswer, and Failure if the manifest or the record cannot be written.
 IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext);
 
 } // namespace orl

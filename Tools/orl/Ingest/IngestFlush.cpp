@@ -7,12 +7,13 @@ namespace orl {
 
 namespace {
 
-// From so many files on, one call for a whole volume costs less, although it waits for what others write too.
+// From this number of files on, one sync of the whole volume is cheaper, although it also waits for the writes of other
+// programs.
 constexpr std::size_t kManyFiles = 64;
 
 using Leaves = std::vector<std::string>;
 
-// Each folder that leads to a file, with the files in it.
+// Maps each folder on the way to a file, and the file's own folder, to the files in it.
 std::map<std::string, Leaves> ByFolder(const std::vector<std::string>& inNames)
 {
     std::map<std::string, Leaves> folders;
@@ -40,7 +41,7 @@ bool SyncAll(const HeldFolder& inFolder, const Leaves& inLeaves)
 bool FlushGroup(const IngestRoots& inRoots, const std::vector<std::string>& inNames)
 {
     const bool isMany = CanSyncVolumes() && inNames.size() >= kManyFiles;
-    std::set<std::uint64_t> volumes; // that are flushed
+    std::set<std::uint64_t> volumes; // already synced
     for (const auto& [name, leaves] : ByFolder(inNames)) {
         HeldFolder folder;
         if (!ORL::ResultSucceeded(inRoots.OpenDestination(name, folder))) {

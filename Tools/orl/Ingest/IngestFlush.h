@@ -1,4 +1,4 @@
-// The contents and names of ingested files, on disk for sure.
+// Waits until ingested files and their names are on disk.
 #pragma once
 
 #include "IngestRoots.h"
@@ -8,8 +8,8 @@
 
 namespace orl {
 
-/// Waits until files that are settled are on disk with their names and the folders that lead to them from the
-/// destination on, on whatever volumes they are. Returns false where the system refuses.
+/// Waits until files that were passed to SettleFile are on disk, with their names and all folders from the destination
+/// down to them, on whatever volumes they are. Returns false if the system reports an error.
 bool FlushGroup(const IngestRoots& inRoots, const std::vector<std::string>& inNames);
 
 } // namespace orl

@@ -10,7 +10,7 @@ namespace orl {
 
 namespace {
 
-// The folders that lead to one, as a list that its subfolders share.
+// The folders above a folder, as a list that its subfolders share.
 struct Above
 {
     EntryIdentity mIdentity;
@@ -85,7 +85,7 @@ private:
             ioPending.push_back({name, inAbove});
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});
-        } else { // a pipe or a device would never end
+        } else { // reading a pipe or a device might never end
             AddTrouble("cannot read \"" + name + "\": it is no file");
         }
     }

@@ -1,4 +1,4 @@
-// What the source holds.
+// The listing of the source.
 #pragma once
 
 #include "IngestRoots.h"
@@ -10,7 +10,7 @@
 
 namespace orl {
 
-/// What went wrong with one file or folder: a line for the user, and the exit code that it means.
+/// A failure at one file or folder: a line for the user, and the exit code for it.
 struct IngestTrouble
 {
     std::string mText;
@@ -20,20 +20,20 @@ struct IngestTrouble
 struct ListedFile
 {
     std::string mName;
-    EntryStatus mStatus; // of the file that a link leads to
+    EntryStatus mStatus; // a link has the status of its target
 };
 
 struct IngestListing
 {
     std::vector<ListedFile> mFiles;
-    std::vector<std::string> mFolders;    // each after the one above it
-    std::set<EntryIdentity> mIdentities;  // of all folders, the source itself among them
-    std::vector<IngestTrouble> mTroubles; // what is not listed has a line here
+    std::vector<std::string> mFolders;    // each after its parent
+    std::set<EntryIdentity> mIdentities;  // of all folders, the source included
+    std::vector<IngestTrouble> mTroubles; // one for each entry that could not be listed
 };
 
-/// Lists the source with all below it, through folders that are held, so no depth and no length of a path is too much.
-/// Links are followed, but one that leads back to a folder above it is listed without contents. Throws Failure where
-/// the source is gone, and kExitStopped where inIsStopped, which is asked all the time, says so.
+/// Lists the source and everything below it. Opens folders one name at a time, so that on Linux neither depth nor path
+/// length is limited. Follows links, but lists a link to a folder above it without contents. Polls inIsStopped.
+/// Throws Failure if the source is gone (kExitGone) or inIsStopped returns true (kExitStopped).
 IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped);
 
 } // namespace orl

@@ -17,7 +17,7 @@ using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
 constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // several million lines
-constexpr std::size_t kLongestLine = 1 << 17;              // a path of 4096 bytes in its longest form is far below
+constexpr std::size_t kLongestLine = 1 << 17;              // far above a path of 4096 bytes in its longest form
 constexpr std::size_t kBlock = 1 << 16;
 
 UTF16String Folded(const std::string& inName)
@@ -86,7 +86,7 @@ void IngestManifest::Read()
     TellRecord();
 }
 
-// A line that is not finished, and remarks that were lines, are explained by the record alone.
+// Only the record explains an incomplete line and lines that became comments.
 void IngestManifest::TellRecord()
 {
     mRecord.SetNeededByManifest(mFound != mLength || !mWithdrawn.empty());
@@ -103,7 +103,7 @@ void IngestManifest::Mend()
 void IngestManifest::ReadLines(ORL::File& ioFile)
 {
     std::vector<char> block(kBlock);
-    std::string text; // the line that is not whole yet
+    std::string text; // the incomplete last line
     std::uint64_t start = 0;
     for (unsigned int count = 1; count != 0 && mFound <= kLargest;) {
         Check(ioFile.Read(block.data(), static_cast<unsigned int>(block.size()), count), "read");
@@ -122,7 +122,7 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
     mLength = mFound;
     mEndsWithBreak = text.empty();
     const std::optional<std::uint64_t>& kept = mRecord.Remains().mManifestLength;
-    if (!text.empty() && kept && start >= *kept) { // a killed run did not finish it
+    if (!text.empty() && kept && start >= *kept) { // a killed run did not finish the line
         mLength = start;
         mEndsWithBreak = true;
     } else if (!text.empty()) {
@@ -160,7 +160,7 @@ std::vector<std::string> IngestManifest::NamesLike(const std::string& inName) co
 
 // --- writing ---------------------------------------------------------------------------------------------------------
 
-// What was read may have been exchanged or written by somebody who knows nothing of our lock.
+// Since Read, a program that ignores our lock may have replaced or changed the file.
 void IngestManifest::OpenToWrite()
 {
     if (mFile.IsOpen()) {
@@ -198,7 +198,7 @@ void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
     Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "keep");
 }
 
-// A line that may not be on disk goes again: the next run would take it for an acknowledgement.
+// Removes a line that may not be on disk: the next run would take it for a valid one.
 void IngestManifest::Append(const std::string& inText)
 {
     OpenToWrite();
@@ -219,7 +219,7 @@ void IngestManifest::Append(const std::string& inText)
     mRecord.NoteManifestIsWhole();
 }
 
-// The record knows of the place before the line changes, so that a later run can tell our remarks from other people's.
+// The record is written before the line changes, so that a later run can tell our comments from those of users.
 void IngestManifest::WithdrawPlaces(const std::string& inName)
 {
     const auto line = mLines.find(inName);
@@ -299,7 +299,7 @@ void IngestManifest::Compact()
     }
     mRecord.Forget("", temporary);
     Check(result, "exchange");
-    mWithdrawn.clear(); // and no place is known any more: this is the last step of a run
+    mWithdrawn.clear(); // all offsets are invalid now: this is the last step of a run
     mLines.clear();
     TellRecord();
 }

@@ -1,8 +1,9 @@
-// The list of what was ingested: lines of "sha256sum", each written when its file is whole, verified, in place and on
-// disk. "sha256sum -c" checks them, as do the tools of other systems that know the format.
+// The list of ingested files, in the format of "sha256sum". The line of a file is written after the file is complete,
+// verified, in place and on disk. "sha256sum -c" checks the list, as do tools of other systems that read the format.
 //
-// Lines are added at the end. One that is not true any more becomes a remark by its first character, in one step; what
-// a run made remarks of is taken out at its end. All other bytes stay as they are, whoever wrote them.
+// Lines are added at the end. A line that is no longer true becomes a comment: its first character is overwritten in
+// one step. The end of a run removes the lines that were commented out. All other bytes stay as they are, whichever
+// program wrote them.
 #pragma once
 
 #include "IngestRecord.h"
@@ -21,7 +22,7 @@ class IngestManifest
 public:
     struct Line
     {
-        std::string mName;   // below the destination, "/" between folders, as bytes of the host
+        std::string mName;   // below the destination, "/" between folders, in the host's bytes
         std::string mDigest; // 64 hexadecimal digits
     };
 
@@ -29,36 +30,38 @@ public:
     IngestManifest(const IngestManifest&) = delete;
     IngestManifest& operator=(const IngestManifest&) = delete;
 
-    /// Reads the file, in memory that does not grow with other people's files, and changes nothing. A file that is no
-    /// list of sums is refused. Throws Failure.
+    /// Reads the file and changes nothing. Refuses a file that is not a list of sums at the first wrong line, so a large
+    /// foreign file costs little memory. Throws Failure.
     void Read();
 
-    /// Cuts off the line that a killed run did not finish. Throws Failure.
+    /// Cuts off the incomplete last line of a killed run. Throws Failure.
     void Mend();
 
     bool Holds(const std::string& inName) const { return mLines.count(inName) != 0; }
 
-    /// Names that differ from this one and may be the same file on a volume that ignores case.
+    /// Returns the listed names that differ from inName only in case: on some volumes they are the same file.
     std::vector<std::string> NamesLike(const std::string& inName) const;
 
-    /// Takes names out whose files are gone. Throws Failure. Thread-safe, as are all that follow.
+    /// Removes the lines of files that are gone. Throws Failure. Thread-safe, as are all functions below.
     void Drop(const std::vector<std::string>& inNames);
 
-    /// Takes out the line of a file that is about to be replaced, and returns its digest, empty for a name that it does
-    /// not hold. The line is a remark on disk when this returns. Throws Failure.
+    /// Removes the line of a file that is about to be replaced. The line is a comment on disk when this returns.
+    /// Returns its digest, empty if the manifest does not list the name. Throws Failure.
     std::string Withdraw(const std::string& inName);
 
-    /// Adds lines, in the place of those of names that it holds; they are on disk when this returns. Throws Failure.
+    /// Adds lines, and replaces those of names that are listed already. They are on disk when this returns. Throws
+    /// Failure.
     void Acknowledge(const std::vector<Line>& inLines);
 
-    /// Takes out what was made a remark. The old list stays whole until the new one has its place. Throws Failure.
+    /// Deletes the lines that were commented out. The old list stays complete until the new one replaces it. Throws
+    /// Failure.
     void Compact();
 
 private:
     struct Place
     {
         std::uint64_t mAt;
-        std::uint64_t mLength; // with the line break
+        std::uint64_t mLength; // including the line break
         std::string mDigest;
     };
 
@@ -78,24 +81,24 @@ private:
     const std::string mName;
     const std::string mShown;
     IngestRecord& mRecord;
-    std::mutex mMutex; // guards all below once the list is read
+    std::mutex mMutex; // guards all below after Read
     HeldFolder mFolder;
-    ORL::File mFile; // open once it is written
+    ORL::File mFile; // open once the manifest is written to
     bool mIsThere = false;
     EntryIdentity mIdentity;
-    std::uint64_t mLength = 0; // of what counts; a line that a killed run did not finish lies behind it
+    std::uint64_t mLength = 0; // valid bytes; an incomplete line of a killed run may follow
     std::uint64_t mFound = 0;  // length of the file when it was read
     bool mEndsWithBreak = true;
     std::map<std::string, std::vector<Place>> mLines;
     std::vector<Place> mWithdrawn;
 };
 
-/// One line with its line break, and back: false for a line of another form. A name with a backslash or a line break is
-/// written as coreutils do it.
+/// Formats a line with its line break, or parses one; returns false for a line of another form. Backslashes and line
+/// breaks in a name are escaped as coreutils does it.
 std::string FormatManifestLine(const IngestManifest::Line& inLine);
 bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine);
 
-/// Whether a line is one that some program of sums may have written: a sum of another kind or form, a remark, nothing.
+/// Whether a checksum program may have written the line: a sum of another kind or form, a comment, an empty line.
 bool IsLineOfSums(const std::string& inText);
 
 std::string EscapedName(const std::string& inName);

@@ -15,11 +15,12 @@ namespace orl {
 
 namespace {
 
-/// A folder on the volume that is asked, for the time of the question.
+/// A temporary folder on the destination's volume, in which names are tried.
 class Asked
 {
 public:
-    // Below what is there of the destination; before that is made, beside it.
+    // Creates the folder in the destination's folder or the nearest existing one above it; without a destination, in
+    // the nearest existing folder above that.
     Asked(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
         : mRecord(ioRecord), mFolder(std::move(inFolder))
     {
@@ -51,7 +52,7 @@ public:
     Asked(const Asked&) = delete;
     Asked& operator=(const Asked&) = delete;
 
-    // Where nothing can be asked the names are taken for one: nothing is overwritten then.
+    // If the folder could not be created, returns true for any two names, so that nothing is overwritten.
     bool AreOne(const std::string& inLeft, const std::string& inRight) const
     {
         if (inLeft == inRight) {
@@ -88,7 +89,7 @@ private:
     bool mIsMade = false;
 };
 
-// Part by part: a path is another one as soon as one of its names is.
+// Compares part by part: two paths differ as soon as one part differs.
 bool AreOnePath(const Asked& inAsked, const std::string& inLeft, const std::string& inRight)
 {
     std::size_t left = 0;

@@ -1,4 +1,4 @@
-// Names that the source tells apart and the destination does not.
+// Names that differ at the source but are the same file at the destination.
 #pragma once
 
 #include "IngestListing.h"
@@ -11,9 +11,9 @@
 
 namespace orl {
 
-/// Finds the files that would have the name of another one at the destination, all but the first of each name. Only
-/// names that differ in case alone are looked at; whether the volume tells them apart is asked of the volume itself, in
-/// a folder that is made for it and removed.
+/// Returns the files whose name at the destination would be that of another file: all but the first of each name.
+/// Considers only names that differ in case alone. Creates a temporary folder on the destination's volume and tries the
+/// names there.
 std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, const IngestRoots& inRoots,
                                      IngestRecord* ioRecord);
 

@@ -14,13 +14,13 @@ namespace orl {
 
 namespace {
 
-/// A folder of the destination, as the plan finds it.
+/// A folder of the destination at planning time.
 struct Place
 {
     enum State { kThere, kToBeMade, kRefused };
 
     State mState = kRefused;
-    std::size_t mVolume = 0; // in the plan's list
+    std::size_t mVolume = 0; // index in the plan's list
 };
 
 class Planner
@@ -69,7 +69,7 @@ private:
         }
     }
 
-    // Each folder after the one above it. What lies below a folder that is refused is refused without a word.
+    // Visits each folder after its parent. A folder below a refused one is refused without a message.
     void FindPlaces()
     {
         mPlan.mVolumes.push_back({});
@@ -112,7 +112,7 @@ private:
         return {Place::kThere, VolumeOf(held.Identity(), inFolder)};
     }
 
-    // A link that leads nowhere has the name all the same.
+    // A dangling link takes the name too.
     Place FreePlace(const std::string& inFolder, const Place& inAbove)
     {
         HeldFolder above;
@@ -245,8 +245,8 @@ private:
     const IngestRoots& mRoots;
     IngestListing mListing;
     IngestPlan mPlan;
-    std::map<std::string, Place> mPlaces;          // by folder
-    std::map<std::uint64_t, std::size_t> mVolumes; // by volume, in the plan's list
+    std::map<std::string, Place> mPlaces;          // by folder name
+    std::map<std::uint64_t, std::size_t> mVolumes; // from volume to index in the plan's list
     HeldFolder mOpened;
     std::string mOpenedName;
 };

@@ -1,4 +1,4 @@
-// What an ingest is going to do, found out before it does anything.
+// The plan of an ingest, made before anything is changed.
 #pragma once
 
 #include "IngestListing.h"
@@ -20,25 +20,25 @@ namespace orl {
 struct IngestItem
 {
     enum State {
-        kToCopy,         // nothing has its name at the destination
-        kToCheck,        // a file of its size has: it may be the same one
-        kToReplace,      // another file has, and the user wants it replaced
-        kVerifiedBefore, // an earlier run has acknowledged it, and size and time are those of the source
+        kToCopy,         // nothing at the destination has its name
+        kToCheck,        // a file of the same size has its name, and may be the same
+        kToReplace,      // another file has its name, and the user wants it replaced
+        kVerifiedBefore, // in the manifest of an earlier run, with the size and time of the source
     };
 
-    std::string mName; // below the root, "/" between folders, as bytes of the host
+    std::string mName; // below the source, "/" between folders, in the host's bytes
     std::uint64_t mSize = 0;
-    std::uint64_t mAllocated = 0; // fewer bytes than the size where the source has holes
+    std::uint64_t mAllocated = 0; // less than the size if the source has holes
     unsigned __int64 mTime = 0;
     State mState = kToCopy;
-    std::optional<EntryIdentity> mEarlier; // the file that has its name at the destination
+    std::optional<EntryIdentity> mEarlier; // the file at the destination with the same name
 };
 
-/// The bytes and files to be written to one volume.
+/// What a run will write to one volume.
 struct IngestVolume
 {
     std::uint64_t mVolume = 0;
-    std::string mFolder; // a folder of the destination that is there
+    std::string mFolder; // an existing folder of the destination on this volume
     std::uint64_t mBytes = 0;
     std::uint64_t mLargest = 0;
     std::string mLargestName;
@@ -47,11 +47,11 @@ struct IngestVolume
 struct IngestPlan
 {
     std::vector<IngestItem> mItems;    // by name
-    std::vector<std::string> mFolders; // of the destination, that are to be made, each after the one above it
+    std::vector<std::string> mFolders; // to be created at the destination, each after its parent
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;
-    std::uint64_t mBytesToPass = 0; // through memory: each byte to copy is read here and there
+    std::uint64_t mBytesToPass = 0; // each byte to copy counts twice: read from the source and read back
 };
 
 struct IngestPlanRequest
@@ -59,20 +59,20 @@ struct IngestPlanRequest
     const IngestRoots& mRoots;
     const std::string& mManifestName;
     const IngestManifest& mManifest;
-    IngestRecord* mRecord = nullptr; // null where there is no destination yet
+    IngestRecord* mRecord = nullptr; // null if the destination does not exist yet
     bool mReplaces = false;
     std::function<bool()> mIsStopped;
 };
 
-/// Looks at what is at the destination already. Throws Failure where the source holds a file of the manifest's name or
-/// no file at all.
+/// Compares the listing with what is at the destination. Throws Failure if the source holds no file, or a file with the
+/// manifest's name.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
-/// Bytes that other destinations of this run will write, by volume.
+/// Bytes that earlier destinations of this run will write, by volume.
 using PromisedRoom = std::map<std::uint64_t, std::uint64_t>;
 
-/// Throws Failure where a volume of the destination has no room for all that is to be written, or its file system none
-/// for so large a file. Otherwise the room is promised.
+/// Throws Failure if a volume of the destination lacks free space for its files, or if a file exceeds the file system's
+/// limit. Otherwise adds the bytes to ioPromised.
 void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised);
 
 } // namespace orl

@@ -44,7 +44,7 @@ std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::si
     }
     parts.push_back({std::to_string(inFilesDone) + " of " + std::to_string(inFiles) + " files", 4});
     const std::string text = FitProgress(parts, inColumns);
-    // The bar takes what is left over, with its brackets and a blank.
+    // The bar takes the remaining columns, including its brackets and a blank.
     const std::size_t used = ColumnsOf(text) + 3;
     const std::size_t bar = std::min(kWidestBar, inColumns - std::min(inColumns, used));
     return (bar >= kNarrowestBar ? Bar(share, bar) : std::string()) + text;

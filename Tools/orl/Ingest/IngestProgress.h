@@ -1,4 +1,4 @@
-// What the progress line of an ingest says.
+// The text of an ingest's progress line.
 #pragma once
 
 #include "ProgressLine.h"
@@ -10,8 +10,8 @@
 
 namespace orl {
 
-/// "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files", as much of it as fits into that many
-/// columns. Bytes are those of the source; each passes twice, once to be copied and once to be read back.
+/// Returns "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files", shortened to inColumns.
+/// inPassed and inToPass count each byte twice, once copied and once read back; the text shows bytes of the source.
 std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::size_t inFilesDone, std::size_t inFiles,
                          double inSeconds, std::size_t inColumns);
 

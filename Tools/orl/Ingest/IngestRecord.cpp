@@ -24,18 +24,18 @@ constexpr char kExtension[] = ".part";
 constexpr std::size_t kRandomDigits = 32;
 constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
 
-// One line each, by its first letter: a temporary, the length of the manifest, a place in it.
+// The first letter of each line: a temporary file, the length of the manifest, an offset in the manifest.
 constexpr char kTemporary = 'T';
 constexpr char kLength = 'M';
 constexpr char kWithdrawn = 'W';
-constexpr char kWhole[] = "-"; // in the place of a length: nothing is being added
+constexpr char kWhole[] = "-"; // instead of a length: no line is being added
 
 bool IsNumber(const std::string& inText)
 {
     return !inText.empty() && inText.size() < 19 && inText.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// Below the destination, and a name that a run of ours may have given.
+// Whether a recorded name lies below the destination and has the form of a temporary name.
 bool MayBeOurs(const std::string& inName)
 {
     const std::string folder = "/" + FolderOf(inName) + "/";
@@ -43,7 +43,7 @@ bool MayBeOurs(const std::string& inName)
            && folder.find("/./") == std::string::npos && (folder == "//" || folder.find("//") == std::string::npos);
 }
 
-// A file, or a folder in which names were tried.
+// Removes a temporary file, or a folder in which names were tried.
 ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLeaf)
 {
     HeldFolder tried;
@@ -113,8 +113,8 @@ IngestRecord::IngestRecord(const IngestRoots& inRoots, const std::string& inMani
 {
 }
 
-// A file that is locked may be removed under its lock where the system lets a name go before its file. Elsewhere the
-// name goes when the file is closed; a run that came in between holds it, and the system refuses.
+// On a system where an open file can be deleted, the file is removed while it is still locked. Elsewhere it is removed
+// after it is closed; if another run has opened it in between, the system refuses the removal.
 IngestRecord::~IngestRecord()
 {
     if (!mFile.IsOpen()) {
@@ -133,7 +133,8 @@ void IngestRecord::Open()
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
         throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
     }
-    // A run that ends takes the name away from under one that waits: then that one has locked a file that nobody finds.
+    // A run that ends deletes the record. A run that opened the record just before has then locked a file without a
+    // name, and must open it again.
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         OpenOnce();
@@ -162,7 +163,7 @@ void IngestRecord::OpenOnce()
         throw Failure("ingest: another ingest is at work on \"" + mRoots.mShownDestination + "\"");
     }
     const bool hasChanged =
-        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // another try
+        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // then try again
     if (!ORL::ResultSucceeded(result) && !hasChanged) {
         throw Failure("ingest: cannot open " + shown + ": " + Describe(result),
                       result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
@@ -185,7 +186,7 @@ void IngestRecord::Read()
     for (unsigned int count = isSmall ? 1 : 0; count != 0;) {
         const ORL::Result result = mFile.Read(block.data(), static_cast<unsigned>(block.size()), count);
         if (!ORL::ResultSucceeded(result)) {
-            mFile.Close(); // it may say something, so it stays
+            mFile.Close(); // it may hold something, so it stays
             throw Failure("ingest: cannot read \"" + JoinHostPath(mRoots.mShownDestination, mName)
                           + "\": " + Describe(result));
         }
@@ -193,7 +194,7 @@ void IngestRecord::Read()
     }
     const std::string header(kHeader);
     if (!isSmall || text.compare(0, header.size(), header, 0, text.size()) != 0) {
-        mFile.Close(); // it is not ours, and stays
+        mFile.Close(); // it is not ours, so it stays
         throw Failure("ingest: \"" + JoinHostPath(mRoots.mShownDestination, mName)
                       + "\" is no file of ours (delete it, or name another manifest with --manifest)");
     }
@@ -209,9 +210,9 @@ void IngestRecord::Read()
         }
     }
     mTemporaries = mRemains.mTemporaries;
-    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest knows better
+    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest has been read
     if (text.back() != '\n') {
-        Write("\n", false); // the line that a killed run did not finish stands for nothing
+        Write("\n", false); // ends the incomplete line of a killed run, which is ignored
     }
 }
 

@@ -1,6 +1,6 @@
-// The record of one run, a file of its own at the destination beside the manifest: who is at work there, and what a run
-// that is killed leaves behind. It is locked from the first look at the destination to the end of the run, and is never
-// replaced.
+// The record of one run: a file beside the manifest that marks the destination as in use and lists what a killed run
+// leaves behind. It is locked from the first check of the destination to the end of the run, and never replaced by
+// another file.
 #pragma once
 
 #include "IngestRoots.h"
@@ -16,50 +16,50 @@
 
 namespace orl {
 
-/// What an earlier run wrote and did not get to undo.
+/// What an earlier run wrote and did not undo.
 struct IngestRemains
 {
     std::set<std::string> mTemporaries;           // names below the destination
     std::optional<std::uint64_t> mManifestLength; // before the last lines were added
-    std::vector<std::uint64_t> mWithdrawn;        // where lines of the manifest were made remarks
+    std::vector<std::uint64_t> mWithdrawn;        // offsets of lines of the manifest that became comments
 };
 
 class IngestRecord
 {
 public:
-    /// Touches nothing yet.
+    /// Does not touch the disk.
     IngestRecord(const IngestRoots& inRoots, const std::string& inManifestName);
 
-    /// Removes the file where nothing is left that a later run had to know of.
+    /// Deletes the file if it holds nothing that a later run needs.
     ~IngestRecord();
     IngestRecord(const IngestRecord&) = delete;
     IngestRecord& operator=(const IngestRecord&) = delete;
 
-    /// Makes or opens the file and locks it against all others. Throws Failure: another run is at work, or the name is
-    /// that of a file which no run of ours made.
+    /// Creates or opens the file and locks it against other runs. Throws Failure if another run is at work or another
+    /// program made the file of this name.
     void Open();
 
     const IngestRemains& Remains() const { return mRemains; }
 
-    /// Deletes what earlier runs left unfinished. Nothing is deleted that lies in a folder of the source.
+    /// Deletes the unfinished files of earlier runs, except in folders of the source.
     void RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolders);
 
-    /// A name for an unfinished file in a folder of the destination, which nothing has, written down before this
-    /// returns. Throws Failure. Thread-safe, as is Forget.
+    /// Returns an unused name for a temporary file in a folder of the destination. The name is written to the record
+    /// first. Throws Failure. Thread-safe, as is Forget.
     std::string NewTemporary(const std::string& inFolder);
 
-    /// The unfinished file is gone, or has become the real one.
+    /// Call when the temporary file is gone or has become the final one.
     void Forget(const std::string& inFolder, const std::string& inLeaf);
 
-    /// Before lines are added to the manifest, and before one is made a remark: on disk when these return. Throw
-    /// Failure.
+    /// Call before lines are added to the manifest, or before one becomes a comment. The note is on disk when these
+    /// return. Throw Failure.
     void NoteManifestLength(std::uint64_t inLength);
     void NoteWithdrawn(std::uint64_t inPlace);
 
-    /// The lines are whole.
+    /// Call when the added lines are complete.
     void NoteManifestIsWhole();
 
-    /// Whether the manifest has something that only this record explains.
+    /// Whether the manifest holds something that only this record explains.
     void SetNeededByManifest(bool inIsNeeded);
 
 private:
@@ -78,17 +78,17 @@ private:
     bool mIsNeededByManifest = false;
 };
 
-/// The name of the record that goes with a manifest.
+/// Returns the name of the record for a manifest.
 std::string RecordNameOf(const std::string& inManifestName);
 
-/// ".orl-", 32 random digits, ".part".
+/// Returns ".orl-", 32 random digits, ".part".
 std::string RandomTemporaryName();
 
 /// Whether a name has that form.
 bool IsTemporaryName(const std::string& inLeaf);
 
-/// Does something with an unfinished file. A run that was killed may hold it for a moment longer, until the system has
-/// ended its reads, so kSharingViolation is answered by another try, for some seconds.
+/// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the system may hold
+/// the files of a killed run open until it has ended that run's reads.
 ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork);
 
 } // namespace orl

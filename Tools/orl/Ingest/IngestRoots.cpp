@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 namespace PathUtils = ORL::PathUtils;
 
-// Without dots and doubled separators, and past the length limit of plain paths.
+// Removes dots and doubled separators, and lifts the length limit of plain paths.
 UTF16String CleanPath(const std::string& inArgument)
 {
     std::string host;
@@ -29,7 +29,7 @@ UTF16String CleanPath(const std::string& inArgument)
     return PathUtils::ToNormalizedPath(PathUtils::FromHostPath(host));
 }
 
-// Of a destination that is not there yet the text is all that can be compared.
+// Compares the text of the paths: a destination that does not exist yet has no identity.
 bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
 {
     std::error_code error;
@@ -39,7 +39,7 @@ bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
     return end == folder.end() || (std::next(end) == folder.end() && end->empty());
 }
 
-// Whether a folder, or one above it, is the one of that identity. It need not be there yet.
+// Whether inPath or a folder above it has that identity. inPath need not exist.
 bool IsInside(const UTF16String& inPath, const EntryIdentity& inIdentity)
 {
     std::error_code error;
@@ -165,7 +165,7 @@ void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther)
 
 void MakeDestination(IngestRoots& ioRoots)
 {
-    std::vector<UTF16String> above; // whose entries are new
+    std::vector<UTF16String> above; // folders that get a new entry
     for (UTF16String path = ioRoots.mDestination; !ORL::Directory::IsDirectory(path);) {
         const UTF16String next = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
         if (next.empty() || next == path) {

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A flush costs milliseconds, so files are acknowledged in groups.
+// A flush costs milliseconds, so files are added to the manifest in groups.
 constexpr std::chrono::milliseconds kTick(100);
 constexpr std::chrono::seconds kGroupTime(10);
 constexpr std::size_t kGroupSize = 1024;
@@ -80,7 +80,8 @@ private:
                               result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
             }
         }
-        // Lines of files that somebody has taken away. That of a file to be replaced is true until then.
+        // Drops the lines of files that are missing at the destination. The line of a file to be replaced stays true
+        // until the replacement.
         std::vector<std::string> names;
         for (const IngestItem& item : mPlan.mItems) {
             if (item.mState == IngestItem::kToCopy) {
@@ -115,7 +116,7 @@ private:
         }
     }
 
-    // On the caller's thread: shows how far it is, listens for the user, acknowledges.
+    // Runs on the caller's thread: shows the progress, polls for a stop, acknowledges groups of files.
     void Watch()
     {
         Clock::time_point acknowledged = Clock::now();
@@ -167,20 +168,20 @@ private:
             const std::lock_guard<std::mutex> lock(mMutex);
             mVerified.push_back(inIndex);
             mFiles[inIndex] = std::move(file);
-        } catch (const IngestStopped&) { // nothing of the file is left
+        } catch (const IngestStopped&) { // the temporary file has been removed
         } catch (const IngestFailure& failure) {
             AddTrouble(failure, failure.EndsRun());
         } catch (const NoAnswer& failure) {
             AddTrouble(failure, true);
             mHasNoAnswer = true;
-        } catch (const Failure& failure) { // of the manifest
+        } catch (const Failure& failure) { // from the manifest or the record
             AddTrouble(failure, true);
         } catch (const std::exception& failure) {
             AddTrouble(Failure("ingest: " + std::string(failure.what())), true);
         }
     }
 
-    // What ends the run is met by several files at once and told by the first.
+    // Several files may meet the failure that ends the run; only the first reports it.
     void AddTrouble(const Failure& inFailure, bool inEndsRun)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -210,7 +211,7 @@ private:
         }
     }
 
-    // What went with the destination is told once.
+    // Reports only once that the destination is gone.
     void AddTroubleOfGroup(const Failure& inFailure, const std::vector<std::size_t>& inGroup)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -281,7 +282,7 @@ private:
     std::condition_variable mChanged;
     unsigned mLeft = 0;
     bool mHasEndedItself = false;
-    std::vector<std::size_t> mVerified; // and not yet acknowledged
+    std::vector<std::size_t> mVerified; // verified, but not yet in the manifest
     std::vector<IngestedFile> mFiles;
     IngestOutcome mOutcome;
 };

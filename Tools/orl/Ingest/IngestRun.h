@@ -1,4 +1,4 @@
-// All files of an ingest: several at once, and the manifest kept behind them.
+// The ingest of all files to one destination: copies several files at once and adds them to the manifest.
 #pragma once
 
 #include "IngestFile.h"
@@ -14,7 +14,7 @@ namespace orl {
 
 struct IngestSettings
 {
-    unsigned mFilesAtOnce = 4; // of each destination
+    unsigned mFilesAtOnce = 4; // per destination
     bool mReplaces = false;
     SharingLimits mSharing;
 };
@@ -22,7 +22,7 @@ struct IngestSettings
 /// The callbacks of a run to one destination.
 struct IngestRunWatcher
 {
-    std::function<bool()> mIsStopped; // called on any thread, between two blocks
+    std::function<bool()> mIsStopped; // polled on any thread, between two blocks
     std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)>
         mShow;                                                       // on the caller's thread, ten times a second
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // called on any thread; may be empty
@@ -40,21 +40,21 @@ struct IngestOutcome
     struct Row
     {
         const IngestItem* mItem;
-        std::string mDigest;      // empty for one that was verified before
+        std::string mDigest;      // empty if verified before
         bool mWasPresent = false; // compared, not copied
     };
 
-    std::vector<Row> mRows; // what is at the destination, verified, and in the manifest: in the plan's order
+    std::vector<Row> mRows; // files at the destination that are verified and in the manifest, in the plan's order
     std::vector<IngestTrouble> mTroubles;
     bool mIsRefused = false; // nothing was begun
     bool mIsStopped = false;
-    bool mHasNoAnswer = false; // of the destination: the process had better end without a stop of the library
+    bool mHasNoAnswer = false; // the disk stopped answering: end the process without stopping the library
     double mSeconds = 0;
 };
 
-/// Makes the folders, brings the files, and acknowledges them in groups: a file's line is written when the file is on
-/// disk under its final name. When this returns, everything that was verified is acknowledged, unless a trouble says
-/// that the disk or the manifest cannot be kept.
+/// Creates the folders, copies the files, and adds them to the manifest in groups, each file after it is on disk under
+/// its final name. When this returns, every verified file is in the manifest, unless a trouble reports that the disk or
+/// the manifest could not be written.
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
                         IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,
                         const IngestRunWatcher& inWatcher);

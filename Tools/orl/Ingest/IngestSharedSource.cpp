@@ -25,7 +25,7 @@ constexpr std::size_t kLeastBlocks = 4;
 constexpr std::chrono::milliseconds kLook(50);
 constexpr std::chrono::seconds kLeastPatience(1);
 
-/// A file being read. Places are offsets in bytes, at the start of a block or at the end of the file.
+/// A file being read. Places are offsets in bytes, each the start of a block or the end of the file.
 struct SharedFile
 {
     explicit SharedFile(std::uint64_t inSize) : mSize(inSize) {}
@@ -33,7 +33,7 @@ struct SharedFile
     bool IsAnyoneBehind(std::size_t inReader) const
     {
         return std::any_of(mPlaces.begin(), mPlaces.end(), [&](const auto& inPlace) {
-            // Readers before mKept do not count: they read by themselves.
+            // Readers before mKept do not count: they read from the source themselves.
             return inPlace.first != inReader && inPlace.second >= mKept;
         });
     }
@@ -109,7 +109,7 @@ struct SharedSource::State
     std::map<std::string, FilePtr> mFiles;                // being read
 };
 
-// A destination that did not register, or reads a file a second time, reads it alone.
+// A destination that did not register, or that reads a file again, reads it alone.
 FilePtr SharedSource::State::Join(std::size_t inDestination, const std::string& inName, std::uint64_t inSize)
 {
     const auto wanted = mWanted.find(inName);
@@ -141,7 +141,7 @@ void SharedSource::State::Leave(std::size_t inDestination, const std::string& in
     mChanged.notify_all();
 }
 
-// Readers before mKept read from the source by themselves until they reach it.
+// Readers before mKept read from the source themselves until they reach it.
 void SharedSource::State::Trim(SharedFile& ioFile)
 {
     while (!ioFile.mBlocks.empty()) {

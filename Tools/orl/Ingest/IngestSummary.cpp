@@ -48,7 +48,7 @@ constexpr std::size_t kShownDigits = 16;
 struct ShownFile
 {
     const IngestItem* mItem = nullptr;
-    const IngestRoots* mRoots = nullptr; // of one destination that has it
+    const IngestRoots* mRoots = nullptr; // of any one destination that has it
     std::string mDigest;                 // empty if it was verified before
     bool mWasPresent = false;
     std::size_t mCount = 0;
@@ -74,7 +74,7 @@ std::vector<ShownFile> ShownFilesOf(const std::vector<IngestDestination>& inDest
     return list;
 }
 
-// With several destinations the state is their number.
+// With several destinations the column shows how many of them have the file.
 std::string StateOf(const ShownFile& inFile, std::size_t inDestinations)
 {
     if (inDestinations > 1) {

@@ -1,4 +1,4 @@
-// What an ingest shows at its end.
+// The output at the end of an ingest.
 #pragma once
 
 #include "IngestDestinations.h"
@@ -7,23 +7,24 @@
 
 namespace orl {
 
-/// A frame rate by the name that people have for it ("25", "29.97df"), and how its timecode is written.
+/// A frame rate with its usual name ("25", "29.97df") and its timecode format.
 struct NamedRate;
 
-/// Throws Failure for a name that is none.
+/// Throws Failure if no frame rate has that name.
 const NamedRate& FindRate(const std::string& inName);
 
-/// All names, for a help text.
+/// Returns all names, for a help text.
 std::string RateNames();
 
-/// The timecode of a file's length, empty for a file that has none.
+/// Returns the length of a WAV file as timecode, empty for any other file.
 std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 
-/// The table, which leaves out the files behind the 24th, and the sums of each destination.
+/// Prints a table of the first 24 files, and the sums of each destination.
 void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
                   const std::string& inManifestName);
 
-/// All troubles. With several destinations each line names its own, and a trouble that all share is listed once.
+/// Returns all troubles. With several destinations each line names its destination, and a trouble that all destinations
+/// share is listed once.
 std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDestinations);
 
 } // namespace orl

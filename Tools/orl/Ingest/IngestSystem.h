@@ -1,5 +1,5 @@
-// What an ingest needs of the system besides the library: folders that are held and compared by identity, listings that
-// report where they break off, times that are kept, and contents that are on disk for sure.
+// System functions for an ingest beyond those of the library: open folders with an identity, listings that report when
+// they are incomplete, last-write times, and flushes to disk.
 #pragma once
 
 #include <ORLFile.h>
@@ -13,7 +13,7 @@
 
 namespace orl {
 
-/// Tells one file or folder from all others that are there at the same time.
+/// Identifies one file or folder among all that exist at the same time.
 struct EntryIdentity
 {
     std::uint64_t mVolume = 0;
@@ -37,16 +37,18 @@ struct EntryStatus
     Kind mKind = kOther;
     EntryIdentity mIdentity;
     std::uint64_t mSize = 0;
-    std::uint64_t mAllocated = 0; // bytes on the disk; fewer than the size where the file has holes
-    unsigned __int64 mTime = 0;   // of the last write, in the library's units
+    std::uint64_t mAllocated = 0; // bytes on disk; less than the size if the file has holes
+    unsigned __int64 mTime = 0;   // last write, in the library's units
 };
 
 enum class Links { kFollow, kStay };
 
-/// A folder that stays this one, whatever happens to the names that led to it, and however long they are. Names are
-/// those of one entry, as bytes of the host (UTF-8 on Windows). Usable from several threads at once.
+/// A folder with an identity. Names are those of one entry, in the host's bytes (UTF-8 on Windows). Operations may run
+/// on several threads at once. Each returns kSuccess or the result for the system's error.
 ///
-/// Each operation returns kSuccess, or what the system's error stands for.
+/// On Linux the object holds a descriptor, so renaming a parent folder does not affect it and path length is not
+/// limited. On Windows it keeps the extended path, limited to 32767 units; callers detect an exchanged folder by its
+/// identity.
 class HeldFolder
 {
 public:
@@ -61,28 +63,28 @@ public:
     bool IsOpen() const { return mState != nullptr; }
     const EntryIdentity& Identity() const;
 
-    /// Library paths that lead here, and to an entry, for as long as this object lives.
+    /// Library paths of this folder, and of an entry in it. Valid while this object lives.
     UTF16String Path() const;
     UTF16String PathOf(const std::string& inName) const;
 
-    /// The names of all entries, in no order. Fails also where the listing breaks off.
+    /// Lists the names of all entries, unordered. Fails if the listing is incomplete.
     ORL::Result List(std::vector<std::string>& outNames) const;
 
     ORL::Result Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
     ORL::Result MakeFolder(const std::string& inName) const;
 
-    /// Renames within this folder. kAlreadyExists where something has the new name: that stays, by the system's own
-    /// doing.
+    /// Renames within this folder. Returns kAlreadyExists if the new name is taken. The check is atomic, except on
+    /// Linux file systems that support neither exclusive renames nor hard links.
     ORL::Result MoveToFreeName(const std::string& inFrom, const std::string& inTo) const;
 
-    /// Removes a file or a link itself, or an empty folder.
+    /// Remove deletes a file or a link itself, RemoveFolder an empty folder.
     ORL::Result Remove(const std::string& inName) const;
     ORL::Result RemoveFolder(const std::string& inName) const;
 
-    /// Waits until the names in this folder are on disk, as far as the file system can be asked to.
+    /// Waits until the names in this folder are on disk, as far as the file system supports it.
     ORL::Result Sync() const;
 
-    /// Waits until the contents of a file are on disk that was settled when it was written.
+    /// Waits until the contents of a file are on disk. Requires a call of SettleFile after the last write.
     ORL::Result SyncFile(const std::string& inName) const;
 
     /// Waits until everything on this folder's volume is on disk.
@@ -94,21 +96,21 @@ private:
     std::unique_ptr<State> mState;
 };
 
-/// Whether SyncVolume works for an ordinary user here.
+/// Whether SyncVolume works here without administrator rights.
 bool CanSyncVolumes();
 
 bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity);
 
-/// Sets the last-write time of a file that is open to write, in the library's units.
+/// Sets the last-write time of a file open for writing, in the library's units.
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime);
 
-/// Lets parts of a new file that are skipped stay holes.
+/// Makes a new file sparse, so that skipped parts stay holes.
 void LetHaveHoles(ORL::File& ioFile);
 
 /// Waits until a file's contents are on disk.
 bool FlushFile(ORL::File& ioFile);
 
-/// For a file that belongs to a group: does at once what SyncFile does not do.
+/// Prepares a written file for SyncFile: flushes it now on systems where SyncFile does nothing.
 bool SettleFile(ORL::File& ioFile);
 
 } // namespace orl

@@ -8,7 +8,7 @@ namespace orl {
 
 namespace {
 
-// Closed before it is asked, since an open file may still have a finer time.
+// The file is closed before its time is queried: an open file may still report a finer time.
 bool SetTimeOfNewFile(const UTF16String& inPath, unsigned __int64 inTime)
 {
     ORL::File file;

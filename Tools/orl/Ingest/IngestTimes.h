@@ -1,4 +1,4 @@
-// Last-write times on a file system that may keep less of them than the source has.
+// Last-write times on a file system that stores them less precisely than the source's.
 #pragma once
 
 #include "IngestRecord.h"
@@ -8,8 +8,8 @@
 
 namespace orl {
 
-/// What the file system of a folder makes of a last-write time, found out by a file that is made for it there, and
-/// deleted. inFolder is the held folder's name below the destination. 0 where it cannot be found out.
+/// Returns what the file system of a folder stores for a last-write time, or 0 if that cannot be determined. Creates a
+/// file in the folder, queries its time and deletes it. inFolder is the name of inHeld below the destination.
 unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
                                 IngestRecord& ioRecord);
 

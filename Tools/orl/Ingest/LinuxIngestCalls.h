@@ -1,5 +1,4 @@
-// The system calls that an ingest makes by itself, beside those of the library. The program's go to the system; a test
-// exchanges them while no ingest is under way.
+// The system calls that an ingest makes itself, not through the library. Tests replace them while no ingest runs.
 #pragma once
 
 #include <ctime>
@@ -10,8 +9,8 @@ namespace orl {
 
 struct IngestCalls
 {
-    int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // -1 and errno, as all here
-    dirent* (*mReadDir)(DIR* inFolder);                            // null at the end, and null and errno
+    int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // returns -1 and sets errno, as all here
+    dirent* (*mReadDir)(DIR* inFolder);                            // null at the end; null and errno on an error
     int (*mFStatAt)(int inFolder, const char* inName, struct stat* outStatus, int inFlags);
     int (*mMakeDirAt)(int inFolder, const char* inName);
     int (*mRenameAt)(int inFolder, const char* inFrom, const char* inTo, unsigned inFlags);

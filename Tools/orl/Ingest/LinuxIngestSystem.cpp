@@ -79,7 +79,7 @@ bool IsItselfOrAbove(const char* inName)
     return std::strcmp(inName, ".") == 0 || std::strcmp(inName, "..") == 0;
 }
 
-// An end and a failure look alike but for errno.
+// readdir returns null at the end and on an error; only errno tells the two apart.
 ORL::Result ReadNames(DIR* inFolder, std::vector<std::string>& outNames)
 {
     for (;;) {
@@ -164,7 +164,7 @@ const EntryIdentity& HeldFolder::Identity() const
     return mState->mIdentity;
 }
 
-// A link of the system's that leads to the folder itself, not to a name.
+// A /proc link refers to the open folder itself, not to a name.
 UTF16String HeldFolder::Path() const
 {
     return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->mFile));
@@ -208,8 +208,8 @@ ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
     return Done(sIngestCalls.mMakeDirAt(mState->mFile, inName.c_str()));
 }
 
-// Each of the three refuses a name that is taken. The last is for file systems that know neither of the others, and
-// looks first, since it has nothing better.
+// Each of the three ways refuses a name that is taken. The last is for file systems that support neither of the others;
+// it checks the name first, so it is not atomic.
 ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
 {
     const char* const from = inFrom.c_str();
@@ -290,7 +290,7 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
     return sIngestCalls.mFUTimens(DescriptorOf(ioFile), times) == 0;
 }
 
-// Here each file may.
+// Every file may have holes here.
 void LetHaveHoles(ORL::File&)
 {
 }

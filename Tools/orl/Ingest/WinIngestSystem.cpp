@@ -90,7 +90,7 @@ EntryIdentity IdentityOf(const BY_HANDLE_FILE_INFORMATION& inStatus)
     return {inStatus.dwVolumeSerialNumber, std::uint64_t{inStatus.nFileIndexHigh} << 32 | inStatus.nFileIndexLow};
 }
 
-// A file without holes takes what it is long.
+// Returns the file size for a file without holes.
 std::uint64_t AllocatedOf(const std::wstring& inPath, DWORD inAttributes, std::uint64_t inSize)
 {
     if ((inAttributes & FILE_ATTRIBUTE_SPARSE_FILE) == 0) {
@@ -124,11 +124,10 @@ ORL::Result LookAt(const std::wstring& inPath, Links inLinks, EntryStatus& outSt
 
 } // namespace
 
-// The extended form of a path has room for 32767 units. Whoever exchanges a folder on the way is found out by its
-// identity.
+// Keeps the extended path, which may have 32767 units. Callers detect an exchanged folder on the way by its identity.
 struct HeldFolder::State
 {
-    std::wstring mPath; // without a separator at its end, but for the root of a volume
+    std::wstring mPath; // no trailing separator, except for the root of a volume
     EntryIdentity mIdentity;
 
     std::wstring PathOf(const std::wstring& inName) const
@@ -193,7 +192,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     if (listing == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();
         return error == ERROR_FILE_NOT_FOUND ? ORL::kSuccess
-                                             : ResultOf(error); // the root of a volume that holds nothing
+                                             : ResultOf(error); // the empty root of a volume
     }
     do {
         if (!IsItselfOrAbove(entry.cFileName)) {
@@ -230,7 +229,7 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(::RemoveDirectoryW(mState->PathOf(inName).c_str()));
 }
 
-// The file systems that refuse it keep the order of names in a journal, or write them through when they are made.
+// File systems that refuse the flush keep name changes in a journal or write them through.
 ORL::Result HeldFolder::Sync() const
 {
     const Handle folder(mState->mPath, GENERIC_WRITE, FILE_FLAG_BACKUP_SEMANTICS);
@@ -250,7 +249,7 @@ ORL::Result HeldFolder::SyncVolume() const
     return ORL::kSuccess;
 }
 
-// It takes an administrator.
+// Flushing a volume requires an administrator.
 bool CanSyncVolumes()
 {
     return false;
@@ -274,7 +273,7 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
     return ::SetFileTime(ioFile.GetPlatformFileHandle(), nullptr, nullptr, &time) != FALSE;
 }
 
-// Where the file system cannot, the holes are written as zeros.
+// If the file system does not support holes, they are written as zeros.
 void LetHaveHoles(ORL::File& ioFile)
 {
     DWORD count = 0;
