@@ -30,8 +30,8 @@ public:
     IngestManifest(const IngestManifest&) = delete;
     IngestManifest& operator=(const IngestManifest&) = delete;
 
-    /// Reads the file and changes nothing. Refuses a file that is not a list of sums at the first wrong line, so a large
-    /// foreign file costs little memory. Throws Failure.
+    /// Reads the file and changes nothing. Refuses a file at the first line that is not a sum, so that a large foreign
+    /// file costs little memory. Throws Failure.
     void Read();
 
     /// Cuts off the incomplete last line of a killed run. Throws Failure.

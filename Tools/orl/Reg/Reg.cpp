@@ -39,7 +39,7 @@ RegKeyName KeyOf(const Options& inOptions)
     return key;
 }
 
-// A key below a root: the roots themselves are the system's.
+// The roots belong to the system and cannot be changed.
 RegKeyName KeyToChange(const Options& inOptions)
 {
     const RegKeyName key = KeyOf(inOptions);

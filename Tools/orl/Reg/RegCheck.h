@@ -3,7 +3,7 @@
 
 namespace orl {
 
-/// Reads both stores and says on standard output whether they are whole. Throws PartialFailure if one is not.
+/// Reads both stores and prints on standard output whether they are intact. Throws PartialFailure if one is not.
 void CheckRegStores(bool inAsJson);
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// The registry text format of version 5.00, with which settings travel between machines.
+// The registry text format, version 5.00, which moves settings between machines.
 //
 //   Windows Registry Editor Version 5.00
 //
@@ -6,12 +6,12 @@
 //   @="text"                                  its default value
 //   "Width"=dword:00000780                    a value: text, dword:, hex: or hex(type):
 //   "Old"=-                                   deletes a value
-//   [-HKEY_CURRENT_USER\Software\Gone]        deletes a key with all below it
+//   [-HKEY_CURRENT_USER\Software\Gone]        deletes a key with everything below it
 //   ; comment
 //
-// A name or text in quotes writes " and \ with a \ before it, and may go on over line ends. Bytes are hexadecimal, with
-// commas between them; a \ at the end of a line goes on with the next. A file is UTF-16 with a byte order mark and ends
-// its lines with CR LF; readers take UTF-16 in either byte order and UTF-8 too, and any line end.
+// In a quoted name or text, " and \ are escaped with \, and line ends are allowed. Bytes are hexadecimal, separated by
+// commas; a \ at the end of a line continues them on the next. The writer produces UTF-16 with a byte order mark and CR
+// LF line ends. The reader also accepts UTF-16 in the other byte order, UTF-8, and any line end.
 #pragma once
 
 #include <ORLRegistryStore.h>
@@ -24,7 +24,7 @@
 
 namespace orl {
 
-/// A line of the file that makes no sense. Lines count from 1.
+/// An invalid line of the file. Lines count from 1.
 class RegFileFault : public std::runtime_error
 {
 public:
@@ -36,27 +36,28 @@ private:
     std::size_t mLine;
 };
 
-/// Reads a whole file: what it asks for, in its order. Throws RegFileFault for the first wrong line.
+/// Parses a whole file and returns its changes in the order of the file. Throws RegFileFault for the first invalid
+/// line.
 std::vector<ORL::RegistryEdit> ReadRegFile(const std::string& inBytes);
 
-/// One key with its values, as a file holds it.
+/// One key with its values, for a file.
 struct RegFileKey
 {
-    UTF16String mName; // with its root, see LongRegKeyName
+    UTF16String mName; // with its root; see LongRegKeyName
     std::vector<ORL::RegistryValue> mValues;
 };
 
-/// Whether the format can hold the name of a key: a line end in it cannot be written.
+/// Whether the format can represent the name of a key. It cannot if the name holds a line end.
 bool CanWriteRegKey(const UTF16String& inName);
 
-/// The text of a file, with CR LF line ends and without byte order mark. Keys keep their order; values are sorted by
-/// name, the default value first, so that equal keys make equal files whatever store they come from.
+/// Returns the text of a file, with CR LF line ends and without a byte order mark. Keys keep their order. Values are
+/// sorted by name, the default value first, so that equal keys yield equal files from any store.
 UTF16String WriteRegFile(const std::vector<RegFileKey>& inKeys);
 
-/// Whether a name comes before another in a file: without regard to case, then by units.
+/// Whether a name is sorted before another in a file: ignoring case first, then by code units.
 bool IsRegNameBefore(const UTF16String& inFirst, const UTF16String& inSecond);
 
-/// UTF-16, lowest byte first, behind a byte order mark.
+/// Encodes as UTF-16 little-endian with a byte order mark.
 std::string EncodeRegFile(const UTF16String& inText);
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// A place in the text of a registry file that knows its line.
+// A position in the text of a registry file, with its line number.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -8,7 +8,7 @@
 
 namespace orl {
 
-/// The text must outlive the cursor. A line ends at CR LF, at LF or at CR.
+/// inText must outlive the cursor. A line ends at CR LF, LF or CR.
 class RegFileCursor
 {
 public:
@@ -17,29 +17,29 @@ public:
     bool AtEnd() const { return mAt == mText.size(); }
     bool AtLineEnd() const { return AtEnd() || IsLineEnd(mText[mAt]); }
 
-    /// The next unit; 0xFFFF at the end of the text, which is no character.
+    /// Returns the next unit, or 0xFFFF, which is not a character, at the end of the text.
     unsigned short Peek() const { return AtEnd() ? static_cast<unsigned short>(0xFFFF) : mText[mAt]; }
 
-    /// The next unit, a line end included. Not at the end of the text.
+    /// Returns the next unit, which may be a line end, and moves past it. Not valid at the end of the text.
     unsigned short Take();
 
     bool TakeIf(char inCharacter);
 
-    /// Takes a word in ASCII, in either case, or nothing.
+    /// If the text continues with the ASCII word, in any case, moves past it and returns true. inWord is in lower case.
     bool TakeWord(const char* inWord);
 
-    /// Takes the character, or refuses the line with the message.
+    /// Moves past the character, or throws RegFileFault with the message.
     void Expect(char inCharacter, const std::string& inMessage);
 
     void SkipBlanks();
 
-    /// Goes to the end of the line if a comment begins here, and returns whether it does.
+    /// If a comment begins here, moves to the end of the line and returns true.
     bool SkipComment();
 
-    /// Takes what is left of the line, without its end.
+    /// Returns the rest of the line without its end, and moves to that end.
     UTF16String TakeRestOfLine();
 
-    /// Takes one line end, if the cursor is at one.
+    /// Moves past one line end if the cursor is at one.
     void TakeLineEnd();
 
     std::size_t Line() const { return mLine; }

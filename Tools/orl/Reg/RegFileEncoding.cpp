@@ -1,4 +1,4 @@
-// The bytes of a registry text file as 16-bit text, and back.
+// Converts between the bytes of a registry text file and 16-bit text.
 #include "RegFileEncoding.h"
 
 #include "RegFile.h"
@@ -36,8 +36,8 @@ UTF16String FromUTF16(const std::string& inBytes, std::size_t inLowByte)
     return text;
 }
 
-// Bytes that are no UTF-8 would only show as other characters; the place where they come back differently is their
-// line.
+// The conversion replaces invalid UTF-8 without an error. The first byte that differs after converting back is on the
+// invalid line.
 UTF16String FromUTF8(const std::string& inBytes)
 {
     UTF16String text = ToUTF16(inBytes);

@@ -1,4 +1,4 @@
-// The bytes of a registry text file as 16-bit text.
+// Decodes the bytes of a registry text file.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -7,7 +7,7 @@
 
 namespace orl {
 
-/// Takes the byte order mark off. Throws RegFileFault if the bytes are no text.
+/// Returns the text without its byte order mark. Throws RegFileFault if the bytes are not valid text.
 UTF16String DecodeRegFile(const std::string& inBytes);
 
 } // namespace orl

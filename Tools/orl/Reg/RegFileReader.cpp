@@ -77,7 +77,7 @@ private:
         }
     }
 
-    // The last bracket of the line ends the key: a name may hold others.
+    // The last bracket of the line ends the key: its name may contain brackets.
     void ReadKey()
     {
         const UTF16String line = mCursor.TakeRestOfLine();
@@ -110,7 +110,7 @@ private:
         }
         mPlace = inDeletes ? Place::kInDeletedKey : Place::kInKey;
         mKey = inKey;
-        if (!inKey.mPath.empty()) { // a root needs no making
+        if (!inKey.mPath.empty()) { // a root always exists
             Add(inDeletes ? RegistryEdit::kDeleteKey : RegistryEdit::kCreateKey, RegistryValue());
         }
     }
@@ -227,7 +227,7 @@ private:
 
     bool IsAtEndOfData() { return mCursor.AtLineEnd() || mCursor.Peek() == ';'; }
 
-    // Over blanks, and over the ends of lines that go on; comments may stand between such lines.
+    // Skips blanks and continued line ends, with comment lines between them.
     void SkipToNextByte()
     {
         mCursor.SkipBlanks();

@@ -13,7 +13,7 @@ namespace {
 using ORL::RegistryValue;
 using Types = ORL::RegistryValueTypes;
 
-constexpr std::size_t kLineWidth = 76; // bytes go on in the next line from here
+constexpr std::size_t kLineWidth = 76; // bytes continue on the next line after this column
 
 void Append(UTF16String& ioText, const char* inASCII)
 {
@@ -66,7 +66,7 @@ void AppendBytes(UTF16String& ioText, std::size_t inBeginOfLine, const std::vect
     }
 }
 
-// Line ends in a text would depend on how the reader takes them, so such a text is written as bytes.
+// A reader may convert the line ends of a quoted text, so a text with line ends is written as bytes.
 bool IsWrittenAsText(const RegistryValue& inValue)
 {
     if (inValue.mType != Types::kString || !IsWellFormedRegValue(inValue)) {

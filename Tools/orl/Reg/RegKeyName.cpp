@@ -35,7 +35,7 @@ unsigned Lower(unsigned inCharacter)
     return inCharacter >= 'A' && inCharacter <= 'Z' ? inCharacter + ('a' - 'A') : inCharacter;
 }
 
-// Without regard to the case of ASCII letters.
+// Ignores the case of ASCII letters.
 bool BeginsWith(const UTF16String& inText, const char* inBeginning)
 {
     const std::size_t length = std::strlen(inBeginning);

@@ -1,4 +1,4 @@
-// How a registry key is written on the command line and in a registry text file.
+// The notation of registry keys on the command line and in a registry text file.
 #pragma once
 
 #include <ORLRegistryKey.h>
@@ -11,28 +11,28 @@ namespace orl {
 struct RegKeyName
 {
     ORL::RegistryRootKeys::Type mRoot = ORL::RegistryRootKeys::kUser;
-    UTF16String mPath; // below the root, without backslashes at its ends; empty for the root itself
+    UTF16String mPath; // below the root, without outer backslashes; empty for the root itself
 };
 
-/// Reads "HKCU\Software\X", "HKEY_LOCAL_MACHINE\Software\X", "user:Software\X", "machine:Software\X", or "Software\X"
-/// for inRoot. Roots are written in either case. Throws Failure with the exit code of a wrong command line for a path
-/// that no key can have.
+/// Parses "HKCU\Software\X", "HKEY_LOCAL_MACHINE\Software\X", "user:Software\X", "machine:Software\X", or "Software\X"
+/// below inRoot. The case of the root does not matter. Throws Failure with kExitUsage for a path that cannot name a
+/// key.
 RegKeyName ReadRegKeyName(const std::string& inText, ORL::RegistryRootKeys::Type inRoot);
 
-/// "HKCU\Software\X"
+/// Returns "HKCU\Software\X".
 std::string ShowRegKeyName(const RegKeyName& inKey);
 
-/// "HKEY_CURRENT_USER\Software\X", as a registry text file has it.
+/// Returns "HKEY_CURRENT_USER\Software\X", the form of a registry text file.
 UTF16String LongRegKeyName(const RegKeyName& inKey);
 
-/// Takes the root off a name that begins with one ("HKCU", "HKEY_CURRENT_USER" ...), and the backslashes off the end of
-/// the rest. False if it begins with none.
+/// Splits a name that begins with a root ("HKCU", "HKEY_CURRENT_USER" ...) into the root and the path without trailing
+/// backslashes. Returns false if it begins with none.
 bool SplitRegRoot(const UTF16String& inName, RegKeyName& outKey);
 
-/// Says what is wrong with the path of a key below a root, or nothing if it is in order.
+/// Returns what is wrong with the path of a key below a root, or an empty string if the path is valid.
 std::string ComplainOfRegPath(const UTF16String& inPath);
 
-/// The name of a value as messages show it: quoted, or "the default value".
+/// Returns the name of a value for messages: quoted, or "the default value".
 std::string ShowRegValueName(const UTF16String& inName);
 
 constexpr std::size_t kMostKeyNameUnits = 255;

@@ -15,7 +15,7 @@ namespace {
 using ORL::RegistryValue;
 
 constexpr char kCommand[] = "reg list";
-constexpr std::size_t kWidestName = 40; // a longer one pushes its own line out, not all lines
+constexpr std::size_t kWidestName = 40; // a longer name widens its own line only
 
 std::string Indent(std::size_t inLevel)
 {
@@ -83,7 +83,7 @@ void ListRegKey(const RegListPlan& inPlan)
         std::cout << '\n';
         return;
     }
-    ReadRegValues(kCommand, inPlan.mKey); // a missing key writes nothing
+    ReadRegValues(kCommand, inPlan.mKey); // throws before anything is printed if the key is missing
     std::cout << OnOneLine(ShowRegKeyName(inPlan.mKey)) << '\n';
     PrintBelow(inPlan, inPlan.mKey, 1);
 }

@@ -12,7 +12,7 @@ struct RegListPlan
     bool mAsJson = false;
 };
 
-/// Writes the key, its values and the keys below it on standard output.
+/// Prints the key, its values and the keys below it on standard output.
 void ListRegKey(const RegListPlan& inPlan);
 
 } // namespace orl

@@ -45,7 +45,8 @@ bool Write(const std::filesystem::path& inFile, const std::string& inBytes)
     return !stream.fail();
 }
 
-// An earlier file stays until the new one is complete. What is no plain file, such as a pipe, is written to as it is.
+// An existing file stays until the new one is complete. Anything but a regular file, such as a pipe, is written
+// directly.
 bool WriteOrKeep(const std::filesystem::path& inFile, const std::string& inBytes)
 {
     std::error_code error;
@@ -71,7 +72,7 @@ std::string ReadWhole(const std::string& inFile)
         if (stream.is_open()) {
             return std::string((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
         }
-    } catch (const std::ios_base::failure&) { // a folder opens, and cannot be read
+    } catch (const std::ios_base::failure&) { // a folder can be opened but not read
     }
     throw Failure("reg import: cannot read \"" + inFile + '"');
 }

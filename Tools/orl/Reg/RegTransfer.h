@@ -7,11 +7,11 @@
 
 namespace orl {
 
-/// Writes a key and all below it: to a file, or to standard output if inFile is empty, as UTF-8 where that is a
-/// terminal.
+/// Writes a key and everything below it to a file, or to standard output if inFile is empty. A terminal gets UTF-8.
 void ExportRegKey(const RegKeyName& inKey, const std::string& inFile);
 
-/// Makes the changes of a file, or with inIsDryRun only shows them. A file with a wrong line changes nothing.
+/// Applies the changes of a file, or only prints them if inIsDryRun is true. A file with an invalid line changes
+/// nothing.
 void ImportRegFile(const std::string& inFile, bool inIsDryRun);
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// A key of the registry and what stands below it, read for a listing or an export.
+// Reads and changes keys for the commands of orl reg.
 #pragma once
 
 #include "RegKeyName.h"
@@ -10,19 +10,19 @@
 
 namespace orl {
 
-/// Reads the values of a key, sorted by name. Throws Failure, which names the command.
+/// Reads the values of a key, sorted by name. Throws Failure; its text begins with inCommand.
 std::vector<ORL::RegistryValue> ReadRegValues(const std::string& inCommand, const RegKeyName& inKey);
 
 /// Reads the names of the keys directly below a key, sorted. Throws Failure.
 std::vector<UTF16String> ReadRegSubKeys(const std::string& inCommand, const RegKeyName& inKey);
 
-/// The key of that name directly below.
+/// Returns the key of that name directly below inKey.
 RegKeyName RegSubKey(const RegKeyName& inKey, const UTF16String& inName);
 
-/// Why a command on a key failed: "no such key", else the words of Describe.
+/// Returns the reason of a failure: "no such key", or the text of Describe.
 std::string DescribeRegFailure(ORL::Result inResult);
 
-/// Makes the changes, or throws Failure: "reg set: cannot change KEY: why".
+/// Applies the changes. Throws Failure: "reg set: cannot change KEY: reason".
 void ApplyRegEdits(const std::string& inCommand, const std::string& inKey,
                    const std::vector<ORL::RegistryEdit>& inEdits);
 

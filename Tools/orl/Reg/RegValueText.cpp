@@ -38,7 +38,7 @@ std::string TextOf(const RegistryValue& inValue)
     throw Failure("reg set: cannot take \"" + inText + "\": " + inWhy, kExitUsage);
 }
 
-// -1 for anything but a hexadecimal digit.
+// Returns -1 if the character is not a hexadecimal digit.
 int DigitOf(char inCharacter)
 {
     if (inCharacter >= '0' && inCharacter <= '9') {
@@ -113,7 +113,8 @@ UTF16String ReadText(const std::string& inText)
     return text;
 }
 
-// A number or text as JSON has it; data that is not what its type promises stands as digits under another name.
+// Text and numbers become "value". All other data, and data that does not fit its type, becomes hexadecimal digits
+// under "data".
 std::string JsonValue(const ORL::RegistryValue& inValue)
 {
     const std::string plain = PlainRegValue(inValue);

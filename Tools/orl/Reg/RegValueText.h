@@ -1,4 +1,4 @@
-// The values of the registry as people write and read them.
+// Registry values as text for command lines, listings and JSON.
 #pragma once
 
 #include <ORLRegistryStore.h>
@@ -7,32 +7,34 @@
 
 namespace orl {
 
-/// "string", "expand", "binary", "u32", "u64", "strings", or "type 0x4d" for a type without a name.
+/// Returns "string", "expand", "binary", "u32", "u64", "strings", or "type 0x4d" for a type without a name.
 std::string ShowRegType(unsigned int inType);
 
-/// Whether the bytes of the value are what its type promises: text that ends in its only zero unit, 4 bytes, 8 bytes.
+/// Whether the data fits the type: a text whose only zero unit is the last, 4 bytes, or 8 bytes. Data of all other
+/// types fits.
 bool IsWellFormedRegValue(const ORL::RegistryValue& inValue);
 
-/// The bytes as 16-bit units, lowest byte first; an odd byte at the end is left out.
+/// Converts bytes to 16-bit units, little-endian; ignores an odd byte at the end.
 UTF16String UnitsOfRegData(const std::vector<unsigned char>& inData);
 
-/// The units as bytes, with a terminator behind them.
+/// Returns the bytes of the text with a zero terminator.
 std::vector<unsigned char> RegDataOfText(const UTF16String& inText);
 
-/// The number of a well-formed value of 4 or 8 bytes.
+/// Returns the number in a well-formed value of 4 or 8 bytes.
 unsigned long long NumberOfRegValue(const ORL::RegistryValue& inValue);
 
-/// The value alone, as scripts take it: text as it is, numbers in decimal, all else as hexadecimal digits.
+/// Returns the bare value for scripts: text unchanged, numbers in decimal, all other data in hexadecimal digits.
 std::string PlainRegValue(const ORL::RegistryValue& inValue);
 
-/// The value for people, on one line: quoted text, numbers in decimal and hexadecimal, the beginning of long data.
+/// Returns the value on one line for a listing: quoted text, numbers in decimal and hexadecimal, the start of other
+/// data.
 std::string ShowRegValue(const ORL::RegistryValue& inValue);
 
-/// One JSON object: name, type, and the value, or its bytes as hexadecimal digits under "data".
+/// Returns one JSON object: name, type, and the value, or its bytes as hexadecimal digits under "data".
 std::string JsonOfRegValue(const ORL::RegistryValue& inValue);
 
-/// The data of a value that the command line names by its type ("string", "expand", "u32", "u64" or "binary") and its
-/// text. Throws Failure with the exit code of a wrong command line if the text does not fit the type.
+/// Converts the text of a command line to a value of the type "string", "expand", "u32", "u64" or "binary". Throws
+/// Failure with kExitUsage if the text does not fit the type.
 ORL::RegistryValue ReadRegValue(const std::string& inType, const std::string& inText);
 
 } // namespace orl

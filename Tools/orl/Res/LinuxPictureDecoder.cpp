@@ -2,7 +2,7 @@
 
 namespace orl {
 
-// The library decodes pictures by itself.
+// The library's decoder needs no start.
 PictureDecoder::PictureDecoder() = default;
 PictureDecoder::~PictureDecoder() = default;
 

@@ -28,7 +28,7 @@ void AppendChunk(Bytes& ioFile, const Bytes& inName, const Bytes& inContents)
                        ::crc32(0, reinterpret_cast<const Bytef*>(named.data()), static_cast<uInt>(named.size()))));
 }
 
-// The colour that premultiplies to this one, rounded.
+// Returns the colour before premultiplication, rounded.
 char Straight(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
 {
     const std::uint32_t colour = ((inPixel >> inShift & 0xFF) * 255 + inAlpha / 2) / inAlpha;

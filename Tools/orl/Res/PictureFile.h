@@ -1,4 +1,4 @@
-// Pictures as PNG files.
+// Writes pictures as PNG files, and starts the picture decoder.
 #pragma once
 
 #include <ORLResourceFile.h>
@@ -8,11 +8,11 @@
 
 namespace orl {
 
-/// A PNG file of a picture with premultiplied pixels. Its colours are not premultiplied, as the format wants; a loader
-/// that premultiplies them gets the same pixels again.
+/// Returns a PNG file. The pixels of inPicture are premultiplied, those of PNG are not; a loader that premultiplies
+/// them restores the same pixels.
 std::string ToPng(const ORL::Resources::FilePicture& inPicture);
 
-/// While it lives, pictures can be decoded.
+/// Pictures can be decoded during its lifetime. On Linux it does nothing.
 class PictureDecoder
 {
 public:

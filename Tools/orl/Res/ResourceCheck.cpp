@@ -17,7 +17,7 @@ constexpr unsigned short kMenu = 4;
 constexpr unsigned short kDialog = 5;
 constexpr unsigned short kString = 6;
 
-// "%1" and so on, each once.
+// The parameters of a text ("%1" ...), each once.
 using Parameters = std::set<std::string>;
 
 Parameters ParametersOf(const UTF16String& inText)
@@ -42,7 +42,7 @@ std::string InWords(const Parameters& inParameters)
     return words.empty() ? "none" : words;
 }
 
-// What is translated, by its name as people write it, and in each language the parameters of its text.
+// Each translated resource by its displayed name, and the parameters of its text in each language.
 class Translations
 {
 public:

@@ -1,4 +1,4 @@
-// What a translator or a plug-in author would want to know before a user does.
+// Finds faults in resources before a user meets them.
 #pragma once
 
 #include <ORLResourceFile.h>
@@ -8,9 +8,9 @@
 
 namespace orl {
 
-/// One line for each fault of the file's resources: blocks that do not parse; texts, menus and dialogs that one
-/// language has and another lacks; texts whose parameters (%1) differ between languages. A resource that has a neutral
-/// version lacks nothing.
+/// Returns one line for each fault: a block that cannot be parsed; a text, menu or dialog that exists in one language
+/// and is missing in another; a text whose parameters (%1) differ between languages. A resource with a neutral version
+/// is not missing in any language.
 std::vector<std::string> FaultsOf(const ORL::Resources::ResourceFile& inFile);
 
 } // namespace orl

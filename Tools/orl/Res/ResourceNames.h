@@ -1,4 +1,4 @@
-// Types and languages of resources, as people write them.
+// Text forms of resource types, names and languages.
 #pragma once
 
 #include <ORLResourceFile.h>
@@ -7,19 +7,20 @@
 
 namespace orl {
 
-/// "STRING", "#200", or the text of a type that is one, in double quotes if it could be read as another.
+/// Returns "STRING", "#200", or a type's text, in double quotes if it could be read as another type.
 std::string NameOfType(const ORL::Resources::FileName& inType);
 
-/// "100", or the text of a name.
+/// Returns "100", or the text of a name.
 std::string NameOfResource(const ORL::Resources::FileName& inName);
 
-/// "de_DE", "neutral", or the identifier in hexadecimal: "0x0c07".
+/// Returns "de_DE", "neutral", or the hexadecimal identifier of another language: "0x0c07".
 std::string NameOfLanguage(unsigned short inLanguage);
 
-/// Reads what NameOfLanguage writes, and a number. Throws CLI::ValidationError.
+/// Parses the results of NameOfLanguage and plain numbers. Throws CLI::ValidationError.
 unsigned short ReadLanguage(const std::string& inText);
 
-/// A type or name in the form in which the lookups take it: a text, or "#" and a number. Types have names of their own.
+/// Convert a type or name to the form that lookups expect: a text, or "#" and a number. ReadType also accepts the names
+/// of NameOfType.
 UTF16String ReadType(const std::string& inText);
 UTF16String ReadName(const std::string& inText);
 

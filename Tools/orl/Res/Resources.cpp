@@ -28,7 +28,7 @@ constexpr char kFileHelp[] = "a Windows module, a shared object or a .res file";
 struct Options
 {
     std::string mFile;
-    std::vector<std::string> mFiles; // of check
+    std::vector<std::string> mFiles; // for check
     std::string mType;
     std::string mName;
     std::string mLanguage = "en_US";
@@ -118,7 +118,7 @@ void List(const Options& inOptions)
     WarnOfDamage("list", inOptions.mFile, file);
 }
 
-// The identifiers that any language has a text for.
+// Returns the identifiers that have a text in any language.
 std::set<unsigned int> IdentifiersOf(const ResourceFile& inFile)
 {
     std::set<unsigned int> identifiers;

@@ -1,4 +1,4 @@
-// GDI+ is the host's to start.
+// Starts GDI+; the library expects its host to do that.
 #include "PictureFile.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // its headers want these two
+namespace Gdiplus { // its headers need min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus
