@@ -6,10 +6,12 @@
 
 namespace ORL {
 
-/// Sets the pointer to one of four standard shapes, until the system or the host sets another one. Never fails.
+/// Sets the mouse pointer to one of four standard shapes, until the system or the host sets another one.
 ///
-/// Windows: belongs to the thread of the window. Linux: calls the function of the host, else sets the pointer of the
-/// host's X11 window, else does nothing; see ORL::Cursors::Linux.
+/// Failure:  never fails and never throws.
+/// Threads:  on Windows, call it on the thread of the window.
+/// On Linux: calls the host's function if there is one, otherwise sets the pointer of the host's X11 window, otherwise
+///           does nothing; see ORL::Cursors::Linux.
 class ORL_API Cursor
 {
 public:
@@ -21,24 +23,26 @@ public:
     Cursor() = delete;
 };
 
-/// Where the pointer of a Linux host is. These functions exist in the Linux library alone.
+/// Connects the pointer functions to a Linux host. Only the Linux library exports these functions.
 namespace Cursors {
 namespace Linux {
 
 enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 };
 
-/// Sets a pointer's shape as the host can, on Wayland for instance. Must not throw.
+/// A function of the host that sets the shape of the pointer, for example on Wayland. Must not throw.
 typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
 
-/// Installs the function that sets the shape; null removes it. Belongs to the host's start; not thread-safe.
+/// Installs the function that sets the shape; null removes it. Not thread-safe: the host calls it at start-up.
 ORL_API void SetShapeSetter(SetShapeFunction inFunction, void* inContext);
 
-/// Selects the window whose pointer is set, and its connection: a Display* of Xlib and a Window. Null removes both; the
-/// host removes them before it closes either. Not thread-safe, and the pointer must then be set on threads that may use
-/// the connection. libX11 is loaded at first use and stays loaded; if it is missing, nothing happens.
+/// Selects the window whose pointer is set, and its connection: a Display* of Xlib and a Window. Null removes both. The
+/// host must remove them before it closes the window or the connection. The library loads libX11 at first use and keeps
+/// it loaded; if it is missing, setting the pointer has no effect. Not thread-safe. From then on, set the pointer only
+/// on threads that may use the connection.
 ORL_API void SetX11Window(void* inDisplay, unsigned long inWindow);
 
-/// The shape that was set last, whether or not there was anything to set it on; kNone before the first. Thread-safe.
+/// Returns the shape that was last requested, even if no pointer could be set; kNone before the first request.
+/// Thread-safe.
 ORL_API Shape GetLastShape();
 
 } // namespace Linux

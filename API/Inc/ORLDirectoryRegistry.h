@@ -7,7 +7,7 @@
 //
 // A registered path is a pattern. "$(symbol)" in it refers to another directory and is expanded on lookup, so the order
 // of registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and form feeds of a pattern are
-// skipped. Text between "$" and "(" is dropped if the symbol is registered. A reference that is not closed, or whose
+// skipped. Text between "$" and "(" is removed if the symbol is registered. A reference that is not closed, or whose
 // symbol is empty or not registered, is left unexpanded.
 //
 // A pattern must not refer to itself, directly or indirectly. A reference that would close such a cycle, or that is

@@ -12,7 +12,7 @@ namespace ORL {
 /// The base class of the library's exceptions.
 ///
 /// Owner:    thrown by value.
-/// Threads:  values; what() returns a static text in all classes of this header, so it is thread-safe.
+/// Threads:  thread-safe: the objects are values, and what() returns a static text in all classes of this header.
 /// Failure:  never throws.
 class ORL_API Exception : public std::exception
 {
@@ -23,7 +23,7 @@ public:
     ~Exception() override;
     const char* what() const noexcept override;
 
-    /// Hooks of the start and the stop of the library. They do nothing.
+    /// Hooks for the start and the stop of the library. They do nothing.
     static void Initialize();
     static void Terminate();
 };
@@ -44,7 +44,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// The directory of a Directory object is gone.
+/// The directory of a Directory object no longer exists.
 class ORL_API eDirectoryNoLongerValid : public Exception
 {
 public:
@@ -60,7 +60,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// For hosts whose start-up fails with a Result. The library does not throw it.
+/// Thrown by hosts whose start-up fails with a Result. The library does not throw it.
 class ORL_API StartupException : public Exception
 {
 public:
@@ -89,7 +89,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// For hosts whose call of a suite function failed. The library does not throw it.
+/// Thrown by hosts whose call of a suite function fails. The library does not throw it.
 class ORL_API SuiteCallFailed : public Exception
 {
 public:

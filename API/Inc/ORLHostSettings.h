@@ -25,7 +25,8 @@ namespace ORL {
 
 namespace Internal {
 
-/// The language and whether it is known, in one word: a reader without a lock cannot see the one without the other.
+/// The language, and a bit that tells whether it is known. They share one word, so a reader without a lock gets both or
+/// neither.
 inline constexpr std::uint32_t kLanguageIsKnown = 0x10000;
 ORL_API extern std::atomic<std::uint32_t> sLanguageID;
 
@@ -34,7 +35,7 @@ ORL_API unsigned short FetchLanguageID();
 
 } // namespace Internal
 
-/// Returns the language. Known, it costs a load and a branch.
+/// Returns the language. Once it is known, the call costs one load and one branch.
 ORL_API inline unsigned short GetLanguageID()
 {
     const std::uint32_t language = Internal::sLanguageID.load(std::memory_order_relaxed);

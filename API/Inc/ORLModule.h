@@ -6,9 +6,9 @@
 //       const UTF16String title = ORL::LoadStringW(*plugIn, 100);
 //   }
 //
-// Linux: a module is a shared object. Its resources are those that the CMake function orl_target_resources put into it;
-// they are read where the loader has mapped them. A Windows DLL and a compiled resource file (.res) load as data: their
-// resources are there, no code of theirs runs, and GetProcAddress returns null.
+// On Linux a module is a shared object. The CMake function orl_target_resources puts resources into it, and they are
+// read from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res), but only as
+// data: their resources are available, none of their code runs, and GetProcAddress returns null.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -28,23 +28,24 @@ namespace Modules {
 class ResourceStore;
 }
 
-/// A loaded or attached executable module.
+/// An executable module that Load loaded or Create wrapped.
 ///
-/// Lookups are safe from any thread and take no lock. GetPath is not: its first call writes a cache, so callers that
-/// share a module across threads call it once beforehand. A host that unloads a module while another thread reads its
-/// resources has a defect.
+/// Owner:    the last ObjectPtr unloads a module that Load loaded. A module that Create wrapped stays the caller's.
+///           Its data and cursors are invalid once the module is unloaded, so no other thread may use them then.
+/// Threads:  lookups are thread-safe and acquire no lock, except that on Linux LoadCursorW acquires one. GetPath is not
+///           thread-safe until its first call has returned, because that call fills a cache.
+/// Failure:  lookups return null, most of them after an assertion; see ResourceCollection.
 class ORL_API Module : public ResourceCollection
 {
 public:
-    /// Loads a module by library path; a bare name is searched as the system searches. The module is unloaded with its
-    /// last ObjectPtr. Fires the input contract for an empty path. Returns kSuccess, with outModule set and what it
-    /// held before released. On failure outModule is untouched: kAccessDenied if the file may not be read,
-    /// kGeneralFailure if it is missing, needs a module that is missing, or is no module of this machine. Throws
-    /// std::bad_alloc.
+    /// Loads a module by library path. A name without a folder is searched in the system's search path; on Linux the
+    /// program's folder comes first. Fires an input contract for an empty path. Returns kSuccess and replaces
+    /// outModule. On failure outModule is unchanged: kAccessDenied if the file is not readable, kGeneralFailure if the
+    /// module or one that it depends on is missing, or if it is not a module for this machine. Throws std::bad_alloc.
     static int Load(const UTF16String& inModulePath, ObjectPtr<Module, AtomicValue>& outModule);
 
-    /// Wraps a module that stays the caller's and must outlive the wrapper. Null stands for the program itself.
-    /// Always returns kSuccess. Throws std::bad_alloc.
+    /// Wraps a module that the caller owns and that must outlive the wrapper. Null denotes the program itself. Always
+    /// returns kSuccess. Throws std::bad_alloc.
     static int Create(HINSTANCE inModule, ObjectPtr<Module, AtomicValue>& outModule);
 
     /// Unloads a module that Load loaded.
@@ -69,11 +70,12 @@ public:
 
     HINSTANCE GetNativeModule() const;
 
-    /// Copies the module's file path, cut after 259 units. Asks the system once in the module's life.
+    /// Copies the path of the module's file, truncated to 259 units. The first call queries the system. Throws
+    /// std::bad_alloc.
     void GetPath(UTF16String& outPath) const;
 
-    /// The address of an exported function by its linker name, null if there is none. Fires the input contract for an
-    /// empty name, and an assertion for a null module.
+    /// Returns the address of an exported function by its linker name, or null. Fires an input contract for an empty
+    /// name, and an assertion for a null module.
     int (*GetProcAddress(const std::string& inProcName) const)();
 
 private:
@@ -84,20 +86,19 @@ private:
     HINSTANCE mNativeModule;
     bool mOwnsModule;
     mutable UTF16String mPath;
-    Modules::ResourceStore* mResources; // what the platform keeps beside the handle; null at home
+    Modules::ResourceStore* mResources; // the platform's data beside the handle; null on Windows
 };
 
-/// This library's own module, with the resources that came with it. Empty before the library is loaded and after it is
-/// unloaded.
+/// Returns this library's own module. The pointer is empty before the library is loaded and after it is unloaded.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetLibraryModule();
 
-/// The module that a host has chosen for its texts; empty until it does. Not guarded: SetResourceModule belongs to the
-/// host's start, before other threads use the module.
+/// Gets and sets the module of the host's texts; empty until it is set. Not thread-safe: the host calls
+/// SetResourceModule at start-up, before other threads use the module.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetResourceModule();
 ORL_API void SetResourceModule(const ObjectPtr<Module, AtomicValue>& inModule);
 
-/// The resource module as a collection. Fires the assertion of ObjectPtr while none is set; there is then nothing that
-/// the reference could stand for.
+/// Returns the resource module as a collection. It must be set: otherwise the assertion of ObjectPtr fires, and the
+/// returned reference is invalid.
 ORL_API const ResourceCollection& GetResourceCollection();
 
 } // namespace ORL

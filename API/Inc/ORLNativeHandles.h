@@ -7,12 +7,12 @@ struct HINSTANCE__;
 struct HMENU__;
 struct HBITMAP__;
 
-/// An executable module; null is the program itself. Linux: the handle that dlopen returns for an ELF module. A module
-/// that is only data has a handle of this library, which no system function accepts.
+/// An executable module; null denotes the program itself. On Linux, the handle that dlopen returns for an ELF module. A
+/// module loaded as data has a handle of this library, which no system function accepts.
 typedef HINSTANCE__* HINSTANCE;
 
-/// A menu. Linux: see ORL::Resources::Linux in ORLResources.h.
+/// A menu. On Linux see ORL::Resources::Linux in ORLResources.h.
 typedef HMENU__* HMENU;
 
-/// A bitmap. Linux: see ORL::Images::Linux in ORLNativeBitmap.h.
+/// A bitmap. On Linux see ORL::Images::Linux in ORLNativeBitmap.h.
 typedef HBITMAP__* HBITMAP;

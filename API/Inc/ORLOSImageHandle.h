@@ -1,13 +1,13 @@
 // Floor: System
-// The shared owner of a native bitmap, as the bitmap loaders of a module return it.
+// The shared owner of a native bitmap, which the bitmap loaders of a module return.
 //
 //   ORL::OSImageHandle picture(module->LoadBitmapWTL(100, true));
 //   if (picture.IsValid()) {
 //       Draw(picture.GetHBITMAP());
 //   }
 //
-// Linux: a native bitmap is a block of 32-bit pixels; ORLNativeBitmap.h has the functions that make, read and delete
-// one.
+// On Linux a native bitmap is a block of 32-bit pixels. ORLNativeBitmap.h has the functions that create, read and
+// delete it.
 #pragma once
 
 #include <ORLConfig.h>
@@ -15,37 +15,41 @@
 
 namespace ORL {
 
-/// Copies share one bitmap, which the last of them deletes. The share count is atomic, so that copies may live on
-/// several threads; one handle belongs to one thread at a time.
+/// A shared handle to one native bitmap.
+///
+/// Owner:    copies share one bitmap; the last copy deletes it.
+/// Threads:  not thread-safe: one thread at a time per object. Copies on different threads are safe, because the share
+///           count is atomic.
+/// Failure:  constructors throw std::bad_alloc; the other functions never throw.
 class ORL_API OSImageHandle
 {
 public:
-    /// Holds nothing, not even a null bitmap. Throws std::bad_alloc.
+    /// Constructs an empty handle, which holds no bitmap, not even a null one. Throws std::bad_alloc.
     OSImageHandle();
 
-    /// Takes ownership of a bitmap, which may be null. If it throws std::bad_alloc, the bitmap is deleted.
+    /// Takes ownership of a bitmap, which may be null. Throws std::bad_alloc, and then deletes the bitmap.
     explicit OSImageHandle(HBITMAP inBitmap);
 
     /// Shares the other's bitmap. Throws std::bad_alloc.
     OSImageHandle(const OSImageHandle& inOther);
 
-    /// Shares the other's bitmap and drops its own share. Never throws.
+    /// Shares the other's bitmap and releases the share in the previous one. Never throws.
     OSImageHandle& operator=(OSImageHandle& inOther);
 
-    /// Drops its share.
+    /// Releases the share in the bitmap.
     ~OSImageHandle();
 
-    /// Whether there is a bitmap, and it is not null.
+    /// Returns whether the handle holds a bitmap that is not null.
     bool IsValid() const;
 
-    /// The bitmap, which stays the handles'. Not to be called on a handle that holds nothing.
+    /// Returns the bitmap, which the handles continue to own. Must not be called on an empty handle.
     HBITMAP GetHBITMAP() const;
 
-    /// Returns the bitmap, which the caller now deletes. All handles that share it hold null afterwards. Not to be
-    /// called on a handle that holds nothing.
+    /// Returns the bitmap and transfers its ownership to the caller. All handles that share it then hold null. Must not
+    /// be called on an empty handle.
     HBITMAP StealHBITMAP();
 
-    /// Exchanges what two handles hold. Never throws.
+    /// Exchanges the bitmaps of two handles. Never throws.
     void Swap(OSImageHandle& ioOther);
 
 private:

@@ -1,15 +1,15 @@
 // Floor: System
-// Settings that survive the process: keys below two roots, with named values of five types.
+// Persistent settings: keys below two roots, with named values of five types.
 //
 //   ORL::RegistryKey key;
 //   if (ORL::ResultSucceeded(key.Create(ORL::RegistryRootKeys::kUser, path))) {
 //       key.SetUInt32Value(name, 1920);
 //   }
 //
-// A path is key names separated by backslashes, without the root: "Software\Company\Product". Trailing backslashes are
-// ignored, a leading one makes every operation fail. Names compare without regard to case and keep the case they were
-// created with. A key name has at most 255 units, a value name 16383; the value with the empty name is a key's default
-// value. A path or value name ends at its first zero unit.
+// A path consists of key names separated by backslashes, without the root: "Software\Company\Product". Trailing
+// backslashes are ignored; a leading backslash makes every operation fail. Names are case-insensitive and keep the case
+// they were created with. A key name has at most 255 UTF-16 code units, a value name 16383. The value with the empty
+// name is the default value of its key. A path or value name ends at its first zero unit.
 #pragma once
 
 #include <ORLConfig.h>
@@ -42,25 +42,23 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
     return static_cast<RegistryKeyAccess::Type>(static_cast<int>(inLeft) | static_cast<int>(inRight));
 }
 
-/// A handle to one key. It is closed until an Open or Create succeeds, and stays open until the last copy of it is
-/// destroyed; there is no Close. Copies share one handle: an Open or Create on one of them re-targets all of them, while
-/// each keeps its own path. A key that is deleted while handles to it are open is gone for them too: every operation on
-/// it fails, even after a key of the same name is created.
+/// A handle to one key. It is closed until an Open or Create succeeds. There is no Close: the handle stays open until
+/// its last copy is destroyed. If the key is deleted while handles to it are open, every operation on them fails, even
+/// after a key of the same name is created.
 ///
-/// Results: kSuccess, or kRegistryFailure unless stated otherwise. Every operation on a closed key fails with
-/// kRegistryFailure. A write has reached the store when it returns: neither the end of this process, however it ends,
-/// nor another process loses it. After a power failure the last writes may be missing. Another process sees a write at
-/// its next read.
+/// A write is in the store when it returns: it survives a crash of this process, and other processes see it at their
+/// next read. After a power failure the last writes may be missing.
 ///
-/// Thread-safe: different keys, and copying and destroying copies of one key. Reading and writing values through copies
-/// is thread-safe as well. Open, Create and Swap are not: no other thread may use a copy of the key meanwhile.
-/// Throws std::bad_alloc from constructors and wherever a text or vector is returned.
-///
-/// On Linux the store is one database for each root (see Docs/settings.md). It can be used in a child of fork.
+/// Owner:    copies share one handle. An Open or Create on one copy re-targets all of them; each keeps its own path.
+/// Threads:  reading and writing values is thread-safe, and so is copying and destroying copies. Not thread-safe: Open
+///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
+/// Failure:  operations return kRegistryFailure unless stated otherwise, and on a closed key always. Constructors and
+///           functions with a string or vector throw std::bad_alloc.
+/// On Linux: the store is one database for each root (see Docs/settings.md). A child of fork can use it.
 class ORL_API RegistryKey
 {
 public:
-    /// A closed key with an empty path.
+    /// Constructs a closed key with an empty path.
     RegistryKey();
 
     /// Shares the other's handle and copies its path.
@@ -68,77 +66,78 @@ public:
 
     ~RegistryKey();
 
-    /// Shares the other's handle and copies its path, as a copy does; this key's own share of its handle ends.
+    /// Shares the other's handle and copies its path. Releases the share in the previous handle.
     RegistryKey& operator=(const RegistryKey& inOther);
 
     /// Exchanges handles and paths. Never throws.
     void Swap(RegistryKey& ioOther);
 
-    /// Opens a key below a root. inAccess 0 asks for all access. A root other than the two is reported by an assertion
-    /// and counts as kUser; an access without kRead and kWrite but with other bits is reported by an assertion.
-    /// Whatever the outcome, inPath becomes the path of this key; after a failure the key keeps its earlier handle.
-    /// Returns kFileNotFound if there is no such key. On Linux, as for ordinary users on Windows, a key of kMachine can
-    /// be opened with kRead only, unless the process may write the machine's store.
+    /// Opens a key below a root. inAccess 0 requests all access. Fires an assertion for an unknown root, which is
+    /// treated as kUser, and for an access with neither kRead nor kWrite. Sets the path of this key to inPath even on
+    /// failure; the key then keeps its previous handle. Returns kFileNotFound if the key does not exist. Without the
+    /// right to write the machine's settings, a key of kMachine can be opened with kRead only.
     Result Open(RegistryRootKeys::Type inRoot, const UTF16String& inPath, RegistryKeyAccess::Type inAccess);
 
-    /// Opens a key below inParent with all access. An empty path opens the same key again.
+    /// Opens a key below inParent with all access. An empty path opens the key of inParent itself.
     Result Open(RegistryKey& inParent, const UTF16String& inPath);
 
-    /// Opens a key with all access, or creates it and all missing keys above it: at most 32 of them in one call, at most
-    /// 512 levels in all. Returns kRegistryKeyExisted (a success) if it existed, kSuccess if it was created.
+    /// Opens a key with all access, or creates it and its missing parents. One call creates at most 32 keys, and a path
+    /// has at most 512 levels. Returns kSuccess if the key was created, kRegistryKeyExisted (also a success) if it
+    /// existed.
     Result Create(RegistryRootKeys::Type inRoot, const UTF16String& inPath);
     Result Create(RegistryKey& inParent, const UTF16String& inPath);
 
-    /// Fails if there is no such value.
+    /// Deletes a value. Fails if it does not exist.
     Result DeleteValue(const UTF16String& inName);
 
-    /// Deletes a key below this one with all its descendants. Returns kFileNotFound if there is no such key. On Linux
-    /// either all of them are deleted or, after a failure or a kill, none.
+    /// Deletes a key below this one with all its descendants. Returns kFileNotFound if the key does not exist. On Linux
+    /// the deletion is atomic: after a failure or a crash no key is deleted.
     Result DeleteSubKey(const UTF16String& inPath);
 
     Result SetUInt32Value(const UTF16String& inName, unsigned int inValue);
     Result SetUInt64Value(const UTF16String& inName, unsigned __int64 inValue);
 
-    /// The text is stored with a terminator; it should hold no zero unit, since GetStringValue stops at the first one.
+    /// Stores the string with a terminator. It should contain no zero unit: GetStringValue stops at the first one.
     Result SetStringValue(const UTF16String& inName, const UTF16String& inValue);
 
-    /// The same for UTF-8, which is converted as MakeString does.
+    /// The same for UTF-8, which MakeString converts.
     Result SetStringValue(const UTF16String& inName, const std::string& inValue);
 
     static constexpr std::size_t kMaxBinarySize = 4096;
 
-    /// More than kMaxBinarySize bytes are reported by an assertion and not written: kRegistryFailure.
+    /// Stores inBytes bytes. If they are more than kMaxBinarySize, fires an assertion and fails.
     Result SetBinaryValue(const UTF16String& inName, const void* inData, std::size_t inBytes);
     Result SetBinaryValue(const UTF16String& inName, std::vector<char>& inData);
 
-    /// Fails, with outValue unchanged, unless there is such a value and it is a 32-bit number.
+    /// Fails, with outValue unchanged, if the value does not exist or is not a 32-bit number.
     Result GetUInt32Value(const UTF16String& inName, unsigned int& outValue) const;
 
-    /// Fails unless there is such a value and it is a 64-bit number. A value of another type may overwrite outValue.
+    /// Fails if the value does not exist or is not a 64-bit number. A value of another type may overwrite outValue.
     Result GetUInt64Value(const UTF16String& inName, unsigned __int64& outValue) const;
 
-    /// Reads at most *ioSize bytes (its low 32 bits count) and stores their number; a null outData only asks for the
-    /// number. Fails, with *ioSize unchanged, if the value is not binary or does not fit. ioSize must not be null.
+    /// Reads a value of at most *ioSize bytes and stores its size in *ioSize. Only the low 32 bits of *ioSize are used.
+    /// If outData is null, stores only the size. Fails, with *ioSize unchanged, if the value does not exist, is not
+    /// binary or does not fit. ioSize must not be null.
     Result GetBinaryValue(const UTF16String& inName, void* outData, unsigned __int64* ioSize) const;
 
-    /// Resizes outData to the value. Fails if the value is not binary.
+    /// Resizes outData to the size of the value and reads it. Fails if the value does not exist or is not binary.
     Result GetBinaryValue(const UTF16String& inName, std::vector<char>& outData) const;
 
-    /// Returns the text up to its first zero unit; expandable text stays unexpanded. Fails, with outValue unchanged, if
-    /// the value is no text, or was stored by somebody without a terminator.
+    /// Reads a string up to its first zero unit. An expandable string is not expanded. Fails, with outValue unchanged,
+    /// if the value does not exist, is not a string, or was stored without a terminator.
     Result GetStringValue(const UTF16String& inName, UTF16String& outValue) const;
 
     /// The same as UTF-8.
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
-    /// Appends each key directly below this one, opened with all access where that is allowed (else closed), with the
-    /// bare name as its path. A failure ends the listing silently.
+    /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. Its path is its name
+    /// alone. A failure ends the listing without a report.
     void EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const;
 
-    /// The path given to the last Open or Create, whatever its outcome.
+    /// Returns the path passed to the last Open or Create, even if that failed.
     UTF16String GetParentKeyPath() const;
 
-    /// The same: the whole path.
+    /// Returns the same whole path as GetParentKeyPath.
     UTF16String GetParentKeyPathLastPart() const;
 
 private:

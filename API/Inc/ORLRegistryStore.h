@@ -1,6 +1,6 @@
 // Floor: System
-// The registry as a tool sees it: values of any type, listings without opening each key, many changes as one, and the
-// state of the store itself. Hosts keep their settings with RegistryKey.
+// The registry interface for tools: values of any type, listings of names, several changes in one call, and the state
+// of the store. Hosts use RegistryKey for their settings.
 #pragma once
 
 #include <ORLConfig.h>
@@ -14,21 +14,21 @@
 
 namespace ORL {
 
-/// The types that the library itself uses. Others are stored and returned as they are.
+/// The types that the library itself uses. Values of other types are stored and returned unchanged.
 struct RegistryValueTypes
 {
     enum Type : unsigned int {
         kNone = 0,
-        kString = 1,       ///< 16-bit text with its terminator
+        kString = 1,       ///< UTF-16 text with its terminator
         kExpandString = 2, ///< the same, with names of variables between percent signs
         kBinary = 3,
-        kUInt32 = 4, ///< 4 bytes, lowest first
+        kUInt32 = 4, ///< 4 bytes, little-endian
         kMultiString = 7,
-        kUInt64 = 11 ///< 8 bytes, lowest first
+        kUInt64 = 11 ///< 8 bytes, little-endian
     };
 };
 
-/// One value as it is stored.
+/// One stored value.
 struct RegistryValue
 {
     UTF16String mName;
@@ -40,10 +40,10 @@ struct RegistryValue
 struct RegistryEdit
 {
     enum Kind {
-        kCreateKey,  ///< with all missing keys above it; an existing key is a success
-        kDeleteKey,  ///< with all its descendants; a missing key is a success
-        kSetValue,   ///< mValue; the key is created if it is missing
-        kDeleteValue ///< the value of mValue.mName; a missing value or key is a success
+        kCreateKey,  ///< creates the key and its missing parents; succeeds if the key exists
+        kDeleteKey,  ///< deletes the key and its descendants; succeeds if the key is missing
+        kSetValue,   ///< sets mValue; creates the key if it is missing
+        kDeleteValue ///< deletes the value named mValue.mName; succeeds if the value or key is missing
     };
 
     Kind mKind = kCreateKey;
@@ -52,49 +52,50 @@ struct RegistryEdit
     RegistryValue mValue;
 };
 
-/// What is known of the store behind one root.
+/// The state of the store of one root.
 struct RegistryStoreState
 {
-    /// One damaged database that the library has moved out of the way. It is kept as it was found.
+    /// A damaged database that the library has renamed. Its contents are unchanged.
     struct SetAside
     {
         std::string mFile;   ///< host path
         std::string mTime;   ///< "2026-11-22T03:15:00Z"
-        std::string mReason; ///< may be empty if it could not be written down
+        std::string mReason; ///< empty if it could not be recorded
     };
 
-    bool mIsWhole = true;           ///< false if the store cannot be used or its check found faults
-    std::string mProblem;           ///< what is wrong, for people; empty if nothing is
-    std::string mPlace;             ///< host path of the database; empty where the system keeps the registry
+    bool mIsWhole = true;           ///< false if the store cannot be used or the check found errors
+    std::string mProblem;           ///< description of the problem for the user; empty if there is no problem
+    std::string mPlace;             ///< host path of the database; empty if the OS has its own registry
     unsigned __int64 mBytes = 0;    ///< size of the database and its journal; 0 if there is none yet
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 
-/// All functions are thread-safe and throw std::bad_alloc only. Results are those of Win::SystemErrorToORLResult:
-/// kFileNotFound for a missing key or value, kAccessDenied, kDiskFull, else kGeneralFailure.
+/// Thread-safe. All functions throw std::bad_alloc only. They return kFileNotFound for a missing key or value,
+/// kAccessDenied, kDiskFull, and kGeneralFailure for other errors (see Win::SystemErrorToORLResult).
 namespace RegistryStore {
 
-/// The names of the keys directly below a key, in the order of the system. Replaces the contents of outNames. An empty
-/// path means the root itself.
+/// Replaces the contents of outNames with the names of the direct subkeys, in the system's order. An empty path denotes
+/// the root itself.
 ORL_API Result ListSubKeys(RegistryRootKeys::Type inRoot, const UTF16String& inPath, std::vector<UTF16String>& outNames);
 
-/// All values of a key. Replaces the contents of outValues.
+/// Replaces the contents of outValues with all values of a key.
 ORL_API Result ListValues(RegistryRootKeys::Type inRoot, const UTF16String& inPath,
                           std::vector<RegistryValue>& outValues);
 
-/// One value. outValue is unchanged after a failure.
+/// Reads one value. On failure outValue is unchanged.
 ORL_API Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath, const UTF16String& inName,
                         RegistryValue& outValue);
 
-/// Makes the changes in their order. On Linux all changes below one root take effect together, or after a failure or a
-/// kill none of them does; kUser comes first. On Windows the first failure ends the work, and what was done stays.
+/// Makes the changes below kUser in their order, then those below kMachine. Stops at the first failure. On Linux the
+/// changes below one root are atomic: after a failure or a crash none of them is made. On Windows the changes before
+/// the failure remain.
 ORL_API Result Apply(const std::vector<RegistryEdit>& inEdits);
 
-/// Reads the whole store and tells whether it is sound. Nothing is created or changed by it. On Windows the system takes
-/// care of its registry: the answer is always whole.
+/// Reads the whole store and returns whether it is intact. Creates and changes nothing. On Windows always returns that
+/// it is intact, because the OS maintains its registry.
 ORL_API RegistryStoreState Check(RegistryRootKeys::Type inRoot);
 
-/// Place and size alone.
+/// Returns the state of the store without a check of its contents.
 ORL_API RegistryStoreState GetState(RegistryRootKeys::Type inRoot);
 
 } // namespace RegistryStore

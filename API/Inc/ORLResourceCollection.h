@@ -1,5 +1,5 @@
 // Floor: System
-// Where strings, tables, pictures and menus come from.
+// The interface to the strings, tables, pictures and menus of a module.
 #pragma once
 
 #include <ORLConfig.h>
@@ -11,70 +11,72 @@
 
 namespace ORL {
 
-/// A resource type or name that is a number, in the form in which the lookups take it: the number stands in the
-/// pointer's value, and nothing is read through the pointer.
+/// Converts a numeric resource type or name to the form that the lookups expect: the value of the pointer is the
+/// number, and the pointer is never dereferenced.
 inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
 {
     return reinterpret_cast<const unsigned short*>(static_cast<std::uintptr_t>(inID));
 }
 
-/// The abstract source of a module's resources.
+/// The interface to a module's resources. Module implements it.
 ///
-/// Types and names are what MakeResourceID returns, or a zero-terminated text. Texts compare without regard to case. A
-/// text of "#" and decimal digits is that number.
+/// Types and names are results of MakeResourceID, or zero-terminated strings, which compare without regard to case. A
+/// string of "#" and decimal digits denotes that number. Sizes are in bytes.
 ///
-/// Data stays the collection's: it may be read, not written, until the collection is destroyed. Sizes are bytes.
+/// Owner:    the collection owns the data that lookups return. It is read-only, and valid until the collection is
+///           destroyed.
+/// Threads:  the implementation decides; see Module.
+/// Failure:  lookups return null. They throw std::bad_alloc.
 class ORL_API ResourceCollection
 {
 public:
     virtual ~ResourceCollection();
 
-    /// Finds a resource in the current language (GetLanguageID), else in the neutral one.
-    /// Returns its data, and its size in outSize. Returns null after an assertion if there is none; outSize is then
-    /// untouched.
+    /// Finds a resource in the current language (GetLanguageID), otherwise in the neutral language. Returns its data
+    /// and stores its size in outSize. If the resource does not exist, fires an assertion and returns null with outSize
+    /// unchanged.
     virtual void* FindLocalizedResource(const unsigned short* inName, const unsigned short* inType,
                                         int& outSize) const = 0;
 
-    /// Finds a resource in American English (1033), whatever the current language is. Otherwise as
-    /// FindLocalizedResource.
+    /// Same as FindLocalizedResource for American English (1033), whatever the current language is.
     virtual void* FindNonLocalizedResource(const unsigned short* inName, const unsigned short* inType,
                                            int& outSize) const = 0;
 
-    /// Finds a resource in the language of the platform's own choice. Returns null without a report if there is none;
-    /// outSize is then untouched.
+    /// Finds a resource in the language that the platform selects. If the resource does not exist, returns null with
+    /// outSize unchanged and fires no assertion.
     virtual void* LoadResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const = 0;
 
-    /// The same for a number as name and a text as type, which is read up to its first zero.
+    /// The same with a number as the name and a string as the type, which ends at its first zero unit.
     virtual void* LoadResource(short inID, const UTF16String& inType, int& outSize) const = 0;
 
-    /// Finds the first resource of a type, in the current language where it has that one. Texts come before numbers.
-    /// Returns null, with outSize 0, if there is none of the type.
+    /// Finds the first resource of a type, in the current language if it exists in that language. Strings precede
+    /// numbers. Returns null with outSize 0 if there is no resource of the type.
     virtual void* LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const = 0;
 
-    /// Ends the use of data that a lookup returned. Callers owe it, though a module has nothing to do here.
+    /// Releases data that a lookup returned. Callers must call it, although Module does nothing here.
     virtual void ReleaseResource(void* inData) const = 0;
 
-    /// Loads a picture with its rows exchanged, the last one on top: the resource of type "PNG", else the bitmap resource
-    /// of that number with its rows in order. The PNG resource is found as FindLocalizedResource does if inLocalized is
-    /// true, else as LoadResource does. Pixels of a PNG are premultiplied by alpha. The result is not valid if there is
-    /// neither, or if neither can be decoded. Throws std::bad_alloc.
-    /// Windows: the host has started GDI+. Linux: ORLNativeBitmap.h reads the bitmap.
+    /// Loads a picture: the resource of type "PNG", flipped vertically, otherwise the bitmap resource of that number,
+    /// not flipped. Looks up the PNG as FindLocalizedResource does if inLocalized is true, otherwise as LoadResource
+    /// does. Premultiplies the pixels of a PNG by alpha. The result is not valid if neither resource exists and can be
+    /// decoded. Throws std::bad_alloc. On Windows the host must have started GDI+. On Linux ORLNativeBitmap.h has the
+    /// functions that read the bitmap.
     virtual OSImageHandle LoadBitmapW(short inID, bool inLocalized) = 0;
 
-    /// Loads a PNG file, with its rows exchanged, from the folder "PNG/" in the directory registered as "application".
-    /// The second parameter is ignored. The result holds a null bitmap if it cannot be read or decoded. Throws
+    /// Loads a PNG file, flipped vertically, from the folder "PNG/" in the directory registered as "application". The
+    /// second parameter is ignored. The result holds a null bitmap if the file cannot be read or decoded. Throws
     /// std::bad_alloc.
     virtual OSImageHandle LoadBitmapFromFile(UTF16String inPath, bool) = 0;
 
-    /// Loads a picture as LoadBitmapW does, with its rows in their order.
+    /// Same as LoadBitmapW, but does not flip the picture.
     virtual OSImageHandle LoadBitmapWTL(short inID, bool inLocalized) = 0;
 
-    /// Loads a cursor in the language of the platform's own choice. Returns the native handle, which stays the
-    /// collection's, or null. Linux: GetCursorPicture in ORLResources.h reads it.
+    /// Loads a cursor in the language that the platform selects. Returns the native handle, which the collection owns,
+    /// or null. On Linux GetCursorPicture in ORLResources.h reads it.
     virtual void* LoadCursorW(short inID) const = 0;
 
-    /// Loads a menu in the current language. Returns it, and the caller destroys it; null after an assertion if there
-    /// is none, and null if it cannot be read.
+    /// Loads a menu in the current language, which the caller must destroy. If the menu does not exist, fires an
+    /// assertion and returns null. Returns null if the menu cannot be read.
     virtual HMENU LoadMenuW(short inID) const = 0;
 
 protected:

@@ -1,6 +1,6 @@
 // Floor: System
-// The resources of any file, read as data on every platform: a Windows module, a Linux module that orl_target_resources
-// has put resources into, or a compiled resource file (.res). No code of the file runs.
+// Reads the resources of a file as data, on every platform. The file is a Windows module, a Linux module with resources
+// from orl_target_resources, or a compiled resource file (.res). None of its code runs.
 //
 //   std::size_t bytes = 0; // of all resources
 //   Resources::ResourceFile file;
@@ -24,7 +24,7 @@
 namespace ORL {
 namespace Resources {
 
-/// A type or name of a resource: a number, or a text.
+/// The type or name of a resource: a number or a string.
 struct FileName
 {
     bool mIsText;
@@ -37,7 +37,7 @@ struct FileEntry
     FileName mType;
     FileName mName;
     unsigned short mLanguage;
-    const unsigned char* mData; ///< belongs to the file object
+    const unsigned char* mData; ///< owned by the ResourceFile
     std::size_t mSize;          ///< in bytes
 };
 
@@ -46,11 +46,15 @@ struct FilePicture
     unsigned int mWidth = 0;
     unsigned int mHeight = 0;
     std::vector<std::uint32_t>
-        mPixels; ///< rows from the top; alpha in bits 24 to 31, then red, green, blue, premultiplied
+        mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
-/// One open file. Thread-safe once it is open. Files may be damaged or hostile: whatever they say, nothing outside of
-/// their bytes is read, and time and memory stay in proportion to their size.
+/// One open file. Files may be damaged or hostile: a reader never reads outside their bytes, and needs time and memory
+/// in proportion to their size.
+///
+/// Owner:    the object owns the bytes of the file and its entries, until it is destroyed.
+/// Threads:  thread-safe after Open has returned.
+/// Failure:  Open returns an error; the lookups return null or false.
 class ORL_API ResourceFile
 {
 public:
@@ -61,32 +65,33 @@ public:
     ResourceFile(const ResourceFile&) = delete;
     ResourceFile& operator=(const ResourceFile&) = delete;
 
-    /// Reads a file by library path. Once in the object's life.
-    /// Returns kSuccess, also for a damaged file of which only part could be read; kGeneralFailure for a file of
-    /// another format and for one of 2 GiB and more; else what File::Open returns. Throws std::bad_alloc.
+    /// Reads a file by library path. Call it once per object. Returns kSuccess even if only part of a damaged file
+    /// could be read, kGeneralFailure for a file of another format or of 2 GiB or more, kAccessDenied for a directory,
+    /// and otherwise the error of File::Open or File::Read. Throws std::bad_alloc.
     Result Open(const UTF16String& inPath);
 
     Format GetFormat() const;
 
-    /// Whether some of the file's resources could not be read.
+    /// Returns whether some of the file's resources could not be read.
     bool IsDamaged() const;
 
-    /// All resources, in the order of types, names and languages; texts come before numbers.
+    /// Returns all resources, sorted by type, name and language; strings precede numbers.
     const std::vector<FileEntry>& GetEntries() const;
 
-    /// Finds a resource as Module::FindLocalizedResource does for that language and a user of American English. Null if
-    /// there is none. The type and name are numbers in the pointer's value or texts.
+    /// Finds a resource as Module::FindLocalizedResource does if inLanguage is the current language and the user's
+    /// language is American English. Returns null if there is none. Type and name have the form that the lookups of
+    /// ResourceCollection expect. Throws std::bad_alloc.
     const FileEntry* FindLocalized(const unsigned short* inName, const unsigned short* inType,
                                    unsigned short inLanguage) const;
 
-    /// Finds a text as LoadStringW does for that language. Returns false, with the outputs untouched, if there is none.
-    /// outLanguage is the language that answered.
+    /// Finds a string as LoadStringW does in that language. outLanguage receives the language in which it was found.
+    /// Returns false, with the outputs unchanged, if there is none. Throws std::bad_alloc.
     bool FindString(unsigned int inID, unsigned short inLanguage, UTF16String& outText,
                     unsigned short& outLanguage) const;
 
-    /// Finds and decodes a picture as Module::LoadBitmapWTL does for that language: the resource of type "PNG", else
-    /// the bitmap resource. Returns false, with outPicture untouched, if there is neither or it cannot be decoded.
-    /// Throws std::bad_alloc. Windows: the host has started GDI+.
+    /// Finds and decodes a picture as Module::LoadBitmapWTL does in that language: the resource of type "PNG",
+    /// otherwise the bitmap resource. Returns false, with outPicture unchanged, if neither exists and can be decoded.
+    /// Throws std::bad_alloc. On Windows the host must have started GDI+.
     bool FindPicture(unsigned short inID, unsigned short inLanguage, FilePicture& outPicture) const;
 
 private:
@@ -94,11 +99,12 @@ private:
     std::unique_ptr<PrivateImpl> mImpl;
 };
 
-/// The sixteen texts of one resource of a string table (type 6); missing ones are empty. Returns false, with outTexts
-/// untouched, if they are not all inside of the data. Throws std::bad_alloc.
+/// Reads the sixteen strings of one resource of a string table (type 6). A missing string is empty. Returns false, with
+/// outTexts unchanged, if the data is truncated. Throws std::bad_alloc.
 ORL_API bool ReadStringBlock(const FileEntry& inEntry, std::vector<UTF16String>& outTexts);
 
-/// Whether a menu (type 4), dialog (type 5) or string table (type 6) can be read to its end; true for every other type.
+/// Returns whether a menu (type 4), dialog (type 5) or string table (type 6) can be read to its end. Returns true for
+/// every other type. Throws std::bad_alloc.
 ORL_API bool IsWellFormed(const FileEntry& inEntry);
 
 } // namespace Resources

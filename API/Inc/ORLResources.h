@@ -1,8 +1,6 @@
 // Floor: System
-// Modules, menus and cursors where the system has no such thing.
-//
-// These functions exist in the Linux library alone; a host that runs on both platforms calls them from its Linux
-// sources.
+// Modules, menus and cursors on Linux, where the OS does not provide them. Only the Linux library exports these
+// functions.
 #pragma once
 
 #include <ORLConfig.h>
@@ -16,12 +14,12 @@ namespace ORL {
 namespace Resources {
 namespace Linux {
 
-/// The module that holds a function or variable; null if the address belongs to none. A plug-in passes the address of
-/// one of its own functions to reach its own resources through Module::Create. The handle stays valid while that module
-/// is loaded. Thread-safe.
+/// Returns the module that contains a function or variable, or null. The handle is valid while that module is loaded. A
+/// plug-in passes the address of one of its functions and wraps the result by Module::Create to load its own resources.
+/// Thread-safe. Never throws.
 ORL_API HINSTANCE ModuleOfAddress(const void* inAddress);
 
-/// What stands in a menu's flags; the home platform's bits.
+/// Bits of MenuItem::mFlags, with the values of the home platform.
 inline constexpr unsigned int kMenuGrayed = 0x0001;
 inline constexpr unsigned int kMenuDisabled = 0x0002;
 inline constexpr unsigned int kMenuChecked = 0x0008;
@@ -32,19 +30,21 @@ inline constexpr unsigned int kMenuSeparator = 0x0800;
 
 struct MenuItem
 {
-    UTF16String mText;   ///< "&" marks the letter of the shortcut; behind a tab stands the key; empty for a separator
-    unsigned int mFlags; ///< bits as above
-    unsigned int mID;    ///< the command; 0 for a submenu of the older template form
-    HMENU mSubMenu;      ///< belongs to the menu; null for a plain item
+    UTF16String mText;   ///< "&" precedes the mnemonic, a tab the name of the key; empty for a separator
+    unsigned int mFlags; ///< a combination of the bits above
+    unsigned int mID;    ///< the command; 0 for a submenu in the older template format
+    HMENU mSubMenu;      ///< owned by the menu; null if the item has no submenu
 };
 
-/// The number of items; 0 for a null menu. Menus never change, so all functions are thread-safe until DestroyMenu.
+/// Returns the number of items; 0 for a null menu. Thread-safe until DestroyMenu, as GetMenuItem is, because menus are
+/// immutable.
 ORL_API int GetMenuItemCount(HMENU inMenu);
 
-/// Copies an item, counted from 0. Returns false, with outItem untouched, if there is none. Throws std::bad_alloc.
+/// Copies the item of an index, counted from 0. Returns false, with outItem unchanged, if there is none. Throws
+/// std::bad_alloc.
 ORL_API bool GetMenuItem(HMENU inMenu, int inIndex, MenuItem& outItem);
 
-/// Destroys a menu that LoadMenuW returned, with its submenus. A submenu is not destroyed by itself. Null is ignored.
+/// Destroys a menu that LoadMenuW returned, with its submenus. Must not be called for a submenu. Ignores null.
 ORL_API void DestroyMenu(HMENU inMenu);
 
 struct CursorPicture
@@ -54,10 +54,10 @@ struct CursorPicture
     int mHotSpotX; ///< from the left
     int mHotSpotY; ///< from the top
     std::vector<std::uint32_t>
-        mPixels; ///< rows from the top, alpha in bits 24 to 31, then red, green, blue; not premultiplied
+        mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue; not premultiplied
 };
 
-/// Reads a cursor that LoadCursorW returned. Returns false, with outPicture untouched, for null. Thread-safe. Throws
+/// Reads a cursor that LoadCursorW returned. Returns false, with outPicture unchanged, for null. Thread-safe. Throws
 /// std::bad_alloc.
 ORL_API bool GetCursorPicture(const void* inCursor, CursorPicture& outPicture);
 

@@ -38,8 +38,8 @@ ORL_API bool ProcessorSupportsRDTSCInstruction();
 /// Always returns false.
 ORL_API bool ProcessorSupportsAltivec();
 
-// Fixed answers: they state the instruction sets that every supported machine has. The processor is not queried, so the
-// later sets are false even if it has them.
+// These functions return constants: the instruction sets that every supported machine has. They do not query the
+// processor, so the later sets are false even if it has them.
 ORL_API bool ProcessorSupportsMMX();     // true
 ORL_API bool ProcessorSupportsSSE();     // true
 ORL_API bool ProcessorSupportsSSE2();    // true
