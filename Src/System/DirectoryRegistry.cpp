@@ -29,10 +29,10 @@ Table& Directories()
     return directories.Get();
 }
 
-// No honest table is deeper. The limit keeps a chain of references within the smallest stacks that hosts use.
+// No reasonable table is nested deeper. The limit bounds the recursion, so it fits the smallest stacks that hosts use.
 constexpr int kDeepestReference = 64;
 
-// A symbol that is being expanded, with the ones whose patterns led to it.
+// A symbol that is being expanded, and the expansion whose pattern refers to it.
 struct Expansion
 {
     const UTF16String& mSymbol;

@@ -35,7 +35,7 @@ constexpr char kLanguageValueName[] = "Language";
 using Internal::kLanguageIsKnown;
 using Internal::sLanguageID;
 
-Immortal<CriticalSection> sLanguageLock; // guards writing; comes before the lock of the base keys
+Immortal<CriticalSection> sLanguageLock; // guards writes; acquired before the lock of the base keys
 
 const Language* FindLanguage(unsigned short inID)
 {
@@ -101,7 +101,8 @@ unsigned short FetchLanguageID()
     return fetched;
 }
 
-// Callers compile GetLanguageID in. If the linker exports inline functions, this makes it one for those who look it up.
+// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits it, and that a linker
+// which exports inline functions exports it for hosts that look it up by name.
 [[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 
 } // namespace Internal

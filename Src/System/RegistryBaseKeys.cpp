@@ -14,7 +14,7 @@ namespace {
 // Reentrant: two of the texts are built from a third under the lock.
 Immortal<CriticalSection> sRegistryKeysLock;
 
-// A text that is built once, at the first call. It outlives the static objects, for threads that still run then.
+// A text that the first call builds. It is never destroyed, because threads may still use it at process exit.
 class CachedKey
 {
 public:

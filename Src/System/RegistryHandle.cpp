@@ -64,7 +64,7 @@ SystemError RegistryHandle::DeleteDescendants(const unsigned short* inPath)
     unsigned short name[kKeyNameCapacity];
     for (;;) {
         unsigned length = kKeyNameCapacity;
-        if (EnumerateKey_Impl(key.Get(), 0, name, length) != kNoError) { // each round removes the key found at index 0
+        if (EnumerateKey_Impl(key.Get(), 0, name, length) != kNoError) { // each iteration deletes the key at index 0
             return kNoError;
         }
         const SystemError error = key.DeleteTree(name);

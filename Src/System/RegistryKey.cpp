@@ -1,4 +1,4 @@
-// Opening, creating, deleting and listing keys.
+// Opens, creates, deletes and lists keys.
 #include <RegistryKeyImpl.h>
 
 #include <ORLDebug.h>
@@ -39,7 +39,7 @@ Result ResultOf(SystemError inError)
     return inError == kNoError ? kSuccess : kRegistryFailure;
 }
 
-// For the operations that tell a missing key from other failures.
+// For the operations that report a missing key separately.
 Result ResultOfFinding(SystemError inError)
 {
     return inError == kErrorFileNotFound || inError == kErrorPathNotFound ? kFileNotFound : ResultOf(inError);
@@ -77,7 +77,7 @@ RegistryKey::~RegistryKey()
 
 RegistryKey& RegistryKey::operator=(const RegistryKey& inOther)
 {
-    UTF16String path = inOther.mImpl->mPath; // may throw: before anything changes
+    UTF16String path = inOther.mImpl->mPath; // may throw, so copy it before changing anything
     mImpl->mKey = inOther.mImpl->mKey;
     mImpl->mPath.swap(path);
     return *this;

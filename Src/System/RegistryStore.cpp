@@ -1,4 +1,4 @@
-// The registry as a tool sees it.
+// The registry interface for tools.
 #include <ORLRegistryStore.h>
 
 #include <Platform/Registry.h>
@@ -14,7 +14,7 @@ using namespace SystemErrors;
 
 namespace {
 
-constexpr unsigned kLongestNameCapacity = 16384; // also of names that somebody else has put into a store
+constexpr unsigned kLongestNameCapacity = 16384; // fits longer names too, which another program may have stored
 constexpr unsigned short kHere[] = {0};          // the empty path
 
 Result ResultOf(SystemError inError)
@@ -45,7 +45,8 @@ SystemError ListNames(KeyHandle inKey, std::vector<UTF16String>& outNames)
     }
 }
 
-// The system looks at the unit past a text, which must not become its terminator here.
+// SetValue_Impl reads one unit past a text and stores it if it is a terminator. The units 0xFFFF prevent that: a value
+// of the caller is stored byte by byte.
 SystemError SetExactly(KeyHandle inKey, const Value& inValue)
 {
     std::vector<unsigned char> data = inValue.mData;
@@ -179,7 +180,7 @@ Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath, const 
     value.mName = inName;
     unsigned size = 0;
     error = QueryValue_Impl(key.Get(), inName.c_str(), &value.mType, nullptr, &size);
-    while (error == kNoError || error == kErrorMoreData) { // until nobody makes it longer between the two calls
+    while (error == kNoError || error == kErrorMoreData) { // repeat if a writer made it longer between the two calls
         value.mData.resize(size);
         if (size == 0) {
             break;

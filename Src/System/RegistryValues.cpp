@@ -1,4 +1,4 @@
-// Reading and writing the values of a key.
+// Reads and writes the values of a key.
 #include <RegistryKeyImpl.h>
 
 #include <ORLDebug.h>
@@ -26,10 +26,10 @@ std::string TooLargeMessage(std::size_t inBytes)
            + std::to_string(inBytes) + "\r\n";
 }
 
-// Most texts fit into this, and are then read by one call.
+// Most strings fit into this buffer, so one call reads them.
 constexpr unsigned kShortText = 128; // units
 
-// The data of a value of which a read brought inSize bytes of inType.
+// Checks the type and the terminator of a value of inSize bytes.
 SystemError CheckText(unsigned inType, unsigned inSize, const unsigned short* inBuffer)
 {
     const bool isTerminated = inSize == 0 || inBuffer[inSize / 2 - 1] == 0;
@@ -135,7 +135,7 @@ Result RegistryKey::GetBinaryValue(const UTF16String& inName, std::vector<char>&
     if (mImpl->Query(inName, &type, outData.data(), &size) != kNoError || type != kTypeBinary) {
         return kRegistryFailure;
     }
-    outData.resize(size); // another writer may have made it shorter meanwhile
+    outData.resize(size); // another writer may have shortened it between the two reads
     return kSuccess;
 }
 
@@ -163,7 +163,7 @@ Result RegistryKey::GetStringValue(const UTF16String& inName, UTF16String& outVa
     if (error != kNoError) {
         return kRegistryFailure;
     }
-    if (size == 0) { // it has become empty between two reads
+    if (size == 0) { // another writer emptied it between the two reads
         outValue.clear();
     } else {
         outValue.assign(text);

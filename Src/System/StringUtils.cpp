@@ -12,12 +12,12 @@ namespace {
 
 constexpr std::size_t kStackBuffer = 1024; // elements
 
-// Both directions in one: how a text of Source becomes a text of Target.
+// The two directions of a conversion, as parameters of Convert.
 struct ToUnicode16
 {
     using Source = std::string;
     using Target = UTF16String;
-    static constexpr std::size_t kMostForResult = 4; // a unit is read from at most this many bytes
+    static constexpr std::size_t kMostForResult = 4; // at most this many bytes convert to one unit
     static constexpr auto kLimit = &StringUtils::Platform::MostUnits_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureUnits_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToUnits_Impl;
@@ -27,14 +27,14 @@ struct ToCodePage
 {
     using Source = UTF16String;
     using Target = std::string;
-    static constexpr std::size_t kMostForResult = 2; // the halves of a surrogate pair may become bytes together
+    static constexpr std::size_t kMostForResult = 2; // the two units of a surrogate pair may convert together
     static constexpr auto kLimit = &StringUtils::Platform::MostBytes_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureBytes_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToBytes_Impl;
 };
 
-// The room for the result, in elements; 0 if the text cannot be converted. The text is measured only if the choice
-// between the buffers depends on it: measuring costs as much as converting.
+// Returns the capacity for the result in elements, or 0 if the text cannot be converted. Measures the text only if the
+// choice of the buffer depends on it, because measuring costs as much as converting.
 template <class Direction>
 std::size_t RoomForResult(const typename Direction::Source& inText, unsigned int inCodePage)
 {
@@ -43,8 +43,8 @@ std::size_t RoomForResult(const typename Direction::Source& inText, unsigned int
     return most > kStackBuffer && mayFitStack ? Direction::kMeasure(inCodePage, inText.data(), inText.size()) : most;
 }
 
-// Tells the site of the caller whether the text could be converted. A long result is written where it stays; it may keep
-// some more memory than it needs, as a text does that grows.
+// Passes the length of the result to the caller's check, whose line is part of its report. Writes a long result
+// directly into the returned string, whose capacity may exceed its length.
 template <class Direction, class CheckSite>
 typename Direction::Target Convert(const typename Direction::Source& inText, unsigned int inCodePage,
                                    CheckSite inCheckSite)

@@ -16,7 +16,7 @@ using Resources::ReadNumber;
 
 namespace {
 
-constexpr std::uint32_t kCoreHeader = 12; // the older form, with sizes of 16 bits and colours of 3 bytes
+constexpr std::uint32_t kCoreHeader = 12; // the older format, with 16-bit dimensions and 3 bytes per colour
 constexpr std::uint32_t kInfoHeader = 40;
 constexpr std::uint32_t kMostColours = 256;
 constexpr std::uint32_t kOpaque = 0xFF000000;
@@ -86,7 +86,7 @@ bool ReadInfoHeader(const Bytes& inBitmap, std::uint32_t inSize, BitmapHeader& o
     SetPlainMasks(outHeader);
     std::uint64_t place = inSize;
     if (outHeader.mCompression == BitmapHeader::kBitFields) {
-        // Behind the short header, inside of the longer ones.
+        // The masks follow the short header and are part of the longer ones, at the same offset.
         for (std::uint32_t i = 0; i < 3; ++i) {
             if (!ReadNumber(inBitmap, kInfoHeader + i * 4, outHeader.mMasks[i])) {
                 return false;
@@ -102,7 +102,7 @@ bool ReadInfoHeader(const Bytes& inBitmap, std::uint32_t inSize, BitmapHeader& o
 
 void ReadColours(const Bytes& inBitmap, const Table& inTable, BitmapHeader& outHeader)
 {
-    outHeader.mColours.assign(std::size_t{1} << outHeader.mBits, kOpaque); // numbers beyond the table are black
+    outHeader.mColours.assign(std::size_t{1} << outHeader.mBits, kOpaque); // indices past the table are black
     const std::size_t count = std::min<std::size_t>(inTable.mCount, outHeader.mColours.size());
     for (std::size_t i = 0; i < count; ++i) {
         const unsigned char* const entry = inBitmap.mData + inTable.mPlace + i * inTable.mEntrySize;

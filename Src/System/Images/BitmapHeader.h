@@ -1,4 +1,4 @@
-// What stands in front of the pixels of a bitmap resource.
+// The header, the masks and the colours of a bitmap resource, which precede its pixels.
 #pragma once
 
 #include <Resources/ResourceReaders.h>
@@ -9,20 +9,20 @@
 namespace ORL {
 namespace Images {
 
-/// A colour among the bits of a pixel.
+/// The bits of one colour in a pixel.
 class BitField
 {
 public:
-    /// False if the bits are not adjacent. No bits at all are a colour that is always 0.
+    /// Returns false if the bits are not adjacent. With mask 0 the colour is always 0.
     bool Set(std::uint32_t inMask) noexcept;
 
-    /// The colour as 8 bits: shorter ones are repeated to fill them, as displays have them.
+    /// Returns the colour as 8 bits. The bits of a shorter colour are repeated, so that its largest value becomes 255.
     std::uint32_t Read(std::uint32_t inPixel) const noexcept { return mColours[(inPixel & mMask) >> mShift]; }
 
 private:
     std::uint32_t mMask = 0;
     unsigned int mShift = 0;
-    std::uint8_t mColours[256] = {}; // of the upper 8 bits, where there are more
+    std::uint8_t mColours[256] = {}; // of the upper 8 bits if the mask has more
 };
 
 struct BitmapHeader
@@ -36,10 +36,10 @@ struct BitmapHeader
     std::uint32_t mCompression = kPlain;
     std::uint32_t mMasks[3] = {}; // red, green, blue, of 16 and 32 bits
     std::vector<std::uint32_t> mColours;
-    Resources::Bytes mPixels; // all that follows
+    Resources::Bytes mPixels; // all bytes after the colours
 };
 
-/// Reads header, masks and colours. False if they are not whole or say what cannot be. Throws std::bad_alloc.
+/// Reads header, masks and colours. Returns false if they are truncated or invalid. Throws std::bad_alloc.
 bool ReadBitmapHeader(const Resources::Bytes& inBitmap, BitmapHeader& outHeader);
 
 } // namespace Images

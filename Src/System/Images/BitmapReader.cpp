@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
-// Run-length encoding can leave out what it likes, so its bytes alone do not say how large a picture may be.
+// Run-length encoding can skip pixels, so the number of bytes does not limit the size of the picture. These constants
+// limit it.
 constexpr std::uint64_t kRunPixels = std::uint64_t{1} << 24;
 constexpr std::uint64_t kRunPixelsInByte = 1024;
 
@@ -94,7 +95,7 @@ private:
     BitField mBlue;
 };
 
-// A fourth byte that is 0 everywhere is a filler.
+// Makes all pixels opaque if the fourth byte is 0 in all of them, because it is then padding.
 void FillAlpha(std::vector<std::uint32_t>& ioPixels) noexcept
 {
     const bool hasAlpha =

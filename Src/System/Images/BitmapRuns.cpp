@@ -7,7 +7,7 @@ namespace Images {
 
 namespace {
 
-// Behind a count of 0; every other number is a count of pixels as they stand.
+// Codes that follow a count of 0. Any other number is a count of pixels that are not run-length encoded.
 constexpr unsigned int kEndOfRow = 0;
 constexpr unsigned int kEndOfBitmap = 1;
 constexpr unsigned int kMove = 2;
@@ -58,7 +58,7 @@ private:
         }
     }
 
-    // Two numbers of 4 bits take turns.
+    // A byte contains two colour indices of 4 bits, the first one in the upper bits.
     unsigned int NumberIn(unsigned char inByte, unsigned int inPlace) const noexcept
     {
         if (mHeader.mBits == 8) {

@@ -6,8 +6,8 @@
 namespace ORL {
 namespace Images {
 
-/// Writes the pixels that the runs reach; those outside of the picture are left out. False if the runs end before their
-/// end mark and before the last row is done.
+/// Writes the pixels of the runs, except those outside the picture. Returns false if the runs have no end mark and do
+/// not reach the end of the last row.
 bool ReadRuns(const BitmapHeader& inHeader, std::uint32_t* outPixels);
 
 } // namespace Images

@@ -42,7 +42,7 @@ OSImageHandle::OSImageHandle() : mRecord(new Record)
 {
 }
 
-// The bitmap has an owner from the start, so it is deleted if an allocation fails.
+// A local owner holds the bitmap first, so the bitmap is deleted if an allocation fails.
 OSImageHandle::OSImageHandle(HBITMAP inBitmap) : mRecord(nullptr)
 {
     HBITMAPWrapper owner(inBitmap);

@@ -28,7 +28,7 @@ using PicturePtr = std::unique_ptr<Picture, Freer<Picture, &DisposePicture_Impl>
 using StreamPtr = std::unique_ptr<Stream, Freer<Stream, &ReleaseStream_Impl>>;
 using Block = std::unique_ptr<unsigned char[]>;
 
-// The differences between the two forms of the loader, and the identities of their checks.
+// The differences between the two variants of the loader, and the line numbers and names in their check messages.
 struct RowsExchanged
 {
     static constexpr bool kIsFlipped = true;
@@ -47,8 +47,8 @@ struct RowsInOrder
     static constexpr char kFunction[] = "`anonymous-namespace'::LoadGDIPlusBitmapWTL";
 };
 
-// In a fragmented heap the decoder may run out of memory. Allocating and freeing a large block makes the heap return its
-// free pages. The store keeps the compiler from removing both.
+// In a fragmented heap the decoder may run out of memory. Allocating and freeing a large block makes the heap return
+// its free pages. The volatile store prevents the compiler from removing the allocation.
 void FlushHeap()
 {
     const Block block(new (std::nothrow) unsigned char[kHeapFlush]);
@@ -57,7 +57,7 @@ void FlushHeap()
     }
 }
 
-// A whole picture, locked while it lives.
+// Locks the pixels of a whole picture during its lifetime.
 class Lock
 {
 public:
@@ -91,7 +91,7 @@ private:
     int mStatus;
 };
 
-// Returns false if a tested lock failed. A failed lock that is not tested leaves the destination unchanged.
+// If locking fails, returns false if the variant tests its locks, and otherwise true with the destination unchanged.
 template <class Form>
 bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, std::size_t inHeight)
 {
@@ -120,7 +120,8 @@ bool SizeOfBlock(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize
     return true;
 }
 
-// Without tested locks the bitmap may be created before its pixels are written, so they start transparent.
+// A variant that does not test its locks may create a bitmap whose pixels were never written, so they start
+// transparent.
 template <class Form>
 Block AllocateBlock(std::size_t inSize)
 {

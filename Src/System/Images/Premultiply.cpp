@@ -1,6 +1,6 @@
-// (c * a + 128) * 257 >> 16 is the same number as (t + (t >> 8)) >> 8 with t = c * a + 128, in one step for a vector of
-// 16-bit lanes. Alpha 0 and 255 need no tests: the formula is exact for them, and tests cost more than they save
-// (a factor of twenty on an alpha ramp, because of mispredicted branches).
+// With t = c * a + 128, the result (t + (t >> 8)) >> 8 equals t * 257 >> 16, which is one multiplication for a vector
+// of 16-bit lanes. Alpha 0 and 255 have no special cases: the formula is exact for them, and mispredicted branches are
+// expensive (a factor of twenty on an alpha ramp).
 #include <Images/Premultiply.h>
 
 #include <atomic>
@@ -29,7 +29,7 @@ void PremultiplyPlain(const std::uint32_t* inPixels, std::uint32_t* outPixels, s
     }
 }
 
-// Two pixels in lanes of 16 bits. The lane of alpha itself is multiplied by 255, which gives alpha again.
+// Scales two pixels in lanes of 16 bits. The lane of alpha is multiplied by 255, which leaves it unchanged.
 inline __m128i ScaleLanes(__m128i inLanes) noexcept
 {
     const __m128i alpha = _mm_shufflehi_epi16(_mm_shufflelo_epi16(inLanes, 0xFF), 0xFF);
@@ -90,7 +90,7 @@ PremultiplyFunction Choose;
 
 std::atomic<PremultiplyFunction*> sPremultiply{&Choose};
 
-// Chooses on the first call; two threads that choose at once choose the same.
+// The first call selects a kernel. Threads that select at the same time select the same one.
 void Choose(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept
 {
     const PremultiplyKernel* kernel = kPremultiplyKernels;

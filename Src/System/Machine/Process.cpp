@@ -40,7 +40,7 @@ bool IsProcessRunning(const UTF16String& inName, ProcessSearchFlags::Type inFlag
     for (std::size_t i = 0; i < count; ++i) {
         const ProcessHandle process = OpenProcess_Impl(identifiers[i]);
         if (GetExecutableName_Impl(process, identifiers[i], name) && Matches(name, inName, inFlags)) {
-            return true; // the handle stays open, as the header says
+            return true; // leaks the handle, as the header documents
         }
         CloseProcess_Impl(process);
     }

@@ -12,11 +12,11 @@ namespace SystemInfo {
 
 namespace {
 
-// Laid out as the feature words of CPUID leaf 1. EDX is 0 until both are filled.
+// The bits are those of CPUID leaf 1. EDX is 0 until both words are filled.
 std::atomic<std::uint32_t> sCPUFeaturesEDX{0};
 std::atomic<std::uint32_t> sCPUFeaturesECX{0};
 
-// What every supported processor has; the processor itself is not asked.
+// Sets the features that every supported processor has. Does not query the processor.
 void FillCPUFeatures()
 {
     sCPUFeaturesECX.store(0x00000209, std::memory_order_relaxed);

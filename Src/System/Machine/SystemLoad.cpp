@@ -12,7 +12,8 @@ namespace {
 
 using namespace Platform;
 
-// Made by the first call and never closed. Two first calls at once may each make a query; one of them stays unused.
+// The first call creates both; they are never closed. If two threads make the first call at once, each may create a
+// query, and one of the two stays unused.
 std::atomic<LoadQuery> sLoadQuery{nullptr};
 std::atomic<LoadCounter> sLoadCounter{nullptr};
 
@@ -51,7 +52,7 @@ float GetSystemLoad()
         || GetLoadPercent_Impl(counter, percent) != SystemErrors::kNoError) {
         return 0;
     }
-    // A load needs two samples, whatever a counter makes of one.
+    // A load needs two samples, even if the counter returns a value after one.
     return isFirstCall ? 0.0f : static_cast<float>(percent);
 }
 

@@ -11,12 +11,12 @@ namespace {
 
 using ModulePtr = ObjectPtr<Module, AtomicValue>;
 
-// Empty before any constructor runs, and let go at the unload and no sooner, so that a host's static objects may use
-// the module in their constructors and destructors.
+// Constant-initialized, and released only at the unload, so that a host's static objects may use the module in their
+// constructors and destructors.
 Immortal<ModulePtr> sLibraryModule;
 Immortal<ModulePtr> sSecondReference;
 
-// A host must not end because there was no memory while this library was loaded.
+// Memory exhaustion during the load of this library must not terminate the host.
 int CreateModule(HINSTANCE inModule)
 {
     try {

@@ -19,7 +19,7 @@ constexpr unsigned short kAmericanEnglish = 1033;
 constexpr unsigned short kMenuType = 4;
 constexpr std::size_t kMaxPath = 260;
 
-// The handle and its resources, until a Module takes both over.
+// Owns the handle until a Module takes ownership.
 class Holder
 {
 public:
@@ -40,7 +40,7 @@ private:
     bool mOwns;
 };
 
-// A name of the first resource of a type: a number, or a text of its own.
+// The name of the first resource of a type: a number, or a copied text.
 struct FirstName
 {
     bool mIsFound = false;
@@ -63,7 +63,7 @@ struct FirstName
     }
 };
 
-// A type as text: a number is written as the lookups read it.
+// Returns a type as text. A number becomes "#" and its digits, which the lookups parse.
 UTF16String TextOfType(const unsigned short* inType)
 {
     const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(inType);
@@ -78,7 +78,7 @@ UTF16String TextOfType(const unsigned short* inType)
 
 ResourceCollection::~ResourceCollection() = default;
 
-// The wrapper takes the handle over only once nothing can fail any more.
+// The wrapper takes ownership of the handle after the last step that can fail.
 void Module::Wrap(HINSTANCE inModule, bool inOwnsModule, ObjectPtr<Module, AtomicValue>& outModule)
 {
     Holder handle(inModule, inOwnsModule);

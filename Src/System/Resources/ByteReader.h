@@ -1,4 +1,4 @@
-// Reading of little-endian numbers from bytes that nobody vouches for.
+// Reads little-endian numbers from untrusted bytes.
 #pragma once
 
 #include <Resources/ResourceReaders.h>
@@ -14,7 +14,7 @@ inline bool IsInside(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t 
     return inPlace <= inBytes.mSize && inSize <= inBytes.mSize - inPlace;
 }
 
-/// A number at a place that IsInside has found good.
+/// Returns the number at an offset. The caller has checked by IsInside that it is inside.
 template <class Number>
 Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
 {
@@ -23,7 +23,7 @@ Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
     return number;
 }
 
-/// The same anywhere; returns false if it is not wholly inside.
+/// Reads the number at any offset. Returns false if it is not completely inside.
 template <class Number>
 bool ReadNumber(const Bytes& inBytes, std::uint64_t inPlace, Number& outNumber) noexcept
 {
@@ -34,7 +34,7 @@ bool ReadNumber(const Bytes& inBytes, std::uint64_t inPlace, Number& outNumber) 
     return true;
 }
 
-/// Part of the bytes, which must be inside.
+/// Returns a part of the bytes, which must be inside.
 inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t inSize) noexcept
 {
     Bytes part;
@@ -43,10 +43,10 @@ inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t i
     return part;
 }
 
-/// Units that need not be aligned, copied.
+/// Copies units, which need not be aligned.
 inline std::vector<unsigned short> UnitsAt(const Bytes& inBytes, std::uint64_t inPlace, std::size_t inCount)
 {
-    std::vector<unsigned short> units(inCount + 1); // never without memory, so that an empty text is a text
+    std::vector<unsigned short> units(inCount + 1); // data() is never null, because a null text means a number
     if (inCount != 0) {
         std::memcpy(units.data(), inBytes.mData + inPlace, inCount * sizeof(unsigned short));
     }

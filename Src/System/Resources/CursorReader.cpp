@@ -17,7 +17,7 @@ constexpr std::uint16_t kCursorGroup = 2;
 
 constexpr std::size_t kHotSpot = 4;
 constexpr std::size_t kInfoHeader = 40;
-constexpr std::int32_t kLargest = 1024; // of any pointer's side
+constexpr std::int32_t kLargest = 1024; // the largest width and height
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
 struct Bitmap
@@ -26,8 +26,8 @@ struct Bitmap
     int mHeight;
     unsigned int mBits;
     Bytes mColours; // 4 bytes each
-    Bytes mPicture; // rows from the bottom, padded to 4 bytes
-    Bytes mMask;    // likewise, 1 bit each
+    Bytes mPicture; // bottom row first, rows padded to 4 bytes
+    Bytes mMask;    // the same with 1 bit per pixel
 };
 
 std::uint64_t RowSize(const Bitmap& inBitmap, unsigned int inBits) noexcept
@@ -42,7 +42,7 @@ bool ReadHeader(const Bytes& inInfo, Bitmap& outBitmap, std::uint64_t& outColour
         return false;
     }
     outBitmap.mWidth = NumberAt<std::int32_t>(inInfo, 4);
-    const std::int32_t doubleHeight = NumberAt<std::int32_t>(inInfo, 8); // picture and mask
+    const std::int32_t doubleHeight = NumberAt<std::int32_t>(inInfo, 8); // of picture and mask together
     outBitmap.mBits = NumberAt<std::uint16_t>(inInfo, 14);
     const std::uint32_t compression = NumberAt<std::uint32_t>(inInfo, 16);
     const std::uint32_t used = NumberAt<std::uint32_t>(inInfo, 32);
@@ -75,7 +75,7 @@ bool ReadBitmap(const Bytes& inInfo, Bitmap& outBitmap)
     return true;
 }
 
-// inBits bits of a row, the leftmost first.
+// Returns pixel inX of a row with inBits bits per pixel. The leftmost pixel is in the highest bits.
 unsigned int BitsAt(const Bytes& inRow, int inX, unsigned int inBits) noexcept
 {
     const unsigned int bit = static_cast<unsigned int>(inX) * inBits;
@@ -92,7 +92,7 @@ std::uint32_t ColourAt(const Bitmap& inBitmap, const Bytes& inRow, int inX) noex
         const unsigned char* const pixel = inRow.mData + std::size_t(inX) * 3;
         return std::uint32_t{pixel[0]} | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16;
     }
-    std::uint32_t colour = 0; // also of a number that the table does not have
+    std::uint32_t colour = 0; // remains black for an index past the table
     ReadNumber(inBitmap.mColours, std::uint64_t{BitsAt(inRow, inX, bits)} * 4, colour);
     return colour & ~kOpaque;
 }

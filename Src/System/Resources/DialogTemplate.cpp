@@ -34,7 +34,7 @@ bool ReadBox(TemplateReader& ioReader, Box& outBox)
            && ioReader.Read(outBox.mHeight);
 }
 
-// What the two forms have in another order.
+// Reads the fields whose order differs between the two formats.
 bool ReadHead(TemplateReader& ioReader, Dialog& outDialog)
 {
     std::uint32_t first = 0;
@@ -87,7 +87,7 @@ bool ReadItem(TemplateReader& ioReader, bool inIsExtended, DialogItem& outItem)
     if (!ReadName(ioReader, outItem.mClass) || !ReadName(ioReader, outItem.mTitle) || !ioReader.Read(extraSize)) {
         return false;
     }
-    // In the older form the size counts itself.
+    // In the older format the size includes the field itself.
     ioReader.Skip(!inIsExtended && extraSize >= 2 ? extraSize - 2u : extraSize);
     return ioReader.IsInside();
 }

@@ -33,7 +33,7 @@ std::uint64_t RoundUpTo4(std::uint64_t inSize) noexcept
     return (inSize + 3) & ~std::uint64_t{3};
 }
 
-// Those of the segments whose bytes are wholly in the file.
+// Stores the load and note segments that are completely in the file. Returns false if any of them is not.
 bool ReadSegments(const Bytes& inFile, std::vector<Segment>& outSegments)
 {
     const std::uint64_t table = NumberAt<std::uint64_t>(inFile, 32);
@@ -60,7 +60,7 @@ bool ReadSegments(const Bytes& inFile, std::vector<Segment>& outSegments)
     return isWhole;
 }
 
-// The bytes at an address of the loaded module.
+// Finds the bytes at an address of the loaded module.
 bool FindAddress(const Bytes& inFile, const std::vector<Segment>& inSegments, std::uint64_t inAddress,
                  std::uint64_t inSize, Bytes& outBytes)
 {
@@ -107,7 +107,7 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex)
     }
     std::vector<Segment> segments;
     bool isWhole = ReadSegments(inFile, segments);
-    std::uint64_t bytesLeft = inFile.mSize; // honest notes share no bytes, nor do honest segments
+    std::uint64_t bytesLeft = inFile.mSize; // valid notes and segments do not overlap; this limits the work for others
     std::uint64_t noteBytesLeft = inFile.mSize;
     for (const Segment& segment : segments) {
         if (segment.mType != kNote) {

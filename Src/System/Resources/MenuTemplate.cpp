@@ -8,7 +8,7 @@ namespace Resources {
 namespace {
 
 constexpr unsigned int kPopup = 0x10;
-constexpr unsigned int kEnd = 0x80; // of the last item; no flag of the menu
+constexpr unsigned int kEnd = 0x80; // marks the last item; not a flag of the menu
 constexpr unsigned int kSeparator = 0x800;
 constexpr unsigned int kExtendedPopup = 0x01;
 constexpr std::uint16_t kExtended = 1;

@@ -12,9 +12,9 @@ constexpr std::size_t kDirectoryEntry = 8;
 constexpr std::size_t kDataEntry = 16;
 constexpr std::uint32_t kHighBit = 0x80000000;
 
-// A directory has three levels: types, names, languages. An honest one gives each entry and each text a place of its
-// own, so no more of them can be met than fit into the bytes; one that is written to be walked for ever is left at that
-// point.
+// A directory has three levels: types, names, languages. In a valid directory entries and texts do not overlap, so
+// their number is limited by its size. The walk stops at that limit, because entries of a hostile directory may overlap
+// or form cycles.
 class DirectoryWalk
 {
 public:
@@ -88,7 +88,7 @@ private:
                    static_cast<std::uint32_t>(data.mSize));
     }
 
-    // A number, or the place of a counted text.
+    // The name is a number, or the offset of a text that begins with its length.
     bool ReadName(std::uint32_t inName, StoredName& outName)
     {
         if ((inName & kHighBit) == 0) {

@@ -12,7 +12,7 @@ constexpr std::uint32_t kPEMagic = 0x00004550; // "PE"
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
 constexpr std::size_t kNewHeaderField = 0x3C;
-constexpr std::size_t kFileHeader = 24; // with its magic
+constexpr std::size_t kFileHeader = 24; // including its magic number
 constexpr std::size_t kSectionHeader = 40;
 constexpr std::uint32_t kResourceDirectory = 2;
 
@@ -55,7 +55,7 @@ bool PESections::ReadSections(const Bytes& inFile, std::uint64_t inTable, unsign
         const std::uint32_t fileSize = NumberAt<std::uint32_t>(inFile, header + 16);
         const std::uint32_t place = NumberAt<std::uint32_t>(inFile, header + 20);
         if (fileSize == 0 || place == 0) {
-            continue; // memory that has no bytes in the file
+            continue; // the section has no bytes in the file
         }
         if (!IsInside(inFile, place, fileSize)) {
             return false;

@@ -1,4 +1,4 @@
-// Where the addresses of a Windows module lie in its file.
+// Maps the addresses of a Windows module to the bytes of its file.
 #pragma once
 
 #include "ByteReader.h"
@@ -11,17 +11,18 @@ namespace Resources {
 class PESections
 {
 public:
-    /// Reads headers and section table. False if the bytes are no such module, or a section is not wholly among them.
+    /// Reads headers and section table. Returns false if the bytes are not a Windows module or a section is truncated.
     /// Throws std::bad_alloc.
     bool Read(const Bytes& inFile);
 
-    /// The address of the resource directory; 0 if there is none.
+    /// Returns the address of the resource directory; 0 if there is none.
     std::uint32_t ResourceAddress() const noexcept { return mResourceAddress; }
 
-    /// The bytes at an address of the loaded module. False unless one section of the file holds them all.
+    /// Finds the bytes at an address of the loaded module. Returns false unless one section of the file contains all of
+    /// them.
     bool Find(std::uint32_t inAddress, std::uint32_t inSize, Bytes& outBytes) const noexcept;
 
-    /// The bytes from an address to the end of its section.
+    /// Finds the bytes from an address to the end of its section. Returns false if no section contains the address.
     bool FindToEnd(std::uint32_t inAddress, Bytes& outBytes) const noexcept;
 
 private:

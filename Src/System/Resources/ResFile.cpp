@@ -9,8 +9,8 @@ namespace Resources {
 
 namespace {
 
-// Each entry: size of the data, size of the header, type, name, padding to 4, then 16 bytes with the language in the
-// third word; the data; padding to 4.
+// An entry consists of the size of the data, the size of the header, type, name, padding to 4 bytes, 16 bytes with the
+// language at offset 6, the data, and padding to 4 bytes.
 constexpr std::size_t kSmallestHeader = 32;
 constexpr std::size_t kFixedPart = 16;
 constexpr std::size_t kLanguageInFixedPart = 6;
@@ -23,11 +23,11 @@ constexpr std::uint64_t RoundUpTo4(std::uint64_t inSize) noexcept
     return (inSize + 3) & ~std::uint64_t{3};
 }
 
-// A type or name inside of a header: 0xFFFF and a number, or a terminated text.
+// A type or name in a header: 0xFFFF and a number, or a zero-terminated text.
 class HeaderName
 {
 public:
-    // Reads at ioPlace and moves it behind the name. False if the name is not wholly inside the header.
+    // Reads the name at ioPlace and advances ioPlace past it. Returns false if the header ends before the name does.
     bool Read(const Bytes& inHeader, std::uint64_t& ioPlace)
     {
         unsigned short unit = 0;

@@ -51,7 +51,7 @@ Result ReadWhole(const UTF16String& inPath, std::vector<unsigned char>& outConte
         }
         done += count;
     }
-    outContents.resize(done); // the file may have become shorter meanwhile
+    outContents.resize(done); // another process may have truncated the file meanwhile
     return kSuccess;
 }
 

@@ -13,8 +13,8 @@ constexpr unsigned short kNeutral = 0;
 constexpr unsigned short kAmericanEnglish = 1033;
 constexpr unsigned short kPrimaryMask = 0x3FF;
 
-// Multiplies by an odd number and takes the upper half back in, so that each bit of the input reaches the lower bits,
-// which choose the place in the table.
+// Multiplies by an odd number and XORs the upper half into the lower one, so that each bit of the input affects the
+// lower bits, which select the slot in the table.
 class Hasher
 {
 public:
@@ -34,7 +34,7 @@ public:
 
 private:
     static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
-    static constexpr std::uint64_t kText = std::uint64_t{1} << 32; // no number of 16 bits is a text's
+    static constexpr std::uint64_t kText = std::uint64_t{1} << 32; // distinguishes texts from 16-bit numbers
 
     void AddWord(std::uint64_t inWord) noexcept
     {
@@ -58,7 +58,7 @@ bool IsCanonical(const NameView& inName) noexcept
     return !inName.IsText() || IsAscii(inName.Units(), inName.Count());
 }
 
-// A text with units beyond ASCII is folded before it is compared; every other name serves as it stands.
+// The canonical form of a name. Only a text with non-ASCII units is copied and case-folded.
 class Canonical
 {
 public:
@@ -116,7 +116,7 @@ const unsigned short* ResourceIndex::Text(const StoredName& inName) const noexce
     return mTexts.empty() ? &kEmpty : mTexts.data() + inName.mOffset;
 }
 
-// The canonical form of a stored name.
+// Returns the canonical form of a stored name.
 NameView ResourceIndex::View(const StoredName& inName) const noexcept
 {
     if (!inName.mIsText) {
@@ -175,7 +175,7 @@ void ResourceIndex::MakeGroups()
     }
 }
 
-// At most half full, so that a search ends after few steps.
+// The table is at most half full, so a search needs few probes.
 void ResourceIndex::MakeTable()
 {
     std::size_t size = 2;
@@ -193,7 +193,7 @@ void ResourceIndex::MakeTable()
     }
 }
 
-// The stored form is canonical; that of a query is so but for the case of ASCII letters.
+// The stored name is canonical. The queried name is too, except for the case of ASCII letters.
 bool ResourceIndex::Equals(const StoredName& inStored, const NameView& inCanonical) const noexcept
 {
     if (inStored.mIsText != inCanonical.IsText()) {
@@ -232,7 +232,7 @@ const ResourceIndex::Group* ResourceIndex::FindGroup(const NameView& inType, con
     if (mGroups.empty()) {
         return nullptr;
     }
-    // Most names are numbers or ASCII, and even an empty text costs its construction and destruction.
+    // Fast path for most names, which are numbers or ASCII: constructing a Canonical costs time even without a copy.
     if (IsCanonical(inType) && IsCanonical(inName)) {
         return ProbeGroup(inType, inName);
     }

@@ -12,7 +12,7 @@ bool IsBlank(unsigned short inUnit) noexcept
     return inUnit == ' ' || (inUnit >= '\t' && inUnit <= '\r');
 }
 
-// As the system reads it: blanks and a sign may come first, and what follows the digits is not looked at.
+// Parses a number as the home platform does: it may begin with blanks and a sign, and text after the digits is ignored.
 bool ParseNumber(const unsigned short* inText, unsigned short& outNumber) noexcept
 {
     while (IsBlank(*inText)) {

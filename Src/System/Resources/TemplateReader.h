@@ -1,4 +1,4 @@
-// Reading templates of menus and dialogs from front to back.
+// Reads templates of menus and dialogs sequentially.
 #pragma once
 
 #include "ByteReader.h"
@@ -8,7 +8,7 @@
 namespace ORL {
 namespace Resources {
 
-/// Each read returns false if its bytes are not all there; then every further one does.
+/// A read returns false if it exceeds the template; all further reads then return false too.
 class TemplateReader
 {
 public:
@@ -22,7 +22,7 @@ public:
         return isThere;
     }
 
-    /// A text with its terminator.
+    /// Appends a text and skips its terminator.
     bool ReadText(UTF16String& outText)
     {
         unsigned short unit = 0;
