@@ -1,4 +1,4 @@
-// RGB and HSL.
+// Conversions between RGB and HSL.
 #include <ORLColor.h>
 
 #include <ColorMath.h>
@@ -36,7 +36,7 @@ Shade ShadeOf(const ChannelRing& inColor)
     const unsigned largest = Largest(inColor);
     const float most = inColor[largest];
     const float least = Smallest(inColor);
-    return {largest, (most + least) * 0.5f, most - least, 1.0f}; // not divided by the lightness
+    return {largest, (most + least) * 0.5f, most - least, 1.0f}; // the saturation is not divided by the lightness
 }
 
 } // namespace
@@ -68,13 +68,13 @@ void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& out
         return;
     }
     const float sixths = 6 * inH;
-    if (!(sixths > -1 && sixths < 6)) { // truncated, it is no sector; NaN too
+    if (!(sixths > -1 && sixths < 6)) { // truncates to no sector, or is NaN
         return;
     }
     const int sector = static_cast<int>(sixths);
     const float f = sixths - static_cast<float>(sector);
     const float m = 2 * inL - v;
-    const float w = (v - m) / v * v * f; // the division is not undone exactly
+    const float w = (v - m) / v * v * f; // v / v * v is not always v in float arithmetic
     const float levels[] = {v, m, m + w, v - w};
     enum { V, M, U, Z };
     static constexpr unsigned char kLevels[6][3] = {{V, U, M}, {Z, V, M}, {M, V, U}, {M, Z, V}, {U, M, V}, {V, M, Z}};

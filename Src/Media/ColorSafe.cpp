@@ -1,4 +1,4 @@
-// Colours for displays of few colours.
+// Colours that are safe on certain displays.
 #include <ORLColor.h>
 
 namespace ORL {

@@ -1,4 +1,4 @@
-// RGB, YPbPr and YIQ, and levels in IRE and millivolts.
+// Conversions between RGB, YPbPr and YIQ, and levels in IRE and millivolts.
 #include <ORLColor.h>
 
 #include <Arctangent.h>

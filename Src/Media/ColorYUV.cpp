@@ -1,4 +1,5 @@
-// RGB and YUV. The coefficients are those of the headers, in this order: another order changes last bits.
+// Conversions between RGB and YUV. The coefficients are those of the headers. The order of the terms decides the last
+// bits of a result.
 #include <ORLColor.h>
 
 #include <cmath>
@@ -17,17 +18,17 @@ bool IsByte(int inValue)
     return inValue >= 0 && inValue <= 255;
 }
 
-// The 8 bits wrap, so adding 128 takes the offset of 128 off again.
+// Removes the offset of 128. Adding 128 has the same effect as subtracting it, because 8 bits wrap.
 char AboutZero(int inByte)
 {
     return static_cast<char>(inByte + 128);
 }
 
-// Clamps before it converts, since a float may hold more than any integer.
+// Clamps before the conversion, because a float may exceed the range of integers.
 unsigned char RoundToByte(float inValue)
 {
     const double rounded = std::trunc(inValue < 0 ? inValue - 0.5 : inValue + 0.5);
-    if (!(rounded > 0)) { // NaN too
+    if (!(rounded > 0)) { // or NaN
         return 0;
     }
     return static_cast<unsigned char>(rounded < 255 ? rounded : 255);
@@ -40,7 +41,7 @@ void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY
     const double red = inColor.GetRed();
     const double green = inColor.GetGreen();
     const double blue = inColor.GetBlue();
-    // Y stays within 16 and 235, U and V within 16 and 239: no clamp is left to do.
+    // Y stays within 16 and 235, U and V within 16 and 239, so no clamp is needed.
     const int y = static_cast<int>(0.257 * red + 0.504 * green + 0.098 * blue + 16);
     const int v = static_cast<int>(0.439 * red - 0.368 * green - 0.071 * blue + 128);
     const int u = static_cast<int>(-0.148 * red - 0.291 * green + 0.439 * blue + 128);

@@ -1,5 +1,5 @@
-// The digest of every sweep over the colour functions. They are the same on every platform, so two builds that pass agree
-// in every bit of every value. A digest changes only with the arithmetic of its function, or with its sweep.
+// The digest of every sweep over the colour functions. Digests are the same on every platform, so two builds that pass
+// agree in every bit of every value. A digest changes only if the arithmetic of its function or its sweep changes.
 #include "ColorSweeps.h"
 
 #include <cstddef>
@@ -48,7 +48,7 @@ constexpr Known kKnown[] = {
 
 } // namespace
 
-// One test for each sweep, so that none takes long.
+// One test for each sweep keeps every test short.
 class ColorDigestOf : public testing::TestWithParam<std::size_t>
 {
 };

@@ -1,4 +1,5 @@
-// Every value of the integer forms, and a grid of the float forms, against the formulas written by another hand.
+// Compares every value of the integer forms, and a grid of the float forms, with the independent formulas of
+// ColorFormulas.h.
 #include "ColorFormulas.h"
 #include "ColorSweeps.h"
 
@@ -10,7 +11,7 @@ using namespace ORLTest;
 
 namespace {
 
-// How many values differ; the first one is shown.
+// Counts the values that differ, and reports the first one.
 class Differences
 {
 public:
@@ -69,7 +70,7 @@ void CompareYuv(std::uint32_t inStep)
     });
 }
 
-// What a function leaves alone keeps these.
+// Initial values of outputs, to detect which ones a function does not store.
 constexpr unsigned kUntouched[] = {1001, 1002, 1003};
 
 using ToWholeShade = void (*)(const Color&, unsigned&, unsigned&, unsigned&, bool*, bool*);
@@ -271,7 +272,7 @@ TEST(ColorEveryValue, FloatForms_AreThoseOfThePlainFormulasToTheLastBit)
     CompareFloats<PlainColors, float>(1);
 }
 
-// With each operation done in a wider type and rounded once.
+// Each operation is done in a wider type and rounded once.
 TEST(ColorEveryValue, ASampleOfAll_IsThatOfTheFormulasWithEachOperationRoundedOnce)
 {
     CompareYuv<ExactColors>(97);
@@ -292,7 +293,7 @@ TEST(ColorEveryValue, YuvSingles_AreThoseOfTheFormulasWithEachOperationRoundedOn
     });
 }
 
-// Through RGB, one function after the other.
+// The compound forms convert through RGB.
 TEST(ColorEveryValue, CompoundForms_AreTheirPartsOneAfterTheOther)
 {
     Differences toYuv("ColorHSVtoYUV, ColorHSLtoYUV");
@@ -330,7 +331,7 @@ TEST(ColorEveryValue, CompoundForms_AreTheirPartsOneAfterTheOther)
     });
 }
 
-// Back from the bytes: the two truncations lose at most a few steps of a channel.
+// The two truncations lose at most four steps of a channel.
 TEST(ColorEveryValue, RgbThroughYuvAndBack_StaysWithinFourSteps)
 {
     Differences differences("RGB through YUV");

@@ -1,8 +1,8 @@
-// The colour formulas a second time, as the tests' oracle: one plain function for each formula, sums from left to right.
-// Written from the formulas alone, by another hand than the library's, and sharing no code with it.
+// The colour formulas as the tests' oracle: one plain function for each formula, with sums from left to right. It was
+// written from the formulas alone, independently of the library, and shares no code with it.
 //
-// Every function is a template over the type of its singles and the type of its doubles. float and double run as fast as
-// the sweeps need; ExactSingle and ExactDouble leave the compiler no choice in any operation.
+// Every function is a template over its single-precision and its double-precision type. float and double are fast
+// enough for the sweeps; with ExactSingle and ExactDouble the compiler cannot change the result of any operation.
 #pragma once
 
 #include "RoundedNumber.h"
@@ -17,7 +17,7 @@ struct ByteTriple
     int a, b, c;
 };
 
-/// What a colour does not have is empty.
+/// A property that the colour does not have is empty.
 struct WholeShade
 {
     std::optional<unsigned> hue, saturation;
@@ -37,7 +37,7 @@ struct ColorFormulas
         Single luma, chroma;
     };
 
-    /// What a colour does not have is empty.
+    /// A property that the colour does not have is empty.
     struct Shade
     {
         std::optional<Single> hue, saturation;
@@ -62,7 +62,7 @@ struct ColorFormulas
         return {y, u - 128, v - 128};
     }
 
-    /// outAnyInside: whether at least one channel needed no clamping.
+    /// outAnyInside reports whether at least one channel needed no clamping.
     static ByteTriple RGBFromYUV(int inY, int inU, int inV, bool& outAnyInside)
     {
         const Double u = static_cast<double>(inU), v = static_cast<double>(inV);
@@ -109,7 +109,7 @@ struct ColorFormulas
         return {inY, -0.544639f * inPb + 0.838671f * inPr, 0.544639f * inPr + 0.838671f * inPb};
     }
 
-    /// The arctangent is the one nearest to the exact angle: runtimes differ in theirs.
+    /// Rounds the exact arctangent to the nearest single, because the results of runtimes differ.
     static Single HueFromPbPr(Single inPb, Single inPr)
     {
         const Single sine = -0.9475003f * inPb - 0.31975487f * inPr;
@@ -123,7 +123,7 @@ struct ColorFormulas
         return angle / fullCircle;
     }
 
-    /// The root of a wider number, rounded once.
+    /// Computes the root in double and rounds once.
     static Single Length(Single inFirst, Single inSecond)
     {
         const Single square = inFirst * inFirst + inSecond * inSecond;
@@ -185,7 +185,7 @@ struct ColorFormulas
         return inR >= inG && inB >= inG ? Channel::Green : Channel::Red;
     }
 
-    /// The circle is closed and divided in double, all before in single.
+    /// Adds the full circle and divides in double; everything before that is single.
     static Single Hue(Channel inLargest, Single inD, Single inR, Single inG, Single inB)
     {
         Single sixths = 0.0f;
@@ -245,13 +245,13 @@ struct ColorFormulas
         return HSLFromRGB(rgb.a, rgb.b, rgb.c);
     }
 
-    /// The product in single, the half added in double.
+    /// Multiplies in single and adds 0.5 in double.
     static unsigned Rounded(Single inValue, float inScale)
     {
         return static_cast<unsigned>(Truncated(Double(Single(inValue * inScale)) + 0.5));
     }
 
-    /// Product and half in single.
+    /// Multiplies and adds 0.5 in single.
     static unsigned RoundedInSingle(Single inValue, float inScale)
     {
         return static_cast<unsigned>(Plain(Single(inValue * inScale + 0.5f)));
@@ -285,7 +285,7 @@ struct ColorFormulas
 
     // From hue, saturation, and value or lightness to RGB
 
-    /// Empty if the hue lies outside the circle.
+    /// Returns nothing if the hue is outside the circle.
     static std::optional<Triple> RGBFromHSV(Single inH, Single inS, Single inV)
     {
         if (inS == 0.0f) {
@@ -319,7 +319,7 @@ struct ColorFormulas
         return {};
     }
 
-    /// Black if the hue lies outside the circle or is the whole of it.
+    /// Returns black if the hue is outside the circle or exactly 1.
     static Triple RGBFromHSL(Single inH, Single inS, Single inL)
     {
         const Triple black{0.0f, 0.0f, 0.0f};
@@ -355,7 +355,7 @@ struct ColorFormulas
         return black;
     }
 
-    /// The low 8 bits of the rounded channel.
+    /// Returns the low 8 bits of the rounded channel.
     static int Byte(Single inChannel)
     {
         return static_cast<int>(Truncated(Double(Single(inChannel * 255.0f)) + 0.5)) & 0xFF;
@@ -363,7 +363,7 @@ struct ColorFormulas
 
     static ByteTriple Bytes(const Triple& inColor) { return {Byte(inColor.a), Byte(inColor.b), Byte(inColor.c)}; }
 
-    /// The whole forms start from black, so a hue outside the circle is black.
+    /// Integer forms start from black, so a hue outside the circle is black.
     static Triple RGBOfWholeHSV(unsigned inH, unsigned inS, unsigned inV)
     {
         return RGBFromHSV(Share(inH, 360.0f), Share(inS, 100.0f), Share(inV, 100.0f))

@@ -1,5 +1,5 @@
-// Walks over every value that the colour functions take, folded into one number each. Equal numbers on two builds mean
-// equal bits for every value. Used by the tests and by a program that is built at several optimisation levels.
+// Sweeps over the inputs of the colour functions. Each sweep hashes all results into one number: equal numbers on two
+// builds mean equal bits for every value. The tests use it, and a program that is built at several optimisation levels.
 #pragma once
 
 #include <ORLColor.h>
@@ -52,7 +52,7 @@ using PolarToPolar = void (*)(unsigned, unsigned, unsigned, unsigned&, unsigned&
 using ThreeFloats = void (*)(float, float, float, float&, float&, float&);
 using TwoFloats = void (*)(float, float, float, float&, float&);
 
-// Three bytes. An odd step visits values of every kind.
+// Visits byte triples. With an odd step, every byte takes every value.
 template <class Visit>
 void ForEachThreeBytes(std::uint32_t inStep, const Visit& inVisit)
 {
@@ -61,7 +61,7 @@ void ForEachThreeBytes(std::uint32_t inStep, const Visit& inVisit)
     }
 }
 
-// Degrees and percents, a little past their ranges.
+// Visits degrees and percents, a little past their ranges.
 template <class Visit>
 void ForEachPolar(std::uint32_t inStep, const Visit& inVisit)
 {
@@ -71,7 +71,7 @@ void ForEachPolar(std::uint32_t inStep, const Visit& inVisit)
     }
 }
 
-// Three floats from inLeast to inMost, mostly with many digits.
+// Visits triples of floats from inLeast to inMost, most of them with many digits.
 template <class Visit>
 void ForEachThreeFloats(std::uint32_t inStep, float inLeast, float inMost, const Visit& inVisit)
 {
@@ -216,7 +216,7 @@ std::uint64_t SweepTwoFloats(std::uint32_t inStep)
     return digest.Value();
 }
 
-// Their arguments, without the flags.
+// Encodes the two flags in the level.
 inline void PolarOfRgb(void (*inConvert)(float, float, float, float&, float&, float&, bool*, bool*), float r, float g,
                        float b, float& h, float& s, float& l)
 {

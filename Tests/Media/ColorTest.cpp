@@ -1,4 +1,4 @@
-// The colour functions: what is stored, what is left alone, and the ends of the ranges.
+// The colour functions: stored outputs, unchanged outputs, and the ends of the ranges.
 #include <ORLColor.h>
 
 #include <algorithm>

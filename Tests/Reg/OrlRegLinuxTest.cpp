@@ -1,4 +1,4 @@
-// orl reg on stores that are damaged, full, read-only or not there.
+// orl reg on stores that are damaged, full, read-only or missing.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <UnprivilegedLinux.h>
@@ -38,7 +38,7 @@ protected:
 
     static bool Works(const std::vector<std::string>& inArguments) { return Orl(inArguments).mExitCode == 0; }
 
-    // The output of the shell's command, errors included, and its exit code in a last line.
+    // Returns the output of a shell command, errors included, and its exit code on the last line.
     std::string Shell(const std::string& inCommand) const
     {
         const std::string file = (mFiles.Host() / "output").string();
@@ -93,7 +93,7 @@ TEST_F(OrlRegStores, LinkInTheStoresPlace_IsReportedAndLeftAlone)
     EXPECT_EQ(1, Orl({"set", kKey, "n", "w"}).mExitCode);
 }
 
-// A file that may not grow is what a full disk is to a writer.
+// A limit on the file size has the same effect as a full disk.
 TEST_F(OrlRegStores, StoreThatCannotGrow_FailsClearlyAndLosesNothing)
 {
     ASSERT_TRUE(Works({"set", kKey, "n", "v"}));

@@ -1,4 +1,4 @@
-// orl reg as a user meets it.
+// orl reg from its command line.
 #include <OwnHost.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
@@ -33,7 +33,7 @@ protected:
         return RunBesideThisProgram("orl", inArguments);
     }
 
-    // The output of a command that must work and say nothing on standard error.
+    // Returns the output of a command, and expects success without a message on standard error.
     static std::string Output(const std::vector<std::string>& inArguments)
     {
         const ProcessResult result = Orl(inArguments);
@@ -42,7 +42,7 @@ protected:
         return result.mOutput;
     }
 
-    // The one line of a command that must fail.
+    // Returns the error line of a command, and expects the command to fail.
     static std::string Error(const std::vector<std::string>& inArguments, int inExitCode = 1)
     {
         const ProcessResult result = Orl(inArguments);
@@ -265,7 +265,7 @@ TEST_F(OrlReg, ExportAndImport_ComeBackToTheByte)
     EXPECT_EQ("", Output({"import", first}));
     EXPECT_EQ("", Output({"export", mKey, second}));
     EXPECT_EQ(bytes, BytesOf(second));
-    EXPECT_EQ("", Output({"export", mKey, second})); // over an earlier file
+    EXPECT_EQ("", Output({"export", mKey, second})); // replaces an existing file
     EXPECT_EQ(bytes, BytesOf(second));
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(mFolder.Host()), {}));
 }

@@ -1,4 +1,4 @@
-// The registry text format: what is read, what is refused and in which line, and how it is written.
+// The registry text format: the forms it accepts, the invalid lines it reports, and the text it writes.
 #include "../../Fuzz/RegFileFuzzTarget.h"
 
 #include <Reg/RegFile.h>
@@ -27,7 +27,7 @@ std::string InKey(const std::string& inLines)
     return kHeader + std::string("\r\n[HKEY_CURRENT_USER\\Software\\A]\r\n") + inLines;
 }
 
-// What a file with one key does to it, behind the creation of the key.
+// Returns the changes of a file with one key, without the creation of the key.
 std::vector<RegistryEdit> EditsInKey(const std::string& inLines)
 {
     std::vector<RegistryEdit> edits = ReadRegFile(InKey(inLines));
@@ -46,7 +46,7 @@ RegistryValue ValueInKey(const std::string& inLines)
     return edits[0].mValue;
 }
 
-// "line: message", or "read" if nothing is wrong.
+// Returns "line: message", or "read" for a valid file.
 std::string FaultOf(const std::string& inBytes)
 {
     try {
@@ -294,7 +294,7 @@ TEST(RegFileWriting, LongData_GoesOnInLinesOfEightyCharacters)
     std::size_t column = 0;
     for (const unsigned short unit : text) {
         column = unit == '\n' ? 0 : column + 1;
-        EXPECT_LE(column, 81u); // the line's CR included
+        EXPECT_LE(column, 81u); // including the CR of the line
     }
     EXPECT_EQ(std::vector<unsigned char>(100, 0xCD), ReadRegFile(EncodeRegFile(text))[1].mValue.mData);
 }
@@ -337,7 +337,7 @@ TEST(RegFileRoundTrip, RandomKeysAndValues_ComeBackToTheUnit)
             for (unsigned left = below(20); left != 0; --left) {
                 value.mName.push_back(static_cast<unsigned short>(1 + below(below(2) == 0 ? 0x7F : 0xFFFF)));
             }
-            value.mName.push_back(static_cast<unsigned short>('0' + i)); // unlike the others
+            value.mName.push_back(static_cast<unsigned short>('0' + i)); // makes the name unique
             const unsigned types[] = {1, 1, 2, 3, 4, 7, 11, below(20)};
             value.mType = types[below(8)];
             value.mData.resize(value.mType == 4 && below(2) == 0 ? 4 : below(60));
@@ -382,7 +382,7 @@ TEST(RegFileFuzzReplay, EveryInputOfTheCorpus_Holds)
     EXPECT_GE(count, 38u) << "the corpus is there";
 }
 
-// Every file cut at every byte, and with every byte changed.
+// Every file is cut at every byte, and read with every byte changed.
 TEST(RegFileFuzzReplay, CutAndChangedFiles_Hold)
 {
     const std::string file = EncodeRegFile(

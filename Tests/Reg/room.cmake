@@ -1,4 +1,4 @@
-# orl reg, and what it is made of.
+# Tests of orl reg and its parts.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 file(GLOB reg_files CONFIGURE_DEPENDS "${orl_folder}/Reg/RegFile*.cpp")
 target_sources(${room_target} PRIVATE ${reg_files} "${orl_folder}/Reg/RegKeyName.cpp"

@@ -1,4 +1,4 @@
-// What the library's own dialogs say, in each language.
+// The texts of the library's own dialogs in each language.
 #pragma once
 
 #include <Resources/DialogTemplate.h>
@@ -99,12 +99,12 @@ inline void ExpectIcon(const ORL::Resources::Dialog& inDialog)
     const ORL::Resources::DialogItem* const item = FindItem(inDialog, 14100);
     ASSERT_NE(nullptr, item);
     EXPECT_EQ(kStaticClass, item->mClass.mNumber);
-    EXPECT_EQ(3u, item->mStyle & 0x1F); // it shows an icon
+    EXPECT_EQ(3u, item->mStyle & 0x1F); // the style shows an icon
     EXPECT_TRUE(item->mTitle.mIsNumber);
     EXPECT_EQ(14000, item->mTitle.mNumber);
 }
 
-/// Dialog 14400 in that language, from the bytes of its template.
+/// Compares the template of dialog 14400 with the texts of one language.
 inline void ExpectEventDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
     ORL::Resources::Dialog dialog;
@@ -119,13 +119,13 @@ inline void ExpectEventDialog(const ORL::Resources::Bytes& inTemplate, const Dia
     EXPECT_EQ(0u, FindItem(dialog, 14250)->mStyle & 4);
     ExpectItem(dialog, 14251, kEditClass, UTF16String());
     ExpectSize(dialog, 14251, 294, 157);
-    EXPECT_EQ(4u, FindItem(dialog, 14251)->mStyle & 4); // many lines
+    EXPECT_EQ(4u, FindItem(dialog, 14251)->mStyle & 4); // multi-line
     for (unsigned int i = 0; i < 5; ++i) {
         ExpectItem(dialog, 14200 + i, kButtonClass, TextFrom(inTexts.mButtons[i]));
     }
 }
 
-/// Dialog 14401 likewise.
+/// Compares the template of dialog 14401 with the texts of one language.
 inline void ExpectErrorDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
     ORL::Resources::Dialog dialog;

@@ -1,4 +1,4 @@
-// The library's icon and dialogs, read out of its file with the readers of resources.
+// The library's icon and dialogs, read from its file with the resource readers.
 #include "LibraryDialogs.h"
 #include "PlugIns.h"
 

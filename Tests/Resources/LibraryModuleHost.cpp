@@ -1,4 +1,4 @@
-// A host with a static object that uses the library's own module from before main to behind it.
+// A host whose static object uses the library's own module before main begins and after it returns.
 #include <ORLHostSettings.h>
 #include <ORLModule.h>
 #include <ORLString.h>
@@ -28,7 +28,7 @@ struct Watcher
 
 const Watcher sWatcher;
 
-// Type, name and size of what the library's own module answers with.
+// Prints language, type and name of a resource, and whether the library's own module has it.
 void ReportResource(unsigned short inLanguage, unsigned short inType, unsigned short inName)
 {
     ORL::SetLanguageID(inLanguage);

@@ -11,7 +11,7 @@ using namespace ORLTest;
 
 namespace {
 
-// A menu on lines of its own: text, identifier, flags; submenus in braces.
+// Returns a menu as text, one item per line: text, identifier, flags; submenus in braces.
 std::string Drawn(HMENU inMenu)
 {
     std::string drawing;
@@ -100,16 +100,16 @@ TEST(Cursor, OfEachDepth)
         std::vector<std::uint32_t> mPixels;
     };
     const Row kRows[] = {
-        // four bits; the fourth pixel's mask is set
+        // 4 bits; the mask of the fourth pixel is set
         {__LINE__, 3, 0,
          {0xFF101010, 0xFF202020, 0xFF303030, 0xFF000000, 0xFF505050, 0xFF606060, 0xFF707070, 0xFF808080}},
-        // eight bits; the mask of the fifth pixel is set
+        // 8 bits; the mask of the fifth pixel is set
         {__LINE__, 4, 0,
          {0xFF0000FF, 0xFF0100FE, 0xFF0200FD, 0xFFFF0000, 0xFF000000, 0xFF1400EB, 0xFF1E00E1, 0xFF2800D7}},
         // 24 bits
         {__LINE__, 5, 3,
          {0xFF020100, 0xFF050403, 0xFF080706, 0xFF0B0A09, 0xFF666564, 0xFF696867, 0xFF6C6B6A, 0xFF6F6E6D}},
-        // 32 bits, whose alpha counts and not the mask
+        // 32 bits; the alpha channel counts, the mask is ignored
         {__LINE__, 6, 3, {0x80FF0000, 0xFF00FF00, 0x00123456, 0xFFFFFFFF, 1, 2, 3, 0x01000004}},
     };
     const ModulePtr module = LoadPlugIn("resources_lookup");
@@ -129,7 +129,7 @@ TEST(Cursor, OfEachDepth)
     }
 }
 
-// A cut picture, or one that is larger than any pointer, is none.
+// An incomplete cursor is refused.
 TEST(Cursor, CutAtEachLength_IsRefused)
 {
     const ModulePtr module = LoadPlugIn("resources_lookup");

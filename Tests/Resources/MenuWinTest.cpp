@@ -1,4 +1,4 @@
-// Menus and cursors are the system's own.
+// Menus and cursors are handles of Windows itself.
 #include "PlugIns.h"
 
 #include <windows.h>

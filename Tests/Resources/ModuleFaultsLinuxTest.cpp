@@ -1,4 +1,4 @@
-// Each system call of a load fails once, and the module is unloaded or not loaded, never half.
+// Each system call of a load fails once. Afterwards the module is either loaded or not, never half.
 #include "PlugIns.h"
 
 #include <FaultySystemCallsLinux.h>

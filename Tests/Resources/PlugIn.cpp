@@ -1,4 +1,4 @@
-// A plug-in whose resources and functions the tests ask for. It is linked to nothing of ours.
+// A plug-in with the resources and functions for the tests. It does not link to the library.
 #if defined(_WIN32)
 #define PLUG_IN_EXPORT extern "C" __declspec(dllexport)
 #else

@@ -1,4 +1,4 @@
-// The modules with resources that were built beside the tests.
+// The modules with resources that are built for the tests.
 #pragma once
 
 #include <ProcessRunner.h>
@@ -16,7 +16,7 @@ namespace ORLTest {
 
 using ModulePtr = ORL::ObjectPtr<ORL::Module, ORL::AtomicValue>;
 
-/// While it lives, localised lookups ask for this language.
+/// Localised lookups use this language during its lifetime.
 class LanguageScope
 {
 public:
@@ -32,10 +32,10 @@ private:
     const unsigned short mEarlier;
 };
 
-/// How often the platform was asked for the path of a module.
+/// Returns the number of times that the library queried the path of a module.
 unsigned int CountOfPathQueries();
 
-/// The host path of a file beside this program.
+/// Returns the host path of a file in this program's folder.
 inline std::string FileBeside(const std::string& inName)
 {
     return FolderOfThisProgram() + inName;
@@ -63,13 +63,13 @@ inline ModulePtr LoadPlugIn(const std::string& inName)
     return LoadModule(PlugInFile(inName));
 }
 
-/// The data of a lookup as text; "-" for none.
+/// Returns the data of a lookup as text, or "-" if nothing was found.
 inline std::string TextOf(const void* inData, int inSize)
 {
     return inData != nullptr ? std::string(static_cast<const char*>(inData), static_cast<std::size_t>(inSize)) : "-";
 }
 
-/// The data that inLookup returns, as text. It stores the size where it is told to.
+/// Returns the data that inLookup finds, as text. inLookup stores the size of the data in its argument.
 template <class Lookup>
 std::string AnswerOf(const Lookup& inLookup)
 {

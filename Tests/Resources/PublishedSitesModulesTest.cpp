@@ -1,5 +1,5 @@
-// The sites of modules and string tables. "length > 0" of StringUtils, line 449, cannot fail: a text of length 0 is
-// missing.
+// The check sites of modules and string tables. The check "length > 0" of StringUtils, line 449, cannot fail, because a
+// text of length 0 counts as missing.
 #include "../Foundation/PublishedSites.h"
 #include "PlugIns.h"
 
@@ -85,7 +85,7 @@ void FailToLoadEnglish()
     EXPECT_EQ(5, size);
 }
 
-// The library cannot make its own module, and the host goes on without it.
+// The library cannot create its own module; the host continues without it.
 void LoadLibraryWithoutMemory()
 {
     sFailsToOpen = true;
@@ -95,7 +95,7 @@ void LoadLibraryWithoutMemory()
     OnLibraryUnload();
 }
 
-// One block in American English alone.
+// One block that exists in American English only.
 class EnglishBlock : public ResourceCollection
 {
 public:
@@ -168,7 +168,7 @@ TEST(PublishedSites, OfModulesAndStringTables_AreReportedAsPublished)
     ExpectPublished(kSites);
 }
 
-// The lookup before it reports, too.
+// The lookup before the check reports too.
 TEST(PublishedSites, OfAMissingMenu_IsReportedAsPublished)
 {
     const CheckRecorder recorder;

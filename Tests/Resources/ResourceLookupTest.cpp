@@ -1,4 +1,4 @@
-// Which language answers. The table holds what the home platform's own calls answer for an American user.
+// The language that a lookup finds. The table holds the results of the Windows functions for an American user.
 #include "PlugIns.h"
 
 #include <CheckRecorder.h>
@@ -23,10 +23,10 @@ const unsigned short kAsked[] = {0,    1033, 1031, 1036, 1040, 1041, 1034, 1043,
                                  1029, 1042, 1045, 1046, 1049, 1055, 2052, 1028};
 
 // One row for each set of languages that a resource has: 1 American English, 2 neutral, 4 German, 8 Japanese. One
-// column for each language that is asked for.
+// column for each requested language.
 struct Row
 {
-    const char* mNeutral; // which is also what the platform chooses by itself
+    const char* mNeutral; // also the default choice of Windows
     const char* mEnglish;
     const char* mGerman;
     const char* mJapanese;
@@ -74,7 +74,7 @@ const char* AnswerTo(const Row& inRow, unsigned short inAsked)
     }
 }
 
-// A localised lookup asks for the language and then for the neutral one.
+// A localised lookup tries the language first, then the neutral one.
 std::string LocalizedAnswerTo(const Row& inRow, unsigned short inAsked)
 {
     const std::string answer = AnswerTo(inRow, inAsked);
@@ -83,7 +83,7 @@ std::string LocalizedAnswerTo(const Row& inRow, unsigned short inAsked)
 
 using Lookup = void* (Module::*)(const unsigned short*, const unsigned short*, int&) const;
 
-// The answer of a lookup, and "!" for each check that fired.
+// Returns the result of a lookup, and one "!" for each failed check.
 std::string Ask(const Module& inModule, Lookup inLookup, unsigned short inID)
 {
     const CheckRecorder recorder;

@@ -1,5 +1,5 @@
-// The readers of files that somebody has damaged, or written to do harm. The bytes stand in memory of exactly their
-// size, so that a sanitizer sees a step too far.
+// The readers of resource files, given damaged or malicious files. Each file is in memory of exactly its size, so that
+// a sanitizer detects an access outside it.
 #include "../../Fuzz/ResourceFuzzTarget.h"
 #include "PlugIns.h"
 
@@ -46,7 +46,7 @@ void ExpectSafe(const Kind& inKind, const unsigned char* inData, std::size_t inS
     ASSERT_EQ(nullptr, fault) << inKind.mFile << ", " << inWhat << ": " << fault;
 }
 
-// Bytes written one after the other.
+// Collects numbers and texts as bytes.
 class Writer
 {
 public:
@@ -68,7 +68,7 @@ public:
 
 constexpr std::uint32_t kSectionAddress = 0x1000;
 
-// A module of one section, which begins with the resource directory.
+// Returns a module with one section, which begins with the resource directory.
 Contents MakeModule(const Contents& inSection)
 {
     Writer file;
@@ -170,7 +170,7 @@ TEST(ResourceReaders, DirectoryThatLeadsToItself_Ends)
     EXPECT_TRUE(index.Entries().empty());
 }
 
-// Each of many entries leads to the same table of as many: without a limit the walk would take the cube of their
+// Each of many entries leads to the same table of many entries. Without a limit the walk would visit the cube of their
 // number.
 TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
 {
@@ -184,7 +184,7 @@ TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
     EXPECT_EQ(ReadOutcome::kPartial, ReadModule(section.mBytes, index));
 }
 
-// Each of many entries has the same long name: without a limit its copies would fill the memory.
+// Each of many entries has the same long name. Without a limit its copies would exhaust memory.
 TEST(ResourceReaders, EntriesThatShareOneLongName_TakeNoMoreMemoryThanTheFile)
 {
     constexpr std::uint16_t kCount = 20000;
@@ -219,7 +219,7 @@ TEST(ResourceReaders, NamesAndDataOutsideOfTheSection_AreLeftOut)
         {__LINE__, 7, 0x80000018, kSectionAddress - 1, 4, 0},
         {__LINE__, 7, 0x18, kSectionAddress + 88, 4, 0}, // data where a table belongs
         {__LINE__, 7, 0xFFFFFFFF, kSectionAddress + 88, 4, 0},
-        {__LINE__, 0x80000059, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that begins behind the end
+        {__LINE__, 0x80000059, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that begins beyond the end
         {__LINE__, 0x80000058, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that is longer than the section
         {__LINE__, 0x10007, 0x80000018, kSectionAddress + 88, 4, 0},    // a number of more than 16 bits
     };
@@ -290,7 +290,7 @@ TEST(ResourceReaders, OfAnEmptyIndex_NothingIsFound)
 
 TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
 {
-    // Present languages of one resource, in any order, and what answers; 0xFFFF for nothing.
+    // Languages of one resource in any order, and the one that is found; 0xFFFF if none.
     struct Row
     {
         int mLine;
@@ -300,14 +300,14 @@ TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
         unsigned short mAnswer;
     };
     const Row kRows[] = {
-        {__LINE__, {7}, 0x0407, 1033, 7},      // the neutral sublanguage serves
+        {__LINE__, {7}, 0x0407, 1033, 7},      // found for each sublanguage
         {__LINE__, {7}, 0x0C07, 1033, 7},      //
-        {__LINE__, {0x0407}, 7, 1033, 0xFFFF}, // and is not served by the others
+        {__LINE__, {0x0407}, 7, 1033, 0xFFFF}, // but a sublanguage is not found for the neutral one
         {__LINE__, {0x0807}, 0x0407, 1033, 0xFFFF},
         {__LINE__, {7, 0x0407}, 0x0407, 1033, 0x0407},
         {__LINE__, {9, 0x040C}, 0x0809, 1033, 9},
-        {__LINE__, {9, 0x040C}, 0, 1033, 9},           // the user's, by its neutral sublanguage
-        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the first there is
+        {__LINE__, {9, 0x040C}, 0, 1033, 9},           // the neutral form of the user's language
+        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the first one
         {__LINE__, {0x0407, 0x040C}, 0, 0x040C, 0x040C},
         {__LINE__, {0x0409, 0x0407}, 0, 0x040C, 0x0409},
         {__LINE__, {0x0400}, 0, 1033, 0x0400},

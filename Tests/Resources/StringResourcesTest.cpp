@@ -19,7 +19,7 @@ constexpr unsigned short kJapanese = 1041;
 
 using Block = std::vector<unsigned short>;
 
-// A block with texts at the positions given.
+// Returns a block with texts at the given positions.
 Block MakeBlock(const std::map<unsigned int, std::u16string>& inTexts)
 {
     Block block;
@@ -32,14 +32,14 @@ Block MakeBlock(const std::map<unsigned int, std::u16string>& inTexts)
     return block;
 }
 
-// A collection of string tables alone, which keeps what was asked for.
+// A collection that has only string tables, and records the requested blocks.
 class Tables : public ResourceCollection
 {
 public:
     std::map<unsigned short, Block> mLocalized;
     std::map<unsigned short, Block> mEnglish;
-    int mBytesCut = 0;                        // from the end of each block
-    mutable std::vector<unsigned int> mAsked; // block numbers, those of American English with 0x10000
+    int mBytesCut = 0;                        // removed from the end of each block
+    mutable std::vector<unsigned int> mAsked; // block numbers; 0x10000 is added for American English
 
     void* FindLocalizedResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const override
     {
@@ -166,14 +166,14 @@ TEST(StringResources, LoadStdString_EndsAtTheFirstZero)
     EXPECT_EQ(u8"Gr\u00FC\u00DFe \U0001F3AC", LoadStdString(tables, 1));
 }
 
-// A block that ends before its sixteenth entry, or inside of one, must not lead out of its bytes.
+// Reading a block that ends before or inside one of its sixteen entries must not access bytes outside it.
 TEST(StringResources, CutBlock_IsReportedAndGivesNothing)
 {
     const Block whole = MakeBlock({{0, u"zero"}, {2, u"two"}, {15, u"fifteen"}});
     for (int cut = 1; cut < static_cast<int>(2 * whole.size()); ++cut) {
         for (const unsigned int id : {0u, 1u, 2u, 15u}) {
             Tables tables;
-            // In memory of its own, so that a sanitizer sees a step too far.
+            // In memory of exactly its size, so that a sanitizer detects an access outside it.
             tables.mLocalized[1] = Block(whole.begin(), whole.end() - (cut + 1) / 2 + cut % 2);
             tables.mBytesCut = cut % 2;
             tables.mEnglish[1] = MakeBlock({{1, u"one"}});
@@ -216,8 +216,8 @@ TEST(StringResources, OfAPlugIn_InEachLanguage)
         {__LINE__, kGerman, 0, "null"},
         {__LINE__, kGerman, 1, u8"Gr\u00FC\u00DFe"},
         {__LINE__, kGerman, 31, u8"einunddrei\u00DFig"},
-        {__LINE__, kGerman, 40, "forty, in American English alone"}, // a block that German does not have
-        {__LINE__, kGerman, 65, "only English has this text"},       // a block that German has, without this text
+        {__LINE__, kGerman, 40, "forty, in American English alone"}, // German lacks the block
+        {__LINE__, kGerman, 65, "only English has this text"},       // German has the block, but not this text
         {__LINE__, kJapanese, 1, u8"\u3053\u3093\u306B\u3061\u306F"},
         {__LINE__, kJapanese, 2, u8"\U0001F3AC"},
         {__LINE__, kJapanese, 15, "fifteen"},

@@ -1,4 +1,4 @@
-# Two plug-ins with resources, as a plug-in author makes them.
+# Two plug-ins with resources, built the way a plug-in author builds them.
 foreach(module Lookup Twin)
   string(TOLOWER ${module} name)
   add_library(resources_${name} MODULE Resources/PlugIn.cpp)
@@ -10,7 +10,7 @@ foreach(module Lookup Twin)
 endforeach()
 target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")
 
-# The same resources as a compiled file and as a Windows module, which every platform reads.
+# The same resources as a compiled file and as a Windows module. Every platform reads both.
 set(lookup_res "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup.res")
 set(lookup_dll "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup_windows.dll")
 find_program(ORL_WINDOWS_LINKER x86_64-w64-mingw32-ld REQUIRED)
@@ -24,7 +24,7 @@ add_custom_command(OUTPUT "${lookup_res}" "${lookup_dll}"
 add_custom_target(resource_files DEPENDS "${lookup_res}" "${lookup_dll}")
 add_dependencies(${room_target} resource_files)
 
-# The linker redirects these platform functions to the tests, which count the calls and make them fail.
+# The linker redirects these platform functions to the tests, which count the calls or make them fail.
 foreach(symbol
     _ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pt$<IF:$<BOOL:${WIN32}>,y,m>
     _ZN3ORL7Modules8Platform17LoadResource_ImplERKNS1_6SourceEPKvRi
@@ -32,14 +32,14 @@ foreach(symbol
   target_link_options(${room_target} PRIVATE "-Wl,--wrap=${symbol}")
 endforeach()
 
-# A host with static objects, linked to the shared libraries as hosts are.
+# A host with static objects, linked to the shared libraries like any host.
 add_executable(library_module_host Resources/LibraryModuleHost.cpp)
 target_link_libraries(library_module_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} library_module_host)
 if(WIN32)
   target_compile_definitions(${room_target} PRIVATE ORL_NO_LINUX_MODULE)
 else()
-  # What other programs find in the same module.
+  # Compares the results with those of other programs for the same module.
   find_program(ORL_WRESTOOL wrestool REQUIRED)
   find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED) # the one that has pefile's package
   add_test(NAME Resources.Oracles.PefileAndWrestoolFindTheSame
@@ -48,6 +48,6 @@ else()
   set_tests_properties(Resources.Oracles.PefileAndWrestoolFindTheSame PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 endif()
 
-# The library's own resources stand in its shared library.
+# The library's own resources are in its shared library.
 target_compile_definitions(${room_target} PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\"")
 add_dependencies(${room_target} ORLFoundation)

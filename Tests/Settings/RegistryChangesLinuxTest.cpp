@@ -1,4 +1,4 @@
-// Processes that tell each other of changes, also when somebody deletes the page through which they do.
+// Processes that notify each other of changes, even if the shared page of notifications is deleted.
 #include "RegistryPlace.h"
 
 #include <ProcessRunner.h>
@@ -30,7 +30,7 @@ protected:
         return value;
     }
 
-    // Another process sets the value to 2.
+    // Sets the value to 2 in another process.
     void WriteElsewhere() const
     {
         const std::string ledger = mPlace.Folder() + "/ledger";
@@ -64,7 +64,7 @@ TEST_F(RegistryChanges, PageDeletedBeforeAWriteHere_IsMadeAnew)
     EXPECT_EQ(2u, Read());
 }
 
-// A full page of changes that nobody here has read yet, by way of values which this process has in memory.
+// The other process fills the page with changes of values that this process has cached.
 TEST_F(RegistryChanges, MoreChangesThanThePageHolds_AreAllSeen)
 {
     constexpr unsigned kCount = 400;
@@ -82,7 +82,7 @@ TEST_F(RegistryChanges, MoreChangesThanThePageHolds_AreAllSeen)
     }
 }
 
-// A second copy of the library in the same process, as a plug-in may bring it along. It stays loaded.
+// A plug-in may bring its own copy of the library into the process. It stays loaded.
 TEST_F(RegistryChanges, SecondLibraryInTheProcess_SharesTheStore)
 {
     void* const guest = ::dlopen((FolderOfThisProgram() + "registry_guest.so").c_str(), RTLD_NOW | RTLD_LOCAL);

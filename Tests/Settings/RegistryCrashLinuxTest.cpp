@@ -1,5 +1,5 @@
-// A process that is killed before each of its system calls, in turn: what it has acknowledged is there, and what it has
-// not is there as a whole or not at all.
+// Kills a process before each of its system calls in turn. An acknowledged change is in the store; a change that was
+// not acknowledged is there completely or not at all.
 #include "RegistryPlace.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
@@ -26,7 +26,7 @@ constexpr auto kUser = RegistryRootKeys::kUser;
 
 enum class Found { kOld, kNew, kBroken };
 
-// Each part takes every fourth call, so that none of them takes long on a busy machine.
+// Each part covers every fourth call, so that every test is short on a busy machine.
 constexpr int kParts = 4;
 
 class RegistryCrash : public RegistryTest, public testing::WithParamInterface<int>
@@ -45,8 +45,8 @@ protected:
         fs::copy(mPlace.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
     }
 
-    // Kills a program before one of its counted calls after the other, until it runs through. It adds to the ledger, if
-    // it has one, once its change has been acknowledged.
+    // Runs a program again and again, killed before its first, second, ... counted call, until it runs to the end. A
+    // program with a ledger writes a line after its change has been acknowledged.
     void Sweep(const std::vector<std::string>& inCommand, const std::function<Found()>& inLook)
     {
         const std::string& step = inCommand[2];

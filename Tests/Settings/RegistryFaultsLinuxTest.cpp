@@ -1,5 +1,5 @@
-// Each system call and each allocation below the store fails once: nothing that was acknowledged is lost, nothing hangs, and
-// the store stays whole.
+// Each system call and each allocation below the store fails once. No acknowledged change is lost, no call hangs, and
+// the store stays intact.
 #include "RegistryPlace.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -25,13 +25,13 @@ namespace {
 constexpr auto kUser = RegistryRootKeys::kUser;
 constexpr auto kAll = static_cast<RegistryKeyAccess::Type>(0);
 
-// SQLite makes its system calls through a table of its own, in which these stand while a fault is armed.
+// SQLite calls the system through its own table. While a fault is armed, the table holds the wrappers below.
 struct SqliteFault
 {
-    unsigned mCountdown = 0; // 1 for the next call; 0 for none
+    unsigned mCountdown = 0; // 1 fails the next call, 0 none
     int mErrno = 0;
     unsigned mCalls = 0;
-    bool mWritesAlone = false; // only calls that write are counted and fail
+    bool mWritesAlone = false; // counts and fails only calls that write
 
     bool Hits(bool inWrites = false)
     {
@@ -79,12 +79,12 @@ int FaultyFcntl(int inFile, int inCommand, ...)
     va_start(list, inCommand);
     void* const argument = va_arg(list, void*);
     va_end(list);
-    // Giving a lock back does not fail on any system, and the database waits long for a lock that seems to be kept.
+    // Releasing a lock never fails on any system, and the database would wait long for a lock that seems to be held.
     const bool isUnlock = inCommand == F_SETLK && static_cast<struct flock*>(argument)->l_type == F_UNLCK;
     return !isUnlock && sFault.Hits() ? -1 : ::fcntl(inFile, inCommand, argument);
 }
 
-/// SQLite's calls go through the fault while this lives.
+/// Routes SQLite's system calls through the fault during its lifetime.
 struct FaultySqlite
 {
     FaultySqlite()
@@ -109,7 +109,7 @@ struct FaultySqlite
     }
 };
 
-// Each part takes every fourth call, so that none of them takes long on a busy machine.
+// Each part covers every fourth call, so that every test is short on a busy machine.
 constexpr unsigned kParts = 4;
 
 class RegistryFaults : public RegistryTest
@@ -122,7 +122,7 @@ protected:
         ReleaseStores();
     }
 
-    // What a process does from its first use of the store on; notes what was acknowledged.
+    // Uses the store like a process from its first call on, and notes which changes were acknowledged.
     void Work(unsigned inRound)
     {
         mWritten = mCreated = mDeleted = false;
@@ -142,7 +142,7 @@ protected:
 
     void ExpectAcknowledged(unsigned inRound)
     {
-        for (int pass = 0; pass < 2; ++pass) { // from what is in memory, and from the disk
+        for (int pass = 0; pass < 2; ++pass) { // first from the cache, then from the disk
             unsigned value = 0;
             RegistryKey key;
             ASSERT_EQ(kSuccess, key.Open(kUser, mPath, kAll));
@@ -223,7 +223,7 @@ TEST_P(RegistryFaultParts, EachSystemCallOfTheDatabase_FailsOnce)
     }
 }
 
-// A disk that is full from some call on: each write fails, and what is there can be read.
+// On a full disk every write fails, and stored values can still be read.
 TEST_F(RegistryFaults, FullDisk_RefusesEachWriteAndLosesNothing)
 {
     RegistryKey key;
@@ -251,7 +251,7 @@ TEST_F(RegistryFaults, FullDisk_RefusesEachWriteAndLosesNothing)
 
 namespace {
 
-// SQLite's memory. The counter is armed for one allocation.
+// SQLite's allocator. The countdown fails one allocation.
 sqlite3_mem_methods sMemory;
 unsigned sAllocationCountdown = 0;
 unsigned sAllocations = 0;

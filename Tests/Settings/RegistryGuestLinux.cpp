@@ -1,4 +1,4 @@
-// A module that is linked to the shared libraries, for a process that has the library in itself.
+// A module linked to the shared libraries, for a process that contains another copy of the library.
 #include <ORLHostSettings.h>
 #include <ORLRegistryKey.h>
 #include <ORLString.h>
@@ -23,7 +23,7 @@ GUEST_EXPORT unsigned ReadAsGuest(const char* inPath)
     return value;
 }
 
-// The address of something that each library has one of.
+// Returns the address of a variable that exists once in each copy of the library.
 GUEST_EXPORT const void* GuestsLanguage()
 {
     return &ORL::Internal::sLanguageID;

@@ -1,5 +1,5 @@
-// This system has no transactions that the registry could join: each call that needs one fails as the home platform's
-// does where its function is missing.
+// Linux has no transactions for the registry. Each call that needs one fails as it does on a Windows version without
+// the transaction function.
 #include "RegistryPlace.h"
 
 #include <RegistryHandle.h>

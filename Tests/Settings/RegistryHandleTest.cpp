@@ -1,4 +1,4 @@
-// Handles that are bound to a transaction manager, which no key of the library has.
+// Handles with a transaction manager, which the library's own keys never have.
 #include "RegistryPlace.h"
 
 #include <RegistryHandle.h>

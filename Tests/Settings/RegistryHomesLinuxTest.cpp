@@ -1,4 +1,5 @@
-// Homes that are missing, read-only or somebody else's, children of fork, and file systems without shared memory.
+// Home folders that are missing, read-only or owned by another user, children of fork, and file systems without shared
+// memory.
 #include "RegistryPlace.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -44,7 +45,7 @@ Result Write(unsigned inValue, RegistryRootKeys::Type inRoot = kUser)
     return ResultSucceeded(created) ? key.SetUInt32Value(MakeString("n"), inValue) : created;
 }
 
-// 0 where there is none.
+// Returns 0 if the value is missing.
 unsigned Read(RegistryRootKeys::Type inRoot = kUser)
 {
     RegistryKey key;
@@ -70,7 +71,7 @@ protected:
     const RegistryPlace mPlace;
 };
 
-// Runs in a child of fork; true if it is.
+// Runs inWork in a child of fork, and returns its result.
 bool InChild(const std::function<bool()>& inWork)
 {
     const pid_t child = ::fork();
@@ -166,7 +167,7 @@ TEST_F(RegistryHomes, ReadOnlyHomeWithoutAStore_RefusesEachWrite)
     ::chmod(Home().c_str(), 0700);
 }
 
-// rm01: an ordinary user reads the machine's settings, and changes none.
+// Record rm01: an ordinary user can read the machine's settings but not change them.
 TEST_F(RegistryHomes, MachinesStore_IsReadByAllAndWrittenByItsOwner)
 {
     if (::geteuid() != 0) {
@@ -217,7 +218,7 @@ TEST_F(RegistryHomes, ChildOfFork_HasAConnectionOfItsOwn)
     EXPECT_TRUE(RegistryStore::Check(kUser).mIsWhole);
 }
 
-// The fork waits for the threads that are at work on the store, so that the child can use it.
+// fork waits until other threads have left the store, so that the child can use it.
 TEST_F(RegistryHomes, ForkBesideThreadsAtWork_LeavesAStoreThatWorks)
 {
     ASSERT_EQ(kSuccess, Write(1));
@@ -243,7 +244,7 @@ TEST_F(RegistryHomes, ForkBesideThreadsAtWork_LeavesAStoreThatWorks)
     EXPECT_TRUE(RegistryStore::Check(kUser).mIsWhole);
 }
 
-// Without shared memory each read asks the database.
+// Without shared memory every read queries the database.
 TEST_F(RegistryHomes, FileSystemWithoutSharedMemory_IsAskedAtEachRead)
 {
     FaultySystemCalls calls;
@@ -270,7 +271,7 @@ TEST_F(RegistryHomes, DatabaseRemovedUnderneath_IsNoticedByTheNextWriteAndMadeAn
 {
     ASSERT_EQ(kSuccess, Write(1));
     fs::remove_all(File().parent_path());
-    Write(2); // its key may still be found in memory, and is gone with the database
+    Write(2); // may still use the cached key, which is gone with the database
     EXPECT_EQ(kSuccess, Write(2)) << "into the file that the name leads to";
     ReleaseStores();
     EXPECT_EQ(2u, Read());

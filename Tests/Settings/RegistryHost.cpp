@@ -1,7 +1,7 @@
-// A second process that works on the registry beside the tests. It uses the public headers alone, and ends without a
-// stop of the library.
+// A second process that works on the registry at the same time as the tests. It uses only public headers, and exits
+// without stopping the library.
 //   registry_host model BASE SEED COUNT     random operations, as in RegistryModel
-//   registry_host mix BASE FIRST COUNT N    N threads, each with values of its own, COUNT rounds each
+//   registry_host mix BASE FIRST COUNT N    N threads, each with its own values, COUNT rounds each
 //   registry_host step NAME BASE LEDGER     one change, and a line in the ledger once it has been acknowledged
 //   registry_host fill BASE COUNT VALUE      sets COUNT numbered values
 //   registry_host count BASE NAME            counts a value up until it is killed, and prints what was acknowledged
@@ -22,7 +22,7 @@ namespace {
 
 constexpr auto kUser = RegistryRootKeys::kUser;
 
-// One thread's part: it must always read what it has written last, and what the others write may only grow.
+// The work of one thread. A thread must read back its last write; the values of other threads may only grow.
 bool Mix(const UTF16String& inBase, unsigned inThread, unsigned inCount)
 {
     RegistryKey shared;
@@ -130,8 +130,8 @@ int Fill(const UTF16String& inBase, unsigned inCount, unsigned inValue)
     return isRight ? 0 : 1;
 }
 
-// Prints the number that a value holds, then counts on and prints each number once it has been acknowledged, until it is
-// killed.
+// Prints the value, then increments it again and again and prints each number after its write has been acknowledged,
+// until the process is killed.
 int Count(const UTF16String& inBase, const std::string& inName)
 {
     RegistryKey base;
@@ -159,7 +159,7 @@ int main(int argc, char** argv)
     if (words.at(0) == "model") {
         ORLTest::RegistryModel model(MakeString(words.at(1)));
         for (std::size_t i = 2; i + 1 < words.size(); i += 2) {
-            model.Run(number(i), number(i + 1), i + 3 < words.size()); // all but the last have been done before
+            model.Run(number(i), number(i + 1), i + 3 < words.size()); // earlier turns are replayed on the map only
         }
         return 0;
     }

@@ -1,4 +1,4 @@
-// Databases that something else has written: damaged, of another make, of a newer version, or not where they should be.
+// Databases written by something else: damaged, of another format, of a newer version, or in the wrong place.
 #include "RegistryPlace.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
@@ -38,7 +38,7 @@ void Write(const fs::path& inFile, const std::string& inContents)
 class RegistryHostile : public testing::Test
 {
 protected:
-    // A store with some settings, which nobody has open.
+    // Creates a store with some settings, and closes it.
     RegistryHostile() : mFolder(fs::path(mPlace.Folder()) / "ORLFoundation"), mFile(mFolder / "user.registry")
     {
         RegistryKey key;
@@ -73,7 +73,7 @@ protected:
                && key.GetUInt32Value(MakeString("n"), value) == kSuccess && value == 5;
     }
 
-    // The database counts as damaged: it is kept under another name, and there is a new one.
+    // Expects that the database counted as damaged, was kept under another name and replaced by a new one.
     void ExpectSetAside(const std::string& inContents, const std::string& inReason)
     {
         EXPECT_EQ(kSuccess, TryToWrite());
@@ -86,7 +86,7 @@ protected:
         EXPECT_NE(std::string::npos, state.mSetAside[0].mReason.find(inReason)) << state.mSetAside[0].mReason;
     }
 
-    // The store is left alone, and can be used no more.
+    // Expects that the store is unchanged and every use of it fails.
     void ExpectRefused(const std::string& inProblem)
     {
         EXPECT_EQ(kRegistryFailure, TryToWrite());
@@ -140,7 +140,7 @@ TEST_F(RegistryHostile, DatabaseOfANewerVersion_IsLeftAlone)
     EXPECT_EQ(contents, Contents(mFile));
 }
 
-// The tables decide: a lower number above the same ones is no reason to refuse what can be read.
+// Only the tables matter: an older version number with the same tables is accepted.
 TEST_F(RegistryHostile, DatabaseOfAnOlderVersionWithTheSameTables_IsUsed)
 {
     Run("PRAGMA journal_mode = DELETE; PRAGMA user_version = 0");
@@ -187,7 +187,7 @@ TEST_F(RegistryHostile, FolderThatEverybodyMayWrite_IsRefused)
     EXPECT_EQ(kSuccess, TryToWrite());
 }
 
-// A link on the way is the user's own business.
+// The user may place a link above the store, so it is followed.
 TEST_F(RegistryHostile, LinkOnTheWayToTheFolder_IsFollowed)
 {
     const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";
@@ -197,7 +197,7 @@ TEST_F(RegistryHostile, LinkOnTheWayToTheFolder_IsFollowed)
     EXPECT_TRUE(fs::is_regular_file(elsewhere / "user.registry"));
 }
 
-// Whatever is flipped: no crash, the answers are those of the contract, and the store can be written in the end.
+// With any flipped bytes, nothing crashes, results follow the contract, and the store is writable in the end.
 TEST_F(RegistryHostile, FlippedBytes_AreSurvived)
 {
     const std::string whole = Contents(mFile);
@@ -234,7 +234,7 @@ TEST_F(RegistryHostile, FlippedBytes_AreSurvived)
     EXPECT_LT(5u, noticed);
 }
 
-// Names that no key can be given here.
+// Inserts names that the API refuses.
 TEST_F(RegistryHostile, NameThatIsTooLong_EndsTheListing)
 {
     Run("INSERT INTO keys SELECT 9000, id, CAST(replace(hex(zeroblob(300)), '00', 'NN') AS BLOB), "

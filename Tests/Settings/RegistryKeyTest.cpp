@@ -25,7 +25,7 @@ UTF16String Name(const char* inText)
     return MakeString(inText);
 }
 
-// Stores a value as somebody else may, through the system.
+// Stores a value as another program may, through the system.
 void Store(const UTF16String& inPath, const UTF16String& inName, unsigned inType, const void* inData, unsigned inSize)
 {
     using namespace Registry::Platform;
@@ -203,7 +203,7 @@ TEST_F(RegistryKeyTest, CopiesShareAHandleAndKeepTheirPaths)
     ASSERT_EQ(kSuccess, child.Create(mKey, Name("child")));
     RegistryKey copy(child);
     EXPECT_EQ(Name("child"), copy.GetParentKeyPath());
-    ASSERT_EQ(kSuccess, copy.Open(kUser, mPath, kAll)); // re-targets both
+    ASSERT_EQ(kSuccess, copy.Open(kUser, mPath, kAll)); // both now refer to the new key
     ASSERT_EQ(kSuccess, child.SetUInt32Value(Name("n"), 8));
     EXPECT_EQ(Name("child"), child.GetParentKeyPath());
     unsigned value = 0;
@@ -279,7 +279,7 @@ TEST_F(RegistryKeyTest, BinaryData_ComesBackAsItWas)
     size = 3;
     EXPECT_EQ(kRegistryFailure, mKey.GetBinaryValue(Name("n"), buffer, &size));
     EXPECT_EQ(3u, size);
-    size = 0x500000008u; // the low 32 bits count
+    size = 0x500000008u; // only the low 32 bits count
     EXPECT_EQ(kSuccess, mKey.GetBinaryValue(Name("n"), buffer, &size));
     EXPECT_EQ(4u, size);
     EXPECT_EQ(0, std::memcmp(bytes, buffer, 4));

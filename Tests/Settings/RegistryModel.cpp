@@ -19,7 +19,7 @@ unsigned Pick(std::mt19937& ioRandom, unsigned inCount)
     return static_cast<unsigned>(ioRandom() % inCount);
 }
 
-// The same text in a case of its own for each letter.
+// Chooses the case of each letter at random.
 std::string AnyCase(std::string inText, std::mt19937& ioRandom)
 {
     for (char& letter : inText) {
@@ -98,7 +98,7 @@ bool RegistryModel::Step(std::mt19937& ioRandom, bool inMapOnly)
     return kind < 97 ? DeleteValue(handle, ioRandom, inMapOnly) : Enumerate(handle, inMapOnly);
 }
 
-// Opens or creates another key.
+// Makes a handle refer to another key, which it opens or creates.
 bool RegistryModel::Retarget(Handle& ioHandle, std::mt19937& ioRandom, bool inMapOnly)
 {
     const std::string path = kPaths[Pick(ioRandom, std::size(kPaths))];
@@ -124,7 +124,7 @@ bool RegistryModel::Retarget(Handle& ioHandle, std::mt19937& ioRandom, bool inMa
         return true;
     }
     if (exists || creates) {
-        RegistryKey().Swap(ioHandle.mKey); // the copy of another handle is none of its own
+        RegistryKey().Swap(ioHandle.mKey); // detaches copies of the key in other handles
     }
     constexpr auto kAll = static_cast<RegistryKeyAccess::Type>(0);
     const Result result = creates ? ioHandle.mKey.Create(RegistryRootKeys::kUser, written)

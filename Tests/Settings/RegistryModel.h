@@ -1,5 +1,5 @@
-// Random operations on registry keys beside a plain map that says what each of them must answer. Two processes with the
-// same seed do the same, so a process can follow in its map what another one does.
+// Performs random operations on registry keys and on a plain map that predicts each result. Two processes with the same
+// seed perform the same operations, so one process can follow the other in its map.
 #pragma once
 
 #include <ORLRegistryKey.h>
@@ -16,14 +16,14 @@ namespace ORLTest {
 class RegistryModel
 {
 public:
-    /// Works below a key that exists.
+    /// inBase must name an existing key. All operations are below it.
     explicit RegistryModel(const UTF16String& inBase);
 
-    /// Does one random operation after the other, on the map and, unless inMapOnly, on the registry. Returns the number
-    /// of the first operation whose answer is not the map's, or 0. Handles are closed at the beginning.
+    /// Performs inCount random operations on the map and, unless inMapOnly, on the registry. Returns the number of the
+    /// first operation whose result differs from the map's, or 0. Starts with closed handles.
     unsigned Run(std::uint32_t inSeed, unsigned inCount, bool inMapOnly);
 
-    /// Every key and value of the map is in the registry, and nothing else is.
+    /// Whether the registry holds exactly the keys and values of the map.
     bool IsSame() const;
 
 private:
@@ -35,14 +35,14 @@ private:
     };
     struct Key
     {
-        unsigned mIdentity = 0; // a key that is created anew is another one
+        unsigned mIdentity = 0; // a recreated key gets a new one
         std::map<std::string, Value> mValues;
     };
     struct Handle
     {
         ORL::RegistryKey mKey;
         std::string mPath;
-        unsigned mIdentity = 0; // 0 while closed
+        unsigned mIdentity = 0; // 0 if closed
     };
 
     bool Step(std::mt19937& ioRandom, bool inMapOnly);
@@ -57,7 +57,7 @@ private:
     std::vector<std::string> ChildrenOf(const std::string& inPath) const;
 
     const UTF16String mBase;
-    std::map<std::string, Key> mKeys; // by path below the base in lower case; "" is the base
+    std::map<std::string, Key> mKeys; // by lower-case path below the base; "" is the base
     std::array<Handle, 3> mHandles;
     unsigned mIdentities = 1;
 };

@@ -1,4 +1,4 @@
-// Random operations against a plain map, with another process that takes its turn, and many threads of two processes.
+// Random operations compared with a plain map, in turns with another process, and on many threads of two processes.
 #include "RegistryModel.h"
 #include "RegistryPlace.h"
 
@@ -21,8 +21,8 @@ constexpr auto kUser = RegistryRootKeys::kUser;
 
 } // namespace
 
-// 10^5 operations: four turns here, which close and open the handles again, and after each of them one of another process
-// that goes on in the same keys.
+// 10^5 operations in four turns. Each turn starts with closed handles; after it, another process performs one turn on
+// the same keys.
 TEST_F(RegistryModelTest, RandomOperations_AnswerAsAPlainMapDoes)
 {
     constexpr unsigned kTurns = 4;
@@ -39,7 +39,7 @@ TEST_F(RegistryModelTest, RandomOperations_AnswerAsAPlainMapDoes)
         note(turn, kHere);
         note(1000 + turn, kThere);
         ASSERT_EQ(0, RunBesideThisProgram("registry_host", history).mExitCode);
-        model.Run(1000 + turn, kThere, true); // what the other process has done
+        model.Run(1000 + turn, kThere, true); // replays the turn of the other process
         ASSERT_TRUE(model.IsSame()) << "turn " << turn;
     }
 }
@@ -69,7 +69,7 @@ TEST_F(RegistryProcessesTest, EightThreadsOfTwoProcesses_LoseNothing)
     }
 }
 
-// Each of them is seen at the next read, and not once the cache happens to be looked at.
+// A write of another process must be visible to the next read, not only after some check of the cache.
 TEST_F(RegistryProcessesTest, WhatAnotherProcessWrites_IsSeenAtTheNextRead)
 {
     RegistryKey other;

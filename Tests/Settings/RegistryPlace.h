@@ -1,4 +1,4 @@
-// A part of the registry that belongs to one test: on Linux a store in a folder of its own, on Windows a key.
+// A part of the registry for one test: on Linux a store in a temporary folder, on Windows a key.
 #pragma once
 
 #include <ORLRegistryKey.h>
@@ -19,7 +19,7 @@ public:
     RegistryPlace(const RegistryPlace&) = delete;
     RegistryPlace& operator=(const RegistryPlace&) = delete;
 
-    /// Where on Linux the stores lie; empty on Windows.
+    /// Returns the folder of the stores on Linux; empty on Windows.
     std::string Folder() const;
 
     class Impl;
@@ -28,14 +28,14 @@ private:
     std::unique_ptr<Impl> mImpl;
 };
 
-/// A key of its own below the user's root, gone at the end.
+/// A test with its own key below the user's root, deleted at the end.
 class RegistryTest : public testing::Test
 {
 protected:
     RegistryTest();
     ~RegistryTest() override;
 
-    /// The path of the test's key, or of a key below it.
+    /// Returns the path of the test's key, or of a key below it.
     UTF16String Path(const std::u16string& inBelow = std::u16string()) const;
 
     const RegistryPlace mPlace;

@@ -8,7 +8,7 @@ namespace ORLTest {
 
 using namespace ORL::Registry::Linux;
 
-// The stores' folders last as long as the place, and what other tests have left in memory is gone.
+// The stores' folders exist as long as the place. The stores that other tests left open are released first.
 class RegistryPlace::Impl
 {
 public:

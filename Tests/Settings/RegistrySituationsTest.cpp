@@ -1,4 +1,4 @@
-// What the home platform answers about keys, by the number of its record: through the seam, on both platforms.
+// Results of Windows for calls on keys, by record number. The tests call the platform functions on both platforms.
 #include "RegistryStage.h"
 
 using namespace ORLTest;
@@ -160,7 +160,7 @@ std::string Number(ORL::SystemError inError)
     return std::to_string(inError);
 }
 
-// A handle of a key that has been deleted since.
+// Returns the handle of a key that has been deleted.
 KeyHandle Deleted(Stage& ioStage)
 {
     const KeyHandle key = ioStage.Make(u"gone");
@@ -215,7 +215,8 @@ const std::vector<RegistrySituation> kDeleting = {
                     s.Delete(u"gone"); return Number(CloseKey_Impl(key)); }},
     {"rd25", "close it twice", {"6"}, &CloseTwice},
     {"rd26", "close a null handle", {"6"}, [](Stage&) { return Number(CloseKey_Impl(nullptr)); }},
-    // rm01, what an ordinary user may do to the machine's keys, is in RegistryUsersLinuxTest: the emulator lets everybody.
+    // rm01, the rights of an ordinary user on the machine's keys, is in RegistryHomesLinuxTest: Wine permits
+    // everything.
     {"rm02", "the machine's software for reading", {"0"},
      [](Stage&) { return Stage::OpenIn(GetMachineRoot_Impl(), Units(u"Software").c_str(), Stage::kReading); }},
     {"rm03", "the user's root itself", {"0"}, [](Stage&) { return Stage::OpenIn(GetUserRoot_Impl(), kNothing); }},

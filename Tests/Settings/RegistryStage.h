@@ -1,5 +1,4 @@
-// The keys and calls that a table of registry situations is made of. Each answer is a text: the status, and what else
-// the call stores.
+// Keys and calls for a table of registry situations. Each call returns a text: the status, and the outputs of the call.
 #pragma once
 
 #include "RegistryPlace.h"
@@ -14,7 +13,7 @@
 
 namespace ORLTest {
 
-/// A key of its own for one situation.
+/// The key of one situation.
 class RegistryStage
 {
 public:
@@ -28,29 +27,29 @@ public:
     RegistryStage(const RegistryStage&) = delete;
     RegistryStage& operator=(const RegistryStage&) = delete;
 
-    /// "status". The key is closed again.
+    /// Returns "status", and closes the key again.
     std::string Open(const std::u16string& inPath, unsigned inAccess = kAll) const;
     static std::string OpenIn(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess = kAll);
 
-    /// "status disposition", or the status alone if it is not 0.
+    /// Returns "status disposition", or only the status if it is not 0.
     std::string Create(const std::u16string& inPath) const;
     static std::string CreateIn(KeyHandle inParent, const unsigned short* inPath);
 
-    /// A handle that the stage closes at its end.
+    /// Returns a handle that the stage closes in its destructor.
     KeyHandle Make(const std::u16string& inPath, unsigned inAccess = kAll);
 
     std::string Delete(const std::u16string& inPath) const;
 
-    /// "status"
+    /// Returns "status".
     std::string Set(const std::u16string& inName, unsigned inType, const void* inData, unsigned inSize) const;
 
-    /// "status type=T size=N bytes=XX...; size query status N", or the status alone if it is not 0.
+    /// Returns "status type=T size=N bytes=XX...; size query status N", or only the status if it is not 0.
     std::string Query(const std::u16string& inName) const;
 
     /// Sets and queries.
     std::string SetAndQuery(unsigned inType, const void* inData, unsigned inSize) const;
 
-    /// The names of all subkeys and the status at their end.
+    /// Returns the names of all subkeys and the status at their end.
     std::string List(KeyHandle inKey) const;
 
     UTF16String mPath;
@@ -66,10 +65,10 @@ struct RegistrySituation
     const char* mText;
     std::set<std::string> mHome;
     std::function<std::string(RegistryStage&)> mRun;
-    std::set<std::string> mEmulator = {}; // what Wine 8 answers, where it differs
+    std::set<std::string> mEmulator = {}; // the results of Wine 8 that differ
 };
 
-/// Runs each row on a stage of its own below inPath.
+/// Runs each row on its own stage below inPath.
 void ExpectRegistrySituations(const UTF16String& inPath, const std::vector<RegistrySituation>& inRows);
 
 inline const unsigned short* AsUnits(const std::u16string& inText)

@@ -1,4 +1,4 @@
-// The values of a key that other processes have changed.
+// Names of values that other processes have changed.
 #include <Linux/Settings/LinuxRegistryStaleNames.h>
 
 #include <TextHelpers.h>
@@ -35,7 +35,7 @@ TEST(RegistryStaleNames, ChangedHash_MakesItsNamesStaleUntilTheyAreLoaded)
     EXPECT_TRUE(names.Contains(kHash, NameOf(u"A"))) << "a second change";
 }
 
-// Which of the two was changed nobody knows: both are loaded.
+// The hash does not tell which of the two was changed, so both are loaded.
 TEST(RegistryStaleNames, TwoNamesOfOneHash_AreLoadedEach)
 {
     StaleNames names;

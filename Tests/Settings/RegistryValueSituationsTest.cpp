@@ -1,4 +1,4 @@
-// What the home platform answers about values, by the number of its record: through the seam, on both platforms.
+// Results of Windows for calls on values, by record number. The tests call the platform functions on both platforms.
 #include "RegistryStage.h"
 
 #include <cstring>
@@ -24,7 +24,7 @@ std::string SetNumber(Stage& ioStage)
     return ioStage.Set(u"v", kTypeUInt32, kNumber, 4);
 }
 
-// "status type size untouched", the last of a buffer after a failure.
+// Returns "status type size", and after a failure whether the buffer is untouched (1 or 0).
 std::string QueryInto(Stage& ioStage, unsigned inCapacity)
 {
     unsigned char buffer[8];
@@ -88,7 +88,7 @@ std::string SeenThroughAnother(Stage& ioStage)
     return QueryIn(first, Name().c_str());
 }
 
-// Values of a type 'abc', 6 bytes, with a unit behind.
+// Data of 6 bytes, followed by one more unit.
 constexpr char16_t kAbcZero[] = u"abc";
 constexpr char16_t kAbcd[] = u"abcd";
 

@@ -2,16 +2,17 @@ target_sources(${room_target} PRIVATE Settings/RegistryPlace.cpp Settings/Regist
   Settings/RegistryStage.cpp)
 target_sources(${room_target} PRIVATE Settings/RegistryModel.cpp)
 
-# A second process that works on the registry beside the tests, linked to the shared libraries as hosts are.
+# A second process that works on the registry at the same time as the tests. Like a host, it links to the shared
+# libraries.
 add_executable(registry_host Settings/RegistryHost.cpp Settings/RegistryModel.cpp)
 target_link_libraries(registry_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} registry_host)
 
 if(NOT WIN32)
-  # Tests make databases of their own, and make calls of the database fail.
+  # Tests create databases, and make calls of the database fail.
   target_link_libraries(${room_target} PRIVATE ${ORL_SQLITE})
 
-  # A module with a second library in the process of the tests, and orl, which they kill.
+  # A module that brings a second copy of the library into the test process; and orl, which tests kill.
   add_library(registry_guest MODULE Settings/RegistryGuestLinux.cpp)
   set_target_properties(registry_guest PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
   target_link_libraries(registry_guest PRIVATE ORLFoundation orl_strict)
