@@ -1,5 +1,5 @@
-// Asks: does converting text of a code page by value cost less than ICU's converter, kept open, into a ready buffer?
-// And does asking for the known language cost more than a load?
+// Question: is converting text of a code page by value faster than ICU's converter, kept open, into a ready buffer? And
+// does the query of the language, once it is known, cost more than a load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
 
@@ -18,8 +18,8 @@ using namespace ORL;
 struct Page
 {
     const char* mName;
-    unsigned short mLanguage; // whose page it is
-    const char* mConverter;   // ICU's name of it
+    unsigned short mLanguage; // the language that uses the page
+    const char* mConverter;   // ICU's name for the page
     const char* mSample;
 };
 
@@ -38,7 +38,7 @@ const Page kPages[] = {
 const std::size_t kSizes[] = {16, 256, 65536};
 const double kGoals[] = {0.8, 0.35, 0.35};
 
-// The sample again and again, cut where both converters are between two characters.
+// Repeats the sample, and cuts the text where both converters see a boundary between characters.
 std::string TextOf(const Page& inPage, std::size_t inBytes)
 {
     std::string text;

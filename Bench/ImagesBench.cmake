@@ -1,4 +1,5 @@
-# Pictures are written by libpng; the peer decodes with libspng. Premultiplying is private, so it is compiled in.
+# libpng writes the pictures; the peer decodes them with libspng. Premultiply.cpp is compiled in, because the library
+# does not export it.
 find_package(PNG REQUIRED)
 target_sources(${bench_target} PRIVATE "${PROJECT_SOURCE_DIR}/Src/System/Images/Premultiply.cpp")
 target_include_directories(${bench_target} PRIVATE "${PROJECT_SOURCE_DIR}/Inc")

@@ -23,7 +23,7 @@ constexpr std::size_t kPixels = std::size_t{kWidth} * kHeight;
 
 using Pixels = std::vector<std::uint32_t>;
 
-// A gradient with noise: smooth in the large, different in each pixel, with some transparency.
+// Returns a gradient with noise: smooth overall, different in each pixel, with some transparency.
 Pixels PhotoLike()
 {
     Pixels pixels(kPixels);
@@ -42,7 +42,7 @@ Pixels PhotoLike()
     return pixels;
 }
 
-// Panels of one colour each, as user interfaces have them.
+// Returns panels of one colour each, as in user interfaces.
 Pixels Flat()
 {
     Pixels pixels(kPixels);
@@ -82,7 +82,7 @@ void Put(std::string& ioBytes, Number inNumber)
     ioBytes.append(reinterpret_cast<const char*>(&inNumber), sizeof(inNumber));
 }
 
-// A compiled resource file that holds one PNG picture: number 1, neutral language.
+// Loads a compiled resource file with one PNG picture: number 1, neutral language.
 ORL::ObjectPtr<ORL::Module> ModuleOf(const std::string& inPng)
 {
     std::string file;
@@ -90,7 +90,7 @@ ORL::ObjectPtr<ORL::Module> ModuleOf(const std::string& inPng)
         Put(file, word);
     }
     Put(file, static_cast<std::uint32_t>(inPng.size()));
-    Put(file, std::uint32_t{36}); // of this header
+    Put(file, std::uint32_t{36}); // the size of this header
     for (const char16_t unit : {u'P', u'N', u'G', u'\0', u'\xFFFF', u'\x1'}) {
         Put(file, unit);
     }
@@ -108,7 +108,7 @@ ORL::ObjectPtr<ORL::Module> ModuleOf(const std::string& inPng)
     return module;
 }
 
-// In plain arithmetic, with the tests for the two usual values of alpha.
+// Plain arithmetic, with tests for the two most frequent values of alpha.
 std::uint32_t PlainPremultiplied(std::uint32_t inPixel)
 {
     const std::uint32_t alpha = inPixel >> 24;

@@ -1,2 +1,2 @@
-# The orl program, which is built beside this one, does the work.
+# The program runs orl, which is built in the same folder.
 add_dependencies(${bench_target} orl)

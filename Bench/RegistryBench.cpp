@@ -1,8 +1,9 @@
-// Asks: what does a setting cost to read and to write, beside a database asked each time?
+// Question: what do reads and writes of settings cost, compared with databases that are queried for each read?
 //
-// 10^4 values in one key, read in a random order; the same in a table of SQLite (WAL, synchronous NORMAL, prepared
-// statements) and in LMDB (a read transaction renewed for each read), all on the disk that this program is on. The rows
-// "beside a writer" are measured while another process changes one value of each store every two milliseconds.
+// One key holds 10^4 values, which are read in random order. The peers hold the same values in a table of SQLite (WAL,
+// synchronous NORMAL, prepared statements) and in LMDB (with a read transaction renewed for each read). All stores are
+// on the disk of this program. The rows "beside a writer" are measured while another process changes one value of each
+// store every two milliseconds.
 #include "Harness.h"
 
 #include <ORLRegistryKey.h>
@@ -53,7 +54,7 @@ std::string TextName(unsigned inIndex)
     return "file name " + std::to_string(inIndex);
 }
 
-// Prepared statements over one table, as one writes them by hand.
+// Prepared statements on one table, written by hand.
 class Sqlite
 {
 public:
@@ -264,7 +265,7 @@ private:
     fs::path mFolder;
 };
 
-// Changes a value of each store every two milliseconds, until it is destroyed.
+// Changes a value of each store every two milliseconds in a child process, until the destructor kills it.
 class Writer
 {
 public:

@@ -1,4 +1,4 @@
-# A plug-in with a block of sixteen texts and a thousand names, and the same for the peers.
+# A plug-in with a block of sixteen texts and a thousand names, and the same content for the peers.
 pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0)
 find_program(GLIB_COMPILE_RESOURCES glib-compile-resources REQUIRED)
 find_program(MSGFMT msgfmt REQUIRED)

@@ -1,4 +1,4 @@
-// Asks: may a host look up its texts and pictures each time it draws them?
+// Question: may a host look up its texts and pictures each time it draws them?
 #include <Harness.h>
 
 #include <ORLHostPath.h>
@@ -34,7 +34,7 @@ ORL::ObjectPtr<ORL::Module> LoadPlugIn()
     return module;
 }
 
-// The block's last text, for which all others are stepped over, and its first.
+// Compares the last text of a block, whose lookup skips all others, and the first.
 void CompareTexts(const ORL::Module& inModule)
 {
     ::setlocale(LC_ALL, "C.UTF-8");

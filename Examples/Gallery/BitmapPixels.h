@@ -1,4 +1,4 @@
-// The pixels of a native bitmap, which each platform reads in its own way.
+// Reads the pixels of a native bitmap; the implementation differs between platforms.
 #pragma once
 
 #include <ORLNativeHandles.h>
@@ -15,7 +15,7 @@ struct BitmapPixels
         mPixels; // rows from the top; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
-/// The library decodes pictures while it lives: on Windows the host starts GDI+.
+/// The library can decode pictures during its lifetime. On Windows it starts GDI+, which is the host's task.
 class PictureDecoder
 {
 public:

@@ -6,7 +6,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // its headers use these two
+namespace Gdiplus { // its headers need min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus
@@ -27,7 +27,7 @@ PictureDecoder::~PictureDecoder()
 
 namespace {
 
-// A bitmap resource has no alpha: where it is 0 everywhere, the picture is opaque.
+// A bitmap resource has no alpha. If alpha is 0 everywhere, the picture is opaque.
 void FillAlpha(std::vector<std::uint32_t>& ioPixels)
 {
     const auto hasAlpha = [](std::uint32_t inPixel) { return inPixel >> 24 != 0; };

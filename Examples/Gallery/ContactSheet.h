@@ -1,4 +1,4 @@
-// Pictures with captions on one sheet.
+// Draws pictures with captions on one sheet.
 #pragma once
 
 #include "../Waveform/Picture.h"
@@ -19,9 +19,9 @@ struct SheetRow
     std::vector<Entry> mEntries;
 };
 
-inline constexpr std::size_t kCell = 128;   // the square of a picture
-inline constexpr std::size_t kCaption = 24; // below it
-inline constexpr std::size_t kTitle = 36;   // above a row
+inline constexpr std::size_t kCell = 128;   // width and height of a picture's square
+inline constexpr std::size_t kCaption = 24; // height of the text below it
+inline constexpr std::size_t kTitle = 36;   // height of the text above a row
 inline constexpr std::size_t kMargin = 16;
 
 Picture DrawSheet(const std::vector<SheetRow>& inRows);

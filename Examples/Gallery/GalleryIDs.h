@@ -1,4 +1,4 @@
-// Identifiers that the host and the scripts of its plug-ins share.
+// Identifiers shared by the host and the resource scripts of its plug-ins.
 #ifndef GALLERY_IDS_H
 #define GALLERY_IDS_H
 

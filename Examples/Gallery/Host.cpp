@@ -1,4 +1,4 @@
-// A host whose plug-ins bring texts and pictures along: it prints the greeting of each in five languages, and draws
+// A host whose plug-ins contain texts and pictures: it prints the greeting of each plug-in in five languages, and draws
 // their pictures on one sheet.
 //
 //   example_gallery SHEET.png

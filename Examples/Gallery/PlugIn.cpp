@@ -1,4 +1,4 @@
-// A plug-in that brings resources along and no code to speak of.
+// A plug-in that contains resources and almost no code.
 #include "../PlugIns/PlugInConfig.h"
 
 PLUG_IN_EXPORT int GalleryVersion()

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A bare name means a module beside this program, as on Windows.
+// Looks for a bare name in this program's folder, as Windows does.
 std::string WhereItStands(const std::string& inName)
 {
     return inName.find('/') != std::string::npos
