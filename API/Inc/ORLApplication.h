@@ -22,9 +22,9 @@ namespace ORL {
 class ORL_API Application
 {
 public:
-    /// Shares both modules and copies the text and the value. GetApplicationFilePath returns the path of
-    /// inApplicationModule; the other three are kept for the host. Makes this object the instance. Fires an input
-    /// contract if there is one already. Throws std::bad_alloc.
+    /// Makes this object the instance, and keeps a reference to both modules and copies of the text and the value. The
+    /// library uses only inApplicationModule, whose path GetApplicationFilePath returns. Fires an input contract if
+    /// there already is an instance. Throws std::bad_alloc.
     Application(const ObjectPtr<Module, AtomicValue>& inModule,
                 const ObjectPtr<Module, AtomicValue>& inApplicationModule, const UTF16String& inStartupText,
                 int inStartupValue);

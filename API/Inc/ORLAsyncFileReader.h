@@ -11,9 +11,9 @@ namespace ORL {
 /// Reads one file without the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
 /// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). This is not checked here:
-///           the system refuses the read, and its callback receives the failure. The last read of a file requests whole
-///           sectors and returns fewer bytes. A read must start before the end of the file. If it does not, it fails at
-///           its start on Linux, and on completion on Windows (see Failure).
+///           the system refuses the read, and its callback receives the failure. The last read of a file also requests
+///           whole sectors, and returns fewer bytes. A read must start before the end of the file. If it does not, it
+///           fails at its start on Linux, and on completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
 /// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor: one thread at a
 ///           time. The callbacks of all readers of the process run one after another on one library thread, so a slow
@@ -53,8 +53,8 @@ public:
     /// determined, that failure, with the file left open. A closed reader may be opened again.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
-    /// Queues one read and returns 0. Only the callback receives the outcome; it may be null. Never accesses the disk
-    /// on this thread. If 2048 reads of the process are in flight, blocks until one has finished.
+    /// Queues one read and returns 0. The outcome is reported only to the callback, which may be null. The calling
+    /// thread never accesses the disk. If 2048 reads of the process are in flight, blocks until one has finished.
     int QueueReadRequest(unsigned __int64 inPosition, unsigned int inSize, void* inBuffer, ReadCallback inCallback,
                          void* inUserData1, void* inUserData2, void* inUserData3);
 

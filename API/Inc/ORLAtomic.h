@@ -25,7 +25,8 @@ using Plain = std::common_type_t<T>;
 template <class T>
 inline constexpr bool kIs32BitNumber = std::is_integral_v<T> && sizeof(T) == 4;
 
-// The compiler may assume that every reference is aligned and drop the check. The empty asm hides the address from it.
+// The compiler may assume that every reference is aligned and drop the check. The empty asm prevents that: it hides
+// where the address comes from.
 inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 {
     std::uintptr_t address = reinterpret_cast<std::uintptr_t>(inAddress);
@@ -36,7 +37,7 @@ inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 } // namespace Internal
 } // namespace ORL
 
-// A misaligned target is reported and then served, so the compiler's own alignment check must not end the program
+// An operation on a misaligned target is reported and then runs, so the alignment sanitizer must not abort the program
 // first.
 #define ORL_ATOMIC_SERVES_MISALIGNED __attribute__((no_sanitize("alignment")))
 

@@ -27,7 +27,7 @@ public:
     using Result = std::pair<UTF16String, UTF16String>;
     using Results = std::vector<Result>;
 
-    /// By name, in the order of the names' 16-bit units.
+    /// Maps each name to its results. Ordered by the 16-bit units of the names.
     using Collection = std::map<UTF16String, Results>;
 
     // Well-known keys.

@@ -11,8 +11,8 @@
 
 namespace ORL {
 
-/// Creates an instance and stores it in its argument. May throw: the exception propagates to the caller who requested
-/// the instance.
+/// Creates an instance and stores it in its argument. May throw: the exception propagates to the caller of
+/// CreateInstance.
 using CreateClassFunction = void (*)(InterfaceRef<ORLUnknown, ORLUnknown>&);
 
 /// Appends the categories of a class to an empty vector.
@@ -30,7 +30,7 @@ struct ClassMapEntry
 /// The process's registry of classes and categories.
 ///
 /// Nothing is ever unregistered, so a module that has registered a class stays loaded.
-/// Owner:    the process. The texts of a registration stay the caller's.
+/// Owner:    the process. The caller owns the texts of a registration.
 /// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
 ///           created from any thread.
 /// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
@@ -45,8 +45,8 @@ public:
     static Result RegisterORLClass(const Guid& inClassID, const char* inFirstName, const char* inSecondName,
                                    CreateClassFunction inCreate, GetClassCategoriesFunction inGetCategories);
 
-    /// Creates an instance. Returns kClassNotRegistered, with outRef untouched, for an unknown class. What the create
-    /// function stored is not checked.
+    /// Creates an instance. Returns kClassNotRegistered, with outRef untouched, for an unknown class. Does not check
+    /// the instance that the create function stored.
     static Result CreateInstanceRef(const Guid& inClassID, InterfaceRef<ORLUnknown, ORLUnknown>& outRef);
 
     /// Creates an instance of one class of a category. inIndex counts from 0 in order of registration. Returns

@@ -28,7 +28,8 @@ struct ConstStringShared
     AtomicValue mReferenceCount;
 };
 
-/// The common part of both kinds of handle: a shared copy or none, the text, and the hash of the text.
+/// The common part of both kinds of handle: the shared copy (null if there is none), the text, and the hash of the
+/// text.
 template <class String>
 class ConstStringHandle
 {
@@ -67,7 +68,7 @@ protected:
         AtomicIncrement(mShared->mReferenceCount);
     }
 
-    /// Moves from a text that has no zero unit before its end.
+    /// Moves from ioText, which must not contain a zero unit.
     explicit ConstStringHandle(String&& ioText)
         : mShared(MakeShared(std::move(ioText))), mText(mShared->mText), mHash(HashText(mText))
     {
@@ -150,7 +151,7 @@ private:
 /// Copying costs one atomic increment, and comparing two different texts usually one comparison of their hashes. Texts
 /// are not interned: two handles made from the same text are equal but share nothing. The order is strict and total,
 /// and works for map keys; it compares hashes first and so is not alphabetical.
-/// Owner:    handles own the shared copy together. Adopted text stays the caller's.
+/// Owner:    handles own the shared copy together. The caller owns adopted text.
 /// Threads:  one thread at a time per handle. Handles on several threads may share one text. Takes no lock.
 /// Failure:  the constructors that copy text throw std::bad_alloc. Copying a handle never allocates.
 class ConstString : public Internal::ConstStringHandle<UTF16String>
@@ -240,7 +241,7 @@ ORL_API std::string MakeStdString(const ConstString& inText);
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const ConstString& inText);
 
-/// The same; the stream's locale widens each byte on its own. Unlike a const char* or std::string on the same stream,
+/// The same; the stream's locale widens each byte separately. Unlike a const char* or std::string on the same stream,
 /// the bytes are not decoded as UTF-8.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const StdConstString& inText);

@@ -5,9 +5,9 @@
 //   ORL_INPUT_CONTRACT(expression)   the caller violated a precondition: reports, then raises error 25 of package 105
 //   ORL_OUTPUT_CONTRACT(expression)  the library violated a promise: reports, then raises error 26 of package 105
 //
-// Source, line and function identify a site. Crash triage and users' ignore lists use them as keys. A site whose
-// identity is published therefore states it (the forms ending in _AT) and keeps it when code moves. _IN states the
-// function only; _MESSAGE adds a text for the reader of the report.
+// Source, line and function identify a site. Crash triage and users' ignore lists use them as keys. The forms ending in
+// _AT take source, line and function as arguments, so that a site that triage already refers to keeps its identity when
+// code moves. The _IN forms take only the function; the _MESSAGE forms add a text to the report.
 #pragma once
 
 #include <ORLConfig.h>

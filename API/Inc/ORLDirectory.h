@@ -14,7 +14,7 @@ namespace ORL {
 /// Names a directory that existed when the object was created. A plain value that holds the path as it was passed.
 ///
 /// Owner:    the caller. The object owns its path only, not the directory.
-/// Threads:  not thread-safe: one thread at a time per object. No locks and no statics.
+/// Threads:  not thread-safe: one thread at a time per object. Takes no lock.
 /// Failure:  queries of an object throw eDirectoryNoLongerValid if its directory is gone. Operations on the disk return
 ///           a Result.
 /// Listings: paths are the object's path, in its own form, followed by the names below it, in the order of the file
@@ -86,7 +86,7 @@ public:
     /// name and merges directories. Returns kGeneralFailure if there is nothing to copy.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Moves the contents in the same way, across volumes too. inSource itself stays, empty.
+    /// Moves the contents in the same way, across volumes too. Keeps inSource itself, which is then empty.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
 private:

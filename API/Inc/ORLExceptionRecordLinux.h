@@ -1,6 +1,6 @@
 // Floor: Core
-// On Linux: the record of a hardware exception, in the form of the home platform, filled from a signal. On Windows the
-//           system's headers define the record and this header is empty.
+// On Linux: the record of a hardware exception, in the form of Windows, filled from a signal. On Windows the system's
+//           headers define the record and this header is empty.
 //
 //   void OnSignal(int, siginfo_t* inInfo, void* inContext)
 //   {
@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <signal.h>
 
-/// Has the layout of the 64-bit home platform, 152 bytes.
+/// Has the layout of 64-bit Windows, 152 bytes.
 struct _EXCEPTION_RECORD
 {
     std::uint32_t ExceptionCode;

@@ -12,15 +12,14 @@ struct _EXCEPTION_RECORD;
 
 namespace ORL {
 
-/// Returns the system's message for a system error number of the home platform, ending in "\r\n". Returns "There was an
-/// error converting this Win32 error to a message!" without a line end if the system has none. On Windows the message
-/// is in the user's language. On Linux it comes from a table of this library, in English.
-/// Thread-safe. Throws std::bad_alloc.
+/// Returns the system's message for a Windows error number, ending in "\r\n". Returns "There was an error converting
+/// this Win32 error to a message!" without a line end if the system has none. On Windows the message is in the user's
+/// language. On Linux it comes from a table of this library, in English. Thread-safe. Throws std::bad_alloc.
 ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 
-/// Returns the name and an explanation of an exception code of the home platform, such as "EXCEPTION_BREAKPOINT (A
-/// breakpoint was encountered.)". Returns "!!! Unknown Exception type !!!" for a code without a text. Thread-safe.
-/// Throws std::bad_alloc.
+/// Returns the name and an explanation of a Windows exception code, such as "EXCEPTION_BREAKPOINT (A breakpoint was
+/// encountered.)". Returns "!!! Unknown Exception type !!!" for a code without a text. Thread-safe. Throws
+/// std::bad_alloc.
 ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 
 /// Returns a report of several lines about an exception: its code, whether execution can continue, its address, and for
@@ -30,10 +29,10 @@ ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 ORL_API UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_RECORD* inRecord);
 
 /// Shows an unhandled exception to the user, with the calling thread's name, identifier and module, through
-/// tvxcore::debug::DisplayAssert. inWhat is the exception's text, UTF-8, and may be empty.
-/// Returns true if the user chose to debug. Nothing is thrown: the caller acts on the result. Sets ioIgnore if the user
-/// chose to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it
-/// before the call. Thread-safe. Throws std::bad_alloc, and what the host's dialog throws.
+/// tvxcore::debug::DisplayAssert. inWhat is the exception's text, UTF-8, and may be empty. Returns true if the user
+/// chose to debug. Despite its name it rethrows nothing: the caller acts on the result. Sets ioIgnore if the user chose
+/// to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it before
+/// the call. Thread-safe. Throws std::bad_alloc. Exceptions of the host's dialog propagate.
 ORL_API bool ThrowAfterUnhandledExceptionAlert(bool& ioIgnore, const std::string& inWhat);
 
 } // namespace ORL

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
-class CPoint; // the home platform's point class; used only as a tag
+class CPoint; // a point class of Windows hosts; used only as a tag
 
 namespace ORL {
 

@@ -139,7 +139,7 @@ private:
 
 namespace Internal {
 
-// Compilers compare addresses as template arguments even where a sanitizer keeps them from folding "==".
+// Compares the addresses as template arguments: under some sanitizers "==" on addresses is not a constant expression.
 template <const Guid* inAddress>
 struct IdentifierAt
 {

@@ -6,7 +6,7 @@
 //   rooted:          it begins with two backslashes, or with an ASCII letter and ":"
 //   drive root:      it is exactly a letter and ":", or \\?\ and a letter and ":"
 //   normalized:      it begins with \\?\ and is no drive root; it may exceed the length limit of plain paths
-//   normalized UNC:  it begins with \\?\UNC\ as it stands
+//   normalized UNC:  it begins with exactly \\?\UNC\ (case-sensitive)
 //
 // Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
 // text, as documented. ORLHostPath.h converts paths of the host's own system to these and back.

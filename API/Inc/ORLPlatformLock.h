@@ -32,9 +32,9 @@ namespace Internal {
 /// read-modify-write; an uncontended lock and unlock need one each. All zeros is an unlocked lock, and the destructor
 /// does nothing, so a static lock works before the first constructor and after the last destructor.
 ///
-/// Testing for recursion before trying to lock costs a third of an uncontended pair, since the load must wait for the
-/// atomic operation before it. So only a lock that was recently locked recursively is tested first; any other is tested
-/// after an attempt to lock it has failed.
+/// Testing for recursion before trying to lock adds a third to the cost of an uncontended lock and unlock, since the
+/// load must wait for the atomic operation before it. So only a lock that was recently locked recursively is tested
+/// first; any other is tested after an attempt to lock it has failed.
 ///
 /// The fast paths are inline, since a call into the library costs more than they do.
 class PlatformLock

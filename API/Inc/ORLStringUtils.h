@@ -1,11 +1,10 @@
-// Floor: System
-// Conversions between 16-bit text and narrow text in a code page of the home platform, for its older files and
+// Floor: System Conversions between 16-bit text and narrow text in a Windows code page, for older Windows files and
 // functions. Everywhere else narrow text is UTF-8: see ORLString.h. The two must not be mixed.
 //
 // The code page follows the language of the process (ORLHostSettings.h): 932 for Japanese, 949 for Korean, and the
-// system's default page for all others. Results are byte for byte those of the home platform on every platform:
-// - A character that the page lacks is replaced by the home platform's best fit, else by "?". Each half of a surrogate
-//   pair becomes one "?".
+// system's default page for all others. Results are byte for byte those of Windows on every platform:
+// - A character that the page lacks is replaced by the best fit of Windows, else by "?". Each half of a surrogate pair
+//   becomes one "?".
 // - A byte or a pair of bytes without a mapping becomes the page's default character: U+30FB in 932, "?" elsewhere.
 // - An empty text stays empty.
 //
@@ -48,9 +47,9 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 
 /// Returns the number of the system's default code page.
 ///
-/// On Linux this is the page that the home platform uses for the user's locale. The language in LC_ALL, LC_CTYPE or
-/// LANG (the first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a
-/// locale without a language is 1252. The environment is read once.
+/// On Linux this is the page that Windows uses for the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
+/// first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale without
+/// a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
 /// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.

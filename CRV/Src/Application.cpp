@@ -41,9 +41,9 @@ private:
 
 TextRoom sRoom;
 
-// A value that is read without a lock, and every text it has ever had, since readers may still use any of them. It is
-// constant-initialised, so a host may set it before this library's static construction, and has no destructor, so
-// threads may read it until the process exits.
+// A value that is read without a lock. It keeps every text that it has ever had, since readers may still use any of
+// them. It is constant-initialised, so a host may set it before this library's static construction, and has no
+// destructor, so threads may read it until the process exits.
 class HostText
 {
 public:

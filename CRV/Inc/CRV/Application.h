@@ -5,7 +5,7 @@
 
 namespace CRV {
 
-/// The kind of host. Only one kind changes the behaviour of the library.
+/// The kind of host. Only kApplicationType_SystemCodePage changes the behaviour of the library.
 enum ApplicationType : int
 {
     kApplicationType_Default = 0,

@@ -12,7 +12,7 @@ inline constexpr long long kTicksPerSecond = 705600000;
 /// A rate, stored as ticks per frame, so that rates compare exactly.
 ///
 /// Zero frames per second is the default, stored as zero ticks. Rates without a whole number of ticks are rounded (see
-/// the constructor). A negative rate is allowed and orders below zero; nothing here is undefined.
+/// the constructor). A negative rate is allowed and orders below zero; no operation is undefined.
 /// Threads:  a plain value.
 /// Failure:  never throws.
 class FrameRate
@@ -59,7 +59,7 @@ public:
         if (mTicksPerFrame == 0) {
             return 0;
         }
-        // No quotient is so close below a whole number that a double would be rounded up to it.
+        // No quotient is so close below a whole number that its double would be rounded up to that number.
         const long long whole = WholeRate();
         return whole != 0 ? whole : kTicksPerSecond / mTicksPerFrame;
     }
@@ -120,7 +120,7 @@ private:
             return 0;
         }
         constexpr long long kLongest = 0x7FFFFFFFFFFFFFFF;
-        // Below this rate the quotient does not fit; for a rate near zero it would even be infinite.
+        // Below this rate the quotient does not fit into a tick count; for a rate near zero it is infinite.
         constexpr double kSlowest = static_cast<double>(kTicksPerSecond) / 9223372036854775808.0;
         if (inFramesPerSecond <= kSlowest) {
             return kLongest;
