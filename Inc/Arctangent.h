@@ -24,8 +24,8 @@ inline float Arctangent2(float inY, float inX)
     } else if (std::isinf(across) && std::isinf(up)) {
         ratio = 1;
     }
-    // The series converges fast below tan(pi / 8); the formula for the tangent of a difference maps larger ratios
-    // there.
+    // The series converges fast below tan(pi / 8). The formula for the tangent of a difference maps larger ratios to
+    // that range.
     const bool isTurned = ratio > 0.41421356;
     const double tangent = isTurned ? (ratio - 1) / (ratio + 1) : ratio;
     const double square = tangent * tangent;

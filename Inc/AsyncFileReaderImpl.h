@@ -19,8 +19,8 @@ namespace ORL {
 /// they exist. If creating the executor throws, everything is undone.
 void StartupAsyncFileOperations();
 
-/// Stops and destroys them. Callbacks of completions already at the port still run. Readers should be closed before:
-/// reads still in flight are not reported.
+/// Stops and destroys them. Callbacks of completions that are already queued at the port still run. Readers should be
+/// closed before: reads still in flight are not reported.
 void TerminateAsyncFileOperations();
 
 struct AsyncReadRequest;
@@ -32,7 +32,7 @@ struct AsyncReadRequest
     AsyncFiles::Platform::Overlapped mOverlapped; // first: the pointer that a port returns is the request itself
     std::uint64_t mFilePosition;
     std::uint32_t mSize;
-    void* mBuffer; // the caller's
+    void* mBuffer; // owned by the caller
     std::uint32_t mReserved;
     AsyncFileReader::ReadCallback mCallback; // may be null
     void* mUserData1;

@@ -16,8 +16,8 @@ namespace ORL {
 ///
 /// Threads:  thread-safe. The callback of a read must not wait for its own list, which still contains its request.
 /// Locks:    mLock, then the lock of the gate pool or the mutex of a gate. mLock is not held while a thread waits.
-/// Gate:     it is open from the moment the list becomes empty until the last waiter has left. A thread that starts to
-///           wait in that short time passes at once, even if a new read is in flight.
+/// Gate:     the gate is open from the moment the list becomes empty until the last waiter has left. A thread that
+///           starts to wait in this short time passes at once, even if a new read is in flight.
 template <class Request, class Policy = Sync::SystemPolicy>
 class AsyncReadRequestBusyList
 {

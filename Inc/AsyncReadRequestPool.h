@@ -26,7 +26,7 @@ class AsyncReadRequestPool
 public:
     constexpr AsyncReadRequestPool() = default;
 
-    /// Starts the search at that index.
+    /// Starts the search for a free record at that index.
     explicit AsyncReadRequestPool(std::uint32_t inNextIndex) : mNextIndex(inNextIndex) {}
 
     AsyncReadRequestPool(const AsyncReadRequestPool&) = delete;

@@ -51,7 +51,7 @@ inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
     const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;
     const unsigned isBlue = inColor[kBlue] > inColor[redOrGreen] ? 1 : 0;
-    return (redOrGreen & (isBlue ^ 1u)) | (kBlue * isBlue); // for a second conditional, compilers emit a branch
+    return (redOrGreen & (isBlue ^ 1u)) | (kBlue * isBlue); // compilers emit a branch for a second conditional
 }
 
 inline float SmallestOfHSV(const ChannelRing& inColor)

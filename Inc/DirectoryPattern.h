@@ -1,5 +1,4 @@
-// Floor: System
-// The grammar of directory patterns, without the table that resolves references.
+// Floor: System The grammar of directory patterns. Does not resolve references.
 #pragma once
 
 #include <tvxcore/String.h>

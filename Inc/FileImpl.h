@@ -15,8 +15,8 @@ struct ORL_LOCAL File::PrivateImpl : Impl
 {
     Files::Platform::Handle mHandle = Files::Platform::InvalidHandle();
     InterfaceRef<IFileBuffer, IFileBuffer> mFileBuffer; // null unless the file is read through a block cache
-    std::uint32_t mBlockSize = 0;                       // bytes, at least 65536; for mFileBuffer
-    std::int64_t mPosition = 0;                         // for mFileBuffer
+    std::uint32_t mBlockSize = 0;                       // block size of mFileBuffer in bytes, at least 65536
+    std::int64_t mPosition = 0;                         // position of reads through mFileBuffer
 
     bool IsOpen() const noexcept { return mHandle != Files::Platform::InvalidHandle(); }
 
@@ -42,7 +42,7 @@ namespace Files {
 /// The smallest block of a cache.
 inline constexpr std::uint32_t kSmallestBlock = 65536;
 
-/// A failure without a specific code.
+/// The result of a failure that has no code of its own.
 inline constexpr Result kBareFailure = -1;
 
 /// Returns kSuccess for 0.
@@ -51,10 +51,10 @@ Result ResultOf(SystemError inError);
 // The system's values for the flags. Unknown bits are ignored.
 std::uint32_t SystemAccess(FileAccessFlags::Type inAccess) noexcept;
 std::uint32_t SystemShareMode(FileShareModeFlags::Type inShareMode) noexcept;
-/// Combining several dispositions with OR yields another disposition, or none.
+/// Several dispositions combined with OR yield another disposition or an invalid one.
 std::uint32_t SystemDisposition(FileCreateDispositionFlags::Type inDisposition) noexcept;
 std::uint32_t SystemFlags(FileAttributesFlags::Type inAttributes) noexcept;
-/// Values that are not a method are treated as kFilePointer_Current.
+/// Invalid values are treated as kFilePointer_Current.
 std::uint32_t SystemMoveMethod(FilePointerMoveMethod::Type inMethod) noexcept;
 
 } // namespace Files

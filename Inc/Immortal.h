@@ -4,7 +4,7 @@
 
 namespace ORL {
 
-/// Keeps its value after static destruction, for threads of a host that still run then. Constant-initialised; the
+/// Keeps its value after static destruction, for host threads that are still running then. Constant-initialised; the
 /// system reclaims its memory at process exit.
 template <class T>
 union Immortal

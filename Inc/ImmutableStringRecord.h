@@ -40,7 +40,7 @@ public:
 
 private:
     AtomicValue mReferenceCount = 0; // handles; the table's entry does not count
-    const unsigned char* mStaticText; // the caller's; null in a dynamic record
+    const unsigned char* mStaticText; // owned by the caller; null in a dynamic record
     UTF8String mDynamicText;          // the copy, empty in a static record
 };
 

@@ -14,12 +14,13 @@
 
 namespace ORL {
 
-/// An ordered set of records, with a hash index that finds present texts without a walk of the set: with a million
-/// texts the walk costs twenty cache misses, the index one or two.
+/// An ordered set of records, with a hash index that finds texts without a search of the set: with a million texts the
+/// search costs twenty cache misses, the index one or two.
 ///
-/// Locking: a thread that adds or removes a record holds mGuard. A search that finds its text needs only a visit.
-/// Before a record or an index entry that a visitor may access is freed, visitors are excluded. So a record whose count
-/// is 0 can be found again only under the guard, and a purge reads the counts while no visitor can find the records.
+/// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only a visit
+/// (SharedVisits). The table excludes visitors before it frees a record or index entry that they may access. So only a
+/// thread that holds the guard can find a record whose count is 0 again, and a purge reads the counts while no visitor
+/// can find the records.
 class ImmutableStringTable
 {
 public:
@@ -43,8 +44,8 @@ public:
 
     /// For process exit and unload: frees the records without handles, static ones too, and the index if no record is
     /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
-    /// since a thread that the system has stopped may hold the guard: if the table is in use, frees nothing. On unload
-    /// it is not in use.
+    /// since the guard may belong to a thread that the system has stopped: if the table is in use, frees nothing. On
+    /// unload it is not in use.
     void FreeWhatNobodyHolds();
 
     /// Returns the number of records in the table.
@@ -82,7 +83,7 @@ private:
         const unsigned char* mText;
         std::size_t mSize;
         std::atomic<std::uint64_t> mHash; // may be read before mRecord
-        std::atomic<Record*> mRecord;     // null in a free slot; stored last, so that a visitor sees the others
+        std::atomic<Record*> mRecord;     // null in a free slot; stored last, so it publishes the others
     };
 
     /// The slots, in whole pages from the system: initially zero, and large tables may get huge pages.
@@ -124,7 +125,7 @@ private:
 
     const CriticalSection& mGuard; // guards all of the below
     Records mRecords;
-    Places mIndex; // visits may read its slots
+    Places mIndex; // visitors may read its slots
     SharedVisits mVisits;
 };
 

@@ -13,8 +13,8 @@ namespace Locale {
 void Initialize();
 
 /// Returns the locale of that name; an empty name means the user's locale. Its number punctuation is that of
-/// NumberToString, so a number written by that function reads back, even if the C library lacks the locale. Returns the
-/// classic locale for an unknown name. Never throws: it runs at load.
+/// NumberToString, so a number written by that function can be read back, even if the C library lacks the locale.
+/// Returns the classic locale for an unknown name. Never throws: it runs at load.
 std::locale MakeLocale(const char* inName) noexcept;
 
 /// Returns the number of a typed text, with inNative in place of the user's locale.

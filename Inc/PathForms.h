@@ -19,8 +19,8 @@ bool IsRootedPath(const UTF16String& inPath) noexcept;
 bool IsDriveRootPath(const UTF16String& inPath) noexcept;
 
 /// Returns the shell's display name of the path's last component and removes that component from ioPath, so that a
-/// caller can walk up. Paths of 261 characters or more are not passed to the shell; one that ends in a backslash is
-/// then returned whole and not shortened.
+/// caller can walk up. Paths of 261 characters or more are not passed to the shell; such a path that ends in a
+/// backslash is returned whole, and ioPath is not changed.
 UTF16String GetLeafDisplayName(UTF16String& ioPath);
 
 /// Queries the directory for temporary files like the system's GetTempPath: returns the length, or the size needed.

@@ -11,7 +11,7 @@ namespace ORL {
 struct RegistryTransactionManager
 {
     void* mTransaction = nullptr;
-    bool mFallsBack = false; // without a transaction, work directly on the registry instead of failing
+    bool mFallsBack = false; // if there is no transaction: true works directly on the registry, false fails
 };
 
 /// Owns the handle of one key. Not thread-safe: Open and Create replace the handle.

@@ -10,7 +10,7 @@ namespace ORL {
 
 /// Steps that the model checks omit one by one, to prove that they detect each omission.
 enum class VisitStep {
-    kTakesPlaceFirst, // a visitor takes its slot before it tests whether visitors are excluded
+    kTakesPlaceFirst, // a visitor claims its slot before it tests whether visitors are excluded
     kShutsFirst,      // a writer excludes visitors before it tests the slots
 };
 
@@ -56,8 +56,8 @@ public:
     SharedVisitsOf(const SharedVisitsOf&) = delete;
     SharedVisitsOf& operator=(const SharedVisitsOf&) = delete;
 
-    /// While it exists and IsIn() is true, no ShutOut gets past its construction. Never waits: if a writer is active or
-    /// all slots tried are taken, IsIn() is false and the caller takes the writers' lock instead.
+    /// While it exists and IsIn() is true, the constructor of ShutOut waits. Never waits: if a writer is active or all
+    /// slots tried are taken, IsIn() is false and the caller takes the writers' lock instead.
     class Visit
     {
     public:
@@ -119,8 +119,8 @@ private:
         PlaceWord mIsTaken{0};
     };
 
-    // Both sides write first and test second, so either the visitor sees the exclusion or the writer sees the slot
-    // taken.
+    // Both sides write first and then test, so either the visitor sees the exclusion or the writer sees that the slot
+    // is taken.
     PlaceWord* Enter()
     {
         const bool wasShut = !Policy::Keeps(VisitStep::kTakesPlaceFirst) && mIsShut.load();

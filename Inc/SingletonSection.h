@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-/// Returns the section at an address, which must not be null.
+/// Returns the critical section at an address, which must not be null.
 CriticalSection& CheckedSingletonSection(CriticalSection* sCriticalSectionPtr);
 
 } // namespace ORL

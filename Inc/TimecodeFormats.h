@@ -15,8 +15,8 @@ namespace TimecodeLocal {
 tvxmediatypes::FrameRate GetFrameRateForDisplayMode(tvxmediatypes::TimeDisplay inTimeDisplay,
                                                     const tvxmediatypes::FrameRate& inFrameRate);
 
-/// Returns the time of a label, folded into one day. A time below minus one day is folded further down instead of up,
-/// until the count wraps around: a time that far below zero ends just below kTime_Max.
+/// Returns the time of a label, folded into one day. A time below minus one day is folded in the wrong direction: days
+/// are subtracted until the count wraps around, so the result is just below kTime_Max.
 tvxmediatypes::TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames, bool inIsNegative,
                                    const tvxmediatypes::FrameRate& inFrameRate,
                                    tvxmediatypes::TimeDisplay inTimeDisplay);

@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any type with the fields of WaitableGate, in the types of the policy.
+/// Works on any type with the fields of WaitableGate whose types are those of the policy.
 ///
 /// No wake-up is lost: Open sets the flag, then locks the mutex; Wait locks the mutex, then reads the flag. So either
 /// the waiter sees the flag, or the opener sees the waiter.
@@ -30,7 +30,7 @@ public:
         return WaitAsleep(ioGate, inMilliseconds, Policy::SpinTurns());
     }
 
-    /// Same as Wait(-1), but spins longer before it sleeps: the threads that will open the gate are on their way, but
+    /// Same as Wait(-1), but spins longer before it sleeps: the threads that will open the gate are expected soon, but
     /// may have to be woken first.
     template <class Gate>
     static Result WaitPatiently(Gate& ioGate)
@@ -119,7 +119,7 @@ private:
         return kSuccess;
     }
 
-    // The flag does not decide here: a gate that is opened and closed at once still releases its waiters.
+    // Does not test the flag: a gate that is opened and closed at once still releases its waiters.
     template <class Gate>
     static bool IsStillShut(Gate& ioGate, std::uint32_t inGeneration)
     {
@@ -151,7 +151,8 @@ private:
             Policy::Pause(turn);
         }
         ioLock.lock();
-        // The flag is not enough: its opener is about to lock the mutex, and will find this thread counted.
+        // Testing the flag is not enough: the opener sets it before it locks the mutex, and this thread must count as a
+        // waiter until then.
         return Policy::Read(ioGate.mGeneration) != inGeneration;
     }
 };

@@ -23,7 +23,7 @@ public:
     /// Makes this object the pool.
     WaitableGatePoolAlgorithm() : mMaxIdleGates(10)
     {
-        // Reserved, so that returning a gate never allocates.
+        // Reserves the capacity here, so that returning a gate never allocates.
         Policy::Write(mGates).reserve(mMaxIdleGates);
         sPool = this;
     }
@@ -93,8 +93,8 @@ public:
         return Policy::Read(mGates).size();
     }
 
-    /// Null before the pool is constructed and after it has been destroyed. Atomic, so that a reader of the pointer
-    /// also sees the constructed pool: call_once of Boost orders this too, but sanitizers cannot see it.
+    /// Null before the pool is constructed and after it has been destroyed. Atomic, so that a thread that reads the
+    /// pointer also sees the constructed pool. Boost's call_once guarantees this too, but sanitizers cannot detect it.
     static inline std::atomic<WaitableGatePoolAlgorithm*> sPool{nullptr};
 
 private:

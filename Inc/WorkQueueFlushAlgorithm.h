@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any type with the rendezvous fields of ThreadedWorkQueueFlush, in the types of the policy.
+/// Works on any type with the rendezvous fields of ThreadedWorkQueueFlush whose types are those of the policy.
 ///
 /// A thread of the queue takes a function only after it has finished the previous one, and functions start in the order
 /// in which they were queued. So when one item for each thread is in Process, every thread has taken one, and
@@ -23,14 +23,14 @@ public:
     /// The value of mArrivalsLeft while no flush has claimed the object: -1.
     static constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
-    /// Waits its turn and claims the object for a flush of inThreads items. Closes both gates.
+    /// Waits until the object is free and claims it for a flush of inThreads items. Closes both gates.
     template <class Flush>
     static void Claim(Flush& ioFlush, std::uint32_t inThreads)
     {
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
-            // The gate is open from the claim of another flush until that flush closes it. Many threads that retry at
-            // once would take the processors from that flush and from the items that it waits for.
+            // Between the claim of another flush and its closing of the gate, the gate is still open, so Wait returns
+            // at once. Threads that retry without a pause would take the processors from that flush and from its items.
             if (Policy::Keeps(Step::kFlushGivesWay)) {
                 Policy::GiveWay(turn);
             }
@@ -71,12 +71,12 @@ public:
     }
 
 private:
-    // A flush of an idle queue takes microseconds if no thread sleeps, and each sleep costs thirty or more: in the
-    // caller as well as in a thread of the queue, whose spin for its next function is limited.
+    // A flush of an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty or more, in the
+    // caller and in a thread of the queue, which spins only for a limited time before it sleeps.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
     // Returns true for the last arrival. It makes the object claimable before it opens the gate, so that a waiting
-    // flush can claim it as soon as it has passed.
+    // flush can claim the object as soon as the gate is open.
     template <class Flush>
     static bool Arrive(Flush& ioFlush)
     {

@@ -1,6 +1,5 @@
-// Floor: Core
-// Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with the results of
-// the home platform's processor.
+// Floor: Core Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with
+// the results of the x86-64 instructions.
 #pragma once
 
 #include <limits>

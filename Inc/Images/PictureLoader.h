@@ -10,18 +10,20 @@
 namespace ORL {
 namespace Images {
 
-/// Creates a bitmap of the resource of that number and type "PNG", with the rows exchanged: the last one on top.
-/// inLocalized chooses between FindLocalizedResource and LoadResource. Null if there is none or it cannot be decoded.
+/// Creates a bitmap of the resource of that number and type "PNG", with the rows in reverse order: the last one on top.
+/// Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns null if there
+/// is none or it cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// The same with the rows in their order. A failed lock is not detected: the bitmap is then transparent.
+/// The same without reversing the rows. A failed lock of the pixels is not detected: the bitmap is then transparent.
 HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// Creates a bitmap of a picture file, with the rows exchanged. Null if it cannot be read or decoded.
+/// Creates a bitmap of a picture file, with the rows in reverse order. Returns null if the file cannot be read or
+/// decoded.
 HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
 
-/// Decodes a PNG file to premultiplied pixels, with the rows in their order. Returns false, with outPicture untouched, if
-/// it cannot be decoded. Throws std::bad_alloc.
+/// Decodes a PNG file to premultiplied pixels, top row first. Returns false, with outPicture untouched, if it cannot be
+/// decoded. Throws std::bad_alloc.
 bool DecodePicture(const Resources::Bytes& inFile, PixelPicture& outPicture);
 
 } // namespace Images

@@ -9,12 +9,12 @@ namespace ORL {
 namespace Images {
 
 /// Premultiplies pixels: alpha in bits 24 to 31, colours below. Each colour becomes colour times alpha by 255, rounded
-/// exactly. The blocks are equal or do not overlap; alignment is free.
+/// exactly. The blocks must be identical or disjoint, and need not be aligned.
 void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
 using PremultiplyFunction = void(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
-/// One way to do it, the best first; the last ones work everywhere.
+/// One implementation of it. The fastest comes first; the last ones work on every processor.
 struct PremultiplyKernel
 {
     const char* mName;

@@ -2,7 +2,7 @@
 // The system functions for asynchronous unbuffered reads: a port that collects completions, files whose reads report to
 // it, and a plain thread that drains it.
 //
-// The home platform has all of this natively. On other systems a port is any implementation with these guarantees:
+// Windows has all of this natively. On other systems a port is any implementation with these guarantees:
 //   - a read that was started reports exactly once, through the port that its file is attached to;
 //   - completions arrive in any order; an empty packet arrives after those that were queued before it;
 //   - a port lives until it and the last file attached to it have been closed.
@@ -27,7 +27,7 @@ inline Handle InvalidHandle()
     return reinterpret_cast<Handle>(static_cast<std::intptr_t>(-1));
 }
 
-/// The system's state of one read in flight, in the home platform's layout. The caller passes it zeroed except for the
+/// The system's state of one read in flight, in the layout of Windows. The caller passes it zeroed except for the
 /// position; the system owns the system words until the read has completed.
 struct Overlapped
 {
@@ -43,7 +43,7 @@ struct Completion
 {
     Overlapped* mOverlapped;  // null for an empty packet
     std::uint32_t mBytesRead; // 0 for a read that failed
-    SystemError mRefusal = SystemErrors::kNoError; // why the read did not start; some systems detect that late
+    SystemError mRefusal = SystemErrors::kNoError; // the failure of a start, if detected late
 };
 
 /// Creates a port that one thread at a time drains. Returns 0, or the system error with a null port.
@@ -71,7 +71,8 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 /// Closes a file that has no read in flight.
 void CloseFile_Impl(Handle inFile);
 
-/// Makes reads of the file report to the port. A file is attached only once. Returns 0 or the system error.
+/// Attaches the file to a port, which then reports its reads. A file is attached only once. Returns 0 or the system
+/// error.
 SystemError AttachFile_Impl(Handle inPort, Handle inFile);
 
 /// Returns the alignment of positions, sizes and addresses for reads of this file, if the file has a more exact one
@@ -79,9 +80,9 @@ SystemError AttachFile_Impl(Handle inPort, Handle inFile);
 std::uint32_t GetReadAlignment_Impl(Handle inFile);
 
 /// Starts a read of an attached file. Returns 0 or 997 (pending) if the completion will arrive through the port. Any
-/// other number: the read was not started, and no completion will arrive. That is the result for a position, size or
-/// address that is not a multiple of the alignment (87), for bytes without a buffer (998), and on some platforms for a
-/// read that starts at or past the end (38), which fails on completion elsewhere. A buffer that is not writable fails
+/// other number: the read was not started, and no completion will arrive. Returns 87 if position, size or address is
+/// not a multiple of the alignment, 998 if the buffer is null and the size is not 0, and on some platforms 38 for a
+/// read that starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails
 /// with 998, here or in the completion's mRefusal. A read across the end returns fewer bytes.
 ///
 /// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
@@ -90,9 +91,9 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 /// Maximum number of delayed reads.
 inline constexpr std::size_t kMostReadsHeldBack = 32;
 
-/// Submits the delayed reads to the system. Returns how many of the reads started since the last call the system
-/// refused after all, counted from the newest; outError is the reason. A delayed read may complete before this call if
-/// a packet is posted after it.
+/// Submits the delayed reads to the system. Returns how many reads the system refused; these are the newest ones of
+/// those started since the last call, and outError is the reason. A delayed read may complete before this call if a
+/// packet is posted after it.
 std::size_t SubmitReads_Impl(SystemError& outError);
 
 /// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.

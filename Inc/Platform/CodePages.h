@@ -1,9 +1,9 @@
 // Floor: Platform
 // The system's conversions between a code page and 16-bit text.
 //
-// They return the same as the home platform's MultiByteToWideChar and WideCharToMultiByte with flags 0: bytes and units
-// without a counterpart become the page's best fit or its default character, so only an unknown page and a text longer
-// than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0 once, so that measuring and
+// They return the same as the Windows functions MultiByteToWideChar and WideCharToMultiByte with flags 0: bytes and
+// units without a counterpart become the page's best fit or its default character, so only an unknown page and a text
+// longer than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0 once, so that measuring and
 // converting use the same page.
 #pragma once
 
@@ -25,7 +25,7 @@ std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity);
 
-/// The same in the other direction.
+/// The same three functions in the other direction.
 std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits);
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,

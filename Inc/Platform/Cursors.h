@@ -6,7 +6,8 @@ namespace ORL {
 namespace Cursors {
 namespace Platform {
 
-/// Sets the pointer to a standard shape, by the home platform's number of it. Does nothing where there is no pointer.
+/// Sets the mouse pointer to a standard shape, identified by its Windows number. Does nothing on a platform without a
+/// pointer.
 void SetCursor_Impl(unsigned short inShape);
 
 } // namespace Platform

@@ -9,7 +9,7 @@ namespace ORL {
 namespace Directories {
 namespace Platform {
 
-/// The kind of an entry as a listing reports it, the same as a query of the entry's path at that moment.
+/// The kind of an entry as a listing reports it. A query of the entry's path at that moment would return the same.
 enum class EntryKind {
     kDirectory,
     kOther,   // not a directory
@@ -41,12 +41,12 @@ void CloseListing_Impl(Listing* inListing);
 /// Returns whether two paths refer to the same directory; false if one cannot be queried.
 bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther);
 
-/// Creates a hidden file that must not exist yet and is certain to be deleted at the end, and writes one byte to it.
-/// Returns whether that succeeded.
+/// Creates a hidden file that must not exist yet, writes one byte to it and deletes it. It is deleted even if the
+/// process is killed. Returns whether that succeeded.
 bool WriteProbe_Impl(const UTF16String& inPath);
 
 /// Creates the directory and its missing parents. Returns the status of the system's path service: 0 for success. Other
-/// values are not system error numbers of the usual kind.
+/// values need not be system error numbers.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 
 /// Removes an empty directory.
@@ -57,8 +57,8 @@ enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
 /// Runs the shell's operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
 /// destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or a
-/// status of the shell that is not a system error number of the usual kind. Fails if there is nothing to copy or move;
-/// some versions of the home platform return 0 then.
+/// status of the shell, which need not be a system error number. Fails if there is nothing to copy or move; some
+/// versions of Windows return 0 then.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
 
 } // namespace Platform

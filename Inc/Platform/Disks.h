@@ -10,9 +10,9 @@ namespace ORL {
 namespace DiskUtils {
 namespace Platform {
 
-/// The volume to query: its root with a backslash at its end, and a path on it. On the home platform only the root is
-/// used. On Linux a drive is a tree of many file systems, so the one that holds the path, or would hold it, is queried:
-/// the path need not exist, the root must.
+/// The volume to query: its root with a backslash at its end, and a path on it. On Windows only the root is used. On
+/// Linux a drive is a tree of many file systems, so the one that holds the path, or would hold it, is queried: the path
+/// need not exist, the root must.
 struct Volume
 {
     UTF16String mRoot;

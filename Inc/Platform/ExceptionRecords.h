@@ -1,5 +1,4 @@
-// Floor: Platform
-// The contents of an exception record of the home platform.
+// Floor: Platform The contents of a Windows exception record.
 #pragma once
 
 #include <cstdint>

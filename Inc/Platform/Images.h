@@ -1,7 +1,6 @@
-// Floor: Platform
-// What pictures need of the system: a decoder that gives access to 32-bit pixels, and bitmaps.
+// Floor: Platform The system functions for pictures: a decoder that gives access to 32-bit pixels, and bitmaps.
 //
-// Statuses are the decoder's own; 0 is success. Formats are the home platform's numbers.
+// Statuses are the decoder's own; 0 is success. Formats are Windows numbers.
 #pragma once
 
 #include <ORLNativeHandles.h>
@@ -22,24 +21,25 @@ inline constexpr unsigned int kLockReadWrite = 3;
 
 namespace Platform {
 
-/// A picture of the decoder, with the status of its making.
+/// A picture of the decoder, and the status of its creation.
 struct Picture;
 
-/// Bytes that the decoder reads, which may move in memory until then. Null if there is no memory.
+/// Returns a block for bytes that the decoder will read; null if out of memory. Until then the block may move in
+/// memory.
 struct MemoryCopy;
 MemoryCopy* CopyToMemory_Impl(const void* inData, std::size_t inSize);
 
-/// A stream over a copy, which it takes over. Null if it cannot be made; the copy is then freed.
+/// Returns a stream over a copy, which it then owns. Returns null and frees the copy if it cannot be created.
 struct Stream;
 Stream* CreateStream_Impl(MemoryCopy* inCopy);
 void ReleaseStream_Impl(Stream* inStream);
 
-/// Null if there is no memory for the object itself; every other failure stands in its status. The stream must outlive
-/// the picture.
+/// Returns null if there is no memory for the object itself; its status reports every other failure. The stream must
+/// outlive the picture.
 Picture* CreateFromStream_Impl(Stream* inStream);
 Picture* CreateFromFile_Impl(const UTF16String& inPath);
 
-/// A picture over a block of the caller's, which must outlive it.
+/// Returns a picture over the caller's block, which must outlive the picture.
 Picture* CreateOnBlock_Impl(unsigned int inWidth, unsigned int inHeight, std::size_t inStride, int inFormat,
                             unsigned char* inBlock);
 
@@ -48,20 +48,21 @@ unsigned int GetWidth_Impl(const Picture* inPicture);
 unsigned int GetHeight_Impl(const Picture* inPicture);
 void DisposePicture_Impl(Picture* inPicture);
 
-/// Pixels of a locked picture. A failed lock leaves none.
+/// The pixels of a locked picture. None after a failed lock.
 struct LockedPixels
 {
     unsigned char* mPixels = nullptr; // the row at the top
     std::ptrdiff_t mStride = 0;       // bytes from one row to the next
-    void* mLock = nullptr;            // the platform's
+    void* mLock = nullptr;            // private to the platform
 };
 
-/// Gives access to the whole picture in a format. Returns the status. A success owes UnlockPixels_Impl.
+/// Gives access to the whole picture in a format. Returns the status. After success the caller must call
+/// UnlockPixels_Impl.
 int LockPixels_Impl(Picture* inPicture, unsigned int inMode, int inFormat, LockedPixels& outPixels);
 void UnlockPixels_Impl(Picture* inPicture, LockedPixels& ioPixels);
 
-/// Makes a native bitmap of a picture over a block, transparent where the picture is. Returns the status. A platform
-/// whose bitmaps are such blocks takes the block over.
+/// Creates a native bitmap from a picture over a block; transparent pixels stay transparent. Returns the status. On a
+/// platform whose bitmaps are such blocks, the bitmap takes ownership of the block.
 int CreateBitmap_Impl(Picture* inPicture, std::unique_ptr<unsigned char[]>& ioBlock, HBITMAP& outBitmap);
 
 void DeleteBitmap_Impl(HBITMAP inBitmap);

@@ -7,7 +7,7 @@
 namespace ORL {
 namespace MemoryRegions {
 
-/// States, as numbers of the home platform.
+/// States, as Windows numbers.
 inline constexpr std::uint32_t kCommitted = 4096;
 inline constexpr std::uint32_t kReserved = 8192;
 inline constexpr std::uint32_t kFree = 65536;

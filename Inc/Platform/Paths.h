@@ -26,8 +26,8 @@ inline constexpr unsigned long kInvalidAttributes = 0xFFFFFFFF;
 UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                           const UTF16String& inExtension);
 
-/// Returns whether the directory of the path has an entry of its last name, which may be a pattern. The root of a drive
-/// is not an entry.
+/// Returns whether the path's directory has an entry with the path's last name, which may be a pattern. The root of a
+/// drive is not an entry.
 bool FindEntry_Impl(const UTF16String& inPath);
 
 bool IsDirectory_Impl(const UTF16String& inPath);

@@ -8,8 +8,8 @@ namespace ORL {
 namespace ProcessClock {
 namespace Platform {
 
-/// Returns the milliseconds since the process began. On Linux the clock never goes backwards; on the home platform it
-/// is the C runtime's clock().
+/// Returns the milliseconds since the process began. On Linux the clock never goes backwards; on Windows it is the C
+/// runtime's clock().
 std::int64_t GetMilliseconds_Impl() noexcept;
 
 } // namespace Platform

@@ -1,6 +1,5 @@
-// Floor: Platform
-// System error numbers of the home platform. The platform functions report failures with these numbers on every
-// platform, so that the code above has the same results everywhere.
+// Floor: Platform Windows error numbers. The platform functions report failures with these numbers on every platform,
+// so that portable code returns the same results everywhere.
 #pragma once
 
 namespace ORL {

@@ -8,8 +8,8 @@ namespace ORL {
 namespace FailureReport {
 namespace Platform {
 
-/// Returns the system's message for one of the home platform's error numbers, in the user's language if available, with
-/// its line end "\r\n". Returns an empty text if the system has none. Thread-safe. Throws std::bad_alloc.
+/// Returns the system's message for a Windows error number, in the user's language if available, with its line end
+/// "\r\n". Returns an empty text if the system has none. Thread-safe. Throws std::bad_alloc.
 UTF16String SystemErrorMessage_Impl(unsigned int inError);
 
 } // namespace Platform

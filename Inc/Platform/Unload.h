@@ -6,8 +6,8 @@ namespace ORL {
 namespace Unload {
 namespace Platform {
 
-/// For destructors of static objects. Returns true if the library is being unloaded from a process that continues, so
-/// nothing uses it any more; false at process exit, when threads may still use all of it. Never throws.
+/// For destructors of static objects. Returns true if the library is being unloaded while the process continues:
+/// nothing uses the library any more. Returns false at process exit: threads may still use all of it. Never throws.
 bool IsUnloading_Impl() noexcept;
 
 } // namespace Platform

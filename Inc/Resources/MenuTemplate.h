@@ -17,7 +17,7 @@ struct ParsedMenu;
 struct ParsedMenuItem
 {
     UTF16String mText;
-    unsigned int mFlags = 0; // the home platform's bits
+    unsigned int mFlags = 0; // Windows bits
     unsigned int mID = 0;
     std::unique_ptr<ParsedMenu> mSubMenu;
 };

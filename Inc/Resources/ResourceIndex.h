@@ -51,9 +51,9 @@ public:
     /// Returns the unmodified text of a stored name; null for a number.
     const unsigned short* Text(const StoredName& inName) const noexcept;
 
-    /// Finds a resource as the home platform does: in the language, in its neutral sublanguage, in the neutral
-    /// language. If the primary language is 0, then in inUserLanguage, in its neutral sublanguage, in American English,
-    /// and in the first language that exists. Returns null if there is none.
+    /// Finds a resource as Windows does: in the language, in its neutral sublanguage, in the neutral language. If the
+    /// primary language is 0, then in inUserLanguage, in its neutral sublanguage, in American English, and in the first
+    /// language that exists. Returns null if there is none.
     const ResourceEntry* Find(const NameView& inType, const NameView& inName, unsigned short inLanguage,
                               unsigned short inUserLanguage) const;
 

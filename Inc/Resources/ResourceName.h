@@ -31,8 +31,8 @@ public:
         return name;
     }
 
-    /// Parses the home platform's form: a number in the pointer's value, or a terminated text, in which "#" and digits
-    /// are a number. Returns false for "#" and a number beyond 16 bits, which is invalid.
+    /// Parses the Windows form: a number in the pointer's value, or a terminated text, in which "#" and digits are a
+    /// number. Returns false for "#" and a number beyond 16 bits, which is invalid.
     static bool Parse(const unsigned short* inName, NameView& outName) noexcept;
 
     bool IsText() const noexcept { return mUnits != nullptr; }

@@ -2,8 +2,8 @@
 // The primitives of the library's synchronisation algorithms: atomics, locks, sleeping, memory.
 //
 // Gate, gate pool, request pool and busy list are templates over a policy. The library instantiates them with
-// SystemPolicy; the model checks use a policy in which the checker controls every operation, and other tests one whose
-// clock they set. A policy has the members of SystemPolicy:
+// SystemPolicy; the model checks use a policy in which the checker controls every operation, and other tests use one
+// whose clock the test sets. A policy has the members of SystemPolicy:
 //
 //   Flag, Word            an atomic boolean and an atomic unsigned 32-bit word; operations are sequentially consistent
 //   Guarded<T>            a value under a lock, accessed only through Read and Write, so that a checker detects an
@@ -13,11 +13,11 @@
 //   Lock, LockScope       the recursive lock for everything else, and its scope; TryLockScope only tries to lock
 //   New, Delete           create and delete objects
 //   StlAllocator<T>       the allocator of containers
-//   Pause, SpinTurns      one turn of a spin, and the number of turns of a thread that expects its event at once; 0 if
-//                         spinning cannot pay
+//   Pause, SpinTurns      one turn of a spin, and the number of turns for an event that is expected at once: 0 if
+//                         spinning is useless, as on one processor
 //   PatientTurns          the number of turns if the event depends on threads that may have to be woken first
-//   GiveWay               yields before a retry, after some tries also to threads of lower priority; takes the number
-//                         of earlier tries
+//   GiveWay               yields before a retry, after several tries also to threads of lower priority; takes the
+//                         number of earlier tries
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
 //                         the gate, and its pool
@@ -48,7 +48,7 @@ enum class Step {
     kRequestPoolClaims,         // a record is claimed by compare-and-set, not by a load and a store
     kBusyListOpensGate,         // the removal of the last request opens the gate
     kBusyListCountsWaiters,     // only the last waiter returns the gate
-    kFlushWaitsForTheEarlierOne, // a claimed flush waits until the items of the previous one have left
+    kFlushWaitsForTheEarlierOne, // after its claim a flush waits until the items of the previous one have left
     kFlushGivesWay,              // a flush that cannot claim the object yields before it retries
 };
 
@@ -89,7 +89,7 @@ struct SystemPolicy
     using MutexLock = boost::unique_lock<boost::mutex>;
     using Condition = boost::condition_variable;
 
-    /// Sleeps without limit. If there is no memory for the sleep, returns after a millisecond like a spurious wake-up.
+    /// Sleeps without a time limit. If out of memory, returns after a millisecond, like a spurious wake-up.
     static void SleepOn(Condition& ioCondition, MutexLock& ioLock);
     /// Returns false if the time ran out.
     static bool SleepOnFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
