@@ -34,7 +34,8 @@ void CoreMutex::LockSlowly() noexcept
             }
         }
     }
-    // A thread that has slept locks as kHeldAndWanted, since others may still sleep: at worst one wake too many.
+    // A thread that has slept locks as kHeldAndWanted, since others may still sleep: at worst this causes one needless
+    // wake.
     while (mState.exchange(kHeldAndWanted, std::memory_order_acquire) != kFree) {
         if (Platform::ProcessIsEnding_Impl()) {
             return; // the owner has been stopped, and no other thread is left

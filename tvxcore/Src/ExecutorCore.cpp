@@ -103,7 +103,7 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
     }
 }
 
-// The error manager is done with the text when the call returns, so it may be composed here. Exceptions of the report
+// The error manager does not use the text after it returns, so the text may be composed here. Exceptions of the report
 // itself are caught too: the thread continues.
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {

@@ -275,7 +275,7 @@ private:
         if (mustStay && ClaimSleepers(1) == 1) {
             return;
         }
-        // Asleep, or another thread has claimed this sleeper meanwhile: either way it is owed a wake.
+        // This sleeper is still asleep, or another thread has claimed it meanwhile: in both cases it is owed a wake.
         TakeWake();
     }
 

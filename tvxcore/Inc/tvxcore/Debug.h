@@ -1,4 +1,4 @@
-// Reports of failed checks, and the dialogs that a host installs to answer them.
+// Reports of failed checks, and the dialogs that a host installs to show them.
 #pragma once
 
 #include <tvxcore/Config.h>

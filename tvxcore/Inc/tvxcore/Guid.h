@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utility {
 
-/// A plain 16-byte value. Its memory is the identifier in the byte order of the home platform, and may be read as two
+/// A plain 16-byte value. Its memory is the identifier in the byte order of a Windows GUID, and may be read as two
 /// 64-bit little-endian words. A constexpr constant needs no initialisation at load. Only CreateUnique and AsString
 /// throw.
 class Guid

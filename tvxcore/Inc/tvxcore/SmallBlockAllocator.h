@@ -21,7 +21,7 @@ namespace utility {
 /// Owner:    the caller owns a block until Dispose.
 /// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
 ///           destructors of an ending thread.
-/// Failure:  Allocate returns null. Nothing throws but STLAllocator.
+/// Failure:  Allocate returns null. Only STLAllocator throws.
 /// On Windows: the exit of a process stops all threads but one at arbitrary points. The last thread is still served,
 ///             from its cache and from new pages; blocks that are not from its cache are then neither counted nor
 ///             freed.

@@ -1,4 +1,4 @@
-// The 64-bit integer under the name used by hosts of the home platform.
+// The 64-bit integer under the name that Windows hosts use.
 #pragma once
 
 #ifndef __int64

@@ -102,8 +102,8 @@ protected:
 };
 
 // The standard library formats and parses, using the two facets above. Their ids exist once, so that every module of a
-// process finds the same facet. All else is compiled into each module: explicit instantiation of the whole class would
-// take its inline functions from a library that may not export them.
+// process finds the same facet. Everything else is compiled into each module: explicit instantiation of the whole class
+// would take its inline functions from a library that may not export them.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>
