@@ -18,7 +18,7 @@ namespace {
 
 void TraceSwallowedWarning(const char* inZString, long inErrorID)
 {
-    // One site for all warnings.
+    // One trace site for all warnings.
     static tvxcore::debug::TraceSite sSite("ORLFoundation::TVXErrorManager", 1, true);
     if (!sSite.IsEnabled()) {
         return;

@@ -46,7 +46,7 @@ void FailToStart(AsyncReadRequest& ioRequest, SystemError inError)
 class HeldBackReads
 {
 public:
-    /// Returns true if it is full.
+    /// Returns true if the list is full.
     bool Add(AsyncReadRequest& ioRequest)
     {
         mRequests[mCount++] = &ioRequest;

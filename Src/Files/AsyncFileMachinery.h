@@ -10,10 +10,10 @@
 namespace ORL {
 namespace AsyncFiles {
 
-/// Null while the machinery is not running.
+/// Null while asynchronous reads are not started.
 extern Platform::Handle sCompletionPort;
 
-/// Starts every read on its one thread. Empty while the machinery is not running.
+/// Starts every read on its one thread. Empty while asynchronous reads are not started.
 extern boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue;
 
 /// The start of one read, as queued in the executor: small enough that a boost::function stores it without allocating.

@@ -28,7 +28,7 @@ void CloseFile(Handle& ioFile, AsyncReadBusyRequests& ioBusyRequests)
     }
 }
 
-// Takes the request back if it cannot be queued, because memory is exhausted or there is no executor.
+// Removes the request again if it cannot be queued, because memory is exhausted or there is no executor.
 class RequestOwner
 {
 public:
@@ -91,7 +91,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
     ORL_INPUT_CONTRACT(ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE);
     Handle& file = ioOpenedAsyncFileReader.mImpl->mFileHandle;
     if (sCompletionPort == nullptr || file != INVALID_HANDLE_VALUE) {
-        return kBareFailure; // without a port no read would complete; an open file would be leaked
+        return kBareFailure; // without a port no read could complete, and the file would stay open
     }
     if (!PathUtils::ExistsOnDisk(inPath) || PathUtils::IsDirectory(inPath)) {
         return kBareFailure;
@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // A host folder may be on another disk than the root of its drive.
+    // On Linux a folder may be on another disk than the root of its drive.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

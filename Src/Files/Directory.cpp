@@ -59,7 +59,7 @@ bool Directory::IsDirectoryWriteable() const
     return TakesNewFiles(mPath);
 }
 
-// The status of the path service is mapped like a system error. It is not one of those numbers, so every failure
+// Maps the status of the path service like a system error. The status is no system error number, so every failure
 // becomes kGeneralFailure.
 Result Directory::CreateOnDisk(const UTF16String& inPath, bool)
 {
@@ -73,7 +73,7 @@ Result Directory::Delete(const UTF16String& inPath)
     return error == SystemErrors::kNoError ? kSuccess : Win::SystemErrorToORLResult(error);
 }
 
-// A failed query returns all bits set, so a path that cannot be queried counts as read-only.
+// A failed query returns all bits set, so a path that cannot be queried is reported as read-only.
 bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
 {
     ORL_INPUT_CONTRACT_AT(IsValidPath(inFullPath), "WinPathUtils", __LINE__);

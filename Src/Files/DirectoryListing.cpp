@@ -36,7 +36,7 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
 
 using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-// A directory without read permission counts as empty, and so does the root of a volume without any entry.
+// Treats a directory without read permission as empty, and also the root of a volume without any entry.
 bool CountsAsEmpty(SystemError inError)
 {
     using namespace SystemErrors;

@@ -58,7 +58,7 @@ Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAcces
 {
     ORL_INPUT_CONTRACT_AT(!IsOpen(), "WinFile", __LINE__);
     if (IsOpen()) {
-        return kGeneralFailure; // the open file would be lost
+        return kGeneralFailure; // otherwise the open file would be leaked
     }
     if (!inAllowDirectory) {
         ORL_ASSERT_AT(!PathUtils::IsDirectory(inFullPath), "WinFile", __LINE__, "ORL::File::Create");
@@ -70,7 +70,7 @@ Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAcces
     if (MayUseBuffer(inAccess, inShareMode, inAttributes) && mImpl->SetUpBuffer(inFullPath)) {
         attributes = attributes | FileAttributesFlags::kFileAttribute_NoBuffering;
     }
-    // If the open fails, the buffer stays, because hosts expect that; without an open file nothing uses it.
+    // Keeps the buffer if the open fails, because hosts expect that; without an open file nothing uses it.
     return ResultOf(CreateFile_Impl(PathUtils::ToNormalizedPath(inFullPath), SystemAccess(inAccess),
                                     SystemShareMode(inShareMode), SystemDisposition(inDisposition),
                                     SystemFlags(attributes), mImpl->mHandle));

@@ -32,7 +32,7 @@ Result File::SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRe
         return kPathNotFound;
     }
     const UTF16String backup = PathUtils::ToNormalizedPath(MakeUniqueTempPath(inRealPath));
-    // A backup that cannot be deleted stays; the swap succeeds all the same.
+    // A backup that cannot be deleted stays on disk; the swap still succeeds.
     return ResultOf(ReplaceFile_Impl(PathUtils::ToNormalizedPath(inRealPath), PathUtils::ToNormalizedPath(inTempPath),
                                      backup, BackupEnd::kIsDeleted));
 }

@@ -98,11 +98,11 @@ std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
             break;
         }
     }
-    // Two units are assumed to be a drive, which includes its backslash.
+    // A text of two units is assumed to be a drive, whose root includes the backslash.
     return length == 2 ? 3 : length;
 }
 
-// Returns one step up for each name from inAt on.
+// Returns a relative path with one ".." for each name from inAt on.
 UTF16String StepsUp(const UTF16String& inFrom, std::size_t inAt)
 {
     UTF16String steps;
@@ -132,7 +132,7 @@ bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16Str
     }
     UTF16String relative = StepsUp(from, common);
     if (common < to.size()) {
-        // The rest of the target keeps the backslash before it.
+        // Keeps the backslash before the rest of the target.
         relative += to.substr(to[common] == '\\' ? common : common - 1);
     }
     if (relative.size() >= kMaxPath) {
@@ -185,7 +185,7 @@ void GoUp(UTF16String& ioPath, std::size_t inRoot)
     }
 }
 
-// Resolves "." and ".." after the root. One at the end leaves no trailing backslash.
+// Resolves "." and ".." after the root. A ".." or "." at the end leaves no trailing backslash.
 UTF16String Canonical(const UTF16String& inPath)
 {
     const std::size_t root = RootLength(inPath);

@@ -54,7 +54,7 @@ UTF16String GetLeafDisplayName(UTF16String& ioPath)
     UTF16String name(ioPath, backslash + 1);
     const UTF16String whole = ioPath;
     ioPath.resize(backslash);
-    // If the shell fails, the plain leaf stays.
+    // If the shell fails, name stays the plain leaf.
     Platform::GetShellName_Impl(whole, name);
     return name;
 }

@@ -23,7 +23,7 @@ Factory& TheFactory()
 void SetFileBufferFactory(Factory inFactory)
 {
     const CriticalSectionLock lock(FoundationLifecycle().mLock);
-    Factory earlier(inFactory); // declared after the lock, so it is released while the lock is held
+    Factory earlier(inFactory); // declared after the lock, so it releases the old factory while the lock is held
     earlier.Swap(TheFactory());
 }
 

@@ -48,7 +48,7 @@ bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2)
         ORL_ASSERT_AT(x && y && n && y2, "Geometry", 111, "ORL::Geometry::SolveNaturalCubicSpline2D");
         return false;
     }
-    // One point needs no array, but its first element is written anyway.
+    // One point needs no element, but the code below always writes the first one.
     const std::unique_ptr<float[]> work = AllocateFloats(std::max<std::size_t>(n - 1, 1));
     float* const u = work.get();
     if (u == nullptr) {

@@ -70,7 +70,7 @@ const unsigned short* ScanFields(const unsigned short* inBegin, const unsigned s
         }
     }
     if (afterSeparator) {
-        outText.mFramesBegin = inEnd; // the whole text is feet
+        outText.mFramesBegin = inEnd; // the text ends in a separator: all before it is feet
         return nullptr;
     }
     return fieldCount == 1 ? SplitLoneNumber(inBegin, inEnd, outText) : nullptr;

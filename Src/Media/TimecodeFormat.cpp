@@ -40,7 +40,7 @@ class TextBuilder
 public:
     void Append(char inUnit) { *mEnd++ = static_cast<unsigned short>(inUnit); }
 
-    // For numbers from 0 to 99.
+    // Appends a number from 0 to 99.
     void AppendPair(unsigned inValue)
     {
         PutPair(mEnd, inValue);
@@ -142,7 +142,7 @@ void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
 }
 
-// Film has few rates, and a division by a constant compiles to a multiplication.
+// Only a few rates are common for film, and a division by a constant compiles to a multiplication.
 long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inRate)
 {
     if (inRate == tvxmediatypes::kFrameRate_Film24) {

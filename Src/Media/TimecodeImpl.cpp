@@ -162,7 +162,7 @@ void Timecode::PrivateImpl::UpdateHMSF()
     SplitCount(mTime.ToFrame64(rate), rate.GetTruncatedValue());
 }
 
-// A rate below one frame a second has no count to carry at, so everything stays in the frame field.
+// At a rate below one frame a second no count of frames fills a second, so all frames stay in the frame field.
 inline __attribute__((always_inline)) void Timecode::PrivateImpl::SplitCount(long long inCount,
                                                                              long long inFramesPerSecond)
 {

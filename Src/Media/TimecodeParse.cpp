@@ -51,7 +51,7 @@ const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned sh
             }
             continue;
         }
-        // A plain frame count allows no separator but the leading one.
+        // A plain frame count allows only the leading separator.
         if (!IsSeparator(*inUnit) || afterSeparator || inTimeDisplay == kTimeDisplay_Frames) {
             return inUnit;
         }
@@ -164,8 +164,8 @@ FrameRate NominalRate(const FrameRate& inRate)
 // A count equal to the rate stays as it is: only a larger one carries.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
-    // Texts rarely overflow, and one multiplication shows it: frames that fit in a second of ticks do not exceed the
-    // rate.
+    // The frame field rarely overflows, and one multiplication detects it: frames that fit in a second of ticks do not
+    // exceed the rate.
     constexpr long long kFewFrames = 1000000;
     constexpr long long kFewTicks = 1000000000000;
     const long long ticks = inRate.GetTicksPerFrame();
@@ -187,7 +187,7 @@ void CarryFrames(TypedFields& ioFields, const FrameRate& inRate)
     const int count = Wrapping::TruncateToInt(static_cast<double>(ioFields.mFrames) / frameRate.GetValue());
     ioFields.mFrames = Wrapping::Subtract(ioFields.mFrames, count * frameRate.GetTruncatedValue());
     ioFields.mSeconds = Wrapping::Add(ioFields.mSeconds, count);
-    // A rate without a nominal rate may keep more frames than a second has.
+    // If the rate has no nominal rate, the rest may exceed one second.
     ORL_ASSERT_MESSAGE_AT(!Overflows(ioFields.mFrames, frameRate),
                           "!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)", "", "Timecode", __LINE__,
                           "ORL::`anonymous-namespace'::SMPTEStringToTime");

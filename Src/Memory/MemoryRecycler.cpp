@@ -51,7 +51,8 @@ ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
     return sMemoryRecycler.mValue;
 }
 
-// These helpers are inline: for a hit, a call through the table of exported symbols would cost as much as their work.
+// These helpers are inline: on a hit, a call through the table of exported symbols would cost as much as the helpers
+// themselves.
 
 inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
 {

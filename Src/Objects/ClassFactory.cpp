@@ -14,7 +14,7 @@ namespace {
 
 using ClassMap = std::map<Guid, ClassMapEntry>;
 
-// Both words of an identifier are random except for a few bits.
+// Uses the words themselves as a hash: both are random except for a few bits.
 struct HashOfGuid
 {
     std::size_t operator()(const Guid& inID) const noexcept
@@ -23,8 +23,8 @@ struct HashOfGuid
     }
 };
 
-// A second index beside the ordered map: with a thousand classes, a lookup in the map costs ten cache misses, here one
-// or two.
+// A second index beside the ordered map: with a thousand classes, a lookup in the map costs ten cache misses, in this
+// index one or two.
 using ClassIndex = std::unordered_map<Guid, ClassMapEntry*, HashOfGuid>;
 using CategoryMap = std::map<Guid, std::vector<Guid>>;
 
@@ -48,7 +48,7 @@ CategoryMap& Categories()
 
 bool sWarnAboutUnregisteredClasses = true;
 
-// An existing class stays as it is. If this throws, nothing has changed.
+// Keeps an existing entry of the class. If this throws, nothing has changed.
 void AddClass(const ClassMapEntry& inEntry)
 {
     const auto [place, isNew] = Index().try_emplace(inEntry.mClassID, nullptr);

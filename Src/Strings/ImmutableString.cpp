@@ -122,7 +122,7 @@ int ImmutableString::Compare(const UTF8String& inOther) const
 int ImmutableString::Compare(const UTF16String& inOther) const
 {
     if (mRepresentation == nullptr) {
-        return -1; // whatever the text is
+        return -1; // a null handle is below every text
     }
     return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(inOther).c_str());
 }
@@ -138,7 +138,7 @@ int ImmutableString::Compare(const unsigned short* inOther) const
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
 {
     ImmutableString handle;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // already counted for this handle
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // the table has counted it
     return handle;
 }
 

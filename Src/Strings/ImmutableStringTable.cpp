@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t kFirstPlaces = 128; // fills one page
 
 // The process's table is created on first use and never destroyed. The pointer is atomic, so that every reader sees a
-// complete table: the ordering of Boost's once-only call is invisible to sanitizers.
+// complete table: sanitizers cannot detect the ordering that Boost's call_once guarantees.
 alignas(ImmutableStringTable) unsigned char sRoomForTable[sizeof(ImmutableStringTable)];
 std::atomic<ImmutableStringTable*> sTable{nullptr};
 boost::once_flag sTableOnce = BOOST_ONCE_INIT;
@@ -89,7 +89,7 @@ struct ExitAction
     ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeWhatNobodyHolds(); }
 };
 
-// The guard is destroyed only where the OS requires that of its locks; by then the other threads have ended.
+// Destroys the guard only on platforms whose locks must be destroyed; by then the other threads have ended.
 void MakeTable()
 {
     static const CriticalSection guard;
@@ -227,7 +227,7 @@ std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t in
     return inHash & (inIndex.Count() - 2);
 }
 
-// Called under the guard or in a visit. A text is usually in one of the first two places, but which one is
+// The caller must hold the guard or be in a visit. A text is usually in one of the first two places, but which one is
 // unpredictable. It is selected without a branch, because a mispredicted branch costs more than reading both.
 ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
 {
@@ -257,11 +257,11 @@ ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Place& inPlac
     if (record == nullptr || inPlace.mHash.load(std::memory_order_relaxed) != inKey.mHash || inPlace.mSize != inKey.mSize) {
         return nullptr;
     }
-    __builtin_prefetch(record, 1); // its count changes next; fetched while the texts are compared
+    __builtin_prefetch(record, 1); // prefetched during the comparison, since its count changes next
     return std::memcmp(inPlace.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
 }
 
-// Everything that may throw comes before the first visible change.
+// Does everything that may throw before the first visible change.
 ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool inIsStatic)
 {
     MakeRoomInIndex();
@@ -305,7 +305,7 @@ void ImmutableStringTable::AddToIndex(const Places& ioIndex, Record* inRecord, c
     place.mRecord.store(inRecord, std::memory_order_release);
 }
 
-// Called under the guard, with visitors shut out. Returns true if a record was removed.
+// The caller must hold the guard and exclude visitors. Returns true if a record was removed.
 bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
 {
     bool removed = false;

@@ -24,8 +24,8 @@ std::locale LocaleFor(const std::basic_ios<unsigned short>&)
     return tvxcore::utility::UTF16Locale();
 }
 
-// `copyfmt` copies the fill character and first asks the stream's own locale to widen the old one; a locale without a
-// facet for the unit throws.
+// `copyfmt` copies the fill character. For that, the stream first widens its old fill character with its own locale,
+// which throws if it has no facet for the unit.
 template <class Unit>
 void MakeItKnowItsUnit(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)
 {

@@ -97,7 +97,7 @@ void SplitString(const UTF16String& inString, const UTF16String& inSeparator, UT
         outSecond = std::move(secondText);
         return;
     }
-    // Everything that may throw comes before the first visible change.
+    // Does everything that may throw before the first visible change.
     outFirst.reserve(first.mSize);
     outSecond.reserve(second.mSize);
     outFirst.assign(first.mBegin, first.mSize);

@@ -33,7 +33,7 @@ QueueRef Find(const QueueMap& inQueues, ThreadPriorities::Type inPriority)
     return found != inQueues.end() ? found->second : QueueRef();
 }
 
-// The lock of the maps is held.
+// The caller must hold the lock of the maps.
 QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const Kind& inKind)
 {
     if (const QueueRef found = Find(ioQueues, inPriority)) {
@@ -45,13 +45,13 @@ QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const
     try {
         ioQueues.insert(QueueMap::value_type(inPriority, queue));
     } catch (...) {
-        queue->Stop(); // nobody else would stop it
+        queue->Stop(); // nothing else would stop it
         throw;
     }
     return queue;
 }
 
-// Lower priorities first.
+// Stops queues of lower priority first.
 void StopAll(QueueMap& ioQueues)
 {
     while (!ioQueues.empty()) {

@@ -47,7 +47,7 @@ void SystemPolicy::GiveWay(int inTurn)
     if (inTurn < kTurnsBeforeSleep) {
         std::this_thread::yield();
     } else {
-        SleepMilliseconds(1); // a yield runs no thread of lower priority, and many yielding threads load the machine
+        SleepMilliseconds(1); // yields never run threads of lower priority, and many of them load the machine
     }
 }
 
@@ -56,7 +56,8 @@ void SystemPolicy::SleepOn(Condition& ioCondition, MutexLock& ioLock)
     try {
         ioCondition.wait(ioLock);
     } catch (const std::bad_alloc&) {
-        // On Windows each wait on the condition variable allocates memory. Destructors wait too, and must not throw.
+        // On Windows each wait on the condition variable allocates memory, which may fail. Destructors wait too and
+        // must not throw.
         ioLock.unlock();
         SleepMilliseconds(1);
         ioLock.lock();

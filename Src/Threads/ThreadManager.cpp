@@ -59,7 +59,7 @@ bool IsInfoIndexAllocated()
     return sInfoIndexAllocated.load(std::memory_order_relaxed);
 }
 
-// The trace adds the thread's identifier to each line, so this line assigns a name to it.
+// The trace begins each line with the thread's identifier, so this line shows which name belongs to it.
 void TraceThread(const std::string& inName, const ThreadInfo& inInfo)
 {
     static tvxcore::debug::TraceSite sSite("ORL.ThreadManager", 1, true);
@@ -127,7 +127,7 @@ void RegisterThread(const ConstString& inThreadName, const ConstString& inCurren
     NameThread(*info);
 }
 
-// The slot is not cleared: a thread unregisters as its last act.
+// Does not clear the slot: a thread unregisters immediately before it ends.
 void UnregisterThread()
 {
     ORL_CONTRACT_AT_(IsInfoIndexAllocated(), "sInfoIndexAllocated", __FILE__, __LINE__,

@@ -70,7 +70,8 @@ unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
         try {
             queuedSuccessfully = mQueue->QueueRequest(ThreadedWorkQueue::Request(this));
         } catch (const std::bad_alloc&) {
-            // Treat exhausted memory like a refusal of the queue: the items already queued must not wait for this one.
+            // Exhausted memory is treated like a refusal by the queue: the items already queued must not wait for this
+            // one.
         }
         ORL_ASSERT_IN(queuedSuccessfully, "ORL::ThreadedWorkQueueFlush::Flush");
         queued += queuedSuccessfully ? 1 : 0;
