@@ -77,7 +77,7 @@ bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_
                   Completion& outCompletion)
 {
     outCompletion.mOverlapped = &inOverlapped;
-    // The kernel checks the buffer only when it fills it; the home platform checks it at the start.
+    // The kernel checks the buffer only when it fills it; Windows checks it at the start.
     if (inReturned == -EFAULT) {
         outCompletion.mRefusal = SystemErrors::kErrorNoAccess;
         return true;
@@ -161,7 +161,7 @@ SystemError GoThroughCache(AsyncFile& ioFile)
     return ioFile.mGoesThroughCache ? kNoError : SystemErrorFromErrno(errno);
 }
 
-// Unaligned reads fail for every file, as on the home platform, even if this file could serve them.
+// Unaligned reads fail for every file, as on Windows, even if this file system accepts them.
 SystemError LearnAlignment(AsyncFile& ioFile)
 {
     ioFile.mAlignment = kSmallestSector;
@@ -170,7 +170,7 @@ SystemError LearnAlignment(AsyncFile& ioFile)
     }
     const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, true);
     if (alignment == 0) {
-        return GoThroughCache(ioFile); // the open succeeded, but this file has no direct reads
+        return GoThroughCache(ioFile); // the open succeeded, but this file does not support direct reads
     }
     ioFile.mAlignment = alignment;
     return kNoError;
@@ -182,8 +182,8 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
     return all % inFile.mAlignment == 0;
 }
 
-// On the home platform a read at or after the end fails; the kernel would report success with 0 bytes. A seek is the
-// cheapest query of the size. It moves only the descriptor's own position, which is not used.
+// On Windows a read at or after the end fails; this kernel would report success with 0 bytes. A seek is the cheapest
+// query of the size. It moves only the descriptor's own position, which is not used.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
     if (!inFile.mIsRegular) {
@@ -196,7 +196,7 @@ SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
     return inPosition >= static_cast<std::uint64_t>(end) ? kErrorHandleEof : kNoError;
 }
 
-// Owned by the thread itself and by the owner of its handle; the last of them deletes it.
+// Shared by the thread itself and the owner of its handle; the last of the two deletes it.
 struct Thread
 {
     pthread_t mThread;
@@ -226,7 +226,8 @@ void* RunThread(void* inThread)
     return nullptr;
 }
 
-// Valgrind runs one thread at a time and cannot detect that a thread sleeps in a ring, so all other threads would stop.
+// Valgrind runs one thread at a time and cannot detect that a thread sleeps in a ring, so that thread would block all
+// others.
 bool IsRingUnwanted()
 {
     return RUNNING_ON_VALGRIND != 0;
@@ -350,7 +351,7 @@ std::size_t SubmitReads_Impl(SystemError& outError)
     return port != nullptr ? port->Submit(outError) : 0;
 }
 
-// The thread blocks all signals of the process, because their handlers expect to run on the host's threads.
+// Blocks all signals on this thread, because signal handlers of the host expect to run on the host's threads.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread)
 {
     outThread = nullptr;

@@ -71,11 +71,11 @@ public:
 struct AsyncFile
 {
     int mDescriptor = -1;
-    bool mIsRegular = false;       // the end of the file is checked; not so for block devices
+    bool mIsRegular = false;       // the end of the file is checked, except for block devices
     bool mGoesThroughCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
-    ShareHolder mShares; // registers the reader in the share modes
+    ShareHolder mShares; // registers the reader with the share modes
 };
 
 /// Makes a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
@@ -86,11 +86,11 @@ std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 /// ring was requested. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
-/// Repeats calls that were interrupted or found the system temporarily short of a resource.
+/// Decides whether to repeat calls that were interrupted or failed because of a temporary shortage.
 class Retries
 {
 public:
-    /// Returns true if the call that failed with this errno is worth another try, after waiting briefly if needed.
+    /// Returns true if the caller should repeat a call that failed with this errno. May wait briefly first.
     bool IsWorthwhile(int inErrno);
 
 private:

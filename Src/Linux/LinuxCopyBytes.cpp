@@ -18,8 +18,8 @@ constexpr std::size_t kLargestBuffer = std::size_t{128} << 10;
 
 // The largest file that is copied through a buffer, not by the kernel. Copying 40000 bytes took 31 us by the kernel and
 // 41 us through a buffer on xfs, and 40 us and 202 us on btrfs, because the kernel clones there. On tmpfs and ext4,
-// which do not clone, both took the same time at all sizes. On xfs the kernel gained nothing at 10 KiB and lost 7 us of
-// 52 at 1000 bytes.
+// which do not clone, both took the same time at all sizes. On xfs the kernel was no faster at 10 KiB, and 7 us of 52
+// us slower at 1000 bytes.
 constexpr std::uint64_t kSmallFile = std::uint64_t{16} << 10;
 
 class Buffer
@@ -93,7 +93,8 @@ private:
     {
         if (mUsesKernel) {
             const ssize_t moved = MoveByKernel();
-            // Some file systems refuse, and some report no size or no bytes to the kernel; a plain read decides.
+            // Some file systems refuse the kernel's copy, and some report a size of 0 or copy no bytes; only a plain
+            // read shows whether the file has contents.
             if (moved > 0 || (moved < 0 && !IsRefusal(errno))) {
                 return moved;
             }

@@ -18,9 +18,9 @@ int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::Copy
 /// What happens to attributes that the destination already has.
 enum class AttributesThere { kNone, kAreReplaced, kAreKept };
 
-/// Copies the user's extended attributes, which correspond to named streams on the home platform. kAreReplaced removes
-/// all others; with kAreKept the destination's own values win. Reports no error: a file system without attributes, or
-/// without space for them, does not make a copy fail.
+/// Copies the user's extended attributes, which correspond to named streams on Windows. kAreReplaced removes all
+/// others; with kAreKept existing attributes of the destination keep their values. Reports no error: a file system
+/// without attributes, or without space for them, does not make a copy fail.
 void CopyUserAttributes(int inFrom, int inTo, AttributesThere inThere);
 
 } // namespace Linux

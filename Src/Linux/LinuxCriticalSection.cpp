@@ -39,7 +39,8 @@ constexpr int kLongestPause = 32;
 
 } // namespace
 
-// Each poll takes the cache line away from the owner, who may need it often. The pauses between polls therefore double.
+// Each poll takes the cache line away from the owner, which may need it often. The pauses between polls therefore
+// double.
 bool PlatformLock::SpinAndTake(std::uintptr_t inSelf)
 {
     for (int pause = 1; pause <= kLongestPause; pause *= 2) {

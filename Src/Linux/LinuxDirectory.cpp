@@ -36,7 +36,7 @@ struct Listing
     enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
 };
 
-// One query decides for all folders in this one.
+// One query suffices for all folders in this one.
 EntryKind Listing::KindOf(const dirent64& inEntry)
 {
     if (inEntry.d_type == DT_UNKNOWN || inEntry.d_type == DT_LNK) {
@@ -165,7 +165,7 @@ bool WriteProbe_Impl(const UTF16String& inPath)
     return isWritten;
 }
 
-// Returns a status in the form of the home platform's path service, which only reports that a path is missing.
+// Returns a status in the form of the Windows path service, which only reports that a path is missing.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 {
     constexpr unsigned long kPathNotFoundStatus = 0x80070003;

@@ -11,8 +11,8 @@ namespace {
 
 using namespace SystemErrors;
 
-// At namespace scope and constructed without allocating: it exists before the first static object of a host and after
-// the last.
+// Constructed without allocating, and not destroyed at process exit: it exists before the first static object of a host
+// is constructed and after the last one is destroyed.
 UntilUnload<DriveTable> sDriveTable;
 
 std::size_t IndexOf(unsigned inLetter) noexcept

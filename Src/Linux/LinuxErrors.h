@@ -1,4 +1,4 @@
-// Converts an errno to the home platform's system error numbers.
+// Converts an errno to a Windows error number.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -8,11 +8,11 @@
 namespace ORL {
 namespace Linux {
 
-/// The operation on a path: one errno has different numbers for different operations.
+/// The operation on a path: one errno maps to different numbers for different operations.
 enum class PathOperation {
     kOpen,         // open, create, delete, query
     kMakeFolder,   // an existing name is 183, not 80
-    kMove,         // as above
+    kMove,         // an existing name is 183, not 80
     kRemoveFolder, // a file instead of the folder is 267
 };
 

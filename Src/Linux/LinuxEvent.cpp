@@ -52,8 +52,8 @@ timespec DeadlineAfter(std::uint32_t inMilliseconds)
     return deadline;
 }
 
-// Consumes the signal if it is set, and subtracts inLeaving from the waiters. The usual state is guessed, not read: an
-// exchange that need not wait for a read is a fifth faster.
+// Consumes the signal if it is set, and subtracts inLeaving from the waiters. Guesses the usual state instead of
+// reading it: a compare-and-set that does not wait for a read is a fifth faster.
 bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
 {
     std::uint64_t state = kSignalled + inLeaving;
@@ -133,14 +133,14 @@ unsigned long SetEvent_Impl(void* inEvent)
     FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
     const int released = event.mManualReset ? INT_MAX : 1;
     std::uint32_t* const word = event.FutexWord();
-    // Writes the signal even if it is already set: the write publishes the caller's own stores. The state is guessed
+    // Writes the signal even if it is already set: the write publishes the caller's own stores. Guesses the state
     // first, as above.
     std::uint64_t state = 0;
     while (!event.mState.compare_exchange_weak(state, state | kSignalled)) {
     }
     if (state >= kOneWaiter && (state & kSignalled) == 0) {
-        // From here on the event may be destroyed. The kernel uses the address as a number only. A wake-up that finds
-        // no waiter, or an unrelated one, is harmless, so its failure is ignored.
+        // From here on the event may be destroyed. The kernel uses only the address as a number and does not read the
+        // memory. A wake-up that finds no waiter, or an unrelated one, is harmless, so its failure is ignored.
         ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, released, nullptr, nullptr, 0);
     }
     return 0;

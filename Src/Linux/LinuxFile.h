@@ -25,7 +25,7 @@ struct OpenFile
     std::uint32_t mAlignment = 512;    // of unbuffered reads and writes
     std::int64_t mPosition = 0;
     std::string mNameToDelete;         // not empty: the host path to delete when the file is closed
-    std::shared_ptr<const Descriptor> mFolderOfName; // keeps the folder open through which a long path leads
+    std::shared_ptr<const Descriptor> mFolderOfName; // keeps open the folder that a long path leads through
     FileIdentity mIdentity;
     ShareHolder mShares;
 
@@ -55,7 +55,7 @@ inline FileIdentity IdentityOf(const struct stat& inStatus)
     return FileIdentity{inStatus.st_dev, inStatus.st_ino};
 }
 
-/// Returns true if the file has no write permission at all, which the home platform reports as read-only.
+/// Returns true if the file has no write permission at all: the equivalent of the Windows read-only attribute.
 inline bool IsReadOnly(const struct stat& inStatus)
 {
     return (inStatus.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
@@ -85,9 +85,9 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::un
 /// Returns the status of a name; for a link, of the link itself.
 SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus);
 
-/// Briefly registers a use of a name, so that it can be deleted or moved: requests the access inUses and shares
-/// inShares. Only files and folders are registered; one that cannot be opened is registered inside this process only.
-/// Returns 0, 32 or the failure to find the name.
+/// Briefly registers a use of a name, so that it can be deleted or moved. inUses is the access that it uses, inShares
+/// the access that it shares. Only files and folders are registered; one that cannot be opened is registered inside
+/// this process only. Returns 0, 32 or the failure to find the name.
 class EntryHold
 {
 public:

@@ -49,7 +49,7 @@ SystemError HoldToDelete(const std::string& inHostPath, EntryHold& outHold, stru
     return error != kNoError ? error : outHold.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
 }
 
-// For file systems that cannot rename without replacing.
+// Used on file systems that cannot rename without replacing.
 SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
 {
     struct stat status;
@@ -61,7 +61,7 @@ SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
                                                                 : SystemErrorFromErrno(errno, inTo, PathOperation::kMove);
 }
 
-// Copies a link as a link, wherever it leads.
+// Copies a link as a link; ignores its target.
 SystemError CopyLink(const std::string& inSource, const std::string& inDestination)
 {
     char target[PATH_MAX];
@@ -78,7 +78,7 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
 {
     CopyWish wish;
     wish.mDisposition = kCreateNew;
-    wish.mStandsIn = true; // the source is deleted next
+    wish.mStandsIn = true; // the source is deleted afterwards
     return CopyHostFile(inSource, inDestination, wish);
 }
 
@@ -141,9 +141,9 @@ private:
     const int mOpenError;
 };
 
-// Moves by copying; fails with 5 for folders. The source is deleted after the copy and its name have been synced. Only a
-// link in a folder without read permission is not: no descriptor of its volume can be had. A source that cannot be deleted
-// stays beside the copy.
+// Moves by copying; fails with 5 for folders. The source is deleted after the copy and its name have been synced.
+// Exception: a link in a destination folder without read permission is not synced, because no descriptor of its volume
+// can be opened. If the source cannot be deleted, both files remain.
 SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestination, const struct stat& inStatus)
 {
     const FolderToSync folder(FolderOf(inDestination.mPath));
@@ -170,7 +170,7 @@ class Backup
 public:
     Backup(const HostPath& inPath, BackupEnd inEnd) : mPath(inPath), mGoes(inEnd == BackupEnd::kIsDeleted) {}
 
-    // A name that is too long for the file system could not be opened by anyone, so a temporary name replaces it.
+    // A name that is too long for the file system could never be opened, so a temporary name replaces it.
     SystemError Make(const HostPath& inReplaced)
     {
         const SystemError error = MakeOver(inReplaced);
@@ -183,7 +183,7 @@ public:
 
     void Remove() const { System().mUnlink(mPath.mPath.c_str()); }
 
-    // Call it when the new contents are synced.
+    // Call it after the new contents have been synced.
     void RemoveIfDone() const
     {
         if (mGoes) {
@@ -228,7 +228,7 @@ private:
     bool mGoes;
 };
 
-// One of the two files of a replacement, registered against other handles.
+// One of the two files of a replacement, registered with the share modes.
 struct Replacing
 {
     HostPath mPath;
@@ -241,7 +241,7 @@ struct Replacing
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
-    // A link stays and then leads to the new contents.
+    // Replaces the target of a link, so the link stays and leads to the new contents.
     SystemError FollowLink()
     {
         char target[PATH_MAX];
@@ -320,7 +320,7 @@ private:
     std::optional<FolderToSync> mReplacement; // if it is another folder
 };
 
-// Everything that needs memory or a descriptor comes before the exchange.
+// Acquires all memory and descriptors before the exchange.
 SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
     const BothFolders folders(inReplaced, inReplacement);

@@ -58,8 +58,8 @@ int OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
     return file;
 }
 
-// Opens an existing file. A write-only handle to a file without read permission is invisible to the share modes of
-// other processes, unless it shares nothing.
+// Opens an existing file. Share modes of other processes do not see a write-only handle to a file without read
+// permission, unless that handle shares nothing.
 int OpenExisting(const std::string& inPath, const OpenWish& inWish)
 {
     const int mode = DescriptorMode(inWish);
@@ -132,7 +132,7 @@ unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
            | (deletes ? kShareDelete : 0u);
 }
 
-// Bypasses the cache if the file system can. If it cannot, unaligned reads and writes fail all the same.
+// Bypasses the cache if the file system can. If it cannot, unaligned reads and writes fail nevertheless.
 void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;

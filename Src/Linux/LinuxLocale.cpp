@@ -11,7 +11,7 @@ std::locale FindLocale_Impl(const char* inName) noexcept
     try {
         return std::locale(inName);
     } catch (const std::exception&) {
-        return std::locale::classic(); // the environment names a locale that is not installed
+        return std::locale::classic(); // the locale named by the environment is not installed
     }
 }
 

@@ -82,8 +82,7 @@ unsigned SmallestOfSize(std::size_t inSize) noexcept
     return inSize == 2 ? 0x80 : inSize == 3 ? 0x800 : 0x10000;
 }
 
-// Decodes one character of two to four bytes. Unpaired surrogates are accepted, because a name from the home platform
-// may contain one.
+// Decodes one character of two to four bytes. Unpaired surrogates are accepted, because a Windows name may contain one.
 Sequence ReadSequence(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     const unsigned first = inBytes[0];

@@ -27,7 +27,7 @@ struct PortList
     std::uintptr_t mLastNumber = 0; // counts all ports ever opened, so that no handle is reused
 };
 
-// A thread that was never joined may still call at process exit.
+// A thread that was never joined may still use the ports at process exit.
 Immortal<PortList> sPorts;
 
 // Returns the link that owns the port, or the null link at the end of the list. The lock is held.

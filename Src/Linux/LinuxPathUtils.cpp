@@ -175,7 +175,7 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath)
     if (ResolveHostPath(inPath, path) != kNoError) {
         return false;
     }
-    // In pieces, each as long as the kernel accepts.
+    // Changes the folder in steps, each as long as the kernel accepts.
     std::string rest = std::move(path.mPath);
     Descriptor folder;
     while (rest.size() >= PATH_MAX) {
@@ -210,8 +210,7 @@ bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF
     return HomeText::Combine(inBase, inMore, outPath);
 }
 
-// Uses $TMPDIR if it is an absolute path, otherwise /tmp. Does not check that the folder exists, like the home
-// platform.
+// Uses $TMPDIR if it is an absolute path, otherwise /tmp. Like Windows, does not check that the folder exists.
 unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
 {
     const char* folder = std::getenv("TMPDIR");
@@ -233,7 +232,7 @@ unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
     return static_cast<unsigned long>(path.size());
 }
 
-// Linux has no shell names: the caller uses each name as it is.
+// Linux has no display names, so the caller shows the plain name.
 bool GetShellName_Impl(const UTF16String&, UTF16String&)
 {
     return false;

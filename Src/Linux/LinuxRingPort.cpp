@@ -17,8 +17,8 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// Places for the reads held back, a packet, and entries that the kernel refused. The completion queue has space for
-// every read that can be in flight, and an empty packet.
+// The submission queue has space for the reads held back, a packet, and entries that the kernel refused. The completion
+// queue has space for every read that can be in flight, and an empty packet.
 constexpr unsigned kSubmissions = 4 * kMostReadsHeldBack;
 constexpr unsigned kCompletions = 4096;
 
@@ -30,8 +30,8 @@ Overlapped sWithdrawn{};
 Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the one that completes it only through the kernel, which the C++
-// memory model does not cover. The hand-over therefore uses explicit atomics. Meanwhile the record stores the whole
-// order; mEvent, otherwise unused, stores the size.
+// memory model does not cover. The hand-over therefore uses explicit atomics. Meanwhile the record stores everything
+// about the read; mEvent, otherwise unused, stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;
@@ -180,7 +180,7 @@ private:
         return entry != nullptr || Submit() != 0 ? entry : ::io_uring_get_sqe(&mRing);
     }
 
-    // If the alarm cannot be set, only a close without a packet can no longer wake the waiting thread.
+    // If the alarm cannot be set, the only loss is that a close without a packet cannot wake the waiting thread.
     void SetAlarm()
     {
         const std::lock_guard<std::mutex> lock(mSubmitting);

@@ -160,7 +160,7 @@ bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
               });
 }
 
-// Returns true if the conflict lasts. A holder that only tries to enter disappears within a moment.
+// Returns true if the conflict lasts. A holder whose registration fails releases its locks within a moment.
 bool StaysHeld(int inDescriptor, unsigned inBytes) noexcept
 {
     constexpr int kLooks = 3;
@@ -182,8 +182,8 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
-// A holder that shares nothing excludes all others: one write lock expresses that, and acquires and tests in one step.
-// It needs a writable descriptor; returns kNoLocks if this one is not.
+// A holder that shares nothing excludes all others. One write lock on all bytes does that, and acquires and tests in
+// one step. It needs a writable descriptor; returns kNoLocks if this one is not.
 Outcome TakeAlone(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;

@@ -1,4 +1,4 @@
-// The home platform's share modes, between all handles of the process and with other processes that use this library.
+// Windows share modes, between all handles of the process and with other processes that use this library.
 //
 // The rule: a holder uses some kinds of access (read, write, delete) and shares some. Two holders of one file conflict
 // if one of them uses a kind that the other does not share. A holder that uses nothing never conflicts.

@@ -13,7 +13,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// A few reads at once keep a disk busy; more threads only cost.
+// A few concurrent reads keep a disk busy; more threads only add cost.
 constexpr std::size_t kThreads = 8;
 
 // Space for every read that can be in flight, and an empty packet.
@@ -21,7 +21,7 @@ constexpr std::size_t kPlaces = 4096;
 
 struct Finished
 {
-    ReadOrder mOrder; // an order without a file is an empty packet
+    ReadOrder mOrder; // an entry without a file is an empty packet
     std::int64_t mReturned;
 };
 
@@ -60,7 +60,7 @@ private:
     std::size_t mCount = 0;
 };
 
-/// Starts a thread if a read finds none idle. The threads end with the port.
+/// Starts a thread if a read is queued and no thread is idle. The threads end with the port.
 class ThreadPort : public CompletionPort
 {
 public:
@@ -106,7 +106,7 @@ public:
         return SystemErrors::kErrorIoPending;
     }
 
-    // This port holds nothing back.
+    // This port delays no reads.
     std::size_t Submit(SystemError& outError) override
     {
         outError = SystemErrors::kNoError;

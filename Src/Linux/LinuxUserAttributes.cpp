@@ -13,7 +13,7 @@ namespace Linux {
 namespace {
 
 constexpr char kPrefix[] = "user.";
-constexpr std::size_t kLargestValue = 65536; // of any attribute, and of any list of attribute names
+constexpr std::size_t kLargestValue = 65536; // maximum size of an attribute, and of a list of attribute names
 
 // Calls inCall(name) for each attribute in the user namespace.
 template <class Call>
@@ -21,7 +21,7 @@ void ForEachUserAttribute(int inFile, Call inCall)
 {
     const ssize_t size = System().mFListXAttr(inFile, nullptr, 0);
     if (size <= 0) {
-        return; // true for nearly all files
+        return; // nearly all files have none
     }
     std::vector<char> names(kLargestValue);
     const ssize_t listed = System().mFListXAttr(inFile, names.data(), names.size());

@@ -19,7 +19,7 @@ static_assert(offsetof(Overlapped, mPositionLow) == offsetof(OVERLAPPED, Offset)
 static_assert(offsetof(Overlapped, mPositionHigh) == offsetof(OVERLAPPED, OffsetHigh));
 static_assert(offsetof(Overlapped, mEvent) == offsetof(OVERLAPPED, hEvent));
 
-// One thread drains the port.
+// The concurrency is 1, because one thread drains the port.
 constexpr DWORD kConcurrency = 1;
 
 OVERLAPPED* AsSystem(Overlapped* inOverlapped)
@@ -73,7 +73,7 @@ bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
     const bool result = ::GetQueuedCompletionStatus(inPort, &bytes, &key, &overlapped, INFINITE) != FALSE;
     outCompletion.mOverlapped = reinterpret_cast<Overlapped*>(overlapped);
     outCompletion.mBytesRead = bytes;
-    outCompletion.mRefusal = SystemErrors::kNoError; // the system refuses reads when they start
+    outCompletion.mRefusal = SystemErrors::kNoError; // the system refuses reads at their start, not on completion
     return result;
 }
 
@@ -97,7 +97,7 @@ SystemError AttachFile_Impl(Handle inPort, Handle inFile)
 
 std::uint32_t GetReadAlignment_Impl(Handle)
 {
-    return 0; // the alignment of the volume
+    return 0; // 0: use the alignment of the volume
 }
 
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped)
@@ -109,7 +109,7 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 std::size_t SubmitReads_Impl(SystemError& outError)
 {
     outError = SystemErrors::kNoError;
-    return 0; // this port holds nothing back
+    return 0; // this port delays no reads
 }
 
 SystemError StartThread_Impl(const char*, void (*inBody)(void*), void* inArgument, Handle& outThread)

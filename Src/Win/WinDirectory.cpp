@@ -83,7 +83,7 @@ SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry)
     return ioListing.mEnd;
 }
 
-// Nothing to do: a process can have millions of handles.
+// Does nothing: a process can have millions of handles.
 void Suspend_Impl(Listing&)
 {
 }

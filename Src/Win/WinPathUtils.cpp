@@ -19,7 +19,7 @@ namespace {
 using ORL::Win::AsUnits;
 using ORL::Win::AsWide;
 
-// Why the shell could not return a name.
+// The reasons why the shell could not return a name.
 struct ShellFailure
 {
     HRESULT mStatus;

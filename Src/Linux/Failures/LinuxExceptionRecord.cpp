@@ -34,7 +34,7 @@ enum Code : std::uint32_t {
     kPrivilegedInstruction = 0xC0000096,
 };
 
-// Numbers of the processor's exceptions.
+// The processor's exception numbers.
 constexpr std::uint64_t kTrapBreakpoint = 3;
 constexpr std::uint64_t kTrapGeneralProtection = 13;
 constexpr std::uint64_t kTrapFloatX87 = 16;

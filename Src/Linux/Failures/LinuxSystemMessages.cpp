@@ -1,4 +1,4 @@
-// Texts for the error numbers of the home platform. This library words them itself.
+// Texts for Windows error numbers, in this library's own words.
 #include <Platform/SystemMessages.h>
 
 #include <ORLString.h>

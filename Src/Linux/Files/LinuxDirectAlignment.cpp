@@ -57,7 +57,7 @@ std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
     return sector != 0 ? sector : kSmallestSector;
 }
 
-// Returns true if the kernel accepts a direct read that has this alignment and no larger one.
+// Returns true if the kernel accepts a direct read with exactly this alignment.
 bool TakesAlignment(int inFile, std::uint32_t inAlignment) noexcept
 {
     alignas(kLargestSector) char bytes[2 * kLargestSector];

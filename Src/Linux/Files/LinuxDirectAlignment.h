@@ -1,4 +1,4 @@
-// The alignment that direct I/O needs, for volumes, unbuffered files and asynchronous readers.
+// The alignment that direct I/O requires, for volumes, unbuffered files and asynchronous readers.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -14,8 +14,8 @@ constexpr std::uint32_t kLargestSector = 4096;
 
 /// Returns the alignment of positions, sizes and addresses for a file that is open for direct I/O, at least
 /// kSmallestSector, or 0 if the file does not support direct I/O after all. Uses the alignment that the kernel reports.
-/// Otherwise tries the sector size of the device, then kLargestSector, with a read. Without read permission it returns
-/// kLargestSector untried.
+/// Otherwise returns the sector size of the device or kLargestSector: the first of the two with which a test read
+/// succeeds. Without read permission returns kLargestSector untested.
 std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept;
 
 /// Sets outSize to the same alignment for the entry at a host path, or to kSmallestSector if direct I/O is not

@@ -109,8 +109,8 @@ int SyncNamesBelow(int inTop, int inFolder)
     return 0;
 }
 
-// Creates the destination if it is missing, but never inside the source. For a move, syncs its name, because the source
-// is deleted later.
+// Creates the destination if it is missing, but never inside the source. For a move, syncs the name of the destination,
+// because the source is deleted later.
 SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource,
                             Descriptor& outDestination)
 {

@@ -3,9 +3,9 @@
 //
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
 // deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:
-// ETXTBSY, which the home platform reports as 32. A deep tree needs memory, but no more descriptors or stack
-// (LinuxTreeRoad.h). The first failure stops the operation; finished steps stay done. Every function returns 0 or an
-// errno and may throw std::bad_alloc.
+// ETXTBSY, which LinuxErrors converts to 32. A deep tree needs memory, but no more descriptors or stack
+// (LinuxTreeRoad.h). The first failure stops the operation; finished steps are not undone. Every function returns 0 or
+// an errno and may throw std::bad_alloc.
 #pragma once
 
 #include "../LinuxOpenFolder.h"

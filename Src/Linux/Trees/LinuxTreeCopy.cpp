@@ -31,7 +31,7 @@ int GiveMode(int inTo, mode_t inMode)
     return isGiven || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
 }
 
-/// An entry that has a temporary name until it is complete.
+/// A new entry, which has a temporary name until it is complete.
 class NewEntry
 {
 public:
@@ -112,7 +112,7 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
     if (!S_ISREG(from.Status().stx_mode)) {
         return ENOTSUP;
     }
-    // Other handles that may write the earlier file must share that, as if it were written in place.
+    // Other handles of the earlier file must share writing, as if this copy wrote into that file.
     TreeHold replaced;
     failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
     if (failure != 0) {
@@ -172,7 +172,7 @@ private:
         TreeEntries mEntries;
         std::size_t mNext;
         mode_t mMode;
-        bool mGetsMode; // after all its contents
+        bool mGetsMode; // mMode is set after all contents
     };
 
     int CopyNext(const TreeEntry& inEntry)
@@ -198,7 +198,7 @@ private:
         if (failure != 0) {
             return failure;
         }
-        // Through a mount, a folder may be below itself.
+        // Because of a mount, a folder may be below itself.
         if (mTo.IsOn(mFrom)) {
             return EINVAL;
         }

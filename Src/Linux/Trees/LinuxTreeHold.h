@@ -1,4 +1,4 @@
-// The entry that a step through a tree holds while it works on it.
+// Holds the entry that a step through a tree works on.
 #pragma once
 
 #include "../LinuxShareModes.h"
@@ -9,8 +9,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Briefly registers a use of an entry against the handles of all processes: each step of a tree holds the entry that
-/// it works on. Links, pipes and devices are never held.
+/// Registers a brief use of an entry with the share modes of all processes. Each step of a tree holds the entry that it
+/// works on. Links, pipes and devices are never held.
 class TreeHold
 {
 public:
@@ -32,7 +32,7 @@ public:
     /// Returns -1 if nothing is open.
     int File() const noexcept { return mFile; }
 
-    /// Only after EnterOpen.
+    /// Call it only after EnterOpen.
     FileIdentity Identity() const noexcept;
     const struct statx& Status() const noexcept { return mStatus; }
 

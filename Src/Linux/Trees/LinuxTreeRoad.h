@@ -9,9 +9,9 @@
 namespace ORL {
 namespace Linux {
 
-/// A path of open folders. However long it is, it needs few descriptors: only the deepest folders are open. A folder
-/// above them is reopened through ".." of the folder below it when the walk returns to it, and must be the same folder
-/// as before.
+/// A path of folders, of which only the deepest are open, so that a path of any length needs few descriptors. When the
+/// walk returns to a closed folder, reopens it through ".." of the folder below it; it must be the same folder as
+/// before.
 class TreeRoad
 {
 public:

@@ -8,7 +8,7 @@ namespace Linux {
 
 int ListFolder(int inFolder, TreeEntries& outEntries)
 {
-    // Starts at the beginning: the folder may have been listed before.
+    // Rewinds first, because the folder may have been listed before.
     if (System().mSeek(inFolder, 0, SEEK_SET) != 0) {
         return errno;
     }

@@ -10,7 +10,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // its headers want these two
+namespace Gdiplus { // the headers of GDI+ use min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus

@@ -25,7 +25,7 @@ ProcessHandle OpenProcess_Impl(unsigned int inIdentifier)
     return ::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, inIdentifier);
 }
 
-// The first module is the executable.
+// The first module of a process is its executable.
 bool GetExecutableName_Impl(ProcessHandle inProcess, unsigned int, UTF16String& outName)
 {
     HMODULE module = nullptr;
