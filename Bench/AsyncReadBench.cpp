@@ -323,7 +323,7 @@ void CompareCost(const Work& inWork, char* inMemory)
     group.Run();
 }
 
-// The file stays beside the program for the next run.
+// Keeps the file in the program's folder for the next run.
 std::string MakeFile()
 {
     namespace fs = std::filesystem;

@@ -43,7 +43,7 @@ void Require(bool inHolds, const char* inWhy)
     }
 }
 
-// A folder beside the program, deleted at the end.
+// A folder on the disk of this program, deleted at the end.
 class Folder
 {
 public:

@@ -177,7 +177,7 @@ template <class Pool>
 class Rival
 {
 public:
-    // A single thread runs on the processor beside the caller's; two share both.
+    // A single thread is pinned to processor 1, because the caller is on processor 0. Two threads may use both.
     explicit Rival(int inThreads) : mPool(inThreads)
     {
         if (inThreads == 1) {
@@ -250,7 +250,7 @@ constexpr std::uint64_t kBurst = 1'000'000;
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // Two workers beside the caller, although there may be only two processors.
+    // Allows two workers in addition to the caller, although there may be only two processors.
     const tbb::global_control parallelism(tbb::global_control::max_allowed_parallelism, 3);
     Field one(1);
     Field two(2);

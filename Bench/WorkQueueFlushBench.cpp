@@ -105,7 +105,7 @@ private:
     boost::asio::thread_pool mPool;
 };
 
-// Threads that repeatedly meet the caller.
+// Threads that repeatedly meet the caller at a barrier.
 class Meeting
 {
 public:
@@ -146,8 +146,8 @@ std::string Threads(int inThreads)
     return std::to_string(inThreads) + (inThreads == 1 ? " thread" : " threads");
 }
 
-// The rivals with inThreads threads each, constructed before the harness pins the caller to a processor. A single
-// thread runs on the processor beside the caller's; two share both.
+// The rivals with inThreads threads each, constructed before the harness pins the caller to processor 0. A single
+// thread runs on processor 1; two threads may use both.
 struct Field
 {
     explicit Field(int inThreads) : mThreads(inThreads), mOurs(inThreads), mAsio(inThreads), mMeeting(inThreads) {}

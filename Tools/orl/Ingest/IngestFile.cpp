@@ -86,7 +86,7 @@ private:
         return digest;
     }
 
-    // A file of the same size has the name. If its contents are the same too, it counts as ingested.
+    // The destination has a file of this name and size. If its contents are the same too, it counts as ingested.
     IngestedFile Check()
     {
         File source;
@@ -259,7 +259,7 @@ private:
         return digest.Finish();
     }
 
-    // A file that took the name after the plan was made stays. It belongs to another program, or to this run if the
+    // A file that took the name after the plan was made is kept. It belongs to another program, or to this run if the
     // volume treats two names of the source as one.
     void PutInPlace() const
     {

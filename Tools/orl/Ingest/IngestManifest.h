@@ -81,7 +81,7 @@ private:
     const std::string mName;
     const std::string mShown;
     IngestRecord& mRecord;
-    std::mutex mMutex; // guards all below after Read
+    std::mutex mMutex; // guards all members below after Read
     HeldFolder mFolder;
     ORL::File mFile; // open once the manifest is written to
     bool mIsThere = false;

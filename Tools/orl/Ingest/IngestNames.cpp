@@ -19,8 +19,8 @@ namespace {
 class Asked
 {
 public:
-    // Creates the folder in the destination's folder or the nearest existing one above it; without a destination, in
-    // the nearest existing folder above that.
+    // Creates the temporary folder in inFolder of the destination, or in the nearest existing folder above it. A
+    // destination that does not exist yet has no record; then the name of the folder is not recorded.
     Asked(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
         : mRecord(ioRecord), mFolder(std::move(inFolder))
     {

@@ -72,7 +72,7 @@ private:
     const std::string mName;
     HeldFolder mFolder;
     IngestRemains mRemains;
-    std::mutex mMutex; // guards all below
+    std::mutex mMutex; // guards all members below
     ORL::File mFile;
     std::set<std::string> mTemporaries;
     bool mIsNeededByManifest = false;

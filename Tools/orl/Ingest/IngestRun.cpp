@@ -278,7 +278,7 @@ private:
     std::atomic<std::uint64_t> mPassed{0};
     std::atomic<std::size_t> mDone{0};
     std::atomic<std::size_t> mNext{0};
-    std::mutex mMutex; // guards all below while the threads run
+    std::mutex mMutex; // guards all members below while the threads run
     std::condition_variable mChanged;
     unsigned mLeft = 0;
     bool mHasEndedItself = false;

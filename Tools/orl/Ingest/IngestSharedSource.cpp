@@ -102,7 +102,7 @@ struct SharedSource::State
     const SharingLimits mLimits;
     const std::shared_ptr<BlockPool> mPool = std::make_shared<BlockPool>();
     std::atomic<std::uint64_t> mBytesRead{0};
-    std::mutex mMutex; // guards all below, with the files
+    std::mutex mMutex; // guards all members below, and the files
     std::condition_variable mChanged;
     std::uint64_t mBytesKept = 0;
     std::map<std::string, std::set<std::size_t>> mWanted; // by destinations that have not joined the file yet

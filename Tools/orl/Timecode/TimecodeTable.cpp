@@ -42,8 +42,8 @@ std::string SeparatorsIn(const std::string& inLabel)
     return separators;
 }
 
-// Returns the frames between two labels a day apart if the format has hours, else of a day of the clock. It doubles
-// half a day, which is not folded.
+// Returns the number of frames in a day: between two labels if the format has hours, otherwise in 86400 seconds.
+// Doubles half a day, because the library folds labels of a whole day.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {
     ORL::Timecode code(kTime_Zero, inFormat.mRate, inFormat.mDisplay);
