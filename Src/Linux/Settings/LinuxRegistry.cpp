@@ -1,4 +1,4 @@
-// The registry's seam: which store a handle belongs to, and memory that runs out.
+// Implements the seam of the registry: selects the store of a handle, and converts std::bad_alloc to an error number.
 #include <Platform/Registry.h>
 
 #include "LinuxRegistryStore.h"
@@ -28,7 +28,8 @@ void AfterForkInChild();
 
 std::atomic<Stores*> sStores{nullptr};
 
-// Made when they are first needed, and never destroyed: threads may outlive the process's statics.
+// The first use creates the stores. They are never destroyed, because threads may run after static objects have been
+// destroyed.
 Stores& TheStores()
 {
     static Stores* const sMade = [] {
@@ -63,7 +64,7 @@ void AfterForkInChild()
     AfterFork(true);
 }
 
-// When the library is unloaded, or the process ends. A thread that goes on opens the database again.
+// Closes the databases when the library is unloaded or the process exits. A thread that still runs then reopens them.
 const struct AtUnload
 {
     ~AtUnload() { ReleaseStores(); }
@@ -106,7 +107,7 @@ SystemError WithStore(KeyHandle inKey, Work inWork) noexcept
     }
     try {
         return inWork(Linux::StoreOf(parts), parts);
-    } catch (...) { // memory is out
+    } catch (...) { // std::bad_alloc
         return kErrorNotEnoughMemory;
     }
 }
@@ -123,7 +124,7 @@ UnitsView NameOf(const unsigned short* inName)
 
 constexpr unsigned kTypeMultiString = 7;
 
-// The home platform takes a terminator that stands behind a text.
+// As on the home platform, a terminator directly after the text counts as part of it.
 unsigned SizeWithTerminator(unsigned inType, const void* inData, unsigned inSize)
 {
     const bool isText = inType == kTypeString || inType == kTypeExpandString || inType == kTypeMultiString;
@@ -172,7 +173,7 @@ SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, uns
     });
 }
 
-// This system has no transactions that several services share.
+// Linux has no system-wide transaction manager.
 SystemError OpenKeyTransacted_Impl(KeyHandle, const unsigned short*, unsigned, void*, KeyHandle& outKey)
 {
     outKey = nullptr;

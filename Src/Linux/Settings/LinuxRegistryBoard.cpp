@@ -18,7 +18,7 @@ using ORL::Linux::System;
 using ORL::Linux::SystemErrorFromErrno;
 using namespace SystemErrors;
 
-// The layout is shared with other processes, of other builds too. Its version is part of the mark.
+// Processes with other builds of the library share this layout. Its version is part of the mark.
 struct ChangeBoard::Page
 {
     struct Slot
@@ -39,7 +39,7 @@ namespace {
 constexpr std::uint64_t kMark = 0x31304452424C524F; // "ORLBRD01"
 constexpr std::size_t kFileSize = 8192;
 constexpr int kLockAttempts = 4000;
-constexpr long kLockPauseMilliseconds = 5; // 20 s altogether
+constexpr long kLockPauseMilliseconds = 5; // 20 s in total
 
 void Sleep(long inMilliseconds)
 {
@@ -90,10 +90,10 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
     struct stat status = {};
     SystemError error = Describe(mFile, status);
     mName = inFile;
-    mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // as IdentityOf has it
+    mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // the format of IdentityOf
     mInode = status.st_ino;
     if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
-        // A umask must not keep the machine's readers out.
+        // chmod, because a umask could deny other users access to the machine's store.
         const bool isMade = mIsWritable && System().mFTruncate(mFile, kFileSize) == 0
                             && (!inIsForAll || System().mFChMod(mFile, 0644) == 0);
         error = isMade ? kNoError : mIsWritable ? SystemErrorFromErrno(errno) : kErrorFileNotFound;
@@ -120,7 +120,7 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
     return error;
 }
 
-// Somebody may have deleted the board that other processes look at: they look for a new one now and then.
+// Another program may have deleted the previous board. Processes that mapped it need some time to find the new one.
 void ChangeBoard::WaitUntilSettled() noexcept
 {
     std::uint64_t madeAt = 0;
@@ -192,15 +192,15 @@ bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled,
         change.mHash = slot.mHash.load(std::memory_order_acquire);
         outChanges.push_back(change);
     }
-    // A writer may have overwritten slots meanwhile: at most the one after the change announced last, which this load
-    // sees if one of the loads above has seen the slot.
+    // A writer may have overwritten slots meanwhile: at most the slot after the last announced change. If a load above
+    // has read an overwritten slot, this load reads a generation that shows it.
     const std::uint64_t after = (mPage->mGeneration.load(std::memory_order_relaxed) + 1) / 2;
     return after + 1 - first < kSlots;
 }
 
 std::uint64_t ChangeBoard::Announce(const Change& inChange) noexcept
 {
-    // An odd generation here is that of a writer that has committed and not settled yet, or that died: its entry stays.
+    // If the generation is odd here, its writer has committed but not settled yet, or has died. Its entry stays valid.
     const std::uint64_t announced = (mPage->mGeneration.load(std::memory_order_acquire) + 1) | 1;
     Page::Slot& slot = mPage->mSlots[(announced + 1) / 2 % kSlots];
     slot.mKind.store(inChange.mKind, std::memory_order_release);

@@ -1,11 +1,11 @@
 // Floor: System
-// Where the processes that share a store tell each other what they change: a page of shared memory that a reader looks
-// at instead of asking the database.
+// A page of shared memory through which the processes that share a store notify each other of changes. A reader polls
+// it instead of querying the database.
 //
 // A generation counts the changes. It is even while nothing changes, and odd from just before a commit until just after
-// it, also when the writer dies in between. Of each change the board keeps what it concerns. The entry is posted before
-// the commit, so a reader that knows of it never takes an old value for the new one: while a generation is odd it treats
-// the change as done and asks the database about what the change concerns.
+// it; it stays odd if the writer dies in between. For each change the board has an entry with the affected key or
+// value. A writer posts the entry before the commit. While the generation is odd, a reader treats the change as made
+// and reads what it affects from the database, so it never returns an old value for a new one.
 //
 // Writers hold the database's write lock from Announce to the commit.
 #pragma once
@@ -20,12 +20,12 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// What one commit changes.
+/// The key or value that one commit changes.
 struct Change
 {
     enum Kind : std::uint32_t {
         kEverything = 0,
-        kSubKeys = 1, // the list of keys directly below mKey
+        kSubKeys = 1, // the list of direct subkeys of mKey
         kValue = 2    // the value of mKey with the hash mHash
     };
 
@@ -44,32 +44,35 @@ public:
     ChangeBoard(const ChangeBoard&) = delete;
     ChangeBoard& operator=(const ChangeBoard&) = delete;
 
-    /// Opens the board's file, or creates it, and maps it. Without the right to write it the board can be read alone: 2
-    /// if there is none then. 50 where the file system has no shared memory, 1017 for a board of another format.
+    /// Opens the board's file, or creates it, and maps it. Opens it read-only if the process may not write it. Returns
+    /// 2 if it is missing and cannot be created, 50 if the file system does not support shared memory, and 1017 for a
+    /// board of another format.
     SystemError Open(const std::string& inFile, bool inIsForAll);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }
 
-    /// Whether the board's name still leads to it. A new board can be written kSettleMilliseconds after it was made and
-    /// no sooner: who asks this more often than that misses no change that is posted on another board.
+    /// Returns whether the board's name still refers to this file. A new board is not written during its first
+    /// kSettleMilliseconds, so a process that calls this more often than that misses no change.
     bool IsInPlace() const noexcept;
     static constexpr int kSettleMilliseconds = 25;
     bool IsWritable() const noexcept { return mIsWritable; }
 
-    /// Lock of the file, held while a store is opened or set aside. Waits for a while. It dies with its owner.
+    /// Locks the file, for the time in which a store is opened or set aside. Waits up to 20 seconds and then returns an
+    /// error. The kernel releases the lock when its process ends.
     SystemError Lock() noexcept;
     void Unlock() noexcept;
 
     std::uint64_t Generation() const noexcept;
 
-    /// The changes after generation inSince, which was even. False if they are no longer all known. outSettled is the
-    /// last even generation among them: a change under way is among them and comes again the next time.
+    /// Stores the changes after generation inSince, which is even. Returns false if some entries have been overwritten.
+    /// outSettled is the last even generation. A change whose commit is in progress is included, and again in the next
+    /// call.
     bool ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled, std::vector<Change>& outChanges) const;
 
-    /// Posts a change and returns the odd generation that it stands under. Never throws.
+    /// Posts a change and returns its odd generation. Never throws.
     std::uint64_t Announce(const Change& inChange) noexcept;
 
-    /// The change is committed, or given up.
+    /// Makes the generation even, after the change was committed or rolled back.
     void Settle(std::uint64_t inAnnounced) noexcept;
 
 private:

@@ -39,7 +39,7 @@ constexpr char kSchema[] =
     "PRAGMA user_version = 1;"
     "COMMIT";
 
-// What makes a database ours: the texts of its tables, in the order of their names.
+// The SQL texts of the tables, sorted by their names. A database with other tables is not one of this library.
 constexpr char kSchemaText[] =
     "CREATE TABLE aside(time TEXT NOT NULL, file TEXT NOT NULL, reason TEXT NOT NULL)\n"
     "CREATE TABLE keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL, folded BLOB NOT NULL, "
@@ -52,7 +52,7 @@ constexpr char kDescribe[] =
     "SELECT (SELECT application_id FROM pragma_application_id), (SELECT user_version FROM pragma_user_version), "
     "(SELECT group_concat(sql, char(10)) FROM (SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name))";
 
-// Reads the whole database. Returns SQLite's last code, SQLITE_DONE at the end of the check.
+// Checks the whole database. Returns the last code of SQLite, which is SQLITE_DONE if the check completed.
 int CheckIntegrity(sqlite3* inConnection, std::string& outFaults)
 {
     sqlite3_stmt* query = nullptr;
@@ -143,8 +143,8 @@ SystemError Database::OpenBoard(const Place& inPlace)
         return kNoError;
     }
     const SystemError error = mBoard.Open(mFile + "-changes", inPlace.mIsForAll);
-    // Without shared memory each read asks the database, in every process alike. Where only this process may not post its
-    // changes it makes none: the others would not see them.
+    // Without shared memory, every process reads from the database. If only this process cannot write the board, it
+    // must not change the database, because other processes would not see the change.
     mIsReadOnly = error != kErrorNotSupported && !mBoard.IsWritable();
     return error == kErrorNotSupported || error == kErrorFileNotFound ? kNoError : error;
 }
@@ -181,7 +181,7 @@ bool Database::IsInPlace() const noexcept
 SystemError Database::Prepare()
 {
     sqlite3_busy_timeout(mConnection, kBusyMilliseconds);
-    // What a foreign database may bring along is not run.
+    // Do not run code of a foreign database, such as triggers and views.
     for (const auto& [option, value] : {std::pair{SQLITE_DBCONFIG_DEFENSIVE, 1}, {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
                                         {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0}, {SQLITE_DBCONFIG_ENABLE_VIEW, 0}}) {
         sqlite3_db_config(mConnection, option, value, nullptr);
@@ -192,11 +192,11 @@ SystemError Database::Prepare()
     bool isNew = false;
     error = error == kNoError ? CheckSchema(isNew) : error;
     if (error == kNoError && !mIsReadOnly) {
-        int keep = 1; // the journal's files, without which nobody but the owner could read the store
+        int keep = 1; // keep the files of the journal: only the owner can create them, and readers need them
         sqlite3_file_control(mConnection, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
         error = Execute(mBoard.IsOpen()
                             ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
-                              "PRAGMA journal_size_limit = 8388608" // twice what it grows to between two checkpoints
+                              "PRAGMA journal_size_limit = 8388608" // twice its size between two checkpoints
                             : "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
     }
     if (error == kNoError && isNew) {
@@ -237,7 +237,7 @@ SystemError Database::MakeSchema()
     if (error == kNoError && !mSetAside.mFile.empty()) {
         sqlite3_stmt* insert = nullptr;
         sqlite3_prepare_v2(mConnection, "INSERT INTO aside VALUES(?1, ?2, ?3)", -1, &insert, nullptr);
-        if (insert != nullptr) { // a reason that cannot be written down is no reason to fail
+        if (insert != nullptr) { // a failure to record the reason is ignored
             sqlite3_bind_text(insert, 1, mSetAside.mTime.c_str(), -1, SQLITE_TRANSIENT);
             sqlite3_bind_text(insert, 2, mSetAside.mFile.c_str(), -1, SQLITE_TRANSIENT);
             sqlite3_bind_text(insert, 3, mSetAside.mReason.c_str(), -1, SQLITE_TRANSIENT);
@@ -299,13 +299,13 @@ bool Database::SetAsideIfDamaged()
     SetAside aside;
     aside.mReason = mConnection != nullptr ? sqlite3_errmsg(mConnection) : "";
     const bool isLocked = !mBoard.IsOpen() || mBoard.Lock() == kNoError;
-    // Somebody else may have moved it; and what a device fails to read once is no damage.
+    // Another process may have renamed it already, and a transient read error is not damage.
     const bool isToMove = isLocked && !mIsReadOnly && IsInPlace() && IsStillDamaged(aside.mReason);
     CloseConnection();
     if (isToMove && MoveAside(mFile, aside.mFile, aside.mTime) == kNoError) {
         TraceSetAside(aside);
         mSetAside = std::move(aside);
-        if (mBoard.IsWritable()) { // the others look for the new database
+        if (mBoard.IsWritable()) { // makes other processes look for the new database
             mBoard.Settle(mBoard.Announce(Change()));
         }
     }
@@ -313,7 +313,7 @@ bool Database::SetAsideIfDamaged()
     return true;
 }
 
-// Opens the database anew and reads it as a whole.
+// Opens the database again and checks all of it.
 bool Database::IsStillDamaged(std::string& ioReason)
 {
     CloseConnection();

@@ -1,9 +1,9 @@
 // Floor: System
-// The database of one store: one connection, its statements, and the errors it gives.
+// The database of one store: one connection, its statements, and its error codes. The tables and their columns:
 //
-//   keys  id, parent, folded, name       the root has id 1; an id is never used again
-//   vals  key, folded, name, type, data  all text is UTF-16 in little endian
-//   aside time, file, reason             databases that were set aside before this one was made
+//   keys  id, parent, folded, name       the root has id 1; an id is never reused
+//   vals  key, folded, name, type, data  all text is little-endian UTF-16
+//   aside time, file, reason             databases that were set aside before this one was created
 #pragma once
 
 #include "LinuxRegistryBoard.h"
@@ -27,7 +27,7 @@ namespace Linux {
 using Platform::SetAside;
 
 inline constexpr std::int64_t kRootKey = 1;
-inline constexpr std::int64_t kSoftwareKey = 2; // every store has it from the beginning
+inline constexpr std::int64_t kSoftwareKey = 2; // every new store contains this key
 
 class Database
 {
@@ -55,44 +55,46 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database of a place. 2 if there is none and inCreate is false. A damaged one is set aside, and then
-    /// counts as none. A database of a newer version, a link, or a folder that others may write is refused.
+    /// Opens the database of a place. Returns 2 if it does not exist and inCreate is false. Refuses a database of a
+    /// newer version, a symbolic link, and a folder that other users may write. After opening a damaged database fails,
+    /// SetAsideIfDamaged renames it.
     SystemError Open(const Place& inPlace, bool inCreate);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mConnection != nullptr; }
 
-    /// The store cannot be written by this process.
+    /// Returns whether this process cannot write the store.
     bool IsReadOnly() const noexcept { return mIsReadOnly; }
 
-    /// The database and its board are still those that their names lead to.
+    /// Returns whether the names of the database and its board still refer to the open files.
     bool IsInPlace() const noexcept;
 
-    /// The board of changes; closed where the file system has no shared memory.
+    /// Returns the board of changes. It is closed if the file system does not support shared memory.
     ChangeBoard& Board() noexcept { return mBoard; }
 
-    /// Rows that the last statement has changed.
+    /// Returns the number of rows that the last statement changed.
     int ChangedRows() const noexcept;
 
-    /// The identifier of the row that was put in last.
+    /// Returns the identifier of the row that was inserted last.
     std::int64_t LastRow() const noexcept;
 
-    /// What the next commit changes. It is posted when the commit begins, under the lock of the database.
+    /// Sets the change that the next commit posts on the board. It is posted when the commit begins, under the write
+    /// lock of the database.
     void SetChange(const Change& inChange) noexcept { mChange = inChange; }
 
-    /// After the commit, or after it has failed. Returns the generation that was announced, or 0 for none.
+    /// Called after a commit, even if it failed. Returns the generation that was announced, or 0 if there is none.
     std::uint64_t Settle() noexcept;
 
-    /// If the last error says that the database is damaged: looks again, moves it out of the way under a dated name if it
-    /// still is, and closes it. True if an operation may be tried again then.
+    /// Does nothing and returns false unless the last error reports damage. Otherwise checks the database again,
+    /// renames it to a dated name if it is still damaged, and closes it. Returns true: the caller may then retry.
     bool SetAsideIfDamaged();
 
-    /// Reads the whole database. Empty if it is sound, else what is wrong with it.
+    /// Checks the whole database. Returns a description of the faults; empty if it is intact.
     std::string FindFaults();
 
-    /// The databases that were set aside before this one was made, as far as it knows.
+    /// Returns the recorded databases that were set aside before this one was created.
     std::vector<SetAside> ListSetAside();
 
-    /// The system's number for an error of SQLite.
+    /// Returns the system error number for an error code of SQLite.
     SystemError Error(int inCode) noexcept;
 
     friend class Statement;
@@ -117,12 +119,12 @@ private:
     std::string mFile;
     std::uint64_t mDevice = 0;
     std::uint64_t mInode = 0;
-    SetAside mSetAside; // not yet written down
+    SetAside mSetAside; // not yet recorded in a new database
     bool mIsReadOnly = false;
     bool mIsDamaged = false;
 };
 
-/// The transaction that kBegin has begun; rolled back unless it is committed.
+/// Owns the transaction that kBegin has started. The destructor rolls it back unless it is committed.
 class Transaction
 {
 public:
@@ -141,7 +143,7 @@ private:
     bool mIsOver = false;
 };
 
-/// One run of a prepared statement. Its bindings and its read lock end with it.
+/// One run of a prepared statement. The destructor clears its bindings and releases its read lock.
 class Statement
 {
 public:
@@ -154,10 +156,10 @@ public:
     Statement& Bind(int inIndex, UnitsView inText);
     Statement& Bind(int inIndex, const void* inData, std::size_t inSize);
 
-    /// True for a row; false at the end or after an error.
+    /// Returns true if there is a row; false at the end or after an error.
     bool Step();
 
-    /// Runs to the end.
+    /// Runs the statement to its end.
     SystemError Run();
 
     SystemError Error() const noexcept { return mError; }

@@ -1,4 +1,4 @@
-// Several changes of a store as one.
+// Makes several changes of a store in one transaction.
 #include "LinuxRegistryStoreWork.h"
 
 #include <utility>
@@ -10,7 +10,7 @@ namespace Linux {
 using namespace SystemErrors;
 using Platform::Edit;
 
-// The database alone is asked here: memory must not know of what is not committed.
+// Queries only the database, because memory must not contain uncommitted changes.
 SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget)
 {
     const UnitsView path(inPath, LengthOf(inPath));

@@ -20,7 +20,7 @@ using namespace SystemErrors;
 
 namespace {
 
-// 2 and 3 would say that a key is missing.
+// Never returns 2 or 3, which mean that a key is missing.
 SystemError StoreError(int inErrno)
 {
     return inErrno == ENOENT || inErrno == ENOTDIR ? kErrorRegistryIoFailed : SystemErrorFromErrno(inErrno);
@@ -32,7 +32,7 @@ bool StatusOf(const std::string& inPath, struct statx& outStatus) noexcept
     return System().mStatx(AT_FDCWD, inPath.c_str(), AT_SYMLINK_NOFOLLOW, kMask, &outStatus) == 0;
 }
 
-// Root may use everybody's store; nobody else may use a store that another user could have made.
+// Root may use every store. Other users may not use a store that another user could have created.
 bool IsTrusted(const struct statx& inStatus)
 {
     const ::uid_t user = ::geteuid();
@@ -43,7 +43,7 @@ bool IsTrusted(const struct statx& inStatus)
 constexpr char kDamaged[] = ".damaged-";
 constexpr std::size_t kDateSize = 16; // 20261122T031500Z
 
-// 2026-11-22T03:15:00Z
+// Converts 20261122T031500Z to 2026-11-22T03:15:00Z.
 std::string TimeOfDate(const std::string& inDate)
 {
     return inDate.substr(0, 4) + "-" + inDate.substr(4, 2) + "-" + inDate.substr(6, 5) + ":" + inDate.substr(11, 2) + ":"
@@ -56,7 +56,7 @@ bool Exists(const std::string& inPath)
     return StatusOf(inPath, status);
 }
 
-// The date of this moment.
+// Returns the current date.
 std::string Now()
 {
     struct timespec now = {};
@@ -76,7 +76,7 @@ SystemError MakeFolder(const Place& inPlace)
         const std::string folder = inPlace.mFolder.substr(0, slash);
         if (System().mMakeDir(folder.c_str(), inPlace.mIsForAll ? 0755 : 0700) != 0 && errno != EEXIST) {
             const int error = errno;
-            if (!Exists(folder)) { // a folder on the way may be one that nobody can make and everybody can pass
+            if (!Exists(folder)) { // ignore the error for an existing parent, which the process may not create
                 return StoreError(error);
             }
         }
@@ -123,7 +123,7 @@ SystemError CheckPlace(const Place& inPlace, std::string& outDatabase)
 
 bool HasSharedMemory(const std::string& inFolder) noexcept
 {
-    // Network file systems: their files can be mapped, but each machine sees memory of its own.
+    // Files on a network file system can be mapped, but the mappings of different machines are not coherent.
     constexpr unsigned long kNetworks[] = {
         0x6969,     // NFS
         0x517B,     // SMB
@@ -134,7 +134,7 @@ bool HasSharedMemory(const std::string& inFolder) noexcept
         0x73757245, // Coda
         0x5346414F, // AFS
         0x6B414653, // AFS of the kernel
-        0x65735546, // FUSE: may be anything, sshfs among others
+        0x65735546, // FUSE, which may be any file system, for example sshfs
     };
     struct statfs status;
     if (System().mStatFs(inFolder.c_str(), &status) != 0) {
@@ -168,7 +168,7 @@ SystemError MoveAside(const std::string& inDatabase, std::string& outFile, std::
     for (int number = 2; Exists(outFile); ++number) {
         outFile = base + "-" + std::to_string(number);
     }
-    // The journal first: beside a new database it would be taken for that one's.
+    // Rename the journal first: next to a new database, SQLite would use it as the new one's journal.
     for (const char* const ending : {"-wal", "-shm", "-journal", ""}) {
         const std::string from = inDatabase + ending;
         const std::string to = outFile + ending;
@@ -210,7 +210,7 @@ std::vector<Platform::SetAside> FindSetAside(const std::string& inDatabase)
     while (const dirent64* const entry = entries.IsOpen() ? entries.Entries().Next() : nullptr) {
         const std::string name = entry->d_name;
         const std::string date = name.substr(0, prefix.size()) == prefix ? name.substr(prefix.size()) : "";
-        if (date.size() >= kDateSize && date.back() != 'l' && date.back() != 'm') { // no journal: -wal, -shm, -journal
+        if (date.size() >= kDateSize && date.back() != 'l' && date.back() != 'm') { // skip -wal, -shm, -journal
             list.push_back({folder + name, TimeOfDate(date), std::string()});
         }
     }

@@ -1,5 +1,5 @@
 // Floor: System
-// The folder that holds a store, and the files in it.
+// The folder of a store and its files.
 #pragma once
 
 #include "LinuxRegistryPlaces.h"
@@ -14,34 +14,34 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// Creates the folder and all above it where they are missing. The user's are private.
+/// Creates the folder and its missing parents. The folders of the user's store are private.
 SystemError MakeFolder(const Place& inPlace);
 
-/// Whether this process may create the folder and a database in it.
+/// Returns whether this process may create the folder and a database in it.
 bool MayCreate(const Place& inPlace);
 
-/// Whether a folder and the database in it may be trusted: nobody but the user and the superuser can write them, and the
-/// database is no link. 2 if there is no database, 5 if they may not. Follows links on the way to the folder:
-/// outDatabase is the database's path without them.
+/// Checks whether a folder and the database in it are trusted: they belong to the user or to root, not everyone may
+/// write them, and the database is not a symbolic link. Root also trusts those of other users. Returns 0 if they are
+/// trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path; outDatabase is the
+/// resolved path of the database.
 SystemError CheckPlace(const Place& inPlace, std::string& outDatabase);
 
-/// Whether the processes that use the folder share memory through its files: not on a network.
+/// Returns whether processes share memory through files of the folder. Returns false on a network file system.
 bool HasSharedMemory(const std::string& inFolder) noexcept;
 
-/// What identifies the file that a path leads to. False if there is none.
+/// Stores the device and inode of a file. Returns false if it does not exist.
 bool IdentityOf(const std::string& inFile, std::uint64_t& outDevice, std::uint64_t& outInode) noexcept;
 
-/// A clock of the system in milliseconds; 0 if it cannot be read.
+/// Returns the time of a system clock in milliseconds; 0 if it cannot be read.
 std::uint64_t MonotonicMilliseconds(int inClock) noexcept;
 
-/// Size of a database with its journal, in bytes; 0 if there is none.
+/// Returns the size of a database with its journal, in bytes; 0 if it does not exist.
 std::uint64_t SizeOnDisk(const std::string& inDatabase) noexcept;
 
-/// The databases beside this one that were set aside, by the date in their names.
+/// Returns the databases in the same folder that were set aside, sorted by the date in their names.
 std::vector<Platform::SetAside> FindSetAside(const std::string& inDatabase);
 
-/// Renames a database and its journal to dated names, which are free. outFile is the database's new name, outTime
-/// the date.
+/// Renames a database and its journal to unused dated names. outFile is the new name of the database, outTime the date.
 SystemError MoveAside(const std::string& inDatabase, std::string& outFile, std::string& outTime);
 
 } // namespace Linux

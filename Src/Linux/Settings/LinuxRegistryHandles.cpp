@@ -9,8 +9,9 @@ namespace Linux {
 
 namespace {
 
-// A handle: bit 0 set, bit 1 the machine's store, the slot in bits 2 to 31, its serial number above. The roots are the
-// home platform's, sign-extended, which no handle looks like: its bits 31 and 0 would say a slot of 2^29.
+// In a handle bit 0 is set, bit 1 marks the machine's store, bits 2 to 31 are the slot, and the bits above the serial
+// number. The root handles are those of the home platform, sign-extended. No other handle equals them, because their
+// bit 31 would mean a slot of 2^29 or more, above kMostSlots.
 constexpr unsigned kSlotShift = 2;
 constexpr unsigned kSerialShift = 32;
 constexpr std::uint32_t kMostSlots = 1u << 28;
@@ -38,7 +39,7 @@ Platform::KeyHandle HandleTable::Add(std::shared_ptr<StoredKey> inKey, unsigned 
         if (mEntries.size() >= kMostSlots) {
             throw std::bad_alloc();
         }
-        mFree.reserve(mEntries.size() + 1); // so that a close needs no memory
+        mFree.reserve(mEntries.size() + 1); // so that Remove never allocates
         mEntries.emplace_back();
         mFree.push_back(static_cast<std::uint32_t>(mEntries.size() - 1));
     }

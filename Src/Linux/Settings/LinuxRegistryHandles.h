@@ -1,5 +1,5 @@
 // Floor: System
-// The open handles of a store. A handle that was closed is known as such, even after its place is used again.
+// The open handles of a store. A closed handle is detected even after its slot is reused.
 //
 // Not thread-safe; the store locks it.
 #pragma once
@@ -15,7 +15,7 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// Which store a handle belongs to, and which of its handles it is.
+/// The parts of a handle: its store, its slot there, and the serial number of the slot.
 struct HandleParts
 {
     bool mIsRoot = false;
@@ -24,7 +24,7 @@ struct HandleParts
     std::uint32_t mSerial = 0;
 };
 
-/// False for what was never a handle.
+/// Splits a handle into its parts. Returns false for a value that is not a handle.
 bool TakeApart(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept;
 
 class HandleTable
@@ -32,16 +32,17 @@ class HandleTable
 public:
     explicit HandleTable(bool inIsMachine) noexcept : mIsMachine(inIsMachine) {}
 
-    /// Throws std::bad_alloc.
+    /// Adds a handle. Throws std::bad_alloc.
     Platform::KeyHandle Add(std::shared_ptr<StoredKey> inKey, unsigned inAccess);
 
-    /// False for a handle that is not open.
+    /// Returns false for a handle that is not open.
     bool Find(const HandleParts& inParts, StoredKey*& outKey, unsigned& outAccess) const noexcept;
 
-    /// Empty for a handle that is not open; else the key, which may end with it.
+    /// Returns the key of the removed handle, or null for a handle that is not open. The result may be the last
+    /// reference to the key.
     std::shared_ptr<StoredKey> Remove(const HandleParts& inParts) noexcept;
 
-    /// Gives its memory back. No handle may be open.
+    /// Frees the memory. No handle may be open.
     void Clear() noexcept;
 
     bool IsEmpty() const noexcept { return mFree.size() == mEntries.size(); }

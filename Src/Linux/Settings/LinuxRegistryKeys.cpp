@@ -1,4 +1,4 @@
-// Opening, creating, deleting and listing keys of a store.
+// Opens, creates, deletes and lists the keys of a store.
 #include "LinuxRegistryStoreWork.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
     if (error != kErrorFileNotFound) {
         return error;
     }
-    StoredKey* last = nullptr; // the last of the path's keys that is there
+    StoredKey* last = nullptr; // the last existing key of the path
     std::vector<NewKey> made;
     Change change;
     change.mKind = Change::kSubKeys;
@@ -82,19 +82,19 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
         return kNoError;
     };
     error = RunChange(change, make, keep);
-    outIsMade = !made.empty(); // another process may have been faster
+    outIsMade = !made.empty(); // empty if another process has created the key meanwhile
     return error == kNoError ? Open(inParent, inPath, inAccess, outKey) : error;
 }
 
 SystemError Store::Close(const HandleParts& inKey)
 {
-    std::shared_ptr<StoredKey> key; // a deleted key ends after the lock
+    std::shared_ptr<StoredKey> key; // destroyed after the lock is released
     const std::lock_guard<std::mutex> memory(mMemory);
     key = mHandles.Remove(inKey);
     return key != nullptr ? kNoError : kErrorInvalidHandle;
 }
 
-// The key that is to be deleted.
+// Finds the key to delete and checks that it may be deleted.
 SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants,
                                 bool inMayLoad, StoredKey*& outKey)
 {

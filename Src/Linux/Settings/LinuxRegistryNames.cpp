@@ -10,8 +10,8 @@ namespace {
 
 constexpr unsigned short kSeparator = '\\';
 
-// One unit for one unit: a folding of several units, and one that leads from outside ASCII into it, is none here, as
-// in the home platform's table.
+// Maps one unit to one unit. Like the home platform's table, ignores a folding to several units and one from a
+// non-ASCII unit to ASCII.
 unsigned short FoldUnit(unsigned short inUnit)
 {
     const UTF16String folded = tvxcore::utility::FoldCase(UTF16String(1, inUnit));

@@ -1,5 +1,5 @@
 // Floor: System
-// Names of keys and values, and paths made of them.
+// Names of keys and values, and the paths that consist of them.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -21,31 +21,31 @@ inline constexpr std::size_t kLongestValueName = 16383;
 inline constexpr unsigned kMostLevels = 512;
 inline constexpr unsigned kMostLevelsAtOnce = 32;
 
-/// Stores in outFolded what two names have in common that differ in case alone: as many units, in upper case for ASCII.
-/// The result is part of the store's format.
+/// Case-folds a name: two names that differ only in case have the same folded name. It has as many units as the name,
+/// and ASCII letters become upper case. It is part of the store's format.
 void FoldName(UnitsView inName, Units& outFolded);
 
-/// The hash of a folded name. It is part of the format in which processes tell each other of changes.
+/// Returns the hash of a folded name. It is part of the board's format.
 std::uint64_t HashName(UnitsView inFolded) noexcept;
 
-/// The names of a path, one after the other.
+/// Iterates over the names of a path.
 class PathNames
 {
 public:
-    /// Null counts as empty.
+    /// Treats null as an empty path.
     explicit PathNames(const unsigned short* inPath) noexcept;
 
-    /// 161 for a path with a leading backslash, 87 for one with a name that is too long.
+    /// Returns 161 for a path with a leading backslash, 87 for one with a name that is too long, and otherwise 0.
     SystemError Check() const noexcept;
 
-    /// The next name, or false at the end. Backslashes in a row count as one.
+    /// Stores the next name, or returns false at the end. Consecutive backslashes count as one.
     bool Next(UnitsView& outName) noexcept;
 
 private:
     const unsigned short* mRest;
 };
 
-/// The length of a text, which ends at its first zero unit.
+/// Returns the number of units before the first zero unit; 0 for null.
 std::size_t LengthOf(const unsigned short* inText) noexcept;
 
 } // namespace Linux

@@ -1,5 +1,5 @@
 // Floor: System
-// Where the stores of the two roots lie.
+// The locations of the two stores.
 #pragma once
 
 #include <string>
@@ -8,23 +8,23 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// The place of one store. Beside the database stand its journal and the board of changes, with the same name and an
-/// ending of their own, and databases that were set aside.
+/// The location of one store. The folder contains the database, and with suffixes to its name the journal, the board of
+/// changes, and databases that were set aside.
 struct Place
 {
-    std::string mFolder;   // host path without a slash at its end; empty if the process has no home
+    std::string mFolder;   // host path without a trailing slash; empty if the process has no home directory
     std::string mDatabase; // host path
-    bool mIsForAll = false; // everybody may read it
+    bool mIsForAll = false; // all users may read it
 };
 
-/// The user's store: in $XDG_DATA_HOME if that is an absolute path, else in .local/share below $HOME, or below the home
-/// folder that the system knows for the user.
+/// Returns the location of the user's store: $XDG_DATA_HOME if that is an absolute path, otherwise .local/share below
+/// $HOME, or below the home directory in the system's user database if $HOME is not an absolute path.
 Place FindUserPlace();
 
-/// The machine's store, below /var/lib.
+/// Returns the location of the machine's store, below /var/lib.
 Place FindMachinePlace();
 
-/// Puts the machine's store into another folder, for tests; an empty path puts it back.
+/// Sets another folder for the machine's store, for tests. An empty path restores the default.
 void SetMachineFolder(const std::string& inFolder);
 
 } // namespace Linux

@@ -1,8 +1,8 @@
 // Floor: System
-// The values of a key that other processes have changed. Only the hashes of their names are known.
+// The values of a key that other processes have changed. The board contains only the hashes of their names.
 //
-// A change of a hash makes every name with that hash stale. Loading a name makes that name current; other names with
-// the same hash stay stale.
+// A changed hash makes every name with that hash stale. Loading a name makes that name current; other names with the
+// same hash stay stale.
 #pragma once
 
 #include "LinuxRegistryNames.h"
@@ -17,7 +17,7 @@ namespace Linux {
 class StaleNames
 {
 public:
-    /// With more hashes than this, loading all values of the key costs less.
+    /// With more hashes than this, it is cheaper to load all values of the key.
     static constexpr std::size_t kMost = 1024;
 
     bool IsEmpty() const noexcept { return mLoaded.empty(); }
@@ -37,10 +37,10 @@ public:
         return true;
     }
 
-    /// All names of that hash are stale.
+    /// Makes all names with a hash stale.
     void Add(std::uint64_t inHash) { mLoaded[inHash].clear(); }
 
-    /// The name has been loaded.
+    /// Makes one name current, after it was loaded.
     void Remove(std::uint64_t inHash, const Units& inFolded)
     {
         if (Contains(inHash, inFolded)) {
@@ -51,7 +51,7 @@ public:
     void Clear() noexcept { mLoaded.clear(); }
 
 private:
-    std::unordered_map<std::uint64_t, std::vector<Units>> mLoaded; // of each hash, the names loaded since its change
+    std::unordered_map<std::uint64_t, std::vector<Units>> mLoaded; // for each hash, the names loaded since its change
 };
 
 } // namespace Linux

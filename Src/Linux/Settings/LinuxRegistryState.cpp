@@ -1,4 +1,4 @@
-// What is known of a store.
+// Reports the state of a store.
 #include "LinuxRegistryStoreWork.h"
 
 #include "LinuxRegistryFolder.h"

@@ -16,7 +16,7 @@ constexpr const char* kTexts[] = {
     "INSERT INTO keys(parent, folded, name) VALUES(?1, ?2, ?3)",
     "SELECT folded, name, type, data FROM vals WHERE key = ?1",
     "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded = ?2",
-    // Only while the key is there; the case of an existing name stays.
+    // Sets a value only if its key exists. An existing value keeps the case of its name.
     "INSERT INTO vals(key, folded, name, type, data) SELECT ?1, ?2, ?3, ?4, ?5 WHERE EXISTS(SELECT 1 FROM keys WHERE id = ?1) "
     "ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data",
     "DELETE FROM vals WHERE key = ?1 AND folded = ?2",
@@ -129,7 +129,7 @@ std::int64_t Statement::Number(int inColumn) const
     return sqlite3_column_int64(mStatement, inColumn);
 }
 
-// Rows lie in the database's pages as they fit: text there is not aligned.
+// Copies bytes, because text in a page of the database is not aligned.
 void Statement::Text(int inColumn, Units& outText)
 {
     std::size_t size = 0;
@@ -145,7 +145,7 @@ void Statement::Data(int inColumn, std::basic_string<unsigned char>& outData)
     outData.assign(static_cast<const unsigned char*>(blob), size);
 }
 
-// Never null.
+// Never returns null.
 const void* Statement::Blob(int inColumn, std::size_t& outSize)
 {
     const void* const blob = sqlite3_column_blob(mStatement, inColumn);

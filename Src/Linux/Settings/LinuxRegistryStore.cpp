@@ -1,4 +1,4 @@
-// Opening the database, keeping memory up to date with it, and finding keys.
+// Opens the database, updates memory from it, and finds keys.
 #include "LinuxRegistryStoreWork.h"
 
 #include "LinuxRegistryFolder.h"
@@ -15,11 +15,11 @@ using namespace SystemErrors;
 
 namespace {
 
-// The clock that is asked steps by at most ten milliseconds.
+// The coarse clock advances in steps of at most ten milliseconds.
 constexpr unsigned kPlaceLastsMilliseconds = 10;
 static_assert(kPlaceLastsMilliseconds + 10 < ChangeBoard::kSettleMilliseconds);
 
-constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x80000; // of an access mask
+constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x80000; // access rights that allow a change
 
 } // namespace
 
@@ -29,7 +29,7 @@ bool Store::IsUpToDate() noexcept
            && mDatabase.Board().Generation() == mSeen && IsInPlace();
 }
 
-// The names are looked up only now and then, since that costs more than a read.
+// Looks up the file names at most once per kPlaceLastsMilliseconds, because that costs more than a read.
 bool Store::IsInPlace() noexcept
 {
     const std::uint64_t now = MonotonicMilliseconds(CLOCK_MONOTONIC_COARSE);
@@ -47,11 +47,11 @@ void Store::Forget() noexcept
     mVersion = -1;
 }
 
-// Under both locks.
+// The caller holds both locks.
 SystemError Store::CatchUp(bool inCreate)
 {
     if (mDatabase.IsOpen() && mProcess != ::getpid()) {
-        mDatabase.Close(); // so that this process takes locks of its own
+        mDatabase.Close(); // a child of fork needs its own connection and locks
         Forget();
     }
     if (mDatabase.IsOpen() && !mDatabase.IsInPlace()) {
@@ -60,7 +60,7 @@ SystemError Store::CatchUp(bool inCreate)
     }
     SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inCreate);
     if (error == kErrorFileNotFound && !inCreate) {
-        return mTree.NoteEverything(nullptr); // an empty store, as long as nobody writes
+        return mTree.NoteEverything(nullptr); // an empty store until the first write
     }
     if (error == kNoError && inCreate && mDatabase.IsReadOnly()) {
         return kErrorAccessDenied;
@@ -83,7 +83,7 @@ SystemError Store::OpenDatabase(bool inCreate)
     mPlace = mFindPlace();
     SystemError error = mDatabase.Open(mPlace, inCreate);
     if (mDatabase.SetAsideIfDamaged()) {
-        error = mDatabase.Open(mPlace, true); // says why, which needs a database
+        error = mDatabase.Open(mPlace, true); // the new database records why the old one was set aside
     }
     if (error == kNoError) {
         mProcess = ::getpid();
@@ -159,8 +159,8 @@ SystemError Store::Walk(StoredKey& inFrom, const unsigned short* inPath, bool in
     return kNoError;
 }
 
-// An ordinary user may not change the machine's store, which is told when a key is opened to be changed. The user's own
-// store may be read-only for a while: its keys can be opened, and each change fails.
+// If the process may not write the machine's store, opening a key for writing fails. The user's own store may be
+// read-only temporarily, so its keys can be opened for writing, and each change fails.
 SystemError Store::CheckAccess(unsigned inAccess) const
 {
     if ((inAccess & Platform::kAccessViewBits) == Platform::kAccessViewBits) {

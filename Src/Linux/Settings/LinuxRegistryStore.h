@@ -1,9 +1,9 @@
 // Floor: System
-// One root: the database, what of it is in memory, and the handles to its keys.
+// The store of one root: its database, the keys in memory, and the handles to its keys.
 //
-// Reads come from memory while the board of changes says that nobody has written anything; else the store catches up
-// first. Two locks: mWork for the database, one operation at a time; then mMemory for tree and handles, which a read from
-// memory takes alone. Waiting for another process happens under mWork only.
+// While the board shows no new changes, reads are served from memory. Otherwise the store first processes the changes.
+// There are two locks. mWork is acquired first and admits one database operation at a time; mMemory guards tree and
+// handles. A read from memory acquires only mMemory. A thread waits for other processes under mWork only.
 #pragma once
 
 #include "LinuxRegistryDatabase.h"
@@ -23,7 +23,7 @@ namespace Linux {
 
 using Platform::KeyHandle;
 
-/// The key of an edit, kept for the next one, which is often about the same key.
+/// The key of an edit. It is cached, because the next edit often changes the same key.
 struct EditTarget
 {
     Units mPath;
@@ -50,13 +50,13 @@ public:
     SystemError List(const HandleParts& inKey, std::vector<Platform::Value>& outValues);
     SystemError Apply(const std::vector<Platform::Edit>& inEdits);
 
-    /// Place, size and databases that were set aside; with inCheck the database is read as a whole.
+    /// Returns path, size and the databases that were set aside. With inCheck reads and checks the whole database.
     Platform::StoreState State(bool inCheck);
 
-    /// Closes the database and forgets what is in memory but for open handles' keys. The next operation opens it again.
+    /// Closes the database, and frees the keys in memory if no handle is open. The next operation opens it again.
     void Release() noexcept;
 
-    /// Around a fork: nobody is at work on the store while the process is copied.
+    /// Called before and after a fork, so that no thread uses the store while the process is copied.
     void LockForFork();
     void UnlockAfterFork(bool inIsChild);
 
@@ -101,18 +101,18 @@ private:
 
     TurnLock mWork;
     std::mutex mMemory;
-    Database mDatabase; // opened and closed under both
+    Database mDatabase; // opened and closed under both locks
     Place mPlace;
-    int mProcess = 0; // that has opened the database
+    int mProcess = 0; // the process that opened the database
     Tree mTree;
     HandleTable mHandles;
-    Units mFolded;              // a name that is looked up, under mMemory
-    std::uint64_t mSeen = kNever; // generation of the board that memory is up to date with
-    std::int64_t mVersion = -1;   // the same for a database without a board
-    std::uint64_t mPlaceSeenAt = 0; // when the database and its board were last found in their places
+    Units mFolded;              // buffer for the name that is looked up, guarded by mMemory
+    std::uint64_t mSeen = kNever; // the board's generation whose changes are in memory
+    std::int64_t mVersion = -1;   // the same for a database without a board: its data version
+    std::uint64_t mPlaceSeenAt = 0; // when the files of the database and its board were last found under their names
 };
 
-/// The store that a handle belongs to.
+/// Returns the store of a handle.
 Store& StoreOf(const HandleParts& inKey);
 
 /// Closes both databases.

@@ -1,5 +1,5 @@
 // Floor: System
-// How reads and changes of a store run: included by the sources of Store alone.
+// The templates that run reads and changes of a store. Only the sources of Store include this header.
 #pragma once
 
 #include "LinuxRegistryStore.h"
@@ -10,7 +10,8 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// inRead(false) looks at what is in memory and returns kNotInMemory if that is not enough; inRead(true) may load.
+/// Runs a read. inRead(false) uses memory only and returns kNotInMemory if something is not loaded; inRead(true) may
+/// load from the database.
 template <class Read>
 SystemError Store::FromMemory(Read inRead)
 {
@@ -34,8 +35,8 @@ SystemError Store::FromMemory(Read inRead)
     return error;
 }
 
-/// inWork changes the database inside a transaction, in which memory is up to date and nobody else writes; it leaves
-/// memory alone. inDone does the same in memory after the commit. Both run under both locks.
+/// Runs a change. inWork changes the database in a transaction, but not memory. During it memory is up to date and
+/// nobody else writes. inDone makes the same change in memory after the commit. Both run under both locks.
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {
@@ -75,8 +76,8 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     return error;
 }
 
-/// Does in memory what this process has done itself, unless others have to be caught up with
-/// first. The commit stands whatever happens here.
+/// Makes this process's own change in memory, unless changes by others must be processed first. The change is already
+/// committed, so a failure here only makes the next read reload the keys.
 template <class Done>
 void Store::KeepUp(std::uint64_t inAnnounced, Done inDone) noexcept
 {

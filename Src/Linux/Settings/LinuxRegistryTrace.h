@@ -1,5 +1,5 @@
 // Floor: System
-// What the store reports to the trace, under category "ORL.Registry".
+// The reports of the store to the trace category "ORL.Registry".
 #pragma once
 
 #include <Platform/Registry.h>
@@ -10,7 +10,7 @@ namespace Linux {
 
 void TraceSetAside(const Platform::SetAside& inSetAside);
 
-/// A store that cannot be opened.
+/// Reports a store that cannot be opened.
 void TraceRefusal(const std::string& inFile, SystemError inError);
 
 } // namespace Linux

@@ -21,7 +21,7 @@ bool ComesBefore(const SubKeyRow& inLeft, const SubKeyRow& inRight)
 constexpr unsigned short kSoftwareFolded[] = {'S', 'O', 'F', 'T', 'W', 'A', 'R', 'E', 0};
 constexpr unsigned short kSoftwareName[] = {'S', 'o', 'f', 't', 'w', 'a', 'r', 'e', 0};
 
-// The subkeys of a key, sorted. Rows that no version of the library writes are passed over.
+// Reads the subkeys of a key, sorted. Skips rows that no version of the library writes.
 SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<SubKeyRow>& outRows)
 {
     if (ioDatabase == nullptr) {
@@ -78,8 +78,8 @@ unsigned Tree::LevelOf(const StoredKey& inKey) noexcept
     return level;
 }
 
-// The subkeys that the rows tell of: those in memory, and new ones, which have no parent yet. Rows of a key that has
-// another parent are passed over: no version of the library writes them.
+// Stores the subkeys of the rows: keys in memory, and new keys, which have no parent yet. Skips a row whose key has
+// another parent, because no version of the library writes such rows.
 void Tree::Adopt(StoredKey& ioKey, std::vector<SubKeyRow>& ioRows, std::vector<std::shared_ptr<StoredKey>>& outSubKeys)
 {
     outSubKeys.reserve(ioRows.size());
@@ -111,7 +111,7 @@ SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
     if (error != kNoError) {
         return error;
     }
-    // Nothing that is known changes before everything is made.
+    // Allocate everything first; the tree changes only after that.
     std::vector<std::shared_ptr<StoredKey>> subKeys;
     try {
         Adopt(ioKey, rows, subKeys);
@@ -123,7 +123,7 @@ SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
         }
         throw;
     }
-    subKeys.swap(ioKey.mSubKeys); // now subKeys are the earlier ones
+    subKeys.swap(ioKey.mSubKeys); // from here, subKeys is the previous list
     for (const std::shared_ptr<StoredKey>& key : ioKey.mSubKeys) {
         key->mParent = &ioKey;
     }
@@ -230,7 +230,7 @@ SystemError Tree::ReloadBelow(StoredKey& ioKey, Database* ioDatabase)
 
 SystemError Tree::ReloadSubKeys(StoredKey& ioKey, Database* ioDatabase)
 {
-    // Without mHasSubKeys there are subkeys in memory when loading them has failed before.
+    // If an earlier reload failed, mHasSubKeys is false although subkeys are in memory.
     const bool isInMemory = std::exchange(ioKey.mHasSubKeys, false) || !ioKey.mSubKeys.empty();
     return isInMemory ? LoadSubKeys(ioKey, ioDatabase) : kNoError;
 }

@@ -1,5 +1,5 @@
 // Floor: System
-// What this process knows of a store: keys and values in memory, loaded key by key when they are first needed.
+// The keys and values of a store in memory. Each key is loaded when it is first needed.
 //
 // Not thread-safe; the store locks it.
 #pragma once
@@ -29,12 +29,12 @@ struct StoredValue
 
 struct HashOfName
 {
-    // Not noexcept: the standard library then keeps each entry's hash beside it, instead of hashing names again that it
-    // passes in a look-up.
+    // Not noexcept, because the standard library then caches the hash of each entry instead of hashing the names that
+    // it passes in a lookup again.
     std::size_t operator()(const Units& inFolded) const { return HashName(inFolded); }
 };
 
-/// One key in memory. A deleted one lives as long as a handle to it, without a parent.
+/// One key in memory. A deleted key has no parent, and lives until its last handle is closed.
 struct StoredKey : std::enable_shared_from_this<StoredKey>
 {
     std::int64_t mId = 0;
@@ -43,7 +43,7 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     Units mName;
     bool mIsDeleted = false;
     bool mHasSubKeys = false; // mSubKeys is loaded
-    bool mHasValues = false;  // mValues is loaded, but for those of mStale
+    bool mHasValues = false;  // mValues is loaded, except those of mStale
     std::vector<std::shared_ptr<StoredKey>> mSubKeys; // in the order of their folded names
     std::unordered_map<Units, StoredValue, HashOfName> mValues; // by folded name
     StaleNames mStale;
@@ -55,7 +55,7 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     }
 };
 
-/// A key as its parent's list has it.
+/// A key in the list of its parent.
 struct SubKeyRow
 {
     std::int64_t mId = 0;
@@ -70,33 +70,33 @@ public:
 
     const std::shared_ptr<StoredKey>& Root() const noexcept { return mRoot; }
 
-    /// The subkey of that folded name, or null. mSubKeys must be loaded.
+    /// Returns the subkey of a folded name, or null. mSubKeys must be loaded.
     static std::shared_ptr<StoredKey>* Find(StoredKey& inKey, UnitsView inFolded);
 
-    /// A key and how deep it is below the root.
+    /// Returns the number of levels between a key and the root; 0 for the root.
     static unsigned LevelOf(const StoredKey& inKey) noexcept;
 
-    /// Load from the database what is missing of a key, or is stale. Without a database (null) there is the empty store.
+    /// Load the missing or stale parts of a key from the database. A null database stands for an empty store.
     SystemError LoadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError LoadValues(StoredKey& ioKey, Database* ioDatabase);
 
-    /// Loads the value of that folded name, if it is stale.
+    /// Loads the value of a folded name if it is missing or stale.
     SystemError LoadValue(StoredKey& ioKey, const Units& inFolded, Database* ioDatabase);
 
-    /// Takes note of a change that another writer has made. Subkeys in memory are loaded again at once, so that keys
-    /// which are gone are known to be.
+    /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory
+    /// is reloaded immediately, so that deleted keys are marked.
     SystemError Note(const Change& inChange, Database* ioDatabase);
 
-    /// The same when everything may have changed.
+    /// The same for a change that may affect everything.
     SystemError NoteEverything(Database* ioDatabase);
 
-    /// Puts a new key in, if its neighbours are in memory.
+    /// Inserts a new key if the list of its siblings is in memory.
     void Insert(StoredKey& ioParent, std::int64_t inId, const Units& inFolded, const Units& inName);
 
-    /// Takes a key out with all below it.
+    /// Removes a key and its descendants.
     void Remove(StoredKey& ioKey) noexcept;
 
-    /// Forgets everything. No handle may be open.
+    /// Discards all keys. No handle may be open.
     void Clear() noexcept;
 
 private:

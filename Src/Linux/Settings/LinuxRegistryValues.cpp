@@ -1,4 +1,4 @@
-// Reading and writing the values of a store.
+// Reads and writes the values of a store.
 #include "LinuxRegistryStoreWork.h"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
     });
 }
 
-// Puts a value, or without one takes it out. One statement, which is a transaction of its own.
+// Sets a value, or deletes it if inValue is null. Runs one statement, which is a transaction by itself.
 SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const StoredValue* inValue)
 {
     StoredKey* key = nullptr;
@@ -81,7 +81,7 @@ SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const S
     if (error != kNoError) {
         return error;
     }
-    if (mDatabase.ChangedRows() == 0) { // the key is gone, or the value was not there
+    if (mDatabase.ChangedRows() == 0) { // the key was deleted, or the value does not exist
         error = CatchUp(false);
         error = error == kNoError ? Resolve(inKey, 0, key) : error;
         return error != kNoError ? error : inValue != nullptr ? kErrorKeyDeleted : kErrorFileNotFound;

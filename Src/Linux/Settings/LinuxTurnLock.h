@@ -1,6 +1,6 @@
 // Floor: System
-// A lock that its waiters get in the order in which they came. A plain mutex lets a thread that works in a loop take it
-// again and again, and a store is locked for tens of microseconds at a time: others would wait for seconds.
+// A fair lock, which its waiters acquire in the order of their arrival. A thread in a loop can reacquire a std::mutex
+// before any waiter wakes up, and other threads would then wait for seconds for a store.
 #pragma once
 
 #include <condition_variable>
@@ -31,7 +31,8 @@ public:
         mTurnHasCome.notify_all();
     }
 
-    /// In a child of fork, whose parent's forking thread owned the lock: the threads that waited for it are not here.
+    /// Resets the lock in a child of fork. The forking thread owned it, and the waiting threads do not exist in the
+    /// child.
     void Renew() noexcept { ::new (static_cast<void*>(this)) TurnLock; }
 
 private:
