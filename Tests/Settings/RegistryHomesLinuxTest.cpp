@@ -271,7 +271,7 @@ TEST_F(RegistryHomes, DatabaseRemovedUnderneath_IsNoticedByTheNextWriteAndMadeAn
 {
     ASSERT_EQ(kSuccess, Write(1));
     fs::remove_all(File().parent_path());
-    Write(2); // may still use the cached key, which is gone with the database
+    Write(2); // may fail: the cached key was deleted with the database
     EXPECT_EQ(kSuccess, Write(2)) << "into the file that the name leads to";
     ReleaseStores();
     EXPECT_EQ(2u, Read());

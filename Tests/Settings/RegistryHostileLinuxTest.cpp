@@ -73,7 +73,7 @@ protected:
                && key.GetUInt32Value(MakeString("n"), value) == kSuccess && value == 5;
     }
 
-    // Expects that the database counted as damaged, was kept under another name and replaced by a new one.
+    // Expects that the database was treated as damaged: kept under another name and replaced by a new one.
     void ExpectSetAside(const std::string& inContents, const std::string& inReason)
     {
         EXPECT_EQ(kSuccess, TryToWrite());

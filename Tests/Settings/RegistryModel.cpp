@@ -124,7 +124,7 @@ bool RegistryModel::Retarget(Handle& ioHandle, std::mt19937& ioRandom, bool inMa
         return true;
     }
     if (exists || creates) {
-        RegistryKey().Swap(ioHandle.mKey); // detaches copies of the key in other handles
+        RegistryKey().Swap(ioHandle.mKey); // a new object: copies in other handles must keep their key
     }
     constexpr auto kAll = static_cast<RegistryKeyAccess::Type>(0);
     const Result result = creates ? ioHandle.mKey.Create(RegistryRootKeys::kUser, written)

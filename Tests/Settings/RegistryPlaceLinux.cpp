@@ -8,7 +8,7 @@ namespace ORLTest {
 
 using namespace ORL::Registry::Linux;
 
-// The stores' folders exist as long as the place. The stores that other tests left open are released first.
+// Creates the stores' folders for the lifetime of the place, after it releases the stores that other tests left open.
 class RegistryPlace::Impl
 {
 public:

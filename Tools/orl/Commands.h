@@ -11,7 +11,7 @@ void AddInfo(CLI::App& ioProgram);
 /// orl stream FILE...: reads files unbuffered, with many reads in flight, and shows rates, latencies and checksums.
 void AddStream(CLI::App& ioProgram);
 
-/// orl ingest SOURCE DEST: copies a tree, reads each file back unbuffered, compares, and keeps a manifest.
+/// orl ingest SOURCE DEST...: copies a tree, reads each file back unbuffered, compares, and keeps a manifest.
 void AddIngest(CLI::App& ioProgram);
 
 /// orl make-clip PATH: writes a test clip.

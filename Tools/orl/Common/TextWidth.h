@@ -10,10 +10,10 @@ namespace orl {
 /// counts as one.
 std::size_t ColumnsOf(const std::string& inText);
 
-/// Returns the longest beginning that takes at most that many columns, without splitting a character.
+/// Returns the longest prefix of at most inColumns columns, without splitting a character.
 std::string StartOf(const std::string& inText, std::size_t inColumns);
 
-/// Returns the longest end that takes at most that many columns. It starts with a character that has a width.
+/// Returns the longest suffix of at most inColumns columns. It starts with a character that has a width.
 std::string TailOf(const std::string& inText, std::size_t inColumns);
 
 } // namespace orl

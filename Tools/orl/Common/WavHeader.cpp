@@ -33,9 +33,9 @@ constexpr std::uint64_t kPcm = 1;
 constexpr std::uint64_t kFloat = 3;
 constexpr std::uint64_t kALaw = 6;
 constexpr std::uint64_t kMuLaw = 7;
-constexpr std::uint64_t kExtensible = 0xFFFE; // the actual tag is at the start of an identifier further on
+constexpr std::uint64_t kExtensible = 0xFFFE; // the actual tag is at the start of the extension's GUID
 
-// The rest of an identifier that contains a tag.
+// The bytes of the GUID after the tag.
 constexpr unsigned char kTagIdentifier[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 class WavFile

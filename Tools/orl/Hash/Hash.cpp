@@ -26,7 +26,7 @@ constexpr unsigned int kBlockSize = 1 << 20;
 
 Failure CannotRead(const std::string& inFile, ORL::Result inResult)
 {
-    // A bare -1 means that the file does not exist.
+    // File::Open returns -1 if the file does not exist.
     return Failure("hash: cannot read \"" + OnOneLine(inFile)
                    + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
 }
@@ -49,7 +49,7 @@ unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector
     return filled;
 }
 
-// Starts from 0:0:0, in blocks of 1 MiB. An empty file is one empty block.
+// Starts from 0:0:0 and adds blocks of 1 MiB. An empty file counts as one empty block.
 ORL::HashValue HashOf(const std::string& inName)
 {
     ORL::File file;

@@ -57,7 +57,7 @@ struct Facts
     std::vector<Store> mStores;
 };
 
-// Long enough for a load in whole percents on a machine with one processor.
+// On a machine with one processor, this interval is long enough to measure the load in whole percents.
 constexpr std::chrono::milliseconds kLoadInterval(200);
 
 void GatherMachine(Facts& outFacts)

@@ -74,7 +74,7 @@ std::string Hexadecimal(std::uint32_t inNumber)
     return text;
 }
 
-// Returns two decimals with a suitable unit.
+// Returns the time in milliseconds with two decimals.
 std::string Milliseconds(double inSeconds)
 {
     char text[32];

@@ -13,7 +13,8 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// Half a second after 01:02:03, so that the formats differ in their last field and in the seconds they lose.
+// Half a second after 01:02:03. The labels of the formats differ in their last field, and in their seconds if labels
+// and real time drift apart.
 constexpr double kSampleSeconds = 3723.5;
 
 struct Row
@@ -43,7 +44,7 @@ std::string SeparatorsIn(const std::string& inLabel)
 }
 
 // Returns the number of frames in a day: between two labels if the format has hours, otherwise in 86400 seconds.
-// Doubles half a day, because the library folds labels of a whole day.
+// Doubles half a day, because the library folds times beyond one day.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {
     ORL::Timecode code(kTime_Zero, inFormat.mRate, inFormat.mDisplay);
