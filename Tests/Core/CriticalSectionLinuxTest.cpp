@@ -1,4 +1,4 @@
-// What the Linux lock guarantees beyond the operating system's.
+// Guarantees of the Linux lock that the lock of the OS does not make.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>

@@ -21,7 +21,7 @@ const char kInputText[] =
 const char kOutputText[] =
     "$$$/tvxcore/utility/Error/Contract/OutputContractViolation=An output contract violation has occurred!";
 
-// Its address is passed to the address checks; nothing reads its contents.
+// The tests pass its address to the address checks; nothing reads its contents.
 char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)
@@ -32,7 +32,7 @@ void ExpectContractError(const CheckReport& inReport, const char* inText, long i
     EXPECT_EQ(inErrorID, inReport.mLine);
     EXPECT_EQ(0, inReport.mLevel);
     EXPECT_TRUE(inReport.mFlag);
-    // Empty values are distinct only by address.
+    // Only their addresses distinguish empty values.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
     EXPECT_EQ(0u, values.count(nullptr));

@@ -1,4 +1,4 @@
-// Values for a debugger to display. The script stops the host in Stop and prints main's variables.
+// Contains values for a debugger to display. The script stops this program in Stop and prints the variables of main.
 #include <ORLConstString.h>
 #include <ORLInterface.h>
 #include <ORLObjectPtr.h>

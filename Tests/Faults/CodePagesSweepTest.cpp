@@ -34,7 +34,7 @@ bool FailsWithout(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther, const
 } // namespace
 
 // The result itself uses the small block allocator. Up to 1024 units are converted on the stack; more are written
-// where the result stays, so that there is no second block.
+// directly into the result, so that there is no second block.
 TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 {
     for (const std::size_t count : {1024u, 1025u, 5000u}) {
@@ -76,7 +76,7 @@ TEST(CodePagesSweep, Conversions_LeaveNothingBehind)
 TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
 {
     UseOwnHost();
-    GetRegistrySettingsKey(); // built once and kept
+    GetRegistrySettingsKey(); // builds and caches the key before the sweep
     SweepMemory(
         [] {
             Internal::ForgetLanguage();

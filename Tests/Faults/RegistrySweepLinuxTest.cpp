@@ -1,4 +1,4 @@
-// The store with its memory refused at every place above the database, whose own memory is refused elsewhere.
+// Fails each allocation of the registry store. Other tests fail the allocations of its database.
 #include "MemoryFaults.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
@@ -85,7 +85,7 @@ TEST_F(RegistrySweep, ReadingWithoutMemory_LosesNothing)
     });
 }
 
-// What is acknowledged is there, though memory cannot follow.
+// A value whose write succeeded can be read, unless memory runs out while reading.
 TEST_F(RegistrySweep, WritingWithoutMemory_KeepsWhatIsAcknowledged)
 {
     unsigned round = 0;
@@ -127,7 +127,7 @@ TEST_F(RegistrySweep, SeveralEditsWithoutMemory_AreDoneAsAWholeOrNot)
         if (RegistryStore::ListValues(kUser, path, values) == kSuccess) {
             EXPECT_EQ(3u, values.size());
         } else if (isDone) {
-            values.resize(3); // it cannot be read now
+            values.resize(3); // out of memory while reading: nothing to check
         }
         EXPECT_TRUE(!isDone || values.size() == 3);
         RegistryEdit remove;

@@ -163,7 +163,7 @@ protected:
         EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords());
     }
 
-    // Whether the call can fail; leaving the ring cannot.
+    // Whether the call can fail; closing the ring cannot.
     static bool CanFail(Call inCall) { return inCall != FaultySystemCalls::kUringQueueExit; }
 
     // Whether the error ends the completion thread: a read or a port fails permanently. Another test covers that.

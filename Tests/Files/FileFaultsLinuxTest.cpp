@@ -113,7 +113,7 @@ struct Operation
 const Forgiven kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
 const Forgiven kEveryClose = {Faults::kClose};
 const Forgiven kEveryStatx = {Faults::kStatx};
-// For a copy, whose own close is the first.
+// The later closes of a copy. The first one closes the copy itself and must be reported.
 const Forgiven kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 int RefuseToRename(const char*, const char*, unsigned)

@@ -91,7 +91,7 @@ TEST(SwapOfLongNames, ThatFails_LeavesBothFilesAlone)
     }
 }
 
-// Until the swap is known to be on disk, the old contents stay too.
+// Until the swap has been synced to disk, the old contents are kept too.
 TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
 {
     const TempFolder folder;

@@ -92,7 +92,7 @@ TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)
 TEST(UnhandledExceptionAlert, OnANamedThread_ShowsItsNamesAsUTF8)
 {
     CheckRecorder recorder;
-    ThreadManager::RegisterMainThread(); // starts the records
+    ThreadManager::RegisterMainThread(); // starts the thread records
     bool ignore = false;
     ThrowAfterUnhandledExceptionAlert(ignore, "");
     const ThreadManager::ThreadInfo& info = *ThreadManager::GetCurrentThreadInfo();

@@ -1,5 +1,5 @@
-// Checks whose identity is published, because crash triage and users' lists of ignored checks use it as the key. Each
-// room has a table of its sites in the file PublishedSites<Room>Test.cpp:
+// Checks with a published identity, which crash triage and users' lists of ignored checks use as the key. Each room has
+// a table of its sites in the file PublishedSites<Room>Test.cpp:
 //
 //   const PublishedSite kSites[] = {
 //       {__LINE__, PublishedSite::kAssert, "false", "message\r\n", "Source", 12, "ORL::Class::Function", [] { ... }},

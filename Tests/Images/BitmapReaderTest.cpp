@@ -1,5 +1,5 @@
-// Bitmaps that no script would make. The bytes stand in memory of exactly their size, so that a sanitizer sees a step
-// too far.
+// Bitmaps with unusual or damaged contents. Their bytes are in a block of exactly their size, so that a sanitizer
+// detects every read beyond the end.
 #include "../../Fuzz/PictureFuzzTarget.h"
 
 #include <Images/BitmapReader.h>
@@ -132,7 +132,7 @@ TEST(BitmapReader, TheSmallestBitmap_HasOnePixel)
     PixelPicture picture;
     ASSERT_TRUE(Read(With({1, 1, 24}, {1, 2, 3, 0}), picture));
     EXPECT_EQ(std::vector<std::uint32_t>{0xFF030201}, picture.mPixels);
-    EXPECT_FALSE(Read(With({1, 1, 24}, {1, 2, 3}), picture)); // its padding is a part of it
+    EXPECT_FALSE(Read(With({1, 1, 24}, {1, 2, 3}), picture)); // the padding of a row is required
 }
 
 TEST(BitmapReader, AFourthByte_StaysUnlessItIs0Everywhere)
@@ -192,7 +192,7 @@ TEST(BitmapReader, Runs_StayInsideOfThePicture)
         const char* mWhat;
         Contents mRuns;
         bool mIsRead;
-        std::vector<std::uint32_t> mPixels; // of 2 by 2
+        std::vector<std::uint32_t> mPixels; // of a picture of 2 by 2
     } kRows[] = {
         {"nothing but the end", {0, 1}, true, {kBlack, kBlack, kBlack, kBlack}},
         {"no end", {}, false, {}},
@@ -233,7 +233,7 @@ TEST(BitmapReader, EachLengthAndEachFlippedBit_IsReadInsideOfItsBytes)
         for (std::size_t size = 0; size < whole.size(); ++size) {
             EXPECT_EQ(nullptr, ORLFuzz::CheckBitmap(whole.data(), size)) << name << " cut to " << size;
         }
-        // The header and masks decide; of colours and pixels a few bytes will do.
+        // Tests every byte of the header and the masks, but only every 13th byte of colours and pixels.
         for (std::size_t place = 0; place < whole.size(); place += place < 128 ? 1 : 13) {
             for (int bit = 0; bit < 8; ++bit) {
                 Contents damaged = whole;

@@ -1,4 +1,4 @@
-// The reader of bitmaps beside the system's own.
+// Compares the reader of bitmaps with that of Windows.
 #include <Images/BitmapReader.h>
 
 #include <BitmapPixels.h>
@@ -34,7 +34,7 @@ std::size_t PlaceOfPixels(const Contents& inBitmap)
     return header.biSize + (hasMasks ? 12 : 0) + 4 * colours;
 }
 
-// The colours as the system reads them.
+// Returns the colours that Windows reads from the bitmap.
 std::vector<std::uint32_t> BySystem(const Contents& inBitmap, const PixelPicture& inPicture)
 {
     const HDC screen = ::GetDC(nullptr);

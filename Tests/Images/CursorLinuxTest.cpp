@@ -1,4 +1,4 @@
-// The pointer is looked at where it is shown: on a virtual display, by asking its server.
+// Sets the pointer on a virtual display and queries the X server for the picture that it shows.
 #include <ORLCursor.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <vector>
 
-// Last: their macros have names that others use.
+// Included last, because their macros collide with names of other headers.
 #include <X11/Xlib.h>
 #include <X11/cursorfont.h>
 #include <X11/extensions/Xfixes.h>
@@ -37,7 +37,7 @@ const Row kRows[] = {
     {&ORL::Cursor::SetArrowCursor, Cursors::Linux::kArrow, XC_left_ptr},
 };
 
-// A server without a screen. It says its number once it takes connections.
+// An X server without a real screen. It writes its display number when it accepts connections.
 class VirtualDisplay
 {
 public:
@@ -79,7 +79,7 @@ private:
     std::string mName;
 };
 
-// The picture of the pointer as it is shown now.
+// Returns the picture of the pointer that the server shows now.
 std::vector<unsigned long> ShownPointer(Display* inDisplay)
 {
     XSync(inDisplay, False);
@@ -94,7 +94,7 @@ std::vector<unsigned long> ShownPointer(Display* inDisplay)
     return pixels;
 }
 
-// What the same window shows if the test itself defines the pointer.
+// Returns the picture that the window shows if the test itself sets a pointer shape.
 std::vector<unsigned long> PointerOfFont(Display* inDisplay, Window inWindow, unsigned int inShape)
 {
     const ::Cursor cursor = XCreateFontCursor(inDisplay, inShape);
@@ -143,7 +143,7 @@ TEST(Cursor, OnX11_TheServerShowsEachShape)
     }
     Cursors::Linux::SetX11Window(nullptr, 0);
     ORL::Cursor::SetWaitCursor();
-    EXPECT_EQ(expected.back(), ShownPointer(display)); // no longer the host's window
+    EXPECT_EQ(expected.back(), ShownPointer(display)); // unchanged: the host no longer names its window
     XCloseDisplay(display);
 }
 
@@ -152,7 +152,7 @@ TEST(Cursor, TheHostsFunction_ComesFirst)
     std::vector<Shape> shapes;
     Cursors::Linux::SetShapeSetter(
         [](Shape inShape, void* inShapes) { static_cast<std::vector<Shape>*>(inShapes)->push_back(inShape); }, &shapes);
-    Cursors::Linux::SetX11Window(&shapes, 1); // never reached
+    Cursors::Linux::SetX11Window(&shapes, 1); // not used: the host's function has precedence
     for (const Row& row : kRows) {
         row.mSet();
     }
@@ -171,7 +171,7 @@ TEST(Cursor, WithoutADisplay_OnlyTheShapeIsKept)
     }
 }
 
-// In a process of its own, which begins anew, so that the library has not been looked for yet.
+// Runs in a new process, in which libX11 has not been searched for yet.
 TEST(CursorDeathTest, WithoutLibX11_NothingHappens)
 {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";

@@ -1,4 +1,4 @@
-// The bitmaps of the plug-in, as a loader has to return them.
+// The bitmaps that a loader must return for the plug-in's resources.
 #pragma once
 
 #include "Data/Pixels.h"
@@ -12,13 +12,13 @@
 
 namespace ORLTest {
 
-/// Wine's LoadBitmapW makes a black bitmap of one whose rows stand from the top.
+/// Returns whether the rows are stored from the top. Wine's LoadBitmapW returns a black bitmap for these.
 inline bool IsTopDown(const BitmapRow& inRow)
 {
     return std::string(inRow.mName).find("top_down") != std::string::npos;
 }
 
-/// Alpha aside: a bitmap of the system need not have any.
+/// Ignores alpha, because a bitmap of the system need not have it.
 inline void ExpectPixels(ORL::Module& inModule, const BitmapRow& inRow)
 {
     SCOPED_TRACE(inRow.mName);

@@ -21,7 +21,7 @@ protected:
 
 } // namespace
 
-// An assignment takes what it shares by a reference that is not constant.
+// The assignment operator takes a non-const reference.
 static_assert(std::is_assignable<OSImageHandle&, OSImageHandle&>::value);
 static_assert(!std::is_assignable<OSImageHandle&, const OSImageHandle&>::value);
 

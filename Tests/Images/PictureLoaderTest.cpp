@@ -201,7 +201,7 @@ TEST_F(PictureLoader, EveryFormOfBitmap_HasItsPixelsInOrder)
 
 TEST_F(PictureLoader, ALockThatFailsOnce_IsTriedAgain)
 {
-    for (const int skipped : {0, 1}) { // the source's, then the destination's
+    for (const int skipped : {0, 1}) { // the lock of the source fails, then that of the destination
         Wrapped() = WrappedImages();
         Wrapped().mSkipLocks = skipped;
         Wrapped().mFailLocks = 1;

@@ -14,7 +14,7 @@ using namespace ORLTest;
 
 namespace {
 
-// Of the blocks that the decoder requests for pixels.
+// The size of the largest block that the decoder has requested for pixels.
 std::atomic<std::size_t> sLargestRequest{0};
 
 } // namespace
@@ -36,7 +36,7 @@ namespace {
 using Pixels = std::vector<unsigned char>;
 using Road = bool(const ORL::Resources::Bytes&, DecodedPNG&) noexcept;
 
-// Empty for a file that is refused.
+// Returns the pixels, or an empty vector for a file that is refused.
 Pixels Decode(Road& inRoad, const std::string& inFile)
 {
     ORL::Resources::Bytes bytes;
@@ -137,7 +137,7 @@ TEST(Png, EveryKind_HasThePixelsThatLibpngReads)
             }
         }
     }
-    EXPECT_EQ(2 * 6 * 3, fast); // true colour of 8 bits with and without alpha, every filter and width
+    EXPECT_EQ(2 * 6 * 3, fast); // 8-bit true colour with and without alpha, six filters, three widths
 }
 
 TEST(Png, ManyPieces_AreOnePicture)
@@ -204,7 +204,7 @@ TEST(Png, WhatIsNotWhole_IsRefused)
     EXPECT_FALSE(Decode(DecodePNG, FileOf(Chunk("IDAT", packed))).empty());
 }
 
-// Each chunk has a check sum, so no flipped bit goes unnoticed.
+// Each chunk has a checksum, so every flipped bit is detected.
 TEST(Png, EachFlippedBit_IsRefused)
 {
     for (const int colour : {PNG_COLOR_TYPE_RGB_ALPHA, PNG_COLOR_TYPE_PALETTE}) {

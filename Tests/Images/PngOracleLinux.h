@@ -1,4 +1,4 @@
-// PNG files of every kind as libpng writes them, and what libpng reads out of them.
+// Writes PNG files of every kind with libpng, and reads their pixels with libpng.
 #pragma once
 
 #include <csetjmp>
@@ -18,7 +18,7 @@ struct PngKind
     int mDepth;
     int mFilters;
     bool mIsInterlaced;
-    bool mHasTransparency; // a tRNS chunk
+    bool mHasTransparency; // has a tRNS chunk
     unsigned int mWidth;
     unsigned int mHeight;
 };
@@ -37,7 +37,7 @@ inline void AppendPng(png_structp inPng, png_bytep inBytes, png_size_t inSize)
     static_cast<std::string*>(png_get_io_ptr(inPng))->append(reinterpret_cast<const char*>(inBytes), inSize);
 }
 
-/// Writes a file of random pixels in smooth runs, so that every filter has something to do.
+/// Writes a file of random pixels in smooth runs, so that every filter has an effect.
 inline std::string WritePng(const PngKind& inKind, unsigned int inSeed)
 {
     std::mt19937 random(inSeed);
@@ -103,7 +103,7 @@ inline void ReadPngBytes(png_structp inPng, png_bytep outBytes, png_size_t inSiz
     source.mPlace += inSize;
 }
 
-/// Blue, green, red and alpha of each pixel; 16-bit channels keep their upper bytes.
+/// Returns blue, green, red and alpha of each pixel; of 16-bit channels, the upper bytes.
 inline std::vector<unsigned char> ReadPng(const std::string& inFile)
 {
     PngSource source{&inFile, 0};

@@ -7,7 +7,7 @@ using namespace ORL::Images;
 
 namespace {
 
-// The exact quotient, rounded: no ties, since 255 is odd.
+// Returns the exact quotient, rounded to nearest. There are no ties, since 255 is odd.
 std::uint32_t Rounded(std::uint32_t inColour, std::uint32_t inAlpha)
 {
     return (2 * inColour * inAlpha + 255) / (2 * 255);
@@ -62,7 +62,8 @@ TEST(Premultiply, ATransparentPixelOfAnyColour_Becomes0)
     EXPECT_EQ(Pixels(4, 0), result);
 }
 
-// Each count from 0 on, so that the pixels behind the vectors are met, at each place in memory.
+// Each count from 0 on, so that the kernels also process the pixels after the last whole vector; each at eight
+// alignments.
 TEST(Premultiply, EachCountAndAlignment_TouchesItsPixelsAlone)
 {
     constexpr std::size_t kMost = 37;

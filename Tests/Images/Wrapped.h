@@ -1,16 +1,16 @@
-// What the tests make of the platform under the loader: each of its operations can fail, and deletions are counted.
+// Wraps the platform functions that the loader calls: each can be made to fail, and deletions are counted.
 #pragma once
 
 namespace ORLTest {
 
 struct WrappedImages
 {
-    int mFailCopies = 0; // the next ones
+    int mFailCopies = 0; // number of calls that fail next
     int mFailStreams = 0;
     int mFailObjects = 0;
     int mFailLocks = 0;
-    int mSkipLocks = 0; // before the first that fails
-    int mLocks = 0;     // so far
+    int mSkipLocks = 0; // successful locks before the first that fails
+    int mLocks = 0;     // number of calls so far
     int mDeletions = 0;
 };
 

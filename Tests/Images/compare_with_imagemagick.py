@@ -9,7 +9,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-# Pixels that no run reaches: ImageMagick takes the first colour of the table, the home platform black.
+# Pixels that no run covers: ImageMagick uses the first colour of the table, Windows uses black.
 DIFFERENT = {"runs_8"}
 
 

@@ -9,7 +9,7 @@ target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_
   "ORL_MANGLED_SIZE=\"$<IF:$<BOOL:${WIN32}>,y,m>\""
   ORL_FUZZ_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus" ORL_PICTURES="${CMAKE_CURRENT_SOURCE_DIR}/Images/Data")
 
-# The tests make the decoder and the system fail, and count what is deleted.
+# The linker redirects these calls to the tests, which make the decoder and the system fail and count deletions.
 foreach(symbol
     _ZN3ORL6Images8Platform17CopyToMemory_ImplEPKv$<IF:$<BOOL:${WIN32}>,y,m>
     _ZN3ORL6Images8Platform17CreateStream_ImplEPNS1_10MemoryCopyE
@@ -25,7 +25,7 @@ if(NOT WIN32)
   target_link_libraries(${room_target} PRIVATE PNG::PNG PkgConfig::SPNG PkgConfig::X11)
 endif()
 
-# What another program reads in the same bitmaps.
+# Compares with the pixels that ImageMagick reads from the same bitmaps.
 if(NOT WIN32)
   find_program(ORL_CONVERT NAMES convert-im6.q16 convert-im7.q16 REQUIRED)
   find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)

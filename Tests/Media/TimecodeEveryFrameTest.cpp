@@ -1,5 +1,5 @@
-// Every frame of 24 hours, from the count to the label and back. An odometer that only knows the order of the labels
-// supplies the expected label. The rule for labels that do not convert back to their frame is written out here.
+// Every frame of 24 hours, from the count to the label and back. A simple counter that only steps from one label to the
+// next supplies the expected label. The rule for labels that do not convert back to their frame is written out here.
 #include "TimecodeTestSupport.h"
 
 #include <cstdlib>

@@ -15,7 +15,7 @@ TEST(Allocator, AllocateThenDispose_GivesUsableMemory)
 
 TEST(Allocator, MemoryIsOut_ThrowsBadAllocWithItsText)
 {
-    // No machine has this much memory, so the block allocator returns null.
+    // No machine has this much memory, so the small block allocator returns null.
     constexpr std::size_t kTooMuch = (std::numeric_limits<std::size_t>::max)() / 2;
     try {
         ORL::Allocator::Allocate(kTooMuch);

@@ -35,7 +35,7 @@
 #undef memory_order_acq_rel
 #undef memory_order_seq_cst
 
-// The checker replaces the program's memory functions except the sized ones.
+// The checker replaces the program's memory functions, except the sized ones, which are defined here.
 void operator delete(void* inBlock, std::size_t) noexcept
 {
     ::operator delete(inBlock);

@@ -1,4 +1,4 @@
-// Native bitmaps as a host has them.
+// Creates, reads and deletes native bitmaps.
 #pragma once
 
 #include <ORLNativeHandles.h>
@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// The decoder of pictures works while it lives: on Windows it starts GDI+.
+/// The library can decode pictures during its lifetime. On Windows it starts GDI+.
 class PictureDecoder
 {
 public:
@@ -28,10 +28,10 @@ struct BitmapPixels
     std::vector<std::uint32_t> mPixels; // rows from the top
 };
 
-/// The pixels as the system reads them; none for null.
+/// Returns the pixels that the system reads from the bitmap; none for null.
 BitmapPixels PixelsOf(HBITMAP inBitmap);
 
-/// A bitmap of 2 by 2 pixels, and its end.
+/// Create and delete a bitmap of 2 by 2 pixels.
 HBITMAP MakeBitmap();
 void DeleteBitmap(HBITMAP inBitmap);
 

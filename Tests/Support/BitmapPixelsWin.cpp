@@ -6,7 +6,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // its headers want these two
+namespace Gdiplus { // its headers need min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus

@@ -54,8 +54,8 @@ public:
 
     bool mThrow = false;          // contract errors throw ContractError
     bool mThrowAssert = false;    // assertions throw ContractError, for code that must not continue after one
-    bool mIgnoreForGood = false;  // the answer to an assertion
-    long mDisplayChoice = 1;      // the answer to a display
+    bool mIgnoreForGood = false;  // the user's answer to an assertion
+    long mDisplayChoice = 1;      // the user's answer to a display
 
 private:
     static bool OnAssert(bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*);

@@ -1,4 +1,4 @@
-// System calls that fail, transfer less or are delayed when a test wants it.
+// Lets a test fail, shorten or delay system calls.
 #pragma once
 
 #include <Linux/SystemCalls.h>

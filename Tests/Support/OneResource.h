@@ -1,4 +1,4 @@
-// A collection of resources that a test makes by hand.
+// A resource collection with a single resource that the test provides.
 #pragma once
 
 #include <ORLResourceCollection.h>

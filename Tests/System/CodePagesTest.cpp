@@ -264,7 +264,8 @@ TEST_F(CodePages, TextThatCannotBeConverted_IsEmptyAfterTheCheck)
     EXPECT_EQ(4u, recorder.Reports(CheckReport::kAssert).size());
 }
 
-// A page that the system lacks has no limits, and each one else has those that hold for all of its characters.
+// A page that the system lacks has limits of 0. The limits of every other page are large enough for all of its
+// characters.
 TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
 {
     EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(12345, 7));
@@ -279,7 +280,7 @@ TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
     EXPECT_EQ(14u, StringUtils::Platform::MostBytes_Impl(932, 7));
 }
 
-// Mixed text of every density of characters beyond ASCII, beside the same text converted unit by unit.
+// Mixed text, with every density of non-ASCII characters, converts like each of its units alone.
 TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
 {
     std::mt19937 random(3);

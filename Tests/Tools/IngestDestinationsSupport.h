@@ -1,4 +1,4 @@
-// An ingest to several destinations from inside.
+// A fixture that runs an ingest to several destinations in this process.
 #pragma once
 
 #include <IngestRunSupport.h>

@@ -42,7 +42,7 @@ TEST_F(IngestDestinations, ANewOneBesideCompleteOnes_IsBroughtUpToDate)
     }
 }
 
-// What is compared and what is copied share one read too.
+// A destination that compares and one that copies also share one read.
 TEST_F(IngestDestinations, OneThatHasTheFilesAlready_ComparesThem)
 {
     fs::copy(Card(), DiskOf(1), fs::copy_options::recursive);
@@ -54,7 +54,7 @@ TEST_F(IngestDestinations, OneThatHasTheFilesAlready_ComparesThem)
     ExpectIngested(mCard, DiskOf(1));
 }
 
-// Its disk does nothing until the other one has everything.
+// The second disk stalls until the first one has all files.
 TEST_F(IngestDestinations, OneThatStands_StopsNoOther)
 {
     mFolder.MakeFile("card/long", std::string(9 << 20, 'l'));
@@ -108,7 +108,7 @@ TEST_F(IngestDestinations, OneThatIsRefused_StopsNoOther)
 
 TEST_F(IngestDestinations, AFileThatChanges_IsKeptAtNone)
 {
-    std::mutex mutex; // nobody is through with the file before it has changed
+    std::mutex mutex; // no destination finishes the file before it has changed
     const OnStep change = Once(IngestStep::kBlockCopied, "b", [this] {
         std::ofstream(Card() / "b", std::ios::binary | std::ios::app) << "more";
     });
@@ -132,7 +132,7 @@ TEST_F(IngestDestinations, AStop_LeavesNothingHalfAndASecondRunCompletes)
             mIsStopped = true;
         }
     };
-    EXPECT_TRUE(RunTo(2, onStep)[1].mOutcome.mIsStopped); // the other one may have been through
+    EXPECT_TRUE(RunTo(2, onStep)[1].mOutcome.mIsStopped); // the other destination may have finished before the stop
     for (std::size_t i = 0; i < 2; ++i) {
         for (const auto& [name, contents] : ReadTree(DiskOf(i))) {
             EXPECT_TRUE(name == kManifest || mCard.at(name) == contents) << name;

@@ -130,7 +130,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
 }
 
-// A line that outlives its file would be trusted by every later run.
+// Every later run would trust a line whose file no longer exists.
 TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());

@@ -62,7 +62,7 @@ std::string SumOf(const std::string& inContents)
     return sum;
 }
 
-/// Reads a whole file with random yields. Returns an error text, empty on success.
+/// Reads a whole file, yielding at random. Returns an error text, empty on success.
 std::string ReadWhole(SharedSource& ioSource, std::size_t inDestination, const std::string& inName,
                       const std::string& inContents, unsigned inSeed)
 {
@@ -114,7 +114,7 @@ TEST(SharedSource, OneThatComesASecondTime_ReadsForItself)
     EXPECT_EQ(2 * kLarge.size(), source.BytesRead());
 }
 
-// A destination that gave the file up is not waited for.
+// The source does not wait for a destination that has given up the file.
 TEST(SharedSource, OneThatGivesUp_IsNotWaitedFor)
 {
     for (const bool isAll : {false, true}) {

@@ -52,7 +52,7 @@ protected:
         return ioRun.Run(arguments, inSignalAt, inSignal);
     }
 
-    /// Every file is complete, has its final name, and has its line.
+    /// Every file is complete and has its final name and its line in the manifest.
     void ExpectCleanStop() const
     {
         const std::string told = ReadFile(Errors());
@@ -162,7 +162,7 @@ TEST_P(InterruptedIngest, ByAHangUpOrAnEnd_StopsAsCleanly)
     }
 }
 
-// As nohup starts it.
+// Starts orl with SIGHUP ignored, as nohup does.
 TEST_P(InterruptedIngest, WhoseHangUpIsIgnored_GoesOn)
 {
     std::string command = "trap '' HUP; exec '" + FolderOfThisProgram() + "orl'";

@@ -78,7 +78,7 @@ protected:
         return exitCode;
     }
 
-    /// Expects complete files under final names with their lines, and nothing else.
+    /// Expects complete files with their final names and their lines in the manifest, and nothing else.
     void ExpectNothingHalf() const
     {
         const auto manifest =

@@ -31,7 +31,7 @@ protected:
 
     orl::IngestOutcome RunHere() const { return IngestHere(Card(), Disk()); }
 
-    /// Expects that the check for room refuses the destination with this text.
+    /// Expects that the check for free space refuses the destination with this text.
     void ExpectNoRoom(const char* inText) const
     {
         try {
@@ -142,7 +142,7 @@ TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // earlier writes: the record twice, a, the record
+        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // after: the record twice, file "a", the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
@@ -161,7 +161,7 @@ TEST_F(OrlIngestOnLinux, AFileThatBreaksOff_IsToldAndTheOthersGoOn)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first reads the record
+        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first one reads the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());

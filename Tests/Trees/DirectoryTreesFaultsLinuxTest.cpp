@@ -286,7 +286,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAnotherVolume_PutsTheCopyOnDiskFirst)
     EXPECT_EQ((Tree{{"sub", "/"}, {"sub/a", "A"}}), Read(Host("to")));
 }
 
-// Some file systems cannot sync a folder, and keep its names safe without it.
+// Some file systems cannot sync a folder and need no sync to keep its names.
 TEST_F(DirectoryTreesUnderFaults, Move_ToAVolumeThatSyncsNoFolders_IsDone)
 {
     MakeTree();

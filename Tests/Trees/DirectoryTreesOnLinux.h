@@ -1,4 +1,4 @@
-// A tree with links that lead out of it, and the trees that operations make from it.
+// A tree with links that lead out of it, and the expected trees after each operation.
 #pragma once
 
 #include <ORLDirectory.h>

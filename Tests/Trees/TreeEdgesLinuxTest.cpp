@@ -61,7 +61,7 @@ void SplitVolumes(FaultySystemCalls& ioCalls)
     };
 }
 
-// Lists like a file system whose folders store no entry types.
+// Makes listings report no entry types, like some file systems.
 ssize_t ListWithoutTypes(int inFolder, void* outBuffer, std::size_t inSize)
 {
     const ssize_t size = Linux::kSystem.mGetDents(inFolder, outBuffer, inSize);

@@ -11,7 +11,7 @@
 
 namespace Consumer {
 
-// Functions that change a registry are only linked.
+// Functions that change a registry are only linked, not called.
 inline void TouchRegistry()
 {
     using namespace ORL;
