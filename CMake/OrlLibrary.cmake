@@ -66,7 +66,7 @@ function(orl_library name)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
   target_link_libraries(${name}_private PUBLIC ${own_twins})
   set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)
-  # With clang only the program contains the sanitizers' symbols.
+  # With clang, the sanitizers' symbols are only in the program, not in the libraries.
   if(NOT WIN32 AND NOT (ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
     target_link_options(${name} PRIVATE -Wl,--no-undefined)
   endif()

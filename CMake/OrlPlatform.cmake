@@ -38,8 +38,8 @@ else()
   set(ORL_SYSTEM_LIBRARIES "")
 endif()
 
-# The JSON library is header-only and the same for both platforms. Links it into a folder that contains nothing else of
-# the machine's include folder.
+# The JSON library is header-only and the same for both platforms. Links it into a separate folder, so that the compiler
+# finds nothing else of the machine's include folder.
 set(json_include "${CMAKE_BINARY_DIR}/json-include")
 file(MAKE_DIRECTORY "${json_include}")
 if(NOT EXISTS "${json_include}/nlohmann")

@@ -1,5 +1,5 @@
-// Check sums stand in the way of a fuzzer, so each chunk first gets the one that belongs to it, unless the last byte of
-// the input says otherwise.
+// Random changes rarely match a checksum, so the target first corrects the checksum of each chunk, unless the last byte
+// of the input disables that.
 #include "PNGFuzzTarget.h"
 
 #include <cstdio>

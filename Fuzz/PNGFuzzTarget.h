@@ -1,4 +1,4 @@
-// What is checked of any bytes that are read as a PNG file. The fuzzer and the plain tests share it.
+// Properties of reading any bytes as a PNG file. The fuzzer and the plain tests share them.
 #pragma once
 
 #include <Linux/Images/LinuxPNG.h>
@@ -8,8 +8,8 @@
 
 namespace ORLFuzz {
 
-/// Null if all is well, else what is not. Reads a copy of exactly the size, on both roads: what the fast one takes, the
-/// other one takes with the same pixels.
+/// Returns null, or a description of the property that failed. Decodes a copy of exactly the size with both decoders: a
+/// file that the fast one accepts must have the same pixels in the other one.
 inline const char* CheckPNG(const unsigned char* inData, std::size_t inSize)
 {
     const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);

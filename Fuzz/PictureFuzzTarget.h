@@ -1,4 +1,4 @@
-// What is checked of any bytes that are read as a bitmap. The fuzzer and the plain tests share it.
+// Properties of reading any bytes as a bitmap. The fuzzer and the plain tests share them.
 #pragma once
 
 #include <Images/BitmapReader.h>
@@ -10,7 +10,7 @@
 
 namespace ORLFuzz {
 
-/// Null if all is well, else what is not. Reads a copy of exactly the size.
+/// Returns null, or a description of the property that failed. Reads a copy of exactly the size.
 inline const char* CheckBitmap(const std::uint8_t* inData, std::size_t inSize)
 {
     const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);
