@@ -1,4 +1,5 @@
-// Floor: System The grammar of directory patterns. Does not resolve references.
+// Floor: System
+// The grammar of directory patterns. Does not resolve references.
 #pragma once
 
 #include <tvxcore/String.h>

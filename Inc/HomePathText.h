@@ -1,5 +1,6 @@
-// Floor: Files The Windows functions on the text of paths, as portable code with the same results on every platform.
-// Names are compared case-insensitively, and "/" is an ordinary character. Every text is read up to its terminator.
+// Floor: Files
+// The Windows functions on the text of paths, as portable code with the same results on every platform. Names are
+// compared case-insensitively, and "/" is an ordinary character. Every text is read up to its terminator.
 #pragma once
 
 #include <tvxcore/String.h>

@@ -1,5 +1,6 @@
-// Floor: Core Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with
-// the results of the x86-64 instructions.
+// Floor: Core
+// Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with the results of
+// the x86-64 instructions.
 #pragma once
 
 #include <limits>

@@ -1,4 +1,5 @@
-// Floor: System Reads bitmap resources (type 2): a header, masks or colours, and rows of pixels.
+// Floor: System
+// Reads bitmap resources (type 2): a header, masks or colours, and rows of pixels.
 #pragma once
 
 #include <Resources/ResourceReaders.h>

@@ -1,4 +1,5 @@
-// Floor: Platform The contents of a Windows exception record.
+// Floor: Platform
+// The contents of a Windows exception record.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,7 @@
-// Floor: Platform The system functions for files. Values are those of Windows on every platform: access, share mode,
-// disposition and flags are Windows constants, failures are Windows error numbers, and times count 100 ns since the
-// beginning of 1601, UTC.
+// Floor: Platform
+// The system functions for files. Values are those of Windows on every platform: access, share mode, disposition and
+// flags are Windows constants, failures are Windows error numbers, and times count 100 ns since the beginning of 1601,
+// UTC.
 //
 // Share modes apply between all handles: an open whose access another handle does not share, or that does not share
 // another handle's access, fails with 32. Deleting, moving or replacing a file briefly opens it with delete access.

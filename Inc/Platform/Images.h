@@ -1,4 +1,5 @@
-// Floor: Platform The system functions for pictures: a decoder that gives access to 32-bit pixels, and bitmaps.
+// Floor: Platform
+// The system functions for pictures: a decoder that gives access to 32-bit pixels, and bitmaps.
 //
 // Statuses are the decoder's own; 0 is success. Formats are Windows numbers.
 #pragma once

@@ -1,5 +1,6 @@
-// Floor: Platform Windows error numbers. The platform functions report failures with these numbers on every platform,
-// so that portable code returns the same results everywhere.
+// Floor: Platform
+// Windows error numbers. The platform functions report failures with these numbers on every platform, so that portable
+// code returns the same results everywhere.
 #pragma once
 
 namespace ORL {
