@@ -192,7 +192,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     if (listing == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();
         return error == ERROR_FILE_NOT_FOUND ? ORL::kSuccess
-                                             : ResultOf(error); // the empty root of a volume
+                                             : ResultOf(error); // the root of a volume without any entries
     }
     do {
         if (!IsItselfOrAbove(entry.cFileName)) {
