@@ -28,8 +28,8 @@ constexpr std::size_t kFirstTrail = 0x40;
 constexpr std::size_t kTrails = 0xFE - kFirstTrail + 1;
 constexpr std::size_t kIndexed = 0x10000 / 64;
 
-// The generated tables are as compact as they can be; the ones below are what a conversion looks things up in. The
-// compiler makes them, and keeps these alone.
+// The generated tables are compact. The compiler derives from them the tables below, which are faster to look up, and
+// emits only these.
 
 template <class Number>
 constexpr std::array<std::uint16_t, kIndexed> OffsetsOf(const Number (&inIndex)[kIndexed])
@@ -59,7 +59,7 @@ constexpr std::array<std::uint16_t, kBytes> RowsOf(const std::uint8_t (&inRows)[
     return rows;
 }
 
-// A trail byte outside of the generated rows makes the default character.
+// A trail byte outside the generated rows maps to the default character.
 template <std::size_t Pairs>
 constexpr std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow>
 PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBytes],
@@ -68,7 +68,7 @@ PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBy
     std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow> pairs{};
     for (std::size_t lead = 0; lead < kBytes; ++lead) {
         for (std::size_t trail = 1; inRows[lead] != 0 && trail < DoubleBytePage::kRow; ++trail) {
-            const std::size_t column = trail - kFirstTrail; // wraps below the first
+            const std::size_t column = trail - kFirstTrail; // wraps to a large number below kFirstTrail
             pairs[inRows[lead] * DoubleBytePage::kRow + trail] =
                 column < kTrails ? inPairs[(inRows[lead] - 1u) * kTrails + column] : inUnits[lead];
         }

@@ -1,6 +1,7 @@
-// The code pages as tables. They hold the home platform's own answers: Scripts/make-code-pages.cpp writes them.
+// The tables of the code pages. They contain the results of the home platform, which Scripts/make-code-pages.cpp
+// records.
 //
-// In every page the ASCII bytes are the ASCII characters, and no lead byte is among them.
+// In every page the ASCII bytes are the ASCII characters, and no ASCII byte is a lead byte.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +10,9 @@
 namespace ORL {
 namespace Linux {
 
-/// A table of 65,536 entries in blocks of 64, of which equal ones stand once. An offset is the place of a block's first
-/// entry less the unit that it is for, so that the unit itself can be added. All of it wraps at 65,536.
+/// A table of 65,536 entries in blocks of 64; equal blocks are stored once. The offset of a block is the index of its
+/// first entry in mBlocks minus the unit of that entry, so adding a unit yields the index of its entry. The arithmetic
+/// wraps at 65,536.
 template <class Entry>
 struct BlockTable
 {
@@ -23,28 +25,28 @@ struct BlockTable
     }
 };
 
-/// A page whose characters take one byte each.
+/// A code page in which each character is one byte.
 struct SingleBytePage
 {
-    const std::uint16_t* mUnits; // of each byte
+    const std::uint16_t* mUnits; // the unit of each byte
     BlockTable<std::uint8_t> mBytes;
-    unsigned mFirstSame; // this byte and all after it, up to 0xFF, are the units of their own number; 0x100 for none
+    unsigned mFirstSame; // from this byte to 0xFF each byte equals its unit; 0x100 if none does
 };
 
-/// A page whose characters take one byte or two.
+/// A code page in which each character is one or two bytes.
 struct DoubleBytePage
 {
     static constexpr std::size_t kRow = 256;
 
-    const std::uint16_t* mUnits; // of each byte that no other follows up; of a lead byte, the page's default character
-    // Where in mPairs the row of a lead byte begins: a unit for each trail byte, but 0 for the zero byte, before which
-    // a lead byte stands alone. All other bytes have the row at 0, which is 0 throughout.
+    const std::uint16_t* mUnits; // the unit of each single byte; for a lead byte, the page's default character
+    // The offset in mPairs of the row of each lead byte. The row has a unit for each trail byte, and 0 for the zero
+    // byte, which is not a trail byte. All other bytes have the row at offset 0, which contains only zeros.
     const std::uint16_t* mRows;
     const std::uint16_t* mPairs;
-    BlockTable<std::uint16_t> mBytes; // two bytes from 0x100 on, the lead byte above the trail byte
+    BlockTable<std::uint16_t> mBytes; // from 0x100 on, lead byte * 256 + trail byte
 };
 
-/// One of the two pointers is null.
+/// Exactly one of the two pointers is null.
 struct CodePageTable
 {
     unsigned int mNumber;
@@ -52,7 +54,7 @@ struct CodePageTable
     const DoubleBytePage* mDouble;
 };
 
-/// Returns the table of a page, or null if there is none.
+/// Returns the table of a page, or null for an unknown page.
 const CodePageTable* FindCodePage(unsigned int inNumber) noexcept;
 
 } // namespace Linux

@@ -20,14 +20,14 @@ using ORL::Linux::SingleBytePage;
 
 // ASCII is converted sixteen elements at a time.
 constexpr std::ptrdiff_t kStep = 16;
-constexpr int kFewOthers = 5; // up to so many, copying all sixteen and converting these is faster
+constexpr int kFewOthers = 5; // up to this number, it is faster to copy all sixteen and then convert the others
 
 const __m128i* AsVector(const void* inAddress)
 {
     return static_cast<const __m128i*>(inAddress);
 }
 
-// Which of the next sixteen elements are not ASCII: the first one is bit 0.
+// Returns a mask of the non-ASCII elements among the next sixteen. The first element is bit 0.
 unsigned FindNonASCII(const unsigned char* inBytes)
 {
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_loadu_si128(AsVector(inBytes))));
@@ -42,7 +42,7 @@ unsigned FindNonASCII(const unsigned short* inUnits)
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high))) ^ 0xFFFFu;
 }
 
-// The same, but bytes from inFirstSame on count as ASCII. As signed numbers the bytes from 0x80 on are the lowest.
+// The same, but bytes from inFirstSame on count as ASCII. The comparison is signed, so bytes from 0x80 on are negative.
 unsigned FindBytesBefore(unsigned inFirstSame, const unsigned char* inBytes)
 {
     const __m128i limit = _mm_set1_epi8(static_cast<char>(inFirstSame));
@@ -54,7 +54,7 @@ std::ptrdiff_t IndexOfFirst(unsigned inBits)
     return __builtin_ctz(inBits);
 }
 
-// Whether more than Count bits are set.
+// Returns whether more than Count bits are set.
 template <int Count>
 bool HasMoreThan(unsigned inBits)
 {
@@ -64,7 +64,7 @@ bool HasMoreThan(unsigned inBits)
     return inBits != 0;
 }
 
-// Copies sixteen elements.
+// Copies sixteen elements that have the same number in both texts.
 void CopySixteen(const unsigned char* inBytes, unsigned short* outUnits)
 {
     const __m128i bytes = _mm_loadu_si128(AsVector(inBytes));
@@ -80,8 +80,8 @@ void CopySixteen(const unsigned short* inUnits, unsigned char* outBytes)
     _mm_storeu_si128(reinterpret_cast<__m128i*>(outBytes), _mm_packus_epi16(low, high));
 }
 
-// Converts between texts that have one byte for each unit. inTable holds the result for each element, inFindOthers
-// tells which of sixteen cannot be copied.
+// Converts between texts that have one byte for each unit. inTable contains the result for each element. inFindOthers
+// returns a mask of those among sixteen elements that cannot be copied.
 template <class Table, class Source, class Result, class FindOthers>
 std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCount, Result* outText,
                            FindOthers inFindOthers)
@@ -107,8 +107,8 @@ std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCo
     return inCount;
 }
 
-// Converts a text whose units have one byte or two. inConvertOne converts what is next, ASCII included, and moves both
-// pointers. Returns the number of elements written.
+// Converts a text in which a character is one or two bytes. inConvertOne converts the next character, which may be
+// ASCII, and advances both pointers. Returns the number of elements written.
 template <class Source, class Result, class ConvertOne>
 std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outText, ConvertOne inConvertOne)
 {
@@ -121,8 +121,8 @@ std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outT
             next += kStep;
             continue;
         }
-        // No jump to the first element that is not ASCII: the next load would wait for its index, while the processor
-        // predicts the branches of single elements.
+        // Does not skip to the first non-ASCII element: the next load would depend on its index, whereas the processor
+        // predicts the branches for single elements.
         const Source* const stop = inText + kStep;
         do {
             inConvertOne(inText, next);
@@ -149,7 +149,7 @@ std::size_t ToBytes(const SingleBytePage& inPage, const unsigned short* inText, 
                           [](const unsigned short* inSixteen) { return FindNonASCII(inSixteen); });
 }
 
-// The unit of a pair of bytes; 0 if the first one stands alone.
+// Returns the unit of a pair of bytes; 0 if the first byte is a character by itself.
 unsigned short UnitOfPair(const DoubleBytePage& inPage, const unsigned char* inText, const unsigned char* inEnd)
 {
     return inEnd - inText > 1 ? inPage.mPairs[inPage.mRows[inText[0]] + inText[1]] : static_cast<unsigned short>(0);
@@ -212,7 +212,7 @@ std::size_t ToBytes(const DoubleBytePage& inPage, const unsigned short* inText, 
                         });
 }
 
-// The sizes of the home platform's calls are 32-bit.
+// Returns 0 for a count above 2^31 - 1, because the home platform's calls have 32-bit sizes.
 std::size_t Limited(std::size_t inCount)
 {
     return inCount <= INT_MAX ? inCount : 0;

@@ -14,7 +14,7 @@ namespace Linux {
 
 namespace {
 
-// The first row that fits wins. Every other language writes with 1252, or has no page at home, where 1252 serves too.
+// The first matching row is used. All other languages use 1252, even those without a page on the home platform.
 struct Row
 {
     std::string_view mLanguage;
@@ -39,7 +39,7 @@ constexpr Row kRows[] = {
     {"lv", "", "", 1257},         {"vi", "", "", 1258},
 };
 
-// Cuts the name at the first of the marks, and returns what stood behind it up to the next.
+// Returns the part of a locale name after inMark, up to the next mark; empty if the name does not contain inMark.
 std::string_view PartBehind(std::string_view inName, char inMark)
 {
     const std::size_t mark = inName.find(inMark);
@@ -83,7 +83,7 @@ unsigned int CodePageOfUser() noexcept
 }
 
 std::atomic<unsigned int> sPageOfUser{0}; // 0 until the environment has been read
-std::atomic<unsigned int> sPageOfHost{0}; // 0 unless the host has chosen one
+std::atomic<unsigned int> sPageOfHost{0}; // 0 unless the host has set one
 
 } // namespace
 } // namespace Linux
@@ -98,7 +98,7 @@ unsigned int GetDefaultCodePage_Impl()
         return ofHost;
     }
     unsigned int ofUser = ORL::Linux::sPageOfUser.load(std::memory_order_relaxed);
-    if (ofUser == 0) { // two threads may both read the environment, and find the same
+    if (ofUser == 0) { // two threads may both read the environment; they find the same page
         ofUser = ORL::Linux::CodePageOfUser();
         ORL::Linux::sPageOfUser.store(ofUser, std::memory_order_relaxed);
     }

@@ -1,11 +1,11 @@
-// The code page of a home machine with a given locale.
+// The default code page of a Windows machine with a given locale.
 #pragma once
 
 namespace ORL {
 namespace Linux {
 
-/// Returns the page for a locale name as the environment holds it, "ru_RU.UTF-8" or "sr_RS@latin"; 1252 if the name
-/// says nothing.
+/// Returns the page for a locale name from the environment, such as "ru_RU.UTF-8" or "sr_RS@latin"; 1252 for an unknown
+/// language.
 unsigned int CodePageOfLocale(const char* inName) noexcept;
 
 } // namespace Linux

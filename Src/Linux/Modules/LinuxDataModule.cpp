@@ -39,7 +39,7 @@ SystemError DataModule::Read(int inFile)
             return SystemErrorFromErrno(errno);
         }
         if (count == 0) {
-            break; // cut short meanwhile: what is missing stays zero
+            break; // the file was truncated meanwhile; the missing bytes stay zero
         }
         done += count > 0 ? static_cast<std::size_t>(count) : 0;
     }

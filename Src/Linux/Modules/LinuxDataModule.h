@@ -1,5 +1,5 @@
 // Floor: System
-// A file that is loaded for its resources alone: a Windows module, or a compiled resource file.
+// A file that is loaded only for its resources: a Windows module or a compiled resource file.
 #pragma once
 
 #include <ORLNativeHandles.h>
@@ -12,7 +12,7 @@
 namespace ORL {
 namespace Linux {
 
-/// The bytes of a file in memory of their own: a mapped file that somebody cuts short would kill the process.
+/// Owns a copy of a file's bytes. The file is not mapped, because truncating a mapped file would kill the process.
 class DataModule
 {
 public:
@@ -21,7 +21,8 @@ public:
     DataModule(const DataModule&) = delete;
     DataModule& operator=(const DataModule&) = delete;
 
-    /// Reads an open file whole. Returns the system's error; 193 for a file of more than 2 GiB.
+    /// Reads all of an open file. Returns 193 for an empty file and for a file of 2 GiB or more, otherwise a system
+    /// error number; 0 is success.
     SystemError Read(int inFile);
 
     Resources::Bytes Contents() const noexcept { return mContents; }
@@ -33,14 +34,14 @@ private:
     void* mPages = nullptr;
 };
 
-// Its handle is its address, marked so that no handle of the loader's is like it.
+// The handle is the address with bit 0 set. A handle of the loader never has that bit.
 
 inline HINSTANCE HandleOf(DataModule* inModule) noexcept
 {
     return reinterpret_cast<HINSTANCE>(reinterpret_cast<std::uintptr_t>(inModule) | 1);
 }
 
-/// Null for a handle of the loader's.
+/// Returns null for a handle of the loader.
 inline DataModule* DataModuleOf(HINSTANCE inHandle) noexcept
 {
     const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(inHandle);

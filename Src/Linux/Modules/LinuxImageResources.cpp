@@ -9,7 +9,7 @@ namespace {
 
 struct Image
 {
-    const void* mDynamicSection; // of the module that is wanted; null for the program, which comes first
+    const void* mDynamicSection; // of the requested module; null for the program, which the loader lists first
     ElfW(Addr) mBase = 0;
     const ElfW(Phdr) * mSegments = nullptr;
     std::size_t mCount = 0;
@@ -20,7 +20,7 @@ const unsigned char* AddressIn(ElfW(Addr) inBase, ElfW(Addr) inOffset) noexcept
     return reinterpret_cast<const unsigned char*>(inBase + inOffset);
 }
 
-// The loader's lock is held meanwhile: nothing is requested here.
+// Runs under the loader's lock, so it must not allocate or call the loader.
 int MatchImage(struct dl_phdr_info* inInfo, std::size_t, void* ioImage)
 {
     Image& image = *static_cast<Image*>(ioImage);

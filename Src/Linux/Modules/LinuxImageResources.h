@@ -10,8 +10,8 @@
 namespace ORL {
 namespace Linux {
 
-/// The compiled resource files inside a loaded module, where the loader has mapped them. inModule is a handle of the
-/// loader's, or null for the program itself.
+/// Returns the compiled resource files in a loaded module, in the loader's mapping. inModule is a handle of the loader,
+/// or null for the program itself.
 std::vector<Resources::Bytes> FindImageResources(HINSTANCE inModule);
 
 } // namespace Linux

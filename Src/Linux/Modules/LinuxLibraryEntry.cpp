@@ -1,6 +1,6 @@
 // Floor: System
-// The moments of load and unload. The loader runs the second one after every destructor that a program registered while
-// the library was there.
+// The functions that the loader calls at load and unload. It calls OnUnload after all destructors that the program
+// registered while the library was loaded.
 #include <LibraryModule.h>
 #include <ORLResources.h>
 
@@ -8,7 +8,7 @@ namespace ORL {
 
 namespace {
 
-// An address of this library's own.
+// An object of this library, for its address.
 const char sInside = 0;
 
 __attribute__((constructor)) void OnLoad()

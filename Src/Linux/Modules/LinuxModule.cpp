@@ -55,7 +55,7 @@ private:
     const int mFile;
 };
 
-// A missing module is 126, wherever on the way to it something is missing.
+// Returns 126 for a missing module, even if a folder of its path is missing.
 SystemError ErrorOfOpen(int inErrno)
 {
     switch (inErrno) {
@@ -81,7 +81,8 @@ bool IsModuleOfThisMachine(const ElfW(Ehdr) & inHeader) noexcept
            && inHeader.e_type == ET_DYN && inHeader.e_machine == EM_X86_64;
 }
 
-// The loader tells its reasons as text alone. A file that is whole and of this machine fails for what it needs.
+// The loader reports the reason of a failure only as text. The file has been checked, so the reason is a missing
+// dependency.
 SystemError LoadObject(const std::string& inName, HINSTANCE& outModule)
 {
     void* const handle = System().mLoadObject(inName.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -145,7 +146,7 @@ bool IsBareName(const UTF16String& inPath) noexcept
     return inPath.find_first_of(kSeparators) == UTF16String::npos;
 }
 
-// First beside the program, then where the loader searches.
+// Searches the program's folder, then the loader's search path.
 SystemError LoadByName(const UTF16String& inName, HINSTANCE& outModule)
 {
     if (ORL::Linux::CheckName(inName.data(), inName.size()) != kNoError) {
@@ -211,7 +212,7 @@ void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::
     outBuffer[count] = 0;
 }
 
-// The loader would go on into the modules that this one needs.
+// dlsym also searches the dependencies of the module; their functions are rejected.
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))()
 {
     if (inModule == nullptr || DataModuleOf(inModule) != nullptr) {

@@ -1,5 +1,5 @@
 // Floor: System
-// What is kept beside a module's handle: its resources by name, and the cursors that were asked for.
+// The data beside a module's handle: its resources by name, and the cursors that were loaded.
 #pragma once
 
 #include <ORLResources.h>
@@ -22,14 +22,14 @@ public:
 
     Resources::ResourceIndex mIndex;
 
-    /// Finds in the language of the user of this process.
+    /// Finds a resource in a language; inLanguage 0 selects the user's language. Returns null if there is none.
     const Resources::ResourceEntry* Find(const unsigned short* inType, const unsigned short* inName,
                                          unsigned short inLanguage) const;
 
-    /// The cursor of that identifier, read once; null if there is none. Throws std::bad_alloc.
+    /// Returns the cursor of an identifier, which is decoded once; null if there is none. Throws std::bad_alloc.
     const Resources::Linux::CursorPicture* FindCursor(unsigned short inID) const;
 
-    /// The bitmap resource of that number, made anew; null if there is none or it cannot be read. Throws std::bad_alloc.
+    /// Returns a new bitmap of a bitmap resource; null if there is none or it cannot be read. Throws std::bad_alloc.
     HBITMAP MakeBitmap(unsigned short inID) const;
 
 private:

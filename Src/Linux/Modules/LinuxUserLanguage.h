@@ -1,15 +1,15 @@
 // Floor: System
-// The language of the user of this process, as a language identifier.
+// The language identifier of the user's locale.
 #pragma once
 
 namespace ORL {
 namespace Linux {
 
-/// The identifier that belongs to LC_ALL, LC_MESSAGES or LANG, the first of them that is set; American English (1033)
-/// for any other. The environment is read once.
+/// Returns the identifier for the locale in LC_ALL, LC_MESSAGES or LANG, whichever is set first. Reads the environment
+/// once.
 unsigned short UserLanguage() noexcept;
 
-/// The identifier that belongs to a locale's name such as "de_DE.UTF-8".
+/// Returns the identifier for the name of a locale, such as "de_DE.UTF-8"; American English (1033) for an unknown one.
 unsigned short LanguageOfLocale(const char* inName) noexcept;
 
 } // namespace Linux
