@@ -31,7 +31,7 @@ struct X11Window
 HostFunction sHostFunction{nullptr, nullptr};
 X11Window sWindow{nullptr, 0};
 
-// What a pointer needs of libX11. Hosts without a display never load it.
+// The functions of libX11 that set a pointer shape. Hosts without a display never load the library.
 struct Xlib
 {
     unsigned long (*mCreateFontCursor)(void* inDisplay, unsigned int inShape);
@@ -51,7 +51,7 @@ void Find(void* inLibrary, const char* inName, Function*& outFunction)
     outFunction = reinterpret_cast<Function*>(::dlsym(inLibrary, inName));
 }
 
-// The library stays: it is the host's as well.
+// libX11 stays loaded, since the host uses it too.
 Xlib LoadXlib()
 {
     Xlib functions{};
@@ -64,7 +64,7 @@ Xlib LoadXlib()
     return functions;
 }
 
-// Numbers of the X cursor font.
+// Returns the shape's number in the X cursor font.
 unsigned int FontShapeOf(Shape inShape) noexcept
 {
     switch (inShape) {
@@ -79,7 +79,7 @@ unsigned int FontShapeOf(Shape inShape) noexcept
     }
 }
 
-// The window keeps the pointer's shape after it has been freed.
+// The window keeps the shape after the cursor has been freed.
 void SetOnWindow(Shape inShape)
 {
     static const Xlib sXlib = LoadXlib();

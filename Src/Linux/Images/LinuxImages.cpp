@@ -18,7 +18,7 @@ namespace Platform {
 
 namespace {
 
-// The home platform's numbers of its decoder's statuses.
+// Status numbers of the Windows decoder.
 constexpr int kOk = 0;
 constexpr int kOutOfMemory = 3;
 constexpr int kWrongState = 8;
@@ -52,7 +52,7 @@ struct Picture
     std::size_t mStride = 0;
     int mFormat = 0;
     unsigned char* mPixels = nullptr;
-    std::unique_ptr<unsigned char[]> mOwn; // null where the block is the caller's
+    std::unique_ptr<unsigned char[]> mOwn; // null if the block belongs to the caller
     int mStatus = kUnknownImageFormat;
 };
 
@@ -112,7 +112,7 @@ Picture* CreateFromFile_Impl(const UTF16String& inPath)
     if (ORL::Linux::ResolveHostPath(inPath, path) != SystemErrors::kNoError) {
         return nullptr;
     }
-    // A pipe without a writer must not hold the caller.
+    // Opening a pipe without a writer must not block.
     const ORL::Linux::Descriptor file(
         ORL::Linux::System().mOpen(path.mPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
     ORL::Linux::DataModule contents;

@@ -14,7 +14,7 @@ using Resources::Bytes;
 
 namespace {
 
-// No honest chunk beside the pixels is larger, and no honest file has more of them.
+// Limits of one chunk, and of all chunks together, not counting pixels. Only a malicious file exceeds them.
 constexpr std::size_t kLargestChunk = std::size_t{1} << 24;
 constexpr std::size_t kLargestCache = std::size_t{1} << 25;
 constexpr std::uint32_t kLargestSide = 0x7FFFFFFF;
@@ -35,7 +35,7 @@ bool Open(spng_ctx* inContext, const Bytes& inFile, spng_ihdr& outHeader) noexce
            && ::spng_get_ihdr(inContext, &outHeader) == 0;
 }
 
-// The bytes of all rows before they were packed, at least.
+// Returns a lower bound of the uncompressed bytes of all rows.
 std::uint64_t PackedSize(const spng_ihdr& inHeader) noexcept
 {
     constexpr unsigned int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
@@ -45,7 +45,7 @@ std::uint64_t PackedSize(const spng_ihdr& inHeader) noexcept
 
 } // namespace
 
-// libspng takes a file whose end mark is cut.
+// Checks the chunks first, because libspng accepts a file whose IEND chunk is truncated.
 bool DecodeAnyPNG(const Bytes& inFile, DecodedPNG& outPicture) noexcept
 {
     if (!AreChunksWhole(inFile)) {

@@ -12,7 +12,7 @@ namespace ORL {
 namespace Linux {
 
 inline constexpr unsigned char kPNGSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-inline constexpr std::size_t kChunkOverhead = 12; // length, name, check sum
+inline constexpr std::size_t kChunkOverhead = 12; // length, name, checksum
 
 inline std::uint32_t BigEndianAt(const unsigned char* inBytes) noexcept
 {
@@ -29,7 +29,7 @@ struct Chunk
     bool Is(const char (&inName)[5]) const noexcept { return std::memcmp(mName, inName, 4) == 0; }
 };
 
-// Walks over chunks, whose check sums must be right.
+// Reads chunks one by one. A chunk with a wrong checksum fails.
 class ChunkReader
 {
 public:
@@ -67,7 +67,7 @@ private:
     const unsigned char* const mEnd;
 };
 
-/// Whether every chunk up to the end mark is there, with the check sum that belongs to it.
+/// Returns whether all chunks up to IEND are complete and have the right checksums.
 inline bool AreChunksWhole(const Resources::Bytes& inFile) noexcept
 {
     ChunkReader reader(inFile);

@@ -1,5 +1,4 @@
-// Floor: System
-// The filters of PNG rows, taken back.
+// Floor: System Reverses the filters of PNG rows.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +8,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Takes a row's filter back in place, for pixels of kBytes bytes (3 or 4). inAbove is the row above, restored; the row
-/// and the one above are followed by a byte that may be read. False for a filter that there is none of.
+/// Reverses the filter of a row in place, for pixels of kBytes bytes (3 or 4). inAbove is the row above, already
+/// restored. At least one byte after each of the two rows must be readable. Returns false for an unknown filter.
 template <std::size_t kBytes>
 class RowFilter
 {
@@ -39,7 +38,7 @@ public:
     }
 
 private:
-    // A pixel of 3 bytes is read with the byte behind it, which plays no part: no lane sees its neighbours.
+    // Also reads the byte after a pixel of 3 bytes. It has no effect, because the lanes are computed independently.
     static __m128i Load(const unsigned char* inPixel) noexcept
     {
         int pixel;
@@ -75,7 +74,7 @@ private:
         }
     }
 
-    // The system's average rounds up; this one down.
+    // The processor's average rounds up; that of PNG rounds down.
     static void RestoreAverage(unsigned char* ioRow, const unsigned char* inAbove, std::size_t inSize) noexcept
     {
         const __m128i one = _mm_set1_epi8(1);
@@ -99,7 +98,7 @@ private:
         return _mm_or_si128(_mm_and_si128(inMask, inIfSet), _mm_andnot_si128(inMask, inElse));
     }
 
-    // Of left, above and the one between them, the nearest to left + above - corner; in this order where two are near.
+    // Predicts each byte by left, above or corner: the nearest to left + above - corner, in this order if equally near.
     static void RestorePaeth(unsigned char* ioRow, const unsigned char* inAbove, std::size_t inSize) noexcept
     {
         const __m128i zero = _mm_setzero_si128();

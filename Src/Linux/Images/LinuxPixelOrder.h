@@ -1,5 +1,4 @@
-// Floor: System
-// From the order of PNG files, red first, to that of 32-bit pixels, blue first.
+// Floor: System Converts pixels from the byte order of PNG files, red first, to that of 32-bit pixels, blue first.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +8,7 @@
 namespace ORL {
 namespace Linux {
 
-/// Pixels of 4 bytes; the blocks are equal or do not overlap.
+/// Converts pixels of 4 bytes. The blocks must be identical or disjoint.
 inline void SwapRedAndBlue(const unsigned char* inPixels, unsigned char* outPixels, std::size_t inCount) noexcept
 {
     const __m128i greenAndAlpha = _mm_set1_epi32(static_cast<int>(0xFF00FF00));
@@ -27,7 +26,7 @@ inline void SwapRedAndBlue(const unsigned char* inPixels, unsigned char* outPixe
     }
 }
 
-/// Pixels of 3 bytes, which become opaque ones of 4.
+/// Converts pixels of 3 bytes to opaque ones of 4.
 inline void ExpandToOpaque(const unsigned char* inPixels, unsigned char* outPixels, std::size_t inCount) noexcept
 {
     for (std::size_t i = 0; i < inCount; ++i) {

@@ -12,7 +12,7 @@ namespace ORL {
 namespace SystemInfo {
 namespace Platform {
 
-// Parses "MemAvailable:   22742636 kB", the third line. Kernels before 3.14 have no such line.
+// Parses the third line, "MemAvailable:   22742636 kB". Kernels before 3.14 have no such line.
 unsigned __int64 GetAvailablePhysicalMemory_Impl()
 {
     char buffer[1024];

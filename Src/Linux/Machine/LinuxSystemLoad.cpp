@@ -14,7 +14,7 @@ namespace Platform {
 
 namespace {
 
-// Times of all processors together, in clock ticks since boot.
+// The times of all processors together, in clock ticks since boot.
 struct Sample
 {
     std::uint64_t mTotal = 0;
@@ -38,8 +38,7 @@ private:
 };
 
 // Parses "cpu  user nice system idle iowait irq softirq steal guest guest_nice"; old kernels have fewer fields. user
-// and nice already include the guests' time. The kernel generates the whole file for any read, so a single read must
-// do.
+// and nice already include the guests' time. The kernel generates the whole file for each read, so this reads only once.
 SystemError ReadSample(Sample& outSample)
 {
     char buffer[512];
@@ -116,7 +115,7 @@ SystemError Query::Percent(long& outPercent)
     return SystemErrors::kNoError;
 }
 
-Immortal<Query> sQuery; // a thread may still query while the process exits
+Immortal<Query> sQuery; // never destroyed: a thread may still query while the process exits
 
 Query& QueryOf(void* inHandle)
 {
