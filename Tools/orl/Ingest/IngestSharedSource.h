@@ -1,9 +1,9 @@
 // The files of the source, each read and hashed once for all destinations that need it.
 //
 // The first destination that needs a block reads it; the block stays in memory for the others, up to a limit. At the
-// limit the destination that is ahead waits for the others, but no longer than it has worked itself. Then the oldest
-// blocks are dropped, and a later destination reads them from the source again. A slow destination therefore costs
-// another one at most half of its speed.
+// limit the destination that is ahead waits for the others, but for each file no longer than it has worked on it, plus
+// one second. Then the oldest blocks are dropped, and a slower destination reads them from the source again. A slow
+// destination therefore costs another one at most half of its speed.
 #pragma once
 
 #include <cstddef>
