@@ -1,8 +1,8 @@
 // Floor: System
 // The language of the process, and the location of the host application's settings.
 //
-// A language is an identifier of the home platform (ORLLanguage.h names the parts). These identifiers also have names,
-// in the table that the functions below use:
+// A language is a Windows language identifier (ORLLanguage.h names the parts). These identifiers also have names, in
+// the table that the functions below use:
 //
 //   en_US 1033   de_DE 1031   fr_FR 1036   it_IT 1040   ja_JP 1041   es_ES 1034   nl_NL 1043   sv_SE 1053
 //   cs_CZ 1029   ko_KR 1042   pl_PL 1045   pt_BR 1046   ru_RU 1049   tr_TR 1055   zh_CN 2052   zh_TW 1028

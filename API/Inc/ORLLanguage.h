@@ -1,5 +1,5 @@
 // Floor: Core
-// Identifiers of languages and sublanguages, equal to those of the home platform's language identifiers.
+// Identifiers of languages and sublanguages, with the values of Windows.
 //
 // A language identifier contains the primary language in bits 0 to 9 and the sublanguage in bits 10 to 15. Each primary
 // language numbers its sublanguages separately. Croatian and Serbian share one primary value.

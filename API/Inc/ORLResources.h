@@ -19,7 +19,7 @@ namespace Linux {
 /// Thread-safe. Never throws.
 ORL_API HINSTANCE ModuleOfAddress(const void* inAddress);
 
-/// Bits of MenuItem::mFlags, with the values of the home platform.
+/// Bits of MenuItem::mFlags, with the values of Windows.
 inline constexpr unsigned int kMenuGrayed = 0x0001;
 inline constexpr unsigned int kMenuDisabled = 0x0002;
 inline constexpr unsigned int kMenuChecked = 0x0008;

@@ -1,5 +1,4 @@
-// The tables of the code pages. They contain the results of the home platform, which Scripts/make-code-pages.cpp
-// records.
+// The tables of the code pages. They contain the results of Windows, which Scripts/make-code-pages.cpp records.
 //
 // In every page the ASCII bytes are the ASCII characters, and no ASCII byte is a lead byte.
 #pragma once

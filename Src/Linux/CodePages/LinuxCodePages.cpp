@@ -212,7 +212,7 @@ std::size_t ToBytes(const DoubleBytePage& inPage, const unsigned short* inText, 
                         });
 }
 
-// Returns 0 for a count above 2^31 - 1, because the home platform's calls have 32-bit sizes.
+// Returns 0 for a count above 2^31 - 1, because the calls of Windows have 32-bit sizes.
 std::size_t Limited(std::size_t inCount)
 {
     return inCount <= INT_MAX ? inCount : 0;

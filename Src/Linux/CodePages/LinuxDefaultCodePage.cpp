@@ -14,7 +14,7 @@ namespace Linux {
 
 namespace {
 
-// The first matching row is used. All other languages use 1252, even those without a page on the home platform.
+// The first matching row is used. All other languages use 1252, even those that have no page on Windows.
 struct Row
 {
     std::string_view mLanguage;

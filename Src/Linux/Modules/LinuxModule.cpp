@@ -34,7 +34,7 @@ using ORL::Linux::System;
 class OpenFile
 {
 public:
-    // A pipe without a writer must not hold the caller.
+    // Non-blocking, because opening a named pipe without a writer would block.
     explicit OpenFile(const std::string& inPath)
         : mFile(System().mOpen(inPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0))
     {

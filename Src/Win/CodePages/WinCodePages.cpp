@@ -24,7 +24,7 @@ std::size_t CountOf(int inResult)
     return inResult > 0 ? static_cast<std::size_t>(inResult) : 0;
 }
 
-// Returns the maximum number of bytes that a unit becomes; 0 if the system lacks the page.
+// Returns the maximum number of bytes per unit; 0 if the system lacks the page.
 std::size_t MostOfEach(unsigned int inCodePage)
 {
     CPINFO info;

@@ -51,7 +51,7 @@ void FreeModule_Impl(HINSTANCE inModule)
 void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::size_t inSize)
 {
     ::GetModuleFileNameW(inModule, AsWide(outBuffer), static_cast<DWORD>(inSize));
-    outBuffer[inSize - 1] = 0; // older systems do not terminate a truncated path
+    outBuffer[inSize - 1] = 0; // older versions of Windows do not terminate a truncated path
 }
 
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))()

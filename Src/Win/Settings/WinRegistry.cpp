@@ -54,7 +54,7 @@ using CreateTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, R
 using DeleteTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, REGSAM, DWORD, HANDLE, PVOID);
 using DeleteInView = LSTATUS(WINAPI*)(HKEY, LPCWSTR, REGSAM, DWORD);
 
-// Looked up once per process, without a lock: two threads that do it together find the same function.
+// Looked up once per process without a lock; threads that look it up at the same time find the same function.
 std::atomic<DeleteInView> sDeleteInView{nullptr};
 std::atomic<bool> sDeleteInViewLookedUp{false};
 
@@ -67,7 +67,7 @@ DeleteInView FindDeleteInView()
     return sDeleteInView.load(std::memory_order_relaxed);
 }
 
-// The longest name and data among the values of a key.
+// Returns the sizes of the longest name and the largest data among the values of a key.
 SystemError LargestValue(KeyHandle inKey, DWORD& outNameUnits, DWORD& outBytes)
 {
     return AsError(::RegQueryInfoKeyW(AsKey(inKey), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -198,7 +198,7 @@ SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues)
         DWORD size = static_cast<DWORD>(data.size());
         error = AsError(
             ::RegEnumValueW(AsKey(inKey), index, AsWide(name.data()), &length, nullptr, &type, data.data(), &size));
-        if (error == kErrorMoreData) { // another writer has made it longer meanwhile
+        if (error == kErrorMoreData) { // another writer has made the value longer meanwhile
             data.resize(data.size() * 2);
             --index;
             error = kNoError;
@@ -216,7 +216,7 @@ SystemError ApplyEdits_Impl(KeyHandle, const std::vector<Edit>&)
 
 StoreState GetStoreState_Impl(KeyHandle, bool)
 {
-    return StoreState(); // the system takes care of its registry
+    return StoreState(); // the OS maintains its registry
 }
 
 } // namespace Platform
