@@ -1,4 +1,5 @@
-// Floor: System Decodes PNG files to 32-bit pixels.
+// Floor: System
+// Decodes PNG files to 32-bit pixels.
 #pragma once
 
 #include <Resources/ResourceReaders.h>

@@ -1,4 +1,5 @@
-// Floor: System Reverses the filters of PNG rows.
+// Floor: System
+// Reverses the filters of PNG rows.
 #pragma once
 
 #include <cstddef>

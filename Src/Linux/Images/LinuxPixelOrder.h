@@ -1,4 +1,5 @@
-// Floor: System Converts pixels from the byte order of PNG files, red first, to that of 32-bit pixels, blue first.
+// Floor: System
+// Converts pixels from the byte order of PNG files, red first, to that of 32-bit pixels, blue first.
 #pragma once
 
 #include <cstddef>
