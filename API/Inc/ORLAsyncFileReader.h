@@ -49,8 +49,8 @@ public:
     AsyncFileReader& operator=(const AsyncFileReader&) = delete;
 
     /// Opens a file with a reader that is not open. Other handles may read and write the file meanwhile. Returns
-    /// kSuccess; -1 if the path is missing, is a directory or cannot be opened; or, if the sector size cannot be
-    /// determined, that failure, with the file left open. A closed reader may be opened again.
+    /// kSuccess. Returns -1 if the path is missing, is a directory or cannot be opened. If the sector size cannot be
+    /// determined, returns that failure and leaves the file open. A closed reader may be opened again.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
     /// Queues one read and returns 0. The outcome is reported only to the callback, which may be null. The calling

@@ -18,7 +18,7 @@ using AtomicValue = std::int32_t;
 
 namespace Internal {
 
-// A parameter of this type takes no part in template argument deduction.
+// A parameter of this type does not take part in template argument deduction.
 template <class T>
 using Plain = std::common_type_t<T>;
 

@@ -114,8 +114,8 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 ///
 /// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
 /// kFileAttribute_NoBuffering, it bypasses the system's cache. It is then read in whole blocks of at least 64 KiB
-/// through the buffer that the factory created for it. This object then keeps the position, which stops at the end of
-/// the file. The block cache allocates its blocks from the library's pool, so the library must be started.
+/// through the buffer that the factory created for it. This object then keeps the position, which never exceeds the end
+/// of the file. The block cache allocates its blocks from the library's pool, so the library must be started.
 ///
 /// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
 ///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.
@@ -191,7 +191,7 @@ public:
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
     /// the copy and at the end. For an empty file the fraction is not a number (NaN). If the callback returns false,
     /// the copy stops, removes the destination and returns kOperationAborted. The callback must not be null and must
-    /// not throw. Other failures are kFileNotFound, kPathNotFound, kAccessDenied, and kDiskFull for the rest.
+    /// not throw. Other failures are kFileNotFound, kPathNotFound and kAccessDenied; all the rest are kDiskFull.
     static Result CopyWithProgress(const UTF16String& inSource, const UTF16String& inDestination,
                                    bool (*inCallback)(float, void*), void* inData);
 

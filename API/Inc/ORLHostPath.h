@@ -35,7 +35,7 @@ ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 struct MountPoint
 {
     UTF16String mRoot;       ///< "C:\" or "\\server\share\"
-    std::string mHostFolder; ///< the folder it maps to; on Windows the root again
+    std::string mHostFolder; ///< the host folder; on Windows the same as the root
 };
 
 /// Returns the drive table: the drives in the order of their letters, then (on Linux) the mounted shares. Thread-safe.

@@ -32,10 +32,10 @@ public:
     /// The record of one text. The table owns it.
     class InternalRepresentation;
 
-    /// The null handle: no text, not even the empty one.
+    /// Constructs the null handle, which has no text, not even the empty one.
     ImmutableString() noexcept : mRepresentation(nullptr) {}
 
-    /// Adds a handle to a record, or makes a null handle.
+    /// Constructs a handle to a record and counts it, or a null handle.
     ImmutableString(InternalRepresentation* inRepresentation);
     ImmutableString(const ImmutableString& inOther);
     ~ImmutableString();

@@ -33,7 +33,7 @@ inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0x
 /// Root interface of the class system. The order of the virtual functions is fixed. An interface appends its own and
 /// declares its own kInterfaceID: an inherited one identifies another interface.
 ///
-/// Owner:    whoever holds a reference; the last Release deletes the object.
+/// Owner:    references own the object; the last Release deletes it.
 /// Threads:  AddRef, Release and QueryInterface are thread-safe in classes derived from UnknownImpl.
 /// Failure:  QueryInterface returns kNoSuchInterface.
 class ORL_API ORLUnknown

@@ -29,9 +29,9 @@ private:
 };
 
 /// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called by the
-/// start of the library, under its lock. A call while records are enabled is reported, and then gives the calling
-/// thread a new main record; the earlier one stays valid for its thread, and is leaked. On Linux the initial thread of
-/// the process keeps its name in the system's list, since that is the name of the process.
+/// start of the library, under its lock. A call while records are enabled is reported; it then creates a new main
+/// record for the calling thread. The earlier record stays valid for its thread and is leaked. On Linux the initial
+/// thread of the process keeps its name in the system's list, since that is the name of the process.
 ORL_API void RegisterMainThread();
 
 /// Deletes the main thread's record and disables thread records. Call it on the main thread, which stays the main

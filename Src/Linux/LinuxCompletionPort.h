@@ -78,12 +78,12 @@ struct AsyncFile
     ShareHolder mShares; // registers the reader with the share modes
 };
 
-/// Makes a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
+/// Creates a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
 /// outError as an errno. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
-/// Makes a port over a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0 if no
-/// ring was requested. Throws std::bad_alloc.
+/// Creates a port over a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0 if
+/// no ring was requested. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
 /// Decides whether to repeat calls that were interrupted or failed because of a temporary shortage.

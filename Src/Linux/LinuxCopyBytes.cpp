@@ -25,7 +25,7 @@ constexpr std::uint64_t kSmallFile = std::uint64_t{16} << 10;
 class Buffer
 {
 public:
-    // One byte more than the reported size, so that a single read reaches the end of the file.
+    // The buffer has one byte more than the reported size, so that a single read reaches the end of the file.
     explicit Buffer(std::uint64_t inTotal)
         : mSize(inTotal == 0 ? kLargestBuffer : static_cast<std::size_t>(std::min<std::uint64_t>(inTotal + 1, kLargestBuffer)))
     {

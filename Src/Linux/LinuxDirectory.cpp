@@ -63,7 +63,7 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
     }
     auto listing = std::make_unique<Listing>(path.mPath.c_str());
     if (!listing->mFolder.IsOpen()) {
-        // The operation concerns the folder's entries, so a missing folder is a missing path.
+        // The operation concerns the folder's entries, so a missing folder is reported as a missing path.
         return errno == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(errno, path.mPath);
     }
     outListing = listing.release();

@@ -74,7 +74,8 @@ int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
     return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
 }
 
-// The last check of a thread whose time ran out: it consumes a signal that arrived meanwhile, or stops being a waiter.
+// The last check of a thread whose time ran out. It consumes a signal that arrived meanwhile, or removes itself from
+// the waiters.
 WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
 {
     std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);

@@ -60,7 +60,7 @@ SystemError CopyContents(int inFrom, const struct stat& inSource, int inTo, cons
 }
 
 // Removes the destination of a copy that fails, by an error or an exception. If the destination name is a link, the
-// link stays.
+// link is kept.
 class UnfinishedCopy
 {
 public:

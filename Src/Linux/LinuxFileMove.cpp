@@ -241,7 +241,7 @@ struct Replacing
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
-    // Replaces the target of a link, so the link stays and leads to the new contents.
+    // Replaces the target of a link; the link itself is kept.
     SystemError FollowLink()
     {
         char target[PATH_MAX];
@@ -266,7 +266,7 @@ struct Replacing
 };
 
 // The name always has the old or the new contents. The name of the replacement exists as long as the name has the old
-// contents, so after an interruption its existence tells whether the exchange was done.
+// contents, so after an interruption its existence shows whether the exchange was done.
 SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
     const int contents = inReplacement.mHold.Descriptor();

@@ -1,5 +1,5 @@
-// Reads, writes, position, size and times of open files. The position is kept in OpenFile, and every read and write
-// passes it, so a seek costs no system call.
+// Reads, writes, position, size and times of open files. OpenFile stores the position, and every read and write passes
+// it to the kernel, so a seek needs no system call.
 #include "LinuxFile.h"
 
 #include "LinuxErrors.h"

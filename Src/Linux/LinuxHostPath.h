@@ -18,7 +18,7 @@ struct HostPath
     bool mIsRoot = false;               // true for the folder of a drive or share itself
     bool mHasTrailingSeparator = false; // true if it has one and is not a root
 
-    // Set only if the path is longer than the kernel allows: mPath then leads through the open folder.
+    // Set only if the path is longer than the kernel allows: mPath then begins with the open folder's path in /proc.
     std::string mWhole;
     std::shared_ptr<const Descriptor> mFolder;
 
@@ -33,8 +33,8 @@ struct HostPath
 /// name that contains ":". On failure outHostPath is unchanged.
 SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
-/// Resolves a path to one that the kernel accepts, which is at most 4095 bytes. A longer path leads through an open
-/// folder, which must exist (3 otherwise).
+/// Resolves a path to one that the kernel accepts, which is at most 4095 bytes. A longer path is converted to one
+/// through an open folder, which must exist (3 otherwise).
 SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux

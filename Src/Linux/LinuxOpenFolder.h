@@ -66,8 +66,8 @@ private:
     FolderEntries mEntries;
 };
 
-/// Syncs the names of an open folder to disk. Returns 0 or an errno. A file system that cannot sync folders keeps its
-/// names safe by itself, so this returns 0 there.
+/// Syncs the names of an open folder to disk. Returns 0 or an errno. Returns 0 on a file system that cannot sync
+/// folders, because such a file system needs no sync to keep names.
 int SyncFolder(int inFolder) noexcept;
 
 } // namespace Linux

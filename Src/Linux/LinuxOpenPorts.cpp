@@ -30,7 +30,7 @@ struct PortList
 // A thread that was never joined may still use the ports at process exit.
 Immortal<PortList> sPorts;
 
-// Returns the link that owns the port, or the null link at the end of the list. The lock is held.
+// Returns the link that owns the port, or the null link at the end of the list. The caller must hold the lock.
 std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle)
 {
     std::unique_ptr<OpenPort>* place = &sPorts.mValue.mFirst;

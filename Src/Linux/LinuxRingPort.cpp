@@ -29,9 +29,9 @@ Overlapped sWithdrawn{};
 // without submitting anything more to the kernel.
 Overlapped sAlarm{};
 
-// A read passes from the thread that starts it to the one that completes it only through the kernel, which the C++
-// memory model does not cover. The hand-over therefore uses explicit atomics. Meanwhile the record stores everything
-// about the read; mEvent, otherwise unused, stores the size.
+// The thread that starts a read hands it to the thread that completes it only through the kernel, which the C++ memory
+// model does not cover. The hand-over therefore also uses atomics. Meanwhile the record stores everything about the
+// read; mEvent, otherwise unused, stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;
@@ -196,7 +196,8 @@ private:
         }
     }
 
-    // Submits the queued entries. Returns 0, or the errno with which the kernel refused the rest. The lock is held.
+    // Submits the queued entries. Returns 0, or the errno with which the kernel refused the rest. The caller must hold
+    // the lock.
     int Submit()
     {
         Retries retries;

@@ -133,7 +133,7 @@ public:
     const char* Describe() const override { return mDescription; }
 
 private:
-    // The lock is held.
+    // The caller must hold the lock.
     SystemError AddThread()
     {
         if (mThreads.size() == kThreads) {

@@ -62,7 +62,8 @@ inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
     ioBuffers.clear();
 }
 
-// Moves the oldest buffers to outEvicted until the rest plus inExtra bytes fit the limit. The lock is held.
+// Moves the oldest buffers to outEvicted until the rest plus inExtra bytes fit the limit. The caller must hold the
+// lock.
 inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
 {
     const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
@@ -72,7 +73,7 @@ inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted
     }
 }
 
-// The lock is held.
+// The caller must hold the lock.
 inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
 {
     if (mSpareNodes.empty()) {
@@ -83,7 +84,7 @@ inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
     mPool.splice(mPool.begin(), mSpareNodes, mSpareNodes.begin());
 }
 
-// The lock is held.
+// The caller must hold the lock.
 inline void MemoryRecycler::Remove(Pool::iterator inAt)
 {
     if (mSpareNodes.size() < kMostSpareNodes) {

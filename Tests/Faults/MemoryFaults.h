@@ -35,7 +35,7 @@ private:
 std::int64_t MemoryOwed(MemoryDoor inDoor);
 
 /// Returns whether the standard library's own requests reach the watched C++ heap. If not (on Windows, a shared library
-/// uses its own heap functions), the balance of the heap says nothing.
+/// uses its own heap functions), the balance of the heap is meaningless.
 bool WholeHeapIsWatched();
 
 /// Fails each request for memory that inWork makes, once alone and once with all later ones. After each round inCheck

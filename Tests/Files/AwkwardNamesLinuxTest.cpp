@@ -31,7 +31,7 @@ const std::string kNames[] = {
     "...",
     " ",
     "line\nbreak\ttab\x01",
-    "\xEF\x80\xBA", // contains a private unit that stands for a byte
+    "\xEF\x80\xBA", // contains a private unit that encodes a byte
     "\xEF\x83\xBF\xEF\x80\xAF",
     "\xED\xA0\x80\xED\xB0\x80",      // two adjacent encoded halves of a surrogate pair
     "\xF0\x9F\x8E\xAC \xE6\x97\xA5", // a clapper board

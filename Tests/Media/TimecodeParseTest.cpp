@@ -208,7 +208,8 @@ TEST(TimecodeParse, Milliseconds_AreReadAtTheirOwnRate)
 
 TEST(TimecodeParse, FramesEqualToTheRate_StayInTheirField)
 {
-    // Both rates give one second; they differ in whether the field carries, which the rows without a report show.
+    // The result is one second at both rates. They differ in whether the field carries; the rows without a report show
+    // that.
     const ParseRow at30[] = {
         {__LINE__, "30", 30},
         {__LINE__, "31", 31},

@@ -108,8 +108,8 @@ struct Node : WorkNode
 };
 
 /// Two work items that wait for each other are pushed; two threads take. Both items must run at the same time,
-/// whichever thread sleeps or spins. The channel closes only after they have met, so that closing wakes no thread that
-/// was missed. With kSleeps one taker sleeps before anything else begins.
+/// whichever thread sleeps or spins. The channel closes only after both items have started, so that closing cannot wake
+/// a thread that a push failed to wake. With kSleeps one taker sleeps before anything else begins.
 template <class Policy, int kSpins, int kPushers, bool kSleeps = false>
 struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kSleeps>, 2 + kPushers>
 {

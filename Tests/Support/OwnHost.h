@@ -6,8 +6,8 @@
 
 namespace ORLTest {
 
-/// Gives this process a unique host name and therefore its own settings; on Linux also its own user store. Returns the
-/// name. Further calls only return the name. The host's settings are deleted when the process ends.
+/// Sets a unique host name for this process, which therefore has its own settings; on Linux also its own user store.
+/// Returns the name. Further calls only return the name. The host's settings are deleted when the process ends.
 const std::string& UseOwnHost();
 
 /// Deletes every setting of this host.

@@ -168,7 +168,8 @@ void Trace(const unsigned char* inText)
     try {
         (sink != nullptr ? sink : &WriteToStandardError)(inText);
     } catch (...) {
-        // The sink's text is lost. The tracing code continues: it may be a destructor.
+        // If the sink throws, its text is lost. The exception does not propagate, since the tracing code may be a
+        // destructor.
     }
 }
 

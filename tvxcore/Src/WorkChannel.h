@@ -23,7 +23,7 @@ namespace threads {
 /// Steps that the model check omits one by one, to prove that it detects each omission.
 enum class ChannelStep {
     kSleeperLooksAgain,    // a thread that has announced its sleep checks for work once more
-    kSpinnerEndsFirst,     // a spinner that found work is uncounted before it dequeues it
+    kSpinnerEndsFirst,     // a spinner that found work leaves the count before it dequeues
     kOnlyItemNeedsNoWake,  // a push leaves one item to a spinner, but not several
     kResumeWakes,          // the end of a pause wakes the sleepers
     kCloseWakes,           // closing wakes the sleepers
@@ -275,7 +275,8 @@ private:
         if (mustStay && ClaimSleepers(1) == 1) {
             return;
         }
-        // This sleeper is still asleep, or another thread has claimed it meanwhile: in both cases it is owed a wake.
+        // This thread still counts as a sleeper, or another thread has claimed it: in both cases another thread will
+        // wake it.
         TakeWake();
     }
 
@@ -356,7 +357,7 @@ private:
     alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, plus kSpinner while a thread spins
     typename Policy::template Guarded<Habit> mHabit; // only the spinner accesses it
     Word mPaused{kRunning};                 // changed under the outbox lock
-    alignas(Policy::kLine) Word mWakes{0};  // number of wakes owed to claimed sleepers
+    alignas(Policy::kLine) Word mWakes{0};  // wakes that claimed sleepers have not consumed yet
 };
 
 } // namespace threads

@@ -1,5 +1,4 @@
-// Floor: System
-// What stands behind an HBITMAP.
+// Floor: System The record that an HBITMAP refers to.
 #pragma once
 
 #include <ORLNativeHandles.h>

@@ -1,5 +1,5 @@
-// Operations on trees of folders, through open folders and single names. No step follows a link, and replacing a folder
-// by a link meanwhile cannot lead a step out of the tree.
+// Operations on trees of folders, through open folders and single names. No step follows a link, so no step leaves the
+// tree, even if a folder is replaced by a link meanwhile.
 //
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
 // deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:

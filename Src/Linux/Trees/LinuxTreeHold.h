@@ -19,8 +19,8 @@ public:
     TreeHold(const TreeHold&) = delete;
     TreeHold& operator=(const TreeHold&) = delete;
 
-    /// Holds a file by its name. Folders and missing names are not held and not an error. Returns 0, ETXTBSY or the
-    /// errno of the failed query.
+    /// Holds a file by its name. Does nothing for folders and missing names; that is not an error. Returns 0, ETXTBSY
+    /// or the errno of the failed query.
     int EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares);
 
     /// Holds an open file or folder, and owns it from now on even if this fails. inFile may be the -1 of a failed open.

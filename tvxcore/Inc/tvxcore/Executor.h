@@ -83,7 +83,7 @@ TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor> CreateAsyncThreadedExecutor
 /// refuses the function.
 ///
 /// The first run is inDelay after construction. Times do not drift while the executor keeps up. If a run is late or
-/// takes longer than inDelay, the next one is inDelay after its end; missed runs are not made up for.
+/// takes longer than inDelay, the next one is inDelay after its end; missed runs are dropped.
 /// Owner:    keeps a reference to the executor. The destructor returns after the function has finished and has been
 ///           destroyed, unless the function itself calls it. So the caller must not hold a lock that the function
 ///           acquires.

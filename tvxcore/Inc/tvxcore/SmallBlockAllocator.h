@@ -22,7 +22,7 @@ namespace utility {
 /// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
 ///           destructors of an ending thread.
 /// Failure:  Allocate returns null. Only STLAllocator throws.
-/// On Windows: the exit of a process stops all threads but one at arbitrary points. The last thread is still served,
+/// On Windows: the exit of a process stops all threads but one at arbitrary points. The last thread can still allocate,
 ///             from its cache and from new pages; blocks that are not from its cache are then neither counted nor
 ///             freed.
 class TVXCORE_API SmallBlockAllocator

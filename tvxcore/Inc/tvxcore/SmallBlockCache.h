@@ -93,7 +93,7 @@ TVXCORE_API void* AllocateSlowly(std::size_t inSize) noexcept;
 TVXCORE_API void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept;
 
 /// Both limits of a cache are at most kLargestSmall + 1, which the compiler cannot see. This hint lets it drop the fast
-/// path for sizes that it knows to be large.
+/// path for sizes known to be larger.
 inline void AssumeSmall(std::size_t inSize) noexcept
 {
     if (inSize > kLargestSmall) {

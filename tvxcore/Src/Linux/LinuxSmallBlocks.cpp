@@ -91,8 +91,8 @@ void WatchForks_Impl(void (*inBefore)(), void (*inAfter)()) noexcept
 namespace {
 
 // If a library that was loaded at run time is unloaded, its destructor functions run before its static destructors; at
-// process exit they run after those of all such libraries. So a static destructor that runs after such a function knows
-// that the process continues.
+// process exit they run after those of all such libraries. So if a static destructor runs after such a function, the
+// process continues.
 bool sEndingFunctionRan = false;
 
 __attribute__((destructor)) void OnEnding()
