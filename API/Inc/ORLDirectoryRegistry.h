@@ -26,7 +26,7 @@ class ResourceCollection;
 
 namespace DirectoryRegistry {
 
-/// Registers a pattern under a symbol, or replaces the symbol's pattern. Symbols are compared exactly, case included.
+/// Registers a pattern under a symbol, or replaces the symbol's pattern. Symbols are case-sensitive.
 /// Neither argument may be empty (input contracts). The pattern is neither checked nor expanded. Throws std::bad_alloc
 /// and then leaves the table unchanged.
 ORL_API void RegisterDirectory(const UTF16String& inFullPathname, const UTF16String& inSymbolicName);
@@ -35,7 +35,7 @@ ORL_API void RegisterDirectory(const UTF16String& inFullPathname, const UTF16Str
 ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 
 /// Returns the expanded pattern of a symbol, which must not be empty (input contract). Reports an assertion and returns
-/// an empty string if the symbol is not registered or its pattern expands to nothing. Throws std::bad_alloc.
+/// an empty string if the symbol is not registered or its pattern expands to an empty string. Throws std::bad_alloc.
 ORL_API UTF16String FindDirectory(const UTF16String& inSymbolicName);
 
 /// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero

@@ -23,7 +23,7 @@
 struct _EXCEPTION_RECORD
 {
     std::uint32_t ExceptionCode;
-    std::uint32_t ExceptionFlags; ///< 0: execution could go on; 1: it cannot
+    std::uint32_t ExceptionFlags; ///< 0: execution can continue; 1: it cannot
     _EXCEPTION_RECORD* ExceptionRecord; ///< the exception during whose handling this one occurred, or null
     void* ExceptionAddress;             ///< address of the instruction that failed
     std::uint32_t NumberParameters;     ///< number of values set in ExceptionInformation; the others are 0

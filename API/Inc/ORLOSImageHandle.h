@@ -27,7 +27,7 @@ public:
     /// Constructs an empty handle, which holds no bitmap, not even a null one. Throws std::bad_alloc.
     OSImageHandle();
 
-    /// Takes ownership of a bitmap, which may be null. Throws std::bad_alloc, and then deletes the bitmap.
+    /// Takes ownership of a bitmap, which may be null. If it throws std::bad_alloc, it has deleted the bitmap.
     explicit OSImageHandle(HBITMAP inBitmap);
 
     /// Shares the other's bitmap. Throws std::bad_alloc.

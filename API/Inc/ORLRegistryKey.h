@@ -49,7 +49,7 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 /// A write is in the store when it returns: it survives a crash of this process, and other processes see it at their
 /// next read. After a power failure the last writes may be missing.
 ///
-/// Owner:    copies share one handle. An Open or Create on one copy re-targets all of them; each keeps its own path.
+/// Owner:    copies share one handle. An Open or Create on one copy affects all of them; each keeps its own path.
 /// Threads:  reading and writing values is thread-safe, and so is copying and destroying copies. Not thread-safe: Open
 ///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
 /// Failure:  operations return kRegistryFailure unless stated otherwise, and on a closed key always. Constructors and

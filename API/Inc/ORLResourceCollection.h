@@ -58,7 +58,7 @@ public:
 
     /// Loads a picture: the resource of type "PNG", flipped vertically, otherwise the bitmap resource of that number,
     /// not flipped. Looks up the PNG as FindLocalizedResource does if inLocalized is true, otherwise as LoadResource
-    /// does. Premultiplies the pixels of a PNG by alpha. The result is not valid if neither resource exists and can be
+    /// does. Premultiplies the pixels of a PNG by alpha. The result is not valid if neither resource can be found and
     /// decoded. Throws std::bad_alloc. On Windows the host must have started GDI+. On Linux ORLNativeBitmap.h has the
     /// functions that read the bitmap.
     virtual OSImageHandle LoadBitmapW(short inID, bool inLocalized) = 0;
@@ -75,8 +75,8 @@ public:
     /// or null. On Linux GetCursorPicture in ORLResources.h reads it.
     virtual void* LoadCursorW(short inID) const = 0;
 
-    /// Loads a menu in the current language, which the caller must destroy. If the menu does not exist, fires an
-    /// assertion and returns null. Returns null if the menu cannot be read.
+    /// Loads a menu in the current language. The caller must destroy it. If the menu does not exist, fires an assertion
+    /// and returns null. Returns null if the menu cannot be read.
     virtual HMENU LoadMenuW(short inID) const = 0;
 
 protected:

@@ -90,7 +90,7 @@ public:
                     unsigned short& outLanguage) const;
 
     /// Finds and decodes a picture as Module::LoadBitmapWTL does in that language: the resource of type "PNG",
-    /// otherwise the bitmap resource. Returns false, with outPicture unchanged, if neither exists and can be decoded.
+    /// otherwise the bitmap resource. Returns false, with outPicture unchanged, if neither can be found and decoded.
     /// Throws std::bad_alloc. On Windows the host must have started GDI+.
     bool FindPicture(unsigned short inID, unsigned short inLanguage, FilePicture& outPicture) const;
 

@@ -30,7 +30,7 @@ inline constexpr unsigned int kMenuSeparator = 0x0800;
 
 struct MenuItem
 {
-    UTF16String mText;   ///< "&" precedes the mnemonic, a tab the name of the key; empty for a separator
+    UTF16String mText;   ///< "&" precedes the mnemonic letter, a tab precedes the shortcut key; empty for a separator
     unsigned int mFlags; ///< a combination of the bits above
     unsigned int mID;    ///< the command; 0 for a submenu in the older template format
     HMENU mSubMenu;      ///< owned by the menu; null if the item has no submenu

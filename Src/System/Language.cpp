@@ -101,8 +101,8 @@ unsigned short FetchLanguageID()
     return fetched;
 }
 
-// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits it, and that a linker
-// which exports inline functions exports it for hosts that look it up by name.
+// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits a copy. A linker that
+// exports inline functions then exports the copy, for hosts that look it up by name.
 [[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 
 } // namespace Internal

@@ -45,8 +45,8 @@ SystemError ListNames(KeyHandle inKey, std::vector<UTF16String>& outNames)
     }
 }
 
-// SetValue_Impl reads one unit past a text and stores it if it is a terminator. The units 0xFFFF prevent that: a value
-// of the caller is stored byte by byte.
+// SetValue_Impl reads one unit past a text and stores it if it is a terminator. The appended unit 0xFFFF prevents that,
+// so the caller's bytes are stored unchanged.
 SystemError SetExactly(KeyHandle inKey, const Value& inValue)
 {
     std::vector<unsigned char> data = inValue.mData;

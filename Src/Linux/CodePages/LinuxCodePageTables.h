@@ -42,7 +42,7 @@ struct DoubleBytePage
     // byte, which is not a trail byte. All other bytes have the row at offset 0, which contains only zeros.
     const std::uint16_t* mRows;
     const std::uint16_t* mPairs;
-    BlockTable<std::uint16_t> mBytes; // from 0x100 on, lead byte * 256 + trail byte
+    BlockTable<std::uint16_t> mBytes; // a number from 0x100 on is lead byte * 256 + trail byte
 };
 
 /// Exactly one of the two pointers is null.

@@ -44,9 +44,9 @@ public:
     ChangeBoard(const ChangeBoard&) = delete;
     ChangeBoard& operator=(const ChangeBoard&) = delete;
 
-    /// Opens the board's file, or creates it, and maps it. Opens it read-only if the process may not write it. Returns
-    /// 2 if it is missing and cannot be created, 50 if the file system does not support shared memory, and 1017 for a
-    /// board of another format.
+    /// Opens the board's file, or creates it, and maps it. Opens it read-only if the process may not write it, and then
+    /// returns 2 if it is missing or incomplete. Returns 50 if the file system does not support shared memory, and 1017
+    /// for a board of another format.
     SystemError Open(const std::string& inFile, bool inIsForAll);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }
@@ -65,8 +65,8 @@ public:
     std::uint64_t Generation() const noexcept;
 
     /// Stores the changes after generation inSince, which is even. Returns false if some entries have been overwritten.
-    /// outSettled is the last even generation. A change whose commit is in progress is included, and again in the next
-    /// call.
+    /// outSettled is the last even generation. A change whose commit is in progress is included in this call and in the
+    /// next one.
     bool ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled, std::vector<Change>& outChanges) const;
 
     /// Posts a change and returns its odd generation. Never throws.

@@ -9,8 +9,8 @@ namespace Linux {
 
 namespace {
 
-// In a handle bit 0 is set, bit 1 marks the machine's store, bits 2 to 31 are the slot, and the bits above the serial
-// number. The root handles are those of Windows, sign-extended. No other handle equals them, because their
+// In a handle bit 0 is set, bit 1 marks the machine's store, bits 2 to 31 contain the slot, and the higher bits contain
+// the serial number. The root handles are those of Windows, sign-extended. No other handle equals them, because their
 // bit 31 would mean a slot of 2^29 or more, above kMostSlots.
 constexpr unsigned kSlotShift = 2;
 constexpr unsigned kSerialShift = 32;
