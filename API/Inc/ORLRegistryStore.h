@@ -91,8 +91,9 @@ ORL_API Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath
 /// the failure remain.
 ORL_API Result Apply(const std::vector<RegistryEdit>& inEdits);
 
-/// Reads the whole store and returns whether it is intact. Creates and changes nothing. On Windows always returns that
-/// it is intact, because the OS maintains its registry.
+/// Reads the whole store and returns whether it is intact. Changes no settings. If the database cannot be opened
+/// because it is damaged, it is set aside first, as by every other operation. On Windows always returns that the store
+/// is intact, because the OS maintains its registry.
 ORL_API RegistryStoreState Check(RegistryRootKeys::Type inRoot);
 
 /// Returns the state of the store without a check of its contents.

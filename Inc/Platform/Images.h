@@ -25,8 +25,7 @@ namespace Platform {
 /// A picture of the decoder, and the status of its creation.
 struct Picture;
 
-/// Returns a block for bytes that the decoder will read; null if out of memory. Until then the block may move in
-/// memory.
+/// Copies bytes for the decoder. The copy may move in memory until the decoder reads it. Returns null if out of memory.
 struct MemoryCopy;
 MemoryCopy* CopyToMemory_Impl(const void* inData, std::size_t inSize);
 

@@ -1,4 +1,5 @@
-// Floor: System The record that an HBITMAP refers to.
+// Floor: System
+// The record that an HBITMAP refers to.
 #pragma once
 
 #include <ORLNativeHandles.h>
