@@ -127,7 +127,7 @@ private:
                                                              : !IsOpen(ioGate);
     }
 
-    // Returns false if the time ran out. Each sleep has the whole limit.
+    // Returns false if the time ran out. The whole time limit applies to each sleep.
     template <class Gate>
     static bool SleepOnce(Gate& ioGate, typename Policy::MutexLock& ioLock, int inMilliseconds)
     {

@@ -8,8 +8,8 @@
 namespace ORL {
 namespace Images {
 
-/// Premultiplies pixels: alpha in bits 24 to 31, colours below. Each colour becomes colour times alpha by 255, rounded
-/// exactly. The blocks must be identical or disjoint, and need not be aligned.
+/// Premultiplies pixels: alpha in bits 24 to 31, colours below. Each colour becomes colour * alpha / 255, rounded to
+/// nearest. The blocks must be identical or disjoint, and need not be aligned.
 void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
 using PremultiplyFunction = void(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;

@@ -48,7 +48,7 @@ unsigned int GetWidth_Impl(const Picture* inPicture);
 unsigned int GetHeight_Impl(const Picture* inPicture);
 void DisposePicture_Impl(Picture* inPicture);
 
-/// The pixels of a locked picture. None after a failed lock.
+/// The pixels of a locked picture. Empty after a failed lock.
 struct LockedPixels
 {
     unsigned char* mPixels = nullptr; // the row at the top

@@ -177,7 +177,7 @@ std::size_t RootLength(const UTF16String& inPath)
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);
 }
 
-// Removes the last name with the backslash after it, but nothing of the root.
+// Removes the last name and the backslash after it, but never a part of the root.
 void GoUp(UTF16String& ioPath, std::size_t inRoot)
 {
     if (ioPath.size() > inRoot) {

@@ -78,8 +78,8 @@ int MakeNew(const std::string& inPath, const OpenWish& inWish)
     return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT | O_EXCL, inWish.mNewMode);
 }
 
-// Creates the file or opens the existing one. Both may fail in turn while others create and delete the name, or because
-// the name is a link to a missing file, which is then created.
+// Creates the file or opens the existing one. Tries both in turn, since each may fail while others create and delete
+// the name. If the name is a link to a missing file, creates that file.
 int MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
 {
     constexpr int kRounds = 4;

@@ -113,7 +113,7 @@ public:
     UTF16String GetText() const { return UTF16String(mUnits, static_cast<std::size_t>(mEnd - mUnits)); }
 
 private:
-    // Only for values below a billion.
+    // inValue must be below a billion.
     static int CountDigits(unsigned inValue)
     {
         int digits = 1;

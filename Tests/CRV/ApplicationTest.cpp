@@ -16,7 +16,7 @@ void ForgetAll()
     CRV::SetApplicationType(CRV::kApplicationType_Default);
 }
 
-// Each test starts and ends without values from a host, whatever the order and the process.
+// Resets the host's values before and after each test, so that the order of tests does not matter.
 class Application : public ::testing::Test
 {
 protected:

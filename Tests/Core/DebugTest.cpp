@@ -32,7 +32,7 @@ void ExpectContractError(const CheckReport& inReport, const char* inText, long i
     EXPECT_EQ(inErrorID, inReport.mLine);
     EXPECT_EQ(0, inReport.mLevel);
     EXPECT_TRUE(inReport.mFlag);
-    // Only their addresses distinguish empty values.
+    // Only the address distinguishes one empty value from another.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
     EXPECT_EQ(0u, values.count(nullptr));

@@ -97,7 +97,8 @@ TEST(ThreadManagerSweep, RegisterAndUnregisterAThread)
     ThreadManager::RegisterMainThread();
     const auto work = [] {
         std::exception_ptr failure;
-        // A record created before its name was stored still belongs to the thread.
+        // The record before the registration. RegisterThread may throw after it has stored a new record, which must
+        // then be unregistered.
         ThreadManager::ThreadInfo* const unnamed = ThreadManager::GetCurrentThreadInfo();
         try {
             ConstString name("Sweeper");

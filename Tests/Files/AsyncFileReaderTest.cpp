@@ -126,7 +126,7 @@ TEST_P(AsyncReads, PathOfFourThousandCharacters_IsReachedWhereItExists)
     const UTF16String missing = folder + UTF16String(TVX_UTF16("\\")) + UTF16String(3999 - folder.size(), 'x');
     EXPECT_EQ(-1, AsyncFileReader::Open(missing, reader));
 
-    // Only the extended form can name so long a path on every platform.
+    // Uses the extended form: only it allows such a long path on every platform.
     const UTF16String extended = PathUtils::ToNormalizedPath(missing);
     std::string host;
     ASSERT_EQ(kSuccess, PathUtils::ToHostPath(extended, host));

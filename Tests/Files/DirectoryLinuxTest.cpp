@@ -57,7 +57,7 @@ std::set<std::string> HostNames(const TempFolder& inFolder, const std::vector<UT
 
 } // namespace
 
-// Every byte that a name may contain, at its start, inside it and at its end.
+// Lists names with every byte that a name may contain: at its start, inside it and at its end.
 TEST(DirectoryOnLinux, NamesWithEveryByte_AreListedAndComeBack)
 {
     const TempFolder folder;

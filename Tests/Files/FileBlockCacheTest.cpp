@@ -296,7 +296,7 @@ TEST(FileBlockCacheHosts, TheEarlierFactory_GoesUnderTheFoundationLock)
 
 namespace {
 
-// Random reads and seeks, each compared with the same operation on bytes in memory.
+// Performs random reads and seeks, and compares each with the same operation on bytes in memory.
 void CompareWithPlainBuffer(File& ioFile, const std::string& inContents, unsigned inSeed, int inOperations)
 {
     std::mt19937 numbers(inSeed);

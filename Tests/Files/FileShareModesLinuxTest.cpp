@@ -138,7 +138,8 @@ TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
     ::close(third);
 }
 
-// A descriptor that cannot read takes no shared locks; one for writing takes the lock that refuses all others.
+// A descriptor that cannot read acquires no shared locks. One that can write acquires the lock that excludes all
+// others.
 TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
 {
     const TempFolder folder;

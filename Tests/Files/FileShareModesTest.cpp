@@ -82,7 +82,7 @@ TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
     }
 }
 
-// A process that ends with the file open leaves no share mode, not even briefly.
+// A process that ends with the file open leaves no share mode behind, not even briefly.
 TEST(FileShareModes, AProcessThatEndsWithAFileOpen_HoldsItNoMore)
 {
     const TempFolder folder;
@@ -157,7 +157,7 @@ TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
     EXPECT_EQ(0u, OpenHandle(path, kAlone).mError);
 }
 
-// Threads that open the file exclusively: never two hold it, and at least one succeeds.
+// Several threads open the file exclusively: at most one holds it at a time, and at least one succeeds.
 TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
 {
     const TempFolder folder;
@@ -190,7 +190,7 @@ TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
     EXPECT_LT(0, got);
 }
 
-// Two processes that open the file exclusively: never both hold it, and neither waits forever. The number of refusals
+// Two processes open the file exclusively: never do both hold it, and neither waits forever. The number of refusals
 // before a success depends on the scheduler.
 TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
 {

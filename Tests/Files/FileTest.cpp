@@ -92,7 +92,8 @@ TEST(File, EachFlag_HasItsSystemWord)
     }
 }
 
-// Every access with every disposition, on an existing and on a missing file: the result, and the contents afterwards.
+// Opens an existing and a missing file with every access and every disposition; checks the result and the contents
+// afterwards.
 TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
 {
     struct Row

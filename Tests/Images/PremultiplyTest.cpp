@@ -62,7 +62,7 @@ TEST(Premultiply, ATransparentPixelOfAnyColour_Becomes0)
     EXPECT_EQ(Pixels(4, 0), result);
 }
 
-// Each count from 0 on, so that the kernels also process the pixels after the last whole vector; each at eight
+// Tests each count from 0 on, so that the kernels also process the pixels after the last whole vector, at eight
 // alignments.
 TEST(Premultiply, EachCountAndAlignment_TouchesItsPixelsAlone)
 {

@@ -1,4 +1,4 @@
-// The library's own arctangent of a vector, compared with the long double function of the C runtime.
+// Compares the library's own arctangent of a vector with the long double function of the C runtime.
 #include <Arctangent.h>
 
 #include <cmath>
@@ -22,7 +22,7 @@ bool IsNearest(float inY, float inX)
     if (given == nearest && std::signbit(given) == std::signbit(nearest)) {
         return true;
     }
-    // A tie that only the last bits of the long double result decide.
+    // Accepts a near tie, which only the last bits of the long double result decide.
     const float other = std::nextafter(nearest, given);
     return given == other
            && std::fabs(std::fabs(given - exact) - std::fabs(nearest - exact)) < 1e-6L * std::fabs(given - nearest);

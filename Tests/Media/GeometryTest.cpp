@@ -1,4 +1,4 @@
-// Splines compared with a long double solution of the same equations, and distances compared with plain integers.
+// Compares splines with a long double solution of the same equations, and distances with plain integers.
 #include <CheckRecorder.h>
 #include <ORLGeometry.h>
 

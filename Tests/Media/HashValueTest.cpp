@@ -1,4 +1,4 @@
-// The hash compared with lookup2 as published, and its text.
+// Compares the hash with lookup2 as published, and tests its text.
 #include <ORLHashValue.h>
 
 #include <TextHelpers.h>

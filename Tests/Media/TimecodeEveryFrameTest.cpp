@@ -1,5 +1,6 @@
-// Every frame of 24 hours, from the count to the label and back. A simple counter that only steps from one label to the
-// next supplies the expected label. The rule for labels that do not convert back to their frame is written out here.
+// Converts every frame of 24 hours from the count to the label and back. A simple counter that only steps from one
+// label to the next supplies the expected label. The rule for labels that do not convert back to their frame is written
+// out here.
 #include "TimecodeTestSupport.h"
 
 #include <cstdlib>
@@ -331,7 +332,7 @@ TEST(EveryMillisecond, OfADaysHoursEnds_HasItsTextAndComesBackFromIt)
     const Format format = {"Milliseconds", kTimeDisplay_AudioMsTimecode, kFrameRate_Audio48000, 1000};
     Timecode::PrivateImpl record(kTime_Zero, format.mRate, format.mDisplay, Timecode::Style());
     for (long long second = 0; second < 86400; ++second) {
-        // Every millisecond around each whole hour, and 25 samples in each other second.
+        // Tests every millisecond around each whole hour, and 25 samples in each other second.
         const bool nearHour = second % 3600 < 10 || second % 3600 >= 3590;
         for (long long sample = 0; sample < 1000; sample += nearHour ? 1 : 40) {
             ExpectSample(record, second, sample, format);

@@ -225,7 +225,7 @@ TEST(TimecodeLiteral, LabelsAtAWholeRate_AreCountedThroughADoubleWithoutLoss)
 
 TEST(TimecodeLiteral, SecondsBeyond32Bits_WrapAround)
 {
-    // 596523 hours, 14 minutes and 8 seconds are 2^31 seconds.
+    // 596523 hours, 14 minutes and 8 seconds equal 2^31 seconds.
     EXPECT_EQ(HMSFToTime(0, 0, std::numeric_limits<int>::min(), 3, false, kFrameRate_VideoNTSC,
                          kTimeDisplay_2997NonDropTimecode),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));

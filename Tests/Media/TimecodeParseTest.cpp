@@ -312,14 +312,14 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
 
 TEST(TimecodeParse, NegativeFieldsFromOverflow_AreDefined)
 {
-    // 4294967295 is -1 in 32 bits. The seconds are then negative and become a huge unsigned count. It does not fit and
-    // becomes 2^63 frames, which are a time of zero at an even number of ticks, so only the frames remain.
+    // 4294967295 is -1 in 32 bits. The negative seconds become a huge unsigned count, which does not fit and becomes
+    // 2^63 frames. At an even number of ticks a frame that is a time of zero, so only the frames remain.
     const ParseRow rows[] = {
         {__LINE__, "0:0:4294967295:4", 4},
         {__LINE__, "4294967295:0:0:4", 4},
     };
     ExpectPalRows(rows);
-    // If labels are counted in whole numbers, they are negative.
+    // These formats count labels in integers, so the result is negative.
     EXPECT_EQ(Frames(-26, kFrameRate_VideoNTSC),
               Parse("0:0:4294967295:4", kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));
     EXPECT_EQ(Frames(-26, kFrameRate_VideoNTSC),

@@ -53,8 +53,8 @@ public:
         FailOnBrokenChecks();
     }
 
-    /// Runs every interleaving with up to inSwitches preemptions. Not for models with a timed sleep: in this search the
-    /// checker ends a thread several times in such models.
+    /// Runs every interleaving with up to inSwitches preemptions. Must not be used for models with a timed sleep: in
+    /// this search the checker ends a thread of such a model several times.
     template <class Test>
     void Exhaust(const char* inName, unsigned inSwitches)
     {

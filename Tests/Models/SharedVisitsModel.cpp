@@ -20,7 +20,8 @@ constexpr rl::memory_order Order(std::memory_order inOrder, bool inIsWeak)
     return inOrder == std::memory_order_seq_cst ? (inIsWeak ? rl::mo_acq_rel : rl::mo_seq_cst) : rl::mo_release;
 }
 
-/// The interface of std::atomic over the checker's atomic type. A weak one is not sequentially consistent.
+/// The interface of std::atomic over the checker's atomic type. With kIsWeak, operations are not sequentially
+/// consistent.
 template <class T, bool kIsWeak>
 class Atomic
 {

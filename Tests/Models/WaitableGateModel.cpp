@@ -7,7 +7,7 @@ using ORL::kSuccess;
 using ORL::kWaitTimeout;
 using ORL::Sync::Step;
 
-/// One thread opens, closes and reopens the gate; two others wait. None may remain asleep.
+/// One thread opens, closes and reopens the gate; two others wait. No thread may remain asleep.
 template <class Policy>
 struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
 {

@@ -70,7 +70,7 @@ TEST(Managed, KeptAgainAfterDestroy_IsDestroyedAgain)
     }
 }
 
-// Only the count matters: going below 0 destroys nothing, and neither does an AddRef that returns it to 0.
+// Only a Release that reaches 0 destroys: going below 0 destroys nothing, nor does an AddRef back to 0.
 TEST(Managed, ReleasedTooOften_IsNotDestroyedAgain)
 {
     Item item;

@@ -22,7 +22,7 @@ struct BufferLog
 {
     std::vector<std::int64_t> mGot;
     std::vector<std::pair<std::int64_t, std::size_t>> mAdded; // position and bytes of the block
-    int mBuffers = 0;                                         // made so far
+    int mBuffers = 0;                                         // buffers created so far
     int mAlive = 0;
 };
 

@@ -1,4 +1,4 @@
-// The load on Linux, from files that the test writes and compared with a second measurement of the real load.
+// Tests the load on Linux with files that the test writes, and compares the real load with a second measurement.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>

@@ -167,7 +167,7 @@ TEST(AsyncReadRequestPool, MoreThreadsThanRecords_NeverShareOne)
 {
     constexpr int kThreads = 6;
     const int rounds = Rounds(3000);
-    // No real sleeps: a thread that finds no free record yields and retries.
+    // Does not really sleep: a thread that finds no free record yields and retries.
     struct Policy : Sync::SystemPolicy
     {
         static void SleepMilliseconds(int) { std::this_thread::yield(); }

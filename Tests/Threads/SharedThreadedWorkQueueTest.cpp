@@ -21,7 +21,7 @@ namespace {
 using QueueRef = SharedThreadedWorkQueue::QueueRef;
 using Request = ThreadedWorkQueue::Request;
 
-// Each test starts and ends without an instance.
+// Destroys the instance before and after each test.
 class SharedQueues : public testing::Test
 {
 protected:

@@ -93,7 +93,7 @@ TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
     EXPECT_EQ(4u, ReadManifest(Disk() / kManifest).size());
 }
 
-// Every form of line that checksum programs write, between lines of ours that are exchanged.
+// The manifest contains every form of line that checksum programs write, between lines of orl that the run exchanges.
 TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());

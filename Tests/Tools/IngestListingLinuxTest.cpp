@@ -160,7 +160,7 @@ TEST_F(IngestListing, LinksThatLeadBack_AreNoTrouble)
     EXPECT_EQ(1u, listing.mFiles.size());
 }
 
-// A link to a folder elsewhere is no loop, and the folder's contents belong to the card.
+// A link to a folder elsewhere is not a loop, so the folder's contents belong to the card.
 TEST_F(IngestListing, ALinkThatCannotBeListed_IsTold)
 {
     mFolder.MakeFolder("elsewhere");

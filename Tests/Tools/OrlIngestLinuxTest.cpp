@@ -53,7 +53,7 @@ bool IsOneLineWith(const std::string& inErrors, const std::string& inText)
 
 } // namespace
 
-// Every byte that a name may contain; coreutils verify the manifest.
+// Ingests names with every byte that a name may contain; coreutils verify the manifest.
 TEST_F(OrlIngestOnLinux, AwkwardNames_AreVerifiedByCoreutils)
 {
     for (int byte = 1; byte < 256; ++byte) {

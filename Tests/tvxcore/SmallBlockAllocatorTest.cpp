@@ -115,7 +115,8 @@ TEST(SmallBlockAllocator, ManyBlocksAtOnce_DoNotOverlap)
         const std::size_t size = sizes[random() % (sizes.size() - 2)];
         blocks.emplace_back(size, static_cast<unsigned char>(i));
         ASSERT_NE(blocks.back().mBytes, nullptr);
-        // A third is freed at once, so that blocks move in both directions through stacks, stores and master blocks.
+        // A third of the blocks is freed at once, so that blocks move in both directions through stacks, stores and
+        // master blocks.
         if (random() % 3 == 0) {
             std::swap(blocks[random() % blocks.size()], blocks.back());
             ASSERT_TRUE(blocks.back().IsWhole());

@@ -1,4 +1,4 @@
-// Conversion and case folding compared with ICU, an independent implementation of the same standard.
+// Compares conversion and case folding with ICU, an independent implementation of the same standard.
 #include <tvxcore/Text.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Conversion compared with a second implementation, on both platforms.
+// Compares the conversion with a second implementation, on both platforms.
 #include <tvxcore/Text.h>
 
 #include <UtfCheck.h>

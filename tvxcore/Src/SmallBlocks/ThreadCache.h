@@ -45,7 +45,7 @@ struct ThreadCache : CacheHead
     std::atomic<std::int64_t> mRaisedCount{0}; // by how much this thread has raised the peaks
     std::atomic<std::int64_t> mRaisedBytes{0};
 
-    // In the ledger's list while in use, in the pool's list while idle.
+    // Links of the ledger's list while the cache is in use, of the pool's list while it is idle.
     ThreadCache* mNext = nullptr;
     ThreadCache* mPrevious = nullptr;
 
