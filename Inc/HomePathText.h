@@ -27,9 +27,9 @@ const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 /// first name, if only one is a UNC path, or if the result exceeds kMaxPath.
 bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Stores inMore relative to inBase: appended if relative, below the root of inBase if it begins with a backslash,
-/// alone if it has a drive or is UNC. Then resolves "." and "..". Returns false, with outPath untouched, if the joined
-/// text exceeds kMaxPath.
+/// Stores inMore relative to inBase. A relative inMore is appended to inBase; one that begins with a backslash is
+/// appended to the root of inBase; one with a drive and a UNC path replace inBase. Then resolves "." and "..". Returns
+/// false, with outPath untouched, if the joined text exceeds kMaxPath.
 bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
 /// Returns whether the text is a root: "\", "X:\", "\\", "\\server" or "\\server\share".

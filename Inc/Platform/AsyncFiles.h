@@ -3,7 +3,7 @@
 // it, and a plain thread that drains it.
 //
 // Windows has all of this natively. On other systems a port is any implementation with these guarantees:
-//   - a read that was started reports exactly once, through the port that its file is attached to;
+//   - a started read is reported exactly once, through the port that its file is attached to;
 //   - completions arrive in any order; an empty packet arrives after those that were queued before it;
 //   - a port lives until it and the last file attached to it have been closed.
 //

@@ -11,8 +11,8 @@ namespace DiskUtils {
 namespace Platform {
 
 /// The volume to query: its root with a backslash at its end, and a path on it. On Windows only the root is used. On
-/// Linux a drive is a tree of many file systems, so the one that holds the path, or would hold it, is queried: the path
-/// need not exist, the root must.
+/// Linux a drive is a tree of many file systems, so the functions query the one that holds the path, or would hold it.
+/// The path need not exist; the root must.
 struct Volume
 {
     UTF16String mRoot;

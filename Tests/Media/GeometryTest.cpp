@@ -38,8 +38,8 @@ struct Spline
     }
 };
 
-// The second derivatives, computed with the Thomas algorithm from the textbook equations:
-// h[i-1] m[i-1] + 2 (h[i-1] + h[i]) m[i] + h[i] m[i+1] = 6 (slope[i] - slope[i-1]), both ends 0.
+// Computes the second derivatives with the Thomas algorithm from the textbook equations: h[i-1] m[i-1] + 2 (h[i-1] +
+// h[i]) m[i] + h[i] m[i+1] = 6 (slope[i] - slope[i-1]), both ends 0.
 std::vector<long double> ExactBends(const Floats& x, const Floats& y)
 {
     const std::size_t n = x.size();

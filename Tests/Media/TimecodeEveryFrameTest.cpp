@@ -66,9 +66,9 @@ TickTime TimeOfFields(const Timecode::PrivateImpl& inRecord)
                       inRecord.mFrameRate, inRecord.mTimeDisplay);
 }
 
-// The only labels of a day that do not convert back to their time: non-drop labels at a 1001 rate run slower than the
-// clock, so the last ones lie beyond 86400 seconds. Positive times are reduced by one day; negative times are reduced
-// by further days until the count wraps around.
+// Returns the time that a label converts to. It differs from inTime only for the last non-drop labels of a day at a
+// 1001 rate, which lie beyond 86400 seconds. Positive times are reduced by one day; negative times are reduced by
+// further days until the count wraps around.
 TickTime Folded(TickTime inTime)
 {
     const TickTime day(86400.0);

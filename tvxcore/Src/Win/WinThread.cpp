@@ -43,7 +43,7 @@ Function LookUp(const wchar_t* inModule, const char* inName) noexcept
 }
 
 // Looked up at load, not on the first call: that call may come during process exit, and the initialisation of a
-// function-local static takes locks of the C++ runtime, which a stopped thread may hold forever.
+// function-local static acquires locks of the C++ runtime, which a stopped thread may hold forever.
 using ShutdownInProgress = BOOLEAN(WINAPI*)();
 const ShutdownInProgress sIsEnding = LookUp<ShutdownInProgress>(L"ntdll.dll", "RtlDllShutdownInProgress");
 
