@@ -1,5 +1,5 @@
 // Floor: System
-// Colours times alpha.
+// Premultiplies colours by alpha.
 #pragma once
 
 #include <cstddef>

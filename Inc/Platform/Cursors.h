@@ -1,5 +1,5 @@
 // Floor: Platform
-// What pointers need of the system.
+// The system functions for the mouse pointer.
 #pragma once
 
 namespace ORL {
