@@ -31,7 +31,7 @@ class ResourceStore;
 /// An executable module that Load loaded or Create wrapped.
 ///
 /// Owner:    the last ObjectPtr unloads a module that Load loaded. The caller owns a module that Create wrapped.
-///           Its data and cursors are invalid once the module is unloaded, so no other thread may use them then.
+///           Data and cursors of a module are invalid once it is unloaded, so no thread may use them then.
 /// Threads:  lookups are thread-safe and acquire no lock, except that on Linux LoadCursorW acquires one. GetPath is not
 ///           thread-safe until its first call has returned, because that call fills a cache.
 /// Failure:  lookups return null, most of them after an assertion; see ResourceCollection.
