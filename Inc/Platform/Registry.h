@@ -39,7 +39,7 @@ inline constexpr unsigned kKeyNameCapacity = 256;
 KeyHandle GetUserRoot_Impl() noexcept;
 KeyHandle GetMachineRoot_Impl() noexcept;
 
-/// Opens an existing key. An empty or null path opens inParent again. outKey is null on failure.
+/// Opens an existing key. An empty or null path opens another handle to inParent. outKey is null on failure.
 SystemError OpenKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey);
 
 /// Results of CreateKey_Impl in outDisposition.

@@ -1,4 +1,4 @@
-// Guarantees of the Linux lock that the lock of the OS does not make.
+// Tests guarantees of the Linux lock that the lock of the OS does not make.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>

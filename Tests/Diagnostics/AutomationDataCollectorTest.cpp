@@ -1,4 +1,4 @@
-// The store of automation results, and its text, which another library parses back.
+// Tests the store of automation results, and its text, which another library parses back.
 #include <ORLAutomationDataCollector.h>
 
 #include <TextHelpers.h>

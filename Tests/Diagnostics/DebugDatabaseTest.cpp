@@ -1,4 +1,4 @@
-// Persistent debug settings.
+// Tests the persistent debug settings.
 #include <OwnHost.h>
 #include <TextHelpers.h>
 

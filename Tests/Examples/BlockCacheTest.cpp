@@ -1,4 +1,4 @@
-// The example that reads through a block cache, run as a user runs it.
+// Runs the example that reads through a block cache, as a user does.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// The example that processes an edit decision list, run as a user runs it.
+// Runs the example that processes an edit decision list, as a user does.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// The gallery as a user runs it.
+// Runs the gallery as a user does.
 #include "PngReader.h"
 
 #include <ProcessRunner.h>

@@ -1,4 +1,4 @@
-// The host with plug-ins, run as a user runs it.
+// Runs the host with plug-ins as a user does.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

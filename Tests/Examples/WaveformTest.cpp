@@ -1,4 +1,4 @@
-// The waveform renderer, run as a user runs it, with its pictures decoded by an independent library.
+// Runs the waveform renderer as a user does. An independent library decodes its pictures.
 #include "PngReader.h"
 
 #include <ProcessRunner.h>

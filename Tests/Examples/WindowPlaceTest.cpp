@@ -1,4 +1,4 @@
-// The example that stores its window's place and its language, run as a user runs it.
+// Runs the example that stores its window's place and its language, as a user does.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 

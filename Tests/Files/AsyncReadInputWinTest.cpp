@@ -1,4 +1,4 @@
-// A reader on a file that Windows refuses to open.
+// Tests a reader on a file that Windows refuses to open.
 #include "AsyncReadsFixture.h"
 
 #include <gtest/gtest.h>

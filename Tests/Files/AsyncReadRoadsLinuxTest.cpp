@@ -1,4 +1,4 @@
-// Reads with the ring, and without it because a kernel filter refuses it. The call table is not replaced.
+// Tests reads with the ring, and without it because a kernel filter refuses it. The call table is not replaced.
 #include "AsyncReadRoads.h"
 
 using namespace ORLTest;

@@ -1,4 +1,4 @@
-// Names on a real disk that no Windows path could contain.
+// Tests names on a real disk that no Windows path could contain.
 #include <ORLHostPath.h>
 #include <ORLPathUtils.h>
 

@@ -1,5 +1,5 @@
-// Directories with features that only Linux has: unusual bytes in names, links, folders without permission, failing
-// calls.
+// Tests directories with features that only Linux has: unusual bytes in names, links, folders without permission,
+// failing calls.
 #include <ORLDirectory.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Sizes formatted as text.
+// Tests the formatting of sizes as text.
 #include <ORLDiskUtils.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Volumes below the platform seam: the system's reports and the values derived from them.
+// Tests volumes below the platform seam: the system's reports and the values derived from them.
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// The volume that contains a path.
+// Tests the volume that contains a path.
 #include <ORLDiskUtils.h>
 
 #include <ORLPathUtils.h>

@@ -1,4 +1,4 @@
-// Files deleted, copied and moved by name.
+// Tests deleting, copying and moving files by name.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 

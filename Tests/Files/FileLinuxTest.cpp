@@ -1,4 +1,5 @@
-// Behaviour of File on Linux only: links, permissions, other programs' locks, file systems that refuse operations.
+// Tests the behaviour of File that exists only on Linux: links, permissions, other programs' locks, file systems that
+// refuse operations.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 #include "ShareModes.h"

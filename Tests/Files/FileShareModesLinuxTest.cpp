@@ -1,4 +1,5 @@
-// Share modes between processes, lock by lock: conflicts with a handle that is just opening, and with one that stays.
+// Tests share modes between processes, lock by lock: conflicts with a handle that is just opening, and with one that
+// stays.
 //
 // The other process is simulated by a second descriptor with its own open file description, because locks look the same
 // from another process. The byte that it locks means "refuses readers".

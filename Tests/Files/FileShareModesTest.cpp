@@ -1,4 +1,5 @@
-// Which handles of one file are compatible: in one process, in two, and with deleting, moving, copying and replacing.
+// Tests which handles of one file are compatible: in one process, in two, and with deleting, moving, copying and
+// replacing.
 #include <FileSupport.h>
 #include "ShareModes.h"
 

@@ -1,4 +1,4 @@
-// Replacing a file by a finished temporary file, and free names for such files.
+// Tests the replacement of a file by a finished temporary file, and free names for such files.
 #include <FileSupport.h>
 
 #include <filesystem>

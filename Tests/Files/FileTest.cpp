@@ -1,4 +1,4 @@
-// Opening, reading, writing and file times, as hosts use them.
+// Tests opening, reading, writing and file times, as hosts use them.
 #include "AsyncReadSupport.h"
 #include <FileSupport.h>
 

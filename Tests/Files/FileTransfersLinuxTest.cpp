@@ -1,4 +1,4 @@
-// Transfers that are split into pieces, and transfers that fail midway.
+// Tests transfers that are split into pieces, and transfers that fail midway.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

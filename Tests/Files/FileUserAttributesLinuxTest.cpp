@@ -1,4 +1,4 @@
-// User extended attributes of copied, moved and replaced files: kept if possible, never a cause of failure.
+// Tests user extended attributes of copied, moved and replaced files: kept if possible, never a cause of failure.
 #include <FileSupport.h>
 
 #include <ORLDirectory.h>

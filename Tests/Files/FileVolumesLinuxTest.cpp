@@ -1,4 +1,4 @@
-// Cross-volume moves, which cannot rename: files are copied, links are recreated, folders are refused.
+// Tests cross-volume moves, which cannot rename: files are copied, links are recreated, folders are refused.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Windows' services for path text, and the public functions built on them.
+// Tests the Windows functions for path text, and the public functions built on them.
 #include <HomePathText.h>
 
 #include <ORLPathUtils.h>

@@ -1,4 +1,4 @@
-// The drive table, and the conversion of library paths to host paths.
+// Tests the drive table, and the conversion of library paths to host paths.
 #include <ORLHostPath.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Host paths and library paths on both platforms.
+// Tests host paths and library paths on both platforms.
 #include <ORLHostPath.h>
 
 #include <ORLPathUtils.h>

@@ -1,4 +1,4 @@
-// Names that cannot be converted between UTF-8 and Windows' 16-bit names.
+// Tests names that cannot be converted between UTF-8 and Windows' 16-bit names.
 #include <ORLHostPath.h>
 
 #include <ORLPathUtils.h>

@@ -1,4 +1,4 @@
-// The one-to-one mapping between names on disk and units of a library path.
+// Tests the one-to-one mapping between names on disk and units of a library path.
 #include <Linux/LinuxNames.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Paths as the shell displays them.
+// Tests paths as the shell displays them.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

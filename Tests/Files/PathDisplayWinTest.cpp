@@ -1,4 +1,4 @@
-// The shell functions that return the display names.
+// Tests the shell functions that return the display names.
 #include <Platform/Paths.h>
 
 #include <ORLPathUtils.h>

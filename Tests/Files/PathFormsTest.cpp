@@ -1,4 +1,4 @@
-// The forms of a path and the conversions between them.
+// Tests the forms of a path and the conversions between them.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

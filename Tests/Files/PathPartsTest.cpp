@@ -1,4 +1,4 @@
-// Splitting paths, file names, and the trailing separator.
+// Tests the splitting of paths, the checks of file names, and the trailing separator.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

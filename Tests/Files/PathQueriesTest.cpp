@@ -1,4 +1,4 @@
-// Queries to the file system about a path.
+// Tests queries to the file system about a path.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

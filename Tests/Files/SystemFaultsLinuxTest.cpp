@@ -1,4 +1,4 @@
-// Faults of system calls below the path and disk functions, and the error numbers they become.
+// Tests faults of system calls below the path and disk functions, and the error numbers they become.
 #include <Linux/LinuxErrors.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,5 +1,5 @@
-// Exception records of real signals. Each failure happens in a child process, whose handler sends the record to the
-// test.
+// Tests exception records of real signals. Each failure happens in a child process, whose handler sends the record to
+// the test.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 

@@ -1,4 +1,4 @@
-// The texts of system errors and exception records.
+// Tests the texts of system errors and exception records.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 

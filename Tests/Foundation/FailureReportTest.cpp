@@ -1,4 +1,4 @@
-// The handling of an exception that no code caught.
+// Tests the handling of an exception that no code caught.
 #include <ORLFailureReport.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>

@@ -1,4 +1,4 @@
-// The published checks of the conversions between code pages and 16-bit text.
+// Tests the published checks of the conversions between code pages and 16-bit text.
 #include <PublishedSites.h>
 
 #include <CodePageConversion.h>

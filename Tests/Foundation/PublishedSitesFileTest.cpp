@@ -1,4 +1,4 @@
-// The published checks of File. Their line numbers are not published.
+// Tests the published checks of File. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <BlockCacheSupport.h>

@@ -1,4 +1,4 @@
-// The published checks of paths and asynchronous reads. Their line numbers are not published.
+// Tests the published checks of paths and asynchronous reads. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <AsyncFileReaderImpl.h>

@@ -1,4 +1,5 @@
-// The published checks of geometry. The hash's check "len < 12" cannot fail: the loop before it leaves fewer bytes.
+// Tests the published checks of geometry. The hash's check "len < 12" cannot fail: the loop before it leaves fewer
+// bytes.
 #include <PublishedSites.h>
 
 #include <ORLGeometry.h>

@@ -1,4 +1,4 @@
-// The published checks of the class factory, large buffers and names.
+// Tests the published checks of the class factory, large buffers and names.
 #include <PublishedSites.h>
 
 #include <ClassCategories.h>

@@ -1,4 +1,4 @@
-// The published checks of thread records and of the flush. Their line numbers are not published.
+// Tests the published checks of thread records and of the flush. Their line numbers are not published.
 #include <PublishedSites.h>
 
 #include <ORLThreadManager.h>

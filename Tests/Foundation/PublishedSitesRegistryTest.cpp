@@ -1,4 +1,4 @@
-// The published checks of registry keys.
+// Tests the published checks of registry keys.
 #include <PublishedSites.h>
 
 #include <ORLRegistryKey.h>

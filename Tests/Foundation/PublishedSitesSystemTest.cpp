@@ -1,4 +1,4 @@
-// The published checks of symbolic directories and of the application object.
+// Tests the published checks of symbolic directories and of the application object.
 #include <PublishedSites.h>
 
 #include <ORLApplication.h>

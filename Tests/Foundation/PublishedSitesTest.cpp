@@ -1,4 +1,4 @@
-// The published checks of the core and of the objects room.
+// Tests the published checks of the core and of the objects room.
 #include <PublishedSites.h>
 
 #include <ORLAtomic.h>

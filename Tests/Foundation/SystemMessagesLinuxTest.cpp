@@ -1,4 +1,4 @@
-// The table of messages that replaces Windows' own.
+// Tests the table of messages that replaces those of Windows.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 

@@ -1,4 +1,4 @@
-// A machine that lacks the locale named in the user's settings.
+// Tests a machine that lacks the locale named in the user's settings.
 #include <ProcessRunner.h>
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Bitmaps with unusual or damaged contents. Their bytes are in a block of exactly their size, so that a sanitizer
+// Reads bitmaps with unusual or damaged contents. Their bytes are in a block of exactly their size, so that a sanitizer
 // detects every read beyond the end.
 #include "../../Fuzz/PictureFuzzTarget.h"
 

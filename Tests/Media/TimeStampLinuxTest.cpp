@@ -1,4 +1,4 @@
-// The process clock on Linux: its start, and its behaviour with a clock that the test sets.
+// Tests the process clock on Linux: its start, and its behaviour with a clock that the test sets.
 #include <ORLTimeStamp.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Time stamps at moments that the test chooses.
+// Tests time stamps at moments that the test chooses.
 #include <ORLTimeStamp.h>
 
 #include <climits>

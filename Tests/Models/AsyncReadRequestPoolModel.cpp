@@ -1,4 +1,4 @@
-// The shipped pool of read requests under a model checker.
+// Runs the shipped pool of read requests under a model checker.
 #include <ModelRun.h>
 
 namespace {

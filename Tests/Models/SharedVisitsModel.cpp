@@ -1,4 +1,4 @@
-// The shipped visits concurrent with a writer, under a model checker. The writer changes a plain variable, so a
+// Runs the shipped visits concurrent with a writer, under a model checker. The writer changes a plain variable, so a
 // simultaneous visitor is a data race, which the checker reports. The checker also reorders operations as the memory
 // orders allow; one mutant is the same code with weaker orders.
 //

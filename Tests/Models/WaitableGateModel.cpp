@@ -1,4 +1,4 @@
-// The shipped gate under a model checker.
+// Runs the shipped gate under a model checker.
 #include <ModelRun.h>
 
 namespace {

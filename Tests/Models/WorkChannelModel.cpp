@@ -1,4 +1,4 @@
-// The shipped channel from the threads that queue work to the threads of an executor, under a model checker.
+// Runs the shipped channel from the threads that queue work to the threads of an executor, under a model checker.
 #include <ModelRun.h>
 
 #include <WorkChannel.h>

@@ -1,5 +1,5 @@
-// The shipped rendezvous of a flush under a model checker: a queue with up to two threads, up to two flushing threads,
-// and gates with and without one more poll before a sleep.
+// Runs the shipped rendezvous of a flush under a model checker: a queue with up to two threads, up to two flushing
+// threads, and gates with and without one more poll before a sleep.
 //
 // Extent: every interleaving with up to two preemptions if there is one queue thread or one flusher, and with one if
 // there are two of both (with two, the search did not end in four minutes). The argument "deep" allows one more

@@ -1,4 +1,4 @@
-// The machine code of the two reads, which their contract defines as a compare-exchange of 17 with 17. Tests of
+// Tests the machine code of the two reads, which their contract defines as a compare-exchange of 17 with 17. Tests of
 // behaviour can show that a read writes, but not the number; only the code shows that.
 #include <ORLAtomic.h>
 

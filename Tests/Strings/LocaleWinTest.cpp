@@ -1,4 +1,4 @@
-// The number format of Windows, as the library's locale reports it.
+// Tests the number format of Windows, as the library's locale reports it.
 #include <LocaleInternals.h>
 #include <ORLString.h>
 

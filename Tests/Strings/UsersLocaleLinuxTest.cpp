@@ -1,4 +1,5 @@
-// The user's locale of a whole process: displayed numbers parse back, whether or not the C library has the locale.
+// Tests the user's locale of a whole process: displayed numbers parse back, whether or not the C library has the
+// locale.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <VariableLinux.h>

@@ -1,4 +1,4 @@
-// Text in code pages: both platforms must give the results of Windows.
+// Tests text in code pages: both platforms must give the results of Windows.
 #include "CodePageSweep.h"
 
 #include <CRV/Application.h>

@@ -1,4 +1,4 @@
-// The code page that a Windows machine with the user's locale has.
+// Tests the default code page: that of a Windows machine with the user's locale.
 #include <Linux/CodePages/LinuxDefaultCodePage.h>
 #include <ORLStringUtils.h>
 #include <ProcessRunner.h>

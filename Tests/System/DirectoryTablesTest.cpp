@@ -1,4 +1,4 @@
-// Directories registered from a resource.
+// Tests directories registered from a resource.
 #include <ORLDirectoryRegistry.h>
 
 #include <CheckRecorder.h>

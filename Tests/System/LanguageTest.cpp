@@ -1,4 +1,4 @@
-// The language of the process.
+// Tests the language of the process.
 #include <OwnHost.h>
 #include <TextHelpers.h>
 

@@ -1,4 +1,4 @@
-// The search for a process on Linux: unusual names, other users' processes, and failing calls.
+// Tests the search for a process on Linux: unusual names, other users' processes, and failing calls.
 #include <ORLProcess.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// The search for a process, using this program as the one that certainly runs.
+// Tests the search for a process with this program, which certainly runs.
 #include <ORLProcess.h>
 
 #include <TextHelpers.h>

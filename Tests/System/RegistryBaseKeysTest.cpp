@@ -1,4 +1,4 @@
-// The registry keys of a host's settings.
+// Tests the registry keys of a host's settings.
 #include <OwnHost.h>
 #include <ProcessRunner.h>
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Memory and the time stamp counter on Linux, with failing calls and with incomplete data.
+// Tests memory and the time stamp counter on Linux, with failing calls and with incomplete data.
 #include <ORLSystemInfo.h>
 
 #include <FakeProcLinux.h>

@@ -1,4 +1,4 @@
-// The machine's hardware and load, as reported on every platform.
+// Tests the reports about the machine's hardware and load, on every platform.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>

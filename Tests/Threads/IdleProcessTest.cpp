@@ -1,4 +1,4 @@
-// The idle process of a work queue.
+// Tests the idle process of a work queue.
 #include <ORLThreadedWorkQueue.h>
 
 #include <CheckRecorder.h>

@@ -1,4 +1,4 @@
-// Work queues when memory runs out.
+// Tests work queues when memory runs out.
 #include <ORLThreadedWorkQueue.h>
 
 #include <AllocationFaults.h>

@@ -1,4 +1,4 @@
-// The behaviour of a gate at each lock and each sleep, driven by a script on one thread with the script's clock.
+// Tests the behaviour of a gate at each lock and each sleep, driven by a script on one thread with the script's clock.
 #include <GateOf.h>
 #include <ScriptedPolicy.h>
 

@@ -1,4 +1,4 @@
-// A destination that disappears during an ingest. On Windows an open file keeps its folder in place.
+// Tests a destination that disappears during an ingest. On Windows an open file keeps its folder in place.
 #include <IngestDestinationsSupport.h>
 
 #include <filesystem>

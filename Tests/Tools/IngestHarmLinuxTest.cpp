@@ -1,4 +1,4 @@
-// Damage that an ingest must never cause through links, mounts, volumes that ignore case, or misleading system calls.
+// Tests that an ingest causes no damage through links, mounts, volumes that ignore case, or misleading system calls.
 #include <IngestRunSupport.h>
 
 #include <FaultySystemCallsLinux.h>

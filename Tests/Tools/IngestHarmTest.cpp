@@ -1,4 +1,4 @@
-// Damage that an ingest must never cause to other people's files and lines, and to the source.
+// Tests that an ingest never damages the source or other people's files and lines.
 #include <IngestRunSupport.h>
 #include <ProcessRunner.h>
 

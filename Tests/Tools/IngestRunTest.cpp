@@ -1,4 +1,4 @@
-// Events between two steps of a file during an ingest.
+// Triggers events between two steps of a file during an ingest.
 #include <IngestRunSupport.h>
 
 #include <Failure.h>

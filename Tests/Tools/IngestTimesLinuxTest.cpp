@@ -1,4 +1,4 @@
-// A destination whose file system rounds times: verified files must still be recognised.
+// Tests a destination whose file system rounds times: verified files must still be recognised.
 #include <IngestRunSupport.h>
 
 #include <LinuxIngestCalls.h>

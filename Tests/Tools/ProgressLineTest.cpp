@@ -1,4 +1,4 @@
-// The progress line and the width of its text.
+// Tests the progress line and the width of its text.
 #include <IngestProgress.h>
 #include <ProgressLine.h>
 #include <Text.h>

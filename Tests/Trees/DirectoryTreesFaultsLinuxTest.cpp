@@ -1,4 +1,4 @@
-// Trees with failing system calls: nothing is lost or left incomplete, and the failure is reported.
+// Tests trees with failing system calls: nothing is lost or left incomplete, and the failure is reported.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Trees with features that only Linux has: links that must not be followed out of the tree, volumes, permissions.
+// Tests trees with features that only Linux has: links that must not be followed out of the tree, volumes, permissions.
 #include "DirectoryTreesOnLinux.h"
 
 #include <ORLFile.h>

@@ -1,4 +1,4 @@
-// Operations on trees that contain an open file; the handle's share mode decides what is allowed.
+// Tests operations on trees that contain an open file; the handle's share mode decides what is allowed.
 #include <ORLDirectory.h>
 #include <ORLFile.h>
 

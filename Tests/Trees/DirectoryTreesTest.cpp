@@ -1,4 +1,4 @@
-// Copies, moves and wipes of whole trees, and the checks of paths that the shell does not accept.
+// Tests copies, moves and wipes of whole trees, and the checks of paths that the shell does not accept.
 #include <ORLDirectory.h>
 
 #include <CheckRecorder.h>

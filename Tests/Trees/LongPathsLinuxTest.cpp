@@ -1,4 +1,4 @@
-// Operations on paths whose host path exceeds the kernel's 4095 bytes: everything works as for short paths.
+// Tests operations on paths whose host path exceeds the kernel's 4095 bytes: everything works as for short paths.
 #include <FileSupport.h>
 
 #include <ORLAsyncFileReader.h>

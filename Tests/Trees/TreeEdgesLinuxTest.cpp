@@ -1,4 +1,5 @@
-// Trees with unusual properties: mounts inside, folders without permissions, listings without types, a strict umask.
+// Tests trees with unusual properties: mounts inside, folders without permissions, listings without types, a strict
+// umask.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>

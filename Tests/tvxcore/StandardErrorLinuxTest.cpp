@@ -1,4 +1,4 @@
-// Reports to a standard error whose writes fail must not change the calling thread's errno.
+// A report to a standard error whose writes fail must not change the calling thread's errno.
 #include <tvxcore/Debug.h>
 #include <tvxcore/ErrorManager.h>
 #include <tvxcore/Trace.h>

@@ -1,4 +1,4 @@
-// Reports to a standard error that accepts them, is blocked, or is closed.
+// Tests reports to a standard error that accepts them, is blocked, or is closed.
 #include <StandardErrorPipe.h>
 #include <tvxcore/Trace.h>
 

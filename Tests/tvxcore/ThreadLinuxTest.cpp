@@ -1,4 +1,4 @@
-// The threads of tvxcore on Linux.
+// Tests the threads of tvxcore on Linux.
 #include <CurrentThread.h>
 #include <tvxcore/Debug.h>
 #include <tvxcore/Executor.h>
