@@ -28,7 +28,7 @@ class ORL_API DebugDatabase
 {
 public:
     /// Returns the database of the process; creates it if there is none. Foundation::Terminate destroys it, and a later
-    /// call creates an empty one. The values in the registry stay.
+    /// call creates an empty one. The registry keeps the values.
     static DebugDatabase& Instance();
 
     ~DebugDatabase();

@@ -1,6 +1,6 @@
 // Floor: Core
-// On Linux: the record of a hardware exception, in the form of Windows, filled from a signal. On Windows the system's
-//           headers define the record and this header is empty.
+// On Linux: the Windows record of a hardware exception, filled from a signal. On Windows the system's headers define
+//           the record and this header is empty.
 //
 //   void OnSignal(int, siginfo_t* inInfo, void* inContext)
 //   {

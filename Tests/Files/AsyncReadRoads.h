@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// inProgram with its arguments must be reading_host or execute it.
+/// inProgram must be reading_host, or a program that executes it with the given arguments.
 inline void ExpectReadThrough(const std::string& inRoad, const std::string& inProgram, std::vector<std::string> inArguments = {})
 {
     constexpr std::size_t kSize = 50000;

@@ -370,7 +370,7 @@ class FileBlockCacheModel : public testing::TestWithParam<Host>
 
 } // namespace
 
-// 1020000 operations in all.
+// Performs 1020000 operations in all.
 TEST_P(FileBlockCacheModel, RandomReadsAndSeeks_AreThoseOfAPlainBuffer)
 {
     const FactoryInUse factory(GetParam().mMake);

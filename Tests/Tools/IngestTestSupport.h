@@ -15,7 +15,7 @@
 
 namespace ORLTest {
 
-/// SHA-256 written from its standard, independent of the tool's library.
+/// Computes SHA-256. Written from the standard, independent of the tool's library.
 inline std::string ReferenceSha256(std::string inBytes)
 {
     static const std::uint32_t kRound[64] = {

@@ -1,4 +1,4 @@
-// orl colour, run as a user runs it.
+// Runs orl colour as a user does.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

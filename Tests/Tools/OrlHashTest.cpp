@@ -1,4 +1,4 @@
-// orl hash, run as a user runs it, compared with the library's own hash of the same bytes.
+// Runs orl hash as a user does, and compares its output with the library's own hash of the same bytes.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// orl info with host paths that do not exist on Windows.
+// Runs orl info with host paths that do not exist on Windows.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

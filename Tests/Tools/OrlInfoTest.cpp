@@ -1,4 +1,4 @@
-// orl info, run as a user runs it: its output and exit codes.
+// Runs orl info as a user does, and checks its output and exit codes.
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
 #include <ORLRegistryStore.h>

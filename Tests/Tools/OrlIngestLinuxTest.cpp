@@ -1,4 +1,4 @@
-// orl ingest with properties that only Linux has: unusual names, permissions, failing calls, and coreutils as the
+// Runs orl ingest with properties that only Linux has: unusual names, permissions, failing calls, and coreutils as the
 // verifier.
 #include <IngestRunSupport.h>
 

@@ -1,4 +1,4 @@
-// orl ingest, run as a user runs it.
+// Runs orl ingest as a user does.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 

@@ -1,4 +1,4 @@
-// orl res picture, run as a user runs it. Its pictures are decoded by an independent library.
+// Runs orl res picture as a user does. An independent library decodes its pictures.
 #include "../Examples/PngReader.h"
 #include "../Images/Data/Pixels.h"
 

@@ -1,4 +1,4 @@
-// orl res, run as a user runs it.
+// Runs orl res as a user does.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// orl stream and orl make-clip, run as a user runs them.
+// Runs orl stream and orl make-clip as a user does.
 #include "ShrinkingStream.h"
 
 #include <ORLDiskUtils.h>

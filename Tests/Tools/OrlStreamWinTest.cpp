@@ -1,4 +1,4 @@
-// orl stream where Windows behaves differently.
+// Runs orl stream in cases in which Windows behaves differently.
 #include "ShrinkingStream.h"
 
 #include <windows.h>

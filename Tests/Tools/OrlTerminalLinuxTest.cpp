@@ -1,4 +1,4 @@
-// orl at a terminal: the progress line, and the key that stops it.
+// Runs orl at a terminal: tests the progress line, and the key that stops a run.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -1,4 +1,4 @@
-// orl tc, run as a person runs it at a prompt.
+// Runs orl tc as a person does at a prompt.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

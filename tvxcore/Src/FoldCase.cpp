@@ -114,7 +114,7 @@ bool FoldAsciiStep(const unsigned short* inText, unsigned short* outText)
     return true;
 }
 
-// A unit becomes at most three.
+// A unit folds to at most three units.
 constexpr std::size_t kGrowth = 3;
 
 std::size_t FoldPiece(const unsigned short* inText, std::size_t inLength, unsigned short* outText)

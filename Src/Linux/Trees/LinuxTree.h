@@ -48,7 +48,7 @@ enum class CopyEnd { kIsWritten, kIsOnDisk };
 int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
 
-/// Moves in the same way; between volumes it copies. There an entry is deleted after its copy has been synced.
+/// Moves in the same way; copies between volumes. There an entry is deleted after its copy has been synced.
 int MoveContents(int inFrom, int inTo);
 
 } // namespace Linux

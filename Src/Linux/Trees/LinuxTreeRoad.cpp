@@ -9,7 +9,7 @@ namespace Linux {
 
 namespace {
 
-// One more than the two that every step needs, so that entering and leaving a subfolder reopens no folder.
+// Every step needs two open folders. With a third one, entering and leaving a subfolder reopens no folder.
 constexpr std::size_t kOpenLevels = 3;
 
 } // namespace

@@ -11,7 +11,7 @@ namespace utility {
 namespace SmallBlocks {
 
 /// Returns the calling thread's cache; creates one if needed. Returns null if the thread has none: it is ending and has
-/// returned its cache, or there is no memory for one. The shared cache then serves it.
+/// returned its cache, or there is no memory for one. The thread then uses the shared cache.
 ThreadCache* CacheOfThisThread() noexcept;
 
 /// Locks and uses the shared cache, for threads without a cache. It starts empty and its memory is static, so it works
