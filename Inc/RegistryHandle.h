@@ -25,7 +25,7 @@ public:
     RegistryHandle(const RegistryHandle&) = delete;
     RegistryHandle& operator=(const RegistryHandle&) = delete;
 
-    /// Null while closed.
+    /// Returns the handle; null while closed.
     KeyHandle Get() const noexcept { return mKey; }
 
     /// The view bits of the access that the key was opened with.

@@ -12,7 +12,7 @@ namespace ORL {
 class Timecode::PrivateImpl : public Impl
 {
 public:
-    /// Zero in 29.97 drop-frame format, without checks.
+    /// Constructs zero in 29.97 drop-frame format, without checks.
     PrivateImpl();
 
     PrivateImpl(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inFrameRate,

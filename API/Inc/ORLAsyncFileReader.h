@@ -39,7 +39,7 @@ public:
                                   unsigned int inBytesRead, void* inBuffer, void* inUserData1, void* inUserData2,
                                   void* inUserData3, int inResult);
 
-    /// No file is open.
+    /// Constructs a reader without an open file.
     AsyncFileReader();
 
     /// Same as Close.

@@ -20,11 +20,11 @@ public:
     /// Copies the text up to its first zero unit. inText must not be null.
     explicit CString(const unsigned short* inText) : mText(inText) {}
 
-    /// The text. Never null. Valid until the object is changed or destroyed.
+    /// Returns the text. Never null. Valid until the object is changed or destroyed.
     const unsigned short* GetString() const noexcept { return mText.c_str(); }
     operator const unsigned short*() const noexcept { return mText.c_str(); }
 
-    /// Units before the terminating zero.
+    /// Returns the number of units before the terminating zero.
     std::size_t GetLength() const noexcept { return mText.size(); }
     bool IsEmpty() const noexcept { return mText.empty(); }
 

@@ -40,7 +40,7 @@ public:
     const Unit* data() const noexcept { return mText; }
     bool empty() const noexcept { return *mText == 0; }
 
-    /// Units before the terminating zero. O(n): counted on every call.
+    /// Returns the number of units before the terminating zero. O(n): counted on every call.
     std::size_t size() const noexcept { return std::char_traits<Unit>::length(mText); }
 
     bool IsEqualTo(const ConstStringHandle& inOther) const noexcept

@@ -129,7 +129,7 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 class ORL_API File
 {
 public:
-    /// No file is open.
+    /// Constructs an object without an open file.
     File();
 
     /// Same as Close.

@@ -32,7 +32,7 @@ public:
     {
     }
 
-    /// inIndex is 0, 1 or 2.
+    /// Returns one of the words. inIndex is 0, 1 or 2.
     constexpr std::uint32_t GetWord(std::size_t inIndex) const noexcept { return mWords[inIndex]; }
 
     friend constexpr bool operator==(const HashValue& inLeft, const HashValue& inRight) noexcept

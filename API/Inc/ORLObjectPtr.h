@@ -114,7 +114,7 @@ private:
         Allocator::Dispose(mCounter, sizeof(CounterType));
     }
 
-    // A relaxed read: other owners may change the count concurrently.
+    // Reads the count in relaxed order: other owners may change it concurrently.
     CounterType CurrentCount() const { return __atomic_load_n(mCounter, __ATOMIC_RELAXED); }
 
     CounterType* mCounter;

@@ -46,7 +46,7 @@ ORL_API bool RemoveIllegalFileNameCharacters(UTF16String& ioName);
 ORL_API void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* outDirectory,
                        UTF16String* outFile, UTF16String* outExtension);
 
-/// Return one output of SplitPath each.
+/// Each returns one output of SplitPath.
 ORL_API UTF16String GetDrivePart(const UTF16String& inFullPath);
 ORL_API UTF16String GetDirectoryPart(const UTF16String& inFullPath);
 ORL_API UTF16String GetFilePart(const UTF16String& inFullPath);

@@ -52,7 +52,7 @@ public:
 
     class PrivateImpl;
 
-    /// Zero, in 29.97 drop-frame format.
+    /// Constructs zero, in 29.97 drop-frame format.
     ORL_API Timecode();
 
     /// inFrameRate must be at most 1000 for the formats up to kTimeDisplay_35mmFeetFrames, and from 1000 to 192000 for

@@ -9,7 +9,7 @@ inline constexpr std::size_t kLetterHeight = 8;
 /// Characters outside ASCII are drawn as a question mark.
 bool LetterHasPoint(char inCharacter, std::size_t inColumn, std::size_t inRow);
 
-/// Whether the byte continues a UTF-8 character; such bytes are not drawn.
+/// Returns whether the byte continues a UTF-8 character; such bytes are not drawn.
 inline bool IsContinuation(char inCharacter)
 {
     return (static_cast<unsigned char>(inCharacter) & 0xC0) == 0x80;

@@ -79,7 +79,7 @@ SystemError SetEndOfFile_Impl(Handle inFile);
 /// on failure.
 std::uint32_t GetFileSize_Impl(Handle inFile, std::uint32_t& outHigh);
 
-/// outTime is untouched on failure.
+/// Stores the time of the last write. outTime is untouched on failure.
 SystemError GetLastWriteTime_Impl(Handle inFile, std::uint64_t& outTime);
 
 /// Stores the size of a file, open or not; 0 for a directory. outSize is untouched on failure.

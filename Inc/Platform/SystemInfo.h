@@ -28,7 +28,7 @@ using LoadCounter = void*;
 inline constexpr SystemError kLoadInvalidData = 0xC0000BC6; // too few samples, or unusable ones
 inline constexpr SystemError kLoadNoData = 0x800007D5;      // the query has no counter
 
-/// Thread-safe. outQuery is untouched on failure.
+/// Creates the query. Thread-safe. outQuery is untouched on failure.
 SystemError OpenLoadQuery_Impl(LoadQuery& outQuery);
 
 /// Adds the load of all processors together. outCounter is untouched on failure.

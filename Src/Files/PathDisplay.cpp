@@ -34,7 +34,7 @@ UTF16String TakePlainLeaf(UTF16String& ioPath)
     return leaf;
 }
 
-// True for \\server\share and for shorter paths of this kind.
+// Returns true for \\server\share and for shorter paths of this kind.
 bool IsShareOrServer(const UTF16String& inPath)
 {
     return inPath.compare(0, 2, TVX_UTF16("\\\\")) == 0 && std::count(inPath.begin(), inPath.end(), '\\') < 4;

@@ -19,7 +19,7 @@ namespace Linux {
 class DriveTable
 {
 public:
-    /// C: is mounted on "/".
+    /// Constructs a table in which C: is mounted on "/".
     DriveTable() noexcept;
 
     SystemError MountDrive(char inLetter, const std::string& inFolder);

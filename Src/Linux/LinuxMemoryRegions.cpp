@@ -81,7 +81,7 @@ char* ReadLine(Walk& ioWalk)
     }
 }
 
-// "7f0c1a000000-7f0c1a021000 rw-p ..."
+// Parses a line such as "7f0c1a000000-7f0c1a021000 rw-p ...".
 bool ReadMapping(Walk& ioWalk)
 {
     char access[5];

@@ -83,7 +83,7 @@ SystemError CheckFolder(const std::string& inFolder)
     return kNoError;
 }
 
-// True for exactly "\\server\share".
+// Returns true for exactly "\\server\share".
 bool IsShare(const UTF16String& inShare)
 {
     if (inShare.size() < 2 || inShare[0] != '\\' || inShare[1] != '\\') {

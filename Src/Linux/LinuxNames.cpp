@@ -51,7 +51,7 @@ bool IsBlankOrDot(unsigned inCharacter) noexcept
     return inCharacter == ' ' || inCharacter == '.';
 }
 
-// True for the units that encode a byte. U+F041 is not one of them: its byte, "A", is never encoded.
+// Returns true for the units that encode a byte. U+F041 is not one of them: its byte, "A", is never encoded.
 bool IsUnitOfByte(unsigned inUnit) noexcept
 {
     if (inUnit <= kPrivateBase || inUnit > kPrivateBase + 0xFF) {

@@ -76,7 +76,7 @@ void NameThread(const ThreadInfo& inInfo)
     TraceThread(name, inInfo);
 }
 
-// The index keeps its number after the slot is freed, so a second start fails the first assertion and continues.
+// The index is not reset when the slot is freed, so a second start fails the first assertion and continues.
 void AllocateInfoIndex()
 {
     ORL_ASSERT_MESSAGE_AT(InfoIndex() == kNoSlot, "sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES", "", __FILE__,

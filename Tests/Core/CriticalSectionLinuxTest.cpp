@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// Whether the lock checks its owner first depends on its history.
+// The lock's history determines whether it checks its owner first.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {

@@ -97,7 +97,7 @@ protected:
     TempFolder mFolder;
 };
 
-// Whether the pixel has the background colour of a corner without sound.
+// Returns whether the pixel has the background colour of a corner without sound.
 bool IsPaper(const std::uint8_t* inPixel)
 {
     return inPixel[0] == 13 && inPixel[1] == 17 && inPixel[2] == 23;

@@ -163,10 +163,11 @@ protected:
         EXPECT_EQ(0u, TheAsyncReadRequests().CountBusyRecords());
     }
 
-    // Whether the call can fail; closing the ring cannot.
+    // Returns whether the call can fail; closing the ring cannot.
     static bool CanFail(Call inCall) { return inCall != FaultySystemCalls::kUringQueueExit; }
 
-    // Whether the error ends the completion thread: a read or a port fails permanently. Another test covers that.
+    // Returns whether the error ends the completion thread: a read or a port fails permanently. Another test covers
+    // that.
     static bool EndsTheMachinery(Call inCall, int inErrno)
     {
         const bool isPassing = inErrno == EINTR || inErrno == EAGAIN || inErrno == ENOMEM;

@@ -287,7 +287,7 @@ TEST(File, SizesBeyond32Bits_AreWhole)
 
 namespace {
 
-// In units of 100 ns since 1601.
+// Returns a time in units of 100 ns since 1601.
 unsigned __int64 SecondsAfter1970(unsigned __int64 inSeconds)
 {
     return (inSeconds + 11644473600u) * 10000000u;

@@ -57,8 +57,8 @@ void ReadAFile(void* outBuffer)
     }
 }
 
-// Several hosts in one process that start and stop independently. Only one of their threads can be the main thread; the
-// check that reports this to the others is answered with "ignore".
+// Runs several hosts in one process, which start and stop independently. Only one of their threads can be the main
+// thread; the check that reports this to the others is answered with "ignore".
 void RunHostsAtOnce()
 {
     tvxcore::debug::Dialogs dialogs;

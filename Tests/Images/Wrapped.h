@@ -14,7 +14,7 @@ struct WrappedImages
     int mDeletions = 0;
 };
 
-/// Reset at the start of each test that uses it.
+/// Returns the settings. Each test that uses them resets them first.
 WrappedImages& Wrapped();
 
 } // namespace ORLTest

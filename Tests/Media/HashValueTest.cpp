@@ -43,7 +43,7 @@ struct Lookup2
     }
 };
 
-// Byte by byte, as in the publication of 1996.
+// Computes the hash byte by byte, as in the publication of 1996.
 std::uint32_t PublishedLookup2(const std::string& inBytes, std::uint32_t inInitial)
 {
     const auto byte = [&](std::size_t inAt) {

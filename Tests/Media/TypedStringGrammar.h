@@ -55,7 +55,7 @@ private:
         return static_cast<tvxmediatypes::TimeDisplay>(AnyOf(kDisplays));
     }
 
-    // Usually the rate of the format, sometimes any other.
+    // Returns the rate of the format in most cases, sometimes any other.
     tvxmediatypes::FrameRate AnyRate(tvxmediatypes::TimeDisplay inDisplay)
     {
         using namespace tvxmediatypes;
@@ -78,7 +78,7 @@ private:
         return kOwn[inDisplay - kTimeDisplay_24Timecode];
     }
 
-    // sign, leading separator, fields, trailing separator: each is optional
+    // Appends sign, leading separator, fields and trailing separator; each is optional.
     void AppendTyped()
     {
         AppendSign();

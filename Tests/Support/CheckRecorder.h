@@ -44,10 +44,10 @@ public:
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
                     const tvxcore::config::ReplacementValue& inFourth) const override;
 
-    /// All reports so far, in order. Thread-safe.
+    /// Returns all reports so far, in order. Thread-safe.
     std::vector<CheckReport> Reports() const;
 
-    /// The reports of one kind, in order. Thread-safe.
+    /// Returns the reports of one kind, in order. Thread-safe.
     std::vector<CheckReport> Reports(CheckReport::Kind inKind) const;
 
     void Clear();

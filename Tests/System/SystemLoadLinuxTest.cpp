@@ -43,7 +43,7 @@ long PercentBetween(const std::string& inFirst, const std::string& inSecond)
     return percent;
 }
 
-// A machine with many processors: the first line is the sum of the others.
+// Returns the file of a machine with many processors: the first line is the sum of the others.
 std::string Machine(unsigned long inProcessors, unsigned long inBusy, unsigned long inIdle)
 {
     std::ostringstream text;

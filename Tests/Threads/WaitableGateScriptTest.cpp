@@ -20,7 +20,7 @@ using Limits = std::vector<int>;
 class WaitableGateScript : public testing::Test
 {
 protected:
-    // A spurious wake-up, inMilliseconds after the sleep began.
+    // Returns a spurious wake-up that occurs inMilliseconds after the sleep began.
     Script::SleepAction SpuriousAfter(long inMilliseconds)
     {
         return [this, inMilliseconds] {

@@ -74,7 +74,7 @@ int OpenFolderHere(int inFolder, const char* inName)
 class DeepTrees : public DirectoryTreesOnLinux
 {
 protected:
-    // In memory if the machine has /dev/shm: some volumes are slow at each level of a deep tree.
+    // Creates the trees in memory if the machine has /dev/shm: some volumes are slow at each level of a deep tree.
     DeepTrees() : DirectoryTreesOnLinux(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : fs::temp_directory_path())
     {
         mFolder.MakeFolder("from");

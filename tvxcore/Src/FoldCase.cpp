@@ -34,7 +34,7 @@ struct FoldingExpansion
 // The scripts with most of the cased letters are below this: Latin, Greek, Cyrillic, Armenian.
 constexpr std::uint32_t kDirectEnd = 0x0600;
 
-// Direct table of their foldings; 0 marks an expansion.
+// Builds a direct table of their foldings; 0 marks an expansion.
 constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
 {
     std::array<unsigned short, kDirectEnd> table{};

@@ -18,8 +18,8 @@ void RunThread(void* inCore)
     (*core)->RunThread();
 }
 
-// One thread for each processor, but at least two: a queue that was created as multi-threaded must not deadlock when
-// one task waits for another.
+// Chooses one thread for each processor, but at least two: a queue that was created as multi-threaded must not deadlock
+// when one task waits for another.
 unsigned int ChooseThreadCount(int inThreadCount)
 {
     return inThreadCount > 0 ? static_cast<unsigned int>(inThreadCount)

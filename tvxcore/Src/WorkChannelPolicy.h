@@ -67,7 +67,7 @@ struct SystemPolicy
     static void WakeOne(Atomic<std::uint32_t>& ioWord) { Platform::WakeOneOnWord_Impl(ioWord); }
     static void WakeAll(Atomic<std::uint32_t>& ioWord) { Platform::WakeAllOnWord_Impl(ioWord); }
 
-    /// One iteration of a spin.
+    /// Executes one iteration of a spin.
     static void Pause() { __builtin_ia32_pause(); }
 };
 

@@ -88,7 +88,7 @@ private:
                    : failure;
     }
 
-    // The name exists already, or the file system cannot rename without replacing.
+    // Called if the name exists already, or if the file system cannot rename without replacing.
     int MoveOver(const char* inName)
     {
         struct statx from;

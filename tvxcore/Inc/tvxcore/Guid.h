@@ -15,7 +15,7 @@ namespace utility {
 class Guid
 {
 public:
-    /// All bits zero.
+    /// Constructs an identifier whose bits are all zero.
     constexpr Guid() noexcept = default;
 
     /// Constructs from the two words of its memory.
@@ -53,7 +53,8 @@ public:
 
     friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept { return !(inLeft == inRight); }
 
-    /// A strict total order, by the first word, then the second. It differs from the order of the texts.
+    /// Orders by the first word, then the second. The order is strict and total, and differs from the order of the
+    /// texts.
     friend constexpr bool operator<(const Guid& inLeft, const Guid& inRight) noexcept
     {
         return inLeft.mWords[0] != inRight.mWords[0] ? inLeft.mWords[0] < inRight.mWords[0]

@@ -15,14 +15,14 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Number of blocks that move between a thread's stack and a store at once: 32 KiB worth. It balances lock operations
-/// per block against memory held by idle threads.
+/// Returns the number of blocks that move between a thread's stack and a store at once: 32 KiB worth. It balances lock
+/// operations per block against memory held by idle threads.
 constexpr std::size_t BatchSize(std::size_t inClass) noexcept
 {
     return std::clamp<std::size_t>(32 * 1024 / kClassSizes[inClass], 4, 256);
 }
 
-/// Capacity of a store in blocks: 1 MiB worth.
+/// Returns the capacity of a store in blocks: 1 MiB worth.
 constexpr std::size_t StoreSize(std::size_t inClass) noexcept
 {
     return std::clamp<std::size_t>(1024 * 1024 / kClassSizes[inClass], 2 * BatchSize(inClass), 2048);

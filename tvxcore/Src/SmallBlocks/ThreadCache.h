@@ -13,14 +13,14 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Capacity of a stack in blocks: two batches.
+/// Returns the capacity of a stack in blocks: two batches.
 constexpr std::size_t StackSize(std::size_t inClass) noexcept
 {
     return 2 * BatchSize(inClass);
 }
 
-/// Slots of a class's stack, including the null below it, rounded up to an odd number of cache lines. Otherwise stacks
-/// of one size would be a power of two apart and compete for the same cache sets.
+/// Returns the number of slots of a class's stack, including the null below it, rounded up to an odd number of cache
+/// lines. Otherwise stacks of one size would be a power of two apart and compete for the same cache sets.
 constexpr std::size_t SlotsOfClass(std::size_t inClass) noexcept
 {
     const std::size_t lines = (1 + StackSize(inClass) + 7) / 8;

@@ -18,7 +18,7 @@ inline constexpr long long kTicksPerSecond = 705600000;
 class FrameRate
 {
 public:
-    /// Zero frames per second.
+    /// Constructs a rate of zero frames per second.
     constexpr FrameRate() noexcept = default;
 
     /// Constructs from frames per second. Rounds the tick count, computed in double precision, to nearest, ties away

@@ -18,7 +18,7 @@ namespace tvxmediatypes {
 class TickTime
 {
 public:
-    /// Zero.
+    /// Constructs the time zero.
     constexpr TickTime() noexcept = default;
 
     /// Constructs from seconds, rounded to the nearest tick, ties away from zero. Times out of range become kTime_Max
