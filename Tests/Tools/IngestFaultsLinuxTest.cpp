@@ -235,7 +235,7 @@ TEST_P(IngestFaults, EachCallOfTheTool_NothingHalfAndASecondRunCompletes)
     }
 }
 
-// Syncs of two files and of their two folders; the manifest's come later.
+// The first syncs are those of two files and of their two folders; those of the manifest come later.
 TEST_P(IngestFaults, AFlushThatFails_AcknowledgesNothing)
 {
     for (unsigned number = 1; number <= 4; ++number) {

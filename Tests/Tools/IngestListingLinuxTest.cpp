@@ -183,7 +183,7 @@ TEST_F(IngestListing, ALinkThatCannotBeListed_IsTold)
         << listing.mTroubles[0].mText;
 }
 
-// A path longer than the 4095 bytes that one system call accepts.
+// Lists a path that is longer than the 4095 bytes that one system call accepts.
 TEST_F(IngestListing, APathLongerThanTheSystemTakes_IsBroughtIn)
 {
     const std::string name(250, 'n');

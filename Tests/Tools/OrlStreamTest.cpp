@@ -23,7 +23,7 @@ ProcessResult Orl(const std::vector<std::string>& inArguments)
     return RunBesideThisProgram("orl", inArguments);
 }
 
-// The checksum computed bit by bit, independent of the tool's library.
+// Computes the checksum bit by bit, independent of the tool's library.
 std::string CRC(const std::string& inBytes)
 {
     std::uint32_t crc = 0xFFFFFFFFu;

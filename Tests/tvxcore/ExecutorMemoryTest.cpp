@@ -1,4 +1,4 @@
-// Executors and repeated functions when memory runs out.
+// Tests executors and repeated functions when memory runs out.
 #include <AllocationFaults.h>
 #include <CoreClock.h>
 #include <Signals.h>

@@ -100,7 +100,7 @@ namespace Platform {
 NumberPunctuation FindUserPunctuation_Impl()
 {
     NumberPunctuation punctuation;
-    // The same order as in the C library.
+    // Uses the variables in the same order as the C library.
     if (FindNumberPunctuation(FirstThatIsSet({"LC_ALL", "LC_NUMERIC", "LANG"}), punctuation)) {
         return punctuation;
     }
