@@ -145,7 +145,7 @@ struct IdentifierAt
 {
 };
 
-// Returns whether the classes name the same constant: one of them inherits it.
+// Returns whether both classes refer to the same constant, because one of them inherits it.
 template <class First, class Second>
 constexpr bool ShareIdentifier()
 {

@@ -27,8 +27,8 @@ inline Handle InvalidHandle()
     return reinterpret_cast<Handle>(static_cast<std::intptr_t>(-1));
 }
 
-/// The system's state of one read in flight, in the layout of Windows. The caller passes it zeroed except for the
-/// position; the system owns the system words until the read has completed.
+/// The system's state of one read in flight, in the layout of Windows. The caller sets the position and zeroes
+/// everything else; the system uses its words until the read has completed.
 struct Overlapped
 {
     std::uintptr_t mSystemWord1;
