@@ -128,10 +128,11 @@ private:
     template <class T>
     using Guarded = typename Policy::template Guarded<T>;
 
-    mutable typename Policy::Lock mLock;                    // guards all of the below
-    Guarded<typename Policy::Gate*> mDrainedGate{nullptr};  // borrowed from the pool while there are waiters
-    Guarded<std::uint32_t> mWaiterCount{0};                 // number of waiters
-    Guarded<Requests> mBusyList;                            // ordered by address
+    mutable typename Policy::Lock mLock;
+    // Borrowed from the pool while there are waiters.
+    Guarded<typename Policy::Gate*> mDrainedGate TVXCORE_GUARDED_BY(mLock){nullptr};
+    Guarded<std::uint32_t> mWaiterCount TVXCORE_GUARDED_BY(mLock){0};
+    Guarded<Requests> mBusyList TVXCORE_GUARDED_BY(mLock); // ordered by address
 };
 
 } // namespace ORL

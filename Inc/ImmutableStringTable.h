@@ -117,15 +117,15 @@ private:
     Record* Find(const Key& inKey) const;
     Record* FindFrom(std::size_t inAt, const Key& inKey) const;
     static Record* RecordAt(const Place& inPlace, const Key& inKey);
-    Record* Add(const Key& inKey, bool inIsStatic);
-    void MakeRoomInIndex();
+    Record* Add(const Key& inKey, bool inIsStatic) TVXCORE_REQUIRES(mGuard);
+    void MakeRoomInIndex() TVXCORE_REQUIRES(mGuard);
     static void AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey);
-    bool RemoveUnused(bool inStaticToo);
-    void RebuildIndex();
+    bool RemoveUnused(bool inStaticToo) TVXCORE_REQUIRES(mGuard);
+    void RebuildIndex() TVXCORE_REQUIRES(mGuard);
 
-    const CriticalSection& mGuard; // guards all of the below
-    Records mRecords;
-    Places mIndex; // visitors may read its slots
+    const CriticalSection& mGuard;
+    Records mRecords TVXCORE_GUARDED_BY(mGuard);
+    Places mIndex; // changed under the guard; visits may read its slots
     SharedVisits mVisits;
 };
 

@@ -72,8 +72,9 @@ public:
         }
     }
 
-    /// Destroys the idle gates, unless another thread uses the pool. The pool stays usable.
-    void TryDestroyIdleGates()
+    /// Destroys the idle gates, unless another thread uses the pool. The pool stays usable. Unchecked: clang does not
+    /// follow an attempt to lock.
+    void TryDestroyIdleGates() TVXCORE_UNCHECKED_LOCKING
     {
         const typename Policy::TryLockScope lock(mLock);
         if (!lock.IsLocked()) {
@@ -123,8 +124,9 @@ private:
         }
     }
 
-    mutable typename Policy::Lock mLock;             // guards mGates; only a gate's mutex is locked under it
-    typename Policy::template Guarded<Gates> mGates; // a stack of closed gates that the pool owns
+    mutable typename Policy::Lock mLock; // only a gate's mutex is locked under it
+    // A stack of closed gates that the pool owns.
+    typename Policy::template Guarded<Gates> mGates TVXCORE_GUARDED_BY(mLock);
     const std::size_t mMaxIdleGates;
 };
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <ORLPlatformLock.h>
+#include <tvxcore/ThreadSafety.h>
 
 namespace ORL {
 
@@ -16,7 +17,7 @@ namespace ORL {
 /// Owner:    the creator. Destroying a locked section is undefined behaviour.
 /// Threads:  thread-safe. Unlock on a thread that does not own the section is undefined behaviour.
 /// Failure:  no operation throws or returns an error.
-class CriticalSection
+class TVXCORE_LOCK CriticalSection
 {
 public:
     // A const object of this class needs a user-provided default constructor.
@@ -24,11 +25,11 @@ public:
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
-    void Lock() const { mLock.Lock(); }
-    void Unlock() const { mLock.Unlock(); }
+    void Lock() const TVXCORE_ACQUIRES() { mLock.Lock(); }
+    void Unlock() const TVXCORE_RELEASES() { mLock.Unlock(); }
 
     /// Locks the section if that is possible without waiting. Returns whether it did; the caller must then call Unlock.
-    bool TryLock() const { return mLock.TryLock(); }
+    bool TryLock() const TVXCORE_TRIES_TO_ACQUIRE(true) { return mLock.TryLock(); }
 
 private:
     mutable Internal::PlatformLock mLock;
@@ -36,15 +37,21 @@ private:
 };
 
 /// Locks a section from construction to destruction. The section must outlive it. Belongs to one thread. Never throws.
-class CriticalSectionLock
+class TVXCORE_SCOPED_LOCK CriticalSectionLock
 {
 public:
-    explicit CriticalSectionLock(const CriticalSection& inSection) : mSection(&inSection) { mSection->Lock(); }
+    explicit CriticalSectionLock(const CriticalSection& inSection) TVXCORE_ACQUIRES(inSection) : mSection(&inSection)
+    {
+        mSection->Lock();
+    }
 
     /// The same. The text only documents the call.
-    CriticalSectionLock(const CriticalSection& inSection, const char*) : CriticalSectionLock(inSection) {}
+    CriticalSectionLock(const CriticalSection& inSection, const char*) TVXCORE_ACQUIRES(inSection)
+        : CriticalSectionLock(inSection)
+    {
+    }
 
-    ~CriticalSectionLock() { mSection->Unlock(); }
+    ~CriticalSectionLock() TVXCORE_RELEASES() { mSection->Unlock(); }
 
     CriticalSectionLock(const CriticalSectionLock&) = delete;
     CriticalSectionLock& operator=(const CriticalSectionLock&) = delete;

@@ -92,17 +92,17 @@ private:
 
     bool TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted);
     bool AddToPool(const MemoryBuffer& inBuffer, Pool& outEvicted);
-    void AddAtFront(const MemoryBuffer& inBuffer);
-    void Remove(Pool::iterator inAt);
-    void EvictUntilFits(std::size_t inExtra, Pool& outEvicted);
+    void AddAtFront(const MemoryBuffer& inBuffer) TVXCORE_REQUIRES(mLock);
+    void Remove(Pool::iterator inAt) TVXCORE_REQUIRES(mLock);
+    void EvictUntilFits(std::size_t inExtra, Pool& outEvicted) TVXCORE_REQUIRES(mLock);
     void ReconcileSize();
     static void ReleaseAll(Pool& ioBuffers);
 
-    Pool mPool; // the most recently returned first
-    std::size_t mCurrentSize;
-    std::size_t mMaxSize;
-    CriticalSection mLock; // guards all of the above and mSpareNodes
-    Pool mSpareNodes;      // empty list nodes: reusing one saves an allocation
+    Pool mPool TVXCORE_GUARDED_BY(mLock); // the most recently returned first
+    std::size_t mCurrentSize TVXCORE_GUARDED_BY(mLock);
+    std::size_t mMaxSize TVXCORE_GUARDED_BY(mLock);
+    CriticalSection mLock;
+    Pool mSpareNodes TVXCORE_GUARDED_BY(mLock); // empty list nodes: reusing one saves an allocation
 };
 
 /// A buffer of the pool, for a scope. The library must be started.

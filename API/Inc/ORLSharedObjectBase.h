@@ -26,8 +26,8 @@ public:
         /// inLock must outlive the tag.
         explicit TagBase(CriticalSection& inLock) : mLock(&inLock) {}
 
-        void Lock() const { mLock->Lock(); }
-        void Unlock() const { mLock->Unlock(); }
+        void Lock() const TVXCORE_ACQUIRES(*mLock) { mLock->Lock(); }
+        void Unlock() const TVXCORE_RELEASES(*mLock) { mLock->Unlock(); }
         CriticalSection& GetCriticalSection() const { return *mLock; }
 
     private:

@@ -63,7 +63,7 @@ SystemError DriveTable::MountDrive(char inLetter, const std::string& inFolder)
     if (!IsDriveLetter(static_cast<unsigned char>(inLetter))) {
         return kErrorInvalidParameter;
     }
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     std::string& folder = mDrives[IndexOf(static_cast<unsigned char>(inLetter))];
     if (!folder.empty()) {
         return kErrorAlreadyExists;
@@ -77,7 +77,7 @@ SystemError DriveTable::UnmountDrive(char inLetter)
     if (!IsDriveLetter(static_cast<unsigned char>(inLetter))) {
         return kErrorInvalidParameter;
     }
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     std::string& folder = mDrives[IndexOf(static_cast<unsigned char>(inLetter))];
     if (folder.empty()) {
         return kErrorPathNotFound;
@@ -94,7 +94,7 @@ std::vector<DriveTable::Share>::const_iterator DriveTable::Find(const UTF16Strin
 
 SystemError DriveTable::MountShare(const UTF16String& inShare, const std::string& inFolder)
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     if (Find(inShare) != mShares.end()) {
         return kErrorAlreadyExists;
     }
@@ -104,7 +104,7 @@ SystemError DriveTable::MountShare(const UTF16String& inShare, const std::string
 
 SystemError DriveTable::UnmountShare(const UTF16String& inShare)
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     const auto found = Find(inShare);
     if (found == mShares.end()) {
         return kErrorPathNotFound;
@@ -115,7 +115,7 @@ SystemError DriveTable::UnmountShare(const UTF16String& inShare)
 
 bool DriveTable::FindDrive(unsigned short inLetter, std::string& outFolder) const
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     const std::string& folder = mDrives[IndexOf(inLetter)];
     if (folder.empty()) {
         return false;
@@ -126,7 +126,7 @@ bool DriveTable::FindDrive(unsigned short inLetter, std::string& outFolder) cons
 
 bool DriveTable::FindShare(const UTF16String& inShare, std::string& outFolder) const
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     const auto found = Find(inShare);
     if (found == mShares.end()) {
         return false;
@@ -137,7 +137,7 @@ bool DriveTable::FindShare(const UTF16String& inShare, std::string& outFolder) c
 
 bool DriveTable::FindFolderAbove(const std::string& inHostPath, UTF16String& outRoot, std::string& outRest) const
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     std::size_t longest = 0;
     const auto consider = [&](const std::string& inFolder) {
         const bool isLonger = inFolder.size() > longest && Holds(inFolder, inHostPath);
@@ -160,7 +160,7 @@ bool DriveTable::FindFolderAbove(const std::string& inHostPath, UTF16String& out
 
 std::vector<PathUtils::MountPoint> DriveTable::List() const
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     std::vector<PathUtils::MountPoint> list;
     for (std::size_t i = 0; i < mDrives.size(); ++i) {
         if (!mDrives[i].empty()) {

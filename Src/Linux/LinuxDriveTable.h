@@ -5,9 +5,9 @@
 #include <Platform/SystemErrors.h>
 #include <tvxcore/String.h>
 
+#include <Mutex.h>
 #include <ORLHostPath.h>
 #include <array>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,11 +42,11 @@ public:
 
 private:
     using Share = std::pair<UTF16String, std::string>;
-    std::vector<Share>::const_iterator Find(const UTF16String& inShare) const;
+    std::vector<Share>::const_iterator Find(const UTF16String& inShare) const TVXCORE_REQUIRES(mMutex);
 
-    mutable std::mutex mMutex;
-    std::array<std::string, 26> mDrives; // empty: not mounted
-    std::vector<Share> mShares;
+    mutable Mutex mMutex;
+    std::array<std::string, 26> mDrives TVXCORE_GUARDED_BY(mMutex); // empty: not mounted
+    std::vector<Share> mShares TVXCORE_GUARDED_BY(mMutex);
 };
 
 /// Returns the process's table.

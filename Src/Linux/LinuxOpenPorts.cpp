@@ -2,7 +2,7 @@
 
 #include <Immortal.h>
 
-#include <mutex>
+#include <Mutex.h>
 #include <utility>
 
 namespace ORL {
@@ -22,16 +22,16 @@ struct OpenPort
 // A process has one port; only tests have a few.
 struct PortList
 {
-    std::mutex mMutex; // a leaf lock
-    std::unique_ptr<OpenPort> mFirst;
-    std::uintptr_t mLastNumber = 0; // counts all ports ever opened, so that no handle is reused
+    Mutex mMutex; // a leaf lock
+    std::unique_ptr<OpenPort> mFirst TVXCORE_GUARDED_BY(mMutex);
+    std::uintptr_t mLastNumber TVXCORE_GUARDED_BY(mMutex) = 0; // counts all ports ever opened, so that no handle is reused
 };
 
 // A thread that was never joined may still use the ports at process exit.
 Immortal<PortList> sPorts;
 
-// Returns the link that owns the port, or the null link at the end of the list. The caller must hold the lock.
-std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle)
+// Returns the link that owns the port, or the null link at the end of the list.
+std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle) TVXCORE_REQUIRES(sPorts.mValue.mMutex)
 {
     std::unique_ptr<OpenPort>* place = &sPorts.mValue.mFirst;
     while (*place != nullptr && (*place)->mHandle != inHandle) {
@@ -44,7 +44,7 @@ std::unique_ptr<OpenPort>& PlaceOf(Handle inHandle)
 
 Handle OpenPorts::Add(const std::shared_ptr<CompletionPort>& inPort)
 {
-    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    const MutexLock lock(sPorts.mValue.mMutex);
     const Handle handle = reinterpret_cast<Handle>(++sPorts.mValue.mLastNumber);
     PlaceOf(handle).reset(new OpenPort{handle, inPort, nullptr});
     return handle;
@@ -52,14 +52,14 @@ Handle OpenPorts::Add(const std::shared_ptr<CompletionPort>& inPort)
 
 std::shared_ptr<CompletionPort> OpenPorts::Find(Handle inHandle)
 {
-    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    const MutexLock lock(sPorts.mValue.mMutex);
     const std::unique_ptr<OpenPort>& place = PlaceOf(inHandle);
     return place != nullptr ? place->mPort : nullptr;
 }
 
 std::shared_ptr<CompletionPort> OpenPorts::Remove(Handle inHandle)
 {
-    const std::lock_guard<std::mutex> lock(sPorts.mValue.mMutex);
+    const MutexLock lock(sPorts.mValue.mMutex);
     std::unique_ptr<OpenPort>& place = PlaceOf(inHandle);
     if (place == nullptr) {
         return nullptr;

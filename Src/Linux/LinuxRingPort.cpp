@@ -6,7 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <liburing.h>
-#include <mutex>
+#include <Mutex.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 
@@ -97,7 +97,7 @@ public:
 
     SystemError Start(const ReadOrder& inOrder) override
     {
-        const std::lock_guard<std::mutex> lock(mSubmitting);
+        const MutexLock lock(mSubmitting);
         io_uring_sqe* const entry = TakeEntry();
         if (entry == nullptr) {
             return SystemErrors::kErrorBusy;
@@ -111,7 +111,7 @@ public:
 
     std::size_t Submit(SystemError& outError) override
     {
-        const std::lock_guard<std::mutex> lock(mSubmitting);
+        const MutexLock lock(mSubmitting);
         const int error = Submit();
         outError = SystemErrorFromErrno(error);
         return error == 0 ? 0 : Withdraw([](void* inData) { return inData != nullptr && inData != &sAlarm; });
@@ -119,7 +119,7 @@ public:
 
     bool PostEmptyPacket() override
     {
-        const std::lock_guard<std::mutex> lock(mSubmitting);
+        const MutexLock lock(mSubmitting);
         io_uring_sqe* const entry = TakeEntry();
         if (entry == nullptr) {
             return false;
@@ -174,7 +174,7 @@ private:
     }
 
     // Returns null if the queue is full of entries that the kernel refuses.
-    io_uring_sqe* TakeEntry()
+    io_uring_sqe* TakeEntry() TVXCORE_REQUIRES(mSubmitting)
     {
         io_uring_sqe* const entry = ::io_uring_get_sqe(&mRing);
         return entry != nullptr || Submit() != 0 ? entry : ::io_uring_get_sqe(&mRing);
@@ -183,7 +183,7 @@ private:
     // If the alarm cannot be set, the only loss is that a close without a packet cannot wake the waiting thread.
     void SetAlarm()
     {
-        const std::lock_guard<std::mutex> lock(mSubmitting);
+        const MutexLock lock(mSubmitting);
         io_uring_sqe* const entry = mAlarm >= 0 ? ::io_uring_get_sqe(&mRing) : nullptr;
         if (entry == nullptr) {
             return;
@@ -196,9 +196,8 @@ private:
         }
     }
 
-    // Submits the queued entries. Returns 0, or the errno with which the kernel refused the rest. The caller must hold
-    // the lock.
-    int Submit()
+    // Submits the queued entries. Returns 0, or the errno with which the kernel refused the rest.
+    int Submit() TVXCORE_REQUIRES(mSubmitting)
     {
         Retries retries;
         for (;;) {
@@ -216,7 +215,7 @@ private:
     // Withdraws the entries that inIsWanted selects. An entry that the kernel refused cannot be removed, so it becomes
     // a no-op, which is submitted with a later entry. Returns the number of withdrawn entries.
     template <class Wanted>
-    std::size_t Withdraw(const Wanted& inIsWanted)
+    std::size_t Withdraw(const Wanted& inIsWanted) TVXCORE_REQUIRES(mSubmitting)
     {
         std::size_t count = 0;
         for (unsigned i = __atomic_load_n(mRing.sq.khead, __ATOMIC_ACQUIRE); i != mRing.sq.sqe_tail; ++i) {
@@ -235,7 +234,7 @@ private:
     bool mIsOpen = false;
     int mAlarm = -1;
     std::atomic<bool> mIsClosed{false};
-    std::mutex mSubmitting; // guards the submission side of the ring; only one thread gets completions
+    Mutex mSubmitting; // held while the submission side of the ring is used; only one thread gets completions
 };
 
 } // namespace

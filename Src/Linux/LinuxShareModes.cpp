@@ -13,10 +13,11 @@ namespace Linux {
 // Holders of the files that hash to this bucket. Never destroyed: files may be closed after static destruction.
 struct ShareBucket
 {
-    std::mutex mMutex;
-    ShareHolder* mFirst = nullptr;
+    Mutex mMutex;
+    ShareHolder* mFirst TVXCORE_GUARDED_BY(mMutex) = nullptr;
 
     bool HasConflict(const FileIdentity& inFile, unsigned inUses, unsigned inShares) const noexcept
+        TVXCORE_REQUIRES(mMutex)
     {
         for (const ShareHolder* holder = mFirst; holder != nullptr; holder = holder->mNext) {
             const bool collides = (holder->mUses & ~inShares) != 0 || (inUses & ~holder->mShares) != 0;
@@ -27,7 +28,7 @@ struct ShareBucket
         return false;
     }
 
-    void Add(ShareHolder& ioHolder) noexcept
+    void Add(ShareHolder& ioHolder) noexcept TVXCORE_REQUIRES(mMutex)
     {
         ioHolder.mNext = mFirst;
         ioHolder.mPrevious = nullptr;
@@ -37,7 +38,7 @@ struct ShareBucket
         mFirst = &ioHolder;
     }
 
-    void Remove(ShareHolder& ioHolder) noexcept
+    void Remove(ShareHolder& ioHolder) noexcept TVXCORE_REQUIRES(mMutex)
     {
         (ioHolder.mPrevious != nullptr ? ioHolder.mPrevious->mNext : mFirst) = ioHolder.mNext;
         if (ioHolder.mNext != nullptr) {
@@ -245,7 +246,7 @@ SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, uns
         return kNoError;
     }
     ShareBucket& bucket = BucketOf(inFile);
-    const std::lock_guard<std::mutex> lock(bucket.mMutex);
+    const MutexLock lock(bucket.mMutex);
     if (bucket.HasConflict(inFile, inUses, inShares)) {
         return kErrorSharingViolation;
     }
@@ -270,7 +271,7 @@ int ShareHolder::Release(int inDescriptor) noexcept
         return CloseDescriptor(inDescriptor);
     }
     ShareBucket& bucket = BucketOf(mFile);
-    const std::lock_guard<std::mutex> lock(bucket.mMutex);
+    const MutexLock lock(bucket.mMutex);
     // Closing does not release the locks while a process just forked by the host still has a copy of the descriptor.
     if (inDescriptor >= 0 && mHasLocks) {
         Drop(inDescriptor);

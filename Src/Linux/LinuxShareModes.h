@@ -17,8 +17,8 @@
 
 #include <Platform/SystemErrors.h>
 
+#include <Mutex.h>
 #include <cstdint>
-#include <mutex>
 #include <sys/types.h>
 
 namespace ORL {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <condition_variable>
-#include <mutex>
+#include <Mutex.h>
 #include <vector>
 
 namespace ORL {
@@ -71,7 +71,7 @@ public:
     ~ThreadPort() override
     {
         {
-            const std::lock_guard<std::mutex> lock(mMutex);
+            const MutexLock lock(mMutex);
             mIsEnding = true;
             mOrders.Clear();
         }
@@ -85,7 +85,7 @@ public:
     void Close() override
     {
         {
-            const std::lock_guard<std::mutex> lock(mMutex);
+            const MutexLock lock(mMutex);
             mIsClosed = true;
         }
         mReadEnded.notify_all();
@@ -93,7 +93,7 @@ public:
 
     SystemError Start(const ReadOrder& inOrder) override
     {
-        const std::lock_guard<std::mutex> lock(mMutex);
+        const MutexLock lock(mMutex);
         if (!mOrders.Push(inOrder)) {
             return SystemErrors::kErrorBusy;
         }
@@ -118,13 +118,10 @@ public:
     bool Get(Completion& outCompletion) override
     {
         outCompletion = Completion{};
-        std::unique_lock<std::mutex> lock(mMutex);
-        mReadEnded.wait(lock, [this] { return mIsClosed || !mFinished.IsEmpty(); });
-        if (mIsClosed) {
+        Finished finished{};
+        if (!TakeFinished(finished)) {
             return false;
         }
-        const Finished finished = mFinished.Pop();
-        lock.unlock();
         const ReadOrder& order = finished.mOrder;
         return order.mFile == nullptr
                || CompleteRead(*order.mFile, *order.mOverlapped, finished.mReturned, outCompletion);
@@ -133,8 +130,7 @@ public:
     const char* Describe() const override { return mDescription; }
 
 private:
-    // The caller must hold the lock.
-    SystemError AddThread()
+    SystemError AddThread() TVXCORE_REQUIRES(mMutex)
     {
         if (mThreads.size() == kThreads) {
             return SystemErrors::kNoError;
@@ -159,9 +155,11 @@ private:
 
     bool TakeOrder(ReadOrder& outOrder)
     {
-        std::unique_lock<std::mutex> lock(mMutex);
+        MutexLock lock(mMutex);
         ++mIdle;
-        mOrderCame.wait(lock, [this] { return mIsEnding || !mOrders.IsEmpty(); });
+        while (!mIsEnding && mOrders.IsEmpty()) {
+            mOrderCame.wait(lock.Lock());
+        }
         --mIdle;
         if (mIsEnding) {
             return false;
@@ -170,11 +168,25 @@ private:
         return true;
     }
 
+    // Waits for a read. Returns false if the port is closed.
+    bool TakeFinished(Finished& outFinished)
+    {
+        MutexLock lock(mMutex);
+        while (!mIsClosed && mFinished.IsEmpty()) {
+            mReadEnded.wait(lock.Lock());
+        }
+        if (mIsClosed) {
+            return false;
+        }
+        outFinished = mFinished.Pop();
+        return true;
+    }
+
     bool Report(const Finished& inFinished)
     {
         bool hasRoom = false;
         {
-            const std::lock_guard<std::mutex> lock(mMutex);
+            const MutexLock lock(mMutex);
             hasRoom = mFinished.Push(inFinished);
         }
         mReadEnded.notify_one();
@@ -182,15 +194,15 @@ private:
     }
 
     const char* const mDescription;
-    std::mutex mMutex; // guards all members below, except while the threads are joined
+    Mutex mMutex;
     std::condition_variable mOrderCame;
     std::condition_variable mReadEnded;
-    FixedQueue<ReadOrder> mOrders;
-    FixedQueue<Finished> mFinished;
-    std::vector<Handle> mThreads;
-    std::size_t mIdle = 0;
-    bool mIsEnding = false;
-    bool mIsClosed = false;
+    FixedQueue<ReadOrder> mOrders TVXCORE_GUARDED_BY(mMutex);
+    FixedQueue<Finished> mFinished TVXCORE_GUARDED_BY(mMutex);
+    std::vector<Handle> mThreads TVXCORE_GUARDED_BY(mMutex); // the destructor joins them without the lock
+    std::size_t mIdle TVXCORE_GUARDED_BY(mMutex) = 0;
+    bool mIsEnding TVXCORE_GUARDED_BY(mMutex) = false;
+    bool mIsClosed TVXCORE_GUARDED_BY(mMutex) = false;
 };
 
 const char* DescriptionFor(int inRefusal)

@@ -62,8 +62,7 @@ inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)
     ioBuffers.clear();
 }
 
-// Moves the oldest buffers to outEvicted until the rest plus inExtra bytes fit the limit. The caller must hold the
-// lock.
+// Moves the oldest buffers to outEvicted until the rest plus inExtra bytes fit the limit.
 inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted)
 {
     const std::size_t allowed = inExtra < mMaxSize ? mMaxSize - inExtra : 0;
@@ -73,7 +72,6 @@ inline void MemoryRecycler::EvictUntilFits(std::size_t inExtra, Pool& outEvicted
     }
 }
 
-// The caller must hold the lock.
 inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
 {
     if (mSpareNodes.empty()) {
@@ -84,7 +82,6 @@ inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
     mPool.splice(mPool.begin(), mSpareNodes, mSpareNodes.begin());
 }
 
-// The caller must hold the lock.
 inline void MemoryRecycler::Remove(Pool::iterator inAt)
 {
     if (mSpareNodes.size() < kMostSpareNodes) {

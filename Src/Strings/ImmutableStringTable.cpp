@@ -181,7 +181,8 @@ bool ImmutableStringTable::Purge()
     return RemoveUnused(false);
 }
 
-void ImmutableStringTable::FreeWhatNobodyHolds()
+// Unchecked: clang does not follow an attempt to lock.
+void ImmutableStringTable::FreeWhatNobodyHolds() TVXCORE_UNCHECKED_LOCKING
 {
     const CriticalSectionTryLock lock(mGuard);
     if (!lock.IsLocked()) {

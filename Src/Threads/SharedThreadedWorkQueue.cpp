@@ -64,9 +64,9 @@ void StopAll(QueueMap& ioQueues)
 
 struct ORL_LOCAL SharedThreadedWorkQueue::PrivateImpl : public Impl
 {
-    CriticalSection mLock; // guards both maps
-    QueueMap mMultiThreadedQueues;
-    QueueMap mSingleThreadedQueues;
+    CriticalSection mLock;
+    QueueMap mMultiThreadedQueues TVXCORE_GUARDED_BY(mLock);
+    QueueMap mSingleThreadedQueues TVXCORE_GUARDED_BY(mLock);
 };
 
 SharedThreadedWorkQueue::SharedThreadedWorkQueue() : mImpl(new PrivateImpl) {}

@@ -6,6 +6,11 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   add_test(NAME House.UpwardIncludesAreFound COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/floors_test.py"
     "${PROJECT_SOURCE_DIR}/Scripts/check_floors.py")
   set_tests_properties(House.UpwardIncludesAreFound PROPERTIES TIMEOUT 60)
+  add_test(NAME House.LockedVariablesAreAccessedUnderTheirLocks COMMAND Python3::Interpreter
+    "${PROJECT_SOURCE_DIR}/Scripts/check_thread_safety.py" "${CMAKE_BINARY_DIR}")
+  add_test(NAME House.MissingLocksAreFound COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/thread_safety_test.py"
+    "${PROJECT_SOURCE_DIR}/Scripts/check_thread_safety.py" "${PROJECT_SOURCE_DIR}/API/Inc" "${PROJECT_SOURCE_DIR}/tvxcore/Inc")
+  set_tests_properties(House.LockedVariablesAreAccessedUnderTheirLocks House.MissingLocksAreFound PROPERTIES TIMEOUT 600)
   foreach(compiler g++ clang++)
     foreach(standard c++17 c++20)
       set(name "House.HeadersCompileAlone.${compiler}.${standard}")

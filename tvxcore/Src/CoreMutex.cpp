@@ -24,7 +24,8 @@ bool MaySpin() noexcept
 
 } // namespace
 
-void CoreMutex::LockSlowly() noexcept
+// Locks the word itself, which clang does not know as a lock.
+void CoreMutex::LockSlowly() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     if (MaySpin()) {
         for (int turn = 0; turn < kSpinTurns; ++turn) {

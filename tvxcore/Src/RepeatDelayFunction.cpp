@@ -7,15 +7,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <utility>
 
 namespace tvxcore {
 namespace threads {
 
 namespace {
-
-using Lock = std::unique_lock<CoreMutex>;
 
 constexpr std::int64_t kMillisecond = 1'000'000;
 
@@ -47,30 +44,31 @@ private:
     class Running;
 
     bool QueueTurn();
+    void CallFunction() TVXCORE_REQUIRES(mMutex);
 
     AsyncExecutor& mExecutor;
     const std::int64_t mDelay;
-    CoreMutex mMutex; // guards the fields below, except mRunsEnded; locked before the timer's lock
-    boost::function<void()> mFunction;
-    bool mIsEnded = false;
-    bool mIsEndedByItself = false;
-    unsigned long mRunner = 0; // the thread that runs the function
+    CoreMutex mMutex; // locked before the timer's lock
+    boost::function<void()> mFunction TVXCORE_GUARDED_BY(mMutex);
+    bool mIsEnded TVXCORE_GUARDED_BY(mMutex) = false;
+    bool mIsEndedByItself TVXCORE_GUARDED_BY(mMutex) = false;
+    unsigned long mRunner TVXCORE_GUARDED_BY(mMutex) = 0; // the thread that runs the function
     std::atomic<std::uint32_t> mRunsEnded{0};
 };
 
-// Exists while the function runs, which may end by an exception.
-class RepeatDelayFunction::State::Running
+// Releases the lock while the function runs, which may end by an exception.
+class TVXCORE_SCOPED_LOCK RepeatDelayFunction::State::Running
 {
 public:
-    Running(State& ioState, Lock& ioLock) : mState(ioState), mLock(ioLock)
+    explicit Running(State& ioState) TVXCORE_RELEASES(ioState.mMutex) : mState(ioState)
     {
-        mState.mRunner = GetCurrentThreadID();
-        mLock.unlock();
+        ioState.mRunner = GetCurrentThreadID();
+        ioState.mMutex.unlock();
     }
 
-    ~Running()
+    ~Running() TVXCORE_RELEASES()
     {
-        mLock.lock();
+        mState.mMutex.lock();
         mState.mRunner = 0;
         ++mState.mRunsEnded;
         Platform::WakeAllOnWord_Impl(mState.mRunsEnded);
@@ -81,13 +79,12 @@ public:
 
 private:
     State& mState;
-    Lock& mLock;
 };
 
 void RepeatDelayFunction::State::BecomeDue()
 {
     if (!QueueTurn()) {
-        const Lock lock(mMutex);
+        const CoreMutexLock lock(mMutex);
         if (!mIsEnded) {
             RepeatTimer::ScheduleAgain(*this, mDelay);
         }
@@ -106,36 +103,42 @@ bool RepeatDelayFunction::State::QueueTurn()
     }
 }
 
+void RepeatDelayFunction::State::CallFunction()
+{
+    const boost::function<void()>* const function = &mFunction; // End waits for the runner before it takes the function away
+    const Running running(*this);
+    (*function)();
+}
+
 void RepeatDelayFunction::State::Run()
 {
-    boost::function<void()> finished;
-    Lock lock(mMutex);
+    boost::function<void()> finished; // destroyed after it has returned, and without the lock
+    const CoreMutexLock lock(mMutex);
     if (!mIsEnded) {
-        const Running running(*this, lock);
-        mFunction();
+        CallFunction();
     }
     if (mIsEndedByItself) {
-        finished.swap(mFunction); // destroyed after it has returned, and without the lock
+        finished.swap(mFunction);
     }
-    lock.unlock();
 }
 
 void RepeatDelayFunction::State::End()
 {
     boost::function<void()> finished;
-    Lock lock(mMutex);
-    mIsEnded = true;
-    mIsEndedByItself = mRunner == GetCurrentThreadID();
-    while (mRunner != 0 && !mIsEndedByItself && !Platform::ProcessIsEnding_Impl()) {
-        const std::uint32_t before = mRunsEnded;
-        lock.unlock();
-        Platform::WaitOnWord_Impl(mRunsEnded, before, Platform::kEndless);
-        lock.lock();
+    {
+        const CoreMutexLock lock(mMutex);
+        mIsEnded = true;
+        mIsEndedByItself = mRunner == GetCurrentThreadID();
+        while (mRunner != 0 && !mIsEndedByItself && !Platform::ProcessIsEnding_Impl()) {
+            const std::uint32_t before = mRunsEnded;
+            mMutex.unlock();
+            Platform::WaitOnWord_Impl(mRunsEnded, before, Platform::kEndless);
+            mMutex.lock();
+        }
+        if (!mIsEndedByItself) {
+            finished.swap(mFunction);
+        }
     }
-    if (!mIsEndedByItself) {
-        finished.swap(mFunction);
-    }
-    lock.unlock();
     RepeatTimer::Remove(*this);
 }
 

@@ -8,21 +8,18 @@
 #include <algorithm>
 #include <atomic>
 #include <boost/thread/exceptions.hpp>
-#include <mutex>
 
 namespace tvxcore {
 namespace threads {
 
 namespace {
 
-using UniqueLock = std::unique_lock<CoreMutex>;
-
-CoreMutex sMutex; // guards all of the below except the two words
-RepeatEntry* sFirst = nullptr;
-RepeatEntry* sCalled = nullptr; // the entry whose BecomeDue is running
-unsigned int sEntries = 0;
-Platform::ThreadHandle sThread{};
-std::uintptr_t sGeneration = 0; // of the current thread; a thread of an older generation ends
+CoreMutex sMutex;
+RepeatEntry* sFirst TVXCORE_GUARDED_BY(sMutex) = nullptr;
+RepeatEntry* sCalled TVXCORE_GUARDED_BY(sMutex) = nullptr; // the entry whose BecomeDue is running
+unsigned int sEntries TVXCORE_GUARDED_BY(sMutex) = 0;
+Platform::ThreadHandle sThread TVXCORE_GUARDED_BY(sMutex){};
+std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // of the current thread; a thread of an older generation ends
 
 std::atomic<std::uint32_t> sScheduleMoved{0}; // the timer thread waits on it
 std::atomic<std::uint32_t> sCallEnded{0};     // threads that wait for the end of a call wait on it
@@ -35,19 +32,20 @@ void WakeTimer()
     Platform::WakeOneOnWord_Impl(sScheduleMoved);
 }
 
-void EndCall()
+void EndCall() TVXCORE_REQUIRES(sMutex)
 {
     sCalled = nullptr;
     ++sCallEnded;
     Platform::WakeAllOnWord_Impl(sCallEnded);
 }
 
-void WaitForCallToEnd(UniqueLock& ioLock)
+// Unlocks while it waits.
+void WaitForCallToEnd() TVXCORE_REQUIRES(sMutex)
 {
     const std::uint32_t before = sCallEnded;
-    ioLock.unlock();
+    sMutex.unlock();
     Platform::WaitOnWord_Impl(sCallEnded, before, Platform::kEndless);
-    ioLock.lock();
+    sMutex.lock();
 }
 
 } // namespace
@@ -57,9 +55,9 @@ struct RepeatSchedule
 {
     static std::int64_t Due(const RepeatEntry& inEntry) { return inEntry.mDue; }
 
-    static bool IsAnythingDue() { return sFirst != nullptr && sFirst->mDue <= ClockNow(); }
+    static bool IsAnythingDue() TVXCORE_REQUIRES(sMutex) { return sFirst != nullptr && sFirst->mDue <= ClockNow(); }
 
-    static void Insert(RepeatEntry& ioEntry, std::int64_t inDue)
+    static void Insert(RepeatEntry& ioEntry, std::int64_t inDue) TVXCORE_REQUIRES(sMutex)
     {
         RepeatEntry** place = &sFirst;
         while (*place != nullptr && (*place)->mDue <= inDue) {
@@ -72,7 +70,7 @@ struct RepeatSchedule
         WakeTimer();
     }
 
-    static void Take(RepeatEntry& ioEntry)
+    static void Take(RepeatEntry& ioEntry) TVXCORE_REQUIRES(sMutex)
     {
         RepeatEntry** place = &sFirst;
         while (*place != &ioEntry) {
@@ -84,7 +82,7 @@ struct RepeatSchedule
 
     static bool IsScheduled(const RepeatEntry& inEntry) { return inEntry.mIsScheduled; }
 
-    static std::int64_t TimeToNext()
+    static std::int64_t TimeToNext() TVXCORE_REQUIRES(sMutex)
     {
         return sFirst == nullptr || ClockIsManual() ? Platform::kEndless
                                                     : std::max<std::int64_t>(sFirst->mDue - ClockNow(), 0);
@@ -93,14 +91,15 @@ struct RepeatSchedule
 
 namespace {
 
-void CallFirst(UniqueLock& ioLock, std::uintptr_t inGeneration)
+// Unlocks during the call.
+void CallFirst(std::uintptr_t inGeneration) TVXCORE_REQUIRES(sMutex)
 {
     sCalled = sFirst;
     RepeatSchedule::Take(*sCalled);
     RepeatEntry& entry = *sCalled;
-    ioLock.unlock();
+    sMutex.unlock();
     entry.BecomeDue();
-    ioLock.lock();
+    sMutex.lock();
     // If the entry has removed itself and was the last one, this thread has been replaced.
     if (sGeneration == inGeneration) {
         EndCall();
@@ -112,17 +111,17 @@ void RunThread(void* inGeneration)
     const auto generation = reinterpret_cast<std::uintptr_t>(inGeneration);
     tIsTimerThread = true;
     Platform::NameCurrentThread_Impl("tvxcore timer");
-    UniqueLock lock(sMutex);
+    const CoreMutexLock lock(sMutex);
     while (sGeneration == generation) {
         if (RepeatSchedule::IsAnythingDue()) {
-            CallFirst(lock, generation);
+            CallFirst(generation);
             continue;
         }
         const std::uint32_t before = sScheduleMoved;
         const std::int64_t time = RepeatSchedule::TimeToNext();
-        lock.unlock();
+        sMutex.unlock();
         Platform::WaitOnWord_Impl(sScheduleMoved, before, time);
-        lock.lock();
+        sMutex.lock();
     }
 }
 
@@ -130,7 +129,7 @@ void RunThread(void* inGeneration)
 
 void RepeatTimer::Add(Platform::ThreadStarter inStarter)
 {
-    const UniqueLock lock(sMutex);
+    const CoreMutexLock lock(sMutex);
     if (sEntries == 0 && !inStarter(&RunThread, reinterpret_cast<void*>(sGeneration), sThread)) {
         throw boost::thread_resource_error();
     }
@@ -139,13 +138,13 @@ void RepeatTimer::Add(Platform::ThreadStarter inStarter)
 
 void RepeatTimer::Schedule(RepeatEntry& ioEntry, std::int64_t inDelay)
 {
-    const UniqueLock lock(sMutex);
+    const CoreMutexLock lock(sMutex);
     RepeatSchedule::Insert(ioEntry, ClockNow() + inDelay);
 }
 
 void RepeatTimer::ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay)
 {
-    const UniqueLock lock(sMutex);
+    const CoreMutexLock lock(sMutex);
     const std::int64_t now = ClockNow();
     const std::int64_t due = RepeatSchedule::Due(ioEntry) + inDelay;
     RepeatSchedule::Insert(ioEntry, due > now ? due : now + inDelay);
@@ -156,30 +155,32 @@ void RepeatTimer::Remove(RepeatEntry& ioEntry)
     if (Platform::ProcessIsEnding_Impl()) {
         return; // the thread has been stopped
     }
-    UniqueLock lock(sMutex);
-    if (RepeatSchedule::IsScheduled(ioEntry)) {
-        RepeatSchedule::Take(ioEntry);
+    Platform::ThreadHandle thread{};
+    {
+        const CoreMutexLock lock(sMutex);
+        if (RepeatSchedule::IsScheduled(ioEntry)) {
+            RepeatSchedule::Take(ioEntry);
+        }
+        while (sCalled == &ioEntry && !tIsTimerThread) {
+            WaitForCallToEnd();
+        }
+        if (--sEntries != 0) {
+            return;
+        }
+        ++sGeneration;
+        EndCall();
+        thread = sThread;
+        WakeTimer();
     }
-    while (sCalled == &ioEntry && !tIsTimerThread) {
-        WaitForCallToEnd(lock);
-    }
-    if (--sEntries != 0) {
-        return;
-    }
-    ++sGeneration;
-    EndCall();
-    const Platform::ThreadHandle thread = sThread;
-    WakeTimer();
-    lock.unlock();
     (tIsTimerThread ? &Platform::DetachThread_Impl : &Platform::JoinThread_Impl)(thread);
 }
 
 void RepeatTimer::WaitUntilNothingIsDue()
 {
-    UniqueLock lock(sMutex);
+    const CoreMutexLock lock(sMutex);
     WakeTimer();
     while (sCalled != nullptr || RepeatSchedule::IsAnythingDue()) {
-        WaitForCallToEnd(lock);
+        WaitForCallToEnd();
     }
 }
 

@@ -7,18 +7,17 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <mutex>
 
 namespace tvxcore {
 namespace debug {
 
 namespace {
 
-threads::CoreMutex sMutex;   // held while one whole text is written
-bool sReaderIsStuck = false; // guarded by sMutex; only the first text waits for a stuck reader
+threads::CoreMutex sMutex; // held while one whole text is written
+bool sReaderIsStuck TVXCORE_GUARDED_BY(sMutex) = false; // only the first text waits for a stuck reader
 
 // Returns false if the rest was dropped.
-bool WriteAll(const char* inBytes, std::size_t inCount) noexcept
+bool WriteAll(const char* inBytes, std::size_t inCount) noexcept TVXCORE_REQUIRES(sMutex)
 {
     while (inCount != 0) {
         const std::size_t written = Platform::WriteStandardError_Impl(inBytes, inCount, sReaderIsStuck);
@@ -36,7 +35,7 @@ bool WriteAll(const char* inBytes, std::size_t inCount) noexcept
 void WriteStandardError(const char* inBytes, std::size_t inCount, const char* inEnd) noexcept
 {
     const Platform::SystemErrorKeeper keeper;
-    const std::lock_guard<threads::CoreMutex> lock(sMutex);
+    const threads::CoreMutexLock lock(sMutex);
     if (WriteAll(inBytes, inCount)) {
         WriteAll(inEnd, std::strlen(inEnd));
     }

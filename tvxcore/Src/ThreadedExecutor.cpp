@@ -65,13 +65,14 @@ void ThreadedExecutor::StartThread(Platform::ThreadStarter inStarter)
         throw boost::thread_resource_error();
     }
     static_cast<void>(core.release());
+    const CoreMutexLock lock(mThreadsMutex);
     mThreads.push_back(thread);
 }
 
 // A second caller waits here until the first one has joined the threads.
 void ThreadedExecutor::JoinThreads()
 {
-    const std::lock_guard<CoreMutex> lock(mThreadsMutex);
+    const CoreMutexLock lock(mThreadsMutex);
     std::for_each(mThreads.begin(), mThreads.end(), &Platform::JoinThread_Impl);
     mThreads.clear();
 }

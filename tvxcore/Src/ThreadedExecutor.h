@@ -39,7 +39,7 @@ private:
     const unsigned int mThreadCount;
     std::atomic<bool> mIsTerminated{false};
     CoreMutex mThreadsMutex;
-    std::vector<Platform::ThreadHandle> mThreads; // guarded by mThreadsMutex; threads not yet joined
+    std::vector<Platform::ThreadHandle> mThreads TVXCORE_GUARDED_BY(mThreadsMutex); // threads not yet joined
 };
 
 } // namespace threads

@@ -6,7 +6,6 @@
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <cstring>
-#include <mutex>
 #include <new>
 
 namespace tvxcore {
@@ -15,7 +14,7 @@ namespace debug {
 namespace {
 
 using utility::SmallBlockAllocator;
-using Lock = std::lock_guard<threads::CoreMutex>;
+using Lock = threads::CoreMutexLock;
 
 // A category with its own level. Its name follows the record in the same block.
 struct Category
@@ -30,8 +29,8 @@ struct Category
 // Constant-initialised and without destructors: sites may trace during the static construction and destruction of other
 // files.
 threads::CoreMutex sMutex;
-Category* sCategories = nullptr; // guarded by sMutex
-long sLevelOfAll = kTraceOff;    // guarded by sMutex
+Category* sCategories TVXCORE_GUARDED_BY(sMutex) = nullptr;
+long sLevelOfAll TVXCORE_GUARDED_BY(sMutex) = kTraceOff;
 std::atomic<int> sChangeCount{1};
 
 // The sink while the trace is shut down: drops texts of sites that were enabled before.
@@ -43,15 +42,14 @@ void DropText(const unsigned char*)
 // standard error after its host has redirected it. Written under sMutex, read without it.
 std::atomic<TraceSink> sSink{nullptr};
 
-// The caller must hold sMutex.
-void EndShutdown()
+void EndShutdown() TVXCORE_REQUIRES(sMutex)
 {
     if (sSink == &DropText) {
         sSink = nullptr;
     }
 }
 
-void ForgetCategories()
+void ForgetCategories() TVXCORE_REQUIRES(sMutex)
 {
     while (sCategories != nullptr) {
         Category* const category = sCategories;
@@ -73,7 +71,7 @@ struct AtUnload
     }
 } sAtUnload;
 
-Category* FindCategory(const char* inName)
+Category* FindCategory(const char* inName) TVXCORE_REQUIRES(sMutex)
 {
     Category* category = sCategories;
     while (category != nullptr && std::strcmp(category->Name(), inName) != 0) {
@@ -82,7 +80,7 @@ Category* FindCategory(const char* inName)
     return category;
 }
 
-Category* AddCategory(const char* inName)
+Category* AddCategory(const char* inName) TVXCORE_REQUIRES(sMutex)
 {
     const std::size_t nameSize = std::strlen(inName) + 1;
     const std::size_t size = sizeof(Category) + nameSize;

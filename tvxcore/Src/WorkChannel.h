@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <tvxcore/ThreadSafety.h>
 
 namespace tvxcore {
 namespace threads {
@@ -321,8 +322,7 @@ private:
         }
     }
 
-    // The caller must hold the outbox lock.
-    void EndPause()
+    void EndPause() TVXCORE_REQUIRES(mOutbox.mMutex)
     {
         if (Policy::Load(mPaused) == kPaused) {
             Policy::Store(mPaused, kRunning);
@@ -335,8 +335,8 @@ private:
     {
         typename Policy::Mutex mMutex;
         NodePointer mFirst{nullptr};
-        typename Policy::template Guarded<WorkNode*> mLast;
-        typename Policy::template Guarded<bool> mIsClosed;
+        typename Policy::template Guarded<WorkNode*> mLast TVXCORE_GUARDED_BY(mMutex);
+        typename Policy::template Guarded<bool> mIsClosed TVXCORE_GUARDED_BY(mMutex);
     };
 
     struct alignas(Policy::kLine) Outbox

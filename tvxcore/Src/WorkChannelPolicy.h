@@ -9,7 +9,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
 namespace tvxcore {
 namespace threads {
@@ -58,7 +57,7 @@ struct SystemPolicy
     }
 
     using Mutex = CoreMutex;
-    using MutexLock = std::lock_guard<CoreMutex>;
+    using MutexLock = CoreMutexLock;
 
     static void SleepOn(Atomic<std::uint32_t>& ioWord, std::uint32_t inExpected)
     {

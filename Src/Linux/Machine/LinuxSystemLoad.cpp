@@ -6,7 +6,7 @@
 #include <Immortal.h>
 
 #include <algorithm>
-#include <mutex>
+#include <Mutex.h>
 
 namespace ORL {
 namespace SystemInfo {
@@ -30,11 +30,11 @@ public:
     SystemError Percent(long& outPercent);
 
 private:
-    std::mutex mMutex; // a leaf lock
-    bool mHasCounter = false;
-    int mSampleCount = 0; // 0, 1, or 2 for two or more
-    Sample mEarlier;
-    Sample mLast;
+    Mutex mMutex; // a leaf lock
+    bool mHasCounter TVXCORE_GUARDED_BY(mMutex) = false;
+    int mSampleCount TVXCORE_GUARDED_BY(mMutex) = 0; // 0, 1, or 2 for two or more
+    Sample mEarlier TVXCORE_GUARDED_BY(mMutex);
+    Sample mLast TVXCORE_GUARDED_BY(mMutex);
 };
 
 // Parses "cpu  user nice system idle iowait irq softirq steal guest guest_nice"; old kernels have fewer fields. user
@@ -73,7 +73,7 @@ SystemError Query::Add()
 {
     Sample sample;
     const SystemError failure = ReadSample(sample);
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     mHasCounter = failure == SystemErrors::kNoError;
     return failure;
 }
@@ -81,7 +81,7 @@ SystemError Query::Add()
 // A sample within the same clock tick equals the previous one, so no time is lost between two results.
 SystemError Query::Collect()
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     if (!mHasCounter) {
         return kLoadNoData;
     }
@@ -98,14 +98,14 @@ SystemError Query::Collect()
 
 SystemError Query::Check()
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     return mSampleCount != 0 ? SystemErrors::kNoError : kLoadInvalidData;
 }
 
 // The kernel may correct idle and I/O wait times downwards, so the idle time may decrease or exceed the total.
 SystemError Query::Percent(long& outPercent)
 {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const MutexLock lock(mMutex);
     if (mSampleCount < 2 || mLast.mTotal <= mEarlier.mTotal) {
         return kLoadInvalidData;
     }

@@ -58,7 +58,7 @@ std::unique_ptr<Resources::Linux::CursorPicture> ResourceStore::ReadCursor(unsig
 
 const Resources::Linux::CursorPicture* ResourceStore::FindCursor(unsigned short inID) const
 {
-    const std::lock_guard<std::mutex> lock(mCursorsLock);
+    const ORL::MutexLock lock(mCursorsLock);
     const auto known = mCursors.find(inID);
     if (known != mCursors.end()) {
         return known->second.get();

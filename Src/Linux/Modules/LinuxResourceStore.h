@@ -8,7 +8,7 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
+#include <Mutex.h>
 
 namespace ORL {
 namespace Modules {
@@ -35,8 +35,9 @@ public:
 private:
     std::unique_ptr<Resources::Linux::CursorPicture> ReadCursor(unsigned short inID) const;
 
-    mutable std::mutex mCursorsLock; // a leaf lock
-    mutable std::map<unsigned short, std::unique_ptr<Resources::Linux::CursorPicture>> mCursors;
+    mutable Mutex mCursorsLock; // a leaf lock
+    mutable std::map<unsigned short, std::unique_ptr<Resources::Linux::CursorPicture>> mCursors
+        TVXCORE_GUARDED_BY(mCursorsLock);
 };
 
 } // namespace Modules

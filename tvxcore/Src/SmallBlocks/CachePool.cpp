@@ -21,11 +21,11 @@ constexpr std::size_t kCacheAlignment = 4096;
 
 threads::CoreMutex sSharedMutex;
 ThreadCache sShared;
-bool sSharedIsReady = false;
+bool sSharedIsReady TVXCORE_GUARDED_BY(sSharedMutex) = false;
 
 threads::CoreMutex sPoolMutex;
-List<ThreadCache> sIdle;
-enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds = kNotYet;
+List<ThreadCache> sIdle TVXCORE_GUARDED_BY(sPoolMutex);
+enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds TVXCORE_GUARDED_BY(sPoolMutex) = kNotYet;
 
 // Runs on the ending thread. Its later allocations and frees use the shared cache.
 void OnThreadEnd(CacheHead* inCache) noexcept
@@ -38,7 +38,8 @@ void OnThreadEnd(CacheHead* inCache) noexcept
     sIdle.PushFront(cache);
 }
 
-void BeforeFork()
+// The locks stay held during the fork.
+void BeforeFork() TVXCORE_UNCHECKED_LOCKING
 {
     sSharedMutex.lock();
     sPoolMutex.lock();
@@ -47,7 +48,7 @@ void BeforeFork()
     LockLedger();
 }
 
-void AfterFork()
+void AfterFork() TVXCORE_UNCHECKED_LOCKING
 {
     UnlockLedger();
     UnlockClusters();
@@ -64,8 +65,8 @@ void WatchForks() noexcept
     }
 }
 
-// The caller holds the pool's lock. If thread ends cannot be watched, a cache would leak when its thread ends.
-bool CanWatchThreadEnds() noexcept
+// If thread ends cannot be watched, a cache would leak when its thread ends.
+bool CanWatchThreadEnds() noexcept TVXCORE_REQUIRES(sPoolMutex)
 {
     if (sThreadEnds == kNotYet) {
         sThreadEnds = Platform::WatchThreadEnds_Impl(&OnThreadEnd) ? kWatching : kCannotWatch;
@@ -119,6 +120,7 @@ void UnmapCaches() noexcept
             GivePages(cache, kCachePages);
         }
     }
+    const Guard guard(sPoolMutex);
     while (ThreadCache* const cache = sIdle.PopFront()) {
         GivePages(cache, kCachePages);
     }
@@ -168,7 +170,10 @@ void ReleaseAllIfUnused() noexcept
     }
     SetCurrentCache(&sEndedThreadCache);
     UnmapCaches();
-    sSharedIsReady = false;
+    {
+        const Guard guard(sSharedMutex);
+        sSharedIsReady = false;
+    }
     ForgetStores();
     DeleteClusters();
 }

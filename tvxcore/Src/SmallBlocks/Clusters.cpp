@@ -28,11 +28,11 @@ constexpr std::size_t kHeadSize = (sizeof(Cluster) + 63) / 64 * 64;
 constexpr std::uint32_t kAllUsed = (1u << kMastersPerCluster) - 1;
 
 threads::CoreMutex sMutex;
-List<Cluster> sRoomy; // clusters with an unused master block
-List<Cluster> sFull;
+List<Cluster> sRoomy TVXCORE_GUARDED_BY(sMutex); // clusters with an unused master block
+List<Cluster> sFull TVXCORE_GUARDED_BY(sMutex);
 // One empty cluster is kept, so that a host whose usage fluctuates around a cluster boundary does not map and unmap it
 // each time.
-Cluster* sSpare = nullptr;
+Cluster* sSpare TVXCORE_GUARDED_BY(sMutex) = nullptr;
 
 Cluster& ClusterOf(const void* inAddress) noexcept
 {
@@ -55,7 +55,7 @@ void UnmapCluster(Cluster& inCluster) noexcept
     GivePages(&inCluster, kClusterSize);
 }
 
-Cluster* RoomyCluster() noexcept
+Cluster* RoomyCluster() noexcept TVXCORE_REQUIRES(sMutex)
 {
     if (sRoomy.Front() == nullptr) {
         if (Cluster* const cluster = MapCluster()) {
@@ -158,12 +158,13 @@ void DeleteClusters() noexcept
     sSpare = nullptr;
 }
 
-void LockClusters() noexcept
+// The lock stays held until UnlockClusters.
+void LockClusters() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     sMutex.lock();
 }
 
-void UnlockClusters() noexcept
+void UnlockClusters() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     sMutex.unlock();
 }

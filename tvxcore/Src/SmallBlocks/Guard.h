@@ -5,13 +5,11 @@
 
 #include <CoreMutex.h>
 
-#include <mutex>
-
 namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-using Guard = std::lock_guard<threads::CoreMutex>;
+using Guard = threads::CoreMutexLock;
 
 } // namespace SmallBlocks
 } // namespace utility

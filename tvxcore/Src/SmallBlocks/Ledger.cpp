@@ -55,8 +55,8 @@ struct Account
 threads::CoreMutex sMutex;
 Account sCount;
 Account sBytes;
-List<ThreadCache> sCaches;
-std::size_t sServesBelow = kLargestSmall + 1;
+List<ThreadCache> sCaches TVXCORE_GUARDED_BY(sMutex);
+std::size_t sServesBelow TVXCORE_GUARDED_BY(sMutex) = kLargestSmall + 1;
 
 Amount RoomOf(const ThreadCache& inCache) noexcept
 {
@@ -146,7 +146,7 @@ void Fill(const Account& inAccount, const Sums& inSums, unsigned __int64& outCur
     outTotal = std::max<unsigned __int64>(outPeak, inAccount.mTotal + inSums.mTaken);
 }
 
-void Enter(ThreadCache& ioCache) noexcept
+void Enter(ThreadCache& ioCache) noexcept TVXCORE_REQUIRES(sMutex)
 {
     ioCache.mTaken.store(0, kRelaxed);
     ioCache.mRoom.store(0, kRelaxed);
@@ -254,15 +254,17 @@ void OpenFastAllocation(bool inOpen) noexcept
 
 ThreadCache* FirstCache() noexcept
 {
+    const Guard guard(sMutex);
     return sCaches.Front();
 }
 
-void LockLedger() noexcept
+// The lock stays held until UnlockLedger.
+void LockLedger() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     sMutex.lock();
 }
 
-void UnlockLedger() noexcept
+void UnlockLedger() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     sMutex.unlock();
 }

@@ -15,8 +15,8 @@ namespace {
 struct alignas(64) Store
 {
     threads::CoreMutex mMutex;
-    std::size_t mCount = 0;
-    List<Master> mMasters; // of this class, those with free blocks
+    std::size_t mCount TVXCORE_GUARDED_BY(mMutex) = 0;
+    List<Master> mMasters TVXCORE_GUARDED_BY(mMutex); // of this class, those with free blocks
 };
 
 constexpr std::size_t SlotsBefore(std::size_t inClass) noexcept
@@ -43,7 +43,7 @@ Store sStores[kClassCount];
 void* sSlots[SlotsBefore(kClassCount)];
 
 // A master block without free blocks is in no list; it returns to the list when one of its blocks is freed.
-Master* MasterWithFreeBlocks(Store& ioStore, std::size_t inClass) noexcept
+Master* MasterWithFreeBlocks(Store& ioStore, std::size_t inClass) noexcept TVXCORE_REQUIRES(ioStore.mMutex)
 {
     if (ioStore.mMasters.Front() == nullptr) {
         if (Master* const master = NewMaster(inClass)) {
@@ -54,6 +54,7 @@ Master* MasterWithFreeBlocks(Store& ioStore, std::size_t inClass) noexcept
 }
 
 std::size_t TakeFromMasters(Store& ioStore, std::size_t inClass, void** outBlocks, std::size_t inCount) noexcept
+    TVXCORE_REQUIRES(ioStore.mMutex)
 {
     std::size_t count = 0;
     while (count < inCount) {
@@ -71,7 +72,7 @@ std::size_t TakeFromMasters(Store& ioStore, std::size_t inClass, void** outBlock
     return count;
 }
 
-void GiveToMaster(Store& ioStore, void* inBlock) noexcept
+void GiveToMaster(Store& ioStore, void* inBlock) noexcept TVXCORE_REQUIRES(ioStore.mMutex)
 {
     Master& master = MasterOf(inBlock);
     if (!master.HasFreeBlocks()) {
@@ -114,19 +115,21 @@ void GiveToStore(std::size_t inClass, void* const* inBlocks, std::size_t inCount
 void ForgetStores() noexcept
 {
     for (Store& store : sStores) {
+        const Guard guard(store.mMutex);
         store.mCount = 0;
         store.mMasters = List<Master>();
     }
 }
 
-void LockStores() noexcept
+// The locks stay held until UnlockStores.
+void LockStores() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     for (Store& store : sStores) {
         store.mMutex.lock();
     }
 }
 
-void UnlockStores() noexcept
+void UnlockStores() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     for (Store& store : sStores) {
         store.mMutex.unlock();
