@@ -26,25 +26,6 @@ constexpr unsigned short kJapanese = 1041;
 constexpr unsigned short kKorean = 1042;
 constexpr unsigned short kGerman = 1031;
 
-struct PageDigest
-{
-    unsigned mPage;
-    std::uint64_t mUnits;
-    std::uint64_t mBytes;
-};
-
-// Recorded from Windows' own conversions, MultiByteToWideChar and WideCharToMultiByte with flags 0.
-constexpr PageDigest kDigests[] = {
-    {437, 0x578AC5F708978764u, 0x62F08CE942421B25u},  {874, 0x746B2D4889231F29u, 0x1F076F1CD9CC48DCu},
-    {932, 0xFD1629646C1C56D5u, 0x21DF44FA6AB3E8DBu},  {936, 0x7DBEE947C4CDECE5u, 0x6647587B840C2511u},
-    {949, 0x2A8478CC0E3E006Fu, 0xC492CC5F4F417A94u},  {950, 0x6CA4BB3303DC5F35u, 0x80E4F212978097C6u},
-    {1250, 0x68BCF673DD545AF7u, 0xE2097819EEF1C505u}, {1251, 0x7EC4ED129AEB7ADEu, 0x3007BA8313FA0586u},
-    {1252, 0x84979A25F9C4B96Eu, 0xE4E76A6BC146956Bu}, {1253, 0xF62ADDC57DF12375u, 0x69D01D797C8CA55Cu},
-    {1254, 0x7F7C2382144BB928u, 0x9102E020ABA95796u}, {1255, 0xFD63DBA38F001333u, 0xB1BC158FC5F45C56u},
-    {1256, 0xD4A75961632B0C56u, 0xA53BCFDCD88953AFu}, {1257, 0x6A06DC0A4F070CD5u, 0x3638A8E583A1CDCAu},
-    {1258, 0xA34636B2E6E297EFu, 0x3DAAB5E71D200266u},
-};
-
 class CodePages : public testing::Test
 {
 protected:

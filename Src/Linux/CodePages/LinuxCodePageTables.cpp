@@ -32,9 +32,9 @@ constexpr std::size_t kIndexed = 0x10000 / 64;
 // emits only these.
 
 template <class Number>
-constexpr std::array<std::uint16_t, kIndexed> OffsetsOf(const Number (&inIndex)[kIndexed])
+constexpr std::array<std::uint16_t, kIndexed + 1> OffsetsOf(const Number (&inIndex)[kIndexed])
 {
-    std::array<std::uint16_t, kIndexed> offsets{};
+    std::array<std::uint16_t, kIndexed + 1> offsets{};
     for (std::size_t i = 0; i < kIndexed; ++i) {
         offsets[i] = static_cast<std::uint16_t>((inIndex[i] - i) * 64);
     }
@@ -50,30 +50,55 @@ constexpr unsigned FirstSameOf(const std::uint16_t (&inUnits)[kBytes])
     return first;
 }
 
+// The generated numbers of rows begin at 1, and 0 means that a byte is not a lead byte. Row 1 of the page contains only
+// zeros, so the number of a lead byte increases by one.
 constexpr std::array<std::uint16_t, kBytes> RowsOf(const std::uint8_t (&inRows)[kBytes])
 {
     std::array<std::uint16_t, kBytes> rows{};
     for (std::size_t i = 0; i < kBytes; ++i) {
-        rows[i] = static_cast<std::uint16_t>(inRows[i] * DoubleBytePage::kRow);
+        rows[i] = static_cast<std::uint16_t>((inRows[i] + 1) * DoubleBytePage::kRow);
+    }
+    return rows;
+}
+
+constexpr std::size_t kHighBytes = kBytes / 2;
+
+constexpr std::array<std::uint8_t, kHighBytes> RowsOfHigh(const std::uint8_t (&inRows)[kBytes])
+{
+    std::array<std::uint8_t, kHighBytes> rows{};
+    for (std::size_t i = 0; i < kHighBytes; ++i) {
+        const std::uint8_t row = inRows[kHighBytes + i];
+        rows[i] = static_cast<std::uint8_t>(row != 0 ? row + 1 : 0);
     }
     return rows;
 }
 
 // A trail byte outside the generated rows maps to the default character.
 template <std::size_t Pairs>
-constexpr std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow>
-PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBytes],
+constexpr std::array<std::uint16_t, (Pairs / kTrails + 2) * DoubleBytePage::kRow + 1>
+UnitsOf(const std::uint16_t (&inSingles)[kBytes], const std::uint8_t (&inRows)[kBytes],
         const std::uint16_t (&inPairs)[Pairs])
 {
-    std::array<std::uint16_t, (Pairs / kTrails + 1) * DoubleBytePage::kRow> pairs{};
+    std::array<std::uint16_t, (Pairs / kTrails + 2) * DoubleBytePage::kRow + 1> units{};
     for (std::size_t lead = 0; lead < kBytes; ++lead) {
+        units[lead] = inSingles[lead];
         for (std::size_t trail = 1; inRows[lead] != 0 && trail < DoubleBytePage::kRow; ++trail) {
             const std::size_t column = trail - kFirstTrail; // wraps to a large number below kFirstTrail
-            pairs[inRows[lead] * DoubleBytePage::kRow + trail] =
-                column < kTrails ? inPairs[(inRows[lead] - 1u) * kTrails + column] : inUnits[lead];
+            units[(inRows[lead] + 1u) * DoubleBytePage::kRow + trail] =
+                column < kTrails ? inPairs[(inRows[lead] - 1u) * kTrails + column] : inSingles[lead];
         }
     }
-    return pairs;
+    return units;
+}
+
+template <std::size_t Codes>
+constexpr std::array<std::uint16_t, Codes + 1> WithOneMore(const std::uint16_t (&inCodes)[Codes])
+{
+    std::array<std::uint16_t, Codes + 1> codes{};
+    for (std::size_t i = 0; i < Codes; ++i) {
+        codes[i] = inCodes[i];
+    }
+    return codes;
 }
 
 #define ORL_SINGLE_BYTE_PAGE(number)                                                                                   \
@@ -82,12 +107,14 @@ PairsOf(const std::uint16_t (&inUnits)[kBytes], const std::uint8_t (&inRows)[kBy
         kSingles##number, {kOffsets##number.data(), kBlocks##number}, FirstSameOf(kSingles##number)};
 #define ORL_DOUBLE_BYTE_PAGE(number)                                                                                   \
     constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                       \
+    constexpr auto kCodes##number = WithOneMore(kBlocks##number);                                                      \
     constexpr auto kRowOffsets##number = RowsOf(kRows##number);                                                        \
-    constexpr auto kRowPairs##number = PairsOf(kSingles##number, kRows##number, kPairs##number);                       \
-    constexpr DoubleBytePage kPage##number = {kSingles##number,                                                        \
+    constexpr auto kRowNumbers##number = RowsOfHigh(kRows##number);                                                    \
+    constexpr auto kUnits##number = UnitsOf(kSingles##number, kRows##number, kPairs##number);                          \
+    constexpr DoubleBytePage kPage##number = {kUnits##number.data(),                                                   \
                                               kRowOffsets##number.data(),                                              \
-                                              kRowPairs##number.data(),                                                \
-                                              {kOffsets##number.data(), kBlocks##number}};
+                                              kRowNumbers##number.data(),                                              \
+                                              {kOffsets##number.data(), kCodes##number.data()}};
 
 ORL_SINGLE_BYTE_PAGE(437)
 ORL_SINGLE_BYTE_PAGE(874)

@@ -11,7 +11,7 @@ namespace Linux {
 
 /// A table of 65,536 entries in blocks of 64; equal blocks are stored once. The offset of a block is the index of its
 /// first entry in mBlocks minus the unit of that entry, so adding a unit yields the index of its entry. The arithmetic
-/// wraps at 65,536.
+/// wraps at 65,536. In a page of two bytes both arrays have one more entry, so a 32-bit load of the last one is safe.
 template <class Entry>
 struct BlockTable
 {
@@ -37,11 +37,12 @@ struct DoubleBytePage
 {
     static constexpr std::size_t kRow = 256;
 
-    const std::uint16_t* mUnits; // the unit of each single byte; for a lead byte, the page's default character
-    // The offset in mPairs of the row of each lead byte. The row has a unit for each trail byte, and 0 for the zero
-    // byte, which is not a trail byte. All other bytes have the row at offset 0, which contains only zeros.
-    const std::uint16_t* mRows;
-    const std::uint16_t* mPairs;
+    // The units in rows of kRow. Row 0 has the unit of each single byte; for a lead byte, the page's default character.
+    // Row 1 contains only zeros. Each other row has a unit for each trail byte of a lead byte, and 0 for the zero byte,
+    // which is not a trail byte. There is one more unit at the end, so a 32-bit load of the last one is safe.
+    const std::uint16_t* mUnits;
+    const std::uint16_t* mRows;       // the offset in mUnits of the row of each lead byte; of row 1 for all other bytes
+    const std::uint8_t* mRowNumbers;  // for the bytes from 0x80 on: the number of the row of a lead byte, else 0
     BlockTable<std::uint16_t> mBytes; // a number from 0x100 on is lead byte * 256 + trail byte
 };
 
