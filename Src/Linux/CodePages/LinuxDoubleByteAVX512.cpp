@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::size_t kGather = 16; // entries
 
-// Up to this number of elements the plain form is faster: the caller copies a short result at once, and a load waits for
-// a masked store of the same bytes.
+// Up to this number of elements the plain form is faster: the caller copies a short result at once, and a load waits
+// for a masked store of the same bytes.
 constexpr std::size_t kShort = 16;
 
 // Stores the bytes marked in inValid as units. All are ASCII.
