@@ -16,11 +16,11 @@
 namespace ORL {
 
 /// Creates the completion port, the completion thread and the executor that starts reads. Fires an input contract if
-/// they exist. If creating the executor throws, everything is undone.
+/// they already exist. If creating the executor throws, everything is undone.
 void StartupAsyncFileOperations();
 
-/// Stops and destroys them. Callbacks of completions that are already queued at the port still run. Readers should be
-/// closed before: reads still in flight are not reported.
+/// Stops and destroys the port, the thread and the executor. Callbacks of completions that are already queued at the
+/// port still run. Close all readers first: reads still in flight are not reported.
 void TerminateAsyncFileOperations();
 
 struct AsyncReadRequest;

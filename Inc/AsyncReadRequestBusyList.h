@@ -27,8 +27,8 @@ public:
     AsyncReadRequestBusyList(const AsyncReadRequestBusyList&) = delete;
     AsyncReadRequestBusyList& operator=(const AsyncReadRequestBusyList&) = delete;
 
-    /// Adds a request. Fires an input contract if it is in the list. Throws std::bad_alloc and then leaves the list
-    /// unchanged.
+    /// Adds a request. Fires an input contract if it is already in the list. Throws std::bad_alloc and then leaves the
+    /// list unchanged.
     void Add(Request* inRequest)
     {
         typename Policy::LockScope lock(mLock);

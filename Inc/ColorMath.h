@@ -22,8 +22,8 @@ inline bool IsNearZero(float inValue)
     return std::fabs(inValue) < 0.0001f;
 }
 
-/// Red, green, blue, red, green: each channel is followed by the two others in order. Indexing needs no branch; a
-/// branch on which channel is the largest would be unpredictable.
+/// Red, green, blue, red, green: each channel is followed by the other two in order. Indexing needs no branch; a branch
+/// on which channel is the largest would be unpredictable.
 struct ChannelRing
 {
     ChannelRing(float inRed, float inGreen, float inBlue) : mChannels{inRed, inGreen, inBlue, inRed, inGreen} {}

@@ -45,7 +45,7 @@ public:
     /// For process exit and unload: frees the records without handles, static ones too, and the index if no record is
     /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
     /// since the guard may belong to a thread that the system has stopped: if the table is in use, frees nothing. On
-    /// unload it is not in use.
+    /// unload the table is not in use.
     void FreeWhatNobodyHolds();
 
     /// Returns the number of records in the table.
@@ -83,7 +83,7 @@ private:
         const unsigned char* mText;
         std::size_t mSize;
         std::atomic<std::uint64_t> mHash; // may be read before mRecord
-        std::atomic<Record*> mRecord;     // null in a free slot; stored last, so it publishes the others
+        std::atomic<Record*> mRecord;     // null in a free slot; stored last: publishes the other fields
     };
 
     /// The slots, in whole pages from the system: initially zero, and large tables may get huge pages.

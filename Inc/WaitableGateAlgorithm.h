@@ -119,7 +119,7 @@ private:
         return kSuccess;
     }
 
-    // Does not test the flag: a gate that is opened and closed at once still releases its waiters.
+    // Does not test the flag: a gate that is closed again immediately still releases its waiters.
     template <class Gate>
     static bool IsStillShut(Gate& ioGate, std::uint32_t inGeneration)
     {
@@ -138,8 +138,9 @@ private:
         return Policy::SleepOnFor(ioGate.mCondition, ioLock, inMilliseconds);
     }
 
-    // A wake-up costs far more than a short spin. The thread counts as a waiter meanwhile, so an opening changes its
-    // generation even if the gate is closed again before the spin sees the flag.
+    // A wake-up costs far more than a short spin. While it spins, the thread is registered as a waiter. Opening the
+    // gate therefore advances the gate's generation, and the thread notices it even if the gate is closed again before
+    // the thread reads the flag.
     template <class Gate>
     static bool PassesSoon(Gate& ioGate, typename Policy::MutexLock& ioLock, std::uint32_t inGeneration, int inTurns)
     {
@@ -151,8 +152,8 @@ private:
             Policy::Pause(turn);
         }
         ioLock.lock();
-        // Testing the flag is not enough: the opener sets it before it locks the mutex, and this thread must count as a
-        // waiter until then.
+        // Testing the flag is not enough: the opener sets it before it locks the mutex, and this thread must stay
+        // registered as a waiter until then.
         return Policy::Read(ioGate.mGeneration) != inGeneration;
     }
 };

@@ -72,8 +72,8 @@ public:
         }
     }
 
-    /// Destroys the idle gates, unless another thread uses the pool. The pool stays usable. Unchecked: clang does not
-    /// follow an attempt to lock.
+    /// Destroys the idle gates, unless another thread uses the pool. The pool stays usable. Excluded from clang's
+    /// thread-safety analysis, which cannot track a try-lock.
     void TryDestroyIdleGates() TVXCORE_UNCHECKED_LOCKING
     {
         const typename Policy::TryLockScope lock(mLock);

@@ -13,9 +13,10 @@
 namespace ORL {
 
 /// The host's application object, of which a process has at most one. The host derives from it and creates the object
-/// at start-up; the library creates none.
+/// at start-up; the library does not create one.
 ///
-/// Owner:    the host. It creates and destroys the object on its main thread, while no other thread uses Instance.
+/// Owner:    the host. The host creates and destroys the object on its main thread, while no other thread uses
+///           Instance.
 /// Threads:  not thread-safe: Instance reads a plain pointer, and the first GetApplicationFilePath fills a cache in its
 ///           module.
 /// Failure:  the constructor and GetApplicationFilePath throw std::bad_alloc.

@@ -10,7 +10,8 @@ namespace ORL {
 
 /// Reads one file without the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
-/// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). This is not checked here:
+/// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). The library does not check
+/// this:
 ///           the system refuses the read, and its callback receives the failure. The last read of a file also requests
 ///           whole sectors, and returns fewer bytes. A read must start before the end of the file. If it does not, it
 ///           fails at its start on Linux, and on completion on Windows (see Failure).
@@ -48,7 +49,7 @@ public:
     AsyncFileReader(const AsyncFileReader&) = delete;
     AsyncFileReader& operator=(const AsyncFileReader&) = delete;
 
-    /// Opens a file with a reader that is not open. Other handles may read and write the file meanwhile. Returns
+    /// Opens a file with a reader that is not open. Other handles may read and write the file while it is open. Returns
     /// kSuccess. Returns -1 if the path is missing, is a directory or cannot be opened. If the sector size cannot be
     /// determined, returns that failure and leaves the file open. A closed reader may be opened again.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);

@@ -110,8 +110,8 @@ protected:
 private:
     using Shared = ConstStringShared<String>;
 
-    // These four are symbols of the library. All other members are compiled into the caller: explicit instantiation of
-    // the whole class would take its inline functions from a library that may not export them.
+    // The library exports these four functions. All other members are compiled into the caller: explicit instantiation
+    // of the whole class would take its inline functions from a library that may not export them.
     static ORL_API Shared* MakeShared(const Unit* inText);
     static ORL_API Shared* MakeShared(String&& ioText);
     static ORL_API void Destroy(Shared* inShared);

@@ -19,11 +19,11 @@ namespace ORL {
 ///           a Result.
 /// Listings: paths are the object's path, in its own form, followed by the names below it, in the order of the file
 /// system. With inRecursive a directory follows its contents. inLimit is tested before each entry, so a list may exceed
-/// it by the depth of the tree; kNoLimit disables it. Entries created or removed meanwhile may or may not be listed,
-/// but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable directory
-/// is listed and treated as empty. Links to directories are walked like directories, unless they lead back to one that
-/// is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of handles,
-/// std::bad_alloc if out of memory. Depth is limited by memory only.
+/// it by the depth of the tree; kNoLimit disables it. Entries created or removed during a listing may or may not be
+/// included, but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable
+/// directory is listed and treated as empty. Links to directories are walked like directories, unless they lead back to
+/// one that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
+/// handles, std::bad_alloc if out of memory. Depth is limited by memory only.
 /// Trees:    Copy, Move and DeleteNotEmpty work on the contents of the source, hidden entries included, and overwrite
 ///           without asking. They accept plain paths only: for one in the extended form (\\?\) they report an assertion
 ///           and return kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
@@ -97,7 +97,7 @@ private:
 
 namespace PathUtils {
 
-/// Returns whether a file is read-only (on Linux: nobody has write permission) or no file can be created in a
+/// Returns whether a file is read-only (on Linux: no user has write permission) or no file can be created in a
 /// directory. Returns true for a rooted path that cannot be queried, false for one that is not rooted. Fires an input
 /// contract for an empty path.
 ORL_API bool IsReadOnly(const UTF16String& inFullPath);

@@ -97,7 +97,7 @@ public:
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
 public:
-    /// Returns a buffer for one file, or null for none.
+    /// Returns a buffer for one file, or null for no buffer.
     virtual InterfaceRef<IFileBuffer, IFileBuffer> CreateFileBuffer() = 0;
 };
 
@@ -199,10 +199,10 @@ public:
     /// destination exists. Uses the paths as given.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Replaces the real file, which must exist, by a finished temporary file, whose name is then gone. On success the
-    /// new contents and their folder have been synced to disk. The real name always refers to the complete old or the
-    /// complete new contents. After a failure nothing is retried, and both files keep their contents. Neither file may
-    /// be open elsewhere, except that the real one may be open with kFileShare_Delete.
+    /// Replaces the real file, which must exist, by a finished temporary file, and removes the temporary name. On
+    /// success the new contents and their folder have been synced to disk. The real name always refers to the complete
+    /// old or the complete new contents. After a failure nothing is retried, and both files keep their contents.
+    /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
     static Result SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRealPath);
 
     /// Returns an unused name beside the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on. First cuts
@@ -219,7 +219,7 @@ public:
     /// The same, for directories too.
     static Result GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime);
 
-    /// Always returns 0: these systems have no file types.
+    /// Always returns 0: Windows and Linux have no file types.
     static unsigned int GetOSFileType(const UTF16String& inPath);
 
 private:

@@ -79,8 +79,9 @@ namespace Foundation {
 ///
 /// Throws what a failing service throws: std::bad_alloc, boost::thread_resource_error, TVXException. The library is
 /// then not started, and no Terminate is required. The services that had started stay started, and the next start
-/// starts them again. Only ThreadManager::RegisterMainThread refuses that, with input contract 25, which a host with an
-/// installed TVXErrorManager receives as a TVXException. Such a host undoes the registration before it retries:
+/// starts them again. Only ThreadManager::RegisterMainThread refuses a second start, with input contract 25, which a
+/// host with an installed TVXErrorManager receives as a TVXException. Such a host undoes the registration before it
+/// retries:
 ///
 ///   try {
 ///       ORL::Foundation::Initialize();
@@ -96,7 +97,7 @@ ORL_API void Initialize();
 /// Undoes one start; the last call stops the services, after which the library may be started again. A call without a
 /// start is accepted: it cancels the next start, which then starts nothing.
 ///
-/// Call the last one on the main thread.
+/// Make the last call on the main thread.
 ORL_API void Terminate();
 
 } // namespace Foundation

@@ -42,7 +42,8 @@ struct MountPoint
 ORL_API std::vector<MountPoint> GetMountPoints();
 
 /// The drive table of Linux. These functions exist in the Linux library only; a host for both platforms calls them from
-/// its Linux sources. Thread-safe: a path that is being resolved meanwhile uses the table before or after the change.
+/// its Linux sources. Thread-safe: a path that is being resolved at the same time uses the table before or after the
+/// change.
 namespace Linux {
 
 /// Same as the functions of PathUtils above.

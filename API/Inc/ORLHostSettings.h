@@ -12,7 +12,7 @@
 // language is 1033, and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. Later
 // changes of the value have no effect.
 //
-// Thread-safe. The functions throw std::bad_alloc and then change nothing.
+// Thread-safe. The functions may throw std::bad_alloc; in that case nothing has changed.
 #pragma once
 
 #include <ORLConfig.h>
@@ -25,12 +25,12 @@ namespace ORL {
 
 namespace Internal {
 
-/// The language, and a bit that tells whether it is known. They share one word, so a reader without a lock gets both or
-/// neither.
+/// The language, and a bit that is set once the language is known. They share one word, so a reader without a lock
+/// never sees one without the other.
 inline constexpr std::uint32_t kLanguageIsKnown = 0x10000;
 ORL_API extern std::atomic<std::uint32_t> sLanguageID;
 
-/// Reads the language from the registry, unless another thread has done so meanwhile.
+/// Reads the language from the registry, unless another thread has already read it.
 ORL_API unsigned short FetchLanguageID();
 
 } // namespace Internal

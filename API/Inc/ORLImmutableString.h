@@ -25,7 +25,7 @@ namespace ORL {
 /// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
 ///           operation works until the process ends, for threads still running and for handles in static storage; the
 ///           system reclaims their memory. A module that unloads the library earlier must release its handles first:
-///           the rest dangle, and their memory leaks.
+///           any others dangle, and the memory of their texts leaks.
 class ORL_API ImmutableString
 {
 public:

@@ -3,10 +3,9 @@
 //
 // A path is Windows-style on every platform: a drive of two characters or \\server\share, then names separated by
 // backslashes, and a file name whose extension includes its leading dot. Its forms:
-//   rooted:          it begins with two backslashes, or with an ASCII letter and ":"
-//   drive root:      it is exactly a letter and ":", or \\?\ and a letter and ":"
-//   normalized:      it begins with \\?\ and is no drive root; it may exceed the length limit of plain paths
-//   normalized UNC:  it begins with exactly \\?\UNC\ (case-sensitive)
+//   rooted: it begins with two backslashes, or with an ASCII letter and ":" drive root: it is exactly a letter and ":",
+//   or \\?\ and a letter and ":" normalized: it begins with \\?\ and is not a drive root; it may exceed the length
+//   limit of plain paths normalized UNC: it begins with exactly \\?\UNC\ (case-sensitive)
 //
 // Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
 // text, as documented. ORLHostPath.h converts paths of the host's own system to these and back.

@@ -56,11 +56,11 @@ public:
     /// Releases data that a lookup returned. Callers must call it, although Module does nothing here.
     virtual void ReleaseResource(void* inData) const = 0;
 
-    /// Loads a picture: the resource of type "PNG", flipped vertically, otherwise the bitmap resource of that number,
-    /// not flipped. Looks up the PNG as FindLocalizedResource does if inLocalized is true, otherwise as LoadResource
-    /// does. Premultiplies the pixels of a PNG by alpha. The result is not valid if neither resource can be found and
-    /// decoded. Throws std::bad_alloc. On Windows the host must have started GDI+. On Linux ORLNativeBitmap.h has the
-    /// functions that read the bitmap.
+    /// Loads the picture inID: if there is a resource of type "PNG" with this number, decodes it and flips it
+    /// vertically; otherwise loads the bitmap resource with this number, without flipping. Looks up the PNG as
+    /// FindLocalizedResource does if inLocalized is true, otherwise as LoadResource does. Premultiplies the pixels of a
+    /// PNG by alpha. The result is not valid if neither resource can be found and decoded. Throws std::bad_alloc. On
+    /// Windows the host must have started GDI+. On Linux ORLNativeBitmap.h has the functions that read the bitmap.
     virtual OSImageHandle LoadBitmapW(short inID, bool inLocalized) = 0;
 
     /// Loads a PNG file, flipped vertically, from the folder "PNG/" in the directory registered as "application". The

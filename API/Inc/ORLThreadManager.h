@@ -46,7 +46,7 @@ ORL_API void RegisterThread(ConstString& inThreadName, ConstString& inCurrentMod
 /// Deletes the calling thread's record. The thread must not query its record afterwards.
 ORL_API void UnregisterThread();
 
-/// Returns the calling thread's record. A thread without one gets a record named "Unnamed Thread" of "Unnamed Module".
+/// Returns the calling thread's record. A thread without a record gets one named "Unnamed Thread" of "Unnamed Module".
 /// Never null. May be called at any time. The record is valid until the thread unregisters.
 ORL_API ThreadInfo* GetCurrentThreadInfo();
 

@@ -31,7 +31,7 @@ struct ThreadPriorities
     static constexpr Type kHighest = 5;
 };
 
-/// A unit of work. Clients and the queue share it by counted references. Process describes threads and failures.
+/// A unit of work. Clients and the queue share it by counted references. See Process for threads and failures.
 class ORL_API IThreadedQueueRequest : public ORLUnknown
 {
 public:
@@ -42,7 +42,7 @@ public:
     virtual void Process() = 0;
 };
 
-/// Runs requests on its own threads, started in the order in which they were queued, and one periodic idle process.
+/// Runs requests on its own threads, in the order in which they were queued, and one periodic idle process.
 ///
 /// State:    created (no threads) until Initialize; running until Stop; then stopped for good: requests are refused.
 ///           Destroying a running queue, or stopping a queue twice, reports an assertion and then acts like Stop.
@@ -75,10 +75,10 @@ public:
     /// will run once, false if the queue has no threads or has been stopped.
     bool QueueRequest(Request inRequest);
 
-    /// Replaces the idle process: runs a request repeatedly, inInterval milliseconds apart, in turn with the others.
-    /// Returns false and changes nothing for a null request, an interval below 1, or a queue without threads. If the
-    /// previous idle process is running, waits for it. So neither that process nor a lock that it acquires may wait for
-    /// the caller.
+    /// Replaces the idle process: queues a request every inInterval milliseconds; each run waits its turn like any
+    /// other request. Returns false and changes nothing for a null request, an interval below 1, or a queue without
+    /// threads. If the previous idle process is running, waits for it. So neither that process nor a lock that it
+    /// acquires may wait for the caller.
     bool SetIdleProcess(Request inRequest, int inInterval);
 
     /// Stops the idle process, if there is one. Waits while it is running, except on the thread that runs it.

@@ -41,8 +41,8 @@ public:
         /// Writes fields without leading zeros.
         bool mNoLeadingZeros = false;
 
-        /// Writes a time above zero with "+" and one below with "-". Without it a negative time has no sign, and its
-        /// hours field is 23 minus the hours.
+        /// Writes a time above zero with "+" and one below with "-". Without this flag a negative time has no sign, and
+        /// its hours field is 23 minus the hours.
         bool mShowSign = false;
 
         /// The stored and displayed time is one frame before the public one, so that a position is displayed as the

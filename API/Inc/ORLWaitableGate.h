@@ -21,7 +21,7 @@ class WaitableGateAlgorithm;
 
 /// A gate that threads wait at. It starts closed, and may be opened and closed again.
 ///
-/// Opening releases every thread that sleeps at the gate, even if the gate is closed at once.
+/// Opening releases every thread that sleeps at the gate, even if the gate is closed again immediately.
 /// Owner:    the creator. Gates of the pool must be open when they are returned to it. The destructor opens the gate;
 ///           no thread may start to wait on it any more.
 /// Threads:  thread-safe. mMutex is a leaf lock.

@@ -92,7 +92,7 @@ SystemError DeleteFile_Impl(const UTF16String& inPath);
 using CopyProgress = bool (*)(std::uint64_t inTotal, std::uint64_t inTransferred, void* inData);
 
 /// Copies contents, last-write time and read-only attribute; overwrites an existing destination. inProgress may be
-/// null. If it ends the copy, returns 1235. A failed copy leaves no destination.
+/// null. If inProgress ends the copy, returns 1235. A failed copy leaves no destination.
 SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDestination, CopyProgress inProgress,
                           void* inData);
 
@@ -107,7 +107,7 @@ enum class BackupEnd { kStays, kIsDeleted };
 /// success contents and names have been synced to disk. The replaced name always refers to the complete old or the
 /// complete new contents. If the backup fails only because its name is too long for the volume, it is kept beside the
 /// replaced file under another name, and deleted on success. With kIsDeleted every backup is deleted on success; a
-/// failure of that is ignored. Throws std::bad_alloc only before anything has been replaced.
+/// failure to delete it is ignored. Throws std::bad_alloc only before anything has been replaced.
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
                              const UTF16String& inBackup, BackupEnd inEnd);
 

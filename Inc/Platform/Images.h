@@ -29,7 +29,7 @@ struct Picture;
 struct MemoryCopy;
 MemoryCopy* CopyToMemory_Impl(const void* inData, std::size_t inSize);
 
-/// Returns a stream over a copy, which it then owns. Returns null and frees the copy if it cannot be created.
+/// Returns a stream that owns the copy. Returns null and frees the copy if it cannot be created.
 struct Stream;
 Stream* CreateStream_Impl(MemoryCopy* inCopy);
 void ReleaseStream_Impl(Stream* inStream);

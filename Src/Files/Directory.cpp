@@ -59,8 +59,7 @@ bool Directory::IsDirectoryWriteable() const
     return TakesNewFiles(mPath);
 }
 
-// Maps the status of the path service like a system error. The status is no system error number, so every failure
-// becomes kGeneralFailure.
+// The status is not a system error number, so every failure is mapped to kGeneralFailure.
 Result Directory::CreateOnDisk(const UTF16String& inPath, bool)
 {
     const unsigned long status = Platform::PrepareForWrite_Impl(PathUtils::ToNormalizedPath(inPath));

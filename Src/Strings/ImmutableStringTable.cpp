@@ -181,7 +181,7 @@ bool ImmutableStringTable::Purge()
     return RemoveUnused(false);
 }
 
-// Unchecked: clang does not follow an attempt to lock.
+// Excluded from clang's thread-safety analysis, which cannot track a try-lock.
 void ImmutableStringTable::FreeWhatNobodyHolds() TVXCORE_UNCHECKED_LOCKING
 {
     const CriticalSectionTryLock lock(mGuard);
@@ -222,7 +222,7 @@ void ImmutableStringTable::FreeRecord(Record* inRecord)
     Allocator::Dispose(inRecord, sizeof(Record));
 }
 
-// Returns an even number: the first place of a cache line.
+// Returns the slot where the search begins; it is even, because two slots fill a cache line.
 std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t inHash)
 {
     return inHash & (inIndex.Count() - 2);

@@ -43,8 +43,8 @@ std::size_t RoomForResult(const typename Direction::Source& inText, unsigned int
     return most > kStackBuffer && mayFitStack ? Direction::kMeasure(inCodePage, inText.data(), inText.size()) : most;
 }
 
-// Passes the length of the result to the caller's check, because each caller reports another line. Writes a long result
-// directly into the returned string, whose capacity may exceed its length.
+// Passes the length of the result to the caller's check, because each caller reports its own source line in a failed
+// check. Writes a long result directly into the returned string, whose capacity may exceed its length.
 template <class Direction, class CheckSite>
 typename Direction::Target Convert(const typename Direction::Source& inText, unsigned int inCodePage,
                                    CheckSite inCheckSite)

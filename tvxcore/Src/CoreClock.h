@@ -12,7 +12,7 @@ std::int64_t ClockNow();
 /// Returns whether a ManualClock exists; time then passes only when it is advanced.
 bool ClockIsManual();
 
-/// Freezes time until Advance. Only one may exist; construct and destroy it while nothing waits for time.
+/// Freezes time until Advance. Only one may exist; construct and destroy it while no thread is waiting on this clock.
 class ManualClock
 {
 public:

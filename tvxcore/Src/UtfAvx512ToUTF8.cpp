@@ -1,9 +1,9 @@
 // Converts 16 or 32 units per step, for processors with AVX-512 VBMI2.
 //
-// Each unit becomes a word of 32 bits whose bytes are its tagged fields of six bits; compressing the words yields the
-// text. A surrogate yields two bytes, like a unit below U+0800, from shifted fields.
+// Each UTF-16 unit is expanded to a 32-bit lane that holds its UTF-8 bytes; a byte-compress instruction removes the
+// unused bytes. A surrogate yields two of the four bytes of its pair.
 //
-// The scalar loop takes steps with ill-formed text, since only it computes the replacements.
+// The scalar loop converts steps that contain ill-formed text, since only that loop computes the replacements.
 #include <Utf.h>
 #include <UtfAvx512.h>
 #include <UtfCharacter.h>
@@ -25,8 +25,8 @@ TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned
     }
 }
 
-// Writes 32 units, all below U+0800, not at the end of a text. Each becomes its tagged fields in text order; an ASCII
-// unit omits its first byte.
+// Writes 32 units, all below U+0800, not at the end of a text. Each lane receives the lead and the continuation byte;
+// for an ASCII unit only the second byte is kept.
 TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNotAscii, unsigned char* outText)
 {
     const __m512i first = _mm512_srli_epi16(inUnits, 6);
@@ -39,8 +39,8 @@ TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNot
     return 32 + static_cast<std::size_t>(_mm_popcnt_u32(inNotAscii));
 }
 
-// Converts surrogates, in words, to fields of six bits. A low surrogate receives the last two bits of the high
-// surrogate before it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
+// Prepares the surrogates in the 32-bit lanes for splitting into six-bit fields. A low surrogate receives the last two
+// bits of the high surrogate before it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
 TVX_AVX512_INLINE __m512i MovePairs(__m512i inWords, __mmask16 inHigh, __mmask16 inLow)
 {
     const __m512i bits = _mm512_and_si512(inWords, _mm512_set1_epi32(0x3FF));
@@ -51,7 +51,8 @@ TVX_AVX512_INLINE __m512i MovePairs(__m512i inWords, __mmask16 inHigh, __mmask16
     return _mm512_mask_or_epi32(words, inLow, bits, rest);
 }
 
-// Returns each word's tagged text in its upper bytes. Sets the top bit of every used byte in outPlaces.
+// Returns the UTF-8 bytes of each unit in the upper bytes of its lane. Sets the top bit of every used byte in
+// outPlaces.
 TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmask16 inHigh, __mmask16 inLow,
                                        __m512i& outPlaces)
 {

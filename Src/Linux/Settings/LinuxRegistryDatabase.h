@@ -119,7 +119,7 @@ private:
     std::string mFile;
     std::uint64_t mDevice = 0;
     std::uint64_t mInode = 0;
-    SetAside mSetAside; // not yet recorded in a new database
+    SetAside mSetAside; // the damaged file just renamed; empty once the new database has a row for it
     bool mIsReadOnly = false;
     bool mIsDamaged = false;
 };

@@ -35,8 +35,9 @@ SystemError Store::FromMemory(Read inRead)
     return error;
 }
 
-/// Runs a change. inWork changes the database in a transaction, but not memory. During it memory is up to date and
-/// nobody else writes. inDone makes the same change in memory after the commit. Both run under both locks.
+/// Runs a change. inWork changes the database in a transaction, but not memory. While inWork runs, the in-memory copy
+/// is current and no other thread or process can write. inDone makes the same change in memory after the commit. Both
+/// run under both locks.
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {

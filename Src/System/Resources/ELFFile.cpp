@@ -107,7 +107,7 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex)
     }
     std::vector<Segment> segments;
     bool isWhole = ReadSegments(inFile, segments);
-    std::uint64_t bytesLeft = inFile.mSize; // valid notes and segments do not overlap; limits the work on hostile ones
+    std::uint64_t bytesLeft = inFile.mSize; // bytes still to be read; limits work on bad files
     std::uint64_t noteBytesLeft = inFile.mSize;
     for (const Segment& segment : segments) {
         if (segment.mType != kNote) {
