@@ -14,7 +14,26 @@ namespace {
 
 using ORL::Linux::BestCodePageKernel;
 using ORL::Linux::CodePageTable;
+using ORL::Linux::DoubleBytePage;
 using ORL::Linux::FindCodePage;
+
+// Up to this number of elements the plain form is faster: the caller copies a short result at once, and a load waits
+// for a masked store of the same bytes.
+constexpr std::size_t kShort = 16;
+
+std::size_t PairsToUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
+                         unsigned short* outUnits)
+{
+    return inBytes <= kShort ? ORL::Linux::PairsToUnitsPlain(inPage, inText, inBytes, outUnits)
+                             : BestCodePageKernel().mPairsToUnits(inPage, inText, inBytes, outUnits);
+}
+
+std::size_t PairsToBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
+                         unsigned char* outBytes)
+{
+    return inUnits <= kShort ? ORL::Linux::PairsToBytesPlain(inPage, inText, inUnits, outBytes)
+                             : BestCodePageKernel().mPairsToBytes(inPage, inText, inUnits, outBytes);
+}
 
 // Returns 0 for a count above 2^31 - 1, because the calls of Windows have 32-bit sizes.
 std::size_t Limited(std::size_t inCount)
@@ -52,7 +71,7 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
     }
     return page->mSingle != nullptr
                ? BestCodePageKernel().mSinglesToUnits(*page->mSingle, AsBytes(inText), inBytes, outUnits)
-               : BestCodePageKernel().mPairsToUnits(*page->mDouble, AsBytes(inText), inBytes, outUnits);
+               : PairsToUnits(*page->mDouble, AsBytes(inText), inBytes, outUnits);
 }
 
 std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
@@ -78,9 +97,8 @@ std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, 
         return 0;
     }
     unsigned char* const bytes = reinterpret_cast<unsigned char*>(outBytes);
-    return page->mSingle != nullptr
-               ? ORL::Linux::SinglesToBytes(*page->mSingle, inText, inUnits, bytes)
-               : Limited(BestCodePageKernel().mPairsToBytes(*page->mDouble, inText, inUnits, bytes));
+    return page->mSingle != nullptr ? ORL::Linux::SinglesToBytes(*page->mSingle, inText, inUnits, bytes)
+                                    : Limited(PairsToBytes(*page->mDouble, inText, inUnits, bytes));
 }
 
 } // namespace Platform

@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::size_t kGather = 16; // entries
 
-// Up to this number of elements the plain form is faster: the caller copies a short result at once, and a load waits
-// for a masked store of the same bytes.
-constexpr std::size_t kShort = 16;
-
 // Stores the bytes marked in inValid as units. All are ASCII.
 ORL_AVX512_INLINE void StoreASCII(__m512i inBytes, std::uint64_t inValid, unsigned short* outUnits) noexcept
 {
@@ -151,9 +147,6 @@ private:
 ORL_AVX512 std::size_t PairsToUnitsAVX512(const DoubleBytePage& inPage, const unsigned char* inText,
                                           std::size_t inBytes, unsigned short* outUnits) noexcept
 {
-    if (inBytes <= kShort) {
-        return PairsToUnitsPlain(inPage, inText, inBytes, outUnits);
-    }
     Decoder decoder(inPage);
     unsigned short* next = outUnits;
     for (; inBytes > kBlock; inBytes -= kBlock, inText += kBlock) { // so there is a byte after the block
@@ -167,9 +160,6 @@ ORL_AVX512 std::size_t PairsToUnitsAVX512(const DoubleBytePage& inPage, const un
 ORL_AVX512 std::size_t PairsToBytesAVX512(const DoubleBytePage& inPage, const unsigned short* inText,
                                           std::size_t inUnits, unsigned char* outBytes) noexcept
 {
-    if (inUnits <= kShort) {
-        return PairsToBytesPlain(inPage, inText, inUnits, outBytes);
-    }
     const Encoder encoder(inPage);
     unsigned char* next = outBytes;
     for (; inUnits > kBlockUnits; inUnits -= kBlockUnits, inText += kBlockUnits) {
