@@ -166,11 +166,12 @@ public:
 
     std::int64_t Number(int inColumn) const;
     void Text(int inColumn, Units& outText);
-    void Data(int inColumn, std::basic_string<unsigned char>& outData);
+
+    /// Never null. The bytes are valid until the next Step.
+    const void* Blob(int inColumn, std::size_t& outSize);
 
 private:
     void Check(int inCode);
-    const void* Blob(int inColumn, std::size_t& outSize);
 
     Database& mDatabase;
     sqlite3_stmt* mStatement = nullptr;

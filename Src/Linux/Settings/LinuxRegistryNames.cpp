@@ -18,11 +18,8 @@ unsigned short FoldUnit(unsigned short inUnit)
     return folded.size() == 1 && folded[0] >= 0x80 ? folded[0] : inUnit;
 }
 
-} // namespace
-
-void FoldName(UnitsView inName, Units& outFolded)
+void FoldInto(UnitsView inName, unsigned short* outFolded)
 {
-    outFolded.resize(inName.size());
     for (std::size_t i = 0; i < inName.size(); ++i) {
         const unsigned short unit = inName[i];
         if (unit >= 0x80) {
@@ -34,6 +31,14 @@ void FoldName(UnitsView inName, Units& outFolded)
     }
 }
 
+} // namespace
+
+void FoldName(UnitsView inName, Units& outFolded)
+{
+    outFolded.resize(inName.size());
+    FoldInto(inName, outFolded.data());
+}
+
 std::uint64_t HashName(UnitsView inFolded) noexcept
 {
     std::uint64_t hash = 0xCBF29CE484222325u; // FNV-1a over units
@@ -41,6 +46,18 @@ std::uint64_t HashName(UnitsView inFolded) noexcept
         hash = (hash ^ unit) * 0x100000001B3u;
     }
     return hash ^ (hash >> 32);
+}
+
+FoldedName::FoldedName(UnitsView inName)
+{
+    unsigned short* folded = mShort;
+    if (inName.size() > kShort) {
+        mLong.resize(inName.size());
+        folded = mLong.data();
+    }
+    FoldInto(inName, folded);
+    mText = UnitsView(folded, inName.size());
+    mHash = HashName(mText);
 }
 
 PathNames::PathNames(const unsigned short* inPath) noexcept : mRest(inPath)

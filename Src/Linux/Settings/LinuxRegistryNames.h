@@ -28,6 +28,27 @@ void FoldName(UnitsView inName, Units& outFolded);
 /// Returns the hash of a folded name. It is part of the board's format.
 std::uint64_t HashName(UnitsView inFolded) noexcept;
 
+/// The folded form of a name, with its hash. Names of ordinary length need no memory of their own.
+class FoldedName
+{
+public:
+    /// Throws std::bad_alloc.
+    explicit FoldedName(UnitsView inName);
+    FoldedName(const FoldedName&) = delete;
+    FoldedName& operator=(const FoldedName&) = delete;
+
+    UnitsView Text() const noexcept { return mText; }
+    std::uint64_t Hash() const noexcept { return mHash; }
+
+private:
+    static constexpr std::size_t kShort = 64;
+
+    unsigned short mShort[kShort];
+    Units mLong;
+    UnitsView mText;
+    std::uint64_t mHash;
+};
+
 /// Iterates over the names of a path.
 class PathNames
 {

@@ -23,7 +23,7 @@ public:
     bool IsEmpty() const noexcept { return mLoaded.empty(); }
     bool IsFull() const noexcept { return mLoaded.size() >= kMost; }
 
-    bool Contains(std::uint64_t inHash, const Units& inFolded) const noexcept
+    bool Contains(std::uint64_t inHash, UnitsView inFolded) const noexcept
     {
         const auto found = mLoaded.find(inHash);
         if (found == mLoaded.end()) {
@@ -41,10 +41,10 @@ public:
     void Add(std::uint64_t inHash) { mLoaded[inHash].clear(); }
 
     /// Makes one name current, after it was loaded.
-    void Remove(std::uint64_t inHash, const Units& inFolded)
+    void Remove(std::uint64_t inHash, UnitsView inFolded)
     {
         if (Contains(inHash, inFolded)) {
-            mLoaded[inHash].push_back(inFolded);
+            mLoaded[inHash].emplace_back(inFolded);
         }
     }
 

@@ -138,14 +138,6 @@ void Statement::Text(int inColumn, Units& outText)
     std::memcpy(outText.data(), blob, outText.size() * sizeof(unsigned short));
 }
 
-void Statement::Data(int inColumn, std::basic_string<unsigned char>& outData)
-{
-    std::size_t size = 0;
-    const void* const blob = Blob(inColumn, size);
-    outData.assign(static_cast<const unsigned char*>(blob), size);
-}
-
-// Never returns null.
 const void* Statement::Blob(int inColumn, std::size_t& outSize)
 {
     const void* const blob = sqlite3_column_blob(mStatement, inColumn);

@@ -95,7 +95,9 @@ private:
     SystemError FindToDelete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants,
                              bool inMayLoad, StoredKey*& outKey);
     SystemError FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget);
-    SystemError PutOrTake(const HandleParts& inKey, UnitsView inName, const StoredValue* inValue);
+    SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
+                          StoredValue*& outValue);
+    SystemError PutOrTake(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
 
     const bool mIsMachine;
     Place (*const mFindPlace)();

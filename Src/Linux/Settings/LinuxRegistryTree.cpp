@@ -45,12 +45,17 @@ SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<Su
     return query.Error();
 }
 
-void ReadValue(Statement& inRow, Units& outFolded, StoredValue& outValue)
+// The value of a row of kSelectValues.
+StoredValue::Ptr ReadValue(Statement& inRow)
 {
-    inRow.Text(0, outFolded);
-    inRow.Text(1, outValue.mName);
-    outValue.mType = static_cast<unsigned>(inRow.Number(2));
-    inRow.Data(3, outValue.mData);
+    Units folded;
+    Units name;
+    inRow.Text(0, folded);
+    inRow.Text(1, name);
+    ValueData data;
+    data.mType = static_cast<unsigned>(inRow.Number(2));
+    data.mBytes = inRow.Blob(3, data.mSize);
+    return StoredValue::Make(folded, name, data);
 }
 
 } // namespace
@@ -142,51 +147,49 @@ SystemError Tree::LoadValues(StoredKey& ioKey, Database* ioDatabase)
     if (ioKey.HasAllValues()) {
         return kNoError;
     }
-    std::unordered_map<Units, StoredValue, HashOfName> values;
+    ValueTable values;
     if (ioDatabase != nullptr) {
         Statement query(*ioDatabase, Database::kSelectValues);
         query.Bind(1, ioKey.mId);
         while (query.Step()) {
-            Units folded;
-            StoredValue value;
-            ReadValue(query, folded, value);
-            values.emplace(std::move(folded), std::move(value));
+            StoredValue::Ptr value = ReadValue(query);
+            const std::uint64_t hash = HashName(value->Folded());
+            values.Put(hash, std::move(value));
         }
         if (query.Error() != kNoError) {
             return query.Error();
         }
     }
-    ioKey.mValues.swap(values);
+    ioKey.mValues.Swap(values);
     ioKey.mStale.Clear();
     ioKey.mHasValues = true;
     return kNoError;
 }
 
-SystemError Tree::LoadValue(StoredKey& ioKey, const Units& inFolded, Database* ioDatabase)
+SystemError Tree::LoadValue(StoredKey& ioKey, const FoldedName& inName, Database* ioDatabase, StoredValue*& outValue)
 {
-    if (!ioKey.mHasValues) {
-        return LoadValues(ioKey, ioDatabase);
-    }
-    if (ioKey.HasValue(inFolded)) {
+    if (ioKey.Find(inName, outValue)) {
         return kNoError;
     }
-    if (ioDatabase == nullptr) {
-        return LoadValues(ioKey, ioDatabase);
+    if (!ioKey.mHasValues || ioDatabase == nullptr) {
+        const SystemError error = LoadValues(ioKey, ioDatabase);
+        ioKey.Find(inName, outValue);
+        return error;
     }
+    outValue = nullptr;
     Statement query(*ioDatabase, Database::kSelectValue);
-    query.Bind(1, ioKey.mId).Bind(2, UnitsView(inFolded));
-    if (query.Step()) {
-        Units folded;
-        StoredValue value;
-        ReadValue(query, folded, value);
-        ioKey.mValues[inFolded] = std::move(value);
-    } else if (query.Error() == kNoError) {
-        ioKey.mValues.erase(inFolded);
+    query.Bind(1, ioKey.mId).Bind(2, inName.Text());
+    StoredValue::Ptr value = query.Step() ? ReadValue(query) : nullptr;
+    if (query.Error() != kNoError) {
+        return query.Error();
     }
-    if (query.Error() == kNoError) {
-        ioKey.mStale.Remove(HashName(inFolded), inFolded);
+    if (value == nullptr) {
+        ioKey.mValues.Erase(inName.Hash(), inName.Text());
+    } else {
+        outValue = &ioKey.mValues.Put(inName.Hash(), std::move(value));
     }
-    return query.Error();
+    ioKey.mStale.Remove(inName.Hash(), inName.Text()); // last: it may throw, and the name then stays stale
+    return kNoError;
 }
 
 SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
@@ -207,6 +210,7 @@ SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
         key.mStale.Clear();
     } else if (key.mHasValues) {
         key.mStale.Add(inChange.mHash);
+        key.mValues.SetStale(inChange.mHash);
     }
     return kNoError;
 }
@@ -219,7 +223,7 @@ SystemError Tree::NoteEverything(Database* ioDatabase)
 SystemError Tree::ReloadBelow(StoredKey& ioKey, Database* ioDatabase)
 {
     ioKey.mHasValues = false;
-    ioKey.mValues.clear();
+    ioKey.mValues.Clear();
     ioKey.mStale.Clear();
     SystemError error = ReloadSubKeys(ioKey, ioDatabase);
     for (std::size_t i = 0; error == kNoError && i < ioKey.mSubKeys.size(); ++i) {
@@ -280,7 +284,7 @@ void Tree::Clear() noexcept
     std::vector<std::shared_ptr<StoredKey>>().swap(mRoot->mSubKeys);
     mRoot->mHasSubKeys = false;
     mRoot->mHasValues = false;
-    mRoot->mValues = {};
+    mRoot->mValues.Clear();
     mRoot->mStale = {};
     mKeys = {{kRootKey, mRoot.get()}};
 }
@@ -294,7 +298,7 @@ void Tree::MarkDeleted(StoredKey& ioKey) noexcept
     }
     ioKey.mIsDeleted = true;
     ioKey.mParent = nullptr;
-    ioKey.mValues.clear();
+    ioKey.mValues.Clear();
     const auto known = mKeys.find(ioKey.mId);
     if (known != mKeys.end() && known->second == &ioKey) {
         mKeys.erase(known);

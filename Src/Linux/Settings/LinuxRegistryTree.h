@@ -7,6 +7,7 @@
 #include "LinuxRegistryBoard.h"
 #include "LinuxRegistryNames.h"
 #include "LinuxRegistryStaleNames.h"
+#include "LinuxRegistryValueTable.h"
 
 #include <cstdint>
 #include <memory>
@@ -20,20 +21,6 @@ namespace Linux {
 
 class Database;
 
-struct StoredValue
-{
-    Units mName;
-    unsigned mType = 0;
-    std::basic_string<unsigned char> mData; // most values fit into the string itself
-};
-
-struct HashOfName
-{
-    // Not noexcept, because the standard library then caches the hash of each entry instead of hashing the names that
-    // it passes in a lookup again.
-    std::size_t operator()(const Units& inFolded) const { return HashName(inFolded); }
-};
-
 /// One key in memory. A deleted key has no parent, and lives until its last handle is closed.
 struct StoredKey : std::enable_shared_from_this<StoredKey>
 {
@@ -45,13 +32,19 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     bool mHasSubKeys = false; // mSubKeys is loaded
     bool mHasValues = false;  // mValues is loaded, except those of mStale
     std::vector<std::shared_ptr<StoredKey>> mSubKeys; // in the order of their folded names
-    std::unordered_map<Units, StoredValue, HashOfName> mValues; // by folded name
-    StaleNames mStale;
+    ValueTable mValues;
+    StaleNames mStale; // their values in mValues, if any, are marked
 
     bool HasAllValues() const noexcept { return mHasValues && mStale.IsEmpty(); }
-    bool HasValue(const Units& inFolded) const noexcept
+
+    /// Finds a value, or null if the key has none of that name. False if the database has to be asked.
+    bool Find(const FoldedName& inName, StoredValue*& outValue) const noexcept
     {
-        return mHasValues && (mStale.IsEmpty() || !mStale.Contains(HashName(inFolded), inFolded));
+        outValue = mHasValues ? mValues.Find(inName.Hash(), inName.Text()) : nullptr;
+        if (outValue != nullptr) {
+            return !outValue->IsStale();
+        }
+        return mHasValues && (mStale.IsEmpty() || !mStale.Contains(inName.Hash(), inName.Text()));
     }
 };
 
@@ -80,8 +73,8 @@ public:
     SystemError LoadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError LoadValues(StoredKey& ioKey, Database* ioDatabase);
 
-    /// Loads the value of a folded name if it is missing or stale.
-    SystemError LoadValue(StoredKey& ioKey, const Units& inFolded, Database* ioDatabase);
+    /// Finds a value, or null if there is none, and loads it first if it is stale.
+    SystemError LoadValue(StoredKey& ioKey, const FoldedName& inName, Database* ioDatabase, StoredValue*& outValue);
 
     /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory
     /// is reloaded immediately, so that deleted keys are marked.

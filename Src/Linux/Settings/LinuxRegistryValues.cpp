@@ -10,31 +10,37 @@ namespace Linux {
 
 using namespace SystemErrors;
 
-SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
+// 2 if the key has no such value.
+SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
+                             StoredValue*& outValue)
 {
-    return FromMemory([&](bool inMayLoad) {
-        StoredKey* key = nullptr;
-        SystemError error = Resolve(inKey, kRightToQuery, key);
-        if (error != kNoError) {
-            return error;
-        }
-        FoldName(inName, mFolded);
-        if (!inMayLoad && !key->HasValue(mFolded)) {
+    StoredKey* key = nullptr;
+    SystemError error = Resolve(inKey, inAccess, key);
+    if (error != kNoError) {
+        return error;
+    }
+    if (!key->Find(inName, outValue)) {
+        if (!inMayLoad) {
             return kNotInMemory;
         }
-        error = mTree.LoadValue(*key, mFolded, Loader());
+        error = mTree.LoadValue(*key, inName, Loader(), outValue);
+    }
+    return error == kNoError && outValue == nullptr ? kErrorFileNotFound : error;
+}
+
+SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
+{
+    const FoldedName name(inName);
+    return FromMemory([&](bool inMayLoad) {
+        StoredValue* value = nullptr;
+        const SystemError error = FindValue(inKey, kRightToQuery, name, inMayLoad, value);
         if (error != kNoError) {
             return error;
         }
-        const auto found = key->mValues.find(mFolded);
-        if (found == key->mValues.end()) {
-            return kErrorFileNotFound;
-        }
-        const StoredValue& value = found->second;
         const unsigned capacity = ioSize != nullptr ? *ioSize : 0;
-        const auto size = static_cast<unsigned>(value.mData.size());
+        const unsigned size = value->Size();
         if (outType != nullptr) {
-            *outType = value.mType;
+            *outType = value->Type();
         }
         if (ioSize != nullptr) {
             *ioSize = size;
@@ -43,19 +49,18 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
             return kErrorMoreData;
         }
         if (outData != nullptr) {
-            std::memcpy(outData, value.mData.data(), size);
+            std::memcpy(outData, value->Bytes(), size);
         }
         return kNoError;
     });
 }
 
 // Sets a value, or deletes it if inValue is null. Runs one statement, which is a transaction by itself.
-SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const StoredValue* inValue)
+SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
 {
     StoredKey* key = nullptr;
     std::int64_t number = 0;
-    Units folded;
-    FoldName(inName, folded);
+    const FoldedName folded(inName);
     {
         const std::lock_guard<std::mutex> memory(mMemory);
         SystemError error = CatchUp(true);
@@ -65,14 +70,14 @@ SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const S
         }
         number = key->mId;
     }
-    mDatabase.SetChange({Change::kValue, static_cast<std::uint64_t>(number), HashName(folded)});
+    mDatabase.SetChange({Change::kValue, static_cast<std::uint64_t>(number), folded.Hash()});
     SystemError error = kNoError;
     {
         Statement statement(mDatabase, inValue != nullptr ? Database::kPutValue : Database::kDeleteValue);
-        statement.Bind(1, number).Bind(2, UnitsView(folded));
+        statement.Bind(1, number).Bind(2, folded.Text());
         if (inValue != nullptr) {
             statement.Bind(3, inName).Bind(4, static_cast<std::int64_t>(inValue->mType));
-            statement.Bind(5, inValue->mData.data(), inValue->mData.size());
+            statement.Bind(5, inValue->mBytes, inValue->mSize);
         }
         error = statement.Run(); // may wait for other processes
     }
@@ -88,17 +93,17 @@ SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const S
     }
     KeepUp(announced, [&] {
         StoredKey* here = nullptr;
-        if (Resolve(inKey, 0, here) != kNoError || here->mId != number || !here->mHasValues) {
-            return kNoError;
+        StoredValue* known = nullptr;
+        const bool isHere = Resolve(inKey, 0, here) == kNoError && here->mId == number;
+        if (!isHere || !here->Find(folded, known)) {
+            return kNoError; // the next read loads it
         }
         if (inValue == nullptr) {
-            here->mValues.erase(folded);
-            return kNoError;
+            here->mValues.Erase(folded.Hash(), folded.Text());
+        } else if (known == nullptr || !known->Assign(*inValue)) {
+            const UnitsView name = known != nullptr ? known->Name() : inName;
+            here->mValues.Put(folded.Hash(), StoredValue::Make(folded.Text(), name, *inValue));
         }
-        StoredValue& value = here->mValues[folded];
-        value.mName = value.mName.empty() ? Units(inName) : value.mName;
-        value.mType = inValue->mType;
-        value.mData = inValue->mData;
         return kNoError;
     });
     return kNoError;
@@ -110,11 +115,7 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
     if (inName.size() > kLongestValueName) {
         return kErrorInvalidParameter;
     }
-    StoredValue value;
-    value.mType = inType;
-    if (inSize != 0) {
-        value.mData.assign(static_cast<const unsigned char*>(inData), inSize);
-    }
+    const ValueData value = {inType, inData, inSize};
     const std::lock_guard<TurnLock> work(mWork);
     const SystemError error = PutOrTake(inKey, inName, &value);
     const std::lock_guard<std::mutex> memory(mMemory);
@@ -126,15 +127,10 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
 
 SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 {
+    const FoldedName name(inName);
     const SystemError known = FromMemory([&](bool inMayLoad) {
-        StoredKey* key = nullptr;
-        SystemError error = Resolve(inKey, kRightToSet, key);
-        FoldName(inName, mFolded);
-        if (error == kNoError && !inMayLoad && !key->HasValue(mFolded)) {
-            return kNotInMemory;
-        }
-        error = error == kNoError ? mTree.LoadValue(*key, mFolded, Loader()) : error;
-        return error == kNoError && key->mValues.count(mFolded) == 0 ? kErrorFileNotFound : error;
+        StoredValue* value = nullptr;
+        return FindValue(inKey, kRightToSet, name, inMayLoad, value);
     });
     if (known != kNoError) {
         return known;
@@ -160,16 +156,14 @@ SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& 
         if (error != kNoError) {
             return error;
         }
-        std::vector<const std::pair<const Units, StoredValue>*> sorted;
-        for (const auto& value : key->mValues) {
-            sorted.push_back(&value);
-        }
-        std::sort(sorted.begin(), sorted.end(), [](auto inLeft, auto inRight) { return inLeft->first < inRight->first; });
+        std::vector<const StoredValue*> sorted = key->mValues.List();
+        std::sort(sorted.begin(), sorted.end(),
+                  [](auto inLeft, auto inRight) { return inLeft->Folded() < inRight->Folded(); });
         outValues.clear();
-        for (const auto* value : sorted) {
-            const StoredValue& stored = value->second;
-            outValues.push_back({UTF16String(stored.mName.begin(), stored.mName.end()), stored.mType,
-                                 {stored.mData.begin(), stored.mData.end()}});
+        for (const StoredValue* const value : sorted) {
+            const UnitsView name = value->Name();
+            outValues.push_back({UTF16String(name.begin(), name.end()), value->Type(),
+                                 {value->Bytes(), value->Bytes() + value->Size()}});
         }
         return kNoError;
     });

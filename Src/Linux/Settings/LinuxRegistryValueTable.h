@@ -1,0 +1,117 @@
+// Floor: System
+// The values of a key in memory, found by their folded names.
+//
+// A key can have thousands of values, and reads arrive in any order: the time of a read is that of its cache misses. So
+// the index is flat, and each value is one block of memory with its folded name and its data side by side.
+//
+// Not thread-safe; the store locks it.
+#pragma once
+
+#include "LinuxRegistryNames.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace ORL {
+namespace Registry {
+namespace Linux {
+
+/// The type and the bytes of a value. It does not own them.
+struct ValueData
+{
+    unsigned mType = 0;
+    const void* mBytes = nullptr;
+    std::size_t mSize = 0;
+};
+
+/// The header of a block that contains, after it, the folded name, the data and the name.
+class StoredValue
+{
+public:
+    struct Free
+    {
+        void operator()(StoredValue* inValue) const noexcept;
+    };
+    using Ptr = std::unique_ptr<StoredValue, Free>;
+
+    /// Throws std::bad_alloc.
+    static Ptr Make(UnitsView inFolded, UnitsView inName, const ValueData& inData);
+
+    unsigned Type() const noexcept { return mType; }
+    std::uint32_t Size() const noexcept { return mSize; }
+    const unsigned char* Bytes() const noexcept { return Begin() + mFoldedUnits * sizeof(unsigned short); }
+    UnitsView Folded() const noexcept { return UnitsAt(0, mFoldedUnits); }
+    UnitsView Name() const noexcept { return UnitsAt(NameOffset(mFoldedUnits, mSize), mNameUnits); }
+
+    /// Replaces type and data if the data has the same size as before, otherwise returns false.
+    bool Assign(const ValueData& inData) noexcept;
+
+    /// The database may contain another value.
+    bool IsStale() const noexcept { return mIsStale; }
+    void SetStale() noexcept { mIsStale = true; }
+
+private:
+    StoredValue() = default;
+
+    // An even number, so that the name is aligned.
+    static std::size_t NameOffset(std::size_t inFoldedUnits, std::size_t inSize) noexcept
+    {
+        return inFoldedUnits * sizeof(unsigned short) + ((inSize + 1) & ~std::size_t{1});
+    }
+
+    const unsigned char* Begin() const noexcept { return reinterpret_cast<const unsigned char*>(this + 1); }
+    unsigned char* Begin() noexcept { return reinterpret_cast<unsigned char*>(this + 1); }
+    UnitsView UnitsAt(std::size_t inOffset, std::size_t inCount) const noexcept
+    {
+        return UnitsView(reinterpret_cast<const unsigned short*>(Begin() + inOffset), inCount);
+    }
+
+    std::uint32_t mType = 0;
+    std::uint32_t mSize = 0; // of the data, in bytes
+    std::uint32_t mFoldedUnits = 0;
+    std::uint32_t mNameUnits : 31;
+    std::uint32_t mIsStale : 1;
+};
+
+/// Open addressing with linear probing. At most three quarters of the slots are in use.
+class ValueTable
+{
+public:
+    /// Null if there is none.
+    StoredValue* Find(std::uint64_t inHash, UnitsView inFolded) const noexcept;
+
+    /// Puts a value in the place of the one with the same folded name, or adds it. inHash is that of its folded name.
+    /// Throws std::bad_alloc, and then changes nothing.
+    StoredValue& Put(std::uint64_t inHash, StoredValue::Ptr inValue);
+
+    void Erase(std::uint64_t inHash, UnitsView inFolded) noexcept;
+
+    /// Marks all values whose folded names have that hash.
+    void SetStale(std::uint64_t inHash) noexcept;
+
+    void Clear() noexcept;
+    void Swap(ValueTable& ioOther) noexcept;
+
+    /// All values, in no order.
+    std::vector<const StoredValue*> List() const;
+
+private:
+    struct Slot
+    {
+        std::uint64_t mHash = 0;
+        StoredValue::Ptr mValue; // null in an empty slot
+    };
+
+    std::size_t Next(std::size_t inSlot) const noexcept { return (inSlot + 1) & (mSlots.size() - 1); }
+    std::size_t Home(std::uint64_t inHash) const noexcept { return inHash & (mSlots.size() - 1); }
+    std::size_t FindSlot(std::uint64_t inHash, UnitsView inFolded) const noexcept;
+    void Grow();
+
+    std::vector<Slot> mSlots; // none, or a power of two
+    std::size_t mCount = 0;
+};
+
+} // namespace Linux
+} // namespace Registry
+} // namespace ORL
