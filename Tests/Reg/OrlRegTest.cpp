@@ -183,6 +183,20 @@ TEST_F(OrlReg, GetAsJson_IsOneObject)
     Error({"get", mKey, "None", "--json"});
 }
 
+TEST_F(OrlReg, GetAsJson_ShowsTheNameAsItIsStored)
+{
+    const std::string stored = "Gr\u00F6\u00DFe X";
+    const std::string asked = "gR\u00D6\u00DFE x";
+    const std::string longer = "Gr\u00F6SSe X"; // another value
+    for (const std::string& name : {longer, stored}) {
+        Output({"set", mKey, name, "1", "--type", "u32"});
+    }
+    const std::string expected = "{\"name\": \"" + stored + "\", \"type\": \"u32\", \"value\": 2}\n";
+    Output({"set", mKey, asked, "2", "--type", "u32"});
+    EXPECT_EQ(expected, Output({"get", mKey, asked, "--json"}));
+    EXPECT_EQ(expected, Output({"get", mKey, stored, "--json"}));
+}
+
 TEST_F(OrlReg, CheckAsJson_IsOneObject)
 {
     Output({"set", mKey, "n", "v"});

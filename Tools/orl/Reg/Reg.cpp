@@ -8,6 +8,8 @@
 #include "RegValueText.h"
 #include "Text.h"
 
+#include <tvxcore/Text.h>
+
 #include <iostream>
 #include <memory>
 
@@ -79,6 +81,23 @@ ORL::RegistryValue ReadValue(const std::string& inCommand, const Options& inOpti
     return value;
 }
 
+// The system finds a value without regard to case and does not report the name that it is stored with.
+UTF16String StoredNameOf(const std::string& inCommand, const RegKeyName& inKey, const UTF16String& inName)
+{
+    const UTF16String folded = tvxcore::utility::FoldCase(inName);
+    UTF16String stored = inName;
+    for (const ORL::RegistryValue& value : ReadRegValues(inCommand, inKey)) {
+        if (value.mName == inName) {
+            return inName;
+        }
+        // Some case mappings change the length; the system's do not.
+        if (value.mName.size() == inName.size() && tvxcore::utility::FoldCase(value.mName) == folded) {
+            stored = value.mName;
+        }
+    }
+    return stored;
+}
+
 void List(const Options& inOptions)
 {
     ListRegKey({KeyOf(inOptions), inOptions.mIsRecursive, inOptions.mAsJson});
@@ -86,7 +105,11 @@ void List(const Options& inOptions)
 
 void Get(const Options& inOptions)
 {
-    const ORL::RegistryValue value = ReadValue("reg get", inOptions, KeyOf(inOptions));
+    const RegKeyName key = KeyOf(inOptions);
+    ORL::RegistryValue value = ReadValue("reg get", inOptions, key);
+    if (inOptions.mAsJson) {
+        value.mName = StoredNameOf("reg get", key, value.mName);
+    }
     std::cout << (inOptions.mAsJson ? JsonOfRegValue(value) : PlainRegValue(value)) << '\n';
 }
 
