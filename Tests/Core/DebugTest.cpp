@@ -1,6 +1,7 @@
 #include <ORLDebug.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 
 namespace {
 
@@ -26,12 +28,7 @@ char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)
 {
-    EXPECT_EQ(CheckReport::kError, inReport.mKind);
-    EXPECT_EQ(inText, inReport.mExpression);
-    EXPECT_EQ(105u, inReport.mPackage);
-    EXPECT_EQ(inErrorID, inReport.mLine);
-    EXPECT_EQ(0, inReport.mLevel);
-    EXPECT_TRUE(inReport.mFlag);
+    ExpectReport(inReport).Kind(CheckReport::kError).Expression(inText).Package(105u).Line(inErrorID).Level(0).Flag(true);
     // Only the address distinguishes one empty value from another.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
@@ -77,10 +74,7 @@ TEST(IsValidAddressRange, EmptyRange_FiresTheInputContractAndIsTrueWhenThatComes
     EXPECT_TRUE(IsValidAddressRange(sBytes, static_cast<const void*>(sBytes), false));
     const auto reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ(CheckReport::kContract, reports[0].mKind);
-    EXPECT_EQ("inBegin < inEnd", reports[0].mExpression);
-    EXPECT_EQ("Debug", reports[0].mFile);
-    EXPECT_EQ(61, reports[0].mLine);
+    ExpectReport(reports[0]).Kind(CheckReport::kContract).Expression("inBegin < inEnd").File("Debug").Line(61);
     ExpectContractError(reports[1], kInputText, 25);
 }
 
@@ -134,12 +128,7 @@ TEST(OrlAssert, FailingExpression_IsEvaluatedOnceReportedAndPassed)
     EXPECT_EQ(1, evaluations);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("++evaluations == 2", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("Tests/Core/DebugTest.cpp", reports[0].mFile);
-    EXPECT_EQ(line, reports[0].mLine);
-    EXPECT_EQ("TestBody", reports[0].mFunction);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("++evaluations == 2").Message("").File("Tests/Core/DebugTest.cpp").Line(line).Function("TestBody");
 }
 
 TEST(OrlAssert, NotIgnored_ReportsOnEveryPass)
@@ -183,15 +172,9 @@ TEST(OrlAssert, StatedIdentity_IsReportedInPlaceOfTheSource)
     ORL_ASSERT_MESSAGE_AT(isFine, "text of the check", "a message", "Source", 12, "Function");
     const auto reports = recorder.Reports();
     ASSERT_EQ(3u, reports.size());
-    EXPECT_EQ("isFine", reports[0].mExpression);
-    EXPECT_EQ("ClassFactory", reports[0].mFile);
-    EXPECT_EQ(288, reports[0].mLine);
-    EXPECT_EQ("ORL::ClassFactory::Example", reports[0].mFunction);
-    EXPECT_EQ("Tests/Core/DebugTest.cpp", reports[1].mFile);
-    EXPECT_EQ(line, reports[1].mLine);
-    EXPECT_EQ("ORL::Example::Function", reports[1].mFunction);
-    EXPECT_EQ("text of the check", reports[2].mExpression);
-    EXPECT_EQ("a message", reports[2].mMessage);
+    ExpectReport(reports[0]).Expression("isFine").File("ClassFactory").Line(288).Function("ORL::ClassFactory::Example");
+    ExpectReport(reports[1]).File("Tests/Core/DebugTest.cpp").Line(line).Function("ORL::Example::Function");
+    ExpectReport(reports[2]).Expression("text of the check").Message("a message");
 }
 
 TEST(OrlAssert, MacroInsideTheExpression_IsShownAsItWasWritten)
@@ -201,7 +184,7 @@ TEST(OrlAssert, MacroInsideTheExpression_IsShownAsItWasWritten)
     ORL_ASSERT(ORL_TEST_ZERO != 0);
 #undef ORL_TEST_ZERO
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ("ORL_TEST_ZERO != 0", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("ORL_TEST_ZERO != 0");
 }
 
 TEST(OrlAssert, MessageIsBuiltOnlyWhenTheCheckFails)
@@ -281,9 +264,7 @@ TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
     const auto reports = recorder.Reports();
     ASSERT_EQ(4u, reports.size());
     for (std::size_t first : {0u, 2u}) {
-        EXPECT_EQ(CheckReport::kContract, reports[first].mKind);
-        EXPECT_EQ("++evaluations < 0", reports[first].mExpression);
-        EXPECT_EQ("Tests/Core/DebugTest.cpp", reports[first].mFile);
+        ExpectReport(reports[first]).Kind(CheckReport::kContract).Expression("++evaluations < 0").File("Tests/Core/DebugTest.cpp");
         ExpectContractError(reports[first + 1], kInputText, 25);
     }
 }
@@ -296,10 +277,9 @@ TEST(OrlContract, BrokenOutputContract_RaisesItsOwnError)
     ORL_OUTPUT_CONTRACT_AT(recorder.mThrow, "Source", 7);
     const auto reports = recorder.Reports();
     ASSERT_EQ(4u, reports.size());
-    EXPECT_EQ(line, reports[0].mLine);
+    ExpectReport(reports[0]).Line(line);
     ExpectContractError(reports[1], kOutputText, 26);
-    EXPECT_EQ("Source", reports[2].mFile);
-    EXPECT_EQ(7, reports[2].mLine);
+    ExpectReport(reports[2]).File("Source").Line(7);
 }
 
 TEST(OrlContract, ErrorManagerThatThrows_EndsTheFunctionAtTheCheck)

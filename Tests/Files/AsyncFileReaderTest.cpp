@@ -3,6 +3,7 @@
 #include "AsyncReadsFixture.h"
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ORLFoundation.h>
 #include <ORLHostPath.h>
 #include <ORLPathUtils.h>
@@ -447,7 +448,7 @@ TEST_P(AsyncReads, OpenReader_RefusesASecondFileWithTheInputContract)
     EXPECT_EQ(-1, AsyncFileReader::Open(MakeClip("other.mov", kBlock), reader));
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE");
     const AlignedBuffer buffer(kBlock);
     EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead) << "the first file is still open";
 }
@@ -458,7 +459,7 @@ TEST_P(AsyncReads, StartedTwice_FiresTheInputContractAndKeepsRunning)
     StartupAsyncFileOperations();
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("sCompletionPort == NULL", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("sCompletionPort == NULL");
     AsyncFileReader reader;
     EXPECT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader));
 }
@@ -472,7 +473,7 @@ TEST(AsyncFileReader, OpenedBeforeTheStart_FiresTheInputContract)
     EXPECT_EQ(-1, AsyncFileReader::Open(folder.Path(u"clip.mov"), reader));
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE");
 }
 
 TEST(AsyncFileReader, NeverOpened_HasNoSectorSizeAndClosesQuietly)
@@ -490,7 +491,7 @@ TEST(AsyncFileReader, ReadQueuedWithNoFile_FiresTheInputContract)
     AsyncFileReader reader;
     EXPECT_THROW(reader.QueueReadRequest(0, 512, nullptr, nullptr, nullptr, nullptr, nullptr),
                  CheckRecorder::ContractError);
-    EXPECT_EQ("mImpl->mFileHandle != INVALID_HANDLE_VALUE", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("mImpl->mFileHandle != INVALID_HANDLE_VALUE");
 }
 
 TEST(AsyncFileReader, FoundationStartedAndStopped_ReadsBetween)

@@ -3,6 +3,7 @@
 #include "AsyncReadsFixture.h"
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <FaultySystemCallsLinux.h>
 #include <ProcessThreads.h>
 
@@ -283,7 +284,7 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
     }
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("result", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("result");
     EXPECT_EQ(mFiles, CountOpenFiles());
 }
 

@@ -1,6 +1,7 @@
 #include <ORLDirectory.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ORLPathUtils.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
@@ -14,6 +15,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Show;
 using ORLTest::TempFolder;
 using ORLTest::Units;
@@ -261,8 +263,7 @@ TEST_F(DirectoryTest, EmptyFilter_BreaksTheContract)
     EXPECT_EQ(1u, files.size());
     const auto reports = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("!inFilterExtension.empty()", reports[0].mExpression);
-    EXPECT_EQ("Directory", reports[0].mFile);
+    ExpectReport(reports[0]).Expression("!inFilterExtension.empty()").File("Directory");
 }
 
 TEST_F(DirectoryTest, IsDirectoryWriteable_LeavesNoProbe)
@@ -294,8 +295,7 @@ TEST_F(DirectoryTest, IsReadOnly_OfAnEmptyPath_IsReportedAndFalse)
     EXPECT_FALSE(PathUtils::IsReadOnly(UTF16String()));
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_LE(1u, contracts.size());
-    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
-    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
+    ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("WinPathUtils");
 }
 
 TEST_F(DirectoryTest, IsReadOnly_DropsOneSeparatorOfANormalizedPath)

@@ -3,6 +3,7 @@
 #include <BlockCacheSupport.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <FileBufferFactory.h>
 #include <FileImpl.h>
 #include <LruFileBuffer.h>
@@ -148,9 +149,7 @@ TEST_F(FileBlockCache, AnUnknownMethod_IsReported)
     EXPECT_EQ(kSuccess, clip.mFile.SetFilePointer(7, static_cast<Method::Type>(3)));
     const auto reports = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("false", reports[0].mExpression);
-    EXPECT_EQ("WinFile", reports[0].mFile);
-    EXPECT_EQ("ORL::File::SetFilePointer", reports[0].mFunction);
+    ExpectReport(reports[0]).Expression("false").File("WinFile").Function("ORL::File::SetFilePointer");
 }
 
 TEST_F(FileBlockCache, WhoMayWriteOrLetsWriteOrWantsNoBuffer_GetsNone)

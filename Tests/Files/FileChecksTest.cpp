@@ -2,6 +2,7 @@
 #include <FileSupport.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -74,13 +75,10 @@ TEST(FileChecks, EachContract_IsReportedAndSurvived)
         site.mBreak(folder);
         const auto reports = recorder.Reports(CheckReport::kContract);
         ASSERT_EQ(1u, reports.size());
-        EXPECT_EQ(site.mExpression, reports[0].mExpression);
-        EXPECT_EQ("WinFile", reports[0].mFile);
+        ExpectReport(reports[0]).Expression(site.mExpression).File("WinFile");
         const auto errors = recorder.Reports(CheckReport::kError);
         ASSERT_EQ(1u, errors.size());
-        EXPECT_EQ("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!",
-                  errors[0].mExpression);
-        EXPECT_EQ(25, errors[0].mLine);
+        ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25);
         EXPECT_EQ("contents", ContentsOf(folder, "f"));
     }
 }
@@ -107,9 +105,5 @@ TEST(FileChecks, ADirectoryPath_IsReportedUnlessItIsAllowed)
     EXPECT_EQ(kAccessDenied, Opened(folder.Path(), kRead).mResult);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("!PathUtils::IsDirectory(inFullPath)", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("WinFile", reports[0].mFile);
-    EXPECT_EQ("ORL::File::Create", reports[0].mFunction);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("!PathUtils::IsDirectory(inFullPath)").Message("").File("WinFile").Function("ORL::File::Create");
 }

@@ -2,6 +2,7 @@
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <PathForms.h>
 #include <TextHelpers.h>
 
@@ -12,6 +13,7 @@
 using namespace ORL::PathUtils;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Show;
 using ORLTest::Units;
 
@@ -70,9 +72,8 @@ TEST(IsNormalizedPath, OfAnEmptyPath_FiresTheInputContract)
     EXPECT_FALSE(IsNormalizedPath(UTF16String()));
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
-    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
-    EXPECT_EQ(25, recorder.Reports(CheckReport::kError)[0].mLine);
+    ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("WinPathUtils");
+    ExpectReport(recorder.Reports(CheckReport::kError)[0]).Line(25);
 }
 
 TEST(StripUNC, EachNormalizedForm_BecomesPlain)
@@ -96,10 +97,7 @@ TEST(StripUNC, OfAnyOtherText_ReportsAndGivesAnEmptyText)
         EXPECT_EQ(UTF16String(), Win::StripUNC(UTF16String(path.begin(), path.end())));
         const auto asserts = recorder.Reports(CheckReport::kAssert);
         ASSERT_EQ(1u, asserts.size()) << path;
-        EXPECT_EQ("!\"Non-normative UNC path detected\"", asserts[0].mExpression);
-        EXPECT_EQ("Path '" + path + "' is not a normative UNC path\r\n", asserts[0].mMessage);
-        EXPECT_EQ("WinPathUtils", asserts[0].mFile);
-        EXPECT_EQ("ORL::PathUtils::Win::StripUNC", asserts[0].mFunction);
+        ExpectReport(asserts[0]).Expression("!\"Non-normative UNC path detected\"").Message("Path '" + path + "' is not a normative UNC path\r\n").File("WinPathUtils").Function("ORL::PathUtils::Win::StripUNC");
     }
 }
 
@@ -107,7 +105,7 @@ TEST(StripUNC, OfANameBeyondASCII_ShowsItAsUTF8)
 {
     CheckRecorder recorder;
     Win::StripUNC(Units(u"\u00E9"));
-    EXPECT_EQ("Path '\xC3\xA9' is not a normative UNC path\r\n", recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Message("Path '\xC3\xA9' is not a normative UNC path\r\n");
 }
 
 TEST(IsRootedPath, NeedsTwoBackslashesOrALetterAndColon)
@@ -223,11 +221,7 @@ TEST(MakePath, PartsOf2044Units_ReportAndGiveAnEmptyText)
     EXPECT_EQ(UTF16String(), MakePath(Units(u"C"), UTF16String(2044 - 5, 'd'), Units(u"fi"), Units(u"ex")));
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("len <= kBufferLength", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("WinPathUtils", reports[0].mFile);
-    EXPECT_EQ("ORL::PathUtils::MakePath", reports[0].mFunction);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("len <= kBufferLength").Message("").File("WinPathUtils").Function("ORL::PathUtils::MakePath");
 }
 
 TEST(GetFullDirectoryPart, EndsWithTheLastSeparator)
@@ -251,6 +245,5 @@ TEST(GetFullDirectoryPart, OfAnEmptyPath_FiresTheInputContract)
     EXPECT_EQ(UTF16String(), GetFullDirectoryPart(UTF16String()));
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
-    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
+    ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("WinPathUtils");
 }

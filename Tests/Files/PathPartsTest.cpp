@@ -2,6 +2,7 @@
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <TextHelpers.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 using namespace ORL::PathUtils;
 using ORLTest::Show;
+using ORLTest::ExpectReport;
 using ORLTest::Units;
 
 namespace {
@@ -176,13 +178,10 @@ TEST(PathParts, OfAnEmptyPath_FireTheInputContractAndAreEmpty)
         EXPECT_EQ(UTF16String(), part(UTF16String()));
         const auto contracts = recorder.Reports(ORLTest::CheckReport::kContract);
         ASSERT_EQ(1u, contracts.size());
-        EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
-        EXPECT_EQ("PathUtils", contracts[0].mFile);
+        ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("PathUtils");
         const auto errors = recorder.Reports(ORLTest::CheckReport::kError);
         ASSERT_EQ(1u, errors.size());
-        EXPECT_EQ("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!",
-                  errors[0].mExpression);
-        EXPECT_EQ(25, errors[0].mLine);
+        ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25);
     }
 }
 

@@ -2,6 +2,7 @@
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <PathForms.h>
 #include <Platform/Paths.h>
 #include <TempFolder.h>
@@ -12,6 +13,7 @@
 using namespace ORL::PathUtils;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Show;
 using ORLTest::TempFolder;
 using ORLTest::Units;
@@ -48,7 +50,7 @@ TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
     CheckRecorder recorder;
     EXPECT_FALSE(ExistsOnDisk(Units(u"\\")));
     ASSERT_EQ(1u, recorder.Reports(CheckReport::kContract).size());
-    EXPECT_EQ("IsValidPath(inFullPath)", recorder.Reports(CheckReport::kContract)[0].mExpression);
+    ExpectReport(recorder.Reports(CheckReport::kContract)[0]).Expression("IsValidPath(inFullPath)");
 }
 
 // One trailing backslash is dropped before the lookup, so a file is found with it as well.
@@ -98,17 +100,14 @@ TEST(PathQueries, OfAnEmptyPath_ReportTheirSite)
     EXPECT_FALSE(IsHidden(UTF16String()));
     const auto asserts = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(2u, asserts.size());
-    EXPECT_EQ("ORL::PathUtils::ExistsOnDisk", asserts[0].mFunction);
-    EXPECT_EQ("ORL::PathUtils::IsDirectory", asserts[1].mFunction);
+    ExpectReport(asserts[0]).Function("ORL::PathUtils::ExistsOnDisk");
+    ExpectReport(asserts[1]).Function("ORL::PathUtils::IsDirectory");
     for (const CheckReport& report : asserts) {
-        EXPECT_EQ("IsValidPath(inFullPath)", report.mExpression);
-        EXPECT_EQ("WinPathUtils", report.mFile);
-        EXPECT_EQ("", report.mMessage);
+        ExpectReport(report).Expression("IsValidPath(inFullPath)").File("WinPathUtils").Message("");
     }
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("IsValidPath(inFullPath)", contracts[0].mExpression);
-    EXPECT_EQ("WinPathUtils", contracts[0].mFile);
+    ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("WinPathUtils");
 }
 
 TEST(IsDirectory, KnowsFoldersFromFiles)
@@ -188,9 +187,7 @@ TEST(PreparePathForWrite, WithoutATrailingBackslash_ReportsAndGoesOn)
     EXPECT_TRUE(IsDirectory(folder.Path(u"new")));
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("HasTrailingSlash(inPath)", reports[0].mExpression);
-    EXPECT_EQ("WinPathUtils", reports[0].mFile);
-    EXPECT_EQ("ORL::PathUtils::PreparePathForWrite", reports[0].mFunction);
+    ExpectReport(reports[0]).Expression("HasTrailingSlash(inPath)").File("WinPathUtils").Function("ORL::PathUtils::PreparePathForWrite");
 }
 
 TEST(MakeUniqueFilename, CountsUpFromOne)
@@ -281,10 +278,7 @@ TEST(GetTempDirectory, OfMoreThan512Units_ReportsAndIsEmpty)
     EXPECT_EQ(601u, sSizes[1]);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("false", reports[0].mExpression);
-    EXPECT_EQ("Could not get the current temporary directory!", reports[0].mMessage);
-    EXPECT_EQ("WinPathUtils", reports[0].mFile);
-    EXPECT_EQ("ORL::PathUtils::GetTempDirectory", reports[0].mFunction);
+    ExpectReport(reports[0]).Expression("false").Message("Could not get the current temporary directory!").File("WinPathUtils").Function("ORL::PathUtils::GetTempDirectory");
 }
 
 // The meaning of the second result is the reverse of what one would expect.

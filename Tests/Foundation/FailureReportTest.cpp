@@ -4,6 +4,7 @@
 #include <ORLThreadManager.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <tvxcore/Executor.h>
 
 #include <cstdlib>
@@ -75,9 +76,7 @@ TEST(UnhandledExceptionAlert, Text_NamesExceptionThreadAndModule)
     ThrowAfterUnhandledExceptionAlert(ignore, "the disk is on fire");
     const std::vector<CheckReport> shown = recorder.Reports();
     ASSERT_EQ(1u, shown.size());
-    EXPECT_EQ(CheckReport::kDisplay, shown[0].mKind);
-    EXPECT_EQ(kTitle, shown[0].mExpression);
-    EXPECT_EQ(AlertText("the disk is on fire\r\n\r\n"), shown[0].mMessage);
+    ExpectReport(shown[0]).Kind(CheckReport::kDisplay).Expression(kTitle).Message(AlertText("the disk is on fire\r\n\r\n"));
 }
 
 TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)
@@ -86,7 +85,7 @@ TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)
     bool ignore = false;
     ThrowAfterUnhandledExceptionAlert(ignore, "");
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ(AlertText(""), recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Message(AlertText(""));
 }
 
 TEST(UnhandledExceptionAlert, OnANamedThread_ShowsItsNamesAsUTF8)
@@ -164,7 +163,7 @@ TEST(TopLevelHandler, Exceptions_AreShownByTheirTextAndDoNotLeave)
             recorder.mDisplayChoice = choice;
             EXPECT_EQ(choice == 0 ? 1 : 0, Execute(row.mFunction)) << "row at line " << row.mLine;
             ASSERT_EQ(1u, recorder.Reports().size()) << "row at line " << row.mLine;
-            EXPECT_EQ(kTitle, recorder.Reports()[0].mExpression);
+            ExpectReport(recorder.Reports()[0]).Expression(kTitle);
             EXPECT_EQ(AlertText(row.mText), recorder.Reports()[0].mMessage) << "row at line " << row.mLine;
         }
     }

@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <CountedLifecycle.h>
+#include <ExpectReport.h>
 #include <ProcessRunner.h>
 #include <QueueRequests.h>
 #include <TempFolder.h>
@@ -18,6 +19,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::MakeRequest;
 using ORLTest::ProcessResult;
 using ORLTest::RunBesideThisProgram;
@@ -167,7 +169,7 @@ TEST_F(FoundationTest, StartedTwiceAndStoppedOnce_LeavesAllServicesRunning)
     EXPECT_EQ(0u, BytesReadOf(folder.Path(u"clip")));
     const std::vector<CheckReport> broken = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, broken.size());
-    EXPECT_EQ("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", broken[0].mExpression);
+    ExpectReport(broken[0]).Expression("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE");
 }
 
 TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstStart)

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 
 #include <ORLException.h>
 
@@ -49,16 +50,15 @@ inline void ExpectPublished(const PublishedSite& inSite)
     EXPECT_EQ(!isAssert, leftByContract);
     const auto reports = recorder.Reports(isAssert ? CheckReport::kAssert : CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(inSite.mExpression, reports[0].mExpression);
-    EXPECT_EQ(inSite.mMessage, reports[0].mMessage);
+    ExpectReport(reports[0]).Expression(inSite.mExpression).Message(inSite.mMessage);
     if (inSite.mSource != nullptr) {
-        EXPECT_EQ(inSite.mSource, reports[0].mFile);
+        ExpectReport(reports[0]).File(inSite.mSource);
     }
     if (inSite.mLine != 0) {
-        EXPECT_EQ(inSite.mLine, reports[0].mLine);
+        ExpectReport(reports[0]).Line(inSite.mLine);
     }
     if (inSite.mFunction != nullptr) {
-        EXPECT_EQ(inSite.mFunction, reports[0].mFunction);
+        ExpectReport(reports[0]).Function(inSite.mFunction);
     }
 }
 

@@ -1,5 +1,6 @@
 // Tests the published checks of thread records and of the flush. Their line numbers are not published.
 #include <PublishedSites.h>
+#include <ExpectReport.h>
 
 #include <ORLThreadManager.h>
 #include <ORLThreadedWorkQueueFlush.h>
@@ -28,6 +29,7 @@ std::uint32_t WrappedAllocateSlot()
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::ExpectPublished;
 using ORLTest::PublishedSite;
 
@@ -195,10 +197,8 @@ TEST(PublishedSites, OfAFlushThatIsRefused_AreReportedAsPublished)
     FlushQueue(queue);
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ("queuedSuccessfully", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("false", reports[1].mExpression);
-    EXPECT_EQ("Something went awry while queuing Flush items.\r\n", reports[1].mMessage);
-    EXPECT_EQ(kFlush, reports[0].mFunction);
-    EXPECT_EQ(kFlush, reports[1].mFunction);
+    ExpectReport(reports[0]).Expression("queuedSuccessfully").Message("");
+    ExpectReport(reports[1]).Expression("false").Message("Something went awry while queuing Flush items.\r\n");
+    ExpectReport(reports[0]).Function(kFlush);
+    ExpectReport(reports[1]).Function(kFlush);
 }

@@ -1,5 +1,6 @@
 // Tests the published checks of the core and of the objects room.
 #include <PublishedSites.h>
+#include <ExpectReport.h>
 
 #include <ORLAtomic.h>
 #include <ORLDebug.h>
@@ -11,6 +12,7 @@
 
 using namespace ORL;
 using ORLTest::ExpectPublished;
+using ORLTest::ExpectReport;
 using ORLTest::PublishedSite;
 
 namespace {
@@ -172,9 +174,5 @@ TEST(PublishedSites, StarOfAnEmptyObjectPtr_IsReportedAsPublished)
     EXPECT_THROW((void)(*empty).mNumber, ORLTest::CheckRecorder::ContractError);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("IsValidAddress(mPtr)", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("ORLObjectPtr", reports[0].mFile);
-    EXPECT_EQ(199, reports[0].mLine);
-    EXPECT_EQ("ORL::ObjectPtr::operator*", reports[0].mFunction);
+    ExpectReport(reports[0]).Expression("IsValidAddress(mPtr)").Message("").File("ORLObjectPtr").Line(199).Function("ORL::ObjectPtr::operator*");
 }

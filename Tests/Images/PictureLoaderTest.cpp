@@ -6,6 +6,7 @@
 
 #include <BitmapPixels.h>
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <TempFolder.h>
 
 #include <ORLDirectoryRegistry.h>
@@ -160,7 +161,7 @@ TEST_F(PictureLoader, LocalizedMiss_IsReportedOnceAndIgnorable)
     EXPECT_FALSE(ThePlugIn().LoadBitmapW(9999, true).IsValid());
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(739, reports[0].mLine);
+    ExpectReport(reports[0]).Line(739);
 }
 
 TEST_F(PictureLoader, WithoutAPng_TheBitmapResourceIsLoaded)

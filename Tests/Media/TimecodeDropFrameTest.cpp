@@ -1,4 +1,5 @@
 #include "TimecodeTestSupport.h"
+#include <ExpectReport.h>
 
 #include <TimecodeDropFrame.h>
 
@@ -112,11 +113,7 @@ TEST(TimecodeDropFrame, FrameOneOfADroppedMinute_ReportsAndFallsBelowTheMinute)
     const auto reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
     for (const CheckReport& report : reports) {
-        EXPECT_EQ(CheckReport::kAssert, report.mKind);
-        EXPECT_EQ("inFrames != 1", report.mExpression);
-        EXPECT_EQ("", report.mMessage);
-        EXPECT_EQ("Timecode", report.mFile);
-        EXPECT_EQ("ORL::`anonymous-namespace'::NTSCDropFrame_HMSFToTime", report.mFunction);
+        ExpectReport(report).Kind(CheckReport::kAssert).Expression("inFrames != 1").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::NTSCDropFrame_HMSFToTime");
     }
 }
 

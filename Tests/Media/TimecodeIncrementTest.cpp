@@ -1,4 +1,5 @@
 #include "TimecodeTestSupport.h"
+#include <ExpectReport.h>
 
 #include <TimecodeDropFrame.h>
 
@@ -270,14 +271,9 @@ TEST(TimecodeIncrement, OfFramesByHoursMinutesOrSeconds_Reports)
         code.IncrementHMSF(increment[0], increment[1], increment[2], 0);
         const auto reports = recorder.Reports();
         ASSERT_EQ(2u, reports.size());
-        EXPECT_EQ("(mTimeDisplay != tvxmediatypes::kTimeDisplay_Frames) || ((inHours == 0) && (inMinutes == 0) && "
-                  "(inSeconds == 0))",
-                  reports[0].mExpression);
-        EXPECT_EQ("Timecode", reports[0].mFile);
-        EXPECT_EQ("ORL::Timecode::PrivateImpl::IncrementHMSF", reports[0].mFunction);
-        EXPECT_EQ("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)", reports[1].mExpression);
-        EXPECT_EQ("Timecode", reports[1].mFile);
-        EXPECT_EQ("ORL::`anonymous-namespace'::HMSFToTime", reports[1].mFunction);
+        ExpectReport(reports[0]).Expression("(mTimeDisplay != tvxmediatypes::kTimeDisplay_Frames) || ((inHours == 0) && (inMinutes == 0) && "
+                  "(inSeconds == 0))").File("Timecode").Function("ORL::Timecode::PrivateImpl::IncrementHMSF");
+        ExpectReport(reports[1]).Expression("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)").File("Timecode").Function("ORL::`anonymous-namespace'::HMSFToTime");
         EXPECT_EQ(Frames(100, kFrameRate_VideoPAL), code.GetTime()) << "the frames alone make the time";
     }
 }
@@ -312,7 +308,7 @@ TEST(TimecodeIncrement, OfNegativeFramesAsSetTimeStoresThem_RunsIntoTheClockFiel
     EXPECT_EQ(std::numeric_limits<long long>::max() - 6, record.mFrames);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)");
 }
 
 TEST(TimecodeIncrement, ExtremeIncrements_WrapAndEnd)

@@ -1,4 +1,5 @@
 #include "TimecodeTestSupport.h"
+#include <ExpectReport.h>
 
 #include <TimecodeFormats.h>
 
@@ -32,10 +33,7 @@ void ExpectOneContract(const CheckRecorder& inRecorder, const char* inExpression
     EXPECT_EQ("Timecode", contracts[0].mFile) << "row at line " << inLine;
     const auto errors = inRecorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size()) << "row at line " << inLine;
-    EXPECT_EQ("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!",
-              errors[0].mExpression);
-    EXPECT_EQ(25, errors[0].mLine);
-    EXPECT_EQ(105u, errors[0].mPackage);
+    ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25).Package(105u);
 }
 
 } // namespace
@@ -118,11 +116,7 @@ TEST(Timecode, GetFrameRateForDisplayMode_OfAnUnknownFormat_ReportsAndGivesTheZe
         EXPECT_EQ(FrameRate(), GetFrameRateForDisplayMode(static_cast<TimeDisplay>(display), kFrameRate_VideoPAL));
         const auto reports = recorder.Reports();
         ASSERT_EQ(1u, reports.size()) << display;
-        EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-        EXPECT_EQ("false", reports[0].mExpression);
-        EXPECT_EQ("", reports[0].mMessage);
-        EXPECT_EQ("Timecode", reports[0].mFile);
-        EXPECT_EQ("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode", reports[0].mFunction);
+        ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("false").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
     }
 }
 
@@ -235,8 +229,7 @@ TEST(Timecode, AudioRateWithAnUnknownFormat_PassesTheContractAndReportsTheFormat
     const auto asserts = recorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(2u, asserts.size()) << "once for the frame format, once for the fields";
     for (const CheckReport& report : asserts) {
-        EXPECT_EQ("false", report.mExpression);
-        EXPECT_EQ("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode", report.mFunction);
+        ExpectReport(report).Expression("false").Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
     }
     EXPECT_EQ(TickTime(1.0), code.GetTime());
     EXPECT_EQ("00:00:00:0", Narrow(code.GetString())) << "at the zero rate there are no frames";

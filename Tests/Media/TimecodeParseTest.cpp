@@ -1,4 +1,5 @@
 #include "TimecodeTestSupport.h"
+#include <ExpectReport.h>
 
 #include <TimecodeStrings.h>
 
@@ -264,11 +265,7 @@ TEST(TimecodeParse, FrameOverflowAtARateWithoutANominalOne_MayReport)
     Parse("0:29", FrameRate(14.985), kTimeDisplay_25Timecode);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
-    EXPECT_EQ("Timecode", reports[0].mFile);
-    EXPECT_EQ("ORL::`anonymous-namespace'::SMPTEStringToTime", reports[0].mFunction);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::SMPTEStringToTime");
 }
 
 TEST(TimecodeParse, RateBelowOne_DoesNotCarryFrames)
@@ -347,7 +344,7 @@ TEST(TimecodeParse, FrameOneOfADroppedMinute_Reports)
     EXPECT_EQ(Frames(1799, kFrameRate_VideoNTSC),
               Parse("00;01;00;01", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ("inFrames != 1", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("inFrames != 1");
 }
 
 TEST(TimecodeParse, PlainFrames_TakeOneLeadSeparatorAndNoOther)

@@ -1,6 +1,7 @@
 #include <ORLMemoryRecycler.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <MemoryRecyclerLifecycle.h>
 
 #include <cstring>
@@ -284,10 +285,8 @@ TEST(MemoryBuffer, AllocatedWhileItHoldsMemory_FiresTheInputContract)
     EXPECT_THROW(buffer.Allocate(16), ORLTest::CheckRecorder::ContractError);
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ("mBuffer == NULL", reports[0].mExpression);
-    EXPECT_EQ("MemoryRecycler", reports[0].mFile);
-    EXPECT_EQ(147, reports[0].mLine);
-    EXPECT_EQ(25, reports[1].mLine);
+    ORLTest::ExpectReport(reports[0]).Expression("mBuffer == NULL").File("MemoryRecycler").Line(147);
+    ORLTest::ExpectReport(reports[1]).Line(25);
     buffer.Release();
 }
 
@@ -298,11 +297,7 @@ TEST(MemoryBuffer, ReleasedWhileEmpty_IsReportedAndCleared)
     buffer.Release();
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(ORLTest::CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("mBuffer != NULL", reports[0].mExpression);
-    EXPECT_EQ("MemoryRecycler", reports[0].mFile);
-    EXPECT_EQ(207, reports[0].mLine);
-    EXPECT_EQ("ORL::MemoryBuffer::Release", reports[0].mFunction);
+    ORLTest::ExpectReport(reports[0]).Kind(ORLTest::CheckReport::kAssert).Expression("mBuffer != NULL").File("MemoryRecycler").Line(207).Function("ORL::MemoryBuffer::Release");
     EXPECT_EQ(0u, buffer.GetSize());
 }
 
@@ -353,10 +348,7 @@ TEST(MemoryBufferWrapper, BeforeTheStart_IsReportedByThePointersPublishedCheck)
     EXPECT_THROW(MemoryBufferWrapper buffer(kLarge), ORLTest::CheckRecorder::ContractError);
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("IsValidAddress(mPtr)", reports[0].mExpression);
-    EXPECT_EQ("ORLObjectPtr", reports[0].mFile);
-    EXPECT_EQ(209, reports[0].mLine);
-    EXPECT_EQ("ORL::ObjectPtr::operator->", reports[0].mFunction);
+    ORLTest::ExpectReport(reports[0]).Expression("IsValidAddress(mPtr)").File("ORLObjectPtr").Line(209).Function("ORL::ObjectPtr::operator->");
 }
 
 TEST(MemoryRecycler, EightThreadsWithATinyLimit_NeverShareABuffer)

@@ -1,6 +1,7 @@
 #include <ORLInterface.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 
 using namespace ORL;
 using ORLTest::CheckRecorder;
+using ORLTest::ExpectReport;
 
 namespace {
 
@@ -156,7 +158,7 @@ TEST(InterfaceRef, NullDereferenced_IsReportedAndThrows)
     const InterfaceRef<IShape> null;
     EXPECT_THROW(null->Corners(), NullInterfaceException);
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ("Attempt to use a NULL InterfaceRef\r\n", recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Message("Attempt to use a NULL InterfaceRef\r\n");
 }
 
 TEST(InterfaceRef, NullDereferencedAfterItsCheckWasIgnoredForGood_StillThrows)

@@ -2,6 +2,7 @@
 
 #include <AllocationFaults.h>
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 
 using namespace ORL;
 using ORLTest::CheckRecorder;
+using ORLTest::ExpectReport;
 
 namespace {
 
@@ -248,7 +250,7 @@ TEST(ObjectPtr, CountBelowOne_IsReportedAndTheObjectIsLeftAlone)
         *counter = 0; // as if a second owner had forgotten to count
     }
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ("*mCounter > CounterType(0)", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("*mCounter > CounterType(0)");
     EXPECT_EQ(-1, *counter);
     EXPECT_EQ(1, Object::sLiving);
     delete object;

@@ -1,6 +1,7 @@
 // The check sites of modules and string tables. The check "length > 0" of StringUtils, line 449, cannot fail, because a
 // text of length 0 counts as missing.
 #include "../Foundation/PublishedSites.h"
+#include <ExpectReport.h>
 #include "PlugIns.h"
 
 #include <LibraryModule.h>
@@ -175,9 +176,6 @@ TEST(PublishedSites, OfAMissingMenu_IsReportedAsPublished)
     EXPECT_EQ(nullptr, ThePlugIn().LoadMenuW(9999));
     const auto reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ(739, reports[0].mLine);
-    EXPECT_EQ("menuResource != NULL", reports[1].mExpression);
-    EXPECT_EQ("WinModule", reports[1].mFile);
-    EXPECT_EQ(936, reports[1].mLine);
-    EXPECT_EQ("ORL::Module::LoadMenuW", reports[1].mFunction);
+    ExpectReport(reports[0]).Line(739);
+    ExpectReport(reports[1]).Expression("menuResource != NULL").File("WinModule").Line(936).Function("ORL::Module::LoadMenuW");
 }

@@ -1,6 +1,7 @@
 #include "PlugIns.h"
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 
 #include <ORLStringResources.h>
 
@@ -129,7 +130,7 @@ TEST(StringResources, NoLocalizedBlock_OneCheckAndThenAmericanEnglish)
     const CheckRecorder recorder;
     EXPECT_EQ("one", Shown(tables, 1));
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ("rsrc != NULL", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("rsrc != NULL");
 }
 
 TEST(StringResources, NoBlockAtAll_TwoChecksAndNoText)
@@ -184,7 +185,7 @@ TEST(StringResources, CutBlock_IsReportedAndGivesNothing)
             if (id == 15) {
                 EXPECT_EQ("", text) << cut;
                 ASSERT_EQ(1u, recorder.Reports().size());
-                EXPECT_EQ("data < dataEnd", recorder.Reports()[0].mExpression);
+                ExpectReport(recorder.Reports()[0]).Expression("data < dataEnd");
             }
         }
     }

@@ -1,6 +1,7 @@
 #include <ORLImmutableString.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ImmutableStringRecord.h>
 #include <ImmutableStringTable.h>
 #include <ORLString.h>
@@ -226,10 +227,7 @@ TEST(ImmutableStringRecord, ReleasedBelowZero_IsReportedByItsPublishedSite)
     record.RemoveRef();
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("AtomicRead(mReferenceCount) > 0", reports[0].mExpression);
-    EXPECT_EQ("ImmutableString", reports[0].mFile);
-    EXPECT_EQ(70, reports[0].mLine);
-    EXPECT_EQ("ORL::ImmutableString::InternalRepresentation::RemoveRef", reports[0].mFunction);
+    ORLTest::ExpectReport(reports[0]).Expression("AtomicRead(mReferenceCount) > 0").File("ImmutableString").Line(70).Function("ORL::ImmutableString::InternalRepresentation::RemoveRef");
     EXPECT_EQ(-1, record.CountOfHandles()) << "the count is changed all the same";
 }
 

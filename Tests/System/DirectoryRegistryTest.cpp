@@ -1,6 +1,7 @@
 #include <ORLDirectoryRegistry.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ORLString.h>
 
 #include <gtest/gtest.h>
@@ -136,7 +137,7 @@ TEST(DirectoryRegistry, PatternOfWhiteSpace_IsReportedAsNotRegistered)
     const CheckRecorder recorder;
     EXPECT_EQ("", Expand(" \t\r\n\f"));
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ(UnregisteredMessage("Pattern"), recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Message(UnregisteredMessage("Pattern"));
 }
 
 TEST(DirectoryRegistry, NestedEmptyDirectory_IsCheckedByItself)
@@ -145,7 +146,7 @@ TEST(DirectoryRegistry, NestedEmptyDirectory_IsCheckedByItself)
     const Registered directories{{"Blank", " "}, {"Outer", "[$(Blank)]"}};
     EXPECT_EQ("[]", Find("Outer"));
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ(UnregisteredMessage("Blank"), recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Message(UnregisteredMessage("Blank"));
 }
 
 TEST(DirectoryRegistry, UnknownSymbol_IsEmptyAfterAnAssertion)
@@ -153,8 +154,7 @@ TEST(DirectoryRegistry, UnknownSymbol_IsEmptyAfterAnAssertion)
     const CheckRecorder recorder;
     EXPECT_EQ("", Find("N\xC3\xB6pe"));
     ASSERT_EQ(1u, recorder.Reports().size());
-    EXPECT_EQ(CheckReport::kAssert, recorder.Reports()[0].mKind);
-    EXPECT_EQ(UnregisteredMessage("N\xC3\xB6pe"), recorder.Reports()[0].mMessage);
+    ExpectReport(recorder.Reports()[0]).Kind(CheckReport::kAssert).Message(UnregisteredMessage("N\xC3\xB6pe"));
 }
 
 TEST(DirectoryRegistry, SecondRegistration_ReplacesTheFirst)

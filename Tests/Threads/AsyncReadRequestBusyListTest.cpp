@@ -1,6 +1,7 @@
 #include <AsyncReadRequestBusyList.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <Stress.h>
 #include <WaitableGateAlgorithm.h>
 #include <WaitableGatePoolAlgorithm.h>
@@ -20,6 +21,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Rounds;
 
 namespace {
@@ -210,8 +212,8 @@ TEST(AsyncReadRequestBusyList, RequestAddedTwice_BreaksTheInputContract)
     list.Add(&request);
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("mBusyList.find(inRequest) == mBusyList.end()", contracts[0].mExpression);
-    EXPECT_EQ(25, recorder.Reports(CheckReport::kError)[0].mLine);
+    ExpectReport(contracts[0]).Expression("mBusyList.find(inRequest) == mBusyList.end()");
+    ExpectReport(recorder.Reports(CheckReport::kError)[0]).Line(25);
     EXPECT_EQ(1u, list.CountRequests());
     list.Remove(&request);
 }
@@ -226,8 +228,8 @@ TEST(AsyncReadRequestBusyList, UnknownRequestRemoved_BreaksTheInputContract)
     list.Remove(&unknown);
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("mBusyList.find(inRequest) != mBusyList.end()", contracts[0].mExpression);
-    EXPECT_EQ(25, recorder.Reports(CheckReport::kError)[0].mLine);
+    ExpectReport(contracts[0]).Expression("mBusyList.find(inRequest) != mBusyList.end()");
+    ExpectReport(recorder.Reports(CheckReport::kError)[0]).Line(25);
     EXPECT_EQ(1u, list.CountRequests());
     list.Remove(&known);
 }

@@ -1,6 +1,7 @@
 #include <AsyncReadRequestPool.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <Stress.h>
 #include <ScriptedPolicy.h>
 
@@ -17,6 +18,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Rounds;
 using ORLTest::Script;
 using ORLTest::ScriptedPolicy;
@@ -142,10 +144,10 @@ TEST(AsyncReadRequestPool, FreeOfNull_BreaksTheInputContract)
     sStaticPool.FreeAsyncReadRequest(nullptr);
     const auto contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("inRequest != NULL", contracts[0].mExpression);
+    ExpectReport(contracts[0]).Expression("inRequest != NULL");
     const auto errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size());
-    EXPECT_EQ(25, errors[0].mLine);
+    ExpectReport(errors[0]).Line(25);
     EXPECT_TRUE(recorder.Reports(CheckReport::kAssert).empty());
 }
 
@@ -157,9 +159,7 @@ TEST(AsyncReadRequestPool, RequestFreedTwice_IsAssertedUnderThePublishedName)
     sStaticPool.FreeAsyncReadRequest(request);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("AtomicRead(allocRecord->mBusy) == 1", reports[0].mExpression);
-    EXPECT_EQ(kFree, reports[0].mFunction);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("AtomicRead(allocRecord->mBusy) == 1").Function(kFree);
     EXPECT_EQ(0u, sStaticPool.CountBusyRecords()) << "it stays free";
 }
 

@@ -1,6 +1,7 @@
 #include <ORLEvent.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <Stress.h>
 #include <WithoutHandle.h>
 #include <Platform/Event.h>
@@ -16,6 +17,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Rounds;
 using ORLTest::WithoutHandle;
 
@@ -176,9 +178,7 @@ TEST(WaitableObject, SystemGivesNoEvent_AssertsAndThrows)
     EXPECT_THROW(WaitableObject(), EventFailure);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("mEvent", reports[0].mExpression);
-    EXPECT_EQ("", reports[0].mMessage);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("mEvent").Message("");
 }
 
 TEST(WaitableObject, SystemRefusesTheSignal_AssertsAndThrows)
@@ -188,8 +188,7 @@ TEST(WaitableObject, SystemRefusesTheSignal_AssertsAndThrows)
     EXPECT_THROW(event.Signal(), EventFailure);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("eventOK", reports[0].mExpression);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("eventOK");
 }
 
 TEST(WaitableObject, SystemCannotWait_IsAResultAndNoException)

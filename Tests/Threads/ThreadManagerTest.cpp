@@ -1,6 +1,7 @@
 #include <ORLThreadManager.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ORLString.h>
 #include <Platform/ThreadManager.h>
 #include <tvxcore/Executor.h>
@@ -15,6 +16,7 @@
 
 using namespace ORL;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 
 // The main thread of a process can be set only once. The test command therefore runs every test in its own process. The
 // tests below also pass in one process, as long as the same thread registers.
@@ -107,7 +109,7 @@ TEST_F(ThreadRecords, EmptyNames_FireTheContractAndTheRecordIsStillBuilt)
     });
     const std::vector<CheckReport> reports = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("!inThreadName.empty() && !inCurrentModule.empty()", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("!inThreadName.empty() && !inCurrentModule.empty()");
 }
 
 TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStaysMain)
@@ -124,12 +126,10 @@ TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStays
     EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
     const std::vector<CheckReport> asserts = mRecorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(1u, asserts.size());
-    EXPECT_EQ("tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID", asserts[0].mExpression);
-    EXPECT_EQ("RegisterMainThread has been called from more than one thread.\r\n", asserts[0].mMessage);
-    EXPECT_EQ("ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID", asserts[0].mFunction);
+    ExpectReport(asserts[0]).Expression("tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID").Message("RegisterMainThread has been called from more than one thread.\r\n").Function("ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID");
     const std::vector<CheckReport> contracts = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
-    EXPECT_EQ("sInfoIndexAllocated == false", contracts[0].mExpression);
+    ExpectReport(contracts[0]).Expression("sInfoIndexAllocated == false");
 }
 
 TEST_F(ThreadRecords, UnregisterOfAThreadWithoutRecord_FiresTheContract)
@@ -138,7 +138,7 @@ TEST_F(ThreadRecords, UnregisterOfAThreadWithoutRecord_FiresTheContract)
     OnAnotherThread([] { ThreadManager::UnregisterThread(); });
     const std::vector<CheckReport> reports = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ("info", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("info");
 }
 
 TEST_F(ThreadRecords, NamingAThreadWithNoDebuggerAttached_DoesNothingVisible)
@@ -220,8 +220,8 @@ TEST(ThreadManager, BeforeAStart_RegisteringAThreadFiresTheContract)
     EXPECT_THROW(ThreadManager::UnregisterThread(), ORLTest::CheckRecorder::ContractError);
     const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ("sInfoIndexAllocated", reports[0].mExpression);
-    EXPECT_EQ("sInfoIndexAllocated", reports[1].mExpression);
+    ExpectReport(reports[0]).Expression("sInfoIndexAllocated");
+    ExpectReport(reports[1]).Expression("sInfoIndexAllocated");
 }
 
 TEST(ThreadManager, AfterUnregistering_TheMainThreadStaysMain)
@@ -242,8 +242,7 @@ TEST(ThreadManager, SecondCycle_ReportsTheOldNumberOnceAndAllocatesAgain)
     ThreadManager::RegisterMainThread();
     const std::vector<CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(CheckReport::kAssert, reports[0].mKind);
-    EXPECT_EQ("sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES", reports[0].mExpression);
+    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES");
     EXPECT_EQ("CorvantoMain", NameOfThisThread());
     ThreadManager::UnregisterMainThread();
 }

@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <CoreClock.h>
+#include <ExpectReport.h>
 #include <ORLConstString.h>
 #include <Stress.h>
 #include <tvxcore/Guid.h>
@@ -16,6 +17,7 @@
 
 using namespace ORL;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 
 namespace {
 
@@ -64,9 +66,7 @@ void ExpectMessages(const ORLTest::CheckRecorder& inRecorder, const std::vector<
     const std::vector<CheckReport> reports = inRecorder.Reports();
     ASSERT_EQ(inMessages.size(), reports.size());
     for (std::size_t i = 0; i < reports.size(); ++i) {
-        EXPECT_EQ(CheckReport::kAssert, reports[i].mKind);
-        EXPECT_EQ(inMessages[i], reports[i].mMessage);
-        EXPECT_EQ("ORL::ThreadedWorkQueueFlush::Flush", reports[i].mFunction);
+        ExpectReport(reports[i]).Kind(CheckReport::kAssert).Message(inMessages[i]).Function("ORL::ThreadedWorkQueueFlush::Flush");
     }
 }
 
@@ -81,7 +81,7 @@ TEST(ThreadedWorkQueueFlush, WithoutAQueue_IsReportedAndReturns)
     flush->Flush();
     const std::string message = "Init was not called in ThreadedWorkQueueFlush, or the provided Queue was NULL\r\n";
     ExpectMessages(recorder, {message, message});
-    EXPECT_EQ("false", recorder.Reports()[0].mExpression);
+    ExpectReport(recorder.Reports()[0]).Expression("false");
 }
 
 TEST(ThreadedWorkQueueFlush, OnAThreadOfTheQueue_IsReportedAndReturnsWithoutWaiting)
@@ -262,8 +262,7 @@ TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)
         for (int i = 0; i < 3; ++i) {
             EXPECT_EQ("queuedSuccessfully", reports[static_cast<std::size_t>(i)].mExpression);
         }
-        EXPECT_EQ("Something went awry while queuing Flush items.\r\n", reports[3].mMessage);
-        EXPECT_EQ("false", reports[3].mExpression);
+        ExpectReport(reports[3]).Message("Something went awry while queuing Flush items.\r\n").Expression("false");
     }
     const QueueRef running = StartedQueue(2);
     ExpectIdle(flush, running);

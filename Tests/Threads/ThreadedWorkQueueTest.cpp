@@ -2,6 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <CurrentThread.h>
+#include <ExpectReport.h>
 #include <ProcessThreads.h>
 #include <QueueRequests.h>
 #include <Signals.h>
@@ -21,6 +22,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Event;
 using ORLTest::MakeRequest;
 using ORLTest::Meeting;
@@ -52,10 +54,7 @@ constexpr char kNotStopped[] = "Stop() was not called on a ThreadedWorkQueue.\r\
 
 void ExpectAssert(const CheckReport& inReport, const char* inExpression, const char* inMessage, const char* inFunction)
 {
-    EXPECT_EQ(CheckReport::kAssert, inReport.mKind);
-    EXPECT_EQ(inExpression, inReport.mExpression);
-    EXPECT_EQ(inMessage, inReport.mMessage);
-    EXPECT_EQ(inFunction, inReport.mFunction);
+    ExpectReport(inReport).Kind(CheckReport::kAssert).Expression(inExpression).Message(inMessage).Function(inFunction);
 }
 
 } // namespace
@@ -193,12 +192,12 @@ TEST(ThreadedWorkQueue, EmptyNames_BreakTheContractInTheirOrderAndTheQueueStarts
     queue->Stop();
     const std::vector<CheckReport> contracts = recorder.Reports(CheckReport::kContract);
     ASSERT_EQ(2u, contracts.size());
-    EXPECT_EQ("!inThreadName.empty()", contracts[0].mExpression);
-    EXPECT_EQ("!inModuleName.empty()", contracts[1].mExpression);
+    ExpectReport(contracts[0]).Expression("!inThreadName.empty()");
+    ExpectReport(contracts[1]).Expression("!inModuleName.empty()");
     const std::vector<CheckReport> errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(2u, errors.size());
-    EXPECT_EQ(25, errors[0].mLine);
-    EXPECT_EQ(25, errors[1].mLine);
+    ExpectReport(errors[0]).Line(25);
+    ExpectReport(errors[1]).Line(25);
 }
 
 TEST(ThreadedWorkQueue, EmptyNameWithAManagerThatThrows_LeavesTheQueueAsItWas)
@@ -297,7 +296,7 @@ TEST(ThreadedWorkQueue, RequestThatThrows_IsReportedAndLetGoAndItsThreadGoesOn)
     queue->Stop();
     const std::vector<CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    EXPECT_EQ(1, reports[0].mLevel);
+    ExpectReport(reports[0]).Level(1);
     EXPECT_NE(std::string::npos, reports[0].mExpression.find("\"Module: Thread\" has thrown: reason"));
 }
 
@@ -310,7 +309,7 @@ TEST(ThreadedWorkQueue, NullRequest_IsReportedByTheThreadThatFindsIt)
     queue->Stop();
     const std::vector<CheckReport> reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
-    EXPECT_EQ("mIPtr != NULL", reports[0].mExpression);
+    ExpectReport(reports[0]).Expression("mIPtr != NULL");
     EXPECT_NE(std::string::npos, reports[1].mExpression.find("A NULL interface pointer has been dereferenced."));
 }
 

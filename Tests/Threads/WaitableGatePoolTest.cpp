@@ -1,6 +1,7 @@
 #include <ORLWaitableGate.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <Stress.h>
 #include <WaitableGateAlgorithm.h>
 #include <WaitableGatePoolAlgorithm.h>
@@ -16,6 +17,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Rounds;
 
 namespace {
@@ -164,7 +166,7 @@ TEST(WaitableGatePool, ReturnOfNull_BreaksTheContractAndDoesNothing)
     EXPECT_EQ(Expressions{"inGate"}, Contracts(recorder));
     const auto errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size());
-    EXPECT_EQ(25, errors[0].mLine);
+    ExpectReport(errors[0]).Line(25);
     EXPECT_EQ(0u, Pool::sPool.load()->CountIdleGates());
 }
 
@@ -218,7 +220,7 @@ TEST(WaitableGatePool, GateThatIsOpen_BreaksTheOutputContract)
     EXPECT_EQ(Expressions{"kWaitTimeout == ret->Wait(0)"}, Contracts(recorder));
     const auto errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size());
-    EXPECT_EQ(26, errors[0].mLine);
+    ExpectReport(errors[0]).Line(26);
     CountingPool::ReturnGate(gate);
 }
 

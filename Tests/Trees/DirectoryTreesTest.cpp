@@ -2,6 +2,7 @@
 #include <ORLDirectory.h>
 
 #include <CheckRecorder.h>
+#include <ExpectReport.h>
 #include <ORLPathUtils.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
@@ -16,6 +17,7 @@
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::TempFolder;
 using ORLTest::Units;
 
@@ -189,9 +191,7 @@ TEST_F(DirectoryTrees, ExtendedPaths_AreReportedAndRefused)
                                                 row.mIsDestination ? Extended(To()) : To()));
         const auto reports = recorder.Reports(CheckReport::kAssert);
         ASSERT_EQ(1u, reports.size());
-        EXPECT_EQ("false", reports[0].mExpression);
-        EXPECT_EQ("UNC paths are not supported by SHFileOperation!", reports[0].mMessage);
-        EXPECT_EQ("ORL::`anonymous-namespace'::FileOperation", reports[0].mFunction);
+        ExpectReport(reports[0]).Expression("false").Message("UNC paths are not supported by SHFileOperation!").Function("ORL::`anonymous-namespace'::FileOperation");
     }
     EXPECT_EQ(mTree, Read("from"));
     EXPECT_FALSE(Exists("to"));

@@ -1,6 +1,7 @@
 #include <CheckRecorder.h>
 #include <CurrentThread.h>
 #include <ExecutorCore.h>
+#include <ExpectReport.h>
 #include <ProcessThreads.h>
 #include <Signals.h>
 #include <ThreadedExecutor.h>
@@ -23,6 +24,7 @@
 using namespace tvxcore::threads;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
+using ORLTest::ExpectReport;
 using ORLTest::Event;
 using ORLTest::Meeting;
 using ORLTest::Record;
@@ -244,11 +246,9 @@ TEST(Executor, FunctionThatThrows_IsReportedAsAWarningAndItsThreadGoesOn)
     EXPECT_NE(std::thread::id(), last);
     const std::vector<CheckReport> errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(2u, errors.size());
-    EXPECT_EQ("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: reason",
-              errors[0].mExpression);
-    EXPECT_EQ("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: an exception of no "
-              "standard type",
-              errors[1].mExpression);
+    ExpectReport(errors[0]).Expression("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: reason");
+    ExpectReport(errors[1]).Expression("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: an exception of no "
+              "standard type");
     for (const CheckReport& error : errors) {
         EXPECT_EQ(1, error.mLevel);
         EXPECT_EQ(110u, error.mPackage);
