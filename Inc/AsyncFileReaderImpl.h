@@ -29,7 +29,7 @@ using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
 /// One read, from QueueReadRequest until its callback has returned.
 struct AsyncReadRequest
 {
-    AsyncFiles::Platform::Overlapped mOverlapped; // first: the pointer that a port returns is the request itself
+    AsyncFiles::Platform::Overlapped mOverlapped; // must be first: the port's pointer is cast to the request
     std::uint64_t mFilePosition;
     std::uint32_t mSize;
     void* mBuffer; // owned by the caller

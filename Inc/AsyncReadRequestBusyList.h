@@ -27,8 +27,8 @@ public:
     AsyncReadRequestBusyList(const AsyncReadRequestBusyList&) = delete;
     AsyncReadRequestBusyList& operator=(const AsyncReadRequestBusyList&) = delete;
 
-    /// Adds a request. Fires an input contract if it is already in the list. Throws std::bad_alloc and then leaves the
-    /// list unchanged.
+    /// Adds a request. Fires an input contract if it is already in the list. May throw std::bad_alloc; in that case the
+    /// list is unchanged.
     void Add(Request* inRequest)
     {
         typename Policy::LockScope lock(mLock);
@@ -114,8 +114,8 @@ private:
         }
     }
 
-    // A host may interrupt a waiting thread. The pool accepts only open gates, and the last waiter is the only thread
-    // at this one.
+    // A host may interrupt a waiting thread. The pool accepts only open gates, so the last waiter opens this gate, at
+    // which no other thread waits.
     void LeaveInterrupted(typename Policy::Gate* inGate)
     {
         typename Policy::LockScope lock(mLock);

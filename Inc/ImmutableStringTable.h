@@ -35,8 +35,8 @@ public:
     ImmutableStringTable(const ImmutableStringTable&) = delete;
     ImmutableStringTable& operator=(const ImmutableStringTable&) = delete;
 
-    /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. Throws
-    /// std::bad_alloc and then changes nothing.
+    /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. May throw
+    /// std::bad_alloc; in that case nothing has changed.
     Record* Enter(const unsigned char* inText, bool inIsStatic);
 
     /// Removes the dynamic records without handles. Returns whether it removed any.

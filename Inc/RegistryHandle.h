@@ -31,8 +31,8 @@ public:
     /// The view bits of the access that the key was opened with.
     unsigned View() const noexcept { return mView; }
 
-    /// Returns the error of the open, and then leaves the handle unchanged; otherwise the error of closing the previous
-    /// handle.
+    /// If opening fails, returns its error and leaves the handle unchanged; otherwise returns the error of closing the
+    /// previous handle.
     SystemError Open(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
     SystemError Create(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess);
 

@@ -124,7 +124,7 @@ private:
         }
     }
 
-    mutable typename Policy::Lock mLock; // only a gate's mutex is locked under it
+    mutable typename Policy::Lock mLock; // only a gate's mutex is locked under this lock
     // A stack of closed gates that the pool owns.
     typename Policy::template Guarded<Gates> mGates TVXCORE_GUARDED_BY(mLock);
     const std::size_t mMaxIdleGates;

@@ -22,7 +22,7 @@ using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 struct ClassMapEntry
 {
     Guid mClassID;                // the key of the entry
-    const char* mFirstName;       // the two texts of the registration; stored as pointers, not read here
+    const char* mFirstName;       // the two texts of the registration; stored as pointers, never read
     const char* mSecondName;
     CreateClassFunction mCreate;
 };

@@ -26,9 +26,9 @@ class ResourceCollection;
 
 namespace DirectoryRegistry {
 
-/// Registers a pattern under a symbol, or replaces the symbol's pattern. Symbols are case-sensitive.
-/// Neither argument may be empty (input contracts). The pattern is neither checked nor expanded. Throws std::bad_alloc
-/// and then leaves the table unchanged.
+/// Registers a pattern under a symbol, or replaces the symbol's pattern. Symbols are case-sensitive. Neither argument
+/// may be empty (input contracts). The pattern is neither checked nor expanded. May throw std::bad_alloc; in that case
+/// the table is unchanged.
 ORL_API void RegisterDirectory(const UTF16String& inFullPathname, const UTF16String& inSymbolicName);
 
 /// Removes a symbol, which must not be empty (input contract). Does nothing if it is not registered.

@@ -21,7 +21,7 @@ namespace ORL {
 ///           removes dynamic ones, or until the process exits.
 /// Threads:  one thread at a time per handle. Handles on several threads may refer to one text. Interning a new text
 ///           and purging take one lock; copying and releasing change one counter.
-/// Failure:  creating throws std::bad_alloc and then changes nothing.
+/// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
 /// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
 ///           operation works until the process ends, for threads still running and for handles in static storage; the
 ///           system reclaims their memory. A module that unloads the library earlier must release its handles first:

@@ -146,7 +146,7 @@ private:
 
     std::atomic<std::uintptr_t> mWord{0};
     std::uint32_t mDepth = 0;             // recursive locks by the owner; only the owner accesses it
-    std::atomic<std::uint32_t> mLooks{0}; // lock operations that still test first; a hint, any thread may write it
+    std::atomic<std::uint32_t> mLooks{0}; // lock operations that still test first; a hint that any thread may write
 };
 
 } // namespace Internal

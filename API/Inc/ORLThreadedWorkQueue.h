@@ -50,7 +50,7 @@ public:
 /// Threads:  thread-safe, the queue's own threads included, with two exceptions: Initialize must finish before a second
 ///           thread uses the queue, and Stop must not run at the same time as Initialize.
 /// Failure:  misuse is reported by assertions and contract checks; results are only true and false. QueueRequest and
-///           SetIdleProcess may throw std::bad_alloc, and then change nothing.
+///           SetIdleProcess may throw std::bad_alloc; in that case nothing has changed.
 class ORL_API ThreadedWorkQueue : public UnknownImpl<ORLUnknown, ThreadedWorkQueue>
 {
 public:

@@ -22,7 +22,7 @@ template <class Policy>
 class WorkQueueFlushAlgorithm;
 } // namespace Sync
 
-/// Queues one item for each thread of the queue; each item blocks its thread until all have arrived. Meanwhile no
+/// Queues one item for each thread of the queue; each item blocks its thread until all have arrived. Until then no
 /// thread of the queue runs other requests.
 ///
 /// Owner:    counted references. A caller must hold one while it uses the object: the queued items are references too,

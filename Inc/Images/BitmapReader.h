@@ -14,7 +14,7 @@ struct PixelPicture
 {
     unsigned int mWidth = 0;
     unsigned int mHeight = 0;
-    std::vector<std::uint32_t> mPixels; // rows from the top; alpha in bits 24 to 31, then red, green, blue
+    std::vector<std::uint32_t> mPixels; // top row first; alpha in bits 24 to 31, then red, green, blue
 };
 
 /// Reads a bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, in either order of rows, plain, run-length encoded or with bit

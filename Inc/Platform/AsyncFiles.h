@@ -28,7 +28,7 @@ inline Handle InvalidHandle()
 }
 
 /// The system's state of one read in flight, in the layout of Windows. The caller sets the position and zeroes
-/// everything else; the system uses its words until the read has completed.
+/// everything else; the system uses the two system words until the read has completed.
 struct Overlapped
 {
     std::uintptr_t mSystemWord1;

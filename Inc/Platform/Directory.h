@@ -13,7 +13,7 @@ namespace Platform {
 enum class EntryKind {
     kDirectory,
     kOther,   // not a directory
-    kUnknown, // the listing does not report it (for links, for example): query the path
+    kUnknown, // the listing does not report the kind (of a link, for example): query the path
 };
 
 struct Entry

@@ -14,7 +14,7 @@ namespace Resources {
 /// A stored type or name: a number, or a text in the index's memory.
 struct StoredName
 {
-    std::uint32_t mOffset = 0; // of the unmodified text; its canonical form follows it
+    std::uint32_t mOffset = 0; // offset of the unmodified text, which its canonical form follows
     std::uint32_t mCount = 0;
     std::uint32_t mCanonicalCount = 0;
     unsigned short mID = 0;

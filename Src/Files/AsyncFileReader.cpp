@@ -14,7 +14,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// A failure without a named code.
+// A failure that has no named code.
 constexpr Result kBareFailure = -1;
 
 const Handle INVALID_HANDLE_VALUE = InvalidHandle();
@@ -91,7 +91,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
     ORL_INPUT_CONTRACT(ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE);
     Handle& file = ioOpenedAsyncFileReader.mImpl->mFileHandle;
     if (sCompletionPort == nullptr || file != INVALID_HANDLE_VALUE) {
-        return kBareFailure; // without a port no read could complete, and the file would stay open
+        return kBareFailure; // without a port no read could complete
     }
     if (!PathUtils::ExistsOnDisk(inPath) || PathUtils::IsDirectory(inPath)) {
         return kBareFailure;

@@ -16,7 +16,7 @@ using namespace Files::Platform;
 
 namespace {
 
-// Returns true if the access is read-only, no other handle may write meanwhile, and the caller does not bypass the
+// Returns true if the access is read-only, no other handle may write to the file, and the caller does not bypass the
 // system's cache itself.
 bool MayUseBuffer(FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileAttributesFlags::Type inAttributes)

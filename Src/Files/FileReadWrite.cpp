@@ -10,8 +10,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// A seek fails only if the system returns this. The system returns 0 for a refused seek, so refused seeks succeed;
-// hosts rely on it.
+// A seek fails only if the system returns this value. The system returns 0 for a refused seek, so refused seeks
+// succeed; hosts rely on it.
 constexpr int kFailedSeek = -1;
 
 Result ResultOfSeek(int inAnswer)

@@ -1,4 +1,4 @@
-// Replaces a file by a finished temporary file, and makes names for temporary files.
+// Replaces a file by a finished temporary file, and finds unused names for new files.
 #include <FileImpl.h>
 
 #include <ORLDebug.h>

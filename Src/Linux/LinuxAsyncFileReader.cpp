@@ -262,7 +262,7 @@ void ClosePort_Impl(Handle inPort)
 const char* DescribePort_Impl(Handle inPort)
 {
     const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
-    return port != nullptr ? port->Describe() : "nothing"; // its text is static
+    return port != nullptr ? port->Describe() : "nothing"; // Describe returns a static text
 }
 
 bool PostEmptyPacket_Impl(Handle inPort)

@@ -86,7 +86,7 @@ std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 /// no ring was requested. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
-/// Decides whether to repeat calls that were interrupted or failed because of a temporary shortage.
+/// Decides whether to repeat a system call that was interrupted or failed because of a temporary shortage.
 class Retries
 {
 public:

@@ -85,7 +85,7 @@ public:
     }
 
 private:
-    // The file may have grown meanwhile.
+    // The file may have grown since its size was read.
     bool Tell() const { return mProgress == nullptr || mProgress(std::max(mTotal, mDone), mDone, mData); }
 
     // Returns the bytes moved, 0 at the end, or -1 and errno.

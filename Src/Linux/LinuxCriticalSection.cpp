@@ -24,8 +24,8 @@ void SleepWhile(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValu
     ::syscall(SYS_futex, LowHalf(inWord), FUTEX_WAIT_PRIVATE, static_cast<std::uint32_t>(inValue), nullptr, nullptr, 0);
 }
 
-// If the owner runs on another processor, spinning briefly is cheaper than sleeping. With a single processor it would
-// only waste the owner's time.
+// If the owner runs on another processor, spinning briefly is cheaper than sleeping. With a single processor, spinning
+// would only waste the owner's time.
 bool MaySpin()
 {
     static const bool may = [] {

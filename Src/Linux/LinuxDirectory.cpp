@@ -138,7 +138,7 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
 
 namespace {
 
-// A folder where files can be created but not deleted would keep the probe forever.
+// In a folder where files can be created but not deleted, the test file would remain forever.
 bool KeepsAllNames(const std::string& inFolder)
 {
     struct statx status;
@@ -148,8 +148,8 @@ bool KeepsAllNames(const std::string& inFolder)
 
 } // namespace
 
-// Unlinks the name before it writes the byte, so that no one finds the file and no crash leaves it behind. A file
-// without a name (O_TMPFILE) would not test whether the folder accepts and removes names.
+// Unlinks the name before it writes the byte, so that no other process finds the file and no crash leaves it behind. An
+// unnamed file (O_TMPFILE) would not test whether the folder accepts and removes names.
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;

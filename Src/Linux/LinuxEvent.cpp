@@ -74,8 +74,8 @@ int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
     return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
 }
 
-// The last check of a thread whose time ran out. It consumes a signal that arrived meanwhile, or removes itself from
-// the waiters.
+// The last check of a thread whose time ran out. Consumes a signal that has arrived since the time ran out, or removes
+// the thread from the waiters.
 WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
 {
     std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);
@@ -135,12 +135,12 @@ unsigned long SetEvent_Impl(void* inEvent)
     const int released = event.mManualReset ? INT_MAX : 1;
     std::uint32_t* const word = event.FutexWord();
     // Writes the signal even if it is already set: the write publishes the caller's own stores. Guesses the state
-    // first, as above.
+    // first, as TakeSignal does.
     std::uint64_t state = 0;
     while (!event.mState.compare_exchange_weak(state, state | kSignalled)) {
     }
     if (state >= kOneWaiter && (state & kSignalled) == 0) {
-        // From here on the event may be destroyed. The kernel uses only the address as a number and does not read the
+        // The event may be destroyed from now on. The kernel uses only the address as a number and does not read the
         // memory. A wake-up that finds no waiter, or an unrelated one, is harmless, so its failure is ignored.
         ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, released, nullptr, nullptr, 0);
     }
@@ -153,7 +153,7 @@ WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds)
         return WaitOutcome::kFailed;
     }
     FutexEvent& event = *static_cast<FutexEvent*>(inEvent);
-    // A poll that finds no signal must not write: others may poll the same event in a loop.
+    // A poll that finds no signal must not write: other threads may poll the same event in a loop.
     if (inMilliseconds == 0 && (event.mState.load(std::memory_order_relaxed) & kSignalled) == 0) {
         return WaitOutcome::kTimeout;
     }

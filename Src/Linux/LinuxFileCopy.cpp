@@ -120,7 +120,7 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
     UnfinishedCopy copy(inDestination.mPath, to->mIdentity);
     error = CopyContents(from->mDescriptor, source, to->mDescriptor, destination, isNew, inWish);
     if (error == kNoError) {
-        error = to->Close(); // some file systems report a full disk only here
+        error = to->Close(); // some file systems report a full disk only on close
     }
     if (error == kNoError) {
         copy.Done();

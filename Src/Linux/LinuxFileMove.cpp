@@ -91,7 +91,7 @@ int OpenToSync(const std::string& inPath, int inFlags)
     return descriptor;
 }
 
-// A copy has the permissions of its source, which may lack one of the two.
+// A copy has the permissions of its source, which may deny reading or writing.
 int OpenAnyWay(const std::string& inFile)
 {
     const int descriptor = OpenToSync(inFile, O_RDONLY | O_NOFOLLOW);
@@ -290,7 +290,7 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
     return kNoError;
 }
 
-// The folders of both names, possibly one and the same.
+// The folders of both names, which may be the same folder.
 class BothFolders
 {
 public:
@@ -317,7 +317,7 @@ public:
 
 private:
     const FolderToSync mReplaced;
-    std::optional<FolderToSync> mReplacement; // if it is another folder
+    std::optional<FolderToSync> mReplacement; // if it is a different folder
 };
 
 // Acquires all memory and descriptors before the exchange.

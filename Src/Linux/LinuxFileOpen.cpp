@@ -152,7 +152,7 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inStatus)
 {
     if (S_ISCHR(inStatus.st_mode) || S_ISBLK(inStatus.st_mode)) {
-        System().mSetFlags(ioFile.mDescriptor, 0); // make its reads and writes blocking
+        System().mSetFlags(ioFile.mDescriptor, 0); // make reads and writes blocking
     }
     if (Has(inWish.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
         GoPastCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
@@ -191,8 +191,8 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     return kNoError;
 }
 
-// Removes a file created by an open that failed, unless another handle opened it first (32) or the name belongs to
-// another file by now.
+// Removes a file created by an open that failed, unless another handle opened it first (32) or the name now belongs to
+// another file.
 void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError inError)
 {
     struct statx made;
@@ -220,7 +220,7 @@ SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 SystemError OpenFile::Close() noexcept
 {
     if (!mNameToDelete.empty()) {
-        // The name may belong to another file by now.
+        // The name may now belong to another file.
         struct stat status;
         if (GetEntryStatus(mNameToDelete, status) == kNoError && IdentityOf(status) == mIdentity) {
             System().mUnlink(mNameToDelete.c_str());

@@ -129,7 +129,7 @@ SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
     const bool isShare = BeginsWith(inPath, "\\\\?\\UNC") && EndOfName(inPath, 4) == kServer - 1;
     std::string folder;
     folder.reserve(kUsualSize);
-    std::size_t end = 0; // of the part already parsed
+    std::size_t end = 0; // number of units already parsed
     SystemError error =
         isShare ? FindShareFolder(inPath, kServer, folder, end) : FindDriveFolder(inPath, folder, end);
     bool hasNames = false;

@@ -16,8 +16,8 @@ namespace Platform {
 
 namespace {
 
-// The end of the address space of a process with four-level paging. The list shows the kernel's own page above it,
-// which does not belong to the process.
+// The end of the address space of a process with four-level paging. The list also contains the kernel's own page above
+// this address, which does not belong to the process.
 constexpr std::uint64_t kTop = 0x7ffffffff000;
 
 struct Mapping
@@ -34,7 +34,7 @@ struct Walk
 {
     int mFile = -1;
     off_t mPosition = 0;
-    std::size_t mBegin = 0; // of the unread part of mText
+    std::size_t mBegin = 0; // start of the unread part of mText
     std::size_t mEnd = 0;
     bool mIsOver = false;
     bool mHasFailed = false;
@@ -44,7 +44,7 @@ struct Walk
 
 namespace {
 
-// Moves the unread part to the front and reads more after it.
+// Moves the unread text to the front of the buffer and reads more text after it.
 bool ReadMore(Walk& ioWalk)
 {
     std::memmove(ioWalk.mText, ioWalk.mText + ioWalk.mBegin, ioWalk.mEnd - ioWalk.mBegin);

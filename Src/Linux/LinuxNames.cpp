@@ -37,7 +37,7 @@ struct PlainBytes
         }
     }
 
-    // For a byte or a unit.
+    // Applies to a byte or a unit.
     constexpr bool Has(unsigned inCharacter) const noexcept { return inCharacter < 256 && mIsPlain[inCharacter]; }
 
 private:

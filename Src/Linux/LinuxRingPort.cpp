@@ -30,8 +30,8 @@ Overlapped sWithdrawn{};
 Overlapped sAlarm{};
 
 // The thread that starts a read hands it to the thread that completes it only through the kernel, which the C++ memory
-// model does not cover. The hand-over therefore also uses atomics. Meanwhile the record stores everything about the
-// read; mEvent, otherwise unused, stores the size.
+// model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, the record
+// stores everything about it; mEvent, otherwise unused, stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;

@@ -174,7 +174,7 @@ bool StaysHeld(int inDescriptor, unsigned inBytes) noexcept
     return true;
 }
 
-// Waits for a random time, so that two holders that collide repeatedly separate.
+// Waits for a random time, so that two holders that conflict with each other do not retry at the same moment.
 void WaitBeforeTry(int inTry, const void* inSelf)
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();

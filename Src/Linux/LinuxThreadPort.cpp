@@ -99,7 +99,7 @@ public:
         }
         const SystemError refusal = mOrders.Count() > mIdle ? AddThread() : SystemErrors::kNoError;
         if (refusal != SystemErrors::kNoError && mThreads.empty()) {
-            mOrders.PopNewest(); // no thread would ever read it
+            mOrders.PopNewest(); // no thread would ever run the read
             return refusal;
         }
         mOrderCame.notify_one();

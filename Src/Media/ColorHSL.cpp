@@ -68,7 +68,7 @@ void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& out
         return;
     }
     const float sixths = 6 * inH;
-    if (!(sixths > -1 && sixths < 6)) { // truncates to no sector, or is NaN
+    if (!(sixths > -1 && sixths < 6)) { // outside every sector, or NaN
         return;
     }
     const int sector = static_cast<int>(sixths);

@@ -44,7 +44,7 @@ void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& out
         return;
     }
     const float sixths = (inH == 1.0f ? 0.0f : inH) * 6.0f;
-    if (!(sixths >= 0 && sixths < 6)) { // in no sector, or NaN
+    if (!(sixths >= 0 && sixths < 6)) { // outside every sector, or NaN
         return;
     }
     const int sector = static_cast<int>(sixths);

@@ -70,7 +70,7 @@ const unsigned short* ScanFields(const unsigned short* inBegin, const unsigned s
         }
     }
     if (afterSeparator) {
-        outText.mFramesBegin = inEnd; // the text ends in a separator: all before it is feet
+        outText.mFramesBegin = inEnd; // the text ends in a separator, so all digits are feet
         return nullptr;
     }
     return fieldCount == 1 ? SplitLoneNumber(inBegin, inEnd, outText) : nullptr;

@@ -91,8 +91,8 @@ inline void MemoryRecycler::Remove(Pool::iterator inAt)
     }
 }
 
-// Takes the most recent buffer of exactly this size. On a miss, evicts until the pool plus this size fits the limit,
-// because the caller then allocates that size outside the pool.
+// Removes the most recent buffer of exactly this size from the pool and returns it. On a miss, evicts until the pool
+// plus this size fits the limit, because the caller then allocates that size outside the pool.
 inline bool MemoryRecycler::TakeFromPool(std::size_t inSize, MemoryBuffer& outBuffer, Pool& outEvicted)
 {
     const CriticalSectionLock lock(mLock);

@@ -138,7 +138,7 @@ int ImmutableString::Compare(const unsigned short* inOther) const
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
 {
     ImmutableString handle;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // the table has counted it
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // counts the handle
     return handle;
 }
 

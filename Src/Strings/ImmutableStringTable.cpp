@@ -228,8 +228,9 @@ std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t in
     return inHash & (inIndex.Count() - 2);
 }
 
-// The caller must hold the guard or be in a visit. A text is usually in one of the first two places, but which one is
-// unpredictable. It is selected without a branch, because a mispredicted branch costs more than reading both.
+// The caller must hold the guard or be in a visit. A text is usually in one of the first two slots, but which one is
+// unpredictable. The slot is selected without a branch, because a mispredicted branch costs more than reading both
+// slots.
 ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
 {
     if (mIndex.Count() == 0) {
@@ -258,7 +259,7 @@ ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Place& inPlac
     if (record == nullptr || inPlace.mHash.load(std::memory_order_relaxed) != inKey.mHash || inPlace.mSize != inKey.mSize) {
         return nullptr;
     }
-    __builtin_prefetch(record, 1); // prefetched during the comparison, since its count changes next
+    __builtin_prefetch(record, 1); // the caller then changes the record's count
     return std::memcmp(inPlace.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
 }
 

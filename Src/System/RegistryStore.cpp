@@ -180,7 +180,7 @@ Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath, const 
     value.mName = inName;
     unsigned size = 0;
     error = QueryValue_Impl(key.Get(), inName.c_str(), &value.mType, nullptr, &size);
-    while (error == kNoError || error == kErrorMoreData) { // repeat if a writer made it longer between the two calls
+    while (error == kNoError || error == kErrorMoreData) { // repeat if a writer has made the value longer
         value.mData.resize(size);
         if (size == 0) {
             break;

@@ -135,7 +135,7 @@ Result RegistryKey::GetBinaryValue(const UTF16String& inName, std::vector<char>&
     if (mImpl->Query(inName, &type, outData.data(), &size) != kNoError || type != kTypeBinary) {
         return kRegistryFailure;
     }
-    outData.resize(size); // another writer may have shortened it between the two reads
+    outData.resize(size); // another writer may have shortened the value between the two reads
     return kSuccess;
 }
 
@@ -163,7 +163,7 @@ Result RegistryKey::GetStringValue(const UTF16String& inName, UTF16String& outVa
     if (error != kNoError) {
         return kRegistryFailure;
     }
-    if (size == 0) { // another writer emptied it between the two reads
+    if (size == 0) { // another writer emptied the value between the two reads
         outValue.clear();
     } else {
         outValue.assign(text);

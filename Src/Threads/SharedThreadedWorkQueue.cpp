@@ -45,7 +45,7 @@ QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const
     try {
         ioQueues.insert(QueueMap::value_type(inPriority, queue));
     } catch (...) {
-        queue->Stop(); // nothing else would stop it
+        queue->Stop(); // nothing else would stop the queue
         throw;
     }
     return queue;

@@ -24,7 +24,7 @@ bool MaySpin() noexcept
 
 } // namespace
 
-// Locks the word itself, which clang does not know as a lock.
+// Locks the word itself, which clang's analysis does not recognise as a lock.
 void CoreMutex::LockSlowly() noexcept TVXCORE_UNCHECKED_LOCKING
 {
     if (MaySpin()) {

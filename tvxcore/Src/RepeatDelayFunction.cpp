@@ -112,7 +112,7 @@ void RepeatDelayFunction::State::CallFunction()
 
 void RepeatDelayFunction::State::Run()
 {
-    boost::function<void()> finished; // destroyed after it has returned, and without the lock
+    boost::function<void()> finished; // destroyed after the function has returned, without the lock
     const CoreMutexLock lock(mMutex);
     if (!mIsEnded) {
         CallFunction();

@@ -21,8 +21,8 @@ unsigned int sEntries TVXCORE_GUARDED_BY(sMutex) = 0;
 Platform::ThreadHandle sThread TVXCORE_GUARDED_BY(sMutex){};
 std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // of the current thread; a thread of an older generation ends
 
-std::atomic<std::uint32_t> sScheduleMoved{0}; // the timer thread waits on it
-std::atomic<std::uint32_t> sCallEnded{0};     // threads that wait for the end of a call wait on it
+std::atomic<std::uint32_t> sScheduleMoved{0}; // for the timer thread
+std::atomic<std::uint32_t> sCallEnded{0};     // for threads that wait for the end of a call
 
 thread_local bool tIsTimerThread = false;
 

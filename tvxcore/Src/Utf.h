@@ -36,7 +36,7 @@ ToUTF8Function ToUTF8;
 struct Kernel
 {
     const char* mName;
-    bool (*mIsSupported)() noexcept; // by this processor
+    bool (*mIsSupported)() noexcept; // returns whether this processor can run it
     ToUTF16Function* mToUTF16;
     ToUTF8Function* mToUTF8;
 };

@@ -1,7 +1,7 @@
 // Converts 32 bytes per step, for processors with AVX2.
 //
 // The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the units of eight bytes.
-// The scalar loop takes steps with ill-formed text, and the SSE2 kernel the end of a text.
+// The scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of a text.
 #include <Utf.h>
 #include <UtfAvx2.h>
 #include <UtfCharacter.h>
@@ -163,7 +163,7 @@ TVX_AVX2_INLINE __m256i Fields(__m256i inBytes)
     return _mm256_and_si256(inBytes, LookUp(kMasks, ShiftRight(inBytes, 4, 0x0F)));
 }
 
-// The units of a step before compaction: low bytes and high bytes, at the places marked in mUnits.
+// The units of a step before compaction: low bytes and high bytes, at the positions marked in mUnits.
 struct Units
 {
     __m256i mLow;
@@ -171,7 +171,7 @@ struct Units
     std::uint32_t mUnits;
 };
 
-// Combines the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
+// Combines the three fields of a unit at the position of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
 TVX_AVX2_INLINE Units Join(__m256i inLow, __m256i inMiddle, __m256i inHigh, std::uint32_t inUnits)
 {
     Units units;

@@ -1,7 +1,7 @@
 // Converts 16 units per step, for processors with AVX2.
 //
 // The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the bytes of four units. The
-// scalar loop takes steps with ill-formed text, and the SSE2 kernel the end of a text.
+// scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of a text.
 #include <Utf.h>
 #include <UtfAvx2.h>
 #include <UtfCharacter.h>
@@ -15,8 +15,8 @@ namespace utf {
 
 namespace {
 
-// For four units of one to three bytes, in the upper bytes of their words: the shuffle that compacts the bytes. The low
-// four bits of the index mark units of two bytes or more, the next four those of three.
+// For four units of one to three UTF-8 bytes, in the upper bytes of their 32-bit lanes: the shuffle that compacts them.
+// The low four bits of the index mark units of two bytes or more, the next four bits those of three.
 constexpr std::array<std::array<unsigned char, 16>, 256> MakeChoiceOfFour()
 {
     std::array<std::array<unsigned char, 16>, 256> table{};
@@ -47,8 +47,8 @@ TVX_AVX2_INLINE __m256i IsAbove(__m256i inWords, int inNumber)
     return _mm256_cmpgt_epi32(inWords, _mm256_set1_epi32(inNumber));
 }
 
-// Converts surrogates to fields of six bits. A low surrogate receives the last two bits of the high surrogate before
-// it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
+// Prepares the surrogates for splitting into six-bit fields. A low surrogate receives the last two bits of the high
+// surrogate before it; a high surrogate keeps its upper eight bits, plus the 0x10000 offset.
 TVX_AVX2_INLINE __m256i MovePairs(__m256i inWords, __m256i inHigh, __m256i inLow)
 {
     const __m256i bits = _mm256_and_si256(inWords, _mm256_set1_epi32(0x3FF));
@@ -63,7 +63,7 @@ TVX_AVX2_INLINE __m256i Field(__m256i inWords, int inMask, int inShift)
     return inShift >= 0 ? _mm256_slli_epi32(field, inShift) : _mm256_srli_epi32(field, -inShift);
 }
 
-// Writes the bytes of eight words, with kChoiceOfFour for each four.
+// Writes the UTF-8 bytes of eight lanes; kChoiceOfFour compacts each four lanes.
 TVX_AVX2_INLINE std::size_t Store(__m256i inWords, std::uint32_t inTwo, std::uint32_t inThree, std::size_t inCount,
                                   unsigned char* outText)
 {
@@ -80,7 +80,7 @@ TVX_AVX2_INLINE std::size_t Store(__m256i inWords, std::uint32_t inTwo, std::uin
     return inCount + static_cast<std::size_t>(_mm_popcnt_u32((inTwo & whole) | (inThree & whole) << 8));
 }
 
-// Converts eight units in words of 32 bits. Leaves a high surrogate in the last place to the next step.
+// Converts eight units in 32-bit lanes. Leaves a high surrogate in the last lane to the next step.
 TVX_AVX2_INLINE Progress StepUTF8(__m256i inUnits, unsigned char* outText)
 {
     const __m256i kind = _mm256_and_si256(inUnits, _mm256_set1_epi32(0xFC00));

@@ -1,11 +1,11 @@
 // Converts 64 bytes per step, for processors with AVX-512 VBMI2.
 //
 // Without its tag bits, a character of up to three bytes consists of fields of 4, 6 and 6 bits (or of 5 and 6, or of
-// 7). Permutes bring the fields together at the place of its last byte, where they form the low and the high byte of
-// its unit. Compressing both rows of bytes yields adjacent units. A character of four bytes yields one unit at its
-// third byte and one at its fourth, from shifted fields.
+// 7). Byte permutes gather the fields at the position of its last byte, where they form the low and the high byte of
+// its UTF-16 unit. Compressing the low and the high bytes yields adjacent units. A character of four bytes yields one
+// unit at its third byte and one at its fourth, from shifted fields.
 //
-// The scalar loop takes steps with ill-formed text, since only it computes the replacements.
+// The scalar loop converts steps that contain ill-formed text, since only that loop computes the replacements.
 #include <Utf.h>
 #include <UtfAvx512.h>
 #include <UtfCharacter.h>
@@ -47,7 +47,8 @@ TVX_AVX512_INLINE std::size_t WholeCharacters(const Classes& inClasses, std::siz
     return cut != 0 ? static_cast<std::size_t>(_tzcnt_u64(cut)) : inCount;
 }
 
-// Returns the indices of the bytes inBack places before each place. The first inBack results are meaningless.
+// Returns, for each position, the index of the byte inBack positions before it. The first inBack results are
+// meaningless.
 TVX_AVX512_INLINE __m512i Places(int inBack)
 {
     const __m512i places =
@@ -80,7 +81,7 @@ TVX_AVX512_INLINE bool IsWellFormed(__m512i inBytes, const Classes& inClasses, s
     return ((expected ^ (inClasses.mContinuation & inWhole)) | (bad & inWhole)) == 0;
 }
 
-// The units of a step before compaction: low bytes and high bytes, at the places marked in mUnits.
+// The units of a step before compaction: low bytes and high bytes, at the positions marked in mUnits.
 struct Units
 {
     __m512i mLow;
@@ -108,7 +109,7 @@ TVX_AVX512_INLINE __m512i Fields(__m512i inBytes, const Classes& inClasses)
     return _mm512_mask_sub_epi8(fields, inClasses.mLead4, fields, _mm512_set1_epi8(0x10));
 }
 
-// Combines the three fields of a unit at the place of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
+// Combines the three fields of a unit at the position of its last byte: 6 (or 7) bits, 6 bits, 4 bits.
 TVX_AVX512_INLINE Units Join(__m512i inLow, __m512i inMiddle, __m512i inHigh, std::uint64_t inUnits)
 {
     Units units;

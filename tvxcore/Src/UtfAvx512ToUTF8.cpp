@@ -64,7 +64,7 @@ TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmas
     tags = _mm512_mask_mov_epi32(tags, inHigh, _mm512_set1_epi32(static_cast<int>(0x80F00000)));
     tags = _mm512_mask_mov_epi32(tags, inLow, _mm512_set1_epi32(static_cast<int>(0x80800000)));
     outPlaces = _mm512_or_si512(tags, _mm512_set1_epi32(static_cast<int>(0x80000000)));
-    // Shifts by 12, 6 and 0 bits into the upper three bytes of each word, so that the order in memory is that of the
+    // Shifts by 12, 6 and 0 bits into the upper three bytes of each lane, so that the order in memory is that of the
     // text.
     const __m512i shifts = _mm512_set1_epi64(0x20262C2000060C00);
     const __m512i fields =
@@ -72,8 +72,8 @@ TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmas
     return _mm512_mask_or_epi32(_mm512_slli_epi32(inUnits, 24), two, fields, tags);
 }
 
-// Converts up to 16 units in words of 32 bits; the rest must be zero. Leaves a high surrogate in the last place to the
-// next step.
+// Converts up to 16 units in 32-bit lanes; the rest must be zero. Leaves a high surrogate in the last lane to the next
+// step.
 TVX_AVX512_INLINE Progress StepUTF8(__m512i inUnits, std::size_t inCount, bool inMayOverrun, unsigned char* outText)
 {
     const __m512i kind = _mm512_and_si512(inUnits, _mm512_set1_epi32(0xFC00));

@@ -8,7 +8,7 @@ namespace utf {
 
 struct Progress
 {
-    std::size_t mRead; // 0: ill-formed; the scalar loop must take this step
+    std::size_t mRead; // 0: ill-formed; the scalar loop must convert it
     std::size_t mWritten;
 };
 

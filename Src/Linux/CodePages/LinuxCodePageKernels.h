@@ -9,7 +9,7 @@ namespace ORL {
 namespace Linux {
 
 /// Converts inCount elements, at least one, and returns the number of elements written. outText must have room for all
-/// of these; a conversion writes nothing after them.
+/// elements written; a conversion writes nothing after them.
 template <class Page, class Source, class Result>
 using ConversionFunction = std::size_t(const Page& inPage, const Source* inText, std::size_t inCount,
                                        Result* outText) noexcept;
@@ -21,7 +21,7 @@ using PairsToBytesFunction = ConversionFunction<DoubleBytePage, unsigned short, 
 struct CodePageKernel
 {
     const char* mName;
-    bool (*mIsSupported)() noexcept; // by this processor
+    bool (*mIsSupported)() noexcept; // returns whether this processor can run it
     SinglesToUnitsFunction* mSinglesToUnits;
     PairsToUnitsFunction* mPairsToUnits;
     PairsToBytesFunction* mPairsToBytes;
@@ -29,7 +29,7 @@ struct CodePageKernel
 
 constexpr std::size_t kKernelCount = 2;
 
-/// The faster one first. The last one runs everywhere.
+/// Sorted from the faster kernel to the slower one, which runs on every processor.
 extern const CodePageKernel kCodePageKernels[kKernelCount];
 
 /// Returns the first kernel that this processor supports.

@@ -29,7 +29,7 @@ struct SingleBytePage
 {
     const std::uint16_t* mUnits; // the unit of each byte
     BlockTable<std::uint8_t> mBytes;
-    unsigned mFirstSame; // from this byte to 0xFF each byte equals its unit; 0x100 if none does
+    unsigned mFirstSame; // from this byte to 0xFF each byte equals its unit; 0x100 if there is no such byte
 };
 
 /// A code page in which each character is one or two bytes.

@@ -98,7 +98,7 @@ unsigned int GetDefaultCodePage_Impl()
         return ofHost;
     }
     unsigned int ofUser = ORL::Linux::sPageOfUser.load(std::memory_order_relaxed);
-    if (ofUser == 0) { // two threads may both read the environment; they find the same page
+    if (ofUser == 0) { // if two threads read the environment, both find the same page
         ofUser = ORL::Linux::CodePageOfUser();
         ORL::Linux::sPageOfUser.store(ofUser, std::memory_order_relaxed);
     }

@@ -99,7 +99,7 @@ private:
 bool IsPrivilegedInstruction(const unsigned char* inCode) noexcept
 {
     const unsigned char first = inCode[0];
-    if (first == 0x0F) { // the processor has decoded the second byte, so it is readable
+    if (first == 0x0F) { // the second byte is readable, since the processor has decoded it
         const unsigned char second = inCode[1];
         return second == 0x01 || second == 0x06 || second == 0x08 || second == 0x09 || second == 0x30 || second == 0x32
                || (second >= 0x20 && second <= 0x23);

@@ -51,7 +51,7 @@ bool ReadLayout(ChunkReader& ioReader, Layout& outLayout) noexcept
     return isCommon && SizeOfPixels(outLayout.mWidth, outLayout.mHeight, outLayout.mPixelsSize);
 }
 
-// Chunks that do not affect pixels here. Files with any other chunk are left to libspng.
+// Chunks that do not affect the decoded pixels. Files with any other chunk are left to libspng.
 bool IsHarmless(const Chunk& inChunk) noexcept
 {
     return inChunk.Is("tEXt") || inChunk.Is("gAMA") || inChunk.Is("sRGB") || inChunk.Is("pHYs") || inChunk.Is("tIME");

@@ -39,7 +39,7 @@ SystemError DataModule::Read(int inFile)
             return SystemErrorFromErrno(errno);
         }
         if (count == 0) {
-            break; // the file was truncated meanwhile; the missing bytes stay zero
+            break; // the file has just been truncated; missing bytes stay zero
         }
         done += count > 0 ? static_cast<std::size_t>(count) : 0;
     }

@@ -192,8 +192,8 @@ bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled,
         change.mHash = slot.mHash.load(std::memory_order_acquire);
         outChanges.push_back(change);
     }
-    // A writer may have overwritten slots meanwhile: at most the slot after the last announced change. If a load above
-    // has read an overwritten slot, this load reads a generation that shows it.
+    // A writer may have overwritten a slot during these loads: at most the slot after the last announced change. If a
+    // load above has read an overwritten slot, this load reads a generation that shows it.
     const std::uint64_t after = (mPage->mGeneration.load(std::memory_order_relaxed) + 1) / 2;
     return after + 1 - first < kSlots;
 }

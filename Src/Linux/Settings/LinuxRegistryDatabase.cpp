@@ -39,7 +39,7 @@ constexpr char kSchema[] =
     "PRAGMA user_version = 1;"
     "COMMIT";
 
-// The SQL texts of the tables, sorted by their names. A database with other tables is not one of this library.
+// The SQL texts of the tables, sorted by their names. A database with other tables was not created by this library.
 constexpr char kSchemaText[] =
     "CREATE TABLE aside(time TEXT NOT NULL, file TEXT NOT NULL, reason TEXT NOT NULL)\n"
     "CREATE TABLE keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL, folded BLOB NOT NULL, "
@@ -192,7 +192,7 @@ SystemError Database::Prepare()
     bool isNew = false;
     error = error == kNoError ? CheckSchema(isNew) : error;
     if (error == kNoError && !mIsReadOnly) {
-        int keep = 1; // keep the files of the journal: only the owner can create them, and readers need them
+        int keep = 1; // keep the journal's files: readers need them but cannot create them
         sqlite3_file_control(mConnection, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
         error = Execute(mBoard.IsOpen()
                             ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
@@ -305,7 +305,7 @@ bool Database::SetAsideIfDamaged()
     if (isToMove && MoveAside(mFile, aside.mFile, aside.mTime) == kNoError) {
         TraceSetAside(aside);
         mSetAside = std::move(aside);
-        if (mBoard.IsWritable()) { // makes other processes look for the new database
+        if (mBoard.IsWritable()) { // makes other processes open the new database
             mBoard.Settle(mBoard.Announce(Change()));
         }
     }

@@ -21,9 +21,9 @@ SystemError MakeFolder(const Place& inPlace);
 bool MayCreate(const Place& inPlace);
 
 /// Checks whether a folder and the database in it are trusted: they belong to the user or to root, not everyone may
-/// write them, and the database is not a symbolic link. Root also trusts those of other users. Returns 0 if they are
-/// trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path; outDatabase is the
-/// resolved path of the database.
+/// write them, and the database is not a symbolic link. Root also trusts folders and databases of other users. Returns
+/// 0 if they are trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path;
+/// outDatabase is the resolved path of the database.
 SystemError CheckPlace(const Place& inPlace, std::string& outDatabase);
 
 /// Returns whether processes share memory through files of the folder. Returns false on a network file system.

@@ -82,7 +82,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
         return kNoError;
     };
     error = RunChange(change, make, keep);
-    outIsMade = !made.empty(); // empty if another process has created the key meanwhile
+    outIsMade = !made.empty(); // empty if another process has already created the key
     return error == kNoError ? Open(inParent, inPath, inAccess, outKey) : error;
 }
 

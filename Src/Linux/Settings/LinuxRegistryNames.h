@@ -21,11 +21,11 @@ inline constexpr std::size_t kLongestValueName = 16383;
 inline constexpr unsigned kMostLevels = 512;
 inline constexpr unsigned kMostLevelsAtOnce = 32;
 
-/// Case-folds a name: two names that differ only in case have the same folded name. It has as many units as the name,
-/// and ASCII letters become upper case. It is part of the store's format.
+/// Case-folds a name: two names that differ only in case have the same folded name. The folded name has as many units
+/// as the name, and ASCII letters become upper case. Folding is part of the store's format.
 void FoldName(UnitsView inName, Units& outFolded);
 
-/// Returns the hash of a folded name. It is part of the board's format.
+/// Returns the hash of a folded name. The hash is part of the board's format.
 std::uint64_t HashName(UnitsView inFolded) noexcept;
 
 /// The folded form of a name, with its hash. Names of ordinary length need no memory of their own.

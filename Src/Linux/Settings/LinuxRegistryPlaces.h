@@ -14,7 +14,7 @@ struct Place
 {
     std::string mFolder;   // host path without a trailing slash; empty if the process has no home directory
     std::string mDatabase; // host path
-    bool mIsForAll = false; // all users may read it
+    bool mIsForAll = false; // all users may read the store
 };
 
 /// Returns the location of the user's store: $XDG_DATA_HOME if that is an absolute path, otherwise .local/share below

@@ -36,8 +36,8 @@ SystemError Store::FromMemory(Read inRead)
 }
 
 /// Runs a change. inWork changes the database in a transaction, but not memory. While inWork runs, the in-memory copy
-/// is current and no other thread or process can write. inDone makes the same change in memory after the commit. Both
-/// run under both locks.
+/// is current and no other thread or process can write. inDone makes the same change in memory after the commit. inWork
+/// and inDone both run under both locks.
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {
@@ -77,8 +77,8 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     return error;
 }
 
-/// Makes this process's own change in memory, unless changes by others must be processed first. The change is already
-/// committed, so a failure here only makes the next read reload the keys.
+/// Makes this process's own change in memory, unless changes by other processes must be processed first. The change is
+/// already committed, so a failure here only makes the next read reload the keys.
 template <class Done>
 void Store::KeepUp(std::uint64_t inAnnounced, Done inDone) noexcept
 {

@@ -1,5 +1,5 @@
 // Operations on trees of folders, through open folders and single names. No step follows a link, so no step leaves the
-// tree, even if a folder is replaced by a link meanwhile.
+// tree, even if a folder is replaced by a link during the operation.
 //
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
 // deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:
@@ -48,7 +48,8 @@ enum class CopyEnd { kIsWritten, kIsOnDisk };
 int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
 
-/// Moves in the same way; copies between volumes. There an entry is deleted after its copy has been synced.
+/// Moves in the same way; copies between volumes. A move between volumes deletes an entry after its copy has been
+/// synced.
 int MoveContents(int inFrom, int inTo);
 
 } // namespace Linux

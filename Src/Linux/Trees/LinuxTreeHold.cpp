@@ -36,7 +36,7 @@ int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsig
         return EnterOpen(file, inUses, inShares);
     }
     if (errno != EACCES && errno != EPERM) {
-        return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry has this name by now
+        return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry now has this name
     }
     return ErrnoOf(mShares.Enter(-1, IdentityOf(status), inUses, inShares));
 }

@@ -30,8 +30,8 @@ public:
     /// Returns the status of the deepest folder, which must not be the top.
     const struct statx& Status() const noexcept { return mLevels.back().mHold.Status(); }
 
-    /// Opens the folder above the deepest one if needed. Returns 0, ETXTBSY or an errno: ESTALE if it is another folder
-    /// by now.
+    /// Opens the folder above the deepest one if needed. Returns 0, ETXTBSY or an errno: ESTALE if it is no longer the
+    /// same folder.
     int OpenAbove();
 
     /// Returns the folder above the deepest one.

@@ -9,7 +9,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Holds every folder that it is in, for deleting or moving it. Entries that disappear meanwhile (ENOENT) are skipped.
+/// Holds every folder that it is in, for deleting or moving it. Entries that disappear during the walk (ENOENT) are
+/// skipped.
 class TreeWalk
 {
 public:

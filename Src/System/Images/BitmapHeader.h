@@ -22,7 +22,7 @@ public:
 private:
     std::uint32_t mMask = 0;
     unsigned int mShift = 0;
-    std::uint8_t mColours[256] = {}; // of the upper 8 bits if the mask has more
+    std::uint8_t mColours[256] = {}; // by the upper 8 bits if the mask has more
 };
 
 struct BitmapHeader

@@ -100,7 +100,7 @@ private:
     const unsigned char* mNext;
     const unsigned char* const mEnd;
     std::size_t mX = 0;
-    std::size_t mY = 0; // from the bottom
+    std::size_t mY = 0; // the row, counted from the bottom
 };
 
 } // namespace

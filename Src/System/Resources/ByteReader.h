@@ -14,7 +14,7 @@ inline bool IsInside(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t 
     return inPlace <= inBytes.mSize && inSize <= inBytes.mSize - inPlace;
 }
 
-/// Returns the number at an offset. The caller has checked by IsInside that it is inside.
+/// Returns the number at an offset. The caller has checked by IsInside that the number is inside the bytes.
 template <class Number>
 Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
 {

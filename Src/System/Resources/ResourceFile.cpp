@@ -51,7 +51,7 @@ Result ReadWhole(const UTF16String& inPath, std::vector<unsigned char>& outConte
         }
         done += count;
     }
-    outContents.resize(done); // another process may have truncated the file meanwhile
+    outContents.resize(done); // another process may have truncated the file
     return kSuccess;
 }
 

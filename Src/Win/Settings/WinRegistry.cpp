@@ -198,7 +198,7 @@ SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues)
         DWORD size = static_cast<DWORD>(data.size());
         error = AsError(
             ::RegEnumValueW(AsKey(inKey), index, AsWide(name.data()), &length, nullptr, &type, data.data(), &size));
-        if (error == kErrorMoreData) { // another writer has made the value longer meanwhile
+        if (error == kErrorMoreData) { // another writer has made the value longer
             data.resize(data.size() * 2);
             --index;
             error = kNoError;

@@ -23,8 +23,8 @@ TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 
 /// The host's handlers of the reports above. A null member selects the default, which writes the report to standard
 /// error, does not block and never ignores a site for good. The default of mDisplay returns 0 if a debugger is
-/// attached, else 1. Those of the other two return true, and their callers break only if a debugger is attached. The
-/// functions may be called on any thread, and concurrently.
+/// attached, else 1. The defaults of the other two return true, and their callers break only if a debugger is attached.
+/// The functions may be called on any thread, and concurrently.
 struct Dialogs
 {
     bool (*mAssert)(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage, const char* inFile,

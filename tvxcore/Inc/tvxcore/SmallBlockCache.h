@@ -25,7 +25,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to this, and blocks aligned to it
+inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to, and blocks aligned to, this number
 inline constexpr std::size_t kLargestSmall = 16384; // larger blocks come from the C library
 inline constexpr std::size_t kClassCount = 40;
 
@@ -106,7 +106,7 @@ inline void AssumeSmall(std::size_t inSize) noexcept
 // one before, which doubles the time of a pair. Compilers prefer the slow forms; these two functions force the fast
 // ones.
 
-/// Returns the pair of a class's places, with its address in a register.
+/// Returns the pair of stack pointers of a class, with its address in a register.
 inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept
 {
     void*** places = &ioCache.mPlaces[kPlaces[(inSize + kGrain - 1) / kGrain]];

@@ -33,8 +33,8 @@
 /// On a function: it tries to lock, and holds the lock if it returns the first argument.
 #define TVXCORE_TRIES_TO_ACQUIRE(...) TVXCORE_ANNOTATION(try_acquire_capability(__VA_ARGS__))
 
-/// On a function: it unlocks what its caller holds.
+/// On a function: it unlocks a lock that its caller holds.
 #define TVXCORE_RELEASES(...) TVXCORE_ANNOTATION(release_capability(__VA_ARGS__))
 
-/// On a function: clang does not check its body. The reason stands beside it.
+/// On a function: clang does not check its body. A comment on the function states the reason.
 #define TVXCORE_UNCHECKED_LOCKING TVXCORE_ANNOTATION(no_thread_safety_analysis)

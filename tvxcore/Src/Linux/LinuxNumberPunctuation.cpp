@@ -114,7 +114,7 @@ bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuati
     const char* rest = inLocale;
     const std::string language = Changed(NextPart(rest), ToLower);
     std::string region = NextPart(rest);
-    if (region.size() == 4) { // it is a script
+    if (region.size() == 4) { // a script, such as "Latn"
         region = NextPart(rest);
     }
     const KnownLocale* known = Find(language + "_" + Changed(region, ToUpper));

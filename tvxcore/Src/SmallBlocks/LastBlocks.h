@@ -1,6 +1,6 @@
 // Blocks for the exit of the process, after the system has stopped all other threads at arbitrary points: perhaps in
-// the middle of a change of the stores, or while holding the heap's lock. So no shared data is touched any more. Blocks
-// are cut from new pages and never freed.
+// the middle of a change of the stores, or while holding the heap's lock. So these functions access no shared data.
+// Blocks are cut from new pages and never freed.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Returns a block of any size, not counted. Only for the one thread that is left. Returns null if out of memory.
+/// Returns a block of any size, not counted. Only the last remaining thread may call it. Returns null if out of memory.
 void* TakeLastBlock(std::size_t inSize) noexcept;
 
 } // namespace SmallBlocks

@@ -16,7 +16,7 @@ struct alignas(64) Store
 {
     threads::CoreMutex mMutex;
     std::size_t mCount TVXCORE_GUARDED_BY(mMutex) = 0;
-    List<Master> mMasters TVXCORE_GUARDED_BY(mMutex); // of this class, those with free blocks
+    List<Master> mMasters TVXCORE_GUARDED_BY(mMutex); // master blocks of this class that have free blocks
 };
 
 constexpr std::size_t SlotsBefore(std::size_t inClass) noexcept

@@ -22,7 +22,7 @@ namespace {
 
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// The loader calls it on each thread that ends, because of the TLS callback below.
+// The loader calls this function on each thread that ends, because of the TLS callback below.
 void NTAPI OnThreadNotice(void*, DWORD inReason, void*)
 {
     if (inReason != DLL_THREAD_DETACH || sEnded == nullptr) {
@@ -42,7 +42,7 @@ void* Map(void* inAddress, std::size_t inSize) noexcept
 }
 
 // Finds a free range that is large enough and maps its aligned part. Another thread may take the range between the two
-// calls, so it retries.
+// calls, so the function retries.
 void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
 {
     for (int i = 0; i < 100; ++i) {
