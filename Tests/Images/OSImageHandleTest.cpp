@@ -1,12 +1,18 @@
 #include "Wrapped.h"
 
 #include <BitmapPixels.h>
+#include <Stress.h>
 
 #include <ORLOSImageHandle.h>
 #include <ORLResourceCollection.h>
 
+
+#include <atomic>
 #include <gtest/gtest.h>
+#include <memory>
+#include <thread>
 #include <type_traits>
+#include <vector>
 
 using namespace ORL;
 using namespace ORLTest;
@@ -104,4 +110,69 @@ TEST_F(OSImageHandleOwner, Swap_ExchangesWhatTheyHold)
     EXPECT_EQ(bitmap, second.GetHBITMAP());
     second.Swap(second);
     EXPECT_EQ(bitmap, second.GetHBITMAP());
+}
+
+namespace {
+
+// One thread's handles of the two bitmaps that all threads share.
+struct Pair
+{
+    OSImageHandle mFirst;
+    OSImageHandle mSecond;
+};
+
+// Returns how often a handle was wrong.
+int CopyAssignAndSwap(Pair& ioPair, HBITMAP inFirst, HBITMAP inSecond)
+{
+    int wrong = 0;
+    for (int step = 0; step < 100; ++step) {
+        OSImageHandle copy(ioPair.mFirst);
+        OSImageHandle other(ioPair.mSecond);
+        copy.Swap(other);
+        wrong += copy.GetHBITMAP() != inSecond || other.GetHBITMAP() != inFirst;
+        other = copy;
+        wrong += other.GetHBITMAP() != inSecond || !other.IsValid();
+        OSImageHandle empty;
+        copy = empty;
+        wrong += copy.IsValid();
+    }
+    return wrong;
+}
+
+} // namespace
+
+TEST_F(OSImageHandleOwner, EightThreadsCopyAssignSwapAndRelease_DeleteEachBitmapOnce)
+{
+    constexpr int kThreads = 8;
+    for (int round = 0; round < Rounds(50); ++round) {
+        Wrapped().mDeletions = 0;
+        const HBITMAP first = MakeBitmap();
+        const HBITMAP second = MakeBitmap();
+        std::vector<std::unique_ptr<Pair>> pairs;
+        {
+            const OSImageHandle firstHandle(first);
+            const OSImageHandle secondHandle(second);
+            for (int i = 0; i < kThreads; ++i) {
+                pairs.push_back(std::unique_ptr<Pair>(new Pair{firstHandle, secondHandle}));
+            }
+        }
+        std::atomic<bool> mayStart{false};
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (std::unique_ptr<Pair>& pair : pairs) {
+            threads.emplace_back([&, own = std::move(pair)]() mutable {
+                while (!mayStart) {
+                    std::this_thread::yield();
+                }
+                wrong += CopyAssignAndSwap(*own, first, second);
+                own.reset();
+            });
+        }
+        mayStart = true;
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        ASSERT_EQ(0, wrong);
+        ASSERT_EQ(2, Wrapped().mDeletions);
+    }
 }

@@ -12,8 +12,12 @@
 #include <ORLDirectoryRegistry.h>
 #include <Platform/Images.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <mutex>
+#include <thread>
 
 using namespace ORL;
 using namespace ORLTest;
@@ -85,7 +89,11 @@ extern "C" void RealDelete(HBITMAP) __asm__("__real_" ORL_MANGLED_DELETE);
 extern "C" void WrappedDelete(HBITMAP) __asm__("__wrap_" ORL_MANGLED_DELETE);
 extern "C" void WrappedDelete(HBITMAP inBitmap)
 {
-    ++Wrapped().mDeletions;
+    {
+        static std::mutex sMutex; // bitmaps are deleted on several threads
+        const std::lock_guard<std::mutex> lock(sMutex);
+        ++Wrapped().mDeletions;
+    }
     RealDelete(inBitmap);
 }
 
@@ -256,6 +264,53 @@ TEST_F(PictureLoader, LoadBitmapFromFile_ReadsBelowTheApplicationsFolder)
     folder.MakeFolder("PNG/folder.png");
     EXPECT_FALSE(ThePlugIn().LoadBitmapFromFile(TVX_UTF16("folder.png"), false).IsValid());
     DirectoryRegistry::UnregisterDirectory(TVX_UTF16("application"));
+}
+
+// Whatever decodes the files, a damaged one gives a whole picture or none, and the loaders stay usable.
+TEST_F(PictureLoader, AFileWithEachByteFlippedAndEachLengthCut_GivesAPictureOrNull)
+{
+    std::ifstream file(std::string(ORL_PICTURES) + "/two_rows.png", std::ios::binary);
+    const std::string whole((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    ASSERT_FALSE(whole.empty());
+    const TempFolder folder;
+    folder.MakeFolder("PNG");
+    DirectoryRegistry::RegisterDirectory(folder.Path() + UTF16String(1, '/'), TVX_UTF16("application"));
+    const auto load = [&](const std::string& inContents) {
+        folder.MakeFile("PNG/damaged.png", inContents);
+        const OSImageHandle image(ThePlugIn().LoadBitmapFromFile(TVX_UTF16("damaged.png"), false));
+        const BitmapPixels pixels = image.IsValid() ? PixelsOf(image.GetHBITMAP()) : BitmapPixels();
+        EXPECT_EQ(image.IsValid(), !pixels.mPixels.empty());
+        return pixels.mPixels;
+    };
+    for (std::size_t place = 0; place < whole.size(); ++place) {
+        std::string damaged = whole;
+        damaged[place] = static_cast<char>(~damaged[place]);
+        load(damaged);
+        load(whole.substr(0, place));
+    }
+    EXPECT_EQ(kRowsExchanged, load(whole));
+    DirectoryRegistry::UnregisterDirectory(TVX_UTF16("application"));
+}
+
+TEST_F(PictureLoader, EightThreads_LoadThePicturesOfOneModule)
+{
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round) {
+                wrong += PixelsIn(ThePlugIn().LoadBitmapW(100, false)) != kRowsExchanged;
+                wrong += PixelsIn(ThePlugIn().LoadBitmapWTL(100, true)) != kRowsInOrder;
+                wrong += PixelsIn(ThePlugIn().LoadBitmapW(1, false)).size() != 21;
+                wrong += ThePlugIn().LoadBitmapW(104, false).IsValid();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0, wrong);
+    EXPECT_EQ(8 * 20 * 3, Wrapped().mDeletions);
 }
 
 TEST(PublishedSites, OfThePictureLoader_AreReportedAsPublished)
