@@ -1,5 +1,6 @@
 // Question: may a host look up its texts and pictures each time it draws them?
 #include <Harness.h>
+#include <PlugIn.h>
 
 #include <ORLHostPath.h>
 #include <ORLModule.h>
@@ -14,15 +15,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int kNames = 1000;
-
-std::string NameOf(int inNumber)
-{
-    char name[32];
-    std::snprintf(name, sizeof(name), "PICTURE_%04d", inNumber);
-    return name;
-}
 
 ORL::ObjectPtr<ORL::Module> LoadPlugIn()
 {
@@ -72,8 +64,8 @@ void CompareNames(const ORL::Module& inModule)
 {
     std::vector<UTF16String> names;
     std::vector<std::string> paths;
-    for (int i = 0; i < kNames; ++i) {
-        const std::string name = NameOf(i);
+    for (int i = 0; i < Bench::kNames; ++i) {
+        const std::string name = Bench::NameOf(i);
         names.emplace_back(name.begin(), name.end());
         paths.push_back("/orl/" + name);
     }
@@ -87,7 +79,7 @@ void CompareNames(const ORL::Module& inModule)
         .Ours("FindLocalizedResource", Bench::AtMost(0.5, "g_resource_lookup_data"),
               [&](std::uint64_t n) {
                   int size = 0;
-                  for (std::size_t i = 0; n-- != 0; i = (i + 617) % kNames) {
+                  for (std::size_t i = 0; n-- != 0; i = (i + 617) % Bench::kNames) {
                       const void* const data =
                           inModule.FindLocalizedResource(names[i].c_str(), ORL::MakeResourceID(10), size);
                       Bench::DoNotOptimize(data);
@@ -95,7 +87,7 @@ void CompareNames(const ORL::Module& inModule)
               })
         .Peer("g_resource_lookup_data",
               [&](std::uint64_t n) {
-                  for (std::size_t i = 0; n-- != 0; i = (i + 617) % kNames) {
+                  for (std::size_t i = 0; n-- != 0; i = (i + 617) % Bench::kNames) {
                       GBytes* const data =
                           ::g_resource_lookup_data(peer, paths[i].c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
                       Bench::DoNotOptimize(data);

@@ -33,6 +33,8 @@
 // double, that is the round's figure (its own clock, MB/s, processor time); Unit() names it then.
 #pragma once
 
+#include <Processors.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -42,8 +44,6 @@
 #include <cstring>
 #include <functional>
 #include <memory>
-#include <pthread.h>
-#include <sched.h>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -63,27 +63,6 @@ inline void DoNotOptimize(T const& inValue)
 inline void ClobberMemory()
 {
     __asm__ volatile("" : : : "memory");
-}
-
-/// Pins the calling thread to one processor, modulo the number of processors. Best effort.
-inline void PinThread(unsigned inProcessor)
-{
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    CPU_SET(inProcessor % std::max(1u, std::thread::hardware_concurrency()), &set);
-    ::pthread_setaffinity_np(::pthread_self(), sizeof(set), &set);
-}
-
-/// Lets the calling thread and the threads it starts run on every processor again. For work done by several threads or
-/// by another process.
-inline void UseAllProcessors()
-{
-    cpu_set_t all;
-    CPU_ZERO(&all);
-    for (unsigned i = 0; i < CPU_SETSIZE; ++i) {
-        CPU_SET(i, &all);
-    }
-    ::pthread_setaffinity_np(::pthread_self(), sizeof(all), &all);
 }
 
 inline bool IsQuick()
