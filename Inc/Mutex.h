@@ -1,4 +1,4 @@
-// Floor: Core
+// Floor: Platform
 // std::mutex and its scoped lock, with the annotations by which clang checks what a lock guards.
 #pragma once
 
