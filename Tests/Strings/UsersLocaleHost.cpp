@@ -6,6 +6,14 @@
 #include <iostream>
 #include <sstream>
 
+#if defined(__SANITIZE_ADDRESS__)
+// The C library leaks the list of folders of LOCPATH.
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:argz_add_sep\n";
+}
+#endif
+
 int main()
 {
     ORL::Foundation::Initialize();
