@@ -17,8 +17,8 @@ using ORL::Linux::CodePageTable;
 using ORL::Linux::DoubleBytePage;
 using ORL::Linux::FindCodePage;
 
-// Up to this number of elements the plain form is faster: the caller copies a short result at once, and a load waits
-// for a masked store of the same bytes.
+// Up to this number of elements one character at a time is faster: the caller copies a short result at once, and a load
+// waits for a masked store of the same bytes.
 constexpr std::size_t kShort = 16;
 
 std::size_t PairsToUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,
@@ -31,8 +31,19 @@ std::size_t PairsToUnits(const DoubleBytePage& inPage, const unsigned char* inTe
 std::size_t PairsToBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
                          unsigned char* outBytes)
 {
-    return inUnits <= kShort ? ORL::Linux::PairsToBytesPlain(inPage, inText, inUnits, outBytes)
-                             : BestCodePageKernel().mPairsToBytes(inPage, inText, inUnits, outBytes);
+    if (inUnits > kShort) {
+        return BestCodePageKernel().mPairsToBytes(inPage, inText, inUnits, outBytes);
+    }
+    const auto codes = inPage.mBytes;
+    unsigned char* next = outBytes;
+    for (std::size_t i = 0; i < inUnits; ++i) {
+        const unsigned code = codes[inText[i]];
+        if (code > 0xFF) {
+            *next++ = static_cast<unsigned char>(code >> 8);
+        }
+        *next++ = static_cast<unsigned char>(code);
+    }
+    return static_cast<std::size_t>(next - outBytes);
 }
 
 // Returns 0 for a count above 2^31 - 1, because the calls of Windows have 32-bit sizes.
