@@ -71,8 +71,8 @@ public:
     }
 
 private:
-    // A flush of an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty or more, in the
-    // caller and in a thread of the queue, which spins only for a limited time before it sleeps.
+    // A flush of an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty microseconds or
+    // more, in the caller and in a thread of the queue, which spins only for a limited time before it sleeps.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
     // Returns true for the last arrival. It makes the object claimable before it opens the gate, so that a waiting

@@ -80,7 +80,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)
     return value;
 }
 
-/// Stores inNew if the target equals inExpected. Returns whether it did.
+/// Stores inNew if the target equals inExpected. Returns whether inNew was stored.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline bool AtomicCompareAndSet(T& ioAddend, Internal::Plain<T> inExpected,
                                                              Internal::Plain<T> inNew)
@@ -118,7 +118,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicNullifyPtr(T*& ioValue)
     return __atomic_exchange_n(&ioValue, static_cast<T*>(nullptr), __ATOMIC_SEQ_CST);
 }
 
-/// Stores inNew if the target is null. Returns whether it did.
+/// Stores inNew if the target is null. Returns whether inNew was stored.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline bool AtomicSetPtrIfNull(T*& ioTarget, Internal::Plain<T*> inNew)
 {

@@ -35,7 +35,8 @@ struct ClassMapEntry
 ///           created from any thread.
 /// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
 ///           not undone: the class may be registered, and be in its first categories but not in the others. Registering
-///           it again completes it, but adds duplicates to the categories that already list it.
+///           the class again completes the registration, but adds duplicates to the categories that already list the
+///           class.
 class ORL_API ClassFactory
 {
 public:

@@ -28,7 +28,8 @@ public:
     void Lock() const TVXCORE_ACQUIRES() { mLock.Lock(); }
     void Unlock() const TVXCORE_RELEASES() { mLock.Unlock(); }
 
-    /// Locks the section if that is possible without waiting. Returns whether it did; the caller must then call Unlock.
+    /// Locks the section if that is possible without waiting. Returns whether the section was locked; if so, the caller
+    /// must call Unlock.
     bool TryLock() const TVXCORE_TRIES_TO_ACQUIRE(true) { return mLock.TryLock(); }
 
 private:
@@ -60,7 +61,7 @@ private:
     const CriticalSection* mSection;
 };
 
-/// Tries once to lock a section. Unlocks it at destruction if the attempt succeeded. The section must outlive it.
+/// Try-locks a section once. Unlocks the section at destruction if the try-lock succeeded. The section must outlive it.
 /// Belongs to one thread. Never throws.
 class CriticalSectionTryLock
 {
@@ -80,7 +81,7 @@ public:
     CriticalSectionTryLock(const CriticalSectionTryLock&) = delete;
     CriticalSectionTryLock& operator=(const CriticalSectionTryLock&) = delete;
 
-    /// Returns whether the attempt succeeded.
+    /// Returns whether the try-lock succeeded.
     bool IsLocked() const { return mIsLocked; }
 
 private:

@@ -1,7 +1,7 @@
 // Floor: Media
 // A 96-bit running hash of bytes, and its text.
 //
-// For tables and comparisons, not for security: anyone who controls the bytes can force any hash.
+// The hash serves tables and comparisons, not security: anyone who controls the bytes can force any hash.
 #pragma once
 
 #include <ORLConfig.h>

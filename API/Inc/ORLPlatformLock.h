@@ -34,7 +34,7 @@ namespace Internal {
 ///
 /// Testing for recursion before trying to lock adds a third to the cost of an uncontended lock and unlock, since the
 /// load must wait for the atomic operation before it. So only a lock that was recently locked recursively is tested
-/// first; any other is tested after an attempt to lock it has failed.
+/// first; any other is tested after a try-lock has failed.
 ///
 /// The fast paths are inline, since a call into the library costs more than they do.
 class PlatformLock
@@ -80,7 +80,7 @@ public:
             return;
         }
         ORL_TELL_SANITIZER(__tsan_mutex_pre_unlock(this, 0));
-        // From here on another thread may lock and destroy the object, so only its address is used after this.
+        // From now on another thread may lock and destroy the object, so only its address is used after this.
         const std::uintptr_t old = mWord.exchange(0, std::memory_order_release);
         ORL_TELL_SANITIZER(__tsan_mutex_post_unlock(this, 0));
         if ((old & kSleepers) != 0) {
@@ -116,7 +116,7 @@ private:
         return ORL_THREAD_SANITIZER || mLooks.load(std::memory_order_relaxed) != 0;
     }
 
-    // Locks recursively if the thread is the owner. Returns whether it did.
+    // Locks recursively if the thread is the owner. Returns whether the thread is the owner.
     bool TakeAgain(std::uintptr_t inSelf)
     {
         const std::uintptr_t holder = Holder();

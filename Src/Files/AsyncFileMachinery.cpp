@@ -101,7 +101,7 @@ void TracePort()
     }
 }
 
-// Without this thread no read would ever complete, so the machinery does not start without it.
+// Throws if the thread cannot be started, because without the thread no read would ever complete.
 void StartCompletionThread()
 {
     const SystemError error =

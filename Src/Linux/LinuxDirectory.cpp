@@ -30,13 +30,13 @@ struct Listing
 
     OpenFolder mFolder;
     bool mIsSuspended = false;
-    std::deque<Entry> mKept; // of a suspended listing
+    std::deque<Entry> mKept; // entries of a suspended listing
     SystemError mEndOfKept = kErrorNoMoreFiles;
     // Without search permission a folder can be listed, but its entries cannot be queried.
     enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
 };
 
-// One query suffices for all folders in this one.
+// One query of search permission suffices for all entries of this folder.
 EntryKind Listing::KindOf(const dirent64& inEntry)
 {
     if (inEntry.d_type == DT_UNKNOWN || inEntry.d_type == DT_LNK) {

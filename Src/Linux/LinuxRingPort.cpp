@@ -29,9 +29,9 @@ Overlapped sWithdrawn{};
 // without submitting anything more to the kernel.
 Overlapped sAlarm{};
 
-// The thread that starts a read hands it to the thread that completes it only through the kernel, which the C++ memory
-// model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, the record
-// stores everything about it; mEvent, otherwise unused, stores the size.
+// A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++
+// memory model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, the
+// record stores everything about it; mEvent, otherwise unused, stores the size.
 void Publish(const ReadOrder& inOrder)
 {
     Overlapped& overlapped = *inOrder.mOverlapped;

@@ -11,7 +11,7 @@ namespace ORL {
 
 namespace {
 
-// Without leading zeros, like a hexadecimal stream.
+// Omits leading zeros, like a hexadecimal stream.
 void AppendHexadecimal(UTF16String& ioText, std::uint32_t inWord)
 {
     static constexpr char kDigits[] = "0123456789abcdef";

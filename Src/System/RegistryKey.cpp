@@ -39,7 +39,7 @@ Result ResultOf(SystemError inError)
     return inError == kNoError ? kSuccess : kRegistryFailure;
 }
 
-// For the operations that report a missing key separately.
+// Used by the operations that report a missing key separately.
 Result ResultOfFinding(SystemError inError)
 {
     return inError == kErrorFileNotFound || inError == kErrorPathNotFound ? kFileNotFound : ResultOf(inError);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kNamesAThread = 0x406D1388;
 
-// The record with which a debugger learns the name of a thread.
+// The exception record that passes the name of a thread to a debugger.
 #pragma pack(push, 8)
 struct ThreadNameRecord
 {

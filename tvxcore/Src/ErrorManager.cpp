@@ -14,7 +14,7 @@ std::atomic<ErrorManager*> sInstalled{nullptr};
 
 ErrorManager& BuiltInManager()
 {
-    // In static storage and never destroyed: errors may be raised during process exit.
+    // The manager is in static storage and never destroyed: errors may be raised during process exit.
     alignas(ErrorManager) static unsigned char storage[sizeof(ErrorManager)];
     static ErrorManager* const manager = new (storage) ErrorManager;
     return *manager;

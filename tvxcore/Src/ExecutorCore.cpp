@@ -16,7 +16,7 @@ namespace {
 
 using utility::SmallBlockAllocator;
 
-// A queued function. It is copied once, outside every lock, and runs in place.
+// A queued function. The node copies the function once, outside every lock, and runs its copy.
 class FunctionNode : public WorkNode
 {
 public:

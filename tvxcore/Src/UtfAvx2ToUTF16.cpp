@@ -48,7 +48,7 @@ TVX_AVX2_INLINE __m256i ShiftRight(__m256i inBytes, int inBits, int inMask)
     return _mm256_and_si256(_mm256_srli_epi16(inBytes, inBits), All(inMask));
 }
 
-// For each subset of eight bytes, the shuffle that compacts it.
+// The shuffle that compacts each subset of eight bytes.
 constexpr std::array<std::array<unsigned char, 8>, 256> MakeChoiceOfEight()
 {
     std::array<std::array<unsigned char, 8>, 256> table{};

@@ -15,8 +15,8 @@ namespace utf {
 
 namespace {
 
-// For four units of one to three UTF-8 bytes, in the upper bytes of their 32-bit lanes: the shuffle that compacts them.
-// The low four bits of the index mark units of two bytes or more, the next four bits those of three.
+// The shuffles that compact four units of one to three UTF-8 bytes, which are in the upper bytes of 32-bit lanes. The
+// low four bits of the index mark units of two bytes or more, the next four bits those of three.
 constexpr std::array<std::array<unsigned char, 16>, 256> MakeChoiceOfFour()
 {
     std::array<std::array<unsigned char, 16>, 256> table{};

@@ -37,9 +37,10 @@ struct DoubleBytePage
 {
     static constexpr std::size_t kRow = 256;
 
-    // The units in rows of kRow. Row 0 has the unit of each single byte; for a lead byte, the page's default character.
-    // Row 1 contains only zeros. Each other row has a unit for each trail byte of a lead byte, and 0 for the zero byte,
-    // which is not a trail byte. There is one more unit at the end, so a 32-bit load of the last one is safe.
+    // The units, in rows of kRow units. Row 0 has the unit of each single byte; for a lead byte, the page's default
+    // character. Row 1 contains only zeros. Each other row has a unit for each trail byte of a lead byte, and 0 for the
+    // zero byte, which is not a trail byte. There is one more unit at the end, so a 32-bit load of the last one is
+    // safe.
     const std::uint16_t* mUnits;
     const std::uint16_t* mRows;       // the offset in mUnits of the row of each lead byte; of row 1 for all other bytes
     const std::uint8_t* mRowNumbers;  // for the bytes from 0x80 on: the number of the row of a lead byte, else 0

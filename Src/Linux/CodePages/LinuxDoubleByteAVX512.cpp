@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kGather = 16; // entries
 
-// Stores the bytes marked in inValid as units. All are ASCII.
+// Stores the bytes marked in inValid as units. All bytes are ASCII.
 ORL_AVX512_INLINE void StoreASCII(__m512i inBytes, std::uint64_t inValid, unsigned short* outUnits) noexcept
 {
     const __m512i low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(inBytes));
@@ -118,7 +118,7 @@ public:
         const __m256i low = Gather(_mm512_castsi512_si256(inUnits));
         const __m256i high = inCount > kGather ? Gather(_mm512_extracti64x4_epi64(inUnits, 1)) : low;
         const __m512i bytes = LeadsFirst(_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1));
-        constexpr std::uint64_t second = 0xAAAAAAAAAAAAAAAA; // the only byte of a number below 0x100
+        constexpr std::uint64_t second = 0xAAAAAAAAAAAAAAAA; // a number below 0x100 has only one byte
         const std::uint64_t kept = (_mm512_test_epi8_mask(bytes, bytes) | second) & LowBits(2 * inCount);
         const auto count = static_cast<std::size_t>(_mm_popcnt_u64(kept));
         _mm512_mask_storeu_epi8(outBytes, LowBits(count), _mm512_maskz_compress_epi8(kept, bytes));

@@ -23,8 +23,8 @@ std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outT
             next += kStep;
             continue;
         }
-        // // Does not skip to the first non-ASCII element: the next load would depend on its index, whereas the
-        // processor predicts the branches for single elements.
+        // Does not skip to the first non-ASCII element: the next load would depend on its index, whereas the processor
+        // predicts the branches for single elements.
         const Source* const stop = inText + kStep;
         do {
             inConvertOne(inText, next);

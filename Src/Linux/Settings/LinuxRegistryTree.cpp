@@ -45,7 +45,7 @@ SystemError ReadSubKeys(std::int64_t inKey, Database* ioDatabase, std::vector<Su
     return query.Error();
 }
 
-// The value of a row of kSelectValues.
+// Reads the value from a row of kSelectValues.
 StoredValue::Ptr ReadValue(Statement& inRow)
 {
     Units folded;

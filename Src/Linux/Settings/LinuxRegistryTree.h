@@ -33,11 +33,11 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     bool mHasValues = false;  // mValues is loaded, except those of mStale
     std::vector<std::shared_ptr<StoredKey>> mSubKeys; // in the order of their folded names
     ValueTable mValues;
-    StaleNames mStale; // their values in mValues, if any, are marked
+    StaleNames mStale; // the values of these names in mValues are marked stale
 
     bool HasAllValues() const noexcept { return mHasValues && mStale.IsEmpty(); }
 
-    /// Finds a value, or null if the key has none of that name. False if the database has to be asked.
+    /// Finds a value; stores null if the key has no value of that name. Returns false if the database must be queried.
     bool Find(const FoldedName& inName, StoredValue*& outValue) const noexcept
     {
         outValue = mHasValues ? mValues.Find(inName.Hash(), inName.Text()) : nullptr;
@@ -69,11 +69,11 @@ public:
     /// Returns the number of levels between a key and the root; 0 for the root.
     static unsigned LevelOf(const StoredKey& inKey) noexcept;
 
-    /// Load the missing or stale parts of a key from the database. A null database stands for an empty store.
+    /// Load the missing or stale parts of a key from the database. A null database denotes an empty store.
     SystemError LoadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError LoadValues(StoredKey& ioKey, Database* ioDatabase);
 
-    /// Finds a value, or null if there is none, and loads it first if it is stale.
+    /// Finds a value, after loading it if it is stale; stores null if there is none.
     SystemError LoadValue(StoredKey& ioKey, const FoldedName& inName, Database* ioDatabase, StoredValue*& outValue);
 
     /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory

@@ -14,7 +14,7 @@ constexpr std::size_t kFirstSlots = 8;
 
 void Copy(void* outTo, const void* inFrom, std::size_t inSize) noexcept
 {
-    if (inSize != 0) { // an empty range may be a null pointer
+    if (inSize != 0) { // inFrom may be null if inSize is 0
         std::memcpy(outTo, inFrom, inSize);
     }
 }
@@ -54,7 +54,7 @@ bool StoredValue::Assign(const ValueData& inData) noexcept
     return true;
 }
 
-// The slot of that name, or the empty slot that ends the search. There must be slots.
+// Returns the slot of that name, or the empty slot that ends the search. The table must have slots.
 std::size_t ValueTable::FindSlot(std::uint64_t inHash, UnitsView inFolded) const noexcept
 {
     std::size_t slot = Home(inHash);
@@ -85,7 +85,7 @@ StoredValue& ValueTable::Put(std::uint64_t inHash, StoredValue::Ptr inValue)
 void ValueTable::Grow()
 {
     std::vector<Slot> slots(mSlots.empty() ? kFirstSlots : mSlots.size() * 2);
-    slots.swap(mSlots); // now slots are the earlier ones
+    slots.swap(mSlots); // now slots contains the previous slots
     for (Slot& slot : slots) {
         if (slot.mValue != nullptr) {
             mSlots[FindSlot(slot.mHash, slot.mValue->Folded())] = std::move(slot);
@@ -93,7 +93,7 @@ void ValueTable::Grow()
     }
 }
 
-// Moves the values behind the gap up, so that a search for them does not end at it.
+// Moves later values of the probe sequence into the gap, so that a search for them does not end there.
 void ValueTable::Erase(std::uint64_t inHash, UnitsView inFolded) noexcept
 {
     if (Find(inHash, inFolded) == nullptr) {

@@ -1,8 +1,8 @@
 // Floor: System
 // The values of a key in memory, found by their folded names.
 //
-// A key can have thousands of values, and reads arrive in any order: the time of a read is that of its cache misses. So
-// the index is flat, and each value is one block of memory with its folded name and its data side by side.
+// A key can have thousands of values, and reads arrive in any order, so cache misses dominate the time of a read. The
+// index is therefore flat, and each value is one block of memory that contains its folded name and its data.
 //
 // Not thread-safe; the store locks it.
 #pragma once
@@ -17,7 +17,7 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// The type and the bytes of a value. It does not own them.
+/// The type and the bytes of a value. Does not own the bytes.
 struct ValueData
 {
     unsigned mType = 0;
@@ -25,7 +25,7 @@ struct ValueData
     std::size_t mSize = 0;
 };
 
-/// The header of a block that contains, after it, the folded name, the data and the name.
+/// The header of a block of memory; the folded name, the data and the name follow the header.
 class StoredValue
 {
 public:
@@ -44,17 +44,17 @@ public:
     UnitsView Folded() const noexcept { return UnitsAt(0, mFoldedUnits); }
     UnitsView Name() const noexcept { return UnitsAt(NameOffset(mFoldedUnits, mSize), mNameUnits); }
 
-    /// Replaces type and data if the data has the same size as before, otherwise returns false.
+    /// Replaces type and data and returns true if the new data has the size of the old data, otherwise returns false.
     bool Assign(const ValueData& inData) noexcept;
 
-    /// The database may contain another value.
+    /// Returns whether the database may contain a newer value.
     bool IsStale() const noexcept { return mIsStale; }
     void SetStale() noexcept { mIsStale = true; }
 
 private:
     StoredValue() = default;
 
-    // An even number, so that the name is aligned.
+    // Returns an even number, so that the name is aligned.
     static std::size_t NameOffset(std::size_t inFoldedUnits, std::size_t inSize) noexcept
     {
         return inFoldedUnits * sizeof(unsigned short) + ((inSize + 1) & ~std::size_t{1});
@@ -68,21 +68,21 @@ private:
     }
 
     std::uint32_t mType = 0;
-    std::uint32_t mSize = 0; // of the data, in bytes
+    std::uint32_t mSize = 0; // size of the data in bytes
     std::uint32_t mFoldedUnits = 0;
     std::uint32_t mNameUnits : 31;
     std::uint32_t mIsStale : 1;
 };
 
-/// Open addressing with linear probing. At most three quarters of the slots are in use.
+/// A hash table with open addressing and linear probing. At most three quarters of the slots are in use.
 class ValueTable
 {
 public:
-    /// Null if there is none.
+    /// Returns null if there is no value of that name.
     StoredValue* Find(std::uint64_t inHash, UnitsView inFolded) const noexcept;
 
-    /// Puts a value in the place of the one with the same folded name, or adds it. inHash is that of its folded name.
-    /// Throws std::bad_alloc, and then changes nothing.
+    /// Adds a value, or replaces the one with the same folded name. inHash is the hash of the folded name. May throw
+    /// std::bad_alloc; in that case the table is unchanged.
     StoredValue& Put(std::uint64_t inHash, StoredValue::Ptr inValue);
 
     void Erase(std::uint64_t inHash, UnitsView inFolded) noexcept;
@@ -93,7 +93,7 @@ public:
     void Clear() noexcept;
     void Swap(ValueTable& ioOther) noexcept;
 
-    /// All values, in no order.
+    /// Returns all values, in unspecified order.
     std::vector<const StoredValue*> List() const;
 
 private:
@@ -108,7 +108,7 @@ private:
     std::size_t FindSlot(std::uint64_t inHash, UnitsView inFolded) const noexcept;
     void Grow();
 
-    std::vector<Slot> mSlots; // none, or a power of two
+    std::vector<Slot> mSlots; // their number is 0 or a power of two
     std::size_t mCount = 0;
 };
 

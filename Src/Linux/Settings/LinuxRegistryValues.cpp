@@ -10,7 +10,7 @@ namespace Linux {
 
 using namespace SystemErrors;
 
-// 2 if the key has no such value.
+// Returns 2 if the key has no such value.
 SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
                              StoredValue*& outValue)
 {
@@ -96,7 +96,7 @@ SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const V
         StoredValue* known = nullptr;
         const bool isHere = Resolve(inKey, 0, here) == kNoError && here->mId == number;
         if (!isHere || !here->Find(folded, known)) {
-            return kNoError; // the next read loads it
+            return kNoError; // the next read loads the value
         }
         if (inValue == nullptr) {
             here->mValues.Erase(folded.Hash(), folded.Text());

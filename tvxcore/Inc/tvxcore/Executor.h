@@ -11,7 +11,7 @@
 namespace tvxcore {
 namespace threads {
 
-/// From 0, the lowest, to 5, the highest; 3 is the system's normal priority.
+/// A thread priority from 0, the lowest, to 5, the highest; 3 is the system's normal priority.
 using ThreadPriority = int;
 
 /// Returns the identifier of the calling thread, as system tools show it.

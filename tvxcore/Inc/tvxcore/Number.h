@@ -30,7 +30,7 @@ inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 
 /// Returns the number as the user's locale writes it. Decimal point and grouping are those of UserNumberPunctuation
 /// (NumberPunctuation.h), so a number shown here can be read back. On Linux digits and sign are ASCII; on Windows the
-/// user's settings place the sign.
+/// user's settings determine the position of the sign.
 ///
 /// inIntegerDigits   0 omits the zero before the point of a number below 1; any other value writes it.
 /// inFractionDigits  the exact number of digits after the point, at most 9; rounded to nearest, ties to even.

@@ -83,8 +83,8 @@ struct CacheHead
     std::size_t mTakesBelow = 0;              // the same for blocks that are freed
     std::atomic<std::uint64_t> mTaken{0};
     std::atomic<std::uint64_t> mRoom{0};
-    // Two for each class: one past the top block of its stack, and the end of the stack's memory. A null is below each
-    // stack.
+    // Two pointers for each class: one past the top block of its stack, and the end of the stack's memory. A null is
+    // below the first block of each stack.
     std::array<void**, 2 * kClassCount> mPlaces{};
 };
 
@@ -164,7 +164,7 @@ inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) n
 
 #if TVXCORE_HAS_SHARED_THREAD_LOCALS
 /// The calling thread's cache; never null. It is in each thread's static TLS block, so reading it needs no call. It is
-/// constant-initialised, which only this older keyword guarantees in a header.
+/// constant-initialised, which in a header only the older keyword __thread guarantees.
 extern TVXCORE_API __attribute__((tls_model("initial-exec"))) __thread CacheHead* sThreadCache;
 #endif
 

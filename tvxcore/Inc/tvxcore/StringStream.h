@@ -9,8 +9,8 @@
 
 namespace tvxcore {
 
-/// Reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like any stream.
-/// The constructor throws std::bad_alloc.
+/// A stream that reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like
+/// any stream. The constructor throws std::bad_alloc.
 ///
 /// A 16-bit unit and a number are one type here: `stream >> unit` and `stream << unit` treat it as a number. Use
 /// get() and put() for a unit.
@@ -26,8 +26,8 @@ public:
     std::locale imbue(const std::locale& inLocale);
 };
 
-/// Writes to a text, which str() returns. Uses the process's global locale at the time of construction. Not
-/// thread-safe, like any stream. The constructor throws std::bad_alloc.
+/// A stream that writes to a text, which str() returns. Uses the process's global locale at the time of construction.
+/// Not thread-safe, like any stream. The constructor throws std::bad_alloc.
 class TVXCORE_API oUTF16StringStream
     : public std::basic_ostringstream<unsigned short, std::char_traits<unsigned short>,
                                       utility::SmallBlockAllocator::STLAllocator<unsigned short>>

@@ -85,8 +85,8 @@ private:
     bool mIsCut; // out of memory: later parts are dropped
 };
 
-/// One place that traces: its category, its level, and a cached answer for the current levels. Must be static, and
-/// inCategory must live as long. Thread-safe. Never throws.
+/// A location in the code that traces: its category, its level, and whether the current levels enable it (cached). Must
+/// be static, and inCategory must live as long. Thread-safe. Never throws.
 class TraceSite
 {
 public:

@@ -51,10 +51,10 @@ struct ThreadCache : CacheHead
 
     std::array<void*, SlotsBeforeClass(kClassCount)> mSlots;
 
-    /// For a cache with static lifetime.
+    /// Constructs a cache with static lifetime.
     constexpr ThreadCache() noexcept : mSlots{} {}
 
-    /// For a cache on new pages. Does not touch the slots.
+    /// Constructs a cache on new pages. Does not touch the slots.
     struct OnFreshPages
     {
     };

@@ -130,7 +130,7 @@ std::int64_t MonotonicNanoseconds_Impl() noexcept
     LARGE_INTEGER now{};
     ::QueryPerformanceFrequency(&frequency);
     ::QueryPerformanceCounter(&now);
-    // In two steps: the direct product would overflow within a day.
+    // Converts in two steps, because the direct product would overflow within a day.
     constexpr std::int64_t kSecond = 1'000'000'000;
     return now.QuadPart / frequency.QuadPart * kSecond + now.QuadPart % frequency.QuadPart * kSecond / frequency.QuadPart;
 }
