@@ -35,6 +35,9 @@ void LoadAndAsk(const UTF16String& inPath)
     EXPECT_EQ(nullptr, module->LoadResource(MakeResourceID(1), type.c_str(), size));
     Resources::Linux::CursorPicture picture;
     EXPECT_TRUE(Resources::Linux::GetCursorPicture(module->LoadCursorW(3), picture));
+    const HMENU menu = module->LoadMenuW(1);
+    EXPECT_EQ(2, Resources::Linux::GetMenuItemCount(menu));
+    Resources::Linux::DestroyMenu(menu);
     UTF16String path;
     module->GetPath(path);
     EXPECT_FALSE(path.empty());

@@ -10,3 +10,18 @@ foreach(symbol _ZN3ORL10PageMemory8Platform18AllocatePages_ImplE _ZN3ORL10PageMe
   target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol}${mangled_size})
 endforeach()
 add_dependencies(${room_target} resource_files)
+
+# On Linux the bitmaps that exist are counted, and the decoder's libraries request their memory from the tests.
+if(NOT WIN32)
+  foreach(symbol
+      _ZN3ORL6Images8Platform17CreateBitmap_ImplEPNS1_7PictureERSt10unique_ptrIA_hSt14default_deleteIS5_EERP9HBITMAP__
+      _ZN3ORL7Modules8Platform15LoadBitmap_ImplERKNS1_6SourceEt
+      _ZN3ORL6Images8Platform17DeleteBitmap_ImplEP9HBITMAP__
+      spng_ctx_new)
+    target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol})
+  endforeach()
+  target_link_libraries(${room_target} PRIVATE PkgConfig::SPNG PkgConfig::LIBDEFLATE)
+  add_dependencies(${room_target} images_pictures)
+  target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\""
+    ORL_FUZZ_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus" ORL_PICTURES="${CMAKE_CURRENT_SOURCE_DIR}/Images/Data")
+endif()

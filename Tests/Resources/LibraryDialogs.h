@@ -4,7 +4,9 @@
 #include <Resources/DialogTemplate.h>
 #include <TextHelpers.h>
 
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <ios>
 
 namespace ORLTest {
 
@@ -62,83 +64,103 @@ inline UTF16String TextFrom(const char16_t* inText)
     return UTF16String(text.begin(), text.end());
 }
 
-inline const ORL::Resources::DialogItem* FindItem(const ORL::Resources::Dialog& inDialog, unsigned int inID)
+constexpr std::uint32_t kVisibleChild = 0x50000000;
+constexpr std::uint32_t kBorder = 0x00800000;
+constexpr std::uint32_t kTabStop = 0x00010000;
+constexpr std::uint32_t kDialogStyle = 0x80C800C0; // a pop-up with caption and menu, a modal frame and a font
+constexpr std::uint32_t kShowsIcon = 0x3;
+constexpr std::uint32_t kOneLine = 0x80;
+constexpr std::uint32_t kManyLines = 0x00200844; // read only, with a scroll bar
+constexpr std::uint32_t kWrapped = 0x2000;
+constexpr std::uint32_t kDefault = 0x1;
+constexpr std::uint32_t kGroup = 0x00020000;
+
+/// An item of a dialog as it must be. An icon has a number in place of a title, and its own size: windres writes none.
+struct ExpectedItem
 {
-    for (const ORL::Resources::DialogItem& item : inDialog.mItems) {
-        if (item.mID == inID) {
-            return &item;
-        }
+    unsigned int mID;
+    unsigned short mClass;
+    std::uint32_t mStyle;
+    int mBox[4]; // x, y, width, height
+    const char16_t* mTitle;
+};
+
+inline void ExpectItem(const ORL::Resources::DialogItem& inItem, const ExpectedItem& inExpected)
+{
+    SCOPED_TRACE(inExpected.mID);
+    EXPECT_EQ(inExpected.mID, inItem.mID);
+    EXPECT_TRUE(inItem.mClass.mIsNumber);
+    EXPECT_EQ(inExpected.mClass, inItem.mClass.mNumber);
+    EXPECT_EQ(inExpected.mStyle, inItem.mStyle) << std::hex << inItem.mStyle;
+    EXPECT_EQ(0u, inItem.mExtendedStyle);
+    EXPECT_EQ(inExpected.mBox[0], inItem.mX);
+    EXPECT_EQ(inExpected.mBox[1], inItem.mY);
+    EXPECT_EQ(inExpected.mBox[2], inItem.mWidth);
+    EXPECT_EQ(inExpected.mBox[3], inItem.mHeight);
+    if (inExpected.mTitle == nullptr) {
+        EXPECT_TRUE(inItem.mTitle.mIsNumber);
+        EXPECT_EQ(14000, inItem.mTitle.mNumber);
+    } else {
+        EXPECT_FALSE(inItem.mTitle.mIsNumber);
+        EXPECT_EQ(TextFrom(inExpected.mTitle), inItem.mTitle.mText);
     }
-    return nullptr;
 }
 
-inline void ExpectItem(const ORL::Resources::Dialog& inDialog, unsigned int inID, unsigned short inClass,
-                       const UTF16String& inTitle)
+/// Every part of a template: inItems in their order.
+template <std::size_t kCount>
+void ExpectDialog(const ORL::Resources::Bytes& inTemplate, int inWidth, int inHeight, const char16_t* inTitle,
+                  const ExpectedItem (&inItems)[kCount])
 {
-    const ORL::Resources::DialogItem* const item = FindItem(inDialog, inID);
-    ASSERT_NE(nullptr, item) << inID;
-    EXPECT_TRUE(item->mClass.mIsNumber);
-    EXPECT_EQ(inClass, item->mClass.mNumber) << inID;
-    EXPECT_EQ(inTitle, item->mTitle.mText) << inID;
-    EXPECT_GE(item->mX, 0);
-    EXPECT_GE(item->mY, 0);
-    EXPECT_LE(item->mX + item->mWidth, inDialog.mWidth) << inID;
-    EXPECT_LE(item->mY + item->mHeight, inDialog.mHeight) << inID;
-}
-
-inline void ExpectSize(const ORL::Resources::Dialog& inDialog, unsigned int inID, int inWidth, int inHeight)
-{
-    const ORL::Resources::DialogItem* const item = FindItem(inDialog, inID);
-    ASSERT_NE(nullptr, item) << inID;
-    EXPECT_EQ(inWidth, item->mWidth) << inID;
-    EXPECT_EQ(inHeight, item->mHeight) << inID;
-}
-
-inline void ExpectIcon(const ORL::Resources::Dialog& inDialog)
-{
-    const ORL::Resources::DialogItem* const item = FindItem(inDialog, 14100);
-    ASSERT_NE(nullptr, item);
-    EXPECT_EQ(kStaticClass, item->mClass.mNumber);
-    EXPECT_EQ(3u, item->mStyle & 0x1F); // the style shows an icon
-    EXPECT_TRUE(item->mTitle.mIsNumber);
-    EXPECT_EQ(14000, item->mTitle.mNumber);
+    ORL::Resources::Dialog dialog;
+    ASSERT_TRUE(ORL::Resources::ReadDialogTemplate(inTemplate, dialog));
+    EXPECT_TRUE(dialog.mIsExtended);
+    EXPECT_EQ(kDialogStyle, dialog.mStyle) << std::hex << dialog.mStyle;
+    EXPECT_EQ(0u, dialog.mExtendedStyle);
+    EXPECT_EQ(0, dialog.mX);
+    EXPECT_EQ(0, dialog.mY);
+    EXPECT_EQ(inWidth, dialog.mWidth);
+    EXPECT_EQ(inHeight, dialog.mHeight);
+    EXPECT_FALSE(dialog.mMenu.mIsNumber);
+    EXPECT_TRUE(dialog.mMenu.mText.empty());
+    EXPECT_FALSE(dialog.mClass.mIsNumber);
+    EXPECT_TRUE(dialog.mClass.mText.empty());
+    EXPECT_EQ(TextFrom(inTitle), dialog.mTitle);
+    EXPECT_EQ(8, dialog.mFontSize);
+    EXPECT_EQ(TextFrom(u"MS Shell Dlg"), dialog.mFont);
+    ASSERT_EQ(kCount, dialog.mItems.size());
+    for (std::size_t i = 0; i < kCount; ++i) {
+        ExpectItem(dialog.mItems[i], inItems[i]);
+    }
 }
 
 /// Compares the template of dialog 14400 with the texts of one language.
 inline void ExpectEventDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
-    ORL::Resources::Dialog dialog;
-    ASSERT_TRUE(ORL::Resources::ReadDialogTemplate(inTemplate, dialog));
-    EXPECT_EQ(TextFrom(inTexts.mEventCaption), dialog.mTitle);
-    EXPECT_EQ(346, dialog.mWidth);
-    EXPECT_EQ(217, dialog.mHeight);
-    EXPECT_EQ(8u, dialog.mItems.size());
-    ExpectIcon(dialog);
-    ExpectItem(dialog, 14250, kEditClass, UTF16String());
-    ExpectSize(dialog, 14250, 294, 12);
-    EXPECT_EQ(0u, FindItem(dialog, 14250)->mStyle & 4);
-    ExpectItem(dialog, 14251, kEditClass, UTF16String());
-    ExpectSize(dialog, 14251, 294, 157);
-    EXPECT_EQ(4u, FindItem(dialog, 14251)->mStyle & 4); // multi-line
-    for (unsigned int i = 0; i < 5; ++i) {
-        ExpectItem(dialog, 14200 + i, kButtonClass, TextFrom(inTexts.mButtons[i]));
-    }
+    constexpr std::uint32_t kEdit = kVisibleChild | kBorder | kTabStop;
+    constexpr std::uint32_t kButton = kVisibleChild | kTabStop | kWrapped;
+    const ExpectedItem kItems[] = {
+        {14100, kStaticClass, kVisibleChild | kShowsIcon, {7, 7, 0, 0}, nullptr},
+        {14250, kEditClass, kEdit | kOneLine, {45, 7, 294, 12}, u""},
+        {14251, kEditClass, kEdit | kManyLines, {45, 25, 294, 157}, u""},
+        {14200, kButtonClass, kButton, {7, 190, 63, 20}, inTexts.mButtons[0]},
+        {14201, kButtonClass, kButton, {74, 190, 63, 20}, inTexts.mButtons[1]},
+        {14202, kButtonClass, kButton, {141, 190, 63, 20}, inTexts.mButtons[2]},
+        {14203, kButtonClass, kButton, {208, 190, 63, 20}, inTexts.mButtons[3]},
+        {14204, kButtonClass, kButton, {275, 190, 63, 20}, inTexts.mButtons[4]},
+    };
+    ExpectDialog(inTemplate, 346, 217, inTexts.mEventCaption, kItems);
 }
 
 /// Compares the template of dialog 14401 with the texts of one language.
 inline void ExpectErrorDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
-    ORL::Resources::Dialog dialog;
-    ASSERT_TRUE(ORL::Resources::ReadDialogTemplate(inTemplate, dialog));
-    EXPECT_EQ(TextFrom(inTexts.mErrorCaption), dialog.mTitle);
-    EXPECT_EQ(300, dialog.mWidth);
-    EXPECT_EQ(100, dialog.mHeight);
-    EXPECT_EQ(4u, dialog.mItems.size());
-    ExpectIcon(dialog);
-    ExpectItem(dialog, 0xFFFFFFFF, kStaticClass, TextFrom(inTexts.mErrorText));
-    ExpectItem(dialog, 14251, kEditClass, UTF16String());
-    ExpectSize(dialog, 14251, 250, 30);
-    ExpectItem(dialog, 14200, kButtonClass, TextFrom(inTexts.mContinue));
+    const ExpectedItem kItems[] = {
+        {14100, kStaticClass, kVisibleChild | kShowsIcon, {7, 7, 0, 0}, nullptr},
+        {0xFFFFFFFF, kStaticClass, kVisibleChild | kGroup, {43, 9, 250, 16}, inTexts.mErrorText},
+        {14251, kEditClass, kVisibleChild | kBorder | kTabStop | kManyLines, {43, 30, 250, 30}, u""},
+        {14200, kButtonClass, kVisibleChild | kTabStop | kDefault, {236, 79, 57, 14}, inTexts.mContinue},
+    };
+    ExpectDialog(inTemplate, 300, 100, inTexts.mErrorCaption, kItems);
 }
 
 } // namespace ORLTest

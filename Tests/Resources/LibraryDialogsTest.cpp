@@ -4,8 +4,11 @@
 
 #include <Resources/ResourceReaders.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 using ORL::Resources::NameView;
 using ORL::Resources::ReadOutcome;
@@ -50,6 +53,8 @@ protected:
         return bytes;
     }
 
+    const std::vector<ResourceEntry>& Entries() const { return mIndex.Entries(); }
+
 private:
     std::vector<unsigned char> mContents;
     ResourceIndex mIndex;
@@ -78,21 +83,46 @@ TEST_F(LibraryDialogs, OfErrors_SayTheSameInFiveLanguages)
     }
 }
 
-TEST_F(LibraryDialogs, TheirIcon_HasThreeSizesInFiveLanguages)
+// An icon file holds the same pictures. Its directory says where they are; that of a resource has their numbers instead.
+TEST_F(LibraryDialogs, TheirIcon_HasThePicturesOfItsFileInFiveLanguages)
 {
+    std::ifstream stream(std::filesystem::u8path(ORL_LIBRARY_ICON), std::ios::binary);
+    const std::vector<unsigned char> file((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    ASSERT_GT(file.size(), 6u + 3 * 16);
+    Data icons;
+    icons.mData = file.data();
+    icons.mSize = file.size();
     for (const DialogTexts& texts : kDialogTexts) {
         SCOPED_TRACE(texts.mLanguage);
         const Data group = Find(kIconGroupType, 14000, texts.mLanguage);
         ASSERT_EQ(6u + 3 * 14, group.mSize);
-        EXPECT_EQ(1u, NumberAt(group, 2));
+        EXPECT_TRUE(std::equal(group.mData, group.mData + 6, file.data()));
         for (const unsigned int i : {0u, 1u, 2u}) {
             const unsigned int entry = 6 + i * 14;
-            const unsigned int side = 16 * (i + 1);
-            EXPECT_EQ(side, group.mData[entry]);
+            const unsigned int inFile = 6 + i * 16;
+            EXPECT_EQ(16 * (i + 1), group.mData[entry]);
+            EXPECT_TRUE(std::equal(group.mData + entry, group.mData + entry + 12, file.data() + inFile));
             const Data icon =
                 Find(kIconType, static_cast<unsigned short>(NumberAt(group, entry + 12)), texts.mLanguage);
-            EXPECT_EQ(NumberAt(group, entry + 8), icon.mSize);
-            EXPECT_EQ(side, NumberAt(icon, 4));
+            const std::size_t start = NumberAt(icons, inFile + 12);
+            ASSERT_LE(start + icon.mSize, file.size());
+            EXPECT_EQ(NumberAt(icons, inFile + 8), icon.mSize);
+            EXPECT_TRUE(std::equal(icon.mData, icon.mData + icon.mSize, file.data() + start));
         }
+    }
+}
+
+TEST_F(LibraryDialogs, AndTheirIcon_AreAllOfTheLibrarysResources)
+{
+    std::map<std::pair<unsigned int, unsigned int>, int> counts; // by type and language
+    for (const ResourceEntry& entry : Entries()) {
+        EXPECT_FALSE(entry.mType.mIsText);
+        ++counts[{entry.mType.mID, entry.mLanguage}];
+    }
+    EXPECT_EQ(15u, counts.size());
+    for (const DialogTexts& texts : kDialogTexts) {
+        EXPECT_EQ(3, (counts[{kIconType, texts.mLanguage}])) << texts.mLanguage;
+        EXPECT_EQ(2, (counts[{kDialogType, texts.mLanguage}])) << texts.mLanguage;
+        EXPECT_EQ(1, (counts[{kIconGroupType, texts.mLanguage}])) << texts.mLanguage;
     }
 }

@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace ORL;
@@ -238,28 +237,4 @@ TEST(ModuleLinux, LanguageOfALocalesName)
     for (const Row& row : kRows) {
         EXPECT_EQ(row.mLanguage, Linux::LanguageOfLocale(row.mName)) << row.mName;
     }
-}
-
-TEST(ModuleLinux, EightThreads_LookUpWhileAnotherModuleComesAndGoes)
-{
-    const ModulePtr module = LoadPlugIn("resources_lookup");
-    const LanguageScope language(1031);
-    std::vector<std::thread> threads;
-    std::atomic<int> wrong{0};
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&, i] {
-            for (int round = 0; round < 200; ++round) {
-                if (i == 0) {
-                    ModulePtr twin;
-                    wrong += Module::Load(LibraryPath(PlugInFile("resources_twin")), twin) != kSuccess;
-                }
-                wrong += LoadStdString(*module, 0) != "null";
-                wrong += module->LoadCursorW(3) == nullptr;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(0, wrong);
 }

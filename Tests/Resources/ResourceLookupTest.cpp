@@ -3,10 +3,13 @@
 
 #include <CheckRecorder.h>
 
+#include <ORLStringResources.h>
 #include <Resources/ResourceReaders.h>
 
+#include <atomic>
 #include <fstream>
 #include <iterator>
+#include <thread>
 #include <vector>
 
 using namespace ORL;
@@ -259,4 +262,59 @@ TEST(ResourceLookup, TwoModulesWithEqualNames_EachAnswersForItself)
     twin = ModulePtr();
     EXPECT_EQ("neutral", TextOf(data, size));
     EXPECT_EQ(data, lookup->FindLocalizedResource(MakeResourceID(115), MakeResourceID(kRawData), size));
+}
+
+namespace {
+
+std::string RawData(const Module& inModule, Lookup inLookup, unsigned short inID)
+{
+    return AnswerOf([&](int& outSize) {
+        return (inModule.*inLookup)(MakeResourceID(inID), MakeResourceID(kRawData), outSize);
+    });
+}
+
+// Each kind of look-up once. Returns the number of wrong answers.
+int LookUpEverything(const Module& inModule)
+{
+    int wrong = 0;
+    wrong += RawData(inModule, &Module::FindLocalizedResource, 115) != de;
+    wrong += RawData(inModule, &Module::FindNonLocalizedResource, 115) != en;
+    wrong += RawData(inModule, static_cast<Lookup>(&Module::LoadResource), 115) != ne;
+    wrong += TextNamed(inModule, u"shelf", u"FirstName") != "by text";
+    const UTF16String drawer = Units(u"drawer");
+    wrong += AnswerOf([&](int& outSize) { return inModule.LoadFirstResourceOfType(drawer.c_str(), outSize); }) != "five";
+    wrong += LoadStdString(inModule, 0) != "null";
+    wrong += inModule.LoadCursorW(3) == nullptr;
+    return wrong;
+}
+
+// A module with equal names is loaded, asked and unloaded. Returns the number of wrong answers.
+int LoadTheTwin()
+{
+    const ModulePtr twin = LoadPlugIn("resources_twin");
+    return (RawData(*twin, &Module::FindLocalizedResource, 115) != "twin") + (LoadStdString(*twin, 1) != "twin one");
+}
+
+} // namespace
+
+TEST(ResourceLookup, EightThreads_LookUpWhileAModuleWithEqualNamesComesAndGoes)
+{
+    const ModulePtr module = LoadPlugIn("resources_lookup");
+    const LanguageScope language(kGerman);
+    ASSERT_EQ(0, LookUpEverything(*module));
+    ASSERT_EQ(0, LoadTheTwin());
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < 100; ++round) {
+                wrong += i == 0 ? LoadTheTwin() : 0;
+                wrong += LookUpEverything(*module);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0, wrong);
 }
