@@ -2,6 +2,7 @@
 #include "LinuxCompletionPort.h"
 
 #include "Files/LinuxDirectAlignment.h"
+#include "Files/LinuxPageCache.h"
 #include "LinuxErrors.h"
 #include "LinuxHostPath.h"
 #include "SystemCalls.h"
@@ -31,18 +32,6 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// The kernel drops whole pages only, so this includes the page where the read begins: the previous read, which ended
-// there, may have been smaller than a page.
-void DropPagesBehind(const AsyncFile& inFile, std::uint64_t inPosition, std::uint32_t inBytesRead)
-{
-    constexpr std::uint64_t kPage = 4096;
-    if (inFile.mGoesThroughCache && inBytesRead != 0) {
-        const std::uint64_t first = inPosition / kPage * kPage;
-        System().mFAdvise(inFile.mDescriptor, static_cast<off_t>(first),
-                          static_cast<off_t>(inPosition - first + inBytesRead), POSIX_FADV_DONTNEED);
-    }
-}
-
 bool IsPassing(int inErrno)
 {
     return inErrno == EAGAIN || inErrno == EBUSY || inErrno == ENOMEM || inErrno == ENOBUFS;
@@ -67,7 +56,7 @@ std::int64_t ReadNow(const ReadOrder& inOrder)
     Retries retries;
     ssize_t returned = -1;
     do {
-        returned = System().mPRead(inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
+        returned = System().mPRead(inOrder.mFile->File(), inOrder.mBuffer, inOrder.mSize,
                                    static_cast<off_t>(PositionOf(*inOrder.mOverlapped)));
     } while (returned < 0 && retries.IsWorthwhile(errno));
     return returned >= 0 ? returned : -static_cast<std::int64_t>(errno);
@@ -84,8 +73,8 @@ bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_
     }
     const bool hasSucceeded = inReturned >= 0;
     outCompletion.mBytesRead = hasSucceeded ? static_cast<std::uint32_t>(inReturned) : 0;
-    if (hasSucceeded) {
-        DropPagesBehind(inFile, PositionOf(inOverlapped), outCompletion.mBytesRead);
+    if (hasSucceeded && inFile.mGoesThroughCache) {
+        DropPagesOfTransfer(inFile.File(), PositionOf(inOverlapped), outCompletion.mBytesRead);
     }
     return hasSucceeded;
 }
@@ -109,25 +98,25 @@ AsyncFile& FileOf(Handle inFile)
     return *static_cast<AsyncFile*>(inFile);
 }
 
-int OpenHostFile(const std::string& inHostPath, int inFlags)
+// Opening a pipe must not block until it has a writer.
+Descriptor OpenHostFile(const std::string& inHostPath, int inFlags)
 {
-    int file = -1;
-    do {
-        // Opening a pipe must not block until it has a writer.
-        file = System().mOpen(inHostPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | inFlags, 0);
-    } while (file < 0 && errno == EINTR);
-    return file;
+    return OpenByPath(inHostPath.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | inFlags);
 }
 
 // If the file system refuses direct reads, the file is read through the cache.
 SystemError OpenDescriptor(const std::string& inHostPath, AsyncFile& outFile)
 {
-    outFile.mDescriptor = OpenHostFile(inHostPath, O_DIRECT);
-    if (outFile.mDescriptor < 0 && errno == EINVAL) {
+    Descriptor file = OpenHostFile(inHostPath, O_DIRECT);
+    if (!file && errno == EINVAL) {
         outFile.mGoesThroughCache = true;
-        outFile.mDescriptor = OpenHostFile(inHostPath, 0);
+        file = OpenHostFile(inHostPath, 0);
     }
-    return outFile.mDescriptor < 0 ? SystemErrorFromErrno(errno, inHostPath) : kNoError;
+    if (!file) {
+        return SystemErrorFromErrno(errno, inHostPath);
+    }
+    outFile.mShares.Own(std::move(file));
+    return kNoError;
 }
 
 int FlagsOf(const AsyncFile& inFile)
@@ -139,7 +128,7 @@ int FlagsOf(const AsyncFile& inFile)
 SystemError CheckKind(AsyncFile& ioFile)
 {
     struct statx status;
-    if (System().mStatx(ioFile.mDescriptor, "", AT_EMPTY_PATH, STATX_TYPE | STATX_INO, &status) != 0) {
+    if (System().mStatx(ioFile.File(), "", AT_EMPTY_PATH, STATX_TYPE | STATX_INO, &status) != 0) {
         return SystemErrorFromErrno(errno);
     }
     ioFile.mIsRegular = S_ISREG(status.stx_mode);
@@ -147,17 +136,16 @@ SystemError CheckKind(AsyncFile& ioFile)
         return kErrorAccessDenied;
     }
     const FileIdentity identity{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino};
-    const SystemError error =
-        ioFile.mShares.Enter(ioFile.mDescriptor, identity, kShareRead, kShareRead | kShareWrite);
+    const SystemError error = ioFile.mShares.Enter(identity, kShareRead, kShareRead | kShareWrite);
     if (error != kNoError) {
         return error;
     }
-    return System().mSetFlags(ioFile.mDescriptor, FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
+    return System().mSetFlags(ioFile.File(), FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
 }
 
 SystemError GoThroughCache(AsyncFile& ioFile)
 {
-    ioFile.mGoesThroughCache = System().mSetFlags(ioFile.mDescriptor, O_RDONLY) == 0;
+    ioFile.mGoesThroughCache = System().mSetFlags(ioFile.File(), O_RDONLY) == 0;
     return ioFile.mGoesThroughCache ? kNoError : SystemErrorFromErrno(errno);
 }
 
@@ -168,7 +156,7 @@ SystemError LearnAlignment(AsyncFile& ioFile)
     if (ioFile.mGoesThroughCache) {
         return kNoError;
     }
-    const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, true);
+    const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), true);
     if (alignment == 0) {
         return GoThroughCache(ioFile); // the open succeeded, but this file does not support direct reads
     }
@@ -189,7 +177,7 @@ SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
     if (!inFile.mIsRegular) {
         return kNoError;
     }
-    const off_t end = System().mSeek(inFile.mDescriptor, 0, SEEK_END);
+    const off_t end = System().mSeek(inFile.File(), 0, SEEK_END);
     if (end < 0) {
         return SystemErrorFromErrno(errno);
     }
@@ -297,7 +285,6 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
         error = LearnAlignment(*file);
     }
     if (error != kNoError) {
-        file->mShares.Release(file->mDescriptor);
         return error;
     }
     outFile = file.release();
@@ -306,7 +293,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 
 void CloseFile_Impl(Handle inFile)
 {
-    FileOf(inFile).mShares.Release(FileOf(inFile).mDescriptor);
+    FileOf(inFile).mShares.Release(); // before the port, whose last owner this may be
     delete &FileOf(inFile);
 }
 

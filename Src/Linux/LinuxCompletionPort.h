@@ -70,12 +70,13 @@ public:
 /// A file opened for asynchronous reads. It keeps its port alive.
 struct AsyncFile
 {
-    int mDescriptor = -1;
+    ShareHolder mShares;           // owns the file, and registers the reader with the share modes
     bool mIsRegular = false;       // the end of the file is checked, except for block devices
     bool mGoesThroughCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
-    ShareHolder mShares; // registers the reader with the share modes
+
+    int File() const noexcept { return mShares.File(); }
 };
 
 /// Creates a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in

@@ -1,9 +1,10 @@
-// Owner of one open file of the host.
+// Opening files of the host, and the owner of one open file.
 #pragma once
 
 #include "SystemCalls.h"
 
 #include <cerrno>
+#include <sys/types.h>
 
 namespace ORL {
 namespace Linux {
@@ -50,6 +51,16 @@ public:
 private:
     int mFile;
 };
+
+/// Open a file by its path, or by its name in an open folder, with the flags and the mode of open(2) and openat(2).
+/// Repeat a call that a signal interrupted. Add O_CLOEXEC, so that no child process inherits the file. On failure they
+/// return an owner of nothing, and errno.
+Descriptor OpenByPath(const char* inPath, int inFlags, mode_t inMode = 0) noexcept;
+Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMode = 0) noexcept;
+
+/// Opens a folder by its name in another folder, or by its path with AT_FDCWD. inLink is 0 to follow a link, or
+/// O_NOFOLLOW to fail for one.
+Descriptor OpenFolderByName(int inFolder, const char* inName, int inLink) noexcept;
 
 } // namespace Linux
 } // namespace ORL

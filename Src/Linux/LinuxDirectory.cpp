@@ -156,13 +156,8 @@ bool WriteProbe_Impl(const UTF16String& inPath)
     if (ReachHostPath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
-    const int file = System().mOpen(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (file < 0) {
-        return false;
-    }
-    const bool isWritten = System().mUnlink(path.mPath.c_str()) == 0 && System().mPWrite(file, "X", 1, 0) == 1;
-    System().mClose(file);
-    return isWritten;
+    const Descriptor file = OpenByPath(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);
+    return file && System().mUnlink(path.mPath.c_str()) == 0 && System().mPWrite(file.Get(), "X", 1, 0) == 1;
 }
 
 // Returns a status in the form of the Windows path service, which only reports that a path is missing.

@@ -16,7 +16,7 @@ namespace Linux {
 
 struct OpenFile
 {
-    int mDescriptor = -1; // must be first: hosts read the descriptor through the handle
+    ShareHolder mShares; // must be first: hosts read its descriptor through the handle
     bool mMayRead = false;
     bool mMayWrite = false;
     bool mIsRegular = false;
@@ -27,12 +27,13 @@ struct OpenFile
     std::string mNameToDelete;         // not empty: the host path to delete when the file is closed
     std::shared_ptr<const Descriptor> mFolderOfName; // keeps open the folder that a long path leads through
     FileIdentity mIdentity;
-    ShareHolder mShares;
 
     OpenFile() = default;
     ~OpenFile() { Close(); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
+
+    int File() const noexcept { return mShares.File(); }
 
     /// Call it once. The file is closed even if this returns an error.
     SystemError Close() noexcept;
@@ -91,23 +92,17 @@ SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus
 class EntryHold
 {
 public:
-    EntryHold() = default;
-    ~EntryHold() { mShares.Release(mDescriptor); }
-    EntryHold(const EntryHold&) = delete;
-    EntryHold& operator=(const EntryHold&) = delete;
-
     SystemError Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses, unsigned inShares);
 
     /// Returns -1 if the entry could not be opened.
-    int Descriptor() const noexcept { return mDescriptor; }
+    int File() const noexcept { return mShares.File(); }
 
     /// Returns the errno of the failed open, or 0.
     int OpenError() const noexcept { return mOpenError; }
 
 private:
-    int mDescriptor = -1;
-    int mOpenError = 0;
     ShareHolder mShares;
+    int mOpenError = 0;
 };
 
 } // namespace Linux

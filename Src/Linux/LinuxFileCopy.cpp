@@ -118,7 +118,7 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
         return kErrorSharingViolation;
     }
     UnfinishedCopy copy(inDestination.mPath, to->mIdentity);
-    error = CopyContents(from->mDescriptor, source, to->mDescriptor, destination, isNew, inWish);
+    error = CopyContents(from->File(), source, to->File(), destination, isNew, inWish);
     if (error == kNoError) {
         error = to->Close(); // some file systems report a full disk only on close
     }

@@ -1,4 +1,5 @@
 // Deletes, moves and replaces names.
+#include "Files/LinuxLinkTarget.h"
 #include "LinuxCopyBytes.h"
 #include "LinuxDescriptor.h"
 #include "LinuxErrors.h"
@@ -64,13 +65,12 @@ SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
 // Copies a link as a link; ignores its target.
 SystemError CopyLink(const std::string& inSource, const std::string& inDestination)
 {
-    char target[PATH_MAX];
-    const ssize_t size = System().mReadLinkAt(AT_FDCWD, inSource.c_str(), target, sizeof(target) - 1);
-    if (size < 0) {
-        return SystemErrorFromErrno(errno, inSource);
+    LinkTarget target;
+    const int failure = target.Read(AT_FDCWD, inSource.c_str());
+    if (failure != 0) {
+        return SystemErrorFromErrno(failure, inSource);
     }
-    target[size] = '\0';
-    return System().mSymLinkAt(target, AT_FDCWD, inDestination.c_str()) == 0 ? kNoError
+    return System().mSymLinkAt(target.Text(), AT_FDCWD, inDestination.c_str()) == 0 ? kNoError
                                                                            : SystemErrorFromErrno(errno, inDestination);
 }
 
@@ -82,20 +82,14 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
     return CopyHostFile(inSource, inDestination, wish);
 }
 
-int OpenToSync(const std::string& inPath, int inFlags)
-{
-    int descriptor = -1;
-    do {
-        descriptor = System().mOpen(inPath.c_str(), inFlags | O_CLOEXEC, 0);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
 // A copy has the permissions of its source, which may deny reading or writing.
-int OpenAnyWay(const std::string& inFile)
+Descriptor OpenAnyWay(const std::string& inFile)
 {
-    const int descriptor = OpenToSync(inFile, O_RDONLY | O_NOFOLLOW);
-    return descriptor < 0 && errno == EACCES ? OpenToSync(inFile, O_WRONLY | O_NOFOLLOW) : descriptor;
+    Descriptor file = OpenByPath(inFile.c_str(), O_RDONLY | O_NOFOLLOW);
+    if (!file && errno == EACCES) {
+        file = OpenByPath(inFile.c_str(), O_WRONLY | O_NOFOLLOW);
+    }
+    return file;
 }
 
 // A folder whose entries are to be synced to disk. It is opened before anything is changed, so that afterwards only the
@@ -103,7 +97,8 @@ int OpenAnyWay(const std::string& inFile)
 class FolderToSync
 {
 public:
-    explicit FolderToSync(const std::string& inFolder) : mFolder(OpenToSync(inFolder, O_RDONLY | O_DIRECTORY)), mOpenError(mFolder ? 0 : errno)
+    explicit FolderToSync(const std::string& inFolder)
+        : mFolder(OpenByPath(inFolder.c_str(), O_RDONLY | O_DIRECTORY)), mOpenError(mFolder ? 0 : errno)
     {
     }
 
@@ -130,14 +125,14 @@ public:
         if (mFolder) {
             return Sync(-1);
         }
-        const ORL::Linux::Descriptor file(OpenAnyWay(inFile));
+        const Descriptor file(OpenAnyWay(inFile));
         return file ? Sync(file.Get()) : SystemErrorFromErrno(errno, inFile);
     }
 
 private:
     bool CanBeOpened() const noexcept { return mOpenError != EACCES && mOpenError != EPERM; }
 
-    const ORL::Linux::Descriptor mFolder;
+    const Descriptor mFolder;
     const int mOpenError;
 };
 
@@ -269,12 +264,12 @@ struct Replacing
 // contents, so after an interruption its existence shows whether the exchange was done.
 SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
 {
-    const int contents = inReplacement.mHold.Descriptor();
+    const int contents = inReplacement.mHold.File();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
         System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system keeps them
     }
-    CopyUserAttributes(inReplaced.mHold.Descriptor(), contents, AttributesThere::kAreKept);
+    CopyUserAttributes(inReplaced.mHold.File(), contents, AttributesThere::kAreKept);
     if (System().mFSync(contents) != 0) {
         return SystemErrorFromErrno(errno);
     }
@@ -329,7 +324,7 @@ SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacem
         error = Exchange(inReplaced, inReplacement, ioBackup);
     }
     if (error == kNoError) {
-        error = folders.Sync(inReplacement.mHold.Descriptor());
+        error = folders.Sync(inReplacement.mHold.File());
     }
     if (error == kNoError) {
         ioBackup.RemoveIfDone();

@@ -48,49 +48,45 @@ int DescriptorMode(const OpenWish& inWish) noexcept
     return onlyAsks ? O_PATH : WantsToWrite(inWish) ? O_RDWR : O_RDONLY;
 }
 
-int OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
+// Opening a pipe must not block until its other end is open.
+Descriptor OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
 {
-    int file = -1;
-    do {
-        // Opening a pipe must not block until its other end is open.
-        file = System().mOpen(inPath.c_str(), inFlags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, inMode);
-    } while (file < 0 && errno == EINTR);
-    return file;
+    return OpenByPath(inPath.c_str(), inFlags | O_NOCTTY | O_NONBLOCK, inMode);
 }
 
 // Opens an existing file. Share modes of other processes do not see a write-only handle to a file without read
 // permission, unless that handle shares nothing.
-int OpenExisting(const std::string& inPath, const OpenWish& inWish)
+Descriptor OpenExisting(const std::string& inPath, const OpenWish& inWish)
 {
     const int mode = DescriptorMode(inWish);
-    int file = OpenDescriptor(inPath, mode, 0);
-    if (file < 0 && errno == EACCES && mode == O_RDWR && !Has(inWish.mAccess, kGenericRead | kGenericExecute)) {
+    Descriptor file = OpenDescriptor(inPath, mode, 0);
+    if (!file && errno == EACCES && mode == O_RDWR && !Has(inWish.mAccess, kGenericRead | kGenericExecute)) {
         file = OpenDescriptor(inPath, O_WRONLY, 0);
     }
-    if (file < 0 && errno == EISDIR && Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish)) {
+    if (!file && errno == EISDIR && Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish)) {
         file = OpenDescriptor(inPath, O_RDONLY | O_DIRECTORY, 0);
     }
     return file;
 }
 
-int MakeNew(const std::string& inPath, const OpenWish& inWish)
+Descriptor MakeNew(const std::string& inPath, const OpenWish& inWish)
 {
     return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT | O_EXCL, inWish.mNewMode);
 }
 
 // Creates the file or opens the existing one. Tries both in turn, since each may fail while others create and delete
 // the name. If the name is a link to a missing file, creates that file.
-int MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+Descriptor MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
 {
     constexpr int kRounds = 4;
     for (int round = 0; round < kRounds; ++round) {
-        int file = MakeNew(inPath, inWish);
-        outIsNew = file >= 0;
-        if (file >= 0 || errno != EEXIST) {
+        Descriptor file = MakeNew(inPath, inWish);
+        outIsNew = static_cast<bool>(file);
+        if (file || errno != EEXIST) {
             return file;
         }
         file = OpenExisting(inPath, inWish);
-        if (file >= 0 || errno != ENOENT) {
+        if (file || errno != ENOENT) {
             return file;
         }
     }
@@ -98,7 +94,7 @@ int MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew
     return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT, inWish.mNewMode);
 }
 
-int OpenByDisposition(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+Descriptor OpenByDisposition(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
 {
     outIsNew = inWish.mDisposition == kCreateNew;
     switch (inWish.mDisposition) {
@@ -137,12 +133,12 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;
     ioFile.mDropsPages = true;
-    if (System().mSetFlags(ioFile.mDescriptor, inStatusFlags | O_DIRECT) != 0) {
+    if (System().mSetFlags(ioFile.File(), inStatusFlags | O_DIRECT) != 0) {
         return;
     }
-    const std::uint32_t alignment = FindDirectAlignment(ioFile.mDescriptor, ioFile.mMayRead);
+    const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), ioFile.mMayRead);
     if (alignment == 0) {
-        System().mSetFlags(ioFile.mDescriptor, inStatusFlags);
+        System().mSetFlags(ioFile.File(), inStatusFlags);
         return;
     }
     ioFile.mAlignment = alignment;
@@ -152,20 +148,20 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inStatus)
 {
     if (S_ISCHR(inStatus.st_mode) || S_ISBLK(inStatus.st_mode)) {
-        System().mSetFlags(ioFile.mDescriptor, 0); // make reads and writes blocking
+        System().mSetFlags(ioFile.File(), 0); // make reads and writes blocking
     }
     if (Has(inWish.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
         GoPastCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
     }
     if (Has(inWish.mFlags, kFlagSequentialScan)) {
-        System().mFAdvise(ioFile.mDescriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+        System().mFAdvise(ioFile.File(), 0, 0, POSIX_FADV_SEQUENTIAL);
     }
 }
 
 // Prepares the open file. On failure the caller destroys it.
 SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct stat& outStatus)
 {
-    if (System().mFStat(ioFile.mDescriptor, &outStatus) != 0) {
+    if (System().mFStat(ioFile.File(), &outStatus) != 0) {
         return SystemErrorFromErrno(errno);
     }
     SystemError error = CheckKind(outStatus, inWish, inIsNew);
@@ -176,13 +172,12 @@ SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct
     ioFile.mMayWrite = Has(inWish.mAccess, kGenericWrite);
     ioFile.mIsRegular = S_ISREG(outStatus.st_mode);
     ioFile.mIdentity = IdentityOf(outStatus);
-    error = ioFile.mShares.Enter(ioFile.mDescriptor, ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode,
-                                 WantsToWrite(inWish));
+    error = ioFile.mShares.Enter(ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode, WantsToWrite(inWish));
     if (error != kNoError) {
         return error;
     }
     if (!inIsNew && MayEmpty(inWish) && outStatus.st_size != 0) {
-        if (System().mFTruncate(ioFile.mDescriptor, 0) != 0) {
+        if (System().mFTruncate(ioFile.File(), 0) != 0) {
             return SystemErrorFromErrno(errno);
         }
         outStatus.st_size = 0;
@@ -198,7 +193,7 @@ void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError i
     struct statx made;
     struct stat named;
     const bool isOurs = inError != kErrorSharingViolation
-                        && System().mStatx(inFile.mDescriptor, "", AT_EMPTY_PATH, STATX_INO, &made) == 0
+                        && System().mStatx(inFile.File(), "", AT_EMPTY_PATH, STATX_INO, &made) == 0
                         && GetEntryStatus(inPath, named) == kNoError && named.st_ino == made.stx_ino
                         && named.st_dev == makedev(made.stx_dev_major, made.stx_dev_minor);
     if (isOurs) {
@@ -227,9 +222,7 @@ SystemError OpenFile::Close() noexcept
         }
         mNameToDelete.clear();
     }
-    const int failure = mShares.Release(mDescriptor);
-    mDescriptor = -1;
-    return SystemErrorFromErrno(failure);
+    return SystemErrorFromErrno(mShares.Release());
 }
 
 SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,
@@ -242,8 +235,8 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::un
     std::unique_ptr<OpenFile> file(new OpenFile);
     const std::string& path = inPath.mPath;
     std::string nameToDelete(Has(inWish.mFlags, kFlagDeleteOnClose) ? path : std::string());
-    file->mDescriptor = OpenByDisposition(path, inWish, outIsNew);
-    if (file->mDescriptor < 0) {
+    file->mShares.Own(OpenByDisposition(path, inWish, outIsNew));
+    if (file->File() < 0) {
         const bool isNoFolder = errno == ENOTDIR || errno == ENOENT || errno == EISDIR;
         error = SystemErrorFromErrno(errno, path);
         return inPath.mHasTrailingSeparator && isNoFolder ? ErrorOfTrailingSeparator(inPath) : error;
@@ -283,9 +276,9 @@ SystemError EntryHold::Enter(const std::string& inHostPath, const struct stat& i
     if (!S_ISREG(inStatus.st_mode) && !S_ISDIR(inStatus.st_mode)) {
         return kNoError;
     }
-    mDescriptor = OpenDescriptor(inHostPath, O_RDONLY | O_NOFOLLOW, 0);
-    mOpenError = mDescriptor < 0 ? errno : 0;
-    return mShares.Enter(mDescriptor, IdentityOf(inStatus), inUses, inShares);
+    mShares.Own(OpenDescriptor(inHostPath, O_RDONLY | O_NOFOLLOW, 0));
+    mOpenError = mShares.File() < 0 ? errno : 0;
+    return mShares.Enter(IdentityOf(inStatus), inUses, inShares);
 }
 
 } // namespace Linux

@@ -2,6 +2,7 @@
 // it to the kernel, so a seek needs no system call.
 #include "LinuxFile.h"
 
+#include "Files/LinuxPageCache.h"
 #include "LinuxErrors.h"
 #include "SystemCalls.h"
 
@@ -44,26 +45,16 @@ SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& out
     return kNoError;
 }
 
-// The kernel drops whole pages only, so this includes the page where the read begins.
-void DropPagesBehind(const OpenFile& inFile, std::int64_t inPosition, std::uint32_t inCount)
-{
-    constexpr std::int64_t kPage = 4096;
-    if (inFile.mDropsPages && inCount != 0) {
-        const std::int64_t first = inPosition / kPage * kPage;
-        System().mFAdvise(inFile.mDescriptor, first, inPosition - first + inCount, POSIX_FADV_DONTNEED);
-    }
-}
-
 // Returns false if the system cannot report the size. A seek is the cheapest query of a regular file; the descriptor's
 // own position is not used.
 bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
 {
-    outSize = inFile.mIsRegular ? System().mSeek(inFile.mDescriptor, 0, SEEK_END) : -1;
+    outSize = inFile.mIsRegular ? System().mSeek(inFile.File(), 0, SEEK_END) : -1;
     if (outSize >= 0) {
         return true;
     }
     struct stat status;
-    if (System().mFStat(inFile.mDescriptor, &status) != 0) {
+    if (System().mFStat(inFile.File(), &status) != 0) {
         return false;
     }
     outSize = S_ISDIR(status.st_mode) ? 0 : status.st_size;
@@ -94,10 +85,12 @@ SystemError ReadFile_Impl(Handle inFile, void* outBuffer, std::uint32_t inCount,
     const std::int64_t start = file.mPosition;
     const SystemError error = Transfer(file, inCount, outBytesRead, [&](std::uint32_t inDone) {
         return IsAtEnd(file, inDone) ? ssize_t{0}
-                                     : System().mPRead(file.mDescriptor, static_cast<char*>(outBuffer) + inDone,
+                                     : System().mPRead(file.File(), static_cast<char*>(outBuffer) + inDone,
                                                        inCount - inDone, file.mPosition);
     });
-    DropPagesBehind(file, start, outBytesRead);
+    if (file.mDropsPages) {
+        DropPagesOfTransfer(file.File(), static_cast<std::uint64_t>(start), outBytesRead);
+    }
     return error;
 }
 
@@ -115,7 +108,7 @@ SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t in
         return kErrorInvalidParameter;
     }
     return Transfer(file, inCount, outBytesWritten, [&](std::uint32_t inDone) {
-        return System().mPWrite(file.mDescriptor, static_cast<const char*>(inBuffer) + inDone, inCount - inDone,
+        return System().mPWrite(file.File(), static_cast<const char*>(inBuffer) + inDone, inCount - inDone,
                                 file.mPosition);
     });
 }
@@ -150,7 +143,7 @@ SystemError SetEndOfFile_Impl(Handle inFile)
     if (!file.mMayWrite) {
         return kErrorAccessDenied;
     }
-    return System().mFTruncate(file.mDescriptor, file.mPosition) == 0 ? kNoError : SystemErrorFromErrno(errno);
+    return System().mFTruncate(file.File(), file.mPosition) == 0 ? kNoError : SystemErrorFromErrno(errno);
 }
 
 std::uint32_t GetFileSize_Impl(Handle inFile, std::uint32_t& outHigh)
@@ -170,7 +163,7 @@ SystemError GetLastWriteTime_Impl(Handle inFile, std::uint64_t& outTime)
     if (IsNoFile(inFile)) {
         return kErrorInvalidHandle;
     }
-    if (System().mFStat(FileOf(inFile).mDescriptor, &status) != 0) {
+    if (System().mFStat(FileOf(inFile).File(), &status) != 0) {
         return SystemErrorFromErrno(errno);
     }
     outTime = TimeOf(status.st_mtim);

@@ -264,8 +264,7 @@ SystemError OpenWay(std::string& ioRest, Descriptor& outFolder)
             return kErrorInvalidName; // a single name is longer
         }
         const std::string way(ioRest, 0, end);
-        Descriptor next(System().mOpenAt(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(),
-                                         O_PATH | O_DIRECTORY | O_CLOEXEC, 0));
+        Descriptor next = OpenByName(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(), O_PATH | O_DIRECTORY);
         if (!next) {
             return errno == ENOENT ? kErrorPathNotFound : SystemErrorFromErrno(errno);
         }

@@ -1,6 +1,6 @@
 #include <Platform/MemoryRegions.h>
 
-#include "SystemCalls.h"
+#include "LinuxDescriptor.h"
 
 #include <cerrno>
 #include <cinttypes>
@@ -9,6 +9,7 @@
 #include <cstring>
 #include <malloc.h>
 #include <new>
+#include <utility>
 
 namespace ORL {
 namespace MemoryRegions {
@@ -32,7 +33,7 @@ struct Mapping
 // Reads the list of mappings as the walk proceeds. A line is shorter than the buffer: its longest part is a path.
 struct Walk
 {
-    int mFile = -1;
+    Linux::Descriptor mFile;
     off_t mPosition = 0;
     std::size_t mBegin = 0; // start of the unread part of mText
     std::size_t mEnd = 0;
@@ -52,8 +53,8 @@ bool ReadMore(Walk& ioWalk)
     ioWalk.mBegin = 0;
     ssize_t size = -1;
     do {
-        size = Linux::System().mPRead(ioWalk.mFile, ioWalk.mText + ioWalk.mEnd, sizeof(ioWalk.mText) - ioWalk.mEnd,
-                                      ioWalk.mPosition);
+        size = Linux::System().mPRead(ioWalk.mFile.Get(), ioWalk.mText + ioWalk.mEnd,
+                                      sizeof(ioWalk.mText) - ioWalk.mEnd, ioWalk.mPosition);
     } while (size < 0 && errno == EINTR);
     if (size <= 0) {
         ioWalk.mHasFailed = size < 0;
@@ -109,22 +110,16 @@ bool FindMapping(Walk& ioWalk, std::uint64_t inAddress)
 
 Walk* OpenWalk_Impl()
 {
-    const int file = Linux::System().mOpen("/proc/self/maps", O_RDONLY | O_CLOEXEC, 0);
-    if (file < 0) {
-        return nullptr;
+    Linux::Descriptor file = Linux::OpenByPath("/proc/self/maps", O_RDONLY);
+    Walk* const walk = file ? new (std::nothrow) Walk : nullptr;
+    if (walk != nullptr) {
+        walk->mFile = std::move(file);
     }
-    Walk* const walk = new (std::nothrow) Walk;
-    if (walk == nullptr) {
-        Linux::System().mClose(file);
-        return nullptr;
-    }
-    walk->mFile = file;
     return walk;
 }
 
 void CloseWalk_Impl(Walk* inWalk)
 {
-    Linux::System().mClose(inWalk->mFile);
     delete inWalk;
 }
 

@@ -7,15 +7,6 @@ namespace Linux {
 
 namespace {
 
-int OpenToList(const char* inPath) noexcept
-{
-    int folder = -1;
-    do {
-        folder = System().mOpen(inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0);
-    } while (folder < 0 && errno == EINTR);
-    return folder;
-}
-
 bool IsItselfOrAbove(const char* inName) noexcept
 {
     return inName[0] == '.' && (inName[1] == '\0' || (inName[1] == '.' && inName[2] == '\0'));
@@ -23,7 +14,8 @@ bool IsItselfOrAbove(const char* inName) noexcept
 
 } // namespace
 
-OpenFolder::OpenFolder(const char* inPath) : mFile(OpenToList(inPath)), mEntries(mFile.Get())
+OpenFolder::OpenFolder(const char* inPath)
+    : mFile(OpenByPath(inPath, O_RDONLY | O_DIRECTORY | O_NONBLOCK)), mEntries(mFile.Get())
 {
 }
 

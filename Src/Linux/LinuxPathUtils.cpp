@@ -183,7 +183,7 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath)
         const std::string way(rest, 0, end);
         const int from = folder ? folder.Get() : AT_FDCWD;
         MakeFolders(from, way);
-        folder = Descriptor(System().mOpenAt(from, way.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC, 0));
+        folder = OpenByName(from, way.c_str(), O_PATH | O_DIRECTORY);
         if (!folder || end == std::string::npos) {
             return false;
         }

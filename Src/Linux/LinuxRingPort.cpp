@@ -61,9 +61,6 @@ public:
         if (mIsOpen) {
             System().mUringQueueExit(&mRing);
         }
-        if (mAlarm >= 0) {
-            System().mClose(mAlarm);
-        }
     }
 
     /// Opens the ring. Returns 0 or an errno.
@@ -81,7 +78,7 @@ public:
         if ((parameters.features & IORING_FEAT_RW_CUR_POS) == 0) {
             return ENOSYS;
         }
-        mAlarm = System().mMakeEvent(0, EFD_CLOEXEC | EFD_NONBLOCK);
+        mAlarm = Descriptor(System().mMakeEvent(0, EFD_CLOEXEC | EFD_NONBLOCK));
         SetAlarm();
         return 0;
     }
@@ -90,8 +87,8 @@ public:
     {
         mIsClosed.store(true);
         // A packet wakes a thread that waits in Get.
-        if (!PostEmptyPacket() && mAlarm >= 0) {
-            System().mRaiseEvent(mAlarm);
+        if (!PostEmptyPacket() && mAlarm) {
+            System().mRaiseEvent(mAlarm.Get());
         }
     }
 
@@ -102,7 +99,7 @@ public:
         if (entry == nullptr) {
             return SystemErrors::kErrorBusy;
         }
-        ::io_uring_prep_read(entry, inOrder.mFile->mDescriptor, inOrder.mBuffer, inOrder.mSize,
+        ::io_uring_prep_read(entry, inOrder.mFile->File(), inOrder.mBuffer, inOrder.mSize,
                              PositionOf(*inOrder.mOverlapped));
         ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
         Publish(inOrder); // last: the thread that completes the read may close the file
@@ -184,11 +181,11 @@ private:
     void SetAlarm()
     {
         const MutexLock lock(mSubmitting);
-        io_uring_sqe* const entry = mAlarm >= 0 ? ::io_uring_get_sqe(&mRing) : nullptr;
+        io_uring_sqe* const entry = mAlarm ? ::io_uring_get_sqe(&mRing) : nullptr;
         if (entry == nullptr) {
             return;
         }
-        ::io_uring_prep_poll_add(entry, mAlarm, POLLIN);
+        ::io_uring_prep_poll_add(entry, mAlarm.Get(), POLLIN);
         ::io_uring_sqe_set_data(entry, &sAlarm);
         System().mUringArm(&mRing);
         if (::io_uring_sq_ready(&mRing) != 0) {
@@ -232,7 +229,7 @@ private:
 
     io_uring mRing{};
     bool mIsOpen = false;
-    int mAlarm = -1;
+    Descriptor mAlarm; // closed after the ring
     std::atomic<bool> mIsClosed{false};
     Mutex mSubmitting; // held while the submission side of the ring is used; only one thread gets completions
 };

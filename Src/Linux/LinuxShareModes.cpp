@@ -221,12 +221,6 @@ Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
     return Outcome::kConflict;
 }
 
-// The descriptor is closed in any case; EINTR does not mean that the close failed.
-int CloseDescriptor(int inDescriptor) noexcept
-{
-    return inDescriptor < 0 || System().mClose(inDescriptor) == 0 || errno == EINTR ? 0 : errno;
-}
-
 Outcome TakeLocks(int inDescriptor, unsigned inUses, unsigned inShares, bool inCanWrite)
 {
     const unsigned unshared = ~inShares & kShareAll;
@@ -239,8 +233,7 @@ Outcome TakeLocks(int inDescriptor, unsigned inUses, unsigned inShares, bool inC
 
 } // namespace
 
-SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares,
-                               bool inCanWrite)
+SystemError ShareHolder::Enter(const FileIdentity& inFile, unsigned inUses, unsigned inShares, bool inCanWrite)
 {
     if (inUses == kShareNothing) {
         return kNoError;
@@ -250,8 +243,8 @@ SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, uns
     if (bucket.HasConflict(inFile, inUses, inShares)) {
         return kErrorSharingViolation;
     }
-    if (inDescriptor >= 0) {
-        const Outcome outcome = TakeLocks(inDescriptor, inUses, inShares, inCanWrite);
+    if (mOpen) {
+        const Outcome outcome = TakeLocks(mOpen.Get(), inUses, inShares, inCanWrite);
         if (outcome == Outcome::kConflict) {
             return kErrorSharingViolation;
         }
@@ -265,18 +258,18 @@ SystemError ShareHolder::Enter(int inDescriptor, const FileIdentity& inFile, uns
     return kNoError;
 }
 
-int ShareHolder::Release(int inDescriptor) noexcept
+int ShareHolder::Release() noexcept
 {
     if (!mIsIn) {
-        return CloseDescriptor(inDescriptor);
+        return mOpen.Close();
     }
     ShareBucket& bucket = BucketOf(mFile);
     const MutexLock lock(bucket.mMutex);
     // Closing does not release the locks while a process just forked by the host still has a copy of the descriptor.
-    if (inDescriptor >= 0 && mHasLocks) {
-        Drop(inDescriptor);
+    if (mHasLocks) {
+        Drop(mOpen.Get());
     }
-    const int failure = CloseDescriptor(inDescriptor);
+    const int failure = mOpen.Close();
     bucket.Remove(*this);
     mIsIn = false;
     mHasLocks = false;

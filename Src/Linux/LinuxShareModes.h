@@ -15,11 +15,14 @@
 // the process.
 #pragma once
 
+#include "LinuxDescriptor.h"
+
 #include <Platform/SystemErrors.h>
 
 #include <Mutex.h>
 #include <cstdint>
 #include <sys/types.h>
+#include <utility>
 
 namespace ORL {
 namespace Linux {
@@ -39,28 +42,34 @@ struct FileIdentity
     }
 };
 
-/// One holder. Different holders may be used on different threads. Not thread-safe: one thread at a time per holder.
+/// One holder, the owner of its open file. Different holders may be used on different threads. Not thread-safe: one
+/// thread at a time per holder.
 class ShareHolder
 {
 public:
     ShareHolder() noexcept = default;
-    ~ShareHolder() { Release(-1); }
+    ~ShareHolder() { Release(); }
     ShareHolder(const ShareHolder&) = delete;
     ShareHolder& operator=(const ShareHolder&) = delete;
 
-    /// Registers the holder, which must not be registered yet. Returns 0, or 32 and leaves it unregistered.
-    /// inDescriptor is the holder's own descriptor of that file, or -1. inCanWrite: the descriptor may be open for
-    /// writing.
-    SystemError Enter(int inDescriptor, const FileIdentity& inFile, unsigned inUses, unsigned inShares,
-                      bool inCanWrite = false);
+    /// Becomes the owner of an open file, which may be the result of a failed open. The holder must not be registered.
+    void Own(Descriptor&& ioFile) noexcept { mOpen = std::move(ioFile); }
 
-    /// Removes the holder and closes its descriptor in one step. Closes the descriptor even if the holder is not
-    /// registered; -1 closes nothing. Returns 0, or the errno of the close.
-    int Release(int inDescriptor) noexcept;
+    /// Returns -1 if it owns no open file.
+    int File() const noexcept { return mOpen.Get(); }
+
+    /// Registers the holder, which must not be registered yet. Returns 0, or 32 and leaves it unregistered. inFile is
+    /// the identity of the open file, if it owns one. inCanWrite: that file may be open for writing.
+    SystemError Enter(const FileIdentity& inFile, unsigned inUses, unsigned inShares, bool inCanWrite = false);
+
+    /// Removes the holder and closes its file in one step. Closes the file even if the holder is not registered.
+    /// Returns 0, or the errno of the close.
+    int Release() noexcept;
 
 private:
     friend struct ShareBucket;
 
+    Descriptor mOpen; // first: hosts read the descriptor through the handle of a file
     FileIdentity mFile;
     unsigned mUses = 0;
     unsigned mShares = 0;

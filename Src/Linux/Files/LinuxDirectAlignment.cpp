@@ -30,7 +30,7 @@ std::uint32_t ToldAlignment(const struct statx& inStatus) noexcept
 // Returns 0 if the file does not contain a valid sector size.
 std::uint32_t ReadSectorFile(const char* inPath) noexcept
 {
-    const Descriptor file(System().mOpen(inPath, O_RDONLY | O_CLOEXEC, 0));
+    const Descriptor file = OpenByPath(inPath, O_RDONLY);
     char text[16] = {};
     if (!file || System().mPRead(file.Get(), text, sizeof(text) - 1, 0) <= 0) {
         return 0;
@@ -95,8 +95,7 @@ SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)
     if (!S_ISREG(status.stx_mode) && !S_ISBLK(status.stx_mode)) {
         return SystemErrors::kNoError;
     }
-    const Descriptor file(
-        System().mOpen(inHostPath.c_str(), O_RDONLY | O_DIRECT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0));
+    const Descriptor file = OpenByPath(inHostPath.c_str(), O_RDONLY | O_DIRECT | O_NOCTTY | O_NONBLOCK);
     if (file) {
         outSize = std::max(FindDirectAlignment(file.Get(), true), kSmallestSector);
     } else if (errno == EINVAL) {

@@ -113,8 +113,7 @@ Picture* CreateFromFile_Impl(const UTF16String& inPath)
         return nullptr;
     }
     // Opening a pipe without a writer must not block.
-    const ORL::Linux::Descriptor file(
-        ORL::Linux::System().mOpen(path.mPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+    const ORL::Linux::Descriptor file = ORL::Linux::OpenByPath(path.mPath.c_str(), O_RDONLY | O_NONBLOCK);
     ORL::Linux::DataModule contents;
     if (!file || contents.Read(file.Get()) != SystemErrors::kNoError) {
         return nullptr;

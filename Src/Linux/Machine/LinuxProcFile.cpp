@@ -1,6 +1,6 @@
 #include "LinuxProcFile.h"
 
-#include "../SystemCalls.h"
+#include "../LinuxDescriptor.h"
 
 #include <cerrno>
 #include <charconv>
@@ -32,13 +32,8 @@ int ReadOpenFile(int inFile, char* outBuffer, std::size_t inSize, std::size_t& o
 int ReadProcFile(const char* inPath, char* outBuffer, std::size_t inSize, std::size_t& outSize) noexcept
 {
     outSize = 0;
-    const int file = System().mOpen(inPath, O_RDONLY | O_CLOEXEC, 0);
-    if (file < 0) {
-        return errno;
-    }
-    const int failure = ReadOpenFile(file, outBuffer, inSize, outSize);
-    System().mClose(file);
-    return failure;
+    const Descriptor file = OpenByPath(inPath, O_RDONLY);
+    return file ? ReadOpenFile(file.Get(), outBuffer, inSize, outSize) : errno;
 }
 
 bool TakeNumber(std::string_view& ioText, std::uint64_t& outNumber) noexcept

@@ -1,5 +1,6 @@
 #include <Platform/Processes.h>
 
+#include "../Files/LinuxLinkTarget.h"
 #include "../LinuxErrors.h"
 #include "../LinuxNames.h"
 #include "../LinuxOpenFolder.h"
@@ -32,16 +33,16 @@ std::string_view Leaf(std::string_view inPath)
 
 // The kernel appends a mark to the path of a deleted file. If a file with that whole name exists, the text belongs to
 // its name.
-std::string_view WithoutDeletedMark(const char* inPath, std::size_t inSize)
+std::string_view WithoutDeletedMark(const Linux::LinkTarget& inTarget)
 {
     constexpr std::string_view kMark = " (deleted)";
-    const std::string_view path(inPath, inSize);
+    const std::string_view path(inTarget.Text(), inTarget.Size());
     struct statx status;
-    if (inSize < kMark.size() || path.substr(inSize - kMark.size()) != kMark
-        || Linux::System().mStatx(AT_FDCWD, inPath, AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) == 0) {
+    if (path.size() < kMark.size() || path.substr(path.size() - kMark.size()) != kMark
+        || Linux::System().mStatx(AT_FDCWD, inTarget.Text(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) == 0) {
         return path;
     }
-    return path.substr(0, inSize - kMark.size());
+    return path.substr(0, path.size() - kMark.size());
 }
 
 // Returns the name in a command line such as "/usr/bin/editor", "-bash", "server: idle".
@@ -107,17 +108,16 @@ bool GetExecutableName_Impl(ProcessHandle, unsigned int inIdentifier, UTF16Strin
 {
     Path path;
     MakePath(path, inIdentifier, "exe");
-    char target[PATH_MAX];
-    const ssize_t size = Linux::System().mReadLinkAt(AT_FDCWD, path, target, sizeof(target) - 1);
-    if (size > 0) {
-        target[size] = '\0';
-        const std::string_view name = Leaf(WithoutDeletedMark(target, static_cast<std::size_t>(size)));
+    Linux::LinkTarget target;
+    const int failure = target.Read(AT_FDCWD, path);
+    if (target.Size() > 0) {
+        const std::string_view name = Leaf(WithoutDeletedMark(target));
         outName.clear();
         Linux::AppendUnitsOfName(outName, name.data(), name.size());
         return true;
     }
     // If the link does not exist, the process has ended or is a kernel thread.
-    return errno != ENOENT && NameFromCommandLine(inIdentifier, outName);
+    return failure != ENOENT && NameFromCommandLine(inIdentifier, outName);
 }
 
 } // namespace Platform

@@ -5,6 +5,8 @@
 #include "LinuxResourceStore.h"
 #include "LinuxUserLanguage.h"
 
+#include "../Files/LinuxLinkTarget.h"
+#include "../LinuxDescriptor.h"
 #include "../LinuxErrors.h"
 #include "../LinuxHostPath.h"
 #include "../LinuxNames.h"
@@ -30,30 +32,6 @@ using namespace SystemErrors;
 using ORL::Linux::DataModule;
 using ORL::Linux::DataModuleOf;
 using ORL::Linux::System;
-
-class OpenFile
-{
-public:
-    // Non-blocking, because opening a named pipe without a writer would block.
-    explicit OpenFile(const std::string& inPath)
-        : mFile(System().mOpen(inPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0))
-    {
-    }
-    ~OpenFile()
-    {
-        if (IsOpen()) {
-            System().mClose(mFile);
-        }
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    bool IsOpen() const noexcept { return mFile >= 0; }
-    int Get() const noexcept { return mFile; }
-
-private:
-    const int mFile;
-};
 
 // Returns 126 for a missing module, even if a folder of its path is missing.
 SystemError ErrorOfOpen(int inErrno)
@@ -110,8 +88,9 @@ SystemError LoadData(int inFile, const std::string& inPath, HINSTANCE& outModule
 
 SystemError LoadFile(const std::string& inPath, HINSTANCE& outModule)
 {
-    const OpenFile file(inPath);
-    if (!file.IsOpen()) {
+    // Non-blocking, because opening a named pipe without a writer would block.
+    const ORL::Linux::Descriptor file = ORL::Linux::OpenByPath(inPath.c_str(), O_RDONLY | O_NONBLOCK);
+    if (!file) {
         return ErrorOfOpen(errno);
     }
     struct stat status;
@@ -135,9 +114,9 @@ SystemError LoadFile(const std::string& inPath, HINSTANCE& outModule)
 
 std::string PathOfProgram()
 {
-    char path[4096];
-    const ssize_t size = System().mReadLinkAt(AT_FDCWD, "/proc/self/exe", path, sizeof(path));
-    return std::string(path, size > 0 ? static_cast<std::size_t>(size) : 0);
+    ORL::Linux::LinkTarget path;
+    path.Read(AT_FDCWD, "/proc/self/exe");
+    return std::string(path.Text(), path.Size());
 }
 
 bool IsBareName(const UTF16String& inPath) noexcept

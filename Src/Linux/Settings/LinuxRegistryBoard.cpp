@@ -14,6 +14,7 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
+using ORL::Linux::OpenByPath;
 using ORL::Linux::System;
 using ORL::Linux::SystemErrorFromErrno;
 using namespace SystemErrors;
@@ -78,28 +79,29 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
 {
     static_assert(sizeof(Page) <= kFileSize && std::atomic<std::uint64_t>::is_always_lock_free);
     Close();
-    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    mFile = System().mOpen(inFile.c_str(), O_RDWR | O_CREAT | kFlags, inIsForAll ? 0644 : 0600);
-    mIsWritable = mFile >= 0;
-    if (mFile < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
-        mFile = System().mOpen(inFile.c_str(), O_RDONLY | kFlags, 0);
+    constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK;
+    mFile = OpenByPath(inFile.c_str(), O_RDWR | O_CREAT | kFlags, inIsForAll ? 0644 : 0600);
+    mIsWritable = static_cast<bool>(mFile);
+    if (!mFile && (errno == EACCES || errno == EROFS || errno == EPERM)) {
+        mFile = OpenByPath(inFile.c_str(), O_RDONLY | kFlags);
     }
-    if (mFile < 0) {
+    if (!mFile) {
         return errno == ELOOP ? kErrorAccessDenied : SystemErrorFromErrno(errno);
     }
     struct stat status = {};
-    SystemError error = Describe(mFile, status);
+    SystemError error = Describe(mFile.Get(), status);
     mName = inFile;
     mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // the format of IdentityOf
     mInode = status.st_ino;
     if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
         // chmod, because a umask could deny other users access to the machine's store.
-        const bool isMade = mIsWritable && System().mFTruncate(mFile, kFileSize) == 0
-                            && (!inIsForAll || System().mFChMod(mFile, 0644) == 0);
+        const bool isMade = mIsWritable && System().mFTruncate(mFile.Get(), kFileSize) == 0
+                            && (!inIsForAll || System().mFChMod(mFile.Get(), 0644) == 0);
         error = isMade ? kNoError : mIsWritable ? SystemErrorFromErrno(errno) : kErrorFileNotFound;
     }
     if (error == kNoError) {
-        void* const page = System().mMapShared(mFile, kFileSize, mIsWritable ? PROT_READ | PROT_WRITE : PROT_READ);
+        void* const page =
+            System().mMapShared(mFile.Get(), kFileSize, mIsWritable ? PROT_READ | PROT_WRITE : PROT_READ);
         mPage = static_cast<Page*>(page);
         error = page != nullptr ? kNoError : errno == ENODEV ? kErrorNotSupported : SystemErrorFromErrno(errno);
     }
@@ -147,16 +149,13 @@ void ChangeBoard::Close() noexcept
         System().mUnmapPages(mPage, kFileSize);
         mPage = nullptr;
     }
-    if (mFile >= 0) {
-        System().mClose(mFile);
-        mFile = -1;
-    }
+    mFile.Close();
     mIsWritable = false;
 }
 
 SystemError ChangeBoard::Lock() noexcept
 {
-    return mIsWritable ? TakeLock(mFile) : kNoError;
+    return mIsWritable ? TakeLock(mFile.Get()) : kNoError;
 }
 
 void ChangeBoard::Unlock() noexcept
@@ -165,7 +164,7 @@ void ChangeBoard::Unlock() noexcept
         struct flock range = {};
         range.l_type = F_UNLCK;
         range.l_len = 1;
-        System().mLockRange(mFile, F_OFD_SETLK, &range);
+        System().mLockRange(mFile.Get(), F_OFD_SETLK, &range);
     }
 }
 

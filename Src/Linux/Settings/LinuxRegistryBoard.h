@@ -10,6 +10,8 @@
 // Writers hold the database's write lock from Announce to the commit.
 #pragma once
 
+#include "../LinuxDescriptor.h"
+
 #include <Platform/SystemErrors.h>
 
 #include <cstdint>
@@ -81,7 +83,7 @@ private:
     void WaitUntilSettled() noexcept;
 
     Page* mPage = nullptr;
-    int mFile = -1;
+    ORL::Linux::Descriptor mFile;
     std::string mName;
     std::uint64_t mDevice = 0;
     std::uint64_t mInode = 0;

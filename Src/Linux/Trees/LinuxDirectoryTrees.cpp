@@ -18,9 +18,9 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-int OpenFolderAt(int inFolder, const char* inPath)
+Descriptor OpenFolderAt(int inFolder, const char* inPath)
 {
-    return System().mOpenAt(inFolder, inPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK, 0);
+    return OpenFolderByName(inFolder, inPath, 0);
 }
 
 bool GetIdentity(int inFolder, struct stat& outStatus)
@@ -42,7 +42,7 @@ bool IsInside(int inFolder, int inTop)
     Descriptor folder;
     bool isKnown = GetIdentity(inTop, top) && GetIdentity(inFolder, current);
     while (isKnown && !IsSame(current, top)) {
-        Descriptor parent(OpenFolderAt(folder ? folder.Get() : inFolder, ".."));
+        Descriptor parent = OpenFolderAt(folder ? folder.Get() : inFolder, "..");
         struct stat above;
         isKnown = parent && GetIdentity(parent.Get(), above);
         if (isKnown && IsSame(above, current)) {
@@ -55,12 +55,12 @@ bool IsInside(int inFolder, int inTop)
 }
 
 // Opens the folder at a path, or the nearest existing one above it.
-int OpenNearest(std::string inPath)
+Descriptor OpenNearest(std::string inPath)
 {
     for (;;) {
-        const int folder = OpenFolderAt(AT_FDCWD, inPath.c_str());
+        Descriptor folder = OpenFolderAt(AT_FDCWD, inPath.c_str());
         const std::size_t nameEnd = inPath.find_last_not_of('/');
-        if (folder >= 0 || (errno != ENOENT && errno != ENAMETOOLONG) || nameEnd == std::string::npos) {
+        if (folder || (errno != ENOENT && errno != ENAMETOOLONG) || nameEnd == std::string::npos) {
             return folder;
         }
         inPath.resize(inPath.find_last_of('/', nameEnd) + 1);
@@ -77,9 +77,9 @@ SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Desc
     }
     if (inFunction == ShellFunction::kDelete && path.mHasTrailingSeparator) {
         path.mPath.pop_back();
-        outSource = Descriptor(OpenSubfolder(AT_FDCWD, path.mPath.c_str()));
+        outSource = OpenFolderByName(AT_FDCWD, path.mPath.c_str(), O_NOFOLLOW);
     } else {
-        outSource = Descriptor(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+        outSource = OpenFolderAt(AT_FDCWD, path.mPath.c_str());
     }
     return outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
@@ -94,7 +94,7 @@ int SyncNamesBelow(int inTop, int inFolder)
     }
     Descriptor folder;
     while (!IsSame(current, top)) {
-        Descriptor parent(OpenFolderAt(folder ? folder.Get() : inFolder, ".."));
+        Descriptor parent = OpenFolderAt(folder ? folder.Get() : inFolder, "..");
         struct stat above;
         if (!parent || !GetIdentity(parent.Get(), above)) {
             return errno;
@@ -119,7 +119,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
     if (error != kNoError) {
         return error;
     }
-    const Descriptor nearest(OpenNearest(path.mPath));
+    const Descriptor nearest = OpenNearest(path.mPath);
     if (!nearest) {
         return SystemErrorFromErrno(errno, path.mPath);
     }
@@ -131,7 +131,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
     if (error != kNoError) {
         return error;
     }
-    outDestination = Descriptor(OpenFolderAt(AT_FDCWD, path.mPath.c_str()));
+    outDestination = OpenFolderAt(AT_FDCWD, path.mPath.c_str());
     if (!outDestination) {
         return SystemErrorFromErrno(errno, path.mPath);
     }

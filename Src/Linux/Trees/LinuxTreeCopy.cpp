@@ -1,3 +1,4 @@
+#include "../Files/LinuxLinkTarget.h"
 #include "../LinuxCopyBytes.h"
 #include "../LinuxTemporaryName.h"
 #include "LinuxTree.h"
@@ -45,12 +46,12 @@ public:
     NewEntry(const NewEntry&) = delete;
     NewEntry& operator=(const NewEntry&) = delete;
 
-    /// Returns an open file, or -1 and errno.
-    int MakeFile(mode_t inMode)
+    /// Returns an open file, or an owner of nothing and errno.
+    Descriptor MakeFile(mode_t inMode)
     {
-        return Make([this, inMode](const char* inName) {
-            return System().mOpenAt(mFolder, inName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, inMode);
-        });
+        return Descriptor(Make([this, inMode](const char* inName) {
+            return OpenByName(mFolder, inName, O_WRONLY | O_CREAT | O_EXCL, inMode).Release();
+        }));
     }
 
     int MakeLink(const char* inTarget)
@@ -104,8 +105,7 @@ int FillCopy(int inFrom, const struct statx& inStatus, Descriptor& ioTo, CopyEnd
 int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
 {
     TreeHold from;
-    int failure = from.EnterOpen(System().mOpenAt(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0),
-                                 kShareRead, kShareAll);
+    int failure = from.EnterOpen(OpenByName(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK), kShareRead, kShareAll);
     if (failure != 0) {
         return failure;
     }
@@ -119,20 +119,20 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
         return failure;
     }
     NewEntry entry(inTo);
-    Descriptor to(entry.MakeFile(from.Status().stx_mode & kPermissions));
+    Descriptor to = entry.MakeFile(from.Status().stx_mode & kPermissions);
     failure = to ? FillCopy(from.File(), from.Status(), to, inEnd) : errno;
     return failure == 0 ? entry.GiveName(inName) : failure;
 }
 
 int CopyLinkEntry(int inFrom, const char* inName, int inTo)
 {
-    char target[4096];
-    const ssize_t size = System().mReadLinkAt(inFrom, inName, target, sizeof(target));
-    if (size < 0 || static_cast<std::size_t>(size) == sizeof(target)) {
-        return size < 0 ? errno : ENAMETOOLONG;
+    LinkTarget target;
+    int failure = target.Read(inFrom, inName);
+    if (failure != 0) {
+        return failure;
     }
     NewEntry entry(inTo);
-    const int failure = entry.MakeLink(std::string(target, static_cast<std::size_t>(size)).c_str());
+    failure = entry.MakeLink(target.Text());
     return failure == 0 ? entry.GiveName(inName) : failure;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <sys/sysmacros.h>
+#include <utility>
 
 namespace ORL {
 namespace Linux {
@@ -31,43 +32,32 @@ int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsig
     if (!S_ISREG(status.stx_mode)) {
         return 0;
     }
-    const int file = System().mOpenAt(inFolder, inName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
-    if (file >= 0) {
-        return EnterOpen(file, inUses, inShares);
+    Descriptor file = OpenByName(inFolder, inName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    if (file) {
+        return EnterOpen(std::move(file), inUses, inShares);
     }
     if (errno != EACCES && errno != EPERM) {
         return errno == ENOENT || errno == ELOOP ? 0 : errno; // another entry now has this name
     }
-    return ErrnoOf(mShares.Enter(-1, IdentityOf(status), inUses, inShares));
+    return ErrnoOf(mShares.Enter(IdentityOf(status), inUses, inShares));
 }
 
-int TreeHold::EnterOpen(int inFile, unsigned inUses, unsigned inShares)
+int TreeHold::EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares)
 {
-    if (inFile < 0) {
+    if (!ioFile) {
         return errno;
     }
-    mFile = inFile;
+    mShares.Own(std::move(ioFile));
     constexpr unsigned kAsked = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_ATIME | STATX_MTIME;
-    if (System().mStatx(mFile, "", AT_EMPTY_PATH, kAsked, &mStatus) != 0) {
+    if (System().mStatx(File(), "", AT_EMPTY_PATH, kAsked, &mStatus) != 0) {
         return errno;
     }
-    return ErrnoOf(mShares.Enter(mFile, Identity(), inUses, inShares));
-}
-
-void TreeHold::Close() noexcept
-{
-    mShares.Release(mFile);
-    mFile = -1;
+    return ErrnoOf(mShares.Enter(Identity(), inUses, inShares));
 }
 
 FileIdentity TreeHold::Identity() const noexcept
 {
     return IdentityOf(mStatus);
-}
-
-int OpenSubfolder(int inFolder, const char* inName)
-{
-    return System().mOpenAt(inFolder, inName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
 }
 
 } // namespace Linux

@@ -14,36 +14,28 @@ namespace Linux {
 class TreeHold
 {
 public:
-    TreeHold() = default;
-    ~TreeHold() { Close(); }
-    TreeHold(const TreeHold&) = delete;
-    TreeHold& operator=(const TreeHold&) = delete;
-
     /// Holds a file by its name. Does nothing for folders and missing names; that is not an error. Returns 0, ETXTBSY
     /// or the errno of the failed query.
     int EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares);
 
-    /// Holds an open file or folder, and owns it from now on even if this fails. inFile may be the -1 of a failed open.
-    int EnterOpen(int inFile, unsigned inUses, unsigned inShares);
+    /// Holds an open file or folder, and owns it from now on even if this fails. ioFile may be the result of a failed
+    /// open; returns its errno then.
+    int EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares);
 
     /// Releases the hold and closes the file.
-    void Close() noexcept;
+    void Close() noexcept { mShares.Release(); }
 
     /// Returns -1 if nothing is open.
-    int File() const noexcept { return mFile; }
+    int File() const noexcept { return mShares.File(); }
 
     /// Call it only after EnterOpen.
     FileIdentity Identity() const noexcept;
     const struct statx& Status() const noexcept { return mStatus; }
 
 private:
-    int mFile = -1;
-    struct statx mStatus = {};
     ShareHolder mShares;
+    struct statx mStatus = {};
 };
-
-/// Opens a folder by its name in another folder. Fails for a link. Returns -1 and errno on failure.
-int OpenSubfolder(int inFolder, const char* inName);
 
 } // namespace Linux
 } // namespace ORL

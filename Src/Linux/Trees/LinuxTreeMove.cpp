@@ -75,7 +75,7 @@ private:
         const char* const name = inEntry.mName.c_str();
         int failure = ENOTDIR;
         if (inEntry.mType == DT_DIR || inEntry.mType == DT_UNKNOWN) {
-            failure = outHold.EnterOpen(OpenSubfolder(mFrom.Folder(), name), kShareDelete, kShareAll);
+            failure = outHold.EnterOpen(OpenFolderByName(mFrom.Folder(), name, O_NOFOLLOW), kShareDelete, kShareAll);
         }
         if (failure == 0) {
             return mLevels.size() == 1 ? CheckContentsMayGo(outHold.File()) : 0;

@@ -19,7 +19,7 @@ int TreeRoad::Enter(const char* inName)
     const int above = Folder();
     mLevels.emplace_back();
     TreeHold& hold = mLevels.back().mHold;
-    const int failure = hold.EnterOpen(OpenSubfolder(above, inName), mUses, mShares);
+    const int failure = hold.EnterOpen(OpenFolderByName(above, inName, O_NOFOLLOW), mUses, mShares);
     if (failure != 0) {
         mLevels.pop_back();
         return failure;
@@ -37,9 +37,7 @@ int TreeRoad::OpenAbove()
         return 0;
     }
     Level& above = mLevels[mLevels.size() - 2];
-    const int folder =
-        System().mOpenAt(Folder(), "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0);
-    int failure = above.mHold.EnterOpen(folder, mUses, mShares);
+    int failure = above.mHold.EnterOpen(OpenFolderByName(Folder(), "..", O_NOFOLLOW), mUses, mShares);
     const bool isAnother = failure == 0 && !(above.mHold.Identity() == above.mIdentity);
     if (isAnother || failure == ENOENT) {
         failure = ESTALE;

@@ -1,0 +1,27 @@
+// Where a symbolic link leads.
+#pragma once
+
+#include <climits>
+#include <cstddef>
+
+namespace ORL {
+namespace Linux {
+
+/// The text of a symbolic link, as the link contains it.
+class LinkTarget
+{
+public:
+    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0 or an errno, and then the
+    /// text is empty. ENAMETOOLONG: the text is longer than the kernel can create.
+    int Read(int inFolder, const char* inName) noexcept;
+
+    const char* Text() const noexcept { return mText; }
+    std::size_t Size() const noexcept { return mSize; }
+
+private:
+    std::size_t mSize = 0;
+    char mText[PATH_MAX]; // valid after Read
+};
+
+} // namespace Linux
+} // namespace ORL

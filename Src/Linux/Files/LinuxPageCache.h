@@ -1,0 +1,14 @@
+// The pages of an open file in the cache of the system.
+#pragma once
+
+#include <cstdint>
+
+namespace ORL {
+namespace Linux {
+
+/// Drops the pages that a transfer of inCount bytes at inPosition has left in the cache, so that it does not replace
+/// other pages there. Failures have no effect.
+void DropPagesOfTransfer(int inFile, std::uint64_t inPosition, std::uint32_t inCount) noexcept;
+
+} // namespace Linux
+} // namespace ORL
