@@ -6,9 +6,6 @@ namespace ORL {
 namespace Sync {
 namespace Platform {
 
-/// Returns the number of processors that the calling thread may run on, at least 1.
-int CountProcessors_Impl();
-
 /// Sleeps at least that many milliseconds. An interrupted sleep is continued.
 void SleepMilliseconds_Impl(int inMilliseconds);
 

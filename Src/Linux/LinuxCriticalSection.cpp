@@ -1,8 +1,10 @@
 // Floor: Core
 #include <ORLPlatformLock.h>
 
+#include <Sync/Backoff.h>
+#include <tvxcore/SystemInfo.h>
+
 #include <linux/futex.h>
-#include <sched.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -28,10 +30,7 @@ void SleepWhile(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValu
 // would only waste the owner's time.
 bool MaySpin()
 {
-    static const bool may = [] {
-        cpu_set_t allowed;
-        return ::sched_getaffinity(0, sizeof(allowed), &allowed) == 0 && CPU_COUNT(&allowed) > 1;
-    }();
+    static const bool may = tvxcore::utility::CPUCount() > 1;
     return may;
 }
 
@@ -45,7 +44,7 @@ bool PlatformLock::SpinAndTake(std::uintptr_t inSelf)
 {
     for (int pause = 1; pause <= kLongestPause; pause *= 2) {
         for (int left = pause; left > 0; --left) {
-            __builtin_ia32_pause();
+            Sync::PauseProcessor();
         }
         if (mWord.load(std::memory_order_relaxed) == 0 && Take(inSelf)) {
             return true;

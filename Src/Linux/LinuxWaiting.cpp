@@ -1,6 +1,5 @@
 #include <Platform/Waiting.h>
 
-#include <sched.h>
 #include <time.h>
 
 #include <cerrno>
@@ -8,13 +7,6 @@
 namespace ORL {
 namespace Sync {
 namespace Platform {
-
-int CountProcessors_Impl()
-{
-    cpu_set_t allowed;
-    // The call fails if the machine has more processors than the set; then there is more than one.
-    return ::sched_getaffinity(0, sizeof(allowed), &allowed) == 0 ? CPU_COUNT(&allowed) : 2;
-}
 
 void SleepMilliseconds_Impl(int inMilliseconds)
 {

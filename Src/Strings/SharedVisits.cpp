@@ -1,7 +1,6 @@
 #include <SharedVisits.h>
 
-#include <chrono>
-#include <thread>
+#include <Sync/Backoff.h>
 
 namespace ORL {
 
@@ -9,15 +8,8 @@ namespace ORL {
 // and finally sleeps, because a visitor of lower priority might never run beside a yielding writer.
 void SystemVisits::WaitForAMoment(int inTurn)
 {
-    constexpr int kPauses = 200;
-    constexpr int kYields = 400;
-    if (inTurn < kPauses) {
-        __builtin_ia32_pause();
-    } else if (inTurn < kYields) {
-        std::this_thread::yield();
-    } else {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    constexpr Sync::Backoff kBackoff = {200, 400};
+    kBackoff.Wait(inTurn);
 }
 
 } // namespace ORL

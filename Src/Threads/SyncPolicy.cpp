@@ -1,6 +1,8 @@
 #include <Sync/Policy.h>
 
 #include <Platform/Waiting.h>
+#include <Sync/Backoff.h>
+#include <tvxcore/SystemInfo.h>
 
 #include <new>
 #include <thread>
@@ -19,7 +21,7 @@ constexpr int kTurnsBeforeSleep = 10;
 int SystemPolicy::SpinTurns()
 {
     // With one processor the awaited thread cannot run while this one spins.
-    static const int turns = Platform::CountProcessors_Impl() > 1 ? kShortTurns : 0;
+    static const int turns = tvxcore::utility::CPUCount() > 1 ? kShortTurns : 0;
     return turns;
 }
 
@@ -35,20 +37,14 @@ int SystemPolicy::PatientTurns()
 // awaited thread may need it.
 void SystemPolicy::Pause(int inTurn)
 {
-    if (inTurn < kShortTurns) {
-        __builtin_ia32_pause();
-    } else {
-        std::this_thread::yield();
-    }
+    constexpr Backoff kBackoff = {kShortTurns};
+    kBackoff.Wait(inTurn);
 }
 
 void SystemPolicy::GiveWay(int inTurn)
 {
-    if (inTurn < kTurnsBeforeSleep) {
-        std::this_thread::yield();
-    } else {
-        SleepMilliseconds(1); // yields never run threads of lower priority, and many of them load the machine
-    }
+    constexpr Backoff kBackoff = {0, kTurnsBeforeSleep}; // many yielding threads would load the machine
+    kBackoff.Wait(inTurn);
 }
 
 void SystemPolicy::SleepOn(Condition& ioCondition, MutexLock& ioLock)

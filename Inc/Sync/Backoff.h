@@ -1,0 +1,28 @@
+// Floor: Core
+// Waiting without an object to sleep on.
+#pragma once
+
+#include <limits>
+
+namespace ORL {
+namespace Sync {
+
+/// One iteration of a spin: lets the processor save power and the other thread of its core run.
+inline void PauseProcessor() noexcept
+{
+    __builtin_ia32_pause();
+}
+
+/// How a repeated wait escalates: the turns before mFirstYield pause the processor, the turns before mFirstSleep yield
+/// it, and the later ones sleep for a millisecond each, because a yield runs no thread of lower priority.
+struct Backoff
+{
+    int mFirstYield;
+    int mFirstSleep = std::numeric_limits<int>::max();
+
+    /// Waits a moment. inTurn is the number of earlier turns of this wait.
+    void Wait(int inTurn) const;
+};
+
+} // namespace Sync
+} // namespace ORL
