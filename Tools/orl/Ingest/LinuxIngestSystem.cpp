@@ -10,6 +10,7 @@
 #include <stdio.h>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace orl {
 
@@ -111,23 +112,42 @@ EntryStatus StatusOf(const struct stat& inStatus)
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
+// Owns an open file, or represents a failed open.
+class OwnedFile
+{
+public:
+    explicit OwnedFile(int inFile) noexcept : mFile(inFile) {}
+    OwnedFile(OwnedFile&& ioOther) noexcept : mFile(ioOther.Release()) {}
+    ~OwnedFile()
+    {
+        if (mFile >= 0) {
+            ::close(mFile);
+        }
+    }
+    OwnedFile& operator=(OwnedFile&&) = delete;
+
+    explicit operator bool() const noexcept { return mFile >= 0; }
+    int Get() const noexcept { return mFile; }
+    int Release() noexcept { return std::exchange(mFile, -1); }
+
+private:
+    int mFile;
+};
+
 } // namespace
 
 struct HeldFolder::State
 {
-    explicit State(int inFile) : mFile(inFile) {}
-    ~State() { ::close(mFile); }
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
+    explicit State(OwnedFile&& ioFile) : mFile(std::move(ioFile)) {}
 
-    static ORL::Result Take(int inFile, std::unique_ptr<State>& outState)
+    static ORL::Result Take(OwnedFile&& ioFile, std::unique_ptr<State>& outState)
     {
-        if (inFile < 0) {
+        if (!ioFile) {
             return ResultOf(errno);
         }
         struct stat status;
-        auto state = std::make_unique<State>(inFile);
-        if (sIngestCalls.mFStatAt(inFile, "", &status, AT_EMPTY_PATH) != 0) {
+        auto state = std::make_unique<State>(std::move(ioFile));
+        if (sIngestCalls.mFStatAt(state->File(), "", &status, AT_EMPTY_PATH) != 0) {
             return ResultOf(errno);
         }
         state->mIdentity = {status.st_dev, status.st_ino};
@@ -135,7 +155,9 @@ struct HeldFolder::State
         return ORL::kSuccess;
     }
 
-    const int mFile;
+    int File() const noexcept { return mFile.Get(); }
+
+    const OwnedFile mFile;
     EntryIdentity mIdentity;
 };
 
@@ -149,14 +171,14 @@ ORL::Result HeldFolder::Open(const UTF16String& inPath, HeldFolder& outFolder)
     std::string path;
     const ORL::Result result = ORL::PathUtils::ToHostPath(inPath, path);
     return ORL::ResultSucceeded(result)
-               ? State::Take(sIngestCalls.mOpenAt(AT_FDCWD, path.c_str(), kFolderFlags), outFolder.mState)
+               ? State::Take(OwnedFile(sIngestCalls.mOpenAt(AT_FDCWD, path.c_str(), kFolderFlags)), outFolder.mState)
                : result;
 }
 
 ORL::Result HeldFolder::OpenFolder(const std::string& inName, Links inLinks, HeldFolder& outFolder) const
 {
     const int flags = kFolderFlags | (inLinks == Links::kStay ? O_NOFOLLOW : 0);
-    return State::Take(sIngestCalls.mOpenAt(mState->mFile, inName.c_str(), flags), outFolder.mState);
+    return State::Take(OwnedFile(sIngestCalls.mOpenAt(mState->File(), inName.c_str(), flags)), outFolder.mState);
 }
 
 const EntryIdentity& HeldFolder::Identity() const
@@ -167,26 +189,23 @@ const EntryIdentity& HeldFolder::Identity() const
 // A /proc link refers to the open folder itself, not to a name.
 UTF16String HeldFolder::Path() const
 {
-    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->mFile));
+    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->File()));
 }
 
 UTF16String HeldFolder::PathOf(const std::string& inName) const
 {
-    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->mFile) + "/" + inName);
+    return ORL::PathUtils::FromHostPath("/proc/self/fd/" + std::to_string(mState->File()) + "/" + inName);
 }
 
 ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
 {
     outNames.clear();
-    const int file = sIngestCalls.mOpenAt(mState->mFile, ".", kFolderFlags);
-    DIR* const folder = file >= 0 ? ::fdopendir(file) : nullptr;
+    OwnedFile file(sIngestCalls.mOpenAt(mState->File(), ".", kFolderFlags));
+    DIR* const folder = file ? ::fdopendir(file.Get()) : nullptr;
     if (folder == nullptr) {
-        const ORL::Result result = ResultOf(errno);
-        if (file >= 0) {
-            ::close(file);
-        }
-        return result;
+        return ResultOf(errno);
     }
+    file.Release(); // closed with the folder
     const ORL::Result result = ReadNames(folder, outNames);
     ::closedir(folder);
     return result;
@@ -196,7 +215,7 @@ ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStat
 {
     struct stat status;
     const int flags = inLinks == Links::kStay ? AT_SYMLINK_NOFOLLOW : 0;
-    if (sIngestCalls.mFStatAt(mState->mFile, inName.c_str(), &status, flags) != 0) {
+    if (sIngestCalls.mFStatAt(mState->File(), inName.c_str(), &status, flags) != 0) {
         return ResultOf(errno);
     }
     outStatus = StatusOf(status);
@@ -205,7 +224,7 @@ ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStat
 
 ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
 {
-    return Done(sIngestCalls.mMakeDirAt(mState->mFile, inName.c_str()));
+    return Done(sIngestCalls.mMakeDirAt(mState->File(), inName.c_str()));
 }
 
 // Each of the three ways refuses a name that is taken. The last is for file systems that support neither of the others;
@@ -214,54 +233,49 @@ ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::str
 {
     const char* const from = inFrom.c_str();
     const char* const to = inTo.c_str();
-    if (sIngestCalls.mRenameAt(mState->mFile, from, to, RENAME_NOREPLACE) == 0) {
+    if (sIngestCalls.mRenameAt(mState->File(), from, to, RENAME_NOREPLACE) == 0) {
         return ORL::kSuccess;
     }
     if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
         return ResultOf(errno);
     }
-    if (sIngestCalls.mLinkAt(mState->mFile, from, to) == 0) {
-        return Done(sIngestCalls.mUnlinkAt(mState->mFile, from, 0));
+    if (sIngestCalls.mLinkAt(mState->File(), from, to) == 0) {
+        return Done(sIngestCalls.mUnlinkAt(mState->File(), from, 0));
     }
     if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP) {
         return ResultOf(errno);
     }
     struct stat status;
-    if (sIngestCalls.mFStatAt(mState->mFile, to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+    if (sIngestCalls.mFStatAt(mState->File(), to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
         return ORL::kAlreadyExists;
     }
-    return errno == ENOENT ? Done(sIngestCalls.mRenameAt(mState->mFile, from, to, 0)) : ResultOf(errno);
+    return errno == ENOENT ? Done(sIngestCalls.mRenameAt(mState->File(), from, to, 0)) : ResultOf(errno);
 }
 
 ORL::Result HeldFolder::Remove(const std::string& inName) const
 {
-    return Done(sIngestCalls.mUnlinkAt(mState->mFile, inName.c_str(), 0));
+    return Done(sIngestCalls.mUnlinkAt(mState->File(), inName.c_str(), 0));
 }
 
 ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
 {
-    return Done(sIngestCalls.mUnlinkAt(mState->mFile, inName.c_str(), AT_REMOVEDIR));
+    return Done(sIngestCalls.mUnlinkAt(mState->File(), inName.c_str(), AT_REMOVEDIR));
 }
 
 ORL::Result HeldFolder::Sync() const
 {
-    return Done(sIngestCalls.mFSync(mState->mFile));
+    return Done(sIngestCalls.mFSync(mState->File()));
 }
 
 ORL::Result HeldFolder::SyncFile(const std::string& inName) const
 {
-    const int file = sIngestCalls.mOpenAt(mState->mFile, inName.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (file < 0) {
-        return ResultOf(errno);
-    }
-    const ORL::Result result = Done(sIngestCalls.mFSync(file));
-    ::close(file);
-    return result;
+    const OwnedFile file(sIngestCalls.mOpenAt(mState->File(), inName.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    return file ? Done(sIngestCalls.mFSync(file.Get())) : ResultOf(errno);
 }
 
 ORL::Result HeldFolder::SyncVolume() const
 {
-    return Done(sIngestCalls.mSyncFs(mState->mFile));
+    return Done(sIngestCalls.mSyncFs(mState->File()));
 }
 
 bool CanSyncVolumes()
