@@ -1,5 +1,5 @@
 // Floor: Media
-// The rate of each format, and the time of a label.
+// The table of formats: the rate and the labels of each. Also the time of a label.
 #pragma once
 
 #include <tvxmediatypes/Constants.h>
@@ -7,8 +7,114 @@
 #include <tvxmediatypes/TickTime.h>
 #include <tvxmediatypes/TimeDisplay.h>
 
+#include <cstddef>
+
 namespace ORL {
 namespace TimecodeLocal {
+
+/// How a format writes and reads a time.
+enum class TimecodeText { kClock, kFrames, kFeetFrames };
+
+/// What distinguishes a format from the others.
+struct TimecodeFormat
+{
+    tvxmediatypes::TimeDisplay mDisplay;
+    TimecodeText mText;
+    tvxmediatypes::FrameRate mRate; // of its conversions; the zero rate if the caller's rate applies
+    int mLabelsPerSecond = 0;       // 0 if the caller's rate decides
+    int mDroppedLabels = 0;         // at the start of each minute but every tenth
+    int mFramesPerFoot = 0;         // of film
+
+    constexpr bool HasOwnRate() const noexcept { return mLabelsPerSecond != 0; }
+    constexpr bool HasWholeRate() const noexcept { return mRate.GetTruncatedValue() == mLabelsPerSecond; }
+};
+
+inline constexpr TimecodeFormat kTimecodeFormats[] = {
+    {tvxmediatypes::kTimeDisplay_24Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_Film24, 24},
+    {tvxmediatypes::kTimeDisplay_25Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoPAL, 25},
+    {tvxmediatypes::kTimeDisplay_2997DropTimecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoNTSC, 30, 2},
+    {tvxmediatypes::kTimeDisplay_2997NonDropTimecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoNTSC, 30},
+    {tvxmediatypes::kTimeDisplay_30Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_Video30, 30},
+    {tvxmediatypes::kTimeDisplay_50Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoPAL_HD, 50},
+    {tvxmediatypes::kTimeDisplay_5994DropTimecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoNTSC_HD, 60, 4},
+    {tvxmediatypes::kTimeDisplay_5994NonDropTimecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_VideoNTSC_HD, 60},
+    {tvxmediatypes::kTimeDisplay_60Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_Video60, 60},
+    {tvxmediatypes::kTimeDisplay_Frames, TimecodeText::kFrames, {}},
+    {tvxmediatypes::kTimeDisplay_23976Timecode, TimecodeText::kClock, tvxmediatypes::kFrameRate_23976, 24},
+    {tvxmediatypes::kTimeDisplay_16mmFeetFrames, TimecodeText::kFeetFrames, {}, 0, 0, 40},
+    {tvxmediatypes::kTimeDisplay_35mmFeetFrames, TimecodeText::kFeetFrames, {}, 0, 0, 16},
+    {tvxmediatypes::kTimeDisplay_AudioSamplesTimecode, TimecodeText::kClock, {}},
+    {tvxmediatypes::kTimeDisplay_AudioMsTimecode, TimecodeText::kClock, tvxmediatypes::FrameRate(1000.0), 1000},
+};
+
+/// The row of a format as a type, so that everything that depends only on the format is a compile-time constant.
+template <std::size_t kIndex>
+struct FormatConstant
+{
+    static constexpr const TimecodeFormat& kRow = kTimecodeFormats[kIndex];
+};
+
+/// Returns inKnown(FormatConstant of the format), or inUnknown() for a value that is no format. Every displayed frame
+/// needs this, so inKnown is compiled once for each format, with constant divisors.
+template <class Known, class Unknown>
+constexpr auto VisitFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const Known& inKnown, const Unknown& inUnknown)
+{
+    using namespace tvxmediatypes;
+    switch (inTimeDisplay) {
+    case kTimeDisplay_24Timecode:
+        return inKnown(FormatConstant<0>());
+    case kTimeDisplay_25Timecode:
+        return inKnown(FormatConstant<1>());
+    case kTimeDisplay_2997DropTimecode:
+        return inKnown(FormatConstant<2>());
+    case kTimeDisplay_2997NonDropTimecode:
+        return inKnown(FormatConstant<3>());
+    case kTimeDisplay_30Timecode:
+        return inKnown(FormatConstant<4>());
+    case kTimeDisplay_50Timecode:
+        return inKnown(FormatConstant<5>());
+    case kTimeDisplay_5994DropTimecode:
+        return inKnown(FormatConstant<6>());
+    case kTimeDisplay_5994NonDropTimecode:
+        return inKnown(FormatConstant<7>());
+    case kTimeDisplay_60Timecode:
+        return inKnown(FormatConstant<8>());
+    case kTimeDisplay_Frames:
+        return inKnown(FormatConstant<9>());
+    case kTimeDisplay_23976Timecode:
+        return inKnown(FormatConstant<10>());
+    case kTimeDisplay_16mmFeetFrames:
+        return inKnown(FormatConstant<11>());
+    case kTimeDisplay_35mmFeetFrames:
+        return inKnown(FormatConstant<12>());
+    case kTimeDisplay_AudioSamplesTimecode:
+        return inKnown(FormatConstant<13>());
+    case kTimeDisplay_AudioMsTimecode:
+        return inKnown(FormatConstant<14>());
+    }
+    return inUnknown();
+}
+
+/// Returns the row of a format, an empty one for a value that is no format.
+constexpr TimecodeFormat FormatOf(tvxmediatypes::TimeDisplay inTimeDisplay)
+{
+    return VisitFormat(
+        inTimeDisplay, [](auto inFormat) { return inFormat.kRow; },
+        [] {
+            return TimecodeFormat{tvxmediatypes::TimeDisplay(), TimecodeText::kClock, {}};
+        });
+}
+
+constexpr bool LeadsEveryFormatToItsRow()
+{
+    for (const TimecodeFormat& format : kTimecodeFormats) {
+        if (FormatOf(format.mDisplay).mDisplay != format.mDisplay) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(LeadsEveryFormatToItsRow(), "the cases of VisitFormat are in the order of the table");
 
 /// Returns the rate for the conversions of a format: its own, or inFrameRate if it has none. For an unknown format
 /// fails an assertion and returns the zero rate.
@@ -49,22 +155,33 @@ constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) 
     return format;
 }
 
-/// Frames of film in one foot.
+/// Returns the frames of film in one foot, 40 for a format that does not count feet.
 constexpr int FramesPerFoot(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
-    return inTimeDisplay == tvxmediatypes::kTimeDisplay_35mmFeetFrames ? 16 : 40;
+    constexpr int kUsual = 40;
+    return VisitFormat(
+        inTimeDisplay,
+        [](auto inFormat) { return inFormat.kRow.mFramesPerFoot != 0 ? inFormat.kRow.mFramesPerFoot : kUsual; },
+        [] { return kUsual; });
 }
 
 constexpr bool IsFeetFrames(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
-    return inTimeDisplay == tvxmediatypes::kTimeDisplay_16mmFeetFrames
-           || inTimeDisplay == tvxmediatypes::kTimeDisplay_35mmFeetFrames;
+    return VisitFormat(
+        inTimeDisplay, [](auto inFormat) { return inFormat.kRow.mText == TimecodeText::kFeetFrames; },
+        [] { return false; });
+}
+
+/// Returns the labels that a drop-frame format drops at once, 0 for every other format.
+constexpr int DroppedLabels(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
+{
+    return VisitFormat(
+        inTimeDisplay, [](auto inFormat) { return inFormat.kRow.mDroppedLabels; }, [] { return 0; });
 }
 
 constexpr bool IsDropFrame(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
-    return inTimeDisplay == tvxmediatypes::kTimeDisplay_2997DropTimecode
-           || inTimeDisplay == tvxmediatypes::kTimeDisplay_5994DropTimecode;
+    return DroppedLabels(inTimeDisplay) != 0;
 }
 
 } // namespace TimecodeLocal

@@ -57,6 +57,7 @@ public:
 private:
     void StorePublicTime(const tvxmediatypes::TickTime& inTime);
     void SplitCount(long long inCount, long long inFramesPerSecond);
+    void SplitCountAt(const tvxmediatypes::FrameRate& inRate);
     void IncrementFields(int inHours, int inMinutes, int inSeconds, long long inFrames);
     void CrossZero();
     void ClampToOneDay();

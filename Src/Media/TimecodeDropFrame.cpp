@@ -2,6 +2,7 @@
 
 #include <ORLDebug.h>
 #include <TimecodeCarry.h>
+#include <TimecodeFormats.h>
 #include <Wrapping.h>
 
 #include <tvxmediatypes/Constants.h>
@@ -27,8 +28,13 @@ struct DropFrame
     constexpr long long Hour() const { return 6 * TenMinutes(); }
 };
 
-constexpr DropFrame kNTSC = {30, 2};
-constexpr DropFrame kNTSC_HD = {60, 4};
+constexpr DropFrame DropFrameOf(TimeDisplay inTimeDisplay)
+{
+    return {FormatOf(inTimeDisplay).mLabelsPerSecond, FormatOf(inTimeDisplay).mDroppedLabels};
+}
+
+constexpr DropFrame kNTSC = DropFrameOf(kTimeDisplay_2997DropTimecode);
+constexpr DropFrame kNTSC_HD = DropFrameOf(kTimeDisplay_5994DropTimecode);
 
 static_assert(kNTSC.Hour() == 107892 && kNTSC.TenMinutes() == 17982 && kNTSC.FirstMinute() == 1800
                   && kNTSC.OtherMinute() == 1798 && kNTSC.FirstSecond() == 28,
@@ -117,10 +123,11 @@ void NTSCDropFrame_TimeToHMSF(const TickTime& inTime, int& outHours, int& outMin
 {
     if (inIsHD) {
         const unsigned long long rest = Magnitude(inTime.ToFrame64(kFrameRate_VideoNTSC_HD));
-        CountToHMSF<60, 4>(rest, outHours, outMinutes, outSeconds, outFrames);
+        CountToHMSF<kNTSC_HD.mLabelsPerSecond, kNTSC_HD.mLabelsDropped>(rest, outHours, outMinutes, outSeconds,
+                                                                        outFrames);
     } else {
         const unsigned long long rest = Magnitude(inTime.ToFrame64(kFrameRate_VideoNTSC));
-        CountToHMSF<30, 2>(rest, outHours, outMinutes, outSeconds, outFrames);
+        CountToHMSF<kNTSC.mLabelsPerSecond, kNTSC.mLabelsDropped>(rest, outHours, outMinutes, outSeconds, outFrames);
     }
 }
 

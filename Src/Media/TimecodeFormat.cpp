@@ -263,12 +263,20 @@ int ShownHours(const Timecode::PrivateImpl& inImpl)
 
 UTF16String Timecode::PrivateImpl::GetString() const
 {
-    switch (mTimeDisplay) {
-    case tvxmediatypes::kTimeDisplay_Frames: return FramesText(*this);
-    case tvxmediatypes::kTimeDisplay_16mmFeetFrames: return FeetFrames<40>(*this);
-    case tvxmediatypes::kTimeDisplay_35mmFeetFrames: return FeetFrames<16>(*this);
-    default: return ClockText(*this);
-    }
+    using TimecodeLocal::TimecodeText;
+    return TimecodeLocal::VisitFormat(
+        mTimeDisplay,
+        [this](auto inFormat) {
+            constexpr const TimecodeLocal::TimecodeFormat& row = decltype(inFormat)::kRow;
+            if constexpr (row.mText == TimecodeText::kFrames) {
+                return FramesText(*this);
+            } else if constexpr (row.mText == TimecodeText::kFeetFrames) {
+                return FeetFrames<row.mFramesPerFoot>(*this);
+            } else {
+                return ClockText(*this);
+            }
+        },
+        [this] { return ClockText(*this); });
 }
 
 namespace TimecodeLocal {

@@ -17,6 +17,13 @@ namespace {
 
 constexpr TickTime kOneDay(86400, FrameRate(1.0));
 
+int SecondsOf(int inHours, int inMinutes, int inSeconds) noexcept
+{
+    using Wrapping::Add;
+    using Wrapping::Multiply;
+    return Add(Multiply(Add(Multiply(inHours, 60), inMinutes), 60), inSeconds);
+}
+
 // Counts a label at a whole rate. The time of a negative label is the negated time of the label, so the fields are not
 // negative here, unless a typed field overflowed 32 bits.
 constexpr long long CountLabels(int inSeconds, long long inLabelsPerSecond, long long inFrames) noexcept
@@ -68,76 +75,51 @@ TickTime FoldIntoOneDay(TickTime inTime) noexcept
 
 FrameRate GetFrameRateForDisplayMode(TimeDisplay inTimeDisplay, const FrameRate& inFrameRate)
 {
-    switch (inTimeDisplay) {
-    case kTimeDisplay_24Timecode:
-        return kFrameRate_Film24;
-    case kTimeDisplay_25Timecode:
-        return kFrameRate_VideoPAL;
-    case kTimeDisplay_2997DropTimecode:
-    case kTimeDisplay_2997NonDropTimecode:
-        return kFrameRate_VideoNTSC;
-    case kTimeDisplay_30Timecode:
-        return kFrameRate_Video30;
-    case kTimeDisplay_50Timecode:
-        return kFrameRate_VideoPAL_HD;
-    case kTimeDisplay_5994DropTimecode:
-    case kTimeDisplay_5994NonDropTimecode:
-        return kFrameRate_VideoNTSC_HD;
-    case kTimeDisplay_60Timecode:
-        return kFrameRate_Video60;
-    case kTimeDisplay_23976Timecode:
-        return kFrameRate_23976;
-    case kTimeDisplay_Frames:
-    case kTimeDisplay_16mmFeetFrames:
-    case kTimeDisplay_35mmFeetFrames:
-    case kTimeDisplay_AudioSamplesTimecode:
-        return inFrameRate;
-    case kTimeDisplay_AudioMsTimecode:
-        return FrameRate(1000.0);
-    }
-    ORL_ASSERT_AT(false, "Timecode", __LINE__, "ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
-    return FrameRate();
+    return VisitFormat(
+        inTimeDisplay, [&](auto inFormat) { return inFormat.kRow.HasOwnRate() ? inFormat.kRow.mRate : inFrameRate; },
+        [] {
+            ORL_ASSERT_AT(false, "Timecode", __LINE__, "ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
+            return FrameRate();
+        });
 }
+
+namespace {
+
+template <class Format>
+TickTime LabelToTime(Format, int inHours, int inMinutes, int inSeconds, long long inFrames,
+                     const FrameRate& inFrameRate)
+{
+    constexpr const TimecodeFormat& row = Format::kRow;
+    const int seconds = SecondsOf(inHours, inMinutes, inSeconds);
+    if constexpr (row.mText == TimecodeText::kFrames) {
+        ORL_ASSERT_AT((inHours == 0) && (inMinutes == 0) && (inSeconds == 0), "Timecode", __LINE__,
+                      "ORL::`anonymous-namespace'::HMSFToTime");
+        return TickTime(inFrames, inFrameRate);
+    } else if constexpr (row.mDroppedLabels != 0) {
+        return NTSCDropFrame_HMSFToTime(inHours, inMinutes, inSeconds, inFrames, row.mLabelsPerSecond == 60);
+    } else if constexpr (!row.HasOwnRate()) {
+        return TickTime(CountFrames(seconds, inFrameRate, inFrames), inFrameRate);
+    } else if constexpr (row.HasWholeRate()) {
+        return CountAtWholeRate<row.mLabelsPerSecond>(seconds, inFrames);
+    } else {
+        return TickTime(CountLabels(seconds, row.mLabelsPerSecond, inFrames), row.mRate);
+    }
+}
+
+} // namespace
 
 TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames, bool inIsNegative,
                     const FrameRate& inFrameRate, TimeDisplay inTimeDisplay)
 {
-    using Wrapping::Add;
-    using Wrapping::Multiply;
-    const int seconds = Add(Multiply(Add(Multiply(inHours, 60), inMinutes), 60), inSeconds);
-    TickTime time;
-    switch (inTimeDisplay) {
-    case kTimeDisplay_Frames:
-        ORL_ASSERT_AT((inHours == 0) && (inMinutes == 0) && (inSeconds == 0), "Timecode", __LINE__,
-                      "ORL::`anonymous-namespace'::HMSFToTime");
-        time = TickTime(inFrames, inFrameRate);
-        break;
-    case kTimeDisplay_2997DropTimecode:
-        time = NTSCDropFrame_HMSFToTime(inHours, inMinutes, inSeconds, inFrames, false);
-        break;
-    case kTimeDisplay_5994DropTimecode:
-        time = NTSCDropFrame_HMSFToTime(inHours, inMinutes, inSeconds, inFrames, true);
-        break;
-    case kTimeDisplay_2997NonDropTimecode:
-        time = TickTime(CountLabels(seconds, 30, inFrames), kFrameRate_VideoNTSC);
-        break;
-    case kTimeDisplay_5994NonDropTimecode:
-        time = TickTime(CountLabels(seconds, 60, inFrames), kFrameRate_VideoNTSC_HD);
-        break;
-    case kTimeDisplay_23976Timecode:
-        time = TickTime(CountLabels(seconds, 24, inFrames), kFrameRate_23976);
-        break;
-    case kTimeDisplay_24Timecode: time = CountAtWholeRate<24>(seconds, inFrames); break;
-    case kTimeDisplay_25Timecode: time = CountAtWholeRate<25>(seconds, inFrames); break;
-    case kTimeDisplay_30Timecode: time = CountAtWholeRate<30>(seconds, inFrames); break;
-    case kTimeDisplay_50Timecode: time = CountAtWholeRate<50>(seconds, inFrames); break;
-    case kTimeDisplay_60Timecode: time = CountAtWholeRate<60>(seconds, inFrames); break;
-    case kTimeDisplay_AudioMsTimecode: time = CountAtWholeRate<1000>(seconds, inFrames); break;
-    default: {
-        const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate);
-        time = TickTime(CountFrames(seconds, rate, inFrames), rate);
-    }
-    }
+    const TickTime time = VisitFormat(
+        inTimeDisplay,
+        [&](auto inFormat) {
+            return LabelToTime(inFormat, inHours, inMinutes, inSeconds, inFrames, inFrameRate);
+        },
+        [&] {
+            const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate); // reports the format
+            return TickTime(CountFrames(SecondsOf(inHours, inMinutes, inSeconds), rate, inFrames), rate);
+        });
     return FoldIntoOneDay(inIsNegative ? -time : time);
 }
 

@@ -15,34 +15,27 @@ using namespace tvxmediatypes;
 
 namespace {
 
+// Returns zero frames a second if the caller's rate decides.
+constexpr FrameFormat OwnFrameFormat(const TimecodeFormat& inFormat)
+{
+    if (inFormat.mText == TimecodeText::kFrames) {
+        return {std::numeric_limits<long long>::max(), 0};
+    }
+    return inFormat.HasOwnRate() ? FrameFormatOfRate(inFormat.mRate) : FrameFormat{0, 0};
+}
+
 // Every displayed frame copies a timecode, so the compiler computes everything that depends only on the format.
 FrameFormat FrameFormatOf(TimeDisplay inTimeDisplay, const FrameRate& inFrameRate)
 {
-    constexpr FrameFormat kPlainFrames = {std::numeric_limits<long long>::max(), 0};
-    constexpr FrameFormat k24 = FrameFormatOfRate(kFrameRate_Film24);
-    constexpr FrameFormat k25 = FrameFormatOfRate(kFrameRate_VideoPAL);
-    constexpr FrameFormat kNTSC = FrameFormatOfRate(kFrameRate_VideoNTSC);
-    constexpr FrameFormat k30 = FrameFormatOfRate(kFrameRate_Video30);
-    constexpr FrameFormat k50 = FrameFormatOfRate(kFrameRate_VideoPAL_HD);
-    constexpr FrameFormat kNTSC_HD = FrameFormatOfRate(kFrameRate_VideoNTSC_HD);
-    constexpr FrameFormat k60 = FrameFormatOfRate(kFrameRate_Video60);
-    constexpr FrameFormat k23976 = FrameFormatOfRate(kFrameRate_23976);
-    constexpr FrameFormat kMilliseconds = FrameFormatOfRate(FrameRate(1000.0));
-    switch (inTimeDisplay) {
-    case kTimeDisplay_24Timecode: return k24;
-    case kTimeDisplay_25Timecode: return k25;
-    case kTimeDisplay_2997DropTimecode:
-    case kTimeDisplay_2997NonDropTimecode: return kNTSC;
-    case kTimeDisplay_30Timecode: return k30;
-    case kTimeDisplay_50Timecode: return k50;
-    case kTimeDisplay_5994DropTimecode:
-    case kTimeDisplay_5994NonDropTimecode: return kNTSC_HD;
-    case kTimeDisplay_60Timecode: return k60;
-    case kTimeDisplay_Frames: return kPlainFrames;
-    case kTimeDisplay_23976Timecode: return k23976;
-    case kTimeDisplay_AudioMsTimecode: return kMilliseconds;
-    default: return FrameFormatOfRate(GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate));
-    }
+    const FrameFormat own = VisitFormat(
+        inTimeDisplay,
+        [](auto inFormat) {
+            constexpr FrameFormat format = OwnFrameFormat(decltype(inFormat)::kRow);
+            return format;
+        },
+        [] { return FrameFormat{0, 0}; });
+    return own.mFramesPerSecond != 0 ? own
+                                     : FrameFormatOfRate(GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate));
 }
 
 } // namespace
@@ -117,51 +110,6 @@ void Timecode::PrivateImpl::UpdateFrameFormat()
     mFrameDigits = format.mFrameDigits;
 }
 
-void Timecode::PrivateImpl::UpdateHMSF()
-{
-    // With a constant rate and count, the divisions compile to multiplications.
-    switch (mTimeDisplay) {
-    case kTimeDisplay_Frames:
-        mHours = mMinutes = mSeconds = 0;
-        mFrames = mTime.ToFrame64(mFrameRate);
-        return;
-    case kTimeDisplay_2997DropTimecode:
-        NTSCDropFrame_TimeToHMSF(mTime, mHours, mMinutes, mSeconds, mFrames, false);
-        return;
-    case kTimeDisplay_5994DropTimecode:
-        NTSCDropFrame_TimeToHMSF(mTime, mHours, mMinutes, mSeconds, mFrames, true);
-        return;
-    case kTimeDisplay_24Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_Film24), 24);
-        return;
-    case kTimeDisplay_25Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_VideoPAL), 25);
-        return;
-    case kTimeDisplay_2997NonDropTimecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_VideoNTSC), 30);
-        return;
-    case kTimeDisplay_30Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_Video30), 30);
-        return;
-    case kTimeDisplay_50Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_VideoPAL_HD), 50);
-        return;
-    case kTimeDisplay_5994NonDropTimecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_VideoNTSC_HD), 60);
-        return;
-    case kTimeDisplay_60Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_Video60), 60);
-        return;
-    case kTimeDisplay_23976Timecode:
-        SplitCount(mTime.ToFrame64(kFrameRate_23976), 24);
-        return;
-    default:
-        break;
-    }
-    const FrameRate rate = GetFrameRateForDisplayMode(mTimeDisplay, mFrameRate);
-    SplitCount(mTime.ToFrame64(rate), rate.GetTruncatedValue());
-}
-
 // At a rate below one frame a second no count of frames fills a second, so all frames stay in the frame field.
 inline __attribute__((always_inline)) void Timecode::PrivateImpl::SplitCount(long long inCount,
                                                                              long long inFramesPerSecond)
@@ -182,6 +130,32 @@ inline __attribute__((always_inline)) void Timecode::PrivateImpl::SplitCount(lon
     mFrames = static_cast<long long>(rest % framesPerSecond);
 }
 
+void Timecode::PrivateImpl::UpdateHMSF()
+{
+    VisitFormat(
+        mTimeDisplay,
+        [this](auto inFormat) {
+            constexpr const TimecodeFormat& row = decltype(inFormat)::kRow;
+            if constexpr (row.mText == TimecodeText::kFrames) {
+                mHours = mMinutes = mSeconds = 0;
+                mFrames = mTime.ToFrame64(mFrameRate);
+            } else if constexpr (row.mDroppedLabels != 0) {
+                NTSCDropFrame_TimeToHMSF(mTime, mHours, mMinutes, mSeconds, mFrames, row.mLabelsPerSecond == 60);
+            } else if constexpr (row.HasOwnRate()) {
+                // With a constant rate and count, the divisions compile to multiplications.
+                SplitCount(mTime.ToFrame64(row.mRate), row.mLabelsPerSecond);
+            } else {
+                SplitCountAt(mFrameRate);
+            }
+        },
+        [this] { SplitCountAt(GetFrameRateForDisplayMode(mTimeDisplay, mFrameRate)); });
+}
+
+void Timecode::PrivateImpl::SplitCountAt(const FrameRate& inRate)
+{
+    SplitCount(mTime.ToFrame64(inRate), inRate.GetTruncatedValue());
+}
+
 void Timecode::PrivateImpl::IncrementHMSF(int inHours, int inMinutes, int inSeconds, long long inFrames)
 {
     // clang-format off
@@ -194,10 +168,10 @@ void Timecode::PrivateImpl::IncrementHMSF(int inHours, int inMinutes, int inSeco
         inSeconds = Wrapping::Negate(inSeconds);
         inFrames = Wrapping::Negate(inFrames);
     }
-    if (IsDropFrame(mTimeDisplay)) {
-        const bool isHD = mTimeDisplay == kTimeDisplay_5994DropTimecode;
+    const int dropped = DroppedLabels(mTimeDisplay);
+    if (dropped != 0) {
         NTSCDropFrame_IncrementHMSF(inHours, inMinutes, inSeconds, inFrames, mHours, mMinutes, mSeconds, mFrames,
-                                    mIsNegative, isHD ? 60 : 30, isHD ? 4 : 2);
+                                    mIsNegative, static_cast<int>(mFramesPerSecond), dropped);
     } else {
         IncrementFields(inHours, inMinutes, inSeconds, inFrames);
     }
