@@ -18,7 +18,7 @@ namespace ORL {
     extern UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                                    \
     ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))
 
-// The same for a constant that other libraries can access.
+// Same as ORL_PRIVATE_TEXT, for a constant that other libraries can access.
 #define ORL_EXPORTED_TEXT(inName, inSymbol, inText)                                                                   \
     extern ORL_API UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                            \
     ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))

@@ -241,8 +241,8 @@ ORL_API std::string MakeStdString(const ConstString& inText);
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const ConstString& inText);
 
-/// The same; the stream's locale widens each byte separately. Unlike a const char* or std::string on the same stream,
-/// the bytes are not decoded as UTF-8.
+/// Writes an 8-bit text in the same way; the stream's locale widens each byte separately. Unlike a const char* or
+/// std::string on the same stream, the bytes are not decoded as UTF-8.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const StdConstString& inText);
 

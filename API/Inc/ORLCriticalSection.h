@@ -46,7 +46,7 @@ public:
         mSection->Lock();
     }
 
-    /// The same. The text only documents the call.
+    /// Locks the section. The text only documents the call.
     CriticalSectionLock(const CriticalSection& inSection, const char*) TVXCORE_ACQUIRES(inSection)
         : CriticalSectionLock(inSection)
     {

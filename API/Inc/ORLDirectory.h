@@ -44,7 +44,7 @@ public:
     /// Returns the path as it was passed.
     UTF16String AsString() const;
 
-    /// The same as PathUtils::IsDirectory.
+    /// Same as PathUtils::IsDirectory.
     static bool IsDirectory(const UTF16String& inPath);
 
     /// Returns whether the directory is empty. Hidden entries count.
@@ -57,11 +57,11 @@ public:
     /// Replaces outPaths with the paths of all entries.
     void GetContainedPaths(std::vector<UTF16String>& outPaths, bool inRecursive, unsigned int inLimit) const;
 
-    /// The same, split into directories and all other entries.
+    /// Lists all entries, split into directories and all others.
     void GetContainedFileAndDirectoryPaths(std::vector<UTF16String>& outFiles, std::vector<Directory>& outDirectories,
                                            bool inRecursive, unsigned int inLimit) const;
 
-    /// The same without directories. Directories still count towards the limit.
+    /// Lists all entries except directories. Directories still count towards the limit.
     void GetContainedFilePaths(std::vector<UTF16String>& outFiles, bool inRecursive, unsigned int inLimit) const;
 
     /// Lists the files with an extension, which includes its dot (".wav" finds "A.WAV", "wav" finds nothing). Files

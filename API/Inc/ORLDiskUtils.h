@@ -42,7 +42,7 @@ ORL_API Result GetFileSystemName(const UTF16String& inPath, UTF16String& outName
 
 namespace PathUtils {
 
-/// The same as DiskUtils::GetFreeSpaceFromPath.
+/// Same as DiskUtils::GetFreeSpaceFromPath.
 ORL_API unsigned __int64 GetFreeDriveSpace(const UTF16String& inPath);
 
 } // namespace PathUtils

@@ -217,7 +217,7 @@ public:
     /// Stores the time of a file's last write, like the member function.
     static Result GetLastModificationTime(const UTF16String& inPath, unsigned __int64& outTime);
 
-    /// The same, for directories too.
+    /// Same as GetLastModificationTime, but also for directories.
     static Result GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime);
 
     /// Always returns 0: Windows and Linux have no file types.

@@ -57,8 +57,8 @@ ORL_API Result MountDrive(char inLetter, const std::string& inHostFolder);
 /// Removes a drive from the table. Returns kPathNotFound if it is not mounted.
 ORL_API Result UnmountDrive(char inLetter);
 
-/// The same for a share. inShare is "\\server\share", compared without regard to the case of ASCII letters. Returns
-/// kGeneralFailure if it has another form.
+/// Same as MountDrive and UnmountDrive, for a share. inShare is "\\server\share", compared without regard to the case
+/// of ASCII letters. Returns kGeneralFailure if it has another form.
 ORL_API Result MountShare(const UTF16String& inShare, const std::string& inHostFolder);
 ORL_API Result UnmountShare(const UTF16String& inShare);
 

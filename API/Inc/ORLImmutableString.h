@@ -57,7 +57,7 @@ public:
     int Compare(const std::string& inOther) const;
     int Compare(const UTF8String& inOther) const;
 
-    /// The same for the UTF-8 form of a 16-bit text; null means the empty text. A null handle returns -1 without
+    /// Compares with the UTF-8 form of a 16-bit text; null means the empty text. A null handle returns -1 without
     /// converting.
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;

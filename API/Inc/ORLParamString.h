@@ -49,7 +49,7 @@ using StdParamVector = ParamVectorImpl<std::string>;
 ORL_API Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UTF16String>& inParams,
                            UTF16String& outResult);
 
-/// The same on 8-bit text.
+/// Same as ParseString, for 8-bit text.
 ORL_API Result ParseStdString(const std::string& inFormat, const ParamVectorImpl<std::string>& inParams,
                               std::string& outResult);
 

@@ -75,7 +75,7 @@ ORL_API bool FileHasExtension(const UTF16String& inPath, const UTF16String& inEx
 ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                              const UTF16String& inExtension);
 
-/// The same as MakePath.
+/// Same as MakePath.
 ORL_API UTF16String MakeFullPath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                                  const UTF16String& inExtension);
 

@@ -100,7 +100,7 @@ public:
     /// Stores the string with a terminator. It should contain no zero unit: GetStringValue stops at the first one.
     Result SetStringValue(const UTF16String& inName, const UTF16String& inValue);
 
-    /// The same for UTF-8, which MakeString converts.
+    /// Stores a UTF-8 string, which MakeString converts.
     Result SetStringValue(const UTF16String& inName, const std::string& inValue);
 
     static constexpr std::size_t kMaxBinarySize = 4096;
@@ -127,7 +127,7 @@ public:
     /// if the value does not exist, is not a string, or was stored without a terminator.
     Result GetStringValue(const UTF16String& inName, UTF16String& outValue) const;
 
-    /// The same as UTF-8.
+    /// Reads the string as UTF-8.
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
     /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. Its path is its name

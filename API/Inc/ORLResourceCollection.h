@@ -46,7 +46,8 @@ public:
     /// outSize unchanged and fires no assertion.
     virtual void* LoadResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const = 0;
 
-    /// The same with a number as the name and a string as the type, which ends at its first zero unit.
+    /// Same as the other LoadResource, with a number as the name and a string as the type, which ends at its first zero
+    /// unit.
     virtual void* LoadResource(short inID, const UTF16String& inType, int& outSize) const = 0;
 
     /// Finds the first resource of a type, in the current language if it exists in that language. Strings precede

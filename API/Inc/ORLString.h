@@ -18,10 +18,10 @@ namespace ORL {
 ORL_API UTF16String MakeString(const char* inText);
 ORL_API UTF16String MakeString(const unsigned char* inText);
 
-/// The same for the text before the string's first zero byte; the rest is dropped.
+/// Converts the text before the string's first zero byte; the rest is dropped.
 ORL_API UTF16String MakeString(const std::string& inText);
 
-/// The same for the whole string, zero bytes included.
+/// Converts the whole string, zero bytes included.
 ORL_API UTF16String MakeString(const UTF8String& inText);
 
 /// Returns a copy of a zero-terminated 16-bit text.

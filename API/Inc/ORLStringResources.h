@@ -20,7 +20,7 @@ ORL_API bool LoadStringW(const ResourceCollection& inCollection, unsigned int in
 /// Returns the string, or an empty string if it does not exist.
 ORL_API UTF16String LoadStringW(const ResourceCollection& inCollection, unsigned int inID);
 
-/// The same as UTF-8, up to the first zero unit of the string.
+/// Same as LoadStringW, but as UTF-8, up to the first zero unit of the string.
 ORL_API bool LoadStdString(const ResourceCollection& inCollection, unsigned int inID, std::string& outString);
 ORL_API std::string LoadStdString(const ResourceCollection& inCollection, unsigned int inID);
 

@@ -15,7 +15,8 @@ namespace Images {
 /// is none or it cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// The same without reversing the rows. A failed lock of the pixels is not detected: the bitmap is then transparent.
+/// Same as LoadGDIPlusBitmap, but keeps the order of the rows. A failed lock of the pixels is not detected: the bitmap
+/// is then transparent.
 HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized);
 
 /// Creates a bitmap of a picture file, with the rows in reverse order. Returns null if the file cannot be read or

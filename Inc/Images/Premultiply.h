@@ -14,8 +14,8 @@ void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::s
 
 using PremultiplyFunction = void(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
-/// One implementation of Premultiply. The implementations are sorted from the fastest to the slowest; the last ones
-/// work on every processor.
+/// An implementation of Premultiply. The implementations are sorted from the fastest to the slowest; the last ones work
+/// on every processor.
 struct PremultiplyKernel
 {
     const char* mName;

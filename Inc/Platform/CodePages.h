@@ -25,7 +25,7 @@ std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity);
 
-/// The same three functions in the other direction.
+/// These do the same for the opposite direction, from units to bytes.
 std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits);
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,

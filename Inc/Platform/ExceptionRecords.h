@@ -15,9 +15,9 @@ struct ExceptionFacts
 {
     std::uint32_t mCode;
     std::uint32_t mFlags;
-    std::uint64_t mAddress;         // of the instruction
-    std::uint64_t mFirstParameter;  // of an access violation: 0 for a read, else a write or an execution
-    std::uint64_t mSecondParameter; // of an access violation: the address that was not accessible
+    std::uint64_t mAddress;         // address of the instruction
+    std::uint64_t mFirstParameter;  // access violation: 0 for a read, else a write or an execution
+    std::uint64_t mSecondParameter; // access violation: the address that was not accessible
 };
 
 /// Reads inRecord, which must not be null. Never throws.

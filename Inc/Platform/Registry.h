@@ -50,8 +50,8 @@ inline constexpr unsigned kOpenedKey = 2;
 SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                            unsigned* outDisposition);
 
-/// The same inside a transaction of the system's transaction manager. Returns 1 if the system lacks the function, which
-/// is looked up on each call.
+/// Open or create a key inside a transaction of the system's transaction manager. Returns 1 if the system lacks the
+/// function, which is looked up on each call.
 SystemError OpenKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
                                    void* inTransaction, KeyHandle& outKey);
 SystemError CreateKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
@@ -63,7 +63,7 @@ SystemError CloseKey_Impl(KeyHandle inKey);
 /// Deletes a key without subkeys; returns 5 if it has any. An empty path deletes the key of inParent.
 SystemError DeleteKey_Impl(KeyHandle inParent, const unsigned short* inPath);
 
-/// The same in one view of the registry; same as DeleteKey_Impl if the system has no views.
+/// Deletes a key in one view of the registry; same as DeleteKey_Impl if the system has no views.
 SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inView);
 
 /// Deletes a key with all its descendants, all or none. Returns 50 and deletes nothing if the system cannot do that.
@@ -102,7 +102,7 @@ struct Edit
 
     Kind mKind;
     const unsigned short* mPath; // below the root
-    const Value* mValue;         // of kSetValue; of kDeleteValue, for the name only
+    const Value* mValue;         // for kSetValue; kDeleteValue uses only the name
 };
 
 /// Makes all changes below a root, or none. Deleting a missing item succeeds. Returns 50 and changes nothing if the

@@ -160,7 +160,7 @@ private:
     Sink& mSink;
     std::vector<Level> mLevels;
     Entry mEntry;
-    UTF16String mPath; // of mEntry
+    UTF16String mPath; // path of mEntry
 };
 
 template <class Sink>

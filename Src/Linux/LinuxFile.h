@@ -76,7 +76,7 @@ struct OpenWish
     std::uint32_t mShareMode = 0;
     std::uint32_t mDisposition = 0;
     std::uint32_t mFlags = 0;
-    mode_t mNewMode = 0666; // of a new file, before the umask applies
+    mode_t mNewMode = 0666; // mode of a new file, before the umask applies
 };
 
 /// Opens a file by its host path, as CreateFile_Impl does. Also returns its status and whether it was created.

@@ -119,7 +119,7 @@ public:
         return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
     }
 
-    // The same for a caller that has no descriptor of the new file.
+    // Syncs for a caller that has no descriptor of the new file.
     SystemError SyncWith(const std::string& inFile) const noexcept
     {
         if (mFolder) {

@@ -130,7 +130,7 @@ bool QueryRegion_Impl(Walk& ioWalk, std::uint64_t inAddress, Region& outRegion)
     }
     const bool hasMapping = FindMapping(ioWalk, inAddress);
     if (ioWalk.mHasFailed) {
-        return false; // the rest is unknown, not free
+        return false; // the rest of the address space is unknown, not free
     }
     if (!hasMapping || inAddress < ioWalk.mNext.mBegin) {
         outRegion = Region{(hasMapping ? ioWalk.mNext.mBegin : kTop) - inAddress, kFree};

@@ -105,7 +105,7 @@ bool RepeatDelayFunction::State::QueueTurn()
 
 void RepeatDelayFunction::State::CallFunction()
 {
-    const boost::function<void()>* const function = &mFunction; // End waits for the runner before it takes the function away
+    const boost::function<void()>* const function = &mFunction; // End waits for the runner before it clears mFunction
     const Running running(*this);
     (*function)();
 }

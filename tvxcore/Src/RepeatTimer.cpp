@@ -19,7 +19,7 @@ RepeatEntry* sFirst TVXCORE_GUARDED_BY(sMutex) = nullptr;
 RepeatEntry* sCalled TVXCORE_GUARDED_BY(sMutex) = nullptr; // the entry whose BecomeDue is running
 unsigned int sEntries TVXCORE_GUARDED_BY(sMutex) = 0;
 Platform::ThreadHandle sThread TVXCORE_GUARDED_BY(sMutex){};
-std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // of the current thread; a thread of an older generation ends
+std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // generation of the current thread; older threads end
 
 std::atomic<std::uint32_t> sScheduleMoved{0}; // for the timer thread
 std::atomic<std::uint32_t> sCallEnded{0};     // for threads that wait for the end of a call

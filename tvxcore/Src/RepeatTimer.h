@@ -29,7 +29,7 @@ private:
     friend struct RepeatSchedule;
 
     std::int64_t mDue = 0;          // time of the clock
-    RepeatEntry* mNext = nullptr;   // the next one due, if scheduled
+    RepeatEntry* mNext = nullptr;   // the entry due next after this one, if scheduled
     bool mIsScheduled = false;
 };
 
@@ -40,10 +40,10 @@ public:
     /// thread.
     static void Add(Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
 
-    /// Makes the entry due in inDelay nanoseconds. It must not be scheduled yet.
+    /// Makes the entry due in inDelay nanoseconds. The entry must not be scheduled yet.
     static void Schedule(RepeatEntry& ioEntry, std::int64_t inDelay);
 
-    /// The same, inDelay after its previous due time, or from now if that time has passed.
+    /// Makes the entry due inDelay nanoseconds after its previous due time, or after now if that time has passed.
     static void ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay);
 
     /// Undoes Add and Schedule. BecomeDue is not running when this returns, unless BecomeDue itself calls it. The last

@@ -73,7 +73,7 @@ struct Classes
 {
     __m256i mLead3Bytes;
     __m256i mLead4Bytes;
-    std::uint32_t mLead; // of two bytes or more: includes mLead3 and mLead4
+    std::uint32_t mLead; // leads of 2-byte and longer characters: includes mLead3 and mLead4
     std::uint32_t mLead3;
     std::uint32_t mLead4;
     std::uint32_t mContinuation;

@@ -20,9 +20,9 @@ namespace {
 struct Classes
 {
     std::uint64_t mNotAscii;
-    std::uint64_t mLead;  // of two bytes or more: includes mLead3 and mLead4
-    std::uint64_t mLead3; // of three bytes or more
-    std::uint64_t mLead4; // of four bytes
+    std::uint64_t mLead;  // leads of 2-byte and longer characters: includes mLead3 and mLead4
+    std::uint64_t mLead3; // leads of 3-byte and longer characters
+    std::uint64_t mLead4; // leads of 4-byte characters
     std::uint64_t mContinuation;
 };
 

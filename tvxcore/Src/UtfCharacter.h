@@ -159,7 +159,7 @@ inline std::size_t PieceOfUTF8(const unsigned char* inText, std::size_t inLength
     return inLimit;
 }
 
-/// The same for UTF-16: a surrogate pair is not split.
+/// Same as PieceOfUTF8, for UTF-16: a surrogate pair is not split.
 inline std::size_t PieceOfUTF16(const unsigned short* inText, std::size_t inLength, std::size_t inLimit) noexcept
 {
     if (inLength <= inLimit) {

@@ -18,8 +18,8 @@ namespace {
 struct Row
 {
     std::string_view mLanguage;
-    std::string_view mTerritory; // any, if empty
-    std::string_view mModifier;  // any, if empty
+    std::string_view mTerritory; // empty: any territory
+    std::string_view mModifier;  // empty: any modifier
     unsigned int mCodePage;
 };
 

@@ -41,7 +41,7 @@ std::int64_t StartOfProcess() noexcept
         return -1;
     }
     text.remove_prefix(name + 1);
-    for (int blanks = 0; blanks < 20; ++blanks) { // up to the blank before field 22
+    for (int blanks = 0; blanks < 20; ++blanks) { // skips to the blank before field 22
         const std::size_t blank = text.find(' ');
         if (blank == std::string_view::npos) {
             return -1;

@@ -9,7 +9,7 @@ namespace {
 
 struct Image
 {
-    const void* mDynamicSection; // of the requested module; null for the program, which the loader lists first
+    const void* mDynamicSection; // identifies the module; null for the program, which the loader lists first
     ElfW(Addr) mBase = 0;
     const ElfW(Phdr) * mSegments = nullptr;
     std::size_t mCount = 0;

@@ -111,7 +111,7 @@ private:
     HandleTable mHandles;
     Units mFolded;              // buffer for the name that is looked up, guarded by mMemory
     std::uint64_t mSeen = kNever; // the board's generation whose changes are in memory
-    std::int64_t mVersion = -1;   // the same for a database without a board: its data version
+    std::int64_t mVersion = -1;   // for a database without a board: the data version whose contents are in memory
     std::uint64_t mPlaceSeenAt = 0; // when the files of the database and its board were last found under their names
 };
 

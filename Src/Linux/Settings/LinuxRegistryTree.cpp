@@ -128,7 +128,7 @@ SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
         }
         throw;
     }
-    subKeys.swap(ioKey.mSubKeys); // from here, subKeys is the previous list
+    subKeys.swap(ioKey.mSubKeys); // now subKeys contains the previous list
     for (const std::shared_ptr<StoredKey>& key : ioKey.mSubKeys) {
         key->mParent = &ioKey;
     }
@@ -188,7 +188,7 @@ SystemError Tree::LoadValue(StoredKey& ioKey, const FoldedName& inName, Database
     } else {
         outValue = &ioKey.mValues.Put(inName.Hash(), std::move(value));
     }
-    ioKey.mStale.Remove(inName.Hash(), inName.Text()); // last: it may throw, and the name then stays stale
+    ioKey.mStale.Remove(inName.Hash(), inName.Text()); // last: if Remove throws, the name stays stale
     return kNoError;
 }
 

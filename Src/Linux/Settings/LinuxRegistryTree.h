@@ -31,7 +31,7 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     bool mIsDeleted = false;
     bool mHasSubKeys = false; // mSubKeys is loaded
     bool mHasValues = false;  // mValues is loaded, except those of mStale
-    std::vector<std::shared_ptr<StoredKey>> mSubKeys; // in the order of their folded names
+    std::vector<std::shared_ptr<StoredKey>> mSubKeys; // sorted by folded name
     ValueTable mValues;
     StaleNames mStale; // the values of these names in mValues are marked stale
 
@@ -80,7 +80,7 @@ public:
     /// is reloaded immediately, so that deleted keys are marked.
     SystemError Note(const Change& inChange, Database* ioDatabase);
 
-    /// The same for a change that may affect everything.
+    /// Processes a change that may affect all keys and values.
     SystemError NoteEverything(Database* ioDatabase);
 
     /// Inserts a new key if the list of its siblings is in memory.

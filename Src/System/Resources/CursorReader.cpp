@@ -27,7 +27,7 @@ struct Bitmap
     unsigned int mBits;
     Bytes mColours; // 4 bytes each
     Bytes mPicture; // bottom row first, rows padded to 4 bytes
-    Bytes mMask;    // the same with 1 bit per pixel
+    Bytes mMask;    // the same layout with 1 bit per pixel
 };
 
 std::uint64_t RowSize(const Bitmap& inBitmap, unsigned int inBits) noexcept
@@ -42,7 +42,7 @@ bool ReadHeader(const Bytes& inInfo, Bitmap& outBitmap, std::uint64_t& outColour
         return false;
     }
     outBitmap.mWidth = NumberAt<std::int32_t>(inInfo, 4);
-    const std::int32_t doubleHeight = NumberAt<std::int32_t>(inInfo, 8); // of picture and mask together
+    const std::int32_t doubleHeight = NumberAt<std::int32_t>(inInfo, 8); // height of picture and mask together
     outBitmap.mBits = NumberAt<std::uint16_t>(inInfo, 14);
     const std::uint32_t compression = NumberAt<std::uint32_t>(inInfo, 16);
     const std::uint32_t used = NumberAt<std::uint32_t>(inInfo, 32);

@@ -17,7 +17,7 @@ TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength);
 
-/// The same into the caller's buffer, of at least 3 * inLength bytes. Returns the number of bytes written. May
+/// Converts to UTF-8 in the caller's buffer, of at least 3 * inLength bytes. Returns the number of bytes written. May
 /// overwrite the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF16to8(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
 
@@ -26,8 +26,8 @@ TVXCORE_API std::size_t UTF16to8(const unsigned short* inText, std::size_t inLen
 TVXCORE_API UTF16String UTF8to16(const UTF8String& inText);
 TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLength);
 
-/// The same into the caller's buffer, of at least inLength units. Returns the number of units written. May overwrite
-/// the rest of the buffer, up to that size. Never fails.
+/// Converts to UTF-16 in the caller's buffer, of at least inLength units. Returns the number of units written. May
+/// overwrite the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
 
 /// Returns the full case folding of the Unicode standard, for comparison only.

@@ -26,8 +26,8 @@ inline constexpr long kTraceOff = -1;
 /// If there is no memory for a new name, nothing changes.
 TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 
-/// The same for every category without its own level. Verbose categories are excluded: their sites must be enabled by
-/// name.
+/// Sets the level of every category without its own level. Verbose categories are excluded: their sites must be enabled
+/// by name.
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
 /// Receives one finished text: zero-terminated UTF-8, of one line or several. Called on any thread, and concurrently.

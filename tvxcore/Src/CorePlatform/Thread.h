@@ -20,7 +20,7 @@ using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, Thre
 /// Returns when the thread has ended, including its thread-local destructors.
 void JoinThread_Impl(ThreadHandle inThread) noexcept;
 
-/// Lets the thread end on its own.
+/// Detaches the thread, so that no thread needs to join it.
 void DetachThread_Impl(ThreadHandle inThread) noexcept;
 
 /// Names the calling thread for debuggers and system tools, truncated to the system's limit. UTF-8.

@@ -23,7 +23,7 @@ public:
     /// Makes all blocks free. Does not touch their memory.
     void Cut(char* inMemory, std::size_t inBytes, std::size_t inBlockSize) noexcept;
 
-    /// Returns a free block. There must be one.
+    /// Returns a free block. At least one block must be free.
     void* Take() noexcept;
     void Give(void* inBlock) noexcept;
 
