@@ -49,7 +49,7 @@ public:
         }
     }
 
-    /// Blocks until no request is in the list. If the list is empty, returns at once without a gate.
+    /// Blocks until no request is in the list. If the list is empty, returns immediately without a gate.
     void WaitForPendingReads()
     {
         typename Policy::Gate* const gate = JoinWaiters();

@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-// Initialised before all objects of the library that lack this attribute, in whatever source they are defined.
+// Initialised before all objects of the library that lack this attribute, regardless of the source that defines them.
 #define ORL_BUILT_FIRST __attribute__((init_priority(101)))
 
 // Defines a constant that a header declares as `const UTF16String`. Threads of a host may use its text during process

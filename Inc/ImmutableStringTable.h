@@ -29,7 +29,7 @@ public:
     /// The guard lives as long as the table.
     explicit ImmutableStringTable(const CriticalSection& inGuard) : mGuard(inGuard) {}
 
-    /// Frees all records, whatever their counts. Never runs for the process's own table.
+    /// Frees all records, even those with handles. Never runs for the process's own table.
     ~ImmutableStringTable();
 
     ImmutableStringTable(const ImmutableStringTable&) = delete;

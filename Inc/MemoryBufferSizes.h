@@ -15,8 +15,8 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
     return inSize >= kLargeBuffer;
 }
 
-/// inSize must be large. A size too near to the end of the address space to be rounded is returned unchanged: it cannot
-/// be allocated in any case.
+/// inSize must be large. A size too near to the end of the address space to be rounded is returned unchanged: an
+/// allocation of that size always fails.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
     const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // powers of two

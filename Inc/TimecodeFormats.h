@@ -54,8 +54,8 @@ struct FormatConstant
     static constexpr const TimecodeFormat& kRow = kTimecodeFormats[kIndex];
 };
 
-/// Returns inKnown(FormatConstant of the format), or inUnknown() for a value that is no format. Every displayed frame
-/// needs this, so inKnown is compiled once for each format, with constant divisors.
+/// Returns inKnown(FormatConstant of the format), or inUnknown() for a value that is not a format. Every displayed
+/// frame needs this, so inKnown is compiled once for each format, with constant divisors.
 template <class Known, class Unknown>
 constexpr auto VisitFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const Known& inKnown, const Unknown& inUnknown)
 {
@@ -95,7 +95,7 @@ constexpr auto VisitFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const Known
     return inUnknown();
 }
 
-/// Returns the row of a format, an empty one for a value that is no format.
+/// Returns the row of a format, or an empty row for a value that is not a format.
 constexpr TimecodeFormat FormatOf(tvxmediatypes::TimeDisplay inTimeDisplay)
 {
     return VisitFormat(
@@ -172,7 +172,7 @@ constexpr bool IsFeetFrames(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
         [] { return false; });
 }
 
-/// Returns the labels that a drop-frame format drops at once, 0 for every other format.
+/// Returns the number of labels that a drop-frame format drops at the start of a minute, 0 for every other format.
 constexpr int DroppedLabels(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
     return VisitFormat(

@@ -160,7 +160,7 @@ public:
 
     /// Moves the position. Always returns kSuccess: a seek that the system refuses (before the beginning) is not
     /// reported and keeps the position. With a block cache the position is clamped to the file's size, and an offset
-    /// from the end counts backwards whatever its sign.
+    /// from the end counts backwards regardless of its sign.
     Result SetFilePointer(__int64 inOffset, FilePointerMoveMethod::Type inMethod);
 
     /// Always returns kSuccess. outPosition is untouched if the system reports an error.

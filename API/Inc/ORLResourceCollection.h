@@ -38,7 +38,7 @@ public:
     virtual void* FindLocalizedResource(const unsigned short* inName, const unsigned short* inType,
                                         int& outSize) const = 0;
 
-    /// Same as FindLocalizedResource for American English (1033), whatever the current language is.
+    /// Same as FindLocalizedResource for American English (1033), regardless of the current language.
     virtual void* FindNonLocalizedResource(const unsigned short* inName, const unsigned short* inType,
                                            int& outSize) const = 0;
 

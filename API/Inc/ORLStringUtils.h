@@ -38,7 +38,7 @@ ORL_API std::string ToMultiByte(const UTF16String& inText);
 ORL_API std::string ToMultiByte(const std::string& inText);
 
 /// Like ToUnicode and ToMultiByte, except in a host of the type CRV::kApplicationType_SystemCodePage: these two then
-/// use the system's default page whatever the language is.
+/// use the system's default page regardless of the language.
 ORL_API UTF16String CodePageMultiByteToUnicode16(const std::string& inText);
 ORL_API std::string Unicode16ToCodePageMultiByte(const UTF16String& inText);
 
@@ -49,8 +49,8 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 /// Returns the number of the system's default code page.
 ///
 /// On Linux this is the page that Windows uses for the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
-/// first that is not empty) selects it, whatever its encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale without
-/// a language is 1252. The environment is read once.
+/// first that is not empty) selects it, regardless of the encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale
+/// without a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
 /// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.

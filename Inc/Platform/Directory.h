@@ -41,8 +41,8 @@ void CloseListing_Impl(Listing* inListing);
 /// Returns whether two paths refer to the same directory; false if one cannot be queried.
 bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther);
 
-/// Creates a hidden file, which must not exist yet, and writes one byte to it. Deletes the file in every case. Returns
-/// whether that succeeded.
+/// Creates a hidden file, which must not exist yet, and writes one byte to it. Always deletes the file. Returns whether
+/// that succeeded.
 bool WriteProbe_Impl(const UTF16String& inPath);
 
 /// Creates the directory and its missing parents. Returns the status of the system's path service: 0 for success. Other

@@ -71,7 +71,7 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
     return kSuccess;
 }
 
-// Returns the target of a seek, between 0 and the size. An offset from the end counts backwards whatever its sign.
+// Returns the target of a seek, between 0 and the size. An offset from the end counts backwards regardless of its sign.
 std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const
 {
     const std::int64_t size = static_cast<std::int64_t>(GetSize());

@@ -8,7 +8,7 @@ namespace Linux {
 
 /// Options of CopyHostFile, which otherwise copies like CopyFile_Impl. mDisposition is kOpenAlways or kCreateNew; with
 /// kCreateNew an existing destination returns 80. With mStandsIn the copy is going to replace the source: it is synced
-/// to disk before this returns, and gets the source's permissions whatever the umask is.
+/// to disk before this returns, and gets the source's permissions regardless of the umask.
 struct CopyWish
 {
     std::uint32_t mDisposition = Files::Platform::kOpenAlways;

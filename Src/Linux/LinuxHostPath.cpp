@@ -122,7 +122,7 @@ SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, s
     return TheDriveTable().FindDrive(inPath[kDrive], outFolder) ? kNoError : kErrorPathNotFound;
 }
 
-// Resolves the extended form, which is used as it is: only its last name may be empty.
+// Resolves the extended form, which is used unchanged: only its last name may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
     constexpr std::size_t kServer = 8;

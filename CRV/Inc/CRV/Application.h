@@ -9,7 +9,8 @@ namespace CRV {
 enum ApplicationType : int
 {
     kApplicationType_Default = 0,
-    /// Conversions to and from a code page always use the system's default page, whatever the language of the program.
+    /// Conversions to and from a code page always use the system's default page, regardless of the language of the
+    /// program.
     kApplicationType_SystemCodePage = 1
 };
 

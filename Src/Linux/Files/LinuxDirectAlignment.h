@@ -13,7 +13,7 @@ constexpr std::uint32_t kSmallestSector = 512;
 constexpr std::uint32_t kLargestSector = 4096;
 
 /// Returns the alignment of positions, sizes and addresses for a file that is open for direct I/O, at least
-/// kSmallestSector, or 0 if the file does not support direct I/O after all. Uses the alignment that the kernel reports.
+/// kSmallestSector, or 0 if the file turns out not to support direct I/O. Uses the alignment that the kernel reports.
 /// Otherwise returns the sector size of the device or kLargestSector: the first of the two with which a test read
 /// succeeds. Without read permission returns kLargestSector untested.
 std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept;

@@ -39,7 +39,7 @@ int WipeContents(int inFolder);
 int WipeEntry(int inFolder, const TreeEntry& inEntry);
 
 /// The state of a finished copy. kIsOnDisk is for moves: contents and names are synced, except the entry's own name in
-/// its folder, and permissions are kept whatever the umask is.
+/// its folder, and permissions are kept regardless of the umask.
 enum class CopyEnd { kIsWritten, kIsOnDisk };
 
 /// Copies the contents of one folder into another, replacing files of the same name. A file gets its name when it is

@@ -48,7 +48,7 @@ public:
     virtual bool CurrentThreadIsExecutorThread() = 0;
 
     /// Blocks until all threads have ended, which requires RequestTermination. On a thread of the executor it returns
-    /// at once.
+    /// immediately.
     virtual void WaitForTermination() = 0;
 
     /// Delays the start of further functions until Resume or termination. A function that a thread has already dequeued

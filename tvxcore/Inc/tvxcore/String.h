@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string>
 
-/// 16-bit text: units of UTF-16. A unit is unsigned short on every platform, whatever wchar_t is.
+/// 16-bit text: units of UTF-16. A unit is unsigned short on every platform, regardless of wchar_t.
 using UTF16String = std::basic_string<unsigned short, std::char_traits<unsigned short>,
                                       tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>;
 

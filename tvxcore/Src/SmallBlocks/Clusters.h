@@ -50,7 +50,7 @@ void DeleteMaster(Master& inMaster) noexcept;
 
 Master& MasterOf(void* inBlock) noexcept;
 
-/// Unmaps all clusters, whatever they hold. Used when the library is unloaded.
+/// Unmaps all clusters, even if they contain allocated blocks. Used when the library is unloaded.
 void DeleteClusters() noexcept;
 
 /// Lock and unlock the clusters around a fork.
