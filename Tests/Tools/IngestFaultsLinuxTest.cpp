@@ -195,7 +195,7 @@ protected:
         }
         ASSERT_EQ(1u, outcome.mTroubles.size());
         EXPECT_EQ(orl::kExitFailure, outcome.mTroubles[0].mExitCode);
-        EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot keep")) << outcome.mTroubles[0].mText;
+        EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot flush")) << outcome.mTroubles[0].mText;
         EXPECT_EQ("", fs::exists(Disk() / kManifest) ? ReadFile(Disk() / kManifest) : "");
         ExpectNothingHalf();
         EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());

@@ -100,7 +100,7 @@ TEST_F(IngestHarmOnLinux, TheSourcesOwnFileAtTheDestination_IsNoCopy)
     fs::create_hard_link(Card() / "a", Disk() / "a");
     const ProcessResult result = Orl();
     EXPECT_EQ(8, result.mExitCode);
-    EXPECT_NE(std::string::npos, result.mErrors.find("the file of the source itself")) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find("the source file itself")) << result.mErrors;
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("a"));
 }
 
@@ -128,7 +128,7 @@ TEST_F(IngestHarmOnLinux, AVolumeBelowTheDestination_IsMeasuredForItself)
         GTEST_SKIP() << "nothing can be mounted here, not even in a namespace";
     }
     EXPECT_EQ(3, code) << Said();
-    EXPECT_NE(std::string::npos, Said().find("disk/d\" has room for")) << Said();
+    EXPECT_NE(std::string::npos, Said().find("disk/d\" has ")) << Said();
     EXPECT_TRUE(fs::is_empty(Disk() / "d"));
     EXPECT_FALSE(fs::exists(Disk() / "a")) << "nothing was begun";
 }

@@ -53,12 +53,12 @@ protected:
 
 TEST_F(IngestHarm, AFileThatIsNoManifest_IsNeverWritten)
 {
-    ExpectRefused(Lines("words, and no sums\n", 5000000) + "and no line break", "no list of SHA-256 sums");
-    ExpectRefused(std::string(3000, '\0'), "no list of SHA-256 sums");
-    ExpectRefused(std::string(3000000, 'x'), "no list of SHA-256 sums");
-    ExpectRefused(kDigest + "  a name\nwords\n", "no list of SHA-256 sums");
-    ExpectRefused("the start of something", "no list of SHA-256 sums");
-    ExpectRefused(std::string("#\0x\n", 4), "no list of SHA-256 sums");
+    ExpectRefused(Lines("words, and no sums\n", 5000000) + "and no line break", "not a list of SHA-256 sums");
+    ExpectRefused(std::string(3000, '\0'), "not a list of SHA-256 sums");
+    ExpectRefused(std::string(3000000, 'x'), "not a list of SHA-256 sums");
+    ExpectRefused(kDigest + "  a name\nwords\n", "not a list of SHA-256 sums");
+    ExpectRefused("the start of something", "not a list of SHA-256 sums");
+    ExpectRefused(std::string("#\0x\n", 4), "not a list of SHA-256 sums");
 }
 
 TEST_F(IngestHarm, AManifestOfManyGigabytes_IsRefusedUnread)
@@ -68,7 +68,7 @@ TEST_F(IngestHarm, AManifestOfManyGigabytes_IsRefusedUnread)
     fs::resize_file(Disk() / "list", std::uintmax_t{10} << 30);
     const ProcessResult result = Orl({"--manifest", "list"});
     EXPECT_EQ(1, result.mExitCode);
-    EXPECT_NE(std::string::npos, result.mErrors.find("too long for a manifest")) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find("too large for a manifest")) << result.mErrors;
     EXPECT_EQ(std::uintmax_t{10} << 30, fs::file_size(Disk() / "list"));
 }
 
@@ -174,7 +174,7 @@ TEST_F(IngestHarm, ASecondRunDuringAnExchange_IsRefused)
             if (inStep == IngestStep::kInPlace || inStep == IngestStep::kVerified) {
                 const ProcessResult result = Orl({"--replace"});
                 EXPECT_EQ(1, result.mExitCode);
-                refused += result.mErrors.find("another ingest is at work") != std::string::npos ? 1 : 0;
+                refused += result.mErrors.find("another ingest is using") != std::string::npos ? 1 : 0;
             }
         },
         true);

@@ -179,7 +179,7 @@ TEST_F(IngestListing, ALinkThatCannotBeListed_IsTold)
     orl::sIngestCalls = system;
     ASSERT_EQ(1u, listing.mTroubles.size());
     EXPECT_EQ(orl::kExitUnreadable, listing.mTroubles[0].mExitCode);
-    EXPECT_NE(std::string::npos, listing.mTroubles[0].mText.find("link\" whole: access denied"))
+    EXPECT_NE(std::string::npos, listing.mTroubles[0].mText.find("link\" completely: access denied"))
         << listing.mTroubles[0].mText;
 }
 

@@ -191,7 +191,7 @@ TEST_F(IngestRun, TheSecondOfTwoAtOnce_IsRefused)
             record.Open();
             ADD_FAILURE() << "two may write one manifest";
         } catch (const orl::Failure& failure) {
-            EXPECT_NE(std::string::npos, std::string(failure.what()).find("another ingest is at work"));
+            EXPECT_NE(std::string::npos, std::string(failure.what()).find("another ingest is using"));
         }
     }));
     ExpectInPlace("abc");

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr int kPoints = 16;
 constexpr int kStopped = 130;
-constexpr char kLine[] = "orl: ingest: stopped by the user; what is in place is whole and stays\n";
+constexpr char kLine[] = "orl: ingest: stopped by the user; files in place are complete and are kept\n";
 constexpr char kLineOfPlanning[] = "orl: ingest: stopped by the user; nothing was begun\n";
 
 /// Files of two blocks each, so that a run can be interrupted within a file and between two files.
@@ -126,7 +126,7 @@ TEST_P(InterruptedIngest, BehindATrouble_TellsBoth)
     if (calls < 0 || traced.ExitCode() == 99) {
         GTEST_SKIP() << "processes cannot be traced here";
     }
-    const std::string trouble = "orl: ingest: cannot read \"pipe\": it is no file\n";
+    const std::string trouble = "orl: ingest: cannot read \"pipe\": it is not a regular file\n";
     ASSERT_EQ(4, traced.ExitCode()) << ReadFile(Errors());
     ASSERT_EQ(trouble, ReadFile(Errors()));
     for (int call = calls / 2; call > 0 && traced.ExitCode() != kStopped; call -= calls / 8) {

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr DWORD kStopped = 130;
-constexpr char kLine[] = "orl: ingest: stopped by the user; what is in place is whole and stays\r\n";
+constexpr char kLine[] = "orl: ingest: stopped by the user; files in place are complete and are kept\r\n";
 
 class InterruptedIngestOnWindows : public testing::Test
 {

@@ -93,7 +93,7 @@ TEST_F(OrlIngestOnLinux, APipe_IsToldAndNotWaitedFor)
     ASSERT_EQ(0, ::mkfifo((Card() / "pipe").c_str(), 0600));
     const ProcessResult result = Ingest();
     EXPECT_EQ(4, result.mExitCode);
-    EXPECT_TRUE(IsOneLineWith(result.mErrors, "\"pipe\": it is no file")) << result.mErrors;
+    EXPECT_TRUE(IsOneLineWith(result.mErrors, "\"pipe\": it is not a regular file")) << result.mErrors;
     EXPECT_EQ("A", ReadFile(Disk() / "a"));
 }
 
@@ -182,7 +182,7 @@ TEST_F(OrlIngestOnLinux, TooLittleRoom_IsToldBeforeAnythingIsDone)
             outStatus->f_bavail = 10;
             return 0;
         };
-        ExpectNoRoom("has room for 41.0 kB");
+        ExpectNoRoom("has 41.0 kB free");
     }
     EXPECT_FALSE(fs::exists(Disk()));
     ORL::Foundation::Terminate();
@@ -222,7 +222,7 @@ TEST_F(OrlIngestOnLinux, ATroubleOfTheSource_IsToldOnceForAllDestinations)
     const ProcessResult result =
         RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string(), Disk().string() + "2"});
     EXPECT_EQ(4, result.mExitCode);
-    EXPECT_EQ("orl: ingest: cannot read \"pipe\": it is no file\n", result.mErrors);
+    EXPECT_EQ("orl: ingest: cannot read \"pipe\": it is not a regular file\n", result.mErrors);
     EXPECT_EQ("A", ReadFile(Disk() / "a"));
     EXPECT_EQ("A", ReadFile(Disk().string() + "2/a"));
 }
@@ -239,7 +239,7 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
             outStatus->f_type = 0x4d44; // the FAT file systems
             return 0;
         };
-        ExpectNoRoom("may have (4.3 GB)");
+        ExpectNoRoom("limited to 4.3 GB");
     }
     ORL::Foundation::Terminate();
 }

@@ -108,7 +108,7 @@ TEST_F(OrlIngest, ASourceWithoutFiles_HasAnExitCodeOfItsOwn)
         RunBesideThisProgram("orl", {"ingest", (mFolder.Host() / "empty").u8string(), Disk().u8string()});
     EXPECT_EQ(9, result.mExitCode);
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
-    EXPECT_TRUE(Shows(result.mErrors, "holds no file")) << result.mErrors;
+    EXPECT_TRUE(Shows(result.mErrors, "contains no files")) << result.mErrors;
     EXPECT_FALSE(fs::exists(Disk()));
 }
 
@@ -127,7 +127,9 @@ TEST_F(OrlIngest, SeveralDestinations_AreToldEach)
     result = Ingest({other});
     EXPECT_EQ(8, result.mExitCode);
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
-    EXPECT_TRUE(Shows(result.mErrors, "orl: ingest: \"" + other + "\": another file")) << result.mErrors;
+    EXPECT_TRUE(Shows(result.mErrors,
+                      "orl: ingest: \"" + other + "\": cannot copy \"a.wav\": the destination has a different file"))
+        << result.mErrors;
     EXPECT_TRUE(Shows(result.mOutput, "1 of 2")) << result.mOutput;
 }
 
@@ -203,16 +205,16 @@ TEST_F(OrlIngest, WhatCannotBeBegun_IsSaidOnOneLine)
     const std::string card = Card().u8string();
     const std::string disk = Disk().u8string();
     const Row rows[] = {
-        {__LINE__, {card + "-missing", disk}, 1, "is no folder"},
-        {__LINE__, {card + "/a.wav", disk}, 1, "is no folder"},
-        {__LINE__, {card, card + "/a.wav"}, 1, "a.wav\" is no folder"},
+        {__LINE__, {card + "-missing", disk}, 1, "is not a folder"},
+        {__LINE__, {card + "/a.wav", disk}, 1, "is not a folder"},
+        {__LINE__, {card, card + "/a.wav"}, 1, "a.wav\" is not a folder"},
         {__LINE__, {card, card}, 1, "lies inside the source"},
         {__LINE__, {card, card + "/CLIP/new"}, 1, "lies inside the source"},
         {__LINE__, {card, disk, disk}, 2, "lies inside the destination"},
         {__LINE__, {card, disk, disk + "/below"}, 2, "lies inside the destination"},
         {__LINE__, {card, disk, "--manifest", "none"}, 1, "the manifest's name"},
         {__LINE__, {card, disk, "--manifest", "a/b"}, 2, "--manifest"},
-        {__LINE__, {card, disk, "--rate", "26"}, 2, "no frame rate"},
+        {__LINE__, {card, disk, "--rate", "26"}, 2, "unknown frame rate"},
         {__LINE__, {card, disk, "--files-at-once", "0"}, 2, "--files-at-once"},
         {__LINE__, {card}, 2, "DEST"},
     };

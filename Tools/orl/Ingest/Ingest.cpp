@@ -102,7 +102,7 @@ void Run(const Options& inOptions)
     };
     const bool isStopped = is(&IngestOutcome::mIsStopped);
     if (isStopped) {
-        troubles.push_back({"ingest: stopped by the user; what is in place is whole and stays", kExitStopped});
+        troubles.push_back({"ingest: stopped by the user; files in place are complete and are kept", kExitStopped});
     }
     if (is(&IngestOutcome::mHasNoAnswer)) {
         for (const IngestTrouble& trouble : troubles) {
@@ -119,24 +119,24 @@ void AddIngest(CLI::App& ioProgram)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand(
-        "ingest", "Copy a card's files to disks, read each back past the cache, compare, and keep a manifest");
-    command->add_option("SOURCE", options->mSource, "the folder to bring in: a host path or library path")->required();
+        "ingest", "Copy a card's files to disks, read each back past the cache, compare, and write a manifest");
+    command->add_option("SOURCE", options->mSource, "the folder to copy: a host path or library path")->required();
     command
         ->add_option("DEST", options->mDestinations,
-                     "the folders to bring it to, from one read of the source; made where missing")
+                     "destination folders; created if missing; the source is read once for all")
         ->required();
     command->add_flag("--replace", options->mSettings.mReplaces,
-                      "exchange other files that have the same names at the destination");
+                      "replace different files of the same name at the destination");
     command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")
         ->check([](const std::string& inName) {
             return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string()
-                                                                    : "a file name is wanted, without a folder";
+                                                                    : "must be a file name without a folder";
         });
     command->add_option("--rate", options->mRate,
                         "frame rate of the lengths in the table (default 25): " + RateNames());
     command
         ->add_option("--files-at-once", options->mSettings.mFilesAtOnce,
-                     "files on their way at once, 1 to 64 (default 4)")
+                     "files copied at the same time, 1 to 64 (default 4)")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 64).description(""));
     command->callback([options] { Run(*options); });

@@ -64,7 +64,7 @@ private:
         CheckTarget(mContext.mRoots.OpenDestination(mFolderName, mTarget));
         if (mContext.mSourceFolders.count(mTarget.Identity()) != 0) {
             throw IngestFailure("the folder of \"" + mItem.mName
-                                    + "\" at the destination leads into the source; nothing is written there",
+                                    + "\" at the destination leads into the source; nothing was written there",
                                 kExitTaken, false);
         }
     }
@@ -329,7 +329,7 @@ private:
         }
         if (IsSourceGone(mContext.mRoots, true)) {
             throw IngestFailure("the source \"" + mContext.mRoots.mShownSource
-                                    + "\" is gone; what is in place is whole and stays",
+                                    + "\" is gone; files in place are complete and are kept",
                                 kExitGone, true);
         }
         throw IngestFailure("cannot read \"" + mItem.mName + "\": " + Describe(inResult), kExitUnreadable, false);
@@ -342,7 +342,8 @@ private:
         }
         const std::string& shown = mContext.mRoots.mShownDestination;
         if (inResult == ORL::kDiskFull) {
-            throw IngestFailure("\"" + shown + "\" is full; what is in place is whole and stays", kExitNoRoom, true);
+            throw IngestFailure("\"" + shown + "\" is full; files in place are complete and are kept", kExitNoRoom,
+                                true);
         }
         CheckDestination();
         throw IngestFailure("cannot write \"" + mItem.mName + "\" at \"" + shown + "\": " + Describe(inResult),
@@ -366,9 +367,7 @@ private:
 
     [[noreturn]] void ThrowTaken() const
     {
-        throw IngestFailure("another file is at the destination as \"" + mItem.mName
-                                + "\", and stays (--replace exchanges it)",
-                            kExitTaken, false);
+        throw IngestFailure("cannot copy \"" + mItem.mName + "\": " + kTakenByOtherFile, kExitTaken, false);
     }
 
     void Tell(IngestStep inStep) const

@@ -60,7 +60,7 @@ private:
         if (!ORL::ResultSucceeded(result)) {
             CheckSource();
             const std::string shown = JoinHostPath(mRoots.mShownSource, inPending.mFolder);
-            AddTrouble("cannot list the folder \"" + shown + "\" whole: " + Describe(result));
+            AddTrouble("cannot list the folder \"" + shown + "\" completely: " + Describe(result));
         }
         const auto above = std::make_shared<const Above>(
             Above{folder.IsOpen() ? folder.Identity() : EntryIdentity(), inPending.mAbove});
@@ -86,7 +86,7 @@ private:
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});
         } else { // reading a pipe or a device might never end
-            AddTrouble("cannot read \"" + name + "\": it is no file");
+            AddTrouble("cannot read \"" + name + "\": it is not a regular file");
         }
     }
 
@@ -110,7 +110,8 @@ private:
     void CheckSource() const
     {
         if (IsSourceGone(mRoots, !mListing.mFiles.empty())) {
-            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" went while it was listed", kExitGone);
+            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" disappeared while it was listed",
+                          kExitGone);
         }
     }
 

@@ -43,7 +43,8 @@ void IngestManifest::Check(ORL::Result inResult, const char* inWhat) const
 
 void IngestManifest::Refuse(const std::string& inWhy) const
 {
-    throw Failure("ingest: \"" + mShown + "\" " + inWhy + ", and stays as it is (--manifest names another manifest)");
+    throw Failure("ingest: \"" + mShown + "\" " + inWhy
+                  + ", and was not changed (choose another manifest with --manifest)");
 }
 
 // --- reading ---------------------------------------------------------------------------------------------------------
@@ -58,10 +59,10 @@ void IngestManifest::CheckStatus()
     }
     Check(result, "read");
     if (status.mKind != EntryStatus::kFile) {
-        Refuse(status.mKind == EntryStatus::kLink ? "is a link" : "is no file");
+        Refuse(status.mKind == EntryStatus::kLink ? "is a link" : "is not a regular file");
     }
     if (status.mSize > kLargest) {
-        Refuse("is too long for a manifest (" + InWords(status.mSize) + ")");
+        Refuse("is too large for a manifest (" + InWords(status.mSize) + ")");
     }
     mIdentity = status.mIdentity;
 }
@@ -80,7 +81,7 @@ void IngestManifest::Read()
           "read");
     EntryIdentity identity;
     if (!IdentifyFile(file, identity) || identity != mIdentity) {
-        Refuse("was exchanged while it was opened");
+        Refuse("was replaced while it was opened");
     }
     ReadLines(file);
     TellRecord();
@@ -116,7 +117,7 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
         text.erase(0, at);
         start += at;
         if (text.size() > kLongestLine) {
-            Refuse("is no list of SHA-256 sums");
+            Refuse("is not a list of SHA-256 sums");
         }
     }
     mLength = mFound;
@@ -138,7 +139,7 @@ void IngestManifest::TakeUpLine(const std::string& inText, std::uint64_t inAt, b
     if (ParseManifestLine(inText, line)) {
         mLines[line.mName].push_back({inAt, length, line.mDigest});
     } else if (!IsLineOfSums(inText)) {
-        Refuse("is no list of SHA-256 sums");
+        Refuse("is not a list of SHA-256 sums");
     } else if (inText[0] == '#' && std::find(withdrawn.begin(), withdrawn.end(), inAt) != withdrawn.end()
                && (ParseManifestLine("0" + inText.substr(1), line)
                    || ParseManifestLine("\\" + inText.substr(1), line))) {
@@ -174,7 +175,7 @@ void IngestManifest::OpenToWrite()
     EntryIdentity identity;
     if (!IdentifyFile(mFile, identity) || (mIsThere && (identity != mIdentity || mFile.SizeOnDisk() != mFound))) {
         mFile.Close();
-        Refuse("was changed by another program meanwhile");
+        Refuse("was changed by another program during the run");
     }
     mIsThere = true;
     mIdentity = identity;

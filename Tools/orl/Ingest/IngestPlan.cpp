@@ -46,8 +46,8 @@ public:
                 AddFile(file);
             } else {
                 AddTrouble("\"" + file.mName
-                               + "\" and another file of the source have one name at the destination, which does not "
-                                 "tell them apart; only one of them is brought in",
+                               + "\" and another file of the source have the same name on the destination's volume; "
+                                 "only one of them is copied",
                            kExitTaken);
             }
         }
@@ -58,14 +58,13 @@ private:
     void CheckListing() const
     {
         if (mListing.mFiles.empty() && mPlan.mTroubles.empty()) {
-            throw Failure("ingest: the source \"" + mRoots.mShownSource
-                              + "\" holds no file; a card that is not mounted looks like that",
+            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" contains no files (is the card mounted?)",
                           kExitEmpty);
         }
         const auto hasItsName = [this](const ListedFile& inFile) { return inFile.mName == mRequest.mManifestName; };
         if (std::any_of(mListing.mFiles.begin(), mListing.mFiles.end(), hasItsName)) {
-            throw Failure("ingest: the source holds a file of the manifest's name, \"" + mRequest.mManifestName
-                          + "\" (--manifest names another)");
+            throw Failure("ingest: the source contains a file with the manifest's name, \"" + mRequest.mManifestName
+                          + "\" (choose another name with --manifest)");
         }
     }
 
@@ -93,8 +92,8 @@ private:
             return FreePlace(inFolder, inAbove);
         }
         if (result == ORL::kPathNotFound) {
-            AddTrouble("another file is at the destination as \"" + inFolder
-                           + "\", where a folder is wanted, and stays",
+            AddTrouble("cannot create the folder \"" + inFolder
+                           + "\": the destination has a file of that name, which was kept",
                        kExitTaken);
             return {};
         }
@@ -105,7 +104,7 @@ private:
         }
         if (mPlan.mSourceFolders.count(held.Identity()) != 0) {
             AddTrouble("the folder \"" + inFolder
-                           + "\" at the destination leads into the source; nothing is written there",
+                           + "\" at the destination leads into the source; nothing was written there",
                        kExitTaken);
             return {};
         }
@@ -119,7 +118,8 @@ private:
         EntryStatus status;
         if (ORL::ResultSucceeded(mRoots.OpenDestination(FolderOf(inFolder), above))
             && ORL::ResultSucceeded(above.Look(LeafOf(inFolder), Links::kStay, status))) {
-            AddTrouble("a link that leads nowhere is at the destination as \"" + inFolder + "\", and stays",
+            AddTrouble("cannot create the folder \"" + inFolder
+                           + "\": the destination has a dangling link of that name, which was kept",
                        kExitTaken);
             return {};
         }
@@ -185,7 +185,8 @@ private:
             return true;
         }
         if (!ORL::ResultSucceeded(result)) {
-            AddTrouble("cannot look at \"" + ioItem.mName + "\" at the destination: " + Describe(result), kExitFailure);
+            AddTrouble("cannot read the status of \"" + ioItem.mName + "\" at the destination: " + Describe(result),
+                       kExitFailure);
             return false;
         }
         return IsNobodysButOurs(inFile, status) && FindStateBeside(status, folder, ioItem);
@@ -194,12 +195,14 @@ private:
     bool IsNobodysButOurs(const ListedFile& inFile, const EntryStatus& inStatus)
     {
         const char* const what = inStatus.mKind == EntryStatus::kLink             ? "a link"
-                                 : inStatus.mKind == EntryStatus::kFolder         ? "another folder"
+                                 : inStatus.mKind == EntryStatus::kFolder         ? "a folder"
                                  : inStatus.mKind != EntryStatus::kFile           ? "a device or a pipe"
-                                 : inStatus.mIdentity == inFile.mStatus.mIdentity ? "the file of the source itself"
+                                 : inStatus.mIdentity == inFile.mStatus.mIdentity ? "the source file itself"
                                                                                   : nullptr;
         if (what != nullptr) {
-            AddTrouble(std::string(what) + " is at the destination as \"" + inFile.mName + "\", and stays", kExitTaken);
+            AddTrouble("cannot copy \"" + inFile.mName + "\": its name at the destination is taken by " + what
+                           + ", which was kept",
+                       kExitTaken);
         }
         return what == nullptr;
     }
@@ -216,8 +219,7 @@ private:
             ioItem.mState = IngestItem::kToReplace;
             return true;
         }
-        AddTrouble("another file is at the destination as \"" + ioItem.mName + "\", and stays (--replace exchanges it)",
-                   kExitTaken);
+        AddTrouble("cannot copy \"" + ioItem.mName + "\": " + kTakenByOtherFile, kExitTaken);
         return false;
     }
 
@@ -264,15 +266,14 @@ void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::
     const std::uint64_t free = ORL::DiskUtils::GetFreeSpaceFromPath(path);
     const std::uint64_t bytes = inPromised + inVolume.mBytes;
     if (bytes > free) {
-        throw Failure("ingest: \"" + shown + "\" has room for " + InWords(free) + ", but " + InWords(bytes)
-                          + " are to be copied; nothing was begun",
+        throw Failure("ingest: \"" + shown + "\" has " + InWords(free) + " free, but " + InWords(bytes)
+                          + " are needed; nothing was begun",
                       kExitNoRoom);
     }
     unsigned __int64 largest = 0;
     if (ORL::ResultSucceeded(ORL::DiskUtils::GetMaxFileSize(path, largest)) && inVolume.mLargest > largest) {
-        throw Failure("ingest: \"" + inVolume.mLargestName + "\" has " + InWords(inVolume.mLargest)
-                          + ", more than a file at \"" + shown + "\" may have (" + InWords(largest)
-                          + "); nothing was begun",
+        throw Failure("ingest: \"" + inVolume.mLargestName + "\" is " + InWords(inVolume.mLargest) + ", but files at \""
+                          + shown + "\" are limited to " + InWords(largest) + "; nothing was begun",
                       kExitNoRoom);
     }
 }

@@ -17,6 +17,10 @@
 
 namespace orl {
 
+/// The reason in an error line.
+constexpr char kTakenByOtherFile[] =
+    "the destination has a different file of that name, which was kept (rerun with --replace to replace it)";
+
 struct IngestItem
 {
     enum State {

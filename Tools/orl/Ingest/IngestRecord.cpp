@@ -144,7 +144,8 @@ void IngestRecord::Open()
         }
         mFile.Close();
     }
-    throw Failure("ingest: cannot lock \"" + JoinHostPath(mRoots.mShownDestination, mName) + "\": it comes and goes");
+    throw Failure("ingest: cannot lock \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                  + "\": other runs keep creating and deleting it");
 }
 
 void IngestRecord::OpenOnce()
@@ -153,14 +154,15 @@ void IngestRecord::OpenOnce()
     const ORL::Result look = mFolder.Look(mName, Links::kStay, status);
     const std::string shown = "\"" + JoinHostPath(mRoots.mShownDestination, mName) + "\"";
     if (ORL::ResultSucceeded(look) && status.mKind != EntryStatus::kFile) {
-        throw Failure("ingest: " + shown + " is no file of ours (delete it, or name another manifest with --manifest)");
+        throw Failure("ingest: " + shown
+                      + " was not created by orl ingest (delete it, or choose another manifest with --manifest)");
     }
     const ORL::Result result = mFile.Create(
         mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write, static_cast<Share::Type>(0),
         ORL::ResultSucceeded(look) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
         Attributes::kFileAttribute_Normal, true);
     if (result == ORL::kSharingViolation) {
-        throw Failure("ingest: another ingest is at work on \"" + mRoots.mShownDestination + "\"");
+        throw Failure("ingest: another ingest is using \"" + mRoots.mShownDestination + "\"");
     }
     const bool hasChanged =
         ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // then try again
@@ -196,7 +198,7 @@ void IngestRecord::Read()
     if (!isSmall || text.compare(0, header.size(), header, 0, text.size()) != 0) {
         mFile.Close(); // it is not ours, so it stays
         throw Failure("ingest: \"" + JoinHostPath(mRoots.mShownDestination, mName)
-                      + "\" is no file of ours (delete it, or name another manifest with --manifest)");
+                      + "\" was not created by orl ingest (delete it, or choose another manifest with --manifest)");
     }
     if (text.size() < header.size()) {
         mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_Begin);
@@ -283,7 +285,7 @@ void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
         result = ORL::kGeneralFailure;
     }
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: cannot keep \"" + JoinHostPath(mRoots.mShownDestination, mName)
+        throw Failure("ingest: cannot write \"" + JoinHostPath(mRoots.mShownDestination, mName)
                           + "\": " + Describe(result),
                       result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
     }

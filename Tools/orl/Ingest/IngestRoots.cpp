@@ -132,14 +132,14 @@ IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestinat
         throw Failure("ingest: cannot open the source \"" + inSource + "\": " + Describe(result), kExitUnreadable);
     }
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: \"" + inSource + "\" is no folder");
+        throw Failure("ingest: \"" + inSource + "\" is not a folder");
     }
     roots.mSourceIdentity = source.Identity();
     FindDestination(roots);
     if (!roots.mHasDestination && PathUtils::ExistsOnDisk(roots.mDestination)) {
         const bool isFolder = ORL::Directory::IsDirectory(roots.mDestination);
         throw Failure("ingest: the destination \"" + inDestination
-                      + (isFolder ? "\" cannot be opened" : "\" is no folder"));
+                      + (isFolder ? "\" cannot be opened" : "\" is not a folder"));
     }
     if (IsInside(roots.mDestination, roots.mSourceIdentity) || IsTextInside(roots.mDestination, roots.mSource)) {
         throw Failure("ingest: the destination \"" + inDestination + "\" lies inside the source");
@@ -176,13 +176,13 @@ void MakeDestination(IngestRoots& ioRoots)
     }
     const ORL::Result result = ORL::Directory::CreateOnDisk(ioRoots.mDestination, false);
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: cannot make the folder \"" + ioRoots.mShownDestination + "\": " + Describe(result));
+        throw Failure("ingest: cannot create the folder \"" + ioRoots.mShownDestination + "\": " + Describe(result));
     }
     for (const UTF16String& path : above) {
         HeldFolder folder;
         if (!ORL::ResultSucceeded(HeldFolder::Open(path, folder)) || !ORL::ResultSucceeded(folder.Sync())) {
-            throw Failure("ingest: \"" + HostTextOf(PathUtils::RemoveTrailingSlash(path))
-                          + "\" cannot keep the name of the new folder");
+            throw Failure("ingest: cannot sync the new folder's entry in \""
+                          + HostTextOf(PathUtils::RemoveTrailingSlash(path)) + '"');
         }
     }
     FindDestination(ioRoots);

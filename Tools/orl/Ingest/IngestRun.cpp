@@ -75,7 +75,7 @@ private:
                                                                            : ORL::kAccessDenied;
             }
             if (!ORL::ResultSucceeded(result) && result != ORL::kAlreadyExists) {
-                throw Failure("ingest: cannot make the folder \"" + JoinHostPath(mRoots.mShownDestination, name)
+                throw Failure("ingest: cannot create the folder \"" + JoinHostPath(mRoots.mShownDestination, name)
                                   + "\": " + Describe(result),
                               result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
             }
@@ -239,8 +239,8 @@ private:
             throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
         }
         if (!FlushGroup(mRoots, names)) {
-            throw Failure("ingest: \"" + mRoots.mShownDestination
-                          + "\" cannot keep what was written; the last files are in place, but not in the manifest");
+            throw Failure("ingest: cannot flush \"" + mRoots.mShownDestination
+                          + "\"; the last files are in place, but not in the manifest");
         }
         mManifest.Acknowledge(lines);
     }

@@ -154,7 +154,7 @@ const NamedRate& FindRate(const std::string& inName)
             return rate;
         }
     }
-    throw Failure("ingest: no frame rate is called \"" + inName + "\": there are " + RateNames(), kExitUsage);
+    throw Failure("ingest: unknown frame rate \"" + inName + "\"; choose one of " + RateNames(), kExitUsage);
 }
 
 std::string RateNames()
