@@ -225,7 +225,7 @@ TEST_F(OrlReg, UnsetAndDelete_RemoveWhatIsThereAndReportWhatIsNot)
 
 TEST_F(OrlReg, WrongCommandLines_ChangeNothingAndEndWith2)
 {
-    const std::string number = "it is no whole number, decimal or hexadecimal behind 0x";
+    const std::string number = "it is not a whole number (decimal, or hexadecimal with 0x)";
     struct Row
     {
         int mLine;
@@ -233,28 +233,30 @@ TEST_F(OrlReg, WrongCommandLines_ChangeNothingAndEndWith2)
         std::string mError;
     };
     const Row rows[] = {
-        {__LINE__, {"set", mKey, "n", "x", "--type", "u32"}, "reg set: cannot take \"x\": " + number},
-        {__LINE__, {"set", mKey, "n", "", "--type", "u32"}, "reg set: cannot take \"\": " + number},
-        {__LINE__, {"set", mKey, "n", "0x", "--type", "u64"}, "reg set: cannot take \"0x\": " + number},
-        {__LINE__, {"set", mKey, "n", "1f", "--type", "u32"}, "reg set: cannot take \"1f\": " + number},
+        {__LINE__, {"set", mKey, "n", "x", "--type", "u32"}, "reg set: cannot use \"x\": " + number},
+        {__LINE__, {"set", mKey, "n", "", "--type", "u32"}, "reg set: cannot use \"\": " + number},
+        {__LINE__, {"set", mKey, "n", "0x", "--type", "u64"}, "reg set: cannot use \"0x\": " + number},
+        {__LINE__, {"set", mKey, "n", "1f", "--type", "u32"}, "reg set: cannot use \"1f\": " + number},
         {__LINE__,
          {"set", mKey, "n", "4294967296", "--type", "u32"},
-         "reg set: cannot take \"4294967296\": the largest number of this type is 4294967295"},
+         "reg set: cannot use \"4294967296\": the largest number of this type is 4294967295"},
         {__LINE__,
          {"set", mKey, "n", "18446744073709551616", "--type", "u64"},
-         "reg set: cannot take \"18446744073709551616\": the largest number of this type is 18446744073709551615"},
+         "reg set: cannot use \"18446744073709551616\": the largest number of this type is 18446744073709551615"},
         {__LINE__,
          {"set", mKey, "n", "0g", "--type", "binary"},
-         "reg set: cannot take \"0g\": bytes are pairs of hexadecimal digits, with or without blanks between them"},
+         "reg set: cannot use \"0g\": bytes are pairs of hexadecimal digits, with or without blanks between them"},
         {__LINE__,
          {"set", mKey, "n", "012", "--type", "binary"},
-         "reg set: cannot take \"012\": the last byte has one digit"},
+         "reg set: cannot use \"012\": the last byte has one digit"},
         {__LINE__, {"set", "HKCU", "n", "x"}, "reg: \"HKCU\" is a root; name a key below it"},
         {__LINE__, {"delete", "user:", "--recursive"}, "reg: \"user:\" is a root; name a key below it"},
-        {__LINE__, {"list", "HKCU\\a\\\\b"}, "reg: \"HKCU\\a\\\\b\" is no key: the name of a key cannot be empty"},
+        {__LINE__,
+         {"list", "HKCU\\a\\\\b"},
+         "reg: \"HKCU\\a\\\\b\" is not a valid key: the name of a key cannot be empty"},
         {__LINE__,
          {"get", mKey, "n", "--machine"},
-         "reg: \"" + mKey + "\" is below the root of the user, and --machine asks for another"},
+         "reg: \"" + mKey + "\" is below the root of the user, but --machine selects the machine's root"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ("orl: " + row.mError + "\n", Error(row.mArguments, 2)) << "row at line " << row.mLine;
@@ -344,6 +346,6 @@ TEST_F(OrlReg, Check_SaysThatBothStoresAreWhole)
 {
     Output({"set", mKey, "n", "v"});
     const std::string output = Output({"check"});
-    EXPECT_EQ(0u, output.find("user     whole    ")) << output;
-    EXPECT_NE(std::string::npos, output.find("\nmachine  whole    ")) << output;
+    EXPECT_EQ(0u, output.find("user     intact   ")) << output;
+    EXPECT_NE(std::string::npos, output.find("\nmachine  intact   ")) << output;
 }

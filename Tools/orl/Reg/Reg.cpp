@@ -35,7 +35,8 @@ RegKeyName KeyOf(const Options& inOptions)
     const auto root = inOptions.mIsMachine ? ORL::RegistryRootKeys::kMachine : ORL::RegistryRootKeys::kUser;
     const RegKeyName key = ReadRegKeyName(inOptions.mKey, root);
     if (inOptions.mIsMachine && key.mRoot != ORL::RegistryRootKeys::kMachine) {
-        throw Failure("reg: \"" + inOptions.mKey + "\" is below the root of the user, and --machine asks for another",
+        throw Failure("reg: \"" + inOptions.mKey
+                          + "\" is below the root of the user, but --machine selects the machine's root",
                       kExitUsage);
     }
     return key;
@@ -174,7 +175,7 @@ Command Add(CLI::App& ioReg, const std::string& inName, const std::string& inWha
 
 CLI::Option* AddKey(const Command& inCommand)
 {
-    inCommand.mApp->add_flag("--machine", inCommand.mOptions->mIsMachine, "a key of the machine, not of the user");
+    inCommand.mApp->add_flag("--machine", inCommand.mOptions->mIsMachine, "use a key of the machine, not of the user");
     return inCommand.mApp->add_option("KEY", inCommand.mOptions->mKey,
                                       "HKCU\\Software\\..., HKLM\\Software\\..., user:Software\\..., "
                                       "machine:Software\\..., or Software\\... for the user's");
@@ -183,7 +184,7 @@ CLI::Option* AddKey(const Command& inCommand)
 void AddName(const Command& inCommand)
 {
     inCommand.mApp
-        ->add_option("NAME", inCommand.mOptions->mName, "name of the value; an empty one is the key's default value")
+        ->add_option("NAME", inCommand.mOptions->mName, "name of the value; an empty name is the key's default value")
         ->required();
 }
 
@@ -191,7 +192,7 @@ void AddReading(CLI::App& ioReg)
 {
     const Command list = Add(ioReg, "list", "Show the values of a key and the keys below it", &List);
     AddKey(list);
-    list.mApp->add_flag("--recursive", list.mOptions->mIsRecursive, "show what is below those keys too");
+    list.mApp->add_flag("--recursive", list.mOptions->mIsRecursive, "show everything below those keys too");
     list.mApp->add_flag("--json", list.mOptions->mAsJson, "write one JSON object");
 
     const Command get = Add(ioReg, "get", "Show one value: text, a decimal number, or hexadecimal digits", &Get);
@@ -202,12 +203,12 @@ void AddReading(CLI::App& ioReg)
 
 void AddChanging(CLI::App& ioReg)
 {
-    const Command set = Add(ioReg, "set", "Set one value; a missing key is made", &Set);
+    const Command set = Add(ioReg, "set", "Set one value; creates the key if it is missing", &Set);
     AddKey(set)->required();
     AddName(set);
     set.mApp
         ->add_option("VALUE", set.mOptions->mValue,
-                     "text; a number, decimal or hexadecimal behind 0x; bytes in hexadecimal")
+                     "text; a number, decimal or hexadecimal with the prefix 0x; bytes in hexadecimal")
         ->required();
     set.mApp->add_option("--type", set.mOptions->mType, "string (default), expand, u32, u64 or binary")
         ->check(CLI::IsMember({"string", "expand", "u32", "u64", "binary"}));
@@ -223,12 +224,13 @@ void AddChanging(CLI::App& ioReg)
 
 void AddMoving(CLI::App& ioReg)
 {
-    const Command exports = Add(ioReg, "export", "Write a key and all below it as a registry text file", &Export);
+    const Command exports =
+        Add(ioReg, "export", "Write a key and everything below it to a registry text file", &Export);
     AddKey(exports)->required();
-    exports.mApp->add_option("FILE", exports.mOptions->mFile, "standard output when left out");
+    exports.mApp->add_option("FILE", exports.mOptions->mFile, "default: standard output");
 
-    const Command imports = Add(ioReg, "import", "Make the changes of a registry text file", &Import);
-    imports.mApp->add_option("FILE", imports.mOptions->mFile, "a file of version 5.00")->required();
+    const Command imports = Add(ioReg, "import", "Apply the changes in a registry text file", &Import);
+    imports.mApp->add_option("FILE", imports.mOptions->mFile, "a registry text file of version 5.00")->required();
     imports.mApp->add_flag("--dry-run", imports.mOptions->mIsDryRun, "only show the changes");
 }
 
@@ -236,12 +238,13 @@ void AddMoving(CLI::App& ioReg)
 
 void AddReg(CLI::App& ioProgram)
 {
-    CLI::App* const reg = ioProgram.add_subcommand("reg", "Show, edit and move settings");
+    CLI::App* const reg = ioProgram.add_subcommand("reg", "Show, edit, export and import settings");
     reg->require_subcommand(1);
     AddReading(*reg);
     AddChanging(*reg);
     AddMoving(*reg);
-    const Command check = Add(*reg, "check", "Say whether the stores are whole, and what was set aside", &Check);
+    const Command check =
+        Add(*reg, "check", "Report whether the stores are intact, and which damaged files were set aside", &Check);
     check.mApp->add_flag("--json", check.mOptions->mAsJson, "write one JSON object");
 }
 

@@ -19,7 +19,7 @@ struct NamedState
 void Print(const NamedState& inStore)
 {
     const ORL::RegistryStoreState& state = inStore.mState;
-    std::cout << PaddedTo(9, inStore.mName) << (state.mIsWhole ? "whole    " : "damaged  ")
+    std::cout << PaddedTo(9, inStore.mName) << (state.mIsWhole ? "intact   " : "damaged  ")
               << (state.mPlace.empty() ? "kept by the system" : OnOneLine(state.mPlace));
     if (!state.mPlace.empty()) {
         std::cout << "  " << (state.mBytes == 0 ? "empty" : std::to_string(state.mBytes) + " bytes");

@@ -83,11 +83,11 @@ private:
         const UTF16String line = mCursor.TakeRestOfLine();
         const std::size_t end = line.rfind(']');
         if (end == UTF16String::npos) {
-            mCursor.Refuse("the key has no \"]\" behind it");
+            mCursor.Refuse("\"]\" is missing after the key");
         }
         for (std::size_t at = end + 1; at < line.size() && line[at] != ';'; ++at) {
             if (line[at] != ' ' && line[at] != '\t') {
-                mCursor.Refuse("there is something behind the key");
+                mCursor.Refuse("unexpected text after the key");
             }
         }
         const bool deletes = line.size() > 1 && line[1] == '-';
@@ -124,7 +124,7 @@ private:
         RegistryValue value;
         value.mName = ReadValueName();
         mCursor.SkipBlanks();
-        mCursor.Expect('=', "a value is a name, \"=\" and its data");
+        mCursor.Expect('=', "a value must be a name, \"=\" and its data");
         mCursor.SkipBlanks();
         const bool deletes = mCursor.TakeIf('-');
         if (!deletes) {
@@ -132,7 +132,7 @@ private:
         }
         mCursor.SkipBlanks();
         if (!mCursor.AtLineEnd() && mCursor.Peek() != ';') {
-            mCursor.Refuse("there is something behind the value");
+            mCursor.Refuse("unexpected text after the value");
         }
         mCursor.TakeRestOfLine();
         Add(deletes ? RegistryEdit::kDeleteValue : RegistryEdit::kSetValue, value);
@@ -153,17 +153,17 @@ private:
     UTF16String ReadQuoted()
     {
         const std::size_t firstLine = mCursor.Line();
-        mCursor.Expect('"', "there is no quote here");
+        mCursor.Expect('"', "a quote is missing here");
         UTF16String text;
         while (!mCursor.TakeIf('"')) {
             if (mCursor.AtEnd()) {
-                throw RegFileFault(firstLine, "the text that begins here has no quote at its end");
+                throw RegFileFault(firstLine, "the text that begins here has no closing quote");
             }
             if (mCursor.TakeIf('\\') && mCursor.Peek() != '"' && mCursor.Peek() != '\\') {
-                mCursor.Refuse("a backslash in quotes stands before a quote or a backslash only");
+                mCursor.Refuse("in quotes a backslash must be followed by a quote or a backslash");
             }
             if (mCursor.Peek() == 0) {
-                mCursor.Refuse("there is a zero character in quotes");
+                mCursor.Refuse("a text in quotes must not contain a zero character");
             }
             text.push_back(mCursor.Take());
         }
@@ -177,7 +177,7 @@ private:
             outValue.mData = RegDataOfText(ReadQuoted());
         } else if (mCursor.TakeWord("dword:")) {
             outValue.mType = Types::kUInt32;
-            const unsigned number = ReadHexNumber("behind \"dword:\"");
+            const unsigned number = ReadHexNumber("\"dword:\"");
             for (int shift = 0; shift < 32; shift += 8) {
                 outValue.mData.push_back(static_cast<unsigned char>(number >> shift & 0xFF));
             }
@@ -185,16 +185,16 @@ private:
             outValue.mType = Types::kBinary;
             outValue.mData = ReadBytes();
         } else if (mCursor.TakeWord("hex(")) {
-            outValue.mType = ReadHexNumber("behind \"hex(\"");
-            mCursor.Expect(')', "there is no \")\" behind the type");
-            mCursor.Expect(':', "there is no \":\" behind the type");
+            outValue.mType = ReadHexNumber("\"hex(\"");
+            mCursor.Expect(')', "\")\" is missing after the type");
+            mCursor.Expect(':', "\":\" is missing after the type");
             outValue.mData = ReadBytes();
         } else {
             mCursor.Refuse("the data is neither text in quotes nor dword:, hex: or hex(type):");
         }
     }
 
-    unsigned ReadHexNumber(const std::string& inWhere)
+    unsigned ReadHexNumber(const std::string& inPrefix)
     {
         unsigned number = 0;
         int count = 0;
@@ -202,7 +202,7 @@ private:
             number = number << 4 | static_cast<unsigned>(DigitOf(mCursor.Take()));
         }
         if (count == 0 || count > 8) {
-            mCursor.Refuse(inWhere + " stand one to eight hexadecimal digits");
+            mCursor.Refuse("expected one to eight hexadecimal digits after " + inPrefix);
         }
         return number;
     }
@@ -219,7 +219,7 @@ private:
             }
             SkipToNextByte();
             if (IsAtEndOfData()) {
-                mCursor.Refuse("there is no byte behind the last comma");
+                mCursor.Refuse("a byte is missing after the last comma");
             }
         }
         return bytes;
@@ -234,7 +234,7 @@ private:
         while (mCursor.TakeIf('\\')) {
             mCursor.SkipBlanks();
             if (!mCursor.AtLineEnd()) {
-                mCursor.Refuse("a backslash in data ends its line");
+                mCursor.Refuse("a backslash in data must end its line");
             }
             do {
                 mCursor.TakeLineEnd();
@@ -251,7 +251,7 @@ private:
             number = number << 4 | static_cast<unsigned>(DigitOf(mCursor.Take()));
         }
         if (count == 0 || count > 2) {
-            mCursor.Refuse("a byte is one or two hexadecimal digits, with commas between bytes");
+            mCursor.Refuse("a byte must be one or two hexadecimal digits, with commas between bytes");
         }
         return static_cast<unsigned char>(number);
     }

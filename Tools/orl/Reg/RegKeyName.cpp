@@ -88,7 +88,7 @@ bool SplitRegRoot(const UTF16String& inName, RegKeyName& outKey)
 std::string ComplainOfRegPath(const UTF16String& inPath)
 {
     if (inPath.find(static_cast<unsigned short>(0)) != UTF16String::npos) {
-        return "the name of a key cannot hold a zero character";
+        return "the name of a key cannot contain a zero character";
     }
     std::size_t levels = 0;
     for (std::size_t at = 0; at < inPath.size(); ++levels) {
@@ -113,7 +113,7 @@ RegKeyName ReadRegKeyName(const std::string& inText, ORL::RegistryRootKeys::Type
     }
     const std::string complaint = ComplainOfRegPath(key.mPath);
     if (!complaint.empty()) {
-        throw Failure("reg: \"" + inText + "\" is no key: " + complaint, kExitUsage);
+        throw Failure("reg: \"" + inText + "\" is not a valid key: " + complaint, kExitUsage);
     }
     return key;
 }

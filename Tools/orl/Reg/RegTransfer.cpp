@@ -24,7 +24,7 @@ void Collect(const RegKeyName& inKey, std::vector<RegFileKey>& ioKeys)
     const UTF16String name = LongRegKeyName(inKey);
     if (!CanWriteRegKey(name)) {
         throw Failure("reg export: the name of \"" + ShowRegKeyName(inKey)
-                      + "\" holds a line end, which a registry text file cannot hold");
+                      + "\" contains a line end, which a registry text file cannot contain");
     }
     ioKeys.push_back({name, ReadRegValues("reg export", inKey)});
     for (const UTF16String& below : ReadRegSubKeys("reg export", inKey)) {

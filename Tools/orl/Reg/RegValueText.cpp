@@ -35,7 +35,7 @@ std::string TextOf(const RegistryValue& inValue)
 
 [[noreturn]] void Refuse(const std::string& inText, const std::string& inWhy)
 {
-    throw Failure("reg set: cannot take \"" + inText + "\": " + inWhy, kExitUsage);
+    throw Failure("reg set: cannot use \"" + inText + "\": " + inWhy, kExitUsage);
 }
 
 // Returns -1 if the character is not a hexadecimal digit.
@@ -56,7 +56,7 @@ unsigned long long ReadNumber(const std::string& inText, unsigned long long inMo
     for (std::size_t at = isHex ? 2 : 0; at < inText.size(); ++at) {
         const int digit = DigitOf(inText[at]);
         if (digit < 0 || digit >= static_cast<int>(base)) {
-            Refuse(inText, "it is no whole number, decimal or hexadecimal behind 0x");
+            Refuse(inText, "it is not a whole number (decimal, or hexadecimal with 0x)");
         }
         if (number > (inMost - static_cast<unsigned>(digit)) / base) {
             Refuse(inText, "the largest number of this type is " + std::to_string(inMost));
@@ -64,7 +64,7 @@ unsigned long long ReadNumber(const std::string& inText, unsigned long long inMo
         number = number * base + static_cast<unsigned>(digit);
     }
     if (inText.size() == (isHex ? 2u : 0u)) {
-        Refuse(inText, "it is no whole number, decimal or hexadecimal behind 0x");
+        Refuse(inText, "it is not a whole number (decimal, or hexadecimal with 0x)");
     }
     return number;
 }
