@@ -182,7 +182,7 @@ TEST_F(RegistryHostile, FolderInTheDatabasesPlace_IsRefused)
 TEST_F(RegistryHostile, FolderThatEverybodyMayWrite_IsRefused)
 {
     ASSERT_EQ(0, ::chmod(mFolder.c_str(), 0777));
-    ExpectRefused("everybody");
+    ExpectRefused("every user");
     ASSERT_EQ(0, ::chmod(mFolder.c_str(), 0700));
     EXPECT_EQ(kSuccess, TryToWrite());
 }

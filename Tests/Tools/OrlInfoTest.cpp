@@ -65,8 +65,8 @@ TEST(Orl, CommandLineThatMakesNoSense_SaysWhichCommandAndWhereToLook)
     };
     const Row rows[] = {
         {__LINE__, {}, "orl: A subcommand is required (see orl --help)\n"},
-        {__LINE__, {"frobnicate"}, "orl: no command is called \"frobnicate\" (see orl --help)\n"},
-        {__LINE__, {"tc", "frobnicate"}, "orl: no command is called \"frobnicate\" (see orl tc --help)\n"},
+        {__LINE__, {"frobnicate"}, "orl: unknown command \"frobnicate\" (see orl --help)\n"},
+        {__LINE__, {"tc", "frobnicate"}, "orl: unknown command \"frobnicate\" (see orl tc --help)\n"},
         {__LINE__, {"tc"}, "orl: tc: A subcommand is required (see orl tc --help)\n"},
         {__LINE__, {"make-clip"}, "orl: make-clip: PATH is required (see orl make-clip --help)\n"},
         {__LINE__, {"tc", "convert"}, "orl: tc convert: --to is required (see orl tc convert --help)\n"},
@@ -128,7 +128,7 @@ TEST(OrlInfo, OfADriveThatIsNotThere_FailsWithThePathInTheLine)
     const ProcessResult result = Orl({"info", "Q:\\x"});
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_EQ("", result.mOutput);
-    EXPECT_EQ("orl: info: cannot ask about the volume of \"Q:\\x\": path not found\n", result.mErrors);
+    EXPECT_EQ("orl: info: cannot query the volume of \"Q:\\x\": path not found\n", result.mErrors);
 }
 
 TEST(OrlInfo, NamesBeyondASCII_ComeBackAsUTF8)

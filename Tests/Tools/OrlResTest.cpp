@@ -127,8 +127,8 @@ TEST(OrlRes, Check_ReportsWhatALanguageLacks)
     const ProcessResult result = Res({"check", Beside(kFiles[0])});
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_EQ("", result.mErrors);
-    EXPECT_TRUE(Contains(result.mOutput, "text 40: en_US has it, de_DE lacks it\n")) << result.mOutput;
-    EXPECT_TRUE(Contains(result.mOutput, "MENU 1: de_DE has it, ja_JP lacks it\n")) << result.mOutput;
+    EXPECT_TRUE(Contains(result.mOutput, "text 40: present in en_US, missing in de_DE\n")) << result.mOutput;
+    EXPECT_TRUE(Contains(result.mOutput, "MENU 1: present in de_DE, missing in ja_JP\n")) << result.mOutput;
     EXPECT_FALSE(Contains(result.mOutput, "text 0:")) << "a neutral text serves all";
     EXPECT_FALSE(Contains(result.mOutput, "MENU 2:"));
 }
@@ -150,7 +150,7 @@ TEST(OrlRes, WhatIsNoResourceFile_FailsWithItsName)
     for (const char* command : {"list", "string", "check"}) {
         const ProcessResult text = Res({command, (folder.Host() / "notes.txt").u8string()});
         EXPECT_EQ(1, text.mExitCode);
-        EXPECT_TRUE(Contains(text.mErrors, "notes.txt\": it is no Windows module")) << text.mErrors;
+        EXPECT_TRUE(Contains(text.mErrors, "notes.txt\": it is not a Windows module")) << text.mErrors;
         const ProcessResult missing = Res({command, (folder.Host() / "missing.dll").u8string()});
         EXPECT_EQ(1, missing.mExitCode);
         EXPECT_TRUE(Contains(missing.mErrors, "missing.dll\": ")) << missing.mErrors;

@@ -67,7 +67,7 @@ TEST_F(OrlStreamLinux, PipeThatNobodyWrites_IsSaidOnOneLine)
 TEST_F(OrlStreamLinux, LinkThatLeadsNowhere_IsSaidOnOneLine)
 {
     ASSERT_EQ(0, ::symlink("nothing", Host("link").c_str()));
-    ExpectComplaint("link", "it is a link that leads nowhere");
+    ExpectComplaint("link", "it is a dangling link");
 }
 
 // A name may contain terminal control characters, and a character of several bytes is one column wide.

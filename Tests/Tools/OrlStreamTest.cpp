@@ -219,7 +219,7 @@ TEST_F(OrlStream, ClipLargerThanTheDisksRoom_IsRefusedBeforeAnythingIsWritten)
     const ProcessResult result = Orl({"make-clip", Host("clip.y4m"), "--size", "1T"});
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
-    EXPECT_NE(std::string::npos, result.mErrors.find("the disk has room for ")) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find("the disk has ")) << result.mErrors;
     EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
 }
 
@@ -228,7 +228,7 @@ TEST_F(OrlStream, EmptyPath_IsCalledNoPath)
     for (const char* command : {"stream", "make-clip", "info"}) {
         const ProcessResult result = Orl({command, ""});
         EXPECT_EQ(1, result.mExitCode) << command;
-        EXPECT_NE(std::string::npos, result.mErrors.find("an empty text is no path")) << result.mErrors;
+        EXPECT_NE(std::string::npos, result.mErrors.find("the path is empty")) << result.mErrors;
     }
 }
 
@@ -277,6 +277,6 @@ TEST(OrlStreamCut, InsideABlock_IsToldWithTheBytesThatCame)
     const std::string said = SaidOfAStreamCutTo(4096 + 100);
     EXPECT_EQ(0u, said.find("failure: stream: \"")) << said;
     EXPECT_NE(std::string::npos,
-              said.find("at byte 4096 came short, 100 of 4096 bytes: the file shrank while it was read\n"))
+              said.find("at byte 4096: short read, 100 of 4096 bytes (the file shrank while it was read)\n"))
         << said;
 }

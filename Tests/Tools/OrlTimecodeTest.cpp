@@ -125,7 +125,8 @@ TEST(OrlTimecode, Table_HasARowForEachFormat)
         "format          rate  digits  separators        a day  after 3723.5 s\n",
         "24               24        2  :::             2073600  01:02:03:12     film\n",
         "25               25        2  :::             2160000  01:02:03:12     PAL\n",
-        "2997drop      29.97        2  ;;;             2589408  01;02;03;15     NTSC drop-frame, 2 labels left out a minute\n",
+        "2997drop      29.97        2  ;;;             2589408  01;02;03;15     NTSC drop-frame, 2 labels skipped a "
+        "minute\n",
         "2997nondrop   29.97        2  :::             2592000  01:01:59:23     NTSC, counts 30 a second\n",
         "30               30        2  :::             2592000  01:02:03:15",
         "50               50        2  :::             4320000  01:02:03:25     PAL HD\n",
@@ -133,7 +134,8 @@ TEST(OrlTimecode, Table_HasARowForEachFormat)
         "5994nondrop   59.94        2  :::             5184000  01:01:59:46     NTSC HD, counts 60 a second\n",
         "60               60        2  :::             5184000  01:02:03:30",
         "frames        29.97*     any  none            2589410  111593          a plain count\n",
-        "23976        23.976        2  :::             2073600  01:01:59:18     film at NTSC speed, counts 24 a second\n",
+        "23976        23.976        2  :::             2073600  01:01:59:18     film at NTSC speed, counts 24 a "
+        "second\n",
         "16mm             24*       2  +               2073600  2234+04         feet and frames, 40 a foot\n",
         "35mm             24*       2  +               2073600  5585+04         feet and frames, 16 a foot\n",
         "samples       48000*       5  :::          4147200000  01:02:03:24000  audio\n",
@@ -214,7 +216,7 @@ TEST(OrlTimecode, NumberBeyondWhatTimesHold_IsNoTime)
         const ProcessResult result = Tc(row);
         EXPECT_EQ(1, result.mExitCode) << row[1];
         EXPECT_EQ("", result.mOutput) << row[1];
-        EXPECT_TRUE(Contains(result.mErrors, "too large") || Contains(result.mErrors, "beyond the day"))
+        EXPECT_TRUE(Contains(result.mErrors, "too large") || Contains(result.mErrors, "beyond the end of the day"))
             << row[1] << ": " << result.mErrors;
     }
     EXPECT_EQ(0, Tc({"show", "390000000000"}).mExitCode) << "414 years are held";
@@ -257,7 +259,7 @@ TEST(OrlTimecode, Json_HasAnObjectForEachValue)
               result.mOutput);
     EXPECT_EQ("", result.mErrors) << "the object says it";
     EXPECT_TRUE(Contains(Tc({"parse", "--json", "00;01;00;01"}).mOutput,
-                         "\"rate\": \"30000/1001\", \"remark\": \"drop-frame leaves this label out\"}"));
+                         "\"rate\": \"30000/1001\", \"remark\": \"drop-frame skips this label\"}"));
     const ProcessResult samples = Tc({"show", "--json", "1", "--format", "samples"});
     EXPECT_TRUE(Contains(samples.mOutput, "\"samples\": 1, \"seconds\": 0.000021, ")) << samples.mOutput;
     const ProcessResult table = Tc({"table", "--json"});
@@ -273,10 +275,9 @@ TEST(OrlTimecode, LabelThatDropFrameLeavesOut_IsAnsweredWithARemark)
     const ProcessResult result = Tc({"parse", "00;01;00;01"});
     EXPECT_EQ(0, result.mExitCode);
     EXPECT_EQ("00;00;59;29  1799 frames  60.026633 s\n", result.mOutput);
-    EXPECT_EQ("orl: tc parse: \"00;01;00;01\" is read as 00;00;59;29: drop-frame leaves this label out\n",
-              result.mErrors);
+    EXPECT_EQ("orl: tc parse: \"00;01;00;01\" is read as 00;00;59;29: drop-frame skips this label\n", result.mErrors);
     EXPECT_EQ("", Tc({"parse", "00;10;00;01"}).mErrors) << "a tenth minute has all its labels";
-    EXPECT_TRUE(Contains(Tc({"parse", "00:01:00:03", "--format", "5994drop"}).mErrors, "leaves this label out"));
+    EXPECT_TRUE(Contains(Tc({"parse", "00:01:00:03", "--format", "5994drop"}).mErrors, "skips this label"));
 }
 
 TEST(OrlTimecode, CommandLineThatMakesNoSense_EndsWith2AndOneLine)

@@ -154,8 +154,8 @@ void CheckRoom(const Options& inOptions, const UTF16String& inPath)
 {
     const std::uint64_t room = ORL::DiskUtils::GetFreeSpaceFromPath(inPath);
     if (room != 0 && room < inOptions.mSize) { // 0: unknown, or the disk is full and the first write will fail
-        throw CannotWrite(inOptions, "the disk has room for " + InWords(room) + ", but " + InWords(inOptions.mSize)
-                                         + " are wanted");
+        throw CannotWrite(inOptions,
+                          "the disk has " + InWords(room) + " free, but " + InWords(inOptions.mSize) + " are needed");
     }
 }
 
@@ -183,9 +183,9 @@ void AddMakeClip(CLI::App& ioProgram)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* command =
-        ioProgram.add_subcommand("make-clip", "Write an uncompressed YUV4MPEG2 clip of whole frames to try things on");
+        ioProgram.add_subcommand("make-clip", "Write an uncompressed YUV4MPEG2 clip of whole frames for tests");
     command->add_option("PATH", options->mPath, "host path or library path")->required();
-    command->add_option("--size", options->mSize, "bytes at least, 1 to 1T (default 256M)")
+    command->add_option("--size", options->mSize, "minimum size in bytes, 1 to 1T (default 256M)")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 40).description(""));

@@ -54,7 +54,7 @@ void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inA
         }
         const std::vector<const CLI::App*> commands = program->get_subcommands(isIt);
         if (commands.empty()) {
-            throw orl::Failure("no command is called \"" + argument + "\"" + WhereToLook(shown), orl::kExitUsage);
+            throw orl::Failure("unknown command \"" + argument + "\"" + WhereToLook(shown), orl::kExitUsage);
         }
         program = commands.front();
         shown += " " + program->get_name();
@@ -83,7 +83,7 @@ std::string UsageError(const CLI::App& inProgram, const std::string& inWhat)
 
 int Run(std::vector<std::string> inArguments)
 {
-    CLI::App program("Shows what ORLFoundation can do with files, and what it knows of this machine.", "orl");
+    CLI::App program("Shows what ORLFoundation can do with files, and facts about this machine.", "orl");
     program.set_version_flag("--version", "orl " ORL_VERSION);
     program.require_subcommand(1);
     AddCommands(program);

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <ucontext.h>
 
-static_assert(sizeof(_EXCEPTION_RECORD) == 152, "the layout of the home platform");
+static_assert(sizeof(_EXCEPTION_RECORD) == 152, "the layout differs from that on Windows");
 
 namespace ORL {
 namespace Linux {

@@ -17,8 +17,8 @@ std::string ProblemOf(SystemError inError)
 {
     switch (inError) {
     case kErrorAccessDenied:
-        return "the database or its folder may not be used: it is a link, belongs to another user, or everybody may "
-               "write it";
+        return "the database or its folder may not be used: it is a link, belongs to another user, or is writable "
+               "by every user";
     case kErrorNotRegistryFile:
         return "the database was made by a newer version of this library";
     case kErrorBusy:

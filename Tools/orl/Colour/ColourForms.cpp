@@ -80,7 +80,7 @@ double NumberOf(const std::string& inText, const std::string& inPart, const std:
     const char* const end = inPart.data() + inPart.size();
     const auto [at, error] = std::from_chars(inPart.data(), end, number, std::chars_format::fixed);
     if (error != std::errc() || at != end || !std::isfinite(number)) {
-        throw CannotRead(inText, inName + " is no number");
+        throw CannotRead(inText, inName + " is not a number");
     }
     if (number < inRange.mLeast || number > inRange.mMost || (inIsWhole && number != std::floor(number))) {
         throw CannotRead(inText, inName + " is " + (inIsWhole ? "a whole number " : "") + "from "

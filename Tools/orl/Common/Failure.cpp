@@ -28,7 +28,7 @@ std::string Describe(ORL::Result inResult)
     case ORL::kOperationAborted:
         return "stopped by the user";
     case ORL::kSharingViolation:
-        return "in use by another";
+        return "in use by another program";
     case ORL::kAlreadyExists:
         return "it exists already";
     default:

@@ -16,7 +16,7 @@ namespace {
 void Check(int inAnswer)
 {
     if (inAnswer != 1) {
-        throw Failure("the system's library gives no SHA-256");
+        throw Failure("SHA-256 is not available from the system's library");
     }
 }
 

@@ -38,14 +38,14 @@ UTF16String ToUTF16(const std::string& inText)
 UTF16String PathOfArgument(const std::string& inArgument)
 {
     if (inArgument.empty()) {
-        throw Failure("an empty text is no path");
+        throw Failure("the path is empty");
     }
     if (IsLibraryPath(inArgument)) {
         return ToUTF16(inArgument);
     }
     UTF16String path = ORL::PathUtils::FromHostPath(inArgument);
     if (path.empty()) {
-        throw Failure("no drive leads to \"" + inArgument + "\"");
+        throw Failure("\"" + inArgument + "\" is not on any drive");
     }
     return path;
 }

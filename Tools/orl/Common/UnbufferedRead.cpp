@@ -63,7 +63,7 @@ const char* WhyItCannotBeOpened(const UTF16String& inPath)
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(std::filesystem::u8path(HostTextOf(inPath)), ignored);
     if (status.type() == std::filesystem::file_type::not_found) {
-        return "it is a link that leads nowhere";
+        return "it is a dangling link";
     }
     return std::filesystem::is_other(status) ? "it is a device or a pipe, not a file" : "it cannot be opened for reading";
 }
@@ -127,7 +127,7 @@ private:
         unsigned __int64 size = 0;
         const ORL::Result result = ORL::File::SizeOnDisk(mRead.mPath, size);
         if (!ORL::ResultSucceeded(result)) {
-            throw Failure(mRead.mWho + ": cannot learn the size of \"" + mRead.mShown + "\": " + Describe(result));
+            throw Failure(mRead.mWho + ": cannot read the size of \"" + mRead.mShown + "\": " + Describe(result));
         }
         return size;
     }
@@ -178,7 +178,7 @@ private:
             CheckNotCut();
             if (Clock::now() >= end) {
                 throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown
-                               + "\" answers no more: a read failed or the disk is gone");
+                               + "\" stopped responding: a read failed or the disk is gone");
             }
         }
         return slot;
@@ -201,7 +201,8 @@ private:
         }
         if (size < mSize) {
             throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
-                           + std::to_string(mSize) + " bytes left and answers no more: the file shrank while it was read");
+                           + std::to_string(mSize)
+                           + " bytes left and stopped responding: the file shrank while it was read");
         }
         mAskedSize = std::make_shared<AskedSize>(kNotKnown);
         try {
@@ -225,8 +226,8 @@ private:
             throw Failure(mRead.mWho + ": cannot read " + where + ": " + Describe(inSlot.mResult));
         }
         if (inSlot.mBytesRead < expected) {
-            throw Failure(mRead.mWho + ": " + where + " came short, " + std::to_string(inSlot.mBytesRead) + " of "
-                          + std::to_string(expected) + " bytes: the file shrank while it was read");
+            throw Failure(mRead.mWho + ": " + where + ": short read, " + std::to_string(inSlot.mBytesRead) + " of "
+                          + std::to_string(expected) + " bytes (the file shrank while it was read)");
         }
     }
 

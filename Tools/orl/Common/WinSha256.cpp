@@ -18,7 +18,7 @@ namespace {
 void Check(NTSTATUS inStatus)
 {
     if (inStatus < 0) {
-        throw Failure("the system's cryptography services give no SHA-256");
+        throw Failure("SHA-256 is not available from the system's cryptography services");
     }
 }
 

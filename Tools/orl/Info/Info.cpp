@@ -105,7 +105,7 @@ Facts Gather(const std::string& inArgument)
         result = ORL::DiskUtils::GetEfficientDiskBufferSizeFromPath(path, facts.mSectorSize);
     }
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("info: cannot ask about the volume of \"" + inArgument + "\": " + Describe(result));
+        throw Failure("info: cannot query the volume of \"" + inArgument + "\": " + Describe(result));
     }
     UTF16String name;
     if (ORL::ResultSucceeded(ORL::DiskUtils::GetFileSystemName(path, name))) {
@@ -221,7 +221,7 @@ void AddInfo(CLI::App& ioProgram)
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand(
         "info", "Show version, platform, drive table, a path's volume, and the machine: processors, memory, load");
-    command->add_option("PATH", options->mPath, "host path or library path; the current folder when left out");
+    command->add_option("PATH", options->mPath, "host path or library path; default: the current folder");
     command->add_flag("--json", options->mAsJson, "write one JSON object");
     command->callback([options] { Run(*options); });
 }

@@ -107,8 +107,8 @@ private:
         }
         for (const unsigned short language : mLanguages) {
             if (inLanguages.count(language) == 0) {
-                mFaults.push_back(inWhere + ": " + NameOfLanguage(inLanguages.begin()->first) + " has it, "
-                                  + NameOfLanguage(language) + " lacks it");
+                mFaults.push_back(inWhere + ": present in " + NameOfLanguage(inLanguages.begin()->first)
+                                  + ", missing in " + NameOfLanguage(language));
             }
         }
     }

@@ -97,7 +97,8 @@ unsigned short ReadLanguage(const std::string& inText)
             return static_cast<unsigned short>(number);
         }
     }
-    throw CLI::ValidationError("--language", "\"" + inText + "\" is no language; write de_DE, neutral, 1031 or 0x0407");
+    throw CLI::ValidationError("--language",
+                               "\"" + inText + "\" is not a language; use de_DE, neutral, 1031 or 0x0407");
 }
 
 UTF16String ReadName(const std::string& inText)

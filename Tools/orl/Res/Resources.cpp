@@ -46,7 +46,7 @@ void Open(const char* inCommand, const std::string& inFile, ResourceFile& outFil
 {
     const ORL::Result result = outFile.Open(PathOfArgument(inFile));
     if (result == ORL::kGeneralFailure) {
-        Fail(inCommand, inFile, "it is no Windows module, no shared object and no compiled resource file");
+        Fail(inCommand, inFile, "it is not a Windows module, a shared object or a compiled resource file");
     }
     if (!ORL::ResultSucceeded(result)) {
         Fail(inCommand, inFile, Describe(result));
@@ -245,7 +245,7 @@ CLI::App* AddCommand(CLI::App& ioResources, const std::shared_ptr<Options>& inOp
 
 void AddLanguage(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
 {
-    ioCommand.add_option("--language", inOptions->mLanguage, "de_DE, neutral, 1031 or 0x0407; en_US when left out");
+    ioCommand.add_option("--language", inOptions->mLanguage, "de_DE, neutral, 1031 or 0x0407 (default en_US)");
 }
 
 void AddList(CLI::App& ioResources)
@@ -259,9 +259,9 @@ void AddList(CLI::App& ioResources)
 void AddString(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = AddCommand(ioResources, options, "string",
-                                         "Show one text, or all, and the language that answers", &PrintStrings);
-    command->add_option("ID", options->mIDs, "the identifier; all when left out")->expected(0, 1);
+    CLI::App* const command = AddCommand(
+        ioResources, options, "string", "Show one text, or all, and the language in which it was found", &PrintStrings);
+    command->add_option("ID", options->mIDs, "the identifier of the text; default: all texts")->expected(0, 1);
     AddLanguage(*command, options);
 }
 
@@ -272,14 +272,14 @@ void AddExtract(CLI::App& ioResources)
     command->add_option("TYPE", options->mType, "RCDATA, a number or a text")->required();
     command->add_option("NAME", options->mName, "a number or a text")->required();
     AddLanguage(*command, options);
-    command->add_option("-o,--output", options->mOutput, "the file to write; standard output when left out");
+    command->add_option("-o,--output", options->mOutput, "the file to write; default: standard output");
 }
 
 void AddPicture(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command =
-        AddCommand(ioResources, options, "picture", "Write a PNG file of what the bitmap loader makes of one picture",
+        AddCommand(ioResources, options, "picture", "Decode one picture like the bitmap loader and write it as PNG",
                    &WritePicture);
     command->add_option("ID", options->mIDs, "the identifier of a PNG or bitmap resource")->required()->expected(1);
     AddLanguage(*command, options);
@@ -290,8 +290,7 @@ void AddCheck(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = ioResources.add_subcommand(
-        "check",
-        "Find texts, menus and dialogs that a language lacks, parameters that differ, and what cannot be read");
+        "check", "Find texts, menus and dialogs missing in a language, different parameters, and unreadable resources");
     command->add_option("FILE", options->mFiles, kFileHelp)->required();
     command->callback([options] { Check(*options); });
 }
@@ -300,7 +299,7 @@ void AddCheck(CLI::App& ioResources)
 
 void AddResources(CLI::App& ioProgram)
 {
-    CLI::App* const resources = ioProgram.add_subcommand("res", "Look into the resources of modules and .res files");
+    CLI::App* const resources = ioProgram.add_subcommand("res", "Inspect the resources of modules and .res files");
     resources->require_subcommand(1);
     AddList(*resources);
     AddString(*resources);

@@ -135,8 +135,8 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
             return sIsInterrupted == 0;
         });
     if (inOptions.mVerifies && PlainCRC(inFile) != figures.mCRC) {
-        throw Failure("stream: \"" + inFile + "\" reads differently through the cache: CRC-32 "
-                      + Hexadecimal(PlainCRC(inFile)) + " there, " + Hexadecimal(figures.mCRC) + " unbuffered");
+        throw Failure("stream: \"" + inFile + "\" differs when read through the cache: CRC-32 "
+                      + Hexadecimal(PlainCRC(inFile)) + " buffered, " + Hexadecimal(figures.mCRC) + " unbuffered");
     }
     return figures;
 }
@@ -194,17 +194,18 @@ void AddStream(CLI::App& ioProgram)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand(
-        "stream", "Read files past the system's cache, many reads in flight, and show what that gives");
+        "stream", "Read files past the system's cache, many reads in flight, and show the throughput");
     command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
-    command->add_option("--block", options->mSettings.mBlockSize, "bytes of one read, 1 to 64M (default 1M)")
+    command->add_option("--block", options->mSettings.mBlockSize, "bytes per read, 1 to 64M (default 1M)")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
         ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20).description(""));
     command->add_option("--depth", options->mSettings.mDepth, "reads in flight, 1 to 2048 (default 32)")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 2048).description(""));
-    command->add_option("--patience", options->mSettings.mPatience,
-                        "seconds without any answer of the disk, 1 to 86400 (default 60)")
+    command
+        ->add_option("--patience", options->mSettings.mPatience,
+                     "timeout in seconds without an answer from the disk, 1 to 86400 (default 60)")
         ->type_name("SECONDS")
         ->check(CLI::Range(1u, 86400u).description(""));
     command->add_flag("--verify", options->mVerifies, "compare with a plain buffered read");

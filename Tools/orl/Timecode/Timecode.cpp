@@ -39,12 +39,12 @@ std::string ComplainOfFormat(const std::string& inName)
     for (const TimecodeFormat& format : AllTimecodeFormats()) {
         names += std::string(names.empty() ? "" : ", ") + format.mName;
     }
-    return "there is no format \"" + inName + "\" among " + names;
+    return "unknown format \"" + inName + "\"; choose one of " + names;
 }
 
 std::string ComplainOfRate(const std::string& inRate)
 {
-    return ReadRate(inRate) != tvxmediatypes::kFrameRate_Zero ? std::string() : "\"" + inRate + "\" is no rate";
+    return ReadRate(inRate) != tvxmediatypes::kFrameRate_Zero ? std::string() : "\"" + inRate + "\" is not a rate";
 }
 
 TimecodeSettings Settings(const Options& inOptions, const FormatChoice& inChoice)
@@ -115,9 +115,8 @@ void Convert(const Options& inOptions)
 void AddFormat(CLI::App& ioCommand, const std::string& inNames, const std::string& inRateNames, FormatChoice& ioChoice,
                const std::string& inWhat)
 {
-    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; orl tc table shows all")->check(ComplainOfFormat);
-    ioCommand
-        .add_option(inRateNames, ioChoice.mRate, "frames or samples a second, as 25, 29.97 or 30000/1001")
+    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; see orl tc table")->check(ComplainOfFormat);
+    ioCommand.add_option(inRateNames, ioChoice.mRate, "frames or samples per second, such as 25, 29.97 or 30000/1001")
         ->check(ComplainOfRate);
 }
 
@@ -127,10 +126,10 @@ void AddStyle(CLI::App& ioCommand, Options& ioOptions)
         {"auto", SignRule::kBelowZero}, {"always", SignRule::kAlways}, {"never", SignRule::kNever}};
     ioCommand
         .add_option("--sign", ioOptions.mSign,
-                    "auto: below zero alone (default); always; never: labels below zero count back from midnight")
+                    "auto: only below zero (default); always; never: labels below zero count back from midnight")
         ->transform(CLI::Transformer(kRules).description("auto|always|never"));
     ioCommand.add_flag("--no-zeros", ioOptions.mStyle.mNoLeadingZeros, "write fields without leading zeros");
-    ioCommand.add_flag("--no-hours", ioOptions.mHidesHours, "write no hours");
+    ioCommand.add_flag("--no-hours", ioOptions.mHidesHours, "omit the hours");
     ioCommand.add_flag("--previous-frame", ioOptions.mStyle.mPreviousFrame,
                        "labels name the frame before the position, as an editor shows an out point");
     ioCommand.add_flag("--json", ioOptions.mPlan.mAsJson, "write one JSON array, an object for each value");
@@ -152,8 +151,8 @@ void AddShow(CLI::App& ioTimecode)
     CLI::App* const command =
         AddCommand(ioTimecode, options, "show", "Show the label of each frame count", &Show);
     command->add_option("COUNT", options->mPlan.mValues,
-                        "whole frames (samples, milliseconds); from standard input, one a line, when left out");
-    AddFormat(*command, "--format", "--rate", options->mFormat, "how labels count (default 2997drop)");
+                        "whole frames (samples, milliseconds); default: standard input, one per line");
+    AddFormat(*command, "--format", "--rate", options->mFormat, "format of the labels (default 2997drop)");
 }
 
 void AddParse(CLI::App& ioTimecode)
@@ -163,9 +162,9 @@ void AddParse(CLI::App& ioTimecode)
     CLI::App* const command = AddCommand(
         ioTimecode, options, "parse", "Read each text as an entry field does: its label, count and seconds", &Parse);
     command->add_option("TEXT", options->mPlan.mValues,
-                        "up to four fields between any of : ; and . (feet: +), digits alone, or a count behind a lead "
-                        "separator; from standard input, one a line, when left out");
-    AddFormat(*command, "--format", "--rate", options->mFormat, "how labels count (default 2997drop)");
+                        "up to four fields between any of : ; and . (feet: +), digits only, or a count after a leading "
+                        "separator; default: standard input, one per line");
+    AddFormat(*command, "--format", "--rate", options->mFormat, "format of the labels (default 2997drop)");
 }
 
 void AddAdd(CLI::App& ioTimecode)
@@ -175,10 +174,10 @@ void AddAdd(CLI::App& ioTimecode)
         AddCommand(ioTimecode, options, "add", "Add a distance to each label, exact to the frame", &Add);
     command
         ->add_option("LABEL... DISTANCE", options->mPlan.mValues,
-                     "labels, from standard input, one a line, when left out; then the distance: a whole number of "
+                     "labels (default: standard input, one per line), then the distance: a whole number of "
                      "frames, or a label")
         ->required();
-    AddFormat(*command, "--format", "--rate", options->mFormat, "how labels count (default 2997drop)");
+    AddFormat(*command, "--format", "--rate", options->mFormat, "format of the labels (default 2997drop)");
 }
 
 void AddConvert(CLI::App& ioTimecode)
@@ -186,10 +185,9 @@ void AddConvert(CLI::App& ioTimecode)
     const auto options = std::make_shared<Options>();
     CLI::App* const command = AddCommand(ioTimecode, options, "convert",
                                          "Show the label that another format has at the same time", &Convert);
-    command->add_option("LABEL", options->mPlan.mValues,
-                        "labels; from standard input, one a line, when left out");
-    AddFormat(*command, "--from", "--from-rate", options->mFormat, "how the labels count (default 2997drop)");
-    AddFormat(*command, "--to", "--to-rate", options->mTarget, "how the answers count");
+    command->add_option("LABEL", options->mPlan.mValues, "labels; default: standard input, one per line");
+    AddFormat(*command, "--from", "--from-rate", options->mFormat, "format of the labels (default 2997drop)");
+    AddFormat(*command, "--to", "--to-rate", options->mTarget, "format of the results");
     command->get_option("--to")->required();
 }
 

@@ -61,18 +61,19 @@ const std::vector<TimecodeFormat>& AllTimecodeFormats()
         {"24", kTimeDisplay_24Timecode, kFrameRate_Film24, true, "frames", "film"},
         {"25", kTimeDisplay_25Timecode, kFrameRate_VideoPAL, true, "frames", "PAL"},
         {"2997drop", kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC, true, "frames",
-         "NTSC drop-frame, 2 labels left out a minute"},
+         "NTSC drop-frame, 2 labels skipped a minute"},
         {"2997nondrop", kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoNTSC, true, "frames",
          "NTSC, counts 30 a second"},
         {"30", kTimeDisplay_30Timecode, kFrameRate_Video30, true, "frames", ""},
         {"50", kTimeDisplay_50Timecode, kFrameRate_VideoPAL_HD, true, "frames", "PAL HD"},
         {"5994drop", kTimeDisplay_5994DropTimecode, kFrameRate_VideoNTSC_HD, true, "frames",
-         "NTSC HD drop-frame, 4 labels left out a minute"},
+         "NTSC HD drop-frame, 4 labels skipped a minute"},
         {"5994nondrop", kTimeDisplay_5994NonDropTimecode, kFrameRate_VideoNTSC_HD, true, "frames",
          "NTSC HD, counts 60 a second"},
         {"60", kTimeDisplay_60Timecode, kFrameRate_Video60, true, "frames", ""},
         {"frames", kTimeDisplay_Frames, kFrameRate_VideoNTSC, false, "frames", "a plain count"},
-        {"23976", kTimeDisplay_23976Timecode, kFrameRate_23976, true, "frames", "film at NTSC speed, counts 24 a second"},
+        {"23976", kTimeDisplay_23976Timecode, kFrameRate_23976, true, "frames",
+         "film at NTSC speed, counts 24 a second"},
         {"16mm", kTimeDisplay_16mmFeetFrames, kFrameRate_Film24, false, "frames", "feet and frames, 40 a foot"},
         {"35mm", kTimeDisplay_35mmFeetFrames, kFrameRate_Film24, false, "frames", "feet and frames, 16 a foot"},
         {"samples", kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio48000, false, "samples", "audio"},
@@ -133,7 +134,7 @@ std::string RateComplaint(const TimecodeFormat& inFormat, const FrameRate& inRat
     if (inRate >= slowest && inRate <= fastest) {
         return std::string();
     }
-    return "the rate of format " + std::string(inFormat.mName) + " lies from " + RateInShort(slowest) + " to "
+    return "the rate of format " + std::string(inFormat.mName) + " must be from " + RateInShort(slowest) + " to "
            + RateInShort(fastest);
 }
 

@@ -196,12 +196,12 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     ORL::Timecode code(kTime_Zero, inSettings.mRate, display, inSettings.mStyle);
     code.SetTime(text);
     if (!IsFeet(display) && !IsPlainCount(inText, display) && IsBeyondTheDay(code.GetTime())) {
-        throw Unreadable("the time lies beyond the day", kNowhere);
+        throw Unreadable("the time is beyond the end of the day", kNowhere);
     }
     if (IsLeftOut(inText, display)) {
-        return Reading{code.GetTime(), "drop-frame leaves this label out"};
+        return Reading{code.GetTime(), "drop-frame skips this label"};
     }
-    return Reading{code.GetTime(), checks.HasFailed() ? "there are more frames than a second holds" : ""};
+    return Reading{code.GetTime(), checks.HasFailed() ? "there are more frames than a second has" : ""};
 }
 
 Reading ReadDistance(const std::string& inText, const TimecodeSettings& inSettings)

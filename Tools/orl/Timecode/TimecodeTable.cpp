@@ -86,7 +86,7 @@ void PrintText()
              row.mDigits != 0 ? std::to_string(row.mDigits) : "any", row.mSeparators.empty() ? "none" : row.mSeparators,
              std::to_string(row.mFramesPerDay), row.mSample, format.mAbout);
     }
-    std::cout << "* where --rate chooses no other\n";
+    std::cout << "* unless --rate selects another\n";
 }
 
 void PrintJson()
