@@ -56,7 +56,7 @@ Place ReadPlace()
 void Check(ORL::Result inResult, const char* inWhat)
 {
     if (!ORL::ResultSucceeded(inResult)) {
-        throw std::runtime_error(std::string("cannot keep ") + inWhat);
+        throw std::runtime_error(std::string("cannot store ") + inWhat);
     }
 }
 

@@ -216,7 +216,7 @@ TEST(OrlTimecode, NumberBeyondWhatTimesHold_IsNoTime)
         const ProcessResult result = Tc(row);
         EXPECT_EQ(1, result.mExitCode) << row[1];
         EXPECT_EQ("", result.mOutput) << row[1];
-        EXPECT_TRUE(Contains(result.mErrors, "too large") || Contains(result.mErrors, "beyond the end of the day"))
+        EXPECT_TRUE(Contains(result.mErrors, "too large") || Contains(result.mErrors, "outside the day"))
             << row[1] << ": " << result.mErrors;
     }
     EXPECT_EQ(0, Tc({"show", "390000000000"}).mExitCode) << "414 years are held";

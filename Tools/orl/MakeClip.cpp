@@ -89,7 +89,7 @@ public:
     void Write(const std::string& inBytes)
     {
         if (sIsInterrupted != 0) {
-            throw Failure("make-clip: stopped by the user; nothing of \"" + mOptions.mPath + "\" was kept", kExitStopped);
+            throw Failure("make-clip: stopped by the user; \"" + mOptions.mPath + "\" was not written", kExitStopped);
         }
         mFile << inBytes;
         Check();

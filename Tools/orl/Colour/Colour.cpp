@@ -84,7 +84,7 @@ void AddColour(CLI::App& ioProgram)
     const auto options = std::make_shared<Options>();
     CLI::App* command =
         ioProgram.add_subcommand("colour", "Show a colour in RGB, HSL, HSV, YUV, YPbPr, YIQ and as signal levels");
-    command->add_option("COLOUR", options->mColour, "#rrggbb, or three numbers of the form, separated by commas")
+    command->add_option("COLOUR", options->mColour, "#rrggbb, or three comma-separated numbers in the form of --from")
         ->required();
     command->add_option("--from", options->mFrom, "rgb, hsl, hsv, yuv or ypbpr (default rgb)")
         ->type_name("FORM")

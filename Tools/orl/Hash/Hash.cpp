@@ -113,7 +113,7 @@ void AddHash(CLI::App& ioProgram)
     const auto options = std::make_shared<Options>();
     CLI::App* command = ioProgram.add_subcommand("hash", "Hash files into three words, fast and not for security");
     command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
-    command->add_flag("--json", options->mAsJson, "write the results as one JSON object, by file");
+    command->add_flag("--json", options->mAsJson, "write one JSON object, keyed by file");
     command->callback([options] { Run(*options); });
 }
 

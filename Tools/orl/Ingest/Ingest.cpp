@@ -127,13 +127,13 @@ void AddIngest(CLI::App& ioProgram)
         ->required();
     command->add_flag("--replace", options->mSettings.mReplaces,
                       "replace different files of the same name at the destination");
-    command->add_option("--manifest", options->mManifest, "name of the manifest in DEST (default ingest.sha256)")
+    command->add_option("--manifest", options->mManifest, "file name of the manifest in DEST (default ingest.sha256)")
         ->check([](const std::string& inName) {
             return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string()
                                                                     : "must be a file name without a folder";
         });
     command->add_option("--rate", options->mRate,
-                        "frame rate of the lengths in the table (default 25): " + RateNames());
+                        "frame rate for the lengths in the table (default 25): " + RateNames());
     command
         ->add_option("--files-at-once", options->mSettings.mFilesAtOnce,
                      "files copied at the same time, 1 to 64 (default 4)")

@@ -269,8 +269,8 @@ void AddExtract(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = AddCommand(ioResources, options, "extract", "Write the bytes of one resource", &Extract);
-    command->add_option("TYPE", options->mType, "RCDATA, a number or a text")->required();
-    command->add_option("NAME", options->mName, "a number or a text")->required();
+    command->add_option("TYPE", options->mType, "the type: a name such as RCDATA, a number or a text")->required();
+    command->add_option("NAME", options->mName, "the name: a number or a text")->required();
     AddLanguage(*command, options);
     command->add_option("-o,--output", options->mOutput, "the file to write; default: standard output");
 }

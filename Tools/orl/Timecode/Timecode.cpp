@@ -195,7 +195,7 @@ void AddTable(CLI::App& ioTimecode)
 {
     const auto asJson = std::make_shared<bool>(false);
     CLI::App* const command = ioTimecode.add_subcommand(
-        "table", "Show all formats: rate, digits of the last field, separators, frames a day, a label");
+        "table", "Show all formats: rate, digits of the last field, separators, frames per day, a sample label");
     command->add_flag("--json", *asJson, "write one JSON array");
     command->callback([asJson] { PrintTimecodeTable(*asJson); });
 }

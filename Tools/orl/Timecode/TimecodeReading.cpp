@@ -196,7 +196,7 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     ORL::Timecode code(kTime_Zero, inSettings.mRate, display, inSettings.mStyle);
     code.SetTime(text);
     if (!IsFeet(display) && !IsPlainCount(inText, display) && IsBeyondTheDay(code.GetTime())) {
-        throw Unreadable("the time is beyond the end of the day", kNowhere);
+        throw Unreadable("the time is outside the day", kNowhere);
     }
     if (IsLeftOut(inText, display)) {
         return Reading{code.GetTime(), "drop-frame skips this label"};
