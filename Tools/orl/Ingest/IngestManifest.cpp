@@ -299,7 +299,7 @@ void IngestManifest::Compact()
         mFolder.Remove(temporary);
     }
     mRecord.Forget("", temporary);
-    Check(result, "exchange");
+    Check(result, "replace");
     mWithdrawn.clear(); // all offsets are invalid now: this is the last step of a run
     mLines.clear();
     TellRecord();
