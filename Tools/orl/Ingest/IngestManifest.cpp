@@ -181,7 +181,7 @@ void IngestManifest::OpenToWrite()
     mIdentity = identity;
     if (mFound != mLength) {
         mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
-        Check(mFile.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure, "mend");
+        Check(mFile.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure, "truncate");
         mFound = mLength;
         TellRecord();
     }
@@ -196,7 +196,7 @@ void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
         Check(mFile.Write(inText.data() + at, count, written), "write");
         at += written;
     }
-    Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "keep");
+    Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "flush");
 }
 
 // Removes a line that may not be on disk: the next run would take it for a valid one.
@@ -329,7 +329,7 @@ std::string IngestManifest::CopyWithout(const std::vector<Place>& inPlaces)
         Check(written == count ? ORL::kSuccess : ORL::kDiskFull, "write");
         at += count;
     }
-    Check(FlushFile(file) ? ORL::kSuccess : ORL::kGeneralFailure, "keep");
+    Check(FlushFile(file) ? ORL::kSuccess : ORL::kGeneralFailure, "flush");
     return temporary;
 }
 
