@@ -281,12 +281,13 @@ void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
         result = mFile.Write(inLine.data() + at, static_cast<unsigned>(inLine.size() - at), written);
         at += written;
     }
-    if (ORL::ResultSucceeded(result) && inIsFlushed && !FlushFile(mFile)) {
+    const bool isWritten = ORL::ResultSucceeded(result);
+    if (isWritten && inIsFlushed && !FlushFile(mFile)) {
         result = ORL::kGeneralFailure;
     }
     if (!ORL::ResultSucceeded(result)) {
-        throw Failure("ingest: cannot write \"" + JoinHostPath(mRoots.mShownDestination, mName)
-                          + "\": " + Describe(result),
+        throw Failure(std::string("ingest: cannot ") + (isWritten ? "flush" : "write") + " \""
+                          + JoinHostPath(mRoots.mShownDestination, mName) + "\": " + Describe(result),
                       result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
     }
 }
