@@ -23,7 +23,7 @@ struct ORL_LOCAL File::PrivateImpl : Impl
     /// Returns the size, which the system reports in two halves.
     std::uint64_t GetSize() const;
 
-    /// Requests a buffer from the factory. Returns whether it provided one.
+    /// Requests a buffer from the factory. Returns whether the factory provided a buffer.
     bool SetUpBuffer(const UTF16String& inFullPath);
 
     Result ReadFromSystem(void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);

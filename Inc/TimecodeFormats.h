@@ -1,5 +1,5 @@
 // Floor: Media
-// The table of formats: the rate and the labels of each. Also the time of a label.
+// The table of formats, with the rate and the labels of each format, and the conversion of a label to a time.
 #pragma once
 
 #include <tvxmediatypes/Constants.h>
@@ -15,15 +15,15 @@ namespace TimecodeLocal {
 /// How a format writes and reads a time.
 enum class TimecodeText { kClock, kFrames, kFeetFrames };
 
-/// What distinguishes a format from the others.
+/// The properties of one format.
 struct TimecodeFormat
 {
     tvxmediatypes::TimeDisplay mDisplay;
     TimecodeText mText;
-    tvxmediatypes::FrameRate mRate; // of its conversions; the zero rate if the caller's rate applies
-    int mLabelsPerSecond = 0;       // 0 if the caller's rate decides
-    int mDroppedLabels = 0;         // at the start of each minute but every tenth
-    int mFramesPerFoot = 0;         // of film
+    tvxmediatypes::FrameRate mRate; // rate of conversions; zero if the caller's rate applies
+    int mLabelsPerSecond = 0;       // 0 if the caller's rate determines it
+    int mDroppedLabels = 0;         // at the start of each minute except every tenth
+    int mFramesPerFoot = 0;         // frames of film
 
     constexpr bool HasOwnRate() const noexcept { return mLabelsPerSecond != 0; }
     constexpr bool HasWholeRate() const noexcept { return mRate.GetTruncatedValue() == mLabelsPerSecond; }

@@ -57,7 +57,7 @@ inline constexpr std::uint32_t kFromEnd = 2;
 SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inShareMode,
                             std::uint32_t inDisposition, std::uint32_t inFlags, Handle& outFile);
 
-/// Closes the file. Deletes one that was opened with kFlagDeleteOnClose.
+/// Closes the file. Deletes a file that was opened with kFlagDeleteOnClose.
 void CloseFile_Impl(Handle inFile);
 
 /// Reads at the file's position and advances it. Sets outBytesRead even on failure. Reads 0 bytes after the end,

@@ -1,5 +1,5 @@
 // Floor: Core
-// Waiting without an object to sleep on.
+// Repeated short waits, for code without an event to wait for.
 #pragma once
 
 #include <limits>
@@ -13,8 +13,8 @@ inline void PauseProcessor() noexcept
     __builtin_ia32_pause();
 }
 
-/// How a repeated wait escalates: the turns before mFirstYield pause the processor, the turns before mFirstSleep yield
-/// it, and the later ones sleep for a millisecond each, because a yield runs no thread of lower priority.
+/// The escalation of a repeated wait: the turns before mFirstYield pause the processor, the turns before mFirstSleep
+/// yield it, and later turns sleep for a millisecond each, because a yield runs no thread of lower priority.
 struct Backoff
 {
     int mFirstYield;

@@ -28,7 +28,7 @@ void TraceSwallowedWarning(const char* inZString, long inErrorID)
     line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
          << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
          << " exception was swallowed." << std::endl;
-    if (line.good()) { // a stream that runs out of memory holds a part of the line
+    if (line.good()) { // if out of memory, the stream contains only a part of the line
         tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(line.str().c_str()));
     }
 }
@@ -45,7 +45,7 @@ void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsi
     try {
         TraceSwallowedWarning(inZString, inErrorID);
     } catch (...) {
-        // A warning never throws: its line is lost if memory is exhausted. The trace swallows what a sink throws.
+        // A warning never throws: its line is lost if memory is exhausted. The trace catches exceptions of a sink.
     }
 }
 

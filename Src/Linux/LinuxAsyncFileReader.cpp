@@ -293,7 +293,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 
 void CloseFile_Impl(Handle inFile)
 {
-    FileOf(inFile).mShares.Release(); // before the port, whose last owner this may be
+    FileOf(inFile).mShares.Release(); // must precede the release of the port
     delete &FileOf(inFile);
 }
 

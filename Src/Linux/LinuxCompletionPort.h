@@ -91,7 +91,7 @@ std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 class Retries
 {
 public:
-    /// Returns true if the caller should repeat a call that failed with this errno. May wait briefly first.
+    /// Returns true if the caller should repeat a call that failed with this errno. May wait briefly before it returns.
     bool IsWorthwhile(int inErrno);
 
 private:

@@ -27,7 +27,8 @@ Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMo
     return OpenUninterrupted([=] { return System().mOpenAt(inFolder, inName, inFlags | O_CLOEXEC, inMode); });
 }
 
-// O_NONBLOCK makes no difference to a folder, but no other entry with this name can block the open.
+// O_NONBLOCK has no effect on a folder, but prevents any other entry with this name, such as a pipe, from blocking the
+// open.
 Descriptor OpenFolderByName(int inFolder, const char* inName, int inLink) noexcept
 {
     return OpenByName(inFolder, inName, O_RDONLY | O_DIRECTORY | O_NONBLOCK | inLink);

@@ -54,7 +54,7 @@ private:
 
 /// Open a file by its path, or by its name in an open folder, with the flags and the mode of open(2) and openat(2).
 /// Repeat a call that a signal interrupted. Add O_CLOEXEC, so that no child process inherits the file. On failure they
-/// return an owner of nothing, and errno.
+/// return an empty Descriptor and set errno.
 Descriptor OpenByPath(const char* inPath, int inFlags, mode_t inMode = 0) noexcept;
 Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMode = 0) noexcept;
 

@@ -128,7 +128,7 @@ unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
            | (deletes ? kShareDelete : 0u);
 }
 
-// Bypasses the cache if the file system can. If it cannot, unaligned reads and writes fail nevertheless.
+// Bypasses the cache if the file system supports that. Even if it does not, unaligned reads and writes fail.
 void GoPastCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;

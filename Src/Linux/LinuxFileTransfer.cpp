@@ -61,7 +61,7 @@ bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
     return true;
 }
 
-// A short unbuffered read is at the end: the rest would no longer be aligned.
+// After a short unbuffered read the position is at the end of the file, since it is no longer aligned.
 bool IsAtEnd(const OpenFile& inFile, std::uint32_t inDone)
 {
     return inFile.mIsUnbuffered && inDone % inFile.mAlignment != 0;

@@ -24,7 +24,8 @@ bool IsIllegalCharacter(unsigned inCharacter) noexcept
     return false;
 }
 
-// The bytes that are the same in both forms, except a blank or dot at the end of a name.
+// The set of bytes that are the same on disk and in a library path; a blank or dot at the end of a name is an
+// exception.
 struct PlainBytes
 {
     constexpr PlainBytes() : mIsPlain()

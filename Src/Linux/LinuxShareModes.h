@@ -42,7 +42,7 @@ struct FileIdentity
     }
 };
 
-/// One holder, the owner of its open file. Different holders may be used on different threads. Not thread-safe: one
+/// One holder, which owns its open file. Different holders may be used on different threads. Not thread-safe: one
 /// thread at a time per holder.
 class ShareHolder
 {
@@ -55,11 +55,12 @@ public:
     /// Becomes the owner of an open file, which may be the result of a failed open. The holder must not be registered.
     void Own(Descriptor&& ioFile) noexcept { mOpen = std::move(ioFile); }
 
-    /// Returns -1 if it owns no open file.
+    /// Returns the descriptor, or -1 if the holder owns no open file.
     int File() const noexcept { return mOpen.Get(); }
 
-    /// Registers the holder, which must not be registered yet. Returns 0, or 32 and leaves it unregistered. inFile is
-    /// the identity of the open file, if it owns one. inCanWrite: that file may be open for writing.
+    /// Registers the holder, which must not be registered yet. Returns 0, or returns 32 and leaves the holder
+    /// unregistered. inFile is the identity of the open file, if the holder owns one. inCanWrite: that file may be open
+    /// for writing.
     SystemError Enter(const FileIdentity& inFile, unsigned inUses, unsigned inShares, bool inCanWrite = false);
 
     /// Removes the holder and closes its file in one step. Closes the file even if the holder is not registered.
@@ -69,7 +70,7 @@ public:
 private:
     friend struct ShareBucket;
 
-    Descriptor mOpen; // first: hosts read the descriptor through the handle of a file
+    Descriptor mOpen; // must be first: hosts read the descriptor through a file's handle
     FileIdentity mFile;
     unsigned mUses = 0;
     unsigned mShares = 0;

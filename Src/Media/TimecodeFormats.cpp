@@ -117,7 +117,7 @@ TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrame
             return LabelToTime(inFormat, inHours, inMinutes, inSeconds, inFrames, inFrameRate);
         },
         [&] {
-            const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate); // reports the format
+            const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate); // reports the unknown format
             return TickTime(CountFrames(SecondsOf(inHours, inMinutes, inSeconds), rate, inFrames), rate);
         });
     return FoldIntoOneDay(inIsNegative ? -time : time);

@@ -15,7 +15,7 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// Returns zero frames a second if the caller's rate decides.
+// Returns zero frames a second if the caller's rate determines the format.
 constexpr FrameFormat OwnFrameFormat(const TimecodeFormat& inFormat)
 {
     if (inFormat.mText == TimecodeText::kFrames) {

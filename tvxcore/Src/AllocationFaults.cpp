@@ -15,7 +15,7 @@ std::atomic<bool> sIsArmed{false};
 std::atomic<bool> sHasMetrics{true};
 std::atomic<std::uint64_t> sAsked{0};
 std::atomic<std::uint64_t> sRefused{0};
-// Written before sIsArmed is set, and read only after sIsArmed was seen set.
+// Written before sIsArmed is set, and read only after sIsArmed has been read as true.
 Plan sPlan;
 unsigned long sThread = 0;
 

@@ -37,7 +37,7 @@ TVX_AVX512_INLINE Classes Classify(__m512i inBytes, std::uint64_t inNotAscii)
     return classes;
 }
 
-// Returns the number of bytes of complete characters. An incomplete one is left to the next step.
+// Returns the number of bytes of complete characters. An incomplete character is left to the next step.
 TVX_AVX512_INLINE std::size_t WholeCharacters(const Classes& inClasses, std::size_t inCount)
 {
     const std::size_t missing = 64 - inCount;

@@ -59,8 +59,8 @@ constexpr Lead LeadOf(unsigned char inByte) noexcept
     return {3, low, high, static_cast<unsigned char>(inByte & 0x07)};
 }
 
-/// Reads one character that begins with a byte above 0x7F. For an ill-formed one returns U+FFFD and advances ioText
-/// past its maximal subpart: the bytes that could have begun a character.
+/// Reads one character that begins with a byte above 0x7F. For an ill-formed sequence returns U+FFFD and advances
+/// ioText past its maximal subpart: the bytes that could have begun a character.
 inline std::uint32_t ReadMultibyte(const unsigned char*& ioText, const unsigned char* inEnd) noexcept
 {
     const Lead lead = LeadOf(*ioText++);

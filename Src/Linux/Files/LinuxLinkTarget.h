@@ -1,4 +1,4 @@
-// Where a symbolic link leads.
+// Reads the target of a symbolic link.
 #pragma once
 
 #include <climits>
@@ -11,8 +11,8 @@ namespace Linux {
 class LinkTarget
 {
 public:
-    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0 or an errno, and then the
-    /// text is empty. ENAMETOOLONG: the text is longer than the kernel can create.
+    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0, or an errno with an empty
+    /// text; ENAMETOOLONG if the text is longer than any that the kernel can create.
     int Read(int inFolder, const char* inName) noexcept;
 
     const char* Text() const noexcept { return mText; }

@@ -42,7 +42,7 @@ public:
     /// reference to the key.
     std::shared_ptr<StoredKey> Remove(const HandleParts& inParts) noexcept;
 
-    /// Frees the memory. No handle may be open.
+    /// Frees the memory of the table. No handle may be open.
     void Clear() noexcept;
 
     bool IsEmpty() const noexcept { return mFree.size() == mEntries.size(); }

@@ -46,7 +46,7 @@ public:
     NewEntry(const NewEntry&) = delete;
     NewEntry& operator=(const NewEntry&) = delete;
 
-    /// Returns an open file, or an owner of nothing and errno.
+    /// Returns an open file, or an empty Descriptor with errno set.
     Descriptor MakeFile(mode_t inMode)
     {
         return Descriptor(Make([this, inMode](const char* inName) {

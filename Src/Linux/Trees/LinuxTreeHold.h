@@ -18,8 +18,8 @@ public:
     /// or the errno of the failed query.
     int EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares);
 
-    /// Holds an open file or folder, and owns it from now on even if this fails. ioFile may be the result of a failed
-    /// open; returns its errno then.
+    /// Holds an open file or folder, and takes ownership of it even if this fails. ioFile may be the result of a failed
+    /// open, whose errno is then returned.
     int EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares);
 
     /// Releases the hold and closes the file.

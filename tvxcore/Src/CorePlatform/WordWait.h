@@ -14,7 +14,7 @@ constexpr std::int64_t kEndless = -1;
 /// spuriously, so the caller checks the word again. Returns false only if the time has run out.
 bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpected, std::int64_t inNanoseconds);
 
-/// Wake one or all threads that sleep on the word. They do not read the word, so it may already be destroyed.
+/// Wake one or all threads that sleep on the word. The functions do not read the word, so it may already be destroyed.
 void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord);
 void WakeAllOnWord_Impl(std::atomic<std::uint32_t>& ioWord);
 
