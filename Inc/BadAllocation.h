@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-// The text of std::bad_alloc differs between standard libraries; this one is the same everywhere.
+// The text of std::bad_alloc differs between standard libraries; this text is the same on every platform.
 class BadAllocation : public std::bad_alloc
 {
 public:

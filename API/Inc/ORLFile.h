@@ -26,9 +26,9 @@ struct FileAccessFlags
     enum Type : int { kFileAccess_Read = 1, kFileAccess_Write = 2, kFileAccess_Execute = 4 };
 };
 
-/// Operations that other handles may perform while this one is open. All handles of the process, and of other processes
-/// that use this library, honour the modes on both platforms: a conflicting open fails with kSharingViolation. On
-/// Linux, programs that do not use this library are not restricted.
+/// Operations that other handles may perform while this handle is open. All handles of the process, and of other
+/// processes that use this library, honour the modes on both platforms: a conflicting open fails with
+/// kSharingViolation. On Linux, programs that do not use this library are not restricted.
 struct FileShareModeFlags
 {
     enum Type : int { kFileShare_Read = 1, kFileShare_Write = 2, kFileShare_Delete = 4 };

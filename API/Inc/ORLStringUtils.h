@@ -56,7 +56,7 @@ ORL_API unsigned int GetDefaultCodePage();
 /// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.
 namespace Linux {
 
-/// Sets the default code page of this process, for conversions that begin later; 0 restores the one of the user's
+/// Sets the default code page of this process, for conversions that begin later; 0 restores the page of the user's
 /// locale. Hosts call it at start. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258. Returns kGeneralFailure
 /// and changes nothing for any other page.
 ORL_API Result SetDefaultCodePage(unsigned int inCodePage);

@@ -91,9 +91,9 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 /// Maximum number of delayed reads.
 inline constexpr std::size_t kMostReadsHeldBack = 32;
 
-/// Submits the delayed reads to the system. Returns how many reads the system refused; these are the newest ones of
-/// those started since the last call, and outError is the reason. A delayed read may complete before this call if a
-/// packet is posted after it.
+/// Submits the delayed reads to the system. Returns how many reads the system refused, with the reason in outError;
+/// these are the newest reads started since the last call. A delayed read may complete before this call if a packet is
+/// posted after it.
 std::size_t SubmitReads_Impl(SystemError& outError);
 
 /// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.

@@ -43,9 +43,9 @@ struct Source
     const ResourceStore* mStore;
 };
 
-/// Finds a resource in a language: that one, its neutral sublanguage, then the neutral language. If the primary
-/// language is 0, then in the user's language, American English and the first language that exists. Returns null if
-/// there is none.
+/// Finds a resource in a language, otherwise in its neutral sublanguage, otherwise in the neutral language. If the
+/// primary language is 0, then in the user's language, American English and the first language that exists. Returns
+/// null if there is none.
 Resource FindResourceEx_Impl(const Source& inSource, const unsigned short* inType, const unsigned short* inName,
                              unsigned short inLanguage);
 

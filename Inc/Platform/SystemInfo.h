@@ -25,7 +25,7 @@ bool ProcessorSupportsRDTSCInstruction_Impl();
 using LoadQuery = void*;
 using LoadCounter = void*;
 
-inline constexpr SystemError kLoadInvalidData = 0xC0000BC6; // too few samples, or unusable ones
+inline constexpr SystemError kLoadInvalidData = 0xC0000BC6; // too few samples, or unusable samples
 inline constexpr SystemError kLoadNoData = 0x800007D5;      // the query has no counter
 
 /// Creates the query. Thread-safe. outQuery is untouched on failure.

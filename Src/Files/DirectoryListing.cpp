@@ -138,7 +138,7 @@ private:
                            [this](const Level& inLevel) { return IsSameDirectory_Impl(mPath, inLevel.mPath); });
     }
 
-    // A directory is reported after its contents; the one where the walk began is not reported.
+    // A directory is reported after its contents; the directory where the walk began is not reported.
     void Leave()
     {
         const Level left = std::move(mLevels.back());

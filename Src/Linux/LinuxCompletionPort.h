@@ -40,7 +40,7 @@ public:
     /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
     virtual SystemError Start(const ReadOrder& inOrder) = 0;
 
-    /// Submits the reads held back. Returns how many of the newest ones the system refused, with the reason in
+    /// Submits the reads held back. Returns how many of the newest reads the system refused, with the reason in
     /// outError.
     virtual std::size_t Submit(SystemError& outError) = 0;
 

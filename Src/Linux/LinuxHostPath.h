@@ -33,8 +33,8 @@ struct HostPath
 /// for a name that contains ":". On failure outHostPath is unchanged.
 SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
-/// Resolves a path to one that the kernel accepts, which is at most 4095 bytes. A longer path is converted to one
-/// through an open folder, which must exist (3 otherwise).
+/// Resolves a path to a path that the kernel accepts, of at most 4095 bytes. A longer path is converted to one through
+/// an open folder, which must exist (3 otherwise).
 SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux

@@ -184,7 +184,7 @@ void WaitBeforeTry(int inTry, const void* inSelf)
 }
 
 // A holder that shares nothing excludes all others. One write lock on all bytes does that, and acquires and tests in
-// one step. It needs a writable descriptor; returns kNoLocks if this one is not.
+// one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
 Outcome TakeAlone(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;

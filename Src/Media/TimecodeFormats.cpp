@@ -31,7 +31,7 @@ constexpr long long CountLabels(int inSeconds, long long inLabelsPerSecond, long
     return Wrapping::Add(inSeconds * inLabelsPerSecond, inFrames);
 }
 
-// Counts a label at any rate. The seconds are converted to unsigned, so negative ones become huge.
+// Counts a label at any rate. The seconds are converted to unsigned, so negative numbers become huge.
 long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames) noexcept
 {
     const auto seconds = static_cast<double>(Wrapping::Bits(static_cast<long long>(inSeconds)));

@@ -62,7 +62,7 @@ std::uint64_t HashOfLongText(const unsigned char* inText, std::size_t inSize, st
     return MixSixteen(last, hash);
 }
 
-// The last step overlaps the one before it if the size is not a multiple of the step. A size therefore needs at most
+// The last step overlaps the previous step if the size is not a multiple of the step. A size therefore needs at most
 // two branches, and the multiplications run in parallel. A loop with an unpredictable end would cost more than all of
 // them.
 std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)

@@ -71,7 +71,7 @@ unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
             queuedSuccessfully = mQueue->QueueRequest(ThreadedWorkQueue::Request(this));
         } catch (const std::bad_alloc&) {
             // Exhausted memory is treated like a refusal by the queue: the items already queued must not wait for this
-            // one.
+            // item.
         }
         ORL_ASSERT_IN(queuedSuccessfully, "ORL::ThreadedWorkQueueFlush::Flush");
         queued += queuedSuccessfully ? 1 : 0;

@@ -27,7 +27,7 @@ inline void SwapRedAndBlue(const unsigned char* inPixels, unsigned char* outPixe
     }
 }
 
-/// Converts pixels of 3 bytes to opaque ones of 4.
+/// Converts pixels of 3 bytes to opaque pixels of 4 bytes.
 inline void ExpandToOpaque(const unsigned char* inPixels, unsigned char* outPixels, std::size_t inCount) noexcept
 {
     for (std::size_t i = 0; i < inCount; ++i) {

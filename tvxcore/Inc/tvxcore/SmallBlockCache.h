@@ -103,8 +103,8 @@ inline void AssumeSmall(std::size_t inSize) noexcept
 
 // Recent processors forward a stored word to the next load without delay, if both address it by a register plus offset
 // and the addition between them is not done in memory. With indexed addresses each iteration waits for the store of the
-// one before, which doubles the time of a pair. Compilers prefer the slow forms; these two functions force the fast
-// ones.
+// previous iteration, which doubles the time of a pair. Compilers prefer the slow forms; these two functions force the
+// fast ones.
 
 /// Returns the pair of stack pointers of a class, with its address in a register.
 inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept

@@ -15,7 +15,7 @@ namespace SmallBlocks {
 ThreadCache* CacheOfThisThread() noexcept;
 
 /// Locks and uses the shared cache, for threads without a cache. It starts empty and its memory is static, so it works
-/// when nothing else does.
+/// even if no memory can be mapped.
 class SharedCacheUse
 {
 public:
