@@ -48,12 +48,7 @@ else()
   set_tests_properties(Resources.Oracles.PefileAndWrestoolFindTheSame PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 endif()
 
-<<<<<<< HEAD
 # The library's own resources are in its shared library.
-target_compile_definitions(${room_target} PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\"")
-=======
-# The library's own resources stand in its shared library.
 target_compile_definitions(${room_target} PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\""
   ORL_LIBRARY_ICON="${PROJECT_SOURCE_DIR}/Res/ORLFoundation.ico")
->>>>>>> b11bcd5 (Tests: Fail each allocation of pictures; read back every part of the dialogs)
 add_dependencies(${room_target} ORLFoundation)
