@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "Verify/VerifyCommand.h"
 
 #include <ORLVersion.h>
 #include <algorithm>
@@ -15,6 +16,7 @@ void AddCommands(CLI::App& ioProgram)
 {
     orl::AddStream(ioProgram);
     orl::AddIngest(ioProgram);
+    orl::AddVerify(ioProgram);
     orl::AddTimecode(ioProgram);
     orl::AddColour(ioProgram);
     orl::AddHash(ioProgram);

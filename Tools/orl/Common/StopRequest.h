@@ -1,0 +1,13 @@
+// The user's request to stop: Ctrl-C, SIGTERM, SIGHUP, and Ctrl-Break on Windows.
+#pragma once
+
+namespace orl {
+
+/// From now on these signals set a flag instead of ending the process. A signal that was ignored at the start stays
+/// ignored, because nohup and shells rely on it.
+void ListenForStop();
+
+/// Returns whether one of them has arrived. Thread-safe.
+bool IsStopRequested();
+
+} // namespace orl

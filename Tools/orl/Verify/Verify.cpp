@@ -1,0 +1,115 @@
+// orl verify FOLDER...
+#include "Console.h"
+#include "Failure.h"
+#include "Ingest/IngestProgress.h"
+#include "StartedLibrary.h"
+#include "StopRequest.h"
+#include "Text.h"
+#include "VerifyCommand.h"
+#include "VerifyReport.h"
+
+#include <ORLPathUtils.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+namespace {
+
+struct Options
+{
+    std::vector<std::string> mFolders;
+    bool mAsJson = false;
+    VerifySettings mSettings;
+};
+
+constexpr char kExitCodes[] = "Exit codes, the first that applies: 130 stopped by the user, 6 a folder is gone or a "
+                              "disk does not answer, 7 a file "
+                              "has changed, 10 a listed file is missing, 4 a file or folder cannot be read, 1 any "
+                              "other error, 9 the list names no "
+                              "file, 11 a file is not in the list, 0 everything is as listed.";
+
+// The progress line expects each byte twice: an ingest copies it and reads it back.
+constexpr std::uint64_t kPasses = 2;
+
+VerifyOutcome VerifyWithProgress(const std::string& inFolder, const Options& inOptions)
+{
+    std::optional<IngestProgress> progress;
+    VerifyWatcher watcher;
+    watcher.mIsStopped = &IsStopRequested;
+    watcher.mOnPlanned = [&progress, isShown = OutputIsTerminal() && !inOptions.mAsJson](std::uint64_t inBytesToRead, std::size_t inFiles) {
+        progress.emplace(isShown, kPasses * inBytesToRead, inFiles);
+    };
+    watcher.mShow = [&progress](std::uint64_t inBytesRead, std::size_t inFilesDone) {
+        progress->Show(kPasses * inBytesRead, inFilesDone);
+    };
+    return VerifyFolder(inFolder, inOptions.mSettings, watcher);
+}
+
+// Each trouble has a line. The last is the program's, with the exit code of the worst.
+void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHasNoAnswer)
+{
+    const int worst = inIsStopped ? kExitStopped : WorstExitCode(inTroubles);
+    if (inIsStopped) {
+        inTroubles.push_back({"verify: stopped by the user; the files that are not counted were not checked", worst});
+    }
+    for (std::size_t i = 0; i + (inHasNoAnswer ? 0 : 1) < inTroubles.size(); ++i) {
+        Complain(inTroubles[i].mText);
+    }
+    if (inHasNoAnswer) {
+        std::_Exit(kExitGone); // the stop of the library might wait for the disk
+    }
+    if (!inTroubles.empty()) {
+        throw Failure(inTroubles.back().mText, worst);
+    }
+}
+
+void Run(const Options& inOptions)
+{
+    const StartedLibrary library;
+    ListenForStop();
+    std::vector<VerifyOutcome> outcomes;
+    for (const std::string& folder : inOptions.mFolders) {
+        outcomes.push_back(VerifyWithProgress(folder, inOptions));
+        if (outcomes.back().mIsStopped || outcomes.back().mHasNoAnswer) {
+            break;
+        }
+    }
+    inOptions.mAsJson ? PrintJsonLines(std::cout, outcomes) : PrintTotals(std::cout, outcomes);
+    EndWith(TroublesOf(outcomes), outcomes.back().mIsStopped, outcomes.back().mHasNoAnswer);
+}
+
+} // namespace
+
+void AddVerify(CLI::App& ioProgram)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* command =
+        ioProgram.add_subcommand("verify", "Read the files of a list of SHA-256 sums back past the cache, and compare");
+    command->add_option("FOLDER", options->mFolders, "folders with a list: host paths or library paths")->required();
+    command->add_flag(
+        "--quick", options->mSettings.mIsQuick,
+        "read no file: report missing and new files, files that became empty, and files written after the "
+        "list");
+    command
+        ->add_option("--manifest", options->mSettings.mManifest, "name of the list in FOLDER (default ingest.sha256)")
+        ->check([](const std::string& inName) {
+            return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string()
+                                                                    : "a file name is wanted, without a folder";
+        });
+    command->add_flag("--json", options->mAsJson,
+                      "write one JSON object a line for each file, then one for each folder");
+    command->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files read at once, 1 to 64 (default 4)")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 64).description(""));
+    command->footer(kExitCodes);
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace orl

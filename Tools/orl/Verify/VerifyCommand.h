@@ -1,0 +1,11 @@
+// The subcommand "orl verify".
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace orl {
+
+/// orl verify FOLDER...: reads the files of a list of checksums back unbuffered, and compares.
+void AddVerify(CLI::App& ioProgram);
+
+} // namespace orl

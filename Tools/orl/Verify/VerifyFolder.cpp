@@ -1,0 +1,298 @@
+#include "VerifyFolder.h"
+
+#include "Failure.h"
+#include "Ingest/IngestRecord.h"
+#include "Text.h"
+#include "UnbufferedRead.h"
+#include "VerifyFile.h"
+#include "VerifyList.h"
+
+#include <ORLHostPath.h>
+#include <ORLPathUtils.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <set>
+#include <thread>
+
+namespace orl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kTick(100);
+
+/// Ends the work on a file; the file stays unchecked.
+struct Stopped
+{
+};
+
+// A folder is listed by the code of an ingest, whose messages begin with that command.
+std::string OfVerify(const std::string& inText)
+{
+    constexpr char kIngest[] = "ingest: ";
+    const std::size_t length = sizeof(kIngest) - 1;
+    return inText.compare(0, length, kIngest) == 0 ? "verify: " + inText.substr(length) : inText;
+}
+
+/// Returns the folder as both roots of an ingest that only reads.
+IngestRoots RootsOf(const std::string& inFolder)
+{
+    IngestRoots roots;
+    std::string host;
+    const ORL::Result result = ORL::PathUtils::ToHostPath(PathOfArgument(inFolder), host);
+    if (!ORL::ResultSucceeded(result)) {
+        throw Failure("verify: cannot find \"" + inFolder + "\": " + Describe(result));
+    }
+    roots.mSource = ORL::PathUtils::ToNormalizedPath(ORL::PathUtils::FromHostPath(host));
+    roots.mShownSource = inFolder;
+    HeldFolder folder;
+    const ORL::Result opened = HeldFolder::Open(roots.mSource, folder);
+    if (opened == ORL::kAccessDenied) {
+        throw Failure("verify: cannot open \"" + inFolder + "\": " + Describe(opened), kExitUnreadable);
+    }
+    if (!ORL::ResultSucceeded(opened)) {
+        throw Failure("verify: \"" + inFolder + "\" is no folder");
+    }
+    roots.mSourceIdentity = folder.Identity();
+    roots.mDestination = roots.mSource;
+    roots.mShownDestination = roots.mShownSource;
+    roots.mDestinationIdentity = roots.mSourceIdentity;
+    roots.mHasDestination = true;
+    return roots;
+}
+
+class Verification
+{
+public:
+    Verification(const std::string& inFolder, const VerifySettings& inSettings, const VerifyWatcher& inWatcher)
+        : mSettings(inSettings), mWatcher(inWatcher), mRoots(RootsOf(inFolder))
+    {
+    }
+
+    void Execute(VerifyOutcome& outOutcome)
+    {
+        ReadList();
+        mListing = ListSource(mRoots, mWatcher.mIsStopped);
+        for (const IngestTrouble& trouble : mListing.mTroubles) {
+            mTroubles.push_back({OfVerify(trouble.mText), trouble.mExitCode});
+        }
+        TellPlan();
+        VerifyAll();
+        if (!mEnds) {
+            AddNewFiles();
+        }
+        std::sort(mFiles.begin(), mFiles.end(),
+                  [](const VerifiedFile& inLeft, const VerifiedFile& inRight) { return inLeft.mName < inRight.mName; });
+        outOutcome.mFiles = std::move(mFiles);
+        outOutcome.mTroubles = std::move(mTroubles);
+        outOutcome.mBytesRead = mBytesRead;
+        outOutcome.mIsStopped = mIsStoppedByUser;
+        outOutcome.mHasNoAnswer = mHasNoAnswer;
+    }
+
+private:
+    void ReadList()
+    {
+        const VerifyList list = ReadVerifyList(mRoots, mSettings.mManifest);
+        const std::string shown = "\"" + JoinHostPath(mRoots.mShownSource, mSettings.mManifest) + "\"";
+        mListStatus = list.mStatus;
+        if (list.mOtherLines != 0) {
+            AddTrouble(std::to_string(list.mOtherLines) + " lines of the list " + shown
+                           + " were not checked: they are no SHA-256 lines of sha256sum",
+                       kExitFailure);
+        }
+        for (const VerifyList::Line& line : list.mLines) {
+            TakeUp(line);
+        }
+        if (mFiles.empty() && mTroubles.empty()) {
+            throw Failure("verify: the list " + shown + " names no file", kExitEmpty);
+        }
+    }
+
+    // A name may have several lines. Its file can match only if all of them agree.
+    void TakeUp(const VerifyList::Line& inLine)
+    {
+        VerifiedFile file;
+        file.mName = NameBelowFolder(inLine.mName);
+        file.mListed = inLine.mDigest;
+        if (file.mName.empty()) {
+            file.mName = inLine.mName;
+            file.mState = VerifiedFile::kUnreadable;
+            file.mReason = "this is no name of a file in the folder";
+            mFiles.push_back(std::move(file));
+            return;
+        }
+        const auto [known, isNew] = mListed.insert({file.mName, mFiles.size()});
+        if (isNew) {
+            mFiles.push_back(std::move(file));
+        } else if (VerifiedFile& earlier = mFiles[known->second]; earlier.mListed != file.mListed) {
+            earlier.mState = VerifiedFile::kChanged;
+            earlier.mReason = "the list has two checksums for it";
+        }
+    }
+
+    void TellPlan()
+    {
+        std::uint64_t bytes = 0;
+        for (const ListedFile& file : mListing.mFiles) {
+            mPresent.insert(file.mName);
+            bytes += mListed.count(file.mName) != 0 ? file.mStatus.mSize : 0;
+        }
+        mWatcher.mOnPlanned(mSettings.mIsQuick ? 0 : bytes, mFiles.size());
+    }
+
+    void VerifyAll()
+    {
+        const VerifyContext context{mRoots, mListStatus.mTime, mSettings.mIsQuick, [this](std::size_t inBytes) {
+                                        mBytesRead.fetch_add(inBytes, std::memory_order_relaxed);
+                                        if (IsOver()) {
+                                            throw Stopped();
+                                        }
+                                    }};
+        mLeft = std::max(1u, mSettings.mFilesAtOnce);
+        std::vector<std::thread> threads;
+        for (unsigned i = mLeft; i != 0; --i) {
+            threads.emplace_back([this, &context] { Work(context); });
+        }
+        std::unique_lock<std::mutex> lock(mMutex);
+        while (!mChanged.wait_for(lock, kTick, [this] { return mLeft == 0; })) {
+            lock.unlock();
+            mWatcher.mShow(mBytesRead.load(std::memory_order_relaxed), mDone.load(std::memory_order_relaxed));
+            IsOver();
+            lock.lock();
+        }
+        lock.unlock();
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+
+    bool IsOver()
+    {
+        if (!mEnds.load(std::memory_order_relaxed) && mWatcher.mIsStopped()) {
+            mIsStoppedByUser = true;
+            mEnds = true;
+        }
+        return mEnds.load(std::memory_order_relaxed);
+    }
+
+    void Work(const VerifyContext& inContext)
+    {
+        for (std::size_t i = mNext++; i < mFiles.size() && !IsOver(); i = mNext++) {
+            if (mFiles[i].mState == VerifiedFile::kNotChecked) {
+                VerifyOne(mFiles[i], inContext);
+            }
+            mDone.fetch_add(1, std::memory_order_relaxed);
+        }
+        const std::lock_guard<std::mutex> lock(mMutex);
+        --mLeft;
+        mChanged.notify_all();
+    }
+
+    void VerifyOne(VerifiedFile& ioFile, const VerifyContext& inContext)
+    {
+        try {
+            EntryIdentity identity;
+            VerifyFile(ioFile, inContext, identity);
+            const bool isHere = ioFile.mState != VerifiedFile::kMissing && ioFile.mState != VerifiedFile::kUnreadable;
+            if (!isHere && IsDestinationGone(mRoots)) {
+                ioFile.mState = VerifiedFile::kNotChecked;
+                End("the folder \"" + mRoots.mShownSource + "\" is gone", kExitGone);
+            } else if (isHere && mPresent.count(ioFile.mName) == 0) {
+                const std::lock_guard<std::mutex> lock(mMutex);
+                mOtherSpellings.insert(identity);
+            }
+        } catch (const Stopped&) { // neither right nor wrong
+        } catch (const NoAnswer& failure) {
+            mHasNoAnswer = true;
+            End(std::string(failure.what()).substr(sizeof("verify:")), kExitGone);
+        } catch (const std::exception& failure) {
+            End("cannot check \"" + ioFile.mName + "\": " + failure.what(), kExitFailure);
+        }
+    }
+
+    // Several files may encounter this; only the first reports it.
+    void End(const std::string& inText, int inExitCode)
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        if (!mEnds.exchange(true)) {
+            AddTrouble(inText, inExitCode);
+        }
+    }
+
+    // A volume that ignores case may show a listed file under another spelling.
+    void AddNewFiles()
+    {
+        for (const ListedFile& file : mListing.mFiles) {
+            const bool isOurs =
+                FolderOf(file.mName).empty()
+                && (file.mStatus.mIdentity == mListStatus.mIdentity || file.mName == RecordNameOf(mSettings.mManifest));
+            if (!isOurs && mListed.count(file.mName) == 0 && mOtherSpellings.count(file.mStatus.mIdentity) == 0) {
+                VerifiedFile added;
+                added.mName = file.mName;
+                added.mState = VerifiedFile::kNew;
+                added.mSize = file.mStatus.mSize;
+                mFiles.push_back(std::move(added));
+            }
+        }
+    }
+
+    void AddTrouble(const std::string& inText, int inExitCode)
+    {
+        mTroubles.push_back({"verify: " + inText, inExitCode});
+    }
+
+    const VerifySettings& mSettings;
+    const VerifyWatcher& mWatcher;
+    const IngestRoots mRoots;
+    EntryStatus mListStatus;
+    IngestListing mListing;
+    std::set<std::string> mPresent;
+    std::map<std::string, std::size_t> mListed; // in mFiles
+    std::vector<VerifiedFile> mFiles;
+    std::atomic<bool> mEnds{false};
+    std::atomic<bool> mIsStoppedByUser{false};
+    std::atomic<bool> mHasNoAnswer{false};
+    std::atomic<std::uint64_t> mBytesRead{0};
+    std::atomic<std::size_t> mDone{0};
+    std::atomic<std::size_t> mNext{0};
+    std::mutex mMutex; // guards all below while the threads run
+    std::condition_variable mChanged;
+    unsigned mLeft = 0;
+    std::vector<IngestTrouble> mTroubles;
+    std::set<EntryIdentity> mOtherSpellings;
+};
+
+} // namespace
+
+std::size_t VerifyOutcome::Count(VerifiedFile::State inState) const
+{
+    return static_cast<std::size_t>(std::count_if(
+        mFiles.begin(), mFiles.end(), [inState](const VerifiedFile& inFile) { return inFile.mState == inState; }));
+}
+
+VerifyOutcome VerifyFolder(const std::string& inFolder, const VerifySettings& inSettings,
+                           const VerifyWatcher& inWatcher)
+{
+    const Clock::time_point start = Clock::now();
+    VerifyOutcome outcome;
+    outcome.mShownFolder = inFolder;
+    try {
+        Verification(inFolder, inSettings, inWatcher).Execute(outcome);
+    } catch (const Failure& failure) {
+        outcome.mIsStopped = failure.ExitCode() == kExitStopped;
+        if (!outcome.mIsStopped) {
+            outcome.mTroubles.push_back({OfVerify(failure.what()), failure.ExitCode()});
+        }
+    }
+    outcome.mSeconds = std::chrono::duration<double>(Clock::now() - start).count();
+    return outcome;
+}
+
+} // namespace orl

@@ -1,0 +1,68 @@
+// Compares a folder with its list of checksums.
+#pragma once
+
+#include "Ingest/IngestListing.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+struct VerifySettings
+{
+    std::string mManifest = "ingest.sha256";
+    unsigned mFilesAtOnce = 4;
+    bool mIsQuick = false; // reads no file
+};
+
+struct VerifiedFile
+{
+    enum State {
+        kNotChecked, // the run ended before
+        kVerified,   // the SHA-256 on the disk is the listed one
+        kPresent,    // --quick: nothing contradicts the list
+        kChanged,
+        kMissing,
+        kUnreadable,
+        kNew, // not in the list
+    };
+
+    std::string mName; // below the folder, "/" between folders, as bytes of the host
+    State mState = kNotChecked;
+    std::uint64_t mSize = 0;
+    std::string mListed; // SHA-256; empty for a new file
+    std::string mDigest; // on the disk; empty if the file was not read to its end
+    std::string mReason; // of a change, or why the file cannot be read
+};
+
+struct VerifyOutcome
+{
+    std::string mShownFolder;
+    std::vector<VerifiedFile> mFiles;     // by name
+    std::vector<IngestTrouble> mTroubles; // of the list and the folder, not of one listed file
+    std::uint64_t mBytesRead = 0;
+    double mSeconds = 0;
+    bool mIsStopped = false;
+    bool mHasNoAnswer = false; // the process should end without stopping the library
+
+    std::size_t Count(VerifiedFile::State inState) const;
+};
+
+struct VerifyWatcher
+{
+    std::function<bool()> mIsStopped; // called on any thread, between two blocks
+
+    // Called on the caller's thread: once before the first file, then ten times a second.
+    std::function<void(std::uint64_t inBytesToRead, std::size_t inFiles)> mOnPlanned;
+    std::function<void(std::uint64_t inBytesRead, std::size_t inFilesDone)> mShow;
+};
+
+/// Changes nothing in the folder. Requires a started library. Does not throw Failure: what prevents the work is a
+/// trouble of the outcome.
+VerifyOutcome VerifyFolder(const std::string& inFolder, const VerifySettings& inSettings,
+                           const VerifyWatcher& inWatcher);
+
+} // namespace orl

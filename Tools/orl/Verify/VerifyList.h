@@ -1,0 +1,33 @@
+// A list of checksums as sha256sum writes it. Anybody may have written it.
+#pragma once
+
+#include "Ingest/IngestRoots.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+struct VerifyList
+{
+    struct Line
+    {
+        std::string mName;   // as bytes of the host
+        std::string mDigest; // 64 lower-case hexadecimal digits
+    };
+
+    std::vector<Line> mLines;
+    std::size_t mOtherLines = 0; // checksums of another kind or form
+    EntryStatus mStatus;         // of the file
+};
+
+/// Reads the list of that name in a folder. Throws Failure if it is missing, a link or no list of checksums, or too
+/// long; the memory needed does not grow with the length of other files.
+VerifyList ReadVerifyList(const IngestRoots& inRoots, const std::string& inName);
+
+/// Returns the name with "/" between folders and without "." parts, or an empty text if it does not name a file below
+/// the folder of the list: an absolute path, a ".." part, or a part that the system would split again.
+std::string NameBelowFolder(const std::string& inListed);
+
+} // namespace orl
