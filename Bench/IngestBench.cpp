@@ -4,6 +4,9 @@
 //
 // 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is cached for both; the destination is
 // emptied before each round, outside the measured time.
+//
+// And: what do several destinations cost (one run to two of them, against a run for each), and how fast is "orl verify"
+// against "sha256sum -c"? Both read a folder whose pages were dropped from the cache before each round.
 #include "Harness.h"
 
 #include <cstdint>
@@ -42,7 +45,10 @@ struct Card
     int mFilesInEach;
     std::size_t mFileSize;
 
-    std::uint64_t Files() const { return static_cast<std::uint64_t>(mFolders) * static_cast<std::uint64_t>(mFilesInEach); }
+    std::uint64_t Files() const
+    {
+        return static_cast<std::uint64_t>(mFolders) * static_cast<std::uint64_t>(mFilesInEach);
+    }
     std::uint64_t Bytes() const { return Files() * mFileSize; }
 };
 
@@ -112,14 +118,34 @@ void Compare(const fs::path& inSource, const fs::path& inCopy, std::size_t inFil
     }
 }
 
+// Drops the pages of all files, so that the next read comes from the disk.
+void DropFromCache(const fs::path& inFolder)
+{
+    for (const auto& entry : fs::recursive_directory_iterator(inFolder)) {
+        if (entry.is_regular_file()) {
+            const int file = ::open(entry.path().c_str(), O_RDONLY | O_CLOEXEC);
+            if (file < 0 || ::fdatasync(file) != 0 || ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED) != 0) {
+                Fail("cannot drop " + entry.path().string() + " from the cache");
+            }
+            ::close(file);
+        }
+    }
+}
+
+template <class Work>
+double SecondsOf(const Work& inWork)
+{
+    const double start = Bench::NowInNanoseconds();
+    inWork();
+    return (Bench::NowInNanoseconds() - start) / 1e9;
+}
+
 template <class Work>
 double Seconds(const fs::path& inDisk, const Work& inWork)
 {
     fs::remove_all(inDisk);
     ::sync();
-    const double start = Bench::NowInNanoseconds();
-    inWork();
-    return (Bench::NowInNanoseconds() - start) / 1e9;
+    return SecondsOf(inWork);
 }
 
 void Measure(const Card& inCard)
@@ -147,12 +173,89 @@ void Measure(const Card& inCard)
     group.Peer("cp, then a comparing read past the cache", [&](std::uint64_t) {
         prepare();
         return megabytes / Seconds(disk, [&] {
-            RunCommand("cp -r --reflink=never '" + card.string() + "' '" + disk.string() + "'");
-            Compare(card, disk, inCard.mFileSize);
-        });
+                   RunCommand("cp -r --reflink=never '" + card.string() + "' '" + disk.string() + "'");
+                   Compare(card, disk, inCard.mFileSize);
+               });
     });
     group.Run();
     fs::remove_all(work);
+}
+
+// One source and the destination of an ingest, made when the first round begins.
+struct Ingested
+{
+    const Card mCard;
+    const fs::path mWork = FolderOfThisProgram() / "ingest-bench";
+    const std::string mOrl = "'" + (FolderOfThisProgram() / "orl").string() + "' ";
+    bool mIsMade = false;
+
+    explicit Ingested(const Card& inCard) : mCard(inCard) { fs::remove_all(mWork); }
+    ~Ingested() { fs::remove_all(mWork); }
+    Ingested(const Ingested&) = delete;
+    Ingested& operator=(const Ingested&) = delete;
+
+    double Megabytes() const { return static_cast<double>(mCard.Bytes()) / 1e6; }
+    std::string Shown(const char* inName) const { return " '" + (mWork / inName).string() + "'"; }
+
+    void Prepare()
+    {
+        Bench::UseAllProcessors();
+        if (!mIsMade) {
+            MakeCard(mCard, mWork / "card");
+            mIsMade = true;
+        }
+    }
+
+    void Ingest(const std::string& inDestinations) const
+    {
+        RunCommand(mOrl + "ingest" + Shown("card") + inDestinations);
+    }
+};
+
+void MeasureTwoDestinations(const Card& inCard)
+{
+    Ingested ingested(inCard);
+    const auto seconds = [&ingested](const auto& inWork) {
+        ingested.Prepare();
+        fs::remove_all(ingested.mWork / "one");
+        return Seconds(ingested.mWork / "other", inWork);
+    };
+    Bench::Group group(inCard.mTitle);
+    group.Unit("MB/s", true).Operations(1);
+    group.Ours("orl ingest to two destinations", Bench::AtLeast(1 / 0.65), [&](std::uint64_t) {
+        return ingested.Megabytes()
+               / seconds([&] { ingested.Ingest(ingested.Shown("one") + ingested.Shown("other")); });
+    });
+    group.Peer("orl ingest to one after the other", [&](std::uint64_t) {
+        return ingested.Megabytes() / seconds([&] {
+                   ingested.Ingest(ingested.Shown("one"));
+                   ingested.Ingest(ingested.Shown("other"));
+               });
+    });
+    group.Run();
+}
+
+void MeasureVerify(const Card& inCard)
+{
+    Ingested ingested(inCard);
+    const fs::path disk = ingested.mWork / "one";
+    const auto seconds = [&](const std::string& inCommand) {
+        ingested.Prepare();
+        if (!fs::exists(disk)) {
+            ingested.Ingest(ingested.Shown("one"));
+        }
+        DropFromCache(disk);
+        return SecondsOf([&inCommand] { RunCommand(inCommand); });
+    };
+    Bench::Group group(inCard.mTitle);
+    group.Unit("MB/s", true).Operations(1);
+    group.Ours("orl verify", Bench::AtLeast(1 / 0.6), [&](std::uint64_t) {
+        return ingested.Megabytes() / seconds(ingested.mOrl + "verify" + ingested.Shown("one"));
+    });
+    group.Peer("sha256sum -c, nothing in the cache", [&](std::uint64_t) {
+        return ingested.Megabytes() / seconds("cd '" + disk.string() + "' && sha256sum -c --quiet ingest.sha256");
+    });
+    group.Run();
 }
 
 } // namespace
@@ -164,5 +267,7 @@ int main(int argc, char** argv)
     const int folders = Bench::IsQuick() ? 10 : 100;
     Measure({"ingest of 2 GiB in 40 files", "large", 1, 40, large});
     Measure({"ingest of 10000 files of 10 KiB", "small", folders, 100, 10240});
+    MeasureTwoDestinations({"ingest of 2 GiB to two destinations", "large", 1, 40, large});
+    MeasureVerify({"verify of 2 GiB in 40 files", "large", 1, 40, large});
     return Bench::Finish();
 }
