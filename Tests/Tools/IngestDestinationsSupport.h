@@ -34,7 +34,7 @@ protected:
         watcher.mIsStopped = [this] { return mIsStopped.load(); };
         watcher.mShow = [](std::uint64_t, std::size_t) {};
         watcher.mOnStep = inOnStep;
-        mBytesRead = orl::Ingest(destinations, kManifest, inSettings, watcher);
+        mSource = orl::Ingest(destinations, kManifest, inSettings, watcher);
         return destinations;
     }
 
@@ -54,7 +54,7 @@ protected:
             << inDestination.mOutcome.mTroubles[0].mText;
     }
 
-    std::uint64_t mBytesRead = 0;
+    orl::IngestedSource mSource;
 };
 
 } // namespace ORLTest

@@ -26,16 +26,16 @@ TEST_F(IngestDestinations, Three_GetEverythingFromOneRead)
     for (std::size_t i = 0; i < 3; ++i) {
         ExpectIngested(mCard, DiskOf(i));
     }
-    EXPECT_EQ(BytesOfCard(), mBytesRead);
+    EXPECT_EQ(BytesOfCard(), mSource.mBytesRead);
     RunTo(3);
-    EXPECT_EQ(0u, mBytesRead) << "all is verified before";
+    EXPECT_EQ(0u, mSource.mBytesRead) << "all is verified before";
 }
 
 TEST_F(IngestDestinations, ANewOneBesideCompleteOnes_IsBroughtUpToDate)
 {
     RunTo(2);
     const std::vector<IngestDestination> destinations = RunTo(3);
-    EXPECT_EQ(BytesOfCard(), mBytesRead);
+    EXPECT_EQ(BytesOfCard(), mSource.mBytesRead);
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(i < 2, destinations[i].mOutcome.mRows[0].mDigest.empty()) << i;
         ExpectIngested(mCard, DiskOf(i));
@@ -47,7 +47,7 @@ TEST_F(IngestDestinations, OneThatHasTheFilesAlready_ComparesThem)
 {
     fs::copy(Card(), DiskOf(1), fs::copy_options::recursive);
     const std::vector<IngestDestination> destinations = RunTo(2);
-    EXPECT_EQ(BytesOfCard(), mBytesRead);
+    EXPECT_EQ(BytesOfCard(), mSource.mBytesRead);
     EXPECT_FALSE(destinations[0].mOutcome.mRows[0].mWasPresent);
     EXPECT_TRUE(destinations[1].mOutcome.mRows[0].mWasPresent);
     ExpectIngested(mCard, DiskOf(0));
@@ -79,7 +79,7 @@ TEST_F(IngestDestinations, OneThatStands_StopsNoOther)
     }
     ExpectIngested(mCard, DiskOf(0));
     ExpectIngested(mCard, DiskOf(1));
-    EXPECT_GT(mBytesRead, BytesOfCard()) << "what was not kept is read again";
+    EXPECT_GT(mSource.mBytesRead, BytesOfCard()) << "what was not kept is read again";
 }
 
 TEST_F(IngestDestinations, OneWhereAnotherFileHasAName_LacksThatFileAlone)

@@ -3,17 +3,18 @@
 #include "Console.h"
 #include "Failure.h"
 #include "IngestDestinations.h"
+#include "IngestErase.h"
 #include "IngestProgress.h"
 #include "IngestSummary.h"
 #include "StartedLibrary.h"
+#include "StopRequest.h"
 #include "Text.h"
 
 #include <ORLPathUtils.h>
 
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,48 +30,20 @@ struct Options
     std::vector<std::string> mDestinations;
     std::string mManifest = "ingest.sha256";
     std::string mRate = "25";
+    std::size_t mCopies = 0; // that make the source safe to erase; 0: one at each destination
     IngestSettings mSettings;
 };
 
-// Set by the signal handler, on any thread; polled by all copying threads.
-std::atomic<bool> sIsInterrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "a handler of signals must not wait for a lock");
-
-void OnInterrupt(int)
-{
-    sIsInterrupted = true;
-}
-
-// A signal that is ignored at the start stays ignored: nohup and shells rely on it.
-void Hear(int inSignal)
-{
-    if (std::signal(inSignal, &OnInterrupt) == SIG_IGN) {
-        std::signal(inSignal, SIG_IGN);
-    }
-}
-
-void HearTheUser()
-{
-    Hear(SIGINT);
-    Hear(SIGTERM);
-#ifdef SIGHUP // the terminal was closed
-    Hear(SIGHUP);
-#endif
-#ifdef SIGBREAK // Ctrl-Break, on Windows
-    Hear(SIGBREAK);
-#endif
-}
-
-void Ingest(const Options& inOptions, std::vector<IngestDestination>& ioDestinations)
+IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& ioDestinations)
 {
     std::optional<IngestProgress> progress;
     IngestWatcher watcher;
-    watcher.mIsStopped = [] { return sIsInterrupted.load(); };
+    watcher.mIsStopped = &IsStopRequested;
     watcher.mOnPlanned = [&progress](std::uint64_t inBytesToPass, std::size_t inFiles) {
         progress.emplace(OutputIsTerminal(), inBytesToPass, inFiles);
     };
     watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress->Show(inPassed, inDone); };
-    Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
+    return Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
 }
 
 // Reports every trouble on its own line; the last is thrown as the program's error. If the user stopped the run, the
@@ -88,12 +61,18 @@ void EndWith(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
 
 void Run(const Options& inOptions)
 {
+    if (inOptions.mCopies > inOptions.mDestinations.size()) {
+        throw Failure("ingest: --copies " + std::to_string(inOptions.mCopies) + " needs as many destinations",
+                      kExitUsage);
+    }
     const NamedRate& rate = FindRate(inOptions.mRate);
     const StartedLibrary library;
-    HearTheUser();
+    ListenForStop();
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
-    Ingest(inOptions, destinations);
+    const IngestedSource source = Ingest(inOptions, destinations);
     PrintSummary(destinations, rate, inOptions.mManifest);
+    const std::size_t copies = inOptions.mCopies != 0 ? inOptions.mCopies : destinations.size();
+    std::cout << JudgeErasing(source.mListing, destinations, copies, &IsStopRequested).mLine << std::endl;
     std::vector<IngestTrouble> troubles = TroublesOf(destinations);
     const auto is = [&destinations](bool IngestOutcome::*inWhat) {
         return std::any_of(
@@ -139,6 +118,11 @@ void AddIngest(CLI::App& ioProgram)
                      "files copied at the same time, 1 to 64 (default 4)")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 64).description(""));
+    command
+        ->add_option("--copies", options->mCopies,
+                     "copies of each file that make the source safe to erase (default: one at each destination)")
+        ->type_name("NUMBER")
+        ->check(CLI::PositiveNumber.description(""));
     command->callback([options] { Run(*options); });
 }
 

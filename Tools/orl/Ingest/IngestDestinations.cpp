@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace orl {
 
@@ -39,9 +40,9 @@ public:
     {
     }
 
-    std::uint64_t Execute()
+    IngestedSource Execute()
     {
-        const IngestListing listing = ListSource(mDestinations.front().mRoots, mWatcher.mIsStopped);
+        IngestListing listing = ListSource(mDestinations.front().mRoots, mWatcher.mIsStopped);
         for (std::size_t i = 0; i < mDestinations.size(); ++i) {
             try {
                 Begin(i, listing);
@@ -54,7 +55,7 @@ public:
             TellPlan();
         }
         ServeAll();
-        return mSource.BytesRead();
+        return {std::move(listing), mSource.BytesRead()};
     }
 
 private:
@@ -230,7 +231,7 @@ std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
     return destinations;
 }
 
-std::uint64_t Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
+IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                      const IngestSettings& inSettings, const IngestWatcher& inWatcher)
 {
     return WholeIngest(ioDestinations, inManifestName, inSettings, inWatcher).Execute();

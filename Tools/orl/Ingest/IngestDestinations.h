@@ -31,14 +31,21 @@ struct IngestWatcher
     std::function<void(std::size_t inDestination, IngestStep, const IngestItem&)> mOnStep = {};
 };
 
+/// The source as an ingest found it.
+struct IngestedSource
+{
+    IngestListing mListing;       // before the first file
+    std::uint64_t mBytesRead = 0; // from its files
+};
+
 /// Parses the arguments. Throws Failure if one is invalid or if a destination lies inside another.
 std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
                                                 const std::vector<std::string>& inDestinations);
 
 /// Checks each destination, then serves all destinations at once. A failure at one destination does not stop the
 /// others. Throws Failure if nothing was begun: the source holds no file, the user stops the planning, or the only
-/// destination is refused. Returns the number of bytes read from the source.
-std::uint64_t Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
+/// destination is refused.
+IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                      const IngestSettings& inSettings, const IngestWatcher& inWatcher);
 
 } // namespace orl

@@ -1,0 +1,122 @@
+#include "IngestErase.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace orl {
+
+namespace {
+
+std::string Counted(std::size_t inCount, const char* inWhat)
+{
+    return std::to_string(inCount) + " " + inWhat + (inCount == 1 ? "" : "s");
+}
+
+bool HasAny(const std::vector<IngestDestination>& inDestinations, bool IngestOutcome::*inWhat)
+{
+    return std::any_of(inDestinations.begin(), inDestinations.end(),
+                       [inWhat](const IngestDestination& inDestination) { return inDestination.mOutcome.*inWhat; });
+}
+
+// Returns why the run itself rules it out, or an empty text.
+std::string WhyTheRunIsIncomplete(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations)
+{
+    if (HasAny(inDestinations, &IngestOutcome::mIsStopped)) {
+        return "the ingest was stopped";
+    }
+    if (HasAny(inDestinations, &IngestOutcome::mHasNoAnswer)) {
+        return "a disk does not answer";
+    }
+    return inBefore.mTroubles.empty() ? "" : "some of it cannot be read";
+}
+
+std::string WhyCopiesAreMissing(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations,
+                                std::size_t inCopies)
+{
+    std::map<std::string, std::size_t> copies;
+    for (const IngestDestination& destination : inDestinations) {
+        for (const IngestOutcome::Row& row : destination.mOutcome.mRows) {
+            ++copies[row.mItem->mName];
+        }
+    }
+    std::size_t lacking = 0;
+    std::string first;
+    for (const ListedFile& file : inBefore.mFiles) {
+        if (copies[file.mName] < inCopies) {
+            first = lacking++ == 0 ? file.mName : std::min(first, file.mName);
+        }
+    }
+    if (lacking == 0) {
+        return "";
+    }
+    return Counted(lacking, "file") + (lacking == 1 ? " (" : " (the first is ") + "\"" + first + "\")"
+           + (lacking == 1 ? " is" : " are") + " verified at fewer than " + Counted(inCopies, "destination");
+}
+
+std::map<std::string, EntryStatus> ByName(const std::vector<ListedFile>& inFiles)
+{
+    std::map<std::string, EntryStatus> files;
+    for (const ListedFile& file : inFiles) {
+        files[file.mName] = file.mStatus;
+    }
+    return files;
+}
+
+std::string WhatChanged(const IngestListing& inBefore, const IngestListing& inAfter)
+{
+    if (!inAfter.mTroubles.empty()) {
+        return "it could not be listed again";
+    }
+    const std::map<std::string, EntryStatus> before = ByName(inBefore.mFiles);
+    std::map<std::string, EntryStatus> after = ByName(inAfter.mFiles);
+    for (const auto& [name, status] : before) {
+        const auto found = after.find(name);
+        if (found == after.end()) {
+            return "\"" + name + "\" was removed during the ingest";
+        }
+        if (found->second.mSize != status.mSize || found->second.mTime != status.mTime) {
+            return "\"" + name + "\" changed during the ingest";
+        }
+        after.erase(found);
+    }
+    if (!after.empty()) {
+        return "\"" + after.begin()->first + "\" was added during the ingest";
+    }
+    return inBefore.mFolders == inAfter.mFolders ? "" : "its folders changed during the ingest";
+}
+
+std::string WhyTheSourceChanged(const IngestListing& inBefore, const IngestRoots& inRoots,
+                                const std::function<bool()>& inIsStopped)
+{
+    try {
+        return WhatChanged(inBefore, ListSource(inRoots, inIsStopped));
+    } catch (const Failure& failure) {
+        return failure.ExitCode() == kExitStopped ? "the ingest was stopped" : "it could not be listed again";
+    }
+}
+
+} // namespace
+
+EraseVerdict JudgeErasing(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations,
+                          std::size_t inCopies, const std::function<bool()>& inIsStopped)
+{
+    std::string reason = WhyTheRunIsIncomplete(inBefore, inDestinations);
+    if (reason.empty()) {
+        reason = WhyCopiesAreMissing(inBefore, inDestinations, inCopies);
+    }
+    if (reason.empty()) {
+        reason = WhyTheSourceChanged(inBefore, inDestinations.front().mRoots, inIsStopped);
+    }
+    if (!reason.empty()) {
+        return {false, "Not safe to erase the source: " + OnOneLine(reason) + "."};
+    }
+    return {true, "Safe to erase the source: all of its files (" + std::to_string(inBefore.mFiles.size())
+                      + ") are verified at " + Counted(inCopies, "destination")
+                      + (inCopies < inDestinations.size() ? " or more." : ".")};
+}
+
+} // namespace orl
