@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "IngestDestinations.h"
 #include "IngestErase.h"
+#include "IngestPreview.h"
 #include "IngestProgress.h"
 #include "IngestSummary.h"
 #include "StartedLibrary.h"
@@ -30,6 +31,7 @@ struct Options
     std::vector<std::string> mDestinations;
     std::string mManifest = "ingest.sha256";
     std::string mRate = "25";
+    bool mIsDryRun = false;
     std::size_t mCopies = 0; // that make the source safe to erase; 0: one at each destination
     IngestSettings mSettings;
 };
@@ -69,6 +71,11 @@ void Run(const Options& inOptions)
     const StartedLibrary library;
     ListenForStop();
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
+    if (inOptions.mIsDryRun) {
+        PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested), destinations);
+        EndWith(TroublesOf(destinations), false);
+        return;
+    }
     const IngestedSource source = Ingest(inOptions, destinations);
     PrintSummary(destinations, rate, inOptions.mManifest);
     const std::size_t copies = inOptions.mCopies != 0 ? inOptions.mCopies : destinations.size();
@@ -104,6 +111,7 @@ void AddIngest(CLI::App& ioProgram)
         ->add_option("DEST", options->mDestinations,
                      "destination folders; created if missing; the source is read once for all")
         ->required();
+    command->add_flag("--dry-run", options->mIsDryRun, "show what would be done, and change nothing");
     command->add_flag("--replace", options->mSettings.mReplaces,
                       "replace different files of the same name at the destination");
     command->add_option("--manifest", options->mManifest, "file name of the manifest in DEST (default ingest.sha256)")

@@ -108,24 +108,32 @@ bool AreOnePath(const Asked& inAsked, const std::string& inLeft, const std::stri
 
 } // namespace
 
+std::vector<std::vector<std::string>> FindNamesAlike(const std::vector<ListedFile>& inFiles)
+{
+    std::map<UTF16String, std::vector<std::string>> alike;
+    for (const ListedFile& file : inFiles) {
+        alike[tvxcore::utility::FoldCase(ToUTF16(file.mName))].push_back(file.mName);
+    }
+    std::vector<std::vector<std::string>> groups;
+    for (auto& [folded, names] : alike) {
+        if (names.size() > 1) {
+            groups.push_back(std::move(names));
+        }
+    }
+    return groups;
+}
+
 std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, const IngestRoots& inRoots,
                                      IngestRecord* ioRecord)
 {
-    std::map<UTF16String, std::vector<const std::string*>> alike;
-    for (const ListedFile& file : inFiles) {
-        alike[tvxcore::utility::FoldCase(ToUTF16(file.mName))].push_back(&file.mName);
-    }
     std::set<std::string> taken;
-    for (const auto& [folded, names] : alike) {
-        if (names.size() == 1) {
-            continue;
-        }
-        const Asked asked(inRoots, ioRecord, FolderOf(*names.front()));
-        std::vector<const std::string*> kept;
-        for (const std::string* const name : names) {
-            const auto isOne = [&](const std::string* inKept) { return AreOnePath(asked, *inKept, *name); };
+    for (const std::vector<std::string>& names : FindNamesAlike(inFiles)) {
+        const Asked asked(inRoots, ioRecord, FolderOf(names.front()));
+        std::vector<std::string> kept;
+        for (const std::string& name : names) {
+            const auto isOne = [&](const std::string& inKept) { return AreOnePath(asked, inKept, name); };
             if (std::any_of(kept.begin(), kept.end(), isOne)) {
-                taken.insert(*name);
+                taken.insert(name);
             } else {
                 kept.push_back(name);
             }

@@ -39,7 +39,9 @@ public:
         FindPlaces();
         std::sort(mListing.mFiles.begin(), mListing.mFiles.end(),
                   [](const ListedFile& inLeft, const ListedFile& inRight) { return inLeft.mName < inRight.mName; });
-        const std::set<std::string> taken = FindCollisions(mListing.mFiles, mRoots, mRequest.mRecord);
+        const std::set<std::string> taken = mRequest.mIsDryRun
+                                                ? std::set<std::string>()
+                                                : FindCollisions(mListing.mFiles, mRoots, mRequest.mRecord);
         for (const ListedFile& file : mListing.mFiles) {
             CheckStopped();
             if (taken.count(file.mName) == 0) {
@@ -253,18 +255,31 @@ private:
     std::string mOpenedName;
 };
 
-void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::uint64_t inPromised)
+/// A folder on a volume of the destination, and its library path.
+struct Measured
+{
+    Measured(const IngestVolume& inVolume, const IngestRoots& inRoots)
+    {
+        const bool isHeld =
+            inRoots.mHasDestination && ORL::ResultSucceeded(inRoots.OpenDestination(inVolume.mFolder, mFolder));
+        mPath = isHeld ? mFolder.Path() : inRoots.mDestination;
+    }
+
+    HeldFolder mFolder;
+    UTF16String mPath; // valid while the folder is held
+};
+
+void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::int64_t inPromised)
 {
     if (inVolume.mLargest == 0) {
         return;
     }
-    HeldFolder folder;
-    const bool isHeld =
-        inRoots.mHasDestination && ORL::ResultSucceeded(inRoots.OpenDestination(inVolume.mFolder, folder));
-    const UTF16String path = isHeld ? folder.Path() : inRoots.mDestination;
+    const Measured measured(inVolume, inRoots);
+    const UTF16String& path = measured.mPath;
     const std::string shown = JoinHostPath(inRoots.mShownDestination, inVolume.mFolder);
     const std::uint64_t free = ORL::DiskUtils::GetFreeSpaceFromPath(path);
-    const std::uint64_t bytes = inPromised + inVolume.mBytes;
+    const auto bytes =
+        static_cast<std::uint64_t>(std::max<std::int64_t>(0, inPromised + static_cast<std::int64_t>(inVolume.mBytes)));
     if (bytes > free) {
         throw Failure("ingest: \"" + shown + "\" has " + InWords(free) + " free, but " + InWords(bytes)
                           + " are needed; nothing was begun",
@@ -291,8 +306,13 @@ void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoo
         CheckRoomOf(volume, inRoots, ioPromised[volume.mVolume]);
     }
     for (const IngestVolume& volume : inPlan.mVolumes) {
-        ioPromised[volume.mVolume] += volume.mBytes;
+        ioPromised[volume.mVolume] += static_cast<std::int64_t>(volume.mBytes);
     }
+}
+
+std::uint64_t FreeRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots)
+{
+    return ORL::DiskUtils::GetFreeSpaceFromPath(Measured(inVolume, inRoots).mPath);
 }
 
 } // namespace orl

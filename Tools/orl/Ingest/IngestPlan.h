@@ -66,14 +66,18 @@ struct IngestPlanRequest
     IngestRecord* mRecord = nullptr; // null if the destination does not exist yet
     bool mReplaces = false;
     std::function<bool()> mIsStopped;
+    bool mIsDryRun = false; // do not try names and times at the destination
 };
 
 /// Compares the listing with what is at the destination. Throws Failure if the source holds no file, or a file with the
 /// manifest's name.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
-/// Bytes that earlier destinations of this run will write, by volume.
-using PromisedRoom = std::map<std::uint64_t, std::uint64_t>;
+/// Bytes that earlier destinations of this run will write, by volume. Negative if leftovers will be deleted.
+using PromisedRoom = std::map<std::uint64_t, std::int64_t>;
+
+/// Returns the free bytes of a volume.
+std::uint64_t FreeRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots);
 
 /// Throws Failure if a volume of the destination lacks free space for its files, or if a file exceeds the file system's
 /// limit. Otherwise adds the bytes to ioPromised.

@@ -152,23 +152,29 @@ void IngestRecord::OpenOnce()
 {
     EntryStatus status;
     const ORL::Result look = mFolder.Look(mName, Links::kStay, status);
-    const std::string shown = "\"" + JoinHostPath(mRoots.mShownDestination, mName) + "\"";
     if (ORL::ResultSucceeded(look) && status.mKind != EntryStatus::kFile) {
-        throw Failure("ingest: " + shown
-                      + " was not created by orl ingest (delete it, or choose another manifest with --manifest)");
+        RefuseForeign();
     }
     const ORL::Result result = mFile.Create(
         mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write, static_cast<Share::Type>(0),
         ORL::ResultSucceeded(look) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
         Attributes::kFileAttribute_Normal, true);
-    if (result == ORL::kSharingViolation) {
-        throw Failure("ingest: another ingest is using \"" + mRoots.mShownDestination + "\"");
-    }
     const bool hasChanged =
         ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // then try again
-    if (!ORL::ResultSucceeded(result) && !hasChanged) {
-        throw Failure("ingest: cannot open " + shown + ": " + Describe(result),
-                      result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+    if (result == ORL::kSharingViolation || !hasChanged) {
+        CheckOpened(result);
+    }
+}
+
+void IngestRecord::CheckOpened(ORL::Result inResult) const
+{
+    if (inResult == ORL::kSharingViolation) {
+        throw Failure("ingest: another ingest is using \"" + mRoots.mShownDestination + "\"");
+    }
+    if (!ORL::ResultSucceeded(inResult)) {
+        throw Failure("ingest: cannot open \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                          + "\": " + Describe(inResult),
+                      inResult == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
     }
 }
 
@@ -180,7 +186,14 @@ bool IngestRecord::HasItsName()
            && status.mKind == EntryStatus::kFile && status.mIdentity == identity;
 }
 
-void IngestRecord::Read()
+void IngestRecord::RefuseForeign() const
+{
+    throw Failure("ingest: \"" + JoinHostPath(mRoots.mShownDestination, mName)
+                  + "\" was not created by orl ingest (delete it, or name another manifest with --manifest)");
+}
+
+// A record that cannot be read may hold something, and a foreign file is not ours: both are closed, and stay.
+std::string IngestRecord::ReadText()
 {
     std::string text;
     std::vector<char> block(1 << 16);
@@ -188,7 +201,7 @@ void IngestRecord::Read()
     for (unsigned int count = isSmall ? 1 : 0; count != 0;) {
         const ORL::Result result = mFile.Read(block.data(), static_cast<unsigned>(block.size()), count);
         if (!ORL::ResultSucceeded(result)) {
-            mFile.Close(); // it may hold something, so it stays
+            mFile.Close();
             throw Failure("ingest: cannot read \"" + JoinHostPath(mRoots.mShownDestination, mName)
                           + "\": " + Describe(result));
         }
@@ -196,25 +209,59 @@ void IngestRecord::Read()
     }
     const std::string header(kHeader);
     if (!isSmall || text.compare(0, header.size(), header, 0, text.size()) != 0) {
-        mFile.Close(); // it is not ours, so it stays
-        throw Failure("ingest: \"" + JoinHostPath(mRoots.mShownDestination, mName)
-                      + "\" was not created by orl ingest (delete it, or choose another manifest with --manifest)");
+        mFile.Close();
+        RefuseForeign();
     }
-    if (text.size() < header.size()) {
-        mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_Begin);
-        mFile.SetEndOfFile();
-        Write(header, false);
-        return;
-    }
-    for (std::size_t at = header.size(), end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+    return text;
+}
+
+// Without the header. An incomplete last line is ignored.
+void IngestRecord::TakeUpLines(const std::string& inText)
+{
+    for (std::size_t at = sizeof(kHeader) - 1, end = 0; (end = inText.find('\n', at)) != std::string::npos;
+         at = end + 1) {
         if (end != at) {
-            TakeUp(text.substr(at, end - at), mRemains);
+            TakeUp(inText.substr(at, end - at), mRemains);
         }
     }
+}
+
+void IngestRecord::Read()
+{
+    const std::string text = ReadText();
+    if (text.size() < sizeof(kHeader) - 1) {
+        mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_Begin);
+        mFile.SetEndOfFile();
+        Write(kHeader, false);
+        return;
+    }
+    TakeUpLines(text);
     mTemporaries = mRemains.mTemporaries;
     mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest has been read
     if (text.back() != '\n') {
         Write("\n", false); // ends the incomplete line of a killed run, which is ignored
+    }
+}
+
+void IngestRecord::Peek()
+{
+    EntryStatus status;
+    if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))
+        || mFolder.Look(mName, Links::kStay, status) == ORL::kFileNotFound) {
+        return;
+    }
+    if (status.mKind != EntryStatus::kFile) {
+        RefuseForeign();
+    }
+    const ORL::Result result = mFile.Create(
+        mFolder.PathOf(mName), Access::kFileAccess_Read,
+        Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete,
+        Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
+    CheckOpened(result);
+    const std::string text = ReadText();
+    mFile.Close(); // so that the destructor deletes nothing
+    if (text.size() >= sizeof(kHeader) - 1) {
+        TakeUpLines(text);
     }
 }
 

@@ -39,6 +39,9 @@ public:
     /// program made the file of this name.
     void Open();
 
+    /// Reads what earlier runs left, if there is a record, and changes nothing. Throws Failure like Open.
+    void Peek();
+
     const IngestRemains& Remains() const { return mRemains; }
 
     /// Deletes the unfinished files of earlier runs, except in folders of the source.
@@ -66,6 +69,10 @@ private:
     void OpenOnce();
     bool HasItsName();
     void Read();
+    std::string ReadText();
+    void TakeUpLines(const std::string& inText);
+    [[noreturn]] void RefuseForeign() const;
+    void CheckOpened(ORL::Result inResult) const;
     void Write(const std::string& inLine, bool inIsFlushed);
 
     const IngestRoots& mRoots;

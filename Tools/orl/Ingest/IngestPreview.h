@@ -1,0 +1,28 @@
+// What an ingest would do, found out without changing anything.
+#pragma once
+
+#include "IngestDestinations.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+struct IngestPreview
+{
+    std::vector<std::vector<std::string>> mNamesAlike; // in case alone: one file each on a volume that ignores case
+    std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes that a run deletes first, by volume
+};
+
+/// Fills the plan of each destination, and the troubles of its outcome. A trouble of one destination stops no other.
+/// Throws Failure if the source cannot be listed or the user stops.
+IngestPreview PreviewIngest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
+                            const IngestSettings& inSettings, const std::function<bool()>& inIsStopped);
+
+/// The files and their states, the sums, and the room on each volume.
+void PrintPreview(const IngestPreview& inPreview, const std::vector<IngestDestination>& inDestinations);
+
+} // namespace orl
