@@ -266,11 +266,13 @@ TEST_F(DeepTrees, Listing_WithoutADescriptor_ThrowsAndIsNeverCut)
     const std::size_t whole = List(From()).size();
     const FewDescriptors few;
     for (unsigned left = 0; left <= 4; ++left) {
+        std::exception_ptr thrown; // outlives the shortage: the undefined behaviour sanitizer needs descriptors to check it
         const NearlyAllDescriptors held(left);
         try {
             EXPECT_EQ(whole, List(From()).size()) << left;
             EXPECT_LT(0u, left);
         } catch (const eDirectoryNotListed&) {
+            thrown = std::current_exception();
             EXPECT_EQ(0u, left) << "one is enough for any depth";
         }
     }
