@@ -1,8 +1,8 @@
 // The hash compared with a plain lookup2 loop with 32-bit loads, followed by one more mix step as in ours. Without that
 // step the peer would do less work: for 16 bytes it is a third of the total.
 //
-// Question: do the check, the record of three words and the call cost anything? The dependency chain of the mix step
-// limits hashing, so their cost should be hidden.
+// Question: do the contract check, the updating of HashValue's three words and the call across the library boundary
+// cost anything? The dependency chain of the mix step limits hashing, so this cost should be hidden.
 #include "Harness.h"
 
 #include <ORLHashValue.h>

@@ -1,9 +1,9 @@
-"""GDB pretty-printers: the library's values as what they mean.
+"""GDB pretty-printers for the library's types.
 
     (gdb) source /where/installed/share/ORLFoundation/debug/orl_printers.py
 
-A Timecode shows its label and rate, texts show their letters, owning pointers their owners and object. Nothing of the
-program is called, so a core file shows the same. "print /r" shows the members as they are.
+A Timecode is shown as label and rate, a string as text, an owning pointer as reference count and object. The printers
+call no function of the program, so they also work on core files. "print /r" shows the members as they are.
 """
 import re
 
@@ -17,11 +17,11 @@ INVALID_TIME = -(1 << 63)
 
 FRAMES, FEET_16MM, FEET_35MM, MILLISECONDS = 109, 111, 112, 201
 DROP_FRAME = (102, 106)
-MAX_UNITS = 1 << 16  # no more of a text is read: a length may be garbage
+MAX_UNITS = 1 << 16  # limit for the text read, because a length may be garbage
 
 
 def members(value, base):
-    """The value as its base class of that name, through which members of a base are reached."""
+    """Returns the value cast to its base class of that name, to access members of the base."""
     for field in value.type.strip_typedefs().fields():
         if field.is_base_class and field.name.startswith(base):
             return value[field]
@@ -35,7 +35,7 @@ def quotient(number, divisor):
 
 
 def rate_text(ticks):
-    """Frames per second, as a person says them."""
+    """Returns the frame rate in its usual short form."""
     spoken = {NTSC: "29.97", NTSC_HD: "59.94", FILM_NTSC: "23.976", 0: "0"}
     if ticks in spoken:
         return spoken[ticks]
@@ -45,7 +45,7 @@ def rate_text(ticks):
 
 
 def time_text(ticks):
-    """Seconds with up to six digits behind the point."""
+    """Returns the seconds with up to six decimals."""
     if ticks == INVALID_TIME:
         return "invalid"
     micros = (abs(ticks) * 2000000 + TICKS_PER_SECOND) // (2 * TICKS_PER_SECOND)
@@ -54,7 +54,7 @@ def time_text(ticks):
 
 
 class Text:
-    """A text in quotes; what is no UTF-16 or UTF-8 shows as an escape."""
+    """Prints a text in quotes; invalid UTF-16 or UTF-8 appears as escapes."""
 
     def __init__(self, pointer, length, unit_size):
         self.pointer, self.length, self.unit_size = pointer, length, unit_size
@@ -74,13 +74,13 @@ class Text:
 
 
 def string_printer(value):
-    """UTF16String and UTF8String."""
+    """Prints a UTF16String or UTF8String."""
     unit = value.type.strip_typedefs().template_argument(0)
     return Text(value["_M_dataplus"]["_M_p"], int(value["_M_string_length"]), unit.sizeof)
 
 
 def const_string_printer(value):
-    """ConstString and StdConstString: their text ends at a zero."""
+    """Prints a ConstString or StdConstString, whose text is zero-terminated."""
     handle = members(value, "ORL::Internal::ConstStringHandle")
     text = handle["mText"]
     length = 0
@@ -90,7 +90,7 @@ def const_string_printer(value):
 
 
 class Line:
-    """A value that is one line."""
+    """Prints a value on one line."""
 
     def __init__(self, text):
         self.text = text
@@ -100,7 +100,7 @@ class Line:
 
 
 class Owner:
-    """An owning pointer: how many own the object, and the object."""
+    """Prints an owning pointer: the reference count and the object."""
 
     def __init__(self, title, pointer, count):
         self.title, self.pointer, self.count = title, pointer, count
@@ -121,7 +121,7 @@ def object_ptr_printer(value):
 
 
 def reference_count(value):
-    """The count inside an object, however deep in its bases."""
+    """Returns the reference count of an object, searched in all its base classes."""
     for field in value.type.fields():
         if field.name == "mRefCount":
             return int(value[field])
@@ -133,7 +133,7 @@ def reference_count(value):
 
 
 class InterfaceOwner(Owner):
-    """A class that counts in its own way has a count that is not known here."""
+    """Prints an interface reference; omits the reference count if no count is found in the object."""
 
     def to_string(self):
         if int(self.pointer) == 0 or self.count is not None:
@@ -166,7 +166,7 @@ def rate_printer(value):
 
 
 class Record:
-    """The members of a Timecode's record that its label is made of."""
+    """Returns the members of a Timecode's record that determine its label."""
 
     def __init__(self, record):
         self.ticks = int(record["mTime"]["mTicks"])
@@ -212,7 +212,7 @@ def timecode_printer(value):
     try:
         record_type = gdb.lookup_type("ORL::Timecode::PrivateImpl")
     except gdb.error:
-        return None  # the library has no symbols here
+        return None  # the library has no debug symbols
     pointer = value["mPrivateImpl"].address.cast(record_type.pointer().pointer()).dereference()
     if int(pointer) == 0:
         return Line("no record yet")
@@ -233,7 +233,7 @@ PRINTERS = [(re.compile(pattern), printer) for pattern, printer in [
 
 
 def orl_printer(value):
-    """The printer of a value of ours, else None."""
+    """Returns the printer for a value of the library's types, else None."""
     name = value.type.unqualified().strip_typedefs().name
     if name is None:
         return None
@@ -244,7 +244,7 @@ def orl_printer(value):
 
 
 def put_first(*_):
-    """GDB asks the printers of object files first, and the standard library's would show 16-bit texts as numbers."""
+    """GDB tries the printers of object files first, and the standard library's would show 16-bit texts as numbers."""
     for objfile in gdb.objfiles():
         if objfile.pretty_printers and objfile.pretty_printers[0] is not orl_printer:
             objfile.pretty_printers = [orl_printer] + [p for p in objfile.pretty_printers if p is not orl_printer]

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Checks the house rules that can be read off the includes.
+"""Checks the project rules that can be verified from the #include lines.
 
-Floors: includes run downwards only. A source or header below Src belongs to the floor of its folder, a header of API/Inc
-or Inc to the floor that its first line names ("// Floor: Threads"). What stands in a platform folder belongs to the floor
-that it works for: the one its first line names, else the highest of those whose seam headers it includes. A seam header
-is that of the lowest floor whose portable code includes it.
-Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
-Tools and examples: public headers alone.
-The roof: ORLFoundation.h brings in every public header.
+Floors: a file includes only its own and lower floors. A source or header below Src belongs to the floor of its folder,
+a header of API/Inc or Inc to the floor that its first line names ("// Floor: Threads"). A file in a platform folder
+belongs to the floor that its first line names, else to the highest floor whose seam headers it includes. A seam header
+belongs to the lowest floor whose portable code includes it.
+Seam: only the platform folders and the export headers (*Config.h) contain OS headers or platform conditions.
+Tools and examples: they include public headers only.
+The roof: ORLFoundation.h includes every public header.
 Prints one line for each fault; exit code 1 if there is any. check_floors.py [ROOT]
 """
 import re
@@ -70,7 +70,7 @@ def named_floor(path):
 
 
 def local_header(path, name):
-    """The header of our own that stands where a relative include points to, or None."""
+    """Returns the project header that a relative include names, or None."""
     target = (path.parent / name).resolve()
     return target if target.is_file() and ROOT / "Src" in target.parents else None
 
@@ -98,7 +98,7 @@ def floor_sources():
 
 
 def seam_rooms(floors):
-    """Seam header -> the lowest floor that asks for it."""
+    """Seam header -> the lowest floor that includes it."""
     rooms = {}
     for path in floor_sources():
         floor = None if in_platform_folder(path) else floor_of(path, floors)

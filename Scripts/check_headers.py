@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compiles each public header alone, with every warning on: check_headers.py COMPILER STANDARD BUILD_INCLUDE_DIR
+"""Checks that each public header compiles alone with all warnings: check_headers.py COMPILER STANDARD BUILD_INCLUDE_DIR
 
-Prints the compiler's words for each header that fails; exit code 1 if any does.
+Prints the compiler's messages for each header that fails; exit code 1 if any does.
 """
 import subprocess
 import sys

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes Res/ORLFoundation.ico: a strip of film frames on a timeline, in three sizes.
 
-Painted four times as large and averaged, so that edges are smooth.
+Paints each size four times as large and averages the pixels, so that edges are smooth.
 """
 import struct
 from pathlib import Path
@@ -24,7 +24,7 @@ def inside_rounded(x, y, left, top, right, bottom, radius):
 
 
 def colour_at(x, y):
-    """Of a point of the unit square."""
+    """Returns the colour at a point of the unit square."""
     if not inside_rounded(x, y, 0.02, 0.02, 0.98, 0.98, 0.18):
         return NOTHING
     for number, colour in enumerate(FRAMES):

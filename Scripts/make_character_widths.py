@@ -11,7 +11,7 @@ def width(point):
     character = chr(point)
     category = unicodedata.category(character)
     if category in ("Mn", "Me") or (category == "Cf" and point != 0xAD) or 0x1160 <= point <= 0x11FF:
-        return 0  # it joins the character before it; the second half of a Hangul syllable does, too
+        return 0  # combines with the preceding character, as does the second half of a Hangul syllable
     return 2 if unicodedata.east_asian_width(character) in "WF" else 1
 
 
@@ -20,7 +20,7 @@ def main():
     earlier = 1
     for point in range(0x80, sys.maxunicode + 1):
         if unicodedata.category(chr(point)) == "Cn":
-            continue  # not assigned: a run may go on across it
+            continue  # unassigned code point: a run may continue across it
         here = width(point)
         if here != 1 and here == earlier:
             runs[-1][1] = point

@@ -17,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The system calls that the tool makes directly. During its lifetime, they are counted, and one of them may fail.
+/// Intercepts the system calls that the tool makes directly: counts the calls during its lifetime, and can make one
+/// fail.
 class FaultyIngestCalls
 {
 public:

@@ -25,7 +25,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// After this time without an answer the size of the file is checked.
+// After this time without a completed read, the size of the file is checked.
 constexpr std::chrono::milliseconds kLook(500);
 
 class AlignedMemory
@@ -111,7 +111,7 @@ private:
         double mLatency = 0;
         unsigned mBytesRead = 0;
         int mResult = ORL::kSuccess;
-        bool mIsDone = false; // guarded by mMutex, like all that a callback writes
+        bool mIsDone = false; // guarded by mMutex, like all members that a callback writes
     };
 
     void Open()
@@ -192,7 +192,7 @@ private:
 
     // If the OS does not refuse a read beyond the end at its start, the read fails at its completion and is never
     // reported. Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
-    // disk that is gone may not answer it either.
+    // disconnected disk may not answer the query either.
     void CheckNotCut()
     {
         const std::uint64_t size = mAskedSize != nullptr ? mAskedSize->load() : kWhole;
@@ -208,7 +208,7 @@ private:
         try {
             std::thread(&AskAgain, mAskedSize, mRead.mPath).detach();
         } catch (const std::system_error&) {
-            *mAskedSize = kWhole; // without a thread, assume that the file is whole
+            *mAskedSize = kWhole; // if no thread can be started, assume that the file is complete
         }
     }
 

@@ -25,10 +25,10 @@ struct UnbufferedRead
     std::string mWho;                   // the command, for its error messages
     std::string mShown;                 // the file name as the user typed it
     UTF16String mPath;                  // the file's library path
-    std::optional<std::uint64_t> mSize; // bytes to read; the file's size if empty
+    std::optional<std::uint64_t> mSize; // bytes to read; if not set, the whole file
     std::size_t mBlockSize = 1 << 20;   // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;            // reads in flight
-    unsigned mPatience = 60;            // timeout in seconds without any answer from the disk
+    unsigned mPatience = 60;            // seconds without a completed read before NoAnswer is thrown
 };
 
 struct UnbufferedFigures
@@ -39,11 +39,11 @@ struct UnbufferedFigures
 };
 
 /// Receives the blocks of a file in order: the bytes, and the seconds from queuing the read to its callback. The last
-/// argument is the size of the file. An exception from it ends the read.
+/// argument is the size of the file. If the function throws, the read ends.
 using UnbufferedSink =
     std::function<void(const unsigned char* inBytes, std::size_t inCount, double inLatency, std::uint64_t inSize)>;
 
-/// Requires a started library. Throws Failure; no read is in flight then, except after NoAnswer.
+/// Requires a started library. Throws Failure on an error. No read is in flight when it throws, except for NoAnswer.
 UnbufferedFigures ReadUnbuffered(const UnbufferedRead& inRead, const UnbufferedSink& inSink);
 
 } // namespace orl

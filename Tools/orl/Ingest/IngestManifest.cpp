@@ -17,7 +17,7 @@ using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
 constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // several million lines
-constexpr std::size_t kLongestLine = 1 << 17;              // far above a path of 4096 bytes in its longest form
+constexpr std::size_t kLongestLine = 1 << 17;              // far longer than the escaped form of a path of 4096 bytes
 constexpr std::size_t kBlock = 1 << 16;
 
 UTF16String Folded(const std::string& inName)
@@ -87,7 +87,7 @@ void IngestManifest::Read()
     TellRecord();
 }
 
-// Only the record explains an incomplete line and lines that became comments.
+// Only the record tells which incomplete line and which comments a killed run of orl has written.
 void IngestManifest::TellRecord()
 {
     mRecord.SetNeededByManifest(mFound != mLength || !mWithdrawn.empty());
@@ -199,7 +199,7 @@ void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
     Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "flush");
 }
 
-// Removes a line that may not be on disk: the next run would take it for a valid one.
+// If the write fails, removes the partial text: the next run could take it for a valid line.
 void IngestManifest::Append(const std::string& inText)
 {
     OpenToWrite();
@@ -209,7 +209,7 @@ void IngestManifest::Append(const std::string& inText)
     } catch (const Failure&) {
         mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
         if (mFile.SetEndOfFile() != 0) {
-            mFound = mLength + 1; // a later run cuts it off
+            mFound = mLength + 1; // the partial line remains; mFound != mLength makes a later run truncate it
             TellRecord();
         }
         throw;
@@ -220,7 +220,7 @@ void IngestManifest::Append(const std::string& inText)
     mRecord.NoteManifestIsWhole();
 }
 
-// The record is written before the line changes, so that a later run can tell our comments from those of users.
+// The record is written before the line changes, so that a later run can tell comments of orl from those of users.
 void IngestManifest::WithdrawPlaces(const std::string& inName)
 {
     const auto line = mLines.find(inName);
@@ -300,7 +300,7 @@ void IngestManifest::Compact()
     }
     mRecord.Forget("", temporary);
     Check(result, "replace");
-    mWithdrawn.clear(); // all offsets are invalid now: this is the last step of a run
+    mWithdrawn.clear(); // all offsets are invalid after the rewrite, which is the last step of a run
     mLines.clear();
     TellRecord();
 }

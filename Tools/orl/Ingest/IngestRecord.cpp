@@ -133,8 +133,8 @@ void IngestRecord::Open()
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
         throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
     }
-    // A run that ends deletes the record. A run that opened the record just before has then locked a file without a
-    // name, and must open it again.
+    // A run that ends deletes the record. A run that opened the record just before that holds a lock on a deleted file,
+    // and must create and open the record again.
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         OpenOnce();
@@ -215,7 +215,7 @@ std::string IngestRecord::ReadText()
     return text;
 }
 
-// Without the header. An incomplete last line is ignored.
+// Parses the lines after the header. Ignores an incomplete last line.
 void IngestRecord::TakeUpLines(const std::string& inText)
 {
     for (std::size_t at = sizeof(kHeader) - 1, end = 0; (end = inText.find('\n', at)) != std::string::npos;
@@ -237,7 +237,7 @@ void IngestRecord::Read()
     }
     TakeUpLines(text);
     mTemporaries = mRemains.mTemporaries;
-    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest has been read
+    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest is read
     if (text.back() != '\n') {
         Write("\n", false); // ends the incomplete line of a killed run, which is ignored
     }

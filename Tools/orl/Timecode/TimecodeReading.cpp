@@ -56,7 +56,7 @@ void CheckCount(double inCount, const FrameRate& inRate, std::size_t inWhere)
     }
 }
 
-// Checks the number of digits, because the library accepts any and wraps around.
+// Checks the number of digits, because the library accepts any number of digits and the value wraps around.
 void CheckFields(const std::string& inText)
 {
     constexpr std::size_t kMaxDigitsOfField = 9;
@@ -130,7 +130,7 @@ private:
 
 bool NotedChecks::sHasFailed = false;
 
-// Returns the fields of a text that has exactly four, else none.
+// Returns the fields of a text with exactly four fields; an empty vector for any other text.
 std::vector<long> FourFields(const std::string& inText)
 {
     std::vector<long> fields;
@@ -142,7 +142,7 @@ std::vector<long> FourFields(const std::string& inText)
     return fields.size() == 4 ? fields : std::vector<long>();
 }
 
-// Returns the number of labels skipped at the start of a short minute; 0 if none.
+// Returns how many frame numbers the format skips at the start of each minute not divisible by ten; 0 for non-drop.
 long LabelsLeftOut(TimeDisplay inDisplay)
 {
     switch (inDisplay) {
@@ -158,7 +158,8 @@ bool IsLeftOut(const std::string& inText, TimeDisplay inDisplay)
     return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < LabelsLeftOut(inDisplay);
 }
 
-// Whether the time of a label is more than two days from zero. The library's fold moves some negative times that far.
+// Whether the time of a label is more than two days from zero. The library's wrap-around at the day boundary moves some
+// negative times that far.
 bool IsBeyondTheDay(const TickTime& inTime)
 {
     return inTime > TickTime(172800.0) || inTime < TickTime(-172800.0);
@@ -188,7 +189,7 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     const UTF16String text = ToUTF16(inText);
     const std::size_t stop = ORL::Timecode::FindUnreadable(text, display);
     if (stop != UTF16String::npos) {
-        // The text before is ASCII, so units, characters and bytes have the same count.
+        // The text before the stop position is ASCII, so units, characters and bytes have the same count.
         throw Unreadable(Complaint(inText, stop), stop);
     }
     CheckNumbers(inText, inSettings);
