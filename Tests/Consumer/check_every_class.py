@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Finds what the public headers declare and the consumer does not touch: check_every_class.py [ROOT]
+"""Finds public declarations that the consumer does not touch: check_every_class.py [ROOT]
 
-Each class and structure has to be named in Tests/Consumer/EveryClass, and of each header that declares functions or
-constants alone at least one. Exit code 1 if anything is missing.
+Checks that Tests/Consumer/EveryClass names each class and structure and, for each header that declares only functions
+or constants, at least one of these. Exits with code 1 if a name is missing.
 """
 import re
 import sys
@@ -10,7 +10,7 @@ from pathlib import Path
 
 FOLDERS = ("API/Inc", "tvxcore/Inc", "tvxmediatypes/Inc", "CRV/Inc")
 CONSUMER = "Tests/Consumer/EveryClass"
-NOT_FOR_HOSTS = {"Internal", "SmallBlocks", "Sync", "Debug"}  # namespaces that hosts reach through other names
+NOT_FOR_HOSTS = {"Internal", "SmallBlocks", "Sync", "Debug"}  # hosts use these namespaces only through aliases
 
 TOKEN = re.compile(r"""
     (?P<namespace>\bnamespace\s+(?P<space>\w+)\s*\{)
@@ -29,7 +29,7 @@ def without_comments(text):
 
 
 def declared(text):
-    """The names of classes, and those of functions and constants, that a header declares for hosts."""
+    """Returns the names of the classes, and of the functions and constants, that a header declares for hosts."""
     classes, others = [], []
     scopes = []
     for match in TOKEN.finditer(without_comments(text)):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Gives check_every_class.py a small tree with one untouched thing at a time."""
+"""Runs check_every_class.py on small source trees, each with one untouched declaration."""
 import subprocess
 import sys
 import tempfile
@@ -28,7 +28,7 @@ TREE = {
     "Tests/Consumer/EveryClass/Touch.cpp": "File Times Holder Exists kLarge Text // Comment\n",
 }
 
-# What is removed from the consumer, and the expected message.
+# The name that is removed from the consumer, and the expected message.
 MISSING = [
     ("File", "API/Inc/ORLFile.h: the class File is not touched"),
     ("Times", "API/Inc/ORLFile.h: the class Times is not touched"),

@@ -1,4 +1,4 @@
-// Tests guarantees of the Linux lock that the lock of the OS does not make.
+// Tests guarantees of the Linux CriticalSection that a pthread mutex does not make.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>
@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// The lock's history determines whether it checks its owner first.
+// Whether Lock first checks for recursion depends on how the section was used before.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {
@@ -92,7 +92,7 @@ TEST(CriticalSectionOfOurs, ThreadsThatWait_SleepAndAreAllWokenOneAfterTheOther)
     const CriticalSection section;
     std::vector<std::atomic<pid_t>> ids(3);
     std::vector<std::thread> waiters;
-    int entered = 0; // guarded by the section
+    int entered = 0; // guarded by section
     section.Lock();
     for (std::atomic<pid_t>& id : ids) {
         waiters.emplace_back([&section, &entered, &id] {

@@ -23,13 +23,13 @@ const char kInputText[] =
 const char kOutputText[] =
     "$$$/tvxcore/utility/Error/Contract/OutputContractViolation=An output contract violation has occurred!";
 
-// The tests pass its address to the address checks; nothing reads its contents.
+// A valid address for the address checks; nothing reads the bytes.
 char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)
 {
     ExpectReport(inReport).Kind(CheckReport::kError).Expression(inText).Package(105u).Line(inErrorID).Level(0).Flag(true);
-    // Only the address distinguishes one empty value from another.
+    // The empty values are identical, so the test compares their addresses.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
     EXPECT_EQ(0u, values.count(nullptr));
@@ -255,7 +255,7 @@ TEST(OrlContract, HoldingExpression_IsEvaluatedOnEveryPass)
 TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
 {
     CheckRecorder recorder;
-    recorder.mIgnoreForGood = true; // contracts ignore this answer
+    recorder.mIgnoreForGood = true; // a contract must ignore this answer
     int evaluations = 0;
     for (int pass = 0; pass < 2; ++pass) {
         ORL_INPUT_CONTRACT(++evaluations < 0);

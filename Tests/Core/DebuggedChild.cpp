@@ -1,5 +1,5 @@
-// Fails each kind of check once. The only argument answers the reports: "break" or "go on". The exit code confirms that
-// execution reached the end.
+// Fails each kind of check once. The only argument is the answer to every report: "break" or "go on". The exit code
+// confirms that execution reached the end.
 #include <ORLDebug.h>
 
 #include <tvxcore/Debug.h>

@@ -7,7 +7,7 @@
 
 using namespace ORL;
 
-// Hosts store and compare these numbers.
+// Hosts store and compare the numbers of result codes, so the numbers must not change.
 TEST(Result, EachCode_HasItsNumber)
 {
     struct Row
@@ -53,7 +53,7 @@ TEST(SystemErrorToORLResult, EachListedError_HasItsCode)
         {__LINE__, 2, kFileNotFound},   {__LINE__, 3, kPathNotFound}, {__LINE__, 5, kAccessDenied},
         {__LINE__, 32, kSharingViolation}, {__LINE__, 39, kDiskFull},    {__LINE__, 112, kDiskFull},
         {__LINE__, 183, kAlreadyExists},
-        // numbers without their own code
+        // error numbers without a result code
         {__LINE__, 0, kGeneralFailure}, {__LINE__, 1, kGeneralFailure}, {__LINE__, 4, kGeneralFailure},
         {__LINE__, 38, kGeneralFailure}, {__LINE__, 80, kGeneralFailure}, {__LINE__, 184, kGeneralFailure},
         {__LINE__, 997, kGeneralFailure}, {__LINE__, 1235, kGeneralFailure}, {__LINE__, 0xFFFFFFFFul, kGeneralFailure},

@@ -81,12 +81,12 @@ TEST(TVXException, Message_IsTheTextOfTheZStringAndItsNumbers)
         {__LINE__, "$$$/key", "Unknown TVX Exception"},
         {__LINE__, "$$$/key=", "Unknown TVX Exception"},
         {__LINE__, "=", "Unknown TVX Exception"},
-        // at the limit
+        // texts at the length limit
         {__LINE__, "$$$/key=" + std::string(198, 'x'), std::string(198, 'x')},
         {__LINE__, "$$$/key=" + std::string(199, 'x'), std::string(199, 'x')},
         {__LINE__, "$$$/key=" + std::string(200, 'x'), "(Error string too long)"},
         {__LINE__, "$$$/key=" + std::string(5000, 'x'), "(Error string too long)"},
-        // the length of the key does not count
+        // the key does not count towards the limit
         {__LINE__, std::string(500, 'k') + "=Text", "Text"},
     };
     for (const Row& row : rows) {
@@ -161,7 +161,7 @@ TEST(TVXErrorManager, WarningWithTheTraceOn_IsOneLineAndSwallowed)
               sTexts[0]);
 }
 
-// Without the classic locale, the host's global locale would group the digits of the line.
+// The line must be formatted with the classic locale: the host's global locale would group its digits.
 TEST(TVXErrorManager, WarningUnderAHostsLocale_IsWrittenClassically)
 {
     struct Digitwise : std::numpunct<char>

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks a natvis file against the headers: check_natvis.py FILE.natvis HEADER_FOLDER...
 
-It is XML of the schema's elements, each class that it names is declared in a header under the namespace it is named
-with, and each member that its expressions read is declared in some header.
+Checks that the file contains only elements of the natvis schema, that every class it names is declared in a header in
+that namespace, and that every member read by an expression is declared in some header.
 """
 import pathlib
 import re
@@ -11,12 +11,12 @@ import xml.etree.ElementTree
 
 NAMESPACE = "{http://schemas.microsoft.com/vstudio/debugger/natvis/2010}"
 ELEMENTS = {"AutoVisualizer", "Type", "AlternativeType", "DisplayString", "StringView", "Expand", "Item", "ExpandedItem"}
-FOREIGN = re.compile(r"^std::(__cxx11::)?basic_string$")  # the standard library's; our alias stands for it
+FOREIGN = re.compile(r"^std::(__cxx11::)?basic_string$")  # a standard class; our headers only alias it
 STANDARD_MEMBERS = {"_M_dataplus", "_M_p", "_M_string_length"}
 
 
 def bare(name):
-    """Without template arguments."""
+    """Returns the name without template arguments."""
     return name.partition("<")[0]
 
 

@@ -49,7 +49,7 @@ def check_values():
 
 
 def check_labels():
-    """What the printer makes of the fields is what the library writes."""
+    """Checks that the printer displays each label as the text that the library formats."""
     count = 2000
     for i in range(count):
         code = shown("codes._M_impl._M_start[%d]" % i).partition(" at ")[0]
@@ -71,7 +71,7 @@ def main():
 
 try:
     main()
-except Exception as error:  # without a code of its own, GDB would end with 0
+except Exception as error:  # without the explicit quit, GDB would exit with 0
     failures.append("%s: %s" % (type(error).__name__, error))
 for failure in failures:
     print(failure)

@@ -11,9 +11,9 @@ using namespace ORLTest;
 
 namespace {
 
-constexpr std::size_t kColumn = 144; // from one picture to the next one
+constexpr std::size_t kColumn = 144; // width of a cell
 constexpr std::size_t kRow = 188;
-constexpr std::size_t kLeft = 32; // of the first picture: margins of the sheet and of its cell
+constexpr std::size_t kLeft = 32; // x of the first picture: the margins of the sheet and of the cell
 constexpr std::size_t kTop = 52;
 
 std::string ColourAt(const DecodedPicture& inSheet, std::size_t inColumn, std::size_t inRow, std::size_t inX,
@@ -49,12 +49,12 @@ TEST(Gallery, GreetsInFiveLanguagesAndDrawsTheSheet)
     ASSERT_EQ(392u, sheet.mHeight);
     const DecodedPicture shown = ReadPng(std::string(ORL_EXAMPLES) + "/../Docs/gallery.png");
     EXPECT_TRUE(shown.mPixels == sheet.mPixels) << "the picture in the README is of an earlier version";
-    // The picture of bars: the first bar is at the top, and the black part of the strip at the bottom left. So the rows
-    // are not upside down.
+    // The rows are not upside down: the first of the colour bars is at the top, and the black part of the strip at the
+    // bottom left.
     EXPECT_EQ("191 191 191", ColourAt(sheet, 3, 1, 5, 5));
     EXPECT_EQ("0 0 191", ColourAt(sheet, 3, 1, 92, 5));
     EXPECT_EQ("0 0 0", ColourAt(sheet, 3, 1, 5, 90));
-    // Around the colour wheel the background of the cell is visible; the centre of the wheel is white.
+    // The cell's background is visible around the colour wheel; the centre of the wheel is white.
     EXPECT_EQ("44 48 58", ColourAt(sheet, 2, 0, 1, 1));
     const std::uint8_t* const middle = sheet.At(kLeft + 2 * kColumn + 48, kTop + 48);
     EXPECT_GT(middle[0] + middle[1] + middle[2], 3 * 240);

@@ -1,4 +1,4 @@
-// Runs the waveform renderer as a user does. An independent library decodes its pictures.
+// Runs the waveform renderer as a user does. An independent library decodes the rendered pictures.
 #include "PngReader.h"
 
 #include <ProcessRunner.h>
@@ -97,7 +97,7 @@ protected:
     TempFolder mFolder;
 };
 
-// Returns whether the pixel has the background colour of a corner without sound.
+// Returns whether the pixel has the background colour.
 bool IsPaper(const std::uint8_t* inPixel)
 {
     return inPixel[0] == 13 && inPixel[1] == 17 && inPixel[2] == 23;
@@ -132,7 +132,7 @@ void ExpectInk(const DecodedPicture& inPicture, std::size_t inFirstColumn, std::
 TEST_F(WaveformExample, Silence_IsAFlatLineInTheMiddle)
 {
     const DecodedPicture picture = Thumbnail(Wav(Format(), Sound16(8000, Silence)));
-    ExpectInk(picture, 0, 120, 29, 30); // half covered: the line is one pixel high and lies between the two rows
+    ExpectInk(picture, 0, 120, 29, 30); // the line is one pixel high and covers half of each row
 }
 
 TEST_F(WaveformExample, FullScale_ReachesTheFirstAndTheLastRow)

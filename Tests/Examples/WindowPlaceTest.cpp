@@ -14,7 +14,7 @@ namespace {
 class WindowPlaceExample : public testing::Test
 {
 protected:
-    // On Windows the example's settings are stored with the user's own.
+    // On Windows the example stores its settings in the registry of the user who runs the test.
     void SetUp() override { Forget(); }
     void TearDown() override { Forget(); }
 

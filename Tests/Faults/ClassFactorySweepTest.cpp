@@ -50,7 +50,7 @@ void InAPair(std::vector<Guid>& outCategories)
     outCategories.push_back(OfPair(1));
 }
 
-// Registers a class in a new pair with one request refused. Returns true if the registration failed.
+// Registers a class in a new pair of categories while one allocation is refused. Returns true if that failed.
 bool RegisterInAPair(const Guid& inClass, MemoryDoor inDoor, unsigned inNumber, unsigned& outRefused)
 {
     ++sPair;
@@ -83,7 +83,7 @@ TEST(ClassFactorySweep, CreatingInstances_LeavesNothingBehind)
         [count] { EXPECT_EQ(count, CountCategory()); });
 }
 
-// Registrations are permanent, so each round registers a new class and leaves it there.
+// Registrations are permanent, so each round registers a new class and leaves it registered.
 TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
 {
     std::uint64_t next = 1;
@@ -120,8 +120,8 @@ TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
     EXPECT_GT(next, 5u) << "the sweep has refused something";
 }
 
-// The steps completed before memory ran out stay done, in this order: the class, the first category, the second. A
-// repetition completes the registration; the class then appears twice in categories that already had it.
+// A registration enters the class, then its first category, then its second; entries made before memory ran out remain.
+// A repeated call completes the registration; the class then appears twice in a category that already contained it.
 TEST(ClassFactoryFaults, RegistrationInTwoCategories_StaysDoneAsFarAsItCame)
 {
     unsigned stoppedBetween = 0;

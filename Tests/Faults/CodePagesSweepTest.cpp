@@ -33,8 +33,8 @@ bool FailsWithout(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther, const
 
 } // namespace
 
-// The result itself uses the small block allocator. Up to 1024 units are converted on the stack; more are written
-// directly into the result, so that there is no second block.
+// The result itself uses the small block allocator. Up to 1024 units are converted on the stack; longer texts are
+// written directly into the result, so that no second block is allocated.
 TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 {
     for (const std::size_t count : {1024u, 1025u, 5000u}) {
@@ -49,7 +49,7 @@ TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
 {
     if (!WholeHeapIsWatched()) {
-        return; // the allocator of the result is not watched here
+        return; // on this platform the std::string's heap is not watched
     }
     for (const std::size_t count : {512u, 513u, 5000u}) {
         const UTF16String units(count, 0x65E5);
@@ -76,7 +76,7 @@ TEST(CodePagesSweep, Conversions_LeaveNothingBehind)
 TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
 {
     UseOwnHost();
-    GetRegistrySettingsKey(); // builds and caches the key before the sweep
+    GetRegistrySettingsKey(); // caches the settings key before the sweep
     SweepMemory(
         [] {
             Internal::ForgetLanguage();

@@ -104,7 +104,7 @@ TEST_F(DirectorySweep, Move_LosesNothing)
     Sweep(
         [this] {
             MakeTree();
-            mFolder.MakeFolder("to/sub"); // exists at the destination, so the folders are merged
+            mFolder.MakeFolder("to/sub"); // exists already, so Move merges the folders
         },
         [&] { result = Directory::Move(mFrom, mTo); },
         [&](bool inDone) {

@@ -35,7 +35,7 @@ TEST_F(FileSweep, Create_WriteSeekCutAndAsk)
           [this] {
               File file;
               if (file.Create(mReal, kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal, false) != kSuccess) {
-                  throw std::bad_alloc(); // out of memory, reported as a result
+                  throw std::bad_alloc(); // Create reports lack of memory as a result
               }
               unsigned count = 0;
               unsigned __int64 time = 0;
@@ -78,7 +78,7 @@ TEST_F(FileSweep, Read_ThroughABlockCache)
             if (file.mResult == kSuccess) {
                 unsigned count = 0;
                 const Result result = file.mFile.Read(&bytes[0], static_cast<unsigned>(bytes.size()), count);
-                EXPECT_TRUE(result == kSuccess || result == kGeneralFailure); // a block may get no memory
+                EXPECT_TRUE(result == kSuccess || result == kGeneralFailure); // the allocation of a block may fail
                 EXPECT_EQ(result == kSuccess, count == contents.size());
             }
         },
@@ -149,7 +149,7 @@ TEST_F(FileSweep, Move)
         });
 }
 
-// Either nothing changes, or the swap is complete, reports success and leaves no other name.
+// Either nothing changes, or the swap is complete, returns success and leaves only the real file.
 TEST_F(FileSweep, SwapTempFile_IsDoneAndToldOrNotDone)
 {
     Result result = kSuccess;

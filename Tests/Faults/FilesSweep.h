@@ -17,19 +17,19 @@
 
 namespace ORLTest {
 
-/// The contents by name; "/" for a folder.
+/// Maps each name to the contents of the file, or to "/" for a folder.
 using Entries = std::map<std::string, std::string>;
 
 class FilesSweep : public testing::Test
 {
 protected:
-    /// Before every round inPrepare creates what inWork needs. inCheck(done) checks the result of a round; done is
-    /// false if inWork threw.
+    /// Before every round inPrepare creates the files that inWork needs. After every round inCheck(done) checks the
+    /// result; done is false if inWork threw.
     void Sweep(const std::function<void()>& inPrepare, const std::function<void()>& inWork,
                const std::function<void(bool)>& inCheck)
     {
         inPrepare();
-        inWork(); // the first run creates what is created only once
+        inWork(); // the first run allocates caches that persist
         inCheck(true);
         inPrepare();
         const unsigned handles = OpenHandles();
@@ -47,7 +47,7 @@ protected:
             });
     }
 
-    /// Sweeps work that changes nothing on disk.
+    /// Sweeps inWork, which must change nothing on disk.
     void SweepQuestion(const std::function<void()>& inWork)
     {
         const Entries before = Read();

@@ -27,7 +27,7 @@ private:
     tvxcore::config::ErrorManager* const mOld;
 };
 
-/// mRefused counts the refused requests; 0 means that the start did not reach that request number.
+/// mRefused counts the refused requests; 0 means that the start made fewer requests than the number to refuse.
 struct Attempt
 {
     bool mHasFailed = false;
@@ -77,7 +77,7 @@ TEST(LifecycleFaults, StartThatFailsAtAnyPlace_CanBeMadeAgainAfterTheRegistratio
             if (attempt.mHasFailed) {
                 EXPECT_EQ(0, FoundationLifecycle().mCount);
                 failedInTheLastStep += MemoryRecycler::Instance() ? 1 : 0;
-                if (ThreadHasARecord()) { // the completed steps stay done, and this step refuses to run twice
+                if (ThreadHasARecord()) { // the registration remains, and cannot be repeated
                     EXPECT_EQ("\"An input contract violation has occurred!\" [ID 25, Package 105, Level 0]",
                               SecondStartThrows());
                 }

@@ -47,7 +47,7 @@ void Owe(MemoryDoor inDoor, std::int64_t inCount)
     sOwed[static_cast<int>(inDoor)].fetch_add(inCount, std::memory_order_relaxed);
 }
 
-// Returns null if memory is refused or exhausted.
+// Returns null if the request is refused or the heap is exhausted.
 void* FromHeap(std::size_t inSize) noexcept
 {
     void* const block = Refuses(MemoryDoor::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
@@ -74,8 +74,8 @@ void ToHeap(void* inBlock)
 
 } // namespace
 
-// The C++ heap of this program. Every form is replaced, because a sanitizer's forms do not call each other.
-// Over-aligned forms are not watched.
+// The C++ heap of this program. Every form of new and delete is replaced, because a sanitizer's forms do not call each
+// other. Over-aligned forms are not watched.
 void* operator new(std::size_t inSize)
 {
     return FromHeapOrThrow(inSize);
@@ -153,18 +153,18 @@ namespace ORLTest {
 
 namespace {
 
-constexpr unsigned kMostRequests = 10000; // for one piece of work; more means that the sweep would not end
+constexpr unsigned kMostRequests = 10000; // of one inWork; with more, the sweep would not end
 
 void Attempt(const std::function<void()>& inWork)
 {
     try {
         inWork();
     } catch (const std::bad_alloc&) {
-    } catch (const boost::thread_resource_error&) { // there was no memory to start a thread
+    } catch (const boost::thread_resource_error&) { // no memory for a new thread
     }
 }
 
-// Refuses request 1, 2, 3 ... until the work makes fewer requests.
+// Runs inWork with request 1, 2, 3 ... refused, until inWork makes fewer requests.
 void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
     unsigned refused = 1;
@@ -238,7 +238,7 @@ bool WholeHeapIsWatched()
 
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
-    inWork(); // the first run creates what is created only once
+    inWork(); // the first run allocates caches that persist
     inCheck();
     for (const MemoryDoor door : kMemoryDoors) {
         SweepDoor(door, false, inWork, inCheck);

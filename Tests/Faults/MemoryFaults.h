@@ -15,8 +15,8 @@ namespace ORLTest {
 enum class MemoryDoor { kSmallBlocks, kPages, kHeap };
 inline constexpr MemoryDoor kMemoryDoors[] = {MemoryDoor::kSmallBlocks, MemoryDoor::kPages, MemoryDoor::kHeap};
 
-/// During its lifetime, request number inNumber (from 1) of one allocator is refused; with inAllFurther, all later ones
-/// too.
+/// During its lifetime, request number inNumber (from 1) to one allocator is refused; with inAllFurther, all later
+/// requests too.
 class MemoryFaults
 {
 public:
@@ -38,9 +38,9 @@ std::int64_t MemoryOwed(MemoryDoor inDoor);
 /// uses its own heap functions), the balance of the heap is meaningless.
 bool WholeHeapIsWatched();
 
-/// Fails each request for memory that inWork makes, once alone and once with all later ones. After each round inCheck
-/// verifies the state, and the balance must not have grown. inWork must leak nothing; it throws std::bad_alloc or
-/// succeeds in another way.
+/// Fails each request for memory that inWork makes, once alone and once with all later requests. After each round
+/// inCheck verifies the state, and the balance must be unchanged. inWork must leak nothing, and must either throw
+/// std::bad_alloc or succeed without the refused memory.
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck);
 
 } // namespace ORLTest

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLarge = 65536;
 
-// A lock that is still held would hang the new thread; a wrong count would not reach 0.
+// If the recycler's lock were still held, the new thread would hang; if a size were wrong, Purge would not reach 0.
 void ExpectUsable(MemoryRecycler& ioRecycler)
 {
     std::thread([&ioRecycler] {
@@ -55,8 +55,8 @@ TEST(MemoryRecyclerSweep, AllocateAndRecycle_LeaveNothingBehind)
     SweepMemory(workAndPurge, [&recycler] { ExpectUsable(recycler); });
 }
 
-// Frees memory after an allocation failure by purging the pool from another thread. If the allocating thread held the
-// pool's lock, this would hang.
+// Frees memory after an allocation failure by purging the pool from another thread, which would hang if the allocating
+// thread held the pool's lock.
 class PurgingManager : public tvxcore::config::ErrorManager
 {
 public:
@@ -91,7 +91,7 @@ TEST(MemoryRecyclerFaults, ManagerThatPurgesThePool_HasTheSecondAttemptSucceed)
     MemoryBuffer buffer;
     {
         const MemoryFaults noPages(MemoryDoor::kPages, 1, false);
-        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // the fallback for a buffer without pages
+        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // used if no pages are available
         buffer = recycler.AllocateBuffer(2 * kLarge - 1);
     }
     EXPECT_EQ(std::vector<std::size_t>{2 * kLarge}, manager.mSizes) << "asked once, with the rounded size";

@@ -17,9 +17,9 @@ using namespace ORL::Linux;
 namespace {
 
 unsigned int sAsked = 0;
-unsigned int sRefuseFrom = 0; // request number; 0: none
+unsigned int sRefuseFrom = 0; // number of the first refused request; 0: refuse none
 bool sRefuseAllFurther = false;
-int sBlocks = 0; // not yet freed
+int sBlocks = 0; // allocated and not yet freed
 
 bool IsRefused()
 {
@@ -96,7 +96,7 @@ std::string Pixels(Decoder& inDecode, const std::string& inFile)
     return std::string(reinterpret_cast<const char*>(picture.mPixels.get()), size);
 }
 
-// Returns the number of requests. A refused decoder returns nothing, or the same pixels by other means.
+// Returns the number of requests. If a request is refused, the decoder must fail or still decode the same pixels.
 unsigned int Sweep(Decoder& inDecode, const std::string& inFile)
 {
     sAsked = 0;

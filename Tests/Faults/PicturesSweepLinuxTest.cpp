@@ -1,5 +1,5 @@
-// Fails each allocation while pictures are loaded and their handles are copied. Whatever fails, no bitmap is left, and a
-// handle holds the whole picture or nothing.
+// Fails each allocation while pictures are loaded and their handles are copied. Whichever allocation fails, no bitmap
+// may leak, and a handle must hold the whole picture or be empty.
 #include "MemoryFaults.h"
 
 #include <BitmapPixels.h>
@@ -22,7 +22,7 @@ using namespace ORLTest;
 
 namespace {
 
-std::atomic<int> sBitmaps{0}; // made by the library, or given to it, and not yet deleted
+std::atomic<int> sBitmaps{0}; // created by the library or passed to it, and not yet deleted
 
 } // namespace
 
@@ -62,7 +62,7 @@ extern "C" void WrappedDeleteBitmap(HBITMAP inBitmap)
 
 namespace {
 
-// Goes on after each assertion, and requests no memory itself.
+// Lets execution continue after each failed assertion, without allocating.
 class QuietChecks
 {
 public:

@@ -1,5 +1,5 @@
-// Fails each system call of the queries on paths, directories and volumes, with several errors. The query must return
-// the true result or that of a failed query, and leave no descriptor open.
+// Fails each system call of the queries on paths, directories and volumes, with several errors. Each query must
+// return the true result or its result for a failure, and leave no descriptor open.
 #include <FaultySystemCallsLinux.h>
 #include <SystemProbes.h>
 #include <TempFolder.h>
@@ -29,9 +29,9 @@ constexpr int kErrors[] = {EIO, EACCES, ENOMEM, EMFILE, ENFILE, ELOOP, ENOTDIR, 
 struct Question
 {
     const char* mName;
-    std::string (*mAsk)(const TempFolder&); // the answer as text
+    std::string (*mAsk)(const TempFolder&); // returns the result of the query as text
     std::string mTrue;
-    std::string mRefused; // also allowed when a call fails
+    std::string mRefused; // the result for a failed call, allowed as well
 };
 
 std::string Text(bool inAnswer)

@@ -30,13 +30,13 @@ const unsigned char* Bytes(const char* inText)
     return reinterpret_cast<const unsigned char*>(inText);
 }
 
-// Longer than what a string stores inline.
+// Too long for the inline storage of std::string.
 const std::string kLong(100, 'l');
 
 class ImmutableStringSweep : public testing::Test
 {
 protected:
-    // Sweeps work that keeps no handle. Purges the texts that it entered, so that the table is as before.
+    // Sweeps inWork, which must keep no handle. Purges the texts that inWork entered, to restore the table.
     void Sweep(const std::function<void()>& inWork)
     {
         const std::size_t before = ImmutableStringTable::Get().GetCount();
@@ -53,7 +53,7 @@ protected:
         });
     }
 
-    // Uses the table from another thread; a lock that is still held would hang it.
+    // Uses the table from another thread, which would hang if the table's lock were still held.
     static void ExpectUsable()
     {
         std::thread([] {
@@ -84,11 +84,11 @@ TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
     });
 }
 
-// A separate table, whose index is created and grows twice; the process's table has its index from the first text on.
-// Texts entered before a refusal are found again; refused texts are absent.
+// Uses a new table, because the index of the process's table already exists. Texts entered before a refused allocation
+// must be found again; a text whose allocation was refused must be absent.
 TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
 {
-    constexpr std::size_t kTexts = 140; // the index starts with 128 places and is kept half empty
+    constexpr std::size_t kTexts = 140; // the index starts with 128 slots and is at most half full: two growths
     SweepMemory(
         [] {
             const CriticalSection guard;
@@ -114,7 +114,7 @@ TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
         [] {});
 }
 
-// Refuses only the page memory of an index: created for the first text, enlarged for the 65th and the 129th.
+// Refuses only the pages of the index, which is created for the first text and grows for the 65th and the 129th.
 TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItIsTriedAgain)
 {
     for (unsigned refused = 1; refused <= 3; ++refused) {
@@ -146,7 +146,7 @@ TEST_F(ImmutableStringSweep, CreateStatic_StaysEvenWhenItsHandleIsGone)
     });
 }
 
-// A static text cannot be removed once it has a record, so each round uses a new one.
+// A static text cannot be removed once it has a record, so each round uses a new text.
 TEST(ImmutableStringFaults, NewStaticTextThatFindsNoMemory_IsNotEntered)
 {
     static std::vector<std::string> sTexts;
@@ -233,7 +233,7 @@ TEST(StringConversionSweep, MakeStringAndMakeStdString_OfEachForm)
         [&units] { EXPECT_EQ(units, MakeString(MakeStdString(units))); });
 }
 
-// A parser that runs out of memory must not change its result, and must not fail after it has stored one.
+// A parser that runs out of memory must leave its output unchanged, and must not throw after it has stored a result.
 template <class Text, class Parse>
 void SweepParser(const Text& inUntouched, const Text& inExpected, const Parse& inParse)
 {

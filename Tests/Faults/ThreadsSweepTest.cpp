@@ -97,7 +97,7 @@ TEST(ThreadManagerSweep, RegisterAndUnregisterAThread)
     ThreadManager::RegisterMainThread();
     const auto work = [] {
         std::exception_ptr failure;
-        // The record before the registration. RegisterThread may throw after it has stored a new record, which must
+        // The thread's default record. RegisterThread may throw after it has stored a new record, which must
         // then be unregistered.
         ThreadManager::ThreadInfo* const unnamed = ThreadManager::GetCurrentThreadInfo();
         try {

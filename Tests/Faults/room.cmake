@@ -11,7 +11,7 @@ foreach(symbol _ZN3ORL10PageMemory8Platform18AllocatePages_ImplE _ZN3ORL10PageMe
 endforeach()
 add_dependencies(${room_target} resource_files)
 
-# On Linux the bitmaps that exist are counted, and the decoder's libraries request their memory from the tests.
+# On Linux the tests count the existing bitmaps, and supply the memory of the libraries behind the PNG decoder.
 if(NOT WIN32)
   foreach(symbol
       _ZN3ORL6Images8Platform17CreateBitmap_ImplEPNS1_7PictureERSt10unique_ptrIA_hSt14default_deleteIS5_EERP9HBITMAP__

@@ -1,4 +1,4 @@
-// Touches functions that need only be linked: they are named where the compiler cannot see that they are never called.
+// Touches functions that need only be linked: they are named in code that never runs, which the compiler cannot know.
 #pragma once
 
 namespace Consumer {

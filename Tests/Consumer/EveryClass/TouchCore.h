@@ -23,7 +23,7 @@ void ThrowAndCatch(const Arguments&... inArguments)
     try {
         throw Thrown(inArguments...);
     } catch (const ORL::Exception& caught) {
-        const Thrown copy = dynamic_cast<const Thrown&>(caught); // the host and the library share one type identity
+        const Thrown copy = dynamic_cast<const Thrown&>(caught); // host and library must share the type_info
         Touch(copy.what());
     }
 }

@@ -69,7 +69,7 @@ inline void TouchPointers()
     }
     unknown = InterfaceRef<ORLUnknown, ORLUnknown>();
     if (IsWanted()) {
-        unknown->AddRef(); // would report and throw
+        unknown->AddRef(); // the reference is null: the call would report and throw
     }
 }
 

@@ -104,7 +104,7 @@ inline void TouchModules()
     }
 }
 
-// On Windows the OS provides these functions.
+// Touches functions that the library provides on Linux and the OS on Windows.
 inline void TouchWhatWindowsHas()
 {
 #if !defined(_WIN32)

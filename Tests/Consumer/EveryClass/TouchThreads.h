@@ -22,7 +22,7 @@ inline void TouchEventsAndGates()
     gate.Open();
     gate.Close();
     WaitableGate* const pooled = WaitableGatePool::RetrieveGate();
-    pooled->Open(); // the pool takes open gates only
+    pooled->Open(); // the pool accepts only open gates
     Touch(object.WaitForSignal(0), gate.Wait(0), pooled);
     WaitableGatePool::ReturnGate(pooled);
     delete new WaitableGate;
