@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Compiles the examples in the comments of the public headers: check_examples.py COMPILER BUILD_INCLUDE_DIR
 
-An example is what stands three blanks behind the slashes and has a line that ends a statement or opens a block. It
-compiles as it stands in a host that uses namespace ORL; what it takes for granted (a path, a buffer) is in
+An example is comment text indented by three blanks with a line that ends a statement or opens a block. It
+must compile unchanged in a host that uses namespace ORL; the names that it assumes (a path, a buffer) are declared in
 Surroundings.h.
 """
 import re
@@ -18,7 +18,7 @@ STATEMENT = re.compile(r"[;{}]\s*(?://.*)?$")
 
 
 def comments(lines):
-    """The runs of comment lines, each as (number of its first line, texts without the slashes)."""
+    """Yields the runs of comment lines, each as (number of its first line, texts without the slashes)."""
     run = []
     for number, line in enumerate(lines + [""], 1):
         match = COMMENT.match(line)
@@ -30,7 +30,7 @@ def comments(lines):
 
 
 def examples(path):
-    """(line, code) of each example; blank lines between two parts of one comment do not end it."""
+    """Yields (line, code) of each example; blank lines between two parts of one comment do not end it."""
     for run in comments(path.read_text(encoding="utf-8").splitlines()):
         block = []
         for number, text in run + [(0, "end")]:
@@ -43,12 +43,12 @@ def examples(path):
 
 
 def is_function(code):
-    """Whether the example is the definition of a function."""
+    """Returns whether the example is the definition of a function."""
     return len(code) > 1 and code[0].endswith(")") and code[1].strip() == "{"
 
 
 def program(found):
-    """One program of all: each example is a function of a host of its own."""
+    """Returns one program with all examples, each as a function of a separate host."""
     headers = sorted({path.relative_to(root).as_posix() for path, _, _ in found
                       for root in map(ROOT.joinpath, FOLDERS) if root in path.parents})
     text = "".join(f"#include <{header}>\n" for header in headers) + f'#include "{HERE}/Surroundings.h"\n'

@@ -1,5 +1,5 @@
-// Reads bitmaps with unusual or damaged contents. Their bytes are in a block of exactly their size, so that a sanitizer
-// detects every read beyond the end.
+// Reads bitmaps with unusual or damaged contents. Each bitmap is in a memory block of exactly its size, so that a
+// sanitizer detects every read beyond the end.
 #include "../../Fuzz/PictureFuzzTarget.h"
 
 #include <Images/BitmapReader.h>
@@ -132,7 +132,7 @@ TEST(BitmapReader, TheSmallestBitmap_HasOnePixel)
     PixelPicture picture;
     ASSERT_TRUE(Read(With({1, 1, 24}, {1, 2, 3, 0}), picture));
     EXPECT_EQ(std::vector<std::uint32_t>{0xFF030201}, picture.mPixels);
-    EXPECT_FALSE(Read(With({1, 1, 24}, {1, 2, 3}), picture)); // the padding of a row is required
+    EXPECT_FALSE(Read(With({1, 1, 24}, {1, 2, 3}), picture)); // rejected: the padding of a row is required
 }
 
 TEST(BitmapReader, AFourthByte_StaysUnlessItIs0Everywhere)
@@ -192,7 +192,7 @@ TEST(BitmapReader, Runs_StayInsideOfThePicture)
         const char* mWhat;
         Contents mRuns;
         bool mIsRead;
-        std::vector<std::uint32_t> mPixels; // of a picture of 2 by 2
+        std::vector<std::uint32_t> mPixels; // the pixels of a picture of 2 by 2
     } kRows[] = {
         {"nothing but the end", {0, 1}, true, {kBlack, kBlack, kBlack, kBlack}},
         {"no end", {}, false, {}},

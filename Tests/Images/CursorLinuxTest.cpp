@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <vector>
 
-// Included last, because their macros collide with names of other headers.
+// Included last, because the macros of X11 collide with names of other headers.
 #include <X11/Xlib.h>
 #include <X11/cursorfont.h>
 #include <X11/extensions/Xfixes.h>

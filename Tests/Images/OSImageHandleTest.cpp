@@ -114,7 +114,7 @@ TEST_F(OSImageHandleOwner, Swap_ExchangesWhatTheyHold)
 
 namespace {
 
-// One thread's handles of the two bitmaps that all threads share.
+// The handles of one thread to the two bitmaps that all threads share.
 struct Pair
 {
     OSImageHandle mFirst;

@@ -266,7 +266,7 @@ TEST_F(PictureLoader, LoadBitmapFromFile_ReadsBelowTheApplicationsFolder)
     DirectoryRegistry::UnregisterDirectory(TVX_UTF16("application"));
 }
 
-// Whatever decodes the files, a damaged one gives a whole picture or none, and the loaders stay usable.
+// With every decoder, a damaged file yields a whole picture or none, and the loaders stay usable.
 TEST_F(PictureLoader, AFileWithEachByteFlippedAndEachLengthCut_GivesAPictureOrNull)
 {
     std::ifstream file(std::string(ORL_PICTURES) + "/two_rows.png", std::ios::binary);

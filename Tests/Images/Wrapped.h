@@ -5,12 +5,12 @@ namespace ORLTest {
 
 struct WrappedImages
 {
-    int mFailCopies = 0; // number of calls that fail next
+    int mFailCopies = 0; // number of calls that fail, beginning with the next
     int mFailStreams = 0;
     int mFailObjects = 0;
     int mFailLocks = 0;
     int mSkipLocks = 0; // successful locks before the first that fails
-    int mLocks = 0;     // number of calls so far
+    int mLocks = 0;     // number of locks so far
     int mDeletions = 0;
 };
 

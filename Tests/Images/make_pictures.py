@@ -99,7 +99,7 @@ def make_bitmaps():
 def make_runs():
     colours = [opaque(i * 16, 255 - i * 16, i * 7) for i in range(16)]
     black = opaque(0, 0, 0)
-    # The rows from the bottom: runs; literal pixels with padding; a move, literal pixels and the end.
+    # The rows, bottom row first: runs; literal pixels with padding; a move, literal pixels and the end.
     data = (bytes([4, 3, 3, 9, 0, 0]) + bytes([0, 5, 1, 2, 3, 4, 5, 0, 2, 15, 0, 0])
             + bytes([1, 8, 0, 2, 3, 0, 0, 3, 6, 7, 8, 0, 0, 1]))
     rows = [[8, None, None, None, 6, 7, 8], [1, 2, 3, 4, 5, 15, 15], [3, 3, 3, 3, 9, 9, 9]]
@@ -162,7 +162,7 @@ def main():
 
 
 def start_of(contents):
-    """Where the pixels begin behind the file header."""
+    """Returns the offset of the pixels after the file header."""
     size, = struct.unpack_from("<I", contents)
     if size == 12:
         return 12 + 3 * 256

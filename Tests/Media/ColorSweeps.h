@@ -216,7 +216,7 @@ std::uint64_t SweepTwoFloats(std::uint32_t inStep)
     return digest.Value();
 }
 
-// Encodes the two flags in the level.
+// Adds 16 (has hue) and 32 (has saturation) to the third component, so that the digest covers the flags.
 inline void PolarOfRgb(void (*inConvert)(float, float, float, float&, float&, float&, bool*, bool*), float r, float g,
                        float b, float& h, float& s, float& l)
 {

@@ -145,7 +145,7 @@ TEST(TimecodeDropFrame, CountOfALabel_FollowsTheArithmeticAlsoOutsideTheClock)
         {__LINE__, 24, 0, 0, 0, false, 2589408},
         {__LINE__, 0, 0, 59, 30, false, 1800},        // fields may exceed their range
         {__LINE__, 0, 0, 0, -1, false, -1},
-        {__LINE__, 0, 1, 0, -5, false, 1800},         // a negative frame there adds nothing
+        {__LINE__, 0, 1, 0, -5, false, 1800},         // a negative frame in a second that skips labels adds nothing
         {__LINE__, 0, 1, 1, -5, false, 1823},
         {__LINE__, 0, -1, 0, 0, false, 1800 - 2 * 1798},
         {__LINE__, 0, -10, 0, 0, false, -17982},

@@ -223,8 +223,8 @@ TEST(TimecodeIncrement, OfANegativeTime_ActsOnTheMagnitude)
 
 TEST(TimecodeIncrement, NegativeUpThroughZero_LooksAtTheHoursInDropFrameAndAtTheSignElsewhere)
 {
-    // Both end an hour below zero instead of above: the first because its sign was already set, the second because its
-    // hours were not negative before.
+    // Both times end an hour below zero instead of above: the first because its sign was already set, the second
+    // because its hours were not negative before.
     Timecode::PrivateImpl record = Pal(1, 0, 0, 0, true);
     record.IncrementHMSF(2, 0, 0, 0);
     EXPECT_EQ("-1 0 0 0", Fields(record)) << "not mirrored: the time was negative on entry";

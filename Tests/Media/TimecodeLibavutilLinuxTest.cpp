@@ -125,10 +125,11 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
 {
     CheckRecorder recorder;
     const AVRational rate = {30000, 1001};
-    // For us frame 0 of such a minute is its first existing label; libavutil subtracts the skipped labels anyway.
+    // We treat frame 0 of a minute with skipped labels as its first existing label; libavutil subtracts the skipped
+    // labels.
     EXPECT_EQ(1798, PeerStart("00:01:00;00", rate));
     EXPECT_EQ(1800, OurCount("00:01:00;00", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
-    // Frame 1 is reported and counted with the same subtraction.
+    // Frame 1 is reported and counted with libavutil's subtraction.
     EXPECT_EQ(1799, PeerStart("00:01:00;01", rate));
     EXPECT_EQ(1799, OurCount("00:01:00;01", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());

@@ -190,7 +190,7 @@ TEST(Timecode, Constructor_ChecksThatRateAndFormatBelongTogether)
         {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(113), false},
-        // from 1000 on every format is accepted
+        // from a rate of 1000 on, every format is accepted
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
         {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
         {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, true},
@@ -393,10 +393,10 @@ TEST(Timecode, SetFormat_ChecksRateAndFormatBeforeAnyChange)
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_35mmFeetFrames, true},
         {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
         {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
-        // the constructor accepts these
+        // the constructor accepts these two displays
         {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, false},
         {__LINE__, kFrameRate_Audio48000, kUnknownDisplay, false},
-        // these are rejected everywhere
+        // the remaining displays are rejected by every call
         {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
         {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
         {__LINE__, kFrameRate_Audio48000, static_cast<TimeDisplay>(199), false},

@@ -209,8 +209,8 @@ TEST(TimecodeParse, Milliseconds_AreReadAtTheirOwnRate)
 
 TEST(TimecodeParse, FramesEqualToTheRate_StayInTheirField)
 {
-    // The result is one second at both rates. They differ in whether the field carries; the rows without a report show
-    // that.
+    // The result is one second at both rates. The two rates differ in whether the field carries; the rows without a
+    // report show that.
     const ParseRow at30[] = {
         {__LINE__, "30", 30},
         {__LINE__, "31", 31},

@@ -163,7 +163,7 @@ TEST(MemoryRecycler, ReturnOverTheLimit_DropsTheOldestFirst)
         recycler.RecycleBuffer(buffer);
     }
     EXPECT_EQ(3 * kLarge, recycler.GetSize());
-    // The three youngest are still pooled, youngest first.
+    // The three most recently returned buffers are still pooled, newest first.
     MemoryBuffer kept[3];
     for (int i = 0; i < 3; ++i) {
         kept[i] = recycler.AllocateBuffer(kLarge);
@@ -201,7 +201,7 @@ TEST(MemoryRecycler, BufferLargerThanTheLimit_IsMadeAllTheSame)
 
 TEST(MemoryRecycler, LimitThatNobodyHasSet_Is50000000Bytes)
 {
-    // Sizes are multiples of 4096: the largest that fits, and the smallest that does not.
+    // Sizes are multiples of 4096: kFits is the largest that fits the limit.
     constexpr std::size_t kFits = 50000000 / 4096 * 4096;
     constexpr std::size_t kMost = kFits / 16384 * 16384;
     MemoryRecycler recycler;

@@ -19,7 +19,7 @@ TEST(MemoryRecycler, SystemRefusesPages_TheSmallBlockAllocatorServesAndIsGivenTh
     EXPECT_EQ(12288u, buffer.GetSize());
     void* const address = buffer.GetBuffer();
     recycler.RecycleBuffer(buffer);
-    // It is pooled like any other buffer and keeps the flag that selects how to free it.
+    // The buffer is pooled like any other and keeps the flag that selects how to free it.
     MemoryBuffer again = recycler.AllocateBuffer(12288);
     EXPECT_EQ(address, again.GetBuffer());
     EXPECT_FALSE(again.IsVirtual());

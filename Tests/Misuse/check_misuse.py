@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Misuse that must not compile: check_misuse.py COMPILER BUILD_INCLUDE_DIR
+"""Checks that misuse does not compile: check_misuse.py COMPILER BUILD_INCLUDE_DIR
 
-Each source beside this script compiles as it stands. With ORL_MISUSE defined as one of the numbers that it compares it
-with, it must not, and the compiler must say what stands behind "Expected:" in the source.
+Each source beside this script must compile unchanged. With ORL_MISUSE defined as any number that the source tests for,
+it must not compile, and the compiler's message must contain the text after "Expected:" in the source.
 """
 import re
 import subprocess

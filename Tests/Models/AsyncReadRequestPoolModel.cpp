@@ -8,7 +8,7 @@ using ORL::Sync::Step;
 struct Request
 {
     Request() { mOwner($) = 0; }
-    rl::var<unsigned> mOwner; // two simultaneous owners would race on it
+    rl::var<unsigned> mOwner; // two simultaneous owners of a record would race on this member
 };
 
 /// Three threads each need one of two records, so one may have to sleep. kNextIndex is the initial index.

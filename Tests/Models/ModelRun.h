@@ -86,7 +86,8 @@ public:
         Search<Test>(params, false, inName, "mutant, random");
     }
 
-    /// The same by exhaustive search, for a thread that never lets another run; a random search would not end.
+    /// Runs such a mutant by exhaustive search, for a thread that never lets another run; a random search would not
+    /// end.
     template <class Test>
     void FindMutant(const char* inName, unsigned inSwitches)
     {

@@ -19,7 +19,7 @@
 
 #include <relacy/relacy.hpp>
 
-// The checker defines these as macros, intended for code written only for it.
+// The checker defines these names as macros, intended for code written only for the checker.
 #undef new
 #undef delete
 #undef malloc

@@ -2,7 +2,7 @@
 // simultaneous visitor is a data race, which the checker reports. The checker also reorders operations as the memory
 // orders allow; one mutant is the same code with weaker orders.
 //
-// Extent: every interleaving with up to three preemptions, then 100000 random ones. There are two slots here, not 64,
+// Extent: every interleaving with up to three preemptions, then 100000 random ones. The model has two slots, not 64,
 // and all visitors start at the same slot, so that they collide.
 #include <ModelRun.h>
 

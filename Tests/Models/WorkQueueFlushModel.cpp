@@ -2,8 +2,8 @@
 // threads, and gates with and without one more poll before a sleep.
 //
 // Extent: every interleaving with up to two preemptions if there is one queue thread or one flusher, and with one if
-// there are two of both (with two, the search did not end in four minutes). The argument "deep" allows one more
-// everywhere. Then 100000 random interleavings without a bound.
+// there are two of both (with two, the search did not end in four minutes). The argument "deep" raises each of these
+// limits by one. Then 100000 random interleavings without a bound.
 #include <ModelRun.h>
 
 #include <WorkQueueFlushAlgorithm.h>
@@ -224,7 +224,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
             Algorithm::MakeUpForMissingItem(mFlush);
         }
         Algorithm::WaitForAll(mFlush);
-        // If an item is missing, one thread may still be working.
+        // If the queue refused an item, one thread may still be working.
         if (refused == 0) {
             RL_ASSERT(static_cast<int>(mDone[inFlusher]($)) == 1);
         }

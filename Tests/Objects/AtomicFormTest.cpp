@@ -1,5 +1,5 @@
 // Tests the machine code of the two reads, which their contract defines as a compare-exchange of 17 with 17. Tests of
-// behaviour can show that a read writes, but not the number; only the code shows that.
+// behaviour can show that a read writes, but not which number it compares with; only the machine code shows the number.
 #include <ORLAtomic.h>
 
 #include <gtest/gtest.h>

@@ -201,7 +201,7 @@ TEST(Atomic, ManyThreadsRaceForAnEmptyPointer_OneWins)
 namespace {
 
 // Two threads each write their own word and then read the other's. With a full barrier in the read, at least one of
-// them sees the other's write. They run through many pairs of words so that some accesses nearly coincide.
+// them sees the other's write. The threads run through many pairs of words so that some accesses nearly coincide.
 template <class Word, class Read>
 void ExpectAFullBarrier(Word inWritten, const Read& inRead)
 {

@@ -41,7 +41,7 @@ public:
 
 int Square::sLiving = 0;
 
-/// Reads the count at its guaranteed place: directly after the vtable pointer.
+/// Reads the count at its guaranteed offset: directly after the vtable pointer.
 AtomicValue CountOf(const void* inObject)
 {
     AtomicValue count;
@@ -124,7 +124,7 @@ TEST(InterfaceRef, Assignment_CountsTheNewBeforeItReleasesTheOld)
         reference = other;
         EXPECT_EQ("+b-a", sLog);
         sLog.clear();
-        reference = other; // the object that it already holds
+        reference = other; // assigns the object that reference already holds
         EXPECT_EQ("+b-b", sLog);
     }
 }

@@ -47,7 +47,7 @@ TEST(Managed, NewObject_HasNoOwner)
 
 TEST(Managed, LastReleaseThroughAManager_CallsDestroyAndDeletesNothing)
 {
-    Item item; // on the stack, so a delete would crash
+    Item item; // the object is on the stack, so a delete would crash
     Keeper keeper;
     keeper.Keep(item);
     keeper.Keep(item);

@@ -75,7 +75,7 @@ constexpr std::uint32_t kWrapped = 0x2000;
 constexpr std::uint32_t kDefault = 0x1;
 constexpr std::uint32_t kGroup = 0x00020000;
 
-/// An item of a dialog as it must be. An icon has a number in place of a title, and its own size: windres writes none.
+/// An expected item of a dialog. An icon has a number in place of a title, and its own size: windres writes none.
 struct ExpectedItem
 {
     unsigned int mID;
@@ -106,7 +106,7 @@ inline void ExpectItem(const ORL::Resources::DialogItem& inItem, const ExpectedI
     }
 }
 
-/// Every part of a template: inItems in their order.
+/// Compares every part of a template; the items must be in the order of inItems.
 template <std::size_t kCount>
 void ExpectDialog(const ORL::Resources::Bytes& inTemplate, int inWidth, int inHeight, const char16_t* inTitle,
                   const ExpectedItem (&inItems)[kCount])

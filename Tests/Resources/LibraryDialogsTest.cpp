@@ -83,7 +83,8 @@ TEST_F(LibraryDialogs, OfErrors_SayTheSameInFiveLanguages)
     }
 }
 
-// An icon file holds the same pictures. Its directory says where they are; that of a resource has their numbers instead.
+// An icon file holds the same pictures. The directory of a file contains the offsets of the pictures; that of a
+// resource contains their numbers.
 TEST_F(LibraryDialogs, TheirIcon_HasThePicturesOfItsFileInFiveLanguages)
 {
     std::ifstream stream(std::filesystem::u8path(ORL_LIBRARY_ICON), std::ios::binary);
@@ -114,7 +115,7 @@ TEST_F(LibraryDialogs, TheirIcon_HasThePicturesOfItsFileInFiveLanguages)
 
 TEST_F(LibraryDialogs, AndTheirIcon_AreAllOfTheLibrarysResources)
 {
-    std::map<std::pair<unsigned int, unsigned int>, int> counts; // by type and language
+    std::map<std::pair<unsigned int, unsigned int>, int> counts; // number of resources by type and language
     for (const ResourceEntry& entry : Entries()) {
         EXPECT_FALSE(entry.mType.mIsText);
         ++counts[{entry.mType.mID, entry.mLanguage}];

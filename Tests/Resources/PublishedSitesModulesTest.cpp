@@ -96,7 +96,7 @@ void LoadLibraryWithoutMemory()
     OnLibraryUnload();
 }
 
-// One block that exists in American English only.
+// Provides one block that exists in American English only.
 class EnglishBlock : public ResourceCollection
 {
 public:

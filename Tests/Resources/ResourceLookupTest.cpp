@@ -273,7 +273,7 @@ std::string RawData(const Module& inModule, Lookup inLookup, unsigned short inID
     });
 }
 
-// Each kind of look-up once. Returns the number of wrong answers.
+// Performs each kind of lookup once. Returns the number of wrong results.
 int LookUpEverything(const Module& inModule)
 {
     int wrong = 0;
@@ -288,7 +288,7 @@ int LookUpEverything(const Module& inModule)
     return wrong;
 }
 
-// A module with equal names is loaded, asked and unloaded. Returns the number of wrong answers.
+// Loads, queries and unloads a module with the same resource names. Returns the number of wrong results.
 int LoadTheTwin()
 {
     const ModulePtr twin = LoadPlugIn("resources_twin");

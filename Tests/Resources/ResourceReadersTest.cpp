@@ -170,8 +170,8 @@ TEST(ResourceReaders, DirectoryThatLeadsToItself_Ends)
     EXPECT_TRUE(index.Entries().empty());
 }
 
-// Each of many entries leads to the same table of many entries. Without a limit the walk would visit the cube of their
-// number.
+// Each of many entries leads to the same table of many entries. Without a limit the walk would visit the cube of the
+// number of entries.
 TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
 {
     constexpr std::uint16_t kCount = 60000;
@@ -221,7 +221,7 @@ TEST(ResourceReaders, NamesAndDataOutsideOfTheSection_AreLeftOut)
         {__LINE__, 7, 0xFFFFFFFF, kSectionAddress + 88, 4, 0},
         {__LINE__, 0x80000059, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that begins beyond the end
         {__LINE__, 0x80000058, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that is longer than the section
-        {__LINE__, 0x10007, 0x80000018, kSectionAddress + 88, 4, 0},    // a number of more than 16 bits
+        {__LINE__, 0x10007, 0x80000018, kSectionAddress + 88, 4, 0},    // an identifier of more than 16 bits
     };
     for (const Row& row : kRows) {
         Writer section;
@@ -290,7 +290,7 @@ TEST(ResourceReaders, OfAnEmptyIndex_NothingIsFound)
 
 TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
 {
-    // Languages of one resource in any order, and the one that is found; 0xFFFF if none.
+    // Languages of one resource in any order, and the language that the lookup finds; 0xFFFF if it finds none.
     struct Row
     {
         int mLine;
@@ -307,7 +307,7 @@ TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
         {__LINE__, {7, 0x0407}, 0x0407, 1033, 0x0407},
         {__LINE__, {9, 0x040C}, 0x0809, 1033, 9},
         {__LINE__, {9, 0x040C}, 0, 1033, 9},           // the neutral form of the user's language
-        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the first one
+        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the first language
         {__LINE__, {0x0407, 0x040C}, 0, 0x040C, 0x040C},
         {__LINE__, {0x0409, 0x0407}, 0, 0x040C, 0x0409},
         {__LINE__, {0x0400}, 0, 1033, 0x0400},

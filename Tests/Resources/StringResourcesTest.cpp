@@ -39,7 +39,7 @@ class Tables : public ResourceCollection
 public:
     std::map<unsigned short, Block> mLocalized;
     std::map<unsigned short, Block> mEnglish;
-    int mBytesCut = 0;                        // removed from the end of each block
+    int mBytesCut = 0;                        // bytes to remove from the end of each block
     mutable std::vector<unsigned int> mAsked; // block numbers; 0x10000 is added for American English
 
     void* FindLocalizedResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const override
@@ -174,7 +174,7 @@ TEST(StringResources, CutBlock_IsReportedAndGivesNothing)
     for (int cut = 1; cut < static_cast<int>(2 * whole.size()); ++cut) {
         for (const unsigned int id : {0u, 1u, 2u, 15u}) {
             Tables tables;
-            // In memory of exactly its size, so that a sanitizer detects an access outside it.
+            // Parses a block in memory of exactly its size, so that a sanitizer detects an access outside it.
             tables.mLocalized[1] = Block(whole.begin(), whole.end() - (cut + 1) / 2 + cut % 2);
             tables.mBytesCut = cut % 2;
             tables.mEnglish[1] = MakeBlock({{1, u"one"}});

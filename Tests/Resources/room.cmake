@@ -41,7 +41,7 @@ if(WIN32)
 else()
   # Compares the results with those of other programs for the same module.
   find_program(ORL_WRESTOOL wrestool REQUIRED)
-  find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED) # the one that has pefile's package
+  find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED) # the interpreter with pefile
   add_test(NAME Resources.Oracles.PefileAndWrestoolFindTheSame
     COMMAND "${ORL_SYSTEM_PYTHON}" "${CMAKE_CURRENT_SOURCE_DIR}/Resources/compare_with_oracles.py" $<TARGET_FILE:orl>
             "${ORL_WRESTOOL}" "${lookup_dll}")

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Reads the search paths of every program and shared library below a folder: check_rpath.py FOLDER
+"""Checks the search paths of every program and shared library below a folder: check_rpath.py FOLDER
 
-The loader takes an empty or relative entry of RPATH or RUNPATH for a folder below the current one, from which anybody's
-library would be loaded. Exit code 1 if there is such an entry, or no file to read.
+The loader resolves an empty or relative entry of RPATH or RUNPATH against the current folder, where any user may have
+put a library. Exit code 1 if there is such an entry, or no file to read.
 """
 import os
 import re
@@ -14,7 +14,7 @@ ENTRIES = re.compile(r"\((?:RPATH|RUNPATH)\).*\[(.*)\]")
 
 
 def is_loaded(path):
-    """Whether the loader takes the file for a program or a shared library."""
+    """Returns whether the file is an ELF program or shared library."""
     with open(path, "rb") as file:
         header = file.read(18)
     return header[:4] == b"\x7fELF" and int.from_bytes(header[16:18], "little") in (ET_EXEC, ET_DYN)
@@ -28,7 +28,7 @@ def loaded_files(folder):
                 if not os.path.islink(path) and is_loaded(path):
                     yield path
             except FileNotFoundError:
-                pass  # another test's file, gone meanwhile
+                pass  # a different test deleted its file
 
 
 def is_safe(entry):

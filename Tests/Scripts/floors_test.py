@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Gives check_floors.py a small house with one wrong include in each place that it looks at: floors_test.py SCRIPT"""
+"""Checks check_floors.py on a small tree with one wrong include at a time: floors_test.py SCRIPT"""
 import subprocess
 import sys
 import tempfile

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Gives check_thread_safety.py sources with one fault in each: thread_safety_test.py SCRIPT INCLUDE_FOLDER..."""
+"""Checks that check_thread_safety.py finds the one fault in each source: thread_safety_test.py SCRIPT INCLUDE_FOLDER..."""
 import json
 import subprocess
 import sys
@@ -19,7 +19,7 @@ struct Counter
 };
 """
 
-# The body of Count, and the expected warning; an empty one if the body is right.
+# The body of Count, and the expected warning; the warning is empty if the body is correct.
 CASES = [
     ("const ORL::CriticalSectionLock lock(mLock); CountLocked();", ""),
     ("mLock.Lock(); ++mCount; mLock.Unlock();", ""),

@@ -82,7 +82,7 @@ TEST_F(RegistryChanges, MoreChangesThanThePageHolds_AreAllSeen)
     }
 }
 
-// A plug-in may bring its own copy of the library into the process. It stays loaded.
+// A plug-in may bring its own copy of the library into the process. The copy stays loaded.
 TEST_F(RegistryChanges, SecondLibraryInTheProcess_SharesTheStore)
 {
     void* const guest = ::dlopen((FolderOfThisProgram() + "registry_guest.so").c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -28,7 +28,7 @@ constexpr auto kAll = static_cast<RegistryKeyAccess::Type>(0);
 // SQLite calls the system through its own table. While a fault is armed, the table holds the wrappers below.
 struct SqliteFault
 {
-    unsigned mCountdown = 0; // 1 fails the next call, 0 none
+    unsigned mCountdown = 0; // 1 fails the next call, 0 fails no call
     int mErrno = 0;
     unsigned mCalls = 0;
     bool mWritesAlone = false; // counts and fails only calls that write
@@ -79,7 +79,8 @@ int FaultyFcntl(int inFile, int inCommand, ...)
     va_start(list, inCommand);
     void* const argument = va_arg(list, void*);
     va_end(list);
-    // Releasing a lock never fails on any system, and the database would wait long for a lock that seems to be held.
+    // Releasing a lock never fails on any system, and SQLite would poll until its timeout for a lock that seems to be
+    // held.
     const bool isUnlock = inCommand == F_SETLK && static_cast<struct flock*>(argument)->l_type == F_UNLCK;
     return !isUnlock && sFault.Hits() ? -1 : ::fcntl(inFile, inCommand, argument);
 }

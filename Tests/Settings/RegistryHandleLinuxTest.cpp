@@ -1,5 +1,5 @@
-// Linux has no transactions for the registry. Each call that needs one fails as it does on a Windows version without
-// the transaction function.
+// Linux has no transactions for the registry. Each call that needs a transaction fails as it does on a Windows version
+// without the transaction function.
 #include "RegistryPlace.h"
 
 #include <RegistryHandle.h>

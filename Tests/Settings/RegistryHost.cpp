@@ -22,7 +22,7 @@ namespace {
 
 constexpr auto kUser = RegistryRootKeys::kUser;
 
-// The work of one thread. A thread must read back its last write; the values of other threads may only grow.
+// Performs the work of one thread. A thread must read back its last write; the values of other threads may only grow.
 bool Mix(const UTF16String& inBase, unsigned inThread, unsigned inCount)
 {
     RegistryKey shared;
@@ -159,7 +159,7 @@ int main(int argc, char** argv)
     if (words.at(0) == "model") {
         ORLTest::RegistryModel model(MakeString(words.at(1)));
         for (std::size_t i = 2; i + 1 < words.size(); i += 2) {
-            model.Run(number(i), number(i + 1), i + 3 < words.size()); // earlier turns are replayed on the map only
+            model.Run(number(i), number(i + 1), i + 3 < words.size()); // all turns except the last run on the map only
         }
         return 0;
     }

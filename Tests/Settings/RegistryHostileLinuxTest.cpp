@@ -1,4 +1,4 @@
-// Databases written by something else: damaged, of another format, of a newer version, or in the wrong place.
+// Databases not written by the library: damaged, of another format, of a newer version, or in the wrong place.
 #include "RegistryPlace.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>

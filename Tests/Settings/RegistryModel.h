@@ -16,7 +16,7 @@ namespace ORLTest {
 class RegistryModel
 {
 public:
-    /// inBase must name an existing key. All operations are below it.
+    /// inBase must name an existing key. All operations are on keys below inBase.
     explicit RegistryModel(const UTF16String& inBase);
 
     /// Performs inCount random operations on the map and, unless inMapOnly, on the registry. Returns the number of the
@@ -35,7 +35,7 @@ private:
     };
     struct Key
     {
-        unsigned mIdentity = 0; // a recreated key gets a new one
+        unsigned mIdentity = 0; // a recreated key gets a new identifier
         std::map<std::string, Value> mValues;
     };
     struct Handle

@@ -31,7 +31,7 @@ public:
     std::string Open(const std::u16string& inPath, unsigned inAccess = kAll) const;
     static std::string OpenIn(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess = kAll);
 
-    /// Returns "status disposition", or only the status if it is not 0.
+    /// Returns "status disposition", or only the status if the status is not 0.
     std::string Create(const std::u16string& inPath) const;
     static std::string CreateIn(KeyHandle inParent, const unsigned short* inPath);
 
@@ -43,13 +43,13 @@ public:
     /// Returns "status".
     std::string Set(const std::u16string& inName, unsigned inType, const void* inData, unsigned inSize) const;
 
-    /// Returns "status type=T size=N bytes=XX...; size query status N", or only the status if it is not 0.
+    /// Returns "status type=T size=N bytes=XX...; size query status N", or only the status if the status is not 0.
     std::string Query(const std::u16string& inName) const;
 
     /// Sets and queries.
     std::string SetAndQuery(unsigned inType, const void* inData, unsigned inSize) const;
 
-    /// Returns the names of all subkeys and the status at their end.
+    /// Returns the names of all subkeys and the status that ends the enumeration.
     std::string List(KeyHandle inKey) const;
 
     UTF16String mPath;

@@ -40,7 +40,7 @@ TEST(RegistryValueTable, EmptyTable_FindsNothing)
     EXPECT_TRUE(table.List().empty());
 }
 
-// Data of odd sizes stands between two texts.
+// Stores data of each size from 0 to 19 between two texts.
 TEST(RegistryValueTable, Value_KeepsItsParts)
 {
     for (std::size_t size = 0; size < 20; ++size) {

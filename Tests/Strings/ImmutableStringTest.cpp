@@ -244,7 +244,7 @@ TEST(ImmutableStringTable, ManyTexts_AreEachFoundAgainAndPurgedTogether)
     for (std::size_t i = 0; i < texts.size(); ++i) {
         ASSERT_EQ(handles[i].c_str(), ImmutableString::CreateDynamic(texts[i]).c_str()) << texts[i];
     }
-    // Removes every second one; the rebuilt index must still find the others.
+    // Removes every second text; the rebuilt index must still find the remaining texts.
     for (std::size_t i = 0; i < handles.size(); i += 2) {
         handles[i] = ImmutableString();
     }

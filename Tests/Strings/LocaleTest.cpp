@@ -95,7 +95,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
     ExpectEach(rows, PointLocale());
 }
 
-// Out of range for a double: the classic reading fails, so it counts as 0, whatever value the stream stored.
+// Out of range for a double: the classic reading fails, so its result is 0, whatever value the stream stored.
 TEST(GetValueFromDisplayString, AClassicReadingThatFails_IsZero)
 {
     const Row rows[] = {

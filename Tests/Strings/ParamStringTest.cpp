@@ -29,7 +29,7 @@ const ParseRow kParseRows[] = {
     {__LINE__, "no placeholders", {"a"}, kGeneralFailure, "before"},
     {__LINE__, "%3", {"a", "b"}, kGeneralFailure, "before"},
     {__LINE__, "%1", {"a", "b"}, kGeneralFailure, "before"},
-    // only the first occurrence is filled, and numbers above the count stay
+    // only the first occurrence of a placeholder is replaced; placeholders above the number of parameters stay
     {__LINE__, "%1 %1", {"a"}, kSuccess, "a %1"},
     {__LINE__, "%1 %2 %3", {"a", "b"}, kSuccess, "a b %3"},
     // later steps also search text that was inserted

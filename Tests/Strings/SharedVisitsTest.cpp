@@ -77,7 +77,7 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
                         ++looks;
                     }
                 }
-                std::this_thread::yield(); // if a visitor loses the processor during a visit, the writer waits long
+                std::this_thread::yield(); // not inside the visit: a preempted visitor stalls the writer
             }
         });
     }

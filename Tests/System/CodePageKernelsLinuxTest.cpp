@@ -1,5 +1,5 @@
-// Every form of the conversions, beside the same text converted character by character. The texts and the results end
-// where readable memory ends, so that no form can reach behind either.
+// Compares every form of the conversions with the same text converted character by character. The texts and the results
+// end where readable memory ends, so that an access beyond either end faults.
 #include "CodePageSweep.h"
 
 #include <CodePageConversion.h>
@@ -39,7 +39,7 @@ public:
     GuardedMemory(const GuardedMemory&) = delete;
     GuardedMemory& operator=(const GuardedMemory&) = delete;
 
-    // The last elements that lie inBehind bytes before the end.
+    // Returns the last elements, which end inBehind bytes before the end of the memory.
     template <class Element>
     Element* Last(std::size_t inCount, std::size_t inBehind = 0) const
     {
@@ -53,7 +53,7 @@ private:
     char* mMemory;
 };
 
-// The characters of a page, each converted alone.
+// The characters of a code page, each converted alone.
 class Characters
 {
 public:
@@ -176,7 +176,7 @@ private:
     GuardedMemory mResult{0x40000};
 };
 
-// Text in which every kind of byte meets every other: ASCII, zeros, lead bytes and single ones.
+// Returns text in which every kind of byte follows every other: ASCII, zeros, lead bytes and single bytes.
 std::string MixedBytes(SteadyNumbers& ioNumbers, std::size_t inCount)
 {
     std::string text;
@@ -250,8 +250,8 @@ TEST_P(EachCodePageKernel, ASCIIOfEveryLength_IsCopied)
     }
 }
 
-// The pair lies before, across and behind the ends of blocks; so does the lead byte that stands alone at the end or
-// before a zero byte, and the single byte that could be a trail byte.
+// Places a pair before, across and after the ends of blocks; also a lead byte alone at the end or before a zero byte,
+// and a single byte that could be a trail byte.
 TEST_P(EachCodePageKernel, PairAtEveryPlace_IsOneUnit)
 {
     const std::string middles[] = {"\x93\xFA", "\x93\\", "\xB1\xB2", "\xFC\x81\xFE", std::string("\x93\0", 2), "\x93"};
@@ -269,7 +269,7 @@ TEST_P(EachCodePageKernel, PairAtEveryPlace_IsOneUnit)
     }
 }
 
-// Every second byte of a run of lead bytes is a trail byte, whatever the blocks that the run crosses.
+// Every second byte of a run of lead bytes is a trail byte, regardless of the block boundaries within the run.
 TEST_P(EachCodePageKernel, RunsOfLeadBytes_ArePairsFromTheirFirstByteOn)
 {
     for (const unsigned page : kDoubleBytePages) {
@@ -337,7 +337,7 @@ TEST(CodePageKernels, TheBest_IsTheFirstThatTheProcessorSupports)
     EXPECT_TRUE(std::rbegin(ORL::Linux::kCodePageKernels)->mIsSupported());
 }
 
-// On both sides of the limit up to which a result is converted on the stack.
+// Tests lengths on both sides of the limit up to which a result is converted on the stack.
 TEST(CodePageKernels, MixedResultsAroundTheStackBuffer_AreTheirCharacters)
 {
     SteadyNumbers numbers;

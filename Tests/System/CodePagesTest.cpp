@@ -143,7 +143,7 @@ TEST_F(CodePages, EmptyText_StaysEmptyWithoutACheck)
     EXPECT_TRUE(recorder.Reports().empty());
 }
 
-// Covers the steps of sixteen, with runs of ASCII and lone lead bytes at every position.
+// Covers the loops over blocks of 16 bytes, with runs of ASCII and lone lead bytes at every position.
 TEST_F(CodePages, EveryLengthAndPlace_IsThePartsSideBySide)
 {
     for (std::size_t before = 0; before < 40; ++before) {

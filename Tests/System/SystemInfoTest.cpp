@@ -48,7 +48,7 @@ TEST(SystemInfo, RDTSC_IsThereOnThisProcessor)
     EXPECT_TRUE(SystemInfo::ProcessorSupportsRDTSCInstruction());
 }
 
-// Runs in its own process, because only its first call is the first.
+// Runs in its own process, because the test needs the first call of the process.
 using SystemLoadDeathTest = testing::Test;
 
 TEST_F(SystemLoadDeathTest, FirstCallInAProcess_Returns0)

@@ -198,7 +198,7 @@ bool ReportsAreThoseOfAMissingCounter()
     proc.Set(kStat, "nothing\n");
     const bool areZero = SystemInfo::GetSystemLoad() == 0.0f && SystemInfo::GetSystemLoad() == 0.0f;
     const auto reports = recorder.Reports();
-    bool areRight = areZero && reports.size() == 3; // one for the counter, then one for the sample of each call
+    bool areRight = areZero && reports.size() == 3; // one for the missing counter, then one for each call's sample
     for (const CheckReport& report : reports) {
         areRight = areRight && report.mKind == CheckReport::kAssert && report.mExpression == "false"
                    && report.mFunction == "ORL::SystemInfo::Platform::GetSystemLoad_Impl";

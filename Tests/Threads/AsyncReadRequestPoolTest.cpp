@@ -178,7 +178,7 @@ TEST(AsyncReadRequestPool, MoreThreadsThanRecords_NeverShareOne)
         threads.emplace_back([&pool, i, rounds] {
             for (int round = 0; round < rounds; ++round) {
                 Request* const request = pool.AllocateAsyncReadRequest();
-                request->mOwner = i; // deliberately not atomic: two owners would race
+                request->mOwner = i; // deliberately not atomic: two owners of a record would race
                 std::this_thread::yield();
                 EXPECT_EQ(i, request->mOwner);
                 pool.FreeAsyncReadRequest(request);

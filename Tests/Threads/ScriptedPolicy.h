@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// The actions of the policy's operations, and a record of the operations. One object at a time.
+/// The actions of the policy's operations, and a record of the operations. Only one policy object may exist at a time.
 struct Script
 {
     Script() { sCurrent = this; }

@@ -27,7 +27,7 @@ public:
     {
         ++mLiving;
     }
-    // noinline: if this destructor is inlined, the compiler warns about releases of other classes.
+    // noinline: if inlined, GCC reports a false warning for the Release of unrelated classes.
     __attribute__((noinline)) ~CountedRequest() override { --mLiving; }
     void Process() override { mFunction(); }
 
@@ -71,7 +71,8 @@ TEST(ThreadedWorkQueueMemory, RequestThatFindsNoMemory_ThrowsAndIsLetGoAndTheNex
     EXPECT_EQ(0, living);
 }
 
-// Each allocation of Initialize fails once. The queue must be unchanged then, and the next Initialize must succeed.
+// Each allocation of Initialize fails once. The queue must be unchanged after the failure, and the next Initialize must
+// succeed.
 TEST(ThreadedWorkQueueMemory, InitializeThatFindsNoMemory_ThrowsAndMayBeTriedAgain)
 {
     const Queue queue(new ThreadedWorkQueue);

@@ -372,9 +372,9 @@ TEST(ThreadedWorkQueue, StoppedTwice_ReportsTheAssertion)
     ExpectAssert(reports[0], "!mImpl->mExecutor->IsTerminated()", kStoppedTwice, "ORL::ThreadedWorkQueue::Stop");
 }
 
-// The first Stop runs on the queue's own thread and does not wait. The second Stop must end the queue. It is called
-// while a request that was queued after the first Stop is running. That request runs until the second Stop is reported,
-// and then long enough for a Stop that does not wait to return.
+// The first Stop runs on the queue's own thread and does not wait. The second Stop must end the queue. The second Stop
+// is called while a request that was queued after the first Stop is running. That request runs until the second Stop is
+// reported, and then long enough for a Stop that does not wait to return.
 TEST(ThreadedWorkQueue, StoppedOnItsOwnThread_ReturnsAtOnceAndTheSecondStopWaitsForWhatIsQueued)
 {
     const CheckRecorder recorder;

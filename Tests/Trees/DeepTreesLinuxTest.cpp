@@ -298,7 +298,7 @@ TEST_F(DeepTrees, Copy_WithoutADescriptor_FailsAndLeavesWholeFiles)
     EXPECT_EQ(20, DepthOfChain("to", 1));
 }
 
-// On the way up, each folder must be the one through which the walk came down.
+// When the walk ascends, each parent must be the folder from which it descended.
 TEST_F(DeepTrees, AFolderThatIsMovedAwayMeanwhile_EndsTheWorkAndNothingElseIsTouched)
 {
     MakeChain("from", 12);

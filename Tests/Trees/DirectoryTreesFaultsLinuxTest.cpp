@@ -32,7 +32,7 @@ struct Failure
 {
     Faults::Call mCall;
     int mErrno;
-    bool mIsMet; // the work reached that call
+    bool mIsMet; // the operation reached that call
 
     // A file that cannot be opened or queried can still be deleted and moved. A failing close matters only for a file
     // that was written.
@@ -334,7 +334,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_BesideTheLeftoversOfAKilledOne_IsDone)
     EXPECT_EQ(expected, Read(Host("to")));
 }
 
-// The kernel refuses copy_file_range, and writes are short.
+// Makes copy_file_range fail and shortens reads and writes.
 TEST_F(DirectoryTreesUnderFaults, Copy_ByHand_GivesTheSameTree)
 {
     MakeTree();

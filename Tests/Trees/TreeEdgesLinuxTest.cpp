@@ -74,7 +74,8 @@ ssize_t ListWithoutTypes(int inFolder, void* outBuffer, std::size_t inSize)
     return size;
 }
 
-/// Runs inWork in a child process with its own mount namespace. Skips the test if the system forbids that.
+/// Runs inWork in a child process with its own mount namespace. Skips the test if the kernel forbids creating the
+/// namespace.
 template <class Work>
 void RunWithMounts(const Work& inWork)
 {

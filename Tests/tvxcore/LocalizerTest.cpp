@@ -49,7 +49,7 @@ TEST_F(LocalizerTest, BuiltInOne_GivesTheTextBehindTheFirstEqualSign)
         {__LINE__, "$$$/key=", ""},
         {__LINE__, "$$$/key=\xE5\xAD\x97 \xF0\x9F\x98\x80", "\xE5\xAD\x97 \xF0\x9F\x98\x80"},
         {__LINE__, "$$$/key=\xFF", "\xEF\xBF\xBD"},
-        // not a ZString: returned whole
+        // not in the form of a ZString: returned whole
         {__LINE__, "", ""},
         {__LINE__, "plain", "plain"},
         {__LINE__, "a=b", "a=b"},

@@ -253,7 +253,8 @@ TEST(SmallBlockAllocator, NoPagesForAThreadsCache_TheThreadIsServedAllTheSame)
     std::promise<void> over;
     const std::shared_future<void> untilOver = over.get_future().share();
     std::vector<std::thread> threads;
-    // The first threads take over idle caches of earlier ones. Each keeps its cache, so later threads find none.
+    // The first threads take over idle caches of earlier ones. Each of them keeps its cache, so later threads find no
+    // idle cache.
     while (threads.size() < 64) {
         std::promise<bool> served;
         std::future<bool> wasServed = served.get_future();

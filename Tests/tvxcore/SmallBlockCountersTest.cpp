@@ -240,7 +240,7 @@ TEST(SmallBlockCounters, ThreadDisposesOfLargerAndAllocatesSmaller_PeakKeepsItsB
     // Allocates up to the peak, so that no slack is left and each missing byte raises the peak.
     Blocks filling(kLargestSmall);
     filling.Allocate(static_cast<std::size_t>((Now().mSmallBlockBytesPeak - Now().mSmallBlockBytesCurrent) / kLargestSmall + 1));
-    // Each exchange frees more bytes on the thread than it uses, within one class and therefore within its stack.
+    // Each exchange frees more bytes on the thread than it allocates, within one class and therefore within its stack.
     const Snapshot before = Now();
     constexpr int kRounds = 40000;
     constexpr std::size_t kSmaller = kLargestSmall - 2000;

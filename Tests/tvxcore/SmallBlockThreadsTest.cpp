@@ -49,7 +49,7 @@ struct Parcel
     }
 };
 
-// A place where threads exchange blocks.
+// A slot through which threads exchange blocks.
 class Market
 {
 public:

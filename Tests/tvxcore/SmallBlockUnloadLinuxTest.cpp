@@ -234,7 +234,8 @@ void ComeAndGo()
 
 } // namespace
 
-// If another thread holds a lock at the fork, it would stay locked in the child forever; the fork must wait for it.
+// If another thread holds a lock at the fork, the lock would stay locked in the child forever; the fork must wait for
+// it.
 TEST(SmallBlockUnload, ProcessForksWhileALockIsBusy_TheChildCanTakeIt)
 {
     if (tvxcore::utility::SmallBlocks::kBlocksAreTheSystems) {

@@ -115,7 +115,7 @@ TEST(UtfKernels, AtLeastTheBaselineRunsHere)
 
 TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
 {
-    // The characters shift a run of code points through all positions; the lead shifts the whole run once more.
+    // Code points of one length follow each other at changing offsets in a vector step; the lead shifts all of them.
     for (std::size_t lead = 0; lead < 3; ++lead) {
         Bytes bytes(lead, 'x');
         Units units(lead, 'x');

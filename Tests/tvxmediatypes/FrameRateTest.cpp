@@ -132,7 +132,7 @@ TEST(FrameRate, OfARandomFraction_IsWithinHalfATick)
 TEST(FrameRate, Order_IsThatOfFramesPerSecond)
 {
     const std::size_t count = sizeof(kRisingTicks) / sizeof(kRisingTicks[0]);
-    // The first four rise from the fastest negative rate to the slowest.
+    // The first four rates rise from the fastest negative rate to the slowest.
     const std::size_t rising[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
     static_assert(sizeof(rising) / sizeof(rising[0]) == sizeof(kRisingTicks) / sizeof(kRisingTicks[0]), "");
     for (std::size_t i = 0; i < count; ++i) {
