@@ -84,7 +84,7 @@ public:
     unsigned Count(Call inCall) const { return sCounts[inCall]; }
 
 private:
-    // Needs no lock: only one file is processed at a time, so the threads never call together.
+    // Needs no lock: only one file is processed at a time, so the threads never call concurrently.
     static bool Fails(Call inCall)
     {
         const bool fails = ++sCounts[inCall] == sNumber && inCall == sCall;

@@ -33,7 +33,7 @@ protected:
     ProcessResult Orl() const { return RunBesideThisProgram("orl", {"ingest", Card().string(), Disk().string()}); }
 
     /// Runs shell commands in a private mount namespace, as root of a user namespace if the user is not root. Returns
-    /// the exit code of the commands, or -1 if the system forbids that. Sets "$orl", "$card" and "$disk".
+    /// the exit code of the commands, or -1 if the system forbids the namespace. Sets "$orl", "$card" and "$disk".
     int InOwnMounts(const std::string& inCommands) const
     {
         const std::string unshare = ::geteuid() == 0 ? "unshare -m" : "unshare -rm";
@@ -211,7 +211,8 @@ TEST_F(IngestHarmOnLinux, NamesThatTheVolumeTellsApart_AreAllBroughtIn)
     ExpectIngested(ReadTree(Card()), Disk());
 }
 
-// Simulates two names that collide although case folding keeps them apart; found only when the name is taken.
+// Simulates two names that collide although they differ after case folding; detected only when the second file is
+// renamed.
 TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
 {
     const IngestOutcome outcome =

@@ -81,7 +81,7 @@ TEST_F(IngestHarm, AnIngestedFileAsTheManifest_IsRefused)
     EXPECT_EQ(mCard["a"], ReadFile(Disk() / "a"));
 }
 
-// The last line is another program's and has no line break.
+// The manifest ends with a line of another program that has no line break.
 TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
 {
     fs::create_directories(Disk());
@@ -113,7 +113,8 @@ TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
               ReadFile(Disk() / kManifest));
 }
 
-// They are ordinary files, in the source and in a folder below the destination.
+// Ingests files with temporary names, and keeps such files in a folder below the destination: only recorded files are
+// deleted.
 TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
 {
     const std::vector<std::string> names{".orl-0123456789abcdef.part", kUnfinished, "ingest.sha256.part", ".orl-names"};
@@ -132,7 +133,7 @@ TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
     EXPECT_EQ(3 + names.size(), ReadManifest(Disk() / kManifest).size());
 }
 
-// The destination contains the source. Its record is from a run that copied something to where the source is now.
+// The destination contains the source, and the record of a killed run lists a temporary file where the source is now.
 TEST_F(IngestHarm, ARecordedTemporaryInsideTheSource_IsNotDeleted)
 {
     WriteFile(Card() / kUnfinished, "a file of the source");

@@ -55,7 +55,7 @@ inline orl::IngestOutcome IngestHere(const std::filesystem::path& inCard, const 
 {
     orl::IngestPlan plan;
     orl::IngestOutcome outcome = IngestHere(inCard, inDisk, inOptions, plan);
-    outcome.mRows.clear(); // they point into the plan, which is destroyed here
+    outcome.mRows.clear(); // the rows point into the plan, which is destroyed on return
     return outcome;
 }
 

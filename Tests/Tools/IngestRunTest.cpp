@@ -134,7 +134,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
 TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
-    ChangeOnCard("a", std::string(2500000, 'A')); // of the same size
+    ChangeOnCard("a", std::string(2500000, 'A')); // the new contents have the same size
     ChangeOnCard("b", "shorter");
     const IngestOutcome outcome = Run(
         [this](IngestStep inStep, const IngestItem& inItem) {

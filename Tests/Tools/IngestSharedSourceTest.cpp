@@ -1,4 +1,5 @@
-// Several destinations read files from one source: each block once if memory allows it, and never wrong bytes.
+// Tests that several destinations can read files from one source: each block once if memory allows it, and never wrong
+// bytes.
 #include <IngestSharedSource.h>
 
 #include <IngestTestSupport.h>

@@ -142,7 +142,7 @@ TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // after: the record twice, file "a", the record
+        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // the writes before: the record twice, file "a", the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
@@ -161,7 +161,7 @@ TEST_F(OrlIngestOnLinux, AFileThatBreaksOff_IsToldAndTheOthersGoOn)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first one reads the record
+        calls.Fail(FaultySystemCalls::kPRead, 2, EIO); // the first read is that of the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
@@ -236,7 +236,7 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
         FaultySystemCalls calls;
         calls.Underneath().mStatFs = [](const char*, struct statfs* outStatus) {
             *outStatus = {};
-            outStatus->f_type = 0x4d44; // the FAT file systems
+            outStatus->f_type = 0x4d44; // the type of FAT file systems
             return 0;
         };
         ExpectNoRoom("limited to 4.3 GB");

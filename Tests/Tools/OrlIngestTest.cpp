@@ -151,7 +151,7 @@ TEST_F(OrlIngest, Replace_ExchangesFilesAndLines)
 {
     ASSERT_EQ(0, Ingest().mExitCode);
     mFolder.MakeFile("card/none", "now it holds something");
-    mFolder.MakeFile("card/a.wav", MakeWav(44100, 48000 * 2 + 1920)); // of the same size
+    mFolder.MakeFile("card/a.wav", MakeWav(44100, 48000 * 2 + 1920)); // the new contents have the same size
     mCard = ReadTree(Card());
     EXPECT_EQ(8, Ingest().mExitCode);
     const ProcessResult result = Ingest({"--replace"});

@@ -1,4 +1,4 @@
-// Runs orl res picture as a user does. An independent library decodes its pictures.
+// Runs orl res picture as a user does. An independent library decodes the pictures that it writes.
 #include "../Examples/PngReader.h"
 #include "../Images/Data/Pixels.h"
 

@@ -31,7 +31,8 @@ std::string Format(unsigned inTag, unsigned inRate, unsigned inBytesPerBlock, co
                              + Number(4, 2) + inMore);
 }
 
-// Returns what follows the 16 bytes common to all formats: the extension size 22, valid bits, speakers, the identifier.
+// Returns the bytes after the 16 bytes common to all formats: the extension size 22, valid bits, speakers, the
+// identifier.
 std::string Extensible(const std::string& inIdentifier)
 {
     return Number(22, 2) + Number(16, 2) + Number(3, 4) + inIdentifier;
@@ -44,7 +45,7 @@ std::string Riff(const std::string& inChunks, const std::string& inForm = "RIFF"
     return inForm + Number(4 + inChunks.size(), 4) + "WAVE" + inChunks;
 }
 
-/// Returns the samples, or -1 if there is no length.
+/// Returns the number of samples, or -1 if the file has no length.
 std::int64_t Samples(const std::string& inContents)
 {
     const TempFolder folder;
@@ -54,7 +55,7 @@ std::int64_t Samples(const std::string& inContents)
 }
 
 const std::string kData = Chunk("data", std::string(1024, 'd'));
-const std::string kBlocks = Number(2, 2) + Number(505, 2); // of IMA ADPCM: extension size and samples per block
+const std::string kBlocks = Number(2, 2) + Number(505, 2); // for IMA ADPCM: extension size, samples per block
 
 } // namespace
 

@@ -1,7 +1,7 @@
 # The tests run the program that is built beside them.
 add_dependencies(${room_target} orl resource_files resources_lookup images_pictures)
 
-# A host with orl's own stream, whose file is truncated while it is read.
+# A host that runs orl's stream code while the test truncates the file.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
   "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/TextWidth.cpp")

@@ -1,4 +1,4 @@
-// The subcommands of orl. Each has its own source and adds itself to the program.
+// The subcommands of orl. Each function below adds one subcommand to the program.
 #pragma once
 
 #include <CLI/CLI.hpp>

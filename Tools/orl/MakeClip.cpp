@@ -55,7 +55,7 @@ Failure CannotWrite(const Options& inOptions, const std::string& inReason)
     return Failure("make-clip: cannot write \"" + inOptions.mPath + "\": " + inReason);
 }
 
-// Streams store no reason, so the system's last error is used.
+// C++ streams store no error code, so the system's last error is used.
 std::string SystemsReason()
 {
     return std::generic_category().message(errno != 0 ? errno : EIO);

@@ -44,7 +44,7 @@ std::string WhereToLook(const std::string& inCommand)
     return " (see " + inCommand + " --help)";
 }
 
-// Replaces the parser's message, which would only say that a command is missing.
+// Replaces the parser's message, which only reports that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
 {
     const CLI::App* program = &inProgram;

@@ -72,7 +72,7 @@ void Run(const Options& inOptions)
     const ColourOutput output;
     if (output.ShowsColours()) {
         PrintPatch(colour);
-        std::cout.flush(); // before the console mode is restored
+        std::cout.flush(); // before the destructor restores the console mode
     }
     PrintText(colour, inOptions.mTo);
 }

@@ -14,7 +14,7 @@ enum class ColourForm { kRGB, kHSL, kHSV, kYUV, kYPbPr, kYIQ, kIRE };
 /// Returns the names on the command line, in the order in which forms are shown: "rgb", "hsl", ...
 const std::vector<std::string>& ColourFormNames();
 
-/// Returns the form of that name, or nothing if there is none.
+/// Returns the form of that name, or nothing if no form has the name.
 std::optional<ColourForm> ColourFormOf(const std::string& inName);
 
 /// Parses a colour. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for rgb,

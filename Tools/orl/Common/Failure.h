@@ -1,4 +1,4 @@
-// How a command reports that it cannot do its work.
+// Exit codes and exceptions with which a command fails.
 #pragma once
 
 #include <ORLResult.h>
@@ -13,12 +13,12 @@ inline constexpr int kExitFailure = 1; // the work could not be done
 inline constexpr int kExitUsage = 2;   // invalid command line
 
 // Exit codes of ingest, by the first error.
-inline constexpr int kExitNoRoom = 3;     // the destination is full, or would be
+inline constexpr int kExitNoRoom = 3;     // the destination is full, or would become full
 inline constexpr int kExitUnreadable = 4; // a file or folder of the source cannot be read
 inline constexpr int kExitChanged = 5;    // a file changed while it was copied
 inline constexpr int kExitGone = 6;       // the source or the destination has disappeared
 inline constexpr int kExitNotTheSame = 7; // a copy reads back differently
-inline constexpr int kExitTaken = 8;      // another file has the name at the destination
+inline constexpr int kExitTaken = 8;      // a different file has the name at the destination
 inline constexpr int kExitEmpty = 9;      // the source contains no file
 inline constexpr int kExitStopped = 130;  // stopped by the user; the code that shells use
 

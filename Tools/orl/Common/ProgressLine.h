@@ -1,5 +1,5 @@
-// A progress line that is overwritten in place, shown on terminals only. It is never wider than the terminal, because a
-// wrapped line cannot be overwritten.
+// A progress line that is overwritten in place, shown on terminals only. The line is never wider than the terminal,
+// because a wrapped line cannot be overwritten.
 #pragma once
 
 #include <chrono>
@@ -40,7 +40,7 @@ public:
     /// Replaces the text shown.
     void Show(const std::string& inText);
 
-    /// Removes the line.
+    /// Erases the line.
     void Clear();
 
 private:

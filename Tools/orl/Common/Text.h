@@ -31,7 +31,7 @@ std::string OnOneLine(const std::string& inText);
 /// Returns the text on one line, padded with blanks to that many terminal columns.
 std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
-/// Returns the text on one line; if it exceeds that many terminal columns, "..." and its end.
+/// Returns the text on one line; if the text exceeds that many terminal columns, "..." and the end of the text.
 std::string EndOf(const std::string& inText, std::size_t inColumns);
 
 /// Returns two lower-case digits per byte.

@@ -6,14 +6,14 @@
 
 namespace orl {
 
-/// Returns the terminal columns of a UTF-8 text: two for a wide character, none for a combining one. An invalid byte
-/// counts as one.
+/// Returns the terminal columns of a UTF-8 text: two for a wide character, none for a combining character. An invalid
+/// byte counts as one column.
 std::size_t ColumnsOf(const std::string& inText);
 
 /// Returns the longest prefix of at most inColumns columns, without splitting a character.
 std::string StartOf(const std::string& inText, std::size_t inColumns);
 
-/// Returns the longest suffix of at most inColumns columns. It starts with a character that has a width.
+/// Returns the longest suffix of at most inColumns columns. The suffix never starts with a combining character.
 std::string TailOf(const std::string& inText, std::size_t inColumns);
 
 } // namespace orl

@@ -28,7 +28,7 @@ struct UnbufferedRead
     std::optional<std::uint64_t> mSize; // bytes to read; if not set, the whole file
     std::size_t mBlockSize = 1 << 20;   // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;            // reads in flight
-    unsigned mPatience = 60;            // seconds without a completed read before NoAnswer is thrown
+    unsigned mPatience = 60;            // seconds to wait for each block before NoAnswer is thrown
 };
 
 struct UnbufferedFigures

@@ -10,7 +10,7 @@ namespace orl {
 namespace {
 
 constexpr std::uint32_t kSizeIsElsewhere = 0xFFFFFFFF;
-constexpr int kMostChunks = 1000; // more chunks mean an invalid file
+constexpr int kMostChunks = 1000; // a file with more chunks is invalid
 
 // Reads a little-endian number.
 std::uint64_t NumberAt(const unsigned char* inBytes, int inSize)
@@ -27,8 +27,8 @@ bool Is(const unsigned char* inBytes, const char* inTag)
     return std::memcmp(inBytes, inTag, 4) == 0;
 }
 
-// Format tags whose blocks contain one sample per channel. All others pack several samples into a block, and only the
-// "fact" chunk contains their number.
+// Format tags whose blocks contain one sample per channel. All other formats pack several samples into a block, and
+// only the "fact" chunk contains the number of samples.
 constexpr std::uint64_t kPcm = 1;
 constexpr std::uint64_t kFloat = 3;
 constexpr std::uint64_t kALaw = 6;

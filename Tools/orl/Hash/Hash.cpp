@@ -21,7 +21,7 @@ struct Options
     bool mAsJson = false;
 };
 
-// Part of the definition of the result: the hash depends on the block size.
+// Must not change: the printed hash depends on the block size.
 constexpr unsigned int kBlockSize = 1 << 20;
 
 Failure CannotRead(const std::string& inFile, ORL::Result inResult)

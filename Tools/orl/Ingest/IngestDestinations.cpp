@@ -89,7 +89,7 @@ private:
         mOpened[inIndex] = std::move(opened);
     }
 
-    // A failure that concerns all destinations, or the only one, ends the ingest.
+    // A failure that concerns all destinations, or the only destination, ends the ingest.
     void Refuse(std::size_t inIndex, const Failure& inFailure)
     {
         const bool isOfAll = inFailure.ExitCode() == kExitStopped || inFailure.ExitCode() == kExitEmpty;
@@ -101,7 +101,7 @@ private:
         mDestinations[inIndex].mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
     }
 
-    // With a single destination nothing is shared.
+    // Registers nothing for a single destination, because no block is shared.
     void Want()
     {
         for (std::size_t i = 0; i < mDestinations.size() && mDestinations.size() > 1; ++i) {

@@ -14,7 +14,7 @@ struct IngestDestination
 {
     IngestRoots mRoots;
     IngestPlan mPlan;
-    IngestOutcome mOutcome; // its rows point into the plan
+    IngestOutcome mOutcome; // the rows of the outcome point into the plan
 };
 
 /// The callbacks of an ingest.
@@ -38,7 +38,7 @@ struct IngestedSource
     std::uint64_t mBytesRead = 0; // from its files
 };
 
-/// Parses the arguments. Throws Failure if one is invalid or if a destination lies inside another.
+/// Parses the arguments. Throws Failure if an argument is invalid or if a destination lies inside another destination.
 std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
                                                 const std::vector<std::string>& inDestinations);
 

@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    /// Removes the temporary file, unless it has become the final one.
+    /// Removes the temporary file, unless it has been renamed to its final name.
     struct Remover
     {
         const OneFile& mFile;
@@ -86,7 +86,7 @@ private:
         return digest;
     }
 
-    // The destination has a file of this name and size. If its contents are the same too, it counts as ingested.
+    // The destination has a file of this name and size. If its contents are the same too, the file counts as ingested.
     IngestedFile Check()
     {
         File source;
@@ -103,7 +103,8 @@ private:
         ThrowTaken();
     }
 
-    // A later run recognises the file by its time. If the time cannot be set, that run compares the file again.
+    // A later run recognises the file by its last-write time. If the time cannot be set, the later run compares the
+    // file again.
     void GiveTimeOfSource() const
     {
         File file;
@@ -259,8 +260,8 @@ private:
         return digest.Finish();
     }
 
-    // A file that took the name after the plan was made is kept. It belongs to another program, or to this run if the
-    // volume treats two names of the source as one.
+    // A file that appeared under the final name after planning is kept. Another program created it, or this run did if
+    // the volume treats two names of the source as one.
     void PutInPlace() const
     {
         Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
@@ -381,7 +382,7 @@ private:
     const IngestContext& mContext;
     const std::string mFolderName;
     const std::string mLeaf;
-    std::string mTemporary; // in the folder of the final name; empty before the copy begins
+    std::string mTemporary; // name in the folder of the final name; empty before the copy begins
     HeldFolder mSource;
     HeldFolder mTarget;
     unsigned __int64 mTime = 0;

@@ -24,12 +24,12 @@ enum class IngestStep {
     kInPlace,     // the file has its final name
 };
 
-/// What all files of a run share. The functions are called from several threads.
+/// The objects that all files of a run share. The callbacks are called on several threads.
 struct IngestContext
 {
     const IngestRoots& mRoots;
     const std::set<EntryIdentity>& mSourceFolders; // never written to
-    IngestManifest& mManifest;                     // loses the line of a file before that file is replaced
+    IngestManifest& mManifest;                     // the line of a file is withdrawn before that file is replaced
     IngestRecord& mRecord;                         // lists each unfinished file before it is created
     SharedSource& mSource;                         // shared with the other destinations
     std::size_t mDestination = 0;                  // index of this run's destination
@@ -39,8 +39,8 @@ struct IngestContext
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty
 };
 
-/// One file could not be ingested. Its temporary file has been removed, or stays in the record for a later run to
-/// remove.
+/// Thrown when a file cannot be ingested. Its temporary file has been removed, or remains in the record for a later run
+/// to remove.
 class IngestFailure : public Failure
 {
 public:

@@ -7,8 +7,8 @@ namespace orl {
 
 namespace {
 
-// From this number of files on, one sync of the whole volume is cheaper, although it also waits for the writes of other
-// programs.
+// From this number of files on, one sync of the whole volume is cheaper than a sync of each file, although it also
+// waits for the writes of other programs.
 constexpr std::size_t kManyFiles = 64;
 
 using Leaves = std::vector<std::string>;

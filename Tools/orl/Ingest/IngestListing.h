@@ -10,7 +10,7 @@
 
 namespace orl {
 
-/// A failure at one file or folder: a line for the user, and the exit code for it.
+/// A failure at one file or folder: the error line and the exit code.
 struct IngestTrouble
 {
     std::string mText;

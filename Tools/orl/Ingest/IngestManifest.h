@@ -30,11 +30,11 @@ public:
     IngestManifest(const IngestManifest&) = delete;
     IngestManifest& operator=(const IngestManifest&) = delete;
 
-    /// Reads the file and changes nothing. Refuses a file at the first line that is not a sum, so that a large foreign
-    /// file costs little memory. Throws Failure.
+    /// Reads the file and changes nothing. Refuses a file at the first line that is not a checksum line, so that a
+    /// large foreign file costs little memory. Throws Failure.
     void Read();
 
-    /// Cuts off the incomplete last line of a killed run. Throws Failure.
+    /// Truncates the incomplete last line of a killed run. Throws Failure.
     void Mend();
 
     bool Holds(const std::string& inName) const { return mLines.count(inName) != 0; }
@@ -46,11 +46,11 @@ public:
     void Drop(const std::vector<std::string>& inNames);
 
     /// Removes the line of a file that is about to be replaced. The line is a comment on disk when this returns.
-    /// Returns its digest, empty if the manifest does not list the name. Throws Failure.
+    /// Returns the digest of the removed line, empty if the manifest does not list the name. Throws Failure.
     std::string Withdraw(const std::string& inName);
 
-    /// Adds lines, and replaces those of names that are listed already. They are on disk when this returns. Throws
-    /// Failure.
+    /// Adds lines, and replaces the lines of names that are already listed. The new lines are on disk when this
+    /// returns. Throws Failure.
     void Acknowledge(const std::vector<Line>& inLines);
 
     /// Deletes the lines that were commented out. The old list stays complete until the new one replaces it. Throws
@@ -93,12 +93,13 @@ private:
     std::vector<Place> mWithdrawn;
 };
 
-/// Formats a line with its line break, or parses one; returns false for a line of another form. Backslashes and line
-/// breaks in a name are escaped as coreutils does it.
+/// Formats a line with its line break, or parses one; returns false for a line of a different format. Backslashes and
+/// line breaks in a name are escaped as coreutils does it.
 std::string FormatManifestLine(const IngestManifest::Line& inLine);
 bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine);
 
-/// Whether a checksum program may have written the line: a sum of another kind or form, a comment, an empty line.
+/// Whether a checksum program may have written the line: a checksum of another algorithm or format, a comment, an empty
+/// line.
 bool IsLineOfSums(const std::string& inText);
 
 std::string EscapedName(const std::string& inName);

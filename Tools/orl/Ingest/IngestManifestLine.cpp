@@ -13,7 +13,7 @@ bool IsSum(const std::string& inText, std::size_t inFewest)
            && inText.find_first_not_of(kHexadecimal) == std::string::npos;
 }
 
-// "SHA256 (name) = digits"
+// the form "SHA256 (name) = digits"
 bool IsTagged(const std::string& inText)
 {
     const std::size_t name = inText.find(" (");

@@ -19,8 +19,8 @@ namespace {
 class Asked
 {
 public:
-    // Creates the temporary folder in inFolder of the destination, or in the nearest existing folder above it. A
-    // destination that does not exist yet has no record; then the name of the folder is not recorded.
+    // Creates the temporary folder in inFolder of the destination, or in the nearest existing folder above it. If the
+    // destination does not exist yet, it has no record, and the name of the folder is not recorded.
     Asked(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
         : mRecord(ioRecord), mFolder(std::move(inFolder))
     {

@@ -113,7 +113,7 @@ private:
         return {Place::kThere, VolumeOf(held.Identity(), inFolder)};
     }
 
-    // A dangling link takes the name too.
+    // A dangling link also occupies the name.
     Place FreePlace(const std::string& inFolder, const Place& inAbove)
     {
         HeldFolder above;

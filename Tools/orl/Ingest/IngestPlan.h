@@ -25,8 +25,8 @@ struct IngestItem
 {
     enum State {
         kToCopy,         // nothing at the destination has its name
-        kToCheck,        // a file of the same size has its name, and may be the same
-        kToReplace,      // another file has its name, and the user wants it replaced
+        kToCheck,        // a file of the same size has its name; the contents must be compared
+        kToReplace,      // a different file has its name, and the user wants that file replaced
         kVerifiedBefore, // in the manifest of an earlier run, with the size and time of the source
     };
 
@@ -69,8 +69,8 @@ struct IngestPlanRequest
     bool mIsDryRun = false; // do not try names and times at the destination
 };
 
-/// Compares the listing with what is at the destination. Throws Failure if the source holds no file, or a file with the
-/// manifest's name.
+/// Compares the listing with the contents of the destination. Throws Failure if the source holds no file, or a file
+/// with the manifest's name.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
 /// Bytes that earlier destinations of this run will write, by volume. Negative if leftovers will be deleted.

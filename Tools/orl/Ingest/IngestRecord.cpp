@@ -28,7 +28,7 @@ constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
 constexpr char kTemporary = 'T';
 constexpr char kLength = 'M';
 constexpr char kWithdrawn = 'W';
-constexpr char kWhole[] = "-"; // instead of a length: no line is being added
+constexpr char kWhole[] = "-"; // in place of a length: no line is being added
 
 bool IsNumber(const std::string& inText)
 {
@@ -113,8 +113,8 @@ IngestRecord::IngestRecord(const IngestRoots& inRoots, const std::string& inMani
 {
 }
 
-// On a system where an open file can be deleted, the file is removed while it is still locked. Elsewhere it is removed
-// after it is closed; if another run has opened it in between, the system refuses the removal.
+// On a system where an open file can be deleted, the file is removed while it is still locked. On other systems the
+// file is removed after it is closed; if another run has opened it in between, the system refuses the removal.
 IngestRecord::~IngestRecord()
 {
     if (!mFile.IsOpen()) {

@@ -16,11 +16,11 @@
 
 namespace orl {
 
-/// What an earlier run wrote and did not undo.
+/// What a killed run left behind, as read from the record.
 struct IngestRemains
 {
     std::set<std::string> mTemporaries;           // names below the destination
-    std::optional<std::uint64_t> mManifestLength; // before the last lines were added
+    std::optional<std::uint64_t> mManifestLength; // length of the manifest before the last lines were added
     std::vector<std::uint64_t> mWithdrawn;        // offsets of lines of the manifest that became comments
 };
 
@@ -51,18 +51,18 @@ public:
     /// first. Throws Failure. Thread-safe, as is Forget.
     std::string NewTemporary(const std::string& inFolder);
 
-    /// Call when the temporary file is gone or has become the final one.
+    /// Call when the temporary file has been removed or renamed to its final name.
     void Forget(const std::string& inFolder, const std::string& inLeaf);
 
-    /// Call before lines are added to the manifest, or before one becomes a comment. The note is on disk when these
-    /// return. Throw Failure.
+    /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
+    /// functions return. They throw Failure.
     void NoteManifestLength(std::uint64_t inLength);
     void NoteWithdrawn(std::uint64_t inPlace);
 
     /// Call when the added lines are complete.
     void NoteManifestIsWhole();
 
-    /// Whether the manifest holds something that only this record explains.
+    /// Sets whether the manifest holds an incomplete line or comments that only this record identifies.
     void SetNeededByManifest(bool inIsNeeded);
 
 private:
@@ -91,11 +91,11 @@ std::string RecordNameOf(const std::string& inManifestName);
 /// Returns ".orl-", 32 random digits, ".part".
 std::string RandomTemporaryName();
 
-/// Whether a name has that form.
+/// Returns whether a name has the form of RandomTemporaryName.
 bool IsTemporaryName(const std::string& inLeaf);
 
-/// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the system may hold
-/// the files of a killed run open until it has ended that run's reads.
+/// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the OS may keep the
+/// files of a killed run open until the reads of that run have ended.
 ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork);
 
 } // namespace orl

@@ -20,13 +20,13 @@ struct IngestRoots
     EntryIdentity mSourceIdentity;      // at the start of the ingest
     EntryIdentity mDestinationIdentity; // valid if mHasDestination is true
     bool mHasDestination = false;
-    std::uint64_t mVolume = 0; // of the destination, or of the folder in which it will be created
+    std::uint64_t mVolume = 0; // identity of the destination, or of the folder in which it will be created
 
     /// Opens a folder below the source, one name at a time, so that on Linux no path is too long. Follows links.
-    /// Returns kPathNotFound if the source is gone or another folder has taken its place.
+    /// Returns kPathNotFound if the source is gone or a different folder is at its path.
     ORL::Result OpenSource(const std::string& inFolder, HeldFolder& outFolder) const;
 
-    /// The same for the destination.
+    /// Opens a folder below the destination in the same way.
     ORL::Result OpenDestination(const std::string& inFolder, HeldFolder& outFolder) const;
 };
 
@@ -39,8 +39,8 @@ void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther);
 /// Creates the destination and its missing parent folders. Their names are on disk when this returns. Throws Failure.
 void MakeDestination(IngestRoots& ioRoots);
 
-/// Whether the source is gone: another folder has its place (for example after an unmount), or it held something and is
-/// now empty or cannot be listed.
+/// Whether the source is gone: a different folder is at its path (for example after an unmount), or the source had
+/// entries and is now empty or cannot be listed.
 bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething);
 
 bool IsDestinationGone(const IngestRoots& inRoots);

@@ -174,14 +174,14 @@ private:
         } catch (const NoAnswer& failure) {
             AddTrouble(failure, true);
             mHasNoAnswer = true;
-        } catch (const Failure& failure) { // from the manifest or the record
+        } catch (const Failure& failure) { // thrown by the manifest or the record
             AddTrouble(failure, true);
         } catch (const std::exception& failure) {
             AddTrouble(Failure("ingest: " + std::string(failure.what())), true);
         }
     }
 
-    // Several files may meet the failure that ends the run; only the first reports it.
+    // The failure that ends the run may occur for several files; only the first reports it.
     void AddTrouble(const Failure& inFailure, bool inEndsRun)
     {
         const std::lock_guard<std::mutex> lock(mMutex);

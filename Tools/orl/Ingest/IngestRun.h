@@ -40,13 +40,13 @@ struct IngestOutcome
     struct Row
     {
         const IngestItem* mItem;
-        std::string mDigest;      // empty if verified before
+        std::string mDigest;      // empty if an earlier run verified the file
         bool mWasPresent = false; // compared, not copied
     };
 
     std::vector<Row> mRows; // files at the destination that are verified and in the manifest, in the plan's order
     std::vector<IngestTrouble> mTroubles;
-    bool mIsRefused = false; // nothing was begun
+    bool mIsRefused = false; // the destination was refused before any work began
     bool mIsStopped = false;
     bool mHasNoAnswer = false; // the disk stopped answering: end the process without stopping the library
     double mSeconds = 0;

@@ -18,14 +18,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Block = SharedReading::Block;
 
-// Each file may keep this many blocks beyond the limit. Otherwise destinations could wait for each other at different
-// files.
+// Each file may keep this many blocks even beyond the limit. Otherwise two destinations at different files could wait
+// for each other.
 constexpr std::size_t kLeastBlocks = 4;
 
 constexpr std::chrono::milliseconds kLook(50);
 constexpr std::chrono::seconds kLeastPatience(1);
 
-/// A file being read. Places are offsets in bytes, each the start of a block or the end of the file.
+/// A file being read. Each offset in bytes is the start of a block or the end of the file.
 struct SharedFile
 {
     explicit SharedFile(std::uint64_t inSize) : mSize(inSize) {}
@@ -40,7 +40,7 @@ struct SharedFile
 
     const std::uint64_t mSize;
     std::uint64_t mKept = 0; // start of the first block in memory
-    std::uint64_t mRead = 0; // end of what was read
+    std::uint64_t mRead = 0; // end of the last block read
     bool mIsReading = false; // a destination reads the block at mRead
     std::deque<Block> mBlocks;
     Sha256 mSum;
@@ -105,7 +105,7 @@ struct SharedSource::State
     std::mutex mMutex; // guards all members below, and the files
     std::condition_variable mChanged;
     std::uint64_t mBytesKept = 0;
-    std::map<std::string, std::set<std::size_t>> mWanted; // by destinations that have not joined the file yet
+    std::map<std::string, std::set<std::size_t>> mWanted; // by destinations that have not started the file
     std::map<std::string, FilePtr> mFiles;                // being read
 };
 
@@ -141,7 +141,7 @@ void SharedSource::State::Leave(std::size_t inDestination, const std::string& in
     mChanged.notify_all();
 }
 
-// Readers before mKept read from the source themselves until they reach it.
+// Readers before mKept read from the source themselves until they reach mKept.
 void SharedSource::State::Trim(SharedFile& ioFile)
 {
     while (!ioFile.mBlocks.empty()) {
@@ -227,7 +227,7 @@ struct SharedReading::Impl
         return bytes;
     }
 
-    /// For a reader whose block was dropped.
+    /// Reads a block that was dropped from memory again.
     Block ReadAgain(std::uint64_t inAt, Lock& ioLock)
     {
         ioLock.unlock();
@@ -246,7 +246,7 @@ struct SharedReading::Impl
         return block;
     }
 
-    /// True while another destination reads, or while the memory limit is reached and another one is behind.
+    /// True while another destination reads, or while the memory limit is reached and another destination is behind.
     bool MustWait()
     {
         return mFile->mIsReading
@@ -308,7 +308,7 @@ struct SharedReading::Impl
     const std::function<void()> mCheck;
     FilePtr mFile;
     const Clock::time_point mStart = Clock::now();
-    Clock::duration mWaited = Clock::duration::zero(); // for destinations that are behind
+    Clock::duration mWaited = Clock::duration::zero(); // time spent waiting for slower destinations
 };
 
 SharedReading::SharedReading(SharedSource& ioSource, std::size_t inDestination, const std::string& inName,

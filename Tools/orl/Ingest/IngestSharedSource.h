@@ -1,9 +1,9 @@
 // The files of the source, each read and hashed once for all destinations that need it.
 //
 // The first destination that needs a block reads it; the block stays in memory for the others, up to a limit. At the
-// limit the destination that is ahead waits for the others, but for each file no longer than it has worked on it, plus
-// one second. Then the oldest blocks are dropped, and a slower destination reads them from the source again. A slow
-// destination therefore costs another one at most half of its speed.
+// limit the destination that is ahead waits for the others, but for each file at most as long as it has worked on that
+// file, plus one second. Then the oldest blocks are dropped, and a slower destination reads them from the source again.
+// A slow destination therefore slows a fast one down to no less than half of its speed.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +34,7 @@ public:
     /// Registers that a destination will read a file. Call before the first reading begins.
     void Want(std::size_t inDestination, const std::string& inName);
 
-    /// The destination will not read that file, or no file at all: no block is kept for it.
+    /// Registers that the destination will not read that file, or any file: no more blocks are kept for it.
     void GiveUp(std::size_t inDestination, const std::string& inName);
     void GiveUpAll(std::size_t inDestination);
 

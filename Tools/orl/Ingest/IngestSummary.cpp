@@ -48,8 +48,8 @@ constexpr std::size_t kShownDigits = 16;
 struct ShownFile
 {
     const IngestItem* mItem = nullptr;
-    const IngestRoots* mRoots = nullptr; // of any one destination that has it
-    std::string mDigest;                 // empty if it was verified before
+    const IngestRoots* mRoots = nullptr; // the digest of any destination that has the file
+    std::string mDigest;                 // empty if an earlier run verified the file
     bool mWasPresent = false;
     std::size_t mCount = 0;
 };

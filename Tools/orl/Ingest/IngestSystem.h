@@ -44,7 +44,7 @@ struct EntryStatus
 enum class Links { kFollow, kStay };
 
 /// A folder with an identity. Names are those of one entry, in the host's bytes (UTF-8 on Windows). Operations may run
-/// on several threads at once. Each returns kSuccess or the result for the system's error.
+/// on several threads at once. Each operation returns kSuccess or the result for the system's error.
 ///
 /// On Linux the object holds a descriptor, so renaming a parent folder does not affect it and path length is not
 /// limited. On Windows it keeps the extended path, limited to 32767 units; callers detect an exchanged folder by its
@@ -96,7 +96,7 @@ private:
     std::unique_ptr<State> mState;
 };
 
-/// Whether SyncVolume works here without administrator rights.
+/// Whether SyncVolume works on this platform without administrator rights.
 bool CanSyncVolumes();
 
 bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity);

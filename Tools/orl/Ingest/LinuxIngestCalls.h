@@ -9,7 +9,7 @@ namespace orl {
 
 struct IngestCalls
 {
-    int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // returns -1 and sets errno, as all here
+    int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // on an error, all return -1 and set errno
     dirent* (*mReadDir)(DIR* inFolder);                            // null at the end; null and errno on an error
     int (*mFStatAt)(int inFolder, const char* inName, struct stat* outStatus, int inFlags);
     int (*mMakeDirAt)(int inFolder, const char* inName);

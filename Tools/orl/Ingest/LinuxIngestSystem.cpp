@@ -205,7 +205,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     if (folder == nullptr) {
         return ResultOf(errno);
     }
-    file.Release(); // closed with the folder
+    file.Release(); // descriptor; closed with the folder
     const ORL::Result result = ReadNames(folder, outNames);
     ::closedir(folder);
     return result;
@@ -227,8 +227,8 @@ ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
     return Done(sIngestCalls.mMakeDirAt(mState->File(), inName.c_str()));
 }
 
-// Each of the three ways refuses a name that is taken. The last is for file systems that support neither of the others;
-// it checks the name first, so it is not atomic.
+// Each of the three methods refuses a name that is taken. The last is for file systems that support neither of the
+// other two; it checks the name first, so it is not atomic.
 ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
 {
     const char* const from = inFrom.c_str();
@@ -304,7 +304,7 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
     return sIngestCalls.mFUTimens(DescriptorOf(ioFile), times) == 0;
 }
 
-// Every file may have holes here.
+// On Linux any file may have holes.
 void LetHaveHoles(ORL::File&)
 {
 }

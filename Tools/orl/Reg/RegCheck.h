@@ -3,7 +3,8 @@
 
 namespace orl {
 
-/// Reads both stores and prints on standard output whether they are intact. Throws PartialFailure if one is not.
+/// Reads both stores and prints on standard output whether they are intact. Throws PartialFailure if a store is
+/// damaged.
 void CheckRegStores(bool inAsJson);
 
 } // namespace orl

@@ -47,7 +47,7 @@ struct RegFileKey
     std::vector<ORL::RegistryValue> mValues;
 };
 
-/// Whether the format can represent the name of a key. It cannot if the name holds a line end.
+/// Returns whether the format can represent the name of a key, that is, whether the name contains no line end.
 bool CanWriteRegKey(const UTF16String& inName);
 
 /// Returns the text of a file, with CR LF line ends and without a byte order mark. Keys keep their order. Values are

@@ -77,7 +77,7 @@ private:
         }
     }
 
-    // The last bracket of the line ends the key: its name may contain brackets.
+    // The last bracket of the line ends the key, because a key name may contain brackets.
     void ReadKey()
     {
         const UTF16String line = mCursor.TakeRestOfLine();

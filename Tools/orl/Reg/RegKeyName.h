@@ -26,7 +26,7 @@ std::string ShowRegKeyName(const RegKeyName& inKey);
 UTF16String LongRegKeyName(const RegKeyName& inKey);
 
 /// Splits a name that begins with a root ("HKCU", "HKEY_CURRENT_USER" ...) into the root and the path without trailing
-/// backslashes. Returns false if it begins with none.
+/// backslashes. Returns false if the name does not begin with a root.
 bool SplitRegRoot(const UTF16String& inName, RegKeyName& outKey);
 
 /// Returns what is wrong with the path of a key below a root, or an empty string if the path is valid.

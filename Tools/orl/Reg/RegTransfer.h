@@ -7,11 +7,11 @@
 
 namespace orl {
 
-/// Writes a key and everything below it to a file, or to standard output if inFile is empty. A terminal gets UTF-8.
+/// Writes a key and everything below it to a file, or to standard output if inFile is empty. Output to a terminal is
+/// UTF-8.
 void ExportRegKey(const RegKeyName& inKey, const std::string& inFile);
 
-/// Applies the changes of a file, or only prints them if inIsDryRun is true. A file with an invalid line changes
-/// nothing.
+/// Applies the changes of a file, or only prints them if inIsDryRun is true. If a line is invalid, nothing is changed.
 void ImportRegFile(const std::string& inFile, bool inIsDryRun);
 
 } // namespace orl

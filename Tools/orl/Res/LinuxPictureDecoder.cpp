@@ -2,7 +2,7 @@
 
 namespace orl {
 
-// The library's decoder needs no start.
+// The library's decoder on Linux needs no initialisation.
 PictureDecoder::PictureDecoder() = default;
 PictureDecoder::~PictureDecoder() = default;
 

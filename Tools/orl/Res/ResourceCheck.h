@@ -1,4 +1,4 @@
-// Finds faults in resources before a user meets them.
+// Finds faults in the resources of a module.
 #pragma once
 
 #include <ORLResourceFile.h>

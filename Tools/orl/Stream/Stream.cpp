@@ -175,7 +175,7 @@ void Run(const Options& inOptions)
             hasFailed |= !StreamOrComplain(file, inOptions, rows);
         }
     } catch (const NoAnswer& failure) {
-        print(); // the figures so far remain valid
+        print(); // the figures measured so far remain valid
         Complain(failure.what());
         std::_Exit(kExitFailure);
     } catch (...) {

@@ -15,7 +15,7 @@ struct StreamSettings
 {
     std::size_t mBlockSize = 1 << 20; // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;          // reads in flight
-    unsigned mPatience = 60;          // timeout in seconds without any answer from the disk
+    unsigned mPatience = 60;          // seconds to wait for each block before NoAnswer is thrown
 };
 
 struct StreamFigures
@@ -39,8 +39,8 @@ public:
 /// Receives the bytes done and the total. Returns false to stop the stream.
 using StreamProgress = std::function<bool(std::uint64_t inDone, std::uint64_t inSize)>;
 
-/// inArgument is a host path or a library path. Requires a started library. Throws Failure; no read is in flight then,
-/// except after NoAnswer.
+/// inArgument is a host path or a library path. Requires a started library. Throws Failure on an error. No read is in
+/// flight when it throws, except for NoAnswer.
 StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& inSettings,
                          const StreamProgress& inProgress);
 

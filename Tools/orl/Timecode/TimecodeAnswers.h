@@ -40,7 +40,7 @@ struct AnswerPlan
 };
 
 /// Answers each value on one line. For a value that cannot be read, writes a message to standard error (in JSON, an
-/// object with the error) and continues. Afterwards throws PartialFailure if there was such a value.
+/// object with the error) and continues. Throws PartialFailure at the end if any value could not be read.
 void AnswerAll(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
                const std::function<Reading(const std::string&)>& inRead);
 

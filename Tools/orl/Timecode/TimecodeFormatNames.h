@@ -25,7 +25,7 @@ const std::vector<TimecodeFormat>& AllTimecodeFormats();
 /// Returns the format of that name, or null. Case, points, blanks and hyphens are ignored ("29.97 drop").
 const TimecodeFormat* FindTimecodeFormat(const std::string& inName);
 
-/// When a label has a sign.
+/// Selects when a label has a sign.
 enum class SignRule { kBelowZero, kAlways, kNever };
 
 /// How labels are read and written.

@@ -20,7 +20,7 @@ public:
     const std::size_t mStop;
 };
 
-/// A time that was read, and a warning about it; usually none.
+/// A time that was read, and a warning about it, usually empty.
 struct Reading
 {
     tvxmediatypes::TickTime mTime;

@@ -13,15 +13,15 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// Half a second after 01:02:03. The labels of the formats differ in their last field, and in their seconds if labels
-// and real time drift apart.
+// The moment half a second after 01:02:03. The labels of the formats differ in their last field, and in their seconds
+// if labels and real time drift apart.
 constexpr double kSampleSeconds = 3723.5;
 
 struct Row
 {
     const TimecodeFormat& mFormat;
     std::string mRate;
-    std::size_t mDigits; // of the last field; 0 if it varies
+    std::size_t mDigits; // digits of the last field; 0 if the number varies
     std::string mSeparators;
     long long mFramesPerDay;
     std::string mSample;
@@ -44,7 +44,7 @@ std::string SeparatorsIn(const std::string& inLabel)
 }
 
 // Returns the number of frames in a day: between two labels if the format has hours, otherwise in 86400 seconds.
-// Doubles half a day, because the library folds times beyond one day.
+// Doubles the frames of half a day, because the library wraps times beyond one day.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {
     ORL::Timecode code(kTime_Zero, inFormat.mRate, inFormat.mDisplay);
