@@ -1,4 +1,4 @@
-// Tests guarantees of the Linux CriticalSection that a pthread mutex does not make.
+// Tests guarantees that only the Linux implementation of CriticalSection makes.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The engines for asynchronous reads on this platform. The reader's whole suite runs once with each.
+// The engines for asynchronous reads on this platform. The reader's whole suite runs once with each engine.
 #pragma once
 
 #include <memory>
@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, asynchronous reads start with that engine.
+/// During its lifetime, asynchronous reads start with the selected engine.
 class AsyncEngine
 {
 public:

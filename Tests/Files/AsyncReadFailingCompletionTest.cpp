@@ -1,4 +1,4 @@
-// A read that starts and then fails ends the completion thread. A child process shows what this means for a host.
+// Tests, in a child process, a host in which a read starts and then fails, which ends the completion thread.
 #include "AsyncEngines.h"
 #include "AsyncReadSupport.h"
 
@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(Engine, FailingCompletion, testing::ValuesIn(AsyncEngin
 
 } // namespace
 
-// The wait never ends, so a time limit stops the process. Slow machines get a longer limit.
+// The host's wait never ends, so a time limit ends the process. A slow machine gets a second and a third, longer limit.
 TEST_P(FailingCompletion, ThreadThatWaits_WaitsForEver)
 {
     const std::string expected = "delivered\ncompletion thread ended\nwaiting\n";

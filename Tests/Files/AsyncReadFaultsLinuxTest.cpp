@@ -1,5 +1,5 @@
-// Fails each system call of a read, at each place, with each error of a system short of resources. Data that is
-// delivered must be right, nothing may be lost or left open, and the next reads must work.
+// Fails each system call of a read, each time it occurs, with each error that a shortage of resources causes. Delivered
+// data must be right, no read may be lost, no descriptor may stay open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
 #include <CheckRecorder.h>
@@ -135,7 +135,7 @@ protected:
         AsyncFileReader reader;
         ioJourney.mOpened = AsyncFileReader::Open(mPath, reader);
         if (ioJourney.mOpened == -1) {
-            return; // any other failure leaves the file open
+            return; // every other result leaves the file open
         }
         for (unsigned i = 0; i < kReads; ++i) {
             reader.QueueReadRequest(i * kBlock, kBlock, mBuffer.Get() + i * kBlock, &Deliveries::OnRead, &deliveries,
@@ -167,8 +167,8 @@ protected:
     // Returns whether the call can fail; closing the ring cannot.
     static bool CanFail(Call inCall) { return inCall != FaultySystemCalls::kUringQueueExit; }
 
-    // Returns whether the error ends the completion thread: a read or a port fails permanently. Another test covers
-    // that.
+    // Returns whether the error ends the completion thread because a read or the ring fails permanently.
+    // AsyncReadFailingCompletionTest covers these errors.
     static bool EndsTheMachinery(Call inCall, int inErrno)
     {
         const bool isPassing = inErrno == EINTR || inErrno == EAGAIN || inErrno == ENOMEM;
@@ -244,7 +244,7 @@ TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
     }
 }
 
-// The kernel refuses the submission permanently: the callbacks of those reads report a failure.
+// If the kernel refuses a submission permanently, the callbacks of the submitted reads report a failure.
 TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
 {
     if (RefusalOfTheRing() != 0) {
@@ -268,7 +268,7 @@ TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
     EXPECT_TRUE(Travel().IsWhole());
 }
 
-// The stop does not wait for the completion thread, but the thread still ends.
+// Terminate does not wait for the completion thread, but that thread still ends.
 TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEndsAllTheSame)
 {
     if (RefusalOfTheRing() != 0) {
@@ -288,9 +288,9 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
     EXPECT_EQ(mFiles, CountOpenFiles());
 }
 
-// The kernel refuses both the last packet and the one that should wake the thread. An event that the ring polls all the
-// time wakes it instead. The kernel cancels a poll when the thread that submitted it ends, and here that thread ended
-// long ago.
+// The kernel refuses both the last packet and the packet that should wake the completion thread. An eventfd that the
+// ring polls all the time wakes the thread instead. That poll must still be active, although the kernel cancels polls
+// of a thread that ends and the thread that started the reads has ended.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {

@@ -216,7 +216,7 @@ TEST_P(AsyncReads, FileSystemThatRefusesDirectReads_IsReadThroughTheCacheThatIsD
     }
     EXPECT_EQ(4u, calls.Count(FaultySystemCalls::kFAdvise));
     ExpectRefusedAtItsStart(reader, 4 * kBlock, kBlock, buffer.Get());
-    ExpectRefusedAtItsStart(reader, 1, kBlock, buffer.Get()); // the alignment rule stays the same
+    ExpectRefusedAtItsStart(reader, 1, kBlock, buffer.Get()); // cached reads have the same alignment rule
 }
 
 // A read checks the end of the file when it starts; the file may be truncated between that check and the read.

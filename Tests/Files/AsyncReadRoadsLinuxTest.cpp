@@ -1,4 +1,4 @@
-// Tests reads with the ring, and without it because a kernel filter refuses it. The call table is not replaced.
+// Tests reads with io_uring, and with a seccomp filter that refuses io_uring. The call table is not replaced.
 #include "AsyncReadRoads.h"
 
 using namespace ORLTest;

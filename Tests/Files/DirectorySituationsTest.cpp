@@ -1,6 +1,6 @@
 // Checks directories, listings, volumes and the shell's operations against recorded results of Windows, through the
-// platform functions, on both platforms. Each row starts with its record number. A row whose last set is not empty
-// lists the results of Wine 8.
+// platform functions, on both platforms. Each row starts with its record number. The last set of a row, if not
+// empty, holds the results of Wine 8.
 //
 // Not covered: md1 to md3 (a system call that creates one level) and pw8 (a path that is not created), because no
 // platform function does this; ff20, because the order of a listing is unspecified. vo3, vo6, vo9 and vo10 query
@@ -123,7 +123,7 @@ unsigned long AllOf(const UTF16String& inRoot)
     return first;
 }
 
-// The error code of the path service.
+// The HRESULT of the path service for "path not found".
 constexpr unsigned long kNoWay = 0x80070003;
 
 const Situation kRemoving[] = {

@@ -115,9 +115,9 @@ TEST(SectorSize, IsTheDirectAlignment_At512AtLeast)
 namespace {
 
 constexpr char kAnySector[] = "/sys/dev/block/";
-unsigned sTold;             // reported by statx; 0: nothing
+unsigned sTold;             // alignment that statx reports; 0: none
 unsigned sTaken;            // the smallest direct read that the file allows
-const char* sDeviceSector;  // reported by the device; null: nothing
+const char* sDeviceSector;  // sector size that the device reports; null: none
 
 int StatxOfBigSectors(int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus)
 {
@@ -174,7 +174,7 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     const Row rows[] = {
         {__LINE__, 4096, 4096, "4096\n", 4096, 4096},
         {__LINE__, 0, 4096, "4096\n", 4096, 4096},
-        {__LINE__, 4096, 4096, nullptr, 4096, 512}, // nothing reports a size for the folder
+        {__LINE__, 4096, 4096, nullptr, 4096, 512}, // neither statx nor the device reports one for the folder
         {__LINE__, 0, 4096, nullptr, 4096, 512},
         {__LINE__, 0, 4096, "512\n", 4096, 512},
         {__LINE__, 0, 512, "512\n", 512, 512},
@@ -220,7 +220,7 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     TerminateAsyncFileOperations();
 }
 
-// A drive is a tree of many file systems; the one that contains the path is used.
+// A drive is a tree of many file systems; queries use the file system that contains the path.
 TEST(DiskUtils, BelowAMountPoint_TheMountedFileSystemAnswers)
 {
     UTF16String root;
@@ -237,7 +237,7 @@ TEST(DiskUtils, OfAMountedDrive_AskItsFolder)
     ASSERT_EQ(kSuccess, PathUtils::Linux::MountDrive('M', folder.Host().string()));
     EXPECT_NE(0u, GetFreeSpaceFromPath(Units(uR"(M:\no\such\file)")));
     std::filesystem::remove(folder.Host());
-    // the drive's folder is deleted
+    // the folder mounted as the drive is deleted now
     unsigned __int64 size = 77;
     EXPECT_EQ(kFileNotFound, GetMaxFileSize(Units(uR"(M:\x)"), size));
     ASSERT_EQ(kSuccess, PathUtils::Linux::UnmountDrive('M'));

@@ -59,7 +59,7 @@ TEST(GetVolumeRootPath, OfEveryShortText_EndsAndGivesABackslashAtTheEndOrNothing
         }
         for (const UTF16String& text : {path, Units(uR"(\\?\UNC\)") + path, Units(uR"(\\)") + path}) {
             const UTF16String root = GetVolumeRootPath(text);
-            // Only the walk up from a single leading backslash may drop everything.
+            // Only a path with a single leading backslash may have an empty root.
             const bool mayBeEmpty = text[0] == '\\' && text.size() > 1 && text[1] != '\\';
             ASSERT_TRUE(root.empty() ? mayBeEmpty : PathUtils::HasTrailingSlash(root)) << Show(text);
         }

@@ -30,7 +30,7 @@ void Say(const char* inText)
     std::fflush(stdout);
 }
 
-// Both are leaked: closing the reader would wait for the lost reads, and the kernel may still write to the buffer.
+// Reader and buffer are leaked: Close would wait for the lost reads, and the kernel may still write to the buffer.
 ORL::AsyncFileReader* sReader = new ORL::AsyncFileReader;
 void* sBuffer = ::operator new(kBlock, std::align_val_t(4096));
 

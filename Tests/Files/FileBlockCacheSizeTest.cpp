@@ -34,7 +34,7 @@ TEST_F(BlockCacheSize, EachOpening_SeesTheFilesOwn)
     }
 }
 
-// An open that fails leaves its buffer to the next open, which may be for writing.
+// A failed open keeps its buffer in the File; the next open, even for writing, then uses this buffer.
 TEST_F(BlockCacheSize, AWriterWithAnEarlierBuffer_SeesItsFileGrow)
 {
     File file;

@@ -47,7 +47,7 @@ protected:
         return bytesRead;
     }
 
-    // Returns the position of the system's handle, which differs from the position of the file.
+    // Returns the position of the OS handle, which may differ from the position of the File.
     static std::int64_t HandlePositionOf(File& inFile)
     {
         std::int64_t position = -1;
@@ -192,7 +192,8 @@ TEST_F(FileBlockCache, AnUnalignedSeek_LeavesTheHandleWhereItIs)
     EXPECT_EQ(2 * kBlock, HandlePositionOf(clip.mFile));
 }
 
-// The clamped position lies on a block boundary, so the OS is called, but with the caller's position, which it refuses.
+// The clamped position lies on a block boundary, so File calls the OS, but with the caller's position, which the OS
+// refuses.
 TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
 {
     Opened clip(MakeClip(3 * kBlock), kRead, kShareReaders);
@@ -204,7 +205,7 @@ TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
     EXPECT_EQ(before, HandlePositionOf(clip.mFile));
 }
 
-// The OS accepts this position, beyond the end of a file that ends at a block boundary.
+// The OS accepts a position beyond the end of the file, which here is a block boundary.
 TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
 {
     Opened clip(MakeClip(kBlock), kRead, kShareReaders);
@@ -214,7 +215,7 @@ TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
     EXPECT_EQ(0u, ReadAndCheck(clip.mFile, 10, kBlock));
 }
 
-// Otherwise the reader would read from a null block.
+// If a success without a block counted as a hit, the reader would read from a null block.
 TEST(FileBlockCacheHosts, ASuccessWithoutABlock_IsAMiss)
 {
     class Empty : public UnknownImpl<IFileBuffer>
@@ -325,7 +326,7 @@ void CompareWithPlainBuffer(File& ioFile, const std::string& inContents, unsigne
             break;
         }
         default: {
-            // Mostly small, sometimes several blocks long.
+            // Most reads are small, some span several blocks.
             const unsigned count = random() % (random() % 64 == 0 ? static_cast<unsigned>(bytes.size()) : 600u);
             const std::int64_t expected = std::min<std::int64_t>(count, size - position);
             unsigned bytesRead = ~0u;

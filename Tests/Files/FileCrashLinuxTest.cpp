@@ -24,7 +24,7 @@ Result Swap(const TempFolder& inFolder, const std::string& inName)
     return File::SwapTempFile(inFolder.Path(u"temp"), real);
 }
 
-// Swaps in a child that is killed before call number inCall. inLinks: whether the file system supports hard links.
+// Swaps in a child that is killed before system call inCall. inLinks: whether the file system supports hard links.
 End SwapInChild(const TempFolder& inFolder, const std::string& inName, unsigned inCall, bool inLinks)
 {
     const pid_t child = ::fork();
@@ -54,7 +54,8 @@ void SwapUnderKills(const std::string& inName, bool inLinks)
         ASSERT_NE(End::kFailed, end);
         const std::string real = ContentsOf(folder, inName);
         ASSERT_TRUE(real == kOld || real == kNew) << "killed at call " << call << ": the real file is not whole";
-        // The temporary name shows the next process whether the swap was completed; if not, it can simply be repeated.
+        // The temporary file is gone exactly if the swap was completed; if it exists, the next process can repeat the
+        // swap.
         const std::string temp = ContentsOf(folder, "temp");
         ASSERT_EQ(real == kOld ? kNew : "<none>", temp) << call;
         sawOld = sawOld || real == kOld;

@@ -24,8 +24,8 @@ using Faults = FaultySystemCalls;
 constexpr int kErrors[] = {EIO,    EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
-// Failures of a call that need not be reported. mNumber 0 means every call of the kind, empty mErrors means every
-// error.
+// Failures of a call that the operation need not report. mNumber 0 means every call of the kind, empty mErrors means
+// every error.
 struct Forgiven
 {
     Faults::Call mCall;
@@ -44,7 +44,7 @@ bool FitsAny(const std::vector<Forgiven>& inAll, int inCall, unsigned inNumber, 
                        [&](const Forgiven& one) { return one.Fits(inCall, inNumber, inError); });
 }
 
-// For every operation: calls that are retried or replaced, and attributes that not every file system stores.
+// Forgiven in every operation: calls that are retried or replaced, and attributes that some file systems do not store.
 const std::vector<Forgiven> kAlwaysForgiven = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},
@@ -81,9 +81,9 @@ struct Operation
     const char* mName;
     void (*mPrepare)(const TempFolder&);
     Result (*mRun)(const TempFolder&);
-    // Checks the state afterwards, given the result.
+    // Checks the files on disk after the operation has returned the result.
     void (*mCheck)(const TempFolder&, Result);
-    // The numbers of the locks whose refusal is a sharing violation. Refusals of others do not matter.
+    // The numbers of the lock calls whose refusal is a sharing violation. Refusals of other lock calls do not matter.
     std::set<unsigned> mLocks;
     std::vector<Forgiven> mForgiven;
     // Maps the system's error to the expected result.
@@ -113,7 +113,7 @@ struct Operation
 const Forgiven kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
 const Forgiven kEveryClose = {Faults::kClose};
 const Forgiven kEveryStatx = {Faults::kStatx};
-// The later closes of a copy. The first one closes the copy itself and must be reported.
+// Forgiven closes of a copy. Only the first close, of the new file, must be reported if it fails.
 const Forgiven kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 int RefuseToRename(const char*, const char*, unsigned)
@@ -124,7 +124,7 @@ int RefuseToRename(const char*, const char*, unsigned)
 
 void Prepare(const Operation& inOperation, Faults& ioCalls)
 {
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant here
+    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which no check needs
     if (inOperation.mIsOnTwoVolumes) {
         ioCalls.Underneath().mRenameTo = &RefuseToRename;
     }
@@ -222,7 +222,7 @@ void ExpectUntouched(const TempFolder& inFolder, Result)
     EXPECT_TRUE(Big('o') == ContentsOf(inFolder, "f"));
 }
 
-// If the new file's lock is refused, another holder has it, so the file stays empty and is not deleted.
+// If the lock on the new file is refused, another process has opened the file, so it stays empty and is not deleted.
 void ExpectCopyOrNothing(const TempFolder& inFolder, const char* inName, Result inResult,
                          Result inRefusal = kSharingViolation)
 {
@@ -233,7 +233,7 @@ void ExpectCopyOrNothing(const TempFolder& inFolder, const char* inName, Result 
 
 constexpr auto kTellAsItIs = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
 
-// Maps errors of operations that return -1 if this call fails.
+// Maps errors of operations that return -1 if the call Own fails.
 template <Faults::Call Own>
 Result TellBareFailureOf(Faults::Call inCall, SystemError inError)
 {
@@ -381,14 +381,14 @@ const Operation kOperations[] = {
          const auto names = std::distance(std::filesystem::directory_iterator(folder.Host()), {});
          EXPECT_TRUE(real == Big('n') || names == 2) << "what failed before the swap leaves no second name";
      },
-     // The first statx calls look for a free name; the unlink deletes the backup. A folder that cannot be read is
-     // synced with its volume.
+     // The first statx calls look for a free name; the unlink deletes the backup. If the folder cannot be opened, its
+     // volume is synced instead.
      {1, 3},
      {kInterruptedOpen, {Faults::kOpen, 3, {EACCES, EPERM}}, kEveryClose, {Faults::kStatx, 1},
       {Faults::kStatx, 2}, {Faults::kUnlink}, {Faults::kFSync, 2, {EINVAL}}}},
 };
 
-// The allocator may request pages at any time; other tests cover its faults.
+// The allocator may request pages at any time; other tests fail its calls.
 bool IsOfMemory(int inCall)
 {
     return inCall == Faults::kMapPages || inCall == Faults::kAdvisePages || inCall == Faults::kUnmapPages;

@@ -153,7 +153,7 @@ TEST(FileOnLinux, AFileThatMayOnlyBeWritten_IsWritten)
         EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"f"), kRead, kShareEverything).mResult);
         return true;
     });
-    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // an ordinary user cannot read it before
+    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // without this, an ordinary user cannot read the file
     EXPECT_EQ("hello", ContentsOf(folder, "f"));
 }
 

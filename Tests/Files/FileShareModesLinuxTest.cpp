@@ -1,8 +1,8 @@
-// Tests share modes between processes, lock by lock: conflicts with a handle that is just opening, and with one that
-// stays.
+// Tests share modes between processes, lock by lock: conflicts with a handle that is being opened, and with a handle
+// that stays open.
 //
-// The other process is simulated by a second descriptor with its own open file description, because locks look the same
-// from another process. The byte that it locks means "refuses readers".
+// A second descriptor with its own open file description simulates the other process, because the kernel treats its
+// locks in the same way. The byte that this descriptor locks means "refuses readers".
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -63,8 +63,8 @@ TEST(FileShareModesOnLinux, OneThatStays_IsASharingViolation)
     EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
 }
 
-// Two simultaneous opens see each other's locks. If one is refused, it has released its locks by the next check and
-// must not make the other fail.
+// Two simultaneous opens see each other's locks. If one open is refused, it soon releases its locks, so the other open
+// must check again and succeed.
 TEST(FileShareModesOnLinux, OneThatIsOnItsWayOut_IsNoConflict)
 {
     const struct
@@ -110,7 +110,7 @@ TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
     Other other(folder);
     Faults calls;
     for (unsigned number = 1; number < 400; ++number) {
-        // Every check that finds the lock is followed by one that does not.
+        // Every check that finds the lock is followed by a check that does not.
         calls.Before(Faults::kLockRange, number, [&other, number] {
             number % 2 == 1 ? other.ShutOutReaders() : other.Leave();
         });
@@ -139,8 +139,7 @@ TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
     ::close(third);
 }
 
-// A descriptor that cannot read acquires no shared locks. One that can write acquires the lock that excludes all
-// others.
+// A write-only descriptor cannot acquire shared locks, but it can acquire the exclusive lock.
 TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
 {
     const TempFolder folder;
@@ -155,7 +154,7 @@ TEST(FileShareModesOnLinux, AWriterAlone_TakesOneLockAndAsksNothing)
 
 // --- a file that is created, and opened by another before its creator locks it ---------------------------------------
 
-// The other open happens in this process, between creating the file and the first query about it.
+// A second open happens in this process between the creation of the file and the first query about the file.
 TEST(FileShareModesOnLinux, AMakerWhoComesTooLate_LeavesTheFileToItsHolder)
 {
     for (const Disposition::Type disposition : kMaking) {
@@ -190,8 +189,8 @@ TEST(FileShareModesOnLinux, AMakerWhoMeetsLocks_LeavesTheFileToTheirOwner)
     }
 }
 
-// Two processes open the same name exclusively, and create the file if it is missing. The second opens it directly
-// after the first has created it.
+// Two processes open the same name exclusively, and create the file if it is missing. The second process opens the file
+// directly after the first has created it.
 TEST(FileShareModesOnLinux, OfTwoProcessesThatMakeAFile_TheLoserDeletesNothing)
 {
     const TempFolder folder;
@@ -230,7 +229,7 @@ TEST(FileShareModesOnLinux, OfTwoProcessesThatMakeAFile_TheLoserDeletesNothing)
     }
 }
 
-// If the new file cannot be used, it is deleted, but never a file that another process has put in its place.
+// If an open fails after it has created the file, it deletes its own file, but never the file of another process.
 TEST(FileShareModesOnLinux, AMakerWhoFails_DeletesHisOwnFileAlone)
 {
     const TempFolder folder;

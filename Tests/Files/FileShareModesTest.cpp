@@ -191,7 +191,7 @@ TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
     EXPECT_LT(0, got);
 }
 
-// Two processes open the file exclusively: never do both hold it, and neither waits forever. The number of refusals
+// Two processes open the file exclusively: they never both hold it, and neither waits forever. The number of refusals
 // before a success depends on the scheduler.
 TEST(FileShareModes, TwoProcessesThatRace_AreNeverBothIn)
 {

@@ -1,7 +1,7 @@
 // Checks each situation against the recorded result of Windows, through the platform functions, on both platforms.
 //
 // A row with mEmulator lists the results of Wine 8; under Wine the row is checked against these only. Wine ignores the
-// read-only mark for the superuser: rows that need the mark first probe for it.
+// read-only attribute for the superuser: rows that need it first probe whether it works.
 //
 // Covered elsewhere: cf34, cf35, cf47, cf48, cf58, cf59 and ch1 in FileSituationNamesTest; ub01 to ub06 in FileTest;
 // cp17 and ce01 to ce10, whose callbacks belong to File, in FileCopyMoveTest; rd, pd, ff, vo, so and pw in
@@ -76,7 +76,7 @@ private:
     TempFolder mFolder;
 };
 
-// A file held open during the situation.
+// Holds a file open during the situation.
 class Held
 {
 public:
@@ -313,7 +313,7 @@ TEST(FileSituations, Copying_AnswersAsAtHome) { Expect(kCopying); }
 TEST(FileSituations, Replacing_AnswersAsAtHome) { Expect(kReplacing); }
 TEST(FileSituations, SizesByName_AnswerAsAtHome) { Expect(kSizes); }
 
-// cf57: the probe for whether a directory accepts new files.
+// cf57: a file that is deleted on close, as the probe for a writeable directory uses it.
 TEST(FileSituations, AFileThatIsDeletedOnClose_IsThereUntilThen)
 {
     const Stage stage;

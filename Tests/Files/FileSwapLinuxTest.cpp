@@ -18,7 +18,7 @@ std::u16string Times(std::size_t inCount, char16_t inUnit)
     return std::u16string(inCount, inUnit);
 }
 
-// Characters of two bytes, of three, and of four (two units each).
+// Returns a long name of characters that take two, three or four UTF-8 bytes; the last take two UTF-16 units.
 std::u16string LongNames(int inIndex)
 {
     if (inIndex == 2) {
@@ -75,7 +75,7 @@ TEST(SwapOfLongNames, PutsTheNewContentsInPlaceAndLeavesNothing)
     }
 }
 
-// Until the swap is complete both files stay, and no other file is left.
+// A failed swap keeps both files and leaves no other file.
 TEST(SwapOfLongNames, ThatFails_LeavesBothFilesAlone)
 {
     for (const FaultySystemCalls::Call call : {FaultySystemCalls::kRename, FaultySystemCalls::kFSync}) {
@@ -91,7 +91,7 @@ TEST(SwapOfLongNames, ThatFails_LeavesBothFilesAlone)
     }
 }
 
-// Until the swap has been synced to disk, the old contents are kept too.
+// If the sync of a completed swap fails, the old contents are kept under a backup name.
 TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
 {
     const TempFolder folder;
@@ -109,7 +109,7 @@ TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
     EXPECT_EQ("old", ContentsOf(folder, *names.begin()));
 }
 
-// A killed process has left the names that would be used next.
+// A killed process has left files with the next temporary names.
 TEST(SwapOfLongNames, BesideTheLeftoversOfAKilledOne_IsDone)
 {
     const TempFolder folder;

@@ -117,7 +117,7 @@ TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
                 const bool isRefused =
                     row.mDisposition == Disposition::kFileCreate_TruncateExisting && (access & kWrite) == 0;
                 if (isRefused && RunsOnEmulator()) {
-                    continue; // Wine empties the file although it refuses the open
+                    continue; // Wine truncates the file although it refuses the open
                 }
                 const TempFolder folder;
                 folder.MakeFile("old", "contents");
@@ -317,7 +317,7 @@ TEST(File, LastModificationTime_IsIn100nsSince1601)
     EXPECT_EQ(byName, time);
     EXPECT_EQ(kFileNotFound, File::GetLastModificationTime(folder.Path(u"none"), time));
     EXPECT_EQ(byName, time);
-    // Only the second function opens directories.
+    // Only GetLastModificationTimeForFolder opens directories.
     EXPECT_EQ(kAccessDenied, File::GetLastModificationTime(folder.Path(u"d"), time));
     EXPECT_EQ(kSuccess, File::GetLastModificationTimeForFolder(folder.Path(u"d"), time));
     EXPECT_GT(time, SecondsAfter1970(1000000000));

@@ -86,7 +86,7 @@ TEST(FileTransfers, ACopyInShortPieces_IsWhole)
     EXPECT_TRUE(kOld == ContentsOf(folder, "c"));
 }
 
-// The kernel starts the copy and then refuses, for instance because a mount point leads to another volume.
+// copy_file_range fails after a part of the copy, for instance because the two files are on different volumes.
 TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
 {
     for (const int error : {EXDEV, EINVAL, EOPNOTSUPP, ENOSYS}) {
@@ -102,7 +102,7 @@ TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
     }
 }
 
-// The kernel can clone files on some volumes; for the smallest files its calls are not worth it.
+// The kernel can clone files on some volumes; for the smallest files the extra system calls cost more than they save.
 TEST(FileTransfers, ACopy_IsLeftToTheKernelFrom16KiBOn)
 {
     for (const std::size_t size : {std::size_t{16384}, std::size_t{16385}, std::size_t{100000}}) {

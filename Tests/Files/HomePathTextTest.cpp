@@ -30,7 +30,7 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         int mLine;
         const char16_t* mFrom;
         const char16_t* mTo;
-        const char16_t* mRelative; // null: not relative
+        const char16_t* mRelative; // null: the function returns false
     };
     const Row rows[] = {
         {__LINE__, uR"(C:\aa\b\)", uR"(D:\aa\c\)", uR"(..\c\)"},
@@ -41,7 +41,7 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         {__LINE__, uR"(C:\abc\d\e\)", uR"(C:\abc\)", uR"(..\..\)"},
         // a file name is dropped, and names are compared without case
         {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
-        // slashes are separators here
+        // ArePathsRelative treats slashes as separators
         {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},
         // shares have no ":"; one is added
         {__LINE__, uR"(\\server\abc\d\)", uR"(\\server\abc\e\)", uR"(..\e\)"},
@@ -85,13 +85,13 @@ TEST(CombinePaths, EachPair_IsCombined)
         {__LINE__, uR"(C:\a\b)", u"..", uR"(C:\a)"},
         {__LINE__, uR"(C:\a)", uR"(..\..\..\b)", uR"(C:\b)"},
         {__LINE__, uR"(C:\a\)", uR"(b\)", uR"(C:\a\b\)"},
-        // from the root, and to another root
+        // a second path that starts at the root, or has its own root
         {__LINE__, uR"(C:\a\b)", uR"(\c)", uR"(C:\c)"},
         {__LINE__, uR"(C:\a)", uR"(D:\b)", uR"(D:\b)"},
         {__LINE__, uR"(C:\a)", uR"(\\s\h\b)", uR"(\\s\h\b)"},
         {__LINE__, uR"(\\s\h\a)", u"b", uR"(\\s\h\a\b)"},
         {__LINE__, uR"(\\s\h\a)", uR"(\b)", uR"(\\s\h\b)"},
-        // slashes are not separators here
+        // CombinePaths does not treat slashes as separators
         {__LINE__, uR"(C:\a)", u"../b", uR"(C:\a\../b)"},
         {__LINE__, u"relative", u"b", u""},
         {__LINE__, u"", u"C:\\b", u""},

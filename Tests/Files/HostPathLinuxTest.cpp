@@ -242,7 +242,7 @@ TEST(DriveTable, TheLongestFolderWins)
     EXPECT_EQ(Units(u"M:\\"), FromHostPath(base + "/media"));
     EXPECT_EQ(Units(u"N:\\x"), FromHostPath(base + "/media/clips/x"));
     EXPECT_EQ(folder.Path(u"mediathek"), FromHostPath(base + "/mediathek"));
-    // the first of two drives with the same folder
+    // of two drives with the same folder, the first letter is used
     const Mount again('L', base + "/media");
     EXPECT_EQ(Units(u"L:\\x"), FromHostPath(base + "/media/x"));
 }

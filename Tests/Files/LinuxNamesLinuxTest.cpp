@@ -61,7 +61,7 @@ TEST(LinuxNames, EachKindOfName_HasItsUnitsAndComesBack)
         {__LINE__, "\xC0\xAF", Units(u"\uF0C0\uF0AF")},
         {__LINE__, "\xF4\x90\x80\x80", Units(u"\uF0F4\uF090\uF080\uF080")},
         {__LINE__, "\xE2\x82", Units(u"\uF0E2\uF082")},
-        // characters that look like mapped bytes
+        // private units on disk that look like mapped bytes
         {__LINE__, "\xEF\x80\xBA", Units(u"\uF0EF\uF080\uF0BA")},
         {__LINE__, "\xEF\x83\xA9", Units(u"\uF0EF\uF083\uF0A9")},
         // a private unit whose byte is never mapped

@@ -85,7 +85,7 @@ TEST(GetLeafDisplayName, From261UnitsOn_LeavesTheShellOut)
     const UTF16String flat(261, 'f');
     EXPECT_EQ(flat, Take(flat).mName);
     EXPECT_EQ(flat, Take(flat).mLeft);
-    // one unit less takes the short path
+    // a text of 260 units is still passed to the shell
     EXPECT_EQ(UTF16String(), Take(UTF16String(260, 'f')).mLeft);
 }
 

@@ -47,7 +47,7 @@ TEST(ToNormalizedPath, EachForm_BecomesExtended)
         {__LINE__, uR"(\\?)", uR"(\\?\UNC\?)"},
         {__LINE__, uR"(\\?\)", uR"(\\?\)"},
         {__LINE__, uR"(\\?\1:)", uR"(\\?\1:)"},
-        // slashes and dots stay
+        // slashes and dots are kept
         {__LINE__, uR"(C:/a/..\b)", uR"(\\?\C:/a/..\b)"},
         {__LINE__, u"//s/h", u"//s/h"},
     };
@@ -183,7 +183,7 @@ TEST(ToNormalizedPath, RandomPaths_AgreeWithTheirShapeAndComeBack)
         const std::string expected = NormalForm(path);
         const UTF16String normalized = ToNormalizedPath(units);
         ASSERT_EQ(UTF16String(expected.begin(), expected.end()), normalized) << path;
-        // Stripping reverses it, except for a bare drive, which returns with a backslash.
+        // Stripping reverses the normalization, except that a bare drive gets a backslash.
         const Shape shape = ShapeOf(path);
         const bool isAbsolute =
             (shape.mHasDrive && (path.size() == 2 || path[2] == '\\')) || path.rfind("\\\\", 0) == 0;

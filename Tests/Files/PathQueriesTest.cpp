@@ -44,7 +44,7 @@ TEST(ExistsOnDisk, WhatIsNotThere_DoesNot)
     EXPECT_FALSE(ExistsOnDisk(folder.Path(u"f|.txt")));
 }
 
-// Without its backslash the path is empty, and an empty path violates the contract of the next step.
+// Without its trailing backslash the path is empty, and an empty path violates the input contract.
 TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
 {
     CheckRecorder recorder;

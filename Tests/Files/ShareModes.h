@@ -13,9 +13,9 @@ namespace ORLTest {
 struct Holding
 {
     std::uint32_t mAccess;
-    std::uint32_t mShare; // 1 readers, 2 writers, 4 deleters
+    std::uint32_t mShare; // sum of 1 (shares reading), 2 (writing) and 4 (deleting)
 
-    // Returns the access in the bits of a share mode. Execute access counts as read access.
+    // Returns the access as share mode bits. Execute access counts as read access.
     std::uint32_t Uses() const
     {
         using namespace ORL::Files::Platform;

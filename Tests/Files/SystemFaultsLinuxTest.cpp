@@ -52,7 +52,7 @@ TEST(SystemErrorFromErrno, EachErrno_HasItsNumber)
         {__LINE__, EFAULT, 998},
         {__LINE__, EIO, 1117},
         {__LINE__, ELOOP, 1921},
-        // errors without their own number
+        // errno values without a Windows error number
         {__LINE__, ENOTTY, 31},
         {__LINE__, 99999, 31},
         {__LINE__, -1, 31},
