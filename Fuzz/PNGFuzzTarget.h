@@ -9,7 +9,7 @@
 namespace ORLFuzz {
 
 /// Returns null, or a description of the property that failed. Decodes a copy of exactly the size with both decoders: a
-/// file that the fast one accepts must have the same pixels in the other one.
+/// file that the fast decoder accepts must have the same pixels in the other decoder.
 inline const char* CheckPNG(const unsigned char* inData, std::size_t inSize)
 {
     const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);

@@ -139,7 +139,7 @@ inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t in
     return nullptr;
 }
 
-/// Assertions are expected: they are answered with "never again" instead of a line on standard error.
+/// Assertions are expected: this handler answers each with "never again" instead of a line on standard error.
 inline void SilenceAssertions()
 {
     tvxcore::debug::Dialogs dialogs;

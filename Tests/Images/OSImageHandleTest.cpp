@@ -121,7 +121,7 @@ struct Pair
     OSImageHandle mSecond;
 };
 
-// Returns how often a handle was wrong.
+// Returns the number of times that a handle was wrong.
 int CopyAssignAndSwap(Pair& ioPair, HBITMAP inFirst, HBITMAP inSecond)
 {
     int wrong = 0;

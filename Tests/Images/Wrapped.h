@@ -14,7 +14,7 @@ struct WrappedImages
     int mDeletions = 0;
 };
 
-/// Returns the settings. Each test that uses them resets them first.
+/// Returns the settings. Each test that uses the settings resets them first.
 WrappedImages& Wrapped();
 
 } // namespace ORLTest

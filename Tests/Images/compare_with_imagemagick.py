@@ -9,7 +9,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-# Pixels that no run covers: ImageMagick uses the first colour of the table, Windows uses black.
+# Bitmaps with pixels that no run covers: ImageMagick uses the first colour of the table, Windows uses black.
 DIFFERENT = {"runs_8"}
 
 

@@ -272,7 +272,7 @@ TEST(ColorEveryValue, FloatForms_AreThoseOfThePlainFormulasToTheLastBit)
     CompareFloats<PlainColors, float>(1);
 }
 
-// Each operation is done in a wider type and rounded once.
+// The reference computes each operation in a wider type and rounds once.
 TEST(ColorEveryValue, ASampleOfAll_IsThatOfTheFormulasWithEachOperationRoundedOnce)
 {
     CompareYuv<ExactColors>(97);

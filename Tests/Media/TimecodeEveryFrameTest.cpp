@@ -1,6 +1,6 @@
 // Converts every frame of 24 hours from the count to the label and back. A simple counter that only steps from one
-// label to the next supplies the expected label. The rule for labels that do not convert back to their frame is written
-// out here.
+// label to the next supplies the expected label. The test has its own rule for labels that do not convert back to their
+// frame.
 #include "TimecodeTestSupport.h"
 
 #include <cstdlib>
@@ -66,9 +66,9 @@ TickTime TimeOfFields(const Timecode::PrivateImpl& inRecord)
                       inRecord.mFrameRate, inRecord.mTimeDisplay);
 }
 
-// Returns the time that a label converts to. It differs from inTime only for the last non-drop labels of a day at a
-// 1001 rate, which lie beyond 86400 seconds. Positive times are reduced by one day; negative times are reduced by
-// further days until the count wraps around.
+// Returns the time that a label converts to. The returned time differs from inTime only for the last non-drop labels of
+// a day at a 1001 rate, which lie beyond 86400 seconds. Positive times are reduced by one day; negative times are
+// reduced by further days until the count wraps around.
 TickTime Folded(TickTime inTime)
 {
     const TickTime day(86400.0);
@@ -284,7 +284,7 @@ TEST_P(EverySample, AtTheEdgesOfEachSecondOfADay_HasItsTextAndComesBackFromIt)
     const Format& format = GetParam();
     Timecode::PrivateImpl record(kTime_Zero, format.mRate, format.mDisplay, Timecode::Style());
     for (long long second = 0; second < 86400; ++second) {
-        // The edges of each second, and one sample that differs from second to second.
+        // The first two samples and the last one of each second, and one that varies from second to second.
         for (const long long sample : {0LL, 1LL, format.mLabelsPerSecond - 1, second * 7919 % format.mLabelsPerSecond}) {
             ExpectSample(record, second, sample, format);
             ASSERT_FALSE(HasFatalFailure());

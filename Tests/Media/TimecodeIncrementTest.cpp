@@ -106,7 +106,7 @@ TEST(TimecodeIncrement, DropCorrectionAt5994_KeepsTheLimitOfTwo)
     ExpectRows({
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 1, "0 1 0 4"},
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 2, "0 1 0 4"},
-        // frames 2 and 3 of the minute are not skipped
+        // only steps onto frames 0 and 1 skip labels: frames 2 and 3 can be reached
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 3, "0 1 0 2"},
         {__LINE__, DropHD(0, 0, 59, 59), 0, 0, 0, 4, "0 1 0 3"},
         {__LINE__, DropHD(0, 1, 0, 4), 0, 0, 0, -1, "0 1 0 3"},
@@ -175,7 +175,7 @@ TEST(TimecodeIncrement, FromZeroDownwards_CrossesIntoNegativeTimes)
 TEST(TimecodeIncrement, BelowZeroFromFrameZero_LeavesAFullFrameField)
 {
     // The frame field is mirrored at the frames of a second, so frame 0 becomes a whole second of frames and the
-    // seconds field stays one short. The time is right.
+    // seconds field stays one short. The time itself is correct.
     Timecode::PrivateImpl record = Pal(0, 0, 0, 0);
     record.IncrementHMSF(0, 0, -1, 0);
     EXPECT_EQ("-0 0 0 25", Fields(record));
@@ -281,7 +281,7 @@ TEST(TimecodeIncrement, OfFramesByHoursMinutesOrSeconds_Reports)
 TEST(TimecodeIncrement, OfFramesDownThroughZero_IsMirroredLikeEveryOtherFormat)
 {
     CheckRecorder recorder;
-    // From zero frames the field is raised by the largest number, borrowed from the clock fields, and mirrored back.
+    // A frame field below zero borrows the largest number from the clock fields; crossing zero mirrors the field back.
     Timecode::PrivateImpl record = PlainFrames(0);
     record.IncrementHMSF(0, 0, 0, -1);
     EXPECT_EQ("-0 0 0 1", Fields(record)) << "a magnitude, where SetTime would hold -1";

@@ -133,7 +133,7 @@ TEST(TimecodeParse, LeadSeparator_MattersOnlyForALoneNumber)
         {__LINE__, ":1234", 1234},
         {__LINE__, ".1234", 1234},
         {__LINE__, "-;1234", -1234},
-        // neither split into fields nor folded into the day
+        // the digits are neither split into fields nor folded into the day
         {__LINE__, ":123456789", 123456789},
     };
     ExpectPalRows(rows);
@@ -258,7 +258,7 @@ TEST(TimecodeParse, FrameOverflowAtAFractionalRate_CarriesAtTheNominalRate)
 
 TEST(TimecodeParse, FrameOverflowAtARateWithoutANominalOne_MayReport)
 {
-    // 14.985 truncates to 14: of 29 frames one second takes 14; the remaining 15 still exceed the rate.
+    // 14.985 truncates to 14: of 29 frames, 14 become one second; the remaining 15 still exceed the rate.
     CheckRecorder recorder;
     Parse("0:29", FrameRate(14.985), kTimeDisplay_35mmFeetFrames); // feet do not carry
     EXPECT_TRUE(recorder.Reports().empty());
@@ -413,7 +413,7 @@ TEST(TimecodeParseFeetFrames, SixteenMillimetres_Have40FramesAFoot)
         {__LINE__, "1x", kUnreadable},
         {__LINE__, ":5", 5},      // a leading separator makes the feet empty
         {__LINE__, "123456789+1", 123456789LL * 40 + 1},
-        // a lone sign or a lone separator is zero here
+        // in feet and frames, a lone sign or a lone separator is zero
         {__LINE__, "-", 0},
         {__LINE__, "+", 0},
         {__LINE__, ":", 0},

@@ -202,7 +202,7 @@ Label SplitDigits(Count inValue, const FrameRate& inRate)
 
 Label FromFields(const std::vector<std::u16string>& inFields)
 {
-    Count values[4] = {0, 0, 0, 0}; // from the right
+    Count values[4] = {0, 0, 0, 0}; // frames, seconds, minutes, hours
     for (std::size_t i = 0; i < inFields.size(); ++i) {
         values[i] = Number(inFields[inFields.size() - 1 - i]);
     }

@@ -72,7 +72,7 @@ private:
 
 const std::vector<Region> kThreeRegions = {{0x10000, 65536}, {0x2000, 4096}, {0x1000, 8192}};
 
-// Collects the trace in sLines, with the category on.
+// Enables the trace category and collects the trace in sLines.
 class AllocatorStatistics : public testing::Test
 {
 protected:

@@ -40,7 +40,7 @@ class Forgetful : public UnknownImpl<IForgetful, IForgetful>
 {
 };
 
-// Lists itself, but not the interface that it extends.
+// A class that lists itself, but not the interface that it extends.
 class Square : public UnknownImpl<IShape, Square>
 {
 public:

@@ -13,7 +13,7 @@
 namespace Model {
 
 /// Keeps the beginning of the checker's output. The checker replaces the allocator under the standard streams, so this
-/// one does not allocate.
+/// buffer does not allocate.
 class Transcript : public std::streambuf
 {
 public:

@@ -16,7 +16,7 @@ using ORL::Sync::Step;
 
 constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
-/// An atomic value with a copy that can be read without a thread switch by the checker.
+/// An atomic value with a copy; reading the copy does not let the checker switch threads.
 template <class T>
 struct Watched : rl::atomic<T>
 {

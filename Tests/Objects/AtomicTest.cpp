@@ -179,7 +179,7 @@ TEST(Atomic, ManyThreadsCountAndRead_LoseNothing)
             if (inThread % 2 == 0) {
                 AtomicIncrement(value);
             } else {
-                AtomicRead(value); // its compare-exchange must not undo an increment, not even at 17
+                AtomicRead(value); // the read's compare-exchange must not undo an increment, not even at 17
             }
         }
     });

@@ -1,4 +1,4 @@
-// orl reg on stores that are damaged, full, read-only or missing.
+// Runs orl reg on stores that are damaged, full, read-only or missing.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <UnprivilegedLinux.h>

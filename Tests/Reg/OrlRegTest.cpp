@@ -1,4 +1,4 @@
-// orl reg from its command line.
+// Tests the command line of orl reg.
 #include <OwnHost.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>

@@ -169,7 +169,7 @@ TEST(PublishedSites, OfModulesAndStringTables_AreReportedAsPublished)
     ExpectPublished(kSites);
 }
 
-// The lookup before the check reports too.
+// The lookup before the check also reports the missing menu.
 TEST(PublishedSites, OfAMissingMenu_IsReportedAsPublished)
 {
     const CheckRecorder recorder;

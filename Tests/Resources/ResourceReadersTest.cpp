@@ -184,7 +184,7 @@ TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
     EXPECT_EQ(ReadOutcome::kPartial, ReadModule(section.mBytes, index));
 }
 
-// Each of many entries has the same long name. Without a limit its copies would exhaust memory.
+// Each of many entries has the same long name. Without a limit the copies of the name would exhaust memory.
 TEST(ResourceReaders, EntriesThatShareOneLongName_TakeNoMoreMemoryThanTheFile)
 {
     constexpr std::uint16_t kCount = 20000;

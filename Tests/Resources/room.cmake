@@ -10,7 +10,7 @@ foreach(module Lookup Twin)
 endforeach()
 target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")
 
-# The same resources as a compiled file and as a Windows module. Every platform reads both.
+# The same resources as a compiled file and as a Windows module. Every platform reads both forms.
 set(lookup_res "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup.res")
 set(lookup_dll "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources_lookup_windows.dll")
 find_program(ORL_WINDOWS_LINKER x86_64-w64-mingw32-ld REQUIRED)

@@ -1,4 +1,4 @@
-// Processes that notify each other of changes, even if the shared page of notifications is deleted.
+// Tests processes that notify each other of changes, even if the shared page of notifications is deleted.
 #include "RegistryPlace.h"
 
 #include <ProcessRunner.h>

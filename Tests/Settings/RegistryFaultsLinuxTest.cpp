@@ -51,7 +51,7 @@ SqliteFault sFault;
 
 using Function = sqlite3_syscall_ptr;
 
-// One wrapper for each name and signature.
+// The wrapper of one system call of SQLite.
 template <int Index, bool Writes, class Result, class... Arguments>
 struct Wrapped
 {

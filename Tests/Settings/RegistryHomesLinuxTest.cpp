@@ -45,7 +45,7 @@ Result Write(unsigned inValue, RegistryRootKeys::Type inRoot = kUser)
     return ResultSucceeded(created) ? key.SetUInt32Value(MakeString("n"), inValue) : created;
 }
 
-// Returns 0 if the value is missing.
+// Returns the value, or 0 if it is missing.
 unsigned Read(RegistryRootKeys::Type inRoot = kUser)
 {
     RegistryKey key;

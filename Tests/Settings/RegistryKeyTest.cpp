@@ -203,7 +203,7 @@ TEST_F(RegistryKeyTest, CopiesShareAHandleAndKeepTheirPaths)
     ASSERT_EQ(kSuccess, child.Create(mKey, Name("child")));
     RegistryKey copy(child);
     EXPECT_EQ(Name("child"), copy.GetParentKeyPath());
-    ASSERT_EQ(kSuccess, copy.Open(kUser, mPath, kAll)); // both now refer to the new key
+    ASSERT_EQ(kSuccess, copy.Open(kUser, mPath, kAll)); // both handles now refer to the new key
     ASSERT_EQ(kSuccess, child.SetUInt32Value(Name("n"), 8));
     EXPECT_EQ(Name("child"), child.GetParentKeyPath());
     unsigned value = 0;

@@ -46,7 +46,7 @@ public:
     /// Returns "status type=T size=N bytes=XX...; size query status N", or only the status if the status is not 0.
     std::string Query(const std::u16string& inName) const;
 
-    /// Sets and queries.
+    /// Sets a value, and returns the result of Query, or the status if setting fails.
     std::string SetAndQuery(unsigned inType, const void* inData, unsigned inSize) const;
 
     /// Returns the names of all subkeys and the status that ends the enumeration.

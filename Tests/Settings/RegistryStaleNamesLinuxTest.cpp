@@ -35,7 +35,7 @@ TEST(RegistryStaleNames, ChangedHash_MakesItsNamesStaleUntilTheyAreLoaded)
     EXPECT_TRUE(names.Contains(kHash, NameOf(u"A"))) << "a second change";
 }
 
-// The hash does not tell which of the two was changed, so both are loaded.
+// The hash does not identify which of the two values was changed, so both values are loaded.
 TEST(RegistryStaleNames, TwoNamesOfOneHash_AreLoadedEach)
 {
     StaleNames names;

@@ -100,7 +100,7 @@ TEST(RegistryValueTable, RandomOperations_AgreeWithAMap)
         std::mt19937 generator(seed);
         const auto random = [&] { return static_cast<unsigned>(generator()); };
         ValueTable table;
-        std::map<std::string, std::pair<std::string, bool>> model; // bytes and whether they are stale
+        std::map<std::string, std::pair<std::string, bool>> model; // the bytes, and whether they are stale
         const unsigned names = 1 + random() % 40;
         const unsigned spread = 1 + random() % 9;
         const auto hash = [&](const std::string& inName) {

@@ -26,7 +26,7 @@ OneResource Table(const std::string& inText)
     return OneResource(kTable, Units("ORLDIRECTORYTABLE"), inText);
 }
 
-// Returns the pattern of a symbol, or an empty string if it is not registered. Removes the symbol.
+// Removes a symbol and returns its pattern, or an empty string if the symbol is not registered.
 std::string Take(const std::string& inSymbol)
 {
     const CheckRecorder recorder;

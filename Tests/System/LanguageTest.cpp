@@ -234,7 +234,7 @@ TEST_F(Language, MissingValue_IsNotTracedWhereTheCategoryIsOff)
     EXPECT_TRUE(sTraced.empty());
 }
 
-// The fetch holds the lock of the language while it takes the lock of the keys.
+// The fetch holds the lock of the language while it acquires the lock of the keys.
 TEST_F(Language, EightFirstReadersBesideTheKeys_FetchOnceAndEnd)
 {
     Store("ja_JP");

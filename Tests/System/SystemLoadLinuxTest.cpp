@@ -23,7 +23,7 @@ namespace {
 
 constexpr char kStat[] = "/proc/stat";
 
-// Returns the load between two contents of the file, or -1 if there is none.
+// Returns the load between two contents of the file, or -1 if a call fails.
 long PercentBetween(const std::string& inFirst, const std::string& inSecond)
 {
     FakeProc proc;

@@ -118,7 +118,8 @@ TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStays
     // Nothing deletes the replaced record: the library keeps it, because this thread's slot still points to it.
     const std::unique_ptr<ThreadManager::ThreadInfo> replaced(ThreadManager::GetCurrentThreadInfo());
     OnAnotherThread([] {
-        // The slot is already allocated, so that contract fails too, and the first thread's record is replaced.
+        // The slot is already allocated, so the contract of the slot fails too, and the first thread's record is
+        // replaced.
         ThreadManager::RegisterMainThread();
         EXPECT_FALSE(ThreadManager::CurrentThreadIsMainThread());
         ThreadManager::UnregisterMainThread();

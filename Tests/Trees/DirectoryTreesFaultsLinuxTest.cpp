@@ -134,7 +134,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheS
 
 namespace {
 
-// However the move ends, the two trees together must hold everything.
+// Whether the move succeeds or fails, the two trees together must contain every file.
 class MovesUnderFaults : public DirectoryTreesUnderFaults
 {
 protected:

@@ -152,7 +152,7 @@ TEST_F(LongPaths, VolumesAndReaders_AnswerAsElsewhere)
     TerminateAsyncFileOperations();
 }
 
-// The parent folder stays open as long as the name is needed.
+// The parent folder stays open until the file has been deleted by its name.
 TEST_F(LongPaths, AFileThatGoesWhenItIsClosed_Goes)
 {
     using namespace Files::Platform;

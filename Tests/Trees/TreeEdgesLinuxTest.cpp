@@ -125,7 +125,7 @@ TEST_F(TreeEdges, AFolderThatSomethingIsMountedOn_IsCopiedWithIt)
 }
 
 // The destination is part of the source, through a bind mount. A naive copy would never end, and a naive move would
-// delete what it has just copied.
+// delete the files that it has just copied.
 TEST_F(TreeEdges, ACopyIntoItselfByAMount_EndsAndLosesNothing)
 {
     MakeTree();

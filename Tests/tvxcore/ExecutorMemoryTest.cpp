@@ -82,7 +82,7 @@ TEST(ExecutorMemory, NoMemoryWhileItEnds_ItEndsAndRunsWhatWasQueued)
     EXPECT_EQ(100, runs.load());
 }
 
-// The timer's thread gets no memory for one run; the next run works.
+// An allocation of the timer's thread fails for one run; the next run succeeds.
 TEST(ExecutorMemory, RepeatedFunctionThatFindsNoMemory_RunsAgainAfterTheDelay)
 {
     constexpr std::int64_t kDelay = 10'000'000;

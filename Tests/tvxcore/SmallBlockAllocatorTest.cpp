@@ -219,7 +219,7 @@ TEST(SmallBlockAllocator, FaultsOfTheWholeProcess_ReachThreadsThatAlreadyHaveBlo
 
 TEST(SmallBlockAllocator, SystemGivesNoMorePages_AllocateGivesNullAndRecovers)
 {
-    // More than the caches, the stores and the spare cluster can hold.
+    // More blocks than the caches, the stores and the spare cluster can hold.
     constexpr std::size_t kBlocks = 3000;
     std::vector<void*> blocks;
     blocks.reserve(kBlocks);

@@ -209,7 +209,7 @@ TEST(SmallBlockUnload, ProcessForksWhileThreadsAllocate_TheChildIsServed)
 
 namespace {
 
-// Takes each of the allocator's locks and does little else.
+// Acquires each of the allocator's locks and does little else.
 void ReadCounters()
 {
     SmallBlockAllocator::Metrics::Snapshot snapshot;

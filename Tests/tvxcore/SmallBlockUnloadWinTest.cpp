@@ -55,7 +55,7 @@ TEST(SmallBlockUnload, LoadedAndUnloadedAHundredTimes_MemoryDoesNotGrow)
             early = TakenBytes();
         }
     }
-    // If each of a hundred rounds leaked a cluster, this would be 100 MiB.
+    // If each of a hundred rounds leaked a cluster, the growth would be 100 MiB.
     EXPECT_LT(TakenBytes(), early + 1024 * 1024);
 }
 

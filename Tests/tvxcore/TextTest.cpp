@@ -85,7 +85,7 @@ TEST(Utf8To16, IllFormedText_GivesOneReplacementForEachMaximalSubpart)
         {__LINE__, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xED\xBF\xBF", u"\uFFFD\uFFFD\uFFFD"},
         {__LINE__, "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-        // truncated: the longest valid beginning counts once
+        // truncated: the longest valid prefix becomes one U+FFFD
         {__LINE__, "\xC2", u"\uFFFD"},
         {__LINE__, "\xE2\x82", u"\uFFFD"},
         {__LINE__, "\xF0\x9F\x98", u"\uFFFD"},

@@ -12,9 +12,10 @@
 #endif
 
 /// Starts executors and repeated functions, and returns when they run. If inIsHeldByStatics, statics of the module hold
-/// them, which are destroyed when the process ends; otherwise nothing destroys them.
+/// the executors and functions, which are then destroyed when the process ends; if not, nothing destroys them.
 EXIT_MODULE_API void StartWork(bool inIsHeldByStatics);
 
 /// Starts threads that only allocate and dispose, and returns when they run. At the end of the process a static of the
-/// module allocates and disposes; it exits with 99 if it gets a null block or one that is also used elsewhere.
+/// module allocates and disposes; this static exits with 99 if it gets a null block or a block that is also used
+/// elsewhere.
 EXIT_MODULE_API void StartAllocating();
