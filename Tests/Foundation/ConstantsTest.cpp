@@ -20,8 +20,8 @@ std::string Narrow(const UTF16String& inText)
     return narrow;
 }
 
-// Statics of other sources may read the constants in any order of construction. The first one has the earliest priority
-// available to a host; the others are ordinary statics.
+// Statics of a host may read the constants in any order of construction. sReadEarly has the earliest priority available
+// to a host; the other two are ordinary statics.
 __attribute__((init_priority(102))) const std::string sReadEarly = Narrow(ORL::kPropertyKey_FrameRate);
 const std::string sReadAtLoad = Narrow(ORL::kResType_DirectoryTable);
 const tvxmediatypes::TickTime sFrameAtLoad(1, ORL::kFrameRate_VideoPAL);

@@ -13,7 +13,7 @@ using namespace ORL;
 namespace {
 
 std::string sLog;
-const char* sFailing = ""; // the step that throws
+const char* sFailing = ""; // the name of the step that throws
 
 template <char Name>
 void Note()

@@ -91,7 +91,7 @@ TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)
 TEST(UnhandledExceptionAlert, OnANamedThread_ShowsItsNamesAsUTF8)
 {
     CheckRecorder recorder;
-    ThreadManager::RegisterMainThread(); // starts the thread records
+    ThreadManager::RegisterMainThread(); // enables the records of threads
     bool ignore = false;
     ThrowAfterUnhandledExceptionAlert(ignore, "");
     const ThreadManager::ThreadInfo& info = *ThreadManager::GetCurrentThreadInfo();
@@ -187,7 +187,7 @@ TEST(TopLevelHandlerDeathTest, NeverAgain_HoldsForExceptionsOfThatClauseAlone)
             CheckRecorder recorder;
             recorder.mDisplayChoice = choice;
             const bool first = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
-            recorder.mDisplayChoice = 0; // used only if the alert is displayed
+            recorder.mDisplayChoice = 0; // would be used only if the alert were displayed
             const bool silent = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
             const bool other = Execute(&ThrowNumber) == 1 && recorder.Reports().size() == 2;
             return first && silent && other;

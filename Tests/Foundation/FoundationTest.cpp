@@ -64,7 +64,7 @@ unsigned int BytesReadOf(const UTF16String& inPath)
     return bytesRead;
 }
 
-/// A restart fails a check of the thread records, which other tests cover; the recorder absorbs it.
+/// Absorbs the report of a check in the thread records that every restart fails; other tests cover that check.
 class FoundationTest : public ::testing::Test
 {
 protected:
@@ -77,7 +77,7 @@ namespace {
 
 const auto kTracedCategory = reinterpret_cast<const unsigned char*>("ORLFoundation::TVXErrorManager");
 
-/// The running services, as users see them.
+/// Determines which services run, by using them as a host does.
 class Services
 {
 public:
@@ -125,8 +125,8 @@ class Apostrophes : public std::numpunct<char>
 
 } // namespace
 
-// Runs the steps one by one and checks the effect of each before the next. The two steps of the exceptions are empty
-// and have no visible effect.
+// Runs the steps one by one and checks the effect of each step. The two steps for exceptions are empty, so they have no
+// visible effect.
 TEST_F(FoundationTest, StartAndStop_DoTheirWorkInTheirFixedOrders)
 {
     const TempFolder folder;
@@ -189,7 +189,7 @@ TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstS
 TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheMainThread)
 {
     Foundation::Initialize();
-    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // prevents reuse of its address
+    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // keeps the address in use
     Foundation::Terminate();
     Foundation::Initialize();
     const ObjectPtr<MemoryRecycler, AtomicValue> second = MemoryRecycler::Instance();
@@ -278,7 +278,7 @@ TEST(FoundationHost, UsedByAStaticDestructorAfterTheStop_StillHasItsLocksObjects
     ExpectHostSays("late-use", "started\nmain\nstopped\nused after the stop\n");
 }
 
-// The library's threads may be anywhere when the process ends, so this is repeated.
+// The library's threads may be at any instruction when the process ends, so the test runs the host ten times.
 TEST(FoundationHost, NeverStopped_EndsCleanly)
 {
     for (int round = 0; round < 10; ++round) {

@@ -26,7 +26,7 @@ struct Shared
     std::vector<std::string> mTexts;
     std::vector<ImmutableString> mNames;
     ORL::ObjectPtr<ORL::MemoryRecycler, ORL::AtomicValue> mRecycler = ORL::MemoryRecycler::Instance();
-    bool mIsStopped = false; // no thread requests the pool while main drops it
+    bool mIsStopped = false; // threads do not use the pool while main releases it
     ORL::InterfaceRef<ORL::ThreadedWorkQueue> mQueue =
         ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
 };
@@ -42,9 +42,9 @@ std::string TextOf(std::size_t inNumber)
     return "a name of some length, number " + std::to_string(inNumber);
 }
 
-// Checks that a name is one record that can be found and read, and that new names can be added. No text here uses the
-// system's heap. When Windows ends the threads at process exit, a thread inside the heap leaves its lock held, and
-// under Wine 8 the next free then waits forever.
+// Checks that a name is one record that can be found and read, and that new names can be added. UseNames must
+// not use the system's heap: when Windows ends the threads at process exit, a thread inside the heap leaves the heap's
+// lock held, and under Wine 8 the next free then waits forever.
 void UseNames(const ImmutableString& inName, const std::string& inText, std::size_t inRound)
 {
     if (inText != reinterpret_cast<const char*>(inName.c_str()) || inName.Compare(inText) != 0) {

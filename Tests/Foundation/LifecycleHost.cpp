@@ -58,7 +58,7 @@ void ReadAFile(void* outBuffer)
 }
 
 // Runs several hosts in one process, which start and stop independently. Only one of their threads can be the main
-// thread; the check that reports this to the others is answered with "ignore".
+// thread; the others fail a check, whose report is answered with "ignore".
 void RunHostsAtOnce()
 {
     tvxcore::debug::Dialogs dialogs;

@@ -49,8 +49,8 @@ bool UseWhatStays()
            && !ORL::ThreadManager::GetCurrentThreadInfo()->GetThreadName().empty();
 }
 
-// The stop ends the queue's thread, which may still be inside the gate when the wait returns. The caller therefore owns
-// the gate.
+// The caller owns the gate and keeps it until the library has stopped, because the queue's thread may still be inside
+// Open when Wait returns.
 bool UseSharedQueueAndGate(WaitableGate& ioGate)
 {
     const auto queue = ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);

@@ -1,4 +1,4 @@
-// Checks with a published identity, which crash triage and users' lists of ignored checks use as the key. Each room has
+// Tests checks with a published identity, the key of crash triage and of users' lists of ignored checks. Each room has
 // a table of its sites in the file PublishedSites<Room>Test.cpp:
 //
 //   const PublishedSite kSites[] = {
@@ -25,14 +25,14 @@ struct PublishedSite
     int mTableLine;
     Kind mKind;
     const char* mExpression;
-    const char* mMessage; // of an assertion
+    const char* mMessage; // only of an assertion
     const char* mSource;   // null if none is published
     long mLine;            // 0 if none is published
-    const char* mFunction; // of an assertion, null if none is published; contracts have none
+    const char* mFunction; // null for a contract, or if none is published
     void (*mProvoke)();    // fails the check once; may throw an exception of the library
 };
 
-/// Fails the check and compares its report. A failed contract throws; a failed assertion returns to its site.
+/// Fails the check and compares its report. A failed contract throws; after a failed assertion execution continues.
 inline void ExpectPublished(const PublishedSite& inSite)
 {
     SCOPED_TRACE("row at line " + std::to_string(inSite.mTableLine));

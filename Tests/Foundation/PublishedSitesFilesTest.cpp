@@ -88,7 +88,7 @@ void QueueAfterTheStop()
         EXPECT_EQ(kSuccess, AsyncFileReader::Open(folder.Path(u"clip.mov"), reader));
     }
     EXPECT_EQ(-1, reader.QueueReadRequest(0, 512, nullptr, nullptr, nullptr, nullptr, nullptr));
-    reader.Close(); // no read is in the list to wait for
+    reader.Close(); // returns at once, because no read is pending
 }
 
 void FreeTwice()
@@ -145,7 +145,7 @@ const PublishedSite kReadSites[] = {
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort == NULL", "", nullptr, 0, "", &StartTwice},
     {__LINE__, PublishedSite::kAssert, "sReadThreadQueue == NULL", "", nullptr, 0, nullptr, &StartBesideAQueueThatWasLeft},
     {__LINE__, PublishedSite::kAssert, "result", "", nullptr, 0, nullptr, &TerminateAsyncFileOperations},
-    // the reader; "request" in QueueReadRequest cannot fail, because the pool of requests waits and never returns null
+    // the reader; the check "request" in QueueReadRequest cannot fail, because the pool waits and never returns null
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", "",
      nullptr, 0, "", &OpenBeforeTheStart},
     {__LINE__, PublishedSite::kInputContract,

@@ -40,7 +40,7 @@ void AskForATokenThatLies()
     ClassFactory::GetClassTokenFromClassID(kClass);
 }
 
-// A map that loses its insertions. Its end can be dereferenced, because the code after the check does so.
+// A map that loses its insertions. Its end iterator can be dereferenced, because the code after the check does so.
 class ForgetfulMap
 {
 public:

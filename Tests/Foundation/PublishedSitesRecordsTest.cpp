@@ -188,7 +188,7 @@ TEST(PublishedSites, OfTheFlush_AreReportedAsPublished)
     ExpectPublished(kFlushSites);
 }
 
-// A queue that refuses items causes one report of the first site for each item, and one report of the second.
+// If a queue refuses items, the check "queuedSuccessfully" fails once for each item, and the last check fails once.
 TEST(PublishedSites, OfAFlushThatIsRefused_AreReportedAsPublished)
 {
     const Queue queue = StartedQueue();

@@ -48,13 +48,13 @@ void MakeAnEventThatTheSystemRefuses()
 {
     struct Refusal
     {
-        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // out of memory
+        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // Windows error 8: out of memory
         ~Refusal() { Events::Platform::InstallCreateFault(nullptr); }
     } const refusal;
     WaitableObject refused;
 }
 
-/// A pool with this policy lends the given gate; it destroys none.
+/// With this policy, a pool creates no gates but returns sShown, and destroys none.
 struct ShownGates : Sync::SystemPolicy
 {
     static inline WaitableGate* sShown = nullptr;

@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// The library can decode pictures during its lifetime. On Windows it starts GDI+.
+/// During its lifetime, the library can decode pictures: on Windows the constructor starts GDI+.
 class PictureDecoder
 {
 public:
@@ -25,10 +25,10 @@ struct BitmapPixels
 {
     int mWidth = 0;
     int mHeight = 0;
-    std::vector<std::uint32_t> mPixels; // rows from the top
+    std::vector<std::uint32_t> mPixels; // row by row, from the top
 };
 
-/// Returns the pixels that the system reads from the bitmap; none for null.
+/// Returns the pixels that the OS reads from the bitmap, or no pixels if inBitmap is null.
 BitmapPixels PixelsOf(HBITMAP inBitmap);
 
 /// Create and delete a bitmap of 2 by 2 pixels.

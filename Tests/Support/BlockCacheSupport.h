@@ -1,4 +1,4 @@
-// Hosts of block caches: one records the calls it gets, one refuses and loses blocks at random.
+// Block caches of a host: one records the calls that it receives, one refuses and loses blocks at random.
 #pragma once
 
 #include <FileSupport.h>
@@ -21,7 +21,7 @@ using FactoryRef = ORL::InterfaceRef<ORL::IFileBufferFactory, ORL::IFileBufferFa
 struct BufferLog
 {
     std::vector<std::int64_t> mGot;
-    std::vector<std::pair<std::int64_t, std::size_t>> mAdded; // position and bytes of the block
+    std::vector<std::pair<std::int64_t, std::size_t>> mAdded; // position and size of each block
     int mBuffers = 0;                                         // buffers created so far
     int mAlive = 0;
 };

@@ -23,11 +23,11 @@ struct CheckReport
     unsigned long mPackage = 0; // of an error
     int mLevel = 0;             // of an error
     bool mFlag = false;         // of an error
-    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after its call
+    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after ThrowError returns
 };
 
-/// One recorder at a time. During its lifetime, a failed contract returns to its caller, or throws ContractError if
-/// mThrow is set.
+/// Only one recorder may exist at a time. During its lifetime, a failed contract returns to its caller, or throws
+/// ContractError if mThrow is set.
 class CheckRecorder : public tvxcore::config::ErrorManager
 {
 public:
@@ -53,7 +53,7 @@ public:
     void Clear();
 
     bool mThrow = false;          // contract errors throw ContractError
-    bool mThrowAssert = false;    // assertions throw ContractError, for code that must not continue after one
+    bool mThrowAssert = false;    // assertions throw ContractError, for code that must not continue after a failure
     bool mIgnoreForGood = false;  // the user's answer to an assertion
     long mDisplayChoice = 1;      // the user's answer to a display
 

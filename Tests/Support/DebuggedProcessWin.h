@@ -19,8 +19,8 @@ struct DebuggedException
     EXCEPTION_RECORD mRecord;
 };
 
-/// Runs a program from the folder of this one until it ends and returns its exit code. Each exception is first passed
-/// to inLook; if inLook returns false, the program's own handlers get it.
+/// Runs a program from the folder of this program until it ends, and returns its exit code. Each exception is first
+/// passed to inLook; if inLook returns false, the handlers of the debugged program get the exception.
 inline DWORD RunDebugged(const std::wstring& inProgram, const std::wstring& inArgument,
                          const std::function<bool(const DebuggedException&)>& inLook)
 {

@@ -8,7 +8,7 @@ namespace ORLTest {
 
 namespace {
 
-// The source of a complete locale. It needs none of the system's locale sources, which few machines have installed.
+// The source of a complete locale, because few machines have the system's locale sources installed.
 constexpr char kSource[] = "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
 
 std::string AsciiMap()

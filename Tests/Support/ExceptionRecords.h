@@ -1,4 +1,4 @@
-// Exception records made by hand. The platform sources hide the header that defines their type.
+// Creates exception records. The platform sources hide the header that defines the type of a record.
 #pragma once
 
 #include <cstdint>

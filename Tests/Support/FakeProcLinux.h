@@ -12,7 +12,7 @@
 namespace ORLTest {
 
 /// During its lifetime, opening one of the named files opens the test's contents. All other calls go to the kernel.
-/// Faults can be added on top. One object at a time.
+/// Calls() can add faults. Only one object may exist at a time.
 class FakeProc
 {
 public:

@@ -53,7 +53,7 @@ public:
     SystemCalls mUnderneath = ORL::Linux::kSystem;
 
 private:
-    // Counts the call and returns the plans that match. The caller runs them without the lock, because one may wait.
+    // Counts the call and returns the plans that match. The caller runs their actions unlocked, because one may wait.
     std::vector<Plan> Take(Call inCall)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -70,14 +70,14 @@ private:
     }
 
     mutable std::mutex mMutex;
-    unsigned mCounts[kCallCount + 1] = {}; // the last counts all calls
+    unsigned mCounts[kCallCount + 1] = {}; // the last element counts all calls
     std::vector<Plan> mPlans;
 };
 
 namespace {
 
-// A thread may still be inside a call when the test ends. It keeps the state that it loaded, or calls the kernel if
-// there was none.
+// A thread may still be inside a call when the test ends. The thread keeps the state that it loaded; a thread that
+// loads null calls the kernel.
 std::shared_ptr<FaultySystemCalls::State> sState;
 
 template <class Result>

@@ -8,11 +8,11 @@
 
 namespace ORLTest {
 
-/// During its lifetime, every system call of the library goes through it. One object at a time. Thread-safe.
+/// During its lifetime, intercepts every system call of the library. Only one object may exist at a time. Thread-safe.
 ///
 ///   FaultySystemCalls calls;
 ///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails
-///   calls.Shorten(FaultySystemCalls::kPRead, 1, 100);     // the next one gives 100 bytes less
+///   calls.Shorten(FaultySystemCalls::kPRead, 1, 100);     // the next read gets 100 bytes less
 ///   calls.Before(FaultySystemCalls::kOpen, 1, [&] { go.wait(); });   // the next open is held until go
 class FaultySystemCalls
 {
@@ -45,7 +45,8 @@ public:
     /// Returns the number of calls of that kind so far.
     unsigned Count(Call inCall) const;
 
-    /// The table of calls underneath, initially those of the kernel. A test may replace entries before the first call.
+    /// Returns the table of the calls below the faults, initially those of the kernel. A test may replace entries before
+    /// the first call.
     ORL::Linux::SystemCalls& Underneath() noexcept;
 
     class State;

@@ -77,7 +77,7 @@ inline __int64 PositionOf(ORL::File& ioFile)
 inline void SetTimeTo2001(const std::filesystem::path& inPath)
 {
     using namespace std::filesystem;
-    // The file clock has another epoch than the system clock; convert through the current time of both.
+    // The epochs of the file clock and the system clock differ, so the time is converted relative to now.
     const auto systemNow = std::chrono::system_clock::now();
     const auto fileNow = file_time_type::clock::now();
     const auto wanted = std::chrono::system_clock::from_time_t(1000000000);

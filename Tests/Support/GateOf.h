@@ -1,4 +1,4 @@
-// A gate over any synchronisation policy: the fields of WaitableGate in the policy's types, driven by the shipped
+// A gate with a replaceable synchronisation policy: the fields of WaitableGate in the policy's types, and the library's
 // algorithm.
 #pragma once
 

@@ -19,8 +19,8 @@ public:
     const std::string& Folder() const noexcept { return mFolder; }
 
 private:
-    std::string mFolder;                   // empty if nothing was changed
-    [[maybe_unused]] std::string mEarlier; // earlier value of the variable for the folder; empty if not set
+    std::string mFolder;                   // empty if the constructor changed nothing
+    [[maybe_unused]] std::string mEarlier; // old value of the environment variable; empty if not set
 };
 
 } // namespace ORLTest

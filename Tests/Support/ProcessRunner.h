@@ -8,13 +8,13 @@ namespace ORLTest {
 
 struct ProcessResult
 {
-    int mExitCode = -1;     // -1 if it was killed or did not start
-    bool mTimedOut = false; // it was killed at the time limit
+    int mExitCode = -1;     // -1 if the process was killed or did not start
+    bool mTimedOut = false; // the process was killed at the time limit
     std::string mOutput;    // line ends are "\n" on both platforms
     std::string mErrors;
 };
 
-/// Returns the folder of this program and of those built beside it, UTF-8, with a trailing separator.
+/// Returns the folder of this program and of the programs built beside it, UTF-8, with a trailing separator.
 std::string FolderOfThisProgram();
 
 /// Runs inName (without ".exe") from the folder of this program, in inWorkingFolder if that is not empty. The arguments

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, standard error is a pipe that is read only by TakeAll. It holds at least 32 KiB of short texts.
+/// During its lifetime, standard error is a pipe that only TakeAll reads. The pipe holds at least 32 KiB of text.
 class StandardErrorPipe
 {
 public:
@@ -40,7 +40,7 @@ private:
     std::intptr_t mOld;
 };
 
-/// The calling thread's last error: errno, or GetLastError on Windows.
+/// Set and return the calling thread's last error: errno, or GetLastError on Windows.
 void SetLastSystemError(int inError);
 int LastSystemError();
 

@@ -27,7 +27,7 @@ public:
     }
 
     /// Runs the program and sends inSignal before call number inSignalAt; 0 sends none. Returns the number of counted
-    /// calls, without the one that the signal prevented, or -1 if tracing is not possible here.
+    /// calls, without the one that the signal prevented, or -1 if tracing is not possible.
     int Run(std::vector<std::string> inArguments, int inSignalAt, int inSignal = SIGKILL)
     {
         mSignal = inSignal;
@@ -72,7 +72,7 @@ private:
         ::_exit(99);
     }
 
-    // A sanitizer's leak checker traces the threads to stop them, but a thread can have only one tracer.
+    // A sanitizer's leak checker stops threads by tracing them, but a thread can have only one tracer.
     static void StopLeakChecker()
     {
         const char* const options = std::getenv("ASAN_OPTIONS");
@@ -90,7 +90,7 @@ private:
         }
         if (WIFEXITED(status) || WIFSIGNALED(status)) {
             mExitCode = thread == mChild && WIFEXITED(status) ? WEXITSTATUS(status) : mExitCode;
-            return true; // until there is no thread left to wait for
+            return true; // continue until waitpid finds no thread
         }
         const int signal = WSTOPSIG(status);
         if (signal == (SIGTRAP | 0x80)) {

@@ -1,6 +1,6 @@
-// Returns from main without Terminate while its threads use every service of the library, and lets them continue until
-// the process ends. Each result of a service is compared, so memory that is freed under a thread is detected even if
-// its use does not crash. The argument names one service, or "all".
+// Returns from main without Terminate while threads use every service of the library, and lets these threads continue
+// until the process ends. The threads check every result, so a use of freed memory is detected even if it does not
+// crash. The argument names one service, or "all".
 #include "ServicesAtExitHost.h"
 
 #include <CRV/Application.h>
@@ -145,7 +145,7 @@ void UseQueueAndGate()
     Expect(gate != nullptr && gate->Wait(0) == kWaitTimeout, "the pool gives no closed gate");
     Expect(queue->QueueRequest(ThreadedWorkQueue::Request(new OpensGate(*gate))), "a queue has refused a request");
     Expect(gate->Wait(-1) == kSuccess, "a gate has not been passed");
-    // The opener is the last thread inside a gate. The flush ensures that it has left before the gate is returned.
+    // The queue's thread may still be inside Open. The flush ensures that Open has returned before ReturnGate is called.
     static const auto* const flush = [] {
         auto* const made = new InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown>(new ThreadedWorkQueueFlush);
         (*made)->Init(SharedThreadedWorkQueue::Instance()->RetrieveOrCreate(ThreadPriorities::kNormal));
@@ -207,8 +207,8 @@ constexpr Service kServices[] = {
 
 // ---- the threads ----
 
-// Freed memory is first reused by the thread that freed it. Overwriting it makes any later reader of a destroyed object
-// fail.
+// The thread that freed memory is the first to reuse it. Overwriting the freed memory makes any later reader of a
+// destroyed object fail.
 void OverwriteFreedMemory()
 {
     constexpr std::size_t kLargest = 512;
@@ -227,7 +227,7 @@ void OverwriteFreedMemory()
     }
 }
 
-// Never returns. Each thread starts at a different service, so that all are in use at any moment.
+// Never returns. Each thread starts at a different service, so that all services are in use at any moment.
 void UseServices(const char* inWhich, int inThread)
 {
     for (std::size_t i = static_cast<std::size_t>(inThread);; ++i) {

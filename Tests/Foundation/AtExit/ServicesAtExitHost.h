@@ -6,8 +6,8 @@ namespace AtExit {
 /// Waits until each thread has used every service again. Never returns if the OS has already ended the threads.
 void LetEachThreadGoOn();
 
-/// Makes LetEachThreadGoOn run again after the static objects of every library have been destroyed, if threads still
-/// run then; Windows has ended them by that time. main calls this first.
+/// Makes LetEachThreadGoOn run again after the static objects of every library have been destroyed, if the OS keeps
+/// threads running until then; Windows does not. main calls this function first.
 void GoOnAfterEveryLibrary();
 
 } // namespace AtExit
