@@ -1,8 +1,8 @@
 // Properties of parsing any bytes as a registry text file. The fuzzer and the plain test that replays its corpus share
 // them.
 //
-// A file is either refused with the number of one of its lines, or its changes are valid for a registry. Its values are
-// the same after they are written to a file and read again.
+// A file is either refused with the number of one of its lines, or its changes are valid for a registry. The values of
+// a valid file are the same after they are written to a file and read again.
 #pragma once
 
 #include <Reg/RegFile.h>

@@ -37,7 +37,7 @@ const Row kRows[] = {
     {&ORL::Cursor::SetArrowCursor, Cursors::Linux::kArrow, XC_left_ptr},
 };
 
-// An X server without a real screen. It writes its display number when it accepts connections.
+// An X server without a real screen. The server writes its display number when it accepts connections.
 class VirtualDisplay
 {
 public:

@@ -1,5 +1,5 @@
-// The colour formulas as the tests' oracle: one plain function for each formula, with sums from left to right. It was
-// written from the formulas alone, independently of the library, and shares no code with it.
+// The colour formulas as the tests' oracle: one plain function for each formula, with sums from left to right. The
+// oracle was written from the formulas alone and shares no code with the library.
 //
 // Every function is a template over its single-precision and its double-precision type. float and double are fast
 // enough for the sweeps; with ExactSingle and ExactDouble the compiler cannot change the result of any operation.

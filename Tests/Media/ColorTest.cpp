@@ -365,7 +365,7 @@ TEST(ColorHSLtoHSV, PassesTheHueThroughAndKeepsTheSaturationOfBlack)
 {
     ExpectShades(&ColorHSLtoHSV, {
                                      {__LINE__, {123, 45, 0}, {123, 45, 0}},
-                                     {__LINE__, {360, 70, 50}, {360, 70, 0}}, // hue 360 is black here
+                                     {__LINE__, {360, 70, 50}, {360, 70, 0}}, // hue 360 becomes black
                                      {__LINE__, {0, 100, 50}, {0, 100, 100}},
                                  });
 }

@@ -194,7 +194,7 @@ TEST(TimecodeIncrement, BelowZeroFromFrameZero_LeavesAFullFrameField)
 TEST(TimecodeIncrement, FromZeroToMinus25Hours_ClampsNothingAndFoldsToTheEndOfTheCount)
 {
     // Crossing zero adds one hour back, so -25 becomes -24, which is not clamped. The mirrored fields are added to
-    // that: 25 hours below zero. The fold of such a time subtracts days until the count wraps around.
+    // these -24 hours: the time is -25 hours. The fold of such a time subtracts days until the count wraps around.
     CheckRecorder recorder;
     for (const bool drop : {false, true}) {
         Timecode::PrivateImpl record = drop ? Drop(0, 0, 0, 0) : Pal(0, 0, 0, 0);
@@ -339,7 +339,8 @@ TEST(TimecodeIncrement, ExtremeIncrements_WrapAndEnd)
 
 TEST(TimecodeIncrement, OfAMinimalInt_NegatesToItself)
 {
-    // For a negative time the increments are negated, and the smallest int is its own negation: 2^31 hours below.
+    // For a negative time the increments are negated, and the smallest int is its own negation: the time moves down by
+    // 2^31 hours.
     ExpectRows({
         {__LINE__, Pal(1, 0, 0, 0, true), kIntMin, 0, 0, 0, "-24 0 0 0"},
     });

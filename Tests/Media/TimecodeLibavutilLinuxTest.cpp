@@ -1,5 +1,5 @@
-// Compares labels with libavutil's timecode functions. They agree on every frame of a day. The texts and times on which
-// they differ are listed with the reason.
+// Compares labels with libavutil's timecode functions. The two implementations agree on every frame of a day. The texts
+// and times on which they differ are listed with the reason.
 #include "TimecodeTestSupport.h"
 
 extern "C" {
@@ -138,7 +138,7 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
 TEST(LibavutilDisagreements, Separators_DecideNothingWithUs)
 {
     const AVRational rate = {30000, 1001};
-    // The last separator selects drop-frame in libavutil; the format does here.
+    // The last separator selects drop-frame in libavutil; we use the format only.
     EXPECT_EQ(1802, PeerStart("00:01:00:02", rate));
     EXPECT_EQ(1800, OurCount("00:01:00:02", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1800, PeerStart("00:01:00.02", rate));

@@ -1,5 +1,5 @@
-// The rules define some results by repeated subtraction, but the library divides. The literal loops are written here
-// and must give the same results, including signs and overflows.
+// The rules define some results by repeated subtraction, but the library divides. This test repeats the literal
+// subtractions; both must give the same results, including signs and overflows.
 #include "TimecodeTestSupport.h"
 
 #include <TimecodeCarry.h>

@@ -53,7 +53,7 @@ private:
     tvxcore::config::ErrorManager* mOld;
 };
 
-// More memory than any machine has, and a multiple of every rounding step.
+// A size larger than the memory of any machine, and a multiple of every rounding step.
 constexpr std::size_t kHopeless = std::size_t{1} << 60;
 
 } // namespace

@@ -27,7 +27,8 @@ struct MoreThreadsThanRecords : rl::test_suite<MoreThreadsThanRecords<Policy, kN
     void after() { RL_ASSERT(mPool.CountBusyRecords() == 0); }
 };
 
-/// One record is allocated on one thread and freed on another, like that of a read, while a third thread looks for one.
+/// One record is allocated on one thread and freed on another, like the record of a read, while a third thread looks
+/// for a free record.
 template <class Policy>
 struct FreedElsewhere : rl::test_suite<FreedElsewhere<Policy>, 3>
 {

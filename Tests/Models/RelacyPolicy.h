@@ -35,7 +35,7 @@
 #undef memory_order_acq_rel
 #undef memory_order_seq_cst
 
-// The checker replaces the program's memory functions, except the sized ones, which are defined here.
+// The checker replaces the program's memory functions, except the sized ones, which this file defines.
 void operator delete(void* inBlock, std::size_t) noexcept
 {
     ::operator delete(inBlock);
@@ -71,7 +71,7 @@ private:
     T mValue;
 };
 
-/// A guarded container. It can be used directly after its access has been reported.
+/// A guarded container. The value can be used directly after its access has been reported.
 template <class T>
 class Guarded<T, true> : public T
 {

@@ -108,8 +108,8 @@ struct Node : WorkNode
 };
 
 /// Two work items that wait for each other are pushed; two threads take. Both items must run at the same time,
-/// whichever thread sleeps or spins. The channel closes only after both items have started, so that closing cannot wake
-/// a thread that a push failed to wake. With kSleeps one taker sleeps before any other thread starts.
+/// regardless of which thread sleeps or spins. The channel closes only after both items have started, so that closing
+/// cannot wake a thread that a push failed to wake. With kSleeps one taker sleeps before any other thread starts.
 template <class Policy, int kSpins, int kPushers, bool kSleeps = false>
 struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kSleeps>, 2 + kPushers>
 {

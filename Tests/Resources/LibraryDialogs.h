@@ -75,7 +75,8 @@ constexpr std::uint32_t kWrapped = 0x2000;
 constexpr std::uint32_t kDefault = 0x1;
 constexpr std::uint32_t kGroup = 0x00020000;
 
-/// An expected item of a dialog. An icon has a number in place of a title, and its own size: windres writes none.
+/// An expected item of a dialog. An icon has a number in place of a title, and size 0 by 0, because
+/// windres does not write the size of an icon.
 struct ExpectedItem
 {
     unsigned int mID;

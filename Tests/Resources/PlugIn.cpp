@@ -1,4 +1,4 @@
-// A plug-in with the resources and functions for the tests. It does not link to the library.
+// A plug-in with the resources and functions for the tests. The plug-in does not link to the library.
 #if defined(_WIN32)
 #define PLUG_IN_EXPORT extern "C" __declspec(dllexport)
 #else

@@ -187,7 +187,7 @@ TEST_F(RegistryHostile, FolderThatEverybodyMayWrite_IsRefused)
     EXPECT_EQ(kSuccess, TryToWrite());
 }
 
-// The user may place a link above the store, so it is followed.
+// The user may place a link above the store, so the library follows the link.
 TEST_F(RegistryHostile, LinkOnTheWayToTheFolder_IsFollowed)
 {
     const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";

@@ -1,4 +1,4 @@
-// A part of the registry for one test: on Linux a store in a temporary folder, on Windows a key.
+// A separate part of the registry for one test: on Linux a store in a temporary folder, on Windows a key.
 #pragma once
 
 #include <ORLRegistryKey.h>

@@ -65,7 +65,7 @@ struct RegistrySituation
     const char* mText;
     std::set<std::string> mHome;
     std::function<std::string(RegistryStage&)> mRun;
-    std::set<std::string> mEmulator = {}; // the results of Wine 8 that differ
+    std::set<std::string> mEmulator = {}; // the results of Wine 8 where they differ
 };
 
 /// Runs each row on its own stage below inPath.

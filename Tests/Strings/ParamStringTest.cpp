@@ -155,8 +155,8 @@ TEST(Tokenizer, SeparatorAtTheEnd_LeavesNoTokenBehindIt)
     EXPECT_EQ("", MakeStdString(tokens.Next()));
 }
 
-// The search reads eight units at a time. It must agree with a unit-by-unit search at every position, even among units
-// that differ from the separator in one bit.
+// The search reads eight units at a time. The search must agree with a unit-by-unit search at every position, even
+// among units that differ from the separator in one bit.
 TEST(Tokenizer, SeparatorAtEachPlaceAmongUnitsThatAreNearlyTheSame_IsFoundWhereItIs)
 {
     const unsigned short separators[] = {'=', 0x0001, 0x8000, 0x7FFF, 0xFFFF, 0x0000};

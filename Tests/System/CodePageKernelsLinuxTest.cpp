@@ -20,7 +20,7 @@ using ORL::Linux::DoubleBytePage;
 namespace {
 
 constexpr unsigned kDoubleBytePages[] = {932, 936, 949, 950};
-constexpr std::size_t kBlock = 64; // the most bytes that a form converts at a time
+constexpr std::size_t kBlock = 64; // the largest number of bytes that a form converts at a time
 
 // Memory before a page without access.
 class GuardedMemory

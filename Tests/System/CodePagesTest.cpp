@@ -261,7 +261,7 @@ TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
     EXPECT_EQ(14u, StringUtils::Platform::MostBytes_Impl(932, 7));
 }
 
-// Mixed text, with every density of non-ASCII characters, converts to the same as its units one by one.
+// Mixed text, with every density of non-ASCII characters, must convert to the same bytes as its units one by one.
 TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
 {
     std::mt19937 random(3);

@@ -13,7 +13,7 @@ namespace {
 
 int PrintKeys()
 {
-    // The settings and help keys come first: each builds the base key while it holds its own lock.
+    // The settings and help keys come first: each of them builds the base key while it holds its own lock.
     const UTF16String settings = ORL::GetRegistrySettingsKey();
     const UTF16String help = ORL::GetRegistryHelpKey();
     CRV::SetApplicationName("another name");

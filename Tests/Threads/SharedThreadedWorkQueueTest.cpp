@@ -31,7 +31,7 @@ protected:
     SharedThreadedWorkQueue& Shared() { return *SharedThreadedWorkQueue::Instance(); }
 };
 
-// Each request waits for all others, so all end only if each has its own thread.
+// Each request waits for all others, so all requests end only if each has its own thread.
 void ExpectToRunAtOnce(ThreadedWorkQueue& ioQueue, std::size_t inRequests)
 {
     const auto all = std::make_shared<ORLTest::Meeting>(inRequests + 1);

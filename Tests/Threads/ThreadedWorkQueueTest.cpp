@@ -174,7 +174,7 @@ TEST(ThreadedWorkQueue, Priority_ReachesTheThreadsAndEveryOtherNumberIsThree)
 TEST(ThreadedWorkQueue, Threads_AreNamedModuleFirst)
 {
     const Queue queue(new ThreadedWorkQueue);
-    // Three bytes a character: the system's byte limit falls inside a character.
+    // Three UTF-8 bytes per character: the kernel's byte limit falls inside a character.
     EXPECT_TRUE(queue->Initialize(3, 0, ConstString("\u4e2d\u6587\u5b57\u7b26\u4e32"), ConstString("AB")));
     std::string name;
     queue->QueueRequest(MakeRequest([&name] { name = ORLTest::SystemNameOfThisThread(); }));

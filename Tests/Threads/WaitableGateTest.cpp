@@ -176,7 +176,7 @@ TEST(WaitableGate, ManyGates_EachIsOpenedAndClosedAlone)
 
 TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
 {
-    // Each sleeper is counted before the pulse that must release it; none may remain.
+    // Each sleeper is counted before the pulse that must release it; no sleeper may remain.
     const int pulses = Rounds(1000);
     constexpr int kSleepers = 4;
     WaitableGate gate;

@@ -61,7 +61,7 @@ int RenameInFolders(int inFrom, const char* inName, int inTo, const char* inNewN
 void SplitVolumes(Faults& ioCalls)
 {
     ioCalls.Underneath().mRenameAt = &RenameInFolders;
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant here
+    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant to this test
 }
 
 // Runs inWork with each call failing at each index, followed by inCheck(result, failure).
@@ -190,7 +190,7 @@ TEST_F(DirectoryTreesUnderFaults, Wipe_EachCallFailsOnce_FailsAndKeepsTheDirecto
         [this] { return Directory::DeleteNotEmpty(From()); },
         [this](Result inResult, const Failure& inFailure) {
             EXPECT_EQ(inResult == kSuccess, !fs::exists(Host("from")));
-            // The folder itself is deleted by a separate call, whose error is reported.
+            // The folder itself is deleted by a separate call, whose error the operation reports.
             const bool isOwn = inFailure.mCall == Faults::kRemoveDir;
             const Result told =
                 isOwn ? Win::SystemErrorToORLResult(Linux::SystemErrorFromErrno(inFailure.mErrno)) : kGeneralFailure;

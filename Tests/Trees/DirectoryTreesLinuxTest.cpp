@@ -215,7 +215,7 @@ TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
     EXPECT_EQ(kSuccess, Directory::DeleteNotEmpty(From()));
 }
 
-// Uses a folder in memory if the machine has /dev/shm, since the disk is irrelevant here.
+// Uses a folder in memory if the machine has /dev/shm, since the test does not depend on a disk.
 TEST_F(DirectoryTreesOnLinux, ATreeOf100000Entries_IsCopiedMovedAndWiped)
 {
     const TempFolder folder(::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path());

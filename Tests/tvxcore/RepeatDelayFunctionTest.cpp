@@ -47,7 +47,7 @@ void Drain(AsyncExecutor& ioExecutor)
     left.Wait();
 }
 
-// A host's executor; only QueueFunction is used here.
+// A host's executor; the tests use only QueueFunction.
 class HostExecutor : public AsyncExecutor
 {
 public:

@@ -44,7 +44,7 @@ ReadBack<Number> Read(const std::u16string& inText)
     return result;
 }
 
-// A decimal comma, "." between groups of three, and other words for true and false.
+// Number punctuation with a decimal comma, "." between groups of three, and other words for true and false.
 class Comma : public std::numpunct<wchar_t>
 {
     wchar_t do_decimal_point() const override { return L','; }
