@@ -1,4 +1,4 @@
-// Question: what do callbacks, busy lists and records cost in addition to the ring that does the reading?
+// Question: what do callbacks, busy lists and records cost in addition to the io_uring reads?
 //
 // Ours, a bare liburing loop and fio read the same file of 1 GiB unbuffered, in turn. Each round reads 256 MiB. The
 // loops of this program read into the same memory, from the library's pool of large buffers; fio uses its own memory,

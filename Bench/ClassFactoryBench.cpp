@@ -37,7 +37,7 @@ std::shared_ptr<PlainEffect> MakePlainEffect()
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    std::thread([] {}).join(); // some pointers count atomically only in a process that has had threads
+    std::thread([] {}).join(); // some pointers use atomic operations only after the process has started a thread
     std::vector<ORL::Guid> ids;
     std::map<ORL::Guid, std::shared_ptr<PlainEffect> (*)()> makers;
     for (std::size_t i = 0; i < kClasses; ++i) {

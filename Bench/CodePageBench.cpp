@@ -1,5 +1,5 @@
-// Question: is converting text of a code page by value faster than ICU's converter, kept open, into a ready buffer? And
-// does the query of the language, once it is known, cost more than a load?
+// Question: is converting text of a code page by value faster than ICU's converter, kept open, writing to a
+// preallocated buffer? And does a repeated query of the language cost more than a load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
 

@@ -1,4 +1,4 @@
-// Colours compared with the same formulas written plainly in double, a million values at a time.
+// Colour conversions compared with the same formulas written plainly in double, a million values at a time.
 //
 // Question: does a host that converts a palette or a swatch lose speed by calling the library? Ours keeps the precision
 // that the formulas define for each step, and is a call into a shared library; therefore the plain formulas are called

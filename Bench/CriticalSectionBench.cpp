@@ -84,7 +84,7 @@ void TwoThreads(int inTurnsInside, int inTurnsOutside)
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // The C library omits locked operations until a process has its first thread; hosts have many.
+    // The C library omits atomic operations until a process starts its first thread; hosts have many threads.
     std::thread([] {}).join();
     Uncontended();
     TakenAgain();

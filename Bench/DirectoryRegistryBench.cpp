@@ -15,7 +15,7 @@ UTF16String Text(const std::string& inText)
     return UTF16String(inText.begin(), inText.end());
 }
 
-// A host's own code would do this: replace each "$(symbol)" by the expansion of its pattern.
+// Replaces each "$(symbol)" by the expansion of its pattern, as a host's own code would.
 UTF16String Expand(const Table& inTable, const UTF16String& inSymbol)
 {
     const auto found = inTable.find(inSymbol);
@@ -55,7 +55,7 @@ int main(int argc, char** argv)
         table[Text(symbol)] = Text(pattern);
         ORL::DirectoryRegistry::RegisterDirectory(Text(pattern), Text(symbol));
     }
-    for (int i = 0; i < 50; ++i) { // a real table has other symbols too
+    for (int i = 0; i < 50; ++i) { // real tables also contain other symbols
         const UTF16String symbol = Text("symbol " + std::to_string(i));
         table[symbol] = Text("D:\\Elsewhere");
         ORL::DirectoryRegistry::RegisterDirectory(Text("D:\\Elsewhere"), symbol);

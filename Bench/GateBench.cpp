@@ -1,6 +1,5 @@
-// Gates and waitable objects compared with what a host would use instead.
-// Question: is an open gate as cheap as its one atomic operation, and does a sleeper wake as fast as from a condition
-// variable?
+// Gates and waitable objects compared with what a host would use instead. Question: is an open gate as cheap as its one
+// atomic operation, and does a sleeping thread wake as fast as from a condition variable?
 #include <ORLEvent.h>
 #include <ORLWaitableGate.h>
 
@@ -16,7 +15,7 @@
 
 namespace {
 
-/// A ping-pong between two threads, with one door for each direction.
+/// A ping-pong between two threads, with one gate or condition variable for each direction.
 template <class Door>
 struct Court
 {
@@ -61,7 +60,7 @@ struct ConditionDoor
             boost::unique_lock<boost::mutex> lock(mMutex);
             mIsOpen = true;
         }
-        mCondition.notify_all(); // outside the lock, which is faster
+        mCondition.notify_all(); // notifies outside the lock, which is faster
     }
     void Await()
     {

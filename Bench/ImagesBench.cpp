@@ -86,7 +86,7 @@ void Put(std::string& ioBytes, Number inNumber)
 ORL::ObjectPtr<ORL::Module> ModuleOf(const std::string& inPng)
 {
     std::string file;
-    for (const std::uint32_t word : {0x00u, 0x20u, 0xFFFFu, 0xFFFFu, 0u, 0u, 0u, 0u}) { // the empty entry
+    for (const std::uint32_t word : {0x00u, 0x20u, 0xFFFFu, 0xFFFFu, 0u, 0u, 0u, 0u}) { // the empty first entry
         Put(file, word);
     }
     Put(file, static_cast<std::uint32_t>(inPng.size()));

@@ -58,7 +58,7 @@ void Compare(std::size_t inCount, unsigned inThreads)
 {
     using Flyweight = boost::flyweight<std::string>;
     const std::vector<std::string> texts = MakeTexts(inCount);
-    std::thread([] {}).join(); // some pointers count atomically only in a process that has had threads
+    std::thread([] {}).join(); // some pointers use atomic operations only after the process has started a thread
     const std::vector<unsigned> order = MakeOrder(inCount);
     std::vector<ORL::ImmutableString> ours;
     std::vector<Flyweight> flyweights;

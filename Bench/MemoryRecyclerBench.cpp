@@ -1,6 +1,6 @@
 // Question: what does a reused large buffer cost? The answer decides whether a host may request one per frame.
 //
-// The pool contains what is requested: one buffer of the size per thread. "Written" rows touch each page once, as any
+// The pool contains one buffer of the requested size per thread. "Written" rows touch each page once, as any
 // code that fills a buffer does. The peers are libavutil's buffer pool and a new mapping each time. The row of writes
 // into a kept buffer shows the part of a written row that no pool can save.
 #include <Harness.h>

@@ -144,7 +144,7 @@ void Reading()
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    // Some pointers count without locked operations until a process has its first thread; hosts have threads.
+    // Some counted pointers use no atomic operations until the process starts a thread; hosts have threads.
     std::thread([] {}).join();
     ObjectPointers(1);
     References(1);

@@ -25,7 +25,7 @@ bool CommOf(const char* inIdentifier, char (&outName)[64])
     if (size <= 0) {
         return false;
     }
-    outName[size - 1] = '\0'; // the line feed
+    outName[size - 1] = '\0'; // removes the line feed
     return true;
 }
 

@@ -1,4 +1,4 @@
-// Question: what do reads and writes of settings cost, compared with databases that are queried for each read?
+// Question: what do reads and writes of settings cost, compared with databases that the host queries for each read?
 //
 // One key holds 10^4 values, which are read in random order. The peers hold the same values in a table of SQLite (WAL,
 // synchronous NORMAL, prepared statements) and in LMDB (with a read transaction renewed for each read). All stores are

@@ -1,4 +1,5 @@
-// Asks: what does the library's look-up add to the system's own? The texts and names are those of ResourcesBench.
+// Question: what does the library's lookup cost in addition to the system's own? The texts and names are those of
+// ResourcesBench.
 #include <Harness.h>
 #include <PlugIn.h>
 

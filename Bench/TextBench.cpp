@@ -1,5 +1,5 @@
-// Question: is converting text by value faster than ICU's conversion into a ready buffer, and folding case faster than
-// ICU's?
+// Question: is converting text by value faster than ICU's conversion into a preallocated buffer, and folding case
+// faster than ICU's?
 #include <tvxcore/Text.h>
 
 #include <Harness.h>

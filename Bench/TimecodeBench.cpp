@@ -92,7 +92,7 @@ struct Material
     std::vector<std::string> mNarrow;
 };
 
-// The fields of a label as libavutil computes them, unpacked.
+// Returns the fields of a label as libavutil computes them, unpacked.
 struct PeerFields
 {
     int mHours;
@@ -303,7 +303,7 @@ void FieldGroups(const Material& inMaterial)
         .Run();
 }
 
-// One row for writing every label of a day in order.
+// Measures writing every label of a day in order.
 void DayGroup()
 {
     constexpr int kLabels = 2589408;

@@ -22,7 +22,7 @@ using ORL::IThreadedQueueRequest;
 using ORL::ThreadedWorkQueue;
 using ORL::UnknownImpl;
 
-// Counts the finished work; the caller spins on it. The same for ours and the peers.
+// Counts the finished work items, for ours and for the peers; the caller spins on the count.
 class alignas(64) Counter
 {
 public:
@@ -172,7 +172,7 @@ private:
     bool mIsReleased = false;
 };
 
-// A pool and the number of items that it got.
+// A pool and the number of items queued to it.
 template <class Pool>
 class Rival
 {

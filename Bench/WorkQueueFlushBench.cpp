@@ -1,7 +1,7 @@
 // Question: what does waiting for a queue to drain cost? The answer decides whether a host may flush once per frame.
 //
-// The peers wait for less. The pool's tasks are counted, one per thread, but nothing ensures that each thread takes
-// one; the barrier's threads do nothing but meet.
+// The peers guarantee less. The pool's tasks are counted, one per thread, but nothing ensures that each thread takes
+// one; the barrier's threads only arrive at the barrier.
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueueFlush.h>
@@ -105,7 +105,7 @@ private:
     boost::asio::thread_pool mPool;
 };
 
-// Threads that repeatedly meet the caller at a barrier.
+// Threads that repeatedly wait for the caller at a barrier.
 class Meeting
 {
 public:
@@ -212,7 +212,7 @@ void CompareBusy(Field& ioField)
         .Run();
 }
 
-// Several callers of one object are served one after the other, and must not delay the queue's threads.
+// Concurrent flushes of one object run one after the other, and must not delay the queue's threads.
 void FlushByMany(OurQueue& ioQueue, unsigned inFlushers, std::uint64_t inFlushes)
 {
     std::vector<std::thread> flushers;

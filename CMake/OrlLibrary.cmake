@@ -10,7 +10,7 @@ include(GNUInstallDirs)
 function(orl_library name)
   cmake_parse_arguments(arg "" "ROOT;HEADERS;PRIVATE_HEADERS;SOURCES" "LINK_PUBLIC;LINK_PRIVATE" ${ARGN})
   set(root "${CMAKE_CURRENT_SOURCE_DIR}/${arg_ROOT}")
-  cmake_path(NORMAL_PATH root) # checks in headers name them by this path
+  cmake_path(NORMAL_PATH root) # the messages of contract checks contain this path
   string(REGEX REPLACE "/$" "" root "${root}")
   set(headers "${root}/Inc")
   set(sources "${root}/Src")
@@ -58,8 +58,9 @@ function(orl_library name)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-    # The libraries find each other wherever the tree is moved, including in the build tree. A separate path there would
-    # be padded with ":" to the length of this one, and the loader treats an empty entry as the current folder.
+    # The libraries find each other wherever the tree is moved, including in the build tree. CMake would pad a separate
+    # path for the build tree with ":" to the length of this path, and the loader treats an empty entry as the current
+    # folder.
     INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)

@@ -22,7 +22,7 @@ if(WIN32)
 else()
   set(ORL_PLATFORM Linux)
   find_package(Boost 1.74 REQUIRED COMPONENTS thread)
-  if(ORL_BUILD_TESTS) # ICU is an oracle of the tests
+  if(ORL_BUILD_TESTS) # the tests compare results with ICU
     find_package(ICU REQUIRED COMPONENTS uc i18n)
     set(ORL_ICU ICU::uc ICU::i18n)
   endif()
@@ -38,8 +38,8 @@ else()
   set(ORL_SYSTEM_LIBRARIES "")
 endif()
 
-# The JSON library is header-only and the same for both platforms. Links it into a separate folder, so that the compiler
-# finds nothing else of the machine's include folder.
+# The JSON library is header-only and the same for both platforms. A link in a separate folder keeps the compiler from
+# finding the rest of the machine's include folder.
 set(json_include "${CMAKE_BINARY_DIR}/json-include")
 file(MAKE_DIRECTORY "${json_include}")
 if(NOT EXISTS "${json_include}/nlohmann")

@@ -2,10 +2,10 @@
 #
 # Compiles Windows resource scripts (UTF-8) into a target: a plug-in, a library or a program.
 #   Windows  the linker stores them as the module's resources.
-#   Linux    the compiled file (.res) is in the module's read-only data, and a note of owner "ORL" contains its place.
-# ORL::Module finds them on both. DEPENDS lists the files that the scripts use besides #include files: pictures, tables.
-# Files are searched in the script's folder, then in INCLUDE_DIRECTORIES.
-# Needs x86_64-w64-mingw32-windres (Debian: binutils-mingw-w64-x86-64) or the RC compiler of MSVC.
+#   Linux    the compiled file (.res) is in the module's read-only data, and a note of owner "ORL" locates it.
+# ORL::Module finds the resources on both platforms. DEPENDS lists the files that the scripts use besides #include
+# files: pictures, tables. Files are searched for in the script's folder, then in INCLUDE_DIRECTORIES. Needs
+# x86_64-w64-mingw32-windres (Debian: binutils-mingw-w64-x86-64) or the RC compiler of MSVC.
 
 cmake_policy(SET CMP0116 NEW) # generated dependencies are relative to the build folder
 
@@ -68,8 +68,8 @@ function(_orl_compile_resources target script number depends include_directories
   endif()
 endfunction()
 
-# Writes a source whose object contains the compiled file and a note with the file's offset from the note's contents and
-# its size. Neither needs a symbol or a relocation, so both survive strip, and a module can be moved.
+# Writes a source whose object contains the compiled file and a note with the file's size and its offset from the note's
+# contents. Neither needs a symbol or a relocation, so both survive strip, and a module can be moved.
 function(_orl_embed_resources target compiled source)
   file(CONFIGURE OUTPUT "${source}" @ONLY CONTENT [=[
 // Written by orl_target_resources.

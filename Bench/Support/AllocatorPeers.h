@@ -22,7 +22,7 @@ struct Glibc
 
     static bool Load()
     {
-        // Through a volatile, so that the compiler does not know the called functions.
+        // Reads the pointers through a volatile, so that the compiler does not know the called functions.
         sAllocate = sFindAllocate;
         sFree = sFindFree;
         return true;
@@ -102,7 +102,8 @@ struct Mimalloc
 };
 
 /// jemalloc needs 2.6 KiB of static thread-local storage, more than a program reserves for libraries that are loaded
-/// later. The reserve can only be changed before the program starts, so the program restarts itself with a larger one.
+/// later. The reserve can only be changed before the program starts, so the program restarts itself with a larger
+/// reserve.
 inline void MakeRoomForPeers(char** inArguments)
 {
     if (std::getenv("GLIBC_TUNABLES") == nullptr) {

@@ -199,7 +199,7 @@ private:
         }
     }
 
-    // With fewer processors than threads, spinning would starve the thread that is waited for.
+    // With fewer processors than threads, a spinning thread would starve the thread that it waits for.
     static void Relax()
     {
         if (std::thread::hardware_concurrency() < 2) {
@@ -224,7 +224,7 @@ inline double Percentile(std::vector<double> inValues, double inShare)
 
 } // namespace Detail
 
-/// Reads the program's arguments. Call it first.
+/// Reads the program's arguments. Call this function first.
 inline void Start(int inCount, char** inArguments)
 {
     Detail::TheState().mFilter = inCount > 1 ? inArguments[1] : "";

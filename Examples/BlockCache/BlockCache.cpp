@@ -33,7 +33,7 @@ long long SumOf(ORL::File& ioFile)
 int ReadTwice(const UTF16String& inPath, const BlockStore& inStore)
 {
     ORL::File file;
-    // The library uses the cache only for files that cannot be written meanwhile.
+    // The library uses the cache only for files that no other handle can write while they are open.
     const ORL::Result result =
         file.Create(inPath, ORL::FileAccessFlags::kFileAccess_Read, ORL::FileShareModeFlags::kFileShare_Read,
                     ORL::FileCreateDispositionFlags::kFileCreate_OpenExisting,

@@ -46,7 +46,7 @@ public:
         if (found == mIndex.end()) {
             return false;
         }
-        // Consecutive reads usually hit the same block, which is then already in front.
+        // Consecutive reads usually hit the same block, which is then already at the front of the list.
         if (found->second != mEntries.begin()) {
             mEntries.splice(mEntries.begin(), mEntries, found->second);
         }

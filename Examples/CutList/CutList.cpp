@@ -180,7 +180,7 @@ bool HasPicture(const Event& inEvent)
     return inEvent.mTracks.find('V') != std::string::npos || inEvent.mTracks == "B";
 }
 
-/// Runs checks, prints each fault with its line, and records whether there was one.
+/// Runs checks, prints each fault with its line, and records whether any fault was found.
 class Inspector
 {
 public:

@@ -15,7 +15,8 @@ struct BitmapPixels
         mPixels; // rows from the top; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
-/// The library can decode pictures during its lifetime. On Windows it starts GDI+, which is the host's task.
+/// The library can decode pictures while this object exists. On Windows the constructor starts GDI+, as the library
+/// requires of its host.
 class PictureDecoder
 {
 public:

@@ -6,7 +6,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // its headers need min and max
+namespace Gdiplus { // the headers of GDI+ need min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus

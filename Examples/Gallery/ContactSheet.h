@@ -20,7 +20,7 @@ struct SheetRow
 };
 
 inline constexpr std::size_t kCell = 128;   // width and height of a picture's square
-inline constexpr std::size_t kCaption = 24; // height of the text below it
+inline constexpr std::size_t kCaption = 24; // height of the text below a picture
 inline constexpr std::size_t kTitle = 36;   // height of the text above a row
 inline constexpr std::size_t kMargin = 16;
 

@@ -102,13 +102,13 @@ def write_png(name, painter):
 
 
 def write_bars():
-    """Seven bars of 8-bit pixels in run-length encoding, a strip of grey below."""
+    """Returns a bitmap of seven bars, with a grey strip below, as run-length encoded 8-bit pixels."""
     bars = [(191, 191, 191), (191, 191, 0), (0, 191, 191), (0, 191, 0), (191, 0, 191), (191, 0, 0), (0, 0, 191)]
     greys = [(i * 36, i * 36, i * 36) for i in range(7)]
     colours = b"".join(bytes((blue, green, red, 0)) for red, green, blue in bars + greys)
     widths = [14] * 6 + [12]
     runs = b""
-    for y in range(SIDE):  # from the bottom
+    for y in range(SIDE):  # rows are stored from the bottom
         first = 7 if y < SIDE // 4 else 0
         runs += b"".join(bytes((width, first + i)) for i, width in enumerate(widths)) + b"\0\0"
     runs += b"\0\1"

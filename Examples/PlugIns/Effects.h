@@ -22,7 +22,7 @@ using UnknownRef = ORL::InterfaceRef<ORL::ORLUnknown>;
 /// The category of effects.
 inline constexpr ORL::Guid kEffects{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x02};
 
-/// Inverts the sound. The levels plug-in registers it; anyone can create it by this identifier.
+/// Inverts the sound. The levels plug-in registers this class; any module can create it by this identifier.
 inline constexpr ORL::Guid kInvertEffect{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x03};
 
 /// Converts an object of the class register to an effect.
@@ -49,6 +49,6 @@ inline void InEffects(std::vector<ORL::Guid>& outCategories)
     outCategories.push_back(kEffects);
 }
 
-/// The name and type of the function that each plug-in exports. The host calls it once, on its main thread.
+/// The name and type of the function that each plug-in exports. The host calls the function once, on its main thread.
 inline constexpr char kRegisterEffects[] = "RegisterEffects";
 using RegisterEffectsFunction = void();

@@ -1,5 +1,5 @@
-// A plug-in with three effects, one of which cannot be created. One uses a class of the other plug-in, of which it
-// knows only the identifier.
+// A plug-in with three effects, one of which cannot be created. One effect uses a class of the other plug-in through
+// its identifier only.
 #include "Effects.h"
 #include "PlugInConfig.h"
 

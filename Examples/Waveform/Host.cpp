@@ -27,7 +27,7 @@ struct Wishes
     std::vector<std::string> mInputs;
 };
 
-// Returns false if they are invalid.
+// Returns false if the arguments are invalid.
 bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
 {
     if (inArguments.size() > 1 && inArguments[0] == "--thumbnail") {
@@ -50,7 +50,7 @@ bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
 
 std::string Leaf(const std::string& inPath)
 {
-    return inPath.substr(inPath.find_last_of("/\\") + 1); // a path without a separator consists of the leaf
+    return inPath.substr(inPath.find_last_of("/\\") + 1); // a path without a separator is a bare file name
 }
 
 Sound OpenSound(const std::string& inPath, std::size_t inColumns)

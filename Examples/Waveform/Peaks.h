@@ -34,7 +34,7 @@ public:
 
     void Process() override;
 
-    /// Returns the error, or an empty string on success. Call it after Process has returned.
+    /// Returns the error, or an empty string on success. Call after Process has returned.
     const std::string& GetFailure() const { return mFailure; }
 
 private:

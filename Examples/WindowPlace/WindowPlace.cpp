@@ -1,8 +1,8 @@
-// Stores the place of its window and its language between starts.
+// Saves the position of its window and its language for the next start.
 //
 //   example_window_place [--move X Y] [--language NAME]
 //
-// It prints a greeting in its language and the place of the window. --move moves the window, --language sets the
+// It prints a greeting in its language and the position of the window. --move moves the window, --language sets the
 // language of the next start: "de_DE", or "fr_FR". orl reg list 'HKCU\Software\Zerin\Window Place' --recursive shows
 // the stored settings.
 #include <ORLFoundation.h>

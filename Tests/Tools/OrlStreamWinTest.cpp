@@ -5,8 +5,8 @@
 
 using namespace ORLTest;
 
-// The read past the new end is accepted and fails when it completes; after that nothing is delivered. The stream's
-// timeout is longer than this test's, so it must detect the truncation itself.
+// The read past the new end is accepted and fails when it completes; after that no more completions are delivered. The
+// stream's timeout is longer than this test's, so the stream must detect the truncation itself.
 TEST(OrlStreamCut, AtABlock_IsToldWithoutTheWholePatience)
 {
     const std::string said = SaidOfAStreamCutTo(4096);

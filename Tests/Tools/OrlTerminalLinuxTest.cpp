@@ -90,7 +90,7 @@ public:
         std::string text;
         char bytes[4096];
         ssize_t count = 0;
-        while ((count = ::read(mMaster, bytes, sizeof(bytes))) > 0) { // fails when the program has ended
+        while ((count = ::read(mMaster, bytes, sizeof(bytes))) > 0) { // the read fails when the program has ended
             text.append(bytes, static_cast<std::size_t>(count));
         }
         EXPECT_EQ(inExitCode, ExitCodeOf(process)) << text;
@@ -130,7 +130,7 @@ protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
     /// Expects that each text between a carriage return and the sequence that clears the rest of the line fits before
-    /// the last column, and that there is no line break among them.
+    /// the last column, and that none of these texts contains a line break.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
         const std::string clear = "\x1b[K";

@@ -1,4 +1,4 @@
-// Runs orl tc as a person does at a prompt.
+// Runs orl tc as a user does at a prompt.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>
@@ -196,7 +196,7 @@ TEST(OrlTimecode, UnreadableText_ShowsWhereReadingStoppedAndEndsWith1)
     }
 }
 
-// The library accepts any digits and wraps around; a person would get a time that was not typed.
+// The library accepts any number of digits and wraps around, so a user would get a time that was not typed.
 TEST(OrlTimecode, NumberBeyondWhatTimesHold_IsNoTime)
 {
     const Words rows[] = {

@@ -1,4 +1,4 @@
-// Tests the length in a WAV header, for formats that count samples and for those that count blocks.
+// Tests the length in a WAV header, for formats that count samples and for formats that count blocks.
 #include <IngestTestSupport.h>
 
 #include <WavHeader.h>

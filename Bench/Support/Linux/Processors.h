@@ -1,4 +1,4 @@
-// On which processors the threads of a benchmark run.
+// Selects the processors on which the threads of a benchmark run.
 #pragma once
 
 #include <algorithm>
@@ -17,8 +17,8 @@ inline void PinThread(unsigned inProcessor)
     ::pthread_setaffinity_np(::pthread_self(), sizeof(set), &set);
 }
 
-/// Lets the calling thread and the threads it starts run on every processor again. For work done by several threads or
-/// by another process.
+/// Lets the calling thread and the threads it starts run on every processor again. Use this for work done by several
+/// threads or by a different process.
 inline void UseAllProcessors()
 {
     cpu_set_t all;

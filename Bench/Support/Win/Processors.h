@@ -1,4 +1,4 @@
-// On which processors the threads of a benchmark run.
+// Selects the processors on which the threads of a benchmark run.
 #pragma once
 
 #include <algorithm>
