@@ -1,4 +1,4 @@
-// On Linux no heap request bypasses the sweeps.
+// Tests that on Linux the sweeps see every request to the C++ heap.
 #include "MemoryFaults.h"
 
 TEST(MemoryFaults, RequestsOfTheStandardLibrary_ComeToTheHeapsDoor)

@@ -92,7 +92,7 @@ TEST(MakeDiskSpaceString, FractionalRows_ShowTheUsersNumbers)
         {__LINE__, 1099511627775, 1099511627775 / 1073741824.0, 1, u" GB", "10240"},
         {__LINE__, 1099511627776, 1.0, 2, u" TB", "100"},
         {__LINE__, 1374389534720, 1.25, 2, u" TB", "125"},
-        // values are unsigned over the whole range
+        // sizes with the highest bit set are not negative
         {__LINE__, kLargest, 16777216.0, 2, u" TB", "1677721600"},
         {__LINE__, 0x8000000000000000u, 8388608.0, 2, u" TB", "838860800"},
     };

@@ -33,7 +33,7 @@ TEST(GetVolumeRootPath, EachPath_HasItsRoot)
         {__LINE__, uR"(\\?\C:)", uR"(\\?\C:\)"},
         {__LINE__, uR"(\\?\C:\dir\file)", uR"(\\?\C:\)"},
         {__LINE__, uR"(\\?\UNC\server\share\dir)", uR"(\\?\UNC\server\share\)"},
-        // only the fifth and sixth units count, whatever the drive
+        // an extended path may have any character as its drive
         {__LINE__, uR"(\\?\1:\dir)", uR"(\\?\1:\)"},
         // an empty server name is invalid: the walk up stops where the system sees a server
         {__LINE__, uR"(\\?\UNC\\share\x)", uR"(\\?\)"},

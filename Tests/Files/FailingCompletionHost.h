@@ -6,7 +6,7 @@
 
 namespace FailingCompletion {
 
-/// Selects the engine for reads. Call it before the library starts.
+/// Selects the engine for reads. Must be called before the library starts.
 void UseEngine(const std::string& inEngine);
 
 /// Makes the process's next read fail when it completes, if it reads at the position that this function returns.

@@ -79,8 +79,8 @@ TEST(FileOnLinux, AProcessThatIsKilled_HoldsNothingMore)
     ::close(ready[1]);
 }
 
-// A host starts a child process while a file is open: the child's copy of the descriptor must not hold the file after
-// the host has closed it.
+// A host starts a child process while a file is open: the child's copy of the descriptor must not keep the file
+// locked after the host has closed it.
 TEST(FileOnLinux, AChildOfTheHost_DoesNotHoldWhatWeHaveClosed)
 {
     const TempFolder folder;
@@ -249,7 +249,7 @@ TEST(FileOnLinux, ACopyOfAReadOnlyFile_IsReadOnlyAlsoWhereOneWasBefore)
     EXPECT_EQ(kAccessDenied, File::Delete(folder.Path(u"g")));
 }
 
-// The size is reported as 0 until the file is read.
+// The kernel reports a size of 0 for a file in /proc, although the file has contents.
 TEST(FileOnLinux, AFileThatTellsNoSize_IsCopiedWhole)
 {
     const TempFolder folder;

@@ -120,7 +120,7 @@ TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
     EXPECT_GT(400u, calls.Count(Faults::kLockRange));
 }
 
-// A refused open leaves no locks.
+// A refused open leaves no lock behind.
 TEST(FileShareModesOnLinux, OneThatWasRefused_HoldsNothing)
 {
     const TempFolder folder;

@@ -54,8 +54,8 @@ TEST(FileSituationNames, ALongPath_IsTakenExtendedAndPlainWhereThePlainFormMayBe
 
 // cf58 and cf59 concern files that were opened with the hidden attribute: a later open that recreates such a file must
 // request the attribute again. File never requests it; only the probe for a writeable folder does, and that file is
-// deleted at its close. On Linux a leading dot hides a file, but it is not an attribute, and the owner can recreate the
-// file. Both are intended differences.
+// deleted at its close. On Linux a leading dot hides a file, but is not an attribute, and the owner can recreate the
+// file. Both differences are intended.
 TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
 {
     const TempFolder folder;

@@ -95,7 +95,7 @@ TEST_F(UserAttributes, AMoveToAnotherVolume_KeepsThem)
     EXPECT_EQ("A001", Get("m", "user.reel"));
 }
 
-// Attributes belong to the name, like permissions, unless the new contents have their own.
+// Like permissions, the attributes of the replaced file are kept, unless the new file has the same attribute.
 TEST_F(UserAttributes, ASwap_AddsThoseOfTheRealFile)
 {
     mFolder.MakeFile("temp", "new");

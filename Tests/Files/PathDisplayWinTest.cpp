@@ -28,7 +28,7 @@ TEST(GetShellName, OfWhatIsNotThere_FailsAndLeavesTheName)
     EXPECT_EQ(Units(u"plain leaf"), name);
 }
 
-// A failed COM initialisation must not be undone: the thread's state stays as it was.
+// CoUninitialize must not be called after a failed COM initialisation; it would change the thread's COM state.
 TEST(GetShellName, OnAThreadOfAnotherKind_FallsBackAndLeavesTheThreadAlone)
 {
     std::thread([] {

@@ -224,7 +224,7 @@ TEST(MakeUniqueFilename, OfAFolderOrAnExtensionAlone_KeepsTheParts)
 
 namespace {
 
-// Fakes a system whose directory for temporary files has a given length.
+// Fakes an OS whose temporary directory has a path of a given length.
 UTF16String sTempFolder;
 unsigned long sSecondAnswer;
 unsigned long sSizes[2];
@@ -281,7 +281,7 @@ TEST(GetTempDirectory, OfMoreThan512Units_ReportsAndIsEmpty)
     ExpectReport(reports[0]).Expression("false").Message("Could not get the current temporary directory!").File("WinPathUtils").Function("ORL::PathUtils::GetTempDirectory");
 }
 
-// The meaning of the second result is the reverse of what one would expect.
+// The function treats a failure (0) of the second query as success, and then returns what the buffer holds.
 TEST(GetTempDirectory, WhoseSecondQuestionFails_TakesTheBuffer)
 {
     FakeTempFolder(600, 0);

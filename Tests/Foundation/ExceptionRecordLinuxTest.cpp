@@ -60,7 +60,7 @@ Crash CrashOf(Function inFunction)
         sPipe = ends[1];
         HandleSignals();
         inFunction();
-        _exit(2); // reached only if the failure did not happen
+        _exit(2); // reached only if inFunction did not crash
     }
     close(ends[1]);
     Crash crash{};

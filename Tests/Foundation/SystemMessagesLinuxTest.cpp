@@ -1,11 +1,11 @@
-// Tests the table of messages that replaces those of Windows.
+// Tests the table of messages that replaces Windows' messages for system errors.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 
 #include <gtest/gtest.h>
 #include <string>
 
-// The search is binary, so it would miss an entry out of order.
+// A binary search finds the entries, so an entry out of order would be missed.
 TEST(SystemErrorMessageOnLinux, EveryEntryOfTheTable_IsFound)
 {
     constexpr int kEntries = 167;

@@ -1,4 +1,4 @@
-// Tests a machine that lacks the locale named in the user's settings.
+// Tests the library on a machine that lacks the locale named in the user's settings.
 #include <ProcessRunner.h>
 
 #include <cstdlib>

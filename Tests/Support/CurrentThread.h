@@ -6,13 +6,13 @@
 
 namespace ORLTest {
 
-/// Returns the thread's name as the OS keeps it, possibly truncated, UTF-8.
+/// Returns the calling thread's name, UTF-8, as the OS stores it, possibly truncated.
 std::string SystemNameOfThisThread();
 
 /// The OS keeps at least this many bytes of a thread's name.
 extern const std::size_t kKeptNameBytes;
 
-/// Returns the thread's scheduling level in the unit of the OS: the nice value, or the Windows priority.
+/// Returns the calling thread's scheduling level in the unit of the OS: the nice value, or the Windows priority.
 int LevelOfThisThread();
 
 /// Returns the level that a thread gets for a priority from 0 to 5; 3 is the level of the process. If the user may not

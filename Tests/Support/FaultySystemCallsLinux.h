@@ -45,8 +45,8 @@ public:
     /// Returns the number of calls of that kind so far.
     unsigned Count(Call inCall) const;
 
-    /// Returns the table of the calls below the faults, initially those of the kernel. A test may replace entries before
-    /// the first call.
+    /// Returns the table of calls that run below the faults, initially those of the kernel. A test may replace entries
+    /// before the first call.
     ORL::Linux::SystemCalls& Underneath() noexcept;
 
     class State;

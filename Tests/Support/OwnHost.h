@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-/// Sets a unique host name for this process, which therefore has its own settings; on Linux also its own user store.
+/// Sets a host name unique to this process, so that the process has its own settings, and on Linux its own user store.
 /// Returns the name. Further calls only return the name. The host's settings are deleted when the process ends.
 const std::string& UseOwnHost();
 

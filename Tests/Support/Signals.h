@@ -1,4 +1,4 @@
-// Signals between the threads of a test. None of them waits for a fixed time.
+// Signals between the threads of a test. Every wait is for an event, never for a fixed time.
 #pragma once
 
 #include <condition_variable>

@@ -145,7 +145,7 @@ void UseQueueAndGate()
     Expect(gate != nullptr && gate->Wait(0) == kWaitTimeout, "the pool gives no closed gate");
     Expect(queue->QueueRequest(ThreadedWorkQueue::Request(new OpensGate(*gate))), "a queue has refused a request");
     Expect(gate->Wait(-1) == kSuccess, "a gate has not been passed");
-    // The queue's thread may still be inside Open. The flush ensures that Open has returned before ReturnGate is called.
+    // The queue's thread may still be inside Open. The flush ensures that Open has returned before ReturnGate runs.
     static const auto* const flush = [] {
         auto* const made = new InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown>(new ThreadedWorkQueueFlush);
         (*made)->Init(SharedThreadedWorkQueue::Instance()->RetrieveOrCreate(ThreadPriorities::kNormal));
