@@ -1,4 +1,4 @@
-// Properties of reading any bytes as a bitmap. The fuzzer and the plain tests share them.
+// Properties of reading any bytes as a bitmap. The fuzzer and the plain tests check the same properties.
 #pragma once
 
 #include <Images/BitmapReader.h>
@@ -10,7 +10,7 @@
 
 namespace ORLFuzz {
 
-/// Returns null, or a description of the property that failed. Reads a copy of exactly the size.
+/// Returns null, or a description of the property that failed. Reads a copy of the input in memory of exactly its size.
 inline const char* CheckBitmap(const std::uint8_t* inData, std::size_t inSize)
 {
     const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);

@@ -1,4 +1,4 @@
-// Compares the reader of bitmaps with that of Windows.
+// Compares the library's bitmap reader with the bitmap reader of Windows.
 #include <Images/BitmapReader.h>
 
 #include <BitmapPixels.h>

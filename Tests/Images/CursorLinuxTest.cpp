@@ -79,7 +79,7 @@ private:
     std::string mName;
 };
 
-// Returns the picture of the pointer that the server shows now.
+// Returns the picture of the pointer that the X server currently shows.
 std::vector<unsigned long> ShownPointer(Display* inDisplay)
 {
     XSync(inDisplay, False);

@@ -331,7 +331,7 @@ TEST(ColorEveryValue, CompoundForms_AreTheirPartsOneAfterTheOther)
     });
 }
 
-// The two truncations lose at most four steps of a channel.
+// The two truncations of a round trip lose at most four steps of a channel.
 TEST(ColorEveryValue, RgbThroughYuvAndBack_StaysWithinFourSteps)
 {
     Differences differences("RGB through YUV");

@@ -109,7 +109,7 @@ struct ColorFormulas
         return {inY, -0.544639f * inPb + 0.838671f * inPr, 0.544639f * inPr + 0.838671f * inPb};
     }
 
-    /// Rounds the exact arctangent to the nearest single, because the results of runtimes differ.
+    /// Rounds the exact arctangent to the nearest single-precision number, because the results of runtimes differ.
     static Single HueFromPbPr(Single inPb, Single inPr)
     {
         const Single sine = -0.9475003f * inPb - 0.31975487f * inPr;
@@ -123,7 +123,7 @@ struct ColorFormulas
         return angle / fullCircle;
     }
 
-    /// Computes the root in double and rounds once.
+    /// Computes the root in double precision and rounds once.
     static Single Length(Single inFirst, Single inSecond)
     {
         const Single square = inFirst * inFirst + inSecond * inSecond;
@@ -185,7 +185,7 @@ struct ColorFormulas
         return inR >= inG && inB >= inG ? Channel::Green : Channel::Red;
     }
 
-    /// Adds the full circle and divides in double; everything before that is single.
+    /// Adds the full circle and divides in double precision; the earlier steps are in single precision.
     static Single Hue(Channel inLargest, Single inD, Single inR, Single inG, Single inB)
     {
         Single sixths = 0.0f;
@@ -245,13 +245,13 @@ struct ColorFormulas
         return HSLFromRGB(rgb.a, rgb.b, rgb.c);
     }
 
-    /// Multiplies in single and adds 0.5 in double.
+    /// Multiplies in single precision and adds 0.5 in double precision.
     static unsigned Rounded(Single inValue, float inScale)
     {
         return static_cast<unsigned>(Truncated(Double(Single(inValue * inScale)) + 0.5));
     }
 
-    /// Multiplies and adds 0.5 in single.
+    /// Multiplies and adds 0.5 in single precision.
     static unsigned RoundedInSingle(Single inValue, float inScale)
     {
         return static_cast<unsigned>(Plain(Single(inValue * inScale + 0.5f)));

@@ -141,7 +141,7 @@ private:
     rl::condvar<Condition> mCondition;
 };
 
-/// kSpins: the number of times a thread polls a gate before it sleeps. kLeftOut: the steps removed from the code.
+/// kSpins: the number of times a thread polls a gate before it sleeps. kLeftOut: the steps that a mutant omits.
 template <int kSpins, ORL::Sync::Step... kLeftOut>
 struct RelacyPolicy
 {

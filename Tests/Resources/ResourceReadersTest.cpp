@@ -46,7 +46,7 @@ void ExpectSafe(const Kind& inKind, const unsigned char* inData, std::size_t inS
     ASSERT_EQ(nullptr, fault) << inKind.mFile << ", " << inWhat << ": " << fault;
 }
 
-// Collects numbers and texts as bytes.
+// Collects the bytes of numbers and texts.
 class Writer
 {
 public:

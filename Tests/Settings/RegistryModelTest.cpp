@@ -39,7 +39,7 @@ TEST_F(RegistryModelTest, RandomOperations_AnswerAsAPlainMapDoes)
         note(turn, kHere);
         note(1000 + turn, kThere);
         ASSERT_EQ(0, RunBesideThisProgram("registry_host", history).mExitCode);
-        model.Run(1000 + turn, kThere, true); // replays the turn of the other process
+        model.Run(1000 + turn, kThere, true); // replays the turn of the other process on the map
         ASSERT_TRUE(model.IsSame()) << "turn " << turn;
     }
 }

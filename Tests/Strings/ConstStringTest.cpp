@@ -62,7 +62,7 @@ Snapshot Blocks()
     return snapshot;
 }
 
-// Returns the number of allocations during the work, freed or not.
+// Returns the number of allocations during inWork, freed or not.
 template <class Work>
 unsigned long long AllocationsOf(const Work& inWork)
 {

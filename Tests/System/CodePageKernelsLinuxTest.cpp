@@ -123,7 +123,8 @@ protected:
         }
     }
 
-    // The text and its result lie directly before, or the given number of bytes before, a page without access.
+    // Converts a text; the text and its result lie directly before, or the given number of bytes before, a page without
+    // access.
     UTF16String Units(unsigned inPage, const std::string& inText, std::size_t inBehind = 0) const
     {
         char* const text = mText.Last<char>(inText.size(), inBehind);

@@ -202,7 +202,7 @@ TEST_F(CodePages, HostOfTheSystemsPage_UsesItWhateverTheLanguage)
     CRV::SetApplicationType(CRV::kApplicationType_SystemCodePage);
     EXPECT_EQ(Decoded(0, "\x93\xFA"), Show(StringUtils::CodePageMultiByteToUnicode16("\x93\xFA")));
     EXPECT_EQ(Encoded(0, u"\u65e5"), StringUtils::Unicode16ToCodePageMultiByte(Units(u"\u65e5")));
-    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // these two always follow the language
+    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // ToUnicode, ToMultiByte: by the language
     EXPECT_EQ("\x93\xFA", StringUtils::ToMultiByte(Units(u"\u65e5")));
 }
 

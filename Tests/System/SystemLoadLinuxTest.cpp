@@ -23,7 +23,7 @@ namespace {
 
 constexpr char kStat[] = "/proc/stat";
 
-// Returns the load between two contents of the file, or -1 if a call fails.
+// Returns the load between two contents of /proc/stat, or -1 if a call fails.
 long PercentBetween(const std::string& inFirst, const std::string& inSecond)
 {
     FakeProc proc;
@@ -43,7 +43,7 @@ long PercentBetween(const std::string& inFirst, const std::string& inSecond)
     return percent;
 }
 
-// Returns the file of a machine with many processors: the first line is the sum of the others.
+// Returns the contents of /proc/stat for a machine with many processors: the first line is the sum of the others.
 std::string Machine(unsigned long inProcessors, unsigned long inBusy, unsigned long inIdle)
 {
     std::ostringstream text;

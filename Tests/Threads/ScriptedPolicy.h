@@ -17,7 +17,7 @@ struct Script
     Script() { sCurrent = this; }
     ~Script() { sCurrent = nullptr; }
 
-    /// How a sleep ends. The action may also throw.
+    /// How a sleep ends; a SleepAction may also throw.
     enum class Wake { kNotified, kTimeout };
     using SleepAction = std::function<Wake()>;
 

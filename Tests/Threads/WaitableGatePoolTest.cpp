@@ -28,7 +28,7 @@ using Algorithm = Sync::WaitableGateAlgorithm<Sync::SystemPolicy>;
 /// Removes all idle gates from the pool and destroys them.
 void EmptyThePool()
 {
-    delete WaitableGatePool::RetrieveGate(); // also creates the pool
+    delete WaitableGatePool::RetrieveGate(); // this call also creates the pool
     while (Pool::sPool.load()->CountIdleGates() != 0) {
         delete WaitableGatePool::RetrieveGate();
     }

@@ -157,7 +157,7 @@ TEST_F(DirectoryTreesOnLinux, AFolderThatMayNotBeRead_IsMoved)
     });
 }
 
-// If this user may not open a file, only holders in this process can be checked.
+// If this user may not open a file, only handles of this process can be checked.
 TEST_F(DirectoryTreesOnLinux, AFileThatMayNotBeRead_IsWiped)
 {
     mFolder.MakeFolder("from");
@@ -177,7 +177,7 @@ TEST_F(DirectoryTreesOnLinux, AReadOnlyFolder_IsNotDeletedByItself)
     EXPECT_EQ(kSuccess, Directory::Delete(From()));
 }
 
-// Another process that uses the library holds a file: a file with its locks must stay.
+// A different process that uses the library has a file open: a file with the library's locks must stay.
 TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
 {
     mFolder.MakeFolder("from");

@@ -21,7 +21,7 @@ using Units = std::vector<unsigned short>;
 constexpr unsigned short kUnitBehind = 0xABCD;
 constexpr unsigned char kByteBehind = 0xEE;
 
-// Converts between buffers of the exact size, so that a sanitizer detects every access beyond them.
+// Converts between buffers of exactly the required size, so that a sanitizer detects every access beyond them.
 Units Convert(ToUTF16Function* inKernel, const Bytes& inText)
 {
     const Bytes exact(inText);
