@@ -83,7 +83,7 @@ struct Delivered
     int mResult;
 };
 
-/// Records the arguments of callbacks. Pass the object as the first user value.
+/// Records the arguments of callbacks. Pass the object as the first user value of QueueReadRequest.
 class Deliveries
 {
 public:

@@ -23,8 +23,8 @@ const std::string kNames[] = {
     "caf\xE9.mov",  // Latin-1
     "\xFF\xFE\x80", // invalid UTF-8
     "a\\b",         // a separator inside a name
-    "C:",           // looks like a drive
-    "what?*.wav",   // looks like a pattern
+    "C:",           // looks like a drive letter
+    "what?*.wav",   // looks like a wildcard pattern
     "\"<|>\"",
     "ends in a blank ",
     "ends in a dot.",

@@ -161,7 +161,7 @@ const Situation kKinds[] = {
      }},
 };
 
-// Returns 1 if the entry is found, or the error number of a listing that cannot be opened.
+// Each situation returns 1 if the entry is found, or the error number of a listing that cannot be opened.
 const Situation kFinding[] = {
     {"ff01", "missing", {0}, [](const Stage& s) { return FindEntry_Impl(s.Plain(u"no")); }},
     {"ff02", "in a missing folder", {0}, [](const Stage& s) { return FindEntry_Impl(s.Plain(u"no\\no")); }},

@@ -79,7 +79,7 @@ TEST(ExistsOnDisk, APattern_ExistsWhereAnEntryFits)
     EXPECT_FALSE(ExistsOnDisk(folder.Path(u"*\\clip.mov")));
 }
 
-// A path that is not rooted returns false, whether or not it exists; "." always exists.
+// Each query returns false for a path that is not rooted, even for ".", which always exists.
 TEST(PathQueries, OfARelativePath_AreFalse)
 {
     for (const char16_t* path : {u".", u"..", u"x"}) {

@@ -100,7 +100,7 @@ int main(int argc, char** argv)
 {
     std::atexit(&LetEachThreadGoOn); // runs after the exit action of the name table, which is registered later
     ORL::Foundation::Initialize();
-    Shared* const shared = new Shared; // the threads outlive main
+    Shared* const shared = new Shared; // never deleted: the threads outlive main
     for (std::size_t i = 0; i < 100; ++i) {
         shared->mTexts.push_back(TextOf(i));
         shared->mNames.push_back(ImmutableString::CreateDynamic(shared->mTexts.back()));
