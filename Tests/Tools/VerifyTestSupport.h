@@ -24,7 +24,7 @@ inline bool Shows(const std::string& inText, const std::string& inPart)
     return inText.find(inPart) != std::string::npos;
 }
 
-/// Files of no, one and several blocks, the last ones of odd lengths.
+/// A tree with an empty file and files of one and several blocks, and its list of checksums.
 class VerifiedTree : public testing::Test
 {
 protected:

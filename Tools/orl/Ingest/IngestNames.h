@@ -11,7 +11,7 @@
 
 namespace orl {
 
-/// Returns the names that differ from another one in case alone, in groups.
+/// Returns groups of names that differ only in case.
 std::vector<std::vector<std::string>> FindNamesAlike(const std::vector<ListedFile>& inFiles);
 
 /// Returns the files whose name at the destination would be that of another file: for each such name, all files but the

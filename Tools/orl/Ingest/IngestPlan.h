@@ -66,7 +66,7 @@ struct IngestPlanRequest
     IngestRecord* mRecord = nullptr; // null if the destination does not exist yet
     bool mReplaces = false;
     std::function<bool()> mIsStopped;
-    bool mIsDryRun = false; // do not try names and times at the destination
+    bool mIsDryRun = false; // creates no test files for names and times at the destination
 };
 
 /// Compares the listing with the contents of the destination. Throws Failure if the source holds no file, or a file

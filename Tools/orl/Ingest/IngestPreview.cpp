@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    // The order of a run, without what it writes.
+    // Performs the checks of a run in the same order, without writing.
     void PreviewOne(IngestDestination& ioDestination, const IngestListing& inListing)
     {
         const IngestRoots& roots = ioDestination.mRoots;

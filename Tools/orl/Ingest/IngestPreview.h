@@ -1,4 +1,4 @@
-// What an ingest would do, found out without changing anything.
+// The work that an ingest would do, determined without changing anything.
 #pragma once
 
 #include "IngestDestinations.h"
@@ -14,15 +14,15 @@ namespace orl {
 struct IngestPreview
 {
     std::vector<std::vector<std::string>> mNamesAlike; // in case alone: one file each on a volume that ignores case
-    std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes that a run deletes first, by volume
+    std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes of leftovers that a run would delete first, by volume
 };
 
-/// Fills the plan of each destination, and the troubles of its outcome. A trouble of one destination stops no other.
-/// Throws Failure if the source cannot be listed or the user stops.
+/// Fills the plan of each destination, and the troubles of its outcome. A trouble of one destination does not stop the
+/// others. Throws Failure if the source cannot be listed or the user stops.
 IngestPreview PreviewIngest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                             const IngestSettings& inSettings, const std::function<bool()>& inIsStopped);
 
-/// The files and their states, the sums, and the room on each volume.
+/// Prints the files and their states, the sums, and the free space on each volume.
 void PrintPreview(const IngestPreview& inPreview, const std::vector<IngestDestination>& inDestinations);
 
 } // namespace orl

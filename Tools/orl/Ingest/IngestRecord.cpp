@@ -192,7 +192,8 @@ void IngestRecord::RefuseForeign() const
                   + "\" was not created by orl ingest (delete it, or name another manifest with --manifest)");
 }
 
-// A record that cannot be read may hold something, and a foreign file is not ours: both are closed, and stay.
+// An unreadable record may hold entries, and another program may have created the file: in both cases it is closed and
+// kept.
 std::string IngestRecord::ReadText()
 {
     std::string text;

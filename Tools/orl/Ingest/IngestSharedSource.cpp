@@ -227,7 +227,7 @@ struct SharedReading::Impl
         return bytes;
     }
 
-    /// Reads a block that was dropped from memory again.
+    /// Reads a block again that was dropped from memory.
     Block ReadAgain(std::uint64_t inAt, Lock& ioLock)
     {
         ioLock.unlock();

@@ -52,7 +52,7 @@ VerifyOutcome VerifyWithProgress(const std::string& inFolder, const Options& inO
     return VerifyFolder(inFolder, inOptions.mSettings, watcher);
 }
 
-// Each trouble has a line. The last is the program's, with the exit code of the worst.
+// Prints each trouble on its own line; throws the last one as the program's error, with the exit code of the worst.
 void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHasNoAnswer)
 {
     const int worst = inIsStopped ? kExitStopped : WorstExitCode(inTroubles);
@@ -63,7 +63,7 @@ void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHas
         Complain(inTroubles[i].mText);
     }
     if (inHasNoAnswer) {
-        std::_Exit(kExitGone); // the stop of the library might wait for the disk
+        std::_Exit(kExitGone); // stopping the library might wait for the disk
     }
     if (!inTroubles.empty()) {
         throw Failure(inTroubles.back().mText, worst);

@@ -56,7 +56,7 @@ private:
         return ORL::ResultSucceeded(result);
     }
 
-    // The list has neither sizes nor times. It tells empty files from others, and is newer than the files in it.
+    // The list contains neither sizes nor times, but it identifies empty files, and is newer than the files in it.
     void CompareStatus()
     {
         const bool wasEmpty = mFile.mListed == kDigestOfNothing;
@@ -111,7 +111,7 @@ private:
         }
     }
 
-    // An ordinary open reports the reason, which an unbuffered one does not.
+    // A buffered open reports the reason of the failure, which an unbuffered open does not.
     std::string WhyUnreadable() const
     {
         ORL::File file;

@@ -17,8 +17,8 @@ struct VerifyContext
     std::function<void(std::size_t inBytes)> mPass; // called on any thread, after each block; may throw
 };
 
-/// Sets the state of a file, and what belongs to it. outIdentity is that of the file, if there is one. Throws NoAnswer,
-/// and what mPass throws.
+/// Sets the state of a file and its related members. outIdentity receives the identity of the file, if it exists.
+/// Throws NoAnswer, and the exceptions of mPass.
 void VerifyFile(VerifiedFile& ioFile, const VerifyContext& inContext, EntryIdentity& outIdentity);
 
 } // namespace orl

@@ -32,7 +32,7 @@ struct Stopped
 {
 };
 
-// A folder is listed by the code of an ingest, whose messages begin with that command.
+// Replaces the command in a message: the code that lists folders is that of ingest.
 std::string OfVerify(const std::string& inText)
 {
     constexpr char kIngest[] = "ingest: ";
@@ -115,7 +115,7 @@ private:
         }
     }
 
-    // A name may have several lines. Its file can match only if all of them agree.
+    // A name may have several lines in the list. The file can match only if all these lines agree.
     void TakeUp(const VerifyList::Line& inLine)
     {
         VerifiedFile file;
@@ -208,7 +208,7 @@ private:
                 const std::lock_guard<std::mutex> lock(mMutex);
                 mOtherSpellings.insert(identity);
             }
-        } catch (const Stopped&) { // neither right nor wrong
+        } catch (const Stopped&) { // the file counts as neither verified nor changed
         } catch (const NoAnswer& failure) {
             mHasNoAnswer = true;
             End(std::string(failure.what()).substr(sizeof("verify:")), kExitGone);
@@ -217,7 +217,7 @@ private:
         }
     }
 
-    // Several files may encounter this; only the first reports it.
+    // Several files may encounter this failure; only the first reports it.
     void End(const std::string& inText, int inExitCode)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -226,7 +226,7 @@ private:
         }
     }
 
-    // A volume that ignores case may show a listed file under another spelling.
+    // A volume that ignores case may list a file in a different case than the checksum list.
     void AddNewFiles()
     {
         for (const ListedFile& file : mListing.mFiles) {
@@ -262,7 +262,7 @@ private:
     std::atomic<std::uint64_t> mBytesRead{0};
     std::atomic<std::size_t> mDone{0};
     std::atomic<std::size_t> mNext{0};
-    std::mutex mMutex; // guards all below while the threads run
+    std::mutex mMutex; // guards all members below while the threads run
     std::condition_variable mChanged;
     unsigned mLeft = 0;
     std::vector<IngestTrouble> mTroubles;

@@ -21,28 +21,28 @@ struct VerifySettings
 struct VerifiedFile
 {
     enum State {
-        kNotChecked, // the run ended before
-        kVerified,   // the SHA-256 on the disk is the listed one
+        kNotChecked, // the run ended before the file was checked
+        kVerified,   // the SHA-256 on the disk equals the listed SHA-256
         kPresent,    // --quick: nothing contradicts the list
         kChanged,
         kMissing,
         kUnreadable,
-        kNew, // not in the list
+        kNew, // the file is not in the list
     };
 
     std::string mName; // below the folder, "/" between folders, as bytes of the host
     State mState = kNotChecked;
     std::uint64_t mSize = 0;
     std::string mListed; // SHA-256; empty for a new file
-    std::string mDigest; // on the disk; empty if the file was not read to its end
-    std::string mReason; // of a change, or why the file cannot be read
+    std::string mDigest; // SHA-256 on the disk; empty if the file was not read to its end
+    std::string mReason; // the reason of a change, or why the file cannot be read
 };
 
 struct VerifyOutcome
 {
     std::string mShownFolder;
     std::vector<VerifiedFile> mFiles;     // by name
-    std::vector<IngestTrouble> mTroubles; // of the list and the folder, not of one listed file
+    std::vector<IngestTrouble> mTroubles; // troubles of the list and the folder, not of one listed file
     std::uint64_t mBytesRead = 0;
     double mSeconds = 0;
     bool mIsStopped = false;
@@ -60,8 +60,8 @@ struct VerifyWatcher
     std::function<void(std::uint64_t inBytesRead, std::size_t inFilesDone)> mShow;
 };
 
-/// Changes nothing in the folder. Requires a started library. Does not throw Failure: what prevents the work is a
-/// trouble of the outcome.
+/// Changes nothing in the folder. Requires a started library. Does not throw Failure: each error is a trouble of the
+/// outcome.
 VerifyOutcome VerifyFolder(const std::string& inFolder, const VerifySettings& inSettings,
                            const VerifyWatcher& inWatcher);
 

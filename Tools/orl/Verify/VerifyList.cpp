@@ -38,7 +38,7 @@ public:
             length += count;
             text.append(block.data(), count);
             TakeWholeLines(text);
-            if (text.size() > kLongestLine || length > kLargest) { // it may grow while it is read
+            if (text.size() > kLongestLine || length > kLargest) { // the list may grow while it is read
                 Refuse("is no list of SHA-256 sums");
             }
         }
@@ -146,7 +146,7 @@ try {
         at = end + 1;
     }
     return name;
-} catch (const std::exception&) { // the bytes are no name on this system
+} catch (const std::exception&) { // the bytes are not a valid name on this system
     return std::string();
 }
 

@@ -1,4 +1,4 @@
-// A list of checksums as sha256sum writes it. Anybody may have written it.
+// A list of checksums as sha256sum writes it. Any program may have written the list.
 #pragma once
 
 #include "Ingest/IngestRoots.h"
@@ -18,12 +18,12 @@ struct VerifyList
     };
 
     std::vector<Line> mLines;
-    std::size_t mOtherLines = 0; // checksums of another kind or form
+    std::size_t mOtherLines = 0; // checksums of another algorithm or format
     EntryStatus mStatus;         // of the file
 };
 
-/// Reads the list of that name in a folder. Throws Failure if it is missing, a link or no list of checksums, or too
-/// long; the memory needed does not grow with the length of other files.
+/// Reads the list of that name in a folder. Throws Failure if the list is missing, is a link, is not a list of
+/// checksums, or is too long. A large file that is not a list needs little memory.
 VerifyList ReadVerifyList(const IngestRoots& inRoots, const std::string& inName);
 
 /// Returns the name with "/" between folders and without "." parts, or an empty text if it does not name a file below

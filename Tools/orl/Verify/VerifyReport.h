@@ -1,4 +1,4 @@
-// What a verification shows at its end.
+// The output at the end of a verification.
 #pragma once
 
 #include "VerifyFolder.h"
@@ -8,20 +8,20 @@
 
 namespace orl {
 
-// Exit codes beside those of ingest.
+// Exit codes in addition to those of ingest.
 inline constexpr int kExitMissing = 10; // a listed file is missing
 inline constexpr int kExitNew = 11;     // a file is not in the list
 
-/// One line of totals for each folder.
+/// Prints one line of totals for each folder.
 void PrintTotals(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes);
 
-/// One JSON object on a line for each file, and one with the totals after the files of each folder.
+/// Prints one JSON object per line for each file, and one with the totals after the files of each folder.
 void PrintJsonLines(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes);
 
 /// Returns a line for each file that is not as listed, and for each trouble of a folder, in the order of folders.
 std::vector<IngestTrouble> TroublesOf(const std::vector<VerifyOutcome>& inOutcomes);
 
-/// Returns the exit code of the worst of them; 0 if there is none.
+/// Returns the exit code of the worst trouble; 0 if the list is empty.
 int WorstExitCode(const std::vector<IngestTrouble>& inTroubles);
 
 } // namespace orl
