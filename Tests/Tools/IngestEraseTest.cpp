@@ -1,4 +1,5 @@
-// "Safe to erase the source": only if every file is at enough destinations and the source is as it was.
+// Tests that "Safe to erase the source" appears only if every file is at enough destinations and the source is
+// unchanged.
 #include <IngestDestinationsSupport.h>
 
 #include <IngestErase.h>
@@ -29,7 +30,8 @@ protected:
             .mLine;
     }
 
-    /// Runs to two destinations, and does something to the source when the last file is in place at the first one.
+    /// Runs to two destinations, and calls a function that changes the source when the last file is in place at the
+    /// first destination.
     std::string LineAfter(const std::function<void()>& inWork)
     {
         const OnStep change = Once(IngestStep::kInPlace, "c", inWork);

@@ -1,4 +1,4 @@
-// orl ingest --dry-run: shows what a run would do, and changes nothing.
+// Tests that orl ingest --dry-run shows what a run would do, and changes nothing.
 #include <IngestTestSupport.h>
 #include <ProcessRunner.h>
 
@@ -19,7 +19,7 @@ bool Shows(const std::string& inText, const std::string& inPart)
     return inText.find(inPart) != std::string::npos;
 }
 
-/// Contents and last-write times of everything in a folder, the folders' own times among them.
+/// Contents and last-write times of everything in a folder, including the times of folders.
 std::map<std::string, std::pair<std::string, fs::file_time_type>> Snapshot(const fs::path& inFolder)
 {
     std::map<std::string, std::pair<std::string, fs::file_time_type>> all;

@@ -1,5 +1,5 @@
-// orl verify with properties that only Linux has: coreutils as the writer of the list, any byte in a name, links and
-// pipes, permissions, and signals before any system call.
+// Runs orl verify with properties that only Linux has: coreutils as the writer of the list, any byte in a name, links
+// and pipes, permissions, and signals before any system call.
 #include <VerifyTestSupport.h>
 
 #include <TracedRunLinux.h>
@@ -25,7 +25,7 @@ class OrlVerifyOnLinux : public VerifiedTree
 protected:
     std::string Errors() const { return (mFolder.Host() / "errors").string(); }
 
-    /// Returns the exit code of the program traced, -1 if processes cannot be traced here. outCalls is the number of
+    /// Returns the exit code of the program traced, or -1 if tracing is not possible. outCalls is the number of
     /// its system calls in the folder.
     int RunTraced(int inSignalAt, int inSignal, int& outCalls) const
     {
@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-// Every byte that a name may contain, in a list that coreutils wrote.
+// Verifies names with every byte that a name may contain, in a list that coreutils wrote.
 TEST_F(OrlVerifyOnLinux, AwkwardNamesInAListOfCoreutils_AreVerified)
 {
     for (int byte = 1; byte < 256; ++byte) {
@@ -109,7 +109,7 @@ TEST_F(OrlVerifyOnLinux, FilesAndFoldersWithoutAccess_AreUnreadable)
     fs::permissions(Disk() / "CLIP/deep", fs::perms::all);
 }
 
-// What is not read is not called missing or changed.
+// Files that cannot be read are not reported as missing or changed.
 TEST_F(OrlVerifyOnLinux, AStopBeforeAnyCall_ReportsNothingFalse)
 {
     int calls = 0;

@@ -1,4 +1,4 @@
-// orl verify, run as a user runs it.
+// Runs orl verify as a user does.
 #include <VerifyTestSupport.h>
 
 #include <chrono>
@@ -41,7 +41,7 @@ TEST_F(OrlVerify, EachDestinationOfAnIngest_IsVerified)
     EXPECT_TRUE(Shows(result.mOutput, "\"" + other + "\": 5 files verified")) << result.mOutput;
 }
 
-// One bit in each block, and in the last byte; neither size nor time changes.
+// Flips one bit in each block, and one in the last byte; neither size nor time changes.
 TEST_F(OrlVerify, OneBitThatFlipped_IsFound)
 {
     const fs::path file = Disk() / "CLIP/clip.mov";
@@ -120,7 +120,7 @@ TEST_F(OrlVerify, Quick_ReadsNothing)
     EXPECT_EQ(kVerifyChanged, Verify().mExitCode);
 }
 
-// Lists are written by other programs too.
+// Tests lists in the forms that other programs write.
 TEST_F(OrlVerify, ListsOfOtherPrograms_AreUnderstood)
 {
     std::string digest = ReferenceSha256("abc");

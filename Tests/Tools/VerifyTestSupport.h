@@ -48,7 +48,7 @@ protected:
         return "\"" + inFolder.u8string() + separator + inName + "\"";
     }
 
-    /// Writes the list of what is there now.
+    /// Writes the list of the files that exist now.
     void WriteList() const
     {
         std::filesystem::remove(Disk() / kManifest);

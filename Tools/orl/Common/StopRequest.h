@@ -3,11 +3,11 @@
 
 namespace orl {
 
-/// From now on these signals set a flag instead of ending the process. A signal that was ignored at the start stays
+/// After this call these signals set a flag instead of ending the process. A signal that was ignored at the start stays
 /// ignored, because nohup and shells rely on it.
 void ListenForStop();
 
-/// Returns whether one of them has arrived. Thread-safe.
+/// Returns whether one of these signals has arrived. Thread-safe.
 bool IsStopRequested();
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// Whether the source may be erased after an ingest.
+// Decides whether the source may be erased after an ingest.
 #pragma once
 
 #include "IngestDestinations.h"
