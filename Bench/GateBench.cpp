@@ -17,7 +17,7 @@ namespace {
 
 /// A ping-pong between two threads, with one gate or condition variable for each direction.
 template <class Door>
-struct Court
+struct PingPong
 {
     Door mThere;
     Door mBack;
@@ -129,15 +129,15 @@ void OpenGates()
 
 void SleepersWoken()
 {
-    Court<GateDoor> gates;
-    Court<ConditionDoor> conditions;
+    PingPong<GateDoor> gates;
+    PingPong<ConditionDoor> conditions;
     Bench::Group("gate: a sleeper woken, ping-pong of two, 2 processors")
         .Threads(2)
         .Ours("WaitableGate", Bench::AtMost(1.05), [&](std::uint64_t n, unsigned thread) { gates.Play(n, thread); })
         .Peer("boost::condition_variable", [&](std::uint64_t n, unsigned thread) { conditions.Play(n, thread); })
         .Run();
-    Court<EventDoor> events;
-    Court<SemaphoreDoor> semaphores;
+    PingPong<EventDoor> events;
+    PingPong<SemaphoreDoor> semaphores;
     Bench::Group("waitable object: a sleeper woken, ping-pong of two, 2 processors")
         .Threads(2)
         .Ours("WaitableObject", Bench::AtMost(1.1), [&](std::uint64_t n, unsigned thread) { events.Play(n, thread); })

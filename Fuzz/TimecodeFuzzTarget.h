@@ -89,7 +89,7 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
 /// Returns whether, by the rules, the text of a time with its sign and all fields must parse to the same time: whole
 /// frames of the format's rate, within a day. The longest padding of samples and a rate that differs from the format's
 /// do not affect labels, but frames that overflow a slower rate would carry.
-inline bool ComesBack(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)
+inline bool RoundTrips(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)
 {
     using namespace tvxmediatypes;
     const TickTime day(86400.0);
@@ -133,7 +133,7 @@ inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t in
     ORL::Timecode::Style whole;
     whole.mShowSign = true;
     const ORL::Timecode shown(time, input.mRate, input.mDisplay, whole);
-    if (ComesBack(input, time)
+    if (RoundTrips(input, time)
         && ORL::Timecode::StringToTime(shown.GetString(), input.mRate, input.mDisplay, false) != time) {
         return "the text of a time reads as another time";
     }

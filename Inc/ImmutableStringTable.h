@@ -4,7 +4,7 @@
 
 #include <ImmutableStringRecord.h>
 #include <ORLCriticalSection.h>
-#include <SharedVisits.h>
+#include <ReaderSlots.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <atomic>
@@ -17,10 +17,10 @@ namespace ORL {
 /// An ordered set of records, with a hash index that finds texts without a search of the set: with a million texts the
 /// search costs twenty cache misses, the index one or two.
 ///
-/// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only a visit
-/// (SharedVisits). The table excludes visitors before it frees a record or index entry that they may access. So only a
-/// thread that holds the guard can find a record whose count is 0 again, and a purge reads the counts while no visitor
-/// can find the records.
+/// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only read
+/// access (ReaderSlots). The table excludes readers before it frees a record or index entry that they may access. So
+/// only a thread that holds the guard can find a record whose count is 0 again, and a purge reads the counts while no
+/// reader can find the records.
 class ImmutableStringTable
 {
 public:
@@ -46,7 +46,7 @@ public:
     /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
     /// since the guard may belong to a thread that the system has stopped: if the table is in use, frees nothing. On
     /// unload the table is not in use.
-    void FreeWhatNobodyHolds();
+    void FreeUnreferenced();
 
     /// Returns the number of records in the table.
     std::size_t GetCount() const;
@@ -78,7 +78,7 @@ private:
     /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use. It
     /// holds the text's address, so that a hit need not access the record. The size is half a cache line; a search
     /// begins at the first of the two slots of a line.
-    struct alignas(32) Place
+    struct alignas(32) Slot
     {
         const unsigned char* mText;
         std::size_t mSize;
@@ -87,46 +87,46 @@ private:
     };
 
     /// The slots, in whole pages from the system: initially zero, and large tables may get huge pages.
-    class Places
+    class Slots
     {
     public:
-        Places() = default;
-        explicit Places(std::size_t inCount);
-        ~Places();
-        Places(const Places&) = delete;
-        Places& operator=(const Places&) = delete;
+        Slots() = default;
+        explicit Slots(std::size_t inCount);
+        ~Slots();
+        Slots(const Slots&) = delete;
+        Slots& operator=(const Slots&) = delete;
 
-        void Swap(Places& ioOther) noexcept;
+        void Swap(Slots& ioOther) noexcept;
         std::size_t Count() const noexcept { return mCount; }
-        Place& operator[](std::size_t inAt) const noexcept { return mPlaces[inAt]; }
-        Place* begin() const noexcept { return mPlaces; }
-        Place* end() const noexcept { return mPlaces + mCount; }
+        Slot& operator[](std::size_t inAt) const noexcept { return mSlots[inAt]; }
+        Slot* begin() const noexcept { return mSlots; }
+        Slot* end() const noexcept { return mSlots + mCount; }
 
     private:
-        Place* mPlaces = nullptr;
+        Slot* mSlots = nullptr;
         std::size_t mCount = 0;
     };
 
     static Key KeyOf(const unsigned char* inText);
-    static std::size_t HomeOf(const Places& inIndex, std::uint64_t inHash);
+    static std::size_t FirstSlotOf(const Slots& inIndex, std::uint64_t inHash);
     static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
     static void FreeRecord(Record* inRecord);
 
-    Record* EnterAsVisitor(const Key& inKey);
+    Record* EnterAsReader(const Key& inKey);
     Record* EnterUnderGuard(const Key& inKey, bool inIsStatic);
     Record* Find(const Key& inKey) const;
     Record* FindFrom(std::size_t inAt, const Key& inKey) const;
-    static Record* RecordAt(const Place& inPlace, const Key& inKey);
+    static Record* RecordAt(const Slot& inSlot, const Key& inKey);
     Record* Add(const Key& inKey, bool inIsStatic) TVXCORE_REQUIRES(mGuard);
-    void MakeRoomInIndex() TVXCORE_REQUIRES(mGuard);
-    static void AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey);
+    void GrowIndexIfNeeded() TVXCORE_REQUIRES(mGuard);
+    static void AddToIndex(const Slots& ioIndex, Record* inRecord, const Key& inKey);
     bool RemoveUnused(bool inStaticToo) TVXCORE_REQUIRES(mGuard);
     void RebuildIndex() TVXCORE_REQUIRES(mGuard);
 
     const CriticalSection& mGuard;
     Records mRecords TVXCORE_GUARDED_BY(mGuard);
-    Places mIndex; // changed under the guard; visits may read its slots
-    SharedVisits mVisits;
+    Slots mIndex; // changed under the guard; visits may read its slots
+    ReaderSlots mReaders;
 };
 
 } // namespace ORL

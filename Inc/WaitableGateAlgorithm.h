@@ -33,9 +33,9 @@ public:
     /// Same as Wait(-1), but spins longer before it sleeps: the threads that will open the gate are expected soon, but
     /// may have to be woken first.
     template <class Gate>
-    static Result WaitPatiently(Gate& ioGate)
+    static Result WaitWithLongSpin(Gate& ioGate)
     {
-        return IsOpen(ioGate) ? kSuccess : WaitAsleep(ioGate, kEndless, Policy::PatientTurns());
+        return IsOpen(ioGate) ? kSuccess : WaitAsleep(ioGate, kEndless, Policy::LongSpinTurns());
     }
 
     template <class Gate>
@@ -115,13 +115,13 @@ private:
             if (!SleepOnce(ioGate, lock, inMilliseconds)) {
                 return kWaitTimeout;
             }
-        } while (IsStillShut(ioGate, generation));
+        } while (IsStillClosed(ioGate, generation));
         return kSuccess;
     }
 
     // Does not test the flag: a gate that is closed again immediately still releases its waiters.
     template <class Gate>
-    static bool IsStillShut(Gate& ioGate, std::uint32_t inGeneration)
+    static bool IsStillClosed(Gate& ioGate, std::uint32_t inGeneration)
     {
         return Policy::Keeps(Step::kGateGenerationEndsSleep) ? Policy::Read(ioGate.mGeneration) == inGeneration
                                                              : !IsOpen(ioGate);

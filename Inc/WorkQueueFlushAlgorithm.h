@@ -28,15 +28,15 @@ public:
     static void Claim(Flush& ioFlush, std::uint32_t inThreads)
     {
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
-            GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
+            GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
             // Between the claim of another flush and its closing of the gate, the gate is still open, so Wait returns
             // at once. Threads that retry without a pause would take the processors from that flush and from its items.
-            if (Policy::Keeps(Step::kFlushGivesWay)) {
-                Policy::GiveWay(turn);
+            if (Policy::Keeps(Step::kFlushYields)) {
+                Policy::YieldOrSleep(turn);
             }
         }
         // The object becomes claimable before the previous flush is over: its items may still be leaving.
-        if (Policy::Keeps(Step::kFlushWaitsForTheEarlierOne)) {
+        if (Policy::Keeps(Step::kFlushWaitsForPrevious)) {
             WaitForAll(ioFlush);
         }
         ioFlush.mArrivalGate.Close();
@@ -49,14 +49,14 @@ public:
     static void Process(Flush& ioFlush)
     {
         if (!Arrive(ioFlush)) {
-            GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
+            GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
         }
         Depart(ioFlush);
     }
 
     /// Replaces an item that could not be queued, so that the others do not wait for it.
     template <class Flush>
-    static void MakeUpForMissingItem(Flush& ioFlush)
+    static void CountMissingItem(Flush& ioFlush)
     {
         Arrive(ioFlush);
         Depart(ioFlush);
@@ -66,8 +66,8 @@ public:
     template <class Flush>
     static void WaitForAll(Flush& ioFlush)
     {
-        GateAlgorithm::WaitPatiently(ioFlush.mArrivalGate);
-        GateAlgorithm::WaitPatiently(ioFlush.mDepartureGate);
+        GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
+        GateAlgorithm::WaitWithLongSpin(ioFlush.mDepartureGate);
     }
 
 private:

@@ -50,7 +50,7 @@ public:
     void Lock()
     {
         const std::uintptr_t self = ThisThread();
-        if (__builtin_expect(LooksFirst(), 0) && TakeAgain(self)) {
+        if (__builtin_expect(ChecksOwnerFirst(), 0) && TakeAgain(self)) {
             return;
         }
         ORL_TELL_SANITIZER(__tsan_mutex_pre_lock(this, __tsan_mutex_linker_init));
@@ -63,7 +63,7 @@ public:
     bool TryLock()
     {
         const std::uintptr_t self = ThisThread();
-        if (LooksFirst() && TakeAgain(self)) {
+        if (ChecksOwnerFirst() && TakeAgain(self)) {
             return true;
         }
         ORL_TELL_SANITIZER(__tsan_mutex_pre_lock(this, __tsan_mutex_try_lock));
@@ -94,7 +94,7 @@ private:
     static constexpr std::uintptr_t kSleepers = 1;
 
     // Number of lock operations, after a recursive one, that test for recursion first.
-    static constexpr std::uint32_t kLooks = 8;
+    static constexpr std::uint32_t kOwnerChecks = 8;
 
     // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. A
     // forked child keeps the address of its thread, so it still owns the locks that this thread owned.
@@ -111,25 +111,25 @@ private:
     }
 
     // The sanitizer must be notified before each acquisition, except a recursive one.
-    bool LooksFirst() const
+    bool ChecksOwnerFirst() const
     {
-        return ORL_THREAD_SANITIZER || mLooks.load(std::memory_order_relaxed) != 0;
+        return ORL_THREAD_SANITIZER || mOwnerChecks.load(std::memory_order_relaxed) != 0;
     }
 
     // Locks recursively if the thread is the owner. Returns whether the thread is the owner.
     bool TakeAgain(std::uintptr_t inSelf)
     {
         const std::uintptr_t holder = Holder();
-        const std::uint32_t looks = mLooks.load(std::memory_order_relaxed);
+        const std::uint32_t checks = mOwnerChecks.load(std::memory_order_relaxed);
         if (holder == inSelf) {
             ++mDepth;
-            if (looks != kLooks) {
-                mLooks.store(kLooks, std::memory_order_relaxed);
+            if (checks != kOwnerChecks) {
+                mOwnerChecks.store(kOwnerChecks, std::memory_order_relaxed);
             }
             return true;
         }
-        if (holder == 0 && looks != 0) {
-            mLooks.store(looks - 1, std::memory_order_relaxed);
+        if (holder == 0 && checks != 0) {
+            mOwnerChecks.store(checks - 1, std::memory_order_relaxed);
         }
         return false;
     }
@@ -146,7 +146,7 @@ private:
 
     std::atomic<std::uintptr_t> mWord{0};
     std::uint32_t mDepth = 0;             // recursive locks by the owner; only the owner accesses it
-    std::atomic<std::uint32_t> mLooks{0}; // lock operations that still test first; a hint that any thread may write
+    std::atomic<std::uint32_t> mOwnerChecks{0}; // lock operations that still test first; a hint that any thread may write
 };
 
 } // namespace Internal

@@ -15,7 +15,7 @@ constexpr char kDefaultVersion[] = "1.0";
 
 // Memory inside the library, which needs no release on unload. Text that does not fit is allocated from the heap and
 // never freed, since a thread may use a returned text until the process exits.
-class TextRoom
+class TextStorage
 {
 public:
     // Throws std::bad_alloc.
@@ -39,7 +39,7 @@ private:
     alignas(kAlignment) unsigned char mBytes[kSize] = {};
 };
 
-TextRoom sRoom;
+TextStorage sStorage;
 
 // A value that is read without a lock. It keeps every text that it has ever had, since readers may still use any of
 // them. It is constant-initialised, so a host may set it before this library's static construction, and has no
@@ -82,7 +82,7 @@ private:
             }
         }
         const std::size_t size = std::strlen(inText) + 1;
-        void* const block = sRoom.Allocate(sizeof(Node) + size);
+        void* const block = sStorage.Allocate(sizeof(Node) + size);
         std::memcpy(static_cast<unsigned char*>(block) + sizeof(Node), inText, size);
         Node* const node = ::new (block) Node{newest};
         while (!mTexts.compare_exchange_weak(node->mNext, node, std::memory_order_acq_rel)) {
@@ -95,7 +95,7 @@ private:
     std::atomic<const Node*> mTexts{nullptr};
 };
 
-static_assert(std::is_trivially_destructible_v<HostText> && std::is_trivially_destructible_v<TextRoom>);
+static_assert(std::is_trivially_destructible_v<HostText> && std::is_trivially_destructible_v<TextStorage>);
 
 HostText sName{kDefaultName};
 HostText sVersion{kDefaultVersion};

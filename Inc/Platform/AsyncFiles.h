@@ -43,7 +43,7 @@ struct Completion
 {
     Overlapped* mOverlapped;  // null for an empty packet
     std::uint32_t mBytesRead; // 0 for a read that failed
-    SystemError mRefusal = SystemErrors::kNoError; // the failure of a start, if detected late
+    SystemError mStartError = SystemErrors::kNoError; // the failure of a start, if detected late
 };
 
 /// Creates a port that one thread at a time drains. Returns 0, or the system error with a null port.
@@ -83,13 +83,13 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile);
 /// other number: the read was not started, and no completion will arrive. Returns 87 if position, size or address is
 /// not a multiple of the alignment, 998 if the buffer is null and the size is not 0, and on some platforms 38 for a
 /// read that starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails
-/// with 998, here or in the completion's mRefusal. A read across the end returns fewer bytes.
+/// with 998, here or in the completion's mStartError. A read across the end returns fewer bytes.
 ///
 /// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);
 
 /// Maximum number of delayed reads.
-inline constexpr std::size_t kMostReadsHeldBack = 32;
+inline constexpr std::size_t kMaxBatchedReads = 32;
 
 /// Submits the delayed reads to the system. Returns how many reads the system refused, with the reason in outError;
 /// these are the newest reads started since the last call. A delayed read may complete before this call if a packet is

@@ -15,8 +15,8 @@
 //   StlAllocator<T>       the allocator of containers
 //   Pause, SpinTurns      one turn of a spin, and the number of turns for an event that is expected at once: 0 if
 //                         spinning is useless, as on one processor
-//   PatientTurns          the number of turns if the event depends on threads that may have to be woken first
-//   GiveWay               yields before a retry, after several tries also to threads of lower priority; takes the
+//   LongSpinTurns         the number of turns if the event depends on threads that may have to be woken first
+//   YieldOrSleep               yields before a retry, after several tries also to threads of lower priority; takes the
 //                         number of earlier tries
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
@@ -48,8 +48,8 @@ enum class Step {
     kRequestPoolClaims,         // a record is claimed by compare-and-set, not by a load and a store
     kBusyListOpensGate,         // the removal of the last request opens the gate
     kBusyListCountsWaiters,     // only the last waiter returns the gate
-    kFlushWaitsForTheEarlierOne, // after its claim a flush waits until the items of the previous one have left
-    kFlushGivesWay,              // a flush that cannot claim the object yields before it retries
+    kFlushWaitsForPrevious, // after its claim a flush waits until the items of the previous one have left
+    kFlushYields,              // a flush that cannot claim the object yields before it retries
 };
 
 struct SystemPolicy
@@ -118,8 +118,8 @@ struct SystemPolicy
 
     static void Pause(int inTurn);
     static int SpinTurns();
-    static int PatientTurns();
-    static void GiveWay(int inTurn);
+    static int LongSpinTurns();
+    static void YieldOrSleep(int inTurn);
     static void SleepMilliseconds(int inMilliseconds);
 
     using Gate = WaitableGate;

@@ -43,14 +43,14 @@ void FailToStart(AsyncReadRequest& ioRequest, SystemError inError)
 }
 
 // Reads started in quick succession, submitted to the system together. Only the executor's thread uses it.
-class HeldBackReads
+class ReadBatch
 {
 public:
     /// Returns true if the list is full.
     bool Add(AsyncReadRequest& ioRequest)
     {
         mRequests[mCount++] = &ioRequest;
-        return mCount == kMostReadsHeldBack;
+        return mCount == kMaxBatchedReads;
     }
 
     void Submit()
@@ -68,11 +68,11 @@ public:
     }
 
 private:
-    AsyncReadRequest* mRequests[kMostReadsHeldBack] = {};
+    AsyncReadRequest* mRequests[kMaxBatchedReads] = {};
     std::size_t mCount = 0;
 };
 
-HeldBackReads sHeldBack;
+ReadBatch sReadBatch;
 
 // A lower bound for the number of starts that the executor holds. It is incremented only after the executor has
 // accepted a start, so while it is above zero another start will run, and a held-back read will be submitted.
@@ -84,8 +84,8 @@ void DrainPort(void* inPort)
     Completion completion{};
     while (GetCompletion_Impl(inPort, completion) && completion.mOverlapped != nullptr) {
         AsyncReadRequest& request = *reinterpret_cast<AsyncReadRequest*>(completion.mOverlapped);
-        if (completion.mRefusal != SystemErrors::kNoError) {
-            FailToStart(request, completion.mRefusal);
+        if (completion.mStartError != SystemErrors::kNoError) {
+            FailToStart(request, completion.mStartError);
         } else {
             Finish(request, completion.mBytesRead);
         }
@@ -122,15 +122,15 @@ void CountQueuedStart()
     sQueuedStarts.fetch_add(1, std::memory_order_relaxed);
 }
 
-void StartOfRead::operator()() const
+void ReadStart::operator()() const
 {
     const SystemError error = StartRead_Impl(mFile, mRequest->mBuffer, mRequest->mSize, &mRequest->mOverlapped);
     const bool isStarted = error == SystemErrors::kNoError || error == SystemErrors::kErrorIoPending;
     // Once submitted, the read completes through the port, and its request may already be freed.
-    const bool isFull = isStarted && sHeldBack.Add(*mRequest);
+    const bool isFull = isStarted && sReadBatch.Add(*mRequest);
     const bool moreFollow = sQueuedStarts.fetch_sub(1, std::memory_order_relaxed) > 1;
     if (!isStarted || isFull || !moreFollow) {
-        sHeldBack.Submit();
+        sReadBatch.Submit();
     }
     if (!isStarted) {
         FailToStart(*mRequest, error);

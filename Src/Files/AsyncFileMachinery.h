@@ -17,7 +17,7 @@ extern Platform::Handle sCompletionPort;
 extern boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue;
 
 /// The start of one read, as queued in the executor: small enough that a boost::function stores it without allocating.
-struct StartOfRead
+struct ReadStart
 {
     Platform::Handle mFile;
     AsyncReadRequest* mRequest;
@@ -25,7 +25,7 @@ struct StartOfRead
     void operator()() const;
 };
 
-/// Must be called for each StartOfRead, after the executor has accepted it.
+/// Must be called for each ReadStart, after the executor has accepted it.
 void CountQueuedStart();
 
 } // namespace AsyncFiles

@@ -127,7 +127,7 @@ int AsyncFileReader::QueueReadRequest(unsigned __int64 inPosition, unsigned int 
     if (sReadThreadQueue == nullptr) {
         return kBareFailure;
     }
-    const boost::function<void()> start = StartOfRead{mImpl->mFileHandle, request};
+    const boost::function<void()> start = ReadStart{mImpl->mFileHandle, request};
     if (sReadThreadQueue->QueueFunction(start, 0)) {
         CountQueuedStart();
     }

@@ -125,14 +125,14 @@ private:
     // Queries an unknown kind. Only an entry of unknown kind can be a link that leads back to an open level.
     bool EnterEntry()
     {
-        if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && LeadsBack())) {
+        if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && IsCycle())) {
             return false;
         }
         Suspend_Impl(*mLevels.back().mListing);
         return Enter(mPath, mEntry.mKind);
     }
 
-    bool LeadsBack() const
+    bool IsCycle() const
     {
         return std::any_of(mLevels.rbegin(), mLevels.rend(),
                            [this](const Level& inLevel) { return IsSameDirectory_Impl(mPath, inLevel.mPath); });

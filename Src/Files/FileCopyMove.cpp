@@ -17,7 +17,7 @@ struct Progress
     void* mData;
 };
 
-bool TellProgress(std::uint64_t inTotal, std::uint64_t inTransferred, void* inProgress)
+bool ReportProgress(std::uint64_t inTotal, std::uint64_t inTransferred, void* inProgress)
 {
     if (inProgress == nullptr) {
         return false;
@@ -61,7 +61,7 @@ Result File::CopyWithProgress(const UTF16String& inSource, const UTF16String& in
                               bool (*inCallback)(float, void*), void* inData)
 {
     Progress progress{inCallback, inData};
-    return ResultOfCopy(CopyFile_Impl(inSource, inDestination, &TellProgress, &progress));
+    return ResultOfCopy(CopyFile_Impl(inSource, inDestination, &ReportProgress, &progress));
 }
 
 Result File::Move(const UTF16String& inSource, const UTF16String& inDestination)

@@ -34,7 +34,7 @@ Result File::SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRe
     const UTF16String backup = PathUtils::ToNormalizedPath(MakeUniqueTempPath(inRealPath));
     // A backup that cannot be deleted stays on disk; the swap still succeeds.
     return ResultOf(ReplaceFile_Impl(PathUtils::ToNormalizedPath(inRealPath), PathUtils::ToNormalizedPath(inTempPath),
-                                     backup, BackupEnd::kIsDeleted));
+                                     backup, BackupDisposition::kDelete));
 }
 
 UTF16String File::MakeUniqueTempPath(const UTF16String& inPath)

@@ -165,13 +165,13 @@ bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEn
 std::size_t RootLength(const UTF16String& inPath)
 {
     if (IsUNC(inPath)) {
-        const std::size_t behindServer = inPath.find('\\', 2);
-        if (behindServer == UTF16String::npos) {
+        const std::size_t afterServer = inPath.find('\\', 2);
+        if (afterServer == UTF16String::npos) {
             return inPath.size();
         }
-        const std::size_t shareEnd = std::min(inPath.find('\\', behindServer + 1), inPath.size());
-        return IsShareName(inPath, behindServer + 1, shareEnd) ? std::min(shareEnd + 1, inPath.size())
-                                                               : behindServer + 1;
+        const std::size_t shareEnd = std::min(inPath.find('\\', afterServer + 1), inPath.size());
+        return IsShareName(inPath, afterServer + 1, shareEnd) ? std::min(shareEnd + 1, inPath.size())
+                                                               : afterServer + 1;
     }
     const std::size_t drive = HasDrive(inPath) ? 2 : 0;
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);

@@ -23,7 +23,7 @@ UTF16String Numbered(UTF16String inName, unsigned int inNumber, const UTF16Strin
 
 // Returns in outDirectory the directory that the relative path starts from or leads to, without its drive. Returns
 // false if nothing follows the drive.
-bool DirectoryBehindDrive(const UTF16String& inPath, UTF16String& outDirectory)
+bool DirectoryAfterDrive(const UTF16String& inPath, UTF16String& outDirectory)
 {
     UTF16String path = inPath;
     tvxcore::utility::ReplaceAllStringInString(path, UTF16String(1, '/'), UTF16String(1, '\\'));
@@ -31,11 +31,11 @@ bool DirectoryBehindDrive(const UTF16String& inPath, UTF16String& outDirectory)
         path.insert(0, TVX_UTF16("C:"));
     }
     path = GetFullDirectoryPart(path);
-    const unsigned short* behindDrive = Platform::FindNextComponent_Impl(path.c_str());
-    if (behindDrive == nullptr) {
+    const unsigned short* afterDrive = Platform::FindNextComponent_Impl(path.c_str());
+    if (afterDrive == nullptr) {
         return false;
     }
-    outDirectory = behindDrive;
+    outDirectory = afterDrive;
     return true;
 }
 
@@ -86,7 +86,7 @@ bool ArePathsRelative(const UTF16String& inFrom, const UTF16String& inTo, UTF16S
     }
     UTF16String from;
     UTF16String to;
-    return DirectoryBehindDrive(inFrom, from) && DirectoryBehindDrive(inTo, to)
+    return DirectoryAfterDrive(inFrom, from) && DirectoryAfterDrive(inTo, to)
            && Platform::RelativePathTo_Impl(from, to, outRelative);
 }
 

@@ -16,15 +16,15 @@ bool BeginsWith(const UTF16String& inPath, const unsigned short* inText)
 UTF16String ServerAndShare(const UTF16String& inPath)
 {
     constexpr std::size_t kServer = 8;
-    const std::size_t behindServer = inPath.find('\\', kServer);
-    if (behindServer == UTF16String::npos || behindServer == kServer) {
+    const std::size_t afterServer = inPath.find('\\', kServer);
+    if (afterServer == UTF16String::npos || afterServer == kServer) {
         return UTF16String();
     }
-    const std::size_t behindShare = inPath.find('\\', behindServer + 1);
-    if (behindShare != UTF16String::npos) {
-        return UTF16String(inPath, 0, behindShare + 1);
+    const std::size_t afterShare = inPath.find('\\', afterServer + 1);
+    if (afterShare != UTF16String::npos) {
+        return UTF16String(inPath, 0, afterShare + 1);
     }
-    return behindServer + 1 < inPath.size() ? PathUtils::AddTrailingSlash(inPath) : UTF16String();
+    return afterServer + 1 < inPath.size() ? PathUtils::AddTrailingSlash(inPath) : UTF16String();
 }
 
 bool IsTwoBackslashes(const UTF16String& inPath)

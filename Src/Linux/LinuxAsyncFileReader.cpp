@@ -68,12 +68,12 @@ bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_
     outCompletion.mOverlapped = &inOverlapped;
     // The kernel checks the buffer only when it fills it; Windows checks it at the start.
     if (inReturned == -EFAULT) {
-        outCompletion.mRefusal = SystemErrors::kErrorNoAccess;
+        outCompletion.mStartError = SystemErrors::kErrorNoAccess;
         return true;
     }
     const bool hasSucceeded = inReturned >= 0;
     outCompletion.mBytesRead = hasSucceeded ? static_cast<std::uint32_t>(inReturned) : 0;
-    if (hasSucceeded && inFile.mGoesThroughCache) {
+    if (hasSucceeded && inFile.mUsesCache) {
         DropPagesOfTransfer(inFile.File(), PositionOf(inOverlapped), outCompletion.mBytesRead);
     }
     return hasSucceeded;
@@ -109,7 +109,7 @@ SystemError OpenDescriptor(const std::string& inHostPath, AsyncFile& outFile)
 {
     Descriptor file = OpenHostFile(inHostPath, O_DIRECT);
     if (!file && errno == EINVAL) {
-        outFile.mGoesThroughCache = true;
+        outFile.mUsesCache = true;
         file = OpenHostFile(inHostPath, 0);
     }
     if (!file) {
@@ -121,7 +121,7 @@ SystemError OpenDescriptor(const std::string& inHostPath, AsyncFile& outFile)
 
 int FlagsOf(const AsyncFile& inFile)
 {
-    return O_RDONLY | (inFile.mGoesThroughCache ? 0 : O_DIRECT);
+    return O_RDONLY | (inFile.mUsesCache ? 0 : O_DIRECT);
 }
 
 // Accepts only files that can be read at any position, and makes their reads blocking.
@@ -143,22 +143,22 @@ SystemError CheckKind(AsyncFile& ioFile)
     return System().mSetFlags(ioFile.File(), FlagsOf(ioFile)) == 0 ? kNoError : SystemErrorFromErrno(errno);
 }
 
-SystemError GoThroughCache(AsyncFile& ioFile)
+SystemError UseCache(AsyncFile& ioFile)
 {
-    ioFile.mGoesThroughCache = System().mSetFlags(ioFile.File(), O_RDONLY) == 0;
-    return ioFile.mGoesThroughCache ? kNoError : SystemErrorFromErrno(errno);
+    ioFile.mUsesCache = System().mSetFlags(ioFile.File(), O_RDONLY) == 0;
+    return ioFile.mUsesCache ? kNoError : SystemErrorFromErrno(errno);
 }
 
 // Unaligned reads fail for every file, as on Windows, even if this file system accepts them.
 SystemError LearnAlignment(AsyncFile& ioFile)
 {
     ioFile.mAlignment = kSmallestSector;
-    if (ioFile.mGoesThroughCache) {
+    if (ioFile.mUsesCache) {
         return kNoError;
     }
     const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), true);
     if (alignment == 0) {
-        return GoThroughCache(ioFile); // the open succeeded, but this file does not support direct reads
+        return UseCache(ioFile); // the open succeeded, but this file does not support direct reads
     }
     ioFile.mAlignment = alignment;
     return kNoError;
@@ -195,7 +195,7 @@ struct Thread
     std::atomic<int> mOwners{2};
 };
 
-void LetGo(Thread* inThread)
+void ReleaseOwner(Thread* inThread)
 {
     if (inThread->mOwners.fetch_sub(1) == 1) {
         delete inThread;
@@ -208,7 +208,7 @@ void* RunThread(void* inThread)
     const char* const name = thread->mName;
     void (*const body)(void*) = thread->mBody;
     void* const argument = thread->mArgument;
-    LetGo(thread);
+    ReleaseOwner(thread);
     ThreadManager::Platform::NameThread_Impl(name);
     body(argument);
     return nullptr;
@@ -271,7 +271,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
 {
     outFile = InvalidHandle();
     HostPath path;
-    SystemError error = ReachHostPath(inNormalizedPath, path);
+    SystemError error = ResolveToUsablePath(inNormalizedPath, path);
     if (error != kNoError) {
         return error;
     }
@@ -377,7 +377,7 @@ void CloseThread_Impl(Handle inThread)
     if (!thread->mIsJoined) {
         ::pthread_detach(thread->mThread);
     }
-    LetGo(thread);
+    ReleaseOwner(thread);
 }
 
 } // namespace Platform

@@ -72,7 +72,7 @@ struct AsyncFile
 {
     ShareHolder mShares;           // owns the file, and registers the reader with the share modes
     bool mIsRegular = false;       // the end of the file is checked, except for block devices
-    bool mGoesThroughCache = false;
+    bool mUsesCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;
 

@@ -65,7 +65,7 @@ public:
 
     int Run()
     {
-        if (!Tell()) {
+        if (!ReportProgress()) {
             return ECANCELED;
         }
         while (!mIsAtEnd) {
@@ -77,7 +77,7 @@ public:
                 return 0;
             }
             mDone += static_cast<std::uint64_t>(moved);
-            if (!Tell()) {
+            if (!ReportProgress()) {
                 return ECANCELED;
             }
         }
@@ -86,7 +86,7 @@ public:
 
 private:
     // The file may have grown since its size was read.
-    bool Tell() const { return mProgress == nullptr || mProgress(std::max(mTotal, mDone), mDone, mData); }
+    bool ReportProgress() const { return mProgress == nullptr || mProgress(std::max(mTotal, mDone), mDone, mData); }
 
     // Returns the bytes moved, 0 at the end, or -1 and errno.
     ssize_t MoveStep()

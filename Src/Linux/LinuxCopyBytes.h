@@ -16,12 +16,12 @@ int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::Copy
               void* inData = nullptr);
 
 /// What happens to attributes that the destination already has.
-enum class AttributesThere { kNone, kAreReplaced, kAreKept };
+enum class ExistingAttributes { kNone, kReplace, kKeep };
 
-/// Copies the user's extended attributes, which correspond to named streams on Windows. kAreReplaced removes all
-/// others; with kAreKept existing attributes of the destination keep their values. Reports no error: a file system
+/// Copies the user's extended attributes, which correspond to named streams on Windows. kReplace removes all
+/// others; with kKeep existing attributes of the destination keep their values. Reports no error: a file system
 /// without attributes, or without space for them, does not make a copy fail.
-void CopyUserAttributes(int inFrom, int inTo, AttributesThere inThere);
+void CopyUserAttributes(int inFrom, int inTo, ExistingAttributes inExisting);
 
 } // namespace Linux
 } // namespace ORL

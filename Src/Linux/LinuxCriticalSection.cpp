@@ -21,7 +21,7 @@ const void* LowHalf(const std::atomic<std::uintptr_t>& inWord)
     return &inWord;
 }
 
-void SleepWhile(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValue)
+void SleepWhileEqual(const std::atomic<std::uintptr_t>& inWord, std::uintptr_t inValue)
 {
     ::syscall(SYS_futex, LowHalf(inWord), FUTEX_WAIT_PRIVATE, static_cast<std::uint32_t>(inValue), nullptr, nullptr, 0);
 }
@@ -64,7 +64,7 @@ void PlatformLock::WaitAndTake(std::uintptr_t inSelf)
         const bool isMarked = (holder & kSleepers) != 0;
         if (holder != 0
             && (isMarked || mWord.compare_exchange_strong(holder, holder | kSleepers, std::memory_order_relaxed))) {
-            SleepWhile(mWord, holder | kSleepers);
+            SleepWhileEqual(mWord, holder | kSleepers);
         }
     }
 }

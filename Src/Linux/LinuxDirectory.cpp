@@ -57,7 +57,7 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
 {
     outListing = nullptr;
     HostPath path;
-    const SystemError error = ReachHostPath(inDirectory, path);
+    const SystemError error = ResolveToUsablePath(inDirectory, path);
     if (error != kNoError) {
         return error;
     }
@@ -122,7 +122,7 @@ namespace {
 bool GetIdentity(const UTF16String& inPath, struct statx& outStatus)
 {
     HostPath path;
-    return ReachHostPath(inPath, path) == kNoError
+    return ResolveToUsablePath(inPath, path) == kNoError
            && System().mStatx(AT_FDCWD, path.mPath.c_str(), 0, STATX_TYPE | STATX_INO, &outStatus) == 0;
 }
 
@@ -153,7 +153,7 @@ bool KeepsAllNames(const std::string& inFolder)
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ReachHostPath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
+    if (ResolveToUsablePath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
     const Descriptor file = OpenByPath(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);
@@ -171,14 +171,14 @@ namespace {
 
 // Fails if another handle does not share deleting the folder, or if the folder is read-only. If the name is not a
 // folder, leaves the failure to the removal itself.
-SystemError HoldFolderToDelete(const HostPath& inPath, EntryHold& outHold)
+SystemError ShareFolderForDelete(const HostPath& inPath, EntryShare& outShare)
 {
     const std::string name = inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
     struct stat status;
     if (GetEntryStatus(name, status) != kNoError || !S_ISDIR(status.st_mode)) {
         return kNoError;
     }
-    const SystemError error = outHold.Enter(name, status, kShareDelete, kShareAll);
+    const SystemError error = outShare.Enter(name, status, kShareDelete, kShareAll);
     return error != kNoError ? error : IsReadOnly(status) ? kErrorAccessDenied : kNoError;
 }
 
@@ -187,7 +187,7 @@ SystemError HoldFolderToDelete(const HostPath& inPath, EntryHold& outHold)
 SystemError RemoveDirectory_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    const SystemError error = ReachHostPath(inPath, path);
+    const SystemError error = ResolveToUsablePath(inPath, path);
     if (error != kNoError) {
         return error;
     }
@@ -195,8 +195,8 @@ SystemError RemoveDirectory_Impl(const UTF16String& inPath)
     if (path.mIsRoot) {
         return kErrorAccessDenied;
     }
-    EntryHold hold;
-    const SystemError refusal = HoldFolderToDelete(path, hold);
+    EntryShare share;
+    const SystemError refusal = ShareFolderForDelete(path, share);
     if (refusal != kNoError) {
         return refusal;
     }

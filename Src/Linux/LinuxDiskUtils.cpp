@@ -75,7 +75,8 @@ SystemError FindVolume(const Volume& inVolume, HostPath& outHostPath)
     if (error != kNoError) {
         return error;
     }
-    if (ReachHostPath(inVolume.mPath, outHostPath) == kNoError && outHostPath.mFolder && Exists(outHostPath.mPath)) {
+    if (ResolveToUsablePath(inVolume.mPath, outHostPath) == kNoError && outHostPath.mFolder
+        && Exists(outHostPath.mPath)) {
         return kNoError;
     }
     HostPath path;

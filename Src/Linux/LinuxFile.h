@@ -70,7 +70,7 @@ inline std::uint64_t TimeOf(const struct timespec& inTime)
 }
 
 /// The parameters of an open, with the values of CreateFile_Impl.
-struct OpenWish
+struct OpenRequest
 {
     std::uint32_t mAccess = 0;
     std::uint32_t mShareMode = 0;
@@ -80,7 +80,7 @@ struct OpenWish
 };
 
 /// Opens a file by its host path, as CreateFile_Impl does. Also returns its status and whether it was created.
-SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,
+SystemError OpenHostFile(const HostPath& inPath, const OpenRequest& inRequest, std::unique_ptr<OpenFile>& outFile,
                          struct stat& outStatus, bool& outIsNew);
 
 /// Returns the status of a name; for a link, of the link itself.
@@ -89,7 +89,7 @@ SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus
 /// Briefly registers a use of a name, so that it can be deleted or moved. inUses is the access that it uses, inShares
 /// the access that it shares. Only files and folders are registered; an entry that cannot be opened is registered
 /// inside this process only. Returns 0, 32 or the failure to find the name.
-class EntryHold
+class EntryShare
 {
 public:
     SystemError Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses, unsigned inShares);

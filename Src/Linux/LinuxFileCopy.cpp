@@ -38,22 +38,22 @@ SystemError CopyMarks(int inTo, const struct stat& inSource, const struct stat& 
 }
 
 SystemError CopyContents(int inFrom, const struct stat& inSource, int inTo, const struct stat& inDestination,
-                         bool inIsNew, const CopyWish& inWish)
+                         bool inIsNew, const CopyOptions& inOptions)
 {
     if (inDestination.st_size != 0 && System().mFTruncate(inTo, 0) != 0) {
         return SystemErrorFromErrno(errno);
     }
     const int failure =
-        CopyBytes(inFrom, inTo, static_cast<std::uint64_t>(inSource.st_size), inWish.mProgress, inWish.mData);
+        CopyBytes(inFrom, inTo, static_cast<std::uint64_t>(inSource.st_size), inOptions.mProgress, inOptions.mData);
     if (failure != 0) {
         return failure == ECANCELED ? kErrorRequestAborted : SystemErrorFromErrno(failure);
     }
-    CopyUserAttributes(inFrom, inTo, inIsNew ? AttributesThere::kNone : AttributesThere::kAreReplaced);
+    CopyUserAttributes(inFrom, inTo, inIsNew ? ExistingAttributes::kNone : ExistingAttributes::kReplace);
     SystemError error = CopyMarks(inTo, inSource, inDestination, inIsNew);
-    if (error == kNoError && inWish.mStandsIn && Fails(System().mFChMod(inTo, inSource.st_mode & 0777))) {
+    if (error == kNoError && inOptions.mReplacesSource && Fails(System().mFChMod(inTo, inSource.st_mode & 0777))) {
         error = SystemErrorFromErrno(errno);
     }
-    if (error == kNoError && inWish.mStandsIn && System().mFSync(inTo) != 0) {
+    if (error == kNoError && inOptions.mReplacesSource && System().mFSync(inTo) != 0) {
         error = SystemErrorFromErrno(errno);
     }
     return error;
@@ -91,9 +91,9 @@ private:
 
 } // namespace
 
-SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination, const CopyWish& inWish)
+SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination, const CopyOptions& inOptions)
 {
-    OpenWish wish;
+    OpenRequest wish;
     wish.mAccess = kGenericRead;
     wish.mShareMode = kShareAll;
     wish.mDisposition = kOpenExisting;
@@ -106,7 +106,7 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
     }
     wish.mAccess = kGenericWrite;
     wish.mShareMode = kShareRead | kShareWrite;
-    wish.mDisposition = inWish.mDisposition;
+    wish.mDisposition = inOptions.mDisposition;
     wish.mNewMode = source.st_mode & 0777;
     std::unique_ptr<OpenFile> to;
     struct stat destination;
@@ -118,7 +118,7 @@ SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination
         return kErrorSharingViolation;
     }
     UnfinishedCopy copy(inDestination.mPath, to->mIdentity);
-    error = CopyContents(from->File(), source, to->File(), destination, isNew, inWish);
+    error = CopyContents(from->File(), source, to->File(), destination, isNew, inOptions);
     if (error == kNoError) {
         error = to->Close(); // some file systems report a full disk only on close
     }
@@ -140,16 +140,16 @@ SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDest
                           void* inData)
 {
     HostPath source;
-    SystemError error = ReachHostPath(inSource, source);
+    SystemError error = ResolveToUsablePath(inSource, source);
     if (error != kNoError) {
         return error;
     }
     HostPath destination;
-    error = ReachHostPath(inDestination, destination);
+    error = ResolveToUsablePath(inDestination, destination);
     if (error != kNoError) {
         return error;
     }
-    CopyWish wish;
+    CopyOptions wish;
     wish.mProgress = inProgress;
     wish.mData = inData;
     return CopyHostFile(source, destination, wish);

@@ -7,16 +7,16 @@ namespace ORL {
 namespace Linux {
 
 /// Options of CopyHostFile, which otherwise copies like CopyFile_Impl. mDisposition is kOpenAlways or kCreateNew; with
-/// kCreateNew an existing destination returns 80. With mStandsIn the copy is going to replace the source: it is synced
-/// to disk before this returns, and gets the source's permissions regardless of the umask.
-struct CopyWish
+/// kCreateNew an existing destination returns 80. With mReplacesSource the copy is going to replace the source: it is
+/// synced to disk before this returns, and gets the source's permissions regardless of the umask.
+struct CopyOptions
 {
     std::uint32_t mDisposition = Files::Platform::kOpenAlways;
-    bool mStandsIn = false;
+    bool mReplacesSource = false;
     Files::Platform::CopyProgress mProgress = nullptr;
     void* mData = nullptr;
 };
-SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination, const CopyWish& inWish);
+SystemError CopyHostFile(const HostPath& inSource, const HostPath& inDestination, const CopyOptions& inOptions);
 
 } // namespace Linux
 } // namespace ORL

@@ -44,10 +44,10 @@ bool IsBelow(const std::string& inHostPath, const std::string& inFolder)
 }
 
 // Briefly requests delete access to the name.
-SystemError HoldToDelete(const std::string& inHostPath, EntryHold& outHold, struct stat& outStatus)
+SystemError ShareForDelete(const std::string& inHostPath, EntryShare& outShare, struct stat& outStatus)
 {
     const SystemError error = GetEntryStatus(inHostPath, outStatus);
-    return error != kNoError ? error : outHold.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
+    return error != kNoError ? error : outShare.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
 }
 
 // Used on file systems that cannot rename without replacing.
@@ -76,10 +76,10 @@ SystemError CopyLink(const std::string& inSource, const std::string& inDestinati
 
 SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
 {
-    CopyWish wish;
-    wish.mDisposition = kCreateNew;
-    wish.mStandsIn = true; // the source is deleted afterwards
-    return CopyHostFile(inSource, inDestination, wish);
+    CopyOptions options;
+    options.mDisposition = kCreateNew;
+    options.mReplacesSource = true; // the source is deleted afterwards
+    return CopyHostFile(inSource, inDestination, options);
 }
 
 // A copy has the permissions of its source, which may deny reading or writing.
@@ -163,16 +163,16 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 class Backup
 {
 public:
-    Backup(const HostPath& inPath, BackupEnd inEnd) : mPath(inPath), mGoes(inEnd == BackupEnd::kIsDeleted) {}
+    Backup(const HostPath& inPath, BackupDisposition inBackupDisposition) : mPath(inPath), mIsDeletedWhenDone(inBackupDisposition == BackupDisposition::kDelete) {}
 
     // A name that is too long for the file system could never be opened, so a temporary name replaces it.
     SystemError Make(const HostPath& inReplaced)
     {
-        const SystemError error = MakeOver(inReplaced);
+        const SystemError error = MakeReplacing(inReplaced);
         if (error != kErrorInvalidName) {
             return error;
         }
-        mGoes = true;
+        mIsDeletedWhenDone = true;
         return MakeUnderOwnName(inReplaced);
     }
 
@@ -181,7 +181,7 @@ public:
     // Call it after the new contents have been synced.
     void RemoveIfDone() const
     {
-        if (mGoes) {
+        if (mIsDeletedWhenDone) {
             Remove();
         }
     }
@@ -191,15 +191,15 @@ private:
     {
         const int error = System().mLink(inReplaced.mPath.c_str(), mPath.mPath.c_str()) == 0 ? 0 : errno;
         if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK || error == EXDEV) {
-            CopyWish wish;
-            wish.mDisposition = inDisposition;
-            wish.mStandsIn = true;
-            return CopyHostFile(inReplaced, mPath, wish);
+            CopyOptions options;
+            options.mDisposition = inDisposition;
+            options.mReplacesSource = true;
+            return CopyHostFile(inReplaced, mPath, options);
         }
         return error == 0 ? kNoError : SystemErrorFromErrno(error, mPath.mPath);
     }
 
-    SystemError MakeOver(const HostPath& inReplaced) const
+    SystemError MakeReplacing(const HostPath& inReplaced) const
     {
         const SystemError error = MakeAt(inReplaced, kOpenAlways);
         const bool isFree = error == kErrorFileExists && System().mUnlink(mPath.mPath.c_str()) == 0;
@@ -220,19 +220,19 @@ private:
     }
 
     HostPath mPath;
-    bool mGoes;
+    bool mIsDeletedWhenDone;
 };
 
 // One of the two files of a replacement, registered with the share modes.
-struct Replacing
+struct SwapFile
 {
     HostPath mPath;
     struct stat mStatus;
-    EntryHold mHold;
+    EntryShare mShare;
 
     SystemError Find(const UTF16String& inPath)
     {
-        const SystemError error = ReachHostPath(inPath, mPath);
+        const SystemError error = ResolveToUsablePath(inPath, mPath);
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
@@ -250,26 +250,26 @@ struct Replacing
         return GetEntryStatus(mPath.mPath, mStatus);
     }
 
-    SystemError Hold(unsigned inUses, unsigned inShares)
+    SystemError RegisterShare(unsigned inUses, unsigned inShares)
     {
         if (!S_ISREG(mStatus.st_mode) || IsReadOnly(mStatus)) {
             return kErrorAccessDenied;
         }
-        const SystemError error = mHold.Enter(mPath.mPath, mStatus, inUses, inShares);
-        return error != kNoError ? error : SystemErrorFromErrno(mHold.OpenError(), mPath.mPath);
+        const SystemError error = mShare.Enter(mPath.mPath, mStatus, inUses, inShares);
+        return error != kNoError ? error : SystemErrorFromErrno(mShare.OpenError(), mPath.mPath);
     }
 };
 
 // The name always has the old or the new contents. The name of the replacement exists as long as the name has the old
 // contents, so after an interruption its existence shows whether the exchange was done.
-SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
+SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, Backup& ioBackup)
 {
-    const int contents = inReplacement.mHold.File();
+    const int contents = inReplacement.mShare.File();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
         System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system keeps them
     }
-    CopyUserAttributes(inReplaced.mHold.File(), contents, AttributesThere::kAreKept);
+    CopyUserAttributes(inReplaced.mShare.File(), contents, ExistingAttributes::kKeep);
     if (System().mFSync(contents) != 0) {
         return SystemErrorFromErrno(errno);
     }
@@ -289,7 +289,7 @@ SystemError Exchange(const Replacing& inReplaced, const Replacing& inReplacement
 class BothFolders
 {
 public:
-    BothFolders(const Replacing& inReplaced, const Replacing& inReplacement)
+    BothFolders(const SwapFile& inReplaced, const SwapFile& inReplacement)
         : mReplaced(FolderOf(inReplaced.mPath.mPath))
     {
         const std::string other = FolderOf(inReplacement.mPath.mPath);
@@ -316,7 +316,7 @@ private:
 };
 
 // Acquires all memory and descriptors before the exchange.
-SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacement, Backup& ioBackup)
+SystemError ReplaceHeld(const SwapFile& inReplaced, const SwapFile& inReplacement, Backup& ioBackup)
 {
     const BothFolders folders(inReplaced, inReplacement);
     SystemError error = folders.OpenError(inReplaced.mPath.mPath);
@@ -324,7 +324,7 @@ SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacem
         error = Exchange(inReplaced, inReplacement, ioBackup);
     }
     if (error == kNoError) {
-        error = folders.Sync(inReplacement.mHold.File());
+        error = folders.Sync(inReplacement.mShare.File());
     }
     if (error == kNoError) {
         ioBackup.RemoveIfDone();
@@ -337,12 +337,12 @@ SystemError ReplaceHeld(const Replacing& inReplaced, const Replacing& inReplacem
 SystemError DeleteFile_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    SystemError error = ReachHostPath(inPath, path);
+    SystemError error = ResolveToUsablePath(inPath, path);
     if (error != kNoError) {
         return error;
     }
     const std::string name = WithoutTrailingSlash(path);
-    EntryHold hold;
+    EntryShare share;
     struct stat status;
     error = GetEntryStatus(name, status);
     if (error != kNoError) {
@@ -357,7 +357,7 @@ SystemError DeleteFile_Impl(const UTF16String& inPath)
     if (S_ISREG(status.st_mode) && IsReadOnly(status)) {
         return kErrorAccessDenied;
     }
-    error = hold.Enter(name, status, ORL::Linux::kShareDelete, kShareAll);
+    error = share.Enter(name, status, ORL::Linux::kShareDelete, kShareAll);
     if (error != kNoError) {
         return error;
     }
@@ -367,20 +367,20 @@ SystemError DeleteFile_Impl(const UTF16String& inPath)
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination)
 {
     HostPath source;
-    SystemError error = ReachHostPath(inSource, source);
+    SystemError error = ResolveToUsablePath(inSource, source);
     if (error != kNoError) {
         return error;
     }
     HostPath destination;
-    error = ReachHostPath(inDestination, destination);
+    error = ResolveToUsablePath(inDestination, destination);
     if (error != kNoError) {
         return error;
     }
     const std::string from = WithoutTrailingSlash(source);
     const std::string to = WithoutTrailingSlash(destination);
-    EntryHold hold;
+    EntryShare share;
     struct stat status;
-    error = HoldToDelete(from, hold, status);
+    error = ShareForDelete(from, share, status);
     if (error != kNoError || WithoutTrailingSlash(source.Whole()) == WithoutTrailingSlash(destination.Whole())) {
         return error;
     }
@@ -402,10 +402,10 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 }
 
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
-                             const UTF16String& inBackup, BackupEnd inEnd)
+                             const UTF16String& inBackup, BackupDisposition inBackupDisposition)
 {
-    Replacing replaced;
-    Replacing replacement;
+    SwapFile replaced;
+    SwapFile replacement;
     HostPath backupPath;
     SystemError error = replaced.Find(inReplaced);
     if (error == kNoError) {
@@ -415,7 +415,7 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
         error = replacement.Find(inReplacement);
     }
     if (error == kNoError) {
-        error = ReachHostPath(inBackup, backupPath);
+        error = ResolveToUsablePath(inBackup, backupPath);
     }
     if (error != kNoError) {
         return error;
@@ -423,11 +423,11 @@ SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& i
     if (IdentityOf(replaced.mStatus) == IdentityOf(replacement.mStatus)) {
         return kErrorUnableToMoveReplacement2;
     }
-    error = replaced.Hold(ORL::Linux::kShareRead | ORL::Linux::kShareDelete, kShareAll);
+    error = replaced.RegisterShare(ORL::Linux::kShareRead | ORL::Linux::kShareDelete, kShareAll);
     if (error == kNoError) {
-        error = replacement.Hold(kShareAll, kShareNothing);
+        error = replacement.RegisterShare(kShareAll, kShareNothing);
     }
-    Backup backup(backupPath, inEnd);
+    Backup backup(backupPath, inBackupDisposition);
     return error == kNoError ? ReplaceHeld(replaced, replacement, backup) : error;
 }
 

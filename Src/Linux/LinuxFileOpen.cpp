@@ -23,29 +23,30 @@ bool Has(std::uint32_t inWord, std::uint32_t inBits) noexcept
     return (inWord & inBits) != 0;
 }
 
-bool MayEmpty(const OpenWish& inWish) noexcept
+bool MayTruncate(const OpenRequest& inRequest) noexcept
 {
-    return inWish.mDisposition == kCreateAlways || inWish.mDisposition == kTruncateExisting;
+    return inRequest.mDisposition == kCreateAlways || inRequest.mDisposition == kTruncateExisting;
 }
 
-bool WantsToWrite(const OpenWish& inWish) noexcept
+bool WantsToWrite(const OpenRequest& inRequest) noexcept
 {
-    return Has(inWish.mAccess, kGenericWrite) || MayEmpty(inWish);
+    return Has(inRequest.mAccess, kGenericWrite) || MayTruncate(inRequest);
 }
 
-SystemError CheckWish(const OpenWish& inWish)
+SystemError CheckRequest(const OpenRequest& inRequest)
 {
-    const bool isKnown = inWish.mDisposition >= kCreateNew && inWish.mDisposition <= kTruncateExisting;
-    const bool cannotEmpty = inWish.mDisposition == kTruncateExisting && !Has(inWish.mAccess, kGenericWrite);
-    return isKnown && !cannotEmpty ? kNoError : kErrorInvalidParameter;
+    const bool isKnown = inRequest.mDisposition >= kCreateNew && inRequest.mDisposition <= kTruncateExisting;
+    const bool cannotTruncate = inRequest.mDisposition == kTruncateExisting && !Has(inRequest.mAccess, kGenericWrite);
+    return isKnown && !cannotTruncate ? kNoError : kErrorInvalidParameter;
 }
 
 // The open mode of the descriptor. A writer can read too, because the locks of the share modes need that.
-int DescriptorMode(const OpenWish& inWish) noexcept
+int DescriptorMode(const OpenRequest& inRequest) noexcept
 {
     const std::uint32_t any = kGenericRead | kGenericWrite | kGenericExecute | kAccessDelete;
-    const bool onlyAsks = !Has(inWish.mAccess, any) && !WantsToWrite(inWish) && inWish.mDisposition == kOpenExisting;
-    return onlyAsks ? O_PATH : WantsToWrite(inWish) ? O_RDWR : O_RDONLY;
+    const bool onlyAsks =
+        !Has(inRequest.mAccess, any) && !WantsToWrite(inRequest) && inRequest.mDisposition == kOpenExisting;
+    return onlyAsks ? O_PATH : WantsToWrite(inRequest) ? O_RDWR : O_RDONLY;
 }
 
 // Opening a pipe must not block until its other end is open.
@@ -56,80 +57,80 @@ Descriptor OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
 
 // Opens an existing file. Share modes of other processes do not see a write-only handle to a file without read
 // permission, unless that handle shares nothing.
-Descriptor OpenExisting(const std::string& inPath, const OpenWish& inWish)
+Descriptor OpenExisting(const std::string& inPath, const OpenRequest& inRequest)
 {
-    const int mode = DescriptorMode(inWish);
+    const int mode = DescriptorMode(inRequest);
     Descriptor file = OpenDescriptor(inPath, mode, 0);
-    if (!file && errno == EACCES && mode == O_RDWR && !Has(inWish.mAccess, kGenericRead | kGenericExecute)) {
+    if (!file && errno == EACCES && mode == O_RDWR && !Has(inRequest.mAccess, kGenericRead | kGenericExecute)) {
         file = OpenDescriptor(inPath, O_WRONLY, 0);
     }
-    if (!file && errno == EISDIR && Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish)) {
+    if (!file && errno == EISDIR && Has(inRequest.mFlags, kFlagBackupSemantics) && !MayTruncate(inRequest)) {
         file = OpenDescriptor(inPath, O_RDONLY | O_DIRECTORY, 0);
     }
     return file;
 }
 
-Descriptor MakeNew(const std::string& inPath, const OpenWish& inWish)
+Descriptor CreateNew(const std::string& inPath, const OpenRequest& inRequest)
 {
-    return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT | O_EXCL, inWish.mNewMode);
+    return OpenDescriptor(inPath, DescriptorMode(inRequest) | O_CREAT | O_EXCL, inRequest.mNewMode);
 }
 
 // Creates the file or opens the existing one. Tries both in turn, since each may fail while others create and delete
 // the name. If the name is a link to a missing file, creates that file.
-Descriptor MakeOrOpen(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+Descriptor CreateOrOpen(const std::string& inPath, const OpenRequest& inRequest, bool& outIsNew)
 {
     constexpr int kRounds = 4;
     for (int round = 0; round < kRounds; ++round) {
-        Descriptor file = MakeNew(inPath, inWish);
+        Descriptor file = CreateNew(inPath, inRequest);
         outIsNew = static_cast<bool>(file);
         if (file || errno != EEXIST) {
             return file;
         }
-        file = OpenExisting(inPath, inWish);
+        file = OpenExisting(inPath, inRequest);
         if (file || errno != ENOENT) {
             return file;
         }
     }
     outIsNew = true;
-    return OpenDescriptor(inPath, DescriptorMode(inWish) | O_CREAT, inWish.mNewMode);
+    return OpenDescriptor(inPath, DescriptorMode(inRequest) | O_CREAT, inRequest.mNewMode);
 }
 
-Descriptor OpenByDisposition(const std::string& inPath, const OpenWish& inWish, bool& outIsNew)
+Descriptor OpenByDisposition(const std::string& inPath, const OpenRequest& inRequest, bool& outIsNew)
 {
-    outIsNew = inWish.mDisposition == kCreateNew;
-    switch (inWish.mDisposition) {
+    outIsNew = inRequest.mDisposition == kCreateNew;
+    switch (inRequest.mDisposition) {
     case kCreateNew:
-        return MakeNew(inPath, inWish);
+        return CreateNew(inPath, inRequest);
     case kCreateAlways:
     case kOpenAlways:
-        return MakeOrOpen(inPath, inWish, outIsNew);
+        return CreateOrOpen(inPath, inRequest, outIsNew);
     default:
-        return OpenExisting(inPath, inWish);
+        return OpenExisting(inPath, inRequest);
     }
 }
 
-SystemError CheckKind(const struct stat& inStatus, const OpenWish& inWish, bool inIsNew)
+SystemError CheckKind(const struct stat& inStatus, const OpenRequest& inRequest, bool inIsNew)
 {
     if (S_ISDIR(inStatus.st_mode)) {
-        return Has(inWish.mFlags, kFlagBackupSemantics) && !MayEmpty(inWish) ? kNoError : kErrorAccessDenied;
+        return Has(inRequest.mFlags, kFlagBackupSemantics) && !MayTruncate(inRequest) ? kNoError : kErrorAccessDenied;
     }
     if (!S_ISREG(inStatus.st_mode) && !S_ISBLK(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
         return kErrorAccessDenied;
     }
-    const bool changes = WantsToWrite(inWish) || Has(inWish.mFlags, kFlagDeleteOnClose);
+    const bool changes = WantsToWrite(inRequest) || Has(inRequest.mFlags, kFlagDeleteOnClose);
     return changes && !inIsNew && IsReadOnly(inStatus) ? kErrorAccessDenied : kNoError;
 }
 
-unsigned UsesOf(const OpenWish& inWish, bool inIsNew) noexcept
+unsigned UsesOf(const OpenRequest& inRequest, bool inIsNew) noexcept
 {
-    const bool deletes = Has(inWish.mAccess, kAccessDelete) || Has(inWish.mFlags, kFlagDeleteOnClose);
-    const bool writes = Has(inWish.mAccess, kGenericWrite) || (!inIsNew && MayEmpty(inWish));
-    return (Has(inWish.mAccess, kGenericRead | kGenericExecute) ? kShareRead : 0u) | (writes ? kShareWrite : 0u)
+    const bool deletes = Has(inRequest.mAccess, kAccessDelete) || Has(inRequest.mFlags, kFlagDeleteOnClose);
+    const bool writes = Has(inRequest.mAccess, kGenericWrite) || (!inIsNew && MayTruncate(inRequest));
+    return (Has(inRequest.mAccess, kGenericRead | kGenericExecute) ? kShareRead : 0u) | (writes ? kShareWrite : 0u)
            | (deletes ? kShareDelete : 0u);
 }
 
 // Bypasses the cache if the file system supports that. Even if it does not, unaligned reads and writes fail.
-void GoPastCache(OpenFile& ioFile, int inStatusFlags)
+void BypassCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;
     ioFile.mDropsPages = true;
@@ -145,50 +146,51 @@ void GoPastCache(OpenFile& ioFile, int inStatusFlags)
     ioFile.mDropsPages = false;
 }
 
-void ApplyFlags(OpenFile& ioFile, const OpenWish& inWish, const struct stat& inStatus)
+void ApplyFlags(OpenFile& ioFile, const OpenRequest& inRequest, const struct stat& inStatus)
 {
     if (S_ISCHR(inStatus.st_mode) || S_ISBLK(inStatus.st_mode)) {
         System().mSetFlags(ioFile.File(), 0); // make reads and writes blocking
     }
-    if (Has(inWish.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
-        GoPastCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
+    if (Has(inRequest.mFlags, kFlagNoBuffering) && !S_ISDIR(inStatus.st_mode) && !S_ISCHR(inStatus.st_mode)) {
+        BypassCache(ioFile, S_ISREG(inStatus.st_mode) ? O_NONBLOCK : 0);
     }
-    if (Has(inWish.mFlags, kFlagSequentialScan)) {
+    if (Has(inRequest.mFlags, kFlagSequentialScan)) {
         System().mFAdvise(ioFile.File(), 0, 0, POSIX_FADV_SEQUENTIAL);
     }
 }
 
 // Prepares the open file. On failure the caller destroys it.
-SystemError SetUp(OpenFile& ioFile, const OpenWish& inWish, bool inIsNew, struct stat& outStatus)
+SystemError SetUp(OpenFile& ioFile, const OpenRequest& inRequest, bool inIsNew, struct stat& outStatus)
 {
     if (System().mFStat(ioFile.File(), &outStatus) != 0) {
         return SystemErrorFromErrno(errno);
     }
-    SystemError error = CheckKind(outStatus, inWish, inIsNew);
+    SystemError error = CheckKind(outStatus, inRequest, inIsNew);
     if (error != kNoError) {
         return error;
     }
-    ioFile.mMayRead = Has(inWish.mAccess, kGenericRead);
-    ioFile.mMayWrite = Has(inWish.mAccess, kGenericWrite);
+    ioFile.mMayRead = Has(inRequest.mAccess, kGenericRead);
+    ioFile.mMayWrite = Has(inRequest.mAccess, kGenericWrite);
     ioFile.mIsRegular = S_ISREG(outStatus.st_mode);
     ioFile.mIdentity = IdentityOf(outStatus);
-    error = ioFile.mShares.Enter(ioFile.mIdentity, UsesOf(inWish, inIsNew), inWish.mShareMode, WantsToWrite(inWish));
+    error = ioFile.mShares.Enter(ioFile.mIdentity, UsesOf(inRequest, inIsNew), inRequest.mShareMode,
+                                 WantsToWrite(inRequest));
     if (error != kNoError) {
         return error;
     }
-    if (!inIsNew && MayEmpty(inWish) && outStatus.st_size != 0) {
+    if (!inIsNew && MayTruncate(inRequest) && outStatus.st_size != 0) {
         if (System().mFTruncate(ioFile.File(), 0) != 0) {
             return SystemErrorFromErrno(errno);
         }
         outStatus.st_size = 0;
     }
-    ApplyFlags(ioFile, inWish, outStatus);
+    ApplyFlags(ioFile, inRequest, outStatus);
     return kNoError;
 }
 
 // Removes a file created by an open that failed, unless another handle opened it first (32) or the name now belongs to
 // another file.
-void RemoveMade(const std::string& inPath, const OpenFile& inFile, SystemError inError)
+void RemoveCreated(const std::string& inPath, const OpenFile& inFile, SystemError inError)
 {
     struct statx made;
     struct stat named;
@@ -225,26 +227,26 @@ SystemError OpenFile::Close() noexcept
     return SystemErrorFromErrno(mShares.Release());
 }
 
-SystemError OpenHostFile(const HostPath& inPath, const OpenWish& inWish, std::unique_ptr<OpenFile>& outFile,
+SystemError OpenHostFile(const HostPath& inPath, const OpenRequest& inRequest, std::unique_ptr<OpenFile>& outFile,
                          struct stat& outStatus, bool& outIsNew)
 {
-    SystemError error = CheckWish(inWish);
+    SystemError error = CheckRequest(inRequest);
     if (error != kNoError) {
         return error;
     }
     std::unique_ptr<OpenFile> file(new OpenFile);
     const std::string& path = inPath.mPath;
-    std::string nameToDelete(Has(inWish.mFlags, kFlagDeleteOnClose) ? path : std::string());
-    file->mShares.Own(OpenByDisposition(path, inWish, outIsNew));
+    std::string nameToDelete(Has(inRequest.mFlags, kFlagDeleteOnClose) ? path : std::string());
+    file->mShares.Own(OpenByDisposition(path, inRequest, outIsNew));
     if (file->File() < 0) {
         const bool isNoFolder = errno == ENOTDIR || errno == ENOENT || errno == EISDIR;
         error = SystemErrorFromErrno(errno, path);
         return inPath.mHasTrailingSeparator && isNoFolder ? ErrorOfTrailingSeparator(inPath) : error;
     }
-    error = SetUp(*file, inWish, outIsNew, outStatus);
+    error = SetUp(*file, inRequest, outIsNew, outStatus);
     if (error != kNoError) {
         if (outIsNew) {
-            RemoveMade(path, *file, error);
+            RemoveCreated(path, *file, error);
         }
         return error;
     }
@@ -270,8 +272,8 @@ SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus
     return kNoError;
 }
 
-SystemError EntryHold::Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses,
-                             unsigned inShares)
+SystemError EntryShare::Enter(const std::string& inHostPath, const struct stat& inStatus, unsigned inUses,
+                              unsigned inShares)
 {
     if (!S_ISREG(inStatus.st_mode) && !S_ISDIR(inStatus.st_mode)) {
         return kNoError;
@@ -294,19 +296,19 @@ SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, s
 {
     outFile = InvalidHandle();
     HostPath path;
-    SystemError error = ReachHostPath(inPath, path);
+    SystemError error = ResolveToUsablePath(inPath, path);
     if (error != kNoError) {
         return error;
     }
-    OpenWish wish;
-    wish.mAccess = inAccess;
-    wish.mShareMode = inShareMode;
-    wish.mDisposition = inDisposition;
-    wish.mFlags = inFlags;
+    OpenRequest request;
+    request.mAccess = inAccess;
+    request.mShareMode = inShareMode;
+    request.mDisposition = inDisposition;
+    request.mFlags = inFlags;
     std::unique_ptr<OpenFile> file;
     struct stat status;
     bool isNew = false;
-    error = OpenHostFile(path, wish, file, status, isNew);
+    error = OpenHostFile(path, request, file, status, isNew);
     if (error == kNoError) {
         outFile = file.release();
     }

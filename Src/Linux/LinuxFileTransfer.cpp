@@ -173,7 +173,7 @@ SystemError GetLastWriteTime_Impl(Handle inFile, std::uint64_t& outTime)
 SystemError GetSizeOfPath_Impl(const UTF16String& inPath, std::uint64_t& outSize)
 {
     HostPath path;
-    const SystemError error = ReachHostPath(inPath, path);
+    const SystemError error = ResolveToUsablePath(inPath, path);
     if (error != kNoError) {
         return error;
     }

@@ -255,10 +255,10 @@ namespace {
 constexpr std::size_t kLongestPath = PATH_MAX - 1;
 
 // Opens the folders along a long path until the rest is short enough.
-SystemError OpenWay(std::string& ioRest, Descriptor& outFolder)
+SystemError OpenLongPrefix(std::string& ioRest, Descriptor& outFolder)
 {
-    constexpr std::size_t kRoomForFolder = 64; // "/proc/self/fd/" and a number
-    while (ioRest.size() > kLongestPath - kRoomForFolder) {
+    constexpr std::size_t kFolderPrefixSize = 64; // "/proc/self/fd/" and a number
+    while (ioRest.size() > kLongestPath - kFolderPrefixSize) {
         const std::size_t end = ioRest.rfind('/', kLongestPath);
         if (end == std::string::npos || end == 0) {
             return kErrorInvalidName; // a single name is longer
@@ -276,14 +276,14 @@ SystemError OpenWay(std::string& ioRest, Descriptor& outFolder)
 
 } // namespace
 
-SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath)
+SystemError ResolveToUsablePath(const UTF16String& inPath, HostPath& outHostPath)
 {
     HostPath path;
     SystemError error = ResolveHostPath(inPath, path);
     if (error == kNoError && path.mPath.size() > kLongestPath) {
         const auto folder = std::make_shared<Descriptor>();
         std::string rest = path.mPath;
-        error = OpenWay(rest, *folder);
+        error = OpenLongPrefix(rest, *folder);
         path.mWhole = std::move(path.mPath);
         path.mPath = "/proc/self/fd/" + std::to_string(folder->Get()) + "/" + rest;
         path.mFolder = folder;

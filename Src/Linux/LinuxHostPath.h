@@ -35,7 +35,7 @@ SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
 /// Resolves a path to a path that the kernel accepts, of at most 4095 bytes. A longer path is converted to one through
 /// an open folder, which must exist (3 otherwise).
-SystemError ReachHostPath(const UTF16String& inPath, HostPath& outHostPath);
+SystemError ResolveToUsablePath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux
 } // namespace ORL

@@ -160,21 +160,21 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
         std::copy(bytes, bytes + inSize, ioText.begin() + static_cast<std::ptrdiff_t>(end));
         return;
     }
-    bool behindHighHalf = false;
+    bool afterHighHalf = false;
     for (std::size_t i = 0; i < inSize;) {
         if (bytes[i] < 0x80) {
             AppendUnitOfASCII(ioText, bytes[i], i + 1 == inSize);
-            behindHighHalf = false;
+            afterHighHalf = false;
             ++i;
             continue;
         }
         Sequence sequence = ReadSequence(bytes + i, inSize - i);
         // Two surrogates that are separate characters on disk must not join into one.
-        if (IsUnitOfByte(sequence.mCharacter) || (behindHighHalf && IsLowHalf(sequence.mCharacter))) {
+        if (IsUnitOfByte(sequence.mCharacter) || (afterHighHalf && IsLowHalf(sequence.mCharacter))) {
             sequence = {};
         }
         AppendCharacter(ioText, sequence.mSize != 0 ? sequence.mCharacter : kPrivateBase + bytes[i]);
-        behindHighHalf = IsHighHalf(sequence.mCharacter) && sequence.mSize == 3;
+        afterHighHalf = IsHighHalf(sequence.mCharacter) && sequence.mSize == 3;
         i += sequence.mSize != 0 ? sequence.mSize : 1;
     }
 }

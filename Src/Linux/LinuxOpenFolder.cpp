@@ -7,7 +7,7 @@ namespace Linux {
 
 namespace {
 
-bool IsItselfOrAbove(const char* inName) noexcept
+bool IsDotEntry(const char* inName) noexcept
 {
     return inName[0] == '.' && (inName[1] == '\0' || (inName[1] == '.' && inName[2] == '\0'));
 }
@@ -24,7 +24,7 @@ const dirent64* FolderEntries::Next()
     while (mAt < mSize || Fill()) {
         const dirent64* entry = reinterpret_cast<const dirent64*>(mBuffer + mAt);
         mAt += entry->d_reclen;
-        if (!IsItselfOrAbove(entry->d_name)) {
+        if (!IsDotEntry(entry->d_name)) {
             return entry;
         }
     }

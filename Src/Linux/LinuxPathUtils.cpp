@@ -74,7 +74,7 @@ bool Fits(const unsigned short* inName, const unsigned short* inPattern)
 bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
 {
     HostPath path;
-    if (ReachHostPath(inFolder, path) != kNoError) {
+    if (ResolveToUsablePath(inFolder, path) != kNoError) {
         return false;
     }
     if (inPattern == TVX_UTF16("*.*")) {
@@ -106,7 +106,7 @@ bool FindEntry_Impl(const UTF16String& inPath)
         return FindByPattern(UTF16String(inPath, 0, leaf), UTF16String(inPath, leaf));
     }
     HostPath path;
-    if (ReachHostPath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
+    if (ResolveToUsablePath(inPath, path) != kNoError || path.mIsRoot || path.mHasTrailingSeparator) {
         return false;
     }
     struct statx status;
@@ -116,13 +116,13 @@ bool FindEntry_Impl(const UTF16String& inPath)
 bool IsDirectory_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    return ReachHostPath(inPath, path) == kNoError && IsFolder(path.mPath);
+    return ResolveToUsablePath(inPath, path) == kNoError && IsFolder(path.mPath);
 }
 
 bool IsDirectoryEmpty_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ReachHostPath(inPath, path) != kNoError) {
+    if (ResolveToUsablePath(inPath, path) != kNoError) {
         return false;
     }
     OpenFolder folder(path.mPath.c_str());
@@ -133,7 +133,7 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
 {
     HostPath path;
     struct statx status;
-    if (ReachHostPath(inPath, path) != kNoError) {
+    if (ResolveToUsablePath(inPath, path) != kNoError) {
         return kInvalidAttributes;
     }
     // A link without a target is still an entry.

@@ -19,7 +19,7 @@ namespace {
 
 // The submission queue has space for the reads held back, a packet, and entries that the kernel refused. The completion
 // queue has space for every read that can be in flight, and an empty packet.
-constexpr unsigned kSubmissions = 4 * kMostReadsHeldBack;
+constexpr unsigned kSubmissions = 4 * kMaxBatchedReads;
 constexpr unsigned kCompletions = 4096;
 
 // Marks a submission that the kernel refused.
@@ -40,7 +40,7 @@ void Publish(const ReadOrder& inOrder)
     __atomic_store_n(&overlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inOrder.mFile), __ATOMIC_RELEASE);
 }
 
-ReadOrder TakeUp(Overlapped& ioOverlapped)
+ReadOrder Consume(Overlapped& ioOverlapped)
 {
     auto* const file =
         reinterpret_cast<AsyncFile*>(__atomic_load_n(&ioOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
@@ -154,7 +154,7 @@ public:
                 SetAlarm();
             }
             if (overlapped != &sAlarm && overlapped != &sWithdrawn) {
-                return Complete(TakeUp(*overlapped), returned, outCompletion);
+                return Complete(Consume(*overlapped), returned, outCompletion);
             }
         }
     }

@@ -65,7 +65,7 @@ ShareBucket& BucketOf(const FileIdentity& inFile) noexcept
 // The order makes the bytes of the usual opens adjacent, so that they take one call.
 constexpr off_t kFirstByte = off_t{1} << 62;
 constexpr unsigned kByteCount = 6;
-enum Byte : unsigned { kKeepsReaders, kUsesWrite, kKeepsDeleters, kKeepsWriters, kUsesRead, kUsesDelete };
+enum Byte : unsigned { kDeniesRead, kUsesWrite, kDeniesDelete, kDeniesWrite, kUsesRead, kUsesDelete };
 
 constexpr unsigned BitOf(Byte inByte, unsigned inKind, unsigned inKinds) noexcept
 {
@@ -78,10 +78,10 @@ constexpr unsigned UseBytes(unsigned inKinds) noexcept
            | BitOf(kUsesDelete, kShareDelete, inKinds);
 }
 
-constexpr unsigned KeepBytes(unsigned inKinds) noexcept
+constexpr unsigned DenyBytes(unsigned inKinds) noexcept
 {
-    return BitOf(kKeepsReaders, kShareRead, inKinds) | BitOf(kKeepsWriters, kShareWrite, inKinds)
-           | BitOf(kKeepsDeleters, kShareDelete, inKinds);
+    return BitOf(kDeniesRead, kShareRead, inKinds) | BitOf(kDeniesWrite, kShareWrite, inKinds)
+           | BitOf(kDeniesDelete, kShareDelete, inKinds);
 }
 
 struct flock LockOf(short inType, unsigned inFirst, unsigned inCount) noexcept
@@ -125,7 +125,7 @@ Outcome Lock(int inDescriptor, short inType, unsigned inFirst, unsigned inCount)
 }
 
 // Takes read locks on the bytes. Returns kConflict only if another open file holds a write lock on one of them.
-Outcome Take(int inDescriptor, unsigned inBytes) noexcept
+Outcome LockShared(int inDescriptor, unsigned inBytes) noexcept
 {
     Outcome outcome = Outcome::kDone;
     ForEachRun(inBytes, [&](unsigned inFirst, unsigned inCount) {
@@ -137,7 +137,7 @@ Outcome Take(int inDescriptor, unsigned inBytes) noexcept
 
 // Unlocks everything at once: unlocking only a part would make the kernel allocate memory for the remaining ends. The
 // descriptor and its locks belong to this holder.
-void Drop(int inDescriptor) noexcept
+void UnlockAll(int inDescriptor) noexcept
 {
     struct flock lock = {};
     lock.l_type = F_UNLCK;
@@ -162,10 +162,10 @@ bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
 }
 
 // Returns true if the conflict lasts. A holder whose registration fails releases its locks within a moment.
-bool StaysHeld(int inDescriptor, unsigned inBytes) noexcept
+bool ConflictLasts(int inDescriptor, unsigned inBytes) noexcept
 {
-    constexpr int kLooks = 3;
-    for (int look = 0; look < kLooks; ++look) {
+    constexpr int kPolls = 3;
+    for (int poll = 0; poll < kPolls; ++poll) {
         if (!IsAnyHeld(inDescriptor, inBytes)) {
             return false;
         }
@@ -185,7 +185,7 @@ void WaitBeforeTry(int inTry, const void* inSelf)
 
 // A holder that shares nothing excludes all others. One write lock on all bytes does that, and acquires and tests in
 // one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
-Outcome TakeAlone(int inDescriptor)
+Outcome LockExclusively(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;
     for (int attempt = 0; attempt < kTries; ++attempt) {
@@ -193,7 +193,7 @@ Outcome TakeAlone(int inDescriptor)
         if (outcome != Outcome::kConflict) {
             return outcome;
         }
-        if (StaysHeld(inDescriptor, kAllBytes)) {
+        if (ConflictLasts(inDescriptor, kAllBytes)) {
             return Outcome::kConflict;
         }
         WaitBeforeTry(attempt, &attempt);
@@ -202,18 +202,18 @@ Outcome TakeAlone(int inDescriptor)
 }
 
 // Acquires the bytes of inHeld unless another holder has one of inTested.
-Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
+Outcome LockUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
 {
     for (int attempt = 0; attempt < kTries; ++attempt) {
-        const Outcome outcome = Take(inDescriptor, inHeld);
+        const Outcome outcome = LockShared(inDescriptor, inHeld);
         if (outcome == Outcome::kDone && !IsAnyHeld(inDescriptor, inTested)) {
             return outcome;
         }
-        Drop(inDescriptor); // including the locks acquired before a refusal
+        UnlockAll(inDescriptor); // including the locks acquired before a refusal
         if (outcome != Outcome::kDone) {
             return outcome;
         }
-        if (StaysHeld(inDescriptor, inTested)) {
+        if (ConflictLasts(inDescriptor, inTested)) {
             return Outcome::kConflict;
         }
         WaitBeforeTry(attempt, &attempt);
@@ -221,14 +221,14 @@ Outcome TakeUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
     return Outcome::kConflict;
 }
 
-Outcome TakeLocks(int inDescriptor, unsigned inUses, unsigned inShares, bool inCanWrite)
+Outcome LockForShareMode(int inDescriptor, unsigned inUses, unsigned inShares, bool inCanWrite)
 {
     const unsigned unshared = ~inShares & kShareAll;
-    const Outcome alone = inCanWrite && unshared == kShareAll ? TakeAlone(inDescriptor) : Outcome::kNoLocks;
-    if (alone != Outcome::kNoLocks) {
-        return alone;
+    const Outcome exclusive = inCanWrite && unshared == kShareAll ? LockExclusively(inDescriptor) : Outcome::kNoLocks;
+    if (exclusive != Outcome::kNoLocks) {
+        return exclusive;
     }
-    return TakeUnlessHeld(inDescriptor, UseBytes(inUses) | KeepBytes(unshared), KeepBytes(inUses) | UseBytes(unshared));
+    return LockUnlessHeld(inDescriptor, UseBytes(inUses) | DenyBytes(unshared), DenyBytes(inUses) | UseBytes(unshared));
 }
 
 } // namespace
@@ -244,7 +244,7 @@ SystemError ShareHolder::Enter(const FileIdentity& inFile, unsigned inUses, unsi
         return kErrorSharingViolation;
     }
     if (mOpen) {
-        const Outcome outcome = TakeLocks(mOpen.Get(), inUses, inShares, inCanWrite);
+        const Outcome outcome = LockForShareMode(mOpen.Get(), inUses, inShares, inCanWrite);
         if (outcome == Outcome::kConflict) {
             return kErrorSharingViolation;
         }
@@ -253,25 +253,25 @@ SystemError ShareHolder::Enter(const FileIdentity& inFile, unsigned inUses, unsi
     mFile = inFile;
     mUses = inUses;
     mShares = inShares;
-    mIsIn = true;
+    mIsRegistered = true;
     bucket.Add(*this);
     return kNoError;
 }
 
 int ShareHolder::Release() noexcept
 {
-    if (!mIsIn) {
+    if (!mIsRegistered) {
         return mOpen.Close();
     }
     ShareBucket& bucket = BucketOf(mFile);
     const MutexLock lock(bucket.mMutex);
     // Closing does not release the locks while a process just forked by the host still has a copy of the descriptor.
     if (mHasLocks) {
-        Drop(mOpen.Get());
+        UnlockAll(mOpen.Get());
     }
     const int failure = mOpen.Close();
     bucket.Remove(*this);
-    mIsIn = false;
+    mIsRegistered = false;
     mHasLocks = false;
     return failure;
 }

@@ -74,7 +74,7 @@ private:
     FileIdentity mFile;
     unsigned mUses = 0;
     unsigned mShares = 0;
-    bool mIsIn = false;
+    bool mIsRegistered = false;
     bool mHasLocks = false;
     ShareHolder* mNext = nullptr;
     ShareHolder* mPrevious = nullptr;

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kNameLimit = 15; // the kernel's limit for the name of a thread
 
 // Returns the length of the longest prefix of a UTF-8 text that fits and ends at a character.
-std::size_t LengthThatFits(const char* inName)
+std::size_t FittingLength(const char* inName)
 {
     const std::size_t length = std::strlen(inName);
     if (length <= kNameLimit) {
@@ -58,7 +58,7 @@ void NameThread_Impl(const char* inName)
         return;
     }
     char name[kNameLimit + 1] = {};
-    std::memcpy(name, inName, LengthThatFits(inName));
+    std::memcpy(name, inName, FittingLength(inName));
     ::pthread_setname_np(::pthread_self(), name);
 }
 

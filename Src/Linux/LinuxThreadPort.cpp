@@ -75,7 +75,7 @@ public:
             mIsEnding = true;
             mOrders.Clear();
         }
-        mOrderCame.notify_all();
+        mOrderAdded.notify_all();
         for (const Handle thread : mThreads) {
             WaitForThread_Impl(thread);
             CloseThread_Impl(thread);
@@ -88,7 +88,7 @@ public:
             const MutexLock lock(mMutex);
             mIsClosed = true;
         }
-        mReadEnded.notify_all();
+        mReadFinished.notify_all();
     }
 
     SystemError Start(const ReadOrder& inOrder) override
@@ -102,7 +102,7 @@ public:
             mOrders.PopNewest(); // no thread would ever run the read
             return refusal;
         }
-        mOrderCame.notify_one();
+        mOrderAdded.notify_one();
         return SystemErrors::kErrorIoPending;
     }
 
@@ -158,7 +158,7 @@ private:
         MutexLock lock(mMutex);
         ++mIdle;
         while (!mIsEnding && mOrders.IsEmpty()) {
-            mOrderCame.wait(lock.Lock());
+            mOrderAdded.wait(lock.Lock());
         }
         --mIdle;
         if (mIsEnding) {
@@ -173,7 +173,7 @@ private:
     {
         MutexLock lock(mMutex);
         while (!mIsClosed && mFinished.IsEmpty()) {
-            mReadEnded.wait(lock.Lock());
+            mReadFinished.wait(lock.Lock());
         }
         if (mIsClosed) {
             return false;
@@ -189,14 +189,14 @@ private:
             const MutexLock lock(mMutex);
             hasRoom = mFinished.Push(inFinished);
         }
-        mReadEnded.notify_one();
+        mReadFinished.notify_one();
         return hasRoom;
     }
 
     const char* const mDescription;
     Mutex mMutex;
-    std::condition_variable mOrderCame;
-    std::condition_variable mReadEnded;
+    std::condition_variable mOrderAdded;
+    std::condition_variable mReadFinished;
     FixedQueue<ReadOrder> mOrders TVXCORE_GUARDED_BY(mMutex);
     FixedQueue<Finished> mFinished TVXCORE_GUARDED_BY(mMutex);
     std::vector<Handle> mThreads TVXCORE_GUARDED_BY(mMutex); // the destructor joins them without the lock

@@ -36,9 +36,9 @@ void ForEachUserAttribute(int inFile, Call inCall)
 
 } // namespace
 
-void CopyUserAttributes(int inFrom, int inTo, AttributesThere inThere)
+void CopyUserAttributes(int inFrom, int inTo, ExistingAttributes inExisting)
 {
-    if (inThere == AttributesThere::kAreReplaced) {
+    if (inExisting == ExistingAttributes::kReplace) {
         ForEachUserAttribute(inTo, [inTo](const char* inName) { System().mFRemoveXAttr(inTo, inName); });
     }
     std::vector<char> value;
@@ -47,7 +47,7 @@ void CopyUserAttributes(int inFrom, int inTo, AttributesThere inThere)
         const ssize_t size = System().mFGetXAttr(inFrom, inName, value.data(), value.size());
         if (size >= 0) {
             System().mFSetXAttr(inTo, inName, value.data(), static_cast<std::size_t>(size),
-                                inThere == AttributesThere::kAreKept ? XATTR_CREATE : 0);
+                                inExisting == ExistingAttributes::kKeep ? XATTR_CREATE : 0);
         }
     });
 }

@@ -81,7 +81,7 @@ void* MapShared(int inFile, std::size_t inSize, int inProtection)
     return pages != MAP_FAILED ? pages : nullptr;
 }
 
-constexpr SystemCalls TheSystem()
+constexpr SystemCalls MakeKernelTable()
 {
     SystemCalls calls{};
     calls.mOpen = &Open;
@@ -145,7 +145,7 @@ constexpr SystemCalls TheSystem()
 
 } // namespace
 
-const SystemCalls kSystem = TheSystem();
+const SystemCalls kSystem = MakeKernelTable();
 
 std::atomic<const SystemCalls*> sSystemCalls{&kSystem};
 

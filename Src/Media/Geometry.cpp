@@ -36,8 +36,8 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
 // larger sizes are refused here.
 std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
 {
-    constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
-    return std::unique_ptr<float[]>(inCount <= kMost ? new (std::nothrow) float[inCount] : nullptr);
+    constexpr std::size_t kMax = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
+    return std::unique_ptr<float[]>(inCount <= kMax ? new (std::nothrow) float[inCount] : nullptr);
 }
 
 } // namespace
@@ -111,7 +111,7 @@ float Length(const Point& inVector)
     return square < 0 ? std::numeric_limits<float>::quiet_NaN() : std::sqrt(static_cast<float>(square));
 }
 
-std::int32_t OnGrid(std::int32_t inStep, float inShare, std::int32_t inStart)
+std::int32_t PointOnGrid(std::int32_t inStep, float inShare, std::int32_t inStart)
 {
     return Wrapping::TruncateToInt(static_cast<float>(inStep) * inShare + static_cast<float>(inStart));
 }
@@ -134,7 +134,7 @@ float PointToLineSegmentDistance2D(ParamPoint<CPoint>& inPoint, ParamPoint<CPoin
     if (share > 1) {
         return Length(Difference(inPoint, inEnd));
     }
-    const Point nearest{OnGrid(segment.x, share, inStart.x), OnGrid(segment.y, share, inStart.y)};
+    const Point nearest{PointOnGrid(segment.x, share, inStart.x), PointOnGrid(segment.y, share, inStart.y)};
     return Length(Difference(inPoint, nearest));
 }
 

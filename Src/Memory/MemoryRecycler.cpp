@@ -13,7 +13,7 @@ namespace ORL {
 namespace {
 
 constexpr std::size_t kDefaultLimit = 50000000;
-constexpr std::size_t kMostSpareNodes = 16;
+constexpr std::size_t kMaxSpareNodes = 16;
 
 // Changed only under the foundation lock. Never destroyed: a host that exits without stopping the library may have
 // threads that still use it.
@@ -84,7 +84,7 @@ inline void MemoryRecycler::AddAtFront(const MemoryBuffer& inBuffer)
 
 inline void MemoryRecycler::Remove(Pool::iterator inAt)
 {
-    if (mSpareNodes.size() < kMostSpareNodes) {
+    if (mSpareNodes.size() < kMaxSpareNodes) {
         mSpareNodes.splice(mSpareNodes.begin(), mPool, inAt);
     } else {
         mPool.erase(inAt);

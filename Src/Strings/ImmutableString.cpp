@@ -24,7 +24,7 @@ int CompareWithText(const Record* inRecord, const unsigned char* inText)
 }
 
 // Returns the empty text for null.
-const unsigned short* UnitsOrNone(const unsigned short* inText)
+const unsigned short* UnitsOrEmpty(const unsigned short* inText)
 {
     static constexpr unsigned short kEmpty[] = {0};
     return inText != nullptr ? inText : kEmpty;
@@ -132,7 +132,7 @@ int ImmutableString::Compare(const unsigned short* inOther) const
     if (mRepresentation == nullptr) {
         return -1;
     }
-    return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(UnitsOrNone(inOther)).c_str());
+    return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(UnitsOrEmpty(inOther)).c_str());
 }
 
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
@@ -179,7 +179,7 @@ ImmutableString ImmutableString::CreateDynamic(const UTF16String& inText)
 
 ImmutableString ImmutableString::CreateDynamic(const unsigned short* inText)
 {
-    return Enter(tvxcore::utility::UTF16to8(UnitsOrNone(inText)).c_str(), false);
+    return Enter(tvxcore::utility::UTF16to8(UnitsOrEmpty(inText)).c_str(), false);
 }
 
 bool ImmutableString::PurgeUnusedStrings()

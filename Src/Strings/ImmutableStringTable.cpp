@@ -14,11 +14,11 @@ namespace ORL {
 
 namespace {
 
-constexpr std::size_t kFirstPlaces = 128; // fills one page
+constexpr std::size_t kInitialSlots = 128; // fills one page
 
 // The process's table is created on first use and never destroyed. The pointer is atomic, so that every reader sees a
 // complete table: sanitizers cannot detect the ordering that Boost's call_once guarantees.
-alignas(ImmutableStringTable) unsigned char sRoomForTable[sizeof(ImmutableStringTable)];
+alignas(ImmutableStringTable) unsigned char sTableStorage[sizeof(ImmutableStringTable)];
 std::atomic<ImmutableStringTable*> sTable{nullptr};
 boost::once_flag sTableOnce = BOOST_ONCE_INIT;
 
@@ -86,14 +86,14 @@ std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)
 
 struct ExitAction
 {
-    ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeWhatNobodyHolds(); }
+    ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeUnreferenced(); }
 };
 
 // Destroys the guard only on platforms whose locks must be destroyed; by then the other threads have ended.
 void MakeTable()
 {
     static const CriticalSection guard;
-    sTable.store(::new (sRoomForTable) ImmutableStringTable(guard), std::memory_order_release);
+    sTable.store(::new (sTableStorage) ImmutableStringTable(guard), std::memory_order_release);
     static const ExitAction exitAction;
 }
 
@@ -116,24 +116,24 @@ ImmutableStringTable::~ImmutableStringTable()
     }
 }
 
-ImmutableStringTable::Places::Places(std::size_t inCount)
-    : mPlaces(static_cast<Place*>(PageMemory::Platform::AllocatePages_Impl(inCount * sizeof(Place)))), mCount(inCount)
+ImmutableStringTable::Slots::Slots(std::size_t inCount)
+    : mSlots(static_cast<Slot*>(PageMemory::Platform::AllocatePages_Impl(inCount * sizeof(Slot)))), mCount(inCount)
 {
-    if (mPlaces == nullptr) {
+    if (mSlots == nullptr) {
         throw BadAllocation();
     }
 }
 
-ImmutableStringTable::Places::~Places()
+ImmutableStringTable::Slots::~Slots()
 {
-    if (mPlaces != nullptr) {
-        PageMemory::Platform::FreePages_Impl(mPlaces, mCount * sizeof(Place));
+    if (mSlots != nullptr) {
+        PageMemory::Platform::FreePages_Impl(mSlots, mCount * sizeof(Slot));
     }
 }
 
-void ImmutableStringTable::Places::Swap(Places& ioOther) noexcept
+void ImmutableStringTable::Slots::Swap(Slots& ioOther) noexcept
 {
-    std::swap(mPlaces, ioOther.mPlaces);
+    std::swap(mSlots, ioOther.mSlots);
     std::swap(mCount, ioOther.mCount);
 }
 
@@ -147,16 +147,16 @@ ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* i
 {
     static constexpr unsigned char kEmpty[] = {0};
     const Key key = KeyOf(inText != nullptr ? inText : kEmpty);
-    Record* const present = EnterAsVisitor(key);
+    Record* const present = EnterAsReader(key);
     // For a null text creates a dynamic record with an empty copy, even for a static name.
     return present != nullptr ? present : EnterUnderGuard(key, inIsStatic && inText != nullptr);
 }
 
-// Returns null if the text is not found or the visit is not admitted.
-ImmutableStringTable::Record* ImmutableStringTable::EnterAsVisitor(const Key& inKey)
+// Returns null if the text is not found or read access is not granted.
+ImmutableStringTable::Record* ImmutableStringTable::EnterAsReader(const Key& inKey)
 {
-    const SharedVisits::Visit visit(mVisits);
-    Record* const record = visit.IsIn() ? Find(inKey) : nullptr;
+    const ReaderSlots::ReaderAccess access(mReaders);
+    Record* const record = access.IsGranted() ? Find(inKey) : nullptr;
     if (record != nullptr) {
         record->AddRef();
     }
@@ -177,24 +177,24 @@ ImmutableStringTable::Record* ImmutableStringTable::EnterUnderGuard(const Key& i
 bool ImmutableStringTable::Purge()
 {
     const CriticalSectionLock lock(mGuard);
-    const SharedVisits::ShutOut shutOut(mVisits);
+    const ReaderSlots::WriterAccess writer(mReaders);
     return RemoveUnused(false);
 }
 
 // Excluded from clang's thread-safety analysis, which cannot track a try-lock.
-void ImmutableStringTable::FreeWhatNobodyHolds() TVXCORE_UNCHECKED_LOCKING
+void ImmutableStringTable::FreeUnreferenced() TVXCORE_UNCHECKED_LOCKING
 {
     const CriticalSectionTryLock lock(mGuard);
     if (!lock.IsLocked()) {
         return;
     }
-    const SharedVisits::TryShutOut shutOut(mVisits);
-    if (!shutOut.IsShut()) {
+    const ReaderSlots::TryWriterAccess writer(mReaders);
+    if (!writer.IsGranted()) {
         return;
     }
     RemoveUnused(true);
     if (mRecords.empty()) {
-        Places none;
+        Slots none;
         none.Swap(mIndex);
     }
 }
@@ -223,7 +223,7 @@ void ImmutableStringTable::FreeRecord(Record* inRecord)
 }
 
 // Returns the slot where the search begins; it is even, because two slots fill a cache line.
-std::size_t ImmutableStringTable::HomeOf(const Places& inIndex, std::uint64_t inHash)
+std::size_t ImmutableStringTable::FirstSlotOf(const Slots& inIndex, std::uint64_t inHash)
 {
     return inHash & (inIndex.Count() - 2);
 }
@@ -236,10 +236,10 @@ ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
     if (mIndex.Count() == 0) {
         return nullptr;
     }
-    const std::size_t home = HomeOf(mIndex, inKey.mHash);
-    const bool isSecond = mIndex[home].mHash.load(std::memory_order_relaxed) != inKey.mHash;
-    Record* const record = RecordAt(mIndex[home + isSecond], inKey);
-    return record != nullptr ? record : FindFrom(home, inKey);
+    const std::size_t firstSlot = FirstSlotOf(mIndex, inKey.mHash);
+    const bool isSecond = mIndex[firstSlot].mHash.load(std::memory_order_relaxed) != inKey.mHash;
+    Record* const record = RecordAt(mIndex[firstSlot + isSecond], inKey);
+    return record != nullptr ? record : FindFrom(firstSlot, inKey);
 }
 
 ImmutableStringTable::Record* ImmutableStringTable::FindFrom(std::size_t inAt, const Key& inKey) const
@@ -253,20 +253,20 @@ ImmutableStringTable::Record* ImmutableStringTable::FindFrom(std::size_t inAt, c
     return nullptr;
 }
 
-ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Place& inPlace, const Key& inKey)
+ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Slot& inSlot, const Key& inKey)
 {
-    Record* const record = inPlace.mRecord.load(std::memory_order_acquire);
-    if (record == nullptr || inPlace.mHash.load(std::memory_order_relaxed) != inKey.mHash || inPlace.mSize != inKey.mSize) {
+    Record* const record = inSlot.mRecord.load(std::memory_order_acquire);
+    if (record == nullptr || inSlot.mHash.load(std::memory_order_relaxed) != inKey.mHash || inSlot.mSize != inKey.mSize) {
         return nullptr;
     }
     __builtin_prefetch(record, 1); // the caller then changes the record's count
-    return std::memcmp(inPlace.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
+    return std::memcmp(inSlot.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
 }
 
 // Does everything that may throw before the first visible change.
 ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool inIsStatic)
 {
-    MakeRoomInIndex();
+    GrowIndexIfNeeded();
     Record* const record = MakeRecord(inKey.mText, inIsStatic);
     try {
         mRecords.insert(record);
@@ -278,36 +278,36 @@ ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool i
     return record;
 }
 
-void ImmutableStringTable::MakeRoomInIndex()
+void ImmutableStringTable::GrowIndexIfNeeded()
 {
     if ((mRecords.size() + 1) * 2 <= mIndex.Count()) {
         return;
     }
-    Places larger(mIndex.Count() == 0 ? kFirstPlaces : mIndex.Count() * 2);
-    for (const Place& place : mIndex) {
-        if (Record* const record = place.mRecord.load(std::memory_order_relaxed); record != nullptr) {
-            AddToIndex(larger, record, Key{place.mText, place.mSize, place.mHash.load(std::memory_order_relaxed)});
+    Slots larger(mIndex.Count() == 0 ? kInitialSlots : mIndex.Count() * 2);
+    for (const Slot& slot : mIndex) {
+        if (Record* const record = slot.mRecord.load(std::memory_order_relaxed); record != nullptr) {
+            AddToIndex(larger, record, Key{slot.mText, slot.mSize, slot.mHash.load(std::memory_order_relaxed)});
         }
     }
-    const SharedVisits::ShutOut shutOut(mVisits);
+    const ReaderSlots::WriterAccess writer(mReaders);
     larger.Swap(mIndex);
 }
 
-void ImmutableStringTable::AddToIndex(const Places& ioIndex, Record* inRecord, const Key& inKey)
+void ImmutableStringTable::AddToIndex(const Slots& ioIndex, Record* inRecord, const Key& inKey)
 {
     const std::size_t mask = ioIndex.Count() - 1;
-    std::size_t at = HomeOf(ioIndex, inKey.mHash);
+    std::size_t at = FirstSlotOf(ioIndex, inKey.mHash);
     while (ioIndex[at].mRecord.load(std::memory_order_relaxed) != nullptr) {
         at = (at + 1) & mask;
     }
-    Place& place = ioIndex[at];
-    place.mText = inRecord->Text();
-    place.mSize = inKey.mSize;
-    place.mHash.store(inKey.mHash, std::memory_order_relaxed);
-    place.mRecord.store(inRecord, std::memory_order_release);
+    Slot& slot = ioIndex[at];
+    slot.mText = inRecord->Text();
+    slot.mSize = inKey.mSize;
+    slot.mHash.store(inKey.mHash, std::memory_order_relaxed);
+    slot.mRecord.store(inRecord, std::memory_order_release);
 }
 
-// The caller must hold the guard and exclude visitors. Returns true if a record was removed.
+// The caller must hold the guard and exclude readers. Returns true if a record was removed.
 bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
 {
     bool removed = false;
@@ -330,8 +330,8 @@ bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
 // Works in place, so that a purge needs no memory.
 void ImmutableStringTable::RebuildIndex()
 {
-    for (Place& place : mIndex) {
-        place.mRecord.store(nullptr, std::memory_order_relaxed);
+    for (Slot& slot : mIndex) {
+        slot.mRecord.store(nullptr, std::memory_order_relaxed);
     }
     for (Record* const record : mRecords) {
         AddToIndex(mIndex, record, KeyOf(record->Text()));

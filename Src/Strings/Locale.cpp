@@ -91,7 +91,7 @@ double ReadNatively(const UTF16String& inText, const std::locale& inNative)
     return value;
 }
 
-double ReadClassically(const UTF16String& inText)
+double ReadInCLocale(const UTF16String& inText)
 {
     tvxcore::iUTF16StringStream stream(inText);
     double value = 0.0;
@@ -123,7 +123,7 @@ double GetValueFromDisplayString(const UTF16String& inText, const std::locale& i
         return 0.0;
     }
     const double native = ReadNatively(inText, inNative);
-    const double classic = ReadClassically(inText);
+    const double classic = ReadInCLocale(inText);
     if (native > 0.0 && classic > 0.0) {
         return native > classic ? native : classic;
     }

@@ -27,7 +27,7 @@ std::locale LocaleFor(const std::basic_ios<unsigned short>&)
 // `copyfmt` copies the fill character. For that, the stream first widens its old fill character with its own locale,
 // which throws if it has no facet for the unit.
 template <class Unit>
-void MakeItKnowItsUnit(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)
+void EnsureUnitFacets(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)
 {
     if (!std::has_facet<std::ctype<Unit>>(ioStream.getloc())) {
         ioStream.imbue(inLocale);
@@ -45,7 +45,7 @@ std::basic_streambuf<Unit>* Rebind(std::basic_ostream<Unit>& ioStream, std::basi
     fresh.imbue(LocaleFor(fresh));
     ioStream.exceptions(std::ios_base::goodbit);
     std::basic_streambuf<Unit>* const old = ioStream.rdbuf(nullptr);
-    MakeItKnowItsUnit(ioStream, fresh.getloc());
+    EnsureUnitFacets(ioStream, fresh.getloc());
     ioStream.copyfmt(fresh);
     ioStream.rdbuf(inBuffer);
     return old;

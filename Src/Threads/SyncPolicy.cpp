@@ -13,7 +13,7 @@ namespace Sync {
 namespace {
 
 constexpr int kShortTurns = 200;
-constexpr int kTurns = 500;
+constexpr int kLongTurns = 500;
 constexpr int kTurnsBeforeSleep = 10;
 
 } // namespace
@@ -25,10 +25,10 @@ int SystemPolicy::SpinTurns()
     return turns;
 }
 
-int SystemPolicy::PatientTurns()
+int SystemPolicy::LongSpinTurns()
 {
     // Counts the machine's processors: a waiter may be bound to one processor while the queue's threads run on others.
-    static const int turns = std::thread::hardware_concurrency() > 1 ? kTurns : 0;
+    static const int turns = std::thread::hardware_concurrency() > 1 ? kLongTurns : 0;
     return turns;
 }
 
@@ -41,7 +41,7 @@ void SystemPolicy::Pause(int inTurn)
     kBackoff.Wait(inTurn);
 }
 
-void SystemPolicy::GiveWay(int inTurn)
+void SystemPolicy::YieldOrSleep(int inTurn)
 {
     constexpr Backoff kBackoff = {0, kTurnsBeforeSleep}; // a long yield loop of many threads would load the machine
     kBackoff.Wait(inTurn);

@@ -65,10 +65,10 @@ public:
 
     void operator()() const
     {
-        struct PayBack
+        struct ReleaseOnExit
         {
             IThreadedQueueRequest* mRequest;
-            ~PayBack() { mRequest->Release(); }
+            ~ReleaseOnExit() { mRequest->Release(); }
         } const payBack{mRequest};
         mRequest->Process();
     }
@@ -77,10 +77,10 @@ private:
     IThreadedQueueRequest* mRequest;
 };
 
-class RunAgainAndAgain
+class RunRepeatedly
 {
 public:
-    explicit RunAgainAndAgain(const Request& inRequest) : mRequest(inRequest) {}
+    explicit RunRepeatedly(const Request& inRequest) : mRequest(inRequest) {}
 
     void operator()() const { mRequest->Process(); }
 
@@ -89,7 +89,7 @@ private:
 };
 
 // Detaches the reference without releasing its count, which now belongs to another owner.
-void GiveUpCount(Request& ioRequest)
+void DetachCount(Request& ioRequest)
 {
     alignas(Request) unsigned char neverDestroyed[sizeof(Request)];
     new (neverDestroyed) Request(std::move(ioRequest));
@@ -141,11 +141,11 @@ bool ThreadedWorkQueue::QueueRequest(Request inRequest)
     }
     if (!inRequest) {
         // The thread that runs the request detects the null reference and reports it.
-        return mImpl->mExecutor->QueueFunction(RunAgainAndAgain(inRequest), 0);
+        return mImpl->mExecutor->QueueFunction(RunRepeatedly(inRequest), 0);
     }
     const bool isQueued = mImpl->mExecutor->QueueFunction(RunOnce(*inRequest.GetPtr()), 0);
     if (isQueued) {
-        GiveUpCount(inRequest);
+        DetachCount(inRequest);
     }
     return isQueued;
 }
@@ -156,7 +156,7 @@ bool ThreadedWorkQueue::SetIdleProcess(Request inRequest, int inInterval)
         return false;
     }
     const CriticalSectionLock lock(mImpl->mLock);
-    mImpl->mIdleFunction.Reset(new RepeatDelayFunction(mImpl->mExecutor, RunAgainAndAgain(inRequest),
+    mImpl->mIdleFunction.Reset(new RepeatDelayFunction(mImpl->mExecutor, RunRepeatedly(inRequest),
                                                        static_cast<unsigned int>(inInterval)));
     return true;
 }

@@ -82,7 +82,7 @@ unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
 void ThreadedWorkQueueFlush::MakeUpForMissingItems(unsigned int inCount)
 {
     for (unsigned int i = 0; i < inCount; ++i) {
-        Rendezvous::MakeUpForMissingItem(*this);
+        Rendezvous::CountMissingItem(*this);
     }
 }
 

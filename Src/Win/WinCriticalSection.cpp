@@ -8,11 +8,11 @@ namespace Internal {
 
 namespace {
 
-CRITICAL_SECTION* AsSection(unsigned char* inRoom)
+CRITICAL_SECTION* AsSection(unsigned char* inStorage)
 {
     static_assert(sizeof(CRITICAL_SECTION) == 40 && alignof(CRITICAL_SECTION) == 8,
                   "the room in the public header is exactly the system's lock");
-    return reinterpret_cast<CRITICAL_SECTION*>(inRoom);
+    return reinterpret_cast<CRITICAL_SECTION*>(inStorage);
 }
 
 } // namespace

@@ -22,7 +22,7 @@ struct Listing
 
 namespace {
 
-bool IsItselfOrAbove(const wchar_t* inName)
+bool IsDotEntry(const wchar_t* inName)
 {
     return inName[0] == L'.' && (inName[1] == 0 || (inName[1] == L'.' && inName[2] == 0));
 }
@@ -74,7 +74,7 @@ SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry)
         const WIN32_FIND_DATAW current = ioListing.mNext;
         ioListing.mEnd =
             ::FindNextFileW(ioListing.mHandle, &ioListing.mNext) ? SystemErrors::kNoError : ::GetLastError();
-        if (!IsItselfOrAbove(current.cFileName)) {
+        if (!IsDotEntry(current.cFileName)) {
             outEntry.mName = AsUnits(current.cFileName);
             outEntry.mKind = KindOf(current.dwFileAttributes);
             return SystemErrors::kNoError;

@@ -34,8 +34,8 @@ struct Progress
     void* mData;
 };
 
-DWORD CALLBACK TellProgress(LARGE_INTEGER inTotal, LARGE_INTEGER inTransferred, LARGE_INTEGER, LARGE_INTEGER, DWORD,
-                            DWORD, HANDLE, HANDLE, void* inProgress)
+DWORD CALLBACK ReportProgress(LARGE_INTEGER inTotal, LARGE_INTEGER inTransferred, LARGE_INTEGER, LARGE_INTEGER, DWORD,
+                              DWORD, HANDLE, HANDLE, void* inProgress)
 {
     if (inProgress == nullptr) {
         return PROGRESS_CANCEL;
@@ -140,7 +140,7 @@ SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDest
     }
     Progress progress{inProgress, inData};
     BOOL cancel = FALSE;
-    return ErrorUnless(::CopyFileExW(source, destination, &TellProgress, &progress, &cancel, 0));
+    return ErrorUnless(::CopyFileExW(source, destination, &ReportProgress, &progress, &cancel, 0));
 }
 
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination)
@@ -149,12 +149,12 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 }
 
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,
-                             const UTF16String& inBackup, BackupEnd inEnd)
+                             const UTF16String& inBackup, BackupDisposition inBackupDisposition)
 {
     const SystemError error =
         ErrorUnless(::ReplaceFileW(AsWide(inReplaced.c_str()), AsWide(inReplacement.c_str()), AsWide(inBackup.c_str()),
                                    REPLACEFILE_WRITE_THROUGH, nullptr, nullptr));
-    if (error == SystemErrors::kNoError && inEnd == BackupEnd::kIsDeleted) {
+    if (error == SystemErrors::kNoError && inBackupDisposition == BackupDisposition::kDelete) {
         ::DeleteFileW(AsWide(inBackup.c_str()));
     }
     return error;

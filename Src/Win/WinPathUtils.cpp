@@ -76,14 +76,14 @@ public:
     LPCITEMIDLIST Last() const noexcept
     {
         LPCITEMIDLIST last = mList;
-        for (LPCITEMIDLIST item = mList; item->mkid.cb != 0; item = Behind(item)) {
+        for (LPCITEMIDLIST item = mList; item->mkid.cb != 0; item = Next(item)) {
             last = item;
         }
         return last;
     }
 
 private:
-    static LPCITEMIDLIST Behind(LPCITEMIDLIST inItem) noexcept
+    static LPCITEMIDLIST Next(LPCITEMIDLIST inItem) noexcept
     {
         return reinterpret_cast<LPCITEMIDLIST>(reinterpret_cast<const BYTE*>(inItem) + inItem->mkid.cb);
     }
@@ -92,7 +92,7 @@ private:
     LPITEMIDLIST mList = nullptr;
 };
 
-UTF16String AskShell(const UTF16String& inPath)
+UTF16String QueryShellName(const UTF16String& inPath)
 {
     const ComScope com;
     ComPointer<IMalloc> malloc;
@@ -196,7 +196,7 @@ unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer)
 bool GetShellName_Impl(const UTF16String& inPath, UTF16String& outName)
 {
     try {
-        outName = AskShell(inPath);
+        outName = QueryShellName(inPath);
         return true;
     } catch (const ShellFailure&) {
         return false;

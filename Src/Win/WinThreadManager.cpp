@@ -8,7 +8,7 @@ namespace Platform {
 
 namespace {
 
-constexpr DWORD kNamesAThread = 0x406D1388;
+constexpr DWORD kThreadNameException = 0x406D1388;
 
 // The exception record that passes the name of a thread to a debugger.
 #pragma pack(push, 8)
@@ -22,9 +22,9 @@ struct ThreadNameRecord
 #pragma pack(pop)
 
 // Without a debugger this handler continues after the exception, which then has no effect.
-LONG CALLBACK GoOnAfterNaming(EXCEPTION_POINTERS* inPointers)
+LONG CALLBACK ContinueAfterNaming(EXCEPTION_POINTERS* inPointers)
 {
-    return inPointers->ExceptionRecord->ExceptionCode == kNamesAThread ? EXCEPTION_CONTINUE_EXECUTION
+    return inPointers->ExceptionRecord->ExceptionCode == kThreadNameException ? EXCEPTION_CONTINUE_EXECUTION
                                                                        : EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -54,11 +54,11 @@ void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
 void NameThread_Impl(const char* inName)
 {
     const ThreadNameRecord record = {0x1000, inName, ::GetCurrentThreadId(), 0};
-    PVOID const handler = ::AddVectoredExceptionHandler(1, &GoOnAfterNaming);
+    PVOID const handler = ::AddVectoredExceptionHandler(1, &ContinueAfterNaming);
     if (handler == nullptr) {
         return; // without a handler the exception would end the process
     }
-    ::RaiseException(kNamesAThread, 0, sizeof(record) / sizeof(ULONG_PTR),
+    ::RaiseException(kThreadNameException, 0, sizeof(record) / sizeof(ULONG_PTR),
                      reinterpret_cast<const ULONG_PTR*>(&record));
     ::RemoveVectoredExceptionHandler(handler);
 }

@@ -51,10 +51,10 @@ void InAPair(std::vector<Guid>& outCategories)
 }
 
 // Registers a class in a new pair of categories while one allocation is refused. Returns true if that failed.
-bool RegisterInAPair(const Guid& inClass, MemoryDoor inDoor, unsigned inNumber, unsigned& outRefused)
+bool RegisterInAPair(const Guid& inClass, FaultyAllocator inAllocator, unsigned inNumber, unsigned& outRefused)
 {
     ++sPair;
-    const MemoryFaults faults(inDoor, inNumber, false);
+    const MemoryFaults faults(inAllocator, inNumber, false);
     bool hasFailed = false;
     try {
         ClassFactory::RegisterORLClass(inClass, "", "", &Create, &InAPair);
@@ -87,7 +87,7 @@ TEST(ClassFactorySweep, CreatingInstances_LeavesNothingBehind)
 TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
 {
     std::uint64_t next = 1;
-    for (const MemoryDoor door : kMemoryDoors) {
+    for (const FaultyAllocator allocator : kFaultyAllocators) {
         unsigned refused = 1;
         for (unsigned number = 1; refused != 0; ++number) {
             SCOPED_TRACE(number);
@@ -95,7 +95,7 @@ TEST(ClassFactoryFaults, RegistrationThatFindsNoMemory_CanBeRepeated)
             const unsigned before = CountCategory();
             bool hasFailed = false;
             {
-                const MemoryFaults faults(door, number, false);
+                const MemoryFaults faults(allocator, number, false);
                 try {
                     ClassFactory::RegisterORLClass(id, "", "", &Create, &InCategory);
                 } catch (const std::bad_alloc&) {
@@ -126,12 +126,12 @@ TEST(ClassFactoryFaults, RegistrationInTwoCategories_StaysDoneAsFarAsItCame)
 {
     unsigned stoppedBetween = 0;
     std::uint64_t next = 1;
-    for (const MemoryDoor door : kMemoryDoors) {
+    for (const FaultyAllocator allocator : kFaultyAllocators) {
         unsigned refused = 1;
         for (unsigned number = 1; refused != 0; ++number) {
             SCOPED_TRACE(number);
             const Guid id(0xFA05, next++);
-            const bool hasFailed = RegisterInAPair(id, door, number, refused);
+            const bool hasFailed = RegisterInAPair(id, allocator, number, refused);
             const unsigned first = CountCategory(OfPair(0));
             const unsigned second = CountCategory(OfPair(1));
             EXPECT_EQ(hasFailed ? 0u : 1u, second);

@@ -30,7 +30,7 @@ TEST(TVXErrorManagerSweep, AWarning_NeverThrowsAndIsLostAtMost)
     if (WholeHeapIsWatched()) {
         unsigned int refused = 0;
         {
-            const MemoryFaults faults(MemoryDoor::kHeap, 1, true);
+            const MemoryFaults faults(FaultyAllocator::kHeap, 1, true);
             warn();
             refused = faults.Refused();
         }

@@ -34,10 +34,10 @@ struct Attempt
     unsigned mRefused = 0;
 };
 
-Attempt StartWithFaults(MemoryDoor inDoor, unsigned inNumber)
+Attempt StartWithFaults(FaultyAllocator inAllocator, unsigned inNumber)
 {
     Attempt attempt;
-    const MemoryFaults faults(inDoor, inNumber, false);
+    const MemoryFaults faults(inAllocator, inNumber, false);
     try {
         Foundation::Initialize();
     } catch (const std::exception&) {
@@ -69,11 +69,11 @@ TEST(LifecycleFaults, StartThatFailsAtAnyPlace_CanBeMadeAgainAfterTheRegistratio
 {
     const ThrowingHost host;
     unsigned failedInTheLastStep = 0;
-    for (const MemoryDoor door : kMemoryDoors) {
+    for (const FaultyAllocator allocator : kFaultyAllocators) {
         Attempt attempt{false, 1};
         for (unsigned number = 1; attempt.mRefused != 0; ++number) {
             SCOPED_TRACE(number);
-            attempt = StartWithFaults(door, number);
+            attempt = StartWithFaults(allocator, number);
             if (attempt.mHasFailed) {
                 EXPECT_EQ(0, FoundationLifecycle().mCount);
                 failedInTheLastStep += MemoryRecycler::Instance() ? 1 : 0;

@@ -32,7 +32,7 @@ TEST(GeometrySweep, SolveWithoutMemory_ReturnsFalseAndLeavesTheResults)
     float y[] = {0, 1, 0, 1};
     float bends[] = {9, 9, 9, 9};
     {
-        const MemoryFaults faults(MemoryDoor::kHeap, 1, false);
+        const MemoryFaults faults(FaultyAllocator::kHeap, 1, false);
         EXPECT_FALSE(Geometry::SolveNaturalCubicSpline2D(x, y, 4, bends));
         EXPECT_EQ(1u, faults.Refused());
     }

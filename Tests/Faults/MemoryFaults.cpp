@@ -12,12 +12,12 @@
 
 namespace {
 
-using ORLTest::MemoryDoor;
+using ORLTest::FaultyAllocator;
 
 struct Plan
 {
     bool mIsArmed = false;
-    MemoryDoor mDoor = MemoryDoor::kHeap;
+    FaultyAllocator mAllocator = FaultyAllocator::kHeap;
     unsigned mFirst = 0;
     bool mAllFurther = false;
     unsigned mAsked = 0;
@@ -25,15 +25,15 @@ struct Plan
 };
 thread_local Plan tPlan;
 
-std::atomic<std::int64_t> sOwed[3];
+std::atomic<std::int64_t> sOutstanding[3];
 
 namespace Faults = tvxcore::utility::AllocationFaults;
 std::optional<Faults::Scope> sScope;
 
-bool Refuses(MemoryDoor inDoor)
+bool Refuses(FaultyAllocator inAllocator)
 {
     Plan& plan = tPlan;
-    if (!plan.mIsArmed || plan.mDoor != inDoor) {
+    if (!plan.mIsArmed || plan.mAllocator != inAllocator) {
         return false;
     }
     const unsigned number = ++plan.mAsked;
@@ -42,16 +42,16 @@ bool Refuses(MemoryDoor inDoor)
     return refuses;
 }
 
-void Owe(MemoryDoor inDoor, std::int64_t inCount)
+void AddOutstanding(FaultyAllocator inAllocator, std::int64_t inCount)
 {
-    sOwed[static_cast<int>(inDoor)].fetch_add(inCount, std::memory_order_relaxed);
+    sOutstanding[static_cast<int>(inAllocator)].fetch_add(inCount, std::memory_order_relaxed);
 }
 
 // Returns null if the request is refused or the heap is exhausted.
 void* FromHeap(std::size_t inSize) noexcept
 {
-    void* const block = Refuses(MemoryDoor::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
-    Owe(MemoryDoor::kHeap, block != nullptr ? 1 : 0);
+    void* const block = Refuses(FaultyAllocator::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
+    AddOutstanding(FaultyAllocator::kHeap, block != nullptr ? 1 : 0);
     return block;
 }
 
@@ -67,7 +67,7 @@ void* FromHeapOrThrow(std::size_t inSize)
 void ToHeap(void* inBlock)
 {
     if (inBlock != nullptr) {
-        Owe(MemoryDoor::kHeap, -1);
+        AddOutstanding(FaultyAllocator::kHeap, -1);
         std::free(inBlock);
     }
 }
@@ -138,14 +138,14 @@ void WrappedFreePages(void*, std::size_t) ORL_SYMBOL("wrap", ORL_FREE_PAGES);
 
 void* WrappedAllocatePages(std::size_t inSize)
 {
-    void* const pages = Refuses(MemoryDoor::kPages) ? nullptr : RealAllocatePages(inSize);
-    Owe(MemoryDoor::kPages, pages != nullptr ? 1 : 0);
+    void* const pages = Refuses(FaultyAllocator::kPages) ? nullptr : RealAllocatePages(inSize);
+    AddOutstanding(FaultyAllocator::kPages, pages != nullptr ? 1 : 0);
     return pages;
 }
 
 void WrappedFreePages(void* inPages, std::size_t inSize)
 {
-    Owe(MemoryDoor::kPages, -1);
+    AddOutstanding(FaultyAllocator::kPages, -1);
     RealFreePages(inPages, inSize);
 }
 
@@ -165,23 +165,23 @@ void Attempt(const std::function<void()>& inWork)
 }
 
 // Runs inWork with request 1, 2, 3 ... refused, until inWork makes fewer requests.
-void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
+void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
     unsigned refused = 1;
     for (unsigned number = 1; refused != 0; ++number) {
-        SCOPED_TRACE("door " + std::to_string(static_cast<int>(inDoor)) + ", request " + std::to_string(number)
+        SCOPED_TRACE("door " + std::to_string(static_cast<int>(inAllocator)) + ", request " + std::to_string(number)
                      + (inAllFurther ? " and all further" : ""));
-        const std::int64_t owed[] = {MemoryOwed(kMemoryDoors[0]), MemoryOwed(kMemoryDoors[1]), MemoryOwed(kMemoryDoors[2])};
+        const std::int64_t owed[] = {OutstandingMemory(kFaultyAllocators[0]), OutstandingMemory(kFaultyAllocators[1]), OutstandingMemory(kFaultyAllocators[2])};
         {
-            const MemoryFaults faults(inDoor, number, inAllFurther);
+            const MemoryFaults faults(inAllocator, number, inAllFurther);
             Attempt(inWork);
             refused = faults.Refused();
         }
-        for (const MemoryDoor door : kMemoryDoors) {
-            if (door == MemoryDoor::kHeap && !WholeHeapIsWatched()) {
+        for (const FaultyAllocator allocator : kFaultyAllocators) {
+            if (allocator == FaultyAllocator::kHeap && !WholeHeapIsWatched()) {
                 continue;
             }
-            ASSERT_EQ(owed[static_cast<int>(door)], MemoryOwed(door)) << "left behind at door " << static_cast<int>(door);
+            ASSERT_EQ(owed[static_cast<int>(allocator)], OutstandingMemory(allocator)) << "left behind at door " << static_cast<int>(allocator);
         }
         inCheck();
         if (testing::Test::HasFailure()) {
@@ -193,17 +193,17 @@ void SweepDoor(MemoryDoor inDoor, bool inAllFurther, const std::function<void()>
 
 } // namespace
 
-MemoryFaults::MemoryFaults(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther) : mDoor(inDoor)
+MemoryFaults::MemoryFaults(FaultyAllocator inAllocator, unsigned inNumber, bool inAllFurther) : mAllocator(inAllocator)
 {
-    if (inDoor == MemoryDoor::kSmallBlocks) {
+    if (inAllocator == FaultyAllocator::kSmallBlocks) {
         Faults::Plan plan;
         plan.mFirst = inNumber;
-        plan.mHowMany = inAllFurther ? Faults::kAllFurther : 1;
+        plan.mFailureCount = inAllFurther ? Faults::kAllFurther : 1;
         plan.mOfThisThreadOnly = true;
         sScope.emplace(plan);
         return;
     }
-    tPlan = {true, inDoor, inNumber, inAllFurther, 0, 0};
+    tPlan = {true, inAllocator, inNumber, inAllFurther, 0, 0};
 }
 
 MemoryFaults::~MemoryFaults()
@@ -214,35 +214,35 @@ MemoryFaults::~MemoryFaults()
 
 unsigned MemoryFaults::Refused() const
 {
-    if (mDoor == MemoryDoor::kSmallBlocks) {
+    if (mAllocator == FaultyAllocator::kSmallBlocks) {
         return static_cast<unsigned>(sScope->Refused());
     }
     return tPlan.mRefused;
 }
 
-std::int64_t MemoryOwed(MemoryDoor inDoor)
+std::int64_t OutstandingMemory(FaultyAllocator inAllocator)
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot now{};
-    if (inDoor == MemoryDoor::kSmallBlocks && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
+    if (inAllocator == FaultyAllocator::kSmallBlocks && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
         return static_cast<std::int64_t>(now.mSmallBlockCountCurrent);
     }
-    return sOwed[static_cast<int>(inDoor)].load();
+    return sOutstanding[static_cast<int>(inAllocator)].load();
 }
 
 bool WholeHeapIsWatched()
 {
-    const std::int64_t before = MemoryOwed(MemoryDoor::kHeap);
+    const std::int64_t before = OutstandingMemory(FaultyAllocator::kHeap);
     const std::string text(100, 'x'); // allocated by code of the standard library
-    return MemoryOwed(MemoryDoor::kHeap) > before;
+    return OutstandingMemory(FaultyAllocator::kHeap) > before;
 }
 
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck)
 {
     inWork(); // the first run allocates caches that persist
     inCheck();
-    for (const MemoryDoor door : kMemoryDoors) {
-        SweepDoor(door, false, inWork, inCheck);
-        SweepDoor(door, true, inWork, inCheck);
+    for (const FaultyAllocator allocator : kFaultyAllocators) {
+        SweepAllocator(allocator, false, inWork, inCheck);
+        SweepAllocator(allocator, true, inWork, inCheck);
     }
 }
 

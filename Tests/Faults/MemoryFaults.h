@@ -12,15 +12,16 @@
 
 namespace ORLTest {
 
-enum class MemoryDoor { kSmallBlocks, kPages, kHeap };
-inline constexpr MemoryDoor kMemoryDoors[] = {MemoryDoor::kSmallBlocks, MemoryDoor::kPages, MemoryDoor::kHeap};
+enum class FaultyAllocator { kSmallBlocks, kPages, kHeap };
+inline constexpr FaultyAllocator kFaultyAllocators[] = {FaultyAllocator::kSmallBlocks, FaultyAllocator::kPages,
+                                                        FaultyAllocator::kHeap};
 
 /// During its lifetime, request number inNumber (from 1) to one allocator is refused; with inAllFurther, all later
 /// requests too.
 class MemoryFaults
 {
 public:
-    MemoryFaults(MemoryDoor inDoor, unsigned inNumber, bool inAllFurther);
+    MemoryFaults(FaultyAllocator inAllocator, unsigned inNumber, bool inAllFurther);
     ~MemoryFaults();
     MemoryFaults(const MemoryFaults&) = delete;
     MemoryFaults& operator=(const MemoryFaults&) = delete;
@@ -28,11 +29,11 @@ public:
     unsigned Refused() const;
 
 private:
-    const MemoryDoor mDoor;
+    const FaultyAllocator mAllocator;
 };
 
 /// Returns the process's current balance of allocations from that allocator.
-std::int64_t MemoryOwed(MemoryDoor inDoor);
+std::int64_t OutstandingMemory(FaultyAllocator inAllocator);
 
 /// Returns whether the standard library's own requests reach the watched C++ heap. If not (on Windows, a shared library
 /// uses its own heap functions), the balance of the heap is meaningless.

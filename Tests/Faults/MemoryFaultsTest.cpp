@@ -10,7 +10,7 @@ using namespace ORLTest;
 
 TEST(MemoryFaults, SecondBlock_IsRefusedAndOnlyIt)
 {
-    const MemoryFaults faults(MemoryDoor::kSmallBlocks, 2, false);
+    const MemoryFaults faults(FaultyAllocator::kSmallBlocks, 2, false);
     void* const first = ORL::Allocator::Allocate(16);
     EXPECT_THROW(ORL::Allocator::Allocate(16), std::bad_alloc);
     void* const third = ORL::Allocator::Allocate(16);
@@ -21,7 +21,7 @@ TEST(MemoryFaults, SecondBlock_IsRefusedAndOnlyIt)
 
 TEST(MemoryFaults, AllFurther_AreRefused)
 {
-    const MemoryFaults faults(MemoryDoor::kPages, 1, true);
+    const MemoryFaults faults(FaultyAllocator::kPages, 1, true);
     EXPECT_EQ(nullptr, ORL::PageMemory::Platform::AllocatePages_Impl(8192));
     EXPECT_EQ(nullptr, ORL::PageMemory::Platform::AllocatePages_Impl(8192));
     EXPECT_EQ(2u, faults.Refused());
@@ -31,7 +31,7 @@ TEST(MemoryFaults, Heap_IsRefused)
 {
     bool isRefused = false;
     {
-        const MemoryFaults faults(MemoryDoor::kHeap, 1, false);
+        const MemoryFaults faults(FaultyAllocator::kHeap, 1, false);
         try {
             ::operator delete(::operator new(16));
         } catch (const std::bad_alloc&) {
@@ -50,7 +50,7 @@ TEST(MemoryFaults, OtherThreads_AreLeftAlone)
             isRefused = false;
             ORL::Allocator::Dispose(ORL::Allocator::Allocate(16), 16);
         });
-        const MemoryFaults faults(MemoryDoor::kSmallBlocks, 1, true);
+        const MemoryFaults faults(FaultyAllocator::kSmallBlocks, 1, true);
         other.join();
         EXPECT_EQ(0u, faults.Refused());
     }
@@ -59,9 +59,9 @@ TEST(MemoryFaults, OtherThreads_AreLeftAlone)
 
 TEST(MemoryFaults, WhatIsNotGivenBack_IsOwed)
 {
-    const std::int64_t before = MemoryOwed(MemoryDoor::kSmallBlocks);
+    const std::int64_t before = OutstandingMemory(FaultyAllocator::kSmallBlocks);
     void* const block = ORL::Allocator::Allocate(16);
-    EXPECT_EQ(before + 1, MemoryOwed(MemoryDoor::kSmallBlocks));
+    EXPECT_EQ(before + 1, OutstandingMemory(FaultyAllocator::kSmallBlocks));
     ORL::Allocator::Dispose(block, 16);
-    EXPECT_EQ(before, MemoryOwed(MemoryDoor::kSmallBlocks));
+    EXPECT_EQ(before, OutstandingMemory(FaultyAllocator::kSmallBlocks));
 }

@@ -90,8 +90,8 @@ TEST(MemoryRecyclerFaults, ManagerThatPurgesThePool_HasTheSecondAttemptSucceed)
     PurgingManager manager(recycler);
     MemoryBuffer buffer;
     {
-        const MemoryFaults noPages(MemoryDoor::kPages, 1, false);
-        const MemoryFaults noBlocks(MemoryDoor::kSmallBlocks, 1, false); // used if no pages are available
+        const MemoryFaults noPages(FaultyAllocator::kPages, 1, false);
+        const MemoryFaults noBlocks(FaultyAllocator::kSmallBlocks, 1, false); // used if no pages are available
         buffer = recycler.AllocateBuffer(2 * kLarge - 1);
     }
     EXPECT_EQ(std::vector<std::size_t>{2 * kLarge}, manager.mSizes) << "asked once, with the rounded size";

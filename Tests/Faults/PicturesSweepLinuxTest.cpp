@@ -176,7 +176,7 @@ TEST_F(PicturesSweep, HandleWithoutMemory_DeletesItsBitmap)
     for (unsigned int number = 1; number <= 3; ++number) {
         const HBITMAP bitmap = MakeCountedBitmap();
         ASSERT_NE(nullptr, bitmap);
-        const MemoryFaults faults(MemoryDoor::kHeap, number, false);
+        const MemoryFaults faults(FaultyAllocator::kHeap, number, false);
         EXPECT_THROW(OSImageHandle{bitmap}, std::bad_alloc) << number;
         EXPECT_EQ(before, sBitmaps);
     }
@@ -186,7 +186,7 @@ TEST_F(PicturesSweep, CopyWithoutMemory_LeavesTheOther)
 {
     const OSImageHandle image(MakeCountedBitmap());
     {
-        const MemoryFaults faults(MemoryDoor::kHeap, 1, false);
+        const MemoryFaults faults(FaultyAllocator::kHeap, 1, false);
         EXPECT_THROW(OSImageHandle{image}, std::bad_alloc);
     }
     EXPECT_TRUE(image.IsValid());

@@ -121,7 +121,7 @@ TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItI
         const CriticalSection guard;
         ImmutableStringTable table(guard);
         const std::size_t last = refused == 1 ? 0 : refused == 2 ? 64 : 128;
-        const MemoryFaults faults(MemoryDoor::kPages, refused, false);
+        const MemoryFaults faults(FaultyAllocator::kPages, refused, false);
         for (std::size_t i = 0; i < last; ++i) {
             table.Enter(Bytes(std::to_string(i).c_str()), false);
         }
@@ -159,7 +159,7 @@ TEST(ImmutableStringFaults, NewStaticTextThatFindsNoMemory_IsNotEntered)
         const std::size_t before = ImmutableStringTable::Get().GetCount();
         bool isRefused = false;
         {
-            const MemoryFaults faults(MemoryDoor::kSmallBlocks, i + 1, false);
+            const MemoryFaults faults(FaultyAllocator::kSmallBlocks, i + 1, false);
             try {
                 ImmutableString::CreateStatic(sTexts[i].c_str());
             } catch (const std::bad_alloc&) {

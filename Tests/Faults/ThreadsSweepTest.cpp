@@ -115,23 +115,25 @@ TEST(ThreadManagerSweep, RegisterAndUnregisterAThread)
         }
     };
     // A thread cannot register again after it has unregistered, so each round uses a new thread.
-    for (const MemoryDoor door : kMemoryDoors) {
+    for (const FaultyAllocator allocator : kFaultyAllocators) {
         unsigned refused = 1;
         for (unsigned number = 1; refused != 0; ++number) {
             std::int64_t left = 0;
             std::thread([&] {
-                const std::int64_t before = MemoryOwed(MemoryDoor::kHeap) + MemoryOwed(MemoryDoor::kSmallBlocks);
+                const std::int64_t before =
+                    OutstandingMemory(FaultyAllocator::kHeap) + OutstandingMemory(FaultyAllocator::kSmallBlocks);
                 {
-                    const MemoryFaults faults(door, number, false);
+                    const MemoryFaults faults(allocator, number, false);
                     try {
                         work();
                     } catch (const std::bad_alloc&) {
                     }
                     refused = faults.Refused();
                 }
-                left = MemoryOwed(MemoryDoor::kHeap) + MemoryOwed(MemoryDoor::kSmallBlocks) - before;
+                left = OutstandingMemory(FaultyAllocator::kHeap) + OutstandingMemory(FaultyAllocator::kSmallBlocks)
+                       - before;
             }).join();
-            EXPECT_EQ(0, left) << "request " << number << " at door " << static_cast<int>(door);
+            EXPECT_EQ(0, left) << "request " << number << " at door " << static_cast<int>(allocator);
         }
     }
     EXPECT_EQ("CorvantoMain", MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetThreadName()));
@@ -179,7 +181,7 @@ TEST(SharedThreadedWorkQueueSweep, QueueThatCouldNotBeMade_IsMadeAtTheNextCall)
 {
     SharedThreadedWorkQueue* const shared = SharedThreadedWorkQueue::Instance();
     {
-        const MemoryFaults faults(MemoryDoor::kHeap, 1, false);
+        const MemoryFaults faults(FaultyAllocator::kHeap, 1, false);
         EXPECT_THROW(shared->RetrieveOrCreateSingleThreaded(ThreadPriorities::kLowest), std::bad_alloc);
     }
     EXPECT_FALSE(shared->RetrieveSingleThreaded(ThreadPriorities::kLowest));

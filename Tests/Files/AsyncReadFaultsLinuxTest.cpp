@@ -214,7 +214,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
                 ExpectRightAndNothingLost(Travel([&](FaultySystemCalls& ioCalls) {
                     sClosesUntilFailure = call == FaultySystemCalls::kClose ? at : 0;
                     sCloseErrno = error;
-                    ioCalls.Underneath().mClose = &CloseAndFail;
+                    ioCalls.Underlying().mClose = &CloseAndFail;
                     if (call != FaultySystemCalls::kClose) {
                         ioCalls.Fail(call, at, error);
                     }
@@ -237,7 +237,7 @@ TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
         SCOPED_TRACE("a completion, errno " + std::to_string(error));
         sCompletionErrno = error;
         EXPECT_TRUE(Travel([](FaultySystemCalls& ioCalls) {
-                        ioCalls.Underneath().mUringWaitCqe = &WaitForFailedCompletion;
+                        ioCalls.Underlying().mUringWaitCqe = &WaitForFailedCompletion;
                     }).IsWhole());
         EXPECT_EQ(RefusalOfTheRing() == 0 ? 0 : error, sCompletionErrno) << "the ring has given it";
         sCompletionErrno = 0;

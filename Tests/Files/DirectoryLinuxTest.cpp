@@ -296,7 +296,7 @@ TEST(DirectoryFaults, AFolderThatIsOnlyAppendedTo_GetsNoProbe)
     const TempFolder folder;
     const Directory directory = Directory::ConstructDirectory(folder.Path());
     FaultySystemCalls calls;
-    calls.Underneath().mStatx = [](int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus) {
+    calls.Underlying().mStatx = [](int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus) {
         const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
         outStatus->stx_attributes |= STATX_ATTR_APPEND;
         return answer;

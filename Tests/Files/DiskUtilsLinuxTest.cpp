@@ -58,7 +58,7 @@ int FakeStatx(int, const char*, int, unsigned, struct statx* outStatus)
 UTF16String NameOf(long inMagic)
 {
     FaultySystemCalls calls;
-    calls.Underneath().mStatFs = &FakeStatFs;
+    calls.Underlying().mStatFs = &FakeStatFs;
     sMagic = inMagic;
     UTF16String name;
     EXPECT_EQ(kSuccess, GetFileSystemName(Units(u"C:\\"), name));
@@ -68,7 +68,7 @@ UTF16String NameOf(long inMagic)
 unsigned int SectorSize(unsigned inAlignment)
 {
     FaultySystemCalls calls;
-    calls.Underneath().mStatx = &FakeStatx;
+    calls.Underlying().mStatx = &FakeStatx;
     sAlignment = inAlignment;
     unsigned int size = 0;
     EXPECT_EQ(kSuccess, GetEfficientDiskBufferSizeFromPath(Units(u"C:\\f"), size));
@@ -88,8 +88,8 @@ TEST(GetFileSystemName, TheFATFamily_BeginsWithFAT)
 TEST(GetMaxFileSize, OnALinuxFATVolume_IsLimited)
 {
     FaultySystemCalls calls;
-    calls.Underneath().mStatFs = &FakeStatFs;
-    calls.Underneath().mStatVfs = &FakeStatVfs;
+    calls.Underlying().mStatFs = &FakeStatFs;
+    calls.Underlying().mStatVfs = &FakeStatVfs;
     sMagic = MSDOS_SUPER_MAGIC;
     sFreeBlocks = 5 * kSize_gigaByte / 4096;
     unsigned __int64 size = 0;
@@ -194,9 +194,9 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
         sTaken = row.mTaken;
         sDeviceSector = row.mDevice;
         FaultySystemCalls calls;
-        calls.Underneath().mStatx = &StatxOfBigSectors;
-        calls.Underneath().mOpen = &OpenOfBigSectors;
-        calls.Underneath().mPRead = &ReadOfBigSectors;
+        calls.Underlying().mStatx = &StatxOfBigSectors;
+        calls.Underlying().mOpen = &OpenOfBigSectors;
+        calls.Underlying().mPRead = &ReadOfBigSectors;
         unsigned int ofFile = 0;
         unsigned int ofFolder = 0;
         EXPECT_EQ(kSuccess, GetEfficientDiskBufferSizeFromPath(folder.Path(u"clip"), ofFile));
@@ -261,7 +261,7 @@ TEST(DiskUtils, FaultsOfTheSystem_BecomeResults)
     EXPECT_EQ(kGeneralFailure, GetMaxFileSize(path, size));
     calls.Fail(FaultySystemCalls::kStatVfs, 1, EIO);
     EXPECT_EQ(0u, GetFreeSpaceFromPath(path));
-    calls.Underneath().mStatVfs = &FakeStatVfs;
+    calls.Underlying().mStatVfs = &FakeStatVfs;
     sFreeBlocks = 5 * kSize_gigaByte / 4096;
     calls.Fail(FaultySystemCalls::kStatFs, 1, ENOENT);
     EXPECT_EQ(kFileNotFound, GetMaxFileSize(path, size));

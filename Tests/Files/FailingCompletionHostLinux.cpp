@@ -46,7 +46,7 @@ bool HasCompletionThread()
 
 void UseEngine(const std::string& inEngine)
 {
-    sCalls.Underneath().mUringWaitCqe = &WaitCqe;
+    sCalls.Underlying().mUringWaitCqe = &WaitCqe;
     if (inEngine != "Ring") {
         sCalls.Fail(FaultySystemCalls::kUringQueueInit, 1, inEngine == "RingForbidden" ? EPERM : ENOSYS);
     }

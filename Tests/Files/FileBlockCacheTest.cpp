@@ -351,7 +351,7 @@ struct Host
 std::vector<Host> AllHosts()
 {
     const auto moody = [](unsigned inRefuses, unsigned inForgets, unsigned inDenies) {
-        return [=] { return BufferRef(new MoodyBuffer({inRefuses, inForgets, inDenies}, 7)); };
+        return [=] { return BufferRef(new FaultyBuffer({inRefuses, inForgets, inDenies}, 7)); };
     };
     const auto store = std::make_shared<BlockStore>(5 * static_cast<std::size_t>(kBlock));
     return {

@@ -64,14 +64,14 @@ TEST(File, Move_RenamesFilesAndDirectories)
 
 namespace {
 
-struct Told
+struct ProgressReport
 {
     std::vector<float> mParts;
     std::size_t mStopsAt = ~std::size_t{0};
 
     static bool OnProgress(float inPart, void* ioTold)
     {
-        Told& told = *static_cast<Told*>(ioTold);
+        ProgressReport& told = *static_cast<ProgressReport*>(ioTold);
         told.mParts.push_back(inPart);
         return told.mParts.size() <= told.mStopsAt;
     }
@@ -84,8 +84,9 @@ TEST(File, CopyWithProgress_TellsFrom0To1)
     const TempFolder folder;
     const std::string contents = MakeContents((std::size_t{9} << 20) + 123);
     folder.MakeFile("f", contents);
-    Told told;
-    EXPECT_EQ(kSuccess, File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &Told::OnProgress, &told));
+    ProgressReport told;
+    EXPECT_EQ(kSuccess,
+              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &told));
     EXPECT_TRUE(contents == ContentsOf(folder, "g"));
     if (!SystemTellsCopyProgress()) {
         GTEST_SKIP() << "this system does not tell the progress of a copy";
@@ -100,8 +101,9 @@ TEST(File, CopyWithProgressOfAnEmptyFile_TellsNoNumber)
 {
     const TempFolder folder;
     folder.MakeFile("f", "");
-    Told told;
-    EXPECT_EQ(kSuccess, File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &Told::OnProgress, &told));
+    ProgressReport told;
+    EXPECT_EQ(kSuccess,
+              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &told));
     EXPECT_EQ("", ContentsOf(folder, "g"));
     if (!SystemTellsCopyProgress()) {
         GTEST_SKIP() << "this system does not tell the progress of a copy";
@@ -123,10 +125,10 @@ TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
             if (stop == 1 && source[0] == u'e') {
                 continue;
             }
-            Told told;
+            ProgressReport told;
             told.mStopsAt = stop;
-            EXPECT_EQ(kOperationAborted,
-                      File::CopyWithProgress(folder.Path(source), folder.Path(u"g"), &Told::OnProgress, &told));
+            EXPECT_EQ(kOperationAborted, File::CopyWithProgress(folder.Path(source), folder.Path(u"g"),
+                                                                &ProgressReport::OnProgress, &told));
             EXPECT_EQ(stop + 1, told.mParts.size());
             EXPECT_EQ("<none>", ContentsOf(folder, "g"));
         }
@@ -140,9 +142,10 @@ TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
     folder.MakeFile("f", "x");
     folder.MakeFile("g", "y");
     folder.MakeFolder("d");
-    Told told;
+    ProgressReport told;
     const auto copy = [&](const char16_t* inSource, const char16_t* inDestination) {
-        return File::CopyWithProgress(folder.Path(inSource), folder.Path(inDestination), &Told::OnProgress, &told);
+        return File::CopyWithProgress(folder.Path(inSource), folder.Path(inDestination), &ProgressReport::OnProgress,
+                                      &told);
     };
     EXPECT_EQ(kFileNotFound, copy(u"none", u"n"));
     EXPECT_EQ(kPathNotFound, copy(u"f", u"no\\n"));

@@ -102,7 +102,7 @@ struct Operation
 
     bool LeavesOpen(int inCall, unsigned inNumber, int inError) const { return FitsAny(mOpen, inCall, inNumber, inError); }
 
-    Result Told(int inCall, int inError) const
+    Result ProgressReport(int inCall, int inError) const
     {
         const bool isLock = inCall == Faults::kLockRange;
         return mTells(static_cast<Faults::Call>(inCall),
@@ -124,9 +124,9 @@ int RefuseToRename(const char*, const char*, unsigned)
 
 void Prepare(const Operation& inOperation, Faults& ioCalls)
 {
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which no check needs
+    ioCalls.Underlying().mFSync = [](int) { return 0; }; // skips the slow sync, which no check needs
     if (inOperation.mIsOnTwoVolumes) {
-        ioCalls.Underneath().mRenameTo = &RefuseToRename;
+        ioCalls.Underlying().mRenameTo = &RefuseToRename;
     }
 }
 
@@ -246,7 +246,7 @@ Result TellNoSize(Faults::Call inCall, SystemError inError)
 }
 
 // A copy with progress reports most failures as a full disk.
-Result TellAsACopy(Faults::Call, SystemError inError)
+Result ReportAsCopyError(Faults::Call, SystemError inError)
 {
     using namespace SystemErrors;
     return inError == kErrorFileNotFound || inError == kErrorAccessDenied ? Files::ResultOf(inError) : kDiskFull;
@@ -323,7 +323,7 @@ const Operation kOperations[] = {
          ExpectUntouched(folder, result);
          ExpectCopyOrNothing(folder, "c", result, kDiskFull);
      },
-     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}, &TellAsACopy},
+     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}, &ReportAsCopyError},
     {"Move", &MakeOld, [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -442,7 +442,7 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
                 ++injections;
                 const bool isForgiven = operation.Forgives(call, number, error);
                 if (!operation.LeavesOpen(call, number, error) || result != kSuccess) {
-                    EXPECT_EQ(isForgiven ? kSuccess : operation.Told(call, error), result);
+                    EXPECT_EQ(isForgiven ? kSuccess : operation.ProgressReport(call, error), result);
                 }
                 EXPECT_EQ(descriptors, OpenDescriptors());
                 operation.mCheck(folder, result);

@@ -111,7 +111,7 @@ SystemError CopyOver(const UTF16String& inSource, const UTF16String& inDestinati
 SystemError Replace(const Stage& inStage, const char16_t* inReplaced, const char16_t* inReplacement)
 {
     return ReplaceFile_Impl(inStage.Extended(inReplaced), inStage.Extended(inReplacement),
-                            inStage.Extended(u"backup.txt"), BackupEnd::kStays);
+                            inStage.Extended(u"backup.txt"), BackupDisposition::kKeep);
 }
 
 const Situation kOpening[] = {

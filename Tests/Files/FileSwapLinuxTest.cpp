@@ -118,7 +118,7 @@ TEST(SwapOfLongNames, BesideTheLeftoversOfAKilledOne_IsDone)
     sLeft.clear();
     FaultySystemCalls calls;
     // The first two temporary names are already taken.
-    calls.Underneath().mLink = [](const char* inFrom, const char* inTo) {
+    calls.Underlying().mLink = [](const char* inFrom, const char* inTo) {
         const std::filesystem::path to(inTo);
         const std::string name = to.filename().string();
         if (name.substr(0, 10) == ".orl-swap-" && sLeft.size() < 2) {

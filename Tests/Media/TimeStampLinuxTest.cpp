@@ -87,7 +87,7 @@ TEST(TimeStamp, OfAClockThatTheTestMoves_CountsItsMilliseconds)
     sTime.tv_sec += 1; // a whole second that is not before the process start
     sTime.tv_nsec = 0;
     FaultySystemCalls calls;
-    calls.Underneath().mClockGetTime = &ChosenTime;
+    calls.Underlying().mClockGetTime = &ChosenTime;
     const TimeStamp first;
     sTime.tv_sec += 2;
     sTime.tv_nsec = 500'000'000;

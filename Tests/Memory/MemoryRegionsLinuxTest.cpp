@@ -69,7 +69,7 @@ TEST(MemoryRegions, ListInPieces_IsReadWhole)
               "00040000-00041000 --xp 00000000 00:00 0\n"
               "ffffffffff600000-ffffffffff601000 --xp 00000000 00:00 0                  [vsyscall]\n";
     FaultySystemCalls calls;
-    calls.Underneath().mPRead = &ReadList;
+    calls.Underlying().mPRead = &ReadList;
     calls.Fail(FaultySystemCalls::kPRead, 2, EINTR);
     struct Row
     {
@@ -105,7 +105,7 @@ TEST(MemoryRegions, ListEndsInAnError_TheRestIsNotToldAsFree)
 {
     sList = "00010000-00020000 rw-p 00000000 00:00 0\n00030000-00040000 rw-p 00000000 00:00 0\n";
     FaultySystemCalls calls;
-    calls.Underneath().mPRead = &ReadList;
+    calls.Underlying().mPRead = &ReadList;
     calls.Fail(FaultySystemCalls::kPRead, 2, EIO, FaultySystemCalls::kForEver);
     Platform::Walk* const walk = Platform::OpenWalk_Impl();
     ASSERT_NE(walk, nullptr);

@@ -213,8 +213,8 @@ struct RelacyPolicy
 
     static void Pause(int) { rl::yield(1, $); }
     static int SpinTurns() { return kSpins; }
-    static int PatientTurns() { return kSpins; }
-    static void GiveWay(int) { rl::yield(1, $); }
+    static int LongSpinTurns() { return kSpins; }
+    static void YieldOrSleep(int) { rl::yield(1, $); }
     static void SleepMilliseconds(int) { rl::yield(1, $); }
 
     using Gate = ORLTest::GateOf<RelacyPolicy>;

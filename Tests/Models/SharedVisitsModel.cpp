@@ -6,14 +6,14 @@
 // and all visitors start at the same slot, so that they collide.
 #include <ModelRun.h>
 
-#include <SharedVisits.h>
+#include <ReaderSlots.h>
 
 #include <atomic>
 #include <cstdint>
 
 namespace {
 
-using ORL::VisitStep;
+using ORL::ReaderSlotStep;
 
 constexpr rl::memory_order Order(std::memory_order inOrder, bool inIsWeak)
 {
@@ -40,18 +40,18 @@ private:
     rl::atomic<T> mValue;
 };
 
-template <bool kIsWeak, VisitStep... kLeftOut>
+template <bool kIsWeak, ReaderSlotStep... kLeftOut>
 struct VisitPolicy
 {
-    static constexpr bool Keeps(VisitStep inStep) { return ((inStep != kLeftOut) && ...); }
+    static constexpr bool Keeps(ReaderSlotStep inStep) { return ((inStep != kLeftOut) && ...); }
 
     template <class T>
     using Atomic = ::Atomic<T, kIsWeak>;
 
-    static constexpr std::size_t kPlaces = 2;
+    static constexpr std::size_t kSlots = 2;
     static constexpr std::size_t kTries = 2;
-    static std::size_t FirstPlace() { return 1; }
-    static void WaitForAMoment(int) { rl::yield(1, $); }
+    static std::size_t FirstSlot() { return 1; }
+    static void BackOff(int) { rl::yield(1, $); }
 };
 
 /// The number of times that each outcome was seen.
@@ -70,9 +70,9 @@ Outcomes sOutcomes;
 template <class Policy, bool kWaits, unsigned kVisitors>
 struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors + 1>
 {
-    using Visits = ORL::SharedVisitsOf<Policy>;
+    using Slots = ORL::ReaderSlotsOf<Policy>;
 
-    Visits mVisits;
+    Slots mVisits;
     rl::var<int> mValue;
 
     void before() { mValue($) = 0; }
@@ -90,15 +90,15 @@ struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors 
 
     void Write()
     {
-        const typename Visits::ShutOut shutOut(mVisits);
+        const typename Slots::WriterAccess writer(mVisits);
         mValue($) = static_cast<int>(mValue($)) + 1;
         ++sOutcomes.mShutOuts;
     }
 
     void TryToWrite()
     {
-        const typename Visits::TryShutOut shutOut(mVisits);
-        if (shutOut.IsShut()) {
+        const typename Slots::TryWriterAccess writer(mVisits);
+        if (writer.IsGranted()) {
             mValue($) = static_cast<int>(mValue($)) + 1;
         } else {
             ++sOutcomes.mTriesThatFailed;
@@ -107,8 +107,8 @@ struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors 
 
     void Read()
     {
-        const typename Visits::Visit visit(mVisits);
-        if (visit.IsIn()) {
+        const typename Slots::ReaderAccess access(mVisits);
+        if (access.IsGranted()) {
             const int before = mValue($);
             RL_ASSERT(before == static_cast<int>(mValue($)));
             ++sOutcomes.mVisits;
@@ -135,8 +135,8 @@ int main(int argc, char** argv)
                 sOutcomes.HasEach() ? "ok" : "FAILED", sOutcomes.mVisits, sOutcomes.mRefusals, sOutcomes.mShutOuts,
                 sOutcomes.mTriesThatFailed);
     const bool hasEach = sOutcomes.HasEach(); // before the mutants add their outcomes
-    run.FindMutant<Visitors<VisitPolicy<false, VisitStep::kTakesPlaceFirst>, true, 1>>("a visitor looks before it takes a place");
-    run.FindMutant<Visitors<VisitPolicy<false, VisitStep::kShutsFirst>, true, 1>>("a writer looks before it shuts");
+    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kReaderTakesSlotFirst>, true, 1>>("a visitor looks before it takes a place");
+    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kWriterExcludesFirst>, true, 1>>("a writer looks before it shuts");
     run.FindMutant<Visitors<VisitPolicy<true>, true, 1>>("orders that are not sequentially consistent");
     run.FindMutant<Visitors<VisitPolicy<true>, false, 1>>("the same, with a writer that does not wait");
     const int code = run.Finish();

@@ -237,7 +237,7 @@ int main(int argc, char** argv)
     run.Random<PushAgainstClose<Ships, 0>>("push against close", 50000);
     run.Random<PushAgainstClose<Ships, 1>>("the same, with a spin", 50000);
     run.Random<PauseHoldsBack<Ships, 1>>("push in a pause, with a spin", 50000);
-    run.FindMutant<WorkThatMeets<Without<ChannelStep::kSleeperLooksAgain>, 0, 1>>("a sleeper does not look again");
+    run.FindMutant<WorkThatMeets<Without<ChannelStep::kSleeperRechecks>, 0, 1>>("a sleeper does not look again");
     run.FindMutant<WorkThatMeets<Without<ChannelStep::kSpinnerEndsFirst>, 1, 1>>("a spinner counts on");
     run.FindMutant<WorkThatMeets<Without<ChannelStep::kOnlyItemNeedsNoWake>, 2, 2, true>>("a spinner is trusted with all");
     run.FindMutant<PauseHoldsBack<Without<ChannelStep::kResumeWakes>, 0>>("resume wakes nobody");

@@ -221,7 +221,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
             mQueue.Add(Requests::kItem);
         }
         for (unsigned i = 0; i < refused; ++i) {
-            Algorithm::MakeUpForMissingItem(mFlush);
+            Algorithm::CountMissingItem(mFlush);
         }
         Algorithm::WaitForAll(mFlush);
         // If the queue refused an item, one thread may still be working.
@@ -286,11 +286,11 @@ int main(int argc, char** argv)
     run.Random<Flushers<Spinning, Shape<2, 2>>>("the same, with a spin", 100000);
     run.Random<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 100000);
     run.Random<Flushers<Spinning, Shape<2, 2, 1>>>("the same, with a spin", 100000);
-    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushWaitsForTheEarlierOne>, Shape<2, 2>>>(
+    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushWaitsForPrevious>, Shape<2, 2>>>(
         "the earlier flush is not waited for");
-    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushWaitsForTheEarlierOne>, Shape<2, 2>>>("the same, with a spin");
+    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushWaitsForPrevious>, Shape<2, 2>>>("the same, with a spin");
     run.FindMutant<Flushers<FlushPolicy<0, Step::kGateSecondRead>, Shape<2, 2>>>("the gate without its second read");
-    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushGivesWay>, Shape<1, 2>>>("a flush that cannot claim tries on", 1);
-    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushGivesWay>, Shape<1, 2>>>("the same, with a spin", 1);
+    run.FindMutant<Flushers<FlushPolicy<0, Step::kFlushYields>, Shape<1, 2>>>("a flush that cannot claim tries on", 1);
+    run.FindMutant<Flushers<FlushPolicy<1, Step::kFlushYields>, Shape<1, 2>>>("the same, with a spin", 1);
     return code != 0 ? code : run.Finish();
 }

@@ -263,13 +263,13 @@ TEST(ImmutableStringTable, WhatNobodyHoldsIsFreed_TheRestIsFoundAndTheTableWorks
     Record* const held = table.Enter(Bytes("held"), false);
     table.Enter(Bytes("static"), true)->RemoveRef();
     table.Enter(Bytes("dynamic"), false)->RemoveRef();
-    table.FreeWhatNobodyHolds();
+    table.FreeUnreferenced();
     EXPECT_EQ(1u, table.GetCount());
     EXPECT_EQ(held, table.Enter(Bytes("held"), false));
     EXPECT_STREQ("held", reinterpret_cast<const char*>(held->Text()));
     held->RemoveRef();
     held->RemoveRef();
-    table.FreeWhatNobodyHolds();
+    table.FreeUnreferenced();
     EXPECT_EQ(0u, table.GetCount());
     EXPECT_STREQ("anew", reinterpret_cast<const char*>(table.Enter(Bytes("anew"), false)->Text()));
 }
@@ -281,10 +281,10 @@ TEST(ImmutableStringTable, SomebodyAtWorkInTheTable_NothingIsFreedAndNobodyWaits
     table.Enter(Bytes("unused"), false)->RemoveRef();
     {
         const CriticalSectionLock lock(guard);
-        std::thread([&table] { table.FreeWhatNobodyHolds(); }).join();
+        std::thread([&table] { table.FreeUnreferenced(); }).join();
     }
     EXPECT_EQ(1u, table.GetCount());
-    table.FreeWhatNobodyHolds();
+    table.FreeUnreferenced();
     EXPECT_EQ(0u, table.GetCount());
 }
 

@@ -56,25 +56,25 @@ private:
 };
 
 /// Keeps blocks, but at random refuses to store one, drops one, or denies that it has one.
-class MoodyBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
+class FaultyBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
     /// Percentages.
-    struct Mood
+    struct FaultRates
     {
         unsigned mRefuses = 0;
         unsigned mForgets = 0;
         unsigned mDenies = 0;
     };
 
-    MoodyBuffer(const Mood& inMood, unsigned inSeed) : mMood(inMood), mRandom(inSeed) {}
+    FaultyBuffer(const FaultRates& inMood, unsigned inSeed) : mFaultRates(inMood), mRandom(inSeed) {}
 
     void AddBlock(Block inBlock, __int64 inPosition) override
     {
-        if (!Chance(mMood.mRefuses)) {
+        if (!Chance(mFaultRates.mRefuses)) {
             mBlocks[inPosition] = inBlock;
         }
-        if (!mBlocks.empty() && Chance(mMood.mForgets)) {
+        if (!mBlocks.empty() && Chance(mFaultRates.mForgets)) {
             mBlocks.erase(std::next(mBlocks.begin(), static_cast<std::ptrdiff_t>(mRandom() % mBlocks.size())));
         }
     }
@@ -82,7 +82,7 @@ public:
     ORL::Result GetBlock(__int64 inPosition, Block& outBlock) override
     {
         const auto found = mBlocks.find(inPosition);
-        if (found == mBlocks.end() || Chance(mMood.mDenies)) {
+        if (found == mBlocks.end() || Chance(mFaultRates.mDenies)) {
             return ORL::kGeneralFailure;
         }
         outBlock = found->second;
@@ -92,7 +92,7 @@ public:
 private:
     bool Chance(unsigned inOfHundred) { return mRandom() % 100 < inOfHundred; }
 
-    const Mood mMood;
+    const FaultRates mFaultRates;
     std::mt19937 mRandom;
     std::map<std::int64_t, Block> mBlocks;
 };

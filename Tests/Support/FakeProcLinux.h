@@ -16,7 +16,7 @@ namespace ORLTest {
 class FakeProc
 {
 public:
-    FakeProc() { mCalls.Underneath().mOpen = &Open; }
+    FakeProc() { mCalls.Underlying().mOpen = &Open; }
     ~FakeProc() { Files().clear(); }
     FakeProc(const FakeProc&) = delete;
     FakeProc& operator=(const FakeProc&) = delete;

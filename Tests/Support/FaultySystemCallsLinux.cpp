@@ -50,7 +50,7 @@ public:
         return mCounts[inCall];
     }
 
-    SystemCalls mUnderneath = ORL::Linux::kSystem;
+    SystemCalls mUnderlying = ORL::Linux::kSystem;
 
 private:
     // Counts the call and returns the plans that match. The caller runs their actions unlocked, because one may wait.
@@ -122,10 +122,10 @@ Result FailNothing(int)
         const int error = state->Enter(FaultySystemCalls::k##name, size);                                              \
         if constexpr (FaultySystemCalls::k##name == FaultySystemCalls::kClose) {                                       \
             if (error != 0) {                                                                                          \
-                state->mUnderneath.m##name arguments;                                                                  \
+                state->mUnderlying.m##name arguments;                                                                  \
             }                                                                                                          \
         }                                                                                                              \
-        return error != 0 ? Fail##failure<result>(error) : state->mUnderneath.m##name arguments;                       \
+        return error != 0 ? Fail##failure<result>(error) : state->mUnderlying.m##name arguments;                       \
     }
 ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_CALL)
 #undef ORL_FAULTY_CALL
@@ -170,9 +170,9 @@ unsigned FaultySystemCalls::Count(Call inCall) const
     return mState->Count(inCall);
 }
 
-SystemCalls& FaultySystemCalls::Underneath() noexcept
+SystemCalls& FaultySystemCalls::Underlying() noexcept
 {
-    return mState->mUnderneath;
+    return mState->mUnderlying;
 }
 
 } // namespace ORLTest

@@ -47,7 +47,7 @@ public:
 
     /// Returns the table of calls that run below the faults, initially those of the kernel. A test may replace entries
     /// before the first call.
-    ORL::Linux::SystemCalls& Underneath() noexcept;
+    ORL::Linux::SystemCalls& Underlying() noexcept;
 
     class State;
 

@@ -31,8 +31,8 @@ std::FILE* FileOf(const std::string& inBytes)
 }
 
 // Runs between fork and exec: only async-signal-safe calls are allowed.
-[[noreturn]] void Become(const std::string& inProgram, std::vector<char*>& inArguments, const std::string& inFolder,
-                         int inInput, int inOutput, int inErrors)
+[[noreturn]] void ExecProgram(const std::string& inProgram, std::vector<char*>& inArguments,
+                              const std::string& inFolder, int inInput, int inOutput, int inErrors)
 {
     ::dup2(inInput, STDIN_FILENO);
     ::dup2(inOutput, STDOUT_FILENO);
@@ -82,7 +82,7 @@ ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<
     std::FILE* errors = std::tmpfile();
     const pid_t process = ::fork();
     if (process == 0) {
-        Become(program, arguments, inWorkingFolder, ::fileno(input), ::fileno(output), ::fileno(errors));
+        ExecProgram(program, arguments, inWorkingFolder, ::fileno(input), ::fileno(output), ::fileno(errors));
     }
     ProcessResult result;
     WaitFor(process, inSeconds, result);

@@ -231,8 +231,8 @@ TEST(IsProcessRunning, TheFirst1024Processes_AreSeenAndNoMore)
     for (const auto& row : rows) {
         sNextFake = 0;
         FaultySystemCalls calls;
-        calls.Underneath().mGetDents = &FakeDents;
-        calls.Underneath().mReadLinkAt = &FakeLink;
+        calls.Underlying().mGetDents = &FakeDents;
+        calls.Underlying().mReadLinkAt = &FakeLink;
         EXPECT_EQ(row.mIsSeen, IsRunning(row.mName)) << UTF16String(Units(row.mName)).size();
     }
 }

@@ -103,7 +103,7 @@ struct ScriptedPolicy : ORL::Sync::SystemPolicy
     static void NotifyAll(Condition&) { ++Script::Current().mNotifications; }
     static void Pause(int) { Script::Current().mAtPause(); }
     static int SpinTurns() { return Script::Current().mSpinTurns; }
-    static int PatientTurns() { return Script::Current().mSpinTurns; }
+    static int LongSpinTurns() { return Script::Current().mSpinTurns; }
     static void SleepMilliseconds(int inMilliseconds) { Script::Current().mAtSleep(inMilliseconds); }
 };
 

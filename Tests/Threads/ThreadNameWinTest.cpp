@@ -10,7 +10,7 @@ using ORLTest::DebuggedException;
 
 namespace {
 
-constexpr DWORD kNamesAThread = 0x406D1388;
+constexpr DWORD kThreadNameException = 0x406D1388;
 
 std::string TextAt(HANDLE inProcess, ULONG_PTR inAddress)
 {
@@ -41,7 +41,7 @@ TEST(ThreadName, UnderADebugger_ComesAsTheExceptionItKnows)
     const DWORD exitCode =
         ORLTest::RunDebugged(L"naming_child.exe", L"", [&names](const DebuggedException& inException) {
             const EXCEPTION_RECORD& record = inException.mRecord;
-            if (record.ExceptionCode != kNamesAThread) {
+            if (record.ExceptionCode != kThreadNameException) {
                 return record.ExceptionCode == EXCEPTION_BREAKPOINT;
             }
             EXPECT_EQ(3u, record.NumberParameters);

@@ -255,7 +255,7 @@ TEST_F(IngestHarmOnLinux, LeftoversOfAKilledRun_CountAsFreeRoom)
     static fs::path sUnfinished;
     sUnfinished = Disk() / kUnfinished;
     FaultySystemCalls calls;
-    calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+    calls.Underlying().mStatVfs = [](const char*, struct statvfs* outStatus) {
         *outStatus = {};
         outStatus->f_frsize = 4096;
         outStatus->f_bavail = fs::exists(sUnfinished) ? 10 : 10000;
@@ -272,7 +272,7 @@ TEST_F(IngestHarmOnLinux, ARunThatIsRefusedForRoom_ChangesNothing)
     WriteFile(Disk() / kManifest, std::string(64, 'a') + "  b\n" + std::string(64, 'a') + "  somebody's clip");
     const FileTree disk = ReadTree(Disk());
     FaultySystemCalls calls;
-    calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+    calls.Underlying().mStatVfs = [](const char*, struct statvfs* outStatus) {
         *outStatus = {};
         outStatus->f_frsize = 4096;
         outStatus->f_bavail = 10;

@@ -176,7 +176,7 @@ TEST_F(OrlIngestOnLinux, TooLittleRoom_IsToldBeforeAnythingIsDone)
     WriteFile(Card() / "a", std::string(100000, 'a'));
     {
         FaultySystemCalls calls;
-        calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+        calls.Underlying().mStatVfs = [](const char*, struct statvfs* outStatus) {
             *outStatus = {};
             outStatus->f_frsize = 4096;
             outStatus->f_bavail = 10;
@@ -200,7 +200,7 @@ TEST_F(OrlIngestOnLinux, TwoDestinationsOnOneVolume_ShareItsRoom)
     watcher.mShow = [](std::uint64_t, std::size_t) {};
     {
         FaultySystemCalls calls;
-        calls.Underneath().mStatVfs = [](const char*, struct statvfs* outStatus) {
+        calls.Underlying().mStatVfs = [](const char*, struct statvfs* outStatus) {
             *outStatus = {};
             outStatus->f_frsize = 4096;
             outStatus->f_bavail = 40;
@@ -234,7 +234,7 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
     fs::resize_file(Card() / "a", std::uintmax_t{5} << 30);
     {
         FaultySystemCalls calls;
-        calls.Underneath().mStatFs = [](const char*, struct statfs* outStatus) {
+        calls.Underlying().mStatFs = [](const char*, struct statfs* outStatus) {
             *outStatus = {};
             outStatus->f_type = 0x4d44; // the type of FAT file systems
             return 0;

@@ -156,8 +156,8 @@ protected:
 // Makes every rename between two folders a cross-volume move.
 void SplitVolumes(FaultySystemCalls& ioCalls)
 {
-    ioCalls.Underneath().mFSync = [](int) { return 0; };
-    ioCalls.Underneath().mRenameAt = [](int inFrom, const char* inName, int inTo, const char* inNewName,
+    ioCalls.Underlying().mFSync = [](int) { return 0; };
+    ioCalls.Underlying().mRenameAt = [](int inFrom, const char* inName, int inTo, const char* inNewName,
                                         unsigned inFlags) {
         if (inFrom == inTo) {
             return Linux::kSystem.mRenameAt(inFrom, inName, inTo, inNewName, inFlags);

@@ -36,7 +36,7 @@ struct Failure
 
     // A file that cannot be opened or queried can still be deleted and moved. A failing close matters only for a file
     // that was written.
-    bool MustBeTold() const
+    bool MustBeReported() const
     {
         const bool isNoMatter = mCall == Faults::kStatx || mCall == Faults::kClose
                                 || ((mCall == Faults::kOpenAt || mCall == Faults::kFStat) && mErrno == EACCES);
@@ -60,8 +60,8 @@ int RenameInFolders(int inFrom, const char* inName, int inTo, const char* inNewN
 
 void SplitVolumes(Faults& ioCalls)
 {
-    ioCalls.Underneath().mRenameAt = &RenameInFolders;
-    ioCalls.Underneath().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant to this test
+    ioCalls.Underlying().mRenameAt = &RenameInFolders;
+    ioCalls.Underlying().mFSync = [](int) { return 0; }; // skips the slow sync, which is irrelevant to this test
 }
 
 // Runs inWork with each call failing at each index, followed by inCheck(result, failure).
@@ -86,7 +86,7 @@ void FailEachCall(const Prepare& inPrepare, const Work& inWork, const Check& inC
                 }
                 const Failure failure{call, error, isMet};
                 inCheck(result, failure);
-                EXPECT_TRUE(!failure.MustBeTold() || result != kSuccess);
+                EXPECT_TRUE(!failure.MustBeReported() || result != kSuccess);
                 EXPECT_TRUE(isMet || result == kSuccess);
                 if (!isMet || testing::Test::HasFailure()) {
                     break;
@@ -274,9 +274,9 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAnotherVolume_PutsTheCopyOnDiskFirst)
     sSteps.clear();
     {
         Faults calls;
-        calls.Underneath().mFSync = &NoteSync;
-        calls.Underneath().mRenameAt = &NoteRename;
-        calls.Underneath().mUnlinkAt = &NoteUnlink;
+        calls.Underlying().mFSync = &NoteSync;
+        calls.Underlying().mRenameAt = &NoteRename;
+        calls.Underlying().mUnlinkAt = &NoteUnlink;
         EXPECT_EQ(kSuccess, Directory::Move(From(), To()));
     }
     EXPECT_EQ((std::vector<std::string>{"sync folder", "sync file", "name a", "sync folder", "sync folder", "delete a",
@@ -292,7 +292,7 @@ TEST_F(DirectoryTreesUnderFaults, Move_ToAVolumeThatSyncsNoFolders_IsDone)
     MakeTree();
     Faults calls;
     SplitVolumes(calls);
-    calls.Underneath().mFSync = [](int inFile) {
+    calls.Underlying().mFSync = [](int inFile) {
         struct stat status;
         ::fstat(inFile, &status);
         errno = EINVAL;
@@ -310,7 +310,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_BesideTheLeftoversOfAKilledOne_IsDone)
     sTaken.clear();
     {
         Faults calls;
-        calls.Underneath().mSymLinkAt = [](const char* inTarget, int inFolder, const char* inName) {
+        calls.Underlying().mSymLinkAt = [](const char* inTarget, int inFolder, const char* inName) {
             sTaken.push_back(inName);
             return Linux::kSystem.mSymLinkAt(inTarget, inFolder, inName);
         };

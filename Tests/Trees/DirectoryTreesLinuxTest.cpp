@@ -299,8 +299,8 @@ TEST_F(DirectoryTreesOnLinux, Wipe_ALinkThatTakesAFoldersPlace_IsNotFollowed)
     };
     {
         FaultySystemCalls calls;
-        static const auto sOpenAt = calls.Underneath().mOpenAt;
-        calls.Underneath().mOpenAt = [](int inFolder, const char* inPath, int inFlags, mode_t inMode) {
+        static const auto sOpenAt = calls.Underlying().mOpenAt;
+        calls.Underlying().mOpenAt = [](int inFolder, const char* inPath, int inFlags, mode_t inMode) {
             if (sExchange && std::string(inPath) == "sub") {
                 sExchange();
             }

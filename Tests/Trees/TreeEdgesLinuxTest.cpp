@@ -47,8 +47,8 @@ private:
 
 void SplitVolumes(FaultySystemCalls& ioCalls)
 {
-    ioCalls.Underneath().mFSync = [](int) { return 0; };
-    ioCalls.Underneath().mRenameAt = [](int inFrom, const char* inName, int inTo, const char* inNewName,
+    ioCalls.Underlying().mFSync = [](int) { return 0; };
+    ioCalls.Underlying().mRenameAt = [](int inFrom, const char* inName, int inTo, const char* inNewName,
                                         unsigned inFlags) {
         if (inFrom == inTo) {
             return Linux::kSystem.mRenameAt(inFrom, inName, inTo, inNewName, inFlags);
@@ -56,7 +56,7 @@ void SplitVolumes(FaultySystemCalls& ioCalls)
         errno = EXDEV;
         return -1;
     };
-    ioCalls.Underneath().mRenameTo = [](const char*, const char*, unsigned) {
+    ioCalls.Underlying().mRenameTo = [](const char*, const char*, unsigned) {
         errno = EXDEV;
         return -1;
     };
@@ -143,7 +143,7 @@ TEST_F(TreeEdges, ListingsWithoutTypes_CopyMoveWipeAndListTheSame)
 {
     MakeTree();
     FaultySystemCalls calls;
-    calls.Underneath().mGetDents = &ListWithoutTypes;
+    calls.Underlying().mGetDents = &ListWithoutTypes;
     EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
     EXPECT_EQ(mTree, Read(Host("to")));
     EXPECT_EQ(kSuccess, Directory::Move(To(), mFolder.Path(u"there")));
@@ -167,8 +167,8 @@ TEST_F(TreeEdges, APipeInAListingWithoutTypes_IsNotOpened)
     static bool sIsOpened;
     sIsOpened = false;
     FaultySystemCalls calls;
-    calls.Underneath().mGetDents = &ListWithoutTypes;
-    calls.Underneath().mOpenAt = [](int inFolder, const char* inPath, int inFlags, mode_t inMode) {
+    calls.Underlying().mGetDents = &ListWithoutTypes;
+    calls.Underlying().mOpenAt = [](int inFolder, const char* inPath, int inFlags, mode_t inMode) {
         sIsOpened = sIsOpened || std::string(inPath) == "pipe";
         return Linux::kSystem.mOpenAt(inFolder, inPath, inFlags, inMode);
     };

@@ -38,7 +38,7 @@ AllocationFaults::Plan Refuse(std::uint64_t inFirst, std::uint64_t inHowMany)
 {
     AllocationFaults::Plan plan;
     plan.mFirst = inFirst;
-    plan.mHowMany = inHowMany;
+    plan.mFailureCount = inHowMany;
     plan.mOfThisThreadOnly = true;
     return plan;
 }

@@ -61,12 +61,12 @@ std::vector<std::size_t> InterestingSizes()
     return sizes;
 }
 
-AllocationFaults::Plan FailAllFrom(AllocationFaults::Door inDoor, std::uint64_t inFirst)
+AllocationFaults::Plan FailAllFrom(AllocationFaults::AllocationKind inKind, std::uint64_t inFirst)
 {
     AllocationFaults::Plan plan;
-    plan.mDoor = inDoor;
+    plan.mKind = inKind;
     plan.mFirst = inFirst;
-    plan.mHowMany = AllocationFaults::kAllFurther;
+    plan.mFailureCount = AllocationFaults::kAllFurther;
     plan.mOfThisThreadOnly = true;
     return plan;
 }
@@ -177,7 +177,7 @@ TEST(SmallBlockAllocator, NthAllocationFails_OnlyThatOne)
 {
     AllocationFaults::Plan plan;
     plan.mFirst = 3;
-    plan.mHowMany = 2;
+    plan.mFailureCount = 2;
     plan.mOfThisThreadOnly = true;
     const AllocationFaults::Scope faults(plan);
     std::vector<bool> given;

@@ -138,7 +138,7 @@ TEST(SmallBlockCounters, FailedAllocation_CountsNothing)
     const Snapshot before = Now();
     {
         AllocationFaults::Plan plan;
-        plan.mHowMany = AllocationFaults::kAllFurther;
+        plan.mFailureCount = AllocationFaults::kAllFurther;
         plan.mOfThisThreadOnly = true;
         const AllocationFaults::Scope faults(plan);
         EXPECT_EQ(SmallBlockAllocator::Allocate(16), nullptr);

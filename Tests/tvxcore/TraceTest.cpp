@@ -51,7 +51,7 @@ tvxcore::utility::AllocationFaults::Plan RefuseFrom(std::uint64_t inFirst)
 {
     tvxcore::utility::AllocationFaults::Plan plan;
     plan.mFirst = inFirst;
-    plan.mHowMany = tvxcore::utility::AllocationFaults::kAllFurther;
+    plan.mFailureCount = tvxcore::utility::AllocationFaults::kAllFurther;
     plan.mOfThisThreadOnly = true;
     return plan;
 }

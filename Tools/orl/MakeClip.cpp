@@ -56,7 +56,7 @@ Failure CannotWrite(const Options& inOptions, const std::string& inReason)
 }
 
 // C++ streams store no error code, so the system's last error is used.
-std::string SystemsReason()
+std::string SystemErrorText()
 {
     return std::generic_category().message(errno != 0 ? errno : EIO);
 }
@@ -112,7 +112,7 @@ private:
     void Check() const
     {
         if (!mFile) {
-            throw CannotWrite(mOptions, SystemsReason());
+            throw CannotWrite(mOptions, SystemErrorText());
         }
     }
 
@@ -150,7 +150,7 @@ void CheckTarget(const Options& inOptions, const std::filesystem::path& inPath)
     }
 }
 
-void CheckRoom(const Options& inOptions, const UTF16String& inPath)
+void CheckFreeSpace(const Options& inOptions, const UTF16String& inPath)
 {
     const std::uint64_t room = ORL::DiskUtils::GetFreeSpaceFromPath(inPath);
     if (room != 0 && room < inOptions.mSize) { // 0: unknown, or the disk is full and the first write will fail
@@ -171,7 +171,7 @@ void Run(const Options& inOptions)
     std::signal(SIGTERM, &OnInterrupt);
     const std::filesystem::path path = std::filesystem::u8path(hostPath);
     CheckTarget(inOptions, path);
-    CheckRoom(inOptions, libraryPath);
+    CheckFreeSpace(inOptions, libraryPath);
     PartFile file(inOptions, path);
     WriteFrames(file, inOptions.mSize);
     file.Finish();

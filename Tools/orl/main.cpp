@@ -39,7 +39,7 @@ int Finish()
     return std::cout ? orl::kExitSuccess : Fail("cannot write to standard output", orl::kExitFailure);
 }
 
-std::string WhereToLook(const std::string& inCommand)
+std::string HelpHint(const std::string& inCommand)
 {
     return " (see " + inCommand + " --help)";
 }
@@ -56,7 +56,7 @@ void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inA
         }
         const std::vector<const CLI::App*> commands = program->get_subcommands(isIt);
         if (commands.empty()) {
-            throw orl::Failure("unknown command \"" + argument + "\"" + WhereToLook(shown), orl::kExitUsage);
+            throw orl::Failure("unknown command \"" + argument + "\"" + HelpHint(shown), orl::kExitUsage);
         }
         program = commands.front();
         shown += " " + program->get_name();
@@ -78,9 +78,9 @@ std::string CommandOf(const CLI::App& inProgram)
 std::string UsageError(const CLI::App& inProgram, const std::string& inWhat)
 {
     const std::string command = CommandOf(inProgram);
-    const std::size_t behindProgram = inProgram.get_name().size() + 1;
-    const std::string who = command.size() > behindProgram ? command.substr(behindProgram) + ": " : std::string();
-    return who + inWhat + WhereToLook(command);
+    const std::size_t afterProgram = inProgram.get_name().size() + 1;
+    const std::string who = command.size() > afterProgram ? command.substr(afterProgram) + ": " : std::string();
+    return who + inWhat + HelpHint(command);
 }
 
 int Run(std::vector<std::string> inArguments)

@@ -28,7 +28,7 @@ Scope::Scope(const Plan& inPlan) noexcept
     sAsked.store(0);
     sRefused.store(0);
     sIsArmed.store(true);
-    if (inPlan.mDoor == kBlocks) {
+    if (inPlan.mKind == kBlocks) {
         SmallBlocks::OpenFastAllocation(false);
     }
 }
@@ -59,14 +59,14 @@ NoMetricsScope::~NoMetricsScope()
     sHasMetrics.store(true);
 }
 
-bool Refuses(Door inDoor) noexcept
+bool Refuses(AllocationKind inKind) noexcept
 {
-    if (!sIsArmed.load(std::memory_order_acquire) || sPlan.mDoor != inDoor
+    if (!sIsArmed.load(std::memory_order_acquire) || sPlan.mKind != inKind
         || (sPlan.mOfThisThreadOnly && threads::GetCurrentThreadID() != sThread)) {
         return false;
     }
     const std::uint64_t number = sAsked.fetch_add(1) + 1;
-    if (number < sPlan.mFirst || number - sPlan.mFirst >= sPlan.mHowMany) {
+    if (number < sPlan.mFirst || number - sPlan.mFirst >= sPlan.mFailureCount) {
         return false;
     }
     sRefused.fetch_add(1);

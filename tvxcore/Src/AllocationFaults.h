@@ -19,16 +19,16 @@ namespace utility {
 namespace AllocationFaults {
 
 /// The kind of allocation that fails.
-enum Door {
+enum AllocationKind {
     kBlocks, // SmallBlockAllocator::Allocate: returns null
     kPages   // memory that the allocator maps for its clusters and caches
 };
 
 struct Plan
 {
-    Door mDoor = kBlocks;
+    AllocationKind mKind = kBlocks;
     std::uint64_t mFirst = 1;              // counted from 1
-    std::uint64_t mHowMany = 1;            // consecutive failures; kAllFurther for no limit
+    std::uint64_t mFailureCount = 1;            // consecutive failures; kAllFurther for no limit
     bool mOfThisThreadOnly = false;        // count and refuse only allocations of the arming thread
 };
 
@@ -59,7 +59,7 @@ public:
 };
 
 /// Called by the allocator.
-bool Refuses(Door inDoor) noexcept;
+bool Refuses(AllocationKind inKind) noexcept;
 bool HasMetrics() noexcept;
 
 } // namespace AllocationFaults

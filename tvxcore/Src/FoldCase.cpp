@@ -35,7 +35,7 @@ struct FoldingExpansion
 constexpr std::uint32_t kDirectEnd = 0x0600;
 
 // Builds a direct table of their foldings; 0 marks an expansion.
-constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
+constexpr std::array<unsigned short, kDirectEnd> MakeDirectTable()
 {
     std::array<unsigned short, kDirectEnd> table{};
     for (std::uint32_t point = 0; point < kDirectEnd; ++point) {
@@ -54,7 +54,7 @@ constexpr std::array<unsigned short, kDirectEnd> MakeDirect()
     return table;
 }
 
-constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirect();
+constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirectTable();
 
 // Returns null for a code point that folds to one code point.
 const FoldingExpansion* FindExpansion(std::uint32_t inPoint)

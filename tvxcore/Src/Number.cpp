@@ -14,7 +14,7 @@ namespace utility {
 
 namespace {
 
-constexpr std::size_t kMostFractionDigits = 9;
+constexpr std::size_t kMaxFractionDigits = 9;
 
 // The digits are computed here, not by the system, so that numbers are rounded identically on every platform. printf is
 // not used, since it writes the decimal point of the host's current locale.
@@ -69,7 +69,7 @@ UTF16String NumberToString(double inNumber, std::size_t inIntegerDigits, std::si
     if (std::isinf(inNumber)) {
         return inNumber < 0 ? UTF16String({'-', 0x221E}) : UTF16String({0x221E});
     }
-    const std::size_t fractionDigits = std::min(inFractionDigits, kMostFractionDigits);
+    const std::size_t fractionDigits = std::min(inFractionDigits, kMaxFractionDigits);
     Platform::NumberStyle style;
     style.mHasLeadingZero = inIntegerDigits != 0;
     style.mIsGrouped = !inFlags.Has(kNumberFlag_NoGrouping);

@@ -160,19 +160,19 @@ TVX_AVX512_INLINE __m512i Widen(__m256i inLow, __m256i inHigh)
     return _mm512_or_si512(_mm512_cvtepu8_epi16(inLow), _mm512_slli_epi16(_mm512_cvtepu8_epi16(inHigh), 8));
 }
 
-// Writes at most inRoom units; pass 64 except at the end of a text.
-TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inRoom, unsigned short* outText)
+// Writes at most inCapacity units; pass 64 except at the end of a text.
+TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inCapacity, unsigned short* outText)
 {
     const __m512i first = Widen(_mm512_castsi512_si256(inLow), _mm512_castsi512_si256(inHigh));
     const __m512i second = Widen(_mm512_extracti64x4_epi64(inLow, 1), _mm512_extracti64x4_epi64(inHigh, 1));
-    if (inRoom >= 64) {
+    if (inCapacity >= 64) {
         _mm512_storeu_si512(outText, first);
         _mm512_storeu_si512(outText + 32, second);
     } else {
-        const std::size_t firstRoom = inRoom < 32 ? inRoom : 32;
-        StoreEnd(outText, first, 2 * firstRoom);
-        if (inRoom > 32) {
-            StoreEnd(outText + 32, second, 2 * (inRoom - 32));
+        const std::size_t firstCapacity = inCapacity < 32 ? inCapacity : 32;
+        StoreEnd(outText, first, 2 * firstCapacity);
+        if (inCapacity > 32) {
+            StoreEnd(outText + 32, second, 2 * (inCapacity - 32));
         }
     }
 }

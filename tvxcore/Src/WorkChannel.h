@@ -23,7 +23,7 @@ namespace threads {
 
 /// Steps that the model check omits one by one, to prove that it detects each omission.
 enum class ChannelStep {
-    kSleeperLooksAgain,    // a thread that has announced its sleep checks for work once more
+    kSleeperRechecks,    // a thread that has announced its sleep checks for work once more
     kSpinnerEndsFirst,     // a spinner that found work leaves the count before it dequeues
     kOnlyItemNeedsNoWake,  // a push leaves one item to a spinner, but not several
     kResumeWakes,          // the end of a pause wakes the sleepers
@@ -47,7 +47,7 @@ public:
     {
         Policy::Reach(mInbox.mLast) = nullptr;
         Policy::Reach(mInbox.mIsClosed) = false;
-        Policy::Reach(mHabit) = Habit{inSpinTurns, 0};
+        Policy::Reach(mSpinHistory) = SpinHistory{inSpinTurns, 0};
     }
     WorkChannel(const WorkChannel&) = delete;
     WorkChannel& operator=(const WorkChannel&) = delete;
@@ -140,9 +140,9 @@ private:
 
     static constexpr std::uint32_t kSleeper = 1;
     static constexpr std::uint32_t kSpinner = 1u << 24;
-    static constexpr std::uint32_t kHopefulSpins = 4;
+    static constexpr std::uint32_t kMaxFailedSpins = 4;
     static constexpr std::uint32_t kSpinsSkipped = 16;
-    static constexpr unsigned int kLeastTurns = 64;
+    static constexpr unsigned int kMinTurns = 64;
     static constexpr std::uint32_t kRunning = 0;
     static constexpr std::uint32_t kPaused = 1;
 
@@ -180,7 +180,7 @@ private:
         bool isOver = false;
         outNode = Policy::Load(mOutbox.mFirst);
         if (outNode == nullptr) {
-            outNode = MoveInboxOver(isOver);
+            outNode = MoveInboxToOutbox(isOver);
         }
         if (outNode != nullptr) {
             Policy::Store(mOutbox.mFirst, outNode->mNext);
@@ -190,7 +190,7 @@ private:
 
     // Sets the outbox before it releases the inbox lock: a push that finds the inbox empty must not find the outbox
     // empty too while the nodes are being moved.
-    WorkNode* MoveInboxOver(bool& outIsOver)
+    WorkNode* MoveInboxToOutbox(bool& outIsOver)
     {
         const MutexLock lock(mInbox.mMutex);
         WorkNode* const first = Policy::Load(mInbox.mFirst);
@@ -225,7 +225,7 @@ private:
         if (mSpinTurns == 0 || !BeginSpin()) {
             return false;
         }
-        const unsigned int most = TurnsWorthwhile();
+        const unsigned int most = SpinLimit();
         unsigned int turns = 0;
         bool isFound = false;
         while (!isFound && turns != most) {
@@ -241,26 +241,26 @@ private:
     }
 
     // If recent work came too late for any spin, only an occasional spin tests whether that has changed.
-    unsigned int TurnsWorthwhile()
+    unsigned int SpinLimit()
     {
-        const Habit& habit = Policy::Reach(mHabit);
-        if (habit.mVainSpins < kHopefulSpins) {
-            return habit.mTurns;
+        const SpinHistory& history = Policy::Reach(mSpinHistory);
+        if (history.mFailedSpins < kMaxFailedSpins) {
+            return history.mTurns;
         }
-        return habit.mVainSpins % kSpinsSkipped == 0 ? mSpinTurns : 0;
+        return history.mFailedSpins % kSpinsSkipped == 0 ? mSpinTurns : 0;
     }
 
     // A successful spin justifies twice its time. Keeps a moving average of recent spins.
     void LearnFromSpin(bool inIsFound, unsigned int inTurns)
     {
-        Habit& habit = Policy::Reach(mHabit);
+        SpinHistory& history = Policy::Reach(mSpinHistory);
         if (!inIsFound) {
-            ++habit.mVainSpins;
+            ++history.mFailedSpins;
             return;
         }
-        const unsigned int average = (7 * habit.mTurns + 2 * inTurns + kLeastTurns) / 8;
-        habit.mTurns = average < mSpinTurns ? average : mSpinTurns;
-        habit.mVainSpins = 0;
+        const unsigned int average = (7 * history.mTurns + 2 * inTurns + kMinTurns) / 8;
+        history.mTurns = average < mSpinTurns ? average : mSpinTurns;
+        history.mFailedSpins = 0;
     }
 
     bool BeginSpin()
@@ -272,7 +272,7 @@ private:
     void SleepUntilWoken()
     {
         Policy::Add(mIdle, kSleeper);
-        const bool mustStay = Policy::Keeps(ChannelStep::kSleeperLooksAgain) && HasWork();
+        const bool mustStay = Policy::Keeps(ChannelStep::kSleeperRechecks) && HasWork();
         if (mustStay && ClaimSleepers(1) == 1) {
             return;
         }
@@ -345,17 +345,17 @@ private:
         NodePointer mFirst{nullptr};
     };
 
-    struct Habit
+    struct SpinHistory
     {
         unsigned int mTurns;      // turns of a spin that may pay
-        std::uint32_t mVainSpins; // failed spins since work was last found
+        std::uint32_t mFailedSpins; // failed spins since work was last found
     };
 
     const unsigned int mSpinTurns;
     Inbox mInbox;
     Outbox mOutbox;
     alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, plus kSpinner while a thread spins
-    typename Policy::template Guarded<Habit> mHabit; // only the spinner accesses it
+    typename Policy::template Guarded<SpinHistory> mSpinHistory; // only the spinner accesses it
     Word mPaused{kRunning};                 // changed under the outbox lock
     alignas(Policy::kLine) Word mWakes{0};  // wakes that claimed sleepers have not consumed yet
 };

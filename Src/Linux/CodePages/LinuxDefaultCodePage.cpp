@@ -40,7 +40,7 @@ constexpr Row kRows[] = {
 };
 
 // Returns the part of a locale name after inMark, up to the next mark; empty if the name does not contain inMark.
-std::string_view PartBehind(std::string_view inName, char inMark)
+std::string_view PartAfter(std::string_view inName, char inMark)
 {
     const std::size_t mark = inName.find(inMark);
     if (mark == std::string_view::npos) {
@@ -58,8 +58,8 @@ unsigned int CodePageOfLocale(const char* inName) noexcept
 {
     const std::string_view name = inName;
     const std::string_view language = name.substr(0, name.find_first_of("_.@"));
-    const std::string_view territory = PartBehind(name.substr(0, name.find_first_of(".@")), '_');
-    const std::string_view modifier = PartBehind(name, '@');
+    const std::string_view territory = PartAfter(name.substr(0, name.find_first_of(".@")), '_');
+    const std::string_view modifier = PartAfter(name, '@');
     for (const Row& row : kRows) {
         if (row.mLanguage == language && (row.mTerritory.empty() || row.mTerritory == territory)
             && (row.mModifier.empty() || row.mModifier == modifier)) {

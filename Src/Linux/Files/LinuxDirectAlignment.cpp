@@ -14,13 +14,13 @@ namespace Linux {
 
 namespace {
 
-bool IsTold(const struct statx& inStatus) noexcept
+bool IsReported(const struct statx& inStatus) noexcept
 {
     return (inStatus.stx_mask & STATX_DIOALIGN) != 0;
 }
 
 // Returns 0 if the kernel reports that the file does not support direct I/O.
-std::uint32_t ToldAlignment(const struct statx& inStatus) noexcept
+std::uint32_t ReportedAlignment(const struct statx& inStatus) noexcept
 {
     return inStatus.stx_dio_offset_align == 0
                ? 0
@@ -71,8 +71,8 @@ std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept
 {
     struct statx status = {};
     const bool isAsked = System().mStatx(inFile, "", AT_EMPTY_PATH, STATX_TYPE | STATX_DIOALIGN, &status) == 0;
-    if (isAsked && IsTold(status)) {
-        return ToldAlignment(status);
+    if (isAsked && IsReported(status)) {
+        return ReportedAlignment(status);
     }
     if (!inMayRead) {
         return kLargestSector;
@@ -87,8 +87,8 @@ SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)
     if (System().mStatx(AT_FDCWD, inHostPath.c_str(), 0, STATX_TYPE | STATX_DIOALIGN, &status) != 0) {
         return SystemErrorFromErrno(errno, inHostPath);
     }
-    if (IsTold(status)) {
-        outSize = std::max(ToldAlignment(status), kSmallestSector);
+    if (IsReported(status)) {
+        outSize = std::max(ReportedAlignment(status), kSmallestSector);
         return SystemErrors::kNoError;
     }
     outSize = SectorOfDevice(status);

@@ -102,7 +102,7 @@ template <class Work>
 SystemError WithStore(KeyHandle inKey, Work inWork) noexcept
 {
     HandleParts parts;
-    if (!Linux::TakeApart(inKey, parts)) {
+    if (!Linux::DecodeHandle(inKey, parts)) {
         return kErrorInvalidHandle;
     }
     try {
@@ -268,7 +268,7 @@ SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits)
 StoreState GetStoreState_Impl(KeyHandle inRoot, bool inCheck)
 {
     HandleParts parts;
-    Linux::TakeApart(inRoot, parts);
+    Linux::DecodeHandle(inRoot, parts);
     return Linux::StoreOf(parts).State(inCheck);
 }
 

@@ -35,7 +35,7 @@ SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTar
             if (!inMake) {
                 return kErrorFileNotFound;
             }
-            if (++made > kMostLevelsAtOnce || level >= kMostLevels) {
+            if (++made > kMaxLevelsAtOnce || level >= kMaxLevels) {
                 return kErrorInvalidParameter;
             }
             error = Statement(mDatabase, Database::kInsertKey).Bind(1, key).Bind(2, UnitsView(mFolded)).Bind(3, name).Run();

@@ -11,14 +11,14 @@ namespace {
 
 // In a handle bit 0 is set, bit 1 marks the machine's store, bits 2 to 31 contain the slot, and the higher bits contain
 // the serial number. The root handles are those of Windows, sign-extended. No other handle equals them, because their
-// bit 31 would mean a slot of 2^29 or more, above kMostSlots.
+// bit 31 would mean a slot of 2^29 or more, above kMaxSlots.
 constexpr unsigned kSlotShift = 2;
 constexpr unsigned kSerialShift = 32;
-constexpr std::uint32_t kMostSlots = 1u << 28;
+constexpr std::uint32_t kMaxSlots = 1u << 28;
 
 } // namespace
 
-bool TakeApart(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept
+bool DecodeHandle(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept
 {
     if (inHandle == Platform::GetUserRoot_Impl() || inHandle == Platform::GetMachineRoot_Impl()) {
         outParts.mIsRoot = true;
@@ -36,7 +36,7 @@ bool TakeApart(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept
 Platform::KeyHandle HandleTable::Add(std::shared_ptr<StoredKey> inKey, unsigned inAccess)
 {
     if (mFree.empty()) {
-        if (mEntries.size() >= kMostSlots) {
+        if (mEntries.size() >= kMaxSlots) {
             throw std::bad_alloc();
         }
         mFree.reserve(mEntries.size() + 1); // so that Remove never allocates

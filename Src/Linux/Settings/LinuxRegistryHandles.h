@@ -25,7 +25,7 @@ struct HandleParts
 };
 
 /// Splits a handle into its parts. Returns false for a value that is not a handle.
-bool TakeApart(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept;
+bool DecodeHandle(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept;
 
 class HandleTable
 {

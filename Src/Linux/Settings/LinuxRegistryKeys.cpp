@@ -60,7 +60,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
             }
         }
         const std::size_t level = found == kNoError ? Tree::LevelOf(*last) + made.size() : 0;
-        if (made.size() > kMostLevelsAtOnce || level > kMostLevels) {
+        if (made.size() > kMaxLevelsAtOnce || level > kMaxLevels) {
             return kErrorInvalidParameter;
         }
         found = found == kNoError ? CheckAccess(inAccess) : found;

@@ -18,8 +18,8 @@ using UnitsView = std::basic_string_view<unsigned short>;
 
 inline constexpr std::size_t kLongestKeyName = 255;
 inline constexpr std::size_t kLongestValueName = 16383;
-inline constexpr unsigned kMostLevels = 512;
-inline constexpr unsigned kMostLevelsAtOnce = 32;
+inline constexpr unsigned kMaxLevels = 512;
+inline constexpr unsigned kMaxLevelsAtOnce = 32;
 
 /// Case-folds a name: two names that differ only in case have the same folded name. The folded name has as many units
 /// as the name, and ASCII letters become upper case. Folding is part of the store's format.

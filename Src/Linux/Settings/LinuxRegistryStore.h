@@ -75,7 +75,7 @@ private:
     template <class Work, class Done>
     SystemError RunChangeOnce(const Change& inChange, Work inWork, Done inDone);
     template <class Done>
-    void KeepUp(std::uint64_t inAnnounced, Done inDone) noexcept;
+    void ApplyOwnChange(std::uint64_t inAnnounced, Done inDone) noexcept;
 
     SystemError ApplyOne(const Platform::Edit& inEdit, EditTarget& ioTarget);
     SystemError CatchUp(bool inCreate);
@@ -97,7 +97,7 @@ private:
     SystemError FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget);
     SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
                           StoredValue*& outValue);
-    SystemError PutOrTake(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
+    SystemError PutOrRemove(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
 
     const bool mIsMachine;
     Place (*const mFindPlace)();

@@ -72,7 +72,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     error = error == SystemErrors::kNoError ? transaction.Commit() : error;
     const std::uint64_t announced = mDatabase.Settle();
     if (error == SystemErrors::kNoError) {
-        KeepUp(announced, inDone);
+        ApplyOwnChange(announced, inDone);
     }
     return error;
 }
@@ -80,7 +80,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
 /// Makes this process's own change in memory, unless changes by other processes must be processed first. The change is
 /// already committed, so a failure here only makes the next read reload the keys.
 template <class Done>
-void Store::KeepUp(std::uint64_t inAnnounced, Done inDone) noexcept
+void Store::ApplyOwnChange(std::uint64_t inAnnounced, Done inDone) noexcept
 {
     if (mDatabase.Board().IsOpen() && mSeen != inAnnounced - 1) {
         return;

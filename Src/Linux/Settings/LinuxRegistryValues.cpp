@@ -56,7 +56,7 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
 }
 
 // Sets a value, or deletes it if inValue is null. Runs one statement, which is a transaction by itself.
-SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
+SystemError Store::PutOrRemove(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
 {
     StoredKey* key = nullptr;
     std::int64_t number = 0;
@@ -91,7 +91,7 @@ SystemError Store::PutOrTake(const HandleParts& inKey, UnitsView inName, const V
         error = error == kNoError ? Resolve(inKey, 0, key) : error;
         return error != kNoError ? error : inValue != nullptr ? kErrorKeyDeleted : kErrorFileNotFound;
     }
-    KeepUp(announced, [&] {
+    ApplyOwnChange(announced, [&] {
         StoredKey* here = nullptr;
         StoredValue* known = nullptr;
         const bool isHere = Resolve(inKey, 0, here) == kNoError && here->mId == number;
@@ -117,7 +117,7 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
     }
     const ValueData value = {inType, inData, inSize};
     const std::lock_guard<TurnLock> work(mWork);
-    const SystemError error = PutOrTake(inKey, inName, &value);
+    const SystemError error = PutOrRemove(inKey, inName, &value);
     const std::lock_guard<std::mutex> memory(mMemory);
     if (mDatabase.SetAsideIfDamaged()) {
         Forget();
@@ -136,7 +136,7 @@ SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
         return known;
     }
     const std::lock_guard<TurnLock> work(mWork);
-    const SystemError error = PutOrTake(inKey, inName, nullptr);
+    const SystemError error = PutOrRemove(inKey, inName, nullptr);
     const std::lock_guard<std::mutex> memory(mMemory);
     if (mDatabase.SetAsideIfDamaged()) {
         Forget();

@@ -19,7 +19,7 @@ public:
     {
         std::unique_lock<std::mutex> guard(mMutex);
         const std::uint64_t turn = mNext++;
-        mTurnHasCome.wait(guard, [&] { return mTurn == turn; });
+        mTurnChanged.wait(guard, [&] { return mTurn == turn; });
     }
 
     void unlock()
@@ -28,7 +28,7 @@ public:
             const std::lock_guard<std::mutex> guard(mMutex);
             ++mTurn;
         }
-        mTurnHasCome.notify_all();
+        mTurnChanged.notify_all();
     }
 
     /// Resets the lock in a child of fork. The forking thread owned it, and the waiting threads do not exist in the
@@ -37,7 +37,7 @@ public:
 
 private:
     std::mutex mMutex;
-    std::condition_variable mTurnHasCome;
+    std::condition_variable mTurnChanged;
     std::uint64_t mNext = 0;
     std::uint64_t mTurn = 0;
 };

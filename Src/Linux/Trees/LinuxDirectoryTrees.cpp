@@ -71,7 +71,7 @@ Descriptor OpenNearest(std::string inPath)
 SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Descriptor& outSource)
 {
     HostPath path;
-    const SystemError error = ReachHostPath(inFrom, path);
+    const SystemError error = ResolveToUsablePath(inFrom, path);
     if (error != kNoError) {
         return error;
     }
@@ -127,7 +127,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
         return kErrorInvalidParameter;
     }
     PathUtils::Platform::PreparePathForWrite_Impl(inTo);
-    error = ReachHostPath(inTo, path);
+    error = ResolveToUsablePath(inTo, path);
     if (error != kNoError) {
         return error;
     }
@@ -163,7 +163,7 @@ SystemError Transfer(ShellFunction inFunction, int inSource, const UTF16String& 
         return error;
     }
     return SystemErrorFromErrno(inFunction == ShellFunction::kCopy
-                                    ? CopyContents(inSource, destination.Get(), CopyEnd::kIsWritten)
+                                    ? CopyContents(inSource, destination.Get(), CopyDurability::kWritten)
                                     : MoveContents(inSource, destination.Get()));
 }
 

@@ -4,12 +4,12 @@
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
 // deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:
 // ETXTBSY, which LinuxErrors converts to 32. A deep tree needs memory, but no more descriptors or stack
-// (LinuxTreeRoad.h). The first failure stops the operation; finished steps are not undone. Every function returns 0 or
+// (LinuxTreePath.h). The first failure stops the operation; finished steps are not undone. Every function returns 0 or
 // an errno and may throw std::bad_alloc.
 #pragma once
 
 #include "../LinuxOpenFolder.h"
-#include "LinuxTreeHold.h"
+#include "LinuxTreeEntryShare.h"
 
 #include <string>
 #include <vector>
@@ -30,7 +30,7 @@ using TreeEntries = std::vector<TreeEntry>;
 int ListFolder(int inFolder, TreeEntries& outEntries);
 
 /// Returns ETXTBSY if anything in the folder, at any depth, is open without sharing deletion.
-int CheckContentsMayGo(int inFolder);
+int CheckContentsDeletable(int inFolder);
 
 /// Deletes the contents of the folder. Does not enter the mount point of another volume: EBUSY.
 int WipeContents(int inFolder);
@@ -38,15 +38,15 @@ int WipeContents(int inFolder);
 /// Deletes one entry and its contents. An entry that no longer exists is not an error.
 int WipeEntry(int inFolder, const TreeEntry& inEntry);
 
-/// The state of a finished copy. kIsOnDisk is for moves: contents and names are synced, except the entry's own name in
+/// The state of a finished copy. kSynced is for moves: contents and names are synced, except the entry's own name in
 /// its folder, and permissions are kept regardless of the umask.
-enum class CopyEnd { kIsWritten, kIsOnDisk };
+enum class CopyDurability { kWritten, kSynced };
 
 /// Copies the contents of one folder into another, replacing files of the same name. A file gets its name when it is
 /// complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL at a source folder that is
 /// also part of the destination, through another path.
-int CopyContents(int inFrom, int inTo, CopyEnd inEnd);
-int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd);
+int CopyContents(int inFrom, int inTo, CopyDurability inDurability);
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyDurability inDurability);
 
 /// Moves in the same way; copies between volumes. A move between volumes deletes an entry after its copy has been
 /// synced.

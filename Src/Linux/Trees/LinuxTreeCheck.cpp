@@ -20,7 +20,7 @@ private:
         const bool mayBeFolder = inEntry.mType == DT_DIR || inEntry.mType == DT_UNKNOWN;
         int failure = mayBeFolder ? EnterFolder(name) : ENOTDIR;
         if (failure == ENOTDIR || failure == ELOOP) {
-            TreeHold file;
+            TreeEntryShare file;
             failure = file.EnterFile(Folder(), name, kShareDelete, kShareAll);
         }
         // The contents of a folder without read or search permission cannot be checked.
@@ -32,7 +32,7 @@ private:
 
 } // namespace
 
-int CheckContentsMayGo(int inFolder)
+int CheckContentsDeletable(int inFolder)
 {
     TreeEntries entries;
     const int failure = ListFolder(inFolder, entries);

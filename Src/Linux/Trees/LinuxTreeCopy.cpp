@@ -2,7 +2,7 @@
 #include "../LinuxCopyBytes.h"
 #include "../LinuxTemporaryName.h"
 #include "LinuxTree.h"
-#include "LinuxTreeRoad.h"
+#include "LinuxTreePath.h"
 
 #include <cerrno>
 #include <utility>
@@ -19,17 +19,17 @@ struct timespec TimeOf(const struct statx_timestamp& inTime) noexcept
     return {static_cast<time_t>(inTime.tv_sec), static_cast<long>(inTime.tv_nsec)};
 }
 
-int KeepTimes(int inTo, const struct statx& inStatus)
+int CopyTimes(int inTo, const struct statx& inStatus)
 {
     const struct timespec times[] = {TimeOf(inStatus.stx_atime), TimeOf(inStatus.stx_mtime)};
     return System().mFUTimens(inTo, times) == 0 ? 0 : errno;
 }
 
 // Sets permissions regardless of the umask. A volume that does not keep permissions is not an error.
-int GiveMode(int inTo, mode_t inMode)
+int SetMode(int inTo, mode_t inMode)
 {
-    const bool isGiven = System().mFChMod(inTo, inMode) == 0;
-    return isGiven || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
+    const bool isSet = System().mFChMod(inTo, inMode) == 0;
+    return isSet || errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS ? 0 : errno;
 }
 
 /// A new entry, which has a temporary name until it is complete.
@@ -39,7 +39,7 @@ public:
     explicit NewEntry(int inFolder) : mFolder(inFolder) {}
     ~NewEntry()
     {
-        if (mIsThere) {
+        if (mExists) {
             System().mUnlinkAt(mFolder, mName.c_str(), 0);
         }
     }
@@ -61,12 +61,12 @@ public:
                    : errno;
     }
 
-    int GiveName(const char* inName)
+    int RenameTo(const char* inName)
     {
         if (System().mRenameAt(mFolder, mName.c_str(), mFolder, inName, 0) != 0) {
             return errno;
         }
-        mIsThere = false;
+        mExists = false;
         return 0;
     }
 
@@ -75,36 +75,36 @@ private:
     int Make(const Call& inCall)
     {
         const int answer = MakeUnderTemporaryName("copy", mName, inCall);
-        mIsThere = answer >= 0;
+        mExists = answer >= 0;
         return answer;
     }
 
     const int mFolder;
     std::string mName;
-    bool mIsThere = false;
+    bool mExists = false;
 };
 
 // Copies the contents of one file into a new one, and closes the new one.
-int FillCopy(int inFrom, const struct statx& inStatus, Descriptor& ioTo, CopyEnd inEnd)
+int FillCopy(int inFrom, const struct statx& inStatus, Descriptor& ioTo, CopyDurability inDurability)
 {
     int failure = CopyBytes(inFrom, ioTo.Get(), inStatus.stx_size);
     if (failure != 0) {
         return failure;
     }
-    CopyUserAttributes(inFrom, ioTo.Get(), AttributesThere::kNone);
-    failure = KeepTimes(ioTo.Get(), inStatus);
-    if (failure == 0 && inEnd == CopyEnd::kIsOnDisk) {
-        failure = GiveMode(ioTo.Get(), inStatus.stx_mode & kPermissions);
+    CopyUserAttributes(inFrom, ioTo.Get(), ExistingAttributes::kNone);
+    failure = CopyTimes(ioTo.Get(), inStatus);
+    if (failure == 0 && inDurability == CopyDurability::kSynced) {
+        failure = SetMode(ioTo.Get(), inStatus.stx_mode & kPermissions);
     }
-    if (failure == 0 && inEnd == CopyEnd::kIsOnDisk) {
+    if (failure == 0 && inDurability == CopyDurability::kSynced) {
         failure = System().mFSync(ioTo.Get()) == 0 ? 0 : errno;
     }
     return failure == 0 ? ioTo.Close() : failure;
 }
 
-int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
+int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyDurability inDurability)
 {
-    TreeHold from;
+    TreeEntryShare from;
     int failure = from.EnterOpen(OpenByName(inFrom, inName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK), kShareRead, kShareAll);
     if (failure != 0) {
         return failure;
@@ -113,15 +113,15 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyEnd inEnd)
         return ENOTSUP;
     }
     // Other handles of the earlier file must share writing, as if this copy wrote into that file.
-    TreeHold replaced;
+    TreeEntryShare replaced;
     failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
     if (failure != 0) {
         return failure;
     }
     NewEntry entry(inTo);
     Descriptor to = entry.MakeFile(from.Status().stx_mode & kPermissions);
-    failure = to ? FillCopy(from.File(), from.Status(), to, inEnd) : errno;
-    return failure == 0 ? entry.GiveName(inName) : failure;
+    failure = to ? FillCopy(from.File(), from.Status(), to, inDurability) : errno;
+    return failure == 0 ? entry.RenameTo(inName) : failure;
 }
 
 int CopyLinkEntry(int inFrom, const char* inName, int inTo)
@@ -133,7 +133,7 @@ int CopyLinkEntry(int inFrom, const char* inName, int inTo)
     }
     NewEntry entry(inTo);
     failure = entry.MakeLink(target.Text());
-    return failure == 0 ? entry.GiveName(inName) : failure;
+    return failure == 0 ? entry.RenameTo(inName) : failure;
 }
 
 // If the listing does not report the type, queries the entry itself.
@@ -153,7 +153,7 @@ unsigned TypeOf(int inFolder, const TreeEntry& inEntry)
 class TreeCopy
 {
 public:
-    TreeCopy(int inFrom, int inTo, CopyEnd inEnd) : mFrom(inFrom), mTo(inTo), mEnd(inEnd) {}
+    TreeCopy(int inFrom, int inTo, CopyDurability inDurability) : mFrom(inFrom), mTo(inTo), mDurability(inDurability) {}
 
     int Run(TreeEntries&& inEntries)
     {
@@ -185,7 +185,7 @@ private:
             return CopyLinkEntry(mFrom.Folder(), name, mTo.Folder());
         case DT_REG:
         case DT_UNKNOWN:
-            return CopyFileEntry(mFrom.Folder(), name, mTo.Folder(), mEnd);
+            return CopyFileEntry(mFrom.Folder(), name, mTo.Folder(), mDurability);
         default:
             return ENOTSUP;
         }
@@ -199,7 +199,7 @@ private:
             return failure;
         }
         // Because of a mount, a folder may be below itself.
-        if (mTo.IsOn(mFrom)) {
+        if (mTo.ContainsDeepestOf(mFrom)) {
             return EINVAL;
         }
         const mode_t mode = mFrom.Status().stx_mode & kPermissions;
@@ -211,7 +211,7 @@ private:
         TreeEntries entries;
         failure = failure == 0 ? ListFolder(mFrom.Folder(), entries) : failure;
         if (failure == 0) {
-            mLevels.push_back({std::move(entries), 0, mode, isNew && (mEnd == CopyEnd::kIsOnDisk || (mode & S_IRWXU) != S_IRWXU)});
+            mLevels.push_back({std::move(entries), 0, mode, isNew && (mDurability == CopyDurability::kSynced || (mode & S_IRWXU) != S_IRWXU)});
         }
         return failure;
     }
@@ -227,9 +227,9 @@ private:
         int failure = mFrom.OpenAbove();
         failure = failure == 0 ? mTo.OpenAbove() : failure;
         if (failure == 0 && level.mGetsMode) {
-            failure = GiveMode(mTo.Folder(), level.mMode);
+            failure = SetMode(mTo.Folder(), level.mMode);
         }
-        if (failure == 0 && mEnd == CopyEnd::kIsOnDisk) {
+        if (failure == 0 && mDurability == CopyDurability::kSynced) {
             failure = SyncFolder(mTo.Folder());
         }
         mFrom.Leave();
@@ -237,24 +237,24 @@ private:
         return failure;
     }
 
-    TreeRoad mFrom;
-    TreeRoad mTo;
-    const CopyEnd mEnd;
+    TreePath mFrom;
+    TreePath mTo;
+    const CopyDurability mDurability;
     std::vector<Level> mLevels;
 };
 
 } // namespace
 
-int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyEnd inEnd)
+int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyDurability inDurability)
 {
-    return TreeCopy(inFrom, inTo, inEnd).Run({inEntry});
+    return TreeCopy(inFrom, inTo, inDurability).Run({inEntry});
 }
 
-int CopyContents(int inFrom, int inTo, CopyEnd inEnd)
+int CopyContents(int inFrom, int inTo, CopyDurability inDurability)
 {
     TreeEntries entries;
     const int failure = ListFolder(inFrom, entries);
-    return failure == 0 ? TreeCopy(inFrom, inTo, inEnd).Run(std::move(entries)) : failure;
+    return failure == 0 ? TreeCopy(inFrom, inTo, inDurability).Run(std::move(entries)) : failure;
 }
 
 } // namespace Linux

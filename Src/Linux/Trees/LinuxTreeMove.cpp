@@ -1,5 +1,5 @@
 #include "LinuxTree.h"
-#include "LinuxTreeRoad.h"
+#include "LinuxTreePath.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -24,7 +24,7 @@ bool IsSame(const struct statx& inOne, const struct statx& inOther)
 // Deletes the source only after the copy and its name have been synced.
 int MoveToOtherVolume(int inFrom, const TreeEntry& inEntry, int inTo)
 {
-    int failure = CopyEntry(inFrom, inEntry, inTo, CopyEnd::kIsOnDisk);
+    int failure = CopyEntry(inFrom, inEntry, inTo, CopyDurability::kSynced);
     failure = failure == 0 ? SyncFolder(inTo) : failure;
     return failure == 0 ? WipeEntry(inFrom, inEntry) : failure;
 }
@@ -56,40 +56,40 @@ private:
     int MoveNext(const TreeEntry& inEntry)
     {
         const char* const name = inEntry.mName.c_str();
-        TreeHold hold;
-        int failure = HoldToMove(inEntry, hold);
+        TreeEntryShare share;
+        int failure = ShareForMove(inEntry, share);
         if (failure != 0) {
             return failure;
         }
         failure = System().mRenameAt(mFrom.Folder(), name, mTo.Folder(), name, RENAME_NOREPLACE) == 0 ? 0 : errno;
         if (failure == EEXIST || failure == EINVAL || failure == ENOSYS) {
-            failure = MoveOver(name);
+            failure = MoveReplacing(name);
         }
         return failure == EXDEV ? MoveToOtherVolume(mFrom.Folder(), inEntry, mTo.Folder()) : failure;
     }
 
     // A folder moves with all its contents or not at all: nothing in it may be open without sharing deletion. A folder
     // without read permission is moved unchecked. Below a merged folder everything has been checked already.
-    int HoldToMove(const TreeEntry& inEntry, TreeHold& outHold) const
+    int ShareForMove(const TreeEntry& inEntry, TreeEntryShare& outShare) const
     {
         const char* const name = inEntry.mName.c_str();
         int failure = ENOTDIR;
         if (inEntry.mType == DT_DIR || inEntry.mType == DT_UNKNOWN) {
-            failure = outHold.EnterOpen(OpenFolderByName(mFrom.Folder(), name, O_NOFOLLOW), kShareDelete, kShareAll);
+            failure = outShare.EnterOpen(OpenFolderByName(mFrom.Folder(), name, O_NOFOLLOW), kShareDelete, kShareAll);
         }
         if (failure == 0) {
-            return mLevels.size() == 1 ? CheckContentsMayGo(outHold.File()) : 0;
+            return mLevels.size() == 1 ? CheckContentsDeletable(outShare.File()) : 0;
         }
         if (failure == EACCES) {
             return 0;
         }
         return failure == ENOTDIR || failure == ELOOP
-                   ? outHold.EnterFile(mFrom.Folder(), name, kShareDelete, kShareAll)
+                   ? outShare.EnterFile(mFrom.Folder(), name, kShareDelete, kShareAll)
                    : failure;
     }
 
     // Called if the name exists already, or if the file system cannot rename without replacing.
-    int MoveOver(const char* inName)
+    int MoveReplacing(const char* inName)
     {
         struct statx from;
         struct statx to;
@@ -102,7 +102,7 @@ private:
                 return System().mUnlinkAt(mFrom.Folder(), inName, 0) == 0 ? 0 : errno;
             }
         }
-        TreeHold replaced;
+        TreeEntryShare replaced;
         const int failure = replaced.EnterFile(mTo.Folder(), inName, kShareDelete, kShareAll);
         if (failure != 0) {
             return failure;
@@ -144,8 +144,8 @@ private:
         return failure;
     }
 
-    TreeRoad mFrom;
-    TreeRoad mTo;
+    TreePath mFrom;
+    TreePath mTo;
     std::vector<Level> mLevels;
 };
 

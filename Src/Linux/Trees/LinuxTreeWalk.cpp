@@ -33,15 +33,15 @@ int TreeWalk::Run(TreeEntries&& inEntries)
 
 int TreeWalk::EnterFolder(const char* inName)
 {
-    int failure = mRoad.Enter(inName);
+    int failure = mPath.Enter(inName);
     if (failure != 0) {
         return failure;
     }
     TreeEntries entries;
-    failure = Accept(mRoad.Status());
-    failure = failure == 0 ? ListFolder(mRoad.Folder(), entries) : failure;
+    failure = Accept(mPath.Status());
+    failure = failure == 0 ? ListFolder(mPath.Folder(), entries) : failure;
     if (failure != 0) {
-        mRoad.Leave();
+        mPath.Leave();
         return failure;
     }
     mLevels.push_back({std::move(entries), 0});
@@ -51,11 +51,11 @@ int TreeWalk::EnterFolder(const char* inName)
 int TreeWalk::LeaveFolder()
 {
     mLevels.pop_back();
-    int failure = mLevels.empty() ? 0 : mRoad.OpenAbove();
+    int failure = mLevels.empty() ? 0 : mPath.OpenAbove();
     if (failure == 0 && !mLevels.empty()) {
         const Level& above = mLevels.back();
-        failure = Leave(mRoad.Above(), above.mEntries[above.mNext - 1].mName.c_str());
-        mRoad.Leave();
+        failure = Leave(mPath.Above(), above.mEntries[above.mNext - 1].mName.c_str());
+        mPath.Leave();
     }
     return failure;
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "LinuxTree.h"
-#include "LinuxTreeRoad.h"
+#include "LinuxTreePath.h"
 
 #include <vector>
 
@@ -14,7 +14,7 @@ namespace Linux {
 class TreeWalk
 {
 public:
-    explicit TreeWalk(int inTop) : mRoad(inTop, kShareDelete, kShareAll) {}
+    explicit TreeWalk(int inTop) : mPath(inTop, kShareDelete, kShareAll) {}
     virtual ~TreeWalk() = default;
     TreeWalk(const TreeWalk&) = delete;
     TreeWalk& operator=(const TreeWalk&) = delete;
@@ -33,7 +33,7 @@ protected:
     virtual int Leave(int inAbove, const char* inName) = 0;
 
     int EnterFolder(const char* inName);
-    int Folder() const noexcept { return mRoad.Folder(); }
+    int Folder() const noexcept { return mPath.Folder(); }
 
 private:
     struct Level
@@ -44,7 +44,7 @@ private:
 
     int LeaveFolder();
 
-    TreeRoad mRoad;
+    TreePath mPath;
     std::vector<Level> mLevels;
 };
 

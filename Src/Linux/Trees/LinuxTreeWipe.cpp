@@ -10,7 +10,7 @@ namespace {
 
 int WipeFile(int inFolder, const char* inName)
 {
-    TreeHold file;
+    TreeEntryShare file;
     const int failure = file.EnterFile(inFolder, inName, kShareDelete, kShareAll);
     if (failure != 0) {
         return failure;

@@ -33,7 +33,7 @@ public:
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
 
-    void LetGo() noexcept { mOwns = false; }
+    void ReleaseOwner() noexcept { mOwns = false; }
 
 private:
     HINSTANCE mModule;
@@ -86,7 +86,7 @@ void Module::Wrap(HINSTANCE inModule, bool inOwnsModule, ObjectPtr<Module, Atomi
     module->mResources = OpenResources_Impl(inModule);
     ObjectPtr<Module, AtomicValue> shared(module.release());
     shared.GetPtr()->mOwnsModule = inOwnsModule;
-    handle.LetGo();
+    handle.ReleaseOwner();
     outModule.Swap(shared);
 }
 

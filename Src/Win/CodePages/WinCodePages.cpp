@@ -12,11 +12,11 @@ namespace Platform {
 
 namespace {
 
-constexpr std::size_t kMost = INT_MAX;
+constexpr std::size_t kMax = INT_MAX;
 
 int SizeOf(std::size_t inSize)
 {
-    return static_cast<int>(inSize < kMost ? inSize : kMost);
+    return static_cast<int>(inSize < kMax ? inSize : kMax);
 }
 
 std::size_t CountOf(int inResult)
@@ -35,18 +35,18 @@ std::size_t MostOfEach(unsigned int inCodePage)
 
 std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
 {
-    return MostOfEach(inCodePage) != 0 && inBytes <= kMost ? inBytes : 0;
+    return MostOfEach(inCodePage) != 0 && inBytes <= kMax ? inBytes : 0;
 }
 
 std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes)
 {
-    return inBytes > kMost ? 0 : CountOf(::MultiByteToWideChar(inCodePage, 0, inText, SizeOf(inBytes), nullptr, 0));
+    return inBytes > kMax ? 0 : CountOf(::MultiByteToWideChar(inCodePage, 0, inText, SizeOf(inBytes), nullptr, 0));
 }
 
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity)
 {
-    if (inBytes > kMost) {
+    if (inBytes > kMax) {
         return 0;
     }
     return CountOf(
@@ -55,12 +55,12 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
 
 std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
 {
-    return inUnits <= kMost ? inUnits * MostOfEach(inCodePage) : 0;
+    return inUnits <= kMax ? inUnits * MostOfEach(inCodePage) : 0;
 }
 
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits)
 {
-    if (inUnits > kMost) {
+    if (inUnits > kMax) {
         return 0;
     }
     return CountOf(
@@ -70,7 +70,7 @@ std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inT
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,
                          std::size_t inCapacity)
 {
-    if (inUnits > kMost) {
+    if (inUnits > kMax) {
         return 0;
     }
     return CountOf(::WideCharToMultiByte(inCodePage, 0, Win::AsWide(inText), SizeOf(inUnits), outBytes,

@@ -33,9 +33,9 @@ bool GetExecutableName_Impl(ProcessHandle inProcess, unsigned int, UTF16String& 
     if (inProcess == nullptr || ::EnumProcessModules(inProcess, &module, sizeof(module), &needed) == FALSE) {
         return false;
     }
-    constexpr DWORD kRoom = 520;
-    wchar_t name[kRoom] = {};
-    ::GetModuleBaseNameW(inProcess, module, name, kRoom);
+    constexpr DWORD kCapacity = 520;
+    wchar_t name[kCapacity] = {};
+    ::GetModuleBaseNameW(inProcess, module, name, kCapacity);
     outName = reinterpret_cast<const unsigned short*>(name);
     return true;
 }

@@ -18,8 +18,8 @@ using Colour = ORL::ParamColor<unsigned long>;
 
 struct Range
 {
-    double mLeast;
-    double mMost;
+    double mMin;
+    double mMax;
 };
 
 struct Form
@@ -82,9 +82,9 @@ double NumberOf(const std::string& inText, const std::string& inPart, const std:
     if (error != std::errc() || at != end || !std::isfinite(number)) {
         throw CannotRead(inText, inName + " is not a number");
     }
-    if (number < inRange.mLeast || number > inRange.mMost || (inIsWhole && number != std::floor(number))) {
+    if (number < inRange.mMin || number > inRange.mMax || (inIsWhole && number != std::floor(number))) {
         throw CannotRead(inText, inName + " is " + (inIsWhole ? "a whole number " : "") + "from "
-                                     + ShownNumber(inRange.mLeast) + " to " + ShownNumber(inRange.mMost));
+                                     + ShownNumber(inRange.mMin) + " to " + ShownNumber(inRange.mMax));
     }
     return number;
 }

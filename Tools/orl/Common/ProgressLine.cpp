@@ -44,7 +44,7 @@ bool ProgressLine::IsDue() const
     return mIsShown && (!mHasText || std::chrono::steady_clock::now() - mShown >= std::chrono::milliseconds(100));
 }
 
-std::size_t ProgressLine::Room()
+std::size_t ProgressLine::AvailableColumns()
 {
     return TerminalColumns() - 1;
 }
@@ -55,7 +55,7 @@ void ProgressLine::Show(const std::string& inText)
         return;
     }
     mShown = std::chrono::steady_clock::now();
-    std::cout << '\r' << StartOf(inText, Room()) << "\x1b[K" << std::flush;
+    std::cout << '\r' << StartOf(inText, AvailableColumns()) << "\x1b[K" << std::flush;
     mHasText = true;
 }
 

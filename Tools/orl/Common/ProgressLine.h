@@ -35,7 +35,7 @@ public:
 
     /// Returns the columns available for a text: one less than the terminal has, because some terminals wrap in the
     /// last column.
-    static std::size_t Room();
+    static std::size_t AvailableColumns();
 
     /// Replaces the text shown.
     void Show(const std::string& inText);

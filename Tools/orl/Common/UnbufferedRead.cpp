@@ -26,7 +26,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // After this time without a completed read, the size of the file is checked.
-constexpr std::chrono::milliseconds kLook(500);
+constexpr std::chrono::milliseconds kPollInterval(500);
 
 class AlignedMemory
 {
@@ -76,7 +76,7 @@ public:
     explicit Stream(const UnbufferedRead& inRead) : mRead(inRead), mPatience(inRead.mPatience)
     {
         Open();
-        mSize = inRead.mSize ? *inRead.mSize : AskSize();
+        mSize = inRead.mSize ? *inRead.mSize : QuerySize();
         mSector = std::max<std::size_t>(mReader.GetDiskSectorSize(), 512);
         mBlockSize = RoundUp(std::clamp<std::uint64_t>(mSize, 1, std::max<std::size_t>(inRead.mBlockSize, 1)), mSector);
         mBlocks = (mSize + mBlockSize - 1) / mBlockSize;
@@ -101,7 +101,7 @@ public:
     }
 
 private:
-    using AskedSize = std::atomic<std::uint64_t>;
+    using QueriedSize = std::atomic<std::uint64_t>;
     static constexpr std::uint64_t kNotKnown = ~std::uint64_t{0};
     static constexpr std::uint64_t kWhole = kNotKnown - 1;
 
@@ -119,15 +119,15 @@ private:
         if (ORL::AsyncFileReader::Open(mRead.mPath, mReader) == ORL::kSuccess) {
             return;
         }
-        throw Failure(mRead.mWho + ": cannot open \"" + mRead.mShown + "\": " + WhyItCannotBeOpened(mRead.mPath));
+        throw Failure(mRead.mCommand + ": cannot open \"" + mRead.mShown + "\": " + WhyItCannotBeOpened(mRead.mPath));
     }
 
-    std::uint64_t AskSize() const
+    std::uint64_t QuerySize() const
     {
         unsigned __int64 size = 0;
         const ORL::Result result = ORL::File::SizeOnDisk(mRead.mPath, size);
         if (!ORL::ResultSucceeded(result)) {
-            throw Failure(mRead.mWho + ": cannot read the size of \"" + mRead.mShown + "\": " + Describe(result));
+            throw Failure(mRead.mCommand + ": cannot read the size of \"" + mRead.mShown + "\": " + Describe(result));
         }
         return size;
     }
@@ -167,27 +167,27 @@ private:
         slot.mBytesRead = inBytesRead;
         slot.mResult = inResult;
         slot.mIsDone = true;
-        stream.mCame.notify_one();
+        stream.mCompleted.notify_one();
     }
 
     const Slot& Await(std::uint64_t inBlock)
     {
         Slot& slot = mSlots[inBlock % mSlots.size()];
         const Clock::time_point end = Clock::now() + mPatience;
-        while (!CameWithin(slot, std::min<Clock::duration>(kLook, end - Clock::now()))) {
+        while (!CompletesWithin(slot, std::min<Clock::duration>(kPollInterval, end - Clock::now()))) {
             CheckNotCut();
             if (Clock::now() >= end) {
-                throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown
+                throw NoAnswer(mRead.mCommand + ": \"" + mRead.mShown
                                + "\" stopped responding: a read failed or the disk is gone");
             }
         }
         return slot;
     }
 
-    bool CameWithin(const Slot& inSlot, Clock::duration inTime)
+    bool CompletesWithin(const Slot& inSlot, Clock::duration inTime)
     {
         std::unique_lock<std::mutex> lock(mMutex);
-        return mCame.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
+        return mCompleted.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
     }
 
     // If the OS does not refuse a read beyond the end at its start, the read fails at its completion and is never
@@ -195,24 +195,24 @@ private:
     // disconnected disk may not answer the query either.
     void CheckNotCut()
     {
-        const std::uint64_t size = mAskedSize != nullptr ? mAskedSize->load() : kWhole;
+        const std::uint64_t size = mQueriedSize != nullptr ? mQueriedSize->load() : kWhole;
         if (size == kNotKnown) {
             return;
         }
         if (size < mSize) {
-            throw NoAnswer(mRead.mWho + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
+            throw NoAnswer(mRead.mCommand + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
                            + std::to_string(mSize)
                            + " bytes left and stopped responding: the file shrank while it was read");
         }
-        mAskedSize = std::make_shared<AskedSize>(kNotKnown);
+        mQueriedSize = std::make_shared<QueriedSize>(kNotKnown);
         try {
-            std::thread(&AskAgain, mAskedSize, mRead.mPath).detach();
+            std::thread(&RefreshSize, mQueriedSize, mRead.mPath).detach();
         } catch (const std::system_error&) {
-            *mAskedSize = kWhole; // if no thread can be started, assume that the file is complete
+            *mQueriedSize = kWhole; // if no thread can be started, assume that the file is complete
         }
     }
 
-    static void AskAgain(std::shared_ptr<AskedSize> outSize, UTF16String inPath)
+    static void RefreshSize(std::shared_ptr<QueriedSize> outSize, UTF16String inPath)
     {
         unsigned __int64 size = 0;
         *outSize = ORL::ResultSucceeded(ORL::File::SizeOnDisk(inPath, size)) ? std::uint64_t{size} : kWhole;
@@ -223,10 +223,10 @@ private:
         const std::size_t expected = ExpectedBytes(inBlock);
         const std::string where = "\"" + mRead.mShown + "\" at byte " + std::to_string(PositionOf(inBlock));
         if (!ORL::ResultSucceeded(inSlot.mResult)) {
-            throw Failure(mRead.mWho + ": cannot read " + where + ": " + Describe(inSlot.mResult));
+            throw Failure(mRead.mCommand + ": cannot read " + where + ": " + Describe(inSlot.mResult));
         }
         if (inSlot.mBytesRead < expected) {
-            throw Failure(mRead.mWho + ": " + where + ": short read, " + std::to_string(inSlot.mBytesRead) + " of "
+            throw Failure(mRead.mCommand + ": " + where + ": short read, " + std::to_string(inSlot.mBytesRead) + " of "
                           + std::to_string(expected) + " bytes (the file shrank while it was read)");
         }
     }
@@ -237,9 +237,9 @@ private:
     std::size_t mSector = 0;
     std::size_t mBlockSize = 0;
     std::uint64_t mBlocks = 0;
-    std::shared_ptr<AskedSize> mAskedSize; // null before the first query
+    std::shared_ptr<QueriedSize> mQueriedSize; // null before the first query
     std::mutex mMutex;
-    std::condition_variable mCame;
+    std::condition_variable mCompleted;
     std::vector<Slot> mSlots;
     std::unique_ptr<AlignedMemory> mMemory;
     ORL::AsyncFileReader mReader; // the last member: its destructor waits for the reads, which use everything above

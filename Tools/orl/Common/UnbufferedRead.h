@@ -22,7 +22,7 @@ public:
 
 struct UnbufferedRead
 {
-    std::string mWho;                   // the command, for its error messages
+    std::string mCommand;               // the command, for its error messages
     std::string mShown;                 // the file name as the user typed it
     UTF16String mPath;                  // the file's library path
     std::optional<std::uint64_t> mSize; // bytes to read; if not set, the whole file

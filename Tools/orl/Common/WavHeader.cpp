@@ -10,7 +10,7 @@ namespace orl {
 namespace {
 
 constexpr std::uint32_t kSizeIsElsewhere = 0xFFFFFFFF;
-constexpr int kMostChunks = 1000; // a file with more chunks is invalid
+constexpr int kMaxChunks = 1000; // a file with more chunks is invalid
 
 // Reads a little-endian number.
 std::uint64_t NumberAt(const unsigned char* inBytes, int inSize)
@@ -56,13 +56,13 @@ public:
         }
         std::uint64_t position = sizeof(head);
         unsigned char tag[8];
-        for (int chunk = 0; chunk < kMostChunks && Read(position, tag, sizeof(tag)); ++chunk) {
+        for (int chunk = 0; chunk < kMaxChunks && Read(position, tag, sizeof(tag)); ++chunk) {
             position += sizeof(tag);
             std::uint64_t size = NumberAt(tag + 4, 4);
             if (Is(tag, "data")) {
                 size = size == kSizeIsElsewhere && mLongSize != 0 ? mLongSize : size;
                 mData = Data{size, std::min(size, mSize - position)};
-            } else if (!TakeUp(tag, position, size)) {
+            } else if (!ReadChunk(tag, position, size)) {
                 return std::nullopt;
             }
             if (const std::optional<WavLength> length = FoundLength()) {
@@ -79,8 +79,8 @@ public:
 private:
     struct Data
     {
-        std::uint64_t mTold; // bytes, according to the header
-        std::uint64_t mThere;
+        std::uint64_t mStatedSize; // bytes, according to the header
+        std::uint64_t mActualSize;
     };
 
     bool Read(std::uint64_t inPosition, unsigned char* outBytes, unsigned int inCount)
@@ -93,10 +93,10 @@ private:
         return ORL::ResultSucceeded(mFile.Read(outBytes, inCount, count)) && count == inCount;
     }
 
-    bool TakeUp(const unsigned char* inTag, std::uint64_t inPosition, std::uint64_t inSize)
+    bool ReadChunk(const unsigned char* inTag, std::uint64_t inPosition, std::uint64_t inSize)
     {
         if (Is(inTag, "fmt ")) {
-            return TakeUpFormat(inPosition, inSize);
+            return ReadFormatChunk(inPosition, inSize);
         }
         unsigned char body[24];
         if (Is(inTag, "ds64")) {
@@ -106,12 +106,12 @@ private:
             mLongSize = NumberAt(body + 8, 8);
             mLongSamples = NumberAt(body + 16, 8);
         } else if (Is(inTag, "fact") && inSize >= 4 && Read(inPosition, body, 4)) {
-            mToldSamples = NumberAt(body, 4);
+            mStatedSamples = NumberAt(body, 4);
         }
         return true;
     }
 
-    bool TakeUpFormat(std::uint64_t inPosition, std::uint64_t inSize)
+    bool ReadFormatChunk(std::uint64_t inPosition, std::uint64_t inSize)
     {
         unsigned char body[40];
         if (inSize < 16 || !Read(inPosition, body, 16)) {
@@ -139,12 +139,12 @@ private:
             return std::nullopt;
         }
         if (HasOneSampleABlock()) {
-            return mBytesPerBlock != 0 ? std::optional<WavLength>({mSamplesPerSecond, mData->mThere / mBytesPerBlock})
+            return mBytesPerBlock != 0 ? std::optional<WavLength>({mSamplesPerSecond, mData->mActualSize / mBytesPerBlock})
                                        : std::nullopt;
         }
-        const std::uint64_t samples = mToldSamples == kSizeIsElsewhere ? mLongSamples : mToldSamples;
+        const std::uint64_t samples = mStatedSamples == kSizeIsElsewhere ? mLongSamples : mStatedSamples;
         // The length of a truncated packed file is unknown.
-        return samples != 0 && mData->mThere == mData->mTold ? std::optional<WavLength>({mSamplesPerSecond, samples})
+        return samples != 0 && mData->mActualSize == mData->mStatedSize ? std::optional<WavLength>({mSamplesPerSecond, samples})
                                                              : std::nullopt;
     }
 
@@ -156,7 +156,7 @@ private:
     std::uint32_t mBytesPerBlock = 0; // for all channels
     std::uint64_t mLongSize = 0;
     std::uint64_t mLongSamples = 0;
-    std::uint64_t mToldSamples = 0; // per channel; 0 if no chunk contains it
+    std::uint64_t mStatedSamples = 0; // per channel; 0 if no chunk contains it
     std::optional<Data> mData;
 };
 

@@ -79,7 +79,7 @@ private:
         destination.mPlan =
             MakePlan(inListing, {roots, mManifestName, opened->mManifest, wasThere ? &opened->mRecord : nullptr,
                                  mSettings.mReplaces, mWatcher.mIsStopped});
-        CheckRoom(destination.mPlan, roots, mPromised);
+        CheckFreeSpace(destination.mPlan, roots, mPromised);
         if (!wasThere) {
             MakeDestination(roots);
             opened->mRecord.Open();

@@ -36,7 +36,7 @@ public:
     {
     }
 
-    IngestedFile Bring()
+    IngestedFile CopyOne()
     {
         OpenFolders();
         return mItem.mState == IngestItem::kToCheck ? Check() : IngestedFile{Copy()};
@@ -80,7 +80,7 @@ private:
                                 kExitNotTheSame, false);
         }
         Tell(IngestStep::kVerified);
-        PutInPlace();
+        RenameIntoPlace();
         remover.mIsArmed = false;
         Tell(IngestStep::kInPlace);
         return digest;
@@ -94,7 +94,7 @@ private:
         std::string digest = DigestOfSource(source, [](const unsigned char*, unsigned int) {});
         source.Close();
         if (DigestOnDisk(mLeaf) == digest) {
-            GiveTimeOfSource();
+            CopySourceTime();
             return IngestedFile{std::move(digest), true};
         }
         if (mContext.mReplaces) {
@@ -105,7 +105,7 @@ private:
 
     // A later run recognises the file by its last-write time. If the time cannot be set, the later run compares the
     // file again.
-    void GiveTimeOfSource() const
+    void CopySourceTime() const
     {
         File file;
         const Result result =
@@ -128,7 +128,7 @@ private:
         CheckTarget(target.Create(mTarget.PathOf(mTemporary), Access::kFileAccess_Write, static_cast<Share::Type>(0),
                                   Disposition::kFileCreate_New, Attributes::kFileAttribute_Normal, true));
         if (HasHoles()) {
-            LetHaveHoles(target);
+            MakeSparse(target);
         }
         const std::string digest = DigestOfSource(
             source, [&](const unsigned char* inBytes, unsigned int inCount) { WriteOrSkip(target, inBytes, inCount); });
@@ -239,7 +239,7 @@ private:
         Sha256 digest;
         if (size != 0) {
             UnbufferedRead read;
-            read.mWho = "ingest";
+            read.mCommand = "ingest";
             read.mShown = mItem.mName;
             read.mPath = path;
             read.mSize = size;
@@ -262,12 +262,12 @@ private:
 
     // A file that appeared under the final name after planning is kept. Another program created it, or this run did if
     // the volume treats two names of the source as one.
-    void PutInPlace() const
+    void RenameIntoPlace() const
     {
         Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
         if (result == ORL::kAlreadyExists) {
             EntryStatus status;
-            const bool isEarlier = ResultSucceeded(mTarget.Look(mLeaf, Links::kStay, status))
+            const bool isEarlier = ResultSucceeded(mTarget.GetStatus(mLeaf, Links::kStay, status))
                                    && status.mKind == EntryStatus::kFile && mItem.mEarlier == status.mIdentity;
             if (!mContext.mReplaces || !isEarlier) {
                 ThrowTaken();
@@ -287,7 +287,7 @@ private:
             EntryStatus status;
             HeldFolder folder;
             if (ResultSucceeded(mContext.mRoots.OpenDestination(FolderOf(name), folder))
-                && ResultSucceeded(folder.Look(LeafOf(name), Links::kStay, status))
+                && ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kStay, status))
                 && mItem.mEarlier == status.mIdentity) {
                 Withdraw(name, earlier);
             }
@@ -392,7 +392,7 @@ private:
 
 IngestedFile IngestFile(const IngestItem& inItem, const IngestContext& inContext)
 {
-    return OneFile(inItem, inContext).Bring();
+    return OneFile(inItem, inContext).CopyOne();
 }
 
 } // namespace orl

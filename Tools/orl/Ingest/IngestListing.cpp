@@ -51,7 +51,7 @@ private:
         std::vector<std::string> names;
         ORL::Result result = mRoots.OpenSource(inPending.mFolder, folder);
         if (ORL::ResultSucceeded(result)) {
-            if (LeadsBack(folder.Identity(), inPending.mAbove.get())) {
+            if (IsCycle(folder.Identity(), inPending.mAbove.get())) {
                 return;
             }
             mListing.mIdentities.insert(folder.Identity());
@@ -76,7 +76,7 @@ private:
         CheckStopped();
         const std::string name = Below(inFolder, inLeaf);
         EntryStatus status;
-        const ORL::Result result = inHeld.Look(inLeaf, Links::kFollow, status);
+        const ORL::Result result = inHeld.GetStatus(inLeaf, Links::kFollow, status);
         if (!ORL::ResultSucceeded(result)) {
             CheckSource();
             AddTrouble("cannot read \"" + name + "\": " + Describe(result));
@@ -90,7 +90,7 @@ private:
         }
     }
 
-    static bool LeadsBack(const EntryIdentity& inIdentity, const Above* inAbove)
+    static bool IsCycle(const EntryIdentity& inIdentity, const Above* inAbove)
     {
         for (; inAbove != nullptr; inAbove = inAbove->mNext.get()) {
             if (inAbove->mIdentity == inIdentity) {

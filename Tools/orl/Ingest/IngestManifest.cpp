@@ -52,7 +52,7 @@ void IngestManifest::Refuse(const std::string& inWhy) const
 void IngestManifest::CheckStatus()
 {
     EntryStatus status;
-    const ORL::Result result = mFolder.Look(mName, Links::kStay, status);
+    const ORL::Result result = mFolder.GetStatus(mName, Links::kStay, status);
     mIsThere = result != ORL::kFileNotFound;
     if (!mIsThere) {
         return;
@@ -93,7 +93,7 @@ void IngestManifest::TellRecord()
     mRecord.SetNeededByManifest(mFound != mLength || !mWithdrawn.empty());
 }
 
-void IngestManifest::Mend()
+void IngestManifest::Repair()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mFound != mLength) {
@@ -112,7 +112,7 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
         text.append(block.data(), count);
         std::size_t at = 0;
         for (std::size_t end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
-            TakeUpLine(text.substr(at, end - at), start + at, true);
+            ReadLine(text.substr(at, end - at), start + at, true);
         }
         text.erase(0, at);
         start += at;
@@ -127,11 +127,11 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
         mLength = start;
         mEndsWithBreak = true;
     } else if (!text.empty()) {
-        TakeUpLine(text, start, false);
+        ReadLine(text, start, false);
     }
 }
 
-void IngestManifest::TakeUpLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole)
+void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole)
 {
     Line line;
     const std::uint64_t length = inText.size() + (inIsWhole ? 1 : 0);

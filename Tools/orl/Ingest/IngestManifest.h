@@ -35,7 +35,7 @@ public:
     void Read();
 
     /// Truncates the incomplete last line of a killed run. Throws Failure.
-    void Mend();
+    void Repair();
 
     bool Holds(const std::string& inName) const { return mLines.count(inName) != 0; }
 
@@ -67,7 +67,7 @@ private:
 
     void CheckStatus();
     void ReadLines(ORL::File& ioFile);
-    void TakeUpLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole);
+    void ReadLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole);
     void OpenToWrite();
     void TellRecord();
     void WithdrawPlaces(const std::string& inName);

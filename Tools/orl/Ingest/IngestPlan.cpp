@@ -119,7 +119,7 @@ private:
         HeldFolder above;
         EntryStatus status;
         if (ORL::ResultSucceeded(mRoots.OpenDestination(FolderOf(inFolder), above))
-            && ORL::ResultSucceeded(above.Look(LeafOf(inFolder), Links::kStay, status))) {
+            && ORL::ResultSucceeded(above.GetStatus(LeafOf(inFolder), Links::kStay, status))) {
             AddTrouble("cannot create the folder \"" + inFolder
                            + "\": the destination has a dangling link of that name, which was kept",
                        kExitTaken);
@@ -182,7 +182,7 @@ private:
         const HeldFolder& folder = Opened(FolderOf(ioItem.mName));
         EntryStatus status;
         const ORL::Result result =
-            folder.IsOpen() ? folder.Look(LeafOf(ioItem.mName), Links::kStay, status) : ORL::kPathNotFound;
+            folder.IsOpen() ? folder.GetStatus(LeafOf(ioItem.mName), Links::kStay, status) : ORL::kPathNotFound;
         if (result == ORL::kFileNotFound) {
             return true;
         }
@@ -191,10 +191,10 @@ private:
                        kExitFailure);
             return false;
         }
-        return IsNobodysButOurs(inFile, status) && FindStateBeside(status, folder, ioItem);
+        return IsReplaceable(inFile, status) && FindStateBeside(status, folder, ioItem);
     }
 
-    bool IsNobodysButOurs(const ListedFile& inFile, const EntryStatus& inStatus)
+    bool IsReplaceable(const ListedFile& inFile, const EntryStatus& inStatus)
     {
         const char* const what = inStatus.mKind == EntryStatus::kLink             ? "a link"
                                  : inStatus.mKind == EntryStatus::kFolder         ? "a folder"
@@ -229,7 +229,7 @@ private:
     {
         return inStatus.mTime == inItem.mTime
                || (mRequest.mRecord != nullptr
-                   && TimeThatIsKept(inItem.mTime, inFolder, FolderOf(inItem.mName), *mRequest.mRecord)
+                   && StoredTimeFor(inItem.mTime, inFolder, FolderOf(inItem.mName), *mRequest.mRecord)
                           == inStatus.mTime);
     }
 
@@ -269,7 +269,7 @@ struct Measured
     UTF16String mPath; // valid while the folder is held
 };
 
-void CheckRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::int64_t inPromised)
+void CheckFreeSpaceOf(const IngestVolume& inVolume, const IngestRoots& inRoots, std::int64_t inPromised)
 {
     if (inVolume.mLargest == 0) {
         return;
@@ -300,10 +300,10 @@ IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest)
     return Planner(std::move(inListing), inRequest).Make();
 }
 
-void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised)
+void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised)
 {
     for (const IngestVolume& volume : inPlan.mVolumes) {
-        CheckRoomOf(volume, inRoots, ioPromised[volume.mVolume]);
+        CheckFreeSpaceOf(volume, inRoots, ioPromised[volume.mVolume]);
     }
     for (const IngestVolume& volume : inPlan.mVolumes) {
         ioPromised[volume.mVolume] += static_cast<std::int64_t>(volume.mBytes);

@@ -81,6 +81,6 @@ std::uint64_t FreeRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoot
 
 /// Throws Failure if a volume of the destination lacks free space for its files, or if a file exceeds the file system's
 /// limit. Otherwise adds the bytes to ioPromised.
-void CheckRoom(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised);
+void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised);
 
 } // namespace orl

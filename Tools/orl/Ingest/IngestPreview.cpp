@@ -62,7 +62,7 @@ private:
         ioDestination.mPlan =
             MakePlan(inListing, {roots, mManifestName, manifest, nullptr, mSettings.mReplaces, mIsStopped, true});
         ioDestination.mOutcome.mTroubles = ioDestination.mPlan.mTroubles;
-        CheckRoom(ioDestination.mPlan, roots, mPromised);
+        CheckFreeSpace(ioDestination.mPlan, roots, mPromised);
     }
 
     void CountLeftovers(const IngestRoots& inRoots, const std::set<std::string>& inNames,
@@ -73,7 +73,7 @@ private:
             EntryStatus status;
             const bool isOurs = ORL::ResultSucceeded(inRoots.OpenDestination(FolderOf(name), folder))
                                 && inSourceFolders.count(folder.Identity()) == 0
-                                && ORL::ResultSucceeded(folder.Look(LeafOf(name), Links::kStay, status))
+                                && ORL::ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kStay, status))
                                 && status.mKind == EntryStatus::kFile;
             if (isOurs) {
                 mPreview.mLeftovers[folder.Identity().mVolume] += status.mAllocated;

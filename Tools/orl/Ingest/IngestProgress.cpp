@@ -58,7 +58,7 @@ IngestProgress::IngestProgress(bool inIsShown, std::uint64_t inToPass, std::size
 void IngestProgress::Show(std::uint64_t inPassed, std::size_t inFilesDone)
 {
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
-    mLine.Show(ProgressText(inPassed, mToPass, inFilesDone, mFiles, seconds, ProgressLine::Room()));
+    mLine.Show(ProgressText(inPassed, mToPass, inFilesDone, mFiles, seconds, ProgressLine::AvailableColumns()));
 }
 
 } // namespace orl

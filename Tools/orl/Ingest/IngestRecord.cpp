@@ -59,7 +59,7 @@ ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLe
     return inFolder.RemoveFolder(inLeaf);
 }
 
-void TakeUp(const std::string& inLine, IngestRemains& ioRemains)
+void ReadRecordLine(const std::string& inLine, IngestRemains& ioRemains)
 {
     const std::string rest = inLine.size() > 2 && inLine[1] == ' ' ? inLine.substr(2) : std::string();
     if (inLine[0] == kTemporary && MayBeOurs(UnescapedName(rest))) {
@@ -97,7 +97,7 @@ bool IsTemporaryName(const std::string& inLeaf)
            && inLeaf.find_first_not_of("0123456789abcdef", stem) == stem + kRandomDigits;
 }
 
-ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork)
+ORL::Result RetryWhileBusy(const std::function<ORL::Result()>& inWork)
 {
     constexpr int kTries = 250;
     ORL::Result result = inWork();
@@ -151,7 +151,7 @@ void IngestRecord::Open()
 void IngestRecord::OpenOnce()
 {
     EntryStatus status;
-    const ORL::Result look = mFolder.Look(mName, Links::kStay, status);
+    const ORL::Result look = mFolder.GetStatus(mName, Links::kStay, status);
     if (ORL::ResultSucceeded(look) && status.mKind != EntryStatus::kFile) {
         RefuseForeign();
     }
@@ -160,7 +160,7 @@ void IngestRecord::OpenOnce()
         ORL::ResultSucceeded(look) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
         Attributes::kFileAttribute_Normal, true);
     const bool hasChanged =
-        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status)); // then try again
+        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kStay, status)); // then try again
     if (result == ORL::kSharingViolation || !hasChanged) {
         CheckOpened(result);
     }
@@ -182,7 +182,7 @@ bool IngestRecord::HasItsName()
 {
     EntryStatus status;
     EntryIdentity identity;
-    return IdentifyFile(mFile, identity) && ORL::ResultSucceeded(mFolder.Look(mName, Links::kStay, status))
+    return IdentifyFile(mFile, identity) && ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kStay, status))
            && status.mKind == EntryStatus::kFile && status.mIdentity == identity;
 }
 
@@ -222,7 +222,7 @@ void IngestRecord::TakeUpLines(const std::string& inText)
     for (std::size_t at = sizeof(kHeader) - 1, end = 0; (end = inText.find('\n', at)) != std::string::npos;
          at = end + 1) {
         if (end != at) {
-            TakeUp(inText.substr(at, end - at), mRemains);
+            ReadRecordLine(inText.substr(at, end - at), mRemains);
         }
     }
 }
@@ -248,7 +248,7 @@ void IngestRecord::Peek()
 {
     EntryStatus status;
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))
-        || mFolder.Look(mName, Links::kStay, status) == ORL::kFileNotFound) {
+        || mFolder.GetStatus(mName, Links::kStay, status) == ORL::kFileNotFound) {
         return;
     }
     if (status.mKind != EntryStatus::kFile) {
@@ -273,7 +273,7 @@ void IngestRecord::RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolder
         ORL::Result result = mRoots.OpenDestination(FolderOf(name), folder);
         const bool isGone = result == ORL::kFileNotFound || result == ORL::kPathNotFound;
         if (ORL::ResultSucceeded(result) && inSourceFolders.count(folder.Identity()) == 0) {
-            result = OnceItIsFree([&] { return RemoveUnfinished(folder, LeafOf(name)); });
+            result = RetryWhileBusy([&] { return RemoveUnfinished(folder, LeafOf(name)); });
         }
         if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound || isGone) {
             Forget(FolderOf(name), LeafOf(name));

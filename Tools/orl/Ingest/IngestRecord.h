@@ -96,6 +96,6 @@ bool IsTemporaryName(const std::string& inLeaf);
 
 /// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the OS may keep the
 /// files of a killed run open until the reads of that run have ended.
-ORL::Result OnceItIsFree(const std::function<ORL::Result()>& inWork);
+ORL::Result RetryWhileBusy(const std::function<ORL::Result()>& inWork);
 
 } // namespace orl

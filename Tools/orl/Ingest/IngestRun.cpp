@@ -50,7 +50,7 @@ public:
         mOutcome.mTroubles = mPlan.mTroubles;
         try {
             Prepare();
-            BringAll();
+            CopyAll();
         } catch (const Failure& failure) {
             AddTrouble(failure, true);
         }
@@ -91,7 +91,7 @@ private:
         mManifest.Drop(names);
     }
 
-    void BringAll()
+    void CopyAll()
     {
         const unsigned count = std::max(1u, mSettings.mFilesAtOnce);
         mLeft = count;

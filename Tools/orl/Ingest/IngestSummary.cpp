@@ -40,7 +40,7 @@ constexpr NamedRate kRates[] = {
     {"60", mt::kFrameRate_Video60, mt::kTimeDisplay_60Timecode},
 };
 
-constexpr std::size_t kMostRows = 24;
+constexpr std::size_t kMaxRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 
@@ -93,7 +93,7 @@ std::string LengthOf(const ShownFile& inFile, const NamedRate& inRate)
 
 void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestinations, const NamedRate& inRate)
 {
-    const std::size_t count = std::min(inFiles.size(), kMostRows);
+    const std::size_t count = std::min(inFiles.size(), kMaxRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
         width = std::max(width, ColumnsOf(EndOf(inFiles[i].mItem->mName, kWidestName)));

@@ -70,7 +70,7 @@ public:
     /// Lists the names of all entries, unordered. Fails if the listing is incomplete.
     ORL::Result List(std::vector<std::string>& outNames) const;
 
-    ORL::Result Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
+    ORL::Result GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
     ORL::Result MakeFolder(const std::string& inName) const;
 
     /// Renames within this folder. Returns kAlreadyExists if the new name is taken. The check is atomic, except on
@@ -105,7 +105,7 @@ bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity);
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime);
 
 /// Makes a new file sparse, so that skipped parts stay holes.
-void LetHaveHoles(ORL::File& ioFile);
+void MakeSparse(ORL::File& ioFile);
 
 /// Waits until a file's contents are on disk.
 bool FlushFile(ORL::File& ioFile);

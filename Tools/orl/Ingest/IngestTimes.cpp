@@ -20,8 +20,8 @@ bool SetTimeOfNewFile(const UTF16String& inPath, unsigned __int64 inTime)
 
 } // namespace
 
-unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
-                                IngestRecord& ioRecord)
+unsigned __int64 StoredTimeFor(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
+                               IngestRecord& ioRecord)
 {
     std::string leaf;
     try {
@@ -30,8 +30,8 @@ unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHel
         return 0;
     }
     EntryStatus status;
-    const bool isKnown =
-        SetTimeOfNewFile(inHeld.PathOf(leaf), inTime) && ORL::ResultSucceeded(inHeld.Look(leaf, Links::kStay, status));
+    const bool isKnown = SetTimeOfNewFile(inHeld.PathOf(leaf), inTime)
+                         && ORL::ResultSucceeded(inHeld.GetStatus(leaf, Links::kStay, status));
     const ORL::Result result = inHeld.Remove(leaf);
     if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound) {
         ioRecord.Forget(inFolder, leaf);

@@ -10,7 +10,7 @@ namespace orl {
 
 /// Returns what the file system of a folder stores for a last-write time, or 0 if that cannot be determined. Creates a
 /// file in the folder, queries its time and deletes it. inFolder is the name of inHeld below the destination.
-unsigned __int64 TimeThatIsKept(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
-                                IngestRecord& ioRecord);
+unsigned __int64 StoredTimeFor(unsigned __int64 inTime, const HeldFolder& inHeld, const std::string& inFolder,
+                               IngestRecord& ioRecord);
 
 } // namespace orl

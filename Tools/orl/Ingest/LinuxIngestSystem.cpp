@@ -75,7 +75,7 @@ ORL::Result Done(int inAnswer)
     return ResultOf(inAnswer < 0 ? errno : 0);
 }
 
-bool IsItselfOrAbove(const char* inName)
+bool IsDotEntry(const char* inName)
 {
     return std::strcmp(inName, ".") == 0 || std::strcmp(inName, "..") == 0;
 }
@@ -89,7 +89,7 @@ ORL::Result ReadNames(DIR* inFolder, std::vector<std::string>& outNames)
         if (entry == nullptr) {
             return ResultOf(errno);
         }
-        if (!IsItselfOrAbove(entry->d_name)) {
+        if (!IsDotEntry(entry->d_name)) {
             outNames.emplace_back(entry->d_name);
         }
     }
@@ -211,7 +211,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     return result;
 }
 
-ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
+ORL::Result HeldFolder::GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
 {
     struct stat status;
     const int flags = inLinks == Links::kStay ? AT_SYMLINK_NOFOLLOW : 0;
@@ -305,7 +305,7 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 }
 
 // On Linux any file may have holes.
-void LetHaveHoles(ORL::File&)
+void MakeSparse(ORL::File&)
 {
 }
 

@@ -24,7 +24,7 @@ UTF16String Units(const std::wstring& inText)
     return UTF16String(inText.begin(), inText.end());
 }
 
-bool IsItselfOrAbove(const wchar_t* inName)
+bool IsDotEntry(const wchar_t* inName)
 {
     return std::wcscmp(inName, L".") == 0 || std::wcscmp(inName, L"..") == 0;
 }
@@ -101,7 +101,7 @@ std::uint64_t AllocatedOf(const std::wstring& inPath, DWORD inAttributes, std::u
     return low == INVALID_FILE_SIZE && ::GetLastError() != ERROR_SUCCESS ? inSize : std::uint64_t{high} << 32 | low;
 }
 
-ORL::Result LookAt(const std::wstring& inPath, Links inLinks, EntryStatus& outStatus)
+ORL::Result QueryStatus(const std::wstring& inPath, Links inLinks, EntryStatus& outStatus)
 {
     const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (inLinks == Links::kStay ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
     const Handle entry(inPath, 0, flags);
@@ -140,7 +140,7 @@ struct HeldFolder::State
     static ORL::Result Take(std::wstring inPath, Links inLinks, std::unique_ptr<State>& outState)
     {
         EntryStatus status;
-        const ORL::Result result = LookAt(inPath, inLinks, status);
+        const ORL::Result result = QueryStatus(inPath, inLinks, status);
         if (!ORL::ResultSucceeded(result)) {
             return result;
         }
@@ -195,7 +195,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
                                              : ResultOf(error); // the root of a volume without any entries
     }
     do {
-        if (!IsItselfOrAbove(entry.cFileName)) {
+        if (!IsDotEntry(entry.cFileName)) {
             outNames.push_back(ToUTF8(Units(entry.cFileName)));
         }
     } while (::FindNextFileW(listing, &entry) != FALSE);
@@ -204,9 +204,9 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     return error == ERROR_NO_MORE_FILES ? ORL::kSuccess : ResultOf(error);
 }
 
-ORL::Result HeldFolder::Look(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
+ORL::Result HeldFolder::GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
 {
-    return LookAt(mState->PathOf(inName), inLinks, outStatus);
+    return QueryStatus(mState->PathOf(inName), inLinks, outStatus);
 }
 
 ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
@@ -274,7 +274,7 @@ bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 }
 
 // If the file system does not support holes, they are written as zeros.
-void LetHaveHoles(ORL::File& ioFile)
+void MakeSparse(ORL::File& ioFile)
 {
     DWORD count = 0;
     ::DeviceIoControl(ioFile.GetPlatformFileHandle(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &count, nullptr);

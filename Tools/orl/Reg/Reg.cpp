@@ -64,7 +64,7 @@ ORL::RegistryEdit EditOf(ORL::RegistryEdit::Kind inKind, const RegKeyName& inKey
 UTF16String ValueNameOf(const Options& inOptions)
 {
     const UTF16String name = ToUTF16(inOptions.mName);
-    if (name.size() > kMostValueNameUnits) {
+    if (name.size() > kMaxValueNameUnits) {
         throw Failure("reg: the name of a value has at most 16383 characters", kExitUsage);
     }
     return name;

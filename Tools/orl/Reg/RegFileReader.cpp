@@ -144,7 +144,7 @@ private:
             return UTF16String();
         }
         UTF16String name = ReadQuoted();
-        if (name.size() > kMostValueNameUnits) {
+        if (name.size() > kMaxValueNameUnits) {
             mCursor.Refuse("the name of a value has at most 16383 characters");
         }
         return name;

@@ -96,12 +96,12 @@ std::string ComplainOfRegPath(const UTF16String& inPath)
         if (end == at) {
             return "the name of a key cannot be empty";
         }
-        if (end - at > kMostKeyNameUnits) {
+        if (end - at > kMaxKeyNameUnits) {
             return "the name of a key has at most 255 characters";
         }
         at = end + 1;
     }
-    return levels > kMostKeyLevels ? "a key is at most 512 levels deep" : "";
+    return levels > kMaxKeyLevels ? "a key is at most 512 levels deep" : "";
 }
 
 RegKeyName ReadRegKeyName(const std::string& inText, ORL::RegistryRootKeys::Type inRoot)

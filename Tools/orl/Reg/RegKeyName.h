@@ -35,8 +35,8 @@ std::string ComplainOfRegPath(const UTF16String& inPath);
 /// Returns the name of a value for messages: quoted, or "the default value".
 std::string ShowRegValueName(const UTF16String& inName);
 
-constexpr std::size_t kMostKeyNameUnits = 255;
-constexpr std::size_t kMostKeyLevels = 512;
-constexpr std::size_t kMostValueNameUnits = 16383;
+constexpr std::size_t kMaxKeyNameUnits = 255;
+constexpr std::size_t kMaxKeyLevels = 512;
+constexpr std::size_t kMaxValueNameUnits = 16383;
 
 } // namespace orl

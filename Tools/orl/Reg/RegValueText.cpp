@@ -214,7 +214,7 @@ std::string PlainRegValue(const RegistryValue& inValue)
 
 std::string ShowRegValue(const RegistryValue& inValue)
 {
-    constexpr std::size_t kMostBytes = 24;
+    constexpr std::size_t kMaxBytes = 24;
     const bool isWellFormed = IsWellFormedRegValue(inValue);
     if (isWellFormed && IsText(inValue.mType)) {
         return '"' + OnOneLine(TextOf(inValue)) + '"';
@@ -224,8 +224,8 @@ std::string ShowRegValue(const RegistryValue& inValue)
         return std::to_string(number) + " (" + Hex(number) + ')';
     }
     const std::size_t count = inValue.mData.size();
-    std::string shown = Hexadecimal(inValue.mData.data(), count < kMostBytes ? count : kMostBytes);
-    if (count > kMostBytes) {
+    std::string shown = Hexadecimal(inValue.mData.data(), count < kMaxBytes ? count : kMaxBytes);
+    if (count > kMaxBytes) {
         shown += "...";
     }
     return shown + (shown.empty() ? "(" : " (") + std::to_string(count) + (count == 1 ? " byte)" : " bytes)");

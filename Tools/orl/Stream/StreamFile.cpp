@@ -44,7 +44,7 @@ StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& in
                          const StreamProgress& inProgress)
 {
     UnbufferedRead read;
-    read.mWho = "stream";
+    read.mCommand = "stream";
     read.mShown = inArgument;
     read.mPath = PathOfArgument(inArgument);
     read.mBlockSize = inSettings.mBlockSize;

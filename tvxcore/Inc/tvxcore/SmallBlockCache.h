@@ -7,9 +7,9 @@
 // The counters cost two additions. A packed word holds a number of blocks and a number of bytes, and sums of packed
 // words stay correct as long as the differences that are evaluated fit their fields:
 //   mTaken  what the thread has allocated since its totals were last updated
-//   mRoom   mTaken, plus what the thread may still allocate before a peak moves
-// Allocate adds to mTaken, Dispose to mRoom. Allocate takes the slow path if the room (mRoom - mTaken) is used up or a
-// sum has carried into a guard bit; the slow path updates the peaks and the totals.
+//   mQuota   mTaken, plus what the thread may still allocate before a peak moves
+// Allocate adds to mTaken, Dispose to mQuota. Allocate takes the slow path if the quota (mQuota - mTaken) is used up or
+// a sum has carried into a guard bit; the slow path updates the peaks and the totals.
 //
 // All of this is part of the binary interface: it is compiled into hosts.
 #pragma once
@@ -69,7 +69,7 @@ TVXCORE_LOCAL inline constexpr PlaceTable kPlaces = MakePlaceTable();
 static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[kClassCount - 1] == kLargestSmall);
 
 // A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread takes
-// the slow path once in a while and does not accumulate unlimited room.
+// the slow path once in a while and does not accumulate unlimited quota.
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 
@@ -82,7 +82,7 @@ struct CacheHead
     std::atomic<std::size_t> mServesBelow{0}; // smaller sizes are allocated from here; 0 forces the slow path
     std::size_t mTakesBelow = 0;              // the same for blocks that are freed
     std::atomic<std::uint64_t> mTaken{0};
-    std::atomic<std::uint64_t> mRoom{0};
+    std::atomic<std::uint64_t> mQuota{0};
     // Two pointers for each class: one past the top block of its stack, and the end of the stack's memory. A null is
     // below the first block of each stack.
     std::array<void**, 2 * kClassCount> mPlaces{};
@@ -134,8 +134,8 @@ inline void* TakeFromCache(CacheHead& ioCache, std::size_t inSize) noexcept
     void** const top = places[0] - 1;
     void* const block = *top;
     const std::uint64_t taken = Sum(ioCache.mTaken.load(std::memory_order_relaxed), kOneBlock + inSize);
-    const std::uint64_t room = ioCache.mRoom.load(std::memory_order_relaxed) - taken;
-    if (__builtin_expect(block == nullptr || ((room | taken) & kGuards) != 0, 0)) {
+    const std::uint64_t quota = ioCache.mQuota.load(std::memory_order_relaxed) - taken;
+    if (__builtin_expect(block == nullptr || ((quota | taken) & kGuards) != 0, 0)) {
         return nullptr;
     }
     ioCache.mTaken.store(taken, std::memory_order_relaxed);
@@ -157,8 +157,8 @@ inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) n
     }
     *place = inBlock;
     places[0] = place + 1;
-    const std::uint64_t room = ioCache.mRoom.load(std::memory_order_relaxed);
-    ioCache.mRoom.store(Sum(room, kOneBlock + inSize), std::memory_order_relaxed);
+    const std::uint64_t quota = ioCache.mQuota.load(std::memory_order_relaxed);
+    ioCache.mQuota.store(Sum(quota, kOneBlock + inSize), std::memory_order_relaxed);
     return true;
 }
 

@@ -67,7 +67,7 @@ int ToUpper(int inCharacter)
     return inCharacter >= 'a' && inCharacter <= 'z' ? inCharacter - ('a' - 'A') : inCharacter;
 }
 
-const char* FirstThatIsSet(std::initializer_list<const char*> inVariables)
+const char* FirstSetVariable(std::initializer_list<const char*> inVariables)
 {
     for (const char* const variable : inVariables) {
         const char* const value = std::getenv(variable);
@@ -101,7 +101,7 @@ NumberPunctuation FindUserPunctuation_Impl()
 {
     NumberPunctuation punctuation;
     // Uses the variables in the same order as the C library.
-    if (FindNumberPunctuation(FirstThatIsSet({"LC_ALL", "LC_NUMERIC", "LANG"}), punctuation)) {
+    if (FindNumberPunctuation(FirstSetVariable({"LC_ALL", "LC_NUMERIC", "LANG"}), punctuation)) {
         return punctuation;
     }
     return OfInstalledLocale();

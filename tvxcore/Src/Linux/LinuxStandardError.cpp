@@ -12,15 +12,15 @@ namespace Platform {
 namespace {
 
 // A pipe that is ready accepts this many bytes without blocking. There is only one writer at a time in this library.
-constexpr std::size_t kPipeRoom = 4096;
-constexpr int kPatience = 100; // milliseconds
+constexpr std::size_t kPipeChunk = 4096;
+constexpr int kWriteTimeout = 100; // milliseconds
 
 bool WaitUntilWritable(bool& ioReaderIsStuck)
 {
     pollfd standardError{STDERR_FILENO, POLLOUT, 0};
     int ready = 0;
     do {
-        ready = ::poll(&standardError, 1, ioReaderIsStuck ? 0 : kPatience);
+        ready = ::poll(&standardError, 1, ioReaderIsStuck ? 0 : kWriteTimeout);
     } while (ready < 0 && errno == EINTR);
     ioReaderIsStuck = ready == 0;
     // poll also reports a pipe without a reader as ready, and a write to it would raise SIGPIPE.
@@ -32,7 +32,7 @@ bool WaitUntilWritable(bool& ioReaderIsStuck)
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
 {
     while (WaitUntilWritable(ioReaderIsStuck)) {
-        const ssize_t written = ::write(STDERR_FILENO, inBytes, std::min(inCount, kPipeRoom));
+        const ssize_t written = ::write(STDERR_FILENO, inBytes, std::min(inCount, kPipeChunk));
         if (written >= 0 || errno != EINTR) {
             return static_cast<std::size_t>(std::max<ssize_t>(written, 0));
         }

@@ -147,10 +147,10 @@ SharedCacheUse::SharedCacheUse() noexcept : mGuard(sSharedMutex)
     }
 }
 
-// The shared cache belongs to no thread, so it returns all its room to the ledger: the threads' peaks stay exact.
+// The shared cache belongs to no thread, so it returns all its quota to the ledger: the threads' peaks stay exact.
 SharedCacheUse::~SharedCacheUse()
 {
-    LeaveAllRoom(sShared);
+    ReturnAllQuota(sShared);
 }
 
 ThreadCache* SharedCacheUse::operator->() const noexcept

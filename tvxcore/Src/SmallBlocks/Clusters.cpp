@@ -28,7 +28,7 @@ constexpr std::size_t kHeadSize = (sizeof(Cluster) + 63) / 64 * 64;
 constexpr std::uint32_t kAllUsed = (1u << kMastersPerCluster) - 1;
 
 threads::CoreMutex sMutex;
-List<Cluster> sRoomy TVXCORE_GUARDED_BY(sMutex); // clusters with an unused master block
+List<Cluster> sWithSpace TVXCORE_GUARDED_BY(sMutex); // clusters with an unused master block
 List<Cluster> sFull TVXCORE_GUARDED_BY(sMutex);
 // One empty cluster is kept, so that a host whose usage fluctuates around a cluster boundary does not map and unmap it
 // each time.
@@ -55,14 +55,14 @@ void UnmapCluster(Cluster& inCluster) noexcept
     GivePages(&inCluster, kClusterSize);
 }
 
-Cluster* RoomyCluster() noexcept TVXCORE_REQUIRES(sMutex)
+Cluster* ClusterWithSpace() noexcept TVXCORE_REQUIRES(sMutex)
 {
-    if (sRoomy.Front() == nullptr) {
+    if (sWithSpace.Front() == nullptr) {
         if (Cluster* const cluster = MapCluster()) {
-            sRoomy.PushFront(*cluster);
+            sWithSpace.PushFront(*cluster);
         }
     }
-    return sRoomy.Front();
+    return sWithSpace.Front();
 }
 
 } // namespace
@@ -98,7 +98,7 @@ void Master::Give(void* inBlock) noexcept
 Master* NewMaster(std::size_t inClass) noexcept
 {
     const Guard guard(sMutex);
-    Cluster* const cluster = RoomyCluster();
+    Cluster* const cluster = ClusterWithSpace();
     if (cluster == nullptr) {
         return nullptr;
     }
@@ -108,7 +108,7 @@ Master* NewMaster(std::size_t inClass) noexcept
     const auto index = static_cast<std::size_t>(__builtin_ctz(~cluster->mUsed));
     cluster->mUsed |= 1u << index;
     if (cluster->mUsed == kAllUsed) {
-        sRoomy.Remove(*cluster);
+        sWithSpace.Remove(*cluster);
         sFull.PushFront(*cluster);
     }
     const std::size_t head = index == 0 ? kHeadSize : 0;
@@ -124,7 +124,7 @@ void DeleteMaster(Master& inMaster) noexcept
     Cluster& cluster = ClusterOf(&inMaster);
     if (cluster.mUsed == kAllUsed) {
         sFull.Remove(cluster);
-        sRoomy.PushFront(cluster);
+        sWithSpace.PushFront(cluster);
     }
     cluster.mUsed &= ~(1u << (&inMaster - cluster.mMasters));
     sCounters.mMasters.Remove(1);
@@ -135,7 +135,7 @@ void DeleteMaster(Master& inMaster) noexcept
         sSpare = &cluster;
         return;
     }
-    sRoomy.Remove(cluster);
+    sWithSpace.Remove(cluster);
     UnmapCluster(cluster);
 }
 
@@ -149,7 +149,7 @@ Master& MasterOf(void* inBlock) noexcept
 void DeleteClusters() noexcept
 {
     const Guard guard(sMutex);
-    for (List<Cluster>* list : {&sRoomy, &sFull}) {
+    for (List<Cluster>* list : {&sWithSpace, &sFull}) {
         while (Cluster* const cluster = list->PopFront()) {
             sCounters.mMasters.Remove(static_cast<std::uint64_t>(__builtin_popcount(cluster->mUsed)));
             UnmapCluster(*cluster);

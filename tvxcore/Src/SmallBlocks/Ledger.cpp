@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t kBytesMask = kOneBlock - 1;
 constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
 
-// Extra room that a thread claims, so that it claims less often.
+// Extra quota that a thread claims, so that it claims less often.
 constexpr std::int64_t kClaimCount = 256;
 constexpr std::int64_t kClaimBytes = 256 * 1024;
 
@@ -49,7 +49,7 @@ struct Account
         return claimed;
     }
 
-    void Leave(std::int64_t inRoom) noexcept { mUnclaimed.store(mUnclaimed.load(kRelaxed) + inRoom, kRelaxed); }
+    void Leave(std::int64_t inQuota) noexcept { mUnclaimed.store(mUnclaimed.load(kRelaxed) + inQuota, kRelaxed); }
 };
 
 threads::CoreMutex sMutex;
@@ -58,9 +58,9 @@ Account sBytes;
 List<ThreadCache> sCaches TVXCORE_GUARDED_BY(sMutex);
 std::size_t sServesBelow TVXCORE_GUARDED_BY(sMutex) = kLargestSmall + 1;
 
-Amount RoomOf(const ThreadCache& inCache) noexcept
+Amount QuotaOf(const ThreadCache& inCache) noexcept
 {
-    return Unpack(inCache.mRoom.load(kRelaxed) - inCache.mTaken.load(kRelaxed));
+    return Unpack(inCache.mQuota.load(kRelaxed) - inCache.mTaken.load(kRelaxed));
 }
 
 template <class Number>
@@ -70,51 +70,51 @@ void AddTo(std::atomic<Number>& ioNumber, Number inAmount) noexcept
     ioNumber.store(ioNumber.load(kRelaxed) + inAmount, kRelaxed);
 }
 
-void AddRoom(ThreadCache& ioCache, const Amount& inAmount) noexcept
+void AddQuota(ThreadCache& ioCache, const Amount& inAmount) noexcept
 {
-    AddTo(ioCache.mRoom, Pack(inAmount));
+    AddTo(ioCache.mQuota, Pack(inAmount));
 }
 
-// Resets mTaken to zero; the room stays the same.
-void BringForward(ThreadCache& ioCache) noexcept
+// Resets mTaken to zero; the quota stays the same.
+void CarryForward(ThreadCache& ioCache) noexcept
 {
     const Guard guard(sMutex);
     const std::uint64_t taken = ioCache.mTaken.load(kRelaxed);
     AddTo(ioCache.mForwardCount, taken >> 40);
     AddTo(ioCache.mForwardBytes, taken & kBytesMask);
-    AddTo(ioCache.mRoom, 0 - taken);
+    AddTo(ioCache.mQuota, 0 - taken);
     ioCache.mTaken.store(0, kRelaxed);
 }
 
 Amount MissingFor(const ThreadCache& inCache, std::size_t inSize) noexcept
 {
-    const Amount room = RoomOf(inCache);
-    return {std::max<std::int64_t>(0, 1 - room.mCount),
-            std::max<std::int64_t>(0, static_cast<std::int64_t>(inSize) - room.mBytes)};
+    const Amount quota = QuotaOf(inCache);
+    return {std::max<std::int64_t>(0, 1 - quota.mCount),
+            std::max<std::int64_t>(0, static_cast<std::int64_t>(inSize) - quota.mBytes)};
 }
 
-void ClaimRoom(ThreadCache& ioCache, const Amount& inMissing) noexcept
+void ClaimQuota(ThreadCache& ioCache, const Amount& inMissing) noexcept
 {
     const Guard guard(sMutex);
-    AddRoom(ioCache, {sCount.Claim(inMissing.mCount, kClaimCount), sBytes.Claim(inMissing.mBytes, kClaimBytes)});
+    AddQuota(ioCache, {sCount.Claim(inMissing.mCount, kClaimCount), sBytes.Claim(inMissing.mBytes, kClaimBytes)});
 }
 
-void LeaveRoomBut(ThreadCache& ioCache, const Amount& inKept) noexcept
+void ReturnQuotaAbove(ThreadCache& ioCache, const Amount& inKept) noexcept
 {
     const Guard guard(sMutex);
-    const Amount room = RoomOf(ioCache);
-    const Amount left{std::max<std::int64_t>(0, room.mCount - inKept.mCount),
-                      std::max<std::int64_t>(0, room.mBytes - inKept.mBytes)};
+    const Amount quota = QuotaOf(ioCache);
+    const Amount left{std::max<std::int64_t>(0, quota.mCount - inKept.mCount),
+                      std::max<std::int64_t>(0, quota.mBytes - inKept.mBytes)};
     sCount.Leave(left.mCount);
     sBytes.Leave(left.mBytes);
-    AddRoom(ioCache, {-left.mCount, -left.mBytes});
+    AddQuota(ioCache, {-left.mCount, -left.mBytes});
 }
 
-// The values of mTaken and mRoom at one moment, except for a few steps of their thread in between.
+// The values of mTaken and mQuota at one moment, except for a few steps of their thread in between.
 struct Words
 {
     std::uint64_t mTaken;
-    std::uint64_t mRoom;
+    std::uint64_t mQuota;
 };
 
 Words ReadWords(const ThreadCache& inCache) noexcept
@@ -122,16 +122,16 @@ Words ReadWords(const ThreadCache& inCache) noexcept
     constexpr std::uint64_t kFewSteps = 32 * kOneBlock;
     for (;;) {
         const std::uint64_t taken = inCache.mTaken.load(std::memory_order_acquire);
-        const std::uint64_t room = inCache.mRoom.load(std::memory_order_acquire);
+        const std::uint64_t quota = inCache.mQuota.load(std::memory_order_acquire);
         if (inCache.mTaken.load(kRelaxed) - taken < kFewSteps) {
-            return {taken, room};
+            return {taken, quota};
         }
     }
 }
 
 struct Sums
 {
-    std::int64_t mRoom = 0;
+    std::int64_t mQuota = 0;
     std::int64_t mRaised = 0;
     std::uint64_t mTaken = 0;
 };
@@ -140,7 +140,7 @@ void Fill(const Account& inAccount, const Sums& inSums, unsigned __int64& outCur
           unsigned __int64& outTotal) noexcept
 {
     const std::int64_t peak = inAccount.mPeak + inSums.mRaised;
-    const std::int64_t current = peak - inAccount.mUnclaimed.load(kRelaxed) - inSums.mRoom;
+    const std::int64_t current = peak - inAccount.mUnclaimed.load(kRelaxed) - inSums.mQuota;
     outPeak = static_cast<unsigned __int64>(peak);
     outCurrent = static_cast<unsigned __int64>(std::max<std::int64_t>(0, current));
     outTotal = std::max<unsigned __int64>(outPeak, inAccount.mTotal + inSums.mTaken);
@@ -149,7 +149,7 @@ void Fill(const Account& inAccount, const Sums& inSums, unsigned __int64& outCur
 void Enter(ThreadCache& ioCache) noexcept TVXCORE_REQUIRES(sMutex)
 {
     ioCache.mTaken.store(0, kRelaxed);
-    ioCache.mRoom.store(0, kRelaxed);
+    ioCache.mQuota.store(0, kRelaxed);
     ioCache.mForwardCount.store(0, kRelaxed);
     ioCache.mForwardBytes.store(0, kRelaxed);
     ioCache.mRaisedCount.store(0, kRelaxed);
@@ -176,47 +176,47 @@ void EnterSharedCache(ThreadCache& ioCache) noexcept
 void LeaveCache(ThreadCache& ioCache) noexcept
 {
     const Guard guard(sMutex);
-    const Amount room = RoomOf(ioCache);
+    const Amount quota = QuotaOf(ioCache);
     const Amount taken = Unpack(ioCache.mTaken.load(kRelaxed));
     sCount.mPeak += ioCache.mRaisedCount.load(kRelaxed);
     sBytes.mPeak += ioCache.mRaisedBytes.load(kRelaxed);
     sCount.mTotal += ioCache.mForwardCount.load(kRelaxed) + static_cast<std::uint64_t>(taken.mCount);
     sBytes.mTotal += ioCache.mForwardBytes.load(kRelaxed) + static_cast<std::uint64_t>(taken.mBytes);
-    sCount.Leave(room.mCount);
-    sBytes.Leave(room.mBytes);
+    sCount.Leave(quota.mCount);
+    sBytes.Leave(quota.mBytes);
     sCaches.Remove(ioCache);
     ioCache.mServesBelow.store(0, kRelaxed);
     ioCache.mTakesBelow = 0;
 }
 
-void MakeRoomFor(ThreadCache& ioCache, std::size_t inSize) noexcept
+void EnsureQuotaFor(ThreadCache& ioCache, std::size_t inSize) noexcept
 {
-    LeaveRoom(ioCache);
+    ReturnExcessQuota(ioCache);
     if (((ioCache.mTaken.load(kRelaxed) + (kOneBlock + inSize)) & kGuards) != 0) {
-        BringForward(ioCache);
+        CarryForward(ioCache);
     }
     Amount missing = MissingFor(ioCache, inSize);
     if ((missing.mCount > 0 && sCount.mUnclaimed.load(kRelaxed) > 0)
         || (missing.mBytes > 0 && sBytes.mUnclaimed.load(kRelaxed) > 0)) {
-        ClaimRoom(ioCache, missing);
+        ClaimQuota(ioCache, missing);
         missing = MissingFor(ioCache, inSize);
     }
     AddTo(ioCache.mRaisedCount, missing.mCount);
     AddTo(ioCache.mRaisedBytes, missing.mBytes);
-    AddRoom(ioCache, missing);
+    AddQuota(ioCache, missing);
 }
 
-void LeaveRoom(ThreadCache& ioCache) noexcept
+void ReturnExcessQuota(ThreadCache& ioCache) noexcept
 {
-    const Amount room = RoomOf(ioCache);
-    if (room.mCount > kMostRoomCount || room.mBytes > kMostRoomBytes) {
-        LeaveRoomBut(ioCache, {kMostRoomCount / 2, kMostRoomBytes / 2});
+    const Amount quota = QuotaOf(ioCache);
+    if (quota.mCount > kMaxQuotaCount || quota.mBytes > kMaxQuotaBytes) {
+        ReturnQuotaAbove(ioCache, {kMaxQuotaCount / 2, kMaxQuotaBytes / 2});
     }
 }
 
-void LeaveAllRoom(ThreadCache& ioCache) noexcept
+void ReturnAllQuota(ThreadCache& ioCache) noexcept
 {
-    LeaveRoomBut(ioCache, {0, 0});
+    ReturnQuotaAbove(ioCache, {0, 0});
 }
 
 void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot) noexcept
@@ -227,11 +227,11 @@ void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot)
     for (const ThreadCache* cache = sCaches.Front(); cache != nullptr; cache = cache->mNext) {
         const Words words = ReadWords(*cache);
         const Amount taken = Unpack(words.mTaken);
-        const Amount room = Unpack(words.mRoom - words.mTaken);
+        const Amount quota = Unpack(words.mQuota - words.mTaken);
         count.mTaken += cache->mForwardCount.load(kRelaxed) + static_cast<std::uint64_t>(taken.mCount);
         bytes.mTaken += cache->mForwardBytes.load(kRelaxed) + static_cast<std::uint64_t>(taken.mBytes);
-        count.mRoom += room.mCount;
-        bytes.mRoom += room.mBytes;
+        count.mQuota += quota.mCount;
+        bytes.mQuota += quota.mBytes;
         count.mRaised += cache->mRaisedCount.load(kRelaxed);
         bytes.mRaised += cache->mRaisedBytes.load(kRelaxed);
     }

@@ -2,13 +2,13 @@
 //
 // For blocks and for bytes:
 //
-//   current = peak - unclaimed - the sum of all threads' rooms
+//   current = peak - unclaimed - the sum of all threads' quotas
 //
-// A thread's room is the amount that it may allocate before the peak has to move. Freeing adds to the room, allocating
-// uses it. A thread that runs out of room claims unclaimed room from the ledger; if there is none, it raises the peak
-// by exactly the missing amount. A thread that has accumulated much room, since it frees what others allocate, returns
-// it to the ledger. Room is never negative, so no current value exceeds the peak. A single thread raises the peak only
-// if nothing is unclaimed, so its peak is exact.
+// A thread's quota is the amount that it may allocate before the peak has to move. Freeing adds to the quota,
+// allocating uses it. A thread that runs out of quota claims unclaimed quota from the ledger; if there is none, it
+// raises the peak by exactly the missing amount. A thread that has accumulated much quota, since it frees what others
+// allocate, returns it to the ledger. Quota is never negative, so no current value exceeds the peak. A single thread
+// raises the peak only if nothing is unclaimed, so its peak is exact.
 #pragma once
 
 #include <SmallBlocks/ThreadCache.h>
@@ -21,9 +21,9 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Above this much room, the slow path returns room to the ledger.
-inline constexpr std::int64_t kMostRoomCount = 1024;
-inline constexpr std::int64_t kMostRoomBytes = 1024 * 1024;
+/// Above this much quota, the slow path returns quota to the ledger.
+inline constexpr std::int64_t kMaxQuotaCount = 1024;
+inline constexpr std::int64_t kMaxQuotaBytes = 1024 * 1024;
 
 /// Registers a cache, which counts from now on, and enables its fast paths.
 void EnterCache(ThreadCache& ioCache) noexcept;
@@ -34,12 +34,12 @@ void LeaveCache(ThreadCache& ioCache) noexcept;
 /// Registers a cache that counts without fast paths.
 void EnterSharedCache(ThreadCache& ioCache) noexcept;
 
-/// Ensures that the cache has room for an allocation of inSize bytes.
-void MakeRoomFor(ThreadCache& ioCache, std::size_t inSize) noexcept;
+/// Ensures that the cache has quota for an allocation of inSize bytes.
+void EnsureQuotaFor(ThreadCache& ioCache, std::size_t inSize) noexcept;
 
-/// Return excess room, or all of it, to the ledger.
-void LeaveRoom(ThreadCache& ioCache) noexcept;
-void LeaveAllRoom(ThreadCache& ioCache) noexcept;
+/// Return excess quota, or all of it, to the ledger.
+void ReturnExcessQuota(ThreadCache& ioCache) noexcept;
+void ReturnAllQuota(ThreadCache& ioCache) noexcept;
 
 /// Fills in the counters of the small blocks.
 void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot) noexcept;

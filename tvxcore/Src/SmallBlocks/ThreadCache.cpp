@@ -65,14 +65,14 @@ void ThreadCache::Give(void* inBlock, std::size_t inSize) noexcept
 
 void ThreadCache::CountTaken(std::size_t inSize) noexcept
 {
-    MakeRoomFor(*this, inSize);
+    EnsureQuotaFor(*this, inSize);
     mTaken.store(mTaken.load(std::memory_order_relaxed) + (kOneBlock + inSize), std::memory_order_relaxed);
 }
 
 void ThreadCache::CountGiven(std::size_t inSize) noexcept
 {
-    mRoom.store(mRoom.load(std::memory_order_relaxed) + (kOneBlock + inSize), std::memory_order_relaxed);
-    LeaveRoom(*this);
+    mQuota.store(mQuota.load(std::memory_order_relaxed) + (kOneBlock + inSize), std::memory_order_relaxed);
+    ReturnExcessQuota(*this);
 }
 
 void ThreadCache::Drain() noexcept

@@ -39,7 +39,7 @@ constexpr std::size_t SlotsBeforeClass(std::size_t inClass) noexcept
 /// The stacks of one thread and its part of the counters.
 struct ThreadCache : CacheHead
 {
-    // The part of the small blocks' counters that mTaken and mRoom do not hold.
+    // The part of the small blocks' counters that mTaken and mQuota do not hold.
     std::atomic<std::uint64_t> mForwardCount{0}; // totals moved out of mTaken
     std::atomic<std::uint64_t> mForwardBytes{0};
     std::atomic<std::int64_t> mRaisedCount{0}; // by how much this thread has raised the peaks

@@ -46,12 +46,12 @@ void* Map(void* inAddress, std::size_t inSize) noexcept
 void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
 {
     for (int i = 0; i < 100; ++i) {
-        void* const room = ::VirtualAlloc(nullptr, inSize + inAlignment, MEM_RESERVE, PAGE_READWRITE);
-        if (room == nullptr) {
+        void* const reserved = ::VirtualAlloc(nullptr, inSize + inAlignment, MEM_RESERVE, PAGE_READWRITE);
+        if (reserved == nullptr) {
             return nullptr;
         }
-        ::VirtualFree(room, 0, MEM_RELEASE);
-        const std::uintptr_t aligned = (reinterpret_cast<std::uintptr_t>(room) + inAlignment - 1) & ~(inAlignment - 1);
+        ::VirtualFree(reserved, 0, MEM_RELEASE);
+        const std::uintptr_t aligned = (reinterpret_cast<std::uintptr_t>(reserved) + inAlignment - 1) & ~(inAlignment - 1);
         if (void* const pages = Map(reinterpret_cast<void*>(aligned), inSize)) {
             return pages;
         }

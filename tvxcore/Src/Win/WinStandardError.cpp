@@ -11,27 +11,27 @@ namespace {
 
 // Maximum bytes per write; a cancelled write loses all of them.
 constexpr std::size_t kPiece = 4096;
-constexpr DWORD kPatience = 100;    // milliseconds
-constexpr DWORD kShortPatience = 1; // for a reader that is stuck
+constexpr DWORD kWriteTimeout = 100;    // milliseconds
+constexpr DWORD kShortWriteTimeout = 1; // for a reader that is stuck
 
 // Cancels the writes of the constructing thread after the timeout, repeatedly until destruction: the first cancellation
 // may come before the write has begun.
 class Watch
 {
 public:
-    explicit Watch(DWORD inPatience) noexcept
+    explicit Watch(DWORD inTimeout) noexcept
     {
         const HANDLE process = ::GetCurrentProcess();
         if (!::DuplicateHandle(process, ::GetCurrentThread(), process, &mThread, THREAD_TERMINATE, FALSE, 0)) {
             return;
         }
-        mTimer = ::CreateThreadpoolTimer(&CallOff, mThread, nullptr);
+        mTimer = ::CreateThreadpoolTimer(&CancelWrite, mThread, nullptr);
         if (mTimer != nullptr) {
             // Negative: relative to now, in units of 100 ns.
             ULARGE_INTEGER due;
-            due.QuadPart = static_cast<ULONGLONG>(-10'000LL * static_cast<LONGLONG>(inPatience));
+            due.QuadPart = static_cast<ULONGLONG>(-10'000LL * static_cast<LONGLONG>(inTimeout));
             FILETIME time{due.LowPart, due.HighPart};
-            ::SetThreadpoolTimer(mTimer, &time, inPatience, 0);
+            ::SetThreadpoolTimer(mTimer, &time, inTimeout, 0);
         }
     }
 
@@ -50,10 +50,13 @@ public:
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    bool IsOn() const noexcept { return mTimer != nullptr; }
+    bool IsArmed() const noexcept { return mTimer != nullptr; }
 
 private:
-    static void CALLBACK CallOff(PTP_CALLBACK_INSTANCE, void* inThread, PTP_TIMER) { ::CancelSynchronousIo(inThread); }
+    static void CALLBACK CancelWrite(PTP_CALLBACK_INSTANCE, void* inThread, PTP_TIMER)
+    {
+        ::CancelSynchronousIo(inThread);
+    }
 
     HANDLE mThread = nullptr;
     PTP_TIMER mTimer = nullptr;
@@ -68,8 +71,8 @@ std::size_t Write(HANDLE inFile, const char* inBytes, std::size_t inCount) noexc
 
 std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
 {
-    const Watch watch(ioReaderIsStuck ? kShortPatience : kPatience);
-    if (!watch.IsOn()) {
+    const Watch watch(ioReaderIsStuck ? kShortWriteTimeout : kWriteTimeout);
+    if (!watch.IsArmed()) {
         return 0; // out of memory: the text is dropped too
     }
     const std::size_t written = Write(inPipe, inBytes, inCount);

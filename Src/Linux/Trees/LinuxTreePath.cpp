@@ -1,4 +1,4 @@
-#include "LinuxTreeRoad.h"
+#include "LinuxTreePath.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,41 +14,41 @@ constexpr std::size_t kOpenLevels = 3;
 
 } // namespace
 
-int TreeRoad::Enter(const char* inName)
+int TreePath::Enter(const char* inName)
 {
     const int above = Folder();
     mLevels.emplace_back();
-    TreeHold& hold = mLevels.back().mHold;
-    const int failure = hold.EnterOpen(OpenFolderByName(above, inName, O_NOFOLLOW), mUses, mShares);
+    TreeEntryShare& share = mLevels.back().mShare;
+    const int failure = share.EnterOpen(OpenFolderByName(above, inName, O_NOFOLLOW), mUses, mShares);
     if (failure != 0) {
         mLevels.pop_back();
         return failure;
     }
-    mLevels.back().mIdentity = hold.Identity();
+    mLevels.back().mIdentity = share.Identity();
     if (mLevels.size() > kOpenLevels) {
-        mLevels[mLevels.size() - 1 - kOpenLevels].mHold.Close();
+        mLevels[mLevels.size() - 1 - kOpenLevels].mShare.Close();
     }
     return 0;
 }
 
-int TreeRoad::OpenAbove()
+int TreePath::OpenAbove()
 {
     if (Above() >= 0) {
         return 0;
     }
     Level& above = mLevels[mLevels.size() - 2];
-    int failure = above.mHold.EnterOpen(OpenFolderByName(Folder(), "..", O_NOFOLLOW), mUses, mShares);
-    const bool isAnother = failure == 0 && !(above.mHold.Identity() == above.mIdentity);
+    int failure = above.mShare.EnterOpen(OpenFolderByName(Folder(), "..", O_NOFOLLOW), mUses, mShares);
+    const bool isAnother = failure == 0 && !(above.mShare.Identity() == above.mIdentity);
     if (isAnother || failure == ENOENT) {
         failure = ESTALE;
     }
     if (failure != 0) {
-        above.mHold.Close();
+        above.mShare.Close();
     }
     return failure;
 }
 
-bool TreeRoad::IsOn(const TreeRoad& inOther) const
+bool TreePath::ContainsDeepestOf(const TreePath& inOther) const
 {
     const FileIdentity deepest = inOther.mLevels.back().mIdentity;
     struct statx top;

@@ -1,4 +1,4 @@
-#include "LinuxTreeHold.h"
+#include "LinuxTreeEntryShare.h"
 
 #include <cerrno>
 #include <sys/sysmacros.h>
@@ -23,7 +23,7 @@ FileIdentity IdentityOf(const struct statx& inStatus) noexcept
 
 // Opens regular files only, because opening a device has side effects. A file without read permission is checked inside
 // this process only.
-int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares)
+int TreeEntryShare::EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares)
 {
     struct statx status;
     if (System().mStatx(inFolder, inName, AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO, &status) != 0) {
@@ -42,7 +42,7 @@ int TreeHold::EnterFile(int inFolder, const char* inName, unsigned inUses, unsig
     return ErrnoOf(mShares.Enter(IdentityOf(status), inUses, inShares));
 }
 
-int TreeHold::EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares)
+int TreeEntryShare::EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares)
 {
     if (!ioFile) {
         return errno;
@@ -55,7 +55,7 @@ int TreeHold::EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares)
     return ErrnoOf(mShares.Enter(Identity(), inUses, inShares));
 }
 
-FileIdentity TreeHold::Identity() const noexcept
+FileIdentity TreeEntryShare::Identity() const noexcept
 {
     return IdentityOf(mStatus);
 }

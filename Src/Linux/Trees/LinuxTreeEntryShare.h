@@ -11,7 +11,7 @@ namespace Linux {
 
 /// Registers a brief use of an entry with the share modes of all processes. Each step of a tree holds the entry that it
 /// works on. Links, pipes and devices are never held.
-class TreeHold
+class TreeEntryShare
 {
 public:
     /// Holds a file by its name. Does nothing for folders and missing names; that is not an error. Returns 0, ETXTBSY
@@ -22,7 +22,7 @@ public:
     /// open, whose errno is then returned.
     int EnterOpen(Descriptor&& ioFile, unsigned inUses, unsigned inShares);
 
-    /// Releases the hold and closes the file.
+    /// Releases the registration and closes the file.
     void Close() noexcept { mShares.Release(); }
 
     /// Returns -1 if nothing is open.

@@ -1,4 +1,4 @@
-#include <SharedVisits.h>
+#include <ReaderSlots.h>
 
 #include <Stress.h>
 
@@ -8,59 +8,59 @@
 #include <thread>
 #include <vector>
 
-using ORL::SharedVisits;
+using ORL::ReaderSlots;
 
 TEST(SharedVisits, WhileAWriterWorks_NobodyIsLetIn)
 {
-    SharedVisits visits;
+    ReaderSlots slots;
     {
-        const SharedVisits::ShutOut shutOut(visits);
-        EXPECT_FALSE(SharedVisits::Visit(visits).IsIn());
+        const ReaderSlots::WriterAccess writer(slots);
+        EXPECT_FALSE(ReaderSlots::ReaderAccess(slots).IsGranted());
     }
-    EXPECT_TRUE(SharedVisits::Visit(visits).IsIn());
+    EXPECT_TRUE(ReaderSlots::ReaderAccess(slots).IsGranted());
 }
 
 TEST(SharedVisits, WriterThatMustNotWait_IsShutOnlyWhereNobodyVisits)
 {
-    SharedVisits visits;
+    ReaderSlots slots;
     {
-        const SharedVisits::Visit visit(visits);
-        EXPECT_FALSE(SharedVisits::TryShutOut(visits).IsShut());
-        EXPECT_TRUE(SharedVisits::Visit(visits).IsIn()) << "a try that failed has left it open";
+        const ReaderSlots::ReaderAccess access(slots);
+        EXPECT_FALSE(ReaderSlots::TryWriterAccess(slots).IsGranted());
+        EXPECT_TRUE(ReaderSlots::ReaderAccess(slots).IsGranted()) << "a try that failed has left it open";
     }
     {
-        const SharedVisits::TryShutOut shutOut(visits);
-        EXPECT_TRUE(shutOut.IsShut());
-        EXPECT_FALSE(SharedVisits::Visit(visits).IsIn());
+        const ReaderSlots::TryWriterAccess writer(slots);
+        EXPECT_TRUE(writer.IsGranted());
+        EXPECT_FALSE(ReaderSlots::ReaderAccess(slots).IsGranted());
     }
-    EXPECT_TRUE(SharedVisits::Visit(visits).IsIn());
+    EXPECT_TRUE(ReaderSlots::ReaderAccess(slots).IsGranted());
 }
 
 TEST(SharedVisits, OneVisitInsideAnother_BothAreIn)
 {
-    SharedVisits visits;
-    const SharedVisits::Visit outer(visits);
-    const SharedVisits::Visit inner(visits);
-    EXPECT_TRUE(outer.IsIn());
-    EXPECT_TRUE(inner.IsIn());
+    ReaderSlots slots;
+    const ReaderSlots::ReaderAccess outer(slots);
+    const ReaderSlots::ReaderAccess inner(slots);
+    EXPECT_TRUE(outer.IsGranted());
+    EXPECT_TRUE(inner.IsGranted());
 }
 
 TEST(SharedVisits, NoPlaceLeft_IsNotInAndDoesNotWait)
 {
-    SharedVisits visits;
-    std::vector<std::unique_ptr<SharedVisits::Visit>> held;
+    ReaderSlots slots;
+    std::vector<std::unique_ptr<ReaderSlots::ReaderAccess>> held;
     do {
         ASSERT_LT(held.size(), 65u) << "there are no more places than that";
-        held.push_back(std::make_unique<SharedVisits::Visit>(visits));
-    } while (held.back()->IsIn());
+        held.push_back(std::make_unique<ReaderSlots::ReaderAccess>(slots));
+    } while (held.back()->IsGranted());
     held.clear();
-    EXPECT_TRUE(SharedVisits::Visit(visits).IsIn()) << "the places are free again";
+    EXPECT_TRUE(ReaderSlots::ReaderAccess(slots).IsGranted()) << "the places are free again";
 }
 
 // The numbers are not atomic: a visitor concurrent with the writer is a data race and sees unequal numbers.
 TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
 {
-    SharedVisits visits;
+    ReaderSlots slots;
     int first = 0;
     int second = 0;
     std::atomic<bool> isOver{false};
@@ -71,8 +71,8 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
         visitors.emplace_back([&] {
             while (!isOver) {
                 {
-                    const SharedVisits::Visit visit(visits);
-                    if (visit.IsIn()) {
+                    const ReaderSlots::ReaderAccess access(slots);
+                    if (access.IsGranted()) {
                         unequal += first != second;
                         ++looks;
                     }
@@ -83,7 +83,7 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
     }
     const int changes = ORLTest::Rounds(200);
     for (int i = 0; i < changes || looks == 0; ++i) {
-        const SharedVisits::ShutOut shutOut(visits);
+        const ReaderSlots::WriterAccess writer(slots);
         ++first;
         std::this_thread::yield();
         ++second;

@@ -1,0 +1,15 @@
+#include <ReaderSlots.h>
+
+#include <Sync/Backoff.h>
+
+namespace ORL {
+
+// A read access takes less than a microsecond unless the reader has been preempted. The writer then yields its
+// processor, and finally sleeps, because a reader of lower priority might never run beside a yielding writer.
+void SystemReaderSlots::BackOff(int inTurn)
+{
+    constexpr Sync::Backoff kBackoff = {200, 400};
+    kBackoff.Wait(inTurn);
+}
+
+} // namespace ORL
