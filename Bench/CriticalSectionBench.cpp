@@ -57,7 +57,7 @@ void Uncontended()
     group.Run();
 }
 
-void TakenAgain()
+void LockRecursively()
 {
     Rivals rivals;
     const ORL::CriticalSectionLock ours(rivals.mOurs);
@@ -87,7 +87,7 @@ int main(int argc, char** argv)
     // The C library omits atomic operations until a process starts its first thread; hosts have many threads.
     std::thread([] {}).join();
     Uncontended();
-    TakenAgain();
+    LockRecursively();
     TwoThreads(0, 0);
     TwoThreads(50, 200);
     TwoThreads(400, 400);

@@ -162,10 +162,10 @@ void CompareReads(const Folder& inFolder, const Work& inWork, std::vector<char>&
 using Blocks = std::vector<ORL::ObjectPtr<ORL::MemoryBufferWrapper>>;
 
 // Keeps the blocks of one file in an array.
-class KeepsAll : public ORL::UnknownImpl<ORL::IFileBuffer>
+class BlockKeeper : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
-    explicit KeepsAll(Blocks& ioBlocks) : mBlocks(ioBlocks) {}
+    explicit BlockKeeper(Blocks& ioBlocks) : mBlocks(ioBlocks) {}
 
     void AddBlock(ORL::ObjectPtr<ORL::MemoryBufferWrapper> inBlock, __int64 inPosition) override
     {
@@ -182,11 +182,14 @@ private:
     Blocks& mBlocks;
 };
 
-class KeepsAllFactory : public ORL::UnknownImpl<ORL::IFileBufferFactory>
+class BlockKeeperFactory : public ORL::UnknownImpl<ORL::IFileBufferFactory>
 {
 public:
-    explicit KeepsAllFactory(Blocks& ioBlocks) : mBlocks(ioBlocks) {}
-    ORL::InterfaceRef<ORL::IFileBuffer, ORL::IFileBuffer> CreateFileBuffer() override { return new KeepsAll(mBlocks); }
+    explicit BlockKeeperFactory(Blocks& ioBlocks) : mBlocks(ioBlocks) {}
+    ORL::InterfaceRef<ORL::IFileBuffer, ORL::IFileBuffer> CreateFileBuffer() override
+    {
+        return new BlockKeeper(mBlocks);
+    }
 
 private:
     Blocks& mBlocks;
@@ -241,7 +244,7 @@ void CompareCachedReads(ORL::File& ioFile, const Work& inWork, const std::vector
 void CompareAllCachedReads(const Folder& inFolder, std::vector<char>& ioBuffer)
 {
     Blocks blocks(kFileSize / kBlockSize);
-    ORL::Foundation::SetFileBufferFactory(new KeepsAllFactory(blocks));
+    ORL::Foundation::SetFileBufferFactory(new BlockKeeperFactory(blocks));
     ORL::File file;
     Require(file.Create(LibraryPath(inFolder.Host("clip")), ORL::FileAccessFlags::kFileAccess_Read,
                         ORL::FileShareModeFlags::kFileShare_Read,

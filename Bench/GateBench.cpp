@@ -16,45 +16,45 @@
 namespace {
 
 /// A ping-pong between two threads, with one gate or condition variable for each direction.
-template <class Door>
+template <class Channel>
 struct PingPong
 {
-    Door mThere;
-    Door mBack;
+    Channel mForward;
+    Channel mBackward;
 
     void Play(std::uint64_t inRounds, unsigned inThread)
     {
-        Door& mine = inThread == 0 ? mBack : mThere;
-        Door& theirs = inThread == 0 ? mThere : mBack;
+        Channel& mine = inThread == 0 ? mBackward : mForward;
+        Channel& theirs = inThread == 0 ? mForward : mBackward;
         while (inRounds-- != 0) {
             if (inThread == 0) {
-                theirs.Let();
-                mine.Await();
+                theirs.Signal();
+                mine.Wait();
             } else {
-                mine.Await();
-                theirs.Let();
+                mine.Wait();
+                theirs.Signal();
             }
         }
     }
 };
 
-struct GateDoor
+struct GateChannel
 {
     ORL::WaitableGate mGate;
-    void Let() { mGate.Open(); }
-    void Await()
+    void Signal() { mGate.Open(); }
+    void Wait()
     {
         mGate.Wait(-1);
         mGate.Close();
     }
 };
 
-struct ConditionDoor
+struct ConditionChannel
 {
     boost::mutex mMutex;
     boost::condition_variable mCondition;
     bool mIsOpen = false;
-    void Let()
+    void Signal()
     {
         {
             boost::unique_lock<boost::mutex> lock(mMutex);
@@ -62,7 +62,7 @@ struct ConditionDoor
         }
         mCondition.notify_all(); // notifies outside the lock, which is faster
     }
-    void Await()
+    void Wait()
     {
         boost::unique_lock<boost::mutex> lock(mMutex);
         while (!mIsOpen) {
@@ -72,20 +72,20 @@ struct ConditionDoor
     }
 };
 
-struct EventDoor
+struct EventChannel
 {
     ORL::WaitableObject mEvent;
-    void Let() { mEvent.Signal(); }
-    void Await() { mEvent.WaitForSignal(-1); }
+    void Signal() { mEvent.Signal(); }
+    void Wait() { mEvent.WaitForSignal(-1); }
 };
 
-struct SemaphoreDoor
+struct SemaphoreChannel
 {
     sem_t mSemaphore;
-    SemaphoreDoor() { ::sem_init(&mSemaphore, 0, 0); }
-    ~SemaphoreDoor() { ::sem_destroy(&mSemaphore); }
-    void Let() { ::sem_post(&mSemaphore); }
-    void Await() { ::sem_wait(&mSemaphore); }
+    SemaphoreChannel() { ::sem_init(&mSemaphore, 0, 0); }
+    ~SemaphoreChannel() { ::sem_destroy(&mSemaphore); }
+    void Signal() { ::sem_post(&mSemaphore); }
+    void Wait() { ::sem_wait(&mSemaphore); }
 };
 
 /// The gate that a host would build without the pool.
@@ -129,15 +129,15 @@ void OpenGates()
 
 void SleepersWoken()
 {
-    PingPong<GateDoor> gates;
-    PingPong<ConditionDoor> conditions;
+    PingPong<GateChannel> gates;
+    PingPong<ConditionChannel> conditions;
     Bench::Group("gate: a sleeper woken, ping-pong of two, 2 processors")
         .Threads(2)
         .Ours("WaitableGate", Bench::AtMost(1.05), [&](std::uint64_t n, unsigned thread) { gates.Play(n, thread); })
         .Peer("boost::condition_variable", [&](std::uint64_t n, unsigned thread) { conditions.Play(n, thread); })
         .Run();
-    PingPong<EventDoor> events;
-    PingPong<SemaphoreDoor> semaphores;
+    PingPong<EventChannel> events;
+    PingPong<SemaphoreChannel> semaphores;
     Bench::Group("waitable object: a sleeper woken, ping-pong of two, 2 processors")
         .Threads(2)
         .Ours("WaitableObject", Bench::AtMost(1.1), [&](std::uint64_t n, unsigned thread) { events.Play(n, thread); })
@@ -147,21 +147,21 @@ void SleepersWoken()
 
 void NobodyWaiting()
 {
-    EventDoor event;
-    SemaphoreDoor semaphore;
+    EventChannel event;
+    SemaphoreChannel semaphore;
     Bench::Group("waitable object: signal and wait with nobody waiting")
         .Ours("WaitableObject", Bench::AtMost(1.1),
               [&](std::uint64_t n) {
                   while (n-- != 0) {
-                      event.Let();
-                      event.Await();
+                      event.Signal();
+                      event.Wait();
                   }
               })
         .Peer("sem_t",
               [&](std::uint64_t n) {
                   while (n-- != 0) {
-                      semaphore.Let();
-                      semaphore.Await();
+                      semaphore.Signal();
+                      semaphore.Wait();
                   }
               })
         .Run();

@@ -32,7 +32,7 @@ public:
     explicit OurPool(std::size_t inSize) : mSize(inSize) { mRecycler.SetSize(std::size_t{1} << 30); }
 
     template <class Use>
-    void TakeAndGive(Use inUse)
+    void UseBuffer(Use inUse)
     {
         ORL::MemoryBuffer buffer = mRecycler.AllocateBuffer(mSize);
         inUse(buffer.GetBuffer());
@@ -53,7 +53,7 @@ public:
     AvPool& operator=(const AvPool&) = delete;
 
     template <class Use>
-    void TakeAndGive(Use inUse)
+    void UseBuffer(Use inUse)
     {
         AVBufferRef* buffer = av_buffer_pool_get(mPool);
         inUse(buffer->data);
@@ -95,7 +95,7 @@ public:
     explicit FreshMapping(std::size_t inSize) : mSize(inSize) {}
 
     template <class Use>
-    void TakeAndGive(Use inUse)
+    void UseBuffer(Use inUse)
     {
         void* const pages = ::mmap(nullptr, mSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         inUse(pages);
@@ -126,7 +126,7 @@ void Compare(std::size_t inSize, unsigned inThreads, bool inWritten)
     const auto repeat = [&use](auto& ioPool) {
         return [&ioPool, &use](std::uint64_t n, unsigned) {
             while (n-- != 0) {
-                ioPool.TakeAndGive(use);
+                ioPool.UseBuffer(use);
             }
         };
     };

@@ -53,7 +53,7 @@ void SplitAPath()
 }
 
 // Question: is the cost of the extension, the most frequent query, independent of the rest of the path?
-void AskTheExtension()
+void GetExtension()
 {
     const UTF16String path = LibraryPath();
     Bench::Group("GetExtensionPart of 84 characters")
@@ -75,7 +75,7 @@ void AskTheExtension()
 }
 
 // Question: what does the path of a neighbouring file cost?
-void NameANeighbour()
+void MakeSiblingPath()
 {
     const UTF16String path = LibraryPath();
     const UTF16String name(TVX_UTF16("A0042C0138.mov"));
@@ -126,8 +126,8 @@ int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
     SplitAPath();
-    AskTheExtension();
-    NameANeighbour();
+    GetExtension();
+    MakeSiblingPath();
     CombineWithDots();
     return Bench::Finish();
 }

@@ -201,7 +201,7 @@ struct Ring
 
 int main(int inCount, char** inArguments)
 {
-    Bench::MakeRoomForPeers(inArguments);
+    Bench::RestartWithLargerStaticTls(inArguments);
     Bench::Start(inCount, inArguments);
     for (const unsigned threads : {1u, 2u}) {
         for (const std::size_t size : kSizes) {

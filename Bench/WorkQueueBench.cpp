@@ -140,10 +140,10 @@ private:
 
 // During its lifetime, keeps the single thread of a pool asleep.
 template <class Pool>
-class Hold
+class BlockedThread
 {
 public:
-    explicit Hold(Pool& ioPool)
+    explicit BlockedThread(Pool& ioPool)
     {
         ioPool.Run([this] {
             std::unique_lock<std::mutex> lock(mMutex);
@@ -157,7 +157,7 @@ public:
         mChanged.wait(lock, [this] { return mIsHeld; });
     }
 
-    ~Hold()
+    ~BlockedThread()
     {
         std::unique_lock<std::mutex> lock(mMutex);
         mIsReleased = true;
@@ -202,7 +202,7 @@ public:
     {
         double spent = 0;
         {
-            const Hold<Pool> hold(mPool);
+            const BlockedThread<Pool> blocked(mPool);
             const double start = Bench::NowInNanoseconds();
             Submit(inCount);
             spent = Bench::NowInNanoseconds() - start;
@@ -225,9 +225,9 @@ private:
 };
 
 // The three rivals with inThreads threads each, constructed before the harness pins the caller to a processor.
-struct Field
+struct Rivals
 {
-    explicit Field(int inThreads) : mOurs(inThreads), mAsio(inThreads), mTbb(inThreads) {}
+    explicit Rivals(int inThreads) : mOurs(inThreads), mAsio(inThreads), mTbb(inThreads) {}
 
     template <class Body>
     void Run(Bench::Group inGroup, double inGoal, Body inBody)
@@ -252,8 +252,8 @@ int main(int argc, char** argv)
     Bench::Start(argc, argv);
     // Allows two workers in addition to the caller, although there may be only two processors.
     const tbb::global_control parallelism(tbb::global_control::max_allowed_parallelism, 3);
-    Field one(1);
-    Field two(2);
+    Rivals one(1);
+    Rivals two(2);
     const std::uint64_t burst = Bench::IsQuick() ? kBurst / 100 : kBurst;
 
     one.Run(Bench::Group("work queue, burst, 1 producer to 1 thread").Operations(burst), 0.9,

@@ -106,10 +106,10 @@ private:
 };
 
 // Threads that repeatedly wait for the caller at a barrier.
-class Meeting
+class BarrierThreads
 {
 public:
-    explicit Meeting(int inThreads) : mBarrier(static_cast<unsigned>(inThreads) + 1)
+    explicit BarrierThreads(int inThreads) : mBarrier(static_cast<unsigned>(inThreads) + 1)
     {
         for (int i = 0; i < inThreads; ++i) {
             mThreads.emplace_back([this, inThreads] {
@@ -122,7 +122,7 @@ public:
             });
         }
     }
-    ~Meeting()
+    ~BarrierThreads()
     {
         mIsOver.store(true);
         mBarrier.wait();
@@ -130,10 +130,10 @@ public:
             thread.join();
         }
     }
-    Meeting(const Meeting&) = delete;
-    Meeting& operator=(const Meeting&) = delete;
+    BarrierThreads(const BarrierThreads&) = delete;
+    BarrierThreads& operator=(const BarrierThreads&) = delete;
 
-    void Meet() { mBarrier.wait(); }
+    void Wait() { mBarrier.wait(); }
 
 private:
     boost::barrier mBarrier;
@@ -148,22 +148,22 @@ std::string Threads(int inThreads)
 
 // The rivals with inThreads threads each, constructed before the harness pins the caller to processor 0. A single
 // thread runs on processor 1; two threads may use both.
-struct Field
+struct Rivals
 {
-    explicit Field(int inThreads) : mThreads(inThreads), mOurs(inThreads), mAsio(inThreads), mMeeting(inThreads) {}
+    explicit Rivals(int inThreads) : mThreads(inThreads), mOurs(inThreads), mAsio(inThreads), mBarrier(inThreads) {}
 
     const int mThreads;
     OurQueue mOurs;
     AsioPool mAsio;
-    Meeting mMeeting;
+    BarrierThreads mBarrier;
 };
 
-void CompareIdle(Field& ioField)
+void CompareIdle(Rivals& ioRivals)
 {
-    OurQueue& ours = ioField.mOurs;
-    AsioPool& asio = ioField.mAsio;
-    Meeting& meeting = ioField.mMeeting;
-    Bench::Group("flush an idle queue of " + Threads(ioField.mThreads))
+    OurQueue& ours = ioRivals.mOurs;
+    AsioPool& asio = ioRivals.mAsio;
+    BarrierThreads& barrierThreads = ioRivals.mBarrier;
+    Bench::Group("flush an idle queue of " + Threads(ioRivals.mThreads))
         .Ours("ThreadedWorkQueueFlush", Bench::AtMost(1.2, "boost::asio::thread_pool"),
               [&](std::uint64_t n) {
                   while (n-- != 0) {
@@ -185,18 +185,18 @@ void CompareIdle(Field& ioField)
         .Peer("boost::barrier",
               [&](std::uint64_t n) {
                   while (n-- != 0) {
-                      meeting.Meet();
+                      barrierThreads.Wait();
                   }
               })
         .Run();
 }
 
-void CompareBusy(Field& ioField)
+void CompareBusy(Rivals& ioRivals)
 {
     constexpr unsigned kRequests = 1000;
-    OurQueue& ours = ioField.mOurs;
-    AsioPool& asio = ioField.mAsio;
-    Bench::Group("1000 short requests and a flush, queue of " + Threads(ioField.mThreads))
+    OurQueue& ours = ioRivals.mOurs;
+    AsioPool& asio = ioRivals.mAsio;
+    Bench::Group("1000 short requests and a flush, queue of " + Threads(ioRivals.mThreads))
         .Ours("ThreadedWorkQueueFlush", Bench::AtMost(1.2, "boost::asio::thread_pool"),
               [&](std::uint64_t n) {
                   while (n-- != 0) {
@@ -242,8 +242,8 @@ void CompareFlushers(OurQueue& ioQueue)
 int main(int argc, char** argv)
 {
     Bench::Start(argc, argv);
-    Field one(1);
-    Field two(2);
+    Rivals one(1);
+    Rivals two(2);
     CompareIdle(one);
     CompareIdle(two);
     CompareBusy(one);

@@ -16,7 +16,7 @@ namespace ORLFuzz {
 
 inline bool IsPossible(const ORL::RegistryEdit& inEdit)
 {
-    return orl::ComplainOfRegPath(inEdit.mPath).empty() && inEdit.mValue.mName.size() <= orl::kMaxValueNameUnits
+    return orl::RegPathError(inEdit.mPath).empty() && inEdit.mValue.mName.size() <= orl::kMaxValueNameUnits
            && inEdit.mValue.mName.find(static_cast<unsigned short>(0)) == UTF16String::npos
            && (inEdit.mKind != ORL::RegistryEdit::kDeleteKey || !inEdit.mPath.empty());
 }

@@ -104,7 +104,7 @@ struct Mimalloc
 /// jemalloc needs 2.6 KiB of static thread-local storage, more than a program reserves for libraries that are loaded
 /// later. The reserve can only be changed before the program starts, so the program restarts itself with a larger
 /// reserve.
-inline void MakeRoomForPeers(char** inArguments)
+inline void RestartWithLargerStaticTls(char** inArguments)
 {
     if (std::getenv("GLIBC_TUNABLES") == nullptr) {
         ::setenv("GLIBC_TUNABLES", "glibc.rtld.optional_static_tls=16384", 1);

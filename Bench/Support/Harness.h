@@ -125,7 +125,7 @@ double Call(Function& inFunction, Arguments... inArguments)
 }
 
 template <class Function>
-constexpr bool GivesFigure()
+constexpr bool ReturnsFigure()
 {
     if constexpr (std::is_invocable_v<Function&, std::uint64_t, unsigned>) {
         return std::is_convertible_v<std::invoke_result_t<Function&, std::uint64_t, unsigned>, double>;
@@ -148,10 +148,10 @@ Body MakeBody(Function inFunction)
 }
 
 // Helper threads that spin between rounds, so that starting a round needs no wake-up.
-class Crew
+class ThreadTeam
 {
 public:
-    explicit Crew(unsigned inThreads) : mHelpers(inThreads - 1)
+    explicit ThreadTeam(unsigned inThreads) : mHelpers(inThreads - 1)
     {
         PinThread(0);
         for (unsigned i = 1; i < inThreads; ++i) {
@@ -159,7 +159,7 @@ public:
         }
     }
 
-    ~Crew()
+    ~ThreadTeam()
     {
         mBody = nullptr;
         mRound.fetch_add(1);
@@ -169,7 +169,7 @@ public:
     }
 
     /// Runs the body once on every thread and returns the wall time, or the figure of thread 0's body.
-    double Run(const Body& inBody, std::uint64_t inOperations, bool inGivesFigure)
+    double Run(const Body& inBody, std::uint64_t inOperations, bool inReturnsFigure)
     {
         mBody = &inBody;
         mOperations = inOperations;
@@ -180,7 +180,7 @@ public:
         while (mDone.load() != mHelpers) {
             Relax();
         }
-        return inGivesFigure ? figure : NowInNanoseconds() - start;
+        return inReturnsFigure ? figure : NowInNanoseconds() - start;
     }
 
 private:
@@ -286,11 +286,11 @@ public:
             return;
         }
         {
-            Detail::Crew crew(mThreads);
+            Detail::ThreadTeam team(mThreads);
             for (Rival& rival : mRivals) {
-                Calibrate(crew, rival);
+                Calibrate(team, rival);
             }
-            Measure(crew);
+            Measure(team);
         }
         Print();
     }
@@ -300,7 +300,7 @@ private:
     {
         std::string mName;
         Detail::Body mBody;
-        bool mGivesFigure = false;
+        bool mReturnsFigure = false;
         bool mIsOurs = false;
         Goal mGoal{};
         std::uint64_t mOperations = 0;
@@ -312,7 +312,7 @@ private:
     {
         Rival rival;
         rival.mName = std::move(inName);
-        rival.mGivesFigure = Detail::GivesFigure<Function>();
+        rival.mReturnsFigure = Detail::ReturnsFigure<Function>();
         rival.mBody = Detail::MakeBody(std::move(inBody));
         rival.mIsOurs = inIsOurs;
         rival.mGoal = std::move(inGoal);
@@ -321,13 +321,13 @@ private:
     }
 
     // Doubles the count until a round is long enough to measure. This also warms up.
-    void Calibrate(Detail::Crew& inCrew, Rival& ioRival)
+    void Calibrate(Detail::ThreadTeam& inTeam, Rival& ioRival)
     {
         const double wanted = IsQuick() ? 1e6 : 20e6;
         std::uint64_t count = mFixedOperations != 0 ? mFixedOperations : mStep;
         const auto timeOnce = [&] {
             const double start = NowInNanoseconds();
-            inCrew.Run(ioRival.mBody, count, false);
+            inTeam.Run(ioRival.mBody, count, false);
             return std::max(1.0, NowInNanoseconds() - start);
         };
         double spent = timeOnce();
@@ -347,14 +347,14 @@ private:
         ioRival.mOperations = count;
     }
 
-    void Measure(Detail::Crew& inCrew)
+    void Measure(Detail::ThreadTeam& inTeam)
     {
         const std::size_t repetitions = IsQuick() ? 3 : mRepetitions;
         for (std::size_t repetition = 0; repetition < repetitions; ++repetition) {
             for (std::size_t i = 0; i < mRivals.size(); ++i) {
                 Rival& rival = mRivals[(repetition + i) % mRivals.size()];
-                const double figure = inCrew.Run(rival.mBody, rival.mOperations, rival.mGivesFigure);
-                rival.mFigures.push_back(rival.mGivesFigure ? figure
+                const double figure = inTeam.Run(rival.mBody, rival.mOperations, rival.mReturnsFigure);
+                rival.mFigures.push_back(rival.mReturnsFigure ? figure
                                                             : figure / static_cast<double>(rival.mOperations));
             }
         }

@@ -6,7 +6,7 @@
 namespace {
 
 // Looks for a bare name in this program's folder, as Windows does.
-std::string WhereItStands(const std::string& inName)
+std::string PlugInPath(const std::string& inName)
 {
     return inName.find('/') != std::string::npos
                ? inName
@@ -30,7 +30,7 @@ std::string WithEnding(const std::string& inName)
 
 RegisterEffectsFunction* LoadPlugIn(const std::string& inName)
 {
-    void* const module = ::dlopen(WhereItStands(WithEnding(inName)).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const module = ::dlopen(PlugInPath(WithEnding(inName)).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
         Fail();
     }

@@ -18,7 +18,7 @@ constexpr std::size_t kSheetWidth = 1200;
 constexpr std::size_t kColumnsPerRequest = 64;
 constexpr std::size_t kLargestSide = 8192;
 
-struct Wishes
+struct Options
 {
     bool mIsThumbnail = false;
     std::size_t mWidth = kSheetWidth;
@@ -28,23 +28,23 @@ struct Wishes
 };
 
 // Returns false if the arguments are invalid.
-bool ReadArguments(std::vector<std::string> inArguments, Wishes& outWishes)
+bool ReadArguments(std::vector<std::string> inArguments, Options& outOptions)
 {
     if (inArguments.size() > 1 && inArguments[0] == "--thumbnail") {
-        outWishes.mIsThumbnail = true;
+        outOptions.mIsThumbnail = true;
         char tooMuch;
-        if (std::sscanf(inArguments[1].c_str(), "%zux%zu%c", &outWishes.mWidth, &outWishes.mHeight, &tooMuch) != 2
-            || outWishes.mWidth == 0 || outWishes.mWidth > kLargestSide || outWishes.mHeight == 0
-            || outWishes.mHeight > kLargestSide) {
+        if (std::sscanf(inArguments[1].c_str(), "%zux%zu%c", &outOptions.mWidth, &outOptions.mHeight, &tooMuch) != 2
+            || outOptions.mWidth == 0 || outOptions.mWidth > kLargestSide || outOptions.mHeight == 0
+            || outOptions.mHeight > kLargestSide) {
             return false;
         }
         inArguments.erase(inArguments.begin(), inArguments.begin() + 2);
     }
-    if (inArguments.size() < 2 || (outWishes.mIsThumbnail && inArguments.size() > 2)) {
+    if (inArguments.size() < 2 || (outOptions.mIsThumbnail && inArguments.size() > 2)) {
         return false;
     }
-    outWishes.mOutput = inArguments[0];
-    outWishes.mInputs.assign(inArguments.begin() + 1, inArguments.end());
+    outOptions.mOutput = inArguments[0];
+    outOptions.mInputs.assign(inArguments.begin() + 1, inArguments.end());
     return true;
 }
 
@@ -102,28 +102,28 @@ void FindAllPeaks(std::vector<Sound>& ioSounds, std::size_t inColumns)
     }
 }
 
-void Render(const Wishes& inWishes)
+void Render(const Options& inOptions)
 {
-    const std::size_t columns = inWishes.mIsThumbnail ? inWishes.mWidth : SheetColumns(inWishes.mWidth);
+    const std::size_t columns = inOptions.mIsThumbnail ? inOptions.mWidth : SheetColumns(inOptions.mWidth);
     std::vector<Sound> sounds;
-    for (const std::string& path : inWishes.mInputs) {
+    for (const std::string& path : inOptions.mInputs) {
         sounds.push_back(OpenSound(path, columns));
     }
     FindAllPeaks(sounds, columns);
-    const Picture picture = inWishes.mIsThumbnail ? PaintThumbnail(sounds[0], inWishes.mWidth, inWishes.mHeight)
-                                                  : PaintSheet(sounds, inWishes.mWidth);
+    const Picture picture = inOptions.mIsThumbnail ? PaintThumbnail(sounds[0], inOptions.mWidth, inOptions.mHeight)
+                                                   : PaintSheet(sounds, inOptions.mWidth);
     try {
-        picture.Save(inWishes.mOutput);
+        picture.Save(inOptions.mOutput);
     } catch (const std::runtime_error& failure) {
-        throw std::runtime_error(inWishes.mOutput + " " + failure.what());
+        throw std::runtime_error(inOptions.mOutput + " " + failure.what());
     }
-    std::printf("%s: %zu by %zu pixels\n", inWishes.mOutput.c_str(), picture.Width(), picture.Height());
+    std::printf("%s: %zu by %zu pixels\n", inOptions.mOutput.c_str(), picture.Width(), picture.Height());
 }
 
-int RenderOrComplain(const Wishes& inWishes)
+int TryRender(const Options& inOptions)
 {
     try {
-        Render(inWishes);
+        Render(inOptions);
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "example_waveform: %s\n", failure.what());
@@ -135,13 +135,13 @@ int RenderOrComplain(const Wishes& inWishes)
 
 int main(int inCount, char** inArguments)
 {
-    Wishes wishes;
-    if (!ReadArguments(std::vector<std::string>(inArguments + 1, inArguments + inCount), wishes)) {
+    Options options;
+    if (!ReadArguments(std::vector<std::string>(inArguments + 1, inArguments + inCount), options)) {
         std::fprintf(stderr, "usage: example_waveform [--thumbnail WxH] OUT.png FILE.wav ...\n");
         return 2;
     }
     ORL::Foundation::Initialize();
-    const int exitCode = RenderOrComplain(wishes);
+    const int exitCode = TryRender(options);
     ORL::Foundation::Terminate();
     return exitCode;
 }

@@ -11,7 +11,7 @@ namespace {
 constexpr unsigned kPCM = 1;
 constexpr unsigned kFloat = 3;
 constexpr unsigned kExtensible = 0xFFFE; // the coding is in the extension: the first two bytes of an identifier
-constexpr unsigned kMostChannels = 16;
+constexpr unsigned kMaxChannels = 16;
 
 std::uint32_t Number(const unsigned char* inBytes, unsigned inCount)
 {
@@ -71,7 +71,7 @@ void TakeFormat(const unsigned char* inChunk, std::size_t inSize, WavFormat& out
     outFormat.mChannels = Number(inChunk + 2, 2);
     outFormat.mFramesPerSecond = Number(inChunk + 4, 4);
     outFormat.mBytesPerFrame = outFormat.mChannels * bits / 8;
-    if (outFormat.mChannels == 0 || outFormat.mChannels > kMostChannels || outFormat.mFramesPerSecond == 0) {
+    if (outFormat.mChannels == 0 || outFormat.mChannels > kMaxChannels || outFormat.mFramesPerSecond == 0) {
         throw std::runtime_error("its format makes no sense");
     }
 }

@@ -1,5 +1,5 @@
 // Tests the persistent debug settings.
-#include <OwnHost.h>
+#include <PrivateHost.h>
 #include <TextHelpers.h>
 
 #include <DebugDatabaseLifecycle.h>
@@ -22,8 +22,8 @@ class DebugDatabaseTest : public testing::Test
 protected:
     void SetUp() override
     {
-        UseOwnHost();
-        ForgetSettingsOfOwnHost();
+        UsePrivateHost();
+        DeletePrivateHostSettings();
         ReleaseDebugDatabase();
     }
 

@@ -54,7 +54,7 @@ protected:
 
 TEST_F(AsyncReadSweep, OpenReadWaitAndClose)
 {
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         AsyncFileReader reader;
         if (AsyncFileReader::Open(mClip, reader) != kSuccess) {
             return;

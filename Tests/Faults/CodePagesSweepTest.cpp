@@ -6,7 +6,7 @@
 #include <LanguageInternals.h>
 #include <ORLDebugDatabase.h>
 #include <ORLHostSettings.h>
-#include <OwnHost.h>
+#include <PrivateHost.h>
 
 #include <new>
 
@@ -48,7 +48,7 @@ TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 
 TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
 {
-    if (!WholeHeapIsWatched()) {
+    if (!HeapIsFullyIntercepted()) {
         return; // on this platform the std::string's heap is not watched
     }
     for (const std::size_t count : {512u, 513u, 5000u}) {
@@ -75,7 +75,7 @@ TEST(CodePagesSweep, Conversions_LeaveNothingBehind)
 
 TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
 {
-    UseOwnHost();
+    UsePrivateHost();
     GetRegistrySettingsKey(); // caches the settings key before the sweep
     SweepMemory(
         [] {
@@ -88,7 +88,7 @@ TEST(LanguageSweep, FetchWithoutMemory_LeavesTheLanguageUnknown)
 
 TEST(DebugDatabaseSweep, EntriesWithoutMemory_AreWholeOrNotThere)
 {
-    UseOwnHost();
+    UsePrivateHost();
     DebugDatabase::Instance().GetEntry("warm", "up");
     const std::string name(100, 'n');
     const std::string value(100, 'v');
@@ -105,5 +105,5 @@ TEST(DebugDatabaseSweep, EntriesWithoutMemory_AreWholeOrNotThere)
             EXPECT_EQ(value, DebugDatabase::Instance().GetEntry(name, value));
             ReleaseDebugDatabase();
         });
-    ForgetSettingsOfOwnHost();
+    DeletePrivateHostSettings();
 }

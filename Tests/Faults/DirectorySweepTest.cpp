@@ -37,7 +37,7 @@ protected:
 TEST_F(DirectorySweep, Questions)
 {
     MakeTree();
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         EXPECT_TRUE(Directory::IsDirectory(mFrom));
         const Directory directory = Directory::ConstructDirectory(mFrom);
         EXPECT_EQ(mFrom, directory.AsString());
@@ -51,7 +51,7 @@ TEST_F(DirectorySweep, Questions)
 TEST_F(DirectorySweep, Listings_AreWholeOrThrow)
 {
     MakeTree();
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         std::vector<UTF16String> paths;
         const Directory directory = Directory::ConstructDirectory(mFrom);
         directory.GetContainedPaths(paths, true, Directory::kNoLimit);

@@ -27,7 +27,7 @@ TEST(TVXErrorManagerSweep, AWarning_NeverThrowsAndIsLostAtMost)
     sLines = 0;
     warn();
     EXPECT_EQ(1, sLines);
-    if (WholeHeapIsWatched()) {
+    if (HeapIsFullyIntercepted()) {
         unsigned int refused = 0;
         {
             const MemoryFaults faults(FaultyAllocator::kHeap, 1, true);

@@ -53,7 +53,7 @@ TEST_F(FileSweep, Create_WriteSeekCutAndAsk)
 TEST_F(FileSweep, Open_AndRead)
 {
     MakeBoth();
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         File file;
         if (File::Open(mReal, kRead, file) == kSuccess) {
             char text[4] = {};
@@ -73,7 +73,7 @@ TEST_F(FileSweep, Read_ThroughABlockCache)
     SweepMemory(
         [&] {
             BufferLog log;
-            const FactoryInUse factory([&log] { return BufferRef(new RecordingBuffer(log)); });
+            const ScopedBlockCache factory([&log] { return BufferRef(new RecordingBuffer(log)); });
             Opened file(mReal, kRead, kShareReaders);
             if (file.mResult == kSuccess) {
                 unsigned count = 0;
@@ -88,7 +88,7 @@ TEST_F(FileSweep, Read_ThroughABlockCache)
 TEST_F(FileSweep, QuestionsByPath)
 {
     MakeBoth();
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         unsigned __int64 number = 77;
         const Result size = File::SizeOnDisk(mReal, number);
         EXPECT_TRUE((size == kSuccess && number == 3) || number == 77);

@@ -48,7 +48,7 @@ protected:
     }
 
     /// Sweeps inWork, which must change nothing on disk.
-    void SweepQuestion(const std::function<void()>& inWork)
+    void SweepReadOnly(const std::function<void()>& inWork)
     {
         const Entries before = Read();
         Sweep([] {}, inWork, [&](bool) { EXPECT_EQ(before, Read()); });

@@ -20,7 +20,7 @@ struct Plan
     FaultyAllocator mAllocator = FaultyAllocator::kHeap;
     unsigned mFirst = 0;
     bool mAllFurther = false;
-    unsigned mAsked = 0;
+    unsigned mAttempts = 0;
     unsigned mRefused = 0;
 };
 thread_local Plan tPlan;
@@ -36,7 +36,7 @@ bool Refuses(FaultyAllocator inAllocator)
     if (!plan.mIsArmed || plan.mAllocator != inAllocator) {
         return false;
     }
-    const unsigned number = ++plan.mAsked;
+    const unsigned number = ++plan.mAttempts;
     const bool refuses = plan.mAllFurther ? number >= plan.mFirst : number == plan.mFirst;
     plan.mRefused += refuses ? 1 : 0;
     return refuses;
@@ -153,7 +153,7 @@ namespace ORLTest {
 
 namespace {
 
-constexpr unsigned kMostRequests = 10000; // of one inWork; with more, the sweep would not end
+constexpr unsigned kMaxRequests = 10000; // of one inWork; with more, the sweep would not end
 
 void Attempt(const std::function<void()>& inWork)
 {
@@ -171,23 +171,23 @@ void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::f
     for (unsigned number = 1; refused != 0; ++number) {
         SCOPED_TRACE("door " + std::to_string(static_cast<int>(inAllocator)) + ", request " + std::to_string(number)
                      + (inAllFurther ? " and all further" : ""));
-        const std::int64_t owed[] = {OutstandingMemory(kFaultyAllocators[0]), OutstandingMemory(kFaultyAllocators[1]), OutstandingMemory(kFaultyAllocators[2])};
+        const std::int64_t balances[] = {OutstandingMemory(kFaultyAllocators[0]), OutstandingMemory(kFaultyAllocators[1]), OutstandingMemory(kFaultyAllocators[2])};
         {
             const MemoryFaults faults(inAllocator, number, inAllFurther);
             Attempt(inWork);
             refused = faults.Refused();
         }
         for (const FaultyAllocator allocator : kFaultyAllocators) {
-            if (allocator == FaultyAllocator::kHeap && !WholeHeapIsWatched()) {
+            if (allocator == FaultyAllocator::kHeap && !HeapIsFullyIntercepted()) {
                 continue;
             }
-            ASSERT_EQ(owed[static_cast<int>(allocator)], OutstandingMemory(allocator)) << "left behind at door " << static_cast<int>(allocator);
+            ASSERT_EQ(balances[static_cast<int>(allocator)], OutstandingMemory(allocator)) << "left behind at door " << static_cast<int>(allocator);
         }
         inCheck();
         if (testing::Test::HasFailure()) {
             return;
         }
-        ASSERT_LT(number, kMostRequests);
+        ASSERT_LT(number, kMaxRequests);
     }
 }
 
@@ -229,7 +229,7 @@ std::int64_t OutstandingMemory(FaultyAllocator inAllocator)
     return sOutstanding[static_cast<int>(inAllocator)].load();
 }
 
-bool WholeHeapIsWatched()
+bool HeapIsFullyIntercepted()
 {
     const std::int64_t before = OutstandingMemory(FaultyAllocator::kHeap);
     const std::string text(100, 'x'); // allocated by code of the standard library

@@ -37,7 +37,7 @@ std::int64_t OutstandingMemory(FaultyAllocator inAllocator);
 
 /// Returns whether the standard library's own requests reach the watched C++ heap. If not (on Windows, a shared library
 /// uses its own heap functions), the balance of the heap is meaningless.
-bool WholeHeapIsWatched();
+bool HeapIsFullyIntercepted();
 
 /// Fails each request for memory that inWork makes, once alone and once with all later requests. After each round
 /// inCheck verifies the state, and the balance must be unchanged. inWork must leak nothing, and must either throw

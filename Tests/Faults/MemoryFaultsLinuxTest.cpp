@@ -3,5 +3,5 @@
 
 TEST(MemoryFaults, RequestsOfTheStandardLibrary_ComeToTheHeapsDoor)
 {
-    EXPECT_TRUE(ORLTest::WholeHeapIsWatched());
+    EXPECT_TRUE(ORLTest::HeapIsFullyIntercepted());
 }

@@ -23,7 +23,7 @@ protected:
 
 TEST_F(PathsSweep, TextAlone)
 {
-    SweepQuestion([this] {
+    SweepReadOnly([this] {
         UTF16String drive;
         UTF16String directory;
         UTF16String file;
@@ -52,7 +52,7 @@ TEST_F(PathsSweep, QuestionsToTheDisk)
 {
     mFolder.MakeFile("real.txt");
     const UTF16String path = mFolder.Path(u"real.txt");
-    SweepQuestion([&] {
+    SweepReadOnly([&] {
         EXPECT_TRUE(ExistsOnDisk(path));
         EXPECT_TRUE(IsDirectory(mFolder.Path()));
         EXPECT_FALSE(IsDirectoryEmpty(mFolder.Path()));
@@ -72,7 +72,7 @@ TEST_F(PathsSweep, QuestionsToTheVolume)
 {
     mFolder.MakeFile("real.txt");
     const UTF16String path = mFolder.Path(u"real.txt");
-    SweepQuestion([&] {
+    SweepReadOnly([&] {
         unsigned int sector = 0;
         unsigned __int64 largest = 0;
         UTF16String name;

@@ -26,7 +26,7 @@ using Faults = FaultySystemCalls;
 
 constexpr int kErrors[] = {EIO, EACCES, ENOMEM, EMFILE, ENFILE, ELOOP, ENOTDIR, ENOENT, EINTR, EROFS, ENOSPC, EINVAL, ESTALE};
 
-struct Question
+struct Query
 {
     const char* mName;
     std::string (*mAsk)(const TempFolder&); // returns the result of the query as text
@@ -39,7 +39,7 @@ std::string Text(bool inAnswer)
     return inAnswer ? "yes" : "no";
 }
 
-const Question kQuestions[] = {
+const Query kQueries[] = {
     {"ExistsOnDisk", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"file"))); }, "yes", "no"},
     {"ExistsOnDiskMissing", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"none"))); }, "no", "no"},
     {"ExistsByPattern", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"fi*"))); }, "yes", "no"},
@@ -107,7 +107,7 @@ void Prepare(const TempFolder& inFolder)
     inFolder.MakeFile("file", "contents");
 }
 
-class QuestionFaults : public testing::TestWithParam<Question>
+class QuestionFaults : public testing::TestWithParam<Query>
 {
 };
 
@@ -115,13 +115,13 @@ class QuestionFaults : public testing::TestWithParam<Question>
 
 TEST_P(QuestionFaults, EachCallThatFails_GivesTheTrueAnswerOrNone)
 {
-    const Question& question = GetParam();
+    const Query& query = GetParam();
     const TempFolder folder;
     unsigned counts[Faults::kCallCount] = {};
     Prepare(folder);
     {
         Faults calls;
-        EXPECT_EQ(question.mTrue, question.mAsk(folder));
+        EXPECT_EQ(query.mTrue, query.mAsk(folder));
         for (int call = 0; call < Faults::kCallCount; ++call) {
             counts[call] = calls.Count(static_cast<Faults::Call>(call));
         }
@@ -138,10 +138,10 @@ TEST_P(QuestionFaults, EachCallThatFails_GivesTheTrueAnswerOrNone)
                 {
                     Faults calls;
                     calls.Fail(static_cast<Faults::Call>(call), number, error);
-                    answer = question.mAsk(folder);
+                    answer = query.mAsk(folder);
                     isMet = calls.Count(static_cast<Faults::Call>(call)) >= number;
                 }
-                EXPECT_TRUE(answer == question.mTrue || (isMet && answer == question.mRefused)) << answer;
+                EXPECT_TRUE(answer == query.mTrue || (isMet && answer == query.mRefused)) << answer;
                 EXPECT_EQ(handles, OpenHandles());
                 if (!isMet || HasFailure()) {
                     break;
@@ -151,5 +151,5 @@ TEST_P(QuestionFaults, EachCallThatFails_GivesTheTrueAnswerOrNone)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Questions, QuestionFaults, testing::ValuesIn(kQuestions),
-                         [](const testing::TestParamInfo<Question>& inInfo) { return std::string(inInfo.param.mName); });
+INSTANTIATE_TEST_SUITE_P(Questions, QuestionFaults, testing::ValuesIn(kQueries),
+                         [](const testing::TestParamInfo<Query>& inInfo) { return std::string(inInfo.param.mName); });

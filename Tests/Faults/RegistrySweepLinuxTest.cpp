@@ -2,7 +2,7 @@
 #include "MemoryFaults.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
-#include <OwnHost.h>
+#include <PrivateHost.h>
 
 #include <ORLRegistryKey.h>
 #include <ORLRegistryStore.h>
@@ -19,7 +19,7 @@ constexpr auto kUser = RegistryRootKeys::kUser;
 class RegistrySweep : public testing::Test
 {
 protected:
-    RegistrySweep() : mPath(MakeString("Software\\Zerin\\" + UseOwnHost()))
+    RegistrySweep() : mPath(MakeString("Software\\Zerin\\" + UsePrivateHost()))
     {
         RegistryKey key;
         EXPECT_TRUE(ResultSucceeded(key.Create(kUser, mPath)));
@@ -31,7 +31,7 @@ protected:
         ReleaseStores();
     }
 
-    ~RegistrySweep() override { ForgetSettingsOfOwnHost(); }
+    ~RegistrySweep() override { DeletePrivateHostSettings(); }
 
     void Sweep(const std::function<void()>& inWork)
     {

@@ -365,45 +365,45 @@ TEST_P(AsyncReads, AllRecordsInFlightAndOneMore_TheOneMoreWaitsUntilOneHasComple
     AsyncFileReader reader;
     ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", kReadAlignment), reader));
     const AlignedBuffer buffer((kRecords + 1) * kReadAlignment);
-    struct Hold
+    struct Latch
     {
         std::mutex mMutex;
         std::condition_variable mChanged;
         bool mIsReleased = false;
         std::atomic<unsigned> mCalls{0};
 
-        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inHold,
+        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inLatch,
                            void*, void*, int)
         {
-            Hold& hold = *static_cast<Hold*>(inHold);
-            std::unique_lock<std::mutex> lock(hold.mMutex);
-            hold.mChanged.wait(lock, [&hold] { return hold.mIsReleased; });
-            ++hold.mCalls;
+            Latch& latch = *static_cast<Latch*>(inLatch);
+            std::unique_lock<std::mutex> lock(latch.mMutex);
+            latch.mChanged.wait(lock, [&latch] { return latch.mIsReleased; });
+            ++latch.mCalls;
         }
     };
-    Hold hold;
+    Latch latch;
     for (unsigned i = 0; i < kRecords; ++i) {
-        ASSERT_EQ(0, reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + i * kReadAlignment, &Hold::OnRead, &hold,
-                                             nullptr, nullptr));
+        ASSERT_EQ(0, reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + i * kReadAlignment, &Latch::OnRead,
+                                             &latch, nullptr, nullptr));
     }
     EXPECT_EQ(kRecords, TheAsyncReadRequests().CountBusyRecords());
     std::atomic<bool> hasReturned{false};
     std::thread oneMore([&] {
-        reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + kRecords * kReadAlignment, &Hold::OnRead, &hold,
+        reader.QueueReadRequest(0, kReadAlignment, buffer.Get() + kRecords * kReadAlignment, &Latch::OnRead, &latch,
                                 nullptr, nullptr);
-        EXPECT_GT(hold.mCalls.load(), 0u) << "a record was given back first";
+        EXPECT_GT(latch.mCalls.load(), 0u) << "a record was given back first";
         hasReturned = true;
     });
-    EXPECT_EQ(0u, hold.mCalls.load());
+    EXPECT_EQ(0u, latch.mCalls.load());
     EXPECT_FALSE(hasReturned.load());
     {
-        const std::lock_guard<std::mutex> lock(hold.mMutex);
-        hold.mIsReleased = true;
+        const std::lock_guard<std::mutex> lock(latch.mMutex);
+        latch.mIsReleased = true;
     }
-    hold.mChanged.notify_all();
+    latch.mChanged.notify_all();
     oneMore.join();
     reader.WaitForPendingReads();
-    EXPECT_EQ(kRecords + 1, hold.mCalls.load());
+    EXPECT_EQ(kRecords + 1, latch.mCalls.load());
 }
 
 TEST_P(AsyncReads, ManyReadersOnManyThreads_EachGetsItsOwnBytes)

@@ -38,7 +38,7 @@ std::size_t CountOpenFiles()
 }
 
 /// The results of one start, one opened file, a few reads and one stop.
-struct Journey
+struct RunResult
 {
     bool mHasStarted = false;
     int mOpened = 0;
@@ -99,9 +99,9 @@ protected:
     }
 
     template <class Plan>
-    Journey Travel(const Plan& inPlan)
+    RunResult RunOnce(const Plan& inPlan)
     {
-        Journey journey;
+        RunResult run;
         CheckRecorder refusedPacketsAreReported;
         FaultySystemCalls calls;
         if (RefusalOfTheRing() != 0) {
@@ -110,31 +110,31 @@ protected:
         inPlan(calls);
         try {
             StartupAsyncFileOperations();
-            journey.mHasStarted = true;
+            run.mHasStarted = true;
         } catch (const boost::thread_resource_error&) {
         }
-        if (journey.mHasStarted) {
-            Read(journey);
+        if (run.mHasStarted) {
+            Read(run);
             TerminateAsyncFileOperations();
         }
         for (unsigned call = 0; call < FaultySystemCalls::kCallCount; ++call) {
-            journey.mCalls[call] = calls.Count(static_cast<Call>(call));
+            run.mCalls[call] = calls.Count(static_cast<Call>(call));
         }
         WaitForProcessThreads(mThreads);
-        return journey;
+        return run;
     }
 
-    Journey Travel()
+    RunResult RunOnce()
     {
-        return Travel([](FaultySystemCalls&) {});
+        return RunOnce([](FaultySystemCalls&) {});
     }
 
-    void Read(Journey& ioJourney)
+    void Read(RunResult& ioRun)
     {
         Deliveries deliveries;
         AsyncFileReader reader;
-        ioJourney.mOpened = AsyncFileReader::Open(mPath, reader);
-        if (ioJourney.mOpened == -1) {
+        ioRun.mOpened = AsyncFileReader::Open(mPath, reader);
+        if (ioRun.mOpened == -1) {
             return; // every other result leaves the file open
         }
         for (unsigned i = 0; i < kReads; ++i) {
@@ -142,15 +142,15 @@ protected:
                                     nullptr, nullptr);
         }
         reader.WaitForPendingReads();
-        ioJourney.mDelivered = deliveries.All();
+        ioRun.mDelivered = deliveries.All();
     }
 
-    void ExpectRightAndNothingLost(const Journey& inJourney)
+    void ExpectRightAndNothingLost(const RunResult& inRun)
     {
-        if (inJourney.mHasStarted && inJourney.mOpened != -1) {
-            EXPECT_EQ(kReads, inJourney.mDelivered.size());
+        if (inRun.mHasStarted && inRun.mOpened != -1) {
+            EXPECT_EQ(kReads, inRun.mDelivered.size());
         }
-        for (const Delivered& delivered : inJourney.mDelivered) {
+        for (const Delivered& delivered : inRun.mDelivered) {
             if (delivered.mResult == kSuccess) {
                 EXPECT_EQ(kBlock, delivered.mBytesRead);
                 EXPECT_EQ(kBlock, FirstWrongByte(static_cast<unsigned char*>(delivered.mBuffer), kBlock,
@@ -188,20 +188,20 @@ INSTANTIATE_TEST_SUITE_P(Engine, AsyncReadFaults, testing::ValuesIn(AsyncEngineN
 
 TEST_P(AsyncReadFaults, WithoutAFault_TheRoadMakesTheCallsThatAreMadeToFail)
 {
-    const Journey journey = Travel();
-    EXPECT_TRUE(journey.IsWhole());
-    ExpectRightAndNothingLost(journey);
+    const RunResult run = RunOnce();
+    EXPECT_TRUE(run.IsWhole());
+    ExpectRightAndNothingLost(run);
     for (const Call call : {FaultySystemCalls::kOpen, FaultySystemCalls::kClose, FaultySystemCalls::kStatx,
                             FaultySystemCalls::kSeek, FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread,
                             FaultySystemCalls::kUringQueueInit,
                             RefusalOfTheRing() == 0 ? FaultySystemCalls::kUringSubmit : FaultySystemCalls::kPRead}) {
-        EXPECT_GT(journey.mCalls[call], 0u) << "call " << call;
+        EXPECT_GT(run.mCalls[call], 0u) << "call " << call;
     }
 }
 
 TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextReadsWork)
 {
-    const Journey clean = Travel();
+    const RunResult clean = RunOnce();
     for (unsigned number = 0; number < FaultySystemCalls::kCallCount; ++number) {
         const Call call = static_cast<Call>(number);
         for (unsigned at = 1; at <= clean.mCalls[number]; ++at) {
@@ -211,7 +211,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
                 }
                 SCOPED_TRACE("call " + std::to_string(number) + " number " + std::to_string(at) + " fails with errno "
                              + std::to_string(error));
-                ExpectRightAndNothingLost(Travel([&](FaultySystemCalls& ioCalls) {
+                ExpectRightAndNothingLost(RunOnce([&](FaultySystemCalls& ioCalls) {
                     sClosesUntilFailure = call == FaultySystemCalls::kClose ? at : 0;
                     sCloseErrno = error;
                     ioCalls.Underlying().mClose = &CloseAndFail;
@@ -219,7 +219,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
                         ioCalls.Fail(call, at, error);
                     }
                 }));
-                EXPECT_TRUE(Travel().IsWhole()) << "the next reads";
+                EXPECT_TRUE(RunOnce().IsWhole()) << "the next reads";
             }
         }
     }
@@ -232,11 +232,11 @@ TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
         for (const Call call : {FaultySystemCalls::kPRead, FaultySystemCalls::kUringSubmit,
                                 FaultySystemCalls::kUringWaitCqe}) {
             SCOPED_TRACE("call " + std::to_string(call) + ", errno " + std::to_string(error));
-            EXPECT_TRUE(Travel([&](FaultySystemCalls& ioCalls) { ioCalls.Fail(call, 1, error, 3); }).IsWhole());
+            EXPECT_TRUE(RunOnce([&](FaultySystemCalls& ioCalls) { ioCalls.Fail(call, 1, error, 3); }).IsWhole());
         }
         SCOPED_TRACE("a completion, errno " + std::to_string(error));
         sCompletionErrno = error;
-        EXPECT_TRUE(Travel([](FaultySystemCalls& ioCalls) {
+        EXPECT_TRUE(RunOnce([](FaultySystemCalls& ioCalls) {
                         ioCalls.Underlying().mUringWaitCqe = &WaitForFailedCompletion;
                     }).IsWhole());
         EXPECT_EQ(RefusalOfTheRing() == 0 ? 0 : error, sCompletionErrno) << "the ring has given it";
@@ -250,22 +250,22 @@ TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
     if (RefusalOfTheRing() != 0) {
         return; // without a ring nothing is submitted to the kernel
     }
-    const Journey journey = Travel([](FaultySystemCalls& ioCalls) {
+    const RunResult run = RunOnce([](FaultySystemCalls& ioCalls) {
         ioCalls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO);
     });
-    ExpectRightAndNothingLost(journey);
-    EXPECT_FALSE(journey.mDelivered.empty());
-    EXPECT_FALSE(journey.IsWhole());
+    ExpectRightAndNothingLost(run);
+    EXPECT_FALSE(run.mDelivered.empty());
+    EXPECT_FALSE(run.IsWhole());
 }
 
 TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
 {
-    const Journey journey = Travel([](FaultySystemCalls& ioCalls) {
+    const RunResult run = RunOnce([](FaultySystemCalls& ioCalls) {
         ioCalls.Fail(FaultySystemCalls::kCreateThread, 1, EAGAIN);
     });
-    EXPECT_FALSE(journey.mHasStarted);
-    ExpectRightAndNothingLost(journey);
-    EXPECT_TRUE(Travel().IsWhole());
+    EXPECT_FALSE(run.mHasStarted);
+    ExpectRightAndNothingLost(run);
+    EXPECT_TRUE(RunOnce().IsWhole());
 }
 
 // Terminate does not wait for the completion thread, but that thread still ends.
@@ -300,9 +300,9 @@ TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
     {
         FaultySystemCalls calls;
         std::thread(&StartupAsyncFileOperations).join();
-        Journey journey;
-        Read(journey);
-        EXPECT_EQ(kReads, journey.mDelivered.size());
+        RunResult run;
+        Read(run);
+        EXPECT_EQ(kReads, run.mDelivered.size());
         calls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO, FaultySystemCalls::kForEver);
         TerminateAsyncFileOperations();
         WaitForProcessThreads(mThreads);

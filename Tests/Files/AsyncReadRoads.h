@@ -12,7 +12,7 @@
 namespace ORLTest {
 
 /// inProgram must be reading_host, or a program that executes it with the given arguments.
-inline void ExpectReadThrough(const std::string& inRoad, const std::string& inProgram, std::vector<std::string> inArguments = {})
+inline void ExpectReadThrough(const std::string& inEngine, const std::string& inProgram, std::vector<std::string> inArguments = {})
 {
     constexpr std::size_t kSize = 50000;
     const TempFolder folder;
@@ -26,7 +26,7 @@ inline void ExpectReadThrough(const std::string& inRoad, const std::string& inPr
     const ProcessResult result = RunBesideThisProgram(inProgram, inArguments);
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     EXPECT_NE(std::string::npos,
-              result.mOutput.find("<ORL.AsyncFileReader> <1> Asynchronous reads go through " + inRoad + ".\n"))
+              result.mOutput.find("<ORL.AsyncFileReader> <1> Asynchronous reads go through " + inEngine + ".\n"))
         << result.mOutput;
     EXPECT_NE(std::string::npos, result.mOutput.find("result 0, 50000 bytes, sum " + std::to_string(sum) + "\n"))
         << result.mOutput;

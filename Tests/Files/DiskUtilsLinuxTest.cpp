@@ -115,18 +115,18 @@ TEST(SectorSize, IsTheDirectAlignment_At512AtLeast)
 namespace {
 
 constexpr char kAnySector[] = "/sys/dev/block/";
-unsigned sTold;             // alignment that statx reports; 0: none
-unsigned sTaken;            // the smallest direct read that the file allows
-const char* sDeviceSector;  // sector size that the device reports; null: none
+unsigned sReportedAlignment; // alignment that statx reports; 0: none
+unsigned sAcceptedAlignment; // the smallest direct read that the file allows
+const char* sDeviceSector;   // sector size that the device reports; null: none
 
 int StatxOfBigSectors(int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus)
 {
     const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
     // Only files report an alignment, as on ext4 and xfs.
-    const bool tells = sTold != 0 && S_ISREG(outStatus->stx_mode);
-    outStatus->stx_mask = (outStatus->stx_mask & ~unsigned{STATX_DIOALIGN}) | (tells ? unsigned{STATX_DIOALIGN} : 0u);
-    outStatus->stx_dio_offset_align = tells ? sTold : 0;
-    outStatus->stx_dio_mem_align = tells ? sTold : 0;
+    const bool reports = sReportedAlignment != 0 && S_ISREG(outStatus->stx_mode);
+    outStatus->stx_mask = (outStatus->stx_mask & ~unsigned{STATX_DIOALIGN}) | (reports ? unsigned{STATX_DIOALIGN} : 0u);
+    outStatus->stx_dio_offset_align = reports ? sReportedAlignment : 0;
+    outStatus->stx_dio_mem_align = reports ? sReportedAlignment : 0;
     return answer;
 }
 
@@ -149,7 +149,7 @@ ssize_t ReadOfBigSectors(int inFile, void* outBuffer, std::size_t inSize, off_t 
 {
     const bool isDirect = (::fcntl(inFile, F_GETFL) & O_DIRECT) != 0;
     const auto all = reinterpret_cast<std::uintptr_t>(outBuffer) | inSize | static_cast<std::uintptr_t>(inPosition);
-    if (isDirect && all % sTaken != 0) {
+    if (isDirect && all % sAcceptedAlignment != 0) {
         errno = EINVAL;
         return -1;
     }
@@ -165,8 +165,8 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     struct Row
     {
         int mLine;
-        unsigned mTold;
-        unsigned mTaken;
+        unsigned mReported;
+        unsigned mAccepted;
         const char* mDevice;
         unsigned mOfTheFile;
         unsigned mOfTheFolder;
@@ -190,8 +190,8 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     StartupAsyncFileOperations();
     for (const Row& row : rows) {
         SCOPED_TRACE("row at line " + std::to_string(row.mLine));
-        sTold = row.mTold;
-        sTaken = row.mTaken;
+        sReportedAlignment = row.mReported;
+        sAcceptedAlignment = row.mAccepted;
         sDeviceSector = row.mDevice;
         FaultySystemCalls calls;
         calls.Underlying().mStatx = &StatxOfBigSectors;

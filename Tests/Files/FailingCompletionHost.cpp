@@ -24,7 +24,7 @@ void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigne
     ++sDelivered;
 }
 
-void Say(const char* inText)
+void PrintLine(const char* inText)
 {
     std::printf("%s\n", inText);
     std::fflush(stdout);
@@ -53,19 +53,19 @@ int main(int argc, char** argv)
     }
     QueueAt(0);
     sReader->WaitForPendingReads();
-    Say(sDelivered == 1 ? "delivered" : "lost");
+    PrintLine(sDelivered == 1 ? "delivered" : "lost");
 
     QueueAt(FailingCompletion::MakeNextReadFail(kBlock));
     FailingCompletion::AwaitEndOfCompletionThread();
-    Say("completion thread ended");
+    PrintLine("completion thread ended");
     QueueAt(0);
     if (std::strcmp(argv[2], "wait") == 0) {
-        Say("waiting");
+        PrintLine("waiting");
         sReader->WaitForPendingReads();
-        Say("returned");
+        PrintLine("returned");
     } else {
         ORL::TerminateAsyncFileOperations();
-        Say(sDelivered == 1 ? "stopped, nothing further delivered" : "stopped, more was delivered");
+        PrintLine(sDelivered == 1 ? "stopped, nothing further delivered" : "stopped, more was delivered");
     }
     return 0;
 }

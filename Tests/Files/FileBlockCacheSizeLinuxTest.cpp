@@ -12,7 +12,7 @@ TEST(BlockCacheSizeOnLinux, EachReadAndSeek_AsksForIt)
 {
     const TempFolder folder;
     BufferLog log;
-    const FactoryInUse factory([&] { return BufferRef(new RecordingBuffer(log)); });
+    const ScopedBlockCache factory([&] { return BufferRef(new RecordingBuffer(log)); });
     folder.MakeFile("f", std::string(100, 'x'));
     File file;
     ASSERT_EQ(kSuccess, file.Create(folder.Path(u"f"), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting, kNormal,

@@ -15,7 +15,7 @@ protected:
 
     TempFolder mFolder;
     BufferLog mLog;
-    FactoryInUse mFactory;
+    ScopedBlockCache mFactory;
 };
 
 } // namespace

@@ -57,7 +57,7 @@ protected:
 
     TempFolder mFolder;
     BufferLog mLog;
-    FactoryInUse mFactory;
+    ScopedBlockCache mFactory;
 };
 
 } // namespace
@@ -224,7 +224,7 @@ TEST(FileBlockCacheHosts, ASuccessWithoutABlock_IsAMiss)
         void AddBlock(Block, __int64) override {}
         Result GetBlock(__int64, Block&) override { return kSuccess; }
     };
-    const FactoryInUse factory([] { return BufferRef(new Empty); });
+    const ScopedBlockCache factory([] { return BufferRef(new Empty); });
     const TempFolder folder;
     folder.MakeFile("f", "hello");
     Opened file(folder.Path(u"f"), kRead, kShareReaders);
@@ -233,7 +233,7 @@ TEST(FileBlockCacheHosts, ASuccessWithoutABlock_IsAMiss)
 
 TEST(FileBlockCacheHosts, AFactoryThatGivesNoBuffer_LeavesTheHandleAsTheCallerAsked)
 {
-    const FactoryInUse factory([] { return BufferRef(); });
+    const ScopedBlockCache factory([] { return BufferRef(); });
     const TempFolder folder;
     folder.MakeFile("f", MakeContents(1000));
     Opened file(folder.Path(u"f"), kRead, kShareReaders);
@@ -373,7 +373,7 @@ class FileBlockCacheModel : public testing::TestWithParam<Host>
 // Performs 1020000 operations in all.
 TEST_P(FileBlockCacheModel, RandomReadsAndSeeks_AreThoseOfAPlainBuffer)
 {
-    const FactoryInUse factory(GetParam().mMake);
+    const ScopedBlockCache factory(GetParam().mMake);
     const TempFolder folder;
     const std::string contents = MakeContents(static_cast<std::size_t>(10 * kBlock + 12345));
     folder.MakeFile("f", contents);
@@ -388,7 +388,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, FileBlockCacheModel, testing::ValuesIn(AllHosts(
 TEST(LruFileBuffer, TheLimit_IsKeptAndAClosedFileForgotten)
 {
     const auto store = std::make_shared<BlockStore>(3 * static_cast<std::size_t>(kBlock));
-    const FactoryInUse factory(FactoryRef(new LruFileBufferFactory(store)));
+    const ScopedBlockCache factory(FactoryRef(new LruFileBufferFactory(store)));
     const TempFolder folder;
     folder.MakeFile("f", MakeContents(static_cast<std::size_t>(8 * kBlock)));
     {
@@ -406,7 +406,7 @@ TEST(LruFileBuffer, TheLimit_IsKeptAndAClosedFileForgotten)
 TEST(LruFileBuffer, TwoFilesOnTwoThreads_ShareOneStore)
 {
     const auto store = std::make_shared<BlockStore>(4 * static_cast<std::size_t>(kBlock));
-    const FactoryInUse factory(FactoryRef(new LruFileBufferFactory(store)));
+    const ScopedBlockCache factory(FactoryRef(new LruFileBufferFactory(store)));
     const TempFolder folder;
     const std::string contents = MakeContents(static_cast<std::size_t>(4 * kBlock + 99));
     folder.MakeFile("f", contents);

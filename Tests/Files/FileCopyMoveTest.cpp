@@ -69,11 +69,11 @@ struct ProgressReport
     std::vector<float> mParts;
     std::size_t mStopsAt = ~std::size_t{0};
 
-    static bool OnProgress(float inPart, void* ioTold)
+    static bool OnProgress(float inPart, void* ioReport)
     {
-        ProgressReport& told = *static_cast<ProgressReport*>(ioTold);
-        told.mParts.push_back(inPart);
-        return told.mParts.size() <= told.mStopsAt;
+        ProgressReport& report = *static_cast<ProgressReport*>(ioReport);
+        report.mParts.push_back(inPart);
+        return report.mParts.size() <= report.mStopsAt;
     }
 };
 
@@ -84,37 +84,37 @@ TEST(File, CopyWithProgress_TellsFrom0To1)
     const TempFolder folder;
     const std::string contents = MakeContents((std::size_t{9} << 20) + 123);
     folder.MakeFile("f", contents);
-    ProgressReport told;
+    ProgressReport report;
     EXPECT_EQ(kSuccess,
-              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &told));
+              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &report));
     EXPECT_TRUE(contents == ContentsOf(folder, "g"));
-    if (!SystemTellsCopyProgress()) {
+    if (!SystemReportsCopyProgress()) {
         GTEST_SKIP() << "this system does not tell the progress of a copy";
     }
-    ASSERT_LE(3u, told.mParts.size());
-    EXPECT_EQ(0.0f, told.mParts.front());
-    EXPECT_EQ(1.0f, told.mParts.back());
-    EXPECT_TRUE(std::is_sorted(told.mParts.begin(), told.mParts.end()));
+    ASSERT_LE(3u, report.mParts.size());
+    EXPECT_EQ(0.0f, report.mParts.front());
+    EXPECT_EQ(1.0f, report.mParts.back());
+    EXPECT_TRUE(std::is_sorted(report.mParts.begin(), report.mParts.end()));
 }
 
 TEST(File, CopyWithProgressOfAnEmptyFile_TellsNoNumber)
 {
     const TempFolder folder;
     folder.MakeFile("f", "");
-    ProgressReport told;
+    ProgressReport report;
     EXPECT_EQ(kSuccess,
-              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &told));
+              File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"g"), &ProgressReport::OnProgress, &report));
     EXPECT_EQ("", ContentsOf(folder, "g"));
-    if (!SystemTellsCopyProgress()) {
+    if (!SystemReportsCopyProgress()) {
         GTEST_SKIP() << "this system does not tell the progress of a copy";
     }
-    ASSERT_LE(1u, told.mParts.size());
-    EXPECT_TRUE(std::isnan(told.mParts[0]));
+    ASSERT_LE(1u, report.mParts.size());
+    EXPECT_TRUE(std::isnan(report.mParts[0]));
 }
 
 TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
 {
-    if (!SystemTellsCopyProgress()) {
+    if (!SystemReportsCopyProgress()) {
         GTEST_SKIP() << "this system does not tell the progress of a copy";
     }
     const TempFolder folder;
@@ -125,11 +125,11 @@ TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
             if (stop == 1 && source[0] == u'e') {
                 continue;
             }
-            ProgressReport told;
-            told.mStopsAt = stop;
+            ProgressReport report;
+            report.mStopsAt = stop;
             EXPECT_EQ(kOperationAborted, File::CopyWithProgress(folder.Path(source), folder.Path(u"g"),
-                                                                &ProgressReport::OnProgress, &told));
-            EXPECT_EQ(stop + 1, told.mParts.size());
+                                                                &ProgressReport::OnProgress, &report));
+            EXPECT_EQ(stop + 1, report.mParts.size());
             EXPECT_EQ("<none>", ContentsOf(folder, "g"));
         }
     }
@@ -142,10 +142,10 @@ TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
     folder.MakeFile("f", "x");
     folder.MakeFile("g", "y");
     folder.MakeFolder("d");
-    ProgressReport told;
+    ProgressReport report;
     const auto copy = [&](const char16_t* inSource, const char16_t* inDestination) {
         return File::CopyWithProgress(folder.Path(inSource), folder.Path(inDestination), &ProgressReport::OnProgress,
-                                      &told);
+                                      &report);
     };
     EXPECT_EQ(kFileNotFound, copy(u"none", u"n"));
     EXPECT_EQ(kPathNotFound, copy(u"f", u"no\\n"));
@@ -153,5 +153,5 @@ TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
     const Opened held(folder.Path(u"g"), kRead, kShareNone);
     EXPECT_EQ(kDiskFull, copy(u"f", u"g")) << "a sharing violation is not listed";
     EXPECT_EQ(kDiskFull, copy(u"f", u"a*")) << "nor is an invalid name";
-    EXPECT_EQ(0u, told.mParts.size());
+    EXPECT_EQ(0u, report.mParts.size());
 }

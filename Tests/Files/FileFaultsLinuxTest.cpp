@@ -26,7 +26,7 @@ constexpr int kErrors[] = {EIO,    EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS
 
 // Failures of a call that the operation need not report. mNumber 0 means every call of the kind, empty mErrors means
 // every error.
-struct Forgiven
+struct IgnoredFailure
 {
     Faults::Call mCall;
     unsigned mNumber = 0;
@@ -38,14 +38,14 @@ struct Forgiven
     }
 };
 
-bool FitsAny(const std::vector<Forgiven>& inAll, int inCall, unsigned inNumber, int inError)
+bool FitsAny(const std::vector<IgnoredFailure>& inAll, int inCall, unsigned inNumber, int inError)
 {
     return std::any_of(inAll.begin(), inAll.end(),
-                       [&](const Forgiven& one) { return one.Fits(inCall, inNumber, inError); });
+                       [&](const IgnoredFailure& one) { return one.Fits(inCall, inNumber, inError); });
 }
 
 // Forgiven in every operation: calls that are retried or replaced, and attributes that some file systems do not store.
-const std::vector<Forgiven> kAlwaysForgiven = {
+const std::vector<IgnoredFailure> kAlwaysIgnored = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},
     {Faults::kPWrite, 0, {EINTR}},
@@ -85,36 +85,36 @@ struct Operation
     void (*mCheck)(const TempFolder&, Result);
     // The numbers of the lock calls whose refusal is a sharing violation. Refusals of other lock calls do not matter.
     std::set<unsigned> mLocks;
-    std::vector<Forgiven> mForgiven;
+    std::vector<IgnoredFailure> mIgnored;
     // Maps the system's error to the expected result.
-    Result (*mTells)(Faults::Call, SystemError) = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
+    Result (*mMapError)(Faults::Call, SystemError) = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
     // Failures whose outcome depends on the file system of the tests.
-    std::vector<Forgiven> mOpen = {};
+    std::vector<IgnoredFailure> mUnspecified = {};
     bool mIsOnTwoVolumes = false;
 
-    bool Forgives(int inCall, unsigned inNumber, int inError) const
+    bool Ignores(int inCall, unsigned inNumber, int inError) const
     {
         if (inCall == Faults::kLockRange) {
             return inError != EACCES || mLocks.count(inNumber) == 0;
         }
-        return FitsAny(kAlwaysForgiven, inCall, inNumber, inError) || FitsAny(mForgiven, inCall, inNumber, inError);
+        return FitsAny(kAlwaysIgnored, inCall, inNumber, inError) || FitsAny(mIgnored, inCall, inNumber, inError);
     }
 
-    bool LeavesOpen(int inCall, unsigned inNumber, int inError) const { return FitsAny(mOpen, inCall, inNumber, inError); }
+    bool IsUnspecified(int inCall, unsigned inNumber, int inError) const { return FitsAny(mUnspecified, inCall, inNumber, inError); }
 
-    Result ProgressReport(int inCall, int inError) const
+    Result ExpectedResult(int inCall, int inError) const
     {
         const bool isLock = inCall == Faults::kLockRange;
-        return mTells(static_cast<Faults::Call>(inCall),
-                      isLock ? SystemErrors::kErrorSharingViolation : Linux::SystemErrorFromErrno(inError));
+        return mMapError(static_cast<Faults::Call>(inCall),
+                         isLock ? SystemErrors::kErrorSharingViolation : Linux::SystemErrorFromErrno(inError));
     }
 };
 
-const Forgiven kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
-const Forgiven kEveryClose = {Faults::kClose};
-const Forgiven kEveryStatx = {Faults::kStatx};
+const IgnoredFailure kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
+const IgnoredFailure kEveryClose = {Faults::kClose};
+const IgnoredFailure kEveryStatx = {Faults::kStatx};
 // Forgiven closes of a copy. Only the first close, of the new file, must be reported if it fails.
-const Forgiven kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
+const IgnoredFailure kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 int RefuseToRename(const char*, const char*, unsigned)
 {
@@ -162,7 +162,7 @@ Result ReadAll(const TempFolder& inFolder, Attributes::Type inAttributes)
 Result ReadThroughBlocks(const TempFolder& inFolder)
 {
     BufferLog log;
-    const FactoryInUse factory([&log] { return BufferRef(new RecordingBuffer(log)); });
+    const ScopedBlockCache factory([&log] { return BufferRef(new RecordingBuffer(log)); });
     Opened file(inFolder.Path(u"f"), kRead, kShareReaders);
     if (!ResultSucceeded(file.mResult)) {
         return file.mResult;
@@ -231,22 +231,22 @@ void ExpectCopyOrNothing(const TempFolder& inFolder, const char* inName, Result 
     EXPECT_TRUE(mayBeAnothers || contents == (ResultSucceeded(inResult) ? Big('o') : "<none>")) << contents.size();
 }
 
-constexpr auto kTellAsItIs = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
+constexpr auto kMapDirectly = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
 
 // Maps errors of operations that return -1 if the call Own fails.
 template <Faults::Call Own>
-Result TellBareFailureOf(Faults::Call inCall, SystemError inError)
+Result MapToMinusOneIf(Faults::Call inCall, SystemError inError)
 {
     return inCall == Own ? -1 : Files::ResultOf(inError);
 }
 
-Result TellNoSize(Faults::Call inCall, SystemError inError)
+Result MapStatxError(Faults::Call inCall, SystemError inError)
 {
     return inCall == Faults::kStatx ? kFileNotFound : Files::ResultOf(inError);
 }
 
 // A copy with progress reports most failures as a full disk.
-Result ReportAsCopyError(Faults::Call, SystemError inError)
+Result MapCopyError(Faults::Call, SystemError inError)
 {
     using namespace SystemErrors;
     return inError == kErrorFileNotFound || inError == kErrorAccessDenied ? Files::ResultOf(inError) : kDiskFull;
@@ -275,25 +275,25 @@ const Operation kOperations[] = {
     {"ReadPastTheCache", &MakeOld,
      [](const TempFolder& folder) { return ReadAll(folder, Attributes::kFileAttribute_NoBuffering); },
      &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kTellAsItIs, {{Faults::kPRead}}},
+     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kMapDirectly, {{Faults::kPRead}}},
     // Some file systems are probed for their alignment with one or two reads.
     {"ReadThroughBlocks", &MakeOld, &ReadThroughBlocks, &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kTellAsItIs, {{Faults::kPRead, 1}, {Faults::kPRead, 2}}},
+     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kMapDirectly, {{Faults::kPRead, 1}, {Faults::kPRead, 2}}},
     {"OpenExisting", &MakeOld,
      [](const TempFolder& folder) {
          File file;
          return File::Open(folder.Path(u"f"), kRead, file);
      },
      &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, {Faults::kStatx, 2}}, &TellBareFailureOf<Faults::kStatx>},
+     {1}, {kInterruptedOpen, kEveryClose, {Faults::kStatx, 2}}, &MapToMinusOneIf<Faults::kStatx>},
     {"SetEndOfFile", &MakeOld, &CutToThree,
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
          EXPECT_TRUE((succeeded ? "ooo" : Big('o')) == ContentsOf(folder, "f"));
      },
-     {}, {kInterruptedOpen, kEveryClose, kEveryStatx}, &TellBareFailureOf<Faults::kFTruncate>},
+     {}, {kInterruptedOpen, kEveryClose, kEveryStatx}, &MapToMinusOneIf<Faults::kFTruncate>},
     {"TimeAndSize", &MakeOld, &AskForTimeAndSize, &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose}, &TellNoSize, {kEveryStatx}},
+     {1}, {kInterruptedOpen, kEveryClose}, &MapStatxError, {kEveryStatx}},
     {"Delete", &MakeOld, [](const TempFolder& folder) { return File::Delete(folder.Path(u"f")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -323,7 +323,7 @@ const Operation kOperations[] = {
          ExpectUntouched(folder, result);
          ExpectCopyOrNothing(folder, "c", result, kDiskFull);
      },
-     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}, &ReportAsCopyError},
+     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}, &MapCopyError},
     {"Move", &MakeOld, [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -342,7 +342,7 @@ const Operation kOperations[] = {
      {1, 3, 6},
      {{Faults::kOpen, 1}, {Faults::kOpen, 2, {EACCES, EPERM}}, {Faults::kFSync, 2, {EINVAL}}, kInterruptedOpen, kOtherCloses[0], kOtherCloses[1],
       {Faults::kClose, 4}, {Faults::kUnlink}},
-     kTellAsItIs, {}, true},
+     kMapDirectly, {}, true},
     {"MoveALinkToAnotherVolume",
      [](const TempFolder& folder) {
          MakeOld(folder);
@@ -355,7 +355,7 @@ const Operation kOperations[] = {
          EXPECT_EQ(succeeded, std::filesystem::is_symlink(folder.Host() / "m"));
          EXPECT_TRUE(succeeded || std::filesystem::is_symlink(folder.Host() / "link"));
      },
-     {}, {{Faults::kOpen, 0, {EACCES, EPERM}}, {Faults::kFSync, 1, {EINVAL}}, kInterruptedOpen, kEveryClose, {Faults::kUnlink}}, kTellAsItIs, {}, true},
+     {}, {{Faults::kOpen, 0, {EACCES, EPERM}}, {Faults::kFSync, 1, {EINVAL}}, kInterruptedOpen, kEveryClose, {Faults::kUnlink}}, kMapDirectly, {}, true},
     {"DeleteOnClose", [](const TempFolder&) {},
      [](const TempFolder& folder) {
          using namespace Files::Platform;
@@ -440,9 +440,9 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
                     result = operation.mRun(folder);
                 }
                 ++injections;
-                const bool isForgiven = operation.Forgives(call, number, error);
-                if (!operation.LeavesOpen(call, number, error) || result != kSuccess) {
-                    EXPECT_EQ(isForgiven ? kSuccess : operation.ProgressReport(call, error), result);
+                const bool isIgnored = operation.Ignores(call, number, error);
+                if (!operation.IsUnspecified(call, number, error) || result != kSuccess) {
+                    EXPECT_EQ(isIgnored ? kSuccess : operation.ExpectedResult(call, error), result);
                 }
                 EXPECT_EQ(descriptors, OpenDescriptors());
                 operation.mCheck(folder, result);

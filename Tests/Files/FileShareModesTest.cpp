@@ -20,7 +20,7 @@ namespace {
 class OpenHandle
 {
 public:
-    OpenHandle(const UTF16String& inPath, const Holding& inHolding) { mError = OpenHolding(inPath, inHolding, mFile); }
+    OpenHandle(const UTF16String& inPath, const OpenMode& inMode) { mError = OpenWithMode(inPath, inMode, mFile); }
     ~OpenHandle()
     {
         if (mError == 0) {
@@ -36,7 +36,7 @@ private:
     Handle mFile = nullptr;
 };
 
-constexpr Holding kAlone = {kGenericRead | kGenericWrite, 0};
+constexpr OpenMode kExclusive = {kGenericRead | kGenericWrite, 0};
 
 } // namespace
 
@@ -46,24 +46,24 @@ TEST(FileShareModes, EveryPairOfHandlesOfAProcess_FollowsTheRule)
     folder.MakeFile("f");
     const UTF16String path = folder.Path(u"f");
     int conflicts = 0;
-    for (const Holding& first : AllHoldings()) {
+    for (const OpenMode& first : AllOpenModes()) {
         const OpenHandle held(path, first);
         ASSERT_EQ(0u, held.mError) << NameOf(first);
-        for (const Holding& second : AllHoldings()) {
+        for (const OpenMode& second : AllOpenModes()) {
             const OpenHandle other(path, second);
-            const unsigned expected = GoTogether(first, second) ? 0 : 32;
+            const unsigned expected = AreCompatible(first, second) ? 0 : 32;
             EXPECT_EQ(expected, other.mError) << NameOf(first) << ", then " << NameOf(second);
             conflicts += expected != 0 ? 1 : 0;
         }
     }
     EXPECT_EQ(1276, conflicts) << "as many as at home";
-    EXPECT_EQ(0u, OpenHandle(path, kAlone).mError) << "everything is closed";
+    EXPECT_EQ(0u, OpenHandle(path, kExclusive).mError) << "everything is closed";
 }
 
 TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
 {
     const TempFolder folder;
-    const std::vector<Holding> all = AllHoldings();
+    const std::vector<OpenMode> all = AllOpenModes();
     std::vector<std::unique_ptr<OpenHandle>> held;
     for (std::size_t i = 0; i < all.size(); ++i) {
         const std::string name = std::to_string(i);
@@ -74,11 +74,11 @@ TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
     const ProcessResult result = RunBesideThisProgram("share_mode_host", {"matrix", folder.Host().u8string()});
     ASSERT_EQ(0, result.mExitCode) << result.mErrors;
     std::istringstream answers(result.mOutput);
-    for (const Holding& first : all) {
-        for (const Holding& second : all) {
+    for (const OpenMode& first : all) {
+        for (const OpenMode& second : all) {
             unsigned answer = 1;
             ASSERT_TRUE(static_cast<bool>(answers >> answer));
-            EXPECT_EQ(GoTogether(first, second) ? 0u : 32u, answer) << NameOf(first) << ", then " << NameOf(second);
+            EXPECT_EQ(AreCompatible(first, second) ? 0u : 32u, answer) << NameOf(first) << ", then " << NameOf(second);
         }
     }
 }
@@ -90,7 +90,7 @@ TEST(FileShareModes, AProcessThatEndsWithAFileOpen_HoldsItNoMore)
     folder.MakeFile("f");
     const ProcessResult result = RunBesideThisProgram("share_mode_host", {"hold", (folder.Host() / "f").u8string()});
     EXPECT_EQ("0\n", result.mOutput);
-    EXPECT_EQ(0u, OpenHandle(folder.Path(u"f"), kAlone).mError);
+    EXPECT_EQ(0u, OpenHandle(folder.Path(u"f"), kExclusive).mError);
 }
 
 TEST(FileShareModes, AnotherHandleOfAnotherName_IsTheSameFile)
@@ -102,9 +102,9 @@ TEST(FileShareModes, AnotherHandleOfAnotherName_IsTheSameFile)
     if (error) {
         GTEST_SKIP() << "no second names here: " << error.message();
     }
-    const OpenHandle held(folder.Path(u"f"), kAlone);
+    const OpenHandle held(folder.Path(u"f"), kExclusive);
     EXPECT_EQ(0u, held.mError);
-    EXPECT_EQ(32u, OpenHandle(folder.Path(u"g"), kAlone).mError);
+    EXPECT_EQ(32u, OpenHandle(folder.Path(u"g"), kExclusive).mError);
 }
 
 TEST(FileShareModes, ThroughFile_AreSharingViolations)
@@ -141,21 +141,21 @@ TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
     folder.MakeFile("f");
     const UTF16String path = folder.Path(u"f");
     AsyncFiles::Platform::Handle reader = nullptr;
-    const Holding asReader = {kGenericRead, kShareRead | kShareWrite};
-    for (const Holding& other : AllHoldings()) {
+    const OpenMode asReader = {kGenericRead, kShareRead | kShareWrite};
+    for (const OpenMode& other : AllOpenModes()) {
         {
             const OpenHandle held(path, other);
             const SystemError error = AsyncFiles::Platform::OpenUnbuffered_Impl(path, reader);
-            EXPECT_EQ(GoTogether(other, asReader) ? 0u : 32u, error) << NameOf(other);
+            EXPECT_EQ(AreCompatible(other, asReader) ? 0u : 32u, error) << NameOf(other);
             if (error == 0) {
                 AsyncFiles::Platform::CloseFile_Impl(reader);
             }
         }
         ASSERT_EQ(0u, AsyncFiles::Platform::OpenUnbuffered_Impl(path, reader));
-        EXPECT_EQ(GoTogether(asReader, other) ? 0u : 32u, OpenHandle(path, other).mError) << NameOf(other);
+        EXPECT_EQ(AreCompatible(asReader, other) ? 0u : 32u, OpenHandle(path, other).mError) << NameOf(other);
         AsyncFiles::Platform::CloseFile_Impl(reader);
     }
-    EXPECT_EQ(0u, OpenHandle(path, kAlone).mError);
+    EXPECT_EQ(0u, OpenHandle(path, kExclusive).mError);
 }
 
 // Several threads open the file exclusively: at most one holds it at a time, and at least one succeeds.
@@ -170,7 +170,7 @@ TEST(FileShareModes, ThreadsThatRace_AreNeverTwoIn)
     const auto race = [&] {
         for (int round = 0; round < 500; ++round) {
             Handle file = nullptr;
-            const SystemError error = OpenHolding(path, kAlone, file);
+            const SystemError error = OpenWithMode(path, kExclusive, file);
             if (error == 0) {
                 wrong += inside.fetch_add(1) != 0 ? 1 : 0;
                 ++got;

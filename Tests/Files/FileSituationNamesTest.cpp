@@ -48,7 +48,7 @@ TEST(FileSituationNames, ALongPath_IsTakenExtendedAndPlainWhereThePlainFormMayBe
     const UTF16String path = folder.Path(std::u16string(250, u'n'));
     ASSERT_LE(260u, path.size());
     EXPECT_EQ(0u, Try(Extended(path), kGenericWrite, kCreateAlways)) << "cf47";
-    EXPECT_EQ(SystemTakesLongPlainPaths() ? 0u : 3u, Try(path, kGenericRead, kOpenExisting)) << "cf48";
+    EXPECT_EQ(SystemAcceptsLongPlainPaths() ? 0u : 3u, Try(path, kGenericRead, kOpenExisting)) << "cf48";
     EXPECT_EQ(0u, DeleteFile_Impl(Extended(path)));
 }
 

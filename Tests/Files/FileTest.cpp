@@ -219,7 +219,7 @@ TEST(File, NoBuffering_ReadsAlignedPiecesAndComesShortAtTheEnd)
 
 TEST(File, NoBuffering_RefusesWhatIsNotAligned)
 {
-    if (!SystemKeepsAlignment()) {
+    if (!SystemEnforcesAlignment()) {
         GTEST_SKIP() << "this system lets unaligned reads through";
     }
     const TempFolder folder;

@@ -22,7 +22,7 @@ struct Step
     UTF16String mLeft;
 };
 
-Step Take(const UTF16String& inPath)
+Step SplitLeaf(const UTF16String& inPath)
 {
     Step step;
     step.mLeft = inPath;
@@ -56,7 +56,7 @@ TEST(GetLeafDisplayName, EachShape_GivesItsNameAndIsCut)
         {__LINE__, uR"(a\bc)", u"bc", u"a"},
     };
     for (const Row& row : rows) {
-        const Step step = Take(Units(row.mPath));
+        const Step step = SplitLeaf(Units(row.mPath));
         EXPECT_EQ(Units(row.mName), step.mName) << "row at line " << row.mLine << ": " << Show(step.mName);
         EXPECT_EQ(Units(row.mLeft), step.mLeft) << "row at line " << row.mLine << ": " << Show(step.mLeft);
     }
@@ -66,7 +66,7 @@ TEST(GetLeafDisplayName, OfAFolderThatExists_IsItsName)
 {
     const TempFolder folder;
     folder.MakeFolder("clips one");
-    const Step step = Take(folder.Path(u"clips one"));
+    const Step step = SplitLeaf(folder.Path(u"clips one"));
     EXPECT_EQ(Units(u"clips one"), step.mName) << Show(step.mName);
     EXPECT_EQ(folder.Path(), step.mLeft);
 }
@@ -75,18 +75,18 @@ TEST(GetLeafDisplayName, From261UnitsOn_LeavesTheShellOut)
 {
     const UTF16String folder = Units(u"C:\\") + UTF16String(200, 'f');
     const UTF16String leaf(261 - folder.size() - 1, 'l');
-    const Step cut = Take(folder + Units(u"\\") + leaf);
+    const Step cut = SplitLeaf(folder + Units(u"\\") + leaf);
     EXPECT_EQ(leaf, cut.mName);
     EXPECT_EQ(folder, cut.mLeft);
     // without a backslash, or with nothing after the last one, the whole text is returned and not removed
     const UTF16String trailing = folder + Units(u"\\") + leaf + Units(u"\\");
-    EXPECT_EQ(trailing, Take(trailing).mName);
-    EXPECT_EQ(trailing, Take(trailing).mLeft);
+    EXPECT_EQ(trailing, SplitLeaf(trailing).mName);
+    EXPECT_EQ(trailing, SplitLeaf(trailing).mLeft);
     const UTF16String flat(261, 'f');
-    EXPECT_EQ(flat, Take(flat).mName);
-    EXPECT_EQ(flat, Take(flat).mLeft);
+    EXPECT_EQ(flat, SplitLeaf(flat).mName);
+    EXPECT_EQ(flat, SplitLeaf(flat).mLeft);
     // a text of 260 units is still passed to the shell
-    EXPECT_EQ(UTF16String(), Take(UTF16String(260, 'f')).mLeft);
+    EXPECT_EQ(UTF16String(), SplitLeaf(UTF16String(260, 'f')).mLeft);
 }
 
 TEST(GetLeafDisplayStringFromPath, OfANormalizedPath_IsTheLeaf)

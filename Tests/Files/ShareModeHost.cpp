@@ -18,17 +18,17 @@ using namespace ORLTest;
 
 namespace {
 
-constexpr Holding kAlone = {kGenericRead | kGenericWrite, 0};
+constexpr OpenMode kExclusive = {kGenericRead | kGenericWrite, 0};
 
 UTF16String LibraryPath(const std::string& inHostPath)
 {
     return ORL::PathUtils::FromHostPath(inHostPath);
 }
 
-unsigned Try(const UTF16String& inPath, const Holding& inHolding)
+unsigned Try(const UTF16String& inPath, const OpenMode& inMode)
 {
     Handle file = nullptr;
-    const ORL::SystemError error = OpenHolding(inPath, inHolding, file);
+    const ORL::SystemError error = OpenWithMode(inPath, inMode, file);
     if (error == 0) {
         CloseFile_Impl(file);
     }
@@ -37,21 +37,21 @@ unsigned Try(const UTF16String& inPath, const Holding& inHolding)
 
 int TryAll(const std::string& inFolder)
 {
-    const std::vector<Holding> all = AllHoldings();
+    const std::vector<OpenMode> all = AllOpenModes();
     for (std::size_t i = 0; i < all.size(); ++i) {
         const UTF16String path = LibraryPath(inFolder + "/" + std::to_string(i));
-        for (const Holding& holding : all) {
-            std::printf("%u ", Try(path, holding));
+        for (const OpenMode& mode : all) {
+            std::printf("%u ", Try(path, mode));
         }
         std::printf("\n");
     }
     return 0;
 }
 
-int HoldAndEnd(const std::string& inPath)
+int HoldAndExit(const std::string& inPath)
 {
     Handle file = nullptr;
-    std::printf("%u\n", static_cast<unsigned>(OpenHolding(LibraryPath(inPath), kAlone, file)));
+    std::printf("%u\n", static_cast<unsigned>(OpenWithMode(LibraryPath(inPath), kExclusive, file)));
     std::fflush(stdout);
     std::_Exit(3);
 }
@@ -65,7 +65,7 @@ int Race(const std::string& inPath, int inTimes)
     const std::filesystem::path mark = std::filesystem::u8path(inPath + ".mark");
     while (got < inTimes && wrong == 0) {
         Handle file = nullptr;
-        const ORL::SystemError error = OpenHolding(path, kAlone, file);
+        const ORL::SystemError error = OpenWithMode(path, kExclusive, file);
         if (error == 0) {
             ++got;
             std::error_code ignored;
@@ -87,7 +87,7 @@ int main(int argc, char** argv)
         return 2;
     }
     return std::strcmp(argv[1], "matrix") == 0 ? TryAll(argv[2])
-           : std::strcmp(argv[1], "hold") == 0 ? HoldAndEnd(argv[2])
+           : std::strcmp(argv[1], "hold") == 0 ? HoldAndExit(argv[2])
            : argc > 3                          ? Race(argv[2], std::atoi(argv[3]))
                                                : 2;
 }

@@ -10,7 +10,7 @@
 
 namespace ORLTest {
 
-struct Holding
+struct OpenMode
 {
     std::uint32_t mAccess;
     std::uint32_t mShare; // sum of 1 (shares reading), 2 (writing) and 4 (deleting)
@@ -24,7 +24,7 @@ struct Holding
     }
 };
 
-inline bool GoTogether(const Holding& inFirst, const Holding& inSecond)
+inline bool AreCompatible(const OpenMode& inFirst, const OpenMode& inSecond)
 {
     if (inFirst.Uses() == 0 || inSecond.Uses() == 0) {
         return true; // a handle that only queries never conflicts
@@ -34,10 +34,10 @@ inline bool GoTogether(const Holding& inFirst, const Holding& inSecond)
 }
 
 /// Returns no access, read, write, both, execute and delete, each with every share mode: 48 ways.
-inline std::vector<Holding> AllHoldings()
+inline std::vector<OpenMode> AllOpenModes()
 {
     using namespace ORL::Files::Platform;
-    std::vector<Holding> all;
+    std::vector<OpenMode> all;
     for (const std::uint32_t access :
          {0u, kGenericRead, kGenericWrite, kGenericRead | kGenericWrite, kGenericExecute, kAccessDelete}) {
         for (std::uint32_t share = 0; share < 8; ++share) {
@@ -47,17 +47,17 @@ inline std::vector<Holding> AllHoldings()
     return all;
 }
 
-inline ORL::SystemError OpenHolding(const UTF16String& inPath, const Holding& inHolding,
-                                    ORL::Files::Platform::Handle& outFile)
+inline ORL::SystemError OpenWithMode(const UTF16String& inPath, const OpenMode& inMode,
+                                     ORL::Files::Platform::Handle& outFile)
 {
     using namespace ORL::Files::Platform;
-    return CreateFile_Impl(inPath, inHolding.mAccess, inHolding.mShare, kOpenExisting, kAttributeNormal, outFile);
+    return CreateFile_Impl(inPath, inMode.mAccess, inMode.mShare, kOpenExisting, kAttributeNormal, outFile);
 }
 
-inline std::string NameOf(const Holding& inHolding)
+inline std::string NameOf(const OpenMode& inMode)
 {
     char text[64];
-    std::snprintf(text, sizeof(text), "access %08x share %u", inHolding.mAccess, inHolding.mShare);
+    std::snprintf(text, sizeof(text), "access %08x share %u", inMode.mAccess, inMode.mShare);
     return text;
 }
 

@@ -62,7 +62,7 @@ long ThrowNumber()
 }
 
 // The "never again" flags last as long as the process, so each test of them runs in its own process.
-void InAProcessOfItsOwn(const std::function<bool()>& inStory)
+void RunInChildProcess(const std::function<bool()>& inStory)
 {
     EXPECT_EXIT(std::_Exit(inStory() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
@@ -183,7 +183,7 @@ TEST(TopLevelHandler, FunctionObject_IsGoneWhenTheAnswerIsThere)
 TEST(TopLevelHandlerDeathTest, NeverAgain_HoldsForExceptionsOfThatClauseAlone)
 {
     for (const long choice : {2l, 4l}) {
-        InAProcessOfItsOwn([choice] {
+        RunInChildProcess([choice] {
             CheckRecorder recorder;
             recorder.mDisplayChoice = choice;
             const bool first = Execute(&ThrowStandard) == 0 && recorder.Reports().size() == 1;
@@ -197,7 +197,7 @@ TEST(TopLevelHandlerDeathTest, NeverAgain_HoldsForExceptionsOfThatClauseAlone)
 
 TEST(TopLevelHandlerDeathTest, NeverAgainOfAnUnknownException_LeavesStandardOnesHeard)
 {
-    InAProcessOfItsOwn([] {
+    RunInChildProcess([] {
         CheckRecorder recorder;
         recorder.mDisplayChoice = 2;
         const bool first = Execute(&ThrowNumber) == 0 && recorder.Reports().size() == 1;

@@ -28,7 +28,7 @@ using QueueRef = SharedThreadedWorkQueue::QueueRef;
 
 namespace {
 
-void ExpectHostSays(const char* inMode, const std::string& inOutput, const char* inProgram = "lifecycle_host")
+void ExpectHostOutput(const char* inMode, const std::string& inOutput, const char* inProgram = "lifecycle_host")
 {
     const ProcessResult result = RunBesideThisProgram(inProgram, {inMode});
     EXPECT_EQ(0, result.mExitCode) << inMode << ": " << result.mErrors;
@@ -265,38 +265,38 @@ TEST(SingletonConstructionLock, IsNotTheLockOfStartAndStop)
 // Each mode runs a separate host, linked to the shared libraries as real hosts are.
 TEST(FoundationHost, StartedByAStaticAndStoppedByItsDestructor_EndsCleanly)
 {
-    ExpectHostSays("plain", "started\nmain\nstopped\n", "lifecycle_static_host");
+    ExpectHostOutput("plain", "started\nmain\nstopped\n", "lifecycle_static_host");
 }
 
 TEST(FoundationHost, StartedInMainAndStoppedByAStaticDestructor_EndsCleanly)
 {
-    ExpectHostSays("plain", "started\nmain\nstopped\n");
+    ExpectHostOutput("plain", "started\nmain\nstopped\n");
 }
 
 TEST(FoundationHost, UsedByAStaticDestructorAfterTheStop_StillHasItsLocksObjectsAndConstants)
 {
-    ExpectHostSays("late-use", "started\nmain\nstopped\nused after the stop\n");
+    ExpectHostOutput("late-use", "started\nmain\nstopped\nused after the stop\n");
 }
 
 // The library's threads may be at any instruction when the process ends, so the test runs the host ten times.
 TEST(FoundationHost, NeverStopped_EndsCleanly)
 {
     for (int round = 0; round < 10; ++round) {
-        ExpectHostSays("never-stopped", "started\nmain\n");
+        ExpectHostOutput("never-stopped", "started\nmain\n");
     }
 }
 
 TEST(FoundationHost, FirstPooledLockOfAProcess_IsEntryOne)
 {
-    ExpectHostSays("pooled-locks", "started\nin rotation from entry 1\nmain\nstopped\n");
+    ExpectHostOutput("pooled-locks", "started\nin rotation from entry 1\nmain\nstopped\n");
 }
 
 TEST(FoundationHost, StoppedWithoutAStart_EndsCleanly)
 {
-    ExpectHostSays("unmatched-stop", "main\n");
+    ExpectHostOutput("unmatched-stop", "main\n");
 }
 
 TEST(FoundationHost, SeveralHostsStartingAndStoppingAtOnce_FindTheirServicesRunning)
 {
-    ExpectHostSays("hosts-at-once", "main\n");
+    ExpectHostOutput("hosts-at-once", "main\n");
 }

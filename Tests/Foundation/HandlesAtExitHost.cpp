@@ -76,7 +76,7 @@ void UseHandles(const Shared& inShared, std::atomic<int>& ioRounds)
     }
 }
 
-void LetEachThreadGoOn()
+void WaitForThreadProgress()
 {
     for (const std::atomic<int>& rounds : sRounds) {
         const int until = rounds.load() + 100;
@@ -91,14 +91,14 @@ void StartThreads(const Shared& inShared)
     for (std::atomic<int>& rounds : sRounds) {
         std::thread([&inShared, &rounds] { UseHandles(inShared, rounds); }).detach();
     }
-    LetEachThreadGoOn();
+    WaitForThreadProgress();
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::atexit(&LetEachThreadGoOn); // runs after the exit action of the name table, which is registered later
+    std::atexit(&WaitForThreadProgress); // runs after the exit action of the name table, which is registered later
     ORL::Foundation::Initialize();
     Shared* const shared = new Shared; // never deleted: the threads outlive main
     for (std::size_t i = 0; i < 100; ++i) {

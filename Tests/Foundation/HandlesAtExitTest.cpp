@@ -1,14 +1,14 @@
 // A process ends while other threads still copy and release handles.
-#include <QuietEnd.h>
+#include <CleanExit.h>
 
 #include <gtest/gtest.h>
 
 TEST(HandlesAtExit, ProcessThatHasStoppedTheLibrary_DoesNotCrash)
 {
-    ORLTest::ExpectAQuietEnd("handles_at_exit_host", "stopped");
+    ORLTest::ExpectCleanExit("handles_at_exit_host", "stopped");
 }
 
 TEST(HandlesAtExit, ProcessThatHasNotStoppedTheLibrary_DoesNotCrash)
 {
-    ORLTest::ExpectAQuietEnd("handles_at_exit_host", "started");
+    ORLTest::ExpectCleanExit("handles_at_exit_host", "started");
 }

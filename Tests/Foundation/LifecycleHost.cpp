@@ -20,13 +20,13 @@ bool IsMode(const char* inMode)
     return sMode == inMode;
 }
 
-void Say(const char* inText)
+void PrintLine(const char* inText)
 {
     std::printf("%s\n", inText);
     std::fflush(stdout);
 }
 
-void UseWhatNeedsNoStart()
+void UseWithoutStart()
 {
     const ORL::CriticalSectionLock lock(ORLGetGlobalCriticalSectionForSingletonConstruction());
     const ORL::CriticalSectionLock pooled(ORL::SharedObjectBase::GetCriticalSection());
@@ -87,7 +87,7 @@ void RunHostsAtOnce()
 }
 
 // The locks lie in an array, so their addresses show the order in which they are handed out.
-void SayWherePooledLocksStand()
+void PrintPooledLockOrder()
 {
     std::vector<ORL::CriticalSection*> given;
     for (int call = 0; call < 64; ++call) {
@@ -96,7 +96,7 @@ void SayWherePooledLocksStand()
     std::vector<ORL::CriticalSection*> row(given);
     std::sort(row.begin(), row.end());
     std::rotate(row.begin(), row.begin() + 1, row.end());
-    Say(given == row ? "in rotation from entry 1" : "in another order");
+    PrintLine(given == row ? "in rotation from entry 1" : "in another order");
 }
 
 /// Constructed before StartsAndStops, so destroyed after it.
@@ -105,8 +105,8 @@ struct UsesLate
     ~UsesLate()
     {
         if (IsMode("late-use")) {
-            UseWhatNeedsNoStart();
-            Say("used after the stop");
+            UseWithoutStart();
+            PrintLine("used after the stop");
         }
     }
 };
@@ -116,7 +116,7 @@ struct StartsAndStops
     StartsAndStops()
     {
 #if defined(ORL_START_STATICALLY)
-        UseWhatNeedsNoStart();
+        UseWithoutStart();
         Start();
 #endif
     }
@@ -125,7 +125,7 @@ struct StartsAndStops
     {
         if (mStarted && !IsMode("never-stopped")) {
             ORL::Foundation::Terminate();
-            Say("stopped");
+            PrintLine("stopped");
         }
     }
 
@@ -133,7 +133,7 @@ struct StartsAndStops
     {
         ORL::Foundation::Initialize();
         mStarted = true;
-        Say("started");
+        PrintLine("started");
     }
 
     bool mStarted = false;
@@ -156,9 +156,9 @@ int main(int argc, char** argv)
         sStartsAndStops.Start();
     }
     if (IsMode("pooled-locks")) {
-        SayWherePooledLocksStand();
+        PrintPooledLockOrder();
     }
-    UseWhatNeedsNoStart();
-    Say("main");
+    UseWithoutStart();
+    PrintLine("main");
     return 0;
 }

@@ -38,7 +38,7 @@ void CategoriesOfNothing(std::vector<ORL::Guid>& outCategories)
 }
 
 // Uses objects that live as long as the process, or until the library is unloaded.
-bool UseWhatStays()
+bool UseProcessLifetimeObjects()
 {
     CRV::SetApplicationName("a host of some name");
     for (std::uint64_t i = 1; i <= 20; ++i) {
@@ -88,7 +88,7 @@ const char* UseAll(const char* inHostPath, WaitableGate& ioGate)
     if (!UseNames()) {
         return "one name has two records";
     }
-    if (!UseWhatStays()) {
+    if (!UseProcessLifetimeObjects()) {
         return "a class, a number or a record is not found";
     }
     if (!UseSharedQueueAndGate(ioGate)) {

@@ -29,7 +29,7 @@ struct PublishedSite
     const char* mSource;   // null if none is published
     long mLine;            // 0 if none is published
     const char* mFunction; // null for a contract, or if none is published
-    void (*mProvoke)();    // fails the check once; may throw an exception of the library
+    void (*mFailCheck)();  // fails the check once; may throw an exception of the library
 };
 
 /// Fails the check and compares its report. A failed contract throws; after a failed assertion execution continues.
@@ -40,7 +40,7 @@ inline void ExpectPublished(const PublishedSite& inSite)
     recorder.mThrow = true;
     bool leftByContract = false;
     try {
-        inSite.mProvoke();
+        inSite.mFailCheck();
     } catch (const CheckRecorder::ContractError& error) {
         leftByContract = true;
         EXPECT_EQ(inSite.mKind == PublishedSite::kOutputContract ? 26 : 25, error.mErrorID);

@@ -24,7 +24,7 @@ void SeekByNoMethod()
 {
     OpenClip clip;
     BufferLog log;
-    const FactoryInUse factory([&log] { return BufferRef(new RecordingBuffer(log)); });
+    const ScopedBlockCache factory([&log] { return BufferRef(new RecordingBuffer(log)); });
     EXPECT_EQ(kSuccess, clip.mFile.Create(clip.mFolder.Path(u"f"), kRead, kShareReaders,
                                           Disposition::kFileCreate_OpenExisting, kNormal, false));
     clip.mFile.SetFilePointer(0, static_cast<Method::Type>(3));

@@ -32,7 +32,7 @@ namespace {
 void CreateNothing(InterfaceRef<ORLUnknown, ORLUnknown>&) {}
 
 // Makes a class's entry contain the identifier of another class.
-void AskForATokenThatLies()
+void RequestCorruptToken()
 {
     constexpr Guid kClass(0x5173, 1);
     ClassFactory::RegisterORLClass(kClass, "", "", &CreateNothing, &ORLGetClassCategories);
@@ -97,7 +97,7 @@ void ReleaseARecordOfNobody()
 
 const PublishedSite kSites[] = {
     {__LINE__, PublishedSite::kAssert, "item->first == item->second.mClassID", "", "ClassFactory", 214,
-     "ORL::ClassFactory::GetClassTokenFromClassID", &AskForATokenThatLies},
+     "ORL::ClassFactory::GetClassTokenFromClassID", &RequestCorruptToken},
     {__LINE__, PublishedSite::kAssert, "i != inCategoryMap.end()", "", "ClassFactory", 288,
      "ORL::ClassFactory::GetOrCreateClassIDVector", &EnterACategoryThatIsLost},
     {__LINE__, PublishedSite::kInputContract, "mBuffer == NULL", "", "MemoryRecycler", 147, "", &AllocateTwice},

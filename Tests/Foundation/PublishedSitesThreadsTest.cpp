@@ -1,6 +1,6 @@
 // Tests the published checks of the threads room. Their line numbers are not published.
 #include <PublishedSites.h>
-#include <WithoutHandle.h>
+#include <WaitableWithoutHandle.h>
 
 #include <ORLEvent.h>
 #include <ORLInterface.h>
@@ -12,7 +12,7 @@
 using namespace ORL;
 using ORLTest::ExpectPublished;
 using ORLTest::PublishedSite;
-using ORLTest::WithoutHandle;
+using ORLTest::WaitableWithoutHandle;
 
 namespace {
 
@@ -41,7 +41,7 @@ void DestroyRunning()
 
 void SignalWithoutHandle()
 {
-    WithoutHandle().Signal();
+    WaitableWithoutHandle().Signal();
 }
 
 void MakeAnEventThatTheSystemRefuses()
@@ -54,15 +54,15 @@ void MakeAnEventThatTheSystemRefuses()
     WaitableObject refused;
 }
 
-/// With this policy, a pool creates no gates but returns sShown, and destroys none.
-struct ShownGates : Sync::SystemPolicy
+/// With this policy, a pool creates no gates but returns sGate, and destroys none.
+struct FixedGatePolicy : Sync::SystemPolicy
 {
-    static inline WaitableGate* sShown = nullptr;
+    static inline WaitableGate* sGate = nullptr;
 
     template <class T>
     static T* New()
     {
-        return sShown;
+        return sGate;
     }
     template <class T>
     static void Delete(T*)
@@ -70,21 +70,21 @@ struct ShownGates : Sync::SystemPolicy
     }
 };
 
-using Pool = Sync::WaitableGatePoolAlgorithm<ShownGates>;
+using Pool = Sync::WaitableGatePoolAlgorithm<FixedGatePolicy>;
 
 void LendAGateThatIsOpen()
 {
     const Pool pool;
     WaitableGate gate;
     gate.Open();
-    ShownGates::sShown = &gate;
+    FixedGatePolicy::sGate = &gate;
     Pool::RetrieveGate();
 }
 
 void LendNoGate()
 {
     const Pool pool;
-    ShownGates::sShown = nullptr;
+    FixedGatePolicy::sGate = nullptr;
     Pool::RetrieveGate();
 }
 

@@ -3,7 +3,7 @@
 //
 // Linux only: under Wine 8 a process may spin forever at its end if a thread that was ended held the heap's lock, and
 // most of these services use the heap. HandlesAtExitTest.cpp runs on both platforms.
-#include <QuietEnd.h>
+#include <CleanExit.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ class ServicesAtExit : public testing::TestWithParam<const char*>
 
 TEST_P(ServicesAtExit, ServiceInUse_KeepsServingUntilTheEnd)
 {
-    ORLTest::ExpectAQuietEnd("services_at_exit_host", GetParam());
+    ORLTest::ExpectCleanExit("services_at_exit_host", GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ServicesAtExit,

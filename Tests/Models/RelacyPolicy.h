@@ -44,10 +44,10 @@ void operator delete(void* inBlock, std::size_t) noexcept
 namespace Model {
 
 /// Reports reads and writes of a lock-guarded object to the checker.
-class Touched
+class AccessReporter
 {
 public:
-    Touched() { mVariable($) = 0; }
+    AccessReporter() { mVariable($) = 0; }
     void Read() const { static_cast<void>(static_cast<int>(mVariable($))); }
     void Write() { mVariable($) = 0; }
 
@@ -65,7 +65,7 @@ public:
     const T& Value() const { return mValue; }
     T& Value() { return mValue; }
 
-    Touched mTouched;
+    AccessReporter mAccess;
 
 private:
     T mValue;
@@ -79,7 +79,7 @@ public:
     const T& Value() const { return *this; }
     T& Value() { return *this; }
 
-    Touched mTouched;
+    AccessReporter mAccess;
 };
 
 /// A mutex that can be locked through a const reference, like the library's lock.
@@ -172,13 +172,13 @@ struct RelacyPolicy
     template <class T>
     static const T& Read(const Guarded<T>& inValue)
     {
-        inValue.mTouched.Read();
+        inValue.mAccess.Read();
         return inValue.Value();
     }
     template <class T>
     static T& Write(Guarded<T>& ioValue)
     {
-        ioValue.mTouched.Write();
+        ioValue.mAccess.Write();
         return ioValue.Value();
     }
 

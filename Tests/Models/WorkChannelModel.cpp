@@ -80,7 +80,7 @@ struct ChannelPolicy
     template <class T>
     static T& Reach(Guarded<T>& ioValue)
     {
-        ioValue.mTouched.Write();
+        ioValue.mAccess.Write();
         return ioValue.Value();
     }
 
@@ -111,21 +111,21 @@ struct Node : WorkNode
 /// regardless of which thread sleeps or spins. The channel closes only after both items have started, so that closing
 /// cannot wake a thread that a push failed to wake. With kSleeps one taker sleeps before any other thread starts.
 template <class Policy, int kSpins, int kPushers, bool kSleeps = false>
-struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kSleeps>, 2 + kPushers>
+struct MutuallyWaitingWork : rl::test_suite<MutuallyWaitingWork<Policy, kSpins, kPushers, kSleeps>, 2 + kPushers>
 {
     Channel<Policy, kSpins> mChannel;
     Node mNodes[2];
-    rl::atomic<int> mMet{0};
+    rl::atomic<int> mArrived{0};
 
     void thread(unsigned inIndex)
     {
-        while (kSleeps && inIndex != 0 && mChannel.CountSleepers() == 0 && mMet($).load(rl::mo_relaxed) == 0) {
+        while (kSleeps && inIndex != 0 && mChannel.CountSleepers() == 0 && mArrived($).load(rl::mo_relaxed) == 0) {
             rl::yield(1, $);
         }
         if (inIndex < 2) {
             while (WorkNode* const node = mChannel.Take()) {
                 static_cast<Node*>(node)->mTaken($) += 1;
-                mMet($).fetch_add(1, rl::mo_acq_rel);
+                mArrived($).fetch_add(1, rl::mo_acq_rel);
                 WaitForBoth();
             }
             return;
@@ -143,7 +143,7 @@ struct WorkThatMeets : rl::test_suite<WorkThatMeets<Policy, kSpins, kPushers, kS
     }
     void WaitForBoth()
     {
-        while (mMet($).load(rl::mo_acquire) != 2) {
+        while (mArrived($).load(rl::mo_acquire) != 2) {
             rl::yield(1, $);
         }
     }
@@ -186,7 +186,7 @@ struct PushAgainstClose : rl::test_suite<PushAgainstClose<Policy, kSpins>, 4>
 
 /// Work pushed during a pause is taken after it, in order, and never during it.
 template <class Policy, int kSpins>
-struct PauseHoldsBack : rl::test_suite<PauseHoldsBack<Policy, kSpins>, 3>
+struct PauseBlocksWork : rl::test_suite<PauseBlocksWork<Policy, kSpins>, 3>
 {
     Channel<Policy, kSpins> mChannel;
     Node mNodes[2];
@@ -225,22 +225,22 @@ using Without = ChannelPolicy<kStep>;
 int main(int argc, char** argv)
 {
     Model::Run run(argc, argv);
-    run.Exhaust<WorkThatMeets<Ships, 0, 1>>("2 takers, work that meets", 1);
-    run.Exhaust<WorkThatMeets<Ships, 1, 1>>("the same, with a spin", 1);
-    run.Exhaust<WorkThatMeets<Ships, 2, 1, true>>("one sleeps, one spins", 1);
+    run.Exhaust<MutuallyWaitingWork<Ships, 0, 1>>("2 takers, work that meets", 1);
+    run.Exhaust<MutuallyWaitingWork<Ships, 1, 1>>("the same, with a spin", 1);
+    run.Exhaust<MutuallyWaitingWork<Ships, 2, 1, true>>("one sleeps, one spins", 1);
     run.Exhaust<PushAgainstClose<Ships, 0>>("push against close", 1);
-    run.Exhaust<PauseHoldsBack<Ships, 0>>("push in a pause", 2);
-    run.Random<WorkThatMeets<Ships, 0, 1>>("2 takers, work that meets", 50000);
-    run.Random<WorkThatMeets<Ships, 1, 1>>("the same, with a spin", 50000);
-    run.Random<WorkThatMeets<Ships, 2, 2>>("2 pushers, 2 takers that spin", 50000);
-    run.Random<WorkThatMeets<Ships, 2, 2, true>>("2 pushers, one sleeps, one spins", 100000);
+    run.Exhaust<PauseBlocksWork<Ships, 0>>("push in a pause", 2);
+    run.Random<MutuallyWaitingWork<Ships, 0, 1>>("2 takers, work that meets", 50000);
+    run.Random<MutuallyWaitingWork<Ships, 1, 1>>("the same, with a spin", 50000);
+    run.Random<MutuallyWaitingWork<Ships, 2, 2>>("2 pushers, 2 takers that spin", 50000);
+    run.Random<MutuallyWaitingWork<Ships, 2, 2, true>>("2 pushers, one sleeps, one spins", 100000);
     run.Random<PushAgainstClose<Ships, 0>>("push against close", 50000);
     run.Random<PushAgainstClose<Ships, 1>>("the same, with a spin", 50000);
-    run.Random<PauseHoldsBack<Ships, 1>>("push in a pause, with a spin", 50000);
-    run.FindMutant<WorkThatMeets<Without<ChannelStep::kSleeperRechecks>, 0, 1>>("a sleeper does not look again");
-    run.FindMutant<WorkThatMeets<Without<ChannelStep::kSpinnerEndsFirst>, 1, 1>>("a spinner counts on");
-    run.FindMutant<WorkThatMeets<Without<ChannelStep::kOnlyItemNeedsNoWake>, 2, 2, true>>("a spinner is trusted with all");
-    run.FindMutant<PauseHoldsBack<Without<ChannelStep::kResumeWakes>, 0>>("resume wakes nobody");
+    run.Random<PauseBlocksWork<Ships, 1>>("push in a pause, with a spin", 50000);
+    run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kSleeperRechecks>, 0, 1>>("a sleeper does not look again");
+    run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kSpinnerEndsFirst>, 1, 1>>("a spinner counts on");
+    run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kOnlyItemNeedsNoWake>, 2, 2, true>>("a spinner is trusted with all");
+    run.FindMutant<PauseBlocksWork<Without<ChannelStep::kResumeWakes>, 0>>("resume wakes nobody");
     run.FindMutant<PushAgainstClose<Without<ChannelStep::kCloseWakes>, 0>>("close wakes nobody");
     run.FindMutant<PushAgainstClose<Without<ChannelStep::kRefusalUnderLock>, 0>>("refusal outside of the lock");
     return run.Finish();

@@ -18,29 +18,29 @@ constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
 /// An atomic value with a copy; reading the copy does not let the checker switch threads.
 template <class T>
-struct Watched : rl::atomic<T>
+struct ObservedAtomic : rl::atomic<T>
 {
-    explicit Watched(T inValue) : rl::atomic<T>(inValue), mShadow(inValue) {}
+    explicit ObservedAtomic(T inValue) : rl::atomic<T>(inValue), mShadow(inValue) {}
     T mShadow;
 };
 
-/// Look is called after every operation on an atomic value, before anything else runs.
-class Watcher
+/// OnOperation is called after every operation on an atomic value, before anything else runs.
+class Observer
 {
 public:
-    virtual void Look() = 0;
+    virtual void OnOperation() = 0;
 
 protected:
-    ~Watcher() = default;
+    ~Observer() = default;
 };
-Watcher* sWatcher = nullptr;
+Observer* sObserver = nullptr;
 
 template <class T>
-void Note(Watched<T>& ioTarget, T inValue)
+void NotifyObserver(ObservedAtomic<T>& ioTarget, T inValue)
 {
     ioTarget.mShadow = inValue;
-    if (sWatcher != nullptr) {
-        sWatcher->Look();
+    if (sObserver != nullptr) {
+        sObserver->OnOperation();
     }
 }
 
@@ -48,28 +48,28 @@ template <int kSpins, Step... kLeftOut>
 struct FlushPolicy : Model::RelacyPolicy<kSpins, kLeftOut...>
 {
     using Checked = Model::RelacyPolicy<kSpins, kLeftOut...>;
-    using Flag = Watched<bool>;
-    using Word = Watched<std::uint32_t>;
+    using Flag = ObservedAtomic<bool>;
+    using Word = ObservedAtomic<std::uint32_t>;
 
     template <class T>
-    static bool CompareAndSet(Watched<T>& ioTarget, T inExpected, T inNew)
+    static bool CompareAndSet(ObservedAtomic<T>& ioTarget, T inExpected, T inNew)
     {
         const bool isSet = Checked::template CompareAndSet<T>(ioTarget, inExpected, inNew);
         if (isSet) {
-            Note(ioTarget, inNew);
+            NotifyObserver(ioTarget, inNew);
         }
         return isSet;
     }
     static std::uint32_t Exchange(Word& ioTarget, std::uint32_t inNew)
     {
         const std::uint32_t old = Checked::Exchange(ioTarget, inNew);
-        Note(ioTarget, inNew);
+        NotifyObserver(ioTarget, inNew);
         return old;
     }
     static std::uint32_t Decrement(Word& ioTarget)
     {
         const std::uint32_t left = Checked::Decrement(ioTarget);
-        Note(ioTarget, left);
+        NotifyObserver(ioTarget, left);
         return left;
     }
 };
@@ -168,7 +168,7 @@ struct Shape
 
 /// The first threads belong to the queue. Each other thread queues a work item and flushes.
 template <class Policy, class Form>
-struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::kFlushers>, Watcher
+struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::kFlushers>, Observer
 {
     using Algorithm = ORL::Sync::WorkQueueFlushAlgorithm<Policy>;
     static constexpr unsigned kThreads = Form::kThreads;
@@ -182,7 +182,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
     {
         mDone[0]($) = 0;
         mDone[1]($) = 0;
-        sWatcher = this;
+        sObserver = this;
     }
 
     void thread(unsigned inIndex)
@@ -196,7 +196,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
 
     void after()
     {
-        sWatcher = nullptr;
+        sObserver = nullptr;
         RL_ASSERT(IsIdle());
         RL_ASSERT(mFlush.mDeparturesLeft.mShadow == 0);
     }
@@ -236,7 +236,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
                && mFlush.mDepartureGate.mIsOpen.mShadow;
     }
 
-    void Look() override
+    void OnOperation() override
     {
         const std::uint32_t left = mFlush.mArrivalsLeft.mShadow;
         const bool arrivalIsOpen = mFlush.mArrivalGate.mIsOpen.mShadow;

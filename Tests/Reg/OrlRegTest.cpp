@@ -1,5 +1,5 @@
 // Tests the command line of orl reg.
-#include <OwnHost.h>
+#include <PrivateHost.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
@@ -23,8 +23,8 @@ class OrlReg : public testing::Test
 protected:
     void SetUp() override
     {
-        mKey = "HKCU\\Software\\Zerin\\" + UseOwnHost();
-        ForgetSettingsOfOwnHost();
+        mKey = "HKCU\\Software\\Zerin\\" + UsePrivateHost();
+        DeletePrivateHostSettings();
     }
 
     static ProcessResult Orl(std::vector<std::string> inArguments)
@@ -163,7 +163,7 @@ TEST_F(OrlReg, ListAsJson_IsOneObject)
                                "  {\"name\": \"Name\", \"type\": \"string\", \"value\": \"a\\\"b\"},\n"
                                "  {\"name\": \"Width\", \"type\": \"u32\", \"value\": 1920}], \"keys\": [\n"
                                "  {\"name\": \"Sub\"";
-    const std::string begin = "{\"name\": \"HKCU\\\\Software\\\\Zerin\\\\" + UseOwnHost();
+    const std::string begin = "{\"name\": \"HKCU\\\\Software\\\\Zerin\\\\" + UsePrivateHost();
     EXPECT_EQ(begin + values + "}]}\n", Output({"list", mKey, "--json"}));
     EXPECT_EQ(
         begin + values

@@ -1,5 +1,5 @@
 // Tests processes that notify each other of changes, even if the shared page of notifications is deleted.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <ProcessRunner.h>
 
@@ -33,11 +33,11 @@ protected:
     // Sets the value to 2 in another process.
     void WriteElsewhere() const
     {
-        const std::string ledger = mPlace.Folder() + "/ledger";
+        const std::string ledger = mTestRegistry.Folder() + "/ledger";
         EXPECT_EQ(0, RunBesideThisProgram("registry_host", {"step", "set", MakeStdString(mPath), ledger}).mExitCode);
     }
 
-    fs::path Store() const { return fs::path(mPlace.Folder()) / "ORLFoundation"; }
+    fs::path Store() const { return fs::path(mTestRegistry.Folder()) / "ORLFoundation"; }
 };
 
 } // namespace

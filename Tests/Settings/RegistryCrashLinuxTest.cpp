@@ -1,6 +1,6 @@
 // Kills a process before each of its system calls in turn. An acknowledged change is in the store; a change that was
 // not acknowledged is there completely or not at all.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
 #include <ProcessRunner.h>
@@ -42,7 +42,7 @@ protected:
         }
         RegistryKey().Swap(mKey);
         ReleaseStores();
-        fs::copy(mPlace.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
+        fs::copy(mTestRegistry.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
     }
 
     // Runs a program again and again, killed before its first, second, ... counted call, until it runs to the end. A
@@ -53,12 +53,12 @@ protected:
         unsigned killed = 0;
         for (int call = 1 + GetParam();; call += kParts) {
             ReleaseStores();
-            for (const auto& entry : fs::directory_iterator(mPlace.Folder())) {
+            for (const auto& entry : fs::directory_iterator(mTestRegistry.Folder())) {
                 fs::remove_all(entry.path());
             }
-            fs::copy(mPristine.Host() / "stores", mPlace.Folder(), fs::copy_options::recursive);
+            fs::copy(mPristine.Host() / "stores", mTestRegistry.Folder(), fs::copy_options::recursive);
             fs::remove(Ledger());
-            TracedRun run(mPlace.Folder());
+            TracedRun run(mTestRegistry.Folder());
             const int count = run.Run(inCommand, call);
             ASSERT_LE(0, count) << "nothing can be traced here";
             const bool isAcknowledged = run.ExitCode() == 0 || (fs::exists(Ledger()) && fs::file_size(Ledger()) != 0);

@@ -1,6 +1,6 @@
 // Each system call and each allocation below the store fails once. No acknowledged change is lost, no call hangs, and
 // the store stays intact.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>
 #include <Linux/Settings/LinuxRegistryStore.h>

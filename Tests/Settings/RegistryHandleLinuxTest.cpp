@@ -1,6 +1,6 @@
 // Linux has no transactions for the registry. Each call that needs a transaction fails as it does on a Windows version
 // without the transaction function.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <RegistryHandle.h>
 

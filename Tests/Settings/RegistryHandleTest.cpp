@@ -1,5 +1,5 @@
 // Handles with a transaction manager, which the library's own keys never have.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <RegistryHandle.h>
 

@@ -1,6 +1,6 @@
 // Home folders that are missing, read-only or owned by another user, children of fork, and file systems without shared
 // memory.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>
 #include <Linux/Settings/LinuxRegistryPlaces.h>
@@ -65,10 +65,10 @@ unsigned ModeOf(const fs::path& inPath)
 class RegistryHomes : public testing::Test
 {
 protected:
-    fs::path Home() const { return mPlace.Folder(); }
+    fs::path Home() const { return mTestRegistry.Folder(); }
     fs::path File() const { return Home() / "ORLFoundation/user.registry"; }
 
-    const RegistryPlace mPlace;
+    const TestRegistry mTestRegistry;
 };
 
 // Runs inWork in a child of fork, and returns its result.

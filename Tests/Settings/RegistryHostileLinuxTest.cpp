@@ -1,5 +1,5 @@
 // Databases not written by the library: damaged, of another format, of a newer version, or in the wrong place.
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <Linux/Settings/LinuxRegistryStore.h>
 #include <TempFolder.h>
@@ -39,7 +39,7 @@ class RegistryHostile : public testing::Test
 {
 protected:
     // Creates a store with some settings, and closes it.
-    RegistryHostile() : mFolder(fs::path(mPlace.Folder()) / "ORLFoundation"), mFile(mFolder / "user.registry")
+    RegistryHostile() : mFolder(fs::path(mTestRegistry.Folder()) / "ORLFoundation"), mFile(mFolder / "user.registry")
     {
         RegistryKey key;
         for (int i = 0; i < 40; ++i) {
@@ -97,7 +97,7 @@ protected:
         EXPECT_TRUE(state.mSetAside.empty());
     }
 
-    const RegistryPlace mPlace;
+    const TestRegistry mTestRegistry;
     const fs::path mFolder;
     const fs::path mFile;
 };
@@ -153,7 +153,7 @@ TEST_F(RegistryHostile, DatabaseOfAnOlderVersionWithTheSameTables_IsUsed)
 
 TEST_F(RegistryHostile, LinkInTheDatabasesPlace_IsRefused)
 {
-    const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";
+    const fs::path elsewhere = fs::path(mTestRegistry.Folder()) / "elsewhere";
     fs::rename(mFile, elsewhere);
     fs::create_symlink(elsewhere, mFile);
     const std::string contents = Contents(elsewhere);
@@ -164,7 +164,7 @@ TEST_F(RegistryHostile, LinkInTheDatabasesPlace_IsRefused)
 TEST_F(RegistryHostile, LinkInTheBoardsPlace_IsRefused)
 {
     const fs::path board = mFile.string() + "-changes";
-    const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";
+    const fs::path elsewhere = fs::path(mTestRegistry.Folder()) / "elsewhere";
     Write(elsewhere, "precious");
     fs::remove(board);
     fs::create_symlink(elsewhere, board);
@@ -190,7 +190,7 @@ TEST_F(RegistryHostile, FolderThatEverybodyMayWrite_IsRefused)
 // The user may place a link above the store, so the library follows the link.
 TEST_F(RegistryHostile, LinkOnTheWayToTheFolder_IsFollowed)
 {
-    const fs::path elsewhere = fs::path(mPlace.Folder()) / "elsewhere";
+    const fs::path elsewhere = fs::path(mTestRegistry.Folder()) / "elsewhere";
     fs::rename(mFolder, elsewhere);
     fs::create_directory_symlink(elsewhere, mFolder);
     EXPECT_EQ(kSuccess, TryToWrite());

@@ -1,4 +1,4 @@
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <CheckRecorder.h>
 #include <Platform/Registry.h>

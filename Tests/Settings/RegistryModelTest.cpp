@@ -1,6 +1,6 @@
 // Random operations compared with a plain map, in turns with another process, and on many threads of two processes.
 #include "RegistryModel.h"
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <ProcessRunner.h>
 

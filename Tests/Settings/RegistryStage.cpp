@@ -136,7 +136,8 @@ void ExpectRegistrySituations(const UTF16String& inPath, const std::vector<Regis
         const std::string record = row.mRecord;
         RegistryStage stage(inPath + Units(u"\\" + std::u16string(record.begin(), record.end())));
         const std::string answer = row.mRun(stage);
-        const std::set<std::string>& expected = isEmulated && !row.mEmulator.empty() ? row.mEmulator : row.mHome;
+        const std::set<std::string>& expected =
+            isEmulated && !row.mWineResults.empty() ? row.mWineResults : row.mWindowsResults;
         EXPECT_EQ(1u, expected.count(answer)) << record << ", " << row.mText << ": \"" << answer << "\"";
     }
 }

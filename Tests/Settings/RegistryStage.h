@@ -1,7 +1,7 @@
 // Keys and calls for a table of registry situations. Each call returns a text: the status, and the outputs of the call.
 #pragma once
 
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <Platform/Registry.h>
 #include <SystemProbes.h>
@@ -63,9 +63,9 @@ struct RegistrySituation
 {
     const char* mRecord;
     const char* mText;
-    std::set<std::string> mHome;
+    std::set<std::string> mWindowsResults;
     std::function<std::string(RegistryStage&)> mRun;
-    std::set<std::string> mEmulator = {}; // the results of Wine 8 where they differ
+    std::set<std::string> mWineResults = {}; // the results of Wine 8 where they differ
 };
 
 /// Runs each row on its own stage below inPath.

@@ -1,4 +1,4 @@
-target_sources(${room_target} PRIVATE Settings/RegistryPlace.cpp Settings/RegistryPlace${ORL_PLATFORM}.cpp
+target_sources(${room_target} PRIVATE Settings/TestRegistry.cpp Settings/TestRegistry${ORL_PLATFORM}.cpp
   Settings/RegistryStage.cpp)
 target_sources(${room_target} PRIVATE Settings/RegistryModel.cpp)
 

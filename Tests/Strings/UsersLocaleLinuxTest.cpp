@@ -1,8 +1,8 @@
 // Tests the user's locale of a whole process: displayed numbers parse back, whether or not the C library has the
 // locale.
 #include <ProcessRunner.h>
+#include <ScopedEnvironmentVariableLinux.h>
 #include <TempFolder.h>
-#include <VariableLinux.h>
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -14,9 +14,9 @@ namespace {
 
 std::string HostUnder(const char* inAll, const char* inNumeric, const char* inLang)
 {
-    const Variable all("LC_ALL", inAll);
-    const Variable numeric("LC_NUMERIC", inNumeric);
-    const Variable lang("LANG", inLang);
+    const ScopedEnvironmentVariable all("LC_ALL", inAll);
+    const ScopedEnvironmentVariable numeric("LC_NUMERIC", inNumeric);
+    const ScopedEnvironmentVariable lang("LANG", inLang);
     const ProcessResult result = RunBesideThisProgram("users_locale_host", {});
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
     return result.mOutput;
@@ -55,6 +55,6 @@ TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
     // localedef warns about missing categories and then exits with an error code, although it made the locale.
     static_cast<void>(std::system(
         ("cd '" + folder.Host().string() + "' && localedef -c -i source -f ./map ./own_made 2>/dev/null").c_str()));
-    const Variable path("LOCPATH", folder.Host().c_str());
+    const ScopedEnvironmentVariable path("LOCPATH", folder.Host().c_str());
     EXPECT_EQ("1.23.45.67,5 reads back, comma\n", HostUnder("own_made", nullptr, nullptr));
 }

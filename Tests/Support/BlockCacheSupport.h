@@ -67,7 +67,7 @@ public:
         unsigned mDenies = 0;
     };
 
-    FaultyBuffer(const FaultRates& inMood, unsigned inSeed) : mFaultRates(inMood), mRandom(inSeed) {}
+    FaultyBuffer(const FaultRates& inFaultRates, unsigned inSeed) : mFaultRates(inFaultRates), mRandom(inSeed) {}
 
     void AddBlock(Block inBlock, __int64 inPosition) override
     {
@@ -108,25 +108,25 @@ private:
 };
 
 /// Creates the pool of blocks and sets the block cache factory; the destructor undoes both.
-class FactoryInUse
+class ScopedBlockCache
 {
 public:
-    explicit FactoryInUse(const FactoryRef& inFactory)
+    explicit ScopedBlockCache(const FactoryRef& inFactory)
     {
         ORL::CreateMemoryRecycler();
         ORL::Foundation::SetFileBufferFactory(inFactory);
     }
 
-    explicit FactoryInUse(std::function<BufferRef()> inMake) : FactoryInUse(new FactoryOf(std::move(inMake))) {}
+    explicit ScopedBlockCache(std::function<BufferRef()> inMake) : ScopedBlockCache(new FactoryOf(std::move(inMake))) {}
 
-    ~FactoryInUse()
+    ~ScopedBlockCache()
     {
         ORL::Foundation::SetFileBufferFactory(FactoryRef());
         ORL::DropMemoryRecycler();
     }
 
-    FactoryInUse(const FactoryInUse&) = delete;
-    FactoryInUse& operator=(const FactoryInUse&) = delete;
+    ScopedBlockCache(const ScopedBlockCache&) = delete;
+    ScopedBlockCache& operator=(const ScopedBlockCache&) = delete;
 };
 
 } // namespace ORLTest

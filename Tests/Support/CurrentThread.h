@@ -10,13 +10,13 @@ namespace ORLTest {
 std::string SystemNameOfThisThread();
 
 /// The OS keeps at least this many bytes of a thread's name.
-extern const std::size_t kKeptNameBytes;
+extern const std::size_t kMinThreadNameBytes;
 
 /// Returns the calling thread's scheduling level in the unit of the OS: the nice value, or the Windows priority.
 int LevelOfThisThread();
 
 /// Returns the level that a thread gets for a priority from 0 to 5; 3 is the level of the process. If the user may not
 /// raise a level, the thread stays at the level of the process. Levels are clamped to the range of the OS.
-int LevelOfPriority(int inPriority);
+int ExpectedThreadLevel(int inPriority);
 
 } // namespace ORLTest

@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-const std::size_t kKeptNameBytes = 15;
+const std::size_t kMinThreadNameBytes = 15;
 
 std::string SystemNameOfThisThread()
 {
@@ -22,7 +22,7 @@ int LevelOfThisThread()
     return ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));
 }
 
-int LevelOfPriority(int inPriority)
+int ExpectedThreadLevel(int inPriority)
 {
     const int process = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid()));
     const int wanted = std::clamp(process + 5 * (3 - inPriority), -20, 19);

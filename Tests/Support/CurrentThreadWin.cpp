@@ -4,7 +4,7 @@
 
 namespace ORLTest {
 
-const std::size_t kKeptNameBytes = 255;
+const std::size_t kMinThreadNameBytes = 255;
 
 std::string SystemNameOfThisThread()
 {
@@ -26,7 +26,7 @@ int LevelOfThisThread()
     return ::GetThreadPriority(::GetCurrentThread());
 }
 
-int LevelOfPriority(int inPriority)
+int ExpectedThreadLevel(int inPriority)
 {
     return inPriority == 0 ? THREAD_PRIORITY_IDLE : inPriority - 3;
 }

@@ -27,7 +27,7 @@ public:
     int Enter(Call inCall, std::size_t& ioSize)
     {
         int error = 0;
-        for (const Plan& plan : Take(inCall)) {
+        for (const Plan& plan : CountAndMatch(inCall)) {
             if (plan.mAction) {
                 plan.mAction();
             }
@@ -54,7 +54,7 @@ public:
 
 private:
     // Counts the call and returns the plans that match. The caller runs their actions unlocked, because one may wait.
-    std::vector<Plan> Take(Call inCall)
+    std::vector<Plan> CountAndMatch(Call inCall)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         ++mCounts[inCall];

@@ -40,7 +40,7 @@ private:
 
 /// A list that threads append to and one thread waits for.
 template <class T>
-class Record
+class BlockingList
 {
 public:
     void Add(T inItem)
@@ -73,10 +73,10 @@ private:
 };
 
 /// A single-use barrier: blocks until inCount threads have arrived.
-class Meeting
+class Barrier
 {
 public:
-    explicit Meeting(std::size_t inCount) : mMissing(inCount) {}
+    explicit Barrier(std::size_t inCount) : mMissing(inCount) {}
 
     void Join()
     {

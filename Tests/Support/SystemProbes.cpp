@@ -9,7 +9,7 @@ namespace ORLTest {
 
 using namespace ORL::Files::Platform;
 
-bool SystemKeepsReadOnlyMark()
+bool SystemEnforcesReadOnly()
 {
     namespace fs = std::filesystem;
     const TempFolder folder;
@@ -25,7 +25,7 @@ bool SystemKeepsReadOnlyMark()
     return !opens;
 }
 
-bool SystemTellsCopyProgress()
+bool SystemReportsCopyProgress()
 {
     const TempFolder folder;
     folder.MakeFile("f");
@@ -36,7 +36,7 @@ bool SystemTellsCopyProgress()
     return told;
 }
 
-bool SystemKeepsAlignment()
+bool SystemEnforcesAlignment()
 {
     const TempFolder folder;
     folder.MakeFile("f", std::string(8192, 'x'));

@@ -8,17 +8,17 @@ bool RunsOnEmulator();
 
 /// Returns whether a plain path may have 260 units or more: on Windows only if the process enables long paths,
 /// elsewhere always.
-bool SystemTakesLongPlainPaths();
+bool SystemAcceptsLongPlainPaths();
 
 /// Returns whether the read-only mark keeps this user from writing. The library on Linux refuses every user; Wine lets
 /// the superuser write.
-bool SystemKeepsReadOnlyMark();
+bool SystemEnforcesReadOnly();
 
 /// Returns whether the OS calls the progress routine of a copy. Wine 8 does not.
-bool SystemTellsCopyProgress();
+bool SystemReportsCopyProgress();
 
 /// Returns whether the OS refuses unaligned unbuffered reads. Wine 8 does not.
-bool SystemKeepsAlignment();
+bool SystemEnforcesAlignment();
 
 /// Returns the number of open descriptors or handles of the process, or 0 if the OS does not report it.
 unsigned OpenHandles();

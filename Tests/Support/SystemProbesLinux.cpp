@@ -10,7 +10,7 @@ bool RunsOnEmulator()
     return false;
 }
 
-bool SystemTakesLongPlainPaths()
+bool SystemAcceptsLongPlainPaths()
 {
     return true;
 }

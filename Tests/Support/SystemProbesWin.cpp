@@ -10,7 +10,7 @@ bool RunsOnEmulator()
     return module != nullptr && ::GetProcAddress(module, "wine_get_version") != nullptr;
 }
 
-bool SystemTakesLongPlainPaths()
+bool SystemAcceptsLongPlainPaths()
 {
     using Ask = BOOLEAN(WINAPI*)();
     const HMODULE module = ::GetModuleHandleA("ntdll.dll");

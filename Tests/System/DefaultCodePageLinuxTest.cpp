@@ -2,13 +2,13 @@
 #include <Linux/CodePages/LinuxDefaultCodePage.h>
 #include <ORLStringUtils.h>
 #include <ProcessRunner.h>
-#include <VariableLinux.h>
+#include <ScopedEnvironmentVariableLinux.h>
 
 #include <gtest/gtest.h>
 
 using namespace ORL;
 using ORL::Linux::CodePageOfLocale;
-using ORLTest::Variable;
+using ORLTest::ScopedEnvironmentVariable;
 
 TEST(DefaultCodePage, OfALocale_FollowsItsLanguage)
 {
@@ -99,9 +99,9 @@ TEST(DefaultCodePage, OfTheEnvironment_IsThatOfTheFirstVariableThatIsNotEmpty)
         {__LINE__, "C", "ja_JP", "ja_JP", "1252"},
     };
     for (const Row& row : rows) {
-        const Variable all("LC_ALL", row.mAll);
-        const Variable characters("LC_CTYPE", row.mCharacters);
-        const Variable language("LANG", row.mLanguage);
+        const ScopedEnvironmentVariable all("LC_ALL", row.mAll);
+        const ScopedEnvironmentVariable characters("LC_CTYPE", row.mCharacters);
+        const ScopedEnvironmentVariable language("LANG", row.mLanguage);
         const ORLTest::ProcessResult result = ORLTest::RunBesideThisProgram("settings_host", {"code-page"});
         EXPECT_EQ(0, result.mExitCode) << "row at line " << row.mLine;
         EXPECT_EQ(row.mCodePage + std::string("\n"), result.mOutput) << "row at line " << row.mLine;

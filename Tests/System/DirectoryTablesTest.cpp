@@ -27,7 +27,7 @@ OneResource Table(const std::string& inText)
 }
 
 // Removes a symbol and returns its pattern, or an empty string if the symbol is not registered.
-std::string Take(const std::string& inSymbol)
+std::string FindAndUnregister(const std::string& inSymbol)
 {
     const CheckRecorder recorder;
     const UTF16String symbol = Units(inSymbol);
@@ -45,9 +45,9 @@ TEST(DirectoryTables, EachLine_RegistersADirectory)
     DirectoryRegistry::RegisterDirectories(table, kTable);
     EXPECT_TRUE(recorder.Reports().empty());
     EXPECT_EQ(1, table.Releases());
-    EXPECT_EQ("C:\\Data\\Sub", Take("Sub"));
-    EXPECT_EQ("C:\\Data", Take("Root"));
-    EXPECT_EQ("D:\\\xC3\x96", Take("\xC3\x84"));
+    EXPECT_EQ("C:\\Data\\Sub", FindAndUnregister("Sub"));
+    EXPECT_EQ("C:\\Data", FindAndUnregister("Root"));
+    EXPECT_EQ("D:\\\xC3\x96", FindAndUnregister("\xC3\x84"));
 }
 
 TEST(DirectoryTables, Lines_AreReadByTheirFormat)
@@ -77,9 +77,9 @@ TEST(DirectoryTables, Lines_AreReadByTheirFormat)
         const CheckRecorder recorder;
         DirectoryRegistry::RegisterDirectories(Table(row.mText), kTable);
         EXPECT_TRUE(recorder.Reports().empty()) << "row at line " << row.mLine;
-        EXPECT_EQ(row.mPath, Take(row.mSymbol)) << "row at line " << row.mLine;
+        EXPECT_EQ(row.mPath, FindAndUnregister(row.mSymbol)) << "row at line " << row.mLine;
     }
-    EXPECT_EQ("", Take("X")) << "the text ends at its first zero byte";
+    EXPECT_EQ("", FindAndUnregister("X")) << "the text ends at its first zero byte";
 }
 
 TEST(DirectoryTables, LineWithoutSymbolOrPath_EndsTheTableThere)
@@ -91,8 +91,8 @@ TEST(DirectoryTables, LineWithoutSymbolOrPath_EndsTheTableThere)
         const OneResource table = Table("A=1\n" + line + "\nC=3\n");
         EXPECT_THROW(DirectoryRegistry::RegisterDirectories(table, kTable), CheckRecorder::ContractError) << line;
         EXPECT_EQ(0, table.Releases()) << line;
-        EXPECT_EQ("1", Take("A")) << line;
-        EXPECT_EQ("", Take("C")) << line;
+        EXPECT_EQ("1", FindAndUnregister("A")) << line;
+        EXPECT_EQ("", FindAndUnregister("C")) << line;
     }
 }
 
@@ -112,5 +112,5 @@ TEST(DirectoryTables, MissingTable_IsAnAssertionAndNothingElse)
     DirectoryRegistry::RegisterDirectories(table, kTable + 1);
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
     EXPECT_EQ(0, table.Releases());
-    EXPECT_EQ("", Take("A"));
+    EXPECT_EQ("", FindAndUnregister("A"));
 }

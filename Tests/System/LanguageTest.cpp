@@ -1,5 +1,5 @@
 // Tests the language of the process.
-#include <OwnHost.h>
+#include <PrivateHost.h>
 #include <TextHelpers.h>
 
 #include <LanguageInternals.h>
@@ -33,8 +33,8 @@ class Language : public testing::Test
 protected:
     void SetUp() override
     {
-        UseOwnHost();
-        ForgetSettingsOfOwnHost();
+        UsePrivateHost();
+        DeletePrivateHostSettings();
         Internal::ForgetLanguage();
         sTraced.clear();
         tvxcore::debug::InstallTraceSink(&KeepTrace);
@@ -219,7 +219,7 @@ TEST_F(Language, MissingValue_IsTracedOnOneLine)
     ASSERT_EQ(1u, sTraced.size());
     const std::size_t category = sTraced[0].find(std::string("<") + kCategory + "> <0> ");
     ASSERT_NE(std::string::npos, category) << sTraced[0];
-    EXPECT_EQ("Unable to obtain the User 'Language' registry key at: Software\\Zerin\\" + UseOwnHost()
+    EXPECT_EQ("Unable to obtain the User 'Language' registry key at: Software\\Zerin\\" + UsePrivateHost()
                   + "\\5.0\\ Defaulting to 'en_US'.\n",
               sTraced[0].substr(sTraced[0].find("Unable")));
 }

@@ -1,5 +1,5 @@
 // Tests the registry keys of a host's settings.
-#include <OwnHost.h>
+#include <PrivateHost.h>
 #include <ProcessRunner.h>
 #include <TextHelpers.h>
 
@@ -33,7 +33,7 @@ TEST(RegistryBaseKeys, OfTheCurrentVersion_HasNeitherTheVersionNorABackslashAtIt
 
 TEST(RegistryBaseKeys, OnEightThreads_AreOneTextEach)
 {
-    UseOwnHost();
+    UsePrivateHost();
     std::vector<const UTF16String*> seen(32);
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < 8; ++i) {
@@ -47,12 +47,12 @@ TEST(RegistryBaseKeys, OnEightThreads_AreOneTextEach)
     for (std::thread& thread : threads) {
         thread.join();
     }
-    const UTF16String base = MakeString("Software\\Zerin\\" + UseOwnHost() + "\\5.0\\");
+    const UTF16String base = MakeString("Software\\Zerin\\" + UsePrivateHost() + "\\5.0\\");
     for (std::size_t i = 0; i < 8; ++i) {
         EXPECT_EQ(&GetRegistrySettingsKey(), seen[4 * i]);
         EXPECT_EQ(base + MakeString("Settings\\"), *seen[4 * i]);
         EXPECT_EQ(base + MakeString("Help\\"), *seen[4 * i + 1]);
-        EXPECT_EQ(MakeString("Software\\Zerin\\" + UseOwnHost() + "\\CurrentVersion"), *seen[4 * i + 2]);
+        EXPECT_EQ(MakeString("Software\\Zerin\\" + UsePrivateHost() + "\\CurrentVersion"), *seen[4 * i + 2]);
         EXPECT_EQ(base, *seen[4 * i + 3]);
     }
 }

@@ -43,7 +43,7 @@ void AwaitWaiters(SomeList& ioList, std::uint32_t inCount)
 }
 
 /// A gate whose Wait runs an action that the test chooses.
-struct TalkingGate
+struct CallbackGate
 {
     std::function<void()> mAtWait = [] {};
     bool mIsOpen = false;
@@ -63,10 +63,10 @@ struct TalkingGate
     }
 };
 
-struct TalkingPolicy : Sync::SystemPolicy
+struct CallbackPolicy : Sync::SystemPolicy
 {
-    using Gate = TalkingGate;
-    static inline TalkingGate* sGate = nullptr;
+    using Gate = CallbackGate;
+    static inline CallbackGate* sGate = nullptr;
     static inline int sRetrieved = 0;
     static inline int sReturned = 0;
 
@@ -89,13 +89,13 @@ class TalkingList : public testing::Test
 protected:
     TalkingList()
     {
-        TalkingPolicy::sGate = &mGate;
-        TalkingPolicy::sRetrieved = 0;
-        TalkingPolicy::sReturned = 0;
+        CallbackPolicy::sGate = &mGate;
+        CallbackPolicy::sRetrieved = 0;
+        CallbackPolicy::sReturned = 0;
     }
 
-    TalkingGate mGate;
-    AsyncReadRequestBusyList<Request, TalkingPolicy> mList;
+    CallbackGate mGate;
+    AsyncReadRequestBusyList<Request, CallbackPolicy> mList;
     Request mRequests[3];
 };
 
@@ -127,12 +127,12 @@ struct NoMemoryPolicy : Sync::SystemPolicy
 TEST_F(TalkingList, WaitWithNothingInFlight_ReturnsAtOnceAndTakesNoGate)
 {
     mList.WaitForPendingReads();
-    EXPECT_EQ(0, TalkingPolicy::sRetrieved);
+    EXPECT_EQ(0, CallbackPolicy::sRetrieved);
     EXPECT_EQ(0u, mList.CountWaiters());
     mList.Add(&mRequests[0]);
     mList.Remove(&mRequests[0]);
     mList.WaitForPendingReads();
-    EXPECT_EQ(0, TalkingPolicy::sRetrieved);
+    EXPECT_EQ(0, CallbackPolicy::sRetrieved);
 }
 
 TEST_F(TalkingList, GateOpens_WhenTheLastRequestLeavesAndNotBefore)
@@ -148,8 +148,8 @@ TEST_F(TalkingList, GateOpens_WhenTheLastRequestLeavesAndNotBefore)
         EXPECT_TRUE(mGate.mIsOpen);
     };
     mList.WaitForPendingReads();
-    EXPECT_EQ(1, TalkingPolicy::sRetrieved);
-    EXPECT_EQ(1, TalkingPolicy::sReturned);
+    EXPECT_EQ(1, CallbackPolicy::sRetrieved);
+    EXPECT_EQ(1, CallbackPolicy::sReturned);
     EXPECT_EQ(nullptr, mList.GetDrainedGate());
     EXPECT_EQ(0u, mList.CountWaiters());
 }
@@ -167,12 +167,12 @@ TEST_F(TalkingList, ThreadThatComesBeforeTheLastWaiterLeft_PassesTheOpenGateThou
             passed = true;
         };
         mList.WaitForPendingReads();
-        EXPECT_EQ(0, TalkingPolicy::sReturned) << "the first waiter has not left yet";
+        EXPECT_EQ(0, CallbackPolicy::sReturned) << "the first waiter has not left yet";
     };
     mList.WaitForPendingReads();
     EXPECT_TRUE(passed);
-    EXPECT_EQ(1, TalkingPolicy::sRetrieved) << "one gate for both";
-    EXPECT_EQ(1, TalkingPolicy::sReturned);
+    EXPECT_EQ(1, CallbackPolicy::sRetrieved) << "one gate for both";
+    EXPECT_EQ(1, CallbackPolicy::sReturned);
     EXPECT_EQ(1u, mList.CountRequests());
     mList.Remove(&mRequests[1]);
 }
@@ -182,7 +182,7 @@ TEST_F(TalkingList, InterruptedWaiter_LeavesAndGivesTheGateBack)
     mList.Add(&mRequests[0]);
     mGate.mAtWait = [] { throw 42; };
     EXPECT_THROW(mList.WaitForPendingReads(), int);
-    EXPECT_EQ(1, TalkingPolicy::sReturned);
+    EXPECT_EQ(1, CallbackPolicy::sReturned);
     EXPECT_EQ(0u, mList.CountWaiters());
     EXPECT_EQ(nullptr, mList.GetDrainedGate());
     mList.Remove(&mRequests[0]);
@@ -199,7 +199,7 @@ TEST_F(TalkingList, InterruptedWaiterBesideAnother_DoesNotReleaseIt)
         mList.Remove(&mRequests[0]);
     };
     mList.WaitForPendingReads();
-    EXPECT_EQ(1, TalkingPolicy::sReturned);
+    EXPECT_EQ(1, CallbackPolicy::sReturned);
 }
 
 TEST(AsyncReadRequestBusyList, RequestAddedTwice_BreaksTheInputContract)

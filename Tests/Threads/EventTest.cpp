@@ -3,7 +3,7 @@
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
 #include <Stress.h>
-#include <WithoutHandle.h>
+#include <WaitableWithoutHandle.h>
 #include <Platform/Event.h>
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
 using ORLTest::ExpectReport;
 using ORLTest::Rounds;
-using ORLTest::WithoutHandle;
+using ORLTest::WaitableWithoutHandle;
 
 namespace {
 
@@ -184,7 +184,7 @@ TEST(WaitableObject, SystemGivesNoEvent_AssertsAndThrows)
 TEST(WaitableObject, SystemRefusesTheSignal_AssertsAndThrows)
 {
     CheckRecorder recorder;
-    WithoutHandle event;
+    WaitableWithoutHandle event;
     EXPECT_THROW(event.Signal(), EventFailure);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
@@ -194,7 +194,7 @@ TEST(WaitableObject, SystemRefusesTheSignal_AssertsAndThrows)
 TEST(WaitableObject, SystemCannotWait_IsAResultAndNoException)
 {
     CheckRecorder recorder;
-    WithoutHandle event;
+    WaitableWithoutHandle event;
     EXPECT_EQ(kWaitFailed, event.WaitForSignal(0));
     EXPECT_EQ(kWaitFailed, event.WaitForSignal(-1));
     EXPECT_TRUE(recorder.Reports().empty());

@@ -39,7 +39,7 @@ protected:
     }
 
     // Advances the clock and returns when all requests that became due have run.
-    void Pass(std::int64_t inMilliseconds)
+    void AdvanceAndDrain(std::int64_t inMilliseconds)
     {
         mClock.Advance(inMilliseconds * 1'000'000);
         Event done;
@@ -57,10 +57,10 @@ protected:
 TEST_F(IdleProcess, Set_RunsAtItsInterval)
 {
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
-    Pass(9);
+    AdvanceAndDrain(9);
     EXPECT_EQ(0, mRuns);
-    Pass(1);
-    Pass(10);
+    AdvanceAndDrain(1);
+    AdvanceAndDrain(10);
     EXPECT_EQ(2, mRuns);
 }
 
@@ -68,7 +68,7 @@ TEST_F(IdleProcess, RunsOnTheQueuesThread)
 {
     bool isOwn = false;
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&] { isOwn = mQueue->CurrentThreadIsQueueThread(); }), 1));
-    Pass(1);
+    AdvanceAndDrain(1);
     mQueue->ClearIdleProcess();
     EXPECT_TRUE(isOwn);
 }
@@ -80,7 +80,7 @@ TEST_F(IdleProcess, IntervalBelowOne_IsRefusedAndKeepsTheOneInstalled)
     EXPECT_FALSE(mQueue->SetIdleProcess(other, 0));
     EXPECT_FALSE(mQueue->SetIdleProcess(other, -1));
     EXPECT_FALSE(mQueue->SetIdleProcess(other, -2147483647 - 1));
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
 }
 
@@ -90,7 +90,7 @@ TEST_F(IdleProcess, NullRequest_IsRefusedAndKeepsTheOneInstalled)
     EXPECT_FALSE(mQueue->SetIdleProcess(Request(), 10));
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
     EXPECT_FALSE(mQueue->SetIdleProcess(Request(), 10));
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
     EXPECT_TRUE(recorder.Reports().empty());
 }
@@ -101,7 +101,7 @@ TEST_F(IdleProcess, SetAgain_TakesThePlaceOfTheEarlierOne)
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([life] { ADD_FAILURE() << "this one was replaced"; }), 10));
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
     EXPECT_EQ(1, life.use_count());
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
 }
 
@@ -127,7 +127,7 @@ TEST_F(IdleProcess, SetAgainWithAFailure_KeepsTheEarlierOne)
     refusing->mRefuses = true;
     EXPECT_THROW(mQueue->SetIdleProcess(std::move(argument), 10), std::bad_alloc);
     refusing->mRefuses = false;
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
 }
 
@@ -135,10 +135,10 @@ TEST_F(IdleProcess, Cleared_NeverRunsAgainAndIsLetGo)
 {
     auto life = std::make_shared<int>();
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this, life] { ++mRuns; }), 10));
-    Pass(10);
+    AdvanceAndDrain(10);
     mQueue->ClearIdleProcess();
     EXPECT_EQ(1, life.use_count());
-    Pass(100);
+    AdvanceAndDrain(100);
     EXPECT_EQ(1, mRuns);
     mQueue->ClearIdleProcess();
 }
@@ -146,8 +146,8 @@ TEST_F(IdleProcess, Cleared_NeverRunsAgainAndIsLetGo)
 TEST_F(IdleProcess, ClearedByItself_DoesNotWaitForItself)
 {
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; mQueue->ClearIdleProcess(); }), 10));
-    Pass(10);
-    Pass(100);
+    AdvanceAndDrain(10);
+    AdvanceAndDrain(100);
     EXPECT_EQ(1, mRuns);
 }
 
@@ -156,8 +156,8 @@ TEST_F(IdleProcess, ReplacedByItself_GoesOnAsTheNewOne)
     std::atomic<int> later{0};
     const Request second = MakeRequest([&later] { ++later; });
     EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&, this] { ++mRuns; mQueue->SetIdleProcess(second, 10); }), 10));
-    Pass(10);
-    Pass(10);
+    AdvanceAndDrain(10);
+    AdvanceAndDrain(10);
     mQueue->ClearIdleProcess();
     EXPECT_EQ(1, mRuns);
     EXPECT_EQ(1, later);
@@ -166,9 +166,9 @@ TEST_F(IdleProcess, ReplacedByItself_GoesOnAsTheNewOne)
 TEST_F(IdleProcess, ClearedWithNoneInstalled_TakesNoLock)
 {
     // The queue calls AddRef under its lock while it installs the request. A concurrent Clear must not block.
-    struct Nosy : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+    struct CallbackOnAddRef : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
     {
-        explicit Nosy(ThreadedWorkQueue& inQueue) : mQueue(inQueue) {}
+        explicit CallbackOnAddRef(ThreadedWorkQueue& inQueue) : mQueue(inQueue) {}
         void AddRef() override
         {
             std::thread([this] { mQueue.ClearIdleProcess(); }).join();
@@ -179,12 +179,12 @@ TEST_F(IdleProcess, ClearedWithNoneInstalled_TakesNoLock)
         ThreadedWorkQueue& mQueue;
         int mCounted = 0;
     };
-    Nosy* const nosy = new Nosy(*mQueue.GetPtr());
-    const Request request(nosy);
+    CallbackOnAddRef* const callback = new CallbackOnAddRef(*mQueue.GetPtr());
+    const Request request(callback);
     Request argument(request);
-    const int before = nosy->mCounted;
+    const int before = callback->mCounted;
     EXPECT_TRUE(mQueue->SetIdleProcess(std::move(argument), 10));
-    EXPECT_LT(before, nosy->mCounted) << "nothing was counted under the lock, so this test shows nothing";
+    EXPECT_LT(before, callback->mCounted) << "nothing was counted under the lock, so this test shows nothing";
 }
 
 TEST_F(IdleProcess, StoppedQueue_KeepsItInstalledButQuiet)
@@ -193,10 +193,10 @@ TEST_F(IdleProcess, StoppedQueue_KeepsItInstalledButQuiet)
     queue->Initialize(3, 0, ConstString("Idle"), ConstString("Module"));
     EXPECT_TRUE(queue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
     queue->Stop();
-    Pass(10);
-    Pass(10);
+    AdvanceAndDrain(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(0, mRuns);
     EXPECT_TRUE(queue->SetIdleProcess(MakeRequest([this] { ++mRuns; }), 10));
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(0, mRuns);
 }

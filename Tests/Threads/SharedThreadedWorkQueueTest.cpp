@@ -13,8 +13,8 @@
 #include <vector>
 
 using namespace ORL;
+using ORLTest::BlockingList;
 using ORLTest::MakeRequest;
-using ORLTest::Record;
 
 namespace {
 
@@ -34,7 +34,7 @@ protected:
 // Each request waits for all others, so all requests end only if each has its own thread.
 void ExpectToRunAtOnce(ThreadedWorkQueue& ioQueue, std::size_t inRequests)
 {
-    const auto all = std::make_shared<ORLTest::Meeting>(inRequests + 1);
+    const auto all = std::make_shared<ORLTest::Barrier>(inRequests + 1);
     for (std::size_t i = 0; i < inRequests; ++i) {
         ASSERT_TRUE(ioQueue.QueueRequest(MakeRequest([all] { all->Join(); })));
     }
@@ -76,11 +76,11 @@ TEST_F(SharedQueues, MultiAndSingleThreaded_AreTwoQueues)
 TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
 {
     const auto nameIn = [](const QueueRef& inQueue) {
-        Record<std::string> name;
+        BlockingList<std::string> name;
         inQueue->QueueRequest(MakeRequest([&name] { name.Add(ORLTest::SystemNameOfThisThread()); }));
         return name.WaitFor(1)[0];
     };
-    const auto kept = [](const std::string& inName) { return inName.substr(0, ORLTest::kKeptNameBytes); };
+    const auto kept = [](const std::string& inName) { return inName.substr(0, ORLTest::kMinThreadNameBytes); };
     EXPECT_EQ(kept("ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue"), nameIn(Shared().RetrieveOrCreate(3)));
     EXPECT_EQ(kept("ORL::Foundation: Single-threaded ORL::SharedThreadedWorkQueue"),
               nameIn(Shared().RetrieveOrCreateSingleThreaded(3)));
@@ -105,14 +105,14 @@ TEST_F(SharedQueues, PriorityOutsideTheRange_IsAKeyOfItsOwn)
 
 TEST_F(SharedQueues, PriorityOutsideTheRange_RunsAtPriorityThree)
 {
-    Record<int> levels;
+    BlockingList<int> levels;
     for (const ThreadPriorities::Type outside : {17, -1}) {
         for (const QueueRef& queue : {Shared().RetrieveOrCreateSingleThreaded(outside), Shared().RetrieveOrCreate(outside)}) {
             queue->QueueRequest(MakeRequest([&levels] { levels.Add(ORLTest::LevelOfThisThread()); }));
         }
     }
     SharedThreadedWorkQueue::Shutdown();
-    EXPECT_EQ(std::vector<int>(4, ORLTest::LevelOfPriority(3)), levels.Get());
+    EXPECT_EQ(std::vector<int>(4, ORLTest::ExpectedThreadLevel(3)), levels.Get());
 }
 
 TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)
@@ -187,7 +187,7 @@ TEST_F(SharedQueues, AfterShutdown_TheInstanceIsNewAndEmpty)
 // therefore show the order in which the queues were stopped, which differs from the order in which they were created.
 TEST_F(SharedQueues, Shutdown_StopsTheMultiThreadedFirstAndLowerPrioritiesFirst)
 {
-    Record<std::string> stopped;
+    BlockingList<std::string> stopped;
     const auto hold = [&stopped](const QueueRef& inQueue, const char* inName) {
         inQueue->Pause();
         ASSERT_TRUE(inQueue->QueueRequest(MakeRequest([&stopped, inName] { stopped.Add(inName); })));

@@ -272,14 +272,14 @@ TEST(ThreadedWorkQueueFlush, QueueThatRefusesEveryItem_IsReportedAndReturnsIdle)
 namespace {
 
 // A flush whose items stay in Process for a while after the flushing thread has been released.
-class LingeringFlush : public ThreadedWorkQueueFlush
+class SlowFlush : public ThreadedWorkQueueFlush
 {
 public:
-    LingeringFlush(std::atomic<bool>& inMayLeave, std::atomic<int>& ioDestroyed, std::atomic<int>& ioSeenDestroyed)
+    SlowFlush(std::atomic<bool>& inMayLeave, std::atomic<int>& ioDestroyed, std::atomic<int>& ioSeenDestroyed)
         : mMayLeave(inMayLeave), mDestroyed(ioDestroyed), mSeenDestroyed(ioSeenDestroyed)
     {
     }
-    ~LingeringFlush() override { ++mDestroyed; }
+    ~SlowFlush() override { ++mDestroyed; }
 
     void Process() override
     {
@@ -308,7 +308,7 @@ TEST(ThreadedWorkQueueFlush, ReferenceDroppedWhileQueued_LivesUntilTheItemsAreGo
         std::atomic<bool> mayLeave{false};
         std::atomic<int> destroyed{0};
         std::atomic<int> seenDestroyed{0};
-        FlushRef flush(new LingeringFlush(mayLeave, destroyed, seenDestroyed));
+        FlushRef flush(new SlowFlush(mayLeave, destroyed, seenDestroyed));
         flush->Init(queue);
         flush->Flush();
         flush = FlushRef(); // the remaining references belong to the items, which are still in Process

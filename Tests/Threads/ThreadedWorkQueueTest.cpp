@@ -25,8 +25,8 @@ using ORLTest::CheckReport;
 using ORLTest::ExpectReport;
 using ORLTest::Event;
 using ORLTest::MakeRequest;
-using ORLTest::Meeting;
-using ORLTest::Record;
+using ORLTest::Barrier;
+using ORLTest::BlockingList;
 
 namespace {
 
@@ -167,7 +167,7 @@ TEST(ThreadedWorkQueue, Priority_ReachesTheThreadsAndEveryOtherNumberIsThree)
         int level = -100;
         queue->QueueRequest(MakeRequest([&level] { level = ORLTest::LevelOfThisThread(); }));
         queue->Stop();
-        EXPECT_EQ(ORLTest::LevelOfPriority(row.mExpected), level) << "row at line " << row.mLine;
+        EXPECT_EQ(ORLTest::ExpectedThreadLevel(row.mExpected), level) << "row at line " << row.mLine;
     }
 }
 
@@ -180,7 +180,7 @@ TEST(ThreadedWorkQueue, Threads_AreNamedModuleFirst)
     queue->QueueRequest(MakeRequest([&name] { name = ORLTest::SystemNameOfThisThread(); }));
     queue->Stop();
     const std::string full = "AB: \u4e2d\u6587\u5b57\u7b26\u4e32";
-    EXPECT_EQ(ORLTest::kKeptNameBytes < full.size() ? "AB: \u4e2d\u6587\u5b57" : full, name);
+    EXPECT_EQ(ORLTest::kMinThreadNameBytes < full.size() ? "AB: \u4e2d\u6587\u5b57" : full, name);
 }
 
 TEST(ThreadedWorkQueue, EmptyNames_BreakTheContractInTheirOrderAndTheQueueStarts)
@@ -229,13 +229,13 @@ TEST(ThreadedWorkQueue, InitializedTwice_RunsWhatTheOldThreadsHadAndGoesOnWithNe
 
 TEST(ThreadedWorkQueue, RequestThatItsCallerDropsAtOnce_LivesUntilProcessHasReturned)
 {
-    struct Watched : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+    struct DestructionReporter : UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
     {
-        Watched(Event& inMayEnd, std::atomic<bool>& inIsGone, bool& inWasGone)
+        DestructionReporter(Event& inMayEnd, std::atomic<bool>& inIsGone, bool& inWasGone)
             : mMayEnd(inMayEnd), mIsGone(inIsGone), mWasGone(inWasGone)
         {
         }
-        ~Watched() override { mIsGone = true; }
+        ~DestructionReporter() override { mIsGone = true; }
         void Process() override
         {
             mMayEnd.Wait();
@@ -249,7 +249,7 @@ TEST(ThreadedWorkQueue, RequestThatItsCallerDropsAtOnce_LivesUntilProcessHasRetu
     Event mayEnd;
     std::atomic<bool> isGone{false};
     bool wasGone = true;
-    queue->QueueRequest(Request(new Watched(mayEnd, isGone, wasGone)));
+    queue->QueueRequest(Request(new DestructionReporter(mayEnd, isGone, wasGone)));
     EXPECT_FALSE(isGone);
     mayEnd.Set();
     Drain(queue);
@@ -334,7 +334,7 @@ TEST(ThreadedWorkQueue, CurrentThreadIsQueueThread_OnItsOwnThreadsOnlyAndAlsoAft
 TEST(ThreadedWorkQueue, Paused_StartsNothingUntilResumed)
 {
     const Queue queue = MakeQueue(2);
-    Record<int> runs;
+    BlockingList<int> runs;
     queue->Pause();
     for (int i = 0; i < 5; ++i) {
         EXPECT_TRUE(queue->QueueRequest(MakeRequest([&runs] { runs.Add(0); })));

@@ -88,7 +88,7 @@ TEST_F(IngestDestinations, OneWhereAnotherFileHasAName_LacksThatFileAlone)
     mFolder.MakeFile("disk1/b", "another file");
     const std::vector<IngestDestination> destinations = RunTo(2);
     EXPECT_TRUE(destinations[0].mOutcome.mTroubles.empty());
-    ExpectOnlyTrouble(destinations[1], orl::kExitTaken);
+    ExpectOnlyTrouble(destinations[1], orl::kExitNameConflict);
     ExpectIngested(mCard, DiskOf(0));
     EXPECT_EQ(2u, ReadManifest(DiskOf(1) / kManifest).size());
     EXPECT_EQ("another file", ReadFile(DiskOf(1) / "b"));

@@ -116,7 +116,7 @@ protected:
     fs::path Disk() const { return mFolder.Host() / "disk"; }
 
     /// Restores the state that a killed run left.
-    void PutBack() const
+    void RestoreInitialState() const
     {
         fs::remove_all(Disk());
         fs::create_directory(Disk());
@@ -126,11 +126,11 @@ protected:
     }
 
     /// Files with a final name are complete, and each line of the manifest is true.
-    void ExpectNothingHalf() const
+    void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());
         for (const auto& [name, contents] : disk) {
-            EXPECT_TRUE(name == kManifest || IsRemains(name) || contents == mCard.at(name)) << name;
+            EXPECT_TRUE(name == kManifest || IsLeftover(name) || contents == mCard.at(name)) << name;
         }
         for (const auto& [name, digest] : ReadManifest(Disk() / kManifest, true)) {
             ASSERT_EQ(1u, disk.count(name)) << name;
@@ -143,7 +143,7 @@ protected:
     void FailEach(typename Calls::Call inCall)
     {
         unsigned undisturbed = 0;
-        PutBack();
+        RestoreInitialState();
         {
             Calls calls;
             EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());
@@ -153,7 +153,7 @@ protected:
         for (unsigned number = 1; number <= undisturbed && !HasFailure(); ++number) {
             SCOPED_TRACE("call " + std::to_string(inCall) + ", number " + std::to_string(number) + " of "
                          + std::to_string(undisturbed));
-            PutBack();
+            RestoreInitialState();
             bool isDone = false;
             {
                 Calls calls;
@@ -163,7 +163,7 @@ protected:
                 } catch (const orl::Failure&) {
                 }
             }
-            ExpectNothingHalf();
+            ExpectOnlyCompleteFiles();
             if (isDone) {
                 FileTree disk = ReadTree(Disk());
                 fs::remove(Disk() / kUnfinished); // harmless; the next run deletes it
@@ -198,7 +198,7 @@ protected:
         EXPECT_EQ(orl::kExitFailure, outcome.mTroubles[0].mExitCode);
         EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot flush")) << outcome.mTroubles[0].mText;
         EXPECT_EQ("", fs::exists(Disk() / kManifest) ? ReadFile(Disk() / kManifest) : "");
-        ExpectNothingHalf();
+        ExpectOnlyCompleteFiles();
         EXPECT_TRUE(IngestHere(Card(), Disk()).mTroubles.empty());
         ExpectIngested(mCard, Disk());
     }

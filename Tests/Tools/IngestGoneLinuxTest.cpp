@@ -31,7 +31,7 @@ TEST_F(IngestOnLinux, ADestinationThatLeavesItsMountPoint_EndsTheRunWithOneLine)
         fs::rename(Disk(), Disk().u8string() + "-empty");
         fs::create_directory(Disk());
     }));
-    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectTrouble(outcome, orl::kExitDisappeared, "is gone");
     EXPECT_TRUE(outcome.mRows.empty());
     EXPECT_TRUE(fs::is_empty(Disk()));
     EXPECT_EQ(mCard["a"], ReadFile(away / "a"));
@@ -42,7 +42,7 @@ TEST_F(IngestOnLinux, ADestinationThatVanishes_EndsTheRunWithOneLine)
 {
     const IngestOutcome outcome =
         Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Disk(), Disk().u8string() + "-away"); }));
-    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectTrouble(outcome, orl::kExitDisappeared, "is gone");
     EXPECT_FALSE(fs::exists(Disk()));
 }
 
@@ -57,7 +57,7 @@ TEST_F(IngestDestinations, OneThatIsGone_StopsNoOther)
     settings.mFilesAtOnce = 1;
     const std::vector<orl::IngestDestination> destinations = RunTo(3, onStep, settings);
     EXPECT_TRUE(destinations[0].mOutcome.mTroubles.empty());
-    ExpectOnlyTrouble(destinations[1], orl::kExitGone);
+    ExpectOnlyTrouble(destinations[1], orl::kExitDisappeared);
     EXPECT_TRUE(destinations[2].mOutcome.mTroubles.empty());
     ExpectIngested(mCard, DiskOf(0));
     ExpectIngested(mCard, DiskOf(2));

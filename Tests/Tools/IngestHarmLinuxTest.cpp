@@ -191,7 +191,7 @@ TEST_F(IngestHarmOnLinux, NamesThatTheVolumeTakesForOne_AreFoundInThePlan)
     };
     const IngestOutcome outcome = Run({});
     ASSERT_EQ(1u, outcome.mTroubles.size());
-    EXPECT_EQ(orl::kExitTaken, outcome.mTroubles[0].mExitCode) << outcome.mTroubles[0].mText;
+    EXPECT_EQ(orl::kExitNameConflict, outcome.mTroubles[0].mExitCode) << outcome.mTroubles[0].mText;
     EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("\"Clip\"")) << outcome.mTroubles[0].mText;
     EXPECT_EQ("another one", ReadFile(Disk() / "CLIP"));
     EXPECT_FALSE(fs::exists(Disk() / "Clip"));
@@ -218,7 +218,7 @@ TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
     const IngestOutcome outcome =
         Run(Once(IngestStep::kVerified, "b", [this] { fs::copy_file(Disk() / "a", Disk() / "b"); }), true);
     ASSERT_EQ(1u, outcome.mTroubles.size());
-    EXPECT_EQ(orl::kExitTaken, outcome.mTroubles[0].mExitCode);
+    EXPECT_EQ(orl::kExitNameConflict, outcome.mTroubles[0].mExitCode);
     EXPECT_EQ(mCard["a"], ReadFile(Disk() / "b"))
         << "although --replace was given: it was not there when the plan was made";
 }
@@ -240,7 +240,7 @@ TEST_F(IngestHarmOnLinux, AMoveWithoutTheSystemsHelp_OverwritesNothing)
         fs::remove_all(Disk());
         const IngestOutcome outcome =
             Run(Once(IngestStep::kVerified, "b", [this] { WriteFile(Disk() / "b", "somebody's"); }));
-        ExpectTrouble(outcome, orl::kExitTaken, "\"b\"");
+        ExpectTrouble(outcome, orl::kExitNameConflict, "\"b\"");
         EXPECT_EQ("somebody's", ReadFile(Disk() / "b"));
         EXPECT_EQ(mCard["a"], ReadFile(Disk() / "a"));
         EXPECT_EQ(4u, ReadTree(Disk()).size());

@@ -71,10 +71,10 @@ protected:
 };
 
 // Returns whether all files are listed or the user gets a line.
-bool IsWholeOrTold(const orl::IngestListing& inListing, std::size_t inFiles)
+bool IsCompleteOrReported(const orl::IngestListing& inListing, std::size_t inFiles)
 {
-    const bool isTold = !inListing.mTroubles.empty() && inListing.mTroubles[0].mExitCode == orl::kExitUnreadable;
-    return isTold || inListing.mFiles.size() == inFiles;
+    const bool isReported = !inListing.mTroubles.empty() && inListing.mTroubles[0].mExitCode == orl::kExitUnreadable;
+    return isReported || inListing.mFiles.size() == inFiles;
 }
 
 // During its lifetime, the listing fails at call number inNumber.
@@ -126,7 +126,7 @@ TEST_F(IngestListing, AListingThatBreaksOffAtAnyCall_IsTold)
         SCOPED_TRACE("number " + std::to_string(number) + " of " + std::to_string(undisturbed));
         const BrokenListing broken(number);
         const orl::IngestListing listing = List();
-        EXPECT_TRUE(IsWholeOrTold(listing, kFiles)) << listing.mFiles.size();
+        EXPECT_TRUE(IsCompleteOrReported(listing, kFiles)) << listing.mFiles.size();
         EXPECT_EQ(1u, listing.mTroubles.size());
     }
 }

@@ -58,7 +58,7 @@ TEST_F(IngestRun, ACardThatVanishes_EndsTheRunWithOneLine)
 {
     const IngestOutcome outcome =
         Run(Once(IngestStep::kInPlace, "a", [this] { fs::rename(Card(), Card().u8string() + "-away"); }));
-    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectTrouble(outcome, orl::kExitDisappeared, "is gone");
     ExpectInPlace("a");
 }
 
@@ -70,7 +70,7 @@ TEST_F(IngestRun, ACardThatLeavesItsMountPoint_EndsTheRunWithOneLine)
         fs::create_directory(Card());
         WriteFile(Card() / "other", "of the mount point");
     }));
-    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectTrouble(outcome, orl::kExitDisappeared, "is gone");
     ExpectInPlace("a");
 }
 
@@ -81,7 +81,7 @@ TEST_F(IngestRun, ACardWhoseFilesAreAllGone_EndsTheRunWithOneLine)
             fs::remove(Card() / name);
         }
     }));
-    ExpectTrouble(outcome, orl::kExitGone, "is gone");
+    ExpectTrouble(outcome, orl::kExitDisappeared, "is gone");
     ExpectInPlace("a");
 }
 
@@ -102,7 +102,7 @@ TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
             file << '\x01';
         }
     });
-    ExpectTrouble(outcome, orl::kExitNotTheSame, "reads back differently");
+    ExpectTrouble(outcome, orl::kExitMismatch, "reads back differently");
     ExpectInPlace("ac");
 }
 
@@ -125,7 +125,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
 {
     const IngestOutcome outcome =
         Run(Once(IngestStep::kVerified, "b", [this] { WriteFile(Disk() / "b", "somebody's"); }));
-    ExpectTrouble(outcome, orl::kExitTaken, "\"b\"");
+    ExpectTrouble(outcome, orl::kExitNameConflict, "\"b\"");
     EXPECT_EQ("somebody's", ReadFile(Disk() / "b"));
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
 }

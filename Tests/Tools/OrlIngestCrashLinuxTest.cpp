@@ -36,7 +36,7 @@ protected:
 
     fs::path Disk() const { return mFolder.Host() / "disk"; }
 
-    void PutBack() const
+    void RestoreInitialState() const
     {
         fs::remove_all(Disk());
         mFolder.MakeFolder("disk/d");
@@ -52,12 +52,12 @@ protected:
     }
 
     /// Each final name has either its old or its new contents, complete; every line of the manifest is true.
-    void ExpectNothingHalf() const
+    void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());
         for (const auto& [name, contents] : disk) {
             const bool isNew = mCard.count(name) != 0 && contents == mCard.at(name);
-            EXPECT_TRUE(IsRemains(name) || name == kManifest || contents == kOld || isNew) << name;
+            EXPECT_TRUE(IsLeftover(name) || name == kManifest || contents == kOld || isNew) << name;
         }
         EXPECT_EQ(1u, disk.count("d/clip")) << "the real name is never without its file";
         EXPECT_EQ(kOld, ReadFile(Disk() / "kept"));
@@ -95,7 +95,7 @@ protected:
     {
         std::vector<int> counts(5);
         for (int& calls : counts) {
-            PutBack();
+            RestoreInitialState();
             calls = ioTraced.Run(Arguments(), 0);
             if (calls < 0 || ioTraced.ExitCode() == 99) {
                 return -1;
@@ -110,11 +110,11 @@ protected:
     /// Returns false if the run ended before that call.
     bool KillBefore(TracedRun& ioTraced, int inNumber) const
     {
-        PutBack();
+        RestoreInitialState();
         ioTraced.Run(Arguments(), inNumber);
         const bool isKilled = ioTraced.ExitCode() == -1;
         if (isKilled) {
-            ExpectNothingHalf();
+            ExpectOnlyCompleteFiles();
             std::vector<std::string> arguments = Arguments();
             arguments.erase(arguments.begin());
             const ProcessResult result = RunBesideThisProgram("orl", arguments);

@@ -79,7 +79,7 @@ protected:
     }
 
     /// Expects complete files with their final names and their lines in the manifest, and nothing else.
-    void ExpectNothingHalf() const
+    void ExpectOnlyCompleteFiles() const
     {
         const auto manifest =
             fs::exists(Disk() / kManifest) ? ReadManifest(Disk() / kManifest) : std::map<std::string, std::string>();
@@ -111,15 +111,15 @@ TEST_F(InterruptedIngestOnWindows, InTheMiddleOfAFile_LeavesNothingHalfAndASecon
     const DWORD exitCode = Wait();
     if (!isSent) {
         EXPECT_EQ(0u, exitCode);
-        ExpectNothingHalf();
+        ExpectOnlyCompleteFiles();
         GTEST_SKIP() << "this system (Wine 8.0) sends no Ctrl-Break to a program";
     }
     EXPECT_EQ(kStopped, exitCode);
     EXPECT_EQ(kLine, ReadFile(mFolder.Host() / "errors"));
-    ExpectNothingHalf();
+    ExpectOnlyCompleteFiles();
     const ProcessResult again =
         RunBesideThisProgram("orl", {"ingest", (mFolder.Host() / "card").u8string(), Disk().u8string()});
     EXPECT_EQ(0, again.mExitCode) << again.mErrors;
-    ExpectNothingHalf();
+    ExpectOnlyCompleteFiles();
     EXPECT_EQ(2u, ReadManifest(Disk() / kManifest).size());
 }

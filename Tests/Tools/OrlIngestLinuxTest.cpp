@@ -38,7 +38,7 @@ protected:
             RunHere();
             ADD_FAILURE() << "the destination has no room";
         } catch (const orl::Failure& failure) {
-            EXPECT_EQ(orl::kExitNoRoom, failure.ExitCode());
+            EXPECT_EQ(orl::kExitNoSpace, failure.ExitCode());
             EXPECT_NE(std::string::npos, std::string(failure.what()).find(inText)) << failure.what();
         }
     }
@@ -146,7 +146,7 @@ TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());
-    EXPECT_EQ(orl::kExitNoRoom, outcome.mTroubles[0].mExitCode);
+    EXPECT_EQ(orl::kExitNoSpace, outcome.mTroubles[0].mExitCode);
     EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("is full"));
     ExpectIngested({{"a", std::string(1000, 'a')}}, Disk());
     ORL::Foundation::Terminate();
@@ -210,7 +210,7 @@ TEST_F(OrlIngestOnLinux, TwoDestinationsOnOneVolume_ShareItsRoom)
     }
     EXPECT_TRUE(destinations[0].mOutcome.mTroubles.empty());
     ASSERT_EQ(1u, destinations[1].mOutcome.mTroubles.size());
-    EXPECT_EQ(orl::kExitNoRoom, destinations[1].mOutcome.mTroubles[0].mExitCode);
+    EXPECT_EQ(orl::kExitNoSpace, destinations[1].mOutcome.mTroubles[0].mExitCode);
     EXPECT_FALSE(fs::exists(Disk().string() + "2"));
     ORL::Foundation::Terminate();
 }

@@ -148,7 +148,7 @@ TEST_F(OrlStreamLinux, FileOfAFileSystemInMemory_IsStreamed)
 // The read past the new end fails at its start, so the message can name the position.
 TEST(OrlStreamCut, AtABlock_IsToldAtOnce)
 {
-    const std::string said = SaidOfAStreamCutTo(4096);
+    const std::string said = OutputOfTruncatedStream(4096);
     EXPECT_EQ(0u, said.find("failure: stream: cannot read \"")) << said;
     EXPECT_NE(std::string::npos, said.find("\" at byte 4096: ")) << said;
 }

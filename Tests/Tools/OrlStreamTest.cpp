@@ -274,7 +274,7 @@ TEST_F(OrlStream, PathOfFourThousandCharacters_IsStreamedOrCalledMissing)
 // On both platforms a short read shows that the file shrank.
 TEST(OrlStreamCut, InsideABlock_IsToldWithTheBytesThatCame)
 {
-    const std::string said = SaidOfAStreamCutTo(4096 + 100);
+    const std::string said = OutputOfTruncatedStream(4096 + 100);
     EXPECT_EQ(0u, said.find("failure: stream: \"")) << said;
     EXPECT_NE(std::string::npos,
               said.find("at byte 4096: short read, 100 of 4096 bytes (the file shrank while it was read)\n"))

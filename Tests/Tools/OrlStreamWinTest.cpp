@@ -9,7 +9,7 @@ using namespace ORLTest;
 // stream's timeout is longer than this test's, so the stream must detect the truncation itself.
 TEST(OrlStreamCut, AtABlock_IsToldWithoutTheWholePatience)
 {
-    const std::string said = SaidOfAStreamCutTo(4096);
+    const std::string said = OutputOfTruncatedStream(4096);
     EXPECT_EQ(0u, said.find("no answer: stream: \"")) << said;
     EXPECT_NE(std::string::npos, said.find("\" has 4096 of 262144 bytes left")) << said;
     EXPECT_NE(std::string::npos, said.find("the file shrank while it was read\n")) << said;

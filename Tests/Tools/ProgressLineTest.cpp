@@ -40,17 +40,17 @@ TEST(TextWidth, WideJoiningAndBrokenCharacters_TakeTheirColumns)
 TEST(TextWidth, StartAndTail_CutNoCharacterAndLeaveNoMarkAlone)
 {
     const std::string text = "a\u6F22e\u0301\u5B57";
-    EXPECT_EQ("", StartOf(text, 0));
-    EXPECT_EQ("a", StartOf(text, 2));
-    EXPECT_EQ("a\u6F22", StartOf(text, 3));
-    EXPECT_EQ("a\u6F22e\u0301", StartOf(text, 5));
-    EXPECT_EQ(text, StartOf(text, 6));
-    EXPECT_EQ("", TailOf(text, 1));
-    EXPECT_EQ("\u5B57", TailOf(text, 2));
-    EXPECT_EQ("e\u0301\u5B57", TailOf(text, 3));
-    EXPECT_EQ(text, TailOf(text, 6));
-    EXPECT_EQ("...\u5B57", EndOf(text, 5));
-    EXPECT_EQ("..", EndOf(text, 2));
+    EXPECT_EQ("", PrefixOfWidth(text, 0));
+    EXPECT_EQ("a", PrefixOfWidth(text, 2));
+    EXPECT_EQ("a\u6F22", PrefixOfWidth(text, 3));
+    EXPECT_EQ("a\u6F22e\u0301", PrefixOfWidth(text, 5));
+    EXPECT_EQ(text, PrefixOfWidth(text, 6));
+    EXPECT_EQ("", SuffixOfWidth(text, 1));
+    EXPECT_EQ("\u5B57", SuffixOfWidth(text, 2));
+    EXPECT_EQ("e\u0301\u5B57", SuffixOfWidth(text, 3));
+    EXPECT_EQ(text, SuffixOfWidth(text, 6));
+    EXPECT_EQ("...\u5B57", TruncateFront(text, 5));
+    EXPECT_EQ("..", TruncateFront(text, 2));
     EXPECT_EQ(text + "  ", PaddedTo(8, text));
 }
 

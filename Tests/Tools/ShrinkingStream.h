@@ -12,7 +12,7 @@ namespace ORLTest {
 
 /// Streams a file of 64 blocks of 4096 bytes that is cut to inLeft bytes after the first block. Returns the output of
 /// the program.
-inline std::string SaidOfAStreamCutTo(std::size_t inLeft)
+inline std::string OutputOfTruncatedStream(std::size_t inLeft)
 {
     const TempFolder folder;
     folder.MakeFile("clip.mov", std::string(64 * 4096, 'x'));

@@ -18,7 +18,7 @@ int main(int argc, char** argv)
     orl::StreamSettings settings;
     settings.mBlockSize = 4096;
     settings.mDepth = 1;
-    settings.mPatience = 3600;
+    settings.mTimeoutSeconds = 3600;
     ORL::Foundation::Initialize();
     try {
         orl::StreamFile(file, settings, [&](std::uint64_t inDone, std::uint64_t) {

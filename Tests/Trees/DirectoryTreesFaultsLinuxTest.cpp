@@ -32,19 +32,19 @@ struct Failure
 {
     Faults::Call mCall;
     int mErrno;
-    bool mIsMet; // the operation reached that call
+    bool mIsReached; // the operation reached that call
 
     // A file that cannot be opened or queried can still be deleted and moved. A failing close matters only for a file
     // that was written.
     bool MustBeReported() const
     {
-        const bool isNoMatter = mCall == Faults::kStatx || mCall == Faults::kClose
-                                || ((mCall == Faults::kOpenAt || mCall == Faults::kFStat) && mErrno == EACCES);
-        return mIsMet && !isNoMatter;
+        const bool isIrrelevant = mCall == Faults::kStatx || mCall == Faults::kClose
+                                  || ((mCall == Faults::kOpenAt || mCall == Faults::kFStat) && mErrno == EACCES);
+        return mIsReached && !isIrrelevant;
     }
 };
 
-void LeaveTheSystem(Faults&)
+void KeepRealCalls(Faults&)
 {
 }
 
@@ -67,7 +67,7 @@ void SplitVolumes(Faults& ioCalls)
 // Runs inWork with each call failing at each index, followed by inCheck(result, failure).
 template <class Prepare, class Work, class Check>
 void FailEachCall(const Prepare& inPrepare, const Work& inWork, const Check& inCheck,
-                  void (*inSetUp)(Faults&) = &LeaveTheSystem)
+                  void (*inSetUp)(Faults&) = &KeepRealCalls)
 {
     for (const Faults::Call call : kCallsOfTrees) {
         for (const int error : {EIO, ENOSPC, EACCES, EMFILE}) {
@@ -168,7 +168,7 @@ protected:
 
 TEST_F(MovesUnderFaults, EachCallFailsOnce_LosesNothing)
 {
-    FailEachCallOfAMove(&LeaveTheSystem);
+    FailEachCallOfAMove(&KeepRealCalls);
 }
 
 TEST_F(MovesUnderFaults, ToAnotherVolume_EachCallFailsOnce_LosesNothing)

@@ -53,7 +53,7 @@ protected:
     }
 
     /// Opens a file for reading with the given share mode, until mHeld is closed or the test ends.
-    void Hold(const std::u16string& inName, Share::Type inShares)
+    void HoldOpen(const std::u16string& inName, Share::Type inShares)
     {
         ASSERT_EQ(kSuccess, mHeld.Create(mFolder.Path(inName), FileAccessFlags::kFileAccess_Read, inShares,
                                          FileCreateDispositionFlags::kFileCreate_OpenExisting,
@@ -79,7 +79,7 @@ protected:
 
 TEST_F(DirectoryTreesWithOpenFiles, Wipe_StopsAtAFileThatDoesNotShareItsDeletion)
 {
-    Hold(u"from\\sub\\clip", kReadAndWrite);
+    HoldOpen(u"from\\sub\\clip", kReadAndWrite);
     ExpectRefused(Directory::DeleteNotEmpty(From()));
     EXPECT_TRUE(Exists("from/sub/clip"));
     mHeld.Close();
@@ -89,7 +89,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Wipe_StopsAtAFileThatDoesNotShareItsDeletion
 
 TEST_F(DirectoryTreesWithOpenFiles, Move_LeavesAFolderWithAFileThatDoesNotShareItsDeletion)
 {
-    Hold(u"from\\sub\\clip", kReadAndWrite);
+    HoldOpen(u"from\\sub\\clip", kReadAndWrite);
     ExpectRefused(Directory::Move(From(), To()));
     if (mShellSaidNothing) {
         return; // the shell moved the folder in spite of the open file
@@ -104,7 +104,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Move_LeavesAFileThatDoesNotShareItsDeletion)
 {
     mFolder.MakeFolder("flat");
     mFolder.MakeFile("flat/clip", "C");
-    Hold(u"flat\\clip", kReadAndWrite);
+    HoldOpen(u"flat\\clip", kReadAndWrite);
     ExpectRefused(Directory::Move(mFolder.Path(u"flat"), To()));
     EXPECT_EQ("C", Contents("flat/clip"));
 }
@@ -114,7 +114,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Move_ReplacesNoFileThatDoesNotShareItsDeleti
     mFolder.MakeFolder("flat");
     mFolder.MakeFile("flat/clip", "new");
     mFolder.MakeFile("to/clip", "old");
-    Hold(u"to\\clip", kReadAndWrite);
+    HoldOpen(u"to\\clip", kReadAndWrite);
     ExpectRefused(Directory::Move(mFolder.Path(u"flat"), To()));
     EXPECT_EQ("new", Contents("flat/clip"));
     EXPECT_EQ("old", Contents("to/clip"));
@@ -122,7 +122,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Move_ReplacesNoFileThatDoesNotShareItsDeleti
 
 TEST_F(DirectoryTreesWithOpenFiles, Copy_StopsAtAFileThatDoesNotShareToBeRead)
 {
-    Hold(u"from\\sub\\clip", kNothing);
+    HoldOpen(u"from\\sub\\clip", kNothing);
     ExpectRefused(Directory::Copy(From(), To()));
     EXPECT_EQ("", Contents("to/sub/clip"));
     mHeld.Close();
@@ -134,7 +134,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Copy_ReplacesNoFileThatDoesNotShareToBeWritt
 {
     mFolder.MakeFolder("to/sub");
     mFolder.MakeFile("to/sub/clip", "old");
-    Hold(u"to\\sub\\clip", Share::kFileShare_Read);
+    HoldOpen(u"to\\sub\\clip", Share::kFileShare_Read);
     ExpectRefused(Directory::Copy(From(), To()));
     EXPECT_EQ("old", Contents("to/sub/clip"));
     mHeld.Close();
@@ -144,7 +144,7 @@ TEST_F(DirectoryTreesWithOpenFiles, Copy_ReplacesNoFileThatDoesNotShareToBeWritt
 
 TEST_F(DirectoryTreesWithOpenFiles, Copy_TakesAFileThatSharesToBeRead)
 {
-    Hold(u"from\\sub\\clip", Share::kFileShare_Read);
+    HoldOpen(u"from\\sub\\clip", Share::kFileShare_Read);
     EXPECT_EQ(kSuccess, Directory::Copy(From(), To()));
     EXPECT_EQ("C", Contents("to/sub/clip"));
 }

@@ -14,8 +14,8 @@
 #include <vector>
 
 using namespace tvxcore::threads;
+using ORLTest::BlockingList;
 using ORLTest::Event;
-using ORLTest::Record;
 namespace AllocationFaults = tvxcore::utility::AllocationFaults;
 
 namespace {
@@ -48,7 +48,7 @@ AllocationFaults::Plan Refuse(std::uint64_t inFirst, std::uint64_t inHowMany)
 TEST(ExecutorMemory, FunctionThatFindsNoMemory_IsNotQueuedAndTheOthersRun)
 {
     const ExecutorPointer executor = Make();
-    Record<int> ran;
+    BlockingList<int> ran;
     std::vector<int> accepted;
     {
         const AllocationFaults::Scope faults(Refuse(4, 3));

@@ -26,8 +26,8 @@ using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
 using ORLTest::ExpectReport;
 using ORLTest::Event;
-using ORLTest::Meeting;
-using ORLTest::Record;
+using ORLTest::Barrier;
+using ORLTest::BlockingList;
 
 namespace {
 
@@ -49,8 +49,8 @@ void Stop(AsyncExecutor& ioExecutor)
 void Drain(AsyncExecutor& ioExecutor)
 {
     const std::size_t threads = ioExecutor.GetThreadCount();
-    Meeting all(threads + 1);
-    Record<int> left;
+    Barrier all(threads + 1);
+    BlockingList<int> left;
     for (std::size_t i = 0; i < threads; ++i) {
         ASSERT_TRUE(ioExecutor.QueueFunction([&] { all.Join(); left.Add(0); }, 0));
     }
@@ -89,7 +89,7 @@ TEST(Executor, PriorityOutsideTheRange_IsTheNearestOne)
         int level = -100;
         executor->QueueFunction([&level] { level = ORLTest::LevelOfThisThread(); }, 0);
         Stop(*executor);
-        EXPECT_EQ(ORLTest::LevelOfPriority(row.mExpected), level) << "row at line " << row.mLine;
+        EXPECT_EQ(ORLTest::ExpectedThreadLevel(row.mExpected), level) << "row at line " << row.mLine;
     }
 }
 
@@ -98,7 +98,7 @@ TEST(Executor, ThreeThreads_StartFunctionsInTheirOrder)
     constexpr int kThreads = 3;
     constexpr int kFunctions = 30;
     const ExecutorPointer executor = Make(kThreads);
-    Record<int> started;
+    BlockingList<int> started;
     std::vector<Event> mayEnd(kFunctions);
     for (int i = 0; i < kFunctions; ++i) {
         executor->QueueFunction([&, i] {
@@ -122,8 +122,8 @@ TEST(Executor, FunctionsThatWaitForEachOther_AllFindAThread)
     for (int round = 0; round < 300; ++round) {
         const std::size_t threads = 2 + static_cast<std::size_t>(round % 3);
         const ExecutorPointer executor = Make(static_cast<int>(threads));
-        Meeting first(threads);
-        Meeting second(threads);
+        Barrier first(threads);
+        Barrier second(threads);
         if (round % 2 == 0) {
             executor->Pause();
         }
@@ -155,7 +155,7 @@ TEST(Executor, WhatWasQueuedBefore_HasRunWhenEveryThreadHasComeToTheMeeting)
 TEST(Executor, OneFunctionAtATimeToSleepingThreads_AlwaysWakesOne)
 {
     const ExecutorPointer executor = Make(3);
-    Record<int> done;
+    BlockingList<int> done;
     for (std::size_t i = 1; i <= 3000; ++i) {
         executor->QueueFunction([&done] { done.Add(0); }, 0);
         done.WaitFor(i);
@@ -272,7 +272,7 @@ TEST(Executor, ErrorManagerThatThrowsToo_DoesNotTakeTheThreadDown)
 TEST(Executor, Paused_StartsNothingUntilResumed)
 {
     const ExecutorPointer executor = Make(2);
-    Record<int> started;
+    BlockingList<int> started;
     executor->Pause();
     executor->Pause();
     for (int i = 0; i < 10; ++i) {
@@ -402,7 +402,7 @@ TEST(Executor, SeveralThreadsThatWaitForTheEnd_AllReturnAfterIt)
     std::atomic<int> done{0};
     Event mayEnd;
     executor->QueueFunction([&] { mayEnd.Wait(); ++done; }, 0);
-    Record<int> seen;
+    BlockingList<int> seen;
     std::vector<std::thread> waiters;
     for (int i = 0; i < 3; ++i) {
         waiters.emplace_back([&] { executor->WaitForTermination(); seen.Add(done); });
@@ -420,7 +420,7 @@ TEST(Executor, CurrentThreadIsExecutorThread_OnlyOnItsOwnThreads)
 {
     const ExecutorPointer executor = Make(2);
     const ExecutorPointer other = Make(1);
-    Record<bool> answers;
+    BlockingList<bool> answers;
     executor->QueueFunction([&] { answers.Add(executor->CurrentThreadIsExecutorThread()); }, 0);
     executor->QueueFunction([&] { answers.Add(!other->CurrentThreadIsExecutorThread()); }, 0);
     EXPECT_EQ((std::vector<bool>{true, true}), answers.WaitFor(2));
@@ -439,8 +439,8 @@ TEST(Executor, ThreadCount_IsAsAskedOrChosenByTheExecutor)
 
 TEST(Executor, StartAndEndFunctions_RunOnceOnEachThread)
 {
-    Record<std::thread::id> began;
-    Record<std::thread::id> ended;
+    BlockingList<std::thread::id> began;
+    BlockingList<std::thread::id> ended;
     const ExecutorPointer executor = CreateAsyncThreadedExecutor(
         "hooks", 3, 3, [&] { began.Add(std::this_thread::get_id()); }, [&] { ended.Add(std::this_thread::get_id()); });
     std::vector<std::thread::id> first = began.WaitFor(3);
@@ -483,7 +483,7 @@ TEST(Executor, LastReferenceDroppedOnAnOwnThread_DoesNotWaitForItself)
 {
     for (int round = 0; round < 100; ++round) {
         const unsigned int before = ORLTest::CountProcessThreads();
-        Record<int> done;
+        BlockingList<int> done;
         ExecutorPointer executor = Make(2);
         Event mayDrop;
         const boost::weak_ptr<AsyncThreadedExecutor> watch(executor);

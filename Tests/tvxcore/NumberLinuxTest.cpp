@@ -4,8 +4,8 @@
 #include <tvxcore/NumberPunctuation.h>
 
 #include <CorePlatform/NumberFormat.h>
+#include <ScopedEnvironmentVariableLinux.h>
 #include <TextHelpers.h>
-#include <VariableLinux.h>
 
 #include <gtest/gtest.h>
 #include <string>
@@ -14,8 +14,8 @@
 #include <unicode/uversion.h>
 
 using namespace tvxcore::utility;
+using ORLTest::ScopedEnvironmentVariable;
 using ORLTest::Show;
-using ORLTest::Variable;
 
 namespace {
 
@@ -30,9 +30,9 @@ std::string Text(const NumberPunctuation& inPunctuation)
 
 std::string Users(const char* inAll, const char* inNumeric, const char* inLang)
 {
-    const Variable all("LC_ALL", inAll);
-    const Variable numeric("LC_NUMERIC", inNumeric);
-    const Variable lang("LANG", inLang);
+    const ScopedEnvironmentVariable all("LC_ALL", inAll);
+    const ScopedEnvironmentVariable numeric("LC_NUMERIC", inNumeric);
+    const ScopedEnvironmentVariable lang("LANG", inLang);
     return Text(Platform::FindUserPunctuation_Impl());
 }
 

@@ -1,20 +1,20 @@
 // A process ends while executors and repeated functions run, held by statics of a module or never destroyed, and while
 // threads allocate. Windows ends the threads at arbitrary points before the statics of modules are destroyed.
-#include <QuietEnd.h>
+#include <CleanExit.h>
 
 #include <gtest/gtest.h>
 
 TEST(ProcessEnd, WithExecutorsHeldByStaticsOfAModule_NeitherHangsNorCrashes)
 {
-    ORLTest::ExpectAQuietEnd("tvxcore_exit_host", "held");
+    ORLTest::ExpectCleanExit("tvxcore_exit_host", "held");
 }
 
 TEST(ProcessEnd, WithExecutorsThatNobodyHolds_NeitherHangsNorCrashes)
 {
-    ORLTest::ExpectAQuietEnd("tvxcore_exit_host", "leaked");
+    ORLTest::ExpectCleanExit("tvxcore_exit_host", "leaked");
 }
 
 TEST(ProcessEnd, WithThreadsInTheAllocator_LastDestructorsAreServed)
 {
-    ORLTest::ExpectAQuietEnd("tvxcore_exit_host", "allocating");
+    ORLTest::ExpectCleanExit("tvxcore_exit_host", "allocating");
 }

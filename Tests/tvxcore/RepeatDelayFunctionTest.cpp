@@ -20,10 +20,10 @@
 #include <vector>
 
 using namespace tvxcore::threads;
+using ORLTest::Barrier;
+using ORLTest::BlockingList;
 using ORLTest::CheckRecorder;
 using ORLTest::Event;
-using ORLTest::Meeting;
-using ORLTest::Record;
 
 namespace {
 
@@ -40,7 +40,7 @@ ExecutorPointer Make(int inThreads)
 // Returns when everything queued so far to the single thread has run.
 void Drain(AsyncExecutor& ioExecutor)
 {
-    Meeting both(2);
+    Barrier both(2);
     Event left;
     ASSERT_TRUE(ioExecutor.QueueFunction([&] { both.Join(); left.Set(); }, 0));
     both.Join();
@@ -65,7 +65,7 @@ class RepeatDelayFunctionTest : public testing::Test
 {
 protected:
     // Advances the clock and returns when everything that became due has run.
-    void Pass(std::int64_t inMilliseconds)
+    void AdvanceAndDrain(std::int64_t inMilliseconds)
     {
         mClock.Advance(inMilliseconds * kMillisecond);
         Drain(*mExecutor);
@@ -82,44 +82,44 @@ protected:
 TEST_F(RepeatDelayFunctionTest, RunsFirstAfterTheDelayAndThenAgainAndAgain)
 {
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
-    Pass(9);
+    AdvanceAndDrain(9);
     EXPECT_EQ(0, mRuns);
-    Pass(1);
+    AdvanceAndDrain(1);
     EXPECT_EQ(1, mRuns);
-    Pass(9);
+    AdvanceAndDrain(9);
     EXPECT_EQ(1, mRuns);
-    Pass(1);
+    AdvanceAndDrain(1);
     EXPECT_EQ(2, mRuns);
 }
 
 TEST_F(RepeatDelayFunctionTest, LateTurns_DoNotShiftTheTimesThatFollow)
 {
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
-    Pass(13);
+    AdvanceAndDrain(13);
     EXPECT_EQ(1, mRuns);
-    Pass(7);
+    AdvanceAndDrain(7);
     EXPECT_EQ(2, mRuns) << "due at 20, though the first run came at 13";
 }
 
 TEST_F(RepeatDelayFunctionTest, TurnsThatWereMissed_AreNotMadeUpFor)
 {
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
-    Pass(75);
+    AdvanceAndDrain(75);
     EXPECT_EQ(1, mRuns);
-    Pass(9);
+    AdvanceAndDrain(9);
     EXPECT_EQ(1, mRuns) << "after a miss the delay counts from the end of the run";
-    Pass(1);
+    AdvanceAndDrain(1);
     EXPECT_EQ(2, mRuns);
 }
 
 TEST_F(RepeatDelayFunctionTest, RunLongerThanTheDelay_LeavesTheDelayBehindItself)
 {
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; mClock.Advance(35 * kMillisecond); }, 10);
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
-    Pass(9);
+    AdvanceAndDrain(9);
     EXPECT_EQ(1, mRuns);
-    Pass(1);
+    AdvanceAndDrain(1);
     EXPECT_EQ(2, mRuns);
 }
 
@@ -145,12 +145,12 @@ TEST_F(RepeatDelayFunctionTest, DelayOfZero_RunsAgainAsSoonAsItHasRun)
 
 TEST_F(RepeatDelayFunctionTest, SeveralFunctions_KeepTheirOwnTimes)
 {
-    Record<char> order;
+    BlockingList<char> order;
     const RepeatDelayFunction third(mExecutor, [&] { order.Add('c'); }, 30);
     const RepeatDelayFunction first(mExecutor, [&] { order.Add('a'); }, 10);
     const RepeatDelayFunction second(mExecutor, [&] { order.Add('b'); }, 20);
     for (int i = 0; i < 6; ++i) {
-        Pass(10);
+        AdvanceAndDrain(10);
     }
     const std::vector<char> runs = order.Get();
     EXPECT_EQ(6, std::count(runs.begin(), runs.end(), 'a'));
@@ -162,8 +162,8 @@ TEST_F(RepeatDelayFunctionTest, FunctionThatThrows_IsReportedAndRunsAgain)
 {
     const CheckRecorder recorder;
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; throw std::runtime_error("reason"); }, 10);
-    Pass(10);
-    Pass(10);
+    AdvanceAndDrain(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(2, mRuns);
     EXPECT_EQ(2u, recorder.Reports(ORLTest::CheckReport::kError).size());
 }
@@ -172,9 +172,9 @@ TEST_F(RepeatDelayFunctionTest, Destroyed_NeverRunsAgain)
 {
     {
         const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
-        Pass(10);
+        AdvanceAndDrain(10);
     }
-    Pass(100);
+    AdvanceAndDrain(100);
     EXPECT_EQ(1, mRuns);
 }
 
@@ -214,8 +214,8 @@ TEST_F(RepeatDelayFunctionTest, DestroyedByItsOwnFunction_DoesNotWaitForItself)
         livesInside = life != nullptr && !watch.expired();
     }, 10);
     life.reset();
-    Pass(10);
-    Pass(100);
+    AdvanceAndDrain(10);
+    AdvanceAndDrain(100);
     EXPECT_EQ(1, mRuns);
     EXPECT_TRUE(livesInside) << "a function must outlive its own run";
     EXPECT_TRUE(watch.expired());
@@ -233,7 +233,7 @@ TEST_F(RepeatDelayFunctionTest, DestroyedWithATurnInTheQueue_LetsTheFunctionGoAt
     }
     EXPECT_TRUE(watch.expired());
     mExecutor->Resume();
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(0, mRuns);
 }
 
@@ -255,7 +255,7 @@ TEST_F(RepeatDelayFunctionTest, Executor_LivesAsLongAsTheObjectAndNoLonger)
 TEST_F(RepeatDelayFunctionTest, ExecutorThatTerminatesMeanwhile_EndsTheRepetition)
 {
     const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
-    Pass(10);
+    AdvanceAndDrain(10);
     mExecutor->RequestTermination();
     mExecutor->WaitForTermination();
     mClock.Advance(10 * kMillisecond);
@@ -315,7 +315,7 @@ TEST_F(RepeatDelayFunctionTest, TimersThread_LivesOnlyWhileThereIsSomethingToRep
         {
             const RepeatDelayFunction first(mExecutor, [this] { ++mRuns; }, 10);
             const RepeatDelayFunction second(mExecutor, [this] { ++mRuns; }, 10);
-            Pass(10);
+            AdvanceAndDrain(10);
         }
         ORLTest::WaitForProcessThreads(mThreadsBefore + 1);
     }
@@ -333,14 +333,14 @@ TEST_F(RepeatDelayFunctionTest, ThreadThatTheSystemRefuses_ThrowsAndTheNextTryMa
         void BecomeDue() override {}
     } entry;
     RepeatTimer::Remove(entry);
-    Pass(10);
+    AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
 }
 
 TEST(RepeatDelayFunction, WithTheSystemsClock_RepeatsInTime)
 {
     const ExecutorPointer executor = Make(1);
-    Record<std::int64_t> times;
+    BlockingList<std::int64_t> times;
     const std::int64_t start = ClockNow();
     {
         const RepeatDelayFunction repeat(executor, [&times] { times.Add(ClockNow()); }, 5);

@@ -28,12 +28,12 @@ Snapshot Now()
 }
 
 // A block that stores its size and a check word at both ends.
-struct Parcel
+struct CheckedBlock
 {
     unsigned char* mBytes;
     std::size_t mSize;
 
-    explicit Parcel(std::size_t inSize)
+    explicit CheckedBlock(std::size_t inSize)
         : mBytes(static_cast<unsigned char*>(SmallBlockAllocator::Allocate(inSize))), mSize(inSize)
     {
         mBytes[0] = static_cast<unsigned char>(mSize);
@@ -50,48 +50,48 @@ struct Parcel
 };
 
 // A slot through which threads exchange blocks.
-class Market
+class BlockExchange
 {
 public:
-    void Leave(Parcel inParcel)
+    void Put(CheckedBlock inBlock)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        mParcels.push_back(inParcel);
+        mBlocks.push_back(inBlock);
     }
 
-    bool Take(Parcel& outParcel)
+    bool Take(CheckedBlock& outBlock)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        if (mParcels.empty()) {
+        if (mBlocks.empty()) {
             return false;
         }
-        outParcel = mParcels.back();
-        mParcels.pop_back();
+        outBlock = mBlocks.back();
+        mBlocks.pop_back();
         return true;
     }
 
 private:
     std::mutex mMutex;
-    std::vector<Parcel> mParcels;
+    std::vector<CheckedBlock> mBlocks;
 };
 
 // Allocates at random, disposes of own and received blocks, and passes some on.
-int Trade(Market& ioMarket, unsigned inSeed, int inSteps)
+int ExchangeBlocks(BlockExchange& ioExchange, unsigned inSeed, int inSteps)
 {
     std::mt19937 random(inSeed);
-    std::vector<Parcel> own;
+    std::vector<CheckedBlock> own;
     int broken = 0;
     for (int i = 0; i < inSteps; ++i) {
         const std::size_t size = random() % 8 == 0 ? 1 + random() % 40000 : 1 + random() % 300;
         own.emplace_back(size);
-        Parcel other = own.back();
+        CheckedBlock other = own.back();
         switch (random() % 4) {
         case 0:
-            ioMarket.Leave(own.back());
+            ioExchange.Put(own.back());
             own.pop_back();
             break;
         case 1:
-            broken += ioMarket.Take(other) && !other.Dispose();
+            broken += ioExchange.Take(other) && !other.Dispose();
             break;
         case 2:
             std::swap(own[random() % own.size()], own.back());
@@ -102,8 +102,8 @@ int Trade(Market& ioMarket, unsigned inSeed, int inSteps)
             break;
         }
     }
-    for (Parcel& parcel : own) {
-        broken += !parcel.Dispose();
+    for (CheckedBlock& checked : own) {
+        broken += !checked.Dispose();
     }
     return broken;
 }
@@ -113,20 +113,20 @@ int Trade(Market& ioMarket, unsigned inSeed, int inSteps)
 TEST(SmallBlockThreads, ManyThreadsTradeBlocks_NothingBreaksAndNothingIsLost)
 {
     const Snapshot before = Now();
-    Market market;
+    BlockExchange exchange;
     std::atomic<int> broken{0};
     for (unsigned generation = 0; generation < 4; ++generation) {
         std::vector<std::thread> threads;
         for (unsigned i = 0; i < 8; ++i) {
-            threads.emplace_back([&, seed = generation * 100 + i] { broken += Trade(market, seed, 6000); });
+            threads.emplace_back([&, seed = generation * 100 + i] { broken += ExchangeBlocks(exchange, seed, 6000); });
         }
         for (std::thread& thread : threads) {
             thread.join();
         }
     }
-    Parcel left(1);
+    CheckedBlock left(1);
     left.Dispose();
-    while (market.Take(left)) {
+    while (exchange.Take(left)) {
         broken += !left.Dispose();
     }
     EXPECT_EQ(broken.load(), 0);

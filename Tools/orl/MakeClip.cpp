@@ -154,8 +154,8 @@ void CheckFreeSpace(const Options& inOptions, const UTF16String& inPath)
 {
     const std::uint64_t room = ORL::DiskUtils::GetFreeSpaceFromPath(inPath);
     if (room != 0 && room < inOptions.mSize) { // 0: unknown, or the disk is full and the first write will fail
-        throw CannotWrite(inOptions,
-                          "the disk has " + InWords(room) + " free, but " + InWords(inOptions.mSize) + " are needed");
+        throw CannotWrite(inOptions, "the disk has " + FormatSize(room) + " free, but " + FormatSize(inOptions.mSize)
+                                         + " are needed");
     }
 }
 

@@ -28,7 +28,7 @@ void AddCommands(CLI::App& ioProgram)
 
 int Fail(const std::string& inText, int inExitCode)
 {
-    orl::Complain(inText);
+    orl::ReportError(inText);
     return inExitCode;
 }
 
@@ -79,8 +79,8 @@ std::string UsageError(const CLI::App& inProgram, const std::string& inWhat)
 {
     const std::string command = CommandOf(inProgram);
     const std::size_t afterProgram = inProgram.get_name().size() + 1;
-    const std::string who = command.size() > afterProgram ? command.substr(afterProgram) + ": " : std::string();
-    return who + inWhat + HelpHint(command);
+    const std::string prefix = command.size() > afterProgram ? command.substr(afterProgram) + ": " : std::string();
+    return prefix + inWhat + HelpHint(command);
 }
 
 int Run(std::vector<std::string> inArguments)

@@ -244,7 +244,7 @@ void UseServices(const char* inWhich, int inThread)
 
 } // namespace
 
-void AtExit::LetEachThreadGoOn()
+void AtExit::WaitForThreadProgress()
 {
     OverwriteFreedMemory();
     for (const std::atomic<int>& rounds : sRounds) {
@@ -260,8 +260,8 @@ int main(int argc, char** argv)
     if (argc != 2) {
         return 2;
     }
-    AtExit::GoOnAfterEveryLibrary();
-    std::atexit(&AtExit::LetEachThreadGoOn);
+    AtExit::RunAfterLibraryDestructors();
+    std::atexit(&AtExit::WaitForThreadProgress);
     sThisProgram = argv[0];
     CRV::SetApplicationName(kName);
     CRV::SetApplicationVersion(kName + 2);
@@ -272,6 +272,6 @@ int main(int argc, char** argv)
     for (int i = 0; i < kThreads; ++i) {
         std::thread([which, i] { UseServices(which->c_str(), i); }).detach();
     }
-    AtExit::LetEachThreadGoOn();
+    AtExit::WaitForThreadProgress();
     return 17;
 }

@@ -4,10 +4,10 @@
 namespace AtExit {
 
 /// Waits until each thread has used every service again. Never returns if the OS has already ended the threads.
-void LetEachThreadGoOn();
+void WaitForThreadProgress();
 
-/// Makes LetEachThreadGoOn run again after the static objects of every library have been destroyed, if the OS keeps
+/// Makes WaitForThreadProgress run again after the static objects of every library have been destroyed, if the OS keeps
 /// threads running until then; Windows does not. main calls this function first.
-void GoOnAfterEveryLibrary();
+void RunAfterLibraryDestructors();
 
 } // namespace AtExit

@@ -7,16 +7,16 @@ namespace {
 
 bool sIsRegistered = false;
 
-void GoOn(void*)
+void OnLibrariesDestroyed(void*)
 {
-    AtExit::LetEachThreadGoOn();
+    AtExit::WaitForThreadProgress();
 }
 
 // Registers with no library handle, because std::atexit would run the function together with the program's own static
 // destructors.
 void RegisterFirst(int, char**, char**)
 {
-    sIsRegistered = abi::__cxa_atexit(&GoOn, nullptr, nullptr) == 0;
+    sIsRegistered = abi::__cxa_atexit(&OnLibrariesDestroyed, nullptr, nullptr) == 0;
 }
 
 // Runs before the first constructor of any library, so the registered function runs after the last destructor.
@@ -24,7 +24,7 @@ __attribute__((section(".preinit_array"), used)) void (*const sRegisterFirst)(in
 
 } // namespace
 
-void AtExit::GoOnAfterEveryLibrary()
+void AtExit::RunAfterLibraryDestructors()
 {
     if (!sIsRegistered) {
         std::abort();

@@ -1,3 +1,3 @@
 #include "ServicesAtExitHost.h"
 
-void AtExit::GoOnAfterEveryLibrary() {}
+void AtExit::RunAfterLibraryDestructors() {}

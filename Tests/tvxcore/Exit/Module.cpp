@@ -43,7 +43,7 @@ struct Work
 };
 
 std::unique_ptr<Work> sWork;
-std::atomic<Work*> sNobodys{nullptr}; // keeps it reachable for leak checkers
+std::atomic<Work*> sLeakedWork{nullptr}; // keeps it reachable for leak checkers
 
 using tvxcore::utility::SmallBlockAllocator;
 
@@ -122,7 +122,7 @@ void StartWork(bool inIsHeldByStatics)
     if (inIsHeldByStatics) {
         sWork = std::move(work);
     } else {
-        sNobodys = work.release();
+        sLeakedWork = work.release();
     }
     while (sRuns < 100) {
         std::this_thread::yield();

@@ -45,7 +45,7 @@ const Form& Of(ColourForm inForm)
 
 Failure CannotRead(const std::string& inText, const std::string& inReason)
 {
-    return Failure("colour: cannot read \"" + OnOneLine(inText) + "\": " + inReason, kExitUsage);
+    return Failure("colour: cannot read \"" + WithoutControlCharacters(inText) + "\": " + inReason, kExitUsage);
 }
 
 std::vector<std::string> SplitAtCommas(const std::string& inText)

@@ -6,10 +6,10 @@
 
 namespace orl {
 
-void Complain(const std::string& inText)
+void ReportError(const std::string& inText)
 {
     std::cout.flush();
-    std::cerr << "orl: " << OnOneLine(inText) << std::endl;
+    std::cerr << "orl: " << WithoutControlCharacters(inText) << std::endl;
 }
 
 std::string Describe(ORL::Result inResult)

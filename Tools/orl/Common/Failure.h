@@ -13,14 +13,14 @@ inline constexpr int kExitFailure = 1; // the work could not be done
 inline constexpr int kExitUsage = 2;   // invalid command line
 
 // Exit codes of ingest, by the first error.
-inline constexpr int kExitNoRoom = 3;     // the destination is full, or would become full
-inline constexpr int kExitUnreadable = 4; // a file or folder of the source cannot be read
-inline constexpr int kExitChanged = 5;    // a file changed while it was copied
-inline constexpr int kExitGone = 6;       // the source or the destination has disappeared
-inline constexpr int kExitNotTheSame = 7; // a copy reads back differently
-inline constexpr int kExitTaken = 8;      // a different file has the name at the destination
-inline constexpr int kExitEmpty = 9;      // the source contains no file
-inline constexpr int kExitStopped = 130;  // stopped by the user; the code that shells use
+inline constexpr int kExitNoSpace = 3;      // the destination is full, or would become full
+inline constexpr int kExitUnreadable = 4;   // a file or folder of the source cannot be read
+inline constexpr int kExitChanged = 5;      // a file changed while it was copied
+inline constexpr int kExitDisappeared = 6;  // the source or the destination has disappeared
+inline constexpr int kExitMismatch = 7;     // a copy reads back differently
+inline constexpr int kExitNameConflict = 8; // a different file has the name at the destination
+inline constexpr int kExitEmpty = 9;        // the source contains no file
+inline constexpr int kExitStopped = 130;    // stopped by the user; the code that shells use
 
 /// Thrown by a command. The program prints "orl: " and the text on one line on standard error, and ends with the exit
 /// code. The text names the command, the action, the value and the reason.
@@ -39,7 +39,7 @@ private:
 };
 
 /// Writes "orl: " and the text as one line on standard error, after flushing standard output.
-void Complain(const std::string& inText);
+void ReportError(const std::string& inText);
 
 /// Thrown by a command that has reported each failure, after the rest of its work. The program ends with kExitFailure
 /// and prints nothing more.

@@ -21,7 +21,7 @@ std::string Joined(const std::vector<ProgressPart>& inParts, int inMostRank)
             text += (text.empty() ? "" : kBetween) + part.mText;
         }
     }
-    return OnOneLine(text);
+    return WithoutControlCharacters(text);
 }
 
 } // namespace
@@ -36,12 +36,12 @@ std::string FitProgress(const std::vector<ProgressPart>& inParts, std::size_t in
     while (rank > 0 && ColumnsOf(text) > inColumns) {
         text = Joined(inParts, --rank);
     }
-    return StartOf(text, inColumns);
+    return PrefixOfWidth(text, inColumns);
 }
 
 bool ProgressLine::IsDue() const
 {
-    return mIsShown && (!mHasText || std::chrono::steady_clock::now() - mShown >= std::chrono::milliseconds(100));
+    return mIsShown && (!mHasText || std::chrono::steady_clock::now() - mLastShown >= std::chrono::milliseconds(100));
 }
 
 std::size_t ProgressLine::AvailableColumns()
@@ -54,8 +54,8 @@ void ProgressLine::Show(const std::string& inText)
     if (!mIsShown) {
         return;
     }
-    mShown = std::chrono::steady_clock::now();
-    std::cout << '\r' << StartOf(inText, AvailableColumns()) << "\x1b[K" << std::flush;
+    mLastShown = std::chrono::steady_clock::now();
+    std::cout << '\r' << PrefixOfWidth(inText, AvailableColumns()) << "\x1b[K" << std::flush;
     mHasText = true;
 }
 

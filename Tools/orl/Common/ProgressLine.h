@@ -46,7 +46,7 @@ public:
 private:
     const bool mIsShown;
     bool mHasText = false;
-    std::chrono::steady_clock::time_point mShown;
+    std::chrono::steady_clock::time_point mLastShown;
 };
 
 } // namespace orl

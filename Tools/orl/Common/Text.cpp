@@ -83,7 +83,7 @@ std::string JoinHostPath(const std::string& inFolder, const std::string& inName)
     return inFolder + (inFolder.find('\\') != std::string::npos ? "\\" : "/") + inName;
 }
 
-std::string OnOneLine(const std::string& inText)
+std::string WithoutControlCharacters(const std::string& inText)
 {
     std::string line = inText;
     for (char& character : line) {
@@ -96,19 +96,20 @@ std::string OnOneLine(const std::string& inText)
 
 std::string PaddedTo(std::size_t inColumns, const std::string& inText)
 {
-    std::string padded = OnOneLine(inText);
+    std::string padded = WithoutControlCharacters(inText);
     padded.append(inColumns - std::min(inColumns, ColumnsOf(padded)), ' ');
     return padded;
 }
 
-std::string EndOf(const std::string& inText, std::size_t inColumns)
+std::string TruncateFront(const std::string& inText, std::size_t inColumns)
 {
     static const std::string kDots = "...";
-    std::string text = OnOneLine(inText);
+    std::string text = WithoutControlCharacters(inText);
     if (ColumnsOf(text) <= inColumns) {
         return text;
     }
-    return inColumns <= kDots.size() ? StartOf(kDots, inColumns) : kDots + TailOf(text, inColumns - kDots.size());
+    return inColumns <= kDots.size() ? PrefixOfWidth(kDots, inColumns)
+                                     : kDots + SuffixOfWidth(text, inColumns - kDots.size());
 }
 
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount)
@@ -128,7 +129,7 @@ std::string Rounded(double inNumber)
     return text;
 }
 
-std::string InWords(std::uint64_t inBytes)
+std::string FormatSize(std::uint64_t inBytes)
 {
     static const char* const kUnits[] = {"kB", "MB", "GB", "TB"};
     if (inBytes < 1000) {

@@ -26,13 +26,13 @@ std::string HostTextOf(const UTF16String& inPath);
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
 /// Replaces each control character by "?", so that a text stays on its line and cannot control the terminal.
-std::string OnOneLine(const std::string& inText);
+std::string WithoutControlCharacters(const std::string& inText);
 
 /// Returns the text on one line, padded with blanks to that many terminal columns.
 std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
 /// Returns the text on one line; if the text exceeds that many terminal columns, "..." and the end of the text.
-std::string EndOf(const std::string& inText, std::size_t inColumns);
+std::string TruncateFront(const std::string& inText, std::size_t inColumns);
 
 /// Returns two lower-case digits per byte.
 std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);
@@ -41,6 +41,6 @@ std::string Hexadecimal(const unsigned char* inBytes, std::size_t inCount);
 std::string Rounded(double inNumber);
 
 /// Returns a size with a suitable unit: "1.2 GB". Units are powers of 1000.
-std::string InWords(std::uint64_t inBytes);
+std::string FormatSize(std::uint64_t inBytes);
 
 } // namespace orl

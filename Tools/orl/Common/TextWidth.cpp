@@ -62,7 +62,7 @@ std::size_t ColumnsOf(const std::string& inText)
     return columns;
 }
 
-std::string StartOf(const std::string& inText, std::size_t inColumns)
+std::string PrefixOfWidth(const std::string& inText, std::size_t inColumns)
 {
     std::size_t columns = 0;
     for (std::size_t at = 0; at < inText.size();) {
@@ -76,7 +76,7 @@ std::string StartOf(const std::string& inText, std::size_t inColumns)
     return inText;
 }
 
-std::string TailOf(const std::string& inText, std::size_t inColumns)
+std::string SuffixOfWidth(const std::string& inText, std::size_t inColumns)
 {
     std::size_t left = ColumnsOf(inText);
     for (std::size_t at = 0; at < inText.size();) {

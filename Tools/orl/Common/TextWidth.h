@@ -11,9 +11,9 @@ namespace orl {
 std::size_t ColumnsOf(const std::string& inText);
 
 /// Returns the longest prefix of at most inColumns columns, without splitting a character.
-std::string StartOf(const std::string& inText, std::size_t inColumns);
+std::string PrefixOfWidth(const std::string& inText, std::size_t inColumns);
 
 /// Returns the longest suffix of at most inColumns columns. The suffix never starts with a combining character.
-std::string TailOf(const std::string& inText, std::size_t inColumns);
+std::string SuffixOfWidth(const std::string& inText, std::size_t inColumns);
 
 } // namespace orl

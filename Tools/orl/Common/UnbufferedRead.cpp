@@ -52,7 +52,7 @@ std::size_t RoundUp(std::uint64_t inSize, std::size_t inUnit)
     return static_cast<std::size_t>((inSize + inUnit - 1) / inUnit * inUnit);
 }
 
-const char* WhyItCannotBeOpened(const UTF16String& inPath)
+const char* ReasonForOpenFailure(const UTF16String& inPath)
 {
     if (!ORL::PathUtils::ExistsOnDisk(inPath)) {
         return "there is no such file";
@@ -73,7 +73,7 @@ const char* WhyItCannotBeOpened(const UTF16String& inPath)
 class Stream
 {
 public:
-    explicit Stream(const UnbufferedRead& inRead) : mRead(inRead), mPatience(inRead.mPatience)
+    explicit Stream(const UnbufferedRead& inRead) : mRead(inRead), mTimeoutSeconds(inRead.mTimeoutSeconds)
     {
         Open();
         mSize = inRead.mSize ? *inRead.mSize : QuerySize();
@@ -90,7 +90,7 @@ public:
             Queue(block);
         }
         for (std::uint64_t block = 0; block < mBlocks; ++block) {
-            const Slot& slot = Await(block);
+            const Slot& slot = WaitForBlock(block);
             Check(block, slot);
             inSink(BytesOf(block), ExpectedBytes(block), slot.mLatency, mSize);
             if (block + mSlots.size() < mBlocks) {
@@ -119,7 +119,8 @@ private:
         if (ORL::AsyncFileReader::Open(mRead.mPath, mReader) == ORL::kSuccess) {
             return;
         }
-        throw Failure(mRead.mCommand + ": cannot open \"" + mRead.mShown + "\": " + WhyItCannotBeOpened(mRead.mPath));
+        throw Failure(mRead.mCommand + ": cannot open \"" + mRead.mDisplayName
+                      + "\": " + ReasonForOpenFailure(mRead.mPath));
     }
 
     std::uint64_t QuerySize() const
@@ -127,7 +128,8 @@ private:
         unsigned __int64 size = 0;
         const ORL::Result result = ORL::File::SizeOnDisk(mRead.mPath, size);
         if (!ORL::ResultSucceeded(result)) {
-            throw Failure(mRead.mCommand + ": cannot read the size of \"" + mRead.mShown + "\": " + Describe(result));
+            throw Failure(mRead.mCommand + ": cannot read the size of \"" + mRead.mDisplayName
+                          + "\": " + Describe(result));
         }
         return size;
     }
@@ -170,14 +172,14 @@ private:
         stream.mCompleted.notify_one();
     }
 
-    const Slot& Await(std::uint64_t inBlock)
+    const Slot& WaitForBlock(std::uint64_t inBlock)
     {
         Slot& slot = mSlots[inBlock % mSlots.size()];
-        const Clock::time_point end = Clock::now() + mPatience;
+        const Clock::time_point end = Clock::now() + mTimeoutSeconds;
         while (!CompletesWithin(slot, std::min<Clock::duration>(kPollInterval, end - Clock::now()))) {
-            CheckNotCut();
+            CheckNotTruncated();
             if (Clock::now() >= end) {
-                throw NoAnswer(mRead.mCommand + ": \"" + mRead.mShown
+                throw NoAnswer(mRead.mCommand + ": \"" + mRead.mDisplayName
                                + "\" stopped responding: a read failed or the disk is gone");
             }
         }
@@ -193,14 +195,14 @@ private:
     // If the OS does not refuse a read beyond the end at its start, the read fails at its completion and is never
     // reported. Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
     // disconnected disk may not answer the query either.
-    void CheckNotCut()
+    void CheckNotTruncated()
     {
         const std::uint64_t size = mQueriedSize != nullptr ? mQueriedSize->load() : kWhole;
         if (size == kNotKnown) {
             return;
         }
         if (size < mSize) {
-            throw NoAnswer(mRead.mCommand + ": \"" + mRead.mShown + "\" has " + std::to_string(size) + " of "
+            throw NoAnswer(mRead.mCommand + ": \"" + mRead.mDisplayName + "\" has " + std::to_string(size) + " of "
                            + std::to_string(mSize)
                            + " bytes left and stopped responding: the file shrank while it was read");
         }
@@ -221,7 +223,7 @@ private:
     void Check(std::uint64_t inBlock, const Slot& inSlot) const
     {
         const std::size_t expected = ExpectedBytes(inBlock);
-        const std::string where = "\"" + mRead.mShown + "\" at byte " + std::to_string(PositionOf(inBlock));
+        const std::string where = "\"" + mRead.mDisplayName + "\" at byte " + std::to_string(PositionOf(inBlock));
         if (!ORL::ResultSucceeded(inSlot.mResult)) {
             throw Failure(mRead.mCommand + ": cannot read " + where + ": " + Describe(inSlot.mResult));
         }
@@ -232,7 +234,7 @@ private:
     }
 
     const UnbufferedRead mRead;
-    const std::chrono::seconds mPatience;
+    const std::chrono::seconds mTimeoutSeconds;
     std::uint64_t mSize = 0;
     std::size_t mSector = 0;
     std::size_t mBlockSize = 0;

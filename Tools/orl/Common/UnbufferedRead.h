@@ -23,12 +23,12 @@ public:
 struct UnbufferedRead
 {
     std::string mCommand;               // the command, for its error messages
-    std::string mShown;                 // the file name as the user typed it
+    std::string mDisplayName;           // the file name as the user typed it
     UTF16String mPath;                  // the file's library path
     std::optional<std::uint64_t> mSize; // bytes to read; if not set, the whole file
     std::size_t mBlockSize = 1 << 20;   // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;            // reads in flight
-    unsigned mPatience = 60;            // seconds to wait for each block before NoAnswer is thrown
+    unsigned mTimeoutSeconds = 60;      // seconds to wait for each block before NoAnswer is thrown
 };
 
 struct UnbufferedFigures

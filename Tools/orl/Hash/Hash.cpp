@@ -27,7 +27,7 @@ constexpr unsigned int kBlockSize = 1 << 20;
 Failure CannotRead(const std::string& inFile, ORL::Result inResult)
 {
     // File::Open returns -1 if the file does not exist.
-    return Failure("hash: cannot read \"" + OnOneLine(inFile)
+    return Failure("hash: cannot read \"" + WithoutControlCharacters(inFile)
                    + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
 }
 
@@ -81,7 +81,7 @@ void HashOne(const std::string& inFile, bool inAsJson)
         Collector::Instance()->AddResults(
             ToUTF16(inFile), {{Collector::kSuccessTag, ToUTF16("True")}, {Collector::kResultsTag, text}});
     } else {
-        std::cout << ToUTF8(text) << "  " << OnOneLine(inFile) << '\n';
+        std::cout << ToUTF8(text) << "  " << WithoutControlCharacters(inFile) << '\n';
     }
 }
 
@@ -93,7 +93,7 @@ void Run(const Options& inOptions)
         try {
             HashOne(file, inOptions.mAsJson);
         } catch (const Failure& failure) {
-            Complain(failure.what());
+            ReportError(failure.what());
             Collector::Instance()->AddResult(ToUTF16(file), {Collector::kErrorTag, ToUTF16(failure.what())});
             hasFailed = true;
         }

@@ -144,7 +144,7 @@ void PrintSettings(const Facts& inFacts)
         if (store.mPlace.empty()) {
             std::cout << "kept by the system\n";
         } else {
-            std::cout << OnOneLine(store.mPlace) << "  " << store.mBytes << " bytes\n";
+            std::cout << WithoutControlCharacters(store.mPlace) << "  " << store.mBytes << " bytes\n";
         }
         title = "";
     }
@@ -154,8 +154,8 @@ void PrintText(const Facts& inFacts)
 {
     Row("version") << ORL_VERSION << '\n';
     Row("platform") << ORL_PLATFORM_NAME << '\n';
-    Row("path") << OnOneLine(inFacts.mPath) << '\n';
-    Row("host path") << OnOneLine(inFacts.mHostPath) << '\n';
+    Row("path") << WithoutControlCharacters(inFacts.mPath) << '\n';
+    Row("host path") << WithoutControlCharacters(inFacts.mHostPath) << '\n';
     Row("kind") << inFacts.mKind << '\n';
     Row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
     Row("sector size") << inFacts.mSectorSize << " bytes\n";
@@ -163,7 +163,7 @@ void PrintText(const Facts& inFacts)
                       << " bytes)\n";
     const char* title = "drives";
     for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
-        Row(title) << OnOneLine(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
+        Row(title) << WithoutControlCharacters(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
         title = "";
     }
     PrintMachine(inFacts);

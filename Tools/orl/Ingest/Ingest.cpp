@@ -56,7 +56,7 @@ void EndWith(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
         return;
     }
     for (std::size_t i = 0; i + 1 < inTroubles.size(); ++i) {
-        Complain(inTroubles[i].mText);
+        ReportError(inTroubles[i].mText);
     }
     throw Failure(inTroubles.back().mText, (inIsStopped ? inTroubles.back() : inTroubles.front()).mExitCode);
 }
@@ -92,9 +92,9 @@ void Run(const Options& inOptions)
     }
     if (is(&IngestOutcome::mHasNoAnswer)) {
         for (const IngestTrouble& trouble : troubles) {
-            Complain(trouble.mText);
+            ReportError(trouble.mText);
         }
-        std::_Exit(kExitGone);
+        std::_Exit(kExitDisappeared);
     }
     EndWith(troubles, isStopped);
 }

@@ -112,7 +112,7 @@ EraseVerdict JudgeErasing(const IngestListing& inBefore, const std::vector<Inges
         reason = WhyTheSourceChanged(inBefore, inDestinations.front().mRoots, inIsStopped);
     }
     if (!reason.empty()) {
-        return {false, "Not safe to erase the source: " + OnOneLine(reason) + "."};
+        return {false, "Not safe to erase the source: " + WithoutControlCharacters(reason) + "."};
     }
     return {true, "Safe to erase the source: all of its files (" + std::to_string(inBefore.mFiles.size())
                       + ") are verified at " + Counted(inCopies, "destination")

@@ -53,7 +53,7 @@ private:
         {
             const Result result = mIsArmed ? mFile.mTarget.Remove(mFile.mTemporary) : ORL::kSuccess;
             if (ResultSucceeded(result) || result == ORL::kFileNotFound) {
-                mFile.mContext.mRecord.Forget(mFile.mFolderName, mFile.mTemporary);
+                mFile.mContext.mRecord.ForgetTemporary(mFile.mFolderName, mFile.mTemporary);
             }
         }
     };
@@ -65,7 +65,7 @@ private:
         if (mContext.mSourceFolders.count(mTarget.Identity()) != 0) {
             throw IngestFailure("the folder of \"" + mItem.mName
                                     + "\" at the destination leads into the source; nothing was written there",
-                                kExitTaken, false);
+                                kExitNameConflict, false);
         }
     }
 
@@ -74,15 +74,15 @@ private:
         mTemporary = mContext.mRecord.NewTemporary(mFolderName);
         Remover remover{*this};
         const std::string digest = CopyToTemporary();
-        Tell(IngestStep::kCopied);
+        ReportStep(IngestStep::kCopied);
         if (DigestOnDisk(mTemporary) != digest) {
             throw IngestFailure("\"" + mItem.mName + "\" reads back differently from the destination, and was not kept",
-                                kExitNotTheSame, false);
+                                kExitMismatch, false);
         }
-        Tell(IngestStep::kVerified);
+        ReportStep(IngestStep::kVerified);
         RenameIntoPlace();
         remover.mIsArmed = false;
-        Tell(IngestStep::kInPlace);
+        ReportStep(IngestStep::kInPlace);
         return digest;
     }
 
@@ -100,7 +100,7 @@ private:
         if (mContext.mReplaces) {
             return IngestedFile{Copy()};
         }
-        ThrowTaken();
+        ThrowNameConflict();
     }
 
     // A later run recognises the file by its last-write time. If the time cannot be set, the later run compares the
@@ -122,7 +122,7 @@ private:
     {
         File source;
         OpenSource(source);
-        Tell(IngestStep::kOpened);
+        ReportStep(IngestStep::kOpened);
         CheckDestination();
         File target;
         CheckTarget(target.Create(mTarget.PathOf(mTemporary), Access::kFileAccess_Write, static_cast<Share::Type>(0),
@@ -194,7 +194,7 @@ private:
         while (const SharedReading::Block block = reading.Next()) {
             inSink(block->data(), static_cast<unsigned int>(block->size()));
             mContext.mPass(block->size());
-            Tell(IngestStep::kBlockCopied);
+            ReportStep(IngestStep::kBlockCopied);
             CheckStopped();
         }
         CheckUnchanged(ioSource);
@@ -240,7 +240,7 @@ private:
         if (size != 0) {
             UnbufferedRead read;
             read.mCommand = "ingest";
-            read.mShown = mItem.mName;
+            read.mDisplayName = mItem.mName;
             read.mPath = path;
             read.mSize = size;
             read.mBlockSize = kBlockSize;
@@ -267,10 +267,10 @@ private:
         Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
         if (result == ORL::kAlreadyExists) {
             EntryStatus status;
-            const bool isEarlier = ResultSucceeded(mTarget.GetStatus(mLeaf, Links::kStay, status))
+            const bool isEarlier = ResultSucceeded(mTarget.GetStatus(mLeaf, Links::kNoFollow, status))
                                    && status.mKind == EntryStatus::kFile && mItem.mEarlier == status.mIdentity;
             if (!mContext.mReplaces || !isEarlier) {
-                ThrowTaken();
+                ThrowNameConflict();
             }
             result = Replace();
         }
@@ -287,7 +287,7 @@ private:
             EntryStatus status;
             HeldFolder folder;
             if (ResultSucceeded(mContext.mRoots.OpenDestination(FolderOf(name), folder))
-                && ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kStay, status))
+                && ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kNoFollow, status))
                 && mItem.mEarlier == status.mIdentity) {
                 Withdraw(name, earlier);
             }
@@ -331,7 +331,7 @@ private:
         if (IsSourceGone(mContext.mRoots, true)) {
             throw IngestFailure("the source \"" + mContext.mRoots.mShownSource
                                     + "\" is gone; files in place are complete and are kept",
-                                kExitGone, true);
+                                kExitDisappeared, true);
         }
         throw IngestFailure("cannot read \"" + mItem.mName + "\": " + Describe(inResult), kExitUnreadable, false);
     }
@@ -343,7 +343,7 @@ private:
         }
         const std::string& shown = mContext.mRoots.mShownDestination;
         if (inResult == ORL::kDiskFull) {
-            throw IngestFailure("\"" + shown + "\" is full; files in place are complete and are kept", kExitNoRoom,
+            throw IngestFailure("\"" + shown + "\" is full; files in place are complete and are kept", kExitNoSpace,
                                 true);
         }
         CheckDestination();
@@ -355,8 +355,8 @@ private:
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {
-            throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone", kExitGone,
-                                true);
+            throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone",
+                                kExitDisappeared, true);
         }
     }
 
@@ -366,12 +366,12 @@ private:
                             false);
     }
 
-    [[noreturn]] void ThrowTaken() const
+    [[noreturn]] void ThrowNameConflict() const
     {
-        throw IngestFailure("cannot copy \"" + mItem.mName + "\": " + kTakenByOtherFile, kExitTaken, false);
+        throw IngestFailure("cannot copy \"" + mItem.mName + "\": " + kTakenByOtherFile, kExitNameConflict, false);
     }
 
-    void Tell(IngestStep inStep) const
+    void ReportStep(IngestStep inStep) const
     {
         if (mContext.mOnStep) {
             mContext.mOnStep(inStep, mItem);

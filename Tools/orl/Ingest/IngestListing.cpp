@@ -111,7 +111,7 @@ private:
     {
         if (IsSourceGone(mRoots, !mListing.mFiles.empty())) {
             throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" disappeared while it was listed",
-                          kExitGone);
+                          kExitDisappeared);
         }
     }
 

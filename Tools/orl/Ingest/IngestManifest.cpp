@@ -28,22 +28,22 @@ UTF16String Folded(const std::string& inName)
 } // namespace
 
 IngestManifest::IngestManifest(const IngestRoots& inRoots, const std::string& inName, IngestRecord& ioRecord)
-    : mRoots(inRoots), mName(inName), mShown(JoinHostPath(inRoots.mShownDestination, inName)), mRecord(ioRecord)
+    : mRoots(inRoots), mName(inName), mDisplayName(JoinHostPath(inRoots.mShownDestination, inName)), mRecord(ioRecord)
 {
 }
 
 void IngestManifest::Check(ORL::Result inResult, const char* inWhat) const
 {
     if (!ORL::ResultSucceeded(inResult)) {
-        throw Failure(std::string("ingest: cannot ") + inWhat + " the manifest \"" + mShown
+        throw Failure(std::string("ingest: cannot ") + inWhat + " the manifest \"" + mDisplayName
                           + "\": " + Describe(inResult),
-                      inResult == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+                      inResult == ORL::kDiskFull ? kExitNoSpace : kExitFailure);
     }
 }
 
 void IngestManifest::Refuse(const std::string& inWhy) const
 {
-    throw Failure("ingest: \"" + mShown + "\" " + inWhy
+    throw Failure("ingest: \"" + mDisplayName + "\" " + inWhy
                   + ", and was not changed (choose another manifest with --manifest)");
 }
 
@@ -52,9 +52,9 @@ void IngestManifest::Refuse(const std::string& inWhy) const
 void IngestManifest::CheckStatus()
 {
     EntryStatus status;
-    const ORL::Result result = mFolder.GetStatus(mName, Links::kStay, status);
-    mIsThere = result != ORL::kFileNotFound;
-    if (!mIsThere) {
+    const ORL::Result result = mFolder.GetStatus(mName, Links::kNoFollow, status);
+    mExists = result != ORL::kFileNotFound;
+    if (!mExists) {
         return;
     }
     Check(result, "read");
@@ -62,7 +62,7 @@ void IngestManifest::CheckStatus()
         Refuse(status.mKind == EntryStatus::kLink ? "is a link" : "is not a regular file");
     }
     if (status.mSize > kLargest) {
-        Refuse("is too large for a manifest (" + InWords(status.mSize) + ")");
+        Refuse("is too large for a manifest (" + FormatSize(status.mSize) + ")");
     }
     mIdentity = status.mIdentity;
 }
@@ -71,7 +71,7 @@ void IngestManifest::Read()
 {
     Check(mRoots.OpenDestination("", mFolder), "find");
     CheckStatus();
-    if (!mIsThere) {
+    if (!mExists) {
         TellRecord();
         return;
     }
@@ -168,16 +168,16 @@ void IngestManifest::OpenToWrite()
         return;
     }
     const Disposition::Type disposition =
-        mIsThere ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New;
+        mExists ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New;
     Check(mFile.Create(mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write,
                        Share::kFileShare_Read, disposition, Attributes::kFileAttribute_Normal, true),
           "open");
     EntryIdentity identity;
-    if (!IdentifyFile(mFile, identity) || (mIsThere && (identity != mIdentity || mFile.SizeOnDisk() != mFound))) {
+    if (!IdentifyFile(mFile, identity) || (mExists && (identity != mIdentity || mFile.SizeOnDisk() != mFound))) {
         mFile.Close();
         Refuse("was changed by another program during the run");
     }
-    mIsThere = true;
+    mExists = true;
     mIdentity = identity;
     if (mFound != mLength) {
         mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
@@ -298,7 +298,7 @@ void IngestManifest::Compact()
     if (!ORL::ResultSucceeded(result)) {
         mFolder.Remove(temporary);
     }
-    mRecord.Forget("", temporary);
+    mRecord.ForgetTemporary("", temporary);
     Check(result, "replace");
     mWithdrawn.clear(); // all offsets are invalid after the rewrite, which is the last step of a run
     mLines.clear();

@@ -79,12 +79,12 @@ private:
 
     const IngestRoots& mRoots;
     const std::string mName;
-    const std::string mShown;
+    const std::string mDisplayName;
     IngestRecord& mRecord;
     std::mutex mMutex; // guards all members below after Read
     HeldFolder mFolder;
     ORL::File mFile; // open once the manifest is written to
-    bool mIsThere = false;
+    bool mExists = false;
     EntryIdentity mIdentity;
     std::uint64_t mLength = 0; // valid bytes; an incomplete line of a killed run may follow
     std::uint64_t mFound = 0;  // length of the file when it was read

@@ -16,12 +16,12 @@ namespace orl {
 namespace {
 
 /// A temporary folder on the destination's volume, in which names are tried.
-class Asked
+class NameProbe
 {
 public:
     // Creates the temporary folder in inFolder of the destination, or in the nearest existing folder above it. If the
     // destination does not exist yet, it has no record, and the name of the folder is not recorded.
-    Asked(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
+    NameProbe(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
         : mRecord(ioRecord), mFolder(std::move(inFolder))
     {
         if (mRecord == nullptr) {
@@ -37,20 +37,20 @@ public:
             mLeaf = mRecord->NewTemporary(mFolder);
         }
         mIsMade = mAbove.IsOpen() && ORL::ResultSucceeded(mAbove.MakeFolder(mLeaf))
-                  && ORL::ResultSucceeded(mAbove.OpenFolder(mLeaf, Links::kStay, mHeld));
+                  && ORL::ResultSucceeded(mAbove.OpenFolder(mLeaf, Links::kNoFollow, mHeld));
     }
 
-    ~Asked()
+    ~NameProbe()
     {
         mHeld = HeldFolder();
         const bool isGone = !mIsMade || ORL::ResultSucceeded(mAbove.RemoveFolder(mLeaf));
         if (mRecord != nullptr && isGone) {
-            mRecord->Forget(mFolder, mLeaf);
+            mRecord->ForgetTemporary(mFolder, mLeaf);
         }
     }
 
-    Asked(const Asked&) = delete;
-    Asked& operator=(const Asked&) = delete;
+    NameProbe(const NameProbe&) = delete;
+    NameProbe& operator=(const NameProbe&) = delete;
 
     // If the folder could not be created, returns true for any two names, so that nothing is overwritten.
     bool AreOne(const std::string& inLeft, const std::string& inRight) const
@@ -90,14 +90,14 @@ private:
 };
 
 // Compares part by part: two paths differ as soon as one part differs.
-bool AreOnePath(const Asked& inAsked, const std::string& inLeft, const std::string& inRight)
+bool AreOnePath(const NameProbe& inProbe, const std::string& inLeft, const std::string& inRight)
 {
     std::size_t left = 0;
     std::size_t right = 0;
     while (left < inLeft.size() && right < inRight.size()) {
         const std::size_t leftEnd = std::min(inLeft.find('/', left), inLeft.size());
         const std::size_t rightEnd = std::min(inRight.find('/', right), inRight.size());
-        if (!inAsked.AreOne(inLeft.substr(left, leftEnd - left), inRight.substr(right, rightEnd - right))) {
+        if (!inProbe.AreOne(inLeft.substr(left, leftEnd - left), inRight.substr(right, rightEnd - right))) {
             return false;
         }
         left = leftEnd + 1;
@@ -128,10 +128,10 @@ std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, con
 {
     std::set<std::string> taken;
     for (const std::vector<std::string>& names : FindNamesAlike(inFiles)) {
-        const Asked asked(inRoots, ioRecord, FolderOf(names.front()));
+        const NameProbe probe(inRoots, ioRecord, FolderOf(names.front()));
         std::vector<std::string> kept;
         for (const std::string& name : names) {
-            const auto isOne = [&](const std::string& inKept) { return AreOnePath(asked, inKept, name); };
+            const auto isOne = [&](const std::string& inKept) { return AreOnePath(probe, inKept, name); };
             if (std::any_of(kept.begin(), kept.end(), isOne)) {
                 taken.insert(name);
             } else {

@@ -17,7 +17,7 @@ namespace {
 /// A folder of the destination at planning time.
 struct Place
 {
-    enum State { kThere, kToBeMade, kRefused };
+    enum State { kExists, kToBeCreated, kRefused };
 
     State mState = kRefused;
     std::size_t mVolume = 0; // index in the plan's list
@@ -50,7 +50,7 @@ public:
                 AddTrouble("\"" + file.mName
                                + "\" and another file of the source have the same name on the destination's volume; "
                                  "only one of them is copied",
-                           kExitTaken);
+                           kExitNameConflict);
             }
         }
         return std::move(mPlan);
@@ -75,12 +75,12 @@ private:
     {
         mPlan.mVolumes.push_back({});
         mPlan.mVolumes.back().mVolume = mRoots.mVolume;
-        mPlaces[""] = {mRoots.mHasDestination ? Place::kThere : Place::kToBeMade, 0};
+        mPlaces[""] = {mRoots.mHasDestination ? Place::kExists : Place::kToBeCreated, 0};
         mVolumes[mRoots.mVolume] = 0;
         for (const std::string& folder : mListing.mFolders) {
             const Place above = mPlaces[FolderOf(folder)];
-            mPlaces[folder] = above.mState == Place::kThere ? FindPlace(folder, above) : above;
-            if (mPlaces[folder].mState == Place::kToBeMade) {
+            mPlaces[folder] = above.mState == Place::kExists ? FindPlace(folder, above) : above;
+            if (mPlaces[folder].mState == Place::kToBeCreated) {
                 mPlan.mFolders.push_back(folder);
             }
         }
@@ -91,12 +91,12 @@ private:
         HeldFolder held;
         const ORL::Result result = mRoots.OpenDestination(inFolder, held);
         if (result == ORL::kFileNotFound) {
-            return FreePlace(inFolder, inAbove);
+            return PlaceOfNewFolder(inFolder, inAbove);
         }
         if (result == ORL::kPathNotFound) {
             AddTrouble("cannot create the folder \"" + inFolder
                            + "\": the destination has a file of that name, which was kept",
-                       kExitTaken);
+                       kExitNameConflict);
             return {};
         }
         if (!ORL::ResultSucceeded(result)) {
@@ -107,25 +107,25 @@ private:
         if (mPlan.mSourceFolders.count(held.Identity()) != 0) {
             AddTrouble("the folder \"" + inFolder
                            + "\" at the destination leads into the source; nothing was written there",
-                       kExitTaken);
+                       kExitNameConflict);
             return {};
         }
-        return {Place::kThere, VolumeOf(held.Identity(), inFolder)};
+        return {Place::kExists, VolumeOf(held.Identity(), inFolder)};
     }
 
     // A dangling link also occupies the name.
-    Place FreePlace(const std::string& inFolder, const Place& inAbove)
+    Place PlaceOfNewFolder(const std::string& inFolder, const Place& inAbove)
     {
         HeldFolder above;
         EntryStatus status;
         if (ORL::ResultSucceeded(mRoots.OpenDestination(FolderOf(inFolder), above))
-            && ORL::ResultSucceeded(above.GetStatus(LeafOf(inFolder), Links::kStay, status))) {
+            && ORL::ResultSucceeded(above.GetStatus(LeafOf(inFolder), Links::kNoFollow, status))) {
             AddTrouble("cannot create the folder \"" + inFolder
                            + "\": the destination has a dangling link of that name, which was kept",
-                       kExitTaken);
+                       kExitNameConflict);
             return {};
         }
-        return {Place::kToBeMade, inAbove.mVolume};
+        return {Place::kToBeCreated, inAbove.mVolume};
     }
 
     std::size_t VolumeOf(const EntryIdentity& inFolder, const std::string& inName)
@@ -147,17 +147,17 @@ private:
         item.mSize = inFile.mStatus.mSize;
         item.mAllocated = inFile.mStatus.mAllocated;
         item.mTime = inFile.mStatus.mTime;
-        if (place.mState == Place::kRefused || (place.mState == Place::kThere && !FindState(inFile, item))) {
+        if (place.mState == Place::kRefused || (place.mState == Place::kExists && !FindState(inFile, item))) {
             return;
         }
         if (item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace) {
-            Need(mPlan.mVolumes[place.mVolume], item);
+            AddRequiredBytes(mPlan.mVolumes[place.mVolume], item);
         }
         mPlan.mBytesToPass += item.mState != IngestItem::kVerifiedBefore ? 2 * item.mSize : 0;
         mPlan.mItems.push_back(std::move(item));
     }
 
-    static void Need(IngestVolume& ioVolume, const IngestItem& inItem)
+    static void AddRequiredBytes(IngestVolume& ioVolume, const IngestItem& inItem)
     {
         constexpr std::uint64_t kCluster = 4096;
         ioVolume.mBytes += (std::min(inItem.mSize, inItem.mAllocated) + kCluster - 1) / kCluster * kCluster;
@@ -182,7 +182,7 @@ private:
         const HeldFolder& folder = Opened(FolderOf(ioItem.mName));
         EntryStatus status;
         const ORL::Result result =
-            folder.IsOpen() ? folder.GetStatus(LeafOf(ioItem.mName), Links::kStay, status) : ORL::kPathNotFound;
+            folder.IsOpen() ? folder.GetStatus(LeafOf(ioItem.mName), Links::kNoFollow, status) : ORL::kPathNotFound;
         if (result == ORL::kFileNotFound) {
             return true;
         }
@@ -204,7 +204,7 @@ private:
         if (what != nullptr) {
             AddTrouble("cannot copy \"" + inFile.mName + "\": its name at the destination is taken by " + what
                            + ", which was kept",
-                       kExitTaken);
+                       kExitNameConflict);
         }
         return what == nullptr;
     }
@@ -221,7 +221,7 @@ private:
             ioItem.mState = IngestItem::kToReplace;
             return true;
         }
-        AddTrouble("cannot copy \"" + ioItem.mName + "\": " + kTakenByOtherFile, kExitTaken);
+        AddTrouble("cannot copy \"" + ioItem.mName + "\": " + kTakenByOtherFile, kExitNameConflict);
         return false;
     }
 
@@ -281,15 +281,16 @@ void CheckFreeSpaceOf(const IngestVolume& inVolume, const IngestRoots& inRoots, 
     const auto bytes =
         static_cast<std::uint64_t>(std::max<std::int64_t>(0, inPromised + static_cast<std::int64_t>(inVolume.mBytes)));
     if (bytes > free) {
-        throw Failure("ingest: \"" + shown + "\" has " + InWords(free) + " free, but " + InWords(bytes)
+        throw Failure("ingest: \"" + shown + "\" has " + FormatSize(free) + " free, but " + FormatSize(bytes)
                           + " are needed; nothing was begun",
-                      kExitNoRoom);
+                      kExitNoSpace);
     }
     unsigned __int64 largest = 0;
     if (ORL::ResultSucceeded(ORL::DiskUtils::GetMaxFileSize(path, largest)) && inVolume.mLargest > largest) {
-        throw Failure("ingest: \"" + inVolume.mLargestName + "\" is " + InWords(inVolume.mLargest) + ", but files at \""
-                          + shown + "\" are limited to " + InWords(largest) + "; nothing was begun",
-                      kExitNoRoom);
+        throw Failure("ingest: \"" + inVolume.mLargestName + "\" is " + FormatSize(inVolume.mLargest)
+                          + ", but files at \"" + shown + "\" are limited to " + FormatSize(largest)
+                          + "; nothing was begun",
+                      kExitNoSpace);
     }
 }
 

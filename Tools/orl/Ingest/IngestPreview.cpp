@@ -73,7 +73,7 @@ private:
             EntryStatus status;
             const bool isOurs = ORL::ResultSucceeded(inRoots.OpenDestination(FolderOf(name), folder))
                                 && inSourceFolders.count(folder.Identity()) == 0
-                                && ORL::ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kStay, status))
+                                && ORL::ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kNoFollow, status))
                                 && status.mKind == EntryStatus::kFile;
             if (isOurs) {
                 mPreview.mLeftovers[folder.Identity().mVolume] += status.mAllocated;
@@ -133,7 +133,7 @@ void PrintSums(const IngestPlan& inPlan)
         bytes += isCopied ? item.mSize : 0;
     }
     const std::size_t files = counts[IngestItem::kToCopy] + counts[IngestItem::kToReplace];
-    std::cout << files << (files == 1 ? " file" : " files") << " to copy, " << InWords(bytes);
+    std::cout << files << (files == 1 ? " file" : " files") << " to copy, " << FormatSize(bytes);
     if (counts[IngestItem::kToReplace] != 0) {
         std::cout << " (" << counts[IngestItem::kToReplace] << " replace another file)";
     }
@@ -154,11 +154,12 @@ void PrintRoom(const IngestPreview& inPreview, const IngestDestination& inDestin
 {
     for (const IngestVolume& volume : inDestination.mPlan.mVolumes) {
         const auto leftovers = inPreview.mLeftovers.find(volume.mVolume);
-        std::cout << "  Room at \"" << OnOneLine(JoinHostPath(inDestination.mRoots.mShownDestination, volume.mFolder))
-                  << "\": " << InWords(FreeRoomOf(volume, inDestination.mRoots)) << " free, " << InWords(volume.mBytes)
-                  << " needed";
+        std::cout << "  Room at \""
+                  << WithoutControlCharacters(JoinHostPath(inDestination.mRoots.mShownDestination, volume.mFolder))
+                  << "\": " << FormatSize(FreeRoomOf(volume, inDestination.mRoots)) << " free, "
+                  << FormatSize(volume.mBytes) << " needed";
         if (leftovers != inPreview.mLeftovers.end()) {
-            std::cout << ", " << InWords(leftovers->second) << " of unfinished files are deleted first";
+            std::cout << ", " << FormatSize(leftovers->second) << " of unfinished files are deleted first";
         }
         std::cout << ".\n";
     }
@@ -176,7 +177,7 @@ void PrintPreview(const IngestPreview& inPreview, const std::vector<IngestDestin
 {
     for (const IngestDestination& destination : inDestinations) {
         const bool hasPlan = !destination.mPlan.mVolumes.empty();
-        std::cout << '"' << OnOneLine(destination.mRoots.mShownDestination) << "\": ";
+        std::cout << '"' << WithoutControlCharacters(destination.mRoots.mShownDestination) << "\": ";
         if (!hasPlan) {
             std::cout << "refused.\n";
             continue;
@@ -188,7 +189,7 @@ void PrintPreview(const IngestPreview& inPreview, const std::vector<IngestDestin
     for (const std::vector<std::string>& names : inPreview.mNamesAlike) {
         std::cout << "Names that differ only in case, one file on a volume that ignores case:";
         for (const std::string& name : names) {
-            std::cout << " \"" << OnOneLine(name) << '"';
+            std::cout << " \"" << WithoutControlCharacters(name) << '"';
         }
         std::cout << '\n';
     }

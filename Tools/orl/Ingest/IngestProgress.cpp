@@ -37,7 +37,7 @@ std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::si
         inToPass != 0 ? std::min(1.0, static_cast<double>(inPassed) / static_cast<double>(inToPass)) : 1.0;
     char percent[16];
     std::snprintf(percent, sizeof(percent), "%3d %%", static_cast<int>(share * 100));
-    std::vector<ProgressPart> parts{{percent, 0}, {InWords(inPassed / 2) + " of " + InWords(inToPass / 2), 2}};
+    std::vector<ProgressPart> parts{{percent, 0}, {FormatSize(inPassed / 2) + " of " + FormatSize(inToPass / 2), 2}};
     if (inSeconds > 0 && inPassed != 0) {
         parts.push_back({Rounded(static_cast<double>(inPassed) / 2e6 / inSeconds) + " MB/s", 3});
         parts.push_back({Clocked(inSeconds / share - inSeconds) + " left", 1});

@@ -47,7 +47,7 @@ bool MayBeOurs(const std::string& inName)
 ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLeaf)
 {
     HeldFolder tried;
-    if (!ORL::ResultSucceeded(inFolder.OpenFolder(inLeaf, Links::kStay, tried))) {
+    if (!ORL::ResultSucceeded(inFolder.OpenFolder(inLeaf, Links::kNoFollow, tried))) {
         return inFolder.Remove(inLeaf);
     }
     std::vector<std::string> names;
@@ -131,7 +131,7 @@ IngestRecord::~IngestRecord()
 void IngestRecord::Open()
 {
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
-        throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
+        throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitDisappeared);
     }
     // A run that ends deletes the record. A run that opened the record just before that holds a lock on a deleted file,
     // and must create and open the record again.
@@ -151,16 +151,16 @@ void IngestRecord::Open()
 void IngestRecord::OpenOnce()
 {
     EntryStatus status;
-    const ORL::Result look = mFolder.GetStatus(mName, Links::kStay, status);
-    if (ORL::ResultSucceeded(look) && status.mKind != EntryStatus::kFile) {
+    const ORL::Result query = mFolder.GetStatus(mName, Links::kNoFollow, status);
+    if (ORL::ResultSucceeded(query) && status.mKind != EntryStatus::kFile) {
         RefuseForeign();
     }
     const ORL::Result result = mFile.Create(
         mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write, static_cast<Share::Type>(0),
-        ORL::ResultSucceeded(look) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
+        ORL::ResultSucceeded(query) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
         Attributes::kFileAttribute_Normal, true);
     const bool hasChanged =
-        ORL::ResultSucceeded(look) != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kStay, status)); // then try again
+        ORL::ResultSucceeded(query) != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status)); // then try again
     if (result == ORL::kSharingViolation || !hasChanged) {
         CheckOpened(result);
     }
@@ -174,7 +174,7 @@ void IngestRecord::CheckOpened(ORL::Result inResult) const
     if (!ORL::ResultSucceeded(inResult)) {
         throw Failure("ingest: cannot open \"" + JoinHostPath(mRoots.mShownDestination, mName)
                           + "\": " + Describe(inResult),
-                      inResult == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+                      inResult == ORL::kDiskFull ? kExitNoSpace : kExitFailure);
     }
 }
 
@@ -182,7 +182,7 @@ bool IngestRecord::HasItsName()
 {
     EntryStatus status;
     EntryIdentity identity;
-    return IdentifyFile(mFile, identity) && ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kStay, status))
+    return IdentifyFile(mFile, identity) && ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status))
            && status.mKind == EntryStatus::kFile && status.mIdentity == identity;
 }
 
@@ -248,7 +248,7 @@ void IngestRecord::Peek()
 {
     EntryStatus status;
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))
-        || mFolder.GetStatus(mName, Links::kStay, status) == ORL::kFileNotFound) {
+        || mFolder.GetStatus(mName, Links::kNoFollow, status) == ORL::kFileNotFound) {
         return;
     }
     if (status.mKind != EntryStatus::kFile) {
@@ -276,7 +276,7 @@ void IngestRecord::RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolder
             result = RetryWhileBusy([&] { return RemoveUnfinished(folder, LeafOf(name)); });
         }
         if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound || isGone) {
-            Forget(FolderOf(name), LeafOf(name));
+            ForgetTemporary(FolderOf(name), LeafOf(name));
         }
     }
 }
@@ -290,7 +290,7 @@ std::string IngestRecord::NewTemporary(const std::string& inFolder)
     return leaf;
 }
 
-void IngestRecord::Forget(const std::string& inFolder, const std::string& inLeaf)
+void IngestRecord::ForgetTemporary(const std::string& inFolder, const std::string& inLeaf)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     mTemporaries.erase(Below(inFolder, inLeaf));
@@ -336,7 +336,7 @@ void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
     if (!ORL::ResultSucceeded(result)) {
         throw Failure(std::string("ingest: cannot ") + (isWritten ? "flush" : "write") + " \""
                           + JoinHostPath(mRoots.mShownDestination, mName) + "\": " + Describe(result),
-                      result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+                      result == ORL::kDiskFull ? kExitNoSpace : kExitFailure);
     }
 }
 

@@ -48,11 +48,11 @@ public:
     void RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolders);
 
     /// Returns an unused name for a temporary file in a folder of the destination. The name is written to the record
-    /// first. Throws Failure. Thread-safe, as is Forget.
+    /// first. Throws Failure. Thread-safe, as is ForgetTemporary.
     std::string NewTemporary(const std::string& inFolder);
 
     /// Call when the temporary file has been removed or renamed to its final name.
-    void Forget(const std::string& inFolder, const std::string& inLeaf);
+    void ForgetTemporary(const std::string& inFolder, const std::string& inLeaf);
 
     /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
     /// functions return. They throw Failure.

@@ -187,7 +187,7 @@ void MakeDestination(IngestRoots& ioRoots)
     }
     FindDestination(ioRoots);
     if (!ioRoots.mHasDestination) {
-        throw Failure("ingest: the destination \"" + ioRoots.mShownDestination + "\" is gone", kExitGone);
+        throw Failure("ingest: the destination \"" + ioRoots.mShownDestination + "\" is gone", kExitDisappeared);
     }
 }
 

@@ -77,7 +77,7 @@ private:
             if (!ORL::ResultSucceeded(result) && result != ORL::kAlreadyExists) {
                 throw Failure("ingest: cannot create the folder \"" + JoinHostPath(mRoots.mShownDestination, name)
                                   + "\": " + Describe(result),
-                              result == ORL::kDiskFull ? kExitNoRoom : kExitFailure);
+                              result == ORL::kDiskFull ? kExitNoSpace : kExitFailure);
             }
         }
         // Drops the lines of files that are missing at the destination. The line of a file to be replaced stays true
@@ -102,7 +102,7 @@ private:
         try {
             Watch();
         } catch (...) {
-            mEnds = true;
+            mIsEnding = true;
             Join(threads);
             throw;
         }
@@ -140,18 +140,18 @@ private:
 
     bool IsStopped()
     {
-        if (!mEnds.load(std::memory_order_relaxed) && mWatcher.mIsStopped()) {
+        if (!mIsEnding.load(std::memory_order_relaxed) && mWatcher.mIsStopped()) {
             mIsStoppedByUser = true;
-            mEnds = true;
+            mIsEnding = true;
         }
-        return mEnds.load(std::memory_order_relaxed);
+        return mIsEnding.load(std::memory_order_relaxed);
     }
 
     void Work()
     {
         for (std::size_t i = mNext++; i < mPlan.mItems.size() && !IsStopped(); i = mNext++) {
             if (mPlan.mItems[i].mState != IngestItem::kVerifiedBefore) {
-                Bring(i);
+                CopyOne(i);
                 mContext.mSource.GiveUp(mContext.mDestination, mPlan.mItems[i].mName);
             }
             mDone.fetch_add(1, std::memory_order_relaxed);
@@ -161,7 +161,7 @@ private:
         mChanged.notify_all();
     }
 
-    void Bring(std::size_t inIndex)
+    void CopyOne(std::size_t inIndex)
     {
         try {
             IngestedFile file = IngestFile(mPlan.mItems[inIndex], mContext);
@@ -190,7 +190,7 @@ private:
         }
         if (inEndsRun) {
             mHasEndedItself = true;
-            mEnds = true;
+            mIsEnding = true;
         }
     }
 
@@ -215,8 +215,8 @@ private:
     void AddTroubleOfGroup(const Failure& inFailure, const std::vector<std::size_t>& inGroup)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        const auto isOfGone = [](const IngestTrouble& inTrouble) { return inTrouble.mExitCode == kExitGone; };
-        if (inFailure.ExitCode() != kExitGone
+        const auto isOfGone = [](const IngestTrouble& inTrouble) { return inTrouble.mExitCode == kExitDisappeared; };
+        if (inFailure.ExitCode() != kExitDisappeared
             || std::none_of(mOutcome.mTroubles.begin(), mOutcome.mTroubles.end(), isOfGone)) {
             mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
         }
@@ -224,7 +224,7 @@ private:
             mFiles[index].mDigest.clear();
         }
         mHasEndedItself = true;
-        mEnds = true;
+        mIsEnding = true;
     }
 
     void Keep(const std::vector<std::size_t>& inGroup)
@@ -236,7 +236,7 @@ private:
             names.push_back(mPlan.mItems[index].mName);
         }
         if (IsDestinationGone(mRoots)) {
-            throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitGone);
+            throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitDisappeared);
         }
         if (!FlushGroup(mRoots, names)) {
             throw Failure("ingest: cannot flush \"" + mRoots.mShownDestination
@@ -272,7 +272,7 @@ private:
     const IngestRunWatcher& mWatcher;
     const IngestRoots& mRoots;
     const IngestContext mContext;
-    std::atomic<bool> mEnds{false};
+    std::atomic<bool> mIsEnding{false};
     std::atomic<bool> mIsStoppedByUser{false};
     std::atomic<bool> mHasNoAnswer{false};
     std::atomic<std::uint64_t> mPassed{0};

@@ -96,7 +96,7 @@ void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestination
     const std::size_t count = std::min(inFiles.size(), kMaxRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
-        width = std::max(width, ColumnsOf(EndOf(inFiles[i].mItem->mName, kWidestName)));
+        width = std::max(width, ColumnsOf(TruncateFront(inFiles[i].mItem->mName, kWidestName)));
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const std::string& inLength,
                               const std::string& inState, const std::string& inDigest) {
@@ -106,7 +106,7 @@ void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestination
     line("file", "bytes", "length", inDestinations > 1 ? "verified at" : "state", "SHA-256");
     for (std::size_t i = 0; i < count; ++i) {
         const ShownFile& file = inFiles[i];
-        line(EndOf(file.mItem->mName, kWidestName), std::to_string(file.mItem->mSize), LengthOf(file, inRate),
+        line(TruncateFront(file.mItem->mName, kWidestName), std::to_string(file.mItem->mSize), LengthOf(file, inRate),
              StateOf(file, inDestinations),
              file.mDigest.empty() ? "" : file.mDigest.substr(0, kShownDigits) + "...");
     }
@@ -128,7 +128,7 @@ void PrintSums(const IngestOutcome& inOutcome, std::size_t inFiles)
         present += row.mWasPresent ? 1 : 0;
         before += row.mDigest.empty() ? 1 : 0;
     }
-    std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << InWords(bytes) << " in "
+    std::cout << files << (files == 1 ? " file" : " files") << " copied and read back, " << FormatSize(bytes) << " in "
               << Rounded(inOutcome.mSeconds) << " s";
     if (inOutcome.mSeconds > 0 && bytes != 0) {
         std::cout << " (" << Rounded(static_cast<double>(bytes) / 1e6 / inOutcome.mSeconds) << " MB/s)";

@@ -41,7 +41,7 @@ struct EntryStatus
     unsigned __int64 mTime = 0;   // last write, in the library's units
 };
 
-enum class Links { kFollow, kStay };
+enum class Links { kFollow, kNoFollow };
 
 /// A folder with an identity. Names are those of one entry, in the host's bytes (UTF-8 on Windows). Operations may run
 /// on several threads at once. Each operation returns kSuccess or the result for the system's error.

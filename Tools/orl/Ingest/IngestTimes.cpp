@@ -31,10 +31,10 @@ unsigned __int64 StoredTimeFor(unsigned __int64 inTime, const HeldFolder& inHeld
     }
     EntryStatus status;
     const bool isKnown = SetTimeOfNewFile(inHeld.PathOf(leaf), inTime)
-                         && ORL::ResultSucceeded(inHeld.GetStatus(leaf, Links::kStay, status));
+                         && ORL::ResultSucceeded(inHeld.GetStatus(leaf, Links::kNoFollow, status));
     const ORL::Result result = inHeld.Remove(leaf);
     if (ORL::ResultSucceeded(result) || result == ORL::kFileNotFound) {
-        ioRecord.Forget(inFolder, leaf);
+        ioRecord.ForgetTemporary(inFolder, leaf);
     }
     return isKnown ? status.mTime : 0;
 }

@@ -177,7 +177,7 @@ ORL::Result HeldFolder::Open(const UTF16String& inPath, HeldFolder& outFolder)
 
 ORL::Result HeldFolder::OpenFolder(const std::string& inName, Links inLinks, HeldFolder& outFolder) const
 {
-    const int flags = kFolderFlags | (inLinks == Links::kStay ? O_NOFOLLOW : 0);
+    const int flags = kFolderFlags | (inLinks == Links::kNoFollow ? O_NOFOLLOW : 0);
     return State::Take(OwnedFile(sIngestCalls.mOpenAt(mState->File(), inName.c_str(), flags)), outFolder.mState);
 }
 
@@ -214,7 +214,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
 ORL::Result HeldFolder::GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const
 {
     struct stat status;
-    const int flags = inLinks == Links::kStay ? AT_SYMLINK_NOFOLLOW : 0;
+    const int flags = inLinks == Links::kNoFollow ? AT_SYMLINK_NOFOLLOW : 0;
     if (sIngestCalls.mFStatAt(mState->File(), inName.c_str(), &status, flags) != 0) {
         return ResultOf(errno);
     }

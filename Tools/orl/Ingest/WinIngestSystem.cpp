@@ -103,14 +103,14 @@ std::uint64_t AllocatedOf(const std::wstring& inPath, DWORD inAttributes, std::u
 
 ORL::Result QueryStatus(const std::wstring& inPath, Links inLinks, EntryStatus& outStatus)
 {
-    const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (inLinks == Links::kStay ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
+    const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (inLinks == Links::kNoFollow ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
     const Handle entry(inPath, 0, flags);
     BY_HANDLE_FILE_INFORMATION status;
     if (!entry.IsOpen() || ::GetFileInformationByHandle(entry.Get(), &status) == FALSE) {
         return ResultOf(::GetLastError());
     }
     const DWORD attributes = status.dwFileAttributes;
-    const bool isLink = inLinks == Links::kStay && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    const bool isLink = inLinks == Links::kNoFollow && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     outStatus.mKind = isLink                                         ? EntryStatus::kLink
                       : (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? EntryStatus::kFolder
                       : ::GetFileType(entry.Get()) == FILE_TYPE_DISK ? EntryStatus::kFile

@@ -20,18 +20,19 @@ void Print(const NamedState& inStore)
 {
     const ORL::RegistryStoreState& state = inStore.mState;
     std::cout << PaddedTo(9, inStore.mName) << (state.mIsWhole ? "intact   " : "damaged  ")
-              << (state.mPlace.empty() ? "kept by the system" : OnOneLine(state.mPlace));
+              << (state.mPlace.empty() ? "kept by the system" : WithoutControlCharacters(state.mPlace));
     if (!state.mPlace.empty()) {
         std::cout << "  " << (state.mBytes == 0 ? "empty" : std::to_string(state.mBytes) + " bytes");
     }
     std::cout << '\n';
     if (!state.mProblem.empty()) {
-        std::cout << "         " << OnOneLine(state.mProblem) << '\n';
+        std::cout << "         " << WithoutControlCharacters(state.mProblem) << '\n';
     }
     for (const ORL::RegistryStoreState::SetAside& aside : state.mSetAside) {
-        std::cout << "         set aside " << OnOneLine(aside.mTime) << ": " << OnOneLine(aside.mFile);
+        std::cout << "         set aside " << WithoutControlCharacters(aside.mTime) << ": "
+                  << WithoutControlCharacters(aside.mFile);
         if (!aside.mReason.empty()) {
-            std::cout << " (" << OnOneLine(aside.mReason) << ')';
+            std::cout << " (" << WithoutControlCharacters(aside.mReason) << ')';
         }
         std::cout << '\n';
     }

@@ -96,9 +96,9 @@ private:
         if (end < begin || !SplitRegRoot(line.substr(begin, end - begin), key)) {
             mCursor.Refuse("the key is neither below HKEY_CURRENT_USER nor below HKEY_LOCAL_MACHINE");
         }
-        const std::string complaint = ComplainOfRegPath(key.mPath);
-        if (!complaint.empty()) {
-            mCursor.Refuse(complaint);
+        const std::string error = RegPathError(key.mPath);
+        if (!error.empty()) {
+            mCursor.Refuse(error);
         }
         BeginKey(key, deletes);
     }

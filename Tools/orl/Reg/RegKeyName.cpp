@@ -85,7 +85,7 @@ bool SplitRegRoot(const UTF16String& inName, RegKeyName& outKey)
     return false;
 }
 
-std::string ComplainOfRegPath(const UTF16String& inPath)
+std::string RegPathError(const UTF16String& inPath)
 {
     if (inPath.find(static_cast<unsigned short>(0)) != UTF16String::npos) {
         return "the name of a key cannot contain a zero character";
@@ -111,9 +111,9 @@ RegKeyName ReadRegKeyName(const std::string& inText, ORL::RegistryRootKeys::Type
     if (!SplitPrefix(text, key) && !SplitRegRoot(text, key)) {
         key = {inRoot, WithoutEndingSeparators(text)};
     }
-    const std::string complaint = ComplainOfRegPath(key.mPath);
-    if (!complaint.empty()) {
-        throw Failure("reg: \"" + inText + "\" is not a valid key: " + complaint, kExitUsage);
+    const std::string error = RegPathError(key.mPath);
+    if (!error.empty()) {
+        throw Failure("reg: \"" + inText + "\" is not a valid key: " + error, kExitUsage);
     }
     return key;
 }

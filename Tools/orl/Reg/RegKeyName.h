@@ -30,7 +30,7 @@ UTF16String LongRegKeyName(const RegKeyName& inKey);
 bool SplitRegRoot(const UTF16String& inName, RegKeyName& outKey);
 
 /// Returns what is wrong with the path of a key below a root, or an empty string if the path is valid.
-std::string ComplainOfRegPath(const UTF16String& inPath);
+std::string RegPathError(const UTF16String& inPath);
 
 /// Returns the name of a value for messages: quoted, or "the default value".
 std::string ShowRegValueName(const UTF16String& inName);

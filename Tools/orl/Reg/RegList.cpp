@@ -43,7 +43,7 @@ void PrintBelow(const RegListPlan& inPlan, const RegKeyName& inKey, std::size_t 
 {
     PrintValues(ReadRegValues(kCommand, inKey), inLevel);
     for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
-        std::cout << Indent(inLevel) << OnOneLine(ToUTF8(name)) << "\\\n";
+        std::cout << Indent(inLevel) << WithoutControlCharacters(ToUTF8(name)) << "\\\n";
         if (inPlan.mIsRecursive) {
             PrintBelow(inPlan, RegSubKey(inKey, name), inLevel + 1);
         }
@@ -84,7 +84,7 @@ void ListRegKey(const RegListPlan& inPlan)
         return;
     }
     ReadRegValues(kCommand, inPlan.mKey); // throws before anything is printed if the key is missing
-    std::cout << OnOneLine(ShowRegKeyName(inPlan.mKey)) << '\n';
+    std::cout << WithoutControlCharacters(ShowRegKeyName(inPlan.mKey)) << '\n';
     PrintBelow(inPlan, inPlan.mKey, 1);
 }
 

@@ -106,7 +106,7 @@ void Show(const RegistryEdit& inEdit)
         line = "unset   " + key + "  " + ShowRegValueName(inEdit.mValue.mName);
         break;
     }
-    std::cout << OnOneLine(line) << '\n';
+    std::cout << WithoutControlCharacters(line) << '\n';
 }
 
 } // namespace

@@ -217,7 +217,7 @@ std::string ShowRegValue(const RegistryValue& inValue)
     constexpr std::size_t kMaxBytes = 24;
     const bool isWellFormed = IsWellFormedRegValue(inValue);
     if (isWellFormed && IsText(inValue.mType)) {
-        return '"' + OnOneLine(TextOf(inValue)) + '"';
+        return '"' + WithoutControlCharacters(TextOf(inValue)) + '"';
     }
     if (isWellFormed && (inValue.mType == Types::kUInt32 || inValue.mType == Types::kUInt64)) {
         const unsigned long long number = NumberOfRegValue(inValue);

@@ -33,7 +33,7 @@ Parameters ParametersOf(const UTF16String& inText)
     return parameters;
 }
 
-std::string InWords(const Parameters& inParameters)
+std::string FormatSize(const Parameters& inParameters)
 {
     std::string words;
     for (const std::string& parameter : inParameters) {
@@ -55,9 +55,9 @@ public:
 
     std::vector<std::string> TakeFaults()
     {
-        for (const auto& thing : mThings) {
-            FindMissing(thing.first, thing.second);
-            FindDifferent(thing.first, thing.second);
+        for (const auto& translation : mTranslations) {
+            FindMissing(translation.first, translation.second);
+            FindDifferent(translation.first, translation.second);
         }
         return std::move(mFaults);
     }
@@ -74,7 +74,7 @@ private:
         }
         const unsigned short type = inEntry.mType.mIsText ? 0 : inEntry.mType.mID;
         if (type == kMenu || type == kDialog) {
-            AddThing(where, inEntry.mLanguage, Parameters());
+            AddTranslation(where, inEntry.mLanguage, Parameters());
         } else if (type == kString && !inEntry.mName.mIsText) {
             AddStrings(inEntry);
         }
@@ -87,14 +87,14 @@ private:
         for (std::size_t i = 0; i < texts.size(); ++i) {
             if (!texts[i].empty()) {
                 const unsigned int id = (inEntry.mName.mID - 1u) * 16 + static_cast<unsigned int>(i);
-                AddThing("text " + std::to_string(id), inEntry.mLanguage, ParametersOf(texts[i]));
+                AddTranslation("text " + std::to_string(id), inEntry.mLanguage, ParametersOf(texts[i]));
             }
         }
     }
 
-    void AddThing(const std::string& inWhere, unsigned short inLanguage, Parameters inParameters)
+    void AddTranslation(const std::string& inWhere, unsigned short inLanguage, Parameters inParameters)
     {
-        mThings[inWhere][inLanguage] = std::move(inParameters);
+        mTranslations[inWhere][inLanguage] = std::move(inParameters);
         if (inLanguage != kNeutral) {
             mLanguages.insert(inLanguage);
         }
@@ -119,13 +119,13 @@ private:
         for (const auto& other : inLanguages) {
             if (other.second != first.second) {
                 mFaults.push_back(inWhere + ": parameters differ: " + NameOfLanguage(first.first) + " has "
-                                  + InWords(first.second) + ", " + NameOfLanguage(other.first) + " has "
-                                  + InWords(other.second));
+                                  + FormatSize(first.second) + ", " + NameOfLanguage(other.first) + " has "
+                                  + FormatSize(other.second));
             }
         }
     }
 
-    std::map<std::string, InLanguages> mThings;
+    std::map<std::string, InLanguages> mTranslations;
     std::set<unsigned short> mLanguages;
     std::vector<std::string> mFaults;
 };

@@ -68,8 +68,8 @@ const char* NameOfFormat(const ResourceFile& inFile)
 void WarnOfDamage(const char* inCommand, const std::string& inPath, const ResourceFile& inFile)
 {
     if (inFile.IsDamaged()) {
-        Complain("res " + std::string(inCommand) + ": \"" + inPath
-                 + "\" is damaged: some of its resources cannot be read");
+        ReportError("res " + std::string(inCommand) + ": \"" + inPath
+                    + "\" is damaged: some of its resources cannot be read");
     }
 }
 
@@ -145,7 +145,7 @@ bool PrintString(const ResourceFile& inFile, unsigned int inID, unsigned short i
         return false;
     }
     std::cout << PaddedTo(7, std::to_string(inID)) << ' ' << PaddedTo(8, NameOfLanguage(answered)) << ' '
-              << OnOneLine(ToUTF8(text)) << '\n';
+              << WithoutControlCharacters(ToUTF8(text)) << '\n';
     return true;
 }
 
@@ -224,7 +224,7 @@ void Check(const Options& inOptions)
         ResourceFile file;
         Open("check", path, file);
         for (const std::string& fault : FaultsOf(file)) {
-            std::cout << OnOneLine(path) << ": " << OnOneLine(fault) << '\n';
+            std::cout << WithoutControlCharacters(path) << ": " << WithoutControlCharacters(fault) << '\n';
             isGood = false;
         }
     }

@@ -63,7 +63,7 @@ void ShowProgress(ProgressLine& ioLine, const std::string& inFile, std::uint64_t
         char percent[16];
         std::snprintf(percent, sizeof(percent), "%3d %%  ", inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100);
         const std::size_t room = ProgressLine::AvailableColumns();
-        ioLine.Show(percent + EndOf(NameOf(inFile), room - std::min(room, std::strlen(percent))));
+        ioLine.Show(percent + TruncateFront(NameOf(inFile), room - std::min(room, std::strlen(percent))));
     }
 }
 
@@ -86,7 +86,7 @@ void PrintTable(const std::vector<Row>& inRows, bool inVerified)
 {
     std::size_t width = 4;
     for (const Row& row : inRows) {
-        width = std::max(width, ColumnsOf(OnOneLine(NameOf(row.mFile))));
+        width = std::max(width, ColumnsOf(WithoutControlCharacters(NameOf(row.mFile))));
     }
     const auto line = [&](const std::string& inFile, const std::vector<std::string>& inCells) {
         static constexpr int kWidths[] = {13, 9, 7, 8, 12, 12, 10};
@@ -142,7 +142,7 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
 }
 
 // If one file fails, the others are still streamed.
-bool StreamOrComplain(const std::string& inFile, const Options& inOptions, std::vector<Row>& ioRows)
+bool TryStream(const std::string& inFile, const Options& inOptions, std::vector<Row>& ioRows)
 {
     try {
         ioRows.push_back(Row{inFile, StreamOne(inFile, inOptions)});
@@ -152,7 +152,7 @@ bool StreamOrComplain(const std::string& inFile, const Options& inOptions, std::
     } catch (const Interrupted&) {
         throw;
     } catch (const Failure& failure) {
-        Complain(failure.what());
+        ReportError(failure.what());
         return false;
     }
 }
@@ -172,11 +172,11 @@ void Run(const Options& inOptions)
     bool hasFailed = false;
     try {
         for (const std::string& file : inOptions.mFiles) {
-            hasFailed |= !StreamOrComplain(file, inOptions, rows);
+            hasFailed |= !TryStream(file, inOptions, rows);
         }
     } catch (const NoAnswer& failure) {
         print(); // the figures measured so far remain valid
-        Complain(failure.what());
+        ReportError(failure.what());
         std::_Exit(kExitFailure);
     } catch (...) {
         print();
@@ -204,7 +204,7 @@ void AddStream(CLI::App& ioProgram)
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 2048).description(""));
     command
-        ->add_option("--patience", options->mSettings.mPatience,
+        ->add_option("--patience", options->mSettings.mTimeoutSeconds,
                      "timeout in seconds without an answer from the disk, 1 to 86400 (default 60)")
         ->type_name("SECONDS")
         ->check(CLI::Range(1u, 86400u).description(""));

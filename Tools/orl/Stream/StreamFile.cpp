@@ -45,11 +45,11 @@ StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& in
 {
     UnbufferedRead read;
     read.mCommand = "stream";
-    read.mShown = inArgument;
+    read.mDisplayName = inArgument;
     read.mPath = PathOfArgument(inArgument);
     read.mBlockSize = inSettings.mBlockSize;
     read.mDepth = inSettings.mDepth;
-    read.mPatience = inSettings.mPatience;
+    read.mTimeoutSeconds = inSettings.mTimeoutSeconds;
     StreamFigures figures;
     std::vector<double> latencies;
     const auto start = std::chrono::steady_clock::now();

@@ -15,7 +15,7 @@ struct StreamSettings
 {
     std::size_t mBlockSize = 1 << 20; // bytes per read, rounded up to whole sectors
     std::size_t mDepth = 32;          // reads in flight
-    unsigned mPatience = 60;          // seconds to wait for each block before NoAnswer is thrown
+    unsigned mTimeoutSeconds = 60;    // seconds to wait for each block before NoAnswer is thrown
 };
 
 struct StreamFigures

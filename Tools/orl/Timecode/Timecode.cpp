@@ -30,7 +30,7 @@ struct Options
     bool mHidesHours = false;
 };
 
-std::string ComplainOfFormat(const std::string& inName)
+std::string FormatError(const std::string& inName)
 {
     if (FindTimecodeFormat(inName) != nullptr) {
         return std::string();
@@ -42,7 +42,7 @@ std::string ComplainOfFormat(const std::string& inName)
     return "unknown format \"" + inName + "\"; choose one of " + names;
 }
 
-std::string ComplainOfRate(const std::string& inRate)
+std::string RateSyntaxError(const std::string& inRate)
 {
     return ReadRate(inRate) != tvxmediatypes::kFrameRate_Zero ? std::string() : "\"" + inRate + "\" is not a rate";
 }
@@ -55,9 +55,9 @@ TimecodeSettings Settings(const Options& inOptions, const FormatChoice& inChoice
     settings.mStyle = inOptions.mStyle;
     settings.mStyle.mHoursMode = inOptions.mHidesHours ? 0 : 1;
     settings.mSign = inOptions.mSign;
-    const std::string complaint = RateComplaint(*settings.mFormat, settings.mRate);
-    if (!complaint.empty()) {
-        throw CLI::ValidationError("--rate", complaint);
+    const std::string error = RateError(*settings.mFormat, settings.mRate);
+    if (!error.empty()) {
+        throw CLI::ValidationError("--rate", error);
     }
     return settings;
 }
@@ -65,13 +65,13 @@ TimecodeSettings Settings(const Options& inOptions, const FormatChoice& inChoice
 void Show(const Options& inOptions)
 {
     const TimecodeSettings settings = Settings(inOptions, inOptions.mFormat);
-    AnswerAll(inOptions.mPlan, settings, [&](const std::string& inText) { return ReadCount(inText, settings); });
+    PrintAnswers(inOptions.mPlan, settings, [&](const std::string& inText) { return ReadCount(inText, settings); });
 }
 
 void Parse(const Options& inOptions)
 {
     const TimecodeSettings settings = Settings(inOptions, inOptions.mFormat);
-    AnswerAll(inOptions.mPlan, settings, [&](const std::string& inText) { return ReadLabel(inText, settings); });
+    PrintAnswers(inOptions.mPlan, settings, [&](const std::string& inText) { return ReadLabel(inText, settings); });
 }
 
 // Checks for overflow: a wrapped sum would be a time at the other end of the range.
@@ -98,10 +98,10 @@ void Add(const Options& inOptions)
     try {
         added = ReadDistance(distance, ofDistance);
     } catch (const Unreadable& fault) {
-        Tell(plan.mCommand + ": " + Describe(distance, fault));
+        PrintDiagnostic(plan.mCommand + ": " + Describe(distance, fault));
         throw PartialFailure();
     }
-    AnswerAll(plan, settings,
+    PrintAnswers(plan, settings,
               [&](const std::string& inText) { return Sum(ReadLabel(inText, settings), added.mTime); });
 }
 
@@ -109,15 +109,15 @@ void Convert(const Options& inOptions)
 {
     const TimecodeSettings source = Settings(inOptions, inOptions.mFormat);
     const TimecodeSettings target = Settings(inOptions, inOptions.mTarget);
-    AnswerAll(inOptions.mPlan, target, [&](const std::string& inText) { return ReadLabel(inText, source); });
+    PrintAnswers(inOptions.mPlan, target, [&](const std::string& inText) { return ReadLabel(inText, source); });
 }
 
 void AddFormat(CLI::App& ioCommand, const std::string& inNames, const std::string& inRateNames, FormatChoice& ioChoice,
                const std::string& inWhat)
 {
-    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; see orl tc table")->check(ComplainOfFormat);
+    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; see orl tc table")->check(FormatError);
     ioCommand.add_option(inRateNames, ioChoice.mRate, "frames or samples per second, such as 25, 29.97 or 30000/1001")
-        ->check(ComplainOfRate);
+        ->check(RateSyntaxError);
 }
 
 void AddStyle(CLI::App& ioCommand, Options& ioOptions)

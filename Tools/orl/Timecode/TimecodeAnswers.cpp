@@ -112,13 +112,13 @@ private:
 
 } // namespace
 
-void Tell(const std::string& inText)
+void PrintDiagnostic(const std::string& inText)
 {
     std::cout.flush();
     std::cerr << "orl: " << inText << '\n';
 }
 
-TimecodeAnswer AnswerTo(const Reading& inReading, const TimecodeSettings& inSettings)
+TimecodeAnswer MakeAnswer(const Reading& inReading, const TimecodeSettings& inSettings)
 {
     const ORL::Timecode code(inReading.mTime, inSettings.mRate, inSettings.mFormat->mDisplay,
                              StyleFor(inReading.mTime, inSettings));
@@ -155,8 +155,8 @@ std::string Describe(const std::string& inText, const Unreadable& inFault)
            + std::string(inFault.mStop + 1, ' ') + '^';
 }
 
-void AnswerAll(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
-               const std::function<Reading(const std::string&)>& inRead)
+void PrintAnswers(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
+                  const std::function<Reading(const std::string&)>& inRead)
 {
     Values values(inPlan.mValues);
     Lines lines(inPlan.mAsJson);
@@ -164,18 +164,18 @@ void AnswerAll(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
     for (std::string value; values.Next(value);) {
         const std::string place = inPlan.mCommand + ": " + values.Place();
         try {
-            const TimecodeAnswer answer = AnswerTo(inRead(value), inSettings);
+            const TimecodeAnswer answer = MakeAnswer(inRead(value), inSettings);
             lines.Write(inPlan.mAsJson ? InJson(value, answer, inSettings)
                                        : InText(answer, inSettings, inPlan.mInFull));
             if (!inPlan.mAsJson && !answer.mRemark.empty()) {
-                Tell(place + JsonQuoted(value) + " is read as " + answer.mLabel + ": " + answer.mRemark);
+                PrintDiagnostic(place + JsonQuoted(value) + " is read as " + answer.mLabel + ": " + answer.mRemark);
             }
         } catch (const Unreadable& fault) {
             hasFailed = true;
             if (inPlan.mAsJson) {
                 lines.Write(InJson(value, fault));
             } else {
-                Tell(place + Describe(value, fault));
+                PrintDiagnostic(place + Describe(value, fault));
             }
         }
     }

@@ -19,7 +19,7 @@ struct TimecodeAnswer
 };
 
 /// Returns the label and count of a time.
-TimecodeAnswer AnswerTo(const Reading& inReading, const TimecodeSettings& inSettings);
+TimecodeAnswer MakeAnswer(const Reading& inReading, const TimecodeSettings& inSettings);
 
 /// Returns the seconds with up to six decimals; halves round away from zero.
 std::string InSeconds(const tvxmediatypes::TickTime& inTime);
@@ -28,7 +28,7 @@ std::string InSeconds(const tvxmediatypes::TickTime& inTime);
 std::string Describe(const std::string& inText, const Unreadable& inFault);
 
 /// Writes a line to standard error, after flushing the answers so far.
-void Tell(const std::string& inText);
+void PrintDiagnostic(const std::string& inText);
 
 /// How a command processes many values.
 struct AnswerPlan
@@ -41,7 +41,7 @@ struct AnswerPlan
 
 /// Answers each value on one line. For a value that cannot be read, writes a message to standard error (in JSON, an
 /// object with the error) and continues. Throws PartialFailure at the end if any value could not be read.
-void AnswerAll(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
-               const std::function<Reading(const std::string&)>& inRead);
+void PrintAnswers(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
+                  const std::function<Reading(const std::string&)>& inRead);
 
 } // namespace orl

@@ -126,7 +126,7 @@ std::string RateInFull(const FrameRate& inRate)
     return Shortest(inRate.GetValue());
 }
 
-std::string RateComplaint(const TimecodeFormat& inFormat, const FrameRate& inRate)
+std::string RateError(const TimecodeFormat& inFormat, const FrameRate& inRate)
 {
     const bool isAudio = inFormat.mDisplay >= kTimeDisplay_AudioSamplesTimecode;
     const FrameRate slowest = isAudio ? kFrameRate_Video1000 : FrameRate(1.0);

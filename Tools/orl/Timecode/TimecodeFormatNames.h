@@ -51,6 +51,6 @@ std::string RateInShort(const tvxmediatypes::FrameRate& inRate);
 std::string RateInFull(const tvxmediatypes::FrameRate& inRate);
 
 /// Returns why a rate does not fit a format, or an empty string if it does.
-std::string RateComplaint(const TimecodeFormat& inFormat, const tvxmediatypes::FrameRate& inRate);
+std::string RateError(const TimecodeFormat& inFormat, const tvxmediatypes::FrameRate& inRate);
 
 } // namespace orl

@@ -26,7 +26,7 @@ std::size_t SkipSign(const std::string& inText)
 }
 
 // Describes the character at inStop. Characters outside ASCII are shown whole.
-std::string Complaint(const std::string& inText, std::size_t inStop)
+std::string ParseErrorText(const std::string& inText, std::size_t inStop)
 {
     if (inStop >= inText.size()) {
         return "a number is missing";
@@ -101,24 +101,24 @@ void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
 
 // During its lifetime, a failing check of the library is recorded and not shown: typed text is at fault, not the
 // library.
-class NotedChecks
+class ScopedCheckRecorder
 {
 public:
-    NotedChecks()
+    ScopedCheckRecorder()
     {
         sHasFailed = false;
         tvxcore::debug::Dialogs dialogs;
-        dialogs.mAssert = &Note;
+        dialogs.mAssert = &OnAssert;
         mEarlier = tvxcore::debug::InstallDialogs(dialogs);
     }
-    ~NotedChecks() { tvxcore::debug::InstallDialogs(mEarlier); }
-    NotedChecks(const NotedChecks&) = delete;
-    NotedChecks& operator=(const NotedChecks&) = delete;
+    ~ScopedCheckRecorder() { tvxcore::debug::InstallDialogs(mEarlier); }
+    ScopedCheckRecorder(const ScopedCheckRecorder&) = delete;
+    ScopedCheckRecorder& operator=(const ScopedCheckRecorder&) = delete;
 
     bool HasFailed() const { return sHasFailed; }
 
 private:
-    static bool Note(bool&, const char*, const unsigned char*, const char*, long, const char*)
+    static bool OnAssert(bool&, const char*, const unsigned char*, const char*, long, const char*)
     {
         sHasFailed = true;
         return false;
@@ -128,7 +128,7 @@ private:
     tvxcore::debug::Dialogs mEarlier;
 };
 
-bool NotedChecks::sHasFailed = false;
+bool ScopedCheckRecorder::sHasFailed = false;
 
 // Returns the fields of a text with exactly four fields; an empty vector for any other text.
 std::vector<long> FourFields(const std::string& inText)
@@ -175,7 +175,7 @@ Reading ReadCount(const std::string& inText, const TimecodeSettings& inSettings)
         ++end;
     }
     if (end != inText.size() || end == begin) {
-        throw Unreadable(Complaint(inText, end), end);
+        throw Unreadable(ParseErrorText(inText, end), end);
     }
     const FrameRate rate = inSettings.CountingRate();
     CheckCount(AllDigits(inText), rate, begin);
@@ -190,10 +190,10 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     const std::size_t stop = ORL::Timecode::FindUnreadable(text, display);
     if (stop != UTF16String::npos) {
         // The text before the stop position is ASCII, so units, characters and bytes have the same count.
-        throw Unreadable(Complaint(inText, stop), stop);
+        throw Unreadable(ParseErrorText(inText, stop), stop);
     }
     CheckNumbers(inText, inSettings);
-    const NotedChecks checks;
+    const ScopedCheckRecorder checks;
     ORL::Timecode code(kTime_Zero, inSettings.mRate, display, inSettings.mStyle);
     code.SetTime(text);
     if (!IsFeet(display) && !IsPlainCount(inText, display) && IsBeyondTheDay(code.GetTime())) {

@@ -60,10 +60,10 @@ void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHas
         inTroubles.push_back({"verify: stopped by the user; the files that are not counted were not checked", worst});
     }
     for (std::size_t i = 0; i + (inHasNoAnswer ? 0 : 1) < inTroubles.size(); ++i) {
-        Complain(inTroubles[i].mText);
+        ReportError(inTroubles[i].mText);
     }
     if (inHasNoAnswer) {
-        std::_Exit(kExitGone); // stopping the library might wait for the disk
+        std::_Exit(kExitDisappeared); // stopping the library might wait for the disk
     }
     if (!inTroubles.empty()) {
         throw Failure(inTroubles.back().mText, worst);

@@ -203,7 +203,7 @@ private:
             const bool isHere = ioFile.mState != VerifiedFile::kMissing && ioFile.mState != VerifiedFile::kUnreadable;
             if (!isHere && IsDestinationGone(mRoots)) {
                 ioFile.mState = VerifiedFile::kNotChecked;
-                End("the folder \"" + mRoots.mShownSource + "\" is gone", kExitGone);
+                End("the folder \"" + mRoots.mShownSource + "\" is gone", kExitDisappeared);
             } else if (isHere && mPresent.count(ioFile.mName) == 0) {
                 const std::lock_guard<std::mutex> lock(mMutex);
                 mOtherSpellings.insert(identity);
@@ -211,7 +211,7 @@ private:
         } catch (const Stopped&) { // the file counts as neither verified nor changed
         } catch (const NoAnswer& failure) {
             mHasNoAnswer = true;
-            End(std::string(failure.what()).substr(sizeof("verify:")), kExitGone);
+            End(std::string(failure.what()).substr(sizeof("verify:")), kExitDisappeared);
         } catch (const std::exception& failure) {
             End("cannot check \"" + ioFile.mName + "\": " + failure.what(), kExitFailure);
         }

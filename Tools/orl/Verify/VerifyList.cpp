@@ -53,7 +53,7 @@ private:
     {
         HeldFolder folder;
         Check(mRoots.OpenSource("", folder));
-        const ORL::Result result = folder.Look(mName, Links::kStay, mList.mStatus);
+        const ORL::Result result = folder.Look(mName, Links::kNoFollow, mList.mStatus);
         if (result == ORL::kFileNotFound) {
             throw Failure("verify: there is no list \"" + mShown + "\" (--manifest names another)");
         }
@@ -62,7 +62,7 @@ private:
             Refuse(mList.mStatus.mKind == EntryStatus::kLink ? "is a link" : "is no file");
         }
         if (mList.mStatus.mSize > kLargest) {
-            Refuse("is too long for a list (" + InWords(mList.mStatus.mSize) + ")");
+            Refuse("is too long for a list (" + FormatSize(mList.mStatus.mSize) + ")");
         }
         Check(outFile.Create(folder.PathOf(mName), ORL::FileAccessFlags::kFileAccess_Read,
                              ORL::FileShareModeFlags::kFileShare_Read | ORL::FileShareModeFlags::kFileShare_Write,

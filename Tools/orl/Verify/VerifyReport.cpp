@@ -35,12 +35,12 @@ void PrintTotalsOf(std::ostream& ioStream, const VerifyOutcome& inOutcome)
 {
     const std::size_t verified = inOutcome.Count(VerifiedFile::kVerified);
     const std::size_t present = inOutcome.Count(VerifiedFile::kPresent);
-    ioStream << '"' << OnOneLine(inOutcome.mShownFolder) << "\": ";
+    ioStream << '"' << WithoutControlCharacters(inOutcome.mShownFolder) << "\": ";
     if (present != 0) {
         ioStream << present << (present == 1 ? " file" : " files") << " present, not read";
     } else {
-        ioStream << verified << (verified == 1 ? " file" : " files") << " verified, " << InWords(inOutcome.mBytesRead)
-                 << " read in " << Rounded(inOutcome.mSeconds) << " s";
+        ioStream << verified << (verified == 1 ? " file" : " files") << " verified, "
+                 << FormatSize(inOutcome.mBytesRead) << " read in " << Rounded(inOutcome.mSeconds) << " s";
         if (inOutcome.mSeconds > 0 && inOutcome.mBytesRead != 0) {
             ioStream << " (" << Rounded(static_cast<double>(inOutcome.mBytesRead) / 1e6 / inOutcome.mSeconds)
                      << " MB/s)";
@@ -104,7 +104,7 @@ void AddTroubleOf(const VerifiedFile& inFile, const std::string& inFolder, std::
     const std::string name = "\"" + JoinHostPath(inFolder, inFile.mName) + "\"";
     switch (inFile.mState) {
     case VerifiedFile::kChanged:
-        ioTroubles.push_back({"verify: " + name + " has changed: " + inFile.mReason, kExitNotTheSame});
+        ioTroubles.push_back({"verify: " + name + " has changed: " + inFile.mReason, kExitMismatch});
         break;
     case VerifiedFile::kMissing:
         ioTroubles.push_back({"verify: " + name + " is missing", kExitMissing});
@@ -155,8 +155,8 @@ std::vector<IngestTrouble> TroublesOf(const std::vector<VerifyOutcome>& inOutcom
 
 int WorstExitCode(const std::vector<IngestTrouble>& inTroubles)
 {
-    constexpr int kWorstFirst[] = {kExitGone,    kExitNotTheSame, kExitMissing, kExitUnreadable,
-                                   kExitFailure, kExitEmpty,      kExitNew};
+    constexpr int kWorstFirst[] = {kExitDisappeared, kExitMismatch, kExitMissing, kExitUnreadable,
+                                   kExitFailure,     kExitEmpty,    kExitNew};
     for (const int code : kWorstFirst) {
         if (std::any_of(inTroubles.begin(), inTroubles.end(),
                         [code](const IngestTrouble& inTrouble) { return inTrouble.mExitCode == code; })) {

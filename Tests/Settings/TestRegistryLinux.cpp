@@ -1,4 +1,4 @@
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <Linux/Settings/LinuxRegistryPlaces.h>
 #include <Linux/Settings/LinuxRegistryStore.h>
@@ -9,7 +9,7 @@ namespace ORLTest {
 using namespace ORL::Registry::Linux;
 
 // Creates the stores' folders for the lifetime of the place, after it releases the stores that other tests left open.
-class RegistryPlace::Impl
+class TestRegistry::Impl
 {
 public:
     Impl()
@@ -27,13 +27,13 @@ public:
     const OwnUserStore mStore;
 };
 
-RegistryPlace::RegistryPlace() : mImpl(std::make_unique<Impl>())
+TestRegistry::TestRegistry() : mImpl(std::make_unique<Impl>())
 {
 }
 
-RegistryPlace::~RegistryPlace() = default;
+TestRegistry::~TestRegistry() = default;
 
-std::string RegistryPlace::Folder() const
+std::string TestRegistry::Folder() const
 {
     return mImpl->mStore.Folder();
 }

@@ -6,11 +6,11 @@
 namespace ORLTest {
 
 /// Its handle is null during the lifetime of the object.
-class WithoutHandle : public ORL::WaitableObject
+class WaitableWithoutHandle : public ORL::WaitableObject
 {
 public:
-    WithoutHandle() : mTakenAway(mEvent) { mEvent = nullptr; }
-    ~WithoutHandle() { mEvent = mTakenAway; }
+    WaitableWithoutHandle() : mTakenAway(mEvent) { mEvent = nullptr; }
+    ~WaitableWithoutHandle() { mEvent = mTakenAway; }
 
 private:
     void* mTakenAway;

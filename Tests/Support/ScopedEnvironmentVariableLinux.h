@@ -8,19 +8,19 @@
 namespace ORLTest {
 
 /// Sets one variable, or removes it if inValue is null. The destructor restores it.
-class Variable
+class ScopedEnvironmentVariable
 {
 public:
-    Variable(const char* inName, const char* inValue) : mName(inName)
+    ScopedEnvironmentVariable(const char* inName, const char* inValue) : mName(inName)
     {
         if (const char* const earlier = std::getenv(inName)) {
             mEarlier = earlier;
         }
         Set(inValue);
     }
-    ~Variable() { Set(mEarlier ? mEarlier->c_str() : nullptr); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
+    ~ScopedEnvironmentVariable() { Set(mEarlier ? mEarlier->c_str() : nullptr); }
+    ScopedEnvironmentVariable(const ScopedEnvironmentVariable&) = delete;
+    ScopedEnvironmentVariable& operator=(const ScopedEnvironmentVariable&) = delete;
 
 private:
     void Set(const char* inValue)

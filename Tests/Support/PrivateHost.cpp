@@ -1,4 +1,4 @@
-#include "OwnHost.h"
+#include "PrivateHost.h"
 
 #include "OwnUserStore.h"
 
@@ -19,15 +19,15 @@ std::string UnusedName()
     return "ORLTests " + std::to_string(random());
 }
 
-struct OwnHost
+struct PrivateHost
 {
-    OwnHost() : mName(UnusedName())
+    PrivateHost() : mName(UnusedName())
     {
         CRV::SetApplicationName(mName.c_str());
         CRV::SetApplicationVersion("5.0");
     }
 
-    ~OwnHost() { ForgetSettingsOfOwnHost(); }
+    ~PrivateHost() { DeletePrivateHostSettings(); }
 
     const OwnUserStore mStore;
     const std::string mName;
@@ -35,13 +35,13 @@ struct OwnHost
 
 } // namespace
 
-const std::string& UseOwnHost()
+const std::string& UsePrivateHost()
 {
-    static const OwnHost sHost;
+    static const PrivateHost sHost;
     return sHost.mName;
 }
 
-void ForgetSettingsOfOwnHost()
+void DeletePrivateHostSettings()
 {
     ORL::RegistryKey key;
     if (ORL::ResultSucceeded(key.Open(ORL::RegistryRootKeys::kUser, ORL::MakeString("Software\\Zerin"),

@@ -1,4 +1,4 @@
-#include "RegistryPlace.h"
+#include "TestRegistry.h"
 
 #include <random>
 

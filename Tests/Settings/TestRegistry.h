@@ -11,13 +11,13 @@
 
 namespace ORLTest {
 
-class RegistryPlace
+class TestRegistry
 {
 public:
-    RegistryPlace();
-    ~RegistryPlace();
-    RegistryPlace(const RegistryPlace&) = delete;
-    RegistryPlace& operator=(const RegistryPlace&) = delete;
+    TestRegistry();
+    ~TestRegistry();
+    TestRegistry(const TestRegistry&) = delete;
+    TestRegistry& operator=(const TestRegistry&) = delete;
 
     /// Returns the folder of the stores on Linux; empty on Windows.
     std::string Folder() const;
@@ -38,7 +38,7 @@ protected:
     /// Returns the path of the test's key, or of a key below it.
     UTF16String Path(const std::u16string& inBelow = std::u16string()) const;
 
-    const RegistryPlace mPlace;
+    const TestRegistry mTestRegistry;
     const UTF16String mPath;
     ORL::RegistryKey mKey; // open with all access
 };
