@@ -44,7 +44,7 @@ inline void ReadContents(const ORL::Resources::ResourceEntry& inEntry)
     Linux::CursorPicture picture{};
     ReadCursor(bytes, picture);
     StringBlock block(inEntry.mData, inEntry.mSize);
-    block.StepOver(kStringsInBlock);
+    block.Skip(kStringsInBlock);
 }
 
 /// Returns null, or a description of the property that failed.

@@ -44,7 +44,7 @@ public:
         ORL_INPUT_CONTRACT(mBusyList.find(inRequest) != mBusyList.end());
         Policy::Write(mBusyList).erase(inRequest);
         typename Policy::Gate* const gate = Policy::Read(mDrainedGate);
-        if (mBusyList.empty() && gate != nullptr && Policy::Keeps(Sync::Step::kBusyListOpensGate)) {
+        if (mBusyList.empty() && gate != nullptr && Policy::Executes(Sync::Step::kBusyListOpensGate)) {
             gate->Open();
         }
     }
@@ -108,7 +108,7 @@ private:
     {
         typename Policy::LockScope lock(mLock);
         const std::uint32_t left = --Policy::Write(mWaiterCount);
-        if (left == 0 || !Policy::Keeps(Sync::Step::kBusyListCountsWaiters)) {
+        if (left == 0 || !Policy::Executes(Sync::Step::kBusyListCountsWaiters)) {
             Policy::ReturnGate(inGate);
             Policy::Write(mDrainedGate) = nullptr;
         }

@@ -81,7 +81,7 @@ private:
 
     static bool Claim(Record& ioRecord)
     {
-        if (Policy::Keeps(Sync::Step::kRequestPoolClaims)) {
+        if (Policy::Executes(Sync::Step::kRequestPoolClaims)) {
             return Policy::CompareAndSet(ioRecord.mBusy, 0, 1);
         }
         const bool wasFree = AtomicRead(ioRecord.mBusy) == 0;

@@ -17,7 +17,7 @@ enum class ReaderSlotStep {
 /// The primitives of the reader slots in the library; a model check provides its own policy.
 struct SystemReaderSlots
 {
-    static constexpr bool Keeps(ReaderSlotStep) { return true; }
+    static constexpr bool Executes(ReaderSlotStep) { return true; }
 
     template <class T>
     using Atomic = std::atomic<T>;
@@ -123,14 +123,14 @@ private:
     // is taken.
     SlotWord* Enter()
     {
-        const bool hadWriter = !Policy::Keeps(ReaderSlotStep::kReaderTakesSlotFirst) && mHasWriter.load();
+        const bool hadWriter = !Policy::Executes(ReaderSlotStep::kReaderTakesSlotFirst) && mHasWriter.load();
         const std::size_t first = Policy::FirstSlot();
         for (std::size_t i = 0; i < Policy::kTries; ++i) {
             SlotWord& slot = mSlots[(first + i) % Policy::kSlots].mIsTaken;
             if (slot.exchange(1) != 0) {
                 continue;
             }
-            if (!(Policy::Keeps(ReaderSlotStep::kReaderTakesSlotFirst) ? mHasWriter.load() : hadWriter)) {
+            if (!(Policy::Executes(ReaderSlotStep::kReaderTakesSlotFirst) ? mHasWriter.load() : hadWriter)) {
                 return &slot;
             }
             slot.store(0, std::memory_order_release);
@@ -141,7 +141,7 @@ private:
 
     void AcquireWriter()
     {
-        if (Policy::Keeps(ReaderSlotStep::kWriterExcludesFirst)) {
+        if (Policy::Executes(ReaderSlotStep::kWriterExcludesFirst)) {
             mHasWriter.store(true);
         }
         for (Slot& slot : mSlots) {
@@ -149,7 +149,7 @@ private:
                 Policy::BackOff(turn);
             }
         }
-        if (!Policy::Keeps(ReaderSlotStep::kWriterExcludesFirst)) {
+        if (!Policy::Executes(ReaderSlotStep::kWriterExcludesFirst)) {
             mHasWriter.store(true);
         }
     }

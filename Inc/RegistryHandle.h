@@ -43,8 +43,8 @@ private:
     SystemError Replace(KeyHandle inKey, unsigned inAccess);
     SystemError DeleteDescendants(const unsigned short* inPath);
     SystemError Close();
-    SystemError OpenAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
-    SystemError CreateAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
+    SystemError OpenKey(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
+    SystemError CreateKey(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey) const;
     SystemError DeleteOne(const unsigned short* inPath) const;
 
     KeyHandle mKey = nullptr;

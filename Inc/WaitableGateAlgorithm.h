@@ -103,7 +103,7 @@ private:
     static Result WaitAsleep(Gate& ioGate, int inMilliseconds, int inTurns)
     {
         typename Policy::MutexLock lock(ioGate.mMutex);
-        if (Policy::Keeps(Step::kGateSecondRead) && IsOpen(ioGate)) {
+        if (Policy::Executes(Step::kGateSecondRead) && IsOpen(ioGate)) {
             return kSuccess;
         }
         const Waiter<Gate> waiter(ioGate);
@@ -123,8 +123,8 @@ private:
     template <class Gate>
     static bool IsStillClosed(Gate& ioGate, std::uint32_t inGeneration)
     {
-        return Policy::Keeps(Step::kGateGenerationEndsSleep) ? Policy::Read(ioGate.mGeneration) == inGeneration
-                                                             : !IsOpen(ioGate);
+        return Policy::Executes(Step::kGateGenerationEndsSleep) ? Policy::Read(ioGate.mGeneration) == inGeneration
+                                                                : !IsOpen(ioGate);
     }
 
     // Returns false if the time ran out. The whole time limit applies to each sleep.

@@ -59,7 +59,7 @@ public:
             return;
         }
         ORL_INPUT_CONTRACT(kSuccess == inGate->Wait(0));
-        if (Policy::Keeps(Step::kGatePoolClosesFirst)) {
+        if (Policy::Executes(Step::kGatePoolClosesFirst)) {
             inGate->Close();
         }
         if (WaitableGatePoolAlgorithm* const pool = sPool) {
@@ -67,7 +67,7 @@ public:
         } else {
             Policy::Delete(inGate);
         }
-        if (!Policy::Keeps(Step::kGatePoolClosesFirst)) {
+        if (!Policy::Executes(Step::kGatePoolClosesFirst)) {
             inGate->Close();
         }
     }

@@ -31,12 +31,12 @@ public:
             GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
             // Between the claim of another flush and its closing of the gate, the gate is still open, so Wait returns
             // at once. Threads that retry without a pause would take the processors from that flush and from its items.
-            if (Policy::Keeps(Step::kFlushYields)) {
+            if (Policy::Executes(Step::kFlushYields)) {
                 Policy::YieldOrSleep(turn);
             }
         }
         // The object becomes claimable before the previous flush is over: its items may still be leaving.
-        if (Policy::Keeps(Step::kFlushWaitsForPrevious)) {
+        if (Policy::Executes(Step::kFlushWaitsForPrevious)) {
             WaitForAll(ioFlush);
         }
         ioFlush.mArrivalGate.Close();

@@ -9,7 +9,7 @@ constexpr Colour kCellColour{44, 48, 58};
 constexpr Colour kText{214, 218, 226};
 constexpr Colour kTitleText{242, 178, 51};
 
-std::uint8_t Straight(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
+std::uint8_t Unpremultiplied(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
 {
     const std::uint32_t colour = ((inPixel >> inShift & 0xFF) * 255 + inAlpha / 2) / inAlpha;
     return static_cast<std::uint8_t>(std::min<std::uint32_t>(colour, 255));
@@ -23,7 +23,8 @@ void DrawPixels(Picture& ioSheet, std::size_t inLeft, std::size_t inTop, const B
         if (alpha == 0) {
             continue;
         }
-        const Colour colour{Straight(pixel, 16, alpha), Straight(pixel, 8, alpha), Straight(pixel, 0, alpha)};
+        const Colour colour{Unpremultiplied(pixel, 16, alpha), Unpremultiplied(pixel, 8, alpha),
+                            Unpremultiplied(pixel, 0, alpha)};
         ioSheet.Blend(inLeft + i % inPixels.mWidth, inTop + i / inPixels.mWidth, colour, alpha / 255.0);
     }
 }

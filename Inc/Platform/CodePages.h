@@ -15,7 +15,7 @@ namespace Platform {
 
 /// Returns an upper bound of the number of units that inBytes bytes convert to, without reading them; 0 if the system
 /// cannot convert that many or lacks the page. inBytes must not be 0, here and below.
-std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes);
+std::size_t MaxUnits_Impl(unsigned int inCodePage, std::size_t inBytes);
 
 /// Returns the number of units that inBytes bytes convert to; 0 if the system cannot convert them.
 std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes);
@@ -26,7 +26,7 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
                          std::size_t inCapacity);
 
 /// These do the same for the opposite direction, from units to bytes.
-std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
+std::size_t MaxBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits);
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,
                          std::size_t inCapacity);

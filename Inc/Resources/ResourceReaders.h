@@ -44,7 +44,7 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex);
 /// neither in the loaded image nor in the file.
 struct ResourceNote
 {
-    std::size_t mPlace;     // offset of the note's contents in the bytes of the notes
+    std::size_t mOffset;    // offset of the note's contents in the bytes of the notes
     std::int64_t mDistance; // from the note's contents to the .res file
     std::uint64_t mSize;
 };

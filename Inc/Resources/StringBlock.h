@@ -29,7 +29,7 @@ public:
     }
 
     /// Skips entries, up to the end.
-    void StepOver(unsigned int inCount) noexcept
+    void Skip(unsigned int inCount) noexcept
     {
         for (unsigned int k = 0; k < inCount && HasEntry(); ++k) {
             mData += 2 + 2 * std::size_t{Length()};

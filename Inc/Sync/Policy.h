@@ -21,7 +21,7 @@
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
 //                         the gate, and its pool
-//   Keeps                 whether a step is executed: always true in the product; omitting one must fail a model check
+//   Executes              whether a step is executed: always true in the product; omitting one must fail a model check
 #pragma once
 
 #include <ORLAtomic.h>
@@ -54,7 +54,7 @@ enum class Step {
 
 struct SystemPolicy
 {
-    static constexpr bool Keeps(Step) { return true; }
+    static constexpr bool Executes(Step) { return true; }
 
     using Flag = std::atomic<bool>;
     static bool CompareAndSet(Flag& ioTarget, bool inExpected, bool inNew)

@@ -14,7 +14,7 @@ namespace {
 // The shell is not called for paths of this length or more: its objects accept only plain paths of limited length.
 constexpr std::size_t kTooLongForShell = 261;
 
-UTF16String TakeWhole(UTF16String& ioPath)
+UTF16String DetachAll(UTF16String& ioPath)
 {
     UTF16String whole;
     whole.swap(ioPath);
@@ -23,7 +23,7 @@ UTF16String TakeWhole(UTF16String& ioPath)
 
 // Returns the plain leaf of a path that the shell does not accept, and removes it from ioPath. A path that ends in a
 // backslash is returned whole and not changed.
-UTF16String TakePlainLeaf(UTF16String& ioPath)
+UTF16String DetachLeaf(UTF16String& ioPath)
 {
     const std::size_t backslash = ioPath.rfind('\\');
     if (backslash == UTF16String::npos || backslash + 1 == ioPath.size()) {
@@ -45,11 +45,11 @@ bool IsShareOrServer(const UTF16String& inPath)
 UTF16String GetLeafDisplayName(UTF16String& ioPath)
 {
     if (ioPath.size() >= kTooLongForShell) {
-        return TakePlainLeaf(ioPath);
+        return DetachLeaf(ioPath);
     }
     const std::size_t backslash = ioPath.rfind('\\');
     if (ioPath.size() < 4 || IsShareOrServer(ioPath) || backslash == UTF16String::npos) {
-        return TakeWhole(ioPath);
+        return DetachAll(ioPath);
     }
     UTF16String name(ioPath, backslash + 1);
     const UTF16String whole = ioPath;

@@ -51,13 +51,13 @@ bool Retries::IsWorthwhile(int inErrno)
     return true;
 }
 
-std::int64_t ReadNow(const ReadOrder& inOrder)
+std::int64_t ReadNow(const ReadRequest& inRequest)
 {
     Retries retries;
     ssize_t returned = -1;
     do {
-        returned = System().mPRead(inOrder.mFile->File(), inOrder.mBuffer, inOrder.mSize,
-                                   static_cast<off_t>(PositionOf(*inOrder.mOverlapped)));
+        returned = System().mPRead(inRequest.mFile->File(), inRequest.mBuffer, inRequest.mSize,
+                                   static_cast<off_t>(PositionOf(*inRequest.mOverlapped)));
     } while (returned < 0 && retries.IsWorthwhile(errno));
     return returned >= 0 ? returned : -static_cast<std::int64_t>(errno);
 }
@@ -91,7 +91,7 @@ using namespace SystemErrors;
 
 // A counted reference, because the files of these reads may be closed before the reads are submitted. Only the thread
 // that starts reads uses it.
-Immortal<std::shared_ptr<CompletionPort>> sPortOfHeldBack;
+Immortal<std::shared_ptr<CompletionPort>> sBatchPort;
 
 AsyncFile& FileOf(Handle inFile)
 {
@@ -150,7 +150,7 @@ SystemError UseCache(AsyncFile& ioFile)
 }
 
 // Unaligned reads fail for every file, as on Windows, even if this file system accepts them.
-SystemError LearnAlignment(AsyncFile& ioFile)
+SystemError ChooseAlignment(AsyncFile& ioFile)
 {
     ioFile.mAlignment = kSmallestSector;
     if (ioFile.mUsesCache) {
@@ -216,7 +216,7 @@ void* RunThread(void* inThread)
 
 // Valgrind runs one thread at a time and cannot detect that a thread sleeps in a ring, so that thread would block all
 // others.
-bool IsRingUnwanted()
+bool MustAvoidRing()
 {
     return RUNNING_ON_VALGRIND != 0;
 }
@@ -228,7 +228,7 @@ SystemError CreatePort_Impl(Handle& outPort)
     outPort = nullptr;
     try {
         int refusal = 0;
-        std::shared_ptr<CompletionPort> port = IsRingUnwanted() ? nullptr : MakeRingPort(refusal);
+        std::shared_ptr<CompletionPort> port = MustAvoidRing() ? nullptr : MakeRingPort(refusal);
         if (port == nullptr) {
             port = MakeThreadPort(refusal);
         }
@@ -282,7 +282,7 @@ SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& out
     }
     error = CheckKind(*file);
     if (error == kNoError) {
-        error = LearnAlignment(*file);
+        error = ChooseAlignment(*file);
     }
     if (error != kNoError) {
         return error;
@@ -325,16 +325,16 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
     if (error != kNoError) {
         return error;
     }
-    if (sPortOfHeldBack.mValue == nullptr) {
-        sPortOfHeldBack.mValue = file.mPort;
+    if (sBatchPort.mValue == nullptr) {
+        sBatchPort.mValue = file.mPort;
     }
-    return file.mPort->Start(ReadOrder{&file, outBuffer, inSize, ioOverlapped});
+    return file.mPort->Start(ReadRequest{&file, outBuffer, inSize, ioOverlapped});
 }
 
 std::size_t SubmitReads_Impl(SystemError& outError)
 {
     outError = kNoError;
-    const std::shared_ptr<CompletionPort> port = std::move(sPortOfHeldBack.mValue);
+    const std::shared_ptr<CompletionPort> port = std::move(sBatchPort.mValue);
     return port != nullptr ? port->Submit(outError) : 0;
 }
 

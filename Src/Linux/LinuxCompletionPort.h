@@ -15,7 +15,7 @@ namespace Linux {
 struct AsyncFile;
 
 /// One read, from its start to its completion. mOverlapped contains its position in the file.
-struct ReadOrder
+struct ReadRequest
 {
     AsyncFile* mFile;
     void* mBuffer;
@@ -38,7 +38,7 @@ public:
     virtual void Close() = 0;
 
     /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
-    virtual SystemError Start(const ReadOrder& inOrder) = 0;
+    virtual SystemError Start(const ReadRequest& inRequest) = 0;
 
     /// Submits the reads held back. Returns how many of the newest reads the system refused, with the reason in
     /// outError.
@@ -99,7 +99,7 @@ private:
 };
 
 /// Reads on the calling thread. Returns the bytes read, or an errno negated.
-std::int64_t ReadNow(const ReadOrder& inOrder);
+std::int64_t ReadNow(const ReadRequest& inRequest);
 
 /// Fills outCompletion for a completed read. inReturned is the number of bytes, or an errno negated. Returns false for
 /// a failed read.

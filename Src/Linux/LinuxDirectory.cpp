@@ -139,7 +139,7 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
 namespace {
 
 // In a folder where files can be created but not deleted, the test file would remain forever.
-bool KeepsAllNames(const std::string& inFolder)
+bool IsAppendOnly(const std::string& inFolder)
 {
     struct statx status;
     return System().mStatx(AT_FDCWD, inFolder.c_str(), 0, STATX_TYPE, &status) == 0
@@ -153,7 +153,7 @@ bool KeepsAllNames(const std::string& inFolder)
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ResolveToUsablePath(inPath, path) != kNoError || KeepsAllNames(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
+    if (ResolveToUsablePath(inPath, path) != kNoError || IsAppendOnly(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
     const Descriptor file = OpenByPath(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);

@@ -5,7 +5,7 @@
 #include "LinuxHostPath.h"
 #include "SystemCalls.h"
 
-#include <HomePathText.h>
+#include <WindowsPathText.h>
 #include <cerrno>
 #include <cstdio>
 #include <linux/magic.h>
@@ -129,7 +129,7 @@ SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName)
 
 bool IsRoot_Impl(const UTF16String& inPath)
 {
-    return PathUtils::HomeText::IsRoot(inPath);
+    return PathUtils::WindowsText::IsRoot(inPath);
 }
 
 } // namespace Platform

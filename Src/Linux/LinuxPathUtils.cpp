@@ -6,8 +6,8 @@
 #include "LinuxOpenFolder.h"
 #include "SystemCalls.h"
 
-#include <HomePathText.h>
 #include <ORLHostPath.h>
+#include <WindowsPathText.h>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -95,7 +95,7 @@ bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
 UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                           const UTF16String& inExtension)
 {
-    return HomeText::MakePath(inDrive, inDirectory, inFile, inExtension);
+    return WindowsText::MakePath(inDrive, inDirectory, inFile, inExtension);
 }
 
 bool FindEntry_Impl(const UTF16String& inPath)
@@ -197,17 +197,17 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath)
 
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)
 {
-    return HomeText::FindNextComponent(inPath);
+    return WindowsText::FindNextComponent(inPath);
 }
 
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
 {
-    return HomeText::RelativePathTo(inFrom, inTo, outRelative);
+    return WindowsText::RelativePathTo(inFrom, inTo, outRelative);
 }
 
 bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath)
 {
-    return HomeText::Combine(inBase, inMore, outPath);
+    return WindowsText::Combine(inBase, inMore, outPath);
 }
 
 // Uses $TMPDIR if it is an absolute path, otherwise /tmp. Like Windows, does not check that the folder exists.

@@ -32,21 +32,21 @@ Overlapped sAlarm{};
 // A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++
 // memory model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, the
 // record stores everything about it; mEvent, otherwise unused, stores the size.
-void Publish(const ReadOrder& inOrder)
+void Publish(const ReadRequest& inRequest)
 {
-    Overlapped& overlapped = *inOrder.mOverlapped;
-    overlapped.mSystemWord2 = reinterpret_cast<std::uintptr_t>(inOrder.mBuffer);
-    overlapped.mEvent = reinterpret_cast<void*>(std::uintptr_t{inOrder.mSize});
-    __atomic_store_n(&overlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inOrder.mFile), __ATOMIC_RELEASE);
+    Overlapped& overlapped = *inRequest.mOverlapped;
+    overlapped.mSystemWord2 = reinterpret_cast<std::uintptr_t>(inRequest.mBuffer);
+    overlapped.mEvent = reinterpret_cast<void*>(std::uintptr_t{inRequest.mSize});
+    __atomic_store_n(&overlapped.mSystemWord1, reinterpret_cast<std::uintptr_t>(inRequest.mFile), __ATOMIC_RELEASE);
 }
 
-ReadOrder Consume(Overlapped& ioOverlapped)
+ReadRequest Consume(Overlapped& ioOverlapped)
 {
     auto* const file =
         reinterpret_cast<AsyncFile*>(__atomic_load_n(&ioOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
     const auto size = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ioOverlapped.mEvent));
     ioOverlapped.mEvent = nullptr;
-    return ReadOrder{file, reinterpret_cast<void*>(ioOverlapped.mSystemWord2), size, &ioOverlapped};
+    return ReadRequest{file, reinterpret_cast<void*>(ioOverlapped.mSystemWord2), size, &ioOverlapped};
 }
 
 class RingPort : public CompletionPort
@@ -92,17 +92,17 @@ public:
         }
     }
 
-    SystemError Start(const ReadOrder& inOrder) override
+    SystemError Start(const ReadRequest& inRequest) override
     {
         const MutexLock lock(mSubmitting);
         io_uring_sqe* const entry = TakeEntry();
         if (entry == nullptr) {
             return SystemErrors::kErrorBusy;
         }
-        ::io_uring_prep_read(entry, inOrder.mFile->File(), inOrder.mBuffer, inOrder.mSize,
-                             PositionOf(*inOrder.mOverlapped));
-        ::io_uring_sqe_set_data(entry, inOrder.mOverlapped);
-        Publish(inOrder); // last: the thread that completes the read may close the file
+        ::io_uring_prep_read(entry, inRequest.mFile->File(), inRequest.mBuffer, inRequest.mSize,
+                             PositionOf(*inRequest.mOverlapped));
+        ::io_uring_sqe_set_data(entry, inRequest.mOverlapped);
+        Publish(inRequest); // last: the thread that completes the read may close the file
         return SystemErrors::kErrorIoPending;
     }
 
@@ -163,10 +163,10 @@ public:
 
 private:
     // The kernel aborts a read on a signal or a temporary shortage; the read itself has not failed.
-    static bool Complete(const ReadOrder& inOrder, int inReturned, Completion& outCompletion)
+    static bool Complete(const ReadRequest& inRequest, int inReturned, Completion& outCompletion)
     {
         const bool isGivenUp = inReturned < 0 && Retries().IsWorthwhile(-inReturned);
-        return CompleteRead(*inOrder.mFile, *inOrder.mOverlapped, isGivenUp ? ReadNow(inOrder) : inReturned,
+        return CompleteRead(*inRequest.mFile, *inRequest.mOverlapped, isGivenUp ? ReadNow(inRequest) : inReturned,
                             outCompletion);
     }
 

@@ -19,9 +19,9 @@ constexpr std::size_t kThreads = 8;
 // Space for every read that can be in flight, and an empty packet.
 constexpr std::size_t kPlaces = 4096;
 
-struct Finished
+struct CompletedRead
 {
-    ReadOrder mOrder; // an entry without a file is an empty packet
+    ReadRequest mRequest; // an entry without a file is an empty packet
     std::int64_t mReturned;
 };
 
@@ -73,9 +73,9 @@ public:
         {
             const MutexLock lock(mMutex);
             mIsEnding = true;
-            mOrders.Clear();
+            mRequests.Clear();
         }
-        mOrderAdded.notify_all();
+        mRequestAdded.notify_all();
         for (const Handle thread : mThreads) {
             WaitForThread_Impl(thread);
             CloseThread_Impl(thread);
@@ -91,18 +91,18 @@ public:
         mReadFinished.notify_all();
     }
 
-    SystemError Start(const ReadOrder& inOrder) override
+    SystemError Start(const ReadRequest& inRequest) override
     {
         const MutexLock lock(mMutex);
-        if (!mOrders.Push(inOrder)) {
+        if (!mRequests.Push(inRequest)) {
             return SystemErrors::kErrorBusy;
         }
-        const SystemError refusal = mOrders.Count() > mIdle ? AddThread() : SystemErrors::kNoError;
+        const SystemError refusal = mRequests.Count() > mIdle ? AddThread() : SystemErrors::kNoError;
         if (refusal != SystemErrors::kNoError && mThreads.empty()) {
-            mOrders.PopNewest(); // no thread would ever run the read
+            mRequests.PopNewest(); // no thread would ever run the read
             return refusal;
         }
-        mOrderAdded.notify_one();
+        mRequestAdded.notify_one();
         return SystemErrors::kErrorIoPending;
     }
 
@@ -113,18 +113,18 @@ public:
         return 0;
     }
 
-    bool PostEmptyPacket() override { return Report(Finished{ReadOrder{}, 0}); }
+    bool PostEmptyPacket() override { return Report(CompletedRead{ReadRequest{}, 0}); }
 
     bool Get(Completion& outCompletion) override
     {
         outCompletion = Completion{};
-        Finished finished{};
-        if (!TakeFinished(finished)) {
+        CompletedRead finished{};
+        if (!TakeCompleted(finished)) {
             return false;
         }
-        const ReadOrder& order = finished.mOrder;
-        return order.mFile == nullptr
-               || CompleteRead(*order.mFile, *order.mOverlapped, finished.mReturned, outCompletion);
+        const ReadRequest& request = finished.mRequest;
+        return request.mFile == nullptr
+               || CompleteRead(*request.mFile, *request.mOverlapped, finished.mReturned, outCompletion);
     }
 
     const char* Describe() const override { return mDescription; }
@@ -143,33 +143,33 @@ private:
         return refusal;
     }
 
-    static void Serve(void* inPort) { static_cast<ThreadPort*>(inPort)->ServeOrders(); }
+    static void Serve(void* inPort) { static_cast<ThreadPort*>(inPort)->ServeRequests(); }
 
-    void ServeOrders()
+    void ServeRequests()
     {
-        ReadOrder order;
-        while (TakeOrder(order)) {
-            Report(Finished{order, ReadNow(order)});
+        ReadRequest request;
+        while (TakeRequest(request)) {
+            Report(CompletedRead{request, ReadNow(request)});
         }
     }
 
-    bool TakeOrder(ReadOrder& outOrder)
+    bool TakeRequest(ReadRequest& outRequest)
     {
         MutexLock lock(mMutex);
         ++mIdle;
-        while (!mIsEnding && mOrders.IsEmpty()) {
-            mOrderAdded.wait(lock.Lock());
+        while (!mIsEnding && mRequests.IsEmpty()) {
+            mRequestAdded.wait(lock.Lock());
         }
         --mIdle;
         if (mIsEnding) {
             return false;
         }
-        outOrder = mOrders.Pop();
+        outRequest = mRequests.Pop();
         return true;
     }
 
     // Waits for a read. Returns false if the port is closed.
-    bool TakeFinished(Finished& outFinished)
+    bool TakeCompleted(CompletedRead& outFinished)
     {
         MutexLock lock(mMutex);
         while (!mIsClosed && mFinished.IsEmpty()) {
@@ -182,7 +182,7 @@ private:
         return true;
     }
 
-    bool Report(const Finished& inFinished)
+    bool Report(const CompletedRead& inFinished)
     {
         bool hasRoom = false;
         {
@@ -195,10 +195,10 @@ private:
 
     const char* const mDescription;
     Mutex mMutex;
-    std::condition_variable mOrderAdded;
+    std::condition_variable mRequestAdded;
     std::condition_variable mReadFinished;
-    FixedQueue<ReadOrder> mOrders TVXCORE_GUARDED_BY(mMutex);
-    FixedQueue<Finished> mFinished TVXCORE_GUARDED_BY(mMutex);
+    FixedQueue<ReadRequest> mRequests TVXCORE_GUARDED_BY(mMutex);
+    FixedQueue<CompletedRead> mFinished TVXCORE_GUARDED_BY(mMutex);
     std::vector<Handle> mThreads TVXCORE_GUARDED_BY(mMutex); // the destructor joins them without the lock
     std::size_t mIdle TVXCORE_GUARDED_BY(mMutex) = 0;
     bool mIsEnding TVXCORE_GUARDED_BY(mMutex) = false;

@@ -23,7 +23,7 @@ float Smallest(const ChannelRing& inColor)
     return inColor[isBlue ? kBlue : isGreen ? kGreen : kRed];
 }
 
-RGB OfHSL(unsigned int inH, float inS, unsigned int inL)
+RGB RGBFromHSL(unsigned int inH, float inS, unsigned int inL)
 {
     RGB color;
     NormalizedHSLtoRGB(static_cast<float>(inH) / 360.0f, inS, static_cast<float>(inL) / 100.0f, color.mRed,
@@ -85,14 +85,14 @@ void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& out
 
 void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor)
 {
-    outColor = Stored(OfHSL(inH, static_cast<float>(inS) / 100.0f, inL));
+    outColor = Stored(RGBFromHSL(inH, static_cast<float>(inS) / 100.0f, inL));
 }
 
 void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH, unsigned int& outS,
                    unsigned int& outV)
 {
     float saturation = static_cast<float>(inS) / 100.0f;
-    const RGB rgb = OfHSL(inH, saturation, inL);
+    const RGB rgb = RGBFromHSL(inH, saturation, inL);
     const ChannelRing color(rgb.mRed, rgb.mGreen, rgb.mBlue);
     const float value = color[LargestOfHSV(color)];
     if (!IsNearZero(value)) {

@@ -19,7 +19,7 @@ bool IsByte(int inValue)
 }
 
 // Removes the offset of 128. Adding 128 has the same effect as subtracting it, because 8 bits wrap.
-char AboutZero(int inByte)
+char RemoveOffset(int inByte)
 {
     return static_cast<char>(inByte + 128);
 }
@@ -46,8 +46,8 @@ void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY
     const int v = static_cast<int>(0.439 * red - 0.368 * green - 0.071 * blue + 128);
     const int u = static_cast<int>(-0.148 * red - 0.291 * green + 0.439 * blue + 128);
     outY = static_cast<unsigned char>(y);
-    outU = AboutZero(u);
-    outV = AboutZero(v);
+    outU = RemoveOffset(u);
+    outV = RemoveOffset(v);
 }
 
 bool ColorYUVtoRGB(unsigned char inY, char inU, char inV, ParamColor<unsigned long>& outColor)

@@ -30,7 +30,7 @@ Table& Directories()
 }
 
 // No reasonable table is nested deeper. The limit bounds the recursion, so it fits the smallest stacks that hosts use.
-constexpr int kDeepestReference = 64;
+constexpr int kMaxReferenceDepth = 64;
 
 // A symbol that is being expanded, and the expansion whose pattern refers to it.
 struct Expansion
@@ -52,7 +52,7 @@ bool IsBeingExpanded(const UTF16String& inSymbol, const Expansion* inExpansion)
 
 bool MayExpand(const UTF16String& inSymbol, const Expansion& inExpansion)
 {
-    const bool isCycleOrTooDeep = inExpansion.mDepth >= kDeepestReference || IsBeingExpanded(inSymbol, &inExpansion);
+    const bool isCycleOrTooDeep = inExpansion.mDepth >= kMaxReferenceDepth || IsBeingExpanded(inSymbol, &inExpansion);
     ORL_ASSERT_MESSAGE_IN(!isCycleOrTooDeep,
                           ("The symbolic directory " + MakeStdString(inSymbol)
                            + " refers to itself or is nested too deeply.\r\n")

@@ -13,14 +13,14 @@ RegistryHandle::~RegistryHandle()
 SystemError RegistryHandle::Open(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess)
 {
     KeyHandle key = nullptr;
-    const SystemError error = OpenAnew(inParent, inPath, inAccess, key);
+    const SystemError error = OpenKey(inParent, inPath, inAccess, key);
     return error == kNoError ? Replace(key, inAccess) : error;
 }
 
 SystemError RegistryHandle::Create(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess)
 {
     KeyHandle key = nullptr;
-    const SystemError error = CreateAnew(inParent, inPath, inAccess, key);
+    const SystemError error = CreateKey(inParent, inPath, inAccess, key);
     return error == kNoError ? Replace(key, inAccess) : error;
 }
 
@@ -74,8 +74,8 @@ SystemError RegistryHandle::DeleteDescendants(const unsigned short* inPath)
     }
 }
 
-SystemError RegistryHandle::OpenAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
-                                     KeyHandle& outKey) const
+SystemError RegistryHandle::OpenKey(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
+                                    KeyHandle& outKey) const
 {
     if (mManager != nullptr && mManager->mTransaction != nullptr) {
         return OpenKeyTransacted_Impl(inParent, inPath, inAccess, mManager->mTransaction, outKey);
@@ -86,8 +86,8 @@ SystemError RegistryHandle::OpenAnew(KeyHandle inParent, const unsigned short* i
     return OpenKey_Impl(inParent, inPath, inAccess, outKey);
 }
 
-SystemError RegistryHandle::CreateAnew(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
-                                       KeyHandle& outKey) const
+SystemError RegistryHandle::CreateKey(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
+                                      KeyHandle& outKey) const
 {
     if (mManager != nullptr && mManager->mTransaction != nullptr) {
         return CreateKeyTransacted_Impl(inParent, inPath, inAccess, mManager->mTransaction, outKey);

@@ -40,7 +40,7 @@ Result ResultOf(SystemError inError)
 }
 
 // Used by the operations that report a missing key separately.
-Result ResultOfFinding(SystemError inError)
+Result ResultOfLookup(SystemError inError)
 {
     return inError == kErrorFileNotFound || inError == kErrorPathNotFound ? kFileNotFound : ResultOf(inError);
 }
@@ -50,7 +50,7 @@ Result ResultOfFinding(SystemError inError)
 Result RegistryKey::PrivateImpl::Open(KeyHandle inParent, const UTF16String& inPath, unsigned inAccess)
 {
     mPath = inPath;
-    return ResultOfFinding(mKey->Open(inParent, mPath.c_str(), inAccess));
+    return ResultOfLookup(mKey->Open(inParent, mPath.c_str(), inAccess));
 }
 
 Result RegistryKey::PrivateImpl::Create(KeyHandle inParent, const UTF16String& inPath)
@@ -117,7 +117,7 @@ Result RegistryKey::DeleteValue(const UTF16String& inName)
 
 Result RegistryKey::DeleteSubKey(const UTF16String& inPath)
 {
-    return ResultOfFinding(mImpl->mKey->DeleteTree(inPath.c_str()));
+    return ResultOfLookup(mImpl->mKey->DeleteTree(inPath.c_str()));
 }
 
 void RegistryKey::EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const

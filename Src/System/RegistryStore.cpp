@@ -15,7 +15,7 @@ using namespace SystemErrors;
 namespace {
 
 constexpr unsigned kLongestNameCapacity = 16384; // fits longer names too, which another program may have stored
-constexpr unsigned short kHere[] = {0};          // the empty path
+constexpr unsigned short kEmptyPath[] = {0};     // the empty path
 
 Result ResultOf(SystemError inError)
 {
@@ -27,7 +27,7 @@ KeyHandle RootOf(RegistryRootKeys::Type inRoot)
     return inRoot == RegistryRootKeys::kMachine ? GetMachineRoot_Impl() : GetUserRoot_Impl();
 }
 
-SystemError UnlessMissing(SystemError inError)
+SystemError IgnoreMissing(SystemError inError)
 {
     return inError == kErrorFileNotFound || inError == kErrorPathNotFound ? kNoError : inError;
 }
@@ -47,7 +47,7 @@ SystemError ListNames(KeyHandle inKey, std::vector<UTF16String>& outNames)
 
 // SetValue_Impl reads one unit past a text and stores it if it is a terminator. The appended unit 0xFFFF prevents that,
 // so the caller's bytes are stored unchanged.
-SystemError SetExactly(KeyHandle inKey, const Value& inValue)
+SystemError SetValueVerbatim(KeyHandle inKey, const Value& inValue)
 {
     std::vector<unsigned char> data = inValue.mData;
     data.insert(data.end(), {0xFF, 0xFF});
@@ -59,21 +59,21 @@ SystemError SetValueAt(KeyHandle inRoot, const Edit& inEdit)
 {
     RegistryHandle key;
     const SystemError error = key.Create(inRoot, inEdit.mPath, kAccessWrite);
-    return error == kNoError ? SetExactly(key.Get(), *inEdit.mValue) : error;
+    return error == kNoError ? SetValueVerbatim(key.Get(), *inEdit.mValue) : error;
 }
 
 SystemError DeleteValueAt(KeyHandle inRoot, const Edit& inEdit)
 {
     RegistryHandle key;
     const SystemError error = key.Open(inRoot, inEdit.mPath, kAccessWrite);
-    return UnlessMissing(error == kNoError ? DeleteValue_Impl(key.Get(), inEdit.mValue->mName.c_str()) : error);
+    return IgnoreMissing(error == kNoError ? DeleteValue_Impl(key.Get(), inEdit.mValue->mName.c_str()) : error);
 }
 
 SystemError DeleteTreeAt(KeyHandle inRoot, const Edit& inEdit)
 {
     RegistryHandle root;
-    const SystemError error = root.Open(inRoot, kHere, kAccessRead);
-    return error == kNoError ? UnlessMissing(root.DeleteTree(inEdit.mPath)) : error;
+    const SystemError error = root.Open(inRoot, kEmptyPath, kAccessRead);
+    return error == kNoError ? IgnoreMissing(root.DeleteTree(inEdit.mPath)) : error;
 }
 
 SystemError ApplyOne(KeyHandle inRoot, const Edit& inEdit)

@@ -17,8 +17,8 @@ struct ToUnicode16
 {
     using Source = std::string;
     using Target = UTF16String;
-    static constexpr std::size_t kMostForResult = 4; // at most this many bytes convert to one unit
-    static constexpr auto kLimit = &StringUtils::Platform::MostUnits_Impl;
+    static constexpr std::size_t kMaxSourcePerResult = 4; // at most this many bytes convert to one unit
+    static constexpr auto kLimit = &StringUtils::Platform::MaxUnits_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureUnits_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToUnits_Impl;
 };
@@ -27,8 +27,8 @@ struct ToCodePage
 {
     using Source = UTF16String;
     using Target = std::string;
-    static constexpr std::size_t kMostForResult = 2; // the two units of a surrogate pair may convert together
-    static constexpr auto kLimit = &StringUtils::Platform::MostBytes_Impl;
+    static constexpr std::size_t kMaxSourcePerResult = 2; // the two units of a surrogate pair may convert together
+    static constexpr auto kLimit = &StringUtils::Platform::MaxBytes_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureBytes_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToBytes_Impl;
 };
@@ -36,10 +36,10 @@ struct ToCodePage
 // Returns the capacity for the result in elements, or 0 if the text cannot be converted. Measures the text only if the
 // choice of the buffer depends on it, because measuring costs as much as converting.
 template <class Direction>
-std::size_t RoomForResult(const typename Direction::Source& inText, unsigned int inCodePage)
+std::size_t CapacityForResult(const typename Direction::Source& inText, unsigned int inCodePage)
 {
     const std::size_t most = Direction::kLimit(inCodePage, inText.size());
-    const bool mayFitStack = inText.size() <= kStackBuffer * Direction::kMostForResult;
+    const bool mayFitStack = inText.size() <= kStackBuffer * Direction::kMaxSourcePerResult;
     return most > kStackBuffer && mayFitStack ? Direction::kMeasure(inCodePage, inText.data(), inText.size()) : most;
 }
 
@@ -55,19 +55,19 @@ typename Direction::Target Convert(const typename Direction::Source& inText, uns
         return Target();
     }
     const unsigned int codePage = inCodePage != 0 ? inCodePage : StringUtils::GetDefaultCodePage();
-    const std::size_t room = RoomForResult<Direction>(inText, codePage);
+    const std::size_t capacity = CapacityForResult<Direction>(inText, codePage);
     const auto convert = [&](Element* outBuffer) {
         const std::size_t length =
-            room != 0 ? Direction::kConvert(codePage, inText.data(), inText.size(), outBuffer, room) : 0;
+            capacity != 0 ? Direction::kConvert(codePage, inText.data(), inText.size(), outBuffer, capacity) : 0;
         inCheckSite(length);
         return length;
     };
-    if (room <= kStackBuffer) {
+    if (capacity <= kStackBuffer) {
         Element onStack[kStackBuffer];
         const std::size_t length = convert(onStack);
         return Target(onStack, length);
     }
-    Target result(room, Element());
+    Target result(capacity, Element());
     result.resize(convert(&result[0]));
     return result;
 }

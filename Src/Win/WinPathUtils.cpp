@@ -2,7 +2,7 @@
 
 #include "WinText.h"
 
-#include <HomePathText.h>
+#include <WindowsPathText.h>
 #include <shlobj.h>
 #include <shlwapi.h>
 #include <windows.h>
@@ -161,7 +161,7 @@ bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF
 {
     // The system silently truncates such a path.
     if (inFrom.size() >= kMaxPath || inTo.size() >= kMaxPath) {
-        return HomeText::RelativePathTo(inFrom, inTo, outRelative);
+        return WindowsText::RelativePathTo(inFrom, inTo, outRelative);
     }
     // The system checks no size. This has space for three units for every two of the first path, plus the whole second
     // path.

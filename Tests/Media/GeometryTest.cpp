@@ -40,7 +40,7 @@ struct Spline
 
 // Computes the second derivatives with the Thomas algorithm from the textbook equations: h[i-1] m[i-1] + 2 (h[i-1] +
 // h[i]) m[i] + h[i] m[i+1] = 6 (slope[i] - slope[i-1]), both ends 0.
-std::vector<long double> ExactBends(const Floats& x, const Floats& y)
+std::vector<long double> ExactSecondDerivatives(const Floats& x, const Floats& y)
 {
     const std::size_t n = x.size();
     std::vector<long double> bends(n, 0), upper(n, 0), right(n, 0);
@@ -142,7 +142,7 @@ TEST(SolveNaturalCubicSpline2D, RandomPoints_AreNearTheLongDoubleSolution)
     for (unsigned seed = 0; seed < 300; ++seed) {
         Spline spline = RandomSpline(seed, 2 + seed % 60);
         ASSERT_TRUE(spline.Solve());
-        const std::vector<long double> exact = ExactBends(spline.mX, spline.mY);
+        const std::vector<long double> exact = ExactSecondDerivatives(spline.mX, spline.mY);
         long double largest = 0;
         for (const long double bend : exact) {
             largest = std::max(largest, std::fabs(bend));
@@ -242,7 +242,7 @@ TEST(InterpolateNaturalCubicSpline2D, RandomPoints_AreNearTheLongDoubleSolution)
     for (unsigned seed = 0; seed < 100; ++seed) {
         Spline spline = RandomSpline(seed, 2 + seed);
         ASSERT_TRUE(spline.Solve());
-        const std::vector<long double> bends = ExactBends(spline.mX, spline.mY);
+        const std::vector<long double> bends = ExactSecondDerivatives(spline.mX, spline.mY);
         const float width = spline.mX.back() - spline.mX.front();
         for (int i = 0; i <= 200; ++i) {
             const float x = spline.mX.front() + width * static_cast<float>(i) / 200.0f;

@@ -145,7 +145,7 @@ private:
 template <int kSpins, ORL::Sync::Step... kLeftOut>
 struct RelacyPolicy
 {
-    static constexpr bool Keeps(ORL::Sync::Step inStep) { return ((inStep != kLeftOut) && ...); }
+    static constexpr bool Executes(ORL::Sync::Step inStep) { return ((inStep != kLeftOut) && ...); }
 
     using Flag = rl::atomic<bool>;
     using Word = rl::atomic<std::uint32_t>;

@@ -43,7 +43,7 @@ private:
 template <bool kIsWeak, ReaderSlotStep... kLeftOut>
 struct VisitPolicy
 {
-    static constexpr bool Keeps(ReaderSlotStep inStep) { return ((inStep != kLeftOut) && ...); }
+    static constexpr bool Executes(ReaderSlotStep inStep) { return ((inStep != kLeftOut) && ...); }
 
     template <class T>
     using Atomic = ::Atomic<T, kIsWeak>;

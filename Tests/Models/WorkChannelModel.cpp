@@ -52,7 +52,7 @@ private:
 template <ChannelStep... kLeftOut>
 struct ChannelPolicy
 {
-    static constexpr bool Keeps(ChannelStep inStep) { return ((inStep != kLeftOut) && ...); }
+    static constexpr bool Executes(ChannelStep inStep) { return ((inStep != kLeftOut) && ...); }
     static constexpr std::size_t kLine = 16;
 
     template <class T>

@@ -3,7 +3,7 @@
 #include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>
-#include <Linux/Settings/LinuxRegistryPlaces.h>
+#include <Linux/Settings/LinuxRegistryLocations.h>
 #include <Linux/Settings/LinuxRegistryStore.h>
 #include <TempFolder.h>
 #include <UnprivilegedLinux.h>
@@ -118,16 +118,16 @@ TEST_F(RegistryHomes, DataFolder_IsFoundBelowTheHome)
     const std::string earlier = home != nullptr ? home : "";
     ::setenv("HOME", Home().c_str(), 1);
     ::setenv("XDG_DATA_HOME", "relative/paths/do/not/count", 1);
-    EXPECT_EQ(Home().string() + "/.local/share/ORLFoundation", Registry::Linux::FindUserPlace().mFolder);
+    EXPECT_EQ(Home().string() + "/.local/share/ORLFoundation", Registry::Linux::FindUserLocation().mFolder);
     ::unsetenv("XDG_DATA_HOME");
     EXPECT_EQ(kSuccess, Write(1));
     EXPECT_TRUE(fs::exists(Home() / ".local/share/ORLFoundation/user.registry"));
     ::unsetenv("HOME");
-    EXPECT_FALSE(Registry::Linux::FindUserPlace().mFolder.empty()) << "the system knows the user's home";
+    EXPECT_FALSE(Registry::Linux::FindUserLocation().mFolder.empty()) << "the system knows the user's home";
     ::setenv("HOME", earlier.c_str(), 1);
     EXPECT_EQ("/var/lib/ORLFoundation/machine.registry", [] {
         Registry::Linux::SetMachineFolder("");
-        return Registry::Linux::FindMachinePlace().mDatabase;
+        return Registry::Linux::FindMachineLocation().mDatabase;
     }());
 }
 

@@ -54,7 +54,7 @@ TEST(RegistryStaleNames, TwoNamesOfOneHash_AreLoadedEach)
 TEST(RegistryStaleNames, MoreHashesThanTheLimit_AreToldAndForgotten)
 {
     StaleNames names;
-    for (std::uint64_t hash = 0; hash < StaleNames::kMost; ++hash) {
+    for (std::uint64_t hash = 0; hash < StaleNames::kMaxHashes; ++hash) {
         EXPECT_FALSE(names.IsFull());
         names.Add(hash);
     }

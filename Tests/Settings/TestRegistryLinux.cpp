@@ -1,6 +1,6 @@
 #include "TestRegistry.h"
 
-#include <Linux/Settings/LinuxRegistryPlaces.h>
+#include <Linux/Settings/LinuxRegistryLocations.h>
 #include <Linux/Settings/LinuxRegistryStore.h>
 #include <OwnUserStore.h>
 

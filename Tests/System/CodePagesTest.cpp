@@ -249,16 +249,16 @@ TEST_F(CodePages, TextThatCannotBeConverted_IsEmptyAfterTheCheck)
 // characters.
 TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
 {
-    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(12345, 7));
-    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(12345, 7));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxUnits_Impl(12345, 7));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxBytes_Impl(12345, 7));
     for (const unsigned page : kCodePages) {
         const UTF16String units = Internal::To16BitUnicode("\x93\xFA\xC7\xD1\xE9", page);
-        EXPECT_LE(units.size(), StringUtils::Platform::MostUnits_Impl(page, 5)) << page;
+        EXPECT_LE(units.size(), StringUtils::Platform::MaxUnits_Impl(page, 5)) << page;
         EXPECT_LE(Internal::ToMultiByteWithCodePage(units, page).size(),
-                  StringUtils::Platform::MostBytes_Impl(page, units.size()))
+                  StringUtils::Platform::MaxBytes_Impl(page, units.size()))
             << page;
     }
-    EXPECT_EQ(14u, StringUtils::Platform::MostBytes_Impl(932, 7));
+    EXPECT_EQ(14u, StringUtils::Platform::MaxBytes_Impl(932, 7));
 }
 
 // Mixed text, with every density of non-ASCII characters, must convert to the same bytes as its units one by one.
@@ -290,10 +290,10 @@ TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasuredOrConverted)
 {
     const std::size_t count = static_cast<std::size_t>(INT_MAX) + 1;
     const unsigned short unit = 'a';
-    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(932, count));
-    EXPECT_EQ(0u, StringUtils::Platform::MostUnits_Impl(1252, count));
-    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(932, count));
-    EXPECT_EQ(0u, StringUtils::Platform::MostBytes_Impl(1252, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxUnits_Impl(932, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxUnits_Impl(1252, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxBytes_Impl(932, count));
+    EXPECT_EQ(0u, StringUtils::Platform::MaxBytes_Impl(1252, count));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureUnits_Impl(932, "a", count));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureUnits_Impl(1252, "a", 2 * count + 1));
     EXPECT_EQ(0u, StringUtils::Platform::MeasureBytes_Impl(932, &unit, count));

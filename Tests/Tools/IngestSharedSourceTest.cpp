@@ -97,8 +97,8 @@ TEST(SharedSource, FilesOfEverySize_AreReadAndSummed)
 TEST(SharedSource, TwoThatComeOneAfterTheOther_ReadOnceBetweenThem)
 {
     SharedSource source(Limits(1 << 30, true));
-    source.Want(0, "f");
-    source.Want(1, "f");
+    source.RegisterReader(0, "f");
+    source.RegisterReader(1, "f");
     EXPECT_EQ("", ReadWhole(source, 0, "f", kLarge, 1));
     EXPECT_EQ("", ReadWhole(source, 1, "f", kLarge, 2));
     EXPECT_EQ(kLarge.size(), source.BytesRead());
@@ -107,8 +107,8 @@ TEST(SharedSource, TwoThatComeOneAfterTheOther_ReadOnceBetweenThem)
 TEST(SharedSource, OneThatComesASecondTime_ReadsForItself)
 {
     SharedSource source(Limits(1 << 30, true));
-    source.Want(0, "f");
-    source.Want(1, "f");
+    source.RegisterReader(0, "f");
+    source.RegisterReader(1, "f");
     EXPECT_EQ("", ReadWhole(source, 0, "f", kLarge, 1));
     EXPECT_EQ("", ReadWhole(source, 0, "f", kLarge, 1));
     EXPECT_EQ("", ReadWhole(source, 1, "f", kLarge, 2));
@@ -120,13 +120,13 @@ TEST(SharedSource, OneThatGivesUp_IsNotWaitedFor)
 {
     for (const bool isAll : {false, true}) {
         SharedSource source(Limits(0, true));
-        source.Want(0, "f");
-        source.Want(1, "f");
+        source.RegisterReader(0, "f");
+        source.RegisterReader(1, "f");
         std::thread other([&] {
             if (isAll) {
-                source.GiveUpAll(1);
+                source.UnregisterDestination(1);
             } else {
-                source.GiveUp(1, "f");
+                source.UnregisterReader(1, "f");
             }
         });
         EXPECT_EQ("", ReadWhole(source, 0, "f", kLarge, 1));
@@ -140,8 +140,8 @@ TEST(SharedSource, OneThatStands_HoldsNoOther)
 {
     for (const bool waits : {false, true}) {
         SharedSource source(Limits(0, waits));
-        source.Want(0, "f");
-        source.Want(1, "f");
+        source.RegisterReader(0, "f");
+        source.RegisterReader(1, "f");
         SharedReading late(source, 1, "f", kLarge.size(), ReadOf(kLarge), [] {});
         EXPECT_EQ("", ReadWhole(source, 0, "f", kLarge, 1));
         std::string given;
@@ -157,8 +157,8 @@ TEST(SharedSource, OneThatStands_HoldsNoOther)
 TEST(SharedSource, OneWhoseReadFails_LeavesTheOthersTheirs)
 {
     SharedSource source(Limits(0, true));
-    source.Want(0, "f");
-    source.Want(1, "f");
+    source.RegisterReader(0, "f");
+    source.RegisterReader(1, "f");
     {
         SharedReading failing(
             source, 0, "f", kLarge.size(),
@@ -182,8 +182,8 @@ TEST(SharedSource, AWaitThatIsStopped_Ends)
     {
     };
     SharedSource source(Limits(0, true));
-    source.Want(0, "f");
-    source.Want(1, "f");
+    source.RegisterReader(0, "f");
+    source.RegisterReader(1, "f");
     SharedReading reading(source, 0, "f", kLarge.size(), ReadOf(kLarge), [] { throw Stop(); });
     EXPECT_THROW(
         {
@@ -207,7 +207,7 @@ TEST(SharedSource, ThreeDestinationsOnThreadsOfTheirOwn_GetEveryByteInAnyOrderOf
         SharedSource source(Limits(kept, round % 2 == 0));
         for (std::size_t destination = 0; destination < kDestinations; ++destination) {
             for (std::size_t file = 0; file < std::size(contents); ++file) {
-                source.Want(destination, std::to_string(file));
+                source.RegisterReader(destination, std::to_string(file));
             }
         }
         std::atomic<int> wrong{0};
@@ -216,7 +216,7 @@ TEST(SharedSource, ThreeDestinationsOnThreadsOfTheirOwn_GetEveryByteInAnyOrderOf
             threads.emplace_back([&, destination] {
                 for (std::size_t file = 0; file < std::size(contents); ++file) {
                     if (destination == 2 && file == round % std::size(contents)) {
-                        source.GiveUpAll(destination);
+                        source.UnregisterDestination(destination);
                         return;
                     }
                     const unsigned seed = round * 100 + static_cast<unsigned>(destination);

@@ -60,7 +60,7 @@ public:
             return false;
         }
         const std::uint32_t idle = Policy::Load(mIdle);
-        const bool isSpinnersOwn = idle >= kSpinner && (isOnly || !Policy::Keeps(ChannelStep::kOnlyItemNeedsNoWake));
+        const bool isSpinnersOwn = idle >= kSpinner && (isOnly || !Policy::Executes(ChannelStep::kOnlyItemNeedsNoWake));
         if (Sleepers(idle) != 0 && !isSpinnersOwn) {
             WakeOne();
         }
@@ -98,7 +98,7 @@ public:
             const MutexLock lock(mOutbox.mMutex);
             EndPause();
         }
-        if (Policy::Keeps(ChannelStep::kResumeWakes)) {
+        if (Policy::Executes(ChannelStep::kResumeWakes)) {
             WakeSleepers();
         }
     }
@@ -119,7 +119,7 @@ public:
             Policy::Reach(mInbox.mIsClosed) = true;
             EndPause();
         }
-        if (Policy::Keeps(ChannelStep::kCloseWakes)) {
+        if (Policy::Executes(ChannelStep::kCloseWakes)) {
             WakeSleepers();
         }
     }
@@ -151,11 +151,11 @@ private:
     bool Append(WorkNode& ioNode, bool& outIsOnly)
     {
         ioNode.mNext = nullptr;
-        if (!Policy::Keeps(ChannelStep::kRefusalUnderLock) && IsClosed()) {
+        if (!Policy::Executes(ChannelStep::kRefusalUnderLock) && IsClosed()) {
             return false;
         }
         const MutexLock lock(mInbox.mMutex);
-        if (Policy::Keeps(ChannelStep::kRefusalUnderLock) && Policy::Reach(mInbox.mIsClosed)) {
+        if (Policy::Executes(ChannelStep::kRefusalUnderLock) && Policy::Reach(mInbox.mIsClosed)) {
             return false;
         }
         WorkNode*& last = Policy::Reach(mInbox.mLast);
@@ -234,7 +234,7 @@ private:
             ++turns;
         }
         LearnFromSpin(isFound, turns);
-        if (Policy::Keeps(ChannelStep::kSpinnerEndsFirst)) {
+        if (Policy::Executes(ChannelStep::kSpinnerEndsFirst)) {
             Policy::Subtract(mIdle, kSpinner);
         }
         return isFound;
@@ -272,7 +272,7 @@ private:
     void SleepUntilWoken()
     {
         Policy::Add(mIdle, kSleeper);
-        const bool mustStay = Policy::Keeps(ChannelStep::kSleeperRechecks) && HasWork();
+        const bool mustStay = Policy::Executes(ChannelStep::kSleeperRechecks) && HasWork();
         if (mustStay && ClaimSleepers(1) == 1) {
             return;
         }

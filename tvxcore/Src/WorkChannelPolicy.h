@@ -15,7 +15,7 @@ namespace threads {
 
 struct SystemPolicy
 {
-    static constexpr bool Keeps(ChannelStep) { return true; }
+    static constexpr bool Executes(ChannelStep) { return true; }
 
     /// Size of a cache line in bytes.
     static constexpr std::size_t kLine = 64;

@@ -59,7 +59,7 @@ const unsigned char* AsBytes(const char* inText)
 
 } // namespace
 
-std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
+std::size_t MaxUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
 {
     return FindCodePage(inCodePage) != nullptr ? Limited(inBytes) : 0;
 }
@@ -85,7 +85,7 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
                : PairsToUnits(*page->mDouble, AsBytes(inText), inBytes, outUnits);
 }
 
-std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
+std::size_t MaxBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
 {
     const CodePageTable* const page = FindCodePage(inCodePage);
     return page == nullptr ? 0 : page->mSingle != nullptr ? Limited(inUnits) : 2 * Limited(inUnits);

@@ -12,7 +12,7 @@ namespace {
 // Converts a text in which a character is one or two bytes. inConvertOne converts the next character, which may be
 // ASCII, and advances both pointers. Returns the number of elements written.
 template <class Source, class Result, class ConvertOne>
-std::size_t ConvertPairs(const Source* inText, std::size_t inCount, Result* outText, ConvertOne inConvertOne)
+std::size_t ConvertDoubleByte(const Source* inText, std::size_t inCount, Result* outText, ConvertOne inConvertOne)
 {
     const Source* const end = inText + inCount;
     Result* next = outText;
@@ -67,38 +67,38 @@ std::size_t PairsToUnitsPlain(const DoubleBytePage& inPage, const unsigned char*
                               unsigned short* outUnits) noexcept
 {
     const unsigned char* const end = inText + inBytes;
-    return ConvertPairs(inText, inBytes, outUnits,
-                        [page = inPage, end](const unsigned char*& ioText, unsigned short*& ioNext) {
-                            const unsigned char first = *ioText;
-                            if (first < 0x80) {
-                                *ioNext++ = first;
-                                ++ioText;
-                                return;
-                            }
-                            const unsigned short unit = UnitOfPair(page, ioText, end);
-                            if (unit != 0) {
-                                *ioNext++ = unit;
-                                ioText += 2;
-                            } else {
-                                *ioNext++ = page.mUnits[*ioText++];
-                            }
-                        });
+    return ConvertDoubleByte(inText, inBytes, outUnits,
+                             [page = inPage, end](const unsigned char*& ioText, unsigned short*& ioNext) {
+                                 const unsigned char first = *ioText;
+                                 if (first < 0x80) {
+                                     *ioNext++ = first;
+                                     ++ioText;
+                                     return;
+                                 }
+                                 const unsigned short unit = UnitOfPair(page, ioText, end);
+                                 if (unit != 0) {
+                                     *ioNext++ = unit;
+                                     ioText += 2;
+                                 } else {
+                                     *ioNext++ = page.mUnits[*ioText++];
+                                 }
+                             });
 }
 
 std::size_t PairsToBytesPlain(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
                               unsigned char* outBytes) noexcept
 {
-    return ConvertPairs(inText, inUnits, outBytes,
-                        [codes = inPage.mBytes](const unsigned short*& ioText, unsigned char*& ioNext) {
-                            const unsigned code = codes[*ioText++];
-                            if (code > 0xFF) {
-                                const auto swapped = static_cast<std::uint16_t>(code >> 8 | code << 8);
-                                std::memcpy(ioNext, &swapped, sizeof(swapped));
-                                ioNext += 2;
-                            } else {
-                                *ioNext++ = static_cast<unsigned char>(code);
-                            }
-                        });
+    return ConvertDoubleByte(inText, inUnits, outBytes,
+                             [codes = inPage.mBytes](const unsigned short*& ioText, unsigned char*& ioNext) {
+                                 const unsigned code = codes[*ioText++];
+                                 if (code > 0xFF) {
+                                     const auto swapped = static_cast<std::uint16_t>(code >> 8 | code << 8);
+                                     std::memcpy(ioNext, &swapped, sizeof(swapped));
+                                     ioNext += 2;
+                                 } else {
+                                     *ioNext++ = static_cast<unsigned char>(code);
+                                 }
+                             });
 }
 
 } // namespace Linux

@@ -7,11 +7,11 @@ namespace Linux {
 
 namespace {
 
-constexpr int kFewOthers = 5; // up to this number of other elements, copying all sixteen first is faster
+constexpr int kMaxOthers = 5; // up to this number of other elements, copying all sixteen first is faster
 
 // Returns a mask of the non-ASCII bytes below inFirstSame among the next sixteen. The comparison is signed, so bytes
 // from 0x80 on are negative.
-unsigned FindBytesBefore(unsigned inFirstSame, const unsigned char* inBytes)
+unsigned FindBytesBelow(unsigned inFirstSame, const unsigned char* inBytes)
 {
     const __m128i limit = _mm_set1_epi8(static_cast<char>(inFirstSame));
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(_mm_loadu_si128(AsVector(inBytes)), limit)));
@@ -41,7 +41,7 @@ std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCo
     const Source* const end = inText + inCount;
     for (; end - inText >= kStep; inText += kStep, outText += kStep) {
         unsigned others = inFindOthers(inText);
-        if (HasMoreThan<kFewOthers>(others)) {
+        if (HasMoreThan<kMaxOthers>(others)) {
             for (std::ptrdiff_t i = 0; i < kStep; ++i) {
                 outText[i] = inTable[inText[i]];
             }
@@ -66,7 +66,7 @@ std::size_t SinglesToUnitsPlain(const SingleBytePage& inPage, const unsigned cha
 {
     return ConvertSingles(
         inPage.mUnits, inText, inBytes, outUnits,
-        [same = inPage.mFirstSame](const unsigned char* inSixteen) { return FindBytesBefore(same, inSixteen); });
+        [same = inPage.mFirstSame](const unsigned char* inSixteen) { return FindBytesBelow(same, inSixteen); });
 }
 
 std::size_t SinglesToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,

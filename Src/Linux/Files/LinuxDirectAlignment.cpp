@@ -58,7 +58,7 @@ std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
 }
 
 // Returns true if the kernel accepts a direct read with exactly this alignment.
-bool TakesAlignment(int inFile, std::uint32_t inAlignment) noexcept
+bool AcceptsAlignment(int inFile, std::uint32_t inAlignment) noexcept
 {
     alignas(kLargestSector) char bytes[2 * kLargestSector];
     char* const buffer = bytes + inAlignment;
@@ -78,7 +78,7 @@ std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept
         return kLargestSector;
     }
     const std::uint32_t sector = isAsked ? SectorOfDevice(status) : kSmallestSector;
-    return TakesAlignment(inFile, sector) ? sector : TakesAlignment(inFile, kLargestSector) ? kLargestSector : 0;
+    return AcceptsAlignment(inFile, sector) ? sector : AcceptsAlignment(inFile, kLargestSector) ? kLargestSector : 0;
 }
 
 SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 13;
 constexpr unsigned char kTrueColour = 2;
 constexpr unsigned char kTrueColourWithAlpha = 6;
-constexpr std::size_t kSlack = 16; // bytes after the last row, which filters may read
+constexpr std::size_t kReadablePadding = 16; // bytes after the last row, which filters may read
 
 struct Layout
 {
@@ -52,7 +52,7 @@ bool ReadLayout(ChunkReader& ioReader, Layout& outLayout) noexcept
 }
 
 // Chunks that do not affect the decoded pixels. Files with any other chunk are left to libspng.
-bool IsHarmless(const Chunk& inChunk) noexcept
+bool IsIgnorable(const Chunk& inChunk) noexcept
 {
     return inChunk.Is("tEXt") || inChunk.Is("gAMA") || inChunk.Is("sRGB") || inChunk.Is("pHYs") || inChunk.Is("tIME");
 }
@@ -71,7 +71,7 @@ public:
                 return mBytes.mSize != 0 && chunk.mContents.mSize == 0;
             }
             const bool isPiece = chunk.Is("IDAT");
-            if (isPiece ? isOver || !Add(chunk.mContents, inFileSize) : !IsHarmless(chunk)) {
+            if (isPiece ? isOver || !Add(chunk.mContents, inFileSize) : !IsIgnorable(chunk)) {
                 return false;
             }
             isOver = isOver || (!isPiece && mBytes.mSize != 0);
@@ -153,19 +153,20 @@ bool DecodeCommonPNG(const Bytes& inFile, DecodedPNG& outPicture) noexcept
     ChunkReader reader(inFile);
     Layout layout;
     PackedPixels packed;
-    if (!ReadLayout(reader, layout) || !CanHold(inFile.mSize, layout.FilteredSize())
+    if (!ReadLayout(reader, layout) || !CanExpandTo(inFile.mSize, layout.FilteredSize())
         || !packed.Read(reader, inFile.mSize)) {
         return false;
     }
-    const std::size_t rowsSize = layout.FilteredSize() + kSlack;
+    const std::size_t rowsSize = layout.FilteredSize() + kReadablePadding;
     const std::unique_ptr<unsigned char[]> rows(new (std::nothrow) unsigned char[rowsSize]);
-    const std::unique_ptr<unsigned char[]> zeros(new (std::nothrow) unsigned char[layout.RowSize() + kSlack]());
+    const std::unique_ptr<unsigned char[]> zeros(
+        new (std::nothrow) unsigned char[layout.RowSize() + kReadablePadding]());
     std::unique_ptr<unsigned char[]> pixels(new (std::nothrow) unsigned char[layout.mPixelsSize]);
     if (rows == nullptr || zeros == nullptr || pixels == nullptr
         || !Inflate(packed.Get(), rows.get(), layout.FilteredSize())) {
         return false;
     }
-    std::memset(rows.get() + layout.FilteredSize(), 0, kSlack);
+    std::memset(rows.get() + layout.FilteredSize(), 0, kReadablePadding);
     const bool isRestored = layout.mBytesInPixel == 4 ? RestoreRows<4>(layout, rows.get(), zeros.get(), pixels.get())
                                                       : RestoreRows<3>(layout, rows.get(), zeros.get(), pixels.get());
     if (!isRestored) {

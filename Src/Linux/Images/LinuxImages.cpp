@@ -52,7 +52,7 @@ struct Picture
     std::size_t mStride = 0;
     int mFormat = 0;
     unsigned char* mPixels = nullptr;
-    std::unique_ptr<unsigned char[]> mOwn; // null if the block belongs to the caller
+    std::unique_ptr<unsigned char[]> mOwnedPixels; // null if the block belongs to the caller
     int mStatus = kUnknownImageFormat;
 };
 
@@ -67,8 +67,8 @@ Picture* Decode(const Resources::Bytes& inFile)
         picture->mHeight = decoded.mHeight;
         picture->mStride = std::size_t{decoded.mWidth} * 4;
         picture->mFormat = kFormat32bppARGB;
-        picture->mOwn = std::move(decoded.mPixels);
-        picture->mPixels = picture->mOwn.get();
+        picture->mOwnedPixels = std::move(decoded.mPixels);
+        picture->mPixels = picture->mOwnedPixels.get();
         picture->mStatus = kOk;
     }
     return picture;

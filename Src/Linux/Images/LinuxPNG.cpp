@@ -36,7 +36,7 @@ bool Open(spng_ctx* inContext, const Bytes& inFile, spng_ihdr& outHeader) noexce
 }
 
 // Returns a lower bound of the uncompressed bytes of all rows.
-std::uint64_t PackedSize(const spng_ihdr& inHeader) noexcept
+std::uint64_t MinUnpackedSize(const spng_ihdr& inHeader) noexcept
 {
     constexpr unsigned int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
     const std::uint64_t bits = std::uint64_t{inHeader.width} * kChannels[inHeader.color_type] * inHeader.bit_depth;
@@ -48,14 +48,14 @@ std::uint64_t PackedSize(const spng_ihdr& inHeader) noexcept
 // Checks the chunks first, because libspng accepts a file whose IEND chunk is truncated.
 bool DecodeAnyPNG(const Bytes& inFile, DecodedPNG& outPicture) noexcept
 {
-    if (!AreChunksWhole(inFile)) {
+    if (!AreChunksComplete(inFile)) {
         return false;
     }
     const ContextPtr context(::spng_ctx_new(0));
     spng_ihdr header{};
     std::size_t size = 0;
     if (context == nullptr || !Open(context.get(), inFile, header) || !SizeOfPixels(header.width, header.height, size)
-        || !CanHold(inFile.mSize, PackedSize(header))) {
+        || !CanExpandTo(inFile.mSize, MinUnpackedSize(header))) {
         return false;
     }
     std::unique_ptr<unsigned char[]> pixels(new (std::nothrow) unsigned char[size]);

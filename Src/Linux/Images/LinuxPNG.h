@@ -30,7 +30,7 @@ bool DecodeAnyPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexce
 
 /// Returns whether deflate can compress that many bytes to a file of that size. This prevents a small file from
 /// requesting much memory.
-inline bool CanHold(std::size_t inFileSize, std::uint64_t inBytes) noexcept
+inline bool CanExpandTo(std::size_t inFileSize, std::uint64_t inBytes) noexcept
 {
     constexpr std::uint64_t kBestRatio = 1032; // two bits can represent 258 bytes
     return inBytes / kBestRatio <= inFileSize;

@@ -68,7 +68,7 @@ private:
 };
 
 /// Returns whether all chunks up to IEND are complete and have the right checksums.
-inline bool AreChunksWhole(const Resources::Bytes& inFile) noexcept
+inline bool AreChunksComplete(const Resources::Bytes& inFile) noexcept
 {
     ChunkReader reader(inFile);
     Chunk chunk;

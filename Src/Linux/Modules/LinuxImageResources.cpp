@@ -53,8 +53,8 @@ bool IsMapped(const Image& inImage, std::uintptr_t inAddress, std::uint64_t inSi
 void AddFilesOf(const Image& inImage, const Resources::Bytes& inNotes, std::vector<Resources::Bytes>& ioFiles)
 {
     for (const Resources::ResourceNote& note : Resources::FindResourceNotes(inNotes)) {
-        const std::uintptr_t address =
-            reinterpret_cast<std::uintptr_t>(inNotes.mData + note.mPlace) + static_cast<std::uintptr_t>(note.mDistance);
+        const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(inNotes.mData + note.mOffset)
+                                       + static_cast<std::uintptr_t>(note.mDistance);
         if (IsMapped(inImage, address, note.mSize)) {
             Resources::Bytes file;
             file.mData = reinterpret_cast<const unsigned char*>(address);

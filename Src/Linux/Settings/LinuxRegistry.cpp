@@ -18,8 +18,8 @@ namespace {
 
 struct Stores
 {
-    Store mUser{false, &FindUserPlace};
-    Store mMachine{true, &FindMachinePlace};
+    Store mUser{false, &FindUserLocation};
+    Store mMachine{true, &FindMachineLocation};
 };
 
 void BeforeFork();

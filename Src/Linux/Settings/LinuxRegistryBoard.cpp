@@ -29,7 +29,7 @@ struct ChangeBoard::Page
         std::atomic<std::uint64_t> mHash;
     };
 
-    std::atomic<std::uint64_t> mMark;
+    std::atomic<std::uint64_t> mMagic;
     std::atomic<std::uint64_t> mMadeAt; // the system's monotonic clock, in milliseconds
     alignas(64) std::atomic<std::uint64_t> mGeneration;
     alignas(64) Slot mSlots[kSlots];
@@ -37,7 +37,7 @@ struct ChangeBoard::Page
 
 namespace {
 
-constexpr std::uint64_t kMark = 0x31304452424C524F; // "ORLBRD01"
+constexpr std::uint64_t kMagic = 0x31304452424C524F; // "ORLBRD01"
 constexpr std::size_t kFileSize = 8192;
 constexpr int kLockAttempts = 4000;
 constexpr long kLockPauseMilliseconds = 5; // 20 s in total
@@ -48,7 +48,7 @@ void Sleep(long inMilliseconds)
     ::nanosleep(&pause, nullptr);
 }
 
-SystemError TakeLock(int inFile)
+SystemError LockFile(int inFile)
 {
     struct flock range = {};
     range.l_type = F_WRLCK;
@@ -65,7 +65,7 @@ SystemError TakeLock(int inFile)
     return kErrorBusy;
 }
 
-SystemError Describe(int inFile, struct stat& outStatus)
+SystemError GetFileStatus(int inFile, struct stat& outStatus)
 {
     if (System().mFStat(inFile, &outStatus) != 0) {
         return SystemErrorFromErrno(errno);
@@ -75,12 +75,12 @@ SystemError Describe(int inFile, struct stat& outStatus)
 
 } // namespace
 
-SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
+SystemError ChangeBoard::Open(const std::string& inFile, bool inIsWorldReadable)
 {
     static_assert(sizeof(Page) <= kFileSize && std::atomic<std::uint64_t>::is_always_lock_free);
     Close();
     constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK;
-    mFile = OpenByPath(inFile.c_str(), O_RDWR | O_CREAT | kFlags, inIsForAll ? 0644 : 0600);
+    mFile = OpenByPath(inFile.c_str(), O_RDWR | O_CREAT | kFlags, inIsWorldReadable ? 0644 : 0600);
     mIsWritable = static_cast<bool>(mFile);
     if (!mFile && (errno == EACCES || errno == EROFS || errno == EPERM)) {
         mFile = OpenByPath(inFile.c_str(), O_RDONLY | kFlags);
@@ -89,14 +89,14 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
         return errno == ELOOP ? kErrorAccessDenied : SystemErrorFromErrno(errno);
     }
     struct stat status = {};
-    SystemError error = Describe(mFile.Get(), status);
+    SystemError error = GetFileStatus(mFile.Get(), status);
     mName = inFile;
     mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // the format of IdentityOf
     mInode = status.st_ino;
     if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
         // chmod, because a umask could deny other users access to the machine's store.
         const bool isMade = mIsWritable && System().mFTruncate(mFile.Get(), kFileSize) == 0
-                            && (!inIsForAll || System().mFChMod(mFile.Get(), 0644) == 0);
+                            && (!inIsWorldReadable || System().mFChMod(mFile.Get(), 0644) == 0);
         error = isMade ? kNoError : mIsWritable ? SystemErrorFromErrno(errno) : kErrorFileNotFound;
     }
     if (error == kNoError) {
@@ -106,37 +106,37 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsForAll)
         error = page != nullptr ? kNoError : errno == ENODEV ? kErrorNotSupported : SystemErrorFromErrno(errno);
     }
     if (error == kNoError) {
-        std::uint64_t mark = 0;
+        std::uint64_t magic = 0;
         if (mIsWritable) {
-            mPage->mMark.compare_exchange_strong(mark, kMark);
+            mPage->mMagic.compare_exchange_strong(magic, kMagic);
         } else {
-            mark = mPage->mMark.load();
+            magic = mPage->mMagic.load();
         }
-        error = mark == kMark || (mark == 0 && mIsWritable) ? kNoError : kErrorNotRegistryFile;
+        error = magic == kMagic || (magic == 0 && mIsWritable) ? kNoError : kErrorNotRegistryFile;
     }
     if (error != kNoError) {
         Close();
     } else if (mIsWritable) {
-        WaitUntilSettled();
+        WaitForGracePeriod();
     }
     return error;
 }
 
 // Another program may have deleted the previous board. Processes that mapped it need some time to find the new one.
-void ChangeBoard::WaitUntilSettled() noexcept
+void ChangeBoard::WaitForGracePeriod() noexcept
 {
     std::uint64_t madeAt = 0;
     const std::uint64_t start = MonotonicMilliseconds(CLOCK_MONOTONIC);
     if (mPage->mMadeAt.compare_exchange_strong(madeAt, start != 0 ? start : 1)) {
         madeAt = start;
     }
-    for (std::uint64_t now = start; now >= madeAt && now - madeAt < kSettleMilliseconds;) {
-        Sleep(static_cast<long>(kSettleMilliseconds - (now - madeAt)));
+    for (std::uint64_t now = start; now >= madeAt && now - madeAt < kGracePeriodMilliseconds;) {
+        Sleep(static_cast<long>(kGracePeriodMilliseconds - (now - madeAt)));
         now = MonotonicMilliseconds(CLOCK_MONOTONIC);
     }
 }
 
-bool ChangeBoard::IsInPlace() const noexcept
+bool ChangeBoard::IsFileCurrent() const noexcept
 {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -155,7 +155,7 @@ void ChangeBoard::Close() noexcept
 
 SystemError ChangeBoard::Lock() noexcept
 {
-    return mIsWritable ? TakeLock(mFile.Get()) : kNoError;
+    return mIsWritable ? LockFile(mFile.Get()) : kNoError;
 }
 
 void ChangeBoard::Unlock() noexcept
@@ -173,10 +173,10 @@ std::uint64_t ChangeBoard::Generation() const noexcept
     return mPage->mGeneration.load(std::memory_order_acquire);
 }
 
-bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled, std::vector<Change>& outChanges) const
+bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outFinished, std::vector<Change>& outChanges) const
 {
     const std::uint64_t now = Generation();
-    outSettled = now & ~std::uint64_t{1};
+    outFinished = now & ~std::uint64_t{1};
     const std::uint64_t first = inSince / 2 + 1;
     const std::uint64_t last = (now + 1) / 2;
     if (last < inSince / 2 || last - first + 1 >= kSlots) {
@@ -191,28 +191,28 @@ bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled,
         change.mHash = slot.mHash.load(std::memory_order_acquire);
         outChanges.push_back(change);
     }
-    // A writer may have overwritten a slot during these loads: at most the slot after the last announced change. If a
+    // A writer may have overwritten a slot during these loads: at most the slot after the last posted change. If a
     // load above has read an overwritten slot, this load reads a generation that shows it.
     const std::uint64_t after = (mPage->mGeneration.load(std::memory_order_relaxed) + 1) / 2;
     return after + 1 - first < kSlots;
 }
 
-std::uint64_t ChangeBoard::Announce(const Change& inChange) noexcept
+std::uint64_t ChangeBoard::PostChange(const Change& inChange) noexcept
 {
-    // If the generation is odd here, its writer has committed but not settled yet, or has died. Its entry stays valid.
-    const std::uint64_t announced = (mPage->mGeneration.load(std::memory_order_acquire) + 1) | 1;
-    Page::Slot& slot = mPage->mSlots[(announced + 1) / 2 % kSlots];
+    // If the generation is odd here, its writer has committed but not finished yet, or has died. Its entry stays valid.
+    const std::uint64_t posted = (mPage->mGeneration.load(std::memory_order_acquire) + 1) | 1;
+    Page::Slot& slot = mPage->mSlots[(posted + 1) / 2 % kSlots];
     slot.mKind.store(inChange.mKind, std::memory_order_release);
     slot.mKey.store(inChange.mKey, std::memory_order_release);
     slot.mHash.store(inChange.mHash, std::memory_order_release);
-    mPage->mGeneration.store(announced);
-    return announced;
+    mPage->mGeneration.store(posted);
+    return posted;
 }
 
-void ChangeBoard::Settle(std::uint64_t inAnnounced) noexcept
+void ChangeBoard::FinishChange(std::uint64_t inPosted) noexcept
 {
-    std::uint64_t expected = inAnnounced;
-    mPage->mGeneration.compare_exchange_strong(expected, inAnnounced + 1);
+    std::uint64_t expected = inPosted;
+    mPage->mGeneration.compare_exchange_strong(expected, inPosted + 1);
 }
 
 } // namespace Linux

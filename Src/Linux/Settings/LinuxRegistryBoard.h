@@ -7,7 +7,7 @@
 // value. A writer posts the entry before the commit. While the generation is odd, a reader treats the change as made
 // and reads what it affects from the database, so it never returns an old value for a new one.
 //
-// Writers hold the database's write lock from Announce to the commit.
+// Writers hold the database's write lock from PostChange to the commit.
 #pragma once
 
 #include "../LinuxDescriptor.h"
@@ -49,14 +49,14 @@ public:
     /// Opens the board's file, or creates it, and maps it. Opens it read-only if the process may not write it, and then
     /// returns 2 if it is missing or incomplete. Returns 50 if the file system does not support shared memory, and 1017
     /// for a board of another format.
-    SystemError Open(const std::string& inFile, bool inIsForAll);
+    SystemError Open(const std::string& inFile, bool inIsWorldReadable);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }
 
     /// Returns whether the board's name still refers to this file. A new board is not written during its first
-    /// kSettleMilliseconds, so a process that calls this more often than that misses no change.
-    bool IsInPlace() const noexcept;
-    static constexpr int kSettleMilliseconds = 25;
+    /// kGracePeriodMilliseconds, so a process that calls this more often than that misses no change.
+    bool IsFileCurrent() const noexcept;
+    static constexpr int kGracePeriodMilliseconds = 25;
     bool IsWritable() const noexcept { return mIsWritable; }
 
     /// Locks the file, for the time in which a store is opened or set aside. Waits up to 20 seconds and then returns an
@@ -67,20 +67,20 @@ public:
     std::uint64_t Generation() const noexcept;
 
     /// Stores the changes after generation inSince, which is even. Returns false if some entries have been overwritten.
-    /// outSettled is the last even generation. A change whose commit is in progress is included in this call and in the
-    /// next one.
-    bool ChangesSince(std::uint64_t inSince, std::uint64_t& outSettled, std::vector<Change>& outChanges) const;
+    /// outFinished is the last even generation. A change whose commit is in progress is included in this call and in
+    /// the next one.
+    bool ChangesSince(std::uint64_t inSince, std::uint64_t& outFinished, std::vector<Change>& outChanges) const;
 
     /// Posts a change and returns its odd generation. Never throws.
-    std::uint64_t Announce(const Change& inChange) noexcept;
+    std::uint64_t PostChange(const Change& inChange) noexcept;
 
     /// Makes the generation even, after the change was committed or rolled back.
-    void Settle(std::uint64_t inAnnounced) noexcept;
+    void FinishChange(std::uint64_t inPosted) noexcept;
 
 private:
     struct Page;
 
-    void WaitUntilSettled() noexcept;
+    void WaitForGracePeriod() noexcept;
 
     Page* mPage = nullptr;
     ORL::Linux::Descriptor mFile;

@@ -107,25 +107,25 @@ SystemError Database::Error(int inCode) noexcept
     return ErrorOfCode(isSame ? code : inCode, sqlite3_system_errno(mConnection));
 }
 
-SystemError Database::Open(const Place& inPlace, bool inCreate)
+SystemError Database::Open(const StoreLocation& inLocation, bool inCreate)
 {
     Close();
-    if (inPlace.mFolder.empty()) {
+    if (inLocation.mFolder.empty()) {
         return inCreate ? kErrorRegistryIoFailed : kErrorFileNotFound;
     }
-    SystemError error = CheckPlace(inPlace, mFile);
+    SystemError error = CheckLocation(inLocation, mFile);
     if (error == kErrorFileNotFound && inCreate) {
-        error = MakeFolder(inPlace);
-        error = error == kNoError ? CheckPlace(inPlace, mFile) : error;
+        error = MakeFolder(inLocation);
+        error = error == kNoError ? CheckLocation(inLocation, mFile) : error;
         error = error == kErrorFileNotFound ? kNoError : error;
     }
-    error = error == kNoError ? OpenBoard(inPlace) : error;
+    error = error == kNoError ? OpenBoard(inLocation) : error;
     error = error == kNoError ? mBoard.IsOpen() ? mBoard.Lock() : kNoError : error;
     if (error != kNoError) {
         mBoard.Close();
         return error;
     }
-    error = OpenConnection(inPlace);
+    error = OpenConnection(inLocation);
     error = error == kNoError ? Prepare() : error;
     if (mBoard.IsOpen()) {
         mBoard.Unlock();
@@ -136,20 +136,20 @@ SystemError Database::Open(const Place& inPlace, bool inCreate)
     return error;
 }
 
-SystemError Database::OpenBoard(const Place& inPlace)
+SystemError Database::OpenBoard(const StoreLocation& inLocation)
 {
     const std::string folder = mFile.substr(0, mFile.rfind('/'));
     if (!HasSharedMemory(folder)) {
         return kNoError;
     }
-    const SystemError error = mBoard.Open(mFile + "-changes", inPlace.mIsForAll);
+    const SystemError error = mBoard.Open(mFile + "-changes", inLocation.mIsWorldReadable);
     // Without shared memory, every process reads from the database. If only this process cannot write the board, it
     // must not change the database, because other processes would not see the change.
     mIsReadOnly = error != kErrorNotSupported && !mBoard.IsWritable();
     return error == kErrorNotSupported || error == kErrorFileNotFound ? kNoError : error;
 }
 
-SystemError Database::OpenConnection(const Place& inPlace)
+SystemError Database::OpenConnection(const StoreLocation& inLocation)
 {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -159,23 +159,23 @@ SystemError Database::OpenConnection(const Place& inPlace)
         const SystemError error = mConnection != nullptr ? Error(code) : kErrorNotEnoughMemory;
         return error;
     }
-    if (isNew && System().mChMod(mFile.c_str(), inPlace.mIsForAll ? 0644 : 0600) != 0) {
+    if (isNew && System().mChMod(mFile.c_str(), inLocation.mIsWorldReadable ? 0644 : 0600) != 0) {
         return SystemErrorFromErrno(errno);
     }
-    return RememberPlace();
+    return RecordFileIdentity();
 }
 
-SystemError Database::RememberPlace()
+SystemError Database::RecordFileIdentity()
 {
     return IdentityOf(mFile, mDevice, mInode) ? kNoError : kErrorRegistryIoFailed;
 }
 
-bool Database::IsInPlace() const noexcept
+bool Database::IsFileCurrent() const noexcept
 {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     return IdentityOf(mFile, device, inode) && device == mDevice && inode == mInode
-           && (!mBoard.IsOpen() || mBoard.IsInPlace());
+           && (!mBoard.IsOpen() || mBoard.IsFileCurrent());
 }
 
 SystemError Database::Prepare()
@@ -246,7 +246,7 @@ SystemError Database::MakeSchema()
             mSetAside = SetAside();
         }
     }
-    Settle();
+    FinishChange();
     return error;
 }
 
@@ -260,19 +260,19 @@ int Database::OnCommit(void* ioDatabase) noexcept
 {
     Database& database = *static_cast<Database*>(ioDatabase);
     if (database.mBoard.IsWritable()) {
-        database.mAnnounced = database.mBoard.Announce(database.mChange);
+        database.mPosted = database.mBoard.PostChange(database.mChange);
     }
     return 0;
 }
 
-std::uint64_t Database::Settle() noexcept
+std::uint64_t Database::FinishChange() noexcept
 {
-    const std::uint64_t announced = std::exchange(mAnnounced, 0);
-    if (announced != 0) {
-        mBoard.Settle(announced);
+    const std::uint64_t posted = std::exchange(mPosted, 0);
+    if (posted != 0) {
+        mBoard.FinishChange(posted);
     }
     mChange = Change();
-    return announced;
+    return posted;
 }
 
 void Database::CloseConnection() noexcept
@@ -300,13 +300,13 @@ bool Database::SetAsideIfDamaged()
     aside.mReason = mConnection != nullptr ? sqlite3_errmsg(mConnection) : "";
     const bool isLocked = !mBoard.IsOpen() || mBoard.Lock() == kNoError;
     // Another process may have renamed it already, and a transient read error is not damage.
-    const bool isToMove = isLocked && !mIsReadOnly && IsInPlace() && IsStillDamaged(aside.mReason);
+    const bool isToMove = isLocked && !mIsReadOnly && IsFileCurrent() && IsStillDamaged(aside.mReason);
     CloseConnection();
     if (isToMove && MoveAside(mFile, aside.mFile, aside.mTime) == kNoError) {
         TraceSetAside(aside);
         mSetAside = std::move(aside);
         if (mBoard.IsWritable()) { // makes other processes open the new database
-            mBoard.Settle(mBoard.Announce(Change()));
+            mBoard.FinishChange(mBoard.PostChange(Change()));
         }
     }
     Close();

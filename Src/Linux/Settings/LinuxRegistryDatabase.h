@@ -7,8 +7,8 @@
 #pragma once
 
 #include "LinuxRegistryBoard.h"
+#include "LinuxRegistryLocations.h"
 #include "LinuxRegistryNames.h"
-#include "LinuxRegistryPlaces.h"
 
 #include <Platform/Registry.h>
 
@@ -55,10 +55,10 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database of a place. Returns 2 if it does not exist and inCreate is false. Refuses a database of a
+    /// Opens the database of a location. Returns 2 if it does not exist and inCreate is false. Refuses a database of a
     /// newer version, a symbolic link, and a folder that other users may write. After opening a damaged database fails,
     /// SetAsideIfDamaged renames it.
-    SystemError Open(const Place& inPlace, bool inCreate);
+    SystemError Open(const StoreLocation& inLocation, bool inCreate);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mConnection != nullptr; }
 
@@ -66,7 +66,7 @@ public:
     bool IsReadOnly() const noexcept { return mIsReadOnly; }
 
     /// Returns whether the names of the database and its board still refer to the open files.
-    bool IsInPlace() const noexcept;
+    bool IsFileCurrent() const noexcept;
 
     /// Returns the board of changes. It is closed if the file system does not support shared memory.
     ChangeBoard& Board() noexcept { return mBoard; }
@@ -81,8 +81,8 @@ public:
     /// lock of the database.
     void SetChange(const Change& inChange) noexcept { mChange = inChange; }
 
-    /// Called after a commit, even if it failed. Returns the generation that was announced, or 0 if there is none.
-    std::uint64_t Settle() noexcept;
+    /// Called after a commit, even if it failed. Returns the generation that was posted, or 0 if there is none.
+    std::uint64_t FinishChange() noexcept;
 
     /// Does nothing and returns false unless the last error reports damage. Otherwise checks the database again,
     /// renames it to a dated name if it is still damaged, and closes it. Returns true: the caller may then retry.
@@ -100,13 +100,13 @@ public:
     friend class Statement;
 
 private:
-    SystemError OpenBoard(const Place& inPlace);
-    SystemError OpenConnection(const Place& inPlace);
+    SystemError OpenBoard(const StoreLocation& inLocation);
+    SystemError OpenConnection(const StoreLocation& inLocation);
     SystemError Prepare();
     SystemError CheckSchema(bool& outIsNew);
     SystemError MakeSchema();
     SystemError Execute(const char* inText);
-    SystemError RememberPlace();
+    SystemError RecordFileIdentity();
     bool IsStillDamaged(std::string& ioReason);
     void CloseConnection() noexcept;
     static int OnCommit(void* ioDatabase) noexcept;
@@ -115,7 +115,7 @@ private:
     std::array<sqlite3_stmt*, kQueryCount> mStatements{};
     ChangeBoard mBoard;
     Change mChange;
-    std::uint64_t mAnnounced = 0;
+    std::uint64_t mPosted = 0;
     std::string mFile;
     std::uint64_t mDevice = 0;
     std::uint64_t mInode = 0;

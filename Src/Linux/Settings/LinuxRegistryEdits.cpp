@@ -91,7 +91,7 @@ SystemError Store::Apply(const std::vector<Edit>& inEdits)
         }
         return error;
     };
-    return RunChange(Change(), work, [this] { return mTree.NoteEverything(Loader()); });
+    return RunChange(Change(), work, [this] { return mTree.ReloadEverything(DatabaseOrNull()); });
 }
 
 } // namespace Linux

@@ -70,11 +70,11 @@ std::string Now()
 
 } // namespace
 
-SystemError MakeFolder(const Place& inPlace)
+SystemError MakeFolder(const StoreLocation& inLocation)
 {
-    for (std::size_t slash = inPlace.mFolder.find('/', 1);; slash = inPlace.mFolder.find('/', slash + 1)) {
-        const std::string folder = inPlace.mFolder.substr(0, slash);
-        if (System().mMakeDir(folder.c_str(), inPlace.mIsForAll ? 0755 : 0700) != 0 && errno != EEXIST) {
+    for (std::size_t slash = inLocation.mFolder.find('/', 1);; slash = inLocation.mFolder.find('/', slash + 1)) {
+        const std::string folder = inLocation.mFolder.substr(0, slash);
+        if (System().mMakeDir(folder.c_str(), inLocation.mIsWorldReadable ? 0755 : 0700) != 0 && errno != EEXIST) {
             const int error = errno;
             if (!Exists(folder)) { // ignore the error for an existing parent, which the process may not create
                 return StoreError(error);
@@ -86,9 +86,9 @@ SystemError MakeFolder(const Place& inPlace)
     }
 }
 
-bool MayCreate(const Place& inPlace)
+bool MayCreate(const StoreLocation& inLocation)
 {
-    std::string folder = inPlace.mFolder;
+    std::string folder = inLocation.mFolder;
     while (!folder.empty()) {
         if (System().mFAccessAt(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0) {
             return true;
@@ -101,13 +101,13 @@ bool MayCreate(const Place& inPlace)
     return false;
 }
 
-SystemError CheckPlace(const Place& inPlace, std::string& outDatabase)
+SystemError CheckLocation(const StoreLocation& inLocation, std::string& outDatabase)
 {
     char folder[PATH_MAX];
-    if (System().mRealPath(inPlace.mFolder.c_str(), folder) == nullptr) {
+    if (System().mRealPath(inLocation.mFolder.c_str(), folder) == nullptr) {
         return errno == ENOENT ? kErrorFileNotFound : StoreError(errno);
     }
-    outDatabase = folder + inPlace.mDatabase.substr(inPlace.mFolder.size());
+    outDatabase = folder + inLocation.mDatabase.substr(inLocation.mFolder.size());
     struct statx status;
     if (!StatusOf(folder, status)) {
         return StoreError(errno);

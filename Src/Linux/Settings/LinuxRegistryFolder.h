@@ -2,7 +2,7 @@
 // The folder of a store and its files.
 #pragma once
 
-#include "LinuxRegistryPlaces.h"
+#include "LinuxRegistryLocations.h"
 
 #include <Platform/Registry.h>
 
@@ -15,16 +15,16 @@ namespace Registry {
 namespace Linux {
 
 /// Creates the folder and its missing parents. The folders of the user's store are private.
-SystemError MakeFolder(const Place& inPlace);
+SystemError MakeFolder(const StoreLocation& inLocation);
 
 /// Returns whether this process may create the folder and a database in it.
-bool MayCreate(const Place& inPlace);
+bool MayCreate(const StoreLocation& inLocation);
 
 /// Checks whether a folder and the database in it are trusted: they belong to the user or to root, not everyone may
 /// write them, and the database is not a symbolic link. Root also trusts folders and databases of other users. Returns
 /// 0 if they are trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path;
 /// outDatabase is the resolved path of the database.
-SystemError CheckPlace(const Place& inPlace, std::string& outDatabase);
+SystemError CheckLocation(const StoreLocation& inLocation, std::string& outDatabase);
 
 /// Returns whether processes share memory through files of the folder. Returns false on a network file system.
 bool HasSharedMemory(const std::string& inFolder) noexcept;

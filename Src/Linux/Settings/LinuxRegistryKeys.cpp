@@ -22,11 +22,11 @@ struct NewKey
 
 SystemError Store::Open(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
 {
-    return FromMemory([&](bool inMayLoad) {
+    return RunRead([&](bool inMayLoad) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inParent, 0, key);
         error = error == kNoError ? PathNames(inPath).Check() : error;
-        error = error == kNoError ? Walk(*key, inPath, inMayLoad, key) : error;
+        error = error == kNoError ? FindByPath(*key, inPath, inMayLoad, key) : error;
         return error == kNoError ? AddHandle(*key, inAccess, outKey) : error;
     });
 }
@@ -50,7 +50,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
             FoldName(name, mFolded);
             const std::shared_ptr<StoredKey>* next = nullptr;
             if (made.empty()) {
-                found = mTree.LoadSubKeys(*last, Loader());
+                found = mTree.LoadSubKeys(*last, DatabaseOrNull());
                 next = found == kNoError ? Tree::Find(*last, mFolded) : nullptr;
             }
             if (next != nullptr) {
@@ -89,7 +89,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
 SystemError Store::Close(const HandleParts& inKey)
 {
     std::shared_ptr<StoredKey> key; // destroyed after the lock is released
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     key = mHandles.Remove(inKey);
     return key != nullptr ? kNoError : kErrorInvalidHandle;
 }
@@ -100,7 +100,7 @@ SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned shor
 {
     SystemError error = Resolve(inParent, 0, outKey);
     error = error == kNoError ? PathNames(inPath).Check() : error;
-    error = error == kNoError ? Walk(*outKey, inPath, inMayLoad, outKey) : error;
+    error = error == kNoError ? FindByPath(*outKey, inPath, inMayLoad, outKey) : error;
     if (error != kNoError) {
         return error;
     }
@@ -113,14 +113,14 @@ SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned shor
     if (!outKey->mHasSubKeys && !inMayLoad) {
         return kNotInMemory;
     }
-    error = mTree.LoadSubKeys(*outKey, Loader());
+    error = mTree.LoadSubKeys(*outKey, DatabaseOrNull());
     return error == kNoError && !outKey->mSubKeys.empty() ? kErrorAccessDenied : error;
 }
 
 SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants)
 {
     StoredKey* key = nullptr;
-    const SystemError error = FromMemory(
+    const SystemError error = RunRead(
         [&](bool inMayLoad) { return FindToDelete(inParent, inPath, inWithDescendants, inMayLoad, key); });
     if (error != kNoError) {
         return error;
@@ -145,13 +145,13 @@ SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inP
 
 SystemError Store::Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
 {
-    return FromMemory([&](bool inMayLoad) {
+    return RunRead([&](bool inMayLoad) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToListSubKeys, key);
         if (error == kNoError && !key->mHasSubKeys && !inMayLoad) {
             return kNotInMemory;
         }
-        error = error == kNoError ? mTree.LoadSubKeys(*key, Loader()) : error;
+        error = error == kNoError ? mTree.LoadSubKeys(*key, DatabaseOrNull()) : error;
         if (error != kNoError) {
             return error;
         }

@@ -19,10 +19,10 @@ class StaleNames
 {
 public:
     /// With more hashes than this, it is cheaper to load all values of the key.
-    static constexpr std::size_t kMost = 1024;
+    static constexpr std::size_t kMaxHashes = 1024;
 
     bool IsEmpty() const noexcept { return mLoaded.empty(); }
-    bool IsFull() const noexcept { return mLoaded.size() >= kMost; }
+    bool IsFull() const noexcept { return mLoaded.size() >= kMaxHashes; }
 
     bool Contains(std::uint64_t inHash, UnitsView inFolded) const noexcept
     {

@@ -34,11 +34,11 @@ std::string ProblemOf(SystemError inError)
 
 Platform::StoreState Store::State(bool inCheck)
 {
-    const std::lock_guard<TurnLock> work(mWork);
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     Platform::StoreState state;
-    const SystemError error = CatchUp(false);
-    state.mPlace = mPlace.mDatabase;
+    const SystemError error = OpenAndUpdate(false);
+    state.mPlace = mLocation.mDatabase;
     if (error != kNoError) {
         state.mIsWhole = false;
         state.mProblem = ProblemOf(error);
@@ -46,8 +46,8 @@ Platform::StoreState Store::State(bool inCheck)
         state.mProblem = mDatabase.FindFaults();
         state.mIsWhole = state.mProblem.empty();
     }
-    state.mBytes = SizeOnDisk(mPlace.mDatabase);
-    state.mSetAside = FindSetAside(mPlace.mDatabase);
+    state.mBytes = SizeOnDisk(mLocation.mDatabase);
+    state.mSetAside = FindSetAside(mLocation.mDatabase);
     const std::vector<SetAside> known = mDatabase.IsOpen() ? mDatabase.ListSetAside() : std::vector<SetAside>();
     for (SetAside& aside : state.mSetAside) {
         const auto found = std::find_if(known.begin(), known.end(),

@@ -16,8 +16,8 @@ using namespace SystemErrors;
 namespace {
 
 // The coarse clock advances in steps of at most ten milliseconds.
-constexpr unsigned kPlaceLastsMilliseconds = 10;
-static_assert(kPlaceLastsMilliseconds + 10 < ChangeBoard::kSettleMilliseconds);
+constexpr unsigned kFileCheckMilliseconds = 10;
+static_assert(kFileCheckMilliseconds + 10 < ChangeBoard::kGracePeriodMilliseconds);
 
 constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x80000; // access rights that allow a change
 
@@ -25,95 +25,96 @@ constexpr unsigned kChangingBits = 0x2 | 0x4 | 0x20 | 0x10000 | 0x40000 | 0x8000
 
 bool Store::IsUpToDate() noexcept
 {
-    return mSeen != kNever && mDatabase.IsOpen() && mDatabase.Board().IsOpen()
-           && mDatabase.Board().Generation() == mSeen && IsInPlace();
+    return mAppliedGeneration != kUnknownGeneration && mDatabase.IsOpen() && mDatabase.Board().IsOpen()
+           && mDatabase.Board().Generation() == mAppliedGeneration && IsFileCurrent();
 }
 
-// Looks up the file names at most once per kPlaceLastsMilliseconds, because that costs more than a read.
-bool Store::IsInPlace() noexcept
+// Looks up the file names at most once per kFileCheckMilliseconds, because that costs more than a read.
+bool Store::IsFileCurrent() noexcept
 {
     const std::uint64_t now = MonotonicMilliseconds(CLOCK_MONOTONIC_COARSE);
-    if (now != 0 && now - mPlaceSeenAt < kPlaceLastsMilliseconds) {
+    if (now != 0 && now - mFilesCheckedAt < kFileCheckMilliseconds) {
         return true;
     }
-    const bool isInPlace = mDatabase.IsInPlace();
-    mPlaceSeenAt = isInPlace ? now : 0;
-    return isInPlace;
+    const bool isCurrent = mDatabase.IsFileCurrent();
+    mFilesCheckedAt = isCurrent ? now : 0;
+    return isCurrent;
 }
 
-void Store::Forget() noexcept
+void Store::InvalidateMemory() noexcept
 {
-    mSeen = kNever;
+    mAppliedGeneration = kUnknownGeneration;
     mVersion = -1;
 }
 
 // The caller holds both locks.
-SystemError Store::CatchUp(bool inCreate)
+SystemError Store::OpenAndUpdate(bool inCreate)
 {
     if (mDatabase.IsOpen() && mProcess != ::getpid()) {
         mDatabase.Close(); // a child of fork needs its own connection and locks
-        Forget();
+        InvalidateMemory();
     }
-    if (mDatabase.IsOpen() && !mDatabase.IsInPlace()) {
+    if (mDatabase.IsOpen() && !mDatabase.IsFileCurrent()) {
         mDatabase.Close();
-        Forget();
+        InvalidateMemory();
     }
     SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inCreate);
     if (error == kErrorFileNotFound && !inCreate) {
-        return mTree.NoteEverything(nullptr); // an empty store until the first write
+        return mTree.ReloadEverything(nullptr); // an empty store until the first write
     }
     if (error == kNoError && inCreate && mDatabase.IsReadOnly()) {
         return kErrorAccessDenied;
     }
-    return error == kNoError ? Refresh() : error;
+    return error == kNoError ? UpdateMemory() : error;
 }
 
-SystemError Store::Refresh()
+SystemError Store::UpdateMemory()
 {
-    const SystemError error = mDatabase.Board().IsOpen() ? CatchUpWithBoard() : CatchUpWithVersion();
+    const SystemError error = mDatabase.Board().IsOpen() ? UpdateFromBoard() : UpdateFromDataVersion();
     if (error != kNoError) {
-        Forget();
+        InvalidateMemory();
     }
     return error;
 }
 
 SystemError Store::OpenDatabase(bool inCreate)
 {
-    Forget();
-    mPlace = mFindPlace();
-    SystemError error = mDatabase.Open(mPlace, inCreate);
+    InvalidateMemory();
+    mLocation = mFindLocation();
+    SystemError error = mDatabase.Open(mLocation, inCreate);
     if (mDatabase.SetAsideIfDamaged()) {
-        error = mDatabase.Open(mPlace, true); // the new database records why the old one was set aside
+        error = mDatabase.Open(mLocation, true); // the new database records why the old one was set aside
     }
     if (error == kNoError) {
         mProcess = ::getpid();
     } else if (error != kErrorFileNotFound) {
-        TraceRefusal(mPlace.mDatabase, error);
+        TraceOpenError(mLocation.mDatabase, error);
     }
     return error;
 }
 
-SystemError Store::CatchUpWithBoard()
+SystemError Store::UpdateFromBoard()
 {
     const std::uint64_t generation = mDatabase.Board().Generation();
-    if (generation == mSeen) {
+    if (generation == mAppliedGeneration) {
         return kNoError;
     }
-    std::uint64_t settled = generation & ~std::uint64_t{1};
+    std::uint64_t finished = generation & ~std::uint64_t{1};
     std::vector<Change> changes;
     SystemError error = kNoError;
-    if (mSeen == kNever || !mDatabase.Board().ChangesSince(mSeen, settled, changes)) {
-        error = mTree.NoteEverything(Loader());
+    if (mAppliedGeneration == kUnknownGeneration
+        || !mDatabase.Board().ChangesSince(mAppliedGeneration, finished, changes)) {
+        error = mTree.ReloadEverything(DatabaseOrNull());
         changes.clear();
     }
     for (std::size_t i = 0; i < changes.size() && error == kNoError; ++i) {
-        error = mTree.Note(changes[i], Loader());
+        error = mTree.ApplyChange(changes[i], DatabaseOrNull());
     }
-    mSeen = error == kNoError ? settled : kNever;
+    mAppliedGeneration = error == kNoError ? finished : kUnknownGeneration;
     return error;
 }
 
-SystemError Store::CatchUpWithVersion()
+SystemError Store::UpdateFromDataVersion()
 {
     Statement query(mDatabase, Database::kDataVersion);
     const std::int64_t version = query.Step() ? query.Number(0) : -1;
@@ -121,7 +122,7 @@ SystemError Store::CatchUpWithVersion()
         return query.Error();
     }
     mVersion = version;
-    return mTree.NoteEverything(Loader());
+    return mTree.ReloadEverything(DatabaseOrNull());
 }
 
 SystemError Store::Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const
@@ -137,7 +138,7 @@ SystemError Store::Resolve(const HandleParts& inKey, unsigned inAccess, StoredKe
     return (access & inAccess) == inAccess ? kNoError : kErrorAccessDenied;
 }
 
-SystemError Store::Walk(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey)
+SystemError Store::FindByPath(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey)
 {
     PathNames names(inPath);
     outKey = &inFrom;
@@ -145,7 +146,7 @@ SystemError Store::Walk(StoredKey& inFrom, const unsigned short* inPath, bool in
         if (!outKey->mHasSubKeys && !inMayLoad) {
             return kNotInMemory;
         }
-        const SystemError error = mTree.LoadSubKeys(*outKey, Loader());
+        const SystemError error = mTree.LoadSubKeys(*outKey, DatabaseOrNull());
         if (error != kNoError) {
             return error;
         }
@@ -169,7 +170,7 @@ SystemError Store::CheckAccess(unsigned inAccess) const
     if (!mIsMachine || (inAccess & kChangingBits) == 0) {
         return kNoError;
     }
-    const bool mayWrite = mDatabase.IsOpen() ? !mDatabase.IsReadOnly() : MayCreate(mFindPlace());
+    const bool mayWrite = mDatabase.IsOpen() ? !mDatabase.IsReadOnly() : MayCreate(mFindLocation());
     return mayWrite ? kNoError : kErrorAccessDenied;
 }
 
@@ -184,10 +185,10 @@ SystemError Store::AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& out
 
 void Store::Release() noexcept
 {
-    const std::lock_guard<TurnLock> work(mWork);
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     mDatabase.Close();
-    Forget();
+    InvalidateMemory();
     if (mHandles.IsEmpty()) {
         mTree.Clear();
         mHandles.Clear();
@@ -196,17 +197,17 @@ void Store::Release() noexcept
 
 void Store::LockForFork()
 {
-    mWork.lock();
-    mMemory.lock();
+    mDatabaseLock.lock();
+    mMemoryLock.lock();
 }
 
 void Store::UnlockAfterFork(bool inIsChild)
 {
-    mMemory.unlock();
+    mMemoryLock.unlock();
     if (inIsChild) {
-        mWork.Renew();
+        mDatabaseLock.ResetAfterFork();
     } else {
-        mWork.unlock();
+        mDatabaseLock.unlock();
     }
 }
 

@@ -2,15 +2,16 @@
 // The store of one root: its database, the keys in memory, and the handles to its keys.
 //
 // While the board shows no new changes, reads are served from memory. Otherwise the store first processes the changes.
-// There are two locks. mWork is acquired first and admits one database operation at a time; mMemory guards tree and
-// handles. A read from memory acquires only mMemory. A thread waits for other processes under mWork only.
+// There are two locks. mDatabaseLock is acquired first and admits one database operation at a time; mMemoryLock guards
+// tree and handles. A read from memory acquires only mMemoryLock. A thread waits for other processes under
+// mDatabaseLock only.
 #pragma once
 
+#include "LinuxFairMutex.h"
 #include "LinuxRegistryDatabase.h"
 #include "LinuxRegistryHandles.h"
-#include "LinuxRegistryPlaces.h"
+#include "LinuxRegistryLocations.h"
 #include "LinuxRegistryTree.h"
-#include "LinuxTurnLock.h"
 
 #include <Platform/Registry.h>
 
@@ -33,8 +34,8 @@ struct EditTarget
 class Store
 {
 public:
-    Store(bool inIsMachine, Place (*inFindPlace)()) noexcept
-        : mIsMachine(inIsMachine), mFindPlace(inFindPlace), mHandles(inIsMachine)
+    Store(bool inIsMachine, StoreLocation (*inFindLocation)()) noexcept
+        : mIsMachine(inIsMachine), mFindLocation(inFindLocation), mHandles(inIsMachine)
     {
     }
 
@@ -65,31 +66,31 @@ private:
     static constexpr unsigned kRightToQuery = 0x1;
     static constexpr unsigned kRightToSet = 0x2;
     static constexpr unsigned kRightToListSubKeys = 0x8;
-    static constexpr std::uint64_t kNever = ~std::uint64_t{0};
+    static constexpr std::uint64_t kUnknownGeneration = ~std::uint64_t{0};
     static constexpr SystemError kNotInMemory = ~SystemError{0};
 
     template <class Read>
-    SystemError FromMemory(Read inRead);
+    SystemError RunRead(Read inRead);
     template <class Work, class Done>
     SystemError RunChange(const Change& inChange, Work inWork, Done inDone);
     template <class Work, class Done>
     SystemError RunChangeOnce(const Change& inChange, Work inWork, Done inDone);
     template <class Done>
-    void ApplyOwnChange(std::uint64_t inAnnounced, Done inDone) noexcept;
+    void ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept;
 
     SystemError ApplyOne(const Platform::Edit& inEdit, EditTarget& ioTarget);
-    SystemError CatchUp(bool inCreate);
+    SystemError OpenAndUpdate(bool inCreate);
     SystemError OpenDatabase(bool inCreate);
-    SystemError Refresh();
-    SystemError CatchUpWithBoard();
-    SystemError CatchUpWithVersion();
+    SystemError UpdateMemory();
+    SystemError UpdateFromBoard();
+    SystemError UpdateFromDataVersion();
     bool IsUpToDate() noexcept;
-    bool IsInPlace() noexcept;
-    void Forget() noexcept;
-    Database* Loader() noexcept { return mDatabase.IsOpen() ? &mDatabase : nullptr; }
+    bool IsFileCurrent() noexcept;
+    void InvalidateMemory() noexcept;
+    Database* DatabaseOrNull() noexcept { return mDatabase.IsOpen() ? &mDatabase : nullptr; }
 
     SystemError Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const;
-    SystemError Walk(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey);
+    SystemError FindByPath(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey);
     SystemError CheckAccess(unsigned inAccess) const;
     SystemError AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& outKey);
     SystemError FindToDelete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants,
@@ -97,22 +98,22 @@ private:
     SystemError FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget);
     SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
                           StoredValue*& outValue);
-    SystemError PutOrRemove(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
+    SystemError SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
 
     const bool mIsMachine;
-    Place (*const mFindPlace)();
+    StoreLocation (*const mFindLocation)();
 
-    TurnLock mWork;
-    std::mutex mMemory;
+    FairMutex mDatabaseLock;
+    std::mutex mMemoryLock;
     Database mDatabase; // opened and closed under both locks
-    Place mPlace;
+    StoreLocation mLocation;
     int mProcess = 0; // the process that opened the database
     Tree mTree;
     HandleTable mHandles;
-    Units mFolded;              // buffer for the name that is looked up, guarded by mMemory
-    std::uint64_t mSeen = kNever; // the board's generation whose changes are in memory
-    std::int64_t mVersion = -1;   // for a database without a board: the data version whose contents are in memory
-    std::uint64_t mPlaceSeenAt = 0; // when the files of the database and its board were last found under their names
+    Units mFolded;              // buffer for the name that is looked up, guarded by mMemoryLock
+    std::uint64_t mAppliedGeneration = kUnknownGeneration; // the board's generation whose changes are in memory
+    std::int64_t mVersion = -1;                            // for a database without a board: the data version whose contents are in memory
+    std::uint64_t mFilesCheckedAt = 0; // when the files of the database and its board were last found under their names
 };
 
 /// Returns the store of a handle.

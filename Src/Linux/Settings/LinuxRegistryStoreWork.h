@@ -13,10 +13,10 @@ namespace Linux {
 /// Runs a read. inRead(false) uses memory only and returns kNotInMemory if something is not loaded; inRead(true) may
 /// load from the database.
 template <class Read>
-SystemError Store::FromMemory(Read inRead)
+SystemError Store::RunRead(Read inRead)
 {
     {
-        const std::lock_guard<std::mutex> memory(mMemory);
+        const std::lock_guard<std::mutex> memory(mMemoryLock);
         if (IsUpToDate()) {
             const SystemError error = inRead(false);
             if (error != kNotInMemory) {
@@ -24,12 +24,12 @@ SystemError Store::FromMemory(Read inRead)
             }
         }
     }
-    const std::lock_guard<TurnLock> work(mWork);
-    const std::lock_guard<std::mutex> memory(mMemory);
-    SystemError error = CatchUp(false);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    SystemError error = OpenAndUpdate(false);
     error = error == SystemErrors::kNoError ? inRead(true) : error;
     if (mDatabase.SetAsideIfDamaged()) {
-        error = CatchUp(true);
+        error = OpenAndUpdate(true);
         error = error == SystemErrors::kNoError ? inRead(true) : error;
     }
     return error;
@@ -41,13 +41,13 @@ SystemError Store::FromMemory(Read inRead)
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {
-    const std::lock_guard<TurnLock> work(mWork);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
     SystemError error = RunChangeOnce(inChange, inWork, inDone);
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     if (!mDatabase.SetAsideIfDamaged()) {
         return error;
     }
-    Forget();
+    InvalidateMemory();
     return error;
 }
 
@@ -56,8 +56,8 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
 {
     SystemError error = SystemErrors::kNoError;
     {
-        const std::lock_guard<std::mutex> memory(mMemory);
-        error = CatchUp(true);
+        const std::lock_guard<std::mutex> memory(mMemoryLock);
+        error = OpenAndUpdate(true);
     }
     if (error == SystemErrors::kNoError) {
         error = Statement(mDatabase, Database::kBegin).Run(); // may wait for other processes
@@ -65,14 +65,14 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     if (error != SystemErrors::kNoError) {
         return error;
     }
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     Transaction transaction(mDatabase, inChange);
-    error = Refresh();
+    error = UpdateMemory();
     error = error == SystemErrors::kNoError ? inWork() : error;
     error = error == SystemErrors::kNoError ? transaction.Commit() : error;
-    const std::uint64_t announced = mDatabase.Settle();
+    const std::uint64_t posted = mDatabase.FinishChange();
     if (error == SystemErrors::kNoError) {
-        ApplyOwnChange(announced, inDone);
+        ApplyOwnChange(posted, inDone);
     }
     return error;
 }
@@ -80,19 +80,19 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
 /// Makes this process's own change in memory, unless changes by other processes must be processed first. The change is
 /// already committed, so a failure here only makes the next read reload the keys.
 template <class Done>
-void Store::ApplyOwnChange(std::uint64_t inAnnounced, Done inDone) noexcept
+void Store::ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept
 {
-    if (mDatabase.Board().IsOpen() && mSeen != inAnnounced - 1) {
+    if (mDatabase.Board().IsOpen() && mAppliedGeneration != inPosted - 1) {
         return;
     }
     try {
         if (inDone() == SystemErrors::kNoError) {
-            mSeen = mDatabase.Board().IsOpen() ? inAnnounced + 1 : kNever;
+            mAppliedGeneration = mDatabase.Board().IsOpen() ? inPosted + 1 : kUnknownGeneration;
             return;
         }
     } catch (const std::bad_alloc&) {
     }
-    Forget();
+    InvalidateMemory();
 }
 
 } // namespace Linux

@@ -20,7 +20,7 @@ void TraceSetAside(const Platform::SetAside& inSetAside)
     }
 }
 
-void TraceRefusal(const std::string& inFile, SystemError inError)
+void TraceOpenError(const std::string& inFile, SystemError inError)
 {
     if (sSite.IsEnabled()) {
         tvxcore::debug::TraceLine(sSite) << "The settings database \"" << inFile.c_str() << "\" cannot be used: error "

@@ -11,7 +11,7 @@ namespace Linux {
 void TraceSetAside(const Platform::SetAside& inSetAside);
 
 /// Reports a store that cannot be opened.
-void TraceRefusal(const std::string& inFile, SystemError inError);
+void TraceOpenError(const std::string& inFile, SystemError inError);
 
 } // namespace Linux
 } // namespace Registry

@@ -192,10 +192,10 @@ SystemError Tree::LoadValue(StoredKey& ioKey, const FoldedName& inName, Database
     return kNoError;
 }
 
-SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
+SystemError Tree::ApplyChange(const Change& inChange, Database* ioDatabase)
 {
     if (inChange.mKind != Change::kSubKeys && inChange.mKind != Change::kValue) {
-        return NoteEverything(ioDatabase);
+        return ReloadEverything(ioDatabase);
     }
     const auto found = mKeys.find(static_cast<std::int64_t>(inChange.mKey));
     if (found == mKeys.end()) {
@@ -215,7 +215,7 @@ SystemError Tree::Note(const Change& inChange, Database* ioDatabase)
     return kNoError;
 }
 
-SystemError Tree::NoteEverything(Database* ioDatabase)
+SystemError Tree::ReloadEverything(Database* ioDatabase)
 {
     return ReloadBelow(*mRoot, ioDatabase);
 }

@@ -78,10 +78,10 @@ public:
 
     /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory
     /// is reloaded immediately, so that deleted keys are marked.
-    SystemError Note(const Change& inChange, Database* ioDatabase);
+    SystemError ApplyChange(const Change& inChange, Database* ioDatabase);
 
     /// Processes a change that may affect all keys and values.
-    SystemError NoteEverything(Database* ioDatabase);
+    SystemError ReloadEverything(Database* ioDatabase);
 
     /// Inserts a new key if the list of its siblings is in memory.
     void Insert(StoredKey& ioParent, std::int64_t inId, const Units& inFolded, const Units& inName);

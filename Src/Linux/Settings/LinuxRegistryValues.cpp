@@ -23,7 +23,7 @@ SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const 
         if (!inMayLoad) {
             return kNotInMemory;
         }
-        error = mTree.LoadValue(*key, inName, Loader(), outValue);
+        error = mTree.LoadValue(*key, inName, DatabaseOrNull(), outValue);
     }
     return error == kNoError && outValue == nullptr ? kErrorFileNotFound : error;
 }
@@ -31,7 +31,7 @@ SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const 
 SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
 {
     const FoldedName name(inName);
-    return FromMemory([&](bool inMayLoad) {
+    return RunRead([&](bool inMayLoad) {
         StoredValue* value = nullptr;
         const SystemError error = FindValue(inKey, kRightToQuery, name, inMayLoad, value);
         if (error != kNoError) {
@@ -56,14 +56,14 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
 }
 
 // Sets a value, or deletes it if inValue is null. Runs one statement, which is a transaction by itself.
-SystemError Store::PutOrRemove(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
+SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
 {
     StoredKey* key = nullptr;
     std::int64_t number = 0;
     const FoldedName folded(inName);
     {
-        const std::lock_guard<std::mutex> memory(mMemory);
-        SystemError error = CatchUp(true);
+        const std::lock_guard<std::mutex> memory(mMemoryLock);
+        SystemError error = OpenAndUpdate(true);
         error = error == kNoError ? Resolve(inKey, kRightToSet, key) : error;
         if (error != kNoError) {
             return error;
@@ -81,17 +81,17 @@ SystemError Store::PutOrRemove(const HandleParts& inKey, UnitsView inName, const
         }
         error = statement.Run(); // may wait for other processes
     }
-    const std::lock_guard<std::mutex> memory(mMemory);
-    const std::uint64_t announced = mDatabase.Settle();
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const std::uint64_t posted = mDatabase.FinishChange();
     if (error != kNoError) {
         return error;
     }
     if (mDatabase.ChangedRows() == 0) { // the key was deleted, or the value does not exist
-        error = CatchUp(false);
+        error = OpenAndUpdate(false);
         error = error == kNoError ? Resolve(inKey, 0, key) : error;
         return error != kNoError ? error : inValue != nullptr ? kErrorKeyDeleted : kErrorFileNotFound;
     }
-    ApplyOwnChange(announced, [&] {
+    ApplyOwnChange(posted, [&] {
         StoredKey* here = nullptr;
         StoredValue* known = nullptr;
         const bool isHere = Resolve(inKey, 0, here) == kNoError && here->mId == number;
@@ -116,11 +116,11 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
         return kErrorInvalidParameter;
     }
     const ValueData value = {inType, inData, inSize};
-    const std::lock_guard<TurnLock> work(mWork);
-    const SystemError error = PutOrRemove(inKey, inName, &value);
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const SystemError error = SetOrDeleteValue(inKey, inName, &value);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     if (mDatabase.SetAsideIfDamaged()) {
-        Forget();
+        InvalidateMemory();
     }
     return error;
 }
@@ -128,31 +128,31 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
 SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 {
     const FoldedName name(inName);
-    const SystemError known = FromMemory([&](bool inMayLoad) {
+    const SystemError known = RunRead([&](bool inMayLoad) {
         StoredValue* value = nullptr;
         return FindValue(inKey, kRightToSet, name, inMayLoad, value);
     });
     if (known != kNoError) {
         return known;
     }
-    const std::lock_guard<TurnLock> work(mWork);
-    const SystemError error = PutOrRemove(inKey, inName, nullptr);
-    const std::lock_guard<std::mutex> memory(mMemory);
+    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const SystemError error = SetOrDeleteValue(inKey, inName, nullptr);
+    const std::lock_guard<std::mutex> memory(mMemoryLock);
     if (mDatabase.SetAsideIfDamaged()) {
-        Forget();
+        InvalidateMemory();
     }
     return error;
 }
 
 SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& outValues)
 {
-    return FromMemory([&](bool inMayLoad) {
+    return RunRead([&](bool inMayLoad) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToQuery, key);
         if (error == kNoError && !inMayLoad && !key->HasAllValues()) {
             return kNotInMemory;
         }
-        error = error == kNoError ? mTree.LoadValues(*key, Loader()) : error;
+        error = error == kNoError ? mTree.LoadValues(*key, DatabaseOrNull()) : error;
         if (error != kNoError) {
             return error;
         }

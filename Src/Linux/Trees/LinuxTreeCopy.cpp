@@ -172,7 +172,7 @@ private:
         TreeEntries mEntries;
         std::size_t mNext;
         mode_t mMode;
-        bool mGetsMode; // mMode is set after all contents
+        bool mSetsModeAtEnd; // mMode is set after all contents
     };
 
     int CopyNext(const TreeEntry& inEntry)
@@ -226,7 +226,7 @@ private:
         }
         int failure = mFrom.OpenAbove();
         failure = failure == 0 ? mTo.OpenAbove() : failure;
-        if (failure == 0 && level.mGetsMode) {
+        if (failure == 0 && level.mSetsModeAtEnd) {
             failure = SetMode(mTo.Folder(), level.mMode);
         }
         if (failure == 0 && mDurability == CopyDurability::kSynced) {

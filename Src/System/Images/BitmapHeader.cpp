@@ -18,12 +18,12 @@ namespace {
 
 constexpr std::uint32_t kCoreHeader = 12; // the older format, with 16-bit dimensions and 3 bytes per colour
 constexpr std::uint32_t kInfoHeader = 40;
-constexpr std::uint32_t kMostColours = 256;
+constexpr std::uint32_t kMaxColours = 256;
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
 struct Table
 {
-    std::uint64_t mPlace;
+    std::uint64_t mOffset;
     std::uint32_t mCount;
     std::uint32_t mEntrySize;
 };
@@ -94,7 +94,7 @@ bool ReadInfoHeader(const Bytes& inBitmap, std::uint32_t inSize, BitmapHeader& o
         }
         place = std::max<std::uint64_t>(inSize, kInfoHeader + 3 * 4);
     }
-    const std::uint32_t used = std::min(NumberAt<std::uint32_t>(inBitmap, 32), kMostColours);
+    const std::uint32_t used = std::min(NumberAt<std::uint32_t>(inBitmap, 32), kMaxColours);
     const bool hasTable = outHeader.mBits <= 8;
     outTable = {place, used == 0 && hasTable ? 1u << outHeader.mBits : used, 4};
     return true;
@@ -105,7 +105,7 @@ void ReadColours(const Bytes& inBitmap, const Table& inTable, BitmapHeader& outH
     outHeader.mColours.assign(std::size_t{1} << outHeader.mBits, kOpaque); // indices past the table are black
     const std::size_t count = std::min<std::size_t>(inTable.mCount, outHeader.mColours.size());
     for (std::size_t i = 0; i < count; ++i) {
-        const unsigned char* const entry = inBitmap.mData + inTable.mPlace + i * inTable.mEntrySize;
+        const unsigned char* const entry = inBitmap.mData + inTable.mOffset + i * inTable.mEntrySize;
         outHeader.mColours[i] =
             kOpaque | std::uint32_t{entry[2]} << 16 | std::uint32_t{entry[1]} << 8 | std::uint32_t{entry[0]};
     }
@@ -148,13 +148,13 @@ bool ReadBitmapHeader(const Bytes& inBitmap, BitmapHeader& outHeader)
     const bool isRead = size == kCoreHeader ? ReadCoreHeader(inBitmap, outHeader, table)
                                             : ReadInfoHeader(inBitmap, size, outHeader, table);
     const std::uint64_t tableSize = std::uint64_t{table.mCount} * table.mEntrySize;
-    if (!isRead || !IsPossible(outHeader) || !IsInside(inBitmap, table.mPlace, tableSize)) {
+    if (!isRead || !IsPossible(outHeader) || !IsInside(inBitmap, table.mOffset, tableSize)) {
         return false;
     }
     if (outHeader.mBits <= 8) {
         ReadColours(inBitmap, table, outHeader);
     }
-    const std::uint64_t pixels = table.mPlace + tableSize;
+    const std::uint64_t pixels = table.mOffset + tableSize;
     outHeader.mPixels = PartOf(inBitmap, pixels, inBitmap.mSize - pixels);
     return true;
 }

@@ -10,7 +10,7 @@ namespace {
 // Codes that follow a count of 0. Any other number is a count of pixels that are not run-length encoded.
 constexpr unsigned int kEndOfRow = 0;
 constexpr unsigned int kEndOfBitmap = 1;
-constexpr unsigned int kMove = 2;
+constexpr unsigned int kDelta = 2;
 
 class RunReader
 {
@@ -46,7 +46,7 @@ private:
             mX = 0;
             ++mY;
             return true;
-        case kMove:
+        case kDelta:
             if (Left() < 2) {
                 return false;
             }

@@ -25,7 +25,7 @@ public:
 
     void Swap(HBITMAPWrapper& ioOther) noexcept { std::swap(mBitmap, ioOther.mBitmap); }
     HBITMAP Get() const noexcept { return mBitmap; }
-    HBITMAP LetGo() noexcept { return std::exchange(mBitmap, nullptr); }
+    HBITMAP Release() noexcept { return std::exchange(mBitmap, nullptr); }
 
 private:
     HBITMAP mBitmap;
@@ -79,7 +79,7 @@ HBITMAP OSImageHandle::GetHBITMAP() const
 
 HBITMAP OSImageHandle::StealHBITMAP()
 {
-    return mRecord->mWrapper->LetGo();
+    return mRecord->mWrapper->Release();
 }
 
 void OSImageHandle::Swap(OSImageHandle& ioOther)

@@ -14,7 +14,7 @@ using ModulePtr = ObjectPtr<Module, AtomicValue>;
 // Constant-initialized, and released only at the unload, so that a host's static objects may use the module in their
 // constructors and destructors.
 Immortal<ModulePtr> sLibraryModule;
-Immortal<ModulePtr> sSecondReference;
+Immortal<ModulePtr> sKeepAliveReference;
 
 // Memory exhaustion during the load of this library must not terminate the host.
 int CreateModule(HINSTANCE inModule)
@@ -32,13 +32,13 @@ void OnLibraryLoad(HINSTANCE inModule)
 {
     const int moduleLoaded = CreateModule(inModule);
     ORL_ASSERT_AT(ORL::ResultSucceeded(moduleLoaded), "WinDLLMain", 51, "DllMain");
-    sSecondReference.mValue = sLibraryModule.mValue;
+    sKeepAliveReference.mValue = sLibraryModule.mValue;
 }
 
 void OnLibraryUnload()
 {
     ModulePtr().Swap(sLibraryModule.mValue);
-    sSecondReference.mValue = sLibraryModule.mValue;
+    sKeepAliveReference.mValue = sLibraryModule.mValue;
 }
 
 const ModulePtr& GetLibraryModule()

@@ -20,18 +20,18 @@ constexpr unsigned short kMenuType = 4;
 constexpr std::size_t kMaxPath = 260;
 
 // Owns the handle until a Module takes ownership.
-class Holder
+class ModuleOwner
 {
 public:
-    Holder(HINSTANCE inModule, bool inOwns) : mModule(inModule), mOwns(inOwns) {}
-    ~Holder()
+    ModuleOwner(HINSTANCE inModule, bool inOwns) : mModule(inModule), mOwns(inOwns) {}
+    ~ModuleOwner()
     {
         if (mOwns && mModule != nullptr) {
             FreeModule_Impl(mModule);
         }
     }
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
+    ModuleOwner(const ModuleOwner&) = delete;
+    ModuleOwner& operator=(const ModuleOwner&) = delete;
 
     void ReleaseOwner() noexcept { mOwns = false; }
 
@@ -81,7 +81,7 @@ ResourceCollection::~ResourceCollection() = default;
 // The wrapper takes ownership of the handle after the last step that can fail.
 void Module::Wrap(HINSTANCE inModule, bool inOwnsModule, ObjectPtr<Module, AtomicValue>& outModule)
 {
-    Holder handle(inModule, inOwnsModule);
+    ModuleOwner handle(inModule, inOwnsModule);
     std::unique_ptr<Module> module(new Module(inModule, false));
     module->mResources = OpenResources_Impl(inModule);
     ObjectPtr<Module, AtomicValue> shared(module.release());

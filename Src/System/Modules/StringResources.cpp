@@ -31,7 +31,7 @@ unsigned int FindStringInResource(const ResourceCollection& inCollection, unsign
             continue;
         }
         StringBlock data(rsrc, static_cast<unsigned int>(size));
-        data.StepOver(inID % Resources::kStringsInBlock);
+        data.Skip(inID % Resources::kStringsInBlock);
         const bool isInside = data.HasEntry();
         if (isInside && data.Length() == 0) {
             continue;

@@ -23,7 +23,7 @@ constexpr std::size_t kNoteContents = 16;
 struct Segment
 {
     std::uint32_t mType;
-    std::uint64_t mPlace;
+    std::uint64_t mOffset;
     std::uint64_t mAddress;
     std::uint64_t mSize;
 };
@@ -51,7 +51,7 @@ bool ReadSegments(const Bytes& inFile, std::vector<Segment>& outSegments)
         if (segment.mType != kLoad && segment.mType != kNote) {
             continue;
         }
-        if (IsInside(inFile, segment.mPlace, segment.mSize)) {
+        if (IsInside(inFile, segment.mOffset, segment.mSize)) {
             outSegments.push_back(segment);
         } else {
             isWhole = false;
@@ -68,7 +68,7 @@ bool FindAddress(const Bytes& inFile, const std::vector<Segment>& inSegments, st
         const std::uint64_t inside = inAddress - segment.mAddress;
         if (segment.mType == kLoad && inAddress >= segment.mAddress && inside <= segment.mSize
             && inSize <= segment.mSize - inside) {
-            outBytes = PartOf(inFile, segment.mPlace + inside, inSize);
+            outBytes = PartOf(inFile, segment.mOffset + inside, inSize);
             return true;
         }
     }
@@ -119,8 +119,8 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex)
             return ReadOutcome::kPartial;
         }
         noteBytesLeft -= segment.mSize;
-        for (const ResourceNote& note : FindResourceNotes(PartOf(inFile, segment.mPlace, segment.mSize))) {
-            const std::uint64_t address = segment.mAddress + note.mPlace + static_cast<std::uint64_t>(note.mDistance);
+        for (const ResourceNote& note : FindResourceNotes(PartOf(inFile, segment.mOffset, segment.mSize))) {
+            const std::uint64_t address = segment.mAddress + note.mOffset + static_cast<std::uint64_t>(note.mDistance);
             Bytes file;
             if (note.mSize > bytesLeft || !FindAddress(inFile, segments, address, note.mSize, file)) {
                 isWhole = false;

@@ -12,7 +12,7 @@ constexpr unsigned int kEnd = 0x80; // marks the last item; not a flag of the me
 constexpr unsigned int kSeparator = 0x800;
 constexpr unsigned int kExtendedPopup = 0x01;
 constexpr std::uint16_t kExtended = 1;
-constexpr int kDeepest = 64;
+constexpr int kMaxDepth = 64;
 
 bool ReadPlainItem(TemplateReader& ioReader, ParsedMenuItem& outItem, bool& outIsLast, bool& outIsPopup)
 {
@@ -58,7 +58,7 @@ bool ReadExtendedItem(TemplateReader& ioReader, ParsedMenuItem& outItem, bool& o
 
 bool ReadItems(TemplateReader& ioReader, bool inIsExtended, int inDepth, ParsedMenu& outMenu)
 {
-    if (inDepth == kDeepest) {
+    if (inDepth == kMaxDepth) {
         return false;
     }
     for (bool isLast = false; !isLast;) {

@@ -188,7 +188,7 @@ bool ResourceFile::FindString(unsigned int inID, unsigned short inLanguage, UTF1
             continue;
         }
         StringBlock block(entry->mData, entry->mSize);
-        block.StepOver(inID % kStringsInBlock);
+        block.Skip(inID % kStringsInBlock);
         if (!block.HasEntry()) {
             return false;
         }
@@ -228,7 +228,7 @@ bool ReadStringBlock(const FileEntry& inEntry, std::vector<UTF16String>& outText
             return false;
         }
         texts.push_back(TextAt(block));
-        block.StepOver(1);
+        block.Skip(1);
     }
     outTexts.swap(texts);
     return true;

@@ -266,19 +266,20 @@ const ResourceEntry* ResourceIndex::Find(const NameView& inType, const NameView&
     if (group == nullptr) {
         return nullptr;
     }
-    const bool isOpen = (inLanguage & kPrimaryMask) == kNeutral;
-    const unsigned short asked[] = {inLanguage, static_cast<unsigned short>(inLanguage & kPrimaryMask), kNeutral};
-    for (const unsigned short language : asked) {
+    const bool isNeutral = (inLanguage & kPrimaryMask) == kNeutral;
+    const unsigned short requestedLanguages[] = {inLanguage, static_cast<unsigned short>(inLanguage & kPrimaryMask),
+                                                 kNeutral};
+    for (const unsigned short language : requestedLanguages) {
         if (const ResourceEntry* const entry = InLanguage(*group, language)) {
             return entry;
         }
     }
-    if (!isOpen) {
+    if (!isNeutral) {
         return nullptr;
     }
-    const unsigned short ours[] = {inUserLanguage, static_cast<unsigned short>(inUserLanguage & kPrimaryMask),
-                                   kAmericanEnglish};
-    for (const unsigned short language : ours) {
+    const unsigned short userLanguages[] = {inUserLanguage, static_cast<unsigned short>(inUserLanguage & kPrimaryMask),
+                                            kAmericanEnglish};
+    for (const unsigned short language : userLanguages) {
         if (const ResourceEntry* const entry = InLanguage(*group, language)) {
             return entry;
         }

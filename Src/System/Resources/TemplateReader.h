@@ -17,8 +17,8 @@ public:
     template <class Number>
     bool Read(Number& outNumber)
     {
-        const bool isThere = ReadNumber(mTemplate, mPlace, outNumber);
-        mPlace += sizeof(outNumber);
+        const bool isThere = ReadNumber(mTemplate, mOffset, outNumber);
+        mOffset += sizeof(outNumber);
         return isThere;
     }
 
@@ -35,13 +35,13 @@ public:
         return false;
     }
 
-    void Skip(std::uint64_t inSize) noexcept { mPlace += inSize; }
-    void AlignTo4() noexcept { mPlace = (mPlace + 3) & ~std::uint64_t{3}; }
-    bool IsInside() const noexcept { return mPlace <= mTemplate.mSize; }
+    void Skip(std::uint64_t inSize) noexcept { mOffset += inSize; }
+    void AlignTo4() noexcept { mOffset = (mOffset + 3) & ~std::uint64_t{3}; }
+    bool IsInside() const noexcept { return mOffset <= mTemplate.mSize; }
 
 private:
     const Bytes mTemplate;
-    std::uint64_t mPlace = 0;
+    std::uint64_t mOffset = 0;
 };
 
 } // namespace Resources

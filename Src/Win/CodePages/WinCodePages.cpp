@@ -33,7 +33,7 @@ std::size_t MostOfEach(unsigned int inCodePage)
 
 } // namespace
 
-std::size_t MostUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
+std::size_t MaxUnits_Impl(unsigned int inCodePage, std::size_t inBytes)
 {
     return MostOfEach(inCodePage) != 0 && inBytes <= kMax ? inBytes : 0;
 }
@@ -53,7 +53,7 @@ std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_
         ::MultiByteToWideChar(inCodePage, 0, inText, SizeOf(inBytes), Win::AsWide(outUnits), SizeOf(inCapacity)));
 }
 
-std::size_t MostBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
+std::size_t MaxBytes_Impl(unsigned int inCodePage, std::size_t inUnits)
 {
     return inUnits <= kMax ? inUnits * MostOfEach(inCodePage) : 0;
 }

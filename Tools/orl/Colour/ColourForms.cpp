@@ -104,7 +104,7 @@ std::vector<double> NumbersOf(const std::string& inText, ColourForm inForm)
     return numbers;
 }
 
-Colour OfHexadecimal(const std::string& inText)
+Colour ColourFromHexadecimal(const std::string& inText)
 {
     unsigned long value = 0;
     const char* const begin = inText.data() + 1;
@@ -122,7 +122,7 @@ unsigned char AsByte(float inChannel)
     return static_cast<unsigned char>(std::lround(std::min(1.0f, std::max(0.0f, inChannel)) * 255));
 }
 
-Colour OfNumbers(const std::vector<double>& inNumbers, ColourForm inForm)
+Colour ColourFromNumbers(const std::vector<double>& inNumbers, ColourForm inForm)
 {
     const auto whole = [&](std::size_t inAt) { return static_cast<unsigned>(inNumbers[inAt]); };
     const auto single = [&](std::size_t inAt) { return static_cast<float>(inNumbers[inAt]); };
@@ -240,9 +240,9 @@ std::optional<ColourForm> ColourFormOf(const std::string& inName)
 Colour ReadColour(const std::string& inText, ColourForm inForm)
 {
     if (inForm == ColourForm::kRGB && inText.compare(0, 1, "#") == 0) {
-        return OfHexadecimal(inText);
+        return ColourFromHexadecimal(inText);
     }
-    return OfNumbers(NumbersOf(inText, inForm), inForm);
+    return ColourFromNumbers(NumbersOf(inText, inForm), inForm);
 }
 
 std::vector<std::string> ColourNumbers(const Colour& inColour, ColourForm inForm)

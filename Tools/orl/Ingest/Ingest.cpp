@@ -41,16 +41,16 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
     std::optional<IngestProgress> progress;
     IngestWatcher watcher;
     watcher.mIsStopped = &IsStopRequested;
-    watcher.mOnPlanned = [&progress](std::uint64_t inBytesToPass, std::size_t inFiles) {
-        progress.emplace(OutputIsTerminal(), inBytesToPass, inFiles);
+    watcher.mOnPlanned = [&progress](std::uint64_t inBytesToRead, std::size_t inFiles) {
+        progress.emplace(OutputIsTerminal(), inBytesToRead, inFiles);
     };
-    watcher.mShow = [&progress](std::uint64_t inPassed, std::size_t inDone) { progress->Show(inPassed, inDone); };
+    watcher.mShow = [&progress](std::uint64_t inBytesRead, std::size_t inDone) { progress->Show(inBytesRead, inDone); };
     return Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
 }
 
 // Reports every trouble on its own line; the last is thrown as the program's error. If the user stopped the run, the
 // stop is the last trouble and decides the exit code, otherwise the first trouble does.
-void EndWith(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
+void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
 {
     if (inTroubles.empty()) {
         return;
@@ -73,7 +73,7 @@ void Run(const Options& inOptions)
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
     if (inOptions.mIsDryRun) {
         PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested), destinations);
-        EndWith(TroublesOf(destinations), false);
+        ReportAndThrow(TroublesOf(destinations), false);
         return;
     }
     const IngestedSource source = Ingest(inOptions, destinations);
@@ -90,13 +90,13 @@ void Run(const Options& inOptions)
     if (isStopped) {
         troubles.push_back({"ingest: stopped by the user; files in place are complete and are kept", kExitStopped});
     }
-    if (is(&IngestOutcome::mHasNoAnswer)) {
+    if (is(&IngestOutcome::mIsDiskUnresponsive)) {
         for (const IngestTrouble& trouble : troubles) {
             ReportError(trouble.mText);
         }
         std::_Exit(kExitDisappeared);
     }
-    EndWith(troubles, isStopped);
+    ReportAndThrow(troubles, isStopped);
 }
 
 } // namespace

@@ -16,16 +16,16 @@ namespace {
 constexpr std::chrono::milliseconds kTick(100);
 
 /// The record and the manifest of one destination, and its progress.
-struct Opened
+struct DestinationFiles
 {
-    Opened(const IngestRoots& inRoots, const std::string& inManifestName)
+    DestinationFiles(const IngestRoots& inRoots, const std::string& inManifestName)
         : mRecord(inRoots, inManifestName), mManifest(inRoots, inManifestName, mRecord)
     {
     }
 
     IngestRecord mRecord;
     IngestManifest mManifest;
-    std::atomic<std::uint64_t> mPassed{0};
+    std::atomic<std::uint64_t> mBytesRead{0};
     std::atomic<std::size_t> mDone{0};
     bool mIsOver = false; // guarded by the ingest's mutex
 };
@@ -50,9 +50,9 @@ public:
                 Refuse(i, failure);
             }
         }
-        Want();
+        RegisterReads();
         if (mWatcher.mOnPlanned) {
-            TellPlan();
+            ReportPlan();
         }
         ServeAll();
         return {std::move(listing), mSource.BytesRead()};
@@ -70,7 +70,7 @@ private:
         if (wasThere && inListing.mIdentities.count(roots.mDestinationIdentity) != 0) {
             throw Failure("ingest: the destination \"" + roots.mShownDestination + "\" lies inside the source");
         }
-        auto opened = std::make_unique<Opened>(roots, mManifestName);
+        auto opened = std::make_unique<DestinationFiles>(roots, mManifestName);
         if (wasThere) {
             opened->mRecord.Open();
             opened->mManifest.Read();
@@ -79,13 +79,13 @@ private:
         destination.mPlan =
             MakePlan(inListing, {roots, mManifestName, opened->mManifest, wasThere ? &opened->mRecord : nullptr,
                                  mSettings.mReplaces, mWatcher.mIsStopped});
-        CheckFreeSpace(destination.mPlan, roots, mPromised);
+        CheckFreeSpace(destination.mPlan, roots, mReserved);
         if (!wasThere) {
             MakeDestination(roots);
             opened->mRecord.Open();
             opened->mManifest.Read();
         }
-        opened->mManifest.Mend();
+        opened->mManifest.CutIncompleteLine();
         mOpened[inIndex] = std::move(opened);
     }
 
@@ -102,23 +102,23 @@ private:
     }
 
     // Registers nothing for a single destination, because no block is shared.
-    void Want()
+    void RegisterReads()
     {
         for (std::size_t i = 0; i < mDestinations.size() && mDestinations.size() > 1; ++i) {
             for (const IngestItem& item : mDestinations[i].mPlan.mItems) {
                 if (item.mState != IngestItem::kVerifiedBefore) {
-                    mSource.Want(i, item.mName);
+                    mSource.RegisterReader(i, item.mName);
                 }
             }
         }
     }
 
-    void TellPlan() const
+    void ReportPlan() const
     {
         std::uint64_t bytes = 0;
         std::size_t files = 0;
         for (const IngestDestination& destination : mDestinations) {
-            bytes += destination.mPlan.mBytesToPass;
+            bytes += destination.mPlan.mBytesToRead;
             files += destination.mPlan.mItems.size();
         }
         mWatcher.mOnPlanned(bytes, files);
@@ -142,7 +142,7 @@ private:
     void Serve(std::size_t inIndex)
     {
         IngestDestination& destination = mDestinations[inIndex];
-        Opened& opened = *mOpened[inIndex];
+        DestinationFiles& opened = *mOpened[inIndex];
         try {
             destination.mOutcome =
                 RunIngest(destination.mPlan, destination.mRoots, mSettings, opened.mManifest, opened.mRecord,
@@ -150,7 +150,7 @@ private:
         } catch (const std::exception& failure) {
             destination.mOutcome.mTroubles.push_back({"ingest: " + std::string(failure.what()), kExitFailure});
         }
-        mSource.GiveUpAll(inIndex);
+        mSource.UnregisterDestination(inIndex);
         const std::lock_guard<std::mutex> lock(mMutex);
         opened.mIsOver = true;
         mChanged.notify_all();
@@ -160,8 +160,8 @@ private:
     {
         IngestRunWatcher watcher;
         watcher.mIsStopped = mWatcher.mIsStopped;
-        watcher.mShow = [&opened = *mOpened[inIndex]](std::uint64_t inPassed, std::size_t inDone) {
-            opened.mPassed.store(inPassed, std::memory_order_relaxed);
+        watcher.mShow = [&opened = *mOpened[inIndex]](std::uint64_t inBytesRead, std::size_t inDone) {
+            opened.mBytesRead.store(inBytesRead, std::memory_order_relaxed);
             opened.mDone.store(inDone, std::memory_order_relaxed);
         };
         if (mWatcher.mOnStep) {
@@ -184,7 +184,7 @@ private:
 
     bool AreAllOver() const
     {
-        for (const std::unique_ptr<Opened>& opened : mOpened) {
+        for (const std::unique_ptr<DestinationFiles>& opened : mOpened) {
             if (opened && !opened->mIsOver) {
                 return false;
             }
@@ -194,13 +194,13 @@ private:
 
     void Show() const
     {
-        std::uint64_t passed = 0;
+        std::uint64_t bytesRead = 0;
         std::size_t done = 0;
-        for (const std::unique_ptr<Opened>& opened : mOpened) {
-            passed += opened ? opened->mPassed.load(std::memory_order_relaxed) : 0;
+        for (const std::unique_ptr<DestinationFiles>& opened : mOpened) {
+            bytesRead += opened ? opened->mBytesRead.load(std::memory_order_relaxed) : 0;
             done += opened ? opened->mDone.load(std::memory_order_relaxed) : 0;
         }
-        mWatcher.mShow(passed, done);
+        mWatcher.mShow(bytesRead, done);
     }
 
     std::vector<IngestDestination>& mDestinations;
@@ -208,8 +208,8 @@ private:
     const IngestSettings& mSettings;
     const IngestWatcher& mWatcher;
     SharedSource mSource;
-    PromisedRoom mPromised;
-    std::vector<std::unique_ptr<Opened>> mOpened; // null if the destination was refused
+    ReservedSpace mReserved;
+    std::vector<std::unique_ptr<DestinationFiles>> mOpened; // null if the destination was refused
     std::mutex mMutex;
     std::condition_variable mChanged;
 };

@@ -24,7 +24,7 @@ struct IngestWatcher
 
     // Called on the caller's thread: mOnPlanned once before the first file, then mShow ten times a second. Sums over
     // all destinations.
-    std::function<void(std::uint64_t inBytesToPass, std::size_t inFiles)> mOnPlanned = {}; // may be empty
+    std::function<void(std::uint64_t inBytesToRead, std::size_t inFiles)> mOnPlanned = {}; // may be empty
     std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow;
 
     // Called on any thread; may be empty.

@@ -28,7 +28,7 @@ std::string WhyTheRunIsIncomplete(const IngestListing& inBefore, const std::vect
     if (HasAny(inDestinations, &IngestOutcome::mIsStopped)) {
         return "the ingest was stopped";
     }
-    if (HasAny(inDestinations, &IngestOutcome::mHasNoAnswer)) {
+    if (HasAny(inDestinations, &IngestOutcome::mIsDiskUnresponsive)) {
         return "a disk does not answer";
     }
     return inBefore.mTroubles.empty() ? "" : "some of it cannot be read";

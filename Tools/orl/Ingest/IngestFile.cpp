@@ -26,7 +26,7 @@ constexpr std::size_t kBlockSize = SharedReading::kBlockSize;
 constexpr std::size_t kReadsInFlight = 4; // per file; several files are copied at once
 
 // In a file with holes, a piece of this many zero bytes becomes a hole.
-constexpr unsigned int kHole = 1 << 16;
+constexpr unsigned int kHoleSize = 1 << 16;
 
 class OneFile
 {
@@ -135,7 +135,7 @@ private:
         if (HasHoles()) {
             CheckTarget(target.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure);
         }
-        if (!SetLastWriteTime(target, mTime) || !SettleFile(target)) {
+        if (!SetLastWriteTime(target, mTime) || !PrepareSync(target)) {
             CheckTarget(ORL::kGeneralFailure);
         }
         return digest;
@@ -149,8 +149,8 @@ private:
             WriteAll(ioTarget, inBytes, inCount);
             return;
         }
-        for (unsigned int at = 0; at < inCount; at += kHole) {
-            const unsigned int count = std::min(kHole, inCount - at);
+        for (unsigned int at = 0; at < inCount; at += kHoleSize) {
+            const unsigned int count = std::min(kHoleSize, inCount - at);
             const unsigned char* const piece = inBytes + at;
             if (std::all_of(piece, piece + count, [](unsigned char inByte) { return inByte == 0; })) {
                 CheckTarget(ioTarget.SetFilePointer(count, ORL::FilePointerMoveMethod::kFilePointer_Current));
@@ -193,7 +193,7 @@ private:
         CheckStopped();
         while (const SharedReading::Block block = reading.Next()) {
             inSink(block->data(), static_cast<unsigned int>(block->size()));
-            mContext.mPass(block->size());
+            mContext.mOnBytesRead(block->size());
             ReportStep(IngestStep::kBlockCopied);
             CheckStopped();
         }
@@ -248,7 +248,7 @@ private:
             try {
                 ReadUnbuffered(read, [&](const unsigned char* inBytes, std::size_t inCount, double, std::uint64_t) {
                     digest.Add(inBytes, inCount);
-                    mContext.mPass(inCount);
+                    mContext.mOnBytesRead(inCount);
                     CheckStopped();
                 });
             } catch (const NoAnswer&) {
@@ -264,7 +264,7 @@ private:
     // the volume treats two names of the source as one.
     void RenameIntoPlace() const
     {
-        Result result = mTarget.MoveToFreeName(mTemporary, mLeaf);
+        Result result = mTarget.RenameNoReplace(mTemporary, mLeaf);
         if (result == ORL::kAlreadyExists) {
             EntryStatus status;
             const bool isEarlier = ResultSucceeded(mTarget.GetStatus(mLeaf, Links::kNoFollow, status))
@@ -282,14 +282,14 @@ private:
     Result Replace() const
     {
         std::vector<IngestManifest::Line> earlier;
-        Withdraw(mItem.mName, earlier);
+        CommentOut(mItem.mName, earlier);
         for (const std::string& name : mContext.mManifest.NamesLike(mItem.mName)) {
             EntryStatus status;
             HeldFolder folder;
             if (ResultSucceeded(mContext.mRoots.OpenDestination(FolderOf(name), folder))
                 && ResultSucceeded(folder.GetStatus(LeafOf(name), Links::kNoFollow, status))
                 && mItem.mEarlier == status.mIdentity) {
-                Withdraw(name, earlier);
+                CommentOut(name, earlier);
             }
         }
         const Result result = File::SwapTempFile(mTarget.PathOf(mTemporary), mTarget.PathOf(mLeaf));
@@ -299,9 +299,9 @@ private:
         return result;
     }
 
-    void Withdraw(const std::string& inName, std::vector<IngestManifest::Line>& ioEarlier) const
+    void CommentOut(const std::string& inName, std::vector<IngestManifest::Line>& ioEarlier) const
     {
-        std::string digest = mContext.mManifest.Withdraw(inName);
+        std::string digest = mContext.mManifest.CommentOut(inName);
         if (!digest.empty()) {
             ioEarlier.push_back({inName, std::move(digest)});
         }

@@ -8,7 +8,7 @@
 
 namespace orl {
 
-/// Waits until files that were passed to SettleFile are on disk, with their names and all folders from the destination
+/// Waits until files that were passed to PrepareSync are on disk, with their names and all folders from the destination
 /// down to them, on whatever volumes they are. Returns false if the system reports an error.
 bool FlushGroup(const IngestRoots& inRoots, const std::vector<std::string>& inNames);
 

@@ -11,16 +11,16 @@ namespace orl {
 namespace {
 
 // The folders above a folder, as a list that its subfolders share.
-struct Above
+struct ParentChain
 {
     EntryIdentity mIdentity;
-    std::shared_ptr<const Above> mNext;
+    std::shared_ptr<const ParentChain> mNext;
 };
 
 struct Pending
 {
     std::string mFolder;
-    std::shared_ptr<const Above> mAbove;
+    std::shared_ptr<const ParentChain> mParents;
 };
 
 class Lister
@@ -51,7 +51,7 @@ private:
         std::vector<std::string> names;
         ORL::Result result = mRoots.OpenSource(inPending.mFolder, folder);
         if (ORL::ResultSucceeded(result)) {
-            if (IsCycle(folder.Identity(), inPending.mAbove.get())) {
+            if (IsCycle(folder.Identity(), inPending.mParents.get())) {
                 return;
             }
             mListing.mIdentities.insert(folder.Identity());
@@ -62,19 +62,19 @@ private:
             const std::string shown = JoinHostPath(mRoots.mShownSource, inPending.mFolder);
             AddTrouble("cannot list the folder \"" + shown + "\" completely: " + Describe(result));
         }
-        const auto above = std::make_shared<const Above>(
-            Above{folder.IsOpen() ? folder.Identity() : EntryIdentity(), inPending.mAbove});
+        const auto parents = std::make_shared<const ParentChain>(
+            ParentChain{folder.IsOpen() ? folder.Identity() : EntryIdentity(), inPending.mParents});
         std::sort(names.begin(), names.end());
         for (const std::string& name : names) {
-            AddEntry(folder, inPending.mFolder, name, above, ioPending);
+            AddEntry(folder, inPending.mFolder, name, parents, ioPending);
         }
     }
 
     void AddEntry(const HeldFolder& inHeld, const std::string& inFolder, const std::string& inLeaf,
-                  const std::shared_ptr<const Above>& inAbove, std::vector<Pending>& ioPending)
+                  const std::shared_ptr<const ParentChain>& inParents, std::vector<Pending>& ioPending)
     {
         CheckStopped();
-        const std::string name = Below(inFolder, inLeaf);
+        const std::string name = NameBelow(inFolder, inLeaf);
         EntryStatus status;
         const ORL::Result result = inHeld.GetStatus(inLeaf, Links::kFollow, status);
         if (!ORL::ResultSucceeded(result)) {
@@ -82,7 +82,7 @@ private:
             AddTrouble("cannot read \"" + name + "\": " + Describe(result));
         } else if (status.mKind == EntryStatus::kFolder) {
             mListing.mFolders.push_back(name);
-            ioPending.push_back({name, inAbove});
+            ioPending.push_back({name, inParents});
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});
         } else { // reading a pipe or a device might never end
@@ -90,10 +90,10 @@ private:
         }
     }
 
-    static bool IsCycle(const EntryIdentity& inIdentity, const Above* inAbove)
+    static bool IsCycle(const EntryIdentity& inIdentity, const ParentChain* inParents)
     {
-        for (; inAbove != nullptr; inAbove = inAbove->mNext.get()) {
-            if (inAbove->mIdentity == inIdentity) {
+        for (; inParents != nullptr; inParents = inParents->mNext.get()) {
+            if (inParents->mIdentity == inIdentity) {
                 return true;
             }
         }

@@ -72,7 +72,7 @@ void IngestManifest::Read()
     Check(mRoots.OpenDestination("", mFolder), "find");
     CheckStatus();
     if (!mExists) {
-        TellRecord();
+        UpdateRecord();
         return;
     }
     ORL::File file;
@@ -84,16 +84,16 @@ void IngestManifest::Read()
         Refuse("was replaced while it was opened");
     }
     ReadLines(file);
-    TellRecord();
+    UpdateRecord();
 }
 
 // Only the record tells which incomplete line and which comments a killed run of orl has written.
-void IngestManifest::TellRecord()
+void IngestManifest::UpdateRecord()
 {
-    mRecord.SetNeededByManifest(mFound != mLength || !mWithdrawn.empty());
+    mRecord.SetNeededByManifest(mFound != mLength || !mCommentedOut.empty());
 }
 
-void IngestManifest::Repair()
+void IngestManifest::CutIncompleteLine()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mFound != mLength) {
@@ -135,7 +135,7 @@ void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, boo
 {
     Line line;
     const std::uint64_t length = inText.size() + (inIsWhole ? 1 : 0);
-    const std::vector<std::uint64_t>& withdrawn = mRecord.Remains().mWithdrawn;
+    const std::vector<std::uint64_t>& withdrawn = mRecord.Remains().mCommentedOut;
     if (ParseManifestLine(inText, line)) {
         mLines[line.mName].push_back({inAt, length, line.mDigest});
     } else if (!IsLineOfSums(inText)) {
@@ -143,7 +143,7 @@ void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, boo
     } else if (inText[0] == '#' && std::find(withdrawn.begin(), withdrawn.end(), inAt) != withdrawn.end()
                && (ParseManifestLine("0" + inText.substr(1), line)
                    || ParseManifestLine("\\" + inText.substr(1), line))) {
-        mWithdrawn.push_back({inAt, length, std::string()}); // by a killed run
+        mCommentedOut.push_back({inAt, length, std::string()}); // by a killed run
     }
 }
 
@@ -151,7 +151,7 @@ std::vector<std::string> IngestManifest::NamesLike(const std::string& inName) co
 {
     std::vector<std::string> names;
     const UTF16String folded = Folded(inName);
-    for (const auto& [name, places] : mLines) {
+    for (const auto& [name, ranges] : mLines) {
         if (name != inName && name.size() == inName.size() && Folded(name) == folded) {
             names.push_back(name);
         }
@@ -183,7 +183,7 @@ void IngestManifest::OpenToWrite()
         mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
         Check(mFile.SetEndOfFile() == 0 ? ORL::kSuccess : ORL::kGeneralFailure, "truncate");
         mFound = mLength;
-        TellRecord();
+        UpdateRecord();
     }
 }
 
@@ -203,36 +203,36 @@ void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
 void IngestManifest::Append(const std::string& inText)
 {
     OpenToWrite();
-    mRecord.NoteManifestLength(mLength);
+    mRecord.RecordManifestLength(mLength);
     try {
         WriteAt(mLength, inText);
     } catch (const Failure&) {
         mFile.SetFilePointer(static_cast<__int64>(mLength), ORL::FilePointerMoveMethod::kFilePointer_Begin);
         if (mFile.SetEndOfFile() != 0) {
             mFound = mLength + 1; // the partial line remains; mFound != mLength makes a later run truncate it
-            TellRecord();
+            UpdateRecord();
         }
         throw;
     }
     mLength += inText.size();
     mFound = mLength;
     mEndsWithBreak = true;
-    mRecord.NoteManifestIsWhole();
+    mRecord.RecordManifestComplete();
 }
 
 // The record is written before the line changes, so that a later run can tell comments of orl from those of users.
-void IngestManifest::WithdrawPlaces(const std::string& inName)
+void IngestManifest::CommentOutLines(const std::string& inName)
 {
     const auto line = mLines.find(inName);
     if (line == mLines.end()) {
         return;
     }
     OpenToWrite();
-    for (const Place& place : line->second) {
-        mRecord.NoteWithdrawn(place.mAt);
-        WriteAt(place.mAt, "#");
-        mWithdrawn.push_back(place);
-        TellRecord();
+    for (const LineRange& range : line->second) {
+        mRecord.RecordCommentedOut(range.mAt);
+        WriteAt(range.mAt, "#");
+        mCommentedOut.push_back(range);
+        UpdateRecord();
     }
     mLines.erase(line);
 }
@@ -241,16 +241,16 @@ void IngestManifest::Drop(const std::vector<std::string>& inNames)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     for (const std::string& name : inNames) {
-        WithdrawPlaces(name);
+        CommentOutLines(name);
     }
 }
 
-std::string IngestManifest::Withdraw(const std::string& inName)
+std::string IngestManifest::CommentOut(const std::string& inName)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto line = mLines.find(inName);
     std::string digest = line != mLines.end() ? line->second.back().mDigest : std::string();
-    WithdrawPlaces(inName);
+    CommentOutLines(inName);
     return digest;
 }
 
@@ -258,14 +258,14 @@ void IngestManifest::Acknowledge(const std::vector<Line>& inLines)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     std::string text;
-    std::vector<std::pair<std::string, Place>> added;
+    std::vector<std::pair<std::string, LineRange>> added;
     for (const Line& line : inLines) {
         const auto earlier = mLines.find(line.mName);
-        const auto isOther = [&line](const Place& inPlace) { return inPlace.mDigest != line.mDigest; };
+        const auto isOther = [&line](const LineRange& inRange) { return inRange.mDigest != line.mDigest; };
         if (earlier != mLines.end() && std::none_of(earlier->second.begin(), earlier->second.end(), isOther)) {
             continue;
         }
-        WithdrawPlaces(line.mName);
+        CommentOutLines(line.mName);
         const std::string formatted = FormatManifestLine(line);
         text += text.empty() && !mEndsWithBreak ? "\n" : "";
         added.push_back({line.mName, {mLength + text.size(), formatted.size(), line.mDigest}});
@@ -275,8 +275,8 @@ void IngestManifest::Acknowledge(const std::vector<Line>& inLines)
         return;
     }
     Append(text);
-    for (const auto& [name, place] : added) {
-        mLines[name] = {place};
+    for (const auto& [name, range] : added) {
+        mLines[name] = {range};
     }
 }
 
@@ -285,14 +285,14 @@ void IngestManifest::Acknowledge(const std::vector<Line>& inLines)
 void IngestManifest::Compact()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (mWithdrawn.empty()) {
+    if (mCommentedOut.empty()) {
         return;
     }
     OpenToWrite();
-    std::vector<Place> places = mWithdrawn;
-    std::sort(places.begin(), places.end(),
-              [](const Place& inLeft, const Place& inRight) { return inLeft.mAt < inRight.mAt; });
-    const std::string temporary = CopyWithout(places);
+    std::vector<LineRange> ranges = mCommentedOut;
+    std::sort(ranges.begin(), ranges.end(),
+              [](const LineRange& inLeft, const LineRange& inRight) { return inLeft.mAt < inRight.mAt; });
+    const std::string temporary = CopyWithout(ranges);
     mFile.Close();
     const ORL::Result result = ORL::File::SwapTempFile(mFolder.PathOf(temporary), mFolder.PathOf(mName));
     if (!ORL::ResultSucceeded(result)) {
@@ -300,12 +300,12 @@ void IngestManifest::Compact()
     }
     mRecord.ForgetTemporary("", temporary);
     Check(result, "replace");
-    mWithdrawn.clear(); // all offsets are invalid after the rewrite, which is the last step of a run
+    mCommentedOut.clear(); // all offsets are invalid after the rewrite, which is the last step of a run
     mLines.clear();
-    TellRecord();
+    UpdateRecord();
 }
 
-std::string IngestManifest::CopyWithout(const std::vector<Place>& inPlaces)
+std::string IngestManifest::CopyWithout(const std::vector<LineRange>& inRanges)
 {
     const std::string temporary = mRecord.NewTemporary("");
     ORL::File file;
@@ -315,11 +315,11 @@ std::string IngestManifest::CopyWithout(const std::vector<Place>& inPlaces)
     std::vector<char> block(kBlock);
     std::size_t next = 0;
     for (std::uint64_t at = 0; at < mLength;) {
-        if (next < inPlaces.size() && inPlaces[next].mAt == at) {
-            at += inPlaces[next++].mLength;
+        if (next < inRanges.size() && inRanges[next].mAt == at) {
+            at += inRanges[next++].mLength;
             continue;
         }
-        const std::uint64_t end = next < inPlaces.size() ? inPlaces[next].mAt : mLength;
+        const std::uint64_t end = next < inRanges.size() ? inRanges[next].mAt : mLength;
         const auto wanted = static_cast<unsigned int>(std::min<std::uint64_t>(end - at, block.size()));
         unsigned int count = 0;
         unsigned int written = 0;

@@ -35,7 +35,7 @@ public:
     void Read();
 
     /// Truncates the incomplete last line of a killed run. Throws Failure.
-    void Repair();
+    void CutIncompleteLine();
 
     bool Holds(const std::string& inName) const { return mLines.count(inName) != 0; }
 
@@ -47,7 +47,7 @@ public:
 
     /// Removes the line of a file that is about to be replaced. The line is a comment on disk when this returns.
     /// Returns the digest of the removed line, empty if the manifest does not list the name. Throws Failure.
-    std::string Withdraw(const std::string& inName);
+    std::string CommentOut(const std::string& inName);
 
     /// Adds lines, and replaces the lines of names that are already listed. The new lines are on disk when this
     /// returns. Throws Failure.
@@ -58,7 +58,7 @@ public:
     void Compact();
 
 private:
-    struct Place
+    struct LineRange
     {
         std::uint64_t mAt;
         std::uint64_t mLength; // including the line break
@@ -69,11 +69,11 @@ private:
     void ReadLines(ORL::File& ioFile);
     void ReadLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole);
     void OpenToWrite();
-    void TellRecord();
-    void WithdrawPlaces(const std::string& inName);
+    void UpdateRecord();
+    void CommentOutLines(const std::string& inName);
     void Append(const std::string& inText);
     void WriteAt(std::uint64_t inAt, const std::string& inText);
-    std::string CopyWithout(const std::vector<Place>& inPlaces);
+    std::string CopyWithout(const std::vector<LineRange>& inRanges);
     void Check(ORL::Result inResult, const char* inWhat) const;
     [[noreturn]] void Refuse(const std::string& inWhy) const;
 
@@ -89,8 +89,8 @@ private:
     std::uint64_t mLength = 0; // valid bytes; an incomplete line of a killed run may follow
     std::uint64_t mFound = 0;  // length of the file when it was read
     bool mEndsWithBreak = true;
-    std::map<std::string, std::vector<Place>> mLines;
-    std::vector<Place> mWithdrawn;
+    std::map<std::string, std::vector<LineRange>> mLines;
+    std::vector<LineRange> mCommentedOut;
 };
 
 /// Formats a line with its line break, or parses one; returns false for a line of a different format. Backslashes and

@@ -53,7 +53,7 @@ public:
     NameProbe& operator=(const NameProbe&) = delete;
 
     // If the folder could not be created, returns true for any two names, so that nothing is overwritten.
-    bool AreOne(const std::string& inLeft, const std::string& inRight) const
+    bool AreSameName(const std::string& inLeft, const std::string& inRight) const
     {
         if (inLeft == inRight) {
             return true;
@@ -90,14 +90,14 @@ private:
 };
 
 // Compares part by part: two paths differ as soon as one part differs.
-bool AreOnePath(const NameProbe& inProbe, const std::string& inLeft, const std::string& inRight)
+bool AreSamePath(const NameProbe& inProbe, const std::string& inLeft, const std::string& inRight)
 {
     std::size_t left = 0;
     std::size_t right = 0;
     while (left < inLeft.size() && right < inRight.size()) {
         const std::size_t leftEnd = std::min(inLeft.find('/', left), inLeft.size());
         const std::size_t rightEnd = std::min(inRight.find('/', right), inRight.size());
-        if (!inProbe.AreOne(inLeft.substr(left, leftEnd - left), inRight.substr(right, rightEnd - right))) {
+        if (!inProbe.AreSameName(inLeft.substr(left, leftEnd - left), inRight.substr(right, rightEnd - right))) {
             return false;
         }
         left = leftEnd + 1;
@@ -131,7 +131,7 @@ std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, con
         const NameProbe probe(inRoots, ioRecord, FolderOf(names.front()));
         std::vector<std::string> kept;
         for (const std::string& name : names) {
-            const auto isOne = [&](const std::string& inKept) { return AreOnePath(probe, inKept, name); };
+            const auto isOne = [&](const std::string& inKept) { return AreSamePath(probe, inKept, name); };
             if (std::any_of(kept.begin(), kept.end(), isOne)) {
                 taken.insert(name);
             } else {

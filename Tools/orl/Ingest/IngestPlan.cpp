@@ -15,7 +15,7 @@ namespace orl {
 namespace {
 
 /// A folder of the destination at planning time.
-struct Place
+struct PlannedFolder
 {
     enum State { kExists, kToBeCreated, kRefused };
 
@@ -36,7 +36,7 @@ public:
         mPlan.mTroubles = std::move(mListing.mTroubles);
         mPlan.mSourceFolders = mListing.mIdentities;
         CheckListing();
-        FindPlaces();
+        PlanFolders();
         std::sort(mListing.mFiles.begin(), mListing.mFiles.end(),
                   [](const ListedFile& inLeft, const ListedFile& inRight) { return inLeft.mName < inRight.mName; });
         const std::set<std::string> taken = mRequest.mIsDryRun
@@ -71,27 +71,27 @@ private:
     }
 
     // Visits each folder after its parent. A folder below a refused one is refused without a message.
-    void FindPlaces()
+    void PlanFolders()
     {
         mPlan.mVolumes.push_back({});
         mPlan.mVolumes.back().mVolume = mRoots.mVolume;
-        mPlaces[""] = {mRoots.mHasDestination ? Place::kExists : Place::kToBeCreated, 0};
+        mPlannedFolders[""] = {mRoots.mHasDestination ? PlannedFolder::kExists : PlannedFolder::kToBeCreated, 0};
         mVolumes[mRoots.mVolume] = 0;
         for (const std::string& folder : mListing.mFolders) {
-            const Place above = mPlaces[FolderOf(folder)];
-            mPlaces[folder] = above.mState == Place::kExists ? FindPlace(folder, above) : above;
-            if (mPlaces[folder].mState == Place::kToBeCreated) {
+            const PlannedFolder above = mPlannedFolders[FolderOf(folder)];
+            mPlannedFolders[folder] = above.mState == PlannedFolder::kExists ? PlanFolder(folder, above) : above;
+            if (mPlannedFolders[folder].mState == PlannedFolder::kToBeCreated) {
                 mPlan.mFolders.push_back(folder);
             }
         }
     }
 
-    Place FindPlace(const std::string& inFolder, const Place& inAbove)
+    PlannedFolder PlanFolder(const std::string& inFolder, const PlannedFolder& inAbove)
     {
         HeldFolder held;
         const ORL::Result result = mRoots.OpenDestination(inFolder, held);
         if (result == ORL::kFileNotFound) {
-            return PlaceOfNewFolder(inFolder, inAbove);
+            return PlanNewFolder(inFolder, inAbove);
         }
         if (result == ORL::kPathNotFound) {
             AddTrouble("cannot create the folder \"" + inFolder
@@ -110,11 +110,11 @@ private:
                        kExitNameConflict);
             return {};
         }
-        return {Place::kExists, VolumeOf(held.Identity(), inFolder)};
+        return {PlannedFolder::kExists, VolumeOf(held.Identity(), inFolder)};
     }
 
     // A dangling link also occupies the name.
-    Place PlaceOfNewFolder(const std::string& inFolder, const Place& inAbove)
+    PlannedFolder PlanNewFolder(const std::string& inFolder, const PlannedFolder& inAbove)
     {
         HeldFolder above;
         EntryStatus status;
@@ -125,7 +125,7 @@ private:
                        kExitNameConflict);
             return {};
         }
-        return {Place::kToBeCreated, inAbove.mVolume};
+        return {PlannedFolder::kToBeCreated, inAbove.mVolume};
     }
 
     std::size_t VolumeOf(const EntryIdentity& inFolder, const std::string& inName)
@@ -141,19 +141,20 @@ private:
 
     void AddFile(const ListedFile& inFile)
     {
-        const Place& place = mPlaces[FolderOf(inFile.mName)];
+        const PlannedFolder& planned = mPlannedFolders[FolderOf(inFile.mName)];
         IngestItem item;
         item.mName = inFile.mName;
         item.mSize = inFile.mStatus.mSize;
         item.mAllocated = inFile.mStatus.mAllocated;
         item.mTime = inFile.mStatus.mTime;
-        if (place.mState == Place::kRefused || (place.mState == Place::kExists && !FindState(inFile, item))) {
+        if (planned.mState == PlannedFolder::kRefused
+            || (planned.mState == PlannedFolder::kExists && !FindState(inFile, item))) {
             return;
         }
         if (item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace) {
-            AddRequiredBytes(mPlan.mVolumes[place.mVolume], item);
+            AddRequiredBytes(mPlan.mVolumes[planned.mVolume], item);
         }
-        mPlan.mBytesToPass += item.mState != IngestItem::kVerifiedBefore ? 2 * item.mSize : 0;
+        mPlan.mBytesToRead += item.mState != IngestItem::kVerifiedBefore ? 2 * item.mSize : 0;
         mPlan.mItems.push_back(std::move(item));
     }
 
@@ -167,7 +168,7 @@ private:
         }
     }
 
-    const HeldFolder& Opened(const std::string& inFolder)
+    const HeldFolder& OpenedFolder(const std::string& inFolder)
     {
         if (!mOpened.IsOpen() || mOpenedName != inFolder) {
             mOpened = HeldFolder();
@@ -179,7 +180,7 @@ private:
 
     bool FindState(const ListedFile& inFile, IngestItem& ioItem)
     {
-        const HeldFolder& folder = Opened(FolderOf(ioItem.mName));
+        const HeldFolder& folder = OpenedFolder(FolderOf(ioItem.mName));
         EntryStatus status;
         const ORL::Result result =
             folder.IsOpen() ? folder.GetStatus(LeafOf(ioItem.mName), Links::kNoFollow, status) : ORL::kPathNotFound;
@@ -249,8 +250,8 @@ private:
     const IngestRoots& mRoots;
     IngestListing mListing;
     IngestPlan mPlan;
-    std::map<std::string, Place> mPlaces;          // by folder name
-    std::map<std::uint64_t, std::size_t> mVolumes; // from volume to index in the plan's list
+    std::map<std::string, PlannedFolder> mPlannedFolders; // by folder name
+    std::map<std::uint64_t, std::size_t> mVolumes;        // from volume to index in the plan's list
     HeldFolder mOpened;
     std::string mOpenedName;
 };
@@ -301,13 +302,13 @@ IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest)
     return Planner(std::move(inListing), inRequest).Make();
 }
 
-void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised)
+void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, ReservedSpace& ioReserved)
 {
     for (const IngestVolume& volume : inPlan.mVolumes) {
-        CheckFreeSpaceOf(volume, inRoots, ioPromised[volume.mVolume]);
+        CheckFreeSpaceOf(volume, inRoots, ioReserved[volume.mVolume]);
     }
     for (const IngestVolume& volume : inPlan.mVolumes) {
-        ioPromised[volume.mVolume] += static_cast<std::int64_t>(volume.mBytes);
+        ioReserved[volume.mVolume] += static_cast<std::int64_t>(volume.mBytes);
     }
 }
 

@@ -55,7 +55,7 @@ struct IngestPlan
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;
-    std::uint64_t mBytesToPass = 0; // each byte to copy counts twice: read from the source and read back
+    std::uint64_t mBytesToRead = 0; // each byte to copy counts twice: read from the source and read back
 };
 
 struct IngestPlanRequest
@@ -74,13 +74,13 @@ struct IngestPlanRequest
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
 /// Bytes that earlier destinations of this run will write, by volume. Negative if leftovers will be deleted.
-using PromisedRoom = std::map<std::uint64_t, std::int64_t>;
+using ReservedSpace = std::map<std::uint64_t, std::int64_t>;
 
 /// Returns the free bytes of a volume.
 std::uint64_t FreeRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots);
 
 /// Throws Failure if a volume of the destination lacks free space for its files, or if a file exceeds the file system's
-/// limit. Otherwise adds the bytes to ioPromised.
-void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, PromisedRoom& ioPromised);
+/// limit. Otherwise adds the bytes to ioReserved.
+void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, ReservedSpace& ioReserved);
 
 } // namespace orl

@@ -62,7 +62,7 @@ private:
         ioDestination.mPlan =
             MakePlan(inListing, {roots, mManifestName, manifest, nullptr, mSettings.mReplaces, mIsStopped, true});
         ioDestination.mOutcome.mTroubles = ioDestination.mPlan.mTroubles;
-        CheckFreeSpace(ioDestination.mPlan, roots, mPromised);
+        CheckFreeSpace(ioDestination.mPlan, roots, mReserved);
     }
 
     void CountLeftovers(const IngestRoots& inRoots, const std::set<std::string>& inNames,
@@ -77,7 +77,7 @@ private:
                                 && status.mKind == EntryStatus::kFile;
             if (isOurs) {
                 mPreview.mLeftovers[folder.Identity().mVolume] += status.mAllocated;
-                mPromised[folder.Identity().mVolume] -= static_cast<std::int64_t>(status.mAllocated);
+                mReserved[folder.Identity().mVolume] -= static_cast<std::int64_t>(status.mAllocated);
             }
         }
     }
@@ -85,7 +85,7 @@ private:
     const std::string& mManifestName;
     const IngestSettings& mSettings;
     const std::function<bool()>& mIsStopped;
-    PromisedRoom mPromised;
+    ReservedSpace mReserved;
     IngestPreview mPreview;
 };
 

@@ -11,20 +11,21 @@
 namespace orl {
 
 /// Returns "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files", shortened to inColumns.
-/// inPassed and inToPass count each byte twice, once copied and once read back; the text shows bytes of the source.
-std::string ProgressText(std::uint64_t inPassed, std::uint64_t inToPass, std::size_t inFilesDone, std::size_t inFiles,
-                         double inSeconds, std::size_t inColumns);
+/// inBytesRead and inBytesToRead count each byte twice, once copied and once read back; the text shows bytes of the
+/// source.
+std::string ProgressText(std::uint64_t inBytesRead, std::uint64_t inBytesToRead, std::size_t inFilesDone,
+                         std::size_t inFiles, double inSeconds, std::size_t inColumns);
 
 class IngestProgress
 {
 public:
-    IngestProgress(bool inIsShown, std::uint64_t inToPass, std::size_t inFiles);
+    IngestProgress(bool inIsShown, std::uint64_t inBytesToRead, std::size_t inFiles);
 
-    void Show(std::uint64_t inPassed, std::size_t inFilesDone);
+    void Show(std::uint64_t inBytesRead, std::size_t inFilesDone);
 
 private:
     ProgressLine mLine;
-    const std::uint64_t mToPass;
+    const std::uint64_t mBytesToRead;
     const std::size_t mFiles;
     const std::chrono::steady_clock::time_point mStart;
 };

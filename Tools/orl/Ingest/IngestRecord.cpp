@@ -27,7 +27,7 @@ constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
 // The first letter of each line: a temporary file, the length of the manifest, an offset in the manifest.
 constexpr char kTemporary = 'T';
 constexpr char kLength = 'M';
-constexpr char kWithdrawn = 'W';
+constexpr char kCommentedOut = 'W';
 constexpr char kWhole[] = "-"; // in place of a length: no line is being added
 
 bool IsNumber(const std::string& inText)
@@ -36,7 +36,7 @@ bool IsNumber(const std::string& inText)
 }
 
 // Whether a recorded name lies below the destination and has the form of a temporary name.
-bool MayBeOurs(const std::string& inName)
+bool IsSafeTemporaryName(const std::string& inName)
 {
     const std::string folder = "/" + FolderOf(inName) + "/";
     return IsTemporaryName(LeafOf(inName)) && inName[0] != '/' && folder.find("/../") == std::string::npos
@@ -62,14 +62,14 @@ ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLe
 void ReadRecordLine(const std::string& inLine, IngestRemains& ioRemains)
 {
     const std::string rest = inLine.size() > 2 && inLine[1] == ' ' ? inLine.substr(2) : std::string();
-    if (inLine[0] == kTemporary && MayBeOurs(UnescapedName(rest))) {
+    if (inLine[0] == kTemporary && IsSafeTemporaryName(UnescapedName(rest))) {
         ioRemains.mTemporaries.insert(UnescapedName(rest));
     } else if (inLine[0] == kLength && rest == kWhole) {
         ioRemains.mManifestLength.reset();
     } else if (inLine[0] == kLength && IsNumber(rest)) {
         ioRemains.mManifestLength = std::stoull(rest);
-    } else if (inLine[0] == kWithdrawn && IsNumber(rest)) {
-        ioRemains.mWithdrawn.push_back(std::stoull(rest));
+    } else if (inLine[0] == kCommentedOut && IsNumber(rest)) {
+        ioRemains.mCommentedOut.push_back(std::stoull(rest));
     }
 }
 
@@ -138,7 +138,7 @@ void IngestRecord::Open()
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         OpenOnce();
-        if (mFile.IsOpen() && HasItsName()) {
+        if (mFile.IsOpen() && IsFileCurrent()) {
             Read();
             return;
         }
@@ -178,7 +178,7 @@ void IngestRecord::CheckOpened(ORL::Result inResult) const
     }
 }
 
-bool IngestRecord::HasItsName()
+bool IngestRecord::IsFileCurrent()
 {
     EntryStatus status;
     EntryIdentity identity;
@@ -238,7 +238,7 @@ void IngestRecord::Read()
     }
     TakeUpLines(text);
     mTemporaries = mRemains.mTemporaries;
-    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mWithdrawn.empty(); // until the manifest is read
+    mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mCommentedOut.empty(); // until the manifest is read
     if (text.back() != '\n') {
         Write("\n", false); // ends the incomplete line of a killed run, which is ignored
     }
@@ -285,24 +285,24 @@ std::string IngestRecord::NewTemporary(const std::string& inFolder)
 {
     std::string leaf = RandomTemporaryName();
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kTemporary) + " " + EscapedName(Below(inFolder, leaf)) + "\n", false);
-    mTemporaries.insert(Below(inFolder, leaf));
+    Write(std::string(1, kTemporary) + " " + EscapedName(NameBelow(inFolder, leaf)) + "\n", false);
+    mTemporaries.insert(NameBelow(inFolder, leaf));
     return leaf;
 }
 
 void IngestRecord::ForgetTemporary(const std::string& inFolder, const std::string& inLeaf)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    mTemporaries.erase(Below(inFolder, inLeaf));
+    mTemporaries.erase(NameBelow(inFolder, inLeaf));
 }
 
-void IngestRecord::NoteManifestLength(std::uint64_t inLength)
+void IngestRecord::RecordManifestLength(std::uint64_t inLength)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     Write(std::string(1, kLength) + " " + std::to_string(inLength) + "\n", true);
 }
 
-void IngestRecord::NoteManifestIsWhole()
+void IngestRecord::RecordManifestComplete()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     Write(std::string(1, kLength) + " " + kWhole + "\n", false);
@@ -314,10 +314,10 @@ void IngestRecord::SetNeededByManifest(bool inIsNeeded)
     mIsNeededByManifest = inIsNeeded;
 }
 
-void IngestRecord::NoteWithdrawn(std::uint64_t inPlace)
+void IngestRecord::RecordCommentedOut(std::uint64_t inPlace)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kWithdrawn) + " " + std::to_string(inPlace) + "\n", true);
+    Write(std::string(1, kCommentedOut) + " " + std::to_string(inPlace) + "\n", true);
 }
 
 void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)

@@ -21,7 +21,7 @@ struct IngestRemains
 {
     std::set<std::string> mTemporaries;           // names below the destination
     std::optional<std::uint64_t> mManifestLength; // length of the manifest before the last lines were added
-    std::vector<std::uint64_t> mWithdrawn;        // offsets of lines of the manifest that became comments
+    std::vector<std::uint64_t> mCommentedOut;     // offsets of lines of the manifest that became comments
 };
 
 class IngestRecord
@@ -56,18 +56,18 @@ public:
 
     /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
     /// functions return. They throw Failure.
-    void NoteManifestLength(std::uint64_t inLength);
-    void NoteWithdrawn(std::uint64_t inPlace);
+    void RecordManifestLength(std::uint64_t inLength);
+    void RecordCommentedOut(std::uint64_t inPlace);
 
     /// Call when the added lines are complete.
-    void NoteManifestIsWhole();
+    void RecordManifestComplete();
 
     /// Sets whether the manifest holds an incomplete line or comments that only this record identifies.
     void SetNeededByManifest(bool inIsNeeded);
 
 private:
     void OpenOnce();
-    bool HasItsName();
+    bool IsFileCurrent();
     void Read();
     std::string ReadText();
     void TakeUpLines(const std::string& inText);

@@ -215,7 +215,7 @@ std::string LeafOf(const std::string& inName)
     return inName.substr(inName.rfind('/') + 1);
 }
 
-std::string Below(const std::string& inFolder, const std::string& inLeaf)
+std::string NameBelow(const std::string& inFolder, const std::string& inLeaf)
 {
     return inFolder.empty() ? inLeaf : inFolder + "/" + inLeaf;
 }

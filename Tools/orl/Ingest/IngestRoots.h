@@ -48,7 +48,7 @@ bool IsDestinationGone(const IngestRoots& inRoots);
 /// FolderOf("a/b/c") is "a/b", LeafOf("a/b/c") is "c". FolderOf a name without a folder is empty.
 std::string FolderOf(const std::string& inName);
 std::string LeafOf(const std::string& inName);
-std::string Below(const std::string& inFolder, const std::string& inLeaf);
+std::string NameBelow(const std::string& inFolder, const std::string& inLeaf);
 
 /// Returns all folders from the root down to inFolder: "", "a", "a/b".
 std::vector<std::string> FoldersTo(const std::string& inFolder);

@@ -29,17 +29,18 @@ public:
         IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,
         const IngestRunWatcher& inWatcher)
         : mPlan(inPlan), mSettings(inSettings), mManifest(ioManifest), mWatcher(inWatcher),
-          mRoots(inRoots), mContext{
-                               inRoots,
-                               inPlan.mSourceFolders,
-                               ioManifest,
-                               ioRecord,
-                               inShare.mSource,
-                               inShare.mDestination,
-                               inSettings.mReplaces,
-                               [this] { return IsStopped(); },
-                               [this](std::uint64_t inBytes) { mPassed.fetch_add(inBytes, std::memory_order_relaxed); },
-                               inWatcher.mOnStep},
+          mRoots(inRoots), mContext{inRoots,
+                                    inPlan.mSourceFolders,
+                                    ioManifest,
+                                    ioRecord,
+                                    inShare.mSource,
+                                    inShare.mDestination,
+                                    inSettings.mReplaces,
+                                    [this] { return IsStopped(); },
+                                    [this](std::uint64_t inBytes) {
+                                        mBytesRead.fetch_add(inBytes, std::memory_order_relaxed);
+                                    },
+                                    inWatcher.mOnStep},
           mFiles(inPlan.mItems.size())
     {
     }
@@ -54,11 +55,11 @@ public:
         } catch (const Failure& failure) {
             AddTrouble(failure, true);
         }
-        mContext.mSource.GiveUpAll(mContext.mDestination);
+        mContext.mSource.UnregisterDestination(mContext.mDestination);
         Acknowledge();
         Compact();
         CollectRows();
-        mOutcome.mHasNoAnswer = mHasNoAnswer;
+        mOutcome.mIsDiskUnresponsive = mIsDiskUnresponsive;
         mOutcome.mIsStopped = mIsStoppedByUser;
         mOutcome.mSeconds = std::chrono::duration<double>(Clock::now() - start).count();
         return std::move(mOutcome);
@@ -130,7 +131,7 @@ private:
             if (!isOver) {
                 IsStopped();
             }
-            mWatcher.mShow(mPassed.load(std::memory_order_relaxed), mDone.load(std::memory_order_relaxed));
+            mWatcher.mShow(mBytesRead.load(std::memory_order_relaxed), mDone.load(std::memory_order_relaxed));
             if (waiting >= kGroupSize || (waiting != 0 && Clock::now() - acknowledged >= kGroupTime)) {
                 Acknowledge();
                 acknowledged = Clock::now();
@@ -152,7 +153,7 @@ private:
         for (std::size_t i = mNext++; i < mPlan.mItems.size() && !IsStopped(); i = mNext++) {
             if (mPlan.mItems[i].mState != IngestItem::kVerifiedBefore) {
                 CopyOne(i);
-                mContext.mSource.GiveUp(mContext.mDestination, mPlan.mItems[i].mName);
+                mContext.mSource.UnregisterReader(mContext.mDestination, mPlan.mItems[i].mName);
             }
             mDone.fetch_add(1, std::memory_order_relaxed);
         }
@@ -173,7 +174,7 @@ private:
             AddTrouble(failure, failure.EndsRun());
         } catch (const NoAnswer& failure) {
             AddTrouble(failure, true);
-            mHasNoAnswer = true;
+            mIsDiskUnresponsive = true;
         } catch (const Failure& failure) { // thrown by the manifest or the record
             AddTrouble(failure, true);
         } catch (const std::exception& failure) {
@@ -205,7 +206,7 @@ private:
             return;
         }
         try {
-            Keep(group);
+            AcknowledgeGroup(group);
         } catch (const Failure& failure) {
             AddTroubleOfGroup(failure, group);
         }
@@ -227,7 +228,7 @@ private:
         mIsEnding = true;
     }
 
-    void Keep(const std::vector<std::size_t>& inGroup)
+    void AcknowledgeGroup(const std::vector<std::size_t>& inGroup)
     {
         std::vector<IngestManifest::Line> lines;
         std::vector<std::string> names;
@@ -248,7 +249,7 @@ private:
     void Compact()
     {
         try {
-            if (!mHasNoAnswer && !IsDestinationGone(mRoots)) {
+            if (!mIsDiskUnresponsive && !IsDestinationGone(mRoots)) {
                 mManifest.Compact();
             }
         } catch (const Failure& failure) {
@@ -274,8 +275,8 @@ private:
     const IngestContext mContext;
     std::atomic<bool> mIsEnding{false};
     std::atomic<bool> mIsStoppedByUser{false};
-    std::atomic<bool> mHasNoAnswer{false};
-    std::atomic<std::uint64_t> mPassed{0};
+    std::atomic<bool> mIsDiskUnresponsive{false};
+    std::atomic<std::uint64_t> mBytesRead{0};
     std::atomic<std::size_t> mDone{0};
     std::atomic<std::size_t> mNext{0};
     std::mutex mMutex; // guards all members below while the threads run

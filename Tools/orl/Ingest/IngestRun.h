@@ -48,7 +48,7 @@ struct IngestOutcome
     std::vector<IngestTrouble> mTroubles;
     bool mIsRefused = false; // the destination was refused before any work began
     bool mIsStopped = false;
-    bool mHasNoAnswer = false; // the disk stopped answering: end the process without stopping the library
+    bool mIsDiskUnresponsive = false; // the disk stopped answering: end the process without stopping the library
     double mSeconds = 0;
 };
 

@@ -20,19 +20,19 @@ using Block = SharedReading::Block;
 
 // Each file may keep this many blocks even beyond the limit. Otherwise two destinations at different files could wait
 // for each other.
-constexpr std::size_t kLeastBlocks = 4;
+constexpr std::size_t kMinBlocks = 4;
 
-constexpr std::chrono::milliseconds kLook(50);
-constexpr std::chrono::seconds kLeastPatience(1);
+constexpr std::chrono::milliseconds kPollInterval(50);
+constexpr std::chrono::seconds kMinWait(1);
 
 /// A file being read. Each offset in bytes is the start of a block or the end of the file.
 struct SharedFile
 {
     explicit SharedFile(std::uint64_t inSize) : mSize(inSize) {}
 
-    bool IsAnyoneBehind(std::size_t inReader) const
+    bool HasSlowerReader(std::size_t inReader) const
     {
-        return std::any_of(mPlaces.begin(), mPlaces.end(), [&](const auto& inPlace) {
+        return std::any_of(mNextOffsets.begin(), mNextOffsets.end(), [&](const auto& inPlace) {
             // Readers before mKept do not count: they read from the source themselves.
             return inPlace.first != inReader && inPlace.second >= mKept;
         });
@@ -44,8 +44,8 @@ struct SharedFile
     bool mIsReading = false; // a destination reads the block at mRead
     std::deque<Block> mBlocks;
     Sha256 mSum;
-    std::string mDigest;                          // empty until the whole file was read
-    std::map<std::size_t, std::uint64_t> mPlaces; // next offset of each destination that needs the file
+    std::string mDigest;                               // empty until the whole file was read
+    std::map<std::size_t, std::uint64_t> mNextOffsets; // next offset of each destination that needs the file
 };
 
 using Bytes = std::vector<unsigned char>;
@@ -67,13 +67,13 @@ struct BlockPool
         return std::shared_ptr<Bytes>(new Bytes(std::move(bytes)), [inSelf](Bytes* inBytes) {
             const std::unique_ptr<Bytes> owned(inBytes);
             const std::lock_guard<std::mutex> lock(inSelf->mMutex);
-            if (inSelf->mFree.size() < kMostFree) {
+            if (inSelf->mFree.size() < kMaxFree) {
                 inSelf->mFree.push_back(std::move(*owned));
             }
         });
     }
 
-    static constexpr std::size_t kMostFree = 64;
+    static constexpr std::size_t kMaxFree = 64;
 
     std::mutex mMutex;
     std::vector<Bytes> mFree = ReservedList(); // returning a block allocates nothing
@@ -81,7 +81,7 @@ struct BlockPool
     static std::vector<Bytes> ReservedList()
     {
         std::vector<Bytes> list;
-        list.reserve(kMostFree);
+        list.reserve(kMaxFree);
         return list;
     }
 };
@@ -95,7 +95,7 @@ struct SharedSource::State
     explicit State(const SharingLimits& inLimits) : mLimits(inLimits) {}
 
     FilePtr Join(std::size_t inDestination, const std::string& inName, std::uint64_t inSize);
-    void Leave(std::size_t inDestination, const std::string& inName, SharedFile& ioFile);
+    void RemoveReader(std::size_t inDestination, const std::string& inName, SharedFile& ioFile);
     void Trim(SharedFile& ioFile);
     void DropFirst(SharedFile& ioFile);
 
@@ -115,26 +115,26 @@ FilePtr SharedSource::State::Join(std::size_t inDestination, const std::string& 
     const auto wanted = mWanted.find(inName);
     if (wanted == mWanted.end() || wanted->second.erase(inDestination) == 0) {
         const auto alone = std::make_shared<SharedFile>(inSize);
-        alone->mPlaces[inDestination] = 0;
+        alone->mNextOffsets[inDestination] = 0;
         return alone;
     }
     FilePtr& file = mFiles[inName];
     if (!file) {
         file = std::make_shared<SharedFile>(inSize);
         for (const std::size_t other : wanted->second) {
-            file->mPlaces[other] = 0;
+            file->mNextOffsets[other] = 0;
         }
     }
-    file->mPlaces[inDestination] = 0;
+    file->mNextOffsets[inDestination] = 0;
     return file;
 }
 
-void SharedSource::State::Leave(std::size_t inDestination, const std::string& inName, SharedFile& ioFile)
+void SharedSource::State::RemoveReader(std::size_t inDestination, const std::string& inName, SharedFile& ioFile)
 {
-    ioFile.mPlaces.erase(inDestination);
+    ioFile.mNextOffsets.erase(inDestination);
     Trim(ioFile);
     const auto file = mFiles.find(inName);
-    if (file != mFiles.end() && file->second.get() == &ioFile && ioFile.mPlaces.empty()) {
+    if (file != mFiles.end() && file->second.get() == &ioFile && ioFile.mNextOffsets.empty()) {
         mFiles.erase(file);
         mWanted.erase(inName);
     }
@@ -146,7 +146,7 @@ void SharedSource::State::Trim(SharedFile& ioFile)
 {
     while (!ioFile.mBlocks.empty()) {
         const auto wantsFirst = [&ioFile](const auto& inPlace) { return inPlace.second == ioFile.mKept; };
-        if (std::any_of(ioFile.mPlaces.begin(), ioFile.mPlaces.end(), wantsFirst)) {
+        if (std::any_of(ioFile.mNextOffsets.begin(), ioFile.mNextOffsets.end(), wantsFirst)) {
             return;
         }
         DropFirst(ioFile);
@@ -167,13 +167,13 @@ SharedSource::SharedSource(const SharingLimits& inLimits) : mState(std::make_uni
 
 SharedSource::~SharedSource() = default;
 
-void SharedSource::Want(std::size_t inDestination, const std::string& inName)
+void SharedSource::RegisterReader(std::size_t inDestination, const std::string& inName)
 {
     const std::lock_guard<std::mutex> lock(mState->mMutex);
     mState->mWanted[inName].insert(inDestination);
 }
 
-void SharedSource::GiveUp(std::size_t inDestination, const std::string& inName)
+void SharedSource::UnregisterReader(std::size_t inDestination, const std::string& inName)
 {
     const std::lock_guard<std::mutex> lock(mState->mMutex);
     const auto wanted = mState->mWanted.find(inName);
@@ -183,11 +183,11 @@ void SharedSource::GiveUp(std::size_t inDestination, const std::string& inName)
     const auto file = mState->mFiles.find(inName);
     if (file != mState->mFiles.end()) {
         const FilePtr held = file->second;
-        mState->Leave(inDestination, inName, *held);
+        mState->RemoveReader(inDestination, inName, *held);
     }
 }
 
-void SharedSource::GiveUpAll(std::size_t inDestination)
+void SharedSource::UnregisterDestination(std::size_t inDestination)
 {
     std::vector<std::string> names;
     {
@@ -199,7 +199,7 @@ void SharedSource::GiveUpAll(std::size_t inDestination)
         }
     }
     for (const std::string& name : names) {
-        GiveUp(inDestination, name);
+        UnregisterReader(inDestination, name);
     }
 }
 
@@ -212,7 +212,7 @@ struct SharedReading::Impl
 {
     using Lock = std::unique_lock<std::mutex>;
 
-    std::uint64_t& Place() { return mFile->mPlaces[mDestination]; }
+    std::uint64_t& NextOffset() { return mFile->mNextOffsets[mDestination]; }
 
     std::size_t SizeAt(std::uint64_t inAt) const
     {
@@ -233,14 +233,14 @@ struct SharedReading::Impl
         ioLock.unlock();
         Block block = ReadAt(inAt);
         ioLock.lock();
-        Place() += block->size();
+        NextOffset() += block->size();
         return block;
     }
 
     Block Take(std::uint64_t inAt)
     {
         Block block = mFile->mBlocks[static_cast<std::size_t>((inAt - mFile->mKept) / kBlockSize)];
-        Place() += block->size();
+        NextOffset() += block->size();
         mSource.Trim(*mFile);
         mSource.mChanged.notify_all();
         return block;
@@ -250,20 +250,20 @@ struct SharedReading::Impl
     bool MustWait()
     {
         return mFile->mIsReading
-               || (mFile->mBlocks.size() >= kLeastBlocks && mSource.mBytesKept >= mSource.mLimits.mBytesKept
-                   && mFile->IsAnyoneBehind(mDestination));
+               || (mFile->mBlocks.size() >= kMinBlocks && mSource.mBytesKept >= mSource.mLimits.mBytesKept
+                   && mFile->HasSlowerReader(mDestination));
     }
 
     void Wait(Lock& ioLock)
     {
         const Clock::time_point start = Clock::now();
         const bool isForOthers = !mFile->mIsReading;
-        const bool isPatient = mSource.mLimits.mWaits && mWaited < kLeastPatience + (start - mStart - mWaited);
-        if (isForOthers && !isPatient) {
+        const bool mayWait = mSource.mLimits.mWaits && mWaited < kMinWait + (start - mStart - mWaited);
+        if (isForOthers && !mayWait) {
             mSource.DropFirst(*mFile);
             return;
         }
-        mSource.mChanged.wait_for(ioLock, kLook);
+        mSource.mChanged.wait_for(ioLock, kPollInterval);
         mWaited += isForOthers ? Clock::now() - start : Clock::duration::zero();
         ioLock.unlock();
         mCheck();
@@ -323,7 +323,7 @@ SharedReading::SharedReading(SharedSource& ioSource, std::size_t inDestination, 
 SharedReading::~SharedReading()
 {
     const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
-    mImpl->mSource.Leave(mImpl->mDestination, mImpl->mName, *mImpl->mFile);
+    mImpl->mSource.RemoveReader(mImpl->mDestination, mImpl->mName, *mImpl->mFile);
 }
 
 SharedReading::Block SharedReading::Next()
@@ -331,7 +331,7 @@ SharedReading::Block SharedReading::Next()
     SharedFile& file = *mImpl->mFile;
     Impl::Lock lock(mImpl->mSource.mMutex);
     for (;;) {
-        const std::uint64_t at = mImpl->Place();
+        const std::uint64_t at = mImpl->NextOffset();
         if (at == file.mSize) {
             return nullptr;
         }

@@ -32,11 +32,11 @@ public:
     SharedSource& operator=(const SharedSource&) = delete;
 
     /// Registers that a destination will read a file. Call before the first reading begins.
-    void Want(std::size_t inDestination, const std::string& inName);
+    void RegisterReader(std::size_t inDestination, const std::string& inName);
 
     /// Registers that the destination will not read that file, or any file: no more blocks are kept for it.
-    void GiveUp(std::size_t inDestination, const std::string& inName);
-    void GiveUpAll(std::size_t inDestination);
+    void UnregisterReader(std::size_t inDestination, const std::string& inName);
+    void UnregisterDestination(std::size_t inDestination);
 
     /// Bytes read from the source so far.
     std::uint64_t BytesRead() const;

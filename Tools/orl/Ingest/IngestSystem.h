@@ -75,7 +75,7 @@ public:
 
     /// Renames within this folder. Returns kAlreadyExists if the new name is taken. The check is atomic, except on
     /// Linux file systems that support neither exclusive renames nor hard links.
-    ORL::Result MoveToFreeName(const std::string& inFrom, const std::string& inTo) const;
+    ORL::Result RenameNoReplace(const std::string& inFrom, const std::string& inTo) const;
 
     /// Remove deletes a file or a link itself, RemoveFolder an empty folder.
     ORL::Result Remove(const std::string& inName) const;
@@ -84,7 +84,7 @@ public:
     /// Waits until the names in this folder are on disk, as far as the file system supports it.
     ORL::Result Sync() const;
 
-    /// Waits until the contents of a file are on disk. Requires a call of SettleFile after the last write.
+    /// Waits until the contents of a file are on disk. Requires a call of PrepareSync after the last write.
     ORL::Result SyncFile(const std::string& inName) const;
 
     /// Waits until everything on this folder's volume is on disk.
@@ -111,6 +111,6 @@ void MakeSparse(ORL::File& ioFile);
 bool FlushFile(ORL::File& ioFile);
 
 /// Prepares a written file for SyncFile: flushes it now on systems where SyncFile does nothing.
-bool SettleFile(ORL::File& ioFile);
+bool PrepareSync(ORL::File& ioFile);
 
 } // namespace orl

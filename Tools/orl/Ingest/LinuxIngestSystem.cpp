@@ -229,7 +229,7 @@ ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
 
 // Each of the three methods refuses a name that is taken. The last is for file systems that support neither of the
 // other two; it checks the name first, so it is not atomic.
-ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
+ORL::Result HeldFolder::RenameNoReplace(const std::string& inFrom, const std::string& inTo) const
 {
     const char* const from = inFrom.c_str();
     const char* const to = inTo.c_str();
@@ -314,7 +314,7 @@ bool FlushFile(ORL::File& ioFile)
     return sIngestCalls.mFDataSync(DescriptorOf(ioFile)) == 0;
 }
 
-bool SettleFile(ORL::File&)
+bool PrepareSync(ORL::File&)
 {
     return true;
 }

@@ -214,7 +214,7 @@ ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
     return Done(::CreateDirectoryW(mState->PathOf(inName).c_str(), nullptr));
 }
 
-ORL::Result HeldFolder::MoveToFreeName(const std::string& inFrom, const std::string& inTo) const
+ORL::Result HeldFolder::RenameNoReplace(const std::string& inFrom, const std::string& inTo) const
 {
     return Done(::MoveFileExW(mState->PathOf(inFrom).c_str(), mState->PathOf(inTo).c_str(), MOVEFILE_WRITE_THROUGH));
 }
@@ -285,7 +285,7 @@ bool FlushFile(ORL::File& ioFile)
     return ::FlushFileBuffers(ioFile.GetPlatformFileHandle()) != FALSE;
 }
 
-bool SettleFile(ORL::File& ioFile)
+bool PrepareSync(ORL::File& ioFile)
 {
     return FlushFile(ioFile);
 }

@@ -188,7 +188,7 @@ void AddName(const Command& inCommand)
         ->required();
 }
 
-void AddReading(CLI::App& ioReg)
+void AddReadCommands(CLI::App& ioReg)
 {
     const Command list = Add(ioReg, "list", "Show the values of a key and the keys below it", &List);
     AddKey(list);
@@ -201,7 +201,7 @@ void AddReading(CLI::App& ioReg)
     get.mApp->add_flag("--json", get.mOptions->mAsJson, "write one JSON object");
 }
 
-void AddChanging(CLI::App& ioReg)
+void AddChangeCommands(CLI::App& ioReg)
 {
     const Command set = Add(ioReg, "set", "Set one value; creates the key if it is missing", &Set);
     AddKey(set)->required();
@@ -222,7 +222,7 @@ void AddChanging(CLI::App& ioReg)
     remove.mApp->add_flag("--recursive", remove.mOptions->mIsRecursive, "delete the keys below it too");
 }
 
-void AddMoving(CLI::App& ioReg)
+void AddTransferCommands(CLI::App& ioReg)
 {
     const Command exports =
         Add(ioReg, "export", "Write a key and everything below it to a registry text file", &Export);
@@ -240,9 +240,9 @@ void AddReg(CLI::App& ioProgram)
 {
     CLI::App* const reg = ioProgram.add_subcommand("reg", "Show, edit, export and import settings");
     reg->require_subcommand(1);
-    AddReading(*reg);
-    AddChanging(*reg);
-    AddMoving(*reg);
+    AddReadCommands(*reg);
+    AddChangeCommands(*reg);
+    AddTransferCommands(*reg);
     const Command check =
         Add(*reg, "check", "Report whether the stores are intact, and which damaged files were set aside", &Check);
     check.mApp->add_flag("--json", check.mOptions->mAsJson, "write one JSON object");

@@ -22,7 +22,7 @@ UTF16String UnitsOf(const std::string& inBytes, std::size_t inFirst, std::size_t
     return units;
 }
 
-std::size_t LineOfEnd(const UTF16String& inText)
+std::size_t LastLineNumber(const UTF16String& inText)
 {
     return 1 + static_cast<std::size_t>(std::count(inText.begin(), inText.end(), static_cast<unsigned short>('\n')));
 }
@@ -31,7 +31,7 @@ UTF16String FromUTF16(const std::string& inBytes, std::size_t inLowByte)
 {
     UTF16String text = UnitsOf(inBytes, 2, inLowByte);
     if (inBytes.size() % 2 != 0) {
-        throw RegFileFault(LineOfEnd(text), "the file ends in the middle of a character");
+        throw RegFileFault(LastLineNumber(text), "the file ends in the middle of a character");
     }
     return text;
 }

@@ -29,7 +29,7 @@ void AppendChunk(Bytes& ioFile, const Bytes& inName, const Bytes& inContents)
 }
 
 // Returns the colour before premultiplication, rounded.
-char Straight(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
+char Unpremultiplied(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
 {
     const std::uint32_t colour = ((inPixel >> inShift & 0xFF) * 255 + inAlpha / 2) / inAlpha;
     return static_cast<char>(std::min<std::uint32_t>(colour, 255));
@@ -42,8 +42,8 @@ void AppendPixel(Bytes& ioRows, std::uint32_t inPixel)
         ioRows.append(4, '\0');
         return;
     }
-    ioRows += {Straight(inPixel, 16, alpha), Straight(inPixel, 8, alpha), Straight(inPixel, 0, alpha),
-               static_cast<char>(alpha)};
+    ioRows += {Unpremultiplied(inPixel, 16, alpha), Unpremultiplied(inPixel, 8, alpha),
+               Unpremultiplied(inPixel, 0, alpha), static_cast<char>(alpha)};
 }
 
 Bytes RowsOf(const ORL::Resources::FilePicture& inPicture)

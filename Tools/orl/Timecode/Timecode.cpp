@@ -167,7 +167,7 @@ void AddParse(CLI::App& ioTimecode)
     AddFormat(*command, "--format", "--rate", options->mFormat, "format of the labels (default 2997drop)");
 }
 
-void AddAdd(CLI::App& ioTimecode)
+void AddSumCommand(CLI::App& ioTimecode)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command =
@@ -208,7 +208,7 @@ void AddTimecode(CLI::App& ioProgram)
     timecode->require_subcommand(1);
     AddShow(*timecode);
     AddParse(*timecode);
-    AddAdd(*timecode);
+    AddSumCommand(*timecode);
     AddConvert(*timecode);
     AddTable(*timecode);
 }

@@ -24,7 +24,7 @@ const FractionalRate kFractionalRates[] = {
 };
 
 // Returns the letters and digits only, in lower case.
-std::string Bare(const std::string& inName)
+std::string WithoutPunctuation(const std::string& inName)
 {
     std::string bare;
     for (const char character : inName) {
@@ -46,7 +46,7 @@ double ReadNumber(const std::string& inText)
     return isWhole && number > 0 && number < 1e9 ? number : 0;
 }
 
-std::string Shortest(double inNumber)
+std::string FormatShortest(double inNumber)
 {
     char text[32];
     const std::to_chars_result result = std::to_chars(text, text + sizeof(text), inNumber);
@@ -84,7 +84,7 @@ const std::vector<TimecodeFormat>& AllTimecodeFormats()
 
 const TimecodeFormat* FindTimecodeFormat(const std::string& inName)
 {
-    const std::string name = Bare(inName);
+    const std::string name = WithoutPunctuation(inName);
     for (const TimecodeFormat& format : AllTimecodeFormats()) {
         if (name == format.mName) {
             return &format;
@@ -113,7 +113,7 @@ std::string RateInShort(const FrameRate& inRate)
             return rate.mShort;
         }
     }
-    return Shortest(inRate.GetValue());
+    return FormatShortest(inRate.GetValue());
 }
 
 std::string RateInFull(const FrameRate& inRate)
@@ -123,7 +123,7 @@ std::string RateInFull(const FrameRate& inRate)
             return rate.mFull;
         }
     }
-    return Shortest(inRate.GetValue());
+    return FormatShortest(inRate.GetValue());
 }
 
 std::string RateError(const TimecodeFormat& inFormat, const FrameRate& inRate)

@@ -143,7 +143,7 @@ std::vector<long> FourFields(const std::string& inText)
 }
 
 // Returns how many frame numbers the format skips at the start of each minute not divisible by ten; 0 for non-drop.
-long LabelsLeftOut(TimeDisplay inDisplay)
+long DroppedLabelCount(TimeDisplay inDisplay)
 {
     switch (inDisplay) {
     case kTimeDisplay_2997DropTimecode: return 2;
@@ -152,10 +152,10 @@ long LabelsLeftOut(TimeDisplay inDisplay)
     }
 }
 
-bool IsLeftOut(const std::string& inText, TimeDisplay inDisplay)
+bool IsDroppedLabel(const std::string& inText, TimeDisplay inDisplay)
 {
     const std::vector<long> fields = FourFields(inText);
-    return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < LabelsLeftOut(inDisplay);
+    return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < DroppedLabelCount(inDisplay);
 }
 
 // Whether the time of a label is more than two days from zero. The library's wrap-around at the day boundary moves some
@@ -199,7 +199,7 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     if (!IsFeet(display) && !IsPlainCount(inText, display) && IsBeyondTheDay(code.GetTime())) {
         throw Unreadable("the time is outside the day", kNowhere);
     }
-    if (IsLeftOut(inText, display)) {
+    if (IsDroppedLabel(inText, display)) {
         return Reading{code.GetTime(), "drop-frame skips this label"};
     }
     return Reading{code.GetTime(), checks.HasFailed() ? "there are more frames than a second has" : ""};

@@ -77,12 +77,12 @@ void Run(const Options& inOptions)
     std::vector<VerifyOutcome> outcomes;
     for (const std::string& folder : inOptions.mFolders) {
         outcomes.push_back(VerifyWithProgress(folder, inOptions));
-        if (outcomes.back().mIsStopped || outcomes.back().mHasNoAnswer) {
+        if (outcomes.back().mIsStopped || outcomes.back().mIsDiskUnresponsive) {
             break;
         }
     }
     inOptions.mAsJson ? PrintJsonLines(std::cout, outcomes) : PrintTotals(std::cout, outcomes);
-    EndWith(TroublesOf(outcomes), outcomes.back().mIsStopped, outcomes.back().mHasNoAnswer);
+    EndWith(TroublesOf(outcomes), outcomes.back().mIsStopped, outcomes.back().mIsDiskUnresponsive);
 }
 
 } // namespace

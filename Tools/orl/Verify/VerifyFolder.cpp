@@ -82,7 +82,7 @@ public:
         for (const IngestTrouble& trouble : mListing.mTroubles) {
             mTroubles.push_back({OfVerify(trouble.mText), trouble.mExitCode});
         }
-        TellPlan();
+        ReportPlan();
         VerifyAll();
         if (!mEnds) {
             AddNewFiles();
@@ -93,7 +93,7 @@ public:
         outOutcome.mTroubles = std::move(mTroubles);
         outOutcome.mBytesRead = mBytesRead;
         outOutcome.mIsStopped = mIsStoppedByUser;
-        outOutcome.mHasNoAnswer = mHasNoAnswer;
+        outOutcome.mIsDiskUnresponsive = mIsDiskUnresponsive;
     }
 
 private:
@@ -137,7 +137,7 @@ private:
         }
     }
 
-    void TellPlan()
+    void ReportPlan()
     {
         std::uint64_t bytes = 0;
         for (const ListedFile& file : mListing.mFiles) {
@@ -210,7 +210,7 @@ private:
             }
         } catch (const Stopped&) { // the file counts as neither verified nor changed
         } catch (const NoAnswer& failure) {
-            mHasNoAnswer = true;
+            mIsDiskUnresponsive = true;
             End(std::string(failure.what()).substr(sizeof("verify:")), kExitDisappeared);
         } catch (const std::exception& failure) {
             End("cannot check \"" + ioFile.mName + "\": " + failure.what(), kExitFailure);
@@ -258,7 +258,7 @@ private:
     std::vector<VerifiedFile> mFiles;
     std::atomic<bool> mEnds{false};
     std::atomic<bool> mIsStoppedByUser{false};
-    std::atomic<bool> mHasNoAnswer{false};
+    std::atomic<bool> mIsDiskUnresponsive{false};
     std::atomic<std::uint64_t> mBytesRead{0};
     std::atomic<std::size_t> mDone{0};
     std::atomic<std::size_t> mNext{0};

@@ -46,7 +46,7 @@ struct VerifyOutcome
     std::uint64_t mBytesRead = 0;
     double mSeconds = 0;
     bool mIsStopped = false;
-    bool mHasNoAnswer = false; // the process should end without stopping the library
+    bool mIsDiskUnresponsive = false; // the process should end without stopping the library
 
     std::size_t Count(VerifiedFile::State inState) const;
 };

@@ -1,5 +1,5 @@
 // Tests the Windows functions for path text, and the public functions built on them.
-#include <HomePathText.h>
+#include <WindowsPathText.h>
 
 #include <ORLPathUtils.h>
 #include <TextHelpers.h>
@@ -14,13 +14,13 @@ TEST(FindNextComponent, GivesWhatFollowsTheFirstBackslash)
 {
     const auto next = [](const char16_t* inPath) {
         const UTF16String path = Units(inPath);
-        return UTF16String(HomeText::FindNextComponent(path.c_str()));
+        return UTF16String(WindowsText::FindNextComponent(path.c_str()));
     };
     EXPECT_EQ(Units(u"b\\c"), next(u"a\\b\\c"));
     EXPECT_EQ(Units(u"b"), next(u"\\\\b"));
     EXPECT_EQ(Units(u""), next(u"a"));
     EXPECT_EQ(Units(u""), next(u"a\\"));
-    EXPECT_EQ(nullptr, HomeText::FindNextComponent(UTF16String().c_str()));
+    EXPECT_EQ(nullptr, WindowsText::FindNextComponent(UTF16String().c_str()));
 }
 
 TEST(ArePathsRelative, EachPair_HasItsAnswer)
@@ -100,7 +100,7 @@ TEST(CombinePaths, EachPair_IsCombined)
         if (Units(row.mMore) == Units(u"../b")) {
             // Tests only the portable code: Windows takes any name that begins with two dots for a step up.
             UTF16String combined;
-            EXPECT_TRUE(HomeText::Combine(Units(row.mBase), Units(row.mMore), combined));
+            EXPECT_TRUE(WindowsText::Combine(Units(row.mBase), Units(row.mMore), combined));
             EXPECT_EQ(Units(row.mCombined), combined);
             continue;
         }
@@ -169,7 +169,7 @@ TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
 {
     const auto combine = [](const char16_t* inBase, const char16_t* inMore) {
         UTF16String path;
-        EXPECT_TRUE(HomeText::Combine(Units(inBase), Units(inMore), path));
+        EXPECT_TRUE(WindowsText::Combine(Units(inBase), Units(inMore), path));
         return path;
     };
     EXPECT_EQ(Units(uR"(C:\)"), combine(u"C:", u""));
@@ -181,16 +181,16 @@ TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
     EXPECT_EQ(Units(uR"(C:\..a)"), combine(u"C:\\", u"..a"));
     EXPECT_EQ(Units(uR"(C:\...)"), combine(u"C:\\", u"..."));
     UTF16String relative;
-    EXPECT_TRUE(HomeText::RelativePathTo(Units(u"ab"), Units(u"ab"), relative));
+    EXPECT_TRUE(WindowsText::RelativePathTo(Units(u"ab"), Units(u"ab"), relative));
     EXPECT_EQ(Units(u"."), relative);
 }
 
 TEST(HomePathText, IsRoot_KnowsDrivesAndShares)
 {
     for (const char16_t* path : {u"\\", u"C:\\", u"\\\\", u"\\\\s", u"\\\\s\\h", u"\\\\s\\"}) {
-        EXPECT_TRUE(HomeText::IsRoot(Units(path))) << Show(Units(path));
+        EXPECT_TRUE(WindowsText::IsRoot(Units(path))) << Show(Units(path));
     }
     for (const char16_t* path : {u"", u"C:", u"C:\\a", u"a", u"\\a", u"\\\\s\\h\\", u"\\\\s\\h\\a", u"C:/"}) {
-        EXPECT_FALSE(HomeText::IsRoot(Units(path))) << Show(Units(path));
+        EXPECT_FALSE(WindowsText::IsRoot(Units(path))) << Show(Units(path));
     }
 }

@@ -1,4 +1,4 @@
-#include "LinuxRegistryPlaces.h"
+#include "LinuxRegistryLocations.h"
 
 #include <cstdlib>
 #include <mutex>
@@ -35,34 +35,34 @@ std::string HomeFolder()
     return isKnown ? found->pw_dir : std::string();
 }
 
-Place PlaceIn(const std::string& inFolder, const char* inName, bool inIsForAll)
+StoreLocation LocationIn(const std::string& inFolder, const char* inName, bool inIsWorldReadable)
 {
-    Place place;
-    place.mFolder = inFolder + "/ORLFoundation";
-    place.mDatabase = place.mFolder + "/" + inName;
-    place.mIsForAll = inIsForAll;
-    return place;
+    StoreLocation location;
+    location.mFolder = inFolder + "/ORLFoundation";
+    location.mDatabase = location.mFolder + "/" + inName;
+    location.mIsWorldReadable = inIsWorldReadable;
+    return location;
 }
 
 } // namespace
 
-Place FindUserPlace()
+StoreLocation FindUserLocation()
 {
     std::string data = Variable("XDG_DATA_HOME");
     if (data.empty()) {
         const std::string home = HomeFolder();
         if (home.empty()) {
-            return Place();
+            return StoreLocation();
         }
         data = home + "/.local/share";
     }
-    return PlaceIn(data, "user.registry", false);
+    return LocationIn(data, "user.registry", false);
 }
 
-Place FindMachinePlace()
+StoreLocation FindMachineLocation()
 {
     const std::lock_guard<std::mutex> lock(sMutex);
-    return PlaceIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", true);
+    return LocationIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", true);
 }
 
 void SetMachineFolder(const std::string& inFolder)

@@ -12,7 +12,7 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-class TurnLock
+class FairMutex
 {
 public:
     void lock()
@@ -33,7 +33,7 @@ public:
 
     /// Resets the lock in a child of fork. The forking thread owned it, and the waiting threads do not exist in the
     /// child.
-    void Renew() noexcept { ::new (static_cast<void*>(this)) TurnLock; }
+    void ResetAfterFork() noexcept { ::new (static_cast<void*>(this)) FairMutex; }
 
 private:
     std::mutex mMutex;

@@ -1,7 +1,7 @@
 // Compares the portable path text with Windows' own functions on many thousands of generated paths.
-#include <HomePathText.h>
 #include <Platform/Disks.h>
 #include <Platform/Paths.h>
+#include <WindowsPathText.h>
 
 #include <TextHelpers.h>
 
@@ -71,7 +71,7 @@ TEST(HomePathText, Combine_AgreesWithTheSystem)
         UTF16String expected = Units("untouched");
         UTF16String actual = Units("untouched");
         const bool answer = Platform::CombinePaths_Impl(Units(base), Units(more), expected);
-        ASSERT_EQ(answer, HomeText::Combine(Units(base), Units(more), actual)) << base << " + " << more;
+        ASSERT_EQ(answer, WindowsText::Combine(Units(base), Units(more), actual)) << base << " + " << more;
         ASSERT_EQ(Show(expected), Show(actual)) << base << " + " << more;
         ++compared;
     }
@@ -95,7 +95,7 @@ TEST(HomePathText, RelativePathTo_AgreesWithTheSystem)
         UTF16String expected = Units("untouched");
         UTF16String actual = Units("untouched");
         const bool answer = Platform::RelativePathTo_Impl(Units(from), Units(to), expected);
-        ASSERT_EQ(answer, HomeText::RelativePathTo(Units(from), Units(to), actual)) << from << " -> " << to;
+        ASSERT_EQ(answer, WindowsText::RelativePathTo(Units(from), Units(to), actual)) << from << " -> " << to;
         ASSERT_EQ(Show(expected), Show(actual)) << from << " -> " << to;
     }
 }
@@ -107,14 +107,14 @@ TEST(HomePathText, NextComponentRootAndMakePath_AgreeWithTheSystem)
     for (int i = 0; i < 20000; ++i) {
         const UTF16String path =
             Units(generator.Pick({"", "\\", "\\\\", "C:\\", "C:", "\\\\s\\h"}) + generator.Names(names, 4));
-        ASSERT_EQ(Platform::FindNextComponent_Impl(path.c_str()), HomeText::FindNextComponent(path.c_str()))
+        ASSERT_EQ(Platform::FindNextComponent_Impl(path.c_str()), WindowsText::FindNextComponent(path.c_str()))
             << Show(path);
-        ASSERT_EQ(ORL::DiskUtils::Platform::IsRoot_Impl(path), HomeText::IsRoot(path)) << Show(path);
+        ASSERT_EQ(ORL::DiskUtils::Platform::IsRoot_Impl(path), WindowsText::IsRoot(path)) << Show(path);
         const UTF16String drive = Units(generator.Pick({"", "C", "C:", "cd", "\\"}));
         const UTF16String directory = Units(generator.Pick({"", "\\", "\\a\\", "a", "a/", "/a\\b"}));
         const UTF16String extension = Units(generator.Pick({"", "txt", ".txt", ".", "..x"}));
         ASSERT_EQ(Platform::MakePath_Impl(drive, directory, path, extension),
-                  HomeText::MakePath(drive, directory, path, extension))
+                  WindowsText::MakePath(drive, directory, path, extension))
             << Show(drive) << ' ' << Show(directory) << ' ' << Show(path) << ' ' << Show(extension);
     }
 }
@@ -129,7 +129,7 @@ TEST(HomePathText, NamesBeyondASCII_AreComparedAsTheSystemDoes)
         const UTF16String to = ORLTest::Units(u"abc\\") + ORLTest::Units(pair[1]) + ORLTest::Units(u"xy\\d\\");
         UTF16String expected;
         UTF16String actual;
-        EXPECT_EQ(Platform::RelativePathTo_Impl(from, to, expected), HomeText::RelativePathTo(from, to, actual));
+        EXPECT_EQ(Platform::RelativePathTo_Impl(from, to, expected), WindowsText::RelativePathTo(from, to, actual));
         EXPECT_EQ(Show(expected), Show(actual)) << Show(from) << " -> " << Show(to);
     }
 }

@@ -9,7 +9,7 @@
 
 namespace ORL {
 namespace PathUtils {
-namespace HomeText {
+namespace WindowsText {
 
 /// Maximum size of the results of Combine and RelativePathTo, terminator included.
 inline constexpr std::size_t kMaxPath = 260;
@@ -35,6 +35,6 @@ bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& 
 /// Returns whether the text is a root: "\", "X:\", "\\", "\\server" or "\\server\share".
 bool IsRoot(const UTF16String& inPath) noexcept;
 
-} // namespace HomeText
+} // namespace WindowsText
 } // namespace PathUtils
 } // namespace ORL

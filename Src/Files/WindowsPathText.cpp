@@ -1,4 +1,4 @@
-#include <HomePathText.h>
+#include <WindowsPathText.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace ORL {
 namespace PathUtils {
-namespace HomeText {
+namespace WindowsText {
 
 namespace {
 
@@ -103,7 +103,7 @@ std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
 }
 
 // Returns a relative path with one ".." for each name from inAt on.
-UTF16String StepsUp(const UTF16String& inFrom, std::size_t inAt)
+UTF16String ParentSteps(const UTF16String& inFrom, std::size_t inAt)
 {
     UTF16String steps;
     const Unit* from = inFrom.c_str() + std::min(inAt, inFrom.size());
@@ -130,7 +130,7 @@ bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16Str
     if (common == 0) {
         return false;
     }
-    UTF16String relative = StepsUp(from, common);
+    UTF16String relative = ParentSteps(from, common);
     if (common < to.size()) {
         // Keeps the backslash before the rest of the target.
         relative += to.substr(to[common] == '\\' ? common : common - 1);
@@ -248,6 +248,6 @@ bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& 
     return true;
 }
 
-} // namespace HomeText
+} // namespace WindowsText
 } // namespace PathUtils
 } // namespace ORL

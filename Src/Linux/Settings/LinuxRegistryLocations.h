@@ -10,19 +10,19 @@ namespace Linux {
 
 /// The location of one store. The folder contains the database and, with the same name and a suffix, its journal, the
 /// board of changes, and databases that were set aside.
-struct Place
+struct StoreLocation
 {
     std::string mFolder;   // host path without a trailing slash; empty if the process has no home directory
     std::string mDatabase; // host path
-    bool mIsForAll = false; // all users may read the store
+    bool mIsWorldReadable = false; // all users may read the store
 };
 
 /// Returns the location of the user's store: $XDG_DATA_HOME if that is an absolute path, otherwise .local/share below
 /// $HOME, or below the home directory in the system's user database if $HOME is not an absolute path.
-Place FindUserPlace();
+StoreLocation FindUserLocation();
 
 /// Returns the location of the machine's store, below /var/lib.
-Place FindMachinePlace();
+StoreLocation FindMachineLocation();
 
 /// Sets another folder for the machine's store, for tests. An empty path restores the default.
 void SetMachineFolder(const std::string& inFolder);
