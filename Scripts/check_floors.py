@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Checks the project rules that can be verified from the #include lines.
+"""Checks the house rules that can be read off the includes.
 
-Floors: a file includes only its own and lower floors. A source or header below Src belongs to the floor of its folder,
-a header of API/Inc or Inc to the floor that its first line names ("// Floor: Threads"). A file in a platform folder
-belongs to the floor that its first line names, else to the highest floor whose seam headers it includes. A seam header
-belongs to the lowest floor whose portable code includes it.
-Seam: only the platform folders and the export headers (*Config.h) contain OS headers or platform conditions.
-Tools and examples: they include public headers only.
-The roof: ORLFoundation.h includes every public header.
+Floors: includes run downwards only. A file below Src or Inc belongs to the floor of its folder, a header of API/Inc to
+the floor that its first line names ("// Floor: Threads"). A file in a platform folder belongs to the floor that its first
+line names, else to the highest floor whose seam headers it includes. A seam header belongs to the lowest floor whose
+portable code includes it. A folder without a floor is a fault.
+Libraries: tvxcore, tvxmediatypes and CRV include nothing of ORLFoundation, neither by name nor by a relative path.
+Tests: each folder with tests is in the list of test programs.
+Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
+Tools and examples: public headers alone.
+The roof: ORLFoundation.h brings in every public header.
 Prints one line for each fault; exit code 1 if there is any. check_floors.py [ROOT]
 """
 import re
@@ -16,9 +18,13 @@ from pathlib import Path
 
 ROOT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parent.parent).resolve()
 
-# Higher floors may include lower ones. Media has the rank of Threads and may include only Strings and below.
+# Higher floors may include lower ones. Media stands beside Threads and sees only Strings and below.
 RANK = {"Platform": 0, "Core": 1, "Memory": 2, "Objects": 3, "Strings": 4, "Threads": 5, "Media": 5, "Files": 6,
         "System": 7, "Diagnostics": 8, "Foundation": 9}
+
+# Folders of Inc whose name is not that of their floor.
+FLOOR_OF_FOLDER = {"Images": "System", "Sync": "Threads", "Resources": "System"}
+PLATFORM_FOLDERS = ("Linux", "Win")
 
 OS_HEADER = re.compile(
     r"^(windows|winsock2?|ws2tcpip|shlobj|shlwapi|shellapi|objbase|winternl|psapi|tlhelp32|bcrypt|ntsecapi|process|io|"
@@ -49,18 +55,29 @@ def is_platform_file(path):
         or path.name.startswith(("Linux", "Win"))
 
 
+def folder_floor(path, base):
+    parts = path.relative_to(ROOT / base).parts
+    floor = FLOOR_OF_FOLDER.get(parts[0], parts[0]) if len(parts) > 1 else None
+    return floor if floor in RANK else None
+
+
 def header_floors(faults):
     floors = {}
-    for base in ("API/Inc", "Inc"):
-        for path in sources(f"{base}/**/*.h"):
-            lines = path.read_text(encoding="utf-8").splitlines()
-            match = FLOOR.match(lines[0]) if lines else None
-            name = path.relative_to(ROOT / base).as_posix()
-            if not match or match.group(1) not in RANK:
-                faults.append(f"{path.relative_to(ROOT)}:1: the first line names no floor")
-                continue
-            floors[name] = match.group(1)
+    for path in sources("API/Inc/**/*.h"):
+        floors[path.relative_to(ROOT / "API/Inc").as_posix()] = named_floor(path)
+        if named_floor(path) is None:
+            faults.append(f"{path.relative_to(ROOT)}:1: the first line names no floor")
+    for path in sources("Inc/**/*.h"):
+        floors[path.relative_to(ROOT / "Inc").as_posix()] = folder_floor(path, "Inc")
+        if folder_floor(path, "Inc") is None:
+            faults.append(f"{path.relative_to(ROOT)}:1: its folder is no floor")
     return floors
+
+
+def check_folders(faults):
+    for path in sources("Src/**/*"):
+        if not in_platform_folder(path) and folder_floor(path, "Src") is None:
+            faults.append(f"{path.relative_to(ROOT)}:1: its folder is no floor")
 
 
 def named_floor(path):
@@ -70,21 +87,21 @@ def named_floor(path):
 
 
 def local_header(path, name):
-    """Returns the project header that a relative include names, or None."""
+    """The header of our own that stands where a relative include points to, or None."""
     target = (path.parent / name).resolve()
     return target if target.is_file() and ROOT / "Src" in target.parents else None
 
 
 def in_platform_folder(path):
-    return path.relative_to(ROOT).parts[:2] in (("Src", "Linux"), ("Src", "Win"))
+    parts = path.relative_to(ROOT).parts
+    return parts[0] == "Src" and parts[1] in PLATFORM_FOLDERS
 
 
 def floor_of(path, floors):
-    relative = path.relative_to(ROOT)
-    if relative.parts[0] == "Src":
-        return relative.parts[1] if len(relative.parts) > 2 and relative.parts[1] in RANK else None
-    base = "API/Inc" if relative.parts[0] == "API" else "Inc"
-    return floors.get(path.relative_to(ROOT / base).as_posix())
+    base = path.relative_to(ROOT).parts[0]
+    if base == "API":
+        return floors.get(path.relative_to(ROOT / "API/Inc").as_posix())
+    return folder_floor(path, base)
 
 
 def may_include(upper, lower):
@@ -98,7 +115,7 @@ def floor_sources():
 
 
 def seam_rooms(floors):
-    """Seam header -> the lowest floor that includes it."""
+    """Seam header -> the lowest floor that asks for it."""
     rooms = {}
     for path in floor_sources():
         floor = None if in_platform_folder(path) else floor_of(path, floors)
@@ -153,6 +170,32 @@ def check_seam(faults):
                 faults.append(f"{path.relative_to(ROOT)}:{number}: platform condition outside the platform folders")
 
 
+def check_libraries(faults):
+    ours = {path.relative_to(ROOT / base).as_posix() for base in ("API/Inc", "Inc") for path in sources(f"{base}/**/*.h")}
+    for library in ("tvxcore", "tvxmediatypes", "CRV"):
+        for path in sources(f"{library}/**/*"):
+            for number, name in includes(path):
+                beside = (path.parent / name).resolve()
+                outside = beside.is_file() and ROOT / library not in beside.parents
+                if name in ours and not beside.is_file() or outside:
+                    faults.append(f"{path.relative_to(ROOT)}:{number}: {library} includes {name} of a higher library")
+
+
+def check_tests(faults):
+    list_file = ROOT / "Tests/CMakeLists.txt"
+    text = list_file.read_text(encoding="utf-8") if list_file.is_file() else ""
+    rooms = re.search(r"foreach\(room ([^)]*)\)", text)
+    listed = set(rooms.group(1).split()) if rooms else set()
+    for path in sources("Tests/**/*"):
+        if not path.name.endswith("Test.cpp"):
+            continue
+        parts = path.relative_to(ROOT / "Tests").parts
+        room_file = ROOT / "Tests" / parts[0] / "room.cmake"
+        named = room_file.is_file() and "/".join(parts) in room_file.read_text(encoding="utf-8")
+        if not named and (len(parts) != 2 or parts[0] not in listed):
+            faults.append(f"{path.relative_to(ROOT)}:1: no test program has it")
+
+
 def check_hosts(faults):
     private = {path.relative_to(ROOT / "Inc").as_posix() for path in sources("Inc/**/*.h")}
     for path in sources("Tools/**/*", "Examples/**/*"):
@@ -176,8 +219,11 @@ def check_roof(faults):
 def main():
     faults = []
     floors = header_floors(faults)
+    check_folders(faults)
     check_floors(floors, faults)
     check_seam(faults)
+    check_libraries(faults)
+    check_tests(faults)
     check_hosts(faults)
     check_roof(faults)
     for fault in faults:

@@ -1,6 +1,6 @@
-// Writes tvxcore/Src/CaseFoldingTable.inc: full case folding of the linked ICU's Unicode version.
+// Writes tvxcore/Src/Text/CaseFoldingTable.inc: full case folding of the linked ICU's Unicode version.
 //   g++ -std=c++17 Scripts/make-case-folding.cpp -licuuc -o build/make-case-folding
-//   build/make-case-folding > tvxcore/Src/CaseFoldingTable.inc
+//   build/make-case-folding > tvxcore/Src/Text/CaseFoldingTable.inc
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 

@@ -1,6 +1,6 @@
 #include <ORLDiskUtils.h>
 
-#include <VolumeQueries.h>
+#include <Files/VolumeQueries.h>
 
 namespace ORL {
 namespace DiskUtils {

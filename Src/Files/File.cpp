@@ -1,11 +1,11 @@
 // Opening and closing.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
-#include <FileBufferFactory.h>
+#include <Files/FileBufferFactory.h>
 #include <ORLDebug.h>
 #include <ORLDiskUtils.h>
 #include <ORLPathUtils.h>
-#include <PathForms.h>
+#include <Files/PathForms.h>
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // Reads through the blocks that a host's buffer keeps. The handle bypasses the system's cache, so it is only read in
 // whole blocks at block positions.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
 

@@ -1,5 +1,5 @@
 // Deletes, copies and moves whole files.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 #include <ORLPathUtils.h>
 

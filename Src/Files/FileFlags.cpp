@@ -1,5 +1,5 @@
 // Converts the library's flags to the system's flags.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 namespace ORL {
 namespace Files {

@@ -1,5 +1,5 @@
 // Reads, writes and seeks at the position that the system keeps.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
 

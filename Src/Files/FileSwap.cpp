@@ -1,5 +1,5 @@
 // Replaces a file by a finished temporary file, and finds unused names for new files.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
 #include <ORLPathUtils.h>

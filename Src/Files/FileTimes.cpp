@@ -1,5 +1,5 @@
 // Sizes and times, of open files and by path.
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
 #include <ORLPathUtils.h>

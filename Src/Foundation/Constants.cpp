@@ -1,11 +1,11 @@
 // Emits the constants of the public headers as symbols of the library.
 #define ORL_CONSTANTS_EMIT
 
-#include <ExportedText.h>
+#include <Core/ExportedText.h>
 #include <ORLConstants.h>
 #include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
-#include <PropertyKeys.h>
+#include <Core/PropertyKeys.h>
 
 namespace ORL {
 

@@ -1,6 +1,6 @@
-#include <FileBufferFactory.h>
+#include <Files/FileBufferFactory.h>
 
-#include <CountedLifecycle.h>
+#include <Foundation/CountedLifecycle.h>
 #include <new>
 
 namespace ORL {

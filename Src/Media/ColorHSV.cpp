@@ -1,7 +1,7 @@
 // Conversions between RGB and HSV.
 #include <ORLColor.h>
 
-#include <ColorMath.h>
+#include <Media/ColorMath.h>
 
 namespace ORL {
 

@@ -1,7 +1,7 @@
 // Conversions between RGB, YPbPr and YIQ, and levels in IRE and millivolts.
 #include <ORLColor.h>
 
-#include <Arctangent.h>
+#include <Media/Arctangent.h>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include <ORLGeometry.h>
 
 #include <ORLDebug.h>
-#include <Wrapping.h>
+#include <Core/Wrapping.h>
 
 #include <algorithm>
 #include <cmath>

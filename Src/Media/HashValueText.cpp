@@ -1,6 +1,6 @@
 #include <ORLHashValue.h>
 
-#include <Tokenizer.h>
+#include <Strings/Tokenizer.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/Text.h>
 

@@ -1,7 +1,7 @@
 #include <ORLTimeStamp.h>
 
 #include <Platform/ProcessClock.h>
-#include <Wrapping.h>
+#include <Core/Wrapping.h>
 
 #include <utility>
 

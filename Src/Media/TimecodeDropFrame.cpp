@@ -1,9 +1,9 @@
-#include <TimecodeDropFrame.h>
+#include <Media/TimecodeDropFrame.h>
 
 #include <ORLDebug.h>
-#include <TimecodeCarry.h>
-#include <TimecodeFormats.h>
-#include <Wrapping.h>
+#include <Media/TimecodeCarry.h>
+#include <Media/TimecodeFormats.h>
+#include <Core/Wrapping.h>
 
 #include <tvxmediatypes/Constants.h>
 

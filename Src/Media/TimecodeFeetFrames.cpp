@@ -1,6 +1,6 @@
-#include <TimecodeStrings.h>
+#include <Media/TimecodeStrings.h>
 
-#include <TimecodeFormats.h>
+#include <Media/TimecodeFormats.h>
 
 #include <tvxmediatypes/Constants.h>
 

@@ -1,8 +1,8 @@
-#include <TimecodeImpl.h>
+#include <Media/TimecodeImpl.h>
 
-#include <TimecodeFormats.h>
-#include <TimecodeStrings.h>
-#include <Wrapping.h>
+#include <Media/TimecodeFormats.h>
+#include <Media/TimecodeStrings.h>
+#include <Core/Wrapping.h>
 
 #include <array>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include <TimecodeFormats.h>
+#include <Media/TimecodeFormats.h>
 
 #include <ORLDebug.h>
-#include <TimecodeDropFrame.h>
-#include <Wrapping.h>
+#include <Media/TimecodeDropFrame.h>
+#include <Core/Wrapping.h>
 
 #include <tvxmediatypes/Constants.h>
 

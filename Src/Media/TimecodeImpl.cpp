@@ -1,10 +1,10 @@
-#include <TimecodeImpl.h>
+#include <Media/TimecodeImpl.h>
 
 #include <ORLDebug.h>
-#include <TimecodeCarry.h>
-#include <TimecodeDropFrame.h>
-#include <TimecodeFormats.h>
-#include <Wrapping.h>
+#include <Media/TimecodeCarry.h>
+#include <Media/TimecodeDropFrame.h>
+#include <Media/TimecodeFormats.h>
+#include <Core/Wrapping.h>
 
 #include <limits>
 

@@ -1,8 +1,8 @@
-#include <TimecodeStrings.h>
+#include <Media/TimecodeStrings.h>
 
 #include <ORLDebug.h>
-#include <TimecodeFormats.h>
-#include <Wrapping.h>
+#include <Media/TimecodeFormats.h>
+#include <Core/Wrapping.h>
 
 #include <tvxmediatypes/Constants.h>
 

@@ -1,6 +1,6 @@
 #include <ORLAllocator.h>
 
-#include <BadAllocation.h>
+#include <Memory/BadAllocation.h>
 #include <tvxcore/SmallBlockAllocator.h>
 
 namespace ORL {

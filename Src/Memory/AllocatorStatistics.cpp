@@ -1,4 +1,4 @@
-#include <AllocatorStatistics.h>
+#include <Memory/AllocatorStatistics.h>
 
 #include <ORLAllocator.h>
 #include <ORLCriticalSection.h>

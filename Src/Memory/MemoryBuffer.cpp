@@ -1,6 +1,6 @@
 #include <ORLMemoryRecycler.h>
 
-#include <MemoryBufferSizes.h>
+#include <Memory/MemoryBufferSizes.h>
 #include <ORLDebug.h>
 #include <Platform/PageMemory.h>
 #include <tvxcore/SmallBlockAllocator.h>

@@ -1,9 +1,9 @@
 #include <ORLMemoryRecycler.h>
 
-#include <BadAllocation.h>
-#include <Immortal.h>
-#include <MemoryBufferSizes.h>
-#include <MemoryRecyclerLifecycle.h>
+#include <Memory/BadAllocation.h>
+#include <Core/Immortal.h>
+#include <Memory/MemoryBufferSizes.h>
+#include <Memory/MemoryRecyclerLifecycle.h>
 #include <tvxcore/ErrorManager.h>
 
 #include <new>

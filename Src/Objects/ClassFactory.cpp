@@ -1,9 +1,9 @@
 #include <ORLClassFactory.h>
 
-#include <ClassCategories.h>
+#include <Objects/ClassCategories.h>
 #include <ORLDebug.h>
 #include <ORLException.h>
-#include <UntilUnload.h>
+#include <Core/UntilUnload.h>
 
 #include <map>
 #include <unordered_map>

@@ -1,5 +1,5 @@
 #include <ORLSharedObjectBase.h>
-#include <SharedObjectPool.h>
+#include <Objects/SharedObjectPool.h>
 
 namespace ORL {
 

@@ -1,7 +1,7 @@
 #include <ORLSingletonConstruction.h>
 
 #include <ORLDebug.h>
-#include <SingletonSection.h>
+#include <Objects/SingletonSection.h>
 
 #include <atomic>
 #include <boost/thread/once.hpp>

@@ -3,7 +3,7 @@
 #include <ORLAllocator.h>
 #include <ORLString.h>
 
-#include <StringConversion.h>
+#include <Strings/StringConversion.h>
 
 #include <new>
 #include <utility>

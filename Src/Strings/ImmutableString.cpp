@@ -1,6 +1,6 @@
 #include <ORLImmutableString.h>
 
-#include <ImmutableStringTable.h>
+#include <Strings/ImmutableStringTable.h>
 #include <tvxcore/Text.h>
 
 #include <cstring>

@@ -1,6 +1,6 @@
-#include <ImmutableStringTable.h>
+#include <Strings/ImmutableStringTable.h>
 
-#include <BadAllocation.h>
+#include <Memory/BadAllocation.h>
 #include <ORLAllocator.h>
 #include <Platform/PageMemory.h>
 

@@ -1,8 +1,8 @@
 #include <ORLLocale.h>
 
-#include <LocaleInternals.h>
+#include <Strings/LocaleInternals.h>
 #include <ORLString.h>
-#include <UntilUnload.h>
+#include <Core/UntilUnload.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/UTF16Facets.h>
 

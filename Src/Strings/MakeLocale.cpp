@@ -1,4 +1,4 @@
-#include <LocaleInternals.h>
+#include <Strings/LocaleInternals.h>
 
 #include <Platform/Locale.h>
 #include <tvxcore/NumberPunctuation.h>

@@ -1,4 +1,4 @@
-#include <ReaderSlots.h>
+#include <Strings/ReaderSlots.h>
 
 #include <Sync/Backoff.h>
 

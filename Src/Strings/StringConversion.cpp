@@ -1,6 +1,6 @@
 #include <ORLString.h>
 
-#include <StringConversion.h>
+#include <Strings/StringConversion.h>
 
 #include <tvxcore/Text.h>
 

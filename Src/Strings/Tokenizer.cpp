@@ -1,4 +1,4 @@
-#include <Tokenizer.h>
+#include <Strings/Tokenizer.h>
 
 #include <ORLParamString.h>
 

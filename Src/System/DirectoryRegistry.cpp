@@ -1,12 +1,12 @@
 #include <ORLDirectoryRegistry.h>
 
-#include <DirectoryPattern.h>
+#include <System/DirectoryPattern.h>
 #include <ORLDebug.h>
 #include <ORLPathUtils.h>
 #include <ORLResourceCollection.h>
 #include <ORLString.h>
-#include <Tokenizer.h>
-#include <UntilUnload.h>
+#include <Strings/Tokenizer.h>
+#include <Core/UntilUnload.h>
 
 #include <tvxcore/StringStream.h>
 

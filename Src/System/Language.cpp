@@ -1,7 +1,7 @@
 #include <ORLHostSettings.h>
 
-#include <Immortal.h>
-#include <LanguageInternals.h>
+#include <Core/Immortal.h>
+#include <System/LanguageInternals.h>
 #include <ORLCriticalSection.h>
 #include <ORLRegistryKey.h>
 #include <ORLString.h>

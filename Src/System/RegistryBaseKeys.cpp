@@ -1,7 +1,7 @@
 #include <ORLHostSettings.h>
 
 #include <CRV/Application.h>
-#include <Immortal.h>
+#include <Core/Immortal.h>
 #include <ORLCriticalSection.h>
 #include <ORLString.h>
 

@@ -1,4 +1,4 @@
-#include <RegistryHandle.h>
+#include <System/RegistryHandle.h>
 
 namespace ORL {
 

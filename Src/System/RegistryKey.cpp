@@ -1,5 +1,5 @@
 // Opens, creates, deletes and lists keys.
-#include <RegistryKeyImpl.h>
+#include <System/RegistryKeyImpl.h>
 
 #include <ORLDebug.h>
 

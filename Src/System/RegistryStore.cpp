@@ -2,7 +2,7 @@
 #include <ORLRegistryStore.h>
 
 #include <Platform/Registry.h>
-#include <RegistryHandle.h>
+#include <System/RegistryHandle.h>
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 // Reads and writes the values of a key.
-#include <RegistryKeyImpl.h>
+#include <System/RegistryKeyImpl.h>
 
 #include <ORLDebug.h>
 #include <ORLString.h>

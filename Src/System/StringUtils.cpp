@@ -1,7 +1,7 @@
 #include <ORLStringUtils.h>
 
 #include <CRV/Application.h>
-#include <CodePageConversion.h>
+#include <System/CodePageConversion.h>
 #include <ORLDebug.h>
 #include <ORLHostSettings.h>
 #include <Platform/CodePages.h>

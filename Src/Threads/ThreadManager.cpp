@@ -3,7 +3,7 @@
 #include <ORLDebug.h>
 #include <ORLString.h>
 #include <Platform/ThreadManager.h>
-#include <UntilUnload.h>
+#include <Core/UntilUnload.h>
 #include <tvxcore/Executor.h>
 #include <tvxcore/Trace.h>
 

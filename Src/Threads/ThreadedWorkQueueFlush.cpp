@@ -2,7 +2,7 @@
 
 #include <ORLDebug.h>
 #include <Sync/Policy.h>
-#include <WorkQueueFlushAlgorithm.h>
+#include <Threads/WorkQueueFlushAlgorithm.h>
 
 #include <new>
 #include <utility>

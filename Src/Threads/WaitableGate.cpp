@@ -1,7 +1,7 @@
 #include <ORLWaitableGate.h>
 
 #include <ORLAllocator.h>
-#include <WaitableGateAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
 
 namespace ORL {
 

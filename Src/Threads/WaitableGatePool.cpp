@@ -1,7 +1,7 @@
 #include <ORLWaitableGate.h>
 
-#include <UntilUnload.h>
-#include <WaitableGatePoolAlgorithm.h>
+#include <Core/UntilUnload.h>
+#include <Threads/WaitableGatePoolAlgorithm.h>
 #include <tvxcore/Unload.h>
 
 #include <boost/thread/once.hpp>

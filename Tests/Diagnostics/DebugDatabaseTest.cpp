@@ -2,7 +2,7 @@
 #include <PrivateHost.h>
 #include <TextHelpers.h>
 
-#include <DebugDatabaseLifecycle.h>
+#include <Diagnostics/DebugDatabaseLifecycle.h>
 #include <ORLDebugDatabase.h>
 #include <ORLFoundation.h>
 #include <ORLHostSettings.h>

@@ -27,4 +27,4 @@ endfunction()
 
 run(${CMAKE_COMMAND} ${arguments})
 expect_name("Src/Threads/Event.cpp" "Src/Threads/Event.cpp")
-expect_name("Src/Threads/WaitableGatePool.cpp" "Inc/WaitableGatePoolAlgorithm.h")
+expect_name("Src/Threads/WaitableGatePool.cpp" "Inc/Threads/WaitableGatePoolAlgorithm.h")

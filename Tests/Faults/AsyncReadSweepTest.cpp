@@ -1,7 +1,7 @@
 // Fails each allocation that the asynchronous reader makes on the caller's thread.
 #include "FilesSweep.h"
 
-#include <AsyncFileReaderImpl.h>
+#include <Files/AsyncFileReaderImpl.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLResult.h>
 

@@ -1,9 +1,9 @@
 // Fails each allocation of code page conversions, the language and the debug settings.
 #include "MemoryFaults.h"
 
-#include <CodePageConversion.h>
-#include <DebugDatabaseLifecycle.h>
-#include <LanguageInternals.h>
+#include <System/CodePageConversion.h>
+#include <Diagnostics/DebugDatabaseLifecycle.h>
+#include <System/LanguageInternals.h>
 #include <ORLDebugDatabase.h>
 #include <ORLHostSettings.h>
 #include <PrivateHost.h>

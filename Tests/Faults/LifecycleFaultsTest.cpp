@@ -4,7 +4,7 @@
 #include <ORLFoundation.h>
 
 #include <CheckRecorder.h>
-#include <CountedLifecycle.h>
+#include <Foundation/CountedLifecycle.h>
 
 #include <exception>
 #include <string>

@@ -1,7 +1,7 @@
 // Fails each allocation of the recycler.
 #include "MemoryFaults.h"
 
-#include <MemoryRecyclerLifecycle.h>
+#include <Memory/MemoryRecyclerLifecycle.h>
 #include <ORLMemoryRecycler.h>
 
 #include <tvxcore/ErrorManager.h>

@@ -1,7 +1,7 @@
 // Fails each allocation of the registry store. Other tests fail the allocations of its database.
 #include "MemoryFaults.h"
 
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 #include <PrivateHost.h>
 
 #include <ORLRegistryKey.h>

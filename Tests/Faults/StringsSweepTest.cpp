@@ -1,15 +1,15 @@
 // Fails each allocation of names, templates and numbers.
 #include "MemoryFaults.h"
 
-#include <ImmutableStringTable.h>
-#include <LocaleInternals.h>
+#include <Strings/ImmutableStringTable.h>
+#include <Strings/LocaleInternals.h>
 #include <ORLConstString.h>
 #include <ORLDiskUtils.h>
 #include <ORLImmutableString.h>
 #include <ORLLocale.h>
 #include <ORLParamString.h>
 #include <ORLString.h>
-#include <Tokenizer.h>
+#include <Strings/Tokenizer.h>
 #include <tvxcore/Number.h>
 
 #include <thread>

@@ -2,7 +2,7 @@
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>
-#include <AsyncFileReaderImpl.h>
+#include <Files/AsyncFileReaderImpl.h>
 #include <ORLFile.h>
 #include <ORLHostPath.h>
 #include <TempFolder.h>

@@ -4,7 +4,7 @@
 #include <ORLPathUtils.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
-#include <VolumeQueries.h>
+#include <Files/VolumeQueries.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 // Reads through a host's block cache.
-#include "AsyncReadSupport.h"
+#include "../AsyncReads/AsyncReadSupport.h"
 #include <BlockCacheSupport.h>
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
-#include <FileBufferFactory.h>
-#include <FileImpl.h>
+#include <Files/FileBufferFactory.h>
+#include <Files/FileImpl.h>
 #include <LruFileBuffer.h>
 
 #include <cstring>

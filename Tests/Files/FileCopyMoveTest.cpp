@@ -1,5 +1,5 @@
 // Tests deleting, copying and moving files by name.
-#include "AsyncReadSupport.h"
+#include "../AsyncReads/AsyncReadSupport.h"
 #include <FileSupport.h>
 
 #include <SystemProbes.h>

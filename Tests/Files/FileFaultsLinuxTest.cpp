@@ -3,8 +3,8 @@
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
-#include <FileImpl.h>
-#include <Linux/LinuxErrors.h>
+#include <Files/FileImpl.h>
+#include <Linux/Calls/LinuxErrors.h>
 #include <BlockCacheSupport.h>
 
 #include <algorithm>

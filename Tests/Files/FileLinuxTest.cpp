@@ -1,6 +1,6 @@
 // Tests the behaviour of File that exists only on Linux: links, permissions, other programs' locks, file systems that
 // refuse operations.
-#include "AsyncReadSupport.h"
+#include "../AsyncReads/AsyncReadSupport.h"
 #include <FileSupport.h>
 #include "ShareModes.h"
 

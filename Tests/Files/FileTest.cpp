@@ -1,8 +1,8 @@
 // Tests opening, reading, writing and file times, as hosts use them.
-#include "AsyncReadSupport.h"
+#include "../AsyncReads/AsyncReadSupport.h"
 #include <FileSupport.h>
 
-#include <FileImpl.h>
+#include <Files/FileImpl.h>
 #include <SystemProbes.h>
 
 #include <gtest/gtest.h>

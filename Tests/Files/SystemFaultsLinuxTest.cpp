@@ -1,5 +1,5 @@
 // Tests faults of system calls below the path and disk functions, and the error numbers they become.
-#include <Linux/LinuxErrors.h>
+#include <Linux/Calls/LinuxErrors.h>
 
 #include <FaultySystemCallsLinux.h>
 #include <ORLPathUtils.h>

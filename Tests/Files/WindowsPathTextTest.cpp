@@ -1,5 +1,5 @@
 // Tests the Windows functions for path text, and the public functions built on them.
-#include <WindowsPathText.h>
+#include <Files/WindowsPathText.h>
 
 #include <ORLPathUtils.h>
 #include <TextHelpers.h>

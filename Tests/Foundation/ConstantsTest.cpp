@@ -2,7 +2,7 @@
 #include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
 #include <ORLStream.h>
-#include <PropertyKeys.h>
+#include <Core/PropertyKeys.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <CountedLifecycle.h>
+#include <Foundation/CountedLifecycle.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <ORLFoundation.h>
 
 #include <CheckRecorder.h>
-#include <CountedLifecycle.h>
+#include <Foundation/CountedLifecycle.h>
 #include <ExpectReport.h>
 #include <ProcessRunner.h>
 #include <QueueRequests.h>

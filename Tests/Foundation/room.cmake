@@ -30,9 +30,3 @@ if(WIN32)
 endif()
 
 add_dependencies(${room_target} lifecycle_host lifecycle_static_host load_unload_host ORLFoundation)
-
-# Some published checks fail only after a system error. The linker redirects these functions to the tests, which
-# simulate the error.
-foreach(symbol _ZN3ORL10PageMemory8Platform17QueryNewMode_ImplEv _ZN3ORL13ThreadManager8Platform17AllocateSlot_ImplEv)
-  target_link_options(${room_target} PRIVATE -Wl,--wrap=${symbol})
-endforeach()

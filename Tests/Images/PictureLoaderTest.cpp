@@ -2,7 +2,7 @@
 #include "ExpectedBitmaps.h"
 #include "Wrapped.h"
 
-#include "../Foundation/PublishedSites.h"
+#include "../PublishedSites/PublishedSites.h"
 
 #include <BitmapPixels.h>
 #include <CheckRecorder.h>

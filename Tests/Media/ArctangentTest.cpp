@@ -1,5 +1,5 @@
 // Compares the library's own arctangent of a vector with the long double function of the C runtime.
-#include <Arctangent.h>
+#include <Media/Arctangent.h>
 
 #include <cmath>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // A trace site queries the configuration only after it has changed, and caches the result. A query on every pass would
 // slow the fast path of traced code.
-#include <AllocatorStatistics.h>
+#include <Memory/AllocatorStatistics.h>
 #include <tvxcore/Trace.h>
 
 #include <gtest/gtest.h>

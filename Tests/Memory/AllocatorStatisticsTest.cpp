@@ -1,5 +1,5 @@
 #include <AllocationFaults.h>
-#include <AllocatorStatistics.h>
+#include <Memory/AllocatorStatistics.h>
 #include <ORLAllocator.h>
 #include <tvxcore/Executor.h>
 #include <tvxcore/SmallBlockAllocator.h>

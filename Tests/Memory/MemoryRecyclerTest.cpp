@@ -2,7 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
-#include <MemoryRecyclerLifecycle.h>
+#include <Memory/MemoryRecyclerLifecycle.h>
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -2,12 +2,12 @@
 // value reports its accesses.
 #pragma once
 
-#include <AsyncReadRequestBusyList.h>
-#include <AsyncReadRequestPool.h>
+#include <Threads/AsyncReadRequestBusyList.h>
+#include <Threads/AsyncReadRequestPool.h>
 #include <GateOf.h>
 #include <Sync/Policy.h>
-#include <WaitableGateAlgorithm.h>
-#include <WaitableGatePoolAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
+#include <Threads/WaitableGatePoolAlgorithm.h>
 
 #include <cstddef>
 #include <cstdint>

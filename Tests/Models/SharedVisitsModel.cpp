@@ -6,7 +6,7 @@
 // and all visitors start at the same slot, so that they collide.
 #include <ModelRun.h>
 
-#include <ReaderSlots.h>
+#include <Strings/ReaderSlots.h>
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Runs the shipped channel from the threads that queue work to the threads of an executor, under a model checker.
 #include <ModelRun.h>
 
-#include <WorkChannel.h>
+#include <Executors/WorkChannel.h>
 
 namespace {
 

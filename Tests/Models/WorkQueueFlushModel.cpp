@@ -6,7 +6,7 @@
 // limits by one. Then 100000 random interleavings without a bound.
 #include <ModelRun.h>
 
-#include <WorkQueueFlushAlgorithm.h>
+#include <Threads/WorkQueueFlushAlgorithm.h>
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #include <ORLSharedObjectBase.h>
 
-#include <SharedObjectPool.h>
+#include <Objects/SharedObjectPool.h>
 
 #include <gtest/gtest.h>
 

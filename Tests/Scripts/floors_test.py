@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks check_floors.py on a small tree with one wrong include at a time: floors_test.py SCRIPT"""
+"""Gives check_floors.py a small house with one wrong include in each place that it looks at: floors_test.py SCRIPT"""
 import subprocess
 import sys
 import tempfile
@@ -18,9 +18,21 @@ HOUSE = {
     "Src/Linux/LinuxFile.h": "#include <Platform/Files.h>\n",
     "Src/Linux/LinuxFile.cpp": '#include "LinuxFile.h"\n#include <ORLFile.h>\n',
     "Src/Win/WinLock.cpp": "// Floor: Core\n#include <ORLLock.h>\n",
+    "Inc/Memory/PageList.h": "",
+    "Inc/Sync/Policy.h": "#include <ORLLock.h>\n",
+    "Src/Threads/Gate.cpp": "#include <Sync/Policy.h>\n#include <Memory/PageList.h>\n",
+    "tvxcore/Src/Text.cpp": '#include "Text.h"\n#include <tvxcore/String.h>\n',
+    "tvxcore/Src/Text.h": "",
+    "tvxcore/Inc/tvxcore/String.h": "",
+    "CRV/Src/Report.cpp": "",
+    "Tests/CMakeLists.txt": "foreach(room Core\n        Files)\n",
+    "Tests/Core/LockTest.cpp": "",
+    "Tests/Files/FileTest.cpp": "",
+    "Tests/Files/Borders/BordersTest.cpp": "",
+    "Tests/Files/room.cmake": "add_executable(borders Files/Borders/BordersTest.cpp)\n",
 }
 
-# A file, its new text, and the expected message.
+# File, its new text, and what is to be said of it.
 FAULTS = [
     ("Src/Memory/Pages.cpp", "#include <ORLFile.h>\n", "floor Memory includes ORLFile.h of floor Files"),
     ("API/Inc/ORLLock.h", "// Floor: Core\n#include <ORLFile.h>\n", "floor Core includes ORLFile.h of floor Files"),
@@ -33,6 +45,26 @@ FAULTS = [
      "floor Memory includes ../Files/FileParts.h of floor Files"),
     ("Src/Files/File.cpp", '#include <Platform/Files.h>\n#include "../Linux/LinuxFile.h"\n',
      "a header of a platform folder, ../Linux/LinuxFile.h"),
+    ("Inc/Memory/PageList.h", "#include <ORLFile.h>\n", "floor Memory includes ORLFile.h of floor Files"),
+    ("Inc/Sync/Policy.h", "#include <ORLFile.h>\n", "floor Threads includes ORLFile.h of floor Files"),
+    ("Inc/Sundry/List.h", "", "its folder is no floor"),
+    ("Inc/List.h", "", "its folder is no floor"),
+    ("Src/Sundry/List.cpp", "", "its folder is no floor"),
+    ("Src/List.cpp", "", "its folder is no floor"),
+    ("API/Inc/ORLLock.h", "#pragma once\n", "the first line names no floor"),
+    ("Src/Files/File.cpp", "#include <ORLFile.h>\n#include <Platform/Files.h>\n#include <unistd.h>\n",
+     "system header unistd.h outside the platform folders"),
+    ("Src/Files/FileParts.h", "#ifdef _WIN32\n#endif\n", "platform condition outside the platform folders"),
+    ("tvxcore/Src/Text.h", "#include <ORLLock.h>\n", "tvxcore includes ORLLock.h of a higher library"),
+    ("tvxcore/Src/Text.h", "#include <Memory/PageList.h>\n", "tvxcore includes Memory/PageList.h of a higher library"),
+    ("tvxcore/Src/Text.h", '#include "../../API/Inc/ORLLock.h"\n',
+     "tvxcore includes ../../API/Inc/ORLLock.h of a higher library"),
+    ("CRV/Src/Report.cpp", '#include "../../Src/Files/FileParts.h"\n',
+     "CRV includes ../../Src/Files/FileParts.h of a higher library"),
+    ("Tests/Lost/LostTest.cpp", "", "no test program has it"),
+    ("Tests/Core/Deeper/DeeperTest.cpp", "", "no test program has it"),
+    ("Tools/orl/main.cpp", "#include <Memory/PageList.h>\n", "a host includes the private header Memory/PageList.h"),
+    ("API/Inc/ORLLost.h", "// Floor: Core\n", "ORLFoundation.h does not bring it in"),
 ]
 
 

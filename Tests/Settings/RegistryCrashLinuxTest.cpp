@@ -2,7 +2,7 @@
 // not acknowledged is there completely or not at all.
 #include "TestRegistry.h"
 
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 #include <TracedRunLinux.h>

@@ -3,7 +3,7 @@
 #include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 
 #include <ORLRegistryStore.h>
 #include <ORLString.h>

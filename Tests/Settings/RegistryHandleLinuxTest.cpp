@@ -2,7 +2,7 @@
 // without the transaction function.
 #include "TestRegistry.h"
 
-#include <RegistryHandle.h>
+#include <System/RegistryHandle.h>
 
 using namespace ORL;
 using namespace ORLTest;

@@ -1,7 +1,7 @@
 // Handles with a transaction manager, which the library's own keys never have.
 #include "TestRegistry.h"
 
-#include <RegistryHandle.h>
+#include <System/RegistryHandle.h>
 
 using namespace ORL;
 using namespace ORLTest;

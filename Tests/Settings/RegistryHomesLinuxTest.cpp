@@ -4,7 +4,7 @@
 
 #include <FaultySystemCallsLinux.h>
 #include <Linux/Settings/LinuxRegistryLocations.h>
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 #include <TempFolder.h>
 #include <UnprivilegedLinux.h>
 

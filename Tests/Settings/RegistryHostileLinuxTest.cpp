@@ -1,7 +1,7 @@
 // Databases not written by the library: damaged, of another format, of a newer version, or in the wrong place.
 #include "TestRegistry.h"
 
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 #include <TempFolder.h>
 
 #include <ORLRegistryStore.h>

@@ -2,7 +2,7 @@
 
 #include <CheckRecorder.h>
 #include <Platform/Registry.h>
-#include <RegistryKeyImpl.h>
+#include <System/RegistryKeyImpl.h>
 
 #include <ORLString.h>
 

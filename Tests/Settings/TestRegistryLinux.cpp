@@ -1,7 +1,7 @@
 #include "TestRegistry.h"
 
 #include <Linux/Settings/LinuxRegistryLocations.h>
-#include <Linux/Settings/LinuxRegistryStore.h>
+#include <Linux/Settings/Store/LinuxRegistryStore.h>
 #include <OwnUserStore.h>
 
 namespace ORLTest {

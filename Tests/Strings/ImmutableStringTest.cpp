@@ -2,8 +2,8 @@
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
-#include <ImmutableStringRecord.h>
-#include <ImmutableStringTable.h>
+#include <Strings/ImmutableStringRecord.h>
+#include <Strings/ImmutableStringTable.h>
 #include <ORLString.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <ORLLocale.h>
 
-#include <LocaleInternals.h>
+#include <Strings/LocaleInternals.h>
 #include <ORLString.h>
 #include <tvxcore/NumberPunctuation.h>
 

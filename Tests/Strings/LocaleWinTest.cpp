@@ -1,5 +1,5 @@
 // Tests the number format of Windows, as the library's locale reports it.
-#include <LocaleInternals.h>
+#include <Strings/LocaleInternals.h>
 #include <ORLString.h>
 
 #include <climits>

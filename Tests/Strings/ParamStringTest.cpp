@@ -1,6 +1,6 @@
 #include <ORLParamString.h>
 #include <ORLString.h>
-#include <Tokenizer.h>
+#include <Strings/Tokenizer.h>
 
 #include <gtest/gtest.h>
 #include <string>

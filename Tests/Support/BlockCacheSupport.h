@@ -3,7 +3,7 @@
 
 #include <FileSupport.h>
 
-#include <MemoryRecyclerLifecycle.h>
+#include <Memory/MemoryRecyclerLifecycle.h>
 
 #include <functional>
 #include <map>

@@ -2,7 +2,7 @@
 // algorithm.
 #pragma once
 
-#include <WaitableGateAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
 
 #include <cstdint>
 

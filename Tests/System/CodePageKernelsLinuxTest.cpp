@@ -2,7 +2,7 @@
 // end where readable memory ends, so that an access beyond either end faults.
 #include "CodePageSweep.h"
 
-#include <CodePageConversion.h>
+#include <System/CodePageConversion.h>
 #include <Linux/CodePages/LinuxCodePageKernels.h>
 
 #include <algorithm>

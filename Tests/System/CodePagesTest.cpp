@@ -3,8 +3,8 @@
 
 #include <CRV/Application.h>
 #include <CheckRecorder.h>
-#include <CodePageConversion.h>
-#include <LanguageInternals.h>
+#include <System/CodePageConversion.h>
+#include <System/LanguageInternals.h>
 #include <ORLHostSettings.h>
 #include <ORLString.h>
 #include <ORLStringUtils.h>

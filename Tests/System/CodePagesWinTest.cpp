@@ -1,7 +1,7 @@
 // Compares the library's conversions with those of Windows.
 #include "CodePageSweep.h"
 
-#include <CodePageConversion.h>
+#include <System/CodePageConversion.h>
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -2,7 +2,7 @@
 #include <PrivateHost.h>
 #include <TextHelpers.h>
 
-#include <LanguageInternals.h>
+#include <System/LanguageInternals.h>
 #include <ORLHostSettings.h>
 #include <ORLRegistryKey.h>
 #include <ORLString.h>

@@ -1,10 +1,10 @@
-#include <AsyncReadRequestBusyList.h>
+#include <Threads/AsyncReadRequestBusyList.h>
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
 #include <Stress.h>
-#include <WaitableGateAlgorithm.h>
-#include <WaitableGatePoolAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
+#include <Threads/WaitableGatePoolAlgorithm.h>
 
 #include <boost/thread/thread.hpp>
 

@@ -1,4 +1,4 @@
-#include <AsyncReadRequestPool.h>
+#include <Threads/AsyncReadRequestPool.h>
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>

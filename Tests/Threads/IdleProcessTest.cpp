@@ -2,7 +2,7 @@
 #include <ORLThreadedWorkQueue.h>
 
 #include <CheckRecorder.h>
-#include <CoreClock.h>
+#include <Executors/CoreClock.h>
 #include <QueueRequests.h>
 #include <Signals.h>
 

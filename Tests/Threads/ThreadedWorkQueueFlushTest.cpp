@@ -1,7 +1,7 @@
 #include <ORLThreadedWorkQueueFlush.h>
 
 #include <CheckRecorder.h>
-#include <CoreClock.h>
+#include <Executors/CoreClock.h>
 #include <ExpectReport.h>
 #include <ORLConstString.h>
 #include <Stress.h>

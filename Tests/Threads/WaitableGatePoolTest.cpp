@@ -3,8 +3,8 @@
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
 #include <Stress.h>
-#include <WaitableGateAlgorithm.h>
-#include <WaitableGatePoolAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
+#include <Threads/WaitableGatePoolAlgorithm.h>
 
 #include <gtest/gtest.h>
 

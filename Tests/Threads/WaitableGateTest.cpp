@@ -1,7 +1,7 @@
 #include <ORLWaitableGate.h>
 
 #include <Stress.h>
-#include <WaitableGateAlgorithm.h>
+#include <Threads/WaitableGateAlgorithm.h>
 
 #include <boost/thread/thread.hpp>
 

@@ -1,7 +1,7 @@
 // A folder with a list of checksums, made without the program under test.
 #pragma once
 
-#include <IngestTestSupport.h>
+#include "../Ingest/IngestTestSupport.h"
 #include <ProcessRunner.h>
 
 #include <filesystem>

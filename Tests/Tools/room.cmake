@@ -21,19 +21,6 @@ endif()
 # The commands shown in the documents are run and compared.
 target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
 
-# The parts of an ingest are also compiled into the tests, so that a test can act between two steps.
-file(GLOB ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp")
-list(FILTER ingest_files EXCLUDE REGEX "/Ingest/Ingest\\.cpp$") # the command line
-if(WIN32)
-  list(FILTER ingest_files EXCLUDE REGEX "/Linux[A-Za-z0-9]*\\.cpp$")
-  target_link_libraries(${room_target} PRIVATE bcrypt)
-else()
-  list(FILTER ingest_files EXCLUDE REGEX "/Win[A-Za-z0-9]*\\.cpp$")
-  find_package(OpenSSL REQUIRED COMPONENTS Crypto)
-  target_link_libraries(${room_target} PRIVATE OpenSSL::Crypto)
-endif()
-target_sources(${room_target} PRIVATE ${ingest_files})
-target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest")
 target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")
 
 # Pictures are decoded by an independent library: libpng, or GDI+ on Windows.

@@ -2,7 +2,7 @@
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>
-#include <Linux/LinuxErrors.h>
+#include <Linux/Calls/LinuxErrors.h>
 #include <Platform/SystemErrors.h>
 
 #include <algorithm>

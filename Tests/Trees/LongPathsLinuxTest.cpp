@@ -5,7 +5,7 @@
 #include <ORLDirectory.h>
 #include <ORLDiskUtils.h>
 #include <ORLPathUtils.h>
-#include <AsyncFileReaderImpl.h>
+#include <Files/AsyncFileReaderImpl.h>
 #include <Platform/File.h>
 #include <SystemProbes.h>
 

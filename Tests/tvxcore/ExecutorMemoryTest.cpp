@@ -1,6 +1,6 @@
 // Tests executors and repeated functions when memory runs out.
 #include <AllocationFaults.h>
-#include <CoreClock.h>
+#include <Executors/CoreClock.h>
 #include <Signals.h>
 #include <tvxcore/Executor.h>
 

@@ -1,10 +1,10 @@
 #include <CheckRecorder.h>
 #include <CurrentThread.h>
-#include <ExecutorCore.h>
+#include <Executors/ExecutorCore.h>
 #include <ExpectReport.h>
 #include <ProcessThreads.h>
 #include <Signals.h>
-#include <ThreadedExecutor.h>
+#include <Executors/ThreadedExecutor.h>
 #include <tvxcore/Executor.h>
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include <CheckRecorder.h>
-#include <CoreClock.h>
+#include <Executors/CoreClock.h>
 #include <ProcessThreads.h>
-#include <RepeatTimer.h>
+#include <Executors/RepeatTimer.h>
 #include <Signals.h>
 #include <tvxcore/Executor.h>
 

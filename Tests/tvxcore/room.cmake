@@ -1,10 +1,3 @@
-# ICU is the reference for conversion and folding.
-if(NOT WIN32)
-  target_link_libraries(${room_target} PRIVATE ${ORL_ICU})
-endif()
-
-target_compile_definitions(${room_target} PRIVATE TVX_UTF_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus/UtfFuzz")
-
 # Two plug-ins and a host across the boundary of the shared library; the room's own program links it statically.
 add_executable(test_tvxcore_borders tvxcore/Borders/BordersTest.cpp)
 target_link_libraries(test_tvxcore_borders PRIVATE orl_strict gtest gtest_main ${CMAKE_DL_LIBS})
@@ -30,12 +23,3 @@ target_link_libraries(tvxcore_exit_module PRIVATE tvxcore orl_strict)
 add_executable(tvxcore_exit_host tvxcore/Exit/Host.cpp)
 target_link_libraries(tvxcore_exit_host PRIVATE tvxcore_exit_module orl_strict)
 add_dependencies(${room_target} tvxcore_exit_host)
-
-# A plug-in that uses the shared library; the tests load and unload both.
-add_library(tvxcore_test_guest MODULE tvxcore/SmallBlockGuest.cpp)
-target_link_libraries(tvxcore_test_guest PRIVATE tvxcore orl_strict)
-set_target_properties(tvxcore_test_guest PROPERTIES PREFIX ""
-  LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
-add_dependencies(${room_target} tvxcore_test_guest)
-target_compile_definitions(${room_target} PRIVATE
-  $<IF:$<BOOL:${WIN32}>,TVXCORE_TEST_GUEST="tvxcore_test_guest.dll",TVXCORE_TEST_GUEST="$<TARGET_FILE:tvxcore_test_guest>">)

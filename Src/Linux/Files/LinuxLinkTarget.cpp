@@ -1,6 +1,6 @@
 #include "LinuxLinkTarget.h"
 
-#include "../SystemCalls.h"
+#include "../Calls/SystemCalls.h"
 
 #include <cerrno>
 

@@ -1,6 +1,6 @@
 #include "LinuxPageCache.h"
 
-#include "../SystemCalls.h"
+#include "../Calls/SystemCalls.h"
 
 namespace ORL {
 namespace Linux {

@@ -1,6 +1,6 @@
 #include <ORLCursor.h>
 
-#include "../SystemCalls.h"
+#include "../Calls/SystemCalls.h"
 
 #include <Platform/Cursors.h>
 

@@ -4,10 +4,10 @@
 #include "LinuxNativeBitmap.h"
 #include "LinuxPNG.h"
 
-#include "../LinuxDescriptor.h"
-#include "../LinuxHostPath.h"
+#include "../Files/LinuxDescriptor.h"
+#include "../Paths/LinuxHostPath.h"
 #include "../Modules/LinuxDataModule.h"
-#include "../SystemCalls.h"
+#include "../Calls/SystemCalls.h"
 
 #include <cstring>
 #include <new>

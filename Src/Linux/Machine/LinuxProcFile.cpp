@@ -1,6 +1,6 @@
 #include "LinuxProcFile.h"
 
-#include "../LinuxDescriptor.h"
+#include "../Files/LinuxDescriptor.h"
 
 #include <cerrno>
 #include <charconv>

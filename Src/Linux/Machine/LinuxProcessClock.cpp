@@ -1,6 +1,6 @@
 #include <Platform/ProcessClock.h>
 
-#include "../SystemCalls.h"
+#include "../Calls/SystemCalls.h"
 #include "LinuxProcFile.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include <Platform/Processes.h>
 
 #include "../Files/LinuxLinkTarget.h"
-#include "../LinuxErrors.h"
-#include "../LinuxNames.h"
-#include "../LinuxOpenFolder.h"
-#include "../SystemCalls.h"
+#include "../Calls/LinuxErrors.h"
+#include "../Paths/LinuxNames.h"
+#include "../Paths/LinuxOpenFolder.h"
+#include "../Calls/SystemCalls.h"
 #include "LinuxProcFile.h"
 
 #include <cerrno>

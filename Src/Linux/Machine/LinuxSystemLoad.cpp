@@ -1,12 +1,12 @@
 #include <Platform/SystemInfo.h>
 
-#include "../LinuxErrors.h"
+#include "../Calls/LinuxErrors.h"
 #include "LinuxProcFile.h"
 
-#include <Immortal.h>
+#include <Core/Immortal.h>
 
 #include <algorithm>
-#include <Mutex.h>
+#include <Platform/Mutex.h>
 
 namespace ORL {
 namespace SystemInfo {

@@ -1,7 +1,7 @@
 #include "LinuxDataModule.h"
 
-#include "../LinuxErrors.h"
-#include "../SystemCalls.h"
+#include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
 
 #include <cerrno>
 #include <limits>

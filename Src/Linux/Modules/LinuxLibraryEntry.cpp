@@ -1,7 +1,7 @@
 // Floor: System
 // The functions that the loader calls at load and unload. It calls OnUnload after all destructors that the program
 // registered while the library was loaded.
-#include <LibraryModule.h>
+#include <System/LibraryModule.h>
 #include <ORLResources.h>
 
 namespace ORL {

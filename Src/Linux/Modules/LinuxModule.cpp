@@ -6,11 +6,11 @@
 #include "LinuxUserLanguage.h"
 
 #include "../Files/LinuxLinkTarget.h"
-#include "../LinuxDescriptor.h"
-#include "../LinuxErrors.h"
-#include "../LinuxHostPath.h"
-#include "../LinuxNames.h"
-#include "../SystemCalls.h"
+#include "../Files/LinuxDescriptor.h"
+#include "../Calls/LinuxErrors.h"
+#include "../Paths/LinuxHostPath.h"
+#include "../Paths/LinuxNames.h"
+#include "../Calls/SystemCalls.h"
 
 #include <ORLHostPath.h>
 #include <algorithm>

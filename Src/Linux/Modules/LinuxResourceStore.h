@@ -8,7 +8,7 @@
 
 #include <map>
 #include <memory>
-#include <Mutex.h>
+#include <Platform/Mutex.h>
 
 namespace ORL {
 namespace Modules {

@@ -1,9 +1,9 @@
 // Implements the seam of the registry: selects the store of a handle, and converts std::bad_alloc to an error number.
 #include <Platform/Registry.h>
 
-#include "LinuxRegistryStore.h"
+#include "Store/LinuxRegistryStore.h"
 
-#include <Immortal.h>
+#include <Core/Immortal.h>
 
 #include <atomic>
 #include <new>

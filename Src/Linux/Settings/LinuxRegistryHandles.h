@@ -4,7 +4,7 @@
 // Not thread-safe; the store locks it.
 #pragma once
 
-#include "LinuxRegistryTree.h"
+#include "Store/LinuxRegistryTree.h"
 
 #include <Platform/Registry.h>
 

@@ -1,5 +1,5 @@
 // Opens, creates, deletes and lists the keys of a store.
-#include "LinuxRegistryStoreWork.h"
+#include "Store/LinuxRegistryStoreWork.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Reports the state of a store.
-#include "LinuxRegistryStoreWork.h"
+#include "Store/LinuxRegistryStoreWork.h"
 
-#include "LinuxRegistryFolder.h"
+#include "Store/LinuxRegistryFolder.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Reads and writes the values of a store.
-#include "LinuxRegistryStoreWork.h"
+#include "Store/LinuxRegistryStoreWork.h"
 
 #include <algorithm>
 #include <cstring>

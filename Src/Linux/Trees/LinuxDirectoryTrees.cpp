@@ -1,8 +1,8 @@
 // The shell's file operation on the contents of a folder.
 #include <Platform/Directory.h>
 
-#include "../LinuxErrors.h"
-#include "../LinuxHostPath.h"
+#include "../Calls/LinuxErrors.h"
+#include "../Paths/LinuxHostPath.h"
 #include "LinuxTree.h"
 
 #include <Platform/Paths.h>

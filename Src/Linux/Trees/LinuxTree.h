@@ -8,7 +8,7 @@
 // an errno and may throw std::bad_alloc.
 #pragma once
 
-#include "../LinuxOpenFolder.h"
+#include "../Paths/LinuxOpenFolder.h"
 #include "LinuxTreeEntryShare.h"
 
 #include <string>

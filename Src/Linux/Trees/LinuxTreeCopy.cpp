@@ -1,6 +1,6 @@
 #include "../Files/LinuxLinkTarget.h"
-#include "../LinuxCopyBytes.h"
-#include "../LinuxTemporaryName.h"
+#include "../Files/LinuxCopyBytes.h"
+#include "../Files/LinuxTemporaryName.h"
 #include "LinuxTree.h"
 #include "LinuxTreePath.h"
 

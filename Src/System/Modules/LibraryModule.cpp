@@ -1,6 +1,6 @@
-#include <LibraryModule.h>
+#include <System/LibraryModule.h>
 
-#include <Immortal.h>
+#include <Core/Immortal.h>
 #include <ORLDebug.h>
 
 #include <new>

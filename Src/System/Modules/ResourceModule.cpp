@@ -1,6 +1,6 @@
 #include <ORLModule.h>
 
-#include <UntilUnload.h>
+#include <Core/UntilUnload.h>
 
 namespace ORL {
 

@@ -1,6 +1,6 @@
 #include <Platform/SystemMessages.h>
 
-#include "../WinText.h"
+#include "../Calls/WinText.h"
 
 #include <memory>
 #include <windows.h>

@@ -1,6 +1,6 @@
 #include <Platform/Images.h>
 
-#include "../WinText.h"
+#include "../Calls/WinText.h"
 
 #include <algorithm>
 #include <cstring>

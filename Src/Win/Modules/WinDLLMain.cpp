@@ -1,6 +1,6 @@
 // Floor: System
 // The entry point that the loader calls.
-#include <LibraryModule.h>
+#include <System/LibraryModule.h>
 
 #include <windows.h>
 

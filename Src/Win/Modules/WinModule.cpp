@@ -1,6 +1,6 @@
 #include <Platform/Modules.h>
 
-#include "../WinText.h"
+#include "../Calls/WinText.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include <Platform/Registry.h>
 
-#include "../WinText.h"
+#include "../Calls/WinText.h"
 
 #include <windows.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "IngestDestinations.h"
-#include "IngestListing.h"
+#include "Plan/IngestListing.h"
 
 #include <cstddef>
 #include <functional>

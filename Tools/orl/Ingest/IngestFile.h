@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Failure.h"
-#include "IngestManifest.h"
-#include "IngestPlan.h"
-#include "IngestRecord.h"
+#include "Record/IngestManifest.h"
+#include "Plan/IngestPlan.h"
+#include "Record/IngestRecord.h"
 #include "IngestSharedSource.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Waits until ingested files and their names are on disk.
 #pragma once
 
-#include "IngestRoots.h"
+#include "Plan/IngestRoots.h"
 
 #include <string>
 #include <vector>

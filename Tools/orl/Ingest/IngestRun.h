@@ -2,8 +2,8 @@
 #pragma once
 
 #include "IngestFile.h"
-#include "IngestManifest.h"
-#include "IngestPlan.h"
+#include "Record/IngestManifest.h"
+#include "Plan/IngestPlan.h"
 
 #include <cstdint>
 #include <functional>

@@ -3,7 +3,7 @@
 // Lock order, outermost first: shared cache, pool, store of a class, clusters, ledger.
 #pragma once
 
-#include <CoreMutex.h>
+#include <Executors/CoreMutex.h>
 
 namespace tvxcore {
 namespace utility {

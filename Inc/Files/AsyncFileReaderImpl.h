@@ -1,0 +1,57 @@
+// The implementation of AsyncFileReader: the record of a reader, the record of a read, start and stop of asynchronous
+// reads.
+#pragma once
+
+#include <ORLAsyncFileReader.h>
+#include <ORLImpl.h>
+#include <ORLResult.h>
+
+#include <Threads/AsyncReadRequestBusyList.h>
+#include <Threads/AsyncReadRequestPool.h>
+#include <Platform/AsyncFiles.h>
+
+#include <cstdint>
+
+namespace ORL {
+
+/// Creates the completion port, the completion thread and the executor that starts reads. Fires an input contract if
+/// they already exist. If creating the executor throws, everything is undone.
+void StartupAsyncFileOperations();
+
+/// Stops and destroys the port, the thread and the executor. Callbacks of completions that are already queued at the
+/// port still run. Close all readers first: reads still in flight are not reported.
+void TerminateAsyncFileOperations();
+
+struct AsyncReadRequest;
+using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
+
+/// One read, from QueueReadRequest until its callback has returned.
+struct AsyncReadRequest
+{
+    AsyncFiles::Platform::Overlapped mOverlapped; // must be first: the port's pointer is cast to the request
+    std::uint64_t mFilePosition;
+    std::uint32_t mSize;
+    void* mBuffer; // owned by the caller
+    std::uint32_t mReserved;
+    AsyncFileReader::ReadCallback mCallback; // may be null
+    void* mUserData1;
+    void* mUserData2;
+    void* mUserData3;
+    Result mResult; // kSuccess unless the read failed to start
+    AsyncFileReader* mReader;
+    AsyncReadBusyRequests* mBusyRequests; // the list that holds this request
+};
+
+struct ORL_LOCAL AsyncFileReader::PrivateImpl : Impl
+{
+    ~PrivateImpl() override;
+
+    AsyncFiles::Platform::Handle mFileHandle = AsyncFiles::Platform::InvalidHandle();
+    AsyncReadBusyRequests mBusyRequests;
+};
+
+/// The pool of the process, with 2048 records.
+using AsyncReadRequests = AsyncReadRequestPool<AsyncReadRequest, 2048>;
+AsyncReadRequests& TheAsyncReadRequests();
+
+} // namespace ORL

@@ -1,0 +1,13 @@
+// The factory that the host has set. The lock of the library's start and stop guards it.
+#pragma once
+
+#include <ORLFile.h>
+
+namespace ORL {
+namespace Foundation {
+
+/// Returns a counted copy, or null if none is set. Takes the foundation lock.
+InterfaceRef<IFileBufferFactory, IFileBufferFactory> GetFileBufferFactory();
+
+} // namespace Foundation
+} // namespace ORL

@@ -1,0 +1,28 @@
+// The size from which a buffer is large, and the rounding of large sizes, so that similar sizes share pool entries.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+
+namespace ORL {
+
+inline constexpr std::size_t kLargeBuffer = 8192;
+inline constexpr std::size_t kCoarselyRoundedBuffer = 1048576;
+
+constexpr bool IsLargeBuffer(std::size_t inSize)
+{
+    return inSize >= kLargeBuffer;
+}
+
+/// inSize must be large. A size too near to the end of the address space to be rounded is returned unchanged: an
+/// allocation of that size always fails.
+constexpr std::size_t RoundBufferSize(std::size_t inSize)
+{
+    const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // powers of two
+    if (inSize > (std::numeric_limits<std::size_t>::max)() - (step - 1)) {
+        return inSize;
+    }
+    return (inSize + step - 1) & ~(step - 1);
+}
+
+} // namespace ORL

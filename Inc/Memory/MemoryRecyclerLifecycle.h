@@ -1,0 +1,12 @@
+// Start and stop of the process's memory recycler. Both run under the foundation lock.
+#pragma once
+
+namespace ORL {
+
+/// Creates the pool, which replaces any earlier one. Throws std::bad_alloc.
+void CreateMemoryRecycler();
+
+/// Releases the library's reference to the pool. Copies of it keep the pool alive.
+void DropMemoryRecycler();
+
+} // namespace ORL

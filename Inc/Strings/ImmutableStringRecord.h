@@ -1,0 +1,49 @@
+// The shared record of one interned text.
+#pragma once
+
+#include <ORLAtomic.h>
+#include <ORLDebug.h>
+#include <ORLImmutableString.h>
+
+namespace ORL {
+
+class ImmutableString::InternalRepresentation
+{
+public:
+    /// A static record, or a search key. Null creates the empty text.
+    explicit InternalRepresentation(const unsigned char* inStaticText) : mStaticText(inStaticText) {}
+
+    /// A dynamic record of a text that is not null.
+    struct Dynamic
+    {
+    };
+    InternalRepresentation(const unsigned char* inText, Dynamic) : mStaticText(nullptr), mDynamicText(inText) {}
+
+    InternalRepresentation(const InternalRepresentation&) = delete;
+    InternalRepresentation& operator=(const InternalRepresentation&) = delete;
+
+    void AddRef() { AtomicIncrement(mReferenceCount); }
+
+    /// Never deletes, even at zero: the record stays in the table and may be found again.
+    void RemoveRef()
+    {
+        ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,
+                      "ORL::ImmutableString::InternalRepresentation::RemoveRef");
+        AtomicDecrement(mReferenceCount);
+    }
+
+    AtomicValue CountOfHandles() { return AtomicRead(mReferenceCount); }
+    bool IsStatic() const { return mStaticText != nullptr; }
+    const unsigned char* Text() const { return mStaticText != nullptr ? mStaticText : mDynamicText.c_str(); }
+    const UTF8String& DynamicText() const { return mDynamicText; }
+
+private:
+    AtomicValue mReferenceCount = 0; // handles; the table's entry does not count
+    const unsigned char* mStaticText; // owned by the caller; null in a dynamic record
+    UTF8String mDynamicText;          // the copy, empty in a static record
+};
+
+/// Returns -1, 0 or 1 by the bytes as unsigned values up to the first zero.
+int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight);
+
+} // namespace ORL

@@ -1,0 +1,131 @@
+// The process's table of interned texts.
+#pragma once
+
+#include <Strings/ImmutableStringRecord.h>
+#include <ORLCriticalSection.h>
+#include <Strings/ReaderSlots.h>
+#include <tvxcore/SmallBlockAllocator.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <set>
+
+namespace ORL {
+
+/// An ordered set of records, with a hash index that finds texts without a search of the set: with a million texts the
+/// search costs twenty cache misses, the index one or two.
+///
+/// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only read
+/// access (ReaderSlots). The table excludes readers before it frees a record or index entry that they may access. So
+/// only a thread that holds the guard can find a record whose count is 0 again, and a purge reads the counts while no
+/// reader can find the records.
+class ImmutableStringTable
+{
+public:
+    using Record = ImmutableString::InternalRepresentation;
+
+    /// The guard lives as long as the table.
+    explicit ImmutableStringTable(const CriticalSection& inGuard) : mGuard(inGuard) {}
+
+    /// Frees all records, even those with handles. Never runs for the process's own table.
+    ~ImmutableStringTable();
+
+    ImmutableStringTable(const ImmutableStringTable&) = delete;
+    ImmutableStringTable& operator=(const ImmutableStringTable&) = delete;
+
+    /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. May throw
+    /// std::bad_alloc; in that case nothing has changed.
+    Record* Enter(const unsigned char* inText, bool inIsStatic);
+
+    /// Removes the dynamic records without handles. Returns whether it removed any.
+    bool Purge();
+
+    /// For process exit and unload: frees the records without handles, static ones too, and the index if no record is
+    /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
+    /// since the guard may belong to a thread that the system has stopped: if the table is in use, frees nothing. On
+    /// unload the table is not in use.
+    void FreeUnreferenced();
+
+    /// Returns the number of records in the table.
+    std::size_t GetCount() const;
+
+    /// Returns the process's table; the first call creates it.
+    static ImmutableStringTable& Get();
+
+private:
+    struct ByText
+    {
+        bool operator()(const Record* inLeft, const Record* inRight) const
+        {
+            return CompareBytes(inLeft->Text(), inRight->Text()) < 0;
+        }
+    };
+
+    template <class T>
+    using SmallBlocks = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
+    using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
+
+    /// A text to search for.
+    struct Key
+    {
+        const unsigned char* mText;
+        std::size_t mSize;
+        std::uint64_t mHash;
+    };
+
+    /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use. It
+    /// holds the text's address, so that a hit need not access the record. The size is half a cache line; a search
+    /// begins at the first of the two slots of a line.
+    struct alignas(32) Slot
+    {
+        const unsigned char* mText;
+        std::size_t mSize;
+        std::atomic<std::uint64_t> mHash; // may be read before mRecord
+        std::atomic<Record*> mRecord;     // null in a free slot; stored last: publishes the other fields
+    };
+
+    /// The slots, in whole pages from the system: initially zero, and large tables may get huge pages.
+    class Slots
+    {
+    public:
+        Slots() = default;
+        explicit Slots(std::size_t inCount);
+        ~Slots();
+        Slots(const Slots&) = delete;
+        Slots& operator=(const Slots&) = delete;
+
+        void Swap(Slots& ioOther) noexcept;
+        std::size_t Count() const noexcept { return mCount; }
+        Slot& operator[](std::size_t inAt) const noexcept { return mSlots[inAt]; }
+        Slot* begin() const noexcept { return mSlots; }
+        Slot* end() const noexcept { return mSlots + mCount; }
+
+    private:
+        Slot* mSlots = nullptr;
+        std::size_t mCount = 0;
+    };
+
+    static Key KeyOf(const unsigned char* inText);
+    static std::size_t FirstSlotOf(const Slots& inIndex, std::uint64_t inHash);
+    static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
+    static void FreeRecord(Record* inRecord);
+
+    Record* EnterAsReader(const Key& inKey);
+    Record* EnterUnderGuard(const Key& inKey, bool inIsStatic);
+    Record* Find(const Key& inKey) const;
+    Record* FindFrom(std::size_t inAt, const Key& inKey) const;
+    static Record* RecordAt(const Slot& inSlot, const Key& inKey);
+    Record* Add(const Key& inKey, bool inIsStatic) TVXCORE_REQUIRES(mGuard);
+    void GrowIndexIfNeeded() TVXCORE_REQUIRES(mGuard);
+    static void AddToIndex(const Slots& ioIndex, Record* inRecord, const Key& inKey);
+    bool RemoveUnused(bool inStaticToo) TVXCORE_REQUIRES(mGuard);
+    void RebuildIndex() TVXCORE_REQUIRES(mGuard);
+
+    const CriticalSection& mGuard;
+    Records mRecords TVXCORE_GUARDED_BY(mGuard);
+    Slots mIndex; // changed under the guard; visits may read its slots
+    ReaderSlots mReaders;
+};
+
+} // namespace ORL

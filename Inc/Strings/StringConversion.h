@@ -1,0 +1,14 @@
+// Shared by the string conversions.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace ORL {
+namespace Internal {
+
+/// Returns the UTF-8 of inLength units, zero units included.
+std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength);
+
+} // namespace Internal
+} // namespace ORL

@@ -1,0 +1,41 @@
+// Splits a text at a separator, token by token.
+#pragma once
+
+#include <tvxcore/String.h>
+#include <tvxcore/Types.h>
+
+#include <utility>
+
+namespace ORL {
+
+class Tokenizer
+{
+public:
+    /// inText is not owned and must outlive the tokeniser. With inSkipRuns a run of separators counts as one.
+    Tokenizer(const UTF16String& inText, UTF16String inSeparator, bool inSkipRuns)
+        : mText(&inText), mSeparator(std::move(inSeparator)), mPosition(0), mSkipRuns(inSkipRuns)
+    {
+    }
+
+    /// Returns the next token: empty if none is left, and between two adjacent separators.
+    UTF16String Next();
+
+    /// Same as Next, as a view of the text.
+    struct Token
+    {
+        const unsigned short* mBegin;
+        UTF16String::size_type mSize;
+    };
+    Token NextToken();
+
+private:
+    /// Skips the rest of a run of separators.
+    void SkipRun();
+
+    const UTF16String* mText;
+    UTF16String mSeparator;
+    unsigned __int64 mPosition; // start of the next token; npos if none is left
+    bool mSkipRuns;
+};
+
+} // namespace ORL

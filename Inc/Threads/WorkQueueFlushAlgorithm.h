@@ -1,0 +1,100 @@
+// The rendezvous by which a flush detects that every thread of a queue has finished all earlier requests.
+#pragma once
+
+#include <Sync/Policy.h>
+#include <Threads/WaitableGateAlgorithm.h>
+
+#include <cstdint>
+
+namespace ORL {
+namespace Sync {
+
+/// Works on any type with the rendezvous fields of ThreadedWorkQueueFlush whose types are those of the policy.
+///
+/// A thread of the queue takes a function only after it has finished the previous one, and functions start in the order
+/// in which they were queued. So when one item for each thread is in Process, every thread has taken one, and
+/// everything queued before them has returned. The items wait for each other at the arrival gate; the flush waits until
+/// all have left.
+template <class Policy>
+class WorkQueueFlushAlgorithm
+{
+public:
+    /// The value of mArrivalsLeft while no flush has claimed the object: -1.
+    static constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
+
+    /// Waits until the object is free and claims it for a flush of inThreads items. Closes both gates.
+    template <class Flush>
+    static void Claim(Flush& ioFlush, std::uint32_t inThreads)
+    {
+        for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
+            GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
+            // Between the claim of another flush and its closing of the gate, the gate is still open, so Wait returns
+            // at once. Threads that retry without a pause would take the processors from that flush and from its items.
+            if (Policy::Executes(Step::kFlushYields)) {
+                Policy::YieldOrSleep(turn);
+            }
+        }
+        // The object becomes claimable before the previous flush is over: its items may still be leaving.
+        if (Policy::Executes(Step::kFlushWaitsForPrevious)) {
+            WaitForAll(ioFlush);
+        }
+        ioFlush.mArrivalGate.Close();
+        Policy::Exchange(ioFlush.mDeparturesLeft, inThreads);
+        ioFlush.mDepartureGate.Close();
+    }
+
+    /// Called by each item, on its thread.
+    template <class Flush>
+    static void Process(Flush& ioFlush)
+    {
+        if (!Arrive(ioFlush)) {
+            GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
+        }
+        Depart(ioFlush);
+    }
+
+    /// Replaces an item that could not be queued, so that the others do not wait for it.
+    template <class Flush>
+    static void CountMissingItem(Flush& ioFlush)
+    {
+        Arrive(ioFlush);
+        Depart(ioFlush);
+    }
+
+    /// Returns when all items have arrived and left.
+    template <class Flush>
+    static void WaitForAll(Flush& ioFlush)
+    {
+        GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
+        GateAlgorithm::WaitWithLongSpin(ioFlush.mDepartureGate);
+    }
+
+private:
+    // A flush of an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty microseconds or
+    // more, in the caller and in a thread of the queue, which spins only for a limited time before it sleeps.
+    using GateAlgorithm = WaitableGateAlgorithm<Policy>;
+
+    // Returns true for the last arrival. It makes the object claimable before it opens the gate, so that a waiting
+    // flush can claim the object as soon as the gate is open.
+    template <class Flush>
+    static bool Arrive(Flush& ioFlush)
+    {
+        if (Policy::Decrement(ioFlush.mArrivalsLeft) != 0) {
+            return false;
+        }
+        Policy::Exchange(ioFlush.mArrivalsLeft, kUnclaimed);
+        ioFlush.mArrivalGate.Open();
+        return true;
+    }
+
+    template <class Flush>
+    static void Depart(Flush& ioFlush)
+    {
+        if (Policy::Decrement(ioFlush.mDeparturesLeft) == 0) {
+            ioFlush.mDepartureGate.Open();
+        }
+    }
+};
+
+} // namespace Sync
+} // namespace ORL

@@ -1,0 +1,32 @@
+// The state that all readers of the process share: one port, one thread that drains it, one executor that starts reads.
+#pragma once
+
+#include <Files/AsyncFileReaderImpl.h>
+
+#include <tvxcore/Executor.h>
+
+#include <boost/shared_ptr.hpp>
+
+namespace ORL {
+namespace AsyncFiles {
+
+/// Null while asynchronous reads are not started.
+extern Platform::Handle sCompletionPort;
+
+/// Starts every read on its one thread. Empty while asynchronous reads are not started.
+extern boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue;
+
+/// The start of one read, as queued in the executor: small enough that a boost::function stores it without allocating.
+struct ReadStart
+{
+    Platform::Handle mFile;
+    AsyncReadRequest* mRequest;
+
+    void operator()() const;
+};
+
+/// Must be called for each ReadStart, after the executor has accepted it.
+void CountQueuedStart();
+
+} // namespace AsyncFiles
+} // namespace ORL

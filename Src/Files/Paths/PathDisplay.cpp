@@ -1,0 +1,91 @@
+// Paths as the shell displays them to a user.
+#include <Files/PathForms.h>
+#include <Platform/Paths.h>
+
+#include <ORLPathUtils.h>
+#include <algorithm>
+#include <utility>
+
+namespace ORL {
+namespace PathUtils {
+
+namespace {
+
+// The shell is not called for paths of this length or more: its objects accept only plain paths of limited length.
+constexpr std::size_t kTooLongForShell = 261;
+
+UTF16String DetachAll(UTF16String& ioPath)
+{
+    UTF16String whole;
+    whole.swap(ioPath);
+    return whole;
+}
+
+// Returns the plain leaf of a path that the shell does not accept, and removes it from ioPath. A path that ends in a
+// backslash is returned whole and not changed.
+UTF16String DetachLeaf(UTF16String& ioPath)
+{
+    const std::size_t backslash = ioPath.rfind('\\');
+    if (backslash == UTF16String::npos || backslash + 1 == ioPath.size()) {
+        return ioPath;
+    }
+    UTF16String leaf(ioPath, backslash + 1);
+    ioPath.resize(backslash);
+    return leaf;
+}
+
+// Returns true for \\server\share and for shorter paths of this kind.
+bool IsShareOrServer(const UTF16String& inPath)
+{
+    return inPath.compare(0, 2, TVX_UTF16("\\\\")) == 0 && std::count(inPath.begin(), inPath.end(), '\\') < 4;
+}
+
+} // namespace
+
+UTF16String GetLeafDisplayName(UTF16String& ioPath)
+{
+    if (ioPath.size() >= kTooLongForShell) {
+        return DetachLeaf(ioPath);
+    }
+    const std::size_t backslash = ioPath.rfind('\\');
+    if (ioPath.size() < 4 || IsShareOrServer(ioPath) || backslash == UTF16String::npos) {
+        return DetachAll(ioPath);
+    }
+    UTF16String name(ioPath, backslash + 1);
+    const UTF16String whole = ioPath;
+    ioPath.resize(backslash);
+    // If the shell fails, name stays the plain leaf.
+    Platform::GetShellName_Impl(whole, name);
+    return name;
+}
+
+UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath)
+{
+    if (!IsNormalizedPath(inPath)) {
+        return inPath;
+    }
+    UTF16String path = Win::StripUNC(inPath);
+    return GetLeafDisplayName(path);
+}
+
+UTF16String GetDisplayStringFromPath(const UTF16String& inPath)
+{
+    if (!IsNormalizedPath(inPath)) {
+        return inPath;
+    }
+    UTF16String path = RemoveTrailingSlash(Win::StripUNC(inPath));
+    UTF16String display;
+    while (!path.empty()) {
+        const std::size_t size = path.size();
+        UTF16String name = GetLeafDisplayName(path);
+        if (path.size() == size) {
+            // A long path that ends in a backslash has been returned whole; its parents are not displayed.
+            path.clear();
+        }
+        display = display.empty() ? std::move(name) : name + UTF16String(1, '\\') + display;
+    }
+    return display;
+}
+
+} // namespace PathUtils
+} // namespace ORL

@@ -1,0 +1,110 @@
+// The two implementations of a completion port: a ring of the kernel, and threads that read.
+#pragma once
+
+#include "../Files/LinuxShareModes.h"
+
+#include <Platform/AsyncFiles.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace ORL {
+namespace Linux {
+
+struct AsyncFile;
+
+/// One read, from its start to its completion. mOverlapped contains its position in the file.
+struct ReadRequest
+{
+    AsyncFile* mFile;
+    void* mBuffer;
+    std::uint32_t mSize;
+    AsyncFiles::Platform::Overlapped* mOverlapped;
+};
+
+inline std::uint64_t PositionOf(const AsyncFiles::Platform::Overlapped& inOverlapped)
+{
+    return std::uint64_t{inOverlapped.mPositionHigh} << 32 | inOverlapped.mPositionLow;
+}
+
+/// A port of completions. One thread starts reads, any thread may post packets, and one thread gets the completions.
+class CompletionPort
+{
+public:
+    virtual ~CompletionPort() = default;
+
+    /// Makes Get return false from now on. A thread that is inside Get returns immediately or with the next completion.
+    virtual void Close() = 0;
+
+    /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
+    virtual SystemError Start(const ReadRequest& inRequest) = 0;
+
+    /// Submits the reads held back. Returns how many of the newest reads the system refused, with the reason in
+    /// outError.
+    virtual std::size_t Submit(SystemError& outError) = 0;
+
+    /// Returns false if the system refuses the packet.
+    virtual bool PostEmptyPacket() = 0;
+
+    /// Waits for the next packet. Returns false for a failed read, and with a null read if the port itself has failed.
+    virtual bool Get(AsyncFiles::Platform::Completion& outCompletion) = 0;
+
+    virtual const char* Describe() const = 0;
+};
+
+/// The open ports of the process, by handle. The handle of a closed port is never valid again: a thread that still has
+/// it finds no port. Thread-safe.
+class OpenPorts
+{
+public:
+    /// Throws std::bad_alloc.
+    static AsyncFiles::Platform::Handle Add(const std::shared_ptr<CompletionPort>& inPort);
+
+    /// Returns null for a handle without a port.
+    static std::shared_ptr<CompletionPort> Find(AsyncFiles::Platform::Handle inHandle);
+
+    static std::shared_ptr<CompletionPort> Remove(AsyncFiles::Platform::Handle inHandle);
+};
+
+/// A file opened for asynchronous reads. It keeps its port alive.
+struct AsyncFile
+{
+    ShareHolder mShares;           // owns the file, and registers the reader with the share modes
+    bool mIsRegular = false;       // the end of the file is checked, except for block devices
+    bool mUsesCache = false;
+    std::uint32_t mAlignment = 0;
+    std::shared_ptr<CompletionPort> mPort;
+
+    int File() const noexcept { return mShares.File(); }
+};
+
+/// Creates a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
+/// outError as an errno. Throws std::bad_alloc.
+std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
+
+/// Creates a port over a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0 if
+/// no ring was requested. Throws std::bad_alloc.
+std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
+
+/// Decides whether to repeat a system call that was interrupted or failed because of a temporary shortage.
+class Retries
+{
+public:
+    /// Returns true if the caller should repeat a call that failed with this errno. May wait briefly before it returns.
+    bool IsWorthwhile(int inErrno);
+
+private:
+    int mLeft = 2000; // tries, one millisecond apart
+};
+
+/// Reads on the calling thread. Returns the bytes read, or an errno negated.
+std::int64_t ReadNow(const ReadRequest& inRequest);
+
+/// Fills outCompletion for a completed read. inReturned is the number of bytes, or an errno negated. Returns false for
+/// a failed read.
+bool CompleteRead(const AsyncFile& inFile, AsyncFiles::Platform::Overlapped& inOverlapped, std::int64_t inReturned,
+                  AsyncFiles::Platform::Completion& outCompletion);
+
+} // namespace Linux
+} // namespace ORL

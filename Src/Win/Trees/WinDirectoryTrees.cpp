@@ -1,0 +1,31 @@
+// The shell's file operation on the contents of a directory.
+#include <Platform/Directory.h>
+
+#include "../Calls/WinText.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace ORL {
+namespace Directories {
+namespace Platform {
+
+using ORL::Win::AsWide;
+
+// The shell reads lists of names: each name has a terminator, and one more follows the last.
+unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
+{
+    const UTF16String from = inFrom + UTF16String(1, 0);
+    const UTF16String to = inTo != nullptr ? *inTo + UTF16String(1, 0) : UTF16String();
+    SHFILEOPSTRUCTW operation{};
+    operation.wFunc = static_cast<UINT>(inFunction);
+    operation.pFrom = AsWide(from.c_str());
+    operation.pTo = inTo != nullptr ? AsWide(to.c_str()) : nullptr;
+    operation.fFlags = FOF_NOCONFIRMATION | FOF_SIMPLEPROGRESS | FOF_NOCONFIRMMKDIR;
+    return static_cast<unsigned long>(::SHFileOperationW(&operation));
+}
+
+} // namespace Platform
+} // namespace Directories
+} // namespace ORL

@@ -1,0 +1,22 @@
+# The tests run the program that is built beside them.
+add_dependencies(${room_target} orl)
+if(TARGET run_restricted)
+  add_dependencies(${room_target} run_restricted)
+endif()
+
+set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
+
+# The parts of an ingest are also compiled into the tests, so that a test can act between two steps.
+file(GLOB_RECURSE ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp")
+list(FILTER ingest_files EXCLUDE REGEX "/Ingest/Ingest\\.cpp$") # the command line
+if(WIN32)
+  list(FILTER ingest_files EXCLUDE REGEX "/Linux[A-Za-z0-9]*\\.cpp$")
+  target_link_libraries(${room_target} PRIVATE bcrypt)
+else()
+  list(FILTER ingest_files EXCLUDE REGEX "/Win[A-Za-z0-9]*\\.cpp$")
+  find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+  target_link_libraries(${room_target} PRIVATE OpenSSL::Crypto)
+endif()
+target_sources(${room_target} PRIVATE ${ingest_files})
+target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest"
+  "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")

@@ -1,0 +1,502 @@
+#include "TimecodeTestSupport.h"
+#include <ExpectReport.h>
+
+#include <Media/TimecodeFormats.h>
+
+#include <limits>
+#include <type_traits>
+
+using namespace ORLTest;
+using ORL::TimecodeLocal::GetFrameRateForDisplayMode;
+
+namespace {
+
+constexpr char kConstructorContract[] =
+    "((inFrameRate <= tvxmediatypes::kFrameRate_Video1000) && (inTimeDisplay >= "
+    "tvxmediatypes::kTimeDisplay_24Timecode) && (inTimeDisplay <= tvxmediatypes::kTimeDisplay_35mmFeetFrames)) || "
+    "((inFrameRate >= tvxmediatypes::FrameRate(1000.0)) && (inFrameRate <= tvxmediatypes::kFrameRate_Audio192000) )";
+constexpr char kSetFormatContract[] =
+    "((inFrameRate <= tvxmediatypes::kFrameRate_Video1000) && (inTimeDisplay >= "
+    "tvxmediatypes::kTimeDisplay_24Timecode) && (inTimeDisplay <= tvxmediatypes::kTimeDisplay_35mmFeetFrames)) || "
+    "((inFrameRate >= tvxmediatypes::FrameRate(1000.0)) && (inFrameRate <= tvxmediatypes::kFrameRate_Audio192000) && "
+    "(inTimeDisplay >= tvxmediatypes::kTimeDisplay_AudioSamplesTimecode) && (inTimeDisplay <= "
+    "tvxmediatypes::kTimeDisplay_AudioMsTimecode))";
+constexpr char kZeroRateContract[] = "inFrameRate != tvxmediatypes::kFrameRate_Zero";
+
+constexpr TimeDisplay kUnknownDisplay = static_cast<TimeDisplay>(300);
+
+void ExpectOneContract(const CheckRecorder& inRecorder, const char* inExpression, int inLine)
+{
+    const auto contracts = inRecorder.Reports(CheckReport::kContract);
+    ASSERT_EQ(1u, contracts.size()) << "row at line " << inLine;
+    EXPECT_EQ(inExpression, contracts[0].mExpression) << "row at line " << inLine;
+    EXPECT_EQ("Timecode", contracts[0].mFile) << "row at line " << inLine;
+    const auto errors = inRecorder.Reports(CheckReport::kError);
+    ASSERT_EQ(1u, errors.size()) << "row at line " << inLine;
+    ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25).Package(105u);
+}
+
+} // namespace
+
+static_assert(std::is_same<decltype(Timecode::Style::mHoursMode), int>::value, "the hours mode has 32 bits");
+
+TEST(TimecodeStyle, Default_WritesHoursWithZerosAndNoSign)
+{
+    const Timecode::Style style;
+    EXPECT_EQ(1, style.mHoursMode);
+    EXPECT_FALSE(style.mNoLeadingZeros);
+    EXPECT_FALSE(style.mShowSign);
+    EXPECT_FALSE(style.mPreviousFrame);
+}
+
+TEST(Timecode, Default_IsZeroInNTSCDropFrame)
+{
+    CheckRecorder recorder;
+    const Timecode code;
+    EXPECT_EQ(kTime_Zero, code.GetTime());
+    EXPECT_EQ(kFrameRate_VideoNTSC, code.GetFrameRate());
+    EXPECT_EQ(kTimeDisplay_2997DropTimecode, code.GetFormat());
+    EXPECT_EQ(1, code.GetStyle().mHoursMode);
+    EXPECT_EQ("00;00;00;00", Narrow(code.GetString()));
+    EXPECT_TRUE(recorder.Reports().empty());
+}
+
+TEST(Timecode, FromThreeArguments_HasTheDefaultStyle)
+{
+    const Timecode code(TickTime(1.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode);
+    EXPECT_EQ(1, code.GetStyle().mHoursMode);
+    EXPECT_FALSE(code.GetStyle().mShowSign);
+    EXPECT_EQ("00:00:01:00", Narrow(code.GetString()));
+}
+
+TEST(Timecode, GetFrameRate_AnswersTheRateThatWasPassedAlsoWhereTheFormatFixesAnother)
+{
+    const Timecode code(Frames(1800, kFrameRate_VideoNTSC), kFrameRate_VideoPAL, kTimeDisplay_2997DropTimecode);
+    EXPECT_EQ(kFrameRate_VideoPAL, code.GetFrameRate());
+    EXPECT_EQ("00;01;00;02", Narrow(code.GetString())) << "computed at the NTSC rate";
+}
+
+TEST(Timecode, GetFrameRateForDisplayMode_FollowsTheTableOfFormats)
+{
+    struct Row
+    {
+        int mLine;
+        TimeDisplay mDisplay;
+        FrameRate mRate;
+    };
+    const FrameRate own(44100.0);
+    const Row rows[] = {
+        {__LINE__, kTimeDisplay_24Timecode, kFrameRate_Film24},
+        {__LINE__, kTimeDisplay_25Timecode, kFrameRate_VideoPAL},
+        {__LINE__, kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC},
+        {__LINE__, kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoNTSC},
+        {__LINE__, kTimeDisplay_30Timecode, kFrameRate_Video30},
+        {__LINE__, kTimeDisplay_50Timecode, kFrameRate_VideoPAL_HD},
+        {__LINE__, kTimeDisplay_5994DropTimecode, kFrameRate_VideoNTSC_HD},
+        {__LINE__, kTimeDisplay_5994NonDropTimecode, kFrameRate_VideoNTSC_HD},
+        {__LINE__, kTimeDisplay_60Timecode, kFrameRate_Video60},
+        {__LINE__, kTimeDisplay_Frames, own},
+        {__LINE__, kTimeDisplay_23976Timecode, kFrameRate_23976},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, own},
+        {__LINE__, kTimeDisplay_35mmFeetFrames, own},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, own},
+        {__LINE__, kTimeDisplay_AudioMsTimecode, FrameRate(1000.0)},
+    };
+    CheckRecorder recorder;
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.mRate, GetFrameRateForDisplayMode(row.mDisplay, own)) << "row at line " << row.mLine;
+    }
+    EXPECT_TRUE(recorder.Reports().empty());
+}
+
+TEST(Timecode, GetFrameRateForDisplayMode_OfAnUnknownFormat_ReportsAndGivesTheZeroRate)
+{
+    for (const int display : {99, 113, 150, 199, 202, 300, 0, -1}) {
+        CheckRecorder recorder;
+        EXPECT_EQ(FrameRate(), GetFrameRateForDisplayMode(static_cast<TimeDisplay>(display), kFrameRate_VideoPAL));
+        const auto reports = recorder.Reports();
+        ASSERT_EQ(1u, reports.size()) << display;
+        ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("false").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
+    }
+}
+
+TEST(Timecode, FrameFormat_CountsTheDigitsThatTheFieldMayBePaddedTo)
+{
+    struct Row
+    {
+        int mLine;
+        TimeDisplay mDisplay;
+        FrameRate mRate;
+        long long mFramesPerSecond;
+        int mDigits;
+    };
+    const Row rows[] = {
+        {__LINE__, kTimeDisplay_24Timecode, kFrameRate_VideoPAL, 24, 1},
+        {__LINE__, kTimeDisplay_25Timecode, kFrameRate_VideoPAL, 25, 1},
+        {__LINE__, kTimeDisplay_2997DropTimecode, kFrameRate_VideoPAL, 30, 1},
+        {__LINE__, kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoPAL, 30, 1},
+        {__LINE__, kTimeDisplay_30Timecode, kFrameRate_VideoPAL, 30, 1},
+        {__LINE__, kTimeDisplay_50Timecode, kFrameRate_VideoPAL, 50, 1},
+        {__LINE__, kTimeDisplay_5994DropTimecode, kFrameRate_VideoPAL, 60, 1},
+        {__LINE__, kTimeDisplay_5994NonDropTimecode, kFrameRate_VideoPAL, 60, 1},
+        {__LINE__, kTimeDisplay_60Timecode, kFrameRate_VideoPAL, 60, 1},
+        {__LINE__, kTimeDisplay_Frames, kFrameRate_VideoPAL, std::numeric_limits<long long>::max(), 0},
+        {__LINE__, kTimeDisplay_23976Timecode, kFrameRate_VideoPAL, 24, 1},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_VideoPAL, 25, 1},
+        // the object's own rate; fractional rates use their nominal count
+        {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_23976, 24, 1},
+        {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC, 30, 1},
+        {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC_HD, 60, 1},
+        {__LINE__, kTimeDisplay_35mmFeetFrames, FrameRate(14.985), 14, 1},
+        {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_Video12_5, 12, 1},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_Video10, 10, 0},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, FrameRate(11.0), 11, 1},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_Video100, 100, 1},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, FrameRate(110.0), 110, 2},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_Video1000, 1000, 2},
+        {__LINE__, kTimeDisplay_16mmFeetFrames, FrameRate(0.5), 0, 0},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio8000, 8000, 3},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio11025, 11025, 4},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio44100, 44100, 4},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio48000, 48000, 4},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio96000, 96000, 4},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, FrameRate(100000.0), 100000, 4},
+        {__LINE__, kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio192000, 192000, 5},
+        {__LINE__, kTimeDisplay_AudioMsTimecode, kFrameRate_Audio48000, 1000, 2},
+    };
+    CheckRecorder recorder;
+    for (const Row& row : rows) {
+        const Timecode::PrivateImpl record(kTime_Zero, row.mRate, row.mDisplay, Timecode::Style());
+        EXPECT_EQ(row.mFramesPerSecond, record.mFramesPerSecond) << "row at line " << row.mLine;
+        EXPECT_EQ(row.mDigits, record.mFrameDigits) << "row at line " << row.mLine;
+    }
+    EXPECT_TRUE(recorder.Reports().empty());
+}
+
+TEST(Timecode, Constructor_ChecksThatRateAndFormatBelongTogether)
+{
+    struct Row
+    {
+        int mLine;
+        FrameRate mRate;
+        TimeDisplay mDisplay;
+        bool mHolds;
+    };
+    const Row rows[] = {
+        {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_24Timecode, true},
+        {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_35mmFeetFrames, true},
+        {__LINE__, kFrameRate_Video1000, kTimeDisplay_24Timecode, true},
+        {__LINE__, FrameRate(999.0), kTimeDisplay_AudioSamplesTimecode, false},
+        {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
+        {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
+        {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(113), false},
+        // from a rate of 1000 on, every format is accepted
+        {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
+        {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
+        {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, true},
+        {__LINE__, FrameRate(193000.0), kTimeDisplay_AudioSamplesTimecode, false},
+        {__LINE__, FrameRate(193000.0), kTimeDisplay_25Timecode, false},
+    };
+    for (const Row& row : rows) {
+        CheckRecorder recorder;
+        recorder.mIgnoreForGood = false;
+        const Timecode code(kTime_Zero, row.mRate, row.mDisplay);
+        if (row.mHolds) {
+            EXPECT_TRUE(recorder.Reports().empty()) << "row at line " << row.mLine;
+        } else {
+            ExpectOneContract(recorder, kConstructorContract, row.mLine);
+        }
+        EXPECT_EQ(row.mRate, code.GetFrameRate()) << "an error manager that comes back leaves a whole object";
+        EXPECT_EQ(row.mDisplay, code.GetFormat());
+    }
+}
+
+TEST(Timecode, ConstructorContract_ComesBeforeTheFrameAdjustment)
+{
+    // The check throws before the record is changed; the sanitizers detect leaks.
+    CheckRecorder recorder;
+    recorder.mThrow = true;
+    EXPECT_THROW(Timecode(kTime_Zero, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, PreviousFrameStyle()),
+                 CheckRecorder::ContractError);
+    EXPECT_EQ(0u, recorder.Reports(CheckReport::kAssert).size());
+}
+
+TEST(Timecode, AudioRateWithAnUnknownFormat_PassesTheContractAndReportsTheFormat)
+{
+    CheckRecorder recorder;
+    const Timecode code(TickTime(1.0), kFrameRate_Audio48000, kUnknownDisplay);
+    EXPECT_TRUE(recorder.Reports(CheckReport::kContract).empty());
+    const auto asserts = recorder.Reports(CheckReport::kAssert);
+    ASSERT_EQ(2u, asserts.size()) << "once for the frame format, once for the fields";
+    for (const CheckReport& report : asserts) {
+        ExpectReport(report).Expression("false").Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
+    }
+    EXPECT_EQ(TickTime(1.0), code.GetTime());
+    EXPECT_EQ("00:00:00:0", Narrow(code.GetString())) << "at the zero rate there are no frames";
+}
+
+TEST(Timecode, ZeroRate_IsCheckedAfterTheRecordIsBuilt)
+{
+    CheckRecorder recorder;
+    const Timecode code(TickTime(1.0), kFrameRate_Zero, kTimeDisplay_25Timecode);
+    ExpectOneContract(recorder, kZeroRateContract, __LINE__);
+    EXPECT_EQ("00:00:01:00", Narrow(code.GetString()));
+
+    recorder.Clear();
+    const Timecode plain(TickTime(1.0), kFrameRate_Zero, kTimeDisplay_Frames, Timecode::Style());
+    ExpectOneContract(recorder, kZeroRateContract, __LINE__);
+    EXPECT_EQ("0", Narrow(plain.GetString()));
+
+    recorder.Clear();
+    recorder.mThrow = true;
+    EXPECT_THROW(Timecode(TickTime(1.0), kFrameRate_Zero, kTimeDisplay_25Timecode), CheckRecorder::ContractError);
+}
+
+TEST(Timecode, CopyOfAZeroRate_MakesNoZeroRateCheck)
+{
+    CheckRecorder recorder;
+    const Timecode code(TickTime(1.0), kFrameRate_Zero, kTimeDisplay_25Timecode);
+    recorder.Clear();
+    const Timecode copy(code);
+    Timecode assigned;
+    assigned = code;
+    EXPECT_TRUE(recorder.Reports().empty());
+    EXPECT_EQ(kFrameRate_Zero, copy.GetFrameRate());
+}
+
+TEST(Timecode, CopyOfAnObjectThatBrokeItsContract_IsCheckedAgain)
+{
+    CheckRecorder recorder;
+    const Timecode code(kTime_Zero, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode);
+    recorder.Clear();
+    const Timecode copy(code);
+    ExpectOneContract(recorder, kConstructorContract, __LINE__);
+}
+
+TEST(Timecode, RateBelowOneFrameASecond_KeepsItsCountInTheFrameField)
+{
+    CheckRecorder recorder;
+    for (const double rate : {0.5, 0.001, -25.0, -0.5}) {
+        const FrameRate own(rate);
+        Timecode::PrivateImpl record(kTime_Zero, own, kTimeDisplay_16mmFeetFrames, Timecode::Style());
+        record.SetTime(Frames(1234567, own));
+        EXPECT_EQ("0 0 0 1234567", Fields(record)) << rate;
+        record.IncrementHMSF(0, 0, 0, 1);
+        EXPECT_EQ(1234568, record.mFrames) << rate;
+        EXPECT_EQ(0, record.mHours + record.mMinutes + record.mSeconds) << rate;
+    }
+}
+
+TEST(Timecode, Copy_IsDeep)
+{
+    Timecode code(TickTime(3600.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, SignedStyle());
+    const Timecode copy(code);
+    code.SetTime(TickTime(1.0));
+    code.SetFormat(kTimeDisplay_30Timecode, kFrameRate_Video30);
+    code.SetStyle(Timecode::Style());
+    EXPECT_EQ("+01:00:00:00", Narrow(copy.GetString()));
+    EXPECT_EQ(kFrameRate_VideoPAL, copy.GetFrameRate());
+    EXPECT_EQ(kTimeDisplay_25Timecode, copy.GetFormat());
+}
+
+TEST(Timecode, Assignment_CopiesEverythingAndGivesTheObject)
+{
+    Timecode::Style style;
+    style.mHoursMode = 0;
+    style.mNoLeadingZeros = true;
+    style.mShowSign = true;
+    style.mPreviousFrame = true;
+    const Timecode code(TickTime(-5.0), kFrameRate_Audio48000, kTimeDisplay_AudioSamplesTimecode, style);
+    Timecode other;
+    EXPECT_EQ(&other, &(other = code));
+    EXPECT_EQ(code.GetTime(), other.GetTime());
+    EXPECT_EQ(code.GetFrameRate(), other.GetFrameRate());
+    EXPECT_EQ(code.GetFormat(), other.GetFormat());
+    EXPECT_EQ(0, other.GetStyle().mHoursMode);
+    EXPECT_TRUE(other.GetStyle().mNoLeadingZeros);
+    EXPECT_TRUE(other.GetStyle().mShowSign);
+    EXPECT_TRUE(other.GetStyle().mPreviousFrame);
+    EXPECT_EQ(Narrow(code.GetString()), Narrow(other.GetString()));
+}
+
+TEST(Timecode, AssignedToItself_KeepsItsValue)
+{
+    Timecode code(TickTime(60.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode);
+    Timecode& same = code;
+    code = same;
+    EXPECT_EQ("00:01:00:00", Narrow(code.GetString()));
+}
+
+TEST(Timecode, MovedFrom_IsStillWhole)
+{
+    Timecode code(TickTime(60.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode);
+    const Timecode moved(std::move(code));
+    EXPECT_EQ("00:01:00:00", Narrow(moved.GetString()));
+    EXPECT_EQ("00:01:00:00", Narrow(code.GetString()));
+}
+
+TEST(Timecode, CopyOfAnObjectWithStaleFields_HasFreshOnes)
+{
+    Timecode code(kTime_Zero, kFrameRate_Film24, kTimeDisplay_35mmFeetFrames);
+    code.IncrementFeetFrames(10, 0);
+    Timecode copy(code);
+    copy.IncrementHMSF(0, 0, 1, 0);
+    EXPECT_EQ(Frames(184, kFrameRate_Film24), copy.GetTime());
+    code.IncrementHMSF(0, 0, 1, 0);
+    EXPECT_EQ(Frames(24, kFrameRate_Film24), code.GetTime()) << "the original starts from its stale fields";
+}
+
+TEST(Timecode, PreviousFrame_StoresOneFrameBeforeThePublicTime)
+{
+    Timecode code(Frames(25, kFrameRate_VideoPAL), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, PreviousFrameStyle());
+    EXPECT_EQ(Frames(25, kFrameRate_VideoPAL), code.GetTime());
+    EXPECT_EQ("00:00:00:24", Narrow(code.GetString()));
+    code.SetTime(Frames(50, kFrameRate_VideoPAL));
+    EXPECT_EQ(Frames(50, kFrameRate_VideoPAL), code.GetTime());
+    EXPECT_EQ("00:00:01:24", Narrow(code.GetString()));
+    const Timecode copy(code);
+    EXPECT_EQ(code.GetTime(), copy.GetTime());
+    EXPECT_EQ("00:00:01:24", Narrow(copy.GetString()));
+}
+
+TEST(Timecode, PreviousFrameOfZero_IsNegative)
+{
+    const Timecode::PrivateImpl record(kTime_Zero, kFrameRate_VideoPAL, kTimeDisplay_25Timecode, PreviousFrameStyle());
+    EXPECT_TRUE(record.mIsNegative);
+    EXPECT_EQ("-0 0 0 1", Fields(record));
+    EXPECT_EQ(kTime_Zero, record.GetTime());
+}
+
+TEST(Timecode, TogglingPreviousFrame_MovesThePublicTimeByOneFrameAndLeavesTheText)
+{
+    Timecode code(Frames(100, kFrameRate_VideoPAL), kFrameRate_VideoPAL, kTimeDisplay_25Timecode);
+    const std::string text = Narrow(code.GetString());
+    code.SetStyle(PreviousFrameStyle());
+    EXPECT_EQ(Frames(101, kFrameRate_VideoPAL), code.GetTime());
+    EXPECT_EQ(text, Narrow(code.GetString()));
+    code.SetStyle(Timecode::Style());
+    EXPECT_EQ(Frames(100, kFrameRate_VideoPAL), code.GetTime());
+    EXPECT_EQ(text, Narrow(code.GetString()));
+}
+
+TEST(Timecode, SetFormat_ChecksRateAndFormatBeforeAnyChange)
+{
+    struct Row
+    {
+        int mLine;
+        FrameRate mRate;
+        TimeDisplay mDisplay;
+        bool mHolds;
+    };
+    const Row rows[] = {
+        {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_24Timecode, true},
+        {__LINE__, kFrameRate_Video1000, kTimeDisplay_35mmFeetFrames, true},
+        {__LINE__, kFrameRate_Video1000, kTimeDisplay_AudioSamplesTimecode, true},
+        {__LINE__, kFrameRate_Audio192000, kTimeDisplay_AudioMsTimecode, true},
+        // the constructor accepts these two displays
+        {__LINE__, kFrameRate_Audio48000, kTimeDisplay_25Timecode, false},
+        {__LINE__, kFrameRate_Audio48000, kUnknownDisplay, false},
+        // the remaining displays are rejected by every call
+        {__LINE__, kFrameRate_VideoPAL, kTimeDisplay_AudioMsTimecode, false},
+        {__LINE__, kFrameRate_VideoPAL, static_cast<TimeDisplay>(99), false},
+        {__LINE__, kFrameRate_Audio48000, static_cast<TimeDisplay>(199), false},
+        {__LINE__, kFrameRate_Audio48000, static_cast<TimeDisplay>(202), false},
+        {__LINE__, FrameRate(193000.0), kTimeDisplay_AudioSamplesTimecode, false},
+    };
+    for (const Row& row : rows) {
+        CheckRecorder recorder;
+        recorder.mThrow = true;
+        Timecode code(TickTime(1.0), kFrameRate_Film24, kTimeDisplay_24Timecode, PreviousFrameStyle());
+        if (row.mHolds) {
+            code.SetFormat(row.mDisplay, row.mRate);
+            EXPECT_TRUE(recorder.Reports().empty()) << "row at line " << row.mLine;
+            EXPECT_EQ(row.mDisplay, code.GetFormat());
+            EXPECT_EQ(row.mRate, code.GetFrameRate());
+        } else {
+            EXPECT_THROW(code.SetFormat(row.mDisplay, row.mRate), CheckRecorder::ContractError)
+                << "row at line " << row.mLine;
+            ExpectOneContract(recorder, kSetFormatContract, row.mLine);
+            EXPECT_EQ(kTimeDisplay_24Timecode, code.GetFormat()) << "row at line " << row.mLine;
+            EXPECT_EQ(TickTime(1.0), code.GetTime()) << "row at line " << row.mLine;
+            EXPECT_EQ("00:00:00:23", Narrow(code.GetString())) << "row at line " << row.mLine;
+        }
+    }
+}
+
+TEST(Timecode, SetFormatWhoseContractFallsThrough_StillTakesEffect)
+{
+    CheckRecorder recorder;
+    Timecode code(TickTime(1.0), kFrameRate_Film24, kTimeDisplay_24Timecode);
+    code.SetFormat(kTimeDisplay_25Timecode, kFrameRate_Audio48000);
+    ExpectOneContract(recorder, kSetFormatContract, __LINE__);
+    EXPECT_EQ(kTimeDisplay_25Timecode, code.GetFormat());
+    EXPECT_EQ(kFrameRate_Audio48000, code.GetFrameRate());
+}
+
+TEST(Timecode, SetFormatWithPreviousFrame_KeepsThePublicTimeAndMovesTheStoredOne)
+{
+    Timecode code(TickTime(10.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, PreviousFrameStyle());
+    EXPECT_EQ("00:00:09:24", Narrow(code.GetString()));
+    code.SetFormat(kTimeDisplay_50Timecode, kFrameRate_VideoPAL_HD);
+    EXPECT_EQ(TickTime(10.0), code.GetTime());
+    EXPECT_EQ("00:00:09:49", Narrow(code.GetString()));
+    code.SetFormat(kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio48000);
+    EXPECT_EQ(TickTime(10.0), code.GetTime());
+    EXPECT_EQ("00:00:09:47999", Narrow(code.GetString()));
+}
+
+TEST(Timecode, SetFormat_MakesFieldsAndFrameFormatAgreeWithTheNewFormat)
+{
+    Timecode::PrivateImpl record(Frames(1800, kFrameRate_VideoNTSC), kFrameRate_VideoNTSC,
+                                 kTimeDisplay_2997DropTimecode, Timecode::Style());
+    EXPECT_EQ("0 1 0 2", Fields(record));
+    record.SetFormat(kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoNTSC);
+    EXPECT_EQ("0 1 0 0", Fields(record));
+    record.SetFormat(kTimeDisplay_Frames, kFrameRate_VideoNTSC);
+    EXPECT_EQ("0 0 0 1800", Fields(record));
+    EXPECT_EQ(std::numeric_limits<long long>::max(), record.mFramesPerSecond);
+    record.SetFormat(kTimeDisplay_AudioMsTimecode, kFrameRate_Audio44100);
+    EXPECT_EQ("0 1 0 60", Fields(record));
+    EXPECT_EQ(1000, record.mFramesPerSecond);
+    EXPECT_EQ(2, record.mFrameDigits);
+}
+
+TEST(Timecode, SetFormat_LeavesTheSignWhereTheFieldsDoNotTellIt)
+{
+    // Half a frame below zero is negative in the drop format and zero frames in the other.
+    Timecode::PrivateImpl record(TickTime::FromTicks(-100), kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode,
+                                 Timecode::Style());
+    EXPECT_TRUE(record.mIsNegative);
+    record.SetFormat(kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoNTSC);
+    EXPECT_FALSE(record.mIsNegative);
+    record.SetFormat(kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC);
+    EXPECT_FALSE(record.mIsNegative) << "the sign is not made from the time again";
+}
+
+TEST(Timecode, NegativeTime_KeepsItsSignBesideTheMagnitudes)
+{
+    for (const Format& format : kClockFormats) {
+        const Timecode::PrivateImpl record(-Frames(90 * 60 * format.mLabelsPerSecond, format.mRate), format.mRate,
+                                           format.mDisplay, Timecode::Style());
+        EXPECT_TRUE(record.mIsNegative) << format.mName;
+        const bool drop = ORL::TimecodeLocal::IsDropFrame(format.mDisplay);
+        EXPECT_EQ(drop ? "-1 30 5 " + std::to_string(format.mLabelsPerSecond / 5 * 2) : "-1 30 0 0", Fields(record))
+            << format.mName;
+    }
+}
+
+TEST(Timecode, FractionalRateInFeetAndFrames_Splits23AndCarriesAt24)
+{
+    // The fields use the truncated rate, the carry limit uses the nominal one.
+    for (const TimeDisplay display : {kTimeDisplay_16mmFeetFrames, kTimeDisplay_35mmFeetFrames}) {
+        Timecode::PrivateImpl record(Frames(100, kFrameRate_23976), kFrameRate_23976, display, Timecode::Style());
+        EXPECT_EQ("0 0 4 8", Fields(record)) << "100 = 4 * 23 + 8";
+        EXPECT_EQ(24, record.mFramesPerSecond);
+        record.IncrementHMSF(0, 0, 0, 15);
+        EXPECT_EQ("0 0 4 23", Fields(record)) << "23 frames stay below the limit";
+        EXPECT_EQ(Frames(95 + 23, kFrameRate_23976), record.mTime) << "4 seconds are 95.9 frames";
+        record.IncrementHMSF(0, 0, 0, 1);
+        EXPECT_EQ("0 0 5 0", Fields(record));
+        EXPECT_EQ(Frames(119, kFrameRate_23976), record.mTime) << "5 seconds are 119.88 frames";
+    }
+}

@@ -1,0 +1,86 @@
+// The plan of an ingest, made before anything is changed.
+#pragma once
+
+#include "IngestListing.h"
+#include "../Record/IngestManifest.h"
+#include "../Record/IngestRecord.h"
+#include "IngestRoots.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <tvxcore/String.h>
+#include <vector>
+
+namespace orl {
+
+/// The reason in an error line.
+constexpr char kTakenByOtherFile[] =
+    "the destination has a different file of that name, which was kept (rerun with --replace to replace it)";
+
+struct IngestItem
+{
+    enum State {
+        kToCopy,         // nothing at the destination has its name
+        kToCheck,        // a file of the same size has its name; the contents must be compared
+        kToReplace,      // a different file has its name, and the user wants that file replaced
+        kVerifiedBefore, // in the manifest of an earlier run, with the size and time of the source
+    };
+
+    std::string mName; // below the source, "/" between folders, in the host's bytes
+    std::uint64_t mSize = 0;
+    std::uint64_t mAllocated = 0; // less than the size if the source has holes
+    unsigned __int64 mTime = 0;
+    State mState = kToCopy;
+    std::optional<EntryIdentity> mEarlier; // the file at the destination with the same name
+};
+
+/// What a run will write to one volume.
+struct IngestVolume
+{
+    std::uint64_t mVolume = 0;
+    std::string mFolder; // an existing folder of the destination on this volume
+    std::uint64_t mBytes = 0;
+    std::uint64_t mLargest = 0;
+    std::string mLargestName;
+};
+
+struct IngestPlan
+{
+    std::vector<IngestItem> mItems;    // by name
+    std::vector<std::string> mFolders; // to be created at the destination, each after its parent
+    std::vector<IngestVolume> mVolumes;
+    std::vector<IngestTrouble> mTroubles;
+    std::set<EntryIdentity> mSourceFolders;
+    std::uint64_t mBytesToRead = 0; // each byte to copy counts twice: read from the source and read back
+};
+
+struct IngestPlanRequest
+{
+    const IngestRoots& mRoots;
+    const std::string& mManifestName;
+    const IngestManifest& mManifest;
+    IngestRecord* mRecord = nullptr; // null if the destination does not exist yet
+    bool mReplaces = false;
+    std::function<bool()> mIsStopped;
+    bool mIsDryRun = false; // creates no test files for names and times at the destination
+};
+
+/// Compares the listing with the contents of the destination. Throws Failure if the source holds no file, or a file
+/// with the manifest's name.
+IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
+
+/// Bytes that earlier destinations of this run will write, by volume. Negative if leftovers will be deleted.
+using ReservedSpace = std::map<std::uint64_t, std::int64_t>;
+
+/// Returns the free bytes of a volume.
+std::uint64_t FreeRoomOf(const IngestVolume& inVolume, const IngestRoots& inRoots);
+
+/// Throws Failure if a volume of the destination lacks free space for its files, or if a file exceeds the file system's
+/// limit. Otherwise adds the bytes to ioReserved.
+void CheckFreeSpace(const IngestPlan& inPlan, const IngestRoots& inRoots, ReservedSpace& ioReserved);
+
+} // namespace orl

@@ -1,0 +1,101 @@
+// The record of one run: a file beside the manifest that marks the destination as in use and lists what a killed run
+// leaves behind. It is locked from the first check of the destination to the end of the run, and never replaced by
+// another file.
+#pragma once
+
+#include "../Plan/IngestRoots.h"
+
+#include <ORLFile.h>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+/// What a killed run left behind, as read from the record.
+struct IngestRemains
+{
+    std::set<std::string> mTemporaries;           // names below the destination
+    std::optional<std::uint64_t> mManifestLength; // length of the manifest before the last lines were added
+    std::vector<std::uint64_t> mCommentedOut;     // offsets of lines of the manifest that became comments
+};
+
+class IngestRecord
+{
+public:
+    /// Does not touch the disk.
+    IngestRecord(const IngestRoots& inRoots, const std::string& inManifestName);
+
+    /// Deletes the file if it holds nothing that a later run needs.
+    ~IngestRecord();
+    IngestRecord(const IngestRecord&) = delete;
+    IngestRecord& operator=(const IngestRecord&) = delete;
+
+    /// Creates or opens the file and locks it against other runs. Throws Failure if another run is at work or another
+    /// program made the file of this name.
+    void Open();
+
+    /// Reads what earlier runs left, if there is a record, and changes nothing. Throws Failure like Open.
+    void Peek();
+
+    const IngestRemains& Remains() const { return mRemains; }
+
+    /// Deletes the unfinished files of earlier runs, except in folders of the source.
+    void RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolders);
+
+    /// Returns an unused name for a temporary file in a folder of the destination. The name is written to the record
+    /// first. Throws Failure. Thread-safe, as is ForgetTemporary.
+    std::string NewTemporary(const std::string& inFolder);
+
+    /// Call when the temporary file has been removed or renamed to its final name.
+    void ForgetTemporary(const std::string& inFolder, const std::string& inLeaf);
+
+    /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
+    /// functions return. They throw Failure.
+    void RecordManifestLength(std::uint64_t inLength);
+    void RecordCommentedOut(std::uint64_t inPlace);
+
+    /// Call when the added lines are complete.
+    void RecordManifestComplete();
+
+    /// Sets whether the manifest holds an incomplete line or comments that only this record identifies.
+    void SetNeededByManifest(bool inIsNeeded);
+
+private:
+    void OpenOnce();
+    bool IsFileCurrent();
+    void Read();
+    std::string ReadText();
+    void TakeUpLines(const std::string& inText);
+    [[noreturn]] void RefuseForeign() const;
+    void CheckOpened(ORL::Result inResult) const;
+    void Write(const std::string& inLine, bool inIsFlushed);
+
+    const IngestRoots& mRoots;
+    const std::string mName;
+    HeldFolder mFolder;
+    IngestRemains mRemains;
+    std::mutex mMutex; // guards all members below
+    ORL::File mFile;
+    std::set<std::string> mTemporaries;
+    bool mIsNeededByManifest = false;
+};
+
+/// Returns the name of the record for a manifest.
+std::string RecordNameOf(const std::string& inManifestName);
+
+/// Returns ".orl-", 32 random digits, ".part".
+std::string RandomTemporaryName();
+
+/// Returns whether a name has the form of RandomTemporaryName.
+bool IsTemporaryName(const std::string& inLeaf);
+
+/// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the OS may keep the
+/// files of a killed run open until the reads of that run have ended.
+ORL::Result RetryWhileBusy(const std::function<ORL::Result()>& inWork);
+
+} // namespace orl
