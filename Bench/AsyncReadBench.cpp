@@ -245,9 +245,8 @@ private:
 double RunFio(const Work& inWork)
 {
     const std::string command = "fio --name=read --readonly --filename='" + inWork.mFile + "' --direct=1 "
-                                + "--ioengine=io_uring --rw=" + (inWork.mIsRandom ? "randread" : "read")
-                                + " --bs=" + std::to_string(inWork.mBlock) + " --iodepth="
-                                + std::to_string(inWork.mDepth)
+                                + "--ioengine=io_uring --rw=" + (inWork.mIsRandom ? "randread" : "read") + " --bs="
+                                + std::to_string(inWork.mBlock) + " --iodepth=" + std::to_string(inWork.mDepth)
                                 + " --io_size=" + std::to_string(inWork.Reads() * inWork.mBlock)
                                 + " --size=" + std::to_string(kFileSize) + " --randseed=1 --minimal 2>/dev/null";
     FILE* const pipe = ::popen(command.c_str(), "r");

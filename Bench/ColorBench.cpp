@@ -92,12 +92,36 @@ ORL_CALLED unsigned long PlainHslToRgb(unsigned inH, unsigned inS, unsigned inL)
     double g = 0;
     double b = 0;
     switch (sector) {
-    case 0: r = v; g = m + w; b = m; break;
-    case 1: r = v - w; g = v; b = m; break;
-    case 2: r = m; g = v; b = m + w; break;
-    case 3: r = m; g = v - w; b = v; break;
-    case 4: r = m + w; g = m; b = v; break;
-    case 5: r = v; g = m; b = v - w; break;
+    case 0:
+        r = v;
+        g = m + w;
+        b = m;
+        break;
+    case 1:
+        r = v - w;
+        g = v;
+        b = m;
+        break;
+    case 2:
+        r = m;
+        g = v;
+        b = m + w;
+        break;
+    case 3:
+        r = m;
+        g = v - w;
+        b = v;
+        break;
+    case 4:
+        r = m + w;
+        g = m;
+        b = v;
+        break;
+    case 5:
+        r = v;
+        g = m;
+        b = v - w;
+        break;
     default: break;
     }
     return Byte(r) | Byte(g) << 8 | Byte(b) << 16;
@@ -110,18 +134,20 @@ void RgbToYuv(const Material& inMaterial)
     char v = 0;
     Bench::Group("ColorRGBtoYUV, 10^6 colours")
         .Step(kCount)
-        .Ours("ColorRGBtoYUV", Bench::AtMost(1.0), [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                ORL::ColorRGBtoYUV(inMaterial.mColors[i % kCount], y, u, v);
-                Bench::DoNotOptimize(y);
-            }
-        })
-        .Peer("plain formulas in double", [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                PlainRgbToYuv(inMaterial.mColors[i % kCount].GetValue(), y, u, v);
-                Bench::DoNotOptimize(y);
-            }
-        })
+        .Ours("ColorRGBtoYUV", Bench::AtMost(1.0),
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      ORL::ColorRGBtoYUV(inMaterial.mColors[i % kCount], y, u, v);
+                      Bench::DoNotOptimize(y);
+                  }
+              })
+        .Peer("plain formulas in double",
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      PlainRgbToYuv(inMaterial.mColors[i % kCount].GetValue(), y, u, v);
+                      Bench::DoNotOptimize(y);
+                  }
+              })
         .Run();
 }
 
@@ -132,18 +158,20 @@ void RgbToHsv(const Material& inMaterial)
     unsigned v = 0;
     Bench::Group("ColorRGBtoHSV, 10^6 colours")
         .Step(kCount)
-        .Ours("ColorRGBtoHSV", Bench::AtMost(1.0), [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                ORL::ColorRGBtoHSV(inMaterial.mColors[i % kCount], h, s, v, nullptr, nullptr);
-                Bench::DoNotOptimize(h);
-            }
-        })
-        .Peer("plain formulas in double", [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                PlainRgbToHsv(inMaterial.mColors[i % kCount].GetValue(), h, s, v);
-                Bench::DoNotOptimize(h);
-            }
-        })
+        .Ours("ColorRGBtoHSV", Bench::AtMost(1.0),
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      ORL::ColorRGBtoHSV(inMaterial.mColors[i % kCount], h, s, v, nullptr, nullptr);
+                      Bench::DoNotOptimize(h);
+                  }
+              })
+        .Peer("plain formulas in double",
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      PlainRgbToHsv(inMaterial.mColors[i % kCount].GetValue(), h, s, v);
+                      Bench::DoNotOptimize(h);
+                  }
+              })
         .Run();
 }
 
@@ -151,21 +179,23 @@ void HslToRgb(const Material& inMaterial)
 {
     Bench::Group("ColorHSLtoRGB, 10^6 colours")
         .Step(kCount)
-        .Ours("ColorHSLtoRGB", Bench::AtMost(1.0), [&](std::uint64_t n) {
-            Color color;
-            for (std::uint64_t i = 0; i < n; ++i) {
-                const Material::Polar& polar = inMaterial.mPolar[i % kCount];
-                ORL::ColorHSLtoRGB(polar.h, polar.s, polar.l, color);
-                Bench::DoNotOptimize(color);
-            }
-        })
-        .Peer("plain formulas in double", [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                const Material::Polar& polar = inMaterial.mPolar[i % kCount];
-                const unsigned long color = PlainHslToRgb(polar.h, polar.s, polar.l);
-                Bench::DoNotOptimize(color);
-            }
-        })
+        .Ours("ColorHSLtoRGB", Bench::AtMost(1.0),
+              [&](std::uint64_t n) {
+                  Color color;
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      const Material::Polar& polar = inMaterial.mPolar[i % kCount];
+                      ORL::ColorHSLtoRGB(polar.h, polar.s, polar.l, color);
+                      Bench::DoNotOptimize(color);
+                  }
+              })
+        .Peer("plain formulas in double",
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      const Material::Polar& polar = inMaterial.mPolar[i % kCount];
+                      const unsigned long color = PlainHslToRgb(polar.h, polar.s, polar.l);
+                      Bench::DoNotOptimize(color);
+                  }
+              })
         .Run();
 }
 

@@ -38,7 +38,8 @@ class Tree
 public:
     Tree()
     {
-        mFolder = fs::read_symlink("/proc/self/exe").parent_path() / ("orl-bench-" + std::to_string(std::random_device()()));
+        mFolder =
+            fs::read_symlink("/proc/self/exe").parent_path() / ("orl-bench-" + std::to_string(std::random_device()()));
         for (int i = 0; i < kFolders; ++i) {
             const fs::path folder = mFolder / ("group" + std::to_string(i / 50)) / ("folder" + std::to_string(i));
             fs::create_directories(folder);

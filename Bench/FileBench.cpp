@@ -95,10 +95,7 @@ struct Work
     std::size_t mSize;
     bool mIsRandom;
 
-    std::string Title() const
-    {
-        return std::to_string(mSize / 1024) + " KiB " + (mIsRandom ? "random" : "sequential");
-    }
+    std::string Title() const { return std::to_string(mSize / 1024) + " KiB " + (mIsRandom ? "random" : "sequential"); }
 };
 
 // The same sequence of positions for all rivals.
@@ -143,18 +140,20 @@ void CompareReads(const Folder& inFolder, const Work& inWork, std::vector<char>&
     Walk theirs(inWork);
     char* const buffer = ioBuffer.data();
     Bench::Group("read " + inWork.Title() + ", no buffer")
-        .Ours("File::Read", Bench::AtMost(inWork.mSize >= kBlockSize ? 1.05 : 1.2), [&](std::uint64_t inCount) {
-            while (inCount-- != 0) {
-                ReadOne(file, inWork, ours.Next(), buffer);
-            }
-        })
-        .Peer("pread", [&](std::uint64_t inCount) {
-            while (inCount-- != 0) {
-                Require(::pread(plain, buffer, inWork.mSize, static_cast<off_t>(theirs.Next()))
-                            == static_cast<ssize_t>(inWork.mSize),
-                        "pread came short");
-            }
-        })
+        .Ours("File::Read", Bench::AtMost(inWork.mSize >= kBlockSize ? 1.05 : 1.2),
+              [&](std::uint64_t inCount) {
+                  while (inCount-- != 0) {
+                      ReadOne(file, inWork, ours.Next(), buffer);
+                  }
+              })
+        .Peer("pread",
+              [&](std::uint64_t inCount) {
+                  while (inCount-- != 0) {
+                      Require(::pread(plain, buffer, inWork.mSize, static_cast<off_t>(theirs.Next()))
+                                  == static_cast<ssize_t>(inWork.mSize),
+                              "pread came short");
+                  }
+              })
         .Run();
     ::close(plain);
 }
@@ -228,16 +227,19 @@ void CompareCachedReads(ORL::File& ioFile, const Work& inWork, const std::vector
     Walk theirs(inWork);
     char* const buffer = ioBuffer.data();
     Bench::Group("read " + inWork.Title() + ", all in the block cache (memcpy with 115 ns added)")
-        .Ours("File::Read", Bench::AtMost(1.3), [&](std::uint64_t inCount) {
-            return NanosecondsPerRead(inCount, [&] { ReadOne(ioFile, inWork, ours.Next(), buffer); });
-        })
-        .Peer("memcpy", [&](std::uint64_t inCount) {
-            return NanosecondsPerRead(inCount, [&] {
-                       CopyFromBlocks(inBlocks, theirs.Next(), inWork.mSize, buffer);
-                       Bench::ClobberMemory();
-                   })
-                   + 150 / 1.3;
-        })
+        .Ours("File::Read", Bench::AtMost(1.3),
+              [&](std::uint64_t inCount) {
+                  return NanosecondsPerRead(inCount, [&] { ReadOne(ioFile, inWork, ours.Next(), buffer); });
+              })
+        .Peer("memcpy",
+              [&](std::uint64_t inCount) {
+                  return NanosecondsPerRead(inCount,
+                                            [&] {
+                                                CopyFromBlocks(inBlocks, theirs.Next(), inWork.mSize, buffer);
+                                                Bench::ClobberMemory();
+                                            })
+                         + 150 / 1.3;
+              })
         .Run();
 }
 
@@ -335,19 +337,22 @@ void CompareLargeCopies(const Folder& inFolder)
     Bench::Group("copy a file of " + std::to_string(size >> 20) + " MiB")
         .Unit("MB/s", true)
         .Operations(1)
-        .Ours("CopyWithProgress", Bench::AtLeast(1.0), [&](std::uint64_t) {
-            clean();
-            const double start = Bench::NowInNanoseconds();
-            Require(ORL::File::CopyWithProgress(LibraryPath(source), LibraryPath(target), &KeepGoing, nullptr) == 0,
-                    "a copy failed");
-            return BytesPerSecond(static_cast<double>(size), start);
-        })
-        .Peer("cp --reflink=never", [&](std::uint64_t) {
-            clean();
-            const double start = Bench::NowInNanoseconds();
-            Run("cp --reflink=never '" + source + "' '" + target + "'");
-            return BytesPerSecond(static_cast<double>(size), start);
-        })
+        .Ours("CopyWithProgress", Bench::AtLeast(1.0),
+              [&](std::uint64_t) {
+                  clean();
+                  const double start = Bench::NowInNanoseconds();
+                  Require(ORL::File::CopyWithProgress(LibraryPath(source), LibraryPath(target), &KeepGoing, nullptr)
+                              == 0,
+                          "a copy failed");
+                  return BytesPerSecond(static_cast<double>(size), start);
+              })
+        .Peer("cp --reflink=never",
+              [&](std::uint64_t) {
+                  clean();
+                  const double start = Bench::NowInNanoseconds();
+                  Run("cp --reflink=never '" + source + "' '" + target + "'");
+                  return BytesPerSecond(static_cast<double>(size), start);
+              })
         .Run();
     fs::remove(target);
     fs::remove(source);
@@ -370,25 +375,27 @@ void CompareSmallCopies(const Folder& inFolder)
     Bench::Group("copy " + std::to_string(files) + " files of 10 KiB")
         .Unit("MB/s", true)
         .Operations(1)
-        .Ours("CopyWithProgress", Bench::AtLeast(1.0), [&](std::uint64_t) {
-            clean();
-            const double start = Bench::NowInNanoseconds();
-            fs::create_directory(target);
-            for (const auto& entry : fs::directory_iterator(source)) {
-                const std::string name = entry.path().filename().string();
-                Require(ORL::File::CopyWithProgress(LibraryPath(entry.path().string()), LibraryPath(target + "/" + name),
-                                                    &KeepGoing, nullptr)
-                            == 0,
-                        "a copy failed");
-            }
-            return BytesPerSecond(bytes, start);
-        })
-        .Peer("cp -r --reflink=never", [&](std::uint64_t) {
-            clean();
-            const double start = Bench::NowInNanoseconds();
-            Run("cp -r --reflink=never '" + source + "' '" + target + "'");
-            return BytesPerSecond(bytes, start);
-        })
+        .Ours("CopyWithProgress", Bench::AtLeast(1.0),
+              [&](std::uint64_t) {
+                  clean();
+                  const double start = Bench::NowInNanoseconds();
+                  fs::create_directory(target);
+                  for (const auto& entry : fs::directory_iterator(source)) {
+                      const std::string name = entry.path().filename().string();
+                      Require(ORL::File::CopyWithProgress(LibraryPath(entry.path().string()),
+                                                          LibraryPath(target + "/" + name), &KeepGoing, nullptr)
+                                  == 0,
+                              "a copy failed");
+                  }
+                  return BytesPerSecond(bytes, start);
+              })
+        .Peer("cp -r --reflink=never",
+              [&](std::uint64_t) {
+                  clean();
+                  const double start = Bench::NowInNanoseconds();
+                  Run("cp -r --reflink=never '" + source + "' '" + target + "'");
+                  return BytesPerSecond(bytes, start);
+              })
         .Run();
 }
 

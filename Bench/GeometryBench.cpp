@@ -43,19 +43,21 @@ void Solve(Material& ioMaterial)
 {
     gsl_interp* const spline = gsl_interp_alloc(gsl_interp_cspline, kKnots);
     Bench::Group("spline of 10^4 knots, solved")
-        .Ours("SolveNaturalCubicSpline2D", Bench::AtMost(1.0), [&](std::uint64_t n) {
-            while (n-- != 0) {
-                ORL::Geometry::SolveNaturalCubicSpline2D(ioMaterial.mX.data(), ioMaterial.mY.data(), kKnots,
-                                                         ioMaterial.mBends.data());
-                Bench::ClobberMemory();
-            }
-        })
-        .Peer("gsl_interp_cspline", [&](std::uint64_t n) {
-            while (n-- != 0) {
-                gsl_interp_init(spline, ioMaterial.mWideX.data(), ioMaterial.mWideY.data(), kKnots);
-                Bench::ClobberMemory();
-            }
-        })
+        .Ours("SolveNaturalCubicSpline2D", Bench::AtMost(1.0),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ORL::Geometry::SolveNaturalCubicSpline2D(ioMaterial.mX.data(), ioMaterial.mY.data(), kKnots,
+                                                               ioMaterial.mBends.data());
+                      Bench::ClobberMemory();
+                  }
+              })
+        .Peer("gsl_interp_cspline",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      gsl_interp_init(spline, ioMaterial.mWideX.data(), ioMaterial.mWideY.data(), kKnots);
+                      Bench::ClobberMemory();
+                  }
+              })
         .Run();
     gsl_interp_free(spline);
 }
@@ -69,22 +71,25 @@ void Evaluate(Material& ioMaterial)
                                              ioMaterial.mBends.data());
     Bench::Group("spline of 10^4 knots, evaluated at 10^6 places")
         .Step(kPlaces)
-        .Ours("InterpolateNaturalCubicSpline2D", Bench::AtMost(1.0), [&](std::uint64_t n) {
-            float y = 0;
-            for (std::uint64_t i = 0; i < n; ++i) {
-                ORL::Geometry::InterpolateNaturalCubicSpline2D(ioMaterial.mX.data(), ioMaterial.mY.data(),
-                                                               ioMaterial.mBends.data(), kKnots,
-                                                               ioMaterial.mPlaces[i % kPlaces], &y);
-                Bench::DoNotOptimize(y);
-            }
-        })
-        .Peer("gsl_interp_eval", [&](std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                const double y = gsl_interp_eval(spline, ioMaterial.mWideX.data(), ioMaterial.mWideY.data(),
-                                                 static_cast<double>(ioMaterial.mPlaces[i % kPlaces]), lastInterval);
-                Bench::DoNotOptimize(y);
-            }
-        })
+        .Ours("InterpolateNaturalCubicSpline2D", Bench::AtMost(1.0),
+              [&](std::uint64_t n) {
+                  float y = 0;
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      ORL::Geometry::InterpolateNaturalCubicSpline2D(ioMaterial.mX.data(), ioMaterial.mY.data(),
+                                                                     ioMaterial.mBends.data(), kKnots,
+                                                                     ioMaterial.mPlaces[i % kPlaces], &y);
+                      Bench::DoNotOptimize(y);
+                  }
+              })
+        .Peer("gsl_interp_eval",
+              [&](std::uint64_t n) {
+                  for (std::uint64_t i = 0; i < n; ++i) {
+                      const double y =
+                          gsl_interp_eval(spline, ioMaterial.mWideX.data(), ioMaterial.mWideY.data(),
+                                          static_cast<double>(ioMaterial.mPlaces[i % kPlaces]), lastInterval);
+                      Bench::DoNotOptimize(y);
+                  }
+              })
         .Run();
     gsl_interp_accel_free(lastInterval);
     gsl_interp_free(spline);

@@ -18,15 +18,33 @@ struct Words
 
 __attribute__((always_inline)) inline void MixPlainly(std::uint32_t& a, std::uint32_t& b, std::uint32_t& c)
 {
-    a -= b; a -= c; a ^= c >> 13;
-    b -= c; b -= a; b ^= a << 8;
-    c -= a; c -= b; c ^= b >> 13;
-    a -= b; a -= c; a ^= c >> 12;
-    b -= c; b -= a; b ^= a << 16;
-    c -= a; c -= b; c ^= b >> 5;
-    a -= b; a -= c; a ^= c >> 3;
-    b -= c; b -= a; b ^= a << 10;
-    c -= a; c -= b; c ^= b >> 15;
+    a -= b;
+    a -= c;
+    a ^= c >> 13;
+    b -= c;
+    b -= a;
+    b ^= a << 8;
+    c -= a;
+    c -= b;
+    c ^= b >> 13;
+    a -= b;
+    a -= c;
+    a ^= c >> 12;
+    b -= c;
+    b -= a;
+    b ^= a << 16;
+    c -= a;
+    c -= b;
+    c ^= b >> 5;
+    a -= b;
+    a -= c;
+    a ^= c >> 3;
+    b -= c;
+    b -= a;
+    b ^= a << 10;
+    c -= a;
+    c -= b;
+    c ^= b >> 15;
 }
 
 std::uint32_t Load(const unsigned char* inAddress)
@@ -74,18 +92,20 @@ void Blocks(const std::string& inTitle, const unsigned char* inBytes, std::size_
     ORL::HashValue hash(0, 0, 0);
     Words plain{0, 0, 0};
     Bench::Group(inTitle)
-        .Ours("MixHash", Bench::AtMost(1.02), [&](std::uint64_t n) {
-            while (n-- != 0) {
-                ORL::MixHash::Mix(hash, inBytes, inLength);
-            }
-            Bench::DoNotOptimize(hash);
-        })
-        .Peer("plain lookup2 and a mix step", [&](std::uint64_t n) {
-            while (n-- != 0) {
-                PlainLookup2(plain, inBytes, inLength);
-            }
-            Bench::DoNotOptimize(plain);
-        })
+        .Ours("MixHash", Bench::AtMost(1.02),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      ORL::MixHash::Mix(hash, inBytes, inLength);
+                  }
+                  Bench::DoNotOptimize(hash);
+              })
+        .Peer("plain lookup2 and a mix step",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      PlainLookup2(plain, inBytes, inLength);
+                  }
+                  Bench::DoNotOptimize(plain);
+              })
         .Run();
 }
 

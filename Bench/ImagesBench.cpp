@@ -96,7 +96,8 @@ ORL::ObjectPtr<ORL::Module> ModuleOf(const std::string& inPng)
     }
     file.append(16, '\0');
     file += inPng;
-    const std::string path = std::filesystem::temp_directory_path() / ("orl-bench-" + std::to_string(::getpid()) + ".res");
+    const std::string path =
+        std::filesystem::temp_directory_path() / ("orl-bench-" + std::to_string(::getpid()) + ".res");
     std::ofstream(path, std::ios::binary) << file;
     ORL::ObjectPtr<ORL::Module> module;
     const ORL::Result loaded = ORL::Module::Load(ORL::PathUtils::FromHostPath(path), module);

@@ -70,7 +70,8 @@ void CompareSplitting()
               [&](std::uint64_t n) {
                   while (n-- != 0) {
                       std::vector<std::u16string> parts;
-                      boost::split(parts, wide, [](char16_t unit) { return unit == u'='; }, boost::token_compress_on);
+                      boost::split(
+                          parts, wide, [](char16_t unit) { return unit == u'='; }, boost::token_compress_on);
                       Bench::DoNotOptimize(parts.data());
                   }
               })
@@ -78,7 +79,8 @@ void CompareSplitting()
               [&](std::uint64_t n) {
                   while (n-- != 0) {
                       std::vector<std::string> parts;
-                      boost::split(parts, narrow, [](char unit) { return unit == '='; }, boost::token_compress_on);
+                      boost::split(
+                          parts, narrow, [](char unit) { return unit == '='; }, boost::token_compress_on);
                       Bench::DoNotOptimize(parts.data());
                   }
               })

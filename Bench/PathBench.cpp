@@ -90,8 +90,8 @@ void MakeSiblingPath()
         .Peer("std::filesystem::path",
               [&](std::uint64_t n) {
                   while (n-- != 0) {
-                      const std::filesystem::path neighbour
-                          = std::filesystem::path(kHostPath).parent_path() / "A0042C0138.mov";
+                      const std::filesystem::path neighbour =
+                          std::filesystem::path(kHostPath).parent_path() / "A0042C0138.mov";
                       Bench::DoNotOptimize(neighbour.native().data());
                   }
               })
@@ -114,8 +114,8 @@ void CombineWithDots()
         .Peer("std::filesystem::path",
               [&](std::uint64_t n) {
                   while (n-- != 0) {
-                      const std::filesystem::path combined
-                          = (std::filesystem::path(kHostPath) / "../../camera_a/./A0042C0138.mov").lexically_normal();
+                      const std::filesystem::path combined =
+                          (std::filesystem::path(kHostPath) / "../../camera_a/./A0042C0138.mov").lexically_normal();
                       Bench::DoNotOptimize(combined.native().data());
                   }
               })

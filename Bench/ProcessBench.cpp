@@ -51,16 +51,19 @@ int main(int argc, char** argv)
     const char kName[] = "no process so";
     const UTF16String name(kName, kName + sizeof(kName) - 1);
     Bench::Group("a name among all processes of the machine")
-        .Ours("IsProcessRunning", Bench::AtMost(1.5), [&](std::uint64_t n) {
-            while (n-- != 0) {
-                Bench::DoNotOptimize(ORL::Process::IsProcessRunning(name, ORL::Process::ProcessSearchFlags::kExactMatch));
-            }
-        })
-        .Peer("one pass over comm", [&](std::uint64_t n) {
-            while (n-- != 0) {
-                Bench::DoNotOptimize(PlainIsRunning(kName));
-            }
-        })
+        .Ours("IsProcessRunning", Bench::AtMost(1.5),
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      Bench::DoNotOptimize(
+                          ORL::Process::IsProcessRunning(name, ORL::Process::ProcessSearchFlags::kExactMatch));
+                  }
+              })
+        .Peer("one pass over comm",
+              [&](std::uint64_t n) {
+                  while (n-- != 0) {
+                      Bench::DoNotOptimize(PlainIsRunning(kName));
+                  }
+              })
         .Run();
     return Bench::Finish();
 }

@@ -49,12 +49,11 @@ struct BenchFormat
     int mFramesOfADay;
 };
 
-const BenchFormat kDrop2997 = {
-    "29.97 drop", kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC, {30000, 1001}, AV_TIMECODE_FLAG_DROPFRAME,
-    2589408};
+const BenchFormat kDrop2997 = {"29.97 drop",  kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC,
+                               {30000, 1001}, AV_TIMECODE_FLAG_DROPFRAME,    2589408};
 const BenchFormat k25 = {"25", kTimeDisplay_25Timecode, kFrameRate_VideoPAL, {25, 1}, 0, 2160000};
-const BenchFormat kDrop5994 = {"59.94 drop", kTimeDisplay_5994DropTimecode, kFrameRate_VideoNTSC_HD, {60000, 1001},
-                               AV_TIMECODE_FLAG_DROPFRAME, 5178816};
+const BenchFormat kDrop5994 = {"59.94 drop",  kTimeDisplay_5994DropTimecode, kFrameRate_VideoNTSC_HD,
+                               {60000, 1001}, AV_TIMECODE_FLAG_DROPFRAME,    5178816};
 const BenchFormat kSamples = {"samples at 48000", kTimeDisplay_AudioSamplesTimecode, kFrameRate_Audio48000, {}, 0,
                               2147483647};
 const BenchFormat kFeet = {"feet and frames", kTimeDisplay_35mmFeetFrames, kFrameRate_Film24, {}, 0, 2073600};
@@ -67,8 +66,7 @@ UTF16String Wide(const char* inText)
 // Random frames of a day, converted for both sides.
 struct Material
 {
-    explicit Material(const BenchFormat& inFormat)
-        : mFormat(inFormat)
+    explicit Material(const BenchFormat& inFormat) : mFormat(inFormat)
     {
         std::mt19937 random(29);
         if (inFormat.mPeerRate.num != 0) {
@@ -179,8 +177,8 @@ void ReadGroup(const Material& inMaterial)
         .Ours("StringToTime", Bench::AtMost(0.2, "av_timecode_init_from_string"),
               [&](std::uint64_t n) {
                   for (std::uint64_t i = 0; i < n; ++i) {
-                      Bench::DoNotOptimize(Timecode::StringToTime(inMaterial.mTexts[i & kMask], format.mRate,
-                                                                  format.mDisplay, false));
+                      Bench::DoNotOptimize(
+                          Timecode::StringToTime(inMaterial.mTexts[i & kMask], format.mRate, format.mDisplay, false));
                   }
               })
         .Peer("av_timecode_init_from_string",
@@ -397,7 +395,11 @@ int main(int argc, char** argv)
         },
         4);
     WriteGroupAgainstPrint(
-        feet, "%d+%02d", [](int frame) { return std::array<int, 4>{frame / 16, frame % 16, 0, 0}; }, 2);
+        feet, "%d+%02d",
+        [](int frame) {
+            return std::array<int, 4>{frame / 16, frame % 16, 0, 0};
+        },
+        2);
     for (const Material* material : {&drop2997, &pal, &drop5994}) {
         ReadGroup(*material);
         ReadShorthandGroup(*material);

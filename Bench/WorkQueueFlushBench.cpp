@@ -39,7 +39,8 @@ public:
     explicit OurQueue(int inThreads)
         : mQueue(new ORL::ThreadedWorkQueue), mFlush(new ORL::ThreadedWorkQueueFlush), mRequest(new ShortRequest)
     {
-        mQueue->Initialize(ORL::ThreadPriorities::kNormal, inThreads, ORL::ConstString("ours"), ORL::ConstString("bench"));
+        mQueue->Initialize(ORL::ThreadPriorities::kNormal, inThreads, ORL::ConstString("ours"),
+                           ORL::ConstString("bench"));
         mFlush->Init(mQueue);
         if (inThreads == 1) {
             mQueue->QueueRequest(new PinsItsThread);

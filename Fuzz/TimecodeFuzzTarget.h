@@ -57,12 +57,12 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
 {
     using namespace tvxmediatypes;
     static constexpr int kDisplays[] = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 200, 201};
-    static constexpr FrameRate kVideo[] = {kFrameRate_Film24,    kFrameRate_VideoPAL,  kFrameRate_VideoNTSC,
-                                           kFrameRate_23976,     kFrameRate_Video12_5, kFrameRate_Video1000,
-                                           FrameRate(14.985),    FrameRate(0.5)};
-    static constexpr FrameRate kAudio[] = {kFrameRate_Audio48000, kFrameRate_Audio44100, kFrameRate_Audio96000,
-                                           kFrameRate_Audio192000, kFrameRate_Audio8000, kFrameRate_Video1000,
-                                           FrameRate(10000.0),    FrameRate(10001.0)};
+    static constexpr FrameRate kVideo[] = {kFrameRate_Film24, kFrameRate_VideoPAL,  kFrameRate_VideoNTSC,
+                                           kFrameRate_23976,  kFrameRate_Video12_5, kFrameRate_Video1000,
+                                           FrameRate(14.985), FrameRate(0.5)};
+    static constexpr FrameRate kAudio[] = {kFrameRate_Audio48000,  kFrameRate_Audio44100, kFrameRate_Audio96000,
+                                           kFrameRate_Audio192000, kFrameRate_Audio8000,  kFrameRate_Video1000,
+                                           FrameRate(10000.0),     FrameRate(10001.0)};
     const std::uint8_t choices[3] = {inSize > 0 ? inData[0] : std::uint8_t{0}, inSize > 1 ? inData[1] : std::uint8_t{0},
                                      inSize > 2 ? inData[2] : std::uint8_t{0}};
     TimecodeInput input;

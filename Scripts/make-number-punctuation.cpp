@@ -38,7 +38,8 @@ char16_t Symbol(const UNumberFormat* inFormat, UNumberFormatSymbol inWhich)
 bool Find(const std::string& inName, Punctuation& outPunctuation)
 {
     UErrorCode error = U_ZERO_ERROR;
-    UNumberFormat* const format = unum_open(UNUM_DECIMAL, nullptr, 0, (inName + "@numbers=latn").c_str(), nullptr, &error);
+    UNumberFormat* const format =
+        unum_open(UNUM_DECIMAL, nullptr, 0, (inName + "@numbers=latn").c_str(), nullptr, &error);
     if (format == nullptr || U_FAILURE(error)) {
         return false;
     }
@@ -52,7 +53,8 @@ bool Find(const std::string& inName, Punctuation& outPunctuation)
     outPunctuation.mSecondGroup = outPunctuation.mSecondGroup > 0 ? outPunctuation.mSecondGroup : outPunctuation.mGroup;
     unum_close(format);
     // For an unknown language ICU uses the locale of the process.
-    return U_SUCCESS(error) && found == inName.substr(0, inName.find('_')) && outPunctuation.mPoint != u'\0' && outPunctuation.mSeparator != u'\0';
+    return U_SUCCESS(error) && found == inName.substr(0, inName.find('_')) && outPunctuation.mPoint != u'\0'
+           && outPunctuation.mSeparator != u'\0';
 }
 
 } // namespace

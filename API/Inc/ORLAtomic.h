@@ -42,11 +42,11 @@ inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 #define ORL_ATOMIC_SERVES_MISALIGNED __attribute__((no_sanitize("alignment")))
 
 #define ORL_ASSERT_ALIGNED_32_(target, line, function)                                                                 \
-    ORL_ASSERT_MESSAGE_AT(::ORL::Internal::IsAligned(&target, 3), "(intptr_t(&" #target ") & 3L) == 0", "",            \
-                          "ORLAtomic", line, function)
+  ORL_ASSERT_MESSAGE_AT(::ORL::Internal::IsAligned(&target, 3), "(intptr_t(&" #target ") & 3L) == 0", "", "ORLAtomic", \
+                        line, function)
 #define ORL_ASSERT_ALIGNED_PTR_(target, line, function)                                                                \
-    ORL_ASSERT_MESSAGE_AT(::ORL::Internal::IsAligned(&target, sizeof(T*) - 1),                                         \
-                          "(intptr_t(&" #target ") & (sizeof(T*)-1)) == 0", "", "ORLAtomic", line, function)
+  ORL_ASSERT_MESSAGE_AT(::ORL::Internal::IsAligned(&target, sizeof(T*) - 1),                                           \
+                        "(intptr_t(&" #target ") & (sizeof(T*)-1)) == 0", "", "ORLAtomic", line, function)
 
 namespace ORL {
 

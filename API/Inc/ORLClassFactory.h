@@ -21,8 +21,8 @@ using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 /// The record of one registered class. Its address is the class's token, stable for the life of the process.
 struct ClassMapEntry
 {
-    Guid mClassID;                // the key of the entry
-    const char* mFirstName;       // the two texts of the registration; stored as pointers, never read
+    Guid mClassID;          // the key of the entry
+    const char* mFirstName; // the two texts of the registration; stored as pointers, never read
     const char* mSecondName;
     CreateClassFunction mCreate;
 };

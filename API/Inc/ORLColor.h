@@ -114,12 +114,12 @@ ORL_API void ColorYPbPrToMV(float inY, float inPb, float inPr, float& outLuma, f
 // double.
 
 /// V is the largest channel, S = (largest - smallest) / V.
-ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV,
-                                bool* outHasHue, bool* outHasSaturation);
+ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
+                                bool* outHasSaturation);
 
 /// L = (largest + smallest) 0.5, S = largest - smallest. The saturation is not divided by the lightness.
-ORL_API void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL,
-                                bool* outHasHue, bool* outHasSaturation);
+ORL_API void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& outS, float& outL, bool* outHasHue,
+                                bool* outHasSaturation);
 
 /// A hue of exactly 1 is treated as 0. If S is not 0 and the hue is below 0, above 1 or not a number, the outputs stay
 /// untouched.
@@ -142,10 +142,10 @@ ORL_API void ColorHSVtoRGB(unsigned int inH, unsigned int inS, unsigned int inV,
 ORL_API void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor);
 
 /// Converts through RGB in float. The hue is copied; if the RGB colour has no saturation, the saturation is copied too.
-ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH,
-                           unsigned int& outS, unsigned int& outV);
-ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH,
-                           unsigned int& outS, unsigned int& outL);
+ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH, unsigned int& outS,
+                           unsigned int& outV);
+ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH, unsigned int& outS,
+                           unsigned int& outL);
 
 /// Same as ColorHSLtoRGB or ColorHSVtoRGB, then ColorRGBtoYUV.
 ORL_API void ColorHSLtoYUV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned char& outY, char& outU,

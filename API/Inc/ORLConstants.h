@@ -54,32 +54,32 @@ ORL_CONSTANT tvxmediatypes::FrameRate kFrameRate_Audio96000 = tvxmediatypes::kFr
 ORL_CONSTANT tvxmediatypes::FrameRate kFrameRate_Audio192000 = tvxmediatypes::kFrameRate_Audio192000;
 
 /// Names of the types of the library's own resources.
-ORL_API extern const UTF16String kResType_ColorTable;      // ORLCOLORTABLE
-ORL_API extern const UTF16String kResType_FontTable;       // ORLFONTTABLE
-ORL_API extern const UTF16String kResType_BrushTable;      // ORLBRUSHTABLE
-ORL_API extern const UTF16String kResType_PenTable;        // ORLPENTABLE
-ORL_API extern const UTF16String kResType_DirectoryTable;  // ORLDIRECTORYTABLE
+ORL_API extern const UTF16String kResType_ColorTable;     // ORLCOLORTABLE
+ORL_API extern const UTF16String kResType_FontTable;      // ORLFONTTABLE
+ORL_API extern const UTF16String kResType_BrushTable;     // ORLBRUSHTABLE
+ORL_API extern const UTF16String kResType_PenTable;       // ORLPENTABLE
+ORL_API extern const UTF16String kResType_DirectoryTable; // ORLDIRECTORYTABLE
 
 /// Keys under which hosts exchange properties of clips and sequences. The library defines them but does not use them.
 /// The key of the sample rate is the key of the frame rate with a suffix.
-ORL_API extern const UTF16String kPropertyKey_FrameRate;        // BE.FrameRate
-ORL_API extern const UTF16String kPropertyKey_SampleRate;       // BE.FrameRate [Audio Sample Rate]
-ORL_API extern const UTF16String kPropertyKey_ItemCount;        // item.count
-ORL_API extern const UTF16String kPropertyKey_ItemName;         // item.name
-ORL_API extern const UTF16String kPropertyKey_ItemType;         // item.type
-ORL_API extern const UTF16String kPropertyKey_ItemHasVideo;     // item.has.video
-ORL_API extern const UTF16String kPropertyKey_ItemHasAudio;     // item.has.audio
-ORL_API extern const UTF16String kPropertyKey_ItemDuration;     // item.duration
-ORL_API extern const UTF16String kPropertyKey_InPoint;          // in.point
-ORL_API extern const UTF16String kPropertyKey_OutPoint;         // out.point
-ORL_API extern const UTF16String kPropertyKey_AudioDisplay;     // audio.display
-ORL_API extern const UTF16String kPropertyKey_WorkInPoint;      // workin.point
-ORL_API extern const UTF16String kPropertyKey_WorkOutPoint;     // workout.point
-ORL_API extern const UTF16String kPropertyKey_FrameSize;        // frame.size
-ORL_API extern const UTF16String kPropertyKey_AspectRatio;      // aspect.ratio
-ORL_API extern const UTF16String kPropertyKey_HasAlpha;         // has.alpha
-ORL_API extern const UTF16String kPropertyKey_SampleSize;       // sample.size
-ORL_API extern const UTF16String kPropertyKey_ChannelType;      // channel.type
-ORL_API extern const UTF16String kPropertyKey_AudioTrackCount;  // audio.track.count
+ORL_API extern const UTF16String kPropertyKey_FrameRate;       // BE.FrameRate
+ORL_API extern const UTF16String kPropertyKey_SampleRate;      // BE.FrameRate [Audio Sample Rate]
+ORL_API extern const UTF16String kPropertyKey_ItemCount;       // item.count
+ORL_API extern const UTF16String kPropertyKey_ItemName;        // item.name
+ORL_API extern const UTF16String kPropertyKey_ItemType;        // item.type
+ORL_API extern const UTF16String kPropertyKey_ItemHasVideo;    // item.has.video
+ORL_API extern const UTF16String kPropertyKey_ItemHasAudio;    // item.has.audio
+ORL_API extern const UTF16String kPropertyKey_ItemDuration;    // item.duration
+ORL_API extern const UTF16String kPropertyKey_InPoint;         // in.point
+ORL_API extern const UTF16String kPropertyKey_OutPoint;        // out.point
+ORL_API extern const UTF16String kPropertyKey_AudioDisplay;    // audio.display
+ORL_API extern const UTF16String kPropertyKey_WorkInPoint;     // workin.point
+ORL_API extern const UTF16String kPropertyKey_WorkOutPoint;    // workout.point
+ORL_API extern const UTF16String kPropertyKey_FrameSize;       // frame.size
+ORL_API extern const UTF16String kPropertyKey_AspectRatio;     // aspect.ratio
+ORL_API extern const UTF16String kPropertyKey_HasAlpha;        // has.alpha
+ORL_API extern const UTF16String kPropertyKey_SampleSize;      // sample.size
+ORL_API extern const UTF16String kPropertyKey_ChannelType;     // channel.type
+ORL_API extern const UTF16String kPropertyKey_AudioTrackCount; // audio.track.count
 
 } // namespace ORL

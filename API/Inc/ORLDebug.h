@@ -52,40 +52,40 @@ ORL_API void ThrowOutputContractError();
 
 #define ORL_BREAKPOINT_TRAP() __asm__ volatile("int3")
 
-#define ORL_ASSERT_MESSAGE_AT(expression, text, message, file, line, function)                                \
-    do {                                                                                                      \
-        static ::ORL::Debug::IgnoreFlag sOrlIgnore{false};                                                    \
-        if (!sOrlIgnore.load(std::memory_order_relaxed) && !(expression)) {                                   \
-            if (::ORL::Debug::ReportAssert(sOrlIgnore, text, message, file, line, function)) {                \
-                ORL_BREAKPOINT_TRAP();                                                                        \
-            }                                                                                                 \
-        }                                                                                                     \
-    } while (false)
+#define ORL_ASSERT_MESSAGE_AT(expression, text, message, file, line, function)                                         \
+  do {                                                                                                                 \
+    static ::ORL::Debug::IgnoreFlag sOrlIgnore{false};                                                                 \
+    if (!sOrlIgnore.load(std::memory_order_relaxed) && !(expression)) {                                                \
+      if (::ORL::Debug::ReportAssert(sOrlIgnore, text, message, file, line, function)) {                               \
+        ORL_BREAKPOINT_TRAP();                                                                                         \
+      }                                                                                                                \
+    }                                                                                                                  \
+  } while (false)
 
 // Each form stringises its own argument, so that a macro inside the expression is shown as written.
-#define ORL_ASSERT_AT(expression, file, line, function)                                                       \
-    ORL_ASSERT_MESSAGE_AT(expression, #expression, "", file, line, function)
-#define ORL_ASSERT_IN(expression, function)                                                                   \
-    ORL_ASSERT_MESSAGE_AT(expression, #expression, "", __FILE__, __LINE__, function)
-#define ORL_ASSERT_MESSAGE_IN(expression, message, function)                                                  \
-    ORL_ASSERT_MESSAGE_AT(expression, #expression, message, __FILE__, __LINE__, function)
+#define ORL_ASSERT_AT(expression, file, line, function)                                                                \
+  ORL_ASSERT_MESSAGE_AT(expression, #expression, "", file, line, function)
+#define ORL_ASSERT_IN(expression, function)                                                                            \
+  ORL_ASSERT_MESSAGE_AT(expression, #expression, "", __FILE__, __LINE__, function)
+#define ORL_ASSERT_MESSAGE_IN(expression, message, function)                                                           \
+  ORL_ASSERT_MESSAGE_AT(expression, #expression, message, __FILE__, __LINE__, function)
 #define ORL_ASSERT(expression) ORL_ASSERT_MESSAGE_AT(expression, #expression, "", __FILE__, __LINE__, __func__)
 
-#define ORL_CONTRACT_AT_(expression, text, file, line, raise)                                                 \
-    do {                                                                                                      \
-        if (!(expression)) {                                                                                  \
-            if (::ORL::Debug::ReportContract(text, file, line)) {                                             \
-                ORL_BREAKPOINT_TRAP();                                                                        \
-            }                                                                                                 \
-            raise();                                                                                          \
-        }                                                                                                     \
-    } while (false)
+#define ORL_CONTRACT_AT_(expression, text, file, line, raise)                                                          \
+  do {                                                                                                                 \
+    if (!(expression)) {                                                                                               \
+      if (::ORL::Debug::ReportContract(text, file, line)) {                                                            \
+        ORL_BREAKPOINT_TRAP();                                                                                         \
+      }                                                                                                                \
+      raise();                                                                                                         \
+    }                                                                                                                  \
+  } while (false)
 
-#define ORL_INPUT_CONTRACT_AT(expression, file, line)                                                         \
-    ORL_CONTRACT_AT_(expression, #expression, file, line, ::ORL::Debug::ThrowInputContractError)
-#define ORL_OUTPUT_CONTRACT_AT(expression, file, line)                                                        \
-    ORL_CONTRACT_AT_(expression, #expression, file, line, ::ORL::Debug::ThrowOutputContractError)
-#define ORL_INPUT_CONTRACT(expression)                                                                        \
-    ORL_CONTRACT_AT_(expression, #expression, __FILE__, __LINE__, ::ORL::Debug::ThrowInputContractError)
-#define ORL_OUTPUT_CONTRACT(expression)                                                                       \
-    ORL_CONTRACT_AT_(expression, #expression, __FILE__, __LINE__, ::ORL::Debug::ThrowOutputContractError)
+#define ORL_INPUT_CONTRACT_AT(expression, file, line)                                                                  \
+  ORL_CONTRACT_AT_(expression, #expression, file, line, ::ORL::Debug::ThrowInputContractError)
+#define ORL_OUTPUT_CONTRACT_AT(expression, file, line)                                                                 \
+  ORL_CONTRACT_AT_(expression, #expression, file, line, ::ORL::Debug::ThrowOutputContractError)
+#define ORL_INPUT_CONTRACT(expression)                                                                                 \
+  ORL_CONTRACT_AT_(expression, #expression, __FILE__, __LINE__, ::ORL::Debug::ThrowInputContractError)
+#define ORL_OUTPUT_CONTRACT(expression)                                                                                \
+  ORL_CONTRACT_AT_(expression, #expression, __FILE__, __LINE__, ::ORL::Debug::ThrowOutputContractError)

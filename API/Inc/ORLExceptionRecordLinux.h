@@ -16,14 +16,14 @@
 
 #if defined(__linux__)
 
-#include <cstdint>
-#include <signal.h>
+#  include <cstdint>
+#  include <signal.h>
 
 /// Has the layout of 64-bit Windows, 152 bytes.
 struct _EXCEPTION_RECORD
 {
     std::uint32_t ExceptionCode;
-    std::uint32_t ExceptionFlags; ///< 0: execution can continue; 1: it cannot
+    std::uint32_t ExceptionFlags;       ///< 0: execution can continue; 1: it cannot
     _EXCEPTION_RECORD* ExceptionRecord; ///< the exception during whose handling this one occurred, or null
     void* ExceptionAddress;             ///< address of the instruction that failed
     std::uint32_t NumberParameters;     ///< number of values set in ExceptionInformation; the others are 0
@@ -49,8 +49,7 @@ namespace Linux {
 /// A signal sent by another process, or by raise(), has the same code with no address and no parameter. Returns false
 /// for every other signal and leaves outRecord unchanged. Async-signal-safe: allocates nothing, takes no lock and makes
 /// no system call. Thread-safe. Never throws.
-ORL_API bool MakeExceptionRecord(const siginfo_t& inInfo, const void* inContext,
-                                 _EXCEPTION_RECORD& outRecord) noexcept;
+ORL_API bool MakeExceptionRecord(const siginfo_t& inInfo, const void* inContext, _EXCEPTION_RECORD& outRecord) noexcept;
 
 } // namespace Linux
 } // namespace ORL

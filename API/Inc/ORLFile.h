@@ -65,11 +65,11 @@ struct FilePointerMoveMethod
     enum Type : int { kFilePointer_Begin = 0, kFilePointer_Current = 1, kFilePointer_End = 2 };
 };
 
-#define ORL_COMBINE_FLAGS(scope)                                                                              \
-    constexpr scope::Type operator|(scope::Type inLeft, scope::Type inRight) noexcept                         \
-    {                                                                                                         \
-        return static_cast<scope::Type>(static_cast<int>(inLeft) | static_cast<int>(inRight));                \
-    }
+#define ORL_COMBINE_FLAGS(scope)                                                                                       \
+  constexpr scope::Type operator|(scope::Type inLeft, scope::Type inRight) noexcept                                    \
+  {                                                                                                                    \
+    return static_cast<scope::Type>(static_cast<int>(inLeft) | static_cast<int>(inRight));                             \
+  }
 ORL_COMBINE_FLAGS(FileAccessFlags)
 ORL_COMBINE_FLAGS(FileShareModeFlags)
 ORL_COMBINE_FLAGS(FileCreateDispositionFlags)

@@ -149,8 +149,9 @@ struct IdentifierAt
 template <class First, class Second>
 constexpr bool ShareIdentifier()
 {
-    return !std::is_same_v<First, Second>
-           && std::is_same_v<IdentifierAt<&First::kInterfaceID>, IdentifierAt<&Second::kInterfaceID>>;
+    return !std::is_same_v<
+               First,
+               Second> && std::is_same_v<IdentifierAt<&First::kInterfaceID>, IdentifierAt<&Second::kInterfaceID>>;
 }
 
 template <class Answer, class... Others>

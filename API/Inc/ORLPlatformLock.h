@@ -13,17 +13,17 @@
 
 #if ORL_LOCK_IS_OURS
 
-#include <atomic>
-#include <cstdint>
+#  include <atomic>
+#  include <cstdint>
 
 // The thread sanitizer follows the lock through its atomic word. Annotated as a mutex, it also detects lock order
 // inversions.
-#if ORL_THREAD_SANITIZER
-#include <sanitizer/tsan_interface.h>
-#define ORL_TELL_SANITIZER(call) call
-#else
-#define ORL_TELL_SANITIZER(call)
-#endif
+#  if ORL_THREAD_SANITIZER
+#    include <sanitizer/tsan_interface.h>
+#    define ORL_TELL_SANITIZER(call) call
+#  else
+#    define ORL_TELL_SANITIZER(call)
+#  endif
 
 namespace ORL {
 namespace Internal {
@@ -40,12 +40,9 @@ namespace Internal {
 class PlatformLock
 {
 public:
-#if ORL_THREAD_SANITIZER
-    ~PlatformLock()
-    {
-        __tsan_mutex_destroy(this, __tsan_mutex_linker_init);
-    }
-#endif
+#  if ORL_THREAD_SANITIZER
+    ~PlatformLock() { __tsan_mutex_destroy(this, __tsan_mutex_linker_init); }
+#  endif
 
     void Lock()
     {
@@ -105,16 +102,10 @@ private:
         return word;
     }
 
-    std::uintptr_t Holder() const
-    {
-        return mWord.load(std::memory_order_relaxed) & ~kSleepers;
-    }
+    std::uintptr_t Holder() const { return mWord.load(std::memory_order_relaxed) & ~kSleepers; }
 
     // The sanitizer must be notified before each acquisition, except a recursive one.
-    bool ChecksOwnerFirst() const
-    {
-        return ORL_THREAD_SANITIZER || mOwnerChecks.load(std::memory_order_relaxed) != 0;
-    }
+    bool ChecksOwnerFirst() const { return ORL_THREAD_SANITIZER || mOwnerChecks.load(std::memory_order_relaxed) != 0; }
 
     // Locks recursively if the thread is the owner. Returns whether the thread is the owner.
     bool TakeAgain(std::uintptr_t inSelf)
@@ -145,8 +136,9 @@ private:
     bool SpinAndTake(std::uintptr_t inSelf);
 
     std::atomic<std::uintptr_t> mWord{0};
-    std::uint32_t mDepth = 0;             // recursive locks by the owner; only the owner accesses it
-    std::atomic<std::uint32_t> mOwnerChecks{0}; // lock operations that still test first; a hint that any thread may write
+    std::uint32_t mDepth = 0; // recursive locks by the owner; only the owner accesses it
+    std::atomic<std::uint32_t> mOwnerChecks{
+        0}; // lock operations that still test first; a hint that any thread may write
 };
 
 } // namespace Internal

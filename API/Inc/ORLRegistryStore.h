@@ -63,10 +63,10 @@ struct RegistryStoreState
         std::string mReason; ///< empty if it could not be recorded
     };
 
-    bool mIsWhole = true;           ///< false if the store cannot be used or the check found errors
-    std::string mProblem;           ///< description of the problem for the user; empty if there is no problem
-    std::string mPlace;             ///< host path of the database; empty if the OS has its own registry
-    unsigned __int64 mBytes = 0;    ///< size of the database and its journal; 0 if there is none yet
+    bool mIsWhole = true;            ///< false if the store cannot be used or the check found errors
+    std::string mProblem;            ///< description of the problem for the user; empty if there is no problem
+    std::string mPlace;              ///< host path of the database; empty if the OS has its own registry
+    unsigned __int64 mBytes = 0;     ///< size of the database and its journal; 0 if there is none yet
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 
@@ -76,7 +76,8 @@ namespace RegistryStore {
 
 /// Replaces the contents of outNames with the names of the direct subkeys, in the system's order. An empty path denotes
 /// the root itself.
-ORL_API Result ListSubKeys(RegistryRootKeys::Type inRoot, const UTF16String& inPath, std::vector<UTF16String>& outNames);
+ORL_API Result ListSubKeys(RegistryRootKeys::Type inRoot, const UTF16String& inPath,
+                           std::vector<UTF16String>& outNames);
 
 /// Replaces the contents of outValues with all values of a key.
 ORL_API Result ListValues(RegistryRootKeys::Type inRoot, const UTF16String& inPath,

@@ -45,8 +45,7 @@ struct FilePicture
 {
     unsigned int mWidth = 0;
     unsigned int mHeight = 0;
-    std::vector<std::uint32_t>
-        mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
+    std::vector<std::uint32_t> mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
 /// One open file. Files may be damaged or hostile: a reader never reads outside their bytes, and needs time and memory

@@ -13,19 +13,18 @@
 //   - ORL_BENCH_QUICK=1 makes rounds of 1 ms and 3 repetitions: it shows that a benchmark runs, not how fast it is.
 //   - ORL_BENCH_STRICT=1 makes Finish() return 1 if a goal was missed.
 //   - The first argument of a program, if any, selects the groups whose title contains it.
-// 
+//
 // Example
 //   int main(int argc, char** argv)
 //   {
 //       Bench::Start(argc, argv);
 //       Bench::Group("lock and unlock, uncontended")
-//           .Ours("CriticalSection", Bench::AtMost(0.85), [&](std::uint64_t n) { while (n-- != 0) { a.Lock(); a.Unlock(); } })
-//           .Peer("std::recursive_mutex", [&](std::uint64_t n) { while (n-- != 0) { b.lock(); b.unlock(); } })
-//           .Run();
+//           .Ours("CriticalSection", Bench::AtMost(0.85), [&](std::uint64_t n) { while (n-- != 0) { a.Lock();
+//           a.Unlock(); } }) .Peer("std::recursive_mutex", [&](std::uint64_t n) { while (n-- != 0) { b.lock();
+//           b.unlock(); } }) .Run();
 //       Bench::Group("lock and unlock, two threads").Threads(2)
-//           .Ours("...", Bench::AtMost(1.1, "boost"), [&](std::uint64_t n, unsigned thread) { ... })  // against one named peer
-//           .Peer("boost", ...)
-//           .Run();
+//           .Ours("...", Bench::AtMost(1.1, "boost"), [&](std::uint64_t n, unsigned thread) { ... })  // against one
+//           named peer .Peer("boost", ...) .Run();
 //       return Bench::Finish();
 //   }
 //
@@ -248,16 +247,32 @@ public:
     explicit Group(std::string inTitle) : mTitle(std::move(inTitle)) {}
 
     /// The number of threads that run each body concurrently; 1 by default.
-    Group& Threads(unsigned inCount) { mThreads = inCount; return *this; }
+    Group& Threads(unsigned inCount)
+    {
+        mThreads = inCount;
+        return *this;
+    }
 
     /// Operation counts are multiples of inStep, for instance a batch size.
-    Group& Step(std::uint64_t inStep) { mStep = inStep; return *this; }
+    Group& Step(std::uint64_t inStep)
+    {
+        mStep = inStep;
+        return *this;
+    }
 
     /// Sets a fixed number of operations per round instead of a calibrated one.
-    Group& Operations(std::uint64_t inOperations) { mFixedOperations = inOperations; return *this; }
+    Group& Operations(std::uint64_t inOperations)
+    {
+        mFixedOperations = inOperations;
+        return *this;
+    }
 
     /// The number of repetitions, at least 9.
-    Group& Repetitions(unsigned inCount) { mRepetitions = std::max(9u, inCount); return *this; }
+    Group& Repetitions(unsigned inCount)
+    {
+        mRepetitions = std::max(9u, inCount);
+        return *this;
+    }
 
     /// The unit of the figure, and whether more is better. The default is "ns", less is better.
     Group& Unit(std::string inUnit, bool inMoreIsBetter = false)
@@ -355,7 +370,7 @@ private:
                 Rival& rival = mRivals[(repetition + i) % mRivals.size()];
                 const double figure = inTeam.Run(rival.mBody, rival.mOperations, rival.mReturnsFigure);
                 rival.mFigures.push_back(rival.mReturnsFigure ? figure
-                                                            : figure / static_cast<double>(rival.mOperations));
+                                                              : figure / static_cast<double>(rival.mOperations));
             }
         }
     }

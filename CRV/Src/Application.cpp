@@ -47,10 +47,7 @@ TextStorage sStorage;
 class HostText
 {
 public:
-    constexpr explicit HostText(const char* inDefault) noexcept
-        : mDefault(inDefault), mCurrent(inDefault)
-    {
-    }
+    constexpr explicit HostText(const char* inDefault) noexcept : mDefault(inDefault), mCurrent(inDefault) {}
 
     HostText(const HostText&) = delete;
     HostText& operator=(const HostText&) = delete;

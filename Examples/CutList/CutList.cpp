@@ -65,8 +65,9 @@ TimeDisplay FormatOf(const FrameRate& inRate, bool inIsDrop)
     if (inIsDrop) {
         throw Fault("drop-frame goes with NTSC alone");
     }
-    return inRate == kFrameRate_Film24 ? kTimeDisplay_24Timecode
-                                       : inRate == kFrameRate_VideoPAL ? kTimeDisplay_25Timecode : kTimeDisplay_30Timecode;
+    return inRate == kFrameRate_Film24     ? kTimeDisplay_24Timecode
+           : inRate == kFrameRate_VideoPAL ? kTimeDisplay_25Timecode
+                                           : kTimeDisplay_30Timecode;
 }
 
 bool IsCode(const std::string& inText)
@@ -286,8 +287,10 @@ void PrintReport(const CutList& inList)
 
 FrameRate RateOf(const std::string& inText)
 {
-    return inText == "24" ? kFrameRate_Film24
-                          : inText == "25" ? kFrameRate_VideoPAL : inText == "30" ? kFrameRate_Video30 : kFrameRate_Zero;
+    return inText == "24"   ? kFrameRate_Film24
+           : inText == "25" ? kFrameRate_VideoPAL
+           : inText == "30" ? kFrameRate_Video30
+                            : kFrameRate_Zero;
 }
 
 int Run(const std::string& inFile, const FrameRate& inRate, bool inPrints)

@@ -57,7 +57,8 @@ private:
 PLUG_IN_EXPORT void RegisterEffects()
 {
     ORL::ClassFactory::RegisterORLClass(Clip::kClassID, "clip", "shapes", &CreateEffect<Clip>, &InEffects);
-    ORL::ClassFactory::RegisterORLClass(Unlicensed::kClassID, "unlicensed", "shapes", &CreateEffect<Unlicensed>, &InEffects);
+    ORL::ClassFactory::RegisterORLClass(Unlicensed::kClassID, "unlicensed", "shapes", &CreateEffect<Unlicensed>,
+                                        &InEffects);
     ORL::ClassFactory::RegisterORLClass(ClipInverted::kClassID, "clip, inverted", "shapes", &CreateEffect<ClipInverted>,
                                         &InEffects);
 }

@@ -71,7 +71,8 @@ using Queue = ORL::InterfaceRef<ORL::ThreadedWorkQueue>;
 using Request = ORL::InterfaceRef<FindPeaks>;
 
 // Returns false if the queue refused a request.
-bool QueueRequests(const Queue& inQueue, std::vector<Sound>& ioSounds, std::size_t inColumns, std::vector<Request>& outRequests)
+bool QueueRequests(const Queue& inQueue, std::vector<Sound>& ioSounds, std::size_t inColumns,
+                   std::vector<Request>& outRequests)
 {
     bool allTaken = true;
     for (Sound& sound : ioSounds) {

@@ -32,7 +32,8 @@ double Covered(std::size_t inRow, double inTop, double inBottom)
     return std::clamp(std::min(inBottom, row + 1) - std::max(inTop, row), 0.0, 1.0);
 }
 
-void PaintBar(Picture& ioPicture, const Rectangle& inLane, std::size_t inColumn, double inTop, double inBottom, double inLight)
+void PaintBar(Picture& ioPicture, const Rectangle& inLane, std::size_t inColumn, double inTop, double inBottom,
+              double inLight)
 {
     const double height = static_cast<double>(inLane.mHeight);
     const std::size_t first = static_cast<std::size_t>(std::max(inTop, 0.0));
@@ -123,7 +124,8 @@ void PaintCard(Picture& ioPicture, const Sound& inSound, const Rectangle& inCard
     ioPicture.FillRounded(inCard, 10, kCard);
     const std::string facts = Facts(inSound.mFormat);
     const std::size_t right = inCard.mLeft + inCard.mWidth - kInset;
-    ioPicture.Write(inCard.mLeft + kInset, inCard.mTop + 16, reinterpret_cast<const char*>(inSound.mName.c_str()), 2, kTitle);
+    ioPicture.Write(inCard.mLeft + kInset, inCard.mTop + 16, reinterpret_cast<const char*>(inSound.mName.c_str()), 2,
+                    kTitle);
     ioPicture.Write(right - Picture::TextWidth(facts, 1), inCard.mTop + 22, facts, 1, kFacts);
     Rectangle lane{inCard.mLeft + kInset, inCard.mTop + kHeader, inCard.mWidth - 2 * kInset, kLaneHeight};
     for (const std::vector<Peak>& peaks : inSound.mPeaks) {

@@ -112,8 +112,7 @@ WavFormat ReadWavFormat(const std::string& inPath)
 float DecodeSample(WavFormat::Coding inCoding, const unsigned char* inBytes)
 {
     switch (inCoding) {
-    case WavFormat::Coding::kUnsigned8:
-        return (static_cast<float>(inBytes[0]) - 128.0f) / 128.0f;
+    case WavFormat::Coding::kUnsigned8: return (static_cast<float>(inBytes[0]) - 128.0f) / 128.0f;
     case WavFormat::Coding::kSigned16:
         return static_cast<float>(static_cast<std::int16_t>(Number(inBytes, 2))) / 32768.0f;
     case WavFormat::Coding::kSigned24:

@@ -79,12 +79,9 @@ void KeepLanguage(const std::string& inLanguage)
 const char* Greeting()
 {
     switch (ORL::GetPrimaryLanguageID()) {
-    case ORL::kLanguage_German:
-        return "Guten Tag";
-    case ORL::kLanguage_French:
-        return "Bonjour";
-    default:
-        return "Good day";
+    case ORL::kLanguage_German: return "Guten Tag";
+    case ORL::kLanguage_French: return "Bonjour";
+    default: return "Good day";
     }
 }
 

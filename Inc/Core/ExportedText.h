@@ -1,8 +1,8 @@
 // Constant texts that the library exports.
 #pragma once
 
-#include <ORLConfig.h>
 #include <Core/UntilUnload.h>
+#include <ORLConfig.h>
 #include <tvxcore/String.h>
 
 namespace ORL {
@@ -13,13 +13,13 @@ namespace ORL {
 // Defines a constant that a header declares as `const UTF16String`. Threads of a host may use its text during process
 // exit, so it is an UntilUnload under the constant's linker symbol. inSymbol is that symbol without the ABI tag that
 // the standard library adds to strings.
-#define ORL_PRIVATE_TEXT(inName, inSymbol, inText)                                                                    \
-    extern UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                                    \
-    ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))
+#define ORL_PRIVATE_TEXT(inName, inSymbol, inText)                                                                     \
+  extern UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                                       \
+  ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))
 
 // Same as ORL_PRIVATE_TEXT, for a constant that other libraries can access.
-#define ORL_EXPORTED_TEXT(inName, inSymbol, inText)                                                                   \
-    extern ORL_API UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                            \
-    ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))
+#define ORL_EXPORTED_TEXT(inName, inSymbol, inText)                                                                    \
+  extern ORL_API UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                               \
+  ORL_BUILT_FIRST UntilUnload<const UTF16String> s_##inName(TVX_UTF16(inText))
 
 } // namespace ORL

@@ -6,9 +6,9 @@
 #include <ORLImpl.h>
 #include <ORLResult.h>
 
+#include <Platform/AsyncFiles.h>
 #include <Threads/AsyncReadRequestBusyList.h>
 #include <Threads/AsyncReadRequestPool.h>
-#include <Platform/AsyncFiles.h>
 
 #include <cstdint>
 

@@ -1,8 +1,8 @@
 // Shared by the HSV and HSL families: channels, sectors, hues, and the stored integer forms.
 #pragma once
 
-#include <ORLColor.h>
 #include <Core/Wrapping.h>
+#include <ORLColor.h>
 
 #include <cmath>
 

@@ -60,36 +60,21 @@ constexpr auto VisitFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const Known
 {
     using namespace tvxmediatypes;
     switch (inTimeDisplay) {
-    case kTimeDisplay_24Timecode:
-        return inKnown(FormatConstant<0>());
-    case kTimeDisplay_25Timecode:
-        return inKnown(FormatConstant<1>());
-    case kTimeDisplay_2997DropTimecode:
-        return inKnown(FormatConstant<2>());
-    case kTimeDisplay_2997NonDropTimecode:
-        return inKnown(FormatConstant<3>());
-    case kTimeDisplay_30Timecode:
-        return inKnown(FormatConstant<4>());
-    case kTimeDisplay_50Timecode:
-        return inKnown(FormatConstant<5>());
-    case kTimeDisplay_5994DropTimecode:
-        return inKnown(FormatConstant<6>());
-    case kTimeDisplay_5994NonDropTimecode:
-        return inKnown(FormatConstant<7>());
-    case kTimeDisplay_60Timecode:
-        return inKnown(FormatConstant<8>());
-    case kTimeDisplay_Frames:
-        return inKnown(FormatConstant<9>());
-    case kTimeDisplay_23976Timecode:
-        return inKnown(FormatConstant<10>());
-    case kTimeDisplay_16mmFeetFrames:
-        return inKnown(FormatConstant<11>());
-    case kTimeDisplay_35mmFeetFrames:
-        return inKnown(FormatConstant<12>());
-    case kTimeDisplay_AudioSamplesTimecode:
-        return inKnown(FormatConstant<13>());
-    case kTimeDisplay_AudioMsTimecode:
-        return inKnown(FormatConstant<14>());
+    case kTimeDisplay_24Timecode: return inKnown(FormatConstant<0>());
+    case kTimeDisplay_25Timecode: return inKnown(FormatConstant<1>());
+    case kTimeDisplay_2997DropTimecode: return inKnown(FormatConstant<2>());
+    case kTimeDisplay_2997NonDropTimecode: return inKnown(FormatConstant<3>());
+    case kTimeDisplay_30Timecode: return inKnown(FormatConstant<4>());
+    case kTimeDisplay_50Timecode: return inKnown(FormatConstant<5>());
+    case kTimeDisplay_5994DropTimecode: return inKnown(FormatConstant<6>());
+    case kTimeDisplay_5994NonDropTimecode: return inKnown(FormatConstant<7>());
+    case kTimeDisplay_60Timecode: return inKnown(FormatConstant<8>());
+    case kTimeDisplay_Frames: return inKnown(FormatConstant<9>());
+    case kTimeDisplay_23976Timecode: return inKnown(FormatConstant<10>());
+    case kTimeDisplay_16mmFeetFrames: return inKnown(FormatConstant<11>());
+    case kTimeDisplay_35mmFeetFrames: return inKnown(FormatConstant<12>());
+    case kTimeDisplay_AudioSamplesTimecode: return inKnown(FormatConstant<13>());
+    case kTimeDisplay_AudioMsTimecode: return inKnown(FormatConstant<14>());
     }
     return inUnknown();
 }

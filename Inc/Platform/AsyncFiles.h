@@ -41,8 +41,8 @@ struct Overlapped
 /// One packet of a port.
 struct Completion
 {
-    Overlapped* mOverlapped;  // null for an empty packet
-    std::uint32_t mBytesRead; // 0 for a read that failed
+    Overlapped* mOverlapped;                          // null for an empty packet
+    std::uint32_t mBytesRead;                         // 0 for a read that failed
     SystemError mStartError = SystemErrors::kNoError; // the failure of a start, if detected late
 };
 

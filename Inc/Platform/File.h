@@ -65,8 +65,7 @@ void CloseFile_Impl(Handle inFile);
 SystemError ReadFile_Impl(Handle inFile, void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
 
 /// Writes at the file's position and advances it. Sets outBytesWritten even on failure.
-SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t inCount,
-                           std::uint32_t& outBytesWritten);
+SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t inCount, std::uint32_t& outBytesWritten);
 
 /// Moves the file's position and stores the new one, unless outPosition is null. Returns the system's result: not 0 for
 /// success; 0 for a failure, with position and outPosition unchanged.

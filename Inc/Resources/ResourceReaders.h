@@ -40,8 +40,8 @@ ReadOutcome ReadPEFile(const Bytes& inFile, ResourceIndex& ioIndex);
 ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
 /// The location of a .res file in a shared object. For each .res file there is an ELF note of owner "ORL", with the
-/// distance from the note's contents to the .res file, and the size of the .res file. A reader therefore needs no symbol,
-/// neither in the loaded image nor in the file.
+/// distance from the note's contents to the .res file, and the size of the .res file. A reader therefore needs no
+/// symbol, neither in the loaded image nor in the file.
 struct ResourceNote
 {
     std::size_t mOffset;    // offset of the note's contents in the bytes of the notes

@@ -1,8 +1,8 @@
 // The process's table of interned texts.
 #pragma once
 
-#include <Strings/ImmutableStringRecord.h>
 #include <ORLCriticalSection.h>
+#include <Strings/ImmutableStringRecord.h>
 #include <Strings/ReaderSlots.h>
 #include <tvxcore/SmallBlockAllocator.h>
 

@@ -42,14 +42,14 @@ namespace Sync {
 
 /// Steps that the model checks omit one by one, to prove that they detect each omission.
 enum class Step {
-    kGateSecondRead,            // WaitableGate::Wait reads the flag again under the mutex
-    kGateGenerationEndsSleep,   // a new generation ends a sleep, not the flag
-    kGatePoolClosesFirst,       // ReturnGate closes the gate before other threads can take it
-    kRequestPoolClaims,         // a record is claimed by compare-and-set, not by a load and a store
-    kBusyListOpensGate,         // the removal of the last request opens the gate
-    kBusyListCountsWaiters,     // only the last waiter returns the gate
-    kFlushWaitsForPrevious, // after its claim a flush waits until the items of the previous one have left
-    kFlushYields,              // a flush that cannot claim the object yields before it retries
+    kGateSecondRead,          // WaitableGate::Wait reads the flag again under the mutex
+    kGateGenerationEndsSleep, // a new generation ends a sleep, not the flag
+    kGatePoolClosesFirst,     // ReturnGate closes the gate before other threads can take it
+    kRequestPoolClaims,       // a record is claimed by compare-and-set, not by a load and a store
+    kBusyListOpensGate,       // the removal of the last request opens the gate
+    kBusyListCountsWaiters,   // only the last waiter returns the gate
+    kFlushWaitsForPrevious,   // after its claim a flush waits until the items of the previous one have left
+    kFlushYields,             // a flush that cannot claim the object yields before it retries
 };
 
 struct SystemPolicy

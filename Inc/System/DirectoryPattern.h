@@ -54,10 +54,7 @@ private:
         return PatternPiece::Text(inBegin, static_cast<std::size_t>(inEnd - inBegin));
     }
 
-    PatternPiece Literal() const
-    {
-        return {Between(mNext, std::find(mNext, mEnd, '$')), PatternPiece::Text()};
-    }
+    PatternPiece Literal() const { return {Between(mNext, std::find(mNext, mEnd, '$')), PatternPiece::Text()}; }
 
     PatternPiece Reference() const
     {

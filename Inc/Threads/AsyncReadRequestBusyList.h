@@ -86,8 +86,7 @@ public:
     }
 
 private:
-    using Requests = std::set<Request*, std::less<Request*>,
-                              typename Policy::template StlAllocator<Request*>>;
+    using Requests = std::set<Request*, std::less<Request*>, typename Policy::template StlAllocator<Request*>>;
 
     // Returns null if there is nothing to wait for.
     typename Policy::Gate* JoinWaiters()

@@ -1,4 +1,4 @@
-#include <Sync/Backoff.h>
+#include <Core/Backoff.h>
 
 #include <Platform/Waiting.h>
 

@@ -6,21 +6,15 @@ namespace Win {
 Result SystemErrorToORLResult(unsigned long inSystemError)
 {
     switch (inSystemError) {
-    case 2:
-        return kFileNotFound;
-    case 3:
-        return kPathNotFound;
-    case 5:
-        return kAccessDenied;
-    case 32:
-        return kSharingViolation;
+    case 2: return kFileNotFound;
+    case 3: return kPathNotFound;
+    case 5: return kAccessDenied;
+    case 32: return kSharingViolation;
     case 39:  // disk full, reported for a handle
     case 112: // disk full
         return kDiskFull;
-    case 183:
-        return kAlreadyExists;
-    default:
-        return kGeneralFailure;
+    case 183: return kAlreadyExists;
+    default: return kGeneralFailure;
     }
 }
 

@@ -1,7 +1,7 @@
 #include <ORLDebugDatabase.h>
 
-#include <Diagnostics/DebugDatabaseLifecycle.h>
 #include <Core/Immortal.h>
+#include <Diagnostics/DebugDatabaseLifecycle.h>
 #include <ORLCriticalSection.h>
 #include <ORLHostSettings.h>
 #include <ORLRegistryKey.h>

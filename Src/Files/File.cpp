@@ -2,10 +2,10 @@
 #include <Files/FileImpl.h>
 
 #include <Files/FileBufferFactory.h>
+#include <Files/PathForms.h>
 #include <ORLDebug.h>
 #include <ORLDiskUtils.h>
 #include <ORLPathUtils.h>
-#include <Files/PathForms.h>
 
 #include <algorithm>
 
@@ -52,9 +52,9 @@ bool File::PrivateImpl::SetUpBuffer(const UTF16String& inFullPath)
     return static_cast<bool>(mFileBuffer);
 }
 
-Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAccess,
-                    FileShareModeFlags::Type inShareMode, FileCreateDispositionFlags::Type inDisposition,
-                    FileAttributesFlags::Type inAttributes, bool inAllowDirectory)
+Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
+                    FileCreateDispositionFlags::Type inDisposition, FileAttributesFlags::Type inAttributes,
+                    bool inAllowDirectory)
 {
     ORL_INPUT_CONTRACT_AT(!IsOpen(), "WinFile", __LINE__);
     if (IsOpen()) {

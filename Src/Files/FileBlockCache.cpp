@@ -77,18 +77,13 @@ std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveM
     const std::int64_t size = static_cast<std::int64_t>(GetSize());
     std::int64_t target = mPosition;
     switch (inMethod) {
-    case FilePointerMoveMethod::kFilePointer_Begin:
-        target = inOffset;
-        break;
+    case FilePointerMoveMethod::kFilePointer_Begin: target = inOffset; break;
     case FilePointerMoveMethod::kFilePointer_Current:
-        target = static_cast<std::int64_t>(static_cast<std::uint64_t>(inOffset) + static_cast<std::uint64_t>(mPosition));
+        target =
+            static_cast<std::int64_t>(static_cast<std::uint64_t>(inOffset) + static_cast<std::uint64_t>(mPosition));
         break;
-    case FilePointerMoveMethod::kFilePointer_End:
-        target = inOffset < 1 ? size + inOffset : size - inOffset;
-        break;
-    default:
-        ORL_ASSERT_AT(false, "WinFile", __LINE__, "ORL::File::SetFilePointer");
-        break;
+    case FilePointerMoveMethod::kFilePointer_End: target = inOffset < 1 ? size + inOffset : size - inOffset; break;
+    default: ORL_ASSERT_AT(false, "WinFile", __LINE__, "ORL::File::SetFilePointer"); break;
     }
     return std::min(std::max<std::int64_t>(target, 0), size);
 }

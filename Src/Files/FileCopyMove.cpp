@@ -30,18 +30,12 @@ bool ReportProgress(std::uint64_t inTotal, std::uint64_t inTransferred, void* in
 Result ResultOfCopy(SystemError inError)
 {
     switch (inError) {
-    case kNoError:
-        return kSuccess;
-    case kErrorFileNotFound:
-        return kFileNotFound;
-    case kErrorPathNotFound:
-        return kPathNotFound;
-    case kErrorAccessDenied:
-        return kAccessDenied;
-    case kErrorRequestAborted:
-        return kOperationAborted;
-    default:
-        return kDiskFull;
+    case kNoError: return kSuccess;
+    case kErrorFileNotFound: return kFileNotFound;
+    case kErrorPathNotFound: return kPathNotFound;
+    case kErrorAccessDenied: return kAccessDenied;
+    case kErrorRequestAborted: return kOperationAborted;
+    default: return kDiskFull;
     }
 }
 

@@ -76,12 +76,9 @@ std::uint32_t SystemFlags(FileAttributesFlags::Type inAttributes) noexcept
 std::uint32_t SystemMoveMethod(FilePointerMoveMethod::Type inMethod) noexcept
 {
     switch (inMethod) {
-    case FilePointerMoveMethod::kFilePointer_Begin:
-        return kFromBegin;
-    case FilePointerMoveMethod::kFilePointer_End:
-        return kFromEnd;
-    default:
-        return kFromCurrent;
+    case FilePointerMoveMethod::kFilePointer_Begin: return kFromBegin;
+    case FilePointerMoveMethod::kFilePointer_End: return kFromEnd;
+    default: return kFromCurrent;
     }
 }
 

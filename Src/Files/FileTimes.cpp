@@ -11,8 +11,7 @@ using namespace Files::Platform;
 
 namespace {
 
-Result GetTimeThroughFile(const UTF16String& inPath, FileAttributesFlags::Type inAttributes,
-                          unsigned __int64& outTime)
+Result GetTimeThroughFile(const UTF16String& inPath, FileAttributesFlags::Type inAttributes, unsigned __int64& outTime)
 {
     constexpr FileShareModeFlags::Type kShareAll = FileShareModeFlags::kFileShare_Read
                                                    | FileShareModeFlags::kFileShare_Write

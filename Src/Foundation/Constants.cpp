@@ -2,10 +2,10 @@
 #define ORL_CONSTANTS_EMIT
 
 #include <Core/ExportedText.h>
+#include <Core/PropertyKeys.h>
 #include <ORLConstants.h>
 #include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
-#include <Core/PropertyKeys.h>
 
 namespace ORL {
 

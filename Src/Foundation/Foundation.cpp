@@ -1,10 +1,10 @@
 #include <ORLFoundation.h>
 
+#include <Diagnostics/DebugDatabaseLifecycle.h>
 #include <Files/AsyncFileReaderImpl.h>
 #include <Foundation/CountedLifecycle.h>
-#include <Diagnostics/DebugDatabaseLifecycle.h>
-#include <Strings/LocaleInternals.h>
 #include <Memory/MemoryRecyclerLifecycle.h>
+#include <Strings/LocaleInternals.h>
 #include <tvxcore/Trace.h>
 
 namespace ORL {

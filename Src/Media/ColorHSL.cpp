@@ -51,8 +51,8 @@ void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, float& out
                           [](float inValue, float) { return inValue; });
 }
 
-void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
-                   unsigned int& outL, bool* outHasHue, bool* outHasSaturation)
+void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS, unsigned int& outL,
+                   bool* outHasHue, bool* outHasSaturation)
 {
     const ChannelRing color = Normalized(inColor);
     const Shade shade = ShadeOf(color);

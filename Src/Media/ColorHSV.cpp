@@ -28,8 +28,8 @@ void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& out
                           [](float inValue, float) { return inValue; });
 }
 
-void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
-                   unsigned int& outV, bool* outHasHue, bool* outHasSaturation)
+void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS, unsigned int& outV,
+                   bool* outHasHue, bool* outHasSaturation)
 {
     const ChannelRing color = Normalized(inColor);
     const Shade shade = ShadeOf(color);

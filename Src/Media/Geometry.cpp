@@ -1,7 +1,7 @@
 #include <ORLGeometry.h>
 
-#include <ORLDebug.h>
 #include <Core/Wrapping.h>
+#include <ORLDebug.h>
 
 #include <algorithm>
 #include <cmath>
@@ -118,8 +118,7 @@ std::int32_t PointOnGrid(std::int32_t inStep, float inShare, std::int32_t inStar
 
 } // namespace
 
-float PointToLineSegmentDistance2D(ParamPoint<CPoint>& inPoint, ParamPoint<CPoint>& inStart,
-                                   ParamPoint<CPoint>& inEnd)
+float PointToLineSegmentDistance2D(ParamPoint<CPoint>& inPoint, ParamPoint<CPoint>& inStart, ParamPoint<CPoint>& inEnd)
 {
     const Point toPoint = Difference(inPoint, inStart);
     if (inStart == inEnd) {

@@ -1,7 +1,7 @@
 #include <ORLTimeStamp.h>
 
-#include <Platform/ProcessClock.h>
 #include <Core/Wrapping.h>
+#include <Platform/ProcessClock.h>
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #include <ORLTimecode.h>
 
-#include <ORLDebug.h>
 #include <Media/TimecodeFormats.h>
 #include <Media/TimecodeImpl.h>
 #include <Media/TimecodeStrings.h>
+#include <ORLDebug.h>
 
 #include <tvxmediatypes/Constants.h>
 

@@ -1,9 +1,9 @@
 #include <Media/TimecodeDropFrame.h>
 
-#include <ORLDebug.h>
+#include <Core/Wrapping.h>
 #include <Media/TimecodeCarry.h>
 #include <Media/TimecodeFormats.h>
-#include <Core/Wrapping.h>
+#include <ORLDebug.h>
 
 #include <tvxmediatypes/Constants.h>
 

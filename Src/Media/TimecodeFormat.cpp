@@ -1,8 +1,8 @@
 #include <Media/TimecodeImpl.h>
 
+#include <Core/Wrapping.h>
 #include <Media/TimecodeFormats.h>
 #include <Media/TimecodeStrings.h>
-#include <Core/Wrapping.h>
 
 #include <array>
 #include <cstring>

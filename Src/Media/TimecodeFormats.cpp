@@ -1,8 +1,8 @@
 #include <Media/TimecodeFormats.h>
 
-#include <ORLDebug.h>
-#include <Media/TimecodeDropFrame.h>
 #include <Core/Wrapping.h>
+#include <Media/TimecodeDropFrame.h>
+#include <ORLDebug.h>
 
 #include <tvxmediatypes/Constants.h>
 
@@ -113,9 +113,7 @@ TickTime HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrame
 {
     const TickTime time = VisitFormat(
         inTimeDisplay,
-        [&](auto inFormat) {
-            return LabelToTime(inFormat, inHours, inMinutes, inSeconds, inFrames, inFrameRate);
-        },
+        [&](auto inFormat) { return LabelToTime(inFormat, inHours, inMinutes, inSeconds, inFrames, inFrameRate); },
         [&] {
             const FrameRate rate = GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate); // reports the unknown format
             return TickTime(CountFrames(SecondsOf(inHours, inMinutes, inSeconds), rate, inFrames), rate);

@@ -1,10 +1,10 @@
 #include <Media/TimecodeImpl.h>
 
-#include <ORLDebug.h>
+#include <Core/Wrapping.h>
 #include <Media/TimecodeCarry.h>
 #include <Media/TimecodeDropFrame.h>
 #include <Media/TimecodeFormats.h>
-#include <Core/Wrapping.h>
+#include <ORLDebug.h>
 
 #include <limits>
 
@@ -33,9 +33,10 @@ FrameFormat FrameFormatOf(TimeDisplay inTimeDisplay, const FrameRate& inFrameRat
             constexpr FrameFormat format = OwnFrameFormat(decltype(inFormat)::kRow);
             return format;
         },
-        [] { return FrameFormat{0, 0}; });
-    return own.mFramesPerSecond != 0 ? own
-                                     : FrameFormatOfRate(GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate));
+        [] {
+            return FrameFormat{0, 0};
+        });
+    return own.mFramesPerSecond != 0 ? own : FrameFormatOfRate(GetFrameRateForDisplayMode(inTimeDisplay, inFrameRate));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include <Media/TimecodeStrings.h>
 
-#include <ORLDebug.h>
-#include <Media/TimecodeFormats.h>
 #include <Core/Wrapping.h>
+#include <Media/TimecodeFormats.h>
+#include <ORLDebug.h>
 
 #include <tvxmediatypes/Constants.h>
 

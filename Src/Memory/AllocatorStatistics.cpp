@@ -80,12 +80,9 @@ void TraceSubject(Subject& ioSubject, const Snapshot& inSnapshot)
 const char* StateName(std::uint32_t inState)
 {
     switch (inState) {
-    case MemoryRegions::kCommitted:
-        return "MEM_COMMIT";
-    case MemoryRegions::kFree:
-        return "MEM_FREE";
-    default:
-        return "MEM_RESERVE";
+    case MemoryRegions::kCommitted: return "MEM_COMMIT";
+    case MemoryRegions::kFree: return "MEM_FREE";
+    default: return "MEM_RESERVE";
     }
 }
 
@@ -94,7 +91,8 @@ const char* StateName(std::uint32_t inState)
 void TraceRegion(std::uint64_t inAddress, const Region& inRegion)
 {
     char address[16];
-    std::snprintf(address, sizeof(address), "0x%08lx", static_cast<unsigned long>(static_cast<std::uint32_t>(inAddress)));
+    std::snprintf(address, sizeof(address), "0x%08lx",
+                  static_cast<unsigned long>(static_cast<std::uint32_t>(inAddress)));
     if (sRegionSite.IsEnabled()) {
         TraceLine(sRegionSite) << "-- One region address: " << address
                                << "; size: " << static_cast<unsigned int>(inRegion.mSize)

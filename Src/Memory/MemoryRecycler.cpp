@@ -1,7 +1,7 @@
 #include <ORLMemoryRecycler.h>
 
-#include <Memory/BadAllocation.h>
 #include <Core/Immortal.h>
+#include <Memory/BadAllocation.h>
 #include <Memory/MemoryBufferSizes.h>
 #include <Memory/MemoryRecyclerLifecycle.h>
 #include <tvxcore/ErrorManager.h>
@@ -39,7 +39,9 @@ void DropMemoryRecycler()
     dropped.Swap(sMemoryRecycler.mValue);
 }
 
-MemoryRecycler::MemoryRecycler() : mCurrentSize(0), mMaxSize(kDefaultLimit) {}
+MemoryRecycler::MemoryRecycler() : mCurrentSize(0), mMaxSize(kDefaultLimit)
+{
+}
 
 MemoryRecycler::~MemoryRecycler()
 {

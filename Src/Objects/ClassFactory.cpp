@@ -1,9 +1,9 @@
 #include <ORLClassFactory.h>
 
-#include <Objects/ClassCategories.h>
+#include <Core/UntilUnload.h>
 #include <ORLDebug.h>
 #include <ORLException.h>
-#include <Core/UntilUnload.h>
+#include <Objects/ClassCategories.h>
 
 #include <map>
 #include <unordered_map>
@@ -139,4 +139,6 @@ InterfaceRef<ORLUnknown, ORLUnknown> CreateClassInstanceRef(const Guid& inClassI
 
 } // namespace ORL
 
-void ORLGetClassCategories(std::vector<ORL::Guid>&) {}
+void ORLGetClassCategories(std::vector<ORL::Guid>&)
+{
+}

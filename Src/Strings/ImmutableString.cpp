@@ -34,8 +34,7 @@ const unsigned short* UnitsOrEmpty(const unsigned short* inText)
 
 int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight)
 {
-    const int order =
-        std::strcmp(reinterpret_cast<const char*>(inLeft), reinterpret_cast<const char*>(inRight));
+    const int order = std::strcmp(reinterpret_cast<const char*>(inLeft), reinterpret_cast<const char*>(inRight));
     return (order > 0) - (order < 0);
 }
 
@@ -46,7 +45,9 @@ ImmutableString::ImmutableString(InternalRepresentation* inRepresentation) : mRe
     }
 }
 
-ImmutableString::ImmutableString(const ImmutableString& inOther) : ImmutableString(inOther.mRepresentation) {}
+ImmutableString::ImmutableString(const ImmutableString& inOther) : ImmutableString(inOther.mRepresentation)
+{
+}
 
 ImmutableString::~ImmutableString()
 {
@@ -84,8 +85,7 @@ unsigned __int64 ImmutableString::size() const
 
 UTF16String ImmutableString::ToString() const
 {
-    return mRepresentation != nullptr ? tvxcore::utility::UTF8to16(UTF8String(mRepresentation->Text()))
-                                      : UTF16String();
+    return mRepresentation != nullptr ? tvxcore::utility::UTF8to16(UTF8String(mRepresentation->Text())) : UTF16String();
 }
 
 int ImmutableString::Compare(const ImmutableString& inOther) const

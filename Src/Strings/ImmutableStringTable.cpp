@@ -256,7 +256,8 @@ ImmutableStringTable::Record* ImmutableStringTable::FindFrom(std::size_t inAt, c
 ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Slot& inSlot, const Key& inKey)
 {
     Record* const record = inSlot.mRecord.load(std::memory_order_acquire);
-    if (record == nullptr || inSlot.mHash.load(std::memory_order_relaxed) != inKey.mHash || inSlot.mSize != inKey.mSize) {
+    if (record == nullptr || inSlot.mHash.load(std::memory_order_relaxed) != inKey.mHash
+        || inSlot.mSize != inKey.mSize) {
         return nullptr;
     }
     __builtin_prefetch(record, 1); // the caller then changes the record's count

@@ -1,8 +1,8 @@
 #include <ORLLocale.h>
 
-#include <Strings/LocaleInternals.h>
-#include <ORLString.h>
 #include <Core/UntilUnload.h>
+#include <ORLString.h>
+#include <Strings/LocaleInternals.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/UTF16Facets.h>
 

@@ -56,8 +56,7 @@ Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UTF16Strin
     return FillPlaceholders(inFormat, inParams, outResult);
 }
 
-Result ParseStdString(const std::string& inFormat, const ParamVectorImpl<std::string>& inParams,
-                      std::string& outResult)
+Result ParseStdString(const std::string& inFormat, const ParamVectorImpl<std::string>& inParams, std::string& outResult)
 {
     return FillPlaceholders(inFormat, inParams, outResult);
 }

@@ -1,6 +1,6 @@
 #include <Strings/ReaderSlots.h>
 
-#include <Sync/Backoff.h>
+#include <Core/Backoff.h>
 
 namespace ORL {
 

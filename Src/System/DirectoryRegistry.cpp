@@ -1,12 +1,12 @@
 #include <ORLDirectoryRegistry.h>
 
-#include <System/DirectoryPattern.h>
+#include <Core/UntilUnload.h>
 #include <ORLDebug.h>
 #include <ORLPathUtils.h>
 #include <ORLResourceCollection.h>
 #include <ORLString.h>
 #include <Strings/Tokenizer.h>
-#include <Core/UntilUnload.h>
+#include <System/DirectoryPattern.h>
 
 #include <tvxcore/StringStream.h>
 
@@ -53,11 +53,11 @@ bool IsBeingExpanded(const UTF16String& inSymbol, const Expansion* inExpansion)
 bool MayExpand(const UTF16String& inSymbol, const Expansion& inExpansion)
 {
     const bool isCycleOrTooDeep = inExpansion.mDepth >= kMaxReferenceDepth || IsBeingExpanded(inSymbol, &inExpansion);
-    ORL_ASSERT_MESSAGE_IN(!isCycleOrTooDeep,
-                          ("The symbolic directory " + MakeStdString(inSymbol)
-                           + " refers to itself or is nested too deeply.\r\n")
-                              .c_str(),
-                          "ORL::DirectoryRegistry::`anonymous-namespace'::ExpandPath");
+    ORL_ASSERT_MESSAGE_IN(
+        !isCycleOrTooDeep,
+        ("The symbolic directory " + MakeStdString(inSymbol) + " refers to itself or is nested too deeply.\r\n")
+            .c_str(),
+        "ORL::DirectoryRegistry::`anonymous-namespace'::ExpandPath");
     return !isCycleOrTooDeep;
 }
 

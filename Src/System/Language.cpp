@@ -1,10 +1,10 @@
 #include <ORLHostSettings.h>
 
 #include <Core/Immortal.h>
-#include <System/LanguageInternals.h>
 #include <ORLCriticalSection.h>
 #include <ORLRegistryKey.h>
 #include <ORLString.h>
+#include <System/LanguageInternals.h>
 #include <tvxcore/StringStream.h>
 #include <tvxcore/Trace.h>
 

@@ -79,14 +79,10 @@ SystemError DeleteTreeAt(KeyHandle inRoot, const Edit& inEdit)
 SystemError ApplyOne(KeyHandle inRoot, const Edit& inEdit)
 {
     switch (inEdit.mKind) {
-    case Edit::kCreateKey:
-        return RegistryHandle().Create(inRoot, inEdit.mPath, kAccessRead);
-    case Edit::kDeleteTree:
-        return DeleteTreeAt(inRoot, inEdit);
-    case Edit::kSetValue:
-        return SetValueAt(inRoot, inEdit);
-    case Edit::kDeleteValue:
-        return DeleteValueAt(inRoot, inEdit);
+    case Edit::kCreateKey: return RegistryHandle().Create(inRoot, inEdit.mPath, kAccessRead);
+    case Edit::kDeleteTree: return DeleteTreeAt(inRoot, inEdit);
+    case Edit::kSetValue: return SetValueAt(inRoot, inEdit);
+    case Edit::kDeleteValue: return DeleteValueAt(inRoot, inEdit);
     }
     return kErrorInvalidParameter;
 }
@@ -94,14 +90,10 @@ SystemError ApplyOne(KeyHandle inRoot, const Edit& inEdit)
 Edit::Kind KindOf(RegistryEdit::Kind inKind)
 {
     switch (inKind) {
-    case RegistryEdit::kDeleteKey:
-        return Edit::kDeleteTree;
-    case RegistryEdit::kSetValue:
-        return Edit::kSetValue;
-    case RegistryEdit::kDeleteValue:
-        return Edit::kDeleteValue;
-    case RegistryEdit::kCreateKey:
-        break;
+    case RegistryEdit::kDeleteKey: return Edit::kDeleteTree;
+    case RegistryEdit::kSetValue: return Edit::kSetValue;
+    case RegistryEdit::kDeleteValue: return Edit::kDeleteValue;
+    case RegistryEdit::kCreateKey: break;
     }
     return Edit::kCreateKey;
 }

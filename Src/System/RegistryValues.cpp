@@ -50,8 +50,7 @@ Result RegistryKey::PrivateImpl::Set(const UTF16String& inName, unsigned inType,
     if (inSize > UINT32_MAX) {
         return kRegistryFailure;
     }
-    const SystemError error =
-        SetValue_Impl(mKey->Get(), inName.c_str(), inType, inData, static_cast<unsigned>(inSize));
+    const SystemError error = SetValue_Impl(mKey->Get(), inName.c_str(), inType, inData, static_cast<unsigned>(inSize));
     return error == kNoError ? kSuccess : kRegistryFailure;
 }
 

@@ -1,10 +1,10 @@
 #include <ORLStringUtils.h>
 
 #include <CRV/Application.h>
-#include <System/CodePageConversion.h>
 #include <ORLDebug.h>
 #include <ORLHostSettings.h>
 #include <Platform/CodePages.h>
+#include <System/CodePageConversion.h>
 
 namespace ORL {
 

@@ -45,12 +45,9 @@ Result WaitableObject::WaitForSignal(int inMilliseconds)
 {
     using Events::Platform::WaitOutcome;
     switch (Events::Platform::WaitForEvent_Impl(mEvent, static_cast<std::uint32_t>(inMilliseconds))) {
-    case WaitOutcome::kSignalled:
-        return kSuccess;
-    case WaitOutcome::kTimeout:
-        return kWaitTimeout;
-    default:
-        return kWaitFailed;
+    case WaitOutcome::kSignalled: return kSuccess;
+    case WaitOutcome::kTimeout: return kWaitTimeout;
+    default: return kWaitFailed;
     }
 }
 

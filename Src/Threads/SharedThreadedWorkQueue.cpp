@@ -69,7 +69,9 @@ struct ORL_LOCAL SharedThreadedWorkQueue::PrivateImpl : public Impl
     QueueMap mSingleThreadedQueues TVXCORE_GUARDED_BY(mLock);
 };
 
-SharedThreadedWorkQueue::SharedThreadedWorkQueue() : mImpl(new PrivateImpl) {}
+SharedThreadedWorkQueue::SharedThreadedWorkQueue() : mImpl(new PrivateImpl)
+{
+}
 
 SharedThreadedWorkQueue::~SharedThreadedWorkQueue()
 {

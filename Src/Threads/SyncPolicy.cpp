@@ -1,7 +1,7 @@
 #include <Sync/Policy.h>
 
+#include <Core/Backoff.h>
 #include <Platform/Waiting.h>
-#include <Sync/Backoff.h>
 #include <tvxcore/SystemInfo.h>
 
 #include <new>

@@ -1,9 +1,9 @@
 #include <ORLThreadManager.h>
 
+#include <Core/UntilUnload.h>
 #include <ORLDebug.h>
 #include <ORLString.h>
 #include <Platform/ThreadManager.h>
-#include <Core/UntilUnload.h>
 #include <tvxcore/Executor.h>
 #include <tvxcore/Trace.h>
 

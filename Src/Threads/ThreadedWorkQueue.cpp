@@ -128,9 +128,8 @@ bool ThreadedWorkQueue::Initialize(ThreadPriorities::Type inPriority, int inThre
     const std::string name = MakeStdString(inModuleName) + ": " + MakeStdString(inThreadName);
     const tvxcore::threads::ThreadPriority priority = ConvertPriority(inPriority);
     const int threadCount = ConvertThreadAllocationPolicy(inThreadAllocationPolicy);
-    mImpl->mExecutor = tvxcore::threads::CreateAsyncThreadedExecutor(name, threadCount, priority,
-                                                                     boost::function<void()>(),
-                                                                     boost::function<void()>());
+    mImpl->mExecutor = tvxcore::threads::CreateAsyncThreadedExecutor(
+        name, threadCount, priority, boost::function<void()>(), boost::function<void()>());
     return true;
 }
 
@@ -156,8 +155,8 @@ bool ThreadedWorkQueue::SetIdleProcess(Request inRequest, int inInterval)
         return false;
     }
     const CriticalSectionLock lock(mImpl->mLock);
-    mImpl->mIdleFunction.Reset(new RepeatDelayFunction(mImpl->mExecutor, RunRepeatedly(inRequest),
-                                                       static_cast<unsigned int>(inInterval)));
+    mImpl->mIdleFunction.Reset(
+        new RepeatDelayFunction(mImpl->mExecutor, RunRepeatedly(inRequest), static_cast<unsigned int>(inInterval)));
     return true;
 }
 

@@ -15,8 +15,8 @@ using Rendezvous = Sync::WorkQueueFlushAlgorithm<Sync::SystemPolicy>;
 
 } // namespace
 
-#define ORL_FLUSH_ASSERT_FALSE(message)                                                                       \
-    ORL_ASSERT_MESSAGE_AT(false, "false", message "\r\n", __FILE__, __LINE__, "ORL::ThreadedWorkQueueFlush::Flush")
+#define ORL_FLUSH_ASSERT_FALSE(message)                                                                                \
+  ORL_ASSERT_MESSAGE_AT(false, "false", message "\r\n", __FILE__, __LINE__, "ORL::ThreadedWorkQueueFlush::Flush")
 
 ThreadedWorkQueueFlush::ThreadedWorkQueueFlush() : mArrivalsLeft(Rendezvous::kUnclaimed), mDeparturesLeft(0)
 {

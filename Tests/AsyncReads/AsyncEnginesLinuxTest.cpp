@@ -1,7 +1,7 @@
 #include "AsyncEngines.h"
 
-#include <Files/AsyncFileReaderImpl.h>
 #include <FaultySystemCallsLinux.h>
+#include <Files/AsyncFileReaderImpl.h>
 #include <Platform/AsyncFiles.h>
 
 #include <cerrno>

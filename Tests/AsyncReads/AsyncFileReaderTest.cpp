@@ -37,8 +37,8 @@ TEST_P(AsyncReads, OneRead_DeliversEveryValueAsQueued)
     Deliveries deliveries;
     int second = 0;
     int third = 0;
-    ASSERT_EQ(0, reader.QueueReadRequest(kBlock, kBlock, buffer.Get(), &Deliveries::OnRead, &deliveries, &second,
-                                         &third));
+    ASSERT_EQ(0,
+              reader.QueueReadRequest(kBlock, kBlock, buffer.Get(), &Deliveries::OnRead, &deliveries, &second, &third));
     reader.WaitForPendingReads();
     const std::vector<Delivered> all = deliveries.All();
     ASSERT_EQ(1u, all.size());
@@ -231,8 +231,8 @@ TEST_P(AsyncReads, Callback_MayQueueAtAnotherReader)
                            void*, void*, int)
         {
             Chain& chain = *static_cast<Chain*>(inChain);
-            chain.mSecond.QueueReadRequest(kBlock, kBlock, chain.mBuffer.Get(), &Deliveries::OnRead,
-                                           &chain.mDeliveries, nullptr, nullptr);
+            chain.mSecond.QueueReadRequest(kBlock, kBlock, chain.mBuffer.Get(), &Deliveries::OnRead, &chain.mDeliveries,
+                                           nullptr, nullptr);
         }
     };
     Chain chain;

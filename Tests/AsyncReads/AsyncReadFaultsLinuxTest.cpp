@@ -153,8 +153,8 @@ protected:
         for (const Delivered& delivered : inRun.mDelivered) {
             if (delivered.mResult == kSuccess) {
                 EXPECT_EQ(kBlock, delivered.mBytesRead);
-                EXPECT_EQ(kBlock, FirstWrongByte(static_cast<unsigned char*>(delivered.mBuffer), kBlock,
-                                                 delivered.mPosition));
+                EXPECT_EQ(kBlock,
+                          FirstWrongByte(static_cast<unsigned char*>(delivered.mBuffer), kBlock, delivered.mPosition));
             } else {
                 EXPECT_FALSE(ResultSucceeded(delivered.mResult));
                 EXPECT_EQ(0u, delivered.mBytesRead);
@@ -191,10 +191,10 @@ TEST_P(AsyncReadFaults, WithoutAFault_TheRoadMakesTheCallsThatAreMadeToFail)
     const RunResult run = RunOnce();
     EXPECT_TRUE(run.IsWhole());
     ExpectRightAndNothingLost(run);
-    for (const Call call : {FaultySystemCalls::kOpen, FaultySystemCalls::kClose, FaultySystemCalls::kStatx,
-                            FaultySystemCalls::kSeek, FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread,
-                            FaultySystemCalls::kUringQueueInit,
-                            RefusalOfTheRing() == 0 ? FaultySystemCalls::kUringSubmit : FaultySystemCalls::kPRead}) {
+    for (const Call call :
+         {FaultySystemCalls::kOpen, FaultySystemCalls::kClose, FaultySystemCalls::kStatx, FaultySystemCalls::kSeek,
+          FaultySystemCalls::kSetFlags, FaultySystemCalls::kCreateThread, FaultySystemCalls::kUringQueueInit,
+          RefusalOfTheRing() == 0 ? FaultySystemCalls::kUringSubmit : FaultySystemCalls::kPRead}) {
         EXPECT_GT(run.mCalls[call], 0u) << "call " << call;
     }
 }
@@ -229,8 +229,8 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
 TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
 {
     for (const int error : {EINTR, EAGAIN, EBUSY, ENOMEM}) {
-        for (const Call call : {FaultySystemCalls::kPRead, FaultySystemCalls::kUringSubmit,
-                                FaultySystemCalls::kUringWaitCqe}) {
+        for (const Call call :
+             {FaultySystemCalls::kPRead, FaultySystemCalls::kUringSubmit, FaultySystemCalls::kUringWaitCqe}) {
             SCOPED_TRACE("call " + std::to_string(call) + ", errno " + std::to_string(error));
             EXPECT_TRUE(RunOnce([&](FaultySystemCalls& ioCalls) { ioCalls.Fail(call, 1, error, 3); }).IsWhole());
         }
@@ -250,9 +250,8 @@ TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
     if (RefusalOfTheRing() != 0) {
         return; // without a ring nothing is submitted to the kernel
     }
-    const RunResult run = RunOnce([](FaultySystemCalls& ioCalls) {
-        ioCalls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO);
-    });
+    const RunResult run =
+        RunOnce([](FaultySystemCalls& ioCalls) { ioCalls.Fail(FaultySystemCalls::kUringSubmit, 1, EIO); });
     ExpectRightAndNothingLost(run);
     EXPECT_FALSE(run.mDelivered.empty());
     EXPECT_FALSE(run.IsWhole());
@@ -260,9 +259,8 @@ TEST_P(AsyncReadFaults, KernelThatRefusesReads_FailsThemAtTheirStart)
 
 TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
 {
-    const RunResult run = RunOnce([](FaultySystemCalls& ioCalls) {
-        ioCalls.Fail(FaultySystemCalls::kCreateThread, 1, EAGAIN);
-    });
+    const RunResult run =
+        RunOnce([](FaultySystemCalls& ioCalls) { ioCalls.Fail(FaultySystemCalls::kCreateThread, 1, EAGAIN); });
     EXPECT_FALSE(run.mHasStarted);
     ExpectRightAndNothingLost(run);
     EXPECT_TRUE(RunOnce().IsWhole());

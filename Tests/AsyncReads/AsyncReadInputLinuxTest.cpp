@@ -85,8 +85,8 @@ struct FailureWatch
 FailureWatch ExpectRefused(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
 {
     FailureWatch watch;
-    EXPECT_EQ(0, ioReader.QueueReadRequest(inPosition, inSize, outBuffer, &FailureWatch::OnRead, &watch, nullptr,
-                                           nullptr));
+    EXPECT_EQ(
+        0, ioReader.QueueReadRequest(inPosition, inSize, outBuffer, &FailureWatch::OnRead, &watch, nullptr, nullptr));
     ioReader.WaitForPendingReads();
     EXPECT_EQ(1, watch.mCalls);
     EXPECT_EQ(0u, watch.mBytesRead);

@@ -14,8 +14,8 @@ TEST_P(AsyncReads, FileThatTheSystemDoesNotOpen_IsRefusedWithTheReaderClosed)
     const UTF16String path = MakeClip("held.mov", kBlock);
     AsyncFileReader reader;
     {
-        const HANDLE holder = ::CreateFileW((mFolder.Host() / "held.mov").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
-                                            nullptr);
+        const HANDLE holder =
+            ::CreateFileW((mFolder.Host() / "held.mov").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         ASSERT_NE(INVALID_HANDLE_VALUE, holder);
         EXPECT_EQ(-1, AsyncFileReader::Open(path, reader));
         ::CloseHandle(holder);
@@ -40,8 +40,8 @@ TEST_P(AsyncReads, NameWithHalfASurrogatePair_IsReadByItsLibraryPath)
 {
     const std::u16string name = {u'a', char16_t{0xD83D}, u'.', u'm', u'o', u'v'};
     const UTF16String path = mFolder.Path(name);
-    const HANDLE file = ::CreateFileW(reinterpret_cast<const wchar_t*>(path.c_str()), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0,
-                                      nullptr);
+    const HANDLE file = ::CreateFileW(reinterpret_cast<const wchar_t*>(path.c_str()), GENERIC_WRITE, 0, nullptr,
+                                      CREATE_NEW, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         GTEST_SKIP() << "the volume takes no such name, error " << ::GetLastError();
     }

@@ -12,7 +12,8 @@
 namespace ORLTest {
 
 /// inProgram must be reading_host, or a program that executes it with the given arguments.
-inline void ExpectReadThrough(const std::string& inEngine, const std::string& inProgram, std::vector<std::string> inArguments = {})
+inline void ExpectReadThrough(const std::string& inEngine, const std::string& inProgram,
+                              std::vector<std::string> inArguments = {})
 {
     constexpr std::size_t kSize = 50000;
     const TempFolder folder;

@@ -93,8 +93,8 @@ public:
     {
         Deliveries& deliveries = *static_cast<Deliveries*>(inUserData1);
         const std::lock_guard<std::mutex> lock(deliveries.mMutex);
-        deliveries.mDelivered.push_back(Delivered{inReader, inPosition, inSize, inBytesRead, inBuffer, inUserData2,
-                                                  inUserData3, inResult});
+        deliveries.mDelivered.push_back(
+            Delivered{inReader, inPosition, inSize, inBytesRead, inBuffer, inUserData2, inUserData3, inResult});
         deliveries.mCame.notify_all();
     }
 

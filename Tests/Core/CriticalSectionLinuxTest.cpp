@@ -19,9 +19,9 @@ using namespace ORL;
 namespace {
 
 #if defined(__clang__)
-#define ORL_TEST_CONSTANT_INITIALIZED [[clang::require_constant_initialization]]
+#  define ORL_TEST_CONSTANT_INITIALIZED [[clang::require_constant_initialization]]
 #else
-#define ORL_TEST_CONSTANT_INITIALIZED __constinit
+#  define ORL_TEST_CONSTANT_INITIALIZED __constinit
 #endif
 
 // Compiles only if the section needs no code to initialise, so that the constructor of any static can lock it.

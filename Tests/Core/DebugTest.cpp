@@ -28,7 +28,13 @@ char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)
 {
-    ExpectReport(inReport).Kind(CheckReport::kError).Expression(inText).Package(105u).Line(inErrorID).Level(0).Flag(true);
+    ExpectReport(inReport)
+        .Kind(CheckReport::kError)
+        .Expression(inText)
+        .Package(105u)
+        .Line(inErrorID)
+        .Level(0)
+        .Flag(true);
     // The empty values are identical, so the test compares their addresses.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
@@ -128,7 +134,13 @@ TEST(OrlAssert, FailingExpression_IsEvaluatedOnceReportedAndPassed)
     EXPECT_EQ(1, evaluations);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("++evaluations == 2").Message("").File("Tests/Core/DebugTest.cpp").Line(line).Function("TestBody");
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("++evaluations == 2")
+        .Message("")
+        .File("Tests/Core/DebugTest.cpp")
+        .Line(line)
+        .Function("TestBody");
 }
 
 TEST(OrlAssert, NotIgnored_ReportsOnEveryPass)
@@ -264,7 +276,10 @@ TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
     const auto reports = recorder.Reports();
     ASSERT_EQ(4u, reports.size());
     for (std::size_t first : {0u, 2u}) {
-        ExpectReport(reports[first]).Kind(CheckReport::kContract).Expression("++evaluations < 0").File("Tests/Core/DebugTest.cpp");
+        ExpectReport(reports[first])
+            .Kind(CheckReport::kContract)
+            .Expression("++evaluations < 0")
+            .File("Tests/Core/DebugTest.cpp");
         ExpectContractError(reports[first + 1], kInputText, 25);
     }
 }

@@ -35,7 +35,8 @@ TEST(ExpectReport, AFieldThatDiffers_FailsWithItsNameAndBothValues)
 {
     static const CheckReport report = ReportWithEveryField();
     EXPECT_NONFATAL_FAILURE(ExpectReport(report).Kind(CheckReport::kAssert), "The kind of the report is");
-    EXPECT_NONFATAL_FAILURE(ExpectReport(report).Expression("b"), "The expression of the report is \"a < b\", expected \"b\"");
+    EXPECT_NONFATAL_FAILURE(ExpectReport(report).Expression("b"),
+                            "The expression of the report is \"a < b\", expected \"b\"");
     EXPECT_NONFATAL_FAILURE(ExpectReport(report).Message(""), "The message of the report is \"text\", expected \"\"");
     EXPECT_NONFATAL_FAILURE(ExpectReport(report).File("file"), "The file of the report is \"File\", expected \"file\"");
     EXPECT_NONFATAL_FAILURE(ExpectReport(report).Line(13), "The line of the report is 12, expected 13");

@@ -130,14 +130,21 @@ TEST(WriteAutomationResults, ACollection_IsOneJsonObject)
 {
     EXPECT_EQ("{}\n", Json({}));
     EXPECT_EQ("{\n  \"a\": []\n}\n", Json({{Units(u"a"), {}}}));
-    EXPECT_EQ("{\n  \"a\": [\n    {\"key\":\"k\",\"value\":\"v\"},\n    {\"key\":\"k\",\"value\":\"v\"}\n  ],\n  \"b\": []\n}\n",
+    EXPECT_EQ("{\n  \"a\": [\n    {\"key\":\"k\",\"value\":\"v\"},\n    {\"key\":\"k\",\"value\":\"v\"}\n  ],\n  "
+              "\"b\": []\n}\n",
               Json({{Units(u"a"), {{Units(u"k"), Units(u"v")}, {Units(u"k"), Units(u"v")}}}, {Units(u"b"), {}}}));
 }
 
 TEST(WriteAutomationResults, TextsOfEveryKind_ReadBackWithAnotherParser)
 {
-    const std::u16string texts[] = {u"plain", u"", u"\"quoted\" \\ /", u"tab\tline\nreturn\r", u"caf\u00e9 \u65e5\u672c \U0001F600",
-                                    std::u16string(u"zero\0inside", 11), u"\u0001\u001f\u007f\u2028", u"a.b.c"};
+    const std::u16string texts[] = {u"plain",
+                                    u"",
+                                    u"\"quoted\" \\ /",
+                                    u"tab\tline\nreturn\r",
+                                    u"caf\u00e9 \u65e5\u672c \U0001F600",
+                                    std::u16string(u"zero\0inside", 11),
+                                    u"\u0001\u001f\u007f\u2028",
+                                    u"a.b.c"};
     Collection collection;
     Results& results = collection[Units(u"name")];
     for (const std::u16string& text : texts) {
@@ -162,6 +169,7 @@ TEST(WriteAutomationResults, HalfASurrogatePair_IsReplacedAndNamesStayApart)
 {
     const Collection collection = {{UTF16String(1, 0xD800), {{Units(u"k"), UTF16String(1, 0xDC00)}}},
                                    {UTF16String(1, 0xD801), {}}};
-    EXPECT_EQ("{\n  \"\xEF\xBF\xBD\": [\n    {\"key\":\"k\",\"value\":\"\xEF\xBF\xBD\"}\n  ],\n  \"\xEF\xBF\xBD\": []\n}\n",
-              Json(collection));
+    EXPECT_EQ(
+        "{\n  \"\xEF\xBF\xBD\": [\n    {\"key\":\"k\",\"value\":\"\xEF\xBF\xBD\"}\n  ],\n  \"\xEF\xBF\xBD\": []\n}\n",
+        Json(collection));
 }

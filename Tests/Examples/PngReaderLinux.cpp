@@ -14,7 +14,8 @@ DecodedPicture ReadPng(const std::string& inPath)
     }
     image.format = PNG_FORMAT_RGB;
     picture.mPixels.resize(PNG_IMAGE_SIZE(image));
-    if (png_image_finish_read(&image, nullptr, picture.mPixels.data(), 0, nullptr) != 0 && PNG_IMAGE_FAILED(image) == 0) {
+    if (png_image_finish_read(&image, nullptr, picture.mPixels.data(), 0, nullptr) != 0
+        && PNG_IMAGE_FAILED(image) == 0) {
         picture.mWidth = image.width;
         picture.mHeight = image.height;
     }

@@ -36,8 +36,8 @@ std::string Wav(const Format& inFormat, const std::string& inSound)
     const unsigned frameSize = inFormat.mChannels * inFormat.mBits / 8;
     const std::string format = Number(inFormat.mTag, 2) + Number(inFormat.mChannels, 2) + Number(8000, 4)
                                + Number(8000 * frameSize, 4) + Number(frameSize, 2) + Number(inFormat.mBits, 2);
-    const std::string chunks = "fmt " + Number(16, 4) + format + "LIST" + Number(3, 4) + std::string("odd\0", 4) + "data"
-                               + Number(static_cast<std::uint32_t>(inSound.size()), 4) + inSound;
+    const std::string chunks = "fmt " + Number(16, 4) + format + "LIST" + Number(3, 4) + std::string("odd\0", 4)
+                               + "data" + Number(static_cast<std::uint32_t>(inSound.size()), 4) + inSound;
     return "RIFF" + Number(static_cast<std::uint32_t>(chunks.size() + 4), 4) + "WAVE" + chunks;
 }
 
@@ -265,7 +265,9 @@ TEST_F(WaveformExample, PictureThatCannotBeWritten_IsOneLine)
 
 TEST_F(WaveformExample, ArgumentsWithoutSense_ShowTheUsage)
 {
-    const std::vector<std::vector<std::string>> all = {{}, {"a.png"}, {"--thumbnail", "0x5", "a.png", "b.wav"},
+    const std::vector<std::vector<std::string>> all = {{},
+                                                       {"a.png"},
+                                                       {"--thumbnail", "0x5", "a.png", "b.wav"},
                                                        {"--thumbnail", "5x", "a.png", "b.wav"},
                                                        {"--thumbnail", "9x9", "a.png", "b.wav", "c.wav"}};
     for (const std::vector<std::string>& arguments : all) {

@@ -1,12 +1,12 @@
 // Fails each allocation of code page conversions, the language and the debug settings.
 #include "MemoryFaults.h"
 
-#include <System/CodePageConversion.h>
 #include <Diagnostics/DebugDatabaseLifecycle.h>
-#include <System/LanguageInternals.h>
 #include <ORLDebugDatabase.h>
 #include <ORLHostSettings.h>
 #include <PrivateHost.h>
+#include <System/CodePageConversion.h>
+#include <System/LanguageInternals.h>
 
 #include <new>
 
@@ -20,7 +20,8 @@ UTF16String Converted(std::size_t inUnits)
     return Internal::To16BitUnicode(std::string(2 * inUnits, '\x82'), 932); // pairs of "<82><82>"
 }
 
-bool FailsWithout(FaultyAllocator inAllocator, unsigned inNumber, bool inAllFurther, const std::function<void()>& inWork)
+bool FailsWithout(FaultyAllocator inAllocator, unsigned inNumber, bool inAllFurther,
+                  const std::function<void()>& inWork)
 {
     const MemoryFaults faults(inAllocator, inNumber, inAllFurther);
     try {
@@ -40,8 +41,9 @@ TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
     for (const std::size_t count : {1024u, 1025u, 5000u}) {
         const std::string bytes(2 * count, '\x82');
         UTF16String result;
-        EXPECT_FALSE(FailsWithout(FaultyAllocator::kHeap, 1, true, [&] { result = Internal::To16BitUnicode(bytes, 932); }))
-            << count;
+        EXPECT_FALSE(FailsWithout(FaultyAllocator::kHeap, 1, true, [&] {
+            result = Internal::To16BitUnicode(bytes, 932);
+        })) << count;
         EXPECT_EQ(count, result.size());
     }
 }
@@ -54,12 +56,13 @@ TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
     for (const std::size_t count : {512u, 513u, 5000u}) {
         const UTF16String units(count, 0x65E5);
         std::string result;
-        EXPECT_FALSE(FailsWithout(FaultyAllocator::kHeap, 2, true,
-                                  [&] { result = Internal::ToMultiByteWithCodePage(units, 932); }))
-            << count;
+        EXPECT_FALSE(FailsWithout(FaultyAllocator::kHeap, 2, true, [&] {
+            result = Internal::ToMultiByteWithCodePage(units, 932);
+        })) << count;
         EXPECT_EQ(2 * count, result.size());
-        EXPECT_TRUE(FailsWithout(FaultyAllocator::kHeap, 1, true, [&] { Internal::ToMultiByteWithCodePage(units, 932); }))
-            << count;
+        EXPECT_TRUE(FailsWithout(FaultyAllocator::kHeap, 1, true, [&] {
+            Internal::ToMultiByteWithCodePage(units, 932);
+        })) << count;
     }
 }
 

@@ -34,7 +34,8 @@ TEST_F(FileSweep, Create_WriteSeekCutAndAsk)
     Sweep([this] { Empty(); },
           [this] {
               File file;
-              if (file.Create(mReal, kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal, false) != kSuccess) {
+              if (file.Create(mReal, kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal, false)
+                  != kSuccess) {
                   throw std::bad_alloc(); // Create reports lack of memory as a result
               }
               unsigned count = 0;
@@ -47,7 +48,9 @@ TEST_F(FileSweep, Create_WriteSeekCutAndAsk)
               EXPECT_EQ(2u, file.SizeOnDisk());
               EXPECT_EQ(kSuccess, file.GetLastModificationTime(time));
           },
-          [this](bool inDone) { EXPECT_EQ(inDone ? Entries({{"real.txt", "he"}}) : Entries(), Read()); });
+          [this](bool inDone) {
+              EXPECT_EQ(inDone ? Entries({{"real.txt", "he"}}) : Entries(), Read());
+          });
 }
 
 TEST_F(FileSweep, Open_AndRead)
@@ -121,8 +124,8 @@ TEST_F(FileSweep, Copy_LeavesNoHalfFile)
                 mFolder.MakeFile("temp.txt", contents);
             },
             [&] {
-                result = withProgress ? File::CopyWithProgress(mTemp, mReal, &KeepGoing, nullptr)
-                                      : File::Copy(mTemp, mReal);
+                result =
+                    withProgress ? File::CopyWithProgress(mTemp, mReal, &KeepGoing, nullptr) : File::Copy(mTemp, mReal);
             },
             [&](bool inDone) {
                 Entries expected{{"temp.txt", contents}};
@@ -156,7 +159,8 @@ TEST_F(FileSweep, SwapTempFile_IsDoneAndToldOrNotDone)
     Sweep([&] { MakeBoth(); }, [&] { result = File::SwapTempFile(mTemp, mReal); },
           [&](bool inDone) {
               const bool isSwapped = inDone && result == kSuccess;
-              EXPECT_EQ(isSwapped ? Entries({{"real.txt", "new"}}) : Entries({{"real.txt", "old"}, {"temp.txt", "new"}}),
+              EXPECT_EQ(isSwapped ? Entries({{"real.txt", "new"}})
+                                  : Entries({{"real.txt", "old"}, {"temp.txt", "new"}}),
                         Read());
           });
 }

@@ -165,13 +165,16 @@ void Attempt(const std::function<void()>& inWork)
 }
 
 // Runs inWork with request 1, 2, 3 ... refused, until inWork makes fewer requests.
-void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::function<void()>& inWork, const std::function<void()>& inCheck)
+void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::function<void()>& inWork,
+                    const std::function<void()>& inCheck)
 {
     unsigned refused = 1;
     for (unsigned number = 1; refused != 0; ++number) {
         SCOPED_TRACE("door " + std::to_string(static_cast<int>(inAllocator)) + ", request " + std::to_string(number)
                      + (inAllFurther ? " and all further" : ""));
-        const std::int64_t balances[] = {OutstandingMemory(kFaultyAllocators[0]), OutstandingMemory(kFaultyAllocators[1]), OutstandingMemory(kFaultyAllocators[2])};
+        const std::int64_t balances[] = {OutstandingMemory(kFaultyAllocators[0]),
+                                         OutstandingMemory(kFaultyAllocators[1]),
+                                         OutstandingMemory(kFaultyAllocators[2])};
         {
             const MemoryFaults faults(inAllocator, number, inAllFurther);
             Attempt(inWork);
@@ -181,7 +184,8 @@ void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::f
             if (allocator == FaultyAllocator::kHeap && !HeapIsFullyIntercepted()) {
                 continue;
             }
-            ASSERT_EQ(balances[static_cast<int>(allocator)], OutstandingMemory(allocator)) << "left behind at door " << static_cast<int>(allocator);
+            ASSERT_EQ(balances[static_cast<int>(allocator)], OutstandingMemory(allocator))
+                << "left behind at door " << static_cast<int>(allocator);
         }
         inCheck();
         if (testing::Test::HasFailure()) {
@@ -223,7 +227,8 @@ unsigned MemoryFaults::Refused() const
 std::int64_t OutstandingMemory(FaultyAllocator inAllocator)
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot now{};
-    if (inAllocator == FaultyAllocator::kSmallBlocks && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
+    if (inAllocator == FaultyAllocator::kSmallBlocks
+        && tvxcore::utility::SmallBlockAllocator::Metrics::GetSnapshot(now)) {
         return static_cast<std::int64_t>(now.mSmallBlockCountCurrent);
     }
     return sOutstanding[static_cast<int>(inAllocator)].load();

@@ -16,7 +16,8 @@ namespace {
 class PathsSweep : public FilesSweep
 {
 protected:
-    const UTF16String mLong = Units(u"C:\\a folder of some length\\another one beside it\\a file of some length.extension");
+    const UTF16String mLong =
+        Units(u"C:\\a folder of some length\\another one beside it\\a file of some length.extension");
 };
 
 } // namespace

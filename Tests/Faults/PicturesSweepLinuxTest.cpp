@@ -31,7 +31,7 @@ using Images::Platform::Picture;
 using PixelBlock = std::unique_ptr<unsigned char[]>;
 
 #define ORL_CREATE                                                                                                     \
-    "_ZN3ORL6Images8Platform17CreateBitmap_ImplEPNS1_7PictureERSt10unique_ptrIA_hSt14default_deleteIS5_EERP9HBITMAP__"
+  "_ZN3ORL6Images8Platform17CreateBitmap_ImplEPNS1_7PictureERSt10unique_ptrIA_hSt14default_deleteIS5_EERP9HBITMAP__"
 extern "C" int RealCreateBitmap(Picture*, PixelBlock&, HBITMAP&) __asm__("__real_" ORL_CREATE);
 extern "C" int WrappedCreateBitmap(Picture*, PixelBlock&, HBITMAP&) __asm__("__wrap_" ORL_CREATE);
 extern "C" int WrappedCreateBitmap(Picture* inPicture, PixelBlock& ioBlock, HBITMAP& outBitmap)
@@ -69,7 +69,9 @@ public:
     QuietChecks()
     {
         tvxcore::debug::Dialogs dialogs;
-        dialogs.mAssert = [](bool&, const char*, const unsigned char*, const char*, long, const char*) { return false; };
+        dialogs.mAssert = [](bool&, const char*, const unsigned char*, const char*, long, const char*) {
+            return false;
+        };
         mOld = tvxcore::debug::InstallDialogs(dialogs);
     }
     ~QuietChecks() { tvxcore::debug::InstallDialogs(mOld); }

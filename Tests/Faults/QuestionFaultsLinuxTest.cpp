@@ -24,7 +24,8 @@ namespace {
 
 using Faults = FaultySystemCalls;
 
-constexpr int kErrors[] = {EIO, EACCES, ENOMEM, EMFILE, ENFILE, ELOOP, ENOTDIR, ENOENT, EINTR, EROFS, ENOSPC, EINVAL, ESTALE};
+constexpr int kErrors[] = {EIO,    EACCES, ENOMEM, EMFILE, ENFILE, ELOOP, ENOTDIR,
+                           ENOENT, EINTR,  EROFS,  ENOSPC, EINVAL, ESTALE};
 
 struct Query
 {
@@ -41,16 +42,23 @@ std::string Text(bool inAnswer)
 
 const Query kQueries[] = {
     {"ExistsOnDisk", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"file"))); }, "yes", "no"},
-    {"ExistsOnDiskMissing", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"none"))); }, "no", "no"},
+    {"ExistsOnDiskMissing", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"none"))); }, "no",
+     "no"},
     {"ExistsByPattern", [](const TempFolder& f) { return Text(PathUtils::ExistsOnDisk(f.Path(u"fi*"))); }, "yes", "no"},
     {"IsDirectory", [](const TempFolder& f) { return Text(PathUtils::IsDirectory(f.Path(u"empty"))); }, "yes", "no"},
-    {"IsDirectoryEmpty", [](const TempFolder& f) { return Text(PathUtils::IsDirectoryEmpty(f.Path(u"empty"))); }, "yes", "no"},
-    {"IsDirectoryEmptyFull", [](const TempFolder& f) { return Text(PathUtils::IsDirectoryEmpty(f.Path(u"full"))); }, "no", "no"},
+    {"IsDirectoryEmpty", [](const TempFolder& f) { return Text(PathUtils::IsDirectoryEmpty(f.Path(u"empty"))); }, "yes",
+     "no"},
+    {"IsDirectoryEmptyFull", [](const TempFolder& f) { return Text(PathUtils::IsDirectoryEmpty(f.Path(u"full"))); },
+     "no", "no"},
     {"IsHidden", [](const TempFolder& f) { return Text(PathUtils::IsHidden(f.Path(u"file"))); }, "no", "yes"},
     {"IsReadOnlyFile", [](const TempFolder& f) { return Text(PathUtils::IsReadOnly(f.Path(u"file"))); }, "no", "yes"},
-    {"IsReadOnlyFolder", [](const TempFolder& f) { return Text(PathUtils::IsReadOnly(f.Path(u"empty"))); }, "no", "yes"},
-    {"PreparePathForWrite", [](const TempFolder& f) { return Text(PathUtils::PreparePathForWrite(f.Path(u"new\\er\\"))); }, "yes", "no"},
-    {"CreateOnDisk", [](const TempFolder& f) { return Text(Directory::CreateOnDisk(f.Path(u"new\\er"), true) == kSuccess); }, "yes", "no"},
+    {"IsReadOnlyFolder", [](const TempFolder& f) { return Text(PathUtils::IsReadOnly(f.Path(u"empty"))); }, "no",
+     "yes"},
+    {"PreparePathForWrite",
+     [](const TempFolder& f) { return Text(PathUtils::PreparePathForWrite(f.Path(u"new\\er\\"))); }, "yes", "no"},
+    {"CreateOnDisk",
+     [](const TempFolder& f) { return Text(Directory::CreateOnDisk(f.Path(u"new\\er"), true) == kSuccess); }, "yes",
+     "no"},
     {"Delete", [](const TempFolder& f) { return Text(Directory::Delete(f.Path(u"empty")) == kSuccess); }, "yes", "no"},
     {"IsDirectoryWriteable",
      [](const TempFolder& f) {
@@ -61,7 +69,8 @@ const Query kQueries[] = {
          }
      },
      "yes", "no"},
-    {"GetFreeDriveSpace", [](const TempFolder& f) { return Text(PathUtils::GetFreeDriveSpace(f.Path(u"file")) != 0); }, "yes", "no"},
+    {"GetFreeDriveSpace", [](const TempFolder& f) { return Text(PathUtils::GetFreeDriveSpace(f.Path(u"file")) != 0); },
+     "yes", "no"},
     {"GetEfficientDiskBufferSizeFromPath",
      [](const TempFolder& f) {
          unsigned int size = 77;
@@ -94,7 +103,8 @@ const Query kQueries[] = {
      },
      "yes", "no"},
     {"MakeUniqueFilename",
-     [](const TempFolder& f) { return Text(PathUtils::MakeUniqueFilename(f.Path(u"file")) == f.Path(u"file_1")); }, "yes", "no"},
+     [](const TempFolder& f) { return Text(PathUtils::MakeUniqueFilename(f.Path(u"file")) == f.Path(u"file_1")); },
+     "yes", "no"},
 };
 
 void Prepare(const TempFolder& inFolder)

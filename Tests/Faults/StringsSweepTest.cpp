@@ -1,14 +1,14 @@
 // Fails each allocation of names, templates and numbers.
 #include "MemoryFaults.h"
 
-#include <Strings/ImmutableStringTable.h>
-#include <Strings/LocaleInternals.h>
 #include <ORLConstString.h>
 #include <ORLDiskUtils.h>
 #include <ORLImmutableString.h>
 #include <ORLLocale.h>
 #include <ORLParamString.h>
 #include <ORLString.h>
+#include <Strings/ImmutableStringTable.h>
+#include <Strings/LocaleInternals.h>
 #include <Strings/Tokenizer.h>
 #include <tvxcore/Number.h>
 
@@ -255,18 +255,19 @@ TEST(ParamStringSweep, ParseString_LeavesTheResultAlone)
 {
     const UTF16String format = Units(u"from %1 to %2, and a tail that makes it longer than a string keeps");
     const ParamVector params{Units(u"a parameter of some length, too"), Units(u"another one of some length")};
-    const UTF16String expected = Units(u"from a parameter of some length, too to another one of some length, and a tail that "
-                                       u"makes it longer than a string keeps");
-    SweepParser(Units(u"x"), expected,
-                [&](UTF16String& outResult) { return ParseString(format, params, outResult); });
+    const UTF16String expected =
+        Units(u"from a parameter of some length, too to another one of some length, and a tail that "
+              u"makes it longer than a string keeps");
+    SweepParser(Units(u"x"), expected, [&](UTF16String& outResult) { return ParseString(format, params, outResult); });
 }
 
 TEST(ParamStringSweep, ParseStdString_LeavesTheResultAlone)
 {
     const std::string format = "from %1 to %2, and a tail that makes it longer than a string keeps";
     const StdParamVector params{"a parameter of some length, too", "another one of some length"};
-    const std::string expected = "from a parameter of some length, too to another one of some length, and a tail that makes "
-                                 "it longer than a string keeps";
+    const std::string expected =
+        "from a parameter of some length, too to another one of some length, and a tail that makes "
+        "it longer than a string keeps";
     SweepParser(std::string("x"), expected,
                 [&](std::string& outResult) { return ParseStdString(format, params, outResult); });
 }

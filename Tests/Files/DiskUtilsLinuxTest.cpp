@@ -10,8 +10,8 @@
 
 #include <cerrno>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <linux/magic.h>
 #include <string>
 #include <sys/mman.h>
@@ -207,10 +207,10 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
         EXPECT_EQ(kSuccess, AsyncFileReader::Open(folder.Path(u"clip"), reader));
         EXPECT_EQ(ofFile, reader.GetDiskSectorSize());
         File file;
-        ASSERT_EQ(kSuccess, file.Create(folder.Path(u"clip"), FileAccessFlags::kFileAccess_Read,
-                                        FileShareModeFlags::kFileShare_Read,
-                                        FileCreateDispositionFlags::kFileCreate_OpenExisting,
-                                        FileAttributesFlags::kFileAttribute_NoBuffering, false));
+        ASSERT_EQ(kSuccess,
+                  file.Create(folder.Path(u"clip"), FileAccessFlags::kFileAccess_Read,
+                              FileShareModeFlags::kFileShare_Read, FileCreateDispositionFlags::kFileCreate_OpenExisting,
+                              FileAttributesFlags::kFileAttribute_NoBuffering, false));
         alignas(4096) static char bytes[8192];
         for (const unsigned size : {512u, 1024u, 4096u}) {
             unsigned count = 0;

@@ -1,10 +1,10 @@
 // Tests the volume that contains a path.
 #include <ORLDiskUtils.h>
 
+#include <Files/VolumeQueries.h>
 #include <ORLPathUtils.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
-#include <Files/VolumeQueries.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>

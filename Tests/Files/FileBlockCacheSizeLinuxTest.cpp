@@ -15,8 +15,8 @@ TEST(BlockCacheSizeOnLinux, EachReadAndSeek_AsksForIt)
     const ScopedBlockCache factory([&] { return BufferRef(new RecordingBuffer(log)); });
     folder.MakeFile("f", std::string(100, 'x'));
     File file;
-    ASSERT_EQ(kSuccess, file.Create(folder.Path(u"f"), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting, kNormal,
-                                    false));
+    ASSERT_EQ(kSuccess, file.Create(folder.Path(u"f"), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting,
+                                    kNormal, false));
     EXPECT_EQ(100u, ReadText(file, 1000).size());
     for (const std::size_t size : {40u, 70u}) {
         std::filesystem::resize_file(folder.Host() / "f", size);

@@ -38,10 +38,10 @@ TEST_F(BlockCacheSize, EachOpening_SeesTheFilesOwn)
 TEST_F(BlockCacheSize, AWriterWithAnEarlierBuffer_SeesItsFileGrow)
 {
     File file;
-    EXPECT_EQ(kFileNotFound, file.Create(mFolder.Path(u"f"), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting,
-                                         kNormal, false));
-    ASSERT_EQ(kSuccess, file.Create(mFolder.Path(u"f"), kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal,
-                                    false));
+    EXPECT_EQ(kFileNotFound, file.Create(mFolder.Path(u"f"), kRead, kShareReaders,
+                                         Disposition::kFileCreate_OpenExisting, kNormal, false));
+    ASSERT_EQ(kSuccess,
+              file.Create(mFolder.Path(u"f"), kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal, false));
     EXPECT_EQ("", ReadText(file, 10));
     EXPECT_TRUE(WriteText(file, "hello"));
     EXPECT_EQ(kSuccess, file.SetFilePointer(0, Method::kFilePointer_End));

@@ -51,7 +51,8 @@ protected:
     static std::int64_t HandlePositionOf(File& inFile)
     {
         std::int64_t position = -1;
-        Files::Platform::SetFilePointer_Impl(inFile.GetPlatformFileHandle(), 0, Files::Platform::kFromCurrent, &position);
+        Files::Platform::SetFilePointer_Impl(inFile.GetPlatformFileHandle(), 0, Files::Platform::kFromCurrent,
+                                             &position);
         return position;
     }
 
@@ -176,8 +177,8 @@ TEST_F(FileBlockCache, AnOpenThatFails_KeepsItsBufferUntilTheNext)
     EXPECT_EQ(1, mLog.mAlive);
     file.Close();
     EXPECT_EQ(1, mLog.mAlive) << "closing what is not open does nothing";
-    EXPECT_EQ(kSuccess, file.Create(MakeClip(100), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting,
-                                    kNormal, false));
+    EXPECT_EQ(kSuccess,
+              file.Create(MakeClip(100), kRead, kShareReaders, Disposition::kFileCreate_OpenExisting, kNormal, false));
     EXPECT_EQ(1, mLog.mAlive);
     file.Close();
     EXPECT_EQ(0, mLog.mAlive);
@@ -302,7 +303,9 @@ void CompareWithPlainBuffer(File& ioFile, const std::string& inContents, unsigne
     std::mt19937 numbers(inSeed);
     const auto random = [&numbers] { return static_cast<unsigned>(numbers()); };
     const std::int64_t size = static_cast<std::int64_t>(inContents.size());
-    const auto anywhere = [&] { return static_cast<std::int64_t>(random() % static_cast<unsigned>(size + 2000)) - 1000; };
+    const auto anywhere = [&] {
+        return static_cast<std::int64_t>(random() % static_cast<unsigned>(size + 2000)) - 1000;
+    };
     std::vector<char> bytes(3 * static_cast<std::size_t>(kBlock));
     std::int64_t position = 0;
     for (int operation = 0; operation < inOperations; ++operation) {

@@ -78,7 +78,10 @@ TEST(FileChecks, EachContract_IsReportedAndSurvived)
         ExpectReport(reports[0]).Expression(site.mExpression).File("WinFile");
         const auto errors = recorder.Reports(CheckReport::kError);
         ASSERT_EQ(1u, errors.size());
-        ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25);
+        ExpectReport(errors[0])
+            .Expression(
+                "$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!")
+            .Line(25);
         EXPECT_EQ("contents", ContentsOf(folder, "f"));
     }
 }
@@ -98,12 +101,17 @@ TEST(FileChecks, ADirectoryPath_IsReportedUnlessItIsAllowed)
 {
     const TempFolder folder;
     CheckRecorder recorder;
-    EXPECT_EQ(kAccessDenied, Opened(folder.Path(), kRead, kShareEverything, Disposition::kFileCreate_OpenExisting,
-                                    kNormal, true)
-                                 .mResult);
+    EXPECT_EQ(
+        kAccessDenied,
+        Opened(folder.Path(), kRead, kShareEverything, Disposition::kFileCreate_OpenExisting, kNormal, true).mResult);
     EXPECT_EQ(0u, recorder.Reports().size());
     EXPECT_EQ(kAccessDenied, Opened(folder.Path(), kRead).mResult);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("!PathUtils::IsDirectory(inFullPath)").Message("").File("WinFile").Function("ORL::File::Create");
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("!PathUtils::IsDirectory(inFullPath)")
+        .Message("")
+        .File("WinFile")
+        .Function("ORL::File::Create");
 }

@@ -2,10 +2,10 @@
 // may stay open, no holder may stay registered, and no contents may be lost.
 #include <FileSupport.h>
 
+#include <BlockCacheSupport.h>
 #include <FaultySystemCallsLinux.h>
 #include <Files/FileImpl.h>
 #include <Linux/Calls/LinuxErrors.h>
-#include <BlockCacheSupport.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,7 +21,7 @@ namespace {
 
 using Faults = FaultySystemCalls;
 
-constexpr int kErrors[] = {EIO,    EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
+constexpr int kErrors[] = {EIO,   EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
 // Failures of a call that the operation need not report. mNumber 0 means every call of the kind, empty mErrors means
@@ -34,7 +34,8 @@ struct IgnoredFailure
 
     bool Fits(int inCall, unsigned inNumber, int inError) const
     {
-        return inCall == mCall && (mNumber == 0 || mNumber == inNumber) && (mErrors.empty() || mErrors.count(inError) != 0);
+        return inCall == mCall && (mNumber == 0 || mNumber == inNumber)
+               && (mErrors.empty() || mErrors.count(inError) != 0);
     }
 };
 
@@ -87,7 +88,9 @@ struct Operation
     std::set<unsigned> mLocks;
     std::vector<IgnoredFailure> mIgnored;
     // Maps the system's error to the expected result.
-    Result (*mMapError)(Faults::Call, SystemError) = [](Faults::Call, SystemError error) { return Files::ResultOf(error); };
+    Result (*mMapError)(Faults::Call, SystemError) = [](Faults::Call, SystemError error) {
+        return Files::ResultOf(error);
+    };
     // Failures whose outcome depends on the file system of the tests.
     std::vector<IgnoredFailure> mUnspecified = {};
     bool mIsOnTwoVolumes = false;
@@ -100,7 +103,10 @@ struct Operation
         return FitsAny(kAlwaysIgnored, inCall, inNumber, inError) || FitsAny(mIgnored, inCall, inNumber, inError);
     }
 
-    bool IsUnspecified(int inCall, unsigned inNumber, int inError) const { return FitsAny(mUnspecified, inCall, inNumber, inError); }
+    bool IsUnspecified(int inCall, unsigned inNumber, int inError) const
+    {
+        return FitsAny(mUnspecified, inCall, inNumber, inError);
+    }
 
     Result ExpectedResult(int inCall, int inError) const
     {
@@ -253,15 +259,19 @@ Result MapCopyError(Faults::Call, SystemError inError)
 }
 
 const Operation kOperations[] = {
-    {"WriteNew", [](const TempFolder&) {}, &WriteNew,
+    {"WriteNew",
+     [](const TempFolder&) {},
+     &WriteNew,
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
          if (succeeded) {
              EXPECT_EQ("hello", ContentsOf(folder, "f"));
          }
      },
-     {}, {kInterruptedOpen, kEveryClose, kEveryStatx}},
-    {"Empty", &MakeOld,
+     {},
+     {kInterruptedOpen, kEveryClose, kEveryStatx}},
+    {"Empty",
+     &MakeOld,
      [](const TempFolder& folder) {
          return Opened(folder.Path(u"f"), kWrite, kShareNone, Disposition::kFileCreate_Always).mResult;
      },
@@ -269,44 +279,79 @@ const Operation kOperations[] = {
          const bool succeeded = ResultSucceeded(result);
          EXPECT_TRUE((succeeded ? "" : Big('o')) == ContentsOf(folder, "f"));
      },
-     {}, {kInterruptedOpen, {Faults::kOpen, 2, {EACCES, ENOENT}}, kEveryClose, kEveryStatx}},
-    {"Read", &MakeOld, [](const TempFolder& folder) { return ReadAll(folder, kNormal); }, &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}},
-    {"ReadPastTheCache", &MakeOld,
+     {},
+     {kInterruptedOpen, {Faults::kOpen, 2, {EACCES, ENOENT}}, kEveryClose, kEveryStatx}},
+    {"Read",
+     &MakeOld,
+     [](const TempFolder& folder) { return ReadAll(folder, kNormal); },
+     &ExpectUntouched,
+     {1},
+     {kInterruptedOpen, kEveryClose, kEveryStatx}},
+    {"ReadPastTheCache",
+     &MakeOld,
      [](const TempFolder& folder) { return ReadAll(folder, Attributes::kFileAttribute_NoBuffering); },
      &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kMapDirectly, {{Faults::kPRead}}},
+     {1},
+     {kInterruptedOpen, kEveryClose, kEveryStatx},
+     kMapDirectly,
+     {{Faults::kPRead}}},
     // Some file systems are probed for their alignment with one or two reads.
-    {"ReadThroughBlocks", &MakeOld, &ReadThroughBlocks, &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, kEveryStatx}, kMapDirectly, {{Faults::kPRead, 1}, {Faults::kPRead, 2}}},
-    {"OpenExisting", &MakeOld,
+    {"ReadThroughBlocks",
+     &MakeOld,
+     &ReadThroughBlocks,
+     &ExpectUntouched,
+     {1},
+     {kInterruptedOpen, kEveryClose, kEveryStatx},
+     kMapDirectly,
+     {{Faults::kPRead, 1}, {Faults::kPRead, 2}}},
+    {"OpenExisting",
+     &MakeOld,
      [](const TempFolder& folder) {
          File file;
          return File::Open(folder.Path(u"f"), kRead, file);
      },
      &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose, {Faults::kStatx, 2}}, &MapToMinusOneIf<Faults::kStatx>},
-    {"SetEndOfFile", &MakeOld, &CutToThree,
+     {1},
+     {kInterruptedOpen, kEveryClose, {Faults::kStatx, 2}},
+     &MapToMinusOneIf<Faults::kStatx>},
+    {"SetEndOfFile",
+     &MakeOld,
+     &CutToThree,
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
          EXPECT_TRUE((succeeded ? "ooo" : Big('o')) == ContentsOf(folder, "f"));
      },
-     {}, {kInterruptedOpen, kEveryClose, kEveryStatx}, &MapToMinusOneIf<Faults::kFTruncate>},
-    {"TimeAndSize", &MakeOld, &AskForTimeAndSize, &ExpectUntouched,
-     {1}, {kInterruptedOpen, kEveryClose}, &MapStatxError, {kEveryStatx}},
-    {"Delete", &MakeOld, [](const TempFolder& folder) { return File::Delete(folder.Path(u"f")); },
+     {},
+     {kInterruptedOpen, kEveryClose, kEveryStatx},
+     &MapToMinusOneIf<Faults::kFTruncate>},
+    {"TimeAndSize",
+     &MakeOld,
+     &AskForTimeAndSize,
+     &ExpectUntouched,
+     {1},
+     {kInterruptedOpen, kEveryClose},
+     &MapStatxError,
+     {kEveryStatx}},
+    {"Delete",
+     &MakeOld,
+     [](const TempFolder& folder) { return File::Delete(folder.Path(u"f")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
          EXPECT_TRUE((succeeded ? "<none>" : Big('o')) == ContentsOf(folder, "f"));
      },
-     {1}, {{Faults::kOpen}, kEveryClose}},
-    {"CopyToNew", &MakeOld, [](const TempFolder& folder) { return File::Copy(folder.Path(u"f"), folder.Path(u"c")); },
+     {1},
+     {{Faults::kOpen}, kEveryClose}},
+    {"CopyToNew",
+     &MakeOld,
+     [](const TempFolder& folder) { return File::Copy(folder.Path(u"f"), folder.Path(u"c")); },
      [](const TempFolder& folder, Result result) {
          ExpectUntouched(folder, result);
          ExpectCopyOrNothing(folder, "c", result);
      },
-     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}},
-    {"CopyOver", &MakeOldAndNew,
+     {1, 3},
+     {kInterruptedOpen, kOtherCloses[0]}},
+    {"CopyOver",
+     &MakeOldAndNew,
      [](const TempFolder& folder) { return File::Copy(folder.Path(u"f"), folder.Path(u"n")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -314,8 +359,10 @@ const Operation kOperations[] = {
          const std::string copy = ContentsOf(folder, "n");
          EXPECT_TRUE(succeeded ? copy == Big('o') : copy == Big('n') || copy == "<none>");
      },
-     {1, 3}, {kInterruptedOpen, {Faults::kOpen, 3, {EACCES, ENOENT}}, kOtherCloses[0]}},
-    {"CopyWithProgress", &MakeOld,
+     {1, 3},
+     {kInterruptedOpen, {Faults::kOpen, 3, {EACCES, ENOENT}}, kOtherCloses[0]}},
+    {"CopyWithProgress",
+     &MakeOld,
      [](const TempFolder& folder) {
          return File::CopyWithProgress(folder.Path(u"f"), folder.Path(u"c"), &KeepGoing, nullptr);
      },
@@ -323,15 +370,21 @@ const Operation kOperations[] = {
          ExpectUntouched(folder, result);
          ExpectCopyOrNothing(folder, "c", result, kDiskFull);
      },
-     {1, 3}, {kInterruptedOpen, kOtherCloses[0]}, &MapCopyError},
-    {"Move", &MakeOld, [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
+     {1, 3},
+     {kInterruptedOpen, kOtherCloses[0]},
+     &MapCopyError},
+    {"Move",
+     &MakeOld,
+     [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
          EXPECT_TRUE((succeeded ? "<none>" : Big('o')) == ContentsOf(folder, "f"));
          ExpectCopyOrNothing(folder, "m", result);
      },
-     {1}, {{Faults::kOpen}, kEveryClose}},
-    {"MoveToAnotherVolume", &MakeOld,
+     {1},
+     {{Faults::kOpen}, kEveryClose}},
+    {"MoveToAnotherVolume",
+     &MakeOld,
      [](const TempFolder& folder) { return File::Move(folder.Path(u"f"), folder.Path(u"m")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -340,9 +393,17 @@ const Operation kOperations[] = {
          ExpectCopyOrNothing(folder, "m", result);
      },
      {1, 3, 6},
-     {{Faults::kOpen, 1}, {Faults::kOpen, 2, {EACCES, EPERM}}, {Faults::kFSync, 2, {EINVAL}}, kInterruptedOpen, kOtherCloses[0], kOtherCloses[1],
-      {Faults::kClose, 4}, {Faults::kUnlink}},
-     kMapDirectly, {}, true},
+     {{Faults::kOpen, 1},
+      {Faults::kOpen, 2, {EACCES, EPERM}},
+      {Faults::kFSync, 2, {EINVAL}},
+      kInterruptedOpen,
+      kOtherCloses[0],
+      kOtherCloses[1],
+      {Faults::kClose, 4},
+      {Faults::kUnlink}},
+     kMapDirectly,
+     {},
+     true},
     {"MoveALinkToAnotherVolume",
      [](const TempFolder& folder) {
          MakeOld(folder);
@@ -355,21 +416,32 @@ const Operation kOperations[] = {
          EXPECT_EQ(succeeded, std::filesystem::is_symlink(folder.Host() / "m"));
          EXPECT_TRUE(succeeded || std::filesystem::is_symlink(folder.Host() / "link"));
      },
-     {}, {{Faults::kOpen, 0, {EACCES, EPERM}}, {Faults::kFSync, 1, {EINVAL}}, kInterruptedOpen, kEveryClose, {Faults::kUnlink}}, kMapDirectly, {}, true},
-    {"DeleteOnClose", [](const TempFolder&) {},
+     {},
+     {{Faults::kOpen, 0, {EACCES, EPERM}},
+      {Faults::kFSync, 1, {EINVAL}},
+      kInterruptedOpen,
+      kEveryClose,
+      {Faults::kUnlink}},
+     kMapDirectly,
+     {},
+     true},
+    {"DeleteOnClose",
+     [](const TempFolder&) {},
      [](const TempFolder& folder) {
          using namespace Files::Platform;
          Handle file = nullptr;
-         const SystemError error = CreateFile_Impl(folder.Path(u"f"), kGenericWrite | kAccessDelete, 7, kCreateNew,
-                                                   kFlagDeleteOnClose, file);
+         const SystemError error =
+             CreateFile_Impl(folder.Path(u"f"), kGenericWrite | kAccessDelete, 7, kCreateNew, kFlagDeleteOnClose, file);
          if (error == 0) {
              CloseFile_Impl(file);
          }
          return Files::ResultOf(error);
      },
      [](const TempFolder&, Result) {},
-     {1, 2}, {kInterruptedOpen, kEveryClose, kEveryStatx, {Faults::kUnlink}}},
-    {"SwapTempFile", &MakeOldAndNew,
+     {1, 2},
+     {kInterruptedOpen, kEveryClose, kEveryStatx, {Faults::kUnlink}}},
+    {"SwapTempFile",
+     &MakeOldAndNew,
      [](const TempFolder& folder) { return File::SwapTempFile(folder.Path(u"n"), folder.Path(u"f")); },
      [](const TempFolder& folder, Result result) {
          const bool succeeded = ResultSucceeded(result);
@@ -384,8 +456,13 @@ const Operation kOperations[] = {
      // The first statx calls look for a free name; the unlink deletes the backup. If the folder cannot be opened, its
      // volume is synced instead.
      {1, 3},
-     {kInterruptedOpen, {Faults::kOpen, 3, {EACCES, EPERM}}, kEveryClose, {Faults::kStatx, 1},
-      {Faults::kStatx, 2}, {Faults::kUnlink}, {Faults::kFSync, 2, {EINVAL}}}},
+     {kInterruptedOpen,
+      {Faults::kOpen, 3, {EACCES, EPERM}},
+      kEveryClose,
+      {Faults::kStatx, 1},
+      {Faults::kStatx, 2},
+      {Faults::kUnlink},
+      {Faults::kFSync, 2, {EINVAL}}}},
 };
 
 // The allocator may request pages at any time; other tests fail its calls.
@@ -455,4 +532,6 @@ TEST_P(FileFaults, EachCallThatFails_IsToldAndLeavesNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, FileFaults, testing::ValuesIn(kOperations),
-                         [](const testing::TestParamInfo<Operation>& inInfo) { return std::string(inInfo.param.mName); });
+                         [](const testing::TestParamInfo<Operation>& inInfo) {
+                             return std::string(inInfo.param.mName);
+                         });

@@ -1,8 +1,8 @@
 // Tests the behaviour of File that exists only on Linux: links, permissions, other programs' locks, file systems that
 // refuse operations.
 #include "../AsyncReads/AsyncReadSupport.h"
-#include <FileSupport.h>
 #include "ShareModes.h"
+#include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>
 #include <UnprivilegedLinux.h>
@@ -165,7 +165,8 @@ TEST(FileOnLinux, APlaceWithoutPermission_IsAccessDenied)
     RunUnprivileged(folder.Host(), [&folder] {
         EXPECT_EQ(0, ::chmod((folder.Host() / "d").c_str(), 0));
         EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"d\\f"), kRead).mResult);
-        EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"d\\n"), kWrite, kShareNone, Disposition::kFileCreate_New).mResult);
+        EXPECT_EQ(kAccessDenied,
+                  Opened(folder.Path(u"d\\n"), kWrite, kShareNone, Disposition::kFileCreate_New).mResult);
         EXPECT_EQ(kAccessDenied, File::Delete(folder.Path(u"d\\f")));
         unsigned __int64 size = 0;
         EXPECT_EQ(kFileNotFound, File::SizeOnDisk(folder.Path(u"d\\f"), size)) << "whatever the failure was";

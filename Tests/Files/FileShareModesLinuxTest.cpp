@@ -111,9 +111,8 @@ TEST(FileShareModesOnLinux, OneThatComesAndGoesAllTheTime_IsAConflictInTheEnd)
     Faults calls;
     for (unsigned number = 1; number < 400; ++number) {
         // Every check that finds the lock is followed by a check that does not.
-        calls.Before(Faults::kLockRange, number, [&other, number] {
-            number % 2 == 1 ? other.ShutOutReaders() : other.Leave();
-        });
+        calls.Before(Faults::kLockRange, number,
+                     [&other, number] { number % 2 == 1 ? other.ShutOutReaders() : other.Leave(); });
     }
     const Result result = Opened(folder.Path(u"f"), kReadWrite, kShareNone).mResult;
     EXPECT_EQ(kSharingViolation, result);

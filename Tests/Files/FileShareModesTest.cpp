@@ -1,7 +1,7 @@
 // Tests which handles of one file are compatible: in one process, in two, and with deleting, moving, copying and
 // replacing.
-#include <FileSupport.h>
 #include "ShareModes.h"
+#include <FileSupport.h>
 
 #include <Platform/AsyncFiles.h>
 #include <ProcessRunner.h>

@@ -1,7 +1,7 @@
 // Checks recorded results of Windows for opening files that depend on names: their case, their length, a leading dot.
 // Uses the platform functions.
-#include <FileSupport.h>
 #include "SystemProbes.h"
+#include <FileSupport.h>
 
 #include <Platform/File.h>
 

@@ -8,8 +8,8 @@
 // DirectorySituationsTest. No platform function creates a single level (md). io00 to io12 are asynchronous reads, which
 // have separate platform functions: AsyncFileReaderTest and AsyncReadInput*Test. The platform functions do not support
 // cp11 (no overwriting), de10 and mv08 (contents of a listing) and ga07, ga10 (attributes).
-#include <FileSupport.h>
 #include "SystemProbes.h"
+#include <FileSupport.h>
 
 #include <Platform/File.h>
 
@@ -114,6 +114,7 @@ SystemError Replace(const Folder& inFolder, const char16_t* inReplaced, const ch
                             inFolder.Extended(u"backup.txt"), BackupDisposition::kKeep);
 }
 
+// clang-format off
 const Situation kOpening[] = {
     {"cf01", "file missing", {2}, [](const Folder& s) { return s.Try(s.Extended(u"no"), kGenericRead, kOpenExisting); }},
     {"cf02", "folder missing", {3}, [](const Folder& s) { return s.Try(s.Extended(u"no\\no"), kGenericRead, kOpenExisting); }},
@@ -281,6 +282,7 @@ const Situation kSizes[] = {
     {"ga09", "open with share 0", {0}, [](const Folder& s) { const ScopedOpenFile held(s.Plain(u"f.txt"), kBoth, 0); std::uint64_t n = 0; return GetSizeOfPath_Impl(s.Extended(u"f.txt"), n); }},
     {"ga11", "a component is a file", {3}, [](const Folder& s) { std::uint64_t n = 0; return GetSizeOfPath_Impl(s.Extended(u"f.txt\\no"), n); }},
 };
+// clang-format on
 
 template <std::size_t Count>
 void Expect(const Situation (&inSituations)[Count])
@@ -306,13 +308,34 @@ void Expect(const Situation (&inSituations)[Count])
 
 } // namespace
 
-TEST(FileSituations, Opening_AnswersAsAtHome) { Expect(kOpening); }
-TEST(FileSituations, HandlesWithoutTheRight_AnswerAsAtHome) { Expect(kHandles); }
-TEST(FileSituations, Deleting_AnswersAsAtHome) { Expect(kDeleting); }
-TEST(FileSituations, Moving_AnswersAsAtHome) { Expect(kMoving); }
-TEST(FileSituations, Copying_AnswersAsAtHome) { Expect(kCopying); }
-TEST(FileSituations, Replacing_AnswersAsAtHome) { Expect(kReplacing); }
-TEST(FileSituations, SizesByName_AnswerAsAtHome) { Expect(kSizes); }
+TEST(FileSituations, Opening_AnswersAsAtHome)
+{
+    Expect(kOpening);
+}
+TEST(FileSituations, HandlesWithoutTheRight_AnswerAsAtHome)
+{
+    Expect(kHandles);
+}
+TEST(FileSituations, Deleting_AnswersAsAtHome)
+{
+    Expect(kDeleting);
+}
+TEST(FileSituations, Moving_AnswersAsAtHome)
+{
+    Expect(kMoving);
+}
+TEST(FileSituations, Copying_AnswersAsAtHome)
+{
+    Expect(kCopying);
+}
+TEST(FileSituations, Replacing_AnswersAsAtHome)
+{
+    Expect(kReplacing);
+}
+TEST(FileSituations, SizesByName_AnswerAsAtHome)
+{
+    Expect(kSizes);
+}
 
 // cf57: a file that is deleted on close, as the probe for a writeable directory uses it.
 TEST(FileSituations, AFileThatIsDeletedOnClose_IsThereUntilThen)

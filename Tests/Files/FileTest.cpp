@@ -65,8 +65,8 @@ TEST(File, EachFlag_HasItsSystemWord)
 {
     using namespace Files;
     for (int flags = 0; flags < 8; ++flags) {
-        const std::uint32_t access = (flags & 1 ? 0x80000000u : 0) | (flags & 2 ? 0x40000000u : 0)
-                                     | (flags & 4 ? 0x20000000u : 0);
+        const std::uint32_t access =
+            (flags & 1 ? 0x80000000u : 0) | (flags & 2 ? 0x40000000u : 0) | (flags & 4 ? 0x20000000u : 0);
         EXPECT_EQ(access, SystemAccess(static_cast<Access::Type>(flags)));
         EXPECT_EQ(static_cast<std::uint32_t>(flags), SystemShareMode(static_cast<Share::Type>(flags)));
     }
@@ -138,8 +138,7 @@ TEST(File, CreateNewOfAnExistingFile_IsAGeneralFailure)
 {
     const TempFolder folder;
     folder.MakeFile("f");
-    EXPECT_EQ(kGeneralFailure,
-              Opened(folder.Path(u"f"), kWrite, kShareNone, Disposition::kFileCreate_New).mResult);
+    EXPECT_EQ(kGeneralFailure, Opened(folder.Path(u"f"), kWrite, kShareNone, Disposition::kFileCreate_New).mResult);
 }
 
 TEST(File, ADirectory_OpensWithBackupSemanticsAlone)
@@ -147,8 +146,8 @@ TEST(File, ADirectory_OpensWithBackupSemanticsAlone)
     const TempFolder folder;
     folder.MakeFolder("d");
     const UTF16String path = folder.Path(u"d");
-    EXPECT_EQ(kAccessDenied, Opened(path, kRead, kShareEverything, Disposition::kFileCreate_OpenExisting, kNormal, true)
-                                 .mResult);
+    EXPECT_EQ(kAccessDenied,
+              Opened(path, kRead, kShareEverything, Disposition::kFileCreate_OpenExisting, kNormal, true).mResult);
     const Opened folderFile(path, kRead, kShareEverything, Disposition::kFileCreate_OpenExisting,
                             Attributes::kFileAttribute_BackupSemantics, true);
     EXPECT_EQ(kSuccess, folderFile.mResult);

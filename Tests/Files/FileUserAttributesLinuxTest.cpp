@@ -111,7 +111,8 @@ TEST_F(UserAttributes, WhateverTheyMeet_ACopyIsACopy)
 {
     mFolder.MakeFile("over");
     ASSERT_TRUE(Set("over", "user.old", "x"));
-    for (const Faults::Call call : {Faults::kFListXAttr, Faults::kFGetXAttr, Faults::kFSetXAttr, Faults::kFRemoveXAttr}) {
+    for (const Faults::Call call :
+         {Faults::kFListXAttr, Faults::kFGetXAttr, Faults::kFSetXAttr, Faults::kFRemoveXAttr}) {
         for (const int error : {EOPNOTSUPP, ENOSPC, EDQUOT, EPERM, EACCES, EIO, ERANGE, E2BIG, ENODATA}) {
             for (const char16_t* name : {u"new", u"over"}) {
                 std::filesystem::remove(mFolder.Host() / "new");

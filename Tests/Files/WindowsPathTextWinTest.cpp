@@ -1,7 +1,7 @@
 // Compares the portable path text with Windows' own functions on many thousands of generated paths.
+#include <Files/WindowsPathText.h>
 #include <Platform/Disks.h>
 #include <Platform/Paths.h>
-#include <Files/WindowsPathText.h>
 
 #include <TextHelpers.h>
 

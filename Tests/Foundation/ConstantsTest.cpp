@@ -1,8 +1,8 @@
+#include <Core/PropertyKeys.h>
 #include <ORLConstants.h>
 #include <ORLDiskUtils.h>
 #include <ORLLanguage.h>
 #include <ORLStream.h>
-#include <Core/PropertyKeys.h>
 
 #include <gtest/gtest.h>
 

@@ -36,7 +36,9 @@ void HandleSignals()
     stack.ss_sp = sStack;
     stack.ss_size = sizeof(sStack);
     sigaltstack(&stack, nullptr);
-    struct sigaction action{};
+    struct sigaction action
+    {
+    };
     action.sa_sigaction = SendRecord;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP}) {
@@ -64,7 +66,8 @@ Crash CrashOf(Function inFunction)
     }
     close(ends[1]);
     Crash crash{};
-    crash.mIsReported = read(ends[0], &crash.mRecord, sizeof(crash.mRecord)) == static_cast<ssize_t>(sizeof(crash.mRecord));
+    crash.mIsReported =
+        read(ends[0], &crash.mRecord, sizeof(crash.mRecord)) == static_cast<ssize_t>(sizeof(crash.mRecord));
     close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);
@@ -195,8 +198,8 @@ TEST(ExceptionRecordFromSignal, ArithmeticFailures_AreToldApart)
         std::uint32_t mCode;
     };
     const Row rows[] = {
-        {FE_DIVBYZERO, 1.0, 0.0, 0xC000008E}, {FE_INEXACT, 1.0, 3.0, 0xC000008F},
-        {FE_INVALID, 0.0, 0.0, 0xC0000090},   {FE_OVERFLOW, 1e308, 1e-308, 0xC0000091},
+        {FE_DIVBYZERO, 1.0, 0.0, 0xC000008E},      {FE_INEXACT, 1.0, 3.0, 0xC000008F},
+        {FE_INVALID, 0.0, 0.0, 0xC0000090},        {FE_OVERFLOW, 1e308, 1e-308, 0xC0000091},
         {FE_UNDERFLOW, 1e-300, 1e300, 0xC0000093},
     };
     for (const Row& row : rows) {

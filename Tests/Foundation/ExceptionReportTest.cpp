@@ -40,20 +40,17 @@ bool EndsWith(const std::string& inText, const std::string& inEnd)
 // Groups the digits of every number.
 class Grouping : public std::numpunct<char>
 {
-    std::string do_grouping() const override
-    {
-        return "\3";
-    }
+    std::string do_grouping() const override { return "\3"; }
 };
 
 } // namespace
 
 TEST(SystemErrorMessage, EveryErrorOfTheSeam_HasASentenceWithALineEnd)
 {
-    for (const unsigned int error : {0u,   2u,   3u,   4u,   5u,   6u,   8u,   17u,  19u,  31u,   32u,   33u,   38u,  39u,
-                                     50u,  53u,  59u,  80u,  87u,  109u, 112u, 123u, 131u, 145u,  161u,  170u,  183u, 206u,
-                                     234u, 259u, 267u, 995u, 997u, 998u, 1009u, 1018u, 1020u, 1117u, 1142u, 1177u,
-                                     1235u, 1812u, 1813u, 1814u, 1815u, 1921u}) {
+    for (const unsigned int error :
+         {0u,   2u,   3u,    4u,    5u,    6u,    8u,    17u,   19u,   31u,   32u,   33u,   38u,   39u,  50u,  53u,
+          59u,  80u,  87u,   109u,  112u,  123u,  131u,  145u,  161u,  170u,  183u,  206u,  234u,  259u, 267u, 995u,
+          997u, 998u, 1009u, 1018u, 1020u, 1117u, 1142u, 1177u, 1235u, 1812u, 1813u, 1814u, 1815u, 1921u}) {
         const std::string message = Message(error);
         EXPECT_NE(kNoMessage, message) << error;
         EXPECT_TRUE(EndsWith(message, "\r\n")) << error << ": " << message;
@@ -77,9 +74,10 @@ TEST(ExceptionCodeToString, KnownCodes_HaveNameAndExplanation)
         const char* mText;
     };
     const Row rows[] = {
-        {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT (The thread attempted to read or write data that is misaligned on "
-                     "hardware that does not provide alignment. For example, 16-bit values must be aligned on 2-byte "
-                     "boundaries, 32-bit values on 4-byte boundaries, and so on.)"},
+        {0x80000002,
+         "EXCEPTION_DATATYPE_MISALIGNMENT (The thread attempted to read or write data that is misaligned on "
+         "hardware that does not provide alignment. For example, 16-bit values must be aligned on 2-byte "
+         "boundaries, 32-bit values on 4-byte boundaries, and so on.)"},
         {0x80000003, "EXCEPTION_BREAKPOINT (A breakpoint was encountered.)"},
         {0x80000004, "EXCEPTION_SINGLE_STEP (A trace trap or other single-instruction mechanism signaled that one "
                      "instruction has been executed.)"},
@@ -107,8 +105,9 @@ TEST(ExceptionCodeToString, KnownCodes_HaveNameAndExplanation)
                      "divisor of zero.)"},
         {0xC0000095, "EXCEPTION_INT_OVERFLOW (The result of an integer operation caused a carry out of the most "
                      "significant bit of the result.)"},
-        {0xC0000096, "EXCEPTION_PRIV_INSTRUCTION (The thread attempted to execute an instruction whose operation is not "
-                     "allowed in the current machine mode.)"},
+        {0xC0000096,
+         "EXCEPTION_PRIV_INSTRUCTION (The thread attempted to execute an instruction whose operation is not "
+         "allowed in the current machine mode.)"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(row.mText, ExceptionText(row.mCode)) << std::hex << row.mCode;
@@ -117,18 +116,20 @@ TEST(ExceptionCodeToString, KnownCodes_HaveNameAndExplanation)
 
 TEST(ExceptionCodeToString, UnknownCodes_SayThat)
 {
-    for (const unsigned long code : {0x0ul, 0x1ul, 0x80000001ul, 0x80000005ul, 0xC0000006ul, 0xC0000097ul, 0xFFFFFFFFul}) {
+    for (const unsigned long code :
+         {0x0ul, 0x1ul, 0x80000001ul, 0x80000005ul, 0xC0000006ul, 0xC0000097ul, 0xFFFFFFFFul}) {
         EXPECT_EQ("!!! Unknown Exception type !!!", ExceptionText(code)) << std::hex << code;
     }
 }
 
 TEST(ExceptionRecordReport, AccessViolation_TellsWhatWasAccessed)
 {
-    const std::string begin = "The WIN32 exception record reported the following information:\r\nException Code: "
-                              + ExceptionText(0xC0000005)
-                              + "\r\nThis exception is Continuable.\r\nThe exception occured at address: 0x7ff612345678\r\n";
+    const std::string begin =
+        "The WIN32 exception record reported the following information:\r\nException Code: " + ExceptionText(0xC0000005)
+        + "\r\nThis exception is Continuable.\r\nThe exception occured at address: 0x7ff612345678\r\n";
     EXPECT_EQ(begin + "While Reading from address:0x0\r\n", Report({0xC0000005, 0, 0x7FF612345678, 0, 0}));
-    EXPECT_EQ(begin + "While Writing to address:0xdeadbeef\r\n", Report({0xC0000005, 0, 0x7FF612345678, 1, 0xDEADBEEF}));
+    EXPECT_EQ(begin + "While Writing to address:0xdeadbeef\r\n",
+              Report({0xC0000005, 0, 0x7FF612345678, 1, 0xDEADBEEF}));
     EXPECT_EQ(begin + "While Writing to address:0xffffffffffffffff\r\n",
               Report({0xC0000005, 0, 0x7FF612345678, 8, ~std::uint64_t{0}}));
 }

@@ -76,7 +76,10 @@ TEST(UnhandledExceptionAlert, Text_NamesExceptionThreadAndModule)
     ThrowAfterUnhandledExceptionAlert(ignore, "the disk is on fire");
     const std::vector<CheckReport> shown = recorder.Reports();
     ASSERT_EQ(1u, shown.size());
-    ExpectReport(shown[0]).Kind(CheckReport::kDisplay).Expression(kTitle).Message(AlertText("the disk is on fire\r\n\r\n"));
+    ExpectReport(shown[0])
+        .Kind(CheckReport::kDisplay)
+        .Expression(kTitle)
+        .Message(AlertText("the disk is on fire\r\n\r\n"));
 }
 
 TEST(UnhandledExceptionAlert, WithoutAText_BeginsAtTheThreadName)

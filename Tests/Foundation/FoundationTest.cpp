@@ -1,8 +1,8 @@
 #include <ORLFoundation.h>
 
 #include <CheckRecorder.h>
-#include <Foundation/CountedLifecycle.h>
 #include <ExpectReport.h>
+#include <Foundation/CountedLifecycle.h>
 #include <ProcessRunner.h>
 #include <QueueRequests.h>
 #include <TempFolder.h>
@@ -90,8 +90,7 @@ public:
 
     std::string Running() const
     {
-        const bool hasRecord =
-            ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
+        const bool hasRecord = ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
         std::string running;
         running += std::locale() == std::locale::classic() ? "locale " : "";
         running += hasRecord ? "thread " : "";

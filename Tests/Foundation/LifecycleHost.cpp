@@ -37,8 +37,8 @@ void UseWithoutStart()
     }
 }
 
-void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*, void* outBytesRead,
-            void*, void*, int)
+void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+            void* outBytesRead, void*, void*, int)
 {
     *static_cast<unsigned int*>(outBytesRead) = inBytesRead;
 }

@@ -30,7 +30,9 @@ bool UseNames()
     return first.c_str() == second.c_str();
 }
 
-void MakeNothing(ORL::InterfaceRef<ORL::ORLUnknown, ORL::ORLUnknown>&) {}
+void MakeNothing(ORL::InterfaceRef<ORL::ORLUnknown, ORL::ORLUnknown>&)
+{
+}
 
 void CategoriesOfNothing(std::vector<ORL::Guid>& outCategories)
 {
@@ -53,8 +55,10 @@ bool UseProcessLifetimeObjects()
 // Open when Wait returns.
 bool UseSharedQueueAndGate(WaitableGate& ioGate)
 {
-    const auto queue = ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
-    return queue->QueueRequest(ORL::ThreadedWorkQueue::Request(new OpensGate(ioGate))) && ioGate.Wait(-1) == ORL::kSuccess;
+    const auto queue =
+        ORL::SharedThreadedWorkQueue::Instance()->RetrieveOrCreateSingleThreaded(ORL::ThreadPriorities::kNormal);
+    return queue->QueueRequest(ORL::ThreadedWorkQueue::Request(new OpensGate(ioGate)))
+           && ioGate.Wait(-1) == ORL::kSuccess;
 }
 
 struct Outcome

@@ -17,6 +17,6 @@ TEST_P(ServicesAtExit, ServiceInUse_KeepsServingUntilTheEnd)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ServicesAtExit,
-                         testing::Values("recycler", "classes", "application", "names", "locale", "errors", "threads", "queues",
-                                         "reads", "constants", "all"),
+                         testing::Values("recycler", "classes", "application", "names", "locale", "errors", "threads",
+                                         "queues", "reads", "constants", "all"),
                          [](const testing::TestParamInfo<const char*>& inInfo) { return std::string(inInfo.param); });

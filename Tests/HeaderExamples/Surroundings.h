@@ -20,7 +20,9 @@ inline void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, 
 {
 }
 
-inline void Draw(HBITMAP) {}
+inline void Draw(HBITMAP)
+{
+}
 
 struct Host
 {

@@ -6,7 +6,6 @@
 #include <ORLOSImageHandle.h>
 #include <ORLResourceCollection.h>
 
-
 #include <atomic>
 #include <gtest/gtest.h>
 #include <memory>

@@ -23,7 +23,7 @@ protected:
     }
 
     std::vector<orl::IngestDestination> RunTo(std::size_t inCount, const OnStepOf& inOnStep = {},
-                                         const orl::IngestSettings& inSettings = {})
+                                              const orl::IngestSettings& inSettings = {})
     {
         std::vector<std::string> disks;
         for (std::size_t i = 0; i < inCount; ++i) {

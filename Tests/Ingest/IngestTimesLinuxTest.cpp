@@ -39,9 +39,8 @@ protected:
     /// Returns the number of files that the last run recognised.
     std::ptrdiff_t Known() const
     {
-        return std::count_if(mPlan.mItems.begin(), mPlan.mItems.end(), [](const IngestItem& inItem) {
-            return inItem.mState == IngestItem::kVerifiedBefore;
-        });
+        return std::count_if(mPlan.mItems.begin(), mPlan.mItems.end(),
+                             [](const IngestItem& inItem) { return inItem.mState == IngestItem::kVerifiedBefore; });
     }
 
     const orl::IngestCalls mSystem = orl::sIngestCalls;

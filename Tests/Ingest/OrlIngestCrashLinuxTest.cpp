@@ -149,7 +149,8 @@ std::string NameOfPart(const testing::TestParamInfo<std::tuple<const char*, int>
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(Size, CrashedIngest,
-                         testing::Combine(testing::Values(kOfAnotherSize, kOfTheSameSize), testing::Range(1, kParts + 1)),
+                         testing::Combine(testing::Values(kOfAnotherSize, kOfTheSameSize),
+                                          testing::Range(1, kParts + 1)),
                          NameOfPart);
 
 TEST_P(CrashedIngest, KilledBeforeEachSystemCall_LosesNothingAndASecondRunCompletes)

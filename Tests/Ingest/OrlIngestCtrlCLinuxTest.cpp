@@ -63,8 +63,8 @@ protected:
         }
         FileTree disk = ReadTree(Disk());
         EXPECT_TRUE(!wasPlanning || disk.empty()) << disk.begin()->first;
-        const auto manifest = fs::exists(Disk() / kManifest) ? ReadManifest(Disk() / kManifest)
-                                                             : std::map<std::string, std::string>();
+        const auto manifest =
+            fs::exists(Disk() / kManifest) ? ReadManifest(Disk() / kManifest) : std::map<std::string, std::string>();
         disk.erase(kManifest);
         for (const auto& [name, contents] : disk) {
             ASSERT_EQ(1u, mCard.count(name)) << name;

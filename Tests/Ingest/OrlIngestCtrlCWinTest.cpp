@@ -43,8 +43,8 @@ protected:
     HANDLE OpenForChild(const char* inName) const
     {
         SECURITY_ATTRIBUTES inheritable{sizeof(inheritable), nullptr, TRUE};
-        return ::CreateFileW((mFolder.Host() / inName).c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS, 0,
-                             nullptr);
+        return ::CreateFileW((mFolder.Host() / inName).c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable,
+                             CREATE_ALWAYS, 0, nullptr);
     }
 
     /// Starts an ingest in a separate process group.

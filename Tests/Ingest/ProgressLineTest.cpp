@@ -81,6 +81,7 @@ TEST(IngestProgress, InANarrowTerminal_KeepsWhatMattersMost)
     EXPECT_EQ(" 50 %   1.0 GB of 2.0 GB   0:10 left", ProgressText(2000000000, 4000000000, 3, 7, 10, 39));
     EXPECT_EQ(" 50 %", ProgressText(2000000000, 4000000000, 3, 7, 10, 5));
     for (std::size_t columns = 1; columns < 200; ++columns) {
-        EXPECT_GE(columns, ColumnsOf(ProgressText(987654321012, 1987654321012, 98765, 123456, 86400, columns))) << columns;
+        EXPECT_GE(columns, ColumnsOf(ProgressText(987654321012, 1987654321012, 98765, 123456, 86400, columns)))
+            << columns;
     }
 }

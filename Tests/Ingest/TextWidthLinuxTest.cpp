@@ -20,13 +20,13 @@ TEST(TextWidth, NearlyEachCharacter_IsAsWideAsTheCLibrarySays)
         if (expected < 0 || (point >= 0xD800 && point < 0xE000)) {
             continue;
         }
-        const UTF16String units = point > 0xFFFF
-                                      ? UTF16String({static_cast<unsigned short>(0xD7C0 + (point >> 10)),
-                                                     static_cast<unsigned short>(0xDC00 + (point & 0x3FF))})
-                                      : UTF16String(1, static_cast<unsigned short>(point));
+        const UTF16String units = point > 0xFFFF ? UTF16String({static_cast<unsigned short>(0xD7C0 + (point >> 10)),
+                                                                static_cast<unsigned short>(0xDC00 + (point & 0x3FF))})
+                                                 : UTF16String(1, static_cast<unsigned short>(point));
         const UTF8String bytes = tvxcore::utility::UTF16to8(units);
         ++compared;
-        different += orl::ColumnsOf(std::string(bytes.begin(), bytes.end())) != static_cast<std::size_t>(expected) ? 1 : 0;
+        different +=
+            orl::ColumnsOf(std::string(bytes.begin(), bytes.end())) != static_cast<std::size_t>(expected) ? 1 : 0;
     }
     ::uselocale(earlier);
     ::freelocale(utf8);

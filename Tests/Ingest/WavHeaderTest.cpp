@@ -27,8 +27,8 @@ std::string Chunk(const std::string& inTag, const std::string& inBody)
 
 std::string Format(unsigned inTag, unsigned inRate, unsigned inBytesPerBlock, const std::string& inMore = std::string())
 {
-    return Chunk("fmt ", Number(inTag, 2) + Number(1, 2) + Number(inRate, 4) + Number(inRate, 4) + Number(inBytesPerBlock, 2)
-                             + Number(4, 2) + inMore);
+    return Chunk("fmt ", Number(inTag, 2) + Number(1, 2) + Number(inRate, 4) + Number(inRate, 4)
+                             + Number(inBytesPerBlock, 2) + Number(4, 2) + inMore);
 }
 
 // Returns the bytes after the 16 bytes common to all formats: the extension size 22, valid bits, speakers, the
@@ -65,13 +65,15 @@ TEST(WavHeader, FormatsOfOneSampleABlock_CountTheData)
     EXPECT_EQ(256, Samples(Riff(Format(3, 48000, 4) + kData))) << "floating point";
     EXPECT_EQ(1024, Samples(Riff(Format(6, 8000, 1) + kData))) << "A-law";
     EXPECT_EQ(1024, Samples(Riff(Format(7, 8000, 1) + kData))) << "mu-law";
-    EXPECT_EQ(512, Samples(Riff(Format(1, 48000, 2) + Chunk("fact", Number(7, 4)) + kData))) << "the data are what counts";
+    EXPECT_EQ(512, Samples(Riff(Format(1, 48000, 2) + Chunk("fact", Number(7, 4)) + kData)))
+        << "the data are what counts";
 }
 
 TEST(WavHeader, PackedFormats_HaveTheLengthOfTheFactChunk)
 {
     for (const unsigned tag : {0x0002u, 0x0011u, 0x0031u, 0x0055u, 0x1234u}) {
-        EXPECT_EQ(1010, Samples(Riff(Format(tag, 22050, 256, kBlocks) + Chunk("fact", Number(1010, 4)) + kData))) << tag;
+        EXPECT_EQ(1010, Samples(Riff(Format(tag, 22050, 256, kBlocks) + Chunk("fact", Number(1010, 4)) + kData)))
+            << tag;
         EXPECT_EQ(1010, Samples(Riff(Format(tag, 22050, 256, kBlocks) + kData + Chunk("fact", Number(1010, 4)))))
             << "behind the data as well";
         EXPECT_EQ(-1, Samples(Riff(Format(tag, 22050, 256, kBlocks) + kData))) << tag << ": nothing tells";
@@ -103,7 +105,8 @@ TEST(WavHeader, LongFiles_HaveTheirNumbersInAChunkOfTheirOwn)
     const std::string sizes = Chunk("ds64", Number(5000000000, 8) + Number(1024, 8) + Number(77, 8) + Number(0, 4));
     const std::string data = "data" + Number(0xFFFFFFFF, 4) + std::string(1024, 'd');
     EXPECT_EQ(512, Samples(Riff(sizes + Format(1, 48000, 2) + data, "RF64")));
-    EXPECT_EQ(77, Samples(Riff(sizes + Format(0x11, 48000, 256) + Chunk("fact", Number(0xFFFFFFFF, 4)) + data, "BW64")));
+    EXPECT_EQ(77,
+              Samples(Riff(sizes + Format(0x11, 48000, 256) + Chunk("fact", Number(0xFFFFFFFF, 4)) + data, "BW64")));
 }
 
 TEST(WavHeader, WholeCutAndBrokenFiles)

@@ -16,7 +16,10 @@ class Differences
 {
 public:
     explicit Differences(const char* inWhat) : mWhat(inWhat) {}
-    ~Differences() { EXPECT_EQ(0u, mCount) << mWhat << ", first at " << mFirst[0] << ' ' << mFirst[1] << ' ' << mFirst[2]; }
+    ~Differences()
+    {
+        EXPECT_EQ(0u, mCount) << mWhat << ", first at " << mFirst[0] << ' ' << mFirst[1] << ' ' << mFirst[2];
+    }
 
     void Compare(bool inIsEqual, double inFirst, double inSecond, double inThird)
     {
@@ -106,8 +109,9 @@ void CompareFromPolar(std::uint32_t inStep)
     Differences hslToHsv("ColorHSLtoHSV");
     Differences hsvToHsl("ColorHSVtoHSL");
     ForEachPolar(inStep, [&](unsigned h, unsigned s, unsigned l) {
-        const auto same = [](const unsigned (&inGiven)[3], const WholeShade& inExpected) {
-            return inGiven[0] == inExpected.hue && inGiven[1] == inExpected.saturation && inGiven[2] == inExpected.level;
+        const auto same = [](const unsigned(&inGiven)[3], const WholeShade& inExpected) {
+            return inGiven[0] == inExpected.hue && inGiven[1] == inExpected.saturation
+                   && inGiven[2] == inExpected.level;
         };
         Color color(0xFF000000ul);
         ORL::ColorHSVtoRGB(h, s, l, color);
@@ -233,8 +237,10 @@ void CompareNormalizedPolar(std::uint32_t inStep)
         const Single first(x);
         const Single second(y);
         const Single third(z);
-        toHsv.Compare(SameShade(&ORL::NormalizedRGBtoHSV, x, y, z, Formulas::HSVFromRGB(first, second, third)), x, y, z);
-        toHsl.Compare(SameShade(&ORL::NormalizedRGBtoHSL, x, y, z, Formulas::HSLFromRGB(first, second, third)), x, y, z);
+        toHsv.Compare(SameShade(&ORL::NormalizedRGBtoHSV, x, y, z, Formulas::HSVFromRGB(first, second, third)), x, y,
+                      z);
+        toHsl.Compare(SameShade(&ORL::NormalizedRGBtoHSL, x, y, z, Formulas::HSLFromRGB(first, second, third)), x, y,
+                      z);
         float given[] = {7, 8, 9};
         ORL::ColorYPbPrToHSL(x, y, z, given[0], given[1], given[2]);
         fromYPbPr.Compare(SameValues(given, Formulas::HSLFromYPbPr(first, second, third)), x, y, z);

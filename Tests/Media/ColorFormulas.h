@@ -190,15 +190,9 @@ struct ColorFormulas
     {
         Single sixths = 0.0f;
         switch (inLargest) {
-        case Channel::Red:
-            sixths = (inG - inB) / inD;
-            break;
-        case Channel::Green:
-            sixths = (inB - inR) / inD + 2.0f;
-            break;
-        case Channel::Blue:
-            sixths = (inR - inG) / inD + 4.0f;
-            break;
+        case Channel::Red: sixths = (inG - inB) / inD; break;
+        case Channel::Green: sixths = (inB - inR) / inD + 2.0f; break;
+        case Channel::Blue: sixths = (inR - inG) / inD + 4.0f; break;
         }
         Double whole(sixths);
         if (whole < 0.0) {

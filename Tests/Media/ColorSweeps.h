@@ -80,7 +80,8 @@ void ForEachThreeFloats(std::uint32_t inStep, float inLeast, float inMost, const
         return inLeast + (inMost - inLeast) * (static_cast<float>(inPart) / static_cast<float>(kParts));
     };
     for (std::uint32_t at = 0; at < (kParts + 1) * (kParts + 1) * (kParts + 1); at += inStep) {
-        inVisit(part(at / ((kParts + 1) * (kParts + 1))), part(at / (kParts + 1) % (kParts + 1)), part(at % (kParts + 1)));
+        inVisit(part(at / ((kParts + 1) * (kParts + 1))), part(at / (kParts + 1) % (kParts + 1)),
+                part(at % (kParts + 1)));
     }
 }
 

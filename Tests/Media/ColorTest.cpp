@@ -414,8 +414,8 @@ TEST(ColorPbPrToHue, CountsFromRedOverBlueOnceAround)
         int mLine;
         float mR, mG, mB, mHue;
     } rows[] = {
-        {__LINE__, 1, 0, 0, 0.0f},      {__LINE__, 1, 1, 0, 0.1725f}, {__LINE__, 0, 1, 0, 0.3417f},
-        {__LINE__, 0, 1, 1, 0.5f},      {__LINE__, 0, 0, 1, 0.6725f}, {__LINE__, 1, 0, 1, 0.8417f},
+        {__LINE__, 1, 0, 0, 0.0f}, {__LINE__, 1, 1, 0, 0.1725f}, {__LINE__, 0, 1, 0, 0.3417f},
+        {__LINE__, 0, 1, 1, 0.5f}, {__LINE__, 0, 0, 1, 0.6725f}, {__LINE__, 1, 0, 1, 0.8417f},
     };
     for (const auto& row : rows) {
         float y = 0;

@@ -47,8 +47,8 @@ std::vector<long double> ExactSecondDerivatives(const Floats& x, const Floats& y
     for (std::size_t i = 1; i + 1 < n; ++i) {
         const long double before = static_cast<long double>(x[i]) - x[i - 1];
         const long double after = static_cast<long double>(x[i + 1]) - x[i];
-        const long double slopes = (static_cast<long double>(y[i + 1]) - y[i]) / after
-                                   - (static_cast<long double>(y[i]) - y[i - 1]) / before;
+        const long double slopes =
+            (static_cast<long double>(y[i + 1]) - y[i]) / after - (static_cast<long double>(y[i]) - y[i - 1]) / before;
         const long double pivot = 2 * (before + after) - before * upper[i - 1];
         upper[i] = after / pivot;
         right[i] = (6 * slopes - before * right[i - 1]) / pivot;

@@ -31,15 +31,33 @@ struct Lookup2
 
     void Mix()
     {
-        a -= b; a -= c; a ^= c >> 13;
-        b -= c; b -= a; b ^= a << 8;
-        c -= a; c -= b; c ^= b >> 13;
-        a -= b; a -= c; a ^= c >> 12;
-        b -= c; b -= a; b ^= a << 16;
-        c -= a; c -= b; c ^= b >> 5;
-        a -= b; a -= c; a ^= c >> 3;
-        b -= c; b -= a; b ^= a << 10;
-        c -= a; c -= b; c ^= b >> 15;
+        a -= b;
+        a -= c;
+        a ^= c >> 13;
+        b -= c;
+        b -= a;
+        b ^= a << 8;
+        c -= a;
+        c -= b;
+        c ^= b >> 13;
+        a -= b;
+        a -= c;
+        a ^= c >> 12;
+        b -= c;
+        b -= a;
+        b ^= a << 16;
+        c -= a;
+        c -= b;
+        c ^= b >> 5;
+        a -= b;
+        a -= c;
+        a ^= c >> 3;
+        b -= c;
+        b -= a;
+        b ^= a << 10;
+        c -= a;
+        c -= b;
+        c ^= b >> 15;
     }
 };
 

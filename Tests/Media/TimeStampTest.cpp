@@ -56,8 +56,12 @@ TEST(TimeStamp, Parts_AreTruncatedAndKeepTheSign)
         double mElapsed;
         int mSeconds, mMilliseconds;
     } rows[] = {
-        {__LINE__, 999, 0, 999},      {__LINE__, 1000, 1, 0},       {__LINE__, 1999.9, 1, 999},
-        {__LINE__, -2500, -2, -500},  {__LINE__, -999, 0, -999},    {__LINE__, -0.5, 0, 0},
+        {__LINE__, 999, 0, 999},
+        {__LINE__, 1000, 1, 0},
+        {__LINE__, 1999.9, 1, 999},
+        {__LINE__, -2500, -2, -500},
+        {__LINE__, -999, 0, -999},
+        {__LINE__, -0.5, 0, 0},
         {__LINE__, 2147483647.0, 2147483, 647},
         {__LINE__, 2147483648.0, INT_MIN / 1000, INT_MIN % 1000}, // beyond the range of an int
         {__LINE__, 1e300, INT_MIN / 1000, INT_MIN % 1000},

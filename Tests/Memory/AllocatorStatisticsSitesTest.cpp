@@ -30,7 +30,9 @@ using namespace ORL;
 
 namespace {
 
-void Ignore(const unsigned char*) {}
+void Ignore(const unsigned char*)
+{
+}
 
 /// Reports two regions and three heaps.
 class FewRegions : public RegionSource

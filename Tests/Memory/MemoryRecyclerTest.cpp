@@ -68,12 +68,18 @@ TEST(MemoryRecycler, EachWantedSize_IsRoundedByItsRange)
         bool mIsLarge;
     };
     const Row rows[] = {
-        {__LINE__, 0, 0, false},          {__LINE__, 1, 1, false},
-        {__LINE__, 8191, 8191, false},    {__LINE__, 8192, 8192, true},
-        {__LINE__, 8193, 12288, true},    {__LINE__, 12288, 12288, true},
-        {__LINE__, 1044480, 1044480, true}, {__LINE__, 1044481, 1048576, true},
-        {__LINE__, 1048575, 1048576, true}, {__LINE__, 1048576, 1048576, true},
-        {__LINE__, 1048577, 1064960, true}, {__LINE__, 1064960, 1064960, true},
+        {__LINE__, 0, 0, false},
+        {__LINE__, 1, 1, false},
+        {__LINE__, 8191, 8191, false},
+        {__LINE__, 8192, 8192, true},
+        {__LINE__, 8193, 12288, true},
+        {__LINE__, 12288, 12288, true},
+        {__LINE__, 1044480, 1044480, true},
+        {__LINE__, 1044481, 1048576, true},
+        {__LINE__, 1048575, 1048576, true},
+        {__LINE__, 1048576, 1048576, true},
+        {__LINE__, 1048577, 1064960, true},
+        {__LINE__, 1064960, 1064960, true},
     };
     MemoryRecycler recycler;
     for (const Row& row : rows) {
@@ -297,7 +303,12 @@ TEST(MemoryBuffer, ReleasedWhileEmpty_IsReportedAndCleared)
     buffer.Release();
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ORLTest::ExpectReport(reports[0]).Kind(ORLTest::CheckReport::kAssert).Expression("mBuffer != NULL").File("MemoryRecycler").Line(207).Function("ORL::MemoryBuffer::Release");
+    ORLTest::ExpectReport(reports[0])
+        .Kind(ORLTest::CheckReport::kAssert)
+        .Expression("mBuffer != NULL")
+        .File("MemoryRecycler")
+        .Line(207)
+        .Function("ORL::MemoryBuffer::Release");
     EXPECT_EQ(0u, buffer.GetSize());
 }
 
@@ -348,7 +359,11 @@ TEST(MemoryBufferWrapper, BeforeTheStart_IsReportedByThePointersPublishedCheck)
     EXPECT_THROW(MemoryBufferWrapper buffer(kLarge), ORLTest::CheckRecorder::ContractError);
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ORLTest::ExpectReport(reports[0]).Expression("IsValidAddress(mPtr)").File("ORLObjectPtr").Line(209).Function("ORL::ObjectPtr::operator->");
+    ORLTest::ExpectReport(reports[0])
+        .Expression("IsValidAddress(mPtr)")
+        .File("ORLObjectPtr")
+        .Line(209)
+        .Function("ORL::ObjectPtr::operator->");
 }
 
 TEST(MemoryRecycler, EightThreadsWithATinyLimit_NeverShareABuffer)

@@ -46,8 +46,7 @@ ssize_t ReadList(int, void* outBuffer, std::size_t inSize, off_t inPosition)
 
 TEST(MemoryRegions, MappingWithoutAccess_IsReservedAndFreeOnceItIsGone)
 {
-    char* const pages =
-        static_cast<char*>(::mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    char* const pages = static_cast<char*>(::mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     ASSERT_NE(pages, MAP_FAILED);
     ASSERT_EQ(::mprotect(pages + kPage, kPage, PROT_READ), 0);
     EXPECT_EQ(RegionAt(Address(pages)).mState, kReserved);
@@ -77,12 +76,9 @@ TEST(MemoryRegions, ListInPieces_IsReadWhole)
         std::uint64_t mSize;
         std::uint32_t mState;
     };
-    const Row rows[] = {{0, 0x10000, kFree},
-                        {0x10000, 0x10000, kCommitted},
-                        {0x20000, 0x10000, kFree},
-                        {0x30000, 0x10000, kReserved},
-                        {0x40000, 0x1000, kCommitted},
-                        {0x41000, 0x7ffffffff000 - 0x41000, kFree}};
+    const Row rows[] = {{0, 0x10000, kFree},           {0x10000, 0x10000, kCommitted},
+                        {0x20000, 0x10000, kFree},     {0x30000, 0x10000, kReserved},
+                        {0x40000, 0x1000, kCommitted}, {0x41000, 0x7ffffffff000 - 0x41000, kFree}};
     Platform::Walk* const walk = Platform::OpenWalk_Impl();
     Region region{0, 0};
     for (const Row& row : rows) {

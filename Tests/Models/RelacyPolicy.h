@@ -2,10 +2,10 @@
 // value reports its accesses.
 #pragma once
 
-#include <Threads/AsyncReadRequestBusyList.h>
-#include <Threads/AsyncReadRequestPool.h>
 #include <GateOf.h>
 #include <Sync/Policy.h>
+#include <Threads/AsyncReadRequestBusyList.h>
+#include <Threads/AsyncReadRequestPool.h>
 #include <Threads/WaitableGateAlgorithm.h>
 #include <Threads/WaitableGatePoolAlgorithm.h>
 

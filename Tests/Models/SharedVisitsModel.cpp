@@ -135,8 +135,10 @@ int main(int argc, char** argv)
                 sOutcomes.HasEach() ? "ok" : "FAILED", sOutcomes.mVisits, sOutcomes.mRefusals, sOutcomes.mShutOuts,
                 sOutcomes.mTriesThatFailed);
     const bool hasEach = sOutcomes.HasEach(); // before the mutants add their outcomes
-    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kReaderTakesSlotFirst>, true, 1>>("a visitor looks before it takes a place");
-    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kWriterExcludesFirst>, true, 1>>("a writer looks before it shuts");
+    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kReaderTakesSlotFirst>, true, 1>>(
+        "a visitor looks before it takes a place");
+    run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kWriterExcludesFirst>, true, 1>>(
+        "a writer looks before it shuts");
     run.FindMutant<Visitors<VisitPolicy<true>, true, 1>>("orders that are not sequentially consistent");
     run.FindMutant<Visitors<VisitPolicy<true>, false, 1>>("the same, with a writer that does not wait");
     const int code = run.Finish();

@@ -64,9 +64,7 @@ struct TimedBesideEndless : rl::test_suite<TimedBesideEndless<Policy>, 4>
     void thread(unsigned inIndex)
     {
         switch (inIndex) {
-        case 0:
-            mGate.Open();
-            break;
+        case 0: mGate.Open(); break;
         case 1:
             mGate.Close();
             mGate.Open();
@@ -76,8 +74,7 @@ struct TimedBesideEndless : rl::test_suite<TimedBesideEndless<Policy>, 4>
             RL_ASSERT(result == kSuccess || result == kWaitTimeout);
             break;
         }
-        default:
-            RL_ASSERT(mGate.Wait(-1) == kSuccess);
+        default: RL_ASSERT(mGate.Wait(-1) == kSuccess);
         }
     }
     void after() { RL_ASSERT(mGate.CountWaiters() == 0); }

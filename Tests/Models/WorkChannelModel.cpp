@@ -239,7 +239,8 @@ int main(int argc, char** argv)
     run.Random<PauseBlocksWork<Ships, 1>>("push in a pause, with a spin", 50000);
     run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kSleeperRechecks>, 0, 1>>("a sleeper does not look again");
     run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kSpinnerEndsFirst>, 1, 1>>("a spinner counts on");
-    run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kOnlyItemNeedsNoWake>, 2, 2, true>>("a spinner is trusted with all");
+    run.FindMutant<MutuallyWaitingWork<Without<ChannelStep::kOnlyItemNeedsNoWake>, 2, 2, true>>(
+        "a spinner is trusted with all");
     run.FindMutant<PauseBlocksWork<Without<ChannelStep::kResumeWakes>, 0>>("resume wakes nobody");
     run.FindMutant<PushAgainstClose<Without<ChannelStep::kCloseWakes>, 0>>("close wakes nobody");
     run.FindMutant<PushAgainstClose<Without<ChannelStep::kRefusalUnderLock>, 0>>("refusal outside of the lock");

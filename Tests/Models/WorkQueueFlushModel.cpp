@@ -260,9 +260,10 @@ using Spinning = FlushPolicy<1>; // polls a gate once more before it sleeps; the
 
 int Finish(const Model::Run& inRun)
 {
-    std::printf("%-6s states seen: idle %llu, claimed %llu, gathering %llu, departing %llu, departing and claimed %llu\n",
-                sStates.HasEach() ? "ok" : "FAILED", sStates.mIdle, sStates.mClaimed, sStates.mGathering, sStates.mDeparting,
-                sStates.mDepartingAndClaimed);
+    std::printf(
+        "%-6s states seen: idle %llu, claimed %llu, gathering %llu, departing %llu, departing and claimed %llu\n",
+        sStates.HasEach() ? "ok" : "FAILED", sStates.mIdle, sStates.mClaimed, sStates.mGathering, sStates.mDeparting,
+        sStates.mDepartingAndClaimed);
     const int code = inRun.Finish();
     return sStates.HasEach() ? code : 1;
 }

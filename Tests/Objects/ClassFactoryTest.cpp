@@ -26,7 +26,9 @@ void Create(UnknownRef& outRef)
     outRef = UnknownRef(new Instance(Maker));
 }
 
-void CreateNothing(UnknownRef&) {}
+void CreateNothing(UnknownRef&)
+{
+}
 
 void ThrowWhileCreating(UnknownRef&)
 {

@@ -97,7 +97,11 @@ TEST(StripUNC, OfAnyOtherText_ReportsAndGivesAnEmptyText)
         EXPECT_EQ(UTF16String(), Win::StripUNC(UTF16String(path.begin(), path.end())));
         const auto asserts = recorder.Reports(CheckReport::kAssert);
         ASSERT_EQ(1u, asserts.size()) << path;
-        ExpectReport(asserts[0]).Expression("!\"Non-normative UNC path detected\"").Message("Path '" + path + "' is not a normative UNC path\r\n").File("WinPathUtils").Function("ORL::PathUtils::Win::StripUNC");
+        ExpectReport(asserts[0])
+            .Expression("!\"Non-normative UNC path detected\"")
+            .Message("Path '" + path + "' is not a normative UNC path\r\n")
+            .File("WinPathUtils")
+            .Function("ORL::PathUtils::Win::StripUNC");
     }
 }
 
@@ -221,7 +225,12 @@ TEST(MakePath, PartsOf2044Units_ReportAndGiveAnEmptyText)
     EXPECT_EQ(UTF16String(), MakePath(Units(u"C"), UTF16String(2044 - 5, 'd'), Units(u"fi"), Units(u"ex")));
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("len <= kBufferLength").Message("").File("WinPathUtils").Function("ORL::PathUtils::MakePath");
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("len <= kBufferLength")
+        .Message("")
+        .File("WinPathUtils")
+        .Function("ORL::PathUtils::MakePath");
 }
 
 TEST(GetFullDirectoryPart, EndsWithTheLastSeparator)

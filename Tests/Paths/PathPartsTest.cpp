@@ -10,8 +10,8 @@
 #include <string>
 
 using namespace ORL::PathUtils;
-using ORLTest::Show;
 using ORLTest::ExpectReport;
+using ORLTest::Show;
 using ORLTest::Units;
 
 namespace {
@@ -181,7 +181,10 @@ TEST(PathParts, OfAnEmptyPath_FireTheInputContractAndAreEmpty)
         ExpectReport(contracts[0]).Expression("IsValidPath(inFullPath)").File("PathUtils");
         const auto errors = recorder.Reports(ORLTest::CheckReport::kError);
         ASSERT_EQ(1u, errors.size());
-        ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25);
+        ExpectReport(errors[0])
+            .Expression(
+                "$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!")
+            .Line(25);
     }
 }
 

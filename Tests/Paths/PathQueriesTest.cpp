@@ -187,7 +187,10 @@ TEST(PreparePathForWrite, WithoutATrailingBackslash_ReportsAndGoesOn)
     EXPECT_TRUE(IsDirectory(folder.Path(u"new")));
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("HasTrailingSlash(inPath)").File("WinPathUtils").Function("ORL::PathUtils::PreparePathForWrite");
+    ExpectReport(reports[0])
+        .Expression("HasTrailingSlash(inPath)")
+        .File("WinPathUtils")
+        .Function("ORL::PathUtils::PreparePathForWrite");
 }
 
 TEST(MakeUniqueFilename, CountsUpFromOne)
@@ -278,7 +281,11 @@ TEST(GetTempDirectory, OfMoreThan512Units_ReportsAndIsEmpty)
     EXPECT_EQ(601u, sSizes[1]);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("false").Message("Could not get the current temporary directory!").File("WinPathUtils").Function("ORL::PathUtils::GetTempDirectory");
+    ExpectReport(reports[0])
+        .Expression("false")
+        .Message("Could not get the current temporary directory!")
+        .File("WinPathUtils")
+        .Function("ORL::PathUtils::GetTempDirectory");
 }
 
 // The function treats a failure (0) of the second query as success, and then returns what the buffer holds.

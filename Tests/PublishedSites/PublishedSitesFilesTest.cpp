@@ -3,9 +3,9 @@
 
 #include <Files/AsyncFileReaderImpl.h>
 #include <Files/AsyncReads/AsyncFileMachinery.h>
+#include <Files/PathForms.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLPathUtils.h>
-#include <Files/PathForms.h>
 #include <TempFolder.h>
 #include <TextHelpers.h>
 
@@ -143,13 +143,14 @@ const PublishedSite kPathSites[] = {
 const PublishedSite kReadSites[] = {
     // start and stop
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort == NULL", "", nullptr, 0, "", &StartTwice},
-    {__LINE__, PublishedSite::kAssert, "sReadThreadQueue == NULL", "", nullptr, 0, nullptr, &StartBesideAQueueThatWasLeft},
+    {__LINE__, PublishedSite::kAssert, "sReadThreadQueue == NULL", "", nullptr, 0, nullptr,
+     &StartBesideAQueueThatWasLeft},
     {__LINE__, PublishedSite::kAssert, "result", "", nullptr, 0, nullptr, &TerminateAsyncFileOperations},
     // the reader; the check "request" in QueueReadRequest cannot fail, because the pool waits and never returns null
     {__LINE__, PublishedSite::kInputContract, "sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE", "",
      nullptr, 0, "", &OpenBeforeTheStart},
-    {__LINE__, PublishedSite::kInputContract,
-     "ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE", "", nullptr, 0, "", &OpenTwice},
+    {__LINE__, PublishedSite::kInputContract, "ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE", "",
+     nullptr, 0, "", &OpenTwice},
     {__LINE__, PublishedSite::kInputContract, "mImpl->mFileHandle != INVALID_HANDLE_VALUE", "", nullptr, 0, "",
      &QueueOnAClosedReader},
     {__LINE__, PublishedSite::kAssert, "sReadThreadQueue != NULL", "", nullptr, 0, nullptr, &QueueAfterTheStop},

@@ -1,12 +1,12 @@
 // The check sites of modules and string tables. The check "length > 0" of StringUtils, line 449, cannot fail, because a
 // text of length 0 counts as missing.
+#include "../Resources/PlugIns.h"
 #include "PublishedSites.h"
 #include <ExpectReport.h>
-#include "../Resources/PlugIns.h"
 
-#include <System/LibraryModule.h>
 #include <ORLStringResources.h>
 #include <Platform/Modules.h>
+#include <System/LibraryModule.h>
 
 #include <new>
 
@@ -177,5 +177,9 @@ TEST(PublishedSites, OfAMissingMenu_IsReportedAsPublished)
     const auto reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
     ExpectReport(reports[0]).Line(739);
-    ExpectReport(reports[1]).Expression("menuResource != NULL").File("WinModule").Line(936).Function("ORL::Module::LoadMenuW");
+    ExpectReport(reports[1])
+        .Expression("menuResource != NULL")
+        .File("WinModule")
+        .Line(936)
+        .Function("ORL::Module::LoadMenuW");
 }

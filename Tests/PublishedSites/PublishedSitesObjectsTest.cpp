@@ -1,10 +1,10 @@
 // Tests the published checks of the class factory, large buffers and names.
 #include "PublishedSites.h"
 
-#include <Objects/ClassCategories.h>
-#include <Strings/ImmutableStringRecord.h>
 #include <ORLClassFactory.h>
 #include <ORLMemoryRecycler.h>
+#include <Objects/ClassCategories.h>
+#include <Strings/ImmutableStringRecord.h>
 
 #include <map>
 #include <vector>
@@ -29,7 +29,9 @@ using ORLTest::PublishedSite;
 
 namespace {
 
-void CreateNothing(InterfaceRef<ORLUnknown, ORLUnknown>&) {}
+void CreateNothing(InterfaceRef<ORLUnknown, ORLUnknown>&)
+{
+}
 
 // Makes a class's entry contain the identifier of another class.
 void RequestCorruptToken()
@@ -101,8 +103,8 @@ const PublishedSite kSites[] = {
     {__LINE__, PublishedSite::kAssert, "i != inCategoryMap.end()", "", "ClassFactory", 288,
      "ORL::ClassFactory::GetOrCreateClassIDVector", &EnterACategoryThatIsLost},
     {__LINE__, PublishedSite::kInputContract, "mBuffer == NULL", "", "MemoryRecycler", 147, "", &AllocateTwice},
-    {__LINE__, PublishedSite::kAssert, "_query_new_mode() == 0", "", "MemoryRecycler", 155, "ORL::MemoryBuffer::Allocate",
-     &AllocateUnderAnotherNewMode},
+    {__LINE__, PublishedSite::kAssert, "_query_new_mode() == 0", "", "MemoryRecycler", 155,
+     "ORL::MemoryBuffer::Allocate", &AllocateUnderAnotherNewMode},
     {__LINE__, PublishedSite::kAssert, "mBuffer != NULL", "", "MemoryRecycler", 207, "ORL::MemoryBuffer::Release",
      [] { OwnBuffer().Release(); }},
     {__LINE__, PublishedSite::kAssert, "AtomicRead(mReferenceCount) > 0", "", "ImmutableString", 70,

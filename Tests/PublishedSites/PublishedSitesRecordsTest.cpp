@@ -29,8 +29,8 @@ std::uint32_t WrappedAllocateSlot()
 using namespace ORL;
 using ORLTest::CheckRecorder;
 using ORLTest::CheckReport;
-using ORLTest::ExpectReport;
 using ORLTest::ExpectPublished;
+using ORLTest::ExpectReport;
 using ORLTest::PublishedSite;
 
 namespace {
@@ -69,7 +69,8 @@ void RegisterMainThreadAndIgnoreItsContract()
 const PublishedSite kBeforeTheStart[] = {
     {__LINE__, PublishedSite::kInputContract, "sInfoIndexAllocated", "", nullptr, 0, "",
      [] { RegisterThread("Thread", "Module"); }},
-    {__LINE__, PublishedSite::kInputContract, "sInfoIndexAllocated", "", nullptr, 0, "", &ThreadManager::UnregisterThread},
+    {__LINE__, PublishedSite::kInputContract, "sInfoIndexAllocated", "", nullptr, 0, "",
+     &ThreadManager::UnregisterThread},
 };
 
 const PublishedSite kStarted[] = {

@@ -174,5 +174,10 @@ TEST(PublishedSites, StarOfAnEmptyObjectPtr_IsReportedAsPublished)
     EXPECT_THROW((void)(*empty).mNumber, ORLTest::CheckRecorder::ContractError);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("IsValidAddress(mPtr)").Message("").File("ORLObjectPtr").Line(199).Function("ORL::ObjectPtr::operator*");
+    ExpectReport(reports[0])
+        .Expression("IsValidAddress(mPtr)")
+        .Message("")
+        .File("ORLObjectPtr")
+        .Line(199)
+        .Function("ORL::ObjectPtr::operator*");
 }

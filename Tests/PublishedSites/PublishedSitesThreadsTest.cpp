@@ -48,7 +48,10 @@ void MakeAnEventThatTheSystemRefuses()
 {
     struct Refusal
     {
-        Refusal() { Events::Platform::InstallCreateFault([] { return 8ul; }); } // Windows error 8: out of memory
+        Refusal()
+        {
+            Events::Platform::InstallCreateFault([] { return 8ul; });
+        } // Windows error 8: out of memory
         ~Refusal() { Events::Platform::InstallCreateFault(nullptr); }
     } const refusal;
     WaitableObject refused;
@@ -113,7 +116,8 @@ const PublishedSite kSites[] = {
     {__LINE__, PublishedSite::kInputContract, "sPool", "", nullptr, 0, "", [] { Pool::RetrieveGate(); }},
     {__LINE__, PublishedSite::kInputContract, "sPool", "", nullptr, 0, "", [] { Pool::ReturnGate(nullptr); }},
     {__LINE__, PublishedSite::kOutputContract, "ret", "", nullptr, 0, "", &LendNoGate},
-    {__LINE__, PublishedSite::kOutputContract, "kWaitTimeout == ret->Wait(0)", "", nullptr, 0, "", &LendAGateThatIsOpen},
+    {__LINE__, PublishedSite::kOutputContract, "kWaitTimeout == ret->Wait(0)", "", nullptr, 0, "",
+     &LendAGateThatIsOpen},
     {__LINE__, PublishedSite::kAssert, "eventOK", "", nullptr, 0, nullptr, &SignalWithoutHandle},
     {__LINE__, PublishedSite::kInputContract, "inGate", "", nullptr, 0, "",
      [] { WaitableGatePool::ReturnGate(nullptr); }},

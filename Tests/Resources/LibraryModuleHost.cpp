@@ -33,8 +33,8 @@ void ReportResource(unsigned short inLanguage, unsigned short inType, unsigned s
 {
     ORL::SetLanguageID(inLanguage);
     int size = 0;
-    const void* const data = ORL::GetLibraryModule()->FindLocalizedResource(ORL::MakeResourceID(inName),
-                                                                            ORL::MakeResourceID(inType), size);
+    const void* const data =
+        ORL::GetLibraryModule()->FindLocalizedResource(ORL::MakeResourceID(inName), ORL::MakeResourceID(inType), size);
     std::printf("%d %d %d %s\n", inLanguage, inType, inName, data != nullptr && size > 0 ? "found" : "missing");
 }
 

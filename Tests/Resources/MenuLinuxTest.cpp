@@ -101,13 +101,19 @@ TEST(Cursor, OfEachDepth)
     };
     const Row kRows[] = {
         // 4 bits; the mask of the fourth pixel is set
-        {__LINE__, 3, 0,
+        {__LINE__,
+         3,
+         0,
          {0xFF101010, 0xFF202020, 0xFF303030, 0xFF000000, 0xFF505050, 0xFF606060, 0xFF707070, 0xFF808080}},
         // 8 bits; the mask of the fifth pixel is set
-        {__LINE__, 4, 0,
+        {__LINE__,
+         4,
+         0,
          {0xFF0000FF, 0xFF0100FE, 0xFF0200FD, 0xFFFF0000, 0xFF000000, 0xFF1400EB, 0xFF1E00E1, 0xFF2800D7}},
         // 24 bits
-        {__LINE__, 5, 3,
+        {__LINE__,
+         5,
+         3,
          {0xFF020100, 0xFF050403, 0xFF080706, 0xFF0B0A09, 0xFF666564, 0xFF696867, 0xFF6C6B6A, 0xFF6F6E6D}},
         // 32 bits; the alpha channel counts, the mask is ignored
         {__LINE__, 6, 3, {0x80FF0000, 0xFF00FF00, 0x00123456, 0xFFFFFFFF, 1, 2, 3, 0x01000004}},

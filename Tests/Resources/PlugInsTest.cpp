@@ -13,9 +13,9 @@ std::atomic<unsigned int> sPathQueries{0};
 } // namespace
 
 #if defined(_WIN32)
-#define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pty"
+#  define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Pty"
 #else
-#define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Ptm"
+#  define ORL_MANGLED_PATH_QUERY "_ZN3ORL7Modules8Platform22GetModuleFileName_ImplEP11HINSTANCE__Ptm"
 #endif
 
 extern "C" void RealPathQuery(HINSTANCE, unsigned short*, std::size_t) __asm__("__real_" ORL_MANGLED_PATH_QUERY);

@@ -64,16 +64,11 @@ const Row kRows[16] = {
 const char* AnswerTo(const Row& inRow, unsigned short inAsked)
 {
     switch (inAsked) {
-    case 0:
-        return inRow.mNeutral;
-    case kEnglish:
-        return inRow.mEnglish;
-    case kGerman:
-        return inRow.mGerman;
-    case kJapanese:
-        return inRow.mJapanese;
-    default:
-        return inRow.mAnyOther;
+    case 0: return inRow.mNeutral;
+    case kEnglish: return inRow.mEnglish;
+    case kGerman: return inRow.mGerman;
+    case kJapanese: return inRow.mJapanese;
+    default: return inRow.mAnyOther;
     }
 }
 
@@ -268,9 +263,8 @@ namespace {
 
 std::string RawData(const Module& inModule, Lookup inLookup, unsigned short inID)
 {
-    return AnswerOf([&](int& outSize) {
-        return (inModule.*inLookup)(MakeResourceID(inID), MakeResourceID(kRawData), outSize);
-    });
+    return AnswerOf(
+        [&](int& outSize) { return (inModule.*inLookup)(MakeResourceID(inID), MakeResourceID(kRawData), outSize); });
 }
 
 // Performs each kind of lookup once. Returns the number of wrong results.
@@ -282,7 +276,8 @@ int LookUpEverything(const Module& inModule)
     wrong += RawData(inModule, static_cast<Lookup>(&Module::LoadResource), 115) != ne;
     wrong += TextNamed(inModule, u"shelf", u"FirstName") != "by text";
     const UTF16String drawer = Units(u"drawer");
-    wrong += AnswerOf([&](int& outSize) { return inModule.LoadFirstResourceOfType(drawer.c_str(), outSize); }) != "five";
+    wrong +=
+        AnswerOf([&](int& outSize) { return inModule.LoadFirstResourceOfType(drawer.c_str(), outSize); }) != "five";
     wrong += LoadStdString(inModule, 0) != "null";
     wrong += inModule.LoadCursorW(3) == nullptr;
     return wrong;

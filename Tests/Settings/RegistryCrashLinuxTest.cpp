@@ -132,8 +132,8 @@ TEST_P(RegistryCrash, SetKilledAtEachCall_IsThereOrNot)
 TEST_P(RegistryCrash, CreateKilledAtEachCall_IsThereAsAWholeOrNot)
 {
     SweepStep("create", [this] {
-        const unsigned count = unsigned{Exists("\\made")} + unsigned{Exists("\\made\\deep")}
-                               + unsigned{Exists("\\made\\deep\\deeper")};
+        const unsigned count =
+            unsigned{Exists("\\made")} + unsigned{Exists("\\made\\deep")} + unsigned{Exists("\\made\\deep\\deeper")};
         return AllOrNone(count, 3);
     });
 }
@@ -141,8 +141,8 @@ TEST_P(RegistryCrash, CreateKilledAtEachCall_IsThereAsAWholeOrNot)
 TEST_P(RegistryCrash, DeleteOfASubtreeKilledAtEachCall_IsDoneAsAWholeOrNot)
 {
     SweepStep("delete", [this] {
-        const unsigned count = unsigned{Exists("\\tree")} + unsigned{HasNumber("\\tree\\a\\b")}
-                               + unsigned{HasNumber("\\tree\\c")};
+        const unsigned count =
+            unsigned{Exists("\\tree")} + unsigned{HasNumber("\\tree\\a\\b")} + unsigned{HasNumber("\\tree\\c")};
         return count == 3 ? Found::kOld : count == 0 ? Found::kNew : Found::kBroken;
     });
 }

@@ -258,8 +258,11 @@ TEST_F(RegistryHomes, FileSystemWithoutSharedMemory_IsAskedAtEachRead)
     EXPECT_FALSE(fs::exists(File().string() + "-wal"));
     sqlite3* other = nullptr;
     ASSERT_EQ(SQLITE_OK, sqlite3_open(File().c_str(), &other));
-    ASSERT_EQ(SQLITE_OK, sqlite3_exec(other, "UPDATE vals SET data = x'05000000'; DELETE FROM keys WHERE name = x'6300680069006C006400'",
-                                      nullptr, nullptr, nullptr)) << sqlite3_errmsg(other);
+    ASSERT_EQ(SQLITE_OK,
+              sqlite3_exec(other,
+                           "UPDATE vals SET data = x'05000000'; DELETE FROM keys WHERE name = x'6300680069006C006400'",
+                           nullptr, nullptr, nullptr))
+        << sqlite3_errmsg(other);
     EXPECT_EQ(5u, Read());
     EXPECT_EQ(kRegistryFailure, child.SetUInt32Value(MakeString("n"), 1));
     EXPECT_EQ(kSuccess, key.SetUInt32Value(MakeString("n"), 6));

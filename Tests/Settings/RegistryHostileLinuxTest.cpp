@@ -54,7 +54,8 @@ protected:
     {
         sqlite3* database = nullptr;
         ASSERT_EQ(SQLITE_OK, sqlite3_open(mFile.c_str(), &database));
-        EXPECT_EQ(SQLITE_OK, sqlite3_exec(database, inStatements, nullptr, nullptr, nullptr)) << sqlite3_errmsg(database);
+        EXPECT_EQ(SQLITE_OK, sqlite3_exec(database, inStatements, nullptr, nullptr, nullptr))
+            << sqlite3_errmsg(database);
         sqlite3_close(database);
     }
 

@@ -41,8 +41,9 @@ bool IsBelow(const std::string& inPath, const std::string& inAbove)
 
 std::string Lower(std::string inText)
 {
-    std::transform(inText.begin(), inText.end(), inText.begin(),
-                   [](char inLetter) { return inLetter >= 'A' && inLetter <= 'Z' ? static_cast<char>(inLetter + 32) : inLetter; });
+    std::transform(inText.begin(), inText.end(), inText.begin(), [](char inLetter) {
+        return inLetter >= 'A' && inLetter <= 'Z' ? static_cast<char>(inLetter + 32) : inLetter;
+    });
     return inText;
 }
 
@@ -251,8 +252,7 @@ bool RegistryModel::IsSame() const
         for (const RegistryValue& value : values) {
             const auto found = key.mValues.find(Lower(MakeStdString(value.mName)));
             const unsigned types[] = {4, 11, 1, 3};
-            if (found == key.mValues.end()
-                || value.mType != types[std::string("nlsb").find(found->second.mType)]) {
+            if (found == key.mValues.end() || value.mType != types[std::string("nlsb").find(found->second.mType)]) {
                 return false;
             }
         }

@@ -50,7 +50,9 @@ TEST_F(RegistryProcessesTest, EightThreadsOfTwoProcesses_LoseNothing)
     const std::string base = MakeStdString(mPath);
     const std::string rounds = std::to_string(kRounds);
     ProcessResult results[2];
-    std::thread first([&] { results[0] = RunBesideThisProgram("registry_host", {"mix", base, "0", rounds, "8"}, "", 100); });
+    std::thread first([&] {
+        results[0] = RunBesideThisProgram("registry_host", {"mix", base, "0", rounds, "8"}, "", 100);
+    });
     results[1] = RunBesideThisProgram("registry_host", {"mix", base, "8", rounds, "8"}, "", 100);
     first.join();
     EXPECT_EQ(0, results[0].mExitCode) << results[0].mErrors;

@@ -60,6 +60,7 @@ KeyHandle ClosedHandle(Stage& ioStage)
     return key;
 }
 
+// clang-format off
 const std::vector<RegistrySituation> kOpening = {
     {"ro01", "missing key", {"2"}, [](Stage& s) { return s.Open(u"no"); }},
     {"ro02", "below a missing key", {"2"}, [](Stage& s) { return s.Open(u"no\\no"); }},
@@ -121,6 +122,7 @@ const std::vector<RegistrySituation> kCreating = {
     {"rc28", "the user's root with empty text", {"0"},
      [](Stage&) { return FirstOf(Stage::CreateIn(GetUserRoot_Impl(), kNothing)); }},
 };
+// clang-format on
 
 const char* const kOrdered = "1|A|a b|a10|a2|b|B2|c|Z|zz|_x|<00e9>|end=259";
 const char* const kOrderedByWine = "1|_x|A|a b|a10|a2|b|B2|c|Z|zz|<00e9>|end=259";
@@ -141,6 +143,7 @@ std::string Enumerate(Stage& ioStage, unsigned inIndex, unsigned inCapacity)
     return std::to_string(error) + (error == 0 ? " " + std::to_string(length) : "");
 }
 
+// clang-format off
 const std::vector<RegistrySituation> kEnumerating = {
     {"re01", "order", {kOrdered}, &ListOrdered, {kOrderedByWine}},
     {"re02", "name longer than the buffer", {"234"}, [](Stage& s) { s.Create(u"abc"); return Enumerate(s, 0, 2); }},
@@ -154,6 +157,7 @@ const std::vector<RegistrySituation> kEnumerating = {
     {"re10", "created in two cases", {"CaSe|end=259"},
      [](Stage& s) { s.Create(u"CaSe"); s.Create(u"case"); return s.List(s.mKey); }},
 };
+// clang-format on
 
 std::string Number(ORL::SystemError inError)
 {
@@ -179,6 +183,7 @@ std::string CloseTwice(Stage& ioStage)
     return Number(CloseKey_Impl(ClosedHandle(ioStage)));
 }
 
+// clang-format off
 const std::vector<RegistrySituation> kDeleting = {
     {"rd01", "with subkeys", {"5"}, [](Stage& s) { s.Create(u"a\\b"); return s.Delete(u"a"); }},
     {"rd02", "missing", {"2"}, [](Stage& s) { return s.Delete(u"no"); }},
@@ -222,6 +227,7 @@ const std::vector<RegistrySituation> kDeleting = {
     {"rm03", "the user's root itself", {"0"}, [](Stage&) { return Stage::OpenIn(GetUserRoot_Impl(), kNothing); }},
     {"rm04", "close the user's root", {"0"}, [](Stage&) { return Number(CloseKey_Impl(GetUserRoot_Impl())); }},
 };
+// clang-format on
 
 } // namespace
 

@@ -105,8 +105,8 @@ std::string RegistryStage::Query(const std::u16string& inName) const
     unsigned read = static_cast<unsigned>(data.size());
     const ORL::SystemError error = QueryValue_Impl(mKey, name.c_str(), &type, data.data(), &read);
     data.resize(read);
-    return std::to_string(error) + " type=" + std::to_string(type) + " size=" + std::to_string(read) + " bytes="
-           + Hex(data) + "; size query 0 " + std::to_string(size);
+    return std::to_string(error) + " type=" + std::to_string(type) + " size=" + std::to_string(read)
+           + " bytes=" + Hex(data) + "; size query 0 " + std::to_string(size);
 }
 
 std::string RegistryStage::SetAndQuery(unsigned inType, const void* inData, unsigned inSize) const

@@ -92,6 +92,7 @@ std::string SeenThroughAnother(Stage& ioStage)
 constexpr char16_t kAbcZero[] = u"abc";
 constexpr char16_t kAbcd[] = u"abcd";
 
+// clang-format off
 const std::vector<RegistrySituation> kNumbers = {
     {"rv01", "missing", {"2"}, [](Stage& s) { return s.Query(u"v"); }},
     {"rv02", "missing default value", {"2"}, [](Stage& s) { return s.Query(u""); }},
@@ -188,6 +189,7 @@ const std::vector<RegistrySituation> kHandles = {
     {"rv48", "delete on a null handle", {"6"}, [](Stage&) { return DeleteIn(nullptr, Name().c_str()); }},
     {"rv49", "set through another handle", {"0"}, &SeenThroughAnother},
 };
+// clang-format on
 
 } // namespace
 

@@ -5,11 +5,10 @@
 namespace ORLTest {
 
 RegistryTest::RegistryTest()
-    : mPath(Units(u"Software\\ORL test ")
-            + Units([] {
-                  const std::string number = std::to_string(std::random_device()());
-                  return std::u16string(number.begin(), number.end());
-              }()))
+    : mPath(Units(u"Software\\ORL test ") + Units([] {
+                const std::string number = std::to_string(std::random_device()());
+                return std::u16string(number.begin(), number.end());
+            }()))
 {
     EXPECT_EQ(ORL::kSuccess, mKey.Create(ORL::RegistryRootKeys::kUser, mPath));
 }
@@ -17,8 +16,8 @@ RegistryTest::RegistryTest()
 RegistryTest::~RegistryTest()
 {
     ORL::RegistryKey software;
-    EXPECT_EQ(ORL::kSuccess, software.Open(ORL::RegistryRootKeys::kUser, Units(u"Software"),
-                                           ORL::RegistryKeyAccess::kRead));
+    EXPECT_EQ(ORL::kSuccess,
+              software.Open(ORL::RegistryRootKeys::kUser, Units(u"Software"), ORL::RegistryKeyAccess::kRead));
     software.DeleteSubKey(mPath.substr(mPath.find('\\') + 1));
 }
 

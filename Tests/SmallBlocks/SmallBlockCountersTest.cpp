@@ -81,8 +81,8 @@ TEST(SmallBlockCounters, OneThread_PeakIsTheHighestValueAndNothingElse)
     const Snapshot before = Now();
     Blocks blocks(64);
     // Exceeds the old peak, whatever the current state of the process.
-    const std::size_t past = static_cast<std::size_t>(
-        before.mSmallBlockCountPeak + before.mSmallBlockBytesPeak / 64 - before.mSmallBlockCountCurrent + 1000);
+    const std::size_t past = static_cast<std::size_t>(before.mSmallBlockCountPeak + before.mSmallBlockBytesPeak / 64
+                                                      - before.mSmallBlockCountCurrent + 1000);
     blocks.Allocate(past);
     const Snapshot top = Now();
     EXPECT_EQ(top.mSmallBlockCountPeak, top.mSmallBlockCountCurrent);
@@ -203,8 +203,9 @@ TEST(SmallBlockCounters, BlocksMoveBetweenThreads_CountsAreExactOnceTheyRest)
     const Snapshot before = Now();
     constexpr std::size_t kCount = 30000;
     std::vector<void*> blocks(kCount);
-    std::thread([&] { std::generate(blocks.begin(), blocks.end(), [] { return SmallBlockAllocator::Allocate(40); }); })
-        .join();
+    std::thread([&] {
+        std::generate(blocks.begin(), blocks.end(), [] { return SmallBlockAllocator::Allocate(40); });
+    }).join();
     const Snapshot full = Now();
     EXPECT_EQ(full.mSmallBlockCountCurrent - before.mSmallBlockCountCurrent, kCount);
     EXPECT_EQ(full.mSmallBlockBytesCurrent - before.mSmallBlockBytesCurrent, kCount * 40);
@@ -239,7 +240,8 @@ TEST(SmallBlockCounters, ThreadDisposesOfLargerAndAllocatesSmaller_PeakKeepsItsB
 {
     // Allocates up to the peak, so that no slack is left and each missing byte raises the peak.
     Blocks filling(kLargestSmall);
-    filling.Allocate(static_cast<std::size_t>((Now().mSmallBlockBytesPeak - Now().mSmallBlockBytesCurrent) / kLargestSmall + 1));
+    filling.Allocate(
+        static_cast<std::size_t>((Now().mSmallBlockBytesPeak - Now().mSmallBlockBytesCurrent) / kLargestSmall + 1));
     // Each exchange frees more bytes on the thread than it allocates, within one class and therefore within its stack.
     const Snapshot before = Now();
     constexpr int kRounds = 40000;

@@ -90,16 +90,13 @@ int ExchangeBlocks(BlockExchange& ioExchange, unsigned inSeed, int inSteps)
             ioExchange.Put(own.back());
             own.pop_back();
             break;
-        case 1:
-            broken += ioExchange.Take(other) && !other.Dispose();
-            break;
+        case 1: broken += ioExchange.Take(other) && !other.Dispose(); break;
         case 2:
             std::swap(own[random() % own.size()], own.back());
             broken += !own.back().Dispose();
             own.pop_back();
             break;
-        default:
-            break;
+        default: break;
         }
     }
     for (CheckedBlock& checked : own) {

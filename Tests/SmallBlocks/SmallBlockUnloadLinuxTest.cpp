@@ -33,10 +33,7 @@ public:
     }
     ~Guest() { ::dlclose(mHandle); }
 
-    bool Call(const char* inFunction) const
-    {
-        return reinterpret_cast<bool (*)()>(::dlsym(mHandle, inFunction))();
-    }
+    bool Call(const char* inFunction) const { return reinterpret_cast<bool (*)()>(::dlsym(mHandle, inFunction))(); }
 
     void* Keep() const { return reinterpret_cast<void* (*)()>(::dlsym(mHandle, "GuestKeep"))(); }
 

@@ -32,8 +32,7 @@ std::size_t TakenBytes()
 {
     std::size_t taken = 0;
     MEMORY_BASIC_INFORMATION region;
-    for (char* address = nullptr; ::VirtualQuery(address, &region, sizeof(region)) != 0;
-         address += region.RegionSize) {
+    for (char* address = nullptr; ::VirtualQuery(address, &region, sizeof(region)) != 0; address += region.RegionSize) {
         taken += region.State != MEM_FREE ? region.RegionSize : 0;
     }
     return taken;

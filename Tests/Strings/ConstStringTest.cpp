@@ -96,19 +96,19 @@ template <class Handle, class Unit>
 void ExpectOnlyConstructionAllocates(const Unit* inText)
 {
     EXPECT_EQ(0u, AllocationsOf([inText] {
-        Handle none;
-        Handle adopted = Handle::Adoptor::Adopt(inText);
-        const Handle copy(adopted);
-        none = copy;
-        none.swap(adopted);
-    }));
+                  Handle none;
+                  Handle adopted = Handle::Adoptor::Adopt(inText);
+                  const Handle copy(adopted);
+                  none = copy;
+                  none.swap(adopted);
+              }));
     Handle shared(inText);
     EXPECT_EQ(0u, AllocationsOf([&shared] {
-        const Handle copy(shared);
-        Handle assigned;
-        assigned = copy;
-        assigned.swap(shared);
-    }));
+                  const Handle copy(shared);
+                  Handle assigned;
+                  assigned = copy;
+                  assigned.swap(shared);
+              }));
     EXPECT_EQ(0u, AllocationsOf([&shared] { shared = Handle(); })) << "giving the text up";
     EXPECT_EQ(1u, AllocationsOf([inText] { const Handle made(inText); })) << "the record of a short text";
 }

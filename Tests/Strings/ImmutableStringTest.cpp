@@ -2,9 +2,9 @@
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
+#include <ORLString.h>
 #include <Strings/ImmutableStringRecord.h>
 #include <Strings/ImmutableStringTable.h>
-#include <ORLString.h>
 
 #include <algorithm>
 #include <atomic>
@@ -165,8 +165,8 @@ TEST(ImmutableString, EachOverloadOfCompare_AgreesOnOneText)
         int mOrder;
     };
     const Row rows[] = {
-        {__LINE__, "m\xC3\xA4", 0}, {__LINE__, "m", 1}, {__LINE__, "m\xC3\xA5", -1}, {__LINE__, "", 1},
-        {__LINE__, "m\xC3\xA4x", -1},
+        {__LINE__, "m\xC3\xA4", 0}, {__LINE__, "m", 1},           {__LINE__, "m\xC3\xA5", -1},
+        {__LINE__, "", 1},          {__LINE__, "m\xC3\xA4x", -1},
     };
     for (const Row& row : rows) {
         const UTF16String wide = MakeString(row.mOther);
@@ -176,8 +176,7 @@ TEST(ImmutableString, EachOverloadOfCompare_AgreesOnOneText)
         EXPECT_EQ(row.mOrder, text.Compare(UTF8String(Bytes(row.mOther)))) << "row at line " << row.mLine;
         EXPECT_EQ(row.mOrder, text.Compare(wide)) << "row at line " << row.mLine;
         EXPECT_EQ(row.mOrder, text.Compare(wide.c_str())) << "row at line " << row.mLine;
-        EXPECT_EQ(row.mOrder, text.Compare(ImmutableString::CreateDynamic(row.mOther)))
-            << "row at line " << row.mLine;
+        EXPECT_EQ(row.mOrder, text.Compare(ImmutableString::CreateDynamic(row.mOther))) << "row at line " << row.mLine;
     }
 }
 
@@ -227,7 +226,11 @@ TEST(ImmutableStringRecord, ReleasedBelowZero_IsReportedByItsPublishedSite)
     record.RemoveRef();
     const std::vector<ORLTest::CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ORLTest::ExpectReport(reports[0]).Expression("AtomicRead(mReferenceCount) > 0").File("ImmutableString").Line(70).Function("ORL::ImmutableString::InternalRepresentation::RemoveRef");
+    ORLTest::ExpectReport(reports[0])
+        .Expression("AtomicRead(mReferenceCount) > 0")
+        .File("ImmutableString")
+        .Line(70)
+        .Function("ORL::ImmutableString::InternalRepresentation::RemoveRef");
     EXPECT_EQ(-1, record.CountOfHandles()) << "the count is changed all the same";
 }
 
@@ -317,7 +320,8 @@ TEST(ImmutableStringTable, EightThreadsAddThousandsBesidePurges_EachTextIsOneRec
             for (int i = 0; i < kTexts; ++i) {
                 const std::string text = "grown " + std::to_string(i);
                 mine[static_cast<std::size_t>(i)] = ImmutableString::CreateDynamic(text);
-                wrong += TextOf(ImmutableString::CreateDynamic("dropped " + std::to_string(i % 7))).compare(0, 8, "dropped ");
+                wrong += TextOf(ImmutableString::CreateDynamic("dropped " + std::to_string(i % 7)))
+                             .compare(0, 8, "dropped ");
                 if (i % 500 == static_cast<int>(seed)) {
                     ImmutableString::PurgeUnusedStrings();
                 }

@@ -1,7 +1,7 @@
 #include <ORLLocale.h>
 
-#include <Strings/LocaleInternals.h>
 #include <ORLString.h>
+#include <Strings/LocaleInternals.h>
 #include <tvxcore/NumberPunctuation.h>
 
 #include <gtest/gtest.h>
@@ -87,10 +87,9 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalComma_ReadsBothConventions)
 TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
 {
     const Row rows[] = {
-        {__LINE__, "1,000", 1000},   {__LINE__, "-1,000", -1000}, {__LINE__, "1,000.25", 1000.25},
-        {__LINE__, "2.5", 2.5},      {__LINE__, "1,5", 1},        {__LINE__, "1,0000", 1},
-        {__LINE__, "12,34,567", 12}, {__LINE__, "0", 0},          {__LINE__, "", 0},
-        {__LINE__, "1e3", 1000},
+        {__LINE__, "1,000", 1000}, {__LINE__, "-1,000", -1000}, {__LINE__, "1,000.25", 1000.25}, {__LINE__, "2.5", 2.5},
+        {__LINE__, "1,5", 1},      {__LINE__, "1,0000", 1},     {__LINE__, "12,34,567", 12},     {__LINE__, "0", 0},
+        {__LINE__, "", 0},         {__LINE__, "1e3", 1000},
     };
     ExpectEach(rows, PointLocale());
 }
@@ -99,7 +98,8 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
 TEST(GetValueFromDisplayString, AClassicReadingThatFails_IsZero)
 {
     const Row rows[] = {
-        {__LINE__, "1e999", 0}, {__LINE__, "-1e999", 0}, {__LINE__, "1e308", 1e308}, {__LINE__, "-", 0}, {__LINE__, ".", 0},
+        {__LINE__, "1e999", 0}, {__LINE__, "-1e999", 0}, {__LINE__, "1e308", 1e308},
+        {__LINE__, "-", 0},     {__LINE__, ".", 0},
     };
     ExpectEach(rows, PointLocale());
     ExpectEach(rows, CommaLocale());

@@ -1,6 +1,6 @@
 // Tests the number format of Windows, as the library's locale reports it.
-#include <Strings/LocaleInternals.h>
 #include <ORLString.h>
+#include <Strings/LocaleInternals.h>
 
 #include <climits>
 #include <gtest/gtest.h>

@@ -37,9 +37,15 @@ const ParseRow kParseRows[] = {
     {__LINE__, "%1", {"%2", "b"}, kSuccess, "b"},
     // "%1" matches the start of "%10", even with ten parameters
     {__LINE__, "%10", {"a"}, kSuccess, "a0"},
-    {__LINE__, "%10 %1 %2 %3 %4 %5 %6 %7 %8 %9", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}, kGeneralFailure,
+    {__LINE__,
+     "%10 %1 %2 %3 %4 %5 %6 %7 %8 %9",
+     {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"},
+     kGeneralFailure,
      "before"},
-    {__LINE__, "%1 %2 %3 %4 %5 %6 %7 %8 %9 %10", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}, kSuccess,
+    {__LINE__,
+     "%1 %2 %3 %4 %5 %6 %7 %8 %9 %10",
+     {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"},
+     kSuccess,
      "a b c d e f g h i j"},
     // no escape for a literal "%"
     {__LINE__, "%%1", {"a"}, kSuccess, "%a"},

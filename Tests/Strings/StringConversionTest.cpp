@@ -71,8 +71,8 @@ TEST(UTF16ToWstring, AllUnits_AreCopied)
 // Each unit becomes three bytes, at lengths on both sides of every internal buffer size.
 TEST(MakeStdString, TextOfThreeBytesAUnit_IsWhole)
 {
-    for (const std::size_t units : {std::size_t{1}, std::size_t{341}, std::size_t{342}, std::size_t{511}, std::size_t{512},
-                                    std::size_t{513}, std::size_t{1024}, std::size_t{1025}}) {
+    for (const std::size_t units : {std::size_t{1}, std::size_t{341}, std::size_t{342}, std::size_t{511},
+                                    std::size_t{512}, std::size_t{513}, std::size_t{1024}, std::size_t{1025}}) {
         std::string expected;
         for (std::size_t i = 0; i < units; ++i) {
             expected += "\xE4\xB8\xAD";

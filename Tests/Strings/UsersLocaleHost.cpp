@@ -27,6 +27,9 @@ int main()
     stream.imbue(ORL::Locale::Native());
     stream << 1.5;
     std::cout << std::string(text.begin(), text.end()) << (readsBack ? " reads back, " : " does not read back, ")
-              << (stream.str() == L"1,5" ? "comma" : stream.str() == L"1.5" ? "point" : "neither") << std::endl;
+              << (stream.str() == L"1,5"   ? "comma"
+                  : stream.str() == L"1.5" ? "point"
+                                           : "neither")
+              << std::endl;
     ORL::Foundation::Terminate();
 }

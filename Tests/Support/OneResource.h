@@ -18,7 +18,10 @@ public:
     }
 
     void* FindLocalizedResource(const unsigned short*, const unsigned short*, int&) const override { return nullptr; }
-    void* FindNonLocalizedResource(const unsigned short*, const unsigned short*, int&) const override { return nullptr; }
+    void* FindNonLocalizedResource(const unsigned short*, const unsigned short*, int&) const override
+    {
+        return nullptr;
+    }
     void* LoadResource(const unsigned short*, const unsigned short*, int&) const override { return nullptr; }
     void* LoadResource(short inID, const UTF16String& inType, int& outSize) const override
     {

@@ -16,10 +16,7 @@ class Host : public Application
 public:
     using Application::Application;
 
-    int Run() override
-    {
-        return 17;
-    }
+    int Run() override { return 17; }
 };
 
 ObjectPtr<Module, AtomicValue> ProgramModule()

@@ -2,8 +2,8 @@
 // end where readable memory ends, so that an access beyond either end faults.
 #include "CodePageSweep.h"
 
-#include <System/CodePageConversion.h>
 #include <Linux/CodePages/LinuxCodePageKernels.h>
+#include <System/CodePageConversion.h>
 
 #include <algorithm>
 #include <cstring>

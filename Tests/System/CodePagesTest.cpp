@@ -3,12 +3,12 @@
 
 #include <CRV/Application.h>
 #include <CheckRecorder.h>
-#include <System/CodePageConversion.h>
-#include <System/LanguageInternals.h>
 #include <ORLHostSettings.h>
 #include <ORLString.h>
 #include <ORLStringUtils.h>
 #include <Platform/CodePages.h>
+#include <System/CodePageConversion.h>
+#include <System/LanguageInternals.h>
 #include <TextHelpers.h>
 
 #include <climits>
@@ -273,8 +273,8 @@ TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
             UTF16String again;
             for (int i = 0; i < 3000; ++i) {
                 const bool isOther = random() % 16 < density;
-                const auto unit = static_cast<unsigned short>(isOther ? others[random() % std::size(others)]
-                                                                      : 'a' + random() % 26);
+                const auto unit =
+                    static_cast<unsigned short>(isOther ? others[random() % std::size(others)] : 'a' + random() % 26);
                 units.push_back(unit);
                 bytes += Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page);
                 again += Internal::To16BitUnicode(Internal::ToMultiByteWithCodePage(UTF16String(1, unit), page), page);

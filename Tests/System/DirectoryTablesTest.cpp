@@ -84,8 +84,8 @@ TEST(DirectoryTables, Lines_AreReadByTheirFormat)
 
 TEST(DirectoryTables, LineWithoutSymbolOrPath_EndsTheTableThere)
 {
-    for (const std::string& line : {std::string(""), std::string("B"), std::string("=B"), std::string("B="), std::string(" =B"),
-                                    std::string("B= ")}) {
+    for (const std::string& line : {std::string(""), std::string("B"), std::string("=B"), std::string("B="),
+                                    std::string(" =B"), std::string("B= ")}) {
         CheckRecorder recorder;
         recorder.mThrow = true;
         const OneResource table = Table("A=1\n" + line + "\nC=3\n");

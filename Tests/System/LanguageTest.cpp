@@ -2,10 +2,10 @@
 #include <PrivateHost.h>
 #include <TextHelpers.h>
 
-#include <System/LanguageInternals.h>
 #include <ORLHostSettings.h>
 #include <ORLRegistryKey.h>
 #include <ORLString.h>
+#include <System/LanguageInternals.h>
 #include <tvxcore/Trace.h>
 
 #include <atomic>

@@ -182,9 +182,8 @@ TEST_F(ProcessNames, OfAnotherUsersProcess_AreSeenQuietly)
 {
     const std::string path = Program("orl-other-users-program");
     const Sleeper sleeper(path, path);
-    RunUnprivileged(mFolder.Host(), [] {
-        return IsRunning(u"orl-other-users-program") && !IsRunning(u"no process has this name");
-    });
+    RunUnprivileged(mFolder.Host(),
+                    [] { return IsRunning(u"orl-other-users-program") && !IsRunning(u"no process has this name"); });
 }
 
 namespace {
@@ -226,7 +225,10 @@ TEST(IsProcessRunning, TheFirst1024Processes_AreSeenAndNoMore)
     {
         const char16_t* mName;
         bool mIsSeen;
-    } rows[] = {{u"process-1", true}, {u"process-1023", true}, {u"process-1024", true}, {u"process-1025", false},
+    } rows[] = {{u"process-1", true},
+                {u"process-1023", true},
+                {u"process-1024", true},
+                {u"process-1025", false},
                 {u"process-1100", false}};
     for (const auto& row : rows) {
         sNextFake = 0;

@@ -36,7 +36,9 @@ constexpr char kMemory[] = "MemTotal:       24684084 kB\nMemFree:        1415859
 
 TEST(SystemInfo, AvailableMemory_IsAtLeastTheFreeMemoryOfAnotherCall)
 {
-    struct sysinfo info{};
+    struct sysinfo info
+    {
+    };
     ASSERT_EQ(0, ::sysinfo(&info));
     const unsigned long long total = static_cast<unsigned long long>(info.totalram) * info.mem_unit;
     const unsigned __int64 available = SystemInfo::GetAvailablePhysicalMemory();
@@ -91,10 +93,13 @@ TEST(SystemInfo, AvailableMemory_Is0WhereACallFails)
 TEST(SystemInfo, VirtualMemory_FollowsTheUsersLimit)
 {
     EXPECT_EQ(0, InChild([] {
-        constexpr unsigned long long kLimit = 3ull << 40;
-        const struct rlimit limit{kLimit, kLimit};
-        return ::setrlimit(RLIMIT_AS, &limit) == 0 && SystemInfo::GetTotalVirtualMemory() == kLimit ? 0 : 1;
-    }));
+                  constexpr unsigned long long kLimit = 3ull << 40;
+                  const struct rlimit limit
+                  {
+                      kLimit, kLimit
+                  };
+                  return ::setrlimit(RLIMIT_AS, &limit) == 0 && SystemInfo::GetTotalVirtualMemory() == kLimit ? 0 : 1;
+              }));
     FaultySystemCalls calls;
     calls.Fail(FaultySystemCalls::kGetResourceLimit, 1, EINVAL);
     EXPECT_EQ(0u, SystemInfo::GetTotalVirtualMemory());
@@ -103,8 +108,10 @@ TEST(SystemInfo, VirtualMemory_FollowsTheUsersLimit)
 TEST(SystemInfo, RDTSC_IsFalseInAProcessThatBarredItselfFromIt)
 {
     EXPECT_EQ(0, InChild([] {
-        return ::prctl(PR_SET_TSC, PR_TSC_SIGSEGV) == 0 && !SystemInfo::ProcessorSupportsRDTSCInstruction() ? 0 : 1;
-    }));
+                  return ::prctl(PR_SET_TSC, PR_TSC_SIGSEGV) == 0 && !SystemInfo::ProcessorSupportsRDTSCInstruction()
+                             ? 0
+                             : 1;
+              }));
     FaultySystemCalls calls;
     calls.Fail(FaultySystemCalls::kGetTscMode, 1, EPERM);
     EXPECT_TRUE(SystemInfo::ProcessorSupportsRDTSCInstruction()) << "a filter on system calls bars no instruction";

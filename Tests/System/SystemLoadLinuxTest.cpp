@@ -105,8 +105,8 @@ TEST(SystemLoad, KindsOfTime_CountAsBusyOrIdle)
         {__LINE__, "cpu  100 0 0 0 0 0 0 0 0 0\n", "cpu  90 0 0 100 0 0 0 0 0 0\n", 0},      // busy time decreased
         {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  5 0 0 5 0 0 0 0 0 0\n", -1},          // no tick passed
         {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  4 0 0 5 0 0 0 0 0 0\n", -1},          // backwards
-        {__LINE__, "cpu  9223372036854775000 0 0 1000 0 0 0 0 0 0\n",
-         "cpu  9223372036854775001 0 0 1003 0 0 0 0 0 0\n", 25},
+        {__LINE__, "cpu  9223372036854775000 0 0 1000 0 0 0 0 0 0\n", "cpu  9223372036854775001 0 0 1003 0 0 0 0 0 0\n",
+         25},
         {__LINE__, "", "", -1},
         {__LINE__, "intr 1 2 3\n", "intr 1 2 3\n", -1},
         {__LINE__, "cpu  1 2 3\n", "cpu  4 5 6\n", -1},

@@ -53,7 +53,8 @@ unsigned short Symbol(const UNumberFormat* inFormat, UNumberFormatSymbol inWhich
 std::string NamedByIcu(const std::string& inName)
 {
     UErrorCode error = U_ZERO_ERROR;
-    UNumberFormat* const format = ::unum_open(UNUM_DECIMAL, nullptr, 0, (inName + "@numbers=latn").c_str(), nullptr, &error);
+    UNumberFormat* const format =
+        ::unum_open(UNUM_DECIMAL, nullptr, 0, (inName + "@numbers=latn").c_str(), nullptr, &error);
     NumberPunctuation punctuation;
     punctuation.mDecimalPoint = Symbol(format, UNUM_DECIMAL_SEPARATOR_SYMBOL);
     punctuation.mThousandsSeparator = Symbol(format, UNUM_GROUPING_SEPARATOR_SYMBOL);
@@ -94,7 +95,8 @@ TEST(UserNumberPunctuation, ClassicMissingAndUnknownLocales_GroupNothing)
 
 TEST(FindNumberPunctuation, TheFormsOfAName_MeanOneLocale)
 {
-    for (const char* const name : {"de_CH", "de-CH", "DE_ch", "de_CH.UTF-8", "de_CH.UTF-8@euro", "de_Latn_CH", "de_CH@euro"}) {
+    for (const char* const name :
+         {"de_CH", "de-CH", "DE_ch", "de_CH.UTF-8", "de_CH.UTF-8@euro", "de_Latn_CH", "de_CH@euro"}) {
         EXPECT_EQ(". <2019> 3", Named(name)) << name;
     }
     EXPECT_EQ(kGerman, Named("de"));
@@ -113,7 +115,8 @@ TEST(FindNumberPunctuation, EachLocaleOfIcu_IsTheSame)
     for (std::int32_t i = 0; i < ::uloc_countAvailable(); ++i) {
         const std::string name = ::uloc_getAvailable(i);
         // The system has no locales for areas of the world or second scripts.
-        const bool hasSecondScript = name.size() > 6 && name.find('_') != std::string::npos && name[name.find('_') + 3] != '\0';
+        const bool hasSecondScript =
+            name.size() > 6 && name.find('_') != std::string::npos && name[name.find('_') + 3] != '\0';
         if (hasSecondScript || name.find_first_of("0123456789") != std::string::npos || name == "en_US_POSIX") {
             continue;
         }

@@ -2,8 +2,8 @@
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
-#include <Stress.h>
 #include <ScriptedPolicy.h>
+#include <Stress.h>
 
 #include <gtest/gtest.h>
 
@@ -159,7 +159,10 @@ TEST(AsyncReadRequestPool, RequestFreedTwice_IsAssertedUnderThePublishedName)
     sStaticPool.FreeAsyncReadRequest(request);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("AtomicRead(allocRecord->mBusy) == 1").Function(kFree);
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("AtomicRead(allocRecord->mBusy) == 1")
+        .Function(kFree);
     EXPECT_EQ(0u, sStaticPool.CountBusyRecords()) << "it stays free";
 }
 

@@ -2,9 +2,9 @@
 
 #include <CheckRecorder.h>
 #include <ExpectReport.h>
+#include <Platform/Event.h>
 #include <Stress.h>
 #include <WaitableWithoutHandle.h>
-#include <Platform/Event.h>
 
 #include <gtest/gtest.h>
 

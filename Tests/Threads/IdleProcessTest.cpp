@@ -145,7 +145,11 @@ TEST_F(IdleProcess, Cleared_NeverRunsAgainAndIsLetGo)
 
 TEST_F(IdleProcess, ClearedByItself_DoesNotWaitForItself)
 {
-    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] { ++mRuns; mQueue->ClearIdleProcess(); }), 10));
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([this] {
+                                           ++mRuns;
+                                           mQueue->ClearIdleProcess();
+                                       }),
+                                       10));
     AdvanceAndDrain(10);
     AdvanceAndDrain(100);
     EXPECT_EQ(1, mRuns);
@@ -155,7 +159,11 @@ TEST_F(IdleProcess, ReplacedByItself_GoesOnAsTheNewOne)
 {
     std::atomic<int> later{0};
     const Request second = MakeRequest([&later] { ++later; });
-    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&, this] { ++mRuns; mQueue->SetIdleProcess(second, 10); }), 10));
+    EXPECT_TRUE(mQueue->SetIdleProcess(MakeRequest([&, this] {
+                                           ++mRuns;
+                                           mQueue->SetIdleProcess(second, 10);
+                                       }),
+                                       10));
     AdvanceAndDrain(10);
     AdvanceAndDrain(10);
     mQueue->ClearIdleProcess();

@@ -21,14 +21,14 @@ struct Script
     enum class Wake { kNotified, kTimeout };
     using SleepAction = std::function<Wake()>;
 
-    std::deque<SleepAction> mSleeps;                 // one for each expected sleep; a further sleep throws
-    std::function<void()> mAtLock = [] {};           // before each lock of a mutex
-    std::function<void()> mAtPause = [] {};          // at each turn of a spin
-    std::function<void(int)> mAtSleep = [](int) {};  // at each plain sleep
+    std::deque<SleepAction> mSleeps;                // one for each expected sleep; a further sleep throws
+    std::function<void()> mAtLock = [] {};          // before each lock of a mutex
+    std::function<void()> mAtPause = [] {};         // at each turn of a spin
+    std::function<void(int)> mAtSleep = [](int) {}; // at each plain sleep
     int mSpinTurns = 0;
 
-    long mNow = 0;                  // milliseconds
-    std::vector<int> mLimits;       // limits of the sleeps so far; -1 is infinite
+    long mNow = 0;            // milliseconds
+    std::vector<int> mLimits; // limits of the sleeps so far; -1 is infinite
     int mLocksTaken = 0;
     int mLocksHeld = 0;
     int mNotifications = 0;

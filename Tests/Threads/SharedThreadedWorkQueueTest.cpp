@@ -56,8 +56,7 @@ TEST_F(SharedQueues, PriorityWithoutQueue_IsNullUntilItIsMade)
 TEST_F(SharedQueues, SamePriorityTwice_IsOneQueue)
 {
     EXPECT_EQ(Shared().RetrieveOrCreate(3).GetPtr(), Shared().RetrieveOrCreate(3).GetPtr());
-    EXPECT_EQ(Shared().RetrieveOrCreateSingleThreaded(3).GetPtr(),
-              Shared().RetrieveOrCreateSingleThreaded(3).GetPtr());
+    EXPECT_EQ(Shared().RetrieveOrCreateSingleThreaded(3).GetPtr(), Shared().RetrieveOrCreateSingleThreaded(3).GetPtr());
 }
 
 TEST_F(SharedQueues, MultiAndSingleThreaded_AreTwoQueues)
@@ -81,7 +80,8 @@ TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
         return name.WaitFor(1)[0];
     };
     const auto kept = [](const std::string& inName) { return inName.substr(0, ORLTest::kMinThreadNameBytes); };
-    EXPECT_EQ(kept("ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue"), nameIn(Shared().RetrieveOrCreate(3)));
+    EXPECT_EQ(kept("ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue"),
+              nameIn(Shared().RetrieveOrCreate(3)));
     EXPECT_EQ(kept("ORL::Foundation: Single-threaded ORL::SharedThreadedWorkQueue"),
               nameIn(Shared().RetrieveOrCreateSingleThreaded(3)));
     SharedThreadedWorkQueue::Shutdown(); // the thread that adds the name may still be inside Record
@@ -107,7 +107,8 @@ TEST_F(SharedQueues, PriorityOutsideTheRange_RunsAtPriorityThree)
 {
     BlockingList<int> levels;
     for (const ThreadPriorities::Type outside : {17, -1}) {
-        for (const QueueRef& queue : {Shared().RetrieveOrCreateSingleThreaded(outside), Shared().RetrieveOrCreate(outside)}) {
+        for (const QueueRef& queue :
+             {Shared().RetrieveOrCreateSingleThreaded(outside), Shared().RetrieveOrCreate(outside)}) {
             queue->QueueRequest(MakeRequest([&levels] { levels.Add(ORLTest::LevelOfThisThread()); }));
         }
     }
@@ -138,7 +139,8 @@ TEST_F(SharedQueues, TenThreadsAskForTheInstanceAtOnce_AllGetTheSame)
             ASSERT_NE(nullptr, place);
             ASSERT_EQ(seen[0], place);
         }
-        ASSERT_EQ(seen[0], SharedThreadedWorkQueue::Instance()) << "the one that was published, not one that went again";
+        ASSERT_EQ(seen[0], SharedThreadedWorkQueue::Instance())
+            << "the one that was published, not one that went again";
     }
     EXPECT_TRUE(Shared().RetrieveOrCreateSingleThreaded(3)->QueueRequest(MakeRequest([] {})));
 }
@@ -200,7 +202,8 @@ TEST_F(SharedQueues, Shutdown_StopsTheMultiThreadedFirstAndLowerPrioritiesFirst)
     hold(Shared().RetrieveOrCreateSingleThreaded(3), "single 3");
     EXPECT_EQ(0u, stopped.Count());
     SharedThreadedWorkQueue::Shutdown();
-    EXPECT_EQ((std::vector<std::string>{"multi -1", "multi 2", "multi 3", "single 0", "single 3", "single 4"}), stopped.Get());
+    EXPECT_EQ((std::vector<std::string>{"multi -1", "multi 2", "multi 3", "single 0", "single 3", "single 4"}),
+              stopped.Get());
 }
 
 TEST_F(SharedQueues, ReferenceKeptAcrossShutdown_IsAStoppedQueue)

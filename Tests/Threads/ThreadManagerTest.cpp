@@ -127,7 +127,10 @@ TEST_F(ThreadRecords, SecondThreadThatRegistersAsMain_IsReportedAndTheFirstStays
     EXPECT_TRUE(ThreadManager::CurrentThreadIsMainThread());
     const std::vector<CheckReport> asserts = mRecorder.Reports(CheckReport::kAssert);
     ASSERT_EQ(1u, asserts.size());
-    ExpectReport(asserts[0]).Expression("tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID").Message("RegisterMainThread has been called from more than one thread.\r\n").Function("ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID");
+    ExpectReport(asserts[0])
+        .Expression("tvxcore::threads::AtomicRead(mainThreadID) == thisThreadID")
+        .Message("RegisterMainThread has been called from more than one thread.\r\n")
+        .Function("ORL::ThreadManager::`anonymous-namespace'::SetOrCheckMainThreadID");
     const std::vector<CheckReport> contracts = mRecorder.Reports(CheckReport::kContract);
     ASSERT_EQ(1u, contracts.size());
     ExpectReport(contracts[0]).Expression("sInfoIndexAllocated == false");
@@ -243,7 +246,9 @@ TEST(ThreadManager, SecondCycle_ReportsTheOldNumberOnceAndAllocatesAgain)
     ThreadManager::RegisterMainThread();
     const std::vector<CheckReport> reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES");
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("sThreadLocalStorage_InfoIndex == TLS_OUT_OF_INDEXES");
     EXPECT_EQ("CorvantoMain", NameOfThisThread());
     ThreadManager::UnregisterMainThread();
 }

@@ -76,7 +76,8 @@ TEST(ThreadName, OfTheFirstThread_StaysTheNameOfTheProcess)
     ASSERT_EQ(before, NameOfTheProcess());
     ThreadManager::RegisterMainThread();
     EXPECT_EQ(before, NameOfTheProcess());
-    EXPECT_EQ("CorvantoMain", MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetThreadName())) << "the record has it";
+    EXPECT_EQ("CorvantoMain", MakeStdString(ThreadManager::GetCurrentThreadInfo()->GetThreadName()))
+        << "the record has it";
     ThreadManager::UnregisterMainThread();
     EXPECT_EQ(before, NameOfTheProcess());
 }

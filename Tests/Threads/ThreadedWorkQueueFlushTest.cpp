@@ -66,7 +66,10 @@ void ExpectMessages(const ORLTest::CheckRecorder& inRecorder, const std::vector<
     const std::vector<CheckReport> reports = inRecorder.Reports();
     ASSERT_EQ(inMessages.size(), reports.size());
     for (std::size_t i = 0; i < reports.size(); ++i) {
-        ExpectReport(reports[i]).Kind(CheckReport::kAssert).Message(inMessages[i]).Function("ORL::ThreadedWorkQueueFlush::Flush");
+        ExpectReport(reports[i])
+            .Kind(CheckReport::kAssert)
+            .Message(inMessages[i])
+            .Function("ORL::ThreadedWorkQueueFlush::Flush");
     }
 }
 
@@ -95,8 +98,7 @@ TEST(ThreadedWorkQueueFlush, OnAThreadOfTheQueue_IsReportedAndReturnsWithoutWait
         done.Open();
     }));
     EXPECT_EQ(kSuccess, done.Wait(-1));
-    ExpectMessages(recorder,
-                   {"Attempted to flush a Queue from within the Queue.  This is not what you intended.\r\n"});
+    ExpectMessages(recorder, {"Attempted to flush a Queue from within the Queue.  This is not what you intended.\r\n"});
     ExpectIdle(flush, queue);
     queue->Stop();
 }

@@ -23,7 +23,8 @@ using Request = ThreadedWorkQueue::Request;
 class CountedRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
 {
 public:
-    CountedRequest(int& ioLiving, std::function<void()> inFunction) : mLiving(ioLiving), mFunction(std::move(inFunction))
+    CountedRequest(int& ioLiving, std::function<void()> inFunction)
+        : mLiving(ioLiving), mFunction(std::move(inFunction))
     {
         ++mLiving;
     }

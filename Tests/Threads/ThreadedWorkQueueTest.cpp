@@ -20,13 +20,13 @@
 #include <vector>
 
 using namespace ORL;
-using ORLTest::CheckRecorder;
-using ORLTest::CheckReport;
-using ORLTest::ExpectReport;
-using ORLTest::Event;
-using ORLTest::MakeRequest;
 using ORLTest::Barrier;
 using ORLTest::BlockingList;
+using ORLTest::CheckRecorder;
+using ORLTest::CheckReport;
+using ORLTest::Event;
+using ORLTest::ExpectReport;
+using ORLTest::MakeRequest;
 
 namespace {
 
@@ -159,7 +159,7 @@ TEST(ThreadedWorkQueue, Priority_ReachesTheThreadsAndEveryOtherNumberIsThree)
         int mExpected;
     };
     const Row rows[] = {
-        {__LINE__, 0, 0}, {__LINE__, 1, 1}, {__LINE__, 2, 2}, {__LINE__, 3, 3},  {__LINE__, 4, 4},
+        {__LINE__, 0, 0}, {__LINE__, 1, 1}, {__LINE__, 2, 2},  {__LINE__, 3, 3},    {__LINE__, 4, 4},
         {__LINE__, 5, 5}, {__LINE__, 6, 3}, {__LINE__, -1, 3}, {__LINE__, 1000, 3},
     };
     for (const Row& row : rows) {

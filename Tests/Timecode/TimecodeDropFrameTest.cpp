@@ -81,17 +81,14 @@ TEST(TimecodeDropFrame, LabelsAt5994_DropFourAtTheStartOfEachMinuteButTheTenth)
         const char* mText;
     };
     const Row rows[] = {
-        {__LINE__, 59, "00;00;00;59"},      {__LINE__, 60, "00;00;01;00"},
-        {__LINE__, 3599, "00;00;59;59"},    {__LINE__, 3600, "00;01;00;04"},
-        {__LINE__, 3655, "00;01;00;59"},    {__LINE__, 3656, "00;01;01;00"},
-        {__LINE__, 7195, "00;01;59;59"},    {__LINE__, 7196, "00;02;00;04"},
-        {__LINE__, 35963, "00;09;59;59"},   {__LINE__, 35964, "00;10;00;00"},
-        {__LINE__, 215783, "00;59;59;59"},  {__LINE__, 215784, "01;00;00;00"},
+        {__LINE__, 59, "00;00;00;59"},      {__LINE__, 60, "00;00;01;00"},      {__LINE__, 3599, "00;00;59;59"},
+        {__LINE__, 3600, "00;01;00;04"},    {__LINE__, 3655, "00;01;00;59"},    {__LINE__, 3656, "00;01;01;00"},
+        {__LINE__, 7195, "00;01;59;59"},    {__LINE__, 7196, "00;02;00;04"},    {__LINE__, 35963, "00;09;59;59"},
+        {__LINE__, 35964, "00;10;00;00"},   {__LINE__, 215783, "00;59;59;59"},  {__LINE__, 215784, "01;00;00;00"},
         {__LINE__, 5178815, "23;59;59;59"}, {__LINE__, 5178816, "24;00;00;00"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(row.mText, LabelOf(Frames(row.mFrame, kFrameRate_VideoNTSC_HD), true))
-            << "row at line " << row.mLine;
+        EXPECT_EQ(row.mText, LabelOf(Frames(row.mFrame, kFrameRate_VideoNTSC_HD), true)) << "row at line " << row.mLine;
     }
 }
 
@@ -113,7 +110,12 @@ TEST(TimecodeDropFrame, FrameOneOfADroppedMinute_ReportsAndFallsBelowTheMinute)
     const auto reports = recorder.Reports();
     ASSERT_EQ(2u, reports.size());
     for (const CheckReport& report : reports) {
-        ExpectReport(report).Kind(CheckReport::kAssert).Expression("inFrames != 1").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::NTSCDropFrame_HMSFToTime");
+        ExpectReport(report)
+            .Kind(CheckReport::kAssert)
+            .Expression("inFrames != 1")
+            .Message("")
+            .File("Timecode")
+            .Function("ORL::`anonymous-namespace'::NTSCDropFrame_HMSFToTime");
     }
 }
 
@@ -139,13 +141,13 @@ TEST(TimecodeDropFrame, CountOfALabel_FollowsTheArithmeticAlsoOutsideTheClock)
     };
     const Row rows[] = {
         {__LINE__, 1, 0, 0, 0, false, 107892},
-        {__LINE__, 0, 10, 0, 1, false, 17983},        // the tenth minute has a frame 1
+        {__LINE__, 0, 10, 0, 1, false, 17983}, // the tenth minute has a frame 1
         {__LINE__, 0, 1, 1, 0, false, 1828},
         {__LINE__, 0, 9, 59, 29, false, 17981},
         {__LINE__, 24, 0, 0, 0, false, 2589408},
-        {__LINE__, 0, 0, 59, 30, false, 1800},        // fields may exceed their range
+        {__LINE__, 0, 0, 59, 30, false, 1800}, // fields may exceed their range
         {__LINE__, 0, 0, 0, -1, false, -1},
-        {__LINE__, 0, 1, 0, -5, false, 1800},         // a negative frame in a second that skips labels adds nothing
+        {__LINE__, 0, 1, 0, -5, false, 1800}, // a negative frame in a second that skips labels adds nothing
         {__LINE__, 0, 1, 1, -5, false, 1823},
         {__LINE__, 0, -1, 0, 0, false, 1800 - 2 * 1798},
         {__LINE__, 0, -10, 0, 0, false, -17982},

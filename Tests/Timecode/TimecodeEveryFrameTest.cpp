@@ -285,7 +285,8 @@ TEST_P(EverySample, AtTheEdgesOfEachSecondOfADay_HasItsTextAndComesBackFromIt)
     Timecode::PrivateImpl record(kTime_Zero, format.mRate, format.mDisplay, Timecode::Style());
     for (long long second = 0; second < 86400; ++second) {
         // The first two samples and the last one of each second, and one that varies from second to second.
-        for (const long long sample : {0LL, 1LL, format.mLabelsPerSecond - 1, second * 7919 % format.mLabelsPerSecond}) {
+        for (const long long sample :
+             {0LL, 1LL, format.mLabelsPerSecond - 1, second * 7919 % format.mLabelsPerSecond}) {
             ExpectSample(record, second, sample, format);
             ASSERT_FALSE(HasFatalFailure());
         }

@@ -61,8 +61,8 @@ TEST(TimecodeGetString, ExampleOfEachShape)
         {__LINE__, At(1, 2, 3, 4, film), film, kTimeDisplay_24Timecode, "01:02:03:04"},
         {__LINE__, Frames(111582, kFrameRate_VideoNTSC), kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode,
          "01;02;03;04"},
-        {__LINE__, Frames(3723 * 30 + 4, kFrameRate_VideoNTSC), kFrameRate_VideoNTSC,
-         kTimeDisplay_2997NonDropTimecode, "01:02:03:04"},
+        {__LINE__, Frames(3723 * 30 + 4, kFrameRate_VideoNTSC), kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode,
+         "01:02:03:04"},
         {__LINE__, Frames(3600, kFrameRate_VideoNTSC_HD), kFrameRate_VideoNTSC_HD, kTimeDisplay_5994DropTimecode,
          "00;01;00;04"},
         {__LINE__, Frames(3600, kFrameRate_VideoNTSC_HD), kFrameRate_VideoNTSC_HD, kTimeDisplay_5994NonDropTimecode,
@@ -119,8 +119,8 @@ TEST(TimecodeGetString, HoursMode_OtherThanOneLeavesTheHoursOut)
     for (const int mode : {0, 2, -1, 1000}) {
         Timecode::Style style;
         style.mHoursMode = mode;
-        EXPECT_EQ("02:03:04", Show(At(1, 2, 3, 4, kFrameRate_VideoPAL), kFrameRate_VideoPAL, kTimeDisplay_25Timecode,
-                                   style));
+        EXPECT_EQ("02:03:04",
+                  Show(At(1, 2, 3, 4, kFrameRate_VideoPAL), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, style));
     }
 }
 
@@ -264,8 +264,7 @@ TEST(TimecodeGetString, FeetOfEveryLengthAndSign_FollowTheRule)
 
 TEST(TimecodeGetString, WithPreviousFrame_ShowsTheStoredTime)
 {
-    EXPECT_EQ("00:00:00:24",
-              Show(TickTime(1.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, PreviousFrameStyle()));
+    EXPECT_EQ("00:00:00:24", Show(TickTime(1.0), kFrameRate_VideoPAL, kTimeDisplay_25Timecode, PreviousFrameStyle()));
     EXPECT_EQ("24", Show(TickTime(1.0), kFrameRate_VideoPAL, kTimeDisplay_Frames, PreviousFrameStyle()));
 }
 

@@ -55,8 +55,7 @@ TEST(TimecodeFuzzReplay, RandomTextsOfTheGrammar_Hold)
         const char* const fault = ORLFuzz::CheckTimecodeInput(bytes.data(), bytes.size());
         ASSERT_EQ(nullptr, fault) << fault;
         const ORLFuzz::TimecodeInput input = ORLFuzz::ReadInput(bytes.data(), bytes.size());
-        comeBack += ORLFuzz::RoundTrips(
-            input, Timecode::StringToTime(input.mText, input.mRate, input.mDisplay, false));
+        comeBack += ORLFuzz::RoundTrips(input, Timecode::StringToTime(input.mText, input.mRate, input.mDisplay, false));
         recorder.Clear();
     }
     EXPECT_GT(comeBack, 20000) << "the texts are not all junk";

@@ -130,7 +130,7 @@ TEST(TimecodeIncrement, Past24Hours_ClampsToExactly24Hours)
 {
     ExpectRows({
         {__LINE__, Pal(24, 0, 0, 0), 1, 0, 0, 0, "24 0 0 0"},
-        {__LINE__, Pal(23, 59, 59, 24), 1, 0, 0, 1, "24 0 0 0"},  // reaches 25:00:00:00
+        {__LINE__, Pal(23, 59, 59, 24), 1, 0, 0, 1, "24 0 0 0"}, // reaches 25:00:00:00
         {__LINE__, Pal(0, 0, 0, 0), 1000000, 59, 59, 24, "24 0 0 0"},
         {__LINE__, Pal(1, 0, 0, 0, true), -24, 0, 0, 0, "-24 0 0 0"},
         {__LINE__, Pal(1, 0, 0, 0, true), -2000000, 0, 0, 0, "-24 0 0 0"},
@@ -271,9 +271,16 @@ TEST(TimecodeIncrement, OfFramesByHoursMinutesOrSeconds_Reports)
         code.IncrementHMSF(increment[0], increment[1], increment[2], 0);
         const auto reports = recorder.Reports();
         ASSERT_EQ(2u, reports.size());
-        ExpectReport(reports[0]).Expression("(mTimeDisplay != tvxmediatypes::kTimeDisplay_Frames) || ((inHours == 0) && (inMinutes == 0) && "
-                  "(inSeconds == 0))").File("Timecode").Function("ORL::Timecode::PrivateImpl::IncrementHMSF");
-        ExpectReport(reports[1]).Expression("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)").File("Timecode").Function("ORL::`anonymous-namespace'::HMSFToTime");
+        ExpectReport(reports[0])
+            .Expression(
+                "(mTimeDisplay != tvxmediatypes::kTimeDisplay_Frames) || ((inHours == 0) && (inMinutes == 0) && "
+                "(inSeconds == 0))")
+            .File("Timecode")
+            .Function("ORL::Timecode::PrivateImpl::IncrementHMSF");
+        ExpectReport(reports[1])
+            .Expression("(inHours == 0) && (inMinutes == 0) && (inSeconds == 0)")
+            .File("Timecode")
+            .Function("ORL::`anonymous-namespace'::HMSFToTime");
         EXPECT_EQ(Frames(100, kFrameRate_VideoPAL), code.GetTime()) << "the frames alone make the time";
     }
 }
@@ -316,15 +323,13 @@ TEST(TimecodeIncrement, ExtremeIncrements_WrapAndEnd)
     // Only checks that the calls return and that the sanitizers report nothing.
     CheckRecorder recorder;
     const int ints[] = {0, 1, -1, 59, 60, std::numeric_limits<int>::max(), kIntMin};
-    const long long frames[] = {0, 1, -1, std::numeric_limits<long long>::max(),
-                                std::numeric_limits<long long>::min()};
+    const long long frames[] = {0, 1, -1, std::numeric_limits<long long>::max(), std::numeric_limits<long long>::min()};
     for (const Format& format : kClockFormats) {
         for (const bool negative : {false, true}) {
             for (const int hours : ints) {
                 for (const int minutes : ints) {
                     for (const long long frame : frames) {
-                        Timecode::PrivateImpl record =
-                            RecordOf(1, 2, 3, 4, format.mRate, format.mDisplay, negative);
+                        Timecode::PrivateImpl record = RecordOf(1, 2, 3, 4, format.mRate, format.mDisplay, negative);
                         record.IncrementHMSF(hours, minutes, hours, frame);
                         ASSERT_LE(record.mHours, 24) << format.mName;
                         ASSERT_GE(record.mHours, 0) << format.mName;

@@ -2,8 +2,8 @@
 // subtractions; both must give the same results, including signs and overflows.
 #include "TimecodeTestSupport.h"
 
-#include <Media/TimecodeCarry.h>
 #include <Core/Wrapping.h>
+#include <Media/TimecodeCarry.h>
 
 #include <limits>
 #include <random>
@@ -201,8 +201,7 @@ TEST(TimecodeLiteral, FieldsOfATime_AreThoseOfTheLoops)
         const FrameRate own(rate);
         for (int i = 0; i < 20000; ++i) {
             const long long count = static_cast<long long>(random() % 10000000) - 5000000;
-            const Timecode::PrivateImpl record(Frames(count, own), own, kTimeDisplay_16mmFeetFrames,
-                                               Timecode::Style());
+            const Timecode::PrivateImpl record(Frames(count, own), own, kTimeDisplay_16mmFeetFrames, Timecode::Style());
             ASSERT_EQ(SplitByLoops(count, static_cast<long long>(rate)), Fields(record)) << rate << " " << count;
         }
     }

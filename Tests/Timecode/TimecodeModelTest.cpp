@@ -33,7 +33,11 @@ void ExpectOneContract(const CheckRecorder& inRecorder, const char* inExpression
     EXPECT_EQ("Timecode", contracts[0].mFile) << "row at line " << inLine;
     const auto errors = inRecorder.Reports(CheckReport::kError);
     ASSERT_EQ(1u, errors.size()) << "row at line " << inLine;
-    ExpectReport(errors[0]).Expression("$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!").Line(25).Package(105u);
+    ExpectReport(errors[0])
+        .Expression(
+            "$$$/tvxcore/utility/Error/Contract/InputContractViolation=An input contract violation has occurred!")
+        .Line(25)
+        .Package(105u);
 }
 
 } // namespace
@@ -116,7 +120,12 @@ TEST(Timecode, GetFrameRateForDisplayMode_OfAnUnknownFormat_ReportsAndGivesTheZe
         EXPECT_EQ(FrameRate(), GetFrameRateForDisplayMode(static_cast<TimeDisplay>(display), kFrameRate_VideoPAL));
         const auto reports = recorder.Reports();
         ASSERT_EQ(1u, reports.size()) << display;
-        ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("false").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
+        ExpectReport(reports[0])
+            .Kind(CheckReport::kAssert)
+            .Expression("false")
+            .Message("")
+            .File("Timecode")
+            .Function("ORL::`anonymous-namespace'::GetFrameRateForDisplayMode");
     }
 }
 

@@ -65,9 +65,14 @@ TEST(TimecodeParse, EmptyText_IsZeroWithoutAFrameAdded)
 TEST(TimecodeParse, SignOrSeparatorWithNothingBehind_IsUnreadable)
 {
     const ParseRow rows[] = {
-        {__LINE__, "-", kUnreadable},  {__LINE__, "+", kUnreadable},  {__LINE__, ":", kUnreadable},
-        {__LINE__, ";", kUnreadable},  {__LINE__, ".", kUnreadable},  {__LINE__, "-:", kUnreadable},
-        {__LINE__, "+;", kUnreadable}, {__LINE__, "-.", kUnreadable},
+        {__LINE__, "-", kUnreadable},
+        {__LINE__, "+", kUnreadable},
+        {__LINE__, ":", kUnreadable},
+        {__LINE__, ";", kUnreadable},
+        {__LINE__, ".", kUnreadable},
+        {__LINE__, "-:", kUnreadable},
+        {__LINE__, "+;", kUnreadable},
+        {__LINE__, "-.", kUnreadable},
         // a separator after the leading one makes an empty field
         {__LINE__, "::", 0},
         {__LINE__, "-::", 0},
@@ -79,10 +84,8 @@ TEST(TimecodeParse, SignOrSeparatorWithNothingBehind_IsUnreadable)
 TEST(TimecodeParse, TrailingSeparator_IsAnEmptyFrameField)
 {
     const ParseRow rows[] = {
-        {__LINE__, "12:", Pal(0, 0, 12, 0)},
-        {__LINE__, "1:2:3:", Pal(1, 2, 3, 0)},
-        {__LINE__, "1:2:3:4:", kUnreadable},
-        {__LINE__, "1:2:3:4:5", kUnreadable},
+        {__LINE__, "12:", Pal(0, 0, 12, 0)},  {__LINE__, "1:2:3:", Pal(1, 2, 3, 0)},
+        {__LINE__, "1:2:3:4:", kUnreadable},  {__LINE__, "1:2:3:4:5", kUnreadable},
         {__LINE__, ":12:", Pal(0, 0, 12, 0)},
     };
     ExpectPalRows(rows);
@@ -91,11 +94,11 @@ TEST(TimecodeParse, TrailingSeparator_IsAnEmptyFrameField)
 TEST(TimecodeParse, WhatIsNoDigitAndNoSeparator_IsUnreadable)
 {
     const ParseRow rows[] = {
-        {__LINE__, "1::2", kUnreadable},   {__LINE__, "1:;2", kUnreadable},  {__LINE__, "1 2", kUnreadable},
-        {__LINE__, " 12", kUnreadable},    {__LINE__, "12 ", kUnreadable},   {__LINE__, "1a2", kUnreadable},
-        {__LINE__, "1-2", kUnreadable},    {__LINE__, "1+2", kUnreadable},   {__LINE__, "--1", kUnreadable},
-        {__LINE__, "+-1", kUnreadable},    {__LINE__, "-+1", kUnreadable},   {__LINE__, ":-1", kUnreadable},
-        {__LINE__, "1,2", kUnreadable},    {__LINE__, "1/2", kUnreadable},   {__LINE__, "\x7f", kUnreadable},
+        {__LINE__, "1::2", kUnreadable},         {__LINE__, "1:;2", kUnreadable}, {__LINE__, "1 2", kUnreadable},
+        {__LINE__, " 12", kUnreadable},          {__LINE__, "12 ", kUnreadable},  {__LINE__, "1a2", kUnreadable},
+        {__LINE__, "1-2", kUnreadable},          {__LINE__, "1+2", kUnreadable},  {__LINE__, "--1", kUnreadable},
+        {__LINE__, "+-1", kUnreadable},          {__LINE__, "-+1", kUnreadable},  {__LINE__, ":-1", kUnreadable},
+        {__LINE__, "1,2", kUnreadable},          {__LINE__, "1/2", kUnreadable},  {__LINE__, "\x7f", kUnreadable},
         {__LINE__, "01:02:03:04x", kUnreadable},
     };
     ExpectPalRows(rows);
@@ -173,13 +176,11 @@ TEST(TimecodeParse, FramesOfTheShorthand_HaveAsManyDigitsAsTheRateNeeds)
         const char* mFullText;
     };
     const Row rows[] = {
-        {__LINE__, 1000.0, "12345", "12:345"}, // above 100
-        {__LINE__, 8000.0, "123456", "12:3456"}, // above 1000
-        {__LINE__, 48000.0, "1234567", "12:34567"}, // above 10000
-        {__LINE__, 192000.0, "1234567", "12:34567"},
-        {__LINE__, 10000.0, "123456", "12:3456"}, // not above 10000
-        {__LINE__, 48000.0, "34567", ":34567"},
-        {__LINE__, 48000.0, "123456789012", "123:45:67:89012"},
+        {__LINE__, 1000.0, "12345", "12:345"},                                                 // above 100
+        {__LINE__, 8000.0, "123456", "12:3456"},                                               // above 1000
+        {__LINE__, 48000.0, "1234567", "12:34567"},                                            // above 10000
+        {__LINE__, 192000.0, "1234567", "12:34567"}, {__LINE__, 10000.0, "123456", "12:3456"}, // not above 10000
+        {__LINE__, 48000.0, "34567", ":34567"},      {__LINE__, 48000.0, "123456789012", "123:45:67:89012"},
     };
     for (const Row& row : rows) {
         const FrameRate rate(row.mRate);
@@ -194,11 +195,9 @@ TEST(TimecodeParse, FramesOfTheShorthand_HaveAsManyDigitsAsTheRateNeeds)
 TEST(TimecodeParse, Milliseconds_AreReadAtTheirOwnRate)
 {
     const ParseRow rows[] = {
-        {__LINE__, "12345", 12345},
-        {__LINE__, "1:2:3.045", 3723045},
+        {__LINE__, "12345", 12345},  {__LINE__, "1:2:3.045", 3723045},
         {__LINE__, "1.1000", 2000}, // 1000 does not exceed the rate, but is still a second
-        {__LINE__, "1.1001", 2001},
-        {__LINE__, "99999", 99999},
+        {__LINE__, "1.1001", 2001},  {__LINE__, "99999", 99999},
         {__LINE__, "100000", 60000}, // 1 minute 00 seconds 000
     };
     ExpectRows(rows, kFrameRate_Audio48000, kTimeDisplay_AudioMsTimecode, FrameRate(1000.0));
@@ -227,7 +226,7 @@ TEST(TimecodeParse, FramesEqualToTheRate_StayInTheirField)
     ExpectRows(atNTSC, kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode, kFrameRate_VideoNTSC);
     const ParseRow atDrop[] = {
         {__LINE__, "30", 30},
-        {__LINE__, "59:30", 1800},   // carries to 00;01;00;00
+        {__LINE__, "59:30", 1800}, // carries to 00;01;00;00
         {__LINE__, "0:59:29", 1799},
     };
     ExpectRows(atDrop, kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC);
@@ -265,7 +264,12 @@ TEST(TimecodeParse, FrameOverflowAtARateWithoutANominalOne_MayReport)
     Parse("0:29", FrameRate(14.985), kTimeDisplay_25Timecode);
     const auto reports = recorder.Reports();
     ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)").Message("").File("Timecode").Function("ORL::`anonymous-namespace'::SMPTEStringToTime");
+    ExpectReport(reports[0])
+        .Kind(CheckReport::kAssert)
+        .Expression("!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)")
+        .Message("")
+        .File("Timecode")
+        .Function("ORL::`anonymous-namespace'::SMPTEStringToTime");
 }
 
 TEST(TimecodeParse, RateBelowOne_DoesNotCarryFrames)
@@ -326,8 +330,8 @@ TEST(TimecodeParse, NegativeFieldsFromOverflow_AreDefined)
 TEST(TimecodeParse, DropFrameText_IsReadByTheFormatWhateverItsSeparators)
 {
     const ParseRow rows[] = {
-        {__LINE__, "00:01:00;00", 1800}, {__LINE__, "00:01:00:00", 1800},  {__LINE__, "00;01;00;02", 1800},
-        {__LINE__, "00.01.00.02", 1800}, {__LINE__, "01:00:00:00", 107892}, {__LINE__, "10000", 1800},
+        {__LINE__, "00:01:00;00", 1800},  {__LINE__, "00:01:00:00", 1800},   {__LINE__, "00;01;00;02", 1800},
+        {__LINE__, "00.01.00.02", 1800},  {__LINE__, "01:00:00:00", 107892}, {__LINE__, "10000", 1800},
         {__LINE__, "1:00;00.00", 107892},
     };
     ExpectRows(rows, kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode, kFrameRate_VideoNTSC);
@@ -411,7 +415,7 @@ TEST(TimecodeParseFeetFrames, SixteenMillimetres_Have40FramesAFoot)
         {__LINE__, " 1", kUnreadable},
         {__LINE__, "1 ", kUnreadable},
         {__LINE__, "1x", kUnreadable},
-        {__LINE__, ":5", 5},      // a leading separator makes the feet empty
+        {__LINE__, ":5", 5}, // a leading separator makes the feet empty
         {__LINE__, "123456789+1", 123456789LL * 40 + 1},
         // in feet and frames, a lone sign or a lone separator is zero
         {__LINE__, "-", 0},
@@ -439,9 +443,8 @@ TEST(TimecodeParseFeetFrames, ThirtyFiveMillimetres_Have16FramesAFoot)
 
 TEST(TimecodeParseFeetFrames, OtherFormatsThatArrive_Have40FramesAFoot)
 {
-    EXPECT_EQ(Frames(487, kFrameRate_Film24),
-              ORL::TimecodeLocal::FeetFramesStringToTime(Text("12+07"), kFrameRate_Film24, kTimeDisplay_25Timecode,
-                                                         false));
+    EXPECT_EQ(Frames(487, kFrameRate_Film24), ORL::TimecodeLocal::FeetFramesStringToTime(
+                                                  Text("12+07"), kFrameRate_Film24, kTimeDisplay_25Timecode, false));
 }
 
 TEST(TimecodeParse, ParseDigits_SkipsEverythingElseAndWraps)

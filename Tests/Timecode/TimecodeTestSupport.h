@@ -2,9 +2,9 @@
 #pragma once
 
 #include <CheckRecorder.h>
-#include <ORLTimecode.h>
 #include <Media/TimecodeFormats.h>
 #include <Media/TimecodeImpl.h>
+#include <ORLTimecode.h>
 
 #include <tvxcore/Text.h>
 #include <tvxmediatypes/Constants.h>
@@ -107,8 +107,8 @@ inline Timecode::PrivateImpl RecordOf(int inHours, int inMinutes, int inSeconds,
     record.mSeconds = inSeconds;
     record.mFrames = inFrames;
     record.mIsNegative = inIsNegative;
-    record.mTime = ORL::TimecodeLocal::HMSFToTime(inHours, inMinutes, inSeconds, inFrames, inIsNegative, inRate,
-                                                  inDisplay);
+    record.mTime =
+        ORL::TimecodeLocal::HMSFToTime(inHours, inMinutes, inSeconds, inFrames, inIsNegative, inRate, inDisplay);
     return record;
 }
 

@@ -2,9 +2,9 @@
 // pieces and computes in ticks; the library scans once and computes in frames.
 #include <ORLTimecode.h>
 
+#include "TypedStringGrammar.h"
 #include <CheckRecorder.h>
 #include <TextHelpers.h>
-#include "TypedStringGrammar.h"
 
 #include <cmath>
 #include <cstdint>
@@ -284,8 +284,7 @@ Count ToCount(double inValue)
 
 Count FramesOf(const Label& inLabel, int inDisplay, const FrameRate& inRate, bool& outReports)
 {
-    const std::int32_t seconds =
-        Sum(Product(Sum(Product(inLabel.mHours, 60), inLabel.mMinutes), 60), inLabel.mSeconds);
+    const std::int32_t seconds = Sum(Product(Sum(Product(inLabel.mHours, 60), inLabel.mMinutes), 60), inLabel.mSeconds);
     const Count wide = Count(static_cast<std::int64_t>(seconds));
     switch (inDisplay) {
     case 102: return DropFrames(inLabel, false, outReports);
@@ -380,8 +379,7 @@ TEST(TimecodeTypedStrings, AMillionTexts_AreReadAsTheSecondReadingDoes)
     for (int i = 0; i < 1000000 && wrong < 20; ++i) {
         const ORLTest::TypedStringGrammar::Typed typed = grammar.Next();
         const Reading expected = Read(typed.mText, typed.mDisplay, typed.mRate, typed.mPreviousFrame);
-        const TickTime time =
-            Timecode::StringToTime(typed.mText, typed.mRate, typed.mDisplay, typed.mPreviousFrame);
+        const TickTime time = Timecode::StringToTime(typed.mText, typed.mRate, typed.mDisplay, typed.mPreviousFrame);
         const Ticks wanted = expected.mTicks ? *expected.mTicks : tvxmediatypes::kTime_Invalid.GetTicks();
         const bool reported = !recorder.Reports().empty();
         if (time.GetTicks() != wanted || reported != expected.mReports) {

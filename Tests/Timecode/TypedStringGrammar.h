@@ -62,19 +62,20 @@ private:
         static constexpr FrameRate kAudio[] = {kFrameRate_Video1000,   kFrameRate_Audio8000,  kFrameRate_Audio11025,
                                                kFrameRate_Audio44100,  kFrameRate_Audio48000, kFrameRate_Audio96000,
                                                kFrameRate_Audio192000, FrameRate(10000.0),    FrameRate(10001.0)};
-        static constexpr FrameRate kVideo[] = {kFrameRate_Video10,    kFrameRate_Video12_5,    kFrameRate_23976,
-                                               kFrameRate_Film24,     kFrameRate_VideoPAL,     kFrameRate_VideoNTSC,
-                                               kFrameRate_Video30,    kFrameRate_VideoPAL_HD,  kFrameRate_VideoNTSC_HD,
-                                               kFrameRate_Video60,    kFrameRate_Video100,     kFrameRate_Video1000,
-                                               FrameRate(14.985),     FrameRate(0.5),          FrameRate(101.0)};
+        static constexpr FrameRate kVideo[] = {kFrameRate_Video10, kFrameRate_Video12_5,   kFrameRate_23976,
+                                               kFrameRate_Film24,  kFrameRate_VideoPAL,    kFrameRate_VideoNTSC,
+                                               kFrameRate_Video30, kFrameRate_VideoPAL_HD, kFrameRate_VideoNTSC_HD,
+                                               kFrameRate_Video60, kFrameRate_Video100,    kFrameRate_Video1000,
+                                               FrameRate(14.985),  FrameRate(0.5),         FrameRate(101.0)};
         const bool isAudio = inDisplay >= kTimeDisplay_AudioSamplesTimecode;
         if (OneIn(4) || isAudio) {
             return isAudio ? AnyOf(kAudio) : AnyOf(kVideo);
         }
-        static constexpr FrameRate kOwn[] = {
-            kFrameRate_Film24,      kFrameRate_VideoPAL,     kFrameRate_VideoNTSC, kFrameRate_VideoNTSC, kFrameRate_Video30,
-            kFrameRate_VideoPAL_HD, kFrameRate_VideoNTSC_HD, kFrameRate_VideoNTSC_HD, kFrameRate_Video60,
-            kFrameRate_VideoPAL,    kFrameRate_23976,        kFrameRate_Film24,    kFrameRate_23976};
+        static constexpr FrameRate kOwn[] = {kFrameRate_Film24,       kFrameRate_VideoPAL,     kFrameRate_VideoNTSC,
+                                             kFrameRate_VideoNTSC,    kFrameRate_Video30,      kFrameRate_VideoPAL_HD,
+                                             kFrameRate_VideoNTSC_HD, kFrameRate_VideoNTSC_HD, kFrameRate_Video60,
+                                             kFrameRate_VideoPAL,     kFrameRate_23976,        kFrameRate_Film24,
+                                             kFrameRate_23976};
         return kOwn[inDisplay - kTimeDisplay_24Timecode];
     }
 
@@ -113,10 +114,10 @@ private:
     void AppendField()
     {
         switch (Below(10)) {
-        case 0: break;                                 // empty
-        case 1: AppendDigits(1); break;                // one digit
-        case 2: AppendDigits(3 + Below(9)); break;     // shorthand
-        case 3: AppendDigits(9 + Below(24)); break;    // beyond 32 and 64 bits
+        case 0: break;                              // empty
+        case 1: AppendDigits(1); break;             // one digit
+        case 2: AppendDigits(3 + Below(9)); break;  // shorthand
+        case 3: AppendDigits(9 + Below(24)); break; // beyond 32 and 64 bits
         case 4: AppendNumber(4294967290ull + Below(12)); break;
         case 5: AppendNumber(AnyOf(kEdges)); break;
         default: AppendDigits(2); break;
@@ -124,12 +125,62 @@ private:
     }
 
     // Numbers at the limits of fields, rates and folds.
-    static constexpr unsigned long long kEdges[] = {
-        0,     1,     2,     3,     4,     9,     10,    11,    12,     13,     14,     15,    23,    24,   25,
-        28,    29,    30,    31,    49,    50,    51,    59,    60,     61,     99,     100,   101,   999,  1000,
-        1001,  7999,  8000,  9999,  10000, 10001, 48000, 48001, 99999,  100000, 100001, 1799,  1800,  3599, 3600,
-        86399, 86400, 107892, 2589408, 2147483647ull, 2147483648ull, 4294967295ull, 4294967296ull,
-        9223372036854775807ull, 9223372036854775808ull, 18446744073709551615ull};
+    static constexpr unsigned long long kEdges[] = {0,
+                                                    1,
+                                                    2,
+                                                    3,
+                                                    4,
+                                                    9,
+                                                    10,
+                                                    11,
+                                                    12,
+                                                    13,
+                                                    14,
+                                                    15,
+                                                    23,
+                                                    24,
+                                                    25,
+                                                    28,
+                                                    29,
+                                                    30,
+                                                    31,
+                                                    49,
+                                                    50,
+                                                    51,
+                                                    59,
+                                                    60,
+                                                    61,
+                                                    99,
+                                                    100,
+                                                    101,
+                                                    999,
+                                                    1000,
+                                                    1001,
+                                                    7999,
+                                                    8000,
+                                                    9999,
+                                                    10000,
+                                                    10001,
+                                                    48000,
+                                                    48001,
+                                                    99999,
+                                                    100000,
+                                                    100001,
+                                                    1799,
+                                                    1800,
+                                                    3599,
+                                                    3600,
+                                                    86399,
+                                                    86400,
+                                                    107892,
+                                                    2589408,
+                                                    2147483647ull,
+                                                    2147483648ull,
+                                                    4294967295ull,
+                                                    4294967296ull,
+                                                    9223372036854775807ull,
+                                                    9223372036854775808ull,
+                                                    18446744073709551615ull};
 
     void AppendDigits(std::size_t inCount)
     {

@@ -60,9 +60,10 @@ TEST(OrlColour, Json_IsOneObjectOfNumbers)
 {
     const ProcessResult result = Colour({"#ff8000", "--json", "--to", "rgb,ire"});
     EXPECT_EQ(0, result.mExitCode) << result.mErrors;
-    EXPECT_EQ("{\n  \"hexadecimal\": \"#ff8000\",\n  \"rgb\": {\"r\": 255, \"g\": 128, \"b\": 0},\n"
-              "  \"ire\": {\"luma\": 59.4, \"chroma\": 46.1, \"lumaMillivolts\": 424.0, \"chromaMillivolts\": 329.2}\n}\n",
-              result.mOutput);
+    EXPECT_EQ(
+        "{\n  \"hexadecimal\": \"#ff8000\",\n  \"rgb\": {\"r\": 255, \"g\": 128, \"b\": 0},\n"
+        "  \"ire\": {\"luma\": 59.4, \"chroma\": 46.1, \"lumaMillivolts\": 424.0, \"chromaMillivolts\": 329.2}\n}\n",
+        result.mOutput);
 }
 
 TEST(OrlColour, WhatCannotBeRead_IsAMistakeOfTheCommandLine)
@@ -78,7 +79,8 @@ TEST(OrlColour, WhatCannotBeRead_IsAMistakeOfTheCommandLine)
         {__LINE__, {"#-f8000"}, "orl: colour: cannot read \"#-f8000\": # and six hexadecimal digits are needed\n"},
         {__LINE__,
          {"1,2"},
-         "orl: colour: cannot read \"1,2\": rgb is three numbers, separated by commas, or # and six hexadecimal digits\n"},
+         "orl: colour: cannot read \"1,2\": rgb is three numbers, separated by commas, or # and six hexadecimal "
+         "digits\n"},
         {__LINE__, {"1,2,256"}, "orl: colour: cannot read \"1,2,256\": b is a whole number from 0 to 255\n"},
         {__LINE__, {"1,2.5,3"}, "orl: colour: cannot read \"1,2.5,3\": g is a whole number from 0 to 255\n"},
         {__LINE__, {"1,,3"}, "orl: colour: cannot read \"1,,3\": g is not a number\n"},
@@ -86,10 +88,9 @@ TEST(OrlColour, WhatCannotBeRead_IsAMistakeOfTheCommandLine)
         {__LINE__,
          {"0,0,361", "--from", "hsl"},
          "orl: colour: cannot read \"0,0,361\": l is a whole number from 0 to 100\n"},
+        {__LINE__, {"0,0,0.6", "--from", "ypbpr"}, "orl: colour: cannot read \"0,0,0.6\": pr is from -0.5 to 0.5\n"},
         {__LINE__,
-         {"0,0,0.6", "--from", "ypbpr"},
-         "orl: colour: cannot read \"0,0,0.6\": pr is from -0.5 to 0.5\n"},
-        {__LINE__, {"#000000", "--from", "hsl"},
+         {"#000000", "--from", "hsl"},
          "orl: colour: cannot read \"#000000\": hsl is three numbers, separated by commas\n"},
     };
     for (const auto& row : rows) {

@@ -81,11 +81,12 @@ TEST_F(OrlHash, Json_IsACollectionByFile)
     const ProcessResult result = Hash({"--json", file, (mFolder.Host() / "gone").u8string()});
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_EQ(0u, result.mOutput.find("{\n  \"")) << result.mOutput;
-    EXPECT_NE(std::string::npos,
-              result.mOutput.find("file\": [\n    {\"key\":\"__Success\",\"value\":\"True\"},\n"
-                                  "    {\"key\":\"__Results\",\"value\":\"" + ExpectedWords("bytes") + "\"}\n  ]"))
+    EXPECT_NE(std::string::npos, result.mOutput.find("file\": [\n    {\"key\":\"__Success\",\"value\":\"True\"},\n"
+                                                     "    {\"key\":\"__Results\",\"value\":\""
+                                                     + ExpectedWords("bytes") + "\"}\n  ]"))
         << result.mOutput;
-    EXPECT_NE(std::string::npos, result.mOutput.find("gone\": [\n    {\"key\":\"__Error\",\"value\":\"hash: cannot read "))
+    EXPECT_NE(std::string::npos,
+              result.mOutput.find("gone\": [\n    {\"key\":\"__Error\",\"value\":\"hash: cannot read "))
         << result.mOutput;
 }
 

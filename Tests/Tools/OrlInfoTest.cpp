@@ -177,7 +177,8 @@ TEST(OrlInfo, OfTheMachine_ShowsProcessorsMemoryLoadAndProcessClock)
     EXPECT_LE(load, 100);
     EXPECT_GE(std::stoi(Row(result.mOutput, "process clock")), 150) << "the load is taken over 200 ms";
     const ProcessResult json = Orl({"info", "--json"});
-    EXPECT_NE(std::string::npos, json.mOutput.find("\"processors\": " + std::to_string(ORL::SystemInfo::GetCPUCount())));
+    EXPECT_NE(std::string::npos,
+              json.mOutput.find("\"processors\": " + std::to_string(ORL::SystemInfo::GetCPUCount())));
     EXPECT_NE(std::string::npos,
               json.mOutput.find("\"physicalMemory\": " + std::to_string(ORL::SystemInfo::GetTotalPhysicalMemory())));
     for (const char* name : {"availableMemory", "virtualMemory", "loadPercent", "processClockMilliseconds"}) {

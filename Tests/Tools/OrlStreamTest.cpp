@@ -149,9 +149,11 @@ TEST_F(OrlStream, SecondFileMissing_StillShowsTheFirst)
 
 TEST_F(OrlStream, CommandLineThatMakesNoSense_EndsWith2)
 {
-    const std::vector<std::vector<std::string>> lines = {
-        {"stream"}, {"stream", "--depth", "0", "x"}, {"stream", "--depth", "2049", "x"}, {"stream", "--block", "0", "x"},
-        {"stream", "--nonsense", "x"}};
+    const std::vector<std::vector<std::string>> lines = {{"stream"},
+                                                         {"stream", "--depth", "0", "x"},
+                                                         {"stream", "--depth", "2049", "x"},
+                                                         {"stream", "--block", "0", "x"},
+                                                         {"stream", "--nonsense", "x"}};
     for (const std::vector<std::string>& line : lines) {
         const ProcessResult result = Orl(line);
         EXPECT_EQ(2, result.mExitCode) << line.back();
@@ -243,7 +245,7 @@ TEST_F(OrlStream, FilesThatFail_EachHaveTheirLineAndTheOthersAreStreamed)
     EXPECT_NE(std::string::npos, result.mOutput.find(CRC("first"))) << result.mOutput;
     EXPECT_NE(std::string::npos, result.mOutput.find(CRC("last"))) << result.mOutput;
     EXPECT_EQ("orl: stream: cannot open \"" + Host("missing.mov") + "\": there is no such file\n"
-              + "orl: stream: cannot open \"" + Host("folder") + "\": it is a directory\n",
+                  + "orl: stream: cannot open \"" + Host("folder") + "\": it is a directory\n",
               result.mErrors);
 }
 
@@ -253,8 +255,8 @@ TEST_F(OrlStream, PathOfFourThousandCharacters_IsStreamedOrCalledMissing)
     while (folder.size() < 3800) {
         folder += UTF16String(1, '\\') + UTF16String(99, 'd');
     }
-    const UTF16String path = ORL::PathUtils::ToNormalizedPath(folder + UTF16String(1, '\\')
-                                                              + UTF16String(3999 - folder.size(), 'x'));
+    const UTF16String path =
+        ORL::PathUtils::ToNormalizedPath(folder + UTF16String(1, '\\') + UTF16String(3999 - folder.size(), 'x'));
     const std::string argument(path.begin(), path.end());
     const ProcessResult missing = Orl({"stream", argument});
     EXPECT_EQ(1, missing.mExitCode);

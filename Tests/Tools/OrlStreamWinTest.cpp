@@ -20,8 +20,8 @@ TEST(OrlStreamWin, FileThatAnotherKeepsToItself_IsSaidOnOneLineAndTheOthersAreSt
     const TempFolder folder;
     folder.MakeFile("held.mov", "held");
     folder.MakeFile("clip.mov", "123456789");
-    const HANDLE holder = ::CreateFileW((folder.Host() / "held.mov").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
-                                        nullptr);
+    const HANDLE holder =
+        ::CreateFileW((folder.Host() / "held.mov").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(INVALID_HANDLE_VALUE, holder);
     const ProcessResult result = RunBesideThisProgram(
         "orl", {"stream", (folder.Host() / "held.mov").u8string(), (folder.Host() / "clip.mov").u8string()});

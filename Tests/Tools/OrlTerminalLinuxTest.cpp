@@ -73,7 +73,9 @@ public:
 
     void SetColumns(unsigned short inColumns) const
     {
-        struct winsize size{};
+        struct winsize size
+        {
+        };
         size.ws_col = inColumns;
         size.ws_row = 24;
         ASSERT_EQ(0, ::ioctl(mMaster, TIOCSWINSZ, &size));
@@ -177,8 +179,11 @@ TEST_F(OrlTerminal, Colour_ShowsAPatchWhereTheTerminalShowsColours)
         const char* mNoColor;
         bool mShows;
     } rows[] = {
-        {__LINE__, "xterm-256color", nullptr, true}, {__LINE__, "dumb", nullptr, false}, {__LINE__, "", nullptr, false},
-        {__LINE__, "xterm", "1", false},             {__LINE__, "xterm", "", true},
+        {__LINE__, "xterm-256color", nullptr, true},
+        {__LINE__, "dumb", nullptr, false},
+        {__LINE__, "", nullptr, false},
+        {__LINE__, "xterm", "1", false},
+        {__LINE__, "xterm", "", true},
     };
     for (const auto& each : rows) {
         ::setenv("TERM", each.mTerm, 1);

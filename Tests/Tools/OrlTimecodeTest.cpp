@@ -69,7 +69,8 @@ TEST(OrlTimecode, Show_GivesTheLabelOfAFrameCount)
 TEST(OrlTimecode, Parse_GivesLabelCountAndSeconds)
 {
     const Row rows[] = {
-        {__LINE__, {"parse", "1:00;00.00", "--rate", "29.97", "--format", "2997drop"},
+        {__LINE__,
+         {"parse", "1:00;00.00", "--rate", "29.97", "--format", "2997drop"},
          "01;00;00;00  107892 frames  3599.9964 s\n"},
         {__LINE__, {"parse", "1234", "--format", "25"}, "00:00:13:09  334 frames  13.36 s\n"},
         {__LINE__, {"parse", ":1234", "--format", "25"}, "00:00:49:09  1234 frames  49.36 s\n"},
@@ -109,7 +110,8 @@ TEST(OrlTimecode, Convert_GivesTheLabelAtTheSameTime)
         {__LINE__, {"convert", "01:00:00:00", "--from", "25", "--to", "2997drop"}, "01;00;00;00\n"},
         {__LINE__, {"convert", "01:00:00:00", "--from", "25", "--to", "2997nondrop"}, "00:59:56:12\n"},
         {__LINE__, {"convert", "00:00:01:12", "--from", "24", "--to", "samples"}, "00:00:01:24000\n"},
-        {__LINE__, {"convert", "00:00:01:12", "--from", "24", "--to", "samples", "--to-rate", "44100"},
+        {__LINE__,
+         {"convert", "00:00:01:12", "--from", "24", "--to", "samples", "--to-rate", "44100"},
          "00:00:01:22050\n"},
         {__LINE__, {"convert", "48", "--from", "frames", "--from-rate", "24", "--to", "ms"}, "00:00:02.000\n"},
         {__LINE__, {"convert", "00;01;00;02", "--to", "35mm", "--to-rate", "29.97"}, "112+08\n"},
@@ -155,35 +157,43 @@ TEST(OrlTimecode, UnreadableText_ShowsWhereReadingStoppedAndEndsWith1)
         const char* mErrors;
     };
     const Unreadable rows[] = {
-        {__LINE__, {"parse", "1::2"},
+        {__LINE__,
+         {"parse", "1::2"},
          "orl: tc parse: cannot read \"1::2\": \":\" does not fit here, at character 3\n"
          "  \"1::2\"\n"
          "     ^\n"},
-        {__LINE__, {"parse", "1:2:3:4:5"},
+        {__LINE__,
+         {"parse", "1:2:3:4:5"},
          "orl: tc parse: cannot read \"1:2:3:4:5\": \"5\" does not fit here, at character 9\n"
          "  \"1:2:3:4:5\"\n"
          "           ^\n"},
-        {__LINE__, {"parse", "+"},
+        {__LINE__,
+         {"parse", "+"},
          "orl: tc parse: cannot read \"+\": a number is missing, at character 2\n"
          "  \"+\"\n"
          "    ^\n"},
-        {__LINE__, {"parse", "12\xC3\xA9"},
+        {__LINE__,
+         {"parse", "12\xC3\xA9"},
          "orl: tc parse: cannot read \"12\xC3\xA9\": \"\xC3\xA9\" does not fit here, at character 3\n"
          "  \"12\xC3\xA9\"\n"
          "     ^\n"},
-        {__LINE__, {"parse", "123456789", "--format", "16mm"},
+        {__LINE__,
+         {"parse", "123456789", "--format", "16mm"},
          "orl: tc parse: cannot read \"123456789\": \"9\" does not fit here, at character 9\n"
          "  \"123456789\"\n"
          "           ^\n"},
-        {__LINE__, {"show", "12.5"},
+        {__LINE__,
+         {"show", "12.5"},
          "orl: tc show: cannot read \"12.5\": \".\" does not fit here, at character 3\n"
          "  \"12.5\"\n"
          "     ^\n"},
-        {__LINE__, {"add", "00;00;59;29", "1f"},
+        {__LINE__,
+         {"add", "00;00;59;29", "1f"},
          "orl: tc add: cannot read \"1f\": \"f\" does not fit here, at character 2\n"
          "  \"1f\"\n"
          "    ^\n"},
-        {__LINE__, {"convert", "1:20", "--from", "frames", "--to", "25"},
+        {__LINE__,
+         {"convert", "1:20", "--from", "frames", "--to", "25"},
          "orl: tc convert: cannot read \"1:20\": \":\" does not fit here, at character 2\n"
          "  \"1:20\"\n"
          "    ^\n"},

@@ -267,7 +267,8 @@ TEST_F(DeepTrees, Listing_WithoutADescriptor_ThrowsAndIsNeverCut)
     const std::size_t whole = List(From()).size();
     const FewDescriptors few;
     for (unsigned left = 0; left <= 4; ++left) {
-        std::exception_ptr thrown; // outlives the shortage: the undefined behaviour sanitizer needs descriptors to check it
+        std::exception_ptr
+            thrown; // outlives the shortage: the undefined behaviour sanitizer needs descriptors to check it
         const NearlyAllDescriptors held(left);
         try {
             EXPECT_EQ(whole, List(From()).size()) << left;

@@ -67,8 +67,8 @@ TEST(DirectoryOnLinux, NamesWithEveryByte_AreListedAndComeBack)
             continue;
         }
         const char character = static_cast<char>(byte);
-        for (const std::string& name : {std::string(1, character) + "x", std::string("x") + character + "y",
-                                        std::string("x") + character}) {
+        for (const std::string& name :
+             {std::string(1, character) + "x", std::string("x") + character + "y", std::string("x") + character}) {
             names.insert(name);
         }
     }
@@ -233,8 +233,8 @@ TEST(DirectoryFaults, EachCallOfAListingFailsOnce_ListsWhatIsThereOrThrows)
     folder.MakeFile("d/e/f");
     folder.MakeFile("g");
     const std::set<std::string> all{"d", "d/e", "d/e/f", "g"};
-    for (const FaultySystemCalls::Call call :
-         {FaultySystemCalls::kOpen, FaultySystemCalls::kGetDents, FaultySystemCalls::kStatx, FaultySystemCalls::kClose}) {
+    for (const FaultySystemCalls::Call call : {FaultySystemCalls::kOpen, FaultySystemCalls::kGetDents,
+                                               FaultySystemCalls::kStatx, FaultySystemCalls::kClose}) {
         for (const int error : {EACCES, EIO, ENOMEM, ENOENT, EMFILE, EINTR}) {
             for (unsigned number = 1;; ++number) {
                 FaultySystemCalls calls;
@@ -243,7 +243,8 @@ TEST(DirectoryFaults, EachCallOfAListingFailsOnce_ListsWhatIsThereOrThrows)
                     const std::set<std::string> names = HostNames(folder, List(folder.Path()));
                     EXPECT_TRUE(std::includes(all.begin(), all.end(), names.begin(), names.end()));
                     // Only entries that are unreadable or gone may be missing without a report.
-                    EXPECT_TRUE(error == EACCES || error == ENOENT || names == all) << "call " << call << ", error " << error;
+                    EXPECT_TRUE(error == EACCES || error == ENOENT || names == all)
+                        << "call " << call << ", error " << error;
                 } catch (const eDirectoryNotListed&) {
                     EXPECT_NE(EINTR, error);
                 } catch (const eDirectoryNoLongerValid&) {
@@ -296,7 +297,8 @@ TEST(DirectoryFaults, AFolderThatIsOnlyAppendedTo_GetsNoProbe)
     const TempFolder folder;
     const Directory directory = Directory::ConstructDirectory(folder.Path());
     FaultySystemCalls calls;
-    calls.Underlying().mStatx = [](int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus) {
+    calls.Underlying().mStatx = [](int inFolder, const char* inPath, int inFlags, unsigned inMask,
+                                   struct statx* outStatus) {
         const int answer = Linux::kSystem.mStatx(inFolder, inPath, inFlags, inMask, outStatus);
         outStatus->stx_attributes |= STATX_ATTR_APPEND;
         return answer;
@@ -317,9 +319,9 @@ TEST(DirectoryFaults, Delete_GivesTheCodeOfEachError)
         Result mResult;
     };
     const Row rows[] = {
-        {__LINE__, EACCES, kAccessDenied},     {__LINE__, EPERM, kAccessDenied},      {__LINE__, ENOENT, kFileNotFound},
-        {__LINE__, ENOTEMPTY, kGeneralFailure}, {__LINE__, EBUSY, kGeneralFailure},   {__LINE__, ENOSPC, kDiskFull},
-        {__LINE__, ENOTDIR, kGeneralFailure},  {__LINE__, EROFS, kGeneralFailure},
+        {__LINE__, EACCES, kAccessDenied},      {__LINE__, EPERM, kAccessDenied},   {__LINE__, ENOENT, kFileNotFound},
+        {__LINE__, ENOTEMPTY, kGeneralFailure}, {__LINE__, EBUSY, kGeneralFailure}, {__LINE__, ENOSPC, kDiskFull},
+        {__LINE__, ENOTDIR, kGeneralFailure},   {__LINE__, EROFS, kGeneralFailure},
     };
     for (const Row& row : rows) {
         FaultySystemCalls calls;

@@ -6,8 +6,8 @@
 // platform function does this; ff20, because the order of a listing is unspecified. vo3, vo6, vo9 and vo10 query
 // volumes by a path that is not a root; the platform functions use roots only, because on Linux a folder stands for the
 // file system that contains it.
-#include <FileSupport.h>
 #include "SystemProbes.h"
+#include <FileSupport.h>
 
 #include <ORLDirectory.h>
 #include <Platform/Directory.h>
@@ -54,7 +54,8 @@ public:
     {
         using namespace Files::Platform;
         Handle folder = nullptr;
-        EXPECT_EQ(0u, CreateFile_Impl(Extended(inName), kGenericRead, inShare, kOpenExisting, kFlagBackupSemantics, folder));
+        EXPECT_EQ(
+            0u, CreateFile_Impl(Extended(inName), kGenericRead, inShare, kOpenExisting, kFlagBackupSemantics, folder));
         const SystemError error = RemoveDirectory_Impl(Extended(inName));
         CloseFile_Impl(folder);
         return error;
@@ -108,10 +109,8 @@ unsigned long Volume(const UTF16String& inRoot, unsigned long inWhich)
         EXPECT_EQ(error == 0, sector >= 512);
         return error;
     }
-    case 1:
-        return DiskUtils::Platform::GetFreeSpace_Impl(volume, bytes);
-    default:
-        return DiskUtils::Platform::GetFileSystemName_Impl(volume, name);
+    case 1: return DiskUtils::Platform::GetFreeSpace_Impl(volume, bytes);
+    default: return DiskUtils::Platform::GetFileSystemName_Impl(volume, name);
     }
 }
 
@@ -126,6 +125,7 @@ unsigned long AllOf(const UTF16String& inRoot)
 // The HRESULT of the path service for "path not found".
 constexpr unsigned long kNoWay = 0x80070003;
 
+// clang-format off
 const Situation kRemoving[] = {
     {"rd01", "not empty", {145}, [](const Folder& s) { return RemoveDirectory_Impl(s.Extended(u"dir")); }},
     {"rd02", "a file", {267}, [](const Folder& s) { return RemoveDirectory_Impl(s.Extended(u"f.txt")); }},
@@ -160,8 +160,10 @@ const Situation kKinds[] = {
          return Kind(path);
      }},
 };
+// clang-format on
 
 // Each situation returns 1 if the entry is found, or the error number of a listing that cannot be opened.
+// clang-format off
 const Situation kFinding[] = {
     {"ff01", "missing", {0}, [](const Folder& s) { return FindEntry_Impl(s.Plain(u"no")); }},
     {"ff02", "in a missing folder", {0}, [](const Folder& s) { return FindEntry_Impl(s.Plain(u"no\\no")); }},
@@ -248,6 +250,7 @@ const Situation kPreparing[] = {
     {"pw7", "new below new, extended", {0}, [](const Folder& s) { return PrepareForWrite_Impl(s.Extended(u"new\\deep\\")) + (s.Has("new/deep") ? 0u : 1u); }},
     {"pw9", "new without separator", {0}, [](const Folder& s) { return PrepareForWrite_Impl(s.Plain(u"new")) + (s.Has("new") ? 0u : 1u); }},
 };
+// clang-format on
 
 template <std::size_t Count>
 void Expect(const Situation (&inSituations)[Count])
@@ -264,9 +267,27 @@ void Expect(const Situation (&inSituations)[Count])
 
 } // namespace
 
-TEST(DirectorySituations, Removing_AnswersAsAtHome) { Expect(kRemoving); }
-TEST(DirectorySituations, Kinds_AreThoseAtHome) { Expect(kKinds); }
-TEST(DirectorySituations, Finding_AnswersAsAtHome) { Expect(kFinding); }
-TEST(DirectorySituations, Volumes_AnswerAsAtHome) { Expect(kVolumes); }
-TEST(DirectorySituations, TheShell_AnswersAsAtHome) { Expect(kShell); }
-TEST(DirectorySituations, Preparing_AnswersAsAtHome) { Expect(kPreparing); }
+TEST(DirectorySituations, Removing_AnswersAsAtHome)
+{
+    Expect(kRemoving);
+}
+TEST(DirectorySituations, Kinds_AreThoseAtHome)
+{
+    Expect(kKinds);
+}
+TEST(DirectorySituations, Finding_AnswersAsAtHome)
+{
+    Expect(kFinding);
+}
+TEST(DirectorySituations, Volumes_AnswerAsAtHome)
+{
+    Expect(kVolumes);
+}
+TEST(DirectorySituations, TheShell_AnswersAsAtHome)
+{
+    Expect(kShell);
+}
+TEST(DirectorySituations, Preparing_AnswersAsAtHome)
+{
+    Expect(kPreparing);
+}

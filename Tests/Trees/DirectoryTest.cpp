@@ -151,7 +151,9 @@ TEST_F(DirectoryTest, RecursiveListing_ADirectoryFollowsWhatItHolds)
     mFolder.MakeFile("h");
     const Strings names = Names(Paths(true));
     ASSERT_EQ(5u, names.size());
-    const auto at = [&names](const char* inName) { return std::find(names.begin(), names.end(), inName) - names.begin(); };
+    const auto at = [&names](const char* inName) {
+        return std::find(names.begin(), names.end(), inName) - names.begin();
+    };
     EXPECT_LT(at("d/e/f"), at("d/e"));
     EXPECT_LT(at("d/e"), at("d"));
     EXPECT_LT(at("d/g"), at("d"));

@@ -120,9 +120,8 @@ TEST_F(DirectoryTreesOnLinux, Copy_KeepsPermissionsAndReplacesReadOnlyFiles)
     ::chmod(Host("from/a").c_str(), 0440);
     ::chmod(Host("to/a").c_str(), 0440);
     ::chmod(Host("from/closed").c_str(), 0500);
-    RunUnprivileged(mFolder.Host(), [this] {
-        return Directory::Copy(From(), To()) == kSuccess && Read(Host("to"))["a"] == "new";
-    });
+    RunUnprivileged(mFolder.Host(),
+                    [this] { return Directory::Copy(From(), To()) == kSuccess && Read(Host("to"))["a"] == "new"; });
     struct stat status;
     ASSERT_EQ(0, ::stat(Host("to/a").c_str(), &status));
     EXPECT_EQ(0440u, status.st_mode & 0777);
@@ -137,8 +136,8 @@ TEST_F(DirectoryTreesOnLinux, FoldersWithoutPermission_StayAndFail)
     mFolder.MakeFile("from/closed/f", "F");
     RunUnprivileged(mFolder.Host(), [this] {
         ::chmod(Host("from/closed").c_str(), 0);
-        const bool refused = Directory::DeleteNotEmpty(From()) == kGeneralFailure
-                             && Directory::Copy(From(), To()) == kGeneralFailure;
+        const bool refused =
+            Directory::DeleteNotEmpty(From()) == kGeneralFailure && Directory::Copy(From(), To()) == kGeneralFailure;
         ::chmod(Host("from/closed").c_str(), 0500);
         const bool refusedToo = Directory::DeleteNotEmpty(From()) == kGeneralFailure;
         ::chmod(Host("from/closed").c_str(), 0700);
@@ -191,10 +190,9 @@ TEST_F(DirectoryTreesOnLinux, AFileThatAnotherProcessHolds_Stays)
     char byte = 'x';
     if (child == 0) {
         File file;
-        const Result result = file.Create(mFolder.Path(u"from\\f"), FileAccessFlags::kFileAccess_Read,
-                                          static_cast<FileShareModeFlags::Type>(0),
-                                          FileCreateDispositionFlags::kFileCreate_OpenExisting,
-                                          FileAttributesFlags::kFileAttribute_Normal, true);
+        const Result result = file.Create(
+            mFolder.Path(u"from\\f"), FileAccessFlags::kFileAccess_Read, static_cast<FileShareModeFlags::Type>(0),
+            FileCreateDispositionFlags::kFileCreate_OpenExisting, FileAttributesFlags::kFileAttribute_Normal, true);
         ::close(done[1]);
         const bool isTold = ::write(ready[1], &byte, 1) == 1;
         const ssize_t end = ::read(done[0], &byte, 1);
@@ -227,7 +225,8 @@ TEST_F(DirectoryTreesOnLinux, ATreeOf100000Entries_IsCopiedMovedAndWiped)
         }
     }
     const auto count = [&folder](const std::string& inName) {
-        return std::distance(fs::recursive_directory_iterator(folder.Host() / inName), fs::recursive_directory_iterator());
+        return std::distance(fs::recursive_directory_iterator(folder.Host() / inName),
+                             fs::recursive_directory_iterator());
     };
     EXPECT_EQ(kSuccess, Directory::Copy(folder.Path(u"from"), folder.Path(u"to")));
     EXPECT_EQ(100000, count("to"));

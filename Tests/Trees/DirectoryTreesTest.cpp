@@ -181,8 +181,8 @@ TEST_F(DirectoryTrees, ExtendedPaths_AreReportedAndRefused)
         {__LINE__, &Directory::Copy, true, true},
         {__LINE__, &Directory::Move, true, false},
         {__LINE__, &Directory::Move, false, true},
-        {__LINE__, [](const UTF16String& inPath, const UTF16String&) { return Directory::DeleteNotEmpty(inPath); }, true,
-         false},
+        {__LINE__, [](const UTF16String& inPath, const UTF16String&) { return Directory::DeleteNotEmpty(inPath); },
+         true, false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row at line " + std::to_string(row.mLine));
@@ -191,7 +191,10 @@ TEST_F(DirectoryTrees, ExtendedPaths_AreReportedAndRefused)
                                                 row.mIsDestination ? Extended(To()) : To()));
         const auto reports = recorder.Reports(CheckReport::kAssert);
         ASSERT_EQ(1u, reports.size());
-        ExpectReport(reports[0]).Expression("false").Message("UNC paths are not supported by SHFileOperation!").Function("ORL::`anonymous-namespace'::FileOperation");
+        ExpectReport(reports[0])
+            .Expression("false")
+            .Message("UNC paths are not supported by SHFileOperation!")
+            .Function("ORL::`anonymous-namespace'::FileOperation");
     }
     EXPECT_EQ(mTree, Read("from"));
     EXPECT_FALSE(Exists("to"));

@@ -1,11 +1,11 @@
 // Tests operations on paths whose host path exceeds the kernel's 4095 bytes: everything works as for short paths.
 #include <FileSupport.h>
 
+#include <Files/AsyncFileReaderImpl.h>
 #include <ORLAsyncFileReader.h>
 #include <ORLDirectory.h>
 #include <ORLDiskUtils.h>
 #include <ORLPathUtils.h>
-#include <Files/AsyncFileReaderImpl.h>
 #include <Platform/File.h>
 #include <SystemProbes.h>
 

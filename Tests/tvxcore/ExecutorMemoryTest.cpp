@@ -90,7 +90,8 @@ TEST(ExecutorMemory, RepeatedFunctionThatFindsNoMemory_RunsAgainAfterTheDelay)
     const ExecutorPointer executor = Make();
     std::atomic<int> runs{0};
     {
-        const RepeatDelayFunction repeat(executor, [&runs] { ++runs; }, 10);
+        const RepeatDelayFunction repeat(
+            executor, [&runs] { ++runs; }, 10);
         {
             AllocationFaults::Plan plan = Refuse(1, 1);
             plan.mOfThisThreadOnly = false;

@@ -1,10 +1,10 @@
 #include <CheckRecorder.h>
 #include <CurrentThread.h>
 #include <Executors/ExecutorCore.h>
+#include <Executors/ThreadedExecutor.h>
 #include <ExpectReport.h>
 #include <ProcessThreads.h>
 #include <Signals.h>
-#include <Executors/ThreadedExecutor.h>
 #include <tvxcore/Executor.h>
 
 #include <gtest/gtest.h>
@@ -22,12 +22,12 @@
 #include <vector>
 
 using namespace tvxcore::threads;
-using ORLTest::CheckRecorder;
-using ORLTest::CheckReport;
-using ORLTest::ExpectReport;
-using ORLTest::Event;
 using ORLTest::Barrier;
 using ORLTest::BlockingList;
+using ORLTest::CheckRecorder;
+using ORLTest::CheckReport;
+using ORLTest::Event;
+using ORLTest::ExpectReport;
 
 namespace {
 
@@ -52,7 +52,12 @@ void Drain(AsyncExecutor& ioExecutor)
     Barrier all(threads + 1);
     BlockingList<int> left;
     for (std::size_t i = 0; i < threads; ++i) {
-        ASSERT_TRUE(ioExecutor.QueueFunction([&] { all.Join(); left.Add(0); }, 0));
+        ASSERT_TRUE(ioExecutor.QueueFunction(
+            [&] {
+                all.Join();
+                left.Add(0);
+            },
+            0));
     }
     all.Join();
     left.WaitFor(threads);
@@ -101,10 +106,12 @@ TEST(Executor, ThreeThreads_StartFunctionsInTheirOrder)
     BlockingList<int> started;
     std::vector<Event> mayEnd(kFunctions);
     for (int i = 0; i < kFunctions; ++i) {
-        executor->QueueFunction([&, i] {
-            started.Add(i);
-            mayEnd[static_cast<std::size_t>(i)].Wait();
-        }, 0);
+        executor->QueueFunction(
+            [&, i] {
+                started.Add(i);
+                mayEnd[static_cast<std::size_t>(i)].Wait();
+            },
+            0);
     }
     for (int i = 0; i < kFunctions; ++i) {
         const std::size_t running = static_cast<std::size_t>(std::min(i + kThreads, kFunctions));
@@ -179,14 +186,16 @@ TEST(Executor, ProducersOnManyThreads_KeepTheirOwnOrderAndLoseNothing)
         for (int producer = 0; producer < kProducers; ++producer) {
             producers.emplace_back([&, producer] {
                 for (int i = 0; i < kEach; ++i) {
-                    executor->QueueFunction([&, producer, i] {
-                        ++seen[static_cast<std::size_t>(producer * kEach + i)];
-                        if (threads == 1) {
-                            int& previous = last[static_cast<std::size_t>(producer)];
-                            isInOrder = isInOrder && previous == i - 1;
-                            previous = i;
-                        }
-                    }, 0);
+                    executor->QueueFunction(
+                        [&, producer, i] {
+                            ++seen[static_cast<std::size_t>(producer * kEach + i)];
+                            if (threads == 1) {
+                                int& previous = last[static_cast<std::size_t>(producer)];
+                                isInOrder = isInOrder && previous == i - 1;
+                                previous = i;
+                            }
+                        },
+                        0);
                 }
             });
         }
@@ -238,7 +247,12 @@ TEST(Executor, FunctionThatThrows_IsReportedAsAWarningAndItsThreadGoesOn)
     const ExecutorPointer executor = CreateAsyncThreadedExecutor("Name", 1, 3, Function(), Function());
     std::thread::id first;
     std::thread::id last;
-    executor->QueueFunction([&first] { first = std::this_thread::get_id(); throw std::runtime_error("reason"); }, 0);
+    executor->QueueFunction(
+        [&first] {
+            first = std::this_thread::get_id();
+            throw std::runtime_error("reason");
+        },
+        0);
     executor->QueueFunction([] { throw 17; }, 0);
     executor->QueueFunction([&last] { last = std::this_thread::get_id(); }, 0);
     Stop(*executor);
@@ -246,9 +260,11 @@ TEST(Executor, FunctionThatThrows_IsReportedAsAWarningAndItsThreadGoesOn)
     EXPECT_NE(std::thread::id(), last);
     const std::vector<CheckReport> errors = recorder.Reports(CheckReport::kError);
     ASSERT_EQ(2u, errors.size());
-    ExpectReport(errors[0]).Expression("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: reason");
-    ExpectReport(errors[1]).Expression("$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: an exception of no "
-              "standard type");
+    ExpectReport(errors[0]).Expression(
+        "$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: reason");
+    ExpectReport(errors[1]).Expression(
+        "$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"Name\" has thrown: an exception of no "
+        "standard type");
     for (const CheckReport& error : errors) {
         EXPECT_EQ(1, error.mLevel);
         EXPECT_EQ(110u, error.mPackage);
@@ -290,7 +306,12 @@ TEST(Executor, PausedByARunningFunction_HoldsBackTheNextOne)
     Event isPaused;
     std::atomic<bool> secondRan{false};
     bool ranBeforeResume = true;
-    executor->QueueFunction([&] { executor->Pause(); isPaused.Set(); }, 0);
+    executor->QueueFunction(
+        [&] {
+            executor->Pause();
+            isPaused.Set();
+        },
+        0);
     executor->QueueFunction([&] { secondRan = true; }, 0);
     isPaused.Wait();
     ranBeforeResume = secondRan;
@@ -319,12 +340,14 @@ TEST(Executor, BlockWhilePaused_IsEndedByResumeAndByTermination)
         std::atomic<bool> isEnding{false};
         bool wasEndingWhenReleased = false;
         Event isRunning;
-        executor->QueueFunction([&] {
-            executor->Pause();
-            isRunning.Set();
-            executor->BlockWhilePaused();
-            wasEndingWhenReleased = isEnding;
-        }, 0);
+        executor->QueueFunction(
+            [&] {
+                executor->Pause();
+                isRunning.Set();
+                executor->BlockWhilePaused();
+                wasEndingWhenReleased = isEnding;
+            },
+            0);
         isRunning.Wait();
         isEnding = true;
         if (byTermination) {
@@ -344,10 +367,12 @@ TEST(Executor, TerminationRequested_RunsWhatIsQueuedAndRefusesTheRest)
         std::atomic<int> done{0};
         Event mayEnd;
         bool isTakenFromInside = true;
-        executor->QueueFunction([&] {
-            mayEnd.Wait();
-            isTakenFromInside = executor->QueueFunction([&done] { ++done; }, 0);
-        }, 0);
+        executor->QueueFunction(
+            [&] {
+                mayEnd.Wait();
+                isTakenFromInside = executor->QueueFunction([&done] { ++done; }, 0);
+            },
+            0);
         for (int i = 0; i < 100; ++i) {
             executor->QueueFunction([&done] { ++done; }, 0);
         }
@@ -383,13 +408,15 @@ TEST(Executor, StopOnAnOwnThread_ReturnsAtOnceAndIsAStop)
     Event returned;
     bool isTerminatedBefore = true;
     bool isTerminatedAfter = false;
-    executor->QueueFunction([&] {
-        executor->WaitForTermination();
-        isTerminatedBefore = executor->IsTerminated();
-        Stop(*executor);
-        isTerminatedAfter = executor->IsTerminated();
-        returned.Set();
-    }, 0);
+    executor->QueueFunction(
+        [&] {
+            executor->WaitForTermination();
+            isTerminatedBefore = executor->IsTerminated();
+            Stop(*executor);
+            isTerminatedAfter = executor->IsTerminated();
+            returned.Set();
+        },
+        0);
     returned.Wait();
     executor->WaitForTermination();
     EXPECT_FALSE(isTerminatedBefore) << "waiting alone is no stop";
@@ -401,11 +428,19 @@ TEST(Executor, SeveralThreadsThatWaitForTheEnd_AllReturnAfterIt)
     const ExecutorPointer executor = Make(2);
     std::atomic<int> done{0};
     Event mayEnd;
-    executor->QueueFunction([&] { mayEnd.Wait(); ++done; }, 0);
+    executor->QueueFunction(
+        [&] {
+            mayEnd.Wait();
+            ++done;
+        },
+        0);
     BlockingList<int> seen;
     std::vector<std::thread> waiters;
     for (int i = 0; i < 3; ++i) {
-        waiters.emplace_back([&] { executor->WaitForTermination(); seen.Add(done); });
+        waiters.emplace_back([&] {
+            executor->WaitForTermination();
+            seen.Add(done);
+        });
     }
     executor->RequestTermination();
     mayEnd.Set();
@@ -456,8 +491,8 @@ TEST(Executor, StartAndEndFunctions_RunOnceOnEachThread)
 TEST(Executor, StartFunctionThatThrows_IsReportedAndTheThreadWorks)
 {
     const CheckRecorder recorder;
-    const ExecutorPointer executor =
-        CreateAsyncThreadedExecutor("hooks", 1, 3, [] { throw std::runtime_error("start"); }, Function());
+    const ExecutorPointer executor = CreateAsyncThreadedExecutor(
+        "hooks", 1, 3, [] { throw std::runtime_error("start"); }, Function());
     Event done;
     executor->QueueFunction([&done] { done.Set(); }, 0);
     done.Wait();
@@ -488,10 +523,12 @@ TEST(Executor, LastReferenceDroppedOnAnOwnThread_DoesNotWaitForItself)
         Event mayDrop;
         const boost::weak_ptr<AsyncThreadedExecutor> watch(executor);
         AsyncThreadedExecutor& queue = *executor;
-        queue.QueueFunction([&mayDrop, &done, owner = executor]() mutable {
-            mayDrop.Wait();
-            done.Add(0);
-        }, 0);
+        queue.QueueFunction(
+            [&mayDrop, &done, owner = executor]() mutable {
+                mayDrop.Wait();
+                done.Add(0);
+            },
+            0);
         queue.QueueFunction([&done] { done.Add(1); }, 0);
         executor.reset();
         mayDrop.Set();

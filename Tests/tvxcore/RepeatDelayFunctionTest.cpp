@@ -1,7 +1,7 @@
 #include <CheckRecorder.h>
 #include <Executors/CoreClock.h>
-#include <ProcessThreads.h>
 #include <Executors/RepeatTimer.h>
+#include <ProcessThreads.h>
 #include <Signals.h>
 #include <tvxcore/Executor.h>
 
@@ -42,7 +42,12 @@ void Drain(AsyncExecutor& ioExecutor)
 {
     Barrier both(2);
     Event left;
-    ASSERT_TRUE(ioExecutor.QueueFunction([&] { both.Join(); left.Set(); }, 0));
+    ASSERT_TRUE(ioExecutor.QueueFunction(
+        [&] {
+            both.Join();
+            left.Set();
+        },
+        0));
     both.Join();
     left.Wait();
 }
@@ -81,7 +86,8 @@ protected:
 
 TEST_F(RepeatDelayFunctionTest, RunsFirstAfterTheDelayAndThenAgainAndAgain)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     AdvanceAndDrain(9);
     EXPECT_EQ(0, mRuns);
     AdvanceAndDrain(1);
@@ -94,7 +100,8 @@ TEST_F(RepeatDelayFunctionTest, RunsFirstAfterTheDelayAndThenAgainAndAgain)
 
 TEST_F(RepeatDelayFunctionTest, LateTurns_DoNotShiftTheTimesThatFollow)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     AdvanceAndDrain(13);
     EXPECT_EQ(1, mRuns);
     AdvanceAndDrain(7);
@@ -103,7 +110,8 @@ TEST_F(RepeatDelayFunctionTest, LateTurns_DoNotShiftTheTimesThatFollow)
 
 TEST_F(RepeatDelayFunctionTest, TurnsThatWereMissed_AreNotMadeUpFor)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     AdvanceAndDrain(75);
     EXPECT_EQ(1, mRuns);
     AdvanceAndDrain(9);
@@ -114,7 +122,13 @@ TEST_F(RepeatDelayFunctionTest, TurnsThatWereMissed_AreNotMadeUpFor)
 
 TEST_F(RepeatDelayFunctionTest, RunLongerThanTheDelay_LeavesTheDelayBehindItself)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; mClock.Advance(35 * kMillisecond); }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor,
+        [this] {
+            ++mRuns;
+            mClock.Advance(35 * kMillisecond);
+        },
+        10);
     AdvanceAndDrain(10);
     EXPECT_EQ(1, mRuns);
     AdvanceAndDrain(9);
@@ -125,7 +139,8 @@ TEST_F(RepeatDelayFunctionTest, RunLongerThanTheDelay_LeavesTheDelayBehindItself
 
 TEST_F(RepeatDelayFunctionTest, SlowExecutor_NeverHasMoreThanOneTurn)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     mExecutor->Pause();
     for (int i = 0; i < 20; ++i) {
         mClock.Advance(10 * kMillisecond);
@@ -139,16 +154,26 @@ TEST_F(RepeatDelayFunctionTest, SlowExecutor_NeverHasMoreThanOneTurn)
 TEST_F(RepeatDelayFunctionTest, DelayOfZero_RunsAgainAsSoonAsItHasRun)
 {
     Event enough;
-    const RepeatDelayFunction repeat(mExecutor, [&] { if (++mRuns == 100) { enough.Set(); } }, 0);
+    const RepeatDelayFunction repeat(
+        mExecutor,
+        [&] {
+            if (++mRuns == 100) {
+                enough.Set();
+            }
+        },
+        0);
     enough.Wait();
 }
 
 TEST_F(RepeatDelayFunctionTest, SeveralFunctions_KeepTheirOwnTimes)
 {
     BlockingList<char> order;
-    const RepeatDelayFunction third(mExecutor, [&] { order.Add('c'); }, 30);
-    const RepeatDelayFunction first(mExecutor, [&] { order.Add('a'); }, 10);
-    const RepeatDelayFunction second(mExecutor, [&] { order.Add('b'); }, 20);
+    const RepeatDelayFunction third(
+        mExecutor, [&] { order.Add('c'); }, 30);
+    const RepeatDelayFunction first(
+        mExecutor, [&] { order.Add('a'); }, 10);
+    const RepeatDelayFunction second(
+        mExecutor, [&] { order.Add('b'); }, 20);
     for (int i = 0; i < 6; ++i) {
         AdvanceAndDrain(10);
     }
@@ -161,7 +186,13 @@ TEST_F(RepeatDelayFunctionTest, SeveralFunctions_KeepTheirOwnTimes)
 TEST_F(RepeatDelayFunctionTest, FunctionThatThrows_IsReportedAndRunsAgain)
 {
     const CheckRecorder recorder;
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; throw std::runtime_error("reason"); }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor,
+        [this] {
+            ++mRuns;
+            throw std::runtime_error("reason");
+        },
+        10);
     AdvanceAndDrain(10);
     AdvanceAndDrain(10);
     EXPECT_EQ(2, mRuns);
@@ -171,7 +202,8 @@ TEST_F(RepeatDelayFunctionTest, FunctionThatThrows_IsReportedAndRunsAgain)
 TEST_F(RepeatDelayFunctionTest, Destroyed_NeverRunsAgain)
 {
     {
-        const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+        const RepeatDelayFunction repeat(
+            mExecutor, [this] { ++mRuns; }, 10);
         AdvanceAndDrain(10);
     }
     AdvanceAndDrain(100);
@@ -184,11 +216,14 @@ TEST_F(RepeatDelayFunctionTest, DestroyedWhileRunning_ReturnsOnlyAfterTheRun)
         Event isRunning;
         Event mayEnd;
         std::atomic<bool> hasRun{false};
-        auto repeat = std::make_unique<RepeatDelayFunction>(mExecutor, [&] {
-            isRunning.Set();
-            mayEnd.Wait();
-            hasRun = true;
-        }, 10);
+        auto repeat = std::make_unique<RepeatDelayFunction>(
+            mExecutor,
+            [&] {
+                isRunning.Set();
+                mayEnd.Wait();
+                hasRun = true;
+            },
+            10);
         mClock.Advance(10 * kMillisecond);
         isRunning.Wait();
         bool hadRun = false;
@@ -208,11 +243,14 @@ TEST_F(RepeatDelayFunctionTest, DestroyedByItsOwnFunction_DoesNotWaitForItself)
     const std::weak_ptr<int> watch = life;
     std::unique_ptr<RepeatDelayFunction> repeat;
     bool livesInside = false;
-    repeat = std::make_unique<RepeatDelayFunction>(mExecutor, [&, life] {
-        ++mRuns;
-        repeat.reset();
-        livesInside = life != nullptr && !watch.expired();
-    }, 10);
+    repeat = std::make_unique<RepeatDelayFunction>(
+        mExecutor,
+        [&, life] {
+            ++mRuns;
+            repeat.reset();
+            livesInside = life != nullptr && !watch.expired();
+        },
+        10);
     life.reset();
     AdvanceAndDrain(10);
     AdvanceAndDrain(100);
@@ -226,7 +264,8 @@ TEST_F(RepeatDelayFunctionTest, DestroyedWithATurnInTheQueue_LetsTheFunctionGoAt
     auto life = std::make_shared<int>();
     const std::weak_ptr<int> watch = life;
     {
-        const RepeatDelayFunction repeat(mExecutor, [this, life] { ++mRuns; }, 10);
+        const RepeatDelayFunction repeat(
+            mExecutor, [this, life] { ++mRuns; }, 10);
         life.reset();
         mExecutor->Pause();
         mClock.Advance(10 * kMillisecond);
@@ -242,7 +281,8 @@ TEST_F(RepeatDelayFunctionTest, Executor_LivesAsLongAsTheObjectAndNoLonger)
     ExecutorPointer executor = Make(1);
     const boost::weak_ptr<AsyncThreadedExecutor> watch(executor);
     AsyncThreadedExecutor& queue = *executor;
-    auto repeat = std::make_unique<RepeatDelayFunction>(executor, [this] { ++mRuns; }, 10);
+    auto repeat = std::make_unique<RepeatDelayFunction>(
+        executor, [this] { ++mRuns; }, 10);
     executor.reset();
     EXPECT_FALSE(watch.expired());
     queue.Pause();
@@ -254,7 +294,8 @@ TEST_F(RepeatDelayFunctionTest, Executor_LivesAsLongAsTheObjectAndNoLonger)
 
 TEST_F(RepeatDelayFunctionTest, ExecutorThatTerminatesMeanwhile_EndsTheRepetition)
 {
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     AdvanceAndDrain(10);
     mExecutor->RequestTermination();
     mExecutor->WaitForTermination();
@@ -276,7 +317,14 @@ TEST_F(RepeatDelayFunctionTest, ExecutorThatRunsAtOnceOnTheTimersThread_MayDestr
     };
     const auto executor = boost::make_shared<Inline>();
     std::unique_ptr<RepeatDelayFunction> repeat;
-    repeat = std::make_unique<RepeatDelayFunction>(executor, [&] { if (++mRuns == 3) { repeat.reset(); } }, 10);
+    repeat = std::make_unique<RepeatDelayFunction>(
+        executor,
+        [&] {
+            if (++mRuns == 3) {
+                repeat.reset();
+            }
+        },
+        10);
     for (int i = 0; i < 5; ++i) {
         mClock.Advance(10 * kMillisecond);
     }
@@ -302,7 +350,8 @@ TEST_F(RepeatDelayFunctionTest, ExecutorWithoutMemory_IsTriedAgainAfterTheDelay)
         int mTries = 0;
     };
     const auto executor = boost::make_shared<Poor>();
-    const RepeatDelayFunction repeat(executor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        executor, [this] { ++mRuns; }, 10);
     mClock.Advance(10 * kMillisecond);
     EXPECT_EQ(0, mRuns);
     mClock.Advance(10 * kMillisecond);
@@ -313,8 +362,10 @@ TEST_F(RepeatDelayFunctionTest, TimersThread_LivesOnlyWhileThereIsSomethingToRep
 {
     for (int round = 0; round < 20; ++round) {
         {
-            const RepeatDelayFunction first(mExecutor, [this] { ++mRuns; }, 10);
-            const RepeatDelayFunction second(mExecutor, [this] { ++mRuns; }, 10);
+            const RepeatDelayFunction first(
+                mExecutor, [this] { ++mRuns; }, 10);
+            const RepeatDelayFunction second(
+                mExecutor, [this] { ++mRuns; }, 10);
             AdvanceAndDrain(10);
         }
         ORLTest::WaitForProcessThreads(mThreadsBefore + 1);
@@ -326,7 +377,8 @@ TEST_F(RepeatDelayFunctionTest, ThreadThatTheSystemRefuses_ThrowsAndTheNextTryMa
 {
     const auto refuse = [](void (*)(void*), void*, Platform::ThreadHandle&) { return false; };
     EXPECT_THROW(RepeatTimer::Add(refuse), boost::thread_resource_error);
-    const RepeatDelayFunction repeat(mExecutor, [this] { ++mRuns; }, 10);
+    const RepeatDelayFunction repeat(
+        mExecutor, [this] { ++mRuns; }, 10);
     EXPECT_NO_THROW(RepeatTimer::Add(refuse)) << "the thread is there already";
     struct Entry : RepeatEntry
     {
@@ -343,7 +395,8 @@ TEST(RepeatDelayFunction, WithTheSystemsClock_RepeatsInTime)
     BlockingList<std::int64_t> times;
     const std::int64_t start = ClockNow();
     {
-        const RepeatDelayFunction repeat(executor, [&times] { times.Add(ClockNow()); }, 5);
+        const RepeatDelayFunction repeat(
+            executor, [&times] { times.Add(ClockNow()); }, 5);
         times.WaitFor(4);
     }
     const std::vector<std::int64_t> all = times.Get();
@@ -363,11 +416,14 @@ TEST(RepeatDelayFunction, ManyMadeAndDestroyedOnManyThreads_NeverRunAfterTheirEn
                 std::atomic<bool> isAlive{true};
                 {
                     Event hasRun;
-                    const RepeatDelayFunction repeat(executor, [&] {
-                        EXPECT_TRUE(isAlive);
-                        ++runs;
-                        hasRun.Set();
-                    }, 0);
+                    const RepeatDelayFunction repeat(
+                        executor,
+                        [&] {
+                            EXPECT_TRUE(isAlive);
+                            ++runs;
+                            hasRun.Set();
+                        },
+                        0);
                     if (round % 2 == 0) {
                         hasRun.Wait();
                     }

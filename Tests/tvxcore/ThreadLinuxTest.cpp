@@ -19,7 +19,8 @@ namespace {
 
 std::string NameInExecutorCalled(const std::string& inName)
 {
-    const auto executor = CreateAsyncThreadedExecutor(inName, 1, 3, boost::function<void()>(), boost::function<void()>());
+    const auto executor =
+        CreateAsyncThreadedExecutor(inName, 1, 3, boost::function<void()>(), boost::function<void()>());
     std::string name;
     executor->QueueFunction([&name] { name = ORLTest::SystemNameOfThisThread(); }, 0);
     executor->RequestTermination();
@@ -42,7 +43,8 @@ int InChild(Function inFunction)
 
 int LevelInExecutor(int inPriority)
 {
-    const auto executor = CreateAsyncThreadedExecutor("", 1, inPriority, boost::function<void()>(), boost::function<void()>());
+    const auto executor =
+        CreateAsyncThreadedExecutor("", 1, inPriority, boost::function<void()>(), boost::function<void()>());
     int level = -100;
     executor->QueueFunction([&level] { level = ORLTest::LevelOfThisThread(); }, 0);
     executor->RequestTermination();
@@ -55,7 +57,8 @@ void BecomeAnOrdinaryUser()
 {
     constexpr uid_t kNobody = 65534;
     const rlimit none{0, 0};
-    if (::setrlimit(RLIMIT_NICE, &none) != 0 || (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))) {
+    if (::setrlimit(RLIMIT_NICE, &none) != 0
+        || (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))) {
         ::_exit(99);
     }
 }
@@ -110,11 +113,12 @@ TEST(ExecutorThread, OfAnOrdinaryUser_StaysAtTheProcessWhereItMayNotGoAbove)
 {
     for (int priority = 0; priority <= 5; ++priority) {
         EXPECT_EQ(0, InChild([priority] {
-            BecomeAnOrdinaryUser();
-            const int process = ::getpriority(PRIO_PROCESS, 0);
-            const int wanted = priority < 3 ? std::min(19, process + 5 * (3 - priority)) : process;
-            return LevelInExecutor(priority) == wanted ? 0 : 1;
-        })) << "priority " << priority;
+                      BecomeAnOrdinaryUser();
+                      const int process = ::getpriority(PRIO_PROCESS, 0);
+                      const int wanted = priority < 3 ? std::min(19, process + 5 * (3 - priority)) : process;
+                      return LevelInExecutor(priority) == wanted ? 0 : 1;
+                  }))
+            << "priority " << priority;
     }
 }
 
@@ -122,28 +126,32 @@ TEST(ExecutorThread, MadeByALowerOneOfAnOrdinaryUser_StaysAtItsMaker)
 {
     for (const int priority : {2, 3, 4, 5}) {
         EXPECT_EQ(0, InChild([priority] {
-            BecomeAnOrdinaryUser();
-            const auto low = CreateAsyncThreadedExecutor("", 1, 2, boost::function<void()>(), boost::function<void()>());
-            int own = -100;
-            int made = -100;
-            low->QueueFunction([&] {
-                own = ORLTest::LevelOfThisThread();
-                made = LevelInExecutor(priority);
-            }, 0);
-            low->RequestTermination();
-            low->WaitForTermination();
-            return own == made ? 0 : 1;
-        })) << "priority " << priority;
+                      BecomeAnOrdinaryUser();
+                      const auto low =
+                          CreateAsyncThreadedExecutor("", 1, 2, boost::function<void()>(), boost::function<void()>());
+                      int own = -100;
+                      int made = -100;
+                      low->QueueFunction(
+                          [&] {
+                              own = ORLTest::LevelOfThisThread();
+                              made = LevelInExecutor(priority);
+                          },
+                          0);
+                      low->RequestTermination();
+                      low->WaitForTermination();
+                      return own == made ? 0 : 1;
+                  }))
+            << "priority " << priority;
     }
 }
 
 TEST(DisplayAssert, UnderADebugger_ChoosesDebug)
 {
     EXPECT_EQ(0, InChild([] {
-        if (tvxcore::debug::DisplayAssert("Title", "without one") != 1) {
-            return 1;
-        }
-        ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        return tvxcore::debug::DisplayAssert("Title", "with one") == 0 ? 0 : 2;
-    }));
+                  if (tvxcore::debug::DisplayAssert("Title", "without one") != 1) {
+                      return 1;
+                  }
+                  ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+                  return tvxcore::debug::DisplayAssert("Title", "with one") == 0 ? 0 : 2;
+              }));
 }

@@ -141,7 +141,8 @@ TEST_F(TraceTest, Line_BeginsWithThreadCategoryAndLevel)
     static TraceSite site("ORL.Allocator", 1, false);
     {
         TraceLine line(site);
-        line << "Current(" << 12u << ") " << -3l << " " << ULONG_MAX << " " << ~0ull << static_cast<const char*>(nullptr);
+        line << "Current(" << 12u << ") " << -3l << " " << ULONG_MAX << " " << ~0ull
+             << static_cast<const char*>(nullptr);
         EXPECT_TRUE(TakeTexts().empty()) << "only the end of the stream emits";
     }
     const std::string expected = "<" + std::to_string(tvxcore::threads::GetCurrentThreadID())

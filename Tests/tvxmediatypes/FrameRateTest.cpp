@@ -67,12 +67,12 @@ TEST(FrameRate, FromDouble_RoundsToTheNearestTick)
         long long mTicks;
     };
     const Row rows[] = {
-        {__LINE__, 29.97, 23543544},   // 23543543.54...: the decimal is not the fractional rate
-        {__LINE__, 23.976, 29429429},  // 29429429.43...
-        {__LINE__, 14.985, 47087087},  // 47087087.09...
+        {__LINE__, 29.97, 23543544},  // 23543543.54...: the decimal is not the fractional rate
+        {__LINE__, 23.976, 29429429}, // 29429429.43...
+        {__LINE__, 14.985, 47087087}, // 47087087.09...
         {__LINE__, 352800000.0, 2},
-        {__LINE__, 470400000.0, 2},    // 1.5: halves round away from zero
-        {__LINE__, 282240000.0, 3},    // 2.5
+        {__LINE__, 470400000.0, 2}, // 1.5: halves round away from zero
+        {__LINE__, 282240000.0, 3}, // 2.5
         {__LINE__, 282240001.0, 2},
         {__LINE__, 705600000.0, 1},
         // faster than one frame a tick

@@ -51,7 +51,8 @@ void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inA
     std::string shown = program->get_name();
     for (const std::string& argument : inArguments) {
         const auto isIt = [&argument](const CLI::App* inCommand) { return inCommand->check_name(argument); };
-        if (argument.compare(0, 1, "-") == 0 || program->get_subcommands([](const CLI::App*) { return true; }).empty()) {
+        if (argument.compare(0, 1, "-") == 0
+            || program->get_subcommands([](const CLI::App*) { return true; }).empty()) {
             return;
         }
         const std::vector<const CLI::App*> commands = program->get_subcommands(isIt);

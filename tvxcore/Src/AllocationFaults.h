@@ -27,9 +27,9 @@ enum AllocationKind {
 struct Plan
 {
     AllocationKind mKind = kBlocks;
-    std::uint64_t mFirst = 1;              // counted from 1
-    std::uint64_t mFailureCount = 1;            // consecutive failures; kAllFurther for no limit
-    bool mOfThisThreadOnly = false;        // count and refuse only allocations of the arming thread
+    std::uint64_t mFirst = 1;        // counted from 1
+    std::uint64_t mFailureCount = 1; // consecutive failures; kAllFurther for no limit
+    bool mOfThisThreadOnly = false;  // count and refuse only allocations of the arming thread
 };
 
 inline constexpr std::uint64_t kAllFurther = UINT64_MAX;

@@ -6,8 +6,7 @@
 namespace CRV {
 
 /// The kind of host. Only kApplicationType_SystemCodePage changes the behaviour of the library.
-enum ApplicationType : int
-{
+enum ApplicationType : int {
     kApplicationType_Default = 0,
     /// Conversions to and from a code page always use the system's default page, regardless of the language of the
     /// program.

@@ -28,9 +28,8 @@ AsyncReadRequests sRequestPool;
 void Finish(AsyncReadRequest& ioRequest, std::uint32_t inBytesRead)
 {
     if (ioRequest.mCallback != nullptr) {
-        ioRequest.mCallback(ioRequest.mReader, ioRequest.mFilePosition, ioRequest.mSize, inBytesRead,
-                            ioRequest.mBuffer, ioRequest.mUserData1, ioRequest.mUserData2, ioRequest.mUserData3,
-                            ioRequest.mResult);
+        ioRequest.mCallback(ioRequest.mReader, ioRequest.mFilePosition, ioRequest.mSize, inBytesRead, ioRequest.mBuffer,
+                            ioRequest.mUserData1, ioRequest.mUserData2, ioRequest.mUserData3, ioRequest.mResult);
     }
     ioRequest.mBusyRequests->Remove(&ioRequest);
     sRequestPool.FreeAsyncReadRequest(&ioRequest);

@@ -110,8 +110,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 }
 
 int AsyncFileReader::QueueReadRequest(unsigned __int64 inPosition, unsigned int inSize, void* inBuffer,
-                                      ReadCallback inCallback, void* inUserData1, void* inUserData2,
-                                      void* inUserData3)
+                                      ReadCallback inCallback, void* inUserData1, void* inUserData2, void* inUserData3)
 {
     ORL_INPUT_CONTRACT(mImpl->mFileHandle != INVALID_HANDLE_VALUE);
     AsyncReadRequest* const request = TheAsyncReadRequests().AllocateAsyncReadRequest();
@@ -119,8 +118,18 @@ int AsyncFileReader::QueueReadRequest(unsigned __int64 inPosition, unsigned int 
     if (request == nullptr) {
         return kBareFailure;
     }
-    *request = AsyncReadRequest{OverlappedAt(inPosition), inPosition, inSize, inBuffer, 0, inCallback, inUserData1,
-                                inUserData2, inUserData3, kSuccess, this, &mImpl->mBusyRequests};
+    *request = AsyncReadRequest{OverlappedAt(inPosition),
+                                inPosition,
+                                inSize,
+                                inBuffer,
+                                0,
+                                inCallback,
+                                inUserData1,
+                                inUserData2,
+                                inUserData3,
+                                kSuccess,
+                                this,
+                                &mImpl->mBusyRequests};
     RequestOwner owner(*request);
     owner.EnterBusyList();
     ORL_ASSERT(sReadThreadQueue != NULL);

@@ -82,8 +82,8 @@ UTF16String Win::StripUNC(const UTF16String& inPath)
     if (BeginsWith(inPath, "\\\\?\\") && HasDriveAt(inPath, 4) && inPath.size() > 6 && inPath[6] == '\\') {
         return UTF16String(inPath, 4);
     }
-    ORL_ASSERT_MESSAGE_AT(false, "!\"Non-normative UNC path detected\"",
-                          StripUNCMessage(inPath).c_str(), "WinPathUtils", __LINE__, "ORL::PathUtils::Win::StripUNC");
+    ORL_ASSERT_MESSAGE_AT(false, "!\"Non-normative UNC path detected\"", StripUNCMessage(inPath).c_str(),
+                          "WinPathUtils", __LINE__, "ORL::PathUtils::Win::StripUNC");
     return UTF16String();
 }
 

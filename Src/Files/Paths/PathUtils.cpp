@@ -11,7 +11,8 @@ namespace PathUtils {
 
 ORL_EXPORTED_TEXT(kPathSeparator, "_ZN3ORL9PathUtils14kPathSeparator", "\\");
 ORL_EXPORTED_TEXT(kExtension, "_ZN3ORL9PathUtils10kExtension", ".");
-ORL_EXPORTED_TEXT(kIllegalFilenameCharactersDisplay, "_ZN3ORL9PathUtils33kIllegalFilenameCharactersDisplay", "\\ / : * ? \" < > |");
+ORL_EXPORTED_TEXT(kIllegalFilenameCharactersDisplay, "_ZN3ORL9PathUtils33kIllegalFilenameCharactersDisplay",
+                  "\\ / : * ? \" < > |");
 
 namespace {
 

@@ -158,7 +158,8 @@ bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEn
 {
     return inEnd - inFrom > 2
            || !std::all_of(inPath.begin() + static_cast<std::ptrdiff_t>(inFrom),
-                           inPath.begin() + static_cast<std::ptrdiff_t>(inEnd), [](Unit inUnit) { return inUnit == '.'; });
+                           inPath.begin() + static_cast<std::ptrdiff_t>(inEnd),
+                           [](Unit inUnit) { return inUnit == '.'; });
 }
 
 // Returns the length of the part that ".." cannot remove, with its backslash: "X:\", "\\server\share\", "\".
@@ -170,8 +171,7 @@ std::size_t RootLength(const UTF16String& inPath)
             return inPath.size();
         }
         const std::size_t shareEnd = std::min(inPath.find('\\', afterServer + 1), inPath.size());
-        return IsShareName(inPath, afterServer + 1, shareEnd) ? std::min(shareEnd + 1, inPath.size())
-                                                               : afterServer + 1;
+        return IsShareName(inPath, afterServer + 1, shareEnd) ? std::min(shareEnd + 1, inPath.size()) : afterServer + 1;
     }
     const std::size_t drive = HasDrive(inPath) ? 2 : 0;
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);

@@ -1,11 +1,11 @@
 // Files and threads of asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
 #include "LinuxCompletionPort.h"
 
+#include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
 #include "../Files/LinuxDirectAlignment.h"
 #include "../Files/LinuxPageCache.h"
-#include "../Calls/LinuxErrors.h"
 #include "../Paths/LinuxHostPath.h"
-#include "../Calls/SystemCalls.h"
 
 #include <Core/Immortal.h>
 #include <Platform/ThreadManager.h>
@@ -13,8 +13,8 @@
 
 #include <atomic>
 #include <cerrno>
-#include <new>
 #include <memory>
+#include <new>
 #include <pthread.h>
 #include <signal.h>
 #include <string>
@@ -62,8 +62,7 @@ std::int64_t ReadNow(const ReadRequest& inRequest)
     return returned >= 0 ? returned : -static_cast<std::int64_t>(errno);
 }
 
-bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned,
-                  Completion& outCompletion)
+bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned, Completion& outCompletion)
 {
     outCompletion.mOverlapped = &inOverlapped;
     // The kernel checks the buffer only when it fills it; Windows checks it at the start.

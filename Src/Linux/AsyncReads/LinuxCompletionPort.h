@@ -70,8 +70,8 @@ public:
 /// A file opened for asynchronous reads. It keeps its port alive.
 struct AsyncFile
 {
-    ShareHolder mShares;           // owns the file, and registers the reader with the share modes
-    bool mIsRegular = false;       // the end of the file is checked, except for block devices
+    ShareHolder mShares;     // owns the file, and registers the reader with the share modes
+    bool mIsRegular = false; // the end of the file is checked, except for block devices
     bool mUsesCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;

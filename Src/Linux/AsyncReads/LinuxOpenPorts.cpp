@@ -24,7 +24,8 @@ struct PortList
 {
     Mutex mMutex; // a leaf lock
     std::unique_ptr<OpenPort> mFirst TVXCORE_GUARDED_BY(mMutex);
-    std::uintptr_t mLastNumber TVXCORE_GUARDED_BY(mMutex) = 0; // counts all ports ever opened, so that no handle is reused
+    std::uintptr_t
+        mLastNumber TVXCORE_GUARDED_BY(mMutex) = 0; // counts all ports ever opened, so that no handle is reused
 };
 
 // A thread that was never joined may still use the ports at process exit.

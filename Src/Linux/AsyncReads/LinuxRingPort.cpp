@@ -3,10 +3,10 @@
 #include "../Calls/LinuxErrors.h"
 #include "../Calls/SystemCalls.h"
 
+#include <Platform/Mutex.h>
 #include <atomic>
 #include <cerrno>
 #include <liburing.h>
-#include <Platform/Mutex.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 
@@ -42,8 +42,7 @@ void Publish(const ReadRequest& inRequest)
 
 ReadRequest Consume(Overlapped& ioOverlapped)
 {
-    auto* const file =
-        reinterpret_cast<AsyncFile*>(__atomic_load_n(&ioOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
+    auto* const file = reinterpret_cast<AsyncFile*>(__atomic_load_n(&ioOverlapped.mSystemWord1, __ATOMIC_ACQUIRE));
     const auto size = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(ioOverlapped.mEvent));
     ioOverlapped.mEvent = nullptr;
     return ReadRequest{file, reinterpret_cast<void*>(ioOverlapped.mSystemWord2), size, &ioOverlapped};

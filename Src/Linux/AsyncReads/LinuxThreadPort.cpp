@@ -1,9 +1,9 @@
 #include "LinuxCompletionPort.h"
 
+#include <Platform/Mutex.h>
 #include <array>
 #include <cerrno>
 #include <condition_variable>
-#include <Platform/Mutex.h>
 #include <vector>
 
 namespace ORL {
@@ -208,16 +208,11 @@ private:
 const char* DescriptionFor(int inRefusal)
 {
     switch (inRefusal) {
-    case 0:
-        return "pread threads, since the program runs under valgrind";
-    case EPERM:
-        return "pread threads, since the kernel forbids io_uring (EPERM)";
-    case ENOSYS:
-        return "pread threads, since the kernel has no io_uring (ENOSYS)";
-    case ENOMEM:
-        return "pread threads, since the kernel has no memory for io_uring (ENOMEM)";
-    default:
-        return "pread threads, since the kernel refuses io_uring";
+    case 0: return "pread threads, since the program runs under valgrind";
+    case EPERM: return "pread threads, since the kernel forbids io_uring (EPERM)";
+    case ENOSYS: return "pread threads, since the kernel has no io_uring (ENOSYS)";
+    case ENOMEM: return "pread threads, since the kernel has no memory for io_uring (ENOMEM)";
+    default: return "pread threads, since the kernel refuses io_uring";
     }
 }
 

@@ -106,8 +106,7 @@ SystemError SystemErrorFromErrno(int inErrno) noexcept
 SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath, PathOperation inOperation)
 {
     switch (inErrno) {
-    case ENOENT:
-        return IsFolder(ParentOf(inHostPath)) ? kErrorFileNotFound : kErrorPathNotFound;
+    case ENOENT: return IsFolder(ParentOf(inHostPath)) ? kErrorFileNotFound : kErrorPathNotFound;
     case ENOTDIR:
         // Either the name itself is a file, or one of the folders above it is.
         return inOperation == PathOperation::kRemoveFolder && IsFolder(ParentOf(inHostPath)) ? kErrorDirectory
@@ -116,8 +115,7 @@ SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath, Pat
         return inOperation == PathOperation::kOpen           ? kErrorFileExists
                : inOperation == PathOperation::kRemoveFolder ? kErrorDirectoryNotEmpty
                                                              : kErrorAlreadyExists;
-    default:
-        return SystemErrorFromErrno(inErrno);
+    default: return SystemErrorFromErrno(inErrno);
     }
 }
 

@@ -9,7 +9,7 @@
 #if !defined(__clang__)
 // The compiler's headers leave operands undefined that a full mask makes irrelevant, and the compiler warns about them
 // here.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#  pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
 // The newest instructions used are byte compress and byte permute.

@@ -102,19 +102,19 @@ constexpr std::array<std::uint16_t, Codes + 1> WithOneMore(const std::uint16_t (
 }
 
 #define ORL_SINGLE_BYTE_PAGE(number)                                                                                   \
-    constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                       \
-    constexpr SingleBytePage kPage##number = {                                                                         \
-        kSingles##number, {kOffsets##number.data(), kBlocks##number}, FirstSameOf(kSingles##number)};
+  constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                         \
+  constexpr SingleBytePage kPage##number = {                                                                           \
+      kSingles##number, {kOffsets##number.data(), kBlocks##number}, FirstSameOf(kSingles##number)};
 #define ORL_DOUBLE_BYTE_PAGE(number)                                                                                   \
-    constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                       \
-    constexpr auto kCodes##number = WithOneMore(kBlocks##number);                                                      \
-    constexpr auto kRowOffsets##number = RowsOf(kRows##number);                                                        \
-    constexpr auto kRowNumbers##number = RowsOfHigh(kRows##number);                                                    \
-    constexpr auto kUnits##number = UnitsOf(kSingles##number, kRows##number, kPairs##number);                          \
-    constexpr DoubleBytePage kPage##number = {kUnits##number.data(),                                                   \
-                                              kRowOffsets##number.data(),                                              \
-                                              kRowNumbers##number.data(),                                              \
-                                              {kOffsets##number.data(), kCodes##number.data()}};
+  constexpr auto kOffsets##number = OffsetsOf(kIndex##number);                                                         \
+  constexpr auto kCodes##number = WithOneMore(kBlocks##number);                                                        \
+  constexpr auto kRowOffsets##number = RowsOf(kRows##number);                                                          \
+  constexpr auto kRowNumbers##number = RowsOfHigh(kRows##number);                                                      \
+  constexpr auto kUnits##number = UnitsOf(kSingles##number, kRows##number, kPairs##number);                            \
+  constexpr DoubleBytePage kPage##number = {kUnits##number.data(),                                                     \
+                                            kRowOffsets##number.data(),                                                \
+                                            kRowNumbers##number.data(),                                                \
+                                            {kOffsets##number.data(), kCodes##number.data()}};
 
 ORL_SINGLE_BYTE_PAGE(437)
 ORL_SINGLE_BYTE_PAGE(874)

@@ -18,7 +18,8 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
-const bool sBelongsToProgram = tvxcore::utility::BelongsToProgram(reinterpret_cast<const void*>(&Debug::ThrowInputContractError));
+const bool sBelongsToProgram =
+    tvxcore::utility::BelongsToProgram(reinterpret_cast<const void*>(&Debug::ThrowInputContractError));
 
 } // namespace
 

@@ -53,29 +53,18 @@ constexpr unsigned kMaskShiftSse = 7;
 class Registers
 {
 public:
-    explicit Registers(const void* inContext) noexcept : mContext(static_cast<const ucontext_t*>(inContext))
-    {
-    }
+    explicit Registers(const void* inContext) noexcept : mContext(static_cast<const ucontext_t*>(inContext)) {}
 
-    bool AreKnown() const noexcept
-    {
-        return mContext != nullptr;
-    }
+    bool AreKnown() const noexcept { return mContext != nullptr; }
 
     std::uint64_t Get(int inRegister) const noexcept
     {
         return AreKnown() ? static_cast<std::uint64_t>(mContext->uc_mcontext.gregs[inRegister]) : 0;
     }
 
-    std::uint64_t Instruction() const noexcept
-    {
-        return Get(REG_RIP);
-    }
+    std::uint64_t Instruction() const noexcept { return Get(REG_RIP); }
 
-    std::uint64_t Trap() const noexcept
-    {
-        return Get(REG_TRAPNO);
-    }
+    std::uint64_t Trap() const noexcept { return Get(REG_TRAPNO); }
 
     /// Returns the floating-point exceptions that are raised and not masked.
     unsigned FloatExceptions() const noexcept
@@ -104,8 +93,8 @@ bool IsPrivilegedInstruction(const unsigned char* inCode) noexcept
         return second == 0x01 || second == 0x06 || second == 0x08 || second == 0x09 || second == 0x30 || second == 0x32
                || (second >= 0x20 && second <= 0x23);
     }
-    const bool isPort = (first >= 0xE4 && first <= 0xE7) || (first >= 0xEC && first <= 0xEF)
-                        || (first >= 0x6C && first <= 0x6F);
+    const bool isPort =
+        (first >= 0xE4 && first <= 0xE7) || (first >= 0xEC && first <= 0xEF) || (first >= 0x6C && first <= 0x6F);
     return isPort || first == 0xF4 || first == 0xFA || first == 0xFB; // hlt, cli, sti
 }
 
@@ -136,7 +125,8 @@ std::uint64_t AccessOf(const Registers& inRegisters) noexcept
     return (error & kPageFaultOnWrite) != 0 ? 1 : 0;
 }
 
-void FillFromSegmentationFault(const siginfo_t& inInfo, const Registers& inRegisters, _EXCEPTION_RECORD& ioRecord) noexcept
+void FillFromSegmentationFault(const siginfo_t& inInfo, const Registers& inRegisters,
+                               _EXCEPTION_RECORD& ioRecord) noexcept
 {
     ioRecord.ExceptionCode = kAccessViolation;
     if (IsSent(inInfo)) {
@@ -165,24 +155,18 @@ void FillFromBusError(const siginfo_t& inInfo, const Registers& inRegisters, _EX
 std::uint32_t CodeOfArithmeticFailure(const siginfo_t& inInfo, const Registers& inRegisters) noexcept
 {
     switch (inInfo.si_code) {
-    case FPE_INTDIV:
-        return kIntegerDivideByZero;
-    case FPE_INTOVF:
-        return kIntegerOverflow;
-    case FPE_FLTDIV:
-        return kFloatDivideByZero;
-    case FPE_FLTOVF:
-        return kFloatOverflow;
+    case FPE_INTDIV: return kIntegerDivideByZero;
+    case FPE_INTOVF: return kIntegerOverflow;
+    case FPE_FLTDIV: return kFloatDivideByZero;
+    case FPE_FLTOVF: return kFloatOverflow;
     case FPE_FLTUND: // the kernel also reports a denormal operand with this code
         return (inRegisters.FloatExceptions() & kStatusDenormal) != 0 ? kFloatDenormalOperand : kFloatUnderflow;
-    case FPE_FLTRES:
-        return kFloatInexactResult;
-    case FPE_FLTSUB:
-        return kArrayBoundsExceeded;
+    case FPE_FLTRES: return kFloatInexactResult;
+    case FPE_FLTSUB: return kArrayBoundsExceeded;
     default: {
         constexpr unsigned kStackCheck = kStatusInvalid | kStatusStackFaultX87;
-        const bool isStack = inRegisters.Trap() == kTrapFloatX87
-                             && (inRegisters.FloatExceptions() & kStackCheck) == kStackCheck;
+        const bool isStack =
+            inRegisters.Trap() == kTrapFloatX87 && (inRegisters.FloatExceptions() & kStackCheck) == kStackCheck;
         return isStack ? kFloatStackCheck : kFloatInvalidOperation;
     }
     }
@@ -214,23 +198,12 @@ bool MakeExceptionRecord(const siginfo_t& inInfo, const void* inContext, _EXCEPT
         record.ExceptionAddress = AsAddress(registers.Instruction());
     }
     switch (inInfo.si_signo) {
-    case SIGSEGV:
-        FillFromSegmentationFault(inInfo, registers, record);
-        break;
-    case SIGBUS:
-        FillFromBusError(inInfo, registers, record);
-        break;
-    case SIGFPE:
-        record.ExceptionCode = CodeOfArithmeticFailure(inInfo, registers);
-        break;
-    case SIGILL:
-        record.ExceptionCode = CodeOfIllegalInstruction(inInfo);
-        break;
-    case SIGTRAP:
-        FillFromTrap(inInfo, registers, record);
-        break;
-    default:
-        return false;
+    case SIGSEGV: FillFromSegmentationFault(inInfo, registers, record); break;
+    case SIGBUS: FillFromBusError(inInfo, registers, record); break;
+    case SIGFPE: record.ExceptionCode = CodeOfArithmeticFailure(inInfo, registers); break;
+    case SIGILL: record.ExceptionCode = CodeOfIllegalInstruction(inInfo); break;
+    case SIGTRAP: FillFromTrap(inInfo, registers, record); break;
+    default: return false;
     }
     outRecord = record;
     return true;

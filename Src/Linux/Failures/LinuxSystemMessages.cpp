@@ -194,9 +194,9 @@ constexpr Message kMessages[] = {
 
 UTF16String SystemErrorMessage_Impl(unsigned int inError)
 {
-    const Message* const found = std::lower_bound(
-        std::begin(kMessages), std::end(kMessages), inError,
-        [](const Message& inMessage, unsigned int inNumber) { return inMessage.mError < inNumber; });
+    const Message* const found =
+        std::lower_bound(std::begin(kMessages), std::end(kMessages), inError,
+                         [](const Message& inMessage, unsigned int inNumber) { return inMessage.mError < inNumber; });
     if (found == std::end(kMessages) || found->mError != inError) {
         return UTF16String();
     }

@@ -27,7 +27,8 @@ class Buffer
 public:
     // The buffer has one byte more than the reported size, so that a single read reaches the end of the file.
     explicit Buffer(std::uint64_t inTotal)
-        : mSize(inTotal == 0 ? kLargestBuffer : static_cast<std::size_t>(std::min<std::uint64_t>(inTotal + 1, kLargestBuffer)))
+        : mSize(inTotal == 0 ? kLargestBuffer
+                             : static_cast<std::size_t>(std::min<std::uint64_t>(inTotal + 1, kLargestBuffer)))
     {
     }
     ~Buffer()
@@ -146,9 +147,8 @@ private:
     {
         ssize_t written = 0;
         while (written < inCount) {
-            const ssize_t moved =
-                System().mPWrite(mTo, inBytes + written, static_cast<std::size_t>(inCount - written),
-                                 static_cast<off_t>(mDone) + written);
+            const ssize_t moved = System().mPWrite(mTo, inBytes + written, static_cast<std::size_t>(inCount - written),
+                                                   static_cast<off_t>(mDone) + written);
             if (moved < 0 && errno != EINTR) {
                 return -1;
             }

@@ -1,8 +1,8 @@
 #include "LinuxDirectAlignment.h"
 
-#include "LinuxDescriptor.h"
 #include "../Calls/LinuxErrors.h"
 #include "../Calls/SystemCalls.h"
+#include "LinuxDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>

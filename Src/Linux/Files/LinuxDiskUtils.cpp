@@ -1,9 +1,9 @@
 #include <Platform/Disks.h>
 
-#include "LinuxDirectAlignment.h"
 #include "../Calls/LinuxErrors.h"
-#include "../Paths/LinuxHostPath.h"
 #include "../Calls/SystemCalls.h"
+#include "../Paths/LinuxHostPath.h"
+#include "LinuxDirectAlignment.h"
 
 #include <Files/WindowsPathText.h>
 #include <cerrno>

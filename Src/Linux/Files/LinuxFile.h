@@ -20,11 +20,11 @@ struct OpenFile
     bool mMayRead = false;
     bool mMayWrite = false;
     bool mIsRegular = false;
-    bool mIsUnbuffered = false;        // the alignment of reads and writes is checked
-    bool mDropsPages = false;          // unbuffered, but without direct I/O: drops the pages from the cache
-    std::uint32_t mAlignment = 512;    // alignment of unbuffered reads and writes
+    bool mIsUnbuffered = false;     // the alignment of reads and writes is checked
+    bool mDropsPages = false;       // unbuffered, but without direct I/O: drops the pages from the cache
+    std::uint32_t mAlignment = 512; // alignment of unbuffered reads and writes
     std::int64_t mPosition = 0;
-    std::string mNameToDelete;         // not empty: the host path to delete when the file is closed
+    std::string mNameToDelete;                       // not empty: the host path to delete when the file is closed
     std::shared_ptr<const Descriptor> mFolderOfName; // keeps open the folder that a long path leads through
     FileIdentity mIdentity;
 

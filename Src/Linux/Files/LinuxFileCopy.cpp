@@ -1,9 +1,9 @@
 // Copies whole files by name: contents, the user's attributes and the last-write time.
 #include "LinuxFileCopy.h"
 
-#include "LinuxCopyBytes.h"
 #include "../Calls/LinuxErrors.h"
 #include "../Calls/SystemCalls.h"
+#include "LinuxCopyBytes.h"
 
 #include <cerrno>
 #include <sys/sysmacros.h>

@@ -1,12 +1,12 @@
 // Deletes, moves and replaces names.
-#include "LinuxLinkTarget.h"
+#include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
+#include "../Paths/LinuxOpenFolder.h"
 #include "LinuxCopyBytes.h"
 #include "LinuxDescriptor.h"
-#include "../Calls/LinuxErrors.h"
 #include "LinuxFileCopy.h"
-#include "../Paths/LinuxOpenFolder.h"
+#include "LinuxLinkTarget.h"
 #include "LinuxTemporaryName.h"
-#include "../Calls/SystemCalls.h"
 
 #include <cerrno>
 #include <climits>
@@ -58,8 +58,9 @@ SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
     if (error != kErrorFileNotFound) {
         return error == kNoError ? kErrorAlreadyExists : error;
     }
-    return System().mRename(inFrom.c_str(), inTo.c_str()) == 0 ? kNoError
-                                                                : SystemErrorFromErrno(errno, inTo, PathOperation::kMove);
+    return System().mRename(inFrom.c_str(), inTo.c_str()) == 0
+               ? kNoError
+               : SystemErrorFromErrno(errno, inTo, PathOperation::kMove);
 }
 
 // Copies a link as a link; ignores its target.
@@ -70,8 +71,9 @@ SystemError CopyLink(const std::string& inSource, const std::string& inDestinati
     if (failure != 0) {
         return SystemErrorFromErrno(failure, inSource);
     }
-    return System().mSymLinkAt(target.Text(), AT_FDCWD, inDestination.c_str()) == 0 ? kNoError
-                                                                           : SystemErrorFromErrno(errno, inDestination);
+    return System().mSymLinkAt(target.Text(), AT_FDCWD, inDestination.c_str()) == 0
+               ? kNoError
+               : SystemErrorFromErrno(errno, inDestination);
 }
 
 SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
@@ -145,8 +147,7 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
     const bool isLink = S_ISLNK(inStatus.st_mode);
     SystemError error = folder.OpenError(inDestination.mPath);
     if (error == kNoError) {
-        error = isLink ? CopyLink(inSource.mPath, inDestination.mPath)
-                                          : CopyWhole(inSource, inDestination);
+        error = isLink ? CopyLink(inSource.mPath, inDestination.mPath) : CopyWhole(inSource, inDestination);
     }
     if (error != kNoError) {
         return error == kErrorFileExists ? kErrorAlreadyExists : error;
@@ -163,7 +164,10 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 class Backup
 {
 public:
-    Backup(const HostPath& inPath, BackupDisposition inBackupDisposition) : mPath(inPath), mIsDeletedWhenDone(inBackupDisposition == BackupDisposition::kDelete) {}
+    Backup(const HostPath& inPath, BackupDisposition inBackupDisposition)
+        : mPath(inPath), mIsDeletedWhenDone(inBackupDisposition == BackupDisposition::kDelete)
+    {
+    }
 
     // A name that is too long for the file system could never be opened, so a temporary name replaces it.
     SystemError Make(const HostPath& inReplaced)
@@ -289,8 +293,7 @@ SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, 
 class BothFolders
 {
 public:
-    BothFolders(const SwapFile& inReplaced, const SwapFile& inReplacement)
-        : mReplaced(FolderOf(inReplaced.mPath.mPath))
+    BothFolders(const SwapFile& inReplaced, const SwapFile& inReplacement) : mReplaced(FolderOf(inReplaced.mPath.mPath))
     {
         const std::string other = FolderOf(inReplacement.mPath.mPath);
         if (other != FolderOf(inReplaced.mPath.mPath)) {
@@ -392,12 +395,9 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
     }
     switch (errno) {
     case EINVAL:
-    case ENOSYS:
-        return RenameToFreeName(from, to);
-    case EXDEV:
-        return MoveToOtherVolume(source, destination, status);
-    default:
-        return SystemErrorFromErrno(errno, to, PathOperation::kMove);
+    case ENOSYS: return RenameToFreeName(from, to);
+    case EXDEV: return MoveToOtherVolume(source, destination, status);
+    default: return SystemErrorFromErrno(errno, to, PathOperation::kMove);
     }
 }
 

@@ -1,9 +1,9 @@
 // Opens and closes files.
 #include "LinuxFile.h"
 
-#include "LinuxDirectAlignment.h"
 #include "../Calls/LinuxErrors.h"
 #include "../Calls/SystemCalls.h"
+#include "LinuxDirectAlignment.h"
 
 #include <cerrno>
 #include <memory>
@@ -99,13 +99,10 @@ Descriptor OpenByDisposition(const std::string& inPath, const OpenRequest& inReq
 {
     outIsNew = inRequest.mDisposition == kCreateNew;
     switch (inRequest.mDisposition) {
-    case kCreateNew:
-        return CreateNew(inPath, inRequest);
+    case kCreateNew: return CreateNew(inPath, inRequest);
     case kCreateAlways:
-    case kOpenAlways:
-        return CreateOrOpen(inPath, inRequest, outIsNew);
-    default:
-        return OpenExisting(inPath, inRequest);
+    case kOpenAlways: return CreateOrOpen(inPath, inRequest, outIsNew);
+    default: return OpenExisting(inPath, inRequest);
     }
 }
 

@@ -2,9 +2,9 @@
 // it to the kernel, so a seek needs no system call.
 #include "LinuxFile.h"
 
-#include "LinuxPageCache.h"
 #include "../Calls/LinuxErrors.h"
 #include "../Calls/SystemCalls.h"
+#include "LinuxPageCache.h"
 
 #include <algorithm>
 #include <cerrno>

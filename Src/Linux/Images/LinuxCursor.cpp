@@ -68,14 +68,10 @@ Xlib LoadXlib()
 unsigned int FontShapeOf(Shape inShape) noexcept
 {
     switch (inShape) {
-    case Linux::kIBeam:
-        return 152; // xterm
-    case Linux::kWait:
-        return 150; // watch
-    case Linux::kSize:
-        return 52; // fleur
-    default:
-        return 68; // left_ptr
+    case Linux::kIBeam: return 152; // xterm
+    case Linux::kWait: return 150;  // watch
+    case Linux::kSize: return 52;   // fleur
+    default: return 68;             // left_ptr
     }
 }
 

@@ -4,10 +4,10 @@
 #include "LinuxNativeBitmap.h"
 #include "LinuxPNG.h"
 
-#include "../Files/LinuxDescriptor.h"
-#include "../Paths/LinuxHostPath.h"
-#include "../Modules/LinuxDataModule.h"
 #include "../Calls/SystemCalls.h"
+#include "../Files/LinuxDescriptor.h"
+#include "../Modules/LinuxDataModule.h"
+#include "../Paths/LinuxHostPath.h"
 
 #include <cstring>
 #include <new>

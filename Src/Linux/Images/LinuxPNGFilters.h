@@ -19,22 +19,12 @@ public:
                         std::size_t inSize) noexcept
     {
         switch (inFilter) {
-        case 0:
-            return true;
-        case 1:
-            RestoreSub(ioRow, inSize);
-            return true;
-        case 2:
-            RestoreUp(ioRow, inAbove, inSize);
-            return true;
-        case 3:
-            RestoreAverage(ioRow, inAbove, inSize);
-            return true;
-        case 4:
-            RestorePaeth(ioRow, inAbove, inSize);
-            return true;
-        default:
-            return false;
+        case 0: return true;
+        case 1: RestoreSub(ioRow, inSize); return true;
+        case 2: RestoreUp(ioRow, inAbove, inSize); return true;
+        case 3: RestoreAverage(ioRow, inAbove, inSize); return true;
+        case 4: RestorePaeth(ioRow, inAbove, inSize); return true;
+        default: return false;
         }
     }
 

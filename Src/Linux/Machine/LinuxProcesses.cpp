@@ -1,10 +1,10 @@
 #include <Platform/Processes.h>
 
-#include "../Files/LinuxLinkTarget.h"
 #include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
+#include "../Files/LinuxLinkTarget.h"
 #include "../Paths/LinuxNames.h"
 #include "../Paths/LinuxOpenFolder.h"
-#include "../Calls/SystemCalls.h"
 #include "LinuxProcFile.h"
 
 #include <cerrno>

@@ -35,7 +35,9 @@ unsigned __int64 GetAvailablePhysicalMemory_Impl()
 unsigned __int64 GetTotalVirtualMemory_Impl()
 {
     constexpr unsigned __int64 kUserSpace = 0x7FFFFFFFF000;
-    struct rlimit limit{};
+    struct rlimit limit
+    {
+    };
     if (Linux::System().mGetResourceLimit(RLIMIT_AS, &limit) != 0) {
         return 0;
     }

@@ -5,8 +5,8 @@
 
 #include <Core/Immortal.h>
 
-#include <algorithm>
 #include <Platform/Mutex.h>
+#include <algorithm>
 
 namespace ORL {
 namespace SystemInfo {

@@ -1,8 +1,8 @@
 // Floor: System
 // The functions that the loader calls at load and unload. It calls OnUnload after all destructors that the program
 // registered while the library was loaded.
-#include <System/LibraryModule.h>
 #include <ORLResources.h>
+#include <System/LibraryModule.h>
 
 namespace ORL {
 

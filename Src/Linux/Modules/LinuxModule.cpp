@@ -5,12 +5,12 @@
 #include "LinuxResourceStore.h"
 #include "LinuxUserLanguage.h"
 
-#include "../Files/LinuxLinkTarget.h"
-#include "../Files/LinuxDescriptor.h"
 #include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
+#include "../Files/LinuxDescriptor.h"
+#include "../Files/LinuxLinkTarget.h"
 #include "../Paths/LinuxHostPath.h"
 #include "../Paths/LinuxNames.h"
-#include "../Calls/SystemCalls.h"
 
 #include <ORLHostPath.h>
 #include <algorithm>
@@ -41,10 +41,8 @@ SystemError ErrorOfOpen(int inErrno)
     case ENOTDIR:
     case ELOOP:
     case ENAMETOOLONG:
-    case ENXIO:
-        return kErrorModNotFound;
-    default:
-        return ORL::Linux::SystemErrorFromErrno(inErrno);
+    case ENXIO: return kErrorModNotFound;
+    default: return ORL::Linux::SystemErrorFromErrno(inErrno);
     }
 }
 

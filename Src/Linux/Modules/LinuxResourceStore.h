@@ -6,9 +6,9 @@
 #include <Platform/Modules.h>
 #include <Resources/ResourceIndex.h>
 
+#include <Platform/Mutex.h>
 #include <map>
 #include <memory>
-#include <Platform/Mutex.h>
 
 namespace ORL {
 namespace Modules {
@@ -36,8 +36,8 @@ private:
     std::unique_ptr<Resources::Linux::CursorPicture> ReadCursor(unsigned short inID) const;
 
     mutable Mutex mCursorsLock; // a leaf lock
-    mutable std::map<unsigned short, std::unique_ptr<Resources::Linux::CursorPicture>> mCursors
-        TVXCORE_GUARDED_BY(mCursorsLock);
+    mutable std::map<unsigned short, std::unique_ptr<Resources::Linux::CursorPicture>>
+        mCursors TVXCORE_GUARDED_BY(mCursorsLock);
 };
 
 } // namespace Modules

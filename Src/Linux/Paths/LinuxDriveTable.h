@@ -5,8 +5,8 @@
 #include <Platform/SystemErrors.h>
 #include <tvxcore/String.h>
 
-#include <Platform/Mutex.h>
 #include <ORLHostPath.h>
+#include <Platform/Mutex.h>
 #include <array>
 #include <string>
 #include <utility>

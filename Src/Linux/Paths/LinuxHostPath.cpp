@@ -1,7 +1,7 @@
 #include "LinuxHostPath.h"
 
-#include "LinuxDriveTable.h"
 #include "../Calls/LinuxErrors.h"
+#include "LinuxDriveTable.h"
 #include "LinuxNames.h"
 
 #include <ORLHostPath.h>
@@ -96,7 +96,8 @@ void Finish(std::string&& inFolder, bool inHasNames, bool inHasTrailingSeparator
 }
 
 // Finds the folder of \\server\share and the end of the share's name. The server's name begins at inServer.
-SystemError FindShareFolder(const UTF16String& inPath, std::size_t inServer, std::string& outFolder, std::size_t& outEnd)
+SystemError FindShareFolder(const UTF16String& inPath, std::size_t inServer, std::string& outFolder,
+                            std::size_t& outEnd)
 {
     const std::size_t serverEnd = EndOfName(inPath, inServer);
     outEnd = EndOfName(inPath, serverEnd + 1);
@@ -130,8 +131,7 @@ SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
     std::string folder;
     folder.reserve(kUsualSize);
     std::size_t end = 0; // number of units already parsed
-    SystemError error =
-        isShare ? FindShareFolder(inPath, kServer, folder, end) : FindDriveFolder(inPath, folder, end);
+    SystemError error = isShare ? FindShareFolder(inPath, kServer, folder, end) : FindDriveFolder(inPath, folder, end);
     bool hasNames = false;
     while (error == kNoError && end + 1 < inPath.size()) {
         const std::size_t start = end + 1;

@@ -1,8 +1,8 @@
 // The public functions over the drive table, and conversion of host paths to library paths.
+#include "../Calls/SystemCalls.h"
 #include "LinuxDriveTable.h"
 #include "LinuxHostPath.h"
 #include "LinuxNames.h"
-#include "../Calls/SystemCalls.h"
 
 #include <ORLHostPath.h>
 #include <algorithm>

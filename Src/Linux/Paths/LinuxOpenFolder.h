@@ -1,8 +1,8 @@
 // A folder of the host, open for reading its entries.
 #pragma once
 
-#include "../Files/LinuxDescriptor.h"
 #include "../Calls/SystemCalls.h"
+#include "../Files/LinuxDescriptor.h"
 
 #include <dirent.h>
 #include <string_view>

@@ -1,13 +1,13 @@
 #include <Platform/Paths.h>
 
 #include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
 #include "LinuxHostPath.h"
 #include "LinuxNames.h"
 #include "LinuxOpenFolder.h"
-#include "../Calls/SystemCalls.h"
 
-#include <ORLHostPath.h>
 #include <Files/WindowsPathText.h>
+#include <ORLHostPath.h>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -126,7 +126,8 @@ bool IsDirectoryEmpty_Impl(const UTF16String& inPath)
         return false;
     }
     OpenFolder folder(path.mPath.c_str());
-    return folder.IsOpen() && !folder.Entries().AnyEntry([](std::string_view) { return true; }) && folder.Entries().Failure() == 0;
+    return folder.IsOpen() && !folder.Entries().AnyEntry([](std::string_view) { return true; })
+           && folder.Entries().Failure() == 0;
 }
 
 unsigned long GetFileAttributes_Impl(const UTF16String& inPath)

@@ -213,9 +213,8 @@ SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPat
 
 SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath)
 {
-    return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
-        return ioStore.Delete(inParts, inPath, true);
-    });
+    return WithStore(inParent,
+                     [&](Store& ioStore, const HandleParts& inParts) { return ioStore.Delete(inParts, inPath, true); });
 }
 
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
@@ -257,7 +256,8 @@ SystemError DeleteValue_Impl(KeyHandle inKey, const unsigned short* inName)
 
 SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues)
 {
-    return WithStore(inKey, [&](Store& ioStore, const HandleParts& inParts) { return ioStore.List(inParts, outValues); });
+    return WithStore(inKey,
+                     [&](Store& ioStore, const HandleParts& inParts) { return ioStore.List(inParts, outValues); });
 }
 
 SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits)

@@ -31,8 +31,8 @@ SystemError Store::Open(const HandleParts& inParent, const unsigned short* inPat
     });
 }
 
-SystemError Store::Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
-                          bool& outIsMade)
+SystemError Store::Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess,
+                          KeyHandle& outKey, bool& outIsMade)
 {
     SystemError error = Open(inParent, inPath, inAccess, outKey);
     if (error != kErrorFileNotFound) {
@@ -120,8 +120,8 @@ SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned shor
 SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants)
 {
     StoredKey* key = nullptr;
-    const SystemError error = RunRead(
-        [&](bool inMayLoad) { return FindToDelete(inParent, inPath, inWithDescendants, inMayLoad, key); });
+    const SystemError error =
+        RunRead([&](bool inMayLoad) { return FindToDelete(inParent, inPath, inWithDescendants, inMayLoad, key); });
     if (error != kNoError) {
         return error;
     }

@@ -12,8 +12,8 @@ namespace Linux {
 /// board of changes, and databases that were set aside.
 struct StoreLocation
 {
-    std::string mFolder;   // host path without a trailing slash; empty if the process has no home directory
-    std::string mDatabase; // host path
+    std::string mFolder;           // host path without a trailing slash; empty if the process has no home directory
+    std::string mDatabase;         // host path
     bool mIsWorldReadable = false; // all users may read the store
 };
 

@@ -19,14 +19,10 @@ std::string ProblemOf(SystemError inError)
     case kErrorAccessDenied:
         return "the database or its folder may not be used: it is a link, belongs to another user, or is writable "
                "by every user";
-    case kErrorNotRegistryFile:
-        return "the database was made by a newer version of this library";
-    case kErrorBusy:
-        return "another process keeps the database locked";
-    case kErrorDiskFull:
-        return "the disk is full";
-    default:
-        return "the database cannot be read: system error " + std::to_string(inError);
+    case kErrorNotRegistryFile: return "the database was made by a newer version of this library";
+    case kErrorBusy: return "another process keeps the database locked";
+    case kErrorDiskFull: return "the disk is full";
+    default: return "the database cannot be read: system error " + std::to_string(inError);
     }
 }
 

@@ -15,8 +15,8 @@ tvxcore::debug::TraceSite sSite("ORL.Registry", 0, true);
 void TraceSetAside(const Platform::SetAside& inSetAside)
 {
     if (sSite.IsEnabled()) {
-        tvxcore::debug::TraceLine(sSite) << "A damaged settings database was set aside as \"" << inSetAside.mFile.c_str()
-                                         << "\": " << inSetAside.mReason.c_str() << "\n";
+        tvxcore::debug::TraceLine(sSite) << "A damaged settings database was set aside as \""
+                                         << inSetAside.mFile.c_str() << "\": " << inSetAside.mReason.c_str() << "\n";
     }
 }
 

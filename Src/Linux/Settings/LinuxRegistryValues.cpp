@@ -162,7 +162,8 @@ SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& 
         outValues.clear();
         for (const StoredValue* const value : sorted) {
             const UnitsView name = value->Name();
-            outValues.push_back({UTF16String(name.begin(), name.end()), value->Type(),
+            outValues.push_back({UTF16String(name.begin(), name.end()),
+                                 value->Type(),
                                  {value->Bytes(), value->Bytes() + value->Size()}});
         }
         return kNoError;

@@ -1,7 +1,7 @@
 // Floor: Core
 #include <ORLPlatformLock.h>
 
-#include <Sync/Backoff.h>
+#include <Core/Backoff.h>
 #include <tvxcore/SystemInfo.h>
 
 #include <linux/futex.h>

@@ -23,8 +23,8 @@ namespace {
 constexpr unsigned long kErrorInvalidHandle = 6;
 constexpr unsigned long kErrorNotEnoughMemory = 8;
 
-constexpr std::uint64_t kSignalled = 1;              // the low half: the futex word
-constexpr std::uint64_t kOneWaiter = 1ull << 32;     // the high half: waiters asleep or about to sleep
+constexpr std::uint64_t kSignalled = 1;          // the low half: the futex word
+constexpr std::uint64_t kOneWaiter = 1ull << 32; // the high half: waiters asleep or about to sleep
 
 struct FutexEvent
 {

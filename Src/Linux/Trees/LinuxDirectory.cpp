@@ -1,11 +1,11 @@
 #include <Platform/Directory.h>
 
 #include "../Calls/LinuxErrors.h"
+#include "../Calls/SystemCalls.h"
 #include "../Files/LinuxFile.h"
 #include "../Paths/LinuxHostPath.h"
 #include "../Paths/LinuxNames.h"
 #include "../Paths/LinuxOpenFolder.h"
-#include "../Calls/SystemCalls.h"
 
 #include <Platform/Paths.h>
 #include <cerrno>
@@ -153,7 +153,8 @@ bool IsAppendOnly(const std::string& inFolder)
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
     HostPath path;
-    if (ResolveToUsablePath(inPath, path) != kNoError || IsAppendOnly(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
+    if (ResolveToUsablePath(inPath, path) != kNoError
+        || IsAppendOnly(path.mPath.substr(0, path.mPath.rfind('/') + 1))) {
         return false;
     }
     const Descriptor file = OpenByPath(path.mPath.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);
@@ -173,7 +174,8 @@ namespace {
 // folder, leaves the failure to the removal itself.
 SystemError ShareFolderForDelete(const HostPath& inPath, EntryShare& outShare)
 {
-    const std::string name = inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
+    const std::string name =
+        inPath.mHasTrailingSeparator ? inPath.mPath.substr(0, inPath.mPath.size() - 1) : inPath.mPath;
     struct stat status;
     if (GetEntryStatus(name, status) != kNoError || !S_ISDIR(status.st_mode)) {
         return kNoError;

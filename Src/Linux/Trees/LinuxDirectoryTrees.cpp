@@ -111,8 +111,7 @@ int SyncNamesBelow(int inTop, int inFolder)
 
 // Creates the destination if it is missing, but never inside the source. For a move, syncs the name of the destination,
 // because the source is deleted later.
-SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource,
-                            Descriptor& outDestination)
+SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, int inSource, Descriptor& outDestination)
 {
     HostPath path;
     SystemError error = ResolveHostPath(inTo, path);

@@ -1,5 +1,5 @@
-#include "../Files/LinuxLinkTarget.h"
 #include "../Files/LinuxCopyBytes.h"
+#include "../Files/LinuxLinkTarget.h"
 #include "../Files/LinuxTemporaryName.h"
 #include "LinuxTree.h"
 #include "LinuxTreePath.h"
@@ -56,7 +56,8 @@ public:
 
     int MakeLink(const char* inTarget)
     {
-        return Make([this, inTarget](const char* inName) { return System().mSymLinkAt(inTarget, mFolder, inName); }) == 0
+        return Make([this, inTarget](const char* inName) { return System().mSymLinkAt(inTarget, mFolder, inName); })
+                       == 0
                    ? 0
                    : errno;
     }
@@ -179,15 +180,11 @@ private:
     {
         const char* const name = inEntry.mName.c_str();
         switch (TypeOf(mFrom.Folder(), inEntry)) {
-        case DT_DIR:
-            return EnterFolder(name);
-        case DT_LNK:
-            return CopyLinkEntry(mFrom.Folder(), name, mTo.Folder());
+        case DT_DIR: return EnterFolder(name);
+        case DT_LNK: return CopyLinkEntry(mFrom.Folder(), name, mTo.Folder());
         case DT_REG:
-        case DT_UNKNOWN:
-            return CopyFileEntry(mFrom.Folder(), name, mTo.Folder(), mDurability);
-        default:
-            return ENOTSUP;
+        case DT_UNKNOWN: return CopyFileEntry(mFrom.Folder(), name, mTo.Folder(), mDurability);
+        default: return ENOTSUP;
         }
     }
 
@@ -211,7 +208,8 @@ private:
         TreeEntries entries;
         failure = failure == 0 ? ListFolder(mFrom.Folder(), entries) : failure;
         if (failure == 0) {
-            mLevels.push_back({std::move(entries), 0, mode, isNew && (mDurability == CopyDurability::kSynced || (mode & S_IRWXU) != S_IRWXU)});
+            mLevels.push_back({std::move(entries), 0, mode,
+                               isNew && (mDurability == CopyDurability::kSynced || (mode & S_IRWXU) != S_IRWXU)});
         }
         return failure;
     }

@@ -1,8 +1,8 @@
 // Holds the entry that a step through a tree works on.
 #pragma once
 
-#include "../Files/LinuxShareModes.h"
 #include "../Calls/SystemCalls.h"
+#include "../Files/LinuxShareModes.h"
 
 #include <sys/stat.h>
 

@@ -44,16 +44,11 @@ bool IsPossible(const BitmapHeader& inHeader) noexcept
 {
     const unsigned int bits = inHeader.mBits;
     switch (inHeader.mCompression) {
-    case BitmapHeader::kPlain:
-        return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
-    case BitmapHeader::kRunLength8:
-        return bits == 8 && !inHeader.mIsTopDown;
-    case BitmapHeader::kRunLength4:
-        return bits == 4 && !inHeader.mIsTopDown;
-    case BitmapHeader::kBitFields:
-        return bits == 16 || bits == 32;
-    default:
-        return false;
+    case BitmapHeader::kPlain: return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+    case BitmapHeader::kRunLength8: return bits == 8 && !inHeader.mIsTopDown;
+    case BitmapHeader::kRunLength4: return bits == 4 && !inHeader.mIsTopDown;
+    case BitmapHeader::kBitFields: return bits == 16 || bits == 32;
+    default: return false;
     }
 }
 

@@ -42,12 +42,8 @@ public:
     void Read(const Bytes& inRow, std::uint32_t* outPixels) const noexcept
     {
         switch (mHeader.mBits) {
-        case 16:
-            ReadFields<std::uint16_t>(inRow, outPixels);
-            break;
-        case 24:
-            ReadBytes(inRow, outPixels);
-            break;
+        case 16: ReadFields<std::uint16_t>(inRow, outPixels); break;
+        case 24: ReadBytes(inRow, outPixels); break;
         case 32:
             if (HasUsualMasks(mHeader)) {
                 std::copy_n(inRow.mData, std::size_t{mHeader.mWidth} * 4, reinterpret_cast<unsigned char*>(outPixels));
@@ -55,8 +51,7 @@ public:
                 ReadFields<std::uint32_t>(inRow, outPixels);
             }
             break;
-        default:
-            ReadNumbers(inRow, outPixels);
+        default: ReadNumbers(inRow, outPixels);
         }
     }
 

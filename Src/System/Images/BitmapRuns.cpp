@@ -53,8 +53,7 @@ private:
             mX += *mNext++;
             mY += *mNext++;
             return true;
-        default:
-            return WritePixels(inWhat);
+        default: return WritePixels(inWhat);
         }
     }
 

@@ -15,14 +15,11 @@ bool Matches(const UTF16String& inName, const UTF16String& inText, ProcessSearch
 {
     const std::size_t size = inText.size();
     switch (inFlags) {
-    case ProcessSearchFlags::kExactMatch:
-        return inName == inText;
-    case ProcessSearchFlags::kStartsWith:
-        return !inName.empty() && inName.compare(0, size, inText) == 0;
+    case ProcessSearchFlags::kExactMatch: return inName == inText;
+    case ProcessSearchFlags::kStartsWith: return !inName.empty() && inName.compare(0, size, inText) == 0;
     case ProcessSearchFlags::kEndsWith:
         return size != 0 && inName.size() >= size && inName.compare(inName.size() - size, size, inText) == 0;
-    case ProcessSearchFlags::kContains:
-        return !inName.empty() && inName.find(inText) != UTF16String::npos;
+    case ProcessSearchFlags::kContains: return !inName.empty() && inName.find(inText) != UTF16String::npos;
     }
     return false;
 }

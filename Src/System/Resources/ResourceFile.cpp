@@ -242,14 +242,10 @@ bool IsWellFormed(const FileEntry& inEntry)
     std::vector<UTF16String> texts;
     Dialog dialog;
     switch (inEntry.mType.mID) {
-    case kMenuType:
-        return ReadMenuTemplate(BytesOf(inEntry)) != nullptr;
-    case kDialogType:
-        return ReadDialogTemplate(BytesOf(inEntry), dialog);
-    case kStringType:
-        return ReadStringBlock(inEntry, texts);
-    default:
-        return true;
+    case kMenuType: return ReadMenuTemplate(BytesOf(inEntry)) != nullptr;
+    case kDialogType: return ReadDialogTemplate(BytesOf(inEntry), dialog);
+    case kStringType: return ReadStringBlock(inEntry, texts);
+    default: return true;
     }
 }
 

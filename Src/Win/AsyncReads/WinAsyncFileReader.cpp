@@ -92,7 +92,7 @@ void CloseFile_Impl(Handle inFile)
 SystemError AttachFile_Impl(Handle inPort, Handle inFile)
 {
     return ::CreateIoCompletionPort(inFile, inPort, 0, kConcurrency) != nullptr ? SystemErrors::kNoError
-                                                                                 : ::GetLastError();
+                                                                                : ::GetLastError();
 }
 
 std::uint32_t GetReadAlignment_Impl(Handle)

@@ -11,7 +11,8 @@ namespace Platform {
 
 UTF16String SystemErrorMessage_Impl(unsigned int inError)
 {
-    constexpr DWORD kFlags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    constexpr DWORD kFlags =
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
     wchar_t* text = nullptr;
     const DWORD length = ::FormatMessageW(kFlags, nullptr, inError, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
                                           reinterpret_cast<wchar_t*>(&text), 0, nullptr);

@@ -12,7 +12,8 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
 {
     static_assert(sizeof(DWORD) == sizeof(*outIdentifiers));
     DWORD given = 0;
-    if (::EnumProcesses(reinterpret_cast<DWORD*>(outIdentifiers), static_cast<DWORD>(inCapacity * sizeof(DWORD)), &given)
+    if (::EnumProcesses(reinterpret_cast<DWORD*>(outIdentifiers), static_cast<DWORD>(inCapacity * sizeof(DWORD)),
+                        &given)
         == FALSE) {
         return ::GetLastError();
     }

@@ -22,7 +22,9 @@ Walk* OpenWalk_Impl()
     return &sWalk;
 }
 
-void CloseWalk_Impl(Walk*) {}
+void CloseWalk_Impl(Walk*)
+{
+}
 
 bool QueryRegion_Impl(Walk&, std::uint64_t inAddress, Region& outRegion)
 {

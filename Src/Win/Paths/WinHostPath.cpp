@@ -3,8 +3,8 @@
 
 #include "../Calls/WinText.h"
 
-#include <ORLPathUtils.h>
 #include <Files/PathForms.h>
+#include <ORLPathUtils.h>
 #include <tvxcore/Text.h>
 #include <utility>
 #include <windows.h>

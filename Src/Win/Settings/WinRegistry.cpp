@@ -49,8 +49,8 @@ Function FindFunction(const char* inName)
 }
 
 using OpenTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, DWORD, REGSAM, PHKEY, HANDLE, PVOID);
-using CreateTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, const SECURITY_ATTRIBUTES*, PHKEY,
-                                          LPDWORD, HANDLE, PVOID);
+using CreateTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, const SECURITY_ATTRIBUTES*,
+                                          PHKEY, LPDWORD, HANDLE, PVOID);
 using DeleteTransacted = LSTATUS(WINAPI*)(HKEY, LPCWSTR, REGSAM, DWORD, HANDLE, PVOID);
 using DeleteInView = LSTATUS(WINAPI*)(HKEY, LPCWSTR, REGSAM, DWORD);
 
@@ -176,8 +176,7 @@ SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsig
 SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
                           unsigned inSize)
 {
-    return AsError(
-        ::RegSetValueExW(AsKey(inKey), AsWide(inName), 0, inType, static_cast<const BYTE*>(inData), inSize));
+    return AsError(::RegSetValueExW(AsKey(inKey), AsWide(inName), 0, inType, static_cast<const BYTE*>(inData), inSize));
 }
 
 SystemError DeleteValue_Impl(KeyHandle inKey, const unsigned short* inName)
@@ -203,7 +202,8 @@ SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues)
             --index;
             error = kNoError;
         } else if (error == kNoError) {
-            outValues.push_back({UTF16String(name, 0, length), static_cast<unsigned>(type), {data.data(), data.data() + size}});
+            outValues.push_back(
+                {UTF16String(name, 0, length), static_cast<unsigned>(type), {data.data(), data.data() + size}});
         }
     }
     return error == kErrorNoMoreItems ? kNoError : error;

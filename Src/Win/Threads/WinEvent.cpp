@@ -40,12 +40,9 @@ unsigned long SetEvent_Impl(void* inEvent)
 WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds)
 {
     switch (::WaitForSingleObject(inEvent, inMilliseconds)) {
-    case WAIT_OBJECT_0:
-        return WaitOutcome::kSignalled;
-    case WAIT_TIMEOUT:
-        return WaitOutcome::kTimeout;
-    default:
-        return WaitOutcome::kFailed;
+    case WAIT_OBJECT_0: return WaitOutcome::kSignalled;
+    case WAIT_TIMEOUT: return WaitOutcome::kTimeout;
+    default: return WaitOutcome::kFailed;
     }
 }
 

@@ -25,7 +25,7 @@ struct ThreadNameRecord
 LONG CALLBACK ContinueAfterNaming(EXCEPTION_POINTERS* inPointers)
 {
     return inPointers->ExceptionRecord->ExceptionCode == kThreadNameException ? EXCEPTION_CONTINUE_EXECUTION
-                                                                       : EXCEPTION_CONTINUE_SEARCH;
+                                                                              : EXCEPTION_CONTINUE_SEARCH;
 }
 
 } // namespace

@@ -107,9 +107,9 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
 
 bool WriteProbe_Impl(const UTF16String& inPath)
 {
-    const HANDLE handle =
-        ::CreateFileW(AsWide(inPath.c_str()), GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                      nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE | FILE_ATTRIBUTE_HIDDEN, nullptr);
+    const HANDLE handle = ::CreateFileW(AsWide(inPath.c_str()), GENERIC_READ | GENERIC_WRITE | DELETE,
+                                        FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                                        FILE_FLAG_DELETE_ON_CLOSE | FILE_ATTRIBUTE_HIDDEN, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return false;
     }

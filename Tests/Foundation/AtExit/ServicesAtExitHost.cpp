@@ -162,8 +162,8 @@ struct ReadOutcome
     unsigned int mBytesRead = 0;
     int mResult = -1;
 
-    static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*, void* ioOutcome,
-                       void*, void*, int inResult)
+    static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int inBytesRead, void*,
+                       void* ioOutcome, void*, void*, int inResult)
     {
         *static_cast<ReadOutcome*>(ioOutcome) = ReadOutcome{inBytesRead, inResult};
     }
@@ -185,7 +185,8 @@ void UsePathsAndConstants()
 {
     const UTF16String path = PathUtils::FromHostPath(sThisProgram);
     Expect(PathUtils::ExistsOnDisk(path), "this program is not found on its disk");
-    Expect(PathUtils::kIllegalFilenameCharactersDisplay == MakeString("\\ / : * ? \" < > |"), "a constant of the paths is gone");
+    Expect(PathUtils::kIllegalFilenameCharactersDisplay == MakeString("\\ / : * ? \" < > |"),
+           "a constant of the paths is gone");
     Expect(PathUtils::GetPathSeparator() == MakeString("\\"), "the separator is gone");
     Expect(kPropertyKey_AudioTrackCount == MakeString("audio.track.count"), "a property key is gone");
     Expect(kResType_DirectoryTable == MakeString("ORLDIRECTORYTABLE"), "a resource type is gone");
@@ -199,10 +200,11 @@ struct Service
 };
 
 constexpr Service kServices[] = {
-    {"recycler", &UseRecycler},         {"classes", &UseClassFactory},  {"application", &UseApplication},
-    {"names", &UseNames},               {"locale", &UseLocale},         {"errors", &UseErrorManager},
-    {"threads", &UseThreadManager},     {"queues", &UseQueueAndGate},   {"reads", &UseAsyncReads},
-    {"constants", &UsePathsAndConstants},
+    {"recycler", &UseRecycler},       {"classes", &UseClassFactory},
+    {"application", &UseApplication}, {"names", &UseNames},
+    {"locale", &UseLocale},           {"errors", &UseErrorManager},
+    {"threads", &UseThreadManager},   {"queues", &UseQueueAndGate},
+    {"reads", &UseAsyncReads},        {"constants", &UsePathsAndConstants},
 };
 
 // ---- the threads ----

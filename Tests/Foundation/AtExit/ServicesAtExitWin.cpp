@@ -1,3 +1,5 @@
 #include "ServicesAtExitHost.h"
 
-void AtExit::RunAfterLibraryDestructors() {}
+void AtExit::RunAfterLibraryDestructors()
+{
+}

@@ -20,9 +20,9 @@ struct CheckReport
     std::string mFile;
     long mLine = 0; // of a check; the identifier of an error
     std::string mFunction;
-    unsigned long mPackage = 0; // of an error
-    int mLevel = 0;             // of an error
-    bool mFlag = false;         // of an error
+    unsigned long mPackage = 0;                                        // of an error
+    int mLevel = 0;                                                    // of an error
+    bool mFlag = false;                                                // of an error
     std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after ThrowError returns
 };
 
@@ -39,8 +39,8 @@ public:
     CheckRecorder();
     ~CheckRecorder() override;
 
-    void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage,
-                    long inErrorID, bool inFlag, const tvxcore::config::ReplacementValue& inFirst,
+    void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID,
+                    bool inFlag, const tvxcore::config::ReplacementValue& inFirst,
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,
                     const tvxcore::config::ReplacementValue& inFourth) const override;
 
@@ -52,10 +52,10 @@ public:
 
     void Clear();
 
-    bool mThrow = false;          // contract errors throw ContractError
-    bool mThrowAssert = false;    // assertions throw ContractError, for code that must not continue after a failure
-    bool mIgnoreForGood = false;  // the user's answer to an assertion
-    long mDisplayChoice = 1;      // the user's answer to a display
+    bool mThrow = false;         // contract errors throw ContractError
+    bool mThrowAssert = false;   // assertions throw ContractError, for code that must not continue after a failure
+    bool mIgnoreForGood = false; // the user's answer to an assertion
+    long mDisplayChoice = 1;     // the user's answer to a display
 
 private:
     static bool OnAssert(bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*);

@@ -22,10 +22,7 @@ class ExceptionRecord
 public:
     explicit ExceptionRecord(const RecordFields& inFields);
 
-    const _EXCEPTION_RECORD* Get() const
-    {
-        return mRecord.get();
-    }
+    const _EXCEPTION_RECORD* Get() const { return mRecord.get(); }
 
 private:
     std::shared_ptr<_EXCEPTION_RECORD> mRecord;

@@ -31,7 +31,10 @@ public:
     {
         return Expect("function", inName, mReport.mFunction);
     }
-    const ExpectReport& Package(unsigned long inPackage) const { return Expect("package", inPackage, mReport.mPackage); }
+    const ExpectReport& Package(unsigned long inPackage) const
+    {
+        return Expect("package", inPackage, mReport.mPackage);
+    }
     const ExpectReport& Level(int inLevel) const { return Expect("level", inLevel, mReport.mLevel); }
     const ExpectReport& Flag(bool inFlag) const { return Expect("flag", inFlag, mReport.mFlag); }
 
@@ -40,8 +43,9 @@ private:
     const ExpectReport& Expect(const char* inField, const T& inExpected, const T& inActual) const
     {
         if (!(inExpected == inActual)) {
-            ADD_FAILURE_AT(mFile, mLine) << "The " << inField << " of the report is " << testing::PrintToString(inActual)
-                                         << ", expected " << testing::PrintToString(inExpected);
+            ADD_FAILURE_AT(mFile, mLine) << "The " << inField << " of the report is "
+                                         << testing::PrintToString(inActual) << ", expected "
+                                         << testing::PrintToString(inExpected);
         }
         return *this;
     }

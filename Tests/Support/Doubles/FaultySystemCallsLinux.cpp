@@ -62,7 +62,8 @@ private:
         std::vector<Plan> fitting;
         for (const Plan& plan : mPlans) {
             const unsigned number = mCounts[plan.mCall];
-            if ((plan.mCall == inCall || plan.mCall == kAny) && number >= plan.mFirst && number - plan.mFirst < plan.mCount) {
+            if ((plan.mCall == inCall || plan.mCall == kAny) && number >= plan.mFirst
+                && number - plan.mFirst < plan.mCount) {
                 fitting.push_back(plan);
             }
         }
@@ -112,21 +113,21 @@ Result FailNothing(int)
 }
 
 #define ORL_FAULTY_CALL(name, failure, result, parameters, arguments, size)                                            \
-    result Faulty##name parameters                                                                                     \
-    {                                                                                                                  \
-        [[maybe_unused]] std::size_t sNoSize = 0;                                                                      \
-        const std::shared_ptr<FaultySystemCalls::State> state = std::atomic_load(&sState);                             \
-        if (state == nullptr) {                                                                                        \
-            return ORL::Linux::kSystem.m##name arguments;                                                              \
-        }                                                                                                              \
-        const int error = state->Enter(FaultySystemCalls::k##name, size);                                              \
-        if constexpr (FaultySystemCalls::k##name == FaultySystemCalls::kClose) {                                       \
-            if (error != 0) {                                                                                          \
-                state->mUnderlying.m##name arguments;                                                                  \
-            }                                                                                                          \
-        }                                                                                                              \
-        return error != 0 ? Fail##failure<result>(error) : state->mUnderlying.m##name arguments;                       \
-    }
+  result Faulty##name parameters                                                                                       \
+  {                                                                                                                    \
+    [[maybe_unused]] std::size_t sNoSize = 0;                                                                          \
+    const std::shared_ptr<FaultySystemCalls::State> state = std::atomic_load(&sState);                                 \
+    if (state == nullptr) {                                                                                            \
+      return ORL::Linux::kSystem.m##name arguments;                                                                    \
+    }                                                                                                                  \
+    const int error = state->Enter(FaultySystemCalls::k##name, size);                                                  \
+    if constexpr (FaultySystemCalls::k##name == FaultySystemCalls::kClose) {                                           \
+      if (error != 0) {                                                                                                \
+        state->mUnderlying.m##name arguments;                                                                          \
+      }                                                                                                                \
+    }                                                                                                                  \
+    return error != 0 ? Fail##failure<result>(error) : state->mUnderlying.m##name arguments;                           \
+  }
 ORL_LINUX_SYSTEM_CALLS(ORL_FAULTY_CALL)
 #undef ORL_FAULTY_CALL
 

@@ -2,9 +2,9 @@
 #include <tvxcore/StringStream.h>
 
 #if defined(_WIN32)
-#define PLUGIN_API extern "C" __declspec(dllexport)
+#  define PLUGIN_API extern "C" __declspec(dllexport)
 #else
-#define PLUGIN_API extern "C" __attribute__((visibility("default")))
+#  define PLUGIN_API extern "C" __attribute__((visibility("default")))
 #endif
 
 using tvxcore::oUTF16StringStream;

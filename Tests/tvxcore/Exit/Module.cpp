@@ -29,7 +29,8 @@ struct Work
         for (int i = 0; i < 20; ++i) {
             executor->QueueFunction([executor] { Again(*executor); }, 0);
         }
-        mRepeat = std::make_unique<RepeatDelayFunction>(mExecutor, [] { ++sRuns; }, 1);
+        mRepeat = std::make_unique<RepeatDelayFunction>(
+            mExecutor, [] { ++sRuns; }, 1);
     }
 
     static void Again(AsyncThreadedExecutor& ioExecutor)

@@ -131,12 +131,8 @@ Colour ColourFromNumbers(const std::vector<double>& inNumbers, ColourForm inForm
     };
     Colour colour;
     switch (inForm) {
-    case ColourForm::kHSL:
-        ORL::ColorHSLtoRGB(whole(0), whole(1), whole(2), colour);
-        break;
-    case ColourForm::kHSV:
-        ORL::ColorHSVtoRGB(whole(0), whole(1), whole(2), colour);
-        break;
+    case ColourForm::kHSL: ORL::ColorHSLtoRGB(whole(0), whole(1), whole(2), colour); break;
+    case ColourForm::kHSV: ORL::ColorHSVtoRGB(whole(0), whole(1), whole(2), colour); break;
     case ColourForm::kYUV:
         ORL::ColorYUVtoRGB(static_cast<unsigned char>(whole(0)), signedByte(1), signedByte(2), colour);
         break;
@@ -248,11 +244,9 @@ Colour ReadColour(const std::string& inText, ColourForm inForm)
 std::vector<std::string> ColourNumbers(const Colour& inColour, ColourForm inForm)
 {
     switch (inForm) {
-    case ColourForm::kRGB:
-        return Texts({inColour.GetRed(), inColour.GetGreen(), inColour.GetBlue()});
+    case ColourForm::kRGB: return Texts({inColour.GetRed(), inColour.GetGreen(), inColour.GetBlue()});
     case ColourForm::kHSL:
-    case ColourForm::kHSV:
-        return PolarNumbers(inColour, inForm);
+    case ColourForm::kHSV: return PolarNumbers(inColour, inForm);
     case ColourForm::kYUV: {
         unsigned char y = 0;
         char u = 0;
@@ -260,8 +254,7 @@ std::vector<std::string> ColourNumbers(const Colour& inColour, ColourForm inForm
         ORL::ColorRGBtoYUV(inColour, y, u, v);
         return Texts({y, static_cast<signed char>(u), static_cast<signed char>(v)});
     }
-    default:
-        return FloatNumbers(inColour, inForm);
+    default: return FloatNumbers(inColour, inForm);
     }
 }
 

@@ -26,7 +26,9 @@ bool OutputIsTerminal()
 
 std::size_t TerminalColumns()
 {
-    struct winsize size{};
+    struct winsize size
+    {
+    };
     const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
     return isKnown ? std::max<std::size_t>(size.ws_col, 2) : 80;
 }

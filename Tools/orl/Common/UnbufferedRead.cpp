@@ -61,11 +61,13 @@ const char* ReasonForOpenFailure(const UTF16String& inPath)
         return "it is a directory";
     }
     std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(std::filesystem::u8path(HostTextOf(inPath)), ignored);
+    const std::filesystem::file_status status =
+        std::filesystem::status(std::filesystem::u8path(HostTextOf(inPath)), ignored);
     if (status.type() == std::filesystem::file_type::not_found) {
         return "it is a dangling link";
     }
-    return std::filesystem::is_other(status) ? "it is a device or a pipe, not a file" : "it cannot be opened for reading";
+    return std::filesystem::is_other(status) ? "it is a device or a pipe, not a file"
+                                             : "it cannot be opened for reading";
 }
 
 /// Block i of the file uses slot i modulo the depth. Blocks are consumed in order, whatever the order of completion,

@@ -36,7 +36,8 @@ constexpr std::uint64_t kMuLaw = 7;
 constexpr std::uint64_t kExtensible = 0xFFFE; // the actual tag is at the start of the extension's GUID
 
 // The bytes of the GUID after the tag.
-constexpr unsigned char kTagIdentifier[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+constexpr unsigned char kTagIdentifier[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                            0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 class WavFile
 {
@@ -139,13 +140,15 @@ private:
             return std::nullopt;
         }
         if (HasOneSampleABlock()) {
-            return mBytesPerBlock != 0 ? std::optional<WavLength>({mSamplesPerSecond, mData->mActualSize / mBytesPerBlock})
-                                       : std::nullopt;
+            return mBytesPerBlock != 0
+                       ? std::optional<WavLength>({mSamplesPerSecond, mData->mActualSize / mBytesPerBlock})
+                       : std::nullopt;
         }
         const std::uint64_t samples = mStatedSamples == kSizeIsElsewhere ? mLongSamples : mStatedSamples;
         // The length of a truncated packed file is unknown.
-        return samples != 0 && mData->mActualSize == mData->mStatedSize ? std::optional<WavLength>({mSamplesPerSecond, samples})
-                                                             : std::nullopt;
+        return samples != 0 && mData->mActualSize == mData->mStatedSize
+                   ? std::optional<WavLength>({mSamplesPerSecond, samples})
+                   : std::nullopt;
     }
 
     ORL::File mFile;

@@ -78,8 +78,8 @@ void HashOne(const std::string& inFile, bool inAsJson)
     using Collector = ORL::AutomationDataCollector;
     const UTF16String text = TextOf(HashOf(inFile));
     if (inAsJson) {
-        Collector::Instance()->AddResults(
-            ToUTF16(inFile), {{Collector::kSuccessTag, ToUTF16("True")}, {Collector::kResultsTag, text}});
+        Collector::Instance()->AddResults(ToUTF16(inFile),
+                                          {{Collector::kSuccessTag, ToUTF16("True")}, {Collector::kResultsTag, text}});
     } else {
         std::cout << ToUTF8(text) << "  " << WithoutControlCharacters(inFile) << '\n';
     }

@@ -49,7 +49,7 @@ struct Facts
     unsigned long long mPhysicalMemory;
     unsigned long long mAvailableMemory;
     unsigned long long mVirtualMemory;
-    int mLoad; // percent
+    int mLoad;               // percent
     long long mProcessClock; // milliseconds since the library was loaded
     std::string mLanguage;
     unsigned mLanguageID;

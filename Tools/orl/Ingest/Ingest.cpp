@@ -72,7 +72,8 @@ void Run(const Options& inOptions)
     ListenForStop();
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
     if (inOptions.mIsDryRun) {
-        PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested), destinations);
+        PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested),
+                     destinations);
         ReportAndThrow(TroublesOf(destinations), false);
         return;
     }
@@ -82,9 +83,8 @@ void Run(const Options& inOptions)
     std::cout << JudgeErasing(source.mListing, destinations, copies, &IsStopRequested).mLine << std::endl;
     std::vector<IngestTrouble> troubles = TroublesOf(destinations);
     const auto is = [&destinations](bool IngestOutcome::*inWhat) {
-        return std::any_of(
-            destinations.begin(), destinations.end(),
-            [inWhat](const IngestDestination& inDestination) { return inDestination.mOutcome.*inWhat; });
+        return std::any_of(destinations.begin(), destinations.end(),
+                           [inWhat](const IngestDestination& inDestination) { return inDestination.mOutcome.*inWhat; });
     };
     const bool isStopped = is(&IngestOutcome::mIsStopped);
     if (isStopped) {

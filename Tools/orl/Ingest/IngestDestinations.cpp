@@ -144,9 +144,8 @@ private:
         IngestDestination& destination = mDestinations[inIndex];
         DestinationFiles& opened = *mOpened[inIndex];
         try {
-            destination.mOutcome =
-                RunIngest(destination.mPlan, destination.mRoots, mSettings, opened.mManifest, opened.mRecord,
-                          {mSource, inIndex}, WatcherOf(inIndex));
+            destination.mOutcome = RunIngest(destination.mPlan, destination.mRoots, mSettings, opened.mManifest,
+                                             opened.mRecord, {mSource, inIndex}, WatcherOf(inIndex));
         } catch (const std::exception& failure) {
             destination.mOutcome.mTroubles.push_back({"ingest: " + std::string(failure.what()), kExitFailure});
         }
@@ -232,7 +231,7 @@ std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
 }
 
 IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
-                     const IngestSettings& inSettings, const IngestWatcher& inWatcher)
+                      const IngestSettings& inSettings, const IngestWatcher& inWatcher)
 {
     return WholeIngest(ioDestinations, inManifestName, inSettings, inWatcher).Execute();
 }

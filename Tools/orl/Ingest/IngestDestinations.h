@@ -46,6 +46,6 @@ std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
 /// others. Throws Failure if nothing was begun: the source holds no file, the user stops the planning, or the only
 /// destination is refused.
 IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
-                     const IngestSettings& inSettings, const IngestWatcher& inWatcher);
+                      const IngestSettings& inSettings, const IngestWatcher& inWatcher);
 
 } // namespace orl

@@ -205,8 +205,8 @@ private:
                     std::uint64_t& ioPlace) const
     {
         if (ioPlace != inAt) {
-            CheckSource(ioSource.SetFilePointer(static_cast<__int64>(inAt),
-                                                ORL::FilePointerMoveMethod::kFilePointer_Begin));
+            CheckSource(
+                ioSource.SetFilePointer(static_cast<__int64>(inAt), ORL::FilePointerMoveMethod::kFilePointer_Begin));
             ioPlace = inAt;
         }
         for (std::size_t done = 0; done < inCount;) {

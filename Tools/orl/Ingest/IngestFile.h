@@ -3,10 +3,10 @@
 #pragma once
 
 #include "Failure.h"
-#include "Record/IngestManifest.h"
-#include "Plan/IngestPlan.h"
-#include "Record/IngestRecord.h"
 #include "IngestSharedSource.h"
+#include "Plan/IngestPlan.h"
+#include "Record/IngestManifest.h"
+#include "Record/IngestRecord.h"
 
 #include <cstdint>
 #include <functional>

@@ -92,14 +92,10 @@ private:
 const char* WorkOf(const IngestItem& inItem)
 {
     switch (inItem.mState) {
-    case IngestItem::kToCopy:
-        return "copy";
-    case IngestItem::kToCheck:
-        return "compare";
-    case IngestItem::kToReplace:
-        return "replace";
-    default:
-        return "verified before";
+    case IngestItem::kToCopy: return "copy";
+    case IngestItem::kToCheck: return "compare";
+    case IngestItem::kToReplace: return "replace";
+    default: return "verified before";
     }
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "IngestFile.h"
-#include "Record/IngestManifest.h"
 #include "Plan/IngestPlan.h"
+#include "Record/IngestManifest.h"
 
 #include <cstdint>
 #include <functional>

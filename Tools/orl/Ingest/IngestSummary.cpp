@@ -107,8 +107,7 @@ void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestination
     for (std::size_t i = 0; i < count; ++i) {
         const ShownFile& file = inFiles[i];
         line(TruncateFront(file.mItem->mName, kWidestName), std::to_string(file.mItem->mSize), LengthOf(file, inRate),
-             StateOf(file, inDestinations),
-             file.mDigest.empty() ? "" : file.mDigest.substr(0, kShownDigits) + "...");
+             StateOf(file, inDestinations), file.mDigest.empty() ? "" : file.mDigest.substr(0, kShownDigits) + "...");
     }
     if (inFiles.size() > count) {
         std::cout << "... and " << inFiles.size() - count << " more\n";
@@ -216,9 +215,9 @@ std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDe
         for (const IngestTrouble& trouble : destination.mOutcome.mTroubles) {
             const bool isCommon = counts[trouble.mText] >= inDestinations.size();
             if (!isCommon) {
-                troubles.push_back({who + "\"" + destination.mRoots.mShownDestination + "\": "
-                                        + trouble.mText.substr(who.size()),
-                                    trouble.mExitCode});
+                troubles.push_back(
+                    {who + "\"" + destination.mRoots.mShownDestination + "\": " + trouble.mText.substr(who.size()),
+                     trouble.mExitCode});
             } else if (&destination == &inDestinations.front()) {
                 troubles.push_back(trouble);
             }

@@ -45,28 +45,20 @@ int DescriptorOf(ORL::File& ioFile)
 ORL::Result ResultOf(int inErrno)
 {
     switch (inErrno) {
-    case 0:
-        return ORL::kSuccess;
-    case ENOENT:
-        return ORL::kFileNotFound;
+    case 0: return ORL::kSuccess;
+    case ENOENT: return ORL::kFileNotFound;
     case ENOTDIR:
-    case ELOOP:
-        return ORL::kPathNotFound;
+    case ELOOP: return ORL::kPathNotFound;
     case EACCES:
     case EPERM:
-    case EROFS:
-        return ORL::kAccessDenied;
+    case EROFS: return ORL::kAccessDenied;
     case ENOSPC:
-    case EDQUOT:
-        return ORL::kDiskFull;
+    case EDQUOT: return ORL::kDiskFull;
     case EEXIST:
-    case ENOTEMPTY:
-        return ORL::kAlreadyExists;
+    case ENOTEMPTY: return ORL::kAlreadyExists;
     case EBUSY:
-    case ETXTBSY:
-        return ORL::kSharingViolation;
-    default:
-        return ORL::kGeneralFailure;
+    case ETXTBSY: return ORL::kSharingViolation;
+    default: return ORL::kGeneralFailure;
     }
 }
 

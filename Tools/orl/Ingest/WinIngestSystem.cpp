@@ -32,28 +32,20 @@ bool IsDotEntry(const wchar_t* inName)
 ORL::Result ResultOf(DWORD inError)
 {
     switch (inError) {
-    case ERROR_SUCCESS:
-        return ORL::kSuccess;
-    case ERROR_FILE_NOT_FOUND:
-        return ORL::kFileNotFound;
+    case ERROR_SUCCESS: return ORL::kSuccess;
+    case ERROR_FILE_NOT_FOUND: return ORL::kFileNotFound;
     case ERROR_PATH_NOT_FOUND:
-    case ERROR_DIRECTORY:
-        return ORL::kPathNotFound;
+    case ERROR_DIRECTORY: return ORL::kPathNotFound;
     case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT:
-        return ORL::kAccessDenied;
+    case ERROR_WRITE_PROTECT: return ORL::kAccessDenied;
     case ERROR_DISK_FULL:
-    case ERROR_HANDLE_DISK_FULL:
-        return ORL::kDiskFull;
+    case ERROR_HANDLE_DISK_FULL: return ORL::kDiskFull;
     case ERROR_ALREADY_EXISTS:
     case ERROR_FILE_EXISTS:
-    case ERROR_DIR_NOT_EMPTY:
-        return ORL::kAlreadyExists;
+    case ERROR_DIR_NOT_EMPTY: return ORL::kAlreadyExists;
     case ERROR_SHARING_VIOLATION:
-    case ERROR_LOCK_VIOLATION:
-        return ORL::kSharingViolation;
-    default:
-        return ORL::kGeneralFailure;
+    case ERROR_LOCK_VIOLATION: return ORL::kSharingViolation;
+    default: return ORL::kGeneralFailure;
     }
 }
 

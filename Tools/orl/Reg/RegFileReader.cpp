@@ -62,18 +62,11 @@ private:
             return;
         }
         switch (mCursor.Peek()) {
-        case ';':
-            mCursor.TakeRestOfLine();
-            return;
-        case '[':
-            ReadKey();
-            return;
+        case ';': mCursor.TakeRestOfLine(); return;
+        case '[': ReadKey(); return;
         case '@':
-        case '"':
-            ReadValue();
-            return;
-        default:
-            mCursor.Refuse("this is neither a key, a value nor a comment");
+        case '"': ReadValue(); return;
+        default: mCursor.Refuse("this is neither a key, a value nor a comment");
         }
     }
 

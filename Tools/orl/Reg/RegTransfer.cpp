@@ -92,19 +92,13 @@ void Show(const RegistryEdit& inEdit)
     const std::string key = ShowRegKeyName({inEdit.mRoot, inEdit.mPath});
     std::string line;
     switch (inEdit.mKind) {
-    case RegistryEdit::kCreateKey:
-        line = "create  " + key;
-        break;
-    case RegistryEdit::kDeleteKey:
-        line = "delete  " + key;
-        break;
+    case RegistryEdit::kCreateKey: line = "create  " + key; break;
+    case RegistryEdit::kDeleteKey: line = "delete  " + key; break;
     case RegistryEdit::kSetValue:
         line = "set     " + key + "  " + ShowRegValueName(inEdit.mValue.mName) + " = "
                + ShowRegType(inEdit.mValue.mType) + ' ' + ShowRegValue(inEdit.mValue);
         break;
-    case RegistryEdit::kDeleteValue:
-        line = "unset   " + key + "  " + ShowRegValueName(inEdit.mValue.mName);
-        break;
+    case RegistryEdit::kDeleteValue: line = "unset   " + key + "  " + ShowRegValueName(inEdit.mValue.mName); break;
     }
     std::cout << WithoutControlCharacters(line) << '\n';
 }

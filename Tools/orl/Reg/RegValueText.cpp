@@ -123,13 +123,10 @@ std::string JsonValue(const ORL::RegistryValue& inValue)
     }
     switch (inValue.mType) {
     case ORL::RegistryValueTypes::kUInt32:
-    case ORL::RegistryValueTypes::kUInt64:
-        return "\"value\": " + plain;
+    case ORL::RegistryValueTypes::kUInt64: return "\"value\": " + plain;
     case ORL::RegistryValueTypes::kString:
-    case ORL::RegistryValueTypes::kExpandString:
-        return "\"value\": " + JsonQuoted(plain);
-    default:
-        return "\"data\": " + JsonQuoted(plain);
+    case ORL::RegistryValueTypes::kExpandString: return "\"value\": " + JsonQuoted(plain);
+    default: return "\"data\": " + JsonQuoted(plain);
     }
 }
 
@@ -138,20 +135,13 @@ std::string JsonValue(const ORL::RegistryValue& inValue)
 std::string ShowRegType(unsigned int inType)
 {
     switch (inType) {
-    case Types::kString:
-        return "string";
-    case Types::kExpandString:
-        return "expand";
-    case Types::kBinary:
-        return "binary";
-    case Types::kUInt32:
-        return "u32";
-    case Types::kMultiString:
-        return "strings";
-    case Types::kUInt64:
-        return "u64";
-    default:
-        return "type " + Hex(inType);
+    case Types::kString: return "string";
+    case Types::kExpandString: return "expand";
+    case Types::kBinary: return "binary";
+    case Types::kUInt32: return "u32";
+    case Types::kMultiString: return "strings";
+    case Types::kUInt64: return "u64";
+    default: return "type " + Hex(inType);
     }
 }
 

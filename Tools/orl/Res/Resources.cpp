@@ -56,12 +56,9 @@ void Open(const char* inCommand, const std::string& inFile, ResourceFile& outFil
 const char* NameOfFormat(const ResourceFile& inFile)
 {
     switch (inFile.GetFormat()) {
-    case ResourceFile::kCompiledFile:
-        return "compiled resource file";
-    case ResourceFile::kWindowsModule:
-        return "Windows module";
-    default:
-        return "shared object";
+    case ResourceFile::kCompiledFile: return "compiled resource file";
+    case ResourceFile::kWindowsModule: return "Windows module";
+    default: return "shared object";
     }
 }
 

@@ -61,7 +61,8 @@ void ShowProgress(ProgressLine& ioLine, const std::string& inFile, std::uint64_t
 {
     if (ioLine.IsDue()) {
         char percent[16];
-        std::snprintf(percent, sizeof(percent), "%3d %%  ", inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100);
+        std::snprintf(percent, sizeof(percent), "%3d %%  ",
+                      inSize != 0 ? static_cast<int>(inDone * 100 / inSize) : 100);
         const std::size_t room = ProgressLine::AvailableColumns();
         ioLine.Show(percent + TruncateFront(NameOf(inFile), room - std::min(room, std::strlen(percent))));
     }

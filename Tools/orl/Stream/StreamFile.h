@@ -24,7 +24,7 @@ struct StreamFigures
     double mSeconds = 0;
     std::uint64_t mReads = 0;
     unsigned mSectorSize = 0;
-    double mMedianLatency = 0;     // seconds from queuing a read to its callback
+    double mMedianLatency = 0; // seconds from queuing a read to its callback
     double mPercentile99Latency = 0;
     std::uint32_t mCRC = 0; // CRC-32 of the contents, as computed by zlib
 };

@@ -102,7 +102,7 @@ void Add(const Options& inOptions)
         throw PartialFailure();
     }
     PrintAnswers(plan, settings,
-              [&](const std::string& inText) { return Sum(ReadLabel(inText, settings), added.mTime); });
+                 [&](const std::string& inText) { return Sum(ReadLabel(inText, settings), added.mTime); });
 }
 
 void Convert(const Options& inOptions)
@@ -148,8 +148,7 @@ CLI::App* AddCommand(CLI::App& ioTimecode, const std::shared_ptr<Options>& inOpt
 void AddShow(CLI::App& ioTimecode)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command =
-        AddCommand(ioTimecode, options, "show", "Show the label of each frame count", &Show);
+    CLI::App* const command = AddCommand(ioTimecode, options, "show", "Show the label of each frame count", &Show);
     command->add_option("COUNT", options->mPlan.mValues,
                         "whole frames (samples, milliseconds); default: standard input, one per line");
     AddFormat(*command, "--format", "--rate", options->mFormat, "format of the labels (default 2997drop)");
@@ -159,8 +158,8 @@ void AddParse(CLI::App& ioTimecode)
 {
     const auto options = std::make_shared<Options>();
     options->mPlan.mInFull = true;
-    CLI::App* const command = AddCommand(
-        ioTimecode, options, "parse", "Read each text as an entry field does: its label, count and seconds", &Parse);
+    CLI::App* const command = AddCommand(ioTimecode, options, "parse",
+                                         "Read each text as an entry field does: its label, count and seconds", &Parse);
     command->add_option("TEXT", options->mPlan.mValues,
                         "up to four fields between any of : ; and . (feet: +), digits only, or a count after a leading "
                         "separator; default: standard input, one per line");
@@ -183,8 +182,8 @@ void AddSumCommand(CLI::App& ioTimecode)
 void AddConvert(CLI::App& ioTimecode)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = AddCommand(ioTimecode, options, "convert",
-                                         "Show the label that another format has at the same time", &Convert);
+    CLI::App* const command =
+        AddCommand(ioTimecode, options, "convert", "Show the label that another format has at the same time", &Convert);
     command->add_option("LABEL", options->mPlan.mValues, "labels; default: standard input, one per line");
     AddFormat(*command, "--from", "--from-rate", options->mFormat, "format of the labels (default 2997drop)");
     AddFormat(*command, "--to", "--to-rate", options->mTarget, "format of the results");

@@ -18,8 +18,8 @@ ORL::Timecode::Style StyleFor(const TickTime& inTime, const TimecodeSettings& in
     if (style.mPreviousFrame) {
         shown.AddFrames(-1, inSettings.mRate);
     }
-    style.mShowSign = inSettings.mSign == SignRule::kAlways
-                      || (inSettings.mSign == SignRule::kBelowZero && shown < kTime_Zero);
+    style.mShowSign =
+        inSettings.mSign == SignRule::kAlways || (inSettings.mSign == SignRule::kBelowZero && shown < kTime_Zero);
     return style;
 }
 
@@ -35,8 +35,8 @@ std::string InText(const TimecodeAnswer& inAnswer, const TimecodeSettings& inSet
 std::string InJson(const std::string& inValue, const TimecodeAnswer& inAnswer, const TimecodeSettings& inSettings)
 {
     const std::string remark = inAnswer.mRemark.empty() ? "" : ", \"remark\": " + JsonQuoted(inAnswer.mRemark);
-    return "{\"input\": " + JsonQuoted(inValue) + ", \"label\": " + JsonQuoted(inAnswer.mLabel)
-           + ", \"" + inSettings.mFormat->mUnit + "\": " + std::to_string(inAnswer.mCount)
+    return "{\"input\": " + JsonQuoted(inValue) + ", \"label\": " + JsonQuoted(inAnswer.mLabel) + ", \""
+           + inSettings.mFormat->mUnit + "\": " + std::to_string(inAnswer.mCount)
            + ", \"seconds\": " + InSeconds(inAnswer.mTime) + ", \"format\": " + JsonQuoted(inSettings.mFormat->mName)
            + ", \"rate\": " + JsonQuoted(RateInFull(inSettings.CountingRate())) + remark + '}';
 }

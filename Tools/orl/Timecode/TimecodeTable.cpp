@@ -60,14 +60,9 @@ Row Describe(const TimecodeFormat& inFormat)
 {
     const std::string zero = Label(inFormat, kTime_Zero);
     const std::string separators = SeparatorsIn(zero);
-    const std::size_t digits =
-        separators.empty() ? 0 : zero.size() - zero.find_last_of(separators.back()) - 1;
-    return Row{inFormat,
-               RateInShort(inFormat.mRate),
-               digits,
-               separators,
-               CountDay(inFormat, separators),
-               Label(inFormat, TickTime(kSampleSeconds))};
+    const std::size_t digits = separators.empty() ? 0 : zero.size() - zero.find_last_of(separators.back()) - 1;
+    return Row{inFormat,   RateInShort(inFormat.mRate),    digits,
+               separators, CountDay(inFormat, separators), Label(inFormat, TickTime(kSampleSeconds))};
 }
 
 void PrintText()
@@ -77,7 +72,8 @@ void PrintText()
                          const std::string& inAbout) {
         std::cout << std::left << std::setw(13) << inName << std::right << std::setw(7) << inRate << std::setw(8)
                   << inDigits << "  " << std::left << std::setw(12) << inSeparators << std::right << std::setw(11)
-                  << inFrames << "  " << std::left << std::setw(inAbout.empty() ? 0 : 16) << inSample << inAbout << '\n';
+                  << inFrames << "  " << std::left << std::setw(inAbout.empty() ? 0 : 16) << inSample << inAbout
+                  << '\n';
     };
     line("format", "rate", "digits", "separators", "a day", "after 3723.5 s", "");
     for (const TimecodeFormat& format : AllTimecodeFormats()) {
@@ -95,8 +91,9 @@ void PrintJson()
     for (const TimecodeFormat& format : AllTimecodeFormats()) {
         const Row row = Describe(format);
         std::cout << separator << "{\"format\": " << JsonQuoted(format.mName)
-                  << ", \"value\": " << static_cast<int>(format.mDisplay) << ", \"rate\": "
-                  << JsonQuoted(RateInFull(format.mRate)) << ", \"ownRate\": " << (format.mHasOwnRate ? "true" : "false")
+                  << ", \"value\": " << static_cast<int>(format.mDisplay)
+                  << ", \"rate\": " << JsonQuoted(RateInFull(format.mRate))
+                  << ", \"ownRate\": " << (format.mHasOwnRate ? "true" : "false")
                   << ", \"digits\": " << (row.mDigits != 0 ? std::to_string(row.mDigits) : "null")
                   << ", \"separators\": " << JsonQuoted(row.mSeparators) << ", \"framesPerDay\": " << row.mFramesPerDay
                   << ", \"sampleSeconds\": " << kSampleSeconds << ", \"sample\": " << JsonQuoted(row.mSample)

@@ -43,7 +43,8 @@ VerifyOutcome VerifyWithProgress(const std::string& inFolder, const Options& inO
     std::optional<IngestProgress> progress;
     VerifyWatcher watcher;
     watcher.mIsStopped = &IsStopRequested;
-    watcher.mOnPlanned = [&progress, isShown = OutputIsTerminal() && !inOptions.mAsJson](std::uint64_t inBytesToRead, std::size_t inFiles) {
+    watcher.mOnPlanned = [&progress, isShown = OutputIsTerminal() && !inOptions.mAsJson](std::uint64_t inBytesToRead,
+                                                                                         std::size_t inFiles) {
         progress.emplace(isShown, kPasses * inBytesToRead, inFiles);
     };
     watcher.mShow = [&progress](std::uint64_t inBytesRead, std::size_t inFilesDone) {

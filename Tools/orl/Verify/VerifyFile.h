@@ -1,7 +1,7 @@
 // Compares one file with its line in a list of checksums.
 #pragma once
 
-#include "Ingest/IngestRoots.h"
+#include "Ingest/Plan/IngestRoots.h"
 #include "VerifyFolder.h"
 
 #include <cstddef>

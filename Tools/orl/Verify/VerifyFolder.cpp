@@ -1,7 +1,7 @@
 #include "VerifyFolder.h"
 
 #include "Failure.h"
-#include "Ingest/IngestRecord.h"
+#include "Ingest/Record/IngestRecord.h"
 #include "Text.h"
 #include "UnbufferedRead.h"
 #include "VerifyFile.h"

@@ -1,7 +1,7 @@
 // Compares a folder with its list of checksums.
 #pragma once
 
-#include "Ingest/IngestListing.h"
+#include "Ingest/Plan/IngestListing.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "VerifyList.h"
 
 #include "Failure.h"
-#include "Ingest/IngestManifest.h"
+#include "Ingest/Record/IngestManifest.h"
 #include "Text.h"
 
 #include <algorithm>

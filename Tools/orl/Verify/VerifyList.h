@@ -1,7 +1,7 @@
 // A list of checksums as sha256sum writes it. Any program may have written the list.
 #pragma once
 
-#include "Ingest/IngestRoots.h"
+#include "Ingest/Plan/IngestRoots.h"
 
 #include <cstddef>
 #include <string>

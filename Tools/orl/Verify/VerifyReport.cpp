@@ -106,17 +106,14 @@ void AddTroubleOf(const VerifiedFile& inFile, const std::string& inFolder, std::
     case VerifiedFile::kChanged:
         ioTroubles.push_back({"verify: " + name + " has changed: " + inFile.mReason, kExitMismatch});
         break;
-    case VerifiedFile::kMissing:
-        ioTroubles.push_back({"verify: " + name + " is missing", kExitMissing});
-        break;
+    case VerifiedFile::kMissing: ioTroubles.push_back({"verify: " + name + " is missing", kExitMissing}); break;
     case VerifiedFile::kUnreadable:
         ioTroubles.push_back({"verify: cannot read " + name + ": " + inFile.mReason, kExitUnreadable});
         break;
     case VerifiedFile::kNew:
         ioTroubles.push_back({"verify: " + name + " is new: it is not in the list", kExitNew});
         break;
-    default:
-        break;
+    default: break;
     }
 }
 

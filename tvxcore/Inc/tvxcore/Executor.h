@@ -75,9 +75,9 @@ public:
 /// one outside the range is clamped. inThreadStart and inThreadEnd run on each thread as it begins and ends; either may
 /// be empty. Throws boost::thread_resource_error if the system cannot start a thread; everything is then undone.
 /// Thread-safe.
-TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor> CreateAsyncThreadedExecutor(
-    const std::string& inName, int inThreadCount, ThreadPriority inPriority,
-    const boost::function<void()>& inThreadStart, const boost::function<void()>& inThreadEnd);
+TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor>
+CreateAsyncThreadedExecutor(const std::string& inName, int inThreadCount, ThreadPriority inPriority,
+                            const boost::function<void()>& inThreadStart, const boost::function<void()>& inThreadEnd);
 
 /// Runs a function on an executor repeatedly, inDelay milliseconds apart, until the object is destroyed or the executor
 /// refuses the function.

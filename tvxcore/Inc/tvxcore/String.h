@@ -38,8 +38,8 @@ struct UTF16Literal
 } // namespace tvxcore
 
 /// Makes a zero-terminated const unsigned short* with static lifetime from a narrow literal: TVX_UTF16("text").
-#define TVX_UTF16(text)                                                                                       \
-    ([]() noexcept -> const unsigned short* {                                                                 \
-        static constexpr ::tvxcore::utility::UTF16Literal literal{u"" text};                                  \
-        return literal.mUnits;                                                                                \
-    }())
+#define TVX_UTF16(text)                                                                                                \
+  ([]() noexcept -> const unsigned short* {                                                                            \
+  static constexpr ::tvxcore::utility::UTF16Literal literal{u"" text};                                                 \
+  return literal.mUnits;                                                                                               \
+  }())

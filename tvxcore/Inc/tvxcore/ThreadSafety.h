@@ -1,5 +1,5 @@
-// Annotations that say which lock guards which variable. clang checks them with -Wthread-safety; to every other compiler
-// they are empty.
+// Annotations that say which lock guards which variable. clang checks them with -Wthread-safety; to every other
+// compiler they are empty.
 //
 //   ORL::CriticalSection mLock;
 //   int mCount TVXCORE_GUARDED_BY(mLock) = 0;

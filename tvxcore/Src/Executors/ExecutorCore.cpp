@@ -54,7 +54,8 @@ constexpr long kErrorID_FunctionThrew = 1;
 
 ExecutorCore::ExecutorCore(const std::string& inName, ThreadPriority inPriority,
                            const boost::function<void()>& inThreadStart, const boost::function<void()>& inThreadEnd)
-    : mChannel(SpinTurns()), mName(inName), mPriority(std::clamp(inPriority, 0, 5)), mThreadStart(inThreadStart), mThreadEnd(inThreadEnd)
+    : mChannel(SpinTurns()), mName(inName), mPriority(std::clamp(inPriority, 0, 5)), mThreadStart(inThreadStart),
+      mThreadEnd(inThreadEnd)
 {
 }
 
@@ -108,8 +109,8 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {
     try {
-        const std::string text = "$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"" + mName
-                                 + "\" has thrown: " + inWhat;
+        const std::string text =
+            "$$$/tvxcore/threads/Error/FunctionThrew=A function on the thread \"" + mName + "\" has thrown: " + inWhat;
         const config::ReplacementValue none;
         config::ThrowError(config::kErrorLevel_Warning, text.c_str(), kPackage, kErrorID_FunctionThrew, true, none,
                            none, none, none);

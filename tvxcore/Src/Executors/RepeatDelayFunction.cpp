@@ -1,8 +1,8 @@
 #include <tvxcore/Executor.h>
 
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/Thread.h>
 #include <CorePlatform/WordWait.h>
+#include <Executors/CoreMutex.h>
 #include <Executors/RepeatTimer.h>
 
 #include <atomic>
@@ -23,7 +23,8 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 //
 // Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue refers to this state,
 // so an owning reference here would form a cycle.
-struct TVXCORE_LOCAL RepeatDelayFunction::State final : RepeatEntry, std::enable_shared_from_this<RepeatDelayFunction::State>
+struct TVXCORE_LOCAL RepeatDelayFunction::State final : RepeatEntry,
+                                                        std::enable_shared_from_this<RepeatDelayFunction::State>
 {
     State(AsyncExecutor& inExecutor, const boost::function<void()>& inFunction, unsigned int inDelay)
         : mExecutor(inExecutor), mDelay(inDelay * kMillisecond), mFunction(inFunction)

@@ -1,9 +1,9 @@
 #include <Executors/RepeatTimer.h>
 
-#include <Executors/CoreClock.h>
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/Thread.h>
 #include <CorePlatform/WordWait.h>
+#include <Executors/CoreClock.h>
+#include <Executors/CoreMutex.h>
 
 #include <algorithm>
 #include <atomic>

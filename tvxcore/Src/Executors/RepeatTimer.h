@@ -28,8 +28,8 @@ protected:
 private:
     friend struct RepeatSchedule;
 
-    std::int64_t mDue = 0;          // time of the clock
-    RepeatEntry* mNext = nullptr;   // the entry due next after this one, if scheduled
+    std::int64_t mDue = 0;        // time of the clock
+    RepeatEntry* mNext = nullptr; // the entry due next after this one, if scheduled
     bool mIsScheduled = false;
 };
 

@@ -1,8 +1,8 @@
 // The executor behind the public interface: a set of threads around an ExecutorCore.
 #pragma once
 
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/Thread.h>
+#include <Executors/CoreMutex.h>
 #include <Executors/ExecutorCore.h>
 
 #include <atomic>

@@ -23,12 +23,12 @@ namespace threads {
 
 /// Steps that the model check omits one by one, to prove that it detects each omission.
 enum class ChannelStep {
-    kSleeperRechecks,    // a thread that has announced its sleep checks for work once more
-    kSpinnerEndsFirst,     // a spinner that found work leaves the count before it dequeues
-    kOnlyItemNeedsNoWake,  // a push leaves one item to a spinner, but not several
-    kResumeWakes,          // the end of a pause wakes the sleepers
-    kCloseWakes,           // closing wakes the sleepers
-    kRefusalUnderLock,     // a push checks under the list's lock whether the channel is closed
+    kSleeperRechecks,     // a thread that has announced its sleep checks for work once more
+    kSpinnerEndsFirst,    // a spinner that found work leaves the count before it dequeues
+    kOnlyItemNeedsNoWake, // a push leaves one item to a spinner, but not several
+    kResumeWakes,         // the end of a pause wakes the sleepers
+    kCloseWakes,          // closing wakes the sleepers
+    kRefusalUnderLock,    // a push checks under the list's lock whether the channel is closed
 };
 
 /// A work item. The channel neither creates nor deletes nodes.
@@ -347,17 +347,17 @@ private:
 
     struct SpinHistory
     {
-        unsigned int mTurns;      // turns of a spin that may pay
+        unsigned int mTurns;        // turns of a spin that may pay
         std::uint32_t mFailedSpins; // failed spins since work was last found
     };
 
     const unsigned int mSpinTurns;
     Inbox mInbox;
     Outbox mOutbox;
-    alignas(Policy::kLine) Word mIdle{0};   // the number of sleepers, plus kSpinner while a thread spins
+    alignas(Policy::kLine) Word mIdle{0}; // the number of sleepers, plus kSpinner while a thread spins
     typename Policy::template Guarded<SpinHistory> mSpinHistory; // only the spinner accesses it
-    Word mPaused{kRunning};                 // changed under the outbox lock
-    alignas(Policy::kLine) Word mWakes{0};  // wakes that claimed sleepers have not consumed yet
+    Word mPaused{kRunning};                                      // changed under the outbox lock
+    alignas(Policy::kLine) Word mWakes{0};                       // wakes that claimed sleepers have not consumed yet
 };
 
 } // namespace threads

@@ -2,8 +2,8 @@
 // which the checker controls every operation.
 #pragma once
 
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/WordWait.h>
+#include <Executors/CoreMutex.h>
 #include <Executors/WorkChannel.h>
 
 #include <atomic>

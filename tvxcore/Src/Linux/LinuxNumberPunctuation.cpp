@@ -31,7 +31,9 @@ struct KnownLocale
 
 const KnownLocale* Find(const std::string& inName)
 {
-    const auto isBefore = [](const KnownLocale& inKnown, const std::string& inWanted) { return inKnown.mName < inWanted; };
+    const auto isBefore = [](const KnownLocale& inKnown, const std::string& inWanted) {
+        return inKnown.mName < inWanted;
+    };
     const auto found = std::lower_bound(std::begin(kKnownLocales), std::end(kKnownLocales), inName, isBefore);
     return found != std::end(kKnownLocales) && found->mName == inName ? found : nullptr;
 }

@@ -101,7 +101,8 @@ __attribute__((destructor)) void OnEnding()
 }
 
 // A library that belongs to the program is never unloaded. At process exit its destructor functions also run first.
-const bool sBelongsToProgram = BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
+const bool sBelongsToProgram =
+    BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
 
 } // namespace
 

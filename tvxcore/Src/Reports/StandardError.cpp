@@ -1,7 +1,7 @@
 #include <Reports/StandardError.h>
 
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/StandardError.h>
+#include <Executors/CoreMutex.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -13,7 +13,7 @@ namespace debug {
 
 namespace {
 
-threads::CoreMutex sMutex; // held while one whole text is written
+threads::CoreMutex sMutex;                              // held while one whole text is written
 bool sReaderIsStuck TVXCORE_GUARDED_BY(sMutex) = false; // only the first text waits for a stuck reader
 
 // Returns false if the rest was dropped.

@@ -1,7 +1,7 @@
 #include <tvxcore/Trace.h>
 
-#include <Executors/CoreMutex.h>
 #include <CorePlatform/SmallBlockSystem.h>
+#include <Executors/CoreMutex.h>
 #include <Reports/StandardError.h>
 #include <tvxcore/SmallBlockAllocator.h>
 

@@ -71,16 +71,11 @@ std::wstring Group(const std::wstring& inDigits, const Grouping& inGrouping, con
 std::wstring Negative(const std::wstring& inText, const std::wstring& inSign, DWORD inOrder)
 {
     switch (inOrder) {
-    case 0:
-        return L'(' + inText + L')';
-    case 2:
-        return inSign + L' ' + inText;
-    case 3:
-        return inText + inSign;
-    case 4:
-        return inText + L' ' + inSign;
-    default:
-        return inSign + inText;
+    case 0: return L'(' + inText + L')';
+    case 2: return inSign + L' ' + inText;
+    case 3: return inText + inSign;
+    case 4: return inText + L' ' + inSign;
+    default: return inSign + inText;
     }
 }
 

@@ -51,7 +51,8 @@ void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
             return nullptr;
         }
         ::VirtualFree(reserved, 0, MEM_RELEASE);
-        const std::uintptr_t aligned = (reinterpret_cast<std::uintptr_t>(reserved) + inAlignment - 1) & ~(inAlignment - 1);
+        const std::uintptr_t aligned =
+            (reinterpret_cast<std::uintptr_t>(reserved) + inAlignment - 1) & ~(inAlignment - 1);
         if (void* const pages = Map(reinterpret_cast<void*>(aligned), inSize)) {
             return pages;
         }
@@ -92,7 +93,9 @@ void ForgetThreadEnds_Impl() noexcept
     sEnded = nullptr;
 }
 
-void WatchForks_Impl(void (*)(), void (*)()) noexcept {}
+void WatchForks_Impl(void (*)(), void (*)()) noexcept
+{
+}
 
 // An executable is never unloaded.
 bool IsUnloading_Impl() noexcept
@@ -107,5 +110,6 @@ bool IsUnloading_Impl() noexcept
 extern "C" {
 // The linker merges these sections into the image's list of TLS callbacks.
 extern PIMAGE_TLS_CALLBACK tvxcoreThreadNotice;
-__attribute__((section(".CRT$XLD"), used)) PIMAGE_TLS_CALLBACK tvxcoreThreadNotice = &tvxcore::utility::Platform::OnThreadNotice;
+__attribute__((section(".CRT$XLD"), used)) PIMAGE_TLS_CALLBACK tvxcoreThreadNotice =
+    &tvxcore::utility::Platform::OnThreadNotice;
 }

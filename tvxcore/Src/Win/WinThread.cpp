@@ -38,8 +38,8 @@ template <class Function>
 Function LookUp(const wchar_t* inModule, const char* inName) noexcept
 {
     const HMODULE module = ::GetModuleHandleW(inModule);
-    return module == nullptr ? nullptr : reinterpret_cast<Function>(
-               reinterpret_cast<void*>(::GetProcAddress(module, inName)));
+    return module == nullptr ? nullptr
+                             : reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, inName)));
 }
 
 // Looked up at load, not on the first call: that call may come during process exit, and the initialisation of a
@@ -132,7 +132,8 @@ std::int64_t MonotonicNanoseconds_Impl() noexcept
     ::QueryPerformanceCounter(&now);
     // Converts in two steps, because the direct product would overflow within a day.
     constexpr std::int64_t kSecond = 1'000'000'000;
-    return now.QuadPart / frequency.QuadPart * kSecond + now.QuadPart % frequency.QuadPart * kSecond / frequency.QuadPart;
+    return now.QuadPart / frequency.QuadPart * kSecond
+           + now.QuadPart % frequency.QuadPart * kSecond / frequency.QuadPart;
 }
 
 } // namespace Platform

@@ -17,8 +17,8 @@ bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpecte
         limit = static_cast<DWORD>(std::min<std::int64_t>((inNanoseconds + 999'999) / 1'000'000, INFINITE - 1));
     }
     const DWORD callersError = ::GetLastError();
-    const bool isTimedOut = ::WaitOnAddress(&ioWord, &inExpected, sizeof(inExpected), limit) == FALSE
-                            && ::GetLastError() == ERROR_TIMEOUT;
+    const bool isTimedOut =
+        ::WaitOnAddress(&ioWord, &inExpected, sizeof(inExpected), limit) == FALSE && ::GetLastError() == ERROR_TIMEOUT;
     ::SetLastError(callersError);
     return !isTimedOut;
 }

@@ -24,10 +24,7 @@ public:
     /// Constructs from frames per second. Rounds the tick count, computed in double precision, to nearest, ties away
     /// from zero. Rates above one frame a tick become one frame a tick; rates whose count does not fit get the largest
     /// count. Zero and NaN become zero. Explicit, since a plain number could also be a time in seconds.
-    constexpr explicit FrameRate(double inFramesPerSecond) noexcept
-        : mTicksPerFrame(TicksOf(inFramesPerSecond))
-    {
-    }
+    constexpr explicit FrameRate(double inFramesPerSecond) noexcept : mTicksPerFrame(TicksOf(inFramesPerSecond)) {}
 
     /// Constructs from the duration of one frame, in ticks.
     static constexpr FrameRate FromTicksPerFrame(long long inTicks) noexcept

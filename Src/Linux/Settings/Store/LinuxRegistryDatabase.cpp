@@ -2,8 +2,8 @@
 
 #include "../../Calls/LinuxErrors.h"
 #include "../../Calls/SystemCalls.h"
-#include "LinuxRegistryFolder.h"
 #include "../LinuxRegistryTrace.h"
+#include "LinuxRegistryFolder.h"
 
 #include <cerrno>
 #include <cstring>
@@ -59,7 +59,8 @@ int CheckIntegrity(sqlite3* inConnection, std::string& outFaults)
     int code = sqlite3_prepare_v2(inConnection, "PRAGMA integrity_check(20)", -1, &query, nullptr);
     while (code == SQLITE_OK || code == SQLITE_ROW) {
         code = sqlite3_step(query);
-        const auto* const text = code == SQLITE_ROW ? reinterpret_cast<const char*>(sqlite3_column_text(query, 0)) : nullptr;
+        const auto* const text =
+            code == SQLITE_ROW ? reinterpret_cast<const char*>(sqlite3_column_text(query, 0)) : nullptr;
         if (text != nullptr && std::strcmp(text, "ok") != 0) {
             outFaults += outFaults.empty() ? text : std::string("; ") + text;
         }
@@ -71,28 +72,22 @@ int CheckIntegrity(sqlite3* inConnection, std::string& outFaults)
 SystemError ErrorOfCode(int inCode, int inErrno)
 {
     switch (inCode & 0xFF) {
-    case SQLITE_OK:
-        return kNoError;
-    case SQLITE_NOMEM:
-        return kErrorNotEnoughMemory;
-    case SQLITE_FULL:
-        return kErrorDiskFull;
+    case SQLITE_OK: return kNoError;
+    case SQLITE_NOMEM: return kErrorNotEnoughMemory;
+    case SQLITE_FULL: return kErrorDiskFull;
     case SQLITE_READONLY:
     case SQLITE_PERM:
-    case SQLITE_AUTH:
-        return kErrorAccessDenied;
+    case SQLITE_AUTH: return kErrorAccessDenied;
     case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return kErrorBusy;
+    case SQLITE_LOCKED: return kErrorBusy;
     case SQLITE_CANTOPEN:
     case SQLITE_IOERR:
         if (inCode == SQLITE_IOERR_NOMEM) {
             return kErrorNotEnoughMemory;
         }
         return inErrno == 0 || inErrno == ENOENT || inErrno == ENOTDIR ? kErrorRegistryIoFailed
-                                                                        : SystemErrorFromErrno(inErrno);
-    default:
-        return kErrorRegistryIoFailed;
+                                                                       : SystemErrorFromErrno(inErrno);
+    default: return kErrorRegistryIoFailed;
     }
 }
 
@@ -182,8 +177,10 @@ SystemError Database::Prepare()
 {
     sqlite3_busy_timeout(mConnection, kBusyMilliseconds);
     // Do not run code of a foreign database, such as triggers and views.
-    for (const auto& [option, value] : {std::pair{SQLITE_DBCONFIG_DEFENSIVE, 1}, {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
-                                        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0}, {SQLITE_DBCONFIG_ENABLE_VIEW, 0}}) {
+    for (const auto& [option, value] : {std::pair{SQLITE_DBCONFIG_DEFENSIVE, 1},
+                                        {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_VIEW, 0}}) {
         sqlite3_db_config(mConnection, option, value, nullptr);
     }
     sqlite3_commit_hook(mConnection, &OnCommit, this);
@@ -194,10 +191,10 @@ SystemError Database::Prepare()
     if (error == kNoError && !mIsReadOnly) {
         int keep = 1; // keep the journal's files: readers need them but cannot create them
         sqlite3_file_control(mConnection, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
-        error = Execute(mBoard.IsOpen()
-                            ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
-                              "PRAGMA journal_size_limit = 8388608" // twice its size between two checkpoints
-                            : "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
+        error =
+            Execute(mBoard.IsOpen() ? "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; "
+                                      "PRAGMA journal_size_limit = 8388608" // twice its size between two checkpoints
+                                    : "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
     }
     if (error == kNoError && isNew) {
         error = mIsReadOnly ? kErrorFileNotFound : MakeSchema();
@@ -218,7 +215,8 @@ SystemError Database::CheckSchema(bool& outIsNew)
         outIsNew = application == 0 && version == 0 && text == nullptr;
         if (application == kApplication && version > kVersion) {
             error = kErrorNotRegistryFile;
-        } else if (!outIsNew && (application != kApplication || text == nullptr || std::strcmp(text, kSchemaText) != 0)) {
+        } else if (!outIsNew
+                   && (application != kApplication || text == nullptr || std::strcmp(text, kSchemaText) != 0)) {
             mIsDamaged = true;
             error = kErrorNotRegistryFile;
         }
@@ -346,7 +344,8 @@ std::vector<SetAside> Database::ListSetAside()
 {
     std::vector<SetAside> list;
     sqlite3_stmt* query = nullptr;
-    int code = sqlite3_prepare_v2(mConnection, "SELECT time, file, reason FROM aside ORDER BY time", -1, &query, nullptr);
+    int code =
+        sqlite3_prepare_v2(mConnection, "SELECT time, file, reason FROM aside ORDER BY time", -1, &query, nullptr);
     const auto text = [&query](int inColumn) {
         const auto* const column = reinterpret_cast<const char*>(sqlite3_column_text(query, inColumn));
         return std::string(column != nullptr ? column : "");

@@ -6,9 +6,9 @@
 //   aside time, file, reason             databases that were set aside before this one was created
 #pragma once
 
-#include "LinuxRegistryBoard.h"
 #include "../LinuxRegistryLocations.h"
 #include "../LinuxRegistryNames.h"
+#include "LinuxRegistryBoard.h"
 
 #include <Platform/Registry.h>
 

@@ -38,7 +38,8 @@ SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTar
             if (++made > kMaxLevelsAtOnce || level >= kMaxLevels) {
                 return kErrorInvalidParameter;
             }
-            error = Statement(mDatabase, Database::kInsertKey).Bind(1, key).Bind(2, UnitsView(mFolded)).Bind(3, name).Run();
+            error =
+                Statement(mDatabase, Database::kInsertKey).Bind(1, key).Bind(2, UnitsView(mFolded)).Bind(3, name).Run();
             next = mDatabase.LastRow();
         }
         key = next;

@@ -1,8 +1,8 @@
 #include "LinuxRegistryFolder.h"
 
 #include "../../Calls/LinuxErrors.h"
-#include "../../Paths/LinuxOpenFolder.h"
 #include "../../Calls/SystemCalls.h"
+#include "../../Paths/LinuxOpenFolder.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -46,8 +46,8 @@ constexpr std::size_t kDateSize = 16; // 20261122T031500Z
 // Converts 20261122T031500Z to 2026-11-22T03:15:00Z.
 std::string TimeOfDate(const std::string& inDate)
 {
-    return inDate.substr(0, 4) + "-" + inDate.substr(4, 2) + "-" + inDate.substr(6, 5) + ":" + inDate.substr(11, 2) + ":"
-           + inDate.substr(13, 3);
+    return inDate.substr(0, 4) + "-" + inDate.substr(4, 2) + "-" + inDate.substr(6, 5) + ":" + inDate.substr(11, 2)
+           + ":" + inDate.substr(13, 3);
 }
 
 bool Exists(const std::string& inPath)
@@ -214,8 +214,9 @@ std::vector<Platform::SetAside> FindSetAside(const std::string& inDatabase)
             list.push_back({folder + name, TimeOfDate(date), std::string()});
         }
     }
-    std::sort(list.begin(), list.end(),
-              [](const Platform::SetAside& inLeft, const Platform::SetAside& inRight) { return inLeft.mFile < inRight.mFile; });
+    std::sort(list.begin(), list.end(), [](const Platform::SetAside& inLeft, const Platform::SetAside& inRight) {
+        return inLeft.mFile < inRight.mFile;
+    });
     return list;
 }
 

@@ -17,7 +17,8 @@ constexpr const char* kTexts[] = {
     "SELECT folded, name, type, data FROM vals WHERE key = ?1",
     "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded = ?2",
     // Sets a value only if its key exists. An existing value keeps the case of its name.
-    "INSERT INTO vals(key, folded, name, type, data) SELECT ?1, ?2, ?3, ?4, ?5 WHERE EXISTS(SELECT 1 FROM keys WHERE id = ?1) "
+    "INSERT INTO vals(key, folded, name, type, data) SELECT ?1, ?2, ?3, ?4, ?5 WHERE EXISTS(SELECT 1 FROM keys WHERE "
+    "id = ?1) "
     "ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data",
     "DELETE FROM vals WHERE key = ?1 AND folded = ?2",
     "WITH RECURSIVE doomed(id) AS (VALUES(?1) UNION SELECT keys.id FROM keys JOIN doomed ON keys.parent = doomed.id) "

@@ -1,8 +1,8 @@
 // Opens the database, updates memory from it, and finds keys.
 #include "LinuxRegistryStoreWork.h"
 
-#include "LinuxRegistryFolder.h"
 #include "../LinuxRegistryTrace.h"
+#include "LinuxRegistryFolder.h"
 
 #include <ctime>
 #include <unistd.h>

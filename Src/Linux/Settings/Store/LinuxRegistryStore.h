@@ -7,10 +7,10 @@
 // mDatabaseLock only.
 #pragma once
 
-#include "LinuxFairMutex.h"
-#include "LinuxRegistryDatabase.h"
 #include "../LinuxRegistryHandles.h"
 #include "../LinuxRegistryLocations.h"
+#include "LinuxFairMutex.h"
+#include "LinuxRegistryDatabase.h"
 #include "LinuxRegistryTree.h"
 
 #include <Platform/Registry.h>
@@ -46,7 +46,8 @@ public:
     SystemError Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants);
     SystemError Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
     SystemError Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize);
-    SystemError Set(const HandleParts& inKey, UnitsView inName, unsigned inType, const void* inData, std::size_t inSize);
+    SystemError Set(const HandleParts& inKey, UnitsView inName, unsigned inType, const void* inData,
+                    std::size_t inSize);
     SystemError DeleteValue(const HandleParts& inKey, UnitsView inName);
     SystemError List(const HandleParts& inKey, std::vector<Platform::Value>& outValues);
     SystemError Apply(const std::vector<Platform::Edit>& inEdits);
@@ -110,9 +111,9 @@ private:
     int mProcess = 0; // the process that opened the database
     Tree mTree;
     HandleTable mHandles;
-    Units mFolded;              // buffer for the name that is looked up, guarded by mMemoryLock
+    Units mFolded; // buffer for the name that is looked up, guarded by mMemoryLock
     std::uint64_t mAppliedGeneration = kUnknownGeneration; // the board's generation whose changes are in memory
-    std::int64_t mVersion = -1;                            // for a database without a board: the data version whose contents are in memory
+    std::int64_t mVersion = -1;        // for a database without a board: the data version whose contents are in memory
     std::uint64_t mFilesCheckedAt = 0; // when the files of the database and its board were last found under their names
 };
 

@@ -4,10 +4,10 @@
 // Not thread-safe; the store locks it.
 #pragma once
 
-#include "LinuxRegistryBoard.h"
 #include "../LinuxRegistryNames.h"
 #include "../LinuxRegistryStaleNames.h"
 #include "../LinuxRegistryValueTable.h"
+#include "LinuxRegistryBoard.h"
 
 #include <cstdint>
 #include <memory>
@@ -29,8 +29,8 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     Units mFolded;
     Units mName;
     bool mIsDeleted = false;
-    bool mHasSubKeys = false; // mSubKeys is loaded
-    bool mHasValues = false;  // mValues is loaded, except those of mStale
+    bool mHasSubKeys = false;                         // mSubKeys is loaded
+    bool mHasValues = false;                          // mValues is loaded, except those of mStale
     std::vector<std::shared_ptr<StoredKey>> mSubKeys; // sorted by folded name
     ValueTable mValues;
     StaleNames mStale; // the values of these names in mValues are marked stale

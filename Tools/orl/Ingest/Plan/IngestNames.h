@@ -1,8 +1,8 @@
 // Names that differ at the source but are the same file at the destination.
 #pragma once
 
-#include "IngestListing.h"
 #include "../Record/IngestRecord.h"
+#include "IngestListing.h"
 #include "IngestRoots.h"
 
 #include <set>

@@ -39,9 +39,8 @@ public:
         PlanFolders();
         std::sort(mListing.mFiles.begin(), mListing.mFiles.end(),
                   [](const ListedFile& inLeft, const ListedFile& inRight) { return inLeft.mName < inRight.mName; });
-        const std::set<std::string> taken = mRequest.mIsDryRun
-                                                ? std::set<std::string>()
-                                                : FindCollisions(mListing.mFiles, mRoots, mRequest.mRecord);
+        const std::set<std::string> taken =
+            mRequest.mIsDryRun ? std::set<std::string>() : FindCollisions(mListing.mFiles, mRoots, mRequest.mRecord);
         for (const ListedFile& file : mListing.mFiles) {
             CheckStopped();
             if (taken.count(file.mName) == 0) {

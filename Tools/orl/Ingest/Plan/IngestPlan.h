@@ -1,9 +1,9 @@
 // The plan of an ingest, made before anything is changed.
 #pragma once
 
-#include "IngestListing.h"
 #include "../Record/IngestManifest.h"
 #include "../Record/IngestRecord.h"
+#include "IngestListing.h"
 #include "IngestRoots.h"
 
 #include <cstdint>

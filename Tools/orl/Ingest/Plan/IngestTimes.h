@@ -1,8 +1,8 @@
 // Last-write times on a file system that stores them less precisely than the source's.
 #pragma once
 
-#include "../Record/IngestRecord.h"
 #include "../IngestSystem.h"
+#include "../Record/IngestRecord.h"
 
 #include <string>
 

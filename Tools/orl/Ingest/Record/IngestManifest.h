@@ -6,8 +6,8 @@
 // program wrote them.
 #pragma once
 
-#include "IngestRecord.h"
 #include "../Plan/IngestRoots.h"
+#include "IngestRecord.h"
 
 #include <ORLFile.h>
 #include <map>

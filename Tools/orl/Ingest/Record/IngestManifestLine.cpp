@@ -29,17 +29,10 @@ std::string EscapedName(const std::string& inName)
     std::string escaped;
     for (const char character : inName) {
         switch (character) {
-        case '\\':
-            escaped += "\\\\";
-            break;
-        case '\n':
-            escaped += "\\n";
-            break;
-        case '\r':
-            escaped += "\\r";
-            break;
-        default:
-            escaped += character;
+        case '\\': escaped += "\\\\"; break;
+        case '\n': escaped += "\\n"; break;
+        case '\r': escaped += "\\r"; break;
+        default: escaped += character;
         }
     }
     return escaped;

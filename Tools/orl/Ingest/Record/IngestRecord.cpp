@@ -160,7 +160,8 @@ void IngestRecord::OpenOnce()
         ORL::ResultSucceeded(query) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
         Attributes::kFileAttribute_Normal, true);
     const bool hasChanged =
-        ORL::ResultSucceeded(query) != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status)); // then try again
+        ORL::ResultSucceeded(query)
+        != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status)); // then try again
     if (result == ORL::kSharingViolation || !hasChanged) {
         CheckOpened(result);
     }
@@ -254,10 +255,10 @@ void IngestRecord::Peek()
     if (status.mKind != EntryStatus::kFile) {
         RefuseForeign();
     }
-    const ORL::Result result = mFile.Create(
-        mFolder.PathOf(mName), Access::kFileAccess_Read,
-        Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete,
-        Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
+    const ORL::Result result =
+        mFile.Create(mFolder.PathOf(mName), Access::kFileAccess_Read,
+                     Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete,
+                     Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
     CheckOpened(result);
     const std::string text = ReadText();
     mFile.Close(); // so that the destructor deletes nothing

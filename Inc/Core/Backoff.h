@@ -1,4 +1,3 @@
-// Floor: Core
 // Repeated short waits, for code without an event to wait for.
 #pragma once
 
