@@ -3,6 +3,7 @@
 #include <CheckRecorder.h>
 #include <TempFolder.h>
 
+#include <ORLApplication.h>
 #include <ORLResources.h>
 
 #include <fstream>
@@ -124,6 +125,21 @@ TEST(Module, GetPath_AsksThePlatformOnce)
     module->GetPath(second);
     EXPECT_EQ(Show(LibraryPath(PlugInFile("resources_lookup"))), Show(first));
     EXPECT_EQ(Show(first), Show(second));
+    EXPECT_EQ(before + 1, CountOfPathQueries());
+}
+
+TEST(Application, FilePath_AsksThePlatformOnce)
+{
+    struct Host : Application
+    {
+        using Application::Application;
+        int Run() override { return 0; }
+    };
+    const ModulePtr module = LoadPlugIn("resources_lookup");
+    Host host(ModulePtr(), module, UTF16String(), 0);
+    const unsigned int before = CountOfPathQueries();
+    EXPECT_EQ(Show(LibraryPath(PlugInFile("resources_lookup"))), Show(host.GetApplicationFilePath()));
+    EXPECT_EQ(Show(LibraryPath(PlugInFile("resources_lookup"))), Show(host.GetApplicationFilePath()));
     EXPECT_EQ(before + 1, CountOfPathQueries());
 }
 

@@ -222,6 +222,7 @@ TEST_F(OrlStream, ClipLargerThanTheDisksRoom_IsRefusedBeforeAnythingIsWritten)
     EXPECT_EQ(1, result.mExitCode);
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
     EXPECT_NE(std::string::npos, result.mErrors.find("the disk has ")) << result.mErrors;
+    EXPECT_NE(std::string::npos, result.mErrors.find(" free, but ")) << result.mErrors;
     EXPECT_TRUE(std::filesystem::is_empty(mFolder.Host()));
 }
 
