@@ -77,7 +77,11 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
     const auto keep = [&] {
         for (const NewKey& key : made) {
             mTree.Insert(*last, key.mId, key.mFolded, key.mName);
-            last = Tree::Find(*last, key.mFolded)->get();
+            const std::shared_ptr<StoredKey>* const inserted = Tree::Find(*last, key.mFolded);
+            if (inserted == nullptr) {
+                break; // the database has been tampered with: it gave the key the identifier of a different one
+            }
+            last = inserted->get();
         }
         return kNoError;
     };

@@ -104,7 +104,7 @@ void PrintFiles(const std::vector<IngestItem>& inItems)
     const std::size_t count = std::min(inItems.size(), kMostRows);
     std::size_t width = 4;
     for (std::size_t i = 0; i < count; ++i) {
-        width = std::max(width, ColumnsOf(EndOf(inItems[i].mName, kWidestName)));
+        width = std::max(width, ColumnsOf(TruncateFront(inItems[i].mName, kWidestName)));
     }
     const auto line = [width](const std::string& inName, const std::string& inBytes, const char* inWork) {
         std::cout << "  " << PaddedTo(width, inName) << std::right << std::setw(14) << inBytes << "  " << inWork
@@ -112,7 +112,7 @@ void PrintFiles(const std::vector<IngestItem>& inItems)
     };
     line("file", "bytes", "work");
     for (std::size_t i = 0; i < count; ++i) {
-        line(EndOf(inItems[i].mName, kWidestName), std::to_string(inItems[i].mSize), WorkOf(inItems[i]));
+        line(TruncateFront(inItems[i].mName, kWidestName), std::to_string(inItems[i].mSize), WorkOf(inItems[i]));
     }
     if (inItems.size() > count) {
         std::cout << "  ... and " << inItems.size() - count << " more\n";

@@ -46,7 +46,7 @@ private:
     {
         ORL::Result result = mContext.mRoots.OpenDestination(FolderOf(mFile.mName), mFolder);
         if (ORL::ResultSucceeded(result)) {
-            result = mFolder.Look(mLeaf, Links::kFollow, mStatus);
+            result = mFolder.GetStatus(mLeaf, Links::kFollow, mStatus);
         }
         if (result == ORL::kFileNotFound || result == ORL::kPathNotFound) {
             Set(VerifiedFile::kMissing, std::string());
@@ -85,8 +85,8 @@ private:
     void CompareContents()
     {
         UnbufferedRead read;
-        read.mWho = "verify";
-        read.mShown = mFile.mName;
+        read.mCommand = "verify";
+        read.mDisplayName = mFile.mName;
         read.mPath = mFolder.PathOf(mLeaf);
         read.mSize = mStatus.mSize;
         read.mDepth = kReadsInFlight;
@@ -99,7 +99,7 @@ private:
             return;
         }
         EntryStatus after;
-        const bool isSame = ORL::ResultSucceeded(mFolder.Look(mLeaf, Links::kFollow, after))
+        const bool isSame = ORL::ResultSucceeded(mFolder.GetStatus(mLeaf, Links::kFollow, after))
                             && after.mIdentity == mStatus.mIdentity && after.mSize == mStatus.mSize
                             && after.mTime == mStatus.mTime;
         if (!isSame) {

@@ -53,7 +53,7 @@ private:
     {
         HeldFolder folder;
         Check(mRoots.OpenSource("", folder));
-        const ORL::Result result = folder.Look(mName, Links::kNoFollow, mList.mStatus);
+        const ORL::Result result = folder.GetStatus(mName, Links::kNoFollow, mList.mStatus);
         if (result == ORL::kFileNotFound) {
             throw Failure("verify: there is no list \"" + mShown + "\" (--manifest names another)");
         }
@@ -141,7 +141,7 @@ try {
             return std::string();
         }
         if (!part.empty() && part != ".") {
-            name = Below(name, part);
+            name = NameBelow(name, part);
         }
         at = end + 1;
     }
