@@ -48,9 +48,11 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
     return Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
 }
 
+enum class RunEnd { kFinished, kStoppedByUser };
+
 // Reports every trouble on its own line; the last is thrown as the program's error. If the user stopped the run, the
 // stop is the last trouble and decides the exit code, otherwise the first trouble does.
-void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, bool inIsStopped)
+void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, RunEnd inEnd)
 {
     if (inTroubles.empty()) {
         return;
@@ -58,7 +60,8 @@ void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, bool inIsStopp
     for (std::size_t i = 0; i + 1 < inTroubles.size(); ++i) {
         ReportError(inTroubles[i].mText);
     }
-    throw Failure(inTroubles.back().mText, (inIsStopped ? inTroubles.back() : inTroubles.front()).mExitCode);
+    throw Failure(inTroubles.back().mText,
+                  (inEnd == RunEnd::kStoppedByUser ? inTroubles.back() : inTroubles.front()).mExitCode);
 }
 
 void Run(const Options& inOptions)
@@ -74,7 +77,7 @@ void Run(const Options& inOptions)
     if (inOptions.mIsDryRun) {
         PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested),
                      destinations);
-        ReportAndThrow(TroublesOf(destinations), false);
+        ReportAndThrow(TroublesOf(destinations), RunEnd::kFinished);
         return;
     }
     const IngestedSource source = Ingest(inOptions, destinations);
@@ -96,7 +99,7 @@ void Run(const Options& inOptions)
         }
         std::_Exit(kExitDisappeared);
     }
-    ReportAndThrow(troubles, isStopped);
+    ReportAndThrow(troubles, isStopped ? RunEnd::kStoppedByUser : RunEnd::kFinished);
 }
 
 } // namespace

@@ -65,7 +65,7 @@ private:
         if (mContext.mSourceFolders.count(mTarget.Identity()) != 0) {
             throw IngestFailure("the folder of \"" + mItem.mName
                                     + "\" at the destination leads into the source; nothing was written there",
-                                kExitNameConflict, false);
+                                kExitNameConflict, FailureScope::kFile);
         }
     }
 
@@ -77,7 +77,7 @@ private:
         ReportStep(IngestStep::kCopied);
         if (DigestOnDisk(mTemporary) != digest) {
             throw IngestFailure("\"" + mItem.mName + "\" reads back differently from the destination, and was not kept",
-                                kExitMismatch, false);
+                                kExitMismatch, FailureScope::kFile);
         }
         ReportStep(IngestStep::kVerified);
         RenameIntoPlace();
@@ -328,12 +328,13 @@ private:
         if (ResultSucceeded(inResult)) {
             return;
         }
-        if (IsSourceGone(mContext.mRoots, true)) {
+        if (IsSourceGone(mContext.mRoots, SourceWas::kNotEmpty)) {
             throw IngestFailure("the source \"" + mContext.mRoots.mShownSource
                                     + "\" is gone; files in place are complete and are kept",
-                                kExitDisappeared, true);
+                                kExitDisappeared, FailureScope::kRun);
         }
-        throw IngestFailure("cannot read \"" + mItem.mName + "\": " + Describe(inResult), kExitUnreadable, false);
+        throw IngestFailure("cannot read \"" + mItem.mName + "\": " + Describe(inResult), kExitUnreadable,
+                            FailureScope::kFile);
     }
 
     void CheckTarget(Result inResult) const
@@ -344,11 +345,11 @@ private:
         const std::string& shown = mContext.mRoots.mShownDestination;
         if (inResult == ORL::kDiskFull) {
             throw IngestFailure("\"" + shown + "\" is full; files in place are complete and are kept", kExitNoSpace,
-                                true);
+                                FailureScope::kRun);
         }
         CheckDestination();
         throw IngestFailure("cannot write \"" + mItem.mName + "\" at \"" + shown + "\": " + Describe(inResult),
-                            kExitFailure, false);
+                            kExitFailure, FailureScope::kFile);
     }
 
     // If the volume was unmounted, a file would be written to the disk that holds the mount point.
@@ -356,19 +357,20 @@ private:
     {
         if (IsDestinationGone(mContext.mRoots)) {
             throw IngestFailure("the destination \"" + mContext.mRoots.mShownDestination + "\" is gone",
-                                kExitDisappeared, true);
+                                kExitDisappeared, FailureScope::kRun);
         }
     }
 
     [[noreturn]] void ThrowChanged() const
     {
         throw IngestFailure("\"" + mItem.mName + "\" changed while it was copied, and was not kept", kExitChanged,
-                            false);
+                            FailureScope::kFile);
     }
 
     [[noreturn]] void ThrowNameConflict() const
     {
-        throw IngestFailure("cannot copy \"" + mItem.mName + "\": " + kTakenByOtherFile, kExitNameConflict, false);
+        throw IngestFailure("cannot copy \"" + mItem.mName + "\": " + kTakenByOtherFile, kExitNameConflict,
+                            FailureScope::kFile);
     }
 
     void ReportStep(IngestStep inStep) const

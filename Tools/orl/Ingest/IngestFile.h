@@ -39,21 +39,23 @@ struct IngestContext
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty
 };
 
+/// The files that a failure concerns: a full disk or a card that is gone makes the others fail too.
+enum class FailureScope { kFile, kRun };
+
 /// Thrown when a file cannot be ingested. Its temporary file has been removed, or remains in the record for a later run
 /// to remove.
 class IngestFailure : public Failure
 {
 public:
-    IngestFailure(const std::string& inText, int inExitCode, bool inEndsRun)
-        : Failure("ingest: " + inText, inExitCode), mEndsRun(inEndsRun)
+    IngestFailure(const std::string& inText, int inExitCode, FailureScope inScope)
+        : Failure("ingest: " + inText, inExitCode), mScope(inScope)
     {
     }
 
-    /// Whether the other files will fail too, because the disk is full or the card is gone.
-    bool EndsRun() const noexcept { return mEndsRun; }
+    FailureScope Scope() const noexcept { return mScope; }
 
 private:
-    bool mEndsRun;
+    FailureScope mScope;
 };
 
 /// Thrown between two blocks when the run is stopped.

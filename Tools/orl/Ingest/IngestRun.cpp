@@ -53,7 +53,7 @@ public:
             Prepare();
             CopyAll();
         } catch (const Failure& failure) {
-            AddTrouble(failure, true);
+            AddTrouble(failure, FailureScope::kRun);
         }
         mContext.mSource.UnregisterDestination(mContext.mDestination);
         Acknowledge();
@@ -171,25 +171,25 @@ private:
             mFiles[inIndex] = std::move(file);
         } catch (const IngestStopped&) { // the temporary file has been removed
         } catch (const IngestFailure& failure) {
-            AddTrouble(failure, failure.EndsRun());
+            AddTrouble(failure, failure.Scope());
         } catch (const NoAnswer& failure) {
-            AddTrouble(failure, true);
+            AddTrouble(failure, FailureScope::kRun);
             mIsDiskUnresponsive = true;
         } catch (const Failure& failure) { // thrown by the manifest or the record
-            AddTrouble(failure, true);
+            AddTrouble(failure, FailureScope::kRun);
         } catch (const std::exception& failure) {
-            AddTrouble(Failure("ingest: " + std::string(failure.what())), true);
+            AddTrouble(Failure("ingest: " + std::string(failure.what())), FailureScope::kRun);
         }
     }
 
     // The failure that ends the run may occur for several files; only the first reports it.
-    void AddTrouble(const Failure& inFailure, bool inEndsRun)
+    void AddTrouble(const Failure& inFailure, FailureScope inScope)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        if (!inEndsRun || !mHasEndedItself) {
+        if (inScope == FailureScope::kFile || !mHasEndedItself) {
             mOutcome.mTroubles.push_back({inFailure.what(), inFailure.ExitCode()});
         }
-        if (inEndsRun) {
+        if (inScope == FailureScope::kRun) {
             mHasEndedItself = true;
             mIsEnding = true;
         }
@@ -253,7 +253,7 @@ private:
                 mManifest.Compact();
             }
         } catch (const Failure& failure) {
-            AddTrouble(failure, true);
+            AddTrouble(failure, FailureScope::kRun);
         }
     }
 

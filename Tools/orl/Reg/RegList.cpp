@@ -50,12 +50,14 @@ void PrintBelow(const RegListPlan& inPlan, const RegKeyName& inKey, std::size_t 
     }
 }
 
+enum class KeyContent { kNameOnly, kValuesAndKeys };
+
 void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::string& inName, std::size_t inLevel,
-               bool inIsOpen)
+               KeyContent inContent)
 {
     const std::string indent = Indent(inLevel);
     std::cout << indent << "{\"name\": " << JsonQuoted(inName);
-    if (inIsOpen) {
+    if (inContent == KeyContent::kValuesAndKeys) {
         const char* separator = "\n";
         std::cout << ", \"values\": [";
         for (const RegistryValue& value : ReadRegValues(kCommand, inKey)) {
@@ -64,9 +66,10 @@ void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::st
         }
         std::cout << "], \"keys\": [";
         separator = "\n";
+        const KeyContent below = inPlan.mIsRecursive ? KeyContent::kValuesAndKeys : KeyContent::kNameOnly;
         for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
             std::cout << separator;
-            PrintJson(inPlan, RegSubKey(inKey, name), ToUTF8(name), inLevel + 1, inPlan.mIsRecursive);
+            PrintJson(inPlan, RegSubKey(inKey, name), ToUTF8(name), inLevel + 1, below);
             separator = ",\n";
         }
         std::cout << ']';
@@ -79,7 +82,7 @@ void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::st
 void ListRegKey(const RegListPlan& inPlan)
 {
     if (inPlan.mAsJson) {
-        PrintJson(inPlan, inPlan.mKey, ShowRegKeyName(inPlan.mKey), 0, true);
+        PrintJson(inPlan, inPlan.mKey, ShowRegKeyName(inPlan.mKey), 0, KeyContent::kValuesAndKeys);
         std::cout << '\n';
         return;
     }

@@ -109,7 +109,7 @@ private:
 
     void CheckSource() const
     {
-        if (IsSourceGone(mRoots, !mListing.mFiles.empty())) {
+        if (IsSourceGone(mRoots, mListing.mFiles.empty() ? SourceWas::kEmpty : SourceWas::kNotEmpty)) {
             throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" disappeared while it was listed",
                           kExitDisappeared);
         }

@@ -191,12 +191,12 @@ void MakeDestination(IngestRoots& ioRoots)
     }
 }
 
-bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething)
+bool IsSourceGone(const IngestRoots& inRoots, SourceWas inSourceWas)
 {
     HeldFolder folder;
     std::vector<std::string> held;
     return !ORL::ResultSucceeded(inRoots.OpenSource("", folder))
-           || (inHeldSomething && (!ORL::ResultSucceeded(folder.List(held)) || held.empty()));
+           || (inSourceWas == SourceWas::kNotEmpty && (!ORL::ResultSucceeded(folder.List(held)) || held.empty()));
 }
 
 bool IsDestinationGone(const IngestRoots& inRoots)

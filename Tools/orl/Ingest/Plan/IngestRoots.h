@@ -39,9 +39,11 @@ void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther);
 /// Creates the destination and its missing parent folders. Their names are on disk when this returns. Throws Failure.
 void MakeDestination(IngestRoots& ioRoots);
 
+enum class SourceWas { kEmpty, kNotEmpty };
+
 /// Whether the source is gone: a different folder is at its path (for example after an unmount), or the source had
 /// entries and is now empty or cannot be listed.
-bool IsSourceGone(const IngestRoots& inRoots, bool inHeldSomething);
+bool IsSourceGone(const IngestRoots& inRoots, SourceWas inSourceWas);
 
 bool IsDestinationGone(const IngestRoots& inRoots);
 

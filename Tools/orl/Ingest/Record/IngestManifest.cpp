@@ -112,7 +112,7 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
         text.append(block.data(), count);
         std::size_t at = 0;
         for (std::size_t end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
-            ReadLine(text.substr(at, end - at), start + at, true);
+            ReadLine(text.substr(at, end - at), start + at, LineEnd::kBreak);
         }
         text.erase(0, at);
         start += at;
@@ -127,14 +127,14 @@ void IngestManifest::ReadLines(ORL::File& ioFile)
         mLength = start;
         mEndsWithBreak = true;
     } else if (!text.empty()) {
-        ReadLine(text, start, false);
+        ReadLine(text, start, LineEnd::kEndOfFile);
     }
 }
 
-void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole)
+void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, LineEnd inEnd)
 {
     Line line;
-    const std::uint64_t length = inText.size() + (inIsWhole ? 1 : 0);
+    const std::uint64_t length = inText.size() + (inEnd == LineEnd::kBreak ? 1 : 0);
     const std::vector<std::uint64_t>& withdrawn = mRecord.Remains().mCommentedOut;
     if (ParseManifestLine(inText, line)) {
         mLines[line.mName].push_back({inAt, length, line.mDigest});

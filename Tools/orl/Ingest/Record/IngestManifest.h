@@ -58,6 +58,8 @@ public:
     void Compact();
 
 private:
+    enum class LineEnd { kBreak, kEndOfFile };
+
     struct LineRange
     {
         std::uint64_t mAt;
@@ -67,7 +69,7 @@ private:
 
     void CheckStatus();
     void ReadLines(ORL::File& ioFile);
-    void ReadLine(const std::string& inText, std::uint64_t inAt, bool inIsWhole);
+    void ReadLine(const std::string& inText, std::uint64_t inAt, LineEnd inEnd);
     void OpenToWrite();
     void UpdateRecord();
     void CommentOutLines(const std::string& inName);

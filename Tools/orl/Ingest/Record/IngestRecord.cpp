@@ -234,14 +234,14 @@ void IngestRecord::Read()
     if (text.size() < sizeof(kHeader) - 1) {
         mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_Begin);
         mFile.SetEndOfFile();
-        Write(kHeader, false);
+        Write(kHeader, AfterWrite::kReturn);
         return;
     }
     TakeUpLines(text);
     mTemporaries = mRemains.mTemporaries;
     mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mCommentedOut.empty(); // until the manifest is read
     if (text.back() != '\n') {
-        Write("\n", false); // ends the incomplete line of a killed run, which is ignored
+        Write("\n", AfterWrite::kReturn); // ends the incomplete line of a killed run, which is ignored
     }
 }
 
@@ -286,7 +286,7 @@ std::string IngestRecord::NewTemporary(const std::string& inFolder)
 {
     std::string leaf = RandomTemporaryName();
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kTemporary) + " " + EscapedName(NameBelow(inFolder, leaf)) + "\n", false);
+    Write(std::string(1, kTemporary) + " " + EscapedName(NameBelow(inFolder, leaf)) + "\n", AfterWrite::kReturn);
     mTemporaries.insert(NameBelow(inFolder, leaf));
     return leaf;
 }
@@ -300,13 +300,13 @@ void IngestRecord::ForgetTemporary(const std::string& inFolder, const std::strin
 void IngestRecord::RecordManifestLength(std::uint64_t inLength)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kLength) + " " + std::to_string(inLength) + "\n", true);
+    Write(std::string(1, kLength) + " " + std::to_string(inLength) + "\n", AfterWrite::kFlush);
 }
 
 void IngestRecord::RecordManifestComplete()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kLength) + " " + kWhole + "\n", false);
+    Write(std::string(1, kLength) + " " + kWhole + "\n", AfterWrite::kReturn);
 }
 
 void IngestRecord::SetNeededByManifest(bool inIsNeeded)
@@ -318,10 +318,10 @@ void IngestRecord::SetNeededByManifest(bool inIsNeeded)
 void IngestRecord::RecordCommentedOut(std::uint64_t inPlace)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Write(std::string(1, kCommentedOut) + " " + std::to_string(inPlace) + "\n", true);
+    Write(std::string(1, kCommentedOut) + " " + std::to_string(inPlace) + "\n", AfterWrite::kFlush);
 }
 
-void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
+void IngestRecord::Write(const std::string& inLine, AfterWrite inAfter)
 {
     mFile.SetFilePointer(0, ORL::FilePointerMoveMethod::kFilePointer_End);
     ORL::Result result = ORL::kSuccess;
@@ -331,7 +331,7 @@ void IngestRecord::Write(const std::string& inLine, bool inIsFlushed)
         at += written;
     }
     const bool isWritten = ORL::ResultSucceeded(result);
-    if (isWritten && inIsFlushed && !FlushFile(mFile)) {
+    if (isWritten && inAfter == AfterWrite::kFlush && !FlushFile(mFile)) {
         result = ORL::kGeneralFailure;
     }
     if (!ORL::ResultSucceeded(result)) {

@@ -66,6 +66,8 @@ public:
     void SetNeededByManifest(bool inIsNeeded);
 
 private:
+    enum class AfterWrite { kReturn, kFlush };
+
     void OpenOnce();
     bool IsFileCurrent();
     void Read();
@@ -73,7 +75,7 @@ private:
     void TakeUpLines(const std::string& inText);
     [[noreturn]] void RefuseForeign() const;
     void CheckOpened(ORL::Result inResult) const;
-    void Write(const std::string& inLine, bool inIsFlushed);
+    void Write(const std::string& inLine, AfterWrite inAfter);
 
     const IngestRoots& mRoots;
     const std::string mName;
