@@ -125,8 +125,10 @@ struct StoreState
     std::vector<SetAside> mSetAside;
 };
 
-/// Returns the state of the store of a root. With inCheck reads all of it.
-StoreState GetStoreState_Impl(KeyHandle inRoot, bool inCheck);
+enum class StoreCheck { kNone, kEverything };
+
+/// Returns the state of the store of a root. With kEverything checks all of it.
+StoreState GetStoreState_Impl(KeyHandle inRoot, StoreCheck inCheck);
 
 } // namespace Platform
 } // namespace Registry

@@ -123,7 +123,7 @@ SystemError ApplyBelow(RegistryRootKeys::Type inRoot, const std::vector<Registry
     return error;
 }
 
-RegistryStoreState StateOf(RegistryRootKeys::Type inRoot, bool inCheck)
+RegistryStoreState StateOf(RegistryRootKeys::Type inRoot, StoreCheck inCheck)
 {
     StoreState state = GetStoreState_Impl(RootOf(inRoot), inCheck);
     RegistryStoreState result;
@@ -197,12 +197,12 @@ Result Apply(const std::vector<RegistryEdit>& inEdits)
 
 RegistryStoreState Check(RegistryRootKeys::Type inRoot)
 {
-    return StateOf(inRoot, true);
+    return StateOf(inRoot, StoreCheck::kEverything);
 }
 
 RegistryStoreState GetState(RegistryRootKeys::Type inRoot)
 {
-    return StateOf(inRoot, false);
+    return StateOf(inRoot, StoreCheck::kNone);
 }
 
 } // namespace RegistryStore

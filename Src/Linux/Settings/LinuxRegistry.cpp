@@ -18,8 +18,8 @@ namespace {
 
 struct Stores
 {
-    Store mUser{false, &FindUserLocation};
-    Store mMachine{true, &FindMachineLocation};
+    Store mUser{StoreKind::kUser, &FindUserLocation};
+    Store mMachine{StoreKind::kMachine, &FindMachineLocation};
 };
 
 void BeforeFork();
@@ -48,20 +48,20 @@ void BeforeFork()
     TheStores().mMachine.LockForFork();
 }
 
-void AfterFork(bool inIsChild)
+void AfterFork(ForkSide inSide)
 {
-    TheStores().mMachine.UnlockAfterFork(inIsChild);
-    TheStores().mUser.UnlockAfterFork(inIsChild);
+    TheStores().mMachine.UnlockAfterFork(inSide);
+    TheStores().mUser.UnlockAfterFork(inSide);
 }
 
 void AfterForkInParent()
 {
-    AfterFork(false);
+    AfterFork(ForkSide::kParent);
 }
 
 void AfterForkInChild()
 {
-    AfterFork(true);
+    AfterFork(ForkSide::kChild);
 }
 
 // Closes the databases when the library is unloaded or the process exits. A thread that still runs then reopens them.
@@ -202,7 +202,7 @@ SystemError DeleteKey_Impl(KeyHandle inParent, const unsigned short* inPath)
 {
     return inPath == nullptr ? kErrorInvalidParameter
                              : WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
-                                   return ioStore.Delete(inParts, inPath, false);
+                                   return ioStore.Delete(inParts, inPath, Linux::Descendants::kRefuse);
                                });
 }
 
@@ -213,8 +213,9 @@ SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPat
 
 SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath)
 {
-    return WithStore(inParent,
-                     [&](Store& ioStore, const HandleParts& inParts) { return ioStore.Delete(inParts, inPath, true); });
+    return WithStore(inParent, [&](Store& ioStore, const HandleParts& inParts) {
+        return ioStore.Delete(inParts, inPath, Linux::Descendants::kDelete);
+    });
 }
 
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
@@ -265,7 +266,7 @@ SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits)
     return WithStore(inRoot, [&](Store& ioStore, const HandleParts&) { return ioStore.Apply(inEdits); });
 }
 
-StoreState GetStoreState_Impl(KeyHandle inRoot, bool inCheck)
+StoreState GetStoreState_Impl(KeyHandle inRoot, StoreCheck inCheck)
 {
     HandleParts parts;
     Linux::DecodeHandle(inRoot, parts);

@@ -49,7 +49,8 @@ Platform::KeyHandle HandleTable::Add(std::shared_ptr<StoredKey> inKey, unsigned 
     entry.mKey = std::move(inKey);
     entry.mAccess = inAccess;
     const std::uintptr_t bits = static_cast<std::uintptr_t>(entry.mSerial) << kSerialShift
-                                | static_cast<std::uintptr_t>(slot) << kSlotShift | (mIsMachine ? 3u : 1u);
+                                | static_cast<std::uintptr_t>(slot) << kSlotShift
+                                | (mKind == StoreKind::kMachine ? 3u : 1u);
     return reinterpret_cast<Platform::KeyHandle>(bits);
 }
 

@@ -15,6 +15,8 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
+enum class StoreKind { kUser, kMachine };
+
 /// The parts of a handle: its store, its slot there, and the serial number of the slot.
 struct HandleParts
 {
@@ -30,7 +32,7 @@ bool DecodeHandle(Platform::KeyHandle inHandle, HandleParts& outParts) noexcept;
 class HandleTable
 {
 public:
-    explicit HandleTable(bool inIsMachine) noexcept : mIsMachine(inIsMachine) {}
+    explicit HandleTable(StoreKind inKind) noexcept : mKind(inKind) {}
 
     /// Adds a handle. Throws std::bad_alloc.
     Platform::KeyHandle Add(std::shared_ptr<StoredKey> inKey, unsigned inAccess);
@@ -55,7 +57,7 @@ private:
         std::uint32_t mSerial = 0;
     };
 
-    const bool mIsMachine;
+    const StoreKind mKind;
     std::vector<Entry> mEntries;
     std::vector<std::uint32_t> mFree;
 };

@@ -22,11 +22,11 @@ struct NewKey
 
 SystemError Store::Open(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
 {
-    return RunRead([&](bool inMayLoad) {
+    return RunRead([&](ReadSource inSource) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inParent, 0, key);
         error = error == kNoError ? PathNames(inPath).Check() : error;
-        error = error == kNoError ? FindByPath(*key, inPath, inMayLoad, key) : error;
+        error = error == kNoError ? FindByPath(*key, inPath, inSource, key) : error;
         return error == kNoError ? AddHandle(*key, inAccess, outKey) : error;
     });
 }
@@ -99,40 +99,40 @@ SystemError Store::Close(const HandleParts& inKey)
 }
 
 // Finds the key to delete and checks that it may be deleted.
-SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants,
-                                bool inMayLoad, StoredKey*& outKey)
+SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants,
+                                ReadSource inSource, StoredKey*& outKey)
 {
     SystemError error = Resolve(inParent, 0, outKey);
     error = error == kNoError ? PathNames(inPath).Check() : error;
-    error = error == kNoError ? FindByPath(*outKey, inPath, inMayLoad, outKey) : error;
+    error = error == kNoError ? FindByPath(*outKey, inPath, inSource, outKey) : error;
     if (error != kNoError) {
         return error;
     }
     if (outKey == mTree.Root().get()) {
         return kErrorAccessDenied;
     }
-    if (inWithDescendants) {
+    if (inDescendants == Descendants::kDelete) {
         return CheckAccess(Platform::kAccessReadWrite);
     }
-    if (!outKey->mHasSubKeys && !inMayLoad) {
+    if (!outKey->mHasSubKeys && inSource == ReadSource::kMemory) {
         return kNotInMemory;
     }
     error = mTree.LoadSubKeys(*outKey, DatabaseOrNull());
     return error == kNoError && !outKey->mSubKeys.empty() ? kErrorAccessDenied : error;
 }
 
-SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants)
+SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants)
 {
     StoredKey* key = nullptr;
     const SystemError error =
-        RunRead([&](bool inMayLoad) { return FindToDelete(inParent, inPath, inWithDescendants, inMayLoad, key); });
+        RunRead([&](ReadSource inSource) { return FindToDelete(inParent, inPath, inDescendants, inSource, key); });
     if (error != kNoError) {
         return error;
     }
     Change change;
     change.mKind = Change::kSubKeys;
     const auto erase = [&] {
-        SystemError found = FindToDelete(inParent, inPath, inWithDescendants, true, key);
+        SystemError found = FindToDelete(inParent, inPath, inDescendants, ReadSource::kDatabase, key);
         if (found != kNoError) {
             return found;
         }
@@ -149,10 +149,10 @@ SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inP
 
 SystemError Store::Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
 {
-    return RunRead([&](bool inMayLoad) {
+    return RunRead([&](ReadSource inSource) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToListSubKeys, key);
-        if (error == kNoError && !key->mHasSubKeys && !inMayLoad) {
+        if (error == kNoError && !key->mHasSubKeys && inSource == ReadSource::kMemory) {
             return kNotInMemory;
         }
         error = error == kNoError ? mTree.LoadSubKeys(*key, DatabaseOrNull()) : error;

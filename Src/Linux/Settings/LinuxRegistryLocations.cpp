@@ -35,12 +35,14 @@ std::string HomeFolder()
     return isKnown ? found->pw_dir : std::string();
 }
 
-StoreLocation LocationIn(const std::string& inFolder, const char* inName, bool inIsWorldReadable)
+enum class Readers { kOwner, kAllUsers };
+
+StoreLocation LocationIn(const std::string& inFolder, const char* inName, Readers inReaders)
 {
     StoreLocation location;
     location.mFolder = inFolder + "/ORLFoundation";
     location.mDatabase = location.mFolder + "/" + inName;
-    location.mIsWorldReadable = inIsWorldReadable;
+    location.mIsWorldReadable = inReaders == Readers::kAllUsers;
     return location;
 }
 
@@ -56,13 +58,13 @@ StoreLocation FindUserLocation()
         }
         data = home + "/.local/share";
     }
-    return LocationIn(data, "user.registry", false);
+    return LocationIn(data, "user.registry", Readers::kOwner);
 }
 
 StoreLocation FindMachineLocation()
 {
     const std::lock_guard<std::mutex> lock(sMutex);
-    return LocationIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", true);
+    return LocationIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", Readers::kAllUsers);
 }
 
 void SetMachineFolder(const std::string& inFolder)

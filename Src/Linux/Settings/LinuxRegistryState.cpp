@@ -28,17 +28,17 @@ std::string ProblemOf(SystemError inError)
 
 } // namespace
 
-Platform::StoreState Store::State(bool inCheck)
+Platform::StoreState Store::State(Platform::StoreCheck inCheck)
 {
     const std::lock_guard<FairMutex> work(mDatabaseLock);
     const std::lock_guard<std::mutex> memory(mMemoryLock);
     Platform::StoreState state;
-    const SystemError error = OpenAndUpdate(false);
+    const SystemError error = OpenAndUpdate(IfMissing::kReport);
     state.mPlace = mLocation.mDatabase;
     if (error != kNoError) {
         state.mIsWhole = false;
         state.mProblem = ProblemOf(error);
-    } else if (mDatabase.IsOpen() && inCheck) {
+    } else if (mDatabase.IsOpen() && inCheck == Platform::StoreCheck::kEverything) {
         state.mProblem = mDatabase.FindFaults();
         state.mIsWhole = state.mProblem.empty();
     }

@@ -11,7 +11,7 @@ namespace Linux {
 using namespace SystemErrors;
 
 // Returns 2 if the key has no such value.
-SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
+SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, ReadSource inSource,
                              StoredValue*& outValue)
 {
     StoredKey* key = nullptr;
@@ -20,7 +20,7 @@ SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const 
         return error;
     }
     if (!key->Find(inName, outValue)) {
-        if (!inMayLoad) {
+        if (inSource == ReadSource::kMemory) {
             return kNotInMemory;
         }
         error = mTree.LoadValue(*key, inName, DatabaseOrNull(), outValue);
@@ -31,9 +31,9 @@ SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const 
 SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
 {
     const FoldedName name(inName);
-    return RunRead([&](bool inMayLoad) {
+    return RunRead([&](ReadSource inSource) {
         StoredValue* value = nullptr;
-        const SystemError error = FindValue(inKey, kRightToQuery, name, inMayLoad, value);
+        const SystemError error = FindValue(inKey, kRightToQuery, name, inSource, value);
         if (error != kNoError) {
             return error;
         }
@@ -63,7 +63,7 @@ SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, 
     const FoldedName folded(inName);
     {
         const std::lock_guard<std::mutex> memory(mMemoryLock);
-        SystemError error = OpenAndUpdate(true);
+        SystemError error = OpenAndUpdate(IfMissing::kCreate);
         error = error == kNoError ? Resolve(inKey, kRightToSet, key) : error;
         if (error != kNoError) {
             return error;
@@ -87,7 +87,7 @@ SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, 
         return error;
     }
     if (mDatabase.ChangedRows() == 0) { // the key was deleted, or the value does not exist
-        error = OpenAndUpdate(false);
+        error = OpenAndUpdate(IfMissing::kReport);
         error = error == kNoError ? Resolve(inKey, 0, key) : error;
         return error != kNoError ? error : inValue != nullptr ? kErrorKeyDeleted : kErrorFileNotFound;
     }
@@ -128,9 +128,9 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
 SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 {
     const FoldedName name(inName);
-    const SystemError known = RunRead([&](bool inMayLoad) {
+    const SystemError known = RunRead([&](ReadSource inSource) {
         StoredValue* value = nullptr;
-        return FindValue(inKey, kRightToSet, name, inMayLoad, value);
+        return FindValue(inKey, kRightToSet, name, inSource, value);
     });
     if (known != kNoError) {
         return known;
@@ -146,10 +146,10 @@ SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 
 SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& outValues)
 {
-    return RunRead([&](bool inMayLoad) {
+    return RunRead([&](ReadSource inSource) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToQuery, key);
-        if (error == kNoError && !inMayLoad && !key->HasAllValues()) {
+        if (error == kNoError && inSource == ReadSource::kMemory && !key->HasAllValues()) {
             return kNotInMemory;
         }
         error = error == kNoError ? mTree.LoadValues(*key, DatabaseOrNull()) : error;

@@ -214,7 +214,7 @@ SystemError ApplyEdits_Impl(KeyHandle, const std::vector<Edit>&)
     return kErrorNotSupported;
 }
 
-StoreState GetStoreState_Impl(KeyHandle, bool)
+StoreState GetStoreState_Impl(KeyHandle, StoreCheck)
 {
     return StoreState(); // the OS maintains its registry
 }

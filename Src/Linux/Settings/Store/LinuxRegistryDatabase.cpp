@@ -102,14 +102,14 @@ SystemError Database::Error(int inCode) noexcept
     return ErrorOfCode(isSame ? code : inCode, sqlite3_system_errno(mConnection));
 }
 
-SystemError Database::Open(const StoreLocation& inLocation, bool inCreate)
+SystemError Database::Open(const StoreLocation& inLocation, IfMissing inIfMissing)
 {
     Close();
     if (inLocation.mFolder.empty()) {
-        return inCreate ? kErrorRegistryIoFailed : kErrorFileNotFound;
+        return inIfMissing == IfMissing::kCreate ? kErrorRegistryIoFailed : kErrorFileNotFound;
     }
     SystemError error = CheckLocation(inLocation, mFile);
-    if (error == kErrorFileNotFound && inCreate) {
+    if (error == kErrorFileNotFound && inIfMissing == IfMissing::kCreate) {
         error = MakeFolder(inLocation);
         error = error == kNoError ? CheckLocation(inLocation, mFile) : error;
         error = error == kErrorFileNotFound ? kNoError : error;

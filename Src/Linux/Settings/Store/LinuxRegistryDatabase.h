@@ -29,6 +29,8 @@ using Platform::SetAside;
 inline constexpr std::int64_t kRootKey = 1;
 inline constexpr std::int64_t kSoftwareKey = 2; // every new store contains this key
 
+enum class IfMissing { kReport, kCreate };
+
 class Database
 {
 public:
@@ -55,10 +57,10 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database of a location. Returns 2 if it does not exist and inCreate is false. Refuses a database of a
+    /// Opens the database of a location. Returns 2 with kReport if it does not exist. Refuses a database of a
     /// newer version, a symbolic link, and a folder that other users may write. After opening a damaged database fails,
     /// SetAsideIfDamaged renames it.
-    SystemError Open(const StoreLocation& inLocation, bool inCreate);
+    SystemError Open(const StoreLocation& inLocation, IfMissing inIfMissing);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mConnection != nullptr; }
 

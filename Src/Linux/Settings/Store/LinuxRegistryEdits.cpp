@@ -11,7 +11,7 @@ using namespace SystemErrors;
 using Platform::Edit;
 
 // Queries only the database, because memory must not contain uncommitted changes.
-SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget)
+SystemError Store::FindTarget(const unsigned short* inPath, IfMissing inIfMissing, EditTarget& ioTarget)
 {
     const UnitsView path(inPath, LengthOf(inPath));
     if (ioTarget.mKey != 0 && ioTarget.mPath == path) {
@@ -32,7 +32,7 @@ SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTar
             error = find.Error();
         }
         if (error == kNoError && next == 0) {
-            if (!inMake) {
+            if (inIfMissing == IfMissing::kReport) {
                 return kErrorFileNotFound;
             }
             if (++made > kMaxLevelsAtOnce || level >= kMaxLevels) {
@@ -55,7 +55,7 @@ SystemError Store::FindTarget(const unsigned short* inPath, bool inMake, EditTar
 SystemError Store::ApplyOne(const Edit& inEdit, EditTarget& ioTarget)
 {
     const bool makes = inEdit.mKind == Edit::kCreateKey || inEdit.mKind == Edit::kSetValue;
-    const SystemError error = FindTarget(inEdit.mPath, makes, ioTarget);
+    const SystemError error = FindTarget(inEdit.mPath, makes ? IfMissing::kCreate : IfMissing::kReport, ioTarget);
     if (error != kNoError || inEdit.mKind == Edit::kCreateKey) {
         return error == kErrorFileNotFound ? kNoError : error;
     }

@@ -48,7 +48,7 @@ void Store::InvalidateMemory() noexcept
 }
 
 // The caller holds both locks.
-SystemError Store::OpenAndUpdate(bool inCreate)
+SystemError Store::OpenAndUpdate(IfMissing inIfMissing)
 {
     if (mDatabase.IsOpen() && mProcess != ::getpid()) {
         mDatabase.Close(); // a child of fork needs its own connection and locks
@@ -58,11 +58,11 @@ SystemError Store::OpenAndUpdate(bool inCreate)
         mDatabase.Close();
         InvalidateMemory();
     }
-    SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inCreate);
-    if (error == kErrorFileNotFound && !inCreate) {
+    SystemError error = mDatabase.IsOpen() ? kNoError : OpenDatabase(inIfMissing);
+    if (error == kErrorFileNotFound && inIfMissing == IfMissing::kReport) {
         return mTree.ReloadEverything(nullptr); // an empty store until the first write
     }
-    if (error == kNoError && inCreate && mDatabase.IsReadOnly()) {
+    if (error == kNoError && inIfMissing == IfMissing::kCreate && mDatabase.IsReadOnly()) {
         return kErrorAccessDenied;
     }
     return error == kNoError ? UpdateMemory() : error;
@@ -77,13 +77,14 @@ SystemError Store::UpdateMemory()
     return error;
 }
 
-SystemError Store::OpenDatabase(bool inCreate)
+SystemError Store::OpenDatabase(IfMissing inIfMissing)
 {
     InvalidateMemory();
     mLocation = mFindLocation();
-    SystemError error = mDatabase.Open(mLocation, inCreate);
+    SystemError error = mDatabase.Open(mLocation, inIfMissing);
     if (mDatabase.SetAsideIfDamaged()) {
-        error = mDatabase.Open(mLocation, true); // the new database records why the old one was set aside
+        // The new database records why the old one was set aside.
+        error = mDatabase.Open(mLocation, IfMissing::kCreate);
     }
     if (error == kNoError) {
         mProcess = ::getpid();
@@ -138,12 +139,12 @@ SystemError Store::Resolve(const HandleParts& inKey, unsigned inAccess, StoredKe
     return (access & inAccess) == inAccess ? kNoError : kErrorAccessDenied;
 }
 
-SystemError Store::FindByPath(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey)
+SystemError Store::FindByPath(StoredKey& inFrom, const unsigned short* inPath, ReadSource inSource, StoredKey*& outKey)
 {
     PathNames names(inPath);
     outKey = &inFrom;
     for (UnitsView name; names.Next(name);) {
-        if (!outKey->mHasSubKeys && !inMayLoad) {
+        if (!outKey->mHasSubKeys && inSource == ReadSource::kMemory) {
             return kNotInMemory;
         }
         const SystemError error = mTree.LoadSubKeys(*outKey, DatabaseOrNull());
@@ -167,7 +168,7 @@ SystemError Store::CheckAccess(unsigned inAccess) const
     if ((inAccess & Platform::kAccessViewBits) == Platform::kAccessViewBits) {
         return kErrorInvalidParameter;
     }
-    if (!mIsMachine || (inAccess & kChangingBits) == 0) {
+    if (mKind == StoreKind::kUser || (inAccess & kChangingBits) == 0) {
         return kNoError;
     }
     const bool mayWrite = mDatabase.IsOpen() ? !mDatabase.IsReadOnly() : MayCreate(mFindLocation());
@@ -201,10 +202,10 @@ void Store::LockForFork()
     mMemoryLock.lock();
 }
 
-void Store::UnlockAfterFork(bool inIsChild)
+void Store::UnlockAfterFork(ForkSide inSide)
 {
     mMemoryLock.unlock();
-    if (inIsChild) {
+    if (inSide == ForkSide::kChild) {
         mDatabaseLock.ResetAfterFork();
     } else {
         mDatabaseLock.unlock();

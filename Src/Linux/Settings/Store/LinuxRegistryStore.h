@@ -31,11 +31,16 @@ struct EditTarget
     std::int64_t mKey = 0; // 0 for none
 };
 
+/// What a deletion does to a key that has subkeys.
+enum class Descendants { kRefuse, kDelete };
+
+enum class ForkSide { kParent, kChild };
+
 class Store
 {
 public:
-    Store(bool inIsMachine, StoreLocation (*inFindLocation)()) noexcept
-        : mIsMachine(inIsMachine), mFindLocation(inFindLocation), mHandles(inIsMachine)
+    Store(StoreKind inKind, StoreLocation (*inFindLocation)()) noexcept
+        : mKind(inKind), mFindLocation(inFindLocation), mHandles(inKind)
     {
     }
 
@@ -43,7 +48,7 @@ public:
     SystemError Create(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                        bool& outIsMade);
     SystemError Close(const HandleParts& inKey);
-    SystemError Delete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants);
+    SystemError Delete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants);
     SystemError Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
     SystemError Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize);
     SystemError Set(const HandleParts& inKey, UnitsView inName, unsigned inType, const void* inData,
@@ -52,16 +57,16 @@ public:
     SystemError List(const HandleParts& inKey, std::vector<Platform::Value>& outValues);
     SystemError Apply(const std::vector<Platform::Edit>& inEdits);
 
-    /// Returns path, size and the databases that were set aside. With inCheck checks the whole database. A database
+    /// Returns path, size and the databases that were set aside. With kEverything checks the whole database. A database
     /// that is too damaged to open is set aside first.
-    Platform::StoreState State(bool inCheck);
+    Platform::StoreState State(Platform::StoreCheck inCheck);
 
     /// Closes the database, and frees the keys in memory if no handle is open. The next operation opens it again.
     void Release() noexcept;
 
     /// Called before and after a fork, so that no thread uses the store while the process is copied.
     void LockForFork();
-    void UnlockAfterFork(bool inIsChild);
+    void UnlockAfterFork(ForkSide inSide);
 
 private:
     static constexpr unsigned kRightToQuery = 0x1;
@@ -69,6 +74,9 @@ private:
     static constexpr unsigned kRightToListSubKeys = 0x8;
     static constexpr std::uint64_t kUnknownGeneration = ~std::uint64_t{0};
     static constexpr SystemError kNotInMemory = ~SystemError{0};
+
+    /// kMemory reads only what is in memory; kDatabase may load the rest.
+    enum class ReadSource { kMemory, kDatabase };
 
     template <class Read>
     SystemError RunRead(Read inRead);
@@ -80,8 +88,8 @@ private:
     void ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept;
 
     SystemError ApplyOne(const Platform::Edit& inEdit, EditTarget& ioTarget);
-    SystemError OpenAndUpdate(bool inCreate);
-    SystemError OpenDatabase(bool inCreate);
+    SystemError OpenAndUpdate(IfMissing inIfMissing);
+    SystemError OpenDatabase(IfMissing inIfMissing);
     SystemError UpdateMemory();
     SystemError UpdateFromBoard();
     SystemError UpdateFromDataVersion();
@@ -91,17 +99,17 @@ private:
     Database* DatabaseOrNull() noexcept { return mDatabase.IsOpen() ? &mDatabase : nullptr; }
 
     SystemError Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const;
-    SystemError FindByPath(StoredKey& inFrom, const unsigned short* inPath, bool inMayLoad, StoredKey*& outKey);
+    SystemError FindByPath(StoredKey& inFrom, const unsigned short* inPath, ReadSource inSource, StoredKey*& outKey);
     SystemError CheckAccess(unsigned inAccess) const;
     SystemError AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& outKey);
-    SystemError FindToDelete(const HandleParts& inParent, const unsigned short* inPath, bool inWithDescendants,
-                             bool inMayLoad, StoredKey*& outKey);
-    SystemError FindTarget(const unsigned short* inPath, bool inMake, EditTarget& ioTarget);
-    SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, bool inMayLoad,
+    SystemError FindToDelete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants,
+                             ReadSource inSource, StoredKey*& outKey);
+    SystemError FindTarget(const unsigned short* inPath, IfMissing inIfMissing, EditTarget& ioTarget);
+    SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, ReadSource inSource,
                           StoredValue*& outValue);
     SystemError SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
 
-    const bool mIsMachine;
+    const StoreKind mKind;
     StoreLocation (*const mFindLocation)();
 
     FairMutex mDatabaseLock;

@@ -10,15 +10,14 @@ namespace ORL {
 namespace Registry {
 namespace Linux {
 
-/// Runs a read. inRead(false) uses memory only and returns kNotInMemory if something is not loaded; inRead(true) may
-/// load from the database.
+/// Runs a read. inRead(ReadSource::kMemory) returns kNotInMemory if something is not loaded.
 template <class Read>
 SystemError Store::RunRead(Read inRead)
 {
     {
         const std::lock_guard<std::mutex> memory(mMemoryLock);
         if (IsUpToDate()) {
-            const SystemError error = inRead(false);
+            const SystemError error = inRead(ReadSource::kMemory);
             if (error != kNotInMemory) {
                 return error;
             }
@@ -26,11 +25,11 @@ SystemError Store::RunRead(Read inRead)
     }
     const std::lock_guard<FairMutex> work(mDatabaseLock);
     const std::lock_guard<std::mutex> memory(mMemoryLock);
-    SystemError error = OpenAndUpdate(false);
-    error = error == SystemErrors::kNoError ? inRead(true) : error;
+    SystemError error = OpenAndUpdate(IfMissing::kReport);
+    error = error == SystemErrors::kNoError ? inRead(ReadSource::kDatabase) : error;
     if (mDatabase.SetAsideIfDamaged()) {
-        error = OpenAndUpdate(true);
-        error = error == SystemErrors::kNoError ? inRead(true) : error;
+        error = OpenAndUpdate(IfMissing::kCreate);
+        error = error == SystemErrors::kNoError ? inRead(ReadSource::kDatabase) : error;
     }
     return error;
 }
@@ -57,7 +56,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     SystemError error = SystemErrors::kNoError;
     {
         const std::lock_guard<std::mutex> memory(mMemoryLock);
-        error = OpenAndUpdate(true);
+        error = OpenAndUpdate(IfMissing::kCreate);
     }
     if (error == SystemErrors::kNoError) {
         error = Statement(mDatabase, Database::kBegin).Run(); // may wait for other processes
