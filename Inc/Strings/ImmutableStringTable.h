@@ -54,6 +54,8 @@ public:
     static ImmutableStringTable& Get();
 
 private:
+    enum class StaticRecords { kKeep, kRemove };
+
     struct ByText
     {
         bool operator()(const Record* inLeft, const Record* inRight) const
@@ -119,7 +121,7 @@ private:
     Record* Add(const Key& inKey, bool inIsStatic) TVXCORE_REQUIRES(mGuard);
     void GrowIndexIfNeeded() TVXCORE_REQUIRES(mGuard);
     static void AddToIndex(const Slots& ioIndex, Record* inRecord, const Key& inKey);
-    bool RemoveUnused(bool inStaticToo) TVXCORE_REQUIRES(mGuard);
+    bool RemoveUnused(StaticRecords inStaticRecords) TVXCORE_REQUIRES(mGuard);
     void RebuildIndex() TVXCORE_REQUIRES(mGuard);
 
     const CriticalSection& mGuard;

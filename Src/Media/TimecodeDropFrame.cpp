@@ -88,15 +88,17 @@ unsigned long long Magnitude(long long inCount)
     return Wrapping::Bits(inCount < 0 ? Wrapping::Negate(inCount) : inCount);
 }
 
+enum class Direction { kForwards, kBackwards };
+
 // Moves off a dropped label: forwards to the next valid label, backwards to the last one before it. The limit is 2 at
 // both rates, even where 4 labels are dropped.
-void StepOffDroppedLabel(bool inBackwards, int& ioMinutes, int& ioSeconds, long long& ioFrames, int inLabelsPerSecond,
-                         int inLabelsDropped)
+void StepOffDroppedLabel(Direction inDirection, int& ioMinutes, int& ioSeconds, long long& ioFrames,
+                         int inLabelsPerSecond, int inLabelsDropped)
 {
     if (ioMinutes % 10 == 0 || ioSeconds != 0 || ioFrames >= 2) {
         return;
     }
-    if (inBackwards) {
+    if (inDirection == Direction::kBackwards) {
         ioMinutes -= 1;
         ioSeconds = 59;
         ioFrames = inLabelsPerSecond - 1;
@@ -160,7 +162,8 @@ void NTSCDropFrame_IncrementHMSF(int inAddHours, int inAddMinutes, int inAddSeco
         minutes = seconds = 0;
         frames = 0;
     }
-    StepOffDroppedLabel(inAddFrames < 0, minutes, seconds, frames, inLabelsPerSecond, inLabelsDropped);
+    StepOffDroppedLabel(inAddFrames < 0 ? Direction::kBackwards : Direction::kForwards, minutes, seconds, frames,
+                        inLabelsPerSecond, inLabelsDropped);
     if (hours < 0) {
         ioIsNegative = true;
         hours = -hours;

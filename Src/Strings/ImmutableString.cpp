@@ -12,6 +12,10 @@ namespace {
 
 using Record = ImmutableString::InternalRepresentation;
 
+// For the parameter inIsStatic, whose type the public header fixes.
+constexpr bool kStatic = true;
+constexpr bool kDynamic = false;
+
 const unsigned char* Bytes(const char* inText)
 {
     return reinterpret_cast<const unsigned char*>(inText);
@@ -144,42 +148,42 @@ ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsSta
 
 ImmutableString ImmutableString::CreateStatic(const unsigned char* inText)
 {
-    return Enter(inText, true);
+    return Enter(inText, kStatic);
 }
 
 ImmutableString ImmutableString::CreateStatic(const char* inText)
 {
-    return Enter(Bytes(inText), true);
+    return Enter(Bytes(inText), kStatic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const unsigned char* inText)
 {
-    return Enter(inText, false);
+    return Enter(inText, kDynamic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const char* inText)
 {
-    return Enter(Bytes(inText), false);
+    return Enter(Bytes(inText), kDynamic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const std::string& inText)
 {
-    return Enter(Bytes(inText.c_str()), false);
+    return Enter(Bytes(inText.c_str()), kDynamic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const UTF8String& inText)
 {
-    return Enter(inText.c_str(), false);
+    return Enter(inText.c_str(), kDynamic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const UTF16String& inText)
 {
-    return Enter(tvxcore::utility::UTF16to8(inText).c_str(), false);
+    return Enter(tvxcore::utility::UTF16to8(inText).c_str(), kDynamic);
 }
 
 ImmutableString ImmutableString::CreateDynamic(const unsigned short* inText)
 {
-    return Enter(tvxcore::utility::UTF16to8(UnitsOrEmpty(inText)).c_str(), false);
+    return Enter(tvxcore::utility::UTF16to8(UnitsOrEmpty(inText)).c_str(), kDynamic);
 }
 
 bool ImmutableString::PurgeUnusedStrings()

@@ -178,7 +178,7 @@ bool ImmutableStringTable::Purge()
 {
     const CriticalSectionLock lock(mGuard);
     const ReaderSlots::WriterAccess writer(mReaders);
-    return RemoveUnused(false);
+    return RemoveUnused(StaticRecords::kKeep);
 }
 
 // Excluded from clang's thread-safety analysis, which cannot track a try-lock.
@@ -192,7 +192,7 @@ void ImmutableStringTable::FreeUnreferenced() TVXCORE_UNCHECKED_LOCKING
     if (!writer.IsGranted()) {
         return;
     }
-    RemoveUnused(true);
+    RemoveUnused(StaticRecords::kRemove);
     if (mRecords.empty()) {
         Slots none;
         none.Swap(mIndex);
@@ -309,12 +309,12 @@ void ImmutableStringTable::AddToIndex(const Slots& ioIndex, Record* inRecord, co
 }
 
 // The caller must hold the guard and exclude readers. Returns true if a record was removed.
-bool ImmutableStringTable::RemoveUnused(bool inStaticToo)
+bool ImmutableStringTable::RemoveUnused(StaticRecords inStaticRecords)
 {
     bool removed = false;
     for (Records::iterator i = mRecords.begin(); i != mRecords.end();) {
         Record* const record = *i;
-        if ((record->IsStatic() && !inStaticToo) || record->CountOfHandles() != 0) {
+        if ((record->IsStatic() && inStaticRecords == StaticRecords::kKeep) || record->CountOfHandles() != 0) {
             ++i;
             continue;
         }

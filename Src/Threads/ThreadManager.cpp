@@ -35,6 +35,10 @@ namespace Platform {
 
 namespace {
 
+// For the parameter inIsMainThread, whose type the public header fixes.
+constexpr bool kMainThread = true;
+constexpr bool kOtherThread = false;
+
 class PrivateThreadInfo : public ThreadInfo
 {
 public:
@@ -47,7 +51,7 @@ std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
 std::atomic<bool> sInfoIndexAllocated{false};
 ThreadInfo* sMainThreadInfo = nullptr;
 
-UntilUnload<ThreadInfo> sUnnamedThreadInfo(ConstString("Unnamed Thread"), ConstString("Unnamed Module"), false);
+UntilUnload<ThreadInfo> sUnnamedThreadInfo(ConstString("Unnamed Thread"), ConstString("Unnamed Module"), kOtherThread);
 
 std::uint32_t InfoIndex()
 {
@@ -97,7 +101,7 @@ void RegisterMainThread()
     if (InfoIndex() == kNoSlot) {
         return;
     }
-    sMainThreadInfo = new PrivateThreadInfo(ConstString("CorvantoMain"), ConstString("Corvanto"), true);
+    sMainThreadInfo = new PrivateThreadInfo(ConstString("CorvantoMain"), ConstString("Corvanto"), kMainThread);
     SetSlotValue_Impl(InfoIndex(), sMainThreadInfo);
     NameThread(*sMainThreadInfo);
 }
@@ -122,7 +126,7 @@ void RegisterThread(const ConstString& inThreadName, const ConstString& inCurren
     if (InfoIndex() == kNoSlot) {
         return;
     }
-    ThreadInfo* const info = new PrivateThreadInfo(inThreadName, inCurrentModule, false);
+    ThreadInfo* const info = new PrivateThreadInfo(inThreadName, inCurrentModule, kOtherThread);
     SetSlotValue_Impl(InfoIndex(), info);
     NameThread(*info);
 }
@@ -150,13 +154,15 @@ ThreadInfo* GetCurrentThreadInfo()
 
 namespace {
 
+enum class MainThreadID { kSet, kCheck };
+
 // The only access to the main thread's identifier, which is set once and never reset. Returns true if the calling
 // thread is the main thread.
-bool SetOrCheckMainThreadID(bool inSet)
+bool SetOrCheckMainThreadID(MainThreadID inAction)
 {
     static std::atomic<std::uint32_t> mainThreadID{0};
     const std::uint32_t thisThreadID = static_cast<std::uint32_t>(tvxcore::threads::GetCurrentThreadID());
-    if (inSet) {
+    if (inAction == MainThreadID::kSet) {
         std::uint32_t none = 0;
         if (!mainThreadID.compare_exchange_strong(none, thisThreadID)) {
             ORL_ASSERT_MESSAGE_AT(mainThreadID.load() == thisThreadID,
@@ -172,7 +178,7 @@ bool SetOrCheckMainThreadID(bool inSet)
 
 void RegisterMainThread()
 {
-    SetOrCheckMainThreadID(true);
+    SetOrCheckMainThreadID(MainThreadID::kSet);
     Platform::RegisterMainThread();
 }
 
@@ -200,7 +206,7 @@ ThreadInfo* GetCurrentThreadInfo()
 
 bool CurrentThreadIsMainThread()
 {
-    return SetOrCheckMainThreadID(false);
+    return SetOrCheckMainThreadID(MainThreadID::kCheck);
 }
 
 } // namespace ThreadManager

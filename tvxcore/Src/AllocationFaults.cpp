@@ -29,14 +29,14 @@ Scope::Scope(const Plan& inPlan) noexcept
     sRefused.store(0);
     sIsArmed.store(true);
     if (inPlan.mKind == kBlocks) {
-        SmallBlocks::OpenFastAllocation(false);
+        SmallBlocks::SetFastAllocation(SmallBlocks::FastAllocation::kOff);
     }
 }
 
 Scope::~Scope()
 {
     sIsArmed.store(false);
-    SmallBlocks::OpenFastAllocation(true);
+    SmallBlocks::SetFastAllocation(SmallBlocks::FastAllocation::kOn);
 }
 
 std::uint64_t Scope::Asked() const noexcept

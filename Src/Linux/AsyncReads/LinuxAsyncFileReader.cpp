@@ -155,7 +155,7 @@ SystemError ChooseAlignment(AsyncFile& ioFile)
     if (ioFile.mUsesCache) {
         return kNoError;
     }
-    const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), true);
+    const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), TestRead::kAllowed);
     if (alignment == 0) {
         return UseCache(ioFile); // the open succeeded, but this file does not support direct reads
     }

@@ -67,14 +67,14 @@ bool AcceptsAlignment(int inFile, std::uint32_t inAlignment) noexcept
 
 } // namespace
 
-std::uint32_t FindDirectAlignment(int inFile, bool inMayRead) noexcept
+std::uint32_t FindDirectAlignment(int inFile, TestRead inTestRead) noexcept
 {
     struct statx status = {};
     const bool isAsked = System().mStatx(inFile, "", AT_EMPTY_PATH, STATX_TYPE | STATX_DIOALIGN, &status) == 0;
     if (isAsked && IsReported(status)) {
         return ReportedAlignment(status);
     }
-    if (!inMayRead) {
+    if (inTestRead == TestRead::kForbidden) {
         return kLargestSector;
     }
     const std::uint32_t sector = isAsked ? SectorOfDevice(status) : kSmallestSector;
@@ -97,7 +97,7 @@ SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)
     }
     const Descriptor file = OpenByPath(inHostPath.c_str(), O_RDONLY | O_DIRECT | O_NOCTTY | O_NONBLOCK);
     if (file) {
-        outSize = std::max(FindDirectAlignment(file.Get(), true), kSmallestSector);
+        outSize = std::max(FindDirectAlignment(file.Get(), TestRead::kAllowed), kSmallestSector);
     } else if (errno == EINVAL) {
         outSize = kSmallestSector; // the file system has no direct I/O
     }

@@ -134,7 +134,8 @@ void BypassCache(OpenFile& ioFile, int inStatusFlags)
     if (System().mSetFlags(ioFile.File(), inStatusFlags | O_DIRECT) != 0) {
         return;
     }
-    const std::uint32_t alignment = FindDirectAlignment(ioFile.File(), ioFile.mMayRead);
+    const std::uint32_t alignment =
+        FindDirectAlignment(ioFile.File(), ioFile.mMayRead ? TestRead::kAllowed : TestRead::kForbidden);
     if (alignment == 0) {
         System().mSetFlags(ioFile.File(), inStatusFlags);
         return;

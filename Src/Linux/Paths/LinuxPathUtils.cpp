@@ -22,17 +22,19 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-// Returns the status of the entry. If it is a link and inFollow is true, returns the status of its target.
-bool GetStatus(const std::string& inPath, bool inFollow, struct statx& outStatus)
+enum class Links { kFollow, kNoFollow };
+
+// Returns the status of the entry. If it is a link and inLinks is kFollow, returns the status of its target.
+bool GetStatus(const std::string& inPath, Links inLinks, struct statx& outStatus)
 {
-    const int flags = inFollow ? 0 : AT_SYMLINK_NOFOLLOW;
+    const int flags = inLinks == Links::kFollow ? 0 : AT_SYMLINK_NOFOLLOW;
     return System().mStatx(AT_FDCWD, inPath.c_str(), flags, STATX_TYPE | STATX_MODE, &outStatus) == 0;
 }
 
 bool IsFolder(const std::string& inPath)
 {
     struct statx status;
-    return GetStatus(inPath, true, status) && S_ISDIR(status.stx_mode);
+    return GetStatus(inPath, Links::kFollow, status) && S_ISDIR(status.stx_mode);
 }
 
 std::string_view LeafOf(const std::string& inPath)
@@ -110,7 +112,7 @@ bool FindEntry_Impl(const UTF16String& inPath)
         return false;
     }
     struct statx status;
-    return GetStatus(path.mPath, false, status);
+    return GetStatus(path.mPath, Links::kNoFollow, status);
 }
 
 bool IsDirectory_Impl(const UTF16String& inPath)
@@ -138,7 +140,7 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
         return kInvalidAttributes;
     }
     // A link without a target is still an entry.
-    if (!GetStatus(path.mPath, true, status) && !GetStatus(path.mPath, false, status)) {
+    if (!GetStatus(path.mPath, Links::kFollow, status) && !GetStatus(path.mPath, Links::kNoFollow, status)) {
         return kInvalidAttributes;
     }
     unsigned long attributes = S_ISDIR(status.stx_mode) ? kAttributeDirectory : 0;

@@ -57,14 +57,16 @@ void FlushHeap()
     }
 }
 
+enum class Retry { kNever, kOnce };
+
 // Locks the pixels of a whole picture during its lifetime.
 class Lock
 {
 public:
-    Lock(Picture* inPicture, unsigned int inMode, int inFormat, bool inRetries) : mPicture(inPicture)
+    Lock(Picture* inPicture, unsigned int inMode, int inFormat, Retry inRetry) : mPicture(inPicture)
     {
         mStatus = LockPixels_Impl(mPicture, inMode, inFormat, mPixels);
-        if (mStatus != 0 && inRetries) {
+        if (mStatus != 0 && inRetry == Retry::kOnce) {
             FlushHeap();
             mStatus = LockPixels_Impl(mPicture, inMode, inFormat, mPixels);
         }
@@ -95,11 +97,12 @@ private:
 template <class Form>
 bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, std::size_t inHeight)
 {
-    const Lock source(inSource, kLockRead, kFormat32bppARGB, Form::kTestsLocks);
+    constexpr Retry kRetry = Form::kTestsLocks ? Retry::kOnce : Retry::kNever;
+    const Lock source(inSource, kLockRead, kFormat32bppARGB, kRetry);
     if (Form::kTestsLocks && !source.IsGood()) {
         return false;
     }
-    const Lock destination(inDestination, kLockReadWrite, kFormat32bppPARGB, Form::kTestsLocks);
+    const Lock destination(inDestination, kLockReadWrite, kFormat32bppPARGB, kRetry);
     if (!source.IsGood() || !destination.IsGood()) {
         return !Form::kTestsLocks;
     }
@@ -221,7 +224,7 @@ bool DecodePicture(const Resources::Bytes& inFile, PixelPicture& outPicture)
     PixelPicture picture;
     picture.mWidth = GetWidth_Impl(source.get());
     picture.mHeight = GetHeight_Impl(source.get());
-    const Lock lock(source.get(), kLockRead, kFormat32bppARGB, true);
+    const Lock lock(source.get(), kLockRead, kFormat32bppARGB, Retry::kOnce);
     std::size_t size = 0;
     if (!lock.IsGood() || !SizeOfBlock(picture.mWidth, picture.mHeight, size)) {
         return false;

@@ -19,6 +19,10 @@ constexpr unsigned short kAmericanEnglish = 1033;
 constexpr unsigned short kMenuType = 4;
 constexpr std::size_t kMaxPath = 260;
 
+// For the parameter inOwnsModule, whose type the public header fixes.
+constexpr bool kOwned = true;
+constexpr bool kNotOwned = false;
+
 // Owns the handle until a Module takes ownership.
 class ModuleOwner
 {
@@ -82,7 +86,7 @@ ResourceCollection::~ResourceCollection() = default;
 void Module::Wrap(HINSTANCE inModule, bool inOwnsModule, ObjectPtr<Module, AtomicValue>& outModule)
 {
     ModuleOwner handle(inModule, inOwnsModule);
-    std::unique_ptr<Module> module(new Module(inModule, false));
+    std::unique_ptr<Module> module(new Module(inModule, kNotOwned));
     module->mResources = OpenResources_Impl(inModule);
     ObjectPtr<Module, AtomicValue> shared(module.release());
     shared.GetPtr()->mOwnsModule = inOwnsModule;
@@ -98,13 +102,13 @@ int Module::Load(const UTF16String& inModulePath, ObjectPtr<Module, AtomicValue>
     if (error != SystemErrors::kNoError) {
         return Win::SystemErrorToORLResult(error);
     }
-    Wrap(module, true, outModule);
+    Wrap(module, kOwned, outModule);
     return kSuccess;
 }
 
 int Module::Create(HINSTANCE inModule, ObjectPtr<Module, AtomicValue>& outModule)
 {
-    Wrap(inModule, false, outModule);
+    Wrap(inModule, kNotOwned, outModule);
     return kSuccess;
 }
 

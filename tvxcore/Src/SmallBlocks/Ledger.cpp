@@ -241,10 +241,10 @@ void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot)
          outSnapshot.mSmallBlockBytesTotal);
 }
 
-void OpenFastAllocation(bool inOpen) noexcept
+void SetFastAllocation(FastAllocation inState) noexcept
 {
     const Guard guard(sMutex);
-    sServesBelow = inOpen ? kLargestSmall + 1 : 0;
+    sServesBelow = inState == FastAllocation::kOn ? kLargestSmall + 1 : 0;
     for (ThreadCache* cache = sCaches.Front(); cache != nullptr; cache = cache->mNext) {
         if (cache->mTakesBelow != 0) {
             cache->mServesBelow.store(sServesBelow, kRelaxed);

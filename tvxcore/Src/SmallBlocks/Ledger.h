@@ -44,8 +44,10 @@ void ReturnAllQuota(ThreadCache& ioCache) noexcept;
 /// Fills in the counters of the small blocks.
 void ReadSmallBlockCounters(SmallBlockAllocator::Metrics::Snapshot& outSnapshot) noexcept;
 
+enum class FastAllocation { kOff, kOn };
+
 /// Enables or disables the fast path of Allocate in all caches, including later ones.
-void OpenFastAllocation(bool inOpen) noexcept;
+void SetFastAllocation(FastAllocation inState) noexcept;
 
 /// Returns the first registered cache, or null. Used when the library is unloaded and no thread uses the caches.
 ThreadCache* FirstCache() noexcept;
