@@ -25,6 +25,9 @@ class ImmutableStringTable
 public:
     using Record = ImmutableString::InternalRepresentation;
 
+    /// A static record refers to the caller's text and survives Purge; a dynamic one has a copy of its text.
+    enum class Lifetime { kStatic, kDynamic };
+
     /// The guard lives as long as the table.
     explicit ImmutableStringTable(const CriticalSection& inGuard) : mGuard(inGuard) {}
 
@@ -36,7 +39,7 @@ public:
 
     /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. May throw
     /// std::bad_alloc; in that case nothing has changed.
-    Record* Enter(const unsigned char* inText, bool inIsStatic);
+    Record* Enter(const unsigned char* inText, Lifetime inLifetime);
 
     /// Removes the dynamic records without handles. Returns whether it removed any.
     bool Purge();
@@ -110,15 +113,15 @@ private:
 
     static Key KeyOf(const unsigned char* inText);
     static std::size_t FirstSlotOf(const Slots& inIndex, std::uint64_t inHash);
-    static Record* MakeRecord(const unsigned char* inText, bool inIsStatic);
+    static Record* MakeRecord(const unsigned char* inText, Lifetime inLifetime);
     static void FreeRecord(Record* inRecord);
 
     Record* EnterAsReader(const Key& inKey);
-    Record* EnterUnderGuard(const Key& inKey, bool inIsStatic);
+    Record* EnterUnderGuard(const Key& inKey, Lifetime inLifetime);
     Record* Find(const Key& inKey) const;
     Record* FindFrom(std::size_t inAt, const Key& inKey) const;
     static Record* RecordAt(const Slot& inSlot, const Key& inKey);
-    Record* Add(const Key& inKey, bool inIsStatic) TVXCORE_REQUIRES(mGuard);
+    Record* Add(const Key& inKey, Lifetime inLifetime) TVXCORE_REQUIRES(mGuard);
     void GrowIndexIfNeeded() TVXCORE_REQUIRES(mGuard);
     static void AddToIndex(const Slots& ioIndex, Record* inRecord, const Key& inKey);
     bool RemoveUnused(StaticRecords inStaticRecords) TVXCORE_REQUIRES(mGuard);

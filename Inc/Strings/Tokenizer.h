@@ -11,9 +11,12 @@ namespace ORL {
 class Tokenizer
 {
 public:
-    /// inText is not owned and must outlive the tokeniser. With inSkipRuns a run of separators counts as one.
-    Tokenizer(const UTF16String& inText, UTF16String inSeparator, bool inSkipRuns)
-        : mText(&inText), mSeparator(std::move(inSeparator)), mPosition(0), mSkipRuns(inSkipRuns)
+    /// kSkip counts a run of separators as one, kKeep counts each.
+    enum class Runs { kSkip, kKeep };
+
+    /// inText is not owned and must outlive the tokeniser.
+    Tokenizer(const UTF16String& inText, UTF16String inSeparator, Runs inRuns)
+        : mText(&inText), mSeparator(std::move(inSeparator)), mPosition(0), mRuns(inRuns)
     {
     }
 
@@ -35,7 +38,7 @@ private:
     const UTF16String* mText;
     UTF16String mSeparator;
     unsigned __int64 mPosition; // start of the next token; npos if none is left
-    bool mSkipRuns;
+    Runs mRuns;
 };
 
 } // namespace ORL

@@ -42,7 +42,7 @@ std::basic_istream<unsigned short>& operator>>(std::basic_istream<unsigned short
 {
     UTF16String text;
     ioStream >> text;
-    Tokenizer tokens(text, tvxcore::utility::AsciiToUTF16(":"), true);
+    Tokenizer tokens(text, tvxcore::utility::AsciiToUTF16(":"), Tokenizer::Runs::kSkip);
     for (std::uint32_t& word : outHash.mWords) {
         tvxcore::iUTF16StringStream stream(tokens.Next());
         stream >> std::hex >> word;

@@ -10,6 +10,7 @@ namespace ORL {
 
 namespace {
 
+using Lifetime = ImmutableStringTable::Lifetime;
 using Record = ImmutableString::InternalRepresentation;
 
 // For the parameter inIsStatic, whose type the public header fixes.
@@ -142,7 +143,8 @@ int ImmutableString::Compare(const unsigned short* inOther) const
 ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsStatic)
 {
     ImmutableString handle;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, inIsStatic); // counts the handle
+    const Lifetime lifetime = inIsStatic ? Lifetime::kStatic : Lifetime::kDynamic;
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, lifetime); // counts the handle
     return handle;
 }
 

@@ -143,13 +143,13 @@ ImmutableStringTable::Key ImmutableStringTable::KeyOf(const unsigned char* inTex
     return Key{inText, size, HashText(inText, size)};
 }
 
-ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* inText, bool inIsStatic)
+ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* inText, Lifetime inLifetime)
 {
     static constexpr unsigned char kEmpty[] = {0};
     const Key key = KeyOf(inText != nullptr ? inText : kEmpty);
     Record* const present = EnterAsReader(key);
     // For a null text creates a dynamic record with an empty copy, even for a static name.
-    return present != nullptr ? present : EnterUnderGuard(key, inIsStatic && inText != nullptr);
+    return present != nullptr ? present : EnterUnderGuard(key, inText != nullptr ? inLifetime : Lifetime::kDynamic);
 }
 
 // Returns null if the text is not found or read access is not granted.
@@ -163,12 +163,12 @@ ImmutableStringTable::Record* ImmutableStringTable::EnterAsReader(const Key& inK
     return record;
 }
 
-ImmutableStringTable::Record* ImmutableStringTable::EnterUnderGuard(const Key& inKey, bool inIsStatic)
+ImmutableStringTable::Record* ImmutableStringTable::EnterUnderGuard(const Key& inKey, Lifetime inLifetime)
 {
     const CriticalSectionLock lock(mGuard);
     Record* record = Find(inKey);
     if (record == nullptr) {
-        record = Add(inKey, inIsStatic);
+        record = Add(inKey, inLifetime);
     }
     record->AddRef();
     return record;
@@ -205,11 +205,12 @@ std::size_t ImmutableStringTable::GetCount() const
     return mRecords.size();
 }
 
-ImmutableStringTable::Record* ImmutableStringTable::MakeRecord(const unsigned char* inText, bool inIsStatic)
+ImmutableStringTable::Record* ImmutableStringTable::MakeRecord(const unsigned char* inText, Lifetime inLifetime)
 {
     void* const memory = Allocator::Allocate(sizeof(Record));
     try {
-        return inIsStatic ? ::new (memory) Record(inText) : ::new (memory) Record(inText, Record::Dynamic());
+        return inLifetime == Lifetime::kStatic ? ::new (memory) Record(inText)
+                                               : ::new (memory) Record(inText, Record::Dynamic());
     } catch (...) {
         Allocator::Dispose(memory, sizeof(Record));
         throw;
@@ -265,10 +266,10 @@ ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Slot& inSlot,
 }
 
 // Does everything that may throw before the first visible change.
-ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, bool inIsStatic)
+ImmutableStringTable::Record* ImmutableStringTable::Add(const Key& inKey, Lifetime inLifetime)
 {
     GrowIndexIfNeeded();
-    Record* const record = MakeRecord(inKey.mText, inIsStatic);
+    Record* const record = MakeRecord(inKey.mText, inLifetime);
     try {
         mRecords.insert(record);
     } catch (...) {

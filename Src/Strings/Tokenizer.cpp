@@ -64,7 +64,7 @@ Tokenizer::Token Tokenizer::NextToken()
         found = mText->size();
     }
     mPosition = found + 1; // one unit, even after a longer separator
-    if (mSkipRuns) {
+    if (mRuns == Runs::kSkip) {
         SkipRun();
     }
     if (mPosition >= mText->size()) {
@@ -87,7 +87,7 @@ void Tokenizer::SkipRun()
 void SplitString(const UTF16String& inString, const UTF16String& inSeparator, UTF16String& outFirst,
                  UTF16String& outSecond)
 {
-    Tokenizer tokens(inString, inSeparator, true);
+    Tokenizer tokens(inString, inSeparator, Tokenizer::Runs::kSkip);
     const Tokenizer::Token first = tokens.NextToken();
     const Tokenizer::Token second = tokens.NextToken();
     if (&outFirst == &inString || &outSecond == &inString) {

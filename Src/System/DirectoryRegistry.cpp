@@ -114,7 +114,7 @@ UTF16String Trimmed(const Tokenizer::Token& inToken)
 
 void RegisterLine(const UTF16String& inLine)
 {
-    Tokenizer tokens(inLine, UTF16String(1, '='), true);
+    Tokenizer tokens(inLine, UTF16String(1, '='), Tokenizer::Runs::kSkip);
     const UTF16String symbol = Trimmed(tokens.NextToken());
     const UTF16String path = Trimmed(tokens.NextToken());
     RegisterDirectory(path, symbol);

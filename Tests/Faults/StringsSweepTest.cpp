@@ -20,6 +20,8 @@ using namespace ORLTest;
 
 namespace {
 
+using Lifetime = ImmutableStringTable::Lifetime;
+
 UTF16String Units(const std::u16string& inText)
 {
     return UTF16String(inText.begin(), inText.end());
@@ -97,13 +99,13 @@ TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
             const auto expectWhole = [&table, &entered] {
                 EXPECT_EQ(entered, table.GetCount());
                 for (std::size_t i = 0; i < entered; ++i) {
-                    table.Enter(Bytes(std::to_string(i).c_str()), false)->RemoveRef();
+                    table.Enter(Bytes(std::to_string(i).c_str()), Lifetime::kDynamic)->RemoveRef();
                 }
                 EXPECT_EQ(entered, table.GetCount()) << "each was found again";
             };
             try {
                 for (; entered < kTexts; ++entered) {
-                    table.Enter(Bytes(std::to_string(entered).c_str()), false)->RemoveRef();
+                    table.Enter(Bytes(std::to_string(entered).c_str()), Lifetime::kDynamic)->RemoveRef();
                 }
             } catch (const std::bad_alloc&) {
                 expectWhole();
@@ -123,13 +125,13 @@ TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItI
         const std::size_t last = refused == 1 ? 0 : refused == 2 ? 64 : 128;
         const MemoryFaults faults(FaultyAllocator::kPages, refused, false);
         for (std::size_t i = 0; i < last; ++i) {
-            table.Enter(Bytes(std::to_string(i).c_str()), false);
+            table.Enter(Bytes(std::to_string(i).c_str()), Lifetime::kDynamic);
         }
         EXPECT_EQ(0u, faults.Refused());
-        EXPECT_THROW(table.Enter(Bytes("one more"), false), std::bad_alloc);
+        EXPECT_THROW(table.Enter(Bytes("one more"), Lifetime::kDynamic), std::bad_alloc);
         EXPECT_EQ(1u, faults.Refused());
         EXPECT_EQ(last, table.GetCount());
-        table.Enter(Bytes("one more"), false);
+        table.Enter(Bytes("one more"), Lifetime::kDynamic);
         EXPECT_EQ(last + 1, table.GetCount());
     }
 }
@@ -281,7 +283,7 @@ TEST(ParamStringSweep, SplitStringAndTokenizer)
             UTF16String first;
             UTF16String second;
             SplitString(text, separator, first, second);
-            Tokenizer tokenizer(text, separator, false);
+            Tokenizer tokenizer(text, separator, Tokenizer::Runs::kKeep);
             static_cast<void>(tokenizer.Next());
             static_cast<void>(tokenizer.Next());
         },

@@ -18,11 +18,13 @@ using namespace ORL;
 
 namespace {
 
+using Lifetime = ImmutableStringTable::Lifetime;
 using Record = ImmutableString::InternalRepresentation;
 
 Record* RecordOf(const char* inText)
 {
-    Record* const record = ImmutableStringTable::Get().Enter(reinterpret_cast<const unsigned char*>(inText), false);
+    Record* const record =
+        ImmutableStringTable::Get().Enter(reinterpret_cast<const unsigned char*>(inText), Lifetime::kDynamic);
     record->RemoveRef();
     return record;
 }
@@ -147,7 +149,7 @@ TEST(ImmutableStringTable, StaticNullText_MakesARecordThatOwnsItsText)
 {
     const CriticalSection guard;
     ImmutableStringTable table(guard);
-    Record* const record = table.Enter(nullptr, true);
+    Record* const record = table.Enter(nullptr, Lifetime::kStatic);
     EXPECT_FALSE(record->IsStatic());
     EXPECT_STREQ("", reinterpret_cast<const char*>(record->Text()));
     record->RemoveRef();
@@ -263,25 +265,25 @@ TEST(ImmutableStringTable, WhatNobodyHoldsIsFreed_TheRestIsFoundAndTheTableWorks
 {
     const CriticalSection guard;
     ImmutableStringTable table(guard);
-    Record* const held = table.Enter(Bytes("held"), false);
-    table.Enter(Bytes("static"), true)->RemoveRef();
-    table.Enter(Bytes("dynamic"), false)->RemoveRef();
+    Record* const held = table.Enter(Bytes("held"), Lifetime::kDynamic);
+    table.Enter(Bytes("static"), Lifetime::kStatic)->RemoveRef();
+    table.Enter(Bytes("dynamic"), Lifetime::kDynamic)->RemoveRef();
     table.FreeUnreferenced();
     EXPECT_EQ(1u, table.GetCount());
-    EXPECT_EQ(held, table.Enter(Bytes("held"), false));
+    EXPECT_EQ(held, table.Enter(Bytes("held"), Lifetime::kDynamic));
     EXPECT_STREQ("held", reinterpret_cast<const char*>(held->Text()));
     held->RemoveRef();
     held->RemoveRef();
     table.FreeUnreferenced();
     EXPECT_EQ(0u, table.GetCount());
-    EXPECT_STREQ("anew", reinterpret_cast<const char*>(table.Enter(Bytes("anew"), false)->Text()));
+    EXPECT_STREQ("anew", reinterpret_cast<const char*>(table.Enter(Bytes("anew"), Lifetime::kDynamic)->Text()));
 }
 
 TEST(ImmutableStringTable, SomebodyAtWorkInTheTable_NothingIsFreedAndNobodyWaits)
 {
     const CriticalSection guard;
     ImmutableStringTable table(guard);
-    table.Enter(Bytes("unused"), false)->RemoveRef();
+    table.Enter(Bytes("unused"), Lifetime::kDynamic)->RemoveRef();
     {
         const CriticalSectionLock lock(guard);
         std::thread([&table] { table.FreeUnreferenced(); }).join();

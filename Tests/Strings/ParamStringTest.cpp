@@ -145,7 +145,7 @@ TEST(SplitString, OutputIsTheTextItself_IsCutBeforeItIsOverwritten)
 TEST(Tokenizer, RunsNotSkipped_GiveAnEmptyTokenBetweenSeparators)
 {
     const UTF16String text = MakeString("a,,b");
-    Tokenizer tokens(text, MakeString(","), false);
+    Tokenizer tokens(text, MakeString(","), Tokenizer::Runs::kKeep);
     EXPECT_EQ("a", MakeStdString(tokens.Next()));
     EXPECT_EQ("", MakeStdString(tokens.Next()));
     EXPECT_EQ("b", MakeStdString(tokens.Next()));
@@ -156,7 +156,7 @@ TEST(Tokenizer, RunsNotSkipped_GiveAnEmptyTokenBetweenSeparators)
 TEST(Tokenizer, SeparatorAtTheEnd_LeavesNoTokenBehindIt)
 {
     const UTF16String text = MakeString("a,");
-    Tokenizer tokens(text, MakeString(","), false);
+    Tokenizer tokens(text, MakeString(","), Tokenizer::Runs::kKeep);
     EXPECT_EQ("a", MakeStdString(tokens.Next()));
     EXPECT_EQ("", MakeStdString(tokens.Next()));
 }
@@ -175,7 +175,7 @@ TEST(Tokenizer, SeparatorAtEachPlaceAmongUnitsThatAreNearlyTheSame_IsFoundWhereI
                     if (place < size) {
                         text[place] = separator;
                     }
-                    Tokenizer tokens(text, UTF16String(1, separator), false);
+                    Tokenizer tokens(text, UTF16String(1, separator), Tokenizer::Runs::kKeep);
                     ASSERT_EQ(place, tokens.Next().size()) << separator << " at " << place << " of " << size;
                     ASSERT_EQ(place < size ? size - place - 1 : 0, tokens.Next().size());
                 }
