@@ -1,7 +1,7 @@
 // The check sites of modules and string tables. The check "length > 0" of StringUtils, line 449, cannot fail, because a
 // text of length 0 counts as missing.
-#include "../Resources/PlugIns.h"
-#include "PublishedSites.h"
+#include "../PublishedSites/PublishedSites.h"
+#include "PlugIns.h"
 #include <ExpectReport.h>
 
 #include <ORLStringResources.h>
