@@ -1,5 +1,6 @@
-// Interfaces that lack their own identifier, selected by number. Without a number this file compiles. Expected:
-// declares a kInterfaceID of its own
+// Interfaces that lack their own identifier, selected by number. Without a number this file compiles.
+//
+// Expected: declares a kInterfaceID of its own
 #include <ORLInterface.h>
 
 using namespace ORL;
