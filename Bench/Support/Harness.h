@@ -19,12 +19,13 @@
 //   {
 //       Bench::Start(argc, argv);
 //       Bench::Group("lock and unlock, uncontended")
-//           .Ours("CriticalSection", Bench::AtMost(0.85), [&](std::uint64_t n) { while (n-- != 0) { a.Lock();
-//           a.Unlock(); } }) .Peer("std::recursive_mutex", [&](std::uint64_t n) { while (n-- != 0) { b.lock();
-//           b.unlock(); } }) .Run();
+//           .Ours("CriticalSection", Bench::AtMost(0.85), [&](std::uint64_t n) { LockAndUnlock(a, n); })
+//           .Peer("std::recursive_mutex", [&](std::uint64_t n) { LockAndUnlock(b, n); })
+//           .Run();
 //       Bench::Group("lock and unlock, two threads").Threads(2)
-//           .Ours("...", Bench::AtMost(1.1, "boost"), [&](std::uint64_t n, unsigned thread) { ... })  // against one
-//           named peer .Peer("boost", ...) .Run();
+//           .Ours("...", Bench::AtMost(1.1, "boost"), [&](std::uint64_t n, unsigned thread) { ... }) // one named peer
+//           .Peer("boost", ...)
+//           .Run();
 //       return Bench::Finish();
 //   }
 //

@@ -2,9 +2,8 @@
 //   share_mode_host matrix FOLDER   tries every way on each of the files 0, 1, 2 ... and prints one line per file: the
 //                                   errors of its opens, in order
 //   share_mode_host hold PATH       opens the path exclusively and ends abruptly, without closing
-//   share_mode_host race PATH N     opens the path exclusively until it succeeded N times; prints the number of
-//   successes,
-//                                   of refusals with an error other than 32, and of times it was not alone
+//   share_mode_host race PATH N     opens the path exclusively until it succeeded N times; prints how often it
+//                                   succeeded, was refused with an error other than 32, and was not alone
 #include "ShareModes.h"
 
 #include <ORLHostPath.h>
