@@ -24,6 +24,12 @@ bool Shows(const std::string& inText, const std::string& inPart)
     return inText.find(inPart) != std::string::npos;
 }
 
+std::string LastLine(const ProcessResult& inResult)
+{
+    const std::string text = inResult.mOutput.substr(0, inResult.mOutput.find_last_not_of("\r\n") + 1);
+    return text.substr(text.find_last_of('\n') + 1);
+}
+
 class OrlIngest : public testing::Test
 {
 protected:
@@ -74,6 +80,26 @@ TEST_F(OrlIngest, FirstRun_BringsTheTreeWithTimesAndManifest)
     EXPECT_TRUE(Shows(result.mOutput, "3 files copied and read back")) << result.mOutput;
     EXPECT_TRUE(Shows(result.mOutput, "00:00:02:01")) << "the length of the sound at 25 frames a second";
     EXPECT_EQ(std::string::npos, result.mOutput.find('\r')) << "no progress where output is no terminal";
+}
+
+TEST_F(OrlIngest, LastLine_SaysWhetherTheSourceMayBeErased)
+{
+    EXPECT_EQ("Safe to erase the source: all of its files (3) are verified at 1 destination.", LastLine(Ingest()));
+    EXPECT_EQ("Safe to erase the source: all of its files (3) are verified at 1 destination.", LastLine(Ingest()));
+    mFolder.MakeFile("disk/a.wav", "a different file");
+    fs::remove(Disk() / "ingest.sha256");
+    const ProcessResult refused = Ingest();
+    EXPECT_NE(0, refused.mExitCode);
+    EXPECT_EQ(0u, LastLine(refused).find("Not safe to erase the source: ")) << refused.mOutput;
+}
+
+TEST_F(OrlIngest, MoreCopiesThanDestinations_AreRefusedBeforeAnythingIsWritten)
+{
+    const ProcessResult result = Ingest({"--copies", "2"});
+    EXPECT_EQ(2, result.mExitCode);
+    EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
+    EXPECT_EQ("", result.mOutput);
+    EXPECT_FALSE(fs::exists(Disk()));
 }
 
 TEST_F(OrlIngest, SecondRun_SkipsWhatIsVerified)

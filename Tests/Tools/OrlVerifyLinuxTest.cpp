@@ -69,8 +69,8 @@ TEST_F(OrlVerifyOnLinux, PipesAndBrokenLinks_AreReportedAndNotWaitedFor)
     fs::create_symlink("nowhere", Disk() / "none");
     fs::create_directory_symlink(".", Disk() / "CLIP/loop");
     ExpectEnd(Verify(), kVerifyChanged,
-              {Shown("a") + " has changed: it is no file", Shown("none") + " is missing",
-               "cannot read \"a\": it is no file", "cannot read \"none\": file not found"});
+              {Shown("a") + " has changed: it is not a regular file", Shown("none") + " is missing",
+               "cannot read \"a\": it is not a regular file", "cannot read \"none\": file not found"});
 }
 
 // As sha256sum does. A folder behind a link is searched for new files.

@@ -26,7 +26,8 @@ public:
         outIdentity = mStatus.mIdentity;
         mFile.mSize = mStatus.mSize;
         if (mStatus.mKind != EntryStatus::kFile) {
-            Set(VerifiedFile::kChanged, mStatus.mKind == EntryStatus::kFolder ? "it is a folder" : "it is no file");
+            Set(VerifiedFile::kChanged,
+                mStatus.mKind == EntryStatus::kFolder ? "it is a folder" : "it is not a regular file");
         } else if (mContext.mIsQuick) {
             CompareStatus();
         } else {
