@@ -8,7 +8,7 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 // The C library leaks the list of folders of LOCPATH.
-extern "C" const char* __lsan_default_suppressions()
+extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions()
 {
     return "leak:argz_add_sep\n";
 }
