@@ -194,6 +194,7 @@ void IngestManifest::WriteAt(std::uint64_t inAt, const std::string& inText)
         unsigned int written = 0;
         const auto count = static_cast<unsigned int>(std::min<std::size_t>(inText.size() - at, 1 << 20));
         Check(mFile.Write(inText.data() + at, count, written), "write");
+        Check(written != 0 ? ORL::kSuccess : ORL::kDiskFull, "write");
         at += written;
     }
     Check(FlushFile(mFile) ? ORL::kSuccess : ORL::kGeneralFailure, "flush");

@@ -329,6 +329,9 @@ void IngestRecord::Write(const std::string& inLine, AfterWrite inAfter)
         unsigned int written = 0;
         result = mFile.Write(inLine.data() + at, static_cast<unsigned>(inLine.size() - at), written);
         at += written;
+        if (ORL::ResultSucceeded(result) && written == 0) {
+            result = ORL::kDiskFull;
+        }
     }
     const bool isWritten = ORL::ResultSucceeded(result);
     if (isWritten && inAfter == AfterWrite::kFlush && !FlushFile(mFile)) {
