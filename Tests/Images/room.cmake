@@ -35,3 +35,7 @@ if(NOT WIN32)
             "${ORL_CONVERT}" $<TARGET_FILE:images_pictures> "${CMAKE_CURRENT_SOURCE_DIR}/Images/Data")
   set_tests_properties(Images.Oracles.ImageMagickReadsTheSameBitmaps PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 endif()
+
+if(NOT WIN32)
+  target_sources(${room_target} PRIVATE Resources/EnglishUserLinuxTest.cpp) # the pictures' tables expect this user too
+endif()

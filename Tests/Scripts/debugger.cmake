@@ -14,4 +14,6 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
       "${PROJECT_SOURCE_DIR}/tvxmediatypes/Inc")
   set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans Debugger.Natvis.NamesWhatTheHeadersDeclare
     PROPERTIES TIMEOUT 120)
+  # gdb prints text in the character set of its locale.
+  set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans PROPERTIES ENVIRONMENT "LC_ALL=C.UTF-8")
 endif()
