@@ -257,6 +257,20 @@ void AtExit::WaitForThreadProgress()
     }
 }
 
+#if defined(__SANITIZE_THREAD__)
+// The process ends while its threads still run, and the C++ library publishes its cached facets under a lock that the
+// sanitizer does not see.
+extern "C" [[gnu::visibility("default")]] const char* __tsan_default_options()
+{
+    return "report_thread_leaks=0";
+}
+
+extern "C" [[gnu::visibility("default")]] const char* __tsan_default_suppressions()
+{
+    return "race:std::__use_cache\n";
+}
+#endif
+
 int main(int argc, char** argv)
 {
     if (argc != 2) {
