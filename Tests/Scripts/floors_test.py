@@ -32,7 +32,7 @@ HOUSE = {
     "Tests/Files/room.cmake": "add_executable(borders Files/Borders/BordersTest.cpp)\n",
 }
 
-# File, its new text, and what is to be said of it.
+# A file, its new text, and the message that the script must print for it.
 FAULTS = [
     ("Src/Memory/Pages.cpp", "#include <ORLFile.h>\n", "floor Memory includes ORLFile.h of floor Files"),
     ("API/Inc/ORLLock.h", "// Floor: Core\n#include <ORLFile.h>\n", "floor Core includes ORLFile.h of floor Files"),
