@@ -38,12 +38,19 @@ const Kind kKinds[] = {
 #endif
 };
 
-void ExpectSafe(const Kind& inKind, const unsigned char* inData, std::size_t inSize, const std::string& inWhat)
+// A copy in memory of exactly its size.
+std::unique_ptr<unsigned char[]> ExactCopy(const Contents& inContents, std::size_t inSize)
 {
-    const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize != 0 ? inSize : 1]);
-    std::memcpy(copy.get(), inData, inSize);
-    const char* const fault = ORLFuzz::CheckResources(inKind.mRead, copy.get(), inSize);
-    ASSERT_EQ(nullptr, fault) << inKind.mFile << ", " << inWhat << ": " << fault;
+    std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize != 0 ? inSize : 1]);
+    std::memcpy(copy.get(), inContents.data(), inSize);
+    return copy;
+}
+
+void ExpectSafe(const Kind& inKind, const unsigned char* inData, std::size_t inSize, const char* inWhat,
+                std::size_t inNumber)
+{
+    const char* const fault = ORLFuzz::CheckResources(inKind.mRead, inData, inSize);
+    ASSERT_EQ(nullptr, fault) << inKind.mFile << ", " << inWhat << " " << inNumber << ": " << fault;
 }
 
 // Collects the bytes of numbers and texts.
@@ -111,12 +118,13 @@ TEST(ResourceReaders, EveryByteFlipped_IsReadWithoutAFault)
 {
     for (const Kind& kind : kKinds) {
         const Contents whole = ReadBeside(kind.mFile);
+        const auto changed = ExactCopy(whole, whole.size());
         for (std::size_t i = 0; i < whole.size(); ++i) {
             for (const int change : {0xFF, 0x01, 0x80}) {
-                Contents changed = whole;
-                changed[i] = static_cast<unsigned char>(changed[i] ^ change);
-                ASSERT_NO_FATAL_FAILURE(ExpectSafe(kind, changed.data(), changed.size(), "byte " + std::to_string(i)));
+                changed[i] = static_cast<unsigned char>(whole[i] ^ change);
+                ASSERT_NO_FATAL_FAILURE(ExpectSafe(kind, changed.get(), whole.size(), "byte", i));
             }
+            changed[i] = whole[i];
         }
     }
 }
@@ -126,7 +134,8 @@ TEST(ResourceReaders, EveryLengthCut_IsReadWithoutAFault)
     for (const Kind& kind : kKinds) {
         const Contents whole = ReadBeside(kind.mFile);
         for (std::size_t size = 0; size < whole.size(); ++size) {
-            ASSERT_NO_FATAL_FAILURE(ExpectSafe(kind, whole.data(), size, "size " + std::to_string(size)));
+            const auto cut = ExactCopy(whole, size);
+            ASSERT_NO_FATAL_FAILURE(ExpectSafe(kind, cut.get(), size, "size", size));
         }
     }
 }
