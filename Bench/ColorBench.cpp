@@ -1,8 +1,8 @@
 // Colour conversions compared with the same formulas written plainly in double, a million values at a time.
 //
-// Question: does a host that converts a palette or a swatch lose speed by calling the library? Ours keeps the precision
-// that the formulas define for each step, and is a call into a shared library; therefore the plain formulas are called
-// as functions too. No widespread library has these operations on single values.
+// Question: does a host that converts a palette or a swatch lose speed by calling the library? The library keeps the
+// precision that the formulas define for each step, and is called across a library boundary; therefore the plain
+// formulas are called as functions too. No widespread library has these operations on single values.
 #include "Harness.h"
 
 #include <ORLColor.h>

@@ -1,11 +1,11 @@
 // Question: what does File cost in addition to the system calls, and what does a block cache cost in addition to a copy
 // in memory?
 //
-// The file of 64 MiB is in the system's cache, so that the disk does not hide our cost. Small reads are 4 KiB, large
-// ones 1 MiB. "pread" reads from a plain descriptor. For the block cache, everything is in the host's cache before the
-// clock starts; the host of this benchmark keeps all blocks in an array, so its own cost is almost zero. The peer
-// copies the same bytes from the same blocks. Copies are of real files on the disk of this program; both sides write to
-// new names, and the results are deleted outside the measured time.
+// The file of 64 MiB is in the system's cache, so that the disk does not hide the cost of File. Small reads are 4 KiB,
+// large ones 1 MiB. "pread" reads from a plain descriptor. For the block cache, everything is in the host's cache
+// before the clock starts; the host of this benchmark keeps all blocks in an array, so its own cost is almost zero. The
+// peer copies the same bytes from the same blocks. Copies are of real files on the disk of this program; both sides
+// write to new names, and the results are deleted outside the measured time.
 #include "Harness.h"
 
 #include <ORLFoundation.h>

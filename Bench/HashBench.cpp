@@ -1,5 +1,5 @@
-// The hash compared with a plain lookup2 loop with 32-bit loads, followed by one more mix step as in ours. Without that
-// step the peer would do less work: for 16 bytes it is a third of the total.
+// The hash compared with a plain lookup2 loop with 32-bit loads, followed by one more mix step as in the library.
+// Without that step the peer would do less work: for 16 bytes the step is a third of the total.
 //
 // Question: do the contract check, the updating of HashValue's three words and the call across the library boundary
 // cost anything? The dependency chain of the mix step limits hashing, so this cost should be hidden.

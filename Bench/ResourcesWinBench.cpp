@@ -21,7 +21,7 @@ const wchar_t* AsWide(const unsigned short* inText)
     return reinterpret_cast<const wchar_t*>(inText);
 }
 
-// The system finds the plug-in beside the program.
+// The system finds the plug-in next to the program.
 ORL::ObjectPtr<ORL::Module> LoadPlugIn()
 {
     const std::u16string file(ORL_BENCH_PLUG_IN);

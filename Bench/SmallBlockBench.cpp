@@ -74,7 +74,7 @@ void AddPeer(Bench::Group& ioGroup, std::size_t inSize)
     }
 }
 
-// Runs the same work for ours and for every peer.
+// Runs the same work for this allocator and for every peer.
 template <template <class> class Work>
 void Run(Bench::Group inGroup, double inGoal, std::size_t inSize)
 {

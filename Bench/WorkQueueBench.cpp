@@ -1,4 +1,4 @@
-// Question: is handing small work to threads cheaper with ours than with the usual pools?
+// Question: is handing small work to threads cheaper with this queue than with the usual pools?
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueue.h>
@@ -22,7 +22,7 @@ using ORL::IThreadedQueueRequest;
 using ORL::ThreadedWorkQueue;
 using ORL::UnknownImpl;
 
-// Counts the finished work items, for ours and for the peers; the caller spins on the count.
+// Counts the finished work items, for the library and for the peers; the caller spins on the count.
 class alignas(64) Counter
 {
 public:

@@ -36,7 +36,7 @@ set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi gdiplus gdi32)
 # WaitOnAddress, WakeByAddressSingle and WakeByAddressAll
 set(ORL_SYNCHRONIZATION synchronization)
 
-# Copies the toolchain's runtime libraries beside the programs, so that the programs run from their folder.
+# Copies the toolchain's runtime libraries next to the programs, so that the programs run from their folder.
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
     OUTPUT_VARIABLE dll_path OUTPUT_STRIP_TRAILING_WHITESPACE)

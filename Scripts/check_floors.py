@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
-"""Checks the house rules that can be read off the includes.
+"""Checks the rules of this project that the includes can break.
 
 Floors: includes run downwards only. A file below Src or Inc belongs to the floor of its folder, a header of API/Inc to
 the floor that its first line names ("// Floor: Threads"). A file in a platform folder belongs to the floor that its first
 line names, else to the highest floor whose seam headers it includes. A seam header belongs to the lowest floor whose
-portable code includes it. A folder without a floor is a fault.
+portable code includes it. A folder without a floor is an error.
 Libraries: tvxcore, tvxmediatypes and CRV include nothing of ORLFoundation, neither by name nor by a relative path.
 Tests: each folder with tests is in the list of test programs.
-Seam: an OS header or a platform condition stands only in the platform folders, or in an export header (*Config.h).
-Tools and examples: public headers alone.
-The roof: ORLFoundation.h brings in every public header.
-Prints one line for each fault; exit code 1 if there is any. check_floors.py [ROOT]
+Seam: OS headers and platform conditions occur only in the platform folders and in export headers (*Config.h).
+Tools and examples: they include public headers only.
+Foundation: ORLFoundation.h includes every public header.
+Prints one line for each error; exit code 1 if there is any. check_floors.py [ROOT]
 """
 import re
 import sys
@@ -18,7 +18,7 @@ from pathlib import Path
 
 ROOT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parent.parent).resolve()
 
-# Higher floors may include lower ones. Media stands beside Threads and sees only Strings and below.
+# Higher floors may include lower ones. Media has the same rank as Threads and includes only Strings and below.
 RANK = {"Platform": 0, "Core": 1, "Memory": 2, "Objects": 3, "Strings": 4, "Threads": 5, "Media": 5, "Files": 6,
         "System": 7, "Diagnostics": 8, "Foundation": 9}
 
@@ -87,7 +87,7 @@ def named_floor(path):
 
 
 def local_header(path, name):
-    """The header of our own that stands where a relative include points to, or None."""
+    """Returns the header in Src that a relative include refers to, or None."""
     target = (path.parent / name).resolve()
     return target if target.is_file() and ROOT / "Src" in target.parents else None
 
@@ -115,7 +115,7 @@ def floor_sources():
 
 
 def seam_rooms(floors):
-    """Seam header -> the lowest floor that asks for it."""
+    """Returns, for each seam header, the lowest floor that includes it."""
     rooms = {}
     for path in floor_sources():
         floor = None if in_platform_folder(path) else floor_of(path, floors)

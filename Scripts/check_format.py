@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks that every C++ file of the tree has the style of .clang-format. check_format.py [--write] [ROOT]
 
-clang-format differs from version to version, so one version is asked for. --write formats the files instead.
+Each version of clang-format formats differently, so only one version is used. --write formats the files instead.
 Prints each file that differs; exit code 1 if there is any.
 """
 import subprocess

@@ -23,8 +23,8 @@ namespace ORL {
 class ORL_API Application
 {
 public:
-    /// Makes this object the instance, and keeps a reference to both modules and copies of the text and the value. The
-    /// library uses only inApplicationModule, whose path GetApplicationFilePath returns. Fires an input contract if
+    /// Makes this object the instance, and keeps references to both modules and copies of the start-up text and value.
+    /// The library uses only inApplicationModule, whose path GetApplicationFilePath returns. Fires an input contract if
     /// there already is an instance. Throws std::bad_alloc.
     Application(const ObjectPtr<Module, AtomicValue>& inModule,
                 const ObjectPtr<Module, AtomicValue>& inApplicationModule, const UTF16String& inStartupText,
@@ -39,7 +39,7 @@ public:
     /// The host's main loop, or its equivalent. The library does not call it.
     virtual int Run() = 0;
 
-    /// For hosts that do work when idle. Does nothing here; the library does not call it.
+    /// A host with idle work overrides it; the default does nothing. The library does not call it.
     virtual void Idle();
 
     /// Returns the application, or null if there is none.

@@ -1,8 +1,8 @@
 // Floor: Core
 // Operations on shared 32-bit numbers and on shared pointers.
 //
-// Every operation is sequentially consistent and thread-safe. Each asserts that its target is aligned to its own size,
-// and runs even if that assertion fails. Never throws, unless the host's assertion handler does.
+// Every operation is sequentially consistent and thread-safe. Each asserts that the target is aligned to its size, and
+// runs even if the assertion fails. Never throws, unless the host's assertion handler does.
 #pragma once
 
 #include <ORLDebug.h>

@@ -11,7 +11,7 @@
 
 namespace ORL {
 
-/// Creates an instance and stores it in its argument. May throw: the exception propagates to the caller of
+/// Creates an instance and stores it in the argument. May throw: the exception propagates to the caller of
 /// CreateInstance.
 using CreateClassFunction = void (*)(InterfaceRef<ORLUnknown, ORLUnknown>&);
 
@@ -62,7 +62,7 @@ public:
     /// Returns the class of a token. inToken must be valid.
     static Guid GetClassIDFromClassToken(ClassMapEntry* const& inToken);
 
-    /// Stores the flag, initially true. Nothing in the library reads it.
+    /// Stores a flag, initially true, that nothing in the library reads.
     static void SetWarnAboutUnregisteredClasses(bool inWarn);
 };
 

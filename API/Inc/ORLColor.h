@@ -126,7 +126,7 @@ ORL_API void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, fl
 ORL_API void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& outG, float& outB);
 
 /// A hue of 1 results in black, unlike in the HSV form, as does any hue outside the sectors 0 to 5. The sector is
-/// truncated toward zero, so a hue between -1/6 and 0 is in the first one.
+/// truncated toward zero, so a hue between -1/6 and 0 is in sector 0.
 ORL_API void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB);
 
 /// Same as the normalised forms, with bytes divided by 255. Hue is stored in degrees, the others in percent, rounded to

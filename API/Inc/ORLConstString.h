@@ -19,7 +19,7 @@ namespace ORL {
 
 namespace Internal {
 
-/// The shared copy of one text. It is immutable; the count is the number of handles.
+/// The shared copy of one text. Immutable, except for the count of its handles.
 template <class String>
 struct ConstStringShared
 {
@@ -160,7 +160,7 @@ public:
     /// The empty text. Allocates nothing.
     ConstString() noexcept = default;
 
-    /// Copies the text up to its first zero unit. Narrow text is UTF-8. A pointer must not be null.
+    /// Copies the text up to its first zero unit. Narrow text is UTF-8. The pointer must not be null.
     ORL_API ConstString(const char* inText);
     ORL_API ConstString(const unsigned short* inText);
     ORL_API ConstString(const UTF16String& inText);

@@ -46,7 +46,7 @@ public:
         mSection->Lock();
     }
 
-    /// Locks the section. The text only documents the call.
+    /// Locks the section. The text documents the call and is not used.
     CriticalSectionLock(const CriticalSection& inSection, const char*) TVXCORE_ACQUIRES(inSection)
         : CriticalSectionLock(inSection)
     {

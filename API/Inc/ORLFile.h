@@ -206,9 +206,9 @@ public:
     /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
     static Result SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRealPath);
 
-    /// Returns an unused name beside the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on. First cuts
-    /// the name so that name and extension have at most 250 characters. Creates nothing, so another caller may take the
-    /// name.
+    /// Returns an unused name in the folder of the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
+    /// First cuts the name so that name and extension have at most 250 characters. Creates nothing, so another caller
+    /// may take the name.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
     /// Stores the size of the file at a path, open or not. Every failure is kFileNotFound. Uses the path as given.

@@ -24,8 +24,8 @@ namespace ORL {
 /// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
 /// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
 ///           operation works until the process ends, for threads still running and for handles in static storage; the
-///           system reclaims their memory. A module that unloads the library earlier must release its handles first:
-///           any others dangle, and the memory of their texts leaks.
+///           system reclaims their memory. A module that unloads the library before process exit must release its
+///           handles first: other handles dangle, and the memory of their texts leaks.
 class ORL_API ImmutableString
 {
 public:
@@ -50,7 +50,7 @@ public:
     UTF16String ToString() const;
 
     /// Returns -1, 0 or 1, by the bytes as unsigned values up to the first zero. A null handle is below every text, the
-    /// empty one included, and equal only to a null handle and to a null pointer, which orders the same way.
+    /// empty one included, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
     int Compare(const ImmutableString& inOther) const;
     int Compare(const char* inOther) const;
     int Compare(const unsigned char* inOther) const;

@@ -18,8 +18,8 @@ class MemoryRecycler;
 
 /// A block of memory, as a plain value: copies refer to the same memory, and the destructor frees nothing.
 ///
-/// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, from 1048576 bytes of
-/// 16384), and their memory is allocated in whole pages from the system if possible.
+/// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, or of 16384 from 1048576
+/// bytes), and their memory is allocated in whole pages from the system if possible.
 class ORL_API MemoryBuffer
 {
 public:
@@ -68,7 +68,7 @@ public:
     /// call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
-    /// Returns a buffer of inSize bytes, of at least 8192 after rounding: the last one returned of exactly that size,
+    /// Returns a buffer of inSize bytes, rounded up to at least 8192: the pool's most recent one of exactly that size,
     /// or a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc with the
     /// text "bad allocation". The contents are left over from the previous user.
     MemoryBuffer AllocateBuffer(std::size_t inSize);

@@ -86,7 +86,7 @@ private:
     HINSTANCE mNativeModule;
     bool mOwnsModule;
     mutable UTF16String mPath;
-    Modules::ResourceStore* mResources; // the platform's data beside the handle; null on Windows
+    Modules::ResourceStore* mResources; // the resources found in the module; null on Windows
 };
 
 /// Returns this library's own module. The pointer is empty before the library is loaded and after it is unloaded.

@@ -16,7 +16,7 @@
 namespace ORL {
 
 /// A smart pointer whose copies share one object and one counter, which is allocated separately in 4 bytes. The counter
-/// is null exactly if the pointer is.
+/// is null if and only if the object is.
 ///
 /// Owner:    the copies own the object together; the last one deletes it.
 /// Threads:  one thread at a time per ObjectPtr. Several threads may own copies of one pointer, and copy and destroy

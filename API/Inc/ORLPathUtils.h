@@ -93,7 +93,7 @@ ORL_API UTF16String StripUNC(const UTF16String& inPath);
 } // namespace Win
 
 /// Stores the relative path from the directory of inFrom to that of inTo. Returns false, with outRelative untouched, if
-/// they have nothing in common or one is not rooted. Drives are not compared.
+/// the paths have nothing in common or one is not rooted. Drives are not compared.
 ORL_API bool ArePathsRelative(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
 /// Returns inMore relative to inBase, with dots resolved. Returns an empty path if inBase is not rooted or the result

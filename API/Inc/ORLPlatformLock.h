@@ -16,8 +16,8 @@
 #  include <atomic>
 #  include <cstdint>
 
-// The thread sanitizer follows the lock through its atomic word. Annotated as a mutex, it also detects lock order
-// inversions.
+// The thread sanitizer follows the lock through its atomic word. The annotations as a mutex let it also detect lock
+// order inversions.
 #  if ORL_THREAD_SANITIZER
 #    include <sanitizer/tsan_interface.h>
 #    define ORL_TELL_SANITIZER(call) call
@@ -77,7 +77,7 @@ public:
             return;
         }
         ORL_TELL_SANITIZER(__tsan_mutex_pre_unlock(this, 0));
-        // From now on another thread may lock and destroy the object, so only its address is used after this.
+        // After this exchange another thread may lock and destroy the object, so only the object's address is used.
         const std::uintptr_t old = mWord.exchange(0, std::memory_order_release);
         ORL_TELL_SANITIZER(__tsan_mutex_post_unlock(this, 0));
         if ((old & kSleepers) != 0) {
@@ -86,8 +86,8 @@ public:
     }
 
 private:
-    // Set in mWord, beside the owner, if a thread may be asleep. Thread control blocks are aligned, so their bit 0 is
-    // free.
+    // This bit of mWord, next to the owner, is set if a thread may be asleep. Thread control blocks are aligned, so
+    // their bit 0 is free.
     static constexpr std::uintptr_t kSleepers = 1;
 
     // Number of lock operations, after a recursive one, that test for recursion first.
@@ -149,7 +149,7 @@ private:
 namespace ORL {
 namespace Internal {
 
-/// The recursive lock of the OS. This header does not need its type.
+/// The recursive lock of the OS. This header does not need the type of that lock.
 class ORL_API PlatformLock
 {
 public:

@@ -60,7 +60,7 @@ struct RegistryStoreState
     {
         std::string mFile;   ///< host path
         std::string mTime;   ///< "2026-11-22T03:15:00Z"
-        std::string mReason; ///< empty if it could not be recorded
+        std::string mReason; ///< empty if the reason could not be recorded
     };
 
     bool mIsWhole = true;            ///< false if the store cannot be used or the check found errors

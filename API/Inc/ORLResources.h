@@ -40,7 +40,7 @@ struct MenuItem
 /// immutable.
 ORL_API int GetMenuItemCount(HMENU inMenu);
 
-/// Copies the item of an index, counted from 0. Returns false, with outItem unchanged, if there is none. Throws
+/// Copies the item at an index, counted from 0. Returns false, with outItem unchanged, if there is no such item. Throws
 /// std::bad_alloc.
 ORL_API bool GetMenuItem(HMENU inMenu, int inIndex, MenuItem& outItem);
 
@@ -51,8 +51,8 @@ struct CursorPicture
 {
     int mWidth;
     int mHeight;
-    int mHotSpotX; ///< from the left
-    int mHotSpotY; ///< from the top
+    int mHotSpotX; ///< from the left edge of the picture
+    int mHotSpotY; ///< from the top edge of the picture
     std::vector<std::uint32_t>
         mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue; not premultiplied
 };

@@ -5,6 +5,6 @@
 #include <ORLConfig.h>
 #include <ORLCriticalSection.h>
 
-/// Returns the same lock on every call; the first call creates it. Thread-safe, even before the library is started. It
-/// is not the lock that guards start and stop.
+/// Returns the same lock on every call; the first call creates it. Thread-safe, even before the library is started.
+/// This lock does not guard start and stop.
 ORL_API ORL::CriticalSection& ORLGetGlobalCriticalSectionForSingletonConstruction();

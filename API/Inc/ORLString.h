@@ -31,7 +31,7 @@ ORL_API UTF16String MakeString(const CString& inText);
 /// Same as tvxcore::utility::WcharToUTF16.
 ORL_API UTF16String MakeStringFromWchar(const unsigned short* inText);
 
-/// Returns the whole string as UTF-8, zero units included. Throws std::length_error if it is too long.
+/// Returns the whole string as UTF-8, zero units included. Throws std::length_error if the result is too long.
 ORL_API std::string MakeStdString(const UTF16String& inText);
 
 /// Returns the text before the string's first zero unit.

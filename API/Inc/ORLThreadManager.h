@@ -18,7 +18,7 @@ public:
     ThreadInfo(const ThreadInfo&) = delete;
     ThreadInfo& operator=(const ThreadInfo&) = delete;
 
-    /// Return copies of the handles.
+    /// Return copies of the handles to the two names.
     ConstString GetThreadName() const;
     ConstString GetCurrentModule() const;
 

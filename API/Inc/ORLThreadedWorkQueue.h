@@ -45,7 +45,7 @@ public:
 /// Runs requests on its own threads, in the order in which they were queued, and one periodic idle process.
 ///
 /// State:    created (no threads) until Initialize; running until Stop; then stopped for good: requests are refused.
-///           Destroying a running queue, or stopping a queue twice, reports an assertion and then acts like Stop.
+///           Destroying a running queue, or stopping a queue twice, reports an assertion and then works like Stop.
 /// Owner:    counted references. Clients hold it by InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
 /// Threads:  thread-safe, the queue's own threads included, with two exceptions: Initialize must finish before a second
 ///           thread uses the queue, and Stop must not run at the same time as Initialize.

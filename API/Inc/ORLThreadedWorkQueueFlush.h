@@ -29,7 +29,7 @@ class WorkQueueFlushAlgorithm;
 ///           and the last release deletes the object.
 /// Threads:  any number of threads may call Flush on one object; they are served one after the other. Two objects that
 ///           flush one queue at the same time may deadlock: use one object for each queue.
-/// Time:     every wait is unlimited. The queue must not be paused.
+/// Time: no wait has a time limit. The queue must not be paused.
 /// Failure:  misuse is reported by assertions, and Flush then returns without waiting; it has no result.
 class ORL_API ThreadedWorkQueueFlush
     : public UnknownImpl<IThreadedQueueRequest, ThreadedWorkQueueFlush, IThreadedQueueRequest>
@@ -60,9 +60,9 @@ private:
 
     InterfaceRef<ThreadedWorkQueue, ORLUnknown> mQueue;
     std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush has claimed the object
-    WaitableGate mArrivalGate;     // closed until all items have arrived
+    WaitableGate mArrivalGate;     // the gate that opens once all items have arrived
     std::uint32_t mDeparturesLeft; // items that have not left Process
-    WaitableGate mDepartureGate;   // opens when the last one has left
+    WaitableGate mDepartureGate;   // opens when the last item has left
 };
 
 } // namespace ORL

@@ -10,8 +10,8 @@ namespace ORL {
 /// the time between the load of the library and that point. To compare two stamps, subtract their GetMilliSeconds.
 ///
 /// A value. Thread-safe for different objects; the load time never changes. Never throws. On Windows the clock is that
-/// of the C runtime. On Linux it is the time since the start of the process, suspended time included; it does not go
-/// backwards if the machine's time is set.
+/// of the C runtime. On Linux the clock is the time since the start of the process, suspended time included; setting
+/// the machine's time does not affect it.
 class TimeStamp
 {
 public:
@@ -26,7 +26,7 @@ public:
     /// Returns the time at which the library was loaded.
     static ORL_API const TimeStamp& GetStartTime();
 
-    /// Return the whole time in a unit. GetElapsedValue is in milliseconds too.
+    /// Return the whole time in a unit. GetElapsedValue also returns milliseconds.
     ORL_API double GetElapsedValue() const;
     ORL_API double GetMilliSeconds() const;
     ORL_API double GetSeconds() const;

@@ -64,7 +64,7 @@ private:
     boost::mutex mMutex;       // guards the fields below
     boost::condition_variable mCondition;
     std::uint32_t mGeneration; // incremented by each opening that finds waiters
-    std::int32_t mWaiterCount; // threads in the sleeping part of Wait
+    std::int32_t mWaiterCount; // threads that Wait has registered as waiters
 };
 
 /// A process-wide stack of closed gates, so that a short wait need not construct a mutex and a condition variable.

@@ -1,4 +1,4 @@
-// A small benchmark harness: groups of rivals that do the same work, ours and its peers.
+// A small benchmark harness: groups of rivals that do the same work, the library ("ours") and its peers.
 //
 // Method
 //   - In each repetition of a group every rival runs once, in turn, so machine noise affects all alike. Each
@@ -77,7 +77,7 @@ inline double NowInNanoseconds()
     return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
-/// The goal of ours: a ratio to a peer. An empty name means the best peer.
+/// The library's goal: a ratio to a peer. An empty name means the best peer.
 struct Goal
 {
     double mRatio;
@@ -289,7 +289,7 @@ public:
         return Add(std::move(inName), std::move(inBody), false, Goal{});
     }
 
-    /// Adds a row of ours. One group may have several (with different goals, or none if the ratio is 0).
+    /// Adds a row of the library. One group may have several (with different goals, or none if the ratio is 0).
     template <class Function>
     Group& Ours(std::string inName, Goal inGoal, Function inBody)
     {

@@ -18,7 +18,7 @@ struct PixelPicture
 };
 
 /// Reads a bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, in either order of rows, plain, run-length encoded or with bit
-/// fields. The header may have any size from 12 bytes on. Pixels are opaque, except that 32-bit pixels of the usual
+/// fields. The header may have any size of at least 12 bytes. Pixels are opaque, except that 32-bit pixels of the usual
 /// layout keep their fourth byte as alpha unless it is 0 in all of them; the colours of such a bitmap are expected to
 /// be premultiplied. Pixels that no run covers are black.
 ///

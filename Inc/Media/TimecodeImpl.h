@@ -42,7 +42,7 @@ public:
     void UpdateHMSF();
 
     tvxmediatypes::TickTime mTime;
-    tvxmediatypes::FrameRate mFrameRate; // the caller's, even if the format implies another
+    tvxmediatypes::FrameRate mFrameRate; // the caller's rate, even if the format implies another
     tvxmediatypes::TimeDisplay mTimeDisplay;
     Style mStyle;
     int mHours = 0; // magnitudes; only mFrames is signed, in kTimeDisplay_Frames

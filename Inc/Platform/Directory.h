@@ -52,7 +52,7 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 /// Removes an empty directory.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath);
 
-/// The shell's numbers of its functions.
+/// The shell's numbers for its functions.
 enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
 /// Runs the shell's operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the

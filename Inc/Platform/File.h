@@ -104,7 +104,7 @@ enum class BackupDisposition { kKeep, kDelete };
 
 /// Replaces a file by another one. The previous contents are moved to inBackup, which is overwritten if it exists. On
 /// success contents and names have been synced to disk. The replaced name always refers to the complete old or the
-/// complete new contents. If the backup fails only because its name is too long for the volume, it is kept beside the
+/// complete new contents. If the backup fails only because its name is too long for the volume, it is kept next to the
 /// replaced file under another name, and deleted on success. With kDelete every backup is deleted on success; a
 /// failure to delete it is ignored. Throws std::bad_alloc only before anything has been replaced.
 SystemError ReplaceFile_Impl(const UTF16String& inReplaced, const UTF16String& inReplacement,

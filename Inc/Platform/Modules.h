@@ -12,7 +12,7 @@
 namespace ORL {
 namespace Modules {
 
-/// A platform's data beside a module's handle, for finding its resources.
+/// A platform's data for finding a module's resources, in addition to its handle.
 class ResourceStore;
 
 namespace Platform {
@@ -32,7 +32,7 @@ void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::
 /// Returns null if the module exports no such name.
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))();
 
-/// Creates the data that the lookups below need beside the handle, which may be null. Throws std::bad_alloc.
+/// Creates the data that the lookups below need in addition to the handle, which may be null. Throws std::bad_alloc.
 ResourceStore* OpenResources_Impl(HINSTANCE inModule);
 void CloseResources_Impl(ResourceStore* inStore);
 
@@ -60,7 +60,7 @@ void* LoadResource_Impl(const Source& inSource, Resource inResource, int& outSiz
 void EnumFirstResourceName_Impl(const Source& inSource, const unsigned short* inType,
                                 void (*inFound)(void* inContext, const unsigned short* inName), void* inContext);
 
-/// Returns the cursor in the language that the platform selects; null if there is none. It lives as long as the source.
+/// Returns the cursor in the language that the platform selects, valid as long as the source; null if there is none.
 void* LoadCursor_Impl(const Source& inSource, unsigned short inID);
 
 /// Creates a bitmap, which the caller deletes, of the bitmap resource of that number in the language that the platform

@@ -74,7 +74,7 @@ SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath);
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
 
 /// Stores type and data of a value. *ioSize is the capacity in bytes on entry, and the size of the value on return.
-/// Without a buffer stores only type and size. If the buffer is too small, returns 234 and stores both. Every output
+/// Without a buffer stores only these. If the buffer is too small, returns 234 and stores type and size. Every output
 /// may be null, but a buffer without a size returns 87.
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);

@@ -19,8 +19,8 @@ unsigned __int64 GetTotalVirtualMemory_Impl();
 bool ProcessorSupportsRDTSCInstruction_Impl();
 
 // The load counter: one query that collects samples, created once, with a counter that computes the load from the last
-// two of them. Neither is ever closed. Failures are Windows error numbers and the status codes of the Windows
-// performance data helper.
+// two of them. The query and the counter are never closed. Failures are Windows error numbers and the status codes of
+// the Windows performance data helper.
 
 using LoadQuery = void*;
 using LoadCounter = void*;

@@ -46,7 +46,7 @@ private:
     unsigned short mID = 0;
 };
 
-/// Returns the canonical form of a text, which is equal for two names exactly if they differ only in case. ASCII
+/// Returns the canonical form of a text, which is equal for two names if and only if they differ at most in case. ASCII
 /// becomes upper case; a text with any other unit is case-folded as a whole.
 UTF16String CanonicalName(const unsigned short* inUnits, std::size_t inCount);
 

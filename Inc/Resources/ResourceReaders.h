@@ -49,7 +49,7 @@ struct ResourceNote
     std::uint64_t mSize;
 };
 
-/// Returns the notes in a note segment. Stops at the first truncated one.
+/// Returns the notes in a note segment. Stops at the first truncated note.
 std::vector<ResourceNote> FindResourceNotes(const Bytes& inNotes);
 
 } // namespace Resources

@@ -57,7 +57,7 @@ public:
         }
     }
 
-    /// Returns the number of threads in the sleeping part of Wait.
+    /// Returns the number of threads that Wait has registered as waiters.
     template <class Gate>
     static std::int32_t CountWaiters(Gate& ioGate)
     {

@@ -28,8 +28,8 @@ public:
     {
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
-            // Between the claim of another flush and its closing of the gate, the gate is still open, so Wait returns
-            // at once. Threads that retry without a pause would take the processors from that flush and from its items.
+            // Until another flush that has claimed the object closes the gate, the gate is open and Wait returns at
+            // once. Threads that retry without a pause would take the processors from that flush and from its items.
             if (Policy::Executes(Step::kFlushYields)) {
                 Policy::YieldOrSleep(turn);
             }
@@ -74,8 +74,8 @@ private:
     // more, in the caller and in a thread of the queue, which spins only for a limited time before it sleeps.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
-    // Returns true for the last arrival. It makes the object claimable before it opens the gate, so that a waiting
-    // flush can claim the object as soon as the gate is open.
+    // Returns true for the last arrival. This thread makes the object claimable before it opens the gate, so that a
+    // waiting flush can claim the object as soon as the gate is open.
     template <class Flush>
     static bool Arrive(Flush& ioFlush)
     {

@@ -15,7 +15,7 @@ namespace ORL {
 namespace {
 
 DebugDatabase* sInstance = nullptr;
-std::int32_t sInstanceCount = 0; // is 0 or 1: only Instance() increments it
+std::int32_t sInstanceCount = 0; // 0 or 1: only Instance() increments the count
 
 constexpr char kCacheSubKey[] = "DebugCache\\";
 

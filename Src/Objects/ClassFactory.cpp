@@ -23,8 +23,8 @@ struct HashOfGuid
     }
 };
 
-// A second index beside the ordered map: with a thousand classes, a lookup in the map costs ten cache misses, in this
-// index one or two.
+// A second index in addition to the ordered map: with a thousand classes, a lookup in the map costs ten cache misses,
+// in this index one or two.
 using ClassIndex = std::unordered_map<Guid, ClassMapEntry*, HashOfGuid>;
 using CategoryMap = std::map<Guid, std::vector<Guid>>;
 

@@ -24,7 +24,7 @@ ThreadedWorkQueueFlush::ThreadedWorkQueueFlush() : mArrivalsLeft(Rendezvous::kUn
     mDepartureGate.Open();
 }
 
-// The destructors of the gates open them, so no thread stays asleep there.
+// The destructors of the gates open them, so no thread stays asleep at them.
 ThreadedWorkQueueFlush::~ThreadedWorkQueueFlush() = default;
 
 void ThreadedWorkQueueFlush::Init(InterfaceRef<ThreadedWorkQueue, ORLUnknown> inQueue)

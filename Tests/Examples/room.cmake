@@ -1,4 +1,4 @@
-# The tests run the example hosts that are built beside them.
+# The tests run the example hosts that are built in the same folder.
 add_dependencies(${room_target} example_block_cache example_plugins example_waveform example_gallery example_cut_list example_window_place)
 target_compile_definitions(${room_target} PRIVATE ORL_EXAMPLES="${PROJECT_SOURCE_DIR}/Examples")
 

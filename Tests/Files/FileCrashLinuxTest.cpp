@@ -54,7 +54,7 @@ void SwapUnderKills(const std::string& inName, bool inLinks)
         ASSERT_NE(End::kFailed, end);
         const std::string real = ContentsOf(folder, inName);
         ASSERT_TRUE(real == kOld || real == kNew) << "killed at call " << call << ": the real file is not whole";
-        // The temporary file is gone exactly if the swap was completed; if it exists, the next process can repeat the
+        // The temporary file is gone if and only if the swap is complete; if it exists, the next process can repeat the
         // swap.
         const std::string temp = ContentsOf(folder, "temp");
         ASSERT_EQ(real == kOld ? kNew : "<none>", temp) << call;

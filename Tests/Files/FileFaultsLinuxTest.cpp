@@ -45,7 +45,7 @@ bool FitsAny(const std::vector<IgnoredFailure>& inAll, int inCall, unsigned inNu
                        [&](const IgnoredFailure& one) { return one.Fits(inCall, inNumber, inError); });
 }
 
-// Forgiven in every operation: calls that are retried or replaced, and attributes that some file systems do not store.
+// Ignored in every operation: calls that are retried or replaced, and attributes that some file systems do not store.
 const std::vector<IgnoredFailure> kAlwaysIgnored = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},
@@ -119,7 +119,7 @@ struct Operation
 const IgnoredFailure kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};
 const IgnoredFailure kEveryClose = {Faults::kClose};
 const IgnoredFailure kEveryStatx = {Faults::kStatx};
-// Forgiven closes of a copy. Only the first close, of the new file, must be reported if it fails.
+// The ignored closes of a copy: only the first close, of the new file, must be reported if it fails.
 const IgnoredFailure kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 int RefuseToRename(const char*, const char*, unsigned)

@@ -1,5 +1,5 @@
-// Tests swaps of files whose names leave no room for a longer name beside them: a name is limited to 255 bytes on Linux
-// and to 255 units on Windows.
+// Tests swaps of files whose names leave no room for a longer name next to them: a name is limited to 255 bytes on
+// Linux and to 255 units on Windows.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

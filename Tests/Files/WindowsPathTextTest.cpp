@@ -98,7 +98,7 @@ TEST(CombinePaths, EachPair_IsCombined)
     };
     for (const Row& row : rows) {
         if (Units(row.mMore) == Units(u"../b")) {
-            // Tests only the portable code: Windows takes any name that begins with two dots for a step up.
+            // Tests only the portable code: Windows treats any name that begins with two dots as "..".
             UTF16String combined;
             EXPECT_TRUE(WindowsText::Combine(Units(row.mBase), Units(row.mMore), combined));
             EXPECT_EQ(Units(row.mCombined), combined);

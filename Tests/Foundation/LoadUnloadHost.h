@@ -5,7 +5,7 @@
 
 namespace LoadUnload {
 
-/// Returns the handle of the loaded library beside this program, or null on failure.
+/// Returns the handle of the loaded library in the folder of this program, or null on failure.
 void* Load(const char* inFileName);
 bool Unload(void* inLibrary);
 

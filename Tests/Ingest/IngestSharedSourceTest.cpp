@@ -115,7 +115,7 @@ TEST(SharedSource, OneThatComesASecondTime_ReadsForItself)
     EXPECT_EQ(2 * kLarge.size(), source.BytesRead());
 }
 
-// The source does not wait for a destination that has given up the file.
+// The source does not wait for a destination that has released the file.
 TEST(SharedSource, OneThatGivesUp_IsNotWaitedFor)
 {
     for (const bool isAll : {false, true}) {

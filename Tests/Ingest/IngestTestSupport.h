@@ -118,7 +118,7 @@ inline std::map<std::string, std::string> ReadManifest(const std::filesystem::pa
 inline constexpr char kManifest[] = "ingest.sha256";
 inline constexpr char kRecord[] = ".ingest.sha256.run";
 
-/// Returns the record of a killed run with these lines: "T name", "M length", "W place".
+/// Returns the record of a killed run with these lines: "T name", "M length", "W offset".
 inline std::string RecordOf(const std::string& inLines)
 {
     return "orl ingest: the record of a run; it is deleted when the run has ended\n" + inLines;

@@ -75,7 +75,7 @@ protected:
         expected["kept"] = kOld;
         FileTree disk = ReadTree(Disk());
         disk.erase(kManifest);
-        // A killed swap may leave the earlier file beside the new one, under a different name.
+        // A killed swap may leave the earlier file next to the new one, under a different name.
         for (auto entry = disk.begin(); entry != disk.end();) {
             entry = entry->first.find('~') != std::string::npos ? disk.erase(entry) : std::next(entry);
         }

@@ -188,7 +188,7 @@ TEST_F(OrlIngestOnLinux, TooLittleRoom_IsToldBeforeAnythingIsDone)
     ORL::Foundation::Terminate();
 }
 
-// There is room for one file but not for two: the first destination named gets it.
+// There is space for one file but not for two: the first destination named gets it.
 TEST_F(OrlIngestOnLinux, TwoDestinationsOnOneVolume_ShareItsRoom)
 {
     ORL::Foundation::Initialize();

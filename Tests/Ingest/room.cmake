@@ -1,4 +1,4 @@
-# The tests run the program that is built beside them.
+# The tests run the program that is built in the same folder.
 add_dependencies(${room_target} orl)
 if(TARGET run_restricted)
   add_dependencies(${room_target} run_restricted)

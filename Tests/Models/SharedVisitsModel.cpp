@@ -1,9 +1,9 @@
-// Runs the shipped visits concurrent with a writer, under a model checker. The writer changes a plain variable, so a
-// simultaneous visitor is a data race, which the checker reports. The checker also reorders operations as the memory
-// orders allow; one mutant is the same code with weaker orders.
+// Runs the shipped reader slots with readers and a writer, under a model checker. The writer changes a plain variable,
+// so a simultaneous reader is a data race, which the checker reports. The checker also reorders operations as the
+// memory orders allow; one mutant is the same code with weaker orders.
 //
 // Extent: every interleaving with up to three preemptions, then 100000 random ones. The model has two slots, not 64,
-// and all visitors start at the same slot, so that they collide.
+// and all readers start at the same slot, so that they collide.
 #include <ModelRun.h>
 
 #include <Strings/ReaderSlots.h>
@@ -66,7 +66,7 @@ struct Outcomes
 };
 Outcomes sOutcomes;
 
-/// The first thread writes, and waits for visitors or not; each other thread visits twice.
+/// The first thread writes, and waits for readers or not; each other thread reads twice.
 template <class Policy, bool kWaits, unsigned kVisitors>
 struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors + 1>
 {

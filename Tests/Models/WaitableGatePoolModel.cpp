@@ -26,7 +26,7 @@ struct BorrowAndReturn : rl::test_suite<BorrowAndReturn<Policy>, 3>
     void after() { RL_ASSERT(mPool.CountIdleGates() >= 1 && mPool.CountIdleGates() <= 3); }
 };
 
-/// The pool has room for one gate, and two are returned while a third is retrieved.
+/// The pool holds at most one gate, and two are returned while a third is retrieved.
 template <class Policy>
 struct ReturnToAlmostFull : rl::test_suite<ReturnToAlmostFull<Policy>, 3>
 {

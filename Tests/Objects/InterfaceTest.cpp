@@ -124,7 +124,7 @@ TEST(InterfaceRef, Assignment_CountsTheNewBeforeItReleasesTheOld)
         reference = other;
         EXPECT_EQ("+b-a", sLog);
         sLog.clear();
-        reference = other; // assigns the object that reference already holds
+        reference = other; // assigns the object that is already assigned
         EXPECT_EQ("+b-b", sLog);
     }
 }

@@ -25,7 +25,7 @@ struct PublishedSite
     int mTableLine;
     Kind mKind;
     const char* mExpression;
-    const char* mMessage;  // only of an assertion
+    const char* mMessage;  // null except for an assertion
     const char* mSource;   // null if none is published
     long mLine;            // 0 if none is published
     const char* mFunction; // null for a contract, or if none is published

@@ -1,4 +1,4 @@
-// Tests the published checks of the core and of the objects room.
+// Tests the published checks of the folders Core and Objects.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

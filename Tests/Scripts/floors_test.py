@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Gives check_floors.py a small house with one wrong include in each place that it looks at: floors_test.py SCRIPT"""
+"""Runs check_floors.py on small source trees that each break one rule: floors_test.py SCRIPT"""
 import subprocess
 import sys
 import tempfile

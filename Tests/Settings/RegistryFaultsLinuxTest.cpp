@@ -123,7 +123,7 @@ protected:
         ReleaseStores();
     }
 
-    // Uses the store like a process from its first call on, and notes which changes were acknowledged.
+    // Uses the store like a process from its first call on, and records which changes were acknowledged.
     void Work(unsigned inRound)
     {
         mWritten = mCreated = mDeleted = false;

@@ -23,7 +23,7 @@ public:
     /// first operation whose result differs from the map's, or 0. Starts with closed handles.
     unsigned Run(std::uint32_t inSeed, unsigned inCount, bool inMapOnly);
 
-    /// Whether the registry holds exactly the keys and values of the map.
+    /// Returns whether the registry holds exactly the keys and values of the map.
     bool IsSame() const;
 
 private:

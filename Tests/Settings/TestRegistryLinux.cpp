@@ -8,7 +8,7 @@ namespace ORLTest {
 
 using namespace ORL::Registry::Linux;
 
-// Creates the stores' folders for the lifetime of the place, after it releases the stores that other tests left open.
+// Releases the stores that other tests left open, then creates the stores' folders for the lifetime of this object.
 class TestRegistry::Impl
 {
 public:

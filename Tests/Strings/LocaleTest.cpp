@@ -72,7 +72,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalComma_ReadsBothConventions)
         {__LINE__, "1.234.5", 1234},
         {__LINE__, "1.2345", 1.2345},
         {__LINE__, "12.5 kg", 12.5},
-        // one of the two readings is 0, so the classic reading wins: a known gap of the rule
+        // one of the two readings is 0, so the classic reading wins: a known limitation
         {__LINE__, ",5", 0},
         {__LINE__, "-,5", 0},
         {__LINE__, "0,5", 0},

@@ -57,7 +57,7 @@ TEST(SharedVisits, NoPlaceLeft_IsNotInAndDoesNotWait)
     EXPECT_TRUE(ReaderSlots::ReaderAccess(slots).IsGranted()) << "the places are free again";
 }
 
-// The numbers are not atomic: a visitor concurrent with the writer is a data race and sees unequal numbers.
+// The numbers are not atomic: a reader concurrent with the writer is a data race and reads unequal numbers.
 TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
 {
     ReaderSlots slots;
@@ -77,7 +77,7 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
                         ++looks;
                     }
                 }
-                std::this_thread::yield(); // not inside the visit: a preempted visitor stalls the writer
+                std::this_thread::yield(); // without access: a preempted reader would stall the writer
             }
         });
     }

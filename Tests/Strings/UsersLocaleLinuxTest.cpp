@@ -40,7 +40,7 @@ TEST(UsersLocale, ThatIsClassicUnknownOrMissing_IsTheClassicOne)
     EXPECT_EQ("1234567.5 reads back, point\n", HostUnder("xx_YY.UTF-8", nullptr, nullptr));
 }
 
-// Only the C library knows a locale that was compiled on this machine.
+// Only the C library has a locale that was compiled on this machine.
 TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
 {
     const TempFolder folder;

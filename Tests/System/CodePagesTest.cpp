@@ -1,4 +1,4 @@
-// Tests text in code pages: both platforms must give the results of Windows.
+// Tests text in code pages: both platforms must return the results of Windows.
 #include "CodePageSweep.h"
 
 #include <CRV/Application.h>

@@ -228,11 +228,11 @@ TEST(TimecodeLiteral, SecondsBeyond32Bits_WrapAround)
     EXPECT_EQ(HMSFToTime(0, 0, std::numeric_limits<int>::min(), 3, false, kFrameRate_VideoNTSC,
                          kTimeDisplay_2997NonDropTimecode),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));
-    // At a whole rate the negative seconds become an unsigned count that does not fit, 2^63 frames. At an even number
-    // of ticks a frame that is a time of zero.
+    // At a whole rate the negative seconds become an unsigned count that does not fit, 2^63 frames. If a frame has an
+    // even number of ticks, their time is zero.
     EXPECT_EQ(Frames(3, kFrameRate_VideoPAL),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoPAL, kTimeDisplay_25Timecode));
-    // At an odd number of ticks, half of the count's range remains.
+    // If a frame has an odd number of ticks, half of the count's range remains.
     EXPECT_EQ(FoldByLoops(ORL::Wrapping::Add(std::numeric_limits<long long>::min(), 3LL * 3675)),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_Audio192000, kTimeDisplay_AudioSamplesTimecode));
 }

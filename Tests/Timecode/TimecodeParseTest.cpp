@@ -314,7 +314,7 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
 TEST(TimecodeParse, NegativeFieldsFromOverflow_AreDefined)
 {
     // 4294967295 is -1 in 32 bits. The negative seconds become a huge unsigned count, which does not fit and becomes
-    // 2^63 frames. At an even number of ticks a frame that is a time of zero, so only the frames remain.
+    // 2^63 frames. A frame has an even number of ticks, so their time is zero and only the frames remain.
     const ParseRow rows[] = {
         {__LINE__, "0:0:4294967295:4", 4},
         {__LINE__, "4294967295:0:0:4", 4},

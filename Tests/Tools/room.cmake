@@ -1,4 +1,4 @@
-# The tests run the program that is built beside them.
+# The tests run the program that is built in the same folder.
 add_dependencies(${room_target} orl resource_files resources_lookup images_pictures)
 
 # A host that runs orl's stream code while the test truncates the file.

@@ -106,7 +106,7 @@ TEST(FrameRate, OfItsOwnValue_IsTheSameRate)
     }
     std::mt19937_64 random(20240229);
     for (int i = 0; i < 1000000; ++i) {
-        // Tick counts that a double holds exactly, with room for two roundings.
+        // Tick counts that a double holds exactly, with a margin for two roundings.
         const long long ticks = static_cast<long long>(random() >> (14 + random() % 49)) * ((i & 1) != 0 ? 1 : -1);
         const FrameRate rate = FrameRate::FromTicksPerFrame(ticks);
         ASSERT_EQ(ticks, FrameRate(rate.GetValue()).GetTicksPerFrame());

@@ -161,7 +161,7 @@ bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
               });
 }
 
-// Returns true if the conflict lasts. A holder whose registration fails releases its locks within a moment.
+// Returns true if the conflict persists. A holder whose registration fails releases its locks within a moment.
 bool ConflictLasts(int inDescriptor, unsigned inBytes) noexcept
 {
     constexpr int kPolls = 3;

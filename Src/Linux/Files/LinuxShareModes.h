@@ -8,7 +8,7 @@
 // The locks belong to the open file description (F_OFD_SETLK). They therefore vanish with their owner, need only read
 // permission, and do not interfere with the locks of other libraries in the process. An open first acquires its locks
 // and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that meets a conflict
-// releases its locks and retries, unless the conflict lasts. A holder that shares nothing and can write instead
+// releases its locks and retries, unless the conflict persists. A holder that shares nothing and can write instead
 // acquires one write lock on all bytes, which has the same effect in one call.
 //
 // If a file cannot be locked (the descriptor cannot read, or the file system has no locks), the rule holds only inside

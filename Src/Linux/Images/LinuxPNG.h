@@ -22,7 +22,7 @@ struct DecodedPNG
 /// need 2 GiB or more, or if out of memory. Memory is proportional to the file's size. Never throws.
 bool DecodePNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// The two decoders behind DecodePNG. DecodeCommonPNG is the fast one. It supports only 8-bit true colour with or
+/// The two decoders behind DecodePNG. DecodeCommonPNG is faster, but supports only 8-bit true colour with or
 /// without alpha and without interlacing, and returns false for every other file, damaged ones included. DecodeAnyPNG
 /// decodes any kind with libspng.
 bool DecodeCommonPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;

@@ -94,7 +94,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
     return SystemErrors::kNoError;
 }
 
-// Not needed: names are read by identifier.
+// No handle is needed: names are read by identifier.
 ProcessHandle OpenProcess_Impl(unsigned int)
 {
     return nullptr;

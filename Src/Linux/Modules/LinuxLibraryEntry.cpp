@@ -1,6 +1,6 @@
 // Floor: System
-// The functions that the loader calls at load and unload. It calls OnUnload after all destructors that the program
-// registered while the library was loaded.
+// The functions that the loader calls at load and unload. The loader calls OnUnload after all destructors that the
+// program registered while the library was loaded.
 #include <ORLResources.h>
 #include <System/LibraryModule.h>
 

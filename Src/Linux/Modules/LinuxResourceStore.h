@@ -1,5 +1,5 @@
 // Floor: System
-// The data beside a module's handle: its resources by name, and the cursors that were loaded.
+// The data of a module in addition to its handle: its resources by name, and the cursors that were loaded.
 #pragma once
 
 #include <ORLResources.h>

@@ -15,8 +15,8 @@ namespace Linux {
 struct HostPath
 {
     std::string mPath;                  // absolute; ends in "/" if the library path ends in a separator
-    bool mIsRoot = false;               // true for the folder of a drive or share itself
-    bool mHasTrailingSeparator = false; // true if the path has one and is not a root
+    bool mIsRoot = false;               // true if the path is the folder of a drive or share
+    bool mHasTrailingSeparator = false; // never true for a root
 
     // Set only if the path is longer than the kernel allows: mPath then begins with the open folder's path in /proc.
     std::string mWhole;

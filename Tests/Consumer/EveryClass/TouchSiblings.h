@@ -1,4 +1,4 @@
-// A host's use of the three libraries beside ORLFoundation.
+// A host's use of the three libraries other than ORLFoundation.
 #pragma once
 
 #include "Touch.h"

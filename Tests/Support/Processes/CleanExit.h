@@ -7,8 +7,8 @@
 
 namespace ORLTest {
 
-/// Runs a program beside the tests ten times with one argument. Each run must end by itself, print nothing, and exit
-/// with 17, the code that its main returns.
+/// Runs a program from the tests' folder ten times with one argument. Each run must end by itself, print nothing, and
+/// exit with 17, the code that its main returns.
 inline void ExpectCleanExit(const char* inProgram, const char* inHow)
 {
     for (int round = 0; round < 10; ++round) {

@@ -1,4 +1,4 @@
-// Runs a program that was built beside the tests and captures its output.
+// Runs a program that was built next to the tests and captures its output.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ struct ProcessResult
     std::string mErrors;
 };
 
-/// Returns the folder of this program and of the programs built beside it, UTF-8, with a trailing separator.
+/// Returns the folder of this program and of the programs built next to it, UTF-8, with a trailing separator.
 std::string FolderOfThisProgram();
 
 /// Runs inName (without ".exe") from the folder of this program, in inWorkingFolder if that is not empty. The arguments

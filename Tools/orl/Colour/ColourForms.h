@@ -1,4 +1,4 @@
-// A colour in every form that the library converts, and their texts.
+// A colour in every form that the library converts, as numbers and text.
 #pragma once
 
 #include <ORLColor.h>

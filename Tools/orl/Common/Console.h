@@ -21,7 +21,7 @@ public:
     UTF8Console& operator=(const UTF8Console&) = delete;
 
 private:
-    [[maybe_unused]] unsigned int mEarlierCodePage; // of the Windows console
+    [[maybe_unused]] unsigned int mEarlierCodePage; // code page of the Windows console, restored at the end
 };
 
 /// Switches standard output to binary mode.
@@ -50,7 +50,7 @@ public:
 
 private:
     bool mShowsColours;
-    [[maybe_unused]] unsigned long mEarlierMode; // of the Windows console
+    [[maybe_unused]] unsigned long mEarlierMode; // mode of the Windows console, restored at the end
 };
 
 } // namespace orl

@@ -32,7 +32,7 @@ struct Options
     std::string mManifest = "ingest.sha256";
     std::string mRate = "25";
     bool mIsDryRun = false;
-    std::size_t mCopies = 0; // that make the source safe to erase; 0: one at each destination
+    std::size_t mCopies = 0; // copies that make the source safe to erase; 0: one at each destination
     IngestSettings mSettings;
 };
 
@@ -50,8 +50,8 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
 
 enum class RunEnd { kFinished, kStoppedByUser };
 
-// Reports every trouble on its own line; the last is thrown as the program's error. If the user stopped the run, the
-// stop is the last trouble and decides the exit code, otherwise the first trouble does.
+// Reports every failure on its own line; the last is thrown as the program's error. If the user stopped the run, the
+// stop is the last failure and decides the exit code, otherwise the first failure does.
 void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, RunEnd inEnd)
 {
     if (inTroubles.empty()) {

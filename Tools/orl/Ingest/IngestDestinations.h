@@ -34,8 +34,8 @@ struct IngestWatcher
 /// The source as an ingest found it.
 struct IngestedSource
 {
-    IngestListing mListing;       // before the first file
-    std::uint64_t mBytesRead = 0; // from its files
+    IngestListing mListing;       // made before the first file was copied
+    std::uint64_t mBytesRead = 0; // bytes read from the files of the source
 };
 
 /// Parses the arguments. Throws Failure if an argument is invalid or if a destination lies inside another destination.

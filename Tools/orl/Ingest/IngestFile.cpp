@@ -23,7 +23,7 @@ using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
 constexpr std::size_t kBlockSize = SharedReading::kBlockSize;
-constexpr std::size_t kReadsInFlight = 4; // per file; several files are copied at once
+constexpr std::size_t kReadsInFlight = 4; // reads in flight per file; several files are copied at once
 
 // In a file with holes, a piece of this many zero bytes becomes a hole.
 constexpr unsigned int kHoleSize = 1 << 16;

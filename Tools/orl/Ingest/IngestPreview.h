@@ -13,11 +13,11 @@ namespace orl {
 
 struct IngestPreview
 {
-    std::vector<std::vector<std::string>> mNamesAlike; // in case alone: one file each on a volume that ignores case
+    std::vector<std::vector<std::string>> mNamesAlike; // each group is one file on a volume that ignores case
     std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes of leftovers that a run would delete first, by volume
 };
 
-/// Fills the plan of each destination, and the troubles of its outcome. A trouble of one destination does not stop the
+/// Fills the plan of each destination, and the failures of its outcome. A failure at one destination does not stop the
 /// others. Throws Failure if the source cannot be listed or the user stops.
 IngestPreview PreviewIngest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                             const IngestSettings& inSettings, const std::function<bool()>& inIsStopped);

@@ -53,7 +53,7 @@ struct IngestOutcome
 };
 
 /// Creates the folders, copies the files, and adds them to the manifest in groups, each file after it is on disk under
-/// its final name. When this returns, every verified file is in the manifest, unless a trouble reports that the disk or
+/// its final name. When this returns, every verified file is in the manifest, unless a failure reports that the disk or
 /// the manifest could not be written.
 IngestOutcome RunIngest(const IngestPlan& inPlan, const IngestRoots& inRoots, const IngestSettings& inSettings,
                         IngestManifest& ioManifest, IngestRecord& ioRecord, const IngestShare& inShare,

@@ -48,7 +48,7 @@ constexpr std::size_t kShownDigits = 16;
 struct ShownFile
 {
     const IngestItem* mItem = nullptr;
-    const IngestRoots* mRoots = nullptr; // of one destination that has the file
+    const IngestRoots* mRoots = nullptr; // the roots of one destination that has the file
     std::string mDigest;                 // empty if an earlier run verified the file
     bool mWasPresent = false;
     std::size_t mCount = 0;

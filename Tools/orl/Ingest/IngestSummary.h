@@ -23,7 +23,7 @@ std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
                   const std::string& inManifestName);
 
-/// Returns all troubles. With several destinations each line names its destination, and a trouble that all destinations
+/// Returns all failures. With several destinations each line names its destination, and a failure that all destinations
 /// share is listed once.
 std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDestinations);
 

@@ -53,7 +53,7 @@ VerifyOutcome VerifyWithProgress(const std::string& inFolder, const Options& inO
     return VerifyFolder(inFolder, inOptions.mSettings, watcher);
 }
 
-// Prints each trouble on its own line; throws the last one as the program's error, with the exit code of the worst.
+// Prints each failure on its own line; throws the last one as the program's error, with the worst failure's exit code.
 void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHasNoAnswer)
 {
     const int worst = inIsStopped ? kExitStopped : WorstExitCode(inTroubles);

@@ -30,7 +30,7 @@ struct VerifiedFile
         kNew, // the file is not in the list
     };
 
-    std::string mName; // below the folder, "/" between folders, as bytes of the host
+    std::string mName; // below the folder, "/" between folders, in the host's bytes
     State mState = kNotChecked;
     std::uint64_t mSize = 0;
     std::string mListed; // SHA-256; empty for a new file
@@ -41,8 +41,8 @@ struct VerifiedFile
 struct VerifyOutcome
 {
     std::string mShownFolder;
-    std::vector<VerifiedFile> mFiles;     // by name
-    std::vector<IngestTrouble> mTroubles; // troubles of the list and the folder, not of one listed file
+    std::vector<VerifiedFile> mFiles;     // sorted by name
+    std::vector<IngestTrouble> mTroubles; // failures of the list and the folder, not of one listed file
     std::uint64_t mBytesRead = 0;
     double mSeconds = 0;
     bool mIsStopped = false;
@@ -60,8 +60,8 @@ struct VerifyWatcher
     std::function<void(std::uint64_t inBytesRead, std::size_t inFilesDone)> mShow;
 };
 
-/// Changes nothing in the folder. Requires a started library. Does not throw Failure: each error is a trouble of the
-/// outcome.
+/// Changes nothing in the folder. Requires a started library. Does not throw Failure: each error is added to
+/// mTroubles.
 VerifyOutcome VerifyFolder(const std::string& inFolder, const VerifySettings& inSettings,
                            const VerifyWatcher& inWatcher);
 

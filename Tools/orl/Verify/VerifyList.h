@@ -13,13 +13,13 @@ struct VerifyList
 {
     struct Line
     {
-        std::string mName;   // as bytes of the host
+        std::string mName;   // in the host's bytes
         std::string mDigest; // 64 lower-case hexadecimal digits
     };
 
     std::vector<Line> mLines;
     std::size_t mOtherLines = 0; // checksums of another algorithm or format
-    EntryStatus mStatus;         // of the file
+    EntryStatus mStatus;         // status of the list's file
 };
 
 /// Reads the list of that name in a folder. Throws Failure if the list is missing, is a link, is not a list of

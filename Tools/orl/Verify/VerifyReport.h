@@ -18,10 +18,10 @@ void PrintTotals(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOut
 /// Prints one JSON object per line for each file, and one with the totals after the files of each folder.
 void PrintJsonLines(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes);
 
-/// Returns a line for each file that is not as listed, and for each trouble of a folder, in the order of folders.
+/// Returns a line for each file that is not as listed, and for each failure of a folder, in the order of folders.
 std::vector<IngestTrouble> TroublesOf(const std::vector<VerifyOutcome>& inOutcomes);
 
-/// Returns the exit code of the worst trouble; 0 if the list is empty.
+/// Returns the exit code of the worst failure; 0 if the list is empty.
 int WorstExitCode(const std::vector<IngestTrouble>& inTroubles);
 
 } // namespace orl

@@ -27,11 +27,11 @@ class TVXCORE_API AsyncExecutor
 public:
     virtual ~AsyncExecutor();
 
-    /// Queues a function. Returns true if it will run once; functions start in first-in, first-out order. Returns false
-    /// if it was refused since termination has been requested. The second argument is ignored; pass 0. The function is
-    /// copied once, on the caller's thread; the copy is destroyed after it has run. It should not throw: an exception
-    /// is reported to the error manager as a warning (package 110, identifier 1) and the thread continues. Throws what
-    /// the copy throws, or std::bad_alloc; the function then does not run.
+    /// Queues a function. Returns true if the function will run once; functions start in first-in, first-out order.
+    /// Returns false if termination has been requested. The second argument is ignored; pass 0.
+    /// The function is copied once, on the caller's thread; the copy is destroyed after it has run. It should not
+    /// throw: an exception is reported to the error manager as a warning (package 110, identifier 1) and the thread
+    /// continues. Throws what the copy throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 
     /// Returns the number of threads. The number stays the same after they have ended.

@@ -68,8 +68,8 @@ TVXCORE_LOCAL inline constexpr PlaceTable kPlaces = MakePlaceTable();
 
 static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[kClassCount - 1] == kLargestSmall);
 
-// A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread takes
-// the slow path once in a while and does not accumulate unlimited quota.
+// A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread
+// occasionally takes the slow path and does not accumulate unlimited quota.
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 

@@ -57,7 +57,7 @@ private:
     std::atomic<std::uint32_t> mRunsEnded{0};
 };
 
-// Releases the lock while the function runs, which may end by an exception.
+// Releases the lock while the function runs; the function may throw.
 class TVXCORE_SCOPED_LOCK RepeatDelayFunction::State::Running
 {
 public:

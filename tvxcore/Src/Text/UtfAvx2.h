@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utf {
 
-/// Shifts all bytes up by kPlaces positions; the lowest become zero. So each position holds the byte kPlaces before it.
+/// Shifts all bytes up by kPlaces positions: each position holds the byte kPlaces before it, the lowest kPlaces zero.
 template <int kPlaces>
 TVX_AVX2_INLINE __m256i Before(__m256i inBytes)
 {

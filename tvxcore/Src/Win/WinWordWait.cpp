@@ -11,7 +11,7 @@ namespace Platform {
 
 bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpected, std::int64_t inNanoseconds)
 {
-    // Rounded up, so that a wait is never too short. A time that exceeds the type is clamped; the caller checks again.
+    // Rounded up, so that a wait is never too short. A time too long for the type is clamped; the caller checks again.
     DWORD limit = INFINITE;
     if (inNanoseconds >= 0) {
         limit = static_cast<DWORD>(std::min<std::int64_t>((inNanoseconds + 999'999) / 1'000'000, INFINITE - 1));

@@ -19,7 +19,7 @@ using ORL::Linux::System;
 using ORL::Linux::SystemErrorFromErrno;
 using namespace SystemErrors;
 
-// Processes with other builds of the library share this layout. Its version is part of the mark.
+// Processes with other builds of the library share this layout. The version of the layout is part of mMagic.
 struct ChangeBoard::Page
 {
     struct Slot

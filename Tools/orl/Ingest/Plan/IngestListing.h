@@ -27,7 +27,7 @@ struct IngestListing
 {
     std::vector<ListedFile> mFiles;
     std::vector<std::string> mFolders;    // each after its parent
-    std::set<EntryIdentity> mIdentities;  // of all folders, the source included
+    std::set<EntryIdentity> mIdentities;  // identities of all folders, the source included
     std::vector<IngestTrouble> mTroubles; // one for each entry that could not be listed
 };
 

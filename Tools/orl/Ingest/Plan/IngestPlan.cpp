@@ -249,8 +249,8 @@ private:
     const IngestRoots& mRoots;
     IngestListing mListing;
     IngestPlan mPlan;
-    std::map<std::string, PlannedFolder> mPlannedFolders; // by folder name
-    std::map<std::uint64_t, std::size_t> mVolumes;        // from volume to index in the plan's list
+    std::map<std::string, PlannedFolder> mPlannedFolders; // key: name of the folder
+    std::map<std::uint64_t, std::size_t> mVolumes;        // maps a volume to its index in the plan's list
     HeldFolder mOpened;
     std::string mOpenedName;
 };

@@ -50,7 +50,7 @@ struct IngestVolume
 
 struct IngestPlan
 {
-    std::vector<IngestItem> mItems;    // by name
+    std::vector<IngestItem> mItems;    // sorted by name
     std::vector<std::string> mFolders; // to be created at the destination, each after its parent
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;

@@ -1,4 +1,4 @@
-// The record of one run: a file beside the manifest that marks the destination as in use and lists what a killed run
+// The record of one run: a file next to the manifest that marks the destination as in use and lists what a killed run
 // leaves behind. It is locked from the first check of the destination to the end of the run, and never replaced by
 // another file.
 #pragma once
