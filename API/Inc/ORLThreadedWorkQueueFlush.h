@@ -29,7 +29,7 @@ class WorkQueueFlushAlgorithm;
 ///           and the last release deletes the object.
 /// Threads:  any number of threads may call Flush on one object; they are served one after the other. Two objects that
 ///           flush one queue at the same time may deadlock: use one object for each queue.
-/// Time: no wait has a time limit. The queue must not be paused.
+/// Time:     no wait has a time limit. The queue must not be paused.
 /// Failure:  misuse is reported by assertions, and Flush then returns without waiting; it has no result.
 class ORL_API ThreadedWorkQueueFlush
     : public UnknownImpl<IThreadedQueueRequest, ThreadedWorkQueueFlush, IThreadedQueueRequest>
