@@ -108,8 +108,8 @@ public:
 private:
     void Queue(void* inBuffer)
     {
-        // This thread queues reads first, then the completion thread does, but never both at once for the same slot.
-        // The counter is shared.
+        // The main thread queues reads first, then the completion thread does, but never both at once for the same
+        // slot. The counter is shared.
         if (mQueued.fetch_add(1, std::memory_order_relaxed) < mWork.Reads()) {
             mReader.QueueReadRequest(NextPosition(), mWork.mBlock, inBuffer, &OnRead, this, nullptr, nullptr);
         }

@@ -98,7 +98,7 @@ void MakeSiblingPath()
         .Run();
 }
 
-// Question: what does the separate pass that resolves dots cost? There is no goal for it.
+// Question: what does the separate pass that resolves dots cost? This question has no goal.
 void CombineWithDots()
 {
     const UTF16String path = LibraryPath();

@@ -69,7 +69,7 @@ function(_orl_compile_resources target script number depends include_directories
 endfunction()
 
 # Writes a source whose object contains the compiled file and a note with the file's size and its offset from the note's
-# contents. Neither needs a symbol or a relocation, so both survive strip, and a module can be moved.
+# contents. File and note need no symbol and no relocation, so both survive strip, and a module can be moved.
 function(_orl_embed_resources target compiled source)
   file(CONFIGURE OUTPUT "${source}" @ONLY CONTENT [=[
 // Written by orl_target_resources.

@@ -1,11 +1,11 @@
-// Writes the code page tables of the Linux library, from the results of the system's own conversions. It is a Windows
-// program:
+// Writes the code page tables of the Linux library, from the results of the system's own conversions. The program runs
+// on Windows:
 //   x86_64-w64-mingw32-g++ -std=c++17 -O1 -static Scripts/make-code-pages.cpp -o build/make-code-pages.exe
 //   Scripts/run-under-wine build/make-code-pages.exe Src/Linux/CodePages/Tables
 // The folder receives one CodePage<number>.inc for each page.
 //
-// The library converts text byte by byte and unit by unit. This program checks the assumptions behind that (see Check):
-// it refuses a page that violates one, instead of writing a wrong table.
+// The library converts text byte by byte and unit by unit. Check tests the assumptions behind this method: the program
+// refuses a page that violates one, instead of writing a wrong table.
 #include <windows.h>
 
 #include <algorithm>

@@ -69,7 +69,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicDecrement(T& ioValue)
 }
 
 /// Returns the current value. The read is a compare-and-set of 17 to 17, which changes nothing but is a full barrier.
-/// It acquires the cache line exclusively, so it costs as much as a write.
+/// The read acquires the cache line exclusively, so it costs as much as a write.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)
 {

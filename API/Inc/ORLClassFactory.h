@@ -18,7 +18,7 @@ using CreateClassFunction = void (*)(InterfaceRef<ORLUnknown, ORLUnknown>&);
 /// Appends the categories of a class to an empty vector.
 using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 
-/// The record of one registered class. Its address is the class's token, stable for the life of the process.
+/// The record of one registered class. The record's address is the class's token, stable for the life of the process.
 struct ClassMapEntry
 {
     Guid mClassID;          // the key of the entry

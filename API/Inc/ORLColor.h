@@ -1,7 +1,7 @@
 // Floor: Media
 // Conversions of one colour between RGB, HSL, HSV, YUV, YPbPr and YIQ, and its level in IRE and millivolts.
 //
-// There are two number forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for Pb
+// Colours have two number forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for Pb
 // and Pr. Integer values are for user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in percent,
 // 0 to 100; R, G, B and Y as bytes; U and V as signed bytes around 0. Values outside these ranges are computed with the
 // same formulas; each function documents what it stores.

@@ -1,5 +1,5 @@
 // Floor: Core
-// Contract checks and assertions. They are compiled into every build.
+// Contract checks and assertions. The checks are compiled into every build.
 //
 //   ORL_ASSERT(expression)           an internal inconsistency: reports, continues; the user can mute each site
 //   ORL_INPUT_CONTRACT(expression)   the caller violated a precondition: reports, then raises error 25 of package 105

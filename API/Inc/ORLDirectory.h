@@ -76,7 +76,7 @@ public:
     /// open.
     static Result Delete(const UTF16String& inPath);
 
-    // Whole trees. Each stops with kGeneralFailure at the first entry that fails; the work done before it is not
+    // Whole trees. Each of the three stops with kGeneralFailure at the first entry that fails; work done before is not
     // undone. A file that another handle has open without sharing the operation is such an entry.
 
     /// Removes a directory with all its contents.

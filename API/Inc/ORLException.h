@@ -23,7 +23,7 @@ public:
     ~Exception() override;
     const char* what() const noexcept override;
 
-    /// Hooks for the start and the stop of the library. They do nothing.
+    /// Hooks for the start and the stop of the library. The hooks do nothing.
     static void Initialize();
     static void Terminate();
 };

@@ -113,9 +113,9 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 /// One file. Unless documented otherwise, paths are rooted, in plain or extended form.
 ///
 /// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
-/// kFileAttribute_NoBuffering, it bypasses the system's cache. It is then read in whole blocks of at least 64 KiB
-/// through the buffer that the factory created for it. This object then keeps the position, which never exceeds the end
-/// of the file. The block cache allocates its blocks from the library's pool, so the library must be started.
+/// kFileAttribute_NoBuffering, it bypasses the system's cache. The file is then read in whole blocks of at least 64 KiB
+/// through the buffer that the factory created for it. The File object then keeps the position, which never exceeds the
+/// end of the file. The block cache allocates its blocks from the library's pool, so the library must be started.
 ///
 /// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
 ///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.

@@ -83,8 +83,8 @@ private:
     static ORL_API void MixInData(HashValue& ioHash, const unsigned char* inData, std::size_t inLength);
 };
 
-/// Writes the three words in lower-case hexadecimal, separated by ":", for example "1a:2b:3c". This is the format that
-/// operator>> reads. Ignores and keeps the flags, width and locale of the stream.
+/// Writes the three words in lower-case hexadecimal, separated by ":", for example "1a:2b:3c". operator>> reads this
+/// format. Ignores and keeps the flags, width and locale of the stream.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const HashValue& inHash);
 

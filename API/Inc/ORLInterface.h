@@ -163,10 +163,10 @@ constexpr bool HasOwnIdentifier()
 } // namespace Internal
 
 /// Implements reference count and interface queries for a concrete class. Base is the interface that it extends, or
-/// ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first. Each must
-/// declare its own kInterfaceID: a class that inherits the identifier of another listed class, of Base or of ORLUnknown
-/// does not compile. ORLUnknown is supported without being listed. The count directly follows the vtable pointer and
-/// starts at 0.
+/// ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first. Each of
+/// them must declare its own kInterfaceID: a class that inherits the identifier of another listed class, of Base or of
+/// ORLUnknown does not compile. ORLUnknown is supported without being listed. The count directly follows the vtable
+/// pointer and starts at 0.
 ///
 /// Owner:    references own the object; the last Release deletes it.
 /// Threads:  the count is thread-safe.

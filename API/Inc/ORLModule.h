@@ -97,8 +97,8 @@ ORL_API const ObjectPtr<Module, AtomicValue>& GetLibraryModule();
 ORL_API const ObjectPtr<Module, AtomicValue>& GetResourceModule();
 ORL_API void SetResourceModule(const ObjectPtr<Module, AtomicValue>& inModule);
 
-/// Returns the resource module as a collection. It must be set: otherwise the assertion of ObjectPtr fires, and the
-/// returned reference is invalid.
+/// Returns the resource module as a collection. The module must be set: otherwise the assertion of ObjectPtr fires, and
+/// the returned reference is invalid.
 ORL_API const ResourceCollection& GetResourceCollection();
 
 } // namespace ORL

@@ -42,9 +42,9 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
     return static_cast<RegistryKeyAccess::Type>(static_cast<int>(inLeft) | static_cast<int>(inRight));
 }
 
-/// A handle to one key. It is closed until an Open or Create succeeds. There is no Close: the handle stays open until
-/// its last copy is destroyed. If the key is deleted while handles to it are open, every operation on them fails, even
-/// after a key of the same name is created.
+/// A handle to one key. The handle is closed until an Open or Create succeeds. There is no Close: the handle stays open
+/// until its last copy is destroyed. If the key is deleted while handles to it are open, every operation on them fails,
+/// even after a key of the same name is created.
 ///
 /// A write is in the store when it returns: it survives a crash of this process, and other processes see it at their
 /// next read. After a power failure the last writes may be missing.
@@ -97,7 +97,7 @@ public:
     Result SetUInt32Value(const UTF16String& inName, unsigned int inValue);
     Result SetUInt64Value(const UTF16String& inName, unsigned __int64 inValue);
 
-    /// Stores the string with a terminator. It should contain no zero unit: GetStringValue stops at the first one.
+    /// Stores the string with a terminator. GetStringValue stops at the first zero unit of a string.
     Result SetStringValue(const UTF16String& inName, const UTF16String& inValue);
 
     /// Stores a UTF-8 string, which MakeString converts.
@@ -130,8 +130,8 @@ public:
     /// Reads the string as UTF-8.
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
-    /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. Its path is its name
-    /// alone. A failure ends the listing without a report.
+    /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. The path of such a
+    /// key is its name alone. A failure ends the listing without a report.
     void EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const;
 
     /// Returns the path passed to the last Open or Create, even if that failed.

@@ -55,7 +55,7 @@ struct RegistryEdit
 /// The state of the store of one root.
 struct RegistryStoreState
 {
-    /// A damaged database that the library has renamed. Its contents are unchanged.
+    /// A damaged database that the library has renamed, with its contents unchanged.
     struct SetAside
     {
         std::string mFile;   ///< host path
@@ -70,7 +70,7 @@ struct RegistryStoreState
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 
-/// Thread-safe. All functions throw std::bad_alloc only. They return kFileNotFound for a missing key or value,
+/// Thread-safe. All functions throw std::bad_alloc only. The functions return kFileNotFound for a missing key or value,
 /// kAccessDenied, kDiskFull, and kGeneralFailure for other errors (see Win::SystemErrorToORLResult).
 namespace RegistryStore {
 

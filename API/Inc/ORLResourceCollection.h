@@ -23,10 +23,10 @@ inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
 /// Types and names are results of MakeResourceID, or zero-terminated strings, which compare without regard to case. A
 /// string of "#" and decimal digits denotes that number. Sizes are in bytes.
 ///
-/// Owner:    the collection owns the data that lookups return. It is read-only, and valid until the collection is
+/// Owner:    the collection owns the data that lookups return. The data is read-only, and valid until the collection is
 ///           destroyed.
 /// Threads:  the implementation decides; see Module.
-/// Failure:  lookups return null. They throw std::bad_alloc.
+/// Failure:  lookups return null. Lookups throw std::bad_alloc.
 class ORL_API ResourceCollection
 {
 public:

@@ -10,8 +10,8 @@
 // - An empty text stays empty.
 //
 // If the system cannot convert a text (it is longer than 2^31 - 1 bytes or units, or the system lacks the page), an
-// assertion fires and the result is empty. No function reports a failure. Each throws std::bad_alloc if out of memory,
-// and std::length_error if the result is too long for its string.
+// assertion fires and the result is empty. No function reports a failure. Each function throws std::bad_alloc if out of
+// memory, and std::length_error if the result is too long for its string.
 //
 // Thread-safe.
 #pragma once

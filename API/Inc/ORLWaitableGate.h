@@ -19,7 +19,7 @@ template <class Policy>
 class WaitableGateAlgorithm;
 } // namespace Sync
 
-/// A gate that threads wait at. It starts closed, and may be opened and closed again.
+/// A gate that threads wait at. A gate starts closed, and may be opened and closed again.
 ///
 /// Opening releases every thread that sleeps at the gate, even if the gate is closed again immediately.
 /// Owner:    the creator. Gates of the pool must be open when they are returned to it. The destructor opens the gate;

@@ -1,8 +1,8 @@
 // The allocators that the small block allocator is compared with.
 //
-// Each is loaded so that only calls by address reach it: malloc remains the C library's everywhere else. A peer is a
-// type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call of a peer is
-// one call through a pointer, like a program's call into a shared library.
+// Each peer is loaded so that only calls by address reach it: malloc remains the C library's everywhere else. A peer is
+// a type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call of a peer
+// is one call through a pointer, like a program's call into a shared library.
 #pragma once
 
 #include <cstddef>

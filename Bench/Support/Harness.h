@@ -110,7 +110,7 @@ inline State& TheState()
     return state;
 }
 
-// One thread's part of a round. The result is used only for bodies that return a figure.
+// The part of a round that one thread runs. The result is used only for bodies that return a figure.
 using Body = std::function<double(std::uint64_t inOperations, unsigned inThread)>;
 
 template <class Function, class... Arguments>
@@ -336,7 +336,7 @@ private:
         return *this;
     }
 
-    // Doubles the count until a round is long enough to measure. This also warms up.
+    // Doubles the count until a round is long enough to measure. The calibration also warms up.
     void Calibrate(Detail::ThreadTeam& inTeam, Rival& ioRival)
     {
         const double wanted = IsQuick() ? 1e6 : 20e6;

@@ -41,8 +41,8 @@ private:
 
 TextStorage sStorage;
 
-// A value that is read without a lock. It keeps every text that it has ever had, since readers may still use any of
-// them. It is constant-initialised, so a host may set it before this library's static construction, and has no
+// A value that is read without a lock. The value keeps every text that was ever set, since readers may still use any of
+// them. The value is constant-initialised, so a host may set it before this library's static construction, and has no
 // destructor, so threads may read it until the process exits.
 class HostText
 {

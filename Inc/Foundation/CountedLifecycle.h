@@ -39,8 +39,8 @@ struct CountedLifecycle
     CriticalSection mLock;
 };
 
-/// Returns the lifecycle of the library. It is a static object, so it exists before any host code can start the
-/// library.
+/// Returns the lifecycle of the library. The lifecycle is a static object, so it exists before any host code can start
+/// the library.
 CountedLifecycle& FoundationLifecycle();
 
 } // namespace ORL

@@ -21,7 +21,7 @@ struct Region
 
 namespace Platform {
 
-/// One walk, in ascending order of addresses. Not thread-safe.
+/// One walk over the regions, in ascending order of addresses. Not thread-safe.
 struct Walk;
 
 /// Returns null if the system does not report its regions. CloseWalk_Impl ends the walk.

@@ -17,8 +17,8 @@ namespace Platform {
 /// A handle to an open key, or null.
 using KeyHandle = void*;
 
-/// Access rights of a handle. They limit its operations, except deleting and creating keys below it, which need no
-/// right.
+/// Access rights of a handle. The rights limit the handle's operations, except deleting and creating keys below it,
+/// which need no right.
 inline constexpr unsigned kAccessRead = 0x20019;
 inline constexpr unsigned kAccessWrite = 0x20006;
 inline constexpr unsigned kAccessReadWrite = 0x2001F;
@@ -35,7 +35,7 @@ inline constexpr unsigned kTypeUInt64 = 11;
 /// A buffer of this size holds every key name, terminator included.
 inline constexpr unsigned kKeyNameCapacity = 256;
 
-/// The two root handles. They need no close, but closing them is allowed.
+/// The two root handles. The root handles need no close, but closing them is allowed.
 KeyHandle GetUserRoot_Impl() noexcept;
 KeyHandle GetMachineRoot_Impl() noexcept;
 

@@ -14,7 +14,7 @@ inline constexpr std::uint32_t kNoSlot = 0xFFFFFFFFu;
 /// Returns a slot that holds null for every thread, or kNoSlot. Slots have no destructors.
 std::uint32_t AllocateSlot_Impl();
 
-/// Frees the slot. Its number may be reused.
+/// Frees the slot. The slot's number may be reused.
 void FreeSlot_Impl(std::uint32_t inSlot);
 
 /// Returns the calling thread's pointer in a slot; null for a freed slot.

@@ -79,9 +79,9 @@ private:
         std::uint64_t mHash;
     };
 
-    /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use. It
-    /// holds the text's address, so that a hit need not access the record. The size is half a cache line; a search
-    /// begins at the first of the two slots of a line.
+    /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use.
+    /// The slot holds the text's address, so that a hit need not access the record. The size is half a cache line; a
+    /// search begins at the first of the two slots of a line.
     struct alignas(32) Slot
     {
         const unsigned char* mText;

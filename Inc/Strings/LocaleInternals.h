@@ -11,7 +11,7 @@ namespace Locale {
 /// Makes the classic locale the process's global one.
 void Initialize();
 
-/// Returns the locale of that name; an empty name means the user's locale. Its number punctuation is that of
+/// Returns the locale of that name; an empty name means the user's locale. The locale's number punctuation is that of
 /// NumberToString, so a number written by that function can be read back, even if the C library lacks the locale.
 /// Returns the classic locale for an unknown name. Never throws: it runs at load.
 std::locale MakeLocale(const char* inName) noexcept;

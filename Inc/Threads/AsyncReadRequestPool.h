@@ -9,8 +9,8 @@
 
 namespace ORL {
 
-/// A fixed number of records, allocated without a lock. It never fails and never grows: if all records are in use, the
-/// caller sleeps in steps of 10 ms until one is free.
+/// A fixed number of records, allocated without a lock. The pool never fails and never grows: if all records are in
+/// use, the caller sleeps in steps of 10 ms until one is free.
 ///
 /// Request:      the type of a record; default-constructible. A reused record keeps its old contents.
 /// kRecordCount: a power of two, so that the rotating index may wrap.

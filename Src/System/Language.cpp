@@ -101,7 +101,7 @@ unsigned short FetchLanguageID()
     return fetched;
 }
 
-// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits a copy. A linker that
+// GetLanguageID is inlined into its callers. The address is taken so that the compiler emits a copy. A linker that
 // exports inline functions then exports the copy, for hosts that look it up by name.
 [[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 

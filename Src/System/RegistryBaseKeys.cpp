@@ -14,7 +14,7 @@ namespace {
 // Reentrant: two of the texts are built from a third under the lock.
 Immortal<CriticalSection> sRegistryKeysLock;
 
-// A text that the first call builds. It is never destroyed, because threads may still use it at process exit.
+// A text that the first call builds. The text is never destroyed, because threads may still use it at process exit.
 class CachedKey
 {
 public:

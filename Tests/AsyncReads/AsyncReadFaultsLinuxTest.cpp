@@ -287,8 +287,8 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
 }
 
 // The kernel refuses both the last packet and the packet that should wake the completion thread. An eventfd that the
-// ring polls all the time wakes the thread instead. That poll must still be active, although the kernel cancels the
-// polls of a thread that ends, and the thread that called StartupAsyncFileOperations has ended.
+// ring polls all the time wakes the thread instead. The ring's poll must still be active, although the kernel cancels
+// the polls of a thread that ends, and the thread that called StartupAsyncFileOperations has ended.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {

@@ -10,7 +10,7 @@ using namespace ORL;
 
 namespace {
 
-// Returns whether another thread can lock the section now. That thread unlocks the section at once.
+// Returns whether another thread can lock the section now. The other thread unlocks the section at once.
 bool OtherThreadCanTake(const CriticalSection& inSection)
 {
     bool taken = false;

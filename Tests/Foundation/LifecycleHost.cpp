@@ -1,5 +1,5 @@
-// A host that starts and stops the library and uses it from static objects. Its only argument is the mode; it prints
-// what it does. With ORL_START_STATICALLY a static constructor starts the library before main.
+// A host that starts and stops the library and uses it from static objects. The only argument is the mode; the host
+// prints each step. With ORL_START_STATICALLY a static constructor starts the library before main.
 #include <ORLFoundation.h>
 
 #include <algorithm>

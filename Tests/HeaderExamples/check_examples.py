@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Compiles the examples in the comments of the public headers: check_examples.py COMPILER BUILD_INCLUDE_DIR
 
-An example is comment text indented by three blanks with a line that ends a statement or opens a block. It
-must compile unchanged in a host that uses namespace ORL; the names that it assumes (a path, a buffer) are declared in
+An example is comment text indented by three blanks with a line that ends a statement or opens a block. An example must
+compile unchanged in a host that uses namespace ORL; the names that it assumes (a path, a buffer) are declared in
 Surroundings.h.
 """
 import re

@@ -7,7 +7,7 @@ using namespace ORL::Images;
 
 namespace {
 
-// Returns the exact quotient, rounded to nearest. There are no ties, since 255 is odd.
+// Returns the exact quotient, rounded to nearest. The quotient is never a tie, since 255 is odd.
 std::uint32_t Rounded(std::uint32_t inColour, std::uint32_t inAlpha)
 {
     return (2 * inColour * inAlpha + 255) / (2 * 255);

@@ -3,7 +3,7 @@
 //
 // Extent: every interleaving with up to two preemptions if there is one queue thread or one flusher, and with one if
 // there are two of both (with two, the search did not end in four minutes). The argument "deep" raises each of these
-// limits by one. Then 100000 random interleavings without a bound.
+// limits by one. After that, 100000 random interleavings without a bound.
 #include <ModelRun.h>
 
 #include <Threads/WorkQueueFlushAlgorithm.h>

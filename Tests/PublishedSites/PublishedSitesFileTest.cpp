@@ -1,4 +1,4 @@
-// Tests the published checks of File. Their line numbers are not published.
+// Tests the published checks of File. The line numbers of these checks are not published.
 #include "PublishedSites.h"
 
 #include <BlockCacheSupport.h>

@@ -1,4 +1,4 @@
-// Tests the published checks of paths and asynchronous reads. Their line numbers are not published.
+// Tests the published checks of paths and asynchronous reads. The line numbers of these checks are not published.
 #include "PublishedSites.h"
 
 #include <Files/AsyncFileReaderImpl.h>

@@ -42,7 +42,7 @@ void RequestCorruptToken()
     ClassFactory::GetClassTokenFromClassID(kClass);
 }
 
-// A map that loses its insertions. Its end iterator can be dereferenced, because the code after the check does so.
+// A map that loses its insertions. The end iterator can be dereferenced, because the code after the check does so.
 class ForgetfulMap
 {
 public:

@@ -1,4 +1,4 @@
-// Tests the published checks of thread records and of the flush. Their line numbers are not published.
+// Tests the published checks of thread records and of the flush. The line numbers of these checks are not published.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

@@ -1,5 +1,5 @@
-// A second process that works on the registry at the same time as the tests. It uses only public headers, and exits
-// without stopping the library.
+// A second process that works on the registry at the same time as the tests. The host uses only public headers, and
+// exits without stopping the library.
 //   registry_host model BASE SEED COUNT     random operations, as in RegistryModel
 //   registry_host mix BASE FIRST COUNT N    N threads, each with its own values, COUNT rounds each
 //   registry_host step NAME BASE LEDGER     one change, and a line in the ledger once it has been acknowledged

@@ -1,5 +1,5 @@
 // The rules define some results by repeated subtraction, but the library divides. This test repeats the literal
-// subtractions; both must give the same results, including signs and overflows.
+// subtractions; library and test must compute the same results, including signs and overflows.
 #include "TimecodeTestSupport.h"
 
 #include <Core/Wrapping.h>

@@ -32,7 +32,7 @@ long long NearestTick(double inSeconds) noexcept
 
 TickTime::TickTime(double inSeconds) noexcept
 {
-    // The last double whose ticks fit: it is 640 ticks below the largest count; the next one is 705 above it.
+    // The largest double whose ticks fit: 640 ticks below the largest count; the next double is 705 ticks above it.
     constexpr double kLast = 9223372036854775808.0 / static_cast<double>(kTicksPerSecond);
     if (std::isnan(inSeconds)) {
         *this = kTime_Invalid;

@@ -73,7 +73,7 @@ private:
 
 ReadBatch sReadBatch;
 
-// A lower bound for the number of starts that the executor holds. It is incremented only after the executor has
+// A lower bound for the number of starts that the executor holds. The count is incremented only after the executor has
 // accepted a start, so while it is above zero another start will run, and a held-back read will be submitted.
 std::atomic<int> sQueuedStarts{0};
 

@@ -170,7 +170,7 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
 }
 
 // On Windows a read at or after the end fails; this kernel would report success with 0 bytes. A seek is the cheapest
-// query of the size. It moves only the descriptor's own position, which is not used.
+// query of the size. The seek moves only the descriptor's own position, which is not used.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
     if (!inFile.mIsRegular) {

@@ -67,7 +67,7 @@ public:
     static std::shared_ptr<CompletionPort> Remove(AsyncFiles::Platform::Handle inHandle);
 };
 
-/// A file opened for asynchronous reads. It keeps its port alive.
+/// A file opened for asynchronous reads. The file keeps its port alive.
 struct AsyncFile
 {
     ShareHolder mShares;     // owns the file, and registers the reader with the share modes

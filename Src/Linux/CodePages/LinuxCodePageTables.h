@@ -1,4 +1,4 @@
-// The tables of the code pages. They contain the results of Windows, which Scripts/make-code-pages.cpp records.
+// The tables of the code pages. The tables contain the results of Windows, which Scripts/make-code-pages.cpp records.
 //
 // In every page the ASCII bytes are the ASCII characters, and no ASCII byte is a lead byte.
 #pragma once
@@ -39,7 +39,7 @@ struct DoubleBytePage
 
     // The units, in rows of kRow units. Row 0 has the unit of each single byte; for a lead byte, the page's default
     // character. Row 1 contains only zeros. Each other row has a unit for each trail byte of a lead byte, and 0 for the
-    // zero byte, which is not a trail byte. There is one more unit at the end, so a 32-bit load of the last one is
+    // zero byte, which is not a trail byte. The array has one more unit at its end, so a 32-bit load of the last one is
     // safe.
     const std::uint16_t* mUnits;
     const std::uint16_t* mRows;       // the offset in mUnits of the row of each lead byte; of row 1 for all other bytes

@@ -94,8 +94,8 @@ Descriptor OpenAnyWay(const std::string& inFile)
     return file;
 }
 
-// A folder whose entries are to be synced to disk. It is opened before anything is changed, so that afterwards only the
-// disk itself can fail.
+// A folder whose entries are to be synced to disk. The folder is opened before anything is changed, so that afterwards
+// only the disk itself can fail.
 class FolderToSync
 {
 public:

@@ -183,8 +183,8 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
-// A holder that shares nothing excludes all others. One write lock on all bytes does that, and acquires and tests in
-// one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
+// A holder that shares nothing excludes all others. One write lock on all bytes excludes them, and acquires and tests
+// in one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
 Outcome LockExclusively(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;

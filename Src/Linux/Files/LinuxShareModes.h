@@ -5,11 +5,11 @@
 //
 // Inside the process every holder is in a list, by device and inode. Across processes it holds shared locks on bytes of
 // the file itself, far after any data: one byte for each kind that it uses, one for each kind that it does not share.
-// The locks belong to the open file description (F_OFD_SETLK). They therefore vanish with their owner, need only read
-// permission, and do not interfere with the locks of other libraries in the process. An open first acquires its locks
-// and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that meets a conflict
-// releases its locks and retries, unless the conflict persists. A holder that shares nothing and can write instead
-// acquires one write lock on all bytes, which has the same effect in one call.
+// The locks belong to the open file description (F_OFD_SETLK). The locks therefore vanish with their owner, need only
+// read permission, and do not interfere with the locks of other libraries in the process. An open first acquires its
+// locks and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that meets a
+// conflict releases its locks and retries, unless the conflict persists. A holder that shares nothing and can write
+// instead acquires one write lock on all bytes, which has the same effect in one call.
 //
 // If a file cannot be locked (the descriptor cannot read, or the file system has no locks), the rule holds only inside
 // the process.

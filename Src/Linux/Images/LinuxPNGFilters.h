@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    // Also reads the byte after a pixel of 3 bytes. It has no effect, because the lanes are computed independently.
+    // Also reads the byte after a pixel of 3 bytes. This byte has no effect, as the lanes are computed independently.
     static __m128i Load(const unsigned char* inPixel) noexcept
     {
         int pixel;

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 
-// Returns the time since boot, the same clock as the start times of processes in /proc. It includes suspended time and
-// ignores changes of the date.
+// Returns the time since boot, the same clock as the start times of processes in /proc. This clock includes suspended
+// time and ignores changes of the date.
 std::int64_t NanosecondsSinceBoot() noexcept
 {
     timespec now{};

@@ -17,7 +17,7 @@
 namespace ORL {
 namespace Linux {
 
-/// One name of a folder, and its type as listed (DT_DIR ...).
+/// The name of an entry, and its type as listed (DT_DIR ...).
 struct TreeEntry
 {
     std::string mName;

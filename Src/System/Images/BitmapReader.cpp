@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
 // Run-length encoding can skip pixels, so the number of bytes does not limit the size of the picture. These constants
-// limit it.
+// limit the size.
 constexpr std::uint64_t kRunPixels = std::uint64_t{1} << 24;
 constexpr std::uint64_t kRunPixelsInByte = 1024;
 

@@ -5,7 +5,7 @@
 
 namespace ORLTest {
 
-/// Its handle is null during the lifetime of the object.
+/// The handle is null during the lifetime of the object.
 class WaitableWithoutHandle : public ORL::WaitableObject
 {
 public:

@@ -15,7 +15,7 @@ struct ByteRange
     unsigned char mLast;
 };
 
-/// One row of the table: the range of each byte. Unused ranges are {0, 0}.
+/// A row of the table: the range of each byte. Unused ranges are {0, 0}.
 struct WellFormedRow
 {
     std::size_t mLength;

@@ -22,7 +22,7 @@ void Check(NTSTATUS inStatus)
     }
 }
 
-// One provider for the process, never closed.
+// The provider of the process, which is never closed.
 BCRYPT_ALG_HANDLE Provider()
 {
     static const BCRYPT_ALG_HANDLE sProvider = [] {

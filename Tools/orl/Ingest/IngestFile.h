@@ -42,7 +42,7 @@ struct IngestContext
 /// The files that a failure concerns: a full disk or a card that is gone makes the others fail too.
 enum class FailureScope { kFile, kRun };
 
-/// Thrown when a file cannot be ingested. Its temporary file has been removed, or remains in the record for a later run
+/// Thrown when a file cannot be ingested. The temporary file has been removed, or remains in the record for a later run
 /// to remove.
 class IngestFailure : public Failure
 {

@@ -22,7 +22,7 @@ public:
 
 /// The host's error handler.
 ///
-/// Owner:    the host. It must outlive its installation.
+/// Owner:    the host. The handler must outlive its installation.
 /// Threads:  its functions are called on any thread, and concurrently.
 /// Failure:  exceptions of a handler propagate to the caller that raised the error.
 class TVXCORE_API ErrorManager

@@ -29,8 +29,8 @@ public:
 
     /// Queues a function. Returns true if the function will run once; functions start in first-in, first-out order.
     /// Returns false if termination has been requested. The second argument is ignored; pass 0.
-    /// The function is copied once, on the caller's thread; the copy is destroyed after it has run. It should not
-    /// throw: an exception is reported to the error manager as a warning (package 110, identifier 1) and the thread
+    /// The function is copied once, on the caller's thread; the copy is destroyed after it has run. The function should
+    /// not throw: an exception is reported to the error manager as a warning (package 110, identifier 1) and the thread
     /// continues. Throws what the copy throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 

@@ -9,9 +9,9 @@
 namespace tvxcore {
 namespace utility {
 
-/// A plain 16-byte value. Its memory is the identifier in the byte order of a Windows GUID, and may be read as two
-/// 64-bit little-endian words. A constexpr constant needs no initialisation at load. Only CreateUnique and AsString
-/// throw.
+/// A plain 16-byte value. The memory of a Guid is the identifier in the byte order of a Windows GUID, and may be read
+/// as two 64-bit little-endian words. A constexpr constant needs no initialisation at load. Only CreateUnique and
+/// AsString throw.
 class Guid
 {
 public:

@@ -9,7 +9,7 @@ namespace config {
 
 /// The host's catalogue.
 ///
-/// Owner:    the host. It must outlive its installation.
+/// Owner:    the host. The catalogue must outlive its installation.
 /// Threads:  its functions are called on any thread, and concurrently.
 /// Failure:  exceptions propagate to the caller.
 class TVXCORE_API Localizer

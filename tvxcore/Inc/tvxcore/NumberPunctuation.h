@@ -1,5 +1,5 @@
-// How a locale separates the digits of a number. Both writing and reading of numbers use it, so that a number that was
-// written can be read back.
+// How a locale separates the digits of a number. Both writing and reading of numbers use this punctuation, so that a
+// number that was written can be read back.
 #pragma once
 
 #include <tvxcore/Config.h>

@@ -73,8 +73,8 @@ static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 
-/// The part of a thread's cache that the fast paths access. It belongs to the thread; other threads read the atomic
-/// members, and write mServesBelow.
+/// The part of a thread's cache that the fast paths access. This part belongs to the thread; other threads read the
+/// atomic members, and write mServesBelow.
 struct CacheHead
 {
     constexpr CacheHead() noexcept = default;
@@ -88,7 +88,7 @@ struct CacheHead
     std::array<void**, 2 * kClassCount> mPlaces{};
 };
 
-/// The slow paths. They also do everything that the fast paths do.
+/// The slow paths. The slow paths also do everything that the fast paths do.
 TVXCORE_API void* AllocateSlowly(std::size_t inSize) noexcept;
 TVXCORE_API void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept;
 
@@ -163,8 +163,8 @@ inline bool GiveToCache(CacheHead& ioCache, void* inBlock, std::size_t inSize) n
 }
 
 #if TVXCORE_HAS_SHARED_THREAD_LOCALS
-/// The calling thread's cache; never null. It is in each thread's static TLS block, so reading it needs no call. It is
-/// constant-initialised, which in a header only the older keyword __thread guarantees.
+/// The calling thread's cache; never null. The pointer is in each thread's static TLS block, so reading it needs no
+/// call. The pointer is constant-initialised, which in a header only the older keyword __thread guarantees.
 extern TVXCORE_API __attribute__((tls_model("initial-exec"))) __thread CacheHead* sThreadCache;
 #endif
 

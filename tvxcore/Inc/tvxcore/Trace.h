@@ -117,8 +117,8 @@ private:
     const char* mCategory;
     long mLevel;
     bool mFollowsAll;
-    // The upper half is the change count of the last query, the lower half its answer. They are one word, so that no
-    // thread pairs an answer with the wrong count. A count is never 0, so the first call queries.
+    // The upper half is the change count of the last query, the lower half its answer. Count and answer are one word,
+    // so that no thread pairs an answer with the wrong count. A count is never 0, so the first call queries.
     std::atomic<unsigned __int64> mCached{0};
 };
 

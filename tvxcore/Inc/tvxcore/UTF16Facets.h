@@ -101,9 +101,9 @@ protected:
     virtual string_type do_falsename() const;
 };
 
-// The standard library formats and parses, using the two facets above. Their ids exist once, so that every module of a
-// process finds the same facet. Everything else is compiled into each module: explicit instantiation of the whole class
-// would take its inline functions from a library that may not export them.
+// The standard library formats and parses, using the two facets above. The ids of the facets exist once, so that every
+// module of a process finds the same facet. Everything else is compiled into each module: explicit instantiation of the
+// whole class would take its inline functions from a library that may not export them.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>

@@ -15,8 +15,8 @@ namespace Platform {
 ///
 /// On Linux: polls whether a write would block, for every kind of file.
 /// On Windows: there is no reliable such query (under Wine the free space of a pipe is always 0), so the write is
-///             started, and a thread of the system's pool cancels it after the timeout. This covers pipes only: a
-///             console that its user has paused blocks its writers. The write cannot be cancelled if no thread of the
+///             started, and a thread of the system's pool cancels it after the timeout. The timeout covers pipes only:
+///             a console that its user has paused blocks its writers. The write cannot be cancelled if no thread of the
 ///             pool can run (while the caller loads or unloads a module, or after the system has stopped the process's
 ///             other threads), or if other code of the process blocks in a write to the same pipe.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept;

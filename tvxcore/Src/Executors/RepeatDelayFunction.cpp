@@ -18,8 +18,8 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 
 } // namespace
 
-// A turn is scheduled, becomes due and is queued to the executor, runs, and is scheduled again. It is in one of these
-// states at a time, so a slow executor never has more than one turn of a function.
+// A turn is scheduled, becomes due and is queued to the executor, runs, and is scheduled again. A turn is in one of
+// these states at a time, so a slow executor never has more than one turn of a function.
 //
 // Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue refers to this state,
 // so an owning reference here would form a cycle.

@@ -11,7 +11,7 @@
 namespace tvxcore {
 namespace threads {
 
-/// A recurring event. Its owner keeps it alive from Add until Remove has returned.
+/// A recurring event. An entry's owner keeps it alive from Add until Remove has returned.
 class RepeatEntry
 {
 public:

@@ -4,9 +4,9 @@
 // idle threads could run, and two tasks that wait for each other would deadlock. Idle threads sleep; a push wakes one
 // of them, and makes no system call if none sleeps.
 //
-// There are two lists. A push appends to the inbox under the inbox lock. A thread dequeues from the outbox under the
-// outbox lock, and moves the whole inbox over if the outbox is empty. So the two sides rarely contend, and each lock is
-// held for a few instructions. Lock order: outbox before inbox.
+// A channel has two lists. A push appends to the inbox under the inbox lock. A thread dequeues from the outbox under
+// the outbox lock, and moves the whole inbox over if the outbox is empty. So the two sides rarely contend, and each
+// lock is held for a few instructions. Lock order: outbox before inbox.
 //
 // No wake-up is lost. A sleeper first announces itself, then checks for work under both locks; a push first appends
 // under the lock, then checks for sleepers. So either the sleeper sees the work or the push sees the sleeper. One idle

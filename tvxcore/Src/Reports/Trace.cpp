@@ -16,7 +16,7 @@ namespace {
 using utility::SmallBlockAllocator;
 using Lock = threads::CoreMutexLock;
 
-// A category with its own level. Its name follows the record in the same block.
+// A category with its own level. The category's name follows the record in the same block.
 struct Category
 {
     Category* mNext;

@@ -27,7 +27,7 @@ threads::CoreMutex sPoolMutex;
 List<ThreadCache> sIdle TVXCORE_GUARDED_BY(sPoolMutex);
 enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds TVXCORE_GUARDED_BY(sPoolMutex) = kNotYet;
 
-// Runs on the ending thread. Its later allocations and frees use the shared cache.
+// Runs on the ending thread. Later allocations and frees of that thread use the shared cache.
 void OnThreadEnd(CacheHead* inCache) noexcept
 {
     ThreadCache& cache = *static_cast<ThreadCache*>(inCache);

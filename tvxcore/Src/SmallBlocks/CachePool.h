@@ -14,8 +14,8 @@ namespace SmallBlocks {
 /// returned its cache, or there is no memory for one. The thread then uses the shared cache.
 ThreadCache* CacheOfThisThread() noexcept;
 
-/// Locks and uses the shared cache, for threads without a cache. It starts empty and its memory is static, so it works
-/// even if no memory can be mapped.
+/// Locks and uses the shared cache, for threads without a cache. The shared cache starts empty in static memory, so it
+/// works even if no memory can be mapped.
 class SharedCacheUse
 {
 public:

@@ -11,8 +11,8 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Placeholders for a thread that has no cache yet, and for one that has returned its cache. Both send every call to
-/// the slow path.
+/// Placeholders for a thread that has no cache yet, and for one that has returned its cache. Both placeholders send
+/// every call to the slow path.
 extern CacheHead sNewThreadCache;
 extern CacheHead sEndedThreadCache;
 

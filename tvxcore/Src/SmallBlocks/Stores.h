@@ -15,8 +15,8 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Returns the number of blocks that move between a thread's stack and a store at once: 32 KiB worth. It balances lock
-/// operations per block against memory held by idle threads.
+/// Returns the number of blocks that move between a thread's stack and a store at once: 32 KiB worth. The number
+/// balances lock operations per block against memory held by idle threads.
 constexpr std::size_t BatchSize(std::size_t inClass) noexcept
 {
     return std::clamp<std::size_t>(32 * 1024 / kClassSizes[inClass], 4, 256);

@@ -31,7 +31,7 @@ constexpr bool IsLowSurrogate(unsigned inUnit) noexcept
     return (inUnit & 0xFC00) == 0xDC00;
 }
 
-/// The properties of a lead byte: how many bytes must follow, and the range of the first of them. That range excludes
+/// The properties of a lead byte: how many bytes must follow, and the range of the first of them. This range excludes
 /// overlong forms, surrogates and everything above U+10FFFF; the other bytes may be any continuation bytes.
 struct Lead
 {

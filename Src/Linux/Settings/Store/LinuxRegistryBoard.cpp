@@ -199,7 +199,7 @@ bool ChangeBoard::ChangesSince(std::uint64_t inSince, std::uint64_t& outFinished
 
 std::uint64_t ChangeBoard::PostChange(const Change& inChange) noexcept
 {
-    // If the generation is odd here, its writer has committed but not finished yet, or has died. Its entry stays valid.
+    // If the generation is odd here, its writer has committed but not finished yet, or has died. The entry stays valid.
     const std::uint64_t posted = (mPage->mGeneration.load(std::memory_order_acquire) + 1) | 1;
     Page::Slot& slot = mPage->mSlots[(posted + 1) / 2 % kSlots];
     slot.mKind.store(inChange.mKind, std::memory_order_release);

@@ -2,10 +2,10 @@
 // A page of shared memory through which the processes that share a store notify each other of changes. A reader polls
 // it instead of querying the database.
 //
-// A generation counts the changes. It is even while nothing changes, and odd from just before a commit until just after
-// it; it stays odd if the writer dies in between. For each change the board has an entry with the affected key or
-// value. A writer posts the entry before the commit. While the generation is odd, a reader treats the change as made
-// and reads what it affects from the database, so it never returns an old value for a new one.
+// A generation counts the changes. The generation is even while nothing changes, and odd from just before a commit
+// until just after it; it stays odd if the writer dies in between. For each change the board has an entry with the
+// affected key or value. A writer posts the entry before the commit. While the generation is odd, a reader treats the
+// change as made and reads what it affects from the database, so it never returns an old value for a new one.
 //
 // Writers hold the database's write lock from PostChange to the commit.
 #pragma once

@@ -70,7 +70,7 @@ public:
     /// Returns whether the names of the database and its board still refer to the open files.
     bool IsFileCurrent() const noexcept;
 
-    /// Returns the board of changes. It is closed if the file system does not support shared memory.
+    /// Returns the board of changes. The board is closed if the file system does not support shared memory.
     ChangeBoard& Board() noexcept { return mBoard; }
 
     /// Returns the number of rows that the last statement changed.
@@ -79,14 +79,14 @@ public:
     /// Returns the identifier of the row that was inserted last.
     std::int64_t LastRow() const noexcept;
 
-    /// Sets the change that the next commit posts on the board. It is posted when the commit begins, under the write
-    /// lock of the database.
+    /// Sets the change that the next commit posts on the board. The change is posted when the commit begins, under the
+    /// write lock of the database.
     void SetChange(const Change& inChange) noexcept { mChange = inChange; }
 
     /// Called after a commit, even if it failed. Returns the generation that was posted, or 0 if there is none.
     std::uint64_t FinishChange() noexcept;
 
-    /// Does nothing and returns false unless the last error reports damage. Otherwise checks the database again,
+    /// Does nothing and returns false unless the last error reports damage. If it does, checks the database again,
     /// renames it to a dated name if it is still damaged, and closes it. Returns true: the caller may then retry.
     bool SetAsideIfDamaged();
 

@@ -24,7 +24,7 @@ namespace Linux {
 
 using Platform::KeyHandle;
 
-/// The key of an edit. It is cached, because the next edit often changes the same key.
+/// The key of an edit. The key is cached, because the next edit often changes the same key.
 struct EditTarget
 {
     Units mPath;

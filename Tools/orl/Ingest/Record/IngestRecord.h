@@ -1,6 +1,6 @@
 // The record of one run: a file next to the manifest that marks the destination as in use and lists what a killed run
-// leaves behind. It is locked from the first check of the destination to the end of the run, and never replaced by
-// another file.
+// leaves behind. The record is locked from the first check of the destination to the end of the run, and never replaced
+// by another file.
 #pragma once
 
 #include "../Plan/IngestRoots.h"
@@ -55,7 +55,7 @@ public:
     void ForgetTemporary(const std::string& inFolder, const std::string& inLeaf);
 
     /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
-    /// functions return. They throw Failure.
+    /// functions return. Both functions throw Failure.
     void RecordManifestLength(std::uint64_t inLength);
     void RecordCommentedOut(std::uint64_t inPlace);
 
