@@ -34,7 +34,7 @@ struct Kind
 {
     const char* mName;
     const char* mSample;
-    double mGoals[3]; // for 16, 256 and 65536 bytes; 0 for no goal
+    double mGoals[3]; // goals for 16, 256 and 65536 bytes; 0 for no goal
 };
 
 const Kind kKinds[] = {

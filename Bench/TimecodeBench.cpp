@@ -22,7 +22,7 @@ using ORL::Timecode;
 
 namespace {
 
-unsigned long long sHeapBlocks = 0; // this program has one thread
+unsigned long long sHeapBlocks = 0; // not atomic: this program has one thread
 
 } // namespace
 

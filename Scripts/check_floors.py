@@ -10,7 +10,7 @@ Tests: each folder with tests is in the list of test programs.
 Seam: OS headers and platform conditions occur only in the platform folders and in export headers (*Config.h).
 Tools and examples: they include public headers only.
 Foundation: ORLFoundation.h includes every public header.
-Prints one line for each error; exit code 1 if there is any. check_floors.py [ROOT]
+Prints one line for each error; exit code 1 if there is an error. check_floors.py [ROOT]
 """
 import re
 import sys

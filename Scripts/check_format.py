@@ -2,7 +2,7 @@
 """Checks that every C++ file of the tree has the style of .clang-format. check_format.py [--write] [ROOT]
 
 Each version of clang-format formats differently, so only one version is used. --write formats the files instead.
-Prints each file that differs; exit code 1 if there is any.
+Prints each file that differs; exit code 1 if any file differs.
 """
 import subprocess
 import sys

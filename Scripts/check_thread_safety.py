@@ -2,7 +2,7 @@
 """Lets clang check that every variable with a lock is accessed under it: check_thread_safety.py BUILD [ROOT]
 
 Checks the sources of the libraries that mention a lock, with the include folders and macros of
-BUILD/compile_commands.json. Prints clang's warnings; exit code 1 if there is any, or if nothing was checked.
+BUILD/compile_commands.json. Prints clang's warnings; exit code 1 if there is a warning, or if nothing was checked.
 """
 import concurrent.futures
 import json

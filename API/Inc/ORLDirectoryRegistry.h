@@ -31,7 +31,7 @@ namespace DirectoryRegistry {
 /// the table is unchanged.
 ORL_API void RegisterDirectory(const UTF16String& inFullPathname, const UTF16String& inSymbolicName);
 
-/// Removes a symbol, which must not be empty (input contract). Does nothing if it is not registered.
+/// Removes a symbol, which must not be empty (input contract). Does nothing if the symbol is not registered.
 ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 
 /// Returns the expanded pattern of a symbol, which must not be empty (input contract). Reports an assertion and returns

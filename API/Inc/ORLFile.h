@@ -179,8 +179,8 @@ public:
     /// the file owns.
     void* GetPlatformFileHandle();
 
-    /// Opens an existing file. Other handles may read, write and delete it while it is open. Returns -1 if it does not
-    /// exist.
+    /// Opens an existing file. Other handles may read, write and delete it while it is open. Returns -1 if the file
+    /// does not exist.
     static Result Open(const UTF16String& inPath, FileAccessFlags::Type inAccess, File& ioFile);
 
     static Result Delete(const UTF16String& inPath);

@@ -21,8 +21,8 @@ namespace ORL {
 namespace PathUtils {
 
 /// Returns the library path of a host path, in plain form. A relative path starts at the current folder. Returns an
-/// empty path if inHostPath is empty or no drive contains it; on Windows also if it is not UTF-8. The path need not
-/// exist. Thread-safe.
+/// empty path if inHostPath is empty or no drive contains it; on Windows also if inHostPath is not UTF-8. The path need
+/// not exist. Thread-safe.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 
 /// Stores the host path of a library path, plain or extended. On Linux returns kPathNotFound for a drive that is not
@@ -54,11 +54,11 @@ ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 /// inHostFolder is not the absolute path of an existing folder, kGeneralFailure if inLetter is not an ASCII letter.
 ORL_API Result MountDrive(char inLetter, const std::string& inHostFolder);
 
-/// Removes a drive from the table. Returns kPathNotFound if it is not mounted.
+/// Removes a drive from the table. Returns kPathNotFound if the drive is not mounted.
 ORL_API Result UnmountDrive(char inLetter);
 
 /// Same as MountDrive and UnmountDrive, for a share. inShare is "\\server\share", compared without regard to the case
-/// of ASCII letters. Returns kGeneralFailure if it has another form.
+/// of ASCII letters. Returns kGeneralFailure if inShare has another form.
 ORL_API Result MountShare(const UTF16String& inShare, const std::string& inHostFolder);
 ORL_API Result UnmountShare(const UTF16String& inShare);
 

@@ -82,12 +82,12 @@ public:
     Result Open(RegistryKey& inParent, const UTF16String& inPath);
 
     /// Opens a key with all access, or creates it and its missing parents. One call creates at most 32 keys, and a path
-    /// has at most 512 levels. Returns kSuccess if the key was created, kRegistryKeyExisted (also a success) if it
+    /// has at most 512 levels. Returns kSuccess if the key was created, kRegistryKeyExisted (also a success) if the key
     /// existed.
     Result Create(RegistryRootKeys::Type inRoot, const UTF16String& inPath);
     Result Create(RegistryKey& inParent, const UTF16String& inPath);
 
-    /// Deletes a value. Fails if it does not exist.
+    /// Deletes a value. Fails if the value does not exist.
     Result DeleteValue(const UTF16String& inName);
 
     /// Deletes a key below this one with all its descendants. Returns kFileNotFound if the key does not exist. On Linux

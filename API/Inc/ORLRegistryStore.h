@@ -20,7 +20,7 @@ struct RegistryValueTypes
     enum Type : unsigned int {
         kNone = 0,
         kString = 1,       ///< UTF-16 text with its terminator
-        kExpandString = 2, ///< the same, with names of variables between percent signs
+        kExpandString = 2, ///< text with names of variables between percent signs
         kBinary = 3,
         kUInt32 = 4, ///< 4 bytes, little-endian
         kMultiString = 7,
@@ -66,7 +66,7 @@ struct RegistryStoreState
     bool mIsWhole = true;            ///< false if the store cannot be used or the check found errors
     std::string mProblem;            ///< description of the problem for the user; empty if there is no problem
     std::string mPlace;              ///< host path of the database; empty if the OS has its own registry
-    unsigned __int64 mBytes = 0;     ///< size of the database and its journal; 0 if there is none yet
+    unsigned __int64 mBytes = 0;     ///< size of the database and its journal; 0 if there is no database
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 

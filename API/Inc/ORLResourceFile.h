@@ -78,13 +78,13 @@ public:
     const std::vector<FileEntry>& GetEntries() const;
 
     /// Finds a resource as Module::FindLocalizedResource does if inLanguage is the current language and the user's
-    /// language is American English. Returns null if there is none. Type and name have the form that the lookups of
-    /// ResourceCollection expect. Throws std::bad_alloc.
+    /// language is American English. Returns null if the file has no such resource. Type and name have the form that
+    /// the lookups of ResourceCollection expect. Throws std::bad_alloc.
     const FileEntry* FindLocalized(const unsigned short* inName, const unsigned short* inType,
                                    unsigned short inLanguage) const;
 
     /// Finds a string as LoadStringW does in that language. outLanguage receives the language in which it was found.
-    /// Returns false, with the outputs unchanged, if there is none. Throws std::bad_alloc.
+    /// Returns false, with the outputs unchanged, if there is no such string. Throws std::bad_alloc.
     bool FindString(unsigned int inID, unsigned short inLanguage, UTF16String& outText,
                     unsigned short& outLanguage) const;
 

@@ -51,8 +51,8 @@ struct CursorPicture
 {
     int mWidth;
     int mHeight;
-    int mHotSpotX; ///< from the left edge of the picture
-    int mHotSpotY; ///< from the top edge of the picture
+    int mHotSpotX; ///< distance from the left edge of the picture
+    int mHotSpotY; ///< distance from the top edge of the picture
     std::vector<std::uint32_t>
         mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue; not premultiplied
 };

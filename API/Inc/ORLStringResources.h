@@ -14,7 +14,7 @@
 
 namespace ORL {
 
-/// Loads a string. Returns false, with outString unchanged, if it does not exist.
+/// Loads a string. Returns false, with outString unchanged, if the string does not exist.
 ORL_API bool LoadStringW(const ResourceCollection& inCollection, unsigned int inID, UTF16String& outString);
 
 /// Returns the string, or an empty string if it does not exist.

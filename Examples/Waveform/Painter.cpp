@@ -13,8 +13,8 @@ constexpr Colour kGrid{52, 60, 76};
 constexpr Colour kTimes{82, 93, 114};
 constexpr Colour kTitle{230, 237, 243};
 constexpr Colour kFacts{125, 137, 158};
-constexpr Colour kQuiet{45, 212, 191}; // at the middle of a lane
-constexpr Colour kLoud{139, 92, 246};  // at full scale
+constexpr Colour kQuiet{45, 212, 191}; // colour at the middle of a lane
+constexpr Colour kLoud{139, 92, 246};  // colour at full scale
 constexpr Colour kClipped{255, 99, 120};
 
 constexpr std::size_t kMargin = 24;

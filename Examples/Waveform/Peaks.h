@@ -23,7 +23,7 @@ struct Sound
     std::string mPath;
     ORL::ImmutableString mName; ///< the file's name, shared by all its requests
     WavFormat mFormat;
-    std::vector<std::vector<Peak>> mPeaks; ///< per channel and column
+    std::vector<std::vector<Peak>> mPeaks; ///< peaks per channel and column
 };
 
 /// Finds the peaks of some columns. Each request writes only its own columns, so no locking is needed.

@@ -14,7 +14,7 @@ struct WavFormat
     unsigned mChannels = 0;
     unsigned mFramesPerSecond = 0;
     unsigned mBytesPerFrame = 0;
-    std::uint64_t mDataStart = 0; ///< in bytes from the start of the file
+    std::uint64_t mDataStart = 0; ///< offset in bytes from the start of the file
     std::uint64_t mFrames = 0;
 
     double Seconds() const { return static_cast<double>(mFrames) / mFramesPerSecond; }

@@ -15,7 +15,7 @@
 namespace ORL {
 
 /// Creates the completion port, the completion thread and the executor that starts reads. Fires an input contract if
-/// they already exist. If creating the executor throws, everything is undone.
+/// the three already exist. If creating the executor throws, everything is undone.
 void StartupAsyncFileOperations();
 
 /// Stops and destroys the port, the thread and the executor. Callbacks of completions that are already queued at the

@@ -22,8 +22,8 @@ UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory,
 /// Returns null for an empty text.
 const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 
-/// Stores the relative path between two directories. Returns false, with outRelative untouched, if they have no common
-/// first name, if only one is a UNC path, or if the result exceeds kMaxPath.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if the directories have
+/// no common first name, if only one is a UNC path, or if the result exceeds kMaxPath.
 bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
 /// Stores inMore relative to inBase. A relative inMore is appended to inBase; one that begins with a backslash is

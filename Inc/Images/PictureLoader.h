@@ -11,8 +11,8 @@ namespace ORL {
 namespace Images {
 
 /// Creates a bitmap of the resource of that number and type "PNG", with the rows in reverse order: the last one on top.
-/// Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns null if there
-/// is none or it cannot be decoded.
+/// Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns null if the
+/// resource does not exist or cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
 
 /// Same as LoadGDIPlusBitmap, but keeps the order of the rows. A failed lock of the pixels is not detected: the bitmap
@@ -23,8 +23,8 @@ HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, 
 /// decoded.
 HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
 
-/// Decodes a PNG file to premultiplied pixels, top row first. Returns false, with outPicture untouched, if it cannot be
-/// decoded. Throws std::bad_alloc.
+/// Decodes a PNG file to premultiplied pixels, top row first. Returns false, with outPicture untouched, if the file
+/// cannot be decoded. Throws std::bad_alloc.
 bool DecodePicture(const Resources::Bytes& inFile, PixelPicture& outPicture);
 
 } // namespace Images

@@ -15,7 +15,7 @@ namespace ORL {
 namespace Images {
 
 inline constexpr int kFormat32bppARGB = 0x26200A; // alpha in bits 24 to 31, then red, green, blue
-inline constexpr int kFormat32bppPARGB = 0xE200B; // the same, premultiplied
+inline constexpr int kFormat32bppPARGB = 0xE200B; // the same layout, premultiplied
 
 inline constexpr unsigned int kLockRead = 1;
 inline constexpr unsigned int kLockReadWrite = 3;
@@ -29,7 +29,7 @@ struct Picture;
 struct MemoryCopy;
 MemoryCopy* CopyToMemory_Impl(const void* inData, std::size_t inSize);
 
-/// Returns a stream that owns the copy. Returns null and frees the copy if it cannot be created.
+/// Returns a stream that owns the copy. Returns null and frees the copy if the stream cannot be created.
 struct Stream;
 Stream* CreateStream_Impl(MemoryCopy* inCopy);
 void ReleaseStream_Impl(Stream* inStream);
@@ -51,7 +51,7 @@ void DisposePicture_Impl(Picture* inPicture);
 /// The pixels of a locked picture. Empty after a failed lock.
 struct LockedPixels
 {
-    unsigned char* mPixels = nullptr; // the row at the top
+    unsigned char* mPixels = nullptr; // address of the top row
     std::ptrdiff_t mStride = 0;       // bytes from one row to the next
     void* mLock = nullptr;            // private to the platform
 };

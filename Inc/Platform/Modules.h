@@ -45,15 +45,15 @@ struct Source
 
 /// Finds a resource in a language, otherwise in its neutral sublanguage, otherwise in the neutral language. If the
 /// primary language is 0, then in the user's language, American English and the first language that exists. Returns
-/// null if there is none.
+/// null if there is no such resource.
 Resource FindResourceEx_Impl(const Source& inSource, const unsigned short* inType, const unsigned short* inName,
                              unsigned short inLanguage);
 
-/// Finds a resource in the language that the platform selects. Returns null if there is none.
+/// Finds a resource in the language that the platform selects. Returns null if there is no such resource.
 Resource FindResource_Impl(const Source& inSource, const unsigned short* inName, const unsigned short* inType);
 
 /// Returns the data of a found resource, which lives as long as the module, and stores its size in bytes. Returns null,
-/// with outSize untouched, if it cannot be loaded.
+/// with outSize untouched, if the data cannot be loaded.
 void* LoadResource_Impl(const Source& inSource, Resource inResource, int& outSize);
 
 /// Calls inFound with the first name of a type, if there is one.
@@ -64,10 +64,10 @@ void EnumFirstResourceName_Impl(const Source& inSource, const unsigned short* in
 void* LoadCursor_Impl(const Source& inSource, unsigned short inID);
 
 /// Creates a bitmap, which the caller deletes, of the bitmap resource of that number in the language that the platform
-/// selects. Returns null if there is none or it cannot be read.
+/// selects. Returns null if the resource does not exist or cannot be read.
 HBITMAP LoadBitmap_Impl(const Source& inSource, unsigned short inID);
 
-/// Creates a menu from a template of inSize bytes. Returns null if it cannot be read.
+/// Creates a menu from a template of inSize bytes. Returns null if the template cannot be read.
 HMENU LoadMenuIndirect_Impl(const void* inTemplate, std::size_t inSize);
 
 } // namespace Platform

@@ -44,8 +44,8 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath);
 /// Returns a pointer to the text after the first component of inPath; null for an empty text.
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 
-/// Stores the relative path between two directories. Returns false, with outRelative untouched, if they have nothing in
-/// common.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if the paths have
+/// nothing in common.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
 /// Stores inMore relative to inBase, with dots resolved. Returns false, with outPath untouched, if it exceeds kMaxPath.

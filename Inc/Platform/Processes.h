@@ -11,7 +11,7 @@ namespace ORL {
 namespace Process {
 namespace Platform {
 
-/// A process opened to query its name. Null if it could not be opened, and on platforms that need no handle for that.
+/// A process opened to query its name. Null if the opening failed, and on platforms that need no handle for queries.
 using ProcessHandle = void*;
 
 /// Stores the identifiers of at most inCapacity running processes, in the system's order. outCount is untouched on

@@ -101,8 +101,8 @@ struct Edit
     enum Kind { kCreateKey, kDeleteTree, kSetValue, kDeleteValue };
 
     Kind mKind;
-    const unsigned short* mPath; // below the root
-    const Value* mValue;         // for kSetValue; kDeleteValue uses only the name
+    const unsigned short* mPath; // path below the root
+    const Value* mValue;         // the value to set; kDeleteValue uses only its name
 };
 
 /// Makes all changes below a root, or none. Deleting a missing item succeeds. Returns 50 and changes nothing if the

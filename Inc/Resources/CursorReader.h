@@ -13,7 +13,7 @@ namespace Resources {
 bool ChooseCursor(const Bytes& inGroup, unsigned short& outID) noexcept;
 
 /// Reads one cursor: hot spot, picture and mask, uncompressed, with 1, 4, 8, 24 or 32 bits. A pixel that would invert
-/// the screen becomes opaque black. Returns false, with outPicture untouched, if it cannot be read. Throws
+/// the screen becomes opaque black. Returns false, with outPicture untouched, if the cursor cannot be read. Throws
 /// std::bad_alloc.
 bool ReadCursor(const Bytes& inCursor, Linux::CursorPicture& outPicture);
 

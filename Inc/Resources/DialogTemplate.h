@@ -24,7 +24,7 @@ struct DialogItem
     std::uint32_t mStyle = 0;
     std::uint32_t mExtendedStyle = 0;
     std::uint32_t mID = 0;
-    std::int16_t mX = 0; // in dialog units, like all sizes here
+    std::int16_t mX = 0; // in dialog units, as are mY, mWidth and mHeight
     std::int16_t mY = 0;
     std::int16_t mWidth = 0;
     std::int16_t mHeight = 0;
@@ -49,8 +49,8 @@ struct Dialog
     std::vector<DialogItem> mItems;
 };
 
-/// Reads a dialog template of either form. Returns false, with outDialog partly filled, if it is truncated. Throws
-/// std::bad_alloc.
+/// Reads a dialog template of either form. Returns false, with outDialog partly filled, if the template is truncated.
+/// Throws std::bad_alloc.
 bool ReadDialogTemplate(const Bytes& inTemplate, Dialog& outDialog);
 
 } // namespace Resources

@@ -27,8 +27,8 @@ struct ParsedMenu
     std::vector<ParsedMenuItem> mItems;
 };
 
-/// Reads a menu template of either form. Returns null if it cannot be parsed to its end mark, or is nested deeper than
-/// any usable menu. Throws std::bad_alloc.
+/// Reads a menu template of either form. Returns null if the template cannot be parsed to its end mark, or is nested
+/// deeper than any usable menu. Throws std::bad_alloc.
 std::unique_ptr<ParsedMenu> ReadMenuTemplate(const Bytes& inTemplate);
 
 } // namespace Resources

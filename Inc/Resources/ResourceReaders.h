@@ -45,7 +45,7 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex);
 struct ResourceNote
 {
     std::size_t mOffset;    // offset of the note's contents in the bytes of the notes
-    std::int64_t mDistance; // from the note's contents to the .res file
+    std::int64_t mDistance; // distance from the note's contents to the .res file
     std::uint64_t mSize;
 };
 

@@ -26,8 +26,8 @@ public:
     AsyncReadRequestBusyList(const AsyncReadRequestBusyList&) = delete;
     AsyncReadRequestBusyList& operator=(const AsyncReadRequestBusyList&) = delete;
 
-    /// Adds a request. Fires an input contract if it is already in the list. May throw std::bad_alloc; in that case the
-    /// list is unchanged.
+    /// Adds a request. Fires an input contract if the request is already in the list. May throw std::bad_alloc; in that
+    /// case the list is unchanged.
     void Add(Request* inRequest)
     {
         typename Policy::LockScope lock(mLock);
@@ -35,8 +35,8 @@ public:
         Policy::Write(mBusyList).insert(inRequest);
     }
 
-    /// Removes a request; if it was the last one, releases the waiters. Fires an input contract if it is not in the
-    /// list.
+    /// Removes a request; if it was the last one, releases the waiters. Fires an input contract if the request is not
+    /// in the list.
     void Remove(Request* inRequest)
     {
         typename Policy::LockScope lock(mLock);

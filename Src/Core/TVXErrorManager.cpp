@@ -28,7 +28,7 @@ void TraceSwallowedWarning(const char* inZString, long inErrorID)
     line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
          << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
          << " exception was swallowed." << std::endl;
-    if (line.good()) { // if out of memory, the stream contains only a part of the line
+    if (line.good()) { // false if out of memory: the line is then incomplete
         tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(line.str().c_str()));
     }
 }

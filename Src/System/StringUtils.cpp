@@ -17,7 +17,7 @@ struct ToUnicode16
 {
     using Source = std::string;
     using Target = UTF16String;
-    static constexpr std::size_t kMaxSourcePerResult = 4; // at most this many bytes convert to one unit
+    static constexpr std::size_t kMaxSourcePerResult = 4; // the maximum number of bytes that convert to one unit
     static constexpr auto kLimit = &StringUtils::Platform::MaxUnits_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureUnits_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToUnits_Impl;

@@ -153,14 +153,14 @@ namespace ORLTest {
 
 namespace {
 
-constexpr unsigned kMaxRequests = 10000; // of one inWork; with more, the sweep would not end
+constexpr unsigned kMaxRequests = 10000; // limit of one inWork; with more requests, the sweep would not end
 
 void Attempt(const std::function<void()>& inWork)
 {
     try {
         inWork();
     } catch (const std::bad_alloc&) {
-    } catch (const boost::thread_resource_error&) { // no memory for a new thread
+    } catch (const boost::thread_resource_error&) { // the system had no memory for a new thread
     }
 }
 

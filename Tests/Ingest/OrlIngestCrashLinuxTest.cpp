@@ -126,7 +126,7 @@ protected:
         return isKilled;
     }
 
-    static constexpr int kTries = 100; // only about every second run reaches a call near the end
+    static constexpr int kTries = 100; // retries, as only about every second run reaches a call near the end
     static constexpr const char* kOld = "the earlier clip";
 
     TempFolder mFolder;

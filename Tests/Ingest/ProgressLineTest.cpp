@@ -25,7 +25,7 @@ TEST(TextWidth, WideJoiningAndBrokenCharacters_TakeTheirColumns)
         {__LINE__, "cafe\u0301", 4},
         {__LINE__, "\u6F22\u5B57", 4},
         {__LINE__, "\uD55C", 2},
-        {__LINE__, "\u1112\u1161\u11AB", 2}, // the same syllable, decomposed
+        {__LINE__, "\u1112\u1161\u11AB", 2}, // the syllable of the previous row, decomposed
         {__LINE__, "\U0001F3AC", 2},
         {__LINE__, "a\u200Bb", 2},
         {__LINE__, "\xE9", 1},

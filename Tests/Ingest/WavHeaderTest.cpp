@@ -55,7 +55,7 @@ std::int64_t Samples(const std::string& inContents)
 }
 
 const std::string kData = Chunk("data", std::string(1024, 'd'));
-const std::string kBlocks = Number(2, 2) + Number(505, 2); // for IMA ADPCM: extension size, samples per block
+const std::string kBlocks = Number(2, 2) + Number(505, 2); // the fields of IMA ADPCM: extension size, samples per block
 
 } // namespace
 

@@ -134,7 +134,7 @@ int main(int argc, char** argv)
     std::printf("%-6s seen: %llu visits, %llu refusals, %llu times shut out, %llu tries that failed\n",
                 sOutcomes.HasEach() ? "ok" : "FAILED", sOutcomes.mVisits, sOutcomes.mRefusals, sOutcomes.mShutOuts,
                 sOutcomes.mTriesThatFailed);
-    const bool hasEach = sOutcomes.HasEach(); // before the mutants add their outcomes
+    const bool hasEach = sOutcomes.HasEach(); // read before the mutants add their outcomes
     run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kReaderTakesSlotFirst>, true, 1>>(
         "a visitor looks before it takes a place");
     run.FindMutant<Visitors<VisitPolicy<false, ReaderSlotStep::kWriterExcludesFirst>, true, 1>>(

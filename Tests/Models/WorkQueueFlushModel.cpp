@@ -282,7 +282,7 @@ int main(int argc, char** argv)
     run.Exhaust<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 1);
     run.Exhaust<Flushers<Sleeping, Shape<2, 2, 2>>>("2 and 2, both items of one flush refused", 1);
     run.Exhaust<Flushers<Spinning, Shape<2, 2, 2>>>("the same, with a spin", 1);
-    const int code = Finish(run); // before the mutants add their states
+    const int code = Finish(run); // computed before the mutants add their states
     run.Random<Flushers<Sleeping, Shape<2, 2>>>("2 threads, 2 flushers", 100000);
     run.Random<Flushers<Spinning, Shape<2, 2>>>("the same, with a spin", 100000);
     run.Random<Flushers<Sleeping, Shape<2, 2, 1>>>("2 and 2, one item refused", 100000);

@@ -29,7 +29,7 @@ const unsigned short kAsked[] = {0,    1033, 1031, 1036, 1040, 1041, 1034, 1043,
 // column for each requested language.
 struct Row
 {
-    const char* mNeutral; // also the default choice of Windows
+    const char* mNeutral; // result for neutral, which is also the default choice of Windows
     const char* mEnglish;
     const char* mGerman;
     const char* mJapanese;

@@ -311,7 +311,7 @@ TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
     const Row kRows[] = {
         {__LINE__, {7}, 0x0407, 1033, 7},      // found for each sublanguage
         {__LINE__, {7}, 0x0C07, 1033, 7},      //
-        {__LINE__, {0x0407}, 7, 1033, 0xFFFF}, // but a sublanguage is not found for the neutral one
+        {__LINE__, {0x0407}, 7, 1033, 0xFFFF}, // a lookup for the neutral language does not find a sublanguage
         {__LINE__, {0x0807}, 0x0407, 1033, 0xFFFF},
         {__LINE__, {7, 0x0407}, 0x0407, 1033, 0x0407},
         {__LINE__, {9, 0x040C}, 0x0809, 1033, 9},

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compares what orl finds in Windows modules with what pefile and wrestool find: compare_with_oracles.py ORL WRESTOOL MODULE...
 
-Prints each difference; exit code 1 if there is any.
+Prints each difference; exit code 1 if anything differs.
 """
 import json
 import subprocess

@@ -143,7 +143,7 @@ protected:
 
     void ExpectAcknowledged(unsigned inRound)
     {
-        for (int pass = 0; pass < 2; ++pass) { // first from the cache, then from the disk
+        for (int pass = 0; pass < 2; ++pass) { // reads first from the cache, then from the disk
             unsigned value = 0;
             RegistryKey key;
             ASSERT_EQ(kSuccess, key.Open(kUser, mPath, kAll));

@@ -279,7 +279,7 @@ TEST_F(RegistryKeyTest, BinaryData_ComesBackAsItWas)
     size = 3;
     EXPECT_EQ(kRegistryFailure, mKey.GetBinaryValue(Name("n"), buffer, &size));
     EXPECT_EQ(3u, size);
-    size = 0x500000008u; // only the low 32 bits count
+    size = 0x500000008u; // the library uses only the low 32 bits
     EXPECT_EQ(kSuccess, mKey.GetBinaryValue(Name("n"), buffer, &size));
     EXPECT_EQ(4u, size);
     EXPECT_EQ(0, std::memcmp(bytes, buffer, 4));

@@ -57,7 +57,7 @@ private:
     std::vector<std::string> ChildrenOf(const std::string& inPath) const;
 
     const UTF16String mBase;
-    std::map<std::string, Key> mKeys; // by lower-case path below the base; "" is the base
+    std::map<std::string, Key> mKeys; // the key is the lower-case path below the base; "" is the base
     std::array<Handle, 3> mHandles;
     unsigned mIdentities = 1;
 };

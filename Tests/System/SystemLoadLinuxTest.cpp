@@ -103,7 +103,7 @@ TEST(SystemLoad, KindsOfTime_CountAsBusyOrIdle)
         {__LINE__, "cpu  0 0 0 0 0 0 0 0 0 0\n", "cpu  199 0 0 1 0 0 0 0 0 0\n", 99},
         {__LINE__, "cpu  0 0 0 100 50 0 0 0 0 0\n", "cpu  100 0 0 100 10 0 0 0 0 0\n", 100}, // iowait decreased
         {__LINE__, "cpu  100 0 0 0 0 0 0 0 0 0\n", "cpu  90 0 0 100 0 0 0 0 0 0\n", 0},      // busy time decreased
-        {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  5 0 0 5 0 0 0 0 0 0\n", -1},          // no tick passed
+        {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  5 0 0 5 0 0 0 0 0 0\n", -1},          // no clock tick passed
         {__LINE__, "cpu  5 0 0 5 0 0 0 0 0 0\n", "cpu  4 0 0 5 0 0 0 0 0 0\n", -1},          // backwards
         {__LINE__, "cpu  9223372036854775000 0 0 1000 0 0 0 0 0 0\n", "cpu  9223372036854775001 0 0 1003 0 0 0 0 0 0\n",
          25},

@@ -22,9 +22,9 @@ struct Script
     using SleepAction = std::function<Wake()>;
 
     std::deque<SleepAction> mSleeps;                // one for each expected sleep; a further sleep throws
-    std::function<void()> mAtLock = [] {};          // before each lock of a mutex
-    std::function<void()> mAtPause = [] {};         // at each turn of a spin
-    std::function<void(int)> mAtSleep = [](int) {}; // at each plain sleep
+    std::function<void()> mAtLock = [] {};          // called before each lock of a mutex
+    std::function<void()> mAtPause = [] {};         // called at each turn of a spin
+    std::function<void(int)> mAtSleep = [](int) {}; // called at each plain sleep
     int mSpinTurns = 0;
 
     long mNow = 0;            // milliseconds

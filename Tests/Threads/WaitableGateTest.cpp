@@ -188,7 +188,7 @@ TEST(WaitableGate, PulsesFromManyThreads_StrandNobody)
             for (int pulse = 0; pulse < pulses; ++pulse) {
                 EXPECT_EQ(kSuccess, gate.Wait(i % 2 == 0 ? -1 : 100000));
                 ++released;
-                while (pulsesOver <= pulse) { // or this thread could wait twice for the same opening
+                while (pulsesOver <= pulse) { // otherwise this thread could wait twice for the same opening
                     std::this_thread::yield();
                 }
             }

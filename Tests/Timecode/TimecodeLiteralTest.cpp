@@ -188,7 +188,7 @@ TEST(TimecodeLiteral, FieldsOfATime_AreThoseOfTheLoops)
     std::mt19937_64 random(24);
     for (const Format& format : kClockFormats) {
         if (ORL::TimecodeLocal::IsDropFrame(format.mDisplay)) {
-            continue; // for drop-frame the rule itself divides
+            continue; // skipped: for drop-frame the rule itself divides
         }
         for (int i = 0; i < 20000; ++i) {
             const long long count = static_cast<long long>(random() % 50000000) - 25000000;

@@ -54,7 +54,7 @@ struct Format
     const char* mName;
     TimeDisplay mDisplay;
     FrameRate mRate;
-    long long mLabelsPerSecond; // in the label's count; unused for feet
+    long long mLabelsPerSecond; // the number that the label counts; unused for feet
 };
 
 inline constexpr Format kClockFormats[] = {

@@ -130,7 +130,7 @@ TEST_F(OrlVerify, ListsOfOtherPrograms_AreUnderstood)
     const std::string rest = ReferenceSha256("") + " *./none\n" + ReferenceSha256(std::string(3000001, 'm'))
                              + "  CLIP//clip.mov\n" + ReferenceSha256(std::string(4096, 's'))
                              + "  ./CLIP/./deep/sector\n# a comment\n\n";
-    WriteFile(Disk() / kManifest, rest + digest + "  a"); // without a last line break
+    WriteFile(Disk() / kManifest, rest + digest + "  a"); // the list ends without a line break
     const ProcessResult result = Verify();
     ExpectEnd(result, 0, {});
     EXPECT_TRUE(Shows(result.mOutput, "4 files verified")) << result.mOutput;

@@ -7,8 +7,8 @@ struct KnownRate
 {
     const char* mName;
     tvxmediatypes::FrameRate mRate;
-    long long mFrames;  // this many frames ...
-    long long mSeconds; // ... in this many seconds
+    long long mFrames;  // numerator: this many frames
+    long long mSeconds; // denominator: in this many seconds
 };
 
 inline constexpr KnownRate kKnownRates[] = {

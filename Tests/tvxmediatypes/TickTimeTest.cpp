@@ -184,7 +184,7 @@ TEST(TickTime, FromSeconds_RoundsToTheNearestTick)
         double mSeconds;
         long long mTicks;
     };
-    const double kTick = 1.0 / 512.0; // exactly 1378125 ticks: the smallest binary fraction without a remainder
+    const double kTick = 1.0 / 512.0; // exactly 1378125 ticks: the smallest binary fraction with whole ticks
     const Row rows[] = {
         {__LINE__, 0.0, 0},
         {__LINE__, -0.0, 0},

@@ -22,7 +22,7 @@ long long NearestTick(double inSeconds) noexcept
     const Wide product = static_cast<Wide>(significand) * static_cast<Wide>(kTicksPerSecond);
     const int shift = kSignificandBits - exponent;
     if (shift > 100) {
-        return 0; // far below half a tick
+        return 0; // the time is far below half a tick
     }
     const Wide half = static_cast<Wide>(1) << (shift - 1);
     return static_cast<long long>((product + half) >> shift);

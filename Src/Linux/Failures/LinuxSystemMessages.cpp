@@ -16,7 +16,7 @@ namespace {
 struct Message
 {
     unsigned int mError;
-    const char* mText; // without its line end
+    const char* mText; // the text of the message without a line end
 };
 
 // Sorted by number for the binary search.

@@ -315,7 +315,7 @@ public:
 
 private:
     const FolderToSync mReplaced;
-    std::optional<FolderToSync> mReplacement; // if it is a different folder
+    std::optional<FolderToSync> mReplacement; // set if the replacement is in a different folder
 };
 
 // Acquires all memory and descriptors before the exchange.

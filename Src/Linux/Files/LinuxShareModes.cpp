@@ -209,7 +209,7 @@ Outcome LockUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
         if (outcome == Outcome::kDone && !IsAnyHeld(inDescriptor, inTested)) {
             return outcome;
         }
-        UnlockAll(inDescriptor); // including the locks acquired before a refusal
+        UnlockAll(inDescriptor); // also releases locks acquired before a refusal
         if (outcome != Outcome::kDone) {
             return outcome;
         }

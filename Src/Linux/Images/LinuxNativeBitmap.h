@@ -28,7 +28,7 @@ inline HBITMAP HandleOf(NativeBitmap* inBitmap) noexcept
     return reinterpret_cast<HBITMAP>(inBitmap);
 }
 
-/// Computes the size of the pixels in bytes. Returns false if it is 2 GiB or more, or 0.
+/// Computes the size of the pixels in bytes. Returns false if the size is 2 GiB or more, or 0.
 inline bool SizeOfPixels(std::size_t inWidth, std::size_t inHeight, std::size_t& outSize) noexcept
 {
     constexpr std::size_t kLargest = 0x7FFFFFFF / 4;

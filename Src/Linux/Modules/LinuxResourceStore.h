@@ -29,7 +29,7 @@ public:
     /// Returns the cursor of an identifier, which is decoded once; null if there is none. Throws std::bad_alloc.
     const Resources::Linux::CursorPicture* FindCursor(unsigned short inID) const;
 
-    /// Returns a new bitmap of a bitmap resource; null if there is none or it cannot be read. Throws std::bad_alloc.
+    /// Returns a new bitmap of a bitmap resource; null if the resource is missing or unreadable. Throws std::bad_alloc.
     HBITMAP MakeBitmap(unsigned short inID) const;
 
 private:

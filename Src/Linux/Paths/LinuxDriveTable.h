@@ -35,7 +35,7 @@ public:
 
     /// Finds the longest mounted folder that contains inHostPath, which must be absolute and normalised. outRoot is
     /// "C:" or "\\server\share", outRest the part after the folder. Among equal folders the first drive wins. Returns
-    /// false if there is none.
+    /// false if no mounted folder contains it.
     bool FindFolderAbove(const std::string& inHostPath, UTF16String& outRoot, std::string& outRest) const;
 
     std::vector<PathUtils::MountPoint> List() const;

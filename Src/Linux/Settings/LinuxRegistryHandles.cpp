@@ -39,7 +39,7 @@ Platform::KeyHandle HandleTable::Add(std::shared_ptr<StoredKey> inKey, unsigned 
         if (mEntries.size() >= kMaxSlots) {
             throw std::bad_alloc();
         }
-        mFree.reserve(mEntries.size() + 1); // so that Remove never allocates
+        mFree.reserve(mEntries.size() + 1); // reserved so that Remove never allocates
         mEntries.emplace_back();
         mFree.push_back(static_cast<std::uint32_t>(mEntries.size() - 1));
     }

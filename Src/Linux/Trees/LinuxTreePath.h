@@ -30,8 +30,8 @@ public:
     /// Returns the status of the deepest folder, which must not be the top.
     const struct statx& Status() const noexcept { return mLevels.back().mShare.Status(); }
 
-    /// Opens the folder above the deepest one if needed. Returns 0, ETXTBSY or an errno: ESTALE if it is no longer the
-    /// same folder.
+    /// Opens the folder above the deepest one if needed. Returns 0, ETXTBSY or an errno: ESTALE if the folder above is
+    /// no longer the same.
     int OpenAbove();
 
     /// Returns the folder above the deepest one.

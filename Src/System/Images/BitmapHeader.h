@@ -22,7 +22,7 @@ public:
 private:
     std::uint32_t mMask = 0;
     unsigned int mShift = 0;
-    std::uint8_t mColours[256] = {}; // by the upper 8 bits if the mask has more
+    std::uint8_t mColours[256] = {}; // indexed by the upper 8 bits if the mask has more bits
 };
 
 struct BitmapHeader
@@ -39,7 +39,7 @@ struct BitmapHeader
     Resources::Bytes mPixels; // all bytes after the colours
 };
 
-/// Reads header, masks and colours. Returns false if they are truncated or invalid. Throws std::bad_alloc.
+/// Reads header, masks and colours. Returns false if these are truncated or invalid. Throws std::bad_alloc.
 bool ReadBitmapHeader(const Resources::Bytes& inBitmap, BitmapHeader& outHeader);
 
 } // namespace Images

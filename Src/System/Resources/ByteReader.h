@@ -23,7 +23,7 @@ Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
     return number;
 }
 
-/// Reads the number at any offset. Returns false if it is not completely inside.
+/// Reads the number at any offset. Returns false if the number is not completely inside the bytes.
 template <class Number>
 bool ReadNumber(const Bytes& inBytes, std::uint64_t inPlace, Number& outNumber) noexcept
 {

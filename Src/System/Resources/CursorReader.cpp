@@ -27,7 +27,7 @@ struct Bitmap
     unsigned int mBits;
     Bytes mColours; // 4 bytes each
     Bytes mPicture; // bottom row first, rows padded to 4 bytes
-    Bytes mMask;    // the same layout with 1 bit per pixel
+    Bytes mMask;    // rows as in the picture, with 1 bit per pixel
 };
 
 std::uint64_t RowSize(const Bitmap& inBitmap, unsigned int inBits) noexcept

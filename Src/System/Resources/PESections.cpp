@@ -12,7 +12,7 @@ constexpr std::uint32_t kPEMagic = 0x00004550; // "PE"
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
 constexpr std::size_t kNewHeaderField = 0x3C;
-constexpr std::size_t kFileHeader = 24; // including its magic number
+constexpr std::size_t kFileHeader = 24; // size of the header with its magic number
 constexpr std::size_t kSectionHeader = 40;
 constexpr std::uint32_t kResourceDirectory = 2;
 

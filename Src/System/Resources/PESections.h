@@ -18,8 +18,8 @@ public:
     /// Returns the address of the resource directory; 0 if there is none.
     std::uint32_t ResourceAddress() const noexcept { return mResourceAddress; }
 
-    /// Finds the bytes at an address of the loaded module. Returns false unless one section of the file contains all of
-    /// them.
+    /// Finds the bytes at an address of the loaded module. Returns false unless one section of the file contains all
+    /// these bytes.
     bool Find(std::uint32_t inAddress, std::uint32_t inSize, Bytes& outBytes) const noexcept;
 
     /// Finds the bytes from an address to the end of its section. Returns false if no section contains the address.

@@ -99,7 +99,7 @@ struct ORL_LOCAL ResourceFile::PrivateImpl
 {
     std::vector<unsigned char> mContents;
     ResourceIndex mIndex;
-    std::vector<FileEntry> mEntries; // in the order of the index
+    std::vector<FileEntry> mEntries; // entries in the order of the index
     Format mFormat = kNone;
     bool mIsDamaged = false;
 

@@ -15,15 +15,15 @@ struct CheckReport
 {
     enum Kind { kAssert, kContract, kError, kDisplay };
     Kind mKind;
-    std::string mExpression; // of a check; the ZString of an error; the title of a display
-    std::string mMessage;    // of an assertion; the text of a display
+    std::string mExpression; // the expression of a check, the ZString of an error or the title of a display
+    std::string mMessage;    // the message of an assertion or the text of a display
     std::string mFile;
-    long mLine = 0; // of a check; the identifier of an error
+    long mLine = 0; // the line of a check or the identifier of an error
     std::string mFunction;
-    unsigned long mPackage = 0;                                        // of an error
-    int mLevel = 0;                                                    // of an error
-    bool mFlag = false;                                                // of an error
-    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // of an error; dangling after ThrowError returns
+    unsigned long mPackage = 0;                                        // set for an error
+    int mLevel = 0;                                                    // set for an error
+    bool mFlag = false;                                                // set for an error
+    std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // set for an error; dangling after ThrowError
 };
 
 /// Only one recorder may exist at a time. During its lifetime, a failed contract returns to its caller, or throws

@@ -156,10 +156,10 @@ private:
     std::uint64_t mSize = 0;
     std::uint64_t mFormat = 0;
     std::uint32_t mSamplesPerSecond = 0;
-    std::uint32_t mBytesPerBlock = 0; // for all channels
+    std::uint32_t mBytesPerBlock = 0; // bytes of all channels together
     std::uint64_t mLongSize = 0;
     std::uint64_t mLongSamples = 0;
-    std::uint64_t mStatedSamples = 0; // per channel; 0 if no chunk contains it
+    std::uint64_t mStatedSamples = 0; // samples per channel; 0 if no chunk contains the number
     std::optional<Data> mData;
 };
 

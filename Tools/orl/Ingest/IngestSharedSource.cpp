@@ -105,7 +105,7 @@ struct SharedSource::State
     std::mutex mMutex; // guards all members below, and the files
     std::condition_variable mChanged;
     std::uint64_t mBytesKept = 0;
-    std::map<std::string, std::set<std::size_t>> mWanted; // by destinations that have not started the file
+    std::map<std::string, std::set<std::size_t>> mWanted; // per file, the destinations that have not started it
     std::map<std::string, FilePtr> mFiles;                // being read
 };
 
@@ -317,7 +317,7 @@ SharedReading::SharedReading(SharedSource& ioSource, std::size_t inDestination, 
 {
     const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
     mImpl->mFile = mImpl->mSource.Join(inDestination, inName, inSize);
-    mImpl->FinishSum(); // for an empty file
+    mImpl->FinishSum(); // an empty file has no block that would finish the sum
 }
 
 SharedReading::~SharedReading()

@@ -18,7 +18,7 @@ namespace orl {
 
 struct SharingLimits
 {
-    std::uint64_t mBytesKept = std::uint64_t{256} << 20; // for all files together
+    std::uint64_t mBytesKept = std::uint64_t{256} << 20; // memory limit for the blocks of all files together
     bool mWaits = true;                                  // false: drops blocks at once at the limit
 };
 

@@ -38,7 +38,7 @@ struct EntryStatus
     EntryIdentity mIdentity;
     std::uint64_t mSize = 0;
     std::uint64_t mAllocated = 0; // bytes on disk; less than the size if the file has holes
-    unsigned __int64 mTime = 0;   // last write, in the library's units
+    unsigned __int64 mTime = 0;   // last-write time, in the library's units
 };
 
 enum class Links { kFollow, kNoFollow };

@@ -119,7 +119,7 @@ ORL::Result QueryStatus(const std::wstring& inPath, Links inLinks, EntryStatus& 
 // Keeps the extended path, which may have 32767 units. Callers detect an exchanged folder on the way by its identity.
 struct HeldFolder::State
 {
-    std::wstring mPath; // no trailing separator, except for the root of a volume
+    std::wstring mPath; // has no trailing separator, except for the root of a volume
     EntryIdentity mIdentity;
 
     std::wstring PathOf(const std::wstring& inName) const

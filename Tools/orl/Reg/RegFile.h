@@ -43,7 +43,7 @@ std::vector<ORL::RegistryEdit> ReadRegFile(const std::string& inBytes);
 /// One key with its values, for a file.
 struct RegFileKey
 {
-    UTF16String mName; // with its root; see LongRegKeyName
+    UTF16String mName; // the key with its root, as LongRegKeyName returns it
     std::vector<ORL::RegistryValue> mValues;
 };
 

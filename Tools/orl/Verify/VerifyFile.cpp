@@ -7,7 +7,7 @@ namespace orl {
 
 namespace {
 
-constexpr std::size_t kReadsInFlight = 8; // for one file; several files are read at once
+constexpr std::size_t kReadsInFlight = 8; // reads in flight for one file; several files are read at once
 constexpr char kDigestOfNothing[] = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
 
 class OneFile

@@ -30,7 +30,7 @@ struct VerifiedFile
         kNew, // the file is not in the list
     };
 
-    std::string mName; // below the folder, "/" between folders, in the host's bytes
+    std::string mName; // path below the folder, "/" between folders, in the host's bytes
     State mState = kNotChecked;
     std::uint64_t mSize = 0;
     std::string mListed; // SHA-256; empty for a new file

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // several million lines
+constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // enough for several million lines
 constexpr std::size_t kLongestLine = 1 << 17;              // an escaped path of 4096 bytes is far shorter
 constexpr std::size_t kBlock = 1 << 16;
 

@@ -21,8 +21,8 @@ unsigned int sEntries TVXCORE_GUARDED_BY(sMutex) = 0;
 Platform::ThreadHandle sThread TVXCORE_GUARDED_BY(sMutex){};
 std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // generation of the current thread; older threads end
 
-std::atomic<std::uint32_t> sScheduleMoved{0}; // for the timer thread
-std::atomic<std::uint32_t> sCallEnded{0};     // for threads that wait for the end of a call
+std::atomic<std::uint32_t> sScheduleMoved{0}; // the word on which the timer thread waits
+std::atomic<std::uint32_t> sCallEnded{0};     // the word on which threads wait for the end of a call
 
 thread_local bool tIsTimerThread = false;
 

@@ -42,7 +42,7 @@ const KnownLocale* Find(const std::string& inName)
 std::string NextPart(const char*& ioText)
 {
     const std::size_t length = std::strcspn(ioText, "_-.@");
-    std::string part(ioText, std::min<std::size_t>(length, 9)); // longer than every valid part
+    std::string part(ioText, std::min<std::size_t>(length, 9)); // 9 units are longer than every valid part
     ioText += length;
     if (*ioText == '_' || *ioText == '-') {
         ++ioText;

@@ -131,7 +131,7 @@ unsigned int UsableProcessorCount_Impl() noexcept
     cpu_set_t usable;
     CPU_ZERO(&usable);
     if (::sched_getaffinity(0, sizeof(usable), &usable) != 0) {
-        return ProcessorCount_Impl(); // more processors than the set can hold
+        return ProcessorCount_Impl(); // the machine has more processors than the set can hold
     }
     return static_cast<unsigned int>(std::max(CPU_COUNT(&usable), 1));
 }

@@ -5,10 +5,10 @@
 //   current = peak - unclaimed - the sum of all threads' quotas
 //
 // A thread's quota is the amount that it may allocate before the peak has to move. Freeing adds to the quota,
-// allocating uses it. A thread that runs out of quota claims unclaimed quota from the ledger; if there is none, it
-// raises the peak by exactly the missing amount. A thread that has accumulated much quota, since it frees what others
-// allocate, returns it to the ledger. Quota is never negative, so no current value exceeds the peak. A single thread
-// raises the peak only if nothing is unclaimed, so its peak is exact.
+// allocating uses it. A thread that runs out of quota claims unclaimed quota from the ledger; if the ledger has none,
+// the thread raises the peak by exactly the missing amount. A thread that has accumulated much quota, since it frees
+// what others allocate, returns it to the ledger. Quota is never negative, so no current value exceeds the peak. A
+// single thread raises the peak only if nothing is unclaimed, so its peak is exact.
 #pragma once
 
 #include <SmallBlocks/ThreadCache.h>

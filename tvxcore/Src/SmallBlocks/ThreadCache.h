@@ -42,7 +42,7 @@ struct ThreadCache : CacheHead
     // The part of the small blocks' counters that mTaken and mQuota do not hold.
     std::atomic<std::uint64_t> mForwardCount{0}; // totals moved out of mTaken
     std::atomic<std::uint64_t> mForwardBytes{0};
-    std::atomic<std::int64_t> mRaisedCount{0}; // by how much this thread has raised the peaks
+    std::atomic<std::int64_t> mRaisedCount{0}; // the amount by which this thread has raised the peaks
     std::atomic<std::int64_t> mRaisedBytes{0};
 
     // Links of the ledger's list while the cache is in use, of the pool's list while it is idle.

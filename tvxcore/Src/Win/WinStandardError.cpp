@@ -12,7 +12,7 @@ namespace {
 // Maximum bytes per write; a cancelled write loses all of them.
 constexpr std::size_t kPiece = 4096;
 constexpr DWORD kWriteTimeout = 100;    // milliseconds
-constexpr DWORD kShortWriteTimeout = 1; // for a reader that is stuck
+constexpr DWORD kShortWriteTimeout = 1; // milliseconds to wait for a reader that is stuck
 
 // Cancels the writes of the constructing thread after the timeout, repeatedly until destruction: the first cancellation
 // may come before the write has begun.

@@ -46,9 +46,9 @@ public:
     ChangeBoard(const ChangeBoard&) = delete;
     ChangeBoard& operator=(const ChangeBoard&) = delete;
 
-    /// Opens the board's file, or creates it, and maps it. Opens it read-only if the process may not write it, and then
-    /// returns 2 if it is missing or incomplete. Returns 50 if the file system does not support shared memory, and 1017
-    /// for a board of another format.
+    /// Opens the board's file, or creates it, and maps it. Opens the file read-only if the process may not write it,
+    /// and then returns 2 if the file is missing or incomplete. Returns 50 if the file system does not support shared
+    /// memory, and 1017 for a board of another format.
     SystemError Open(const std::string& inFile, bool inIsWorldReadable);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }

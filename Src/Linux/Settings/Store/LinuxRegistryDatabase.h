@@ -57,7 +57,7 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database of a location. Returns 2 with kReport if it does not exist. Refuses a database of a
+    /// Opens the database of a location. Returns 2 with kReport if the database does not exist. Refuses a database of a
     /// newer version, a symbolic link, and a folder that other users may write. After opening a damaged database fails,
     /// SetAsideIfDamaged renames it.
     SystemError Open(const StoreLocation& inLocation, IfMissing inIfMissing);
@@ -83,14 +83,14 @@ public:
     /// write lock of the database.
     void SetChange(const Change& inChange) noexcept { mChange = inChange; }
 
-    /// Called after a commit, even if it failed. Returns the generation that was posted, or 0 if there is none.
+    /// Called after a commit, even if it failed. Returns the generation that was posted, or 0 if none was posted.
     std::uint64_t FinishChange() noexcept;
 
     /// Does nothing and returns false unless the last error reports damage. If it does, checks the database again,
     /// renames it to a dated name if it is still damaged, and closes it. Returns true: the caller may then retry.
     bool SetAsideIfDamaged();
 
-    /// Checks the whole database. Returns a description of the faults; empty if it is intact.
+    /// Checks the whole database. Returns a description of the faults; empty if the database is intact.
     std::string FindFaults();
 
     /// Returns the recorded databases that were set aside before this one was created.

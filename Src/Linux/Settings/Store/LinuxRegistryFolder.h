@@ -22,14 +22,14 @@ bool MayCreate(const StoreLocation& inLocation);
 
 /// Checks whether a folder and the database in it are trusted: they belong to the user or to root, not everyone may
 /// write them, and the database is not a symbolic link. Root also trusts folders and databases of other users. Returns
-/// 0 if they are trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path;
+/// 0 if both are trusted, 2 if there is no database, 5 otherwise. Resolves symbolic links in the folder's path;
 /// outDatabase is the resolved path of the database.
 SystemError CheckLocation(const StoreLocation& inLocation, std::string& outDatabase);
 
 /// Returns whether processes share memory through files of the folder. Returns false on a network file system.
 bool HasSharedMemory(const std::string& inFolder) noexcept;
 
-/// Stores the device and inode of a file. Returns false if it does not exist.
+/// Stores the device and inode of a file. Returns false if the file does not exist.
 bool IdentityOf(const std::string& inFile, std::uint64_t& outDevice, std::uint64_t& outInode) noexcept;
 
 /// Returns the time of a system clock in milliseconds; 0 if it cannot be read.

@@ -73,7 +73,7 @@ public:
     SystemError LoadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError LoadValues(StoredKey& ioKey, Database* ioDatabase);
 
-    /// Finds a value, after loading it if it is stale; stores null if there is none.
+    /// Finds a value, after loading it if it is stale; stores null if the value does not exist.
     SystemError LoadValue(StoredKey& ioKey, const FoldedName& inName, Database* ioDatabase, StoredValue*& outValue);
 
     /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory

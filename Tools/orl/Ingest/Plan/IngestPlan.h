@@ -27,10 +27,10 @@ struct IngestItem
         kToCopy,         // nothing at the destination has its name
         kToCheck,        // a file of the same size has its name; the contents must be compared
         kToReplace,      // a different file has its name, and the user wants that file replaced
-        kVerifiedBefore, // in the manifest of an earlier run, with the size and time of the source
+        kVerifiedBefore, // the manifest of an earlier run lists the file; size and time equal the source's
     };
 
-    std::string mName; // below the source, "/" between folders, in the host's bytes
+    std::string mName; // path below the source, "/" between folders, in the host's bytes
     std::uint64_t mSize = 0;
     std::uint64_t mAllocated = 0; // less than the size if the source has holes
     unsigned __int64 mTime = 0;
@@ -51,7 +51,7 @@ struct IngestVolume
 struct IngestPlan
 {
     std::vector<IngestItem> mItems;    // sorted by name
-    std::vector<std::string> mFolders; // to be created at the destination, each after its parent
+    std::vector<std::string> mFolders; // folders to create at the destination, each after its parent
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;

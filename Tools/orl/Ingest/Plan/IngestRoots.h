@@ -17,7 +17,7 @@ struct IngestRoots
     UTF16String mDestination;
     std::string mShownSource;
     std::string mShownDestination;
-    EntryIdentity mSourceIdentity;      // at the start of the ingest
+    EntryIdentity mSourceIdentity;      // as it was at the start of the ingest
     EntryIdentity mDestinationIdentity; // valid if mHasDestination is true
     bool mHasDestination = false;
     std::uint64_t mVolume = 0; // identity of the destination, or of the folder in which it will be created

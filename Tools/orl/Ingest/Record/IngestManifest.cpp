@@ -16,8 +16,8 @@ using Share = ORL::FileShareModeFlags;
 using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
-constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // several million lines
-constexpr std::size_t kLongestLine = 1 << 17;              // far longer than the escaped form of a path of 4096 bytes
+constexpr std::uint64_t kLargest = std::uint64_t{1} << 30; // enough for several million lines
+constexpr std::size_t kLongestLine = 1 << 17;              // far more than the escaped form of a path of 4096 bytes
 constexpr std::size_t kBlock = 1 << 16;
 
 UTF16String Folded(const std::string& inName)
@@ -143,7 +143,7 @@ void IngestManifest::ReadLine(const std::string& inText, std::uint64_t inAt, Lin
     } else if (inText[0] == '#' && std::find(withdrawn.begin(), withdrawn.end(), inAt) != withdrawn.end()
                && (ParseManifestLine("0" + inText.substr(1), line)
                    || ParseManifestLine("\\" + inText.substr(1), line))) {
-        mCommentedOut.push_back({inAt, length, std::string()}); // by a killed run
+        mCommentedOut.push_back({inAt, length, std::string()}); // a killed run commented the line out
     }
 }
 

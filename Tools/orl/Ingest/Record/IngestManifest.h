@@ -22,7 +22,7 @@ class IngestManifest
 public:
     struct Line
     {
-        std::string mName;   // below the destination, "/" between folders, in the host's bytes
+        std::string mName;   // path below the destination, "/" between folders, in the host's bytes
         std::string mDigest; // 64 hexadecimal digits
     };
 
@@ -63,7 +63,7 @@ private:
     struct LineRange
     {
         std::uint64_t mAt;
-        std::uint64_t mLength; // including the line break
+        std::uint64_t mLength; // length including the line break
         std::string mDigest;
     };
 

@@ -28,7 +28,7 @@ constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
 constexpr char kTemporary = 'T';
 constexpr char kLength = 'M';
 constexpr char kCommentedOut = 'W';
-constexpr char kWhole[] = "-"; // in place of a length: no line is being added
+constexpr char kWhole[] = "-"; // written in place of a length if no line is being added
 
 bool IsNumber(const std::string& inText)
 {
@@ -261,7 +261,7 @@ void IngestRecord::Peek()
                      Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
     CheckOpened(result);
     const std::string text = ReadText();
-    mFile.Close(); // so that the destructor deletes nothing
+    mFile.Close(); // closed first, so that the destructor deletes nothing
     if (text.size() >= sizeof(kHeader) - 1) {
         TakeUpLines(text);
     }
