@@ -1,4 +1,4 @@
-// Parses any bytes as a registry text file.
+// Parses arbitrary bytes as a registry text file.
 #include "RegFileFuzzTarget.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Properties of parsing any text as timecode. The fuzzer and the plain test that replays its corpus check the same
-// properties.
+// Properties of parsing arbitrary text as timecode. The fuzzer and the plain test that replays its corpus check the
+// same properties.
 //
 // Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a unit of the text; 0xFF
 // introduces the two bytes of any other unit.

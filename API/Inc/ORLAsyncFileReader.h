@@ -22,7 +22,7 @@ namespace ORL {
 /// Needs:    Foundation::Initialize. Terminate must not be called before the last reader is closed.
 /// Failure:  Open returns -1 for a path that is missing, is a directory or cannot be opened. The callback of a read
 ///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (a broken disk)
-///           stops all asynchronous reads of the process: neither it nor any later read is reported, and
+///           stops all asynchronous reads of the process: neither that read nor any later one is reported, and
 ///           WaitForPendingReads and Close do not return.
 /// Example:
 ///   ORL::AsyncFileReader reader;

@@ -31,7 +31,7 @@ ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 /// such a path. A failure leaves outHostPath untouched. The path need not exist. Thread-safe.
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 
-/// One entry of the drive table.
+/// An entry of the drive table.
 struct MountPoint
 {
     UTF16String mRoot;       ///< "C:\" or "\\server\share\"

@@ -28,7 +28,7 @@ struct RegistryValueTypes
     };
 };
 
-/// One stored value.
+/// A stored value.
 struct RegistryValue
 {
     UTF16String mName;
@@ -36,7 +36,7 @@ struct RegistryValue
     std::vector<unsigned char> mData;
 };
 
-/// One change for RegistryStore::Apply.
+/// A change for RegistryStore::Apply.
 struct RegistryEdit
 {
     enum Kind {

@@ -6,7 +6,7 @@
 namespace ORL {
 namespace Sync {
 
-/// One iteration of a spin: lets the processor save power and the other thread of its core run.
+/// Runs one iteration of a spin: lets the processor save power and the other thread of its core run.
 inline void PauseProcessor() noexcept
 {
     __builtin_ia32_pause();

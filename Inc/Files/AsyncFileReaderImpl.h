@@ -25,7 +25,7 @@ void TerminateAsyncFileOperations();
 struct AsyncReadRequest;
 using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
 
-/// One read, from QueueReadRequest until its callback has returned.
+/// The record of a read, from QueueReadRequest until its callback has returned.
 struct AsyncReadRequest
 {
     AsyncFiles::Platform::Overlapped mOverlapped; // must be first: the port's pointer is cast to the request

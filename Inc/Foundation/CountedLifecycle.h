@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-/// One action of a sequence.
+/// A step of a start or stop sequence.
 struct LifecycleStep
 {
     const char* mName;

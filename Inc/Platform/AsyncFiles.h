@@ -38,7 +38,7 @@ struct Overlapped
     void* mEvent; // unused: completions go to the port
 };
 
-/// One packet of a port.
+/// A packet of a port.
 struct Completion
 {
     Overlapped* mOverlapped;                          // null for an empty packet

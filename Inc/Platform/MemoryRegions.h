@@ -21,7 +21,7 @@ struct Region
 
 namespace Platform {
 
-/// One walk over the regions, in ascending order of addresses. Not thread-safe.
+/// A walk over the regions, in ascending order of addresses. Not thread-safe.
 struct Walk;
 
 /// Returns null if the system does not report its regions. CloseWalk_Impl ends the walk.

@@ -50,7 +50,7 @@ inline constexpr unsigned kOpenedKey = 2;
 SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                            unsigned* outDisposition);
 
-/// Open, create or delete a key inside a transaction of the system's transaction manager. Returns 1 if the system lacks
+/// Open, create or delete a key in a transaction of the system's transaction manager. Returns 1 if the system lacks
 /// the function, which is looked up on each call.
 SystemError OpenKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
                                    void* inTransaction, KeyHandle& outKey);
@@ -74,8 +74,8 @@ SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath);
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
 
 /// Stores type and data of a value. *ioSize is the capacity in bytes on entry, and the size of the value on return.
-/// Without a buffer stores only these. If the buffer is too small, returns 234 and stores type and size. Every output
-/// may be null, but a buffer without a size returns 87.
+/// Without a buffer stores only type and size, and so it does, with status 234, if the buffer is too small. Every
+/// output may be null, but a buffer without a size returns 87.
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 
@@ -95,7 +95,7 @@ struct Value
 /// Stores all values of a key.
 SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues);
 
-/// One step of an atomic change of several keys and values.
+/// A step of an atomic change of several keys and values.
 struct Edit
 {
     enum Kind { kCreateKey, kDeleteTree, kSetValue, kDeleteValue };

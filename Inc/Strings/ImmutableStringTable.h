@@ -79,8 +79,8 @@ private:
         std::uint64_t mHash;
     };
 
-    /// One slot of the index: open addressing, linear probing, a power of two of slots, at most half of them in use.
-    /// The slot holds the text's address, so that a hit need not access the record. The size is half a cache line; a
+    /// A slot of the index, a hash table with linear probing whose size is a power of two; at most half full.
+    /// The slot holds the text's address, so that a hit need not access the record. A slot takes half a cache line; a
     /// search begins at the first of the two slots of a line.
     struct alignas(32) Slot
     {

@@ -9,7 +9,7 @@
 
 namespace ORL {
 
-/// One parsed part of a pattern.
+/// A parsed part of a pattern.
 struct PatternPiece
 {
     using Text = std::basic_string_view<unsigned short>;

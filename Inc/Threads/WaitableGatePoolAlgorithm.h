@@ -12,7 +12,7 @@
 namespace ORL {
 namespace Sync {
 
-/// A stack of closed gates. One object per policy, accessed through sPool.
+/// A stack of closed gates. Each policy has one pool, accessed through sPool.
 template <class Policy>
 class WaitableGatePoolAlgorithm
 {

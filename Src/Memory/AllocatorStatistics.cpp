@@ -22,7 +22,7 @@ constexpr long kLevel = 1;
 
 const CriticalSection sStatisticsLock;
 
-// One line of the statistics. Each has its own trace site.
+// A line of the statistics. Each has its own trace site.
 struct Subject
 {
     TraceSite mSite;

@@ -53,7 +53,7 @@ public:
         FailOnBrokenChecks();
     }
 
-    /// Runs every interleaving with up to inSwitches preemptions. Must not be used for models with a timed sleep: in
+    /// Runs every interleaving with up to inSwitches preemptions. Do not use it for models with a timed sleep: in
     /// this search the checker ends a thread of such a model several times.
     template <class Test>
     void Exhaust(const char* inName, unsigned inSwitches)

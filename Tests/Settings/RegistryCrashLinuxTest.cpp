@@ -45,7 +45,7 @@ protected:
         fs::copy(mTestRegistry.Folder(), mPristine.Host() / "stores", fs::copy_options::recursive);
     }
 
-    // Runs a program again and again, killed before its first, second, ... counted call, until it runs to the end. A
+    // Runs a program repeatedly, killed before its first, second, ... counted call, until it runs to the end. A
     // program with a ledger writes a line after its change has been acknowledged.
     void Sweep(const std::vector<std::string>& inCommand, const std::function<Found()>& inLook)
     {

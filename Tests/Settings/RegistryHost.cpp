@@ -130,7 +130,7 @@ int Fill(const UTF16String& inBase, unsigned inCount, unsigned inValue)
     return isRight ? 0 : 1;
 }
 
-// Prints the value, then increments it again and again and prints each number after its write has been acknowledged,
+// Prints the value, then increments it repeatedly and prints each number after its write has been acknowledged,
 // until the process is killed.
 int Count(const UTF16String& inBase, const std::string& inName)
 {

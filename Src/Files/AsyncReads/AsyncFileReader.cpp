@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // On Linux a folder may be on another disk than the root of its drive.
+    // On Linux a folder may be on a different disk from the root of its drive.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

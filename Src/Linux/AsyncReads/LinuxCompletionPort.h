@@ -1,4 +1,4 @@
-// The two implementations of a completion port: a ring of the kernel, and threads that read.
+// The two implementations of a completion port: an io_uring, and threads that read.
 #pragma once
 
 #include "../Files/LinuxShareModes.h"
@@ -14,7 +14,7 @@ namespace Linux {
 
 struct AsyncFile;
 
-/// One read, from its start to its completion. mOverlapped contains its position in the file.
+/// A read, from its start to its completion. mOverlapped contains its position in the file.
 struct ReadRequest
 {
     AsyncFile* mFile;

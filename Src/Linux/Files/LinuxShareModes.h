@@ -42,7 +42,7 @@ struct FileIdentity
     }
 };
 
-/// One holder, which owns its open file. Different holders may be used on different threads. Not thread-safe: one
+/// A holder, which owns its open file. Different holders may be used on different threads. Not thread-safe: one
 /// thread at a time per holder.
 class ShareHolder
 {

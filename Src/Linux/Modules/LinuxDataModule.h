@@ -34,7 +34,7 @@ private:
     void* mPages = nullptr;
 };
 
-// The handle is the address with bit 0 set. A handle of the loader never has that bit.
+// The handle is the address with bit 0 set. Bit 0 is clear in every handle of the loader.
 
 inline HINSTANCE HandleOf(DataModule* inModule) noexcept
 {

@@ -1,4 +1,4 @@
-// Converts a library path to a path of the kernel, in bytes.
+// Converts a library path to a kernel path, in bytes.
 #pragma once
 
 #include "../Files/LinuxDescriptor.h"

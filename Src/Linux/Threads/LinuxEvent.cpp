@@ -140,7 +140,7 @@ unsigned long SetEvent_Impl(void* inEvent)
     while (!event.mState.compare_exchange_weak(state, state | kSignalled)) {
     }
     if (state >= kOneWaiter && (state & kSignalled) == 0) {
-        // The event may be destroyed from now on. The kernel uses only the address as a number and does not read the
+        // The event may be destroyed from now on. The kernel uses the address only as a number and does not read the
         // memory. A wake-up that finds no waiter or an unrelated waiter is harmless, and a failed wake-up is ignored.
         ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, released, nullptr, nullptr, 0);
     }

@@ -34,7 +34,7 @@ struct BitmapHeader
     bool mIsTopDown = false;
     unsigned int mBits = 0;
     std::uint32_t mCompression = kPlain;
-    std::uint32_t mMasks[3] = {}; // red, green, blue, of 16 and 32 bits
+    std::uint32_t mMasks[3] = {}; // of red, green and blue, for 16 and 32 bits
     std::vector<std::uint32_t> mColours;
     Resources::Bytes mPixels; // all bytes after the colours
 };

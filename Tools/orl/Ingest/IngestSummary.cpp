@@ -44,7 +44,7 @@ constexpr std::size_t kMaxRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 
-/// One file of the source, with the number of destinations that have it.
+/// A file of the source, with the number of destinations that have it.
 struct ShownFile
 {
     const IngestItem* mItem = nullptr;

@@ -40,7 +40,7 @@ private:
 /// line.
 std::vector<ORL::RegistryEdit> ReadRegFile(const std::string& inBytes);
 
-/// One key with its values, for a file.
+/// A key with its values, to be written to a file.
 struct RegFileKey
 {
     UTF16String mName; // the key with its root, as LongRegKeyName returns it

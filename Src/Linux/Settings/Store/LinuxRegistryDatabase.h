@@ -96,7 +96,7 @@ public:
     /// Returns the recorded databases that were set aside before this one was created.
     std::vector<SetAside> ListSetAside();
 
-    /// Returns the system error number for an error code of SQLite.
+    /// Returns the system error number for an SQLite error code.
     SystemError Error(int inCode) noexcept;
 
     friend class Statement;
@@ -145,7 +145,7 @@ private:
     bool mIsOver = false;
 };
 
-/// One run of a prepared statement. The destructor clears its bindings and releases its read lock.
+/// A run of a prepared statement. The destructor clears its bindings and releases its read lock.
 class Statement
 {
 public:

@@ -133,7 +133,7 @@ bool HasSharedMemory(const std::string& inFolder) noexcept
         0x00C36400, // Ceph
         0x73757245, // Coda
         0x5346414F, // AFS
-        0x6B414653, // AFS of the kernel
+        0x6B414653, // the kernel's AFS client
         0x65735546, // FUSE, which may be any file system, for example sshfs
     };
     struct statfs status;

@@ -21,7 +21,7 @@ namespace Linux {
 
 class Database;
 
-/// One key in memory. A deleted key has no parent, and lives until its last handle is closed.
+/// A key in memory. A deleted key has no parent, and lives until its last handle is closed.
 struct StoredKey : std::enable_shared_from_this<StoredKey>
 {
     std::int64_t mId = 0;
