@@ -57,7 +57,7 @@ target_compile_options(orl_strict INTERFACE
   -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
   # Symbols that g++ marks as unique would keep our libraries loaded after a host unloads them.
   $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
-  # The compiler spills wide registers with aligned moves, but the system's stack is aligned to 16 bytes only.
+  # The compiler spills wide registers with aligned moves, but the system's stack is aligned only to 16 bytes.
   $<$<BOOL:${WIN32}>:-Wa,-muse-unaligned-vector-move>
   $<$<BOOL:${ORL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(orl_strict INTERFACE

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """Checks the rules of this project that the includes can break.
 
-Floors: includes run downwards only. A file below Src or Inc belongs to the floor of its folder, a header of API/Inc to
+Floors: includes run only downwards. A file below Src or Inc belongs to the floor of its folder, a header of API/Inc to
 the floor that its first line names ("// Floor: Threads"). A file in a platform folder belongs to the floor that its first
 line names, else to the highest floor whose seam headers it includes. A seam header belongs to the lowest floor whose
 portable code includes it. A folder without a floor is an error.
 Libraries: tvxcore, tvxmediatypes and CRV include nothing of ORLFoundation, neither by name nor by a relative path.
 Tests: each folder with tests is in the list of test programs.
 Seam: OS headers and platform conditions occur only in the platform folders and in export headers (*Config.h).
-Tools and examples: they include public headers only.
+Tools and examples: they include only public headers.
 Foundation: ORLFoundation.h includes every public header.
 Prints one line for each error; exit code 1 if there is an error. check_floors.py [ROOT]
 """

@@ -32,7 +32,7 @@ public:
 ///
 ///   tvxcore::debug::SetTraceLevel("ORL.Allocator", 1);
 ///
-/// Addresses and sizes of regions show their low 32 bits only. A region's state is 4096 for memory in use, 8192 for
+/// Addresses and sizes of regions show only their low 32 bits. A region's state is 4096 for memory in use, 8192 for
 /// reserved and 65536 for free address space, on every platform. Thread-safe: the lines of two calls are not
 /// interleaved. Writes nothing if the allocator keeps no counters.
 ORL_API void TraceAllocatorStatistics();

@@ -19,7 +19,7 @@ namespace ORL {
 ///
 /// Owner:    the library owns the instance.
 /// Threads:  not thread-safe.
-/// Failure:  throws std::bad_alloc only.
+/// Failure:  throws only std::bad_alloc.
 class ORL_API AutomationDataCollector
 {
 public:

@@ -10,7 +10,7 @@
 #include <tvxcore/String.h>
 #include <tvxmediatypes/Constants.h>
 
-// Defines a constant whose value compilers see and that the library also exports. Only the source that defines
+// Defines a constant that compilers can evaluate and that the library also exports. Only the source that defines
 // ORL_CONSTANTS_EMIT emits the symbols.
 #if defined(ORL_CONSTANTS_EMIT)
 #  define ORL_CONSTANT ORL_API __attribute__((used)) inline constexpr

@@ -23,9 +23,9 @@ namespace ORL {
 /// included, but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable
 /// directory is listed and treated as empty. Links to directories are walked like directories, unless they lead back to
 /// one that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
-/// handles, std::bad_alloc if out of memory. Depth is limited by memory only.
+/// handles, std::bad_alloc if out of memory. Only memory limits the depth.
 /// Trees:    Copy, Move and DeleteNotEmpty work on the contents of the source, hidden entries included, and overwrite
-///           without asking. They accept plain paths only: for one in the extended form (\\?\) they report an assertion
+///           without asking. They accept only plain paths: for one in the extended form (\\?\) they report an assertion
 ///           and return kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
 /// On Linux: trees copy, move and delete links as links and never follow them. A file is first copied under a temporary
 ///           name, so the final name never refers to a partial copy.
@@ -86,7 +86,7 @@ public:
     /// name and merges directories. Returns kGeneralFailure if there is nothing to copy.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Moves the contents in the same way, across volumes too. Keeps inSource itself, which is then empty.
+    /// Moves the contents in the same way, also across volumes. Keeps inSource itself, which is then empty.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
 private:

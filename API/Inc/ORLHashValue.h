@@ -26,7 +26,7 @@ class HashValue
 public:
     static constexpr std::size_t kWordCount = 3;
 
-    /// The initial words. Different initial words give independent hashes of the same bytes.
+    /// The initial words. Different initial words produce independent hashes of the same bytes.
     constexpr HashValue(std::uint32_t inWord0, std::uint32_t inWord1, std::uint32_t inWord2) noexcept
         : mWords{inWord0, inWord1, inWord2}
     {

@@ -41,7 +41,7 @@ struct MountPoint
 /// Returns the drive table: the drives in the order of their letters, then (on Linux) the mounted shares. Thread-safe.
 ORL_API std::vector<MountPoint> GetMountPoints();
 
-/// The drive table of Linux. These functions exist in the Linux library only; a host for both platforms calls them from
+/// The drive table of Linux. These functions exist only in the Linux library; a host for both platforms calls them from
 /// its Linux sources. Thread-safe: a path that is being resolved at the same time uses the table before or after the
 /// change.
 namespace Linux {

@@ -38,7 +38,7 @@ class ResourceStore;
 class ORL_API Module : public ResourceCollection
 {
 public:
-    /// Loads a module by library path. A name without a folder is searched in the system's search path; on Linux the
+    /// Loads a module by library path. A name without a folder is looked up in the system's search path; on Linux the
     /// program's folder comes first. Fires an input contract for an empty path. Returns kSuccess and replaces
     /// outModule. On failure outModule is unchanged: kAccessDenied if the file is not readable, kGeneralFailure if the
     /// module or one that it depends on is missing, or if it is not a module for this machine. Throws std::bad_alloc.

@@ -16,7 +16,7 @@
 #  include <atomic>
 #  include <cstdint>
 
-// The thread sanitizer follows the lock through its atomic word. The annotations as a mutex let it also detect lock
+// The thread sanitizer follows the lock through its atomic word. Because of the mutex annotations it also detects lock
 // order inversions.
 #  if ORL_THREAD_SANITIZER
 #    include <sanitizer/tsan_interface.h>

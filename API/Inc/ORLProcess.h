@@ -1,7 +1,7 @@
 // Floor: System
 // Finds a running process by the name of its executable.
 //
-// Thread-safe. Throws std::bad_alloc only.
+// Thread-safe. Throws only std::bad_alloc.
 #pragma once
 
 #include <ORLConfig.h>

@@ -75,7 +75,7 @@ public:
     /// Opens a key below a root. inAccess 0 requests all access. Fires an assertion for an unknown root, which is
     /// treated as kUser, and for an access with neither kRead nor kWrite. Sets the path of this key to inPath even on
     /// failure; the key then keeps its previous handle. Returns kFileNotFound if the key does not exist. Without the
-    /// right to write the machine's settings, a key of kMachine can be opened with kRead only.
+    /// right to write the machine's settings, a key of kMachine can only be opened with kRead.
     Result Open(RegistryRootKeys::Type inRoot, const UTF16String& inPath, RegistryKeyAccess::Type inAccess);
 
     /// Opens a key below inParent with all access. An empty path opens the key of inParent itself.
@@ -131,7 +131,7 @@ public:
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
     /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. The path of such a
-    /// key is its name alone. A failure ends the listing without a report.
+    /// key is only its name. A failure ends the listing without a report.
     void EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const;
 
     /// Returns the path passed to the last Open or Create, even if that failed.

@@ -70,7 +70,7 @@ struct RegistryStoreState
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 
-/// Thread-safe. All functions throw std::bad_alloc only. The functions return kFileNotFound for a missing key or value,
+/// Thread-safe. All functions throw only std::bad_alloc. The functions return kFileNotFound for a missing key or value,
 /// kAccessDenied, kDiskFull, and kGeneralFailure for other errors (see Win::SystemErrorToORLResult).
 namespace RegistryStore {
 

@@ -53,7 +53,7 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 /// without a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
-/// These functions exist in the Linux library only; a host for both platforms calls them from its Linux sources.
+/// These functions exist only in the Linux library; a host for both platforms calls them from its Linux sources.
 namespace Linux {
 
 /// Sets the default code page of this process, for conversions that begin later; 0 restores the page of the user's

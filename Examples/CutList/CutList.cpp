@@ -30,7 +30,7 @@ struct Fault : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// One code of an event: the time, and the text it was read from, which gives its separators and its place in the line.
+/// A code of an event: the time, and the text it was read from, which determines its separators and its column.
 struct Code
 {
     std::size_t mColumn = 0;

@@ -41,7 +41,7 @@ namespace Files {
 /// The smallest block of a cache.
 inline constexpr std::uint32_t kSmallestBlock = 65536;
 
-/// The result of a failure that has no code of its own.
+/// The result of a failure without a specific code.
 inline constexpr Result kBareFailure = -1;
 
 /// Returns kSuccess for 0.

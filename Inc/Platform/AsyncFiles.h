@@ -62,8 +62,8 @@ bool PostEmptyPacket_Impl(Handle inPort);
 /// false for a failed read, with its outCompletion, and if the port fails or has been closed, with null.
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion);
 
-/// Opens an existing file for unbuffered reading; other handles may read and write it too. Takes the extended form of a
-/// path. Returns 0 and the file, or the system error and InvalidHandle().
+/// Opens an existing file for unbuffered reading; other handles may also read and write it. Takes the extended form of
+/// a path. Returns 0 and the file, or the system error and InvalidHandle().
 ///
 /// On file systems without unbuffered access, reads use the page cache and drop their pages afterwards.
 SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& outFile);

@@ -28,7 +28,7 @@ SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes
 /// Stores the file system's name; names of the FAT family begin with "FAT". outName is untouched on failure.
 SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName);
 
-/// Returns whether a path is the root of a volume. Compares text only.
+/// Returns whether a path is the root of a volume. Compares only text.
 bool IsRoot_Impl(const UTF16String& inPath);
 
 } // namespace Platform

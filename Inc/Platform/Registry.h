@@ -79,7 +79,7 @@ SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short*
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 
-/// Reads text one unit past its size; a terminator there is stored too.
+/// Reads text one unit past its size; a terminator there is also stored.
 SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
                           unsigned inSize);
 

@@ -1,4 +1,4 @@
-// The parts of the locale family for the library and its tests only.
+// The parts of the locale family only for the library and its tests.
 #pragma once
 
 #include <tvxcore/String.h>

@@ -226,7 +226,7 @@ template <int kFramesPerFoot>
                                     : NegativeFeetFramesText(isNegative, hasPlus, feet, frames);
 }
 
-// A negative time shown without a sign counts back from midnight in the hours only.
+// A negative time shown without a sign counts back from midnight only in the hours.
 int ShownHours(const Timecode::PrivateImpl& inImpl)
 {
     const int hours = inImpl.mHours % 24;

@@ -28,7 +28,7 @@ TEST(CheckUnderDebugger, TrapsOnlyWhenAskedAndAttached_AndGoesOnBehindTheCheck)
         {__LINE__, L"go on", 0},
     };
     for (const Row& row : rows) {
-        // Counts only breakpoints in the program's image, because the loader raises a breakpoint too.
+        // Counts only breakpoints in the program's image, because the loader also raises a breakpoint.
         int traps = 0;
         const DWORD exitCode =
             ORLTest::RunDebugged(L"debugged_child.exe", row.mAnswer, [&traps](const DebuggedException& inException) {

@@ -16,8 +16,8 @@ enum class FaultyAllocator { kSmallBlocks, kPages, kHeap };
 inline constexpr FaultyAllocator kFaultyAllocators[] = {FaultyAllocator::kSmallBlocks, FaultyAllocator::kPages,
                                                         FaultyAllocator::kHeap};
 
-/// During its lifetime, request number inNumber (from 1) to one allocator is refused; with inAllFurther, all later
-/// requests too.
+/// During its lifetime, request number inNumber (from 1) to one allocator is refused; with inAllFurther, so are all
+/// later requests.
 class MemoryFaults
 {
 public:

@@ -153,7 +153,7 @@ TEST(FileOnLinux, AFileThatMayOnlyBeWritten_IsWritten)
         EXPECT_EQ(kAccessDenied, Opened(folder.Path(u"f"), kRead, kShareEverything).mResult);
         return true;
     });
-    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // the old mode lets no ordinary user read the file
+    ASSERT_EQ(0, ::chmod((folder.Host() / "f").c_str(), 0644)); // in the old mode no ordinary user can read the file
     EXPECT_EQ("hello", ContentsOf(folder, "f"));
 }
 

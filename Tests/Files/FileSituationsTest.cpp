@@ -1,6 +1,6 @@
 // Checks each situation against the recorded result of Windows, through the platform functions, on both platforms.
 //
-// A row with mWineResults lists the results of Wine 8; under Wine the row is checked against these only. Wine ignores
+// A row with mWineResults lists the results of Wine 8; under Wine the row is checked only against these. Wine ignores
 // the read-only attribute for the superuser: rows that need it first probe whether it works.
 //
 // Covered elsewhere: cf34, cf35, cf47, cf48, cf58, cf59 and ch1 in FileSituationNamesTest; ub01 to ub06 in FileTest;

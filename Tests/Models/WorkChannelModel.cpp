@@ -107,7 +107,7 @@ struct Node : WorkNode
     rl::var<int> mTaken;
 };
 
-/// Two work items that wait for each other are pushed; two threads take. Both items must run at the same time,
+/// Two work items that wait for each other are pushed; two threads dequeue. Both items must run at the same time,
 /// regardless of which thread sleeps or spins. The channel closes only after both items have started, so that closing
 /// cannot wake a thread that a push failed to wake. With kSleeps one taker sleeps before any other thread starts.
 template <class Policy, int kSpins, int kPushers, bool kSleeps = false>

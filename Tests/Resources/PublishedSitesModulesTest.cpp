@@ -96,7 +96,7 @@ void LoadLibraryWithoutMemory()
     OnLibraryUnload();
 }
 
-// Provides one block that exists in American English only.
+// Provides one block that exists only in American English.
 class EnglishBlock : public ResourceCollection
 {
 public:

@@ -36,7 +36,7 @@ private:
     std::uint64_t mValue = 0xCBF29CE484222325u;
 };
 
-/// A random number generator that gives the same numbers on every machine.
+/// A random number generator that produces the same numbers on every machine.
 class SteadyNumbers
 {
 public:

@@ -132,7 +132,7 @@ TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
     }
 }
 
-// Texts and buffers that end around the end of a page, where wide steps take another path.
+// Texts and buffers that end near the end of a page, where vector steps take a different path.
 TEST(UtfKernels, TextsAndBuffersAroundTheEndOfAPage_AtEveryPlace)
 {
     constexpr std::size_t kPage = 4096;

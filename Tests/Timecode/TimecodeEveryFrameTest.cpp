@@ -213,7 +213,7 @@ TEST_P(EveryCount, OfADay_ComesBackFromItsFields)
         long long expected = count;
         if (format.mLabelsPerSecond != 0) {
             // In feet and frames the fields are split with the truncated rate but joined with the true rate. At a
-            // fractional rate the seconds contribute their whole frames only.
+            // fractional rate the seconds contribute only their whole frames.
             const long long seconds = count / format.mLabelsPerSecond;
             expected = static_cast<long long>(static_cast<double>(seconds) * format.mRate.GetValue())
                        + count % format.mLabelsPerSecond;

@@ -99,7 +99,7 @@ TEST_P(Libavutil, WritesTheSameLabelForEveryFrameOfADay)
 
 TEST_P(Libavutil, ReadsTheSameFrameFromLabelsAllOverADay)
 {
-    // libavutil detects drop-frame by the last separator, which it writes accordingly; we use the format only.
+    // libavutil detects drop-frame by the last separator, which it writes accordingly; we use only the format.
     const PeerFormat& format = GetParam();
     AVTimecode peer;
     ASSERT_EQ(0, av_timecode_init(&peer, format.mPeerRate, static_cast<int>(format.mPeerFlags), 0, nullptr));
@@ -138,7 +138,7 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
 TEST(LibavutilDisagreements, Separators_DecideNothingWithUs)
 {
     const AVRational rate = {30000, 1001};
-    // The last separator selects drop-frame in libavutil; we use the format only.
+    // The last separator selects drop-frame in libavutil; we use only the format.
     EXPECT_EQ(1802, PeerStart("00:01:00:02", rate));
     EXPECT_EQ(1800, OurCount("00:01:00:02", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1800, PeerStart("00:01:00.02", rate));

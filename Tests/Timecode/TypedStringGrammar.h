@@ -9,7 +9,7 @@
 
 namespace ORLTest {
 
-/// Generates random texts, each with a format, rate and flag for parsing it. The same seed gives the same texts on
+/// Generates random texts, each with a format, rate and flag for parsing it. The same seed produces the same texts on
 /// every platform.
 class TypedStringGrammar
 {

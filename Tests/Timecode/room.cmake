@@ -1,4 +1,4 @@
-# libavutil's timecode functions check every label of a day; the package exists on Linux only.
+# libavutil's timecode functions check every label of a day; the package exists only on Linux.
 if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(LIBAVUTIL REQUIRED IMPORTED_TARGET libavutil)

@@ -315,7 +315,7 @@ TEST_F(DirectoryTest, CreateOnDisk_MakesAllThatIsMissing)
     EXPECT_TRUE(Directory::IsDirectory(mFolder.Path(u"a\\d")));
 }
 
-// The status of the path service has no code of its own.
+// The status of the path service has no specific code.
 TEST_F(DirectoryTest, CreateOnDisk_WhereItCannotBe_IsAGeneralFailure)
 {
     mFolder.MakeFile("f");
@@ -337,7 +337,7 @@ TEST_F(DirectoryTest, Delete_ThatFails_GivesTheSystemsError)
 {
     mFolder.MakeFolder("full");
     mFolder.MakeFile("full/f");
-    // The errors 145 and 267 have no code of their own.
+    // The errors 145 and 267 have no specific code.
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full")));
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full\\f")));
     EXPECT_EQ(kFileNotFound, Directory::Delete(mFolder.Path(u"missing")));

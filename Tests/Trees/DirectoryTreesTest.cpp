@@ -165,7 +165,7 @@ TEST_F(DirectoryTrees, DeleteNotEmpty_OfWhatIsMissing_Fails)
     EXPECT_FALSE(ResultSucceeded(Directory::DeleteNotEmpty(mFolder.Path(u"missing"))));
 }
 
-// The shell accepts plain paths only. Each of the two check sites has its own ignore flag.
+// The shell accepts only plain paths. Each of the two check sites has its own ignore flag.
 TEST_F(DirectoryTrees, ExtendedPaths_AreReportedAndRefused)
 {
     struct Row

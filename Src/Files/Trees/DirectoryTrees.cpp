@@ -15,7 +15,7 @@ using namespace Directories::Platform;
 constexpr const char* kFunction = "ORL::`anonymous-namespace'::FileOperation";
 constexpr const char* kMessage = "UNC paths are not supported by SHFileOperation!";
 
-// The shell accepts plain paths only. The operation applies to the contents of the directory, not to the directory.
+// The shell accepts only plain paths. The operation applies to the contents of the directory, not to the directory.
 Result FileOperation(const UTF16String& inSource, const UTF16String& inDestination, ShellFunction inFunction)
 {
     if (PathUtils::IsNormalizedPath(inSource)) {

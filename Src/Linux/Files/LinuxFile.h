@@ -87,8 +87,8 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenRequest& inRequest, s
 SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus);
 
 /// Briefly registers a use of a name, so that it can be deleted or moved. inUses is the access that it uses, inShares
-/// the access that it shares. Only files and folders are registered; an entry that cannot be opened is registered
-/// inside this process only. Returns 0, 32 or the failure to find the name.
+/// the access that it shares. Only files and folders are registered; an entry that cannot be opened is registered only
+/// inside this process. Returns 0, 32 or the failure to find the name.
 class EntryShare
 {
 public:

@@ -51,7 +51,7 @@ void Find(void* inLibrary, const char* inName, Function*& outFunction)
     outFunction = reinterpret_cast<Function*>(::dlsym(inLibrary, inName));
 }
 
-// libX11 stays loaded, since the host uses it too.
+// libX11 stays loaded, since the host also uses it.
 Xlib LoadXlib()
 {
     Xlib functions{};

@@ -21,8 +21,8 @@ FileIdentity IdentityOf(const struct statx& inStatus) noexcept
 
 } // namespace
 
-// Opens regular files only, because opening a device has side effects. A file without read permission is checked inside
-// this process only.
+// Opens regular files only, because opening a device has side effects. A file without read permission is checked only
+// inside this process.
 int TreeEntryShare::EnterFile(int inFolder, const char* inName, unsigned inUses, unsigned inShares)
 {
     struct statx status;

@@ -8,7 +8,7 @@
 namespace ORL {
 namespace Resources {
 
-/// A read returns false if it exceeds the template; all further reads then return false too.
+/// A read returns false if it exceeds the template; all further reads then also return false.
 class TemplateReader
 {
 public:

@@ -19,7 +19,7 @@ PLUGIN_API void DeleteStream(oUTF16StringStream* inStream)
     delete inStream;
 }
 
-// Uses the stream through the standard base class only.
+// Uses the stream only through the standard base class.
 PLUGIN_API void WriteNumbers(oUTF16StringStream* ioStream, int inNumber, double inFraction)
 {
     std::basic_ostream<unsigned short>& stream = *ioStream;

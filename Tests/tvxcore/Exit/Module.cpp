@@ -56,7 +56,7 @@ std::size_t SizeOf(std::size_t inIndex)
     return 1 + inIndex * 7919 % 20000;
 }
 
-// Returns sizes of the allocator's classes only. Larger blocks come from the C library. When the process exits, the C
+// Returns only sizes of the allocator's classes. Larger blocks come from the C library. When the process exits, the C
 // library waits for the lock of the system's heap. If Windows has ended a thread that held this lock, the exit blocks
 // before any code of ours runs.
 std::size_t SmallSizeOf(std::size_t inIndex)

@@ -1,4 +1,4 @@
-// A progress line that is overwritten in place, shown on terminals only. The line is never wider than the terminal,
+// A progress line that is overwritten in place, shown only on terminals. The line is never wider than the terminal,
 // because a wrapped line cannot be overwritten.
 #pragma once
 

@@ -9,12 +9,12 @@ namespace debug {
 /// Returns whether a debugger is attached to this process now.
 TVXCORE_API bool IsDebuggerAttached();
 
-/// Reports a failed assertion. Sets ioIgnore if the user chooses to ignore this site for good. Returns true to ask the
-/// caller to break into the debugger. inMessage is UTF-8 and may be empty. Thread-safe.
+/// Reports a failed assertion. Sets ioIgnore if the user chooses to ignore this site for good. Returns true if the
+/// caller should break into the debugger. inMessage is UTF-8 and may be empty. Thread-safe.
 TVXCORE_API bool BreakAfterAssertDialog(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage,
                                         const char* inFile, long inLine, const char* inFunction);
 
-/// Reports a broken contract. Returns true to ask the caller to break into the debugger. Thread-safe.
+/// Reports a broken contract. Returns true if the caller should break into the debugger. Thread-safe.
 TVXCORE_API bool BreakAfterContractDialog(const char* inExpression, const char* inFile, long inLine);
 
 /// Shows free text to the user. Returns the user's choice: 0 to debug, 2 and 4 to ignore this site for good.

@@ -28,8 +28,8 @@ namespace utility {
 class TVXCORE_API SmallBlockAllocator
 {
 public:
-    /// Returns a block of inSize bytes, aligned for every fundamental type; null if out of memory. A size of 0 returns
-    /// a block too. Never throws.
+    /// Returns a block of inSize bytes, aligned for every fundamental type; null if out of memory. A size of 0 also
+    /// returns a block. Never throws.
     static void* Allocate(std::size_t inSize) noexcept;
 
     /// Frees a block, on any thread. inSize is the size that was passed to Allocate. Ignores null.

@@ -12,7 +12,7 @@ namespace utility {
 /// Widens an ASCII text.
 TVXCORE_API UTF16String AsciiToUTF16(const char* inText);
 
-/// Converts to UTF-8. An unpaired surrogate becomes U+FFFD; nothing is dropped. Throws std::bad_alloc only.
+/// Converts to UTF-8. An unpaired surrogate becomes U+FFFD; nothing is dropped. Throws only std::bad_alloc.
 TVXCORE_API UTF8String UTF16to8(const UTF16String& inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText);
 TVXCORE_API UTF8String UTF16to8(const unsigned short* inText, std::size_t inLength);
@@ -30,7 +30,7 @@ TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLeng
 /// overwrite the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
 
-/// Returns the full case folding of the Unicode standard, for comparison only.
+/// Returns the full case folding of the Unicode standard, only for comparison.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
 
 /// Replaces every occurrence of inFind from left to right; replaced text is not searched again. An empty inFind changes

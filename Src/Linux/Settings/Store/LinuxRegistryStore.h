@@ -3,8 +3,8 @@
 //
 // While the board shows no new changes, reads are served from memory. Otherwise the store first processes the changes.
 // There are two locks. mDatabaseLock is acquired first and admits one database operation at a time; mMemoryLock guards
-// tree and handles. A read from memory acquires only mMemoryLock. A thread waits for other processes under
-// mDatabaseLock only.
+// tree and handles. A read from memory acquires only mMemoryLock. A thread waits for other processes only under
+// mDatabaseLock.
 #pragma once
 
 #include "../LinuxRegistryHandles.h"

@@ -87,7 +87,7 @@ void IngestManifest::Read()
     UpdateRecord();
 }
 
-// Only the record tells which incomplete line and which comments a killed run of orl has written.
+// Only the record states which incomplete line and which comments a killed run of orl has written.
 void IngestManifest::UpdateRecord()
 {
     mRecord.SetNeededByManifest(mFound != mLength || !mCommentedOut.empty());
