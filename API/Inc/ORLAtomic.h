@@ -13,7 +13,7 @@
 
 namespace ORL {
 
-/// The counter of an ObjectPtr. Change it only with AtomicIncrement and AtomicDecrement.
+/// The counter of an ObjectPtr. Change the counter only with AtomicIncrement and AtomicDecrement.
 using AtomicValue = std::int32_t;
 
 namespace Internal {

@@ -87,9 +87,9 @@ ORL_API void ColorYPbPrToRGB(float inY, float inPb, float inPr, float& outR, flo
 /// Y stays; I = -0.544639 Pb + 0.838671 Pr, Q = 0.544639 Pr + 0.838671 Pb.
 ORL_API void ColorYPbPrToYIQ(float inY, float inPb, float inPr, float& outY, float& outI, float& outQ);
 
-/// Stores the angle of the chroma vector, counted from red, as a fraction of the full circle: 0 to 1. Without chroma it
-/// is 0. The library computes the arctangent itself, rounded to the nearest float, so it does not depend on the C
-/// runtime.
+/// Stores the angle of the chroma vector, counted from red, as a fraction of the full circle: 0 to 1. Without chroma
+/// the angle is 0. The library computes the arctangent itself, rounded to the nearest float, so it does not depend on
+/// the C runtime.
 ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 
 /// Same as ColorYPbPrToRGB, then NormalizedRGBtoHSL, which may leave hue and saturation untouched.

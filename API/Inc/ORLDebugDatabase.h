@@ -35,11 +35,11 @@ public:
     DebugDatabase(const DebugDatabase&) = delete;
     DebugDatabase& operator=(const DebugDatabase&) = delete;
 
-    /// Returns the setting. If it has not been read yet and cannot be read from the registry, writes inDefault to the
-    /// registry and uses it from then on.
+    /// Returns the setting. If the setting has not been read yet and cannot be read from the registry, writes inDefault
+    /// to the registry and uses it from then on.
     std::string GetEntry(const std::string& inKey, const std::string& inDefault);
 
-    /// Writes the setting to the registry. If that fails, the setting is unchanged.
+    /// Writes the setting to the registry. If the write fails, the setting is unchanged.
     void SetEntry(const std::string& inKey, const std::string& inValue);
 
     /// Returns whether the setting was read or set since the database was created. Does not query the registry.

@@ -50,7 +50,7 @@ public:
     /// Returns whether the directory is empty. Hidden entries count.
     bool IsDirectoryEmpty() const;
 
-    /// Returns whether a file can be created and written in the directory. Tests it with a temporary file, which is
+    /// Returns whether a file can be created and written in the directory. Tests this with a temporary file, which is
     /// removed.
     bool IsDirectoryWriteable() const;
 

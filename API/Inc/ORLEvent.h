@@ -23,8 +23,8 @@ protected:
     static void SetEvent(void* inEvent);
 };
 
-/// An event of the OS. With kManualReset a signal stays set and releases every waiter. Without it each signal releases
-/// one waiter and is reset.
+/// An event of the OS. With kManualReset a signal stays set and releases every waiter. Without kManualReset each signal
+/// releases one waiter and is reset.
 /// The constructor asserts "mEvent" and throws EventFailure if the system cannot create the event.
 template <bool kManualReset, bool kInitiallySignalled>
 class ORL_API Event : public EventBase

@@ -175,8 +175,8 @@ public:
     /// Stores the time of the last write, in units of 100 ns since the beginning of 1601, UTC.
     Result GetLastModificationTime(unsigned __int64& outTime) const;
 
-    /// Returns the system's handle, or -1 if no file is open. On Linux it points to the file's descriptor, an int that
-    /// the file owns.
+    /// Returns the system's handle, or -1 if no file is open. On Linux the handle points to the file's descriptor, an
+    /// int that the file owns.
     void* GetPlatformFileHandle();
 
     /// Opens an existing file. Other handles may read, write and delete it while it is open. Returns -1 if the file
@@ -186,7 +186,7 @@ public:
     static Result Delete(const UTF16String& inPath);
 
     /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Uses the
-    /// paths as given. On Linux it also copies the permissions, and lets the kernel copy the data if it can.
+    /// paths as given. On Linux also copies the permissions, and lets the kernel copy the data if possible.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during

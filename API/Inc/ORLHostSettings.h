@@ -35,7 +35,7 @@ ORL_API unsigned short FetchLanguageID();
 
 } // namespace Internal
 
-/// Returns the language. Once it is known, the call costs one load and one branch.
+/// Returns the language. Once the language is known, the call costs one load and one branch.
 ORL_API inline unsigned short GetLanguageID()
 {
     const std::uint32_t language = Internal::sLanguageID.load(std::memory_order_relaxed);

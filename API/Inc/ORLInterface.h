@@ -98,7 +98,7 @@ public:
 
     void Swap(InterfaceRef& ioOther) noexcept { std::swap(mIPtr, ioOther.mIPtr); }
 
-    /// Returns the object. If it is null, reports an assertion and throws NullInterfaceException.
+    /// Returns the object. If the reference is null, reports an assertion and throws NullInterfaceException.
     T* operator->() const
     {
         if (__builtin_expect(mIPtr == nullptr, 0)) {

@@ -34,7 +34,7 @@ public:
     bool IsVirtual() const { return mIsVirtual; }
 
 protected:
-    /// Allocates memory for an empty buffer. Leaves it empty if out of memory, without an error.
+    /// Allocates memory for an empty buffer. Leaves the buffer empty if out of memory, without an error.
     void Allocate(std::size_t inSize);
 
     /// Frees the memory and clears mBuffer and mSize.

@@ -122,8 +122,8 @@ ORL_API bool PreparePathForWrite(const UTF16String& inPath);
 /// reserved: two callers may get the same.
 ORL_API UTF16String MakeUniqueFilename(const UTF16String& inPath);
 
-/// Returns the directory for temporary files, with its trailing separator. If it is longer than 512 characters, reports
-/// an assertion and returns an empty path.
+/// Returns the directory for temporary files, with its trailing separator. If the path is longer than 512 characters,
+/// reports an assertion and returns an empty path.
 ORL_API UTF16String GetTempDirectory();
 
 // The shell. On Linux display names equal the names.

@@ -105,7 +105,7 @@ public:
 
     static constexpr std::size_t kMaxBinarySize = 4096;
 
-    /// Stores inBytes bytes. If they are more than kMaxBinarySize, fires an assertion and fails.
+    /// Stores inBytes bytes. If inBytes exceeds kMaxBinarySize, fires an assertion and fails.
     Result SetBinaryValue(const UTF16String& inName, const void* inData, std::size_t inBytes);
     Result SetBinaryValue(const UTF16String& inName, std::vector<char>& inData);
 

@@ -32,7 +32,7 @@ class ORL_API ResourceCollection
 public:
     virtual ~ResourceCollection();
 
-    /// Finds a resource in the current language (GetLanguageID), otherwise in the neutral language. Returns its data
+    /// Finds a resource in the current language (GetLanguageID), otherwise in the neutral language. Returns the data
     /// and stores its size in outSize. If the resource does not exist, fires an assertion and returns null with outSize
     /// unchanged.
     virtual void* FindLocalizedResource(const unsigned short* inName, const unsigned short* inType,

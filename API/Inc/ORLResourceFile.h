@@ -64,7 +64,7 @@ public:
     ResourceFile(const ResourceFile&) = delete;
     ResourceFile& operator=(const ResourceFile&) = delete;
 
-    /// Reads a file by library path. Call it once per object. Returns kSuccess even if only part of a damaged file
+    /// Reads a file by library path. Call Open once per object. Returns kSuccess even if only part of a damaged file
     /// could be read, kGeneralFailure for a file of another format or of 2 GiB or more, kAccessDenied for a directory,
     /// and otherwise the error of File::Open or File::Read. Throws std::bad_alloc.
     Result Open(const UTF16String& inPath);

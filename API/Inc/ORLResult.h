@@ -44,8 +44,8 @@ constexpr bool ResultSucceeded(Result inResult) noexcept
 
 namespace Win {
 
-/// Returns the code for a Windows error number. Call it only after a failure: for 0, and for every number without a
-/// code, returns kGeneralFailure.
+/// Returns the code for a Windows error number. Call this function only after a failure: for 0, and for every number
+/// without a code, returns kGeneralFailure.
 ORL_API Result SystemErrorToORLResult(unsigned long inSystemError);
 
 } // namespace Win

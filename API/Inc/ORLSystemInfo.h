@@ -17,11 +17,11 @@ ORL_API unsigned int GetCPUCount();
 /// Returns the physical memory of the machine, in bytes.
 ORL_API unsigned __int64 GetTotalPhysicalMemory();
 
-/// Returns the physical memory available now, in bytes. On Linux this is MemAvailable of /proc/meminfo: free memory and
-/// caches that the kernel can drop.
+/// Returns the physical memory available now, in bytes. On Linux the value is MemAvailable of /proc/meminfo: free
+/// memory and caches that the kernel can drop.
 ORL_API unsigned __int64 GetAvailablePhysicalMemory();
 
-/// Returns the size of this process's address space, in bytes. On Linux a lower RLIMIT_AS limits it.
+/// Returns the size of this process's address space, in bytes. On Linux a lower RLIMIT_AS limits the size.
 ORL_API unsigned __int64 GetTotalVirtualMemory();
 
 /// Returns the load of all processors of the machine together since the previous call in this process, in whole

@@ -49,7 +49,7 @@ public:
     ~TVXErrorManager() override;
 
     /// Level 1 is a warning: it is traced under "ORLFoundation::TVXErrorManager" at level 1, and the call returns.
-    /// At every other level it throws TVXException.
+    /// At every other level throws TVXException.
     void ThrowError(tvxcore::config::ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID,
                     bool, const tvxcore::config::ReplacementValue& inFirst,
                     const tvxcore::config::ReplacementValue& inSecond, const tvxcore::config::ReplacementValue& inThird,

@@ -34,8 +34,8 @@ private:
 /// thread of the process keeps its name in the system's list, since that is the name of the process.
 ORL_API void RegisterMainThread();
 
-/// Deletes the main thread's record and disables thread records. Call it on the main thread, which stays the main
-/// thread. Called by the stop of the library, under its lock.
+/// Deletes the main thread's record and disables thread records. Call this function on the main thread, which stays the
+/// main thread. Called by the stop of the library, under its lock.
 ORL_API void UnregisterMainThread();
 
 /// Creates a record for the calling thread and passes its name to a debugger and the system's tools. Neither name may

@@ -96,7 +96,7 @@ public:
     unsigned int GetNumberOfThreads();
 
     /// Refuses further requests, runs the queued ones, and returns when the threads have ended. On a thread of the
-    /// queue it returns immediately.
+    /// queue, returns immediately.
     void Stop();
 
 private:

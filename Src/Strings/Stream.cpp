@@ -24,7 +24,7 @@ std::locale LocaleFor(const std::basic_ios<unsigned short>&)
     return tvxcore::utility::UTF16Locale();
 }
 
-// `copyfmt` copies the fill character. For that, the stream first widens its old fill character with its own locale,
+// `copyfmt` copies the fill character. To copy it, the stream first widens its old fill character with its own locale,
 // which throws if it has no facet for the unit.
 template <class Unit>
 void EnsureUnitFacets(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, asynchronous reads start with the selected engine.
+/// While an object exists, asynchronous reads start with the selected engine.
 class AsyncEngine
 {
 public:

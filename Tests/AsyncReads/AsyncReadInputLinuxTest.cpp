@@ -24,7 +24,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// During its lifetime, the calling thread accesses files as an ordinary user; other threads do not.
+/// While an object exists, the calling thread accesses files as an ordinary user; other threads do not.
 class AsOrdinaryUser
 {
 public:

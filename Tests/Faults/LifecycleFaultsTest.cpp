@@ -14,7 +14,7 @@ using namespace ORLTest;
 
 namespace {
 
-/// During its lifetime, contract errors throw a TVXException.
+/// While an object exists, contract errors throw a TVXException.
 class ThrowingHost
 {
 public:

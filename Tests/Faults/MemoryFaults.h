@@ -16,7 +16,7 @@ enum class FaultyAllocator { kSmallBlocks, kPages, kHeap };
 inline constexpr FaultyAllocator kFaultyAllocators[] = {FaultyAllocator::kSmallBlocks, FaultyAllocator::kPages,
                                                         FaultyAllocator::kHeap};
 
-/// During its lifetime, request number inNumber (from 1) to one allocator is refused; with inAllFurther, so are all
+/// While an object exists, request number inNumber (from 1) to one allocator is refused; with inAllFurther, so are all
 /// later requests.
 class MemoryFaults
 {
@@ -35,8 +35,8 @@ private:
 /// Returns the process's current balance of allocations from that allocator.
 std::int64_t OutstandingMemory(FaultyAllocator inAllocator);
 
-/// Returns whether the standard library's own requests reach the watched C++ heap. If not (on Windows, a shared library
-/// uses its own heap functions), the balance of the heap is meaningless.
+/// Returns whether the standard library's own requests reach the watched C++ heap. If they do not (on Windows, a shared
+/// library uses its own heap functions), the heap's balance is meaningless.
 bool HeapIsFullyIntercepted();
 
 /// Fails each request for memory that inWork makes, once alone and once with all later requests. After each round

@@ -5,8 +5,8 @@
 
 namespace ORLTest {
 
-/// During its lifetime, this process and its children use a user store in a new folder. On Windows, where the OS owns
-/// the registry, this class does nothing.
+/// While an object exists, this process and its children use a user store in a new folder. On Windows, where the OS
+/// owns the registry, this class does nothing.
 class OwnUserStore
 {
 public:

@@ -24,7 +24,7 @@ namespace {
 constexpr int kDepth = 3000;
 constexpr rlim_t kFewDescriptors = 64;
 
-/// During its lifetime, the process may open only a few descriptors.
+/// While an object exists, the process may open only a few descriptors.
 class FewDescriptors
 {
 public:

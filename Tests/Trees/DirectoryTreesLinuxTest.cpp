@@ -156,7 +156,7 @@ TEST_F(DirectoryTreesOnLinux, AFolderThatMayNotBeRead_IsMoved)
     });
 }
 
-// If this user may not open a file, only this process's handles can be checked.
+// If this user has no permission to open a file, only this process's handles can be checked.
 TEST_F(DirectoryTreesOnLinux, AFileThatMayNotBeRead_IsWiped)
 {
     mFolder.MakeFolder("from");

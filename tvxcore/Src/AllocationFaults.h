@@ -8,8 +8,8 @@
 //
 // A sweep runs the same work with mFirst = 1, 2, 3 ... until a run in which nothing was refused.
 //
-// While no plan is armed, this costs the allocator's fast path nothing: arming disables that path for all threads, and
-// only the slow path checks for faults.
+// While no plan is armed, fault injection costs the allocator's fast path nothing: arming disables that path for all
+// threads, and only the slow path checks for faults.
 #pragma once
 
 #include <cstdint>

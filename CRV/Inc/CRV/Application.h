@@ -22,8 +22,8 @@ CRV_API const char* GetApplicationVersion() noexcept;
 CRV_API ApplicationType GetApplicationType() noexcept;
 
 /// Set the values that the functions above return. The text is UTF-8 and is copied; null restores the default. Call
-/// them once, before ORL::Foundation::Initialize. Every distinct text is kept: the first 4096 bytes are inside the
-/// library, the rest is never freed. May throw std::bad_alloc; in that case nothing has changed. Thread-safe.
+/// each function once, before ORL::Foundation::Initialize. Every distinct text is kept: the first 4096 bytes are inside
+/// the library, the rest is never freed. May throw std::bad_alloc; in that case nothing has changed. Thread-safe.
 CRV_API void SetApplicationName(const char* inName);
 CRV_API void SetApplicationVersion(const char* inVersion);
 CRV_API void SetApplicationType(ApplicationType inType) noexcept;

@@ -10,7 +10,7 @@ namespace ORL {
 namespace Linux {
 
 /// Owns an open file or folder, or represents a failed open. Never allocates, so that an open file has an owner at
-/// once. Keep it by value, and move it.
+/// once. Keep a Descriptor by value, and move it.
 class Descriptor
 {
 public:
@@ -53,7 +53,7 @@ private:
 };
 
 /// Open a file by its path, or by its name in an open folder, with the flags and the mode of open(2) and openat(2).
-/// Repeat a call that a signal interrupted. Add O_CLOEXEC, so that no child process inherits the file. On failure they
+/// Repeat a call that a signal interrupted. Add O_CLOEXEC, so that no child process inherits the file. On failure
 /// return an empty Descriptor and set errno.
 Descriptor OpenByPath(const char* inPath, int inFlags, mode_t inMode = 0) noexcept;
 Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMode = 0) noexcept;

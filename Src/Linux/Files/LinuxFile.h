@@ -35,7 +35,7 @@ struct OpenFile
 
     int File() const noexcept { return mShares.File(); }
 
-    /// Call it once. The file is closed even if this returns an error.
+    /// Call this function once. The file is closed even if this returns an error.
     SystemError Close() noexcept;
 };
 

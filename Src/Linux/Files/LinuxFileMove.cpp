@@ -182,7 +182,7 @@ public:
 
     void Remove() const { System().mUnlink(mPath.mPath.c_str()); }
 
-    // Call it after the new contents have been synced.
+    // Call this function after the new contents have been synced.
     void RemoveIfDone() const
     {
         if (mIsDeletedWhenDone) {

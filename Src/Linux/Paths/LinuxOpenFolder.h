@@ -58,7 +58,7 @@ public:
     int File() const noexcept { return mFile.Get(); }
     FolderEntries& Entries() noexcept { return mEntries; }
 
-    /// Closes the folder. Call it after reading all entries.
+    /// Closes the folder. Call this function after reading all entries.
     void Close() noexcept { mFile.Close(); }
 
 private:

@@ -24,7 +24,7 @@ using namespace SystemErrors;
 
 enum class Links { kFollow, kNoFollow };
 
-// Returns the status of the entry. If it is a link and inLinks is kFollow, returns the status of its target.
+// Returns the status of the entry. If the entry is a link and inLinks is kFollow, returns the status of its target.
 bool GetStatus(const std::string& inPath, Links inLinks, struct statx& outStatus)
 {
     const int flags = inLinks == Links::kFollow ? 0 : AT_SYMLINK_NOFOLLOW;

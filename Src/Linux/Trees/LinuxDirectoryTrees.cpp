@@ -33,8 +33,8 @@ bool IsSame(const struct stat& inOne, const struct stat& inOther)
     return inOne.st_dev == inOther.st_dev && inOne.st_ino == inOther.st_ino;
 }
 
-// Returns true if inFolder is inTop or below it. Follows ".." up to the root, which is its own parent. If this fails,
-// returns true, so that nothing is copied into itself.
+// Returns true if inFolder is inTop or below it. Follows ".." up to the root, which is its own parent. If the walk
+// fails, returns true, so that nothing is copied into itself.
 bool IsInside(int inFolder, int inTop)
 {
     struct stat top;

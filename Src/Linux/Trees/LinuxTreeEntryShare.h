@@ -28,7 +28,7 @@ public:
     /// Returns -1 if nothing is open.
     int File() const noexcept { return mShares.File(); }
 
-    /// Call it only after EnterOpen.
+    /// Call this function only after EnterOpen.
     FileIdentity Identity() const noexcept;
     const struct statx& Status() const noexcept { return mStatus; }
 

@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, opening one of the named files opens the test's contents. All other calls go to the kernel.
+/// While an object exists, opening one of the named files opens the test's contents. All other calls go to the kernel.
 /// Calls() can add faults. Only one object may exist at a time.
 class FakeProc
 {

@@ -39,7 +39,7 @@ public:
     /// Reduces the requested size by inBytes, but to no less than 1 byte.
     void Shorten(Call inCall, unsigned inNumber, std::size_t inBytes);
 
-    /// Runs inAction before the call, on its thread. Use it to delay a call until an event, never for a fixed time.
+    /// Runs inAction before the call, on its thread. Use Before to delay a call until an event, never for a fixed time.
     void Before(Call inCall, unsigned inNumber, std::function<void()> inAction);
 
     /// Returns the number of calls of that kind so far.

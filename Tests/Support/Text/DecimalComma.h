@@ -7,8 +7,8 @@
 
 namespace ORLTest {
 
-/// During its lifetime, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no such
-/// locale.
+/// While an object exists, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no
+/// such locale.
 class DecimalComma
 {
 public:

@@ -99,7 +99,7 @@ void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
     }
 }
 
-// During its lifetime, a failing check of the library is recorded and not shown: typed text is at fault, not the
+// While an object exists, a failing check of the library is recorded and not shown: typed text is at fault, not the
 // library.
 class ScopedCheckRecorder
 {

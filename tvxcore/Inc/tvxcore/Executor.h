@@ -47,7 +47,7 @@ public:
     /// Returns whether the calling thread is one of the executor's threads.
     virtual bool CurrentThreadIsExecutorThread() = 0;
 
-    /// Blocks until all threads have ended, which requires RequestTermination. On a thread of the executor it returns
+    /// Blocks until all threads have ended, which requires RequestTermination. On a thread of the executor, returns
     /// immediately.
     virtual void WaitForTermination() = 0;
 
@@ -61,8 +61,8 @@ public:
 };
 
 /// An executor with a fixed number of threads. Owner, threads and failures are as for AsyncExecutor. Releasing the last
-/// reference requests termination and waits for it. On a thread of the executor itself it does not wait, and the
-/// threads end on their own. A module must not be unloaded before its executors have terminated.
+/// reference requests termination and waits for it. On a thread of the executor itself the release does not wait, and
+/// the threads end on their own. A module must not be unloaded before its executors have terminated.
 class TVXCORE_API AsyncThreadedExecutor : public AsyncExecutor
 {
 public:

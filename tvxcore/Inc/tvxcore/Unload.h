@@ -8,8 +8,8 @@ namespace utility {
 
 /// Returns whether the library that exports a symbol belongs to the program: linked into it, loaded together with it,
 /// or loaded later with global visibility. Such a library is not unloaded before the process exits. inExported is the
-/// address of an exported function; returns true if the library cannot be determined. Call it while the library is
-/// loaded, not while it is unloaded. Thread-safe.
+/// address of an exported function; returns true if the library cannot be determined. Call this function while the
+/// library is loaded, not while it is being unloaded. Thread-safe.
 TVXCORE_API bool BelongsToProgram(const void* inExported) noexcept;
 
 /// Returns whether the exit of the process has already stopped all other threads, at arbitrary points. Nothing may then

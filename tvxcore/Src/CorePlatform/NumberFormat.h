@@ -22,7 +22,7 @@ struct NumberStyle
 /// locale: a name such as "de-DE", or null for the user's. An unknown name is treated as the classic locale.
 UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale);
 
-/// Returns the punctuation of the user's locale. Determines it on each call.
+/// Returns the punctuation of the user's locale. Determines the locale on each call.
 NumberPunctuation FindUserPunctuation_Impl();
 
 } // namespace Platform

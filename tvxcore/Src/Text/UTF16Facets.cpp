@@ -223,8 +223,8 @@ std::locale Build(const std::locale& inBase)
 }
 
 // Nearly every stream uses the classic locale, and building it costs more than writing a short text, so it is cached.
-// At process exit it is kept, since threads may be copying it; on unload it is destroyed. A stream constructed after
-// its destruction, in the destructor of another static, builds its own.
+// At process exit the locale is kept, since threads may be copying it; on unload it is destroyed. A stream constructed
+// after its destruction, in the destructor of another static, builds its own.
 class ClassicLocale
 {
 public:
