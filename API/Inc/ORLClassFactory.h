@@ -34,9 +34,9 @@ struct ClassMapEntry
 /// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
 ///           created from any thread.
 /// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
-///           not undone: the class may be registered, and be in its first categories but not in the others. Registering
-///           the class again completes the registration, but adds duplicates to the categories that already list the
-///           class.
+///           not undone: the class may be registered, and be in its first categories but not in the later ones.
+///           Registering the class again completes the registration, but adds duplicates to the categories that already
+///           list the class.
 class ORL_API ClassFactory
 {
 public:

@@ -129,8 +129,8 @@ ORL_API void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, fl
 /// truncated toward zero, so a hue between -1/6 and 0 is in sector 0.
 ORL_API void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB);
 
-/// Same as the normalised forms, with bytes divided by 255. Hue is stored in degrees, the others in percent, rounded to
-/// nearest. Outputs that the normalised form leaves untouched stay untouched.
+/// Same as the normalised forms, with bytes divided by 255. Hue is stored in degrees, the other outputs in percent,
+/// rounded to nearest. Outputs that the normalised form leaves untouched stay untouched.
 ORL_API void ColorRGBtoHSV(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
                            unsigned int& outV, bool* outHasHue, bool* outHasSaturation);
 ORL_API void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned int& outH, unsigned int& outS,
@@ -141,7 +141,7 @@ ORL_API void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned in
 ORL_API void ColorHSVtoRGB(unsigned int inH, unsigned int inS, unsigned int inV, ParamColor<unsigned long>& outColor);
 ORL_API void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor);
 
-/// Converts through RGB in float. The hue is copied; if the RGB colour has no saturation, the saturation is copied too.
+/// Converts through RGB in float. Copies the hue, and also the saturation if the RGB colour has none.
 ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH, unsigned int& outS,
                            unsigned int& outV);
 ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH, unsigned int& outS,

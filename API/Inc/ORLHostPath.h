@@ -5,7 +5,7 @@
 // host path is the form that the system's own programs use: on Windows the same in UTF-8, on Linux bytes separated by
 // slashes.
 //
-// On Linux a drive table maps each drive to a host folder. At load it maps C: to "/", so every file has a library path.
+// On Linux a drive table maps each drive to a host folder. Initially C: is "/", so every file has a library path.
 // Names round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted
 // to private code units (U+F000 plus the byte) and back. The volume decides how names are matched; most match exactly.
 #pragma once

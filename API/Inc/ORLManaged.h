@@ -14,7 +14,7 @@ class Manager;
 /// Owner:    the managers that hold references. The last Release calls Destroy, which decides what happens to the
 ///           object.
 /// Threads:  the count is thread-safe.
-/// Failure:  nothing here throws.
+/// Failure:  never throws.
 class ORL_API Managed
 {
 protected:

@@ -27,13 +27,13 @@ public:
     /// Constructs an empty handle, which holds no bitmap, not even a null one. Throws std::bad_alloc.
     OSImageHandle();
 
-    /// Takes ownership of a bitmap, which may be null. If it throws std::bad_alloc, it has deleted the bitmap.
+    /// Takes ownership of a bitmap, which may be null. A constructor that throws std::bad_alloc has deleted it.
     explicit OSImageHandle(HBITMAP inBitmap);
 
-    /// Shares the other's bitmap. Throws std::bad_alloc.
+    /// Shares the bitmap of the other handle. Throws std::bad_alloc.
     OSImageHandle(const OSImageHandle& inOther);
 
-    /// Shares the other's bitmap and releases the share in the previous one. Never throws.
+    /// Shares the bitmap of the other handle and releases the share in the previous one. Never throws.
     OSImageHandle& operator=(OSImageHandle& inOther);
 
     /// Releases the share in the bitmap.

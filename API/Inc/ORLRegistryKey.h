@@ -61,12 +61,12 @@ public:
     /// Constructs a closed key with an empty path.
     RegistryKey();
 
-    /// Shares the other's handle and copies its path.
+    /// Shares the handle of the other key and copies its path.
     RegistryKey(const RegistryKey& inOther);
 
     ~RegistryKey();
 
-    /// Shares the other's handle and copies its path. Releases the share in the previous handle.
+    /// Shares the handle of the other key and copies its path. Releases the share in the previous handle.
     RegistryKey& operator=(const RegistryKey& inOther);
 
     /// Exchanges handles and paths. Never throws.

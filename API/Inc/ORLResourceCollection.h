@@ -54,7 +54,7 @@ public:
     /// numbers. Returns null with outSize 0 if there is no resource of the type.
     virtual void* LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const = 0;
 
-    /// Releases data that a lookup returned. Callers must call it, although Module does nothing here.
+    /// Releases data that a lookup returned. Callers must release all data, although Module does nothing.
     virtual void ReleaseResource(void* inData) const = 0;
 
     /// Loads the picture inID: if there is a resource of type "PNG" with this number, decodes it and flips it

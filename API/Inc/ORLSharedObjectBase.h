@@ -12,7 +12,7 @@ namespace ORL {
 ///
 /// Owner:    the library owns the locks.
 /// Threads:  thread-safe.
-/// Failure:  nothing here throws.
+/// Failure:  never throws.
 class ORL_API SharedObjectBase
 {
 public:

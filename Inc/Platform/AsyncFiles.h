@@ -83,7 +83,7 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile);
 /// other number: the read was not started, and no completion will arrive. Returns 87 if position, size or address is
 /// not a multiple of the alignment, 998 if the buffer is null and the size is not 0, and on some platforms 38 for a
 /// read that starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails
-/// with 998, here or in the completion's mStartError. A read across the end returns fewer bytes.
+/// with 998, now or in the completion's mStartError. A read across the end returns fewer bytes.
 ///
 /// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);

@@ -53,7 +53,7 @@ public:
         Depart(ioFlush);
     }
 
-    /// Replaces an item that could not be queued, so that the others do not wait for it.
+    /// Replaces an item that could not be queued, so that the other items do not wait for it.
     template <class Flush>
     static void CountMissingItem(Flush& ioFlush)
     {

@@ -4,8 +4,8 @@ namespace tvxmediatypes {
 
 namespace {
 
-// The constants are defined in the header, so that compilers see their values. Taking their addresses here also emits
-// them into this library, for hosts that link to the symbols.
+// The constants are defined in the header, so that compilers see their values. Taking their addresses also emits them
+// into this library, for hosts that link to the symbols.
 __attribute__((used)) const TickTime* const sTimes[] = {&kTime_Zero, &kTime_Max, &kTime_Min, &kTime_Invalid};
 
 __attribute__((used)) const FrameRate* const sRates[] = {

@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Converts signals to exception records. Everything here may run in a signal handler.
+// Converts signals to exception records. All this code may run in a signal handler.
 #include <ORLExceptionRecordLinux.h>
 #include <Platform/ExceptionRecords.h>
 

@@ -37,8 +37,8 @@ public:
         return file;
     }
 
-    /// Closes the file. Returns 0 or an errno: some file systems report a full disk only here. The file is closed in
-    /// any case, and EINTR is not reported. Preserves errno.
+    /// Closes the file. Returns 0 or an errno: some file systems report a full disk only on close. The file is closed
+    /// in any case, and EINTR is not reported. Preserves errno.
     int Close() noexcept
     {
         const int earlier = errno;

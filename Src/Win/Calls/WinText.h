@@ -1,4 +1,4 @@
-// Converts units to the system's wide characters and back: both are 16-bit UTF-16 units here.
+// Converts units to the system's wide characters and back: on Windows both are UTF-16 units.
 #pragma once
 
 namespace ORL {

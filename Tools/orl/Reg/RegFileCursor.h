@@ -33,7 +33,7 @@ public:
 
     void SkipBlanks();
 
-    /// If a comment begins here, moves to the end of the line and returns true.
+    /// If a comment begins at the cursor, moves to the end of the line and returns true.
     bool SkipComment();
 
     /// Returns the rest of the line without its end, and moves to that end.

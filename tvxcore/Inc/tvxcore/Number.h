@@ -29,7 +29,7 @@ private:
 inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 
 /// Returns the number as the user's locale writes it. Decimal point and grouping are those of UserNumberPunctuation
-/// (NumberPunctuation.h), so a number shown here can be read back. On Linux digits and sign are ASCII; on Windows the
+/// (NumberPunctuation.h), so the number can be read back. On Linux digits and sign are ASCII; on Windows the
 /// user's settings determine the position of the sign.
 ///
 /// inIntegerDigits   0 omits the zero before the point of a number below 1; any other value writes it.

@@ -79,8 +79,8 @@ struct CacheHead
 {
     constexpr CacheHead() noexcept = default;
 
-    std::atomic<std::size_t> mServesBelow{0}; // smaller sizes are allocated from here; 0 forces the slow path
-    std::size_t mTakesBelow = 0;              // smaller sizes are freed to here; 0 forces the slow path
+    std::atomic<std::size_t> mServesBelow{0}; // smaller sizes are allocated from this cache; 0 forces the slow path
+    std::size_t mTakesBelow = 0;              // smaller sizes are freed to this cache; 0 forces the slow path
     std::atomic<std::uint64_t> mTaken{0};
     std::atomic<std::uint64_t> mQuota{0};
     // Two pointers for each class: one past the top block of its stack, and the end of the stack's memory. A null is

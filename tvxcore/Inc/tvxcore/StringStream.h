@@ -12,7 +12,7 @@ namespace tvxcore {
 /// A stream that reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like
 /// any stream. The constructor throws std::bad_alloc.
 ///
-/// A 16-bit unit and a number are one type here: `stream >> unit` and `stream << unit` treat it as a number. Use
+/// A 16-bit unit and a number have the same type: `stream >> unit` and `stream << unit` treat it as a number. Use
 /// get() and put() for a unit.
 class TVXCORE_API iUTF16StringStream
     : public std::basic_istringstream<unsigned short, std::char_traits<unsigned short>,

@@ -77,7 +77,7 @@ public:
 private:
     void Append(const char* inBytes, std::size_t inCount) noexcept;
 
-    // Most lines fit here. For longer texts mText points to a larger block.
+    // Most lines fit in this buffer. For longer texts mText points to a larger block.
     char mInline[256];
     char* mText;
     std::size_t mCapacity; // bytes at mText, including the terminator

@@ -9,7 +9,7 @@ namespace tvxcore {
 namespace debug {
 
 // A debugger shows as a TracerPid other than 0 in the process's status. Uses plain reads: a failed check may occur
-// anywhere, so nothing here allocates.
+// anywhere, so this code does not allocate.
 bool IsDebuggerAttached()
 {
     const int file = ::open("/proc/self/status", O_RDONLY | O_CLOEXEC);

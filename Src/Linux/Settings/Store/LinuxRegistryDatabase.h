@@ -86,7 +86,7 @@ public:
     /// Called after a commit, even if it failed. Returns the generation that was posted, or 0 if none was posted.
     std::uint64_t FinishChange() noexcept;
 
-    /// Does nothing and returns false unless the last error reports damage. If it does, checks the database again,
+    /// Returns false and does nothing if the last error does not report damage. Otherwise checks the database again,
     /// renames it to a dated name if it is still damaged, and closes it. Returns true: the caller may then retry.
     bool SetAsideIfDamaged();
 

@@ -77,7 +77,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
 }
 
 /// Makes this process's own change in memory, unless changes by other processes must be processed first. The change is
-/// already committed, so a failure here only makes the next read reload the keys.
+/// already committed, so a failure of this step only makes the next read reload the keys.
 template <class Done>
 void Store::ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept
 {
