@@ -36,10 +36,10 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// The host's main loop, or its equivalent. The library does not call it.
+    /// The host's main loop, or its equivalent. The library does not call Run.
     virtual int Run() = 0;
 
-    /// A host with idle work overrides it; the default does nothing. The library does not call it.
+    /// A host with idle work overrides it; the default does nothing. The library does not call Idle.
     virtual void Idle();
 
     /// Returns the application, or null if there is none.

@@ -65,7 +65,7 @@ private:
 // RGB and YUV
 
 /// Computes in double: Y = 0.257 R + 0.504 G + 0.098 B + 16, V = 0.439 R - 0.368 G - 0.071 B, U = -0.148 R - 0.291 G +
-/// 0.439 B. U and V are truncated after adding 128, which is then subtracted again.
+/// 0.439 B. U and V are truncated after adding 128, which is then subtracted.
 ORL_API void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY, char& outU, char& outV);
 
 /// Computes in double, with y = (Y - 16) 1.164: R = 1.596 V + y, G = y - 0.392 U - 0.813 V, B = 2.017 U + y, truncated

@@ -60,8 +60,8 @@ ORL_API extern const UTF16String kResType_BrushTable;     // ORLBRUSHTABLE
 ORL_API extern const UTF16String kResType_PenTable;       // ORLPENTABLE
 ORL_API extern const UTF16String kResType_DirectoryTable; // ORLDIRECTORYTABLE
 
-/// Keys under which hosts exchange properties of clips and sequences. The library defines them but does not use them.
-/// The key of the sample rate is the key of the frame rate with a suffix.
+/// Keys under which hosts exchange properties of clips and sequences. The library defines the keys but does not use
+/// them. The key of the sample rate is the key of the frame rate with a suffix.
 ORL_API extern const UTF16String kPropertyKey_FrameRate;       // BE.FrameRate
 ORL_API extern const UTF16String kPropertyKey_SampleRate;      // BE.FrameRate [Audio Sample Rate]
 ORL_API extern const UTF16String kPropertyKey_ItemCount;       // item.count

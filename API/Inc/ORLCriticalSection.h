@@ -61,8 +61,8 @@ private:
     const CriticalSection* mSection;
 };
 
-/// Try-locks a section once. Unlocks the section at destruction if the try-lock succeeded. The section must outlive it.
-/// Belongs to one thread. Never throws.
+/// Try-locks a section once. Unlocks the section at destruction if the try-lock succeeded. The section must outlive the
+/// lock object. Belongs to one thread. Never throws.
 class CriticalSectionTryLock
 {
 public:

@@ -36,9 +36,9 @@ typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
 ORL_API void SetShapeSetter(SetShapeFunction inFunction, void* inContext);
 
 /// Selects the window whose pointer is set, and its connection: a Display* of Xlib and a Window. Passing null removes
-/// both. The host must remove them before it closes the window or the connection. The library loads libX11 at first use
-/// and keeps it loaded; if it is missing, setting the pointer has no effect. Not thread-safe. From then on, set the
-/// pointer only on threads that may use the connection.
+/// window and connection. The host must remove them before it closes the window or the connection. The library loads
+/// libX11 at first use and keeps it loaded; if it is missing, setting the pointer has no effect. Not thread-safe. From
+/// then on, set the pointer only on threads that may use the connection.
 ORL_API void SetX11Window(void* inDisplay, unsigned long inWindow);
 
 /// Returns the shape that was last requested, even if no pointer could be set; kNone before the first request.

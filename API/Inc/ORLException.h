@@ -60,7 +60,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// Thrown by hosts whose start-up fails with a Result. The library does not throw it.
+/// Thrown by hosts whose start-up fails with a Result. The library does not throw this exception.
 class ORL_API StartupException : public Exception
 {
 public:
@@ -89,7 +89,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// Thrown by hosts whose call of a suite function fails. The library does not throw it.
+/// Thrown by hosts whose call of a suite function fails. The library does not throw this exception.
 class ORL_API SuiteCallFailed : public Exception
 {
 public:

@@ -29,7 +29,7 @@ namespace ORL {
 class ORL_API ImmutableString
 {
 public:
-    /// The record of one text. The table owns it.
+    /// The record of one text. The table owns the record.
     class InternalRepresentation;
 
     /// Constructs the null handle, which has no text, not even the empty one.

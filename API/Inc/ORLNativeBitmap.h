@@ -1,6 +1,6 @@
 // Floor: System
 // The functions for native bitmaps on Linux, where HBITMAP is a handle of this library. Only the Linux library exports
-// them.
+// these functions.
 #pragma once
 
 #include <ORLConfig.h>

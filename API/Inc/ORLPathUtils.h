@@ -63,7 +63,7 @@ ORL_API bool HasTrailingSlash(const UTF16String& inPath);
 /// Returns the path with a backslash at its end. An empty path stays empty.
 ORL_API UTF16String AddTrailingSlash(const UTF16String& inPath);
 
-/// Returns the path without the backslash at its end. Removes only one.
+/// Returns the path without the backslash at its end. Removes only one backslash.
 ORL_API UTF16String RemoveTrailingSlash(const UTF16String& inPath);
 
 /// Returns whether the path's extension is inExtension, passed with or without its dot. Case-sensitive. Returns false

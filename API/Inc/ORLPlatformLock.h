@@ -136,7 +136,7 @@ private:
     bool SpinAndTake(std::uintptr_t inSelf);
 
     std::atomic<std::uintptr_t> mWord{0};
-    std::uint32_t mDepth = 0; // recursive locks by the owner; only the owner accesses it
+    std::uint32_t mDepth = 0; // recursive locks by the owner; accessed only by the owner
     std::atomic<std::uint32_t> mOwnerChecks{
         0}; // lock operations that still test first; a hint that any thread may write
 };

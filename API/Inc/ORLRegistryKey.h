@@ -28,7 +28,7 @@ struct RegistryRootKeys
 {
     enum Type : int {
         kUser = 0,   ///< the settings of the user who runs the process
-        kMachine = 1 ///< the settings of all users; ordinary users may only read them
+        kMachine = 1 ///< the settings of all users; read-only for ordinary users
     };
 };
 
@@ -54,7 +54,7 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 ///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
 /// Failure:  operations return kRegistryFailure unless stated otherwise, and on a closed key always. Constructors and
 ///           functions with a string or vector throw std::bad_alloc.
-/// On Linux: the store is one database for each root (see Docs/settings.md). A child of fork can use it.
+/// On Linux: the store is one database for each root (see Docs/settings.md). A child of fork can use the store.
 class ORL_API RegistryKey
 {
 public:

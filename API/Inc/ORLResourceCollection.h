@@ -18,7 +18,7 @@ inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
     return reinterpret_cast<const unsigned short*>(static_cast<std::uintptr_t>(inID));
 }
 
-/// The interface to a module's resources. Module implements it.
+/// The interface to a module's resources. Module implements this interface.
 ///
 /// Types and names are results of MakeResourceID, or zero-terminated strings, which compare without regard to case. A
 /// string of "#" and decimal digits denotes that number. Sizes are in bytes.
@@ -73,11 +73,11 @@ public:
     virtual OSImageHandle LoadBitmapWTL(short inID, bool inLocalized) = 0;
 
     /// Loads a cursor in the language that the platform selects. Returns the native handle, which the collection owns,
-    /// or null. On Linux GetCursorPicture in ORLResources.h reads it.
+    /// or null. On Linux GetCursorPicture in ORLResources.h reads the cursor.
     virtual void* LoadCursorW(short inID) const = 0;
 
-    /// Loads a menu in the current language. The caller must destroy it. If the menu does not exist, fires an assertion
-    /// and returns null. Returns null if the menu cannot be read.
+    /// Loads a menu in the current language. The caller must destroy the menu. If the menu does not exist, fires an
+    /// assertion and returns null. Returns null if the menu cannot be read.
     virtual HMENU LoadMenuW(short inID) const = 0;
 
 protected:

@@ -28,8 +28,8 @@ ORL_API unsigned __int64 GetTotalVirtualMemory();
 /// percents from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
 ///
 /// On Linux the load is computed from the first line of /proc/stat, usually in units of 10 ms: all time except idle and
-/// input/output wait, rounded down. A container's CPU limit does not affect it. If the system has no such counter, an
-/// assertion is reported and the load is 0.
+/// input/output wait, rounded down. A container's CPU limit does not affect the load. If the system has no such
+/// counter, an assertion is reported and the load is 0.
 ORL_API float GetSystemLoad();
 
 /// Returns whether this process can read the time stamp counter.

@@ -80,7 +80,7 @@ public:
     /// acquires may wait for the caller.
     bool SetIdleProcess(Request inRequest, int inInterval);
 
-    /// Stops the idle process, if there is one. Waits while it is running, except on the thread that runs it.
+    /// Stops the idle process, if any. Waits while the idle process is running, except on the thread that runs it.
     void ClearIdleProcess();
 
     /// Delays the start of further requests until Resume or Stop. One Resume ends any number of pauses.

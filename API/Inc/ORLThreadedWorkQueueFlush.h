@@ -48,7 +48,7 @@ public:
     /// Blocks until all requests queued before have finished. Must not be called on a thread of the queue.
     void Flush();
 
-    /// The rendezvous. Only the queue's threads call it.
+    /// The rendezvous. Only the queue's threads call this function.
     void Process() override;
 
 private:

@@ -21,7 +21,7 @@ namespace ORL {
 /// Drop-frame formats skip labels, never frames: 2 (at 29.97) or 4 (at 59.94) at the start of each minute, except every
 /// tenth. Only the format selects how labels are counted. The rate matters if the format implies none
 /// (kTimeDisplay_Frames, feet and frames, audio samples) and for single frames (mPreviousFrame).
-/// Owner:    a plain value; copies share nothing. There is no moved-from state: moving copies.
+/// Owner:    a plain value; copies share nothing. Moving copies, so there is no moved-from state.
 /// Threads:  not thread-safe: one thread at a time per object.
 /// Failure:  no error codes. A rate that does not match the format fires an input contract (error 25), and an
 ///           unreadable text becomes kTime_Invalid. Throws std::bad_alloc.
@@ -35,7 +35,7 @@ public:
     /// How a time is written.
     struct Style
     {
-        /// 1 writes the hours field. Any other value omits it.
+        /// 1 writes the hours field. Any other value omits this field.
         int mHoursMode = 1;
 
         /// Writes fields without leading zeros.

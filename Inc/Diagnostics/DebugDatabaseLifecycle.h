@@ -3,7 +3,7 @@
 
 namespace ORL {
 
-/// Destroys the database if there is one. The registry keeps the settings.
+/// Destroys the database if it exists. The registry keeps the settings.
 void ReleaseDebugDatabase();
 
 } // namespace ORL

@@ -30,7 +30,7 @@ unsigned long SetEvent_Impl(void* inEvent);
 WaitOutcome WaitForEvent_Impl(void* inEvent, std::uint32_t inMilliseconds);
 
 /// For tests: while installed, each CreateEvent_Impl first calls this function, and fails with its result unless that
-/// is 0. Null removes it.
+/// is 0. Null removes the function.
 using CreateFault = unsigned long (*)();
 void InstallCreateFault(CreateFault inFault);
 

@@ -106,7 +106,7 @@ struct Edit
 };
 
 /// Makes all changes below a root, or none. Deleting a missing item succeeds. Returns 50 and changes nothing if the
-/// system cannot do that.
+/// system cannot change atomically.
 SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits);
 
 struct SetAside

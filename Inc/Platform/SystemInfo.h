@@ -9,10 +9,10 @@ namespace ORL {
 namespace SystemInfo {
 namespace Platform {
 
-/// Returns the bytes of physical memory available now without swapping. 0 if the system does not report it.
+/// Returns the bytes of physical memory available now without swapping. 0 if the system does not report the number.
 unsigned __int64 GetAvailablePhysicalMemory_Impl();
 
-/// Returns the bytes of this process's address space. 0 if the system does not report it.
+/// Returns the bytes of this process's address space. 0 if the system does not report the size.
 unsigned __int64 GetTotalVirtualMemory_Impl();
 
 /// Returns whether this process may execute the instruction that reads the time stamp counter.

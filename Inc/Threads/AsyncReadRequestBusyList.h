@@ -11,7 +11,7 @@
 
 namespace ORL {
 
-/// The requests in flight on one reader. The list does not own them.
+/// The requests in flight on one reader. The list does not own its requests.
 ///
 /// Threads:  thread-safe. The callback of a read must not wait for its own list, which still contains its request.
 /// Locks:    mLock, then the lock of the gate pool or the mutex of a gate. mLock is not held while a thread waits.

@@ -184,7 +184,7 @@ TEST(CriticalSection, ThreadsThatTryAndThreadsThatWait_ShareOneSection)
 }
 
 // The last user of a guarded object destroys it with its section while the previous owner may still be returning from
-// Unlock. The address sanitizer reports any access after that.
+// Unlock. The address sanitizer reports any access after the destruction.
 TEST(CriticalSection, DestroyedByTheNextHolderRightAfterAnUnlock_IsNotTouchedAgain)
 {
     struct Shared

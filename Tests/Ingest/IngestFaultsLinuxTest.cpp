@@ -166,7 +166,7 @@ protected:
             ExpectOnlyCompleteFiles();
             if (isDone) {
                 FileTree disk = ReadTree(Disk());
-                fs::remove(Disk() / kUnfinished); // harmless; the next run deletes it
+                fs::remove(Disk() / kUnfinished); // a harmless leftover; the next run deletes it
                 const bool isLeft = disk.count(kUnfinished) != 0 || disk.count(kRecord) != 0;
                 EXPECT_EQ(isLeft, disk.count(kRecord) != 0) << "what is left is in the record";
                 fs::remove(Disk() / kRecord);

@@ -27,7 +27,7 @@ public:
     RegistryStage(const RegistryStage&) = delete;
     RegistryStage& operator=(const RegistryStage&) = delete;
 
-    /// Returns "status", and closes the key again.
+    /// Returns "status", and closes the key.
     std::string Open(const std::u16string& inPath, unsigned inAccess = kAll) const;
     static std::string OpenIn(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess = kAll);
 

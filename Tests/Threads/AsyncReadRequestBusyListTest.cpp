@@ -329,7 +329,7 @@ TEST(AsyncReadRequestBusyList, RemoversAndWaitersAtOnce_AllFinishedReadsAreSeen)
         threads.emplace_back([&, i] { // finishes two of the reads
             forEachRound([&](int inRound) {
                 for (int request = 2 * i; request < 2 * i + 2; ++request) {
-                    requests[request].mFinished = inRound; // deliberately not atomic: the wait orders it
+                    requests[request].mFinished = inRound; // deliberately not atomic: the wait orders its accesses
                     list.Remove(&requests[request]);
                 }
             });

@@ -49,7 +49,7 @@ TEST(ThreadName, UnderADebugger_ComesAsTheExceptionItKnows)
             EXPECT_EQ(inException.mThread, LowHalf(record.ExceptionInformation[2])) << "the thread names itself";
             EXPECT_EQ(0u, HighHalf(record.ExceptionInformation[2]));
             names.push_back(TextAt(inException.mProcess, record.ExceptionInformation[1]));
-            return false; // the program must survive a debugger that does not handle it
+            return false; // the program must survive if the debugger does not handle the exception
         });
     EXPECT_EQ(17u, exitCode);
     EXPECT_EQ((std::vector<std::string>{"CorvantoMain", "Decoder"}), names);

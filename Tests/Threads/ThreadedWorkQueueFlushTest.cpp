@@ -180,7 +180,7 @@ TEST(ThreadedWorkQueueFlush, IdleProcessBesideIt_IsFlushedLikeARequest)
 
 TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
 {
-    // Counts references; each queued item holds one.
+    // Counts references; each queued item holds a reference.
     struct Counted : ThreadedWorkQueueFlush
     {
         void AddRef() override

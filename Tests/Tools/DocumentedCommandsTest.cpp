@@ -108,7 +108,7 @@ TEST(DocumentedCommands, OfTheTimecodePage_AnswerAsShown)
     ExpectAnswersOf("Docs/timecode.md", 40);
 }
 
-// The commands change settings: on Linux in a private store, on Windows in a key that they delete again.
+// The commands change settings: on Linux in a private store, on Windows in a key that they delete at the end.
 TEST(DocumentedCommands, OfTheSettingsPage_AnswerAsShown)
 {
     const OwnUserStore store;

@@ -89,7 +89,7 @@ using namespace ORL::Linux;
 using namespace SystemErrors;
 
 // A counted reference, because the files of these reads may be closed before the reads are submitted. Only the thread
-// that starts reads uses it.
+// that starts reads uses this reference.
 Immortal<std::shared_ptr<CompletionPort>> sBatchPort;
 
 AsyncFile& FileOf(Handle inFile)

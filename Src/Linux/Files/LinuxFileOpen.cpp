@@ -126,7 +126,7 @@ unsigned UsesOf(const OpenRequest& inRequest, bool inIsNew) noexcept
            | (deletes ? kShareDelete : 0u);
 }
 
-// Bypasses the cache if the file system supports that. Even if it does not, unaligned reads and writes fail.
+// Bypasses the cache if the file system supports direct I/O. Even if it does not, unaligned reads and writes fail.
 void BypassCache(OpenFile& ioFile, int inStatusFlags)
 {
     ioFile.mIsUnbuffered = true;

@@ -1,7 +1,7 @@
 // Floor: System
 // The open handles of a store. A closed handle is detected even after its slot is reused.
 //
-// Not thread-safe; the store locks it.
+// Not thread-safe; the store locks the table.
 #pragma once
 
 #include "Store/LinuxRegistryTree.h"

@@ -4,7 +4,7 @@
 // A key can have thousands of values, and reads arrive in any order, so cache misses dominate the time of a read. The
 // index is therefore flat, and each value is one block of memory that contains its folded name and its data.
 //
-// Not thread-safe; the store locks it.
+// Not thread-safe; the store locks the table.
 #pragma once
 
 #include "LinuxRegistryNames.h"

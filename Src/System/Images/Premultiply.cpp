@@ -90,7 +90,7 @@ PremultiplyFunction Choose;
 
 std::atomic<PremultiplyFunction*> sPremultiply{&Choose};
 
-// The first call selects a kernel. Threads that select at the same time select the same one.
+// The first call selects a kernel. Threads that select at the same time select the same kernel.
 void Choose(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept
 {
     const PremultiplyKernel* kernel = kPremultiplyKernels;

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// Sets one variable, or removes it if inValue is null. The destructor restores it.
+/// Sets one variable, or removes it if inValue is null. The destructor restores the old value.
 class ScopedEnvironmentVariable
 {
 public:

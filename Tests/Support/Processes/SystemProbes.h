@@ -14,10 +14,10 @@ bool SystemAcceptsLongPlainPaths();
 /// the superuser write.
 bool SystemEnforcesReadOnly();
 
-/// Returns whether the OS calls the progress routine of a copy. Wine 8 does not.
+/// Returns whether the OS calls the progress routine of a copy. Wine 8 does not call the routine.
 bool SystemReportsCopyProgress();
 
-/// Returns whether the OS refuses unaligned unbuffered reads. Wine 8 does not.
+/// Returns whether the OS refuses unaligned unbuffered reads. Wine 8 accepts such reads.
 bool SystemEnforcesAlignment();
 
 /// Returns the number of open descriptors or handles of the process, or 0 if the OS does not report it.

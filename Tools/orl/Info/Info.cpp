@@ -41,7 +41,7 @@ struct Facts
     std::string mPath;
     std::string mHostPath;
     const char* mKind;
-    std::string mFileSystem; // empty if the OS does not report it
+    std::string mFileSystem; // empty if the OS does not report the name
     unsigned int mSectorSize;
     unsigned long long mFreeBytes;
     std::vector<ORL::PathUtils::MountPoint> mDrives;

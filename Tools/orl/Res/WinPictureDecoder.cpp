@@ -1,4 +1,4 @@
-// Starts GDI+; the library expects its host to do that.
+// Starts GDI+, which the library expects of its host.
 #include "PictureFile.h"
 
 #include <algorithm>

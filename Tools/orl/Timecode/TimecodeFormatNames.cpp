@@ -23,7 +23,7 @@ const FractionalRate kFractionalRates[] = {
     {kFrameRate_VideoNTSC_HD, "59.94", "60000/1001"},
 };
 
-// Returns the letters and digits only, in lower case.
+// Returns only the letters and digits, in lower case.
 std::string WithoutPunctuation(const std::string& inName)
 {
     std::string bare;

@@ -19,7 +19,7 @@ TVXCORE_API unsigned long GetCurrentThreadID();
 
 /// Runs functions on its own threads.
 ///
-/// Owner:    shared pointers; the last one destroys it.
+/// Owner:    shared pointers; the last one destroys the executor.
 /// Threads:  thread-safe; every operation may also be called on the executor's own threads.
 /// Failure:  only QueueFunction throws.
 class TVXCORE_API AsyncExecutor

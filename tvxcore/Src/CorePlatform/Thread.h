@@ -10,7 +10,7 @@ namespace Platform {
 /// A started thread. Must be passed to exactly one of JoinThread_Impl and DetachThread_Impl.
 using ThreadHandle = std::uintptr_t;
 
-/// Starts a thread that runs inFunction(inArgument). Returns false if the system cannot start it.
+/// Starts a thread that runs inFunction(inArgument). Returns false if the system cannot start the thread.
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept;
 
 /// The type of StartThread_Impl: code that starts threads calls it through this pointer, so that a test can make it
@@ -33,8 +33,8 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept;
 /// Returns the number of processors of the machine, at least 1.
 unsigned int ProcessorCount_Impl() noexcept;
 
-/// Returns the number of processors that the calling thread may run on, at least 1. Threads that it starts inherit
-/// them.
+/// Returns the number of processors that the calling thread may run on, at least 1. Threads that this thread starts
+/// inherit them.
 unsigned int UsableProcessorCount_Impl() noexcept;
 
 /// Yields this processor to other threads.

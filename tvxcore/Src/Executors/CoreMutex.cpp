@@ -35,7 +35,7 @@ void CoreMutex::LockSlowly() noexcept TVXCORE_UNCHECKED_LOCKING
             }
         }
     }
-    // A thread that has slept locks as kHeldAndWanted, since others may still sleep: at worst this causes one needless
+    // After a sleep, a thread locks as kHeldAndWanted, since others may still sleep: at worst this causes one needless
     // wake.
     while (mState.exchange(kHeldAndWanted, std::memory_order_acquire) != kFree) {
         if (Platform::ProcessIsEnding_Impl()) {

@@ -66,7 +66,7 @@ Amount QuotaOf(const ThreadCache& inCache) noexcept
 template <class Number>
 void AddTo(std::atomic<Number>& ioNumber, Number inAmount) noexcept
 {
-    // Only the cache's thread writes it.
+    // Only the cache's thread writes this word.
     ioNumber.store(ioNumber.load(kRelaxed) + inAmount, kRelaxed);
 }
 

@@ -1,4 +1,4 @@
-// The counters of the small blocks. Each thread keeps its own; a snapshot sums them.
+// The counters of the small blocks. Each thread keeps its own counters; a snapshot sums them.
 //
 // For blocks and for bytes:
 //

@@ -116,7 +116,7 @@ SystemError Tree::LoadSubKeys(StoredKey& ioKey, Database* ioDatabase)
     if (error != kNoError) {
         return error;
     }
-    // Allocate everything first; the tree changes only after that.
+    // Allocate everything first; the tree changes only after the last allocation.
     std::vector<std::shared_ptr<StoredKey>> subKeys;
     try {
         Adopt(ioKey, rows, subKeys);

@@ -1,7 +1,7 @@
 // Floor: System
 // The keys and values of a store in memory. Each key is loaded when it is first needed.
 //
-// Not thread-safe; the store locks it.
+// Not thread-safe; the store locks the tree.
 #pragma once
 
 #include "../LinuxRegistryNames.h"
