@@ -21,7 +21,7 @@ namespace {
 class OSImageHandleOwner : public testing::Test
 {
 protected:
-    OSImageHandleOwner() { Wrapped() = WrappedImages(); }
+    OSImageHandleOwner() { ResetWrapped(); }
 };
 
 } // namespace

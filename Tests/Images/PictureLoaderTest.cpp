@@ -30,13 +30,26 @@ WrappedImages& Wrapped()
     return sWrapped;
 }
 
+void ResetWrapped()
+{
+    WrappedImages& wrapped = Wrapped();
+    for (std::atomic<int>* const count :
+         {&wrapped.mFailCopies, &wrapped.mFailStreams, &wrapped.mFailObjects, &wrapped.mFailLocks, &wrapped.mSkipLocks,
+          &wrapped.mLocks, &wrapped.mDeletions}) {
+        *count = 0;
+    }
+}
+
 } // namespace ORLTest
 
 namespace {
 
-bool IsToFail(int& ioCount)
+bool IsToFail(std::atomic<int>& ioCount)
 {
-    return ioCount > 0 && ioCount-- > 0;
+    int count = ioCount;
+    while (count > 0 && !ioCount.compare_exchange_weak(count, count - 1)) {
+    }
+    return count > 0;
 }
 
 } // namespace
@@ -104,7 +117,7 @@ using Pixels = std::vector<std::uint32_t>;
 class PictureLoader : public testing::Test
 {
 protected:
-    PictureLoader() { Wrapped() = WrappedImages(); }
+    PictureLoader() { ResetWrapped(); }
 
     Module& ThePlugIn() { return *mModule; }
 
@@ -211,7 +224,7 @@ TEST_F(PictureLoader, EveryFormOfBitmap_HasItsPixelsInOrder)
 TEST_F(PictureLoader, ALockThatFailsOnce_IsTriedAgain)
 {
     for (const int skipped : {0, 1}) { // the lock of the source fails, then that of the destination
-        Wrapped() = WrappedImages();
+        ResetWrapped();
         Wrapped().mSkipLocks = skipped;
         Wrapped().mFailLocks = 1;
         EXPECT_EQ(kRowsExchanged, PixelsIn(ThePlugIn().LoadBitmapW(100, false))) << skipped;
@@ -222,7 +235,7 @@ TEST_F(PictureLoader, ALockThatFailsOnce_IsTriedAgain)
 TEST_F(PictureLoader, ALockThatFailsTwice_GivesNull)
 {
     for (const int skipped : {0, 1}) {
-        Wrapped() = WrappedImages();
+        ResetWrapped();
         Wrapped().mSkipLocks = skipped;
         Wrapped().mFailLocks = 2;
         EXPECT_FALSE(ThePlugIn().LoadBitmapW(100, false).IsValid()) << skipped;
@@ -233,7 +246,7 @@ TEST_F(PictureLoader, ALockThatFailsTwice_GivesNull)
 TEST_F(PictureLoader, LoadBitmapWTL_DoesNotNoticeAFailedLock)
 {
     for (const int skipped : {0, 1}) {
-        Wrapped() = WrappedImages();
+        ResetWrapped();
         Wrapped().mSkipLocks = skipped;
         Wrapped().mFailLocks = 1;
         EXPECT_EQ(Pixels(6, 0), PixelsIn(ThePlugIn().LoadBitmapWTL(100, false))) << skipped;
