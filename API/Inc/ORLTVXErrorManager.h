@@ -33,7 +33,7 @@ private:
     const char* mZString;
     std::uint32_t mPackage;
     std::int32_t mErrorID;
-    [[maybe_unused]] const tvxcore::config::ReplacementValue* mValues[4]; // part of the record
+    [[maybe_unused]] const tvxcore::config::ReplacementValue* mValues[4]; // unused, but part of the record's layout
     mutable char mMessage[256];
 };
 

@@ -25,7 +25,7 @@ public:
 private:
     ConstString mThreadName;
     ConstString mCurrentModule;
-    [[maybe_unused]] bool mIsMainThread; // part of the record
+    [[maybe_unused]] bool mIsMainThread; // unused, but part of the record's layout
 };
 
 /// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called by the

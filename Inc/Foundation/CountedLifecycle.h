@@ -35,7 +35,7 @@ struct CountedLifecycle
     std::size_t mStartCount;
     const LifecycleStep* mStop;
     std::size_t mStopCount;
-    std::int32_t mCount TVXCORE_GUARDED_BY(mLock) = 0; // starts minus stops
+    std::int32_t mCount TVXCORE_GUARDED_BY(mLock) = 0; // number of starts minus number of stops
     CriticalSection mLock;
 };
 

@@ -39,7 +39,7 @@ inline constexpr unsigned kBlue = 2;
 /// Returns the hue as a fraction of the circle. inSpread is the largest channel minus the smallest.
 inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
 {
-    static constexpr float kSectors[] = {-0.0f, 2, 4}; // adding -0 changes no number
+    static constexpr float kSectors[] = {-0.0f, 2, 4}; // adding -0 leaves every number unchanged
     static constexpr double kTurns[] = {-0.0, 6};
     const double sixths = (inColor[inLargest + 1] - inColor[inLargest + 2]) / inSpread + kSectors[inLargest];
     return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);

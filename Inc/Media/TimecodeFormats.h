@@ -22,7 +22,7 @@ struct TimecodeFormat
     tvxmediatypes::FrameRate mRate; // rate of conversions; zero if the caller's rate applies
     int mLabelsPerSecond = 0;       // 0 if the caller's rate determines it
     int mDroppedLabels = 0;         // number at the start of each minute except every tenth
-    int mFramesPerFoot = 0;         // frames of film
+    int mFramesPerFoot = 0;         // frames in one foot of film
 
     constexpr bool HasOwnRate() const noexcept { return mLabelsPerSecond != 0; }
     constexpr bool HasWholeRate() const noexcept { return mRate.GetTruncatedValue() == mLabelsPerSecond; }

@@ -18,7 +18,7 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
 /// allocation of that size always fails.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
-    const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // powers of two
+    const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // both are powers of two
     if (inSize > (std::numeric_limits<std::size_t>::max)() - (step - 1)) {
         return inSize;
     }

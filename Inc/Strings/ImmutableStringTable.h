@@ -86,7 +86,7 @@ private:
     {
         const unsigned char* mText;
         std::size_t mSize;
-        std::atomic<std::uint64_t> mHash; // may be read before mRecord
+        std::atomic<std::uint64_t> mHash; // readers may read it before mRecord
         std::atomic<Record*> mRecord;     // null in a free slot; stored last: publishes the other fields
     };
 

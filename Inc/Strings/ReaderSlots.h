@@ -22,7 +22,7 @@ struct SystemReaderSlots
     using Atomic = std::atomic<T>;
 
     static constexpr std::size_t kSlots = 64;
-    static constexpr std::size_t kTries = 4; // slots that a reader tries
+    static constexpr std::size_t kTries = 4; // number of slots that a reader tries
 
     /// Returns the first slot that the calling thread tries. Thread stacks are far apart, so the address of a local
     /// variable distinguishes threads without a call.

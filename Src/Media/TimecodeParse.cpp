@@ -60,7 +60,7 @@ const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned sh
         afterSeparator = true;
     }
     if (field == kMaxFields) {
-        return inEnd - 1; // a fifth field, even if it is empty
+        return inEnd - 1; // the text has a fifth field, possibly empty
     }
     outText.mValues[field] = value;
     outText.mFieldCount = field + 1;

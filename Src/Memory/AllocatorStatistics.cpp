@@ -109,7 +109,7 @@ void TraceRegions(RegionSource& ioSource)
         TraceRegion(address, region);
         address += region.mSize;
         if (address == 0) {
-            break; // past the top of the address space
+            break; // the walk is past the top of the address space
         }
     }
 }

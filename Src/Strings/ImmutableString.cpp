@@ -144,7 +144,7 @@ ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsSta
 {
     ImmutableString handle;
     const Lifetime lifetime = inIsStatic ? Lifetime::kStatic : Lifetime::kDynamic;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, lifetime); // counts the handle
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, lifetime); // Enter counts the handle
     return handle;
 }
 

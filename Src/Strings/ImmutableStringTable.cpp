@@ -14,7 +14,7 @@ namespace ORL {
 
 namespace {
 
-constexpr std::size_t kInitialSlots = 128; // fills one page
+constexpr std::size_t kInitialSlots = 128; // the slots fill one page
 
 // The process's table is created on first use and never destroyed. The pointer is atomic, so that every reader sees a
 // complete table: sanitizers cannot detect the ordering that Boost's call_once guarantees.

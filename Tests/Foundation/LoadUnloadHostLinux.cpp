@@ -67,7 +67,7 @@ Footprint Measure()
     for (std::size_t& each : pages) {
         statistics >> each;
     }
-    footprint.mMemory = pages[5] * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)); // data and stack
+    footprint.mMemory = pages[5] * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)); // pages of data and stack
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
         ++footprint.mMappings;

@@ -63,7 +63,7 @@ TEST(TimeStamp, Parts_AreTruncatedAndKeepTheSign)
         {__LINE__, -999, 0, -999},
         {__LINE__, -0.5, 0, 0},
         {__LINE__, 2147483647.0, 2147483, 647},
-        {__LINE__, 2147483648.0, INT_MIN / 1000, INT_MIN % 1000}, // beyond the range of an int
+        {__LINE__, 2147483648.0, INT_MIN / 1000, INT_MIN % 1000}, // milliseconds beyond the range of an int
         {__LINE__, 1e300, INT_MIN / 1000, INT_MIN % 1000},
     };
     for (const auto& row : rows) {

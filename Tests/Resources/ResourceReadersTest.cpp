@@ -316,7 +316,7 @@ TEST(ResourceReaders, SublanguagesOfTheHomePlatform)
         {__LINE__, {7, 0x0407}, 0x0407, 1033, 0x0407},
         {__LINE__, {9, 0x040C}, 0x0809, 1033, 9},
         {__LINE__, {9, 0x040C}, 0, 1033, 9},           // the neutral form of the user's language
-        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the first language
+        {__LINE__, {0x0407, 0x040C}, 0, 1033, 0x0407}, // the lookup finds the first language
         {__LINE__, {0x0407, 0x040C}, 0, 0x040C, 0x040C},
         {__LINE__, {0x0409, 0x0407}, 0, 0x040C, 0x0409},
         {__LINE__, {0x0400}, 0, 1033, 0x0400},

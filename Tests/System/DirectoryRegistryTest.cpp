@@ -193,7 +193,7 @@ TEST(DirectoryRegistry, Cycles_AreReportedAndStayAsWritten)
         {__LINE__, {{"A", "[$(A)$(A)]"}}, "[$(A)$(A)]", 2},
         {__LINE__, {{"A", "a$(B)"}, {"B", "b$x(A)"}}, "ab$x(A)", 1},
         {__LINE__, {{"A", "$(B)$(B)"}, {"B", "$(C)$(C)"}, {"C", "$(A)"}}, "$(A)$(A)$(A)$(A)", 4},
-        {__LINE__, {{"A", "$(B)$(C)"}, {"B", "$(C)"}, {"C", "c"}}, "cc", 0}, // repeated, but not recursive
+        {__LINE__, {{"A", "$(B)$(C)"}, {"B", "$(C)"}, {"C", "c"}}, "cc", 0}, // C is repeated, but not recursive
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row at line " + std::to_string(row.mLine));

@@ -25,7 +25,7 @@ namespace {
 
 unsigned long RefuseEvents()
 {
-    return 8; // out of memory
+    return 8; // the Windows error for out of memory
 }
 
 struct NoMoreEvents

@@ -22,7 +22,7 @@ using tvxmediatypes::TimeDisplay;
 namespace {
 
 using Ticks = std::int64_t;
-using Count = std::uint64_t; // wraps by definition
+using Count = std::uint64_t; // unsigned, so that it wraps by definition
 
 constexpr Ticks kSecond = 705600000;
 constexpr Ticks kDay = 86400 * kSecond;
@@ -202,7 +202,7 @@ Label SplitDigits(Count inValue, const FrameRate& inRate)
 
 Label FromFields(const std::vector<std::u16string>& inFields)
 {
-    Count values[4] = {0, 0, 0, 0}; // frames, seconds, minutes, hours
+    Count values[4] = {0, 0, 0, 0}; // in the order frames, seconds, minutes, hours
     for (std::size_t i = 0; i < inFields.size(); ++i) {
         values[i] = Number(inFields[inFields.size() - 1 - i]);
     }

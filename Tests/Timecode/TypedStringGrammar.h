@@ -117,7 +117,7 @@ private:
         case 0: break;                              // empty
         case 1: AppendDigits(1); break;             // one digit
         case 2: AppendDigits(3 + Below(9)); break;  // shorthand
-        case 3: AppendDigits(9 + Below(24)); break; // beyond 32 and 64 bits
+        case 3: AppendDigits(9 + Below(24)); break; // numbers beyond 32 and 64 bits
         case 4: AppendNumber(4294967290ull + Below(12)); break;
         case 5: AppendNumber(AnyOf(kEdges)); break;
         default: AppendDigits(2); break;

@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Tree = std::map<std::string, std::string>; // contents by name; a folder has "/"
+using Tree = std::map<std::string, std::string>; // maps names to contents; a folder maps to "/"
 
 std::string ReadAll(const fs::path& inFile)
 {

@@ -84,7 +84,7 @@ TEST(FrameRate, FromDouble_RoundsToTheNearestTick)
         {__LINE__, 7.6e-11, kLongest},
         {__LINE__, 1e-300, kLongest},
         {__LINE__, 5e-324, kLongest},
-        // no valid rate
+        // values that are not a valid rate
         {__LINE__, 0.0, 0},
         {__LINE__, -0.0, 0},
         {__LINE__, std::numeric_limits<double>::quiet_NaN(), 0},

@@ -95,7 +95,7 @@ public:
     bool IsWorthwhile(int inErrno);
 
 private:
-    int mLeft = 2000; // tries, one millisecond apart
+    int mLeft = 2000; // remaining tries, one millisecond apart
 };
 
 /// Reads on the calling thread. Returns the bytes read, or an errno negated.

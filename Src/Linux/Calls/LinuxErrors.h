@@ -11,9 +11,9 @@ namespace Linux {
 /// The operation on a path: one errno maps to different numbers for different operations.
 enum class PathOperation {
     kOpen,         // open, create, delete, query
-    kMakeFolder,   // an existing name is 183, not 80
-    kMove,         // an existing name is 183, not 80
-    kRemoveFolder, // a file instead of the folder is 267
+    kMakeFolder,   // an existing name becomes 183, not 80
+    kMove,         // an existing name becomes 183, not 80
+    kRemoveFolder, // a file in place of the folder becomes 267
 };
 
 /// Converts an error that concerns an open file or no path at all. An unknown errno becomes 31, general failure; 0

@@ -149,7 +149,7 @@ ORL_AVX512 std::size_t PairsToUnitsAVX512(const DoubleBytePage& inPage, const un
 {
     Decoder decoder(inPage);
     unsigned short* next = outUnits;
-    for (; inBytes > kBlock; inBytes -= kBlock, inText += kBlock) { // a byte follows each block
+    for (; inBytes > kBlock; inBytes -= kBlock, inText += kBlock) { // at least one byte follows each block
         next = decoder.Convert(_mm512_loadu_si512(inText), _mm512_loadu_si512(inText + 1), kAll, next);
     }
     const __m512i following = inBytes > 1 ? LoadEnd(inText + 1, inBytes - 1) : _mm512_setzero_si512();

@@ -261,7 +261,7 @@ SystemError OpenLongPrefix(std::string& ioRest, Descriptor& outFolder)
     while (ioRest.size() > kLongestPath - kFolderPrefixSize) {
         const std::size_t end = ioRest.rfind('/', kLongestPath);
         if (end == std::string::npos || end == 0) {
-            return kErrorInvalidName; // a single name is longer
+            return kErrorInvalidName; // a single name exceeds the limit
         }
         const std::string way(ioRest, 0, end);
         Descriptor next = OpenByName(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(), O_PATH | O_DIRECTORY);

@@ -107,7 +107,7 @@ SystemError WithStore(KeyHandle inKey, Work inWork) noexcept
     }
     try {
         return inWork(Linux::StoreOf(parts), parts);
-    } catch (...) { // std::bad_alloc
+    } catch (...) { // only std::bad_alloc is possible
         return kErrorNotEnoughMemory;
     }
 }

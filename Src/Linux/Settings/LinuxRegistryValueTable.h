@@ -108,7 +108,7 @@ private:
     std::size_t FindSlot(std::uint64_t inHash, UnitsView inFolded) const noexcept;
     void Grow();
 
-    std::vector<Slot> mSlots; // their number is 0 or a power of two
+    std::vector<Slot> mSlots; // the number of slots is 0 or a power of two
     std::size_t mCount = 0;
 };
 

@@ -82,7 +82,7 @@ private:
         for (unsigned int i = 0; i < inCount; ++i) {
             Write(NumberIn(mNext[mHeader.mBits == 8 ? i : i / 2], i));
         }
-        mNext += std::min(size + size % 2, Left()); // padded to 16 bits
+        mNext += std::min(size + size % 2, Left()); // the pixels are padded to 16 bits
         return true;
     }
 

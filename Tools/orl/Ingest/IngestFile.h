@@ -18,7 +18,7 @@ namespace orl {
 /// The steps of one file, each reported once it is done.
 enum class IngestStep {
     kOpened,      // the source is open
-    kBlockCopied, // one of many blocks is copied
+    kBlockCopied, // a block is copied
     kCopied,      // the temporary file is complete and closed
     kVerified,    // the copy reads back the same as the source
     kInPlace,     // the file has its final name
@@ -28,7 +28,7 @@ enum class IngestStep {
 struct IngestContext
 {
     const IngestRoots& mRoots;
-    const std::set<EntryIdentity>& mSourceFolders; // never written to
+    const std::set<EntryIdentity>& mSourceFolders; // folders that the ingest never writes to
     IngestManifest& mManifest;                     // the line of a file is withdrawn before that file is replaced
     IngestRecord& mRecord;                         // lists each unfinished file before it is created
     SharedSource& mSource;                         // shared with the other destinations

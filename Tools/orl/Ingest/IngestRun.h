@@ -41,7 +41,7 @@ struct IngestOutcome
     {
         const IngestItem* mItem;
         std::string mDigest;      // empty if an earlier run verified the file
-        bool mWasPresent = false; // compared, not copied
+        bool mWasPresent = false; // true: the file was compared, not copied
     };
 
     std::vector<Row> mRows; // files at the destination that are verified and in the manifest, in the plan's order

@@ -278,7 +278,7 @@ struct SharedReading::Impl
         Block block;
         try {
             block = ReadAt(at);
-            mFile->mSum.Add(block->data(), block->size()); // one thread at a time, in order
+            mFile->mSum.Add(block->data(), block->size()); // blocks arrive in order, on one thread at a time
         } catch (...) {
             ioLock.lock();
             mFile->mIsReading = false;

@@ -15,7 +15,7 @@ struct VerifySettings
 {
     std::string mManifest = "ingest.sha256";
     unsigned mFilesAtOnce = 4;
-    bool mIsQuick = false; // reads no file
+    bool mIsQuick = false; // true: the verification reads no file
 };
 
 struct VerifiedFile

@@ -28,7 +28,7 @@ protected:
 private:
     friend struct RepeatSchedule;
 
-    std::int64_t mDue = 0;        // time of the clock
+    std::int64_t mDue = 0;        // a time of ClockNow()
     RepeatEntry* mNext = nullptr; // the entry due next after this one, if scheduled
     bool mIsScheduled = false;
 };

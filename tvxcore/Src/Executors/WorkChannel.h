@@ -347,7 +347,7 @@ private:
 
     struct SpinHistory
     {
-        unsigned int mTurns;        // turns of a spin that may pay
+        unsigned int mTurns;        // number of turns that a spin may take
         std::uint32_t mFailedSpins; // failed spins since work was last found
     };
 

@@ -116,7 +116,7 @@ bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuati
     const char* rest = inLocale;
     const std::string language = Changed(NextPart(rest), ToLower);
     std::string region = NextPart(rest);
-    if (region.size() == 4) { // a script, such as "Latn"
+    if (region.size() == 4) { // the part is a script, such as "Latn"
         region = NextPart(rest);
     }
     const KnownLocale* known = Find(language + "_" + Changed(region, ToUpper));

@@ -249,7 +249,7 @@ void Tree::Insert(StoredKey& ioParent, std::int64_t inId, const Units& inFolded,
     key->mParent = &ioParent;
     key->mFolded = inFolded;
     key->mName = inName;
-    key->mHasSubKeys = true; // a new key has none
+    key->mHasSubKeys = true; // a new key has no subkeys
     key->mHasValues = true;
     mKeys.reserve(mKeys.size() + 1);
     const auto place = std::lower_bound(
