@@ -68,8 +68,8 @@ public:
     /// call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
-    /// Returns a buffer of inSize bytes, rounded up to at least 8192: the pool's most recent one of exactly that size,
-    /// or a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc with the
+    /// Returns a buffer of inSize bytes: for a large size the pool's most recent one of exactly the rounded size, else
+    /// a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc with the
     /// text "bad allocation". The contents are left over from the previous user.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
