@@ -1,4 +1,4 @@
-// The parts of the locale family only for the library and its tests.
+// The parts of the locale family that only the library and its tests use.
 #pragma once
 
 #include <tvxcore/String.h>
