@@ -18,8 +18,6 @@ set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)
 if(WIN32)
   # Boost.Thread has no package for this compiler, so the package includes our build of it.
   set(ORL_PACKAGE_NEEDS_BOOST_THREAD OFF)
-  file(STRINGS "${boost_include}/boost/version.hpp" ORL_PACKAGE_BOOST_VERSION REGEX "#define BOOST_LIB_VERSION \"[0-9_]+\"")
-  string(REGEX REPLACE ".*\"([0-9_]+)\".*" "\\1" ORL_PACKAGE_BOOST_VERSION "${ORL_PACKAGE_BOOST_VERSION}")
   install(TARGETS orl_boost_thread orl_boost_headers EXPORT ORLFoundationTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
@@ -27,6 +25,6 @@ endif()
 install(EXPORT ORLFoundationTargets NAMESPACE ORL:: DESTINATION ${package_dir})
 configure_package_config_file(CMake/ORLFoundationConfig.cmake.in
   "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file("${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(FILES "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" "${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake"
   CMake/OrlTargetResources.cmake DESTINATION ${package_dir})

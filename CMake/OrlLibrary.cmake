@@ -1,5 +1,27 @@
 include(GNUInstallDirs)
 
+# The number of the ABI. While the major version is 0, each minor version has an ABI of its own.
+set(ORL_ABI "${PROJECT_VERSION_MAJOR}")
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  string(APPEND ORL_ABI ".${PROJECT_VERSION_MINOR}")
+endif()
+
+# orl_set_abi(target library abi): gives a shared library the file name of an ABI, so that the libraries of several
+# versions fit into one process. On Linux its symbols have the version lib<library>.so.<abi>; on Windows a symbol is bound
+# to the name of its DLL.
+function(orl_set_abi target library abi)
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME ${library} SOVERSION ${abi})
+  if(WIN32)
+    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_NAME ${library}-${abi})
+    return()
+  endif()
+  set(ORL_SONAME "lib${library}.so.${abi}")
+  set(map "${PROJECT_BINARY_DIR}/exports/${target}.map")
+  configure_file("${PROJECT_SOURCE_DIR}/CMake/Exports/${library}.map.in" "${map}" @ONLY)
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS "${map}")
+endfunction()
+
 # orl_library(name ROOT folder [HEADERS dir] [PRIVATE_HEADERS dir] [SOURCES dir] [LINK_PUBLIC ...] [LINK_PRIVATE ...])
 #
 # Makes three targets from one set of objects:
@@ -46,25 +68,27 @@ function(orl_library name)
 
   add_library(${name}_objects OBJECT ${files})
   target_include_directories(${name}_objects PUBLIC ${include_dirs} PRIVATE "${private_dir}")
-  target_include_directories(${name}_objects PRIVATE "${CMAKE_BINARY_DIR}/include")
+  target_include_directories(${name}_objects PRIVATE "${PROJECT_BINARY_DIR}/include")
   target_compile_definitions(${name}_objects PRIVATE ${name}_BUILDING)
   target_link_libraries(${name}_objects PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE} orl_strict)
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
   string(REGEX REPLACE "^ORL" "" exported_name ${name})
   add_library(ORL::${exported_name} ALIAS ${name})
-  target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
+  target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation>)
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
-    LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION}
     # The libraries find each other wherever the tree is moved, including in the build tree. CMake would pad a separate
     # path for the build tree with ":" to the length of this path, and the loader treats an empty entry as the current
     # folder.
     INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 
+  orl_set_abi(${name} ${name} ${ORL_ABI})
+
   add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
-  target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${CMAKE_BINARY_DIR}/include")
+  target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${PROJECT_BINARY_DIR}/include")
   target_link_libraries(${name}_private PUBLIC ${own_twins})
   set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)
   # With clang, the sanitizers' symbols are only in the program, not in the libraries.
@@ -75,5 +99,5 @@ endfunction()
 
 # build/include/ORLVersion.h
 function(orl_version_header)
-  configure_file("${PROJECT_SOURCE_DIR}/CMake/ORLVersion.h.in" "${CMAKE_BINARY_DIR}/include/ORLVersion.h" @ONLY)
+  configure_file("${PROJECT_SOURCE_DIR}/CMake/ORLVersion.h.in" "${PROJECT_BINARY_DIR}/include/ORLVersion.h" @ONLY)
 endfunction()

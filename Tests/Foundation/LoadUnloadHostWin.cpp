@@ -21,7 +21,8 @@ bool Unload(void* inLibrary)
 
 bool IsAnyOfOursLoaded()
 {
-    for (const char* name : {"libORLFoundation.dll", "libtvxcore.dll", "libtvxmediatypes.dll", "libCRV.dll"}) {
+    for (const char* name : {"libORLFoundation-" ORL_ABI ".dll", "libtvxcore-" ORL_ABI ".dll",
+                             "libtvxmediatypes-" ORL_ABI ".dll", "libCRV-" ORL_ABI ".dll"}) {
         if (::GetModuleHandleA(name) != nullptr) {
             return true;
         }

@@ -27,6 +27,7 @@ if(ORL_SANITIZE)
 endif()
 if(WIN32)
   target_link_libraries(load_unload_host PRIVATE psapi)
+  target_compile_definitions(load_unload_host PRIVATE ORL_ABI="${ORL_ABI}")
 endif()
 
 add_dependencies(${room_target} lifecycle_host lifecycle_static_host load_unload_host ORLFoundation)

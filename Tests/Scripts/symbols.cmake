@@ -1,9 +1,38 @@
-# Each library must export only what its public headers declare, and have a soname with its major version.
+# Each library must export only what its public headers declare, and have the name of its ABI.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(library tvxmediatypes tvxcore CRV ORLFoundation)
     add_test(NAME Package.${library}.ExportsNothingPrivate
       COMMAND ${CMAKE_COMMAND} -DLIBRARY=$<TARGET_FILE:${library}> -DNM=${CMAKE_NM} -DOBJDUMP=${CMAKE_OBJDUMP}
-              -DSONAME=lib${library}.so.${PROJECT_VERSION_MAJOR} -P ${CMAKE_CURRENT_SOURCE_DIR}/Foundation/private_symbols.cmake)
+              -DSONAME=lib${library}.so.${ORL_ABI} -P ${CMAKE_CURRENT_SOURCE_DIR}/Foundation/private_symbols.cmake)
     set_tests_properties(Package.${library}.ExportsNothingPrivate PROPERTIES TIMEOUT 60)
+  endforeach()
+endif()
+
+# Every symbol that leaves a library is declared in its public headers and, on Linux, has the library's version. The
+# standard library and Boost leave none, except the facets that tvxcore adds to the standard library.
+if(NOT ORL_SANITIZE)
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
+  foreach(library tvxmediatypes tvxcore CRV ORLFoundation)
+    set(headers "${PROJECT_SOURCE_DIR}/${library}/Inc")
+    if(library STREQUAL "ORLFoundation")
+      set(headers "${PROJECT_SOURCE_DIR}/API/Inc")
+    endif()
+    set(check elf "$<TARGET_FILE:${library}>" "lib${library}.so.${ORL_ABI}" "${headers}")
+    if(WIN32)
+      set(check pe "$<TARGET_FILE:${library}>" "lib${library}-${ORL_ABI}.dll" "${headers}")
+    endif()
+    add_test(NAME Package.${library}.ExportsOnlyWhatItsHeadersDeclare
+      COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/check_exports.py" ${check})
+    set_tests_properties(Package.${library}.ExportsOnlyWhatItsHeadersDeclare PROPERTIES TIMEOUT 60)
+  endforeach()
+endif()
+
+# No library exports what each host compiles itself, except compile-time constants: the loader would bind a plug-in to
+# the host's copy.
+if(NOT WIN32 AND NOT ORL_SANITIZE)
+  foreach(level 0 2)
+    add_test(NAME Package.HostsRepeatNoSymbolOfTheLibraries.O${level}
+      COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/check_exports.py" host $<TARGET_FILE:every_class_O${level}>)
+    set_tests_properties(Package.HostsRepeatNoSymbolOfTheLibraries.O${level} PROPERTIES TIMEOUT 60)
   endforeach()
 endif()

@@ -49,7 +49,7 @@ TEST(SmallBlockUnload, LoadedAndUnloadedAHundredTimes_MemoryDoesNotGrow)
             EXPECT_TRUE(guest.Call("GuestUse"));
             EXPECT_TRUE(guest.Call("GuestUseOnThread"));
         }
-        ASSERT_EQ(::GetModuleHandleA("libtvxcore.dll"), nullptr);
+        ASSERT_EQ(::GetModuleHandleA("libtvxcore-" ORL_ABI ".dll"), nullptr);
         if (round == 19) {
             early = TakenBytes();
         }
