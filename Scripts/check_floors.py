@@ -6,7 +6,7 @@ the floor that its first line names ("// Floor: Threads"). A file in a platform 
 line names, else to the highest floor whose seam headers it includes. A seam header belongs to the lowest floor whose
 portable code includes it. A folder without a floor is an error.
 Libraries: tvxcore, tvxmediatypes and CRV include nothing of ORLFoundation, neither by name nor by a relative path.
-Tests: each folder with tests is in the list of test programs.
+Tests: each folder with tests is in the list of test programs or named by the room.cmake of the folder above.
 Seam: OS headers and platform conditions occur only in the platform folders and in export headers (*Config.h).
 Tools and examples: they include only public headers.
 Foundation: ORLFoundation.h includes every public header.
@@ -191,8 +191,10 @@ def check_tests(faults):
             continue
         parts = path.relative_to(ROOT / "Tests").parts
         room_file = ROOT / "Tests" / parts[0] / "room.cmake"
-        named = room_file.is_file() and "/".join(parts) in room_file.read_text(encoding="utf-8")
-        if not named and (len(parts) != 2 or parts[0] not in listed):
+        room_text = room_file.read_text(encoding="utf-8") if room_file.is_file() else ""
+        in_folder = len(parts) == 3 and f"orl_test_folder({parts[1]})" in room_text
+        in_room = parts[0] in listed and (len(parts) == 2 or in_folder)
+        if not in_room and "/".join(parts) not in room_text:
             faults.append(f"{path.relative_to(ROOT)}:1: no test program has it")
 
 

@@ -1,19 +1,14 @@
+// Tests the bytes that asynchronous reads deliver, and waiting for them.
 #include <ORLAsyncFileReader.h>
 
 #include "AsyncReadsFixture.h"
 
-#include <CheckRecorder.h>
-#include <ExpectReport.h>
-#include <ORLFoundation.h>
-#include <ORLHostPath.h>
-#include <ORLPathUtils.h>
 #include <Sync/Policy.h>
-#include <TextHelpers.h>
 #include <Threads/WaitableGatePoolAlgorithm.h>
 
-#include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -98,47 +93,6 @@ TEST_P(AsyncReads, FileOfOneByte_IsRead)
     EXPECT_EQ(ByteAt(0), buffer.Get()[0]);
 }
 
-TEST_P(AsyncReads, EmptyFile_OpensAndCloses)
-{
-    AsyncFileReader reader;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("empty", 0), reader));
-    reader.WaitForPendingReads();
-    reader.Close();
-}
-
-TEST_P(AsyncReads, MissingFileAndDirectory_AreRefusedWithTheReaderClosed)
-{
-    mFolder.MakeFolder("folder");
-    AsyncFileReader reader;
-    EXPECT_EQ(-1, AsyncFileReader::Open(mFolder.Path(u"missing.mov"), reader));
-    EXPECT_EQ(-1, AsyncFileReader::Open(mFolder.Path(u"folder"), reader));
-    EXPECT_EQ(-1, AsyncFileReader::Open(mFolder.Path(u"no\\such\\folder.mov"), reader));
-    EXPECT_EQ(-1, AsyncFileReader::Open(UTF16String(TVX_UTF16("relative.mov")), reader));
-    EXPECT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader)) << "the reader holds no file yet";
-}
-
-TEST_P(AsyncReads, PathOfFourThousandCharacters_IsReachedWhereItExists)
-{
-    UTF16String folder = mFolder.Path();
-    while (folder.size() < 3800) {
-        folder += UTF16String(TVX_UTF16("\\")) + UTF16String(99, 'd');
-    }
-    AsyncFileReader reader;
-    const UTF16String missing = folder + UTF16String(TVX_UTF16("\\")) + UTF16String(3999 - folder.size(), 'x');
-    EXPECT_EQ(-1, AsyncFileReader::Open(missing, reader));
-
-    // Uses the extended form: only it allows such a long path on every platform.
-    const UTF16String extended = PathUtils::ToNormalizedPath(missing);
-    std::string host;
-    ASSERT_EQ(kSuccess, PathUtils::ToHostPath(extended, host));
-    const std::filesystem::path path = std::filesystem::u8path(host);
-    std::filesystem::create_directories(path.parent_path());
-    ASSERT_TRUE(std::ofstream(path, std::ios::binary) << MakeContents(kBlock));
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(missing, reader));
-    const AlignedBuffer buffer(kBlock);
-    EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead);
-}
-
 TEST_P(AsyncReads, NothingInFlight_WaitReturnsAtOnceAndCloseMayComeTwice)
 {
     AsyncFileReader reader;
@@ -180,73 +134,6 @@ TEST_P(AsyncReads, FileThatShrinks_GivesWhatIsLeft)
     EXPECT_EQ(5000u, FirstWrongByte(buffer.Get(), 5000, kBlock));
 }
 
-TEST_P(AsyncReads, AllCallbacks_ComeOneAfterTheOtherOnOneThread)
-{
-    struct Watch
-    {
-        std::atomic<int> mInside{0};
-        std::atomic<int> mOverlaps{0};
-        std::mutex mMutex;
-        std::vector<std::thread::id> mThreads;
-
-        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inWatch,
-                           void*, void*, int)
-        {
-            Watch& watch = *static_cast<Watch*>(inWatch);
-            watch.mOverlaps += ++watch.mInside != 1;
-            std::this_thread::yield();
-            const std::lock_guard<std::mutex> lock(watch.mMutex);
-            watch.mThreads.push_back(std::this_thread::get_id());
-            --watch.mInside;
-        }
-    };
-    Watch watch;
-    AsyncFileReader first;
-    AsyncFileReader second;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("first.mov", kBlock), first));
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("second.mov", kBlock), second));
-    const AlignedBuffer buffer(64 * kReadAlignment);
-    for (unsigned i = 0; i < 64; ++i) {
-        (i % 2 == 0 ? first : second)
-            .QueueReadRequest(0, kReadAlignment, buffer.Get() + i * kReadAlignment, &Watch::OnRead, &watch, nullptr,
-                              nullptr);
-    }
-    first.WaitForPendingReads();
-    second.WaitForPendingReads();
-    EXPECT_EQ(0, watch.mOverlaps.load());
-    ASSERT_EQ(64u, watch.mThreads.size());
-    EXPECT_EQ(64, std::count(watch.mThreads.begin(), watch.mThreads.end(), watch.mThreads[0]));
-    EXPECT_NE(std::this_thread::get_id(), watch.mThreads[0]);
-}
-
-TEST_P(AsyncReads, Callback_MayQueueAtAnotherReader)
-{
-    struct Chain
-    {
-        AsyncFileReader mSecond;
-        AlignedBuffer mBuffer{kBlock};
-        Deliveries mDeliveries;
-
-        static void OnRead(const AsyncFileReader*, unsigned __int64, unsigned int, unsigned int, void*, void* inChain,
-                           void*, void*, int)
-        {
-            Chain& chain = *static_cast<Chain*>(inChain);
-            chain.mSecond.QueueReadRequest(kBlock, kBlock, chain.mBuffer.Get(), &Deliveries::OnRead, &chain.mDeliveries,
-                                           nullptr, nullptr);
-        }
-    };
-    Chain chain;
-    AsyncFileReader first;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("first.mov", kBlock), first));
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("second.mov", 2 * kBlock), chain.mSecond));
-    const AlignedBuffer buffer(kBlock);
-    first.QueueReadRequest(0, kBlock, buffer.Get(), &Chain::OnRead, &chain, nullptr, nullptr);
-    first.WaitForPendingReads();
-    chain.mSecond.WaitForPendingReads();
-    ASSERT_EQ(1u, chain.mDeliveries.All().size());
-    EXPECT_EQ(kBlock, FirstWrongByte(chain.mBuffer.Get(), kBlock, kBlock));
-}
-
 TEST_P(AsyncReads, PositionsBeyondFourGigabytes_AreSplitAndPutTogetherAgain)
 {
     constexpr std::uint64_t kFar = (std::uint64_t{5} << 30) + kBlock;
@@ -263,28 +150,6 @@ TEST_P(AsyncReads, PositionsBeyondFourGigabytes_AreSplitAndPutTogetherAgain)
     EXPECT_EQ(kFar, far.mPosition);
     EXPECT_EQ(3u, far.mBytesRead);
     EXPECT_EQ("far", std::string(buffer.Get(), buffer.Get() + 3));
-}
-
-TEST_P(AsyncReads, ClosedReader_CanBeOpenedAgain)
-{
-    AsyncFileReader reader;
-    const AlignedBuffer buffer(kBlock);
-    for (int round = 0; round < 3; ++round) {
-        ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip" + std::to_string(round), kBlock), reader));
-        EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead);
-        reader.Close();
-    }
-}
-
-TEST_P(AsyncReads, NullCallback_StillLeavesTheListAndFreesItsRecord)
-{
-    AsyncFileReader reader;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", kBlock), reader));
-    const AlignedBuffer buffer(kBlock);
-    ASSERT_EQ(0, reader.QueueReadRequest(0, kBlock, buffer.Get(), nullptr, nullptr, nullptr, nullptr));
-    reader.WaitForPendingReads();
-    EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
-    // TearDown checks that the record is free, after the thread that frees it has ended.
 }
 
 TEST_P(AsyncReads, ReaderDestroyedWithReadsInFlight_WaitsForThem)
@@ -324,39 +189,6 @@ TEST_P(AsyncReads, TwoThreadsInWait_BothReturn)
         first.join();
         second.join();
     }
-}
-
-TEST_P(AsyncReads, CallbackThatQueuesTheNextRead_StreamsTheWholeFile)
-{
-    struct Stream
-    {
-        AsyncFileReader mReader;
-        AlignedBuffer mBuffer{kBlock};
-        std::uint64_t mSize = 0;
-        std::uint64_t mNext = 0;
-        std::uint64_t mWrong = 0;
-
-        static void OnRead(const AsyncFileReader*, unsigned __int64 inPosition, unsigned int, unsigned int inBytesRead,
-                           void* inBuffer, void* inStream, void*, void*, int)
-        {
-            Stream& stream = *static_cast<Stream*>(inStream);
-            const unsigned char* const bytes = static_cast<unsigned char*>(inBuffer);
-            stream.mWrong += FirstWrongByte(bytes, inBytesRead, inPosition) != inBytesRead;
-            stream.mNext = inPosition + inBytesRead;
-            if (stream.mNext < stream.mSize) {
-                stream.Queue();
-            }
-        }
-
-        void Queue() { mReader.QueueReadRequest(mNext, kBlock, mBuffer.Get(), &OnRead, this, nullptr, nullptr); }
-    };
-    Stream stream;
-    stream.mSize = 20 * kBlock;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 20 * kBlock), stream.mReader));
-    stream.Queue();
-    stream.mReader.WaitForPendingReads();
-    EXPECT_EQ(stream.mSize, stream.mNext);
-    EXPECT_EQ(0u, stream.mWrong);
 }
 
 TEST_P(AsyncReads, AllRecordsInFlightAndOneMore_TheOneMoreWaitsUntilOneHasCompleted)
@@ -438,77 +270,4 @@ TEST_P(AsyncReads, ManyReadersOnManyThreads_EachGetsItsOwnBytes)
         thread.join();
     }
     EXPECT_EQ(0, wrong.load());
-}
-
-TEST_P(AsyncReads, OpenReader_RefusesASecondFileWithTheInputContract)
-{
-    CheckRecorder recorder;
-    AsyncFileReader reader;
-    ASSERT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", kBlock), reader));
-    EXPECT_EQ(-1, AsyncFileReader::Open(MakeClip("other.mov", kBlock), reader));
-    const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
-    ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("ioOpenedAsyncFileReader.mImpl->mFileHandle == INVALID_HANDLE_VALUE");
-    const AlignedBuffer buffer(kBlock);
-    EXPECT_EQ(kBlock, ReadOne(reader, 0, kBlock, buffer).mBytesRead) << "the first file is still open";
-}
-
-TEST_P(AsyncReads, StartedTwice_FiresTheInputContractAndKeepsRunning)
-{
-    CheckRecorder recorder;
-    StartupAsyncFileOperations();
-    const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
-    ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("sCompletionPort == NULL");
-    AsyncFileReader reader;
-    EXPECT_EQ(kSuccess, AsyncFileReader::Open(MakeClip("clip.mov", 10), reader));
-}
-
-TEST(AsyncFileReader, OpenedBeforeTheStart_FiresTheInputContract)
-{
-    CheckRecorder recorder;
-    const TempFolder folder;
-    folder.MakeFile("clip.mov");
-    AsyncFileReader reader;
-    EXPECT_EQ(-1, AsyncFileReader::Open(folder.Path(u"clip.mov"), reader));
-    const std::vector<CheckReport> reports = recorder.Reports(CheckReport::kContract);
-    ASSERT_EQ(1u, reports.size());
-    ExpectReport(reports[0]).Expression("sCompletionPort != NULL && sCompletionPort != INVALID_HANDLE_VALUE");
-}
-
-TEST(AsyncFileReader, NeverOpened_HasNoSectorSizeAndClosesQuietly)
-{
-    AsyncFileReader reader;
-    EXPECT_EQ(0u, reader.GetDiskSectorSize());
-    reader.WaitForPendingReads();
-    reader.Close();
-}
-
-TEST(AsyncFileReader, ReadQueuedWithNoFile_FiresTheInputContract)
-{
-    CheckRecorder recorder;
-    recorder.mThrow = true;
-    AsyncFileReader reader;
-    EXPECT_THROW(reader.QueueReadRequest(0, 512, nullptr, nullptr, nullptr, nullptr, nullptr),
-                 CheckRecorder::ContractError);
-    ExpectReport(recorder.Reports()[0]).Expression("mImpl->mFileHandle != INVALID_HANDLE_VALUE");
-}
-
-TEST(AsyncFileReader, FoundationStartedAndStopped_ReadsBetween)
-{
-    const TempFolder folder;
-    folder.MakeFile("clip.mov", MakeContents(kBlock));
-    for (int round = 0; round < 3; ++round) {
-        CheckRecorder restartsReportTheThreadSlot;
-        Foundation::Initialize();
-        {
-            AsyncFileReader reader;
-            ASSERT_EQ(kSuccess, AsyncFileReader::Open(folder.Path(u"clip.mov"), reader));
-            const AlignedBuffer buffer(kBlock);
-            reader.QueueReadRequest(0, kBlock, buffer.Get(), nullptr, nullptr, nullptr, nullptr);
-            reader.WaitForPendingReads();
-            EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
-        }
-        Foundation::Terminate();
-    }
 }

@@ -1,7 +1,7 @@
 // Tests the behaviour of File that exists only on Linux: links, permissions, other programs' locks, file systems that
 // refuse operations.
 #include "../AsyncReads/AsyncReadSupport.h"
-#include "ShareModes.h"
+#include "ShareModes/ShareModes.h"
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,5 +1,16 @@
+orl_test_folder(BlockCache)
+orl_test_folder(Disks)
+orl_test_folder(Faults)
+orl_test_folder(ShareModes)
+
+# The operations whose system calls the tests fail.
+if(NOT WIN32)
+  target_sources(${room_target} PRIVATE Files/Faults/FileAccessOperationsLinux.cpp
+    Files/Faults/FileTransferOperationsLinux.cpp)
+endif()
+
 # A second process that opens files while the tests hold handles.
-add_executable(share_mode_host Files/ShareModeHost.cpp)
+add_executable(share_mode_host Files/ShareModes/ShareModeHost.cpp)
 target_link_libraries(share_mode_host PRIVATE ORLFoundation_private orl_strict)
 add_dependencies(${room_target} share_mode_host)
 

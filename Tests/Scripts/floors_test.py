@@ -29,7 +29,8 @@ HOUSE = {
     "Tests/Core/LockTest.cpp": "",
     "Tests/Files/FileTest.cpp": "",
     "Tests/Files/Borders/BordersTest.cpp": "",
-    "Tests/Files/room.cmake": "add_executable(borders Files/Borders/BordersTest.cpp)\n",
+    "Tests/Files/Disks/DiskTest.cpp": "",
+    "Tests/Files/room.cmake": "orl_test_folder(Disks)\nadd_executable(borders Files/Borders/BordersTest.cpp)\n",
 }
 
 # A file, its new text, and the message that the script must print for it.
@@ -63,6 +64,8 @@ FAULTS = [
      "CRV includes ../../Src/Files/FileParts.h of a higher library"),
     ("Tests/Lost/LostTest.cpp", "", "no test program has it"),
     ("Tests/Core/Deeper/DeeperTest.cpp", "", "no test program has it"),
+    ("Tests/Files/Deeper/DeeperTest.cpp", "", "no test program has it"),
+    ("Tests/Files/Disks/Deeper/DeeperTest.cpp", "", "no test program has it"),
     ("Tools/orl/main.cpp", "#include <Memory/PageList.h>\n", "a host includes the private header Memory/PageList.h"),
     ("API/Inc/ORLLost.h", "// Floor: Core\n", "ORLFoundation.h does not bring it in"),
 ]

@@ -1,38 +1,22 @@
 // Tests executors and repeated functions when memory runs out.
+#include "ExecutorSupport.h"
+
 #include <AllocationFaults.h>
 #include <Executors/CoreClock.h>
 #include <Signals.h>
-#include <tvxcore/Executor.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <boost/function.hpp>
-#include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <new>
 #include <vector>
 
+using namespace ORLTest;
 using namespace tvxcore::threads;
-using ORLTest::BlockingList;
-using ORLTest::Event;
 namespace AllocationFaults = tvxcore::utility::AllocationFaults;
 
 namespace {
-
-using ExecutorPointer = boost::shared_ptr<AsyncThreadedExecutor>;
-using Function = boost::function<void()>;
-
-ExecutorPointer Make()
-{
-    return CreateAsyncThreadedExecutor("test", 1, 3, Function(), Function());
-}
-
-void Stop(AsyncExecutor& ioExecutor)
-{
-    ioExecutor.RequestTermination();
-    ioExecutor.WaitForTermination();
-}
 
 AllocationFaults::Plan Refuse(std::uint64_t inFirst, std::uint64_t inHowMany)
 {
@@ -47,7 +31,7 @@ AllocationFaults::Plan Refuse(std::uint64_t inFirst, std::uint64_t inHowMany)
 
 TEST(ExecutorMemory, FunctionThatFindsNoMemory_IsNotQueuedAndTheOthersRun)
 {
-    const ExecutorPointer executor = Make();
+    const ExecutorPointer executor = MakeExecutor(1);
     BlockingList<int> ran;
     std::vector<int> accepted;
     {
@@ -68,7 +52,7 @@ TEST(ExecutorMemory, FunctionThatFindsNoMemory_IsNotQueuedAndTheOthersRun)
 
 TEST(ExecutorMemory, NoMemoryWhileItEnds_ItEndsAndRunsWhatWasQueued)
 {
-    const ExecutorPointer executor = Make();
+    const ExecutorPointer executor = MakeExecutor(1);
     std::atomic<int> runs{0};
     executor->Pause();
     for (int i = 0; i < 100; ++i) {
@@ -87,7 +71,7 @@ TEST(ExecutorMemory, RepeatedFunctionThatFindsNoMemory_RunsAgainAfterTheDelay)
 {
     constexpr std::int64_t kDelay = 10'000'000;
     ManualClock clock;
-    const ExecutorPointer executor = Make();
+    const ExecutorPointer executor = MakeExecutor(1);
     std::atomic<int> runs{0};
     {
         const RepeatDelayFunction repeat(

@@ -1,9 +1,10 @@
+#include "ExecutorSupport.h"
+
 #include <CheckRecorder.h>
 #include <Executors/CoreClock.h>
 #include <Executors/RepeatTimer.h>
 #include <ProcessThreads.h>
 #include <Signals.h>
-#include <tvxcore/Executor.h>
 
 #include <gtest/gtest.h>
 
@@ -19,38 +20,12 @@
 #include <thread>
 #include <vector>
 
+using namespace ORLTest;
 using namespace tvxcore::threads;
-using ORLTest::Barrier;
-using ORLTest::BlockingList;
-using ORLTest::CheckRecorder;
-using ORLTest::Event;
 
 namespace {
 
-using ExecutorPointer = boost::shared_ptr<AsyncThreadedExecutor>;
-using Function = boost::function<void()>;
-
 constexpr std::int64_t kMillisecond = 1'000'000;
-
-ExecutorPointer Make(int inThreads)
-{
-    return CreateAsyncThreadedExecutor("test", inThreads, 3, Function(), Function());
-}
-
-// Returns when everything queued so far to the single thread has run.
-void Drain(AsyncExecutor& ioExecutor)
-{
-    Barrier both(2);
-    Event left;
-    ASSERT_TRUE(ioExecutor.QueueFunction(
-        [&] {
-            both.Join();
-            left.Set();
-        },
-        0));
-    both.Join();
-    left.Wait();
-}
 
 // A host's executor; the tests use only QueueFunction.
 class HostExecutor : public AsyncExecutor
@@ -78,7 +53,7 @@ protected:
 
     const unsigned int mThreadsBefore = ORLTest::CountProcessThreads();
     ManualClock mClock;
-    ExecutorPointer mExecutor = Make(1);
+    ExecutorPointer mExecutor = MakeExecutor(1);
     std::atomic<int> mRuns{0};
 };
 
@@ -278,7 +253,7 @@ TEST_F(RepeatDelayFunctionTest, DestroyedWithATurnInTheQueue_LetsTheFunctionGoAt
 
 TEST_F(RepeatDelayFunctionTest, Executor_LivesAsLongAsTheObjectAndNoLonger)
 {
-    ExecutorPointer executor = Make(1);
+    ExecutorPointer executor = MakeExecutor(1);
     const boost::weak_ptr<AsyncThreadedExecutor> watch(executor);
     AsyncThreadedExecutor& queue = *executor;
     auto repeat = std::make_unique<RepeatDelayFunction>(
@@ -391,7 +366,7 @@ TEST_F(RepeatDelayFunctionTest, ThreadThatTheSystemRefuses_ThrowsAndTheNextTryMa
 
 TEST(RepeatDelayFunction, WithTheSystemsClock_RepeatsInTime)
 {
-    const ExecutorPointer executor = Make(1);
+    const ExecutorPointer executor = MakeExecutor(1);
     BlockingList<std::int64_t> times;
     const std::int64_t start = ClockNow();
     {
@@ -407,7 +382,7 @@ TEST(RepeatDelayFunction, WithTheSystemsClock_RepeatsInTime)
 
 TEST(RepeatDelayFunction, ManyMadeAndDestroyedOnManyThreads_NeverRunAfterTheirEnd)
 {
-    const ExecutorPointer executor = Make(2);
+    const ExecutorPointer executor = MakeExecutor(2);
     std::atomic<int> runs{0};
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {

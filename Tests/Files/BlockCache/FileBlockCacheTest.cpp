@@ -1,5 +1,5 @@
 // Reads through a host's block cache.
-#include "../AsyncReads/AsyncReadSupport.h"
+#include "../../AsyncReads/AsyncReadSupport.h"
 #include <BlockCacheSupport.h>
 
 #include <CheckRecorder.h>

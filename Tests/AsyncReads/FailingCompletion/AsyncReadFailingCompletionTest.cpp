@@ -1,6 +1,6 @@
 // Tests, in a child process, a host in which a read starts and then fails, which ends the completion thread.
-#include "AsyncEngines.h"
-#include "AsyncReadSupport.h"
+#include "../AsyncEngines.h"
+#include "../AsyncReadSupport.h"
 
 #include <ProcessRunner.h>
 

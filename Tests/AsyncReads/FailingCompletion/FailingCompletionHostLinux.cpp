@@ -1,6 +1,6 @@
 #include "FailingCompletionHost.h"
 
-#include "AsyncEngines.h"
+#include "../AsyncEngines.h"
 
 #include <FaultySystemCallsLinux.h>
 
