@@ -3,6 +3,7 @@
 #include "IngestDestinationsSupport.h"
 
 #include <IngestErase.h>
+#include <UnbufferedRead.h>
 
 #include <chrono>
 #include <filesystem>
@@ -124,4 +125,36 @@ TEST_F(IngestErase, AStop_IsNotSafe)
         mIsStopped = mIsStopped || (inStep == IngestStep::kBlockCopied && inItem.mName == "b");
     };
     EXPECT_EQ("Not safe to erase the source: the ingest was stopped.", LineOf(RunTo(2, onStep), 1));
+}
+
+// The second destination has every file; but the run to the first one ended before its end.
+TEST_F(IngestErase, ADiskThatDoesNotAnswer_IsNotSafe)
+{
+    const auto onStep = [](std::size_t inDestination, IngestStep inStep, const IngestItem& inItem) {
+        if (inDestination == 0 && inStep == IngestStep::kBlockCopied && inItem.mName == "b") {
+            throw orl::NoAnswer("ingest: \"b\" stopped responding");
+        }
+    };
+    const std::vector<IngestDestination> destinations = RunTo(2, onStep);
+    EXPECT_TRUE(destinations[0].mOutcome.mIsDiskUnresponsive);
+    ExpectIngested(mCard, DiskOf(1));
+    for (const std::size_t copies : {std::size_t{1}, std::size_t{2}}) {
+        EXPECT_EQ("Not safe to erase the source: a disk does not answer.", LineOf(destinations, copies));
+    }
+}
+
+TEST_F(IngestErase, ASourceThatWasPartlyUnreadable_IsNotSafe)
+{
+    const std::vector<IngestDestination> destinations = RunTo(2);
+    mSource.mListing.mTroubles.push_back({"ingest: cannot list the folder \"x\" completely", orl::kExitUnreadable});
+    EXPECT_EQ("Not safe to erase the source: some of it cannot be read.", LineOf(destinations, 2));
+}
+
+TEST_F(IngestErase, ASourceThatIsGoneAtTheEnd_IsNotSafe)
+{
+    const std::vector<IngestDestination> destinations = RunTo(2);
+    fs::rename(Card(), mFolder.Host() / "away");
+    EXPECT_EQ("Not safe to erase the source: it could not be listed again.", LineOf(destinations, 2));
+    mFolder.MakeFolder("card"); // as a mount point without its card
+    EXPECT_EQ("Not safe to erase the source: it could not be listed again.", LineOf(destinations, 2));
 }

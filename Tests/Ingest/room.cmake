@@ -6,9 +6,10 @@ endif()
 
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 
-# The parts of an ingest are also compiled into the tests, so that a test can act between two steps.
-file(GLOB_RECURSE ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp")
-list(FILTER ingest_files EXCLUDE REGEX "/Ingest/Ingest\\.cpp$") # the command line
+# The parts of an ingest and of a verification are also compiled into the tests, so that a test can act between two steps.
+file(GLOB_RECURSE ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp"
+  "${orl_folder}/Verify/*.cpp")
+list(FILTER ingest_files EXCLUDE REGEX "/(Ingest/Ingest|Verify/Verify)\\.cpp$") # the command lines
 if(WIN32)
   list(FILTER ingest_files EXCLUDE REGEX "/Linux[A-Za-z0-9]*\\.cpp$")
   target_link_libraries(${room_target} PRIVATE bcrypt)
@@ -20,3 +21,6 @@ endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest"
   "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")
+
+file(GLOB verify_files CONFIGURE_DEPENDS "${orl_folder}/Verify/*.cpp" Ingest/Verify*Test.cpp)
+set_property(SOURCE ${verify_files} APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}" "${orl_folder}/Verify")

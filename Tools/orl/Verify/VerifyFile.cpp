@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t kReadsInFlight = 8; // reads in flight for one file; several files are read at once
 constexpr char kDigestOfNothing[] = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+constexpr char kChangedWhileRead[] = "it changed while it was read";
 
 class OneFile
 {
@@ -77,7 +78,7 @@ private:
         if (mStatus.mSize != 0) {
             ReadUnbuffered(inRead, [&](const unsigned char* inBytes, std::size_t inCount, double, std::uint64_t) {
                 digest.Add(inBytes, inCount);
-                mContext.mPass(inCount);
+                mContext.mPass(mFile.mName, inCount);
             });
         }
         return digest.Finish();
@@ -91,25 +92,42 @@ private:
         read.mPath = mFolder.PathOf(mLeaf);
         read.mSize = mStatus.mSize;
         read.mDepth = kReadsInFlight;
+        bool isReadWhole = true;
         try {
             mFile.mDigest = DigestOf(read);
         } catch (const NoAnswer&) {
             throw;
         } catch (const Failure&) {
-            Set(VerifiedFile::kUnreadable, WhyUnreadable());
+            isReadWhole = false;
+        }
+        if (!IsStillTheSame()) {
             return;
         }
-        EntryStatus after;
-        const bool isSame = ORL::ResultSucceeded(mFolder.GetStatus(mLeaf, Links::kFollow, after))
-                            && after.mIdentity == mStatus.mIdentity && after.mSize == mStatus.mSize
-                            && after.mTime == mStatus.mTime;
-        if (!isSame) {
-            Set(VerifiedFile::kChanged, "it changed while it was read");
+        if (!isReadWhole) {
+            Set(VerifiedFile::kUnreadable, WhyUnreadable());
         } else if (mFile.mDigest != mFile.mListed) {
             Set(VerifiedFile::kChanged, "its SHA-256 is not the listed one");
         } else {
             Set(VerifiedFile::kVerified, std::string());
         }
+    }
+
+    // A file that changed is not compared: neither its earlier nor its present contents were read.
+    bool IsStillTheSame()
+    {
+        EntryStatus after;
+        const ORL::Result result = mFolder.GetStatus(mLeaf, Links::kFollow, after);
+        if (result == ORL::kFileNotFound || result == ORL::kPathNotFound) {
+            Set(VerifiedFile::kMissing, "it was removed while it was read");
+        } else if (!ORL::ResultSucceeded(result)) {
+            Set(VerifiedFile::kUnreadable, Describe(result));
+        } else if (after.mIdentity != mStatus.mIdentity || after.mSize != mStatus.mSize
+                   || after.mTime != mStatus.mTime) {
+            Set(VerifiedFile::kChanged, kChangedWhileRead);
+        } else {
+            return true;
+        }
+        return false;
     }
 
     // A buffered open reports the reason of the failure, which an unbuffered open does not.

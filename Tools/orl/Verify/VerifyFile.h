@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace orl {
 
@@ -14,7 +15,9 @@ struct VerifyContext
     const IngestRoots& mRoots;
     unsigned __int64 mListTime; // last-write time of the list
     bool mIsQuick;
-    std::function<void(std::size_t inBytes)> mPass; // called on any thread, after each block; may throw
+
+    // Called on any thread, after each block; may throw.
+    std::function<void(const std::string& inName, std::size_t inBytes)> mPass;
 };
 
 /// Sets the state of a file and its related members. outIdentity receives the identity of the file, if it exists.

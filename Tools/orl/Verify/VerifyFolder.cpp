@@ -78,12 +78,15 @@ public:
     void Execute(VerifyOutcome& outOutcome)
     {
         ReadList();
-        mListing = ListSource(mRoots, mWatcher.mIsStopped);
+        mListing = List();
         for (const IngestTrouble& trouble : mListing.mTroubles) {
             mTroubles.push_back({OfVerify(trouble.mText), trouble.mExitCode});
         }
         ReportPlan();
         VerifyAll();
+        if (!mEnds && IsDestinationGone(mRoots)) {
+            EndAsGone();
+        }
         if (!mEnds) {
             AddNewFiles();
         }
@@ -112,6 +115,18 @@ private:
         }
         if (mFiles.empty() && mTroubles.empty()) {
             throw Failure("verify: the list " + shown + " names no file", kExitEmpty);
+        }
+    }
+
+    IngestListing List() const
+    {
+        try {
+            return ListSource(mRoots, mWatcher.mIsStopped);
+        } catch (const Failure& failure) {
+            if (failure.ExitCode() == kExitDisappeared) {
+                throw Failure("verify: " + WhenGone(), kExitDisappeared);
+            }
+            throw;
         }
     }
 
@@ -149,12 +164,8 @@ private:
 
     void VerifyAll()
     {
-        const VerifyContext context{mRoots, mListStatus.mTime, mSettings.mIsQuick, [this](std::size_t inBytes) {
-                                        mBytesRead.fetch_add(inBytes, std::memory_order_relaxed);
-                                        if (IsOver()) {
-                                            throw Stopped();
-                                        }
-                                    }};
+        const VerifyContext context{mRoots, mListStatus.mTime, mSettings.mIsQuick,
+                                    [this](const std::string& inName, std::size_t inBytes) { Pass(inName, inBytes); }};
         mLeft = std::max(1u, mSettings.mFilesAtOnce);
         std::vector<std::thread> threads;
         for (unsigned i = mLeft; i != 0; --i) {
@@ -170,6 +181,17 @@ private:
         lock.unlock();
         for (std::thread& thread : threads) {
             thread.join();
+        }
+    }
+
+    void Pass(const std::string& inName, std::size_t inBytes)
+    {
+        mBytesRead.fetch_add(inBytes, std::memory_order_relaxed);
+        if (mWatcher.mOnBlock) {
+            mWatcher.mOnBlock(inName);
+        }
+        if (IsOver()) {
+            throw Stopped();
         }
     }
 
@@ -200,10 +222,12 @@ private:
         try {
             EntryIdentity identity;
             VerifyFile(ioFile, inContext, identity);
+            const bool isAsListed = ioFile.mState == VerifiedFile::kVerified || ioFile.mState == VerifiedFile::kPresent;
             const bool isHere = ioFile.mState != VerifiedFile::kMissing && ioFile.mState != VerifiedFile::kUnreadable;
-            if (!isHere && IsDestinationGone(mRoots)) {
+            if (!isAsListed && IsDestinationGone(mRoots)) {
                 ioFile.mState = VerifiedFile::kNotChecked;
-                End("the folder \"" + mRoots.mShownSource + "\" is gone", kExitDisappeared);
+                ioFile.mReason.clear();
+                EndAsGone();
             } else if (isHere && mPresent.count(ioFile.mName) == 0) {
                 const std::lock_guard<std::mutex> lock(mMutex);
                 mOtherSpellings.insert(identity);
@@ -216,6 +240,10 @@ private:
             End("cannot check \"" + ioFile.mName + "\": " + failure.what(), kExitFailure);
         }
     }
+
+    std::string WhenGone() const { return "the folder \"" + mRoots.mShownSource + "\" is gone"; }
+
+    void EndAsGone() { End(WhenGone(), kExitDisappeared); }
 
     // Several files may encounter this failure; only the first reports it.
     void End(const std::string& inText, int inExitCode)

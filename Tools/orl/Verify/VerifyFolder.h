@@ -58,6 +58,9 @@ struct VerifyWatcher
     // Called on the caller's thread: once before the first file, then ten times a second.
     std::function<void(std::uint64_t inBytesToRead, std::size_t inFiles)> mOnPlanned;
     std::function<void(std::uint64_t inBytesRead, std::size_t inFilesDone)> mShow;
+
+    // Called on any thread, after each block of a file; may be empty.
+    std::function<void(const std::string& inName)> mOnBlock = {};
 };
 
 /// Changes nothing in the folder. Requires a started library. Does not throw Failure: each error is added to
