@@ -1,10 +1,10 @@
-// Question: what do callbacks, busy lists and records cost in addition to the io_uring reads?
+// Question: what do callbacks, busy lists and records cost on top of the io_uring reads?
 //
 // The library, a bare liburing loop and fio read the same file of 1 GiB unbuffered, in turn. Each round reads 256 MiB.
-// The loops of this program read into the same memory, from the library's pool of large buffers; fio uses its own
+// This program's loops read into the same memory, from the library's large-buffer pool; fio uses its own
 // memory, in small pages, which makes it slower. The bare loop is minimal for reads into arbitrary memory. The loop
-// with registered buffers and file registers its memory with the kernel beforehand, which a reader into a caller's
-// buffers cannot do.
+// with registered buffers and file registers its memory with the kernel beforehand, which code that reads into a
+// caller's buffers cannot do.
 #include "Harness.h"
 
 #include <ORLAsyncFileReader.h>

@@ -1,5 +1,5 @@
-// Question: is converting text of a code page by value faster than ICU's converter, kept open, writing to a
-// preallocated buffer? And does a repeated query of the language cost more than a load?
+// Question: is converting code page text by value faster than ICU's converter, kept open and writing to a preallocated
+// buffer? And does querying the language again cost more than a load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
 
@@ -38,7 +38,7 @@ const Page kPages[] = {
 const std::size_t kSizes[] = {16, 256, 65536};
 const double kGoals[] = {0.8, 0.35, 0.35};
 
-// Repeats the sample, and cuts the text where both converters see a boundary between characters.
+// Repeats the sample, and cuts the text where both converters see a character boundary.
 std::string TextOf(const Page& inPage, std::size_t inBytes)
 {
     std::string text;

@@ -2,7 +2,7 @@
 //
 // Question: does a host that converts a palette or a swatch lose speed by calling the library? The library keeps the
 // precision that the formulas define for each step, and is called across a library boundary; therefore the plain
-// formulas are also called as functions. No widespread library has these operations on single values.
+// formulas are also called as functions. No widely used library offers these operations on single values.
 #include "Harness.h"
 
 #include <ORLColor.h>

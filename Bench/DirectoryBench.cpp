@@ -1,7 +1,7 @@
-// Question: what does a recursive listing as library paths cost, compared with hand-written code and with the standard
+// Question: what does a recursive listing in library paths cost, compared with hand-written code and with the standard
 // library's iterator?
 //
-// One tree of 100000 entries on the disk of this program, completely cached: 2000 folders with 49 files each. All
+// One tree of 100000 entries on this program's disk, fully cached: 2000 folders with 49 files each. All
 // rivals return every path and whether it is a folder. The hand-written listing follows the rules literally: it queries
 // the kind of each entry by its path, and checks each folder for emptiness first.
 #include "Harness.h"

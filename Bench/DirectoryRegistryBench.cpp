@@ -15,7 +15,7 @@ UTF16String Text(const std::string& inText)
     return UTF16String(inText.begin(), inText.end());
 }
 
-// Replaces each "$(symbol)" by the expansion of its pattern, as a host's own code would.
+// Replaces each "$(symbol)" with the expansion of its pattern, as a host's own code would.
 UTF16String Expand(const Table& inTable, const UTF16String& inSymbol)
 {
     const auto found = inTable.find(inSymbol);

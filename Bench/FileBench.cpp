@@ -1,10 +1,10 @@
-// Question: what does File cost in addition to the system calls, and what does a block cache cost in addition to a copy
-// in memory?
+// Question: what does File cost on top of the system calls, and what does a block cache cost on top of a copy in
+// memory?
 //
-// The file of 64 MiB is in the system's cache, so that the disk does not hide the cost of File. Small reads are 4 KiB,
+// The 64 MiB file is in the system's cache, so that the disk does not hide the cost of File. Small reads are 4 KiB,
 // large ones 1 MiB. "pread" reads from a plain descriptor. For the block cache, everything is in the host's cache
 // before the clock starts; the host of this benchmark keeps all blocks in an array, so its own cost is almost zero. The
-// peer copies the same bytes from the same blocks. Copies are of real files on the disk of this program; both sides
+// peer copies the same bytes from the same blocks. Copies use real files on this program's disk; both sides
 // write to new names, and the results are deleted outside the measured time.
 #include "Harness.h"
 
@@ -44,7 +44,7 @@ void Require(bool inHolds, const char* inWhy)
     }
 }
 
-// A folder on the disk of this program, deleted at the end.
+// A folder on this program's disk, deleted at the end.
 class Folder
 {
 public:
@@ -194,7 +194,7 @@ private:
     Blocks& mBlocks;
 };
 
-// The minimal cost of a copy from blocks.
+// The minimum cost of copying from blocks.
 void CopyFromBlocks(const std::vector<const char*>& inBlocks, std::size_t inPosition, std::size_t inSize,
                     char* outBuffer)
 {

@@ -1,7 +1,7 @@
 // The hash compared with a plain lookup2 loop with 32-bit loads, followed by one more mix step as in the library.
 // Without that step the peer would do less work: for 16 bytes the step is a third of the total.
 //
-// Question: do the contract check, the updating of HashValue's three words and the call across the library boundary
+// Question: do the contract check, updating HashValue's three words and the call across the library boundary
 // cost anything? The dependency chain of the mix step limits hashing, so this cost should be hidden.
 #include "Harness.h"
 

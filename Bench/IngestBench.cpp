@@ -119,7 +119,7 @@ void Compare(const fs::path& inSource, const fs::path& inCopy, std::size_t inFil
     }
 }
 
-// Drops the pages of all files, so that the next read comes from the disk.
+// Drops the cached pages of all files, so that the next read comes from the disk.
 void DropFromCache(const fs::path& inFolder)
 {
     for (const auto& entry : fs::recursive_directory_iterator(inFolder)) {
@@ -182,7 +182,7 @@ void Measure(const Card& inCard)
     fs::remove_all(work);
 }
 
-// One source and the destination of an ingest, made when the first round begins.
+// The source and destination of an ingest, created when the first round begins.
 struct Ingested
 {
     const Card mCard;

@@ -74,7 +74,7 @@ void GetExtension()
         .Run();
 }
 
-// Question: what does the path of a neighbouring file cost?
+// Question: what does building the path of a sibling file cost?
 void MakeSiblingPath()
 {
     const UTF16String path = LibraryPath();

@@ -1,9 +1,9 @@
-// Question: what do reads and writes of settings cost, compared with databases that the host queries for each read?
+// Question: what do reading and writing settings cost, compared with databases that the host queries for each read?
 //
 // One key holds 10^4 values, which are read in random order. The peers hold the same values in a table of SQLite (WAL,
 // synchronous NORMAL, prepared statements) and in LMDB (with a read transaction renewed for each read). All stores are
-// on the disk of this program. The rows "beside a writer" are measured while another process changes one value of each
-// store every two milliseconds.
+// on this program's disk. The rows "beside a writer" are measured while another process changes one value in each store
+// every two milliseconds.
 #include "Harness.h"
 
 #include <ORLRegistryKey.h>
@@ -265,7 +265,7 @@ private:
     fs::path mFolder;
 };
 
-// Changes a value of each store every two milliseconds in a child process, until the destructor kills it.
+// Changes a value in each store every two milliseconds in a child process, until the destructor kills it.
 class Writer
 {
 public:

@@ -143,8 +143,8 @@ struct Batches
     }
 };
 
-// A ring of one producer and one consumer. Each end caches the other's position and reads the shared one only when the
-// cached value is exhausted, so that the ring costs little compared with the allocator.
+// A ring buffer with one producer and one consumer. Each end caches the other's position and reads the shared one only
+// when the cached value is exhausted, so that the ring costs little compared with the allocator.
 template <class Peer>
 struct Ring
 {

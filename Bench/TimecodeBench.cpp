@@ -26,7 +26,7 @@ unsigned long long sHeapBlocks = 0; // not atomic: this program has one thread
 
 } // namespace
 
-// Replaces the C library's malloc, for the libraries as well.
+// Replaces the C library's malloc, in shared libraries as well.
 extern "C" void* __libc_malloc(std::size_t inSize);
 extern "C" void* malloc(std::size_t inSize)
 {
@@ -301,7 +301,7 @@ void FieldGroups(const Material& inMaterial)
         .Run();
 }
 
-// Measures writing every label of a day in order.
+// Measures formatting every label of a day in order.
 void DayGroup()
 {
     constexpr int kLabels = 2589408;
@@ -339,7 +339,7 @@ void DayGroup()
 }
 
 // Returns the blocks of the small block allocator, if it counts them, plus those of the system's heap beneath it. The
-// allocator may be a front end of the heap without counters.
+// allocator may be a front end to the heap without counters.
 unsigned long long BlocksSoFar()
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot snapshot{};

@@ -1,5 +1,5 @@
-// Random changes rarely match a checksum, so the target first corrects the checksum of each chunk, unless the last byte
-// of the input disables that.
+// Random mutations rarely keep a checksum valid, so the target first corrects each chunk's checksum, unless the last
+// byte of the input disables that.
 #include "PNGFuzzTarget.h"
 
 #include <cstdio>

@@ -1,7 +1,7 @@
-// Properties of parsing arbitrary bytes as a registry text file. The fuzzer and the plain test that replays its corpus
-// check the same properties.
+// Properties that must hold when arbitrary bytes are parsed as a registry text file. The fuzzer and the plain test that
+// replays its corpus check the same properties.
 //
-// A file is either refused with the number of one of its lines, or its changes are valid for a registry. The values of
+// A file is either rejected with the number of one of its lines, or its changes are valid for a registry. The values of
 // a valid file are the same after they are written to a file and read again.
 #pragma once
 

@@ -1,5 +1,5 @@
-// Properties of parsing arbitrary text as timecode. The fuzzer and the plain test that replays its corpus check the
-// same properties.
+// Properties that must hold when arbitrary text is parsed as timecode. The fuzzer and the plain test that replays its
+// corpus check the same properties.
 //
 // Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a unit of the text; 0xFF
 // introduces the two bytes of any other unit.
@@ -140,7 +140,7 @@ inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t in
     return nullptr;
 }
 
-/// Assertions are expected: this handler answers each with "never again" instead of a line on standard error.
+/// Assertions are expected: this handler answers each with "never again" instead of printing a line to standard error.
 inline void SilenceAssertions()
 {
     tvxcore::debug::Dialogs dialogs;

@@ -35,7 +35,7 @@ std::vector<char16_t> Fold(std::int32_t inCodePoint)
     return std::vector<char16_t>(folded, folded + count);
 }
 
-// A run grows while code points with the same delta follow each other at a distance of 1, or of 2.
+// A run grows while code points with the same delta follow each other at a stride of 1, or of 2.
 bool Extend(Run& ioRun, std::int32_t inCodePoint, std::int32_t inDelta)
 {
     const std::int32_t step = inCodePoint - ioRun.mLast;

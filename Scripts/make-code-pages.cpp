@@ -5,7 +5,7 @@
 // The folder receives one CodePage<number>.inc for each page.
 //
 // The library converts text byte by byte and unit by unit. Check tests the assumptions behind this method: the program
-// refuses a page that violates one, instead of writing a wrong table.
+// rejects a page that violates one, instead of writing a wrong table.
 #include <windows.h>
 
 #include <algorithm>
@@ -132,7 +132,7 @@ Page ReadPage(unsigned inNumber)
     return page;
 }
 
-// Decimal and without blanks: half the size of the usual form, and not meant for readers.
+// Decimal, without spaces: half the size of the usual form, and not meant to be read.
 void WriteNumbers(std::FILE* ioFile, const Numbers& inNumbers)
 {
     std::string line;

@@ -34,7 +34,7 @@ char16_t Symbol(const UNumberFormat* inFormat, UNumberFormatSymbol inWhich)
     return unum_getSymbol(inFormat, inWhich, text, 16, &error) == 1 ? text[0] : u'\0';
 }
 
-// ASCII digits, even if the locale prefers others: the library reads no others.
+// ASCII digits, even if the locale prefers others: the library parses only these.
 bool Find(const std::string& inName, Punctuation& outPunctuation)
 {
     UErrorCode error = U_ZERO_ERROR;
@@ -71,7 +71,7 @@ int main()
         UErrorCode error = U_ZERO_ERROR;
         uloc_getLanguage(uloc_getAvailable(i), language, sizeof(language), &error);
         uloc_getCountry(uloc_getAvailable(i), region, sizeof(region), &error);
-        // A region of three digits is an area of the world; no system locale has one.
+        // A three-digit region is an area of the world; no system locale has one.
         names.insert(region[0] != '\0' && region[2] == '\0' ? std::string(language) + "_" + region : language);
     }
     std::map<std::string, Punctuation> known;

@@ -1,7 +1,7 @@
 // The allocators that the small block allocator is compared with.
 //
 // Each peer is loaded so that only calls by address reach it: malloc remains the C library's everywhere else. A peer is
-// a type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call of a peer
+// a type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call to a peer
 // is one call through a pointer, like a program's call into a shared library.
 #pragma once
 

@@ -4,8 +4,8 @@
 //   - In each repetition of a group every rival runs once, in turn, so machine noise affects all alike. Each
 //     repetition starts with the next rival.
 //   - Before the first repetition each rival warms up, and its operation count is chosen so that one round takes about
-//     20 ms. A round's figure is its wall time divided by its operations (with several threads: by the operations of
-//     one thread, from the common start to the end of the last thread).
+//     20 ms. A round's figure is its wall time divided by its operations (with several threads: by one thread's
+//     operations, from the common start until the last thread finishes).
 //   - 11 repetitions by default, never fewer than 9. A row shows the median, the fastest and the 90th percentile.
 //   - The ratio of ours to a peer is computed in each repetition; the median of these ratios is printed and compared
 //     with the goal. The peer is the one named by the goal, else the one with the best median.

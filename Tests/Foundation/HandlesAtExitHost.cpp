@@ -1,4 +1,4 @@
-// Ends while its threads copy and release handles of names, buffers and queues, and read, compare, look up and add
+// Exits while its threads copy and release handles of names, buffers and queues, and read, compare, look up and add
 // names. Further handles are in static storage.
 #include <ORLFoundation.h>
 
@@ -42,9 +42,9 @@ std::string TextOf(std::size_t inNumber)
     return "a name of some length, number " + std::to_string(inNumber);
 }
 
-// Checks that a name is one record that can be found and read, and that new names can be added. UseNames must
-// not use the system's heap: when Windows ends the threads at process exit, a thread inside the heap leaves the heap's
-// lock held, and under Wine 8 the next free then waits forever.
+// Checks that a held name is found again at the same address and can be read, and that new names can be added. UseNames
+// must not use the system's heap: when Windows terminates the threads at process exit, a thread inside the heap leaves
+// the heap lock held, and under Wine 8 the next free then waits forever.
 void UseNames(const ImmutableString& inName, const std::string& inText, std::size_t inRound)
 {
     if (inText != reinterpret_cast<const char*>(inName.c_str()) || inName.Compare(inText) != 0) {

@@ -1,4 +1,4 @@
-// A process ends while other threads still copy and release handles.
+// A process exits while other threads still copy and release handles.
 #include <CleanExit.h>
 
 #include <gtest/gtest.h>

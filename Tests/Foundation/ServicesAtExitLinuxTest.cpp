@@ -1,7 +1,7 @@
-// A process ends without stopping the library. The threads of the process continue to use every service while the
+// A process exits without stopping the library. Its threads continue to use every service while the
 // static objects of all libraries are destroyed, and afterwards.
 //
-// Linux only: under Wine 8 a process may spin forever at its end if a thread that was ended held the heap's lock, and
+// Linux only: under Wine 8 a process may spin forever on exit if a terminated thread held the heap lock, and
 // most of these services use the heap. HandlesAtExitTest.cpp runs on both platforms.
 #include <CleanExit.h>
 

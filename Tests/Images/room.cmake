@@ -9,8 +9,8 @@ target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_
   "ORL_MANGLED_SIZE=\"$<IF:$<BOOL:${WIN32}>,y,m>\""
   ORL_FUZZ_CORPUS="${PROJECT_SOURCE_DIR}/Fuzz/Corpus" ORL_PICTURES="${CMAKE_CURRENT_SOURCE_DIR}/Images/Data")
 
-# The linker redirects calls of these functions to the tests, which make the decoder and the system fail and count
-# deletions.
+# The linker redirects calls to these functions to replacements in the tests, which inject failures of the decoder and
+# the system, and count deletions.
 foreach(symbol
     _ZN3ORL6Images8Platform17CopyToMemory_ImplEPKv$<IF:$<BOOL:${WIN32}>,y,m>
     _ZN3ORL6Images8Platform17CreateStream_ImplEPNS1_10MemoryCopyE

@@ -51,7 +51,7 @@ protected:
                 (mFolder.Host() / "card").string(), Disk().string()};
     }
 
-    /// Each final name has either its old or its new contents, complete; every line of the manifest is true.
+    /// Each final name has its complete old or its complete new contents; every manifest line is correct.
     void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());
@@ -89,7 +89,7 @@ protected:
         EXPECT_EQ(digests, ReadManifest(Disk() / kManifest));
     }
 
-    /// Returns the number of calls of an undisturbed run, or -1 if tracing is not possible. Thread scheduling varies
+    /// Returns the number of calls in an undisturbed run, or -1 if tracing is not possible. Thread scheduling varies
     /// the number a little, so this is the median of five runs.
     int CountCalls(TracedRun& ioTraced) const
     {

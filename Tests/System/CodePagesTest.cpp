@@ -1,4 +1,4 @@
-// Tests text in code pages: both platforms must return the results of Windows.
+// Tests text in code pages: both platforms must return Windows' results.
 #include "CodePageSweep.h"
 
 #include <CRV/Application.h>
@@ -261,7 +261,7 @@ TEST_F(CodePages, LimitsOfAResult_HoldForEveryPage)
     EXPECT_EQ(14u, StringUtils::Platform::MaxBytes_Impl(932, 7));
 }
 
-// Mixed text, with every density of non-ASCII characters, must convert to the same bytes as its units one by one.
+// Mixed text, at every density of non-ASCII characters, must convert to the same bytes as unit-by-unit conversion.
 TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
 {
     std::mt19937 random(3);
