@@ -48,7 +48,7 @@ endif()
 add_library(orl_json INTERFACE)
 target_include_directories(orl_json SYSTEM INTERFACE $<BUILD_INTERFACE:${json_include}>)
 
-# Compile options of all our targets. Floating-point results must be exact to the last bit, so contraction is off.
+# Compile options for all our targets. Floating-point results must be exact to the last bit, so contraction is off.
 file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
 add_library(orl_strict INTERFACE)
 target_compile_options(orl_strict INTERFACE

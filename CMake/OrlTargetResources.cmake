@@ -2,7 +2,7 @@
 #
 # Compiles Windows resource scripts (UTF-8) into a target: a plug-in, a library or a program.
 #   Windows  the linker stores them as the module's resources.
-#   Linux    the compiled file (.res) is in the module's read-only data, and a note of owner "ORL" locates it.
+#   Linux    the compiled file (.res) is in the module's read-only data, and a note with owner "ORL" locates it.
 # ORL::Module finds the resources on both platforms. DEPENDS lists the files that the scripts use besides #include
 # files: pictures, tables. Files are searched for in the script's folder, then in INCLUDE_DIRECTORIES. Needs
 # x86_64-w64-mingw32-windres (Debian: binutils-mingw-w64-x86-64) or the RC compiler of MSVC.
@@ -47,7 +47,7 @@ function(_orl_compile_resources target script number depends include_directories
     set(compiled "${base}.obj")
     set(format coff)
   endif()
-  # The package of the resource compiler contains no preprocessor, so our compiler preprocesses the script.
+  # The resource compiler's package contains no preprocessor, so our compiler preprocesses the script.
   set(options -c 65001 "--preprocessor=${CMAKE_CXX_COMPILER}" --preprocessor-arg=-E --preprocessor-arg=-xc
     --preprocessor-arg=-DRC_INVOKED --preprocessor-arg=-MD "--preprocessor-arg=-MF${base}.d"
     "--preprocessor-arg=-MT${compiled}" "-I${folder}")

@@ -3,7 +3,7 @@
 
 set(ORL_BOOST_SOURCE "" CACHE PATH "Folder that holds libs/thread of Boost's source package")
 
-# A folder that contains only Boost's headers, so that the compiler finds nothing else of the machine's include folder.
+# A folder that contains only Boost's headers, so that the compiler finds nothing else in the machine's include folder.
 set(boost_include "${CMAKE_BINARY_DIR}/boost-include")
 file(MAKE_DIRECTORY "${boost_include}")
 if(NOT EXISTS "${boost_include}/boost")

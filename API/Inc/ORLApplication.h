@@ -45,7 +45,7 @@ public:
     /// Returns the application, or null if there is none.
     static Application* Instance();
 
-    /// Returns the path of the application's file. Fires the assertion of ObjectPtr if the application module is empty.
+    /// Returns the path of the application's file. Fires ObjectPtr's assertion if the application module is empty.
     UTF16String GetApplicationFilePath();
 
 private:

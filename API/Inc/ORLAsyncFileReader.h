@@ -8,7 +8,7 @@
 
 namespace ORL {
 
-/// Reads one file without the system's cache. Reads are queued and complete in any order, each through its callback.
+/// Reads one file, bypassing the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
 /// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). The library does not check
 /// this:
@@ -17,12 +17,12 @@ namespace ORL {
 ///           fails at its start on Linux, and on completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
 /// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor: one thread at a
-///           time. The callbacks of all readers of the process run one after another on one library thread, so a slow
-///           callback delays all others. Callbacks of reads that fail to start run on a second library thread.
+///           time. The callbacks of all readers in the process run one after another on one library thread, so a slow
+///           callback delays all others. Callbacks for reads that fail to start run on a second library thread.
 /// Needs:    Foundation::Initialize. Terminate must not be called before the last reader is closed.
 /// Failure:  Open returns -1 for a path that is missing, is a directory or cannot be opened. The callback of a read
-///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (a broken disk)
-///           stops all asynchronous reads of the process: neither that read nor any later one is reported, and
+///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (a failing disk)
+///           stops all asynchronous reads in the process: neither that read nor any later one is reported, and
 ///           WaitForPendingReads and Close do not return.
 /// Example:
 ///   ORL::AsyncFileReader reader;
@@ -55,7 +55,7 @@ public:
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
     /// Queues one read and returns 0. The outcome is reported only to the callback, which may be null. The calling
-    /// thread never accesses the disk. If 2048 reads of the process are in flight, blocks until one has finished.
+    /// thread never accesses the disk. If the process has 2048 reads in flight, blocks until one has finished.
     int QueueReadRequest(unsigned __int64 inPosition, unsigned int inSize, void* inBuffer, ReadCallback inCallback,
                          void* inUserData1, void* inUserData2, void* inUserData3);
 

@@ -15,7 +15,7 @@
 
 namespace ORL {
 
-/// Keeps results under names, in the order they were added; duplicates are kept. The library itself adds no results.
+/// Stores results by name, in the order they were added; duplicates are kept. The library itself adds no results.
 ///
 /// Owner:    the library owns the instance.
 /// Threads:  not thread-safe.

@@ -96,7 +96,7 @@ ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
 // Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of the two colour differences,
-// as modulated on the carrier. The forms in millivolts multiply both by 7.142857.
+// as modulated on the carrier. The millivolt forms multiply both by 7.142857.
 
 /// The colour differences are 0.614975 R - 0.514965 G - 0.10001 B and -0.147141 R - 0.288869 G + 0.43601 B.
 ORL_API void ColorRGBToIRE(float inR, float inG, float inB, float& outLuma, float& outChroma);

@@ -1,7 +1,7 @@
 // Floor: Core
 // Constants that hosts share: limits, media times and rates, names of resource types, property keys.
 //
-// All are constant and are initialised before the load of the library returns. The numbers, times and rates are
+// All are constant and are initialised while the library is loaded. The numbers, times and rates are
 // compile-time constants. The texts are constructed before all other objects of the library and destroyed after them,
 // so any other static may read them.
 #pragma once
@@ -53,7 +53,7 @@ ORL_CONSTANT tvxmediatypes::FrameRate kFrameRate_Audio88200 = tvxmediatypes::kFr
 ORL_CONSTANT tvxmediatypes::FrameRate kFrameRate_Audio96000 = tvxmediatypes::kFrameRate_Audio96000;
 ORL_CONSTANT tvxmediatypes::FrameRate kFrameRate_Audio192000 = tvxmediatypes::kFrameRate_Audio192000;
 
-/// Names of the types of the library's own resources.
+/// Type names of the library's own resources.
 ORL_API extern const UTF16String kResType_ColorTable;     // ORLCOLORTABLE
 ORL_API extern const UTF16String kResType_FontTable;      // ORLFONTTABLE
 ORL_API extern const UTF16String kResType_BrushTable;     // ORLBRUSHTABLE
@@ -61,7 +61,7 @@ ORL_API extern const UTF16String kResType_PenTable;       // ORLPENTABLE
 ORL_API extern const UTF16String kResType_DirectoryTable; // ORLDIRECTORYTABLE
 
 /// Keys under which hosts exchange properties of clips and sequences. The library defines the keys but does not use
-/// them. The key of the sample rate is the key of the frame rate with a suffix.
+/// them. The sample rate key is the frame rate key with a suffix.
 ORL_API extern const UTF16String kPropertyKey_FrameRate;       // BE.FrameRate
 ORL_API extern const UTF16String kPropertyKey_SampleRate;      // BE.FrameRate [Audio Sample Rate]
 ORL_API extern const UTF16String kPropertyKey_ItemCount;       // item.count

@@ -3,7 +3,7 @@
 //
 //   const bool drawsOutlines = ORL::DebugDatabase::Instance().GetEntry("DrawOutlines", "false") == "true";
 //
-// The settings are string values of the key "DebugCache" below GetRegistryBaseKey() of the user's root
+// The settings are string values of the key "DebugCache" below GetRegistryBaseKey() in the user's root
 // (ORLHostSettings.h). Reading a setting with a default writes that default there, so that every setting ever read can
 // be found and edited. Each setting is read from the registry once, then from memory.
 #pragma once

@@ -6,7 +6,7 @@
 //   DirectoryRegistry::FindDirectory(MakeString("Presets")); // "C:\Data\Presets"
 //
 // A registered path is a pattern. "$(symbol)" in it refers to another directory and is expanded on lookup, so the order
-// of registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and form feeds of a pattern are
+// of registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and form feeds in a pattern are
 // skipped. Text between "$" and "(" is removed if the symbol is registered. A reference that is not closed, or whose
 // symbol is empty or not registered, is left unexpanded.
 //

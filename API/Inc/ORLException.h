@@ -23,7 +23,7 @@ public:
     ~Exception() override;
     const char* what() const noexcept override;
 
-    /// Hooks for the start and the stop of the library. The hooks do nothing.
+    /// Hooks for library start and stop. The hooks do nothing.
     static void Initialize();
     static void Terminate();
 };
@@ -89,7 +89,7 @@ public:
     const char* what() const noexcept override;
 };
 
-/// Thrown by hosts whose call of a suite function fails. The library does not throw this exception.
+/// Thrown by hosts whose call to a suite function fails. The library does not throw this exception.
 class ORL_API SuiteCallFailed : public Exception
 {
 public:

@@ -25,7 +25,7 @@ struct _EXCEPTION_RECORD
     std::uint32_t ExceptionCode;
     std::uint32_t ExceptionFlags;       ///< 0: execution can continue; 1: it cannot
     _EXCEPTION_RECORD* ExceptionRecord; ///< the exception during whose handling this one occurred, or null
-    void* ExceptionAddress;             ///< address of the instruction that failed
+    void* ExceptionAddress;             ///< address of the faulting instruction
     std::uint32_t NumberParameters;     ///< number of values set in ExceptionInformation; the others are 0
     std::uint64_t ExceptionInformation[15];
 };

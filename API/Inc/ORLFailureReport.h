@@ -22,7 +22,7 @@ ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 /// std::bad_alloc.
 ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 
-/// Returns a report of several lines about an exception: its code, whether execution can continue, its address, and for
+/// Returns a multi-line report about an exception: its code, whether execution can continue, its address, and for
 /// an access violation what was accessed. Every line ends in "\r\n". inRecord must not be null; on Linux
 /// ORL::Linux::MakeExceptionRecord fills one from a signal. Thread-safe. Throws std::bad_alloc: do not call it in a
 /// signal handler.
@@ -32,7 +32,7 @@ ORL_API UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_
 /// tvxcore::debug::DisplayAssert. inWhat is the exception's text, UTF-8, and may be empty. Returns true if the user
 /// chose to debug. Despite its name it rethrows nothing: the caller acts on the result. Sets ioIgnore if the user chose
 /// to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it before
-/// the call. Thread-safe. Throws std::bad_alloc. Exceptions of the host's dialog propagate.
+/// the call. Thread-safe. Throws std::bad_alloc. Exceptions from the host's dialog propagate.
 ORL_API bool ThrowAfterUnhandledExceptionAlert(bool& ioIgnore, const std::string& inWhat);
 
 } // namespace ORL

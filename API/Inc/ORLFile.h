@@ -92,7 +92,7 @@ public:
     virtual Result GetBlock(__int64 inPosition, ObjectPtr<MemoryBufferWrapper>& outBlock) = 0;
 };
 
-/// Creates the block cache of each file that is read through one. Called on the thread that opens the file, which also
+/// Creates the block cache for each file that is read through one. Called on the thread that opens the file, which also
 /// receives its exceptions. A host derives from UnknownImpl<IFileBufferFactory>.
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
@@ -120,8 +120,8 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 /// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
 ///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.
 /// Owner:    the object owns its handle; the destructor closes it.
-/// Failure:  unless documented otherwise, returns Win::SystemErrorToORLResult of the system's error. Several operations
-///           return a bare -1 instead. kSuccess is 0.
+/// Failure:  unless documented otherwise, returns Win::SystemErrorToORLResult for the system's error. Several
+///           operations return a bare -1 instead. kSuccess is 0.
 /// Threads:  not thread-safe: one thread at a time per object. The static operations are thread-safe.
 /// On Linux: see FileShareModeFlags. A file without any write permission is read-only: it cannot be opened to write,
 ///           truncated, copied over, deleted or replaced, not even by the superuser. Pipes and sockets cannot be
@@ -140,7 +140,7 @@ public:
 
     /// Opens or creates a file. Returns kPathNotFound for a path that is not rooted. A directory requires
     /// kFileAttribute_BackupSemantics, and reports an assertion unless inAllowDirectory is true. With kFileCreate_New
-    /// an existing file is kGeneralFailure (system error 80).
+    /// returns kGeneralFailure (system error 80) for an existing file.
     Result Create(const UTF16String& inFullPath, FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileCreateDispositionFlags::Type inDisposition, FileAttributesFlags::Type inAttributes,
                   bool inAllowDirectory);
@@ -172,7 +172,7 @@ public:
     /// Returns the size in bytes, or 4294967295 if the system reports an error.
     unsigned __int64 SizeOnDisk() const;
 
-    /// Stores the time of the last write, in units of 100 ns since the beginning of 1601, UTC.
+    /// Stores the time of the last write, in units of 100 ns since 1 January 1601 UTC.
     Result GetLastModificationTime(unsigned __int64& outTime) const;
 
     /// Returns the system's handle, or -1 if no file is open. On Linux the handle points to the file's descriptor, an
@@ -200,7 +200,7 @@ public:
     /// destination exists. Uses the paths as given.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Replaces the real file, which must exist, by a finished temporary file, and removes the temporary name. On
+    /// Replaces the real file, which must exist, with a finished temporary file, and removes the temporary name. On
     /// success the new contents and their folder have been synced to disk. The real name always refers to the complete
     /// old or the complete new contents. After a failure nothing is retried, and both files keep their contents.
     /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
@@ -211,7 +211,7 @@ public:
     /// may take the name.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// Stores the size of the file at a path, open or not. Every failure is kFileNotFound. Uses the path as given.
+    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. Uses the path as given.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
     /// Stores the time of a file's last write, like the member function.

@@ -88,9 +88,9 @@ private:
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const HashValue& inHash);
 
-/// Reads one text up to white space and parses three hexadecimal words from it, separated by ":". A run of ":" counts
+/// Reads text up to white space and parses three hexadecimal words from it, separated by ":". A run of ":" counts
 /// as one, and text after the third word is ignored. A missing word keeps its value, a word that is not a number
-/// becomes 0, and a word of more than 32 bits becomes 0xFFFFFFFF. The stream's state only reports whether there was a
+/// becomes 0, and a word of more than 32 bits becomes 0xFFFFFFFF. The stream's state only reports whether there was any
 /// text.
 ORL_API std::basic_istream<unsigned short>& operator>>(std::basic_istream<unsigned short>& ioStream,
                                                        HashValue& outHash);

@@ -2,8 +2,8 @@
 // Conversion between library paths and host paths.
 //
 // A library path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. A
-// host path is the form that the system's own programs use: on Windows the same in UTF-8, on Linux bytes separated by
-// slashes.
+// host path is the form that the system's own programs use: on Windows the same path in UTF-8, on Linux bytes separated
+// by slashes.
 //
 // On Linux a drive table maps each drive to a host folder. Initially C: is "/", so every file has a library path.
 // Names round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted
@@ -41,7 +41,7 @@ struct MountPoint
 /// Returns the drive table: the drives in the order of their letters, then (on Linux) the mounted shares. Thread-safe.
 ORL_API std::vector<MountPoint> GetMountPoints();
 
-/// The drive table of Linux. These functions exist only in the Linux library; a host for both platforms calls them from
+/// The Linux drive table. These functions exist only in the Linux library; a host for both platforms calls them from
 /// its Linux sources. Thread-safe: a path that is being resolved at the same time uses the table before or after the
 /// change.
 namespace Linux {
@@ -57,8 +57,8 @@ ORL_API Result MountDrive(char inLetter, const std::string& inHostFolder);
 /// Removes a drive from the table. Returns kPathNotFound if the drive is not mounted.
 ORL_API Result UnmountDrive(char inLetter);
 
-/// Same as MountDrive and UnmountDrive, for a share. inShare is "\\server\share", compared without regard to the case
-/// of ASCII letters. Returns kGeneralFailure if inShare has another form.
+/// Same as MountDrive and UnmountDrive, for a share. inShare is "\\server\share", compared case-insensitively for ASCII
+/// letters. Returns kGeneralFailure if inShare has another form.
 ORL_API Result MountShare(const UTF16String& inShare, const std::string& inHostFolder);
 ORL_API Result UnmountShare(const UTF16String& inShare);
 

@@ -22,9 +22,9 @@ namespace ORL {
 /// Threads:  one thread at a time per handle. Handles on several threads may refer to one text. Interning a new text
 ///           and purging take one lock; copying and releasing change one counter.
 /// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
-/// Exit:     at process exit unreferenced texts are destroyed, static ones too. Referenced texts stay valid and every
-///           operation works until the process ends, for threads still running and for handles in static storage; the
-///           system reclaims their memory. A module that unloads the library before process exit must release its
+/// Exit:     at process exit unreferenced texts are destroyed, including static ones. Referenced texts stay valid and
+///           every operation works until the process ends, for threads still running and for handles in static storage;
+///           the system reclaims their memory. A module that unloads the library before process exit must release its
 ///           handles first: other handles dangle, and the memory of their texts leaks.
 class ORL_API ImmutableString
 {
@@ -44,7 +44,7 @@ public:
     /// Returns the zero-terminated text, or an empty one for a null handle.
     const unsigned char* c_str() const;
 
-    /// Returns the bytes before the terminator. O(n) for static texts, whose length is not stored.
+    /// Returns the number of bytes before the terminator. O(n) for static texts, whose length is not stored.
     unsigned __int64 size() const;
 
     UTF16String ToString() const;

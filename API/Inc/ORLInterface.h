@@ -62,7 +62,7 @@ protected:
 /// A smart pointer that owns one reference, or is null. Base is the root interface of T, whose AddRef and Release are
 /// called: ORLUnknown for classes of the class system, T itself for a standalone interface.
 ///
-/// Owner:    each InterfaceRef owns one reference of its object.
+/// Owner:    each InterfaceRef owns one reference to its object.
 /// Threads:  one thread at a time per InterfaceRef. Several threads may own references to one object, and copy and
 ///           destroy them.
 /// Failure:  only operator-> throws: NullInterfaceException.

@@ -105,7 +105,7 @@ private:
     Pool mSpareNodes TVXCORE_GUARDED_BY(mLock); // empty list nodes: reusing one saves an allocation
 };
 
-/// A buffer of the pool, for a scope. The library must be started.
+/// A buffer from the pool, for a scope. The library must be started.
 ///
 /// Owner:    the object owns its memory; the destructor returns it to the pool.
 /// Threads:  one thread at a time per object.

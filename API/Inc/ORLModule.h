@@ -92,12 +92,12 @@ private:
 /// Returns this library's own module. The pointer is empty before the library is loaded and after it is unloaded.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetLibraryModule();
 
-/// Gets and sets the module of the host's texts; empty until it is set. Not thread-safe: the host calls
+/// Gets and sets the module that contains the host's texts; empty until it is set. Not thread-safe: the host calls
 /// SetResourceModule at start-up, before other threads use the module.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetResourceModule();
 ORL_API void SetResourceModule(const ObjectPtr<Module, AtomicValue>& inModule);
 
-/// Returns the resource module as a collection. The module must be set: otherwise the assertion of ObjectPtr fires, and
+/// Returns the resource module as a collection. The module must be set: otherwise ObjectPtr's assertion fires, and
 /// the returned reference is invalid.
 ORL_API const ResourceCollection& GetResourceCollection();
 

@@ -6,7 +6,7 @@
 //       Draw(picture.GetHBITMAP());
 //   }
 //
-// On Linux a native bitmap is a block of 32-bit pixels. ORLNativeBitmap.h has the functions that create, read and
+// On Linux a native bitmap is a block of 32-bit pixels. ORLNativeBitmap.h declares the functions that create, read and
 // delete it.
 #pragma once
 

@@ -40,7 +40,7 @@ private:
 using ParamVector = ParamVectorImpl<UTF16String>;
 using StdParamVector = ParamVectorImpl<std::string>;
 
-/// Replaces the placeholders "%1", "%2" ... of inFormat by the parameters, in order, and stores the text.
+/// Replaces the placeholders "%1", "%2" ... in inFormat with the parameters, in order, and stores the text.
 ///
 /// Returns kGeneralFailure, with outResult untouched, if the list is empty or a parameter has no placeholder. Only the
 /// first occurrence of a placeholder is replaced. The search includes text inserted for earlier parameters, and "%1"
@@ -54,8 +54,8 @@ ORL_API Result ParseStdString(const std::string& inFormat, const ParamVectorImpl
                               std::string& outResult);
 
 /// Splits off the first two tokens of inString. A run of separators counts as one, but a separator at the start makes
-/// the first token empty. Text after the second token is dropped; a missing token is empty. Works for separators of one
-/// character: of a longer separator only one character is skipped. Thread-safe.
+/// the first token empty. Text after the second token is dropped; a missing token is empty. Supports only one-character
+/// separators: only one character of a longer separator is skipped. Thread-safe.
 ORL_API void SplitString(const UTF16String& inString, const UTF16String& inSeparator, UTF16String& outFirst,
                          UTF16String& outSecond);
 

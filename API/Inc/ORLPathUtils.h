@@ -8,7 +8,7 @@
 //   limit of plain paths normalized UNC: it begins with exactly \\?\UNC\ (case-sensitive)
 //
 // Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
-// text, as documented. ORLHostPath.h converts paths of the host's own system to these and back.
+// text, as documented. ORLHostPath.h converts host paths to library paths and back.
 #pragma once
 
 #include <ORLConfig.h>
@@ -21,7 +21,7 @@ namespace PathUtils {
 extern ORL_API const UTF16String kPathSeparator;
 /// ".", the first character of an extension.
 extern ORL_API const UTF16String kExtension;
-/// The nine characters that a file name must not contain, separated by blanks, to show to a user.
+/// The nine characters that a file name must not contain, separated by blanks, for display to a user.
 extern ORL_API const UTF16String kIllegalFilenameCharactersDisplay;
 
 // Text only. Functions with a parameter called inFullPath fire an input contract for an empty path.
@@ -41,7 +41,7 @@ ORL_API bool RemoveIllegalFileNameCharacters(UTF16String& ioName);
 
 /// Splits a path. The drive is the first two characters if the second is ":". The directory ends with the last "/" or
 /// backslash. The extension begins with the last dot of the file name. Reads up to the terminator. Each output may be
-/// null or the path itself; a part that the path lacks is stored as an empty text.
+/// null or the path itself; a missing part is stored as an empty text.
 ORL_API void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* outDirectory,
                        UTF16String* outFile, UTF16String* outExtension);
 
@@ -131,7 +131,7 @@ ORL_API UTF16String GetTempDirectory();
 /// Returns the shell's display name of the last component of a normalized path, and any other text unchanged.
 ORL_API UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath);
 
-/// Returns a normalized path in the shell's display names, and any other text unchanged.
+/// Returns a normalized path with the shell's display names, and any other text unchanged.
 ORL_API UTF16String GetDisplayStringFromPath(const UTF16String& inPath);
 
 } // namespace PathUtils

@@ -23,7 +23,7 @@ enum Type : int {
 
 } // namespace ProcessSearchFlags
 
-/// Returns whether one of the first 1024 processes that the system lists has an executable of that name. The name is
+/// Returns whether one of the first 1024 processes that the system lists has an executable with that name. The name is
 /// that of the file without its folder, extension included. Processes that this user has no permission to query are
 /// skipped.
 ///

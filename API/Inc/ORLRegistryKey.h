@@ -52,7 +52,7 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 /// Owner:    copies share one handle. An Open or Create on one copy affects all of them; each keeps its own path.
 /// Threads:  reading and writing values is thread-safe, and so is copying and destroying copies. Not thread-safe: Open
 ///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
-/// Failure:  operations return kRegistryFailure unless stated otherwise, and on a closed key always. Constructors and
+/// Failure:  operations return kRegistryFailure unless stated otherwise, and always on a closed key. Constructors and
 ///           functions with a string or vector throw std::bad_alloc.
 /// On Linux: the store is one database for each root (see Docs/settings.md). A child of fork can use the store.
 class ORL_API RegistryKey

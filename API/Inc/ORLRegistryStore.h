@@ -20,7 +20,7 @@ struct RegistryValueTypes
     enum Type : unsigned int {
         kNone = 0,
         kString = 1,       ///< UTF-16 text with its terminator
-        kExpandString = 2, ///< text with names of variables between percent signs
+        kExpandString = 2, ///< text with variable names between percent signs
         kBinary = 3,
         kUInt32 = 4, ///< 4 bytes, little-endian
         kMultiString = 7,
@@ -87,7 +87,7 @@ ORL_API Result ListValues(RegistryRootKeys::Type inRoot, const UTF16String& inPa
 ORL_API Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath, const UTF16String& inName,
                         RegistryValue& outValue);
 
-/// Makes the changes below kUser in their order, then those below kMachine. Stops at the first failure. On Linux the
+/// Makes the changes below kUser in order, then those below kMachine. Stops at the first failure. On Linux the
 /// changes below one root are atomic: after a failure or a crash none of them is made. On Windows the changes before
 /// the failure remain.
 ORL_API Result Apply(const std::vector<RegistryEdit>& inEdits);

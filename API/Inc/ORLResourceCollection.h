@@ -20,7 +20,7 @@ inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
 
 /// The interface to a module's resources. Module implements this interface.
 ///
-/// Types and names are results of MakeResourceID, or zero-terminated strings, which compare without regard to case. A
+/// Types and names are results of MakeResourceID, or zero-terminated strings, which are case-insensitive. A
 /// string of "#" and decimal digits denotes that number. Sizes are in bytes.
 ///
 /// Owner:    the collection owns the data that lookups return. The data is read-only, and valid until the collection is
@@ -61,7 +61,7 @@ public:
     /// vertically; otherwise loads the bitmap resource with this number, without flipping. Looks up the PNG as
     /// FindLocalizedResource does if inLocalized is true, otherwise as LoadResource does. Premultiplies the pixels of a
     /// PNG by alpha. The result is not valid if neither resource can be found and decoded. Throws std::bad_alloc. On
-    /// Windows the host must have started GDI+. On Linux ORLNativeBitmap.h has the functions that read the bitmap.
+    /// Windows the host must have started GDI+. On Linux ORLNativeBitmap.h declares the functions that read the bitmap.
     virtual OSImageHandle LoadBitmapW(short inID, bool inLocalized) = 0;
 
     /// Loads a PNG file, flipped vertically, from the folder "PNG/" in the directory registered as "application". The

@@ -98,7 +98,7 @@ private:
     std::unique_ptr<PrivateImpl> mImpl;
 };
 
-/// Reads the sixteen strings of one resource of a string table (type 6). A missing string is empty. Returns false, with
+/// Reads the sixteen strings in one string table resource (type 6). A missing string is empty. Returns false, with
 /// outTexts unchanged, if the data is truncated. Throws std::bad_alloc.
 ORL_API bool ReadStringBlock(const FileEntry& inEntry, std::vector<UTF16String>& outTexts);
 

@@ -15,8 +15,8 @@ namespace Resources {
 namespace Linux {
 
 /// Returns the module that contains a function or variable, or null. The handle is valid while that module is loaded. A
-/// plug-in passes the address of one of its functions and wraps the result by Module::Create to load its own resources.
-/// Thread-safe. Never throws.
+/// plug-in passes the address of one of its functions and wraps the result with Module::Create to load its own
+/// resources. Thread-safe. Never throws.
 ORL_API HINSTANCE ModuleOfAddress(const void* inAddress);
 
 /// Bits of MenuItem::mFlags, with the values of Windows.

@@ -4,7 +4,7 @@
 //
 // The code page follows the language of the process (ORLHostSettings.h): 932 for Japanese, 949 for Korean, and the
 // system's default page for all others. Results are byte for byte those of Windows on every platform:
-// - A character that the page lacks is replaced by the best fit of Windows, else by "?". Each half of a surrogate pair
+// - A character that the page lacks is replaced by the Windows best fit, else by "?". Each half of a surrogate pair
 //   becomes one "?".
 // - A byte or a pair of bytes without a mapping becomes the page's default character: U+30FB in 932, "?" elsewhere.
 // - An empty text stays empty.

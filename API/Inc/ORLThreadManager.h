@@ -40,7 +40,7 @@ ORL_API void UnregisterMainThread();
 
 /// Creates a record for the calling thread and passes its name to a debugger and the system's tools. Neither name may
 /// be empty, and the library must be started. A thread that registers twice leaks its first record. Each registered
-/// thread must call UnregisterThread before it ends.
+/// thread must call UnregisterThread before it exits.
 ORL_API void RegisterThread(ConstString& inThreadName, ConstString& inCurrentModule);
 
 /// Deletes the calling thread's record. The thread must not query its record afterwards.

@@ -65,8 +65,8 @@ public:
 
     /// Starts the threads, which are named "module: thread". Neither name may be empty. Policy -1 starts as many
     /// threads as suit the machine, at least two; 0 starts one thread; a number above 0 starts that many. Any other
-    /// policy is reported and starts one thread. A second call replaces the threads: the old threads run the requests
-    /// queued to them, then end. Returns true. Throws boost::thread_resource_error if the system cannot start a thread.
+    /// policy is reported and starts one thread. A second call replaces the threads: the old threads run their queued
+    /// requests, then exit. Returns true. Throws boost::thread_resource_error if the system cannot start a thread.
     bool Initialize(ThreadPriorities::Type inPriority, int inThreadAllocationPolicy, ConstString inThreadName,
                     ConstString inModuleName);
 
@@ -95,7 +95,7 @@ public:
     /// Returns 0 before Initialize.
     unsigned int GetNumberOfThreads();
 
-    /// Refuses further requests, runs the queued ones, and returns when the threads have ended. On a thread of the
+    /// Refuses further requests, runs the queued ones, and returns when the threads have exited. On a thread of the
     /// queue, returns immediately.
     void Stop();
 

@@ -101,9 +101,9 @@ public:
     /// Returns the time of a text, or kTime_Invalid if it cannot be read. An empty text is kTime_Zero.
     ///
     /// A text is an optional sign, then up to four fields, separated by any mix of ":" ";" "."; the last field is the
-    /// frames. A single number is split from the right, two digits a field (frames: as many as the rate needs); after a
-    /// leading separator it is a plain frame count. A field may overflow into the next one; hours are taken modulo 24.
-    /// Feet and frames are two fields, and "+" is also a separator. With inPreviousFrame one frame is added to the
+    /// frames. A single number is split from the right, two digits per field (frames: as many as the rate needs); after
+    /// a leading separator it is a plain frame count. A field may overflow into the next one; hours are taken modulo
+    /// 24. Feet and frames are two fields, and "+" is also a separator. With inPreviousFrame one frame is added to the
     /// result.
     static ORL_API tvxmediatypes::TickTime StringToTime(const UTF16String& inText,
                                                         const tvxmediatypes::FrameRate& inFrameRate,

@@ -19,14 +19,14 @@ template <class Policy>
 class WaitableGateAlgorithm;
 } // namespace Sync
 
-/// A gate that threads wait at. A gate starts closed, and may be opened and closed again.
+/// A gate at which threads wait. A gate starts closed, and may be opened and closed again.
 ///
 /// Opening releases every thread that sleeps at the gate, even if the gate is closed again immediately.
 /// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate;
 ///           no thread may start to wait on it any more.
 /// Threads:  thread-safe. mMutex is a leaf lock.
 /// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time has already run out.
-/// Failure:  kWaitTimeout is a result, not an error. Exceptions of boost::mutex and boost::condition_variable
+/// Failure:  kWaitTimeout is a result, not an error. Exceptions from boost::mutex and boost::condition_variable
 ///           propagate, thread interruption included.
 /// Example:
 ///   gate->Open();

@@ -18,7 +18,7 @@ namespace ORL {
 /// the three already exist. If creating the executor throws, everything is undone.
 void StartupAsyncFileOperations();
 
-/// Stops and destroys the port, the thread and the executor. Callbacks of completions that are already queued at the
+/// Stops and destroys the port, the thread and the executor. Callbacks for completions that are already queued at the
 /// port still run. Close all readers first: reads still in flight are not reported.
 void TerminateAsyncFileOperations();
 
@@ -50,7 +50,7 @@ struct ORL_LOCAL AsyncFileReader::PrivateImpl : Impl
     AsyncReadBusyRequests mBusyRequests;
 };
 
-/// The pool of the process, with 2048 records.
+/// The process's pool, with 2048 records.
 using AsyncReadRequests = AsyncReadRequestPool<AsyncReadRequest, 2048>;
 AsyncReadRequests& TheAsyncReadRequests();
 

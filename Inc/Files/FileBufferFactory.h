@@ -1,4 +1,4 @@
-// The factory that the host has set. The lock of the library's start and stop guards the factory.
+// The factory that the host has set. The foundation lock guards the factory.
 #pragma once
 
 #include <ORLFile.h>

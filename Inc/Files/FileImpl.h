@@ -38,10 +38,10 @@ private:
 
 namespace Files {
 
-/// The smallest block of a cache.
+/// The smallest block size of a cache, in bytes.
 inline constexpr std::uint32_t kSmallestBlock = 65536;
 
-/// The result of a failure without a specific code.
+/// The result for a failure without a specific code.
 inline constexpr Result kBareFailure = -1;
 
 /// Returns kSuccess for 0.

@@ -1,4 +1,4 @@
-// The Windows functions on the text of paths, as portable code with the same results on every platform. Names are
+// The Windows path text functions, as portable code with the same results on every platform. Names are
 // compared case-insensitively, and "/" is an ordinary character. Every text is read up to its terminator.
 #pragma once
 

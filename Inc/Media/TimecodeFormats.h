@@ -119,7 +119,7 @@ struct FrameFormat
     int mFrameDigits;
 };
 
-/// Returns the frame format for a rate of GetFrameRateForDisplayMode. The format counts 30, 60 and 24 frames at the
+/// Returns the frame format for a rate from GetFrameRateForDisplayMode. The format counts 30, 60 and 24 frames at the
 /// fractional rates, else the truncated rate. mFrameDigits counts the divisions by ten while the rate is above ten.
 constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) noexcept
 {
@@ -139,7 +139,7 @@ constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) 
     return format;
 }
 
-/// Returns the frames of film in one foot, 40 for a format that does not count feet.
+/// Returns the number of film frames in one foot, 40 for a format that does not count feet.
 constexpr int FramesPerFoot(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
     constexpr int kUsual = 40;

@@ -14,7 +14,7 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
     return inSize >= kLargeBuffer;
 }
 
-/// inSize must be large. A size too near to the end of the address space to be rounded is returned unchanged: an
+/// inSize must be large. A size too near the end of the address space to be rounded is returned unchanged: an
 /// allocation of that size always fails.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {

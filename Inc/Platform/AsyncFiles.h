@@ -38,12 +38,12 @@ struct Overlapped
     void* mEvent; // unused: completions go to the port
 };
 
-/// A packet of a port.
+/// A packet from a port.
 struct Completion
 {
     Overlapped* mOverlapped;                          // null for an empty packet
     std::uint32_t mBytesRead;                         // 0 for a read that failed
-    SystemError mStartError = SystemErrors::kNoError; // the failure of a start, if detected late
+    SystemError mStartError = SystemErrors::kNoError; // the error of a start, if detected late
 };
 
 /// Creates a port that one thread at a time drains. Returns 0, or the system error with a null port.
@@ -99,10 +99,10 @@ std::size_t SubmitReads_Impl(SystemError& outError);
 /// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.
 SystemError StartThread_Impl(const char* inName, void (*inBody)(void*), void* inArgument, Handle& outThread);
 
-/// Waits without limit for the thread to end. Ignores null.
+/// Waits without limit for the thread to exit. Ignores null.
 void WaitForThread_Impl(Handle inThread);
 
-/// Closes the handle of the thread, which keeps running if it has not ended. Ignores null.
+/// Closes the handle of the thread, which keeps running if it has not exited. Ignores null.
 void CloseThread_Impl(Handle inThread);
 
 } // namespace Platform

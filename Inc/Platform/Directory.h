@@ -52,12 +52,12 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 /// Removes an empty directory.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath);
 
-/// The shell's numbers for its functions.
+/// The shell's function codes.
 enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
-/// Runs the shell's operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
+/// Runs the shell's file operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
 /// destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or a
-/// status of the shell, which need not be a system error number. Fails if there is nothing to copy or move; some
+/// shell status code, which need not be a system error number. Fails if there is nothing to copy or move; some
 /// versions of Windows return 0 then.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
 

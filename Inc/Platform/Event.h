@@ -8,7 +8,7 @@ namespace ORL {
 namespace Events {
 namespace Platform {
 
-/// The number for an unlimited wait.
+/// The timeout for an unlimited wait.
 inline constexpr std::uint32_t kEndless = 0xFFFFFFFFu;
 
 /// The result of a wait.
@@ -18,7 +18,7 @@ enum class WaitOutcome { kSignalled, kTimeout, kFailed };
 /// Returns 0 and the handle, which is never null; or the system error and null.
 unsigned long CreateEvent_Impl(bool inManualReset, bool inInitiallySignalled, void*& outEvent);
 
-/// Destroys an event without waiters. A call of SetEvent_Impl that has already signalled may not have returned yet.
+/// Destroys an event without waiters. A call to SetEvent_Impl that has already signalled may not have returned yet.
 /// Ignores null.
 void DestroyEvent_Impl(void* inEvent);
 

@@ -1,6 +1,6 @@
 // Floor: Platform
 // The system functions for files. Values are those of Windows on every platform: access, share mode, disposition and
-// flags are Windows constants, failures are Windows error numbers, and times count 100 ns since the beginning of 1601,
+// flags are Windows constants, failures are Windows error numbers, and times count units of 100 ns since 1 January 1601
 // UTC.
 //
 // Share modes apply between all handles: an open whose access another handle does not share, or that does not share
@@ -102,7 +102,7 @@ SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 /// What happens to the previous contents of a replaced file.
 enum class BackupDisposition { kKeep, kDelete };
 
-/// Replaces a file by another one. The previous contents are moved to inBackup, which is overwritten if it exists. On
+/// Replaces a file with another one. The previous contents are moved to inBackup, which is overwritten if it exists. On
 /// success contents and names have been synced to disk. The replaced name always refers to the complete old or the
 /// complete new contents. If the backup fails only because its name is too long for the volume, it is kept next to the
 /// replaced file under another name, and deleted on success. With kDelete every backup is deleted on success; a

@@ -63,8 +63,8 @@ void EnumFirstResourceName_Impl(const Source& inSource, const unsigned short* in
 /// Returns the cursor in the language that the platform selects, valid as long as the source; null if there is none.
 void* LoadCursor_Impl(const Source& inSource, unsigned short inID);
 
-/// Creates a bitmap, which the caller deletes, of the bitmap resource of that number in the language that the platform
-/// selects. Returns null if the resource does not exist or cannot be read.
+/// Creates a bitmap, which the caller deletes, from the bitmap resource with that number in the language that the
+/// platform selects. Returns null if the resource does not exist or cannot be read.
 HBITMAP LoadBitmap_Impl(const Source& inSource, unsigned short inID);
 
 /// Creates a menu from a template of inSize bytes. Returns null if the template cannot be read.

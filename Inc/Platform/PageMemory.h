@@ -12,11 +12,11 @@ namespace Platform {
 /// address space if possible. Returns null if out of memory.
 void* AllocatePages_Impl(std::size_t inSize);
 
-/// Frees memory of AllocatePages_Impl. inSize must be the same.
+/// Frees memory from AllocatePages_Impl. inSize must be the same.
 void FreePages_Impl(void* inPages, std::size_t inSize);
 
 /// Returns how the C runtime handles an exhausted heap: 0 if an allocation simply fails. In any other mode an
-/// allocation calls handlers of the host.
+/// allocation calls the host's handlers.
 int QueryNewMode_Impl();
 
 } // namespace Platform

@@ -11,7 +11,7 @@ namespace ORL {
 namespace Process {
 namespace Platform {
 
-/// A process opened to query its name. Null if the opening failed, and on platforms that need no handle for queries.
+/// A process opened to query its name. Null if opening it failed, and on platforms that need no handle for queries.
 using ProcessHandle = void*;
 
 /// Stores the identifiers of at most inCapacity running processes, in the system's order. outCount is untouched on
@@ -20,7 +20,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
 
 ProcessHandle OpenProcess_Impl(unsigned int inIdentifier);
 
-/// Stores the file name of the process's executable, without its folder. Returns false if the process has ended or its
+/// Stores the file name of the process's executable, without its folder. Returns false if the process has exited or its
 /// name is not available.
 bool GetExecutableName_Impl(ProcessHandle inProcess, unsigned int inIdentifier, UTF16String& outName);
 

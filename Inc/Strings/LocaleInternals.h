@@ -16,7 +16,7 @@ void Initialize();
 /// Returns the classic locale for an unknown name. Never throws: it runs at load.
 std::locale MakeLocale(const char* inName) noexcept;
 
-/// Returns the number of a typed text, with inNative in place of the user's locale.
+/// Returns the number in a typed text, with inNative in place of the user's locale.
 double GetValueFromDisplayString(const UTF16String& inText, const std::locale& inNative);
 
 } // namespace Locale

@@ -7,7 +7,7 @@
 namespace ORL {
 namespace Internal {
 
-/// Returns the UTF-8 of inLength units, zero units included.
+/// Returns inLength units as UTF-8, zero units included.
 std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength);
 
 } // namespace Internal

@@ -1,4 +1,4 @@
-// Notifications of the system's loader about this library.
+// Notifications from the system's loader about this library.
 #pragma once
 
 #include <ORLModule.h>

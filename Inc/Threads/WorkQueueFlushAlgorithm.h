@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    // A flush of an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty microseconds or
+    // Flushing an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty microseconds or
     // more, in the caller and in a thread of the queue, which spins only for a limited time before it sleeps.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 

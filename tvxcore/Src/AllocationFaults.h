@@ -6,7 +6,7 @@
 //   ...
 //   EXPECT_EQ(faults.Refused(), 1u);
 //
-// A sweep runs the same work with mFirst = 1, 2, 3 ... until a run in which nothing was refused.
+// A sweep runs the same work with mFirst = 1, 2, 3 ... until a run in which no allocation failed.
 //
 // While no plan is armed, fault injection costs the allocator's fast path nothing: arming disables that path for all
 // threads, and only the slow path checks for faults.
@@ -29,7 +29,7 @@ struct Plan
     AllocationKind mKind = kBlocks;
     std::uint64_t mFirst = 1;        // counted from 1
     std::uint64_t mFailureCount = 1; // consecutive failures; kAllFurther for no limit
-    bool mOfThisThreadOnly = false;  // count and refuse only allocations of the arming thread
+    bool mOfThisThreadOnly = false;  // count and fail only allocations by the arming thread
 };
 
 inline constexpr std::uint64_t kAllFurther = UINT64_MAX;
@@ -43,7 +43,7 @@ public:
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
 
-    /// Return the number of allocations seen, and the number of those refused.
+    /// Return the number of allocations seen, and the number of those that failed.
     std::uint64_t Asked() const noexcept;
     std::uint64_t Refused() const noexcept;
 };

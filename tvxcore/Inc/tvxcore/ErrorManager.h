@@ -24,7 +24,7 @@ public:
 ///
 /// Owner:    the host. The handler must outlive its installation.
 /// Threads:  its functions are called on any thread, and concurrently.
-/// Failure:  exceptions of a handler propagate to the caller that raised the error.
+/// Failure:  exceptions from a handler propagate to the caller that raised the error.
 class TVXCORE_API ErrorManager
 {
 public:

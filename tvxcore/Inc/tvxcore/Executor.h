@@ -34,11 +34,11 @@ public:
     /// continues. Throws what the copy throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 
-    /// Returns the number of threads. The number stays the same after they have ended.
+    /// Returns the number of threads. The number stays the same after they have exited.
     virtual unsigned int GetThreadCount() = 0;
 
     /// Requests termination: ends a pause and refuses further functions. Queued functions still run, then the threads
-    /// end.
+    /// exit.
     virtual void RequestTermination() = 0;
 
     /// Returns whether termination has been requested and WaitForTermination has returned.
@@ -47,7 +47,7 @@ public:
     /// Returns whether the calling thread is one of the executor's threads.
     virtual bool CurrentThreadIsExecutorThread() = 0;
 
-    /// Blocks until all threads have ended, which requires RequestTermination. On a thread of the executor, returns
+    /// Blocks until all threads have exited, which requires RequestTermination. On a thread of the executor, returns
     /// immediately.
     virtual void WaitForTermination() = 0;
 
@@ -62,7 +62,7 @@ public:
 
 /// An executor with a fixed number of threads. Owner, threads and failures are as for AsyncExecutor. Releasing the last
 /// reference requests termination and waits for it. On a thread of the executor itself the release does not wait, and
-/// the threads end on their own. A module must not be unloaded before its executors have terminated.
+/// the threads exit on their own. A module must not be unloaded before its executors have terminated.
 class TVXCORE_API AsyncThreadedExecutor : public AsyncExecutor
 {
 public:
@@ -72,8 +72,8 @@ public:
 /// Creates an executor of inThreadCount threads with a name and a priority. If inThreadCount is below 1, it creates one
 /// thread for each processor that the process may use, but at least two. Debuggers and system tools show the name
 /// (UTF-8), truncated to the system's limit. A priority above normal is used only as far as the user's rights allow;
-/// one outside the range is clamped. inThreadStart and inThreadEnd run on each thread as it begins and ends; either may
-/// be empty. Throws boost::thread_resource_error if the system cannot start a thread; everything is then undone.
+/// one outside the range is clamped. inThreadStart and inThreadEnd run on each thread as it starts and exits; either
+/// may be empty. Throws boost::thread_resource_error if the system cannot start a thread; everything is then undone.
 /// Thread-safe.
 TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor>
 CreateAsyncThreadedExecutor(const std::string& inName, int inThreadCount, ThreadPriority inPriority,

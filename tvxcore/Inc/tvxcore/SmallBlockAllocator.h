@@ -20,9 +20,9 @@ namespace utility {
 ///
 /// Owner:    the caller owns a block until Dispose.
 /// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
-///           destructors of an ending thread.
+///           destructors of an exiting thread.
 /// Failure:  Allocate returns null. Only STLAllocator throws.
-/// On Windows: the exit of a process stops all threads but one at arbitrary points. The last thread can still allocate,
+/// On Windows: process exit stops all threads but one at arbitrary points. The last thread can still allocate,
 ///             from its cache and from new pages; blocks that are not from its cache are then neither counted nor
 ///             freed.
 class TVXCORE_API SmallBlockAllocator

@@ -22,7 +22,7 @@ public:
     explicit iUTF16StringStream(const UTF16String& inText);
     ~iUTF16StringStream() override;
 
-    /// Like imbue of any stream, but keeps the facets of 16-bit streams.
+    /// Like std::basic_ios::imbue, but keeps the facets of 16-bit streams.
     std::locale imbue(const std::locale& inLocale);
 };
 
@@ -36,7 +36,7 @@ public:
     oUTF16StringStream();
     ~oUTF16StringStream() override;
 
-    /// Like imbue of any stream, but keeps the facets of 16-bit streams.
+    /// Like std::basic_ios::imbue, but keeps the facets of 16-bit streams.
     std::locale imbue(const std::locale& inLocale);
 };
 

@@ -31,7 +31,7 @@ TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
 /// Receives one finished text: zero-terminated UTF-8, of one line or several. Called on any thread, and concurrently.
-/// Exceptions of a sink are swallowed.
+/// Exceptions from a sink are swallowed.
 using TraceSink = void (*)(const unsigned char* inText);
 
 /// Installs a sink and returns the previous one. Null selects standard error; a line end is then added to texts without

@@ -12,7 +12,7 @@ namespace utility {
 /// library is loaded, not while it is being unloaded. Thread-safe.
 TVXCORE_API bool BelongsToProgram(const void* inExported) noexcept;
 
-/// Returns whether the exit of the process has already stopped all other threads, at arbitrary points. Nothing may then
+/// Returns whether process exit has already stopped all other threads, at arbitrary points. Nothing may then
 /// wait for them, or for a lock that they may hold, that of the C++ heap included. Always false on Linux, where threads
 /// run until the very end. Thread-safe.
 TVXCORE_API bool AreOtherThreadsStopped() noexcept;

@@ -12,15 +12,15 @@ namespace Platform {
 /// Maps new zeroed memory, readable and writable. inAlignment is a power of two. Returns null if out of memory.
 void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept;
 
-/// Unmaps memory of MapPages_Impl. inSize must be the same.
+/// Unmaps memory from MapPages_Impl. inSize must be the same.
 void UnmapPages_Impl(void* inPages, std::size_t inSize) noexcept;
 
-/// Registers inEnded, which is then called on each thread that ends after its WatchThisThread_Impl, with the argument
+/// Registers inEnded, which is then called on each thread that exits after its WatchThisThread_Impl, with the argument
 /// given there. Call it once, before any WatchThisThread_Impl. Both return false if the system refuses.
 bool WatchThreadEnds_Impl(void (*inEnded)(SmallBlocks::CacheHead* inCache)) noexcept;
 bool WatchThisThread_Impl(SmallBlocks::CacheHead* inCache) noexcept;
 
-/// Ends the watch on all threads: no function of this library is called any more when they end.
+/// Stops watching all threads: their exits no longer call a function of this library.
 void ForgetThreadEnds_Impl() noexcept;
 
 /// Registers inBefore, which is called before the process forks, and inAfter, which is called after it in both

@@ -17,7 +17,7 @@ bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle&
 /// fail.
 using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread);
 
-/// Returns when the thread has ended, including its thread-local destructors.
+/// Returns when the thread has exited, including its thread-local destructors.
 void JoinThread_Impl(ThreadHandle inThread) noexcept;
 
 /// Detaches the thread, so that no thread needs to join it.
@@ -40,7 +40,7 @@ unsigned int UsableProcessorCount_Impl() noexcept;
 /// Yields this processor to other threads.
 void YieldThread_Impl() noexcept;
 
-/// Returns whether the exit of the process has already stopped its other threads, at arbitrary points. Nothing may then
+/// Returns whether process exit has already stopped its other threads, at arbitrary points. Nothing may then
 /// wait for them, or for a lock that they may hold.
 bool ProcessIsEnding_Impl() noexcept;
 

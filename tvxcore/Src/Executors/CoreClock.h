@@ -6,7 +6,7 @@
 namespace tvxcore {
 namespace threads {
 
-/// Returns the nanoseconds of the system's monotonic clock, or of the ManualClock if one exists.
+/// Returns the time of the system's monotonic clock in nanoseconds, or of the ManualClock if one exists.
 std::int64_t ClockNow();
 
 /// Returns whether a ManualClock exists; time then passes only when it is advanced.

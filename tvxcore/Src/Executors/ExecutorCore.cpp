@@ -84,7 +84,7 @@ void ExecutorCore::RunThread() noexcept
     tCurrent = nullptr;
 }
 
-// During process exit no thread of an executor is left, so the result does not matter. The thread-local is not read
+// During process exit no executor thread is left, so the result does not matter. The thread-local is not read
 // then: a thread's first access to its thread-locals may take locks that a stopped thread holds forever.
 bool ExecutorCore::OwnsCurrentThread() const noexcept
 {
@@ -104,8 +104,8 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
     }
 }
 
-// The error manager does not use the text after it returns, so the text may be composed here. Exceptions of the report
-// itself are caught too: the thread continues.
+// The error manager does not use the text after it returns, so the text may be composed here. Exceptions from the
+// report itself are caught too: the thread continues.
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {
     try {

@@ -19,7 +19,7 @@ RepeatEntry* sFirst TVXCORE_GUARDED_BY(sMutex) = nullptr;
 RepeatEntry* sCalled TVXCORE_GUARDED_BY(sMutex) = nullptr; // the entry whose BecomeDue is running
 unsigned int sEntries TVXCORE_GUARDED_BY(sMutex) = 0;
 Platform::ThreadHandle sThread TVXCORE_GUARDED_BY(sMutex){};
-std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // generation of the current thread; older threads end
+std::uintptr_t sGeneration TVXCORE_GUARDED_BY(sMutex) = 0; // generation of the current thread; older threads exit
 
 std::atomic<std::uint32_t> sScheduleMoved{0}; // the word on which the timer thread waits
 std::atomic<std::uint32_t> sCallEnded{0};     // the word on which threads wait for the end of a call

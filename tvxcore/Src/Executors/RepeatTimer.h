@@ -1,6 +1,6 @@
 // The timer thread for all repeated functions of the process.
 //
-// The thread starts when the first entry is added and has ended when the last one is removed, so it never outlives the
+// The thread starts when the first entry is added and has exited when the last one is removed, so it never outlives the
 // library.
 #pragma once
 
@@ -47,7 +47,7 @@ public:
     static void ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay);
 
     /// Undoes Add and Schedule. BecomeDue is not running when this returns, unless BecomeDue itself calls it. The last
-    /// call returns after the thread has ended.
+    /// call returns after the thread has exited.
     static void Remove(RepeatEntry& ioEntry);
 
     /// Returns when BecomeDue has been called for all entries that are due.

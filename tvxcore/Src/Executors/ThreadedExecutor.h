@@ -16,7 +16,7 @@ class ThreadedExecutor : public AsyncThreadedExecutor
 {
 public:
     /// Throws boost::thread_resource_error if the system cannot start a thread; threads already started have then
-    /// ended.
+    /// exited.
     ThreadedExecutor(const std::shared_ptr<ExecutorCore>& inCore, unsigned int inThreadCount,
                      Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
     ~ThreadedExecutor() override;

@@ -19,7 +19,7 @@ pthread_key_t sThreadEndKey;
 bool sHasThreadEndKey = false;
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// C++ thread-local destructors would keep the library loaded until every thread has ended; the destructor of a pthread
+// C++ thread-local destructors would keep the library loaded until every thread has exited; the destructor of a pthread
 // key is discarded with the key.
 void OnKeyDestroyed(void* inCache)
 {

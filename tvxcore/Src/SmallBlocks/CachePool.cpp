@@ -27,7 +27,7 @@ threads::CoreMutex sPoolMutex;
 List<ThreadCache> sIdle TVXCORE_GUARDED_BY(sPoolMutex);
 enum : int { kNotYet, kWatching, kCannotWatch } sThreadEnds TVXCORE_GUARDED_BY(sPoolMutex) = kNotYet;
 
-// Runs on the ending thread. Later allocations and frees of that thread use the shared cache.
+// Runs on the exiting thread. Later allocations and frees of that thread use the shared cache.
 void OnThreadEnd(CacheHead* inCache) noexcept
 {
     ThreadCache& cache = *static_cast<ThreadCache*>(inCache);
@@ -65,7 +65,7 @@ void WatchForks() noexcept
     }
 }
 
-// If thread ends cannot be watched, a cache would leak when its thread ends.
+// If thread exits cannot be watched, a cache would leak when its thread exits.
 bool CanWatchThreadEnds() noexcept TVXCORE_REQUIRES(sPoolMutex)
 {
     if (sThreadEnds == kNotYet) {

@@ -10,8 +10,8 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// Returns the calling thread's cache; creates one if needed. Returns null if the thread has none: it is ending and has
-/// returned its cache, or there is no memory for one. The thread then uses the shared cache.
+/// Returns the calling thread's cache; creates one if needed. Returns null if the thread has none: it is exiting and
+/// has returned its cache, or there is no memory for one. The thread then uses the shared cache.
 ThreadCache* CacheOfThisThread() noexcept;
 
 /// Locks and uses the shared cache, for threads without a cache. The shared cache starts empty in static memory, so it

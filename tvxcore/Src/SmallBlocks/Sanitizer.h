@@ -13,7 +13,7 @@ namespace SmallBlocks {
 #  endif
 #endif
 
-/// AddressSanitizer detects overruns, use after free and leaks only for blocks of its own allocator.
+/// AddressSanitizer detects overruns, use after free and leaks only for blocks from its own allocator.
 #if defined(TVXCORE_UNDER_ADDRESS_SANITIZER)
 inline constexpr bool kBlocksAreTheSystems = true;
 #else

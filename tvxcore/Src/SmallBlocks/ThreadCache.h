@@ -73,7 +73,7 @@ struct ThreadCache : CacheHead
     /// Moves all blocks to the stores.
     void Drain() noexcept;
 
-    /// Update the counters in the same way for a block of the C library.
+    /// Update the counters in the same way for a block from the C library.
     void CountTaken(std::size_t inSize) noexcept;
     void CountGiven(std::size_t inSize) noexcept;
 

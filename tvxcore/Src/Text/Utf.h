@@ -18,13 +18,13 @@ constexpr std::size_t UTF8Bound(std::size_t inUnits) noexcept
     return 3 * inUnits;
 }
 
-/// Writes the UTF-16 of inText to outText, a buffer of UTF16Bound(inLength) units, and returns the number of units
+/// Writes inText as UTF-16 to outText, a buffer of UTF16Bound(inLength) units, and returns the number of units
 /// written. May overwrite the rest of the buffer, up to the bound. Each maximal subpart of an ill-formed sequence
 /// becomes one U+FFFD.
 using ToUTF16Function = std::size_t(const unsigned char* inText, std::size_t inLength,
                                     unsigned short* outText) noexcept;
 
-/// Writes the UTF-8 of inText to outText, a buffer of UTF8Bound(inLength) bytes, in the same way. Each unpaired
+/// Writes inText as UTF-8 to outText, a buffer of UTF8Bound(inLength) bytes, in the same way. Each unpaired
 /// surrogate becomes U+FFFD.
 using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inLength, unsigned char* outText) noexcept;
 

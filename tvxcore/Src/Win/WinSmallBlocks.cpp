@@ -22,7 +22,7 @@ namespace {
 
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// The loader calls this function on each thread that ends, because of the TLS callback below.
+// The loader calls this function on each thread that exits, because of the TLS callback below.
 void NTAPI OnThreadNotice(void*, DWORD inReason, void*)
 {
     if (inReason != DLL_THREAD_DETACH || sEnded == nullptr) {
