@@ -21,7 +21,7 @@ MAX_UNITS = 1 << 16  # limit for the text read, because a length may be garbage
 
 
 def members(value, base):
-    """Returns the value cast to its base class of that name, to access members of the base."""
+    """Returns the value cast to the base class with that name, to access members of the base."""
     for field in value.type.strip_typedefs().fields():
         if field.is_base_class and field.name.startswith(base):
             return value[field]

@@ -13,8 +13,8 @@ namespace {
 constexpr char kDefaultName[] = "ORL";
 constexpr char kDefaultVersion[] = "1.0";
 
-// Memory inside the library, which needs no release on unload. Text that does not fit is allocated from the heap and
-// never freed, since a thread may use a returned text until the process exits.
+// Static memory of the library, so there is nothing to free on unload. Text that does not fit is allocated from the
+// heap and never freed, since a thread may use a returned text until the process exits.
 class TextStorage
 {
 public:

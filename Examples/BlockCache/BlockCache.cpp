@@ -11,7 +11,7 @@
 
 namespace {
 
-// Returns the sum of the file's bytes, read in pieces that differ from blocks, or -1 on an error.
+// Returns the sum of the file's bytes, read in pieces that do not match the blocks, or -1 on an error.
 long long SumOf(ORL::File& ioFile)
 {
     long long sum = 0;

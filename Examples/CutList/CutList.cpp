@@ -3,9 +3,9 @@
 //
 //   example_cut_list LIST.edl [--print] [--fps 24 | 25 | 30]
 //
-// A ";" in an event's codes means drop-frame; otherwise the FCM line above the event decides. Without --fps the list
-// counts NTSC frames. Codes are printed from their times, not from the input text: --print reproduces the list exactly,
-// or reports which code is not a label.
+// A ";" in an event's timecodes means drop-frame; otherwise the FCM line above the event decides. Without --fps the
+// list counts NTSC frames. Timecodes are printed from their times, not from the input text: --print reproduces the list
+// exactly, or reports which timecode is not a label.
 #include <ORLTimecode.h>
 
 #include <tvxmediatypes/Constants.h>
@@ -30,7 +30,7 @@ struct Fault : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// A code of an event: the time, and the text it was read from, which determines its separators and its column.
+/// A timecode in an event: the time, and the text it was read from, which determines its separators and its column.
 struct Code
 {
     std::size_t mColumn = 0;
@@ -82,7 +82,7 @@ bool IsCode(const std::string& inText)
     return inText.size() == 11;
 }
 
-/// Returns the label of a code's time, with the separators of the input.
+/// Returns the label of a timecode's time, with the separators of the input.
 std::string Print(const Code& inCode)
 {
     const UTF16String label = inCode.mCode.GetString();
@@ -125,7 +125,7 @@ bool IsEvent(const std::vector<Word>& inWords)
     return !inWords.empty() && std::isdigit(static_cast<unsigned char>(inWords[0].mText[0])) != 0;
 }
 
-/// Parses number, reel, tracks, transition, the transition's length if any, and four codes.
+/// Parses number, reel, tracks, transition, the transition's length if any, and four timecodes.
 Event ReadEvent(const std::vector<Word>& inWords, const CutList& inList, bool inIsDropList)
 {
     if (inWords.size() < 8 || inWords.size() > 9) {

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Paints the pictures of the two plug-ins: Examples/Gallery/Pictures/*.png and bars.bmp.
 
-A painter returns the colour of a point of the unit square as red, green, blue and alpha from 0 to 1. Each pixel is the
+A painter returns the colour at a point in the unit square as red, green, blue and alpha from 0 to 1. Each pixel is the
 mean of nine points.
 """
 import colorsys

@@ -25,7 +25,7 @@ inline constexpr ORL::Guid kEffects{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52
 /// Inverts the sound. The levels plug-in registers this class; any module can create it by this identifier.
 inline constexpr ORL::Guid kInvertEffect{0x6f0c2a11, 0x3d5e, 0x4b70, 0x9a, 0x14, 0x52, 0x0e, 0x77, 0xc1, 0x30, 0x03};
 
-/// Converts an object of the class register to an effect.
+/// Converts an object from the class register to an effect.
 inline EffectRef AsEffect(const UnknownRef& inObject)
 {
     void* found = nullptr;

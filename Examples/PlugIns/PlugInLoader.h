@@ -1,4 +1,4 @@
-// Loading of plug-ins, which differs between platforms.
+// Loads plug-ins; the implementation differs between platforms.
 #pragma once
 
 #include "Effects.h"

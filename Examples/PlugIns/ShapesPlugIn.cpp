@@ -1,5 +1,5 @@
-// A plug-in with three effects, one of which cannot be created. One effect uses a class of the other plug-in only
-// through its identifier.
+// A plug-in with three effects, one of which cannot be created. One effect uses a class from the other plug-in, knowing
+// only its identifier.
 #include "Effects.h"
 #include "PlugInConfig.h"
 

@@ -8,6 +8,6 @@
 std::size_t SheetColumns(std::size_t inWidth);
 Picture PaintSheet(const std::vector<Sound>& inSounds, std::size_t inWidth);
 
-/// Draws the waveform only, edge to edge: full scale reaches the first and the last row, silence is a line in the
+/// Draws the waveform only, edge to edge: full scale reaches the first and last rows, and silence is a line in the
 /// middle.
 Picture PaintThumbnail(const Sound& inSound, std::size_t inWidth, std::size_t inHeight);

@@ -13,7 +13,7 @@ struct Colour
     std::uint8_t mBlue = 0;
 };
 
-/// Returns a mix of both colours; inPart is from 0, the first colour, to 1.
+/// Returns a mix of both colours; inPart ranges from 0 (the first colour) to 1.
 Colour Mix(Colour inFirst, Colour inSecond, double inPart);
 
 struct Rectangle

@@ -1,4 +1,4 @@
-// The header of a RIFF WAVE file, and the decoding of its samples.
+// Reads the header of a RIFF WAVE file, and decodes its samples.
 #pragma once
 
 #include <cstddef>

@@ -2,7 +2,7 @@
 //
 //   example_window_place [--move X Y] [--language NAME]
 //
-// The host prints a greeting in its language and the position of the window. --move moves the window, --language sets
+// The host prints the position of its window, and a greeting in its language. --move moves the window, --language sets
 // the language of the next start: "de_DE", or "fr_FR". orl reg list 'HKCU\Software\Zerin\Window Place' --recursive
 // shows the stored settings.
 #include <ORLFoundation.h>

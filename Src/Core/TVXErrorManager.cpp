@@ -45,7 +45,7 @@ void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsi
     try {
         TraceSwallowedWarning(inZString, inErrorID);
     } catch (...) {
-        // A warning never throws: its line is lost if memory is exhausted. The trace catches exceptions of a sink.
+        // A warning never throws: its line is lost if memory is exhausted. The trace catches a sink's exceptions.
     }
 }
 

@@ -1,4 +1,4 @@
-// Opening and closing.
+// Opens and closes files.
 #include <Files/FileImpl.h>
 
 #include <Files/FileBufferFactory.h>
@@ -58,7 +58,7 @@ Result File::Create(const UTF16String& inFullPath, FileAccessFlags::Type inAcces
 {
     ORL_INPUT_CONTRACT_AT(!IsOpen(), "WinFile", __LINE__);
     if (IsOpen()) {
-        return kGeneralFailure; // otherwise the open file would be leaked
+        return kGeneralFailure; // otherwise the open file would leak
     }
     if (!inAllowDirectory) {
         ORL_ASSERT_AT(!PathUtils::IsDirectory(inFullPath), "WinFile", __LINE__, "ORL::File::Create");

@@ -1,5 +1,5 @@
-// Reads through the blocks that a host's buffer keeps. The handle bypasses the system's cache, so it is only read in
-// whole blocks at block positions.
+// Reads through the blocks that a host's buffer caches. The handle bypasses the system's cache, so it is read only in
+// whole blocks at block boundaries.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>

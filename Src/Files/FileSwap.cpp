@@ -1,4 +1,4 @@
-// Replaces a file by a finished temporary file, and finds unused names for new files.
+// Replaces a file with a finished temporary file, and finds unused names for new files.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>

@@ -1,4 +1,4 @@
-// Sizes and times, of open files and by path.
+// Queries sizes and times, of open files and by path.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>

@@ -11,7 +11,7 @@ namespace ORL {
 
 namespace {
 
-// The order of the start and the order of the stop are fixed. The stop order is not the reverse of the start order.
+// The start order and the stop order are fixed. The stop order is not the reverse of the start order.
 constexpr LifecycleStep kStart[] = {
     {"Exception::Initialize", &Exception::Initialize},
     {"Locale::Initialize", &Locale::Initialize},

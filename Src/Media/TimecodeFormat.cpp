@@ -128,7 +128,7 @@ private:
     unsigned short* mEnd = mUnits;
 };
 
-// Appends the sign before the text. Plain frame counts already have a minus.
+// Appends the sign before the text. Plain frame counts already have a minus sign.
 void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
 {
     if (!inImpl.mStyle.mShowSign) {

@@ -17,7 +17,7 @@ constexpr std::size_t kReadable = UTF16String::npos;
 constexpr int kMaxFields = 4;
 
 // The result of the scan: the sign, whether a separator precedes the first field, and the numbers of the fields. The
-// scan computes the same numbers as ParseDigits of each field.
+// scan computes the same numbers as ParseDigits for each field.
 struct ScannedText
 {
     bool mIsNegative = false;

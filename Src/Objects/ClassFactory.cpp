@@ -23,8 +23,8 @@ struct HashOfGuid
     }
 };
 
-// A second index in addition to the ordered map: with a thousand classes, a lookup in the map costs ten cache misses,
-// in this index one or two.
+// A second index in addition to the ordered map: with a thousand classes, a lookup costs ten cache misses in the map,
+// but one or two in this index.
 using ClassIndex = std::unordered_map<Guid, ClassMapEntry*, HashOfGuid>;
 using CategoryMap = std::map<Guid, std::vector<Guid>>;
 
@@ -48,7 +48,7 @@ CategoryMap& Categories()
 
 bool sWarnAboutUnregisteredClasses = true;
 
-// Keeps an existing entry of the class. If this throws, nothing has changed.
+// Keeps an existing entry for the class. If this throws, nothing has changed.
 void AddClass(const ClassMapEntry& inEntry)
 {
     const auto [place, isNew] = Index().try_emplace(inEntry.mClassID, nullptr);

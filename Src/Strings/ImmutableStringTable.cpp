@@ -89,7 +89,7 @@ struct ExitAction
     ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeUnreferenced(); }
 };
 
-// Destroys the guard only on platforms whose locks must be destroyed; by then the other threads have ended.
+// Destroys the guard only on platforms whose locks must be destroyed; by then the other threads have exited.
 void MakeTable()
 {
     static const CriticalSection guard;

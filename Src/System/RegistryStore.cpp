@@ -14,7 +14,7 @@ using namespace SystemErrors;
 
 namespace {
 
-constexpr unsigned kLongestNameCapacity = 16384; // fits longer names too, which another program may have stored
+constexpr unsigned kLongestNameCapacity = 16384; // also fits longer names, which another program may have stored
 constexpr unsigned short kEmptyPath[] = {0};     // the empty path
 
 Result ResultOf(SystemError inError)

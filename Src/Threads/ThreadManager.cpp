@@ -131,7 +131,7 @@ void RegisterThread(const ConstString& inThreadName, const ConstString& inCurren
     NameThread(*info);
 }
 
-// Does not clear the slot: a thread unregisters immediately before it ends.
+// Does not clear the slot: a thread unregisters immediately before it exits.
 void UnregisterThread()
 {
     ORL_CONTRACT_AT_(IsInfoIndexAllocated(), "sInfoIndexAllocated", __FILE__, __LINE__,

@@ -18,7 +18,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
     return inPath.size() >= size && std::equal(inText, inText + size, inPath.begin());
 }
 
-// Returns true if an ASCII letter and ":" are at inAt.
+// Returns true if an ASCII letter followed by ":" is at inAt.
 bool HasDriveAt(const UTF16String& inPath, std::size_t inAt) noexcept
 {
     if (inPath.size() < inAt + 2 || inPath[inAt + 1] != ':') {

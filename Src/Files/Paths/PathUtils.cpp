@@ -16,7 +16,7 @@ ORL_EXPORTED_TEXT(kIllegalFilenameCharactersDisplay, "_ZN3ORL9PathUtils33kIllega
 
 namespace {
 
-// Functions of this file may run before the constants above are constructed, so they do not use these constants.
+// Functions in this file may run before the constants above are constructed, so they do not use these constants.
 constexpr char kIllegalFilenameCharacters[] = "\\/:*?\"<>|";
 
 bool IsIllegal(unsigned short inUnit) noexcept

@@ -32,7 +32,7 @@ bool IsTwoBackslashes(const UTF16String& inPath)
     return inPath == TVX_UTF16("\\\\");
 }
 
-// Drops names from the end until only a root is left, or nothing more can be dropped.
+// Drops components from the end until only a root is left, or nothing more can be dropped.
 void WalkUpToRoot(UTF16String& ioPath)
 {
     while (!IsTwoBackslashes(ioPath) && !Platform::IsRoot_Impl(ioPath)) {

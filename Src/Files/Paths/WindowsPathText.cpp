@@ -80,7 +80,7 @@ const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept
 
 namespace {
 
-// Returns the length of the common prefix, up to the end of a name.
+// Returns the length of the common prefix, which ends after a whole component.
 std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
 {
     if (IsUNC(inLeft) != IsUNC(inRight)) {
@@ -102,7 +102,7 @@ std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
     return length == 2 ? 3 : length;
 }
 
-// Returns a relative path with one ".." for each name from inAt on.
+// Returns a relative path with one ".." for each component from inAt on.
 UTF16String ParentSteps(const UTF16String& inFrom, std::size_t inAt)
 {
     UTF16String steps;
@@ -177,7 +177,7 @@ std::size_t RootLength(const UTF16String& inPath)
     return drive + (inPath.size() > drive && inPath[drive] == '\\' ? 1 : 0);
 }
 
-// Removes the last name and the backslash after it, but never a part of the root.
+// Removes the last component and the backslash after it, but never a part of the root.
 void GoUp(UTF16String& ioPath, std::size_t inRoot)
 {
     if (ioPath.size() > inRoot) {

@@ -1,4 +1,4 @@
-// Listing the contents of a directory.
+// Lists the contents of a directory.
 #include <ORLDirectory.h>
 
 #include <Platform/Directory.h>
@@ -36,7 +36,7 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
 
 using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-// Treats a directory without read permission as empty, and also the root of a volume without any entry.
+// Treats as empty a directory without read permission, and the root of a volume without any entry.
 bool CountsAsEmpty(SystemError inError)
 {
     using namespace SystemErrors;

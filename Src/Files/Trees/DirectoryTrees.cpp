@@ -1,4 +1,4 @@
-// Whole trees, through the shell's file operation.
+// Deletes, copies and moves whole trees with SHFileOperation, or its Linux equivalent.
 #include <ORLDirectory.h>
 
 #include <Platform/Directory.h>
@@ -15,7 +15,7 @@ using namespace Directories::Platform;
 constexpr const char* kFunction = "ORL::`anonymous-namespace'::FileOperation";
 constexpr const char* kMessage = "UNC paths are not supported by SHFileOperation!";
 
-// The shell accepts only plain paths. The operation applies to the contents of the directory, not to the directory.
+// The shell accepts only plain paths. It operates on the contents of the directory, not on the directory itself.
 Result FileOperation(const UTF16String& inSource, const UTF16String& inDestination, ShellFunction inFunction)
 {
     if (PathUtils::IsNormalizedPath(inSource)) {

@@ -1,4 +1,4 @@
-// Files and threads of asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
+// The files and threads for asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
 #include "LinuxCompletionPort.h"
 
 #include "../Calls/LinuxErrors.h"
@@ -169,8 +169,8 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
     return all % inFile.mAlignment == 0;
 }
 
-// On Windows a read at or after the end fails; this kernel would report success with 0 bytes. A seek is the cheapest
-// query of the size. The seek moves only the descriptor's own position, which is not used.
+// On Windows a read at or after the end fails; this kernel would report success with 0 bytes. Seeking is the cheapest
+// way to query the size. The seek moves only the descriptor's own position, which is not used.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {
     if (!inFile.mIsRegular) {

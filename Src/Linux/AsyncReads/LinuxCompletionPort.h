@@ -28,7 +28,7 @@ inline std::uint64_t PositionOf(const AsyncFiles::Platform::Overlapped& inOverla
     return std::uint64_t{inOverlapped.mPositionHigh} << 32 | inOverlapped.mPositionLow;
 }
 
-/// A port of completions. One thread starts reads, any thread may post packets, and one thread gets the completions.
+/// A completion port. One thread starts reads, any thread may post packets, and one thread gets the completions.
 class CompletionPort
 {
 public:
@@ -40,7 +40,7 @@ public:
     /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
     virtual SystemError Start(const ReadRequest& inRequest) = 0;
 
-    /// Submits the reads held back. Returns how many of the newest reads the system refused, with the reason in
+    /// Submits the held-back reads. Returns how many of the newest reads the system refused, with the reason in
     /// outError.
     virtual std::size_t Submit(SystemError& outError) = 0;
 
@@ -79,12 +79,12 @@ struct AsyncFile
     int File() const noexcept { return mShares.File(); }
 };
 
-/// Creates a port over io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason in
-/// outError as an errno. Throws std::bad_alloc.
+/// Creates a port based on io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason
+/// in outError as an errno. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
-/// Creates a port over a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0 if
-/// no ring was requested. Throws std::bad_alloc.
+/// Creates a port based on a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0
+/// if no ring was requested. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeThreadPort(int inRefusal);
 
 /// Decides whether to repeat a system call that was interrupted or failed because of a temporary shortage.

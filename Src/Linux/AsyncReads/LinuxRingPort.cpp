@@ -148,7 +148,7 @@ public:
             if (overlapped == nullptr) {
                 return true;
             }
-            // The kernel cancels the alarm when the thread that submitted it ends.
+            // The kernel cancels the alarm when the thread that submitted it exits.
             if (overlapped == &sAlarm && returned == -ECANCELED) {
                 SetAlarm();
             }

@@ -60,7 +60,7 @@ private:
     std::size_t mCount = 0;
 };
 
-/// Starts a thread if a read is queued and no thread is idle. The threads end with the port.
+/// Starts a thread if a read is queued and no thread is idle. The port joins its threads.
 class ThreadPort : public CompletionPort
 {
 public:

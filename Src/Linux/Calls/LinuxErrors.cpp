@@ -71,7 +71,7 @@ constexpr Row kRows[] = {
     {ENETUNREACH, kErrorNetworkPathNotFound},
 };
 
-// Returns the folder that contains the last name of the path.
+// Returns the folder that contains the path's last component.
 std::string ParentOf(const std::string& inHostPath)
 {
     const std::size_t nameEnd = inHostPath.find_last_not_of('/');

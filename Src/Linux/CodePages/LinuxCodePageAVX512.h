@@ -19,7 +19,7 @@
 namespace ORL {
 namespace Linux {
 
-constexpr std::size_t kBlock = 64; // bytes of a register
+constexpr std::size_t kBlock = 64; // bytes in a register
 constexpr std::size_t kBlockUnits = kBlock / sizeof(unsigned short);
 constexpr std::uint64_t kAll = ~std::uint64_t{0};
 

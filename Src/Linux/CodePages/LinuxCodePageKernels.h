@@ -1,4 +1,4 @@
-// The conversions by the code page tables: a form for every processor, and a faster one for processors with AVX-512.
+// The conversions that use the code page tables: one form for every processor, and a faster one for AVX-512.
 #pragma once
 
 #include "LinuxCodePageTables.h"

@@ -28,8 +28,8 @@ constexpr std::size_t kFirstTrail = 0x40;
 constexpr std::size_t kTrails = 0xFE - kFirstTrail + 1;
 constexpr std::size_t kIndexed = 0x10000 / 64;
 
-// The generated tables are compact. The compiler derives from them the tables below, which are faster to look up, and
-// emits only these.
+// The generated tables are compact. From them the compiler derives the tables below, which are faster to look up, and
+// emits only those.
 
 template <class Number>
 constexpr std::array<std::uint16_t, kIndexed + 1> OffsetsOf(const Number (&inIndex)[kIndexed])
@@ -50,8 +50,8 @@ constexpr unsigned FirstSameOf(const std::uint16_t (&inUnits)[kBytes])
     return first;
 }
 
-// The generated numbers of rows begin at 1, and 0 means that a byte is not a lead byte. Row 1 of the page contains only
-// zeros, so the number of a lead byte increases by one.
+// The generated row numbers begin at 1, and 0 means that a byte is not a lead byte. Row 1 of the page contains only
+// zeros, so each lead byte's row number increases by one.
 constexpr std::array<std::uint16_t, kBytes> RowsOf(const std::uint8_t (&inRows)[kBytes])
 {
     std::array<std::uint16_t, kBytes> rows{};

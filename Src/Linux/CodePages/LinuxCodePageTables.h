@@ -11,7 +11,7 @@ namespace Linux {
 
 /// A table of 65,536 entries in blocks of 64; equal blocks are stored once. The offset of a block is the index of its
 /// first entry in mBlocks minus the unit of that entry, so adding a unit yields the index of its entry. The arithmetic
-/// wraps at 65,536. In a page of two bytes both arrays have one more entry, so a 32-bit load of the last one is safe.
+/// wraps at 65,536. In a double-byte page both arrays have one more entry, so a 32-bit load of the last one is safe.
 template <class Entry>
 struct BlockTable
 {
@@ -43,7 +43,7 @@ struct DoubleBytePage
     // safe.
     const std::uint16_t* mUnits;
     const std::uint16_t* mRows;       // the offset in mUnits of the row of each lead byte; of row 1 for all other bytes
-    const std::uint8_t* mRowNumbers;  // for the bytes from 0x80 on: the number of the row of a lead byte, else 0
+    const std::uint8_t* mRowNumbers;  // for the bytes from 0x80 on: the row number of a lead byte, else 0
     BlockTable<std::uint16_t> mBytes; // a number from 0x100 on is lead byte * 256 + trail byte
 };
 

@@ -11,7 +11,7 @@ namespace Linux {
 /// Copies all bytes, from the beginning, into an empty file. The kernel copies them, and clones them if the volume can,
 /// in steps small enough to report progress. Files of up to 16 KiB, and files that the kernel cannot copy, are copied
 /// through a buffer. inTotal is the size that the system reports, which may be 0 for a file with contents. Returns 0 or
-/// an errno; ECANCELED if inProgress ended the copy.
+/// an errno; ECANCELED if inProgress stopped the copy.
 int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::CopyProgress inProgress = nullptr,
               void* inData = nullptr);
 

@@ -1,4 +1,4 @@
-// Opening files of the host, and the owner of one open file.
+// Opens host files, and declares the owner of one open file.
 #pragma once
 
 #include "../Calls/SystemCalls.h"
@@ -9,8 +9,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Owns an open file or folder, or represents a failed open. Never allocates, so that an open file has an owner at
-/// once. Keep a Descriptor by value, and move it.
+/// Owns an open file or folder, or represents a failed open. Never allocates, so every open file immediately has an
+/// owner. Keep a Descriptor by value, and move it.
 class Descriptor
 {
 public:

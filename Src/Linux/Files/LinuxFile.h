@@ -88,7 +88,7 @@ SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus
 
 /// Briefly registers a use of a name, so that it can be deleted or moved. inUses is the access that it uses, inShares
 /// the access that it shares. Only files and folders are registered; an entry that cannot be opened is registered only
-/// inside this process. Returns 0, 32 or the failure to find the name.
+/// inside this process. Returns 0, 32 or the error of looking up the name.
 class EntryShare
 {
 public:

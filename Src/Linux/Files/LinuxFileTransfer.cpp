@@ -45,8 +45,8 @@ SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& out
     return kNoError;
 }
 
-// Returns false if the system cannot report the size. A seek is the cheapest query of a regular file; the descriptor's
-// own position is not used.
+// Returns false if the system cannot report the size. A seek is the cheapest size query for a regular file; the
+// descriptor's own position is not used.
 bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
 {
     outSize = inFile.mIsRegular ? System().mSeek(inFile.File(), 0, SEEK_END) : -1;

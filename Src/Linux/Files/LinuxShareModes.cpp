@@ -135,7 +135,7 @@ Outcome LockShared(int inDescriptor, unsigned inBytes) noexcept
     return outcome;
 }
 
-// Unlocks everything at once: unlocking only a part would make the kernel allocate memory for the remaining ends. The
+// Unlocks everything at once: unlocking only a part would make the kernel allocate memory for the rest. The
 // descriptor and its locks belong to this holder.
 void UnlockAll(int inDescriptor) noexcept
 {
@@ -161,7 +161,7 @@ bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
               });
 }
 
-// Returns true if the conflict persists. A holder whose registration fails releases its locks within a moment.
+// Returns true if the conflict persists. A holder whose registration fails releases its locks almost at once.
 bool ConflictLasts(int inDescriptor, unsigned inBytes) noexcept
 {
     constexpr int kPolls = 3;

@@ -7,7 +7,7 @@
 // the file itself, far after any data: one byte for each kind that it uses, one for each kind that it does not share.
 // The locks belong to the open file description (F_OFD_SETLK). The locks therefore vanish with their owner, need only
 // read permission, and do not interfere with the locks of other libraries in the process. An open first acquires its
-// locks and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that meets a
+// locks and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that finds a
 // conflict releases its locks and retries, unless the conflict persists. A holder that shares nothing and can write
 // instead acquires one write lock on all bytes, which has the same effect in one call.
 //

@@ -1,4 +1,4 @@
-// The decoder decodes a PNG file when it creates the picture, so locks of its pixels cannot fail.
+// The decoder decodes a PNG file when it creates the picture, so locking its pixels cannot fail.
 #include <Platform/Images.h>
 
 #include "LinuxNativeBitmap.h"

@@ -28,7 +28,7 @@ bool DecodePNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeCommonPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeAnyPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// Returns whether deflate can compress that many bytes to a file of that size. The check prevents a small file from
+/// Returns whether deflate can compress that many bytes into a file of that size. The check prevents a small file from
 /// requesting much memory.
 inline bool CanExpandTo(std::size_t inFileSize, std::uint64_t inBytes) noexcept
 {

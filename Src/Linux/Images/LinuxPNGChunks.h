@@ -29,7 +29,7 @@ struct Chunk
     bool Is(const char (&inName)[5]) const noexcept { return std::memcmp(mName, inName, 4) == 0; }
 };
 
-// Reads chunks one by one. A chunk with a wrong checksum fails.
+// Reads chunks one by one. Fails at a chunk with a wrong checksum.
 class ChunkReader
 {
 public:

@@ -1,4 +1,4 @@
-// Reads small text files of /proc.
+// Reads small text files in /proc.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace Linux {
 /// failed; outSize counts the bytes read, also before a failure.
 int ReadProcFile(const char* inPath, char* outBuffer, std::size_t inSize, std::size_t& outSize) noexcept;
 
-/// Parses the next decimal number of a text separated by blanks, and removes it. Returns false and changes nothing if
+/// Parses the first decimal number of a blank-separated list, and removes it. Returns false and changes nothing if
 /// the text does not begin with blanks and a decimal number of at most 64 bits.
 bool TakeNumber(std::string_view& ioText, std::uint64_t& outNumber) noexcept;
 

@@ -16,7 +16,7 @@ namespace {
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 
 // Returns the time since boot, the same clock as the start times of processes in /proc. This clock includes suspended
-// time and ignores changes of the date.
+// time and ignores changes to the date.
 std::int64_t NanosecondsSinceBoot() noexcept
 {
     timespec now{};

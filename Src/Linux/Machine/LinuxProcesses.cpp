@@ -116,7 +116,7 @@ bool GetExecutableName_Impl(ProcessHandle, unsigned int inIdentifier, UTF16Strin
         Linux::AppendUnitsOfName(outName, name.data(), name.size());
         return true;
     }
-    // If the link does not exist, the process has ended or is a kernel thread.
+    // If the link does not exist, the process has exited or is a kernel thread.
     return failure != ENOENT && NameFromCommandLine(inIdentifier, outName);
 }
 

@@ -44,7 +44,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
     return inPath.size() >= size && std::equal(inText, inText + size, inPath.begin());
 }
 
-// Returns the names between separators, including empty ones; always at least one.
+// Returns the components between separators, including empty ones; always at least one.
 Names Split(const UTF16String& inPath, std::size_t inFrom)
 {
     Names names;
@@ -61,7 +61,7 @@ Names Split(const UTF16String& inPath, std::size_t inFrom)
     }
 }
 
-// Returns the end of the name that begins at inFrom.
+// Returns the end of the component that begins at inFrom.
 std::size_t EndOfName(const UTF16String& inPath, std::size_t inFrom) noexcept
 {
     return std::min(inPath.find('\\', inFrom), inPath.size());
@@ -78,7 +78,7 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     }
     const std::size_t start = ioPath.size();
     AppendBytesOfName(ioPath, inName.mUnits, inName.mCount);
-    // On disk "." and ".." lead to other folders, so they are not valid names of entries.
+    // On disk "." and ".." lead to other folders, so they are not valid entry names.
     const std::size_t size = ioPath.size() - start;
     const bool leadsAway = size <= 2 && ioPath[start] == '.' && ioPath[start + size - 1] == '.';
     return leadsAway ? kErrorInvalidName : kNoError;
@@ -123,7 +123,7 @@ SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, s
     return TheDriveTable().FindDrive(inPath[kDrive], outFolder) ? kNoError : kErrorPathNotFound;
 }
 
-// Resolves the extended form, which is used unchanged: only its last name may be empty.
+// Resolves the extended form, which is used unchanged: only its last component may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
     constexpr std::size_t kServer = 8;
@@ -145,8 +145,8 @@ SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
     return error;
 }
 
-// In a plain path, removes trailing blanks and dots from the last name, and one single trailing dot from each other
-// name.
+// In a plain path, removes trailing blanks and dots from the last component, and one trailing dot from each of the
+// other components.
 void Trim(Name& ioName, bool inIsLast) noexcept
 {
     if (inIsLast) {
@@ -261,7 +261,7 @@ SystemError OpenLongPrefix(std::string& ioRest, Descriptor& outFolder)
     while (ioRest.size() > kLongestPath - kFolderPrefixSize) {
         const std::size_t end = ioRest.rfind('/', kLongestPath);
         if (end == std::string::npos || end == 0) {
-            return kErrorInvalidName; // a single name exceeds the limit
+            return kErrorInvalidName; // a single component exceeds the limit
         }
         const std::string way(ioRest, 0, end);
         Descriptor next = OpenByName(outFolder ? outFolder.Get() : AT_FDCWD, way.c_str(), O_PATH | O_DIRECTORY);

@@ -1,4 +1,4 @@
-// The public functions over the drive table, and conversion of host paths to library paths.
+// The public functions that use the drive table, and the conversion of host paths to library paths.
 #include "../Calls/SystemCalls.h"
 #include "LinuxDriveTable.h"
 #include "LinuxHostPath.h"
@@ -33,7 +33,7 @@ std::string NextName(const std::string& inPath, std::size_t& ioPosition)
     return inPath.substr(start, ioPosition - start);
 }
 
-// ".." goes up from the target of a link, so this resolves the path first; a path that does not exist is treated as
+// ".." goes up from the target of a link, so the path is resolved first; a path that does not exist is treated as
 // text.
 void GoUp(std::string& ioPath)
 {

@@ -1,10 +1,10 @@
-// Converts one name of a folder between its bytes on disk and the 16-bit units of library paths.
+// Converts one entry name between its bytes on disk and the 16-bit units of library paths.
 //
 // A name that is UTF-8 and legal in a library path is the same in both forms. Every other byte is encoded as one
 // private code unit, U+F000 plus the byte. The encoding applies to bytes that are not UTF-8, to characters that are
-// illegal in names of library paths (control characters and " * : < > ? \ |), and to a blank or dot at the end, which
-// plain paths would drop. A character on disk that looks like one of these units is encoded as its three bytes. Every
-// name therefore survives the round trip.
+// illegal in the names in library paths (control characters and " * : < > ? \ |), and to a blank or dot at the end,
+// which plain paths would drop. A character on disk that looks like one of these units is encoded as its three bytes.
+// Every name therefore survives the round trip.
 #pragma once
 
 #include <Platform/SystemErrors.h>

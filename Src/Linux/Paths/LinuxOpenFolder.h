@@ -1,4 +1,4 @@
-// A folder of the host, open for reading its entries.
+// A host folder that is open for reading its entries.
 #pragma once
 
 #include "../Calls/SystemCalls.h"

@@ -64,7 +64,7 @@ void AfterForkInChild()
     AfterFork(ForkSide::kChild);
 }
 
-// Closes the databases when the library is unloaded or the process exits. A thread that still runs then reopens them.
+// Closes the databases when the library is unloaded or the process exits. A thread that is still running reopens them.
 const struct AtUnload
 {
     ~AtUnload() { ReleaseStores(); }

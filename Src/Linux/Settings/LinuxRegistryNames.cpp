@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned short kSeparator = '\\';
 
-// Maps one unit to one unit. Like the table of Windows, ignores a folding to several units and one from a
+// Maps one unit to one unit. Like the Windows table, ignores a folding to several units and one from a
 // non-ASCII unit to ASCII.
 unsigned short FoldUnit(unsigned short inUnit)
 {

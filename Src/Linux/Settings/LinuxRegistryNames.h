@@ -28,7 +28,7 @@ void FoldName(UnitsView inName, Units& outFolded);
 /// Returns the hash of a folded name. The hash is part of the board's format.
 std::uint64_t HashName(UnitsView inFolded) noexcept;
 
-/// The folded form of a name, with its hash. Names of ordinary length need no memory of their own.
+/// The folded form of a name, with its hash. Names of ordinary length need no allocation.
 class FoldedName
 {
 public:

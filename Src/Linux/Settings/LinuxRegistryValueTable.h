@@ -78,7 +78,7 @@ private:
 class ValueTable
 {
 public:
-    /// Returns null if there is no value of that name.
+    /// Returns null if there is no value with that name.
     StoredValue* Find(std::uint64_t inHash, UnitsView inFolded) const noexcept;
 
     /// Adds a value, or replaces the one with the same folded name. inHash is the hash of the folded name. May throw

@@ -1,4 +1,4 @@
-// Events over one futex word each. The word and the number of waiters share 64 bits, so signalling is one atomic
+// Events, each based on one futex word. The word and the number of waiters share 64 bits, so signalling is one atomic
 // operation, after which the event is not accessed again: the released thread may destroy it.
 #include <Platform/Event.h>
 
@@ -74,7 +74,7 @@ int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
     return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
 }
 
-// The last check of a thread whose time ran out. Consumes a signal that has arrived since the time ran out, or removes
+// The last check by a thread whose wait timed out. Consumes a signal that has arrived since the timeout, or removes
 // the thread from the waiters.
 WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
 {

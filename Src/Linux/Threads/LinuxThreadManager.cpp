@@ -12,9 +12,9 @@ namespace Platform {
 
 namespace {
 
-constexpr std::size_t kNameLimit = 15; // the kernel's limit for the name of a thread
+constexpr std::size_t kNameLimit = 15; // the kernel's limit for a thread name
 
-// Returns the length of the longest prefix of a UTF-8 text that fits and ends at a character.
+// Returns the length of the longest prefix of a UTF-8 text that fits and ends at a character boundary.
 std::size_t FittingLength(const char* inName)
 {
     const std::size_t length = std::strlen(inName);

@@ -1,4 +1,4 @@
-// The shell's file operation on the contents of a folder.
+// The equivalent of SHFileOperation for the contents of a folder.
 #include <Platform/Directory.h>
 
 #include "../Calls/LinuxErrors.h"

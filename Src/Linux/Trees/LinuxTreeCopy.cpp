@@ -214,7 +214,7 @@ private:
         return failure;
     }
 
-    // Opens the parents first: with its final permissions the folder may not be searchable any more.
+    // Opens the parents first: with its final permissions the folder may no longer be searchable.
     int LeaveFolder()
     {
         const Level level = std::move(mLevels.back());

@@ -11,12 +11,12 @@ namespace {
 
 using ModulePtr = ObjectPtr<Module, AtomicValue>;
 
-// Constant-initialized, and released only at the unload, so that a host's static objects may use the module in their
+// Constant-initialized, and released only on unload, so that a host's static objects may use the module in their
 // constructors and destructors.
 Immortal<ModulePtr> sLibraryModule;
 Immortal<ModulePtr> sKeepAliveReference;
 
-// Memory exhaustion during the load of this library must not terminate the host.
+// Memory exhaustion while this library loads must not terminate the host.
 int CreateModule(HINSTANCE inModule)
 {
     try {

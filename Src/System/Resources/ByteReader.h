@@ -14,7 +14,7 @@ inline bool IsInside(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t 
     return inPlace <= inBytes.mSize && inSize <= inBytes.mSize - inPlace;
 }
 
-/// Returns the number at an offset. The caller has checked by IsInside that the number is inside the bytes.
+/// Returns the number at an offset. The caller has checked with IsInside that the number is inside the bytes.
 template <class Number>
 Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
 {
@@ -34,7 +34,7 @@ bool ReadNumber(const Bytes& inBytes, std::uint64_t inPlace, Number& outNumber) 
     return true;
 }
 
-/// Returns a part of the bytes, which must be inside.
+/// Returns a part of the bytes; all of it must be inside.
 inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t inSize) noexcept
 {
     Bytes part;

@@ -13,7 +13,7 @@ namespace Platform {
 
 namespace {
 
-// The port returns the pointer of the record with which the read was started.
+// The port returns the pointer to the record with which the read was started.
 static_assert(sizeof(Overlapped) == sizeof(OVERLAPPED));
 static_assert(offsetof(Overlapped, mPositionLow) == offsetof(OVERLAPPED, Offset));
 static_assert(offsetof(Overlapped, mPositionHigh) == offsetof(OVERLAPPED, OffsetHigh));

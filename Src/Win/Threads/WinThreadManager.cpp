@@ -56,7 +56,7 @@ void NameThread_Impl(const char* inName)
     const ThreadNameRecord record = {0x1000, inName, ::GetCurrentThreadId(), 0};
     PVOID const handler = ::AddVectoredExceptionHandler(1, &ContinueAfterNaming);
     if (handler == nullptr) {
-        return; // without a handler the exception would end the process
+        return; // without a handler the exception would terminate the process
     }
     ::RaiseException(kThreadNameException, 0, sizeof(record) / sizeof(ULONG_PTR),
                      reinterpret_cast<const ULONG_PTR*>(&record));

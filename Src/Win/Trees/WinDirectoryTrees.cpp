@@ -1,4 +1,4 @@
-// The shell's file operation on the contents of a directory.
+// Applies SHFileOperation to the contents of a directory.
 #include <Platform/Directory.h>
 
 #include "../Calls/WinText.h"

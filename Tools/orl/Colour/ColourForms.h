@@ -14,12 +14,12 @@ enum class ColourForm { kRGB, kHSL, kHSV, kYUV, kYPbPr, kYIQ, kIRE };
 /// Returns the names on the command line, in the order in which forms are shown: "rgb", "hsl", ...
 const std::vector<std::string>& ColourFormNames();
 
-/// Returns the form of that name, or nothing if no form has the name.
+/// Returns the form with that name, or nothing if there is no such form.
 std::optional<ColourForm> ColourFormOf(const std::string& inName);
 
 /// Parses a colour. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for rgb,
-/// degrees and percents for hsl and hsv, a byte and two signed bytes for yuv, 0 to 1 and twice -0.5 to 0.5 for ypbpr.
-/// Throws Failure with exit code 2 if the text cannot be read.
+/// degrees and percentages for hsl and hsv, a byte and two signed bytes for yuv, 0 to 1 and twice -0.5 to 0.5 for
+/// ypbpr. Throws Failure with exit code 2 if the text cannot be parsed.
 ORL::ParamColor<unsigned long> ReadColour(const std::string& inText, ColourForm inForm);
 
 /// Returns the numbers of a colour in a form, as text: "255 128 0", "30 100 50".

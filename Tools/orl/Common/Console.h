@@ -11,7 +11,7 @@ namespace orl {
 /// Windows.
 std::vector<std::string> Arguments(int inCount, char** inArguments);
 
-/// While an object exists, bytes written to standard output and standard error are shown as UTF-8.
+/// While an instance exists, bytes written to standard output and standard error are shown as UTF-8.
 class UTF8Console
 {
 public:
@@ -36,7 +36,7 @@ std::size_t TerminalColumns();
 /// Switches standard output to binary mode: Windows would write CR LF for LF.
 void MakeOutputBinary();
 
-/// While an object exists, standard output shows colours if it is a terminal that supports their escape sequences and
+/// While an instance exists, standard output shows colours if it is a terminal that supports their escape sequences and
 /// the user has not set NO_COLOR.
 class ColourOutput
 {

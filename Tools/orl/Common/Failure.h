@@ -18,11 +18,11 @@ inline constexpr int kExitUnreadable = 4;   // a file or folder of the source ca
 inline constexpr int kExitChanged = 5;      // a file changed while it was copied
 inline constexpr int kExitDisappeared = 6;  // the source or the destination has disappeared
 inline constexpr int kExitMismatch = 7;     // a copy reads back differently
-inline constexpr int kExitNameConflict = 8; // a different file has the name at the destination
+inline constexpr int kExitNameConflict = 8; // the destination has a different file with the same name
 inline constexpr int kExitEmpty = 9;        // the source contains no file
 inline constexpr int kExitStopped = 130;    // stopped by the user; the code that shells use
 
-/// Thrown by a command. The program prints "orl: " and the text on one line on standard error, and ends with the exit
+/// Thrown by a command. The program prints "orl: " and the text on one line on standard error, and exits with the exit
 /// code. The text names the command, the action, the value and the reason.
 class Failure : public std::runtime_error
 {
@@ -41,7 +41,7 @@ private:
 /// Writes "orl: " and the text as one line on standard error, after flushing standard output.
 void ReportError(const std::string& inText);
 
-/// Thrown by a command that has reported each failure, after the rest of its work. The program ends with kExitFailure
+/// Thrown by a command that has reported each failure, after the rest of its work. The program exits with kExitFailure
 /// and prints nothing more.
 class PartialFailure : public std::runtime_error
 {

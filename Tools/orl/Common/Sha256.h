@@ -1,4 +1,4 @@
-// SHA-256 by the OS's own library: libcrypto on Linux, the cryptography services on Windows.
+// SHA-256 from the OS's own library: libcrypto on Linux, the cryptography services on Windows.
 #pragma once
 
 #include <cstddef>

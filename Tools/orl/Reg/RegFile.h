@@ -24,7 +24,7 @@
 
 namespace orl {
 
-/// An invalid line of the file. Lines count from 1.
+/// An invalid line of the file. Lines are numbered from 1.
 class RegFileFault : public std::runtime_error
 {
 public:
@@ -36,7 +36,7 @@ private:
     std::size_t mLine;
 };
 
-/// Parses a whole file and returns its changes in the order of the file. Throws RegFileFault for the first invalid
+/// Parses a whole file and returns its changes in file order. Throws RegFileFault for the first invalid
 /// line.
 std::vector<ORL::RegistryEdit> ReadRegFile(const std::string& inBytes);
 

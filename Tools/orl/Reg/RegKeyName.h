@@ -15,7 +15,7 @@ struct RegKeyName
 };
 
 /// Parses "HKCU\Software\X", "HKEY_LOCAL_MACHINE\Software\X", "user:Software\X", "machine:Software\X", or "Software\X"
-/// below inRoot. The case of the root does not matter. Throws Failure with kExitUsage for a path that cannot name a
+/// below inRoot. The root is case-insensitive. Throws Failure with kExitUsage for a path that cannot name a
 /// key.
 RegKeyName ReadRegKeyName(const std::string& inText, ORL::RegistryRootKeys::Type inRoot);
 

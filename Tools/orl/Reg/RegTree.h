@@ -16,10 +16,10 @@ std::vector<ORL::RegistryValue> ReadRegValues(const std::string& inCommand, cons
 /// Reads the names of the keys directly below a key, sorted. Throws Failure.
 std::vector<UTF16String> ReadRegSubKeys(const std::string& inCommand, const RegKeyName& inKey);
 
-/// Returns the key of that name directly below inKey.
+/// Returns the key with that name directly below inKey.
 RegKeyName RegSubKey(const RegKeyName& inKey, const UTF16String& inName);
 
-/// Returns the reason of a failure: "no such key", or the text of Describe.
+/// Returns the reason for a failure: "no such key", or the text of Describe.
 std::string DescribeRegFailure(ORL::Result inResult);
 
 /// Applies the changes. Throws Failure: "reg set: cannot change KEY: reason".

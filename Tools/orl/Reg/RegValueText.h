@@ -33,7 +33,7 @@ std::string ShowRegValue(const ORL::RegistryValue& inValue);
 /// Returns one JSON object: name, type, and the value, or its bytes as hexadecimal digits under "data".
 std::string JsonOfRegValue(const ORL::RegistryValue& inValue);
 
-/// Converts the text of a command line to a value of the type "string", "expand", "u32", "u64" or "binary". Throws
+/// Converts command-line text to a value of the type "string", "expand", "u32", "u64" or "binary". Throws
 /// Failure with kExitUsage if the text does not fit the type.
 ORL::RegistryValue ReadRegValue(const std::string& inType, const std::string& inText);
 

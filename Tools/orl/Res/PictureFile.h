@@ -12,7 +12,7 @@ namespace orl {
 /// them restores the same pixels.
 std::string ToPng(const ORL::Resources::FilePicture& inPicture);
 
-/// Pictures can be decoded while an object exists. On Linux the class does nothing.
+/// Pictures can be decoded while an instance exists. On Linux the class does nothing.
 class PictureDecoder
 {
 public:

@@ -50,7 +50,7 @@ double MegabytesPerSecond(const StreamFigures& inFigures)
     return inFigures.mSeconds > 0 ? static_cast<double>(inFigures.mBytes) / 1e6 / inFigures.mSeconds : 0;
 }
 
-// Returns the last name of a host path or library path.
+// Returns the last component of a host path or library path.
 std::string NameOf(const std::string& inFile)
 {
     const std::size_t at = inFile.find_last_of("/\\");

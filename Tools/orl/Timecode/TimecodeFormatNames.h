@@ -22,7 +22,7 @@ struct TimecodeFormat
 /// Returns all formats in the order of their values.
 const std::vector<TimecodeFormat>& AllTimecodeFormats();
 
-/// Returns the format of that name, or null. Case, points, blanks and hyphens are ignored ("29.97 drop").
+/// Returns the format with that name, or null. Case, periods, blanks and hyphens are ignored ("29.97 drop").
 const TimecodeFormat* FindTimecodeFormat(const std::string& inName);
 
 /// Selects when a label has a sign.

@@ -99,8 +99,8 @@ void CheckNumbers(const std::string& inText, const TimecodeSettings& inSettings)
     }
 }
 
-// While an object exists, a failing check of the library is recorded and not shown: typed text is at fault, not the
-// library.
+// While an instance exists, failed library checks are recorded, not shown: they mean that the typed text is wrong, not
+// that the library is.
 class ScopedCheckRecorder
 {
 public:

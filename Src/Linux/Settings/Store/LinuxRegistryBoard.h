@@ -48,7 +48,7 @@ public:
 
     /// Opens the board's file, or creates it, and maps it. Opens the file read-only if the process may not write it,
     /// and then returns 2 if the file is missing or incomplete. Returns 50 if the file system does not support shared
-    /// memory, and 1017 for a board of another format.
+    /// memory, and 1017 for a board with a different format.
     SystemError Open(const std::string& inFile, bool inIsWorldReadable);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mPage != nullptr; }
@@ -59,8 +59,8 @@ public:
     static constexpr int kGracePeriodMilliseconds = 25;
     bool IsWritable() const noexcept { return mIsWritable; }
 
-    /// Locks the file, for the time in which a store is opened or set aside. Waits up to 20 seconds and then returns an
-    /// error. The kernel releases the lock when its process ends.
+    /// Locks the file while a store is opened or set aside. Waits up to 20 seconds and then returns an
+    /// error. The kernel releases the lock when its process exits.
     SystemError Lock() noexcept;
     void Unlock() noexcept;
 

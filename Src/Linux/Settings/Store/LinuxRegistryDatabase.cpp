@@ -39,7 +39,7 @@ constexpr char kSchema[] =
     "PRAGMA user_version = 1;"
     "COMMIT";
 
-// The SQL texts of the tables, sorted by their names. A database with other tables was not created by this library.
+// The tables' SQL definitions, sorted by table name. A database with other tables was not created by this library.
 constexpr char kSchemaText[] =
     "CREATE TABLE aside(time TEXT NOT NULL, file TEXT NOT NULL, reason TEXT NOT NULL)\n"
     "CREATE TABLE keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL, folded BLOB NOT NULL, "
@@ -52,7 +52,7 @@ constexpr char kDescribe[] =
     "SELECT (SELECT application_id FROM pragma_application_id), (SELECT user_version FROM pragma_user_version), "
     "(SELECT group_concat(sql, char(10)) FROM (SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name))";
 
-// Checks the whole database. Returns the last code of SQLite, which is SQLITE_DONE if the check completed.
+// Checks the whole database. Returns the last SQLite result code, which is SQLITE_DONE if the check completed.
 int CheckIntegrity(sqlite3* inConnection, std::string& outFaults)
 {
     sqlite3_stmt* query = nullptr;
@@ -176,7 +176,7 @@ bool Database::IsFileCurrent() const noexcept
 SystemError Database::Prepare()
 {
     sqlite3_busy_timeout(mConnection, kBusyMilliseconds);
-    // Do not run code of a foreign database, such as triggers and views.
+    // Do not run code that an untrusted database contains, such as triggers and views.
     for (const auto& [option, value] : {std::pair{SQLITE_DBCONFIG_DEFENSIVE, 1},
                                         {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
                                         {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},

@@ -57,9 +57,9 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database of a location. Returns 2 with kReport if the database does not exist. Refuses a database of a
-    /// newer version, a symbolic link, and a folder that other users may write. After opening a damaged database fails,
-    /// SetAsideIfDamaged renames it.
+    /// Opens the database at a location. Returns 2 with kReport if the database does not exist. Refuses a database with
+    /// a newer version, a symbolic link, and a folder that other users may write. After opening a damaged database
+    /// fails, SetAsideIfDamaged renames it.
     SystemError Open(const StoreLocation& inLocation, IfMissing inIfMissing);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mConnection != nullptr; }
@@ -145,7 +145,7 @@ private:
     bool mIsOver = false;
 };
 
-/// A run of a prepared statement. The destructor clears its bindings and releases its read lock.
+/// An execution of a prepared statement. The destructor clears its bindings and releases its read lock.
 class Statement
 {
 public:
@@ -161,7 +161,7 @@ public:
     /// Returns true if there is a row; false at the end or after an error.
     bool Step();
 
-    /// Runs the statement to its end.
+    /// Runs the statement to completion.
     SystemError Run();
 
     SystemError Error() const noexcept { return mError; }

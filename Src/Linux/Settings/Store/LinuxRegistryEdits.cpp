@@ -1,4 +1,4 @@
-// Makes several changes of a store in one transaction.
+// Makes several changes to a store in one transaction.
 #include "LinuxRegistryStoreWork.h"
 
 #include <utility>

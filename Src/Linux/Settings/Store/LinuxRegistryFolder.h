@@ -26,7 +26,7 @@ bool MayCreate(const StoreLocation& inLocation);
 /// outDatabase is the resolved path of the database.
 SystemError CheckLocation(const StoreLocation& inLocation, std::string& outDatabase);
 
-/// Returns whether processes share memory through files of the folder. Returns false on a network file system.
+/// Returns whether processes share memory through files in the folder. Returns false on a network file system.
 bool HasSharedMemory(const std::string& inFolder) noexcept;
 
 /// Stores the device and inode of a file. Returns false if the file does not exist.
@@ -35,7 +35,7 @@ bool IdentityOf(const std::string& inFile, std::uint64_t& outDevice, std::uint64
 /// Returns the time of a system clock in milliseconds; 0 if it cannot be read.
 std::uint64_t MonotonicMilliseconds(int inClock) noexcept;
 
-/// Returns the size of a database with its journal, in bytes; 0 if it does not exist.
+/// Returns the size of a database including its journal, in bytes; 0 if it does not exist.
 std::uint64_t SizeOnDisk(const std::string& inDatabase) noexcept;
 
 /// Returns the databases in the same folder that were set aside, sorted by the date in their names.

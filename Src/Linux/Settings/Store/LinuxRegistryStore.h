@@ -57,8 +57,8 @@ public:
     SystemError List(const HandleParts& inKey, std::vector<Platform::Value>& outValues);
     SystemError Apply(const std::vector<Platform::Edit>& inEdits);
 
-    /// Returns path, size and the databases that were set aside. With kEverything checks the whole database. A database
-    /// that is too damaged to open is set aside first.
+    /// Returns the path, the size and the databases that were set aside. With kEverything checks the whole database. A
+    /// database that is too damaged to open is set aside first.
     Platform::StoreState State(Platform::StoreCheck inCheck);
 
     /// Closes the database, and frees the keys in memory if no handle is open. The next operation opens it again.

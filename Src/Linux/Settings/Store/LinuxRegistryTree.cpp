@@ -83,8 +83,8 @@ unsigned Tree::LevelOf(const StoredKey& inKey) noexcept
     return level;
 }
 
-// Stores the subkeys of the rows: keys in memory, and new keys, which have no parent yet. Skips a row whose key has
-// another parent, because no version of the library writes such rows.
+// Stores the subkeys of the rows: keys in memory, and new keys, which have no parent yet. Skips a row whose key has a
+// different parent, because no version of the library writes such rows.
 void Tree::Adopt(StoredKey& ioKey, std::vector<SubKeyRow>& ioRows, std::vector<std::shared_ptr<StoredKey>>& outSubKeys)
 {
     outSubKeys.reserve(ioRows.size());

@@ -37,7 +37,7 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
 
     bool HasAllValues() const noexcept { return mHasValues && mStale.IsEmpty(); }
 
-    /// Finds a value; stores null if the key has no value of that name. Returns false if the database must be queried.
+    /// Finds a value; stores null if the key has no such value. Returns false if the database must be queried.
     bool Find(const FoldedName& inName, StoredValue*& outValue) const noexcept
     {
         outValue = mHasValues ? mValues.Find(inName.Hash(), inName.Text()) : nullptr;
@@ -63,7 +63,7 @@ public:
 
     const std::shared_ptr<StoredKey>& Root() const noexcept { return mRoot; }
 
-    /// Returns the subkey of a folded name, or null. mSubKeys must be loaded.
+    /// Returns the subkey with a folded name, or null. mSubKeys must be loaded.
     static std::shared_ptr<StoredKey>* Find(StoredKey& inKey, UnitsView inFolded);
 
     /// Returns the number of levels between a key and the root; 0 for the root.
