@@ -167,8 +167,8 @@ void NobodyWaiting()
         .Run();
 }
 
-// No goal: if memory is available at once, a new gate costs less than the pool's lock and checks. The pool saves the
-// construction of a mutex and a condition on systems where that needs system calls, and memory that moves between
+// No goal: if memory is available at once, a new gate costs less than the pool's lock and checks. The pool saves
+// constructing a mutex and a condition variable on systems where that needs system calls, and moving memory between
 // threads.
 void PooledGates()
 {

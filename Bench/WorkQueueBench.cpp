@@ -138,7 +138,7 @@ private:
     tbb::task_arena mArena;
 };
 
-// While an object exists, keeps the single thread of a pool asleep.
+// While an instance exists, keeps the single thread of a pool asleep.
 template <class Pool>
 class BlockedThread
 {

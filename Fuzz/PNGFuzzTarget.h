@@ -1,4 +1,4 @@
-// Properties of reading arbitrary bytes as a PNG file. The fuzzer and the plain tests check the same properties.
+// What must hold when arbitrary bytes are read as a PNG file. The fuzzer and the plain tests check the same properties.
 #pragma once
 
 #include <Linux/Images/LinuxPNG.h>

@@ -87,8 +87,8 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
 }
 
 /// Returns whether, by the rules, the text of a time with its sign and all fields must parse to the same time: whole
-/// frames of the format's rate, within a day. The longest padding of samples and a rate that differs from the format's
-/// do not affect labels, but frames that overflow a slower rate would carry.
+/// frames of the format's rate, within a day. Labels must use their format's own rate, because frames that overflow a
+/// slower rate would carry.
 inline bool RoundTrips(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)
 {
     using namespace tvxmediatypes;

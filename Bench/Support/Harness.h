@@ -289,7 +289,7 @@ public:
         return Add(std::move(inName), std::move(inBody), false, Goal{});
     }
 
-    /// Adds a row of the library. A group may have several such rows (with different goals, or none if the ratio is 0).
+    /// Adds a library row. A group may have several such rows (with different goals, or none if the ratio is 0).
     template <class Function>
     Group& Ours(std::string inName, Goal inGoal, Function inBody)
     {

@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While an object exists, asynchronous reads start with the selected engine.
+/// While an instance exists, asynchronous reads start with the selected engine.
 class AsyncEngine
 {
 public:

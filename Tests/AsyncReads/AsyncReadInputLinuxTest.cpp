@@ -24,7 +24,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// While an object exists, the calling thread accesses files as an ordinary user; other threads do not.
+/// While an instance exists, the calling thread accesses files as an ordinary user; other threads do not.
 class AsOrdinaryUser
 {
 public:

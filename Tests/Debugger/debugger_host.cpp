@@ -38,7 +38,7 @@ UTF16String Units(const std::u16string& inText)
 
 constexpr int kLabels = 2000;
 
-// Returns random labels of all formats and styles.
+// Returns random labels in all formats and styles.
 std::vector<ORL::Timecode> AnyCodes()
 {
     static constexpr int kDisplays[] = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 200, 201};

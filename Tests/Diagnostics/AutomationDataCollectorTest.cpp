@@ -1,4 +1,4 @@
-// Tests the store of automation results, and its text, which another library parses back.
+// Tests the automation result store and its text, which another library parses.
 #include <ORLAutomationDataCollector.h>
 
 #include <TextHelpers.h>

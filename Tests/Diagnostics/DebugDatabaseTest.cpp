@@ -110,7 +110,7 @@ TEST_F(DebugDatabaseTest, SetEntry_ChangesRegistryAndCache)
 TEST_F(DebugDatabaseTest, SetEntryThatFails_LeavesTheCacheAsItWas)
 {
     EXPECT_EQ("default", Database().GetEntry(kImpossibleName, "default"));
-    EXPECT_TRUE(Database().HasEntry(kImpossibleName)); // cached although the registry refused the name
+    EXPECT_TRUE(Database().HasEntry(kImpossibleName)); // cached although the registry rejected the name
     EXPECT_EQ("(none)", Stored(kImpossibleName));
     Database().SetEntry(kImpossibleName, "changed");
     EXPECT_EQ("default", Database().GetEntry(kImpossibleName, "other"));
@@ -153,7 +153,7 @@ TEST_F(DebugDatabaseTest, Names_DifferByCaseInTheCacheAlone)
 {
     EXPECT_EQ("one", Database().GetEntry("name", "one"));
     EXPECT_FALSE(Database().HasEntry("NAME"));
-    EXPECT_EQ("one", Database().GetEntry("NAME", "two")); // read from the registry, which ignores case
+    EXPECT_EQ("one", Database().GetEntry("NAME", "two")); // read from the registry, which is case-insensitive
 }
 
 TEST_F(DebugDatabaseTest, Release_EmptiesTheCacheAndKeepsTheRegistry)

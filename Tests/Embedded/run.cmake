@@ -15,7 +15,7 @@ function(run)
   endif()
 endfunction()
 
-# One check is in a source, the other in a header of the library.
+# One check is in a library source, the other in a library header.
 function(expect_name source name)
   set(object "orl/CMakeFiles/ORLFoundation_objects.dir/${source}.${extension}")
   run(${CMAKE_COMMAND} --build "${WORK}" --target "${object}")

@@ -19,7 +19,7 @@ ProcessResult CutList(const std::vector<std::string>& inArguments)
     return RunBesideThisProgram("example_cut_list", inArguments);
 }
 
-// Returns the whole file with "\n" line ends.
+// Returns the whole file with "\n" line endings.
 std::string Contents(const std::string& inFile)
 {
     std::ifstream file(inFile, std::ios::binary);

@@ -103,7 +103,7 @@ bool IsPaper(const std::uint8_t* inPixel)
     return inPixel[0] == 13 && inPixel[1] == 17 && inPixel[2] == 23;
 }
 
-// Returns the rows of a column that are not background.
+// Returns the rows of a column that differ from the background.
 std::vector<std::size_t> InkedRows(const DecodedPicture& inPicture, std::size_t inX)
 {
     std::vector<std::size_t> rows;

@@ -1,4 +1,4 @@
-// Fails each allocation of the class factory.
+// Fails each allocation in the class factory.
 #include "MemoryFaults.h"
 
 #include <ORLClassFactory.h>
@@ -50,7 +50,7 @@ void InAPair(std::vector<Guid>& outCategories)
     outCategories.push_back(OfPair(1));
 }
 
-// Registers a class in a new pair of categories while one allocation is refused. Returns true if that failed.
+// Registers a class in a new pair of categories with one allocation failing. Returns true if it ran out of memory.
 bool RegisterInAPair(const Guid& inClass, FaultyAllocator inAllocator, unsigned inNumber, unsigned& outRefused)
 {
     ++sPair;

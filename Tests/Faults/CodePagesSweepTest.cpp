@@ -1,4 +1,4 @@
-// Fails each allocation of code page conversions, the language and the debug settings.
+// Fails each allocation in code page conversions, the language and the debug settings.
 #include "MemoryFaults.h"
 
 #include <Diagnostics/DebugDatabaseLifecycle.h>

@@ -1,4 +1,4 @@
-// Fails each allocation of every operation of Directory.
+// Fails each allocation in every Directory operation.
 #include "FilesSweep.h"
 
 #include <ORLDirectory.h>

@@ -1,4 +1,4 @@
-// Fails each allocation of every operation of File.
+// Fails each allocation in every File operation.
 #include "FilesSweep.h"
 
 #include <BlockCacheSupport.h>
@@ -36,7 +36,7 @@ TEST_F(FileSweep, Create_WriteSeekCutAndAsk)
               File file;
               if (file.Create(mReal, kReadWrite, kShareNone, Disposition::kFileCreate_New, kNormal, false)
                   != kSuccess) {
-                  throw std::bad_alloc(); // Create reports lack of memory as a result
+                  throw std::bad_alloc(); // Create reports out of memory as its result
               }
               unsigned count = 0;
               unsigned __int64 time = 0;

@@ -1,4 +1,4 @@
-// Fails each allocation of operations on files. Afterwards no handle and no memory may leak, and each round checks what
+// Fails each allocation in file operations. Afterwards no handle and no memory may leak, and each round checks what
 // the operation left on disk.
 #pragma once
 

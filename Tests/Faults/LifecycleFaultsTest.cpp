@@ -1,4 +1,4 @@
-// Fails each allocation of the real start, and checks what a host can do afterwards.
+// Fails each allocation in the real start, and checks what a host can do afterwards.
 #include "MemoryFaults.h"
 
 #include <ORLFoundation.h>
@@ -14,7 +14,7 @@ using namespace ORLTest;
 
 namespace {
 
-/// While an object exists, contract errors throw a TVXException.
+/// While an instance exists, contract errors throw a TVXException.
 class ThrowingHost
 {
 public:
@@ -27,7 +27,7 @@ private:
     tvxcore::config::ErrorManager* const mOld;
 };
 
-/// mRefused counts the refused requests; 0 means that the start made fewer requests than the number to refuse.
+/// mRefused counts the failed requests; 0 means that the start made too few requests to reach the failing one.
 struct Attempt
 {
     bool mHasFailed = false;

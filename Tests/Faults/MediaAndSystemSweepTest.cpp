@@ -1,4 +1,4 @@
-// Fails each allocation of splines, hashes, the search for a process and the store of results.
+// Fails each allocation in splines, hashes, the process search and the result store.
 #include "MemoryFaults.h"
 
 #include <ORLAutomationDataCollector.h>

@@ -47,7 +47,7 @@ void AddOutstanding(FaultyAllocator inAllocator, std::int64_t inCount)
     sOutstanding[static_cast<int>(inAllocator)].fetch_add(inCount, std::memory_order_relaxed);
 }
 
-// Returns null if the request is refused or the heap is exhausted.
+// Returns null if the request is to fail or the heap is exhausted.
 void* FromHeap(std::size_t inSize) noexcept
 {
     void* const block = Refuses(FaultyAllocator::kHeap) ? nullptr : std::malloc(inSize != 0 ? inSize : 1);
@@ -126,7 +126,7 @@ void operator delete[](void* inBlock, const std::nothrow_t&) noexcept
     ToHeap(inBlock);
 }
 
-// The linker redirects every call of these functions to the wrappers, and calls of the "real" ones to the originals.
+// The linker redirects every call to these functions to the wrappers, and calls to the "real" ones to the originals.
 #define ORL_SYMBOL(kind, name) __asm__("__" kind "_" name)
 #define ORL_ALLOCATE_PAGES "_ZN3ORL10PageMemory8Platform18AllocatePages_ImplE" ORL_MANGLED_SIZE
 #define ORL_FREE_PAGES "_ZN3ORL10PageMemory8Platform14FreePages_ImplEPv" ORL_MANGLED_SIZE
@@ -164,7 +164,7 @@ void Attempt(const std::function<void()>& inWork)
     }
 }
 
-// Runs inWork with request 1, 2, 3 ... refused, until inWork makes fewer requests.
+// Runs inWork with request 1, 2, 3 ... failing, until inWork makes fewer requests.
 void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::function<void()>& inWork,
                     const std::function<void()>& inCheck)
 {
@@ -237,7 +237,7 @@ std::int64_t OutstandingMemory(FaultyAllocator inAllocator)
 bool HeapIsFullyIntercepted()
 {
     const std::int64_t before = OutstandingMemory(FaultyAllocator::kHeap);
-    const std::string text(100, 'x'); // allocated by code of the standard library
+    const std::string text(100, 'x'); // allocated by standard library code
     return OutstandingMemory(FaultyAllocator::kHeap) > before;
 }
 

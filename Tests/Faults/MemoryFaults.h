@@ -1,7 +1,7 @@
 // Allocation failures at chosen points, and a balance of the memory still allocated.
 //
-// Three allocators are watched: the small block allocator, whole pages of the OS, and the C++ heap. Only requests of
-// the thread that created the MemoryFaults object are counted and refused.
+// Three allocators are watched: the small block allocator, whole OS pages, and the C++ heap. Only requests from
+// the thread that created the MemoryFaults object are counted and can fail.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ enum class FaultyAllocator { kSmallBlocks, kPages, kHeap };
 inline constexpr FaultyAllocator kFaultyAllocators[] = {FaultyAllocator::kSmallBlocks, FaultyAllocator::kPages,
                                                         FaultyAllocator::kHeap};
 
-/// While an object exists, request number inNumber (from 1) to one allocator is refused; with inAllFurther, so are all
+/// While an instance exists, request number inNumber (from 1) to one allocator fails; with inAllFurther, so do all
 /// later requests.
 class MemoryFaults
 {
@@ -41,7 +41,7 @@ bool HeapIsFullyIntercepted();
 
 /// Fails each request for memory that inWork makes, once alone and once with all later requests. After each round
 /// inCheck verifies the state, and the balance must be unchanged. inWork must leak nothing, and must either throw
-/// std::bad_alloc or succeed without the refused memory.
+/// std::bad_alloc or succeed without the requested memory.
 void SweepMemory(const std::function<void()>& inWork, const std::function<void()>& inCheck);
 
 } // namespace ORLTest

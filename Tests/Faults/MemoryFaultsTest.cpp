@@ -1,4 +1,4 @@
-// Tests the fault injection itself: a sweep that refuses nothing would prove nothing.
+// Tests the fault injection itself: a sweep that injects no failure would prove nothing.
 #include "MemoryFaults.h"
 
 #include <ORLAllocator.h>

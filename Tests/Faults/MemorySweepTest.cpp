@@ -1,4 +1,4 @@
-// Fails each allocation of the recycler.
+// Fails each allocation in the recycler.
 #include "MemoryFaults.h"
 
 #include <Memory/MemoryRecyclerLifecycle.h>

@@ -1,4 +1,4 @@
-// Fails each request for memory of the libraries behind the PNG decoder: they use the C heap.
+// Fails each memory request from the libraries behind the PNG decoder, which use the C heap.
 #include <Linux/Images/LinuxPNG.h>
 
 #include <cstdlib>
@@ -17,7 +17,7 @@ using namespace ORL::Linux;
 namespace {
 
 unsigned int sAsked = 0;
-unsigned int sRefuseFrom = 0; // number of the first refused request; 0: refuse none
+unsigned int sRefuseFrom = 0; // number of the first failing request; 0: none fails
 bool sRefuseAllFurther = false;
 int sBlocks = 0; // allocated and not yet freed
 
@@ -96,7 +96,7 @@ std::string Pixels(Decoder& inDecode, const std::string& inFile)
     return std::string(reinterpret_cast<const char*>(picture.mPixels.get()), size);
 }
 
-// Returns the number of requests. If a request is refused, the decoder must fail or still decode the same pixels.
+// Returns the number of requests. If a request fails, the decoder must fail or still decode the same pixels.
 unsigned int Sweep(Decoder& inDecode, const std::string& inFile)
 {
     sAsked = 0;
@@ -149,7 +149,7 @@ TEST_F(PNGDecoderSweep, OfEachFile_WithEachRequestRefused_LeavesNothingBehind)
     EXPECT_GT(both, 20u);
 }
 
-// The slower decoder takes over if the faster one has no memory.
+// The slower decoder takes over if the faster one runs out of memory.
 TEST_F(PNGDecoderSweep, OneRefusedRequestOfTheFastDecoder_CostsNoPicture)
 {
     std::ifstream stream(std::string(ORL_PICTURES) + "/two_rows.png", std::ios::binary);

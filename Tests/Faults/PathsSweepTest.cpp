@@ -1,4 +1,4 @@
-// Fails each allocation of every function on paths and volumes.
+// Fails each allocation in every path and volume function.
 #include "FilesSweep.h"
 
 #include <ORLDiskUtils.h>

@@ -26,7 +26,7 @@ std::atomic<int> sBitmaps{0}; // created by the library or passed to it, and not
 
 } // namespace
 
-// The linker redirects the library's calls of these three functions to the wrappers.
+// The linker redirects the library's calls to these three functions to the wrappers.
 using Images::Platform::Picture;
 using PixelBlock = std::unique_ptr<unsigned char[]>;
 

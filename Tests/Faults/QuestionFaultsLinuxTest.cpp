@@ -1,4 +1,4 @@
-// Fails each system call of the queries on paths, directories and volumes, with several errors. Each query must
+// Fails each system call in the path, directory and volume queries with several errors. Each query must
 // return the true result or its result for a failure, and leave no descriptor open.
 #include <FaultySystemCallsLinux.h>
 #include <SystemProbes.h>
@@ -32,7 +32,7 @@ struct Query
     const char* mName;
     std::string (*mAsk)(const TempFolder&); // returns the result of the query as text
     std::string mTrue;
-    std::string mRefused; // the result for a failed call, allowed as well
+    std::string mRefused; // the result for a failed call, also accepted
 };
 
 std::string Text(bool inAnswer)

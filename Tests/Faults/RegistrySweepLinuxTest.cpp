@@ -1,4 +1,4 @@
-// Fails each allocation of the registry store. Other tests fail the allocations of its database.
+// Fails each allocation in the registry store. Other tests fail the allocations in its database.
 #include "MemoryFaults.h"
 
 #include <Linux/Settings/Store/LinuxRegistryStore.h>

@@ -27,7 +27,7 @@ void LoadAndAsk(const UTF16String& inPath)
     if (result != kSuccess) {
         EXPECT_EQ(kGeneralFailure, result);
         EXPECT_FALSE(module);
-        throw std::bad_alloc(); // if the pages of a file are refused, the load returns a failure and does not throw
+        throw std::bad_alloc(); // if the pages for a file cannot be allocated, the load fails and does not throw
     }
     EXPECT_EQ(4u, LoadStringW(*module, 0).size());
     int size = 0;

@@ -1,4 +1,4 @@
-// Fails each allocation of names, templates and numbers.
+// Fails each allocation in names, templates and numbers.
 #include "MemoryFaults.h"
 
 #include <ORLConstString.h>
@@ -86,8 +86,8 @@ TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
     });
 }
 
-// Uses a new table, because the index of the process's table already exists. Texts entered before a refused allocation
-// must be found again; a text whose allocation was refused must be absent.
+// Uses a new table, because the index of the process's table already exists. Texts entered before a failed allocation
+// must be found again; a text whose allocation failed must be absent.
 TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
 {
     constexpr std::size_t kTexts = 140; // the index starts with 128 slots and is at most half full: two growths
@@ -116,7 +116,7 @@ TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
         [] {});
 }
 
-// Refuses only the pages of the index, which is created for the first text and grows for the 65th and the 129th.
+// Fails only the page requests of the index, which is created for the first text and grows for the 65th and the 129th.
 TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItIsTriedAgain)
 {
     for (unsigned refused = 1; refused <= 3; ++refused) {

@@ -1,4 +1,4 @@
-// Fails each allocation of thread records, shared queues and flushes.
+// Fails each allocation in thread records, shared queues and flushes.
 #include "MemoryFaults.h"
 
 #include <ORLSharedThreadedWorkQueue.h>

@@ -54,7 +54,7 @@ TEST(SystemErrorMessage, EveryErrorOfTheSeam_HasASentenceWithALineEnd)
         const std::string message = Message(error);
         EXPECT_NE(kNoMessage, message) << error;
         EXPECT_TRUE(EndsWith(message, "\r\n")) << error << ": " << message;
-        EXPECT_GT(message.size(), 4u) << error; // the text is more than a line end
+        EXPECT_GT(message.size(), 4u) << error; // the text is more than a line break
         EXPECT_EQ(message.size() - 1, message.find('\n')) << error << ": one line";
     }
 }

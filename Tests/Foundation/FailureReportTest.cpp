@@ -1,4 +1,4 @@
-// Tests the handling of an exception that no code caught.
+// Tests the handling of uncaught exceptions.
 #include <ORLFailureReport.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>

@@ -64,7 +64,7 @@ unsigned int BytesReadOf(const UTF16String& inPath)
     return bytesRead;
 }
 
-/// Absorbs the report of a check in the thread records that every restart fails; other tests cover that check.
+/// Absorbs the report of a thread record check that every restart fails; other tests cover that check.
 class FoundationTest : public ::testing::Test
 {
 protected:
@@ -277,7 +277,7 @@ TEST(FoundationHost, UsedByAStaticDestructorAfterTheStop_StillHasItsLocksObjects
     ExpectHostOutput("late-use", "started\nmain\nstopped\nused after the stop\n");
 }
 
-// The library's threads may be at any instruction when the process ends, so the test runs the host ten times.
+// The library's threads may be at any instruction when the process exits, so the test runs the host ten times.
 TEST(FoundationHost, NeverStopped_EndsCleanly)
 {
     for (int round = 0; round < 10; ++round) {

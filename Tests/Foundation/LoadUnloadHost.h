@@ -5,7 +5,7 @@
 
 namespace LoadUnload {
 
-/// Returns the handle of the loaded library in the folder of this program, or null on failure.
+/// Loads a library from this program's folder. Returns its handle, or null on failure.
 void* Load(const char* inFileName);
 bool Unload(void* inLibrary);
 

@@ -192,7 +192,7 @@ TEST(BitmapReader, Runs_StayInsideOfThePicture)
         const char* mWhat;
         Contents mRuns;
         bool mIsRead;
-        std::vector<std::uint32_t> mPixels; // the pixels of a picture of 2 by 2
+        std::vector<std::uint32_t> mPixels; // the pixels of a 2 by 2 picture
     } kRows[] = {
         {"nothing but the end", {0, 1}, true, {kBlack, kBlack, kBlack, kBlack}},
         {"no end", {}, false, {}},

@@ -18,7 +18,7 @@ inline bool IsTopDown(const BitmapRow& inRow)
     return std::string(inRow.mName).find("top_down") != std::string::npos;
 }
 
-/// Ignores alpha, because a bitmap of the system need not have it.
+/// Ignores alpha, because a system bitmap need not have it.
 inline void ExpectPixels(ORL::Module& inModule, const BitmapRow& inRow)
 {
     SCOPED_TRACE(inRow.mName);

@@ -36,7 +36,7 @@ namespace {
 using Pixels = std::vector<unsigned char>;
 using Road = bool(const ORL::Resources::Bytes&, DecodedPNG&) noexcept;
 
-// Returns the pixels, or an empty vector for a file that is refused.
+// Returns the pixels, or an empty vector for a file that is rejected.
 Pixels Decode(Road& inRoad, const std::string& inFile)
 {
     ORL::Resources::Bytes bytes;

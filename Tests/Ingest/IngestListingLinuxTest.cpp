@@ -77,7 +77,7 @@ bool IsCompleteOrReported(const orl::IngestListing& inListing, std::size_t inFil
     return isReported || inListing.mFiles.size() == inFiles;
 }
 
-// While an object exists, the listing fails at call number inNumber.
+// While an instance exists, the listing fails at call number inNumber.
 class BrokenListing
 {
 public:

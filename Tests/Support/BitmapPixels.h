@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// While an object exists, the library can decode pictures: on Windows the constructor starts GDI+.
+/// While an instance exists, the library can decode pictures: on Windows the constructor starts GDI+.
 class PictureDecoder
 {
 public:

@@ -5,7 +5,7 @@
 
 namespace ORLTest {
 
-/// While an object exists, this process and its children use a user store in a new folder. On Windows, where the OS
+/// While an instance exists, this process and its children use a user store in a new folder. On Windows, where the OS
 /// owns the registry, this class does nothing.
 class OwnUserStore
 {

@@ -24,7 +24,7 @@ namespace {
 constexpr int kDepth = 3000;
 constexpr rlim_t kFewDescriptors = 64;
 
-/// While an object exists, the process may open only a few descriptors.
+/// While an instance exists, the process may open only a few descriptors.
 class FewDescriptors
 {
 public:

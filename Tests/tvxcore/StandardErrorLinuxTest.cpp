@@ -11,7 +11,7 @@
 
 namespace {
 
-/// While an object exists, standard error is a full device: it is ready for a write, and the write fails.
+/// While an instance exists, standard error is a full device: it is ready for a write, and the write fails.
 class FullStandardError
 {
 public:

@@ -1,4 +1,4 @@
-// A host's use of the three libraries other than ORLFoundation.
+// Uses the three libraries other than ORLFoundation, as a host does.
 #pragma once
 
 #include "Touch.h"

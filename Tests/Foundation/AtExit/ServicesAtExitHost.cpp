@@ -1,5 +1,5 @@
-// Returns from main without Terminate while threads use every service of the library, and lets these threads continue
-// until the process ends. The threads check every result, so a use of freed memory is detected even if it does not
+// Returns from main without calling Terminate while threads use every library service, and lets these threads continue
+// until the process exits. The threads check every result, so a use of freed memory is detected even if it does not
 // crash. The argument names one service, or "all".
 #include "ServicesAtExitHost.h"
 
@@ -258,7 +258,7 @@ void AtExit::WaitForThreadProgress()
 }
 
 #if defined(__SANITIZE_THREAD__)
-// The process ends while its threads still run, and the C++ library publishes its cached facets under a lock that the
+// The process exits while its threads still run, and the C++ library publishes its cached facets under a lock that the
 // sanitizer does not see.
 extern "C" [[gnu::visibility("default")]] const char* __tsan_default_options()
 {

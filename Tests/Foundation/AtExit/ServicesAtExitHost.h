@@ -1,9 +1,9 @@
-// The platform part of the host that ends while its threads run.
+// The platform part of the host that exits while its threads run.
 #pragma once
 
 namespace AtExit {
 
-/// Waits until each thread has used every service again. Never returns if the OS has already ended the threads.
+/// Waits until each thread has used every service again. Never returns if the OS has already terminated the threads.
 void WaitForThreadProgress();
 
 /// Makes WaitForThreadProgress run again after the static objects of every library have been destroyed, if the OS keeps

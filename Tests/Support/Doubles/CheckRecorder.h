@@ -26,7 +26,7 @@ struct CheckReport
     std::array<const tvxcore::config::ReplacementValue*, 4> mValues{}; // set for an error; dangling after ThrowError
 };
 
-/// Only one recorder may exist at a time. While an object exists, a failed contract returns to its caller, or throws
+/// Only one recorder may exist at a time. While an instance exists, a failed contract returns to its caller, or throws
 /// ContractError if mThrow is set.
 class CheckRecorder : public tvxcore::config::ErrorManager
 {

@@ -11,8 +11,8 @@
 
 namespace ORLTest {
 
-/// While an object exists, opening one of the named files opens the test's contents. All other calls go to the kernel.
-/// Calls() can add faults. Only one object may exist at a time.
+/// While an instance exists, opening a named file opens the test's contents. All other calls go to the kernel.
+/// Calls() can add faults. Only one instance may exist at a time.
 class FakeProc
 {
 public:

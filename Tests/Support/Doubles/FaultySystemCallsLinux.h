@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// During its lifetime, intercepts every system call of the library. Only one object may exist at a time. Thread-safe.
+/// During its lifetime, intercepts the library's system calls. Only one instance may exist at a time. Thread-safe.
 ///
 ///   FaultySystemCalls calls;
 ///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails

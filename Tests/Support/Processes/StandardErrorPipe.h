@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While an object exists, standard error is a pipe that only TakeAll reads. The pipe holds at least 32 KiB of text.
+/// While an instance exists, standard error is a pipe that only TakeAll reads. The pipe holds at least 32 KiB of text.
 class StandardErrorPipe
 {
 public:
@@ -27,7 +27,7 @@ private:
     std::intptr_t mOld;
 };
 
-/// While an object exists, standard error is closed.
+/// While an instance exists, standard error is closed.
 class NoStandardError
 {
 public:

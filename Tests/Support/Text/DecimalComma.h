@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While an object exists, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no
+/// While an instance exists, printf and its relatives write a decimal comma. IsInForce returns false if the OS has no
 /// such locale.
 class DecimalComma
 {
