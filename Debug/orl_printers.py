@@ -17,7 +17,7 @@ INVALID_TIME = -(1 << 63)
 
 FRAMES, FEET_16MM, FEET_35MM, MILLISECONDS = 109, 111, 112, 201
 DROP_FRAME = (102, 106)
-MAX_UNITS = 1 << 16  # limit for the text read, because a length may be garbage
+MAX_UNITS = 1 << 16  # limit for the units read, because a length may be garbage
 
 
 def members(value, base):
@@ -54,7 +54,7 @@ def time_text(ticks):
 
 
 class Text:
-    """Prints a text in quotes; invalid UTF-16 or UTF-8 appears as escapes."""
+    """Prints a string in quotes; invalid UTF-16 or UTF-8 appears as escapes."""
 
     def __init__(self, pointer, length, unit_size):
         self.pointer, self.length, self.unit_size = pointer, length, unit_size
@@ -244,7 +244,7 @@ def orl_printer(value):
 
 
 def put_first(*_):
-    """GDB tries the printers of object files first, and the standard library's would show 16-bit texts as numbers."""
+    """GDB tries the printers of object files first, and the standard library's would show 16-bit strings as numbers."""
     for objfile in gdb.objfiles():
         if objfile.pretty_printers and objfile.pretty_printers[0] is not orl_printer:
             objfile.pretty_printers = [orl_printer] + [p for p in objfile.pretty_printers if p is not orl_printer]

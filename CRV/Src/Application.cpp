@@ -41,9 +41,9 @@ private:
 
 TextStorage sStorage;
 
-// A value that is read without a lock. The value keeps every text that was ever set, since readers may still use any of
-// them. The value is constant-initialised, so a host may set it before this library's static construction, and has no
-// destructor, so threads may read it until the process exits.
+// A value that is read without a lock. The value keeps every string that was ever set, since readers may still use any
+// of them. The value is constant-initialised, so a host may set it before this library's static construction, and has
+// no destructor, so threads may read it until the process exits.
 class HostText
 {
 public:

@@ -1,4 +1,4 @@
-// The extremes of a sound for each column of its picture, computed by the threads of a queue.
+// The extremes of a sound for each column of its picture, computed on a queue's threads.
 #pragma once
 
 #include "WavFile.h"

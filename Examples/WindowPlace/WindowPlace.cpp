@@ -24,7 +24,7 @@ struct Place
     int mY = 100;
 };
 
-// Separate numeric values instead of one text, so that each can be read and edited alone.
+// Separate numeric values instead of one string, so that each can be read and edited alone.
 constexpr char kX[] = "X";
 constexpr char kY[] = "Y";
 
@@ -68,7 +68,7 @@ void KeepPlace(const Place& inPlace)
     Check(key.SetUInt32Value(ORL::MakeString(kY), static_cast<unsigned int>(inPlace.mY)), "the place of the window");
 }
 
-// The library reads this value once, at the first query of the language.
+// The library reads this value once, when the language is first queried.
 void KeepLanguage(const std::string& inLanguage)
 {
     ORL::RegistryKey key;

@@ -24,7 +24,7 @@ void TraceSwallowedWarning(const char* inZString, long inErrorID)
         return;
     }
     std::ostringstream line;
-    line.imbue(std::locale::classic()); // the host may have set another global locale
+    line.imbue(std::locale::classic()); // the host may have set a different global locale
     line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
          << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
          << " exception was swallowed." << std::endl;

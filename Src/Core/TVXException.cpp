@@ -20,7 +20,7 @@ TVXException::~TVXException() = default;
 
 namespace {
 
-// Returns the default text of a ZString, or a fixed text if the default text is missing or too long for a message.
+// Returns the default text of a ZString, or fixed text if the default text is missing or too long for a message.
 const char* ShownText(const char* inZString)
 {
     constexpr std::size_t kTooLong = 201; // length of the text, including its "="

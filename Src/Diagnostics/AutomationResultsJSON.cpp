@@ -9,8 +9,8 @@ namespace ORL {
 
 namespace {
 
-// The JSON library only quotes the texts. The library's objects and arrays are not used, because one under construction
-// leaks if memory runs out.
+// The JSON library only quotes the strings. The library's objects and arrays are not used, because one under
+// construction leaks if memory runs out.
 std::string Quoted(const UTF16String& inText)
 {
     const UTF8String text = tvxcore::utility::UTF16to8(inText);

@@ -26,7 +26,7 @@ constexpr const char* kLineEnd = "\r\n";
 std::string AlertText(const std::string& inWhat)
 {
     std::ostringstream text;
-    text.imbue(std::locale::classic()); // the host may have set another global locale
+    text.imbue(std::locale::classic()); // the host may have set a different global locale
     if (!inWhat.empty()) {
         text << inWhat << kLineEnd << kLineEnd;
     }

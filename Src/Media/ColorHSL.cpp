@@ -74,7 +74,7 @@ void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& out
     const int sector = static_cast<int>(sixths);
     const float f = sixths - static_cast<float>(sector);
     const float m = 2 * inL - v;
-    const float w = (v - m) / v * v * f; // keeps / v * v, which changes last bits
+    const float w = (v - m) / v * v * f; // not simplified: / v * v affects the last bits
     const float levels[] = {v, m, m + w, v - w};
     enum { V, M, U, Z };
     static constexpr unsigned char kLevels[6][3] = {{V, U, M}, {Z, V, M}, {M, V, U}, {M, Z, V}, {U, M, V}, {V, M, Z}};

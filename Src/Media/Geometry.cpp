@@ -32,8 +32,8 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
     u[i] = static_cast<float>((6.0 * u[i] / width - sig * u[i - 1]) / p);
 }
 
-// Returns null if memory is exhausted. The compiler's check of an array's size throws even in the non-throwing form, so
-// larger sizes are refused here.
+// Returns null if memory is exhausted. The compiler's array size check throws even in the non-throwing form, so larger
+// sizes are rejected here.
 std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
 {
     constexpr std::size_t kMax = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kReadable = UTF16String::npos;
 
-// The positions of feet and frames in a text without its sign.
+// The positions of feet and frames in a string without its sign.
 struct FeetFramesText
 {
     bool mIsNegative = false;

@@ -34,7 +34,7 @@ unsigned short* PutPair(unsigned short* outUnits, unsigned inValue)
     return outUnits;
 }
 
-// Builds a text on the stack, so that the string is allocated once, with its final size.
+// Builds the text on the stack, so that the string is allocated once, with its final size.
 class TextBuilder
 {
 public:

@@ -19,7 +19,7 @@ constexpr std::size_t kMaxSpareNodes = 16;
 // threads that still use it.
 Immortal<ObjectPtr<MemoryRecycler, AtomicValue>> sMemoryRecycler;
 
-// Returns true if the host has freed memory and requests another try.
+// Returns true if the host has freed memory and requests a retry.
 bool HostWantsAnotherTry(std::size_t inSize)
 {
     tvxcore::config::ErrorManager* const manager = tvxcore::config::ErrorManager::Get(false);

@@ -22,13 +22,13 @@ const unsigned char* Bytes(const char* inText)
     return reinterpret_cast<const unsigned char*>(inText);
 }
 
-// Compares a record, which may be null, with a text that is not null.
+// Compares a record, which may be null, with a string that is not null.
 int CompareWithText(const Record* inRecord, const unsigned char* inText)
 {
     return inRecord == nullptr ? -1 : CompareBytes(inRecord->Text(), inText);
 }
 
-// Returns the empty text for null.
+// Returns the empty string for null.
 const unsigned short* UnitsOrEmpty(const unsigned short* inText)
 {
     static constexpr unsigned short kEmpty[] = {0};
@@ -127,7 +127,7 @@ int ImmutableString::Compare(const UTF8String& inOther) const
 int ImmutableString::Compare(const UTF16String& inOther) const
 {
     if (mRepresentation == nullptr) {
-        return -1; // a null handle is below every text
+        return -1; // a null handle is below every string
     }
     return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(inOther).c_str());
 }

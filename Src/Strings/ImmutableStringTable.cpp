@@ -148,7 +148,7 @@ ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* i
     static constexpr unsigned char kEmpty[] = {0};
     const Key key = KeyOf(inText != nullptr ? inText : kEmpty);
     Record* const present = EnterAsReader(key);
-    // For a null text creates a dynamic record with an empty copy, even for a static name.
+    // For a null string, creates a dynamic record with an empty copy, even for a static name.
     return present != nullptr ? present : EnterUnderGuard(key, inText != nullptr ? inLifetime : Lifetime::kDynamic);
 }
 

@@ -35,7 +35,7 @@ constexpr char kLanguageValueName[] = "Language";
 using Internal::kLanguageIsKnown;
 using Internal::sLanguageID;
 
-Immortal<CriticalSection> sLanguageLock; // guards writes; acquired before the lock of the base keys
+Immortal<CriticalSection> sLanguageLock; // guards writes; acquired before the base keys' lock
 
 const Language* FindLanguage(unsigned short inID)
 {

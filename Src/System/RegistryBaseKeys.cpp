@@ -11,10 +11,10 @@ namespace ORL {
 
 namespace {
 
-// Reentrant: two of the texts are built from a third under the lock.
+// Reentrant: two of the strings are built from a third under the lock.
 Immortal<CriticalSection> sRegistryKeysLock;
 
-// A text that the first call builds. The text is never destroyed, because threads may still use it at process exit.
+// A string that the first call builds. The string is never destroyed, because threads may still use it at process exit.
 class CachedKey
 {
 public:

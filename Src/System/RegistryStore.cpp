@@ -45,8 +45,8 @@ SystemError ListNames(KeyHandle inKey, std::vector<UTF16String>& outNames)
     }
 }
 
-// SetValue_Impl reads one unit past a text and stores it if it is a terminator. The appended unit 0xFFFF prevents that,
-// so the caller's bytes are stored unchanged.
+// SetValue_Impl reads one unit past a string and stores it if it is a terminator. The appended unit 0xFFFF prevents
+// that, so the caller's bytes are stored unchanged.
 SystemError SetValueVerbatim(KeyHandle inKey, const Value& inValue)
 {
     std::vector<unsigned char> data = inValue.mData;

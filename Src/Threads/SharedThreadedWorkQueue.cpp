@@ -33,7 +33,7 @@ QueueRef Find(const QueueMap& inQueues, ThreadPriorities::Type inPriority)
     return found != inQueues.end() ? found->second : QueueRef();
 }
 
-// The caller must hold the lock of the maps.
+// The caller must hold the maps' lock.
 QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const Kind& inKind)
 {
     if (const QueueRef found = Find(ioQueues, inPriority)) {

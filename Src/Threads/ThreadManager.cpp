@@ -45,8 +45,8 @@ public:
     using ThreadInfo::ThreadInfo;
 };
 
-// Written under the lock of the library's start and stop. Other threads read the first two without a lock, so these are
-// atomic; relaxed order is enough.
+// Written under the lock for the library's start and stop. Other threads read the first two without a lock, so these
+// are atomic; relaxed order is enough.
 std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
 std::atomic<bool> sInfoIndexAllocated{false};
 ThreadInfo* sMainThreadInfo = nullptr;

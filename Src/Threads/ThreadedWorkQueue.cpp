@@ -19,7 +19,7 @@ using tvxcore::threads::AsyncThreadedExecutor;
 using tvxcore::threads::RepeatDelayFunction;
 using Request = ThreadedWorkQueue::Request;
 
-// An owning pointer. Only the comparison with null is allowed without a lock.
+// An owning pointer. Only comparison with null is allowed without a lock.
 class IdleFunction
 {
 public:

@@ -16,7 +16,7 @@ enum ApplicationType : int {
 /// Return name, version and kind of the host. Name and version are part of the path of the host's settings.
 ///
 /// The defaults are "ORL", "1.0" and kApplicationType_Default. A returned text stays valid while this library is
-/// loaded, even after the host sets another. Thread-safe. Never throws.
+/// loaded, even after the host sets a new one. Thread-safe. Never throws.
 CRV_API const char* GetApplicationName() noexcept;
 CRV_API const char* GetApplicationVersion() noexcept;
 CRV_API ApplicationType GetApplicationType() noexcept;

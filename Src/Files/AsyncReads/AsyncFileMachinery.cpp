@@ -73,11 +73,11 @@ private:
 
 ReadBatch sReadBatch;
 
-// A lower bound for the number of starts that the executor holds. The count is incremented only after the executor has
+// A lower bound for the number of starts queued in the executor. The count is incremented only after the executor has
 // accepted a start, so while it is above zero another start will run, and a held-back read will be submitted.
 std::atomic<int> sQueuedStarts{0};
 
-// A read that completes with a failure ends the thread, as does the empty packet of TerminateAsyncFileOperations.
+// The thread exits if a read completes with a failure, and on the empty packet from TerminateAsyncFileOperations.
 void DrainPort(void* inPort)
 {
     Completion completion{};

@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // On Linux a folder may be on a different disk from the root of its drive.
+    // On Linux a folder and its drive's root may be on different disks.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

@@ -22,7 +22,7 @@ UTF16String DetachAll(UTF16String& ioPath)
 }
 
 // Returns the plain leaf of a path that the shell does not accept, and removes it from ioPath. A path that ends in a
-// backslash is returned whole and not changed.
+// backslash is returned whole and left unchanged.
 UTF16String DetachLeaf(UTF16String& ioPath)
 {
     const std::size_t backslash = ioPath.rfind('\\');
@@ -34,7 +34,7 @@ UTF16String DetachLeaf(UTF16String& ioPath)
     return leaf;
 }
 
-// Returns true for \\server\share and for shorter paths of this kind.
+// Returns true for \\server\share and for shorter UNC paths.
 bool IsShareOrServer(const UTF16String& inPath)
 {
     return inPath.compare(0, 2, TVX_UTF16("\\\\")) == 0 && std::count(inPath.begin(), inPath.end(), '\\') < 4;

@@ -64,8 +64,8 @@ UTF16String GetTempDirectoryFrom(GetTempPathFunction inGetTempPath)
         return UTF16String(buffer.data());
     }
     buffer.assign(needed + 1, 0);
-    // This condition is inverted: if the query succeeds, the function asserts and returns an empty text. The inversion
-    // is kept, because hosts expect an empty path and an assertion for a long path.
+    // This condition is inverted: if the query succeeds, the function asserts and returns an empty string. The
+    // inversion is kept, because hosts expect an empty path and an assertion for a long path.
     if (inGetTempPath(needed, buffer.data()) == 0) {
         return UTF16String(buffer.data());
     }

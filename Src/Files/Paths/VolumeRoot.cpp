@@ -12,7 +12,7 @@ bool BeginsWith(const UTF16String& inPath, const unsigned short* inText)
     return inPath.compare(0, std::char_traits<unsigned short>::length(inText), inText) == 0;
 }
 
-// Returns the server and share part of \\?\UNC\server\share\..., or an empty text if the share is missing.
+// Returns the server and share part of \\?\UNC\server\share\..., or an empty string if the share is missing.
 UTF16String ServerAndShare(const UTF16String& inPath)
 {
     constexpr std::size_t kServer = 8;

@@ -98,7 +98,7 @@ std::size_t CommonPrefix(const UTF16String& inLeft, const UTF16String& inRight)
             break;
         }
     }
-    // A text of two units is assumed to be a drive, whose root includes the backslash.
+    // A prefix of two units is assumed to be a drive, whose root includes the backslash.
     return length == 2 ? 3 : length;
 }
 

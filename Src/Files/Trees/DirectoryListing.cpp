@@ -61,8 +61,8 @@ ListingPtr OpenListing(const UTF16String& inDirectory)
     return nullptr;
 }
 
-/// Walks a directory and calls ioSink(path, kind) for each entry. A deep tree needs no additional stack and, on systems
-/// with few handles, no additional handles.
+/// Walks a directory and calls ioSink(path, kind) for each entry. A deep tree needs no more stack and, on systems with
+/// few handles, no more handles.
 template <class Sink>
 class Walker
 {

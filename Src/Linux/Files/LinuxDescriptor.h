@@ -58,7 +58,7 @@ private:
 Descriptor OpenByPath(const char* inPath, int inFlags, mode_t inMode = 0) noexcept;
 Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMode = 0) noexcept;
 
-/// Opens a folder by its name in another folder, or by its path with AT_FDCWD. inLink is 0 to follow a link, or
+/// Opens a folder by its name in a parent folder, or by its path with AT_FDCWD. inLink is 0 to follow a link, or
 /// O_NOFOLLOW to fail for one.
 Descriptor OpenFolderByName(int inFolder, const char* inName, int inLink) noexcept;
 

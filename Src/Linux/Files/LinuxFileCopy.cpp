@@ -23,7 +23,7 @@ bool Fails(int inAnswer)
     return inAnswer != 0 && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
 }
 
-// Copies the last-write time, and the read-only mark if the destination existed before.
+// Copies the last-write time, and the read-only attribute if the destination already existed.
 SystemError CopyMarks(int inTo, const struct stat& inSource, const struct stat& inDestination, bool inIsNew)
 {
     const struct timespec times[2] = {{0, UTIME_OMIT}, inSource.st_mtim};

@@ -7,11 +7,11 @@
 namespace ORL {
 namespace Linux {
 
-/// The text of a symbolic link, as the link contains it.
+/// The text of a symbolic link, exactly as stored.
 class LinkTarget
 {
 public:
-    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0, or an errno with an empty
+    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0, or an errno with empty
     /// text; ENAMETOOLONG if the text is longer than any that the kernel can create.
     int Read(int inFolder, const char* inName) noexcept;
 

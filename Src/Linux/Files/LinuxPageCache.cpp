@@ -5,7 +5,7 @@
 namespace ORL {
 namespace Linux {
 
-// The kernel drops whole pages only, so this includes the page where the transfer begins: the previous transfer, which
+// The kernel drops only whole pages, so this includes the page where the transfer begins: the previous transfer, which
 // ended in this page, may have been smaller than a page.
 void DropPagesOfTransfer(int inFile, std::uint64_t inPosition, std::uint32_t inCount) noexcept
 {

@@ -38,8 +38,8 @@ private:
 };
 
 // Parses "cpu  user nice system idle iowait irq softirq steal guest guest_nice"; old kernels have fewer fields. user
-// and nice already include the guests' time. The kernel generates the whole file for each read, so this reads only
-// once.
+// and nice already include the guests' time. The kernel generates the whole file for each read, so there is only one
+// read.
 SystemError ReadSample(Sample& outSample)
 {
     char buffer[512];

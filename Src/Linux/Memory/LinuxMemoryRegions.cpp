@@ -17,7 +17,7 @@ namespace Platform {
 
 namespace {
 
-// The end of the address space of a process with four-level paging. The list also contains the kernel's own page above
+// The end of a process's address space with four-level paging. The list also contains the kernel's own page above
 // this address, which does not belong to the process.
 constexpr std::uint64_t kTop = 0x7ffffffff000;
 

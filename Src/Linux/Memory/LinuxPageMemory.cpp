@@ -31,7 +31,7 @@ void FreePages_Impl(void* inPages, std::size_t inSize)
     Linux::System().mUnmapPages(inPages, inSize);
 }
 
-// The C runtime of Linux has no handlers that a failed allocation calls.
+// The C runtime on Linux has no handlers that a failed allocation calls.
 int QueryNewMode_Impl()
 {
     return 0;

@@ -64,7 +64,7 @@ std::string Clean(const std::string& inHostPath)
     return path.empty() ? "/" : path;
 }
 
-// Returns an empty text if the current folder no longer exists.
+// Returns an empty string if the current folder no longer exists.
 std::string InCurrentFolder(const std::string& inHostPath)
 {
     char folder[PATH_MAX];

@@ -23,7 +23,7 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 /// converts back to the same surrogate.
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount);
 
-/// Checks whether the units are a valid name. Returns 0, or 123 for an empty name, one of more than 255 units, or one
+/// Checks whether the units are a valid name. Returns 0, or 123 for an empty name, one with more than 255 units, or one
 /// that contains a control character or any of " * / < > ? \ |. A ":" would refer to a stream inside the file; Linux
 /// has no streams, so the result is 2.
 SystemError CheckName(const unsigned short* inUnits, std::size_t inCount) noexcept;

@@ -38,7 +38,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
     if (error != kErrorFileNotFound) {
         return error;
     }
-    StoredKey* last = nullptr; // the last existing key of the path
+    StoredKey* last = nullptr; // the last existing key in the path
     std::vector<NewKey> made;
     Change change;
     change.mKind = Change::kSubKeys;

@@ -24,7 +24,7 @@ StoreLocation FindUserLocation();
 /// Returns the location of the machine's store, below /var/lib.
 StoreLocation FindMachineLocation();
 
-/// Sets another folder for the machine's store, for tests. An empty path restores the default.
+/// Sets a different folder for the machine's store, for tests. An empty path restores the default.
 void SetMachineFolder(const std::string& inFolder);
 
 } // namespace Linux

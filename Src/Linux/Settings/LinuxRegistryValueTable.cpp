@@ -54,7 +54,7 @@ bool StoredValue::Assign(const ValueData& inData) noexcept
     return true;
 }
 
-// Returns the slot of that name, or the empty slot that ends the search. The table must have slots.
+// Returns the slot with that name, or the empty slot that ends the search. The table must have slots.
 std::size_t ValueTable::FindSlot(std::uint64_t inHash, UnitsView inFolded) const noexcept
 {
     std::size_t slot = Home(inHash);

@@ -1,7 +1,7 @@
 // Floor: System
 // The values of a key in memory, found by their folded names.
 //
-// A key can have thousands of values, and reads arrive in any order, so cache misses dominate the time of a read. The
+// A key can have thousands of values, and reads arrive in any order, so cache misses dominate the cost of a read. The
 // index is therefore flat, and each value is one block of memory that contains its folded name and its data.
 //
 // Not thread-safe; the store locks the table.

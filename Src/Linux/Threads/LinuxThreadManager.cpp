@@ -51,7 +51,7 @@ void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue)
     ::pthread_setspecific(inSlot, inValue);
 }
 
-// The name of the first thread is the process's name, by which ps, pgrep and killall find the host.
+// The first thread's name is the process name, by which ps, pgrep and killall find the host.
 void NameThread_Impl(const char* inName)
 {
     if (::gettid() == ::getpid()) {

@@ -171,7 +171,7 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 namespace {
 
 // Fails if another handle does not share deleting the folder, or if the folder is read-only. If the name is not a
-// folder, leaves the failure to the removal itself.
+// folder, lets the removal itself fail.
 SystemError ShareFolderForDelete(const HostPath& inPath, EntryShare& outShare)
 {
     const std::string name =

@@ -97,7 +97,7 @@ bool ReadInfoHeader(const Bytes& inBitmap, std::uint32_t inSize, BitmapHeader& o
 
 void ReadColours(const Bytes& inBitmap, const Table& inTable, BitmapHeader& outHeader)
 {
-    outHeader.mColours.assign(std::size_t{1} << outHeader.mBits, kOpaque); // indices past the table are black
+    outHeader.mColours.assign(std::size_t{1} << outHeader.mBits, kOpaque); // indices beyond the table are black
     const std::size_t count = std::min<std::size_t>(inTable.mCount, outHeader.mColours.size());
     for (std::size_t i = 0; i < count; ++i) {
         const unsigned char* const entry = inBitmap.mData + inTable.mOffset + i * inTable.mEntrySize;

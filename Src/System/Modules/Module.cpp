@@ -44,7 +44,7 @@ private:
     bool mOwns;
 };
 
-// The name of the first resource of a type: a number, or a copied text.
+// The name of the first resource of a type: a number, or a copied string.
 struct FirstName
 {
     bool mIsFound = false;

@@ -92,7 +92,7 @@ std::uint32_t ColourAt(const Bitmap& inBitmap, const Bytes& inRow, int inX) noex
         const unsigned char* const pixel = inRow.mData + std::size_t(inX) * 3;
         return std::uint32_t{pixel[0]} | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16;
     }
-    std::uint32_t colour = 0; // remains black for an index past the table
+    std::uint32_t colour = 0; // remains black for an index beyond the table
     ReadNumber(inBitmap.mColours, std::uint64_t{BitsAt(inRow, inX, bits)} * 4, colour);
     return colour & ~kOpaque;
 }

@@ -12,7 +12,7 @@ constexpr std::size_t kDirectoryEntry = 8;
 constexpr std::size_t kDataEntry = 16;
 constexpr std::uint32_t kHighBit = 0x80000000;
 
-// A directory has three levels: types, names, languages. In a valid directory entries and texts do not overlap, so
+// A directory has three levels: types, names, languages. In a valid directory, entries and strings do not overlap, so
 // their number is limited by its size. The walk stops at that limit, because entries of a hostile directory may overlap
 // or form cycles.
 class DirectoryWalk
@@ -88,7 +88,7 @@ private:
                    static_cast<std::uint32_t>(data.mSize));
     }
 
-    // The name is a number, or the offset of a text that begins with its length.
+    // The name is a number, or the offset of a string that begins with its length.
     bool ReadName(std::uint32_t inName, StoredName& outName)
     {
         if ((inName & kHighBit) == 0) {

@@ -23,7 +23,7 @@ constexpr std::uint64_t RoundUpTo4(std::uint64_t inSize) noexcept
     return (inSize + 3) & ~std::uint64_t{3};
 }
 
-// A type or name in a header: 0xFFFF and a number, or a zero-terminated text.
+// A type or name in a header: 0xFFFF and a number, or a zero-terminated string.
 class HeaderName
 {
 public:

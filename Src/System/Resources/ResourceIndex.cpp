@@ -34,7 +34,7 @@ public:
 
 private:
     static constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
-    static constexpr std::uint64_t kText = std::uint64_t{1} << 32; // distinguishes texts from 16-bit numbers
+    static constexpr std::uint64_t kText = std::uint64_t{1} << 32; // distinguishes strings from 16-bit numbers
 
     void AddWord(std::uint64_t inWord) noexcept
     {
@@ -58,7 +58,7 @@ bool IsCanonical(const NameView& inName) noexcept
     return !inName.IsText() || IsAscii(inName.Units(), inName.Count());
 }
 
-// The canonical form of a name. Only a text with non-ASCII units is copied and case-folded.
+// The canonical form of a name. Only a string with non-ASCII units is copied and case-folded.
 class Canonical
 {
 public:

@@ -22,7 +22,7 @@ public:
         return isThere;
     }
 
-    /// Appends a text and skips its terminator.
+    /// Appends a string and skips its terminator.
     bool ReadText(UTF16String& outText)
     {
         unsigned short unit = 0;

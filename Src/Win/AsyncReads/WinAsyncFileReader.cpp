@@ -73,7 +73,7 @@ bool GetCompletion_Impl(Handle inPort, Completion& outCompletion)
     const bool result = ::GetQueuedCompletionStatus(inPort, &bytes, &key, &overlapped, INFINITE) != FALSE;
     outCompletion.mOverlapped = reinterpret_cast<Overlapped*>(overlapped);
     outCompletion.mBytesRead = bytes;
-    outCompletion.mStartError = SystemErrors::kNoError; // the system refuses reads at their start, not on completion
+    outCompletion.mStartError = SystemErrors::kNoError; // the system rejects reads at their start, not on completion
     return result;
 }
 

@@ -41,7 +41,7 @@ UTF16String FromHostPath(const std::string& inHostPath)
 {
     const UTF16String path = AsUTF16(inHostPath);
     if (AsUTF8(path) != inHostPath) {
-        return UTF16String(); // not UTF-8; a repaired text would name another file
+        return UTF16String(); // not UTF-8; a repaired path would name a different file
     }
     const DWORD needed = ::GetFullPathNameW(AsWide(path.c_str()), 0, nullptr, nullptr);
     if (needed == 0) {

@@ -33,7 +33,7 @@ public:
     /// Returns whether it is time to call Show: at once for the first text, then ten times a second.
     bool IsDue() const;
 
-    /// Returns the columns available for a text: one less than the terminal has, because some terminals wrap in the
+    /// Returns the columns available for text: one less than the terminal has, because some terminals wrap in the
     /// last column.
     static std::size_t AvailableColumns();
 

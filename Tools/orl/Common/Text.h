@@ -16,7 +16,7 @@ UTF16String ToUTF16(const std::string& inText);
 /// whose name begins like a drive. Throws Failure if no drive contains the path.
 UTF16String PathOfArgument(const std::string& inArgument);
 
-/// Returns a text in JSON quotes. Invalid UTF-8 becomes U+FFFD, because JSON cannot represent it.
+/// Returns a string in JSON quotes. Invalid UTF-8 becomes U+FFFD, because JSON cannot represent it.
 std::string JsonQuoted(const std::string& inText);
 
 /// Returns the host path of a library path, or the library path itself if no drive contains it.
@@ -25,7 +25,7 @@ std::string HostTextOf(const UTF16String& inPath);
 /// Joins a name to a folder, in the style in which the folder is written.
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
-/// Replaces each control character by "?", so that a text stays on its line and cannot control the terminal.
+/// Replaces each control character with "?", so that a string stays on its line and cannot control the terminal.
 std::string WithoutControlCharacters(const std::string& inText);
 
 /// Returns the text on one line, padded with blanks to that many terminal columns.

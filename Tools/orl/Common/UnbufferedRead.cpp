@@ -194,8 +194,8 @@ private:
         return mCompleted.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
     }
 
-    // If the OS does not refuse a read beyond the end at its start, the read fails at its completion and is never
-    // reported. Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
+    // If the OS does not reject a read beyond the end at its start, the read fails on completion and is never reported.
+    // Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
     // disconnected disk may not answer the query either.
     void CheckNotTruncated()
     {

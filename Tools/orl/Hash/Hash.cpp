@@ -49,7 +49,7 @@ unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector
     return filled;
 }
 
-// Starts from 0:0:0 and adds blocks of 1 MiB. An empty file counts as one empty block.
+// Starts from 0:0:0 and adds 1 MiB blocks. An empty file counts as one empty block.
 ORL::HashValue HashOf(const std::string& inName)
 {
     ORL::File file;

@@ -57,7 +57,7 @@ struct Facts
     std::vector<Store> mStores;
 };
 
-// On a machine with one processor, this interval is long enough to measure the load in whole percents.
+// On a machine with one processor, this interval is long enough to measure the load to a whole percent.
 constexpr std::chrono::milliseconds kLoadInterval(200);
 
 void GatherMachine(Facts& outFacts)

@@ -91,7 +91,7 @@ UTF16String StoredNameOf(const std::string& inCommand, const RegKeyName& inKey, 
         if (value.mName == inName) {
             return inName;
         }
-        // Full case mappings may change the length of a text; the system's mappings do not.
+        // Full case mappings may change the length of a string; the system's mappings do not.
         if (value.mName.size() == inName.size() && tvxcore::utility::FoldCase(value.mName) == folded) {
             stored = value.mName;
         }

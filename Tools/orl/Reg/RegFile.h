@@ -54,7 +54,7 @@ bool CanWriteRegKey(const UTF16String& inName);
 /// sorted by name, the default value first, so that equal keys yield equal files from any store.
 UTF16String WriteRegFile(const std::vector<RegFileKey>& inKeys);
 
-/// Whether a name is sorted before another in a file: ignoring case first, then by code units.
+/// Returns whether a name sorts before another in a file: ignoring case first, then by code units.
 bool IsRegNameBefore(const UTF16String& inFirst, const UTF16String& inSecond);
 
 /// Encodes as UTF-16 little-endian with a byte order mark.

@@ -10,14 +10,14 @@ namespace orl {
 /// Returns "string", "expand", "binary", "u32", "u64", "strings", or "type 0x4d" for a type without a name.
 std::string ShowRegType(unsigned int inType);
 
-/// Whether the data fits the type: a text whose only zero unit is the last, 4 bytes, or 8 bytes. Data of all other
-/// types fits.
+/// Returns whether the data fits the type: a string whose only zero unit is the last, 4 bytes, or 8 bytes. Data of all
+/// other types fits.
 bool IsWellFormedRegValue(const ORL::RegistryValue& inValue);
 
 /// Converts bytes to 16-bit units, little-endian; ignores an odd byte at the end.
 UTF16String UnitsOfRegData(const std::vector<unsigned char>& inData);
 
-/// Returns the bytes of the text with a zero terminator.
+/// Returns the bytes of the string with a zero terminator.
 std::vector<unsigned char> RegDataOfText(const UTF16String& inText);
 
 /// Returns the number in a well-formed value of 4 or 8 bytes.

@@ -17,7 +17,7 @@ constexpr unsigned short kMenu = 4;
 constexpr unsigned short kDialog = 5;
 constexpr unsigned short kString = 6;
 
-// The parameters of a text ("%1" ...), each once.
+// The parameters in a string ("%1" ...), each once.
 using Parameters = std::set<std::string>;
 
 Parameters ParametersOf(const UTF16String& inText)

@@ -19,8 +19,8 @@ std::string NameOfLanguage(unsigned short inLanguage);
 /// Parses the results of NameOfLanguage and plain numbers. Throws CLI::ValidationError.
 unsigned short ReadLanguage(const std::string& inText);
 
-/// Convert a type or name to the form that lookups expect: a text, or "#" and a number. ReadType also accepts the names
-/// of NameOfType.
+/// Convert a type or name to the form that lookups expect: a string, or "#" and a number. ReadType also accepts the
+/// names of NameOfType.
 UTF16String ReadType(const std::string& inText);
 UTF16String ReadName(const std::string& inText);
 

@@ -115,7 +115,7 @@ void List(const Options& inOptions)
     WarnOfDamage("list", inOptions.mFile, file);
 }
 
-// Returns the identifiers that have a text in any language.
+// Returns the identifiers that have a string in any language.
 std::set<unsigned int> IdentifiersOf(const ResourceFile& inFile)
 {
     std::set<unsigned int> identifiers;

@@ -77,7 +77,7 @@ bool IsFeet(TimeDisplay inDisplay)
     return inDisplay == kTimeDisplay_16mmFeetFrames || inDisplay == kTimeDisplay_35mmFeetFrames;
 }
 
-// Whether the text is a number of frames that is not split into fields.
+// Returns whether the text is a number of frames that is not split into fields.
 bool IsPlainCount(const std::string& inText, TimeDisplay inDisplay)
 {
     const std::size_t begin = SkipSign(inText);
@@ -130,7 +130,7 @@ private:
 
 bool ScopedCheckRecorder::sHasFailed = false;
 
-// Returns the fields of a text with exactly four fields; an empty vector for any other text.
+// Returns the fields of text with exactly four fields; an empty vector for any other text.
 std::vector<long> FourFields(const std::string& inText)
 {
     std::vector<long> fields;
@@ -158,8 +158,8 @@ bool IsDroppedLabel(const std::string& inText, TimeDisplay inDisplay)
     return !fields.empty() && fields[1] % 10 != 0 && fields[2] == 0 && fields[3] < DroppedLabelCount(inDisplay);
 }
 
-// Whether the time of a label is more than two days from zero. The library's wrap-around at the day boundary moves some
-// negative times that far.
+// Returns whether a label's time is more than two days from zero. The library's wrap-around at the day boundary moves
+// some negative times that far.
 bool IsBeyondTheDay(const TickTime& inTime)
 {
     return inTime > TickTime(172800.0) || inTime < TickTime(-172800.0);

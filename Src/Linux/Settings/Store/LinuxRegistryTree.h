@@ -76,7 +76,7 @@ public:
     /// Finds a value, after loading it if it is stale; stores null if the value does not exist.
     SystemError LoadValue(StoredKey& ioKey, const FoldedName& inName, Database* ioDatabase, StoredValue*& outValue);
 
-    /// Processes a change by another writer. A changed value becomes stale. A changed list of subkeys that is in memory
+    /// Processes another writer's change. A changed value becomes stale. A changed list of subkeys that is in memory
     /// is reloaded immediately, so that deleted keys are marked.
     SystemError ApplyChange(const Change& inChange, Database* ioDatabase);
 
