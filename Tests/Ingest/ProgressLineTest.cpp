@@ -5,10 +5,38 @@
 #include <TextWidth.h>
 
 #include <gtest/gtest.h>
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 using namespace orl;
+
+namespace {
+
+/// Captures standard output during its lifetime.
+class CapturedOutput
+{
+public:
+    CapturedOutput() : mEarlier(std::cout.rdbuf(mText.rdbuf())) {}
+    ~CapturedOutput() { std::cout.rdbuf(mEarlier); }
+    CapturedOutput(const CapturedOutput&) = delete;
+    CapturedOutput& operator=(const CapturedOutput&) = delete;
+
+    /// Returns what was written since the last call.
+    std::string Take()
+    {
+        const std::string text = mText.str();
+        mText.str(std::string());
+        return text;
+    }
+
+private:
+    std::ostringstream mText;
+    std::streambuf* const mEarlier;
+};
+
+} // namespace
 
 TEST(TextWidth, WideJoiningAndBrokenCharacters_TakeTheirColumns)
 {
@@ -63,6 +91,50 @@ TEST(FitProgress, PartsOfTheHighestRank_GoFirst)
     EXPECT_EQ("one", FitProgress(parts, 10));
     EXPECT_EQ("on", FitProgress(parts, 2));
     EXPECT_EQ("a?b", FitProgress({{"a\nb", 0}}, 9));
+}
+
+// Not every console understands escape sequences, and one that shows them as characters would wrap.
+TEST(ProgressLine, OverwritesTheLongerTextWithBlanks)
+{
+    CapturedOutput output;
+    {
+        ProgressLine line(true);
+        line.Show("one\u6F22");
+        EXPECT_EQ("\rone\u6F22", output.Take());
+        line.Show("two");
+        EXPECT_EQ("\rtwo  ", output.Take());
+        line.Show("three");
+        EXPECT_EQ("\rthree", output.Take());
+        line.Clear();
+        EXPECT_EQ("\r     \r", output.Take());
+        line.Clear();
+        EXPECT_EQ("", output.Take());
+        line.Show("a");
+        EXPECT_EQ("\ra", output.Take()) << "the line was empty";
+    }
+    EXPECT_EQ("\r \r", output.Take()) << "the end of the line object clears the line";
+}
+
+TEST(ProgressLine, TextWiderThanTheTerminal_IsCutAndClearedToItsWidth)
+{
+    const std::size_t available = ProgressLine::AvailableColumns();
+    CapturedOutput output;
+    ProgressLine line(true);
+    line.Show(std::string(available + 1, 'x'));
+    EXPECT_EQ('\r' + std::string(available, 'x'), output.Take());
+    line.Clear();
+    EXPECT_EQ('\r' + std::string(available, ' ') + '\r', output.Take());
+}
+
+TEST(ProgressLine, ThatIsNotShown_WritesNothing)
+{
+    CapturedOutput output;
+    {
+        ProgressLine line(false);
+        EXPECT_FALSE(line.IsDue());
+        line.Show("one");
+    }
+    EXPECT_EQ("", output.Take());
 }
 
 TEST(IngestProgress, ShowsShareRateAndTimeLeft)

@@ -2,6 +2,7 @@
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cwchar>
 #include <fcntl.h>
@@ -131,25 +132,39 @@ class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterfac
 protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
-    /// Expects that each text between a carriage return and the sequence that clears the rest of the line fits before
-    /// the last column, and that none of these texts contains a line break.
+    /// Expects that each text after a carriage return fits before the last column, up to the blanks that clear the
+    /// line, and that none of these texts contains a line break.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
-        const std::string clear = "\x1b[K";
+        const std::vector<std::string> texts = AfterReturns(inScreen);
+        const auto isBlank = [](const std::string& inText) {
+            return !inText.empty() && inText.find_first_not_of(' ') == std::string::npos;
+        };
+        const auto cleared = std::find_if(texts.rbegin(), texts.rend(), isBlank).base();
+        ASSERT_NE(texts.begin(), cleared) << inScreen;
         std::size_t shown = 0;
-        std::size_t at = 0;
-        for (std::size_t end = 0; at < inScreen.size() && inScreen[at] == '\r'; at = end + clear.size()) {
-            end = inScreen.find(clear, at);
-            ASSERT_NE(std::string::npos, end) << inScreen;
-            const std::string text = inScreen.substr(at + 1, end - at - 1);
-            EXPECT_EQ(std::string::npos, text.find('\n')) << text;
-            const int width = WidthByTheCLibrary(text);
-            EXPECT_LE(0, width) << text;
-            EXPECT_GT(GetParam(), width) << text;
-            shown += text.find(inPart) != std::string::npos ? 1 : 0;
+        for (auto text = texts.begin(); text != cleared; ++text) {
+            EXPECT_EQ(std::string::npos, text->find('\n')) << *text;
+            const int width = WidthByTheCLibrary(*text);
+            EXPECT_LE(0, width) << *text;
+            EXPECT_GT(GetParam(), width) << *text;
+            shown += text->find(inPart) != std::string::npos ? 1 : 0;
         }
         EXPECT_LT(0u, shown) << inScreen;
-        EXPECT_EQ(std::string::npos, inScreen.find(clear, at)) << "no progress behind the result";
+        EXPECT_EQ(std::string::npos, inScreen.find('\x1b')) << inScreen;
+    }
+
+private:
+    static std::vector<std::string> AfterReturns(const std::string& inScreen)
+    {
+        std::vector<std::string> texts;
+        std::size_t end = inScreen.find('\r');
+        while (end != std::string::npos) {
+            const std::size_t start = end + 1;
+            end = inScreen.find('\r', start);
+            texts.push_back(inScreen.substr(start, end - start));
+        }
+        return texts;
     }
 };
 
@@ -162,7 +177,7 @@ TEST_F(OrlTerminal, Stream_ShowsAProgressLineAndTakesItBackBeforeTheTable)
 {
     mFolder.MakeFile("clip.mov", std::string(10000, 'x'));
     const std::string screen = mTerminal.ScreenOf({"stream", Host("clip.mov")}, 0);
-    EXPECT_EQ(0u, screen.find("\r100 %  clip.mov\x1b[K\r\x1b[Kfile ")) << screen;
+    EXPECT_EQ(0u, screen.find("\r100 %  clip.mov\r" + std::string(15, ' ') + "\rfile ")) << screen;
 }
 
 // Shows a patch of the colour above its forms if the terminal supports colours.
@@ -206,8 +221,9 @@ TEST_F(OrlTerminal, StreamOfAnAwkwardName_KeepsTheProgressOnOneLine)
     const std::string name = "\x1b[2J\n" + std::string(100, 'n');
     mFolder.MakeFile(name, "x");
     const std::string screen = mTerminal.ScreenOf({"stream", Host(name)}, 0);
-    EXPECT_EQ(0u, screen.find("\r100 %  ..." + std::string(69, 'n') + "\x1b[K\r\x1b[Kfile ")) << screen;
-    EXPECT_EQ(std::string::npos, screen.find("\x1b[2J"));
+    EXPECT_EQ(0u, screen.find("\r100 %  ..." + std::string(69, 'n') + '\r' + std::string(79, ' ') + "\rfile "))
+        << screen;
+    EXPECT_EQ(std::string::npos, screen.find('\x1b'));
 }
 
 TEST_P(OrlTerminalOfWidth, StreamOfWideAndJoinedCharacters_NeverWraps)

@@ -49,21 +49,26 @@ std::size_t ProgressLine::AvailableColumns()
     return TerminalColumns() - 1;
 }
 
+// Blanks overwrite the previous text: a Windows console shows the escape sequence that clears a line as characters.
 void ProgressLine::Show(const std::string& inText)
 {
     if (!mIsShown) {
         return;
     }
     mLastShown = std::chrono::steady_clock::now();
-    std::cout << '\r' << PrefixOfWidth(inText, AvailableColumns()) << "\x1b[K" << std::flush;
+    const std::size_t available = AvailableColumns();
+    const std::string text = PrefixOfWidth(inText, available);
+    std::cout << '\r' << PaddedTo(std::min(mColumns, available), text) << std::flush;
+    mColumns = ColumnsOf(text);
     mHasText = true;
 }
 
 void ProgressLine::Clear()
 {
     if (mHasText) {
-        std::cout << "\r\x1b[K" << std::flush;
+        std::cout << '\r' << std::string(std::min(mColumns, AvailableColumns()), ' ') << '\r' << std::flush;
         mHasText = false;
+        mColumns = 0;
     }
 }
 
