@@ -371,3 +371,26 @@ TEST(ImmutableString, EightThreadsCreateCopyReleaseAndPurge_EachSeesItsOwnText)
     }
     EXPECT_EQ(0, wrong.load());
 }
+
+// If the count of handles dropped to 0 for a moment, a purge on another thread would remove the record.
+TEST(ImmutableString, AssignedToItselfBesidePurges_StaysInTheTable)
+{
+    ImmutableString held = ImmutableString::CreateDynamic("assigned to itself");
+    const ImmutableString& same = held;
+    ImmutableString::PurgeUnusedStrings();
+    std::atomic<bool> isDone{false};
+    std::thread assigner([&] {
+        while (!isDone) {
+            held = same;
+        }
+    });
+    int removals = 0;
+    for (int purge = 0; purge < 20000; ++purge) {
+        removals += ImmutableString::PurgeUnusedStrings() ? 1 : 0;
+    }
+    isDone = true;
+    assigner.join();
+    EXPECT_EQ(0, removals);
+    EXPECT_EQ("assigned to itself", TextOf(held));
+    EXPECT_EQ(1, RecordOf("assigned to itself")->CountOfHandles());
+}
