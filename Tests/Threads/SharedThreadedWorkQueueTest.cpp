@@ -1,5 +1,6 @@
 #include <ORLSharedThreadedWorkQueue.h>
 
+#include <CheckRecorder.h>
 #include <CurrentThread.h>
 #include <ORLWaitableGate.h>
 #include <QueueRequests.h>
@@ -8,12 +9,15 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
 using namespace ORL;
 using ORLTest::BlockingList;
+using ORLTest::CheckRecorder;
+using ORLTest::CheckReport;
 using ORLTest::MakeRequest;
 
 namespace {
@@ -85,6 +89,24 @@ TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
     EXPECT_EQ(kept("ORL::Foundation: Single-threaded ORL::SharedThreadedWorkQueue"),
               nameIn(Shared().RetrieveOrCreateSingleThreaded(3)));
     SharedThreadedWorkQueue::Shutdown(); // the thread that adds the name may still be inside Record
+}
+
+// Linux cuts the names of threads before the kind of the queue; a report of a request that throws has the whole name.
+TEST_F(SharedQueues, ReportOfARequestThatThrows_HasTheWholeNameOfTheThread)
+{
+    const auto reportOf = [](const QueueRef& inQueue) {
+        const CheckRecorder recorder;
+        inQueue->QueueRequest(MakeRequest([] { throw std::runtime_error("reason"); }));
+        SharedThreadedWorkQueue::Shutdown();
+        const std::vector<CheckReport> reports = recorder.Reports();
+        EXPECT_EQ(1u, reports.size());
+        return reports.empty() ? std::string() : reports[0].mExpression;
+    };
+    const std::string named = "\"ORL::Foundation: ";
+    EXPECT_NE(std::string::npos, reportOf(Shared().RetrieveOrCreate(3))
+                                     .find(named + "Multi-threaded ORL::SharedThreadedWorkQueue\" has thrown"));
+    EXPECT_NE(std::string::npos, reportOf(Shared().RetrieveOrCreateSingleThreaded(3))
+                                     .find(named + "Single-threaded ORL::SharedThreadedWorkQueue\" has thrown"));
 }
 
 TEST_F(SharedQueues, Queue_RunsRequests)
