@@ -1,13 +1,13 @@
 include(GNUInstallDirs)
 
-# The number of the ABI. While the major version is 0, each minor version has an ABI of its own.
+# The ABI number. While the major version is 0, each minor version has an ABI of its own.
 set(ORL_ABI "${PROJECT_VERSION_MAJOR}")
 if(PROJECT_VERSION_MAJOR EQUAL 0)
   string(APPEND ORL_ABI ".${PROJECT_VERSION_MINOR}")
 endif()
 
-# orl_set_abi(target library abi): gives a shared library the file name of an ABI, so that the libraries of several
-# versions fit into one process. On Linux its symbols have the version lib<library>.so.<abi>; on Windows a symbol is bound
+# orl_set_abi(target library abi): gives a shared library the file name of an ABI, so that libraries of several versions
+# can share one process. On Linux its symbols have the version lib<library>.so.<abi>; on Windows a symbol is bound
 # to the name of its DLL.
 function(orl_set_abi target library abi)
   set_target_properties(${target} PROPERTIES OUTPUT_NAME ${library} SOVERSION ${abi})

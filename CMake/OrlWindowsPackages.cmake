@@ -23,7 +23,7 @@ add_library(orl_boost_thread SHARED
   "${boost_thread_source}/win32/thread_primitives.cpp"
   "${boost_thread_source}/win32/tss_dll.cpp"
   "${boost_thread_source}/future.cpp")
-# Its file name has Boost's version, because a process may contain plug-ins that bring another one.
+# Its file name contains Boost's version, because a process may contain plug-ins that ship another one.
 file(STRINGS "${boost_include}/boost/version.hpp" ORL_PACKAGE_BOOST_VERSION REGEX "#define BOOST_LIB_VERSION \"[0-9_]+\"")
 string(REGEX REPLACE ".*\"([0-9_]+)\".*" "\\1" ORL_PACKAGE_BOOST_VERSION "${ORL_PACKAGE_BOOST_VERSION}")
 set_target_properties(orl_boost_thread PROPERTIES OUTPUT_NAME boost_thread CXX_VISIBILITY_PRESET default

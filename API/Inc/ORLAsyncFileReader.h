@@ -12,7 +12,7 @@ namespace ORL {
 ///
 /// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). The library does not check
 /// this:
-///           the system refuses the read, and its callback receives the failure. The last read of a file also requests
+///           the system rejects the read, and its callback receives the failure. The last read of a file also requests
 ///           whole sectors, and returns fewer bytes. A read must start before the end of the file. If it does not, it
 ///           fails at its start on Linux, and on completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.

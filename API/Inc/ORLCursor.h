@@ -29,7 +29,7 @@ namespace Linux {
 
 enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 };
 
-/// A function of the host that sets the shape of the pointer, for example on Wayland. Must not throw.
+/// A host function that sets the pointer's shape, for example on Wayland. Must not throw.
 typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
 
 /// Installs the function that sets the shape; null removes it. Not thread-safe: the host calls it at start-up.

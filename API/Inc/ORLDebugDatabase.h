@@ -27,7 +27,7 @@ void ReleaseDebugDatabase();
 class ORL_API DebugDatabase
 {
 public:
-    /// Returns the database of the process; creates it if there is none. Foundation::Terminate destroys it, and a later
+    /// Returns the process's database; creates it if there is none. Foundation::Terminate destroys it, and a later
     /// call creates an empty one. The registry keeps the values.
     static DebugDatabase& Instance();
 

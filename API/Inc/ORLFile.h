@@ -158,7 +158,7 @@ public:
     /// Writes at the position and advances it. outBytesWritten is what the system reported, even after a failure.
     Result Write(const void* inBuffer, unsigned int inCount, unsigned int& outBytesWritten);
 
-    /// Moves the position. Always returns kSuccess: a seek that the system refuses (before the beginning) is not
+    /// Moves the position. Always returns kSuccess: a seek that the system rejects (before the beginning) is not
     /// reported and keeps the position. With a block cache the position is clamped to the file's size, and an offset
     /// from the end counts backwards regardless of its sign.
     Result SetFilePointer(__int64 inOffset, FilePointerMoveMethod::Type inMethod);

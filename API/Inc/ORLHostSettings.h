@@ -8,7 +8,7 @@
 //   cs_CZ 1029   ko_KR 1042   pl_PL 1045   pt_BR 1046   ru_RU 1049   tr_TR 1055   zh_CN 2052   zh_TW 1028
 //
 // Until SetLanguageID or SetLanguageString is called, the first function that needs the language reads the text
-// "Language" below GetRegistryBaseKey() of the user's root, once in the life of the process. Without that value the
+// "Language" below GetRegistryBaseKey() in the user's root, once in the life of the process. Without that value the
 // language is 1033, and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. Later
 // changes of the value have no effect.
 //

@@ -14,7 +14,7 @@ namespace Locale {
 /// the environment named none or the machine lacks it. Thread-safe.
 ORL_API const std::locale& Native();
 
-/// Returns the classic locale. The start of the library makes it the process's global locale.
+/// Returns the classic locale. Starting the library makes it the process's global locale.
 ORL_API const std::locale& Default();
 
 /// Returns the number at the start of a typed text. Parses the text twice, in the user's locale and in the classic

@@ -49,7 +49,7 @@ protected:
 
 /// The process's pool of large buffers.
 ///
-/// Owner:    the start of the library creates it and the stop releases it; a counted copy keeps it alive.
+/// Owner:    the library's start creates it and its stop releases it; a counted copy keeps it alive.
 /// Threads:  thread-safe, except Instance.
 /// Failure:  AllocateBuffer throws std::bad_alloc.
 class ORL_API MemoryRecycler

@@ -8,7 +8,7 @@ struct HMENU__;
 struct HBITMAP__;
 
 /// An executable module; null denotes the program itself. On Linux, the handle that dlopen returns for an ELF module. A
-/// module loaded as data has a handle of this library, which no system function accepts.
+/// module loaded as data has a handle from this library, which no system function accepts.
 typedef HINSTANCE__* HINSTANCE;
 
 /// A menu. On Linux see ORL::Resources::Linux in ORLResources.h.

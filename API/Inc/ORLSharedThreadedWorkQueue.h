@@ -24,7 +24,7 @@ public:
     SharedThreadedWorkQueue(const SharedThreadedWorkQueue&) = delete;
     SharedThreadedWorkQueue& operator=(const SharedThreadedWorkQueue&) = delete;
 
-    /// Returns the instance of the process; creates it if there is none. Lock-free. The library owns it, until
+    /// Returns the process's instance; creates it if there is none. Lock-free. The library owns it, until
     /// Shutdown.
     static SharedThreadedWorkQueue* Instance();
 

@@ -35,7 +35,7 @@ private:
 ORL_API void RegisterMainThread();
 
 /// Deletes the main thread's record and disables thread records. Call this function on the main thread, which stays the
-/// main thread. Called by the stop of the library, under its lock.
+/// main thread. Called when the library stops, under the foundation lock.
 ORL_API void UnregisterMainThread();
 
 /// Creates a record for the calling thread and passes its name to a debugger and the system's tools. Neither name may

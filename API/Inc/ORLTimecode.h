@@ -109,7 +109,7 @@ public:
                                                         const tvxmediatypes::FrameRate& inFrameRate,
                                                         tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 
-    /// Returns the index of the unit at which StringToTime stops reading a text of this format, the size of the text if
+    /// Returns the index of the unit at which StringToTime stops reading a text in this format, the size of the text if
     /// it ends too early, or UTF16String::npos if it can be read.
     static ORL_API std::size_t FindUnreadable(const UTF16String& inText, tvxmediatypes::TimeDisplay inTimeDisplay);
 

@@ -39,7 +39,7 @@ struct CountedLifecycle
     CriticalSection mLock;
 };
 
-/// Returns the lifecycle of the library. The lifecycle is a static object, so it exists before any host code can start
+/// Returns the library's lifecycle. The lifecycle is a static object, so it exists before any host code can start
 /// the library.
 CountedLifecycle& FoundationLifecycle();
 

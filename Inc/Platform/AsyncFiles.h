@@ -55,7 +55,7 @@ void ClosePort_Impl(Handle inPort);
 /// Returns a short static text about the implementation of the port, for a diagnostic line.
 const char* DescribePort_Impl(Handle inPort);
 
-/// Queues an empty packet after the completions already there. Returns false if the system refuses.
+/// Queues an empty packet after the completions already there. Returns false on failure.
 bool PostEmptyPacket_Impl(Handle inPort);
 
 /// Waits without limit for the next packet. Returns true for a read that succeeded and for an empty packet. Returns
@@ -91,7 +91,7 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 /// Maximum number of delayed reads.
 inline constexpr std::size_t kMaxBatchedReads = 32;
 
-/// Submits the delayed reads to the system. Returns how many reads the system refused, with the reason in outError;
+/// Submits the delayed reads to the system. Returns how many reads the system rejected, with the reason in outError;
 /// these are the newest reads started since the last call. A delayed read may complete before this call if a packet is
 /// posted after it.
 std::size_t SubmitReads_Impl(SystemError& outError);

@@ -50,7 +50,7 @@ inline constexpr unsigned kOpenedKey = 2;
 SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                            unsigned* outDisposition);
 
-/// Open, create or delete a key in a transaction of the system's transaction manager. Returns 1 if the system lacks
+/// Open, create or delete a key through the system's transaction manager. Returns 1 if the system lacks
 /// the function, which is looked up on each call.
 SystemError OpenKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
                                    void* inTransaction, KeyHandle& outKey);

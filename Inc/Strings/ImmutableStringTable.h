@@ -13,7 +13,7 @@
 
 namespace ORL {
 
-/// An ordered set of records, with a hash index that finds texts without a search of the set: with a million texts the
+/// An ordered set of records, with a hash index that finds texts without searching the set: with a million texts the
 /// search costs twenty cache misses, the index one or two.
 ///
 /// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only read

@@ -15,7 +15,7 @@ struct NumberPunctuation
     unsigned short mDecimalPoint = '.';
     unsigned short mThousandsSeparator = ',';
 
-    /// Sizes of the groups of digits from the right, in the format of std::numpunct: each character is a number, the
+    /// Sizes of the digit groups from the right, in the format of std::numpunct: each character is a number, the
     /// last one repeats, CHAR_MAX ends the grouping. Empty if digits are not grouped.
     std::string mGrouping;
 };

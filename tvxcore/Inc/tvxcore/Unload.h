@@ -1,4 +1,4 @@
-// State of the process that a library needs if its static objects are destroyed on unload.
+// Process state that a library needs if its static objects are destroyed on unload.
 #pragma once
 
 #include <tvxcore/Config.h>

@@ -16,7 +16,7 @@ void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept;
 void UnmapPages_Impl(void* inPages, std::size_t inSize) noexcept;
 
 /// Registers inEnded, which is then called on each thread that exits after its WatchThisThread_Impl, with the argument
-/// given there. Call it once, before any WatchThisThread_Impl. Both return false if the system refuses.
+/// given there. Call it once, before any WatchThisThread_Impl. Both return false on failure.
 bool WatchThreadEnds_Impl(void (*inEnded)(SmallBlocks::CacheHead* inCache)) noexcept;
 bool WatchThisThread_Impl(SmallBlocks::CacheHead* inCache) noexcept;
 

@@ -18,7 +18,7 @@ namespace Platform {
 ///             started, and a thread of the system's pool cancels it after the timeout. The timeout covers pipes only:
 ///             a console that its user has paused blocks its writers. The write cannot be cancelled if no thread of the
 ///             pool can run (while the caller loads or unloads a module, or after the system has stopped the process's
-///             other threads), or if other code of the process blocks in a write to the same pipe.
+///             other threads), or if other code in the process blocks in a write to the same pipe.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept;
 
 /// Saves the calling thread's errno or last error, and restores it on destruction.

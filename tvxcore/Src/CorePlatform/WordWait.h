@@ -1,4 +1,4 @@
-// Waiting for a change of a word: the only system function that locks and parked threads need.
+// Waiting for a word to change: the only system function that locks and parked threads need.
 #pragma once
 
 #include <atomic>

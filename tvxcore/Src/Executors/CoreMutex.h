@@ -1,4 +1,4 @@
-// The mutex of this library: one word, without a system object. The mutex needs neither construction at run time nor
+// This library's mutex: one word, without a system object. The mutex needs neither construction at run time nor
 // destruction, so it works before static construction, after static destruction and during unloading.
 #pragma once
 

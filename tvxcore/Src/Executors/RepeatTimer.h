@@ -1,4 +1,4 @@
-// The timer thread for all repeated functions of the process.
+// The timer thread for all repeated functions in the process.
 //
 // The thread starts when the first entry is added and has exited when the last one is removed, so it never outlives the
 // library.

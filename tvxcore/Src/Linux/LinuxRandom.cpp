@@ -11,7 +11,7 @@ namespace Platform {
 
 namespace {
 
-// Used if the kernel or a sandbox refuses the system call.
+// Used if the kernel or a sandbox rejects the system call.
 bool FillFromDevice(unsigned char* outBytes, std::size_t inCount) noexcept
 {
     const int file = ::open("/dev/urandom", O_RDONLY | O_CLOEXEC);

@@ -6,7 +6,7 @@
 namespace tvxcore {
 namespace debug {
 
-/// Writes the bytes and then inEnd to standard error, with no other text of this library between them. Never throws.
+/// Writes the bytes and then inEnd to standard error, with no other text from this library between them. Never throws.
 /// Never blocks for long on a reader, and drops what cannot be written. Preserves the calling thread's errno or last
 /// error.
 void WriteStandardError(const char* inBytes, std::size_t inCount, const char* inEnd = "") noexcept;

@@ -1,5 +1,5 @@
-// Blocks for process exit, after the system has stopped all other threads at arbitrary points: perhaps in
-// the middle of a change of the stores, or while holding the heap's lock. So these functions access no shared data.
+// Blocks for process exit, after the system has stopped all other threads at arbitrary points: perhaps in the middle of
+// a change to the stores, or while holding the heap's lock. So these functions access no shared data.
 // Blocks are cut from new pages and never freed.
 #pragma once
 
