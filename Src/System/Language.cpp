@@ -101,9 +101,9 @@ unsigned short FetchLanguageID()
     return fetched;
 }
 
-// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits a copy. The Windows library
-// exports the copy, for hosts that look it up by name. The Linux library must not: there, the host's copy would replace
-// that of a plug-in.
+// GetLanguageID is inlined into its callers. Its address is taken so that the compiler emits a copy. The Windows
+// library exports the copy, for hosts that look it up by name. The Linux library must not: there, the host's copy would
+// replace that of a plug-in.
 [[gnu::used]] unsigned short (*const sExportedGetLanguageID)() = &GetLanguageID;
 
 } // namespace Internal
