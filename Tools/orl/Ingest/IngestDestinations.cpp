@@ -89,7 +89,7 @@ private:
         mOpened[inIndex] = std::move(opened);
     }
 
-    // A failure that concerns all destinations, or the only destination, ends the ingest.
+    // A failure that concerns all destinations, or the only destination, stops the ingest.
     void Refuse(std::size_t inIndex, const Failure& inFailure)
     {
         const bool isOfAll = inFailure.ExitCode() == kExitStopped || inFailure.ExitCode() == kExitEmpty;
@@ -208,7 +208,7 @@ private:
     const IngestWatcher& mWatcher;
     SharedSource mSource;
     ReservedSpace mReserved;
-    std::vector<std::unique_ptr<DestinationFiles>> mOpened; // null if the destination was refused
+    std::vector<std::unique_ptr<DestinationFiles>> mOpened; // null if the destination was rejected
     std::mutex mMutex;
     std::condition_variable mChanged;
 };

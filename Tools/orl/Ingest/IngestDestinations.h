@@ -43,8 +43,8 @@ std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
                                                 const std::vector<std::string>& inDestinations);
 
 /// Checks each destination, then serves all destinations at once. A failure at one destination does not stop the
-/// others. Throws Failure if nothing was begun: the source holds no file, the user stops the planning, or the only
-/// destination is refused.
+/// others. Throws Failure if nothing was begun: the source contains no file, the user stops the planning, or the only
+/// destination is rejected.
 IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,
                       const IngestSettings& inSettings, const IngestWatcher& inWatcher);
 

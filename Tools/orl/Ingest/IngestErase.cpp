@@ -22,7 +22,7 @@ bool HasAny(const std::vector<IngestDestination>& inDestinations, bool IngestOut
                        [inWhat](const IngestDestination& inDestination) { return inDestination.mOutcome.*inWhat; });
 }
 
-// Returns why the result of the run makes erasing unsafe, or an empty text.
+// Returns why the result of the run makes erasing unsafe, or an empty string.
 std::string WhyTheRunIsIncomplete(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations)
 {
     if (HasAny(inDestinations, &IngestOutcome::mIsStopped)) {

@@ -86,7 +86,7 @@ private:
         return digest;
     }
 
-    // The destination has a file of this name and size. If its contents are the same too, the file counts as ingested.
+    // The destination has a file with this name and size. If the contents also match, the file counts as ingested.
     IngestedFile Check()
     {
         File source;

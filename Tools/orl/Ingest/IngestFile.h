@@ -1,5 +1,5 @@
-// The ingest of one file: copy it to a temporary name, read the copy back past the cache, compare, rename to the final
-// name.
+// The ingest of one file: copy it to a temporary name, read the copy back, bypassing the cache, compare, rename to the
+// final name.
 #pragma once
 
 #include "Failure.h"
@@ -66,7 +66,7 @@ struct IngestStopped
 struct IngestedFile
 {
     std::string mDigest;      // SHA-256 in hexadecimal digits
-    bool mWasPresent = false; // the same file already had its name, and was compared
+    bool mWasPresent = false; // an identical file with the same name existed already
 };
 
 /// Copies one file to the destination. The final name never refers to anything but the complete and verified file.

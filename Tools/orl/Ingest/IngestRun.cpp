@@ -182,7 +182,7 @@ private:
         }
     }
 
-    // The failure that ends the run may occur for several files; only the first reports it.
+    // The failure that stops the run may occur for several files; only the first reports it.
     void AddTrouble(const Failure& inFailure, FailureScope inScope)
     {
         const std::lock_guard<std::mutex> lock(mMutex);
@@ -212,7 +212,7 @@ private:
         }
     }
 
-    // Reports only once that the destination is gone.
+    // Reports only once that the destination has disappeared.
     void AddTroubleOfGroup(const Failure& inFailure, const std::vector<std::size_t>& inGroup)
     {
         const std::lock_guard<std::mutex> lock(mMutex);

@@ -46,9 +46,9 @@ struct IngestOutcome
 
     std::vector<Row> mRows; // files at the destination that are verified and in the manifest, in the plan's order
     std::vector<IngestTrouble> mTroubles;
-    bool mIsRefused = false; // the destination was refused before any work began
+    bool mIsRefused = false; // the destination was rejected before any work began
     bool mIsStopped = false;
-    bool mIsDiskUnresponsive = false; // the disk stopped answering: end the process without stopping the library
+    bool mIsDiskUnresponsive = false; // the disk stopped responding: exit without stopping the library
     double mSeconds = 0;
 };
 

@@ -18,8 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Block = SharedReading::Block;
 
-// Each file may keep this many blocks even beyond the limit. Otherwise two destinations at different files could wait
-// for each other.
+// Each file may keep this many blocks even beyond the limit. Otherwise two destinations reading different files could
+// wait for each other.
 constexpr std::size_t kMinBlocks = 4;
 
 constexpr std::chrono::milliseconds kPollInterval(50);
@@ -227,7 +227,7 @@ struct SharedReading::Impl
         return bytes;
     }
 
-    /// Reads a block again that was dropped from memory.
+    /// Rereads a block that was dropped from memory.
     Block ReadAgain(std::uint64_t inAt, Lock& ioLock)
     {
         ioLock.unlock();

@@ -43,7 +43,7 @@ struct EntryStatus
 
 enum class Links { kFollow, kNoFollow };
 
-/// A folder with an identity. Names are those of one entry, in the host's bytes (UTF-8 on Windows). Operations may run
+/// A folder with an identity. A name is a single component, in the host's bytes (UTF-8 on Windows). Operations may run
 /// on several threads at once. Each operation returns kSuccess or the result for the system's error.
 ///
 /// On Linux the object holds a descriptor, so renaming a parent folder does not affect it and path length is not
@@ -84,7 +84,7 @@ public:
     /// Waits until the names in this folder are on disk, as far as the file system supports it.
     ORL::Result Sync() const;
 
-    /// Waits until the contents of a file are on disk. Requires a call of PrepareSync after the last write.
+    /// Waits until the contents of a file are on disk. Requires a call to PrepareSync after the last write.
     ORL::Result SyncFile(const std::string& inName) const;
 
     /// Waits until everything on this folder's volume is on disk.
@@ -96,7 +96,7 @@ private:
     std::unique_ptr<State> mState;
 };
 
-/// Whether SyncVolume works on this platform without administrator rights.
+/// Returns whether SyncVolume works on this platform without administrator rights.
 bool CanSyncVolumes();
 
 bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity);

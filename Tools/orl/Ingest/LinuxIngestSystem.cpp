@@ -219,7 +219,7 @@ ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
     return Done(sIngestCalls.mMakeDirAt(mState->File(), inName.c_str()));
 }
 
-// Each of the three methods refuses a name that is taken. The last method is for file systems that support neither of
+// Each of the three methods fails if the name is taken. The last method is for file systems that support neither of
 // the other two; it checks the name first, so it is not atomic.
 ORL::Result HeldFolder::RenameNoReplace(const std::string& inFrom, const std::string& inTo) const
 {

@@ -5,7 +5,7 @@
 
 namespace orl {
 
-/// orl verify FOLDER...: reads the files of a list of checksums back unbuffered, and compares.
+/// orl verify FOLDER...: reads the files in a checksum list back unbuffered, and compares.
 void AddVerify(CLI::App& ioProgram);
 
 } // namespace orl

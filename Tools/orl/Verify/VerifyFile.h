@@ -1,4 +1,4 @@
-// Compares one file with its line in a list of checksums.
+// Compares one file with its line in a checksum list.
 #pragma once
 
 #include "Ingest/Plan/IngestRoots.h"

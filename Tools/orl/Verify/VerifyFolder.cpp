@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kTick(100);
 
-/// Ends the work on a file; the file stays unchecked.
+/// Stops the work on a file; the file stays unchecked.
 struct Stopped
 {
 };
@@ -254,7 +254,7 @@ private:
         }
     }
 
-    // A volume that ignores case may list a file in a different case than the checksum list.
+    // A case-insensitive volume may list a file in a different case than the checksum list.
     void AddNewFiles()
     {
         for (const ListedFile& file : mListing.mFiles) {

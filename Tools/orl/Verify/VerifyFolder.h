@@ -1,4 +1,4 @@
-// Compares a folder with its list of checksums.
+// Compares a folder with its checksum list.
 #pragma once
 
 #include "Ingest/Plan/IngestListing.h"
@@ -42,11 +42,11 @@ struct VerifyOutcome
 {
     std::string mShownFolder;
     std::vector<VerifiedFile> mFiles;     // sorted by name
-    std::vector<IngestTrouble> mTroubles; // failures of the list and the folder, not of one listed file
+    std::vector<IngestTrouble> mTroubles; // failures that concern the list or the folder, not a listed file
     std::uint64_t mBytesRead = 0;
     double mSeconds = 0;
     bool mIsStopped = false;
-    bool mIsDiskUnresponsive = false; // the process should end without stopping the library
+    bool mIsDiskUnresponsive = false; // the process should exit without stopping the library
 
     std::size_t Count(VerifiedFile::State inState) const;
 };

@@ -18,16 +18,16 @@ struct VerifyList
     };
 
     std::vector<Line> mLines;
-    std::size_t mOtherLines = 0; // checksums of another algorithm or format
+    std::size_t mOtherLines = 0; // checksums in a different algorithm or format
     EntryStatus mStatus;         // status of the list's file
 };
 
-/// Reads the list of that name in a folder. Throws Failure if the list is missing, is a link, is not a list of
-/// checksums, or is too long. A large file that is not a list needs little memory.
+/// Reads the list with that name in a folder. Throws Failure if the list is missing, is a link, is not a checksum list,
+/// or is too long. A large file that is not a list needs little memory.
 VerifyList ReadVerifyList(const IngestRoots& inRoots, const std::string& inName);
 
-/// Returns the name with "/" between folders and without "." parts, or an empty text if it does not name a file below
-/// the folder of the list: an absolute path, a ".." part, or a part that the system would split again.
+/// Returns the name with "/" between folders and without "." parts, or an empty string if it does not name a file below
+/// the list's folder: an absolute path, a ".." part, or a part that the system would split again.
 std::string NameBelowFolder(const std::string& inListed);
 
 } // namespace orl

@@ -60,7 +60,7 @@ void PrintTotalsOf(std::ostream& ioStream, const VerifyOutcome& inOutcome)
     ioStream << ".\n";
 }
 
-// JSON texts are Unicode. A name that is not valid UTF-8 is also written in hexadecimal.
+// JSON text is Unicode. A name that is not valid UTF-8 is also written in hexadecimal.
 void PrintJsonFile(std::ostream& ioStream, const std::string& inFolder, const VerifiedFile& inFile)
 {
     ioStream << "{\"folder\": " << JsonQuoted(inFolder) << ", \"file\": " << JsonQuoted(inFile.mName);

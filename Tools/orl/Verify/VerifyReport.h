@@ -18,7 +18,7 @@ void PrintTotals(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOut
 /// Prints one JSON object per line for each file, and one with the totals after the files of each folder.
 void PrintJsonLines(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes);
 
-/// Returns a line for each file that is not as listed, and for each failure of a folder, in the order of folders.
+/// Returns a line for each file that is not as listed, and for each folder's failures, in folder order.
 std::vector<IngestTrouble> TroublesOf(const std::vector<VerifyOutcome>& inOutcomes);
 
 /// Returns the exit code of the worst failure; 0 if the list is empty.

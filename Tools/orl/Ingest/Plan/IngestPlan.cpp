@@ -69,7 +69,7 @@ private:
         }
     }
 
-    // Visits each folder after its parent. A folder below a refused one is refused without a message.
+    // Visits each folder after its parent. A folder below a rejected one is rejected without a message.
     void PlanFolders()
     {
         mPlan.mVolumes.push_back({});

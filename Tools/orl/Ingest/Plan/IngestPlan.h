@@ -24,9 +24,9 @@ constexpr char kTakenByOtherFile[] =
 struct IngestItem
 {
     enum State {
-        kToCopy,         // nothing at the destination has its name
-        kToCheck,        // a file of the same size has its name; the contents must be compared
-        kToReplace,      // a different file has its name, and the user wants that file replaced
+        kToCopy,         // the destination has no entry with its name
+        kToCheck,        // a file with the same name and size exists; the contents must be compared
+        kToReplace,      // a different file with the same name exists, and the user wants it replaced
         kVerifiedBefore, // the manifest of an earlier run lists the file; size and time equal the source's
     };
 
@@ -35,7 +35,7 @@ struct IngestItem
     std::uint64_t mAllocated = 0; // less than the size if the source has holes
     unsigned __int64 mTime = 0;
     State mState = kToCopy;
-    std::optional<EntryIdentity> mEarlier; // the file at the destination with the same name
+    std::optional<EntryIdentity> mEarlier; // the file with the same name at the destination
 };
 
 /// What a run will write to one volume.
@@ -73,7 +73,7 @@ struct IngestPlanRequest
 /// with the manifest's name.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
-/// Bytes that earlier destinations of this run will write, by volume. Negative if leftovers will be deleted.
+/// Bytes that this run's earlier destinations will write, by volume. Negative if leftovers will be deleted.
 using ReservedSpace = std::map<std::uint64_t, std::int64_t>;
 
 /// Returns the free bytes of a volume.

@@ -39,7 +39,7 @@ bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
     return end == folder.end() || (std::next(end) == folder.end() && end->empty());
 }
 
-// Whether inPath or a folder above it has that identity. inPath need not exist.
+// Returns whether inPath or a folder above it has that identity. inPath need not exist.
 bool IsInside(const UTF16String& inPath, const EntryIdentity& inIdentity)
 {
     std::error_code error;

@@ -9,7 +9,7 @@
 
 namespace orl {
 
-/// The two folders, in extended form and as the user wrote them. Names below them have "/" between folders, in the
+/// The two folders, in extended form and as the user wrote them. Names below them have "/" between components, in the
 /// host's bytes; the empty name is the folder itself.
 struct IngestRoots
 {
@@ -41,8 +41,8 @@ void MakeDestination(IngestRoots& ioRoots);
 
 enum class SourceWas { kEmpty, kNotEmpty };
 
-/// Whether the source is gone: a different folder is at its path (for example after an unmount), or the source had
-/// entries and is now empty or cannot be listed.
+/// Returns whether the source is gone: a different folder is at its path (for example after an unmount), or the source
+/// had entries and is now empty or cannot be listed.
 bool IsSourceGone(const IngestRoots& inRoots, SourceWas inSourceWas);
 
 bool IsDestinationGone(const IngestRoots& inRoots);

@@ -1,5 +1,5 @@
 // The list of ingested files, in the format of "sha256sum". The line of a file is written after the file is complete,
-// verified, in place and on disk. "sha256sum -c" checks the list, as do tools of other systems that read the format.
+// verified, in place and on disk. "sha256sum -c" checks the list, as do tools on other systems that read the format.
 //
 // Lines are added at the end. A line that is no longer true becomes a comment: its first character is overwritten in
 // one step. The end of a run removes the lines that were commented out. All other bytes stay as they are, whichever
@@ -31,7 +31,7 @@ public:
     IngestManifest& operator=(const IngestManifest&) = delete;
 
     /// Reads the file and changes nothing. Refuses a file at the first line that is not a checksum line, so that a
-    /// large foreign file costs little memory. Throws Failure.
+    /// large unrelated file costs little memory. Throws Failure.
     void Read();
 
     /// Truncates the incomplete last line of a killed run. Throws Failure.
@@ -96,12 +96,12 @@ private:
 };
 
 /// Formats a line with its line break, or parses one; returns false for a line of a different format. Backslashes and
-/// line breaks in a name are escaped as coreutils does it.
+/// line breaks in a name are escaped as in coreutils.
 std::string FormatManifestLine(const IngestManifest::Line& inLine);
 bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine);
 
-/// Whether a checksum program may have written the line: a checksum of another algorithm or format, a comment, an empty
-/// line.
+/// Returns whether a checksum program may have written the line: a checksum of another algorithm or format, a comment,
+/// an empty line.
 bool IsLineOfSums(const std::string& inText);
 
 std::string EscapedName(const std::string& inName);

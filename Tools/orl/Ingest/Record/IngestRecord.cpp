@@ -35,7 +35,7 @@ bool IsNumber(const std::string& inText)
     return !inText.empty() && inText.size() < 19 && inText.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// Whether a recorded name lies below the destination and has the form of a temporary name.
+// Returns whether a recorded name lies below the destination and has the form of a temporary name.
 bool IsSafeTemporaryName(const std::string& inName)
 {
     const std::string folder = "/" + FolderOf(inName) + "/";
@@ -114,7 +114,7 @@ IngestRecord::IngestRecord(const IngestRoots& inRoots, const std::string& inMani
 }
 
 // On a system where an open file can be deleted, the file is removed while it is still locked. On other systems the
-// file is removed after it is closed; if another run has opened it in between, the system refuses the removal.
+// file is removed after it is closed; if another run has opened it in between, the removal fails.
 IngestRecord::~IngestRecord()
 {
     if (!mFile.IsOpen()) {
@@ -133,8 +133,8 @@ void IngestRecord::Open()
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
         throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitDisappeared);
     }
-    // A run that ends deletes the record. A run that opened the record just before that holds a lock on a deleted file,
-    // and must create and open the record again.
+    // A run deletes the record when it ends. A run that opened the record just before that holds a lock on a deleted
+    // file, and must create and open the record again.
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         OpenOnce();
@@ -193,8 +193,8 @@ void IngestRecord::RefuseForeign() const
                   + "\" was not created by orl ingest (delete it, or name another manifest with --manifest)");
 }
 
-// An unreadable record may hold entries, and another program may have created the file: in both cases it is closed and
-// kept.
+// An unreadable record may contain entries, and another program may have created the file: in both cases it is closed
+// and kept.
 std::string IngestRecord::ReadText()
 {
     std::string text;

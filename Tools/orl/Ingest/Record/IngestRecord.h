@@ -30,13 +30,13 @@ public:
     /// Does not touch the disk.
     IngestRecord(const IngestRoots& inRoots, const std::string& inManifestName);
 
-    /// Deletes the file if it holds nothing that a later run needs.
+    /// Deletes the file if it contains nothing that a later run needs.
     ~IngestRecord();
     IngestRecord(const IngestRecord&) = delete;
     IngestRecord& operator=(const IngestRecord&) = delete;
 
-    /// Creates or opens the file and locks it against other runs. Throws Failure if another run is at work or another
-    /// program made the file of this name.
+    /// Creates or opens the file and locks it against other runs. Throws Failure if another run is active or another
+    /// program made the file with this name.
     void Open();
 
     /// Reads what earlier runs left, if there is a record, and changes nothing. Throws Failure like Open.
@@ -62,7 +62,7 @@ public:
     /// Call when the added lines are complete.
     void RecordManifestComplete();
 
-    /// Sets whether the manifest holds an incomplete line or comments that only this record identifies.
+    /// Sets whether the manifest contains an incomplete line or comments that only this record identifies.
     void SetNeededByManifest(bool inIsNeeded);
 
 private:
@@ -87,7 +87,7 @@ private:
     bool mIsNeededByManifest = false;
 };
 
-/// Returns the name of the record for a manifest.
+/// Returns the name of a manifest's record.
 std::string RecordNameOf(const std::string& inManifestName);
 
 /// Returns ".orl-", 32 random digits, ".part".
