@@ -6,7 +6,7 @@ if(PROJECT_VERSION_MAJOR EQUAL 0)
   string(APPEND ORL_ABI ".${PROJECT_VERSION_MINOR}")
 endif()
 
-# orl_set_abi(target library abi): gives a shared library the file name of an ABI, so that libraries of several versions
+# orl_set_abi(target library abi): names a shared library's file after an ABI, so that libraries of several versions
 # can share one process. On Linux its symbols have the version lib<library>.so.<abi>; on Windows a symbol is bound
 # to the name of its DLL.
 function(orl_set_abi target library abi)

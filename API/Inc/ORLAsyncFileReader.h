@@ -33,9 +33,9 @@ namespace ORL {
 class ORL_API AsyncFileReader
 {
 public:
-    /// Receives one finished read: position, size, buffer and the three user values as they were queued, the number of
-    /// bytes read as the system reports it (fewer than requested at the end of the file), and kSuccess or the failure.
-    /// Must not throw. Must not call WaitForPendingReads or Close on its own reader: that deadlocks.
+    /// Receives the outcome of one read: position, size, buffer and the three user values as they were queued, the
+    /// number of bytes read as the system reports it (fewer than requested at the end of the file), and kSuccess or the
+    /// failure. Must not throw. Must not call WaitForPendingReads or Close on its own reader: that deadlocks.
     using ReadCallback = void (*)(const AsyncFileReader* inReader, unsigned __int64 inPosition, unsigned int inSize,
                                   unsigned int inBytesRead, void* inBuffer, void* inUserData1, void* inUserData2,
                                   void* inUserData3, int inResult);

@@ -40,8 +40,8 @@ extern template class Event<false, false>;
 
 /// An auto-reset event, initially not signalled.
 ///
-/// Signals do not accumulate: two calls of Signal without a waiter leave one signal.
-/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call of Signal has
+/// Signals do not accumulate: two calls to Signal without a waiter leave one signal.
+/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call to Signal has
 ///           not returned yet. No other thread may be waiting.
 /// Threads:  thread-safe.
 /// Time:     milliseconds; -1 waits forever, 0 polls.

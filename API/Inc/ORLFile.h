@@ -26,7 +26,7 @@ struct FileAccessFlags
     enum Type : int { kFileAccess_Read = 1, kFileAccess_Write = 2, kFileAccess_Execute = 4 };
 };
 
-/// Operations that other handles may perform while this handle is open. All handles of the process, and of other
+/// Operations that other handles may perform while this handle is open. All handles in the process, and in other
 /// processes that use this library, honour the modes on both platforms: a conflicting open fails with
 /// kSharingViolation. On Linux, programs that do not use this library are not restricted.
 struct FileShareModeFlags

@@ -25,8 +25,8 @@ namespace ORL {
 
 namespace Internal {
 
-/// The language, and a bit that is set once the language is known. Language and bit share one word, so a reader without
-/// a lock never sees one without the other.
+/// The language, and a bit that is set once the language is known. Language and bit share one word, so a lock-free
+/// reader never sees one without the other.
 inline constexpr std::uint32_t kLanguageIsKnown = 0x10000;
 ORL_API extern std::atomic<std::uint32_t> sLanguageID;
 

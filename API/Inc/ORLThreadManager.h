@@ -28,8 +28,8 @@ private:
     [[maybe_unused]] bool mIsMainThread; // unused, but part of the record's layout
 };
 
-/// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called by the
-/// start of the library, under its lock. A call while records are enabled is reported; it then creates a new main
+/// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called when the
+/// library starts, under the foundation lock. A call while records are enabled is reported; it then creates a new main
 /// record for the calling thread. The earlier record stays valid for its thread and is leaked. On Linux the initial
 /// thread of the process keeps its name in the system's list, since that is the name of the process.
 ORL_API void RegisterMainThread();

@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-/// A point in time of the process clock, which counts whole milliseconds since the process began. All getters return
+/// A point in time on the process clock, which counts whole milliseconds since the process began. All getters return
 /// the time from loading the library to that point. To compare two stamps, subtract their GetMilliSeconds.
 ///
 /// A value. Thread-safe for different objects; the load time never changes. Never throws. On Windows the clock is that

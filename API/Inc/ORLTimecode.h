@@ -98,7 +98,7 @@ public:
     /// Returns the text of the stored time.
     ORL_API UTF16String GetString() const;
 
-    /// Returns the time of a text, or kTime_Invalid if it cannot be read. An empty text is kTime_Zero.
+    /// Returns the time in a text, or kTime_Invalid if it cannot be read. An empty text is kTime_Zero.
     ///
     /// A text is an optional sign, then up to four fields, separated by any mix of ":" ";" "."; the last field is the
     /// frames. A single number is split from the right, two digits per field (frames: as many as the rate needs); after

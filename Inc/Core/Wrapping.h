@@ -1,5 +1,5 @@
-// Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with the results of
-// the x86-64 instructions.
+// Integer arithmetic that wraps around in two's complement, and conversions of out-of-range doubles with the same
+// results as the x86-64 instructions.
 #pragma once
 
 #include <limits>

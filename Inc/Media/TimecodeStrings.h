@@ -11,7 +11,7 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Return the time of a text, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty text is
+/// Return the time in a text, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty text is
 /// unreadable.
 tvxmediatypes::TickTime SMPTEStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,
                                           tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);

@@ -32,8 +32,8 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
 /// error that aborts the listing.
 SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry);
 
-/// Called before directories below this one are listed, so that a walk of any depth does not exhaust the handles of the
-/// process. The remaining entries are kept.
+/// Called before directories below this one are listed, so that a walk of any depth does not exhaust the process's
+/// handles. The remaining entries are kept.
 void Suspend_Impl(Listing& ioListing);
 
 void CloseListing_Impl(Listing* inListing);

@@ -95,7 +95,7 @@ struct Value
 /// Stores all values of a key.
 SystemError ListValues_Impl(KeyHandle inKey, std::vector<Value>& outValues);
 
-/// A step of an atomic change of several keys and values.
+/// A step in an atomic change to several keys and values.
 struct Edit
 {
     enum Kind { kCreateKey, kDeleteTree, kSetValue, kDeleteValue };

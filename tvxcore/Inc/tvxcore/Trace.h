@@ -47,7 +47,7 @@ TVXCORE_API void ShutdownTraceManager();
 /// SetTraceLevelOfAll; otherwise it must be enabled by name.
 TVXCORE_API bool TraceEnabled(const unsigned char* inCategory, long inLevel, bool inFollowsAll);
 
-/// Returns a number that changes with every change of the levels. Never 0.
+/// Returns a number that changes with every change to the levels. Never 0.
 TVXCORE_API int TraceChangeCount();
 
 /// Writes one finished text unchanged.
@@ -95,7 +95,7 @@ public:
     {
     }
 
-    /// Returns whether the site is enabled. A change of the levels takes effect on the next call.
+    /// Returns whether the site is enabled. A change to the levels takes effect on the next call.
     bool IsEnabled() noexcept
     {
         const auto count = static_cast<unsigned int>(TraceChangeCount());

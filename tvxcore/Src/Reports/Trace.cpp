@@ -33,7 +33,7 @@ Category* sCategories TVXCORE_GUARDED_BY(sMutex) = nullptr;
 long sLevelOfAll TVXCORE_GUARDED_BY(sMutex) = kTraceOff;
 std::atomic<int> sChangeCount{1};
 
-// The sink while the trace is shut down: drops texts of sites that were enabled before.
+// The sink while the trace is shut down: drops texts from sites that were enabled before.
 void DropText(const unsigned char*)
 {
 }
