@@ -42,13 +42,14 @@ Stores& TheStores()
     return *sMade;
 }
 
-void BeforeFork()
+// The locks stay held until after the fork, which clang's analysis cannot follow.
+void BeforeFork() TVXCORE_UNCHECKED_LOCKING
 {
     TheStores().mUser.LockForFork();
     TheStores().mMachine.LockForFork();
 }
 
-void AfterFork(ForkSide inSide)
+void AfterFork(ForkSide inSide) TVXCORE_UNCHECKED_LOCKING
 {
     TheStores().mMachine.UnlockAfterFork(inSide);
     TheStores().mUser.UnlockAfterFork(inSide);

@@ -22,7 +22,7 @@ struct NewKey
 
 SystemError Store::Open(const HandleParts& inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey)
 {
-    return RunRead([&](ReadSource inSource) {
+    return RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inParent, 0, key);
         error = error == kNoError ? PathNames(inPath).Check() : error;
@@ -42,7 +42,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
     std::vector<NewKey> made;
     Change change;
     change.mKind = Change::kSubKeys;
-    const auto make = [&] {
+    const auto make = [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         made.clear();
         SystemError found = Resolve(inParent, 0, last);
         PathNames names(inPath);
@@ -74,7 +74,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
         }
         return found;
     };
-    const auto keep = [&] {
+    const auto keep = [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         for (const NewKey& key : made) {
             mTree.Insert(*last, key.mId, key.mFolded, key.mName);
             const std::shared_ptr<StoredKey>* const inserted = Tree::Find(*last, key.mFolded);
@@ -93,7 +93,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
 SystemError Store::Close(const HandleParts& inKey)
 {
     std::shared_ptr<StoredKey> key; // destroyed after the lock is released
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     key = mHandles.Remove(inKey);
     return key != nullptr ? kNoError : kErrorInvalidHandle;
 }
@@ -124,14 +124,15 @@ SystemError Store::FindToDelete(const HandleParts& inParent, const unsigned shor
 SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants)
 {
     StoredKey* key = nullptr;
-    const SystemError error =
-        RunRead([&](ReadSource inSource) { return FindToDelete(inParent, inPath, inDescendants, inSource, key); });
+    const SystemError error = RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
+        return FindToDelete(inParent, inPath, inDescendants, inSource, key);
+    });
     if (error != kNoError) {
         return error;
     }
     Change change;
     change.mKind = Change::kSubKeys;
-    const auto erase = [&] {
+    const auto erase = [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         SystemError found = FindToDelete(inParent, inPath, inDescendants, ReadSource::kDatabase, key);
         if (found != kNoError) {
             return found;
@@ -141,7 +142,7 @@ SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inP
         found = Statement(mDatabase, Database::kDeleteTreeValues).Bind(1, key->mId).Run();
         return found == kNoError ? Statement(mDatabase, Database::kDeleteTree).Bind(1, key->mId).Run() : found;
     };
-    return RunChange(change, erase, [&] {
+    return RunChange(change, erase, [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         mTree.Remove(*key);
         return kNoError;
     });
@@ -149,7 +150,7 @@ SystemError Store::Delete(const HandleParts& inParent, const unsigned short* inP
 
 SystemError Store::Enumerate(const HandleParts& inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength)
 {
-    return RunRead([&](ReadSource inSource) {
+    return RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToListSubKeys, key);
         if (error == kNoError && !key->mHasSubKeys && inSource == ReadSource::kMemory) {

@@ -1,7 +1,8 @@
 #include "LinuxRegistryLocations.h"
 
+#include <Platform/Mutex.h>
+
 #include <cstdlib>
-#include <mutex>
 #include <pwd.h>
 #include <unistd.h>
 #include <vector>
@@ -12,8 +13,8 @@ namespace Linux {
 
 namespace {
 
-std::mutex sMutex;
-std::string* sMachineFolder = nullptr;
+Mutex sMutex; // a leaf lock
+std::string* sMachineFolder TVXCORE_GUARDED_BY(sMutex) = nullptr;
 
 std::string Variable(const char* inName)
 {
@@ -63,13 +64,13 @@ StoreLocation FindUserLocation()
 
 StoreLocation FindMachineLocation()
 {
-    const std::lock_guard<std::mutex> lock(sMutex);
+    const MutexLock lock(sMutex);
     return LocationIn(sMachineFolder != nullptr ? *sMachineFolder : "/var/lib", "machine.registry", Readers::kAllUsers);
 }
 
 void SetMachineFolder(const std::string& inFolder)
 {
-    const std::lock_guard<std::mutex> lock(sMutex);
+    const MutexLock lock(sMutex);
     delete sMachineFolder;
     sMachineFolder = inFolder.empty() ? nullptr : new std::string(inFolder);
 }

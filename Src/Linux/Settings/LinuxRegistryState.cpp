@@ -30,8 +30,8 @@ std::string ProblemOf(SystemError inError)
 
 Platform::StoreState Store::State(Platform::StoreCheck inCheck)
 {
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const FairMutexLock work(mDatabaseLock);
+    const MutexLock memory(mMemoryLock);
     Platform::StoreState state;
     const SystemError error = OpenAndUpdate(IfMissing::kReport);
     state.mPlace = mLocation.mDatabase;

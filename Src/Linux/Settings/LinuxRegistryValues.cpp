@@ -31,7 +31,7 @@ SystemError Store::FindValue(const HandleParts& inKey, unsigned inAccess, const 
 SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* outType, void* outData, unsigned* ioSize)
 {
     const FoldedName name(inName);
-    return RunRead([&](ReadSource inSource) {
+    return RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
         StoredValue* value = nullptr;
         const SystemError error = FindValue(inKey, kRightToQuery, name, inSource, value);
         if (error != kNoError) {
@@ -62,7 +62,7 @@ SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, 
     std::int64_t number = 0;
     const FoldedName folded(inName);
     {
-        const std::lock_guard<std::mutex> memory(mMemoryLock);
+        const MutexLock memory(mMemoryLock);
         SystemError error = OpenAndUpdate(IfMissing::kCreate);
         error = error == kNoError ? Resolve(inKey, kRightToSet, key) : error;
         if (error != kNoError) {
@@ -81,7 +81,7 @@ SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, 
         }
         error = statement.Run(); // may wait for other processes
     }
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     const std::uint64_t posted = mDatabase.FinishChange();
     if (error != kNoError) {
         return error;
@@ -91,7 +91,7 @@ SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, 
         error = error == kNoError ? Resolve(inKey, 0, key) : error;
         return error != kNoError ? error : inValue != nullptr ? kErrorKeyDeleted : kErrorFileNotFound;
     }
-    ApplyOwnChange(posted, [&] {
+    ApplyOwnChange(posted, [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         StoredKey* here = nullptr;
         StoredValue* known = nullptr;
         const bool isHere = Resolve(inKey, 0, here) == kNoError && here->mId == number;
@@ -116,9 +116,9 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
         return kErrorInvalidParameter;
     }
     const ValueData value = {inType, inData, inSize};
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const FairMutexLock work(mDatabaseLock);
     const SystemError error = SetOrDeleteValue(inKey, inName, &value);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     if (mDatabase.SetAsideIfDamaged()) {
         InvalidateMemory();
     }
@@ -128,16 +128,16 @@ SystemError Store::Set(const HandleParts& inKey, UnitsView inName, unsigned inTy
 SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 {
     const FoldedName name(inName);
-    const SystemError known = RunRead([&](ReadSource inSource) {
+    const SystemError known = RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
         StoredValue* value = nullptr;
         return FindValue(inKey, kRightToSet, name, inSource, value);
     });
     if (known != kNoError) {
         return known;
     }
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const FairMutexLock work(mDatabaseLock);
     const SystemError error = SetOrDeleteValue(inKey, inName, nullptr);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     if (mDatabase.SetAsideIfDamaged()) {
         InvalidateMemory();
     }
@@ -146,7 +146,7 @@ SystemError Store::DeleteValue(const HandleParts& inKey, UnitsView inName)
 
 SystemError Store::List(const HandleParts& inKey, std::vector<Platform::Value>& outValues)
 {
-    return RunRead([&](ReadSource inSource) {
+    return RunRead([&](ReadSource inSource) TVXCORE_REQUIRES(mMemoryLock) {
         StoredKey* key = nullptr;
         SystemError error = Resolve(inKey, kRightToQuery, key);
         if (error == kNoError && inSource == ReadSource::kMemory && !key->HasAllValues()) {

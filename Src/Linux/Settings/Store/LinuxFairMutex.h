@@ -3,43 +3,60 @@
 // before any waiter wakes up, and other threads would then wait for seconds for a store.
 #pragma once
 
+#include <Platform/Mutex.h>
+
 #include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <new>
 
 namespace ORL {
 namespace Registry {
 namespace Linux {
 
-class FairMutex
+class TVXCORE_LOCK FairMutex
 {
 public:
-    void lock()
+    void lock() TVXCORE_ACQUIRES() { WaitForTurn(); }
+    void unlock() TVXCORE_RELEASES() { EndTurn(); }
+
+    /// Resets the lock in a child of fork. The forking thread owned it, and the waiting threads do not exist in the
+    /// child.
+    void ResetAfterFork() noexcept TVXCORE_RELEASES() { ::new (static_cast<void*>(this)) FairMutex; }
+
+private:
+    void WaitForTurn()
     {
-        std::unique_lock<std::mutex> guard(mMutex);
+        MutexLock guard(mMutex);
         const std::uint64_t turn = mNext++;
-        mTurnChanged.wait(guard, [&] { return mTurn == turn; });
+        mTurnChanged.wait(guard.Lock(), [&]() TVXCORE_REQUIRES(mMutex) { return mTurn == turn; });
     }
 
-    void unlock()
+    void EndTurn()
     {
         {
-            const std::lock_guard<std::mutex> guard(mMutex);
+            const MutexLock guard(mMutex);
             ++mTurn;
         }
         mTurnChanged.notify_all();
     }
 
-    /// Resets the lock in a child of fork. The forking thread owned it, and the waiting threads do not exist in the
-    /// child.
-    void ResetAfterFork() noexcept { ::new (static_cast<void*>(this)) FairMutex; }
+    Mutex mMutex;
+    std::condition_variable mTurnChanged;
+    std::uint64_t mNext TVXCORE_GUARDED_BY(mMutex) = 0;
+    std::uint64_t mTurn TVXCORE_GUARDED_BY(mMutex) = 0;
+};
+
+/// Holds the lock until the end of the scope.
+class TVXCORE_SCOPED_LOCK FairMutexLock
+{
+public:
+    explicit FairMutexLock(FairMutex& inMutex) TVXCORE_ACQUIRES(inMutex) : mMutex(inMutex) { inMutex.lock(); }
+    ~FairMutexLock() TVXCORE_RELEASES() { mMutex.unlock(); }
+    FairMutexLock(const FairMutexLock&) = delete;
+    FairMutexLock& operator=(const FairMutexLock&) = delete;
 
 private:
-    std::mutex mMutex;
-    std::condition_variable mTurnChanged;
-    std::uint64_t mNext = 0;
-    std::uint64_t mTurn = 0;
+    FairMutex& mMutex;
 };
 
 } // namespace Linux

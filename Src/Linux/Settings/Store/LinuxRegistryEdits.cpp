@@ -84,7 +84,7 @@ SystemError Store::ApplyOne(const Edit& inEdit, EditTarget& ioTarget)
 
 SystemError Store::Apply(const std::vector<Edit>& inEdits)
 {
-    const auto work = [&] {
+    const auto work = [&]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
         EditTarget target;
         SystemError error = CheckAccess(Platform::kAccessReadWrite);
         for (std::size_t i = 0; i < inEdits.size() && error == kNoError; ++i) {
@@ -92,7 +92,9 @@ SystemError Store::Apply(const std::vector<Edit>& inEdits)
         }
         return error;
     };
-    return RunChange(Change(), work, [this] { return mTree.ReloadEverything(DatabaseOrNull()); });
+    return RunChange(Change(), work, [this]() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock) {
+        return mTree.ReloadEverything(DatabaseOrNull());
+    });
 }
 
 } // namespace Linux

@@ -47,7 +47,6 @@ void Store::InvalidateMemory() noexcept
     mVersion = -1;
 }
 
-// The caller holds both locks.
 SystemError Store::OpenAndUpdate(IfMissing inIfMissing)
 {
     if (mDatabase.IsOpen() && mProcess != ::getpid()) {
@@ -186,8 +185,8 @@ SystemError Store::AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& out
 
 void Store::Release() noexcept
 {
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const FairMutexLock work(mDatabaseLock);
+    const MutexLock memory(mMemoryLock);
     mDatabase.Close();
     InvalidateMemory();
     if (mHandles.IsEmpty()) {

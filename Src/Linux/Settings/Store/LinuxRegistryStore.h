@@ -13,9 +13,9 @@
 #include "LinuxRegistryDatabase.h"
 #include "LinuxRegistryTree.h"
 
+#include <Platform/Mutex.h>
 #include <Platform/Registry.h>
 
-#include <mutex>
 #include <vector>
 
 namespace ORL {
@@ -65,8 +65,8 @@ public:
     void Release() noexcept;
 
     /// Called before and after a fork, so that no thread uses the store while the process is copied.
-    void LockForFork();
-    void UnlockAfterFork(ForkSide inSide);
+    void LockForFork() TVXCORE_ACQUIRES(mDatabaseLock, mMemoryLock);
+    void UnlockAfterFork(ForkSide inSide) TVXCORE_RELEASES(mDatabaseLock, mMemoryLock);
 
 private:
     static constexpr unsigned kRightToQuery = 0x1;
@@ -83,46 +83,56 @@ private:
     template <class Work, class Done>
     SystemError RunChange(const Change& inChange, Work inWork, Done inDone);
     template <class Work, class Done>
-    SystemError RunChangeOnce(const Change& inChange, Work inWork, Done inDone);
+    SystemError RunChangeOnce(const Change& inChange, Work inWork, Done inDone) TVXCORE_REQUIRES(mDatabaseLock);
     template <class Done>
-    void ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept;
+    void ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
 
-    SystemError ApplyOne(const Platform::Edit& inEdit, EditTarget& ioTarget);
-    SystemError OpenAndUpdate(IfMissing inIfMissing);
-    SystemError OpenDatabase(IfMissing inIfMissing);
-    SystemError UpdateMemory();
-    SystemError UpdateFromBoard();
-    SystemError UpdateFromDataVersion();
-    bool IsUpToDate() noexcept;
-    bool IsFileCurrent() noexcept;
-    void InvalidateMemory() noexcept;
+    SystemError ApplyOne(const Platform::Edit& inEdit, EditTarget& ioTarget)
+        TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    SystemError OpenAndUpdate(IfMissing inIfMissing) TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    SystemError OpenDatabase(IfMissing inIfMissing) TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    SystemError UpdateMemory() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    SystemError UpdateFromBoard() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    SystemError UpdateFromDataVersion() TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
+    bool IsUpToDate() noexcept TVXCORE_REQUIRES(mMemoryLock);
+    bool IsFileCurrent() noexcept TVXCORE_REQUIRES(mMemoryLock);
+    void InvalidateMemory() noexcept TVXCORE_REQUIRES(mMemoryLock);
     Database* DatabaseOrNull() noexcept { return mDatabase.IsOpen() ? &mDatabase : nullptr; }
 
-    SystemError Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const;
-    SystemError FindByPath(StoredKey& inFrom, const unsigned short* inPath, ReadSource inSource, StoredKey*& outKey);
-    SystemError CheckAccess(unsigned inAccess) const;
-    SystemError AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& outKey);
+    SystemError Resolve(const HandleParts& inKey, unsigned inAccess, StoredKey*& outKey) const
+        TVXCORE_REQUIRES(mMemoryLock);
+    SystemError FindByPath(StoredKey& inFrom, const unsigned short* inPath, ReadSource inSource, StoredKey*& outKey)
+        TVXCORE_REQUIRES(mMemoryLock);
+    SystemError CheckAccess(unsigned inAccess) const TVXCORE_REQUIRES(mMemoryLock);
+    SystemError AddHandle(StoredKey& inKey, unsigned inAccess, KeyHandle& outKey) TVXCORE_REQUIRES(mMemoryLock);
     SystemError FindToDelete(const HandleParts& inParent, const unsigned short* inPath, Descendants inDescendants,
-                             ReadSource inSource, StoredKey*& outKey);
-    SystemError FindTarget(const unsigned short* inPath, IfMissing inIfMissing, EditTarget& ioTarget);
+                             ReadSource inSource, StoredKey*& outKey) TVXCORE_REQUIRES(mMemoryLock);
+    SystemError FindTarget(const unsigned short* inPath, IfMissing inIfMissing, EditTarget& ioTarget)
+        TVXCORE_REQUIRES(mDatabaseLock, mMemoryLock);
     SystemError FindValue(const HandleParts& inKey, unsigned inAccess, const FoldedName& inName, ReadSource inSource,
-                          StoredValue*& outValue);
-    SystemError SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue);
+                          StoredValue*& outValue) TVXCORE_REQUIRES(mMemoryLock);
+    SystemError SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
+        TVXCORE_REQUIRES(mDatabaseLock);
 
     const StoreKind mKind;
     StoreLocation (*const mFindLocation)();
 
     FairMutex mDatabaseLock;
-    std::mutex mMemoryLock;
-    Database mDatabase; // opened and closed under both locks
-    StoreLocation mLocation;
-    int mProcess = 0; // the process that opened the database
-    Tree mTree;
-    HandleTable mHandles;
-    Units mFolded; // buffer for the name that is looked up, guarded by mMemoryLock
-    std::uint64_t mAppliedGeneration = kUnknownGeneration; // the board's generation whose changes are in memory
-    std::int64_t mVersion = -1;        // for a database without a board: the data version whose contents are in memory
-    std::uint64_t mFilesCheckedAt = 0; // when the files of the database and its board were last found under their names
+    Mutex mMemoryLock;
+    // Opened and closed under both locks, its statements run under mDatabaseLock, its state read under either. clang
+    // cannot check this.
+    Database mDatabase;
+    StoreLocation mLocation TVXCORE_GUARDED_BY(mMemoryLock);
+    int mProcess TVXCORE_GUARDED_BY(mMemoryLock) = 0; // the process that opened the database
+    Tree mTree TVXCORE_GUARDED_BY(mMemoryLock);
+    HandleTable mHandles TVXCORE_GUARDED_BY(mMemoryLock);
+    Units mFolded TVXCORE_GUARDED_BY(mMemoryLock); // buffer for the name that is looked up
+    // The board's generation whose changes are in memory.
+    std::uint64_t mAppliedGeneration TVXCORE_GUARDED_BY(mMemoryLock) = kUnknownGeneration;
+    // For a database without a board: the data version whose contents are in memory.
+    std::int64_t mVersion TVXCORE_GUARDED_BY(mMemoryLock) = -1;
+    // When the files of the database and its board were last found under their names.
+    std::uint64_t mFilesCheckedAt TVXCORE_GUARDED_BY(mMemoryLock) = 0;
 };
 
 /// Returns the store of a handle.

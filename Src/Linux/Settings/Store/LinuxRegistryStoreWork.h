@@ -15,7 +15,7 @@ template <class Read>
 SystemError Store::RunRead(Read inRead)
 {
     {
-        const std::lock_guard<std::mutex> memory(mMemoryLock);
+        const MutexLock memory(mMemoryLock);
         if (IsUpToDate()) {
             const SystemError error = inRead(ReadSource::kMemory);
             if (error != kNotInMemory) {
@@ -23,8 +23,8 @@ SystemError Store::RunRead(Read inRead)
             }
         }
     }
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const FairMutexLock work(mDatabaseLock);
+    const MutexLock memory(mMemoryLock);
     SystemError error = OpenAndUpdate(IfMissing::kReport);
     error = error == SystemErrors::kNoError ? inRead(ReadSource::kDatabase) : error;
     if (mDatabase.SetAsideIfDamaged()) {
@@ -40,9 +40,9 @@ SystemError Store::RunRead(Read inRead)
 template <class Work, class Done>
 SystemError Store::RunChange(const Change& inChange, Work inWork, Done inDone)
 {
-    const std::lock_guard<FairMutex> work(mDatabaseLock);
+    const FairMutexLock work(mDatabaseLock);
     SystemError error = RunChangeOnce(inChange, inWork, inDone);
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     if (!mDatabase.SetAsideIfDamaged()) {
         return error;
     }
@@ -55,7 +55,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
 {
     SystemError error = SystemErrors::kNoError;
     {
-        const std::lock_guard<std::mutex> memory(mMemoryLock);
+        const MutexLock memory(mMemoryLock);
         error = OpenAndUpdate(IfMissing::kCreate);
     }
     if (error == SystemErrors::kNoError) {
@@ -64,7 +64,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     if (error != SystemErrors::kNoError) {
         return error;
     }
-    const std::lock_guard<std::mutex> memory(mMemoryLock);
+    const MutexLock memory(mMemoryLock);
     Transaction transaction(mDatabase, inChange);
     error = UpdateMemory();
     error = error == SystemErrors::kNoError ? inWork() : error;
