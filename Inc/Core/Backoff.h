@@ -6,7 +6,8 @@
 namespace ORL {
 namespace Sync {
 
-/// Runs one iteration of a spin: lets the processor save power and the other thread of its core run.
+/// Runs one iteration of a spin: lets the processor save power and the other thread of its core run. tvxcore spins with
+/// the same instruction; sharing a function for it would need a public header, and hosts do not spin.
 inline void PauseProcessor() noexcept
 {
     __builtin_ia32_pause();

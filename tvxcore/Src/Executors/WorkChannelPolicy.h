@@ -66,7 +66,8 @@ struct SystemPolicy
     static void WakeOne(Atomic<std::uint32_t>& ioWord) { Platform::WakeOneOnWord_Impl(ioWord); }
     static void WakeAll(Atomic<std::uint32_t>& ioWord) { Platform::WakeAllOnWord_Impl(ioWord); }
 
-    /// Executes one iteration of a spin.
+    /// Executes one iteration of a spin. ORLFoundation has its own such function: sharing this one would need a public
+    /// header, and hosts do not spin.
     static void Pause() { __builtin_ia32_pause(); }
 };
 

@@ -61,7 +61,8 @@ void* RunThread(void* inStart)
 
 static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
 
-// Returns the largest number of bytes, up to inCount, that does not split a character.
+// Returns the largest number of bytes, up to inCount, that does not split a character. ORLFoundation has its own such
+// function: sharing this one would need a public header, and hosts do not cut names.
 std::size_t CutAtCharacter(const char* inText, std::size_t inCount)
 {
     std::size_t count = 0;
