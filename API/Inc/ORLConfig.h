@@ -26,6 +26,13 @@
 #  define ORL_LOCK_IS_OURS 1
 #endif
 
+// 1 if ORLFoundation defines the record of a hardware exception, 0 if the headers of the OS define it.
+#if defined(_WIN32)
+#  define ORL_EXCEPTION_RECORD_IS_OURS 0
+#else
+#  define ORL_EXCEPTION_RECORD_IS_OURS 1
+#endif
+
 // 1 in a build under the thread sanitizer.
 #if defined(__SANITIZE_THREAD__)
 #  define ORL_THREAD_SANITIZER 1

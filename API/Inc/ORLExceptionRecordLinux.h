@@ -14,7 +14,7 @@
 
 #include <ORLConfig.h>
 
-#if defined(__linux__)
+#if ORL_EXCEPTION_RECORD_IS_OURS
 
 #  include <cstdint>
 #  include <signal.h>
