@@ -17,7 +17,7 @@
 #include <unordered_map>
 #include <utility>
 
-/// The blocks of all files of a host, the most recently used first. Thread-safe. An evicted block stays alive as long
+/// The blocks of all of a host's files, the most recently used first. Thread-safe. An evicted block stays alive as long
 /// as a reader holds it.
 class BlockStore
 {

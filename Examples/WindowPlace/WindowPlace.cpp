@@ -24,7 +24,7 @@ struct Place
     int mY = 100;
 };
 
-// Separate numeric values instead of one string, so that each can be read and edited alone.
+// Separate numeric values instead of one string, so that each can be read and edited separately.
 constexpr char kX[] = "X";
 constexpr char kY[] = "Y";
 

@@ -14,7 +14,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// A failure that has no named code.
+// A failure without a named code.
 constexpr Result kBareFailure = -1;
 
 const Handle INVALID_HANDLE_VALUE = InvalidHandle();

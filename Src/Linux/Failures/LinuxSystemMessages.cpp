@@ -16,7 +16,7 @@ namespace {
 struct Message
 {
     unsigned int mError;
-    const char* mText; // the text of the message without a line end
+    const char* mText; // the message text without a line break
 };
 
 // Sorted by number for the binary search.

@@ -42,7 +42,7 @@ std::uint32_t ReadSectorFile(const char* inPath) noexcept
 }
 
 // Returns the sector size of the device below a file system. A partition has no queue attributes, so those of the whole
-// disk are read. Devices without hardware, such as those of file systems in memory, have the major number 0.
+// disk are read. Devices without hardware, such as those of in-memory file systems, have the major number 0.
 std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
 {
     const bool isDevice = S_ISBLK(inStatus.stx_mode);
@@ -99,7 +99,7 @@ SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize)
     if (file) {
         outSize = std::max(FindDirectAlignment(file.Get(), TestRead::kAllowed), kSmallestSector);
     } else if (errno == EINVAL) {
-        outSize = kSmallestSector; // the file system has no direct I/O
+        outSize = kSmallestSector; // the file system does not support direct I/O
     }
     return SystemErrors::kNoError;
 }

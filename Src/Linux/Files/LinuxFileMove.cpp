@@ -121,7 +121,7 @@ public:
         return System().mSyncVolume(inFile) == 0 ? kNoError : SystemErrorFromErrno(errno);
     }
 
-    // Syncs for a caller that has no descriptor of the new file.
+    // Syncs for a caller without a descriptor for the new file.
     SystemError SyncWith(const std::string& inFile) const noexcept
     {
         if (mFolder) {

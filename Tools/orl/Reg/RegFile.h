@@ -9,9 +9,9 @@
 //   [-HKEY_CURRENT_USER\Software\Gone]        deletes a key with everything below it
 //   ; comment
 //
-// In a quoted name or text, " and \ are escaped with \, and line ends are allowed. Bytes are hexadecimal, separated by
-// commas; a \ at the end of a line continues them on the next. The writer produces UTF-16 with a byte order mark and CR
-// LF line ends. The reader also accepts UTF-16 in the other byte order, UTF-8, and any line end.
+// In a quoted name or text, " and \ are escaped with \, and line breaks are allowed. Bytes are hexadecimal, separated
+// by commas; a \ at the end of a line continues them on the next. The writer produces UTF-16 with a byte order mark and
+// CR LF line endings. The reader also accepts UTF-16 in the other byte order, UTF-8, and any line ending.
 #pragma once
 
 #include <ORLRegistryStore.h>
@@ -47,10 +47,10 @@ struct RegFileKey
     std::vector<ORL::RegistryValue> mValues;
 };
 
-/// Returns whether the format can represent the name of a key, that is, whether the name contains no line end.
+/// Returns whether the format can represent the name of a key, that is, whether the name contains no line break.
 bool CanWriteRegKey(const UTF16String& inName);
 
-/// Returns the text of a file, with CR LF line ends and without a byte order mark. Keys keep their order. Values are
+/// Returns the text of a file, with CR LF line endings and without a byte order mark. Keys keep their order. Values are
 /// sorted by name, the default value first, so that equal keys yield equal files from any store.
 UTF16String WriteRegFile(const std::vector<RegFileKey>& inKeys);
 

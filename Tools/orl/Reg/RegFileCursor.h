@@ -20,7 +20,7 @@ public:
     /// Returns the next unit, or 0xFFFF, which is not a character, at the end of the text.
     unsigned short Peek() const { return AtEnd() ? static_cast<unsigned short>(0xFFFF) : mText[mAt]; }
 
-    /// Returns the next unit, which may be a line end, and moves past it. Not valid at the end of the text.
+    /// Returns the next unit, which may be a line break, and moves past it. Not valid at the end of the text.
     unsigned short Take();
 
     bool TakeIf(char inCharacter);
@@ -39,7 +39,7 @@ public:
     /// Returns the rest of the line without its end, and moves to that end.
     UTF16String TakeRestOfLine();
 
-    /// Moves past one line end if the cursor is at one.
+    /// Moves past one line break if the cursor is at one.
     void TakeLineEnd();
 
     std::size_t Line() const { return mLine; }

@@ -220,7 +220,7 @@ private:
 
     bool IsAtEndOfData() { return mCursor.AtLineEnd() || mCursor.Peek() == ';'; }
 
-    // Skips blanks and continued line ends, with comment lines between them.
+    // Skips blanks and continued line breaks, with comment lines between them.
     void SkipToNextByte()
     {
         mCursor.SkipBlanks();

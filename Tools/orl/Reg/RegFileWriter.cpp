@@ -66,7 +66,7 @@ void AppendBytes(UTF16String& ioText, std::size_t inBeginOfLine, const std::vect
     }
 }
 
-// A reader may convert the line ends in a quoted string, so a string with line ends is written as bytes.
+// A reader may convert the line breaks in a quoted string, so a string with line breaks is written as bytes.
 bool IsWrittenAsText(const RegistryValue& inValue)
 {
     if (inValue.mType != Types::kString || !IsWellFormedRegValue(inValue)) {

@@ -32,7 +32,7 @@ bool HasSharedMemory(const std::string& inFolder) noexcept;
 /// Stores the device and inode of a file. Returns false if the file does not exist.
 bool IdentityOf(const std::string& inFile, std::uint64_t& outDevice, std::uint64_t& outInode) noexcept;
 
-/// Returns the time of a system clock in milliseconds; 0 if it cannot be read.
+/// Returns a system clock's time in milliseconds; 0 if it cannot be read.
 std::uint64_t MonotonicMilliseconds(int inClock) noexcept;
 
 /// Returns the size of a database including its journal, in bytes; 0 if it does not exist.

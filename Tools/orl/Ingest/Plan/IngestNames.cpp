@@ -20,7 +20,7 @@ class NameProbe
 {
 public:
     // Creates the temporary folder in inFolder of the destination, or in the nearest existing folder above it. If the
-    // destination does not exist yet, it has no record, and the name of the folder is not recorded.
+    // destination does not exist yet, it has no record, and the folder's name is not recorded.
     NameProbe(const IngestRoots& inRoots, IngestRecord* ioRecord, std::string inFolder)
         : mRecord(ioRecord), mFolder(std::move(inFolder))
     {
