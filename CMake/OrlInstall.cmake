@@ -1,30 +1,48 @@
-# Install rules and the package that find_package(ORLFoundation) finds.
+# Install rules, in the components of the packages, and the package that find_package(ORLFoundation) finds.
+#   runtime  the libraries
+#   dev      headers, links, CMake and pkg-config files, debugger views
+#   tools    the program orl
+#   doc      the documents
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ORLFoundation")
 
 install(TARGETS tvxmediatypes tvxcore CRV ORLFoundation EXPORT ORLFoundationTargets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
+if(TARGET orl)
+  install(TARGETS orl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
 install(DIRECTORY API/Inc/ tvxcore/Inc/ tvxmediatypes/Inc/ CRV/Inc/
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation FILES_MATCHING PATTERN "*.h")
-install(FILES "${CMAKE_BINARY_DIR}/include/ORLVersion.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation)
-install(FILES Debug/orl_printers.py Debug/orl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/ORLFoundation/debug)
-install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/licenses/ORLFoundation OPTIONAL)
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation COMPONENT dev FILES_MATCHING PATTERN "*.h")
+install(FILES "${PROJECT_BINARY_DIR}/include/ORLVersion.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation
+  COMPONENT dev)
+install(FILES Debug/orl_printers.py Debug/orl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/ORLFoundation/debug COMPONENT dev)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(DIRECTORY Docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 
 set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)
 if(WIN32)
   # Boost.Thread has no package for this compiler, so the package includes our build of it.
   set(ORL_PACKAGE_NEEDS_BOOST_THREAD OFF)
   install(TARGETS orl_boost_thread orl_boost_headers EXPORT ORLFoundationTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
+  install(FILES ${ORL_TOOLCHAIN_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endif()
 
-install(EXPORT ORLFoundationTargets NAMESPACE ORL:: DESTINATION ${package_dir})
+install(EXPORT ORLFoundationTargets NAMESPACE ORL:: DESTINATION ${package_dir} COMPONENT dev)
 configure_package_config_file(CMake/ORLFoundationConfig.cmake.in
-  "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file("${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
-install(FILES "${CMAKE_BINARY_DIR}/ORLFoundationConfig.cmake" "${CMAKE_BINARY_DIR}/ORLFoundationConfigVersion.cmake"
-  CMake/OrlTargetResources.cmake DESTINATION ${package_dir})
+  "${PROJECT_BINARY_DIR}/ORLFoundationConfig.cmake" INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/ORLFoundationConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/ORLFoundationConfig.cmake" "${PROJECT_BINARY_DIR}/ORLFoundationConfigVersion.cmake"
+  CMake/OrlTargetResources.cmake DESTINATION ${package_dir} COMPONENT dev)
+
+# The paths in the pkg-config file are relative to its place, so that the installed tree can be moved.
+set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH ORL_PREFIX_FROM_PC "/${pkgconfig_dir}" "/")
+string(REGEX REPLACE "/$" "" ORL_PREFIX_FROM_PC "${ORL_PREFIX_FROM_PC}")
+configure_file(CMake/orlfoundation.pc.in "${PROJECT_BINARY_DIR}/orlfoundation.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/orlfoundation.pc" DESTINATION ${pkgconfig_dir} COMPONENT dev)

@@ -87,7 +87,7 @@ function(orl_library name)
 
   orl_set_abi(${name} ${name} ${ORL_ABI})
 
-  add_library(${name}_private STATIC $<TARGET_OBJECTS:${name}_objects>)
+  add_library(${name}_private STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:${name}_objects>)
   target_include_directories(${name}_private PUBLIC ${include_dirs} "${private_dir}" "${PROJECT_BINARY_DIR}/include")
   target_link_libraries(${name}_private PUBLIC ${own_twins})
   set_target_properties(${name}_private PROPERTIES LINKER_LANGUAGE CXX)

@@ -1,16 +1,19 @@
 # Sets the platform folder, the compiler options, and the packages of each platform.
 
-set(CMAKE_CXX_STANDARD 17 CACHE STRING "")
+# These are variables of this folder and below, so a project that contains this one keeps its own.
+if(NOT CMAKE_CXX_STANDARD)
+  set(CMAKE_CXX_STANDARD 17)
+endif()
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 
-if(NOT CMAKE_BUILD_TYPE)
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
@@ -40,7 +43,7 @@ endif()
 
 # The JSON library is header-only and the same for both platforms. A link in a separate folder keeps the compiler from
 # finding the rest of the machine's include folder.
-set(json_include "${CMAKE_BINARY_DIR}/json-include")
+set(json_include "${PROJECT_BINARY_DIR}/json-include")
 file(MAKE_DIRECTORY "${json_include}")
 if(NOT EXISTS "${json_include}/nlohmann")
   file(CREATE_LINK /usr/include/nlohmann "${json_include}/nlohmann" SYMBOLIC)
@@ -48,8 +51,10 @@ endif()
 add_library(orl_json INTERFACE)
 target_include_directories(orl_json SYSTEM INTERFACE $<BUILD_INTERFACE:${json_include}>)
 
-# Compile options for all our targets. Floating-point results must be exact to the last bit, so contraction is off.
+# Ninja names sources inside the build folder, such as those that FetchContent fetched, relative to that folder.
 file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
+string(REGEX REPLACE "([^/])$" "\\1/" source_from_build "${source_from_build}")
+# Compile options for all our targets. Floating-point results must be exact to the last bit, so contraction is off.
 add_library(orl_strict INTERFACE)
 target_compile_options(orl_strict INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off

@@ -4,7 +4,7 @@
 set(ORL_BOOST_SOURCE "" CACHE PATH "Folder that holds libs/thread of Boost's source package")
 
 # A folder that contains only Boost's headers, so that the compiler finds nothing else in the machine's include folder.
-set(boost_include "${CMAKE_BINARY_DIR}/boost-include")
+set(boost_include "${PROJECT_BINARY_DIR}/boost-include")
 file(MAKE_DIRECTORY "${boost_include}")
 if(NOT EXISTS "${boost_include}/boost")
   file(CREATE_LINK /usr/include/boost "${boost_include}/boost" SYMBOLIC)
@@ -48,5 +48,5 @@ foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     set(dll_path "/usr/x86_64-w64-mingw32/lib/${dll}")
   endif()
   configure_file("${dll_path}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}" COPYONLY)
-  install(FILES "${dll_path}" DESTINATION bin)
+  list(APPEND ORL_TOOLCHAIN_DLLS "${dll_path}")
 endforeach()

@@ -1,7 +1,15 @@
 # cmake -D SOURCE_DIR=... -D WORK=... [-D TOOLCHAIN=... -D BOOST_SOURCE=...] -P run.cmake
-# Builds two objects inside another project and reads the source names in their checks.
+# Builds two objects inside another project and reads the source names in their checks. With FETCHED, the library's
+# sources are inside the project's build folder, where FetchContent puts them.
 file(REMOVE_RECURSE "${WORK}")
-set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Embedded" -B "${WORK}" "-DORL_SOURCE=${SOURCE_DIR}" -DCMAKE_BUILD_TYPE=Release)
+set(library "${SOURCE_DIR}")
+if(FETCHED)
+  set(library "${WORK}/_deps/orl-src")
+  foreach(part API CMake CRV Inc Res Src tvxcore tvxmediatypes CMakeLists.txt LICENSE)
+    file(COPY "${SOURCE_DIR}/${part}" DESTINATION "${library}")
+  endforeach()
+endif()
+set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Embedded" -B "${WORK}" "-DORL_SOURCE=${library}")
 set(extension o)
 if(TOOLCHAIN)
   list(APPEND arguments "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" "-DORL_BOOST_SOURCE=${BOOST_SOURCE}")
@@ -13,6 +21,7 @@ function(run)
   if(NOT status EQUAL 0)
     message(FATAL_ERROR "${ARGN}\n${output}")
   endif()
+  set(output "${output}" PARENT_SCOPE)
 endfunction()
 
 # One check is in a library source, the other in a library header.
@@ -26,5 +35,15 @@ function(expect_name source name)
 endfunction()
 
 run(${CMAKE_COMMAND} ${arguments})
+
+# Installing the project installs nothing of the library, and a plain build does not build the tests' static libraries.
+file(READ "${WORK}/orl/cmake_install.cmake" install_script)
+if(install_script MATCHES "file\\(INSTALL")
+  message(FATAL_ERROR "the library installs files with the project around it")
+endif()
+run(${CMAKE_COMMAND} --build "${WORK}" -- -n)
+if(output MATCHES "_private[.](a|lib)")
+  message(FATAL_ERROR "a plain build builds static libraries of the tests")
+endif()
 expect_name("Src/Threads/Event.cpp" "Src/Threads/Event.cpp")
 expect_name("Src/Threads/WaitableGatePool.cpp" "Inc/Threads/WaitableGatePoolAlgorithm.h")

@@ -1,8 +1,13 @@
-# Reports name sources relative to this project, even if another project builds the library as a part of it.
+# The library as a part of another project: beside it, and inside its build folder, where FetchContent puts it. Reports
+# name sources relative to the library in both, and the library changes nothing else of the project.
 if(NOT ORL_SANITIZE)
-  add_test(NAME Package.ChecksNameTheSameSourcesInsideAnotherProject
-    COMMAND ${CMAKE_COMMAND} -D SOURCE_DIR=${PROJECT_SOURCE_DIR} -D WORK=${CMAKE_BINARY_DIR}/embedded
-      -D TOOLCHAIN=${CMAKE_TOOLCHAIN_FILE} -D BOOST_SOURCE=${ORL_BOOST_SOURCE}
-      -P ${CMAKE_CURRENT_SOURCE_DIR}/Embedded/run.cmake)
-  set_tests_properties(Package.ChecksNameTheSameSourcesInsideAnotherProject PROPERTIES TIMEOUT 300)
+  foreach(case Beside Fetched)
+    set(name Package.InsideAnotherProject_${case}_ChecksNameTheSameSourcesAndNothingElseChanges)
+    string(TOLOWER ${case} folder)
+    add_test(NAME ${name}
+      COMMAND ${CMAKE_COMMAND} -D SOURCE_DIR=${PROJECT_SOURCE_DIR} -D WORK=${CMAKE_BINARY_DIR}/embedded-${folder}
+        -D TOOLCHAIN=${CMAKE_TOOLCHAIN_FILE} -D BOOST_SOURCE=${ORL_BOOST_SOURCE} -D FETCHED=$<STREQUAL:${case},Fetched>
+        -P ${CMAKE_CURRENT_SOURCE_DIR}/Embedded/run.cmake)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  endforeach()
 endif()

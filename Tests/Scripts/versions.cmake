@@ -47,5 +47,5 @@ if(NOT ORL_SANITIZE)
   add_test(NAME Package.TwoVersionsInOneProcess_EachUserHasItsOwn
     COMMAND versions_host "$<TARGET_FILE:versions_plug_in>" ${ORL_ABI} ${next_abi})
   set_tests_properties(Package.TwoVersionsInOneProcess_EachUserHasItsOwn PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT}
-    PASS_REGULAR_EXPRESSION "two versions, one process" ENVIRONMENT "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/versions-settings")
+    ENVIRONMENT "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/versions-settings")
 endif()
