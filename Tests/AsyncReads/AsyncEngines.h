@@ -1,4 +1,4 @@
-// The engines for asynchronous reads on this platform. The reader's whole suite runs once with each engine.
+// The engines for asynchronous reads on this platform. The reader's whole suite runs once per engine.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@ public:
     virtual ~AsyncEngine() = default;
 };
 
-/// Returns the names of the engines of this platform; each is a test parameter.
+/// Returns the names of this platform's engines; each is a test parameter.
 std::vector<std::string> AsyncEngineNames();
 
 std::unique_ptr<AsyncEngine> UseAsyncEngine(const std::string& inName);

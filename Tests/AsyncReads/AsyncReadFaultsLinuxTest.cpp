@@ -1,5 +1,5 @@
 // Fails each system call of a read, each time it occurs, with each error that a shortage of resources causes. Delivered
-// data must be right, no read may be lost, no descriptor may stay open, and the next reads must work.
+// data must be correct, no read may be lost, no descriptor may stay open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
 #include <CheckRecorder.h>
@@ -287,8 +287,8 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
 }
 
 // The kernel refuses both the last packet and the packet that should wake the completion thread. An eventfd that the
-// ring polls all the time wakes the thread instead. The ring's poll must still be active, although the kernel cancels
-// the polls of a thread that ends, and the thread that called StartupAsyncFileOperations has ended.
+// ring polls continuously wakes the thread instead. The ring's poll must still be active, although the kernel cancels
+// an exiting thread's polls, and the thread that called StartupAsyncFileOperations has ended.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {

@@ -94,7 +94,7 @@ FailureWatch ExpectRefused(AsyncFileReader& ioReader, std::uint64_t inPosition, 
     return watch;
 }
 
-// Expects that a read fails at its start: its callback runs on the thread that starts reads, and later reads work.
+// Expects that a read fails when it starts: its callback runs on the thread that starts reads, and later reads work.
 void ExpectRefusedAtItsStart(AsyncFileReader& ioReader, std::uint64_t inPosition, unsigned inSize, void* outBuffer)
 {
     const FailureWatch watch = ExpectRefused(ioReader, inPosition, inSize, outBuffer);

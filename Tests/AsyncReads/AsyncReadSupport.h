@@ -1,4 +1,4 @@
-// Shared helpers of the tests of asynchronous reads: a clip whose bytes depend on their position, and a reader's
+// Shared helpers for the asynchronous read tests: a clip whose bytes depend on their position, and a reader's
 // callback.
 #pragma once
 
@@ -46,7 +46,7 @@ private:
     std::size_t mSize;
 };
 
-/// Returns the byte at a position of every clip.
+/// Returns the byte that every clip has at a position.
 inline unsigned char ByteAt(std::uint64_t inPosition)
 {
     return static_cast<unsigned char>((inPosition * 2654435761u) >> 13);
@@ -61,7 +61,7 @@ inline std::string MakeContents(std::size_t inSize)
     return contents;
 }
 
-/// Returns the offset of the first wrong byte in a buffer, or inCount if all are right.
+/// Returns the offset of the first wrong byte in a buffer, or inCount if all are correct.
 inline std::size_t FirstWrongByte(const unsigned char* inBytes, std::size_t inCount, std::uint64_t inPosition)
 {
     std::size_t i = 0;

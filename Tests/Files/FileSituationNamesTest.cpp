@@ -30,7 +30,7 @@ UTF16String Extended(const UTF16String& inPath)
 
 } // namespace
 
-// cf34, cf35. Names are matched by the rules of the volume: Windows ignores their case, ext4 does not.
+// cf34, cf35. Names are matched by the rules of the volume: Windows is case-insensitive, ext4 is not.
 TEST(FileSituationNames, AnotherCase_IsTheSameFileWhereTheVolumeSaysSo)
 {
     const TempFolder folder;

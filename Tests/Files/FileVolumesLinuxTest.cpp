@@ -30,7 +30,7 @@ dev_t DeviceOf(const std::filesystem::path& inPath)
     return ::stat(inPath.c_str(), &status) == 0 ? status.st_dev : 0;
 }
 
-// Makes every rename fail as across volumes.
+// Makes every rename fail as a cross-volume rename does.
 struct TwoVolumes
 {
     TwoVolumes() { mCalls.Fail(Faults::kRenameTo, 1, EXDEV, Faults::kForEver); }

@@ -39,7 +39,7 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         {__LINE__, uR"(C:\abc\)", uR"(C:\abc\d\)", uR"(\d\)"},
         {__LINE__, uR"(C:\ab\)", uR"(C:\ab\d\)", uR"(.\d\)"},
         {__LINE__, uR"(C:\abc\d\e\)", uR"(C:\abc\)", uR"(..\..\)"},
-        // a file name is dropped, and names are compared without case
+        // a file name is dropped, and names are compared case-insensitively
         {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
         // ArePathsRelative treats slashes as separators
         {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},

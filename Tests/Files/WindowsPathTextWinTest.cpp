@@ -1,4 +1,4 @@
-// Compares the portable path text with Windows' own functions on many thousands of generated paths.
+// Compares the portable path text with Windows' own functions on thousands of generated paths.
 #include <Files/WindowsPathText.h>
 #include <Platform/Disks.h>
 #include <Platform/Paths.h>

@@ -31,7 +31,7 @@ protected:
             .mLine;
     }
 
-    /// Runs to two destinations, and calls a function that changes the source when the last file is in place at the
+    /// Ingests to two destinations, and calls a function that changes the source when the last file is in place at the
     /// first destination.
     std::string LineAfter(const std::function<void()>& inWork)
     {

@@ -125,7 +125,7 @@ protected:
         WriteFile(Disk() / kRecord, RecordOf("M 0\nT " + std::string(kUnfinished) + "\n"));
     }
 
-    /// Files with a final name are complete, and each line of the manifest is true.
+    /// Files with a final name are complete, and every manifest line is correct.
     void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());

@@ -1,4 +1,4 @@
-// Tests that an ingest causes no damage through links, mounts, volumes that ignore case, or misleading system calls.
+// Tests that an ingest causes no damage through links, mounts, case-insensitive volumes, or misleading system calls.
 #include "IngestRunSupport.h"
 
 #include <FaultySystemCallsLinux.h>

@@ -81,7 +81,7 @@ TEST_F(IngestHarm, AnIngestedFileAsTheManifest_IsRefused)
     EXPECT_EQ(mCard["a"], ReadFile(Disk() / "a"));
 }
 
-// The manifest ends with a line of another program that has no line break.
+// The manifest ends with another program's line, without a line break.
 TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
 {
     fs::create_directories(Disk());
@@ -93,7 +93,7 @@ TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
     EXPECT_EQ(4u, ReadManifest(Disk() / kManifest).size());
 }
 
-// The manifest contains every form of line that checksum programs write, between lines of orl that the run exchanges.
+// The manifest contains every form of line that checksum programs write, between orl's lines, which the run replaces.
 TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());

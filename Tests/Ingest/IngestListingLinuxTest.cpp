@@ -42,7 +42,7 @@ protected:
         return orl::ListSource(roots, [] { return false; });
     }
 
-    /// Makes a chain of folders of one name, with a file "f" in the last, by entering each folder.
+    /// Creates a chain of folders with the same name, with a file "f" in the last, by entering each folder.
     void MakeDeep(const std::string& inName, int inDepth) const
     {
         const fs::path earlier = fs::current_path();

@@ -1,4 +1,4 @@
-// Sends Ctrl-Break to an ingest; unlike Ctrl-C it can be sent to a single program of a console.
+// Sends Ctrl-Break to an ingest; unlike Ctrl-C it can be sent to a single program in a console.
 #include "IngestTestSupport.h"
 #include <ProcessRunner.h>
 

@@ -1,4 +1,4 @@
-// Compares the library's own arctangent of a vector with the long double function of the C runtime.
+// Compares the library's own arctangent of a vector with the C runtime's long double function.
 #include <Media/Arctangent.h>
 
 #include <cmath>

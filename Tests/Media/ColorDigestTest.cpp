@@ -35,7 +35,7 @@ constexpr Known kKnown[] = {
 
 } // namespace
 
-// One test for each sweep keeps every test short.
+// One test per sweep keeps every test short.
 class ColorDigestOf : public testing::TestWithParam<std::size_t>
 {
 };

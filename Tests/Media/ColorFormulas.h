@@ -109,7 +109,7 @@ struct ColorFormulas
         return {inY, -0.544639f * inPb + 0.838671f * inPr, 0.544639f * inPr + 0.838671f * inPb};
     }
 
-    /// Rounds the exact arctangent to the nearest single-precision number, because the results of runtimes differ.
+    /// Rounds the exact arctangent to the nearest single-precision number, because runtimes differ in their results.
     static Single HueFromPbPr(Single inPb, Single inPr)
     {
         const Single sine = -0.9475003f * inPb - 0.31975487f * inPr;

@@ -1,5 +1,5 @@
 // Sweeps over the inputs of the colour functions. Each sweep hashes all results into one number: equal numbers on two
-// builds mean equal bits for every value. The tests use it, and a program that is built at several optimisation levels.
+// builds mean equal bits for every value. Used by the tests and by a program built at several optimisation levels.
 #pragma once
 
 #include <ORLColor.h>

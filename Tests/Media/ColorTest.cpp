@@ -1,4 +1,4 @@
-// The colour functions: stored outputs, unchanged outputs, and the ends of the ranges.
+// Tests the colour functions: stored outputs, unchanged outputs, and the ends of the ranges.
 #include <ORLColor.h>
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// The linker redirects calls of the real function to WrappedTraceEnabled.
+// The linker redirects calls to the real function to WrappedTraceEnabled.
 bool WrappedTraceEnabled(const unsigned char*, long, bool) __asm__("__wrap__ZN7tvxcore5debug12TraceEnabledEPKhlb");
 bool RealTraceEnabled(const unsigned char*, long, bool) __asm__("__real__ZN7tvxcore5debug12TraceEnabledEPKhlb");
 

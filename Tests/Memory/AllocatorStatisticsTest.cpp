@@ -36,7 +36,7 @@ std::string Prefix()
     return "<" + std::to_string(tvxcore::threads::GetCurrentThreadID()) + "> <ORL.Allocator> <1> ";
 }
 
-/// Reports the regions of a list, adjacent to each other from address 0.
+/// Reports the regions in a list, adjacent to each other from address 0.
 class ListedRegions : public RegionSource
 {
 public:

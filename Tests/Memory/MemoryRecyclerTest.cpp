@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kLarge = 8192;
 
-// Exposes the operations that a buffer's owner has.
+// Exposes the operations available to a buffer's owner.
 class OwnBuffer : public MemoryBuffer
 {
 public:

@@ -66,7 +66,7 @@ struct Outcomes
 };
 Outcomes sOutcomes;
 
-/// The first thread writes, and waits for readers or not; each other thread reads twice.
+/// The first thread writes, with or without waiting for readers; each other thread reads twice.
 template <class Policy, bool kWaits, unsigned kVisitors>
 struct Visitors : rl::test_suite<Visitors<Policy, kWaits, kVisitors>, kVisitors + 1>
 {

@@ -1,4 +1,4 @@
-// Runs the shipped pool of gates under a model checker: returns against retrievals.
+// Runs the shipped pool of gates under a model checker: returns racing retrievals.
 #include <ModelRun.h>
 
 namespace {

@@ -70,7 +70,7 @@ TEST(Managed, KeptAgainAfterDestroy_IsDestroyedAgain)
     }
 }
 
-// Only a Release that reaches 0 destroys: going below 0 destroys nothing, nor does an AddRef back to 0.
+// Only a Release that reaches 0 destroys the object; going below 0, or back up to 0 by AddRef, does not.
 TEST(Managed, ReleasedTooOften_IsNotDestroyedAgain)
 {
     Item item;

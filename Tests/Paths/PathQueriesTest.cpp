@@ -1,4 +1,4 @@
-// Tests queries to the file system about a path.
+// Tests file system queries about a path.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>
@@ -53,7 +53,7 @@ TEST(ExistsOnDisk, OfABackslashAlone_FiresTheInputContract)
     ExpectReport(recorder.Reports(CheckReport::kContract)[0]).Expression("IsValidPath(inFullPath)");
 }
 
-// One trailing backslash is dropped before the lookup, so a file is found with it as well.
+// One trailing backslash is dropped before the lookup, so a file is also found with one.
 TEST(ExistsOnDisk, OfAFileWithATrailingBackslash_FindsIt)
 {
     const TempFolder folder;

@@ -9,7 +9,7 @@
 #include <map>
 #include <vector>
 
-// The linker redirects the calls to this function, which simulates a runtime whose heap calls new handlers.
+// The linker redirects the library's calls to this function, which simulates a runtime whose heap calls new handlers.
 int WrappedQueryNewMode() __asm__("__wrap__ZN3ORL10PageMemory8Platform17QueryNewMode_ImplEv");
 
 namespace {

@@ -1,4 +1,4 @@
-// Tests the published checks of the folders Core and Objects.
+// Tests the published checks in the folders Core and Objects.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

@@ -1,4 +1,4 @@
-// Tests the published checks of the folder Threads. The line numbers of these checks are not published.
+// Tests the published checks in the folder Threads. The line numbers of these checks are not published.
 #include "PublishedSites.h"
 #include <WaitableWithoutHandle.h>
 

@@ -1,4 +1,4 @@
-// The registry text format: the forms it accepts, the invalid lines it reports, and the text it writes.
+// Tests the registry text format: the accepted forms, the reported invalid lines, and the written text.
 #include "../../Fuzz/RegFileFuzzTarget.h"
 
 #include <Reg/RegFile.h>
@@ -296,7 +296,7 @@ TEST(RegFileWriting, LongData_GoesOnInLinesOfEightyCharacters)
     std::size_t column = 0;
     for (const unsigned short unit : text) {
         column = unit == '\n' ? 0 : column + 1;
-        EXPECT_LE(column, 81u); // 80 columns and the CR of the line
+        EXPECT_LE(column, 81u); // 80 columns and the line's CR
     }
     EXPECT_EQ(std::vector<unsigned char>(100, 0xCD), ReadRegFile(EncodeRegFile(text))[1].mValue.mData);
 }

@@ -1,4 +1,4 @@
-// The library's icon and dialogs, read from its file with the resource readers.
+// Tests the library's icon and dialogs, read from its file with the resource readers.
 #include "LibraryDialogs.h"
 #include "PlugIns.h"
 

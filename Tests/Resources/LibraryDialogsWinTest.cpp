@@ -1,4 +1,4 @@
-// The library's icon and dialogs, found by Windows itself.
+// Tests the library's icon and dialogs, found by Windows itself.
 #include "LibraryDialogs.h"
 #include "PlugIns.h"
 

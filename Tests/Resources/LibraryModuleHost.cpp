@@ -28,7 +28,7 @@ struct Watcher
 
 const Watcher sWatcher;
 
-// Prints language, type and name of a resource, and whether the library's own module has it.
+// Prints a resource's language, type and name, and whether the library's own module has it.
 void ReportResource(unsigned short inLanguage, unsigned short inType, unsigned short inName)
 {
     ORL::SetLanguageID(inLanguage);

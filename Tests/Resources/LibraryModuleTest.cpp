@@ -1,4 +1,4 @@
-// The library's own module: created when the library is loaded, released when it is unloaded.
+// Tests the library's own module: created when the library is loaded, released when it is unloaded.
 #include "PlugIns.h"
 
 using namespace ORLTest;

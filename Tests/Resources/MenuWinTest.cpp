@@ -1,4 +1,4 @@
-// Menus and cursors are handles of Windows itself.
+// Tests that menus and cursors are native Windows handles.
 #include "PlugIns.h"
 
 #include <windows.h>

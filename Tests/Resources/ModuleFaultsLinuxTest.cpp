@@ -1,4 +1,4 @@
-// Each system call of a load fails once. Afterwards the module is either loaded or not, never half.
+// Fails each system call in a load once. Afterwards the module is fully loaded or not loaded at all.
 #include "PlugIns.h"
 
 #include <FaultySystemCallsLinux.h>

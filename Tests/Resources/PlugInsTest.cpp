@@ -5,7 +5,7 @@
 #include <atomic>
 #include <cstddef>
 
-// The linker redirects the library's calls of this function to the test.
+// The linker redirects the library's calls to this function to the test.
 namespace {
 
 std::atomic<unsigned int> sPathQueries{0};

@@ -1,4 +1,4 @@
-// The language that a lookup finds. The table holds the results of the Windows functions for an American user.
+// Tests which language a lookup finds. The table holds the results of the Windows functions for an American user.
 #include "PlugIns.h"
 
 #include <CheckRecorder.h>

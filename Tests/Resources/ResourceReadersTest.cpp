@@ -1,5 +1,5 @@
-// The readers of resource files, given damaged or malicious files. Each file is in memory of exactly its size, so that
-// a sanitizer detects an access outside it.
+// Tests the readers of resource files on damaged or malicious files. Each file is in memory of exactly its size, so
+// that a sanitizer detects an access outside it.
 #include "../../Fuzz/ResourceFuzzTarget.h"
 #include "PlugIns.h"
 

@@ -1,4 +1,4 @@
-// Each system call and each allocation below the store fails once. No acknowledged change is lost, no call hangs, and
+// Fails each system call and each allocation below the store once. No acknowledged change is lost, no call hangs, and
 // the store stays intact.
 #include "TestRegistry.h"
 
@@ -123,7 +123,7 @@ protected:
         ReleaseStores();
     }
 
-    // Uses the store like a process from its first call on, and records which changes were acknowledged.
+    // Uses the store as a process does from its first call on, and records which changes were acknowledged.
     void Work(unsigned inRound)
     {
         mWritten = mCreated = mDeleted = false;

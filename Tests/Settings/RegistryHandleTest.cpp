@@ -1,4 +1,4 @@
-// Handles with a transaction manager, which the library's own keys never have.
+// Tests handles with a transaction manager, which the library's own keys never have.
 #include "TestRegistry.h"
 
 #include <System/RegistryHandle.h>

@@ -1,5 +1,5 @@
-// Home folders that are missing, read-only or owned by another user, children of fork, and file systems without shared
-// memory.
+// Tests home folders that are missing, read-only or owned by another user, children of fork, and file systems without
+// shared memory.
 #include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Databases not written by the library: damaged, of another format, of a newer version, or in the wrong place.
+// Tests databases not written by the library: damaged, of another format, of a newer version, or in the wrong place.
 #include "TestRegistry.h"
 
 #include <Linux/Settings/Store/LinuxRegistryStore.h>

@@ -25,7 +25,7 @@ UTF16String Name(const char* inText)
     return MakeString(inText);
 }
 
-// Stores a value as another program may, through the system.
+// Stores a value through the OS, as another program may.
 void Store(const UTF16String& inPath, const UTF16String& inName, unsigned inType, const void* inData, unsigned inSize)
 {
     using namespace Registry::Platform;

@@ -1,4 +1,4 @@
-// Random operations compared with a plain map, in turns with another process, and on many threads of two processes.
+// Compares random operations with a plain map, in turns with another process, and on many threads of two processes.
 #include "RegistryModel.h"
 #include "TestRegistry.h"
 

@@ -1,4 +1,4 @@
-// Results of Windows for calls on keys, by record number. The tests call the platform functions on both platforms.
+// Windows' results for calls on keys, by record number. The tests call the platform functions on both platforms.
 #include "RegistryStage.h"
 
 using namespace ORLTest;

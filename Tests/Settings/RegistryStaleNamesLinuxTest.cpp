@@ -1,4 +1,4 @@
-// Names of values that other processes have changed.
+// Tests names of values that other processes have changed.
 #include <Linux/Settings/LinuxRegistryStaleNames.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Results of Windows for calls on values, by record number. The tests call the platform functions on both platforms.
+// Windows' results for calls on values, by record number. The tests call the platform functions on both platforms.
 #include "RegistryStage.h"
 
 #include <cstring>

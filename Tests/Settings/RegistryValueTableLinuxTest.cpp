@@ -1,4 +1,4 @@
-// The values of a key in memory, compared with a plain map.
+// Compares a key's values in memory with a plain map.
 #include <Linux/Settings/LinuxRegistryValueTable.h>
 
 #include <gtest/gtest.h>

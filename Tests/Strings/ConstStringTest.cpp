@@ -71,7 +71,7 @@ unsigned long long AllocationsOf(const Work& inWork)
     return Blocks().mSmallBlockCountTotal - before.mSmallBlockCountTotal;
 }
 
-// Expects that a handle on inText owns inBlocks blocks of inBytes in total, all freed with the last copy.
+// Expects that a handle to inText owns inBlocks blocks of inBytes in total, all freed with the last copy.
 template <class Handle, class Text>
 void ExpectOwned(const Text& inText, unsigned inBlocks, std::size_t inBytes)
 {

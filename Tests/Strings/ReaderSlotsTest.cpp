@@ -77,7 +77,7 @@ TEST(SharedVisits, VisitorsBesideAWriter_NeverSeeHalfOfAChange)
                         ++looks;
                     }
                 }
-                std::this_thread::yield(); // without access: a preempted reader would stall the writer
+                std::this_thread::yield(); // outside the slot: a reader preempted inside would stall the writer
             }
         });
     }

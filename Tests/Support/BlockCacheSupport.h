@@ -1,4 +1,4 @@
-// Block caches of a host: one records the calls that it receives, one refuses and loses blocks at random.
+// A host's block caches: one records the calls that it receives, one refuses and loses blocks at random.
 #pragma once
 
 #include <FileSupport.h>

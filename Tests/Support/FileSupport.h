@@ -1,4 +1,4 @@
-// Shared helpers of the tests of File.
+// Shared helpers for the File tests.
 #pragma once
 
 #include <ORLFile.h>

@@ -1,5 +1,5 @@
-// The number formats of locales, by the locale names that Linux users set. Compares the formats with those of ICU,
-// which has the same data from the same consortium.
+// The number formats of locales, by the locale names that Linux users set. Compares the formats with ICU's, whose data
+// comes from the same consortium.
 #include <tvxcore/Number.h>
 #include <tvxcore/NumberPunctuation.h>
 

@@ -254,7 +254,7 @@ std::string TextOfSample(long long inSecond, long long inSample, const Format& i
     AppendTwo(text, inSecond % 60);
     text += inFormat.mDisplay == kTimeDisplay_AudioMsTimecode ? '.' : ':';
     std::string sample = std::to_string(inSample);
-    // Samples are padded to the digits of the largest one; six-digit samples are not padded.
+    // Samples are padded to the width of the largest one, except at rates whose largest sample has six digits.
     const std::size_t places = std::to_string(inFormat.mLabelsPerSecond - 1).size();
     if (places < 6) {
         sample.insert(0, places - sample.size(), '0');

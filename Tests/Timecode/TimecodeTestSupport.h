@@ -1,4 +1,4 @@
-// Shared helpers of the tests of Timecode: texts, formats with their rates, and the recorder of reports.
+// Shared helpers for the Timecode tests: texts, formats with their rates, and the recorder of reports.
 #pragma once
 
 #include <CheckRecorder.h>
@@ -16,7 +16,7 @@
 
 namespace tvxmediatypes {
 
-// Formats a time for failed expectations.
+// Formats a time for the messages of failed expectations.
 inline void PrintTo(const TickTime& inTime, std::ostream* outStream)
 {
     *outStream << inTime.GetTicks() << " ticks";

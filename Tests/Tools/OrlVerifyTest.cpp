@@ -154,7 +154,7 @@ TEST_F(OrlVerify, TwoChecksumsOfOneName_AreAChange)
     ExpectEnd(Verify(), kVerifyChanged, {Shown("a") + " has changed: the list has two checksums for it"});
 }
 
-// Not even a right checksum makes verify open a file outside the folder.
+// Not even a correct checksum makes verify open a file outside the folder.
 TEST_F(OrlVerify, NamesThatLeadOut_AreNotOpened)
 {
     mFolder.MakeFile("outside", "abc");

@@ -1,5 +1,5 @@
-// A process ends while executors and repeated functions run, held by statics of a module or never destroyed, and while
-// threads allocate. Windows ends the threads at arbitrary points before the statics of modules are destroyed.
+// A process exits while executors and repeated functions run, held by statics of a module or never destroyed, and while
+// threads allocate. Windows terminates the threads at arbitrary points before the statics of modules are destroyed.
 #include <CleanExit.h>
 
 #include <gtest/gtest.h>

@@ -18,7 +18,7 @@ endforeach()
 gtest_discover_tests(test_tvxcore_borders DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
   TEST_PREFIX "tvxcore.Borders." PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 
-# A host that ends while a module's threads are working.
+# A host that exits while a module's threads are working.
 add_library(tvxcore_exit_module SHARED tvxcore/Exit/Module.cpp)
 target_link_libraries(tvxcore_exit_module PRIVATE tvxcore orl_strict)
 add_executable(tvxcore_exit_host tvxcore/Exit/Host.cpp)

@@ -13,7 +13,7 @@ static_assert(kFrameRate_VideoNTSC_HD.GetTicksPerFrame() == 11771760, "");
 
 namespace {
 
-// A static of another unit reads the constants before main: they must be initialised without running code.
+// A static in another translation unit reads the constants before main: they must be initialised without running code.
 const TickTime sDayAtLoad = [] {
     TickTime day = kTime_Zero;
     day.AddFrames(86400 * 25, kFrameRate_VideoPAL);

@@ -14,7 +14,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr long long kLongest = std::numeric_limits<long long>::max();
 
-// Rates in rising order, including all kinds of extremes.
+// Rates in rising order, including extremes of every kind.
 constexpr long long kRisingTicks[] = {-1, -2, -705600000, -kLongest, 0, kLongest, kLongest - 1, 70560000, 29429400, 1};
 
 } // namespace

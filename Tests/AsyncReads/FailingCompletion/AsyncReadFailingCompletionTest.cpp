@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(Engine, FailingCompletion, testing::ValuesIn(AsyncEngin
 
 } // namespace
 
-// The host's wait never ends, so a time limit ends the process. On a slow machine two longer limits follow.
+// The host's wait never ends, so a time limit ends the process. For slow machines, the test retries with longer limits.
 TEST_P(FailingCompletion, ThreadThatWaits_WaitsForEver)
 {
     const std::string expected = "delivered\ncompletion thread ended\nwaiting\n";

@@ -17,7 +17,7 @@ namespace FailingCompletion {
 
 namespace {
 
-// Never destroyed: threads of the library may still run when the process ends.
+// Never destroyed: library threads may still run when the process exits.
 FaultySystemCalls& sCalls = *new FaultySystemCalls;
 std::atomic<bool> sNextFails{false};
 

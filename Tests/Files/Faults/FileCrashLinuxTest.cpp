@@ -24,7 +24,7 @@ Result Swap(const TempFolder& inFolder, const std::string& inName)
     return File::SwapTempFile(inFolder.Path(u"temp"), real);
 }
 
-// Swaps in a child that is killed before system call inCall. inLinks: whether the file system supports hard links.
+// Runs Swap in a child that is killed before system call inCall. inLinks: whether the file system has hard links.
 End SwapInChild(const TempFolder& inFolder, const std::string& inName, unsigned inCall, bool inLinks)
 {
     const pid_t child = ::fork();

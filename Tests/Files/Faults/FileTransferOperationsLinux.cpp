@@ -11,7 +11,7 @@ namespace ORLTest {
 
 namespace {
 
-// The ignored closes of a copy: only the first close, of the new file, must be reported if it fails.
+// A copy's ignored closes: only a failure of the first close, that of the new file, must be reported.
 const IgnoredFailure kOtherCloses[] = {{Faults::kClose, 2}, {Faults::kClose, 3}};
 
 bool KeepGoing(float, void*)

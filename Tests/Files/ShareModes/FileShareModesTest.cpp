@@ -83,7 +83,7 @@ TEST(FileShareModes, EveryPairOfHandlesOfTwoProcesses_FollowsTheRule)
     }
 }
 
-// A process that ends with the file open leaves no share mode behind, not even briefly.
+// A process that exits with the file open leaves no share mode behind, not even briefly.
 TEST(FileShareModes, AProcessThatEndsWithAFileOpen_HoldsItNoMore)
 {
     const TempFolder folder;

@@ -36,7 +36,7 @@ public:
     /// does nothing, except that a failing close has closed the descriptor, as on Linux.
     void Fail(Call inCall, unsigned inNumber, int inErrno, unsigned inCount = 1);
 
-    /// Reduces the requested size by inBytes, but to no less than 1 byte.
+    /// Reduces the requested size by inBytes, but to at least 1 byte.
     void Shorten(Call inCall, unsigned inNumber, std::size_t inBytes);
 
     /// Runs inAction before the call, on its thread. Use Before to delay a call until an event, never for a fixed time.

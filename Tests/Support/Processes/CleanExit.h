@@ -1,4 +1,4 @@
-// Checks a process that ends while its threads are working.
+// Checks a process that exits while its threads are working.
 #pragma once
 
 #include <ProcessRunner.h>
@@ -7,8 +7,8 @@
 
 namespace ORLTest {
 
-/// Runs a program from the tests' folder ten times with one argument. Each run must end by itself, print nothing, and
-/// exit with 17, the code that its main returns.
+/// Runs a program from the tests' folder ten times with an argument. Each run must terminate on its own, print
+/// nothing, and exit with 17, the code that its main returns.
 inline void ExpectCleanExit(const char* inProgram, const char* inHow)
 {
     for (int round = 0; round < 10; ++round) {

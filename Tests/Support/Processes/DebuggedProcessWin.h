@@ -19,7 +19,7 @@ struct DebuggedException
     EXCEPTION_RECORD mRecord;
 };
 
-/// Runs a program from the folder of this program until it ends, and returns its exit code. Each exception is first
+/// Runs a program from this program's folder until it ends, and returns its exit code. Each exception is first
 /// passed to inLook; if inLook returns false, the handlers of the debugged program get the exception.
 inline DWORD RunDebugged(const std::wstring& inProgram, const std::wstring& inArgument,
                          const std::function<bool(const DebuggedException&)>& inLook)

@@ -10,14 +10,14 @@ struct ProcessResult
 {
     int mExitCode = -1;     // -1 if the process was killed or did not start
     bool mTimedOut = false; // the process was killed at the time limit
-    std::string mOutput;    // line ends are "\n" on both platforms
+    std::string mOutput;    // line endings are "\n" on both platforms
     std::string mErrors;
 };
 
 /// Returns the folder of this program and of the programs built next to it, UTF-8, with a trailing separator.
 std::string FolderOfThisProgram();
 
-/// Runs inName (without ".exe") from the folder of this program, in inWorkingFolder if that is not empty. The arguments
+/// Runs inName (without ".exe") from this program's folder, in inWorkingFolder if that is not empty. The arguments
 /// are UTF-8 on Windows and bytes on Linux. Standard input delivers inInput and then end of file.
 ProcessResult RunBesideThisProgram(const std::string& inName, const std::vector<std::string>& inArguments,
                                    const std::string& inWorkingFolder = std::string(), int inSeconds = 60,

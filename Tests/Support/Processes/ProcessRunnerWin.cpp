@@ -120,7 +120,7 @@ ProcessResult RunOnce(const std::wstring& inProgram, std::wstring inLine, const 
     return result;
 }
 
-// On a busy machine, about one start in some thousands fails: Wine ends the process before its program begins. Such a
+// On a busy machine, about one start in several thousand fails: Wine ends the process before its program begins. Such a
 // process exits with -1 and no output. No test program ends like that, so the start is repeated.
 constexpr int kStarts = 3;
 

@@ -10,8 +10,8 @@ bool RunsOnEmulator();
 /// elsewhere always.
 bool SystemAcceptsLongPlainPaths();
 
-/// Returns whether the read-only mark keeps this user from writing. The library on Linux refuses every user; Wine lets
-/// the superuser write.
+/// Returns whether the read-only attribute prevents this user from writing. The library on Linux refuses every user;
+/// Wine lets the superuser write.
 bool SystemEnforcesReadOnly();
 
 /// Returns whether the OS calls the progress routine of a copy. Wine 8 does not call the routine.

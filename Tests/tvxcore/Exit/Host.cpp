@@ -1,4 +1,4 @@
-// Ends while threads of its module are working.
+// Exits while its module's threads are working.
 #include "Module.h"
 
 #include <cstring>

@@ -57,8 +57,8 @@ std::size_t SizeOf(std::size_t inIndex)
 }
 
 // Returns only sizes of the allocator's classes. Larger blocks come from the C library. When the process exits, the C
-// library waits for the lock of the system's heap. If Windows has ended a thread that held this lock, the exit blocks
-// before any code of ours runs.
+// library waits for the lock of the system's heap. If Windows has terminated a thread that held this lock, the exit
+// blocks before any code of ours runs.
 std::size_t SmallSizeOf(std::size_t inIndex)
 {
     return 1 + inIndex * 7919 % 16384;

@@ -1,4 +1,4 @@
-// A module of a host that ends while threads are working.
+// A module of a host that exits while threads are working.
 #pragma once
 
 #if defined(_WIN32)
@@ -12,10 +12,10 @@
 #endif
 
 /// Starts executors and repeated functions, and returns when they run. If inIsHeldByStatics, statics of the module hold
-/// the executors and functions, which are then destroyed when the process ends; if not, nothing destroys them.
+/// the executors and functions, which are then destroyed when the process exits; if not, nothing destroys them.
 EXIT_MODULE_API void StartWork(bool inIsHeldByStatics);
 
-/// Starts threads that only allocate and dispose, and returns when they run. At the end of the process a static of the
-/// module allocates and disposes; this static exits with 99 if it gets a null block or a block that is also used
+/// Starts threads that only allocate and dispose, and returns when they run. At process exit a static of the module
+/// allocates and disposes; this static exits with 99 if it gets a null block or a block that is also used
 /// elsewhere.
 EXIT_MODULE_API void StartAllocating();
