@@ -2,7 +2,7 @@
 # cpack -G DEB --config build/demo/CPackConfig.cmake -B build/packages
 set(CPACK_PACKAGE_NAME orlfoundation)
 set(CPACK_PACKAGE_VENDOR "The ORLFoundation developers")
-set(CPACK_PACKAGE_CONTACT "The ORLFoundation developers <developers@orlfoundation.org>")
+set(CPACK_PACKAGE_CONTACT "The ORLFoundation developers <developers@orlfoundation.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_STRIP_FILES ON)
