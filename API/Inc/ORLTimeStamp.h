@@ -26,7 +26,7 @@ public:
     /// Returns the time at which the library was loaded.
     static ORL_API const TimeStamp& GetStartTime();
 
-    /// Return the whole time in the unit of the name. GetElapsedValue also returns milliseconds.
+    /// Return the total time in the unit that the name states. GetElapsedValue also returns milliseconds.
     ORL_API double GetElapsedValue() const;
     ORL_API double GetMilliSeconds() const;
     ORL_API double GetSeconds() const;

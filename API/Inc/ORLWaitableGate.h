@@ -25,7 +25,7 @@ class WaitableGateAlgorithm;
 /// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate;
 ///           no thread may start to wait on it any more.
 /// Threads:  thread-safe. mMutex is a leaf lock.
-/// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time has already run out.
+/// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time times out at once.
 /// Failure:  kWaitTimeout is a result, not an error. Exceptions from boost::mutex and boost::condition_variable
 ///           propagate, thread interruption included.
 /// Example:

@@ -39,9 +39,9 @@ ReadOutcome ReadPEFile(const Bytes& inFile, ResourceIndex& ioIndex);
 /// Adds the resources of a shared object (ELF, 64 bits) from the bytes of its file. Throws std::bad_alloc.
 ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
-/// The location of a .res file in a shared object. For each .res file there is an ELF note with owner "ORL", with the
-/// distance from the note's contents to the .res file, and the size of the .res file. A reader therefore needs no
-/// symbol, neither in the loaded image nor in the file.
+/// The location of a .res file in a shared object. For each .res file there is an ELF note with owner "ORL" that
+/// contains the distance from the note's contents to the .res file and the size of the .res file. A reader therefore
+/// needs no symbol, neither in the loaded image nor in the file.
 struct ResourceNote
 {
     std::size_t mOffset;    // offset of the note's contents in the bytes of the notes

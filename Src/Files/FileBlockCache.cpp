@@ -25,7 +25,7 @@ std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint6
 } // namespace
 
 // Returns the block from the buffer, or else reads it from disk and offers it to the buffer. Even the last block is
-// requested as a whole, and fewer bytes are read; the bytes after the end are never used.
+// requested in full, although fewer bytes are read; the bytes after the end are never used.
 Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlock)
 {
     if (ResultSucceeded(mFileBuffer->GetBlock(inBlockPosition, outBlock)) && outBlock) {

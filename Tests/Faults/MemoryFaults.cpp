@@ -74,8 +74,8 @@ void ToHeap(void* inBlock)
 
 } // namespace
 
-// The C++ heap of this program. Every form of new and delete is replaced, because a sanitizer's forms do not call each
-// other. Over-aligned forms are not watched.
+// The C++ heap of this program. All forms of new and delete except the over-aligned ones are replaced, because a
+// sanitizer's forms do not call each other.
 void* operator new(std::size_t inSize)
 {
     return FromHeapOrThrow(inSize);

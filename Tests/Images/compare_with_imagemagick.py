@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the bitmaps that orl makes of a module's resources with those that ImageMagick reads from the same files.
+"""Compares the bitmaps that orl makes from a module's resources with those that ImageMagick reads from the same files.
 
 compare_with_imagemagick.py ORL CONVERT MODULE DATA_FOLDER
 """

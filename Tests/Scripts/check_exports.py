@@ -3,7 +3,7 @@
 
   check_exports.py elf LIBRARY SONAME HEADERS   every symbol is named in the public headers and has the version SONAME
   check_exports.py pe LIBRARY NAME HEADERS      every symbol is named in the public headers, and the DLL has this name
-  check_exports.py host PROGRAM                 the program repeats no symbol of the libraries except compile-time constants
+  check_exports.py host PROGRAM                 the program defines no library symbol except compile-time constants
 
 HEADERS is the folder of the library's public headers. Exit code 1 if a symbol does not belong there, or if there are none.
 """

@@ -129,7 +129,7 @@ TEST(LibavutilDisagreements, LabelsThatDropFrameLeavesOut_AreReadByDifferentRule
     // labels.
     EXPECT_EQ(1798, PeerStart("00:01:00;00", rate));
     EXPECT_EQ(1800, OurCount("00:01:00;00", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
-    // Frame 1 is reported and counted with libavutil's subtraction.
+    // For frame 1 we report an assertion and subtract the skipped labels, as libavutil does.
     EXPECT_EQ(1799, PeerStart("00:01:00;01", rate));
     EXPECT_EQ(1799, OurCount("00:01:00;01", kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode));
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
