@@ -35,14 +35,26 @@ struct Watch
 };
 
 // The executor's thread frees the record of a start only after the read has been started. By then the read may be
-// complete and its callback may have returned, so the memory of a round is compared only after this wait.
-void WaitUntilTheStartIsFreed(std::int64_t inHeapBefore)
+// complete and its callback may have returned, so the small blocks of a round are counted only after this wait.
+class WaitForFreedStart
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (OutstandingMemory(FaultyAllocator::kHeap) > inHeapBefore && std::chrono::steady_clock::now() < end) {
-        std::this_thread::yield();
+public:
+    WaitForFreedStart() = default;
+
+    ~WaitForFreedStart()
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (OutstandingMemory(FaultyAllocator::kSmallBlocks) > mBefore && std::chrono::steady_clock::now() < end) {
+            std::this_thread::yield();
+        }
     }
-}
+
+    WaitForFreedStart(const WaitForFreedStart&) = delete;
+    WaitForFreedStart& operator=(const WaitForFreedStart&) = delete;
+
+private:
+    const std::int64_t mBefore = OutstandingMemory(FaultyAllocator::kSmallBlocks);
+};
 
 class AsyncReadSweep : public FilesSweep
 {
@@ -68,21 +80,18 @@ protected:
 TEST_F(AsyncReadSweep, OpenReadWaitAndClose)
 {
     SweepReadOnly([this] {
-        const std::int64_t heapBefore = OutstandingMemory(FaultyAllocator::kHeap);
-        {
-            AsyncFileReader reader;
-            if (AsyncFileReader::Open(mClip, reader) != kSuccess) {
-                return;
-            }
-            EXPECT_NE(0u, reader.GetDiskSectorSize());
-            Watch watch;
-            EXPECT_EQ(0, reader.QueueReadRequest(0, kSize, mBuffer, &Watch::OnRead, &watch, nullptr, nullptr));
-            reader.WaitForPendingReads();
-            EXPECT_EQ(1u, watch.mCalls);
-            EXPECT_EQ(kSize, watch.mBytes);
-            EXPECT_EQ(kSuccess, watch.mResult);
-            reader.Close();
+        const WaitForFreedStart wait; // first, so that it ends last, after an exception as well
+        AsyncFileReader reader;
+        if (AsyncFileReader::Open(mClip, reader) != kSuccess) {
+            return;
         }
-        WaitUntilTheStartIsFreed(heapBefore);
+        EXPECT_NE(0u, reader.GetDiskSectorSize());
+        Watch watch;
+        EXPECT_EQ(0, reader.QueueReadRequest(0, kSize, mBuffer, &Watch::OnRead, &watch, nullptr, nullptr));
+        reader.WaitForPendingReads();
+        EXPECT_EQ(1u, watch.mCalls);
+        EXPECT_EQ(kSize, watch.mBytes);
+        EXPECT_EQ(kSuccess, watch.mResult);
+        reader.Close();
     });
 }
