@@ -22,7 +22,7 @@ public:
     PictureDecoder& operator=(const PictureDecoder&) = delete;
 
 private:
-    std::uintptr_t mToken = 0;
+    [[maybe_unused]] std::uintptr_t mToken = 0; // from GDI+
 };
 
 } // namespace orl
