@@ -145,6 +145,35 @@ TEST(ExecutorThread, MadeByALowerOneOfAnOrdinaryUser_StaysAtItsMaker)
     }
 }
 
+// The second thread inherits the level of the first, which the process could raise before it dropped its privileges.
+TEST(ExecutorThread, MadeByAHigherOneOfAnOrdinaryUser_ReturnsToTheProcess)
+{
+    constexpr int kMayNotRaise = 98;
+    const int outcome = InChild([] {
+        const int process = ::getpriority(PRIO_PROCESS, 0);
+        const auto high = CreateAsyncThreadedExecutor("", 1, 4, boost::function<void()>(), boost::function<void()>());
+        int own = -100;
+        int made = -100;
+        high->QueueFunction(
+            [&] {
+                own = ORLTest::LevelOfThisThread();
+                BecomeAnOrdinaryUser();
+                made = LevelInExecutor(5);
+            },
+            0);
+        high->RequestTermination();
+        high->WaitForTermination();
+        if (own == process) {
+            return kMayNotRaise;
+        }
+        return own == process - 5 && made == process ? 0 : 1;
+    });
+    if (outcome == kMayNotRaise) {
+        GTEST_SKIP() << "an ordinary user may not raise a priority";
+    }
+    EXPECT_EQ(0, outcome);
+}
+
 TEST(DisplayAssert, UnderADebugger_ChoosesDebug)
 {
     EXPECT_EQ(0, InChild([] {
