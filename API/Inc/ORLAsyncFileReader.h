@@ -11,10 +11,10 @@ namespace ORL {
 /// Reads one file, bypassing the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
 /// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). The library does not check
-/// this:
-///           the system rejects the read, and its callback receives the failure. The last read of a file also requests
-///           whole sectors, and returns fewer bytes. A read must start before the end of the file. If it does not, it
-///           fails at its start on Linux, and on completion on Windows (see Failure).
+///           this: the system rejects any other read, and its callback receives the failure. The last read of a file
+///           must also request whole sectors, and returns fewer bytes.
+///           A read must start before the end of the file. If it does not, it fails at its start on Linux, and on
+///           completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
 /// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor: one thread at a
 ///           time. The callbacks of all readers in the process run one after another on one library thread, so a slow
@@ -51,7 +51,7 @@ public:
 
     /// Opens a file with a reader that is not open. Other handles may read and write the file while it is open. Returns
     /// kSuccess. Returns -1 if the path is missing, is a directory or cannot be opened. If the sector size cannot be
-    /// determined, returns that failure and leaves the file open. A closed reader may be opened again.
+    /// determined, returns that error and leaves the file open. A closed reader may be opened again.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
     /// Queues one read and returns 0. The outcome is reported only to the callback, which may be null. The calling

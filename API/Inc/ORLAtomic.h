@@ -68,8 +68,8 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicDecrement(T& ioValue)
     return static_cast<T>(__atomic_sub_fetch(&ioValue, T(1), __ATOMIC_SEQ_CST));
 }
 
-/// Returns the current value. The read is a compare-and-set of 17 to 17, which changes nothing but is a full barrier.
-/// The read acquires the cache line exclusively, so it costs as much as a write.
+/// Returns the current value. The read is a compare-and-set that replaces 17 by 17: it changes nothing, but is a full
+/// barrier. It acquires the cache line exclusively, so it costs as much as a write.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)
 {
@@ -99,7 +99,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicExchange(T& ioTarget, Internal::Plai
     return __atomic_exchange_n(&ioTarget, inNew, __ATOMIC_SEQ_CST);
 }
 
-/// Returns the current pointer, by the same compare-and-set of 17 as AtomicRead.
+/// Returns the current pointer. Reads it with the same kind of compare-and-set as AtomicRead.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T* AtomicReadPtr(T*& ioValue)
 {

@@ -53,7 +53,7 @@ public:
     /// Removes all names.
     void Clear();
 
-    /// Returns the pair of kPerformanceTag and "True". Adds nothing: the caller adds the pair to mark a run.
+    /// Returns the pair of kPerformanceTag and "True", which a caller adds to mark a performance test. Adds nothing.
     Result SpecifyPerformanceTest();
 
 private:

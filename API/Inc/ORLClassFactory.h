@@ -29,7 +29,7 @@ struct ClassMapEntry
 
 /// The process's registry of classes and categories.
 ///
-/// Nothing is ever unregistered, so a module that has registered a class stays loaded.
+/// Nothing is ever unregistered, so a module that has registered a class must stay loaded.
 /// Owner:    the process. The caller owns the texts of a registration.
 /// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
 ///           created from any thread.

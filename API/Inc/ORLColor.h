@@ -72,7 +72,7 @@ ORL_API void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned ch
 /// and clamped to 0..255. Returns whether at least one channel needed no clamp; false only if all three did.
 ORL_API bool ColorYUVtoRGB(unsigned char inY, char inU, char inV, ParamColor<unsigned long>& outColor);
 
-/// The formulas of ColorYUVtoRGB in float, for Y from 0 to 255 and U and V about 0. Each channel is rounded, ties away
+/// The formulas of ColorYUVtoRGB in float, for Y from 0 to 255 and U and V around 0. Each channel is rounded, ties away
 /// from zero, and clamped to 0..255; a channel that is not a number becomes 0.
 ORL_API void ColorYUVtoRGBf(float inY, float inU, float inV, ParamColor<unsigned long>& outColor);
 
@@ -84,7 +84,7 @@ ORL_API void ColorRGBToYPbPr(float inR, float inG, float inB, float& outY, float
 /// R = 1.402 Pr + Y, G = Y - 0.344136 Pb - 0.714136 Pr, B = 1.772 Pb + Y. Nothing is clamped.
 ORL_API void ColorYPbPrToRGB(float inY, float inPb, float inPr, float& outR, float& outG, float& outB);
 
-/// Y stays; I = -0.544639 Pb + 0.838671 Pr, Q = 0.544639 Pr + 0.838671 Pb.
+/// Y is copied; I = -0.544639 Pb + 0.838671 Pr, Q = 0.544639 Pr + 0.838671 Pb.
 ORL_API void ColorYPbPrToYIQ(float inY, float inPb, float inPr, float& outY, float& outI, float& outQ);
 
 /// Stores the angle of the chroma vector, counted from red, as a fraction of the full circle: 0 to 1. Without chroma
@@ -96,7 +96,7 @@ ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
 // Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of the two colour differences,
-// as modulated on the carrier. The millivolt forms multiply both by 7.142857.
+// scaled as on the subcarrier. The millivolt forms multiply both by 7.142857.
 
 /// The colour differences are 0.614975 R - 0.514965 G - 0.10001 B and -0.147141 R - 0.288869 G + 0.43601 B.
 ORL_API void ColorRGBToIRE(float inR, float inG, float inB, float& outLuma, float& outChroma);
@@ -137,7 +137,7 @@ ORL_API void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned in
                            unsigned int& outL, bool* outHasHue, bool* outHasSaturation);
 
 /// Same as the normalised forms, with hue divided by 360 and the others by 100. Each channel is rounded and its low 8
-/// bits are stored. Hue 360 is hue 0 for HSV and black for HSL; a hue above 360 is black unless an HSV saturation is 0.
+/// bits are stored. Hue 360 is hue 0 in HSV but black in HSL; a larger hue is black, except in HSV with saturation 0.
 ORL_API void ColorHSVtoRGB(unsigned int inH, unsigned int inS, unsigned int inV, ParamColor<unsigned long>& outColor);
 ORL_API void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor);
 

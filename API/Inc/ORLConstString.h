@@ -110,8 +110,8 @@ protected:
 private:
     using Shared = ConstStringShared<String>;
 
-    // The library exports these four functions. All other members are compiled into the caller: explicit instantiation
-    // of the whole class would take its inline functions from a library that may not export them.
+    // The library exports these four functions. All other members are compiled into the caller: if the whole class were
+    // explicitly instantiated, callers would link to its inline functions, which the library may not export.
     static ORL_API Shared* MakeShared(const Unit* inText);
     static ORL_API Shared* MakeShared(String&& ioText);
     static ORL_API void Destroy(Shared* inShared);

@@ -31,8 +31,8 @@ ORL_API bool IsValidAddressRange(const void* inBegin, const void* inEnd, bool in
 
 namespace Debug {
 
-/// The ignore flag of one assertion site. Two threads may both report one failing site: the flag is tested and set
-/// without a lock on purpose.
+/// The ignore flag of one assertion site. The flag is deliberately tested and set without a lock, so two threads may
+/// both report the same site.
 using IgnoreFlag = std::atomic<bool>;
 
 /// Reports a failed assertion and stores whether the user chose to ignore the site. Returns true to request a

@@ -72,12 +72,12 @@ public:
     /// Creates the directory and its missing parents. Succeeds if it exists. The bool is ignored.
     static Result CreateOnDisk(const UTF16String& inPath, bool);
 
-    /// Removes an empty directory. Returns kSharingViolation while another handle that does not share deletion has it
-    /// open.
+    /// Removes an empty directory. Returns kSharingViolation while the directory is open in another handle that does
+    /// not share deletion.
     static Result Delete(const UTF16String& inPath);
 
-    // Whole trees. Each of the three stops with kGeneralFailure at the first entry that fails; work done before is not
-    // undone. A file that another handle has open without sharing the operation is such an entry.
+    // Whole trees. Each of the three stops with kGeneralFailure at the first entry that fails, such as a file that is
+    // open in another handle that does not share the operation. Work done before is not undone.
 
     /// Removes a directory with all its contents.
     static Result DeleteNotEmpty(const UTF16String& inPath);

@@ -79,9 +79,9 @@ namespace Foundation {
 ///
 /// Throws what a failing service throws: std::bad_alloc, boost::thread_resource_error, TVXException. The library is
 /// then not started, and no Terminate is required. The services that had started stay started, and the next start
-/// starts them again. Only ThreadManager::RegisterMainThread rejects a second start, with input contract 25, which a
-/// host with an installed TVXErrorManager receives as a TVXException. Such a host undoes the registration before it
-/// retries:
+/// starts them again. Of these only ThreadManager::RegisterMainThread rejects a second start: it fires an input
+/// contract, which throws TVXException if a TVXErrorManager is installed. A host that has installed one undoes the
+/// registration before it retries:
 ///
 ///   try {
 ///       ORL::Foundation::Initialize();

@@ -33,8 +33,8 @@ namespace Internal {
 /// does nothing, so a static lock works before the first constructor and after the last destructor.
 ///
 /// Testing for recursion before trying to lock adds a third to the cost of an uncontended lock and unlock, since the
-/// load must wait for the atomic operation before it. So only a lock that was recently locked recursively is tested
-/// first; any other is tested after a try-lock has failed.
+/// load of the owner must wait for the preceding atomic operation. So only a lock that was recently locked recursively
+/// is tested first; any other is tested after a try-lock has failed.
 ///
 /// The fast paths are inline, since a call into the library costs more than they do.
 class PlatformLock
@@ -86,15 +86,15 @@ public:
     }
 
 private:
-    // This bit of mWord, next to the owner, is set if a thread may be asleep. Thread control blocks are aligned, so
-    // their bit 0 is free.
+    // This bit of mWord, which also holds the owner, is set if a thread may be asleep. Thread control blocks are
+    // aligned, so bit 0 of their addresses is free.
     static constexpr std::uintptr_t kSleepers = 1;
 
     // Number of lock operations, after a recursive one, that test for recursion first.
     static constexpr std::uint32_t kOwnerChecks = 8;
 
-    // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. A
-    // forked child keeps the address of its thread, so it still owns the locks that this thread owned.
+    // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. In
+    // a forked child it is the address of the forking thread, so the child still owns the locks of that thread.
     static std::uintptr_t ThisThread()
     {
         std::uintptr_t word;
@@ -104,7 +104,7 @@ private:
 
     std::uintptr_t Holder() const { return mWord.load(std::memory_order_relaxed) & ~kSleepers; }
 
-    // The sanitizer must be notified before each acquisition, except a recursive one.
+    // Always true under the sanitizer, which must be notified before each acquisition that is not recursive.
     bool ChecksOwnerFirst() const { return ORL_THREAD_SANITIZER || mOwnerChecks.load(std::memory_order_relaxed) != 0; }
 
     // Locks recursively if the thread is the owner. Returns whether the thread is the owner.

@@ -23,15 +23,15 @@ enum Type : int {
 
 } // namespace ProcessSearchFlags
 
-/// Returns whether one of the first 1024 processes that the system lists has an executable with that name. The name is
-/// that of the file without its folder, extension included. Processes that this user has no permission to query are
+/// Returns whether one of the first 1024 processes that the system lists has an executable whose name matches. The name
+/// is that of the file without its folder, extension included. Processes that this user has no permission to query are
 /// skipped.
 ///
 /// On Windows each call that returns true leaks one handle to the process found, until this process exits.
 /// On Linux: processes are listed from /proc as this user sees it, by ascending identifier. The name is that of the
 ///           file that the exe link points to, as a library path, even if the file was deleted. If the link is not
-///           readable, the name is the first word of the command line without its folder, a login shell's "-", and text
-///           after ": ", which some processes use for their state. Kernel threads have no name.
+///           readable, the name is the first word of the command line, minus its folder, the "-" of a login shell and
+///           any text after ": ", where some processes show their state. Kernel threads have no name.
 ORL_API bool IsProcessRunning(const UTF16String& inName, ProcessSearchFlags::Type inFlags);
 
 /// Does nothing and returns false.

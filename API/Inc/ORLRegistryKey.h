@@ -54,7 +54,7 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 ///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
 /// Failure:  operations return kRegistryFailure unless stated otherwise, and always on a closed key. Constructors and
 ///           functions with a string or vector throw std::bad_alloc.
-/// On Linux: the store is one database for each root (see Docs/settings.md). A child of fork can use the store.
+/// On Linux: the store is one database for each root (see Docs/settings.md). A forked child can use the store.
 class ORL_API RegistryKey
 {
 public:
@@ -131,13 +131,13 @@ public:
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
     /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. The path of such a
-    /// key is only its name. A failure ends the listing without a report.
+    /// key is only its name. A failure ends the enumeration and is not reported.
     void EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const;
 
     /// Returns the path passed to the last Open or Create, even if that failed.
     UTF16String GetParentKeyPath() const;
 
-    /// Returns the same whole path as GetParentKeyPath.
+    /// Despite its name, returns the whole path, as GetParentKeyPath does.
     UTF16String GetParentKeyPathLastPart() const;
 
 private:

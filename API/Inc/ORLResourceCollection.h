@@ -50,11 +50,11 @@ public:
     /// unit.
     virtual void* LoadResource(short inID, const UTF16String& inType, int& outSize) const = 0;
 
-    /// Finds the first resource of a type, in the current language if it exists in that language. Strings precede
-    /// numbers. Returns null with outSize 0 if there is no resource of the type.
+    /// Finds the first resource of a type, in the current language if it exists in that language. Names that are
+    /// strings precede numbers. Returns null with outSize 0 if there is no resource of the type.
     virtual void* LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const = 0;
 
-    /// Releases data that a lookup returned. Callers must release all data, although Module does nothing.
+    /// Releases data that a lookup returned. Callers must release all data, although in Module this does nothing.
     virtual void ReleaseResource(void* inData) const = 0;
 
     /// Loads the picture inID: if there is a resource of type "PNG" with this number, decodes it and flips it

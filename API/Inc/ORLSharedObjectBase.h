@@ -7,8 +7,8 @@
 
 namespace ORL {
 
-/// Hands out 64 recursive locks in rotation. An object keeps its lock for life, and many objects share each lock. Two
-/// objects may have the same lock, and locking two objects follows no lock order.
+/// Hands out 64 recursive locks in rotation. An object keeps its lock for life. Many objects share each lock, so two
+/// objects may have the same one; no lock order is defined between the locks of two objects.
 ///
 /// Owner:    the library owns the locks.
 /// Threads:  thread-safe.

@@ -1,6 +1,6 @@
 // Floor: System
 // Conversions between 16-bit text and narrow text in a Windows code page, for older Windows files and functions.
-// Everywhere else narrow text is UTF-8: see ORLString.h. The two must not be mixed.
+// Everywhere else narrow text is UTF-8: see ORLString.h. Do not mix the two encodings.
 //
 // The code page follows the language of the process (ORLHostSettings.h): 932 for Japanese, 949 for Korean, and the
 // system's default page for all others. Results are byte for byte those of Windows on every platform:

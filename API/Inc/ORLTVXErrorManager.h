@@ -56,10 +56,10 @@ public:
                     const tvxcore::config::ReplacementValue& inFourth) const override;
 
     /// Runs the function and returns its result. Exceptions do not propagate: the user is alerted, and the result is 1
-    /// if the user chose to debug (after a breakpoint trap if a debugger is attached), else 0, which a function may
-    /// return too. If the user chooses to ignore the alert for good, it is not shown again in this process: this is
-    /// stored once for all std::exceptions and once for all other exceptions. An empty function is treated as if it
-    /// threw boost::bad_function_call.
+    /// if the user chose to debug (after a breakpoint trap if a debugger is attached), else 0. The function may return
+    /// the same values. If the user chooses to ignore the alert for good, it is not shown again in this process; this
+    /// choice is stored once for all std::exceptions and once for all other exceptions. An empty function is treated as
+    /// if it threw boost::bad_function_call.
     long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction) override;
 };
 

@@ -19,9 +19,9 @@
 
 namespace ORL {
 
-/// The priority of a queue's threads, from 0 to 5; each is the thread priority of the same number. Any other number is
-/// treated as 3, the process's own priority. On Linux, for a user without the right to raise priorities, 4 and 5 are 3,
-/// and queues created on a thread of lower priority keep that priority.
+/// The priority of a queue's threads, from 0, the lowest, to 5, the highest. Any other number is treated as 3, the
+/// process's own priority. On Linux, for a user without the right to raise priorities, 4 and 5 act as 3, and queues
+/// created on a thread of lower priority keep that priority.
 struct ThreadPriorities
 {
     using Type = int;

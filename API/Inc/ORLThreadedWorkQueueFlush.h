@@ -22,8 +22,8 @@ template <class Policy>
 class WorkQueueFlushAlgorithm;
 } // namespace Sync
 
-/// Queues one item for each thread of the queue; each item blocks its thread until all have arrived. Until then no
-/// thread of the queue runs other requests.
+/// Queues one item for each thread of the queue; each item blocks its thread until all have arrived. Until then the
+/// queue starts no request that was queued after the items.
 ///
 /// Owner:    counted references. A caller must hold one while it uses the object: the queued items are references too,
 ///           and the last release deletes the object.

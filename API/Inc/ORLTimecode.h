@@ -45,8 +45,8 @@ public:
         /// its hours field is 23 minus the hours.
         bool mShowSign = false;
 
-        /// The stored and displayed time is one frame before the public time, so that a position is displayed as the
-        /// last frame before it.
+        /// The stored and displayed time is one frame before the public time (SetTime and GetTime), so that a position
+        /// is displayed as the last frame before it.
         bool mPreviousFrame = false;
     };
 
