@@ -44,7 +44,7 @@ std::string HelpHint(const std::string& inCommand)
     return " (see " + inCommand + " --help)";
 }
 
-// Replaces the parser's message, which only reports that a command is missing.
+// Throws Failure for an unknown command: the parser would only report that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments)
 {
     const CLI::App* program = &inProgram;

@@ -72,7 +72,7 @@ void Run(const Options& inOptions)
     const ColourOutput output;
     if (output.ShowsColours()) {
         PrintPatch(colour);
-        std::cout.flush(); // must precede the destructor, which restores the console mode
+        std::cout.flush(); // before the destructor of output restores the console mode
     }
     PrintText(colour, inOptions.mTo);
 }

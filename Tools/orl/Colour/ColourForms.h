@@ -18,8 +18,8 @@ const std::vector<std::string>& ColourFormNames();
 std::optional<ColourForm> ColourFormOf(const std::string& inName);
 
 /// Parses a colour. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for rgb,
-/// degrees and percentages for hsl and hsv, a byte and two signed bytes for yuv, 0 to 1 and twice -0.5 to 0.5 for
-/// ypbpr. Throws Failure with exit code 2 if the text cannot be parsed.
+/// degrees and percentages for hsl and hsv, a byte and two signed bytes for yuv, a number from 0 to 1 and two
+/// from -0.5 to 0.5 for ypbpr. Throws Failure with exit code 2 if the text cannot be parsed.
 ORL::ParamColor<unsigned long> ReadColour(const std::string& inText, ColourForm inForm);
 
 /// Returns the numbers of a colour in a form, as text: "255 128 0", "30 100 50".

@@ -24,7 +24,7 @@ private:
     [[maybe_unused]] unsigned int mEarlierCodePage; // code page of the Windows console, restored at the end
 };
 
-/// Switches standard output to binary mode.
+/// Switches standard output to binary mode without flushing it. On Linux does nothing.
 void WriteBytesToOutput();
 
 /// Returns whether standard output is a terminal, not a file or pipe.
@@ -33,7 +33,7 @@ bool OutputIsTerminal();
 /// Returns the current columns of the terminal on standard output: 80 if unknown, and at least 2.
 std::size_t TerminalColumns();
 
-/// Switches standard output to binary mode: Windows would write CR LF for LF.
+/// Flushes standard output and switches it to binary mode: Windows would write CR LF for LF. On Linux does nothing.
 void MakeOutputBinary();
 
 /// While an instance exists, standard output shows colours if it is a terminal that supports their escape sequences and

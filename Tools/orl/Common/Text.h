@@ -22,7 +22,7 @@ std::string JsonQuoted(const std::string& inText);
 /// Returns the host path of a library path, or the library path itself if no drive contains it.
 std::string HostTextOf(const UTF16String& inPath);
 
-/// Joins a name to a folder, in the style in which the folder is written.
+/// Joins a folder and a name with a backslash if the folder contains one, otherwise with "/".
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
 /// Replaces each control character with "?", so that a string stays on its line and cannot control the terminal.

@@ -194,9 +194,9 @@ private:
         return mCompleted.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
     }
 
-    // If the OS does not reject a read beyond the end at its start, the read fails on completion and is never reported.
-    // Checking the size avoids waiting for the whole timeout. The query runs on its own thread, because a
-    // disconnected disk may not answer the query either.
+    // A read beyond the end that the OS accepts fails on completion, and its callback never runs. Checking the size
+    // avoids waiting for the whole timeout. The query runs on its own thread, because a disconnected disk may not
+    // answer the query either.
     void CheckNotTruncated()
     {
         const std::uint64_t size = mQueriedSize != nullptr ? mQueriedSize->load() : kWhole;

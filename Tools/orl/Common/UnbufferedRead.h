@@ -12,7 +12,7 @@
 
 namespace orl {
 
-/// Thrown when the disk stops answering. A read that is started and never reported blocks all reads in the process, and
+/// Thrown when the disk stops answering. A started read whose callback never runs blocks all reads in the process, and
 /// the file stays open. The process should end without stopping the library, because the stop might wait for the disk.
 class NoAnswer : public Failure
 {

@@ -133,7 +133,7 @@ private:
         return mFormat == kPcm || mFormat == kFloat || mFormat == kALaw || mFormat == kMuLaw;
     }
 
-    // Returns the length as soon as the chunks so far determine it.
+    // Returns the length once the chunks read so far determine it.
     std::optional<WavLength> FoundLength() const
     {
         if (!mData || mSamplesPerSecond == 0) {
@@ -159,7 +159,7 @@ private:
     std::uint32_t mBytesPerBlock = 0; // bytes of all channels together
     std::uint64_t mLongSize = 0;
     std::uint64_t mLongSamples = 0;
-    std::uint64_t mStatedSamples = 0; // samples per channel; 0 if no chunk contains the number
+    std::uint64_t mStatedSamples = 0; // samples per channel, from the "fact" chunk; 0 without one
     std::optional<Data> mData;
 };
 

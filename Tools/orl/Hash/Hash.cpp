@@ -31,7 +31,7 @@ Failure CannotRead(const std::string& inFile, ORL::Result inResult)
                    + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
 }
 
-// Fills a block; returns fewer bytes at the end of the file.
+// Fills a block and returns its size in bytes, which is less than kBlockSize only at the end of the file.
 unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector<unsigned char>& outBlock)
 {
     unsigned int filled = 0;

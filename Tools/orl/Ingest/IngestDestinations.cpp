@@ -59,9 +59,9 @@ public:
     }
 
 private:
-    // The check against the source comes first, so that not even the record is written inside the source. Leftovers of
-    // earlier runs are deleted before the free space is checked. Until every check has passed, only the record is
-    // written.
+    // First checks that the destination lies outside the source, so that not even the record is written inside the
+    // source. Leftovers of earlier runs are deleted before the free space is checked. Until every check has passed,
+    // only the record is written.
     void Begin(std::size_t inIndex, const IngestListing& inListing)
     {
         IngestDestination& destination = mDestinations[inIndex];

@@ -14,7 +14,7 @@ struct IngestDestination
 {
     IngestRoots mRoots;
     IngestPlan mPlan;
-    IngestOutcome mOutcome; // the rows of the outcome point into the plan
+    IngestOutcome mOutcome; // its rows point to the items of mPlan
 };
 
 /// The callbacks of an ingest.
@@ -22,8 +22,8 @@ struct IngestWatcher
 {
     std::function<bool()> mIsStopped; // polled on any thread
 
-    // Called on the caller's thread: mOnPlanned once before the first file, then mShow ten times a second. Sums over
-    // all destinations.
+    // Called on the caller's thread: mOnPlanned once before the first file, then mShow ten times a second. The
+    // arguments are sums over all destinations.
     std::function<void(std::uint64_t inBytesToRead, std::size_t inFiles)> mOnPlanned = {}; // may be empty
     std::function<void(std::uint64_t inBytesPassed, std::size_t inFilesDone)> mShow;
 

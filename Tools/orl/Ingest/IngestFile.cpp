@@ -170,7 +170,7 @@ private:
         CheckUnchanged(outFile);
     }
 
-    // A program that writes to the source changes its size or its time.
+    // A program that writes to the source file changes the file's size or last-write time.
     void CheckUnchanged(const File& inSource) const
     {
         unsigned __int64 time = 0;
@@ -352,7 +352,7 @@ private:
                             kExitFailure, FailureScope::kFile);
     }
 
-    // If the volume was unmounted, a file would be written to the disk that holds the mount point.
+    // Once the volume is unmounted, further files would be written to the disk that holds the mount point.
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {

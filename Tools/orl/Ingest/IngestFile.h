@@ -39,7 +39,7 @@ struct IngestContext
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty
 };
 
-/// The files that a failure concerns: a full disk or a missing card also makes the other files fail.
+/// Whether a failure concerns one file or the whole run: a full disk or a missing card makes the other files fail too.
 enum class FailureScope { kFile, kRun };
 
 /// Thrown when a file cannot be ingested. The temporary file has been removed, or remains in the record for a later run

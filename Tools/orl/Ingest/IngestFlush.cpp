@@ -13,7 +13,7 @@ constexpr std::size_t kManyFiles = 64;
 
 using Leaves = std::vector<std::string>;
 
-// Maps each folder on the way to a file, and the file's own folder, to the files in it.
+// Maps each folder to the listed files directly in it; includes parent folders without any listed file.
 std::map<std::string, Leaves> ByFolder(const std::vector<std::string>& inNames)
 {
     std::map<std::string, Leaves> folders;

@@ -8,8 +8,8 @@
 
 namespace orl {
 
-/// Waits until files that were passed to PrepareSync are on disk, with their names and all folders from the destination
-/// down to them, on whatever volumes they are. Returns false if the system reports an error.
+/// Waits until the files, their names and all folders from the destination down to them are on disk, whichever volumes
+/// they are on. Each file must have been passed to PrepareSync. Returns false if the system reports an error.
 bool FlushGroup(const IngestRoots& inRoots, const std::vector<std::string>& inNames);
 
 } // namespace orl

@@ -13,7 +13,7 @@ namespace orl {
 
 struct IngestPreview
 {
-    std::vector<std::vector<std::string>> mNamesAlike; // each group would be one file on a case-insensitive volume
+    std::vector<std::vector<std::string>> mNamesAlike; // groups of names that are equal on a case-insensitive volume
     std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes of leftovers that a run would delete first, by volume
 };
 

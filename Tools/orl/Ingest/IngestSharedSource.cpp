@@ -105,7 +105,7 @@ struct SharedSource::State
     std::mutex mMutex; // guards all members below, and the files
     std::condition_variable mChanged;
     std::uint64_t mBytesKept = 0;
-    std::map<std::string, std::set<std::size_t>> mWanted; // per file, the destinations that have not started it
+    std::map<std::string, std::set<std::size_t>> mWanted; // per file, the destinations that have not begun to read it
     std::map<std::string, FilePtr> mFiles;                // being read
 };
 
@@ -246,7 +246,7 @@ struct SharedReading::Impl
         return block;
     }
 
-    /// True while another destination reads, or while the memory limit is reached and another destination is behind.
+    /// True while another destination is reading, or if the memory limit is reached and another destination is slower.
     bool MustWait()
     {
         return mFile->mIsReading

@@ -34,7 +34,7 @@ public:
     /// Registers that a destination will read a file. Call before the first reading begins.
     void RegisterReader(std::size_t inDestination, const std::string& inName);
 
-    /// Registers that the destination will not read that file, or any file: no more blocks are kept for it.
+    /// Cancels the registration for one file, or for all files: no more blocks are kept for the destination.
     void UnregisterReader(std::size_t inDestination, const std::string& inName);
     void UnregisterDestination(std::size_t inDestination);
 

@@ -47,8 +47,8 @@ enum class Links { kFollow, kNoFollow };
 /// on several threads at once. Each operation returns kSuccess or the result for the system's error.
 ///
 /// On Linux the object holds a descriptor, so renaming a parent folder does not affect it and path length is not
-/// limited. On Windows the object keeps the extended path, limited to 32767 units; callers detect an exchanged folder
-/// by its identity.
+/// limited. On Windows the object keeps the extended path, limited to 32767 units; callers detect a replaced folder
+/// by comparing its identity.
 class HeldFolder
 {
 public:

@@ -116,7 +116,7 @@ ORL::Result QueryStatus(const std::wstring& inPath, Links inLinks, EntryStatus& 
 
 } // namespace
 
-// Keeps the extended path, which may have 32767 units. Callers detect an exchanged folder on the way by its identity.
+// Keeps the extended path, up to 32767 units. Callers detect a replaced folder by comparing its identity.
 struct HeldFolder::State
 {
     std::wstring mPath; // has no trailing separator, except for the root of a volume
@@ -184,7 +184,7 @@ ORL::Result HeldFolder::List(std::vector<std::string>& outNames) const
     if (listing == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();
         return error == ERROR_FILE_NOT_FOUND ? ORL::kSuccess
-                                             : ResultOf(error); // the root of a volume without any entries
+                                             : ResultOf(error); // an empty root folder, which lacks even "."
     }
     do {
         if (!IsDotEntry(entry.cFileName)) {
@@ -221,7 +221,7 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(::RemoveDirectoryW(mState->PathOf(inName).c_str()));
 }
 
-// File systems that refuse the flush keep name changes in a journal or write them through.
+// Best effort: if the file system rejects the flush, name changes rely on its journal or on write-through renames.
 ORL::Result HeldFolder::Sync() const
 {
     const Handle folder(mState->mPath, GENERIC_WRITE, FILE_FLAG_BACKUP_SEMANTICS);

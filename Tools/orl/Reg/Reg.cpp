@@ -82,7 +82,7 @@ ORL::RegistryValue ReadValue(const std::string& inCommand, const Options& inOpti
     return value;
 }
 
-// The system finds a value without regard to case and does not report the name that it is stored with.
+// Returns the name of a value as stored: the system finds values case-insensitively and does not report that name.
 UTF16String StoredNameOf(const std::string& inCommand, const RegKeyName& inKey, const UTF16String& inName)
 {
     const UTF16String folded = tvxcore::utility::FoldCase(inName);

@@ -42,7 +42,7 @@ std::string FormatSize(const Parameters& inParameters)
     return words.empty() ? "none" : words;
 }
 
-// Each translated resource by its displayed name, and the parameters of its text in each language.
+// Maps the displayed name of each translated resource to the parameters of its text in each language.
 class Translations
 {
 public:

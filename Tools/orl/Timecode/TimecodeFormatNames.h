@@ -1,4 +1,4 @@
-// The timecode formats by their names on the command line, and other settings of an answer.
+// Finds timecode formats by their command-line names, and declares the settings for reading and writing labels.
 #pragma once
 
 #include <ORLTimecode.h>
@@ -13,7 +13,7 @@ struct TimecodeFormat
 {
     const char* mName;
     tvxmediatypes::TimeDisplay mDisplay;
-    tvxmediatypes::FrameRate mRate; // the format's own rate, or the default
+    tvxmediatypes::FrameRate mRate; // the format's own rate, or the default if it has none
     bool mHasOwnRate;
     const char* mUnit; // what the last field counts
     const char* mAbout;

@@ -38,7 +38,7 @@ std::string ParseErrorText(const std::string& inText, std::size_t inStop)
     return JsonQuoted(inText.substr(inStop, end - inStop)) + " does not fit here";
 }
 
-// Returns all digits of the text as one number, which is at least as large as each number in it.
+// Returns all digits of the text joined into one number, an upper bound for each number in the text.
 double AllDigits(const std::string& inText)
 {
     double number = 0;
@@ -56,7 +56,7 @@ void CheckCount(double inCount, const FrameRate& inRate, std::size_t inWhere)
     }
 }
 
-// Checks the number of digits, because the library accepts any number of digits and the value wraps around.
+// Rejects numbers with too many digits: the library accepts any number of digits and lets the value wrap around.
 void CheckFields(const std::string& inText)
 {
     constexpr std::size_t kMaxDigitsOfField = 9;
@@ -189,7 +189,7 @@ Reading ReadLabel(const std::string& inText, const TimecodeSettings& inSettings)
     const UTF16String text = ToUTF16(inText);
     const std::size_t stop = ORL::Timecode::FindUnreadable(text, display);
     if (stop != UTF16String::npos) {
-        // The text before the stop position is ASCII, so units, characters and bytes have the same count.
+        // The text before the stop position is ASCII, so its UTF-16 units, characters and bytes are equally many.
         throw Unreadable(ParseErrorText(inText, stop), stop);
     }
     CheckNumbers(inText, inSettings);

@@ -13,8 +13,8 @@ using namespace tvxmediatypes;
 
 namespace {
 
-// The moment half a second after 01:02:03. The labels of the formats differ in their last field, and in their seconds
-// if labels and real time drift apart.
+// Half a second after 01:02:03. The labels that the formats show for this time differ in the last field, and in the
+// seconds if a format's labels drift from real time.
 constexpr double kSampleSeconds = 3723.5;
 
 struct Row
@@ -43,7 +43,7 @@ std::string SeparatorsIn(const std::string& inLabel)
     return separators;
 }
 
-// Returns the number of frames in a day: between two labels if the format has hours, otherwise in 86400 seconds.
+// Returns the frames in a day: from label 00:00:00:00 to the next one if labels have hours, else in 86400 seconds.
 // Doubles the frames of half a day, because the library wraps times beyond one day.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {

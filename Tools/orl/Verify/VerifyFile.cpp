@@ -58,7 +58,7 @@ private:
         return ORL::ResultSucceeded(result);
     }
 
-    // The list contains neither sizes nor times, but it identifies empty files, and is newer than the files in it.
+    // The list has neither sizes nor times: compares only whether the file is empty, and its time with the list's.
     void CompareStatus()
     {
         const bool wasEmpty = mFile.mListed == kDigestOfNothing;
@@ -112,7 +112,7 @@ private:
         }
     }
 
-    // A file that changed is not compared: neither its earlier nor its present contents were read.
+    // If the file changed while it was read, sets its state and returns false: the digest may mix old and new contents.
     bool IsStillTheSame()
     {
         EntryStatus after;
@@ -130,7 +130,7 @@ private:
         return false;
     }
 
-    // A buffered open reports the reason of the failure, which an unbuffered open does not.
+    // A buffered open reports the reason for the failure, which an unbuffered open does not.
     std::string WhyUnreadable() const
     {
         ORL::File file;

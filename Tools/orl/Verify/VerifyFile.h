@@ -20,8 +20,8 @@ struct VerifyContext
     std::function<void(const std::string& inName, std::size_t inBytes)> mPass;
 };
 
-/// Sets the state of a file and its related members. outIdentity receives the identity of the file, if it exists.
-/// Throws NoAnswer, and the exceptions of mPass.
+/// Sets mState, mSize, mDigest and mReason of a file. outIdentity receives the identity of the file, if it exists.
+/// Throws NoAnswer, and whatever mPass throws.
 void VerifyFile(VerifiedFile& ioFile, const VerifyContext& inContext, EntryIdentity& outIdentity);
 
 } // namespace orl

@@ -27,12 +27,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kTick(100);
 
-/// Stops the work on a file; the file stays unchecked.
+/// Thrown to stop the work on a file; the file stays unchecked.
 struct Stopped
 {
 };
 
-// Replaces the command in a message: the code that lists folders is that of ingest.
+// Replaces "ingest: " in a message with "verify: ": the code that lists folders belongs to ingest.
 std::string OfVerify(const std::string& inText)
 {
     constexpr char kIngest[] = "ingest: ";
@@ -40,7 +40,7 @@ std::string OfVerify(const std::string& inText)
     return inText.compare(0, length, kIngest) == 0 ? "verify: " + inText.substr(length) : inText;
 }
 
-/// Returns the folder as both roots of an ingest that only reads.
+/// Returns ingest roots with the folder as both source and destination; they are used only for reading.
 IngestRoots RootsOf(const std::string& inFolder)
 {
     IngestRoots roots;

@@ -116,7 +116,7 @@ private:
     VerifyList mList;
 };
 
-// On Windows a part may contain a drive and separators of its own.
+// Returns whether a part is a single component: on Windows it may contain a drive or further separators.
 bool IsOneName(const std::string& inPart)
 {
     const fs::path part = fs::u8path(inPart);

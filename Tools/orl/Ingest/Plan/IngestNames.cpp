@@ -15,7 +15,7 @@ namespace orl {
 
 namespace {
 
-/// A temporary folder on the destination's volume, in which names are tried.
+/// Tests whether the destination's volume treats two names as equal, by creating both in a temporary folder.
 class NameProbe
 {
 public:

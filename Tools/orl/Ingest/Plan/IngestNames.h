@@ -14,9 +14,9 @@ namespace orl {
 /// Returns groups of names that differ only in case.
 std::vector<std::vector<std::string>> FindNamesAlike(const std::vector<ListedFile>& inFiles);
 
-/// Returns the files whose name at the destination would be that of another file: for each such name, all files but the
-/// first. Considers only names that differ only in case. Creates a temporary folder on the destination's volume and
-/// tries the names there.
+/// Returns the files whose names the destination's volume treats as equal to an earlier file's name. Compares only
+/// names that differ only in case. Tests them in a temporary folder that it creates on the destination's volume, and
+/// then deletes.
 std::set<std::string> FindCollisions(const std::vector<ListedFile>& inFiles, const IngestRoots& inRoots,
                                      IngestRecord* ioRecord);
 

@@ -20,7 +20,7 @@ struct PlannedFolder
     enum State { kExists, kToBeCreated, kRefused };
 
     State mState = kRefused;
-    std::size_t mVolume = 0; // index in the plan's list
+    std::size_t mVolume = 0; // index in IngestPlan::mVolumes
 };
 
 class Planner
@@ -250,12 +250,12 @@ private:
     IngestListing mListing;
     IngestPlan mPlan;
     std::map<std::string, PlannedFolder> mPlannedFolders; // key: name of the folder
-    std::map<std::uint64_t, std::size_t> mVolumes;        // maps a volume to its index in the plan's list
+    std::map<std::uint64_t, std::size_t> mVolumes;        // maps a volume to its index in mPlan.mVolumes
     HeldFolder mOpened;
     std::string mOpenedName;
 };
 
-/// A folder on a volume of the destination, and its library path.
+/// Holds the folder on a volume for which the free space is queried, and the folder's library path.
 struct Measured
 {
     Measured(const IngestVolume& inVolume, const IngestRoots& inRoots)

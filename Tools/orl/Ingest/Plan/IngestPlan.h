@@ -17,7 +17,7 @@
 
 namespace orl {
 
-/// The reason in an error line.
+/// The reason in the error line for a name conflict.
 constexpr char kTakenByOtherFile[] =
     "the destination has a different file of that name, which was kept (rerun with --replace to replace it)";
 
@@ -73,7 +73,7 @@ struct IngestPlanRequest
 /// with the manifest's name.
 IngestPlan MakePlan(IngestListing inListing, const IngestPlanRequest& inRequest);
 
-/// Bytes that this run's earlier destinations will write, by volume. Negative if leftovers will be deleted.
+/// By volume, the bytes that the destinations checked so far will write; in a dry run, minus leftovers to be deleted.
 using ReservedSpace = std::map<std::uint64_t, std::int64_t>;
 
 /// Returns the free bytes of a volume.

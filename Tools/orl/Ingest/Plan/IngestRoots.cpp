@@ -29,7 +29,7 @@ UTF16String CleanPath(const std::string& inArgument)
     return PathUtils::ToNormalizedPath(PathUtils::FromHostPath(host));
 }
 
-// Compares the text of the paths: a destination that does not exist yet has no identity.
+// Compares the text of the paths, because a destination that does not exist yet has no identity to compare.
 bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
 {
     std::error_code error;
@@ -165,7 +165,7 @@ void CheckApart(const IngestRoots& inOne, const IngestRoots& inOther)
 
 void MakeDestination(IngestRoots& ioRoots)
 {
-    std::vector<UTF16String> above; // folders that get a new entry
+    std::vector<UTF16String> above; // folders to sync, because each gets a new entry
     for (UTF16String path = ioRoots.mDestination; !ORL::Directory::IsDirectory(path);) {
         const UTF16String next = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
         if (next.empty() || next == path) {

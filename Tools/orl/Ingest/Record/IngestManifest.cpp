@@ -87,7 +87,7 @@ void IngestManifest::Read()
     UpdateRecord();
 }
 
-// Only the record states which incomplete line and which comments a killed run of orl has written.
+// The record must stay while the manifest has an incomplete line or comments that only the record attributes to orl.
 void IngestManifest::UpdateRecord()
 {
     mRecord.SetNeededByManifest(mFound != mLength || !mCommentedOut.empty());
@@ -161,7 +161,7 @@ std::vector<std::string> IngestManifest::NamesLike(const std::string& inName) co
 
 // --- writing ---------------------------------------------------------------------------------------------------------
 
-// Since Read, a program that ignores our lock may have replaced or changed the file.
+// Fails if a program that ignores our lock has replaced or changed the file since Read.
 void IngestManifest::OpenToWrite()
 {
     if (mFile.IsOpen()) {

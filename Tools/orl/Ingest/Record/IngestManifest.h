@@ -83,7 +83,7 @@ private:
     const std::string mName;
     const std::string mDisplayName;
     IngestRecord& mRecord;
-    std::mutex mMutex; // guards all members below after Read
+    std::mutex mMutex; // after Read, guards all members below
     HeldFolder mFolder;
     ORL::File mFile; // open once the manifest is written to
     bool mExists = false;

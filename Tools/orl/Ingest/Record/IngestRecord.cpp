@@ -161,7 +161,7 @@ void IngestRecord::OpenOnce()
         Attributes::kFileAttribute_Normal, true);
     const bool hasChanged =
         ORL::ResultSucceeded(query)
-        != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status)); // then try again
+        != ORL::ResultSucceeded(mFolder.GetStatus(mName, Links::kNoFollow, status)); // if so, Open tries again
     if (result == ORL::kSharingViolation || !hasChanged) {
         CheckOpened(result);
     }

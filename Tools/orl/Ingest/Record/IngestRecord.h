@@ -54,7 +54,7 @@ public:
     /// Call when the temporary file has been removed or renamed to its final name.
     void ForgetTemporary(const std::string& inFolder, const std::string& inLeaf);
 
-    /// Call before lines are added to the manifest, or before a line becomes a comment. The note is on disk when these
+    /// Call before lines are added to the manifest, or before a line becomes a comment. The entry is on disk when these
     /// functions return. Both functions throw Failure.
     void RecordManifestLength(std::uint64_t inLength);
     void RecordCommentedOut(std::uint64_t inPlace);
