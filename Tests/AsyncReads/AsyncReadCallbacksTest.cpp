@@ -89,7 +89,7 @@ TEST_P(AsyncReads, NullCallback_StillLeavesTheListAndFreesItsRecord)
     ASSERT_EQ(0, reader.QueueReadRequest(0, kBlock, buffer.Get(), nullptr, nullptr, nullptr, nullptr));
     reader.WaitForPendingReads();
     EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
-    // TearDown checks that the record is free, after the thread that frees it has ended.
+    // TearDown checks that the read's record is free, after the thread that frees it has ended.
 }
 
 TEST_P(AsyncReads, CallbackThatQueuesTheNextRead_StreamsTheWholeFile)

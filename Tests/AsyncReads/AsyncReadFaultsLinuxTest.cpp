@@ -37,7 +37,7 @@ std::size_t CountOpenFiles()
     return count;
 }
 
-/// The results of one start, one opened file, a few reads and one stop.
+/// The results of a run that starts the reader, opens one file, queues kReads reads and stops the reader.
 struct RunResult
 {
     bool mHasStarted = false;
@@ -55,7 +55,7 @@ struct RunResult
     }
 };
 
-// Linux closes a descriptor even if close reports an error.
+// CloseAndFail closes the descriptor even when it fails, as close does on Linux.
 unsigned sClosesUntilFailure = 0;
 int sCloseErrno = 0;
 
@@ -69,7 +69,7 @@ int CloseAndFail(int inFile)
     return -1;
 }
 
-// Returns a failed completion from the ring.
+// The errno that WaitForFailedCompletion stores in the next completion of a read; 0: none.
 int sCompletionErrno = 0;
 
 int WaitForFailedCompletion(io_uring* ioRing, io_uring_cqe** outCompletion)
@@ -135,7 +135,7 @@ protected:
         AsyncFileReader reader;
         ioRun.mOpened = AsyncFileReader::Open(mPath, reader);
         if (ioRun.mOpened == -1) {
-            return; // every other result leaves the file open
+            return; // with every other result the reader is open
         }
         for (unsigned i = 0; i < kReads; ++i) {
             reader.QueueReadRequest(i * kBlock, kBlock, mBuffer.Get() + i * kBlock, &Deliveries::OnRead, &deliveries,
@@ -225,7 +225,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
     }
 }
 
-// A temporary shortage loses no read.
+// Calls that fail only temporarily lose no read.
 TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
 {
     for (const int error : {EINTR, EAGAIN, EBUSY, ENOMEM}) {
@@ -287,8 +287,8 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
 }
 
 // The kernel refuses both the last packet and the packet that should wake the completion thread. An eventfd that the
-// ring polls continuously wakes the thread instead. The ring's poll must still be active, although the kernel cancels
-// an exiting thread's polls, and the thread that called StartupAsyncFileOperations has ended.
+// ring polls wakes the thread instead. This poll must outlive the thread that called StartupAsyncFileOperations,
+// although the kernel cancels the polls of a thread that exits.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {

@@ -38,7 +38,7 @@ private:
     uid_t mEarlier;
 };
 
-/// A file in memory that has a path during the lifetime of the object.
+/// An in-memory file, which has a path (below /proc) during the lifetime of the object.
 class FileInMemory
 {
 public:
@@ -130,8 +130,8 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
     EXPECT_EQ(kBlock, ReadOne(reader, sector, kBlock, buffer).mBytesRead);
 }
 
-// Windows checks the buffer first. On Linux a read that the kernel refuses only at its completion must not end the
-// reads of the whole process.
+// Windows checks the buffer when a read starts. On Linux only the completion of the read may report the bad buffer;
+// this must not end the reads of the whole process.
 TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
 {
     const AlignedBuffer buffer(kBlock);
@@ -172,7 +172,7 @@ TEST_P(AsyncReads, NameThatIsNotUTF8_IsRead)
     EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
 }
 
-// In particular, a pipe without a writer must not block the caller.
+// Opening a pipe without a writer must fail at once: a blocking open would wait for a writer.
 TEST_P(AsyncReads, WhatIsNoFile_IsRefusedAtOnce)
 {
     ASSERT_EQ(0, ::mkfifo((mFolder.Host() / "pipe").c_str(), 0600));

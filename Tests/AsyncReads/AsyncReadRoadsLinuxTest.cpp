@@ -1,4 +1,4 @@
-// Tests reads with io_uring, and with a seccomp filter that refuses io_uring. The call table is not replaced.
+// Tests reads with io_uring, and with a seccomp filter that refuses io_uring. The hosts make real system calls.
 #include "AsyncReadRoads.h"
 
 using namespace ORLTest;

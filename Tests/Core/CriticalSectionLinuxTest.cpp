@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// Whether Lock first checks for recursion depends on how the section was used before.
+// Whether Lock checks for recursion first depends on earlier locks, so the test varies the number of plain ones.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {

@@ -35,7 +35,7 @@ void ExpectContractError(const CheckReport& inReport, const char* inText, long i
         .Line(inErrorID)
         .Level(0)
         .Flag(true);
-    // The empty values are identical, so the test compares their addresses.
+    // The four replacement values are empty and compare equal, so the test compares their addresses.
     const std::set<const void*> values(inReport.mValues.begin(), inReport.mValues.end());
     EXPECT_EQ(4u, values.size());
     EXPECT_EQ(0u, values.count(nullptr));
@@ -267,7 +267,7 @@ TEST(OrlContract, HoldingExpression_IsEvaluatedOnEveryPass)
 TEST(OrlContract, Broken_IsReportedThenRaisedAndHasNoIgnoreFlag)
 {
     CheckRecorder recorder;
-    recorder.mIgnoreForGood = true; // a contract must ignore this answer
+    recorder.mIgnoreForGood = true; // a contract must report again despite this answer
     int evaluations = 0;
     for (int pass = 0; pass < 2; ++pass) {
         ORL_INPUT_CONTRACT(++evaluations < 0);

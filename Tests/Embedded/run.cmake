@@ -1,5 +1,5 @@
 # cmake -D SOURCE_DIR=... -D WORK=... [-D TOOLCHAIN=... -D BOOST_SOURCE=...] -P run.cmake
-# Builds two objects inside another project and reads the source names in their checks. With FETCHED, the library's
+# Builds two library objects inside another project and verifies the file names in them. With FETCHED, the library's
 # sources are inside the project's build folder, where FetchContent puts them.
 file(REMOVE_RECURSE "${WORK}")
 set(library "${SOURCE_DIR}")
@@ -24,7 +24,7 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-# One check is in a library source, the other in a library header.
+# Builds the object of a source and expects that its checks name exactly this source or header.
 function(expect_name source name)
   set(object "orl/CMakeFiles/ORLFoundation_objects.dir/${source}.${extension}")
   run(${CMAKE_COMMAND} --build "${WORK}" --target "${object}")

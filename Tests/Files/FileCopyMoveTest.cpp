@@ -135,7 +135,7 @@ TEST(File, CopyWithProgressThatIsStopped_IsAbortedAndLeavesNothing)
     }
 }
 
-// Copies with progress map errors by a smaller table: errors not listed become a full disk.
+// CopyWithProgress maps only a few system errors to their own results; it reports every other error as a full disk.
 TEST(File, CopyWithProgressThatFails_HasATableOfItsOwn)
 {
     const TempFolder folder;

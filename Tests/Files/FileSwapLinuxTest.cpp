@@ -109,7 +109,7 @@ TEST(SwapOfLongNames, ThatCannotBePutOnDisk_KeepsTheOldContentsBesideTheNew)
     EXPECT_EQ("old", ContentsOf(folder, *names.begin()));
 }
 
-// A killed process has left files with the next temporary names.
+// A killed process has left files with the temporary names that this swap tries first.
 TEST(SwapOfLongNames, BesideTheLeftoversOfAKilledOne_IsDone)
 {
     const TempFolder folder;

@@ -262,7 +262,7 @@ TEST(File, SizeByName_IsFileNotFoundWhateverFails)
     EXPECT_EQ(kSuccess, File::SizeOnDisk(folder.Path(u"f"), size));
     EXPECT_EQ(5u, size);
     size = 77;
-    // Errors 2, 3, 123, 3, and the error for a path without a root all become one result.
+    // The system's errors for these paths differ (2, 3, 123 and others), but all become one result.
     for (const UTF16String& path : {folder.Path(u"none"), folder.Path(u"no\\no"), folder.Path(u"a*"), UTF16String(),
                                     folder.Path(u"f\\x"), Units(u"Q:\\none")}) {
         EXPECT_EQ(kFileNotFound, File::SizeOnDisk(path, size));

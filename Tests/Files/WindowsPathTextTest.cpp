@@ -43,7 +43,7 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
         // ArePathsRelative treats slashes as separators
         {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},
-        // shares have no ":"; one is added
+        // the path of a share has no ":", so ArePathsRelative puts "C:" before it
         {__LINE__, uR"(\\server\abc\d\)", uR"(\\server\abc\e\)", uR"(..\e\)"},
         // a common prefix of two names does not count
         {__LINE__, uR"(C:\abcd\)", uR"(C:\abce\)", nullptr},
@@ -142,7 +142,7 @@ TEST(HomePathText, ServerWithoutAShare_KeepsItsNameAlone)
     }
 }
 
-// Relative paths have the same length limit on both platforms, and no depth of the input overflows.
+// Relative paths have the same length limit on both platforms, however deep the two folders are.
 TEST(ArePathsRelative, DeepPaths_AreAnsweredAlikeAndStayInBounds)
 {
     const auto deep = [](const char16_t* inName, int inFolders) {

@@ -38,7 +38,7 @@ void ExpectHostOutput(const char* inMode, const std::string& inOutput, const cha
 // Returns whether the queue accepted a request and ran it.
 bool Runs(ThreadedWorkQueue& ioQueue)
 {
-    // The thread that opens a gate may still be inside Open when the wait returns.
+    // Never destroyed while threads run: a queue's thread may still be inside Open when the wait returns.
     static std::deque<WaitableGate> sGates;
     WaitableGate& gate = sGates.emplace_back();
     const bool isTaken = ioQueue.QueueRequest(MakeRequest([&gate] { gate.Open(); }));
@@ -188,7 +188,7 @@ TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstS
 TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheMainThread)
 {
     Foundation::Initialize();
-    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // keeps the address in use
+    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // keeps the first address in use
     Foundation::Terminate();
     Foundation::Initialize();
     const ObjectPtr<MemoryRecycler, AtomicValue> second = MemoryRecycler::Instance();

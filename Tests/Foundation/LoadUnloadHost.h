@@ -19,9 +19,9 @@ void* Find(void* inLibrary, const char* inName);
 struct Footprint
 {
     std::size_t mMemory = 0;   // private bytes
-    std::size_t mMappings = 0; // memory maps, or modules
+    std::size_t mMappings = 0; // memory maps on Linux, modules on Windows
     std::size_t mThreads = 0;
-    std::size_t mHandles = 0; // open files, or handles
+    std::size_t mHandles = 0; // open files on Linux, handles on Windows
 };
 
 Footprint Measure();

@@ -94,7 +94,7 @@ std::vector<unsigned long> ShownPointer(Display* inDisplay)
     return pixels;
 }
 
-// Returns the picture that the window shows if the test itself sets a pointer shape.
+// Returns the pointer's picture after the test itself has set a shape of the cursor font for the window.
 std::vector<unsigned long> PointerOfFont(Display* inDisplay, Window inWindow, unsigned int inShape)
 {
     const ::Cursor cursor = XCreateFontCursor(inDisplay, inShape);

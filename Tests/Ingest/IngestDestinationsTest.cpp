@@ -108,7 +108,7 @@ TEST_F(IngestDestinations, OneThatIsRefused_StopsNoOther)
 
 TEST_F(IngestDestinations, AFileThatChanges_IsKeptAtNone)
 {
-    std::mutex mutex; // no destination finishes the file before it has changed
+    std::mutex mutex; // keeps both destinations from finishing the file before it has changed
     const OnStep change = Once(IngestStep::kBlockCopied, "b",
                                [this] { std::ofstream(Card() / "b", std::ios::binary | std::ios::app) << "more"; });
     const auto onStep = [&](std::size_t, IngestStep inStep, const IngestItem& inItem) {

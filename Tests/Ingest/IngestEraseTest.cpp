@@ -88,7 +88,7 @@ TEST_F(IngestErase, AFileThatIsAdded_IsNotSafe)
 
 TEST_F(IngestErase, AFileThatIsRemoved_IsNotSafe)
 {
-    // A file that both destinations have read.
+    // The file is removed after both destinations have copied it.
     EXPECT_EQ("Not safe to erase the source: \"a\" was removed during the ingest.", LineAfter([this] {
                   while (!fs::exists(DiskOf(1) / "a")) {
                       std::this_thread::yield();
@@ -127,7 +127,7 @@ TEST_F(IngestErase, AStop_IsNotSafe)
     EXPECT_EQ("Not safe to erase the source: the ingest was stopped.", LineOf(RunTo(2, onStep), 1));
 }
 
-// The second destination has every file; but the run to the first one ended before its end.
+// The second destination has every file, but the first one stopped responding before it had all of them.
 TEST_F(IngestErase, ADiskThatDoesNotAnswer_IsNotSafe)
 {
     const auto onStep = [](std::size_t inDestination, IngestStep inStep, const IngestItem& inItem) {
@@ -155,6 +155,6 @@ TEST_F(IngestErase, ASourceThatIsGoneAtTheEnd_IsNotSafe)
     const std::vector<IngestDestination> destinations = RunTo(2);
     fs::rename(Card(), mFolder.Host() / "away");
     EXPECT_EQ("Not safe to erase the source: it could not be listed again.", LineOf(destinations, 2));
-    mFolder.MakeFolder("card"); // as a mount point without its card
+    mFolder.MakeFolder("card"); // an empty folder, like a mount point without its card
     EXPECT_EQ("Not safe to erase the source: it could not be listed again.", LineOf(destinations, 2));
 }

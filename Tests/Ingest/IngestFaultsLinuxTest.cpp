@@ -115,7 +115,7 @@ protected:
     fs::path Card() const { return mFolder.Host() / "card"; }
     fs::path Disk() const { return mFolder.Host() / "disk"; }
 
-    /// Restores the state that a killed run left.
+    /// Restores the state that a killed run leaves: an unfinished file, an incomplete manifest line and the record.
     void RestoreInitialState() const
     {
         fs::remove_all(Disk());
@@ -125,7 +125,7 @@ protected:
         WriteFile(Disk() / kRecord, RecordOf("M 0\nT " + std::string(kUnfinished) + "\n"));
     }
 
-    /// Files with a final name are complete, and every manifest line is correct.
+    /// Expects that files with a final name are complete, and that every manifest line is correct.
     void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());
@@ -138,7 +138,7 @@ protected:
         }
     }
 
-    /// Fails each call of a kind once. An unreported failure must not damage anything, and a second run must complete.
+    /// Fails each call of a kind once. A run that reports nothing must be complete; a second run always must.
     template <class Calls>
     void FailEach(typename Calls::Call inCall)
     {

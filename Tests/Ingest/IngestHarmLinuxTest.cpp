@@ -223,7 +223,7 @@ TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
         << "although --replace was given: it was not there when the plan was made";
 }
 
-// File systems without such a rename create a hard link instead.
+// On a file system whose rename always overwrites, the run creates a hard link instead.
 TEST_F(IngestHarmOnLinux, AMoveWithoutTheSystemsHelp_OverwritesNothing)
 {
     orl::sIngestCalls.mRenameAt = [](int inFolder, const char* inFrom, const char* inTo, unsigned inFlags) {
@@ -265,7 +265,7 @@ TEST_F(IngestHarmOnLinux, LeftoversOfAKilledRun_CountAsFreeRoom)
     ExpectInPlace("abc");
 }
 
-// Includes a last line without a line break, which a permitted run would complete.
+// The manifest's last line lacks its line break, which a run that is not refused would add.
 TEST_F(IngestHarmOnLinux, ARunThatIsRefusedForRoom_ChangesNothing)
 {
     fs::create_directories(Disk());

@@ -113,8 +113,8 @@ TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
               ReadFile(Disk() / kManifest));
 }
 
-// Ingests files with temporary names, and keeps such files in a folder below the destination: only recorded files are
-// deleted.
+// Files named like temporary files are ingested from the card, and stay in other folders of the destination: only
+// files listed in the record are deleted.
 TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
 {
     const std::vector<std::string> names{".orl-0123456789abcdef.part", kUnfinished, "ingest.sha256.part", ".orl-names"};
@@ -162,7 +162,7 @@ TEST_F(IngestHarm, ARecordThatIsNotOurs_DeletesNothing)
     EXPECT_EQ("a file of somebody's", ReadFile(Disk() / kRecord));
 }
 
-// Includes the rewrite of the manifest, which must not release the lock.
+// The first run rewrites the manifest in between, which must not release the lock.
 TEST_F(IngestHarm, ASecondRunDuringAnExchange_IsRefused)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());

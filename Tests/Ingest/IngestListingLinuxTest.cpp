@@ -70,7 +70,7 @@ protected:
     TempFolder mFolder;
 };
 
-// Returns whether all files are listed or the user gets a line.
+// Returns whether all files are listed, or the listing reports an unreadable entry.
 bool IsCompleteOrReported(const orl::IngestListing& inListing, std::size_t inFiles)
 {
     const bool isReported = !inListing.mTroubles.empty() && inListing.mTroubles[0].mExitCode == orl::kExitUnreadable;
@@ -148,7 +148,7 @@ TEST_F(IngestListing, ATreeDeeperThanDescriptorsReach_IsBroughtIn)
     ExpectIngested(ReadTree(Card()), Disk());
 }
 
-// A link to a folder above it is listed once, even if it leads above the source.
+// Links to folders above them add no files to the listing and are not reported.
 TEST_F(IngestListing, LinksThatLeadBack_AreNoTrouble)
 {
     mFolder.MakeFolder("card/d/e");

@@ -108,7 +108,7 @@ TEST_F(IngestRun, ACopyThatReadsBackDifferently_IsNotKept)
 
 TEST_F(IngestRun, StoppedByTheUser_LeavesNoHalfFile)
 {
-    // The run polls for the user's stop request; the file waits for the result.
+    // Requests the stop at the first step of "b"; the run polls for the request.
     const IngestOutcome outcome =
         Run([this](IngestStep, const IngestItem& inItem) { mIsStopped = mIsStopped || inItem.mName == "b"; });
     EXPECT_TRUE(outcome.mTroubles.empty());
@@ -130,7 +130,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
 }
 
-// Every later run would trust a line whose file no longer exists.
+// A replaced file's line must go first: every later run would trust a line whose file no longer exists.
 TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -163,7 +163,7 @@ TEST_F(IngestRun, AFileThatCannotBeReplaced_KeepsItsLine)
     ASSERT_TRUE(Run({}).mTroubles.empty());
     const FileTree before = mCard;
     ChangeOnCard("b", "shorter");
-    ORL::File holder; // shares nothing, so the file cannot be replaced
+    ORL::File holder; // shares only reading, so the file cannot be replaced
     const IngestOutcome outcome =
         Run(Once(IngestStep::kVerified, "b",
                  [&] {

@@ -72,7 +72,7 @@ inline std::string ReferenceSha256(std::string inBytes)
     return text;
 }
 
-/// Contents by name; "/" for folders.
+/// Maps each name to the contents of the file, or to "/" for a folder.
 using FileTree = std::map<std::string, std::string>;
 
 inline std::string ReadFile(const std::filesystem::path& inPath)

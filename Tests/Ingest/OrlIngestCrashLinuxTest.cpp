@@ -23,7 +23,7 @@ fs::path FastFolder()
     return ::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::temp_directory_path();
 }
 
-/// A disk with one clip of an earlier ingest, and a card with a newer clip of the same name and the given text.
+/// A disk with two clips from an earlier ingest; a card with a new clip, and with a newer version of one of the two.
 class CrashedIngest : public testing::TestWithParam<std::tuple<const char*, int>>
 {
 protected:
@@ -55,7 +55,7 @@ protected:
                 (mFolder.Host() / "card").string(), Disk().string()};
     }
 
-    /// Each final name has its complete old or its complete new contents; every manifest line is correct.
+    /// Expects that each final name has its complete old or new contents, and that every manifest line is correct.
     void ExpectOnlyCompleteFiles() const
     {
         const FileTree disk = ReadTree(Disk());

@@ -52,7 +52,7 @@ protected:
         return ioRun.Run(arguments, inSignalAt, inSignal);
     }
 
-    /// Every file is complete and has its final name and its line in the manifest.
+    /// Expects that every file is complete and has its final name and its line in the manifest.
     void ExpectCleanStop() const
     {
         const std::string told = ReadFile(Errors());

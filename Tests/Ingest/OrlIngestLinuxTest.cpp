@@ -142,7 +142,7 @@ TEST_F(OrlIngestOnLinux, ADiskThatFillsUp_KeepsWhatIsVerified)
     orl::IngestOutcome outcome;
     {
         FaultySystemCalls calls;
-        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // the writes before: the record twice, file "a", the record
+        calls.Fail(FaultySystemCalls::kPWrite, 5, ENOSPC); // the earlier writes: the record twice, "a", the record
         outcome = RunHere();
     }
     ASSERT_EQ(1u, outcome.mTroubles.size());

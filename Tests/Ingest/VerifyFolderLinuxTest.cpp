@@ -40,7 +40,7 @@ TEST_F(VerifyHereOnLinux, AFileThatIsReplacedWhileItIsRead_HasChanged)
     EXPECT_EQ(kVerifyChanged, ExitCodeOf(outcome));
 }
 
-// The open file can be read to its end. No other file is reported as missing.
+// The open file is verified to its end. The other files are reported as not checked, not as missing.
 TEST_F(VerifyHereOnLinux, AFolderThatVanishesDuringTheFirstFile_IsGone)
 {
     AfterABlockOf(kClip, [this] { fs::rename(Disk(), Away()); });
@@ -55,7 +55,7 @@ TEST_F(VerifyHereOnLinux, AFolderThatVanishesDuringTheLastFile_IsGone)
     ExpectGone(Run(), 3);
 }
 
-// The file could be reported as changed, but the disk at the path is another one.
+// The file must not be reported as changed, because the folder that contained it is gone.
 TEST_F(VerifyHereOnLinux, AFolderThatVanishesWithAChangeOfTheFile_IsGone)
 {
     AfterABlockOf(kClip, [this] {

@@ -61,7 +61,7 @@ TEST_F(VerifyHere, AFileThatChangesWhileItIsRead_HasChanged)
     }
 }
 
-// The read of the last block delivers fewer bytes. The disk is not to blame.
+// The read of the last block delivers fewer bytes. This is a changed file, not a read error of the disk.
 TEST_F(VerifyHere, AFileThatShrinksWhileItIsRead_HasChanged)
 {
     constexpr std::size_t kSize = 12 << 20; // the last block is read after the first one has been delivered

@@ -15,7 +15,7 @@
 
 namespace ORLTest {
 
-inline constexpr int kVerifyGone = 6; // as the document lists it
+inline constexpr int kVerifyGone = 6; // the exit code that Docs/ingest.md lists
 
 class VerifyHere : public VerifiedTree
 {

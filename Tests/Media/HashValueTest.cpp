@@ -14,7 +14,7 @@
 using namespace ORL;
 using namespace ORLTest;
 
-// The table under the symbol that hosts link to. A reference has the representation of a pointer.
+// The table, read through the symbol that hosts link to. That symbol is a reference, represented as a pointer.
 extern const std::vector<unsigned char>* const sExportedTable __asm__("_ZN3ORL12CRCHashValue9sCRCTableE");
 
 namespace {

@@ -350,7 +350,7 @@ TEST(MemoryBufferWrapper, EndOfScope_GivesTheBufferToThePool)
     DropMemoryRecycler();
 }
 
-// Without a pool the check reports; only a host that installs its own reporter continues after it.
+// Without a pool the check reports; only a host with its own reporter continues after the report.
 TEST(MemoryBufferWrapper, BeforeTheStart_IsReportedByThePointersPublishedCheck)
 {
     ASSERT_FALSE(MemoryRecycler::Instance());

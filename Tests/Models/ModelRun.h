@@ -86,8 +86,8 @@ public:
         Search<Test>(params, false, inName, "mutant, random");
     }
 
-    /// Runs such a mutant by exhaustive search, for a thread that never lets another run; a random search would not
-    /// end.
+    /// Runs a mutant by exhaustive search. Needed if the mutant has a thread that never lets another one run, because
+    /// then a random search would not end.
     template <class Test>
     void FindMutant(const char* inName, unsigned inSwitches)
     {

@@ -19,7 +19,7 @@
 
 #include <relacy/relacy.hpp>
 
-// The checker defines these names as macros, intended for code written only for the checker.
+// The checker defines these names as macros, which only code written for the checker may use.
 #undef new
 #undef delete
 #undef malloc
@@ -35,7 +35,7 @@
 #undef memory_order_acq_rel
 #undef memory_order_seq_cst
 
-// The checker replaces the program's memory functions, except the sized ones, which this file defines.
+// The checker replaces the program's memory functions except the sized delete, which is therefore defined here.
 void operator delete(void* inBlock, std::size_t) noexcept
 {
     ::operator delete(inBlock);

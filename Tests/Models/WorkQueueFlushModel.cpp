@@ -3,7 +3,7 @@
 //
 // Extent: every interleaving with up to two preemptions if there is one queue thread or one flusher, and with one if
 // there are two of both (with two, the search did not end in four minutes). The argument "deep" raises each of these
-// limits by one. After that, 100000 random interleavings without a bound.
+// limits by one. After that, 100000 random interleavings with any number of preemptions.
 #include <ModelRun.h>
 
 #include <Threads/WorkQueueFlushAlgorithm.h>
@@ -224,7 +224,7 @@ struct Flushers : rl::test_suite<Flushers<Policy, Form>, Form::kThreads + Form::
             Algorithm::CountMissingItem(mFlush);
         }
         Algorithm::WaitForAll(mFlush);
-        // If the queue refused an item, one thread may still be working.
+        // If the queue refused an item, one of its threads may still be working.
         if (refused == 0) {
             RL_ASSERT(static_cast<int>(mDone[inFlusher]($)) == 1);
         }

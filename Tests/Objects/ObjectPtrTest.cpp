@@ -38,7 +38,7 @@ struct Object : Base
 
 int Object::sLiving = 0;
 
-/// The two members, in the layout that hosts rely on.
+/// The two members of ObjectPtr, in the layout that hosts rely on.
 struct Members
 {
     AtomicValue* mCounter;

@@ -55,7 +55,7 @@ TEST(LinuxNames, EachKindOfName_HasItsUnitsAndComesBack)
         {__LINE__, "a. b. ", Units(u"a. b.\uF020")},
         {__LINE__, "...", Units(u"..\uF02E")},
         {__LINE__, " a", Units(u" a")},
-        // invalid UTF-8: a stray byte, an overlong form, beyond the last character, truncated
+        // invalid UTF-8: stray bytes, an overlong form, a code point beyond U+10FFFF, a truncated sequence
         {__LINE__, "caf\xE9", Units(u"caf\uF0E9")},
         {__LINE__, "\x80\xFF", Units(u"\uF080\uF0FF")},
         {__LINE__, "\xC0\xAF", Units(u"\uF0C0\uF0AF")},
@@ -82,7 +82,7 @@ TEST(LinuxNames, EachKindOfName_HasItsUnitsAndComesBack)
 TEST(LinuxNames, RandomBytes_ComeBackAndAreLegal)
 {
     std::mt19937 random(20240603);
-    // Pieces that make valid sequences, near misses and mapped bytes likely.
+    // Pieces that often form valid sequences, almost valid sequences, and bytes that must be mapped.
     const std::string pieces[] = {"a",    ".",    " ",    ":",    "\\",   "\x01", "\xC3", "\xA9", "\xED", "\xA0",
                                   "\xB0", "\xEF", "\x80", "\x82", "\xBA", "\xF0", "\x9F", "\x98", "\xFF", "\xEF\x83"};
     for (int i = 0; i < 100000; ++i) {

@@ -78,7 +78,7 @@ TEST(GetLeafDisplayName, From261UnitsOn_LeavesTheShellOut)
     const Step cut = SplitLeaf(folder + Units(u"\\") + leaf);
     EXPECT_EQ(leaf, cut.mName);
     EXPECT_EQ(folder, cut.mLeft);
-    // without a backslash, or with nothing after the last one, the whole text is returned and not removed
+    // without a backslash, or with nothing after the last one, the name is the whole text, and the path keeps it
     const UTF16String trailing = folder + Units(u"\\") + leaf + Units(u"\\");
     EXPECT_EQ(trailing, SplitLeaf(trailing).mName);
     EXPECT_EQ(trailing, SplitLeaf(trailing).mLeft);

@@ -170,7 +170,7 @@ void ExpectUnnamedThreadsWithoutASlot()
     sNoSlotIsFree = false;
 }
 
-// Runs in its own process, because an already allocated slot would also be reported.
+// Runs in its own process, because a slot that an earlier test has allocated would also be reported.
 using PublishedSitesDeathTest = testing::Test;
 
 TEST_F(PublishedSitesDeathTest, OfThreadRecordsWithoutASlot_AreReportedAsPublishedAndEveryThreadIsUnnamed)

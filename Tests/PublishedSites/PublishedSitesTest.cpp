@@ -40,7 +40,7 @@ using Pointer = Misaligned<int*>;
 
 int sObject;
 
-// Each function still works on its misaligned target.
+// These functions also check that each operation still works on a misaligned target.
 void IncrementMisaligned()
 {
     Number number(5);
@@ -165,7 +165,7 @@ TEST(PublishedSites, OfCoreAndObjects_AreReportedAsPublished)
     ExpectPublished(kSites);
 }
 
-// The code after this check dereferences a null pointer, so the report throws.
+// The code after this check would dereference a null pointer, so the recorder throws from the report.
 TEST(PublishedSites, StarOfAnEmptyObjectPtr_IsReportedAsPublished)
 {
     ORLTest::CheckRecorder recorder;

@@ -72,7 +72,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalComma_ReadsBothConventions)
         {__LINE__, "1.234.5", 1234},
         {__LINE__, "1.2345", 1.2345},
         {__LINE__, "12.5 kg", 12.5},
-        // one of the two readings is 0, so the classic reading wins: a known limitation
+        // the localised or the classic reading is 0, so the classic one wins: a known limitation
         {__LINE__, ",5", 0},
         {__LINE__, "-,5", 0},
         {__LINE__, "0,5", 0},
@@ -94,7 +94,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalPoint_ReadsThousandsNatively)
     ExpectEach(rows, PointLocale());
 }
 
-// Out of range for a double: the classic reading fails, so its result is 0, whatever value the stream stored.
+// A classic reading that fails (out of range, or without a digit) yields 0, whatever value the stream stored.
 TEST(GetValueFromDisplayString, AClassicReadingThatFails_IsZero)
 {
     const Row rows[] = {

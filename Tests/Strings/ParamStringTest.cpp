@@ -21,7 +21,7 @@ struct ParseRow
 
 const ParseRow kParseRows[] = {
     {__LINE__, "%1 of %2", {"3", "4"}, kSuccess, "3 of 4"},
-    // any order in the format
+    // the placeholders may be in any order
     {__LINE__, "%2 of %1", {"3", "4"}, kSuccess, "4 of 3"},
     // every parameter must be used
     {__LINE__, "plain", {}, kGeneralFailure, "before"},
@@ -32,7 +32,7 @@ const ParseRow kParseRows[] = {
     // only the first occurrence of a placeholder is replaced; placeholders above the number of parameters stay
     {__LINE__, "%1 %1", {"a"}, kSuccess, "a %1"},
     {__LINE__, "%1 %2 %3", {"a", "b"}, kSuccess, "a b %3"},
-    // later steps also search text that was inserted
+    // a placeholder is also found in the inserted text of an earlier parameter
     {__LINE__, "%1 %2", {"%2", "b"}, kSuccess, "b %2"},
     {__LINE__, "%1", {"%2", "b"}, kSuccess, "b"},
     // "%1" matches the start of "%10", even with ten parameters
@@ -121,7 +121,7 @@ TEST(SplitString, EachText_GivesItsFirstTwoTokens)
         // only the first unit of a longer separator is skipped
         {__LINE__, "a::b", "::", "a", ":b"},
         {__LINE__, "a::b::c", "::", "a", ":b"},
-        // an empty separator matches at once, at every position
+        // an empty separator matches at every position, so every part is empty
         {__LINE__, "ab", "", "", ""},
     };
     for (const Row& row : rows) {

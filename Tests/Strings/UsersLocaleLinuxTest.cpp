@@ -40,7 +40,7 @@ TEST(UsersLocale, ThatIsClassicUnknownOrMissing_IsTheClassicOne)
     EXPECT_EQ("1234567.5 reads back, point\n", HostUnder("xx_YY.UTF-8", nullptr, nullptr));
 }
 
-// Only the C library has a locale that was compiled on this machine.
+// The test compiles a locale that the C library can load and the library's own table lacks.
 TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
 {
     const TempFolder folder;

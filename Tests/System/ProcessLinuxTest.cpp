@@ -38,7 +38,7 @@ bool IsRunning(const std::u16string& inName, Flags inFlags = ProcessSearchFlags:
 class Sleeper
 {
 public:
-    // Returns when the program runs: exec closes its end of the pipe.
+    // Returns when the program runs: exec closes the child's end of the pipe.
     Sleeper(const std::string& inProgram, const std::string& inShownName)
     {
         int started[2];

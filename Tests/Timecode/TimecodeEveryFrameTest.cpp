@@ -185,7 +185,7 @@ std::string TextOfCount(long long inCount, TimeDisplay inDisplay)
 
 TEST_P(EveryCount, OfADay_HasItsTextAndComesBackFromIt)
 {
-    // Plain counts and feet are not folded, so there are no exceptions.
+    // Plain counts and feet are not folded, so each label converts back to its frame.
     CheckRecorder recorder;
     const Format& format = GetParam();
     const long long day = TickTime(86400.0).ToFrame64(format.mRate);

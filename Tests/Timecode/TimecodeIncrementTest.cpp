@@ -174,8 +174,8 @@ TEST(TimecodeIncrement, FromZeroDownwards_CrossesIntoNegativeTimes)
 
 TEST(TimecodeIncrement, BelowZeroFromFrameZero_LeavesAFullFrameField)
 {
-    // The frame field is mirrored at the frames of a second, so frame 0 becomes a whole second of frames and the
-    // seconds field stays one short. The time itself is correct.
+    // The frame field is mirrored (frames per second minus the field), so 0 becomes a full second of frames and the
+    // seconds field stays one too small. The time itself is correct.
     Timecode::PrivateImpl record = Pal(0, 0, 0, 0);
     record.IncrementHMSF(0, 0, -1, 0);
     EXPECT_EQ("-0 0 0 25", Fields(record));

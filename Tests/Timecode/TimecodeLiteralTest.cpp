@@ -160,7 +160,7 @@ TEST(TimecodeLiteral, CarryOfExtremes_IsThatOfTheLoops)
         ExpectSameCarry<long long>(std::numeric_limits<long long>::min(), next, std::numeric_limits<long long>::max());
         ExpectSameCarry<long long>(-1, next, std::numeric_limits<long long>::max());
     }
-    // A limit that is not positive would loop forever; nothing is carried.
+    // With a limit that is not positive the subtractions would never end, so Carry changes nothing.
     long long field = 17;
     int next = 3;
     Carry<long long>(field, next, 0);
@@ -229,7 +229,7 @@ TEST(TimecodeLiteral, SecondsBeyond32Bits_WrapAround)
                          kTimeDisplay_2997NonDropTimecode),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoNTSC, kTimeDisplay_2997NonDropTimecode));
     // At a whole rate the negative seconds become an unsigned count that does not fit, 2^63 frames. If a frame has an
-    // even number of ticks, their time is zero.
+    // even number of ticks, the time of these frames is zero.
     EXPECT_EQ(Frames(3, kFrameRate_VideoPAL),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoPAL, kTimeDisplay_25Timecode));
     // If a frame has an odd number of ticks, half of the count's range remains.

@@ -20,7 +20,7 @@ TEST(TimecodeParseFeetFrames, SixteenMillimetres_Have40FramesAFoot)
         {__LINE__, "1:2", 42},
         {__LINE__, "1.2", 42},
         {__LINE__, "1+99", 139}, // the frames have no upper limit
-        {__LINE__, "1+2+", 480}, // all digits before the end, without the separator
+        {__LINE__, "1+2+", 480}, // a separator at the end: all digits before it are feet
         {__LINE__, "12+34:", 1234 * 40},
         {__LINE__, "1+2+3", kUnreadable},
         {__LINE__, "1++2", kUnreadable},

@@ -47,8 +47,8 @@ TEST(TimecodeParse, Milliseconds_AreReadAtTheirOwnRate)
 
 TEST(TimecodeParse, FramesEqualToTheRate_StayInTheirField)
 {
-    // The result is one second at both rates. The two rates differ in whether the field carries; the rows without a
-    // report show that.
+    // 30 frames are one second at both rates. At 30 frames a second they stay in their field; at 29.97 they carry, and
+    // no carry is reported.
     const ParseRow at30[] = {
         {__LINE__, "30", 30},
         {__LINE__, "31", 31},
@@ -153,7 +153,7 @@ TEST(TimecodeParse, FieldsOfMoreThan32Bits_AreTakenModulo32Bits)
 TEST(TimecodeParse, NegativeFieldsFromOverflow_AreDefined)
 {
     // 4294967295 is -1 in 32 bits. The negative seconds become a huge unsigned count, which does not fit and becomes
-    // 2^63 frames. A frame has an even number of ticks, so their time is zero and only the frames remain.
+    // 2^63 frames. A frame has an even number of ticks, so the time of 2^63 frames is zero and only the 4 remain.
     const ParseRow rows[] = {
         {__LINE__, "0:0:4294967295:4", 4},
         {__LINE__, "4294967295:0:0:4", 4},

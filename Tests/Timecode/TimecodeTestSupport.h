@@ -54,7 +54,7 @@ struct Format
     const char* mName;
     TimeDisplay mDisplay;
     FrameRate mRate;
-    long long mLabelsPerSecond; // the number that the label counts; unused for feet
+    long long mLabelsPerSecond; // frames in one second of the label; 0 for plain counts
 };
 
 inline constexpr Format kClockFormats[] = {

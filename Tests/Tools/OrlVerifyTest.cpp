@@ -198,7 +198,7 @@ TEST_F(OrlVerify, HostileLists_AreRefused)
     }
 }
 
-// The file has no blocks, only a size.
+// The list is a sparse file, so that its size needs no disk space.
 TEST_F(OrlVerify, AListOfManyGigabytes_IsRefusedUnread)
 {
     fs::resize_file(Disk() / kManifest, std::uintmax_t{10} << 30);

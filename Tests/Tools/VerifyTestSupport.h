@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-// Exit codes as the document lists them.
+// Exit codes, as Docs/ingest.md lists them.
 inline constexpr int kVerifyUnreadable = 4;
 inline constexpr int kVerifyChanged = 7;
 inline constexpr int kVerifyEmpty = 9;

@@ -74,7 +74,7 @@ struct Situation
     std::set<unsigned long> mWineResults = {};
 };
 
-// Adds 1 for a directory and 10 for an empty one.
+// Returns 1 if the path is a directory, plus 10 if the directory is empty.
 unsigned long Kind(const UTF16String& inPath)
 {
     return (IsDirectory_Impl(inPath) ? 1u : 0u) + (IsDirectoryEmpty_Impl(inPath) ? 10u : 0u);
@@ -96,7 +96,7 @@ unsigned long Operate(ShellFunction inFunction, const UTF16String& inFolder, con
     return OperateOnFiles_Impl(inFunction, inFolder + Units(u"\\*.*"), inTo.empty() ? nullptr : &inTo);
 }
 
-// Returns one of the three results of the volume query.
+// Returns the error of one of the three volume queries.
 unsigned long Volume(const UTF16String& inRoot, unsigned long inWhich)
 {
     const DiskUtils::Platform::Volume volume{inRoot, inRoot};

@@ -315,7 +315,7 @@ TEST_F(DirectoryTest, CreateOnDisk_MakesAllThatIsMissing)
     EXPECT_TRUE(Directory::IsDirectory(mFolder.Path(u"a\\d")));
 }
 
-// The status of the path service has no specific code.
+// No result code corresponds to the status of the path service.
 TEST_F(DirectoryTest, CreateOnDisk_WhereItCannotBe_IsAGeneralFailure)
 {
     mFolder.MakeFile("f");
@@ -337,7 +337,7 @@ TEST_F(DirectoryTest, Delete_ThatFails_GivesTheSystemsError)
 {
     mFolder.MakeFolder("full");
     mFolder.MakeFile("full/f");
-    // The errors 145 and 267 have no specific code.
+    // No result code corresponds to the errors 145 (not empty) and 267 (not a directory).
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full")));
     EXPECT_EQ(kGeneralFailure, Directory::Delete(mFolder.Path(u"full\\f")));
     EXPECT_EQ(kFileNotFound, Directory::Delete(mFolder.Path(u"missing")));

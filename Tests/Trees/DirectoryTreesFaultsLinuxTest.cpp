@@ -117,7 +117,7 @@ TEST_F(DirectoryTreesUnderFaults, Copy_EachCallFailsOnce_LeavesNoHalfFileAndTheS
                          return;
                      }
                      for (const auto& [name, contents] : Read(Host("to"))) {
-                         // A temporary copy that could not be deleted keeps its own name.
+                         // A temporary copy that could not be deleted keeps its temporary name.
                          if (name.find(".orl-copy-") == std::string::npos) {
                              EXPECT_EQ(mTree[name], contents) << name;
                          }

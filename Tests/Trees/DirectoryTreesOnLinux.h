@@ -16,7 +16,7 @@ namespace ORLTest {
 
 namespace fs = std::filesystem;
 
-// By name: the contents, "/" for a folder, "-> target" for a link.
+// Maps each name to the contents of the file, to "/" for a folder, or to "-> target" for a link.
 using Tree = std::map<std::string, std::string>;
 
 inline Tree Read(const fs::path& inFolder)

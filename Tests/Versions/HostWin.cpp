@@ -6,7 +6,7 @@ namespace Versions {
 
 void* LoadModule(const char* inPath)
 {
-    char path[4096]; // with backslashes, without which Windows finds no folder in it
+    char path[4096]; // absolute, and with backslashes, because Windows finds no folder in a path with slashes
     const DWORD length = ::GetFullPathNameA(inPath, sizeof(path), path, nullptr);
     return length == 0 || length >= sizeof(path) ? nullptr
                                                  : ::LoadLibraryExA(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);

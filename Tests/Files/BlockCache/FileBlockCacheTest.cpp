@@ -206,7 +206,7 @@ TEST_F(FileBlockCache, ASeekToBeforeTheBeginning_LeavesTheHandleWhereItIs)
     EXPECT_EQ(before, HandlePositionOf(clip.mFile));
 }
 
-// The OS accepts a position beyond the end of the file, which here is a block boundary.
+// The file ends on a block boundary, so File calls the OS, which accepts a position beyond the end.
 TEST_F(FileBlockCache, ASeekToBehindTheEnd_PutsTheHandleWhereTheCallerSaid)
 {
     Opened clip(MakeClip(kBlock), kRead, kShareReaders);
@@ -274,7 +274,7 @@ TEST(FileBlockCacheHosts, AFactory_IsCountedAndReleased)
     EXPECT_EQ(1, alive) << "the copy holds it";
 }
 
-// A host's factory may call the library in its destructor: the caller holds the foundation lock, which is recursive.
+// The destructor of a host's factory may call the library: it runs under the foundation lock, which is recursive.
 TEST(FileBlockCacheHosts, TheEarlierFactory_GoesUnderTheFoundationLock)
 {
     class Going : public FactoryOf

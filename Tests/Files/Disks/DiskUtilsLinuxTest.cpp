@@ -1,4 +1,4 @@
-// Tests volumes below the platform seam: the system's reports and the values derived from them.
+// Tests the Linux part of the volume functions: what the system reports, and the values derived from it.
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -27,7 +27,7 @@ using ORLTest::Units;
 namespace {
 
 long sMagic;
-unsigned sAlignment; // 0: the file system reports none
+unsigned sAlignment; // alignment that statx reports; 0: none
 unsigned long sFreeBlocks;
 
 int FakeStatFs(const char*, struct statfs* outStatus)
@@ -116,7 +116,7 @@ namespace {
 
 constexpr char kAnySector[] = "/sys/dev/block/";
 unsigned sReportedAlignment; // alignment that statx reports; 0: none
-unsigned sAcceptedAlignment; // the smallest direct read that the file allows
+unsigned sAcceptedAlignment; // alignment that direct reads of the file need
 const char* sDeviceSector;   // sector size that the device reports; null: none
 
 int StatxOfBigSectors(int inFolder, const char* inPath, int inFlags, unsigned inMask, struct statx* outStatus)
@@ -158,8 +158,8 @@ ssize_t ReadOfBigSectors(int inFile, void* outBuffer, std::size_t inSize, off_t 
 
 } // namespace
 
-// On a disk with sectors of 4096 bytes, the volume, a reader and an unbuffered file report the same size, whether or
-// not the kernel supports the query.
+// The volume functions, a reader and an unbuffered file use the same sector size for a file, whether or not statx or
+// the device reports it. Without a report, a folder gets 512, because only files can be probed with a read.
 TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
 {
     struct Row
@@ -220,7 +220,7 @@ TEST(SectorSize, IsOneAnswerForTheVolumeTheReaderAndTheFile)
     TerminateAsyncFileOperations();
 }
 
-// A drive is a tree of many file systems; queries use the file system that contains the path.
+// A drive may contain mount points; queries use the file system that contains the path.
 TEST(DiskUtils, BelowAMountPoint_TheMountedFileSystemAnswers)
 {
     UTF16String root;

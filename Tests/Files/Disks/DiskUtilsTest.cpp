@@ -35,9 +35,9 @@ TEST(GetVolumeRootPath, EachPath_HasItsRoot)
         {__LINE__, uR"(\\?\UNC\server\share\dir)", uR"(\\?\UNC\server\share\)"},
         // an extended path may have any character as its drive
         {__LINE__, uR"(\\?\1:\dir)", uR"(\\?\1:\)"},
-        // an empty server name is invalid: the walk up stops where the system sees a server
+        // the server name is empty, so components are dropped until the platform takes the rest for a root
         {__LINE__, uR"(\\?\UNC\\share\x)", uR"(\\?\)"},
-        // no share: the walk up stops where the system sees a root, or when nothing is left to drop
+        // neither drive nor share: components are dropped until a root is left or nothing more can be dropped
         {__LINE__, u"relative", u"relative\\"},
         {__LINE__, uR"(relative\dir)", uR"(relative\)"},
         {__LINE__, uR"(\dir\file)", u""},
@@ -131,7 +131,7 @@ TEST(GetMaxFileSize, WhereTheSystemFails_LeavesTheSize)
     sNameError = 5;
     EXPECT_EQ(kAccessDenied, GetMaxFileSize(Units(u"C:\\x"), size, queries));
     EXPECT_EQ(77u, size);
-    // a 32-bit size needs no file system name
+    // free space below 4 GiB is the limit on every file system, so the name is not queried
     sFree = kGiB;
     EXPECT_EQ(kSuccess, GetMaxFileSize(Units(u"C:\\x"), size, queries));
     EXPECT_EQ(kGiB, size);

@@ -87,7 +87,7 @@ Result AskForTimeAndSize(const TempFolder& inFolder)
     return ResultSucceeded(result) ? sizeResult : result;
 }
 
-// Maps errors of operations that return -1 if the call Own fails.
+// Maps errors of operations that return -1 if the system call Own fails.
 template <Faults::Call Own>
 Result MapToMinusOneIf(Faults::Call inCall, SystemError inError)
 {

@@ -21,7 +21,7 @@ namespace {
 constexpr int kErrors[] = {EIO,   EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
-// Ignored in every operation: calls that are retried or replaced, and attributes that some file systems do not store.
+// Ignored in every operation: failures of calls that are retried, replaced or optional on some file systems.
 const std::vector<IgnoredFailure> kAlwaysIgnored = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},
@@ -61,7 +61,7 @@ void Prepare(const FileOperation& inOperation, Faults& ioCalls)
     }
 }
 
-// The allocator may request pages at any time; other tests fail its calls.
+// Returns whether the call is one of the allocator's, which may occur at any time; other tests fail these calls.
 bool IsOfMemory(int inCall)
 {
     return inCall == Faults::kMapPages || inCall == Faults::kAdvisePages || inCall == Faults::kUnmapPages;

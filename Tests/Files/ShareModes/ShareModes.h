@@ -15,7 +15,7 @@ struct OpenMode
     std::uint32_t mAccess;
     std::uint32_t mShare; // sum of 1 (shares reading), 2 (writing) and 4 (deleting)
 
-    // Returns the access as share mode bits. Execute access counts as read access.
+    // Returns the share mode bits that the access needs. Execute access counts as read access.
     std::uint32_t Uses() const
     {
         using namespace ORL::Files::Platform;

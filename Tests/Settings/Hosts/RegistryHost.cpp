@@ -159,7 +159,7 @@ int main(int argc, char** argv)
     if (words.at(0) == "model") {
         ORLTest::RegistryModel model(MakeString(words.at(1)));
         for (std::size_t i = 2; i + 1 < words.size(); i += 2) {
-            model.Run(number(i), number(i + 1), i + 3 < words.size()); // all turns except the last run on the map only
+            model.Run(number(i), number(i + 1), i + 3 < words.size()); // only the last turn changes the registry
         }
         return 0;
     }

@@ -71,7 +71,7 @@ TEST_F(RegistryProcessesTest, EightThreadsOfTwoProcesses_LoseNothing)
     }
 }
 
-// A write of another process must be visible to the next read, not only after some check of the cache.
+// A write by another process must be visible to the very next read, not only to a later one.
 TEST_F(RegistryProcessesTest, WhatAnotherProcessWrites_IsSeenAtTheNextRead)
 {
     RegistryKey other;

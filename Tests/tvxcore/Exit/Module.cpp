@@ -20,7 +20,7 @@ using namespace tvxcore::threads;
 
 std::atomic<int> sRuns{0};
 
-// Keeps threads busy and locks taken, so that the process ends with some in use.
+// Keeps threads busy and locks held, so that the process exits while some are in use.
 struct Work
 {
     Work() : mExecutor(CreateAsyncThreadedExecutor("work", 3, 3, boost::function<void()>(), boost::function<void()>()))
@@ -44,7 +44,7 @@ struct Work
 };
 
 std::unique_ptr<Work> sWork;
-std::atomic<Work*> sLeakedWork{nullptr}; // keeps it reachable for leak checkers
+std::atomic<Work*> sLeakedWork{nullptr}; // keeps the object reachable for leak checkers
 
 using tvxcore::utility::SmallBlockAllocator;
 
