@@ -6,15 +6,15 @@
 namespace ORL {
 namespace Sync {
 
-/// Runs one iteration of a spin: lets the processor save power and the other thread of its core run. tvxcore spins with
-/// the same instruction; sharing a function for it would need a public header, and hosts do not spin.
+/// Runs one iteration of a spin: the processor saves power and lets the other hardware thread of its core run. tvxcore
+/// spins with the same instruction; sharing a function for it would need a public header, and hosts do not spin.
 inline void PauseProcessor() noexcept
 {
     __builtin_ia32_pause();
 }
 
 /// The escalation of a repeated wait: the turns before mFirstYield pause the processor, the turns before mFirstSleep
-/// yield it, and later turns sleep for a millisecond each, because a yield runs no thread of lower priority.
+/// yield it, and later turns sleep for a millisecond each, because a yield lets no thread of lower priority run.
 struct Backoff
 {
     int mFirstYield;

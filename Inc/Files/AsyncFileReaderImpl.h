@@ -28,7 +28,7 @@ using AsyncReadBusyRequests = AsyncReadRequestBusyList<AsyncReadRequest>;
 /// The record of a read, from QueueReadRequest until its callback has returned.
 struct AsyncReadRequest
 {
-    AsyncFiles::Platform::Overlapped mOverlapped; // must be first: the port's pointer is cast to the request
+    AsyncFiles::Platform::Overlapped mOverlapped; // must be first: the port's Overlapped* is cast to the request
     std::uint64_t mFilePosition;
     std::uint32_t mSize;
     void* mBuffer; // owned by the caller

@@ -18,16 +18,16 @@ inline constexpr std::size_t kMaxPath = 260;
 UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                      const UTF16String& inExtension);
 
-/// Returns the text after the first backslash, or after the first two if adjacent; without a backslash, the end.
-/// Returns null for an empty text.
+/// Returns the text after the first backslash, or after the first two if adjacent; the text's end if there is no
+/// backslash. Returns null for an empty text.
 const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 
-/// Stores the relative path between two directories. Returns false, with outRelative untouched, if the directories have
-/// no common first name, if only one is a UNC path, or if the result exceeds kMaxPath.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if their first
+/// components differ, if only one is a UNC path, or if the result exceeds kMaxPath.
 bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
 /// Stores inMore relative to inBase. A relative inMore is appended to inBase; one that begins with a backslash is
-/// appended to the root of inBase; one with a drive and a UNC path replace inBase. Then resolves "." and "..". Returns
+/// appended to the root of inBase; a UNC path or one with a drive replaces inBase. Then resolves "." and "..". Returns
 /// false, with outPath untouched, if the joined text exceeds kMaxPath.
 bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 

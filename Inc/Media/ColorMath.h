@@ -64,7 +64,7 @@ inline ChannelRing Normalized(const ParamColor<unsigned long>& inColor)
     return {inColor.GetRed() / 255.0f, inColor.GetGreen() / 255.0f, inColor.GetBlue() / 255.0f};
 }
 
-/// Returns the degrees or percent of a value from 0 to 1. Adds the rounding term 0.5 in double.
+/// Returns a value from 0 to 1 in degrees or percent. Adds the rounding term 0.5 in double.
 inline unsigned int Whole(float inValue, float inWhole)
 {
     return static_cast<unsigned int>(static_cast<int>(inValue * inWhole + 0.5));
@@ -87,7 +87,7 @@ inline unsigned int StoredNumber(double inValue)
     return static_cast<unsigned int>(Wrapping::TruncateToUnsigned64(inValue));
 }
 
-/// Returns the degrees or percent of any value. Adds the rounding term 0.5 in float.
+/// Returns any value in degrees or percent. Adds the rounding term 0.5 in float.
 inline unsigned int StoredInFloat(float inValue, float inWhole)
 {
     return StoredNumber(inValue * inWhole + 0.5f);

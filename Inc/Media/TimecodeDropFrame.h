@@ -6,8 +6,8 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Returns the time of a label. In a minute that drops labels, frame 0 means its first real label. Frame 1 fails an
-/// assertion; it and, at 59.94, frames 2 and 3 result in times before the start of the minute.
+/// Returns the time of a label. At the start of a minute that drops labels, frame 0 means the first label not dropped.
+/// Frame 1 fails an assertion; it and, at 59.94, frames 2 and 3 result in times before the start of the minute.
 tvxmediatypes::TickTime NTSCDropFrame_HMSFToTime(int inHours, int inMinutes, int inSeconds, long long inFrames,
                                                  bool inIsHD);
 

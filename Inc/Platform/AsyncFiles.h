@@ -43,7 +43,7 @@ struct Completion
 {
     Overlapped* mOverlapped;                          // null for an empty packet
     std::uint32_t mBytesRead;                         // 0 for a read that failed
-    SystemError mStartError = SystemErrors::kNoError; // the error of a start, if detected late
+    SystemError mStartError = SystemErrors::kNoError; // start error detected on completion
 };
 
 /// Creates a port that one thread at a time drains. Returns 0, or the system error with a null port.
@@ -59,11 +59,11 @@ const char* DescribePort_Impl(Handle inPort);
 bool PostEmptyPacket_Impl(Handle inPort);
 
 /// Waits without limit for the next packet. Returns true for a read that succeeded and for an empty packet. Returns
-/// false for a failed read, with its outCompletion, and if the port fails or has been closed, with null.
+/// false for a failed read, and, with a null mOverlapped, if the port fails or has been closed.
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion);
 
-/// Opens an existing file for unbuffered reading; other handles may also read and write it. Takes the extended form of
-/// a path. Returns 0 and the file, or the system error and InvalidHandle().
+/// Opens an existing file for unbuffered reading; other handles may also read and write it. The path must be in
+/// extended form. Returns 0 and the file, or the system error and InvalidHandle().
 ///
 /// On file systems without unbuffered access, reads use the page cache and drop their pages afterwards.
 SystemError OpenUnbuffered_Impl(const UTF16String& inNormalizedPath, Handle& outFile);
@@ -75,8 +75,8 @@ void CloseFile_Impl(Handle inFile);
 /// error.
 SystemError AttachFile_Impl(Handle inPort, Handle inFile);
 
-/// Returns the alignment of positions, sizes and addresses for reads of this file, if the file has a more exact one
-/// than its volume; else 0.
+/// Returns the alignment of positions, sizes and addresses for reads of this file, if it is known more exactly than
+/// from the volume; else 0.
 std::uint32_t GetReadAlignment_Impl(Handle inFile);
 
 /// Starts a read of an attached file. Returns 0 or 997 (pending) if the completion will arrive through the port. Any
@@ -92,8 +92,8 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 inline constexpr std::size_t kMaxBatchedReads = 32;
 
 /// Submits the delayed reads to the system. Returns how many reads the system rejected, with the reason in outError;
-/// these are the newest reads started since the last call. A delayed read may complete before this call if a packet is
-/// posted after it.
+/// these are the last reads started before this call. A delayed read may complete earlier, because posting an empty
+/// packet also submits it.
 std::size_t SubmitReads_Impl(SystemError& outError);
 
 /// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.

@@ -33,7 +33,7 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
 SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry);
 
 /// Called before directories below this one are listed, so that a walk of any depth does not exhaust the process's
-/// handles. The remaining entries are kept.
+/// handles. NextEntry_Impl still returns the remaining entries.
 void Suspend_Impl(Listing& ioListing);
 
 void CloseListing_Impl(Listing* inListing);
@@ -41,12 +41,12 @@ void CloseListing_Impl(Listing* inListing);
 /// Returns whether two paths refer to the same directory; false if one cannot be queried.
 bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther);
 
-/// Creates a hidden file, which must not exist yet, and writes one byte to it. Always deletes the file. Returns whether
-/// that succeeded.
+/// Creates a hidden file, which must not exist yet, writes one byte to it and deletes it. Returns whether a file could
+/// be created and written.
 bool WriteProbe_Impl(const UTF16String& inPath);
 
-/// Creates the directory and its missing parents. Returns the status of the system's path service: 0 for success. Other
-/// values need not be system error numbers.
+/// Creates the directory and its missing parents. Returns 0, or the status of the system function that failed, which
+/// need not be a system error number.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath);
 
 /// Removes an empty directory.

@@ -18,7 +18,7 @@ enum class WaitOutcome { kSignalled, kTimeout, kFailed };
 /// Returns 0 and the handle, which is never null; or the system error and null.
 unsigned long CreateEvent_Impl(bool inManualReset, bool inInitiallySignalled, void*& outEvent);
 
-/// Destroys an event without waiters. A call to SetEvent_Impl that has already signalled may not have returned yet.
+/// Destroys an event without waiters. A SetEvent_Impl call that has signalled the event may still be in progress.
 /// Ignores null.
 void DestroyEvent_Impl(void* inEvent);
 

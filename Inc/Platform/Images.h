@@ -61,8 +61,8 @@ struct LockedPixels
 int LockPixels_Impl(Picture* inPicture, unsigned int inMode, int inFormat, LockedPixels& outPixels);
 void UnlockPixels_Impl(Picture* inPicture, LockedPixels& ioPixels);
 
-/// Creates a native bitmap from a picture over a block; transparent pixels stay transparent. Returns the status. On a
-/// platform whose bitmaps are such blocks, the bitmap takes ownership of the block.
+/// Creates a native bitmap from a picture that CreateOnBlock_Impl made; transparent pixels stay transparent. Returns
+/// the status. On a platform whose bitmaps are such blocks, the bitmap takes ownership of the block.
 int CreateBitmap_Impl(Picture* inPicture, std::unique_ptr<unsigned char[]>& ioBlock, HBITMAP& outBitmap);
 
 void DeleteBitmap_Impl(HBITMAP inBitmap);

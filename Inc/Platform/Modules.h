@@ -32,7 +32,7 @@ void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::
 /// Returns null if the module exports no such name.
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))();
 
-/// Creates the data that the lookups below need in addition to the handle, which may be null. Throws std::bad_alloc.
+/// Creates the data that the lookups below need in addition to the handle; null if none. Throws std::bad_alloc.
 ResourceStore* OpenResources_Impl(HINSTANCE inModule);
 void CloseResources_Impl(ResourceStore* inStore);
 

@@ -15,7 +15,7 @@ void* AllocatePages_Impl(std::size_t inSize);
 /// Frees memory from AllocatePages_Impl. inSize must be the same.
 void FreePages_Impl(void* inPages, std::size_t inSize);
 
-/// Returns how the C runtime handles an exhausted heap: 0 if an allocation simply fails. In any other mode an
+/// Returns how the C runtime handles an exhausted heap: 0 if an allocation simply fails. In any other mode a failing
 /// allocation calls the host's handlers.
 int QueryNewMode_Impl();
 

@@ -50,7 +50,7 @@ inline constexpr unsigned kOpenedKey = 2;
 SystemError CreateKey_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess, KeyHandle& outKey,
                            unsigned* outDisposition);
 
-/// Open, create or delete a key through the system's transaction manager. Returns 1 if the system lacks
+/// Open, create or delete a key through the system's transaction manager. Return 1 if the system lacks
 /// the function, which is looked up on each call.
 SystemError OpenKeyTransacted_Impl(KeyHandle inParent, const unsigned short* inPath, unsigned inAccess,
                                    void* inTransaction, KeyHandle& outKey);
@@ -79,7 +79,7 @@ SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short*
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 
-/// Reads text one unit past its size; a terminator there is also stored.
+/// If a text does not end in a terminator, also reads the unit after it; if that is a terminator, stores it too.
 SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
                           unsigned inSize);
 

@@ -17,9 +17,9 @@ namespace ORL {
 /// search costs twenty cache misses, the index one or two.
 ///
 /// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only read
-/// access (ReaderSlots). The table excludes readers before it frees a record or index entry that they may access. So
-/// only a thread that holds the guard can find a record whose count is 0 again, and a purge reads the counts while no
-/// reader can find the records.
+/// access (ReaderSlots). The table excludes readers before it frees a record or index entry that they may access.
+/// A purge holds mGuard and excludes readers, so no other thread can find a record then, and a handle count of 0
+/// stays 0.
 class ImmutableStringTable
 {
 public:
@@ -80,8 +80,8 @@ private:
     };
 
     /// A slot of the index, a hash table with linear probing whose size is a power of two; at most half full.
-    /// The slot holds the text's address, so that a hit need not access the record. A slot takes half a cache line; a
-    /// search begins at the first of the two slots of a line.
+    /// The slot holds the text's address, so that comparing need not access the record. A slot takes half a cache line;
+    /// a search begins at the first of the two slots of a line.
     struct alignas(32) Slot
     {
         const unsigned char* mText;
@@ -129,7 +129,7 @@ private:
 
     const CriticalSection& mGuard;
     Records mRecords TVXCORE_GUARDED_BY(mGuard);
-    Slots mIndex; // changed under the guard; visits may read its slots
+    Slots mIndex; // changed under the guard; readers may read its slots
     ReaderSlots mReaders;
 };
 

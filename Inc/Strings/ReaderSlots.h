@@ -38,8 +38,8 @@ struct SystemReaderSlots
     static void BackOff(int inTurn);
 };
 
-/// A reader-writer lock makes each reader write a word that other processors write too; with two threads that dominates
-/// the cost of a lookup. A read access writes a cache line that threads rarely share, with one atomic instruction.
+/// In a plain reader-writer lock all readers write the same word; even with two threads that dominates the cost of a
+/// lookup. Here a reader writes, with one atomic instruction, to a cache line that threads rarely share.
 ///
 /// Writers are serialised by a separate lock: only one thread at a time may use WriterAccess. A reader must not acquire
 /// that lock.
@@ -55,8 +55,8 @@ public:
     ReaderSlotsOf(const ReaderSlotsOf&) = delete;
     ReaderSlotsOf& operator=(const ReaderSlotsOf&) = delete;
 
-    /// While it exists and IsGranted() is true, the constructor of WriterAccess waits. Never waits: if a writer is
-    /// active or all slots tried are taken, IsGranted() is false and the caller takes the writers' lock instead.
+    /// While it exists and IsGranted() is true, writers wait. Its constructor never waits: if a writer is active or all
+    /// slots tried are taken, IsGranted() is false and the caller acquires the writers' lock instead.
     class ReaderAccess
     {
     public:

@@ -16,12 +16,12 @@
 //   Pause, SpinTurns      one turn of a spin, and the number of turns for an event that is expected at once: 0 if
 //                         spinning is useless, as on one processor
 //   LongSpinTurns         the number of turns if the event depends on threads that may have to be woken first
-//   YieldOrSleep               yields before a retry, after several tries also to threads of lower priority; takes the
-//                         number of earlier tries
+//   YieldOrSleep          yields before a retry, after several tries also to threads of lower priority; its argument
+//                         is the number of earlier tries
 //   SleepMilliseconds     a plain sleep
 //   Gate, RetrieveGate, ReturnGate
 //                         the gate, and its pool
-//   Executes              whether a step is executed: always true in the product; omitting one must fail a model check
+//   Executes              whether a step is executed: always true in the library; without the step a model check fails
 #pragma once
 
 #include <ORLAtomic.h>
@@ -43,7 +43,7 @@ namespace Sync {
 /// Steps that the model checks omit one by one, to prove that they detect each omission.
 enum class Step {
     kGateSecondRead,          // WaitableGate::Wait reads the flag again under the mutex
-    kGateGenerationEndsSleep, // a new generation ends a sleep, not the flag
+    kGateGenerationEndsSleep, // a new generation, not the flag, ends a sleep
     kGatePoolClosesFirst,     // ReturnGate closes the gate before other threads can take it
     kRequestPoolClaims,       // a record is claimed by compare-and-set, not by a load and a store
     kBusyListOpensGate,       // the removal of the last request opens the gate

@@ -13,7 +13,7 @@ namespace ORL {
 
 /// The requests in flight on one reader. The list does not own its requests.
 ///
-/// Threads:  thread-safe. The callback of a read must not wait for its own list, which still contains its request.
+/// Threads:  thread-safe. A read's callback must not wait for the list, which still contains its own request.
 /// Locks:    mLock, then the lock of the gate pool or the mutex of a gate. mLock is not held while a thread waits.
 /// Gate:     the gate is open from the moment the list becomes empty until the last waiter has left. A thread that
 ///           starts to wait in this short time passes at once, even if a new read is in flight.

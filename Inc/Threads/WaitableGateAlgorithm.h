@@ -9,7 +9,7 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any type with the fields of WaitableGate whose types are those of the policy.
+/// Works on any type that has the fields of WaitableGate, with the types that the policy defines.
 ///
 /// No wake-up is lost: Open sets the flag, then locks the mutex; Wait locks the mutex, then reads the flag. So either
 /// the waiter sees the flag, or the opener sees the waiter.

@@ -9,7 +9,7 @@
 namespace ORL {
 namespace Sync {
 
-/// Works on any type with the rendezvous fields of ThreadedWorkQueueFlush whose types are those of the policy.
+/// Works on any type that has the rendezvous fields of ThreadedWorkQueueFlush, with the types that the policy defines.
 ///
 /// A thread of the queue takes a function only after it has finished the previous one, and functions start in the order
 /// in which they were queued. So when one item for each thread is in Process, every thread has taken one, and
@@ -28,8 +28,8 @@ public:
     {
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
-            // Until another flush that has claimed the object closes the gate, the gate is open and Wait returns at
-            // once. Threads that retry without a pause would take the processors from that flush and from its items.
+            // The gate is open, and Wait returns at once, until the flush that has claimed the object closes the gate.
+            // Threads that retry without a pause would take the processors from that flush and from its items.
             if (Policy::Executes(Step::kFlushYields)) {
                 Policy::YieldOrSleep(turn);
             }
@@ -70,8 +70,8 @@ public:
     }
 
 private:
-    // Flushing an idle queue takes a few microseconds if no thread sleeps. Each sleep adds thirty microseconds or
-    // more, in the caller and in a thread of the queue, which spins only for a limited time before it sleeps.
+    // Waits spin long here: flushing an idle queue takes a few microseconds if no thread sleeps, and each sleep, in
+    // the caller or in a thread of the queue, adds thirty microseconds or more.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 
     // Returns true for the last arrival. This thread makes the object claimable before it opens the gate, so that a
