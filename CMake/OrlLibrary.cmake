@@ -95,6 +95,11 @@ function(orl_library name)
   if(NOT WIN32 AND NOT (ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
     target_link_options(${name} PRIVATE -Wl,--no-undefined)
   endif()
+  # The start-up code of each library uses the C library, but only by weak symbols, for which the linker records no
+  # dependency.
+  if(NOT WIN32)
+    target_link_options(${name} PRIVATE LINKER:--push-state,--no-as-needed,-lc,--pop-state)
+  endif()
 endfunction()
 
 # build/include/ORLVersion.h

@@ -1,5 +1,5 @@
-# The Debian packages that CPack makes, one for each component. For example:
-# cpack -G DEB --config build/demo/CPackConfig.cmake -B build/packages
+# The packages that CPack makes: a Debian package for each component, and one .zip with everything for Windows.
+# Scripts/package calls it.
 set(CPACK_PACKAGE_NAME orlfoundation)
 set(CPACK_PACKAGE_VENDOR "The ORLFoundation developers")
 set(CPACK_PACKAGE_CONTACT "The ORLFoundation developers <developers@orlfoundation.invalid>")
@@ -8,6 +8,14 @@ set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_COMPONENTS_ALL runtime dev tools doc)
+
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_MONOLITHIC_INSTALL ON)
+  set(CPACK_PACKAGE_FILE_NAME "orlfoundation-${PROJECT_VERSION}-windows-x86_64")
+  include(CPack)
+  return()
+endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -25,6 +33,9 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "The shared libraries ORLFoundation, tvxcore, tvxmediatypes and CRV.")
+# The loader's cache is rebuilt once after the installation of several packages.
+file(WRITE "${PROJECT_BINARY_DIR}/debian/triggers" "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/debian/triggers")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME orlfoundation-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
@@ -37,12 +48,14 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orlfoundation-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_TOOLS_DESCRIPTION "The program orl streams, ingests and verifies media files and reads timecode and settings.")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+  "The program orl streams, ingests and verifies media files\nand reads timecode and settings.")
 
 set(CPACK_DEBIAN_DOC_PACKAGE_NAME orlfoundation-doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
-set(CPACK_DEBIAN_DOC_DESCRIPTION "The guides in Markdown: architecture, ABI, timecode, settings, resources and ingest.")
+set(CPACK_DEBIAN_DOC_DESCRIPTION
+  "The guides in Markdown: architecture, ABI, timecode, settings,\nresources and ingest.")
 
 # The libraries of the runtime package are found here when the dependencies of the tools are determined.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
