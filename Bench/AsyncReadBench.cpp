@@ -48,7 +48,7 @@ struct Work
     }
 };
 
-// The same sequence of positions for all rivals.
+// Generates the same sequence of positions for every rival.
 class Positions
 {
 public:
@@ -108,8 +108,8 @@ public:
 private:
     void Queue(void* inBuffer)
     {
-        // The main thread queues reads first, then the completion thread does, but never both at once for the same
-        // slot. The counter is shared.
+        // The main thread queues the first read into each buffer, the completion thread the later ones. Both may run
+        // at once, so the counter is atomic.
         if (mQueued.fetch_add(1, std::memory_order_relaxed) < mWork.Reads()) {
             mReader.QueueReadRequest(NextPosition(), mWork.mBlock, inBuffer, &OnRead, this, nullptr, nullptr);
         }
@@ -322,7 +322,7 @@ void CompareCost(const Work& inWork, char* inMemory)
     group.Run();
 }
 
-// Keeps the file in the program's folder for the next run.
+// Creates the file in the program's folder, unless an earlier run left it there.
 std::string MakeFile()
 {
     namespace fs = std::filesystem;

@@ -1,5 +1,5 @@
 // Question: is converting code page text by value faster than ICU's converter, kept open and writing to a preallocated
-// buffer? And does querying the language again cost more than a load?
+// buffer? And does a repeated query of the language cost more than an atomic load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
 

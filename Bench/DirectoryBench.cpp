@@ -2,8 +2,8 @@
 // library's iterator?
 //
 // One tree of 100000 entries on this program's disk, fully cached: 2000 folders with 49 files each. All
-// rivals return every path and whether it is a folder. The hand-written listing follows the rules literally: it queries
-// the kind of each entry by its path, and checks each folder for emptiness first.
+// rivals return every path and whether it is a folder. The hand-written listing is straightforward: it checks each
+// folder for emptiness first, and then queries the kind of each entry by its path.
 #include "Harness.h"
 
 #include <ORLDirectory.h>

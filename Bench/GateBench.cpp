@@ -167,7 +167,7 @@ void NobodyWaiting()
         .Run();
 }
 
-// No goal: if memory is available at once, a new gate costs less than the pool's lock and checks. The pool saves
+// No goal: if the heap returns memory quickly, a new gate costs less than the pool's lock and checks. The pool saves
 // constructing a mutex and a condition variable on systems where that needs system calls, and moving memory between
 // threads.
 void PooledGates()

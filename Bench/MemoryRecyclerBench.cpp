@@ -1,8 +1,8 @@
 // Question: what does a reused large buffer cost? The answer decides whether a host may request one per frame.
 //
-// The pool contains one buffer of the requested size per thread. "Written" rows touch each page once, as any
-// code that fills a buffer does. The peers are libavutil's buffer pool and a new mapping each time. The row of writes
-// into a kept buffer shows the part of a written row that no pool can save.
+// The pool contains one buffer of the requested size per thread. Groups with "every page written" touch each page once,
+// as any code that fills a buffer does; their row "the writes alone" writes to a kept buffer, a cost that no pool can
+// save. The peers are libavutil's buffer pool and a new mapping each time.
 #include <Harness.h>
 
 #include <ORLMemoryRecycler.h>

@@ -338,8 +338,8 @@ void DayGroup()
         .Run();
 }
 
-// Returns the blocks of the small block allocator, if it counts them, plus those of the system's heap beneath it. The
-// allocator may be a front end to the heap without counters.
+// Returns the blocks allocated so far: from the small block allocator, if it has counters, and from the system's heap
+// beneath it. An allocator without counters may be a mere front end to the heap.
 unsigned long long BlocksSoFar()
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot snapshot{};

@@ -40,7 +40,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/ORLFoundationConfigVersi
 install(FILES "${PROJECT_BINARY_DIR}/ORLFoundationConfig.cmake" "${PROJECT_BINARY_DIR}/ORLFoundationConfigVersion.cmake"
   CMake/OrlTargetResources.cmake DESTINATION ${package_dir} COMPONENT dev)
 
-# The paths in the pkg-config file are relative to its place, so that the installed tree can be moved.
+# The paths in the pkg-config file are relative to its own folder, so that the installed tree can be moved.
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 file(RELATIVE_PATH ORL_PREFIX_FROM_PC "/${pkgconfig_dir}" "/")
 string(REGEX REPLACE "/$" "" ORL_PREFIX_FROM_PC "${ORL_PREFIX_FROM_PC}")

@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE orlfoundation)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# The name of the runtime package contains the number of the ABI, so that two of them can be installed.
+# The name of the runtime package contains the ABI number, so that packages of two ABIs can be installed together.
 set(runtime_package "orlfoundation${ORL_ABI}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
@@ -57,7 +57,7 @@ set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOC_DESCRIPTION
   "The guides in Markdown: architecture, ABI, timecode, settings,\nresources and ingest.")
 
-# The libraries of the runtime package are found here when the dependencies of the tools are determined.
+# Here dpkg-shlibdeps finds the runtime package's libraries when it determines the dependencies of the tools.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 
 # What the distribution expects of each package: its licence, its changes, and the reason for the search path $ORIGIN.

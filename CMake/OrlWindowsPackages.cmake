@@ -23,7 +23,7 @@ add_library(orl_boost_thread SHARED
   "${boost_thread_source}/win32/thread_primitives.cpp"
   "${boost_thread_source}/win32/tss_dll.cpp"
   "${boost_thread_source}/future.cpp")
-# Its file name contains Boost's version, because a process may contain plug-ins that ship another one.
+# The DLL's file name contains Boost's version, because a plug-in in the same process may ship a different version.
 file(STRINGS "${boost_include}/boost/version.hpp" ORL_PACKAGE_BOOST_VERSION REGEX "#define BOOST_LIB_VERSION \"[0-9_]+\"")
 string(REGEX REPLACE ".*\"([0-9_]+)\".*" "\\1" ORL_PACKAGE_BOOST_VERSION "${ORL_PACKAGE_BOOST_VERSION}")
 set_target_properties(orl_boost_thread PROPERTIES OUTPUT_NAME boost_thread CXX_VISIBILITY_PRESET default
@@ -37,7 +37,7 @@ set(ORL_BOOST_THREAD orl_boost_thread)
 set(ORL_ICU "")
 set(ORL_URING "")
 set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi gdiplus gdi32)
-# WaitOnAddress, WakeByAddressSingle and WakeByAddressAll
+# The import library for WaitOnAddress, WakeByAddressSingle and WakeByAddressAll.
 set(ORL_SYNCHRONIZATION synchronization)
 
 # Copies the toolchain's runtime libraries next to the programs, so that the programs run from their folder.

@@ -6,7 +6,7 @@
 //   - Before the first repetition each rival warms up, and its operation count is chosen so that one round takes about
 //     20 ms. A round's figure is its wall time divided by its operations (with several threads: by one thread's
 //     operations, from the common start until the last thread finishes).
-//   - 11 repetitions by default, never fewer than 9. A row shows the median, the fastest and the 90th percentile.
+//   - 11 repetitions by default, at least 9 unless quick. A row shows the median, the fastest and the 90th percentile.
 //   - The ratio of ours to a peer is computed in each repetition; the median of these ratios is printed and compared
 //     with the goal. The peer is the one named by the goal, else the one with the best median.
 //   - Threads stay alive for the whole group and are pinned: thread 0 (the caller) to processor 0, thread 1 to 1.
@@ -30,7 +30,7 @@
 //   }
 //
 // A body receives the number of operations and, if it takes a second argument, its thread's number. If a body returns a
-// double, that is the round's figure (its own clock, MB/s, processor time); Unit() names it then.
+// double, that is the round's figure (its own clock, MB/s, processor time); Unit() sets its unit.
 #pragma once
 
 #include <Processors.h>
