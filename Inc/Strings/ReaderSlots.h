@@ -55,8 +55,8 @@ public:
     ReaderSlotsOf(const ReaderSlotsOf&) = delete;
     ReaderSlotsOf& operator=(const ReaderSlotsOf&) = delete;
 
-    /// While it exists and IsGranted() is true, writers wait. Its constructor never waits: if a writer is active or all
-    /// slots tried are taken, IsGranted() is false and the caller acquires the writers' lock instead.
+    /// While it exists and IsGranted() is true, WriterAccess waits. ReaderAccess never waits: if a writer is active or
+    /// all slots tried are taken, IsGranted() is false and the caller acquires the writers' lock instead.
     class ReaderAccess
     {
     public:

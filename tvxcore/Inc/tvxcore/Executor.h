@@ -31,7 +31,7 @@ public:
     /// Returns false if termination has been requested. The second argument is ignored; pass 0.
     /// The function is copied once, on the caller's thread; the copy is destroyed after it has run. The function should
     /// not throw: an exception is reported to the error manager as a warning (package 110, identifier 1) and the thread
-    /// continues. Throws what the copy throws, or std::bad_alloc; the function then does not run.
+    /// continues. Throws what copying throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 
     /// Returns the number of threads. The number stays the same after they have exited.

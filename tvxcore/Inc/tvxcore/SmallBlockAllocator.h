@@ -15,8 +15,8 @@ namespace utility {
 /// Process-wide allocator for small blocks.
 ///
 /// Blocks up to SmallBlocks::kLargestSmall bytes come from size classes, through thread caches; larger ones come from
-/// the C library. Clusters that become empty are returned to the system, except the memory that the caches and the
-/// shared stores keep. Under AddressSanitizer every block comes from the C library.
+/// the C library. A cluster is returned to the system when none of its blocks is allocated or held by a cache or shared
+/// store, but one such cluster is kept. Under AddressSanitizer every block comes from the C library.
 ///
 /// Owner:    the caller owns a block until Dispose.
 /// Threads:  thread-safe at any time: before static construction, after static destruction, and in the thread-local
@@ -45,8 +45,8 @@ public:
         ///   Master blocks       runs of 64 KiB that hold the blocks of one class
         ///   Clusters            runs of 1 MiB that master blocks are cut from
         ///
-        /// A current value or a total lacks the changes that other threads make during the call. A peak is never below
-        /// a current value of any snapshot. The peaks of the small blocks are exact while one thread allocates and
+        /// A current value or a total may miss changes that other threads make during the call. A peak is never below
+        /// the current value in any snapshot. The peaks of the small blocks are exact while one thread allocates and
         /// frees; with several threads, a peak may exceed the true one by less than 16,384 blocks and 16 MiB for each
         /// other thread. All other peaks are exact.
         struct Snapshot

@@ -4,10 +4,10 @@
 // thread's stack, whichever thread allocated them; whole batches move between a stack and the stores that all threads
 // share. The caller passes the size when it frees a block, so a block needs no header and no search for its class.
 //
-// The counters cost two additions. A packed word holds a number of blocks and a number of bytes, and sums of packed
-// words stay correct as long as the differences that are evaluated fit their fields:
-//   mTaken  what the thread has allocated since its totals were last updated
-//   mQuota   mTaken, plus what the thread may still allocate before a peak moves
+// The counters cost an addition per Allocate and per Dispose. A packed word holds a number of blocks and one of bytes.
+// Sums of packed words stay correct as long as the differences that are evaluated fit their fields:
+//   mTaken   what the thread has allocated since its totals were last updated
+//   mQuota   mTaken, plus what the thread may still allocate before a peak must be raised
 // Allocate adds to mTaken, Dispose to mQuota. Allocate takes the slow path if the quota (mQuota - mTaken) is used up or
 // a sum has carried into a guard bit; the slow path updates the peaks and the totals.
 //
@@ -83,8 +83,8 @@ struct CacheHead
     std::size_t mTakesBelow = 0;              // smaller sizes are freed to this cache; 0 forces the slow path
     std::atomic<std::uint64_t> mTaken{0};
     std::atomic<std::uint64_t> mQuota{0};
-    // Two pointers for each class: one past the top block of its stack, and the end of the stack's memory. A null is
-    // below the first block of each stack.
+    // Two pointers for each class: one past the top block of its stack, and the end of the stack's memory. The slot
+    // below the first block of each stack holds null.
     std::array<void**, 2 * kClassCount> mPlaces{};
 };
 
@@ -92,8 +92,8 @@ struct CacheHead
 TVXCORE_API void* AllocateSlowly(std::size_t inSize) noexcept;
 TVXCORE_API void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept;
 
-/// Both limits of a cache are at most kLargestSmall + 1, which the compiler cannot see. This hint lets it drop the fast
-/// path for sizes known to be larger.
+/// mServesBelow and mTakesBelow are at most kLargestSmall + 1, which the compiler cannot see. This hint lets it drop
+/// the fast path for sizes known to be larger.
 inline void AssumeSmall(std::size_t inSize) noexcept
 {
     if (inSize > kLargestSmall) {
@@ -102,9 +102,9 @@ inline void AssumeSmall(std::size_t inSize) noexcept
 }
 
 // Recent processors forward a stored word to the next load without delay, if both address it by a register plus offset
-// and the addition between them is not done in memory. With indexed addresses each iteration waits for the store of the
-// previous iteration, which doubles the time of a pair. Compilers prefer the slow forms; these two functions force the
-// fast ones.
+// and the addition between them is not done in memory. With indexed addresses each iteration of a loop of Allocate and
+// Dispose waits for the store of the previous one, which doubles its time. Compilers prefer the slow forms; these two
+// functions force the fast ones.
 
 /// Returns the pair of stack pointers of a class, with its address in a register.
 inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept

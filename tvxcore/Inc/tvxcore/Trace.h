@@ -1,6 +1,6 @@
 // Diagnostic lines that a host can enable, disable and redirect at run time.
 //
-// Code that traces has a site and queries it first; while nothing changes, that costs one load and one compare:
+// Code that traces has a site and queries it first. While no level changes, the query costs a call and a compare:
 //
 //   static tvxcore::debug::TraceSite sSite("ORL.Allocator", 1, false);
 //   if (sSite.IsEnabled()) {
@@ -19,15 +19,15 @@
 namespace tvxcore {
 namespace debug {
 
-/// A level that disables a category: no site has a level this low.
+/// The level that disables a category: the levels of all sites are higher.
 inline constexpr long kTraceOff = -1;
 
 /// Enables one category for its levels from 0 to inLevel, independent of all others. The name is compared byte by byte.
 /// If there is no memory for a new name, nothing changes.
 TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 
-/// Sets the level of every category without its own level. Verbose categories are excluded: their sites must be enabled
-/// by name.
+/// Sets the level of every category without its own level. Sites with inFollowsAll false ignore this level: only
+/// SetTraceLevel enables them.
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
 /// Receives one finished text: zero-terminated UTF-8, of one line or several. Called on any thread, and concurrently.

@@ -102,8 +102,8 @@ protected:
 };
 
 // The standard library formats and parses, using the two facets above. The ids of the facets exist once, so that every
-// module of a process finds the same facet. Everything else is compiled into each module: explicit instantiation of the
-// whole class would take its inline functions from a library that may not export them.
+// module of a process finds the same facet. All else is compiled into each module: if the whole class were explicitly
+// instantiated, modules would link to its inline functions, which this library may not export.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>

@@ -33,14 +33,14 @@ void SetCurrentThreadPriority_Impl(int inPriority) noexcept;
 /// Returns the number of processors of the machine, at least 1.
 unsigned int ProcessorCount_Impl() noexcept;
 
-/// Returns the number of processors that the calling thread may run on, at least 1. Threads that this thread starts
-/// inherit them.
+/// Returns the number of processors that the calling thread may run on, at least 1. Threads that it starts inherit this
+/// set of processors.
 unsigned int UsableProcessorCount_Impl() noexcept;
 
 /// Yields this processor to other threads.
 void YieldThread_Impl() noexcept;
 
-/// Returns whether process exit has already stopped its other threads, at arbitrary points. Nothing may then
+/// Returns whether process exit has already stopped all other threads, at arbitrary points. Nothing may then
 /// wait for them, or for a lock that they may hold.
 bool ProcessIsEnding_Impl() noexcept;
 

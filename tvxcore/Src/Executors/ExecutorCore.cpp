@@ -41,7 +41,7 @@ private:
 
 thread_local const ExecutorCore* tCurrent = nullptr;
 
-// Spins about as long as it takes to wake a thread on another processor.
+// Returns a number of turns that take about as long as waking a thread on another processor.
 unsigned int SpinTurns()
 {
     return Platform::UsableProcessorCount_Impl() > 1 ? 600 : 0;
@@ -104,8 +104,8 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
     }
 }
 
-// The error manager does not use the text after it returns, so the text may be composed here. Exceptions from the
-// report itself are caught too: the thread continues.
+// The error manager does not use the text after it returns, so a local string suffices. Exceptions from the report
+// itself are caught too: the thread continues.
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {
     try {

@@ -20,7 +20,7 @@ public:
     ExecutorCore(const std::string& inName, ThreadPriority inPriority, const boost::function<void()>& inThreadStart,
                  const boost::function<void()>& inThreadEnd);
 
-    /// Returns false after Channel().Close(). Throws what a copy of the function throws, or std::bad_alloc, and then
+    /// Returns false after Channel().Close(). Throws what copying the function throws, or std::bad_alloc, and then
     /// queues nothing.
     bool Queue(const boost::function<void()>& inFunction);
 

@@ -21,8 +21,8 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 // A turn is scheduled, becomes due and is queued to the executor, runs, and is scheduled again. A turn is in one of
 // these states at a time, so a slow executor never has more than one turn of a function.
 //
-// Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue refers to this state,
-// so an owning reference here would form a cycle.
+// Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue owns this state, so an
+// owning reference to the executor here would form a cycle.
 struct TVXCORE_LOCAL RepeatDelayFunction::State final : RepeatEntry,
                                                         std::enable_shared_from_this<RepeatDelayFunction::State>
 {
@@ -113,7 +113,7 @@ void RepeatDelayFunction::State::CallFunction()
 
 void RepeatDelayFunction::State::Run()
 {
-    boost::function<void()> finished; // destroyed after the function has returned, without the lock
+    boost::function<void()> finished; // destroyed after the function has returned and mMutex is unlocked
     const CoreMutexLock lock(mMutex);
     if (!mIsEnded) {
         CallFunction();

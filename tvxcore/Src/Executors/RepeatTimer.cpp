@@ -39,7 +39,7 @@ void EndCall() TVXCORE_REQUIRES(sMutex)
     Platform::WakeAllOnWord_Impl(sCallEnded);
 }
 
-// Unlocks while it waits.
+// Unlocks sMutex while it waits.
 void WaitForCallToEnd() TVXCORE_REQUIRES(sMutex)
 {
     const std::uint32_t before = sCallEnded;
@@ -91,7 +91,7 @@ struct RepeatSchedule
 
 namespace {
 
-// Unlocks during the call.
+// Unlocks sMutex during the call.
 void CallFirst(std::uintptr_t inGeneration) TVXCORE_REQUIRES(sMutex)
 {
     sCalled = sFirst;

@@ -46,8 +46,8 @@ public:
     /// Makes the entry due inDelay nanoseconds after its previous due time, or after now if that time has passed.
     static void ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay);
 
-    /// Undoes Add and Schedule. BecomeDue is not running when this returns, unless BecomeDue itself calls it. The last
-    /// call returns after the thread has exited.
+    /// Undoes Add and Schedule. Returns when BecomeDue is no longer running, and for the last entry when the thread has
+    /// exited, unless BecomeDue itself calls it.
     static void Remove(RepeatEntry& ioEntry);
 
     /// Returns when BecomeDue has been called for all entries that are due.

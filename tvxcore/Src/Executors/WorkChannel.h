@@ -1,8 +1,8 @@
 // The queue from the clients that submit work to the threads that run it.
 //
 // Work is dequeued in first-in, first-out order, one node at a time: a thread that took several would delay work that
-// idle threads could run, and two tasks that wait for each other would deadlock. Idle threads sleep; a push wakes one
-// of them, and makes no system call if none sleeps.
+// idle threads could run, and would deadlock if one of its tasks waited for a later one. Idle threads sleep; a push
+// wakes one of them, and makes no system call if none sleeps.
 //
 // A channel has two lists. A push appends to the inbox under the inbox lock. A thread dequeues from the outbox under
 // the outbox lock, and moves the whole inbox over if the outbox is empty. So the two sides rarely contend, and each
@@ -24,7 +24,7 @@ namespace threads {
 /// Steps that the model check omits one by one, to prove that it detects each omission.
 enum class ChannelStep {
     kSleeperRechecks,     // a thread that has announced its sleep checks for work once more
-    kSpinnerEndsFirst,    // a spinner that found work leaves the count before it dequeues
+    kSpinnerEndsFirst,    // a spinner that found work leaves mIdle before it dequeues
     kOnlyItemNeedsNoWake, // a push leaves one item to a spinner, but not several
     kResumeWakes,         // the end of a pause wakes the sleepers
     kCloseWakes,          // closing wakes the sleepers

@@ -15,7 +15,7 @@ inline constexpr std::size_t kClusterSize = 1024 * 1024;
 inline constexpr std::size_t kMasterSize = 64 * 1024;
 inline constexpr std::size_t kMastersPerCluster = kClusterSize / kMasterSize;
 
-/// A master block with those of its free blocks that are in no store or cache. Guarded by the lock of its class's
+/// A master block and those of its free blocks that no store or cache holds. Guarded by the lock of its class's
 /// store.
 class Master
 {

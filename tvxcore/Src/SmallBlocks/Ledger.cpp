@@ -110,7 +110,7 @@ void ReturnQuotaAbove(ThreadCache& ioCache, const Amount& inKept) noexcept
     AddQuota(ioCache, {-left.mCount, -left.mBytes});
 }
 
-// The values of mTaken and mQuota at one moment, except for a few steps of their thread in between.
+// The values of mTaken and mQuota, read with at most a few steps of their thread in between.
 struct Words
 {
     std::uint64_t mTaken;

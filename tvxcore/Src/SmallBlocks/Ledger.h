@@ -4,7 +4,7 @@
 //
 //   current = peak - unclaimed - the sum of all threads' quotas
 //
-// A thread's quota is the amount that it may allocate before the peak has to move. Freeing adds to the quota,
+// A thread's quota is the amount that it may allocate before the peak must be raised. Freeing adds to the quota,
 // allocating uses it. A thread that runs out of quota claims unclaimed quota from the ledger; if the ledger has none,
 // the thread raises the peak by exactly the missing amount. A thread that has accumulated much quota, since it frees
 // what others allocate, returns it to the ledger. Quota is never negative, so no current value exceeds the peak. A

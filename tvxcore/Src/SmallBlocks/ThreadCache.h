@@ -63,11 +63,11 @@ struct ThreadCache : CacheHead
     /// Makes every stack empty. The fast paths stay disabled until the ledger enables them.
     void MakeEmpty() noexcept;
 
-    /// Returns a block of that size, from its stack or in a batch from the stores. Null if out of memory. Updates the
-    /// counters.
+    /// Returns a block of that size from its class's stack, first refilled from the store if empty. Null if out of
+    /// memory. Updates the counters.
     void* Take(std::size_t inSize) noexcept;
 
-    /// Puts a block on its stack. If the stack is full, its older half moves to the stores. Updates the counters.
+    /// Puts a block on its class's stack. If that is full, its older half moves to the stores. Updates the counters.
     void Give(void* inBlock, std::size_t inSize) noexcept;
 
     /// Moves all blocks to the stores.

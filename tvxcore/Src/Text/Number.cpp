@@ -35,7 +35,7 @@ std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecisi
     if (digits.size() - first <= precision) {
         return digits;
     }
-    // Rounds the original number again, to the precision. A carry makes it one digit longer.
+    // Rounds the original number, not the digits, to the precision. A carry may make it one digit longer.
     const std::string rounded = Print(std::chars_format::scientific, precision - 1, inNumber);
     const std::size_t exponentAt = rounded.find('e');
     const long exponent = std::strtol(rounded.c_str() + exponentAt + 1, nullptr, 10);

@@ -15,8 +15,8 @@ namespace {
 // unit by unit, which costs more than the conversion. The piece is small enough for the smallest thread stacks.
 constexpr std::size_t kPiece = 1024;
 
-// Covers most names and words. Copying so few units in registers costs less than reloading them from where a kernel
-// stored them.
+// Lengths of most names and words. Converting so few units in registers costs less than reloading them from where a
+// kernel stored them.
 constexpr std::size_t kShortest = 8;
 constexpr std::size_t kShort = 16;
 

@@ -12,7 +12,7 @@ constexpr std::size_t UTF16Bound(std::size_t inBytes) noexcept
     return inBytes;
 }
 
-/// A unit of UTF-16 never needs more than three bytes.
+/// A unit of UTF-16 never needs more than three bytes of UTF-8.
 constexpr std::size_t UTF8Bound(std::size_t inUnits) noexcept
 {
     return 3 * inUnits;

@@ -181,7 +181,7 @@ TVX_AVX2_INLINE Units Join(__m256i inLow, __m256i inMiddle, __m256i inHigh, std:
     return units;
 }
 
-// The high surrogate is D800 + (point - 10000) / 400: the fields D, 1F + the top five bits, and the next six bits.
+// In hex, the high surrogate is D800 + (point - 10000) / 400: fields D, 1F + the top five bits, and the next six bits.
 TVX_AVX2_INLINE Units JoinWithPairs(__m256i inFields, __m256i inMiddle, __m256i inHigh, const Classes& inClasses,
                                     std::uint32_t inEnds)
 {

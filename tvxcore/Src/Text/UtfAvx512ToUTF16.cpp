@@ -119,7 +119,7 @@ TVX_AVX512_INLINE Units Join(__m512i inLow, __m512i inMiddle, __m512i inHigh, st
     return units;
 }
 
-// The high surrogate is D800 + (point - 10000) / 400: the fields D, 1F + the top five bits, and the next six bits.
+// In hex, the high surrogate is D800 + (point - 10000) / 400: fields D, 1F + the top five bits, and the next six bits.
 TVX_AVX512_INLINE Units JoinWithPairs(__m512i inFields, __m512i inMiddle, __m512i inHigh, const Classes& inClasses,
                                       std::uint64_t inEnds)
 {

@@ -8,7 +8,7 @@
 namespace tvxcore {
 namespace utf {
 
-/// Replaces each ill-formed sequence.
+/// The unit that replaces each ill-formed sequence.
 inline constexpr unsigned short kReplacement = 0xFFFD;
 
 constexpr bool IsContinuation(unsigned char inByte) noexcept

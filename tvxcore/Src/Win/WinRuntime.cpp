@@ -1,9 +1,9 @@
 // Initialises the C++ runtime's per-thread data at load.
 //
-// The runtime initialises them on first use in the process, under locks. The exit of a Windows process stops all
+// The runtime initialises the data on first use in the process, under locks. The exit of a Windows process stops all
 // threads but one at arbitrary points, and the last thread destroys the static objects; the standard streams then query
-// exceptions in flight, which are such data. If a stopped thread was in the middle of the first use, the last thread
-// would wait forever. So this file makes the first use, before any thread of this library runs.
+// the exceptions in flight, which are part of the data. If a stopped thread was in the middle of the first use, the
+// last thread would wait forever. So this file makes the first use, before any thread of this library runs.
 #include <exception>
 
 namespace {

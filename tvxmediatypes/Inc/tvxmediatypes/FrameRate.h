@@ -56,7 +56,7 @@ public:
         if (mTicksPerFrame == 0) {
             return 0;
         }
-        // No quotient is so close below a whole number that its double would be rounded up to that number.
+        // Truncates like GetValue: no quotient is so close below a whole number that its double equals that number.
         const long long whole = WholeRate();
         return whole != 0 ? whole : kTicksPerSecond / mTicksPerFrame;
     }
@@ -100,7 +100,7 @@ private:
         }
         const long long ticks = mTicksPerFrame < 0 ? -mTicksPerFrame : mTicksPerFrame;
         const long long nearest = (kTicksPerSecond + ticks / 2) / ticks;
-        // Ties round away from zero: up to half a tick too long, less than half a tick too short.
+        // Ties round away from zero, so ticks may be up to half a tick too long, but less than half a tick too short.
         const long long tooLong = 2 * (nearest * ticks - kTicksPerSecond);
         if (tooLong > nearest || tooLong <= -nearest) {
             return 0;
