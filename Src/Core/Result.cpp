@@ -10,7 +10,7 @@ Result SystemErrorToORLResult(unsigned long inSystemError)
     case 3: return kPathNotFound;
     case 5: return kAccessDenied;
     case 32: return kSharingViolation;
-    case 39:  // a full disk, reported for a handle
+    case 39:  // the disk of a handle is full
     case 112: // disk full
         return kDiskFull;
     case 183: return kAlreadyExists;

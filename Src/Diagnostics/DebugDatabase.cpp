@@ -35,7 +35,7 @@ const UTF16String& FullPath()
     return sFullPath.mValue;
 }
 
-// If this fails, the key stays closed and operations on it fail.
+// If the key cannot be created, it stays closed and operations on it fail.
 void OpenCacheKey(RegistryKey& outKey)
 {
     outKey.Create(RegistryRootKeys::kUser, FullPath());

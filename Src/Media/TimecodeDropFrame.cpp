@@ -75,7 +75,7 @@ void CountToHMSF(unsigned long long inRest, int& outHours, int& outMinutes, int&
     if (rest >= firstMinute) {
         const unsigned others = (rest - static_cast<unsigned>(firstMinute)) / static_cast<unsigned>(otherMinute) + 1;
         minutes += others;
-        // The rest counts from the dropped labels, so the fields need no further correction.
+        // This leaves the minute's dropped labels in the rest, so the fields need no further correction.
         rest -= others * static_cast<unsigned>(otherMinute);
     }
     outMinutes = static_cast<int>(minutes);

@@ -142,7 +142,7 @@ void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
 }
 
-// Only a few rates are common for film, and a division by a constant compiles to a multiplication.
+// Compares with the common film rates, because a division by a constant compiles to a multiplication.
 long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inRate)
 {
     if (inRate == tvxmediatypes::kFrameRate_Film24) {
@@ -162,7 +162,7 @@ std::size_t CountDecimalDigits(unsigned inValue)
 {
     constexpr unsigned kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
     const unsigned bits = 32u - static_cast<unsigned>(__builtin_clz(inValue | 1u));
-    const unsigned atMost = bits * 1233 >> 12; // bits times log10(2); one too few for the larger half
+    const unsigned atMost = bits * 1233 >> 12; // bits * log10(2), rounded down: the digits or one fewer
     return atMost + (inValue >= kPowers[atMost] || inValue == 0 ? 1 : 0);
 }
 

@@ -199,7 +199,7 @@ void Timecode::PrivateImpl::IncrementFields(int inHours, int inMinutes, int inSe
     }
 }
 
-// The frame field is mirrored unchanged: frame 0 becomes a full second, which carries later.
+// The frame field is mirrored without a carry: frame 0 becomes a full second, which the next increment carries.
 void Timecode::PrivateImpl::CrossZero()
 {
     mIsNegative = true;

@@ -95,7 +95,7 @@ TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, b
     return inIsNegative ? -time : time;
 }
 
-// Returns the power of ten that leaves enough digits for the frames of the rate.
+// Returns 10 to the number of digits that the frames of the rate take.
 unsigned long long ShorthandBase(const FrameRate& inRate)
 {
     if (inRate > FrameRate(10000.0)) {
@@ -161,7 +161,7 @@ FrameRate NominalRate(const FrameRate& inRate)
     return inRate == kFrameRate_23976 ? kFrameRate_Film24 : inRate;
 }
 
-// A count equal to the rate stays as it is: only a larger one carries.
+// Returns true if the frames must carry; a count equal to the rate stays as it is.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
     // The frame field rarely overflows, and one multiplication detects it: frames that fit in a second of ticks do not

@@ -121,7 +121,7 @@ void TraceHeapCount(unsigned long inCount)
     }
 }
 
-// Opens the walk on the first query, so nothing is opened if there are no statistics.
+// Opens the walk on the first query, so nothing is opened if the allocator keeps no statistics.
 class SystemRegions : public RegionSource
 {
 public:

@@ -13,7 +13,7 @@ namespace {
 using Lifetime = ImmutableStringTable::Lifetime;
 using Record = ImmutableString::InternalRepresentation;
 
-// For the parameter inIsStatic, whose type the public header fixes.
+// The values of the parameter inIsStatic, which is a bool in the public header.
 constexpr bool kStatic = true;
 constexpr bool kDynamic = false;
 

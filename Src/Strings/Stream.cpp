@@ -24,8 +24,8 @@ std::locale LocaleFor(const std::basic_ios<unsigned short>&)
     return tvxcore::utility::UTF16Locale();
 }
 
-// `copyfmt` copies the fill character. To copy it, the stream first widens its old fill character with its own locale,
-// which throws if it has no facet for the unit.
+// Prepares for `copyfmt`. To copy the fill character, `copyfmt` first widens the stream's old one with the stream's
+// locale, which throws if that locale has no facet for the unit.
 template <class Unit>
 void EnsureUnitFacets(std::basic_ostream<Unit>& ioStream, const std::locale& inLocale)
 {

@@ -35,7 +35,7 @@ namespace Platform {
 
 namespace {
 
-// For the parameter inIsMainThread, whose type the public header fixes.
+// The values of the parameter inIsMainThread, which is a bool in the public header.
 constexpr bool kMainThread = true;
 constexpr bool kOtherThread = false;
 
@@ -63,7 +63,7 @@ bool IsInfoIndexAllocated()
     return sInfoIndexAllocated.load(std::memory_order_relaxed);
 }
 
-// The trace begins each line with the thread's identifier, so this line shows which name belongs to it.
+// The trace begins each line with the thread's identifier, so this line shows which name belongs to that identifier.
 void TraceThread(const std::string& inName, const ThreadInfo& inInfo)
 {
     static tvxcore::debug::TraceSite sSite("ORL.ThreadManager", 1, true);

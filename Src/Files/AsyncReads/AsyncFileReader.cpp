@@ -14,7 +14,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// A failure without a named code.
+// Returned for failures that have no named result code.
 constexpr Result kBareFailure = -1;
 
 const Handle INVALID_HANDLE_VALUE = InvalidHandle();
@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // On Linux a folder and its drive's root may be on different disks.
+    // On Linux the file and the root of its drive may be on different disks, so the file's own alignment counts too.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

@@ -61,8 +61,8 @@ ListingPtr OpenListing(const UTF16String& inDirectory)
     return nullptr;
 }
 
-/// Walks a directory and calls ioSink(path, kind) for each entry. A deep tree needs no more stack and, on systems with
-/// few handles, no more handles.
+/// Walks a directory and calls ioSink(path, kind) for each entry. The depth of the tree affects neither the use of the
+/// stack nor, on systems with few handles, the number of open handles.
 template <class Sink>
 class Walker
 {
@@ -95,7 +95,7 @@ private:
 
     bool IsAtLimit() const { return mLimit != Directory::kNoLimit && mCount >= mLimit; }
 
-    // Returns false if there is nothing to walk.
+    // Makes the directory the deepest level. Returns false if it counts as empty.
     bool Enter(const UTF16String& inPath, EntryKind inKind)
     {
         ListingPtr listing = OpenListing(inPath);
@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // Queries an unknown kind. Only an entry of unknown kind can be a link that leads back to an open level.
+    // Enters mEntry if it is a directory. Only an entry of unknown kind can be a link that leads back to an open level.
     bool EnterEntry()
     {
         if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && IsCycle())) {

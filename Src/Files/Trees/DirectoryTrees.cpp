@@ -22,8 +22,8 @@ Result FileOperation(const UTF16String& inSource, const UTF16String& inDestinati
         ORL_ASSERT_MESSAGE_AT(false, "false", kMessage, "WinDirectory", __LINE__, kFunction);
         return kPathNotFound;
     }
-    // An empty path has already failed a contract check above. With it, the pattern alone would refer to the current
-    // folder.
+    // An empty path has already failed a contract check above. With an empty path, the pattern would refer to the
+    // current folder.
     if (inSource.empty()) {
         return kPathNotFound;
     }

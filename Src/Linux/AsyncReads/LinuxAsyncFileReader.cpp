@@ -65,7 +65,7 @@ std::int64_t ReadNow(const ReadRequest& inRequest)
 bool CompleteRead(const AsyncFile& inFile, Overlapped& inOverlapped, std::int64_t inReturned, Completion& outCompletion)
 {
     outCompletion.mOverlapped = &inOverlapped;
-    // The kernel checks the buffer only when it fills it; Windows checks it at the start.
+    // The kernel detects a bad buffer only when it stores the data; Windows checks the buffer when the read starts.
     if (inReturned == -EFAULT) {
         outCompletion.mStartError = SystemErrors::kErrorNoAccess;
         return true;
@@ -88,8 +88,8 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-// A counted reference, because the files of these reads may be closed before the reads are submitted. Only the thread
-// that starts reads uses this reference.
+// The port of the held-back reads: a counted reference, because their files may be closed before the reads are
+// submitted. Only the thread that starts reads uses this reference.
 Immortal<std::shared_ptr<CompletionPort>> sBatchPort;
 
 AsyncFile& FileOf(Handle inFile)

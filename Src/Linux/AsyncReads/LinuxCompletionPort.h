@@ -47,7 +47,7 @@ public:
     /// Returns false if the system refuses the packet.
     virtual bool PostEmptyPacket() = 0;
 
-    /// Waits for the next packet. Returns false for a failed read, and with a null read if the port itself has failed.
+    /// Waits for the next packet. Returns false if the read failed, or, with a null mOverlapped, if the port failed.
     virtual bool Get(AsyncFiles::Platform::Completion& outCompletion) = 0;
 
     virtual const char* Describe() const = 0;
@@ -71,7 +71,7 @@ public:
 struct AsyncFile
 {
     ShareHolder mShares;     // owns the file, and registers the reader with the share modes
-    bool mIsRegular = false; // the end of the file is checked, except for block devices
+    bool mIsRegular = false; // reads are checked against the end of the file; false for block devices
     bool mUsesCache = false;
     std::uint32_t mAlignment = 0;
     std::shared_ptr<CompletionPort> mPort;

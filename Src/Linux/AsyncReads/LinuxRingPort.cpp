@@ -22,11 +22,11 @@ namespace {
 constexpr unsigned kSubmissions = 4 * kMaxBatchedReads;
 constexpr unsigned kCompletions = 4096;
 
-// Marks a submission that the kernel refused.
+// The user data of a submission that the kernel refused.
 Overlapped sWithdrawn{};
 
-// Marks the alarm: an event that the ring polls from its start. Raising it wakes a thread that waits for the ring
-// without submitting anything more to the kernel.
+// The user data of the alarm: an event that the ring polls from its start. Raising the event wakes a thread that waits
+// for the ring without submitting anything more to the kernel.
 Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++
@@ -161,7 +161,7 @@ public:
     const char* Describe() const override { return "io_uring"; }
 
 private:
-    // The kernel aborts a read on a signal or a temporary shortage; the read itself has not failed.
+    // Repeats the read on this thread if the kernel aborted it because of a signal or a temporary shortage.
     static bool Complete(const ReadRequest& inRequest, int inReturned, Completion& outCompletion)
     {
         const bool isGivenUp = inReturned < 0 && Retries().IsWorthwhile(-inReturned);

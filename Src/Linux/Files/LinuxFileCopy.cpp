@@ -17,7 +17,7 @@ namespace {
 using namespace SystemErrors;
 using namespace Files::Platform;
 
-// A file system without times or permissions does not make a copy fail.
+// Returns true for a failed call, unless the file system does not support what the call sets.
 bool Fails(int inAnswer)
 {
     return inAnswer != 0 && errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;

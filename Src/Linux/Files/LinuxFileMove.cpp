@@ -264,8 +264,8 @@ struct SwapFile
     }
 };
 
-// The name always has the old or the new contents. The name of the replacement exists as long as the replaced name has
-// the old contents, so after an interruption its existence shows whether the exchange was done.
+// The replaced name always has the old or the new contents. The replacement's own name exists as long as the replaced
+// name has the old contents, so after an interruption its existence shows whether the exchange was done.
 SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, Backup& ioBackup)
 {
     const int contents = inReplacement.mShare.File();

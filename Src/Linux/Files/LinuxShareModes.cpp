@@ -62,7 +62,7 @@ ShareBucket& BucketOf(const FileIdentity& inFile) noexcept
     return sBuckets[mixed >> 55];
 }
 
-// The order makes the bytes of the usual opens adjacent, so that they take one call.
+// The order makes the bytes of the usual opens adjacent, so that one call locks them.
 constexpr off_t kFirstByte = off_t{1} << 62;
 constexpr unsigned kByteCount = 6;
 enum Byte : unsigned { kDeniesRead, kUsesWrite, kDeniesDelete, kDeniesWrite, kUsesRead, kUsesDelete };

@@ -12,8 +12,8 @@ namespace {
 
 using namespace Platform;
 
-// The first call creates both; they are never closed. If two threads make the first call at the same time, each may
-// create a query, and one of the two stays unused.
+// The first call creates the query and its counter, which are never closed. If two threads make the first call at the
+// same time, each may create a query, and one of the two stays unused.
 std::atomic<LoadQuery> sLoadQuery{nullptr};
 std::atomic<LoadCounter> sLoadCounter{nullptr};
 

@@ -19,7 +19,7 @@ namespace {
 using ORL::Win::AsUnits;
 using ORL::Win::AsWide;
 
-// The reasons why the shell could not return a name.
+// The status of a failed call to the shell, and the function that returned it.
 struct ShellFailure
 {
     HRESULT mStatus;
@@ -159,7 +159,7 @@ const unsigned short* FindNextComponent_Impl(const unsigned short* inPath)
 
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative)
 {
-    // The system silently truncates such a path.
+    // The system silently truncates a path of this length.
     if (inFrom.size() >= kMaxPath || inTo.size() >= kMaxPath) {
         return WindowsText::RelativePathTo(inFrom, inTo, outRelative);
     }

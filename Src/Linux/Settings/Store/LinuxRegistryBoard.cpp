@@ -91,7 +91,7 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsWorldReadable)
     struct stat status = {};
     SystemError error = GetFileStatus(mFile.Get(), status);
     mName = inFile;
-    mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // as in IdentityOf
+    mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // the encoding of IdentityOf
     mInode = status.st_ino;
     if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
         // chmod, because a umask could deny other users access to the machine's store.

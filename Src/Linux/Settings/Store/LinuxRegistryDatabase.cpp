@@ -297,7 +297,7 @@ bool Database::SetAsideIfDamaged()
     SetAside aside;
     aside.mReason = mConnection != nullptr ? sqlite3_errmsg(mConnection) : "";
     const bool isLocked = !mBoard.IsOpen() || mBoard.Lock() == kNoError;
-    // Another process may have renamed it already, and a transient read error is not damage.
+    // Another process may have renamed the database already, and a transient read error is not damage.
     const bool isToMove = isLocked && !mIsReadOnly && IsFileCurrent() && IsStillDamaged(aside.mReason);
     CloseConnection();
     if (isToMove && MoveAside(mFile, aside.mFile, aside.mTime) == kNoError) {

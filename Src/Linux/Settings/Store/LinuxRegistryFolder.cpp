@@ -32,7 +32,7 @@ bool StatusOf(const std::string& inPath, struct statx& outStatus) noexcept
     return System().mStatx(AT_FDCWD, inPath.c_str(), AT_SYMLINK_NOFOLLOW, kMask, &outStatus) == 0;
 }
 
-// Root may use every store. Other users may not use a store that another user could have created.
+// Other users than root trust only what they or root own. Nobody trusts what everyone may write.
 bool IsTrusted(const struct statx& inStatus)
 {
     const ::uid_t user = ::geteuid();
