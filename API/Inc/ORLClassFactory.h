@@ -21,10 +21,10 @@ using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 /// The record of one registered class. The record's address is the class's token, stable for the life of the process.
 struct ClassMapEntry
 {
-    Guid mClassID;          // the key of the entry
-    const char* mFirstName; // the two texts of the registration; stored as pointers, never read
-    const char* mSecondName;
-    CreateClassFunction mCreate;
+    Guid mClassID;               ///< the key of the entry
+    const char* mFirstName;      ///< the two texts of the registration; stored as pointers, never read
+    const char* mSecondName;     ///< see mFirstName
+    CreateClassFunction mCreate; ///< creates one instance
 };
 
 /// The process's registry of classes and categories.

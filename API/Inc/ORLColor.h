@@ -43,10 +43,10 @@ public:
     {
     }
 
-    constexpr unsigned long GetValue() const noexcept { return mValue; }
-    constexpr unsigned char GetRed() const noexcept { return static_cast<unsigned char>(mValue); }
-    constexpr unsigned char GetGreen() const noexcept { return static_cast<unsigned char>(mValue >> 8); }
-    constexpr unsigned char GetBlue() const noexcept { return static_cast<unsigned char>(mValue >> 16); }
+    constexpr unsigned long GetValue() const noexcept { return mValue; }                           ///< the 32 bits
+    constexpr unsigned char GetRed() const noexcept { return static_cast<unsigned char>(mValue); } ///< 0 to 255
+    constexpr unsigned char GetGreen() const noexcept { return static_cast<unsigned char>(mValue >> 8); } ///< 0 to 255
+    constexpr unsigned char GetBlue() const noexcept { return static_cast<unsigned char>(mValue >> 16); } ///< 0 to 255
 
     /// Compares all 32 bits.
     friend constexpr bool operator==(const ParamColor& inLeft, const ParamColor& inRight) noexcept

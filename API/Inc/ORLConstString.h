@@ -165,7 +165,7 @@ public:
     ORL_API ConstString(const unsigned short* inText);
     ORL_API ConstString(const UTF16String& inText);
 
-    operator const unsigned short*() const noexcept { return c_str(); }
+    operator const unsigned short*() const noexcept { return c_str(); } ///< same as c_str
 
     void swap(ConstString& ioOther) noexcept { Swap(ioOther); }
 
@@ -185,12 +185,12 @@ class StdConstString : public Internal::ConstStringHandle<std::string>
 {
 public:
     StdConstString() noexcept = default;
-    ORL_API StdConstString(const char* inText);
-    ORL_API StdConstString(const std::string& inText);
+    ORL_API StdConstString(const char* inText);        ///< copies the text; not null
+    ORL_API StdConstString(const std::string& inText); ///< copies up to the first zero
 
     void swap(StdConstString& ioOther) noexcept { Swap(ioOther); }
 
-    struct Adoptor
+    struct Adoptor ///< Creates handles to text that is not copied, such as literals.
     {
         /// The text must outlive every copy of the handle.
         static StdConstString Adopt(const char* inText) noexcept { return StdConstString(Adopted{inText}); }

@@ -25,8 +25,8 @@ public:
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
-    void Lock() const TVXCORE_ACQUIRES() { mLock.Lock(); }
-    void Unlock() const TVXCORE_RELEASES() { mLock.Unlock(); }
+    void Lock() const TVXCORE_ACQUIRES() { mLock.Lock(); }     ///< waits for the lock
+    void Unlock() const TVXCORE_RELEASES() { mLock.Unlock(); } ///< undoes one Lock
 
     /// Locks the section if that is possible without waiting. Returns whether the section was locked; if so, the caller
     /// must call Unlock.

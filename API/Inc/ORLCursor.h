@@ -15,10 +15,10 @@ namespace ORL {
 class ORL_API Cursor
 {
 public:
-    static void SetArrowCursor();
-    static void SetIBeamCursor();
-    static void SetWaitCursor();
-    static void SetSizeCursor(); ///< arrows in all four directions
+    static void SetArrowCursor(); ///< the usual pointer
+    static void SetIBeamCursor(); ///< the pointer over text
+    static void SetWaitCursor();  ///< the pointer during long work
+    static void SetSizeCursor();  ///< arrows in all four directions
 
     Cursor() = delete;
 };
@@ -27,7 +27,7 @@ public:
 namespace Cursors {
 namespace Linux {
 
-enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 };
+enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 }; ///< of the pointer
 
 /// A host function that sets the pointer's shape, for example on Wayland. Must not throw.
 typedef void (*SetShapeFunction)(Shape inShape, void* inContext);

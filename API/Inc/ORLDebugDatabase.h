@@ -16,7 +16,7 @@
 
 namespace ORL {
 
-void ReleaseDebugDatabase();
+void ReleaseDebugDatabase(); ///< for the library's stop; hosts do not call it
 
 /// A cache of named settings over the registry. Names and values are UTF-8; in the registry a name ends at its first
 /// zero byte.

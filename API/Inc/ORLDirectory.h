@@ -36,7 +36,7 @@ namespace ORL {
 class ORL_API Directory
 {
 public:
-    static constexpr unsigned int kNoLimit = 0xFFFFFFFFu;
+    static constexpr unsigned int kNoLimit = 0xFFFFFFFFu; ///< as many as there are
 
     /// Throws eNotADirectoryPath unless inPath is a directory.
     static Directory ConstructDirectory(const UTF16String& inPath);

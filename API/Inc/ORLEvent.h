@@ -33,7 +33,7 @@ protected:
     Event();
     ~Event();
 
-    void* mEvent; // the OS handle
+    void* mEvent; ///< the OS handle
 };
 
 extern template class Event<false, false>;

@@ -67,7 +67,7 @@ public:
     explicit StartupException(Result inResult);
     ~StartupException() override;
     const char* what() const noexcept override;
-    Result GetResult() const;
+    Result GetResult() const; ///< returns the result of the failed start-up
 
 private:
     Result mResult;

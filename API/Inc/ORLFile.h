@@ -46,7 +46,7 @@ struct FileCreateDispositionFlags
     };
 };
 
-struct FileAttributesFlags
+struct FileAttributesFlags ///< Hints and modes of an open file.
 {
     enum Type : int {
         kFileAttribute_Normal = 1,
@@ -145,7 +145,7 @@ public:
                   FileCreateDispositionFlags::Type inDisposition, FileAttributesFlags::Type inAttributes,
                   bool inAllowDirectory);
 
-    bool IsOpen() const;
+    bool IsOpen() const; ///< returns whether a file is open
 
     /// Does nothing if no file is open.
     void Close();
@@ -183,7 +183,7 @@ public:
     /// does not exist.
     static Result Open(const UTF16String& inPath, FileAccessFlags::Type inAccess, File& ioFile);
 
-    static Result Delete(const UTF16String& inPath);
+    static Result Delete(const UTF16String& inPath); ///< deletes a file; fails if there is none
 
     /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Uses the
     /// paths as given. On Linux also copies the permissions, and lets the kernel copy the data if possible.

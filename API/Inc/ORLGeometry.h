@@ -34,8 +34,8 @@ public:
         return !(inLeft == inRight);
     }
 
-    std::int32_t x = 0;
-    std::int32_t y = 0;
+    std::int32_t x = 0; ///< to the right
+    std::int32_t y = 0; ///< downwards
 };
 
 namespace Geometry {

@@ -24,7 +24,7 @@ namespace ORL {
 class HashValue
 {
 public:
-    static constexpr std::size_t kWordCount = 3;
+    static constexpr std::size_t kWordCount = 3; ///< the 32-bit words of a value
 
     /// The initial words. Different initial words produce independent hashes of the same bytes.
     constexpr HashValue(std::uint32_t inWord0, std::uint32_t inWord1, std::uint32_t inWord2) noexcept

@@ -47,7 +47,7 @@ public:
     /// Returns the number of bytes before the terminator. O(n) for static texts, whose length is not stored.
     unsigned __int64 size() const;
 
-    UTF16String ToString() const;
+    UTF16String ToString() const; ///< returns the text as 16-bit text
 
     /// Returns -1, 0 or 1, by the bytes as unsigned values up to the first zero. A null handle is below every text, the
     /// empty one included, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.

@@ -40,7 +40,7 @@ private:
 class ORL_API Manager
 {
 protected:
-    static void AddRef(Managed* inManaged);
+    static void AddRef(Managed* inManaged); ///< adds one reference
 
     /// The last release calls Destroy.
     static void Release(Managed* inManaged);

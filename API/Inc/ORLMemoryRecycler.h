@@ -25,7 +25,7 @@ class ORL_API MemoryBuffer
 public:
     MemoryBuffer() : mBuffer(nullptr), mSize(0), mIsVirtual(false) {}
 
-    void* GetBuffer() const { return mBuffer; }
+    void* GetBuffer() const { return mBuffer; } ///< returns the memory; null if there is none
 
     /// Returns the size in bytes, after rounding.
     std::size_t GetSize() const { return mSize; }
@@ -40,9 +40,9 @@ protected:
     /// Frees the memory and clears mBuffer and mSize.
     void Release();
 
-    void* mBuffer;
-    std::size_t mSize;
-    bool mIsVirtual;
+    void* mBuffer;     ///< the memory, or null
+    std::size_t mSize; ///< in bytes
+    bool mIsVirtual;   ///< whether the memory came directly from the system
 
     friend class MemoryRecycler;
 };

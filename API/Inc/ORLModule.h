@@ -68,7 +68,7 @@ public:
     void* LoadCursorW(short inID) const override;
     HMENU LoadMenuW(short inID) const override;
 
-    HINSTANCE GetNativeModule() const;
+    HINSTANCE GetNativeModule() const; ///< returns the handle of the system
 
     /// Copies the path of the module's file, truncated to 259 units. The first call queries the system. Throws
     /// std::bad_alloc.

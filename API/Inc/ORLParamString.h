@@ -37,8 +37,8 @@ private:
     std::vector<T> mParams;
 };
 
-using ParamVector = ParamVectorImpl<UTF16String>;
-using StdParamVector = ParamVectorImpl<std::string>;
+using ParamVector = ParamVectorImpl<UTF16String>;    ///< for 16-bit templates
+using StdParamVector = ParamVectorImpl<std::string>; ///< for 8-bit templates
 
 /// Replaces the placeholders "%1", "%2" ... in inFormat with the parameters, in order, and stores the text.
 ///

@@ -105,7 +105,7 @@ ORL_API UTF16String CombinePaths(const UTF16String& inBase, const UTF16String& i
 /// Returns whether a file or directory exists.
 ORL_API bool ExistsOnDisk(const UTF16String& inFullPath);
 
-ORL_API bool IsDirectory(const UTF16String& inFullPath);
+ORL_API bool IsDirectory(const UTF16String& inFullPath); ///< returns whether it is an existing directory
 
 /// Returns whether the path is an empty directory. Hidden entries count.
 ORL_API bool IsDirectoryEmpty(const UTF16String& inFullPath);

@@ -24,7 +24,7 @@
 
 namespace ORL {
 
-struct RegistryRootKeys
+struct RegistryRootKeys ///< The two roots.
 {
     enum Type : int {
         kUser = 0,   ///< the settings of the user who runs the process
@@ -32,7 +32,7 @@ struct RegistryRootKeys
     };
 };
 
-struct RegistryKeyAccess
+struct RegistryKeyAccess ///< What a key is opened for. The values combine with |.
 {
     enum Type : int { kRead = 1, kWrite = 2 };
 };
@@ -94,8 +94,8 @@ public:
     /// the deletion is atomic: after a failure or a crash no key is deleted.
     Result DeleteSubKey(const UTF16String& inPath);
 
-    Result SetUInt32Value(const UTF16String& inName, unsigned int inValue);
-    Result SetUInt64Value(const UTF16String& inName, unsigned __int64 inValue);
+    Result SetUInt32Value(const UTF16String& inName, unsigned int inValue);     ///< stores 4 bytes
+    Result SetUInt64Value(const UTF16String& inName, unsigned __int64 inValue); ///< stores 8 bytes
 
     /// Stores the string with a terminator. GetStringValue stops at the first zero unit of a string.
     Result SetStringValue(const UTF16String& inName, const UTF16String& inValue);
@@ -103,7 +103,7 @@ public:
     /// Stores a UTF-8 string, which MakeString converts.
     Result SetStringValue(const UTF16String& inName, const std::string& inValue);
 
-    static constexpr std::size_t kMaxBinarySize = 4096;
+    static constexpr std::size_t kMaxBinarySize = 4096; ///< the most bytes of a binary value
 
     /// Stores inBytes bytes. If inBytes exceeds kMaxBinarySize, fires an assertion and fails.
     Result SetBinaryValue(const UTF16String& inName, const void* inData, std::size_t inBytes);

@@ -31,25 +31,25 @@ struct RegistryValueTypes
 /// A stored value.
 struct RegistryValue
 {
-    UTF16String mName;
-    unsigned int mType = RegistryValueTypes::kNone;
-    std::vector<unsigned char> mData;
+    UTF16String mName;                              ///< empty for the default value
+    unsigned int mType = RegistryValueTypes::kNone; ///< one of RegistryValueTypes, or another number
+    std::vector<unsigned char> mData;               ///< the bytes as they are stored
 };
 
 /// A change for RegistryStore::Apply.
 struct RegistryEdit
 {
-    enum Kind {
+    enum Kind {      ///< What is done.
         kCreateKey,  ///< creates the key and its missing parents; succeeds if the key exists
         kDeleteKey,  ///< deletes the key and its descendants; succeeds if the key is missing
         kSetValue,   ///< sets mValue; creates the key if it is missing
         kDeleteValue ///< deletes the value named mValue.mName; succeeds if the value or key is missing
     };
 
-    Kind mKind = kCreateKey;
-    RegistryRootKeys::Type mRoot = RegistryRootKeys::kUser;
-    UTF16String mPath;
-    RegistryValue mValue;
+    Kind mKind = kCreateKey;                                ///< what to do
+    RegistryRootKeys::Type mRoot = RegistryRootKeys::kUser; ///< the root of the key
+    UTF16String mPath;                                      ///< the key, below the root
+    RegistryValue mValue;                                   ///< for changes of values
 };
 
 /// The state of the store of one root.

@@ -27,24 +27,24 @@ namespace Resources {
 /// The type or name of a resource: a number or a string.
 struct FileName
 {
-    bool mIsText;
-    unsigned short mID;
-    UTF16String mText;
+    bool mIsText;       ///< whether mText identifies it, not mID
+    unsigned short mID; ///< the number
+    UTF16String mText;  ///< the string
 };
 
-struct FileEntry
+struct FileEntry ///< One resource of a file.
 {
-    FileName mType;
-    FileName mName;
-    unsigned short mLanguage;
+    FileName mType;             ///< what it is: a string table, a picture ...
+    FileName mName;             ///< its name among those of its type
+    unsigned short mLanguage;   ///< its Windows language identifier
     const unsigned char* mData; ///< owned by the ResourceFile
     std::size_t mSize;          ///< in bytes
 };
 
-struct FilePicture
+struct FilePicture ///< A decoded picture.
 {
-    unsigned int mWidth = 0;
-    unsigned int mHeight = 0;
+    unsigned int mWidth = 0;            ///< in pixels
+    unsigned int mHeight = 0;           ///< in pixels
     std::vector<std::uint32_t> mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
@@ -57,7 +57,7 @@ struct FilePicture
 class ORL_API ResourceFile
 {
 public:
-    enum Format { kNone, kCompiledFile, kWindowsModule, kLinuxModule };
+    enum Format { kNone, kCompiledFile, kWindowsModule, kLinuxModule }; ///< of the open file
 
     ResourceFile();
     ~ResourceFile();
@@ -69,7 +69,7 @@ public:
     /// and otherwise the error of File::Open or File::Read. Throws std::bad_alloc.
     Result Open(const UTF16String& inPath);
 
-    Format GetFormat() const;
+    Format GetFormat() const; ///< returns kNone before Open has succeeded
 
     /// Returns whether some of the file's resources could not be read.
     bool IsDamaged() const;

@@ -28,7 +28,7 @@ inline constexpr unsigned int kMenuBarBreak = 0x0020;
 inline constexpr unsigned int kMenuBreak = 0x0040;
 inline constexpr unsigned int kMenuSeparator = 0x0800;
 
-struct MenuItem
+struct MenuItem ///< One item of a menu.
 {
     UTF16String mText;   ///< "&" precedes the mnemonic letter, a tab precedes the shortcut key; empty for a separator
     unsigned int mFlags; ///< a combination of the bits above
@@ -47,10 +47,10 @@ ORL_API bool GetMenuItem(HMENU inMenu, int inIndex, MenuItem& outItem);
 /// Destroys a menu that LoadMenuW returned, with its submenus. Must not be called for a submenu. Ignores null.
 ORL_API void DestroyMenu(HMENU inMenu);
 
-struct CursorPicture
+struct CursorPicture ///< A decoded cursor.
 {
-    int mWidth;
-    int mHeight;
+    int mWidth;    ///< in pixels
+    int mHeight;   ///< in pixels
     int mHotSpotX; ///< distance from the left edge of the picture
     int mHotSpotY; ///< distance from the top edge of the picture
     std::vector<std::uint32_t>

@@ -26,9 +26,9 @@ public:
         /// inLock must outlive the tag.
         explicit TagBase(CriticalSection& inLock) : mLock(&inLock) {}
 
-        void Lock() const TVXCORE_ACQUIRES(*mLock) { mLock->Lock(); }
-        void Unlock() const TVXCORE_RELEASES(*mLock) { mLock->Unlock(); }
-        CriticalSection& GetCriticalSection() const { return *mLock; }
+        void Lock() const TVXCORE_ACQUIRES(*mLock) { mLock->Lock(); }     ///< locks the object's lock
+        void Unlock() const TVXCORE_RELEASES(*mLock) { mLock->Unlock(); } ///< undoes one Lock
+        CriticalSection& GetCriticalSection() const { return *mLock; }    ///< returns the object's lock
 
     private:
         CriticalSection* mLock;

@@ -19,7 +19,7 @@ namespace ORL {
 class ORL_API SharedThreadedWorkQueue
 {
 public:
-    using QueueRef = InterfaceRef<ThreadedWorkQueue, ORLUnknown>;
+    using QueueRef = InterfaceRef<ThreadedWorkQueue, ORLUnknown>; ///< owns a queue
 
     SharedThreadedWorkQueue(const SharedThreadedWorkQueue&) = delete;
     SharedThreadedWorkQueue& operator=(const SharedThreadedWorkQueue&) = delete;

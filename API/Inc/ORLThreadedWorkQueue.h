@@ -24,11 +24,11 @@ namespace ORL {
 /// created on a thread of lower priority keep that priority.
 struct ThreadPriorities
 {
-    using Type = int;
+    using Type = int; ///< a number from 0 to 5
 
-    static constexpr Type kLowest = 0;
-    static constexpr Type kNormal = 3;
-    static constexpr Type kHighest = 5;
+    static constexpr Type kLowest = 0;  ///< for work that can wait
+    static constexpr Type kNormal = 3;  ///< the process's own priority
+    static constexpr Type kHighest = 5; ///< for work that cannot wait
 };
 
 /// A unit of work. Clients and the queue share it by counted references. See Process for threads and failures.
@@ -54,7 +54,7 @@ public:
 class ORL_API ThreadedWorkQueue : public UnknownImpl<ORLUnknown, ThreadedWorkQueue>
 {
 public:
-    using Request = InterfaceRef<IThreadedQueueRequest, IThreadedQueueRequest>;
+    using Request = InterfaceRef<IThreadedQueueRequest, IThreadedQueueRequest>; ///< owns a request
 
     static constexpr Guid kInterfaceID = kInterfaceID_ThreadedWorkQueue;
 
@@ -90,7 +90,7 @@ public:
     /// Blocks the caller while the queue is paused.
     void BlockWhilePaused();
 
-    bool CurrentThreadIsQueueThread();
+    bool CurrentThreadIsQueueThread(); ///< returns whether a thread of this queue calls
 
     /// Returns 0 before Initialize.
     unsigned int GetNumberOfThreads();

@@ -77,12 +77,12 @@ public:
     /// Returns the rate that was passed, even if the format implies another.
     ORL_API tvxmediatypes::FrameRate GetFrameRate() const;
 
-    ORL_API tvxmediatypes::TimeDisplay GetFormat() const;
+    ORL_API tvxmediatypes::TimeDisplay GetFormat() const; ///< returns the format of the label
 
     /// Keeps the public time. inFrameRate must be in the range that the constructor documents.
     ORL_API void SetFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const tvxmediatypes::FrameRate& inFrameRate);
 
-    ORL_API Style GetStyle() const;
+    ORL_API Style GetStyle() const; ///< returns how the label is written
 
     /// Keeps the stored time: switching mPreviousFrame moves the public time by one frame.
     ORL_API void SetStyle(const Style& inStyle);

@@ -28,9 +28,9 @@ TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 struct Dialogs
 {
     bool (*mAssert)(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage, const char* inFile,
-                    long inLine, const char* inFunction) = nullptr;
-    bool (*mContract)(const char* inExpression, const char* inFile, long inLine) = nullptr;
-    long (*mDisplay)(const char* inTitle, const char* inText) = nullptr;
+                    long inLine, const char* inFunction) = nullptr;                         ///< a failed assertion
+    bool (*mContract)(const char* inExpression, const char* inFile, long inLine) = nullptr; ///< a broken contract
+    long (*mDisplay)(const char* inTitle, const char* inText) = nullptr;                    ///< any other message
 };
 
 /// Installs the host's dialogs and returns the previous ones. Thread-safe; a report in progress may still use the

@@ -43,8 +43,8 @@ public:
     /// name.
     TVXCORE_API UTF16String AsString() const;
 
-    constexpr std::uint64_t FirstWord() const noexcept { return mWords[0]; }
-    constexpr std::uint64_t SecondWord() const noexcept { return mWords[1]; }
+    constexpr std::uint64_t FirstWord() const noexcept { return mWords[0]; }  ///< bytes 0 to 7, little-endian
+    constexpr std::uint64_t SecondWord() const noexcept { return mWords[1]; } ///< bytes 8 to 15
 
     friend constexpr bool operator==(const Guid& inLeft, const Guid& inRight) noexcept
     {

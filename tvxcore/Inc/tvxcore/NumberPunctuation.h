@@ -12,8 +12,8 @@ namespace utility {
 /// Defaults to the punctuation of the classic locale. A value.
 struct NumberPunctuation
 {
-    unsigned short mDecimalPoint = '.';
-    unsigned short mThousandsSeparator = ',';
+    unsigned short mDecimalPoint = '.';       ///< between whole number and fraction
+    unsigned short mThousandsSeparator = ','; ///< between groups of digits
 
     /// Sizes of the digit groups from the right, in the format of std::numpunct: each character is a number, the
     /// last one repeats, CHAR_MAX ends the grouping. Empty if digits are not grouped.

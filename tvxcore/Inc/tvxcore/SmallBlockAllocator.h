@@ -35,7 +35,7 @@ public:
     /// Frees a block, on any thread. inSize is the size that was passed to Allocate. Ignores null.
     static void Dispose(void* inBlock, std::size_t inSize) noexcept;
 
-    class TVXCORE_API Metrics
+    class TVXCORE_API Metrics ///< Statistics of the allocator.
     {
     public:
         /// 18 counters, three for each of six subjects: the current value, the peak, and the total over time.

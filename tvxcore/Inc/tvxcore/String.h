@@ -24,7 +24,7 @@ using ::UTF8String;
 template <std::size_t N>
 struct UTF16Literal
 {
-    unsigned short mUnits[N];
+    unsigned short mUnits[N]; ///< with the terminator
 
     constexpr UTF16Literal(const char16_t (&inText)[N]) : mUnits{}
     {

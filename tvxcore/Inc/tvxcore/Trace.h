@@ -103,8 +103,8 @@ public:
         return static_cast<unsigned int>(cached >> 32) == count ? (cached & 1) != 0 : Ask(count);
     }
 
-    const char* Category() const noexcept { return mCategory; }
-    long Level() const noexcept { return mLevel; }
+    const char* Category() const noexcept { return mCategory; } ///< returns the category
+    long Level() const noexcept { return mLevel; }              ///< returns the level
 
 private:
     bool Ask(unsigned int inCount) noexcept

@@ -40,7 +40,7 @@ public:
         return time;
     }
 
-    constexpr long long GetTicks() const noexcept { return mTicks; }
+    constexpr long long GetTicks() const noexcept { return mTicks; } ///< returns the time in ticks
 
     constexpr TickTime operator-() const noexcept { return FromTicks(Wrap(0 - Bits(mTicks))); }
 
