@@ -12,7 +12,7 @@
 #  define ORL_API __attribute__((visibility("default")))
 #endif
 
-// Marks a class inside an exported class that hosts do not use.
+// Hides a nested class that hosts do not use, although the enclosing class is exported.
 #if defined(_WIN32)
 #  define ORL_LOCAL
 #else

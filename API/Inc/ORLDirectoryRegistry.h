@@ -39,8 +39,8 @@ ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 ORL_API UTF16String FindDirectory(const UTF16String& inSymbolicName);
 
 /// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero
-/// byte. Each line is symbol "=" path and ends in a line feed. Further "=" directly after the first are skipped, and
-/// text from another "=" on is ignored. Blanks and tabs around symbol and path are removed; a carriage return is not.
+/// byte. Each line is symbol "=" path and ends in a line feed. More "=" directly after the first are skipped; a later
+/// "=" and the text after it are ignored. Blanks and tabs around symbol and path are removed; a carriage return is not.
 /// If the collection has no such resource, reports an assertion and registers nothing. A line without a symbol or a
 /// path, such as an empty line, fires an input contract. Throws std::bad_alloc. In both cases the earlier lines stay
 /// registered.

@@ -138,8 +138,8 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Opens or creates a file. Returns kPathNotFound for a path that is not rooted. A directory requires
-    /// kFileAttribute_BackupSemantics, and reports an assertion unless inAllowDirectory is true. With kFileCreate_New
+    /// Opens or creates a file. Returns kPathNotFound for a path that is not rooted. Opening a directory requires
+    /// kFileAttribute_BackupSemantics, and fires an assertion unless inAllowDirectory is true. With kFileCreate_New
     /// returns kGeneralFailure (system error 80) for an existing file.
     Result Create(const UTF16String& inFullPath, FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileCreateDispositionFlags::Type inDisposition, FileAttributesFlags::Type inAttributes,
@@ -185,8 +185,8 @@ public:
 
     static Result Delete(const UTF16String& inPath); ///< deletes a file; fails if there is none
 
-    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Uses the
-    /// paths as given. On Linux also copies the permissions, and lets the kernel copy the data if possible.
+    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Does not
+    /// extend plain paths. On Linux also copies the permissions, and lets the kernel copy the data if possible.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
@@ -197,7 +197,7 @@ public:
                                    bool (*inCallback)(float, void*), void* inData);
 
     /// Renames a file or directory. Files may also be moved to another volume. Returns kAlreadyExists if the
-    /// destination exists. Uses the paths as given.
+    /// destination exists. Does not extend plain paths.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Replaces the real file, which must exist, with a finished temporary file, and removes the temporary name. On
@@ -211,7 +211,7 @@ public:
     /// may take the name.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. Uses the path as given.
+    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. Does not extend a plain path.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
     /// Stores the time of a file's last write, like the member function.

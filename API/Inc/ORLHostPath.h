@@ -46,7 +46,7 @@ ORL_API std::vector<MountPoint> GetMountPoints();
 /// change.
 namespace Linux {
 
-/// Same as the functions of PathUtils above.
+/// Same as PathUtils::FromHostPath and PathUtils::ToHostPath.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 

@@ -73,7 +73,7 @@ public:
     /// text "bad allocation". The contents are left over from the previous user.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
-    /// Returns a buffer. A large buffer is added to the pool, which then frees its oldest buffers until it meets the
+    /// Takes a buffer back. A large one is added to the pool, which then frees its oldest buffers until it meets the
     /// limit. The fields of ioBuffer are not changed, but the memory is no longer the caller's. Never throws.
     void RecycleBuffer(MemoryBuffer& ioBuffer);
 

@@ -115,7 +115,7 @@ ORL_API bool IsDirectoryEmpty(const UTF16String& inFullPath);
 ORL_API bool IsHidden(const UTF16String& inPath);
 
 /// Creates the directory and its missing parents. inPath should end in a backslash. Returns whether the directory
-/// exists now.
+/// exists afterwards.
 ORL_API bool PreparePathForWrite(const UTF16String& inPath);
 
 /// Returns the path if nothing exists there, else the first unused of name_1.ext, name_2.ext and so on. The name is not

@@ -77,8 +77,8 @@ public:
     /// Returns all resources, sorted by type, name and language; strings precede numbers.
     const std::vector<FileEntry>& GetEntries() const;
 
-    /// Finds a resource as Module::FindLocalizedResource does if inLanguage is the current language and the user's
-    /// language is American English. Returns null if the file has no such resource. Type and name have the form that
+    /// Finds a resource as Module::FindLocalizedResource would if inLanguage were the current language and American
+    /// English the user's language. Returns null if the file has no such resource. Type and name have the form that
     /// the lookups of ResourceCollection expect. Throws std::bad_alloc.
     const FileEntry* FindLocalized(const unsigned short* inName, const unsigned short* inType,
                                    unsigned short inLanguage) const;

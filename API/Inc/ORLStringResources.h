@@ -2,8 +2,8 @@
 // Strings from the string tables of a module.
 //
 // A string is looked up in the current language, then in the neutral language, then in American English. An empty
-// string counts as missing. If a lookup does not find the block of the string, an assertion fires, which can be
-// ignored. Thread-safe. Throws std::bad_alloc.
+// string counts as missing. A lookup fires an assertion, which can be ignored, if it does not find the string table
+// resource that should hold the string. Thread-safe. Throws std::bad_alloc.
 #pragma once
 
 #include <ORLConfig.h>

@@ -28,7 +28,7 @@ ORL_API unsigned __int64 GetTotalVirtualMemory();
 /// percents from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
 ///
 /// On Linux the load is computed from the first line of /proc/stat, usually in units of 10 ms: all time except idle and
-/// input/output wait, rounded down. A container's CPU limit does not affect the load. If the system has no such
+/// input/output wait, rounded down. A container's CPU limit does not affect the load. If the system has no load
 /// counter, an assertion is reported and the load is 0.
 ORL_API float GetSystemLoad();
 
@@ -38,8 +38,8 @@ ORL_API bool ProcessorSupportsRDTSCInstruction();
 /// Always returns false.
 ORL_API bool ProcessorSupportsAltivec();
 
-// These functions return constants: the instruction sets that every supported machine has. They do not query the
-// processor, so the later sets are false even if it has them.
+// These functions return constants and do not query the processor: true for the instruction sets that every supported
+// machine has, false for later ones.
 ORL_API bool ProcessorSupportsMMX();     // true
 ORL_API bool ProcessorSupportsSSE();     // true
 ORL_API bool ProcessorSupportsSSE2();    // true

@@ -5,7 +5,7 @@
 //
 // Share modes apply between all handles: an open whose access another handle does not share, or that does not share
 // another handle's access, fails with 32. Deleting, moving or replacing a file briefly opens it with delete access.
-// Access 0 is never checked.
+// An open with access 0 is never checked.
 //
 // Paths may be plain or extended, and are used as given.
 #pragma once

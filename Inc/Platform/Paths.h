@@ -38,7 +38,7 @@ bool IsDirectoryEmpty_Impl(const UTF16String& inPath);
 /// Returns the attribute bits, or kInvalidAttributes on failure.
 unsigned long GetFileAttributes_Impl(const UTF16String& inPath);
 
-/// Creates the directory and its missing parents. Returns whether the directory exists now.
+/// Creates the directory and its missing parents. Returns whether the directory exists afterwards.
 bool PreparePathForWrite_Impl(const UTF16String& inPath);
 
 /// Returns a pointer to the text after the first component of inPath; null for an empty text.

@@ -22,8 +22,8 @@ void* GetSlotValue_Impl(std::uint32_t inSlot);
 void SetSlotValue_Impl(std::uint32_t inSlot, void* inValue);
 
 /// Passes the name of the calling thread (UTF-8) to a debugger and the system's tools. Has no other effect. On Linux
-/// the initial thread of the process keeps its name, which is that of the
-/// process. Never fails.
+/// the initial thread of the process keeps its name, which is that of the process.
+/// Never fails.
 void NameThread_Impl(const char* inName);
 
 } // namespace Platform

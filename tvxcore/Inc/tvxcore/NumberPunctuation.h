@@ -29,10 +29,10 @@ TVXCORE_API bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& 
 
 /// Returns the user's punctuation, which the first call determines for the life of the process.
 ///
-/// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. If the table lacks the name
-/// but the locale is installed, the C library decides; any other name is treated as the classic locale. On Windows the
-/// user's settings decide. The first call throws std::bad_alloc. Thread-safe if no thread changes the environment
-/// during the first call.
+/// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. If this library does not
+/// know the name but the locale is installed, the C library decides; any other name is treated as the classic locale.
+/// On Windows the user's settings decide. The first call throws std::bad_alloc. Thread-safe if no thread changes the
+/// environment during the first call.
 TVXCORE_API const NumberPunctuation& UserNumberPunctuation();
 
 } // namespace utility

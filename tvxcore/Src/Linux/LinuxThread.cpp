@@ -110,8 +110,8 @@ void NameCurrentThread_Impl(const char* inName) noexcept
 }
 
 // A thread inherits its creator's nice level; that of the process is the level of its first thread. An ordinary user
-// may lower a priority but not raise it. So a refused level stays at that of the process, or at that of the creator if
-// lower.
+// may lower a priority but not raise it. So if the requested level is refused, the thread gets that of the process or,
+// if this is refused too, keeps that of its creator.
 void SetCurrentThreadPriority_Impl(int inPriority) noexcept
 {
     static constexpr int kOffsets[] = {15, 10, 5, 0, -5, -10};
