@@ -30,8 +30,8 @@ inline constexpr Guid kInterfaceID_ThreadedWorkQueue(0x424584A420974874u, 0x9981
 inline constexpr Guid kInterfaceID_ThreadedWorkQueueFlush(0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u);
 inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0xE09C394DB38CF492u);
 
-/// Root interface of the class system. The order of the virtual functions is fixed. An interface appends its own and
-/// declares its own kInterfaceID: an inherited one identifies another interface.
+/// Root interface of the class system. The order of the virtual functions is fixed. A derived interface appends its
+/// functions and declares its own kInterfaceID, since an inherited one identifies the base.
 ///
 /// Owner:    references own the object; the last Release deletes it.
 /// Threads:  AddRef, Release and QueryInterface are thread-safe in classes derived from UnknownImpl.
@@ -44,7 +44,7 @@ public:
     /// Adds one reference. A new object has none.
     virtual void AddRef() = 0;
 
-    /// Removes one reference. The last call deletes the object.
+    /// Removes one reference. Deletes the object if that was the last one.
     virtual void Release() = 0;
 
     virtual ~ORLUnknown();

@@ -11,7 +11,7 @@ namespace Platform {
 /// The caller serialises the calls.
 ///
 /// If a pipe is full, its reader has a tenth of a second to read. If the reader reads nothing in that time,
-/// ioReaderIsStuck is set, and while it is set, calls hardly wait. A successful write clears the flag. Never throws.
+/// ioReaderIsStuck is set, and calls wait a clock tick at most until a successful write clears it. Never throws.
 ///
 /// On Linux: polls whether a write would block, for every kind of file.
 /// On Windows: there is no reliable such query (under Wine the free space of a pipe is always 0), so the write is

@@ -41,8 +41,8 @@ void* Map(void* inAddress, std::size_t inSize) noexcept
     return ::VirtualAlloc(inAddress, inSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
 }
 
-// Finds a free range that is large enough and maps its aligned part. Another thread may take the range between the two
-// calls, so the function retries.
+// Finds a free range that is large enough and maps its aligned part. Another thread may take the range between the
+// release and the mapping, so the function retries.
 void* MapAligned(std::size_t inSize, std::size_t inAlignment) noexcept
 {
     for (int i = 0; i < 100; ++i) {
