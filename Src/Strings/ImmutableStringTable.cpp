@@ -229,8 +229,8 @@ std::size_t ImmutableStringTable::FirstSlotOf(const Slots& inIndex, std::uint64_
     return inHash & (inIndex.Count() - 2);
 }
 
-// The caller must hold the guard or be in a visit. A text is usually in one of the first two slots, but which one is
-// unpredictable. The slot is selected without a branch, because a mispredicted branch costs more than reading both
+// The caller must hold the guard or have ReaderAccess. A text is usually in one of the first two slots, but which one
+// is unpredictable. The slot is selected without a branch, because a mispredicted branch costs more than reading both
 // slots.
 ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const
 {
