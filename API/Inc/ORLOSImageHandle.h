@@ -27,7 +27,7 @@ public:
     /// Constructs an empty handle, which holds no bitmap, not even a null one. Throws std::bad_alloc.
     OSImageHandle();
 
-    /// Takes ownership of a bitmap, which may be null. A constructor that throws std::bad_alloc has deleted it.
+    /// Takes ownership of a bitmap, which may be null. Throws std::bad_alloc; the bitmap is then deleted.
     explicit OSImageHandle(HBITMAP inBitmap);
 
     /// Shares the bitmap of the other handle. Throws std::bad_alloc.

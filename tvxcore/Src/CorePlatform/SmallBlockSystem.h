@@ -15,8 +15,8 @@ void* MapPages_Impl(std::size_t inSize, std::size_t inAlignment) noexcept;
 /// Unmaps memory from MapPages_Impl. inSize must be the same.
 void UnmapPages_Impl(void* inPages, std::size_t inSize) noexcept;
 
-/// Registers inEnded, which is then called on each thread that exits after its WatchThisThread_Impl, with the argument
-/// given there. Call it once, before any WatchThisThread_Impl. Both return false on failure.
+/// Registers inEnded. Each thread that has called WatchThisThread_Impl then calls inEnded when it exits, with the same
+/// inCache. Register once, before any WatchThisThread_Impl. Both return false on failure.
 bool WatchThreadEnds_Impl(void (*inEnded)(SmallBlocks::CacheHead* inCache)) noexcept;
 bool WatchThisThread_Impl(SmallBlocks::CacheHead* inCache) noexcept;
 
