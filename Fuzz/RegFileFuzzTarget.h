@@ -21,7 +21,7 @@ inline bool IsPossible(const ORL::RegistryEdit& inEdit)
            && (inEdit.mKind != ORL::RegistryEdit::kDeleteKey || !inEdit.mPath.empty());
 }
 
-/// Returns the keys whose values the file sets, including repetitions.
+/// Returns the keys that the file creates or whose values it sets, including repetitions.
 inline std::vector<orl::RegFileKey> KeysOf(const std::vector<ORL::RegistryEdit>& inEdits)
 {
     std::vector<orl::RegFileKey> keys;

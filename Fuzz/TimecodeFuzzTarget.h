@@ -1,8 +1,8 @@
 // Properties that must hold when arbitrary text is parsed as timecode. The fuzzer and the plain test that replays its
 // corpus check the same properties.
 //
-// Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a unit of the text; 0xFF
-// introduces the two bytes of any other unit.
+// Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a UTF-16 unit of the text;
+// 0xFF introduces the two bytes, low byte first, of any other unit.
 #pragma once
 
 #include <ORLTimecode.h>
@@ -86,9 +86,9 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
     return input;
 }
 
-/// Returns whether, by the rules, the text of a time with its sign and all fields must parse to the same time: whole
-/// frames of the format's rate, within a day. Labels must use their format's own rate, because frames that overflow a
-/// slower rate would carry.
+/// Returns whether the library's text of a time, with its sign and all fields, must parse to the same time: the time
+/// must be whole frames at the format's rate, within a day. Labels must use their format's own rate, because frames
+/// that overflow a slower rate would carry.
 inline bool RoundTrips(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)
 {
     using namespace tvxmediatypes;
@@ -140,7 +140,7 @@ inline const char* CheckTimecodeInput(const std::uint8_t* inData, std::size_t in
     return nullptr;
 }
 
-/// Assertions are expected: this handler answers each with "never again" instead of printing a line to standard error.
+/// Installs a handler that ignores each failed check for good and prints nothing, because checks are expected to fail.
 inline void SilenceAssertions()
 {
     tvxcore::debug::Dialogs dialogs;

@@ -1,4 +1,4 @@
-// Converts and folds arbitrary bytes and compares the results with the standard's own table.
+// Converts and folds arbitrary bytes, and compares the conversions with a reference from the Unicode standard's table.
 #include <UtfCheck.h>
 
 #include <cstdint>

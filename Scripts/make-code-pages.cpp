@@ -4,8 +4,8 @@
 //   Scripts/run-under-wine build/make-code-pages.exe Src/Linux/CodePages/Tables
 // The folder receives one CodePage<number>.inc for each page.
 //
-// The library converts text byte by byte and unit by unit. Check tests the assumptions behind this method: the program
-// rejects a page that violates one, instead of writing a wrong table.
+// The library converts text byte by byte and unit by unit. Check() tests the assumptions behind this method: the
+// program stops at a page that violates one, instead of writing a wrong table.
 #include <windows.h>
 
 #include <algorithm>
@@ -57,8 +57,8 @@ std::string Pair(unsigned inLead, unsigned inTrail)
 struct Page
 {
     unsigned mNumber;
-    Numbers mSingles; // unit of each byte that is not a lead byte, or a lead byte without its trail byte
-    Numbers mLeadRow; // 0, or 1 plus the row of each lead byte
+    Numbers mSingles; // unit of each byte on its own, even of a lead byte without its trail byte
+    Numbers mLeadRow; // by byte: 1 plus the row of a lead byte, 0 for any other byte
     std::vector<Numbers> mRows;
     Numbers mIndex;
     std::vector<Numbers> mBlocks;
@@ -132,7 +132,7 @@ Page ReadPage(unsigned inNumber)
     return page;
 }
 
-// Decimal, without spaces: half the size of the usual form, and not meant to be read.
+// Writes the numbers in decimal without spaces, at half the usual size, because nobody reads the tables.
 void WriteNumbers(std::FILE* ioFile, const Numbers& inNumbers)
 {
     std::string line;
@@ -164,7 +164,7 @@ std::size_t WriteTable(std::FILE* ioFile, const char* inType, const std::string&
     return inNumbers.size() * (isByte ? 1 : 2);
 }
 
-// Returns the size of the tables in the library, in bytes.
+// Writes the tables of a page, and returns their size in the library, in bytes.
 std::size_t WritePage(const std::string& inFolder, const Page& inPage)
 {
     const std::string number = std::to_string(inPage.mNumber);

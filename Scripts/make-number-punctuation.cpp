@@ -34,7 +34,7 @@ char16_t Symbol(const UNumberFormat* inFormat, UNumberFormatSymbol inWhich)
     return unum_getSymbol(inFormat, inWhich, text, 16, &error) == 1 ? text[0] : u'\0';
 }
 
-// ASCII digits, even if the locale prefers others: the library parses only these.
+// Selects ASCII digits even if the locale prefers others, because the library parses only these.
 bool Find(const std::string& inName, Punctuation& outPunctuation)
 {
     UErrorCode error = U_ZERO_ERROR;

@@ -25,7 +25,7 @@ constexpr std::size_t kLaneGap = 8;
 
 constexpr float kFullScale = 0.999f;
 
-// Returns the part of the pixel row that lies between two heights.
+// Returns the fraction of the pixel row that lies between two heights, from 0 to 1.
 double Covered(std::size_t inRow, double inTop, double inBottom)
 {
     const double row = static_cast<double>(inRow);

@@ -37,7 +37,7 @@ void Picture::Fill(const Rectangle& inArea, Colour inColour, double inPart)
 
 void Picture::FillRounded(const Rectangle& inArea, double inRadius, Colour inColour)
 {
-    // How far a pixel lies inside a corner's square: the radius minus the distance to the nearest side, or 0.
+    // On one axis, how far a pixel lies inside a corner's square: the radius minus its distance to the side, or 0.
     const auto beyond = [inRadius](std::size_t inPlace, std::size_t inSize) {
         const double middle = static_cast<double>(inPlace) + 0.5;
         const double side = std::min(middle, static_cast<double>(inSize) - middle);

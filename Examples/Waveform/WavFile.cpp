@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned kPCM = 1;
 constexpr unsigned kFloat = 3;
-constexpr unsigned kExtensible = 0xFFFE; // the extension contains the encoding: the first two bytes of an identifier
+constexpr unsigned kExtensible = 0xFFFE; // the encoding is in the first two bytes of the GUID in the extension
 constexpr unsigned kMaxChannels = 16;
 
 std::uint32_t Number(const unsigned char* inBytes, unsigned inCount)

@@ -24,7 +24,7 @@ struct Place
     int mY = 100;
 };
 
-// Separate numeric values instead of one string, so that each can be read and edited separately.
+// Separate numeric values instead of one string, so that each can be read and edited on its own.
 constexpr char kX[] = "X";
 constexpr char kY[] = "Y";
 
@@ -33,7 +33,7 @@ UTF16String WindowKey()
     return ORL::GetRegistrySettingsKey() + ORL::MakeString("Window");
 }
 
-// A number keeps its value if the registry has none: on the first start, or if the setting was deleted.
+// Leaves ioNumber unchanged if the registry has no value: on the first start, or after the setting was deleted.
 void ReadNumber(const ORL::RegistryKey& inKey, const char* inName, int& ioNumber)
 {
     unsigned int stored = 0;
