@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the rules of this project that the includes can break.
+"""Checks the project's rules for includes, folders of tests and public headers.
 
 Floors: includes run only downwards. A file below Src or Inc belongs to the floor of its folder, a header of API/Inc to
 the floor that its first line names ("// Floor: Threads"). A file in a platform folder belongs to the floor that its first

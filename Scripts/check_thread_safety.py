@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Lets clang check that every variable with a lock is accessed under it: check_thread_safety.py BUILD [ROOT]
+"""Lets clang check that every guarded variable is accessed under its lock: check_thread_safety.py BUILD [ROOT]
 
-Checks the sources of the libraries that mention a lock, with the include folders and macros of
+Checks those sources of the libraries that mention a lock, with the include folders and macros of
 BUILD/compile_commands.json. Prints clang's warnings; exit code 1 if there is a warning, or if nothing was checked.
 """
 import concurrent.futures
@@ -19,7 +19,7 @@ WARNINGS = ["-Wno-everything", "-Wthread-safety", "-Wthread-safety-reference"]
 
 
 def search_flags(command):
-    """Returns the flags of a compile command that decide what the source means to clang."""
+    """Returns the include, macro and language-standard flags of a compile command."""
     words = iter(shlex.split(command))
     flags = []
     for word in words:

@@ -24,7 +24,7 @@ def inside_rounded(x, y, left, top, right, bottom, radius):
 
 
 def colour_at(x, y):
-    """Returns the colour at a point of the unit square."""
+    """Returns the colour at a point in the unit square."""
     if not inside_rounded(x, y, 0.02, 0.02, 0.98, 0.98, 0.18):
         return NOTHING
     for number, colour in enumerate(FRAMES):

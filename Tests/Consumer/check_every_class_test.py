@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs check_every_class.py on small source trees, each with one untouched declaration."""
+"""Checks that check_every_class.py reports each declaration that the consumer in a small source tree does not use."""
 import subprocess
 import sys
 import tempfile

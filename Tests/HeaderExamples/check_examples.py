@@ -18,7 +18,7 @@ STATEMENT = re.compile(r"[;{}]\s*(?://.*)?$")
 
 
 def comments(lines):
-    """Yields the runs of comment lines, each as (number of its first line, texts without the slashes)."""
+    """Yields the runs of comment lines, each as a list of (line number, text without the slashes)."""
     run = []
     for number, line in enumerate(lines + [""], 1):
         match = COMMENT.match(line)
@@ -30,7 +30,7 @@ def comments(lines):
 
 
 def examples(path):
-    """Yields (line, code) of each example; blank lines between two parts of one comment do not end it."""
+    """Yields (line, code) of each example; a blank line inside a comment does not end the example."""
     for run in comments(path.read_text(encoding="utf-8").splitlines()):
         block = []
         for number, text in run + [(0, "end")]:
@@ -48,7 +48,7 @@ def is_function(code):
 
 
 def program(found):
-    """Returns one program with all examples, each as a function of a separate host."""
+    """Returns one program with all examples, each as a member function of its own host or in its own namespace."""
     headers = sorted({path.relative_to(root).as_posix() for path, _, _ in found
                       for root in map(ROOT.joinpath, FOLDERS) if root in path.parents})
     text = "".join(f"#include <{header}>\n" for header in headers) + f'#include "{HERE}/Surroundings.h"\n'

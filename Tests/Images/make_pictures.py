@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes Tests/Images/Data: bitmaps in every form, a few PNG files, and Pixels.h with the pixels that each of them has.
 
-The pixels follow from how this script writes each file, not from any reader of the file.
+The pixels are those that this script writes into each file, not those that a reader finds in it.
 """
 import struct
 import zlib

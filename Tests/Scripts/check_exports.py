@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Checks which symbols leave a shared library, or a host that is linked to the libraries.
+"""Checks which symbols a shared library exports, or a host that is linked to the libraries.
 
   check_exports.py elf LIBRARY SONAME HEADERS   every symbol is named in the public headers and has the version SONAME
   check_exports.py pe LIBRARY NAME HEADERS      every symbol is named in the public headers, and the DLL has this name
   check_exports.py host PROGRAM                 the program defines no library symbol except compile-time constants
 
-HEADERS is the folder of the library's public headers. Exit code 1 if a symbol does not belong there, or if there are none.
+HEADERS is the folder of the library's public headers. Exit code 1 if a symbol breaks the rule, or if there are none.
 """
 import pathlib
 import re
@@ -15,7 +15,7 @@ import sys
 OURS = ("ORL", "tvxcore", "tvxmediatypes", "CRV")
 # The facets of 16-bit streams, which <tvxcore/UTF16Facets.h> declares.
 FACETS = re.compile(r"_Z(NK?|T[ISV]N?)(St5ctypeItE|St7__cxx118numpunctItE)|_ZNSt7num_(put|get)It.*E2idE$")
-# The Windows compiler exports these with exported classes that derive from them. No other library imports them from here.
+# The Windows compiler exports these with exported classes that derive from them, but no other library imports them.
 BASES_ON_WINDOWS = ("_ZTISt9bad_alloc", "_ZTISt9exception")
 SPECIAL = re.compile(r"_Z(?:T[ISVTC]|GV|Z|T[hv]n?\d+_(?:n\d+_)?|Tc.*?_)?")
 
@@ -25,7 +25,7 @@ def read(*command):
 
 
 def words_of(mangled):
-    """The names in front of a symbol's parameters: _ZN3ORL4File4OpenEv gives ORL, File, Open."""
+    """Returns the components of a symbol's name without its parameters: ORL, File, Open for _ZN3ORL4File4OpenEv."""
     rest = mangled[SPECIAL.match(mangled).end():]
     nested = re.match(r"N[VKO]*", rest)
     rest = rest[nested.end():] if nested else rest
@@ -95,7 +95,10 @@ def check_pe(path, dll, folder, faults):
 
 
 def check_host(path, faults):
-    """A symbol that a host compiles itself has no version, and the loader would prefer it to that of any plug-in."""
+    """Checks that the host exports no library symbol that it compiles itself, except compile-time constants.
+
+    Such a symbol has no version, and the loader would prefer it to that of any plug-in.
+    """
     names = []
     for name, version, _, kind, _ in elf_symbols(path):
         words = words_of(name) if name.startswith("_Z") else []

@@ -2,7 +2,7 @@
 """Checks the search paths of every program and shared library below a folder: check_rpath.py FOLDER
 
 The loader resolves an empty or relative entry of RPATH or RUNPATH against the current folder, where any user may have
-put a library. Exit code 1 if there is such an entry, or if the folder has fewer than 8 such files.
+put a library. Exit code 1 if there is such an entry, or if the folder has fewer than 8 programs and libraries.
 """
 import os
 import re

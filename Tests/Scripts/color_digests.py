@@ -2,8 +2,8 @@
 """Builds the colour sources with each compiler at several levels and compares the digests of their sweeps.
 
 color_digests.py ROOT COMPILER...
-The compilers may contract where their defaults allow it, so the library's own option against that is part of what is
-tested: the last level is a processor with fused operations.
+Some compilers fuse multiplications and additions by default, which changes results. The last level is for a processor
+with fused operations, and tests that -ffp-contract=off, which the library uses, prevents this.
 """
 import subprocess
 import sys

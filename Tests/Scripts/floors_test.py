@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs check_floors.py on small source trees that each break one rule: floors_test.py SCRIPT"""
+"""Checks that check_floors.py reports each broken rule in a small source tree: floors_test.py SCRIPT"""
 import subprocess
 import sys
 import tempfile
