@@ -23,7 +23,7 @@ DECLARATION_BELOW = re.compile(r"^\s*(?:ORL_\w+|TVX\w+|inline|static|extern|cons
 CONSTANT = re.compile(r"^(?:ORL_CONSTANT|(?:TVX\w+ )?inline constexpr|constexpr) (?:[\w:]+ )+k[A-Z]\w*")
 MACRO = re.compile(r"^#\s*define \w+")
 
-# What a name or the language says of a member that has no comment.
+# Descriptions of members without a comment, which follow from the name or from the language.
 USUAL = [(re.compile(pattern), text) for pattern, text in [
     (r"^\s+(?:\w+ )*(\w+)\((?:const )?\1(?:<\w+>)?&?\s*\w*\).* = delete;", "Deleted: an object cannot be copied."),
     (r"^\s+(\w+)& operator=\(const \1&.*= delete;", "Deleted: an object cannot be assigned."),
@@ -54,7 +54,7 @@ USUAL = [(re.compile(pattern), text) for pattern, text in [
 
 
 def escaped(text):
-    """Returns the text with Doxygen's own characters as plain ones."""
+    """Returns the text with Doxygen's special characters escaped."""
     return re.sub(r"([\\@<>#])", r"\\\1", text)
 
 
@@ -128,7 +128,7 @@ def one_line(texts):
 
 
 class Braces:
-    """Follows one declaration to its end."""
+    """Counts brackets line by line, to find the end of a declaration."""
 
     def __init__(self):
         self.depth, self.is_open = 0, False
@@ -145,7 +145,7 @@ class Filter:
         self.position = comment_end(lines, 0)
         self.result = []
         self.file_texts = self.take_file_comment()
-        self.texts = None          # the comment that holds until the next blank line
+        self.texts = None          # the comment that applies until the next blank line
         self.indent = ""
         self.is_fresh = False      # nothing stands between the comment and this line
         self.class_texts = None

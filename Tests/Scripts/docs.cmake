@@ -1,4 +1,4 @@
-# The HTML reference is complete, and a public member without a comment is found.
+# Checks that the HTML reference is complete, and that a public member without a comment is reported.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   add_test(NAME Docs.ReferenceHasNoWarning COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/docs"
