@@ -11,6 +11,9 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   add_test(NAME House.MissingLocksAreFound COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/thread_safety_test.py"
     "${PROJECT_SOURCE_DIR}/Scripts/check_thread_safety.py" "${PROJECT_SOURCE_DIR}/API/Inc" "${PROJECT_SOURCE_DIR}/tvxcore/Inc")
   set_tests_properties(House.LockedVariablesAreAccessedUnderTheirLocks House.MissingLocksAreFound PROPERTIES TIMEOUT 600)
+  add_test(NAME House.HeadersCompileAlone.WithoutExceptions COMMAND Python3::Interpreter
+    "${PROJECT_SOURCE_DIR}/Scripts/check_headers.py" g++ c++17 "${CMAKE_BINARY_DIR}/include" --without-exceptions)
+  set_tests_properties(House.HeadersCompileAlone.WithoutExceptions PROPERTIES TIMEOUT 600)
   foreach(compiler g++ clang++)
     foreach(standard c++17 c++20)
       set(name "House.HeadersCompileAlone.${compiler}.${standard}")
