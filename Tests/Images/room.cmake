@@ -37,5 +37,5 @@ if(NOT WIN32)
 endif()
 
 if(NOT WIN32)
-  target_sources(${room_target} PRIVATE Resources/EnglishUserLinuxTest.cpp) # the pictures' tables expect this user too
+  target_sources(${room_target} PRIVATE Resources/EnglishUserLinuxTest.cpp) # the picture tests expect an English user
 endif()

@@ -9,7 +9,7 @@ set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 # The parts of an ingest and of a verification are also compiled into the tests, so that a test can act between two steps.
 file(GLOB_RECURSE ingest_files CONFIGURE_DEPENDS "${orl_folder}/Common/*.cpp" "${orl_folder}/Ingest/*.cpp"
   "${orl_folder}/Verify/*.cpp")
-list(FILTER ingest_files EXCLUDE REGEX "/(Ingest/Ingest|Verify/Verify)\\.cpp$") # the command lines
+list(FILTER ingest_files EXCLUDE REGEX "/(Ingest/Ingest|Verify/Verify)\\.cpp$") # these two define command lines
 if(WIN32)
   list(FILTER ingest_files EXCLUDE REGEX "/Linux[A-Za-z0-9]*\\.cpp$")
   target_link_libraries(${room_target} PRIVATE bcrypt)

@@ -1,4 +1,4 @@
-# run(command...) runs a command and returns its output and its errors in these variables. Fails if the command does.
+# run(command...) runs a command and sets the variables output and errors to its streams. Fails if the command fails.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
   if(NOT status EQUAL 0)
@@ -10,7 +10,7 @@ function(run)
   set(errors "${errors}" PARENT_SCOPE)
 endfunction()
 
-# expect_output(expected what) compares the output of the last run.
+# expect_output(expected what) fails unless the output of the last run() is the expected text.
 function(expect_output expected what)
   if(NOT output STREQUAL expected)
     message(FATAL_ERROR "${what} printed [${output}], not [${expected}]")

@@ -1,5 +1,5 @@
 # cmake -D BUILD_DIR=... -D SOURCE_DIR=... -D VERSION=... -D ABI=... -P debian.cmake
-# Reads the fields of the Debian packages, runs the tool, and builds a host where they are unpacked.
+# Checks the fields of the Debian packages, runs the unpacked tool, and builds a host against the unpacked packages.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")
@@ -7,7 +7,7 @@ set(root "${work}/root")
 run(dpkg --print-architecture)
 string(STRIP "${output}" architecture)
 
-# Reads a field of a package. Fails unless the value matches.
+# Fails unless a field of a package has the expected value.
 function(expect_field package architecture field expected)
   run(dpkg-deb -f "${work}/${package}_${VERSION}_${architecture}.deb" ${field})
   string(STRIP "${output}" output)

@@ -1,5 +1,5 @@
 # cmake -D BUILD_DIR=... -P lintian.cmake
-# The distribution's own checks of the packages: an error fails, warnings are printed.
+# Runs the distribution's own checks on the packages: an error fails the test, a warning is only printed.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 file(GLOB packages "${BUILD_DIR}/packages/*.deb")

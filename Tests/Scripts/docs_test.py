@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Checks that Scripts/docs reports what a reader would miss: docs_test.py SCRIPT
+"""Checks that Scripts/docs reports declarations without a comment and links to missing pages: docs_test.py SCRIPT
 
-Plants mistakes in a small tree and compares the report with them; the tree without mistakes has none.
+Plants each mistake in a small tree and checks that the report names it; without mistakes there is no warning.
 """
 import subprocess
 import sys

@@ -1,6 +1,6 @@
-# The packages, made once of what is built. The other tests use them.
+# The first test makes the packages from the build; the other tests use these packages.
 if(NOT ORL_SANITIZE AND ORL_BUILD_TOOLS)
-  # Adds a test of what Tests/Packages/<script>.cmake does with the packages; further arguments are its variables.
+  # Adds a test that runs Tests/Packages/<script>.cmake on the packages; further arguments are variables for the script.
   function(orl_package_test name script)
     set(definitions "")
     foreach(definition IN LISTS ARGN)

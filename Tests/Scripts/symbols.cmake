@@ -8,8 +8,8 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   endforeach()
 endif()
 
-# Every symbol that leaves a library is declared in its public headers and, on Linux, has the library's version. The
-# standard library and Boost leave none, except the facets that tvxcore adds to the standard library.
+# Every symbol that a library exports is declared in its public headers and, on Linux, has the library's version. None
+# is from the standard library or Boost, except the facets that tvxcore adds to the standard library.
 if(NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   foreach(library tvxmediatypes tvxcore CRV ORLFoundation)

@@ -1,5 +1,5 @@
 # Two versions of the libraries in one process: a host that is linked to this version, and a plug-in that brings the next
-# one. The next version consists of the same objects, except one whose answer differs, so it costs little more than links.
+# one. The next version consists of the same objects, except one with a different result, so it costs little to build.
 if(NOT ORL_SANITIZE)
   set(next_abi "${PROJECT_VERSION_MAJOR}.9999")
   set(next_folder "${CMAKE_BINARY_DIR}/next")
