@@ -23,7 +23,7 @@ namespace {
 // Returns the default text of a ZString, or fixed text if the default text is missing or too long for a message.
 const char* ShownText(const char* inZString)
 {
-    constexpr std::size_t kTooLong = 201; // length of the text, including its "="
+    constexpr std::size_t kTooLong = 201; // the smallest length that is too long, counted from the "="
     const char* const equals = std::strchr(inZString, '=');
     if (equals == nullptr || equals[1] == '\0') {
         return "Unknown TVX Exception";

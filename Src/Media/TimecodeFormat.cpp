@@ -162,7 +162,7 @@ std::size_t CountDecimalDigits(unsigned inValue)
 {
     constexpr unsigned kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
     const unsigned bits = 32u - static_cast<unsigned>(__builtin_clz(inValue | 1u));
-    const unsigned atMost = bits * 1233 >> 12; // bits * log10(2), rounded down: the digits or one fewer
+    const unsigned atMost = bits * 1233 >> 12; // bits * log10(2), rounded down: the number of digits or one less
     return atMost + (inValue >= kPowers[atMost] || inValue == 0 ? 1 : 0);
 }
 

@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// Whether Lock checks for recursion first depends on earlier locks, so the test varies the number of plain ones.
+// Earlier locks decide whether Lock checks for recursion before anything else, so the test varies their number.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {

@@ -1,6 +1,6 @@
 # cmake -D SOURCE_DIR=... -D WORK=... [-D TOOLCHAIN=... -D BOOST_SOURCE=...] -P run.cmake
-# Builds two library objects inside another project and verifies the file names in them. With FETCHED, the library's
-# sources are inside the project's build folder, where FetchContent puts them.
+# Builds two library objects inside another project and verifies the source file names that their checks contain. With
+# FETCHED, the library's sources are inside the project's build folder, where FetchContent puts them.
 file(REMOVE_RECURSE "${WORK}")
 set(library "${SOURCE_DIR}")
 if(FETCHED)

@@ -80,7 +80,7 @@ protected:
 TEST_F(AsyncReadSweep, OpenReadWaitAndClose)
 {
     SweepReadOnly([this] {
-        const WaitForFreedStart wait; // first, so that it ends last, after an exception as well
+        const WaitForFreedStart wait; // first, so that its destructor runs last, even after an exception
         AsyncFileReader reader;
         if (AsyncFileReader::Open(mClip, reader) != kSuccess) {
             return;

@@ -51,7 +51,7 @@ TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
 {
     if (!HeapIsFullyIntercepted()) {
-        return; // on this platform the std::string's heap is not watched
+        return; // on this platform the allocations of std::string are not watched
     }
     for (const std::size_t count : {512u, 513u, 5000u}) {
         const UTF16String units(count, 0x65E5);

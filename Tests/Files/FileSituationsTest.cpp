@@ -337,7 +337,7 @@ TEST(FileSituations, SizesByName_AnswerAsAtHome)
     Expect(kSizes);
 }
 
-// cf57: a file that is deleted on close, as the probe for a writeable directory uses it.
+// cf57: a file that is deleted on close, like the probe for a writeable directory.
 TEST(FileSituations, AFileThatIsDeletedOnClose_IsThereUntilThen)
 {
     const Folder stage;

@@ -188,7 +188,7 @@ TEST_F(FoundationTest, StartedAgainOnAnotherThread_KeepsTheMainThreadOfTheFirstS
 TEST_F(FoundationTest, StartedAgainAfterAFullStop_BuildsANewRecyclerAndKeepsTheMainThread)
 {
     Foundation::Initialize();
-    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // keeps the first address in use
+    const ObjectPtr<MemoryRecycler, AtomicValue> first = MemoryRecycler::Instance(); // so its address is not reused
     Foundation::Terminate();
     Foundation::Initialize();
     const ObjectPtr<MemoryRecycler, AtomicValue> second = MemoryRecycler::Instance();

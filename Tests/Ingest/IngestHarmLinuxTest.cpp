@@ -223,7 +223,7 @@ TEST_F(IngestHarmOnLinux, ANameThatAnotherFileOfTheRunHasTaken_IsNotOverwritten)
         << "although --replace was given: it was not there when the plan was made";
 }
 
-// On a file system whose rename always overwrites, the run creates a hard link instead.
+// On a file system that cannot rename without overwriting, the run creates a hard link instead.
 TEST_F(IngestHarmOnLinux, AMoveWithoutTheSystemsHelp_OverwritesNothing)
 {
     orl::sIngestCalls.mRenameAt = [](int inFolder, const char* inFrom, const char* inTo, unsigned inFlags) {

@@ -268,7 +268,7 @@ TEST_F(DeepTrees, Listing_WithoutADescriptor_ThrowsAndIsNeverCut)
     const FewDescriptors few;
     for (unsigned left = 0; left <= 4; ++left) {
         std::exception_ptr
-            thrown; // outlives the shortage: the undefined behaviour sanitizer needs descriptors to check it
+            thrown; // outlives `held`: the undefined behaviour sanitizer needs descriptors to check the exception
         const NearlyAllDescriptors held(left);
         try {
             EXPECT_EQ(whole, List(From()).size()) << left;

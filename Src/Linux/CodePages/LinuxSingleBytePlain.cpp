@@ -7,7 +7,7 @@ namespace Linux {
 
 namespace {
 
-constexpr int kMaxOthers = 5; // up to this many elements that cannot be copied, copying all sixteen first is faster
+constexpr int kMaxOthers = 5; // if at most this many elements cannot be copied, copying all sixteen first is faster
 
 // Returns a mask of the non-ASCII bytes below inFirstSame among the next sixteen. The comparison is signed, so bytes
 // from 0x80 on are negative.

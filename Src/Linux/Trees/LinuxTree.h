@@ -48,8 +48,8 @@ enum class CopyDurability { kWritten, kSynced };
 int CopyContents(int inFrom, int inTo, CopyDurability inDurability);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyDurability inDurability);
 
-/// Moves in the same way; copies between volumes. A move between volumes deletes an entry after its copy has been
-/// synced.
+/// Moves the contents of one folder into another by the same rules. Between volumes it copies each entry, then deletes
+/// the original after the copy has been synced.
 int MoveContents(int inFrom, int inTo);
 
 } // namespace Linux

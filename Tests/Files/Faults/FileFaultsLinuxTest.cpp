@@ -21,7 +21,7 @@ namespace {
 constexpr int kErrors[] = {EIO,   EACCES, ENOSPC, EMFILE, EINVAL, EINTR, ENOSYS,
                            EPERM, ENOLCK, EDQUOT, EROFS,  ENOMEM, ENOENT};
 
-// Ignored in every operation: failures of calls that are retried, replaced or optional on some file systems.
+// Ignored in every operation: failures of calls that are retried or replaced, or whose effect is optional.
 const std::vector<IgnoredFailure> kAlwaysIgnored = {
     {Faults::kClose, 0, {EINTR}},
     {Faults::kPRead, 0, {EINTR}},

@@ -32,7 +32,7 @@ bool StatusOf(const std::string& inPath, struct statx& outStatus) noexcept
     return System().mStatx(AT_FDCWD, inPath.c_str(), AT_SYMLINK_NOFOLLOW, kMask, &outStatus) == 0;
 }
 
-// Other users than root trust only what they or root own. Nobody trusts what everyone may write.
+// Users other than root trust only what they or root own. World-writable files and folders are never trusted.
 bool IsTrusted(const struct statx& inStatus)
 {
     const ::uid_t user = ::geteuid();
