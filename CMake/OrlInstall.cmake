@@ -20,6 +20,19 @@ install(DIRECTORY API/Inc/ tvxcore/Inc/ tvxmediatypes/Inc/ CRV/Inc/
 install(FILES "${PROJECT_BINARY_DIR}/include/ORLVersion.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation
   COMPONENT dev)
 install(FILES Debug/orl_printers.py Debug/orl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/ORLFoundation/debug COMPONENT dev)
+if(NOT WIN32)
+  # GDB looks beside the library, else in its own folder of scripts, which it trusts. In /usr the file must be in that
+  # folder alone: GDB does not trust /usr/lib, and a file that it finds there ends the search. CPack installs to /usr in
+  # a folder of its own.
+  install(CODE "
+    set(folder \"${CMAKE_INSTALL_LIBDIR}\")
+    if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\" OR CMAKE_INSTALL_PREFIX MATCHES \"/_CPack_Packages/.*/usr$\")
+      set(folder \"share/gdb/auto-load/usr/${CMAKE_INSTALL_LIBDIR}\")
+    endif()
+    file(INSTALL DESTINATION \"\${CMAKE_INSTALL_PREFIX}/\${folder}\" TYPE FILE
+      RENAME \"libORLFoundation.so.${PROJECT_VERSION}-gdb.py\" FILES \"${PROJECT_SOURCE_DIR}/Debug/load_views.py\")"
+    COMPONENT dev)
+endif()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY Docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)

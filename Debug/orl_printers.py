@@ -2,8 +2,9 @@
 
     (gdb) source /where/installed/share/ORLFoundation/debug/orl_printers.py
 
-A Timecode is shown as label and rate, a string as text, an owning pointer as reference count and object. The printers
-call no function of the program, so they also work on core files. "print /r" shows the members as they are.
+A Timecode is shown as label and rate, a string as text, an owning pointer as reference count and object, a work queue
+as its threads and waiting requests. The command orl-classes lists the classes of the ClassFactory. Nothing here calls a
+function of the program, so everything also works on core files. "print /r" shows the members as they are.
 """
 import re
 
@@ -18,6 +19,7 @@ INVALID_TIME = -(1 << 63)
 FRAMES, FEET_16MM, FEET_35MM, MILLISECONDS = 109, 111, 112, 201
 DROP_FRAME = (102, 106)
 MAX_UNITS = 1 << 16  # limit for the units read, because a length may be garbage
+MAX_REQUESTS = 1000  # limit for the requests shown, because a list may be garbage
 
 
 def members(value, base):
@@ -79,14 +81,19 @@ def string_printer(value):
     return Text(value["_M_dataplus"]["_M_p"], int(value["_M_string_length"]), unit.sizeof)
 
 
+def zero_terminated_length(text):
+    """Returns the number of units before the first zero."""
+    length = 0
+    while length < MAX_UNITS and int((text + length).dereference()) != 0:
+        length += 1
+    return length
+
+
 def const_string_printer(value):
     """Prints a ConstString or StdConstString, whose text is zero-terminated."""
     handle = members(value, "ORL::Internal::ConstStringHandle")
     text = handle["mText"]
-    length = 0
-    while length < MAX_UNITS and int((text + length).dereference()) != 0:
-        length += 1
-    return Text(text, length, text.type.target().sizeof)
+    return Text(text, zero_terminated_length(text), text.type.target().sizeof)
 
 
 class Line:
@@ -220,12 +227,131 @@ def timecode_printer(value):
     return Line("%s at %s" % (record.label(), rate_text(record.rate)))
 
 
+def immutable_string_printer(value):
+    pointer = value["mRepresentation"]
+    if int(pointer) == 0:
+        return Line("null")
+    try:
+        record = pointer.dereference()
+        static, dynamic = record["mStaticText"], record["mDynamicText"]
+        handles = int(record["mReferenceCount"])
+    except gdb.error:
+        return None  # the library has no debug symbols
+    text = static if int(static) != 0 else dynamic["_M_dataplus"]["_M_p"]
+    shown = Text(text, zero_terminated_length(text), 1).to_string()
+    return Line('"%s", %d handle%s' % (shown, handles, "" if handles == 1 else "s"))
+
+
+def class_entry_text(entry):
+    """Returns the identifier and the two texts of a registered class."""
+    names = ['"%s"' % Text(entry[name], zero_terminated_length(entry[name]), 1).to_string()
+             for name in ("mFirstName", "mSecondName") if int(entry[name]) != 0]
+    return ", ".join([guid_printer(entry["mClassID"]).to_string()] + names)
+
+
+def class_entry_printer(value):
+    return Line(class_entry_text(value))
+
+
+def word_at(address):
+    """Returns the 64-bit word at an address."""
+    return int(gdb.Value(address).cast(gdb.lookup_type("unsigned long").pointer()).dereference())
+
+
+def pointer_in(value):
+    """Returns the address in a std::atomic pointer, whose bytes are those of the pointer."""
+    return word_at(int(value.address))
+
+
+def class_of(address):
+    """Returns the class of the object at an address, by the symbol of its vtable."""
+    symbol = gdb.execute("info symbol %d" % word_at(address), to_string=True)
+    match = re.match(r"vtable for (.*) \+ \d+ in section", symbol)
+    return match[1] if match else "a request"
+
+
+class Queue:
+    """Prints a ThreadedWorkQueue: its name, its threads, and the requests that no thread has started."""
+
+    def __init__(self, core, threads):
+        channel = core["mChannel"]
+        self.name = Text(core["mName"]["_M_dataplus"]["_M_p"], int(core["mName"]["_M_string_length"]), 1).to_string()
+        self.threads = threads
+        self.is_paused = pointer_in(channel["mPaused"]) & 0xFFFFFFFF != 0
+        self.is_closed = bool(channel["mInbox"]["mIsClosed"])
+        self.requests = list(self.waiting(channel["mOutbox"])) + list(self.waiting(channel["mInbox"]))
+
+    @staticmethod
+    def waiting(side):
+        node_type = gdb.lookup_type("tvxcore::threads::(anonymous namespace)::FunctionNode").pointer()
+        node = pointer_in(side["mFirst"])
+        for _ in range(MAX_REQUESTS):
+            if node == 0:
+                return
+            function = gdb.Value(node).cast(node_type).dereference()["mFunction"]
+            yield class_of(pointer_in(function["functor"]))
+            node = word_at(node)  # mNext
+
+    def to_string(self):
+        state = "stopped, " if self.is_closed else "paused, " if self.is_paused else ""
+        return '"%s", %s%d thread%s, %d waiting' % (self.name, state, self.threads, "" if self.threads == 1 else "s",
+                                                    len(self.requests))
+
+    def children(self):
+        for number, request in enumerate(self.requests):
+            yield "[%d]" % number, request
+
+
+def work_queue_printer(value):
+    implementation = value["mImpl"]
+    try:
+        executor = implementation.dereference()["mExecutor"]["px"] if int(implementation) else None
+        if executor is None or int(executor) == 0:
+            return Line("a queue without threads")
+        executor = executor.cast(gdb.lookup_type("tvxcore::threads::ThreadedExecutor").pointer()).dereference()
+        return Queue(executor["mCore"]["_M_ptr"].dereference(), int(executor["mThreadCount"]))
+    except gdb.error:
+        return None  # the libraries have no debug symbols
+
+
+def nodes_below(node):
+    """Yields the addresses of the values in a red-black tree of libstdc++, in order. A node is a colour and the pointers
+    to its parent, its left and its right node, 8 bytes each; its value follows."""
+    if node != 0:
+        yield from nodes_below(word_at(node + 16))
+        yield node + 32
+        yield from nodes_below(word_at(node + 24))
+
+
+class OrlClasses(gdb.Command):
+    """Lists the classes that are registered in the ClassFactory, with their two texts."""
+
+    MAP = "ORL::(anonymous namespace)::Classes()::classes"
+
+    def __init__(self):
+        super().__init__("orl-classes", gdb.COMMAND_DATA)
+
+    def invoke(self, _argument, _from_terminal):
+        try:
+            classes = int(gdb.parse_and_eval("(unsigned long) &'%s'" % self.MAP))
+            entry = gdb.lookup_type("ORL::ClassMapEntry").pointer()
+        except gdb.error as error:
+            raise gdb.GdbError("orl-classes needs the debug symbols of ORLFoundation: %s" % error)
+        found = [gdb.Value(address + 16).cast(entry).dereference() for address in nodes_below(word_at(classes + 16))]
+        for item in found:
+            gdb.write(class_entry_text(item) + "\n")
+        gdb.write("%d class%s\n" % (len(found), "" if len(found) == 1 else "es"))
+
+
 PRINTERS = [(re.compile(pattern), printer) for pattern, printer in [
     (r"^std::(__cxx11::)?basic_string<unsigned (short|char),", string_printer),
     (r"^ORL::(Std)?ConstString$", const_string_printer),
     (r"^ORL::ObjectPtr<.*>$", object_ptr_printer),
     (r"^ORL::InterfaceRef<.*>$", interface_ref_printer),
     (r"^ORL::Timecode$", timecode_printer),
+    (r"^ORL::ImmutableString$", immutable_string_printer),
+    (r"^ORL::ClassMapEntry$", class_entry_printer),
+    (r"^ORL::ThreadedWorkQueue$", work_queue_printer),
     (r"^tvxcore::utility::Guid$", guid_printer),
     (r"^tvxmediatypes::TickTime$", time_printer),
     (r"^tvxmediatypes::FrameRate$", rate_printer),
@@ -250,7 +376,9 @@ def put_first(*_):
             objfile.pretty_printers = [orl_printer] + [p for p in objfile.pretty_printers if p is not orl_printer]
 
 
-gdb.pretty_printers.insert(0, orl_printer)
-put_first()
-gdb.events.new_objfile.connect(put_first)
-gdb.events.stop.connect(put_first)
+if orl_printer.__name__ not in [getattr(printer, "__name__", None) for printer in gdb.pretty_printers]:
+    gdb.pretty_printers.insert(0, orl_printer)
+    put_first()
+    gdb.events.new_objfile.connect(put_first)
+    gdb.events.stop.connect(put_first)
+    OrlClasses()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks a natvis file against the headers: check_natvis.py FILE.natvis HEADER_FOLDER...
+"""Checks a natvis file against the headers and sources: check_natvis.py FILE.natvis FOLDER...
 
 Checks that the file contains only elements of the natvis schema, that every class it names is declared in a header in
 that namespace, and that every member read by an expression is declared in some header.
@@ -10,9 +10,10 @@ import sys
 import xml.etree.ElementTree
 
 NAMESPACE = "{http://schemas.microsoft.com/vstudio/debugger/natvis/2010}"
-ELEMENTS = {"AutoVisualizer", "Type", "AlternativeType", "DisplayString", "StringView", "Expand", "Item", "ExpandedItem"}
+ELEMENTS = {"AutoVisualizer", "Type", "AlternativeType", "DisplayString", "StringView", "Expand", "Item", "ExpandedItem",
+            "LinkedListItems", "HeadPointer", "NextPointer", "ValueNode"}
 FOREIGN = re.compile(r"^std::(__cxx11::)?basic_string$")  # a standard class; our headers only alias it
-STANDARD_MEMBERS = {"_M_dataplus", "_M_p", "_M_string_length"}
+STANDARD_MEMBERS = {"_M_dataplus", "_M_p", "_M_string_length", "_M_ptr"}
 
 
 def bare(name):
@@ -54,7 +55,8 @@ def faults_of(natvis, headers):
 
 
 def main():
-    files = [path for folder in sys.argv[2:] for path in sorted(pathlib.Path(folder).rglob("*.h"))]
+    files = [path for folder in sys.argv[2:] for ending in ("*.h", "*.cpp")
+             for path in sorted(pathlib.Path(folder).rglob(ending))]
     headers = [path.read_text(encoding="utf-8") for path in files]
     faults = list(faults_of(sys.argv[1], headers))
     for fault in faults:

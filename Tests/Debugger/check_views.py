@@ -25,6 +25,11 @@ EXPECTED = {
     "time": "3.003 s",
     "invalid": "invalid",
     "rate": "59.94",
+    "interned": '"caf\u00e9", 2 handles',
+    "copied": '"take 2", 1 handle',
+    "unnamed": "null",
+    "*entry": '{03020100-0504-0706-0809-0a0b0c0d0e0f}, "reel", "media"',
+    "idle": "a queue without threads",
     "many": "std::vector of length 2, capacity 2 = {01;00;00;00 at 29.97, 01:02:31:09 at 25}",
 }
 
@@ -48,6 +53,17 @@ def check_values():
     expect("the object of reel", True, "mRefCount = 1}, mNumber = 12}" in reel)
 
 
+def check_queue():
+    expect("busy", '"Editor: Scan", paused, 2 threads, 3 waiting', shown("busy").partition(" = {[0]")[0])
+    expect("the requests of busy", 3, shown("busy").count("(anonymous namespace)::Work"))
+    expect("stopped", '"Editor: Scan", stopped, 1 thread, 0 waiting', shown("stopped"))
+
+
+def check_classes():
+    listed = gdb.execute("orl-classes", to_string=True)
+    expect("orl-classes", EXPECTED["*entry"] + "\n1 class\n", listed)
+
+
 def check_labels():
     """Checks that the printer displays each label as the text that the library formats."""
     count = 2000
@@ -62,11 +78,13 @@ def main():
         gdb.execute("set " + setting)
     printers = gdb.execute("show args", to_string=True).split(chr(34))[1]
     gdb.execute("source " + printers)
-    gdb.execute("break Stop", to_string=True)
+    gdb.execute("break -qualified Stop", to_string=True)
     gdb.execute("run", to_string=True)
     gdb.execute("up", to_string=True)
     check_values()
     check_labels()
+    check_queue()
+    check_classes()
 
 
 try:

@@ -1,7 +1,10 @@
 // Contains values for a debugger to display. The script stops this program in Stop and prints the variables of main.
+#include <ORLClassFactory.h>
 #include <ORLConstString.h>
+#include <ORLImmutableString.h>
 #include <ORLInterface.h>
 #include <ORLObjectPtr.h>
+#include <ORLThreadedWorkQueue.h>
 #include <ORLTimecode.h>
 
 #include <tvxcore/Guid.h>
@@ -30,6 +33,22 @@ class Reel : public ORL::UnknownImpl<INamed, INamed>
 public:
     int mNumber = 12;
 };
+
+class Work : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
+{
+public:
+    void Process() override {}
+};
+
+void CreateReel(ORL::InterfaceRef<ORL::ORLUnknown, ORL::ORLUnknown>& outRef)
+{
+    outRef = ORL::InterfaceRef<ORL::ORLUnknown, ORL::ORLUnknown>(new Reel);
+}
+
+void Start(ORL::ThreadedWorkQueue& ioQueue, int inThreads)
+{
+    ioQueue.Initialize(ORL::ThreadPriorities::kNormal, inThreads, ORL::ConstString("Scan"), ORL::ConstString("Editor"));
+}
 
 UTF16String Units(const std::u16string& inText)
 {
@@ -110,6 +129,25 @@ int main()
     for (const ORL::Timecode& code : codes) {
         labels.push_back(code.GetString());
     }
+    const ORL::ImmutableString interned = ORL::ImmutableString::CreateStatic("caf\u00e9");
+    const ORL::ImmutableString again = interned;
+    const ORL::ImmutableString copied = ORL::ImmutableString::CreateDynamic("take 2");
+    const ORL::ImmutableString unnamed;
+    const ORL::Guid classID(0x03020100, 0x0504, 0x0706, 8, 9, 10, 11, 12, 13, 14, 15);
+    ORL::ClassFactory::RegisterORLClass(classID, "reel", "media", &CreateReel, &ORLGetClassCategories);
+    const ORL::ClassMapEntry* const entry = ORL::ClassFactory::GetClassTokenFromClassID(classID);
+    const ORL::ThreadedWorkQueue idle;
+    ORL::ThreadedWorkQueue busy;
+    Start(busy, 2);
+    busy.Pause();
+    for (int i = 0; i < 3; ++i) {
+        busy.QueueRequest(ORL::ThreadedWorkQueue::Request(new Work));
+    }
+    ORL::ThreadedWorkQueue stopped;
+    Start(stopped, 1);
+    stopped.Stop();
     Stop();
+    busy.Stop();
+    static_cast<void>(entry);
     return rate == kFrameRate_Zero || invalid == time ? 1 : 0;
 }

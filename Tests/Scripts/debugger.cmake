@@ -11,9 +11,29 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   add_test(NAME Debugger.Natvis.NamesWhatTheHeadersDeclare
     COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/Debugger/check_natvis.py" "${PROJECT_SOURCE_DIR}/Debug/orl.natvis"
       "${PROJECT_SOURCE_DIR}/API/Inc" "${PROJECT_SOURCE_DIR}/Inc" "${PROJECT_SOURCE_DIR}/tvxcore/Inc"
-      "${PROJECT_SOURCE_DIR}/tvxmediatypes/Inc")
+      "${PROJECT_SOURCE_DIR}/tvxmediatypes/Inc" "${PROJECT_SOURCE_DIR}/Src/Threads" "${PROJECT_SOURCE_DIR}/tvxcore/Src/Executors")
   set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans Debugger.Natvis.NamesWhatTheHeadersDeclare
     PROPERTIES TIMEOUT 120)
+
+  # The session of Docs/debugging.md.
+  add_library(mask_plug_in MODULE Debugger/Session/mask_plug_in.cpp)
+  add_executable(session_host Debugger/Session/session_host.cpp)
+  target_link_libraries(session_host PRIVATE ${CMAKE_DL_LIBS})
+  target_compile_definitions(session_host PRIVATE PLUG_IN="$<TARGET_FILE:mask_plug_in>")
+  foreach(target mask_plug_in session_host)
+    target_link_libraries(${target} PRIVATE ORLFoundation orl_strict)
+    target_compile_options(${target} PRIVATE -O0 -g)
+  endforeach()
+  add_dependencies(session_host mask_plug_in)
+  set(session_test Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/Debugger/check_session.py" ${ORL_GDB}
+    $<TARGET_FILE:session_host>)
+  add_test(NAME Debugger.Session.RunsAsTheDocumentShows COMMAND ${session_test}
+    "${PROJECT_SOURCE_DIR}/Docs/debugging.md" "${PROJECT_SOURCE_DIR}/Debug/orl_printers.py")
+  add_test(NAME Debugger.InstalledViews.LoadByThemselves COMMAND ${session_test} --installed "${CMAKE_BINARY_DIR}"
+    $<TARGET_FILE_NAME:ORLFoundation>)
+  set_tests_properties(Debugger.Session.RunsAsTheDocumentShows Debugger.InstalledViews.LoadByThemselves
+    PROPERTIES TIMEOUT 120)
   # gdb prints text in the character set of its locale.
-  set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans PROPERTIES ENVIRONMENT "LC_ALL=C.UTF-8")
+  set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans Debugger.Session.RunsAsTheDocumentShows
+    PROPERTIES ENVIRONMENT "LC_ALL=C.UTF-8")
 endif()
