@@ -77,7 +77,7 @@ function(orl_library name)
   add_library(ORL::${exported_name} ALIAS ${name})
   target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation>)
-  target_compile_features(${name} PUBLIC cxx_std_17) # for hosts whose compiler starts with an older standard
+  target_compile_features(${name} PUBLIC cxx_std_17) # for hosts whose compiler defaults to an older standard
   target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION}

@@ -3,7 +3,7 @@
 check_headers.py COMPILER STANDARD BUILD_INCLUDE_DIR [--without-exceptions]
 
 Prints the compiler's messages for each header that fails; exit code 1 if any does. With --without-exceptions, checks
-only the headers for which the README promises that.
+only the headers that the README lists as usable without exceptions.
 """
 import subprocess
 import sys
@@ -14,7 +14,7 @@ ROOT = Path(__file__).resolve().parent.parent
 FOLDERS = ("API/Inc", "tvxcore/Inc", "tvxmediatypes/Inc", "CRV/Inc")
 WARNINGS = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror".split()
 
-# Their inline functions throw nothing and make no 16-bit string, whose allocator throws std::bad_alloc.
+# The inline functions of these headers throw nothing and make no 16-bit string, whose allocator throws std::bad_alloc.
 WITHOUT_EXCEPTIONS = ("ORLAtomic.h ORLColor.h ORLCriticalSection.h ORLGeometry.h ORLMemoryRecycler.h ORLResult.h "
                       "ORLWaitableGate.h tvxmediatypes/FrameRate.h tvxmediatypes/TickTime.h").split()
 

@@ -26,7 +26,7 @@ function(build_host source folder)
   endif()
 endfunction()
 
-# expect_text(folder program expected arguments...) runs a host in its folder. Its output or errors must match.
+# expect_text(folder program expected arguments...) runs a host in its folder. Fails unless its output and errors match.
 function(expect_text folder program expected)
   set(command "${folder}/${program}")
   if(TOOLCHAIN)

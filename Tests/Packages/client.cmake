@@ -1,5 +1,5 @@
 # cmake -D BUILD_DIR=... -D SOURCE_DIR=... -D VERSION=... [-D TOOLCHAIN=...] -D COMPILER=... -D STANDARD=... -P client.cmake
-# Builds and runs a host with a compiler and a standard; "default" is the standard that the compiler starts with.
+# Builds and runs a host with a compiler and a standard; "default" is the compiler's default.
 include("${CMAKE_CURRENT_LIST_DIR}/Hosts.cmake")
 
 set(arguments "-DCLIENT_SOURCE=${SOURCE_DIR}/Tests/Consumer/EveryClass/EveryClass.cpp")

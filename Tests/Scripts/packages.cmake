@@ -25,7 +25,7 @@ if(NOT ORL_SANITIZE AND ORL_BUILD_TOOLS)
     orl_package_test(DebianPackagesHaveNoLintianErrors lintian)
   endif()
 
-  # Each example in an empty folder. Gallery draws with the picture code of Waveform, and its
+  # Builds each example in an empty folder. Gallery draws with the picture code of Waveform, and its
   # plug-ins use the configuration of PlugIns.
   set(BlockCache_run PROGRAM=example_block_cache "EXPECTED=^sum [1-9][0-9]+, then [1-9][0-9]+. 65536 bytes in the cache"
     "ARGUMENTS=../BlockCache/BlockCache.cpp 1")
