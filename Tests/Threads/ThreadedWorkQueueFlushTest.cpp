@@ -219,7 +219,7 @@ TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
 TEST(ThreadedWorkQueueFlush, EightFlushersBesideIdleWorkPausesAndAStop_AllReturn)
 {
     for (int round = 0; round < ORLTest::Rounds(3); ++round) {
-        const ORLTest::CheckRecorder recorder; // refused items are reported
+        const ORLTest::CheckRecorder recorder; // absorbs the reports of refused items
         const QueueRef queue = StartedQueue(2);
         const FlushRef flush = FlushOf(queue);
         std::atomic<int> idleTurns{0};

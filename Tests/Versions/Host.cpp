@@ -141,7 +141,7 @@ void UseAtTheSameTime(const PlugIn& inPlugIn)
     ExpectApart(host, plugIn);
 }
 
-// The plug-in's library has gone with it, and the host's is unchanged.
+// Unloads the plug-in, and checks that its library is unloaded too and that the host's library is unchanged.
 void UnloadPlugIn(const PlugIn& inPlugIn, const std::string& inLibrary)
 {
     Expect(Versions::IsLoaded(inLibrary.c_str()), "the plug-in's library is loaded");

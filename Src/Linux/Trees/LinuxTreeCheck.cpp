@@ -23,7 +23,7 @@ private:
             TreeEntryShare file;
             failure = file.EnterFile(Folder(), name, kShareDelete, kShareAll);
         }
-        // The contents of a folder without read or search permission cannot be checked.
+        // A folder without read or search permission cannot be checked; this is not an error.
         return failure == EACCES ? 0 : failure;
     }
 
