@@ -236,7 +236,7 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
         FaultySystemCalls calls;
         calls.Underlying().mStatFs = [](const char*, struct statfs* outStatus) {
             *outStatus = {};
-            outStatus->f_type = 0x4d44; // the type of FAT file systems
+            outStatus->f_type = 0x4d44; // the magic number of FAT file systems
             return 0;
         };
         ExpectNoRoom("limited to 4.3 GB");

@@ -232,7 +232,7 @@ TEST(TimecodeLiteral, SecondsBeyond32Bits_WrapAround)
     // even number of ticks, the time of these frames is zero.
     EXPECT_EQ(Frames(3, kFrameRate_VideoPAL),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_VideoPAL, kTimeDisplay_25Timecode));
-    // If a frame has an odd number of ticks, half of the count's range remains.
+    // If a frame has an odd number of ticks, the time of 2^63 frames is the lowest count of ticks.
     EXPECT_EQ(FoldByLoops(ORL::Wrapping::Add(std::numeric_limits<long long>::min(), 3LL * 3675)),
               HMSFToTime(596523, 14, 8, 3, false, kFrameRate_Audio192000, kTimeDisplay_AudioSamplesTimecode));
 }

@@ -159,7 +159,7 @@ TEST_F(TreeEdges, ListingsWithoutTypes_CopyMoveWipeAndListTheSame)
     ExpectNothingOutsideChanged();
 }
 
-// Opening a device can have side effects.
+// If a listing has no types, the type must be queried without an open: opening a pipe or device has side effects.
 TEST_F(TreeEdges, APipeInAListingWithoutTypes_IsNotOpened)
 {
     mFolder.MakeFolder("from");
