@@ -4,6 +4,7 @@
 #include <ExpectReport.h>
 #include <Memory/MemoryRecyclerLifecycle.h>
 
+#include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -99,6 +100,17 @@ TEST(MemoryRecycler, BufferBelowTheThreshold_NeverTouchesThePool)
     recycler.RecycleBuffer(buffer);
     EXPECT_EQ(0u, recycler.GetSize());
     EXPECT_EQ(nullptr, buffer.GetBuffer()) << "a small buffer is freed at once";
+}
+
+TEST(MemoryRecycler, EachBuffer_HasTheAlignmentOfItsSource)
+{
+    MemoryRecycler recycler;
+    for (const std::size_t size : {1u, 8u, 16u, 100u, 4096u, 8191u, 8192u, 12288u, 1048576u, 5000000u}) {
+        MemoryBuffer buffer = recycler.AllocateBuffer(size);
+        const std::size_t alignment = buffer.IsVirtual() ? 4096 : 16;
+        EXPECT_EQ(0u, reinterpret_cast<std::uintptr_t>(buffer.GetBuffer()) % alignment) << size << " bytes";
+        recycler.RecycleBuffer(buffer);
+    }
 }
 
 TEST(MemoryRecycler, EmptyBufferGivenBack_IsLeftAlone)

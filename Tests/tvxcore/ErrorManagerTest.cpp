@@ -1,5 +1,10 @@
 #include <tvxcore/ErrorManager.h>
 
+#include <tvxcore/Localizer.h>
+#include <tvxcore/Text.h>
+
+#include <AllocationFaults.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -49,6 +54,34 @@ void Raise()
     ThrowError(kErrorLevel_Warning, "$$$/key=text", 105, 25, true, values[0], values[1], values[2], values[3]);
 }
 
+/// A host's catalogue whose answer each test selects.
+class Catalogue : public Localizer
+{
+public:
+    Catalogue() : mBefore(InstallLocalizer(this)) {}
+    ~Catalogue() override { InstallLocalizer(mBefore); }
+
+    UTF16String Localize(const char* inZString) override
+    {
+        ++mCalls;
+        EXPECT_STREQ("$$$/key=text", inZString);
+        if (mThrows) {
+            throw std::runtime_error("the catalogue is unreadable");
+        }
+        if (mRaises) {
+            Raise();
+        }
+        return UTF16String(1, 0x5B57) + tvxcore::utility::AsciiToUTF16(" translated");
+    }
+
+    bool mThrows = false;
+    bool mRaises = false;
+    std::atomic<int> mCalls{0};
+
+private:
+    Localizer* const mBefore;
+};
+
 class ErrorManagerTest : public testing::Test
 {
 protected:
@@ -72,7 +105,68 @@ TEST_F(ErrorManagerTest, BuiltInOne_WritesOneLineAndReturns)
 {
     testing::internal::CaptureStderr();
     Raise();
-    EXPECT_EQ("Error 25 of package 105, level 1: $$$/key=text\n", testing::internal::GetCapturedStderr());
+    EXPECT_EQ("Error 25 of package 105, level 1: text\n", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(ErrorManagerTest, BuiltInOne_WritesATextThatIsNotAZStringAsItIs)
+{
+    const ReplacementValue value;
+    testing::internal::CaptureStderr();
+    ThrowError(kErrorLevel_Error, "plain = text", 1, -2, false, value, value, value, value);
+    ThrowError(kErrorLevel_Error, "$$$/key=", 1, 3, false, value, value, value, value);
+    EXPECT_EQ("Error -2 of package 1, level 0: plain = text\nError 3 of package 1, level 0: \n",
+              testing::internal::GetCapturedStderr());
+}
+
+TEST_F(ErrorManagerTest, BuiltInOne_WritesTheTextOfTheInstalledLocaliser)
+{
+    Catalogue catalogue;
+    testing::internal::CaptureStderr();
+    Raise();
+    EXPECT_EQ("Error 25 of package 105, level 1: \xE5\xAD\x97 translated\n", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(1, catalogue.mCalls);
+}
+
+TEST_F(ErrorManagerTest, LocaliserThatThrows_LeavesTheDefaultText)
+{
+    Catalogue catalogue;
+    catalogue.mThrows = true;
+    testing::internal::CaptureStderr();
+    Raise();
+    catalogue.mThrows = false;
+    Raise();
+    EXPECT_EQ("Error 25 of package 105, level 1: text\n"
+              "Error 25 of package 105, level 1: \xE5\xAD\x97 translated\n",
+              testing::internal::GetCapturedStderr());
+}
+
+TEST_F(ErrorManagerTest, LocaliserThatRaisesAnError_EndsInsteadOfRecursing)
+{
+    Catalogue catalogue;
+    catalogue.mRaises = true;
+    testing::internal::CaptureStderr();
+    Raise();
+    EXPECT_EQ("Error 25 of package 105, level 1: text\n"
+              "Error 25 of package 105, level 1: \xE5\xAD\x97 translated\n",
+              testing::internal::GetCapturedStderr());
+    EXPECT_EQ(1, catalogue.mCalls);
+}
+
+TEST_F(ErrorManagerTest, NoMemoryForTheText_LeavesTheDefaultText)
+{
+    const char zString[] = "$$$/key=a text that is too long for the buffer inside a string object";
+    const ReplacementValue value;
+    testing::internal::CaptureStderr();
+    {
+        tvxcore::utility::AllocationFaults::Plan plan;
+        plan.mFailureCount = tvxcore::utility::AllocationFaults::kAllFurther;
+        plan.mOfThisThreadOnly = true;
+        const tvxcore::utility::AllocationFaults::Scope faults(plan);
+        ThrowError(kErrorLevel_Warning, zString, 105, 25, true, value, value, value, value);
+        EXPECT_NE(0u, faults.Refused());
+    }
+    EXPECT_EQ("Error 25 of package 105, level 1: a text that is too long for the buffer inside a string object\n",
+              testing::internal::GetCapturedStderr());
 }
 
 TEST_F(ErrorManagerTest, BuiltInOne_RunsAFunctionAsItIs)

@@ -1,6 +1,7 @@
 // A report to a standard error whose writes fail must not change the calling thread's errno.
 #include <tvxcore/Debug.h>
 #include <tvxcore/ErrorManager.h>
+#include <tvxcore/Localizer.h>
 #include <tvxcore/Trace.h>
 
 #include <cerrno>
@@ -82,4 +83,32 @@ TEST(StandardErrorWithoutRoom, EveryReport_LeavesErrnoAsItWas)
     config::InstallErrorManager(oldManager);
     debug::InstallDialogs(oldDialogs);
     debug::ShutdownTraceManager();
+}
+
+TEST(ErrorReport, LocaliserWhoseCallsFail_LeavesErrnoAsItWas)
+{
+    using namespace tvxcore;
+    class Failing : public config::Localizer
+    {
+    public:
+        UTF16String Localize(const char* inZString) override
+        {
+            EXPECT_EQ(-1, ::open("/no such catalogue", O_RDONLY | O_CLOEXEC));
+            mError = errno;
+            return Localizer::Localize(inZString);
+        }
+        int mError = 0;
+    };
+    Failing localizer;
+    config::Localizer* const oldLocalizer = config::InstallLocalizer(&localizer);
+    config::ErrorManager* const oldManager = config::InstallErrorManager(nullptr);
+    const config::ReplacementValue none;
+    testing::internal::CaptureStderr();
+    errno = EXDEV;
+    config::ThrowError(config::kErrorLevel_Warning, "$$$/a=b", 1, 2, true, none, none, none, none);
+    EXPECT_EQ(EXDEV, errno);
+    EXPECT_EQ("Error 2 of package 1, level 1: b\n", testing::internal::GetCapturedStderr());
+    EXPECT_EQ(ENOENT, localizer.mError);
+    config::InstallErrorManager(oldManager);
+    config::InstallLocalizer(oldLocalizer);
 }

@@ -1,6 +1,10 @@
 #include <tvxcore/ErrorManager.h>
 
+#include <CorePlatform/StandardError.h>
 #include <Reports/StandardError.h>
+#include <Text/ZString.h>
+#include <tvxcore/Localizer.h>
+#include <tvxcore/Text.h>
 
 #include <atomic>
 #include <new>
@@ -20,6 +24,40 @@ ErrorManager& BuiltInManager()
     return *manager;
 }
 
+// Set while this thread localises the text of an error: a localiser may itself raise one.
+thread_local bool tIsLocalizing = false;
+
+struct LocalizingMark
+{
+    LocalizingMark() { tIsLocalizing = true; }
+    ~LocalizingMark() { tIsLocalizing = false; }
+    LocalizingMark(const LocalizingMark&) = delete;
+    LocalizingMark& operator=(const LocalizingMark&) = delete;
+};
+
+void WriteError(ErrorLevel inLevel, const char* inText, unsigned long inPackage, long inErrorID)
+{
+    debug::WriteStandardErrorLine("Error %ld of package %lu, level %d: %s", inErrorID, inPackage,
+                                  static_cast<int>(inLevel), inText);
+}
+
+// Returns false, and writes nothing, if the text cannot be localised now.
+bool WriteLocalizedError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID)
+{
+    if (tIsLocalizing) {
+        return false;
+    }
+    const debug::Platform::SystemErrorKeeper keeper; // the caller may still read the error of its own call
+    const LocalizingMark mark;
+    try {
+        const UTF8String text = utility::UTF16to8(Localizer::Get()->Localize(inZString));
+        WriteError(inLevel, reinterpret_cast<const char*>(text.c_str()), inPackage, inErrorID);
+        return true;
+    } catch (...) {
+        return false; // neither exhausted memory nor a failing localiser may hide the error
+    }
+}
+
 } // namespace
 
 ReplacementValue::ReplacementValue() noexcept = default;
@@ -36,8 +74,9 @@ void ErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsigne
                               const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                               const ReplacementValue&) const
 {
-    debug::WriteStandardErrorLine("Error %ld of package %lu, level %d: %s", inErrorID, inPackage,
-                                  static_cast<int>(inLevel), inZString);
+    if (!WriteLocalizedError(inLevel, inZString, inPackage, inErrorID)) {
+        WriteError(inLevel, DefaultText(inZString), inPackage, inErrorID);
+    }
 }
 
 long ErrorManager::ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction)

@@ -1,9 +1,9 @@
 #include <tvxcore/Localizer.h>
 
+#include <Text/ZString.h>
 #include <tvxcore/Text.h>
 
 #include <atomic>
-#include <cstring>
 #include <new>
 
 namespace tvxcore {
@@ -19,16 +19,6 @@ Localizer& BuiltInLocalizer()
     alignas(Localizer) static unsigned char storage[sizeof(Localizer)];
     static Localizer* const localizer = new (storage) Localizer;
     return *localizer;
-}
-
-const char* DefaultText(const char* inZString)
-{
-    constexpr char kMark[] = "$$$/";
-    if (std::strncmp(inZString, kMark, sizeof(kMark) - 1) != 0) {
-        return inZString;
-    }
-    const char* const equalSign = std::strchr(inZString, '=');
-    return equalSign != nullptr ? equalSign + 1 : inZString;
 }
 
 } // namespace
