@@ -15,8 +15,8 @@ FOLDERS = ("API/Inc", "tvxcore/Inc", "tvxmediatypes/Inc", "CRV/Inc")
 WARNINGS = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror".split()
 
 # The inline functions of these headers throw nothing and make no 16-bit string, whose allocator throws std::bad_alloc.
-WITHOUT_EXCEPTIONS = ("ORLAtomic.h ORLColor.h ORLCriticalSection.h ORLGeometry.h ORLMemoryRecycler.h ORLResult.h "
-                      "ORLWaitableGate.h tvxmediatypes/FrameRate.h tvxmediatypes/TickTime.h").split()
+WITHOUT_EXCEPTIONS = ("ORLAtomic.h ORLColor.h ORLCriticalSection.h ORLGeometry.h ORLResult.h ORLWaitableGate.h "
+                      "tvxmediatypes/FrameRate.h tvxmediatypes/TickTime.h").split()
 
 
 def compile_alone(command, header):

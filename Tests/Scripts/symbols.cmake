@@ -36,3 +36,12 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
     set_tests_properties(Package.HostsRepeatNoSymbolOfTheLibraries.O${level} PROPERTIES TIMEOUT 60)
   endforeach()
 endif()
+
+# The ABI is the stored one. Other compilers and builds without debug information describe it differently.
+if(NOT WIN32 AND NOT ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
+  add_test(NAME Package.AbiIsTheStoredOne COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_abi.py"
+    "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+  add_test(NAME Package.ChangedAbisAreFound
+    COMMAND Python3::Interpreter "${CMAKE_CURRENT_LIST_DIR}/abi_test.py" "${PROJECT_SOURCE_DIR}/Scripts")
+  set_tests_properties(Package.AbiIsTheStoredOne Package.ChangedAbisAreFound PROPERTIES TIMEOUT 300)
+endif()
