@@ -213,7 +213,7 @@ void CompareBusy(Rivals& ioRivals)
         .Run();
 }
 
-// Concurrent flushes of one object run one after the other, and must not delay the queue's threads.
+// Flushes by several threads through one object are serialised, and must not delay the queue's threads.
 void FlushByMany(OurQueue& ioQueue, unsigned inFlushers, std::uint64_t inFlushes)
 {
     std::vector<std::thread> flushers;

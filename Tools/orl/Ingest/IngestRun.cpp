@@ -182,7 +182,7 @@ private:
         }
     }
 
-    // The failure that stops the run may occur for several files; only the first reports it.
+    // Several files may hit the failure that stops the run; it is reported only once.
     void AddTrouble(const Failure& inFailure, FailureScope inScope)
     {
         const std::lock_guard<std::mutex> lock(mMutex);

@@ -245,7 +245,7 @@ private:
 
     void EndAsGone() { End(WhenGone(), kExitDisappeared); }
 
-    // Several files may encounter this failure; only the first reports it.
+    // Several files may hit the failure that ends the run; it is reported only once.
     void End(const std::string& inText, int inExitCode)
     {
         const std::lock_guard<std::mutex> lock(mMutex);

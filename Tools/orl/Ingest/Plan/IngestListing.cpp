@@ -10,7 +10,7 @@ namespace orl {
 
 namespace {
 
-// The folders above a folder, as a list that its subfolders share.
+// A linked list of the folders above a folder; its subfolders share the list.
 struct ParentChain
 {
     EntryIdentity mIdentity;

@@ -193,8 +193,8 @@ void IngestRecord::RefuseForeign() const
                   + "\" was not created by orl ingest (delete it, or name another manifest with --manifest)");
 }
 
-// An unreadable record may contain entries, and another program may have created the file: in both cases it is closed
-// and kept.
+// Before it throws, closes the file, so that the destructor does not delete it: an unreadable record may contain
+// entries, and another program may have created the file.
 std::string IngestRecord::ReadText()
 {
     std::string text;
