@@ -31,6 +31,8 @@ run_packaged("^[0-9a-f]+:[0-9a-f]+:[0-9a-f]+  abc[.]txt\n$" hash abc.txt)
 
 find_program(wineserver wineserver PATHS /usr/lib/wine REQUIRED)
 execute_process(COMMAND "${wineserver}" -k)
+execute_process(COMMAND "${wineserver}" -w)
+file(REMOVE_RECURSE "${work}/wine") # hundreds of megabytes
 if(failures)
   message(FATAL_ERROR ${failures})
 endif()
