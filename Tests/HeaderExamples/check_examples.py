@@ -13,6 +13,9 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 FOLDERS = ("API/Inc", "tvxcore/Inc", "tvxmediatypes/Inc", "CRV/Inc")
+# A new user reads these first: each has an example of fewer than 20 lines.
+STARTERS = ("ORLFoundation", "ORLInterface", "ORLFile", "ORLDirectory", "ORLTimecode", "ORLThreadedWorkQueue",
+            "ORLAsyncFileReader", "ORLMemoryRecycler")
 COMMENT = re.compile(r"^\s*(?:///|//)(.*)$")
 STATEMENT = re.compile(r"[;{}]\s*(?://.*)?$")
 
@@ -71,8 +74,12 @@ def main():
     done = subprocess.run(command, input=program(found), text=True, capture_output=True)
     if done.returncode != 0:
         print(f"an example in a header does not compile:\n{done.stderr}")
+    short = {path.stem for path, _, code in found if len(code) < 20}
+    missing = [starter for starter in STARTERS if starter not in short]
+    if missing:
+        print(f"no example of fewer than 20 lines: {', '.join(missing)}")
     print(f"{len(found)} examples")
-    return 1 if done.returncode != 0 or len(found) < 12 else 0
+    return 1 if done.returncode != 0 or missing or len(found) < 12 else 0
 
 
 if __name__ == "__main__":

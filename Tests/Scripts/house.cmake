@@ -24,9 +24,11 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     add_test(NAME House.ExamplesInHeadersCompile.${compiler} COMMAND Python3::Interpreter
       "${CMAKE_CURRENT_SOURCE_DIR}/HeaderExamples/check_examples.py" ${compiler} "${CMAKE_BINARY_DIR}/include")
+    add_test(NAME House.CodeInDocumentsRuns.${compiler} COMMAND Python3::Interpreter
+      "${CMAKE_CURRENT_SOURCE_DIR}/HeaderExamples/check_documents.py" ${compiler} "${CMAKE_BINARY_DIR}")
     add_test(NAME House.MisuseDoesNotCompile.${compiler} COMMAND Python3::Interpreter
       "${CMAKE_CURRENT_SOURCE_DIR}/Misuse/check_misuse.py" ${compiler} "${CMAKE_BINARY_DIR}/include")
     set_tests_properties(House.ExamplesInHeadersCompile.${compiler} House.MisuseDoesNotCompile.${compiler}
-      PROPERTIES TIMEOUT 300)
+      House.CodeInDocumentsRuns.${compiler} PROPERTIES TIMEOUT 300)
   endforeach()
 endif()
