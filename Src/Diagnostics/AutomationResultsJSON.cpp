@@ -21,7 +21,7 @@ std::string Quoted(const UTF16String& inText)
 
 void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollector::Collection& inCollection)
 {
-    // Written name by name: as keys of a JSON value, two names that differ only in unpaired surrogates would be one
+    // Writes each name itself: in the library's object, names that differ only in unpaired surrogates would be one
     // key.
     ioStream << '{';
     const char* afterName = "";

@@ -13,7 +13,7 @@ using namespace Files::Platform;
 
 namespace {
 
-// Returns the bytes to read: inCount, or less at the end of the file.
+// Returns the number of bytes to read: inCount, or fewer at the end of the file.
 std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint64_t inSize)
 {
     if (inStart + inCount <= inSize) {

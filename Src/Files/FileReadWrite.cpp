@@ -43,7 +43,7 @@ Result File::PrivateImpl::SetFilePointer(std::int64_t inOffset, FilePointerMoveM
 {
     if (mFileBuffer) {
         mPosition = TargetOf(inOffset, inMethod);
-        // The system would refuse a position inside a block. Each read seeks first anyway.
+        // The system would refuse a position inside a block, so do not seek; each read seeks first anyway.
         if (mPosition % mBlockSize != 0) {
             return kSuccess;
         }

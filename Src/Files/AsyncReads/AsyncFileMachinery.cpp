@@ -41,7 +41,7 @@ void FailToStart(AsyncReadRequest& ioRequest, SystemError inError)
     Finish(ioRequest, 0);
 }
 
-// Reads started in quick succession, submitted to the system together. Only the executor's thread uses this list.
+// Collects reads started in quick succession, to submit them together. Only the executor's thread uses this list.
 class ReadBatch
 {
 public:

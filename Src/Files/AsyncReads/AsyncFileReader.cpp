@@ -28,7 +28,7 @@ void CloseFile(Handle& ioFile, AsyncReadBusyRequests& ioBusyRequests)
     }
 }
 
-// Removes the request again if it cannot be queued, because memory is exhausted or there is no executor.
+// Frees the request unless it is handed over: queueing fails without memory or without an executor.
 class RequestOwner
 {
 public:

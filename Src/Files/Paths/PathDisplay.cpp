@@ -21,7 +21,7 @@ UTF16String DetachAll(UTF16String& ioPath)
     return whole;
 }
 
-// Returns the plain leaf of a path that the shell does not accept, and removes it from ioPath. A path that ends in a
+// Removes the leaf from a path that is too long for the shell, and returns it unconverted. A path that ends in a
 // backslash is returned whole and left unchanged.
 UTF16String DetachLeaf(UTF16String& ioPath)
 {

@@ -8,8 +8,8 @@ namespace PathUtils {
 
 namespace {
 
-// Returns the length up to the terminator. A path rarely contains a terminator, so this tests four units at a time: a
-// unit is 0 if subtracting 1 from it borrows.
+// Returns the length up to the terminator. A path rarely contains an embedded terminator, so this tests four units at a
+// time: a unit is 0 if subtracting 1 from it borrows.
 std::size_t LengthToTerminator(const unsigned short* inText, std::size_t inSize) noexcept
 {
     std::size_t i = 0;

@@ -19,7 +19,7 @@ bool ExistsOnDisk(const UTF16String& inFullPath)
     if (!IsRootedPath(path)) {
         return false;
     }
-    // The root of a drive is not an entry of any directory.
+    // FindEntry_Impl does not find the root of a drive, which is not an entry of any directory.
     return Platform::FindEntry_Impl(path) || IsDirectory(path);
 }
 

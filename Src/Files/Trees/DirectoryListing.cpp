@@ -36,7 +36,7 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
 
 using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-// Treats as empty a directory without read permission, and the root of a volume without any entry.
+// Returns true for the errors of a directory without read permission and of the root of an empty volume.
 bool CountsAsEmpty(SystemError inError)
 {
     using namespace SystemErrors;

@@ -249,7 +249,7 @@ void ClosePort_Impl(Handle inPort)
 const char* DescribePort_Impl(Handle inPort)
 {
     const std::shared_ptr<CompletionPort> port = OpenPorts::Find(inPort);
-    return port != nullptr ? port->Describe() : "nothing"; // Describe returns a static text
+    return port != nullptr ? port->Describe() : "nothing"; // Describe returns a string literal
 }
 
 bool PostEmptyPacket_Impl(Handle inPort)

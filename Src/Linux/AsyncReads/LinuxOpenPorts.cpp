@@ -19,7 +19,7 @@ struct OpenPort
     std::unique_ptr<OpenPort> mNext;
 };
 
-// A process has one port; only tests have a few.
+// A linked list suffices: a process has one port, and only tests have more.
 struct PortList
 {
     Mutex mMutex; // a leaf lock

@@ -30,8 +30,8 @@ Overlapped sWithdrawn{};
 Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++
-// memory model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, the
-// record stores everything about it; mEvent, otherwise unused, stores the size.
+// memory model does not cover. The hand-over therefore also uses an atomic variable. While the read is in progress, its
+// Overlapped stores the whole request; mEvent, otherwise unused, stores the size.
 void Publish(const ReadRequest& inRequest)
 {
     Overlapped& overlapped = *inRequest.mOverlapped;
@@ -85,7 +85,7 @@ public:
     void Close() override
     {
         mIsClosed.store(true);
-        // A packet wakes a thread that waits in Get.
+        // A packet wakes a thread that waits in Get; if there is no space for one, the alarm does.
         if (!PostEmptyPacket() && mAlarm) {
             System().mRaiseEvent(mAlarm.Get());
         }

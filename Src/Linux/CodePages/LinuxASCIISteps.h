@@ -29,7 +29,7 @@ inline unsigned FindNonASCII(const unsigned short* inUnits) noexcept
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high))) ^ 0xFFFFu;
 }
 
-// Copies sixteen elements that have the same value in both texts.
+// Copies sixteen elements that have the same value in both encodings.
 inline void CopySixteen(const unsigned char* inBytes, unsigned short* outUnits) noexcept
 {
     const __m128i bytes = _mm_loadu_si128(AsVector(inBytes));

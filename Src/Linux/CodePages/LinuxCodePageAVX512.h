@@ -29,8 +29,8 @@ inline std::uint64_t LowBits(std::size_t inCount) noexcept
     return kAll >> (64 - inCount);
 }
 
-// Loads the last inBytes bytes of a text, padded with zeros. A masked load that extends into an absent page is correct,
-// but takes more than 100 ns on Intel processors.
+// Loads the last inBytes bytes of the text, padded with zeros. Near the end of a page it copies them first: a masked
+// load that extends into an unmapped page is correct, but takes over 100 ns on Intel processors.
 ORL_AVX512_INLINE __m512i LoadEnd(const void* inText, std::size_t inBytes) noexcept
 {
     if ((reinterpret_cast<std::uintptr_t>(inText) & 4095) > 4096 - kBlock) {

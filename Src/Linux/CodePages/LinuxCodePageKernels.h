@@ -1,4 +1,4 @@
-// The conversions that use the code page tables: one form for every processor, and a faster one for AVX-512.
+// The conversions that use the code page tables: portable kernels, and faster kernels for AVX-512.
 #pragma once
 
 #include "LinuxCodePageTables.h"
@@ -42,11 +42,11 @@ SinglesToUnitsFunction SinglesToUnitsPlain;
 PairsToUnitsFunction PairsToUnitsPlain;
 PairsToBytesFunction PairsToBytesPlain;
 
-/// Like the conversions above; this direction has only one form.
+/// Like the conversions above; this direction has only one implementation.
 std::size_t SinglesToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
                            unsigned char* outBytes) noexcept;
 
-/// Returns the number of elements that the conversion of a text writes.
+/// Returns the number of elements that converting the text writes.
 std::size_t CountUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes) noexcept;
 std::size_t CountBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits) noexcept;
 

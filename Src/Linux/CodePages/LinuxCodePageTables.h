@@ -24,7 +24,7 @@ struct BlockTable
     }
 };
 
-/// A code page in which each character is one byte.
+/// A single-byte code page.
 struct SingleBytePage
 {
     const std::uint16_t* mUnits; // the unit of each byte
@@ -32,7 +32,7 @@ struct SingleBytePage
     unsigned mFirstSame; // from this byte to 0xFF each byte equals its unit; 0x100 if there is no such byte
 };
 
-/// A code page in which each character is one or two bytes.
+/// A double-byte code page: each character is one or two bytes.
 struct DoubleBytePage
 {
     static constexpr std::size_t kRow = 256;

@@ -18,7 +18,7 @@ using ORL::Linux::DoubleBytePage;
 using ORL::Linux::FindCodePage;
 
 // Up to this number of elements, converting one character at a time is faster: the caller copies a short result
-// immediately, and that load would wait for a masked store of the same bytes.
+// immediately, and that load would stall on a masked store of the same bytes.
 constexpr std::size_t kShort = 16;
 
 std::size_t PairsToUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes,

@@ -1,4 +1,4 @@
-// Converts text of a page whose characters take one byte or two, with AVX-512: 64 bytes or 32 units at a time.
+// Converts between double-byte code pages and 16-bit text with AVX-512: 64 bytes or 32 units at a time.
 //
 // No branch depends on which characters are two bytes, so mixed text causes no mispredictions. Each gather instruction
 // reads sixteen entries of a table.

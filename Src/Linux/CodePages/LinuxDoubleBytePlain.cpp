@@ -1,4 +1,4 @@
-// Converts text of a page whose characters take one byte or two, on every processor.
+// Converts between double-byte code pages and 16-bit text on every processor.
 #include "LinuxASCIISteps.h"
 #include "LinuxCodePageKernels.h"
 
@@ -9,8 +9,8 @@ namespace Linux {
 
 namespace {
 
-// Converts a text in which a character is one or two bytes. inConvertOne converts the next character, which may be
-// ASCII, and advances both pointers. Returns the number of elements written.
+// Converts double-byte text to 16-bit text or back. inConvertOne converts the next character, which may be ASCII, and
+// advances both pointers. Returns the number of elements written.
 template <class Source, class Result, class ConvertOne>
 std::size_t ConvertDoubleByte(const Source* inText, std::size_t inCount, Result* outText, ConvertOne inConvertOne)
 {

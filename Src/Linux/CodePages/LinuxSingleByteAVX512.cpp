@@ -1,5 +1,5 @@
-// Converts text of a page whose characters take one byte each to 16-bit text, with AVX-512. Four registers contain the
-// units of the bytes from 0x80 on, so two permutes convert 32 bytes.
+// Converts single-byte code pages to 16-bit text with AVX-512. Four registers contain the units of the bytes from 0x80
+// on, so two permutes convert 32 bytes.
 #include "LinuxCodePageAVX512.h"
 #include "LinuxCodePageKernels.h"
 

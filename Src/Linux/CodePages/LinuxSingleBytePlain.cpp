@@ -1,4 +1,4 @@
-// Converts text of a page whose characters take one byte each, on every processor.
+// Converts between single-byte code pages and 16-bit text on every processor.
 #include "LinuxASCIISteps.h"
 #include "LinuxCodePageKernels.h"
 
@@ -32,8 +32,8 @@ bool HasMoreThan(unsigned inBits)
     return inBits != 0;
 }
 
-// Converts between texts that have one byte for each unit. inTable contains the result for each element. inFindOthers
-// returns a mask of those among sixteen elements that cannot be copied.
+// Converts single-byte text to 16-bit text or back. inTable contains the result for each element. inFindOthers returns
+// a mask of those among sixteen elements that cannot be copied.
 template <class Table, class Source, class Result, class FindOthers>
 std::size_t ConvertSingles(Table inTable, const Source* inText, std::size_t inCount, Result* outText,
                            FindOthers inFindOthers)

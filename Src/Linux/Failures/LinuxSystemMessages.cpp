@@ -1,4 +1,4 @@
-// Texts for Windows error numbers, in this library's own words.
+// Messages for Windows error numbers, in this library's own words.
 #include <Platform/SystemMessages.h>
 
 #include <ORLString.h>

@@ -25,7 +25,7 @@ struct OpenFile
     std::uint32_t mAlignment = 512; // alignment of unbuffered reads and writes
     std::int64_t mPosition = 0;
     std::string mNameToDelete;                       // not empty: the host path to delete when the file is closed
-    std::shared_ptr<const Descriptor> mFolderOfName; // keeps open the folder that a long path leads through
+    std::shared_ptr<const Descriptor> mFolderOfName; // the open folder through which a long path is resolved
     FileIdentity mIdentity;
 
     OpenFile() = default;
@@ -69,7 +69,7 @@ inline std::uint64_t TimeOf(const struct timespec& inTime)
     return static_cast<std::uint64_t>((inTime.tv_sec + kSecondsTo1970) * 10000000 + inTime.tv_nsec / 100);
 }
 
-/// The parameters of an open, with the values of CreateFile_Impl.
+/// The parameters of an open, with the same values as for CreateFile_Impl.
 struct OpenRequest
 {
     std::uint32_t mAccess = 0;
@@ -86,9 +86,9 @@ SystemError OpenHostFile(const HostPath& inPath, const OpenRequest& inRequest, s
 /// Returns the status of a name; for a link, of the link itself.
 SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus);
 
-/// Briefly registers a use of a name, so that it can be deleted or moved. inUses is the access that it uses, inShares
-/// the access that it shares. Only files and folders are registered; an entry that cannot be opened is registered only
-/// inside this process. Returns 0, 32 or the error of looking up the name.
+/// Briefly registers the access that deleting or moving a name needs. inUses is the access that it uses, inShares the
+/// access that it shares. Only files and folders are registered; an entry that cannot be opened is registered only
+/// inside this process. Enter returns 0, 32 or the error of looking up the name.
 class EntryShare
 {
 public:

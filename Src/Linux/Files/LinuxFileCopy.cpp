@@ -59,8 +59,8 @@ SystemError CopyContents(int inFrom, const struct stat& inSource, int inTo, cons
     return error;
 }
 
-// Removes the destination of a copy that fails, by an error or an exception. If the destination name is a link, the
-// link is kept.
+// Removes the destination if the copy fails or throws. If the destination name is a link, the link is
+// kept.
 class UnfinishedCopy
 {
 public:

@@ -7,8 +7,8 @@ namespace ORL {
 namespace Linux {
 
 /// Options of CopyHostFile, which otherwise copies like CopyFile_Impl. mDisposition is kOpenAlways or kCreateNew; with
-/// kCreateNew an existing destination returns 80. With mReplacesSource the copy is going to replace the source: it is
-/// synced to disk before this returns, and gets the source's permissions regardless of the umask.
+/// kCreateNew an existing destination returns 80. A caller that will delete the source sets mReplacesSource: the copy
+/// is then synced before CopyHostFile returns, and gets the source's permissions regardless of the umask.
 struct CopyOptions
 {
     std::uint32_t mDisposition = Files::Platform::kOpenAlways;

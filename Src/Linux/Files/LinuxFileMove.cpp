@@ -50,7 +50,7 @@ SystemError ShareForDelete(const std::string& inHostPath, EntryShare& outShare, 
     return error != kNoError ? error : outShare.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
 }
 
-// Used on file systems that cannot rename without replacing.
+// For file systems whose rename always replaces an existing name.
 SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
 {
     struct stat status;
@@ -159,7 +159,7 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 
 // --- replacing -------------------------------------------------------------------------------------------------------
 
-// The earlier contents of the replaced name: a second name for the file, or a copy if the file system has no hard
+// The old contents of the replaced name: a second name for the file, or a copy if the file system has no hard
 // links.
 class Backup
 {
@@ -289,7 +289,7 @@ SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, 
     return kNoError;
 }
 
-// The folders of both names, which may be the same folder.
+// The folders of the replaced name and of its replacement, which may be the same folder.
 class BothFolders
 {
 public:

@@ -55,8 +55,8 @@ Descriptor OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
     return OpenByPath(inPath.c_str(), inFlags | O_NOCTTY | O_NONBLOCK, inMode);
 }
 
-// Opens an existing file. Share modes of other processes do not see a write-only handle to a file without read
-// permission, unless that handle shares nothing.
+// Opens an existing file. Other processes do not detect a write-only handle to a file without read permission, unless
+// that handle shares nothing.
 Descriptor OpenExisting(const std::string& inPath, const OpenRequest& inRequest)
 {
     const int mode = DescriptorMode(inRequest);

@@ -1,5 +1,5 @@
-// Reads, writes, position, size and times of open files. OpenFile stores the position, and every read and write passes
-// it to the kernel, so a seek needs no system call.
+// Implements reads, writes, seeks, sizes and times of open files. OpenFile stores the position, and every read and
+// write passes it to the kernel, so a seek needs no system call.
 #include "LinuxFile.h"
 
 #include "../Calls/LinuxErrors.h"
@@ -26,8 +26,8 @@ bool IsAligned(const OpenFile& inFile, const void* inBuffer, std::uint32_t inCou
     return !inFile.mIsUnbuffered || all % inFile.mAlignment == 0;
 }
 
-// Moves inCount bytes in as many calls as needed: one call moves at most 2 GiB and may be interrupted. inCall(done)
-// moves the rest and returns like the system call.
+// Transfers inCount bytes in as many calls as needed: one call transfers at most 2 GiB and may be interrupted.
+// inCall(done) transfers the rest and returns like the system call.
 template <class Call>
 SystemError Transfer(OpenFile& ioFile, std::uint32_t inCount, std::uint32_t& outDone, Call inCall)
 {

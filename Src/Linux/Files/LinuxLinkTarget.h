@@ -7,12 +7,12 @@
 namespace ORL {
 namespace Linux {
 
-/// The text of a symbolic link, exactly as stored.
+/// The target of a symbolic link, exactly as stored.
 class LinkTarget
 {
 public:
-    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0, or an errno with empty
-    /// text; ENAMETOOLONG if the text is longer than any that the kernel can create.
+    /// Reads a link by its name in an open folder, or by its path with AT_FDCWD. Returns 0; on failure returns an errno
+    /// and empties the target. ENAMETOOLONG means that it exceeds the kernel's limit.
     int Read(int inFolder, const char* inName) noexcept;
 
     const char* Text() const noexcept { return mText; }

@@ -154,7 +154,7 @@ bool IsHeld(int inDescriptor, unsigned inFirst, unsigned inCount) noexcept
 
 bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
 {
-    // Usually no other handle has the file open, and one query is enough.
+    // Usually no other handle has the file open, and this first query is enough.
     return IsHeld(inDescriptor, 0, kByteCount)
            && !ForEachRun(inBytes, [inDescriptor](unsigned inFirst, unsigned inCount) {
                   return !IsHeld(inDescriptor, inFirst, inCount);
@@ -183,8 +183,8 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
-// A holder that shares nothing excludes all others. One write lock on all bytes excludes them, and acquires and tests
-// in one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
+// For a holder that shares nothing and so excludes all others. One write lock on all bytes excludes them, and acquires
+// and tests in one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
 Outcome LockExclusively(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;

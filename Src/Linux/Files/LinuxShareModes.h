@@ -4,7 +4,7 @@
 // if one of them uses a kind that the other does not share. A holder that uses nothing never conflicts.
 //
 // Inside the process every holder is in a list, by device and inode. Across processes it holds shared locks on bytes of
-// the file itself, far after any data: one byte for each kind that it uses, one for each kind that it does not share.
+// the file itself, far past any data: one byte for each kind that it uses, one for each kind that it does not share.
 // The locks belong to the open file description (F_OFD_SETLK). The locks therefore vanish with their owner, need only
 // read permission, and do not interfere with the locks of other libraries in the process. An open first acquires its
 // locks and then tests for conflicting locks, so of two concurrent opens at most one succeeds. An open that finds a

@@ -1,4 +1,4 @@
-// The decoder decodes a PNG file when it creates the picture, so locking its pixels cannot fail.
+// Decodes a PNG file when its picture is created, so locking the pixels cannot fail.
 #include <Platform/Images.h>
 
 #include "LinuxNativeBitmap.h"

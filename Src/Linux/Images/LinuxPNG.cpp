@@ -14,7 +14,7 @@ using Resources::Bytes;
 
 namespace {
 
-// Limits of one chunk, and of all chunks together, not counting pixels. Only a malicious file exceeds these limits.
+// Size limits of one chunk and of all chunks together, without the pixels. Only a malicious file exceeds these limits.
 constexpr std::size_t kLargestChunk = std::size_t{1} << 24;
 constexpr std::size_t kLargestCache = std::size_t{1} << 25;
 constexpr std::uint32_t kLargestSide = 0x7FFFFFFF;

@@ -65,7 +65,7 @@ private:
         }
     }
 
-    // The processor's average rounds up; that of PNG rounds down.
+    // The processor's average instruction rounds up; the PNG filter rounds down.
     static void RestoreAverage(unsigned char* ioRow, const unsigned char* inAbove, std::size_t inSize) noexcept
     {
         const __m128i one = _mm_set1_epi8(1);

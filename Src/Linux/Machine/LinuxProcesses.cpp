@@ -94,7 +94,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
     return SystemErrors::kNoError;
 }
 
-// No handle is needed: names are read by identifier.
+// Opens nothing, because names are read by process identifier.
 ProcessHandle OpenProcess_Impl(unsigned int)
 {
     return nullptr;

@@ -32,7 +32,7 @@ struct Name
     Unit Last() const noexcept { return mUnits[mCount - 1]; }
 };
 
-// Few paths are deeper; up to this depth nothing is allocated.
+// Few paths are deeper, so most need no allocation.
 using Names = boost::container::small_vector<Name, 24>;
 
 // Few paths are longer, so most grow without reallocating.
@@ -78,7 +78,7 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     }
     const std::size_t start = ioPath.size();
     AppendBytesOfName(ioPath, inName.mUnits, inName.mCount);
-    // On disk "." and ".." lead to other folders, so they are not valid entry names.
+    // On disk "." and ".." refer to other folders, so they are not valid entry names.
     const std::size_t size = ioPath.size() - start;
     const bool leadsAway = size <= 2 && ioPath[start] == '.' && ioPath[start + size - 1] == '.';
     return leadsAway ? kErrorInvalidName : kNoError;

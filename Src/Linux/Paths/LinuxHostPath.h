@@ -22,7 +22,7 @@ struct HostPath
     std::string mWhole;
     std::shared_ptr<const Descriptor> mFolder;
 
-    /// Returns the whole path as text, regardless of its length.
+    /// Returns the whole host path, however long.
     const std::string& Whole() const noexcept { return mWhole.empty() ? mPath : mWhole; }
 };
 
@@ -33,8 +33,8 @@ struct HostPath
 /// name, 2 for a name that contains ":". On failure outHostPath is unchanged.
 SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
-/// Resolves a path to a path that the kernel accepts, of at most 4095 bytes. A longer path is converted to one through
-/// an open folder, which must exist (3 otherwise).
+/// Resolves a path to a path that the kernel accepts, of at most 4095 bytes. A longer path is shortened by opening a
+/// folder on it, which must exist (3 otherwise).
 SystemError ResolveToUsablePath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux

@@ -33,8 +33,8 @@ std::string NextName(const std::string& inPath, std::size_t& ioPosition)
     return inPath.substr(start, ioPosition - start);
 }
 
-// ".." goes up from the target of a link, so the path is resolved first; a path that does not exist is treated as
-// text.
+// ".." goes up from the target of a link, so the path is resolved first; a path that does not exist just loses its last
+// component.
 void GoUp(std::string& ioPath)
 {
     char resolved[PATH_MAX];

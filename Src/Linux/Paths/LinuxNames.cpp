@@ -24,8 +24,8 @@ bool IsIllegalCharacter(unsigned inCharacter) noexcept
     return false;
 }
 
-// The set of bytes that are the same on disk and in a library path; a blank or dot at the end of a name is an
-// exception.
+// The bytes that are the same on disk and in a library path, except a blank or dot at the end of a
+// name.
 struct PlainBytes
 {
     constexpr PlainBytes() : mIsPlain()
@@ -138,7 +138,7 @@ void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
     ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
 }
 
-// Most names are plain, and listings are long, so these have a fast path.
+// A fast path for long listings: most names consist only of plain bytes.
 bool IsPlainName(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     for (std::size_t i = 0; i < inSize; ++i) {

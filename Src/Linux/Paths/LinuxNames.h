@@ -24,8 +24,8 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount);
 
 /// Checks whether the units are a valid name. Returns 0, or 123 for an empty name, one with more than 255 units, or one
-/// that contains a control character or any of " * / < > ? \ |. A ":" would refer to a stream inside the file; Linux
-/// has no streams, so the result is 2.
+/// that contains a control character or any of " * / < > ? \ |. A ":" would select a stream of the file; Linux has no
+/// streams, so the result is 2.
 SystemError CheckName(const unsigned short* inUnits, std::size_t inCount) noexcept;
 
 } // namespace Linux

@@ -83,7 +83,7 @@ bool FindByPattern(const UTF16String& inFolder, UTF16String inPattern)
         inPattern = TVX_UTF16("*");
     }
     OpenFolder folder(path.mPath.c_str());
-    // Every folder but a root also lists itself, as "." and "..".
+    // "*" matches every folder but a root even if it is empty, because Windows lists "." and ".." there.
     const bool fitsItself = !path.mIsRoot && inPattern == TVX_UTF16("*");
     return folder.IsOpen() && (fitsItself || folder.Entries().AnyEntry([&inPattern](std::string_view inName) {
                UTF16String name;
@@ -139,7 +139,7 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
     if (ResolveToUsablePath(inPath, path) != kNoError) {
         return kInvalidAttributes;
     }
-    // A link without a target is still an entry.
+    // A dangling link is still an entry.
     if (!GetStatus(path.mPath, Links::kFollow, status) && !GetStatus(path.mPath, Links::kNoFollow, status)) {
         return kInvalidAttributes;
     }
@@ -161,7 +161,7 @@ void MakeFolder(int inFolder, const std::string& inPath)
                          : System().mMakeDirAt(inFolder, inPath.c_str(), 0777);
 }
 
-// Creates from the top down. Folders that exist already, or are created concurrently, are not an error.
+// Creates from the top down. A folder that already exists, or that another thread creates meanwhile, is not an error.
 void MakeFolders(int inFolder, const std::string& inPath)
 {
     for (std::size_t slash = inPath.find('/', 1); slash != std::string::npos; slash = inPath.find('/', slash + 1)) {
