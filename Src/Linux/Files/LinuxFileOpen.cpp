@@ -40,7 +40,7 @@ SystemError CheckRequest(const OpenRequest& inRequest)
     return isKnown && !cannotTruncate ? kNoError : kErrorInvalidParameter;
 }
 
-// The open mode of the descriptor. A writer can also read, because the share modes' locks require it.
+// The open mode of the descriptor. A write-only open adds read access for the share modes' locks.
 int DescriptorMode(const OpenRequest& inRequest) noexcept
 {
     const std::uint32_t any = kGenericRead | kGenericWrite | kGenericExecute | kAccessDelete;

@@ -10,8 +10,8 @@ namespace {
 
 constexpr unsigned short kSeparator = '\\';
 
-// Maps one unit to one unit. Like the Windows table, ignores a folding to several units and one from a
-// non-ASCII unit to ASCII.
+// Folds a non-ASCII unit. Like the Windows table, keeps a unit that would fold to several units or to
+// ASCII.
 unsigned short FoldUnit(unsigned short inUnit)
 {
     const UTF16String folded = tvxcore::utility::FoldCase(UTF16String(1, inUnit));

@@ -1,5 +1,5 @@
 // Floor: System
-// Names of keys and values, and the paths that consist of them.
+// Names of keys and values, and paths of key names.
 #pragma once
 
 #include <Platform/SystemErrors.h>

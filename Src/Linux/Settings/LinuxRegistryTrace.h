@@ -1,5 +1,5 @@
 // Floor: System
-// The reports of the store to the trace category "ORL.Registry".
+// Traces events of the stores in the category "ORL.Registry".
 #pragma once
 
 #include <Platform/Registry.h>

@@ -1,5 +1,5 @@
 // Floor: System
-// The values of a key in memory, found by their folded names.
+// An in-memory table of the values of a key, indexed by folded name.
 //
 // A key can have thousands of values, and reads arrive in any order, so cache misses dominate the cost of a read. The
 // index is therefore flat, and each value is one block of memory that contains its folded name and its data.
@@ -87,7 +87,7 @@ public:
 
     void Erase(std::uint64_t inHash, UnitsView inFolded) noexcept;
 
-    /// Marks all values whose folded names have that hash.
+    /// Marks as stale all values whose folded names have that hash.
     void SetStale(std::uint64_t inHash) noexcept;
 
     void Clear() noexcept;

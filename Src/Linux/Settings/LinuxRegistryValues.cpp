@@ -55,7 +55,7 @@ SystemError Store::Query(const HandleParts& inKey, UnitsView inName, unsigned* o
     });
 }
 
-// Sets a value, or deletes it if inValue is null. Runs one statement, which is a transaction by itself.
+// Sets a value, or deletes it if inValue is null. Runs a single statement, which SQLite makes a transaction.
 SystemError Store::SetOrDeleteValue(const HandleParts& inKey, UnitsView inName, const ValueData* inValue)
 {
     StoredKey* key = nullptr;

@@ -74,8 +74,8 @@ int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
     return result == -1 && errno == ETIMEDOUT ? ETIMEDOUT : 0;
 }
 
-// The last check by a thread whose wait timed out. Consumes a signal that has arrived since the timeout, or removes
-// the thread from the waiters.
+// Runs when the wait of a thread has timed out. Consumes a signal that has arrived since the timeout, or removes the
+// thread from the waiters.
 WaitOutcome LeaveAfterTimeout(FutexEvent& ioEvent)
 {
     std::uint64_t state = ioEvent.mState.load(std::memory_order_relaxed);

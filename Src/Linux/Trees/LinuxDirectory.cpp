@@ -36,7 +36,7 @@ struct Listing
     enum { kNotAsked, kYes, kNo } mMaySearch = kNotAsked;
 };
 
-// One query of search permission suffices for all entries of this folder.
+// Queries the search permission only once, because the result applies to all entries.
 EntryKind Listing::KindOf(const dirent64& inEntry)
 {
     if (inEntry.d_type == DT_UNKNOWN || inEntry.d_type == DT_LNK) {
@@ -170,8 +170,8 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 
 namespace {
 
-// Fails if another handle does not share deleting the folder, or if the folder is read-only. If the name is not a
-// folder, lets the removal itself fail.
+// Fails if another handle of the folder does not share delete access, or if the folder is read-only. If the name is not
+// a folder, lets the removal itself fail.
 SystemError ShareFolderForDelete(const HostPath& inPath, EntryShare& outShare)
 {
     const std::string name =

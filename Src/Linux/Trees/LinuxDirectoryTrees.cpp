@@ -54,7 +54,7 @@ bool IsInside(int inFolder, int inTop)
     return true;
 }
 
-// Opens the folder at a path, or the nearest existing one above it.
+// Opens the folder at a path, or the nearest existing folder above it.
 Descriptor OpenNearest(std::string inPath)
 {
     for (;;) {
@@ -67,7 +67,7 @@ Descriptor OpenNearest(std::string inPath)
     }
 }
 
-// A folder to delete must not be a link: the contents of another tree would be deleted, and the link would stay.
+// A folder to delete must not be a link: that would delete the contents of its target and leave the link.
 SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Descriptor& outSource)
 {
     HostPath path;
@@ -84,7 +84,7 @@ SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Desc
     return outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
 
-// Syncs the names that lead from inTop to the folder. inTop is above the folder or the folder itself.
+// Syncs the names of all folders on the path from inTop to the folder. inTop is above the folder or the folder itself.
 int SyncNamesBelow(int inTop, int inFolder)
 {
     struct stat top;

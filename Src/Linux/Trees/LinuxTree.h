@@ -2,10 +2,10 @@
 // tree, even if a folder is replaced by a link during the operation.
 //
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
-// deleted, but not copied: ENOTSUP. An entry that is open elsewhere without sharing the operation stays unchanged:
-// ETXTBSY, which LinuxErrors converts to 32. A deep tree needs memory, but no more descriptors or stack
-// (LinuxTreePath.h). The first failure stops the operation; finished steps are not undone. Every function returns 0 or
-// an errno and may throw std::bad_alloc.
+// deleted, but not copied: ENOTSUP. An entry that is open in a handle that does not share the operation stays
+// unchanged: ETXTBSY, which LinuxErrors converts to 32. A deeper tree needs more memory, but no more descriptors or
+// stack (LinuxTreePath.h). The first failure stops the operation; finished steps are not undone. Every function returns
+// 0 or an errno and may throw std::bad_alloc.
 #pragma once
 
 #include "../Paths/LinuxOpenFolder.h"
@@ -29,7 +29,7 @@ using TreeEntries = std::vector<TreeEntry>;
 /// Lists all names of a folder before any of them is changed, because a listing is undefined while its folder changes.
 int ListFolder(int inFolder, TreeEntries& outEntries);
 
-/// Returns ETXTBSY if anything in the folder, at any depth, is open without sharing deletion.
+/// Returns ETXTBSY if anything in the folder, at any depth, is open without sharing delete access.
 int CheckContentsDeletable(int inFolder);
 
 /// Deletes the contents of the folder. Does not enter the mount point of another volume: EBUSY.

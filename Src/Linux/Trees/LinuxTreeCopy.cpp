@@ -113,7 +113,7 @@ int CopyFileEntry(int inFrom, const char* inName, int inTo, CopyDurability inDur
     if (!S_ISREG(from.Status().stx_mode)) {
         return ENOTSUP;
     }
-    // Other handles of the earlier file must share writing, as if this copy wrote into that file.
+    // Other handles of the file to replace must share write access, as if this copy wrote into that file.
     TreeEntryShare replaced;
     failure = replaced.EnterFile(inTo, inName, kShareWrite, kShareRead | kShareWrite);
     if (failure != 0) {
@@ -195,7 +195,7 @@ private:
         if (failure != 0) {
             return failure;
         }
-        // Because of a mount, a folder may be below itself.
+        // A bind mount can place a folder below itself.
         if (mTo.ContainsDeepestOf(mFrom)) {
             return EINVAL;
         }

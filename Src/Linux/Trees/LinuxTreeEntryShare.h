@@ -1,4 +1,4 @@
-// Holds the entry that a step through a tree works on.
+// Registers the entry of the current step through a tree with the share modes.
 #pragma once
 
 #include "../Calls/SystemCalls.h"
@@ -9,7 +9,7 @@
 namespace ORL {
 namespace Linux {
 
-/// Registers a brief use of an entry with the share modes of all processes. Each step of a tree holds the entry that it
+/// Briefly registers an entry with the share modes of all processes ("holds" it). Each step holds the entry that it
 /// works on. Links, pipes and devices are never held.
 class TreeEntryShare
 {

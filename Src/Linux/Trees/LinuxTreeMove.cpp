@@ -68,8 +68,8 @@ private:
         return failure == EXDEV ? MoveToOtherVolume(mFrom.Folder(), inEntry, mTo.Folder()) : failure;
     }
 
-    // A folder moves with all its contents or not at all: nothing in it may be open without sharing deletion. A folder
-    // without read permission is moved unchecked. Below a merged folder everything has been checked already.
+    // A folder moves with all its contents or not at all: nothing in it may be open without sharing delete access. A
+    // folder without read permission is moved unchecked. Below a merged folder everything has been checked already.
     int ShareForMove(const TreeEntry& inEntry, TreeEntryShare& outShare) const
     {
         const char* const name = inEntry.mName.c_str();
@@ -97,7 +97,7 @@ private:
             if (S_ISDIR(from.stx_mode) && S_ISDIR(to.stx_mode)) {
                 return JoinFolders(inName);
             }
-            // Renaming one name of a file to another name of the same file does nothing.
+            // Renaming a file to another of its hard links does nothing, so delete the source name.
             if (IsSame(from, to)) {
                 return System().mUnlinkAt(mFrom.Folder(), inName, 0) == 0 ? 0 : errno;
             }

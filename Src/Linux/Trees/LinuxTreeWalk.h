@@ -9,8 +9,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Holds every folder that it is in, for deleting or moving it. Entries that disappear during the walk (ENOENT) are
-/// skipped.
+/// Registers every open folder on its path with the share modes, for deleting or moving it. Entries that disappear
+/// during the walk (ENOENT) are skipped.
 class TreeWalk
 {
 public:
@@ -26,7 +26,7 @@ protected:
     /// Handles an entry of Folder(); may enter it with EnterFolder.
     virtual int Visit(const TreeEntry& inEntry) = 0;
 
-    /// Decides whether to walk the folder just entered: returns 0, or the reason not to.
+    /// Returns 0 to walk the folder just entered, or an errno to refuse it.
     virtual int Accept(const struct statx&) { return 0; }
 
     /// Called after the contents of a folder, which is still held.

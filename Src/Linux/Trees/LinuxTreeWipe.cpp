@@ -24,7 +24,7 @@ public:
     using TreeWalk::TreeWalk;
 
 private:
-    // The listing may be outdated, so the system decides whether the entry is a folder.
+    // The listing may be outdated, so an entry listed as a file may turn out to be a folder (EISDIR).
     int Visit(const TreeEntry& inEntry) override
     {
         const char* const name = inEntry.mName.c_str();

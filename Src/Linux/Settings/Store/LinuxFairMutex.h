@@ -1,6 +1,6 @@
 // Floor: System
 // A fair lock, which its waiters acquire in the order of their arrival. A thread in a loop can reacquire a std::mutex
-// before any waiter wakes up, and other threads would then wait for seconds for a store.
+// before any waiter wakes up, so other threads could wait for a store for seconds.
 #pragma once
 
 #include <Platform/Mutex.h>

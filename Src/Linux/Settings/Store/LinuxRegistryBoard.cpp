@@ -122,7 +122,7 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsWorldReadable)
     return error;
 }
 
-// Another program may have deleted the previous board. Processes that mapped it need some time to find the new one.
+// If another program deleted the previous board, processes that mapped it need some time to find this one.
 void ChangeBoard::WaitForGracePeriod() noexcept
 {
     std::uint64_t madeAt = 0;

@@ -2,10 +2,10 @@
 // A page of shared memory through which the processes that share a store notify each other of changes. A reader polls
 // it instead of querying the database.
 //
-// A generation counts the changes. The generation is even while nothing changes, and odd from just before a commit
-// until just after it; it stays odd if the writer dies in between. For each change the board has an entry with the
-// affected key or value. A writer posts the entry before the commit. While the generation is odd, a reader treats the
-// change as made and reads what it affects from the database, so it never returns an old value for a new one.
+// The generation is a counter. It is even while nothing changes, and odd from just before a commit until just after it;
+// it stays odd if the writer dies in between. For each change the board has an entry with the affected key or value. A
+// writer posts the entry before the commit. While the generation is odd, a reader treats the change as made and reads
+// what it affects from the database, so it never returns an old value for a new one.
 //
 // Writers hold the database's write lock from PostChange to the commit.
 #pragma once
@@ -54,7 +54,7 @@ public:
     bool IsOpen() const noexcept { return mPage != nullptr; }
 
     /// Returns whether the board's name still refers to this file. A new board is not written during its first
-    /// kGracePeriodMilliseconds, so a process that calls this more often than that misses no change.
+    /// kGracePeriodMilliseconds, so a process that calls this at shorter intervals misses no change.
     bool IsFileCurrent() const noexcept;
     static constexpr int kGracePeriodMilliseconds = 25;
     bool IsWritable() const noexcept { return mIsWritable; }
@@ -67,8 +67,8 @@ public:
     std::uint64_t Generation() const noexcept;
 
     /// Stores the changes after generation inSince, which is even. Returns false if some entries have been overwritten.
-    /// outFinished is the last even generation. A change whose commit is in progress is included in this call and in
-    /// the next one.
+    /// outFinished is the last even generation. A change whose commit is in progress is returned both by this call and
+    /// by the next.
     bool ChangesSince(std::uint64_t inSince, std::uint64_t& outFinished, std::vector<Change>& outChanges) const;
 
     /// Posts a change and returns its odd generation. Never throws.

@@ -10,7 +10,7 @@ namespace Linux {
 using namespace SystemErrors;
 using Platform::Edit;
 
-// Queries only the database, because memory must not contain uncommitted changes.
+// Queries only the database: earlier edits of the transaction are not yet in memory.
 SystemError Store::FindTarget(const unsigned short* inPath, IfMissing inIfMissing, EditTarget& ioTarget)
 {
     const UnitsView path(inPath, LengthOf(inPath));

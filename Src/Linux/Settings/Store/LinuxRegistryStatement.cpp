@@ -130,7 +130,7 @@ std::int64_t Statement::Number(int inColumn) const
     return sqlite3_column_int64(mStatement, inColumn);
 }
 
-// Copies bytes, because text in a page of the database is not aligned.
+// Copies the text with memcpy, because in a page of the database it may be unaligned.
 void Statement::Text(int inColumn, Units& outText)
 {
     std::size_t size = 0;

@@ -15,7 +15,7 @@ using namespace SystemErrors;
 
 namespace {
 
-// The coarse clock advances in steps of at most ten milliseconds.
+// The + 10 allows for the coarse clock, which advances in steps of at most ten milliseconds.
 constexpr unsigned kFileCheckMilliseconds = 10;
 static_assert(kFileCheckMilliseconds + 10 < ChangeBoard::kGracePeriodMilliseconds);
 

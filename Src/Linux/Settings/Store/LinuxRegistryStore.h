@@ -64,7 +64,7 @@ public:
     /// Closes the database, and frees the keys in memory if no handle is open. The next operation opens it again.
     void Release() noexcept;
 
-    /// Called before and after a fork, so that no thread uses the store while the process is copied.
+    /// Called before and after a fork, so that no thread uses the store during the fork.
     void LockForFork() TVXCORE_ACQUIRES(mDatabaseLock, mMemoryLock);
     void UnlockAfterFork(ForkSide inSide) TVXCORE_RELEASES(mDatabaseLock, mMemoryLock);
 
@@ -119,8 +119,8 @@ private:
 
     FairMutex mDatabaseLock;
     Mutex mMemoryLock;
-    // Opened and closed under both locks, its statements run under mDatabaseLock, its state read under either. clang
-    // cannot check this.
+    // Opened and closed under both locks; statements run under mDatabaseLock; its state is read under either lock.
+    // clang cannot check this.
     Database mDatabase;
     StoreLocation mLocation TVXCORE_GUARDED_BY(mMemoryLock);
     int mProcess TVXCORE_GUARDED_BY(mMemoryLock) = 0; // the process that opened the database

@@ -83,7 +83,7 @@ unsigned Tree::LevelOf(const StoredKey& inKey) noexcept
     return level;
 }
 
-// Stores the subkeys of the rows: keys in memory, and new keys, which have no parent yet. Skips a row whose key has a
+// Stores a key for each row: the key in memory, or a new key, which has no parent yet. Skips a row whose key has a
 // different parent, because no version of the library writes such rows.
 void Tree::Adopt(StoredKey& ioKey, std::vector<SubKeyRow>& ioRows, std::vector<std::shared_ptr<StoredKey>>& outSubKeys)
 {
