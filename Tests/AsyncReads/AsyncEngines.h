@@ -1,4 +1,4 @@
-// The engines for asynchronous reads on this platform. The reader's whole suite runs once per engine.
+// Selects an engine for asynchronous reads. The tests of AsyncFileReader run once per engine of this platform.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-// Tests the bytes that asynchronous reads deliver, and waiting for them.
+// Tests AsyncFileReader: the data that reads deliver, and waiting for reads.
 #include <ORLAsyncFileReader.h>
 
 #include "AsyncReadsFixture.h"

@@ -1,4 +1,4 @@
-// Tests the callbacks of asynchronous reads: their thread, and reads that they queue.
+// Tests the callbacks of asynchronous reads: the thread that calls them, and the reads that they queue.
 #include <ORLAsyncFileReader.h>
 
 #include "AsyncReadsFixture.h"
@@ -89,7 +89,7 @@ TEST_P(AsyncReads, NullCallback_StillLeavesTheListAndFreesItsRecord)
     ASSERT_EQ(0, reader.QueueReadRequest(0, kBlock, buffer.Get(), nullptr, nullptr, nullptr, nullptr));
     reader.WaitForPendingReads();
     EXPECT_EQ(kBlock, FirstWrongByte(buffer.Get(), kBlock, 0));
-    // TearDown checks that the read's record is free, after the thread that frees it has ended.
+    // TearDown waits for the thread that frees the read's record, then checks that the record is free.
 }
 
 TEST_P(AsyncReads, CallbackThatQueuesTheNextRead_StreamsTheWholeFile)

@@ -1,4 +1,4 @@
-// Fails each system call of a read, each time it occurs, with each error that a shortage of resources causes. Delivered
+// Fails each system call of a read, at each occurrence, with each error that a resource shortage causes. Delivered
 // data must be correct, no read may be lost, no descriptor may stay open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
@@ -135,7 +135,7 @@ protected:
         AsyncFileReader reader;
         ioRun.mOpened = AsyncFileReader::Open(mPath, reader);
         if (ioRun.mOpened == -1) {
-            return; // with every other result the reader is open
+            return; // after any other result the reader is open
         }
         for (unsigned i = 0; i < kReads; ++i) {
             reader.QueueReadRequest(i * kBlock, kBlock, mBuffer.Get() + i * kBlock, &Deliveries::OnRead, &deliveries,

@@ -1,4 +1,4 @@
-// Reads of files that exist only on Linux, and reads at invalid positions.
+// Tests reads of kinds of files that only Linux has, and reads at invalid positions.
 #include "AsyncReadsFixture.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -24,7 +24,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// While an instance exists, the calling thread accesses files as an ordinary user; other threads do not.
+/// While an instance exists, the calling thread accesses files with an ordinary user's rights.
 class AsOrdinaryUser
 {
 public:
@@ -38,7 +38,7 @@ private:
     uid_t mEarlier;
 };
 
-/// An in-memory file, which has a path (below /proc) during the lifetime of the object.
+/// An in-memory file. Its path, in /proc, is valid during the lifetime of the object.
 class FileInMemory
 {
 public:
@@ -131,7 +131,7 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
 }
 
 // Windows checks the buffer when a read starts. On Linux only the completion of the read may report the bad buffer;
-// this must not end the reads of the whole process.
+// this must not stop asynchronous reads in the whole process.
 TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
 {
     const AlignedBuffer buffer(kBlock);

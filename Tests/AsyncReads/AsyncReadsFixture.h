@@ -1,4 +1,4 @@
-// A fixture that starts asynchronous reads with the engine given as its parameter.
+// A fixture that starts asynchronous reads with the engine that its test parameter names.
 #pragma once
 
 #include "AsyncEngines.h"

@@ -1,6 +1,6 @@
 // Runs a program from the same folder with restrictions: run_restricted WHAT PROGRAM [ARGUMENT ...]
 //   EPERM, ENOSYS   every io_uring call fails with this error, as under a container's filter or on an old kernel
-//   ordinary        root loses the right to read files without permission
+//   ordinary        root loses the capabilities that bypass file permissions
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>

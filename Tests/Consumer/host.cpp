@@ -1,4 +1,4 @@
-// The smallest useful host: starts the library, splits a path, reads a text from its own resources, and stops the
+// The smallest useful host: starts the library, splits a path, reads a string from its own resources, and stops the
 // library.
 #include <ORLFoundation.h>
 #include <ORLVersion.h>

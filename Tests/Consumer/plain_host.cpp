@@ -1,4 +1,4 @@
-// A host without resources, built by the compiler and pkg-config alone.
+// A host without resources, built with only the compiler and pkg-config.
 #include <ORLFoundation.h>
 
 #include <iostream>

@@ -1,4 +1,4 @@
-// Tests guarantees that only the Linux implementation of CriticalSection makes.
+// Tests guarantees that CriticalSection makes only on Linux.
 #include <ORLCriticalSection.h>
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ namespace {
 #  define ORL_TEST_CONSTANT_INITIALIZED __constinit
 #endif
 
-// Compiles only if the section needs no code to initialise, so that the constructor of any static can lock it.
+// Compiles only if the section is constant-initialised: then the constructor of any static can lock it.
 ORL_TEST_CONSTANT_INITIALIZED CriticalSection sSection;
 
 // Returns the state letter that the kernel reports for a thread: 'S' if it sleeps.
@@ -59,7 +59,7 @@ bool IsFreeForAnotherThread(const CriticalSection& inSection)
 
 } // namespace
 
-// Earlier locks decide whether Lock checks for recursion before anything else, so the test varies their number.
+// The number of earlier locks determines whether Lock checks for recursion first, so the test varies it.
 TEST(CriticalSectionOfOurs, TakenAgainAfterAnyNumberOfPlainTurns_OwesOneUnlockForEach)
 {
     for (int plainTurns = 0; plainTurns < 20; ++plainTurns) {

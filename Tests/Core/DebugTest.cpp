@@ -23,7 +23,7 @@ const char kInputText[] =
 const char kOutputText[] =
     "$$$/tvxcore/utility/Error/Contract/OutputContractViolation=An output contract violation has occurred!";
 
-// A valid address for the address checks; nothing reads the bytes.
+// Valid addresses for the address checks; nothing reads the bytes.
 char sBytes[2];
 
 void ExpectContractError(const CheckReport& inReport, const char* inText, long inErrorID)

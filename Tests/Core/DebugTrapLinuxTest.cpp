@@ -1,5 +1,5 @@
-// A failed check breaks into the debugger only if the report's answer requests it and a debugger is attached. The test
-// debugs its own forked child.
+// Tests that a failed check breaks into the debugger only if the report's answer requests it and a debugger is
+// attached. The test debugs its own forked child.
 #include <ORLDebug.h>
 
 #include <tvxcore/Debug.h>

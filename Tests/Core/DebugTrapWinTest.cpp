@@ -1,5 +1,5 @@
-// A failed check breaks into the debugger only if the report's answer requests it and a debugger is attached. The test
-// debugs a child process.
+// Tests that a failed check breaks into the debugger only if the report's answer requests it and a debugger is
+// attached. The test debugs a child process.
 #include <DebuggedProcessWin.h>
 #include <ProcessRunner.h>
 
@@ -11,7 +11,7 @@ using ORLTest::DebuggedException;
 
 namespace {
 
-constexpr std::uintptr_t kLargestProgram = 64 << 20; // more than the child's image, less than its distance to any DLL
+constexpr std::uintptr_t kLargestProgram = 64 << 20; // above the child's image size, below its distance to any DLL
 
 } // namespace
 

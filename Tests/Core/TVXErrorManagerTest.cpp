@@ -37,7 +37,7 @@ void Raise(const TVXErrorManager& inManager, int inLevel, const char* inZString 
 
 std::vector<std::string> sTexts;
 
-/// Collects traced text during its lifetime; the category is initially off.
+/// Collects the trace output during its lifetime; the category is initially off.
 class TraceRecorder
 {
 public:
@@ -76,12 +76,12 @@ TEST(TVXException, Message_IsTheTextOfTheZStringAndItsNumbers)
         {__LINE__, "$$$/key=a=b", "a=b"},
         {__LINE__, "=x", "x"},
         {__LINE__, "$$$/key=%1 of %2 %s", "%1 of %2 %s"},
-        // no text
+        // no message
         {__LINE__, "", "Unknown TVX Exception"},
         {__LINE__, "$$$/key", "Unknown TVX Exception"},
         {__LINE__, "$$$/key=", "Unknown TVX Exception"},
         {__LINE__, "=", "Unknown TVX Exception"},
-        // texts at the length limit
+        // messages near the length limit
         {__LINE__, "$$$/key=" + std::string(198, 'x'), std::string(198, 'x')},
         {__LINE__, "$$$/key=" + std::string(199, 'x'), std::string(199, 'x')},
         {__LINE__, "$$$/key=" + std::string(200, 'x'), "(Error string too long)"},

@@ -21,7 +21,7 @@ SETTINGS = ["set pagination off", "set confirm off", "set startup-with-shell off
 NOISE = re.compile(r"^(\[Thread debugging|Using host libthread_db|\[New Thread|warning: |\d+\t\S+\.[cS]: |"
                    r"(#\d+ +)?(0x[0-9a-f]+ in )?(__\w+|\?\?|raise|\w*futex\w*|syscall) \()")
 
-# Runs inside GDB: each command, after a line that marks it.
+# Runs inside GDB: prints each command after the prompt, then its output.
 DRIVER = """
 import gdb
 for command in {commands!r}:

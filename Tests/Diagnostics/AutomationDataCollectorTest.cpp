@@ -1,4 +1,4 @@
-// Tests the automation result store and its text, which another library parses.
+// Tests AutomationDataCollector and its output format, which another library parses.
 #include <ORLAutomationDataCollector.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Tests the persistent debug settings.
+// Tests DebugDatabase: debug settings that are stored in the registry.
 #include <PrivateHost.h>
 #include <TextHelpers.h>
 
@@ -33,7 +33,7 @@ protected:
 
     static UTF16String CacheKey() { return GetRegistryBaseKey() + Units(u"DebugCache"); }
 
-    // Returns "(none)" if the registry has no such text.
+    // Returns "(none)" if the registry has no such value.
     static std::string Stored(const std::string& inName)
     {
         RegistryKey key;

@@ -1,4 +1,4 @@
-// Runs the example that reads through a block cache, as a user does.
+// Runs the block cache example as a user does.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

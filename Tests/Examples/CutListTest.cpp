@@ -1,4 +1,4 @@
-// Runs the example that processes an edit decision list, as a user does.
+// Runs the edit decision list example as a user does.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kColumn = 144; // width of a cell
 constexpr std::size_t kRow = 188;
-constexpr std::size_t kLeft = 32; // x of the first picture: the margins of the sheet and of the cell
+constexpr std::size_t kLeft = 32; // x of the first picture: the sheet's margin plus the cell's
 constexpr std::size_t kTop = 52;
 
 std::string ColourAt(const DecodedPicture& inSheet, std::size_t inColumn, std::size_t inRow, std::size_t inX,
@@ -49,7 +49,7 @@ TEST(Gallery, GreetsInFiveLanguagesAndDrawsTheSheet)
     ASSERT_EQ(392u, sheet.mHeight);
     const DecodedPicture shown = ReadPng(std::string(ORL_EXAMPLES) + "/../Docs/gallery.png");
     EXPECT_TRUE(shown.mPixels == sheet.mPixels) << "the picture in the README is of an earlier version";
-    // The rows are not upside down: the first of the colour bars is at the top, and the black part of the strip at the
+    // The pictures are not flipped vertically: the first colour bar is at the top, the black part of the strip at the
     // bottom left.
     EXPECT_EQ("191 191 191", ColourAt(sheet, 3, 1, 5, 5));
     EXPECT_EQ("0 0 191", ColourAt(sheet, 3, 1, 92, 5));

@@ -1,4 +1,4 @@
-// Runs the example that stores the position of its window and its language, as a user does.
+// Runs the example with persistent window position and language as a user does.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 

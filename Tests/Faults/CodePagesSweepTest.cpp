@@ -34,7 +34,7 @@ bool FailsWithout(FaultyAllocator inAllocator, unsigned inNumber, bool inAllFurt
 
 } // namespace
 
-// The result itself uses the small block allocator. Up to 1024 units are converted on the stack; longer texts are
+// The result itself uses the small block allocator. Up to 1024 units are converted on the stack; longer strings are
 // written directly into the result, so that no second block is allocated.
 TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 {
@@ -51,7 +51,7 @@ TEST(CodePagesSweep, UnitsOfAnyCount_TakeNoWorkingMemory)
 TEST(CodePagesSweep, BytesOfAnyCount_TakeNoWorkingMemory)
 {
     if (!HeapIsFullyIntercepted()) {
-        return; // on this platform the allocations of std::string are not watched
+        return; // on this platform the allocations of std::string are not intercepted
     }
     for (const std::size_t count : {512u, 513u, 5000u}) {
         const UTF16String units(count, 0x65E5);

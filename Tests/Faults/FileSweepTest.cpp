@@ -152,7 +152,7 @@ TEST_F(FileSweep, Move)
         });
 }
 
-// Either nothing changes, or the swap is complete, returns success and leaves only the real file.
+// Either nothing changes, or the swap returns success and leaves only the real file.
 TEST_F(FileSweep, SwapTempFile_IsDoneAndToldOrNotDone)
 {
     Result result = kSuccess;

@@ -1,4 +1,4 @@
-// Fails each allocation in the real start, and checks what a host can do afterwards.
+// Fails each allocation in Foundation::Initialize, and checks what a host can do afterwards.
 #include "MemoryFaults.h"
 
 #include <ORLFoundation.h>
@@ -52,7 +52,7 @@ bool ThreadHasARecord()
     return ThreadManager::GetCurrentThreadInfo()->GetThreadName() != ConstString("Unnamed Thread");
 }
 
-// Returns the text of the exception that a second start throws, or an empty string.
+// Returns the message of the exception that a second start throws, or an empty string.
 std::string SecondStartThrows()
 {
     try {

@@ -1,4 +1,4 @@
-// Fails each allocation in splines, hashes, the process search and the result store.
+// Fails each allocation in splines, hashes, the process search and AutomationDataCollector.
 #include "MemoryFaults.h"
 
 #include <ORLAutomationDataCollector.h>

@@ -153,7 +153,7 @@ namespace ORLTest {
 
 namespace {
 
-constexpr unsigned kMaxRequests = 10000; // limit of one inWork; with more requests, the sweep would not end
+constexpr unsigned kMaxRequests = 10000; // limit of one sweep: inWork must make fewer requests
 
 void Attempt(const std::function<void()>& inWork)
 {

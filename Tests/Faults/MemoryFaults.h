@@ -1,6 +1,6 @@
-// Allocation failures at chosen points, and a balance of the memory still allocated.
+// Makes chosen allocations fail, and counts the blocks that are still allocated.
 //
-// Three allocators are watched: the small block allocator, whole OS pages, and the C++ heap. Only requests from
+// Three allocators are intercepted: the small block allocator, whole OS pages, and the C++ heap. Only requests from
 // the thread that created the MemoryFaults object are counted and can fail.
 #pragma once
 
@@ -35,8 +35,8 @@ private:
 /// Returns the process's current balance of allocations from that allocator.
 std::int64_t OutstandingMemory(FaultyAllocator inAllocator);
 
-/// Returns whether the standard library's own requests reach the watched C++ heap. If they do not (on Windows, a shared
-/// library uses its own heap functions), the heap's balance is meaningless.
+/// Returns whether the standard library's own requests reach the intercepted C++ heap. If they do not (on Windows, a
+/// shared library uses its own heap functions), the heap's balance is meaningless.
 bool HeapIsFullyIntercepted();
 
 /// Fails each request for memory that inWork makes, once alone and once with all later requests. After each round

@@ -1,4 +1,4 @@
-// Fails each memory request from the libraries behind the PNG decoder, which use the C heap.
+// Fails each request to the C heap from the libraries that the PNG decoder uses.
 #include <Linux/Images/LinuxPNG.h>
 
 #include <cstdlib>

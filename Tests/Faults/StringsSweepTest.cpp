@@ -1,4 +1,4 @@
-// Fails each allocation in names, templates and numbers.
+// Fails each allocation in interned strings, parameter templates, locales and number formatting.
 #include "MemoryFaults.h"
 
 #include <ORLConstString.h>
@@ -38,7 +38,7 @@ const std::string kLong(100, 'l');
 class ImmutableStringSweep : public testing::Test
 {
 protected:
-    // Sweeps inWork, which must keep no handle. Purges the texts that inWork entered, to restore the table.
+    // Sweeps inWork, which must keep no handle. Purges the strings that inWork interned, to restore the table.
     void Sweep(const std::function<void()>& inWork)
     {
         const std::size_t before = ImmutableStringTable::Get().GetCount();
@@ -86,8 +86,8 @@ TEST_F(ImmutableStringSweep, CreateDynamic_OfEachForm)
     });
 }
 
-// Uses a new table, because the index of the process's table already exists. Texts entered before a failed allocation
-// must be found again; a text whose allocation failed must be absent.
+// Uses a new table, because the index of the process's table already exists. Strings entered before a failed allocation
+// must be found again; a string whose allocation failed must be absent.
 TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
 {
     constexpr std::size_t kTexts = 140; // the index starts with 128 slots and is at most half full: two growths
@@ -116,7 +116,7 @@ TEST(ImmutableStringTableSweep, IndexThatIsMadeAndGrows)
         [] {});
 }
 
-// Fails only the page requests of the index, which is created for the first text and grows for the 65th and the 129th.
+// Fails only page requests of the index, which is created for the first string and grows for the 65th and the 129th.
 TEST(ImmutableStringTableFaults, EachIndexThatIsRefused_LeavesTheTextOutUntilItIsTriedAgain)
 {
     for (unsigned refused = 1; refused <= 3; ++refused) {
@@ -148,7 +148,7 @@ TEST_F(ImmutableStringSweep, CreateStatic_StaysEvenWhenItsHandleIsGone)
     });
 }
 
-// A static text cannot be removed once it has a record, so each round uses a new text.
+// A static string cannot be removed once it has a record, so each round uses a new string.
 TEST(ImmutableStringFaults, NewStaticTextThatFindsNoMemory_IsNotEntered)
 {
     static std::vector<std::string> sTexts;

@@ -11,7 +11,7 @@ foreach(symbol _ZN3ORL10PageMemory8Platform18AllocatePages_ImplE _ZN3ORL10PageMe
 endforeach()
 add_dependencies(${room_target} resource_files)
 
-# On Linux the tests count the existing bitmaps, and supply memory to the libraries behind the PNG decoder.
+# On Linux the tests count the existing bitmaps, and supply memory to the libraries that the PNG decoder uses.
 if(NOT WIN32)
   foreach(symbol
       _ZN3ORL6Images8Platform17CreateBitmap_ImplEPNS1_7PictureERSt10unique_ptrIA_hSt14default_deleteIS5_EERP9HBITMAP__

@@ -59,7 +59,7 @@ public:
     UTF16String Extended(const char16_t* inName) const { return Units(u"\\\\?\\") + mFolder.Path(inName); }
     std::string Contents(const char* inName) const { return ContentsOf(mFolder, inName); }
 
-    /// Opens and closes the file, and returns the error.
+    /// Opens the file, closes it, and returns the error of the open.
     SystemError Try(const UTF16String& inPath, std::uint32_t inAccess, std::uint32_t inDisposition,
                     std::uint32_t inFlags = kAttributeNormal, std::uint32_t inShare = kAll) const
     {

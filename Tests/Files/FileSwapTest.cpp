@@ -1,4 +1,4 @@
-// Tests the replacement of a file by a finished temporary file, and free names for such files.
+// Tests File::SwapTempFile and File::MakeUniqueTempPath.
 #include <FileSupport.h>
 
 #include <filesystem>
@@ -34,7 +34,7 @@ TEST(File, SwapTempFileThatFails_LeavesBothFiles)
     EXPECT_EQ("<none>", ContentsOf(folder, "real~1.txt"));
 }
 
-// A reader that shares deletion continues to read the old contents.
+// A reader that shares delete access continues to read the old contents.
 TEST(File, SwapTempFile_LeavesAReaderItsContents)
 {
     const TempFolder folder;

@@ -133,7 +133,7 @@ TEST(File, EveryDisposition_WithEveryAccess_DoesWhatItSays)
     }
 }
 
-// On Windows the error is 80, which has no specific code.
+// On Windows the error is 80, which has no Result of its own.
 TEST(File, CreateNewOfAnExistingFile_IsAGeneralFailure)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Tests transfers that are split into pieces, and transfers that fail midway.
+// Tests reads, writes and copies that the system completes in pieces, or that fail midway.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -1,4 +1,4 @@
-// Tests the Windows functions for path text, and the public functions built on them.
+// Tests the Windows path string functions, and the public functions built on them.
 #include <Files/WindowsPathText.h>
 
 #include <ORLPathUtils.h>
@@ -43,7 +43,7 @@ TEST(ArePathsRelative, EachPair_HasItsAnswer)
         {__LINE__, uR"(C:\abc\d\f.txt)", uR"(C:\ABC\e\g.txt)", uR"(..\e\)"},
         // ArePathsRelative treats slashes as separators
         {__LINE__, u"C:/abc/d/", u"C:/abc/e/", uR"(..\e\)"},
-        // the path of a share has no ":", so ArePathsRelative puts "C:" before it
+        // the path of a share has no ":", so ArePathsRelative prepends "C:"
         {__LINE__, uR"(\\server\abc\d\)", uR"(\\server\abc\e\)", uR"(..\e\)"},
         // a common prefix of two names does not count
         {__LINE__, uR"(C:\abcd\)", uR"(C:\abce\)", nullptr},

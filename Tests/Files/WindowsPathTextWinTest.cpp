@@ -1,4 +1,4 @@
-// Compares the portable path text with Windows' own functions on thousands of generated paths.
+// Compares the portable path string functions with those of Windows on thousands of generated paths.
 #include <Files/WindowsPathText.h>
 #include <Platform/Disks.h>
 #include <Platform/Paths.h>
@@ -78,7 +78,7 @@ TEST(HomePathText, Combine_AgreesWithTheSystem)
     EXPECT_GT(compared, 20000);
 }
 
-// Excludes texts of two units: Windows reads past their end.
+// Excludes strings of two units: Windows reads past their end.
 TEST(HomePathText, RelativePathTo_AgreesWithTheSystem)
 {
     PathGenerator generator(2);

@@ -1,4 +1,4 @@
-// Tests the texts of system errors and exception records.
+// Tests the messages for system errors and exception records.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 
@@ -54,7 +54,7 @@ TEST(SystemErrorMessage, EveryErrorOfTheSeam_HasASentenceWithALineEnd)
         const std::string message = Message(error);
         EXPECT_NE(kNoMessage, message) << error;
         EXPECT_TRUE(EndsWith(message, "\r\n")) << error << ": " << message;
-        EXPECT_GT(message.size(), 4u) << error; // the text is more than a line break
+        EXPECT_GT(message.size(), 4u) << error; // the message is more than a line break
         EXPECT_EQ(message.size() - 1, message.find('\n')) << error << ": one line";
     }
 }

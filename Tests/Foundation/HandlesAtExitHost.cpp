@@ -1,4 +1,4 @@
-// Exits while its threads copy and release handles of names, buffers and queues, and read, compare, look up and add
+// Exits while its threads copy and release handles to names, buffers and queues, and read, compare, look up and add
 // names. Further handles are in static storage.
 #include <ORLFoundation.h>
 

@@ -1,4 +1,4 @@
-// A process exits while other threads still copy and release handles.
+// Tests a process that exits while other threads still copy and release handles.
 #include <CleanExit.h>
 
 #include <gtest/gtest.h>

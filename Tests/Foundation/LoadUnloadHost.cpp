@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kRounds = 120;
 constexpr int kSettled = 20; // rounds until all one-time buffers of the system's libraries exist
-[[maybe_unused]] constexpr std::size_t kNoise = 192 << 10; // allowed growth: above one heap step, half a page a round
+[[maybe_unused]] constexpr std::size_t kNoise = 192 << 10; // allowed: more than a heap extension, half a page a round
 
 [[noreturn]] void Fail(const char* inWhat, int inRound)
 {

@@ -1,4 +1,4 @@
-// Tests, in a child process, a host in which a read starts and then fails, which ends the completion thread.
+// Tests a host, in a child process, in which a read fails after its start; the failure ends the completion thread.
 #include "../AsyncEngines.h"
 #include "../AsyncReadSupport.h"
 

@@ -1,6 +1,6 @@
 // A host that touches every public class, linked to the shared libraries at each optimisation level: a function that is
-// inlined at one level is a symbol at another, which a library must export. check_every_class.py finds classes that are
-// missing here.
+// inlined at one level may be called at another, so a library must export it. check_every_class.py finds classes that
+// are missing here.
 #include "TouchCore.h"
 #include "TouchFiles.h"
 #include "TouchFoundation.h"

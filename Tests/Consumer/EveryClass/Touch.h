@@ -1,4 +1,4 @@
-// Touches functions that need only be linked: they are named in code that never runs, which the compiler cannot know.
+// References functions that need only link: the code that names them never runs, but the compiler cannot know that.
 #pragma once
 
 namespace Consumer {

@@ -1,4 +1,4 @@
-// What the host and the plug-in of the debugging session share.
+// Declarations shared by the host and the plug-in of the debugging session.
 #pragma once
 
 #include <ORLClassFactory.h>

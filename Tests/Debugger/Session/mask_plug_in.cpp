@@ -1,4 +1,4 @@
-// A plug-in with a mistake: nobody sets the mask.
+// A plug-in with a bug: nothing sets the mask.
 #include "Player.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// A player with three mistakes, for the session in Docs/debugging.md: session_host crash|leak|queue
+// A player with three bugs, for the session in Docs/debugging.md: session_host crash|leak|queue
 #include "Player.h"
 
 #include <ORLImmutableString.h>

@@ -1,5 +1,5 @@
-// Another program truncates and extends a file while it is read through a block cache. On Linux only users of the
-// library respect share modes.
+// Tests a file that another program truncates and extends while File reads it through a block cache. On Linux only
+// users of the library respect share modes.
 #include <BlockCacheSupport.h>
 
 #include <filesystem>

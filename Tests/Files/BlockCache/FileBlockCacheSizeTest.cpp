@@ -1,4 +1,4 @@
-// The size of a file read through a block cache is queried once per read.
+// Tests that a File with a block cache queries its size once per read.
 #include <BlockCacheSupport.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Reads through a host's block cache.
+// Tests reads and seeks of File through a host's block cache.
 #include "../../AsyncReads/AsyncReadSupport.h"
 #include <BlockCacheSupport.h>
 

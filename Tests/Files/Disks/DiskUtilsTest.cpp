@@ -1,4 +1,4 @@
-// Tests the volume that contains a path.
+// Tests the functions for the root and the limits of a path's volume.
 #include <ORLDiskUtils.h>
 
 #include <Files/VolumeQueries.h>
@@ -35,7 +35,7 @@ TEST(GetVolumeRootPath, EachPath_HasItsRoot)
         {__LINE__, uR"(\\?\UNC\server\share\dir)", uR"(\\?\UNC\server\share\)"},
         // an extended path may have any character as its drive
         {__LINE__, uR"(\\?\1:\dir)", uR"(\\?\1:\)"},
-        // the server name is empty, so components are dropped until the platform takes the rest for a root
+        // the server name is empty, so components are dropped until the platform accepts the rest as a root
         {__LINE__, uR"(\\?\UNC\\share\x)", uR"(\\?\)"},
         // neither drive nor share: components are dropped until a root is left or nothing more can be dropped
         {__LINE__, u"relative", u"relative\\"},

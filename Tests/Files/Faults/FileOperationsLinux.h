@@ -1,4 +1,4 @@
-// The operations of File whose system calls the tests fail one by one, and which failures each must report.
+// The File operations whose system calls the tests fail one by one, and the failures that each must report.
 #pragma once
 
 #include <FileSupport.h>
@@ -55,10 +55,10 @@ struct FileOperation
     bool mIsOnTwoVolumes = false;
 };
 
-/// Opening, reading, writing and deleting.
+/// Returns the operations that open, read, write or delete files.
 std::vector<FileOperation> AccessOperations();
 
-/// Copying, moving and swapping.
+/// Returns the operations that copy, move or swap files.
 std::vector<FileOperation> TransferOperations();
 
 inline const IgnoredFailure kInterruptedOpen = {Faults::kOpen, 0, {EINTR}};

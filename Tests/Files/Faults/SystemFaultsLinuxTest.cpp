@@ -1,4 +1,4 @@
-// Tests faults of system calls below the path and disk functions, and the error numbers they become.
+// Tests path and disk functions whose system calls fail, and the Windows error number for each errno.
 #include <Linux/Calls/LinuxErrors.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -145,7 +145,7 @@ TEST(PathFaults, AQueryThatTheSystemRefuses_IsFalse)
     }
 }
 
-// A listing that breaks off must not make a folder appear empty.
+// A listing that fails midway must not make a folder appear empty.
 TEST(PathFaults, AListThatBreaksOff_IsNoEmptyFolder)
 {
     const TempFolder folder;

@@ -134,7 +134,7 @@ TEST(FileShareModes, ThroughFile_AreSharingViolations)
     EXPECT_EQ("x", ContentsOf(folder, "f")) << "a copy that was refused has not emptied the file";
 }
 
-// Asynchronous reads open with read access and share reading and writing.
+// An AsyncFileReader opens its file with read access and shares read and write access.
 TEST(FileShareModes, AFileOfAsynchronousReads_IsAHolderToo)
 {
     const TempFolder folder;
