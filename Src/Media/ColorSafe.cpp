@@ -1,4 +1,4 @@
-// Colours that are safe on certain displays.
+// Converts colours to web-safe ones, and accepts every colour as NTSC-safe.
 #include <ORLColor.h>
 
 namespace ORL {

@@ -14,7 +14,7 @@ namespace Geometry {
 
 namespace {
 
-// Eliminates one row. y2 and u receive the row's factor and right side, or 0 if the row is skipped.
+// Eliminates one row of the tridiagonal system. Sets y2[i] to its factor and u[i] to its right side, or both to 0.
 void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, float* u)
 {
     u[i] = y2[i] = 0;
@@ -32,7 +32,7 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
     u[i] = static_cast<float>((6.0 * u[i] / width - sig * u[i - 1]) / p);
 }
 
-// Returns null if memory is exhausted. The compiler's array size check throws even in the non-throwing form, so larger
+// Returns null if memory is exhausted. An array size above the limit throws even from new (std::nothrow), so larger
 // sizes are rejected here.
 std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
 {
@@ -104,7 +104,7 @@ Point Difference(const Point& inTo, const Point& inFrom)
     return {Wrapping::Subtract(inTo.x, inFrom.x), Wrapping::Subtract(inTo.y, inFrom.y)};
 }
 
-// C runtimes differ in the sign of the NaN that the root of a negative number yields.
+// Returns NaN for a negative square itself, because C runtimes differ in the sign of the NaN from std::sqrt.
 float Length(const Point& inVector)
 {
     const std::int32_t square = Dot(inVector, inVector);

@@ -33,7 +33,7 @@ inline void MixStep(State& ioState)
     ioState = {a, b, c};
 }
 
-// Compiles to one load on this processor, aligned or not.
+// Compiles to one load on x86-64, aligned or not.
 inline std::uint32_t WordAt(const unsigned char* inBytes)
 {
     std::uint32_t word;

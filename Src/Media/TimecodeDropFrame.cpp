@@ -91,7 +91,7 @@ unsigned long long Magnitude(long long inCount)
 enum class Direction { kForwards, kBackwards };
 
 // Moves off a dropped label: forwards to the next valid label, backwards to the last one before it. The limit is 2 at
-// both rates, even where 4 labels are dropped.
+// both rates, even at the one that drops 4 labels.
 void StepOffDroppedLabel(Direction inDirection, int& ioMinutes, int& ioSeconds, long long& ioFrames,
                          int inLabelsPerSecond, int inLabelsDropped)
 {

@@ -43,7 +43,7 @@ const unsigned short* SplitLoneNumber(const unsigned short* inBegin, const unsig
     return nullptr;
 }
 
-// Returns the first unreadable unit, or null.
+// Returns the first unit that it cannot parse, or null.
 const unsigned short* ScanFields(const unsigned short* inBegin, const unsigned short* inEnd, FeetFramesText& outText)
 {
     outText.mFeetBegin = inBegin;

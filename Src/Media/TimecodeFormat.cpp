@@ -14,7 +14,7 @@ namespace {
 constexpr int kMaxIntUnits = 11;   // sign and ten digits
 constexpr int kMaxInt64Units = 20; // sign and nineteen digits, also for 2^63
 
-// "00" to "99".
+// Returns the digits of the numbers "00" to "99".
 constexpr std::array<unsigned short, 200> MakePairs()
 {
     std::array<unsigned short, 200> pairs{};
@@ -226,7 +226,7 @@ template <int kFramesPerFoot>
                                     : NegativeFeetFramesText(isNegative, hasPlus, feet, frames);
 }
 
-// A negative time shown without a sign counts back from midnight only in the hours.
+// Without a sign, a negative time shows the hours before midnight; the other fields stay magnitudes.
 int ShownHours(const Timecode::PrivateImpl& inImpl)
 {
     const int hours = inImpl.mHours % 24;

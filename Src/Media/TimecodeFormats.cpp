@@ -24,14 +24,14 @@ int SecondsOf(int inHours, int inMinutes, int inSeconds) noexcept
     return Add(Multiply(Add(Multiply(inHours, 60), inMinutes), 60), inSeconds);
 }
 
-// Counts a label at a whole rate. The time of a negative label is the negated time of the label, so the fields are not
-// negative here, unless a typed field overflowed 32 bits.
+// Counts the frames before a label at an integer rate. The time of a negative label is the negated time of the label,
+// so the fields are not negative here, unless a typed field overflowed 32 bits.
 constexpr long long CountLabels(int inSeconds, long long inLabelsPerSecond, long long inFrames) noexcept
 {
     return Wrapping::Add(inSeconds * inLabelsPerSecond, inFrames);
 }
 
-// Counts a label at any rate. The seconds are converted to unsigned, so negative numbers become huge.
+// Counts the frames before a label at any rate. The seconds are converted to unsigned, so negative numbers become huge.
 long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames) noexcept
 {
     const auto seconds = static_cast<double>(Wrapping::Bits(static_cast<long long>(inSeconds)));
@@ -39,7 +39,7 @@ long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames
     return Wrapping::Add(static_cast<long long>(whole), inFrames);
 }
 
-// At a whole rate the double is exact for seconds that are not negative, so the integer count is used for them.
+// At an integer rate both counts are equal unless the seconds are negative, so the integer count is used for the rest.
 template <int kRate>
 TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
 {

@@ -163,7 +163,7 @@ void Timecode::PrivateImpl::IncrementHMSF(int inHours, int inMinutes, int inSeco
     ORL_ASSERT_AT((mTimeDisplay != tvxmediatypes::kTimeDisplay_Frames) || ((inHours == 0) && (inMinutes == 0) && (inSeconds == 0)), "Timecode", __LINE__, "ORL::Timecode::PrivateImpl::IncrementHMSF");
     // clang-format on
     if (mIsNegative) {
-        // The fields hold magnitudes.
+        // The fields hold magnitudes, so negate the increments.
         inHours = Wrapping::Negate(inHours);
         inMinutes = Wrapping::Negate(inMinutes);
         inSeconds = Wrapping::Negate(inSeconds);

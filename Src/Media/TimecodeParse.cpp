@@ -35,7 +35,7 @@ struct TypedFields
     int mHours = 0;
 };
 
-// Reads the fields between inUnit and inEnd. Returns the first unit that does not fit, or null.
+// Reads the fields between inUnit and inEnd. Returns the first unit that it cannot parse, or null.
 const unsigned short* ScanFields(const unsigned short* inUnit, const unsigned short* inEnd, TimeDisplay inTimeDisplay,
                                  ScannedText& outText)
 {
@@ -193,7 +193,7 @@ void CarryFrames(TypedFields& ioFields, const FrameRate& inRate)
                           "ORL::`anonymous-namespace'::SMPTEStringToTime");
 }
 
-// A typed label is reduced to one day.
+// Carries seconds and minutes, and reduces the hours to one day.
 void CarrySeconds(TypedFields& ioFields)
 {
     if (ioFields.mSeconds > 59) {

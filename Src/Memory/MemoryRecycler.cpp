@@ -53,7 +53,7 @@ ObjectPtr<MemoryRecycler, AtomicValue> MemoryRecycler::Instance()
     return sMemoryRecycler.mValue;
 }
 
-// These helpers are inline: on a hit, a call through the table of exported symbols would cost as much as the helpers
+// These helpers are inline: on a hit, a call through the procedure linkage table would cost as much as the helpers
 // themselves.
 
 inline void MemoryRecycler::ReleaseAll(Pool& ioBuffers)

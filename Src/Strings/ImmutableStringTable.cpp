@@ -89,7 +89,7 @@ struct ExitAction
     ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeUnreferenced(); }
 };
 
-// Destroys the guard only on platforms whose locks must be destroyed; by then the other threads have exited.
+// Where locks need no destruction, the guard's destructor does nothing; elsewhere other threads have exited by then.
 void MakeTable()
 {
     static const CriticalSection guard;
@@ -229,7 +229,7 @@ std::size_t ImmutableStringTable::FirstSlotOf(const Slots& inIndex, std::uint64_
     return inHash & (inIndex.Count() - 2);
 }
 
-// The caller must hold the guard or have ReaderAccess. A text is usually in one of the first two slots, but which one
+// The caller must hold the guard or have ReaderAccess. A name is usually in one of the first two slots, but which one
 // is unpredictable. The slot is selected without a branch, because a mispredicted branch costs more than reading both
 // slots.
 ImmutableStringTable::Record* ImmutableStringTable::Find(const Key& inKey) const

@@ -13,7 +13,7 @@ namespace {
 
 using tvxcore::utility::NumberPunctuation;
 
-// A separator that does not fit in one byte is only in the wide facet; the narrow facet uses a blank.
+// Only the 16-bit facet can represent a non-ASCII separator; the narrow facet uses a blank.
 template <class Character>
 Character Fit(unsigned short inUnit)
 {

@@ -11,7 +11,7 @@ namespace ORL {
 
 namespace {
 
-// Reentrant: two of the strings are built from a third under the lock.
+// Recursive: two of the strings are built from a third under the lock.
 Immortal<CriticalSection> sRegistryKeysLock;
 
 // A string that the first call builds. The string is never destroyed, because threads may still use it at process exit.

@@ -1,6 +1,6 @@
-// With t = c * a + 128, the result (t + (t >> 8)) >> 8 equals t * 257 >> 16, which is one multiplication for a vector
-// of 16-bit lanes. Alpha 0 and 255 have no special cases: the formula is exact for them, and mispredicted branches are
-// expensive (a factor of twenty on an alpha ramp).
+// Premultiplies pixels. With t = c * a + 128, the result (t + (t >> 8)) >> 8 equals t * 257 >> 16, which is one
+// multiplication for a vector of 16-bit lanes. Alpha 0 and 255 have no special cases: the formula is exact for them,
+// and mispredicted branches are expensive (a factor of twenty on an alpha ramp).
 #include <Images/Premultiply.h>
 
 #include <atomic>

@@ -67,7 +67,7 @@ struct FirstName
     }
 };
 
-// Returns a type as text. A number becomes "#" and its digits, which the lookups parse.
+// Converts a type to a string. A number becomes "#" and its digits, which the lookups parse.
 UTF16String TextOfType(const unsigned short* inType)
 {
     const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(inType);

@@ -34,7 +34,7 @@ bool ReadNumber(const Bytes& inBytes, std::uint64_t inPlace, Number& outNumber) 
     return true;
 }
 
-/// Returns a part of the bytes; all of it must be inside.
+/// Returns a subrange, which must be completely inside the bytes.
 inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t inSize) noexcept
 {
     Bytes part;

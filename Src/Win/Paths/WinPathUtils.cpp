@@ -123,7 +123,7 @@ UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirec
     return UTF16String(path.c_str());
 }
 
-// FindClose also accepts the failure value.
+// Needs no check before FindClose, which also accepts INVALID_HANDLE_VALUE.
 bool FindEntry_Impl(const UTF16String& inPath)
 {
     WIN32_FIND_DATAW data;

@@ -27,7 +27,7 @@ bool IsDotEntry(const wchar_t* inName)
     return inName[0] == L'.' && (inName[1] == 0 || (inName[1] == L'.' && inName[2] == 0));
 }
 
-// A reparse point may lead to a directory, a file or nothing.
+// A reparse point may refer to a directory, a file or nothing.
 EntryKind KindOf(DWORD inAttributes)
 {
     if ((inAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {

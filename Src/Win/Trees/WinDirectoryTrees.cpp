@@ -13,7 +13,7 @@ namespace Platform {
 
 using ORL::Win::AsWide;
 
-// The shell reads lists of names: each name has a terminator, and one more follows the last.
+// The shell expects double-null-terminated lists of names.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo)
 {
     const UTF16String from = inFrom + UTF16String(1, 0);
