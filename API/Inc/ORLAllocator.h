@@ -1,5 +1,5 @@
 // Floor: Memory
-// The interface to the small block allocator for code that reports exhausted memory by an exception, and its
+// A small-block allocator that throws std::bad_alloc when memory is exhausted, and a function that traces its
 // statistics.
 #pragma once
 
@@ -32,9 +32,9 @@ public:
 ///
 ///   tvxcore::debug::SetTraceLevel("ORL.Allocator", 1);
 ///
-/// Addresses and sizes of regions show only their low 32 bits. A region's state is 4096 for memory in use, 8192 for
-/// reserved and 65536 for free address space, on every platform. Thread-safe: the lines of two calls are not
-/// interleaved. Writes nothing if the allocator keeps no counters.
+/// Addresses and sizes of regions show only their low 32 bits. A region's state is 4096 (committed), 8192 (reserved) or
+/// 65536 (free address space) on every platform. Thread-safe: the lines of two calls are not interleaved. Writes
+/// nothing if the allocator keeps no counters.
 ORL_API void TraceAllocatorStatistics();
 
 } // namespace ORL

@@ -17,13 +17,13 @@ namespace ORL {
 ///
 /// Owner:    the host. The host creates and destroys the object on its main thread, while no other thread uses
 ///           Instance.
-/// Threads:  not thread-safe: Instance reads a plain pointer, and the first GetApplicationFilePath fills a cache in its
-///           module.
+/// Threads:  not thread-safe: Instance reads a plain pointer, and the first call of GetApplicationFilePath fills a
+///           cache in the application module.
 /// Failure:  the constructor and GetApplicationFilePath throw std::bad_alloc.
 class ORL_API Application
 {
 public:
-    /// Makes this object the instance, and keeps references to both modules and copies of the start-up text and value.
+    /// Makes this object the instance. Keeps references to both modules and copies of inStartupText and inStartupValue.
     /// The library uses only inApplicationModule, whose path GetApplicationFilePath returns. Fires an input contract if
     /// there already is an instance. Throws std::bad_alloc.
     Application(const ObjectPtr<Module, AtomicValue>& inModule,

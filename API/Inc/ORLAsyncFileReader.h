@@ -1,5 +1,5 @@
 // Floor: Files
-// Unbuffered reads of large files: many reads in flight, one callback for each.
+// Unbuffered reads of large files: many reads in flight, one callback per read.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,10 +10,10 @@ namespace ORL {
 
 /// Reads one file, bypassing the system's cache. Reads are queued and complete in any order, each through its callback.
 ///
-/// Requires: position, size and address of each read are multiples of GetDiskSectorSize(). The library does not check
-///           this: the system rejects any other read, and its callback receives the failure. The last read of a file
-///           must also request whole sectors, and returns fewer bytes.
-///           A read must start before the end of the file. If it does not, it fails at its start on Linux, and on
+/// Requires: the position, size and buffer address of each read are multiples of GetDiskSectorSize(). The library does
+///           not check this: the system rejects any other read, and its callback receives the failure. The last read of
+///           a file must also request whole sectors, and returns fewer bytes.
+///           A read must start before the end of the file. Otherwise it fails to start on Linux, and fails on
 ///           completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
 /// Threads:  reads may be queued from any thread, callbacks included. Open, Close and the destructor: one thread at a
@@ -21,9 +21,9 @@ namespace ORL {
 ///           callback delays all others. Callbacks for reads that fail to start run on a second library thread.
 /// Needs:    Foundation::Initialize. Terminate must not be called before the last reader is closed.
 /// Failure:  Open returns -1 for a path that is missing, is a directory or cannot be opened. The callback of a read
-///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (a failing disk)
-///           stops all asynchronous reads in the process: neither that read nor any later one is reported, and
-///           WaitForPendingReads and Close do not return.
+///           that fails to start receives 0 bytes and the failure. A read that starts and then fails (for example on a
+///           bad disk) stops all asynchronous reads in the process: neither that read nor any later one is reported,
+///           and WaitForPendingReads and Close do not return.
 /// Example:
 ///   ORL::AsyncFileReader reader;
 ///   if (ORL::AsyncFileReader::Open(path, reader) == ORL::kSuccess) {
@@ -49,9 +49,9 @@ public:
     AsyncFileReader(const AsyncFileReader&) = delete;
     AsyncFileReader& operator=(const AsyncFileReader&) = delete;
 
-    /// Opens a file with a reader that is not open. Other handles may read and write the file while it is open. Returns
+    /// Opens a file. The reader must be closed. Other handles may read and write the file while it is open. Returns
     /// kSuccess. Returns -1 if the path is missing, is a directory or cannot be opened. If the sector size cannot be
-    /// determined, returns that error and leaves the file open. A closed reader may be opened again.
+    /// determined, returns that error and leaves the file open. A closed reader may be reused.
     static int Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAsyncFileReader);
 
     /// Queues one read and returns 0. The outcome is reported only to the callback, which may be null. The calling

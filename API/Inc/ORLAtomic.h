@@ -1,8 +1,8 @@
 // Floor: Core
-// Operations on shared 32-bit numbers and on shared pointers.
+// Atomic operations on 32-bit integers and on pointers.
 //
 // Every operation is sequentially consistent and thread-safe. Each asserts that the target is aligned to its size, and
-// runs even if the assertion fails. Never throws, unless the host's assertion handler does.
+// is performed even if the assertion fails. Never throws, unless the host's assertion handler does.
 #pragma once
 
 #include <ORLDebug.h>
@@ -68,7 +68,7 @@ ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicDecrement(T& ioValue)
     return static_cast<T>(__atomic_sub_fetch(&ioValue, T(1), __ATOMIC_SEQ_CST));
 }
 
-/// Returns the current value. The read is a compare-and-set that replaces 17 by 17: it changes nothing, but is a full
+/// Returns the current value. The read is a compare-and-set that replaces 17 with 17: it changes nothing, but is a full
 /// barrier. It acquires the cache line exclusively, so it costs as much as a write.
 template <class T>
 ORL_ATOMIC_SERVES_MISALIGNED inline T AtomicRead(T& ioAddend)

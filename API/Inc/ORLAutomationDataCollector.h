@@ -1,5 +1,5 @@
 // Floor: Diagnostics
-// A process-wide store of named results that automation runs read back, and its text as JSON.
+// A process-wide store of named results of automation runs, and its export as JSON.
 //
 // Not thread-safe: callers on several threads must serialise their calls, the first call of Instance included.
 #pragma once
@@ -41,10 +41,10 @@ public:
     /// Returns the store. The first call creates it; it is destroyed when the process exits.
     static AutomationDataCollector* Instance();
 
-    /// Appends a result to the name, which is created if it is new.
+    /// Appends a result to the results of inName. Adds the name if it is new.
     void AddResult(const UTF16String& inName, const Result& inResult);
 
-    /// Appends all results in order. Creates the name even if inResults is empty.
+    /// Appends all results in order. Adds the name even if inResults is empty.
     void AddResults(const UTF16String& inName, const Results& inResults);
 
     /// Returns a copy of all names with their results.
@@ -60,9 +60,9 @@ private:
     Collection mCollection;
 };
 
-/// Writes a collection as one JSON object in UTF-8, followed by a line end. Each name is a member; its value is an
-/// array of objects with the members "key" and "value". An unpaired surrogate is written as U+FFFD. Names and results
-/// keep their order.
+/// Writes a collection as one JSON object in UTF-8, followed by a newline. Each name is a member; its value is an array
+/// of objects with the members "key" and "value". An unpaired surrogate is written as U+FFFD. Names and results keep
+/// their order.
 ORL_API void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollector::Collection& inCollection);
 
 } // namespace ORL

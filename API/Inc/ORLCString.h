@@ -1,5 +1,5 @@
 // Floor: Strings
-// A plain zero-terminated 16-bit string, for interfaces that use the platform's own string class.
+// A plain zero-terminated 16-bit string, for interfaces that would otherwise use the platform's string class.
 #pragma once
 
 #include <ORLConfig.h>
@@ -10,17 +10,17 @@
 
 namespace ORL {
 
-/// Owns one zero-terminated 16-bit text. A value: copies are deep. Not thread-safe: one thread at a time per object.
-/// The constructor throws std::bad_alloc.
+/// Owns one zero-terminated 16-bit string. Copies are deep. Not thread-safe: one thread at a time per object.
+/// Construction from a pointer and copying throw std::bad_alloc.
 class CString
 {
 public:
     CString() = default;
 
-    /// Copies the text up to its first zero unit. inText must not be null.
+    /// Copies inText up to its first zero unit. inText must not be null.
     explicit CString(const unsigned short* inText) : mText(inText) {}
 
-    /// Returns the text. Never null. Valid until the object is changed or destroyed.
+    /// Returns the string. Never null. Valid until the object is changed or destroyed.
     const unsigned short* GetString() const noexcept { return mText.c_str(); }
     operator const unsigned short*() const noexcept { return mText.c_str(); }
 

@@ -22,7 +22,7 @@ using GetClassCategoriesFunction = void (*)(std::vector<Guid>&);
 struct ClassMapEntry
 {
     Guid mClassID;               ///< the key of the entry
-    const char* mFirstName;      ///< the two texts of the registration; stored as pointers, never read
+    const char* mFirstName;      ///< the two names passed at registration; the pointers are stored, never dereferenced
     const char* mSecondName;     ///< see mFirstName
     CreateClassFunction mCreate; ///< creates one instance
 };
@@ -30,7 +30,7 @@ struct ClassMapEntry
 /// The process's registry of classes and categories.
 ///
 /// Nothing is ever unregistered, so a module that has registered a class must stay loaded.
-/// Owner:    the process. The caller owns the texts of a registration.
+/// Owner:    the process. The caller owns the names that it passes.
 /// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
 ///           created from any thread.
 /// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
@@ -41,7 +41,7 @@ class ORL_API ClassFactory
 {
 public:
     /// Registers a class and appends it to its categories. A class that is already registered keeps its first entry,
-    /// but is appended to the categories again. The texts must live as long as the process. Always returns kSuccess.
+    /// but is appended to the categories again. Both names must live as long as the process. Always returns kSuccess.
     /// For a class without categories, pass ORLGetClassCategories.
     static Result RegisterORLClass(const Guid& inClassID, const char* inFirstName, const char* inSecondName,
                                    CreateClassFunction inCreate, GetClassCategoriesFunction inGetCategories);
@@ -59,7 +59,7 @@ public:
     /// Returns the token of a class, or null if it is unknown.
     static ClassMapEntry* GetClassTokenFromClassID(const Guid& inClassID);
 
-    /// Returns the class of a token. inToken must be valid.
+    /// Returns the class identifier of a token. inToken must be valid.
     static Guid GetClassIDFromClassToken(ClassMapEntry* const& inToken);
 
     /// Stores a flag, initially true, that nothing in the library reads.

@@ -1,10 +1,10 @@
 // Floor: Media
 // Conversions of one colour between RGB, HSL, HSV, YUV, YPbPr and YIQ, and its level in IRE and millivolts.
 //
-// Colours have two number forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for Pb
-// and Pr. Integer values are for user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in percent,
-// 0 to 100; R, G, B and Y as bytes; U and V as signed bytes around 0. Values outside these ranges are computed with the
-// same formulas; each function documents what it stores.
+// Colours have two numeric forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for
+// Pb and Pr. Integer values are for user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in
+// percent, 0 to 100; R, G, B and Y as bytes; U and V as signed bytes around 0. Values outside these ranges are computed
+// with the same formulas; each function documents what it stores.
 //
 // Every operation is an IEEE single or double operation, in the order of the formula and never fused, so results are
 // bit-identical on every platform and at every optimisation level. Conversions to integers truncate toward zero.
@@ -27,7 +27,7 @@ template <class T>
 class ParamColor;
 
 /// A colour in 32 bits: red in the low byte, then green, then blue. The top byte is not part of the colour. Every
-/// function that stores a colour sets it to 0, except MakeRGBNTSCSafe, which copies it. A value: thread-safe like an
+/// function that stores a colour sets it to 0, except MakeRGBNTSCSafe, which copies it. As thread-safe as an
 /// integer.
 template <>
 class ParamColor<unsigned long>
@@ -69,7 +69,7 @@ private:
 ORL_API void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY, char& outU, char& outV);
 
 /// Computes in double, with y = (Y - 16) 1.164: R = 1.596 V + y, G = y - 0.392 U - 0.813 V, B = 2.017 U + y, truncated
-/// and clamped to 0..255. Returns whether at least one channel needed no clamp; false only if all three did.
+/// and clamped to 0..255. Returns false if all three channels were clamped, else true.
 ORL_API bool ColorYUVtoRGB(unsigned char inY, char inU, char inV, ParamColor<unsigned long>& outColor);
 
 /// The formulas of ColorYUVtoRGB in float, for Y from 0 to 255 and U and V around 0. Each channel is rounded, ties away
@@ -87,12 +87,12 @@ ORL_API void ColorYPbPrToRGB(float inY, float inPb, float inPr, float& outR, flo
 /// Y is copied; I = -0.544639 Pb + 0.838671 Pr, Q = 0.544639 Pr + 0.838671 Pb.
 ORL_API void ColorYPbPrToYIQ(float inY, float inPb, float inPr, float& outY, float& outI, float& outQ);
 
-/// Stores the angle of the chroma vector, counted from red, as a fraction of the full circle: 0 to 1. Without chroma
+/// Stores the angle of the chroma vector, measured from red, as a fraction of the full circle: 0 to 1. Without chroma
 /// the angle is 0. The library computes the arctangent itself, rounded to the nearest float, so it does not depend on
 /// the C runtime.
 ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 
-/// Same as ColorYPbPrToRGB, then NormalizedRGBtoHSL, which may leave hue and saturation untouched.
+/// Same as ColorYPbPrToRGB followed by NormalizedRGBtoHSL, which may leave hue and saturation untouched.
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
 // Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of the two colour differences,
@@ -108,10 +108,10 @@ ORL_API void ColorYPbPrToMV(float inY, float inPb, float inPr, float& outLuma, f
 
 // RGB, HSV and HSL
 //
-// A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). An output that the colour does not
-// have is not stored and keeps the caller's value, so initialise it. The two flags report which are stored; each may be
-// null. The hue is computed in sixths of the circle: 6 is added if it is negative, then it is divided by 6, both in
-// double.
+// A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). Such an output is not stored and
+// keeps the caller's value, so initialise it. The two flags report whether hue and saturation were stored; either
+// pointer may be null. The hue is computed in sixths of the circle: 6 is added if it is negative, then it is divided by
+// 6, both in double.
 
 /// V is the largest channel, S = (largest - smallest) / V.
 ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
@@ -147,13 +147,13 @@ ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL,
 ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH, unsigned int& outS,
                            unsigned int& outL);
 
-/// Same as ColorHSLtoRGB or ColorHSVtoRGB, then ColorRGBtoYUV.
+/// Same as ColorHSLtoRGB or ColorHSVtoRGB, followed by ColorRGBtoYUV.
 ORL_API void ColorHSLtoYUV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned char& outY, char& outU,
                            char& outV);
 ORL_API void ColorHSVtoYUV(unsigned int inH, unsigned int inS, unsigned int inV, unsigned char& outY, char& outU,
                            char& outV);
 
-/// Same as ColorYUVtoRGB, then ColorRGBtoHSL or ColorRGBtoHSV, which may leave hue and saturation untouched.
+/// Same as ColorYUVtoRGB followed by ColorRGBtoHSL or ColorRGBtoHSV, which may leave hue and saturation untouched.
 ORL_API void ColorYUVtoHSL(unsigned char inY, char inU, char inV, unsigned int& outH, unsigned int& outS,
                            unsigned int& outL);
 ORL_API void ColorYUVtoHSV(unsigned char inY, char inU, char inV, unsigned int& outH, unsigned int& outS,

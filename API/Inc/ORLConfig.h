@@ -1,5 +1,5 @@
 // Floor: Core
-// How symbols of ORLFoundation are exported to hosts, and the properties of the platform that headers depend on.
+// The export of symbols of ORLFoundation, and properties of the platform on which headers depend.
 #pragma once
 
 #if defined(_WIN32)

@@ -19,7 +19,7 @@ namespace ORL {
 
 namespace Internal {
 
-/// The shared copy of one text. Immutable, except for the count of its handles.
+/// The shared copy of one string. Immutable, except for its reference count.
 template <class String>
 struct ConstStringShared
 {
@@ -28,8 +28,8 @@ struct ConstStringShared
     AtomicValue mReferenceCount;
 };
 
-/// The common part of both kinds of handle: the shared copy (null if there is none), the text, and the hash of the
-/// text.
+/// The common base of both handle classes: the shared copy (null if there is none), a pointer to the string, and its
+/// hash.
 template <class String>
 class ConstStringHandle
 {
@@ -124,7 +124,7 @@ private:
         }
     }
 
-    // Returns below, equal to or above 0, by the unsigned values of the first units that differ.
+    // Returns a number below, equal to or above 0, by the unsigned values of the first units that differ.
     int CompareText(const ConstStringHandle& inOther) const noexcept
     {
         using Unsigned = std::make_unsigned_t<Unit>;
@@ -148,16 +148,16 @@ private:
 
 /// A handle to constant 16-bit text.
 ///
-/// Copying costs one atomic increment, and comparing two different texts usually one comparison of their hashes. Texts
-/// are not interned: two handles made from the same text are equal but share nothing. The order is strict and total,
-/// and works for map keys; it compares hashes first and so is not alphabetical.
-/// Owner:    handles own the shared copy together. The caller owns adopted text.
-/// Threads:  one thread at a time per handle. Handles on several threads may share one text. Takes no lock.
+/// Copying costs one atomic increment, and comparing two different strings usually costs one comparison of their
+/// hashes. Strings are not interned: two handles made from the same string are equal but share nothing. The order is
+/// strict and total, so handles work as map keys. Hashes are compared first, so it is not alphabetical.
+/// Owner:    the handles share ownership of the copy. The caller owns adopted text.
+/// Threads:  one thread at a time per handle. Handles on several threads may share one string. Takes no lock.
 /// Failure:  the constructors that copy text throw std::bad_alloc. Copying a handle never allocates.
 class ConstString : public Internal::ConstStringHandle<UTF16String>
 {
 public:
-    /// The empty text. Allocates nothing.
+    /// Constructs an empty string. Allocates nothing.
     ConstString() noexcept = default;
 
     /// Copies the text up to its first zero unit. Narrow text is UTF-8. The pointer must not be null.
@@ -241,7 +241,7 @@ ORL_API std::string MakeStdString(const ConstString& inText);
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const ConstString& inText);
 
-/// Writes an 8-bit text in the same way; the stream's locale widens each byte separately. Unlike a const char* or
+/// Writes 8-bit text in the same way; the stream's locale widens each byte separately. Unlike a const char* or
 /// std::string on the same stream, the bytes are not decoded as UTF-8.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const StdConstString& inText);

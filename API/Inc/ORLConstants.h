@@ -1,9 +1,9 @@
 // Floor: Core
 // Constants that hosts share: limits, media times and rates, names of resource types, property keys.
 //
-// All are constant and are initialised while the library is loaded. The numbers, times and rates are
-// compile-time constants. The texts are constructed before all other objects of the library and destroyed after them,
-// so any other static may read them.
+// Numbers, times and rates are compile-time constants. The strings are initialised while the library is loaded: they
+// are constructed before all its other objects and destroyed after them, so any other static of the library may read
+// them.
 #pragma once
 
 #include <ORLConfig.h>

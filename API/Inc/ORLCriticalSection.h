@@ -11,7 +11,7 @@
 namespace ORL {
 
 /// A recursive mutex: its owner may lock it again, and must call Unlock once for each Lock. No ordering or fairness
-/// between waiters is promised. Writes made by one owner are visible to the next. Waiters sleep.
+/// between waiters is guaranteed. Writes made by one owner are visible to the next. Waiters sleep.
 ///
 /// The operations are const, so that code with const access can lock.
 /// Owner:    the creator. Destroying a locked section is undefined behaviour.
@@ -46,7 +46,7 @@ public:
         mSection->Lock();
     }
 
-    /// Locks the section. The text documents the call and is not used.
+    /// Locks the section. The string documents the call site and is not used.
     CriticalSectionLock(const CriticalSection& inSection, const char*) TVXCORE_ACQUIRES(inSection)
         : CriticalSectionLock(inSection)
     {

@@ -6,9 +6,9 @@
 //   ORL_OUTPUT_CONTRACT(expression)  the library violated a promise: reports, then raises error 26 of package 105
 //
 // Source, line and function identify a site. Crash triage and users' ignore lists use them as keys. The forms ending in
-// _AT take the source and the line (those of assertions also the function) as arguments, so that a site that triage
-// already refers to keeps its identity when code moves. The _IN forms take only the function; the _MESSAGE forms add a
-// text to the report.
+// _AT take the source file and the line (those of assertions also the function) as arguments, so that a site that
+// triage already refers to keeps its identity when code moves. The _IN forms take only the function; the _MESSAGE forms
+// add a message to the report.
 #pragma once
 
 #include <ORLConfig.h>

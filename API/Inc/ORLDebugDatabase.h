@@ -1,11 +1,11 @@
 // Floor: Diagnostics
-// Named text settings for debugging, kept in the registry.
+// Named string settings for debugging, stored in the registry.
 //
 //   const bool drawsOutlines = ORL::DebugDatabase::Instance().GetEntry("DrawOutlines", "false") == "true";
 //
 // The settings are string values of the key "DebugCache" below GetRegistryBaseKey() in the user's root
-// (ORLHostSettings.h). Reading a setting with a default writes that default there, so that every setting ever read can
-// be found and edited. Each setting is read from the registry once, then from memory.
+// (ORLHostSettings.h). Reading a setting that does not exist writes its default there, so that every setting ever read
+// can be found and edited. Each setting is read from the registry once, then from memory.
 #pragma once
 
 #include <ORLConfig.h>
@@ -16,7 +16,7 @@
 
 namespace ORL {
 
-void ReleaseDebugDatabase(); ///< for the library's stop; hosts do not call it
+void ReleaseDebugDatabase(); ///< called when the library stops; hosts do not call it
 
 /// A cache of named settings over the registry. Names and values are UTF-8; in the registry a name ends at its first
 /// zero byte.

@@ -1,5 +1,5 @@
 // Floor: Files
-// A directory: its contents, whether files can be created in it, and copying, moving and deleting of whole trees.
+// A directory: listing it, testing whether it is writable, and copying, moving and deleting whole trees.
 #pragma once
 
 #include <ORLConfig.h>
@@ -17,12 +17,12 @@ namespace ORL {
 /// Threads:  not thread-safe: one thread at a time per object. Takes no lock.
 /// Failure:  queries of an object throw eDirectoryNoLongerValid if its directory is gone. Operations on the disk return
 ///           a Result.
-/// Listings: paths are the object's path, in its own form, followed by the names below it, in the order of the file
-/// system. With inRecursive a directory follows its contents. inLimit is tested before each entry, so a list may exceed
-/// it by the depth of the tree; kNoLimit disables it. Entries created or removed during a listing may or may not be
+/// Listings: each path begins with the object's path as it was passed. The order is that of the file system. With
+/// inRecursive a directory is listed after its contents. inLimit is tested before each entry, so a list may exceed it
+/// by the depth of the tree; kNoLimit disables it. Entries created or removed during a listing may or may not be
 /// included, but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable
-/// directory is listed and treated as empty. Links to directories are walked like directories, unless they lead back to
-/// one that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
+/// directory is listed and treated as empty. Links to directories are followed, unless they point back to a directory
+/// that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
 /// handles, std::bad_alloc if out of memory. Only memory limits the depth.
 /// Trees:    Copy, Move and DeleteNotEmpty work on the contents of the source, hidden entries included, and overwrite
 ///           without asking. They accept only plain paths: for one in the extended form (\\?\) they report an assertion
@@ -72,12 +72,12 @@ public:
     /// Creates the directory and its missing parents. Succeeds if it exists. The bool is ignored.
     static Result CreateOnDisk(const UTF16String& inPath, bool);
 
-    /// Removes an empty directory. Returns kSharingViolation while the directory is open in another handle that does
-    /// not share deletion.
+    /// Removes an empty directory. Returns kSharingViolation while the directory is open through another handle that
+    /// does not share delete access.
     static Result Delete(const UTF16String& inPath);
 
-    // Whole trees. Each of the three stops with kGeneralFailure at the first entry that fails, such as a file that is
-    // open in another handle that does not share the operation. Work done before is not undone.
+    // Whole trees. Each of these three functions stops with kGeneralFailure at the first entry that fails, such as a
+    // file that is open through another handle that does not share the access. Work already done is not undone.
 
     /// Removes a directory with all its contents.
     static Result DeleteNotEmpty(const UTF16String& inPath);

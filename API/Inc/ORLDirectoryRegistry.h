@@ -7,8 +7,8 @@
 //
 // A registered path is a pattern. "$(symbol)" in it refers to another directory and is expanded on lookup, so the order
 // of registrations does not matter. Leading blanks, tabs, line feeds, carriage returns and form feeds in a pattern are
-// skipped. Text between "$" and "(" is removed if the symbol is registered. A reference that is not closed, or whose
-// symbol is empty or not registered, is left unexpanded.
+// skipped. Text between "$" and "(" is removed if the symbol is registered. An unclosed reference, or one whose symbol
+// is empty or not registered, is left unexpanded.
 //
 // A pattern must not refer to itself, directly or indirectly. A reference that would close such a cycle, or that is
 // more than 64 references deep, is reported by an assertion and left unexpanded.
@@ -39,11 +39,11 @@ ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 ORL_API UTF16String FindDirectory(const UTF16String& inSymbolicName);
 
 /// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero
-/// byte. Each line is symbol "=" path and ends in a line feed. More "=" directly after the first are skipped; a later
-/// "=" and the text after it are ignored. Blanks and tabs around symbol and path are removed; a carriage return is not.
-/// If the collection has no such resource, reports an assertion and registers nothing. A line without a symbol or a
-/// path, such as an empty line, fires an input contract. Throws std::bad_alloc. In both cases the earlier lines stay
-/// registered.
+/// byte. Each line has the form symbol "=" path and ends in a line feed. More "=" directly after the first are skipped;
+/// a later "=" and the text after it are ignored. Blanks and tabs around symbol and path are removed; a carriage return
+/// is not. If the collection has no such resource, reports an assertion and registers nothing. A line without a symbol
+/// or a path, such as an empty line, fires an input contract. Throws std::bad_alloc. In both cases the earlier lines
+/// stay registered.
 ORL_API void RegisterDirectories(const ResourceCollection& inResources, const short& inResourceID);
 
 } // namespace DirectoryRegistry

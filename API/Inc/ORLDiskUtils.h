@@ -1,5 +1,5 @@
 // Floor: Files
-// The volume of a path: free space, sector size, largest file size; and a short text for a size in bytes.
+// The volume of a path: free space, sector size, largest file size; and the formatting of sizes.
 //
 // Sizes are in bytes. Thread-safe; takes no lock. On Linux the functions query the file system that holds the path,
 // even if it is mounted below the root of the path's drive.

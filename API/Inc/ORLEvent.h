@@ -1,5 +1,5 @@
 // Floor: Threads
-// Events: a thread signals, and a waiting thread is released.
+// Events: a signal from one thread releases a waiting thread.
 #pragma once
 
 #include <ORLConfig.h>
@@ -41,8 +41,8 @@ extern template class Event<false, false>;
 /// An auto-reset event, initially not signalled.
 ///
 /// Signals do not accumulate: two calls to Signal without a waiter leave one signal.
-/// Owner:    the creator. A waiter that a signal has released may destroy the event, even if that call to Signal has
-///           not returned yet. No other thread may be waiting.
+/// Owner:    the creator. A waiter that a signal has released may destroy the event, even before that call to Signal
+///           has returned, if no other thread is waiting.
 /// Threads:  thread-safe.
 /// Time:     milliseconds; -1 waits forever, 0 polls.
 /// Failure:  the constructor and Signal throw EventFailure. WaitForSignal never throws.

@@ -12,7 +12,7 @@ namespace ORL {
 /// The base class of the library's exceptions.
 ///
 /// Owner:    thrown by value.
-/// Threads:  thread-safe: the objects are values, and what() returns a static text in all classes of this header.
+/// Threads:  thread-safe: the objects are values, and what() returns a static string in all classes of this header.
 /// Failure:  never throws.
 class ORL_API Exception : public std::exception
 {

@@ -6,7 +6,7 @@
 //   {
 //       _EXCEPTION_RECORD record;
 //       if (ORL::Linux::MakeExceptionRecord(*inInfo, inContext, record)) {
-//           write(sReportPipe, &record, sizeof(record)); // a process or thread at the other end makes the report
+//           write(sReportPipe, &record, sizeof(record)); // a process or thread at the other end writes the report
 //       }
 //       _exit(1);
 //   }
@@ -46,9 +46,9 @@ namespace Linux {
 /// | SIGILL            | 0xC0000096 for a privileged instruction, else 0xC000001D illegal instruction             |
 /// | SIGTRAP           | 0x80000003 for a breakpoint, 0x80000004 for a single step or a hardware breakpoint       |
 ///
-/// A signal sent by another process, or by raise(), has the same code with no address and no parameter. Returns false
-/// for every other signal and leaves outRecord unchanged. Async-signal-safe: allocates nothing, takes no lock and makes
-/// no system call. Thread-safe. Never throws.
+/// A signal sent by a process, for example with kill() or raise(), yields the same code with no address and no
+/// parameters. Returns false for every other signal and leaves outRecord unchanged. Async-signal-safe: allocates
+/// nothing, takes no lock and makes no system call. Thread-safe. Never throws.
 ORL_API bool MakeExceptionRecord(const siginfo_t& inInfo, const void* inContext, _EXCEPTION_RECORD& outRecord) noexcept;
 
 } // namespace Linux

@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Readable texts for system errors and exceptions, and the alert for an unhandled exception.
+// Readable messages for system errors and exceptions, and the alert for an unhandled exception.
 #pragma once
 
 #include <ORLConfig.h>
@@ -18,7 +18,7 @@ namespace ORL {
 ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 
 /// Returns the name and an explanation of a Windows exception code, such as "EXCEPTION_BREAKPOINT (A breakpoint was
-/// encountered.)". Returns "!!! Unknown Exception type !!!" for a code without a text. Thread-safe. Throws
+/// encountered.)". Returns "!!! Unknown Exception type !!!" for an unknown code. Thread-safe. Throws
 /// std::bad_alloc.
 ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 
@@ -29,7 +29,7 @@ ORL_API UTF16String Win32ExceptionCodeToString(unsigned long inCode);
 ORL_API UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_RECORD* inRecord);
 
 /// Shows an unhandled exception to the user, with the calling thread's name, identifier and module, through
-/// tvxcore::debug::DisplayAssert. inWhat is the exception's text, UTF-8, and may be empty. Returns true if the user
+/// tvxcore::debug::DisplayAssert. inWhat is the exception's message in UTF-8 and may be empty. Returns true if the user
 /// chose to debug. Despite its name it rethrows nothing: the caller acts on the result. Sets ioIgnore if the user chose
 /// to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it before
 /// the call. Thread-safe. Throws std::bad_alloc. Exceptions from the host's dialog propagate.

@@ -51,8 +51,8 @@ struct FileAttributesFlags ///< Hints and modes of an open file.
     enum Type : int {
         kFileAttribute_Normal = 1,
         kFileAttribute_SequentialScan = 2,
-        /// Bypasses the system's cache. Position, size and address of each read and write must be multiples of the
-        /// volume's sector size (DiskUtils::GetEfficientDiskBufferSizeFromPath); otherwise the call fails.
+        /// Bypasses the system's cache. Position, size and buffer address of each read and write must be multiples of
+        /// the volume's sector size (DiskUtils::GetEfficientDiskBufferSizeFromPath); otherwise the call fails.
         kFileAttribute_NoBuffering = 4,
         /// Allows opening a directory.
         kFileAttribute_BackupSemantics = 8
@@ -78,9 +78,9 @@ ORL_COMBINE_FLAGS(FileAttributesFlags)
 
 /// A host's cache for the blocks of one file. A host derives from UnknownImpl<IFileBuffer>.
 ///
-/// Owner:    counted references. The host decides how many blocks to keep and when to release them.
+/// Owner:    reference-counted. The host decides how many blocks to keep and when to release them.
 /// Threads:  called on whichever thread reads the file.
-/// Failure:  an exception propagates to the reader of the file.
+/// Failure:  exceptions propagate to the caller that reads the file.
 class ORL_API IFileBuffer : public ORLUnknown
 {
 public:
@@ -88,12 +88,12 @@ public:
     /// may keep a counted reference. Bytes after the end of the file are undefined.
     virtual void AddBlock(ObjectPtr<MemoryBufferWrapper> inBlock, __int64 inPosition) = 0;
 
-    /// Stores the block at inPosition and returns a success code. Returns a failure if the block is not cached.
+    /// Stores the block at inPosition in outBlock. Returns success, or a failure if the block is not cached.
     virtual Result GetBlock(__int64 inPosition, ObjectPtr<MemoryBufferWrapper>& outBlock) = 0;
 };
 
-/// Creates the block cache for each file that is read through one. Called on the thread that opens the file, which also
-/// receives its exceptions. A host derives from UnknownImpl<IFileBufferFactory>.
+/// Creates a block cache for each file that is read through one. Called on the thread that opens the file; exceptions
+/// propagate to the caller there. A host derives from UnknownImpl<IFileBufferFactory>.
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
 public:
@@ -150,9 +150,9 @@ public:
     /// Does nothing if no file is open.
     void Close();
 
-    /// Reads at the position and advances it. Reads fewer bytes than requested at the end of the file, and returns
-    /// kSuccess with 0 bytes after it. After a failure outBytesRead is what the system reported, and the position of a
-    /// file with a block cache is unspecified.
+    /// Reads at the position and advances it. A read that reaches the end of the file is short; a read at or past the
+    /// end returns kSuccess with 0 bytes. After a failure outBytesRead is what the system reported, and the position of
+    /// a file with a block cache is unspecified.
     Result Read(void* outBuffer, unsigned int inCount, unsigned int& outBytesRead);
 
     /// Writes at the position and advances it. outBytesWritten is what the system reported, even after a failure.
@@ -175,8 +175,8 @@ public:
     /// Stores the time of the last write, in units of 100 ns since 1 January 1601 UTC.
     Result GetLastModificationTime(unsigned __int64& outTime) const;
 
-    /// Returns the system's handle, or -1 if no file is open. On Linux the handle points to the file's descriptor, an
-    /// int that the file owns.
+    /// Returns the system's handle, or -1 if no file is open. On Linux the handle is a pointer to the file descriptor,
+    /// an int that the File object owns.
     void* GetPlatformFileHandle();
 
     /// Opens an existing file. Other handles may read, write and delete it while it is open. Returns -1 if the file
@@ -185,8 +185,8 @@ public:
 
     static Result Delete(const UTF16String& inPath); ///< deletes a file; fails if there is none
 
-    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Does not
-    /// extend plain paths. On Linux also copies the permissions, and lets the kernel copy the data if possible.
+    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Plain
+    /// paths are not extended. On Linux also copies the permissions, and lets the kernel copy the data if possible.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
@@ -197,7 +197,7 @@ public:
                                    bool (*inCallback)(float, void*), void* inData);
 
     /// Renames a file or directory. Files may also be moved to another volume. Returns kAlreadyExists if the
-    /// destination exists. Does not extend plain paths.
+    /// destination exists. Plain paths are not extended.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Replaces the real file, which must exist, with a finished temporary file, and removes the temporary name. On
@@ -208,10 +208,10 @@ public:
 
     /// Returns an unused name in the folder of the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
     /// First cuts the name so that name and extension have at most 250 characters. Creates nothing, so another caller
-    /// may take the name.
+    /// may create the file first.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. Does not extend a plain path.
+    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. A plain path is not extended.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
     /// Stores the time of a file's last write, like the member function.

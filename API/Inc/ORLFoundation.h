@@ -1,5 +1,5 @@
 // Floor: Foundation
-// The whole library, and its start and stop.
+// Includes the whole library, and declares its start and stop.
 //
 //   ORL::Foundation::Initialize();
 //   ...
@@ -77,9 +77,9 @@ namespace Foundation {
 /// life of the process becomes the main thread. Each start requires one Terminate. Thread-safe, even while other
 /// threads start or stop the library.
 ///
-/// Throws what a failing service throws: std::bad_alloc, boost::thread_resource_error, TVXException. The library is
-/// then not started, and no Terminate is required. The services that had started stay started, and the next start
-/// starts them again. Of these only ThreadManager::RegisterMainThread rejects a second start: it fires an input
+/// If a service fails to start, throws its exception: std::bad_alloc, boost::thread_resource_error or TVXException. The
+/// library is then not started, and no Terminate is required. Services that had started keep running, and the next
+/// start starts them again. Of these only ThreadManager::RegisterMainThread rejects a second start: it fires an input
 /// contract, which throws TVXException if a TVXErrorManager is installed. A host that has installed one undoes the
 /// registration before it retries:
 ///
@@ -94,8 +94,8 @@ namespace Foundation {
 /// locks.
 ORL_API void Initialize();
 
-/// Undoes one start; the last call stops the services, after which the library may be started again. A call without a
-/// start is accepted: it cancels the next start, which then starts nothing.
+/// Undoes one Initialize; the last call stops the services, after which the library may be started again. A call
+/// without a matching Initialize cancels the next one, which then starts nothing.
 ///
 /// Make the last call on the main thread.
 ORL_API void Terminate();

@@ -50,8 +50,8 @@ namespace Geometry {
 ORL_API bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2);
 
 /// Evaluates the spline at x and stores the value in y. xa and ya are the n points; y2a was stored by
-/// SolveNaturalCubicSpline2D. An x outside the points extrapolates the first or the last interval. Allocates nothing;
-/// finds the interval by bisection.
+/// SolveNaturalCubicSpline2D. For an x outside the points, extrapolates the first or the last interval. Allocates
+/// nothing; finds the interval by bisection.
 ///
 /// Returns false, with y untouched, if a pointer is null or n is 0 (reported by an assertion), or if the interval found
 /// has no width, as with a single point.

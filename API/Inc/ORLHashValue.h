@@ -1,7 +1,7 @@
 // Floor: Media
-// A 96-bit running hash of bytes, and its text.
+// A 96-bit running hash of bytes, and its text form.
 //
-// The hash serves tables and comparisons, not security: anyone who controls the bytes can force any hash.
+// The hash is for tables and comparisons, not for security: anyone who controls the bytes can force any hash.
 #pragma once
 
 #include <ORLConfig.h>
@@ -64,10 +64,10 @@ private:
     std::uint32_t mWords[kWordCount];
 };
 
-/// Hashes blocks of bytes into a HashValue. The result depends on the order of the blocks and on the block boundaries:
-/// every word depends on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), seeded with word 0; one
-/// more mix step then spreads the result over the three words. Words are read in little-endian order at any alignment,
-/// so equal bytes have equal hashes on every platform.
+/// Hashes blocks of bytes into a HashValue. The result depends on the order and the boundaries of the blocks, and every
+/// word of it on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), seeded with word 0; one more mix
+/// step then spreads the result over the three words. Words are read in little-endian order at any alignment, so equal
+/// bytes have equal hashes on every platform.
 ///
 /// Thread-safe for different hashes. Never throws, allocates nothing.
 class MixHash
@@ -84,7 +84,7 @@ private:
 };
 
 /// Writes the three words in lower-case hexadecimal, separated by ":", for example "1a:2b:3c". operator>> reads this
-/// format. Ignores and keeps the flags, width and locale of the stream.
+/// format. Ignores the flags, width and locale of the stream, and leaves them unchanged.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const HashValue& inHash);
 

@@ -2,12 +2,12 @@
 // Conversion between library paths and host paths.
 //
 // A library path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. A
-// host path is the form that the system's own programs use: on Windows the same path in UTF-8, on Linux bytes separated
-// by slashes.
+// host path is the form that the system's own programs use: on Windows the same path in UTF-8, on Linux raw bytes
+// separated by slashes.
 //
-// On Linux a drive table maps each drive to a host folder. Initially C: is "/", so every file has a library path.
-// Names round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted
-// to private code units (U+F000 plus the byte) and back. The volume decides how names are matched; most match exactly.
+// On Linux a drive table maps each drive to a host folder. Initially C: is "/", so every file has a library path. Names
+// round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted to
+// private code units (U+F000 plus the byte) and back. The volume determines how names match; most match exactly.
 #pragma once
 
 #include <ORLConfig.h>
@@ -20,15 +20,15 @@
 namespace ORL {
 namespace PathUtils {
 
-/// Returns the library path of a host path, in plain form. A relative path starts at the current folder. Returns an
-/// empty path if inHostPath is empty or no drive contains it; on Windows also if inHostPath is not UTF-8. The path need
-/// not exist. Thread-safe.
+/// Returns the library path of a host path, in plain form. A relative path is resolved against the current folder.
+/// Returns an empty path if inHostPath is empty or no drive contains it; on Windows also if inHostPath is not UTF-8.
+/// The path need not exist. Thread-safe.
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 
 /// Stores the host path of a library path, plain or extended. On Linux returns kPathNotFound for a drive that is not
 /// mounted, and kGeneralFailure for a share that is not mounted or a name that no path may hold. On Windows returns
-/// kGeneralFailure for a path with an unpaired surrogate, which UTF-8 cannot represent; the other operations accept
-/// such a path. A failure leaves outHostPath untouched. The path need not exist. Thread-safe.
+/// kGeneralFailure for a path with an unpaired surrogate, which UTF-8 cannot represent; the other functions accept such
+/// a path. A failure leaves outHostPath untouched. The path need not exist. Thread-safe.
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
 
 /// An entry of the drive table.
@@ -42,7 +42,7 @@ struct MountPoint
 ORL_API std::vector<MountPoint> GetMountPoints();
 
 /// The Linux drive table. These functions exist only in the Linux library; a host for both platforms calls them from
-/// its Linux sources. Thread-safe: a path that is being resolved at the same time uses the table before or after the
+/// its Linux sources. Thread-safe: a concurrent path conversion uses the table either from before or from after the
 /// change.
 namespace Linux {
 

@@ -1,13 +1,13 @@
 // Floor: System
 // The language of the process, and the location of the host application's settings.
 //
-// A language is a Windows language identifier (ORLLanguage.h names the parts). These identifiers also have names, in
-// the table that the functions below use:
+// Languages are Windows language identifiers (ORLLanguage.h names their parts). The functions below also know some of
+// them by name, from this table:
 //
 //   en_US 1033   de_DE 1031   fr_FR 1036   it_IT 1040   ja_JP 1041   es_ES 1034   nl_NL 1043   sv_SE 1053
 //   cs_CZ 1029   ko_KR 1042   pl_PL 1045   pt_BR 1046   ru_RU 1049   tr_TR 1055   zh_CN 2052   zh_TW 1028
 //
-// Until SetLanguageID or SetLanguageString is called, the first function that needs the language reads the text
+// Until SetLanguageID or SetLanguageString is called, the first function that needs the language reads the string value
 // "Language" below GetRegistryBaseKey() in the user's root, once in the life of the process. Without that value the
 // language is 1033, and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. Later
 // changes of the value have no effect.
@@ -50,8 +50,8 @@ ORL_API unsigned short GetPrimaryLanguageID();
 /// settings.
 ORL_API void SetLanguageID(unsigned short inLanguageID);
 
-/// Sets the language by its name in the table, which must match exactly. Any other text is read as a decimal number, of
-/// which the low 16 bits are used: "1031" is 1031, "0x407" is 0, and a text that does not begin with a number is 0.
+/// Sets the language by its name in the table, which must match exactly. Any other string is parsed as a decimal
+/// number, reduced to 16 bits: "1031" is 1031, "0x407" is 0, and a string that does not begin with a number is 0.
 ORL_API void SetLanguageString(const UTF16String& inLanguage);
 
 /// Returns the name of the language; "en_US" for an identifier that the table lacks.
@@ -62,8 +62,8 @@ ORL_API UTF16String GetLanguageString();
 ORL_API unsigned int GetConversionCodePage();
 
 /// Return the location of the host's settings, below the root of the user or of the machine. NAME and VERSION are what
-/// the host passed to CRV (CRV/Application.h) before the first call of the function. Each text is built once and stays
-/// valid for the life of the process.
+/// the host passed to CRV (CRV/Application.h) before the first call of the function. Each string is built once and
+/// stays valid for the life of the process.
 ///
 ///   GetRegistryBaseKey             Software\Zerin\NAME\VERSION\ (with the backslash)
 ///   GetRegistrySettingsKey         Software\Zerin\NAME\VERSION\Settings\ (the same)

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Interned text: the process holds one copy of each distinct UTF-8 text, and a handle is one word.
+// Interned UTF-8 strings: the process has one copy of each distinct string, and a handle is one word.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -12,61 +12,61 @@
 
 namespace ORL {
 
-/// A counted handle to an interned UTF-8 text, or a null handle. All handles of one text share one record, so their
-/// c_str() are the same pointer.
+/// A reference-counted handle to an interned UTF-8 string, or a null handle. All handles to one string share one
+/// record, so their c_str() are the same pointer.
 ///
-/// A text is entered as static (the table keeps the caller's pointer, which must live as long as the process) or as
-/// dynamic (the table owns a copy). A text that is already in the table keeps its kind.
+/// A string is interned as static (the table keeps the caller's pointer, which must live as long as the process) or as
+/// dynamic (the table owns a copy). A string that is already in the table keeps its kind.
 /// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings, which
 ///           removes dynamic ones, or until the process exits.
-/// Threads:  one thread at a time per handle. Handles on several threads may refer to one text. Interning a new text
-///           and purging take one lock; copying and releasing change one counter.
+/// Threads:  one thread at a time per handle. Handles on several threads may refer to one string. Interning a new
+///           string and purging take one lock; copying and releasing change one counter.
 /// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
-/// Exit:     at process exit unreferenced texts are destroyed, including static ones. Referenced texts stay valid and
-///           every operation works until the process ends, for threads still running and for handles in static storage;
-///           the system reclaims their memory. A module that unloads the library before process exit must release its
-///           handles first: other handles dangle, and the memory of their texts leaks.
+/// Exit:     at process exit unreferenced strings are destroyed, including static ones. Referenced strings stay valid
+///           and every operation works until the process ends, for threads still running and for handles in static
+///           storage; the system reclaims their memory. A module that unloads the library before process exit must
+///           release its handles first: other handles dangle, and the memory of their strings leaks.
 class ORL_API ImmutableString
 {
 public:
-    /// The record of one text. The table owns the record.
+    /// The record of one string. The table owns it.
     class InternalRepresentation;
 
-    /// Constructs the null handle, which has no text, not even the empty one.
+    /// Constructs a null handle, which has no string and is not equal to the empty string.
     ImmutableString() noexcept : mRepresentation(nullptr) {}
 
-    /// Constructs a handle to a record and counts it, or a null handle.
+    /// Constructs a handle and adds a reference to the record. Null constructs a null handle.
     ImmutableString(InternalRepresentation* inRepresentation);
     ImmutableString(const ImmutableString& inOther);
     ~ImmutableString();
     ImmutableString& operator=(const ImmutableString& inOther);
 
-    /// Returns the zero-terminated text, or an empty one for a null handle.
+    /// Returns the zero-terminated string, which is empty for a null handle.
     const unsigned char* c_str() const;
 
-    /// Returns the number of bytes before the terminator. O(n) for static texts, whose length is not stored.
+    /// Returns the number of bytes before the terminator. O(n) for static strings, whose length is not stored.
     unsigned __int64 size() const;
 
-    UTF16String ToString() const; ///< returns the text as 16-bit text
+    UTF16String ToString() const; ///< returns the string converted to UTF-16
 
-    /// Returns -1, 0 or 1, by the bytes as unsigned values up to the first zero. A null handle is below every text, the
-    /// empty one included, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
+    /// Returns -1, 0 or 1, comparing unsigned bytes up to the first zero. A null handle is below every string, even the
+    /// empty one, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
     int Compare(const ImmutableString& inOther) const;
     int Compare(const char* inOther) const;
     int Compare(const unsigned char* inOther) const;
     int Compare(const std::string& inOther) const;
     int Compare(const UTF8String& inOther) const;
 
-    /// Compares with the UTF-8 form of a 16-bit text; null means the empty text. A null handle returns -1 without
+    /// Compares with a 16-bit string converted to UTF-8; null means the empty string. A null handle returns -1 without
     /// converting.
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;
 
-    /// Interns a text whose bytes live as long as the process. Null means the empty text.
+    /// Interns a string whose bytes live as long as the process. Null means the empty string.
     static ImmutableString CreateStatic(const unsigned char* inText);
     static ImmutableString CreateStatic(const char* inText);
 
-    /// Interns a copy of a text up to its first zero. Null means the empty text.
+    /// Interns a copy of a string up to its first zero. Null means the empty string.
     static ImmutableString CreateDynamic(const unsigned char* inText);
     static ImmutableString CreateDynamic(const char* inText);
     static ImmutableString CreateDynamic(const std::string& inText);
@@ -74,7 +74,7 @@ public:
     static ImmutableString CreateDynamic(const UTF16String& inText);
     static ImmutableString CreateDynamic(const unsigned short* inText);
 
-    /// Removes unreferenced dynamic texts. Returns whether it removed any.
+    /// Removes unreferenced dynamic strings. Returns whether it removed any.
     static bool PurgeUnusedStrings();
 
 private:

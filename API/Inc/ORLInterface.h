@@ -145,7 +145,7 @@ struct IdentifierAt
 {
 };
 
-// Returns whether both classes refer to the same constant, because one of them inherits it.
+// Returns whether two classes share one kInterfaceID because one of them inherits it.
 template <class First, class Second>
 constexpr bool ShareIdentifier()
 {
@@ -162,17 +162,17 @@ constexpr bool HasOwnIdentifier()
 
 } // namespace Internal
 
-/// Implements reference count and interface queries for a concrete class. Base is the interface that it extends, or
-/// ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first. Each of
-/// them must declare its own kInterfaceID: a class that inherits the identifier of another listed class, of Base or of
-/// ORLUnknown does not compile. ORLUnknown is supported without being listed. The count directly follows the vtable
-/// pointer and starts at 0.
+/// Implements the reference count and the interface queries for a concrete class. Base is the interface that it
+/// extends, or ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first.
+/// Each of them must declare its own kInterfaceID: a class that inherits the identifier of another listed class, of
+/// Base or of ORLUnknown does not compile. ORLUnknown is supported without being listed. The count directly follows the
+/// vtable pointer and starts at 0.
 ///
 /// Owner:    references own the object; the last Release deletes it.
 /// Threads:  the count is thread-safe.
 /// Failure:  never throws.
-/// All listed interfaces must have the object's address, so a class may only have a single chain of interfaces above
-/// it.
+/// All listed interfaces must have the object's address, so a class may inherit only a single chain of
+/// interfaces.
 template <class Base, class... Answers>
 class UnknownImpl : public Base
 {

@@ -16,7 +16,7 @@ namespace ORL {
 
 class MemoryRecycler;
 
-/// A block of memory, as a plain value: copies refer to the same memory, and the destructor frees nothing.
+/// A plain reference to a block of memory: copies refer to the same memory, and the destructor frees nothing.
 ///
 /// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, or of 16384 from 1048576
 /// bytes), and their memory is allocated in whole pages from the system if possible.
@@ -34,7 +34,7 @@ public:
     bool IsVirtual() const { return mIsVirtual; }
 
 protected:
-    /// Allocates memory for an empty buffer. Leaves the buffer empty if out of memory, without an error.
+    /// Allocates memory for an empty buffer. If out of memory, leaves the buffer empty and reports no error.
     void Allocate(std::size_t inSize);
 
     /// Frees the memory and clears mBuffer and mSize.
@@ -49,7 +49,7 @@ protected:
 
 /// The process's pool of large buffers.
 ///
-/// Owner:    the library's start creates it and its stop releases it; a counted copy keeps it alive.
+/// Owner:    starting the library creates it and stopping releases it; a counted reference keeps it alive.
 /// Threads:  thread-safe, except Instance.
 /// Failure:  AllocateBuffer throws std::bad_alloc.
 class ORL_API MemoryRecycler
@@ -64,13 +64,13 @@ public:
     MemoryRecycler(const MemoryRecycler&) = delete;
     MemoryRecycler& operator=(const MemoryRecycler&) = delete;
 
-    /// Returns a counted copy of the pool, or an empty pointer if the library is not started. Takes no lock: do not
-    /// call it while another thread starts or stops the library.
+    /// Returns a counted reference to the pool, or an empty pointer if the library is not started. Takes no lock: do
+    /// not call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
     /// Returns a buffer of inSize bytes: for a large size the pool's most recent one of exactly the rounded size, else
-    /// a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc with the
-    /// text "bad allocation". The contents are left over from the previous user.
+    /// a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc, whose
+    /// what() is "bad allocation". The memory is not cleared.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
     /// Takes a buffer back. A large one is added to the pool, which then frees its oldest buffers until it meets the
@@ -81,7 +81,7 @@ public:
     /// the number of bytes freed.
     std::size_t Purge(std::size_t inBytes);
 
-    /// Returns the bytes in the pool now, not the limit that SetSize sets.
+    /// Returns the number of bytes in the pool now, not the limit that SetSize sets.
     std::size_t GetSize() const;
 
     /// Sets the limit, and frees the oldest buffers until the pool meets it.
@@ -105,7 +105,7 @@ private:
     Pool mSpareNodes TVXCORE_GUARDED_BY(mLock); // empty list nodes: reusing one saves an allocation
 };
 
-/// A buffer from the pool, for a scope. The library must be started.
+/// A scoped buffer from the pool. The library must be started.
 ///
 /// Owner:    the object owns its memory; the destructor returns it to the pool.
 /// Threads:  one thread at a time per object.

@@ -6,9 +6,9 @@
 //       const UTF16String title = ORL::LoadStringW(*plugIn, 100);
 //   }
 //
-// On Linux a module is a shared object. The CMake function orl_target_resources puts resources into it, and they are
-// read from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res), but only as
-// data: their resources are available, none of their code runs, and GetProcAddress returns null.
+// On Linux a module is a shared object. The CMake function orl_target_resources embeds resources in it, which are read
+// from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res), but only as data:
+// their resources are available, none of their code runs, and GetProcAddress returns null.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -68,7 +68,7 @@ public:
     void* LoadCursorW(short inID) const override;
     HMENU LoadMenuW(short inID) const override;
 
-    HINSTANCE GetNativeModule() const; ///< returns the handle of the system
+    HINSTANCE GetNativeModule() const; ///< returns the system's handle of the module
 
     /// Copies the path of the module's file, truncated to 259 units. The first call queries the system. Throws
     /// std::bad_alloc.
@@ -92,8 +92,8 @@ private:
 /// Returns this library's own module. The pointer is empty before the library is loaded and after it is unloaded.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetLibraryModule();
 
-/// Gets and sets the module that contains the host's texts; empty until it is set. Not thread-safe: the host calls
-/// SetResourceModule at start-up, before other threads use the module.
+/// Get and set the module that contains the host's strings. The pointer is empty until it is set. Not thread-safe: the
+/// host calls SetResourceModule at start-up, before other threads use the module.
 ORL_API const ObjectPtr<Module, AtomicValue>& GetResourceModule();
 ORL_API void SetResourceModule(const ObjectPtr<Module, AtomicValue>& inModule);
 

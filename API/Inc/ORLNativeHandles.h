@@ -1,6 +1,6 @@
 // Floor: Platform
 // Windows handle types, for signatures that use them. On Windows the handles are the system's own types, so this header
-// may be combined with <windows.h> in either order. On Linux the types are opaque handles of this library.
+// may be included before or after <windows.h>. On Linux the types are opaque handles of this library.
 #pragma once
 
 struct HINSTANCE__;

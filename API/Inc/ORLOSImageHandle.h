@@ -1,5 +1,5 @@
 // Floor: System
-// The shared owner of a native bitmap, which the bitmap loaders of a module return.
+// A shared handle to a native bitmap: the result of a module's bitmap loaders.
 //
 //   ORL::OSImageHandle picture(module->LoadBitmapWTL(100, true));
 //   if (picture.IsValid()) {
@@ -18,8 +18,8 @@ namespace ORL {
 /// A shared handle to one native bitmap.
 ///
 /// Owner:    copies share one bitmap; the last copy deletes it.
-/// Threads:  not thread-safe: one thread at a time per object. Copies on different threads are safe, because the share
-///           count is atomic.
+/// Threads:  not thread-safe: one thread at a time per object. Copies on different threads are safe, because the
+///           reference count is atomic.
 /// Failure:  constructors throw std::bad_alloc; the other functions never throw.
 class ORL_API OSImageHandle
 {
@@ -27,7 +27,7 @@ public:
     /// Constructs an empty handle, which holds no bitmap, not even a null one. Throws std::bad_alloc.
     OSImageHandle();
 
-    /// Takes ownership of a bitmap, which may be null. Throws std::bad_alloc; the bitmap is then deleted.
+    /// Takes ownership of a bitmap, which may be null. If it throws std::bad_alloc, the bitmap is deleted.
     explicit OSImageHandle(HBITMAP inBitmap);
 
     /// Shares the bitmap of the other handle. Throws std::bad_alloc.

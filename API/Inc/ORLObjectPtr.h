@@ -18,7 +18,7 @@ namespace ORL {
 /// A smart pointer whose copies share one object and one counter, which is allocated separately in 4 bytes. The counter
 /// is null if and only if the object is.
 ///
-/// Owner:    the copies own the object together; the last one deletes it.
+/// Owner:    the copies share ownership of the object; the last one deletes it.
 /// Threads:  one thread at a time per ObjectPtr. Several threads may own copies of one pointer, and copy and destroy
 ///           them.
 /// Failure:  the constructor throws std::bad_alloc. Dereferencing an empty pointer fires an assertion.
@@ -30,7 +30,7 @@ class ObjectPtr
 public:
     constexpr ObjectPtr() noexcept : mCounter(nullptr), mPtr(nullptr) {}
 
-    /// Takes ownership of the object, which must have no other owner; null makes an empty pointer. If there is no
+    /// Takes ownership of the object, which must have no other owner; null constructs an empty pointer. If there is no
     /// memory for the counter, deletes the object and throws std::bad_alloc. Explicit: an implicit conversion would
     /// create a second counter for an object and delete it twice. (InterfaceRef counts inside the object, so its
     /// constructor is implicit.)

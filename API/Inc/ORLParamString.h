@@ -14,8 +14,8 @@
 
 namespace ORL {
 
-/// The parameters of a template, in order: parameter 1 is the first element. T is UTF16String or std::string. A value.
-/// Throws std::bad_alloc.
+/// The parameters of a message template, in order: parameter 1 is the first element. T is UTF16String or std::string. A
+/// value. Throws std::bad_alloc.
 template <class T>
 class ParamVectorImpl
 {
@@ -40,11 +40,11 @@ private:
 using ParamVector = ParamVectorImpl<UTF16String>;    ///< for 16-bit templates
 using StdParamVector = ParamVectorImpl<std::string>; ///< for 8-bit templates
 
-/// Replaces the placeholders "%1", "%2" ... in inFormat with the parameters, in order, and stores the text.
+/// Replaces the placeholders "%1", "%2" ... in inFormat with the parameters, in order, and stores the result.
 ///
 /// Returns kGeneralFailure, with outResult untouched, if the list is empty or a parameter has no placeholder. Only the
 /// first occurrence of a placeholder is replaced. The search includes text inserted for earlier parameters, and "%1"
-/// also matches the start of "%10". A "%" cannot be escaped. outResult may be the format or a parameter. Thread-safe.
+/// also matches the start of "%10". A "%" cannot be escaped. outResult may alias inFormat or a parameter. Thread-safe.
 /// Throws std::bad_alloc.
 ORL_API Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UTF16String>& inParams,
                            UTF16String& outResult);

@@ -1,14 +1,14 @@
 // Floor: Files
-// Paths as text, and queries of the file system and the shell about paths.
+// Path strings, and queries of the file system and the shell about paths.
 //
-// A path is Windows-style on every platform: a drive of two characters or \\server\share, then names separated by
-// backslashes, and a file name whose extension includes its leading dot. Its forms:
-//   rooted: it begins with two backslashes, or with an ASCII letter and ":" drive root: it is exactly a letter and ":",
-//   or \\?\ and a letter and ":" normalized: it begins with \\?\ and is not a drive root; it may exceed the length
-//   limit of plain paths normalized UNC: it begins with exactly \\?\UNC\ (case-sensitive)
+// A path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. Forms:
+//   rooted: begins with two backslashes, or with an ASCII letter and ":"
+//   drive root: is exactly a letter and ":", or \\?\ and a letter and ":"
+//   normalized: begins with \\?\ and is not a drive root; may exceed the length limit of plain paths
+//   normalized UNC: begins with exactly \\?\UNC\ (case-sensitive)
 //
 // Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
-// text, as documented. ORLHostPath.h converts host paths to library paths and back.
+// string, as documented. ORLHostPath.h converts host paths to library paths and back.
 #pragma once
 
 #include <ORLConfig.h>
@@ -24,24 +24,24 @@ extern ORL_API const UTF16String kExtension;
 /// The nine characters that a file name must not contain, separated by blanks, for display to a user.
 extern ORL_API const UTF16String kIllegalFilenameCharactersDisplay;
 
-// Text only. Functions with a parameter called inFullPath fire an input contract for an empty path.
+// String operations. Functions with a parameter called inFullPath fire an input contract for an empty path.
 
 /// Returns a copy of kPathSeparator.
 ORL_API UTF16String GetPathSeparator();
 
-/// Returns whether the path is not empty. Checks no characters.
+/// Returns whether the path is not empty. Does not check its characters.
 ORL_API bool IsValidPath(const UTF16String& inFullPath);
 
-/// Returns false for an empty name, a name with any of \ / : * ? " < > | and a name of white space only. Ignores
-/// length, reserved device names, trailing dots and blanks.
+/// Returns false for an empty name, a name with any of \ / : * ? " < > | and a name of white space only. Does not check
+/// length, reserved device names, or trailing dots and blanks.
 ORL_API bool IsValidFileName(const UTF16String& inName);
 
 /// Erases every illegal character. Returns whether it erased any.
 ORL_API bool RemoveIllegalFileNameCharacters(UTF16String& ioName);
 
 /// Splits a path. The drive is the first two characters if the second is ":". The directory ends with the last "/" or
-/// backslash. The extension begins with the last dot of the file name. Reads up to the terminator. Each output may be
-/// null or the path itself; a missing part is stored as an empty text.
+/// backslash. The extension begins with the last dot of the file name. Stops at the first zero unit. Each output may be
+/// null or the path itself; a missing part is stored as an empty string.
 ORL_API void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* outDirectory,
                        UTF16String* outFile, UTF16String* outExtension);
 
@@ -79,7 +79,7 @@ ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDi
 ORL_API UTF16String MakeFullPath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                                  const UTF16String& inExtension);
 
-/// Returns the extended form of a rooted path, and any other text unchanged. Keeps slashes and does not resolve dots.
+/// Returns the extended form of a rooted path, and any other string unchanged. Keeps slashes and does not resolve dots.
 ORL_API UTF16String ToNormalizedPath(const UTF16String& inFullPath);
 
 /// Returns whether the path is normalized. \\?\C: is not, \\?\C:\ is.
@@ -87,7 +87,7 @@ ORL_API bool IsNormalizedPath(const UTF16String& inFullPath);
 
 namespace Win {
 
-/// Returns the plain form of a normalized path. For any other text reports an assertion and returns an empty text.
+/// Returns the plain form of a normalized path. For any other string reports an assertion and returns an empty string.
 ORL_API UTF16String StripUNC(const UTF16String& inPath);
 
 } // namespace Win
@@ -96,8 +96,8 @@ ORL_API UTF16String StripUNC(const UTF16String& inPath);
 /// the paths have nothing in common or one is not rooted. Drives are not compared.
 ORL_API bool ArePathsRelative(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Returns inMore relative to inBase, with dots resolved. Returns an empty path if inBase is not rooted or the result
-/// would exceed 259 characters.
+/// Returns inMore resolved against inBase, without "." and ".." components. Returns an empty path if inBase is not
+/// rooted or the result would exceed 259 characters.
 ORL_API UTF16String CombinePaths(const UTF16String& inBase, const UTF16String& inMore);
 
 // The file system. Every query returns false for a path that is not rooted.
@@ -126,12 +126,12 @@ ORL_API UTF16String MakeUniqueFilename(const UTF16String& inPath);
 /// reports an assertion and returns an empty path.
 ORL_API UTF16String GetTempDirectory();
 
-// The shell. On Linux display names equal the names.
+// The shell. On Linux a display name is the name itself.
 
-/// Returns the shell's display name of the last component of a normalized path, and any other text unchanged.
+/// Returns the shell's display name of the last component of a normalized path, and any other string unchanged.
 ORL_API UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath);
 
-/// Returns a normalized path with the shell's display names, and any other text unchanged.
+/// Returns a normalized path with the shell's display names, and any other string unchanged.
 ORL_API UTF16String GetDisplayStringFromPath(const UTF16String& inPath);
 
 } // namespace PathUtils

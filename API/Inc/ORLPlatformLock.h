@@ -16,8 +16,8 @@
 #  include <atomic>
 #  include <cstdint>
 
-// The thread sanitizer follows the lock through its atomic word. Because of the mutex annotations it also detects lock
-// order inversions.
+// The thread sanitizer models the lock through its atomic word. With the mutex annotations it also detects lock order
+// inversions.
 #  if ORL_THREAD_SANITIZER
 #    include <sanitizer/tsan_interface.h>
 #    define ORL_TELL_SANITIZER(call) call
@@ -138,7 +138,7 @@ private:
     std::atomic<std::uintptr_t> mWord{0};
     std::uint32_t mDepth = 0; // recursive locks by the owner; accessed only by the owner
     std::atomic<std::uint32_t> mOwnerChecks{
-        0}; // lock operations that still test first; a hint that any thread may write
+        0}; // remaining lock operations that test first; a hint that any thread may write
 };
 
 } // namespace Internal
@@ -149,7 +149,7 @@ private:
 namespace ORL {
 namespace Internal {
 
-/// The recursive lock of the OS. This header does not need the type of that lock.
+/// Wraps the recursive lock of the OS without exposing the type of that lock.
 class ORL_API PlatformLock
 {
 public:

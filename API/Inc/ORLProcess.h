@@ -15,10 +15,10 @@ namespace ProcessSearchFlags {
 
 /// How the name of a process is compared, unit by unit and case-sensitively. Any other value matches nothing.
 enum Type : int {
-    kExactMatch = 0, ///< equals the text
-    kStartsWith = 1, ///< begins with the text; an empty text matches every name
-    kEndsWith = 2,   ///< ends with the text; an empty text matches no name
-    kContains = 3    ///< contains the text; an empty text matches every name
+    kExactMatch = 0, ///< equals inName
+    kStartsWith = 1, ///< begins with inName; an empty inName matches every name
+    kEndsWith = 2,   ///< ends with inName; an empty inName matches no name
+    kContains = 3    ///< contains inName; an empty inName matches every name
 };
 
 } // namespace ProcessSearchFlags

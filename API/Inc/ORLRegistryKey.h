@@ -46,8 +46,8 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 /// until its last copy is destroyed. If the key is deleted while handles to it are open, every operation on them fails,
 /// even after a key of the same name is created.
 ///
-/// A write is in the store when it returns: it survives a crash of this process, and other processes see it at their
-/// next read. After a power failure the last writes may be missing.
+/// When a write returns, the value is in the store: it survives a crash of this process, and other processes see it at
+/// their next read. After a power failure the last writes may be missing.
 ///
 /// Owner:    copies share one handle. An Open or Create on one copy affects all of them; each keeps its own path.
 /// Threads:  reading and writing values is thread-safe, and so is copying and destroying copies. Not thread-safe: Open
@@ -73,9 +73,9 @@ public:
     void Swap(RegistryKey& ioOther);
 
     /// Opens a key below a root. inAccess 0 requests all access. Fires an assertion for an unknown root, which is
-    /// treated as kUser, and for an access with neither kRead nor kWrite. Sets the path of this key to inPath even on
-    /// failure; the key then keeps its previous handle. Returns kFileNotFound if the key does not exist. Without the
-    /// right to write the machine's settings, a key of kMachine can only be opened with kRead.
+    /// treated as kUser, and for a non-zero access with neither kRead nor kWrite. Sets the path of this key to inPath
+    /// even on failure; the key then keeps its previous handle. Returns kFileNotFound if the key does not exist.
+    /// Without the right to write the machine's settings, a key of kMachine can only be opened with kRead.
     Result Open(RegistryRootKeys::Type inRoot, const UTF16String& inPath, RegistryKeyAccess::Type inAccess);
 
     /// Opens a key below inParent with all access. An empty path opens the key of inParent itself.
@@ -100,7 +100,7 @@ public:
     /// Stores the string with a terminator. GetStringValue stops at the first zero unit of a string.
     Result SetStringValue(const UTF16String& inName, const UTF16String& inValue);
 
-    /// Stores a UTF-8 string, which MakeString converts.
+    /// Converts a UTF-8 string with MakeString and stores it.
     Result SetStringValue(const UTF16String& inName, const std::string& inValue);
 
     static constexpr std::size_t kMaxBinarySize = 4096; ///< the most bytes of a binary value
@@ -127,11 +127,11 @@ public:
     /// if the value does not exist, is not a string, or was stored without a terminator.
     Result GetStringValue(const UTF16String& inName, UTF16String& outValue) const;
 
-    /// Reads the string as UTF-8.
+    /// Reads the string and converts it to UTF-8.
     Result GetStringValue(const UTF16String& inName, std::string& outValue) const;
 
-    /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. The path of such a
-    /// key is only its name. A failure ends the enumeration and is not reported.
+    /// Appends each direct subkey, opened with all access if that is allowed and closed otherwise. The path of each is
+    /// only its name. A failure ends the enumeration and is not reported.
     void EnumerateSubKeys(std::vector<RegistryKey>& ioKeys) const;
 
     /// Returns the path passed to the last Open or Create, even if that failed.

@@ -70,8 +70,8 @@ struct RegistryStoreState
     std::vector<SetAside> mSetAside; ///< oldest first
 };
 
-/// Thread-safe. All functions throw only std::bad_alloc. The functions return kFileNotFound for a missing key or value,
-/// kAccessDenied, kDiskFull, and kGeneralFailure for other errors (see Win::SystemErrorToORLResult).
+/// Thread-safe. All functions throw only std::bad_alloc. A failed Result is kFileNotFound for a missing key or value,
+/// kAccessDenied, kDiskFull, or kGeneralFailure for other errors (see Win::SystemErrorToORLResult).
 namespace RegistryStore {
 
 /// Replaces the contents of outNames with the names of the direct subkeys, in the system's order. An empty path denotes
@@ -92,9 +92,9 @@ ORL_API Result GetValue(RegistryRootKeys::Type inRoot, const UTF16String& inPath
 /// the failure remain.
 ORL_API Result Apply(const std::vector<RegistryEdit>& inEdits);
 
-/// Reads the whole store and returns whether it is intact. Changes no settings. If the database cannot be opened
-/// because it is damaged, it is set aside first, as by every other operation. On Windows always returns that the store
-/// is intact, because the OS maintains its registry.
+/// Reads the whole store to check that it is intact, and returns its state. Changes no settings. If the database is too
+/// damaged to open, it is renamed first (see SetAside), as by every other operation. On Windows always reports the
+/// store as intact, because the OS maintains its registry.
 ORL_API RegistryStoreState Check(RegistryRootKeys::Type inRoot);
 
 /// Returns the state of the store without a check of its contents.

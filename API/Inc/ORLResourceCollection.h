@@ -25,7 +25,7 @@ inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
 ///
 /// Owner:    the collection owns the data that lookups return. The data is read-only, and valid until the collection is
 ///           destroyed.
-/// Threads:  the implementation decides; see Module.
+/// Threads:  depends on the implementation; see Module.
 /// Failure:  lookups return null. Lookups throw std::bad_alloc.
 class ORL_API ResourceCollection
 {
@@ -50,8 +50,8 @@ public:
     /// unit.
     virtual void* LoadResource(short inID, const UTF16String& inType, int& outSize) const = 0;
 
-    /// Finds the first resource of a type, in the current language if it exists in that language. Names that are
-    /// strings precede numbers. Returns null with outSize 0 if there is no resource of the type.
+    /// Finds the first resource of a type, in the current language if it exists in that language. String names precede
+    /// numbers. Returns null with outSize 0 if there is no resource of the type.
     virtual void* LoadFirstResourceOfType(const unsigned short* inType, int& outSize) const = 0;
 
     /// Releases data that a lookup returned. Callers must release all data, although in Module this does nothing.

@@ -48,8 +48,8 @@ struct FilePicture ///< A decoded picture.
     std::vector<std::uint32_t> mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
-/// An open file with resources. Files may be damaged or hostile: a reader never reads outside their bytes, and needs
-/// time and memory in proportion to their size.
+/// An open file with resources. Files may be damaged or hostile: the reader never reads out of bounds, and needs time
+/// and memory in proportion to their size.
 ///
 /// Owner:    the object owns the bytes of the file and its entries, until it is destroyed.
 /// Threads:  thread-safe after Open has returned.

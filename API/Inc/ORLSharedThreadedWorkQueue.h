@@ -14,8 +14,8 @@ namespace ORL {
 /// Owner:    the library owns the instance; queues are reference-counted.
 /// Threads:  thread-safe. Holds a lock while it creates a queue and during all of Shutdown, which waits for the queues'
 ///           threads: a request must not use this class while Shutdown can run.
-/// Failure:  a missing queue is a null reference. Exceptions from ThreadedWorkQueue::Initialize propagate; the queue is
-///           then discarded.
+/// Failure:  the Retrieve functions return null for a missing queue. Exceptions from ThreadedWorkQueue::Initialize
+///           propagate; the queue is then discarded.
 class ORL_API SharedThreadedWorkQueue
 {
 public:

@@ -1,5 +1,5 @@
 // Floor: Strings
-// The standard streams of the process, redirecting a stream, and narrow text on 16-bit streams.
+// The standard streams of the process, redirection of streams, and output of narrow text to 16-bit streams.
 #pragma once
 
 #include <ORLConfig.h>
@@ -13,7 +13,7 @@
 
 namespace ORL {
 
-/// std::cin, std::cout, std::clog and std::cerr, bound when the library is loaded and never changed.
+/// References to std::cin, std::cout, std::clog and std::cerr, bound when the library is loaded.
 ORL_API extern std::basic_istream<char>& In;
 ORL_API extern std::basic_ostream<char>& Out;
 ORL_API extern std::basic_ostream<char>& Log;

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Conversion between narrow text, which is UTF-8 here, and 16-bit text.
+// Conversion between narrow strings, which are UTF-8 here, and 16-bit strings.
 #pragma once
 
 #include <ORLCString.h>
@@ -14,17 +14,17 @@
 
 namespace ORL {
 
-/// Returns the 16-bit text of a zero-terminated UTF-8 text.
+/// Converts a zero-terminated UTF-8 string to UTF-16.
 ORL_API UTF16String MakeString(const char* inText);
 ORL_API UTF16String MakeString(const unsigned char* inText);
 
-/// Converts the text before the string's first zero byte; the rest is dropped.
+/// Converts the string up to its first zero byte; the rest is dropped.
 ORL_API UTF16String MakeString(const std::string& inText);
 
 /// Converts the whole string, zero bytes included.
 ORL_API UTF16String MakeString(const UTF8String& inText);
 
-/// Returns a copy of a zero-terminated 16-bit text.
+/// Returns a copy of a zero-terminated 16-bit string.
 ORL_API UTF16String MakeString(const unsigned short* inText);
 ORL_API UTF16String MakeString(const CString& inText);
 
@@ -34,7 +34,7 @@ ORL_API UTF16String MakeStringFromWchar(const unsigned short* inText);
 /// Returns the whole string as UTF-8, zero units included. Throws std::length_error if the result is too long.
 ORL_API std::string MakeStdString(const UTF16String& inText);
 
-/// Returns the text before the string's first zero unit.
+/// Returns a copy of the string up to its first zero unit.
 ORL_API CString MakeCString(const UTF16String& inText);
 
 } // namespace ORL
@@ -45,7 +45,7 @@ namespace utility {
 /// Returns a copy of the units up to the first zero. Surrogates are neither checked nor changed.
 ORL_API UTF16String WcharToUTF16(const unsigned short* inText);
 
-/// Returns a copy of all units, zero units included, in a string with the standard allocator. An empty text allocates
+/// Returns a copy of all units, zero units included, in a string with the standard allocator. An empty string allocates
 /// nothing.
 ORL_API std::basic_string<unsigned short, std::char_traits<unsigned short>, std::allocator<unsigned short>>
 UTF16ToWstring(const UTF16String& inText);

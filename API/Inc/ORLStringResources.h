@@ -3,7 +3,7 @@
 //
 // A string is looked up in the current language, then in the neutral language, then in American English. An empty
 // string counts as missing. A lookup fires an assertion, which can be ignored, if it does not find the string table
-// resource that should hold the string. Thread-safe. Throws std::bad_alloc.
+// resource that should contain the string. Thread-safe. Throws std::bad_alloc.
 #pragma once
 
 #include <ORLConfig.h>

@@ -7,11 +7,11 @@
 // - A character that the page lacks is replaced by the Windows best fit, else by "?". Each half of a surrogate pair
 //   becomes one "?".
 // - A byte or a pair of bytes without a mapping becomes the page's default character: U+30FB in 932, "?" elsewhere.
-// - An empty text stays empty.
+// - An empty string stays empty.
 //
-// If the system cannot convert a text (it is longer than 2^31 - 1 bytes or units, or the system lacks the page), an
+// If the system cannot convert a string (it is longer than 2^31 - 1 bytes or units, or the system lacks the page), an
 // assertion fires and the result is empty. No function reports a failure. Each function throws std::bad_alloc if out of
-// memory, and std::length_error if the result is too long for its string.
+// memory, and std::length_error if the result is too long for its string type.
 //
 // Thread-safe.
 #pragma once
@@ -28,7 +28,7 @@ namespace StringUtils {
 /// Converts from the code page of the current language.
 ORL_API UTF16String ToUnicode(const std::string& inText);
 
-/// Returns a copy, so that a template can call it with either kind of text.
+/// Returns a copy, so that a template can call ToUnicode with either string type.
 ORL_API UTF16String ToUnicode(const UTF16String& inText);
 
 /// Converts to the code page of the current language.
@@ -42,14 +42,14 @@ ORL_API std::string ToMultiByte(const std::string& inText);
 ORL_API UTF16String CodePageMultiByteToUnicode16(const std::string& inText);
 ORL_API std::string Unicode16ToCodePageMultiByte(const UTF16String& inText);
 
-/// Removes "0" characters from the end while more than two units are left. Ignores decimal points: "1.500" becomes
-/// "1.5", "2.000" becomes "2.", and "1000" becomes "10".
+/// Removes trailing "0" characters while more than two units are left. Ignores decimal points: "1.500" becomes "1.5",
+/// "2.000" becomes "2.", and "1000" becomes "10".
 ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 
 /// Returns the number of the system's default code page.
 ///
 /// On Linux this is the page that Windows uses for the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
-/// first that is not empty) selects it, regardless of the encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale
+/// first that is not empty) determines it, regardless of the encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale
 /// without a language is 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
@@ -57,8 +57,8 @@ ORL_API unsigned int GetDefaultCodePage();
 namespace Linux {
 
 /// Sets the default code page of this process, for conversions that begin later; 0 restores the page of the user's
-/// locale. Hosts call it at start. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258. Returns kGeneralFailure
-/// and changes nothing for any other page.
+/// locale. Hosts call it at start-up. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258. Returns
+/// kGeneralFailure and changes nothing for any other page.
 ORL_API Result SetDefaultCodePage(unsigned int inCodePage);
 
 } // namespace Linux

@@ -21,11 +21,11 @@ ORL_API unsigned __int64 GetTotalPhysicalMemory();
 /// memory and caches that the kernel can drop.
 ORL_API unsigned __int64 GetAvailablePhysicalMemory();
 
-/// Returns the size of this process's address space, in bytes. On Linux a lower RLIMIT_AS limits the size.
+/// Returns the size of this process's address space, in bytes. On Linux returns RLIMIT_AS if that is lower.
 ORL_API unsigned __int64 GetTotalVirtualMemory();
 
-/// Returns the load of all processors of the machine together since the previous call in this process, in whole
-/// percents from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
+/// Returns the load of all processors of the machine together since the previous call in this process, in whole percent
+/// from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
 ///
 /// On Linux the load is computed from the first line of /proc/stat, usually in units of 10 ms: all time except idle and
 /// input/output wait, rounded down. A container's CPU limit does not affect the load. If the system has no load

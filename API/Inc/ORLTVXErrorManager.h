@@ -23,9 +23,9 @@ public:
 
     /// Returns the default text of the ZString in quotes, then the three numbers:
     ///   "An input contract violation has occurred!" [ID 25, Package 105, Level 0]
-    /// A fixed text replaces a ZString without a text, or with 200 characters or more. Parameters of the text are not
-    /// filled in. Each call rebuilds the message in the exception's buffer, so two threads must not call it on one
-    /// object at the same time.
+    /// A fixed message replaces a ZString without a default text, or with 200 characters or more. Parameters in the
+    /// text are not substituted. Each call rebuilds the message in the exception's buffer, so two threads must not call
+    /// it on one object at the same time.
     const char* what() const noexcept override;
 
 private:

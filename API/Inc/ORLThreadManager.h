@@ -46,8 +46,8 @@ ORL_API void RegisterThread(ConstString& inThreadName, ConstString& inCurrentMod
 /// Deletes the calling thread's record. The thread must not query its record afterwards.
 ORL_API void UnregisterThread();
 
-/// Returns the calling thread's record. A thread without a record gets one named "Unnamed Thread" of "Unnamed Module".
-/// Never null. May be called at any time. The record is valid until the thread unregisters.
+/// Returns the calling thread's record. A thread without a record gets one with the names "Unnamed Thread" and "Unnamed
+/// Module". Never null. May be called at any time. The record is valid until the thread unregisters.
 ORL_API ThreadInfo* GetCurrentThreadInfo();
 
 /// Returns whether this thread was first registered as the main thread, even after it was unregistered. May be called

@@ -1,5 +1,5 @@
 // Floor: Threads
-// Work on background threads.
+// A work queue with its own background threads.
 //
 //   class Scan : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
 //   {
@@ -76,8 +76,8 @@ public:
 
     /// Replaces the idle process: queues a request every inInterval milliseconds; each run waits its turn like any
     /// other request. Returns false and changes nothing for a null request, an interval below 1, or a queue without
-    /// threads. If the previous idle process is running, waits for it. So neither that process nor a lock that it
-    /// acquires may wait for the caller.
+    /// threads. If the previous idle process is running, waits for it. So that process must not wait for the caller,
+    /// nor acquire a lock that the caller holds.
     bool SetIdleProcess(Request inRequest, int inInterval);
 
     /// Stops the idle process, if any. Waits while the idle process is running, except on the thread that runs it.
@@ -90,9 +90,9 @@ public:
     /// Blocks the caller while the queue is paused.
     void BlockWhilePaused();
 
-    bool CurrentThreadIsQueueThread(); ///< returns whether a thread of this queue calls
+    bool CurrentThreadIsQueueThread(); ///< returns whether the caller is a thread of this queue
 
-    /// Returns 0 before Initialize.
+    /// Returns the number of threads, which is 0 before Initialize.
     unsigned int GetNumberOfThreads();
 
     /// Refuses further requests, runs the queued ones, and returns when the threads have exited. On a thread of the

@@ -1,11 +1,11 @@
 // Floor: Threads
-// Waits until a work queue has finished all requests queued before.
+// Waits until a work queue has finished all requests that were queued earlier.
 //
 //   ORL::InterfaceRef<ORL::ThreadedWorkQueueFlush, ORL::ORLUnknown> flush(new ORL::ThreadedWorkQueueFlush);
 //   flush->Init(queue);
 //   queue->QueueRequest(request);
 //   ...
-//   flush->Flush(); // every request queued before has returned
+//   flush->Flush(); // every request queued earlier has returned
 #pragma once
 
 #include <ORLConfig.h>
@@ -45,7 +45,7 @@ public:
     /// Sets the queue to flush. Flush reports a null reference. Must not be called while Flush runs.
     void Init(InterfaceRef<ThreadedWorkQueue, ORLUnknown> inQueue);
 
-    /// Blocks until all requests queued before have finished. Must not be called on a thread of the queue.
+    /// Blocks until all requests queued earlier have finished. Must not be called on a thread of the queue.
     void Flush();
 
     /// The rendezvous. Only the queue's threads call this function.

@@ -1,5 +1,5 @@
 // Floor: Media
-// Coarse timing: points in time of the process clock, relative to the load of the library.
+// Coarse timing: time stamps of the process clock, relative to the loading of the library.
 #pragma once
 
 #include <ORLConfig.h>
@@ -15,7 +15,7 @@ namespace ORL {
 class TimeStamp
 {
 public:
-    /// Takes the current time.
+    /// Constructs a stamp of the current time.
     ORL_API TimeStamp();
 
     TimeStamp(const TimeStamp&) = default;

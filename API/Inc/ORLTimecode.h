@@ -1,5 +1,5 @@
 // Floor: Media
-// A position on a media timeline, as people read and type it.
+// A position on a media timeline, with conversion to and from timecode strings.
 #pragma once
 
 #include <ORLConfig.h>
@@ -19,12 +19,12 @@ namespace ORL {
 /// audio samples; or milliseconds.
 ///
 /// Drop-frame formats skip labels, never frames: 2 (at 29.97) or 4 (at 59.94) at the start of each minute, except every
-/// tenth. Only the format selects how labels are counted. The rate matters if the format implies none
+/// tenth. Only the format determines how labels are counted. The rate matters if the format implies none
 /// (kTimeDisplay_Frames, feet and frames, audio samples) and for single frames (mPreviousFrame).
 /// Owner:    a plain value; copies share nothing. Moving copies, so there is no moved-from state.
 /// Threads:  not thread-safe: one thread at a time per object.
-/// Failure:  no error codes. A rate that does not match the format fires an input contract (error 25), and an
-///           unreadable text becomes kTime_Invalid. Throws std::bad_alloc.
+/// Failure:  no error codes. A rate that does not match the format fires an input contract (error 25), and a string
+///           that cannot be parsed becomes kTime_Invalid. Throws std::bad_alloc.
 /// Example:
 ///   const tvxmediatypes::TickTime time(1800, ORL::kFrameRate_VideoNTSC);
 ///   const ORL::Timecode code(time, ORL::kFrameRate_VideoNTSC, tvxmediatypes::kTimeDisplay_2997DropTimecode);
@@ -41,8 +41,8 @@ public:
         /// Writes fields without leading zeros.
         bool mNoLeadingZeros = false;
 
-        /// Writes a time above zero with "+" and one below with "-". Without this flag a negative time has no sign, and
-        /// its hours field is 23 minus the hours.
+        /// Writes a positive time with "+" and a negative one with "-". Without this flag a negative time has no sign,
+        /// and its hours field is 23 minus the hours.
         bool mShowSign = false;
 
         /// The stored and displayed time is one frame before the public time (SetTime and GetTime), so that a position
@@ -70,8 +70,8 @@ public:
     ORL_API tvxmediatypes::TickTime GetTime() const;
     ORL_API void SetTime(const tvxmediatypes::TickTime& inTime);
 
-    /// Same as SetTime(StringToTime(...)) with the rate, format and style of this object. An unreadable text stores
-    /// kTime_Invalid and is not reported.
+    /// Same as SetTime(StringToTime(...)) with the rate, format and style of this object. If inText cannot be parsed,
+    /// stores kTime_Invalid and reports nothing.
     ORL_API void SetTime(const UTF16String& inText);
 
     /// Returns the rate that was passed, even if the format implies another.
@@ -91,26 +91,26 @@ public:
     /// clamped to 24 hours on either side of zero. In kTimeDisplay_Frames only frames can be added.
     ORL_API void IncrementHMSF(int inHours, int inMinutes, int inSeconds, int inFrames);
 
-    /// Adds feet of 16 (kTimeDisplay_35mmFeetFrames) or 40 frames, and frames. Does not update the fields that
-    /// IncrementHMSF uses; the next SetTime or SetFormat does.
+    /// Adds feet and frames. A foot has 16 frames in kTimeDisplay_35mmFeetFrames, else 40. Does not update the fields
+    /// that IncrementHMSF uses; the next SetTime or SetFormat does.
     ORL_API void IncrementFeetFrames(int inFeet, int inFrames);
 
-    /// Returns the text of the stored time.
+    /// Returns the stored time as a string.
     ORL_API UTF16String GetString() const;
 
-    /// Returns the time in a text, or kTime_Invalid if it cannot be read. An empty text is kTime_Zero.
+    /// Parses a time. Returns kTime_Invalid if inText cannot be parsed, kTime_Zero if it is empty.
     ///
-    /// A text is an optional sign, then up to four fields, separated by any mix of ":" ";" "."; the last field is the
-    /// frames. A single number is split from the right, two digits per field (frames: as many as the rate needs); after
-    /// a leading separator it is a plain frame count. A field may overflow into the next one; hours are taken modulo
-    /// 24. Feet and frames are two fields, and "+" is also a separator. With inPreviousFrame one frame is added to the
-    /// result.
+    /// A string consists of an optional sign, then up to four fields, separated by any mix of ":" ";" "."; the last
+    /// field is the frames. A single number is split from the right, two digits per field (frames: as many as the rate
+    /// needs); after a leading separator it is a plain frame count. A field may overflow into the next one; hours are
+    /// taken modulo 24. Feet and frames are two fields, and "+" is also a separator. With inPreviousFrame one frame is
+    /// added to the result.
     static ORL_API tvxmediatypes::TickTime StringToTime(const UTF16String& inText,
                                                         const tvxmediatypes::FrameRate& inFrameRate,
                                                         tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 
-    /// Returns the index of the unit at which StringToTime stops reading a text in this format, the size of the text if
-    /// it ends too early, or UTF16String::npos if it can be read.
+    /// Returns the index of the unit at which StringToTime stops parsing inText in this format, the size of inText if
+    /// it ends too early, or UTF16String::npos if it can be parsed.
     static ORL_API std::size_t FindUnreadable(const UTF16String& inText, tvxmediatypes::TimeDisplay inTimeDisplay);
 
 private:

@@ -63,7 +63,7 @@ private:
     std::atomic<bool> mIsOpen; // changed and read only by compare-and-set
     boost::mutex mMutex;       // guards the fields below
     boost::condition_variable mCondition;
-    std::uint32_t mGeneration; // incremented by each opening that finds waiters
+    std::uint32_t mGeneration; // incremented by each Open that finds waiters
     std::int32_t mWaiterCount; // threads that Wait has registered as waiters
 };
 
