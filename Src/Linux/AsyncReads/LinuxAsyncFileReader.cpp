@@ -169,7 +169,7 @@ bool IsAligned(const AsyncFile& inFile, const void* inBuffer, std::uint32_t inSi
     return all % inFile.mAlignment == 0;
 }
 
-// On Windows a read at or after the end fails; this kernel would report success with 0 bytes. Seeking is the cheapest
+// On Windows a read at or past the end fails; the Linux kernel reports success with 0 bytes. Seeking is the cheapest
 // way to query the size. The seek moves only the descriptor's own position, which is not used.
 SystemError CheckEnd(const AsyncFile& inFile, std::uint64_t inPosition)
 {

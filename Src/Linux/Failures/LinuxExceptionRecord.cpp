@@ -39,7 +39,7 @@ constexpr std::uint64_t kTrapBreakpoint = 3;
 constexpr std::uint64_t kTrapGeneralProtection = 13;
 constexpr std::uint64_t kTrapFloatX87 = 16;
 
-// Bits of the processor's error code for a page that could not be accessed.
+// Bits of the processor's page-fault error code.
 constexpr std::uint64_t kPageFaultOnWrite = 1u << 1;
 constexpr std::uint64_t kPageFaultOnExecute = 1u << 4;
 
@@ -98,7 +98,7 @@ bool IsPrivilegedInstruction(const unsigned char* inCode) noexcept
     return isPort || first == 0xF4 || first == 0xFA || first == 0xFB; // hlt, cli, sti
 }
 
-// si_code is positive only if the kernel raised the signal for a failed instruction.
+// Returns true for a signal sent by a process: si_code is positive only if the kernel raised the signal itself.
 bool IsSent(const siginfo_t& inInfo) noexcept
 {
     return inInfo.si_code <= 0;

@@ -84,7 +84,7 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
     return CopyHostFile(inSource, inDestination, options);
 }
 
-// A copy has the permissions of its source, which may deny reading or writing.
+// Tries both modes: a copy has the permissions of its source, which may deny reading or writing.
 Descriptor OpenAnyWay(const std::string& inFile)
 {
     Descriptor file = OpenByPath(inFile.c_str(), O_RDONLY | O_NOFOLLOW);

@@ -201,7 +201,7 @@ void RemoveCreated(const std::string& inPath, const OpenFile& inFile, SystemErro
     }
 }
 
-// A name that ends in a separator must be a directory.
+// The error for an open of a name that ends in a separator, as if it were a directory.
 SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 {
     struct stat status;

@@ -61,7 +61,7 @@ bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
     return true;
 }
 
-// After a short unbuffered read the position is at the end of the file, since it is no longer aligned.
+// Returns true after an unbuffered read of unaligned size: only at the end of the file is such a read that short.
 bool IsAtEnd(const OpenFile& inFile, std::uint32_t inDone)
 {
     return inFile.mIsUnbuffered && inDone % inFile.mAlignment != 0;

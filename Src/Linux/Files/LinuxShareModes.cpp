@@ -124,7 +124,7 @@ Outcome Lock(int inDescriptor, short inType, unsigned inFirst, unsigned inCount)
     return errno == EAGAIN || errno == EACCES ? Outcome::kConflict : Outcome::kNoLocks;
 }
 
-// Takes read locks on the bytes. Returns kConflict only if another open file holds a write lock on one of them.
+// Acquires read locks on the bytes. Returns kConflict only if another open file holds a write lock on one of them.
 Outcome LockShared(int inDescriptor, unsigned inBytes) noexcept
 {
     Outcome outcome = Outcome::kDone;

@@ -1,6 +1,6 @@
 // Decodes the common kind of PNG file with libdeflate, which inflates the whole picture in one call: about twice as
-// fast as zlib in pieces, and thirty times as fast for flat pictures. The header determines the size, so the block has
-// exactly that many bytes.
+// fast as zlib piece by piece, and thirty times as fast for flat pictures. The output buffer has exactly the size that
+// the header implies.
 #include "LinuxPNG.h"
 
 #include "LinuxNativeBitmap.h"

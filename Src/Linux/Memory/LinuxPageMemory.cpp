@@ -31,7 +31,7 @@ void FreePages_Impl(void* inPages, std::size_t inSize)
     Linux::System().mUnmapPages(inPages, inSize);
 }
 
-// The C runtime on Linux has no handlers that a failed allocation calls.
+// Always 0: on Linux a failed malloc calls no handler of the host.
 int QueryNewMode_Impl()
 {
     return 0;

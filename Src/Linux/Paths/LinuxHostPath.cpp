@@ -44,7 +44,7 @@ bool BeginsWith(const UTF16String& inPath, const char* inText) noexcept
     return inPath.size() >= size && std::equal(inText, inText + size, inPath.begin());
 }
 
-// Returns the components between separators, including empty ones; always at least one.
+// Splits the path at its separators. Returns at least one component; components may be empty.
 Names Split(const UTF16String& inPath, std::size_t inFrom)
 {
     Names names;
@@ -84,7 +84,7 @@ SystemError AddName(std::string& ioPath, const Name& inName)
     return leadsAway ? kErrorInvalidName : kNoError;
 }
 
-// Stores inFolder, with the names already appended to it, as the path.
+// Stores inFolder, to which the names have been appended, as the path.
 void Finish(std::string&& inFolder, bool inHasNames, bool inHasTrailingSeparator, HostPath& outHostPath)
 {
     outHostPath.mIsRoot = !inHasNames;

@@ -125,7 +125,7 @@ UnitsView NameOf(const unsigned short* inName)
 
 constexpr unsigned kTypeMultiString = 7;
 
-// As on Windows, a terminator directly after the text counts as part of it.
+// As on Windows, a terminator directly after the data of a string type counts as part of it.
 unsigned SizeWithTerminator(unsigned inType, const void* inData, unsigned inSize)
 {
     const bool isText = inType == kTypeString || inType == kTypeExpandString || inType == kTypeMultiString;

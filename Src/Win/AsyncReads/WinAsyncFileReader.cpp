@@ -13,7 +13,7 @@ namespace Platform {
 
 namespace {
 
-// The port returns the pointer to the record with which the read was started.
+// The port returns the OVERLAPPED pointer of the read, so the two types must have the same layout.
 static_assert(sizeof(Overlapped) == sizeof(OVERLAPPED));
 static_assert(offsetof(Overlapped, mPositionLow) == offsetof(OVERLAPPED, Offset));
 static_assert(offsetof(Overlapped, mPositionHigh) == offsetof(OVERLAPPED, OffsetHigh));
@@ -109,7 +109,7 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 std::size_t SubmitReads_Impl(SystemError& outError)
 {
     outError = SystemErrors::kNoError;
-    return 0; // this port delays no reads
+    return 0; // this port holds back no reads
 }
 
 SystemError StartThread_Impl(const char*, void (*inBody)(void*), void* inArgument, Handle& outThread)

@@ -26,7 +26,7 @@ ProcessHandle OpenProcess_Impl(unsigned int inIdentifier)
     return ::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, inIdentifier);
 }
 
-// The first module of a process is its executable.
+// Queries the first module of the process, which is its executable.
 bool GetExecutableName_Impl(ProcessHandle inProcess, unsigned int, UTF16String& outName)
 {
     HMODULE module = nullptr;

@@ -6,7 +6,7 @@ namespace ORL {
 namespace MemoryRegions {
 namespace Platform {
 
-// The system can query any address directly, so a walk has no state.
+// A walk has no state, because the system can query any address directly.
 struct Walk
 {
 };
