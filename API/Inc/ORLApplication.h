@@ -39,7 +39,7 @@ public:
     /// The host's main loop, or its equivalent. The library does not call Run.
     virtual int Run() = 0;
 
-    /// A host with idle work overrides it; the default does nothing. The library does not call Idle.
+    /// Does nothing by default; a host overrides it for idle work. The library does not call Idle.
     virtual void Idle();
 
     /// Returns the application, or null if there is none.

@@ -28,8 +28,8 @@ struct ConstStringShared
     AtomicValue mReferenceCount;
 };
 
-/// The common base of both handle classes: the shared copy (null if there is none), a pointer to the string, and its
-/// hash.
+/// The common base of ConstString and StdConstString: the shared copy (null if there is none), a pointer to the string,
+/// and its hash.
 template <class String>
 class ConstStringHandle
 {

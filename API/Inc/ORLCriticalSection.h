@@ -20,7 +20,7 @@ namespace ORL {
 class TVXCORE_LOCK CriticalSection
 {
 public:
-    // A const object of this class needs a user-provided default constructor.
+    // User-provided, because a const object without an initialiser requires that.
     ORL_LOCK_CONSTEXPR CriticalSection() noexcept(noexcept(Internal::PlatformLock())) {}
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;

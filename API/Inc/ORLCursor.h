@@ -35,7 +35,7 @@ typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
 /// Installs the function that sets the shape; null removes it. Not thread-safe: the host calls it at start-up.
 ORL_API void SetShapeSetter(SetShapeFunction inFunction, void* inContext);
 
-/// Sets the window whose pointer is set, and its connection: a Window and a Display* of Xlib. A null inDisplay removes
+/// Selects the Xlib Window whose pointer the library sets, and the Display* of its connection. A null inDisplay removes
 /// both. The host must remove them before it closes the window or the connection. The library loads libX11 at first use
 /// and keeps it loaded; if it is missing, setting the pointer has no effect. Not thread-safe. From then on, set the
 /// pointer only on threads that may use the connection.

@@ -15,8 +15,8 @@ namespace ORL {
 ///
 /// Owner:    the caller. The object owns its path only, not the directory.
 /// Threads:  not thread-safe: one thread at a time per object. Takes no lock.
-/// Failure:  queries of an object throw eDirectoryNoLongerValid if its directory is gone. Operations on the disk return
-///           a Result.
+/// Failure:  non-static queries throw eDirectoryNoLongerValid if the directory is gone. Operations on the disk return a
+///           Result.
 /// Listings: each path begins with the object's path as it was passed. The order is that of the file system. With
 /// inRecursive a directory is listed after its contents. inLimit is tested before each entry, so a list may exceed it
 /// by the depth of the tree; kNoLimit disables it. Entries created or removed during a listing may or may not be

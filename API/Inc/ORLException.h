@@ -23,7 +23,7 @@ public:
     ~Exception() override;
     const char* what() const noexcept override;
 
-    /// Hooks for library start and stop. The hooks do nothing.
+    /// Called when the library starts and stops. Both do nothing.
     static void Initialize();
     static void Terminate();
 };

@@ -208,7 +208,7 @@ public:
 
     /// Returns an unused name in the folder of the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
     /// First cuts the name so that name and extension have at most 250 characters. Creates nothing, so another caller
-    /// may create the file first.
+    /// may create that file first.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
     /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. A plain path is not extended.

@@ -1,7 +1,7 @@
 // Floor: Objects
-// Objects with an intrusive reference count, the references that own them, and interface queries.
+// Objects with an intrusive reference count, the smart pointers that own them, and interface queries.
 //
-// A concrete class derives from UnknownImpl and is held by InterfaceRef:
+// A concrete class derives from UnknownImpl, and an InterfaceRef owns each object:
 //
 //   class Work : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
 //   {

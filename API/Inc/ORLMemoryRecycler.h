@@ -68,13 +68,13 @@ public:
     /// not call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
-    /// Returns a buffer of inSize bytes: for a large size the pool's most recent one of exactly the rounded size, else
-    /// a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc, whose
-    /// what() is "bad allocation". The memory is not cleared.
+    /// Returns a buffer of inSize bytes: for a large size the pool's most recently returned one of exactly the rounded
+    /// size, else a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc,
+    /// whose what() is "bad allocation". The memory is not cleared.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
-    /// Takes a buffer back. A large one is added to the pool, which then frees its oldest buffers until it meets the
-    /// limit. The fields of ioBuffer are not changed, but the memory is no longer the caller's. Never throws.
+    /// Frees a small buffer and clears ioBuffer. Adds a large one to the pool, which then frees its oldest buffers
+    /// until it meets the limit; ioBuffer keeps its fields, but the memory is no longer its own. Never throws.
     void RecycleBuffer(MemoryBuffer& ioBuffer);
 
     /// Frees pooled buffers, oldest first, until at least inBytes are freed or the pool is empty; 0 frees all. Returns

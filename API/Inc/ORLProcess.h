@@ -13,7 +13,7 @@ namespace Process {
 
 namespace ProcessSearchFlags {
 
-/// How the name of a process is compared, unit by unit and case-sensitively. Any other value matches nothing.
+/// How a process name is compared with inName, unit by unit and case-sensitively. Any other value matches nothing.
 enum Type : int {
     kExactMatch = 0, ///< equals inName
     kStartsWith = 1, ///< begins with inName; an empty inName matches every name

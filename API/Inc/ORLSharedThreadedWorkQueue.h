@@ -1,5 +1,5 @@
 // Floor: Threads
-// Work queues that the modules of a process share by priority.
+// Work queues that all modules of a process share, with separate queues for each priority.
 #pragma once
 
 #include <ORLConfig.h>

@@ -42,7 +42,7 @@ public:
     virtual void Process() = 0;
 };
 
-/// Runs requests on its own threads, in the order in which they were queued, and one periodic idle process.
+/// Starts requests on its own threads in the order in which they were queued, and runs one periodic idle process.
 ///
 /// State:    created (no threads) until Initialize; running until Stop; then stopped for good: requests are refused.
 ///           Destroying a running queue, or stopping a queue twice, reports an assertion and then works like Stop.

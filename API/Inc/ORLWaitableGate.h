@@ -22,8 +22,8 @@ class WaitableGateAlgorithm;
 /// A gate at which threads wait. A gate starts closed, and may be opened and closed again.
 ///
 /// Opening releases every thread that sleeps at the gate, even if the gate is closed again immediately.
-/// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate;
-///           no thread may start to wait on it any more.
+/// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate; no
+///           thread may begin to wait on it then.
 /// Threads:  thread-safe. mMutex is a leaf lock.
 /// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time times out at once.
 /// Failure:  kWaitTimeout is a result, not an error. Exceptions from boost::mutex and boost::condition_variable
