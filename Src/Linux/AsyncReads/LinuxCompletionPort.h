@@ -34,7 +34,7 @@ class CompletionPort
 public:
     virtual ~CompletionPort() = default;
 
-    /// Makes Get return false from now on. A thread that is inside Get returns immediately or with the next completion.
+    /// Makes Get return false from now on. A thread that waits in Get returns immediately or with the next completion.
     virtual void Close() = 0;
 
     /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.

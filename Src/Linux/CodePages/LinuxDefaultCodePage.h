@@ -1,4 +1,4 @@
-// The default code page of a Windows machine with a given locale.
+// Finds the default code page that Windows uses for a locale.
 #pragma once
 
 namespace ORL {

@@ -1,4 +1,4 @@
-// The alignment that direct I/O requires, for volumes, unbuffered files and asynchronous readers.
+// Finds the alignment that direct I/O requires on a volume or for an open file.
 #pragma once
 
 #include <Platform/SystemErrors.h>
@@ -21,9 +21,9 @@ enum class TestRead { kAllowed, kForbidden };
 /// succeeds. With kForbidden returns kLargestSector untested.
 std::uint32_t FindDirectAlignment(int inFile, TestRead inTestRead) noexcept;
 
-/// Sets outSize to the same alignment for the entry at a host path, or to kSmallestSector if direct I/O is not
-/// possible. A folder has the sector size of its device, because file systems report an alignment only for files.
-/// Returns an error if the path cannot be queried.
+/// Sets outSize to that alignment for the entry at a host path, or to kSmallestSector if direct I/O is not possible. A
+/// folder has the sector size of its device, because file systems report an alignment only for files. Returns an error
+/// if the path cannot be queried.
 SystemError FindSectorSize(const std::string& inHostPath, unsigned int& outSize);
 
 } // namespace Linux

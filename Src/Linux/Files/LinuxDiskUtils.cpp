@@ -26,7 +26,7 @@ struct FileSystem
     const char* mName;
 };
 
-// Numbers that the kernel's headers do not define are literals.
+// File systems whose numbers the kernel's headers do not define have literals here.
 constexpr FileSystem kFileSystems[] = {
     {MSDOS_SUPER_MAGIC, "FAT32"}, {EXT4_SUPER_MAGIC, "ext4"}, {XFS_SUPER_MAGIC, "xfs"},
     {BTRFS_SUPER_MAGIC, "btrfs"}, {F2FS_SUPER_MAGIC, "f2fs"}, {0x2FC12FC1, "zfs"},

@@ -95,7 +95,7 @@ Descriptor OpenAnyWay(const std::string& inFile)
 }
 
 // A folder whose entries are to be synced to disk. The folder is opened before anything is changed, so that afterwards
-// only the disk itself can fail.
+// only the sync itself can fail.
 class FolderToSync
 {
 public:
@@ -271,7 +271,7 @@ SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, 
     const int contents = inReplacement.mShare.File();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
-        System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system keeps them
+        System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system stores them
     }
     CopyUserAttributes(inReplaced.mShare.File(), contents, ExistingAttributes::kKeep);
     if (System().mFSync(contents) != 0) {

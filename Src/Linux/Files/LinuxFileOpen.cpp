@@ -75,8 +75,8 @@ Descriptor CreateNew(const std::string& inPath, const OpenRequest& inRequest)
     return OpenDescriptor(inPath, DescriptorMode(inRequest) | O_CREAT | O_EXCL, inRequest.mNewMode);
 }
 
-// Creates the file or opens the existing one. Tries both in turn, since each may fail while others create and delete
-// the name. If the name is a link to a missing file, creates that file.
+// Creates the file or opens the existing one. Tries both in turn, since each may fail while other threads or processes
+// create and delete the name. If the name is a link to a missing file, creates that file.
 Descriptor CreateOrOpen(const std::string& inPath, const OpenRequest& inRequest, bool& outIsNew)
 {
     constexpr int kRounds = 4;
@@ -201,7 +201,7 @@ void RemoveCreated(const std::string& inPath, const OpenFile& inFile, SystemErro
     }
 }
 
-// The error for an open of a name that ends in a separator, as if it were a directory.
+// A file name cannot end in a separator: returns 3 if a folder on the path is missing, otherwise 123.
 SystemError ErrorOfTrailingSeparator(const HostPath& inPath)
 {
     struct stat status;

@@ -61,7 +61,7 @@ bool GetSize(const OpenFile& inFile, std::int64_t& outSize)
     return true;
 }
 
-// Returns true after an unbuffered read of unaligned size: only at the end of the file is such a read that short.
+// An unbuffered read that transfers an unaligned number of bytes has reached the end of the file.
 bool IsAtEnd(const OpenFile& inFile, std::uint32_t inDone)
 {
     return inFile.mIsUnbuffered && inDone % inFile.mAlignment != 0;

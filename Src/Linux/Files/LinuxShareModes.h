@@ -52,7 +52,7 @@ public:
     ShareHolder(const ShareHolder&) = delete;
     ShareHolder& operator=(const ShareHolder&) = delete;
 
-    /// Becomes the owner of an open file, which may be the result of a failed open. The holder must not be registered.
+    /// Takes ownership of an open file, or of the empty Descriptor of a failed open. The holder must not be registered.
     void Own(Descriptor&& ioFile) noexcept { mOpen = std::move(ioFile); }
 
     /// Returns the descriptor, or -1 if the holder owns no open file.

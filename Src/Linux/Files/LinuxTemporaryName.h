@@ -13,7 +13,7 @@ namespace Linux {
 std::string TemporaryName(const char* inPurpose);
 
 /// Calls inMake(name) with one temporary name after another until a name is free. inMake returns like a system call,
-/// and so does this function; outName is the last name.
+/// and so does this function; outName is the last name tried.
 template <class Make>
 int MakeUnderTemporaryName(const char* inPurpose, std::string& outName, const Make& inMake)
 {

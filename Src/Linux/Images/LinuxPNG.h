@@ -22,14 +22,14 @@ struct DecodedPNG
 /// need 2 GiB or more, or if out of memory. Memory is proportional to the file's size. Never throws.
 bool DecodePNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// The two decoders behind DecodePNG. DecodeCommonPNG is faster, but supports only 8-bit true colour with or
-/// without alpha and without interlacing, and returns false for every other file, damaged ones included. DecodeAnyPNG
-/// decodes any kind with libspng.
+/// The two decoders that DecodePNG uses. DecodeCommonPNG is faster, but supports only 8-bit true colour with or without
+/// alpha and without interlacing, and returns false for every other file, damaged ones included. DecodeAnyPNG decodes
+/// any kind with libspng.
 bool DecodeCommonPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeAnyPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// Returns whether deflate can compress that many bytes into a file of that size. The check prevents a small file from
-/// requesting much memory.
+/// Returns whether deflate can compress that many bytes into a file of that size. This bounds what a small file can
+/// make the decoder allocate.
 inline bool CanExpandTo(std::size_t inFileSize, std::uint64_t inBytes) noexcept
 {
     constexpr std::uint64_t kBestRatio = 1032; // two bits can represent 258 bytes

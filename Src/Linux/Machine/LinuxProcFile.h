@@ -9,7 +9,7 @@ namespace ORL {
 namespace Linux {
 
 /// Reads a file from its start until the buffer is full or the file ends. Returns 0, or the errno of the call that
-/// failed; outSize counts the bytes read, also before a failure.
+/// failed; outSize is the number of bytes read, even on failure.
 int ReadProcFile(const char* inPath, char* outBuffer, std::size_t inSize, std::size_t& outSize) noexcept;
 
 /// Parses the first decimal number of a blank-separated list, and removes it. Returns false and changes nothing if

@@ -56,7 +56,7 @@ std::int64_t StartOfProcess() noexcept
     return static_cast<std::int64_t>(ticks) * (kNanosecondsPerSecond / ticksPerSecond);
 }
 
-// If the start is unknown or after the current time (a restored container), the clock starts at its first reading.
+// If the start time is unknown or in the future (in a restored container), the clock starts at its first reading.
 std::int64_t FindStart() noexcept
 {
     const std::int64_t now = NanosecondsSinceBoot();

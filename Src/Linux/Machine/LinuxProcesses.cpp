@@ -31,8 +31,8 @@ std::string_view Leaf(std::string_view inPath)
     return inPath.substr(inPath.rfind('/') + 1); // npos + 1 is 0
 }
 
-// The kernel appends a mark to the path of a deleted file. If a file with that full name exists, the mark is part of
-// the name.
+// The kernel appends " (deleted)" to the path of a deleted file. If a file with that full name exists, that suffix is
+// part of its name.
 std::string_view WithoutDeletedMark(const Linux::LinkTarget& inTarget)
 {
     constexpr std::string_view kMark = " (deleted)";

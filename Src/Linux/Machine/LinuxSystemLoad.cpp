@@ -78,7 +78,7 @@ SystemError Query::Add()
     return failure;
 }
 
-// A sample within the same clock tick equals the previous one, so no time is lost between two results.
+// Samples within one clock tick are equal, so replacing one with the next loses no time.
 SystemError Query::Collect()
 {
     const MutexLock lock(mMutex);

@@ -1,5 +1,5 @@
 // Floor: System
-// The data of a module in addition to its handle: its resources by name, and the cursors that were loaded.
+// The data kept for a module besides its handle: an index of its resources, and the loaded cursors.
 #pragma once
 
 #include <ORLResources.h>

@@ -123,7 +123,7 @@ SystemError FindDriveFolder(const UTF16String& inPath, std::string& outFolder, s
     return TheDriveTable().FindDrive(inPath[kDrive], outFolder) ? kNoError : kErrorPathNotFound;
 }
 
-// Resolves the extended form, which is used unchanged: only its last component may be empty.
+// Resolves the extended form without normalising it: only its last component may be empty.
 SystemError ResolveExtended(const UTF16String& inPath, HostPath& outHostPath)
 {
     constexpr std::size_t kServer = 8;

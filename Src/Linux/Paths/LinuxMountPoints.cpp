@@ -1,4 +1,4 @@
-// The public functions that use the drive table, and the conversion of host paths to library paths.
+// Implements the public drive table functions, and converts host paths to library paths.
 #include "../Calls/SystemCalls.h"
 #include "LinuxDriveTable.h"
 #include "LinuxHostPath.h"

@@ -66,7 +66,7 @@ private:
     FolderEntries mEntries;
 };
 
-/// Syncs the names of an open folder to disk. Returns 0 or an errno. Returns 0 on a file system that cannot sync
+/// Syncs the entries of an open folder to disk. Returns 0 or an errno. Returns 0 on a file system that cannot sync
 /// folders, because such a file system needs no sync to keep names.
 int SyncFolder(int inFolder) noexcept;
 

@@ -79,7 +79,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
             mTree.Insert(*last, key.mId, key.mFolded, key.mName);
             const std::shared_ptr<StoredKey>* const inserted = Tree::Find(*last, key.mFolded);
             if (inserted == nullptr) {
-                break; // the database has been tampered with: the key has the identifier of a different key
+                break; // a corrupt database: the new key has the identifier of a different key
             }
             last = inserted->get();
         }

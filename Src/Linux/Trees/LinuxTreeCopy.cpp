@@ -25,7 +25,7 @@ int CopyTimes(int inTo, const struct statx& inStatus)
     return System().mFUTimens(inTo, times) == 0 ? 0 : errno;
 }
 
-// Sets permissions regardless of the umask. A volume that does not keep permissions is not an error.
+// Sets permissions regardless of the umask. Not an error if the volume does not store permissions.
 int SetMode(int inTo, mode_t inMode)
 {
     const bool isSet = System().mFChMod(inTo, inMode) == 0;

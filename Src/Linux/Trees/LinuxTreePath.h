@@ -10,8 +10,8 @@ namespace ORL {
 namespace Linux {
 
 /// A path of folders, of which only the deepest are open, so that a path of any length needs few descriptors. When the
-/// walk returns to a closed folder, reopens it through ".." of the folder below it; it must be the same folder as
-/// before.
+/// walk returns to a closed folder, the path reopens it through ".." of the folder below it; it must be the same folder
+/// as before.
 class TreePath
 {
 public:
