@@ -1,4 +1,4 @@
-// A host may load and unload the library any number of times.
+// Tests a host that loads and unloads the library many times.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A process exits without stopping the library. Its threads continue to use every service while the
+// Tests a process that exits without stopping the library. Its threads continue to use every service while the
 // static objects of all libraries are destroyed, and afterwards.
 //
 // Linux only: under Wine 8 a process may spin forever on exit if a terminated thread held the heap lock, and

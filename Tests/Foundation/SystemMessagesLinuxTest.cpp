@@ -1,4 +1,4 @@
-// Tests the table of messages that replaces Windows' messages for system errors.
+// Tests the library's own table of system error messages.
 #include <ORLFailureReport.h>
 #include <ORLString.h>
 
@@ -17,7 +17,7 @@ TEST(SystemErrorMessageOnLinux, EveryEntryOfTheTable_IsFound)
     EXPECT_EQ(kEntries, found);
 }
 
-// Wine has no text for this error.
+// Wine has no message for this error, so only Linux tests it.
 TEST(SystemErrorMessageOnLinux, FileThatIsTooLarge_HasASentence)
 {
     EXPECT_EQ("The file is larger than the limit allows.\r\n", ORL::MakeStdString(ORL::Win32ErrorCodeToMessage(223)));

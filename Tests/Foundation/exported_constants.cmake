@@ -13,7 +13,7 @@ foreach(name IN LISTS names)
     string(LENGTH "${word}" length)
     string(APPEND mangled "${length}${word}")
   endforeach()
-  # The standard library adds a tag to the names of string objects.
+  # The mangled name of a std::string object contains an ABI tag.
   if(NOT symbols MATCHES "_ZN3ORL${mangled}(B5cxx11)?E")
     message(SEND_ERROR "ORL::${name} is not exported")
   endif()

@@ -1,4 +1,4 @@
-// Sets the pointer on a virtual display and queries the X server for the picture that it shows.
+// Sets the cursor on a virtual display and queries the X server for the displayed image.
 #include <ORLCursor.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -79,7 +79,7 @@ private:
     std::string mName;
 };
 
-// Returns the picture of the pointer that the X server currently shows.
+// Returns the cursor image that the X server currently displays.
 std::vector<unsigned long> ShownPointer(Display* inDisplay)
 {
     XSync(inDisplay, False);
@@ -94,7 +94,7 @@ std::vector<unsigned long> ShownPointer(Display* inDisplay)
     return pixels;
 }
 
-// Returns the pointer's picture after the test itself has set a shape of the cursor font for the window.
+// Sets a cursor font shape for the window without the library, and returns its image.
 std::vector<unsigned long> PointerOfFont(Display* inDisplay, Window inWindow, unsigned int inShape)
 {
     const ::Cursor cursor = XCreateFontCursor(inDisplay, inShape);

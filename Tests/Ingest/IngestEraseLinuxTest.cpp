@@ -1,5 +1,5 @@
-// Tests that a source with an entry that cannot be read is never reported as safe to erase. The entry is a link that
-// leads nowhere, which is unreadable to every user.
+// Tests that a source with an entry that cannot be read is never reported as safe to erase. The entry is a dangling
+// link, which no user can read.
 #include "IngestDestinationsSupport.h"
 
 #include <IngestErase.h>

@@ -1,4 +1,4 @@
-// Fails each system call of an ingest, at each index, with each error that a disk or a card may cause.
+// Fails each system call of an ingest, at each occurrence, with each error that a disk or a card may cause.
 #include "IngestRunSupport.h"
 
 #include <FaultySystemCallsLinux.h>

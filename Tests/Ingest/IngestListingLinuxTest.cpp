@@ -1,4 +1,4 @@
-// Tests a source whose listing breaks off: entries that cannot be listed must be reported, never omitted silently.
+// Tests a source whose listing fails midway: entries that cannot be listed must be reported, never omitted silently.
 #include "IngestTestSupport.h"
 
 #include <Failure.h>

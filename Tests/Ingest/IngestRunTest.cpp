@@ -1,4 +1,4 @@
-// Triggers events between two steps of a file during an ingest.
+// Tests an ingest during which files, folders or the stop flag change between two steps of a file.
 #include "IngestRunSupport.h"
 
 #include <Failure.h>
@@ -130,7 +130,7 @@ TEST_F(IngestRun, AFileThatAppearsAtTheDestinationMeanwhile_IsNotOverwritten)
     EXPECT_EQ(0u, ReadManifest(Disk() / kManifest).count("b"));
 }
 
-// A replaced file's line must go first: every later run would trust a line whose file no longer exists.
+// A replaced file's line must be deleted first: later runs would trust a line whose file no longer exists.
 TEST_F(IngestRun, TheLineOfAReplacedFile_IsGoneBeforeTheFileIs)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -163,7 +163,7 @@ TEST_F(IngestRun, AFileThatCannotBeReplaced_KeepsItsLine)
     ASSERT_TRUE(Run({}).mTroubles.empty());
     const FileTree before = mCard;
     ChangeOnCard("b", "shorter");
-    ORL::File holder; // shares only reading, so the file cannot be replaced
+    ORL::File holder; // shares only read access, so the file cannot be replaced
     const IngestOutcome outcome =
         Run(Once(IngestStep::kVerified, "b",
                  [&] {

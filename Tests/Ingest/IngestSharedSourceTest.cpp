@@ -1,5 +1,5 @@
-// Tests that several destinations can read files from one source: each block once if memory allows it, and never wrong
-// bytes.
+// Tests SharedSource: several destinations read its files, each block is read once if memory allows it, and all bytes
+// are correct.
 #include <IngestSharedSource.h>
 
 #include "IngestTestSupport.h"
@@ -50,7 +50,7 @@ SharingLimits Limits(std::uint64_t inBytes, bool inWaits)
     return limits;
 }
 
-/// The reference sum is slow under a sanitizer, so it is computed once for each size: a size determines the contents.
+/// Caches the reference digest by size, because it is slow under a sanitizer: a size determines the contents.
 std::string SumOf(const std::string& inContents)
 {
     static std::mutex sMutex;
@@ -63,7 +63,7 @@ std::string SumOf(const std::string& inContents)
     return sum;
 }
 
-/// Reads a whole file, yielding at random. Returns an error text, empty on success.
+/// Reads a whole file, yielding at random. Returns an error message, empty on success.
 std::string ReadWhole(SharedSource& ioSource, std::size_t inDestination, const std::string& inName,
                       const std::string& inContents, unsigned inSeed)
 {

@@ -15,7 +15,7 @@
 
 namespace ORLTest {
 
-/// Computes SHA-256. Computes SHA-256 with code written from the standard, independent of the tool's library.
+/// Computes SHA-256 with code written from the standard, independent of the tool's library.
 inline std::string ReferenceSha256(std::string inBytes)
 {
     static const std::uint32_t kRound[64] = {

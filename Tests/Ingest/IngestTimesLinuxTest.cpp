@@ -66,7 +66,7 @@ TEST_F(IngestTimes, InSteps_AreKnownAgain)
     ExpectInPlace("abc");
 }
 
-// A time that happens to be whole does not mean that the file system rounds.
+// A time in whole seconds does not mean that the file system rounds.
 TEST_F(IngestTimes, KeptExactly_AreComparedExactly)
 {
     SetTime("a", 1000000000, 0);

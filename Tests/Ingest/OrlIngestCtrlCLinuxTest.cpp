@@ -1,4 +1,4 @@
-// Sends Ctrl-C to an ingest before system calls from its first to its last.
+// Sends Ctrl-C to an ingest before system calls at regular intervals of the run.
 #include "IngestTestSupport.h"
 #include <ProcessRunner.h>
 #include <TracedRunLinux.h>

@@ -1,4 +1,4 @@
-// Runs orl ingest with properties that only Linux has: unusual names, permissions, failing calls, and coreutils as the
+// Runs orl ingest in conditions that only Linux has: unusual names, permissions, failing calls, and coreutils as the
 // verifier.
 #include "IngestRunSupport.h"
 
@@ -31,7 +31,7 @@ protected:
 
     orl::IngestOutcome RunHere() const { return IngestHere(Card(), Disk()); }
 
-    /// Expects that the check for free space refuses the destination with this text.
+    /// Expects that the check for free space refuses the destination with this message.
     void ExpectNoRoom(const char* inText) const
     {
         try {

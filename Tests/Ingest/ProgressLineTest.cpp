@@ -1,4 +1,4 @@
-// Tests the progress line and the width of its text.
+// Tests the progress line and the number of columns that its characters take.
 #include <IngestProgress.h>
 #include <ProgressLine.h>
 #include <Text.h>
@@ -93,7 +93,7 @@ TEST(FitProgress, PartsOfTheHighestRank_GoFirst)
     EXPECT_EQ("a?b", FitProgress({{"a\nb", 0}}, 9));
 }
 
-// Not every console understands escape sequences, and one that shows them as characters would wrap.
+// Not every console interprets escape sequences; a console that prints them would wrap the line.
 TEST(ProgressLine, OverwritesTheLongerTextWithBlanks)
 {
     CapturedOutput output;

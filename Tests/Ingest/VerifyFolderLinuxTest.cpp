@@ -1,4 +1,4 @@
-// Tests entries that are removed or replaced while a file below them is open. On Windows an open file stays in place.
+// Tests files and folders that are removed or replaced during the verification. On Windows an open file stays in place.
 #include "VerifySupport.h"
 
 #include <filesystem>

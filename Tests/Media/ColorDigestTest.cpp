@@ -1,5 +1,5 @@
-// The digest of every sweep over the colour functions. Digests are the same on every platform, so two builds that pass
-// agree in every bit of every value. A digest changes only if the arithmetic of its function or its sweep changes.
+// Compares the digest of each colour sweep with a constant. Digests are the same on every platform, so two builds that
+// pass agree in every bit of every value. A digest changes only if the arithmetic of its function or its sweep changes.
 #include "ColorSweeps.h"
 
 #include <cstddef>

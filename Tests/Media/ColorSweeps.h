@@ -61,7 +61,7 @@ void ForEachThreeBytes(std::uint32_t inStep, const Visit& inVisit)
     }
 }
 
-// Visits degrees and percents, a little past their ranges.
+// Visits degrees and percentages, and a few values beyond their ranges.
 template <class Visit>
 void ForEachPolar(std::uint32_t inStep, const Visit& inVisit)
 {

@@ -1,4 +1,4 @@
-// Tests the colour functions: stored outputs, unchanged outputs, and the ends of the ranges.
+// Tests which outputs the colour functions store, and their results at the ends of the ranges.
 #include <ORLColor.h>
 
 #include <algorithm>

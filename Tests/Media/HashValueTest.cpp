@@ -1,4 +1,4 @@
-// Compares the hash with lookup2 as published, and tests its text.
+// Compares MixHash with the published lookup2, and tests the text form of HashValue.
 #include <ORLHashValue.h>
 
 #include <TextHelpers.h>

@@ -1,4 +1,4 @@
-// Tests the process clock on Linux: its start, and its behaviour with a clock that the test sets.
+// Tests ProcessClock on Linux: its start, and its results with a system clock that the test sets.
 #include <ORLTimeStamp.h>
 
 #include <FaultySystemCallsLinux.h>
@@ -36,7 +36,7 @@ long long MillisecondsSinceBoot()
     return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
-// Reads field 22, counted in words after the process name.
+// Reads field 22 of /proc/self/stat, the start time.
 long long StartOfThisProcess()
 {
     std::ifstream file("/proc/self/stat");
@@ -62,7 +62,7 @@ TEST(ProcessClock, CountsFromTheStartOfTheProcess)
     EXPECT_LE(clock, after + 1);
 }
 
-// In the kernel's file the process name precedes the start time and may contain any character.
+// In /proc/self/stat the process name precedes the start time and may contain any character.
 TEST(ProcessClock, UnderAHostileName_CountsFromTheStartOfTheProcess)
 {
     const ORLTest::TempFolder folder;

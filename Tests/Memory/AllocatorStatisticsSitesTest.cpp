@@ -1,5 +1,5 @@
-// A trace site queries the configuration only after it has changed, and caches the result. A query on every pass would
-// slow the fast path of traced code.
+// Tests that a trace site queries the configuration only after a change, and caches the result. A query on every pass
+// would slow the fast path of traced code.
 #include <Memory/AllocatorStatistics.h>
 #include <tvxcore/Trace.h>
 

@@ -19,7 +19,7 @@ TEST(MemoryRecycler, SystemRefusesPages_TheSmallBlockAllocatorServesAndIsGivenTh
     EXPECT_EQ(12288u, buffer.GetSize());
     void* const address = buffer.GetBuffer();
     recycler.RecycleBuffer(buffer);
-    // The buffer is pooled like any other and keeps the flag that selects how to free it.
+    // The buffer is pooled like any other and keeps the flag that determines how it is freed.
     MemoryBuffer again = recycler.AllocateBuffer(12288);
     EXPECT_EQ(address, again.GetBuffer());
     EXPECT_FALSE(again.IsVirtual());

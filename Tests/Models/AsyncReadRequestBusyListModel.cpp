@@ -1,5 +1,5 @@
-// Runs the shipped list of reads in flight, with the shipped gate and gate pool, under a model checker: removals racing
-// waits.
+// Runs the shipped list of reads in flight, with the shipped gate and gate pool, under a model checker, while threads
+// remove reads and wait for them.
 #include <ModelRun.h>
 
 namespace {

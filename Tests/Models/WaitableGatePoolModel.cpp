@@ -1,4 +1,4 @@
-// Runs the shipped pool of gates under a model checker: returns racing retrievals.
+// Runs the shipped pool of gates under a model checker, while threads retrieve and return gates.
 #include <ModelRun.h>
 
 namespace {

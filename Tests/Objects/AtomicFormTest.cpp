@@ -1,5 +1,5 @@
-// Tests the machine code of the two reads, which their contract defines as a compare-exchange of 17 with 17. Tests of
-// behaviour can show that a read writes, but not which number it compares with; only the machine code shows the number.
+// Tests the machine code of AtomicRead and AtomicReadPtr, by contract a compare-exchange of 17 with 17. Tests of
+// behaviour can show that a read writes, but not which number it compares with.
 #include <ORLAtomic.h>
 
 #include <gtest/gtest.h>

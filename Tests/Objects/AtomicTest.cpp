@@ -103,7 +103,7 @@ TEST(Atomic, AlignedTargets_ReportNothing)
 
 namespace {
 
-// Objects at each offset in 16 aligned bytes; records the reports of operations on them.
+// Memory in which At returns an object at any offset, aligned or not.
 struct Misaligned
 {
     alignas(16) unsigned char mBytes[32] = {};
@@ -245,7 +245,7 @@ TEST(Atomic, ReadPtr_CarriesAFullBarrier)
     ExpectAFullBarrier<char*>(&sObject, [](char*& ioWord) { return AtomicReadPtr(ioWord); });
 }
 
-// Both reads are read-modify-write operations, so they fault on read-only memory.
+// AtomicRead and AtomicReadPtr are read-modify-write operations, so they fault on read-only memory.
 TEST(AtomicDeathTest, ReadOfWhatMayNotBeWritten_EndsTheProcess)
 {
     static const std::int32_t sNumber = 18;

@@ -75,7 +75,7 @@ TEST(ClassFactory, ClassWithoutCategories_IsCreatedByIdentifierAndIsInNoCategory
     EXPECT_EQ(1, MakerOf(ref));
 }
 
-// Known categories stay unchanged, and no category is created from a related identifier.
+// Known categories stay unchanged; neither the class identifier nor zero becomes a category.
 TEST(ClassFactory, ClassWithoutCategories_ChangesNoCategoryAndMakesNone)
 {
     static const Guid known(0x1111, 6);

@@ -1,4 +1,4 @@
-// Tests host paths and library paths on both platforms.
+// Tests the conversion between host paths and library paths on both platforms.
 #include <ORLHostPath.h>
 
 #include <ORLPathUtils.h>

@@ -78,14 +78,14 @@ TEST(GetLeafDisplayName, From261UnitsOn_LeavesTheShellOut)
     const Step cut = SplitLeaf(folder + Units(u"\\") + leaf);
     EXPECT_EQ(leaf, cut.mName);
     EXPECT_EQ(folder, cut.mLeft);
-    // without a backslash, or with nothing after the last one, the name is the whole text, and the path keeps it
+    // without a backslash, or with nothing after the last one, both the name and the rest are the whole path
     const UTF16String trailing = folder + Units(u"\\") + leaf + Units(u"\\");
     EXPECT_EQ(trailing, SplitLeaf(trailing).mName);
     EXPECT_EQ(trailing, SplitLeaf(trailing).mLeft);
     const UTF16String flat(261, 'f');
     EXPECT_EQ(flat, SplitLeaf(flat).mName);
     EXPECT_EQ(flat, SplitLeaf(flat).mLeft);
-    // a text of 260 units is still passed to the shell
+    // a path of 260 units is still passed to the shell
     EXPECT_EQ(UTF16String(), SplitLeaf(UTF16String(260, 'f')).mLeft);
 }
 

@@ -1,4 +1,4 @@
-// Tests the shell functions that return the display names.
+// Tests GetShellName_Impl, which queries the Windows shell for a display name.
 #include <Platform/Paths.h>
 
 #include <ORLPathUtils.h>

@@ -134,7 +134,7 @@ TEST(IsDriveRootPath, IsExactlyADrive)
 
 namespace {
 
-// A second implementation of the rules over narrow text: it removes the extended prefix, classifies the rest by its
+// A second implementation of the rules, for narrow strings: it removes the extended prefix, classifies the rest by its
 // shape, and adds the prefix again.
 struct Shape
 {

@@ -104,8 +104,8 @@ TEST(SplitPath, OutputsMayBeNull_OrThePathItself)
 
 namespace {
 
-// A second implementation of the rules: one pass over narrow text that appends each character to a part; at a separator
-// it moves the file name to the directory.
+// A second implementation of the rules: one pass over a narrow string that appends each character to a part; at a
+// separator it moves the file name to the directory.
 struct NarrowParts
 {
     std::string mDrive;

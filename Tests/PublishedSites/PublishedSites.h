@@ -1,5 +1,5 @@
-// Tests checks with a published identity, the key of crash triage and of users' lists of ignored checks. Each room has
-// a table of its sites in the file PublishedSites<Room>Test.cpp:
+// Tests the published identity of checks, the key for crash triage and for users' lists of ignored checks. Each room
+// has a table of its sites in the file PublishedSites<Room>Test.cpp:
 //
 //   const PublishedSite kSites[] = {
 //       {__LINE__, PublishedSite::kAssert, "false", "message\r\n", "Source", 12, "ORL::Class::Function", [] { ... }},

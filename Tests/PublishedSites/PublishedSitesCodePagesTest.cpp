@@ -1,4 +1,4 @@
-// Tests the published checks of the conversions between code pages and 16-bit text.
+// Tests that the checks in code page conversions are reported as published.
 #include "PublishedSites.h"
 
 #include <System/CodePageConversion.h>

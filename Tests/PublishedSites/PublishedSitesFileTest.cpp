@@ -1,4 +1,4 @@
-// Tests the published checks of File. The line numbers of these checks are not published.
+// Tests that the checks of File are reported as published. Their line numbers are not published.
 #include "PublishedSites.h"
 
 #include <BlockCacheSupport.h>

@@ -1,4 +1,4 @@
-// Tests the published checks of paths and asynchronous reads. The line numbers of these checks are not published.
+// Tests that the checks of paths and asynchronous reads are reported as published. Their lines are not published.
 #include "PublishedSites.h"
 
 #include <Files/AsyncFileReaderImpl.h>

@@ -1,4 +1,4 @@
-// Tests the published checks of the class factory, large buffers and names.
+// Tests that the checks of the class factory, large buffers and names are reported as published.
 #include "PublishedSites.h"
 
 #include <ORLClassFactory.h>

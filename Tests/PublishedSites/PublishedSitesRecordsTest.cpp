@@ -1,4 +1,4 @@
-// Tests the published checks of thread records and of the flush. The line numbers of these checks are not published.
+// Tests that the checks of thread records and flushes are reported as published. Their lines are not published.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

@@ -1,4 +1,4 @@
-// Tests the published checks of registry keys.
+// Tests that the checks of registry keys are reported as published.
 #include "PublishedSites.h"
 
 #include <ORLRegistryKey.h>

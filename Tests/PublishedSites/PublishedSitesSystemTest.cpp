@@ -1,4 +1,4 @@
-// Tests the published checks of symbolic directories and of the application object.
+// Tests that the checks of symbolic directories and the application object are reported as published.
 #include "PublishedSites.h"
 
 #include <ORLApplication.h>

@@ -1,4 +1,4 @@
-// Tests the published checks in the folders Core and Objects.
+// Tests that the checks in the folders Core and Objects are reported as published.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

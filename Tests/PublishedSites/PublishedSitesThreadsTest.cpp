@@ -1,4 +1,4 @@
-// Tests the published checks in the folder Threads. The line numbers of these checks are not published.
+// Tests that the checks in the folder Threads are reported as published. Their line numbers are not published.
 #include "PublishedSites.h"
 #include <WaitableWithoutHandle.h>
 
