@@ -1,4 +1,4 @@
-// Queries sizes and times, of open files and by path.
+// Queries the sizes and times of files, by handle or by path.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>

@@ -1,4 +1,4 @@
-// Readable descriptions of system errors and hardware exceptions.
+// Converts system errors and exception records to readable text.
 #include <ORLFailureReport.h>
 
 #include <ORLString.h>

@@ -10,7 +10,7 @@ namespace {
 
 using Factory = InterfaceRef<IFileBufferFactory, IFileBufferFactory>;
 
-// Never destroyed: at process exit the module of the host's factory may already be unloaded.
+// Never destroyed: at process exit the module that contains the host's factory may already be unloaded.
 Factory& TheFactory()
 {
     alignas(Factory) static unsigned char sMemory[sizeof(Factory)];

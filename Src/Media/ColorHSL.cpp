@@ -1,4 +1,4 @@
-// Conversions between RGB and HSL.
+// Converts between RGB and HSL.
 #include <ORLColor.h>
 
 #include <Media/ColorMath.h>

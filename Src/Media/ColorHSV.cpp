@@ -1,4 +1,4 @@
-// Conversions between RGB and HSV.
+// Converts between RGB and HSV.
 #include <ORLColor.h>
 
 #include <Media/ColorMath.h>

@@ -1,4 +1,4 @@
-// Conversions between RGB, YPbPr and YIQ, and levels in IRE and millivolts.
+// Converts between RGB, YPbPr and YIQ, and computes levels in IRE and millivolts.
 #include <ORLColor.h>
 
 #include <Media/Arctangent.h>

@@ -1,5 +1,5 @@
-// Conversions between RGB and YUV. The coefficients are those in the headers. The order of the terms determines the
-// last bits of a result.
+// Converts between RGB and YUV with the coefficients in the headers. The order of the terms determines the last bits of
+// a result.
 #include <ORLColor.h>
 
 #include <cmath>

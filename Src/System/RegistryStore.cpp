@@ -1,4 +1,4 @@
-// The registry interface for tools.
+// Implements the registry interface for tools.
 #include <ORLRegistryStore.h>
 
 #include <Platform/Registry.h>

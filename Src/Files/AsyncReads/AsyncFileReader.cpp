@@ -14,7 +14,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// Returned for failures that have no named result code.
+// For failures without a named result code.
 constexpr Result kBareFailure = -1;
 
 const Handle INVALID_HANDLE_VALUE = InvalidHandle();

@@ -1,4 +1,4 @@
-// Paths as the shell displays them to a user.
+// Converts paths to the names that the shell displays to users.
 #include <Files/PathForms.h>
 #include <Platform/Paths.h>
 

@@ -1,4 +1,4 @@
-// The forms of a path, and the conversions between them.
+// Converts between the plain and the extended form of a path.
 #include <Files/PathForms.h>
 
 #include <ORLDebug.h>

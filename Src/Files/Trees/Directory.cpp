@@ -1,4 +1,4 @@
-// A directory as an object: queries, creation and removal.
+// Implements the directory object: queries, creation and removal.
 #include <ORLDirectory.h>
 
 #include <Files/PathForms.h>

@@ -1,4 +1,4 @@
-// The two implementations of a completion port: an io_uring, and threads that read.
+// Declares completion ports. There are two implementations: an io_uring, and threads that read.
 #pragma once
 
 #include "../Files/LinuxShareModes.h"

@@ -21,7 +21,7 @@ using PairsToBytesFunction = ConversionFunction<DoubleBytePage, unsigned short, 
 struct CodePageKernel
 {
     const char* mName;
-    bool (*mIsSupported)() noexcept; // returns whether this processor can run it
+    bool (*mIsSupported)() noexcept; // returns whether this processor can run the kernel
     SinglesToUnitsFunction* mSinglesToUnits;
     PairsToUnitsFunction* mPairsToUnits;
     PairsToBytesFunction* mPairsToBytes;
@@ -29,7 +29,7 @@ struct CodePageKernel
 
 constexpr std::size_t kKernelCount = 2;
 
-/// Sorted from the faster kernel to the slower one, which runs on every processor.
+/// The fastest kernel first; the last one runs on every processor.
 extern const CodePageKernel kCodePageKernels[kKernelCount];
 
 /// Returns the first kernel that this processor supports.

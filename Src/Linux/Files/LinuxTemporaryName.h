@@ -1,4 +1,4 @@
-// Names for files that are incomplete or exist only briefly.
+// Makes names for files that are incomplete or exist only briefly.
 #pragma once
 
 #include <cerrno>

@@ -1,5 +1,5 @@
 // Floor: System
-// The chunks of a PNG file.
+// Reads the chunks of a PNG file.
 #pragma once
 
 #include <Resources/ResourceReaders.h>

@@ -1,5 +1,5 @@
 // Floor: System
-// The resources of a module that the loader has mapped.
+// Finds the resources of a module that the loader has mapped.
 #pragma once
 
 #include <ORLNativeHandles.h>
@@ -10,8 +10,8 @@
 namespace ORL {
 namespace Linux {
 
-/// Returns the compiled resource files in a loaded module, in the loader's mapping. inModule is a handle of the loader,
-/// or null for the program itself.
+/// Returns the compiled resource files in a loaded module, without copying their mapped bytes. inModule is a handle of
+/// the loader, or null for the program itself.
 std::vector<Resources::Bytes> FindImageResources(HINSTANCE inModule);
 
 } // namespace Linux

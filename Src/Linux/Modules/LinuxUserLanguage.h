@@ -1,5 +1,5 @@
 // Floor: System
-// The language identifier of the user's locale.
+// Finds the language identifier of the user's locale.
 #pragma once
 
 namespace ORL {

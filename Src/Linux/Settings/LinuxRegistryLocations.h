@@ -1,5 +1,5 @@
 // Floor: System
-// The locations of the two stores.
+// Finds the locations of the two stores.
 #pragma once
 
 #include <string>

@@ -161,7 +161,7 @@ bool WriteProbe_Impl(const UTF16String& inPath)
     return file && System().mUnlink(path.mPath.c_str()) == 0 && System().mPWrite(file.Get(), "X", 1, 0) == 1;
 }
 
-// Returns a status in the form of the Windows path service, which only reports that a path is missing.
+// Returns 0 or an HRESULT, as on Windows; the only failure that it reports is a missing path.
 unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
 {
     constexpr unsigned long kPathNotFoundStatus = 0x80070003;

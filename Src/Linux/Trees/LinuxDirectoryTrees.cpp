@@ -1,4 +1,4 @@
-// The equivalent of SHFileOperation for the contents of a folder.
+// Implements the equivalent of SHFileOperation for the contents of a folder.
 #include <Platform/Directory.h>
 
 #include "../Calls/LinuxErrors.h"

@@ -1,4 +1,4 @@
-// The path from a folder down into its tree.
+// Tracks the path of a walk from a folder down into its tree.
 #pragma once
 
 #include "LinuxTreeEntryShare.h"

@@ -1,4 +1,4 @@
-// The header, the masks and the colours of a bitmap resource, which precede its pixels.
+// Reads the header, masks and colours that precede the pixels of a bitmap resource.
 #pragma once
 
 #include <Resources/ResourceReaders.h>

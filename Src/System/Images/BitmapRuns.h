@@ -1,4 +1,4 @@
-// Run-length encoded pixels of 4 or 8 bits.
+// Decodes run-length encoded pixels of 4 or 8 bits.
 #pragma once
 
 #include "BitmapHeader.h"

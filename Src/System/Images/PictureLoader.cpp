@@ -28,7 +28,7 @@ using PicturePtr = std::unique_ptr<Picture, Freer<Picture, &DisposePicture_Impl>
 using StreamPtr = std::unique_ptr<Stream, Freer<Stream, &ReleaseStream_Impl>>;
 using Block = std::unique_ptr<unsigned char[]>;
 
-// The differences between the two variants of the loader, and the line numbers and names in their check messages.
+// The traits of the two variants of the loader: behaviour, and line numbers and names in check messages.
 struct RowsExchanged
 {
     static constexpr bool kIsFlipped = true;

@@ -32,7 +32,7 @@ bool StatusOf(const std::string& inPath, struct statx& outStatus) noexcept
     return System().mStatx(AT_FDCWD, inPath.c_str(), AT_SYMLINK_NOFOLLOW, kMask, &outStatus) == 0;
 }
 
-// Users other than root trust only what they or root own. World-writable files and folders are never trusted.
+// Users other than root trust only their own or root's files and folders; nobody trusts world-writable ones.
 bool IsTrusted(const struct statx& inStatus)
 {
     const ::uid_t user = ::geteuid();

@@ -1,5 +1,5 @@
 // Floor: System
-// The folder of a store and its files.
+// Creates, checks and queries the folder of a store and its files.
 #pragma once
 
 #include "../LinuxRegistryLocations.h"

@@ -48,7 +48,7 @@ struct StoredKey : std::enable_shared_from_this<StoredKey>
     }
 };
 
-/// A key in the list of its parent.
+/// A row of the table of keys: a subkey of the queried key.
 struct SubKeyRow
 {
     std::int64_t mId = 0;
