@@ -1,5 +1,5 @@
-// Makes the tests of this program run for a user whose language is American English, as their tables expect, whatever
-// the locale of the machine is.
+// Makes the tests of this program run for a user whose language is American English, as their tables expect, regardless
+// of the machine's locale.
 #include <Linux/Modules/LinuxUserLanguage.h>
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// The texts of the library's own dialogs in each language.
+// The expected strings of the library's own dialogs in each language.
 #pragma once
 
 #include <Resources/DialogTemplate.h>
@@ -134,7 +134,7 @@ void ExpectDialog(const ORL::Resources::Bytes& inTemplate, int inWidth, int inHe
     }
 }
 
-/// Compares the template of dialog 14400 with the texts of one language.
+/// Compares the template of dialog 14400 with the strings of one language.
 inline void ExpectEventDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
     constexpr std::uint32_t kEdit = kVisibleChild | kBorder | kTabStop;
@@ -152,7 +152,7 @@ inline void ExpectEventDialog(const ORL::Resources::Bytes& inTemplate, const Dia
     ExpectDialog(inTemplate, 346, 217, inTexts.mEventCaption, kItems);
 }
 
-/// Compares the template of dialog 14401 with the texts of one language.
+/// Compares the template of dialog 14401 with the strings of one language.
 inline void ExpectErrorDialog(const ORL::Resources::Bytes& inTemplate, const DialogTexts& inTexts)
 {
     const ExpectedItem kItems[] = {

@@ -1,4 +1,4 @@
-// Tests the library's icon and dialogs, read from its file with the resource readers.
+// Tests the icon and dialogs that the resource readers find in the library's file.
 #include "LibraryDialogs.h"
 #include "PlugIns.h"
 

@@ -1,4 +1,4 @@
-// Tests the library's icon and dialogs, found by Windows itself.
+// Tests that the resource functions of Windows find the library's icon and dialogs.
 #include "LibraryDialogs.h"
 #include "PlugIns.h"
 

@@ -16,7 +16,7 @@ namespace ORLTest {
 
 using ModulePtr = ORL::ObjectPtr<ORL::Module, ORL::AtomicValue>;
 
-/// Localised lookups use this language during its lifetime.
+/// While an instance exists, localised lookups use its language.
 class LanguageScope
 {
 public:

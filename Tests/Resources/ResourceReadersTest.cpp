@@ -53,7 +53,7 @@ void ExpectSafe(const Kind& inKind, const unsigned char* inData, std::size_t inS
     ASSERT_EQ(nullptr, fault) << inKind.mFile << ", " << inWhat << " " << inNumber << ": " << fault;
 }
 
-// Collects the bytes of numbers and texts.
+// Collects the bytes of numbers and strings.
 class Writer
 {
 public:
@@ -179,8 +179,8 @@ TEST(ResourceReaders, DirectoryThatLeadsToItself_Ends)
     EXPECT_TRUE(index.Entries().empty());
 }
 
-// Each of many entries leads to the same table of many entries. Without a limit the walk would visit the cube of the
-// number of entries.
+// Each of many entries refers to the same table of many entries. Without a limit the walk would take the cube of the
+// number of entries in steps.
 TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
 {
     constexpr std::uint16_t kCount = 60000;
@@ -228,8 +228,8 @@ TEST(ResourceReaders, NamesAndDataOutsideOfTheSection_AreLeftOut)
         {__LINE__, 7, 0x80000018, kSectionAddress - 1, 4, 0},
         {__LINE__, 7, 0x18, kSectionAddress + 88, 4, 0}, // data where a table belongs
         {__LINE__, 7, 0xFFFFFFFF, kSectionAddress + 88, 4, 0},
-        {__LINE__, 0x80000059, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that begins beyond the end
-        {__LINE__, 0x80000058, 0x80000018, kSectionAddress + 88, 4, 0}, // a text that is longer than the section
+        {__LINE__, 0x80000059, 0x80000018, kSectionAddress + 88, 4, 0}, // a name that begins beyond the end
+        {__LINE__, 0x80000058, 0x80000018, kSectionAddress + 88, 4, 0}, // a name that is longer than the section
         {__LINE__, 0x10007, 0x80000018, kSectionAddress + 88, 4, 0},    // an identifier of more than 16 bits
     };
     for (const Row& row : kRows) {

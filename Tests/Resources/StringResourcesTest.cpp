@@ -20,7 +20,7 @@ constexpr unsigned short kJapanese = 1041;
 
 using Block = std::vector<unsigned short>;
 
-// Returns a block with texts at the given positions.
+// Returns a block with strings at the given positions.
 Block MakeBlock(const std::map<unsigned int, std::u16string>& inTexts)
 {
     Block block;

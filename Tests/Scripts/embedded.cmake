@@ -1,5 +1,5 @@
-# The library as a part of another project: beside it, and inside its build folder, where FetchContent puts it. Reports
-# name sources relative to the library in both, and the library changes nothing else of the project.
+# Builds the library as part of another project: beside it, and inside its build folder, where FetchContent puts it. In
+# both cases reports name sources relative to the library, and the library changes nothing in the project.
 if(NOT ORL_SANITIZE)
   foreach(case Beside Fetched)
     set(name Package.InsideAnotherProject_${case}_ChecksNameTheSameSourcesAndNothingElseChanges)

@@ -27,8 +27,8 @@ if(NOT ORL_SANITIZE)
   endforeach()
 endif()
 
-# No library exports what each host compiles itself, except compile-time constants: the loader would bind a plug-in to
-# the host's copy.
+# A host exports no library symbol that it compiles itself, except compile-time constants: the loader would bind a
+# plug-in to the host's copy.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(level 0 2)
     add_test(NAME Package.HostsRepeatNoSymbolOfTheLibraries.O${level}
@@ -37,7 +37,7 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   endforeach()
 endif()
 
-# The ABI is the stored one. Other compilers and builds without debug information describe it differently.
+# The ABI equals the stored one. Not tested with other compilers or without debug information: these change the dump.
 if(NOT WIN32 AND NOT ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
   add_test(NAME Package.AbiIsTheStoredOne COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_abi.py"
     "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")

@@ -1,5 +1,5 @@
-// Linux has no transactions for the registry. Each call that needs a transaction fails as it does on a Windows version
-// without the transaction function.
+// Tests registry transactions on Linux, which has none: each call that needs a transaction fails as it does on a
+// Windows version without the transaction function.
 #include "TestRegistry.h"
 
 #include <System/RegistryHandle.h>

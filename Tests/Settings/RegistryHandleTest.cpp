@@ -1,4 +1,4 @@
-// Tests handles with a transaction manager, which the library's own keys never have.
+// Tests registry handles with a transaction manager, which RegistryKey never uses.
 #include "TestRegistry.h"
 
 #include <System/RegistryHandle.h>

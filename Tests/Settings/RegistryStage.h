@@ -1,4 +1,4 @@
-// Keys and calls for a table of registry situations. Each call returns a text: the status, and the outputs of the call.
+// Keys and calls for a table of registry situations. Each call returns a string: the status and the outputs.
 #pragma once
 
 #include "TestRegistry.h"

@@ -1,4 +1,4 @@
-// Windows' results for calls on values, by record number. The tests call the platform functions on both platforms.
+// Compares calls on values with recorded results of Windows. Calls the platform functions on both platforms.
 #include "RegistryStage.h"
 
 #include <cstring>

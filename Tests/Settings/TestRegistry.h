@@ -1,4 +1,4 @@
-// A separate part of the registry for one test: on Linux a store in a temporary folder, on Windows a key.
+// Isolates the registry of one test: on Linux in a store in a temporary folder, on Windows below a key.
 #pragma once
 
 #include <ORLRegistryKey.h>

@@ -340,7 +340,7 @@ TEST(ConstString, LastRelease_GivesTheRecordBackWithItsSize)
 {
     const std::size_t record = sizeof(Internal::ConstStringShared<UTF16String>);
     ExpectOwned<ConstString>(TVX_UTF16("short"), 1, record);
-    // A long text has its own block, including the terminating zero.
+    // A long string has its own block, including the terminating zero.
     const UTF16String text(100, 'x');
     ExpectOwned<ConstString>(text.c_str(), 2, record + 101 * sizeof(unsigned short));
 }

@@ -249,7 +249,7 @@ TEST(ImmutableStringTable, ManyTexts_AreEachFoundAgainAndPurgedTogether)
     for (std::size_t i = 0; i < texts.size(); ++i) {
         ASSERT_EQ(handles[i].c_str(), ImmutableString::CreateDynamic(texts[i]).c_str()) << texts[i];
     }
-    // Removes every second text; the rebuilt index must still find the remaining texts.
+    // Removes every second string; the rebuilt index must still find the others.
     for (std::size_t i = 0; i < handles.size(); i += 2) {
         handles[i] = ImmutableString();
     }
@@ -293,7 +293,7 @@ TEST(ImmutableStringTable, SomebodyAtWorkInTheTable_NothingIsFreedAndNobodyWaits
     EXPECT_EQ(0u, table.GetCount());
 }
 
-// Covers both sides of every block boundary of the hash. Texts of one size that differ in one byte must be distinct.
+// Covers both sides of every block boundary of the hash. Strings of one size that differ in one byte must be distinct.
 TEST(ImmutableStringTable, EachSizeUpTo200_IsFoundAgainAndOneOtherByteIsNot)
 {
     for (std::size_t size = 0; size <= 200; ++size) {

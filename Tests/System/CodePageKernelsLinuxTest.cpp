@@ -1,5 +1,5 @@
-// Compares every form of the conversions with the same text converted character by character. The texts and the results
-// end where readable memory ends, so that an access beyond either end faults.
+// Compares every conversion kernel with a conversion character by character. Inputs and results end where readable
+// memory ends, so that an access past either end faults.
 #include "CodePageSweep.h"
 
 #include <Linux/CodePages/LinuxCodePageKernels.h>
@@ -123,8 +123,8 @@ protected:
         }
     }
 
-    // Converts a text; the text and its result lie directly before, or the given number of bytes before, a page without
-    // access.
+    // Converts a string. The string and its result end directly before, or the given number of bytes before, a page
+    // without access.
     UTF16String Units(unsigned inPage, const std::string& inText, std::size_t inBehind = 0) const
     {
         char* const text = mText.Last<char>(inText.size(), inBehind);

@@ -50,7 +50,7 @@ private:
     std::uint64_t mState = 20261122;
 };
 
-/// Returns a text of up to 100 elements, with runs of ASCII of every length between elements below inLimit.
+/// Returns a string of up to 100 elements, with runs of ASCII of every length between elements below inLimit.
 template <class Text>
 Text RandomText(SteadyNumbers& ioNumbers, unsigned inLimit)
 {

@@ -1,4 +1,4 @@
-// Tests text in code pages: both platforms must return Windows' results.
+// Tests conversions between code pages and UTF-16: both platforms must return the results of Windows.
 #include "CodePageSweep.h"
 
 #include <CRV/Application.h>
@@ -285,7 +285,7 @@ TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
     }
 }
 
-// The text is not read, because sizes in Windows are 32-bit.
+// Sizes in Windows are 32-bit, so the functions fail without reading the string.
 TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasuredOrConverted)
 {
     const std::size_t count = static_cast<std::size_t>(INT_MAX) + 1;

@@ -234,7 +234,7 @@ TEST_F(Language, MissingValue_IsNotTracedWhereTheCategoryIsOff)
     EXPECT_TRUE(sTraced.empty());
 }
 
-// The fetch holds the lock of the language while it acquires the lock of the keys.
+// The first read of the language holds its lock while it acquires the lock of the registry keys.
 TEST_F(Language, EightFirstReadersBesideTheKeys_FetchOnceAndEnd)
 {
     Store("ja_JP");

@@ -1,4 +1,4 @@
-// Tests the search for a process on Linux: unusual names, other users' processes, and failing calls.
+// Tests IsProcessRunning on Linux: unusual names, other users' processes, and failing calls.
 #include <ORLProcess.h>
 
 #include <FaultySystemCallsLinux.h>

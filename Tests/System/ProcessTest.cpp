@@ -1,4 +1,4 @@
-// Tests the search for a process with this program, which is certainly running.
+// Tests IsProcessRunning with this program, which is certainly running.
 #include <ORLProcess.h>
 
 #include <TextHelpers.h>

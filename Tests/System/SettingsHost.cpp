@@ -1,6 +1,6 @@
 // A process whose host, environment and registry the tests choose.
 //   settings_host code-page              prints the number of the default code page
-//   settings_host keys NAME VERSION      prints the four key texts; the host changes its name before the last one
+//   settings_host keys NAME VERSION      prints the four key paths; the host changes its name before the last one
 //   settings_host current-version NAME VERSION
 #include <ORLFoundation.h>
 

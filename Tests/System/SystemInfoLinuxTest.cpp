@@ -1,4 +1,4 @@
-// Tests memory and the time stamp counter on Linux, with failing calls and with incomplete data.
+// Tests the queries for memory and the time stamp counter on Linux, with failing calls and with incomplete data.
 #include <ORLSystemInfo.h>
 
 #include <FakeProcLinux.h>

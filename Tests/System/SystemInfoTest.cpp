@@ -1,4 +1,4 @@
-// Tests the reports about the machine's hardware and load, on every platform.
+// Tests the queries about the machine's hardware and load on every platform.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>

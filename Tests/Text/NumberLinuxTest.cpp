@@ -1,4 +1,4 @@
-// The number formats of locales, by the locale names that Linux users set. Compares the formats with ICU's, whose data
+// Tests the number formats of locales, by the locale names that Linux users set. Compares them with ICU's, whose data
 // comes from the same consortium.
 #include <tvxcore/Number.h>
 #include <tvxcore/NumberPunctuation.h>

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kLongestShort = 40;
 
-// Calls inCompare for each text of up to 40 letters in which one letter is replaced by one of the units.
+// Calls inCompare for each string of up to 40 letters in which one letter is replaced by one of the units.
 template <class Text, class Compare>
 void ForEachShortText(const std::vector<unsigned>& inUnits, const Compare& inCompare)
 {
@@ -33,7 +33,7 @@ void ForEachShortText(const std::vector<unsigned>& inUnits, const Compare& inCom
 
 } // namespace
 
-// Conversions that return a short text by value take a separate path; conversions into the caller's memory are the
+// Conversions that return a short string by value take a separate path; conversions into the caller's memory are the
 // reference.
 TEST(Utf8To16, ShortTextsWithAnyByteAtAnyPlace_AreWhatTheyAreInMemoryOfTheCaller)
 {

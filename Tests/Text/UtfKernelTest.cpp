@@ -86,7 +86,7 @@ bool IsCharacter(std::uint32_t inPoint)
     return inPoint > 0xFFFF || !IsSurrogate(inPoint);
 }
 
-// Returns a code point of one of the chosen length classes, for uniform or mixed texts.
+// Returns a code point of one of the chosen length classes, for uniform or mixed strings.
 std::uint32_t RandomPoint(std::mt19937& ioRandom, unsigned inClasses)
 {
     static constexpr std::uint32_t kFirst[] = {0x01, 0x80, 0x800, 0x10000};
@@ -132,7 +132,7 @@ TEST(UtfKernels, EveryCodePoint_AtEveryPlaceOfAStep)
     }
 }
 
-// Texts and buffers that end near the end of a page, where vector steps take a different path.
+// Strings and buffers that end near the end of a page, where vector steps take a different path.
 TEST(UtfKernels, TextsAndBuffersAroundTheEndOfAPage_AtEveryPlace)
 {
     constexpr std::size_t kPage = 4096;

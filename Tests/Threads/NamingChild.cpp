@@ -1,4 +1,4 @@
-// Names one thread and confirms with its exit code that it survived.
+// Names one thread; the exit code confirms that the program survived.
 #include <ORLThreadManager.h>
 
 int main()

@@ -91,7 +91,7 @@ TEST_F(SharedQueues, Threads_AreNamedByTheLibraryAndTheirKind)
     SharedThreadedWorkQueue::Shutdown(); // the thread that adds the name may still be inside Record
 }
 
-// Linux cuts the names of threads before the kind of the queue; a report of a request that throws has the whole name.
+// Linux truncates thread names before the queue's kind; the report of a request that throws contains the whole name.
 TEST_F(SharedQueues, ReportOfARequestThatThrows_HasTheWholeNameOfTheThread)
 {
     const auto reportOf = [](const QueueRef& inQueue) {

@@ -215,7 +215,7 @@ TEST(ThreadedWorkQueueFlush, PausedQueue_IsFlushedAfterResumeAndNotBefore)
     queue->Stop();
 }
 
-// A flush during the stop of the queue may have some of its items refused; no flusher may hang.
+// A queue that is being stopped may refuse some items of a flush; no flusher may hang.
 TEST(ThreadedWorkQueueFlush, EightFlushersBesideIdleWorkPausesAndAStop_AllReturn)
 {
     for (int round = 0; round < ORLTest::Rounds(3); ++round) {

@@ -1,4 +1,4 @@
-// Replays the fuzzer's corpus and random texts of the grammar as plain tests on both platforms.
+// Replays the fuzzer's corpus and random strings of the grammar as plain tests on both platforms.
 #include "../../Fuzz/TimecodeFuzzTarget.h"
 #include "TimecodeTestSupport.h"
 #include "TypedStringGrammar.h"

@@ -1,5 +1,5 @@
-// Compares labels with libavutil's timecode functions. The two implementations agree on every frame of a day. The texts
-// and times on which they differ are listed with the reason.
+// Compares labels with libavutil's timecode functions. The two implementations agree on every frame of a day. The
+// strings and times on which they differ are listed with the reason.
 #include "TimecodeTestSupport.h"
 
 extern "C" {

@@ -1,4 +1,4 @@
-// Tests the values of the fields of a timecode text: their digits, and fields that overflow.
+// Tests the field values of timecode strings: their digits, and fields that overflow.
 #include "TimecodeParseSupport.h"
 
 #include <ExpectReport.h>

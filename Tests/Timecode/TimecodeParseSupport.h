@@ -1,4 +1,4 @@
-// Helpers of the tests that read timecode texts: tables of texts and their frame counts.
+// Helpers for the parsing tests: tables of timecode strings and their frame counts.
 #pragma once
 
 #include "TimecodeTestSupport.h"
@@ -16,7 +16,7 @@ inline TickTime Parse(const std::string& inText, const FrameRate& inRate, TimeDi
 
 inline constexpr long long kUnreadable = std::numeric_limits<long long>::min();
 
-/// A text and the frame count that it means, or kUnreadable.
+/// A string and the frame count that it represents, or kUnreadable.
 struct ParseRow
 {
     int mLine;

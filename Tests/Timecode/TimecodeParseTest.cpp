@@ -1,4 +1,4 @@
-// Tests which texts are timecodes: signs, separators, runs of digits.
+// Tests which strings are timecodes: signs, separators, runs of digits.
 #include "TimecodeParseSupport.h"
 
 #include <Media/TimecodeStrings.h>

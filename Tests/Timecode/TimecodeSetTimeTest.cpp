@@ -1,4 +1,4 @@
-// Tests SetTime of a text.
+// Tests SetTime with a string.
 #include "TimecodeParseSupport.h"
 
 using namespace ORLTest;

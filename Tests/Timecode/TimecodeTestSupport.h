@@ -1,4 +1,4 @@
-// Shared helpers for the Timecode tests: texts, formats with their rates, and the recorder of reports.
+// Shared helpers for the Timecode tests: strings, formats with their rates, and the recorder of reports.
 #pragma once
 
 #include <CheckRecorder.h>

@@ -1,4 +1,4 @@
-// Checks a million typed texts against an independent implementation of the entry rules, which splits the text into
+// Checks a million typed strings against an independent implementation of the entry rules, which splits a string into
 // pieces and computes in ticks; the library scans once and computes in frames.
 #include <ORLTimecode.h>
 

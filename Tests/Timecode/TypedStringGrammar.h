@@ -1,4 +1,4 @@
-// Generates timecode texts as people type them, correct and incorrect, for random tests and fuzzing seeds.
+// Generates timecode strings as people type them, correct and incorrect, for random tests and fuzzing seeds.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -9,7 +9,7 @@
 
 namespace ORLTest {
 
-/// Generates random texts, each with a format, rate and flag for parsing it. The same seed produces the same texts on
+/// Generates random strings, each with a format, rate and flag for parsing it. A seed produces the same strings on
 /// every platform.
 class TypedStringGrammar
 {

@@ -1,4 +1,4 @@
-// Runs orl stream with files and kernels that only Linux has.
+// Runs orl stream with files and process restrictions that only Linux has.
 #include "ShrinkingStream.h"
 
 #include <cstdlib>

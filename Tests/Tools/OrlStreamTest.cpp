@@ -201,7 +201,7 @@ TEST_F(OrlStream, SmallestClip_HasOneFrame)
     EXPECT_EQ(45u + 6 + 1920 * 1080 * 3 / 2, std::filesystem::file_size(mFolder.Host() / "clip.y4m"));
 }
 
-// A negative size must not be taken for a huge one, which would fill the disk.
+// A negative size must not be mistaken for a huge one, which would fill the disk.
 TEST_F(OrlStream, ClipOfNoSizeOrTooLarge_IsAMistakeOfTheCommandLine)
 {
     for (const char* size : {"0", "-1", "-256M", "2T", "99999999999999999999", "1.5M", "lots", ""}) {

@@ -114,7 +114,7 @@ protected:
     Terminal mTerminal;
 };
 
-/// Returns the C library's width of a text, independent of the program's own table.
+/// Returns the C library's width of a string, independent of the program's own table.
 int WidthByTheCLibrary(const std::string& inText)
 {
     const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
@@ -132,8 +132,8 @@ class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterfac
 protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
-    /// Expects that each text after a carriage return fits before the last column, up to the blanks that clear the
-    /// line, and that none of these texts contains a line break.
+    /// Expects that each string after a carriage return fits before the last column, up to the blanks that clear the
+    /// line, and that none of these strings contains a line break.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
         const std::vector<std::string> texts = AfterReturns(inScreen);

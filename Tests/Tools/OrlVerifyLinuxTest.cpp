@@ -1,4 +1,4 @@
-// Runs orl verify with properties that only Linux has: coreutils as the writer of the list, any byte in a name, links
+// Runs orl verify in conditions that only Linux has: coreutils as the writer of the list, any byte in a name, links
 // and pipes, permissions, and signals before any system call.
 #include <VerifyTestSupport.h>
 
@@ -25,7 +25,7 @@ class OrlVerifyOnLinux : public VerifiedTree
 protected:
     std::string Errors() const { return (mFolder.Host() / "errors").string(); }
 
-    /// Returns the exit code of the program traced, or -1 if tracing is not possible. outCalls is the number of
+    /// Returns the exit code of the traced program, or -1 if tracing is not possible. outCalls is the number of
     /// its system calls in the folder.
     int RunTraced(int inSignalAt, int inSignal, int& outCalls) const
     {

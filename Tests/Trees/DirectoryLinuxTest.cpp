@@ -148,7 +148,7 @@ TEST(DirectoryOnLinux, LoopsOfLinks_AreListedOnce)
               HostNames(folder, List(folder.Path())));
 }
 
-// The link leads to the parent of the listed folder: the listing must not follow it into the same folder again.
+// The link points to the parent of the listed folder: the listing must not follow it into the same folder again.
 TEST(DirectoryOnLinux, ALinkToTheFolderAbove_Ends)
 {
     const TempFolder folder;

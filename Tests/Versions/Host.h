@@ -1,9 +1,9 @@
-// Loading modules as a host does, without the library.
+// Loads modules as a host does, without the library.
 #pragma once
 
 namespace Versions {
 
-/// Loads a module whose symbols stay its own. The libraries in its folder are found first. Returns null on failure.
+/// Loads a module without exposing its symbols. Libraries in its folder have precedence. Returns null on failure.
 void* LoadModule(const char* inPath);
 
 void UnloadModule(void* inModule);

@@ -1,20 +1,20 @@
-// What one user of the library gets from the version that it is linked to. Host and plug-in compile the same source, so
-// each difference between two reports comes from the libraries.
+// The results that one user of the library gets from the version that it is linked to. Host and plug-in compile the
+// same source, so each difference between two reports comes from the libraries.
 #pragma once
 
 #include <cstddef>
 
 namespace Versions {
 
-/// What one use reports. Plain data, since the two users have different libraries.
+/// The results of one Use. Plain data, since the two users have different libraries.
 struct Report
 {
     char mFailure[128];       // empty on success
     char mLibrary[1024];      // the path of the library that answered
     char mApplication[64];    // the name that this user gave itself
     char mSetting[64];        // the value that this user wrote and read back
-    const char* mRecord;      // the record of an interned text that every user interns
-    unsigned long mSafeColor; // the answer that differs between the versions
+    const char* mRecord;      // the record of a string that every user interns
+    unsigned long mSafeColor; // the result that differs between the versions
     unsigned int mLanguage;   // the language that this user chose
     unsigned int mBytesRead;  // by an asynchronous read of the whole file
     unsigned int mRequests;   // run by a work queue
@@ -24,7 +24,7 @@ struct Report
 /// Starts the library for a user with a name and a language.
 void Start(const char* inName, unsigned short inLanguage);
 
-/// Uses the started library: a work queue, asynchronous reads of a file (a host path), texts and settings.
+/// Uses the started library: a work queue, asynchronous reads of a file (a host path), strings and settings.
 void Use(const char* inFile, const char* inName, Report& outReport);
 
 /// Stops the library.

@@ -1,4 +1,4 @@
-// Tests the end of an executor: by its two calls, and by the release of its last reference.
+// Tests the end of an executor: by the two calls that stop it, and by the release of its last reference.
 #include "ExecutorSupport.h"
 
 #include <ProcessThreads.h>

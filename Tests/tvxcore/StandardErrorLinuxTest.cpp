@@ -1,4 +1,4 @@
-// A report to a standard error whose writes fail must not change the calling thread's errno.
+// Tests that a report to a standard error whose writes fail does not change the calling thread's errno.
 #include <tvxcore/Debug.h>
 #include <tvxcore/ErrorManager.h>
 #include <tvxcore/Localizer.h>

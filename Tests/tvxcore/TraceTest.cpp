@@ -265,7 +265,7 @@ TEST_F(TraceTest, ThreadsThatConfigureAndTraceAtOnce_LoseNoLine)
     EXPECT_EQ(static_cast<std::size_t>(kThreads * kRounds / 2), TakeTexts().size());
 }
 
-// A text that is being written when the trace ends or restarts reaches the host's sink or is dropped.
+// A message that is being written when the trace ends or restarts reaches the host's sink or is dropped.
 TEST_F(TraceTest, EndedAndBegunAgainWhileThreadsTrace_WritesNothingToStandardError)
 {
     constexpr int kThreads = 2;

@@ -1,5 +1,5 @@
-// Fails each system call and each allocation below the store once. No acknowledged change is lost, no call hangs, and
-// the store stays intact.
+// Fails each system call and each allocation of the registry store once. No acknowledged change may be lost, no call
+// may hang, and the store must stay intact.
 #include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>

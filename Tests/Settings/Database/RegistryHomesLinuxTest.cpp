@@ -167,7 +167,7 @@ TEST_F(RegistryHomes, ReadOnlyHomeWithoutAStore_RefusesEachWrite)
     ::chmod(Home().c_str(), 0700);
 }
 
-// Record rm01: an ordinary user can read the machine's settings but not change them.
+// An ordinary user can read the machine's settings but not change them.
 TEST_F(RegistryHomes, MachinesStore_IsReadByAllAndWrittenByItsOwner)
 {
     if (::geteuid() != 0) {

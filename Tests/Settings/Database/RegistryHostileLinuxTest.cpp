@@ -188,7 +188,7 @@ TEST_F(RegistryHostile, FolderThatEverybodyMayWrite_IsRefused)
     EXPECT_EQ(kSuccess, TryToWrite());
 }
 
-// The user may place a link above the store, so the library follows the link.
+// A folder above the store may be a link, which the library must follow.
 TEST_F(RegistryHostile, LinkOnTheWayToTheFolder_IsFollowed)
 {
     const fs::path elsewhere = fs::path(mTestRegistry.Folder()) / "elsewhere";

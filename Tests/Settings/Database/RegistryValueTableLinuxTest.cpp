@@ -40,7 +40,7 @@ TEST(RegistryValueTable, EmptyTable_FindsNothing)
     EXPECT_TRUE(table.List().empty());
 }
 
-// Stores data of each size from 0 to 19 between two texts.
+// Stores data of each size from 0 to 19 between two strings.
 TEST(RegistryValueTable, Value_KeepsItsParts)
 {
     for (std::size_t size = 0; size < 20; ++size) {

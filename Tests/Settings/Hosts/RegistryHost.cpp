@@ -4,7 +4,7 @@
 //   registry_host mix BASE FIRST COUNT N    N threads, each with its own values, COUNT rounds each
 //   registry_host step NAME BASE LEDGER     one change, and a line in the ledger once it has been acknowledged
 //   registry_host fill BASE COUNT VALUE      sets COUNT numbered values
-//   registry_host count BASE NAME            counts a value up until it is killed, and prints what was acknowledged
+//   registry_host count BASE NAME            increments a value until it is killed; prints acknowledged numbers
 #include "RegistryModel.h"
 
 #include <ORLRegistryStore.h>

@@ -29,7 +29,7 @@ public:
 private:
     struct Value
     {
-        char mType = 0; // 'n' 32-bit number, 'l' 64-bit number, 's' text, 'b' bytes
+        char mType = 0; // 'n' 32-bit number, 'l' 64-bit number, 's' string, 'b' bytes
         unsigned __int64 mNumber = 0;
         std::string mText;
     };

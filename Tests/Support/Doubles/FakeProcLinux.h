@@ -11,8 +11,8 @@
 
 namespace ORLTest {
 
-/// While an instance exists, opening a named file opens the test's contents. All other calls go to the kernel.
-/// Calls() can add faults. Only one instance may exist at a time.
+/// While an instance exists, opening a file that the test names opens the test's contents. Other calls go to the
+/// kernel. Calls() can add faults. Only one instance may exist at a time.
 class FakeProc
 {
 public:

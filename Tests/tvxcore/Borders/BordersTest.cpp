@@ -1,6 +1,6 @@
-// Two plug-ins share a stream. Each plug-in is linked to the shared tvxcore and sees no symbols of the other; the host
-// that loads both plug-ins is linked to neither. If the identity of a facet differed between the plug-ins, the lookup
-// of the facet would fail.
+// Tests two plug-ins that share a stream. Each plug-in is linked to the shared tvxcore and sees no symbols of the
+// other; the host that loads both plug-ins is linked to neither. If the identity of a facet differed between the
+// plug-ins, the lookup of the facet would fail.
 #include <gtest/gtest.h>
 
 #if defined(_WIN32)

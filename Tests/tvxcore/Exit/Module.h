@@ -15,7 +15,7 @@
 /// the executors and functions, which are then destroyed when the process exits; if not, nothing destroys them.
 EXIT_MODULE_API void StartWork(bool inIsHeldByStatics);
 
-/// Starts threads that only allocate and dispose, and returns when they run. At process exit a static of the module
-/// allocates and disposes; this static exits with 99 if it gets a null block or a block that is also used
+/// Starts threads that only allocate and free blocks, and returns when they run. At process exit a static of the module
+/// allocates and frees blocks; it exits with 99 if it gets a null block or a block that is also used
 /// elsewhere.
 EXIT_MODULE_API void StartAllocating();
