@@ -13,8 +13,8 @@ namespace {
 constexpr char kDefaultName[] = "ORL";
 constexpr char kDefaultVersion[] = "1.0";
 
-// Static memory of the library, so there is nothing to free on unload. Text that does not fit is allocated from the
-// heap and never freed, since a thread may use a returned text until the process exits.
+// Allocates from static memory, which needs no freeing on unload. A string that does not fit is allocated from the
+// heap and never freed, since a thread may use a returned string until the process exits.
 class TextStorage
 {
 public:
@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    // The text follows the node in the same block.
+    // The string follows the node in the same block.
     struct Node
     {
         const Node* mNext;
@@ -68,8 +68,8 @@ private:
         const char* Text() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     };
 
-    // Nodes are only added, so no lock is needed. Two threads that set the same new text at the same time may store it
-    // twice.
+    // Nodes are only added, so no lock is needed. Two threads that set the same new string at the same time may store
+    // it twice.
     const char* Keep(const char* inText)
     {
         const Node* const newest = mTexts.load(std::memory_order_acquire);

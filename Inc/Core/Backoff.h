@@ -20,7 +20,7 @@ struct Backoff
     int mFirstYield;
     int mFirstSleep = std::numeric_limits<int>::max();
 
-    /// Waits a moment. inTurn is the number of earlier turns of this wait.
+    /// Performs one turn of the wait. inTurn is the number of earlier turns.
     void Wait(int inTurn) const;
 };
 

@@ -1,4 +1,4 @@
-// Constant texts that the library exports.
+// String constants that the library exports.
 #pragma once
 
 #include <Core/UntilUnload.h>
@@ -10,8 +10,8 @@ namespace ORL {
 // Initialised before all objects of the library that lack this attribute, regardless of the source that defines them.
 #define ORL_BUILT_FIRST __attribute__((init_priority(101)))
 
-// Defines a constant that a header declares as `const UTF16String`. Host threads may use its text during process exit,
-// so it is an UntilUnload under the constant's linker symbol. inSymbol is that symbol without the ABI tag that
+// Defines a constant that a header declares as `const UTF16String`. Host threads may use the string during process
+// exit, so it is an UntilUnload under the constant's linker symbol. inSymbol is that symbol without the ABI tag that
 // the standard library adds to strings.
 #define ORL_PRIVATE_TEXT(inName, inSymbol, inText)                                                                     \
   extern UntilUnload<const UTF16String> s_##inName __asm__(inSymbol "B5cxx11E");                                       \

@@ -1,5 +1,5 @@
-// The implementation of AsyncFileReader: the record of a reader, the record of a read, start and stop of asynchronous
-// reads.
+// The implementation of AsyncFileReader: the records of a reader and of a read, and the start and stop of
+// asynchronous reads.
 #pragma once
 
 #include <ORLAsyncFileReader.h>

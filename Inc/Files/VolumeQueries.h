@@ -9,7 +9,7 @@
 namespace ORL {
 namespace DiskUtils {
 
-/// Returns the root of the path's volume in extended form, with a backslash at its end; empty for an empty path.
+/// Returns the root of the path's volume in extended form, with a trailing backslash; empty for an empty path.
 UTF16String GetVolumeRootPath(const UTF16String& inPath);
 
 /// The system calls that GetMaxFileSize uses.

@@ -1,5 +1,5 @@
-// The Windows path text functions, as portable code with the same results on every platform. Names are
-// compared case-insensitively, and "/" is an ordinary character. Every text is read up to its terminator.
+// The Windows path string functions, as portable code with the same results on every platform. Names are
+// compared case-insensitively, and "/" is an ordinary character. Every string is read up to its terminator.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -18,20 +18,20 @@ inline constexpr std::size_t kMaxPath = 260;
 UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                      const UTF16String& inExtension);
 
-/// Returns the text after the first backslash, or after the first two if adjacent; the text's end if there is no
-/// backslash. Returns null for an empty text.
+/// Returns what follows the first backslash, or the first two if adjacent; the empty end of the path if there is no
+/// backslash. Returns null for an empty path.
 const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 
 /// Stores the relative path between two directories. Returns false, with outRelative untouched, if their first
 /// components differ, if only one is a UNC path, or if the result exceeds kMaxPath.
 bool RelativePathTo(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Stores inMore relative to inBase. A relative inMore is appended to inBase; one that begins with a backslash is
+/// Stores inMore resolved against inBase. A relative inMore is appended to inBase; one that begins with a backslash is
 /// appended to the root of inBase; a UNC path or one with a drive replaces inBase. Then resolves "." and "..". Returns
-/// false, with outPath untouched, if the joined text exceeds kMaxPath.
+/// false, with outPath untouched, if the joined path exceeds kMaxPath.
 bool Combine(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
-/// Returns whether the text is a root: "\", "X:\", "\\", "\\server" or "\\server\share".
+/// Returns whether the path is a root: "\", "X:\", "\\", "\\server" or "\\server\share".
 bool IsRoot(const UTF16String& inPath) noexcept;
 
 } // namespace WindowsText

@@ -10,16 +10,16 @@
 namespace ORL {
 namespace Images {
 
-/// Creates a bitmap from the resource with that number and type "PNG", with the rows in reverse order: the last one on
-/// top. Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns null if
-/// the resource does not exist or cannot be decoded.
+/// Creates a bitmap from the resource with that number and type "PNG", flipped
+/// vertically. Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns
+/// null if the resource does not exist or cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// Same as LoadGDIPlusBitmap, but keeps the order of the rows. A failure to lock the pixels is not detected: the bitmap
+/// Same as LoadGDIPlusBitmap, but does not flip the picture. A failure to lock the pixels is not detected: the bitmap
 /// is then transparent.
 HBITMAP LoadGDIPlusBitmapWTL(const ResourceCollection& inResources, short inID, bool inLocalized);
 
-/// Creates a bitmap from a picture file, with the rows in reverse order. Returns null if the file cannot be read or
+/// Creates a bitmap from a picture file, flipped vertically. Returns null if the file cannot be read or
 /// decoded.
 HBITMAP LoadBitmapOfFile(const UTF16String& inPath);
 

@@ -6,7 +6,7 @@
 namespace ORL {
 
 /// Returns the angle of (inX, inY) in radians, from -pi to pi, rounded to the nearest float. Zeros, infinities and
-/// signs behave as in the standard's atan2. Returns NaN if either is NaN.
+/// signs behave as in the standard's atan2. Returns NaN if either argument is NaN.
 inline float Arctangent2(float inY, float inX)
 {
     if (inX != inX || inY != inY) {

@@ -45,7 +45,7 @@ inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
     return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);
 }
 
-/// HSV and HSL choose the largest and the smallest channel differently if channels are equal.
+/// The choice of HSV, which differs from that of HSL if channels are equal.
 inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
     const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;
@@ -64,7 +64,7 @@ inline ChannelRing Normalized(const ParamColor<unsigned long>& inColor)
     return {inColor.GetRed() / 255.0f, inColor.GetGreen() / 255.0f, inColor.GetBlue() / 255.0f};
 }
 
-/// Returns a value from 0 to 1 in degrees or percent. Adds the rounding term 0.5 in double.
+/// Scales a value from 0 to 1 to degrees or percent. Adds the rounding term 0.5 in double.
 inline unsigned int Whole(float inValue, float inWhole)
 {
     return static_cast<unsigned int>(static_cast<int>(inValue * inWhole + 0.5));
@@ -87,7 +87,7 @@ inline unsigned int StoredNumber(double inValue)
     return static_cast<unsigned int>(Wrapping::TruncateToUnsigned64(inValue));
 }
 
-/// Returns any value in degrees or percent. Adds the rounding term 0.5 in float.
+/// Scales any value to degrees or percent. Adds the rounding term 0.5 in float.
 inline unsigned int StoredInFloat(float inValue, float inWhole)
 {
     return StoredNumber(inValue * inWhole + 0.5f);

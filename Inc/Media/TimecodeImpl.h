@@ -20,7 +20,7 @@ public:
     static void* operator new(std::size_t inSize) { return Allocator::Allocate(inSize); }
     static void operator delete(void* inBlock, std::size_t inSize) { Allocator::Dispose(inBlock, inSize); }
 
-    /// Returns the public time: mTime, plus one frame with mPreviousFrame.
+    /// Returns the public time: mTime, plus one frame if mPreviousFrame is set.
     tvxmediatypes::TickTime GetTime() const;
 
     void SetTime(const tvxmediatypes::TickTime& inTime);

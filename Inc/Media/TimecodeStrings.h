@@ -1,4 +1,4 @@
-// Reading and writing the text of a time.
+// Reading and writing times as strings.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -11,8 +11,8 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Return the time in a text, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty text is
-/// unreadable.
+/// Return the time in a string, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty string
+/// is unreadable.
 tvxmediatypes::TickTime SMPTEStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,
                                           tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 tvxmediatypes::TickTime FeetFramesStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,

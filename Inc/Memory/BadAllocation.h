@@ -1,11 +1,11 @@
-// The exception for exhausted memory, with one text on every platform.
+// The exception for exhausted memory, with the same message on every platform.
 #pragma once
 
 #include <new>
 
 namespace ORL {
 
-// The text of std::bad_alloc differs between standard libraries; this text is the same on every platform.
+// The message of std::bad_alloc differs between standard libraries; this one is the same on every platform.
 class BadAllocation : public std::bad_alloc
 {
 public:

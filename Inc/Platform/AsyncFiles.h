@@ -52,7 +52,7 @@ SystemError CreatePort_Impl(Handle& outPort);
 /// Closes the port. Ignores null. Reads still in flight are not reported.
 void ClosePort_Impl(Handle inPort);
 
-/// Returns a short static text about the implementation of the port, for a diagnostic line.
+/// Returns a short static description of the port's implementation, for a diagnostic line.
 const char* DescribePort_Impl(Handle inPort);
 
 /// Queues an empty packet after the completions already there. Returns false on failure.

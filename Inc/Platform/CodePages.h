@@ -1,10 +1,10 @@
 // Floor: Platform
 // The system's conversions between a code page and 16-bit text.
 //
-// The conversions return the same as the Windows functions MultiByteToWideChar and WideCharToMultiByte with flags 0:
-// bytes and units without a counterpart become the page's best fit or its default character, so only an unknown page
-// and a text longer than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0 once, so that
-// measuring and converting use the same page.
+// The conversions return the same results as the Windows functions MultiByteToWideChar and WideCharToMultiByte with
+// flags 0: bytes and units without a counterpart become the page's best fit or its default character, so only an
+// unknown page and an input longer than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0
+// once, so that measuring and converting use the same page.
 #pragma once
 
 #include <cstddef>

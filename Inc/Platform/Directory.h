@@ -32,8 +32,8 @@ SystemError OpenListing_Impl(const UTF16String& inDirectory, Listing*& outListin
 /// error that aborts the listing.
 SystemError NextEntry_Impl(Listing& ioListing, Entry& outEntry);
 
-/// Called before directories below this one are listed, so that a walk of any depth does not exhaust the process's
-/// handles. NextEntry_Impl still returns the remaining entries.
+/// May buffer the remaining entries and close the directory. Called before subdirectories are listed, so that a walk of
+/// any depth does not exhaust the process's handles. NextEntry_Impl still returns the remaining entries.
 void Suspend_Impl(Listing& ioListing);
 
 void CloseListing_Impl(Listing* inListing);

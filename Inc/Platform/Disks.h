@@ -10,7 +10,7 @@ namespace ORL {
 namespace DiskUtils {
 namespace Platform {
 
-/// The volume to query: its root with a backslash at its end, and a path on it. On Windows only the root is used. On
+/// The volume to query: its root with a trailing backslash, and a path on it. On Windows only the root is used. On
 /// Linux a drive is a tree of many file systems, so the functions query the one that holds the path, or would hold it.
 /// The path need not exist; the root must.
 struct Volume
@@ -28,7 +28,7 @@ SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes
 /// Stores the file system's name; names of the FAT family begin with "FAT". outName is untouched on failure.
 SystemError GetFileSystemName_Impl(const Volume& inVolume, UTF16String& outName);
 
-/// Returns whether a path is the root of a volume. Compares only text.
+/// Returns whether a path is the root of a volume. Examines only the string.
 bool IsRoot_Impl(const UTF16String& inPath);
 
 } // namespace Platform

@@ -22,7 +22,7 @@ inline constexpr unsigned int kLockReadWrite = 3;
 
 namespace Platform {
 
-/// A picture of the decoder, and the status of its creation.
+/// A picture object of the decoder, and the status of its creation.
 struct Picture;
 
 /// Copies bytes for the decoder. The copy may move in memory until the decoder reads it. Returns null if out of memory.

@@ -1,5 +1,5 @@
 // Floor: Platform
-// The system functions for modules. Names and types of resources are pointers to text, or numbers in the pointer's
+// The system functions for modules. Names and types of resources are pointers to strings, or numbers in the pointer's
 // value.
 #pragma once
 

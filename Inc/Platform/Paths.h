@@ -11,7 +11,7 @@ namespace ORL {
 namespace PathUtils {
 namespace Platform {
 
-/// Maximum size of arguments and results of the system's path text functions, terminator included.
+/// Maximum size of arguments and results of the system's path string functions, terminator included.
 inline constexpr std::size_t kMaxPath = 260;
 
 /// Attribute bits of an entry.
@@ -41,14 +41,14 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath);
 /// Creates the directory and its missing parents. Returns whether the directory exists afterwards.
 bool PreparePathForWrite_Impl(const UTF16String& inPath);
 
-/// Returns a pointer to the text after the first component of inPath; null for an empty text.
+/// Returns a pointer past the first component of inPath; null for an empty path.
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 
 /// Stores the relative path between two directories. Returns false, with outRelative untouched, if the paths have
 /// nothing in common.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Stores inMore relative to inBase, with dots resolved. Returns false, with outPath untouched, if it exceeds kMaxPath.
+/// Resolves inMore, with its dots, against inBase. Returns false, with outPath untouched, if it exceeds kMaxPath.
 bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
 /// Fills the buffer with the directory for temporary files, with trailing separator and terminator, and returns its

@@ -35,7 +35,7 @@ inline constexpr unsigned kTypeUInt64 = 11;
 /// A buffer of this size holds every key name, terminator included.
 inline constexpr unsigned kKeyNameCapacity = 256;
 
-/// The two root handles. The root handles need no close, but closing them is allowed.
+/// The two root handles. They need not be closed, but may be.
 KeyHandle GetUserRoot_Impl() noexcept;
 KeyHandle GetMachineRoot_Impl() noexcept;
 
@@ -79,7 +79,7 @@ SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short*
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 
-/// If a text does not end in a terminator, also reads the unit after it; if that is a terminator, stores it too.
+/// If a string has no terminator at its end, also reads the unit after it; if that is a terminator, stores it too.
 SystemError SetValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned inType, const void* inData,
                           unsigned inSize);
 

@@ -1,5 +1,5 @@
 // Floor: Platform
-// Texts of the system's error numbers.
+// The system's messages for error numbers.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -9,7 +9,7 @@ namespace FailureReport {
 namespace Platform {
 
 /// Returns the system's message for a Windows error number, in the user's language if available, with its line end
-/// "\r\n". Returns an empty text if the system has none. Thread-safe. Throws std::bad_alloc.
+/// "\r\n". Returns an empty string if the system has none. Thread-safe. Throws std::bad_alloc.
 UTF16String SystemErrorMessage_Impl(unsigned int inError);
 
 } // namespace Platform

@@ -1,5 +1,5 @@
 // Floor: Platform
-// The system functions for waiting threads.
+// The system function that puts the calling thread to sleep.
 #pragma once
 
 namespace ORL {

@@ -11,7 +11,7 @@
 namespace ORL {
 namespace Resources {
 
-/// A class, title or menu in a template: a number, or a text, which may be empty.
+/// A class, title or menu in a template: a number, or a string, which may be empty.
 struct TemplateName
 {
     bool mIsNumber = false;

@@ -11,10 +11,10 @@
 namespace ORL {
 namespace Resources {
 
-/// A stored type or name: a number, or a text in the index's memory.
+/// A stored type or name: a number, or a string in the index's memory.
 struct StoredName
 {
-    std::uint32_t mOffset = 0; // offset of the unmodified text, which its canonical form follows
+    std::uint32_t mOffset = 0; // offset of the unmodified string; its canonical form follows it
     std::uint32_t mCount = 0;
     std::uint32_t mCanonicalCount = 0;
     unsigned short mID = 0;
@@ -41,14 +41,14 @@ public:
     void Add(const StoredName& inType, const StoredName& inName, unsigned short inLanguage, const unsigned char* inData,
              std::uint32_t inSize);
 
-    /// Sorts the entries by type, name and language; texts precede numbers. Of several entries with the same type, name
-    /// and language only the first one added is kept. Throws std::bad_alloc.
+    /// Sorts the entries by type, name and language; strings precede numbers. Of several entries with the same type,
+    /// name and language only the first one added is kept. Throws std::bad_alloc.
     void Finish();
 
     /// Returns the sorted entries. Entries of one type are adjacent, and so are those of one type and name.
     const std::vector<ResourceEntry>& Entries() const noexcept { return mEntries; }
 
-    /// Returns the unmodified text of a stored name; null for a number.
+    /// Returns the unmodified string of a stored name; null for a number.
     const unsigned short* Text(const StoredName& inName) const noexcept;
 
     /// Finds a resource as Windows does: in the language, in its neutral sublanguage, in the neutral language. If the

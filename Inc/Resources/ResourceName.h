@@ -1,5 +1,5 @@
 // Floor: System
-// Types and names of resources: numbers, or case-insensitive texts.
+// Types and names of resources: numbers, or case-insensitive strings.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Resources {
 
-/// The type or name argument of a lookup. Does not own its text.
+/// The type or name argument of a lookup. Does not own its string.
 class NameView
 {
 public:
@@ -31,7 +31,7 @@ public:
         return name;
     }
 
-    /// Parses the Windows form: a number in the pointer's value, or a terminated text, in which "#" and digits are a
+    /// Parses the Windows form: a number in the pointer's value, or a terminated string; "#" and digits denote a
     /// number. Returns false for "#" and a number beyond 16 bits, which is invalid.
     static bool Parse(const unsigned short* inName, NameView& outName) noexcept;
 
@@ -46,8 +46,8 @@ private:
     unsigned short mID = 0;
 };
 
-/// Returns the canonical form of a text, which is equal for two names if and only if they differ at most in case. ASCII
-/// becomes upper case; a text with any other unit is case-folded as a whole.
+/// Returns the canonical form of a string, which is equal for two names if and only if they differ at most in case.
+/// ASCII becomes upper case; a string with any other unit is case-folded as a whole.
 UTF16String CanonicalName(const unsigned short* inUnits, std::size_t inCount);
 
 inline bool IsAscii(const unsigned short* inUnits, std::size_t inCount) noexcept

@@ -1,4 +1,4 @@
-// The shared record of one interned text.
+// The shared record of one interned string.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -10,10 +10,10 @@ namespace ORL {
 class ImmutableString::InternalRepresentation
 {
 public:
-    /// A static record, or a search key. Null creates the empty text.
+    /// A static record, or a search key. Null creates the empty string.
     explicit InternalRepresentation(const unsigned char* inStaticText) : mStaticText(inStaticText) {}
 
-    /// A dynamic record of a text that is not null.
+    /// A dynamic record of a string that is not null.
     struct Dynamic
     {
     };
@@ -43,7 +43,7 @@ private:
     UTF8String mDynamicText;          // the copy, empty in a static record
 };
 
-/// Returns -1, 0 or 1 by the bytes as unsigned values up to the first zero.
+/// Compares the bytes as unsigned values up to the first zero. Returns -1, 0 or 1.
 int CompareBytes(const unsigned char* inLeft, const unsigned char* inRight);
 
 } // namespace ORL

@@ -1,4 +1,4 @@
-// The process's table of interned texts.
+// The process's table of interned strings.
 #pragma once
 
 #include <ORLCriticalSection.h>
@@ -13,10 +13,10 @@
 
 namespace ORL {
 
-/// An ordered set of records, with a hash index that finds texts without searching the set: with a million texts the
-/// search costs twenty cache misses, the index one or two.
+/// An ordered set of records, with a hash index that finds strings without searching the set: with a million strings
+/// the search costs twenty cache misses, the index one or two.
 ///
-/// Locking: a thread that adds or removes a record holds mGuard. A search for a text that is present needs only read
+/// Locking: a thread that adds or removes a record holds mGuard. A search for a string that is present needs only read
 /// access (ReaderSlots). The table excludes readers before it frees a record or index entry that they may access.
 /// A purge holds mGuard and excludes readers, so no other thread can find a record then, and a handle count of 0
 /// stays 0.
@@ -25,7 +25,7 @@ class ImmutableStringTable
 public:
     using Record = ImmutableString::InternalRepresentation;
 
-    /// A static record refers to the caller's text and survives Purge; a dynamic one has a copy of its text.
+    /// A static record refers to the caller's string and survives Purge; a dynamic one has a copy of its string.
     enum class Lifetime { kStatic, kDynamic };
 
     /// The guard lives as long as the table.
@@ -37,7 +37,7 @@ public:
     ImmutableStringTable(const ImmutableStringTable&) = delete;
     ImmutableStringTable& operator=(const ImmutableStringTable&) = delete;
 
-    /// Returns the record of a text (null: the empty text), with one handle counted; creates it if missing. May throw
+    /// Returns the record of a string (null: the empty one), with one handle counted; creates it if missing. May throw
     /// std::bad_alloc; in that case nothing has changed.
     Record* Enter(const unsigned char* inText, Lifetime inLifetime);
 
@@ -71,7 +71,7 @@ private:
     using SmallBlocks = tvxcore::utility::SmallBlockAllocator::STLAllocator<T>;
     using Records = std::set<Record*, ByText, SmallBlocks<Record*>>;
 
-    /// A text to search for.
+    /// A string to search for.
     struct Key
     {
         const unsigned char* mText;
@@ -80,8 +80,8 @@ private:
     };
 
     /// A slot of the index, a hash table with linear probing whose size is a power of two; at most half full.
-    /// The slot holds the text's address, so that comparing need not access the record. A slot takes half a cache line;
-    /// a search begins at the first of the two slots of a line.
+    /// The slot holds the string's address, so that comparing need not access the record. A slot takes half a cache
+    /// line; a search begins at the first of the two slots of a line.
     struct alignas(32) Slot
     {
         const unsigned char* mText;

@@ -1,4 +1,4 @@
-// The parts of the locale family that only the library and its tests use.
+// Locale functions that only the library and its tests use.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -16,7 +16,7 @@ void Initialize();
 /// Returns the classic locale for an unknown name. Never throws: it runs at load.
 std::locale MakeLocale(const char* inName) noexcept;
 
-/// Returns the number in a typed text, with inNative in place of the user's locale.
+/// Returns the number in a string that a user typed, with inNative in place of the user's locale.
 double GetValueFromDisplayString(const UTF16String& inText, const std::locale& inNative);
 
 } // namespace Locale

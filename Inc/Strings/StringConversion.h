@@ -1,4 +1,4 @@
-// Shared by the string conversions.
+// A helper shared by the string conversions.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Splits a text at a separator, token by token.
+// Splits a string at a separator, token by token.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -23,7 +23,7 @@ public:
     /// Returns the next token: empty if none is left, and between two adjacent separators.
     UTF16String Next();
 
-    /// Same as Next, as a view of the text.
+    /// Same as Next, as a view into the string.
     struct Token
     {
         const unsigned short* mBegin;

@@ -29,7 +29,7 @@ public:
         for (int turn = 0; !Policy::CompareAndSet(ioFlush.mArrivalsLeft, kUnclaimed, inThreads); ++turn) {
             GateAlgorithm::WaitWithLongSpin(ioFlush.mArrivalGate);
             // The gate is open, and Wait returns at once, until the flush that has claimed the object closes the gate.
-            // Threads that retry without a pause would take the processors from that flush and from its items.
+            // Threads that retry without a pause would starve that flush and its items of processor time.
             if (Policy::Executes(Step::kFlushYields)) {
                 Policy::YieldOrSleep(turn);
             }

@@ -1,7 +1,7 @@
 // Fault injection for tests: makes chosen allocations fail.
 //
 //   AllocationFaults::Plan plan;
-//   plan.mFirst = 3;                                        // the third allocation from now fails, and only it
+//   plan.mFirst = 3;                                        // the third allocation from now fails, and no other
 //   const AllocationFaults::Scope faults(plan);
 //   ...
 //   EXPECT_EQ(faults.Refused(), 1u);
@@ -58,7 +58,7 @@ public:
     NoMetricsScope& operator=(const NoMetricsScope&) = delete;
 };
 
-/// Called by the allocator.
+/// Called on the allocator's slow path. Returns whether this allocation must fail.
 bool Refuses(AllocationKind inKind) noexcept;
 bool HasMetrics() noexcept;
 

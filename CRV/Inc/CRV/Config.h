@@ -1,4 +1,4 @@
-// How symbols of CRV are exported to hosts.
+// The macro that exports the symbols of CRV to hosts.
 #pragma once
 
 #if defined(_WIN32)

@@ -17,7 +17,7 @@ TVXCORE_API bool BreakAfterAssertDialog(bool& ioIgnore, const char* inExpression
 /// Reports a broken contract. Returns true if the caller should break into the debugger. Thread-safe.
 TVXCORE_API bool BreakAfterContractDialog(const char* inExpression, const char* inFile, long inLine);
 
-/// Shows free text to the user. Returns the user's choice: 0 to debug, 2 and 4 to ignore this site for good.
+/// Shows a message to the user. Returns the user's choice: 0 to debug, 2 or 4 to ignore this site for good.
 /// Thread-safe.
 TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 

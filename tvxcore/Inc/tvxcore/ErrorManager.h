@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace config {
 
-/// Level 0 is an error, which a manager throws as an exception; level 1 is a warning, which is only traced.
+/// Level 0 is an error, which a host may throw as an exception; level 1 is a warning, which is only reported.
 enum ErrorLevel : int { kErrorLevel_Error = 0, kErrorLevel_Warning = 1 };
 
 /// The value of one parameter of an error message.
@@ -38,7 +38,7 @@ public:
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;
 
-    /// Runs inFunction and catches unhandled exceptions.
+    /// Runs inFunction and returns its result. A host's manager may catch its exceptions; the built-in one does not.
     virtual long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction);
 
     /// Returns the installed manager. If none is installed, returns the built-in one if inAllowDefault is true, else

@@ -23,7 +23,7 @@ public:
     {
     }
 
-    /// Constructs from the eleven numbers of its text: {20974874-84a4-4245-9372-b24a16498199} is
+    /// Constructs from the eleven numbers of its string form: {20974874-84a4-4245-9372-b24a16498199} is
     /// Guid(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x16, 0x49, 0x81, 0x99).
     constexpr Guid(std::uint32_t inData1, std::uint16_t inData2, std::uint16_t inData3, std::uint8_t in0,
                    std::uint8_t in1, std::uint8_t in2, std::uint8_t in3, std::uint8_t in4, std::uint8_t in5,
@@ -53,8 +53,8 @@ public:
 
     friend constexpr bool operator!=(const Guid& inLeft, const Guid& inRight) noexcept { return !(inLeft == inRight); }
 
-    /// Orders by the first word, then the second. The order is strict and total, and differs from the order of the
-    /// texts.
+    /// Orders by the first word, then the second. The order is strict and total, and differs from that of the strings
+    /// that AsString returns.
     friend constexpr bool operator<(const Guid& inLeft, const Guid& inRight) noexcept
     {
         return inLeft.mWords[0] != inRight.mWords[0] ? inLeft.mWords[0] < inRight.mWords[0]

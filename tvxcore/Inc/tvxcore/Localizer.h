@@ -18,7 +18,7 @@ public:
     virtual ~Localizer();
 
     /// Returns the text for a ZString ("$$$/" key "=" default text). The built-in localiser returns the default text,
-    /// and a text that is not a ZString unchanged.
+    /// and a string that is not a ZString unchanged.
     virtual UTF16String Localize(const char* inZString);
 
     /// Returns the installed localiser. Never null.

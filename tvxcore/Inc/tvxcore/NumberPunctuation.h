@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utility {
 
-/// Defaults to the punctuation of the classic locale. A value.
+/// A value type. Defaults to the punctuation of the classic locale.
 struct NumberPunctuation
 {
     unsigned short mDecimalPoint = '.';       ///< between whole number and fraction

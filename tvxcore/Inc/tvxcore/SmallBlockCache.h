@@ -88,7 +88,7 @@ struct CacheHead
     std::array<void**, 2 * kClassCount> mPlaces{};
 };
 
-/// The slow paths. The slow paths also do everything that the fast paths do.
+/// The slow paths, which also handle every case of the fast paths.
 TVXCORE_API void* AllocateSlowly(std::size_t inSize) noexcept;
 TVXCORE_API void DisposeSlowly(void* inBlock, std::size_t inSize) noexcept;
 

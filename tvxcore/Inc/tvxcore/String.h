@@ -1,4 +1,4 @@
-// The text types, and the macro for literals of 16-bit units.
+// The string types, and the macro for literals of 16-bit units.
 #pragma once
 
 #include <tvxcore/SmallBlockAllocator.h>
@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <string>
 
-/// 16-bit text: units of UTF-16. A unit is unsigned short on every platform, regardless of wchar_t.
+/// A string of UTF-16 units. A unit is unsigned short on every platform, regardless of wchar_t.
 using UTF16String = std::basic_string<unsigned short, std::char_traits<unsigned short>,
                                       tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>;
 
-/// UTF-8 text.
+/// A UTF-8 string.
 using UTF8String = std::basic_string<unsigned char, std::char_traits<unsigned char>,
                                      tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned char>>;
 

@@ -9,10 +9,10 @@
 
 namespace tvxcore {
 
-/// A stream that reads from a text. Uses the process's global locale at the time of construction. Not thread-safe, like
-/// any stream. The constructor throws std::bad_alloc.
+/// A stream that reads from a string. Uses the process's global locale at the time of construction. Not thread-safe,
+/// like any stream. The constructor throws std::bad_alloc.
 ///
-/// A 16-bit unit and a number have the same type: `stream >> unit` and `stream << unit` treat it as a number. Use
+/// A 16-bit unit is an unsigned short: `stream >> unit` and `stream << unit` treat it as a number. Use
 /// get() and put() for a unit.
 class TVXCORE_API iUTF16StringStream
     : public std::basic_istringstream<unsigned short, std::char_traits<unsigned short>,
@@ -26,7 +26,7 @@ public:
     std::locale imbue(const std::locale& inLocale);
 };
 
-/// A stream that writes to a text, which str() returns. Uses the process's global locale at the time of construction.
+/// A stream that writes to a string, which str() returns. Uses the process's global locale at the time of construction.
 /// Not thread-safe, like any stream. The constructor throws std::bad_alloc.
 class TVXCORE_API oUTF16StringStream
     : public std::basic_ostringstream<unsigned short, std::char_traits<unsigned short>,

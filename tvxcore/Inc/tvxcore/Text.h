@@ -1,4 +1,4 @@
-// Conversion, folding and formatting of text. Thread-safe.
+// Conversion, case folding and replacement of strings. Thread-safe.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utility {
 
-/// Widens an ASCII text.
+/// Widens an ASCII string.
 TVXCORE_API UTF16String AsciiToUTF16(const char* inText);
 
 /// Converts to UTF-8. An unpaired surrogate becomes U+FFFD; nothing is dropped. Throws only std::bad_alloc.
@@ -30,7 +30,7 @@ TVXCORE_API UTF16String UTF8to16(const unsigned char* inText, std::size_t inLeng
 /// overwrite the rest of the buffer, up to that size. Never fails.
 TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLength, unsigned short* outText) noexcept;
 
-/// Returns the full case folding of the Unicode standard, only for comparison.
+/// Returns the full case folding of the Unicode standard, for comparison only, not for display.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
 
 /// Replaces every occurrence of inFind from left to right; replaced text is not searched again. An empty inFind changes

@@ -1,4 +1,4 @@
-// Annotations that say which lock guards which variable. clang checks them with -Wthread-safety; to every other
+// Annotations that say which lock guards which variable. clang checks them with -Wthread-safety; for every other
 // compiler they are empty.
 //
 //   ORL::CriticalSection mLock;

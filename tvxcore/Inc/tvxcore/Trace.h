@@ -30,17 +30,17 @@ TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 /// SetTraceLevel enables them.
 TVXCORE_API void SetTraceLevelOfAll(long inLevel);
 
-/// Receives one finished text: zero-terminated UTF-8, of one line or several. Called on any thread, and concurrently.
-/// Exceptions from a sink are swallowed.
+/// Receives one finished message: zero-terminated UTF-8, of one line or several. Called on any thread, and
+/// concurrently. Exceptions from a sink are swallowed.
 using TraceSink = void (*)(const unsigned char* inText);
 
-/// Installs a sink and returns the previous one. Null selects standard error; a line end is then added to texts without
-/// one, and text is dropped if the reader does not keep up, so tracing never blocks the process. A text in progress may
-/// still reach the previous sink.
+/// Installs a sink and returns the previous one. Null selects standard error; a line end is then added to messages
+/// without one, and messages are dropped if the reader does not keep up, so tracing never blocks the process. A message
+/// in progress may still reach the previous sink.
 TVXCORE_API TraceSink InstallTraceSink(TraceSink inSink);
 
-/// Ends tracing: clears all levels and the sink. Nothing is written after this, not even texts whose site was enabled
-/// before, until a level or a sink is set again.
+/// Ends tracing: clears all levels and the sink. Nothing is written after this, not even messages whose site was
+/// enabled before, until a level or a sink is set again.
 TVXCORE_API void ShutdownTraceManager();
 
 /// Returns whether a category is enabled at a level. With inFollowsAll a category without its own level uses that of
@@ -50,11 +50,11 @@ TVXCORE_API bool TraceEnabled(const unsigned char* inCategory, long inLevel, boo
 /// Returns a number that changes with every change to the levels. Never 0.
 TVXCORE_API int TraceChangeCount();
 
-/// Writes one finished text unchanged.
+/// Writes one finished message unchanged.
 TVXCORE_API void Trace(const unsigned char* inText);
 
-/// Composes a text and writes it on destruction, unless it is empty. If out of memory, the text is cut: the part that
-/// did not fit and all later parts are dropped.
+/// Composes a message and writes it on destruction, unless it is empty. If out of memory, the message is cut: the part
+/// that did not fit and all later parts are dropped.
 ///
 /// Owner:    a scope.
 /// Threads:  not thread-safe: belongs to one thread.
@@ -77,7 +77,7 @@ public:
 private:
     void Append(const char* inBytes, std::size_t inCount) noexcept;
 
-    // Most lines fit in this buffer. For longer texts mText points to a larger block.
+    // Most lines fit in this buffer. For longer messages mText points to a larger block.
     char mInline[256];
     char* mText;
     std::size_t mCapacity; // bytes at mText, including the terminator
@@ -117,12 +117,12 @@ private:
     const char* mCategory;
     long mLevel;
     bool mFollowsAll;
-    // The upper half is the change count of the last query, the lower half its answer. Count and answer are one word,
-    // so that no thread pairs an answer with the wrong count. A count is never 0, so the first call queries.
+    // The upper half is the change count of the last query, the lower half its result. Count and result are one word,
+    // so that no thread pairs a result with the wrong count. A count is never 0, so the first call queries.
     std::atomic<unsigned __int64> mCached{0};
 };
 
-/// A stream that begins with "<" thread identifier "> <" category "> <" level "> ". Otherwise like SafeTraceStream.
+/// A stream that first writes "<" thread identifier "> <" category "> <" level "> ". Otherwise like SafeTraceStream.
 class TVXCORE_API TraceLine : public SafeTraceStream
 {
 public:

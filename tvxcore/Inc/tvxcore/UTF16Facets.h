@@ -101,9 +101,9 @@ protected:
     virtual string_type do_falsename() const;
 };
 
-// The standard library formats and parses, using the two facets above. The ids of the facets exist once, so that every
-// module of a process finds the same facet. All else is compiled into each module: if the whole class were explicitly
-// instantiated, modules would link to its inline functions, which this library may not export.
+// The standard library formats and parses numbers with the two facets above. The ids of the facets exist once, so that
+// every module of a process finds the same facet. All else is compiled into each module: if the whole class were
+// explicitly instantiated, modules would link to its inline functions, which this library may not export.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>
@@ -115,7 +115,7 @@ namespace tvxcore {
 namespace utility {
 
 /// Returns inBase with the facets above added if it lacks them. Decimal point and grouping are then those of inBase for
-/// wide characters. A locale is a value: std::locale::global does not change the result. Thread-safe.
+/// wide characters. A later std::locale::global does not change the returned locale. Thread-safe.
 TVXCORE_API std::locale UTF16Locale(const std::locale& inBase = std::locale());
 
 } // namespace utility

@@ -1,4 +1,4 @@
-// Process state that a library needs if its static objects are destroyed on unload.
+// Queries of process state, for a library whose static objects are destroyed on unload.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -12,9 +12,9 @@ namespace utility {
 /// library is loaded, not while it is being unloaded. Thread-safe.
 TVXCORE_API bool BelongsToProgram(const void* inExported) noexcept;
 
-/// Returns whether process exit has already stopped all other threads, at arbitrary points. Nothing may then
-/// wait for them, or for a lock that they may hold, that of the C++ heap included. Always false on Linux, where threads
-/// run until the very end. Thread-safe.
+/// Returns whether process exit has already stopped all other threads, at arbitrary points. The caller must then
+/// not wait for them, or for a lock that they may hold, that of the C++ heap included. Always false on Linux, where
+/// threads run until the very end. Thread-safe.
 TVXCORE_API bool AreOtherThreadsStopped() noexcept;
 
 } // namespace utility

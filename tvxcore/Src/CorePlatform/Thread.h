@@ -40,8 +40,8 @@ unsigned int UsableProcessorCount_Impl() noexcept;
 /// Yields this processor to other threads.
 void YieldThread_Impl() noexcept;
 
-/// Returns whether process exit has already stopped all other threads, at arbitrary points. Nothing may then
-/// wait for them, or for a lock that they may hold.
+/// Returns whether process exit has already stopped all other threads, at arbitrary points. The caller must then
+/// not wait for them, or for a lock that they may hold.
 bool ProcessIsEnding_Impl() noexcept;
 
 /// Returns the time of a monotonic clock.

@@ -104,7 +104,7 @@ void ExecutorCore::RunGuarded(const boost::function<void()>& inFunction) const n
     }
 }
 
-// The error manager does not use the text after it returns, so a local string suffices. Exceptions from the report
+// The error manager does not use the message after it returns, so a local string suffices. Exceptions from the report
 // itself are caught too: the thread continues.
 void ExecutorCore::ReportThrow(const char* inWhat) const noexcept
 {

@@ -24,7 +24,7 @@ ErrorManager& BuiltInManager()
     return *manager;
 }
 
-// Set while this thread localises the text of an error: a localiser may itself raise one.
+// Set while this thread localises the message of an error: a localiser may itself raise one.
 thread_local bool tIsLocalizing = false;
 
 struct LocalizingMark
@@ -41,13 +41,13 @@ void WriteError(ErrorLevel inLevel, const char* inText, unsigned long inPackage,
                                   static_cast<int>(inLevel), inText);
 }
 
-// Returns false, and writes nothing, if the text cannot be localised now.
+// Returns false, and writes nothing, if the message cannot be localised now.
 bool WriteLocalizedError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID)
 {
     if (tIsLocalizing) {
         return false;
     }
-    const debug::Platform::SystemErrorKeeper keeper; // the caller may still read the error of its own call
+    const debug::Platform::SystemErrorKeeper keeper; // the caller may still read its errno or last error
     const LocalizingMark mark;
     try {
         const UTF8String text = utility::UTF16to8(Localizer::Get()->Localize(inZString));

@@ -13,8 +13,8 @@ namespace debug {
 
 namespace {
 
-threads::CoreMutex sMutex;                              // held while one whole text is written
-bool sReaderIsStuck TVXCORE_GUARDED_BY(sMutex) = false; // set so that only the first text waits for a stuck reader
+threads::CoreMutex sMutex;                              // held while one whole message is written
+bool sReaderIsStuck TVXCORE_GUARDED_BY(sMutex) = false; // set so that only the first message waits for a stuck reader
 
 // Returns false if the rest was dropped.
 bool WriteAll(const char* inBytes, std::size_t inCount) noexcept TVXCORE_REQUIRES(sMutex)

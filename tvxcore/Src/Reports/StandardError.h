@@ -6,13 +6,13 @@
 namespace tvxcore {
 namespace debug {
 
-/// Writes the bytes and then inEnd to standard error, with no other text from this library between them. Never throws.
-/// Never blocks for long on a reader, and drops what cannot be written. Preserves the calling thread's errno or last
-/// error.
+/// Writes the bytes and then inEnd to standard error, with no other output from this library between them. Never
+/// throws. Never blocks for long on a reader, and drops what cannot be written. Preserves the calling thread's errno or
+/// last error.
 void WriteStandardError(const char* inBytes, std::size_t inCount, const char* inEnd = "") noexcept;
 
 /// Formats and writes one line and its end in one call. Allocates no memory and never throws, so it may be called
-/// anywhere. Cuts off text that exceeds its buffer.
+/// anywhere. Truncates a line that exceeds its buffer.
 void WriteStandardErrorLine(const char* inFormat, ...) noexcept __attribute__((format(printf, 1, 2)));
 
 } // namespace debug

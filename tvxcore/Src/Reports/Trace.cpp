@@ -33,12 +33,12 @@ Category* sCategories TVXCORE_GUARDED_BY(sMutex) = nullptr;
 long sLevelOfAll TVXCORE_GUARDED_BY(sMutex) = kTraceOff;
 std::atomic<int> sChangeCount{1};
 
-// The sink while the trace is shut down: drops texts from sites that were enabled before.
+// The sink while the trace is shut down: drops messages from sites that were enabled before.
 void DropText(const unsigned char*)
 {
 }
 
-// Null selects standard error. One word holds both the shutdown state and the sink, so that a text never reaches
+// Null selects standard error. One word holds both the shutdown state and the sink, so that a message never reaches
 // standard error after its host has redirected it. Written under sMutex, read without it.
 std::atomic<TraceSink> sSink{nullptr};
 
@@ -93,7 +93,7 @@ Category* AddCategory(const char* inName) TVXCORE_REQUIRES(sMutex)
     return sCategories;
 }
 
-// Called after the change, so that a site that sees the new count also sees the new answer.
+// Called after the change, so that a site that sees the new count also sees the new levels.
 void CountChange()
 {
     const int next = sChangeCount.load(std::memory_order_relaxed) + 1;
@@ -166,7 +166,7 @@ void Trace(const unsigned char* inText)
     try {
         (sink != nullptr ? sink : &WriteToStandardError)(inText);
     } catch (...) {
-        // If the sink throws, its text is lost. The exception does not propagate, since the tracing code may be a
+        // If the sink throws, the message is lost. The exception does not propagate, since the tracing code may be a
         // destructor.
     }
 }

@@ -17,7 +17,7 @@ struct AtUnload
     }
 };
 
-// The first static object of this library to be constructed and the last to be destroyed: static texts are destroyed
+// The first static object of this library to be constructed and the last to be destroyed: static strings are destroyed
 // earlier.
 __attribute__((init_priority(101))) AtUnload sAtUnload;
 

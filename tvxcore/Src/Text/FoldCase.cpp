@@ -13,8 +13,8 @@ namespace utility {
 
 namespace {
 
-// Both platforms use one table, so that they agree on which texts are equal: Windows has no full case folding, and the
-// folding of a system library may change with its version.
+// Both platforms use one table, so that they agree on which strings are equal: Windows has no full case folding, and
+// the folding of a system library may change with its version.
 struct FoldingRun
 {
     std::uint32_t mFirst;

@@ -13,7 +13,7 @@ namespace {
 
 std::atomic<Localizer*> sInstalled{nullptr};
 
-// The localiser is in static storage and never destroyed: texts may be requested during process exit.
+// The localiser is in static storage and never destroyed: strings may be requested during process exit.
 Localizer& BuiltInLocalizer()
 {
     alignas(Localizer) static unsigned char storage[sizeof(Localizer)];

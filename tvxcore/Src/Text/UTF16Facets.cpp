@@ -222,7 +222,7 @@ std::locale Build(const std::locale& inBase)
     return WithFacet<std::num_get<Unit>, std::num_get<Unit>>(built);
 }
 
-// Nearly every stream uses the classic locale, and building it costs more than writing a short text, so it is cached.
+// Nearly every stream uses the classic locale, and building it costs more than writing a short string, so it is cached.
 // At process exit the locale is kept, since threads may be copying it; on unload it is destroyed. A stream constructed
 // after this object is destroyed, in the destructor of another static, builds its own locale.
 class ClassicLocale

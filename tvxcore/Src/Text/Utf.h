@@ -32,7 +32,7 @@ using ToUTF8Function = std::size_t(const unsigned short* inText, std::size_t inL
 ToUTF16Function ToUTF16;
 ToUTF8Function ToUTF8;
 
-/// An implementation of the conversions. All of them produce the same text.
+/// An implementation of the conversions. All of them produce the same output.
 struct Kernel
 {
     const char* mName;

@@ -1,7 +1,7 @@
-// Converts 32 bytes per step, for processors with AVX2.
+// Converts 32 bytes of UTF-8 per step, for processors with AVX2.
 //
 // The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the units of eight bytes.
-// The scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of a text.
+// The scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of the input.
 #include <Text/Utf.h>
 #include <Text/UtfAvx2.h>
 #include <Text/UtfCharacter.h>

@@ -1,7 +1,7 @@
-// Converts 16 units per step, for processors with AVX2.
+// Converts 16 units of UTF-16 per step, for processors with AVX2.
 //
 // The algorithm is that of the AVX-512 kernel, except that a shuffle from a table compacts the bytes of four units. The
-// scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of a text.
+// scalar loop converts steps that contain ill-formed text, and the SSE2 kernel the end of the input.
 #include <Text/Utf.h>
 #include <Text/UtfAvx2.h>
 #include <Text/UtfCharacter.h>

@@ -32,7 +32,7 @@ inline bool ReachesIntoAnotherPage(const void* inText) noexcept
     return (reinterpret_cast<std::uintptr_t>(inText) & 4095) > 4096 - 64;
 }
 
-/// Loads the last inBytes (fewer than 64) of a text, padded with zeros.
+/// Loads the last inBytes (fewer than 64) of the input, padded with zeros.
 TVX_AVX512_INLINE __m512i LoadEnd(const void* inText, std::size_t inBytes) noexcept
 {
     if (ReachesIntoAnotherPage(inText)) {

@@ -1,4 +1,4 @@
-// Converts 64 bytes per step, for processors with AVX-512 VBMI2.
+// Converts 64 bytes of UTF-8 per step, for processors with AVX-512 VBMI2.
 //
 // Without its tag bits, a character of up to three bytes consists of fields of 4, 6 and 6 bits (or of 5 and 6, or of
 // 7). Byte permutes gather the fields at the position of its last byte, where they form the low and the high byte of
@@ -160,7 +160,7 @@ TVX_AVX512_INLINE __m512i Widen(__m256i inLow, __m256i inHigh)
     return _mm512_or_si512(_mm512_cvtepu8_epi16(inLow), _mm512_slli_epi16(_mm512_cvtepu8_epi16(inHigh), 8));
 }
 
-// Writes at most inCapacity units; pass 64 except at the end of a text.
+// Writes at most inCapacity units; pass 64 except at the end of the input.
 TVX_AVX512_INLINE void Store(__m512i inLow, __m512i inHigh, std::size_t inCapacity, unsigned short* outText)
 {
     const __m512i first = Widen(_mm512_castsi512_si256(inLow), _mm512_castsi512_si256(inHigh));

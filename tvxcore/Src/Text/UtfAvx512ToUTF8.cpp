@@ -1,4 +1,4 @@
-// Converts 16 or 32 units per step, for processors with AVX-512 VBMI2.
+// Converts 16 or 32 units of UTF-16 per step, for processors with AVX-512 VBMI2.
 //
 // Each UTF-16 unit is expanded to a 32-bit lane that holds its UTF-8 bytes; a byte-compress instruction removes the
 // unused bytes. A surrogate yields two of the four bytes of its pair.
@@ -25,8 +25,8 @@ TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned
     }
 }
 
-// Writes 32 units, all below U+0800, not at the end of a text. Each lane receives the lead and the continuation byte;
-// for an ASCII unit only the second byte is kept.
+// Writes 32 units, all below U+0800, not at the end of the input. Each lane receives the lead and the continuation
+// byte; for an ASCII unit only the second byte is kept.
 TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNotAscii, unsigned char* outText)
 {
     const __m512i first = _mm512_srli_epi16(inUnits, 6);

@@ -1,5 +1,5 @@
 // Conversion of single characters: the reference that every kernel must match, and the code that kernels use at the
-// ends of a text.
+// end of the input.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Texts with a key for translation: "$$$/" key "=" default text.
+// Strings with a translation key: "$$$/" key "=" default text.
 #pragma once
 
 #include <cstring>
@@ -6,7 +6,7 @@
 namespace tvxcore {
 namespace config {
 
-/// Returns the default text, or the whole text if it is not a ZString.
+/// Returns the default text, or the whole string if it is not a ZString.
 inline const char* DefaultText(const char* inZString)
 {
     constexpr char kMark[] = "$$$/";

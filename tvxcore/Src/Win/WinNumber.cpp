@@ -1,5 +1,5 @@
-// The locale data come from the system. The text is composed here, because the system's formatting function fails for
-// numbers that do not fit its buffers.
+// The locale data come from the system. The number is formatted here, because the system's formatting function fails
+// for numbers that do not fit its buffers.
 #include <CorePlatform/NumberFormat.h>
 
 #include <algorithm>

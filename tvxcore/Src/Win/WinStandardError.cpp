@@ -73,7 +73,7 @@ std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount,
 {
     const Watch watch(ioReaderIsStuck ? kShortWriteTimeout : kWriteTimeout);
     if (!watch.IsArmed()) {
-        return 0; // out of memory: the text is dropped too
+        return 0; // out of memory: the message is dropped too
     }
     const std::size_t written = Write(inPipe, inBytes, inCount);
     ioReaderIsStuck = written == 0 && ::GetLastError() == ERROR_OPERATION_ABORTED;
@@ -82,7 +82,7 @@ std::size_t WriteToPipe(HANDLE inPipe, const char* inBytes, std::size_t inCount,
 
 } // namespace
 
-// A GUI process has no such handle; its texts are dropped.
+// A GUI process has no standard error; its messages are dropped.
 std::size_t WriteStandardError_Impl(const char* inBytes, std::size_t inCount, bool& ioReaderIsStuck) noexcept
 {
     const HANDLE file = ::GetStdHandle(STD_ERROR_HANDLE);

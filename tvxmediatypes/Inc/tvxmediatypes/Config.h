@@ -1,4 +1,4 @@
-// How symbols of tvxmediatypes are exported to hosts.
+// The macro that exports the symbols of tvxmediatypes to hosts.
 #pragma once
 
 #if defined(_WIN32)

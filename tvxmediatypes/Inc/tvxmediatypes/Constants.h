@@ -1,4 +1,4 @@
-// Common times and rates. All are compile-time constants, so they can be read before any code runs.
+// Common times and rates. All are compile-time constants, so they are valid before any code runs.
 #pragma once
 
 #include <tvxmediatypes/Config.h>

@@ -13,7 +13,7 @@ inline constexpr long long kTicksPerSecond = 705600000;
 ///
 /// Zero frames per second is the default, stored as zero ticks. Rates without a whole number of ticks are rounded (see
 /// the constructor). A negative rate is allowed and orders below zero; no operation is undefined.
-/// Threads:  a plain value.
+/// Threads:  a plain value, without synchronisation.
 /// Failure:  never throws.
 class FrameRate
 {

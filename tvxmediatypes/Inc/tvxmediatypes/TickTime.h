@@ -10,7 +10,7 @@ namespace tvxmediatypes {
 ///
 /// The count spans about 414 years on either side of zero. Times from frames are exact. Sums, negation and products
 /// wrap around in two's complement, so no operation is undefined.
-/// Threads:  a plain value.
+/// Threads:  a plain value, without synchronisation.
 /// Failure:  never throws.
 /// Example:
 ///   const tvxmediatypes::TickTime time(90, tvxmediatypes::kFrameRate_Video30);
@@ -66,7 +66,7 @@ public:
     constexpr long long ToFrame64(const FrameRate& inFrameRate) const noexcept
     {
         const long long ticksPerFrame = inFrameRate.GetTicksPerFrame();
-        // A frame of -1 tick means negation, which wraps; a division would trap.
+        // For frames of -1 tick, negates, which wraps around; dividing the smallest count by -1 would trap.
         if (ticksPerFrame == 0 || ticksPerFrame == -1) {
             return ticksPerFrame == 0 ? 0 : (-*this).mTicks;
         }
