@@ -9,7 +9,7 @@ using namespace ORL;
 
 namespace {
 
-// Throws a copy and returns what a handler of the base class sees.
+// Throws a copy of a Class, catches it as ORL::Exception, and returns its what().
 template <class Class, class... Arguments>
 std::string CaughtAsBase(Arguments... inArguments)
 {

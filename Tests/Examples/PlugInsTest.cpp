@@ -1,4 +1,4 @@
-// Runs the host with plug-ins as a user does.
+// Runs the plug-in example as a user does.
 #include <ProcessRunner.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Tests the checks of File: each reports correctly, and File stays usable if the caller continues after a report.
+// Tests the checks of File: their reports, and that a File stays usable if the caller continues after a report.
 #include <FileSupport.h>
 
 #include <CheckRecorder.h>

@@ -120,7 +120,7 @@ struct Pair
     OSImageHandle mSecond;
 };
 
-// Returns the number of times that a handle was wrong.
+// Returns the number of wrong handles that it found.
 int CopyAssignAndSwap(Pair& ioPair, HBITMAP inFirst, HBITMAP inSecond)
 {
     int wrong = 0;

@@ -1,4 +1,4 @@
-// A card, a disk, and the conditions that must hold after an ingest.
+// Creates a card and a disk, and checks the conditions that must hold after an ingest.
 #pragma once
 
 #include <TempFolder.h>

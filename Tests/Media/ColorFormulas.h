@@ -17,7 +17,7 @@ struct ByteTriple
     int a, b, c;
 };
 
-/// A property that the colour does not have is empty.
+/// A member is empty if the colour lacks that property.
 struct WholeShade
 {
     std::optional<unsigned> hue, saturation;
@@ -37,7 +37,7 @@ struct ColorFormulas
         Single luma, chroma;
     };
 
-    /// A property that the colour does not have is empty.
+    /// A member is empty if the colour lacks that property.
     struct Shade
     {
         std::optional<Single> hue, saturation;

@@ -173,8 +173,8 @@ TEST(SolveNaturalCubicSpline2D, NaNsAndInfinities_EndAndStoreEveryEntry)
     }
 }
 
-// No array can hold that many floats, and none is requested: a sanitizer would end the process. Nothing is read or
-// stored.
+// No array can hold that many floats. The function must not request one, because a sanitizer would end the process, and
+// must neither read nor store any.
 TEST(SolveNaturalCubicSpline2D, MoreKnotsThanAnyMemoryHolds_ReturnsFalse)
 {
     constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();

@@ -37,7 +37,7 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   endforeach()
 endif()
 
-# The ABI equals the stored one. Not tested with other compilers or without debug information: these change the dump.
+# Compares the ABI with the stored one. Other compilers and builds without debug information describe it differently.
 if(NOT WIN32 AND NOT ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
   add_test(NAME Package.AbiIsTheStoredOne COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_abi.py"
     "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")

@@ -285,7 +285,7 @@ TEST(Timecode, SetFormat_MakesFieldsAndFrameFormatAgreeWithTheNewFormat)
 
 TEST(Timecode, SetFormat_LeavesTheSignWhereTheFieldsDoNotTellIt)
 {
-    // -100 ticks, less than one frame, are negative in the drop format and zero frames without a sign in the other.
+    // -100 ticks, less than one frame, are negative in the drop format but unsigned zero in the non-drop format.
     Timecode::PrivateImpl record(TickTime::FromTicks(-100), kFrameRate_VideoNTSC, kTimeDisplay_2997DropTimecode,
                                  Timecode::Style());
     EXPECT_TRUE(record.mIsNegative);

@@ -1,5 +1,5 @@
-// A process exits while executors and repeated functions run, held by statics of a module or never destroyed, and while
-// threads allocate. Windows terminates the threads at arbitrary points before the statics of modules are destroyed.
+// Tests a process that exits while threads allocate and while executors and repeated functions run, owned by statics or
+// leaked. Windows terminates the threads at arbitrary points before the statics of modules are destroyed.
 #include <CleanExit.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Compares random operations with a plain map, in turns with another process, and on many threads of two processes.
+// Compares random registry operations of two processes with a plain map, and runs many threads in two processes.
 #include "RegistryModel.h"
 #include "TestRegistry.h"
 

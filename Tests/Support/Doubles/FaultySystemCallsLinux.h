@@ -1,4 +1,4 @@
-// Lets a test fail, shorten or delay system calls.
+// Makes the library's system calls fail, shortens or delays them.
 #pragma once
 
 #include <Linux/Calls/SystemCalls.h>
