@@ -1,4 +1,4 @@
-// Tests exception records of real signals. Each failure happens in a child process, whose handler sends the record to
+// Tests exception records of real signals. Each signal is raised in a child process, whose handler sends the record to
 // the test.
 #include <ORLFailureReport.h>
 #include <ORLString.h>

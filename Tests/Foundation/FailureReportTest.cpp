@@ -1,4 +1,4 @@
-// Tests the handling of uncaught exceptions.
+// Tests the alert for uncaught exceptions and the top-level handler that shows it.
 #include <ORLFailureReport.h>
 #include <ORLTVXErrorManager.h>
 #include <ORLThreadManager.h>

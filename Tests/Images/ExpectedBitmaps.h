@@ -1,4 +1,4 @@
-// The bitmaps that a loader must return for the plug-in's resources.
+// Compares bitmaps loaded from the plug-in with the generated pixels.
 #pragma once
 
 #include "Data/Pixels.h"

@@ -59,7 +59,7 @@ private:
 class FaultyBuffer : public ORL::UnknownImpl<ORL::IFileBuffer>
 {
 public:
-    /// Percentages.
+    /// Rates in percent.
     struct FaultRates
     {
         unsigned mRefuses = 0;

@@ -65,7 +65,7 @@ Text RandomText(SteadyNumbers& ioNumbers, unsigned inLimit)
 
 constexpr int kRandomTexts = 20000;
 
-/// Converts every byte, every pair of bytes, and random texts. inToUnits takes a std::string.
+/// Converts every byte, every pair of bytes, and random strings. inToUnits takes a std::string.
 template <class ToUnits>
 std::uint64_t DigestOfUnits(ToUnits inToUnits)
 {
@@ -85,7 +85,7 @@ std::uint64_t DigestOfUnits(ToUnits inToUnits)
     return digest.Value();
 }
 
-/// Converts every unit and random texts. inToBytes takes a UTF16String.
+/// Converts every unit and random strings. inToBytes takes a UTF16String.
 template <class ToBytes>
 std::uint64_t DigestOfBytes(ToBytes inToBytes)
 {

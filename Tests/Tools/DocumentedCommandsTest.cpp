@@ -108,7 +108,7 @@ TEST(DocumentedCommands, OfTheTimecodePage_AnswerAsShown)
     ExpectAnswersOf("Docs/timecode.md", 40);
 }
 
-// The commands change settings: on Linux in a private store, on Windows in a key that they delete at the end.
+// The commands change settings: on Linux those of a private store, on Windows those of a key that they finally delete.
 TEST(DocumentedCommands, OfTheSettingsPage_AnswerAsShown)
 {
     const OwnUserStore store;

@@ -1,4 +1,4 @@
-// Tests trees with far more levels than a process has descriptors, and with host paths beyond the length limit.
+// Tests trees with far more levels than a process may have descriptors, and with host paths beyond the length limit.
 #include "DirectoryTreesOnLinux.h"
 
 #include <FaultySystemCallsLinux.h>

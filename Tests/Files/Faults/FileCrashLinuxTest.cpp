@@ -1,4 +1,4 @@
-// Kills a process at each system call of a swap.
+// Kills a process before each system call of File::SwapTempFile.
 #include <FileSupport.h>
 
 #include <FaultySystemCallsLinux.h>

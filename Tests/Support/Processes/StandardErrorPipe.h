@@ -7,7 +7,7 @@
 
 namespace ORLTest {
 
-/// While an instance exists, standard error is a pipe that only TakeAll reads. The pipe holds at least 32 KiB of text.
+/// While an instance exists, standard error is a pipe that only TakeAll reads. The pipe holds at least 32 KiB.
 class StandardErrorPipe
 {
 public:
