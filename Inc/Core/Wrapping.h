@@ -45,8 +45,8 @@ constexpr int TruncateToInt(double inValue) noexcept
                                                              : std::numeric_limits<int>::min();
 }
 
-/// Truncates toward zero. Returns 2^63 for values that do not fit, and for NaN. A negative value returns the bits of
-/// its signed conversion.
+/// Truncates toward zero. Returns 2^63 for values that do not fit, and for NaN; for negative values, the bits of the
+/// signed conversion.
 constexpr unsigned long long TruncateToUnsigned64(double inValue) noexcept
 {
     constexpr double kHalf = 9223372036854775808.0;

@@ -1,4 +1,4 @@
-// Destroys the debug database. Runs under the foundation lock.
+// Destroys the debug database. The caller holds the foundation lock.
 #pragma once
 
 namespace ORL {

@@ -1,4 +1,4 @@
-// The factory that the host has set. The foundation lock guards the factory.
+// The block cache factory that the host has set, guarded by the foundation lock.
 #pragma once
 
 #include <ORLFile.h>

@@ -1,4 +1,4 @@
-// Queries about a path's form, and steps of the public path functions that tests call directly.
+// Classification of paths, and steps of the public path functions that tests call directly.
 #pragma once
 
 #include <tvxcore/String.h>

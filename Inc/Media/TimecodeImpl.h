@@ -30,7 +30,7 @@ public:
     /// Adds to the fields and computes the time from them. Does not recompute the fields from the time.
     void IncrementHMSF(int inHours, int inMinutes, int inSeconds, long long inFrames);
 
-    /// Changes the time only; the fields stay.
+    /// Changes only the time, not the fields.
     void IncrementFeetFrames(int inFeet, int inFrames);
 
     UTF16String GetString() const;

@@ -1,4 +1,4 @@
-// Start and stop of the process's memory recycler. Start and stop run under the foundation lock.
+// Start and stop of the process's memory recycler. The caller holds the foundation lock.
 #pragma once
 
 namespace ORL {

@@ -10,7 +10,7 @@ namespace Resources {
 
 inline constexpr unsigned short kStringType = 6;
 
-/// The number of strings in a block. An identifier's block and its index in the block follow from it.
+/// The number of strings in a block. An identifier's block and index in the block follow from this number.
 inline constexpr unsigned int kStringsInBlock = 16;
 
 constexpr unsigned short BlockOfString(unsigned int inID) noexcept

@@ -1,4 +1,4 @@
-// Opening and closing of gates, and waiting at them.
+// The algorithm of WaitableGate: opening, closing, waiting.
 #pragma once
 
 #include <ORLResult.h>

@@ -1,4 +1,4 @@
-// How symbols of tvxcore are exported to hosts.
+// The macros for the visibility of the symbols of tvxcore.
 #pragma once
 
 #if defined(_WIN32)

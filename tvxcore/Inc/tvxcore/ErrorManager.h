@@ -33,7 +33,7 @@ public:
     /// Called if inBytes of memory cannot be allocated. Returns true to request another attempt.
     virtual bool OnAllocationFailure(std::size_t inBytes);
 
-    /// Handles one error. inZString is "$$$/" key "=" default text. May return.
+    /// Handles one error. inZString is "$$$/" key "=" default text. May return instead of throwing.
     virtual void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;
@@ -50,7 +50,7 @@ public:
 /// to standard error and returns. Thread-safe.
 TVXCORE_API ErrorManager* InstallErrorManager(ErrorManager* inManager);
 
-/// Passes the error to the installed manager. May return. Thread-safe.
+/// Passes the error to the installed manager. Returns if the manager returns. Thread-safe.
 TVXCORE_API void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&);

@@ -34,7 +34,7 @@ public:
     /// continues. Throws what copying throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 
-    /// Returns the number of threads. The number stays the same after they have exited.
+    /// Returns the number of threads that were started, even after they have exited.
     virtual unsigned int GetThreadCount() = 0;
 
     /// Requests termination: ends a pause and refuses further functions. Queued functions still run, then the threads

@@ -1,5 +1,5 @@
-// How a locale separates the digits of a number. Both writing and reading of numbers use this punctuation, so that a
-// number that was written can be read back.
+// How a locale separates the digits of a number. Numbers are formatted and parsed with the same punctuation, so
+// that a formatted number can be parsed back.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -30,8 +30,8 @@ TVXCORE_API bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& 
 /// Returns the user's punctuation, which the first call determines for the life of the process.
 ///
 /// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. If this library does not
-/// know the name but the locale is installed, the C library decides; any other name is treated as the classic locale.
-/// On Windows the user's settings decide. The first call throws std::bad_alloc. Thread-safe if no thread changes the
+/// know the name but the locale is installed, its data apply; any other name is treated as the classic locale.
+/// On Windows the user's settings apply. The first call throws std::bad_alloc. Thread-safe if no thread changes the
 /// environment during the first call.
 TVXCORE_API const NumberPunctuation& UserNumberPunctuation();
 

@@ -85,7 +85,7 @@ private:
     bool mIsCut; // out of memory: later parts are dropped
 };
 
-/// A location in the code that traces: its category, its level, and whether the current levels enable it (cached). Must
+/// A trace location in the code: its category, its level, and whether the current levels enable it (cached). Must
 /// be static, and inCategory must live as long. Thread-safe. Never throws.
 class TraceSite
 {

@@ -1,4 +1,4 @@
-// The default output of reports, if the host installs no handler.
+// The output of reports for which the host installs no handler.
 #pragma once
 
 #include <cstddef>

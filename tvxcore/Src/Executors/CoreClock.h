@@ -9,7 +9,7 @@ namespace threads {
 /// Returns the time of the system's monotonic clock in nanoseconds, or of the ManualClock if one exists.
 std::int64_t ClockNow();
 
-/// Returns whether a ManualClock exists; time then passes only when it is advanced.
+/// Returns whether a ManualClock exists; time then advances only by ManualClock::Advance.
 bool ClockIsManual();
 
 /// Freezes time until Advance. Only one may exist; construct and destroy it while no thread is waiting on this clock.

@@ -30,7 +30,7 @@ public:
 
     void Read(unsigned __int64& outCurrent, unsigned __int64& outPeak, unsigned __int64& outTotal) const noexcept
     {
-        // Another thread may be between its updates in Add, so the values may not fit each other yet.
+        // Another thread may be between its updates in Add, so the values may not be consistent yet.
         outCurrent = mCurrent.load(std::memory_order_relaxed);
         outPeak = std::max<unsigned __int64>(outCurrent, mPeak.load(std::memory_order_relaxed));
         outTotal = std::max<unsigned __int64>(outPeak, mTotal.load(std::memory_order_relaxed));

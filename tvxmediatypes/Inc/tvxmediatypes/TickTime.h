@@ -26,7 +26,7 @@ public:
     /// rate.
     TVXMEDIATYPES_API explicit TickTime(double inSeconds) noexcept;
 
-    /// Constructs inFrames frames of a rate, exactly. For the zero rate the time is zero.
+    /// Constructs the exact time of inFrames frames at a rate; the time zero for the zero rate.
     constexpr TickTime(long long inFrames, const FrameRate& inFrameRate) noexcept
         : mTicks(Wrap(Bits(inFrames) * Bits(inFrameRate.GetTicksPerFrame())))
     {
