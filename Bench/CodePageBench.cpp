@@ -1,5 +1,5 @@
-// Question: is converting code page text by value faster than ICU's converter, kept open and writing to a preallocated
-// buffer? And does a repeated query of the language cost more than an atomic load?
+// Question: is converting code page strings by value faster than ICU's converter, kept open and writing to a
+// preallocated buffer? And does a repeated query of the language cost more than an atomic load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
 

@@ -1,5 +1,5 @@
-// Question: is a handle to constant text as cheap as a counted pointer, and do hashes make comparing different texts
-// cheap?
+// Question: is a handle to a constant string as cheap as a counted pointer, and do hashes make comparing different
+// strings cheap?
 #include <ORLConstString.h>
 #include <ORLString.h>
 

@@ -1,8 +1,8 @@
 // Question: what does a recursive listing in library paths cost, compared with hand-written code and with the standard
 // library's iterator?
 //
-// One tree of 100000 entries on this program's disk, fully cached: 2000 folders with 49 files each. All
-// rivals return every path and whether it is a folder. The hand-written listing is straightforward: it checks each
+// The tree has 100000 entries on this program's disk, fully cached: 2000 folders with 49 files each. All
+// rivals report each path and whether it is a folder. The hand-written listing is straightforward: it checks each
 // folder for emptiness first, and then queries the kind of each entry by its path.
 #include "Harness.h"
 

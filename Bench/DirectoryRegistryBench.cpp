@@ -1,4 +1,4 @@
-// Question: may a host look up a symbolic directory each time it opens a file?
+// Question: can a host afford to look up a symbolic directory each time it opens a file?
 #include <Harness.h>
 
 #include <ORLDirectoryRegistry.h>

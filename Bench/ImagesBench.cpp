@@ -1,4 +1,4 @@
-// Question: may a host load its pictures when it first draws them?
+// Question: is loading a picture fast enough to be done when a host first draws it?
 #include <Harness.h>
 
 #include <Images/Premultiply.h>

@@ -1,7 +1,7 @@
 // Question: what does a lookup of an interned name cost? The answer decides whether hot code may intern names.
 //
-// Texts of 8 to 64 bytes, looked up in one random order shared by all rivals. The peers intern too: an ordered set
-// under a mutex with a copy-free lookup, and boost::flyweight with its default counting and locking.
+// The strings have 8 to 64 bytes and are looked up in one random order shared by all rivals. The peers intern too: an
+// ordered set under a mutex with a copy-free lookup, and boost::flyweight with its default counting and locking.
 #include <Harness.h>
 
 #include <ORLImmutableString.h>

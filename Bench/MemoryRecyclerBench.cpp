@@ -2,7 +2,7 @@
 //
 // The pool contains one buffer of the requested size per thread. Groups with "every page written" touch each page once,
 // as any code that fills a buffer does; their row "the writes alone" writes to a kept buffer, a cost that no pool can
-// save. The peers are libavutil's buffer pool and a new mapping each time.
+// avoid. The peers are libavutil's buffer pool and a new mapping each time.
 #include <Harness.h>
 
 #include <ORLMemoryRecycler.h>

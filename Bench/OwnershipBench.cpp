@@ -1,4 +1,4 @@
-// Question: what do the counted pointers, including their checks, cost compared with unchecked ones?
+// Question: what do the reference-counted pointers, checks included, cost compared with unchecked ones?
 #include <Harness.h>
 
 #include <ORLInterface.h>

@@ -1,4 +1,4 @@
-// Path text compared with std::filesystem::path, which is constructed from the text and queried for the same parts.
+// Path string functions compared with std::filesystem::path, built from the string and queried for the same parts.
 #include <Harness.h>
 #include <ORLPathUtils.h>
 

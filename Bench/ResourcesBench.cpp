@@ -1,4 +1,4 @@
-// Question: may a host look up its texts and pictures each time it draws them?
+// Question: can a host afford to look up its strings and pictures each time it draws them?
 #include <Harness.h>
 #include <PlugIn.h>
 

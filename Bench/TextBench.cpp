@@ -1,4 +1,4 @@
-// Question: is converting text by value faster than ICU's conversion into a preallocated buffer, and folding case
+// Question: is converting strings by value faster than ICU's conversion into a preallocated buffer, and folding case
 // faster than ICU's?
 #include <tvxcore/Text.h>
 

@@ -1,7 +1,7 @@
 // Timecode compared with libavutil's timecode functions, and with snprintf and sscanf for formats that libavutil lacks.
 //
 // Question: would a host that displays and parses many labels be faster with another library? Labels and times are
-// random over a day, so that branches cannot be predicted; the library returns its texts by value, as 16-bit strings.
+// random over a day, so that branches cannot be predicted; the library returns its labels by value, as 16-bit strings.
 #include "Harness.h"
 
 #include <ORLTimecode.h>

@@ -1,4 +1,4 @@
-// Question: is handing small work to threads cheaper with this queue than with the usual pools?
+// Question: is passing small tasks to threads cheaper with this queue than with common thread pools?
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueue.h>

@@ -1,4 +1,4 @@
-// Question: what does waiting for a queue to drain cost? The answer decides whether a host may flush once per frame.
+// Question: what does waiting for a queue to drain cost? The answer decides whether a host can flush once per frame.
 //
 // The peers guarantee less. The pool's tasks are counted, one per thread, but nothing ensures that each thread takes
 // one; the barrier's threads only arrive at the barrier.

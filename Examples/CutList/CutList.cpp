@@ -4,7 +4,7 @@
 //   example_cut_list LIST.edl [--print] [--fps 24 | 25 | 30]
 //
 // A ";" in an event's timecodes means drop-frame; otherwise the FCM line above the event decides. Without --fps the
-// list counts NTSC frames. Timecodes are printed from their times, not from the input text: --print reproduces the list
+// list counts NTSC frames. Timecodes are printed from their times, not from the input: --print reproduces the list
 // exactly, or reports which timecode is not a label.
 #include <ORLTimecode.h>
 

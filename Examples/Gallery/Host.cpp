@@ -1,5 +1,5 @@
-// A host whose plug-ins contain texts and pictures: it prints the greeting of each plug-in in five languages, and draws
-// their pictures on one sheet.
+// A host whose plug-ins contain strings and pictures: it prints the greeting of each plug-in in five languages, and
+// draws their pictures on one sheet.
 //
 //   example_gallery SHEET.png
 #include "ContactSheet.h"

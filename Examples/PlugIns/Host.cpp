@@ -1,5 +1,5 @@
 // A host whose effects are in plug-ins: it loads them, lists the category "effects", and creates instances by position
-// and by identifier. A plug-in that fails is reported in one line.
+// and by identifier. Reports each plug-in that fails in one line.
 //
 //   example_plugins [PLUG-IN ...]      default: the plug-ins "plugin_levels" and "plugin_shapes"
 //

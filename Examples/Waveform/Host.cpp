@@ -3,8 +3,8 @@
 //   example_waveform OUT.png FILE.wav ...                  a sheet with a card for each file
 //   example_waveform --thumbnail WxH OUT.png FILE.wav      a single waveform, edge to edge
 //
-// The columns of each picture are split into requests for a shared queue; a flush waits for all of them. Each request
-// reads through a buffer from the recycler, and the requests for a file share its name as an immutable string.
+// The columns of each picture are split into requests for a shared queue; a flush waits until all are done. Each
+// request reads through a buffer from the recycler, and the requests for a file share its name as an immutable string.
 // Exit code: 0, 1 if a file cannot be read or written, 2 for invalid arguments.
 #include "Painter.h"
 

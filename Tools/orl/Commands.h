@@ -23,10 +23,10 @@ void AddReg(CLI::App& ioProgram);
 /// orl tc show|parse|add|convert|table: labels, counts and times of every timecode format.
 void AddTimecode(CLI::App& ioProgram);
 
-/// orl colour COLOUR: a colour in every form that the library converts.
+/// orl colour COLOUR: a colour in every colour model that the library supports.
 void AddColour(CLI::App& ioProgram);
 
-/// orl hash FILE...: the three words of the library's hash.
+/// orl hash FILE...: the library's 96-bit hash of each file, as three words.
 void AddHash(CLI::App& ioProgram);
 
 /// orl res list|string|extract|picture|check: the resources of a module or a compiled resource file.

@@ -1,4 +1,4 @@
-// A colour in every form that the library converts, as numbers and text.
+// A colour in every colour model that the library supports, as numbers and as a string.
 #pragma once
 
 #include <ORLColor.h>
@@ -19,10 +19,10 @@ std::optional<ColourForm> ColourFormOf(const std::string& inName);
 
 /// Parses a colour. "#rrggbb" is RGB in hexadecimal; otherwise three numbers, separated by commas: bytes for rgb,
 /// degrees and percentages for hsl and hsv, a byte and two signed bytes for yuv, a number from 0 to 1 and two
-/// from -0.5 to 0.5 for ypbpr. Throws Failure with exit code 2 if the text cannot be parsed.
+/// from -0.5 to 0.5 for ypbpr. Throws Failure with exit code 2 if the string cannot be parsed.
 ORL::ParamColor<unsigned long> ReadColour(const std::string& inText, ColourForm inForm);
 
-/// Returns the numbers of a colour in a form, as text: "255 128 0", "30 100 50".
+/// Returns the numbers of a colour in a form, as a string: "255 128 0", "30 100 50".
 std::vector<std::string> ColourNumbers(const ORL::ParamColor<unsigned long>& inColour, ColourForm inForm);
 
 /// Returns the names of a form's numbers: "r", "g", "b".

@@ -30,7 +30,7 @@ void WriteBytesToOutput();
 /// Returns whether standard output is a terminal, not a file or pipe.
 bool OutputIsTerminal();
 
-/// Returns the current columns of the terminal on standard output: 80 if unknown, and at least 2.
+/// Returns the current width in columns of the terminal on standard output: 80 if unknown, and at least 2.
 std::size_t TerminalColumns();
 
 /// Flushes standard output and switches it to binary mode: Windows would write CR LF for LF. On Linux does nothing.

@@ -9,10 +9,10 @@ namespace orl {
 
 // Exit codes of the program.
 inline constexpr int kExitSuccess = 0;
-inline constexpr int kExitFailure = 1; // the work could not be done
+inline constexpr int kExitFailure = 1; // the command failed
 inline constexpr int kExitUsage = 2;   // invalid command line
 
-// Exit codes of ingest, by the first error.
+// Exit codes of ingest. The first error determines the code.
 inline constexpr int kExitNoSpace = 3;      // the destination is full, or would become full
 inline constexpr int kExitUnreadable = 4;   // a file or folder of the source cannot be read
 inline constexpr int kExitChanged = 5;      // a file changed while it was copied
@@ -22,8 +22,8 @@ inline constexpr int kExitNameConflict = 8; // the destination has a different f
 inline constexpr int kExitEmpty = 9;        // the source contains no file
 inline constexpr int kExitStopped = 130;    // stopped by the user; the code that shells use
 
-/// Thrown by a command. The program prints "orl: " and the text on one line on standard error, and exits with the exit
-/// code. The text names the command, the action, the value and the reason.
+/// Thrown by a command. The program prints "orl: " and the message as one line on standard error, and exits with the
+/// code. The message names the command, the action, the value and the reason.
 class Failure : public std::runtime_error
 {
 public:
@@ -38,7 +38,7 @@ private:
     int mExitCode;
 };
 
-/// Writes "orl: " and the text as one line on standard error, after flushing standard output.
+/// Writes "orl: " and the message as one line on standard error, after flushing standard output.
 void ReportError(const std::string& inText);
 
 /// Thrown by a command that has reported each failure, after the rest of its work. The program exits with kExitFailure
@@ -49,7 +49,7 @@ public:
     PartialFailure() : std::runtime_error("some of the work could not be done") {}
 };
 
-/// Returns a result in words: "path not found".
+/// Returns a description of a result: "path not found".
 std::string Describe(ORL::Result inResult);
 
 } // namespace orl

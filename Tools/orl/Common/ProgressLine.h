@@ -37,7 +37,7 @@ public:
     /// last column.
     static std::size_t AvailableColumns();
 
-    /// Replaces the text shown.
+    /// Replaces the line shown.
     void Show(const std::string& inText);
 
     /// Erases the line.

@@ -25,13 +25,13 @@ std::string HostTextOf(const UTF16String& inPath);
 /// Joins a folder and a name with a backslash if the folder contains one, otherwise with "/".
 std::string JoinHostPath(const std::string& inFolder, const std::string& inName);
 
-/// Replaces each control character with "?", so that a string stays on its line and cannot control the terminal.
+/// Replaces each control character with "?", so that a string stays on one line and cannot control the terminal.
 std::string WithoutControlCharacters(const std::string& inText);
 
-/// Returns the text on one line, padded with blanks to that many terminal columns.
+/// Returns the string on one line, padded with blanks to that many terminal columns.
 std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
-/// Returns the text on one line; if the text exceeds that many terminal columns, "..." and the end of the text.
+/// Returns the string on one line; if wider than that many terminal columns, "..." and the end of the string.
 std::string TruncateFront(const std::string& inText, std::size_t inColumns);
 
 /// Returns two lower-case digits per byte.

@@ -6,7 +6,7 @@
 
 namespace orl {
 
-/// Returns the terminal columns of a UTF-8 text: two for a wide character, none for a combining character. An invalid
+/// Returns the terminal columns of a UTF-8 string: two for a wide character, none for a combining character. An invalid
 /// byte counts as one column.
 std::size_t ColumnsOf(const std::string& inText);
 

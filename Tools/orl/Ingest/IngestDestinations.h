@@ -1,4 +1,4 @@
-// A whole ingest: one source, read once, to one or more destinations.
+// A complete ingest: copies one source, which is read once, to one or more destinations.
 #pragma once
 
 #include "IngestRun.h"
@@ -42,7 +42,7 @@ struct IngestedSource
 std::vector<IngestDestination> MakeDestinations(const std::string& inSource,
                                                 const std::vector<std::string>& inDestinations);
 
-/// Checks each destination, then serves all destinations at once. A failure at one destination does not stop the
+/// Checks each destination, then writes to all destinations at once. A failure at one destination does not stop the
 /// others. Throws Failure if nothing was begun: the source contains no file, the user stops the planning, or the only
 /// destination is rejected.
 IngestedSource Ingest(std::vector<IngestDestination>& ioDestinations, const std::string& inManifestName,

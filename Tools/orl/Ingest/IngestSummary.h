@@ -13,13 +13,13 @@ struct NamedRate;
 /// Throws Failure if no frame rate has that name.
 const NamedRate& FindRate(const std::string& inName);
 
-/// Returns all names, for a help text.
+/// Returns all names, for the help output.
 std::string RateNames();
 
 /// Returns the length of a WAV file as timecode, empty for any other file.
 std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 
-/// Prints a table of the first 24 files, and the sums of each destination.
+/// Prints a table of the first 24 files, and the totals of each destination.
 void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
                   const std::string& inManifestName);
 

@@ -43,7 +43,7 @@ struct EntryStatus
 
 enum class Links { kFollow, kNoFollow };
 
-/// A folder with an identity. A name is a single component, in the host's bytes (UTF-8 on Windows). Operations may run
+/// A folder with an identity. A name is a single component, in raw bytes (UTF-8 on Windows). Operations may run
 /// on several threads at once. Each operation returns kSuccess or the result for the system's error.
 ///
 /// On Linux the object holds a descriptor, so renaming a parent folder does not affect it and path length is not
@@ -63,7 +63,7 @@ public:
     bool IsOpen() const { return mState != nullptr; }
     const EntryIdentity& Identity() const;
 
-    /// Library paths of this folder, and of an entry in it. Valid while this object lives.
+    /// Return the library path of this folder, and of an entry in it. Valid while this object lives.
     UTF16String Path() const;
     UTF16String PathOf(const std::string& inName) const;
 

@@ -30,7 +30,7 @@ struct IngestItem
         kVerifiedBefore, // the manifest of an earlier run lists the file; size and time equal the source's
     };
 
-    std::string mName; // path below the source, "/" between folders, in the host's bytes
+    std::string mName; // path relative to the source, "/" between folders, raw bytes
     std::uint64_t mSize = 0;
     std::uint64_t mAllocated = 0; // less than the size if the source has holes
     unsigned __int64 mTime = 0;

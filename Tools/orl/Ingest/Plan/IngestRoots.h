@@ -9,8 +9,8 @@
 
 namespace orl {
 
-/// The two folders, in extended form and as the user wrote them. Names below them have "/" between components, in the
-/// host's bytes; the empty name is the folder itself.
+/// The two folders, in extended form and as the user wrote them. Names below them are raw bytes with "/" between
+/// components; the empty name is the folder itself.
 struct IngestRoots
 {
     UTF16String mSource;
@@ -22,7 +22,7 @@ struct IngestRoots
     bool mHasDestination = false;
     std::uint64_t mVolume = 0; // identity of the destination, or of the folder in which it will be created
 
-    /// Opens a folder below the source, one name at a time, so that on Linux no path is too long. Follows links.
+    /// Opens a folder below the source, one name at a time, so that on Linux paths may have any length. Follows links.
     /// Returns kPathNotFound if the source is gone or a different folder is at its path.
     ORL::Result OpenSource(const std::string& inFolder, HeldFolder& outFolder) const;
 

@@ -1,7 +1,7 @@
 // The list of ingested files, in the format of "sha256sum". The line of a file is written after the file is complete,
 // verified, in place and on disk. "sha256sum -c" checks the list, as do tools on other systems that read the format.
 //
-// Lines are added at the end. A line that is no longer true becomes a comment: its first character is overwritten in
+// Lines are appended. A line that is no longer true is commented out: its first character is overwritten in
 // one step. The end of a run removes the lines that were commented out. All other bytes stay as they are, whichever
 // program wrote them.
 #pragma once
@@ -22,7 +22,7 @@ class IngestManifest
 public:
     struct Line
     {
-        std::string mName;   // path below the destination, "/" between folders, in the host's bytes
+        std::string mName;   // path relative to the destination, "/" between folders, raw bytes
         std::string mDigest; // 64 hexadecimal digits
     };
 

@@ -21,7 +21,7 @@ struct IngestRemains
 {
     std::set<std::string> mTemporaries;           // names below the destination
     std::optional<std::uint64_t> mManifestLength; // length of the manifest before the last lines were added
-    std::vector<std::uint64_t> mCommentedOut;     // offsets of lines of the manifest that became comments
+    std::vector<std::uint64_t> mCommentedOut;     // offsets of lines of the manifest that were commented out
 };
 
 class IngestRecord
@@ -36,7 +36,7 @@ public:
     IngestRecord& operator=(const IngestRecord&) = delete;
 
     /// Creates or opens the file and locks it against other runs. Throws Failure if another run is active or another
-    /// program made the file with this name.
+    /// program created the file.
     void Open();
 
     /// Reads what earlier runs left, if there is a record, and changes nothing. Throws Failure like Open.
@@ -54,7 +54,7 @@ public:
     /// Call when the temporary file has been removed or renamed to its final name.
     void ForgetTemporary(const std::string& inFolder, const std::string& inLeaf);
 
-    /// Call before lines are added to the manifest, or before a line becomes a comment. The entry is on disk when these
+    /// Call before lines are added to the manifest, or before a line is commented out. The entry is on disk when these
     /// functions return. Both functions throw Failure.
     void RecordManifestLength(std::uint64_t inLength);
     void RecordCommentedOut(std::uint64_t inPlace);
