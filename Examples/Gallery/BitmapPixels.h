@@ -26,7 +26,7 @@ public:
     PictureDecoder& operator=(const PictureDecoder&) = delete;
 
 private:
-    std::uintptr_t mToken = 0;
+    [[maybe_unused]] std::uintptr_t mToken = 0; // from GDI+
 };
 
 BitmapPixels ReadPixels(HBITMAP inBitmap);

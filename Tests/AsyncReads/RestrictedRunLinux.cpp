@@ -18,7 +18,7 @@ namespace {
 
 bool ForbidTheRing(int inErrno)
 {
-    const auto answer = static_cast<__u32>(SECCOMP_RET_ERRNO | inErrno);
+    const auto answer = SECCOMP_RET_ERRNO | static_cast<__u32>(inErrno);
     sock_filter program[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, arch)),
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, AUDIT_ARCH_X86_64, 0, 4),

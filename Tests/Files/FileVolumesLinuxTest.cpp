@@ -108,7 +108,7 @@ TEST(FileVolumes, ASource_GoesWhenItsCopyAndTheNameOfThatAreOnDisk)
 
 TEST(FileVolumes, IntoAFolderThatCannotBeRead_TheNameOfTheCopyIsSynced)
 {
-    for (const ::mode_t mode : {0644, 0400}) {
+    for (const ::mode_t mode : {0644u, 0400u}) {
         TwoVolumes volumes;
         const TempFolder& folder = volumes.mFolder;
         folder.MakeFolder("dark");

@@ -23,8 +23,6 @@ using Share = FileShareModeFlags;
 
 constexpr auto kNothing = static_cast<Share::Type>(0);
 constexpr auto kReadAndWrite = static_cast<Share::Type>(Share::kFileShare_Read | Share::kFileShare_Write);
-constexpr auto kEverything =
-    static_cast<Share::Type>(Share::kFileShare_Read | Share::kFileShare_Write | Share::kFileShare_Delete);
 
 class DirectoryTreesWithOpenFiles : public testing::Test
 {
