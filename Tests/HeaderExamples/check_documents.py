@@ -91,6 +91,7 @@ def build_projects(compiler, build, by_language):
     plug_in = next(code for path, _, code in by_language["cmake"] if "add_library(importer" in code)
     texts = next(code for _, _, code in by_language["rc"] if "STRINGTABLE" in code)
     plain = next(code for _, _, code in by_language[""] if code.startswith("g++ host.cpp"))
+    called = {"clang++": "clang++ -std=c++17"}.get(compiler, compiler) # README: its default is C++14
     with tempfile.TemporaryDirectory() as name:
         folder, prefix = Path(name), Path(name) / "prefix"
         for component in ("runtime", "dev"):
@@ -104,7 +105,7 @@ def build_projects(compiler, build, by_language):
                 or run(["out/host"], folder / "host")
                 or build_project(compiler, prefix, folder / "importer", plug_in,
                                  {"importer.cpp": "int sImporter;\n", "texts.rc": texts})
-                or run(plain.replace("g++", compiler), folder / "host", pkg_config)
+                or run(plain.replace("g++", called), folder / "host", pkg_config)
                 or run(["./host"], folder / "host", pkg_config))
 
 
