@@ -119,7 +119,8 @@ int main()
     const ORL::ObjectPtr<Clip> noClip;
     const ORL::InterfaceRef<INamed> reel(new Reel);
     const ORL::InterfaceRef<INamed> noReel;
-    const tvxcore::utility::Guid guid(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x16, 0x49, 0x81, 0x99);
+    [[maybe_unused]] const tvxcore::utility::Guid guid(0x20974874, 0x84a4, 0x4245, 0x93, 0x72, 0xb2, 0x4a, 0x16, 0x49,
+                                                       0x81, 0x99);
     const TickTime time(90, kFrameRate_VideoNTSC);
     const TickTime invalid = kTime_Invalid;
     const FrameRate rate = kFrameRate_VideoNTSC_HD;
