@@ -164,9 +164,9 @@ TEST_F(WaveformExample, FewerFramesThanColumns_LeaveNoColumnEmpty)
 
 TEST_F(WaveformExample, SoundLargerThanABuffer_IsReadToItsEnd)
 {
-    const std::size_t frames = 5000000;
-    const DecodedPicture picture = Thumbnail(
-        Wav(Format(), Sound16(frames, [frames](std::size_t i) { return i + 2 < frames ? 0 : FullScale(i); })));
+    constexpr std::size_t frames = 5000000;
+    const DecodedPicture picture =
+        Thumbnail(Wav(Format(), Sound16(frames, [](std::size_t i) { return i + 2 < frames ? 0 : FullScale(i); })));
     ExpectInk(picture, 0, 119, 29, 30);
     ExpectInk(picture, 119, 120, 0, 59);
 }

@@ -73,7 +73,7 @@ TEST_F(OSImageHandleOwner, Assignment_SharesAndDropsTheEarlierBitmap)
     second = first;
     EXPECT_EQ(1, Wrapped().mDeletions);
     EXPECT_EQ(first.GetHBITMAP(), second.GetHBITMAP());
-    const OSImageHandle& same = first;
+    OSImageHandle& same = first;
     first = same;
     EXPECT_TRUE(first.IsValid());
     first = empty;

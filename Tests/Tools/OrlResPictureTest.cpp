@@ -32,7 +32,8 @@ protected:
         const DecodedPicture picture = ReadPng(Output());
         std::vector<std::uint32_t> pixels;
         for (std::size_t i = 0; i + 2 < picture.mPixels.size(); i += 3) {
-            pixels.push_back(picture.mPixels[i] << 16u | picture.mPixels[i + 1] << 8u | picture.mPixels[i + 2]);
+            pixels.push_back(static_cast<std::uint32_t>(picture.mPixels[i] << 16u | picture.mPixels[i + 1] << 8u
+                                                        | picture.mPixels[i + 2]));
         }
         return pixels;
     }

@@ -18,7 +18,7 @@ std::string Beside(const std::string& inName)
 }
 
 const char* const kFiles[] = {"resources_lookup.res", "resources_lookup_windows.dll",
-                              "resources_lookup" ORL_PLUG_IN_SUFFIX};
+                              ("resources_lookup" ORL_PLUG_IN_SUFFIX)};
 
 ProcessResult Res(std::vector<std::string> inArguments)
 {

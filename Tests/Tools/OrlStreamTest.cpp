@@ -66,7 +66,7 @@ TEST_F(OrlStream, FilesOfEverySize_ShowTheirChecksums)
 {
     std::vector<std::string> arguments{"stream", "--verify", "--block", "64K", "--depth", "4"};
     std::vector<std::string> sums;
-    for (const std::size_t size : {0, 1, 511, 512, 513, 65535, 65536, 65537, 1000000}) {
+    for (const unsigned size : {0u, 1u, 511u, 512u, 513u, 65535u, 65536u, 65537u, 1000000u}) {
         const std::string contents = Contents(size);
         mFolder.MakeFile("f" + std::to_string(size), contents);
         arguments.push_back(Host("f" + std::to_string(size)));

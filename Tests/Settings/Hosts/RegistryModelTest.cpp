@@ -15,12 +15,6 @@ using namespace ORLTest;
 using RegistryModelTest = RegistryTest;
 using RegistryProcessesTest = RegistryTest;
 
-namespace {
-
-constexpr auto kUser = RegistryRootKeys::kUser;
-
-} // namespace
-
 // 10^5 operations in four turns. Each turn starts with closed handles; after it, another process performs one turn on
 // the same keys.
 TEST_F(RegistryModelTest, RandomOperations_AnswerAsAPlainMapDoes)
