@@ -176,6 +176,25 @@ public:
         static ConstString Adopt(const unsigned short* inText) noexcept { return ConstString(Adopted{inText}); }
     };
 
+    // Declared inside the class, so at least one operand is a ConstString. Two other texts are never hashed and
+    // compared through temporary handles: UTF16String == "abc" does not compile.
+    friend bool operator==(const ConstString& inLeft, const ConstString& inRight) noexcept
+    {
+        return inLeft.IsEqualTo(inRight);
+    }
+    friend bool operator!=(const ConstString& inLeft, const ConstString& inRight) noexcept
+    {
+        return !inLeft.IsEqualTo(inRight);
+    }
+    friend bool operator<(const ConstString& inLeft, const ConstString& inRight) noexcept
+    {
+        return inLeft.IsBelow(inRight);
+    }
+    friend bool operator>(const ConstString& inLeft, const ConstString& inRight) noexcept
+    {
+        return inRight.IsBelow(inLeft);
+    }
+
 private:
     explicit ConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
 };
@@ -196,43 +215,27 @@ public:
         static StdConstString Adopt(const char* inText) noexcept { return StdConstString(Adopted{inText}); }
     };
 
+    // Declared inside the class for the same reason as those of ConstString.
+    friend bool operator==(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+    {
+        return inLeft.IsEqualTo(inRight);
+    }
+    friend bool operator!=(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+    {
+        return !inLeft.IsEqualTo(inRight);
+    }
+    friend bool operator<(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+    {
+        return inLeft.IsBelow(inRight);
+    }
+    friend bool operator>(const StdConstString& inLeft, const StdConstString& inRight) noexcept
+    {
+        return inRight.IsBelow(inLeft);
+    }
+
 private:
     explicit StdConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
 };
-
-inline bool operator==(const ConstString& inLeft, const ConstString& inRight) noexcept
-{
-    return inLeft.IsEqualTo(inRight);
-}
-inline bool operator!=(const ConstString& inLeft, const ConstString& inRight) noexcept
-{
-    return !inLeft.IsEqualTo(inRight);
-}
-inline bool operator<(const ConstString& inLeft, const ConstString& inRight) noexcept
-{
-    return inLeft.IsBelow(inRight);
-}
-inline bool operator>(const ConstString& inLeft, const ConstString& inRight) noexcept
-{
-    return inRight.IsBelow(inLeft);
-}
-
-inline bool operator==(const StdConstString& inLeft, const StdConstString& inRight) noexcept
-{
-    return inLeft.IsEqualTo(inRight);
-}
-inline bool operator!=(const StdConstString& inLeft, const StdConstString& inRight) noexcept
-{
-    return !inLeft.IsEqualTo(inRight);
-}
-inline bool operator<(const StdConstString& inLeft, const StdConstString& inRight) noexcept
-{
-    return inLeft.IsBelow(inRight);
-}
-inline bool operator>(const StdConstString& inLeft, const StdConstString& inRight) noexcept
-{
-    return inRight.IsBelow(inLeft);
-}
 
 /// Returns the text as UTF-8.
 ORL_API std::string MakeStdString(const ConstString& inText);

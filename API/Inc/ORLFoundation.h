@@ -48,6 +48,7 @@
 #include <ORLParamString.h>
 #include <ORLPathUtils.h>
 #include <ORLProcess.h>
+#include <ORLQueueFunction.h>
 #include <ORLRegistryKey.h>
 #include <ORLRegistryStore.h>
 #include <ORLResourceCollection.h>
@@ -77,6 +78,11 @@ namespace Foundation {
 /// life of the process becomes the main thread. Each start requires one Terminate. Thread-safe, even while other
 /// threads start or stop the library.
 ///
+/// The first start makes the classic locale the process's global locale. This also sets the locale of the C library to
+/// "C", which printf, strtod and the streams that the host creates afterwards use. Terminate does not restore the
+/// previous locale. A host that needs another global locale sets it after the start; the user's own locale is
+/// Locale::Native.
+///
 /// If a service fails to start, throws its exception: std::bad_alloc, boost::thread_resource_error or TVXException. The
 /// library is then not started, and no Terminate is required. Services that had started keep running, and the next
 /// start starts them again. Of these only ThreadManager::RegisterMainThread rejects a second start: it fires an input
@@ -100,7 +106,19 @@ ORL_API void Initialize();
 /// Make the last call on the main thread.
 ORL_API void Terminate();
 
+/// Returns the version of the library in use, "major.minor.patch". ORL_VERSION of <ORLVersion.h> is the version of the
+/// headers that a host was compiled with. The text is static. Thread-safe, and callable before the start.
+ORL_API const char* GetVersion() noexcept;
+
 } // namespace Foundation
+
+/// Same as Foundation::GetVersion. A template, so that a host that uses namespace ORL can still call a GetVersion of
+/// its own or of the OS.
+template <class = void>
+const char* GetVersion() noexcept
+{
+    return Foundation::GetVersion();
+}
 
 /// Always returns false: there is no such mode.
 ORL_API bool GetEmergencyMemoryMode();

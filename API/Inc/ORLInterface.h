@@ -8,6 +8,7 @@
 //       void Process() override {}
 //   };
 //   ORL::InterfaceRef<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest> work(new Work);
+//   const auto same = work.As<ORL::ORLUnknown>(); // asks the object; null if it does not implement the interface
 #pragma once
 
 #include <ORLAtomic.h>
@@ -17,6 +18,7 @@
 
 #include <tvxcore/Guid.h>
 
+#include <cstddef>
 #include <type_traits>
 #include <utility>
 
@@ -59,13 +61,46 @@ protected:
     ORLUnknown& operator=(const ORLUnknown&) = default;
 };
 
+namespace Internal {
+
+// Compares the addresses as template arguments: under some sanitizers "==" on addresses is not a constant expression.
+template <const Guid* inAddress>
+struct IdentifierAt
+{
+};
+
+// Returns whether two classes share one kInterfaceID because one of them inherits it.
+template <class First, class Second>
+constexpr bool ShareIdentifier()
+{
+    return !std::is_same_v<
+               First,
+               Second> && std::is_same_v<IdentifierAt<&First::kInterfaceID>, IdentifierAt<&Second::kInterfaceID>>;
+}
+
+template <class Answer, class... Others>
+constexpr bool HasOwnIdentifier()
+{
+    return !(ShareIdentifier<Answer, Others>() || ...);
+}
+
+// Returns whether Asked declares its identifier. If it shares one with a class that does not derive from it, it
+// inherits that one.
+template <class Asked, class... Others>
+constexpr bool DeclaresIdentifier()
+{
+    return ((!ShareIdentifier<Asked, Others>() || std::is_base_of_v<Asked, Others>)&&...);
+}
+
+} // namespace Internal
+
 /// A smart pointer that owns one reference, or is null. Base is the root interface of T, whose AddRef and Release are
 /// called: ORLUnknown for classes of the class system, T itself for a standalone interface.
 ///
 /// Owner:    each InterfaceRef owns one reference to its object.
 /// Threads:  one thread at a time per InterfaceRef. Several threads may own references to one object, and copy and
 ///           destroy them.
-/// Failure:  only operator-> throws: NullInterfaceException.
+/// Failure:  only operator-> throws: NullInterfaceException. As throws what the object's QueryInterface throws.
 template <class T, class Base = ORLUnknown>
 class InterfaceRef
 {
@@ -76,6 +111,15 @@ public:
     InterfaceRef(T* inPtr) : mIPtr(inPtr) { AddRef(mIPtr); }
 
     InterfaceRef(const InterfaceRef& inOther) : InterfaceRef(inOther.mIPtr) {}
+
+    /// Converts a reference to a class to one to its base class or interface, and adds a reference of its own.
+    template <class Other, class OtherBase,
+              std::enable_if_t<
+                  !std::is_same_v<InterfaceRef<Other, OtherBase>, InterfaceRef> && std::is_convertible_v<Other*, T*>,
+                  int> = 0>
+    InterfaceRef(const InterfaceRef<Other, OtherBase>& inOther) : InterfaceRef(static_cast<T*>(inOther.GetPtr()))
+    {
+    }
 
     /// Moves the reference; ioOther becomes null.
     InterfaceRef(InterfaceRef&& ioOther) noexcept : mIPtr(std::exchange(ioOther.mIPtr, nullptr)) {}
@@ -112,7 +156,28 @@ public:
 
     explicit operator bool() const noexcept { return mIPtr != nullptr; }
 
+    /// Returns a reference to another interface of the object, by QueryInterface, or null if the object does not
+    /// implement it or this reference is null. OtherBase is the second argument of the returned reference. An interface
+    /// that inherits its identifier from T, a base class of T or ORLUnknown does not compile. Throws what the object's
+    /// QueryInterface throws; that of UnknownImpl never throws.
+    template <class Other, class OtherBase = ORLUnknown>
+    InterfaceRef<Other, OtherBase> As() const
+    {
+        static_assert(std::is_base_of_v<ORLUnknown, Other>, "a queried interface derives from ORLUnknown");
+        static_assert(Internal::DeclaresIdentifier<Other, ORLUnknown, T>(),
+                      "a queried interface declares a kInterfaceID of its own");
+        InterfaceRef<Other, OtherBase> found;
+        void* object = nullptr;
+        if (mIPtr != nullptr && ResultSucceeded(mIPtr->QueryInterface(Other::kInterfaceID, &object))) {
+            found.mIPtr = static_cast<Other*>(static_cast<ORLUnknown*>(object)); // QueryInterface has added a reference
+        }
+        return found;
+    }
+
 private:
+    template <class, class>
+    friend class InterfaceRef;
+
     static void AddRef(T* inPtr)
     {
         if (inPtr != nullptr) {
@@ -137,30 +202,48 @@ private:
     T* mIPtr;
 };
 
-namespace Internal {
-
-// Compares the addresses as template arguments: under some sanitizers "==" on addresses is not a constant expression.
-template <const Guid* inAddress>
-struct IdentifierAt
+/// Two references are equal if they refer to the same object through the same address, or are both null.
+template <class Left, class LeftBase, class Right, class RightBase>
+auto operator==(const InterfaceRef<Left, LeftBase>& inLeft, const InterfaceRef<Right, RightBase>& inRight) noexcept
+    -> decltype(inLeft.GetPtr() == inRight.GetPtr())
 {
-};
-
-// Returns whether two classes share one kInterfaceID because one of them inherits it.
-template <class First, class Second>
-constexpr bool ShareIdentifier()
+    return inLeft.GetPtr() == inRight.GetPtr();
+}
+template <class Left, class LeftBase, class Right, class RightBase>
+auto operator!=(const InterfaceRef<Left, LeftBase>& inLeft, const InterfaceRef<Right, RightBase>& inRight) noexcept
+    -> decltype(inLeft.GetPtr() != inRight.GetPtr())
 {
-    return !std::is_same_v<
-               First,
-               Second> && std::is_same_v<IdentifierAt<&First::kInterfaceID>, IdentifierAt<&Second::kInterfaceID>>;
+    return inLeft.GetPtr() != inRight.GetPtr();
+}
+template <class T, class Base>
+bool operator==(const InterfaceRef<T, Base>& inRef, std::nullptr_t) noexcept
+{
+    return inRef.GetPtr() == nullptr;
+}
+template <class T, class Base>
+bool operator==(std::nullptr_t, const InterfaceRef<T, Base>& inRef) noexcept
+{
+    return inRef.GetPtr() == nullptr;
+}
+template <class T, class Base>
+bool operator!=(const InterfaceRef<T, Base>& inRef, std::nullptr_t) noexcept
+{
+    return inRef.GetPtr() != nullptr;
+}
+template <class T, class Base>
+bool operator!=(std::nullptr_t, const InterfaceRef<T, Base>& inRef) noexcept
+{
+    return inRef.GetPtr() != nullptr;
 }
 
-template <class Answer, class... Others>
-constexpr bool HasOwnIdentifier()
+/// Creates an object of the class system from constructor arguments, and the first reference to it:
+/// MakeInterfaceRef<Work>(). Base is the second argument of the returned reference. Throws std::bad_alloc, or what the
+/// constructor throws.
+template <class T, class Base = ORLUnknown, class... Arguments>
+InterfaceRef<T, Base> MakeInterfaceRef(Arguments&&... inArguments)
 {
-    return !(ShareIdentifier<Answer, Others>() || ...);
+    return InterfaceRef<T, Base>(new T(std::forward<Arguments>(inArguments)...));
 }
-
-} // namespace Internal
 
 /// Implements the reference count and the interface queries for a concrete class. Base is the interface that it
 /// extends, or ORLUnknown. Answers are the classes and interfaces that QueryInterface supports, the class itself first.

@@ -20,6 +20,10 @@ class MemoryRecycler;
 ///
 /// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, or of 16384 from 1048576
 /// bytes), and their memory is allocated in whole pages from the system if possible.
+///
+/// Alignment: a buffer for which IsVirtual is true starts at a multiple of 4096 bytes, as unbuffered reads require on
+/// volumes with sectors up to that size. Every other buffer, a large one included for which the system had no pages, is
+/// only aligned for every fundamental type, to 16 bytes.
 class ORL_API MemoryBuffer
 {
 public:

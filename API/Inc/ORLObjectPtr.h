@@ -3,14 +3,17 @@
 //
 //   ORL::ObjectPtr<Picture> picture(new Picture); // owns
 //   ORL::ObjectPtr<Picture> second = picture;     // shares; the last owner deletes the object
+//   auto third = ORL::MakeObjectPtr<Picture>();   // the same as the first line, with the class written once
 #pragma once
 
 #include <ORLAllocator.h>
 #include <ORLAtomic.h>
 #include <ORLDebug.h>
 
+#include <cstddef>
 #include <memory>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace ORL {
@@ -54,6 +57,25 @@ public:
     ObjectPtr(ObjectPtr&& ioOther) noexcept
         : mCounter(std::exchange(ioOther.mCounter, nullptr)), mPtr(std::exchange(ioOther.mPtr, nullptr))
     {
+    }
+
+    /// Shares an object as its base class, with the counter of inOther. The last owner deletes the object through its
+    /// own T, so the base class must have a virtual destructor.
+    template <class Other, std::enable_if_t<!std::is_same_v<Other, T> && std::is_convertible_v<Other*, T*>, int> = 0>
+    ObjectPtr(const ObjectPtr<Other, CounterType>& inOther) : mCounter(inOther.mCounter), mPtr(inOther.mPtr)
+    {
+        static_assert(IsDeletableAs<Other>(), "an object that is shared as its base class has a virtual destructor");
+        if (mCounter != nullptr) {
+            AtomicIncrement(*mCounter);
+        }
+    }
+
+    /// Moves the ownership; ioOther becomes empty.
+    template <class Other, std::enable_if_t<!std::is_same_v<Other, T> && std::is_convertible_v<Other*, T*>, int> = 0>
+    ObjectPtr(ObjectPtr<Other, CounterType>&& ioOther) noexcept
+        : mCounter(std::exchange(ioOther.mCounter, nullptr)), mPtr(std::exchange(ioOther.mPtr, nullptr))
+    {
+        static_assert(IsDeletableAs<Other>(), "an object that is shared as its base class has a virtual destructor");
     }
 
     /// Acquires the new object before it releases the old one, so it is safe to assign a pointer to itself, or one that
@@ -100,6 +122,16 @@ public:
     explicit operator bool() const noexcept { return mPtr != nullptr; }
 
 private:
+    template <class, class>
+    friend class ObjectPtr;
+
+    // Adding const needs no virtual destructor.
+    template <class Other>
+    static constexpr bool IsDeletableAs()
+    {
+        return std::is_same_v<std::remove_cv_t<Other>, std::remove_cv_t<T>> || std::has_virtual_destructor_v<T>;
+    }
+
     void Release()
     {
         if (mCounter == nullptr) {
@@ -120,5 +152,47 @@ private:
     CounterType* mCounter;
     T* mPtr;
 };
+
+/// Creates an object from constructor arguments, and its first owner. Throws std::bad_alloc, or what the constructor
+/// throws.
+template <class T, class... Arguments>
+ObjectPtr<T> MakeObjectPtr(Arguments&&... inArguments)
+{
+    return ObjectPtr<T>(new T(std::forward<Arguments>(inArguments)...));
+}
+
+/// Two pointers are equal if they refer to the same object, or are both empty.
+template <class Left, class Right, class CounterType>
+auto operator==(const ObjectPtr<Left, CounterType>& inLeft, const ObjectPtr<Right, CounterType>& inRight) noexcept
+    -> decltype(inLeft.GetPtr() == inRight.GetPtr())
+{
+    return inLeft.GetPtr() == inRight.GetPtr();
+}
+template <class Left, class Right, class CounterType>
+auto operator!=(const ObjectPtr<Left, CounterType>& inLeft, const ObjectPtr<Right, CounterType>& inRight) noexcept
+    -> decltype(inLeft.GetPtr() != inRight.GetPtr())
+{
+    return inLeft.GetPtr() != inRight.GetPtr();
+}
+template <class T, class CounterType>
+bool operator==(const ObjectPtr<T, CounterType>& inPtr, std::nullptr_t) noexcept
+{
+    return inPtr.GetPtr() == nullptr;
+}
+template <class T, class CounterType>
+bool operator==(std::nullptr_t, const ObjectPtr<T, CounterType>& inPtr) noexcept
+{
+    return inPtr.GetPtr() == nullptr;
+}
+template <class T, class CounterType>
+bool operator!=(const ObjectPtr<T, CounterType>& inPtr, std::nullptr_t) noexcept
+{
+    return inPtr.GetPtr() != nullptr;
+}
+template <class T, class CounterType>
+bool operator!=(std::nullptr_t, const ObjectPtr<T, CounterType>& inPtr) noexcept
+{
+    return inPtr.GetPtr() != nullptr;
+}
 
 } // namespace ORL

@@ -5,6 +5,7 @@
 #include <ORLConfig.h>
 
 #include <cstdint>
+#include <type_traits>
 
 namespace ORL {
 
@@ -40,6 +41,46 @@ inline constexpr Result kWaitFailed = static_cast<Result>(0xA00F000Bu);
 constexpr bool ResultSucceeded(Result inResult) noexcept
 {
     return inResult >= 0;
+}
+
+namespace Internal {
+
+constexpr const char* DescribeResult(Result inResult) noexcept
+{
+    switch (inResult) {
+    case kSuccess: return "kSuccess: The operation succeeded.";
+    case kRegistryKeyExisted: return "kRegistryKeyExisted: The registry key already existed and has been opened.";
+    case kWaitTimeout: return "kWaitTimeout: The time ran out before the wait ended.";
+    case kNoSuchInterface: return "kNoSuchInterface: The object does not implement the requested interface.";
+    case kClassNotRegistered: return "kClassNotRegistered: No class is registered under the identifier.";
+    case kCategoryNotRegistered: return "kCategoryNotRegistered: No class is registered in the category.";
+    case kCategoryIndexOutOfRange: return "kCategoryIndexOutOfRange: The category has fewer classes than the index.";
+    case kGeneralFailure: return "kGeneralFailure: The operation failed for a reason without a code.";
+    case kDiskFull: return "kDiskFull: The volume is full.";
+    case kFileNotFound: return "kFileNotFound: The file or registry key does not exist.";
+    case kPathNotFound: return "kPathNotFound: A folder of the path does not exist.";
+    case kAccessDenied: return "kAccessDenied: The system denied the access.";
+    case kOperationAborted: return "kOperationAborted: The caller aborted the operation.";
+    case kRegistryFailure: return "kRegistryFailure: The registry operation failed.";
+    case kSharingViolation: return "kSharingViolation: Another handle has the file open and does not share the access.";
+    case kAlreadyExists: return "kAlreadyExists: A file or folder of the name already exists.";
+    case kWaitFailed: return "kWaitFailed: The system could not wait.";
+    case -1: return "-1: The operation failed without a code.";
+    default: return inResult < 0 ? "(unknown failure)" : "(unknown success)";
+    }
+}
+
+} // namespace Internal
+
+/// Returns the name of a code and a sentence in English for logs: "kDiskFull: The volume is full." Never null; the text
+/// is static. A number that is not a code returns "(unknown failure)" or "(unknown success)". Thread-safe, and may be
+/// called in a signal handler.
+///
+/// A template that accepts exactly a Result, so that a host's own Describe takes precedence.
+template <class Code, std::enable_if_t<std::is_same_v<Code, Result>, int> = 0>
+constexpr const char* Describe(Code inResult) noexcept
+{
+    return Internal::DescribeResult(inResult);
 }
 
 namespace Win {

@@ -6,6 +6,7 @@
 #include <ORLConfig.h>
 
 #include <tvxcore/String.h>
+#include <tvxcore/Text.h>
 
 #include <string>
 

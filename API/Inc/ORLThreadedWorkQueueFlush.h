@@ -6,6 +6,10 @@
 //   queue->QueueRequest(request);
 //   ...
 //   flush->Flush(); // every request queued earlier has returned
+//
+// In one line, if no other thread flushes the queue:
+//
+//   ORL::ThreadedWorkQueueFlush::FlushQueue(queue);
 #pragma once
 
 #include <ORLConfig.h>
@@ -47,6 +51,15 @@ public:
 
     /// Blocks until all requests queued earlier have finished. Must not be called on a thread of the queue.
     void Flush();
+
+    /// Flushes a queue with an object of its own. No other object may flush the queue at the same time. Throws
+    /// std::bad_alloc.
+    static void FlushQueue(const InterfaceRef<ThreadedWorkQueue, ORLUnknown>& inQueue)
+    {
+        const InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown> flush(new ThreadedWorkQueueFlush);
+        flush->Init(inQueue);
+        flush->Flush();
+    }
 
     /// The rendezvous. Only the queue's threads call this function.
     void Process() override;

@@ -6,12 +6,16 @@
 #include <ORLImpl.h>
 
 #include <tvxcore/String.h>
+#include <tvxcore/Text.h>
 #include <tvxmediatypes/FrameRate.h>
 #include <tvxmediatypes/TickTime.h>
 #include <tvxmediatypes/TimeDisplay.h>
 
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <memory>
+#include <type_traits>
 
 namespace ORL {
 
@@ -119,4 +123,56 @@ private:
     std::unique_ptr<Impl> mPrivateImpl;
 };
 
+namespace Internal {
+
+template <class Code>
+using IfTimecode = std::enable_if_t<std::is_same_v<Code, Timecode>, int>;
+
+inline bool IsSameStyle(const Timecode::Style& inLeft, const Timecode::Style& inRight) noexcept
+{
+    return inLeft.mHoursMode == inRight.mHoursMode && inLeft.mNoLeadingZeros == inRight.mNoLeadingZeros
+           && inLeft.mShowSign == inRight.mShowSign && inLeft.mPreviousFrame == inRight.mPreviousFrame;
+}
+
+} // namespace Internal
+
+// The operators are templates because overload resolution prefers functions that are not: a host's own operator for
+// Timecode stays in use instead of becoming ambiguous.
+
+/// Two timecodes are equal if their public time, rate, format and style are: they then have the same text, whatever is
+/// done to both. To compare only positions, compare GetTime.
+template <class Code, Internal::IfTimecode<Code> = 0>
+bool operator==(const Code& inLeft, const Code& inRight)
+{
+    return inLeft.GetTime() == inRight.GetTime() && inLeft.GetFrameRate() == inRight.GetFrameRate()
+           && inLeft.GetFormat() == inRight.GetFormat() && Internal::IsSameStyle(inLeft.GetStyle(), inRight.GetStyle());
+}
+template <class Code, Internal::IfTimecode<Code> = 0>
+bool operator!=(const Code& inLeft, const Code& inRight)
+{
+    return !(inLeft == inRight);
+}
+
+/// Writes the text of GetString, as UTF-8, with the stream's width.
+template <class Traits, class Code, Internal::IfTimecode<Code> = 0>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& ioStream, const Code& inCode)
+{
+    return ioStream << inCode.GetString();
+}
+
 } // namespace ORL
+
+/// The hash of a timecode, for unordered containers. Equal timecodes have equal hashes.
+template <>
+struct std::hash<ORL::Timecode>
+{
+    std::size_t operator()(const ORL::Timecode& inCode) const
+    {
+        // Odd factors spread neighbouring times, and keep rates and formats apart.
+        const auto ticks = static_cast<unsigned long long>(inCode.GetTime().GetTicks());
+        const auto rate = static_cast<unsigned long long>(inCode.GetFrameRate().GetTicksPerFrame());
+        const auto format = static_cast<unsigned long long>(inCode.GetFormat());
+        return static_cast<std::size_t>((ticks ^ ticks >> 32) * 0x9E3779B97F4A7C15u + rate * 0xC2B2AE3D27D4EB4Fu
+                                        + format);
+    }
+};

@@ -4,6 +4,7 @@
 #include <Files/AsyncFileReaderImpl.h>
 #include <Foundation/CountedLifecycle.h>
 #include <Memory/MemoryRecyclerLifecycle.h>
+#include <ORLVersion.h>
 #include <Strings/LocaleInternals.h>
 #include <tvxcore/Trace.h>
 
@@ -49,6 +50,11 @@ void Initialize()
 void Terminate()
 {
     sLifecycle.Terminate();
+}
+
+const char* GetVersion() noexcept
+{
+    return ORL_VERSION;
 }
 
 } // namespace Foundation

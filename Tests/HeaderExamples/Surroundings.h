@@ -24,6 +24,11 @@ inline void Draw(HBITMAP)
 {
 }
 
+inline int Scan(const char*)
+{
+    return 0;
+}
+
 struct Host
 {
     void Example();

@@ -6,6 +6,10 @@
 
 #include <tvxcore/StringStream.h>
 
+#include <chrono>
+#include <functional>
+#include <iostream>
+
 namespace Consumer {
 
 inline void TouchTimecode()
@@ -23,6 +27,10 @@ inline void TouchTimecode()
     copy.SetTime(copy.GetString());
     copy.SetFormat(tvxmediatypes::kTimeDisplay_30Timecode, kFrameRate_Video30);
     copy.IncrementHMSF(0, 0, 1, 0);
+    const TickTime sum = code.GetTime() + TickTime(std::chrono::milliseconds(40)) * 2 - TickTime(1.0) / 3;
+    Touch(sum % TickTime(0.5), sum.GetSeconds(), sum.ToDuration<std::chrono::microseconds>(), copy == code,
+          std::hash<Timecode>()(copy));
+    std::cout << copy << copy.GetString() << '\n';
     Touch(&Timecode::IncrementFeetFrames, &Timecode::StringToTime, &Timecode::FindUnreadable, Timecode());
 }
 

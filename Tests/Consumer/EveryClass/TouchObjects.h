@@ -59,7 +59,8 @@ inline void TouchPointers()
     ObjectPtr<Record> second;
     second = first;
     second.Swap(first);
-    Touch(first->mNumber, (*first).mNumber, first.GetPtr());
+    const ObjectPtr<Impl> base = MakeObjectPtr<Record>();
+    Touch(first->mNumber, (*first).mNumber, first.GetPtr(), first == second, base != first, base == nullptr);
 
     InterfaceRef<ORLUnknown, ORLUnknown> unknown = (new Work)->GetUnknown();
     const InterfaceRef<ORLUnknown, ORLUnknown> copy(unknown);
@@ -67,6 +68,8 @@ inline void TouchPointers()
     if (ResultSucceeded(copy->QueryInterface(Work::kInterfaceID, &found))) {
         copy->Release();
     }
+    unknown = MakeInterfaceRef<Work>();
+    Touch(unknown == copy, unknown != nullptr, unknown.As<IThreadedQueueRequest>());
     unknown = InterfaceRef<ORLUnknown, ORLUnknown>();
     if (IsWanted()) {
         unknown->AddRef(); // the reference is null: the call would report and throw

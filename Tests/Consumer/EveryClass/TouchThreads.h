@@ -46,6 +46,9 @@ inline void TouchQueues()
     const InterfaceRef<ThreadedWorkQueueFlush, ORLUnknown> flush(new ThreadedWorkQueueFlush);
     flush->Init(queue);
     flush->Flush();
+    queue->QueueRequest(MakeFunctionRequest([] {}));
+    Touch(QueueFunction(queue, [] { return 1; }).get());
+    ThreadedWorkQueueFlush::FlushQueue(queue);
     queue->Stop();
     Touch(&ThreadedWorkQueue::SetIdleProcess, &ThreadedWorkQueue::ClearIdleProcess, &ThreadedWorkQueue::Pause,
           &ThreadedWorkQueue::Resume, &ThreadedWorkQueue::BlockWhilePaused, &ThreadedWorkQueue::GetNumberOfThreads,

@@ -34,6 +34,8 @@ public:
     virtual bool OnAllocationFailure(std::size_t inBytes);
 
     /// Handles one error. inZString is "$$$/" key "=" default text. May return instead of throwing.
+    /// The built-in manager writes one line to standard error, with the text that the installed localiser returns. If
+    /// the localiser throws, or itself raises the error, the line contains the default text.
     virtual void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;

@@ -1,10 +1,18 @@
 // 16-byte identifiers of classes, interfaces and categories.
+//
+//   using namespace tvxcore::literals;
+//   constexpr tvxcore::utility::Guid kInterfaceID = "{20974874-84a4-4245-9372-b24a16498199}"_guid;
 #pragma once
 
 #include <tvxcore/Config.h>
 #include <tvxcore/String.h>
+#include <tvxcore/Text.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <stdexcept>
 
 namespace tvxcore {
 namespace utility {
@@ -67,5 +75,83 @@ private:
 
 static_assert(sizeof(Guid) == 16, "the identifier is the whole state");
 
+/// Writes the text of AsString. A template, so that a host's own operator takes precedence.
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& ioStream, const Guid& inGuid)
+{
+    return ioStream << inGuid.AsString();
+}
+
+namespace Internal {
+
+constexpr std::uint8_t HexDigit(char inDigit)
+{
+    if (inDigit >= '0' && inDigit <= '9') {
+        return static_cast<std::uint8_t>(inDigit - '0');
+    }
+    if (inDigit >= 'a' && inDigit <= 'f') {
+        return static_cast<std::uint8_t>(inDigit - 'a' + 10);
+    }
+    if (inDigit >= 'A' && inDigit <= 'F') {
+        return static_cast<std::uint8_t>(inDigit - 'A' + 10);
+    }
+    throw std::invalid_argument("the identifier contains a character that is not a hexadecimal digit");
+}
+
+/// Returns the byte of the two digits at an address.
+constexpr std::uint8_t HexByte(const char* inDigits)
+{
+    return static_cast<std::uint8_t>(HexDigit(inDigits[0]) * 16 + HexDigit(inDigits[1]));
+}
+
+constexpr std::uint16_t HexWord(const char* inDigits)
+{
+    return static_cast<std::uint16_t>(HexByte(inDigits) * 256 + HexByte(inDigits + 2));
+}
+
+/// Returns the identifier of 36 characters without braces.
+constexpr Guid ParseGuid(const char* inText)
+{
+    for (const int dash : {8, 13, 18, 23}) {
+        if (inText[dash] != '-') {
+            throw std::invalid_argument("the identifier lacks a dash");
+        }
+    }
+    const std::uint32_t data1 = std::uint32_t{HexWord(inText)} << 16 | HexWord(inText + 4);
+    return Guid(data1, HexWord(inText + 9), HexWord(inText + 14), HexByte(inText + 19), HexByte(inText + 21),
+                HexByte(inText + 24), HexByte(inText + 26), HexByte(inText + 28), HexByte(inText + 30),
+                HexByte(inText + 32), HexByte(inText + 34));
+}
+
+} // namespace Internal
 } // namespace utility
+
+namespace literals {
+
+/// The identifier of its text, with or without braces, in digits of either case. A constexpr constant of a malformed
+/// text does not compile; elsewhere a malformed text throws std::invalid_argument.
+constexpr utility::Guid operator""_guid(const char* inText, std::size_t inLength)
+{
+    if (inLength == 38 && inText[0] == '{' && inText[37] == '}') {
+        return utility::Internal::ParseGuid(inText + 1);
+    }
+    if (inLength != 36) {
+        throw std::invalid_argument("the identifier has the wrong length");
+    }
+    return utility::Internal::ParseGuid(inText);
+}
+
+} // namespace literals
 } // namespace tvxcore
+
+/// The hash of an identifier, for unordered containers. Never throws.
+template <>
+struct std::hash<tvxcore::utility::Guid>
+{
+    std::size_t operator()(const tvxcore::utility::Guid& inGuid) const noexcept
+    {
+        // Odd factors, so that identifiers that differ in one word, or have both words exchanged, rarely collide.
+        return static_cast<std::size_t>((inGuid.FirstWord() ^ inGuid.FirstWord() >> 32) * 0x9E3779B97F4A7C15u
+                                        + inGuid.SecondWord() * 0xC2B2AE3D27D4EB4Fu);
+    }
+};

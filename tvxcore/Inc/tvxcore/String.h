@@ -4,7 +4,9 @@
 #include <tvxcore/SmallBlockAllocator.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
 
 /// A string of UTF-16 units. A unit is unsigned short on every platform, regardless of wchar_t.
 using UTF16String = std::basic_string<unsigned short, std::char_traits<unsigned short>,
@@ -34,8 +36,50 @@ struct UTF16Literal
     }
 };
 
+namespace Internal {
+
+/// Hashes the bytes of a text.
+template <class String>
+struct TextHash
+{
+    std::size_t operator()(const String& inText) const noexcept
+    {
+        const auto* const bytes = reinterpret_cast<const char*>(inText.data());
+        return std::hash<std::string_view>()(
+            std::string_view(bytes, inText.size() * sizeof(typename String::value_type)));
+    }
+};
+
+} // namespace Internal
 } // namespace utility
+
+namespace literals {
+
+/// A 16-bit text of the literal: u"text"_utf16. Keeps zero units inside it. Throws std::bad_alloc.
+inline UTF16String operator""_utf16(const char16_t* inText, std::size_t inLength)
+{
+    return UTF16String(inText, inText + inLength);
+}
+
+} // namespace literals
 } // namespace tvxcore
+
+/// The hash of a text, for unordered containers. Partial specialisations, so that a host's own take precedence.
+template <class Traits>
+struct std::hash<
+    std::basic_string<unsigned short, Traits, tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>>
+    : tvxcore::utility::Internal::TextHash<std::basic_string<
+          unsigned short, Traits, tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>>
+{
+};
+
+template <class Traits>
+struct std::hash<
+    std::basic_string<unsigned char, Traits, tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned char>>>
+    : tvxcore::utility::Internal::TextHash<
+          std::basic_string<unsigned char, Traits, tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned char>>>
+{
+};
 
 /// Makes a zero-terminated const unsigned short* with static lifetime from a narrow literal: TVX_UTF16("text").
 #define TVX_UTF16(text)                                                                                                \

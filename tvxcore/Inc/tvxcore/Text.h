@@ -5,6 +5,8 @@
 #include <tvxcore/String.h>
 
 #include <cstddef>
+#include <iosfwd>
+#include <string>
 
 namespace tvxcore {
 namespace utility {
@@ -36,6 +38,17 @@ TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
 /// Replaces every occurrence of inFind from left to right; replaced text is not searched again. An empty inFind changes
 /// nothing.
 TVXCORE_API void ReplaceAllStringInString(UTF16String& ioText, const UTF16String& inFind, const UTF16String& inReplace);
+
+/// Writes a 16-bit text to a stream of bytes, as UTF-8, with the stream's width in bytes. A template, so that neither
+/// another type is converted for it nor a host's own operator becomes ambiguous.
+template <class StreamTraits, class Traits>
+std::basic_ostream<char, StreamTraits>&
+operator<<(std::basic_ostream<char, StreamTraits>& ioStream,
+           const std::basic_string<unsigned short, Traits, SmallBlockAllocator::STLAllocator<unsigned short>>& inText)
+{
+    const UTF8String text = UTF16to8(inText);
+    return ioStream << std::basic_string<char, StreamTraits>(text.begin(), text.end());
+}
 
 } // namespace utility
 } // namespace tvxcore

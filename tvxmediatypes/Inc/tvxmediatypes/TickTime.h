@@ -4,6 +4,11 @@
 #include <tvxmediatypes/Config.h>
 #include <tvxmediatypes/FrameRate.h>
 
+#include <chrono>
+#include <limits>
+#include <ratio>
+#include <type_traits>
+
 namespace tvxmediatypes {
 
 /// A time or duration on a media timeline, in ticks of 1/705600000 second, stored as a signed 64-bit count.
@@ -15,6 +20,8 @@ namespace tvxmediatypes {
 /// Example:
 ///   const tvxmediatypes::TickTime time(90, tvxmediatypes::kFrameRate_Video30);
 ///   std::cout << time.ToFrame64(tvxmediatypes::kFrameRate_VideoPAL); // 75
+///   const tvxmediatypes::TickTime later = time + tvxmediatypes::TickTime(std::chrono::milliseconds(1500));
+///   std::cout << later.GetSeconds(); // 4.5
 class TickTime
 {
 public:
@@ -32,6 +39,15 @@ public:
     {
     }
 
+    /// Constructs from a duration, rounded to the nearest tick, ties away from zero. Whole milliseconds, and whole
+    /// multiples of them, are exact; a nanosecond is 0.7056 ticks. Durations out of range become kTime_Max or
+    /// kTime_Min. A duration in floating point is converted as its seconds are, so NaN becomes kTime_Invalid.
+    template <class Rep, class Period, std::enable_if_t<std::is_arithmetic_v<Rep>, int> = 0>
+    constexpr explicit TickTime(const std::chrono::duration<Rep, Period>& inDuration) noexcept
+        : mTicks(TicksOf(inDuration))
+    {
+    }
+
     /// Constructs from a count of ticks.
     static constexpr TickTime FromTicks(long long inTicks) noexcept
     {
@@ -41,6 +57,37 @@ public:
     }
 
     constexpr long long GetTicks() const noexcept { return mTicks; } ///< returns the time in ticks
+
+    /// Returns the time in seconds; NaN for kTime_Invalid. TickTime(GetSeconds()) is the same time up to 2^52 ticks (73
+    /// days) on either side of zero; beyond that a double cannot distinguish neighbouring ticks.
+    constexpr double GetSeconds() const noexcept
+    {
+        return mTicks == (std::numeric_limits<long long>::min)()
+                   ? std::numeric_limits<double>::quiet_NaN()
+                   : static_cast<double>(mTicks) / static_cast<double>(kTicksPerSecond);
+    }
+
+    /// Returns the time as a duration: time.ToDuration<std::chrono::milliseconds>(). Rounds to the nearest count, ties
+    /// away from zero, so whole microseconds and longer units survive the conversion to ticks and back. A time that the
+    /// duration cannot hold becomes Duration::max() or Duration::min(); kTime_Invalid is converted like the earliest
+    /// time. A duration in floating point is converted from GetSeconds.
+    template <class Duration>
+    constexpr Duration ToDuration() const noexcept
+    {
+        using Rep = typename Duration::rep;
+        static_assert(std::is_arithmetic_v<Rep>, "the count of the duration is a number");
+        if constexpr (std::is_floating_point_v<Rep>) {
+            return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(GetSeconds()));
+        } else {
+            using Ratio = TicksPerUnit<typename Duration::period>;
+            constexpr auto kMost = static_cast<unsigned long long>((std::numeric_limits<Rep>::max)());
+            constexpr unsigned long long kLeast = std::is_signed_v<Rep> ? kMost + 1 : 0;
+            const bool isNegative = mTicks < 0;
+            const unsigned long long count =
+                Scale(Magnitude(mTicks), Ratio::den, Ratio::num, isNegative ? kLeast : kMost);
+            return Duration(static_cast<Rep>(isNegative ? 0 - count : count));
+        }
+    }
 
     constexpr TickTime operator-() const noexcept { return FromTicks(Wrap(0 - Bits(mTicks))); }
 
@@ -106,9 +153,146 @@ private:
     }
     static constexpr long long Wrap(unsigned long long inBits) noexcept { return static_cast<long long>(inBits); }
 
+    template <class Period>
+    using TicksPerUnit = std::ratio_multiply<Period, std::ratio<kTicksPerSecond>>;
+
+    static constexpr unsigned long long Magnitude(long long inValue) noexcept
+    {
+        return inValue < 0 ? 0 - Bits(inValue) : Bits(inValue);
+    }
+
+    // Returns inValue * inNumerator / inDenominator, rounded to nearest, ties up, but at most inLimit. Must be passed
+    // two numbers above 0 whose product fits.
+    static constexpr unsigned long long Scale(unsigned long long inValue, unsigned long long inNumerator,
+                                              unsigned long long inDenominator, unsigned long long inLimit) noexcept
+    {
+        const unsigned long long whole = inValue / inDenominator;
+        const unsigned long long product = inValue % inDenominator * inNumerator;
+        const unsigned long long rest = product % inDenominator;
+        const unsigned long long part = product / inDenominator + (rest >= inDenominator - rest ? 1 : 0);
+        if (part > inLimit || whole > (inLimit - part) / inNumerator) {
+            return inLimit;
+        }
+        return whole * inNumerator + part;
+    }
+
+    template <class Rep, class Period>
+    static constexpr long long TicksOf(const std::chrono::duration<Rep, Period>& inDuration) noexcept
+    {
+        if constexpr (std::is_floating_point_v<Rep>) {
+            return TickTime(std::chrono::duration<double>(inDuration).count()).mTicks;
+        } else {
+            using Ratio = TicksPerUnit<Period>;
+            constexpr auto kMost = static_cast<unsigned long long>((std::numeric_limits<long long>::max)());
+            static_assert(Ratio::num <= (std::numeric_limits<long long>::max)() / Ratio::den,
+                          "the period of the duration is too fine or too odd for ticks");
+            const bool isNegative = inDuration.count() < Rep(0);
+            const auto bits = static_cast<unsigned long long>(inDuration.count());
+            const unsigned long long ticks = Scale(isNegative ? 0 - bits : bits, Ratio::num, Ratio::den, kMost);
+            return Wrap(isNegative ? 0 - ticks : ticks);
+        }
+    }
+
     long long mTicks = 0;
 };
 
 static_assert(sizeof(TickTime) == 8, "a time is held in 8 bytes");
+
+namespace Internal {
+
+template <class Time>
+using IfTickTime = std::enable_if_t<std::is_same_v<Time, TickTime>, int>;
+
+template <class Number>
+using IfWhole = std::enable_if_t<std::is_integral_v<Number>, int>;
+
+/// Returns a quotient truncated toward zero. Must not be called with 0.
+template <class Number>
+constexpr long long DivideTicks(long long inTicks, Number inDivisor) noexcept
+{
+    constexpr long long kLeast = (std::numeric_limits<long long>::min)();
+    if constexpr (std::is_unsigned_v<Number>) {
+        constexpr auto kMost = static_cast<unsigned long long>((std::numeric_limits<long long>::max)());
+        if (inDivisor > kMost) {
+            return inTicks == kLeast && inDivisor == kMost + 1 ? -1 : 0;
+        }
+    } else if (inDivisor == -1) {
+        return (-TickTime::FromTicks(inTicks)).GetTicks(); // the negation wraps; a division would trap
+    }
+    return inTicks / static_cast<long long>(inDivisor);
+}
+
+} // namespace Internal
+
+// Arithmetic. Sums and products wrap around. The operators are templates because overload resolution prefers functions
+// that are not: a host's own operator for TickTime stays in use instead of becoming ambiguous.
+
+/// Adds two times.
+template <class Time, Internal::IfTickTime<Time> = 0>
+constexpr Time operator+(const Time& inLeft, const Time& inRight) noexcept
+{
+    Time sum = inLeft;
+    return sum += inRight;
+}
+
+/// Subtracts inRight from inLeft.
+template <class Time, Internal::IfTickTime<Time> = 0>
+constexpr Time operator-(const Time& inLeft, const Time& inRight) noexcept
+{
+    Time difference = inLeft;
+    return difference -= inRight;
+}
+
+/// Multiplies by a whole number. A product with a fraction does not compile: convert through GetSeconds, which rounds.
+template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
+constexpr Time operator*(const Time& inTime, Number inFactor) noexcept
+{
+    // The low 64 bits of a product do not depend on the signs of its factors.
+    return Time::FromTicks(static_cast<long long>(static_cast<unsigned long long>(inTime.GetTicks())
+                                                  * static_cast<unsigned long long>(inFactor)));
+}
+
+/// Multiplies by a whole number.
+template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
+constexpr Time operator*(Number inFactor, const Time& inTime) noexcept
+{
+    return inTime * inFactor;
+}
+
+/// Divides by a whole number, truncated toward zero. A division by 0 returns kTime_Invalid.
+template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
+constexpr Time operator/(const Time& inTime, Number inDivisor) noexcept
+{
+    return Time::FromTicks(inDivisor == 0 ? (std::numeric_limits<long long>::min)()
+                                          : Internal::DivideTicks(inTime.GetTicks(), inDivisor));
+}
+
+/// Returns how many times inRight fits into inLeft, truncated toward zero; 0 if inRight is zero.
+template <class Time, Internal::IfTickTime<Time> = 0>
+constexpr long long operator/(const Time& inLeft, const Time& inRight) noexcept
+{
+    return inRight.GetTicks() == 0 ? 0 : Internal::DivideTicks(inLeft.GetTicks(), inRight.GetTicks());
+}
+
+/// Returns the rest of that division, with the sign of inLeft: inLeft itself if inRight is zero.
+template <class Time, Internal::IfTickTime<Time> = 0>
+constexpr Time operator%(const Time& inLeft, const Time& inRight) noexcept
+{
+    return inLeft - inRight * (inLeft / inRight);
+}
+
+/// Multiplies the time by a whole number.
+template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
+constexpr Time& operator*=(Time& ioTime, Number inFactor) noexcept
+{
+    return ioTime = ioTime * inFactor;
+}
+
+/// Divides the time by a whole number, like operator/.
+template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
+constexpr Time& operator/=(Time& ioTime, Number inDivisor) noexcept
+{
+    return ioTime = ioTime / inDivisor;
+}
 
 } // namespace tvxmediatypes

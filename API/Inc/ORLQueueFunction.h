@@ -1,0 +1,72 @@
+// Floor: Threads
+// Functions as requests of a work queue, and waiting for the result of one.
+//
+//   queue->QueueRequest(ORL::MakeFunctionRequest([] { Scan("C:\\Media"); })); // runs later; nobody waits
+//   auto count = ORL::QueueFunction(queue, [] { return Scan("D:\\Media"); });
+//   std::cout << count.get();                                                // waits for this one request
+#pragma once
+
+#include <ORLConfig.h>
+#include <ORLInterface.h>
+#include <ORLThreadedWorkQueue.h>
+
+#include <future>
+#include <type_traits>
+#include <utility>
+
+namespace ORL {
+
+namespace Internal {
+
+/// A request that owns a function object, which it calls once.
+template <class Function>
+class FunctionRequest : public UnknownImpl<IThreadedQueueRequest, IThreadedQueueRequest>
+{
+public:
+    template <class Argument>
+    explicit FunctionRequest(Argument&& inFunction) : mFunction(std::forward<Argument>(inFunction))
+    {
+    }
+
+    void Process() override { mFunction(); }
+
+private:
+    Function mFunction;
+};
+
+} // namespace Internal
+
+/// Returns a request that calls a copy of the function, or the moved function itself, each time it is processed. The
+/// function takes no arguments; its result is dropped. An exception is handled like that of any request: it is reported
+/// as a warning. The last reference to the request destroys the function, usually on a thread of the queue. Throws
+/// std::bad_alloc, or what copying the function throws.
+template <class Function>
+ThreadedWorkQueue::Request MakeFunctionRequest(Function&& inFunction)
+{
+    static_assert(std::is_invocable_v<std::decay_t<Function>&>,
+                  "the function of a request is called without arguments");
+    return ThreadedWorkQueue::Request(
+        new Internal::FunctionRequest<std::decay_t<Function>>(std::forward<Function>(inFunction)));
+}
+
+/// Queues one call of a function and returns its future: wait() returns when the call has returned, and get() returns
+/// its result or throws its exception, which is not reported as a warning. Nobody need wait: the future's destructor
+/// does not.
+///
+/// If the queue refuses the request, because it has no threads or has been stopped, get() throws std::future_error with
+/// std::future_errc::broken_promise. Waiting on a thread of a single-threaded queue for a request of the same queue
+/// never ends. The function object is destroyed after the future has become ready, on the thread that called it.
+///
+/// Throws NullInterfaceException for a null queue, std::bad_alloc, or what copying the function throws; nothing is then
+/// queued. Thread-safe.
+template <class Function>
+auto QueueFunction(const InterfaceRef<ThreadedWorkQueue, ORLUnknown>& inQueue, Function&& inFunction)
+    -> std::future<std::invoke_result_t<std::decay_t<Function>&>>
+{
+    std::packaged_task<std::invoke_result_t<std::decay_t<Function>&>()> task(std::forward<Function>(inFunction));
+    auto result = task.get_future();
+    inQueue->QueueRequest(MakeFunctionRequest(std::move(task)));
+    return result;
+}
+
+} // namespace ORL

@@ -1,0 +1,18 @@
+// A host with a GetVersion of its own that uses the library's namespace. On Windows the OS declares such a function.
+#include <ORLFoundation.h>
+
+#include <gtest/gtest.h>
+
+using namespace ORL;
+
+unsigned long GetVersion();
+
+unsigned long GetVersion()
+{
+    return 17;
+}
+
+TEST(HostNames, GetVersionOfTheHost_IsCalled)
+{
+    EXPECT_EQ(17u, GetVersion());
+}

@@ -1,0 +1,16 @@
+// A host that calls GetVersion of the OS and uses the library's namespace.
+#include <ORLFoundation.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <type_traits>
+
+using namespace ORL;
+
+TEST(HostNames, GetVersionOfTheSystem_IsCalled)
+{
+    static_assert(std::is_same_v<decltype(GetVersion()), DWORD>);
+    EXPECT_NE(0u, GetVersion() & 0xFFu) << "the major version";
+}
