@@ -1,7 +1,7 @@
 # Install rules, in the components of the packages, and the package that find_package(ORLFoundation) finds.
 #   runtime  the libraries
 #   dev      headers, links, CMake and pkg-config files, debugger views
-#   tools    the program orl
+#   tools    the program orl, its manual page and its completions
 #   doc      the documents
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -14,6 +14,9 @@ install(TARGETS tvxmediatypes tvxcore CRV ORLFoundation EXPORT ORLFoundationTarg
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 if(TARGET orl)
   install(TARGETS orl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  if(NOT WIN32)
+    include(OrlToolTexts)
+  endif()
 endif()
 install(DIRECTORY API/Inc/ tvxcore/Inc/ tvxmediatypes/Inc/ CRV/Inc/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation COMPONENT dev FILES_MATCHING PATTERN "*.h")

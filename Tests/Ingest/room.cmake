@@ -19,6 +19,7 @@ else()
   target_link_libraries(${room_target} PRIVATE OpenSSL::Crypto)
 endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
+set_property(SOURCE "${orl_folder}/Common/Json.cpp" APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest"
   "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")
 

@@ -30,6 +30,8 @@ expect_field(orlfoundation-doc all Depends "^$")
 run("${root}/usr/bin/orl" --version)
 expect_output("orl ${VERSION}\n" "the packaged tool")
 foreach(file share/doc/${runtime}/copyright share/doc/ORLFoundation/Docs/abi.md share/ORLFoundation/debug/orl_printers.py
+    share/man/man1/orl.1.gz share/bash-completion/completions/orl share/fish/vendor_completions.d/orl.fish
+    share/zsh/vendor-completions/_orl
     lib/libORLFoundation.so lib/libORLFoundation.so.${ABI} include/ORLFoundation/ORLFoundation.h)
   if(NOT EXISTS "${root}/usr/${file}")
     message(FATAL_ERROR "the packages have no ${file}")

@@ -1,4 +1,5 @@
 // Tests the command line of orl reg.
+#include <JsonLayout.h>
 #include <PrivateHost.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>
@@ -158,17 +159,13 @@ TEST_F(OrlReg, ListAsJson_IsOneObject)
     Output({"set", mKey, "Name", "a\"b"});
     Output({"set", mKey, "Data", "00ff", "--type", "binary"});
     Output({"set", mKey + "\\Sub", "x", "y"});
-    const std::string values = "\", \"values\": [\n"
-                               "  {\"name\": \"Data\", \"type\": \"binary\", \"data\": \"00ff\"},\n"
-                               "  {\"name\": \"Name\", \"type\": \"string\", \"value\": \"a\\\"b\"},\n"
-                               "  {\"name\": \"Width\", \"type\": \"u32\", \"value\": 1920}], \"keys\": [\n"
-                               "  {\"name\": \"Sub\"";
-    const std::string begin = "{\"name\": \"HKCU\\\\Software\\\\Zerin\\\\" + UsePrivateHost();
-    EXPECT_EQ(begin + values + "}]}\n", Output({"list", mKey, "--json"}));
-    EXPECT_EQ(
-        begin + values
-            + ", \"values\": [\n    {\"name\": \"x\", \"type\": \"string\", \"value\": \"y\"}], \"keys\": []}]}\n",
-        Output({"list", mKey, "--json", "--recursive"}));
+    const std::string values = R"(","values":[{"name":"Data","type":"binary","data":"00ff"},)"
+                               R"({"name":"Name","type":"string","value":"a\"b"},)"
+                               R"({"name":"Width","type":"u32","value":1920}],"keys":[{"name":"Sub")";
+    const std::string begin = R"({"name":"HKCU\\Software\\Zerin\\)" + UsePrivateHost();
+    EXPECT_EQ(begin + values + "}]}", WithoutLayout(Output({"list", mKey, "--json"})));
+    EXPECT_EQ(begin + values + R"(,"values":[{"name":"x","type":"string","value":"y"}],"keys":[]}]})",
+              WithoutLayout(Output({"list", mKey, "--json", "--recursive"})));
 }
 
 TEST_F(OrlReg, GetAsJson_IsOneObject)
@@ -176,10 +173,9 @@ TEST_F(OrlReg, GetAsJson_IsOneObject)
     Output({"set", mKey, "Width", "1920", "--type", "u32"});
     Output({"set", mKey, "", "a\"b"});
     Output({"set", mKey, "Data", "00ff", "--type", "binary"});
-    EXPECT_EQ("{\"name\": \"Width\", \"type\": \"u32\", \"value\": 1920}\n", Output({"get", mKey, "Width", "--json"}));
-    EXPECT_EQ("{\"name\": \"\", \"type\": \"string\", \"value\": \"a\\\"b\"}\n", Output({"get", mKey, "", "--json"}));
-    EXPECT_EQ("{\"name\": \"Data\", \"type\": \"binary\", \"data\": \"00ff\"}\n",
-              Output({"get", mKey, "Data", "--json"}));
+    EXPECT_EQ("{\"name\":\"Width\",\"type\":\"u32\",\"value\":1920}\n", Output({"get", mKey, "Width", "--json"}));
+    EXPECT_EQ("{\"name\":\"\",\"type\":\"string\",\"value\":\"a\\\"b\"}\n", Output({"get", mKey, "", "--json"}));
+    EXPECT_EQ("{\"name\":\"Data\",\"type\":\"binary\",\"data\":\"00ff\"}\n", Output({"get", mKey, "Data", "--json"}));
     Error({"get", mKey, "None", "--json"});
 }
 
@@ -191,7 +187,7 @@ TEST_F(OrlReg, GetAsJson_ShowsTheNameAsItIsStored)
     for (const std::string& name : {longer, stored}) {
         Output({"set", mKey, name, "1", "--type", "u32"});
     }
-    const std::string expected = "{\"name\": \"" + stored + "\", \"type\": \"u32\", \"value\": 2}\n";
+    const std::string expected = "{\"name\":\"" + stored + "\",\"type\":\"u32\",\"value\":2}\n";
     Output({"set", mKey, asked, "2", "--type", "u32"});
     EXPECT_EQ(expected, Output({"get", mKey, asked, "--json"}));
     EXPECT_EQ(expected, Output({"get", mKey, stored, "--json"}));
@@ -200,12 +196,10 @@ TEST_F(OrlReg, GetAsJson_ShowsTheNameAsItIsStored)
 TEST_F(OrlReg, CheckAsJson_IsOneObject)
 {
     Output({"set", mKey, "n", "v"});
-    const std::string output = Output({"check", "--json"});
-    EXPECT_EQ(0u,
-              output.find("{\"stores\": [\n  {\"name\": \"user\", \"whole\": true, \"problem\": \"\", \"place\": \""))
-        << output;
-    EXPECT_NE(std::string::npos, output.find("]},\n  {\"name\": \"machine\", \"whole\": true, ")) << output;
-    EXPECT_EQ("]}]}\n", output.substr(output.size() - 5));
+    const std::string output = WithoutLayout(Output({"check", "--json"}));
+    EXPECT_EQ(0u, output.find(R"({"stores":[{"name":"user","whole":true,"problem":"","place":")")) << output;
+    EXPECT_NE(std::string::npos, output.find(R"(]},{"name":"machine","whole":true,)")) << output;
+    EXPECT_EQ("]}]}", output.substr(output.size() - 4));
 }
 
 TEST_F(OrlReg, UnsetAndDelete_RemoveWhatIsThereAndReportWhatIsNot)
@@ -326,6 +320,12 @@ TEST_F(OrlReg, DryRun_ShowsTheChangesAndMakesNone)
     EXPECT_EQ("create  " + mKey + "\nset     " + mKey + "  \"a\" = string \"b\"\nset     " + mKey
                   + "  the default value = u32 1 (0x1)\nunset   " + mKey + "  \"c\"\ndelete  " + mKey + "\\Gone\n",
               Output({"import", file, "--dry-run"}));
+    const std::string key = R"("key":"HKCU\\Software\\Zerin\\)" + UsePrivateHost();
+    EXPECT_EQ(R"([{"change":"create",)" + key + R"("},{"change":"set",)" + key
+                  + R"(","value":{"name":"a","type":"string","value":"b"}},{"change":"set",)" + key
+                  + R"(","value":{"name":"","type":"u32","value":1}},{"change":"unset",)" + key
+                  + R"(","name":"c"},{"change":"delete",)" + key + R"(\\Gone"}])",
+              WithoutLayout(Output({"import", file, "--dry-run", "--json"})));
     Error({"list", mKey});
 }
 
@@ -336,7 +336,8 @@ TEST_F(OrlReg, FilesThatCannotBeReadOrWritten_AreNamed)
     EXPECT_EQ("orl: reg import: cannot read \"" + mFolder.Host().u8string() + "\"\n",
               Error({"import", mFolder.Host().u8string()}));
     Output({"set", mKey, "n", "v"});
-    EXPECT_EQ("orl: reg export: cannot write \"" + missing + "\"\n", Error({"export", mKey, missing}));
+    EXPECT_EQ("orl: reg export: cannot write \"" + missing + "\": No such file or directory\n",
+              Error({"export", mKey, missing}));
     EXPECT_EQ("orl: reg export: cannot read \"" + mKey + "\\None\": no such key\n",
               Error({"export", mKey + "\\None", (mFolder.Host() / "none.reg").u8string()}));
     EXPECT_FALSE(std::filesystem::exists(mFolder.Host() / "none.reg"));

@@ -5,8 +5,10 @@
 #include <ORLStringUtils.h>
 #include <ORLSystemInfo.h>
 
+#include <JsonLayout.h>
 #include <ProcessRunner.h>
 
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -29,6 +31,22 @@ std::string Row(const std::string& inOutput, const std::string& inName)
     }
     const std::size_t value = inOutput.find_first_not_of(' ', at + inName.size());
     return inOutput.substr(value, inOutput.find('\n', value) - value);
+}
+
+// Returns "12.3 GB", with a kilobyte of 1000 bytes.
+std::string SizeInPowersOf1000(unsigned long long inBytes)
+{
+    const char* unit = "B";
+    double size = static_cast<double>(inBytes);
+    for (const char* larger : {"kB", "MB", "GB", "TB"}) {
+        if (size >= (unit[1] == '\0' ? 1000 : 999.95)) {
+            size /= 1000;
+            unit = larger;
+        }
+    }
+    char text[32];
+    std::snprintf(text, sizeof(text), unit[1] == '\0' ? "%.0f %s" : "%.1f %s", size, unit);
+    return text;
 }
 
 bool IsOneLineOfOrl(const std::string& inErrors)
@@ -65,6 +83,25 @@ TEST(Orl, CommandLineThatMakesNoSense_SaysWhichCommandAndWhereToLook)
     };
     const Row rows[] = {
         {__LINE__, {}, "orl: A subcommand is required (see orl --help)\n"},
+        {__LINE__, {"infi"}, "orl: unknown command \"infi\"; did you mean \"info\"? (see orl --help)\n"},
+        {__LINE__, {"steram", "x"}, "orl: unknown command \"steram\"; did you mean \"stream\"? (see orl --help)\n"},
+        {__LINE__, {"comp"}, "orl: unknown command \"comp\"; did you mean \"completion\"? (see orl --help)\n"},
+        {__LINE__, {"re"}, "orl: unknown command \"re\"; did you mean \"reg\"? (see orl --help)\n"},
+        {__LINE__, {"tc", "shwo"}, "orl: unknown command \"shwo\"; did you mean \"show\"? (see orl tc --help)\n"},
+        {__LINE__, {"help", "infi"}, "orl: unknown command \"infi\"; did you mean \"info\"? (see orl --help)\n"},
+        {__LINE__, {"help", "info", "x"}, "orl: help: unexpected argument \"x\" (see orl help --help)\n"},
+        {__LINE__,
+         {"completion", "tcsh"},
+         "orl: completion: SHELL: tcsh not in {bash,zsh,fish} (see orl completion --help)\n"},
+        {__LINE__,
+         {"stream", "--jsn", "x"},
+         "orl: stream: unknown option \"--jsn\"; did you mean \"--json\"? (see orl stream --help)\n"},
+        {__LINE__,
+         {"stream", "--dept=4"},
+         "orl: stream: unknown option \"--dept\"; did you mean \"--depth\"? (see orl stream --help)\n"},
+        {__LINE__, {"hash", "--nonsense", "x"}, "orl: hash: unknown option \"--nonsense\" (see orl hash --help)\n"},
+        {__LINE__, {"--verison"}, "orl: unknown option \"--verison\"; did you mean \"--version\"? (see orl --help)\n"},
+        {__LINE__, {"info", "a", "b"}, "orl: info: unexpected argument \"b\" (see orl info --help)\n"},
         {__LINE__, {"frobnicate"}, "orl: unknown command \"frobnicate\" (see orl --help)\n"},
         {__LINE__, {"tc", "frobnicate"}, "orl: unknown command \"frobnicate\" (see orl tc --help)\n"},
         {__LINE__, {"tc"}, "orl: tc: A subcommand is required (see orl tc --help)\n"},
@@ -83,7 +120,7 @@ TEST(Orl, CommandLineThatMakesNoSense_SaysWhichCommandAndWhereToLook)
 
 TEST(Orl, HelpAndVersion_GoToStandardOutputAndEndWith0)
 {
-    for (const char* wish : {"--help", "--version"}) {
+    for (const char* wish : {"--help", "-h", "help", "--version", "-v"}) {
         const ProcessResult result = Orl({wish});
         EXPECT_EQ(0, result.mExitCode) << wish;
         EXPECT_NE(std::string::npos, result.mOutput.find("orl")) << wish;
@@ -113,6 +150,8 @@ TEST(OrlInfo, OfTheDriveRoot_ShowsWhatTheLibraryAnswers)
     EXPECT_EQ("C:\\", Row(result.mOutput, "path"));
     const std::string free = Row(result.mOutput, "free space");
     EXPECT_NE(std::string::npos, free.find("B (")) << free;
+    EXPECT_EQ(SizeInPowersOf1000(std::stoull(free.substr(free.find('(') + 1))), free.substr(0, free.find(" (")))
+        << free;
     EXPECT_EQ(free.size() - 7, free.find(" bytes)")) << free;
 }
 
@@ -146,10 +185,10 @@ TEST(OrlInfo, Json_IsOneObjectWithQuotedTexts)
     EXPECT_EQ(result.mOutput.size() - 2, result.mOutput.rfind("}\n"));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"path\": \"C:\\\\a b\""));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"kind\": \"missing\""));
-    EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"C:\\\\\", \"hostFolder\": "));
+    EXPECT_NE(std::string::npos, WithoutLayout(result.mOutput).find("{\"root\":\"C:\\\\\",\"hostFolder\":"));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"languageId\": "));
     EXPECT_NE(std::string::npos, result.mOutput.find("\"codePage\": "));
-    EXPECT_NE(std::string::npos, result.mOutput.find("{\"root\": \"user\", \"place\": "));
+    EXPECT_NE(std::string::npos, WithoutLayout(result.mOutput).find("{\"root\":\"user\",\"place\":"));
 }
 
 TEST(OrlInfo, LanguageCodePageAndStores_AreThoseOfTheLibrary)

@@ -18,6 +18,12 @@ if(TARGET run_restricted)
   add_dependencies(${room_target} run_restricted)
 endif()
 
+# The help as JSON is parsed, and the stop requests are also tested in a process of the test.
+set_property(SOURCE Tools/OrlHelpTest.cpp Tools/OrlCompletionLinuxTest.cpp
+  APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
+set_property(SOURCE Tools/OrlStopTest.cpp APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}/Common")
+target_sources(${room_target} PRIVATE "${orl_folder}/Common/StopRequest.cpp")
+
 # The commands shown in the documents are run and compared.
 target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
 

@@ -1,16 +1,14 @@
 // orl make-clip PATH
 #include "Commands.h"
 #include "Failure.h"
+#include "OutputFile.h"
 #include "Text.h"
 
 #include <ORLDiskUtils.h>
 #include <ORLHostPath.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -43,87 +41,12 @@ std::string MakeFrame(unsigned inNumber)
     return frame;
 }
 
-volatile std::sig_atomic_t sIsInterrupted = 0;
-
-void OnInterrupt(int)
-{
-    sIsInterrupted = 1;
-}
-
 Failure CannotWrite(const Options& inOptions, const std::string& inReason)
 {
     return Failure("make-clip: cannot write \"" + inOptions.mPath + "\": " + inReason);
 }
 
-// C++ streams store no error code, so the system's last error is used.
-std::string SystemErrorText()
-{
-    return std::generic_category().message(errno != 0 ? errno : EIO);
-}
-
-/// The clip under its temporary name, deleted unless the clip is finished.
-class PartFile
-{
-public:
-    PartFile(const Options& inOptions, const std::filesystem::path& inPath)
-        : mOptions(inOptions), mPath(inPath), mPart(inPath)
-    {
-        mPart += ".part";
-        errno = 0;
-        mFile.open(mPart, std::ios::binary);
-        Check();
-    }
-
-    ~PartFile()
-    {
-        if (!mIsFinished) {
-            mFile.close();
-            std::error_code ignored;
-            std::filesystem::remove(mPart, ignored);
-        }
-    }
-
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
-
-    void Write(const std::string& inBytes)
-    {
-        if (sIsInterrupted != 0) {
-            throw Failure("make-clip: stopped by the user; \"" + mOptions.mPath + "\" was not written", kExitStopped);
-        }
-        mFile << inBytes;
-        Check();
-    }
-
-    // The clip gets its final name only when it is complete.
-    void Finish()
-    {
-        mFile.close();
-        Check();
-        std::error_code error;
-        std::filesystem::rename(mPart, mPath, error);
-        if (error) {
-            throw CannotWrite(mOptions, error.message());
-        }
-        mIsFinished = true;
-    }
-
-private:
-    void Check() const
-    {
-        if (!mFile) {
-            throw CannotWrite(mOptions, SystemErrorText());
-        }
-    }
-
-    const Options& mOptions;
-    const std::filesystem::path mPath;
-    std::filesystem::path mPart;
-    std::ofstream mFile;
-    bool mIsFinished = false;
-};
-
-void WriteFrames(PartFile& ioFile, std::uint64_t inSize)
+void WriteFrames(OutputFile& ioFile, std::uint64_t inSize)
 {
     const std::string header =
         "YUV4MPEG2 W" + std::to_string(kWidth) + " H" + std::to_string(kHeight) + " F25:1 Ip A1:1 C420jpeg\n";
@@ -167,12 +90,9 @@ void Run(const Options& inOptions)
     if (!ORL::ResultSucceeded(result)) {
         throw CannotWrite(inOptions, Describe(result));
     }
-    std::signal(SIGINT, &OnInterrupt);
-    std::signal(SIGTERM, &OnInterrupt);
-    const std::filesystem::path path = std::filesystem::u8path(hostPath);
-    CheckTarget(inOptions, path);
+    CheckTarget(inOptions, std::filesystem::u8path(hostPath));
     CheckFreeSpace(inOptions, libraryPath);
-    PartFile file(inOptions, path);
+    OutputFile file("make-clip", inOptions.mPath);
     WriteFrames(file, inOptions.mSize);
     file.Finish();
 }
@@ -185,9 +105,12 @@ void AddMakeClip(CLI::App& ioProgram)
     CLI::App* command =
         ioProgram.add_subcommand("make-clip", "Write an uncompressed YUV4MPEG2 clip of whole frames for tests");
     command->add_option("PATH", options->mPath, "host path or library path")->required();
-    command->add_option("--size", options->mSize, "minimum size in bytes, 1 to 1T (default 256M)")
+    command
+        ->add_option(
+            "--size", options->mSize,
+            "minimum size in bytes, 1 to 1Ti (default 256Mi); k, M, G, T are powers of 1000, Ki, Mi, Gi, Ti of 1024")
         ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+        ->transform(CLI::AsSizeValue(true).description(""))
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 40).description(""));
     command->callback([options] { Run(*options); });
 }

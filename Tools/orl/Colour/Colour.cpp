@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "Json.h"
 #include "Text.h"
 
 #include <iostream>
@@ -48,18 +49,18 @@ void PrintText(const ORL::ParamColor<unsigned long>& inColour, const std::vector
 
 void PrintJson(const ORL::ParamColor<unsigned long>& inColour, const std::vector<std::string>& inForms)
 {
-    std::cout << "{\n  \"hexadecimal\": " << JsonQuoted(ColourAsHexadecimal(inColour));
+    Json colour = {{"hexadecimal", ColourAsHexadecimal(inColour)}};
     for (const std::string& name : inForms) {
         const ColourForm form = *ColourFormOf(name);
         const std::vector<std::string> numbers = ColourNumbers(inColour, form);
         const std::vector<std::string> names = ColourNumberNames(form);
-        std::cout << ",\n  " << JsonQuoted(name) << ": {";
+        Json members = Json::Object();
         for (std::size_t i = 0; i < numbers.size(); ++i) {
-            std::cout << (i == 0 ? "" : ", ") << JsonQuoted(names[i]) << ": " << numbers[i];
+            members.Set(names[i], Json::Number(numbers[i]));
         }
-        std::cout << '}';
+        colour.Set(name, members);
     }
-    std::cout << "\n}\n";
+    std::cout << colour.Document();
 }
 
 void Run(const Options& inOptions)
@@ -88,7 +89,7 @@ void AddColour(CLI::App& ioProgram)
         ->required();
     command->add_option("--from", options->mFrom, "rgb, hsl, hsv, yuv or ypbpr (default rgb)")
         ->type_name("FORM")
-        ->check(CLI::IsMember({"rgb", "hsl", "hsv", "yuv", "ypbpr"}).description(""));
+        ->check(CLI::IsMember(ReadableColourFormNames()).description(""));
     command->add_option("--to", options->mTo, "rgb, hsl, hsv, yuv, ypbpr, yiq, ire, separated by commas (default all)")
         ->type_name("FORMS")
         ->delimiter(',')

@@ -225,6 +225,20 @@ const std::vector<std::string>& ColourFormNames()
     return names;
 }
 
+const std::vector<std::string>& ReadableColourFormNames()
+{
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> made;
+        for (const std::string& name : ColourFormNames()) {
+            if (!Of(*ColourFormOf(name)).mRanges.empty()) {
+                made.push_back(name);
+            }
+        }
+        return made;
+    }();
+    return names;
+}
+
 std::optional<ColourForm> ColourFormOf(const std::string& inName)
 {
     const std::vector<std::string>& names = ColourFormNames();

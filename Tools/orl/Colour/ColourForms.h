@@ -14,6 +14,9 @@ enum class ColourForm { kRGB, kHSL, kHSV, kYUV, kYPbPr, kYIQ, kIRE };
 /// Returns the names on the command line, in the order in which forms are shown: "rgb", "hsl", ...
 const std::vector<std::string>& ColourFormNames();
 
+/// Returns the names of the forms that ReadColour accepts.
+const std::vector<std::string>& ReadableColourFormNames();
+
 /// Returns the form with that name, or nothing if there is no such form.
 std::optional<ColourForm> ColourFormOf(const std::string& inName);
 

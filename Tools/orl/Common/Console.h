@@ -27,7 +27,7 @@ private:
 /// Switches standard output to binary mode without flushing it. On Linux does nothing.
 void WriteBytesToOutput();
 
-/// Returns whether standard output is a terminal, not a file or pipe.
+/// Returns whether standard output is a terminal, not a file or pipe, and is not silenced.
 bool OutputIsTerminal();
 
 /// Returns the current width in columns of the terminal on standard output: 80 if unknown, and at least 2.

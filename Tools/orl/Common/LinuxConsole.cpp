@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include "QuietOutput.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -21,7 +23,7 @@ UTF8Console::~UTF8Console() = default;
 
 bool OutputIsTerminal()
 {
-    return ::isatty(STDOUT_FILENO) == 1;
+    return !IsOutputSilenced() && ::isatty(STDOUT_FILENO) == 1;
 }
 
 std::size_t TerminalColumns()

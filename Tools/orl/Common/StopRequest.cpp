@@ -1,7 +1,10 @@
 #include "StopRequest.h"
 
+#include "Failure.h"
+
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 
 namespace orl {
 
@@ -10,30 +13,48 @@ namespace {
 std::atomic<bool> sIsRequested{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler must not wait for a lock");
 
-void OnSignal(int)
+void SetFlag(int)
 {
     sIsRequested = true;
 }
 
-void Listen(int inSignal)
+void ExitAtOnce(int)
 {
-    if (std::signal(inSignal, &OnSignal) == SIG_IGN) {
+    std::_Exit(kExitStopped);
+}
+
+using Handler = void (*)(int);
+
+// nohup and shells rely on an ignored signal staying ignored.
+void Handle(int inSignal, Handler inHandler)
+{
+    if (std::signal(inSignal, inHandler) == SIG_IGN) {
         std::signal(inSignal, SIG_IGN);
     }
 }
 
+void HandleAll(Handler inHandler)
+{
+    Handle(SIGINT, inHandler);
+    Handle(SIGTERM, inHandler);
+#ifdef SIGHUP // the terminal was closed
+    Handle(SIGHUP, inHandler);
+#endif
+#ifdef SIGBREAK // Ctrl-Break on Windows
+    Handle(SIGBREAK, inHandler);
+#endif
+}
+
 } // namespace
+
+void ExitOnStop()
+{
+    HandleAll(&ExitAtOnce);
+}
 
 void ListenForStop()
 {
-    Listen(SIGINT);
-    Listen(SIGTERM);
-#ifdef SIGHUP // the terminal was closed
-    Listen(SIGHUP);
-#endif
-#ifdef SIGBREAK // Ctrl-Break on Windows
-    Listen(SIGBREAK);
-#endif
+    HandleAll(&SetFlag);
 }
 
 bool IsStopRequested()

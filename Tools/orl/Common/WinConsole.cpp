@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include "QuietOutput.h"
+
 #include <windows.h>
 
 #include <fcntl.h>
@@ -48,7 +50,7 @@ UTF8Console::~UTF8Console()
 
 bool OutputIsTerminal()
 {
-    return ::_isatty(::_fileno(stdout)) != 0;
+    return !IsOutputSilenced() && ::_isatty(::_fileno(stdout)) != 0;
 }
 
 std::size_t TerminalColumns()
@@ -68,7 +70,8 @@ void MakeOutputBinary()
 ColourOutput::ColourOutput() : mShowsColours(false), mEarlierMode(0)
 {
     const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
-    if (::GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) <= 1 && ::GetConsoleMode(output, &mEarlierMode) != FALSE) {
+    if (!IsOutputSilenced() && ::GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) <= 1
+        && ::GetConsoleMode(output, &mEarlierMode) != FALSE) {
         mShowsColours = ::SetConsoleMode(output, mEarlierMode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
     }
 }

@@ -1,6 +1,7 @@
 // orl info [PATH]
 #include "Commands.h"
 #include "Failure.h"
+#include "Json.h"
 #include "Text.h"
 
 #include <ORLDiskUtils.h>
@@ -126,10 +127,10 @@ std::ostream& Row(const char* inName)
 
 void PrintMachine(const Facts& inFacts)
 {
-    const auto size = [](unsigned long long inBytes) { return ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inBytes)); };
     Row("processors") << inFacts.mProcessors << '\n';
-    Row("memory") << size(inFacts.mPhysicalMemory) << ", " << size(inFacts.mAvailableMemory) << " available\n";
-    Row("address space") << size(inFacts.mVirtualMemory) << '\n';
+    Row("memory") << FormatSize(inFacts.mPhysicalMemory) << ", " << FormatSize(inFacts.mAvailableMemory)
+                  << " available\n";
+    Row("address space") << FormatSize(inFacts.mVirtualMemory) << '\n';
     Row("load") << inFacts.mLoad << " % of all processors\n";
     Row("process clock") << inFacts.mProcessClock << " ms\n";
 }
@@ -159,8 +160,7 @@ void PrintText(const Facts& inFacts)
     Row("kind") << inFacts.mKind << '\n';
     Row("file system") << (inFacts.mFileSystem.empty() ? "unknown" : inFacts.mFileSystem) << '\n';
     Row("sector size") << inFacts.mSectorSize << " bytes\n";
-    Row("free space") << ToUTF8(ORL::DiskUtils::MakeDiskSpaceString(inFacts.mFreeBytes)) << " (" << inFacts.mFreeBytes
-                      << " bytes)\n";
+    Row("free space") << FormatSize(inFacts.mFreeBytes) << " (" << inFacts.mFreeBytes << " bytes)\n";
     const char* title = "drives";
     for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
         Row(title) << WithoutControlCharacters(ToUTF8(drive.mRoot) + "  " + drive.mHostFolder) << '\n';
@@ -170,38 +170,46 @@ void PrintText(const Facts& inFacts)
     PrintSettings(inFacts);
 }
 
+Json DrivesOf(const Facts& inFacts)
+{
+    Json drives = Json::Array();
+    for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
+        drives.Append({{"root", ToUTF8(drive.mRoot)}, {"hostFolder", drive.mHostFolder}});
+    }
+    return drives;
+}
+
+Json StoresOf(const Facts& inFacts)
+{
+    Json stores = Json::Array();
+    for (const Store& store : inFacts.mStores) {
+        stores.Append({{"root", store.mName}, {"place", store.mPlace}, {"bytes", store.mBytes}});
+    }
+    return stores;
+}
+
 void PrintJson(const Facts& inFacts)
 {
-    std::cout << "{\n  \"version\": " << JsonQuoted(ORL_VERSION)
-              << ",\n  \"platform\": " << JsonQuoted(ORL_PLATFORM_NAME)
-              << ",\n  \"path\": " << JsonQuoted(inFacts.mPath)
-              << ",\n  \"hostPath\": " << JsonQuoted(inFacts.mHostPath)
-              << ",\n  \"kind\": " << JsonQuoted(inFacts.mKind)
-              << ",\n  \"fileSystem\": " << JsonQuoted(inFacts.mFileSystem)
-              << ",\n  \"sectorSize\": " << inFacts.mSectorSize << ",\n  \"freeBytes\": " << inFacts.mFreeBytes
-              << ",\n  \"drives\": [";
-    const char* separator = "\n";
-    for (const ORL::PathUtils::MountPoint& drive : inFacts.mDrives) {
-        std::cout << separator << "    {\"root\": " << JsonQuoted(ToUTF8(drive.mRoot))
-                  << ", \"hostFolder\": " << JsonQuoted(drive.mHostFolder) << '}';
-        separator = ",\n";
-    }
-    std::cout << "\n  ],\n  \"processors\": " << inFacts.mProcessors
-              << ",\n  \"physicalMemory\": " << inFacts.mPhysicalMemory
-              << ",\n  \"availableMemory\": " << inFacts.mAvailableMemory
-              << ",\n  \"virtualMemory\": " << inFacts.mVirtualMemory << ",\n  \"loadPercent\": " << inFacts.mLoad
-              << ",\n  \"processClockMilliseconds\": " << inFacts.mProcessClock;
-
-    std::cout << ",\n  \"language\": " << JsonQuoted(inFacts.mLanguage)
-              << ",\n  \"languageId\": " << inFacts.mLanguageID << ",\n  \"codePage\": " << inFacts.mCodePage
-              << ",\n  \"stores\": [";
-    separator = "\n";
-    for (const Store& store : inFacts.mStores) {
-        std::cout << separator << "    {\"root\": " << JsonQuoted(store.mName)
-                  << ", \"place\": " << JsonQuoted(store.mPlace) << ", \"bytes\": " << store.mBytes << '}';
-        separator = ",\n";
-    }
-    std::cout << "\n  ]\n}\n";
+    const Json facts = {{"version", ORL_VERSION},
+                        {"platform", ORL_PLATFORM_NAME},
+                        {"path", inFacts.mPath},
+                        {"hostPath", inFacts.mHostPath},
+                        {"kind", inFacts.mKind},
+                        {"fileSystem", inFacts.mFileSystem},
+                        {"sectorSize", inFacts.mSectorSize},
+                        {"freeBytes", inFacts.mFreeBytes},
+                        {"drives", DrivesOf(inFacts)},
+                        {"processors", inFacts.mProcessors},
+                        {"physicalMemory", inFacts.mPhysicalMemory},
+                        {"availableMemory", inFacts.mAvailableMemory},
+                        {"virtualMemory", inFacts.mVirtualMemory},
+                        {"loadPercent", inFacts.mLoad},
+                        {"processClockMilliseconds", inFacts.mProcessClock},
+                        {"language", inFacts.mLanguage},
+                        {"languageId", inFacts.mLanguageID},
+                        {"codePage", inFacts.mCodePage},
+                        {"stores", StoresOf(inFacts)}};
+    std::cout << facts.Document();
 }
 
 void Run(const Options& inOptions)

@@ -1,7 +1,9 @@
 // orl reg list | get | set | unset | delete | export | import | check
 #include "Commands.h"
 #include "Failure.h"
+#include "Program/ValueTable.h"
 #include "RegCheck.h"
+#include "RegJson.h"
 #include "RegList.h"
 #include "RegTransfer.h"
 #include "RegTree.h"
@@ -111,7 +113,7 @@ void Get(const Options& inOptions)
     if (inOptions.mAsJson) {
         value.mName = StoredNameOf("reg get", key, value.mName);
     }
-    std::cout << (inOptions.mAsJson ? JsonOfRegValue(value) : PlainRegValue(value)) << '\n';
+    std::cout << (inOptions.mAsJson ? JsonOfRegValue(value).Line() : PlainRegValue(value)) << '\n';
 }
 
 void Set(const Options& inOptions)
@@ -154,7 +156,11 @@ void Export(const Options& inOptions)
 
 void Import(const Options& inOptions)
 {
-    ImportRegFile(inOptions.mFile, inOptions.mIsDryRun);
+    if (!inOptions.mIsDryRun) {
+        ImportRegFile(inOptions.mFile);
+    } else {
+        ShowRegImport(inOptions.mFile, inOptions.mAsJson);
+    }
 }
 
 using Run = void (*)(const Options&);
@@ -211,7 +217,8 @@ void AddChangeCommands(CLI::App& ioReg)
                      "text; a number, decimal or hexadecimal with the prefix 0x; bytes in hexadecimal")
         ->required();
     set.mApp->add_option("--type", set.mOptions->mType, "string (default), expand, u32, u64 or binary")
-        ->check(CLI::IsMember({"string", "expand", "u32", "u64", "binary"}));
+        ->type_name("KIND")
+        ->check(CLI::IsMember(ValueOf("KIND").mWords).description(""));
 
     const Command unset = Add(ioReg, "unset", "Delete one value", &Unset);
     AddKey(unset)->required();
@@ -231,7 +238,10 @@ void AddTransferCommands(CLI::App& ioReg)
 
     const Command imports = Add(ioReg, "import", "Apply the changes in a registry text file", &Import);
     imports.mApp->add_option("FILE", imports.mOptions->mFile, "a registry text file of version 5.00")->required();
-    imports.mApp->add_flag("--dry-run", imports.mOptions->mIsDryRun, "only show the changes");
+    CLI::Option* const dryRun =
+        imports.mApp->add_flag("--dry-run", imports.mOptions->mIsDryRun, "only show the changes");
+    imports.mApp->add_flag("--json", imports.mOptions->mAsJson, "write the changes as one JSON array; needs --dry-run")
+        ->needs(dryRun);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "RegCheck.h"
 
 #include "Failure.h"
+#include "Json.h"
 #include "Text.h"
 
 #include <ORLRegistryStore.h>
@@ -38,19 +39,15 @@ void Print(const NamedState& inStore)
     }
 }
 
-void PrintJson(const NamedState& inStore)
+Json JsonOf(const NamedState& inStore)
 {
     const ORL::RegistryStoreState& state = inStore.mState;
-    std::cout << "  {\"name\": " << JsonQuoted(inStore.mName) << ", \"whole\": " << (state.mIsWhole ? "true" : "false")
-              << ", \"problem\": " << JsonQuoted(state.mProblem) << ", \"place\": " << JsonQuoted(state.mPlace)
-              << ", \"bytes\": " << state.mBytes << ", \"setAside\": [";
-    const char* separator = "\n";
-    for (const ORL::RegistryStoreState::SetAside& aside : state.mSetAside) {
-        std::cout << separator << "    {\"time\": " << JsonQuoted(aside.mTime)
-                  << ", \"file\": " << JsonQuoted(aside.mFile) << ", \"reason\": " << JsonQuoted(aside.mReason) << '}';
-        separator = ",\n";
+    Json aside = Json::Array();
+    for (const ORL::RegistryStoreState::SetAside& each : state.mSetAside) {
+        aside.Append({{"time", each.mTime}, {"file", each.mFile}, {"reason", each.mReason}});
     }
-    std::cout << "]}";
+    return {{"name", inStore.mName}, {"whole", state.mIsWhole}, {"problem", state.mProblem},
+            {"place", state.mPlace}, {"bytes", state.mBytes},   {"setAside", aside}};
 }
 
 } // namespace
@@ -60,11 +57,11 @@ void CheckRegStores(bool inAsJson)
     const NamedState stores[] = {{"user", ORL::RegistryStore::Check(ORL::RegistryRootKeys::kUser)},
                                  {"machine", ORL::RegistryStore::Check(ORL::RegistryRootKeys::kMachine)}};
     if (inAsJson) {
-        std::cout << "{\"stores\": [\n";
-        PrintJson(stores[0]);
-        std::cout << ",\n";
-        PrintJson(stores[1]);
-        std::cout << "]}\n";
+        Json both = Json::Array();
+        both.Append(JsonOf(stores[0]));
+        both.Append(JsonOf(stores[1]));
+        const Json document = {{"stores", both}};
+        std::cout << document.Document();
     } else {
         Print(stores[0]);
         Print(stores[1]);

@@ -1,5 +1,7 @@
 #include "RegList.h"
 
+#include "Json.h"
+#include "RegJson.h"
 #include "RegTree.h"
 #include "RegValueText.h"
 #include "Text.h"
@@ -52,29 +54,24 @@ void PrintBelow(const RegListPlan& inPlan, const RegKeyName& inKey, std::size_t 
 
 enum class KeyContent { kNameOnly, kValuesAndKeys };
 
-void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::string& inName, std::size_t inLevel,
-               KeyContent inContent)
+Json JsonOfKey(const RegListPlan& inPlan, const RegKeyName& inKey, const std::string& inName, KeyContent inContent)
 {
-    const std::string indent = Indent(inLevel);
-    std::cout << indent << "{\"name\": " << JsonQuoted(inName);
-    if (inContent == KeyContent::kValuesAndKeys) {
-        const char* separator = "\n";
-        std::cout << ", \"values\": [";
-        for (const RegistryValue& value : ReadRegValues(kCommand, inKey)) {
-            std::cout << separator << indent << "  " << JsonOfRegValue(value);
-            separator = ",\n";
-        }
-        std::cout << "], \"keys\": [";
-        separator = "\n";
-        const KeyContent below = inPlan.mIsRecursive ? KeyContent::kValuesAndKeys : KeyContent::kNameOnly;
-        for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
-            std::cout << separator;
-            PrintJson(inPlan, RegSubKey(inKey, name), ToUTF8(name), inLevel + 1, below);
-            separator = ",\n";
-        }
-        std::cout << ']';
+    Json key = {{"name", inName}};
+    if (inContent == KeyContent::kNameOnly) {
+        return key;
     }
-    std::cout << '}';
+    Json values = Json::Array();
+    for (const RegistryValue& value : ReadRegValues(kCommand, inKey)) {
+        values.Append(JsonOfRegValue(value));
+    }
+    Json keys = Json::Array();
+    const KeyContent below = inPlan.mIsRecursive ? KeyContent::kValuesAndKeys : KeyContent::kNameOnly;
+    for (const UTF16String& name : ReadRegSubKeys(kCommand, inKey)) {
+        keys.Append(JsonOfKey(inPlan, RegSubKey(inKey, name), ToUTF8(name), below));
+    }
+    key.Set("values", values);
+    key.Set("keys", keys);
+    return key;
 }
 
 } // namespace
@@ -82,8 +79,8 @@ void PrintJson(const RegListPlan& inPlan, const RegKeyName& inKey, const std::st
 void ListRegKey(const RegListPlan& inPlan)
 {
     if (inPlan.mAsJson) {
-        PrintJson(inPlan, inPlan.mKey, ShowRegKeyName(inPlan.mKey), 0, KeyContent::kValuesAndKeys);
-        std::cout << '\n';
+        const KeyContent content = KeyContent::kValuesAndKeys;
+        std::cout << JsonOfKey(inPlan, inPlan.mKey, ShowRegKeyName(inPlan.mKey), content).Document();
         return;
     }
     ReadRegValues(kCommand, inPlan.mKey); // throws before anything is printed if the key is missing

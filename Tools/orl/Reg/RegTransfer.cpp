@@ -2,7 +2,9 @@
 
 #include "Console.h"
 #include "Failure.h"
+#include "OutputFile.h"
 #include "RegFile.h"
+#include "RegJson.h"
 #include "RegTree.h"
 #include "RegValueText.h"
 #include "Text.h"
@@ -35,33 +37,6 @@ void Collect(const RegKeyName& inKey, std::vector<RegFileKey>& ioKeys)
 std::filesystem::path HostFile(const std::string& inArgument)
 {
     return std::filesystem::u8path(HostTextOf(PathOfArgument(inArgument)));
-}
-
-bool Write(const std::filesystem::path& inFile, const std::string& inBytes)
-{
-    std::ofstream stream(inFile, std::ios::binary | std::ios::trunc);
-    stream.write(inBytes.data(), static_cast<std::streamsize>(inBytes.size()));
-    stream.close();
-    return !stream.fail();
-}
-
-// An existing file stays until the new one is complete. Anything but a regular file, such as a pipe, is written
-// directly.
-bool WriteOrKeep(const std::filesystem::path& inFile, const std::string& inBytes)
-{
-    std::error_code error;
-    const std::filesystem::file_type type = std::filesystem::symlink_status(inFile, error).type();
-    if (type != std::filesystem::file_type::regular) {
-        return Write(inFile, inBytes);
-    }
-    std::filesystem::path temporary = inFile;
-    temporary += ".orl-export";
-    if (!Write(temporary, inBytes)) {
-        std::filesystem::remove(temporary, error);
-        return false;
-    }
-    std::filesystem::rename(temporary, inFile, error);
-    return !error;
 }
 
 std::string ReadWhole(const std::string& inFile)
@@ -117,21 +92,29 @@ void ExportRegKey(const RegKeyName& inKey, const std::string& inFile)
     } else if (inFile.empty()) {
         MakeOutputBinary();
         std::cout << EncodeRegFile(text);
-    } else if (!WriteOrKeep(HostFile(inFile), EncodeRegFile(text))) {
-        throw Failure("reg export: cannot write \"" + inFile + '"');
+    } else {
+        OutputFile file("reg export", inFile);
+        file.Write(EncodeRegFile(text));
+        file.Finish();
     }
 }
 
-void ImportRegFile(const std::string& inFile, bool inIsDryRun)
+void ImportRegFile(const std::string& inFile)
 {
-    const std::vector<RegistryEdit> edits = ReadEdits(inFile);
-    if (!inIsDryRun) {
-        ApplyRegEdits("reg import", inFile, edits);
-        return;
+    ApplyRegEdits("reg import", inFile, ReadEdits(inFile));
+}
+
+void ShowRegImport(const std::string& inFile, bool inAsJson)
+{
+    Json edits = Json::Array();
+    for (const RegistryEdit& edit : ReadEdits(inFile)) {
+        if (inAsJson) {
+            edits.Append(JsonOfRegEdit(edit));
+        } else {
+            Show(edit);
+        }
     }
-    for (const RegistryEdit& edit : edits) {
-        Show(edit);
-    }
+    std::cout << (inAsJson ? edits.Document() : std::string());
 }
 
 } // namespace orl

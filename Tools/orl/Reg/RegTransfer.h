@@ -11,7 +11,10 @@ namespace orl {
 /// UTF-8.
 void ExportRegKey(const RegKeyName& inKey, const std::string& inFile);
 
-/// Applies the changes of a file, or only prints them if inIsDryRun is true. If a line is invalid, nothing is changed.
-void ImportRegFile(const std::string& inFile, bool inIsDryRun);
+/// Applies the changes of a file. If a line is invalid, nothing is changed.
+void ImportRegFile(const std::string& inFile);
+
+/// Prints the changes that ImportRegFile would make.
+void ShowRegImport(const std::string& inFile, bool inAsJson);
 
 } // namespace orl

@@ -113,23 +113,6 @@ UTF16String ReadText(const std::string& inText)
     return text;
 }
 
-// Text and numbers become "value". All other data, and data that does not fit its type, becomes hexadecimal digits
-// under "data".
-std::string JsonValue(const ORL::RegistryValue& inValue)
-{
-    const std::string plain = PlainRegValue(inValue);
-    if (!IsWellFormedRegValue(inValue)) {
-        return "\"data\": " + JsonQuoted(plain);
-    }
-    switch (inValue.mType) {
-    case ORL::RegistryValueTypes::kUInt32:
-    case ORL::RegistryValueTypes::kUInt64: return "\"value\": " + plain;
-    case ORL::RegistryValueTypes::kString:
-    case ORL::RegistryValueTypes::kExpandString: return "\"value\": " + JsonQuoted(plain);
-    default: return "\"data\": " + JsonQuoted(plain);
-    }
-}
-
 } // namespace
 
 std::string ShowRegType(unsigned int inType)
@@ -238,12 +221,6 @@ RegistryValue ReadRegValue(const std::string& inType, const std::string& inText)
         value.mData = RegDataOfText(ReadText(inText));
     }
     return value;
-}
-
-std::string JsonOfRegValue(const ORL::RegistryValue& inValue)
-{
-    return "{\"name\": " + JsonQuoted(ToUTF8(inValue.mName)) + ", \"type\": " + JsonQuoted(ShowRegType(inValue.mType))
-           + ", " + JsonValue(inValue) + '}';
 }
 
 } // namespace orl

@@ -1,4 +1,4 @@
-// Registry values as text for command lines, listings and JSON.
+// Registry values as text for command lines and listings.
 #pragma once
 
 #include <ORLRegistryStore.h>
@@ -29,9 +29,6 @@ std::string PlainRegValue(const ORL::RegistryValue& inValue);
 /// Returns the value on one line for a listing: quoted text, numbers in decimal and hexadecimal, the start of other
 /// data.
 std::string ShowRegValue(const ORL::RegistryValue& inValue);
-
-/// Returns one JSON object: name, type, and the value, or its bytes as hexadecimal digits under "data".
-std::string JsonOfRegValue(const ORL::RegistryValue& inValue);
 
 /// Converts command-line text to a value of the type "string", "expand", "u32", "u64" or "binary". Throws
 /// Failure with kExitUsage if the text does not fit the type.

@@ -2,12 +2,13 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "Json.h"
+#include "OutputFile.h"
 #include "PictureFile.h"
 #include "ResourceCheck.h"
 #include "ResourceNames.h"
 #include "Text.h"
 
-#include <ORLFile.h>
 #include <ORLResourceFile.h>
 
 #include <iostream>
@@ -79,28 +80,23 @@ void PrintTable(const ResourceFile& inFile)
     }
 }
 
-void PrintName(const char* inMember, const ORL::Resources::FileName& inName)
+Json JsonOf(const ORL::Resources::FileName& inName)
 {
-    std::cout << '"' << inMember
-              << "\": " << (inName.mIsText ? JsonQuoted(ToUTF8(inName.mText)) : std::to_string(inName.mID));
+    return inName.mIsText ? Json(ToUTF8(inName.mText)) : Json(inName.mID);
 }
 
 void PrintJson(const ResourceFile& inFile)
 {
-    std::cout << "{\n  \"format\": " << JsonQuoted(NameOfFormat(inFile))
-              << ",\n  \"damaged\": " << (inFile.IsDamaged() ? "true" : "false") << ",\n  \"resources\": [";
-    const char* separator = "\n    {";
+    Json resources = Json::Array();
     for (const FileEntry& entry : inFile.GetEntries()) {
-        std::cout << separator;
-        PrintName("type", entry.mType);
-        std::cout << ", ";
-        PrintName("name", entry.mName);
-        std::cout << ", \"language\": " << entry.mLanguage
-                  << ", \"languageName\": " << JsonQuoted(NameOfLanguage(entry.mLanguage))
-                  << ", \"size\": " << entry.mSize << '}';
-        separator = ",\n    {";
+        resources.Append({{"type", JsonOf(entry.mType)},
+                          {"name", JsonOf(entry.mName)},
+                          {"language", entry.mLanguage},
+                          {"languageName", NameOfLanguage(entry.mLanguage)},
+                          {"size", entry.mSize}});
     }
-    std::cout << "\n  ]\n}\n";
+    const Json file = {{"format", NameOfFormat(inFile)}, {"damaged", inFile.IsDamaged()}, {"resources", resources}};
+    std::cout << file.Document();
 }
 
 void List(const Options& inOptions)
@@ -134,49 +130,70 @@ std::set<unsigned int> IdentifiersOf(const ResourceFile& inFile)
     return identifiers;
 }
 
-bool PrintString(const ResourceFile& inFile, unsigned int inID, unsigned short inLanguage)
+struct FoundString
+{
+    unsigned int mID = 0;
+    unsigned short mLanguage = 0;
+    std::string mText;
+};
+
+bool FindString(const ResourceFile& inFile, unsigned int inID, unsigned short inLanguage,
+                std::vector<FoundString>& ioStrings)
 {
     UTF16String text;
-    unsigned short answered = 0;
-    if (!inFile.FindString(inID, inLanguage, text, answered)) {
+    FoundString found;
+    found.mID = inID;
+    if (!inFile.FindString(inID, inLanguage, text, found.mLanguage)) {
         return false;
     }
-    std::cout << PaddedTo(7, std::to_string(inID)) << ' ' << PaddedTo(8, NameOfLanguage(answered)) << ' '
-              << WithoutControlCharacters(ToUTF8(text)) << '\n';
+    found.mText = ToUTF8(text);
+    ioStrings.push_back(found);
     return true;
 }
 
-void PrintStrings(const Options& inOptions)
+void PrintStrings(const std::vector<FoundString>& inStrings)
+{
+    for (const FoundString& found : inStrings) {
+        std::cout << PaddedTo(7, std::to_string(found.mID)) << ' ' << PaddedTo(8, NameOfLanguage(found.mLanguage))
+                  << ' ' << WithoutControlCharacters(found.mText) << '\n';
+    }
+}
+
+void PrintStringsAsJson(const std::vector<FoundString>& inStrings)
+{
+    Json strings = Json::Array();
+    for (const FoundString& found : inStrings) {
+        strings.Append({{"id", found.mID},
+                        {"language", found.mLanguage},
+                        {"languageName", NameOfLanguage(found.mLanguage)},
+                        {"text", found.mText}});
+    }
+    std::cout << strings.Document();
+}
+
+void String(const Options& inOptions)
 {
     const unsigned short language = ReadLanguage(inOptions.mLanguage);
     ResourceFile file;
     Open("string", inOptions.mFile, file);
     WarnOfDamage("string", inOptions.mFile, file);
+    std::vector<FoundString> strings;
     if (inOptions.mIDs.empty()) {
         for (const unsigned int id : IdentifiersOf(file)) {
-            PrintString(file, id, language);
+            FindString(file, id, language, strings);
         }
-    } else if (!PrintString(file, inOptions.mIDs[0], language)) {
+    } else if (!FindString(file, inOptions.mIDs[0], language, strings)) {
         throw Failure("res string: \"" + inOptions.mFile + "\" has no text " + std::to_string(inOptions.mIDs[0])
                       + " for " + NameOfLanguage(language));
     }
+    inOptions.mAsJson ? PrintStringsAsJson(strings) : PrintStrings(strings);
 }
 
-void WriteFile(const char* inCommand, const std::string& inArgument, const void* inData, std::size_t inSize)
+void WriteFile(const std::string& inCommand, const std::string& inArgument, const void* inData, std::size_t inSize)
 {
-    ORL::File file;
-    ORL::Result result =
-        file.Create(PathOfArgument(inArgument), ORL::FileAccessFlags::kFileAccess_Write,
-                    static_cast<ORL::FileShareModeFlags::Type>(0), ORL::FileCreateDispositionFlags::kFileCreate_Always,
-                    ORL::FileAttributesFlags::kFileAttribute_Normal, false);
-    unsigned int written = 0;
-    if (ORL::ResultSucceeded(result)) {
-        result = file.Write(inData, static_cast<unsigned int>(inSize), written);
-    }
-    if (!ORL::ResultSucceeded(result) || written != inSize) {
-        throw Failure("res " + std::string(inCommand) + ": cannot write \"" + inArgument
-                      + "\": " + Describe(ORL::ResultSucceeded(result) ? ORL::kDiskFull : result));
-    }
+    OutputFile file(inCommand, inArgument);
+    file.Write(inData, inSize);
+    file.Finish();
 }
 
 void Extract(const Options& inOptions)
@@ -191,7 +208,7 @@ void Extract(const Options& inOptions)
                       + " for " + NameOfLanguage(language));
     }
     if (!inOptions.mOutput.empty()) {
-        WriteFile("extract", inOptions.mOutput, entry->mData, entry->mSize);
+        WriteFile("res extract", inOptions.mOutput, entry->mData, entry->mSize);
         return;
     }
     WriteBytesToOutput();
@@ -211,21 +228,32 @@ void WritePicture(const Options& inOptions)
                       + NameOfLanguage(language) + " that can be decoded");
     }
     const std::string png = ToPng(picture);
-    WriteFile("picture", inOptions.mOutput, png.data(), png.size());
+    WriteFile("res picture", inOptions.mOutput, png.data(), png.size());
+}
+
+void PrintFaults(const std::string& inPath, const std::vector<std::string>& inFaults)
+{
+    for (const std::string& fault : inFaults) {
+        std::cout << WithoutControlCharacters(inPath) << ": " << WithoutControlCharacters(fault) << '\n';
+    }
 }
 
 void Check(const Options& inOptions)
 {
     bool isGood = true;
+    Json files = Json::Array();
     for (const std::string& path : inOptions.mFiles) {
         ResourceFile file;
         Open("check", path, file);
-        for (const std::string& fault : FaultsOf(file)) {
-            std::cout << WithoutControlCharacters(path) << ": " << WithoutControlCharacters(fault) << '\n';
-            isGood = false;
+        const std::vector<std::string> faults = FaultsOf(file);
+        isGood = isGood && faults.empty();
+        if (inOptions.mAsJson) {
+            files.Append({{"file", path}, {"faults", faults}});
+        } else {
+            PrintFaults(path, faults);
         }
     }
-    std::cout.flush();
+    std::cout << (inOptions.mAsJson ? files.Document() : std::string()) << std::flush;
     if (!isGood) {
         throw PartialFailure();
     }
@@ -242,7 +270,8 @@ CLI::App* AddCommand(CLI::App& ioResources, const std::shared_ptr<Options>& inOp
 
 void AddLanguage(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
 {
-    ioCommand.add_option("--language", inOptions->mLanguage, "de_DE, neutral, 1031 or 0x0407 (default en_US)");
+    ioCommand.add_option("--language", inOptions->mLanguage, "de_DE, neutral, 1031 or 0x0407 (default en_US)")
+        ->type_name("LANGUAGE");
 }
 
 void AddList(CLI::App& ioResources)
@@ -256,10 +285,11 @@ void AddList(CLI::App& ioResources)
 void AddString(CLI::App& ioResources)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = AddCommand(
-        ioResources, options, "string", "Show one text, or all, and the language in which it was found", &PrintStrings);
+    CLI::App* const command = AddCommand(ioResources, options, "string",
+                                         "Show one text, or all, and the language in which it was found", &String);
     command->add_option("ID", options->mIDs, "the identifier of the text; default: all texts")->expected(0, 1);
     AddLanguage(*command, options);
+    command->add_flag("--json", options->mAsJson, "write one JSON array, an object for each text");
 }
 
 void AddExtract(CLI::App& ioResources)
@@ -269,7 +299,8 @@ void AddExtract(CLI::App& ioResources)
     command->add_option("TYPE", options->mType, "the type: a name such as RCDATA, a number or a text")->required();
     command->add_option("NAME", options->mName, "the name: a number or a text")->required();
     AddLanguage(*command, options);
-    command->add_option("-o,--output", options->mOutput, "the file to write; default: standard output");
+    command->add_option("-o,--output", options->mOutput, "the file to write; default: standard output")
+        ->type_name("FILE");
 }
 
 void AddPicture(CLI::App& ioResources)
@@ -280,7 +311,7 @@ void AddPicture(CLI::App& ioResources)
                    &WritePicture);
     command->add_option("ID", options->mIDs, "the identifier of a PNG or bitmap resource")->required()->expected(1);
     AddLanguage(*command, options);
-    command->add_option("-o,--output", options->mOutput, "the file to write")->required();
+    command->add_option("-o,--output", options->mOutput, "the file to write")->required()->type_name("FILE");
 }
 
 void AddCheck(CLI::App& ioResources)
@@ -289,6 +320,7 @@ void AddCheck(CLI::App& ioResources)
     CLI::App* const command = ioResources.add_subcommand(
         "check", "Find texts, menus and dialogs missing in a language, different parameters, and unreadable resources");
     command->add_option("FILE", options->mFiles, kFileHelp)->required();
+    command->add_flag("--json", options->mAsJson, "write one JSON array, an object with the faults of each file");
     command->callback([options] { Check(*options); });
 }
 

@@ -2,15 +2,16 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Failure.h"
+#include "Json.h"
 #include "ProgressLine.h"
 #include "StartedLibrary.h"
+#include "StopRequest.h"
 #include "StreamFile.h"
 #include "Text.h"
 #include "TextWidth.h"
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -37,13 +38,6 @@ struct Row
     std::string mFile;
     StreamFigures mFigures;
 };
-
-volatile std::sig_atomic_t sIsInterrupted = 0;
-
-void OnInterrupt(int)
-{
-    sIsInterrupted = 1;
-}
 
 double MegabytesPerSecond(const StreamFigures& inFigures)
 {
@@ -112,19 +106,19 @@ void PrintTable(const std::vector<Row>& inRows, bool inVerified)
 
 void PrintJson(const std::vector<Row>& inRows)
 {
-    std::cout << '[';
-    const char* separator = "\n";
+    Json rows = Json::Array();
     for (const Row& row : inRows) {
         const StreamFigures& figures = row.mFigures;
-        std::cout << separator << "  {\"file\": " << JsonQuoted(row.mFile) << ", \"bytes\": " << figures.mBytes
-                  << ", \"megabytesPerSecond\": " << MegabytesPerSecond(figures) << ", \"reads\": " << figures.mReads
-                  << ", \"sectorSize\": " << figures.mSectorSize
-                  << ", \"medianLatencySeconds\": " << figures.mMedianLatency
-                  << ", \"percentile99LatencySeconds\": " << figures.mPercentile99Latency << ", \"crc32\": \""
-                  << Hexadecimal(figures.mCRC) << "\"}";
-        separator = ",\n";
+        rows.Append({{"file", row.mFile},
+                     {"bytes", figures.mBytes},
+                     {"megabytesPerSecond", MegabytesPerSecond(figures)},
+                     {"reads", figures.mReads},
+                     {"sectorSize", figures.mSectorSize},
+                     {"medianLatencySeconds", figures.mMedianLatency},
+                     {"percentile99LatencySeconds", figures.mPercentile99Latency},
+                     {"crc32", Hexadecimal(figures.mCRC)}});
     }
-    std::cout << (inRows.empty() ? "]\n" : "\n]\n");
+    std::cout << rows.Document();
 }
 
 StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
@@ -133,7 +127,7 @@ StreamFigures StreamOne(const std::string& inFile, const Options& inOptions)
     const StreamFigures figures =
         StreamFile(inFile, inOptions.mSettings, [&](std::uint64_t inDone, std::uint64_t inSize) {
             ShowProgress(line, inFile, inDone, inSize);
-            return sIsInterrupted == 0;
+            return !IsStopRequested();
         });
     if (inOptions.mVerifies && PlainCRC(inFile) != figures.mCRC) {
         throw Failure("stream: \"" + inFile + "\" differs when read through the cache: CRC-32 "
@@ -161,7 +155,7 @@ bool TryStream(const std::string& inFile, const Options& inOptions, std::vector<
 void Run(const Options& inOptions)
 {
     const StartedLibrary library;
-    std::signal(SIGINT, &OnInterrupt);
+    ListenForStop();
     std::vector<Row> rows;
     const auto print = [&] {
         if (inOptions.mAsJson) {
@@ -197,9 +191,11 @@ void AddStream(CLI::App& ioProgram)
     CLI::App* command = ioProgram.add_subcommand(
         "stream", "Read files past the system's cache, many reads in flight, and show the throughput");
     command->add_option("FILE", options->mFiles, "host paths or library paths")->required();
-    command->add_option("--block", options->mSettings.mBlockSize, "bytes per read, 1 to 64M (default 1M)")
+    command
+        ->add_option("--block", options->mSettings.mBlockSize,
+                     "bytes per read, 1 to 64Mi (default 1Mi); k, M are powers of 1000, Ki, Mi of 1024")
         ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+        ->transform(CLI::AsSizeValue(true).description(""))
         ->check(CLI::Range(std::size_t{1}, std::size_t{64} << 20).description(""));
     command->add_option("--depth", options->mSettings.mDepth, "reads in flight, 1 to 2048 (default 32)")
         ->type_name("NUMBER")

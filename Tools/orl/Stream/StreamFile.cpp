@@ -59,7 +59,7 @@ StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& in
             figures.mCRC = static_cast<std::uint32_t>(::crc32(figures.mCRC, inBytes, static_cast<uInt>(inCount)));
             figures.mBytes += inCount;
             if (!inProgress(figures.mBytes, inSize)) {
-                throw Interrupted("stream: interrupted while reading \"" + inArgument + "\"");
+                throw Interrupted("stream: stopped by the user while reading \"" + inArgument + "\"", kExitStopped);
             }
         });
     figures.mSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

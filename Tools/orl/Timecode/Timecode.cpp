@@ -115,8 +115,11 @@ void Convert(const Options& inOptions)
 void AddFormat(CLI::App& ioCommand, const std::string& inNames, const std::string& inRateNames, FormatChoice& ioChoice,
                const std::string& inWhat)
 {
-    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; see orl tc table")->check(FormatError);
+    ioCommand.add_option(inNames, ioChoice.mName, inWhat + "; see orl tc table")
+        ->type_name("FORMAT")
+        ->check(FormatError);
     ioCommand.add_option(inRateNames, ioChoice.mRate, "frames or samples per second, such as 25, 29.97 or 30000/1001")
+        ->type_name("NUMBER")
         ->check(RateSyntaxError);
 }
 
@@ -127,7 +130,8 @@ void AddStyle(CLI::App& ioCommand, Options& ioOptions)
     ioCommand
         .add_option("--sign", ioOptions.mSign,
                     "auto: only below zero (default); always; never: labels below zero count back from midnight")
-        ->transform(CLI::Transformer(kRules).description("auto|always|never"));
+        ->type_name("WHEN")
+        ->transform(CLI::Transformer(kRules).description(""));
     ioCommand.add_flag("--no-zeros", ioOptions.mStyle.mNoLeadingZeros, "write fields without leading zeros");
     ioCommand.add_flag("--no-hours", ioOptions.mHidesHours, "omit the hours");
     ioCommand.add_flag("--previous-frame", ioOptions.mStyle.mPreviousFrame,

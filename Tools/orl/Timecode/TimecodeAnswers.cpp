@@ -1,6 +1,7 @@
 #include "TimecodeAnswers.h"
 
 #include "Failure.h"
+#include "Json.h"
 #include "Text.h"
 
 #include <iostream>
@@ -34,18 +35,23 @@ std::string InText(const TimecodeAnswer& inAnswer, const TimecodeSettings& inSet
 
 std::string InJson(const std::string& inValue, const TimecodeAnswer& inAnswer, const TimecodeSettings& inSettings)
 {
-    const std::string remark = inAnswer.mRemark.empty() ? "" : ", \"remark\": " + JsonQuoted(inAnswer.mRemark);
-    return "{\"input\": " + JsonQuoted(inValue) + ", \"label\": " + JsonQuoted(inAnswer.mLabel) + ", \""
-           + inSettings.mFormat->mUnit + "\": " + std::to_string(inAnswer.mCount)
-           + ", \"seconds\": " + InSeconds(inAnswer.mTime) + ", \"format\": " + JsonQuoted(inSettings.mFormat->mName)
-           + ", \"rate\": " + JsonQuoted(RateInFull(inSettings.CountingRate())) + remark + '}';
+    Json answer = {{"input", inValue},
+                   {"label", inAnswer.mLabel},
+                   {inSettings.mFormat->mUnit, inAnswer.mCount},
+                   {"seconds", Json::Number(InSeconds(inAnswer.mTime))},
+                   {"format", inSettings.mFormat->mName},
+                   {"rate", RateInFull(inSettings.CountingRate())}};
+    if (!inAnswer.mRemark.empty()) {
+        answer.Set("remark", inAnswer.mRemark);
+    }
+    return answer.Line();
 }
 
 std::string InJson(const std::string& inValue, const Unreadable& inFault)
 {
-    const std::string stop = inFault.mStop == std::string::npos ? "null" : std::to_string(inFault.mStop + 1);
-    return "{\"input\": " + JsonQuoted(inValue) + ", \"error\": " + JsonQuoted(inFault.what())
-           + ", \"position\": " + stop + '}';
+    const Json position = inFault.mStop == std::string::npos ? Json() : Json(inFault.mStop + 1);
+    const Json fault = {{"input", inValue}, {"error", inFault.what()}, {"position", position}};
+    return fault.Line();
 }
 
 /// Returns the values one by one, from the command line or from standard input.

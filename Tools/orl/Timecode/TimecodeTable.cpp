@@ -1,5 +1,6 @@
 #include "TimecodeTable.h"
 
+#include "Json.h"
 #include "Text.h"
 #include "TimecodeFormatNames.h"
 
@@ -87,20 +88,21 @@ void PrintText()
 
 void PrintJson()
 {
-    const char* separator = "[\n  ";
+    Json table = Json::Array();
     for (const TimecodeFormat& format : AllTimecodeFormats()) {
         const Row row = Describe(format);
-        std::cout << separator << "{\"format\": " << JsonQuoted(format.mName)
-                  << ", \"value\": " << static_cast<int>(format.mDisplay)
-                  << ", \"rate\": " << JsonQuoted(RateInFull(format.mRate))
-                  << ", \"ownRate\": " << (format.mHasOwnRate ? "true" : "false")
-                  << ", \"digits\": " << (row.mDigits != 0 ? std::to_string(row.mDigits) : "null")
-                  << ", \"separators\": " << JsonQuoted(row.mSeparators) << ", \"framesPerDay\": " << row.mFramesPerDay
-                  << ", \"sampleSeconds\": " << kSampleSeconds << ", \"sample\": " << JsonQuoted(row.mSample)
-                  << ", \"about\": " << JsonQuoted(format.mAbout) << '}';
-        separator = ",\n  ";
+        table.Append({{"format", format.mName},
+                      {"value", static_cast<int>(format.mDisplay)},
+                      {"rate", RateInFull(format.mRate)},
+                      {"ownRate", format.mHasOwnRate},
+                      {"digits", row.mDigits != 0 ? Json(row.mDigits) : Json()},
+                      {"separators", row.mSeparators},
+                      {"framesPerDay", row.mFramesPerDay},
+                      {"sampleSeconds", kSampleSeconds},
+                      {"sample", row.mSample},
+                      {"about", format.mAbout}});
     }
-    std::cout << "\n]\n";
+    std::cout << table.Document();
 }
 
 } // namespace

@@ -1,0 +1,33 @@
+// Raises the signals that stop the program in a child of this process.
+#include "StopRequest.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace {
+
+int RaiseAndExit(int inSignal)
+{
+    std::raise(inSignal);
+    return 3;
+}
+
+} // namespace
+
+TEST(OrlStopDeathTest, ExitOnStop_EndsWith130AtEachSignal)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        EXPECT_EXIT((orl::ExitOnStop(), std::exit(RaiseAndExit(signal))), testing::ExitedWithCode(130), "") << signal;
+    }
+}
+
+TEST(OrlStopDeathTest, ListenForStop_SetsTheFlagAndGoesOn)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        EXPECT_EXIT((orl::ExitOnStop(), orl::ListenForStop(),
+                     std::exit(orl::IsStopRequested() ? 4 : RaiseAndExit(signal) + (orl::IsStopRequested() ? 0 : 2))),
+                    testing::ExitedWithCode(3), "")
+            << signal;
+    }
+}

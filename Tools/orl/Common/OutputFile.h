@@ -1,0 +1,46 @@
+// A file that appears under its name only when it is complete.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace orl {
+
+/// Writes a file under a temporary name, which ends in ".part", and renames it at the end. An existing file keeps its
+/// contents until then, and its permissions beyond that; a link to a file stays a link. Anything else that exists, such
+/// as a pipe or a device, is written directly.
+class OutputFile
+{
+public:
+    /// inCommand names the command in messages. inArgument is a host path or a library path. From here on the signals
+    /// that stop the program only set a flag. Throws Failure if the file cannot be created.
+    OutputFile(const std::string& inCommand, const std::string& inArgument);
+
+    /// Deletes the temporary file unless Finish has renamed it.
+    ~OutputFile();
+
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Throws Failure if the bytes cannot be written or if the user has stopped the program.
+    void Write(const void* inBytes, std::size_t inCount);
+    void Write(const std::string& inBytes) { Write(inBytes.data(), inBytes.size()); }
+
+    /// Gives the file its name. Throws like Write.
+    void Finish();
+
+private:
+    [[noreturn]] void Fail(const std::string& inReason) const;
+    void CheckStream() const;
+    void CheckStop() const;
+    void ChoosePaths();
+
+    const std::string mCommand;
+    const std::string mArgument;
+    std::filesystem::path mPath; // the name at the end
+    std::filesystem::path mPart; // the name until then; empty if the file is written directly
+    std::ofstream mStream;
+};
+
+} // namespace orl

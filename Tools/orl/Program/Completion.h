@@ -1,0 +1,32 @@
+// Scripts with which shells complete the commands and options of orl.
+#pragma once
+
+#include "CommandTable.h"
+
+#include <string>
+#include <vector>
+
+namespace orl {
+
+/// Returns the script for "bash", "zsh" or "fish".
+std::string CompletionScript(const std::string& inShell, const std::vector<CommandEntry>& inProgram);
+
+// Each of these expects the result of CompletedPlaces.
+std::string BashCompletion(const std::vector<CommandEntry>& inPlaces);
+std::string ZshCompletion(const std::vector<CommandEntry>& inPlaces);
+std::string FishCompletion(const std::vector<CommandEntry>& inPlaces);
+
+/// Returns the table with the commands that may follow "help": "help" has the subcommands of the program, and there are
+/// entries for "help tc" and so on, with subcommands only.
+std::vector<CommandEntry> CompletedPlaces(const std::vector<CommandEntry>& inProgram);
+
+/// Returns shell patterns that match a place, a blank and the next word: "' tc' | 'tc show'".
+std::string PlacePatterns(const std::vector<CommandEntry>& inPlaces);
+
+/// Returns the words with blanks between them.
+std::string Joined(const std::vector<std::string>& inWords);
+
+/// Returns the text in single quotes. Holds for bash, zsh and fish.
+std::string ShellQuoted(const std::string& inText);
+
+} // namespace orl

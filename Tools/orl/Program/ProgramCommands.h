@@ -1,0 +1,22 @@
+// Commands and options that concern the program as a whole.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace orl {
+
+/// Adds --quiet to each command that writes JSON on request, which is each command that prints a table.
+void AddQuiet(CLI::App& ioProgram);
+
+/// orl help [COMMAND...]: the help of a command, the manual page, or the table of commands.
+void AddHelp(CLI::App& ioProgram);
+
+/// orl completion SHELL: the script with which a shell completes the commands and options of orl.
+void AddCompletion(CLI::App& ioProgram);
+
+/// Prints the help of each command from the table of commands.
+void UseHelpText(CLI::App& ioProgram);
+
+} // namespace orl
