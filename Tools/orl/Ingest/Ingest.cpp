@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "IngestDestinations.h"
 #include "IngestErase.h"
+#include "IngestJson.h"
 #include "IngestPreview.h"
 #include "IngestProgress.h"
 #include "IngestSummary.h"
@@ -32,6 +33,9 @@ struct Options
     std::string mManifest = "ingest.sha256";
     std::string mRate = "25";
     bool mIsDryRun = false;
+    bool mAsJson = false;
+    std::vector<std::string> mExcluded;
+    bool mHasNoDefaultExcludes = false;
     std::size_t mCopies = 0; // copies that make the source safe to erase; 0: one at each destination
     IngestSettings mSettings;
 };
@@ -41,8 +45,9 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
     std::optional<IngestProgress> progress;
     IngestWatcher watcher;
     watcher.mIsStopped = &IsStopRequested;
-    watcher.mOnPlanned = [&progress](std::uint64_t inBytesToRead, std::size_t inFiles) {
-        progress.emplace(OutputIsTerminal(), inBytesToRead, inFiles);
+    watcher.mOnPlanned = [&progress, isShown = OutputIsTerminal() && !inOptions.mAsJson](std::uint64_t inBytesToRead,
+                                                                                         std::size_t inFiles) {
+        progress.emplace(isShown, inBytesToRead, inFiles);
     };
     watcher.mShow = [&progress](std::uint64_t inBytesRead, std::size_t inDone) { progress->Show(inBytesRead, inDone); };
     return Ingest(ioDestinations, inOptions.mManifest, inOptions.mSettings, watcher);
@@ -64,6 +69,44 @@ void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, RunEnd inEnd)
                   (inEnd == RunEnd::kStoppedByUser ? inTroubles.back() : inTroubles.front()).mExitCode);
 }
 
+IngestExclusions ExclusionsOf(const Options& inOptions)
+{
+    IngestExclusions exclusions;
+    for (const std::string& pattern : inOptions.mExcluded) {
+        exclusions.Add(pattern);
+    }
+    if (!inOptions.mHasNoDefaultExcludes) {
+        exclusions.AddSystemFolders();
+    }
+    return exclusions;
+}
+
+void ShowPlan(const Options& inOptions, std::vector<IngestDestination>& ioDestinations)
+{
+    const IngestPreview preview =
+        PreviewIngest(ioDestinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested);
+    PrintExcluded(preview.mExcluded, inOptions.mSettings.mExclusions);
+    PrintPreview(preview, ioDestinations);
+    ReportAndThrow(TroublesOf(ioDestinations), RunEnd::kFinished);
+}
+
+void PrintResult(const Options& inOptions, const NamedRate& inRate, const IngestedSource& inSource,
+                 const std::vector<IngestDestination>& inDestinations)
+{
+    const std::size_t copies = inOptions.mCopies != 0 ? inOptions.mCopies : inDestinations.size();
+    const IngestExclusions& exclusions = inOptions.mSettings.mExclusions;
+    const auto judge = [&] {
+        return JudgeErasing(inSource.mListing, inDestinations, copies, &IsStopRequested, exclusions);
+    };
+    if (inOptions.mAsJson) {
+        PrintIngestJson(std::cout, inDestinations, inSource.mListing, judge());
+        return;
+    }
+    PrintSummary(inDestinations, inRate, inOptions.mManifest);
+    PrintExcluded(inSource.mListing.mExcluded, exclusions);
+    std::cout << judge().mLine << std::endl;
+}
+
 void Run(const Options& inOptions)
 {
     if (inOptions.mCopies > inOptions.mDestinations.size()) {
@@ -75,15 +118,10 @@ void Run(const Options& inOptions)
     ListenForStop();
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
     if (inOptions.mIsDryRun) {
-        PrintPreview(PreviewIngest(destinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested),
-                     destinations);
-        ReportAndThrow(TroublesOf(destinations), RunEnd::kFinished);
+        ShowPlan(inOptions, destinations);
         return;
     }
-    const IngestedSource source = Ingest(inOptions, destinations);
-    PrintSummary(destinations, rate, inOptions.mManifest);
-    const std::size_t copies = inOptions.mCopies != 0 ? inOptions.mCopies : destinations.size();
-    std::cout << JudgeErasing(source.mListing, destinations, copies, &IsStopRequested).mLine << std::endl;
+    PrintResult(inOptions, rate, Ingest(inOptions, destinations), destinations);
     std::vector<IngestTrouble> troubles = TroublesOf(destinations);
     const auto is = [&destinations](bool IngestOutcome::*inWhat) {
         return std::any_of(destinations.begin(), destinations.end(),
@@ -100,6 +138,20 @@ void Run(const Options& inOptions)
         std::_Exit(kExitDisappeared);
     }
     ReportAndThrow(troubles, isStopped ? RunEnd::kStoppedByUser : RunEnd::kFinished);
+}
+
+void AddExclusions(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
+{
+    ioCommand
+        .add_option(
+            "--exclude", inOptions->mExcluded,
+            "leave out entries of this name, and everything below them; repeatable. \"*\" matches any characters "
+            "and \"?\" one character, but not \"/\". With a \"/\", the pattern is a path below SOURCE. Upper "
+            "and lower case differ. The rule is the same on every system")
+        ->type_name("PATTERN")
+        ->allow_extra_args(false);
+    ioCommand.add_flag("--no-default-excludes", inOptions->mHasNoDefaultExcludes,
+                       "copy the system folders at the top of SOURCE too: " + IngestExclusions::SystemFolders());
 }
 
 } // namespace
@@ -134,7 +186,14 @@ void AddIngest(CLI::App& ioProgram)
                      "copies of each file that make the source safe to erase (default: one at each destination)")
         ->type_name("NUMBER")
         ->check(CLI::PositiveNumber.description(""));
-    command->callback([options] { Run(*options); });
+    CLI::Option* const dryRun = command->get_option("--dry-run");
+    command->add_flag("--json", options->mAsJson, "write one JSON object a line for each file, then a summary")
+        ->excludes(dryRun);
+    AddExclusions(*command, options);
+    command->callback([options] {
+        options->mSettings.mExclusions = ExclusionsOf(*options);
+        Run(*options);
+    });
 }
 
 } // namespace orl

@@ -42,7 +42,7 @@ public:
 
     IngestedSource Execute()
     {
-        IngestListing listing = ListSource(mDestinations.front().mRoots, mWatcher.mIsStopped);
+        IngestListing listing = ListSource(mDestinations.front().mRoots, mWatcher.mIsStopped, mSettings.mExclusions);
         for (std::size_t i = 0; i < mDestinations.size(); ++i) {
             try {
                 Begin(i, listing);

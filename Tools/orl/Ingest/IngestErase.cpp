@@ -66,6 +66,34 @@ std::map<std::string, EntryStatus> ByName(const std::vector<ListedFile>& inFiles
     return files;
 }
 
+// An excluded entry has no copy, whether or not it existed before the ingest.
+std::string WhatWasExcluded(const IngestListing& inListing)
+{
+    std::size_t count = 0;
+    std::string first;
+    for (const ExcludedEntry& entry : inListing.mExcluded) {
+        if (!entry.mPattern.empty()) {
+            first = count++ == 0 ? entry.mName : first;
+        }
+    }
+    if (count == 0) {
+        return "";
+    }
+    return (count == 1 ? "1 entry (" : std::to_string(count) + " entries (the first is ") + "\"" + first + "\")"
+           + (count == 1 ? " is" : " are") + " excluded by --exclude and not copied";
+}
+
+std::string SystemFoldersOf(const IngestListing& inListing)
+{
+    std::string names;
+    for (const ExcludedEntry& entry : inListing.mExcluded) {
+        if (entry.mPattern.empty()) {
+            names += (names.empty() ? "\"" : ", \"") + entry.mName + "\"";
+        }
+    }
+    return names;
+}
+
 std::string WhatChanged(const IngestListing& inBefore, const IngestListing& inAfter)
 {
     if (!inAfter.mTroubles.empty()) {
@@ -89,11 +117,14 @@ std::string WhatChanged(const IngestListing& inBefore, const IngestListing& inAf
     return inBefore.mFolders == inAfter.mFolders ? "" : "its folders changed during the ingest";
 }
 
+// outAfter receives the second listing.
 std::string WhyTheSourceChanged(const IngestListing& inBefore, const IngestRoots& inRoots,
-                                const std::function<bool()>& inIsStopped)
+                                const std::function<bool()>& inIsStopped, const IngestExclusions& inExclusions,
+                                IngestListing& outAfter)
 {
     try {
-        return WhatChanged(inBefore, ListSource(inRoots, inIsStopped));
+        outAfter = ListSource(inRoots, inIsStopped, inExclusions);
+        return WhatChanged(inBefore, outAfter);
     } catch (const Failure& failure) {
         return failure.ExitCode() == kExitStopped ? "the ingest was stopped" : "it could not be listed again";
     }
@@ -102,21 +133,31 @@ std::string WhyTheSourceChanged(const IngestListing& inBefore, const IngestRoots
 } // namespace
 
 EraseVerdict JudgeErasing(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations,
-                          std::size_t inCopies, const std::function<bool()>& inIsStopped)
+                          std::size_t inCopies, const std::function<bool()>& inIsStopped,
+                          const IngestExclusions& inExclusions)
 {
+    IngestListing after;
     std::string reason = WhyTheRunIsIncomplete(inBefore, inDestinations);
     if (reason.empty()) {
         reason = WhyCopiesAreMissing(inBefore, inDestinations, inCopies);
     }
     if (reason.empty()) {
-        reason = WhyTheSourceChanged(inBefore, inDestinations.front().mRoots, inIsStopped);
+        reason = WhyTheSourceChanged(inBefore, inDestinations.front().mRoots, inIsStopped, inExclusions, after);
     }
+    const std::string verified = " files (" + std::to_string(inBefore.mFiles.size()) + ") are verified at "
+                                 + Counted(inCopies, "destination")
+                                 + (inCopies < inDestinations.size() ? " or more" : "");
+    if (reason.empty()) {
+        reason = WhatWasExcluded(after);
+        reason += reason.empty() ? "" : "; all other" + verified;
+    }
+    const auto lineOf = [](const std::string& inText) { return WithoutControlCharacters(inText) + "."; };
     if (!reason.empty()) {
-        return {false, "Not safe to erase the source: " + WithoutControlCharacters(reason) + "."};
+        return {false, lineOf("Not safe to erase the source: " + reason)};
     }
-    return {true, "Safe to erase the source: all of its files (" + std::to_string(inBefore.mFiles.size())
-                      + ") are verified at " + Counted(inCopies, "destination")
-                      + (inCopies < inDestinations.size() ? " or more." : ".")};
+    const std::string folders = SystemFoldersOf(after);
+    return {true, lineOf("Safe to erase the source: all of its" + verified
+                         + (folders.empty() ? "" : "; folders of the system (" + folders + ") are not copied"))};
 }
 
 } // namespace orl

@@ -28,7 +28,8 @@ public:
 
     IngestPreview Preview(std::vector<IngestDestination>& ioDestinations)
     {
-        const IngestListing listing = ListSource(ioDestinations.front().mRoots, mIsStopped);
+        const IngestListing listing = ListSource(ioDestinations.front().mRoots, mIsStopped, mSettings.mExclusions);
+        mPreview.mExcluded = listing.mExcluded;
         mPreview.mNamesAlike = FindNamesAlike(listing.mFiles);
         for (IngestDestination& destination : ioDestinations) {
             try {

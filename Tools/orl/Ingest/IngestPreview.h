@@ -14,6 +14,7 @@ namespace orl {
 struct IngestPreview
 {
     std::vector<std::vector<std::string>> mNamesAlike; // groups of names that are equal on a case-insensitive volume
+    std::vector<ExcludedEntry> mExcluded;
     std::map<std::uint64_t, std::uint64_t> mLeftovers; // bytes of leftovers that a run would delete first, by volume
 };
 

@@ -43,6 +43,7 @@ constexpr NamedRate kRates[] = {
 constexpr std::size_t kMaxRows = 24;
 constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
+constexpr std::size_t kShownNames = 8; // of excluded entries
 
 /// A file of the source, with the number of destinations that have it.
 struct ShownFile
@@ -144,6 +145,28 @@ void PrintSums(const IngestOutcome& inOutcome, std::size_t inFiles)
     std::cout << '.';
 }
 
+// Returns the quoted names of the entries that one pattern excludes. The empty pattern is that of system folders.
+std::vector<std::string> NamesExcludedBy(const std::string& inPattern, const std::vector<ExcludedEntry>& inExcluded)
+{
+    std::vector<std::string> names;
+    for (const ExcludedEntry& entry : inExcluded) {
+        if (entry.mPattern == inPattern) {
+            names.push_back('"' + WithoutControlCharacters(entry.mName) + '"');
+        }
+    }
+    return names;
+}
+
+std::string FirstOf(const std::vector<std::string>& inNames)
+{
+    std::string list;
+    for (std::size_t i = 0; i < std::min(inNames.size(), kShownNames); ++i) {
+        list += (i == 0 ? "" : ", ") + inNames[i];
+    }
+    return inNames.size() <= kShownNames ? list
+                                         : list + ", and " + std::to_string(inNames.size() - kShownNames) + " more";
+}
+
 } // namespace
 
 const NamedRate& FindRate(const std::string& inName)
@@ -198,6 +221,21 @@ void PrintSummary(const std::vector<IngestDestination>& inDestinations, const Na
         PrintSums(destination.mOutcome, destination.mPlan.mItems.size() + destination.mPlan.mTroubles.size());
         std::cout << (areSeveral ? " " : "\n") << "The manifest is \"" << JoinHostPath(shown, inManifestName)
                   << "\".\n";
+    }
+}
+
+void PrintExcluded(const std::vector<ExcludedEntry>& inExcluded, const IngestExclusions& inExclusions)
+{
+    for (const std::string& pattern : inExclusions.Patterns()) {
+        const std::vector<std::string> names = NamesExcludedBy(pattern, inExcluded);
+        std::cout << "Excluded by \"" << WithoutControlCharacters(pattern) << "\": " << names.size()
+                  << (names.size() == 1 ? " entry" : " entries") << (names.empty() ? "" : ": ") << FirstOf(names)
+                  << ".\n";
+    }
+    const std::vector<std::string> folders = NamesExcludedBy(std::string(), inExcluded);
+    if (!folders.empty()) {
+        std::cout << "System folders that are not copied: " << FirstOf(folders)
+                  << " (--no-default-excludes copies them).\n";
     }
 }
 

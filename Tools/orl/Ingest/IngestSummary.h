@@ -23,6 +23,10 @@ std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate);
 void PrintSummary(const std::vector<IngestDestination>& inDestinations, const NamedRate& inRate,
                   const std::string& inManifestName);
 
+/// Prints one line for each pattern of the user with the number of entries that the pattern excludes, and one for the
+/// system folders that were left out.
+void PrintExcluded(const std::vector<ExcludedEntry>& inExcluded, const IngestExclusions& inExclusions);
+
 /// Returns all failures. With several destinations each line names its destination, and a failure that all destinations
 /// share is listed once.
 std::vector<IngestTrouble> TroublesOf(const std::vector<IngestDestination>& inDestinations);

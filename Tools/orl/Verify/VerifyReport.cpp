@@ -1,6 +1,7 @@
 #include "VerifyReport.h"
 
 #include "Failure.h"
+#include "JsonText.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -60,16 +61,10 @@ void PrintTotalsOf(std::ostream& ioStream, const VerifyOutcome& inOutcome)
     ioStream << ".\n";
 }
 
-// JSON text is Unicode. A name that is not valid UTF-8 is also written in hexadecimal.
 void PrintJsonFile(std::ostream& ioStream, const std::string& inFolder, const VerifiedFile& inFile)
 {
-    ioStream << "{\"folder\": " << JsonQuoted(inFolder) << ", \"file\": " << JsonQuoted(inFile.mName);
-    if (ToUTF8(ToUTF16(inFile.mName)) != inFile.mName) {
-        ioStream << ", \"fileBytes\": \""
-                 << Hexadecimal(reinterpret_cast<const unsigned char*>(inFile.mName.data()), inFile.mName.size())
-                 << '"';
-    }
-    ioStream << ", \"state\": \"" << NameOf(inFile.mState) << "\", \"bytes\": " << inFile.mSize;
+    ioStream << "{\"folder\": " << JsonQuoted(inFolder) << ", " << JsonNameMember("file", inFile.mName)
+             << ", \"state\": \"" << NameOf(inFile.mState) << "\", \"bytes\": " << inFile.mSize;
     if (!inFile.mListed.empty()) {
         ioStream << ", \"listed\": \"" << inFile.mListed << '"';
     }

@@ -26,8 +26,8 @@ struct Pending
 class Lister
 {
 public:
-    Lister(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped)
-        : mRoots(inRoots), mIsStopped(inIsStopped)
+    Lister(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped, const IngestExclusions& inExclusions)
+        : mRoots(inRoots), mIsStopped(inIsStopped), mExclusions(inExclusions)
     {
     }
 
@@ -40,6 +40,9 @@ public:
             ListFolder(next, pending);
         }
         std::sort(mListing.mFolders.begin(), mListing.mFolders.end());
+        std::sort(
+            mListing.mExcluded.begin(), mListing.mExcluded.end(),
+            [](const ExcludedEntry& inLeft, const ExcludedEntry& inRight) { return inLeft.mName < inRight.mName; });
         return std::move(mListing);
     }
 
@@ -77,6 +80,9 @@ private:
         const std::string name = NameBelow(inFolder, inLeaf);
         EntryStatus status;
         const ORL::Result result = inHeld.GetStatus(inLeaf, Links::kFollow, status);
+        if (IsExcluded(name, result, status)) {
+            return;
+        }
         if (!ORL::ResultSucceeded(result)) {
             CheckSource();
             AddTrouble("cannot read \"" + name + "\": " + Describe(result));
@@ -88,6 +94,25 @@ private:
         } else { // reading a pipe or a device might never end
             AddTrouble("cannot read \"" + name + "\": it is not a regular file");
         }
+    }
+
+    // The identity of an excluded folder is kept, so that nothing is ever written to that folder. Some systems do not
+    // even report the status of a system folder to ordinary users.
+    bool IsExcluded(const std::string& inName, ORL::Result inResult, const EntryStatus& inStatus)
+    {
+        ExcludedEntry entry{inName, std::string()};
+        const IngestExclusions::Match match = mExclusions.Find(inName, entry.mPattern);
+        const bool isFolder = ORL::ResultSucceeded(inResult) && inStatus.mKind == EntryStatus::kFolder;
+        const bool isSystemFolder =
+            match == IngestExclusions::Match::kSystemFolder && (isFolder || inResult == ORL::kAccessDenied);
+        if (match != IngestExclusions::Match::kPattern && !isSystemFolder) {
+            return false;
+        }
+        if (isFolder) {
+            mListing.mIdentities.insert(inStatus.mIdentity);
+        }
+        mListing.mExcluded.push_back(std::move(entry));
+        return true;
     }
 
     static bool IsCycle(const EntryIdentity& inIdentity, const ParentChain* inParents)
@@ -119,14 +144,16 @@ private:
 
     const IngestRoots& mRoots;
     const std::function<bool()>& mIsStopped;
+    const IngestExclusions& mExclusions;
     IngestListing mListing;
 };
 
 } // namespace
 
-IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped)
+IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped,
+                         const IngestExclusions& inExclusions)
 {
-    return Lister(inRoots, inIsStopped).List();
+    return Lister(inRoots, inIsStopped, inExclusions).List();
 }
 
 } // namespace orl

@@ -1,6 +1,7 @@
 // The listing of the source.
 #pragma once
 
+#include "IngestExclusions.h"
 #include "IngestRoots.h"
 
 #include <functional>
@@ -23,17 +24,27 @@ struct ListedFile
     EntryStatus mStatus; // a link has the status of its target
 };
 
+/// An entry that was left out. Nothing below an excluded folder is listed.
+struct ExcludedEntry
+{
+    std::string mName;
+    std::string mPattern; // of the user; empty for a system folder
+};
+
 struct IngestListing
 {
     std::vector<ListedFile> mFiles;
     std::vector<std::string> mFolders;    // each after its parent
-    std::set<EntryIdentity> mIdentities;  // identities of all folders, the source included
+    std::vector<ExcludedEntry> mExcluded; // by name
+    std::set<EntryIdentity> mIdentities;  // identities of all listed and excluded folders, the source included
     std::vector<IngestTrouble> mTroubles; // one for each entry that could not be listed
 };
 
 /// Lists the source and everything below it. Opens folders one name at a time, so that on Linux neither depth nor path
 /// length is limited. Follows links, but lists a link to a folder above it without contents. Polls inIsStopped.
-/// Throws Failure if the source is gone (kExitDisappeared) or inIsStopped returns true (kExitStopped).
-IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped);
+/// Leaves out what inExclusions matches. Throws Failure if the source is gone (kExitDisappeared) or inIsStopped returns
+/// true (kExitStopped).
+IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped,
+                         const IngestExclusions& inExclusions = IngestExclusions());
 
 } // namespace orl

@@ -59,7 +59,10 @@ private:
     void CheckListing() const
     {
         if (mListing.mFiles.empty() && mPlan.mTroubles.empty()) {
-            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" contains no files (is the card mounted?)",
+            const auto isOfUser = [](const ExcludedEntry& inEntry) { return !inEntry.mPattern.empty(); };
+            const bool isByPattern = std::any_of(mListing.mExcluded.begin(), mListing.mExcluded.end(), isOfUser);
+            throw Failure("ingest: the source \"" + mRoots.mShownSource + "\" contains no files "
+                              + (isByPattern ? "that are not excluded" : "(is the card mounted?)"),
                           kExitEmpty);
         }
         const auto hasItsName = [this](const ListedFile& inFile) { return inFile.mName == mRequest.mManifestName; };

@@ -1,0 +1,77 @@
+#include "IngestJson.h"
+
+#include "IngestSummary.h"
+#include "JsonText.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+namespace orl {
+
+namespace {
+
+const char* StateOf(const IngestOutcome::Row* inRow)
+{
+    if (inRow == nullptr) {
+        return "notInPlace";
+    }
+    return inRow->mDigest.empty() ? "verifiedBefore" : inRow->mWasPresent ? "present" : "copied";
+}
+
+void PrintFilesOf(std::ostream& ioStream, const IngestDestination& inDestination)
+{
+    std::map<std::string, const IngestOutcome::Row*> rows;
+    for (const IngestOutcome::Row& row : inDestination.mOutcome.mRows) {
+        rows[row.mItem->mName] = &row;
+    }
+    for (const IngestItem& item : inDestination.mPlan.mItems) {
+        const auto found = rows.find(item.mName);
+        const IngestOutcome::Row* const row = found == rows.end() ? nullptr : found->second;
+        ioStream << "{\"destination\": " << JsonQuoted(inDestination.mRoots.mShownDestination) << ", "
+                 << JsonNameMember("file", item.mName) << ", \"state\": \"" << StateOf(row)
+                 << "\", \"bytes\": " << item.mSize;
+        if (row != nullptr && !row->mDigest.empty()) {
+            ioStream << ", \"sha256\": \"" << row->mDigest << '"';
+        }
+        ioStream << "}\n";
+    }
+}
+
+void PrintExcludedEntry(std::ostream& ioStream, const ExcludedEntry& inEntry)
+{
+    ioStream << '{' << JsonNameMember("excluded", inEntry.mName);
+    if (inEntry.mPattern.empty()) {
+        ioStream << ", \"isSystemFolder\": true}\n";
+    } else {
+        ioStream << ", " << JsonNameMember("pattern", inEntry.mPattern) << "}\n";
+    }
+}
+
+} // namespace
+
+void PrintIngestJson(std::ostream& ioStream, const std::vector<IngestDestination>& inDestinations,
+                     const IngestListing& inListing, const EraseVerdict& inVerdict)
+{
+    for (const IngestDestination& destination : inDestinations) {
+        PrintFilesOf(ioStream, destination);
+    }
+    for (const ExcludedEntry& entry : inListing.mExcluded) {
+        PrintExcludedEntry(ioStream, entry);
+    }
+    const auto systemFolders = std::count_if(inListing.mExcluded.begin(), inListing.mExcluded.end(),
+                                             [](const ExcludedEntry& inEntry) { return inEntry.mPattern.empty(); });
+    ioStream << "{\"summary\": true, \"files\": " << inListing.mFiles.size()
+             << ", \"excludedByPattern\": " << inListing.mExcluded.size() - static_cast<std::size_t>(systemFolders)
+             << ", \"excludedSystemFolders\": " << systemFolders
+             << ", \"isSafeToErase\": " << (inVerdict.mIsSafe ? "true" : "false")
+             << ", \"verdict\": " << JsonQuoted(inVerdict.mLine) << ", \"errors\": [";
+    const char* separator = "";
+    for (const IngestTrouble& trouble : TroublesOf(inDestinations)) {
+        ioStream << separator << JsonQuoted(trouble.mText);
+        separator = ", ";
+    }
+    ioStream << "]}" << std::endl;
+}
+
+} // namespace orl

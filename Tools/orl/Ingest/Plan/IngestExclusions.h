@@ -1,0 +1,47 @@
+// The entries of the source that an ingest leaves out.
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orl {
+
+/// Whether a name below the source matches a pattern. "*" matches any characters and "?" one character, neither matches
+/// "/"; every other character matches itself. A pattern without "/" is compared with the last part of the name, any
+/// other pattern with the whole name. The rule is the same on every platform, whatever the locale and the volume.
+bool MatchesPattern(const std::string& inName, const std::string& inPattern);
+
+class IngestExclusions
+{
+public:
+    enum class Match {
+        kNone,
+        kPattern,      // a pattern of the user matches
+        kSystemFolder, // a folder of this name is left out, and a file of this name is not
+    };
+
+    /// Throws Failure (kExitUsage) if the pattern cannot match any name.
+    void Add(const std::string& inPattern);
+
+    /// Leaves out the folders that operating systems keep at the top of a volume, in upper or lower case.
+    void AddSystemFolders() { mHasSystemFolders = true; }
+
+    /// Does not leave out a folder at the top although it is a system folder. Upper and lower case do not differ.
+    void Keep(const std::string& inFolder);
+
+    /// outPattern receives the first pattern that matches.
+    Match Find(const std::string& inName, std::string& outPattern) const;
+
+    const std::vector<std::string>& Patterns() const { return mPatterns; }
+
+    /// Returns the patterns of AddSystemFolders, for a help text.
+    static std::string SystemFolders();
+
+private:
+    std::vector<std::string> mPatterns;
+    bool mHasSystemFolders = false;
+    std::set<std::string> mKept; // in lower case
+};
+
+} // namespace orl
