@@ -25,3 +25,7 @@ target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_
 
 file(GLOB verify_files CONFIGURE_DEPENDS "${orl_folder}/Verify/*.cpp" Ingest/Verify*Test.cpp)
 set_property(SOURCE ${verify_files} APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}" "${orl_folder}/Verify")
+set_property(SOURCE "${orl_folder}/Verify/VerifyMerge.cpp" APPEND PROPERTY COMPILE_OPTIONS -isystem
+  "${json_include}")
+set_property(SOURCE Ingest/VerifyFarmLinuxTest.cpp APPEND PROPERTY COMPILE_DEFINITIONS
+  "ORL_FARM_SCRIPT=\"sh ${PROJECT_SOURCE_DIR}/Examples/Farm/verify-part.sh\"")

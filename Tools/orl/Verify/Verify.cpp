@@ -1,4 +1,4 @@
-// orl verify FOLDER...
+// orl verify FOLDER... and orl verify --merge PART...
 #include "Console.h"
 #include "Failure.h"
 #include "Ingest/IngestProgress.h"
@@ -6,6 +6,7 @@
 #include "StopRequest.h"
 #include "Text.h"
 #include "VerifyCommand.h"
+#include "VerifyMerge.h"
 #include "VerifyReport.h"
 
 #include <ORLPathUtils.h>
@@ -26,6 +27,8 @@ struct Options
 {
     std::vector<std::string> mFolders;
     bool mAsJson = false;
+    bool mMerges = false;
+    std::string mPart;
     VerifySettings mSettings;
 };
 
@@ -71,10 +74,8 @@ void EndWith(std::vector<IngestTrouble> inTroubles, bool inIsStopped, bool inHas
     }
 }
 
-void Run(const Options& inOptions)
+std::vector<VerifyOutcome> VerifyFolders(const Options& inOptions)
 {
-    const StartedLibrary library;
-    ListenForStop();
     std::vector<VerifyOutcome> outcomes;
     for (const std::string& folder : inOptions.mFolders) {
         outcomes.push_back(VerifyWithProgress(folder, inOptions));
@@ -82,8 +83,44 @@ void Run(const Options& inOptions)
             break;
         }
     }
+    return outcomes;
+}
+
+void Run(const Options& inOptions)
+{
+    const StartedLibrary library;
+    ListenForStop();
+    const std::vector<VerifyOutcome> outcomes =
+        inOptions.mMerges ? std::vector<VerifyOutcome>{MergeParts(inOptions.mFolders)} : VerifyFolders(inOptions);
     inOptions.mAsJson ? PrintJsonLines(std::cout, outcomes) : PrintTotals(std::cout, outcomes);
     EndWith(TroublesOf(outcomes), outcomes.back().mIsStopped, outcomes.back().mIsDiskUnresponsive);
+}
+
+void AddParts(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
+{
+    CLI::Option* const part =
+        ioCommand
+            .add_option("--part", inOptions->mPart,
+                        "verify part K of N parts of the list with about equal numbers of bytes; with --json, for "
+                        "--merge. The parts are the same on every computer that sees the same files")
+            ->type_name("K/N");
+    CLI::Option* const merge =
+        ioCommand.add_flag("--merge", inOptions->mMerges,
+                           "join the results of all parts: each FOLDER is a file with the output of --part --json");
+    merge->excludes(part);
+    for (const char* const option : {"--quick", "--manifest", "--files-at-once"}) {
+        merge->excludes(ioCommand.get_option(option));
+    }
+}
+
+void ReadPart(Options& ioOptions, bool inIsGiven)
+{
+    if (inIsGiven) { // even an empty text is refused: it must not mean the whole list
+        ioOptions.mSettings.mPart = ParsePart(ioOptions.mPart);
+        if (ioOptions.mFolders.size() != 1) {
+            throw Failure("verify: --part verifies one folder", kExitUsage);
+        }
+    }
 }
 
 } // namespace
@@ -110,7 +147,11 @@ void AddVerify(CLI::App& ioProgram)
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 64).description(""));
     command->footer(kExitCodes);
-    command->callback([options] { Run(*options); });
+    AddParts(*command, options);
+    command->callback([options, command] {
+        ReadPart(*options, command->count("--part") != 0);
+        Run(*options);
+    });
 }
 
 } // namespace orl

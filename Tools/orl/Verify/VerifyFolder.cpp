@@ -82,12 +82,13 @@ public:
         for (const IngestTrouble& trouble : mListing.mTroubles) {
             mTroubles.push_back({OfVerify(trouble.mText), trouble.mExitCode});
         }
+        ChoosePart();
         ReportPlan();
         VerifyAll();
         if (!mEnds && IsDestinationGone(mRoots)) {
             EndAsGone();
         }
-        if (!mEnds) {
+        if (!mEnds && FindsNewFiles()) {
             AddNewFiles();
         }
         std::sort(mFiles.begin(), mFiles.end(),
@@ -97,6 +98,7 @@ public:
         outOutcome.mBytesRead = mBytesRead;
         outOutcome.mIsStopped = mIsStoppedByUser;
         outOutcome.mIsDiskUnresponsive = mIsDiskUnresponsive;
+        outOutcome.mPart = mPart;
     }
 
 private:
@@ -105,6 +107,7 @@ private:
         const VerifyList list = ReadVerifyList(mRoots, mSettings.mManifest);
         const std::string shown = "\"" + JoinHostPath(mRoots.mShownSource, mSettings.mManifest) + "\"";
         mListStatus = list.mStatus;
+        mListDigest = list.mDigest;
         if (list.mOtherLines != 0) {
             AddTrouble(std::to_string(list.mOtherLines) + " lines of the list " + shown
                            + " were not checked: they are no SHA-256 lines of sha256sum",
@@ -152,12 +155,59 @@ private:
         }
     }
 
+    // Each computer lists the whole folder, because the sizes decide which files are in its part. A file that the
+    // listing does not have counts as empty.
+    void ChoosePart()
+    {
+        for (const ListedFile& file : mListing.mFiles) {
+            mPresent.insert({file.mName, file.mStatus.mSize});
+        }
+        if (!mSettings.mPart) {
+            return;
+        }
+        std::vector<PartItem> items;
+        for (const VerifiedFile& file : mFiles) {
+            items.push_back({file.mName, PresentSize(file.mName)});
+        }
+        const std::vector<std::size_t> partOfItem = AssignParts(items, mSettings.mPart->mCount);
+        std::vector<VerifiedFile> chosen;
+        for (std::size_t i = 0; i < mFiles.size(); ++i) {
+            if (partOfItem[i] == mSettings.mPart->mNumber) {
+                chosen.push_back(std::move(mFiles[i]));
+            } else if (FindsNewFiles() && mFiles[i].mState == VerifiedFile::kNotChecked) {
+                NoteOtherSpelling(items[i].mName);
+            }
+        }
+        mFiles = std::move(chosen);
+        mPart = PartOfList{*mSettings.mPart, mListDigest, DigestOfParts(items, partOfItem), mFiles.size(),
+                           mSettings.mIsQuick};
+    }
+
+    std::uint64_t PresentSize(const std::string& inName) const
+    {
+        const auto found = mPresent.find(inName);
+        return found == mPresent.end() ? 0 : found->second;
+    }
+
+    // New files belong to the first part.
+    bool FindsNewFiles() const { return !mSettings.mPart || mSettings.mPart->mNumber == 1; }
+
+    // A listed file of another part may be in the folder in a different case.
+    void NoteOtherSpelling(const std::string& inName)
+    {
+        HeldFolder folder;
+        EntryStatus status;
+        if (mPresent.count(inName) == 0 && ORL::ResultSucceeded(mRoots.OpenDestination(FolderOf(inName), folder))
+            && ORL::ResultSucceeded(folder.GetStatus(LeafOf(inName), Links::kFollow, status))) {
+            mOtherSpellings.insert(status.mIdentity);
+        }
+    }
+
     void ReportPlan()
     {
         std::uint64_t bytes = 0;
-        for (const ListedFile& file : mListing.mFiles) {
-            mPresent.insert(file.mName);
-            bytes += mListed.count(file.mName) != 0 ? file.mStatus.mSize : 0;
+        for (const VerifiedFile& file : mFiles) {
+            bytes += PresentSize(file.mName);
         }
         mWatcher.mOnPlanned(mSettings.mIsQuick ? 0 : bytes, mFiles.size());
     }
@@ -280,9 +330,11 @@ private:
     const VerifyWatcher& mWatcher;
     const IngestRoots mRoots;
     EntryStatus mListStatus;
+    std::string mListDigest;
+    std::optional<PartOfList> mPart;
     IngestListing mListing;
-    std::set<std::string> mPresent;
-    std::map<std::string, std::size_t> mListed; // in mFiles
+    std::map<std::string, std::uint64_t> mPresent; // sizes by name
+    std::map<std::string, std::size_t> mListed;    // in mFiles, before a part was chosen
     std::vector<VerifiedFile> mFiles;
     std::atomic<bool> mEnds{false};
     std::atomic<bool> mIsStoppedByUser{false};

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "Ingest/Plan/IngestListing.h"
+#include "VerifyPart.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,8 @@ struct VerifySettings
 {
     std::string mManifest = "ingest.sha256";
     unsigned mFilesAtOnce = 4;
-    bool mIsQuick = false; // true: the verification reads no file
+    bool mIsQuick = false;           // true: the verification reads no file
+    std::optional<VerifyPart> mPart; // set: the verification covers only this part of the list
 };
 
 struct VerifiedFile
@@ -38,6 +41,16 @@ struct VerifiedFile
     std::string mReason; // the reason of a change, or why the file cannot be read
 };
 
+/// The part of the list that an outcome covers, and what two parts must have in common.
+struct PartOfList
+{
+    VerifyPart mPart;
+    std::string mListDigest;      // SHA-256 of the list
+    std::string mDivision;        // SHA-256 of the listed files, their sizes and their parts
+    std::size_t mListedFiles = 0; // in this part
+    bool mIsQuick = false;
+};
+
 struct VerifyOutcome
 {
     std::string mShownFolder;
@@ -47,6 +60,7 @@ struct VerifyOutcome
     double mSeconds = 0;
     bool mIsStopped = false;
     bool mIsDiskUnresponsive = false; // the process should exit without stopping the library
+    std::optional<PartOfList> mPart;
 
     std::size_t Count(VerifiedFile::State inState) const;
 };

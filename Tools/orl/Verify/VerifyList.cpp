@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Ingest/Record/IngestManifest.h"
+#include "Sha256.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -30,12 +31,14 @@ public:
     {
         ORL::File file;
         Open(file);
+        Sha256 digest;
         std::vector<char> block(kBlock);
         std::string text; // the incomplete last line
         std::uint64_t length = 0;
         for (unsigned int count = 1; count != 0;) {
             Check(file.Read(block.data(), static_cast<unsigned int>(block.size()), count));
             length += count;
+            digest.Add(block.data(), count);
             text.append(block.data(), count);
             TakeWholeLines(text);
             if (text.size() > kLongestLine || length > kLargest) { // the list may grow while it is read
@@ -45,6 +48,7 @@ public:
         if (!text.empty()) {
             TakeLine(text);
         }
+        mList.mDigest = digest.Finish();
         return std::move(mList);
     }
 

@@ -20,6 +20,7 @@ struct VerifyList
     std::vector<Line> mLines;
     std::size_t mOtherLines = 0; // checksums in a different algorithm or format
     EntryStatus mStatus;         // status of the list's file
+    std::string mDigest;         // SHA-256 of the list's file
 };
 
 /// Reads the list with that name in a folder. Throws Failure if the list is missing, is a link, is not a checksum list,

@@ -77,6 +77,15 @@ void PrintJsonFile(std::ostream& ioStream, const std::string& inFolder, const Ve
     ioStream << "}\n";
 }
 
+void PrintJsonPart(std::ostream& ioStream, const VerifyOutcome& inOutcome)
+{
+    const PartOfList& part = *inOutcome.mPart;
+    ioStream << ", \"part\": {\"number\": " << part.mPart.mNumber << ", \"of\": " << part.mPart.mCount
+             << ", \"files\": " << part.mListedFiles << ", \"list\": \"" << part.mListDigest << "\", \"division\": \""
+             << part.mDivision << "\", \"isQuick\": " << (part.mIsQuick ? "true" : "false")
+             << ", \"exitCode\": " << WorstExitCode(TroublesOf({inOutcome})) << '}';
+}
+
 void PrintJsonTotals(std::ostream& ioStream, const VerifyOutcome& inOutcome)
 {
     ioStream << "{\"folder\": " << JsonQuoted(inOutcome.mShownFolder) << ", \"summary\": true";
@@ -85,7 +94,11 @@ void PrintJsonTotals(std::ostream& ioStream, const VerifyOutcome& inOutcome)
     }
     ioStream << ", \"bytesRead\": " << inOutcome.mBytesRead
              << ", \"milliseconds\": " << static_cast<std::uint64_t>(inOutcome.mSeconds * 1000)
-             << ", \"isStopped\": " << (inOutcome.mIsStopped ? "true" : "false") << ", \"errors\": [";
+             << ", \"isStopped\": " << (inOutcome.mIsStopped ? "true" : "false");
+    if (inOutcome.mPart) {
+        PrintJsonPart(ioStream, inOutcome);
+    }
+    ioStream << ", \"errors\": [";
     const char* separator = "";
     for (const IngestTrouble& trouble : inOutcome.mTroubles) {
         ioStream << separator << JsonQuoted(trouble.mText);
@@ -117,7 +130,7 @@ void AddTroubleOf(const VerifiedFile& inFile, const std::string& inFolder, std::
 void PrintTotals(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes)
 {
     for (const VerifyOutcome& outcome : inOutcomes) {
-        if (!outcome.mFiles.empty()) {
+        if (!outcome.mFiles.empty() || outcome.mPart) {
             PrintTotalsOf(ioStream, outcome);
         }
     }
@@ -131,6 +144,17 @@ void PrintJsonLines(std::ostream& ioStream, const std::vector<VerifyOutcome>& in
         }
         PrintJsonTotals(ioStream, outcome);
     }
+}
+
+bool FindState(const std::string& inName, VerifiedFile::State& outState)
+{
+    const auto found = std::find_if(std::begin(kStateNames), std::end(kStateNames),
+                                    [&inName](const StateName& inState) { return inState.mName == inName; });
+    if (found == std::end(kStateNames)) {
+        return false;
+    }
+    outState = found->mState;
+    return true;
 }
 
 std::vector<IngestTrouble> TroublesOf(const std::vector<VerifyOutcome>& inOutcomes)
