@@ -109,6 +109,20 @@ TEST_F(OrlVerifyOnLinux, FilesAndFoldersWithoutAccess_AreUnreadable)
     fs::permissions(Disk() / "CLIP/deep", fs::perms::all);
 }
 
+// Only an administrator may list this folder, which every new ext4 volume has.
+TEST_F(OrlVerifyOnLinux, ASystemFolderWithoutAccess_IsNotReported)
+{
+    fs::create_directory(Disk() / "lost+found");
+    fs::permissions(Disk() / "lost+found", fs::perms::none);
+    fs::permissions(mFolder.Host(), fs::perms::others_exec, fs::perm_options::add);
+    const std::string as = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    const std::string command =
+        as + "'" + FolderOfThisProgram() + "orl' verify '" + Disk().string() + "' 2>'" + Errors() + "' >/dev/null";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(0, WEXITSTATUS(status)) << ReadFile(Errors());
+    fs::permissions(Disk() / "lost+found", fs::perms::all);
+}
+
 // Files that cannot be read are not reported as missing or changed.
 TEST_F(OrlVerifyOnLinux, AStopBeforeAnyCall_ReportsNothingFalse)
 {

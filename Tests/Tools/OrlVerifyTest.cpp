@@ -75,6 +75,33 @@ TEST_F(OrlVerify, EachKindOfDifference_HasALineAndTheWorstDecides)
     EXPECT_TRUE(Shows(result.mOutput, ", 1 changed, 1 missing, 1 new.")) << result.mOutput;
 }
 
+// What a system keeps at the top of a volume is no file of the list's owner.
+TEST_F(OrlVerify, SystemFolders_AreNotSearchedForNewFiles)
+{
+    mFolder.MakeFolder("disk/.Trashes/501");
+    mFolder.MakeFile("disk/.Trashes/501/old.mov", "deleted");
+    mFolder.MakeFolder("disk/System Volume Information");
+    mFolder.MakeFile("disk/System Volume Information/index", "an index");
+    ExpectEnd(Verify(), 0, {});
+    mFolder.MakeFolder("disk/CLIP/.Trashes");
+    mFolder.MakeFile("disk/CLIP/.Trashes/old.mov", "deleted");
+    ExpectEnd(Verify(), kVerifyNew, {Shown("CLIP/.Trashes/old.mov") + " is new: it is not in the list"});
+}
+
+TEST_F(OrlVerify, ASystemFolderWithAListedFile_IsVerifiedLikeAnyOther)
+{
+    mFolder.MakeFolder("disk/.Trashes");
+    mFolder.MakeFile("disk/.Trashes/listed", "listed");
+    WriteList();
+    const ProcessResult result = Verify();
+    ExpectEnd(result, 0, {});
+    EXPECT_TRUE(Shows(result.mOutput, "5 files verified")) << result.mOutput;
+    mFolder.MakeFile("disk/.Trashes/extra", "new");
+    mFolder.MakeFolder("disk/lost+found");
+    mFolder.MakeFile("disk/lost+found/extra", "new");
+    ExpectEnd(Verify(), kVerifyNew, {Shown(".Trashes/extra") + " is new: it is not in the list"});
+}
+
 TEST_F(OrlVerify, AFolderInPlaceOfAFile_IsAChangeAndAFileInPlaceOfAFolderLosesItsFiles)
 {
     fs::remove(Disk() / "a");

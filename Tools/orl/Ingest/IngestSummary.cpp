@@ -45,14 +45,13 @@ constexpr std::size_t kWidestName = 48;
 constexpr std::size_t kShownDigits = 16;
 constexpr std::size_t kShownNames = 8; // of excluded entries
 
-/// A file of the source, with the number of destinations that have it.
+/// A file of the source, with the destinations that have it.
 struct ShownFile
 {
     const IngestItem* mItem = nullptr;
-    const IngestRoots* mRoots = nullptr; // the roots of one destination that has the file
-    std::string mDigest;                 // empty if an earlier run verified the file
+    std::vector<const IngestDestination*> mHolders;
+    std::string mDigest; // empty if an earlier run verified the file
     bool mWasPresent = false;
-    std::size_t mCount = 0;
 };
 
 std::vector<ShownFile> ShownFilesOf(const std::vector<IngestDestination>& inDestinations)
@@ -62,10 +61,9 @@ std::vector<ShownFile> ShownFilesOf(const std::vector<IngestDestination>& inDest
         for (const IngestOutcome::Row& row : destination.mOutcome.mRows) {
             ShownFile& file = files[row.mItem->mName];
             file.mItem = row.mItem;
-            file.mRoots = &destination.mRoots;
             file.mDigest = row.mDigest.empty() ? file.mDigest : row.mDigest;
             file.mWasPresent = row.mWasPresent;
-            ++file.mCount;
+            file.mHolders.push_back(&destination);
         }
     }
     std::vector<ShownFile> list;
@@ -79,17 +77,33 @@ std::vector<ShownFile> ShownFilesOf(const std::vector<IngestDestination>& inDest
 std::string StateOf(const ShownFile& inFile, std::size_t inDestinations)
 {
     if (inDestinations > 1) {
-        return std::to_string(inFile.mCount) + " of " + std::to_string(inDestinations);
+        return std::to_string(inFile.mHolders.size()) + " of " + std::to_string(inDestinations);
     }
     return inFile.mDigest.empty() ? "verified before" : inFile.mWasPresent ? "present" : "verified";
 }
 
+// Opens the folder of a source file that has not changed since the plan was made.
+bool FindSource(const IngestItem& inItem, const IngestRoots& inRoots, HeldFolder& outFolder)
+{
+    EntryStatus status;
+    return ORL::ResultSucceeded(inRoots.OpenSource(FolderOf(inItem.mName), outFolder))
+           && ORL::ResultSucceeded(outFolder.GetStatus(LeafOf(inItem.mName), Links::kFollow, status))
+           && status.mSize == inItem.mSize && status.mTime == inItem.mTime;
+}
+
+// Reads the source rather than a destination, whose disk may never answer. If the source is gone, reads a destination
+// that answered to the end of its run.
 std::string LengthOf(const ShownFile& inFile, const NamedRate& inRate)
 {
+    const IngestItem& item = *inFile.mItem;
     HeldFolder folder;
-    const std::string& name = inFile.mItem->mName;
-    const bool isThere = ORL::ResultSucceeded(inFile.mRoots->OpenDestination(FolderOf(name), folder));
-    return isThere ? TimecodeLength(folder.PathOf(LeafOf(name)), inRate) : std::string();
+    bool isFound = FindSource(item, inFile.mHolders.front()->mRoots, folder);
+    for (const IngestDestination* const holder : inFile.mHolders) {
+        isFound = isFound
+                  || (!holder->mOutcome.mIsDiskUnresponsive
+                      && ORL::ResultSucceeded(holder->mRoots.OpenDestination(FolderOf(item.mName), folder)));
+    }
+    return isFound ? TimecodeLength(folder.PathOf(LeafOf(item.mName)), inRate) : std::string();
 }
 
 void PrintTable(const std::vector<ShownFile>& inFiles, std::size_t inDestinations, const NamedRate& inRate)

@@ -124,13 +124,27 @@ private:
     IngestListing List() const
     {
         try {
-            return ListSource(mRoots, mWatcher.mIsStopped);
+            return ListSource(mRoots, mWatcher.mIsStopped, Exclusions());
         } catch (const Failure& failure) {
             if (failure.ExitCode() == kExitDisappeared) {
                 throw Failure("verify: " + WhenGone(), kExitDisappeared);
             }
             throw;
         }
+    }
+
+    // System folders are not searched for new files, except those that contain a listed file.
+    IngestExclusions Exclusions() const
+    {
+        IngestExclusions exclusions;
+        exclusions.AddSystemFolders();
+        for (const auto& listed : mListed) {
+            const std::size_t slash = listed.first.find('/');
+            if (slash != std::string::npos) {
+                exclusions.Keep(listed.first.substr(0, slash));
+            }
+        }
+        return exclusions;
     }
 
     // A name may have several lines in the list. The file can match only if all these lines agree.
