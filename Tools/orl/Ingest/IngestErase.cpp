@@ -114,7 +114,13 @@ std::string WhatChanged(const IngestListing& inBefore, const IngestListing& inAf
     if (!after.empty()) {
         return "\"" + after.begin()->first + "\" was added during the ingest";
     }
-    return inBefore.mFolders == inAfter.mFolders ? "" : "its folders changed during the ingest";
+    const auto hasSameName = [](const ListedFolder& inLeft, const ListedFolder& inRight) {
+        return inLeft.mName == inRight.mName;
+    };
+    return std::equal(inBefore.mFolders.begin(), inBefore.mFolders.end(), inAfter.mFolders.begin(),
+                      inAfter.mFolders.end(), hasSameName)
+               ? ""
+               : "its folders changed during the ingest";
 }
 
 // outAfter receives the second listing.

@@ -57,6 +57,7 @@ public:
         }
         mContext.mSource.UnregisterDestination(mContext.mDestination);
         Acknowledge();
+        KeepFolderTimes();
         Compact();
         CollectRows();
         mOutcome.mIsDiskUnresponsive = mIsDiskUnresponsive;
@@ -244,6 +245,22 @@ private:
                           + "\"; the last files are in place, but not in the manifest");
         }
         mManifest.Acknowledge(lines);
+    }
+
+    // Each new entry of a folder changes the folder's time, so the times are set at the end. A time is not worth an
+    // error: a folder whose time cannot be set keeps its own.
+    void KeepFolderTimes() const
+    {
+        if (mIsDiskUnresponsive) {
+            return;
+        }
+        for (const ListedFolder& folder : mPlan.mTree) {
+            HeldFolder held;
+            if (ORL::ResultSucceeded(mRoots.OpenDestination(folder.mName, held))
+                && mPlan.mSourceFolders.count(held.Identity()) == 0) {
+                held.SetLastWriteTime(folder.mStatus.mTime);
+            }
+        }
     }
 
     void Compact()

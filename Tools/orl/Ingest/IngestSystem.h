@@ -81,6 +81,9 @@ public:
     ORL::Result Remove(const std::string& inName) const;
     ORL::Result RemoveFolder(const std::string& inName) const;
 
+    /// Sets the last-write time of this folder, in the library's units.
+    ORL::Result SetLastWriteTime(unsigned __int64 inTime) const;
+
     /// Waits until the names in this folder are on disk, as far as the file system supports it.
     ORL::Result Sync() const;
 

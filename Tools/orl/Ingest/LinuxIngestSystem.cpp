@@ -67,6 +67,17 @@ ORL::Result Done(int inAnswer)
     return ResultOf(inAnswer < 0 ? errno : 0);
 }
 
+int SetTimes(int inFile, unsigned __int64 inTime)
+{
+    struct timespec time
+    {
+    };
+    time.tv_sec = static_cast<std::time_t>(static_cast<long long>(inTime / kUnitsPerSecond) - kSecondsTo1970);
+    time.tv_nsec = static_cast<long>(inTime % kUnitsPerSecond * 100);
+    const struct timespec times[] = {time, time};
+    return sIngestCalls.mFUTimens(inFile, times);
+}
+
 bool IsDotEntry(const char* inName)
 {
     return std::strcmp(inName, ".") == 0 || std::strcmp(inName, "..") == 0;
@@ -254,6 +265,11 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(sIngestCalls.mUnlinkAt(mState->File(), inName.c_str(), AT_REMOVEDIR));
 }
 
+ORL::Result HeldFolder::SetLastWriteTime(unsigned __int64 inTime) const
+{
+    return Done(SetTimes(mState->File(), inTime));
+}
+
 ORL::Result HeldFolder::Sync() const
 {
     return Done(sIngestCalls.mFSync(mState->File()));
@@ -287,13 +303,7 @@ bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity)
 
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 {
-    struct timespec time
-    {
-    };
-    time.tv_sec = static_cast<std::time_t>(static_cast<long long>(inTime / kUnitsPerSecond) - kSecondsTo1970);
-    time.tv_nsec = static_cast<long>(inTime % kUnitsPerSecond * 100);
-    const struct timespec times[] = {time, time};
-    return sIngestCalls.mFUTimens(DescriptorOf(ioFile), times) == 0;
+    return SetTimes(DescriptorOf(ioFile), inTime) == 0;
 }
 
 // On Linux any file may have holes.

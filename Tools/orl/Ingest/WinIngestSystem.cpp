@@ -77,6 +77,14 @@ private:
     const HANDLE mHandle;
 };
 
+bool SetTime(HANDLE inFile, unsigned __int64 inTime)
+{
+    FILETIME time;
+    time.dwLowDateTime = static_cast<DWORD>(inTime);
+    time.dwHighDateTime = static_cast<DWORD>(inTime >> 32);
+    return ::SetFileTime(inFile, nullptr, nullptr, &time) != FALSE;
+}
+
 EntryIdentity IdentityOf(const BY_HANDLE_FILE_INFORMATION& inStatus)
 {
     return {inStatus.dwVolumeSerialNumber, std::uint64_t{inStatus.nFileIndexHigh} << 32 | inStatus.nFileIndexLow};
@@ -221,6 +229,12 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(::RemoveDirectoryW(mState->PathOf(inName).c_str()));
 }
 
+ORL::Result HeldFolder::SetLastWriteTime(unsigned __int64 inTime) const
+{
+    const Handle folder(mState->mPath, FILE_WRITE_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
+    return Done(folder.IsOpen() && SetTime(folder.Get(), inTime));
+}
+
 // Best effort: if the file system rejects the flush, name changes rely on its journal or on write-through renames.
 ORL::Result HeldFolder::Sync() const
 {
@@ -259,10 +273,7 @@ bool IdentifyFile(ORL::File& inFile, EntryIdentity& outIdentity)
 
 bool SetLastWriteTime(ORL::File& ioFile, unsigned __int64 inTime)
 {
-    FILETIME time;
-    time.dwLowDateTime = static_cast<DWORD>(inTime);
-    time.dwHighDateTime = static_cast<DWORD>(inTime >> 32);
-    return ::SetFileTime(ioFile.GetPlatformFileHandle(), nullptr, nullptr, &time) != FALSE;
+    return SetTime(ioFile.GetPlatformFileHandle(), inTime);
 }
 
 // If the file system does not support holes, they are written as zeros.

@@ -39,10 +39,9 @@ public:
             pending.pop_back();
             ListFolder(next, pending);
         }
-        std::sort(mListing.mFolders.begin(), mListing.mFolders.end());
-        std::sort(
-            mListing.mExcluded.begin(), mListing.mExcluded.end(),
-            [](const ExcludedEntry& inLeft, const ExcludedEntry& inRight) { return inLeft.mName < inRight.mName; });
+        const auto byName = [](const auto& inLeft, const auto& inRight) { return inLeft.mName < inRight.mName; };
+        std::sort(mListing.mFolders.begin(), mListing.mFolders.end(), byName);
+        std::sort(mListing.mExcluded.begin(), mListing.mExcluded.end(), byName);
         return std::move(mListing);
     }
 
@@ -87,7 +86,7 @@ private:
             CheckSource();
             AddTrouble("cannot read \"" + name + "\": " + Describe(result));
         } else if (status.mKind == EntryStatus::kFolder) {
-            mListing.mFolders.push_back(name);
+            mListing.mFolders.push_back({name, status});
             ioPending.push_back({name, inParents});
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});

@@ -24,6 +24,12 @@ struct ListedFile
     EntryStatus mStatus; // a link has the status of its target
 };
 
+struct ListedFolder
+{
+    std::string mName;
+    EntryStatus mStatus; // a link has the status of its target
+};
+
 /// An entry that was left out. Nothing below an excluded folder is listed.
 struct ExcludedEntry
 {
@@ -34,7 +40,7 @@ struct ExcludedEntry
 struct IngestListing
 {
     std::vector<ListedFile> mFiles;
-    std::vector<std::string> mFolders;    // each after its parent
+    std::vector<ListedFolder> mFolders;   // each after its parent
     std::vector<ExcludedEntry> mExcluded; // by name
     std::set<EntryIdentity> mIdentities;  // identities of all listed and excluded folders, the source included
     std::vector<IngestTrouble> mTroubles; // one for each entry that could not be listed

@@ -79,11 +79,15 @@ private:
         mPlan.mVolumes.back().mVolume = mRoots.mVolume;
         mPlannedFolders[""] = {mRoots.mHasDestination ? PlannedFolder::kExists : PlannedFolder::kToBeCreated, 0};
         mVolumes[mRoots.mVolume] = 0;
-        for (const std::string& folder : mListing.mFolders) {
-            const PlannedFolder above = mPlannedFolders[FolderOf(folder)];
-            mPlannedFolders[folder] = above.mState == PlannedFolder::kExists ? PlanFolder(folder, above) : above;
-            if (mPlannedFolders[folder].mState == PlannedFolder::kToBeCreated) {
-                mPlan.mFolders.push_back(folder);
+        for (const ListedFolder& folder : mListing.mFolders) {
+            const PlannedFolder above = mPlannedFolders[FolderOf(folder.mName)];
+            PlannedFolder& planned = mPlannedFolders[folder.mName];
+            planned = above.mState == PlannedFolder::kExists ? PlanFolder(folder.mName, above) : above;
+            if (planned.mState == PlannedFolder::kToBeCreated) {
+                mPlan.mFolders.push_back(folder.mName);
+            }
+            if (planned.mState != PlannedFolder::kRefused) {
+                mPlan.mTree.push_back(folder);
             }
         }
     }

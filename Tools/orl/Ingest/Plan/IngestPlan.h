@@ -52,6 +52,7 @@ struct IngestPlan
 {
     std::vector<IngestItem> mItems;    // sorted by name
     std::vector<std::string> mFolders; // folders to create at the destination, each after its parent
+    std::vector<ListedFolder> mTree;   // folders of the source that the destination has or gets, each after its parent
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;
