@@ -34,6 +34,7 @@ public:
         kFDataSync,
         kFSync,
         kSyncFs,
+        kFChMod,
         kCallCount
     };
 
@@ -67,6 +68,7 @@ public:
             [](int inFile) { return Fails(kFDataSync) ? -1 : sSystem.mFDataSync(inFile); },
             [](int inFile) { return Fails(kFSync) ? -1 : sSystem.mFSync(inFile); },
             [](int inFile) { return Fails(kSyncFs) ? -1 : sSystem.mSyncFs(inFile); },
+            [](int inFile, unsigned inMode) { return Fails(kFChMod) ? -1 : sSystem.mFChMod(inFile, inMode); },
         };
     }
     ~FaultyIngestCalls() { orl::sIngestCalls = sSystem; }

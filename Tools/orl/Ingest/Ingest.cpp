@@ -169,6 +169,8 @@ void AddIngest(CLI::App& ioProgram)
     command->add_flag("--dry-run", options->mIsDryRun, "show what would be done, and change nothing");
     command->add_flag("--replace", options->mSettings.mReplaces,
                       "replace different files of the same name at the destination");
+    command->add_flag("--keep-permissions", options->mSettings.mKeepsPermissions,
+                      "give the copies the permissions of the source (on Windows: read-only or not)");
     command->add_option("--manifest", options->mManifest, "file name of the manifest in DEST (default ingest.sha256)")
         ->check([](const std::string& inName) {
             return ORL::PathUtils::IsValidFileName(ToUTF16(inName)) ? std::string()

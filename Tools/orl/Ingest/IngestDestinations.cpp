@@ -78,7 +78,7 @@ private:
         opened->mRecord.RemoveLeftovers(inListing.mIdentities);
         destination.mPlan =
             MakePlan(inListing, {roots, mManifestName, opened->mManifest, wasThere ? &opened->mRecord : nullptr,
-                                 mSettings.mReplaces, mWatcher.mIsStopped});
+                                 mSettings.mReplaces, mSettings.mKeepsPermissions, mWatcher.mIsStopped});
         CheckFreeSpace(destination.mPlan, roots, mReserved);
         if (!wasThere) {
             MakeDestination(roots);

@@ -39,7 +39,9 @@ public:
     IngestedFile CopyOne()
     {
         OpenFolders();
-        return mItem.mState == IngestItem::kToCheck ? Check() : IngestedFile{Copy()};
+        IngestedFile file = mItem.mState == IngestItem::kToCheck ? Check() : IngestedFile{Copy()};
+        KeepPermissions();
+        return file;
     }
 
 private:
@@ -115,6 +117,23 @@ private:
         EntryIdentity identity;
         if (ResultSucceeded(result) && IdentifyFile(file, identity) && mItem.mEarlier == identity) {
             SetLastWriteTime(file, mTime);
+        }
+    }
+
+    // Comes after the rename, because Windows does not delete a read-only file: a temporary file must be deletable. If
+    // the run is killed in between, the next run compares the file and comes here again.
+    void KeepPermissions() const
+    {
+        if (!mContext.mKeepsPermissions) {
+            return;
+        }
+        const Result result = mTarget.SetPermissionsOf(mLeaf, mItem.mPermissions);
+        if (!ResultSucceeded(result)) {
+            CheckDestination();
+            throw IngestFailure("cannot set the permissions of \"" + mItem.mName + "\" at \""
+                                    + mContext.mRoots.mShownDestination + "\": " + Describe(result)
+                                    + "; the file is complete, but not in the manifest",
+                                kExitFailure, FailureScope::kFile);
         }
     }
 

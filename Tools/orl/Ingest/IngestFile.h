@@ -34,6 +34,7 @@ struct IngestContext
     SharedSource& mSource;                         // shared with the other destinations
     std::size_t mDestination = 0;                  // index of this run's destination
     bool mReplaces = false;
+    bool mKeepsPermissions = false;
     std::function<bool()> mIsStopped;                                // called between blocks
     std::function<void(std::uint64_t)> mOnBytesRead;                 // receives the bytes just read or read back
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty

@@ -60,8 +60,8 @@ private:
             manifest.Read();
             CountLeftovers(roots, record.Remains().mTemporaries, inListing.mIdentities);
         }
-        ioDestination.mPlan =
-            MakePlan(inListing, {roots, mManifestName, manifest, nullptr, mSettings.mReplaces, mIsStopped, true});
+        ioDestination.mPlan = MakePlan(inListing, {roots, mManifestName, manifest, nullptr, mSettings.mReplaces,
+                                                   mSettings.mKeepsPermissions, mIsStopped, true});
         ioDestination.mOutcome.mTroubles = ioDestination.mPlan.mTroubles;
         CheckFreeSpace(ioDestination.mPlan, roots, mReserved);
     }

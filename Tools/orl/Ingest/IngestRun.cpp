@@ -36,6 +36,7 @@ public:
                                     inShare.mSource,
                                     inShare.mDestination,
                                     inSettings.mReplaces,
+                                    inSettings.mKeepsPermissions,
                                     [this] { return IsStopped(); },
                                     [this](std::uint64_t inBytes) {
                                         mBytesRead.fetch_add(inBytes, std::memory_order_relaxed);
@@ -57,7 +58,7 @@ public:
         }
         mContext.mSource.UnregisterDestination(mContext.mDestination);
         Acknowledge();
-        KeepFolderTimes();
+        FinishFolders();
         Compact();
         CollectRows();
         mOutcome.mIsDiskUnresponsive = mIsDiskUnresponsive;
@@ -247,19 +248,30 @@ private:
         mManifest.Acknowledge(lines);
     }
 
-    // Each new entry of a folder changes the folder's time, so the times are set at the end. A time is not worth an
-    // error: a folder whose time cannot be set keeps its own.
-    void KeepFolderTimes() const
+    // A folder may become read-only, so each folder comes after everything in it.
+    void FinishFolders()
     {
-        if (mIsDiskUnresponsive) {
+        for (auto folder = mPlan.mTree.rbegin(); folder != mPlan.mTree.rend() && !mIsDiskUnresponsive; ++folder) {
+            FinishFolder(*folder);
+        }
+    }
+
+    // Each new entry of a folder changes the folder's time, so the time is set at the end. A time is not worth an
+    // error: a folder whose time cannot be set keeps its own.
+    void FinishFolder(const ListedFolder& inFolder)
+    {
+        HeldFolder held;
+        if (!ORL::ResultSucceeded(mRoots.OpenDestination(inFolder.mName, held))
+            || mPlan.mSourceFolders.count(held.Identity()) != 0) {
             return;
         }
-        for (const ListedFolder& folder : mPlan.mTree) {
-            HeldFolder held;
-            if (ORL::ResultSucceeded(mRoots.OpenDestination(folder.mName, held))
-                && mPlan.mSourceFolders.count(held.Identity()) == 0) {
-                held.SetLastWriteTime(folder.mStatus.mTime);
-            }
+        held.SetLastWriteTime(inFolder.mStatus.mTime);
+        const ORL::Result result =
+            mSettings.mKeepsPermissions ? held.SetPermissions(inFolder.mStatus.mPermissions) : ORL::kSuccess;
+        if (!ORL::ResultSucceeded(result)) {
+            AddTrouble(Failure("ingest: cannot set the permissions of the folder \""
+                               + JoinHostPath(mRoots.mShownDestination, inFolder.mName) + "\": " + Describe(result)),
+                       FailureScope::kFile);
         }
     }
 

@@ -16,6 +16,7 @@ struct IngestSettings
 {
     unsigned mFilesAtOnce = 4; // per destination
     bool mReplaces = false;
+    bool mKeepsPermissions = false;
     IngestExclusions mExclusions;
     SharingLimits mSharing;
 };

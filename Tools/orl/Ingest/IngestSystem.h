@@ -39,6 +39,10 @@ struct EntryStatus
     std::uint64_t mSize = 0;
     std::uint64_t mAllocated = 0; // bytes on disk; less than the size if the file has holes
     unsigned __int64 mTime = 0;   // last-write time, in the library's units
+
+    // What SetPermissions gives to a copy: on Linux the nine permission bits, with access for the owner added, so that
+    // the copy can be read back; on Windows 1 for a read-only file, otherwise 0.
+    unsigned mPermissions = 0;
 };
 
 enum class Links { kFollow, kNoFollow };
@@ -72,6 +76,12 @@ public:
 
     ORL::Result GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
     ORL::Result MakeFolder(const std::string& inName) const;
+
+    /// Sets the permissions of a file, not through a link.
+    ORL::Result SetPermissionsOf(const std::string& inName, unsigned inPermissions) const;
+
+    /// Sets the permissions of this folder. Does nothing on Windows, where folders have none.
+    ORL::Result SetPermissions(unsigned inPermissions) const;
 
     /// Renames within this folder. Returns kAlreadyExists if the new name is taken. The check is atomic, except on
     /// Linux file systems that support neither exclusive renames nor hard links.

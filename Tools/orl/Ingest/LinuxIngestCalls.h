@@ -20,6 +20,7 @@ struct IngestCalls
     int (*mFDataSync)(int inFile);
     int (*mFSync)(int inFile);
     int (*mSyncFs)(int inFile);
+    int (*mFChMod)(int inFile, unsigned inMode);
 };
 
 extern IngestCalls sIngestCalls;

@@ -30,12 +30,17 @@ IngestCalls sIngestCalls = {
     [](int inFile) { return ::fdatasync(inFile); },
     [](int inFile) { return ::fsync(inFile); },
     [](int inFile) { return ::syncfs(inFile); },
+    [](int inFile, unsigned inMode) { return ::fchmod(inFile, inMode); },
 };
 
 namespace {
 
 constexpr long long kSecondsTo1970 = 11644473600;
 constexpr long long kUnitsPerSecond = 10000000;
+
+constexpr unsigned kPermissionBits = 0777; // the others would give a copy the rights of its new owner
+constexpr unsigned kReadByOwner = 0400;
+constexpr unsigned kListByOwner = 0500;
 
 int DescriptorOf(ORL::File& ioFile)
 {
@@ -110,6 +115,8 @@ EntryStatus StatusOf(const struct stat& inStatus)
     status.mAllocated = static_cast<std::uint64_t>(inStatus.st_blocks) * 512;
     status.mTime = static_cast<unsigned __int64>((inStatus.st_mtim.tv_sec + kSecondsTo1970) * kUnitsPerSecond
                                                  + inStatus.st_mtim.tv_nsec / 100);
+    status.mPermissions =
+        (inStatus.st_mode & kPermissionBits) | (S_ISDIR(inStatus.st_mode) ? kListByOwner : kReadByOwner);
     return status;
 }
 
@@ -228,6 +235,18 @@ ORL::Result HeldFolder::GetStatus(const std::string& inName, Links inLinks, Entr
 ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
 {
     return Done(sIngestCalls.mMakeDirAt(mState->File(), inName.c_str()));
+}
+
+ORL::Result HeldFolder::SetPermissionsOf(const std::string& inName, unsigned inPermissions) const
+{
+    const OwnedFile file(
+        sIngestCalls.mOpenAt(mState->File(), inName.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return file ? Done(sIngestCalls.mFChMod(file.Get(), inPermissions)) : ResultOf(errno);
+}
+
+ORL::Result HeldFolder::SetPermissions(unsigned inPermissions) const
+{
+    return Done(sIngestCalls.mFChMod(mState->File(), inPermissions));
 }
 
 // Each of the three methods fails if the name is taken. The last method is for file systems that support neither of

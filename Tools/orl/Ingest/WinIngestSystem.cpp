@@ -118,6 +118,7 @@ ORL::Result QueryStatus(const std::wstring& inPath, Links inLinks, EntryStatus& 
     outStatus.mIdentity = IdentityOf(status);
     outStatus.mSize = std::uint64_t{status.nFileSizeHigh} << 32 | status.nFileSizeLow;
     outStatus.mAllocated = AllocatedOf(inPath, attributes, outStatus.mSize);
+    outStatus.mPermissions = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 1 : 0;
     outStatus.mTime = std::uint64_t{status.ftLastWriteTime.dwHighDateTime} << 32 | status.ftLastWriteTime.dwLowDateTime;
     return ORL::kSuccess;
 }
@@ -212,6 +213,24 @@ ORL::Result HeldFolder::GetStatus(const std::string& inName, Links inLinks, Entr
 ORL::Result HeldFolder::MakeFolder(const std::string& inName) const
 {
     return Done(::CreateDirectoryW(mState->PathOf(inName).c_str(), nullptr));
+}
+
+ORL::Result HeldFolder::SetPermissionsOf(const std::string& inName, unsigned inPermissions) const
+{
+    const std::wstring path = mState->PathOf(inName);
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return ResultOf(::GetLastError());
+    }
+    const DWORD others = attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY);
+    return Done(::SetFileAttributesW(path.c_str(), inPermissions != 0 ? others | FILE_ATTRIBUTE_READONLY
+                                                   : others != 0      ? others
+                                                                      : FILE_ATTRIBUTE_NORMAL));
+}
+
+ORL::Result HeldFolder::SetPermissions(unsigned) const
+{
+    return ORL::kSuccess;
 }
 
 ORL::Result HeldFolder::RenameNoReplace(const std::string& inFrom, const std::string& inTo) const

@@ -153,6 +153,7 @@ private:
         item.mSize = inFile.mStatus.mSize;
         item.mAllocated = inFile.mStatus.mAllocated;
         item.mTime = inFile.mStatus.mTime;
+        item.mPermissions = inFile.mStatus.mPermissions;
         if (planned.mState == PlannedFolder::kRefused
             || (planned.mState == PlannedFolder::kExists && !FindState(inFile, item))) {
             return;
@@ -220,7 +221,8 @@ private:
     {
         ioItem.mEarlier = inStatus.mIdentity;
         if (inStatus.mSize == ioItem.mSize) {
-            const bool isKnown = mRequest.mManifest.Holds(ioItem.mName) && HasSameTime(inStatus, inFolder, ioItem);
+            const bool isKnown = mRequest.mManifest.Holds(ioItem.mName) && HasSameTime(inStatus, inFolder, ioItem)
+                                 && (!mRequest.mKeepsPermissions || inStatus.mPermissions == ioItem.mPermissions);
             ioItem.mState = isKnown ? IngestItem::kVerifiedBefore : IngestItem::kToCheck;
             return true;
         }

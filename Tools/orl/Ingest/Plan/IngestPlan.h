@@ -27,13 +27,15 @@ struct IngestItem
         kToCopy,         // the destination has no entry with its name
         kToCheck,        // a file with the same name and size exists; the contents must be compared
         kToReplace,      // a different file with the same name exists, and the user wants it replaced
-        kVerifiedBefore, // the manifest of an earlier run lists the file; size and time equal the source's
+        kVerifiedBefore, // the manifest of an earlier run lists the file; size and time equal the source's;
+                         // the permissions too, if they are kept
     };
 
     std::string mName; // path relative to the source, "/" between folders, raw bytes
     std::uint64_t mSize = 0;
     std::uint64_t mAllocated = 0; // less than the size if the source has holes
     unsigned __int64 mTime = 0;
+    unsigned mPermissions = 0;
     State mState = kToCopy;
     std::optional<EntryIdentity> mEarlier; // the file with the same name at the destination
 };
@@ -66,6 +68,7 @@ struct IngestPlanRequest
     const IngestManifest& mManifest;
     IngestRecord* mRecord = nullptr; // null if the destination does not exist yet
     bool mReplaces = false;
+    bool mKeepsPermissions = false;
     std::function<bool()> mIsStopped;
     bool mIsDryRun = false; // creates no test files for names and times at the destination
 };

@@ -1,0 +1,157 @@
+// Tests --keep-permissions with the nine permission bits, for files and folders, and with failing system calls.
+#include "IngestRunSupport.h"
+
+#include <LinuxIngestCalls.h>
+#include <ProcessRunner.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace ORLTest;
+using orl::IngestStep;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+unsigned ModeOf(const fs::path& inPath)
+{
+    struct stat status;
+    EXPECT_EQ(0, ::stat(inPath.c_str(), &status)) << inPath;
+    return status.st_mode & 07777;
+}
+
+class IngestPermissionsOnLinux : public IngestRun
+{
+protected:
+    ~IngestPermissionsOnLinux() override { orl::sIngestCalls = mSystem; }
+
+    orl::IngestOutcome RunKeeping(const OnStep& inOnStep = {})
+    {
+        std::vector<orl::IngestDestination> destinations =
+            orl::MakeDestinations(Card().u8string(), {Disk().u8string()});
+        orl::IngestWatcher watcher;
+        watcher.mIsStopped = [] { return false; };
+        watcher.mShow = [](std::uint64_t, std::size_t) {};
+        if (inOnStep) {
+            watcher.mOnStep = [&inOnStep](std::size_t, IngestStep inStep, const orl::IngestItem& inItem) {
+                inOnStep(inStep, inItem);
+            };
+        }
+        orl::IngestSettings settings;
+        settings.mFilesAtOnce = 1;
+        settings.mKeepsPermissions = true;
+        orl::Ingest(destinations, kManifest, settings, watcher);
+        mPlan = std::move(destinations.front().mPlan);
+        return std::move(destinations.front().mOutcome);
+    }
+
+    const orl::IngestCalls mSystem = orl::sIngestCalls;
+};
+
+int FailToChangeMode(int, unsigned)
+{
+    errno = EPERM;
+    return -1;
+}
+
+} // namespace
+
+// The owner can always read a copy; a copy gets no rights of its new owner.
+TEST_F(IngestPermissionsOnLinux, OfFilesAndFolders_AreTheNineBits)
+{
+    struct Row
+    {
+        unsigned mSource;
+        unsigned mFile;
+        unsigned mFolder;
+    };
+    const Row rows[] = {
+        {0600, 0600, 0700}, {0644, 0644, 0744},  {0755, 0755, 0755},  {0777, 0777, 0777},
+        {0444, 0444, 0544}, {0555, 0555, 0555},  {0640, 0640, 0740},  {0007, 0407, 0507},
+        {0000, 0400, 0500}, {04755, 0755, 0755}, {02770, 0770, 0770}, {01777, 0777, 0777},
+    };
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only an administrator can read the sources without access";
+    }
+    for (const Row& row : rows) {
+        const std::string name = std::to_string(row.mSource);
+        mFolder.MakeFolder("card/folder" + name);
+        mFolder.MakeFile("card/folder" + name + "/file", name);
+        ASSERT_EQ(0, ::chmod((Card() / ("folder" + name) / "file").c_str(), row.mSource));
+        ASSERT_EQ(0, ::chmod((Card() / ("folder" + name)).c_str(), row.mSource));
+    }
+    EXPECT_TRUE(RunKeeping().mTroubles.empty());
+    for (const Row& row : rows) {
+        const fs::path folder = Disk() / ("folder" + std::to_string(row.mSource));
+        EXPECT_EQ(row.mFile, ModeOf(folder / "file")) << std::oct << row.mSource;
+        EXPECT_EQ(row.mFolder, ModeOf(folder)) << std::oct << row.mSource;
+    }
+}
+
+// An ordinary user cannot write to the folders once they are read-only, so they become so after their last file.
+TEST_F(IngestPermissionsOnLinux, OfReadOnlyFolders_AreKeptForAnOrdinaryUser)
+{
+    mFolder.MakeFolder("card/outer/inner");
+    mFolder.MakeFile("card/outer/inner/clip", "a clip");
+    mFolder.MakeFile("card/outer/clip", "another clip");
+    fs::create_directory(Disk());
+    fs::permissions(mFolder.Host(), fs::perms::all);
+    fs::permissions(Disk(), fs::perms::all);
+    ASSERT_EQ(0, ::chmod((Card() / "outer/inner").c_str(), 0555));
+    ASSERT_EQ(0, ::chmod((Card() / "outer").c_str(), 0555));
+    const std::string as = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    const std::string command = as + "'" + FolderOfThisProgram() + "orl' ingest --keep-permissions '" + Card().string()
+                                + "' '" + Disk().string() + "' >/dev/null 2>&1";
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_EQ(0, WEXITSTATUS(std::system(command.c_str()))) << run;
+        EXPECT_EQ(0555u, ModeOf(Disk() / "outer"));
+        EXPECT_EQ(0555u, ModeOf(Disk() / "outer/inner"));
+        ExpectIngested(ReadTree(Card()), Disk());
+    }
+    for (const fs::path& root : {Card(), Disk()}) {
+        fs::permissions(root / "outer", fs::perms::all);
+        fs::permissions(root / "outer/inner", fs::perms::all);
+    }
+}
+
+// The user asked for the permissions, so a file without them is reported and not acknowledged.
+TEST_F(IngestPermissionsOnLinux, ThatCannotBeSet_AreReportedAndTheNextRunCompletes)
+{
+    mFolder.MakeFolder("card/sub");
+    mCard = ReadTree(Card());
+    orl::sIngestCalls.mFChMod = &FailToChangeMode;
+    const orl::IngestOutcome outcome = RunKeeping();
+    EXPECT_TRUE(outcome.mRows.empty());
+    ASSERT_EQ(4u, outcome.mTroubles.size());
+    for (const orl::IngestTrouble& trouble : outcome.mTroubles) {
+        EXPECT_EQ(orl::kExitFailure, trouble.mExitCode);
+        EXPECT_NE(std::string::npos, trouble.mText.find("cannot set the permissions of ")) << trouble.mText;
+    }
+    EXPECT_EQ("", fs::exists(Disk() / kManifest) ? ReadFile(Disk() / kManifest) : "");
+    orl::sIngestCalls = mSystem;
+    EXPECT_TRUE(RunKeeping().mTroubles.empty());
+    ExpectIngested(mCard, Disk());
+}
+
+// Another program exchanges the copy for a link to a file of its own.
+TEST_F(IngestPermissionsOnLinux, OfALinkInPlaceOfTheCopy_AreNotSet)
+{
+    ASSERT_EQ(0, ::chmod((Card() / "a").c_str(), 0777));
+    mFolder.MakeFile("foreign", "somebody's");
+    ASSERT_EQ(0, ::chmod((mFolder.Host() / "foreign").c_str(), 0600));
+    const orl::IngestOutcome outcome = RunKeeping(Once(IngestStep::kInPlace, "a", [this] {
+        fs::remove(Disk() / "a");
+        fs::create_symlink(mFolder.Host() / "foreign", Disk() / "a");
+    }));
+    EXPECT_EQ(0600u, ModeOf(mFolder.Host() / "foreign"));
+    ASSERT_EQ(1u, outcome.mTroubles.size());
+    EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot set the permissions of \"a\""));
+}
