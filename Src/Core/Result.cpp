@@ -10,8 +10,8 @@ Result SystemErrorToORLResult(unsigned long inSystemError)
     case 3: return kPathNotFound;
     case 5: return kAccessDenied;
     case 32: return kSharingViolation;
-    case 39:  // the disk of a handle is full
-    case 112: // disk full
+    case 39:  // ERROR_HANDLE_DISK_FULL
+    case 112: // ERROR_DISK_FULL
         return kDiskFull;
     case 183: return kAlreadyExists;
     default: return kGeneralFailure;

@@ -21,8 +21,8 @@ std::string Quoted(const UTF16String& inText)
 
 void WriteAutomationResults(std::ostream& ioStream, const AutomationDataCollector::Collection& inCollection)
 {
-    // Writes each name itself: in the library's object, names that differ only in unpaired surrogates would be one
-    // key.
+    // Writes the names itself: an object of the JSON library would merge names that differ only in unpaired
+    // surrogates.
     ioStream << '{';
     const char* afterName = "";
     for (const auto& [name, results] : inCollection) {

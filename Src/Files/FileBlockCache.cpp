@@ -1,5 +1,5 @@
-// Reads through the blocks that a host's buffer caches. The handle bypasses the system's cache, so it is read only in
-// whole blocks at block boundaries.
+// Reads files through a host's block cache. The handle bypasses the system's cache, so it is read only in whole blocks
+// at block boundaries.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
@@ -25,7 +25,7 @@ std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint6
 } // namespace
 
 // Returns the block from the buffer, or else reads it from disk and offers it to the buffer. Even the last block is
-// requested in full, although fewer bytes are read; the bytes after the end are never used.
+// requested in full, although fewer bytes are read; the bytes past the end are never used.
 Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlock)
 {
     if (ResultSucceeded(mFileBuffer->GetBlock(inBlockPosition, outBlock)) && outBlock) {
@@ -66,12 +66,12 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
         blockPosition += mBlockSize;
         offset = 0;
     }
-    // Fetching a block has moved the position.
+    // FetchBlock moved the position.
     mPosition = start + outBytesRead;
     return kSuccess;
 }
 
-// Returns the target of a seek, between 0 and the size. An offset from the end counts backwards regardless of its sign.
+// Returns the target of a seek, clamped to [0, size]. An offset from the end counts backwards regardless of its sign.
 std::int64_t File::PrivateImpl::TargetOf(std::int64_t inOffset, FilePointerMoveMethod::Type inMethod) const
 {
     const std::int64_t size = static_cast<std::int64_t>(GetSize());

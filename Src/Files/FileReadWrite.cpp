@@ -1,4 +1,4 @@
-// Reads, writes and seeks at the position that the system keeps.
+// Reads and writes files, and moves the file position.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>
@@ -10,8 +10,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// A seek fails only if the system returns this value. The system returns 0 for a refused seek, so refused seeks
-// succeed; hosts rely on it.
+// A seek reports failure only if the system returns this value. The system returns 0 for a rejected seek, so rejected
+// seeks report success; hosts rely on it.
 constexpr int kFailedSeek = -1;
 
 Result ResultOfSeek(int inAnswer)
@@ -43,7 +43,7 @@ Result File::PrivateImpl::SetFilePointer(std::int64_t inOffset, FilePointerMoveM
 {
     if (mFileBuffer) {
         mPosition = TargetOf(inOffset, inMethod);
-        // The system would refuse a position inside a block, so do not seek; each read seeks first anyway.
+        // The system would reject a position inside a block, so do not seek; each read seeks first anyway.
         if (mPosition % mBlockSize != 0) {
             return kSuccess;
         }

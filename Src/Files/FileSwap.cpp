@@ -1,4 +1,4 @@
-// Replaces a file with a finished temporary file, and finds unused names for new files.
+// Replaces a file with a finished temporary file, and generates unused temporary paths.
 #include <Files/FileImpl.h>
 
 #include <ORLDebug.h>

@@ -63,7 +63,7 @@ Result File::GetLastModificationTime(const UTF16String& inPath, unsigned __int64
 
 Result File::GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime)
 {
-    // A directory can only be opened with backup semantics.
+    // A directory can be opened only with backup semantics.
     return GetTimeThroughFile(inPath,
                               PathUtils::IsDirectory(inPath) ? FileAttributesFlags::kFileAttribute_BackupSemantics
                                                              : FileAttributesFlags::kFileAttribute_NoBuffering,

@@ -16,7 +16,7 @@ using namespace Platform;
 
 namespace {
 
-// Immortal, so that a host that never stops the library does not wait for these threads at exit.
+// Immortal, so that process exit does not wait for the executor's thread if the host never stops the library.
 Immortal<boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>> sReadThreadQueueStorage;
 
 Handle sCompletionThread = nullptr;
@@ -73,11 +73,11 @@ private:
 
 ReadBatch sReadBatch;
 
-// A lower bound for the number of starts queued in the executor. The count is incremented only after the executor has
-// accepted a start, so while it is above zero another start will run, and a held-back read will be submitted.
+// A lower bound on the number of starts queued in the executor: incremented only after the executor has accepted a
+// start. While the count is above zero, another start will run and submit the batched reads.
 std::atomic<int> sQueuedStarts{0};
 
-// The thread exits if a read completes with a failure, and on the empty packet from TerminateAsyncFileOperations.
+// The thread exits when a read completes with a failure or when TerminateAsyncFileOperations posts an empty packet.
 void DrainPort(void* inPort)
 {
     Completion completion{};
@@ -125,7 +125,7 @@ void ReadStart::operator()() const
 {
     const SystemError error = StartRead_Impl(mFile, mRequest->mBuffer, mRequest->mSize, &mRequest->mOverlapped);
     const bool isStarted = error == SystemErrors::kNoError || error == SystemErrors::kErrorIoPending;
-    // Once submitted, the read completes through the port, and its request may already be freed.
+    // A started read may complete at any time, which frees its request: dereference mRequest only if the start failed.
     const bool isFull = isStarted && sReadBatch.Add(*mRequest);
     const bool moreFollow = sQueuedStarts.fetch_sub(1, std::memory_order_relaxed) > 1;
     if (!isStarted || isFull || !moreFollow) {

@@ -10,10 +10,10 @@
 namespace ORL {
 namespace AsyncFiles {
 
-/// Null while asynchronous reads are not started.
+/// Null unless StartupAsyncFileOperations has created it.
 extern Platform::Handle sCompletionPort;
 
-/// Starts every read on its one thread. Empty while asynchronous reads are not started.
+/// The executor whose one thread starts every read. Empty unless StartupAsyncFileOperations has created it.
 extern boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>& sReadThreadQueue;
 
 /// The start of one read, as queued in the executor: small enough that a boost::function stores it without allocating.

@@ -28,7 +28,7 @@ void CloseFile(Handle& ioFile, AsyncReadBusyRequests& ioBusyRequests)
     }
 }
 
-// Frees the request unless it is handed over: queueing fails without memory or without an executor.
+// Frees the request unless HandOver() is called: queueing it fails if there is no memory or no executor.
 class RequestOwner
 {
 public:
@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // On Linux the file and the root of its drive may be on different disks, so the file's own alignment counts too.
+    // On Linux the file may be on another disk than the root of its drive, so use the larger of the two alignments.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

@@ -11,7 +11,7 @@ namespace PathUtils {
 
 namespace {
 
-// The shell is not called for paths of this length or more: its objects accept only plain paths of limited length.
+// Paths of this length or more are not passed to the shell, whose objects accept only plain paths of limited length.
 constexpr std::size_t kTooLongForShell = 261;
 
 UTF16String DetachAll(UTF16String& ioPath)
@@ -79,7 +79,7 @@ UTF16String GetDisplayStringFromPath(const UTF16String& inPath)
         const std::size_t size = path.size();
         UTF16String name = GetLeafDisplayName(path);
         if (path.size() == size) {
-            // A long path that ends in a backslash has been returned whole; its parents are not displayed.
+            // GetLeafDisplayName has returned the whole path, so no parents are left to display.
             path.clear();
         }
         display = display.empty() ? std::move(name) : name + UTF16String(1, '\\') + display;

@@ -14,7 +14,7 @@ namespace PathUtils {
 
 namespace {
 
-// Appends the number and the extension.
+// Returns inName with the number and the extension appended.
 UTF16String Numbered(UTF16String inName, unsigned int inNumber, const UTF16String& inExtension)
 {
     inName += tvxcore::utility::AsciiToUTF16(std::to_string(inNumber).c_str());

@@ -38,7 +38,7 @@ PathParts::PathParts(const UTF16String& inPath) noexcept
     const unsigned short* text = inPath.data();
     mEnd = LengthToTerminator(text, inPath.size());
     mDrive = mEnd >= 2 && text[1] == ':' ? 2 : 0;
-    // Scans from the end, because the file name is the shortest part.
+    // Scans from the end, because the file name is usually short.
     mExtension = mEnd;
     mFile = mEnd;
     while (mFile > mDrive && !IsSeparator(text[mFile - 1])) {

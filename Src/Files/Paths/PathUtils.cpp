@@ -62,7 +62,7 @@ void SplitPath(const UTF16String& inPath, UTF16String* outDrive, UTF16String* ou
 {
     const PathParts parts(inPath);
     const unsigned short* text = inPath.data();
-    // An output may alias the path, so all parts are cut before the first is written.
+    // An output may alias the path, so all parts are copied before any output is written.
     UTF16String drive = outDrive != nullptr ? parts.Drive(text) : UTF16String();
     UTF16String directory = outDirectory != nullptr ? parts.Directory(text) : UTF16String();
     UTF16String file = outFile != nullptr ? parts.File(text) : UTF16String();

@@ -162,7 +162,7 @@ bool IsShareName(const UTF16String& inPath, std::size_t inFrom, std::size_t inEn
                            [](Unit inUnit) { return inUnit == '.'; });
 }
 
-// Returns the length of the part that ".." cannot remove, with its backslash: "X:\", "\\server\share\", "\".
+// Returns the length of the root, which ".." cannot remove, including its backslash: "X:\", "\\server\share\", "\".
 std::size_t RootLength(const UTF16String& inPath)
 {
     if (IsUNC(inPath)) {

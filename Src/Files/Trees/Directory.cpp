@@ -80,7 +80,7 @@ bool PathUtils::IsReadOnly(const UTF16String& inFullPath)
         return false;
     }
     if (IsDirectory(inFullPath)) {
-        return !TakesNewFiles(inFullPath); // also false if the directory has just been removed
+        return !TakesNewFiles(inFullPath); // also true if the directory has just been removed
     }
     const UTF16String path =
         IsNormalizedPath(inFullPath) ? RemoveTrailingSlash(inFullPath) : ToNormalizedPath(inFullPath);

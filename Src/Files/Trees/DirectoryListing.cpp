@@ -43,8 +43,8 @@ bool CountsAsEmpty(SystemError inError)
     return inError == kErrorAccessDenied || inError == kErrorFileNotFound || inError == kErrorPathNotFound;
 }
 
-// Opening the listing replaces two queries: it fails if the directory does not exist, and has no entries if it is
-// empty. Returns null for a directory that counts as empty.
+// Returns null for a directory that counts as empty. Needs no separate queries: opening fails if the directory does not
+// exist, and the listing of an empty directory has no entries.
 ListingPtr OpenListing(const UTF16String& inDirectory)
 {
     Listing* listing = nullptr;
@@ -61,8 +61,8 @@ ListingPtr OpenListing(const UTF16String& inDirectory)
     return nullptr;
 }
 
-/// Walks a directory and calls ioSink(path, kind) for each entry. The depth of the tree affects neither the use of the
-/// stack nor, on systems with few handles, the number of open handles.
+/// Walks a directory and calls ioSink(path, kind) for each entry. The depth of the tree does not affect stack use
+/// nor, on systems with few handles, the number of open handles.
 template <class Sink>
 class Walker
 {
@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // Enters mEntry if it is a directory. Only an entry of unknown kind can be a link that leads back to an open level.
+    // Enters mEntry if it is a directory. Only an entry of unknown kind can be a link back to an open level.
     bool EnterEntry()
     {
         if (!IsDirectoryEntry(mPath, mEntry.mKind) || (mEntry.mKind == EntryKind::kUnknown && IsCycle())) {

@@ -22,8 +22,8 @@ Result FileOperation(const UTF16String& inSource, const UTF16String& inDestinati
         ORL_ASSERT_MESSAGE_AT(false, "false", kMessage, "WinDirectory", __LINE__, kFunction);
         return kPathNotFound;
     }
-    // An empty path has already failed a contract check above. With an empty path, the pattern would refer to the
-    // current folder.
+    // IsNormalizedPath has already reported an empty path as a contract failure. Return here, because the pattern would
+    // otherwise refer to the current folder.
     if (inSource.empty()) {
         return kPathNotFound;
     }
