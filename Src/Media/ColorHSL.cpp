@@ -36,7 +36,7 @@ Shade ShadeOf(const ChannelRing& inColor)
     const unsigned largest = Largest(inColor);
     const float most = inColor[largest];
     const float least = Smallest(inColor);
-    return {largest, (most + least) * 0.5f, most - least, 1.0f}; // full saturation at spread 1, whatever the lightness
+    return {largest, (most + least) * 0.5f, most - least, 1.0f}; // a spread of 1 is full saturation at any lightness
 }
 
 } // namespace

@@ -41,7 +41,7 @@ void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned char& outY
     const double red = inColor.GetRed();
     const double green = inColor.GetGreen();
     const double blue = inColor.GetBlue();
-    // Y stays within 16 and 235, U and V within 16 and 239, so no clamp is needed.
+    // Y stays in [16, 235], U and V in [16, 239], so no clamp is needed.
     const int y = static_cast<int>(0.257 * red + 0.504 * green + 0.098 * blue + 16);
     const int v = static_cast<int>(0.439 * red - 0.368 * green - 0.071 * blue + 128);
     const int u = static_cast<int>(-0.148 * red - 0.291 * green + 0.439 * blue + 128);

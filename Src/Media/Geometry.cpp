@@ -14,7 +14,7 @@ namespace Geometry {
 
 namespace {
 
-// Eliminates one row of the tridiagonal system. Sets y2[i] to its factor and u[i] to its right side, or both to 0.
+// Eliminates one row of the tridiagonal system. Sets y2[i] to its factor and u[i] to its right-hand side, or both to 0.
 void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, float* u)
 {
     u[i] = y2[i] = 0;
@@ -48,7 +48,7 @@ bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2)
         ORL_ASSERT_AT(x && y && n && y2, "Geometry", 111, "ORL::Geometry::SolveNaturalCubicSpline2D");
         return false;
     }
-    // One point needs no element, but the code below always writes the first one.
+    // A single point needs no workspace, but the code below always writes u[0].
     const std::unique_ptr<float[]> work = AllocateFloats(std::max<std::size_t>(n - 1, 1));
     float* const u = work.get();
     if (u == nullptr) {

@@ -43,7 +43,7 @@ static_assert(kNTSC_HD.Hour() == 215784 && kNTSC_HD.TenMinutes() == 35964 && kNT
                   && kNTSC_HD.OtherMinute() == 3596 && kNTSC_HD.FirstSecond() == 56,
               "the counts of 59.94 drop-frame");
 
-// Returns the frames from the start of a ten-minute block to a label in one of its last nine minutes.
+// Returns the number of frames from the start of a ten-minute block to a label in one of its last nine minutes.
 long long CountInShortMinute(const DropFrame& inDrop, int inOnes, int inSeconds, long long inFrames)
 {
     const long long start = inDrop.FirstMinute() + (inOnes - 1LL) * inDrop.OtherMinute();
@@ -149,7 +149,7 @@ void NTSCDropFrame_IncrementHMSF(int inAddHours, int inAddMinutes, int inAddSeco
     Carry(minutes, hours, 60);
     hours = Wrapping::Add(hours, inAddHours);
 
-    // Crossing zero is detected by the hours here; the other formats use the sign.
+    // Here negative hours mean that the time has crossed zero; the other formats use the sign.
     if (hours < 0 && ioHours >= 0) {
         ioIsNegative = true;
         frames = labelsPerSecond - frames;

@@ -78,7 +78,7 @@ public:
         mEnd += inWidth;
     }
 
-    // Appends a field of the clock, with two digits if leading zeros are requested.
+    // Appends hours, minutes or seconds, with at least two digits if leading zeros are requested.
     void AppendField(int inValue, bool inLeadingZeros)
     {
         if (inLeadingZeros && inValue >= 0 && inValue < 100) {
@@ -91,8 +91,8 @@ public:
         AppendNumber(inValue);
     }
 
-    // Prepends one zero for each power of ten, up to 10^inDigits, that exceeds the value; none if inDigits is above
-    // four.
+    // Appends inFrames, with one leading zero for each power of ten from 10 to 10^inDigits that exceeds it. Appends no
+    // leading zeros if inDigits is above four.
     void AppendFrames(long long inFrames, int inDigits)
     {
         constexpr int kMaxDigits = 4;
@@ -128,7 +128,7 @@ private:
     unsigned short* mEnd = mUnits;
 };
 
-// Appends the sign before the text. Plain frame counts already have a minus sign.
+// Appends the sign before the text. AppendNumber writes the minus sign of a plain frame count.
 void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
 {
     if (!inImpl.mStyle.mShowSign) {
@@ -142,7 +142,7 @@ void AppendSign(TextBuilder& ioText, const Timecode::PrivateImpl& inImpl)
     }
 }
 
-// Compares with the common film rates, because a division by a constant compiles to a multiplication.
+// Special-cases the common film rates, because a division by a constant compiles to a multiplication.
 long long CountFilmFrames(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inRate)
 {
     if (inRate == tvxmediatypes::kFrameRate_Film24) {

@@ -39,7 +39,7 @@ long long CountFrames(int inSeconds, const FrameRate& inRate, long long inFrames
     return Wrapping::Add(static_cast<long long>(whole), inFrames);
 }
 
-// At an integer rate both counts are equal unless the seconds are negative, so the integer count is used for the rest.
+// At an integer rate the two counts differ only for negative seconds, so all other seconds use the integer count.
 template <int kRate>
 TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
 {
@@ -48,7 +48,7 @@ TickTime CountAtWholeRate(int inSeconds, long long inFrames) noexcept
                     rate);
 }
 
-// Equivalent to subtracting one day while the time is beyond the end of the day.
+// Equivalent to subtracting one day while the time exceeds one day.
 TickTime FoldFromAbove(const TickTime& inTime) noexcept
 {
     const long long day = kOneDay.GetTicks();

@@ -24,7 +24,7 @@ constexpr FrameFormat OwnFrameFormat(const TimecodeFormat& inFormat)
     return inFormat.HasOwnRate() ? FrameFormatOfRate(inFormat.mRate) : FrameFormat{0, 0};
 }
 
-// Every displayed frame copies a timecode, so the compiler computes everything that depends only on the format.
+// Hosts copy a timecode for every displayed frame, so what depends only on the format is computed at compile time.
 FrameFormat FrameFormatOf(TimeDisplay inTimeDisplay, const FrameRate& inFrameRate)
 {
     const FrameFormat own = VisitFormat(

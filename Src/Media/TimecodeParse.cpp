@@ -85,7 +85,7 @@ std::size_t ScanSMPTE(const UTF16String& inText, TimeDisplay inTimeDisplay, Scan
     return stop != nullptr ? static_cast<std::size_t>(stop - begin) : kReadable;
 }
 
-// Converts a lone number that counts frames. The frame is added before the sign is applied.
+// Converts a lone number that counts frames. The frame for inPreviousFrame is added before the sign is applied.
 TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, bool inPreviousFrame, bool inIsNegative)
 {
     TickTime time(static_cast<long long>(inCount), inFrameRate);
@@ -95,7 +95,7 @@ TickTime CountToTime(unsigned long long inCount, const FrameRate& inFrameRate, b
     return inIsNegative ? -time : time;
 }
 
-// Returns 10 to the number of digits that the frames of the rate take.
+// Returns 10 to the power of the number of digits in the rate's frame field.
 unsigned long long ShorthandBase(const FrameRate& inRate)
 {
     if (inRate > FrameRate(10000.0)) {
@@ -113,7 +113,7 @@ int ToField(unsigned long long inValue)
     return static_cast<int>(static_cast<unsigned>(inValue));
 }
 
-// Splits a run of digits from the right.
+// Splits a run of digits into fields, from the right.
 TypedFields SplitShorthand(unsigned long long inValue, const FrameRate& inRate)
 {
     const unsigned long long base = ShorthandBase(inRate);
@@ -161,7 +161,7 @@ FrameRate NominalRate(const FrameRate& inRate)
     return inRate == kFrameRate_23976 ? kFrameRate_Film24 : inRate;
 }
 
-// Returns true if the frames must carry; a count equal to the rate stays as it is.
+// Returns true if the frames must carry into the seconds; a count equal to the rate does not carry.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
     // The frame field rarely overflows, and one multiplication detects it: frames that fit in a second of ticks do not
@@ -170,7 +170,7 @@ bool Overflows(long long inFrames, const FrameRate& inRate)
     constexpr long long kFewTicks = 1000000000000;
     const long long ticks = inRate.GetTicksPerFrame();
     if (inFrames < 0) {
-        return false; // a number of more than 63 bits
+        return false; // the typed number exceeds 63 bits
     }
     if (inFrames <= kFewFrames && ticks > 0 && ticks <= kFewTicks && inFrames * ticks <= kTicksPerSecond) {
         return false;

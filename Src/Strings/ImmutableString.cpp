@@ -13,7 +13,7 @@ namespace {
 using Lifetime = ImmutableStringTable::Lifetime;
 using Record = ImmutableString::InternalRepresentation;
 
-// The values of the parameter inIsStatic, which is a bool in the public header.
+// Names for the values of inIsStatic, which is a bool in the public header.
 constexpr bool kStatic = true;
 constexpr bool kDynamic = false;
 
@@ -127,7 +127,7 @@ int ImmutableString::Compare(const UTF8String& inOther) const
 int ImmutableString::Compare(const UTF16String& inOther) const
 {
     if (mRepresentation == nullptr) {
-        return -1; // a null handle is below every string
+        return -1; // a null handle sorts before every string
     }
     return CompareBytes(mRepresentation->Text(), tvxcore::utility::UTF16to8(inOther).c_str());
 }
@@ -144,7 +144,7 @@ ImmutableString ImmutableString::Enter(const unsigned char* inText, bool inIsSta
 {
     ImmutableString handle;
     const Lifetime lifetime = inIsStatic ? Lifetime::kStatic : Lifetime::kDynamic;
-    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, lifetime); // Enter counts the handle
+    handle.mRepresentation = ImmutableStringTable::Get().Enter(inText, lifetime); // Enter has counted this handle
     return handle;
 }
 

@@ -89,7 +89,7 @@ struct ExitAction
     ~ExitAction() { sTable.load(std::memory_order_acquire)->FreeUnreferenced(); }
 };
 
-// Where locks need no destruction, the guard's destructor does nothing; elsewhere other threads have exited by then.
+// Destroying the guard at process exit is safe: its destructor does nothing, or other threads have exited by then.
 void MakeTable()
 {
     static const CriticalSection guard;
@@ -152,7 +152,7 @@ ImmutableStringTable::Record* ImmutableStringTable::Enter(const unsigned char* i
     return present != nullptr ? present : EnterUnderGuard(key, inText != nullptr ? inLifetime : Lifetime::kDynamic);
 }
 
-// Returns null if the text is not found or read access is not granted.
+// Returns null if the name is not found or read access is not granted.
 ImmutableStringTable::Record* ImmutableStringTable::EnterAsReader(const Key& inKey)
 {
     const ReaderSlots::ReaderAccess access(mReaders);
@@ -261,7 +261,7 @@ ImmutableStringTable::Record* ImmutableStringTable::RecordAt(const Slot& inSlot,
         || inSlot.mSize != inKey.mSize) {
         return nullptr;
     }
-    __builtin_prefetch(record, 1); // the caller then changes the record's count
+    __builtin_prefetch(record, 1); // for writing: the caller increments the record's count
     return std::memcmp(inSlot.mText, inKey.mText, inKey.mSize) == 0 ? record : nullptr;
 }
 

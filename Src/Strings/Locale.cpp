@@ -26,7 +26,7 @@ bool IsDigit(unsigned short inUnit)
     return inUnit >= '0' && inUnit <= '9';
 }
 
-// Returns the position of the first digit or separator of a number: after blanks and a sign.
+// Returns the position after white space and a sign, where the digits and separators of a number begin.
 std::size_t StartOfDigits(const Units& inText)
 {
     std::size_t at = 0;

@@ -13,7 +13,7 @@ namespace {
 
 using tvxcore::utility::NumberPunctuation;
 
-// Only the 16-bit facet can represent a non-ASCII separator; the narrow facet uses a blank.
+// Only the 16-bit facet can represent a non-ASCII separator; the narrow facet uses a space.
 template <class Character>
 Character Fit(unsigned short inUnit)
 {

@@ -12,7 +12,7 @@ namespace Internal {
 
 std::string EncodeUTF8(const unsigned short* inText, std::size_t inLength)
 {
-    // Most names and paths fit into this buffer, and are converted without an intermediate string.
+    // Most names and paths fit into this buffer, so they are converted without an intermediate string.
     constexpr std::size_t kShort = 512;
     if (inLength <= kShort) {
         char text[3 * kShort];

@@ -16,7 +16,7 @@ Application::Application(const ObjectPtr<Module, AtomicValue>& inModule,
     : mModule(inModule), mApplicationModule(inApplicationModule), mStartupText(inStartupText),
       mStartupValue(inStartupValue)
 {
-    static_cast<void>(mStartupValue); // stored like the other arguments of the host, but not read yet
+    static_cast<void>(mStartupValue); // stored like the host's other arguments, but never read
     ORL_INPUT_CONTRACT_AT(sInstance == NULL, "WinApplication", 64);
     sInstance = this;
 }

@@ -19,7 +19,7 @@ struct Language
 {
     const char* mName;
     unsigned short mID;
-    unsigned int mCodePage; // 0 is the system's default page
+    unsigned int mCodePage; // 0 is the system's default code page
 };
 
 constexpr Language kLanguages[] = {

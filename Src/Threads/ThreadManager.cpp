@@ -35,7 +35,7 @@ namespace Platform {
 
 namespace {
 
-// The values of the parameter inIsMainThread, which is a bool in the public header.
+// Names for the values of inIsMainThread, which is a bool in the public header.
 constexpr bool kMainThread = true;
 constexpr bool kOtherThread = false;
 
@@ -45,8 +45,8 @@ public:
     using ThreadInfo::ThreadInfo;
 };
 
-// Written under the lock for the library's start and stop. Other threads read the first two without a lock, so these
-// are atomic; relaxed order is enough.
+// Written under the foundation lock. Other threads read the first two without a lock, so these are atomic; relaxed
+// order is enough.
 std::atomic<std::uint32_t> sThreadLocalStorage_InfoIndex{kNoSlot};
 std::atomic<bool> sInfoIndexAllocated{false};
 ThreadInfo* sMainThreadInfo = nullptr;

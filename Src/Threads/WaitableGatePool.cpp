@@ -15,7 +15,7 @@ using Pool = Sync::WaitableGatePoolAlgorithm<Sync::SystemPolicy>;
 
 boost::once_flag sPoolOnce = BOOST_ONCE_INIT;
 
-// At process exit destroys the idle gates but keeps the pool for threads that are still running.
+// At process exit, destroys the idle gates but keeps the pool for threads that are still running.
 struct ExitAction
 {
     ~ExitAction()

@@ -9,14 +9,14 @@
 namespace ORL {
 namespace Images {
 
-/// The bits of one colour in a pixel.
+/// The bits of one colour channel in a pixel.
 class BitField
 {
 public:
-    /// Returns false if the bits are not adjacent. With mask 0 the colour is always 0.
+    /// Returns false if the bits are not adjacent. With mask 0 the channel is always 0.
     bool Set(std::uint32_t inMask) noexcept;
 
-    /// Returns the colour as 8 bits. The bits of a shorter colour are repeated, so that its largest value becomes 255.
+    /// Returns the channel as 8 bits. Repeats the bits of a shorter channel, so that its largest value becomes 255.
     std::uint32_t Read(std::uint32_t inPixel) const noexcept { return mColours[(inPixel & mMask) >> mShift]; }
 
 private:

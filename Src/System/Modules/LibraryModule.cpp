@@ -11,7 +11,7 @@ namespace {
 
 using ModulePtr = ObjectPtr<Module, AtomicValue>;
 
-// Constant-initialized, and released only on unload, so that a host's static objects may use the module in their
+// Constant-initialised, and released only on unload, so that a host's static objects may use the module in their
 // constructors and destructors.
 Immortal<ModulePtr> sLibraryModule;
 Immortal<ModulePtr> sKeepAliveReference;

@@ -19,7 +19,7 @@ constexpr unsigned short kAmericanEnglish = 1033;
 constexpr unsigned short kMenuType = 4;
 constexpr std::size_t kMaxPath = 260;
 
-// The values of the parameter inOwnsModule, which is a bool in the public header.
+// Names for the values of inOwnsModule, which is a bool in the public header.
 constexpr bool kOwned = true;
 constexpr bool kNotOwned = false;
 

@@ -46,7 +46,7 @@ inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t i
 /// Copies units, which need not be aligned.
 inline std::vector<unsigned short> UnitsAt(const Bytes& inBytes, std::uint64_t inPlace, std::size_t inCount)
 {
-    std::vector<unsigned short> units(inCount + 1); // data() is never null, because a null string means a number
+    std::vector<unsigned short> units(inCount + 1); // one extra: data() must not be null, which means a number
     if (inCount != 0) {
         std::memcpy(units.data(), inBytes.mData + inPlace, inCount * sizeof(unsigned short));
     }

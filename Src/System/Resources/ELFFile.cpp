@@ -107,8 +107,8 @@ ReadOutcome ReadELFFile(const Bytes& inFile, ResourceIndex& ioIndex)
     }
     std::vector<Segment> segments;
     bool isWhole = ReadSegments(inFile, segments);
-    // Total bytes still to be scanned. Valid segments do not overlap, so the file's size is enough for them; the limit
-    // bounds the work on a malicious file.
+    // The number of bytes that may still be scanned. Valid segments do not overlap, so the file's size is enough for
+    // them; the limit bounds the work on a malicious file.
     std::uint64_t bytesLeft = inFile.mSize;
     std::uint64_t noteBytesLeft = inFile.mSize;
     for (const Segment& segment : segments) {

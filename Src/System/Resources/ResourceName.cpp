@@ -12,7 +12,7 @@ bool IsBlank(unsigned short inUnit) noexcept
     return inUnit == ' ' || (inUnit >= '\t' && inUnit <= '\r');
 }
 
-// Parses a number as Windows does: it may begin with blanks and a sign, and text after the digits is ignored.
+// Parses a number as Windows does: it may begin with blanks and a sign, and characters after the digits are ignored.
 bool ParseNumber(const unsigned short* inText, unsigned short& outNumber) noexcept
 {
     while (IsBlank(*inText)) {

@@ -8,7 +8,7 @@
 namespace ORL {
 namespace Resources {
 
-/// A read returns false if it exceeds the template; all further reads then also return false.
+/// A read past the end of the template returns false, and so do all further reads.
 class TemplateReader
 {
 public:

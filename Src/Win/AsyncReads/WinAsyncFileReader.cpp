@@ -109,7 +109,7 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 std::size_t SubmitReads_Impl(SystemError& outError)
 {
     outError = SystemErrors::kNoError;
-    return 0; // this port holds back no reads
+    return 0; // this port does not batch reads
 }
 
 SystemError StartThread_Impl(const char*, void (*inBody)(void*), void* inArgument, Handle& outThread)

@@ -163,8 +163,8 @@ bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF
     if (inFrom.size() >= kMaxPath || inTo.size() >= kMaxPath) {
         return WindowsText::RelativePathTo(inFrom, inTo, outRelative);
     }
-    // The system checks no size. The buffer has space for three units for every two of the first path, plus the whole
-    // second path.
+    // The system does not check the size of the buffer, which has space for three units for every two of the first
+    // path, plus the whole second path.
     unsigned short relative[3 * kMaxPath] = {};
     if (!::PathRelativePathToW(AsWide(relative), AsWide(inFrom.c_str()), FILE_ATTRIBUTE_DIRECTORY, AsWide(inTo.c_str()),
                                FILE_ATTRIBUTE_DIRECTORY)) {

@@ -216,7 +216,7 @@ SystemError ApplyEdits_Impl(KeyHandle, const std::vector<Edit>&)
 
 StoreState GetStoreState_Impl(KeyHandle, StoreCheck)
 {
-    return StoreState(); // the OS maintains its registry
+    return StoreState(); // nothing to report: the OS maintains the registry
 }
 
 } // namespace Platform
