@@ -1,4 +1,4 @@
-// Fails each system call of a read, at each occurrence, with each error that a resource shortage causes. Delivered
+// Fails each system call of a read, at each occurrence, with each error of a resource shortage. Delivered
 // data must be correct, no read may be lost, no descriptor may stay open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
@@ -225,7 +225,7 @@ TEST_P(AsyncReadFaults, EachCallFailingOnceWithEachError_LosesNothingAndTheNextR
     }
 }
 
-// Calls that fail only temporarily lose no read.
+// A temporary failure of a call must not lose a read.
 TEST_P(AsyncReadFaults, ShortageThatPasses_CostsNoRead)
 {
     for (const int error : {EINTR, EAGAIN, EBUSY, ENOMEM}) {
@@ -266,7 +266,7 @@ TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
     EXPECT_TRUE(RunOnce().IsWhole());
 }
 
-// Terminate does not wait for the completion thread, but that thread still ends.
+// If the kernel refuses the last packet, Terminate does not wait for the completion thread, which still ends.
 TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEndsAllTheSame)
 {
     if (RefusalOfTheRing() != 0) {

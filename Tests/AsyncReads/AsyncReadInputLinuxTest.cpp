@@ -1,4 +1,4 @@
-// Tests reads of kinds of files that only Linux has, and reads at invalid positions.
+// Tests reads of special files that exist only on Linux, and reads at invalid positions.
 #include "AsyncReadsFixture.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -130,7 +130,7 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
     EXPECT_EQ(kBlock, ReadOne(reader, sector, kBlock, buffer).mBytesRead);
 }
 
-// Windows checks the buffer when a read starts. On Linux only the completion of the read may report the bad buffer;
+// Windows checks the buffer when a read starts. On Linux a bad buffer may be reported only when the read completes;
 // this must not stop asynchronous reads in the whole process.
 TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
 {

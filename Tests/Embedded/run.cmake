@@ -36,7 +36,7 @@ endfunction()
 
 run(${CMAKE_COMMAND} ${arguments})
 
-# Installing the project installs nothing of the library, and a plain build does not build the tests' static libraries.
+# Installing the project must not install the library; a default build must not build the tests' static libraries.
 file(READ "${WORK}/orl/cmake_install.cmake" install_script)
 if(install_script MATCHES "file\\(INSTALL")
   message(FATAL_ERROR "the library installs files with the project around it")

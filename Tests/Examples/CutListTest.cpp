@@ -39,7 +39,7 @@ protected:
         return (mFolder.Host() / "list.edl").u8string();
     }
 
-    // Returns the reported fault without the file's name: "12: ...".
+    // Returns the error message without the file name: "12: ...".
     static std::string FaultOf(const ProcessResult& inResult)
     {
         const std::string mark = "list.edl:";

@@ -1,4 +1,4 @@
-// Runs the five small hosts as a user does, and keeps them small.
+// Runs the five small hosts as a user does, and checks that each has fewer than 60 lines.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>

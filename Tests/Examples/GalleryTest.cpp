@@ -49,8 +49,8 @@ TEST(Gallery, GreetsInFiveLanguagesAndDrawsTheSheet)
     ASSERT_EQ(392u, sheet.mHeight);
     const DecodedPicture shown = ReadPng(std::string(ORL_EXAMPLES) + "/../Docs/gallery.png");
     EXPECT_TRUE(shown.mPixels == sheet.mPixels) << "the picture in the README is of an earlier version";
-    // The pictures are not flipped vertically: the first colour bar is at the top, the black part of the strip at the
-    // bottom left.
+    // The pictures are not flipped vertically: the first colour bar is at the top, and the black part of the strip is
+    // at the bottom left.
     EXPECT_EQ("191 191 191", ColourAt(sheet, 3, 1, 5, 5));
     EXPECT_EQ("0 0 191", ColourAt(sheet, 3, 1, 92, 5));
     EXPECT_EQ("0 0 0", ColourAt(sheet, 3, 1, 5, 90));

@@ -1,4 +1,4 @@
-// Runs the example with persistent window position and language as a user does.
+// Runs the example that remembers a window position and a language, as a user does.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 

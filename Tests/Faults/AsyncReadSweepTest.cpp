@@ -34,8 +34,8 @@ struct Watch
     }
 };
 
-// The executor's thread frees a queued start only after it has started the read. By then the read may be complete and
-// its callback may have returned, so the small blocks of a round are counted only after this wait.
+// The executor's thread frees the request to start a read only after it has started the read. By then the read may be
+// complete and its callback may have returned, so the small blocks of a round are counted only after this wait.
 class WaitForFreedStart
 {
 public:

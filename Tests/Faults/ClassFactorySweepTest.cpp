@@ -36,7 +36,7 @@ unsigned CountCategory(const Guid& inCategory = kCategory)
     return count;
 }
 
-// A pair of categories unique to each registration, so that each registration creates both.
+// Each registration uses a new pair of categories, so that it creates both.
 std::uint64_t sPair = 0;
 
 Guid OfPair(std::uint64_t inWhich)

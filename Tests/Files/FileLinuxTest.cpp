@@ -115,7 +115,7 @@ TEST(FileOnLinux, AProgramThatLocksTheWholeFile_IsASharingViolation)
     EXPECT_EQ(kSuccess, Opened(folder.Path(u"f"), kRead).mResult);
 }
 
-// Locks that a program takes on its own data do not affect our locks.
+// Locks that another program holds on the file's data do not affect our locks.
 TEST(FileOnLinux, AProgramThatLocksItsData_DoesNotMeetUs)
 {
     const TempFolder folder;

@@ -1,5 +1,5 @@
-// Checks recorded results of Windows for opening files that depend on names: their case, their length, a leading dot.
-// Uses the platform functions.
+// Checks results recorded on Windows (cf34 and so on) for opens that depend on the file name: its case, its length, a
+// leading dot. Uses the platform functions.
 #include "SystemProbes.h"
 #include <FileSupport.h>
 

@@ -164,7 +164,7 @@ TEST(ArePathsRelative, DeepPaths_AreAnsweredAlikeAndStayInBounds)
     EXPECT_EQ(Units(uR"(\b\)"), relative) << Show(relative);
 }
 
-// The results of the portable code in cases where Windows differs between versions or reads past its input.
+// Tests only the portable code, because Windows versions differ in these cases or read past their input.
 TEST(HomePathText, DotsAtTheEndsOfAPath_NeverLeaveTheRoot)
 {
     const auto combine = [](const char16_t* inBase, const char16_t* inMore) {

@@ -64,7 +64,7 @@ unsigned int BytesReadOf(const UTF16String& inPath)
     return bytesRead;
 }
 
-/// Absorbs the report of a thread record check that every restart fails; other tests cover that check.
+/// Absorbs the report of the thread record check, which fails at every restart; other tests cover that check.
 class FoundationTest : public ::testing::Test
 {
 protected:

@@ -1,4 +1,4 @@
-// A host with a GetVersion of its own that uses the library's namespace. On Windows the OS declares such a function.
+// A host with a using-directive for ORL that defines its own GetVersion. On Windows the OS declares such a function.
 #include <ORLFoundation.h>
 
 #include <gtest/gtest.h>

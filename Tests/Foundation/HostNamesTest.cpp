@@ -1,5 +1,5 @@
-// A host that had names and operators of its own for the library's types before the library had them, and that uses its
-// namespaces. Its own must be called, and nothing may be ambiguous.
+// A host with using-directives for the library's namespaces that defined functions and operators for the library's
+// types before the library did. The host's own must be called, without ambiguity.
 #include <ORLFoundation.h>
 #include <ORLVersion.h>
 

@@ -1,4 +1,4 @@
-// A host that calls GetVersion of the OS and uses the library's namespace.
+// A host with a using-directive for ORL that calls the GetVersion of the OS.
 #include <ORLFoundation.h>
 
 #include <gtest/gtest.h>

@@ -12,7 +12,7 @@
 
 namespace ORLTest {
 
-/// Returns whether the rows are stored from the top. Wine's LoadBitmapW returns a black bitmap for such a resource.
+/// Returns whether the bitmap is stored top-down. Wine's LoadBitmapW returns a black bitmap for such a resource.
 inline bool IsTopDown(const BitmapRow& inRow)
 {
     return std::string(inRow.mName).find("top_down") != std::string::npos;

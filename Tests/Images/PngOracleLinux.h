@@ -103,7 +103,7 @@ inline void ReadPngBytes(png_structp inPng, png_bytep outBytes, png_size_t inSiz
     source.mPlace += inSize;
 }
 
-/// Returns blue, green, red and alpha of each pixel; of 16-bit channels, the upper bytes.
+/// Returns blue, green, red and alpha of each pixel. 16-bit channels are reduced to their upper bytes.
 inline std::vector<unsigned char> ReadPng(const std::string& inFile)
 {
     PngSource source{&inFile, 0};

@@ -62,7 +62,7 @@ TEST(Premultiply, ATransparentPixelOfAnyColour_Becomes0)
     EXPECT_EQ(Pixels(4, 0), result);
 }
 
-// Tests each count from 0 on at eight alignments, so that the kernels also process the pixels after the last whole
+// Tests each count from 0 up at eight alignments, so that the kernels also process the pixels after the last whole
 // vector.
 TEST(Premultiply, EachCountAndAlignment_TouchesItsPixelsAlone)
 {

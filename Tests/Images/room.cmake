@@ -26,7 +26,7 @@ if(NOT WIN32)
   target_link_libraries(${room_target} PRIVATE PNG::PNG PkgConfig::SPNG PkgConfig::X11)
 endif()
 
-# Compares with the pixels that ImageMagick reads from the same bitmaps.
+# Compares the bitmaps that orl extracts with those that ImageMagick reads.
 if(NOT WIN32)
   find_program(ORL_CONVERT NAMES convert-im6.q16 convert-im7.q16 REQUIRED)
   find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)

@@ -1,4 +1,4 @@
-// Tests one ingest with several destinations: each file is read once, and an error at one destination stops no other.
+// Tests one ingest with several destinations: each file is read once, and an error at one does not stop the others.
 #include "IngestDestinationsSupport.h"
 
 #include <condition_variable>

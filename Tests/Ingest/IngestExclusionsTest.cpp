@@ -115,7 +115,7 @@ TEST(IngestExclusions, Patterns_MatchByOneRule)
     }
 }
 
-// A pattern of many stars must not take exponential time.
+// A pattern with many stars must not take exponential time.
 TEST(IngestExclusions, ManyStars_EndSoon)
 {
     std::string pattern;
@@ -188,7 +188,7 @@ TEST_F(OrlIngestExclude, AFileNamedLikeASystemFolder_IsCopied)
     EXPECT_EQ("a file", ReadFile(Disk() / "lost+found"));
 }
 
-// The line about erasing names what has no copy.
+// The last line, about erasing the source, reports the entries without a copy.
 TEST_F(OrlIngestExclude, EntriesOfPatterns_AreLeftOutAndMakeErasingUnsafe)
 {
     const ProcessResult result = Ingest({"--exclude", "*.xml", "--exclude", "CLIP/CACHE", "--exclude", "*.tmp"});
@@ -204,7 +204,7 @@ TEST_F(OrlIngestExclude, EntriesOfPatterns_AreLeftOutAndMakeErasingUnsafe)
               LastLine(result));
 }
 
-// A file that an earlier run acknowledged keeps its copy and its line.
+// Excluding a file that an earlier run acknowledged deletes neither its copy nor its manifest line.
 TEST_F(OrlIngestExclude, ALaterExclusion_RemovesNothing)
 {
     ASSERT_EQ(0, Ingest({}).mExitCode);
@@ -230,7 +230,7 @@ TEST_F(OrlIngestExclude, ACardOfSystemFoldersAlone_EndsLikeAnEmptySource)
     EXPECT_TRUE(Shows(result.mErrors, "contains no files (is the card mounted?)")) << result.mErrors;
 }
 
-// Nothing is written to an excluded folder of the source either.
+// Not even an excluded folder of the source may be written to.
 TEST_F(OrlIngestExclude, ADestinationInAnExcludedFolder_IsRefused)
 {
     for (const char* folder : {"card/.Trashes/disk", "card/CLIP/disk"}) {

@@ -140,7 +140,7 @@ protected:
         }
     }
 
-    /// Fails each call of a kind once. A run that reports nothing must be complete; a second run always must.
+    /// Fails each call of a kind once. A run that reports nothing must be complete, and a second run always so.
     template <class Calls>
     void FailEach(typename Calls::Call inCall)
     {
@@ -182,8 +182,8 @@ protected:
         }
     }
 
-    /// A call before the acknowledgement fails: the user gets one line, the manifest gets none, and a second run
-    /// completes.
+    /// Fails a call before the acknowledgement: the user must get one line and the manifest none, and a second run
+    /// must complete.
     void ExpectNotAcknowledged(FaultyIngestCalls::Call inCall, unsigned inNumber)
     {
         SCOPED_TRACE("call " + std::to_string(inCall) + ", number " + std::to_string(inNumber));
@@ -238,7 +238,7 @@ TEST_P(IngestFaults, EachCallOfTheTool_NothingHalfAndASecondRunCompletes)
     }
 }
 
-// The first syncs are those of two files and of their two folders; those of the manifest come later.
+// Syncs 1 to 4 are those of two files and their two folders; the manifest is synced later.
 TEST_P(IngestFaults, AFlushThatFails_AcknowledgesNothing)
 {
     for (unsigned number = 1; number <= 4; ++number) {

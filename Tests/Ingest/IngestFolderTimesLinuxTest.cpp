@@ -10,7 +10,7 @@ using orl::IngestStep;
 
 namespace fs = std::filesystem;
 
-// Another program exchanges a folder of the destination for a link into the source while the ingest runs.
+// Another program replaces a folder of the destination with a link into the source while the ingest runs.
 TEST_F(IngestRun, AFolderThatComesToLeadIntoTheSource_KeepsItsTime)
 {
     mFolder.MakeFolder("card/other");

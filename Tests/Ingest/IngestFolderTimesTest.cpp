@@ -72,7 +72,7 @@ TEST_F(IngestFolderTimes, EachFolder_HasTheTimeOfTheSourceAtEachDestination)
     }
 }
 
-// A later run that adds a file changes the time of its folder, and sets it again.
+// Adding a file changes the time of its folder, so a later run must set the time again.
 TEST_F(IngestFolderTimes, ALaterRun_SetsThemAgain)
 {
     RunTo(1);

@@ -1,4 +1,4 @@
-// Tests a destination that disappears during an ingest. On Windows an open file keeps its folder in place.
+// Tests a destination that disappears during an ingest. Linux only: on Windows an open file keeps its folder in place.
 #include "IngestDestinationsSupport.h"
 
 #include <filesystem>

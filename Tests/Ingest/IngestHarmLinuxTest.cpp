@@ -133,7 +133,7 @@ TEST_F(IngestHarmOnLinux, AVolumeBelowTheDestination_IsMeasuredForItself)
     EXPECT_FALSE(fs::exists(Disk() / "a")) << "nothing was begun";
 }
 
-// Simulates a folder on another volume by changing its status.
+// Simulates a folder on another volume by changing the result of fstatat.
 TEST_F(IngestHarmOnLinux, EachVolumeBelowTheDestination_IsFlushed)
 {
     mFolder.MakeFolder("card/d");
@@ -265,7 +265,7 @@ TEST_F(IngestHarmOnLinux, LeftoversOfAKilledRun_CountAsFreeRoom)
     ExpectInPlace("abc");
 }
 
-// The manifest's last line lacks its line break, which a run that is not refused would add.
+// The manifest's last line lacks its line break, which an accepted run would add.
 TEST_F(IngestHarmOnLinux, ARunThatIsRefusedForRoom_ChangesNothing)
 {
     fs::create_directories(Disk());

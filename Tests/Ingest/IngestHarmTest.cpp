@@ -1,4 +1,4 @@
-// Tests that an ingest never damages the source or other people's files and lines.
+// Tests that an ingest never damages the source, other people's files, or other people's lines in the manifest.
 #include "IngestRunSupport.h"
 #include <ProcessRunner.h>
 
@@ -93,7 +93,7 @@ TEST_F(IngestHarm, ALastLineWithoutABreak_Survives)
     EXPECT_EQ(4u, ReadManifest(Disk() / kManifest).size());
 }
 
-// The manifest contains every form of line that checksum programs write, between orl's lines, which the run replaces.
+// The manifest contains every form of line that checksum programs write. The run replaces only orl's own lines.
 TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
 {
     ASSERT_TRUE(Run({}).mTroubles.empty());
@@ -113,8 +113,8 @@ TEST_F(IngestHarm, ForeignLines_SurviveAnExchangeByteForByte)
               ReadFile(Disk() / kManifest));
 }
 
-// Files named like temporary files are ingested from the card, and stay in other folders of the destination: only
-// files listed in the record are deleted.
+// Files named like temporary files are ingested, and those in other folders of the destination stay: only files listed
+// in the record are deleted.
 TEST_F(IngestHarm, FilesThatAreNamedLikeTemporaries_AreBroughtInAndNotDeleted)
 {
     const std::vector<std::string> names{".orl-0123456789abcdef.part", kUnfinished, "ingest.sha256.part", ".orl-names"};

@@ -148,7 +148,7 @@ TEST_F(IngestListing, ATreeDeeperThanDescriptorsReach_IsBroughtIn)
     ExpectIngested(ReadTree(Card()), Disk());
 }
 
-// Links to folders above them add no files to the listing and are not reported.
+// A link to an ancestor folder adds no files to the listing and is not reported.
 TEST_F(IngestListing, LinksThatLeadBack_AreNoTrouble)
 {
     mFolder.MakeFolder("card/d/e");

@@ -64,7 +64,7 @@ int FailToChangeMode(int, unsigned)
 
 } // namespace
 
-// The owner can always read a copy; a copy gets no rights of its new owner.
+// The owner can always read a copied file and list a copied folder. Set-ID and sticky bits are not copied.
 TEST_F(IngestPermissionsOnLinux, OfFilesAndFolders_AreTheNineBits)
 {
     struct Row
@@ -96,7 +96,7 @@ TEST_F(IngestPermissionsOnLinux, OfFilesAndFolders_AreTheNineBits)
     }
 }
 
-// An ordinary user cannot write to the folders once they are read-only, so they become so after their last file.
+// An ordinary user cannot write to a read-only folder, so a folder is made read-only after its last file.
 TEST_F(IngestPermissionsOnLinux, OfReadOnlyFolders_AreKeptForAnOrdinaryUser)
 {
     mFolder.MakeFolder("card/outer/inner");
@@ -141,7 +141,7 @@ TEST_F(IngestPermissionsOnLinux, ThatCannotBeSet_AreReportedAndTheNextRunComplet
     ExpectIngested(mCard, Disk());
 }
 
-// Another program exchanges the copy for a link to a file of its own.
+// Another program replaces the copy with a link to its own file.
 TEST_F(IngestPermissionsOnLinux, OfALinkInPlaceOfTheCopy_AreNotSet)
 {
     ASSERT_EQ(0, ::chmod((Card() / "a").c_str(), 0777));

@@ -1,4 +1,4 @@
-// Tests --keep-permissions with the one permission that both platforms have.
+// Tests --keep-permissions with the only permission common to both platforms: whether a file is read-only.
 #include "IngestTestSupport.h"
 
 #include <ProcessRunner.h>

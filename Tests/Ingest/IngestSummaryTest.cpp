@@ -1,4 +1,4 @@
-// Tests which copy of a WAV file the table reads for its length.
+// Tests from which copy of a WAV file the summary table gets the file's length.
 #include "IngestDestinationsSupport.h"
 
 #include <IngestSummary.h>
@@ -49,7 +49,7 @@ constexpr char kAnyLength[] = ":";
 
 } // namespace
 
-// A destination may be dead: whatever it has must not matter while the source is there.
+// While the source is available, it is read, because a destination's disk may have stopped responding.
 TEST_F(IngestSummaryOf, TwoDestinations_ReadsTheSource)
 {
     std::vector<IngestDestination> destinations = RunTo(2);

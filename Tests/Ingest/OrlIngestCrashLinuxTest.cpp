@@ -42,7 +42,7 @@ protected:
         fs::remove_all(Disk());
         mFolder.MakeFolder("disk/d");
         WriteFile(Disk() / "d/clip", kOld);
-        // Clips of the same size and time count as the same, and both may have been written within one clock tick.
+        // Makes the times differ: clips of the same size and time count as the same, and both were written just now.
         fs::last_write_time(Disk() / "d/clip",
                             fs::last_write_time(mFolder.Host() / "card/d/clip") - std::chrono::hours(24));
         WriteFile(Disk() / "kept", kOld);

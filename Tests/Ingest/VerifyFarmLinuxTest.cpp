@@ -24,7 +24,7 @@ protected:
         return (Results() / ("part-" + std::to_string(inNumber) + ".json")).string();
     }
 
-    /// Returns the exit code of one job. inBefore is shell text that stands before the command.
+    /// Returns the exit code of one job. inBefore is shell code that precedes the command.
     int RunJob(int inNumber, int inCount, const std::string& inBefore = std::string()) const
     {
         const std::string variables = "SLURM_ARRAY_TASK_ID=" + std::to_string(inNumber) + " SLURM_ARRAY_TASK_MIN=1"
@@ -60,7 +60,7 @@ protected:
 
 TEST_F(VerifyFarmOnLinux, TheScript_VerifiesAFolder)
 {
-    for (int number = 3; number >= 1; --number) { // in any order
+    for (int number = 3; number >= 1; --number) { // descending, because any order must work
         EXPECT_EQ(0, RunJob(number, 3));
     }
     EXPECT_EQ(3u, FilesInResults());

@@ -1,4 +1,4 @@
-// Tests files and folders that are removed or replaced during the verification. On Windows an open file stays in place.
+// Tests files and folders that are removed or replaced during the verification. On Windows open files prevent this.
 #include "VerifySupport.h"
 
 #include <filesystem>

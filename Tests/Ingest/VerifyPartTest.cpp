@@ -63,7 +63,7 @@ void ExpectBalanced(const std::vector<PartItem>& inItems, const std::vector<std:
 class OrlVerifyPart : public VerifiedTree
 {
 protected:
-    /// Verifies part K of N with --json and keeps the output. Returns the name of the file with it.
+    /// Verifies part inNumber of inCount with --json, writes the output to a file, and returns the file's name.
     std::string Part(std::size_t inNumber, std::size_t inCount, const std::vector<std::string>& inOptions = {}) const
     {
         const std::string part = std::to_string(inNumber) + "/" + std::to_string(inCount);
@@ -222,7 +222,7 @@ TEST_F(OrlVerifyPart, PartsOfOtherListsFoldersAndSizes_AreRefused)
     ExpectEnd(Merge(files), 0, {});
 }
 
-// As after a kill, a full disk or an edit.
+// Tests results that were truncated or changed by a kill, a full disk or an edit.
 TEST_F(OrlVerifyPart, ResultsThatAreIncomplete_AreRefused)
 {
     const std::vector<std::string> files = Parts(2);

@@ -1,4 +1,4 @@
-// Tests the length in a WAV header, for formats that count samples and for formats that count blocks.
+// Tests reading the length from a WAV header, for formats that count samples and for formats that count blocks.
 #include "IngestTestSupport.h"
 
 #include <WavHeader.h>
@@ -31,8 +31,8 @@ std::string Format(unsigned inTag, unsigned inRate, unsigned inBytesPerBlock, co
                              + Number(inBytesPerBlock, 2) + Number(4, 2) + inMore);
 }
 
-// Returns the bytes after the 16 bytes common to all formats: the extension size 22, valid bits, speakers, the
-// identifier.
+// Returns the bytes after the 16 bytes common to all formats: the extension size 22, the valid bits, the channel mask
+// and the identifier of the format.
 std::string Extensible(const std::string& inIdentifier)
 {
     return Number(22, 2) + Number(16, 2) + Number(3, 4) + inIdentifier;

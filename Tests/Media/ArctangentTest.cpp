@@ -1,4 +1,4 @@
-// Compares the library's own arctangent of a vector with the C runtime's long double function.
+// Compares Arctangent2 with std::atan2 in long double.
 #include <Media/Arctangent.h>
 
 #include <cmath>

@@ -295,7 +295,7 @@ TEST(PointToLineSegmentDistance2D, BeyondAnEnd_IsMeasuredToThatEnd)
     EXPECT_EQ(0, Distance({6, 0}, {0, 0}, {10, 0}));
 }
 
-// Compares with the same steps in 64-bit integers and double, over segments whose sums fit.
+// Compares distances with the exact ones, computed in double, for segments whose sums fit in 32 bits.
 TEST(PointToLineSegmentDistance2D, RandomSegments_AreWithinACellOfTheTrueDistance)
 {
     std::mt19937 random(12);

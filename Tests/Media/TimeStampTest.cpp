@@ -1,4 +1,4 @@
-// Tests time stamps at moments that the test chooses.
+// Tests TimeStamp at times that the test chooses.
 #include <ORLTimeStamp.h>
 
 #include <climits>

@@ -1,5 +1,5 @@
-// A query for an interface that lacks its own identifier, selected by number. The object would be taken for what it is
-// not.
+// Queries for interfaces that lack their own identifier, selected by number. Such a query could return an object that
+// does not implement the interface.
 //
 // Expected: a queried interface declares a kInterfaceID of its own
 #include <ORLInterface.h>

@@ -1,4 +1,4 @@
-// A constant identifier with a malformed text, selected by number.
+// Malformed constant _guid literals, selected by number.
 //
 // Expected: constant expression
 #include <tvxcore/Guid.h>

@@ -1,5 +1,5 @@
-// Comparisons of two texts that would each be copied and hashed in a temporary ConstString, selected by number. Without
-// a number this file compiles.
+// Comparisons of two strings that would each be copied to and hashed in a temporary ConstString, selected by number.
+// Without a number this file compiles.
 //
 // Expected: operand
 #include <ORLConstString.h>

@@ -24,7 +24,7 @@ struct Base
 
 int Base::sLiving = 0;
 
-/// A second base class, so that the address of a Derived as a Base is not its own.
+/// A second base class, so that a Derived and its Base subobject have different addresses.
 struct Other
 {
     virtual ~Other() = default;
@@ -67,7 +67,7 @@ private:
 
 int Square::sLiving = 0;
 
-/// Answers only for its interface and inherits its identifier.
+/// Can be queried only for its interface, and inherits the identifier of that interface.
 class Anonymous : public UnknownImpl<IShape, IShape>
 {
 public:

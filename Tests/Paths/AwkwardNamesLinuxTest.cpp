@@ -92,7 +92,7 @@ TEST(AwkwardNames, APathOf4000Characters_IsReached)
     EXPECT_EQ(path, GetDisplayStringFromPath(ToNormalizedPath(path)));
 }
 
-// Names are matched by the rules of the volume.
+// The file system decides whether names are case-sensitive; the usual ones on Linux are.
 TEST(AwkwardNames, TheCaseOfAName_Counts)
 {
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Tests the splitting of paths, the checks of file names, and the trailing separator.
+// Tests the PathUtils functions that split paths, check file names, and handle a trailing backslash.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

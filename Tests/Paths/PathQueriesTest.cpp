@@ -1,4 +1,4 @@
-// Tests file system queries about a path.
+// Tests the PathUtils functions that query the file system.
 #include <ORLPathUtils.h>
 
 #include <CheckRecorder.h>

@@ -1,4 +1,4 @@
-// Tests that the checks in code page conversions are reported as published.
+// Tests the published identity of the checks in code page conversions.
 #include "PublishedSites.h"
 
 #include <System/CodePageConversion.h>

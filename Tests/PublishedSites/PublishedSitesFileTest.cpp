@@ -1,4 +1,4 @@
-// Tests that the checks of File are reported as published. Their line numbers are not published.
+// Tests the published identity of the checks in File, which includes no line numbers.
 #include "PublishedSites.h"
 
 #include <BlockCacheSupport.h>

@@ -1,4 +1,4 @@
-// Tests that the checks of paths and asynchronous reads are reported as published. Their lines are not published.
+// Tests the published identity, without line numbers, of the checks in path functions and asynchronous reads.
 #include "PublishedSites.h"
 
 #include <Files/AsyncFileReaderImpl.h>
@@ -41,7 +41,7 @@ void StartTwice()
     StartupAsyncFileOperations();
 }
 
-// Starts although a thread queue remains from an earlier start.
+// Starts asynchronous reads although a thread queue remains from an earlier start.
 void StartBesideAQueueThatWasLeft()
 {
     struct Queue

@@ -1,5 +1,5 @@
-// Tests that the checks of geometry are reported as published. The hash's check "len < 12" cannot fail: the loop before
-// it leaves fewer bytes.
+// Tests the published identity of the checks in geometry functions. The hash's check "len < 12" cannot fail: the loop
+// before it leaves fewer bytes.
 #include "PublishedSites.h"
 
 #include <ORLGeometry.h>

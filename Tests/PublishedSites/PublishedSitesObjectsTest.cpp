@@ -1,4 +1,4 @@
-// Tests that the checks of the class factory, large buffers and names are reported as published.
+// Tests the published identity of the checks in the class factory, large buffers and names.
 #include "PublishedSites.h"
 
 #include <ORLClassFactory.h>

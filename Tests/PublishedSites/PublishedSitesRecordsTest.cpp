@@ -1,4 +1,4 @@
-// Tests that the checks of thread records and flushes are reported as published. Their lines are not published.
+// Tests the published identity, without line numbers, of the checks in thread records and flushes.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

@@ -1,4 +1,4 @@
-// Tests that the checks of registry keys are reported as published.
+// Tests the published identity of the checks in registry keys.
 #include "PublishedSites.h"
 
 #include <ORLRegistryKey.h>

@@ -1,4 +1,4 @@
-// Tests that the checks of symbolic directories and the application object are reported as published.
+// Tests the published identity of the checks in symbolic directories and the application object.
 #include "PublishedSites.h"
 
 #include <ORLApplication.h>

@@ -1,4 +1,4 @@
-// Tests that the checks in the folders Core and Objects are reported as published.
+// Tests the published identity of the checks in the folders Core and Objects.
 #include "PublishedSites.h"
 #include <ExpectReport.h>
 

@@ -1,4 +1,4 @@
-// Tests that the checks in the folder Threads are reported as published. Their line numbers are not published.
+// Tests the published identity, without line numbers, of the checks in the folder Threads.
 #include "PublishedSites.h"
 #include <WaitableWithoutHandle.h>
 

@@ -1,4 +1,4 @@
-// Tests the registry text format: the accepted forms, the reported invalid lines, and the written text.
+// Tests reading and writing the registry text format: accepted forms, errors in invalid lines, and the output.
 #include "../../Fuzz/RegFileFuzzTarget.h"
 
 #include <Reg/RegFile.h>
@@ -27,7 +27,7 @@ std::string InKey(const std::string& inLines)
     return kHeader + std::string("\r\n[HKEY_CURRENT_USER\\Software\\A]\r\n") + inLines;
 }
 
-// Returns the changes of a file with one key, without the creation of the key.
+// Returns the edits of a file with one key, except the one that creates the key.
 std::vector<RegistryEdit> EditsInKey(const std::string& inLines)
 {
     std::vector<RegistryEdit> edits = ReadRegFile(InKey(inLines));
@@ -384,7 +384,7 @@ TEST(RegFileFuzzReplay, EveryInputOfTheCorpus_Holds)
     EXPECT_GE(count, 38u) << "the corpus is there";
 }
 
-// Every file is cut at every byte, and read with every byte changed.
+// Reads each file truncated at each byte, and with each byte changed.
 TEST(RegFileFuzzReplay, CutAndChangedFiles_Hold)
 {
     const std::string file = EncodeRegFile(

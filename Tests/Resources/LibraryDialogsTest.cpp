@@ -83,8 +83,8 @@ TEST_F(LibraryDialogs, OfErrors_SayTheSameInFiveLanguages)
     }
 }
 
-// An icon file holds the same pictures. The directory of a file contains the offsets of the pictures; that of a
-// resource contains their numbers.
+// The icon file and the icon resource hold the same pictures. The directory of the file contains the offsets of the
+// pictures; that of the resource contains their numbers.
 TEST_F(LibraryDialogs, TheirIcon_HasThePicturesOfItsFileInFiveLanguages)
 {
     std::ifstream stream(std::filesystem::u8path(ORL_LIBRARY_ICON), std::ios::binary);

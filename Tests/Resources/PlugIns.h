@@ -1,4 +1,4 @@
-// The modules with resources that are built for the tests.
+// Helpers for the tests that load the plug-ins with resources.
 #pragma once
 
 #include <ProcessRunner.h>

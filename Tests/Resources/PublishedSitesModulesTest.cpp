@@ -1,5 +1,5 @@
-// Tests that the checks of modules and string tables are reported as published. The check "length > 0" of StringUtils,
-// line 449, cannot fail, because a string of length 0 counts as missing.
+// Tests the published identity of the checks in modules and string tables. The check "length > 0" in line 449 of
+// StringUtils cannot fail, because a string of length 0 counts as missing.
 #include "../PublishedSites/PublishedSites.h"
 #include "PlugIns.h"
 #include <ExpectReport.h>

@@ -179,8 +179,8 @@ TEST(ResourceReaders, DirectoryThatLeadsToItself_Ends)
     EXPECT_TRUE(index.Entries().empty());
 }
 
-// Each of many entries refers to the same table of many entries. Without a limit the walk would take the cube of the
-// number of entries in steps.
+// Each of many entries refers to the same table of many entries. Without a limit the number of steps would
+// grow with the cube of the number of entries.
 TEST(ResourceReaders, WideDirectoriesThatShareOneTable_EndInTime)
 {
     constexpr std::uint16_t kCount = 60000;

@@ -174,7 +174,7 @@ TEST(StringResources, CutBlock_IsReportedAndGivesNothing)
     for (int cut = 1; cut < static_cast<int>(2 * whole.size()); ++cut) {
         for (const unsigned int id : {0u, 1u, 2u, 15u}) {
             Tables tables;
-            // Parses a block in memory of exactly its size, so that a sanitizer detects an access outside it.
+            // The block is in memory of exactly its size, so that a sanitizer detects an access outside it.
             tables.mLocalized[1] = Block(whole.begin(), whole.end() - (cut + 1) / 2 + cut % 2);
             tables.mBytesCut = cut % 2;
             tables.mEnglish[1] = MakeBlock({{1, u"one"}});

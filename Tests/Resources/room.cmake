@@ -39,7 +39,7 @@ add_dependencies(${room_target} library_module_host)
 if(WIN32)
   target_compile_definitions(${room_target} PRIVATE ORL_NO_LINUX_MODULE)
 else()
-  # Compares the results with those of other programs for the same module.
+  # Compares what orl finds in a module with what pefile and wrestool find.
   find_program(ORL_WRESTOOL wrestool REQUIRED)
   find_program(ORL_SYSTEM_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED) # the interpreter with pefile
   add_test(NAME Resources.Oracles.PefileAndWrestoolFindTheSame
@@ -48,7 +48,7 @@ else()
   set_tests_properties(Resources.Oracles.PefileAndWrestoolFindTheSame PROPERTIES TIMEOUT ${ORL_TEST_TIMEOUT})
 endif()
 
-# The library's own resources are in its shared library.
+# The tests read the library's own resources from its shared library.
 target_compile_definitions(${room_target} PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\""
   ORL_LIBRARY_ICON="${PROJECT_SOURCE_DIR}/Res/ORLFoundation.ico")
 add_dependencies(${room_target} ORLFoundation)

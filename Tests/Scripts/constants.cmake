@@ -1,4 +1,4 @@
-# The constants must be symbols of the shared library, not only values in a header.
+# Checks that the shared library exports the constants, not only that a header declares them.
 if(WIN32)
   set(symbols_tool -DTOOL=${CMAKE_OBJDUMP} -DOPTIONS=-p)
 else()

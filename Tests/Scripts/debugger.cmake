@@ -1,4 +1,4 @@
-# The debugger visualisers. gdb itself checks its printers; the Windows file is only compared with the headers.
+# Tests the debugger visualisers: the printers run in gdb, the natvis file is only compared with the headers.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   find_program(ORL_GDB gdb REQUIRED)
@@ -15,7 +15,7 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   set_tests_properties(Debugger.GdbPrinters.ShowWhatTheLibraryMeans Debugger.Natvis.NamesWhatTheHeadersDeclare
     PROPERTIES TIMEOUT 120)
 
-  # The session of Docs/debugging.md.
+  # Runs the debugging session that Docs/debugging.md shows.
   add_library(mask_plug_in MODULE Debugger/Session/mask_plug_in.cpp)
   add_executable(session_host Debugger/Session/session_host.cpp)
   target_link_libraries(session_host PRIVATE ${CMAKE_DL_LIBS})

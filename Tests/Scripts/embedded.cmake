@@ -1,5 +1,5 @@
 # Builds the library as part of another project: beside it, and inside its build folder, where FetchContent puts it. In
-# both cases reports name sources relative to the library, and the library changes nothing in the project.
+# both cases reports must name sources relative to the library's folder, and the project must be unchanged otherwise.
 if(NOT ORL_SANITIZE)
   foreach(case Beside Fetched)
     set(name Package.InsideAnotherProject_${case}_ChecksNameTheSameSourcesAndNothingElseChanges)

@@ -33,7 +33,7 @@ HOUSE = {
     "Tests/Files/room.cmake": "orl_test_folder(Disks)\nadd_executable(borders Files/Borders/BordersTest.cpp)\n",
 }
 
-# A file, its new text, and the message that the script must print for it.
+# A file, its new contents, and the message that the script must print for it.
 FAULTS = [
     ("Src/Memory/Pages.cpp", "#include <ORLFile.h>\n", "floor Memory includes ORLFile.h of floor Files"),
     ("API/Inc/ORLLock.h", "// Floor: Core\n#include <ORLFile.h>\n", "floor Core includes ORLFile.h of floor Files"),

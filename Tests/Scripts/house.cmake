@@ -1,4 +1,4 @@
-# Project rules that a script can check, and each public header compiled alone.
+# Checks the project rules that a script can check, and compiles each public header alone.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
   add_test(NAME House.IncludesRunDownwards COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_floors.py")

@@ -1,5 +1,5 @@
-# The package configuration in its Windows form: it brings Boost.Thread and uses the host's Boost headers. The test uses
-# a copy with placeholder targets, so that it needs no Windows build.
+# Tests the Windows form of the package configuration, which includes Boost.Thread and uses the host's Boost headers.
+# The test uses a copy with placeholder targets, so that it needs no Windows build.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(case Hinted Missing OfAnotherVersion)
     set(name "Package.BoostHeaders${case}")

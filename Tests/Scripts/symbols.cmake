@@ -1,4 +1,4 @@
-# Each library must export only what its public headers declare, and have the name of its ABI.
+# Checks that each library exports no private symbols, and that its soname contains the ABI number.
 if(NOT WIN32 AND NOT ORL_SANITIZE)
   foreach(library tvxmediatypes tvxcore CRV ORLFoundation)
     add_test(NAME Package.${library}.ExportsNothingPrivate
@@ -37,7 +37,7 @@ if(NOT WIN32 AND NOT ORL_SANITIZE)
   endforeach()
 endif()
 
-# Compares the ABI with the stored one. Other compilers and builds without debug information describe it differently.
+# Compares the ABI with the stored one. GCC with debug information only: other builds describe the ABI differently.
 if(NOT WIN32 AND NOT ORL_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
   add_test(NAME Package.AbiIsTheStoredOne COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/Scripts/check_abi.py"
     "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")

@@ -1,4 +1,4 @@
-// Compares calls on keys with recorded results of Windows. Calls the platform functions on both platforms.
+// Compares the results of registry key calls with those recorded on Windows. Calls the platform functions.
 #include "RegistryStage.h"
 
 using namespace ORLTest;
@@ -220,8 +220,8 @@ const std::vector<RegistrySituation> kDeleting = {
                     s.Delete(u"gone"); return Number(CloseKey_Impl(key)); }},
     {"rd25", "close it twice", {"6"}, &CloseTwice},
     {"rd26", "close a null handle", {"6"}, [](Stage&) { return Number(CloseKey_Impl(nullptr)); }},
-    // rm01, the rights of an ordinary user on the machine's keys, is in RegistryHomesLinuxTest: Wine permits
-    // everything.
+    // Row rm01 (an ordinary user's rights to the machine's keys) is in RegistryHomesLinuxTest, because Wine
+    // permits everything.
     {"rm02", "the machine's software for reading", {"0"},
      [](Stage&) { return Stage::OpenIn(GetMachineRoot_Impl(), Units(u"Software").c_str(), Stage::kReading); }},
     {"rm03", "the user's root itself", {"0"}, [](Stage&) { return Stage::OpenIn(GetUserRoot_Impl(), kNothing); }},

@@ -1,4 +1,4 @@
-// Compares calls on values with recorded results of Windows. Calls the platform functions on both platforms.
+// Compares the results of registry value calls with those recorded on Windows. Calls the platform functions.
 #include "RegistryStage.h"
 
 #include <cstring>

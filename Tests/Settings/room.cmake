@@ -12,7 +12,7 @@ target_link_libraries(registry_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} registry_host)
 
 if(NOT WIN32)
-  # Tests create databases, and make database calls fail.
+  # The tests call SQLite directly: they create databases and make its calls fail.
   target_link_libraries(${room_target} PRIVATE ${ORL_SQLITE})
 
   # A module that brings a second copy of the library into the test process; and orl, which tests kill.

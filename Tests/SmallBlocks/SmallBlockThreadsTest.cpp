@@ -75,7 +75,7 @@ private:
     std::vector<CheckedBlock> mBlocks;
 };
 
-// Allocates at random, frees own and received blocks, and passes some on.
+// Allocates blocks of random sizes, frees own and received blocks, and passes some on.
 int ExchangeBlocks(BlockExchange& ioExchange, unsigned inSeed, int inSteps)
 {
     std::mt19937 random(inSeed);
@@ -160,7 +160,7 @@ namespace {
 
 std::atomic<int> sServedAtThreadEnd{0};
 
-// Allocates and frees when thread-local objects are destroyed, before or after the allocator's own thread-exit
+// Allocates and frees a block when thread-local objects are destroyed, before or after the allocator's own thread-exit
 // handler.
 struct LateUser
 {

@@ -54,7 +54,7 @@ bool IsMapped(const char* inName)
 }
 
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-// The sanitizers keep shadow memory for each library that was loaded.
+// Not steady, because the sanitizers keep shadow memory for each library that was loaded.
 constexpr bool kIsOthersMemorySteady = false;
 #else
 constexpr bool kIsOthersMemorySteady = true;

@@ -417,7 +417,7 @@ TEST(StdConstString, LastRelease_GivesTheRecordBackWithItsSize)
 
 TEST(StdConstString, EqualHashesAboveSevenBits_CompareAsUnsigned)
 {
-    // 0x7F * 5 + 0x85 equals 0x80 * 5 + 0x80.
+    // The two hashes are equal: 0x7F * 5 + 0x85 is 0x80 * 5 + 0x80.
     EXPECT_TRUE(StdConstString("\x7F\x85") < StdConstString("\x80\x80"));
     EXPECT_FALSE(StdConstString("\x80\x80") < StdConstString("\x7F\x85"));
 }

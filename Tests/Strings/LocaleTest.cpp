@@ -13,7 +13,7 @@ using namespace ORL;
 
 namespace {
 
-// A locale with the given decimal point and separator, in groups of three.
+// Number punctuation with the given decimal point, and the given separator between groups of three digits.
 class Written : public std::numpunct<wchar_t>
 {
 public:
@@ -72,7 +72,7 @@ TEST(GetValueFromDisplayString, LocaleWithADecimalComma_ReadsBothConventions)
         {__LINE__, "1.234.5", 1234},
         {__LINE__, "1.2345", 1.2345},
         {__LINE__, "12.5 kg", 12.5},
-        // the localised or the classic reading is 0, so the classic one wins: a known limitation
+        // if the localised or the classic reading is 0, the classic one is used: a known limitation
         {__LINE__, ",5", 0},
         {__LINE__, "-,5", 0},
         {__LINE__, "0,5", 0},

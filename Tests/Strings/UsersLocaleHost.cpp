@@ -17,7 +17,7 @@ extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppression
 int main()
 {
     ORL::Foundation::Initialize();
-    bool readsBack = true; // numbers below 1 with a decimal comma read as 0, as documented
+    bool readsBack = true; // no numbers below 1: with a decimal comma they read as 0, as documented
     for (const double number : {1234.5, -1234567.25, 999.0, 1000.0, 12345678.0}) {
         const UTF16String shown = tvxcore::utility::NumberToString(number, 1, 2, {}, 31);
         readsBack = readsBack && ORL::Locale::GetValueFromDisplayString(shown) == number;

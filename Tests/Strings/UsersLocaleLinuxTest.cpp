@@ -1,4 +1,4 @@
-// Tests the user's locale of a whole process: displayed numbers parse back, whether or not the C library has the
+// Tests a process in its user's locale: displayed numbers can be parsed back, whether or not the C library has the
 // locale.
 #include <ProcessRunner.h>
 #include <ScopedEnvironmentVariableLinux.h>
@@ -52,7 +52,7 @@ TEST(UsersLocale, ThatOnlyTheCLibraryKnows_ShowsAndReadsInItsStyle)
     }
     folder.MakeFile("map", map + "END CHARMAP\n");
     folder.MakeFile("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 2;2\nEND LC_NUMERIC\n");
-    // localedef warns about missing categories and then exits with an error code, although it made the locale.
+    // The exit code is ignored: localedef warns about missing categories and fails, although it made the locale.
     static_cast<void>(std::system(
         ("cd '" + folder.Host().string() + "' && localedef -c -i source -f ./map ./own_made 2>/dev/null").c_str()));
     const ScopedEnvironmentVariable path("LOCPATH", folder.Host().c_str());

@@ -202,7 +202,7 @@ TEST_F(CodePages, HostOfTheSystemsPage_UsesItWhateverTheLanguage)
     CRV::SetApplicationType(CRV::kApplicationType_SystemCodePage);
     EXPECT_EQ(Decoded(0, "\x93\xFA"), Show(StringUtils::CodePageMultiByteToUnicode16("\x93\xFA")));
     EXPECT_EQ(Encoded(0, u"\u65e5"), StringUtils::Unicode16ToCodePageMultiByte(Units(u"\u65e5")));
-    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // ToUnicode, ToMultiByte: by the language
+    EXPECT_EQ("<65e5>", Show(StringUtils::ToUnicode("\x93\xFA"))); // ToUnicode and ToMultiByte use the language
     EXPECT_EQ("\x93\xFA", StringUtils::ToMultiByte(Units(u"\u65e5")));
 }
 
@@ -285,7 +285,7 @@ TEST_F(CodePages, MixedText_IsItsUnitsOneByOne)
     }
 }
 
-// Sizes in Windows are 32-bit, so the functions fail without reading the string.
+// Sizes in Windows are 32-bit, so the functions fail for longer strings without reading them.
 TEST_F(CodePages, TextBeyondTheSystemsSizes_CannotBeMeasuredOrConverted)
 {
     const std::size_t count = static_cast<std::size_t>(INT_MAX) + 1;

@@ -225,7 +225,7 @@ TEST(DirectoryRegistry, ChainOfReferences_HasALimit)
     EXPECT_EQ(1u, recorder.Reports(CheckReport::kAssert).size());
 }
 
-// Compares with a second implementation of the grammar, a state machine that reads unit by unit.
+// Compares expansions with those of a second implementation of the grammar, a state machine that reads unit by unit.
 TEST(DirectoryRegistry, RandomPatterns_AgreeWithASecondReading)
 {
     const auto expandUnitByUnit = [](const std::string& inPattern) {

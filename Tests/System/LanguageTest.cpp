@@ -1,4 +1,4 @@
-// Tests the language of the process.
+// Tests the language of the process: GetLanguageID, SetLanguageID, and the value stored in the registry.
 #include <PrivateHost.h>
 #include <TextHelpers.h>
 
@@ -234,7 +234,7 @@ TEST_F(Language, MissingValue_IsNotTracedWhereTheCategoryIsOff)
     EXPECT_TRUE(sTraced.empty());
 }
 
-// The first read of the language holds its lock while it acquires the lock of the registry keys.
+// The first reader of the language acquires the lock of the registry keys while it holds its own.
 TEST_F(Language, EightFirstReadersBesideTheKeys_FetchOnceAndEnd)
 {
     Store("ja_JP");

@@ -43,7 +43,7 @@ TEST(SystemInfo, AvailableMemory_IsAtLeastTheFreeMemoryOfAnotherCall)
     const unsigned long long total = static_cast<unsigned long long>(info.totalram) * info.mem_unit;
     const unsigned __int64 available = SystemInfo::GetAvailablePhysicalMemory();
     EXPECT_LE(available, total);
-    // Free memory counts as available except for the kernel's reserve, and changes while other processes run.
+    // Allows a quarter for the kernel's reserve, which is free but not available, and for other processes.
     const unsigned long long free = static_cast<unsigned long long>(info.freeram) * info.mem_unit;
     EXPECT_GT(available + total / 4, free);
 }

@@ -1,5 +1,5 @@
-// Tests the number formats of locales, by the locale names that Linux users set. Compares them with ICU's, whose data
-// comes from the same consortium.
+// Tests the number formats of locales, by the locale names that Linux users set, and compares them with those of ICU,
+// from whose data the library's table was generated.
 #include <tvxcore/Number.h>
 #include <tvxcore/NumberPunctuation.h>
 
@@ -114,7 +114,7 @@ TEST(FindNumberPunctuation, EachLocaleOfIcu_IsTheSame)
     int compared = 0;
     for (std::int32_t i = 0; i < ::uloc_countAvailable(); ++i) {
         const std::string name = ::uloc_getAvailable(i);
-        // The system has no locales for areas of the world or second scripts.
+        // Skipped below: the OS has no locales for world regions or second scripts.
         const bool hasSecondScript =
             name.size() > 6 && name.find('_') != std::string::npos && name[name.find('_') + 3] != '\0';
         if (hasSecondScript || name.find_first_of("0123456789") != std::string::npos || name == "en_US_POSIX") {

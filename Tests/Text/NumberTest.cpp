@@ -96,7 +96,7 @@ TEST(NumberToString, ExactlyTheWantedFractionDigits_AreShown)
         {__LINE__, 99.999, 2, "100.00"},
         {__LINE__, 2.5, 0, "2"},
         {__LINE__, 3.5, 0, "4"},
-        // exact halves, as a double holds them, round to even
+        // ties that a double represents exactly round to even
         {__LINE__, 1.25, 1, "1.2"},
         {__LINE__, 1.35, 1, "1.4"},
         {__LINE__, -1.25, 1, "-1.2"},

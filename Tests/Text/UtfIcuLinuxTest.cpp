@@ -1,4 +1,4 @@
-// Compares conversion and case folding with ICU, an independent implementation of the same standard.
+// Compares UTF conversion and case folding with ICU, an independent implementation of the Unicode standard.
 #include <tvxcore/Text.h>
 
 #include <TextHelpers.h>
@@ -126,7 +126,7 @@ TEST(FoldCase, EveryCodePointOfUnicode15_FoldsAsICUDoes)
     for (UChar32 point = 0; point <= 0x10FFFF; ++point) {
         UVersionInfo age;
         u_charAge(point, age);
-        // A newer ICU has letters that our table lacks.
+        // Skips later code points: a newer ICU has letters that our table lacks.
         if (age[0] <= 15) {
             ASSERT_EQ(IcuFold(UnitsOf(point)), FoldCase(UnitsOf(point))) << point;
         }

@@ -1,4 +1,4 @@
-// Compares the conversion with a second implementation, on both platforms.
+// Compares the UTF conversions with a second implementation, on both platforms.
 #include <tvxcore/Text.h>
 
 #include <UtfCheck.h>

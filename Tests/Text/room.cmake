@@ -1,4 +1,4 @@
-# ICU is the reference for conversion and folding.
+# ICU is the reference for UTF conversion and case folding.
 if(NOT WIN32)
   target_link_libraries(${room_target} PRIVATE ${ORL_ICU})
 endif()

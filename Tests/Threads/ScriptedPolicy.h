@@ -24,7 +24,7 @@ struct Script
     std::deque<SleepAction> mSleeps;                // one for each expected sleep; a further sleep throws
     std::function<void()> mAtLock = [] {};          // called before each lock of a mutex
     std::function<void()> mAtPause = [] {};         // called at each turn of a spin
-    std::function<void(int)> mAtSleep = [](int) {}; // called at each plain sleep
+    std::function<void(int)> mAtSleep = [](int) {}; // called by SleepMilliseconds
     int mSpinTurns = 0;
 
     long mNow = 0;            // milliseconds

@@ -1,4 +1,4 @@
-// A debugger learns a thread's name from a special exception. The test debugs a child process.
+// Tests that a debugger receives a thread's name in a special exception. The test debugs a child process.
 #include <DebuggedProcessWin.h>
 
 #include <gtest/gtest.h>

@@ -54,7 +54,7 @@ FlushRef FlushOf(const QueueRef& inQueue)
     return flush;
 }
 
-// An idle object can flush again at once. If gates or a count had been left over, the second flush would hang.
+// Expects that inFlush can flush again. The flush would hang if an earlier one had left its gates or count changed.
 void ExpectIdle(const FlushRef& inFlush, const QueueRef& inQueue)
 {
     inFlush->Init(inQueue);

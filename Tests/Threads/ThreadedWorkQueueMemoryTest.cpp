@@ -72,7 +72,7 @@ TEST(ThreadedWorkQueueMemory, RequestThatFindsNoMemory_ThrowsAndIsLetGoAndTheNex
     EXPECT_EQ(0, living);
 }
 
-// Each allocation of Initialize fails once. The queue must be unchanged after the failure, and the next Initialize must
+// Fails each allocation of Initialize once. The queue must be unchanged after the failure, and the next Initialize must
 // succeed.
 TEST(ThreadedWorkQueueMemory, InitializeThatFindsNoMemory_ThrowsAndMayBeTriedAgain)
 {

@@ -68,7 +68,7 @@ protected:
 
     std::string Host(const std::string& inName) const { return (mFolder.Host() / inName).string(); }
 
-    // Both take a command line whose last word is completed, and return the choices.
+    // InBash and InFish complete the last word of a command line and return the choices.
     Words InBash(const std::string& inLine) const
     {
         const bool isNewWord = inLine.back() == ' ';

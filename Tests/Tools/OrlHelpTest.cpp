@@ -223,7 +223,7 @@ TEST(OrlHelp, Parser_KnowsEveryOptionOfTheTableAndNoOther)
     }
 }
 
-// Each set of words is tried at one of its options.
+// Several options may accept the same set of words; only one of them is tried.
 TEST(OrlHelp, Parser_AcceptsEveryWordOfTheTableAndNoOther)
 {
     std::set<std::string> tried;
@@ -270,7 +270,7 @@ TEST(OrlHelp, ExitCodes_AreThoseOfEachCommand)
     }
 }
 
-// What prints a table also prints JSON, or nothing.
+// A command that prints a table can also print JSON, or with --quiet nothing.
 TEST(OrlHelp, EachCommandThatPrintsATable_HasJsonAndQuiet)
 {
     std::vector<std::string> withJson;

@@ -1,4 +1,4 @@
-// Sends the signals that stop a program to commands of orl, before system calls from their first to their last.
+// Sends orl commands the signals that stop a program, before system calls throughout each run.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>

@@ -180,7 +180,7 @@ TEST_F(OrlTerminal, Stream_ShowsAProgressLineAndTakesItBackBeforeTheTable)
     EXPECT_EQ(0u, screen.find("\r100 %  clip.mov\r" + std::string(15, ' ') + "\rfile ")) << screen;
 }
 
-// Shows a patch of the colour above its forms if the terminal supports colours.
+// orl colour shows a patch of the colour above its forms if the terminal supports colours.
 TEST_F(OrlTerminal, Colour_ShowsAPatchWhereTheTerminalShowsColours)
 {
     const char* const term = std::getenv("TERM");

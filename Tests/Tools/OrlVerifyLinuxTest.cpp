@@ -73,7 +73,7 @@ TEST_F(OrlVerifyOnLinux, PipesAndBrokenLinks_AreReportedAndNotWaitedFor)
                "cannot read \"a\": it is not a regular file", "cannot read \"none\": file not found"});
 }
 
-// sha256sum also follows links. A folder behind a link is searched for new files.
+// Links are followed, as by sha256sum, and a linked folder is also searched for new files.
 TEST_F(OrlVerifyOnLinux, Links_AreFollowed)
 {
     fs::rename(Disk() / "CLIP", mFolder.Host() / "CLIP");

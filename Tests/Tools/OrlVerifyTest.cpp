@@ -75,7 +75,7 @@ TEST_F(OrlVerify, EachKindOfDifference_HasALineAndTheWorstDecides)
     EXPECT_TRUE(Shows(result.mOutput, ", 1 changed, 1 missing, 1 new.")) << result.mOutput;
 }
 
-// What a system keeps at the top of a volume is no file of the list's owner.
+// Files that an OS keeps at the top of a volume are not the user's, so they are not reported as new.
 TEST_F(OrlVerify, SystemFolders_AreNotSearchedForNewFiles)
 {
     mFolder.MakeFolder("disk/.Trashes/501");

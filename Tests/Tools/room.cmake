@@ -18,13 +18,13 @@ if(TARGET run_restricted)
   add_dependencies(${room_target} run_restricted)
 endif()
 
-# The help as JSON is parsed, and the stop requests are also tested in a process of the test.
+# Some tests parse the help as JSON, and OrlStopTest compiles the code of stop requests into the test program.
 set_property(SOURCE Tools/OrlHelpTest.cpp Tools/OrlCompletionLinuxTest.cpp
   APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
 set_property(SOURCE Tools/OrlStopTest.cpp APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}/Common")
 target_sources(${room_target} PRIVATE "${orl_folder}/Common/StopRequest.cpp")
 
-# The commands shown in the documents are run and compared.
+# The tests run the commands that the documents show, and compare the output.
 target_compile_definitions(${room_target} PRIVATE ORL_DOCUMENTS="${PROJECT_SOURCE_DIR}")
 
 target_compile_definitions(${room_target} PRIVATE "ORL_PLUG_IN_SUFFIX=\"${CMAKE_SHARED_MODULE_SUFFIX}\"")

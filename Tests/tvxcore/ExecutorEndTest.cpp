@@ -1,4 +1,4 @@
-// Tests the end of an executor: by the two calls that stop it, and by the release of its last reference.
+// Tests how an executor ends: through either of the two calls that stop it, or when its last reference is released.
 #include "ExecutorSupport.h"
 
 #include <ProcessThreads.h>

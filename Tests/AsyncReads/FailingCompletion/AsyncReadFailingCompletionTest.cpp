@@ -1,4 +1,4 @@
-// Tests a host, in a child process, in which a read fails after its start; the failure ends the completion thread.
+// Tests a child process in which a read fails after its start, which ends the completion thread.
 #include "../AsyncEngines.h"
 #include "../AsyncReadSupport.h"
 

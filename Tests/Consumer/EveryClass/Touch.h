@@ -1,11 +1,11 @@
-// References functions that need only link: the code that names them never runs, but the compiler cannot know that.
+// References functions without calling them: the code that names them never runs, but the compiler cannot know that.
 #pragma once
 
 namespace Consumer {
 
 inline volatile bool sIsWanted = false;
 
-/// Returns false, but the compiler cannot know that: the guarded code is linked and never run.
+/// Returns false, but the compiler cannot know that: the guarded code is linked but never run.
 inline bool IsWanted()
 {
     return sIsWanted;

@@ -1,5 +1,5 @@
-// Tests a file that another program truncates and extends while File reads it through a block cache. On Linux only
-// users of the library respect share modes.
+// Tests a file that another program truncates and extends while File reads it through a block cache. This can happen
+// only on Linux, where programs that do not use the library ignore share modes.
 #include <BlockCacheSupport.h>
 
 #include <filesystem>

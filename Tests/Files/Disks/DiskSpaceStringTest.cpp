@@ -1,4 +1,4 @@
-// Tests the formatting of sizes as text.
+// Tests MakeDiskSpaceString, which formats a size in bytes for display.
 #include <ORLDiskUtils.h>
 
 #include <TextHelpers.h>

@@ -237,7 +237,7 @@ TEST(DiskUtils, OfAMountedDrive_AskItsFolder)
     ASSERT_EQ(kSuccess, PathUtils::Linux::MountDrive('M', folder.Host().string()));
     EXPECT_NE(0u, GetFreeSpaceFromPath(Units(uR"(M:\no\such\file)")));
     std::filesystem::remove(folder.Host());
-    // the folder mounted as the drive is deleted now
+    // the drive is still mounted, but its folder no longer exists
     unsigned __int64 size = 77;
     EXPECT_EQ(kFileNotFound, GetMaxFileSize(Units(uR"(M:\x)"), size));
     ASSERT_EQ(kSuccess, PathUtils::Linux::UnmountDrive('M'));

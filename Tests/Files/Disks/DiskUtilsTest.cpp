@@ -1,4 +1,4 @@
-// Tests the functions for the root and the limits of a path's volume.
+// Tests the DiskUtils functions that return the root, the limits and the free space of a path's volume.
 #include <ORLDiskUtils.h>
 
 #include <Files/VolumeQueries.h>

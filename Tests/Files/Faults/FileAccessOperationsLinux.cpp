@@ -87,7 +87,7 @@ Result AskForTimeAndSize(const TempFolder& inFolder)
     return ResultSucceeded(result) ? sizeResult : result;
 }
 
-// Maps errors of operations that return -1 if the system call Own fails.
+// Maps a failure of the system call Own to -1, and any other error to its result.
 template <Faults::Call Own>
 Result MapToMinusOneIf(Faults::Call inCall, SystemError inError)
 {
@@ -140,7 +140,7 @@ std::vector<FileOperation> AccessOperations()
          {kInterruptedOpen, kEveryClose, kEveryStatx},
          &MapDirectly,
          {{Faults::kPRead}}},
-        // Some file systems are probed for their alignment with one or two reads.
+        // The first two reads may only probe the alignment, depending on the file system.
         {"ReadThroughBlocks",
          &MakeOld,
          &ReadThroughBlocks,

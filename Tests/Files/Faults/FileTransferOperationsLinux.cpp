@@ -143,8 +143,8 @@ std::vector<FileOperation> TransferOperations()
              const auto names = std::distance(std::filesystem::directory_iterator(folder.Host()), {});
              EXPECT_TRUE(real == Big('n') || names == 2) << "what failed before the swap leaves no second name";
          },
-         // The first statx calls look for a free name; the unlink deletes the backup. If the folder cannot be opened,
-         // its volume is synced instead.
+         // Ignored: the first statx calls, which look for a free name; the unlink of the backup; the open of the
+         // folder, whose volume is synced instead.
          {1, 3},
          {kInterruptedOpen,
           {Faults::kOpen, 3, {EACCES, EPERM}},

@@ -2,8 +2,8 @@
 //   share_mode_host matrix FOLDER   opens each file 0, 1, 2 ... in every way and prints one line per file: the
 //                                   errors of its opens, in order
 //   share_mode_host hold PATH       opens the path exclusively and exits without closing it
-//   share_mode_host race PATH N     opens the path exclusively until it succeeded N times; prints how often it
-//                                   succeeded, was refused with an error other than 32, and was not alone
+//   share_mode_host race PATH N     opens the path exclusively until N opens have succeeded; prints the number of
+//                                   successes, of errors other than 32, and of successes beside another holder
 #include "ShareModes.h"
 
 #include <ORLHostPath.h>

@@ -1,5 +1,5 @@
 // All ways to hold a file, and the rule for which two are compatible. The rule is written independently of the library,
-// and equals the results of Windows for each of the 2304 pairs.
+// and agrees with Windows for each of the 2304 pairs.
 #pragma once
 
 #include <Platform/File.h>

@@ -1,5 +1,5 @@
-// Tests home folders that are missing, read-only or owned by another user, children of fork, and file systems without
-// shared memory.
+// Tests the registry with home folders that are missing, read-only or owned by another user, in forked children, and
+// on file systems without shared memory.
 #include "TestRegistry.h"
 
 #include <FaultySystemCallsLinux.h>
@@ -71,7 +71,7 @@ protected:
     const TestRegistry mTestRegistry;
 };
 
-// Runs inWork in a child of fork, and returns its result.
+// Runs inWork in a forked child, and returns its result.
 bool InChild(const std::function<bool()>& inWork)
 {
     const pid_t child = ::fork();

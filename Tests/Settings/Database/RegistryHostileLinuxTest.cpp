@@ -235,7 +235,7 @@ TEST_F(RegistryHostile, FlippedBytes_AreSurvived)
     EXPECT_LT(5u, noticed);
 }
 
-// Inserts names that the API refuses.
+// Inserts a name that the API would refuse.
 TEST_F(RegistryHostile, NameThatIsTooLong_EndsTheListing)
 {
     Run("INSERT INTO keys SELECT 9000, id, CAST(replace(hex(zeroblob(300)), '00', 'NN') AS BLOB), "

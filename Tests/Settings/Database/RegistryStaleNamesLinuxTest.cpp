@@ -1,4 +1,4 @@
-// Tests names of values that other processes have changed.
+// Tests StaleNames, which tracks the values of a key that other processes have changed.
 #include <Linux/Settings/LinuxRegistryStaleNames.h>
 
 #include <TextHelpers.h>

@@ -137,7 +137,7 @@ TEST(RegistryValueTable, RandomOperations_AgreeWithAMap)
     }
 }
 
-// Names on both sides of the length up to which they are folded in place.
+// Tests names on both sides of the length up to which they are folded in place.
 TEST(RegistryValueTable, FoldedName_IsThatOfTheStore)
 {
     for (const std::size_t length : {0u, 1u, 63u, 64u, 65u, 255u, 16383u}) {

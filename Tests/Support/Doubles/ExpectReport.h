@@ -1,4 +1,4 @@
-// Expects the fields of one recorded report, in one statement. A failure names the line of that statement.
+// Checks the fields of one recorded report in one statement. A failure message contains the line of that statement.
 //
 //   ExpectReport(reports[0]).Kind(CheckReport::kAssert).Expression("size != 0").Line(25);
 #pragma once

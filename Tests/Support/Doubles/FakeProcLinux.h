@@ -11,7 +11,7 @@
 
 namespace ORLTest {
 
-/// While an instance exists, opening a file that the test names opens the test's contents. Other calls go to the
+/// While an instance exists, a file passed to Set has the given contents for the library. Other calls go to the
 /// kernel. Calls() can add faults. Only one instance may exist at a time.
 class FakeProc
 {

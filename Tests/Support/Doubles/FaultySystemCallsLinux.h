@@ -1,4 +1,4 @@
-// Makes the library's system calls fail, shortens or delays them.
+// Fails, shortens or delays the library's system calls.
 #pragma once
 
 #include <Linux/Calls/SystemCalls.h>

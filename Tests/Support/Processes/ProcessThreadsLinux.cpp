@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-// A sanitizer starts its own permanent thread together with the first thread of a process.
+// Starts a thread first, because a sanitizer starts its own permanent thread with the first thread of a process.
 unsigned int CountProcessThreads()
 {
     static const bool isFirstThreadOver = (std::thread([] {}).join(), true);

@@ -72,7 +72,7 @@ private:
         ::_exit(99);
     }
 
-    // A sanitizer's leak checker stops threads by tracing them, but a thread can have only one tracer.
+    // Needed because a sanitizer's leak checker traces threads to stop them, and a thread can have only one tracer.
     static void StopLeakChecker()
     {
         const char* const options = std::getenv("ASAN_OPTIONS");

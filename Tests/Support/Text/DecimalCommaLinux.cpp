@@ -28,7 +28,7 @@ DecimalComma::DecimalComma() : mOld(std::setlocale(LC_NUMERIC, nullptr))
 {
     mFolder.MakeFile("source", kSource);
     mFolder.MakeFile("map", AsciiMap());
-    // localedef warns about missing categories and then exits with an error code, although it made the locale.
+    // The exit code is ignored: localedef warns about missing categories and fails, although it made the locale.
     const std::string command =
         "cd '" + mFolder.Host().string() + "' && localedef -c -i source -f ./map ./comma 2>/dev/null";
     static_cast<void>(std::system(command.c_str()) == 0);
