@@ -39,13 +39,13 @@ public:
     /// The host's main loop, or its equivalent. The library does not call Run.
     virtual int Run() = 0;
 
-    /// Does nothing by default; a host overrides it for idle work. The library does not call Idle.
+    /// Does nothing by default; a host may override it to do idle work. The library does not call Idle.
     virtual void Idle();
 
     /// Returns the application, or null if there is none.
     static Application* Instance();
 
-    /// Returns the path of the application's file. Fires ObjectPtr's assertion if the application module is empty.
+    /// Returns the path of the application's file. Fires ObjectPtr's assertion if the application module is null.
     UTF16String GetApplicationFilePath();
 
 private:

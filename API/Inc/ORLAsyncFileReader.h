@@ -12,7 +12,7 @@ namespace ORL {
 ///
 /// Requires: the position, size and buffer address of each read are multiples of GetDiskSectorSize(). The library does
 ///           not check this: the system rejects any other read, and its callback receives the failure. The last read of
-///           a file must also request whole sectors, and returns fewer bytes.
+///           a file must also request whole sectors, and may return fewer bytes.
 ///           A read must start before the end of the file. Otherwise it fails to start on Linux, and fails on
 ///           completion on Windows (see Failure).
 /// Owner:    the caller owns the buffer. Buffer and reader must live until the callback has run.
@@ -33,9 +33,9 @@ namespace ORL {
 class ORL_API AsyncFileReader
 {
 public:
-    /// Receives the outcome of one read: position, size, buffer and the three user values as they were queued, the
-    /// number of bytes read as the system reports it (fewer than requested at the end of the file), and kSuccess or the
-    /// failure. Must not throw. Must not call WaitForPendingReads or Close on its own reader: that deadlocks.
+    /// Receives the outcome of a read: position, size, buffer and the three user values as passed to QueueReadRequest,
+    /// the number of bytes read as the system reports it (fewer than requested at the end of the file), and kSuccess or
+    /// the failure. Must not throw, nor call WaitForPendingReads or Close on its reader: that deadlocks.
     using ReadCallback = void (*)(const AsyncFileReader* inReader, unsigned __int64 inPosition, unsigned int inSize,
                                   unsigned int inBytesRead, void* inBuffer, void* inUserData1, void* inUserData2,
                                   void* inUserData3, int inResult);
@@ -43,7 +43,7 @@ public:
     /// Constructs a reader without an open file.
     AsyncFileReader();
 
-    /// Same as Close.
+    /// Calls Close.
     ~AsyncFileReader();
 
     AsyncFileReader(const AsyncFileReader&) = delete;

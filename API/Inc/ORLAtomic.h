@@ -13,7 +13,7 @@
 
 namespace ORL {
 
-/// The counter of an ObjectPtr. Change the counter only with AtomicIncrement and AtomicDecrement.
+/// The reference count type of ObjectPtr. Change such a count only with AtomicIncrement and AtomicDecrement.
 using AtomicValue = std::int32_t;
 
 namespace Internal {
@@ -25,8 +25,8 @@ using Plain = std::common_type_t<T>;
 template <class T>
 inline constexpr bool kIs32BitNumber = std::is_integral_v<T> && sizeof(T) == 4;
 
-// The compiler may assume that every reference is aligned and drop the check. The empty asm prevents that: it hides
-// where the address comes from.
+// The compiler may assume that every reference is aligned and drop the check. The empty asm prevents that: it hides the
+// address's origin.
 inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 {
     std::uintptr_t address = reinterpret_cast<std::uintptr_t>(inAddress);
@@ -37,8 +37,8 @@ inline bool IsAligned(const volatile void* inAddress, std::uintptr_t inMask)
 } // namespace Internal
 } // namespace ORL
 
-// An operation on a misaligned target is reported and then runs, so the alignment sanitizer must not abort the program
-// first.
+// An operation on a misaligned target reports an assertion and is then performed, so the alignment sanitizer must not
+// abort the program first.
 #define ORL_ATOMIC_SERVES_MISALIGNED __attribute__((no_sanitize("alignment")))
 
 #define ORL_ASSERT_ALIGNED_32_(target, line, function)                                                                 \

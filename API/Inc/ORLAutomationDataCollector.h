@@ -1,7 +1,7 @@
 // Floor: Diagnostics
 // A process-wide store of named results of automation runs, and its export as JSON.
 //
-// Not thread-safe: callers on several threads must serialise their calls, the first call of Instance included.
+// Not thread-safe: callers on several threads must serialise their calls, including the first call of Instance.
 #pragma once
 
 #include <ORLConfig.h>
@@ -50,10 +50,10 @@ public:
     /// Returns a copy of all names with their results.
     Collection GetCollection();
 
-    /// Removes all names.
+    /// Removes all names and their results.
     void Clear();
 
-    /// Returns the pair of kPerformanceTag and "True", which a caller adds to mark a performance test. Adds nothing.
+    /// Returns the pair of kPerformanceTag and "True", with which a caller marks a performance test. Does not add it.
     Result SpecifyPerformanceTest();
 
 private:

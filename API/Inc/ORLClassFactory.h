@@ -33,10 +33,10 @@ struct ClassMapEntry
 /// Owner:    the process. The caller owns the names that it passes.
 /// Threads:  takes no lock. Register on one thread, at load or start-up. After the last registration, instances may be
 ///           created from any thread.
-/// Failure:  std::bad_alloc and exceptions of a create function propagate. A registration that runs out of memory is
-///           not undone: the class may be registered, and be in its first categories but not in the later ones.
-///           Registering the class again completes the registration, but adds duplicates to the categories that already
-///           list the class.
+/// Failure:  std::bad_alloc and exceptions thrown by a create function propagate. If memory runs out, a registration is
+///           not undone: the class may be registered, but listed only in the first of its categories. Registering the
+///           class again completes the registration, but adds a second entry to each category that already lists the
+///           class.
 class ORL_API ClassFactory
 {
 public:
@@ -62,7 +62,7 @@ public:
     /// Returns the class identifier of a token. inToken must be valid.
     static Guid GetClassIDFromClassToken(ClassMapEntry* const& inToken);
 
-    /// Stores a flag, initially true, that nothing in the library reads.
+    /// Stores a flag, initially true, that the library does not read.
     static void SetWarnAboutUnregisteredClasses(bool inWarn);
 };
 

@@ -1,19 +1,19 @@
 // Floor: Media
-// Conversions of one colour between RGB, HSL, HSV, YUV, YPbPr and YIQ, and its level in IRE and millivolts.
+// Conversions of one colour between RGB, HSL, HSV, YUV, YPbPr and YIQ, and its luma and chroma in IRE and millivolts.
 //
 // Colours have two numeric forms. Normalised values are floats: 0 to 1 for R, G, B, H, S, L, V and Y, -0.5 to 0.5 for
 // Pb and Pr. Integer values are for user interfaces: hue in degrees, 0 to 360; saturation, lightness and value in
-// percent, 0 to 100; R, G, B and Y as bytes; U and V as signed bytes around 0. Values outside these ranges are computed
-// with the same formulas; each function documents what it stores.
+// percent, 0 to 100; R, G, B and Y as bytes; U and V as signed bytes centred on 0. Values outside these ranges are
+// computed with the same formulas; each function documents what it stores.
 //
 // Every operation is an IEEE single or double operation, in the order of the formula and never fused, so results are
 // bit-identical on every platform and at every optimisation level. Conversions to integers truncate toward zero.
 //
-// Thread-safe. Never throws, allocates nothing, takes no lock.
+// All functions are thread-safe. They never throw, allocate nothing and take no lock.
 //
 // Sources of the formulas: RGB and YUV are ITU-R BT.601 with 16 to 235 for Y and 16 to 240 for chroma. YPbPr is BT.601
 // with full-range chroma, as in JFIF. YIQ rotates the chroma plane by 33 degrees. HSV is A. R. Smith's hexcone (1978).
-// HSL has the hue of HSV; the saturation of HSL is the chroma itself. IRE and millivolts are those of an NTSC signal
+// HSL uses the hue of HSV; its saturation is the chroma itself. IRE and millivolts are those of an NTSC signal
 // without set-up: 100 IRE are 714.2857 mV.
 #pragma once
 
@@ -72,7 +72,7 @@ ORL_API void ColorRGBtoYUV(const ParamColor<unsigned long>& inColor, unsigned ch
 /// and clamped to 0..255. Returns false if all three channels were clamped, else true.
 ORL_API bool ColorYUVtoRGB(unsigned char inY, char inU, char inV, ParamColor<unsigned long>& outColor);
 
-/// The formulas of ColorYUVtoRGB in float, for Y from 0 to 255 and U and V around 0. Each channel is rounded, ties away
+/// The formulas of ColorYUVtoRGB in float, with Y from 0 to 255 and signed U and V. Each channel is rounded, ties away
 /// from zero, and clamped to 0..255; a channel that is not a number becomes 0.
 ORL_API void ColorYUVtoRGBf(float inY, float inU, float inV, ParamColor<unsigned long>& outColor);
 
@@ -95,8 +95,8 @@ ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 /// Same as ColorYPbPrToRGB followed by NormalizedRGBtoHSL, which may leave hue and saturation untouched.
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
-// Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of the two colour differences,
-// scaled as on the subcarrier. The millivolt forms multiply both by 7.142857.
+// Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of two colour differences,
+// scaled as for the subcarrier. The millivolt forms multiply both by 7.142857.
 
 /// The colour differences are 0.614975 R - 0.514965 G - 0.10001 B and -0.147141 R - 0.288869 G + 0.43601 B.
 ORL_API void ColorRGBToIRE(float inR, float inG, float inB, float& outLuma, float& outChroma);
@@ -108,10 +108,10 @@ ORL_API void ColorYPbPrToMV(float inY, float inPb, float inPr, float& outLuma, f
 
 // RGB, HSV and HSL
 //
-// A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). Such an output is not stored and
-// keeps the caller's value, so initialise it. The two flags report whether hue and saturation were stored; either
-// pointer may be null. The hue is computed in sixths of the circle: 6 is added if it is negative, then it is divided by
-// 6, both in double.
+// A colour may have no saturation (V or L below 0.0001) or no hue (S below 0.0001). In that case the output is not
+// stored and keeps the caller's value, so initialise it. The two flags report whether hue and saturation were stored;
+// either pointer may be null. The hue is computed in sixths of the circle: 6 is added if it is negative, then it is
+// divided by 6, both in double.
 
 /// V is the largest channel, S = (largest - smallest) / V.
 ORL_API void NormalizedRGBtoHSV(float inR, float inG, float inB, float& outH, float& outS, float& outV, bool* outHasHue,
@@ -125,7 +125,7 @@ ORL_API void NormalizedRGBtoHSL(float inR, float inG, float inB, float& outH, fl
 /// untouched.
 ORL_API void NormalizedHSVtoRGB(float inH, float inS, float inV, float& outR, float& outG, float& outB);
 
-/// A hue of 1 results in black, unlike in the HSV form, as does any hue outside the sectors 0 to 5. The sector is
+/// Any hue outside the sectors 0 to 5 results in black, including a hue of 1, unlike in the HSV form. The sector is
 /// truncated toward zero, so a hue between -1/6 and 0 is in sector 0.
 ORL_API void NormalizedHSLtoRGB(float inH, float inS, float inL, float& outR, float& outG, float& outB);
 

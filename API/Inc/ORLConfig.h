@@ -1,5 +1,5 @@
 // Floor: Core
-// The export of symbols of ORLFoundation, and properties of the platform on which headers depend.
+// The symbol export macro of ORLFoundation, and the platform properties that headers depend on.
 #pragma once
 
 #if defined(_WIN32)
@@ -33,7 +33,7 @@
 #  define ORL_EXCEPTION_RECORD_IS_OURS 1
 #endif
 
-// 1 in a build under the thread sanitizer.
+// 1 if built with the thread sanitizer.
 #if defined(__SANITIZE_THREAD__)
 #  define ORL_THREAD_SANITIZER 1
 #elif defined(__has_feature)

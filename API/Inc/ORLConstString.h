@@ -1,5 +1,5 @@
 // Floor: Strings
-// Cheap handles to constant text: names of threads, queues and modules, and literals.
+// Cheap handles to constant strings, such as literals and the names of threads, queues and modules.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -60,7 +60,7 @@ protected:
 
     ConstStringHandle() noexcept = default;
 
-    /// Copies the zero-terminated text. Throws std::bad_alloc, or std::length_error if the text is too long for a
+    /// Copies a zero-terminated string. Throws std::bad_alloc, or std::length_error if inText is too long for a
     /// string.
     explicit ConstStringHandle(const Unit* inText)
         : mShared(MakeShared(inText)), mText(mShared->mText), mHash(HashText(mText))
@@ -124,7 +124,7 @@ private:
         }
     }
 
-    // Returns a number below, equal to or above 0, by the unsigned values of the first units that differ.
+    // Returns a negative number, 0 or a positive number, by the unsigned values of the first units that differ.
     int CompareText(const ConstStringHandle& inOther) const noexcept
     {
         using Unsigned = std::make_unsigned_t<Unit>;
@@ -146,21 +146,21 @@ private:
 
 } // namespace Internal
 
-/// A handle to constant 16-bit text.
+/// A handle to a constant 16-bit string.
 ///
 /// Copying costs one atomic increment, and comparing two different strings usually costs one comparison of their
 /// hashes. Strings are not interned: two handles made from the same string are equal but share nothing. The order is
-/// strict and total, so handles work as map keys. Hashes are compared first, so it is not alphabetical.
-/// Owner:    the handles share ownership of the copy. The caller owns adopted text.
+/// strict and total, so handles work as map keys. Hashes are compared first, so the order is not alphabetical.
+/// Owner:    the handles share ownership of the copy. The caller owns an adopted string.
 /// Threads:  one thread at a time per handle. Handles on several threads may share one string. Takes no lock.
-/// Failure:  the constructors that copy text throw std::bad_alloc. Copying a handle never allocates.
+/// Failure:  the constructors that copy a string throw std::bad_alloc. Copying a handle never allocates.
 class ConstString : public Internal::ConstStringHandle<UTF16String>
 {
 public:
     /// Constructs an empty string. Allocates nothing.
     ConstString() noexcept = default;
 
-    /// Copies the text up to its first zero unit. Narrow text is UTF-8. The pointer must not be null.
+    /// Copies the string up to its first zero unit. Narrow strings are UTF-8. The pointer must not be null.
     ORL_API ConstString(const char* inText);
     ORL_API ConstString(const unsigned short* inText);
     ORL_API ConstString(const UTF16String& inText);
@@ -169,14 +169,14 @@ public:
 
     void swap(ConstString& ioOther) noexcept { Swap(ioOther); }
 
-    /// Creates handles to text that is not copied, such as literals.
+    /// Creates handles to strings that are not copied, such as literals.
     struct Adoptor
     {
-        /// The text must outlive every copy of the handle.
+        /// The string must outlive every copy of the handle.
         static ConstString Adopt(const unsigned short* inText) noexcept { return ConstString(Adopted{inText}); }
     };
 
-    // Declared inside the class, so at least one operand is a ConstString. Two other texts are never hashed and
+    // Declared inside the class, so at least one operand must be a ConstString. Two strings of other types are never
     // compared through temporary handles: UTF16String == "abc" does not compile.
     friend bool operator==(const ConstString& inLeft, const ConstString& inRight) noexcept
     {
@@ -199,19 +199,19 @@ private:
     explicit ConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
 };
 
-/// A handle to constant 8-bit text, which is never decoded. Otherwise the same as ConstString.
+/// A handle to a constant 8-bit string, which is never decoded. Otherwise the same as ConstString.
 class StdConstString : public Internal::ConstStringHandle<std::string>
 {
 public:
     StdConstString() noexcept = default;
-    ORL_API StdConstString(const char* inText);        ///< copies the text; not null
-    ORL_API StdConstString(const std::string& inText); ///< copies up to the first zero
+    ORL_API StdConstString(const char* inText);        ///< copies the string, which must not be null
+    ORL_API StdConstString(const std::string& inText); ///< copies up to the first zero byte
 
     void swap(StdConstString& ioOther) noexcept { Swap(ioOther); }
 
-    struct Adoptor ///< Creates handles to text that is not copied, such as literals.
+    struct Adoptor ///< Creates handles to strings that are not copied, such as literals.
     {
-        /// The text must outlive every copy of the handle.
+        /// The string must outlive every copy of the handle.
         static StdConstString Adopt(const char* inText) noexcept { return StdConstString(Adopted{inText}); }
     };
 
@@ -237,14 +237,14 @@ private:
     explicit StdConstString(Adopted inAdopted) noexcept : ConstStringHandle(inAdopted) {}
 };
 
-/// Returns the text as UTF-8.
+/// Returns the string as UTF-8.
 ORL_API std::string MakeStdString(const ConstString& inText);
 
-/// Writes the text with the stream's width, fill and adjustment, and sets the width back to 0.
+/// Writes the string with the stream's width, fill and adjustment, and resets the width to 0.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const ConstString& inText);
 
-/// Writes 8-bit text in the same way; the stream's locale widens each byte separately. Unlike a const char* or
+/// Writes an 8-bit string in the same way; the stream's locale widens each byte separately. Unlike a const char* or
 /// std::string on the same stream, the bytes are not decoded as UTF-8.
 ORL_API std::basic_ostream<unsigned short>& operator<<(std::basic_ostream<unsigned short>& ioStream,
                                                        const StdConstString& inText);

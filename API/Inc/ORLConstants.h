@@ -2,8 +2,8 @@
 // Constants that hosts share: limits, media times and rates, names of resource types, property keys.
 //
 // Numbers, times and rates are compile-time constants. The strings are initialised while the library is loaded: they
-// are constructed before all its other objects and destroyed after them, so any other static of the library may read
-// them.
+// are constructed before all its other objects and destroyed after them, so any other static object of the library may
+// read them.
 #pragma once
 
 #include <ORLConfig.h>

@@ -20,7 +20,7 @@ namespace ORL {
 class TVXCORE_LOCK CriticalSection
 {
 public:
-    // User-provided, because a const object without an initialiser requires that.
+    // User-provided, so that a const object can be default-initialised.
     ORL_LOCK_CONSTEXPR CriticalSection() noexcept(noexcept(Internal::PlatformLock())) {}
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
@@ -28,7 +28,7 @@ public:
     void Lock() const TVXCORE_ACQUIRES() { mLock.Lock(); }     ///< waits for the lock
     void Unlock() const TVXCORE_RELEASES() { mLock.Unlock(); } ///< undoes one Lock
 
-    /// Locks the section if that is possible without waiting. Returns whether the section was locked; if so, the caller
+    /// Locks the section if it can do so without waiting. Returns whether the section was locked; if so, the caller
     /// must call Unlock.
     bool TryLock() const TVXCORE_TRIES_TO_ACQUIRE(true) { return mLock.TryLock(); }
 

@@ -27,7 +27,7 @@ public:
 namespace Cursors {
 namespace Linux {
 
-enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 }; ///< of the pointer
+enum Shape { kNone = 0, kArrow = 32512, kIBeam = 32513, kWait = 32514, kSize = 32646 }; ///< shapes of the pointer
 
 /// A host function that sets the pointer's shape, for example on Wayland. Must not throw.
 typedef void (*SetShapeFunction)(Shape inShape, void* inContext);
@@ -41,7 +41,7 @@ ORL_API void SetShapeSetter(SetShapeFunction inFunction, void* inContext);
 /// pointer only on threads that may use the connection.
 ORL_API void SetX11Window(void* inDisplay, unsigned long inWindow);
 
-/// Returns the shape that was last requested, even if no pointer could be set; kNone before the first request.
+/// Returns the shape that was last requested, even if it could not be set; kNone before the first request.
 /// Thread-safe.
 ORL_API Shape GetLastShape();
 

@@ -3,7 +3,7 @@
 //
 //   ORL_ASSERT(expression)           an internal inconsistency: reports, continues; the user can mute each site
 //   ORL_INPUT_CONTRACT(expression)   the caller violated a precondition: reports, then raises error 25 of package 105
-//   ORL_OUTPUT_CONTRACT(expression)  the library violated a promise: reports, then raises error 26 of package 105
+//   ORL_OUTPUT_CONTRACT(expression)  the library violated a postcondition: reports, then raises error 26 of package 105
 //
 // Source, line and function identify a site. Crash triage and users' ignore lists use them as keys. The forms ending in
 // _AT take the source file and the line (those of assertions also the function) as arguments, so that a site that
@@ -25,8 +25,8 @@ ORL_API bool IsValidAddress(const void* inAddress, bool inAllowNull);
 /// Same as IsValidAddress(inAddress, inAllowNull). The size is ignored.
 ORL_API bool IsValidAddressRange(const void* inAddress, std::size_t inSize, bool inAllowNull);
 
-/// Returns true if inBegin is null and inAllowNull is true. Otherwise fires the input contract unless inBegin < inEnd,
-/// and returns whether inBegin is not null.
+/// Returns true if inBegin is null and inAllowNull is true. Otherwise fires an input contract if inBegin is not below
+/// inEnd, and returns whether inBegin is not null.
 ORL_API bool IsValidAddressRange(const void* inBegin, const void* inEnd, bool inAllowNull);
 
 namespace Debug {

@@ -18,7 +18,7 @@ namespace ORL {
 
 void ReleaseDebugDatabase(); ///< called when the library stops; hosts do not call it
 
-/// A cache of named settings over the registry. Names and values are UTF-8; in the registry a name ends at its first
+/// A cache of the named settings in the registry. Names and values are UTF-8; in the registry a name ends at its first
 /// zero byte.
 ///
 /// Owner:    the library owns the instance.
@@ -28,7 +28,7 @@ class ORL_API DebugDatabase
 {
 public:
     /// Returns the process's database; creates it if there is none. Foundation::Terminate destroys it, and a later
-    /// call creates an empty one. The registry keeps the values.
+    /// call creates an empty one. The values stay in the registry.
     static DebugDatabase& Instance();
 
     ~DebugDatabase();
@@ -45,7 +45,7 @@ public:
     /// Returns whether the setting was read or set since the database was created. Does not query the registry.
     bool HasEntry(const std::string& inKey) const;
 
-    /// Removes all settings, and deletes them from the registry.
+    /// Removes all settings from memory and from the registry.
     void Clear();
 
 private:

@@ -19,15 +19,15 @@ namespace ORL {
 ///           Result.
 /// Listings: each path begins with the object's path as it was passed. The order is that of the file system. With
 /// inRecursive a directory is listed after its contents. inLimit is tested before each entry, so a list may exceed it
-/// by the depth of the tree; kNoLimit disables it. Entries created or removed during a listing may or may not be
+/// by the depth of the tree; kNoLimit disables the test. Entries created or removed during a listing may or may not be
 /// included, but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable
 /// directory is listed and treated as empty. Links to directories are followed, unless they point back to a directory
 /// that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
 /// handles, std::bad_alloc if out of memory. Only memory limits the depth.
-/// Trees:    Copy, Move and DeleteNotEmpty work on the contents of the source, hidden entries included, and overwrite
-///           without asking. They accept only plain paths: for one in the extended form (\\?\) they report an assertion
-///           and return kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
-/// On Linux: trees copy, move and delete links as links and never follow them. A file is first copied under a temporary
+/// Trees:    Copy, Move and DeleteNotEmpty include hidden entries. Copy and Move overwrite files without asking. All
+///           three accept only plain paths: for one in the extended form (\\?\) they report an assertion and return
+///           kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
+/// On Linux: links are copied, moved and deleted as links, never followed. A file is first copied under a temporary
 ///           name, so the final name never refers to a partial copy.
 /// Example:
 ///   std::vector<UTF16String> clips;
@@ -36,7 +36,7 @@ namespace ORL {
 class ORL_API Directory
 {
 public:
-    static constexpr unsigned int kNoLimit = 0xFFFFFFFFu; ///< as many as there are
+    static constexpr unsigned int kNoLimit = 0xFFFFFFFFu; ///< lists all entries
 
     /// Throws eNotADirectoryPath unless inPath is a directory.
     static Directory ConstructDirectory(const UTF16String& inPath);
@@ -69,7 +69,7 @@ public:
     void GetContainedFilePaths(const UTF16String& inFilterExtension, std::vector<UTF16String>& outFiles,
                                bool inRecursive, unsigned int inLimit) const;
 
-    /// Creates the directory and its missing parents. Succeeds if it exists. The bool is ignored.
+    /// Creates the directory and its missing parents. Succeeds if the directory exists. The bool is ignored.
     static Result CreateOnDisk(const UTF16String& inPath, bool);
 
     /// Removes an empty directory. Returns kSharingViolation while the directory is open through another handle that
@@ -77,7 +77,7 @@ public:
     static Result Delete(const UTF16String& inPath);
 
     // Whole trees. Each of these three functions stops with kGeneralFailure at the first entry that fails, such as a
-    // file that is open through another handle that does not share the access. Work already done is not undone.
+    // file that is open through another handle that does not share the required access. Completed work is not undone.
 
     /// Removes a directory with all its contents.
     static Result DeleteNotEmpty(const UTF16String& inPath);
@@ -86,7 +86,7 @@ public:
     /// name and merges directories. Returns kGeneralFailure if there is nothing to copy.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
-    /// Moves the contents in the same way, also across volumes. Keeps inSource itself, which is then empty.
+    /// Moves the contents of inSource in the same way, even across volumes. Keeps inSource itself, which is then empty.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
 private:
@@ -97,9 +97,9 @@ private:
 
 namespace PathUtils {
 
-/// Returns whether a file is read-only (on Linux: no user has write permission) or no file can be created in a
-/// directory. Returns true for a rooted path that cannot be queried, false for one that is not rooted. Fires an input
-/// contract for an empty path.
+/// Returns whether inFullPath is a read-only file (on Linux: no user has write permission) or a directory in which no
+/// file can be created. Returns true for a rooted path that cannot be queried, false for one that is not rooted. Fires
+/// an input contract for an empty path.
 ORL_API bool IsReadOnly(const UTF16String& inFullPath);
 
 } // namespace PathUtils

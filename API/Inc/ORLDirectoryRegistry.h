@@ -14,7 +14,7 @@
 // more than 64 references deep, is reported by an assertion and left unexpanded.
 //
 // Not thread-safe: register at start-up, on one thread. Lookups may run on several threads while no thread registers.
-// The table lives until the process exits; lookups work even on threads still running then.
+// The table lives until the process exits, so lookups work even on threads that run during the exit.
 #pragma once
 
 #include <ORLConfig.h>
@@ -39,7 +39,7 @@ ORL_API void UnregisterDirectory(const UTF16String& inSymbolicName);
 ORL_API UTF16String FindDirectory(const UTF16String& inSymbolicName);
 
 /// Registers every line of a resource of type "ORLDIRECTORYTABLE". The resource is UTF-8 text up to its first zero
-/// byte. Each line has the form symbol "=" path and ends in a line feed. More "=" directly after the first are skipped;
+/// byte. Each line has the form symbol "=" path and ends in a line feed. All "=" directly after the first are skipped;
 /// a later "=" and the text after it are ignored. Blanks and tabs around symbol and path are removed; a carriage return
 /// is not. If the collection has no such resource, reports an assertion and registers nothing. A line without a symbol
 /// or a path, such as an empty line, fires an input contract. Throws std::bad_alloc. In both cases the earlier lines

@@ -29,8 +29,8 @@ ORL_API unsigned __int64 GetFreeSpaceFromPath(const UTF16String& inPath);
 /// Stores the volume's sector size, at least 512: the unit of unbuffered reads. outSize is 0 on failure.
 ORL_API Result GetEfficientDiskBufferSizeFromPath(const UTF16String& inPath, unsigned int& outSize);
 
-/// Stores the size of the largest file that fits on the volume now: the free space, limited to 4294967295 on the FAT
-/// family.
+/// Stores the size of the largest file that fits on the volume now: the free space, limited to 4294967295 on file
+/// systems of the FAT family.
 /// outSize is untouched on failure.
 ORL_API Result GetMaxFileSize(const UTF16String& inPath, unsigned __int64& outSize);
 

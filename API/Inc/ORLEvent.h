@@ -23,8 +23,8 @@ protected:
     static void SetEvent(void* inEvent);
 };
 
-/// An event of the OS. With kManualReset a signal stays set and releases every waiter. Without kManualReset each signal
-/// releases one waiter and is reset.
+/// An OS event. If kManualReset is true, a signalled event stays signalled and releases every waiter. If kManualReset
+/// is false, each signal releases one waiter and resets the event.
 /// The constructor asserts "mEvent" and throws EventFailure if the system cannot create the event.
 template <bool kManualReset, bool kInitiallySignalled>
 class ORL_API Event : public EventBase
@@ -56,8 +56,8 @@ public:
     void Signal();
 
     /// Returns kSuccess if the event was signalled, and resets it; kWaitTimeout if the time ran out first; kWaitFailed
-    /// if the system could not wait. The time is converted to unsigned, so any negative time but -1 waits for several
-    /// weeks.
+    /// if the system could not wait. The time is converted to unsigned, so any negative time other than -1 waits for
+    /// several weeks.
     Result WaitForSignal(int inMilliseconds);
 };
 

@@ -13,7 +13,7 @@ namespace ORL {
 ///
 /// Owner:    thrown by value.
 /// Threads:  thread-safe: the objects are values, and what() returns a static string in all classes of this header.
-/// Failure:  never throws.
+/// Failure:  no member function throws.
 class ORL_API Exception : public std::exception
 {
 public:

@@ -1,5 +1,5 @@
 // Floor: Core
-// On Linux: the Windows record of a hardware exception, filled from a signal. On Windows the system's headers define
+// On Linux: the Windows record of a hardware exception, built from a signal. On Windows the system's headers define
 //           the record and this header is empty.
 //
 //   void OnSignal(int, siginfo_t* inInfo, void* inContext)
@@ -19,7 +19,7 @@
 #  include <cstdint>
 #  include <signal.h>
 
-/// Has the layout of 64-bit Windows, 152 bytes.
+/// Has the layout of the 64-bit Windows record: 152 bytes.
 struct _EXCEPTION_RECORD
 {
     std::uint32_t ExceptionCode;
@@ -39,9 +39,9 @@ namespace Linux {
 /// | signal            | code of the record                                                                       |
 /// |---|---|
 /// | SIGSEGV           | 0xC0000005 access violation; its parameters are 0 for a read, 1 for a write or 8 for an  |
-/// |                   | execution, and the address. A non-canonical address is reported as all ones.             |
+/// |                   | instruction fetch, and the address. A non-canonical address is reported as all ones.     |
 /// |                   | 0xC0000096 if the cause is a privileged instruction                                      |
-/// | SIGBUS            | 0x80000002 for a misaligned address, else 0xC0000006 page not readable, same parameters  |
+/// | SIGBUS            | 0x80000002 for a misaligned address, else 0xC0000006 in-page error, same parameters      |
 /// | SIGFPE            | 0xC000008C to 0xC0000095, depending on the error                                         |
 /// | SIGILL            | 0xC0000096 for a privileged instruction, else 0xC000001D illegal instruction             |
 /// | SIGTRAP           | 0x80000003 for a breakpoint, 0x80000004 for a single step or a hardware breakpoint       |

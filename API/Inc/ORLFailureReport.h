@@ -12,8 +12,8 @@ struct _EXCEPTION_RECORD;
 
 namespace ORL {
 
-/// Returns the system's message for a Windows error number, ending in "\r\n". Returns "There was an error converting
-/// this Win32 error to a message!" without a line end if the system has none. On Windows the message is in the user's
+/// Returns the system's message for a Windows error number, ending in "\r\n". If there is none, returns "There was an
+/// error converting this Win32 error to a message!" without a line ending. On Windows the message is in the user's
 /// language. On Linux the message comes from this library's table, in English. Thread-safe. Throws std::bad_alloc.
 ORL_API UTF16String Win32ErrorCodeToMessage(unsigned int inError);
 

@@ -92,8 +92,8 @@ public:
     virtual Result GetBlock(__int64 inPosition, ObjectPtr<MemoryBufferWrapper>& outBlock) = 0;
 };
 
-/// Creates a block cache for each file that is read through one. Called on the thread that opens the file; exceptions
-/// propagate to the caller there. A host derives from UnknownImpl<IFileBufferFactory>.
+/// Creates a block cache for each file that is to be read through one. Called on the thread that opens the file;
+/// exceptions propagate to the caller of Create or Open. A host derives from UnknownImpl<IFileBufferFactory>.
 class ORL_API IFileBufferFactory : public ORLUnknown
 {
 public:
@@ -110,7 +110,7 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 
 } // namespace Foundation
 
-/// One file. Unless documented otherwise, paths are rooted, in plain or extended form.
+/// One file. Unless documented otherwise, paths are rooted, in plain or extended form (\\?\).
 ///
 /// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
 /// kFileAttribute_NoBuffering, it bypasses the system's cache. The file is then read in whole blocks of at least 64 KiB
@@ -120,7 +120,7 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 /// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
 ///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.
 /// Owner:    the object owns its handle; the destructor closes it.
-/// Failure:  unless documented otherwise, returns Win::SystemErrorToORLResult for the system's error. Several
+/// Failure:  unless documented otherwise, returns Win::SystemErrorToORLResult of the system's error. Several
 ///           operations return a bare -1 instead. kSuccess is 0.
 /// Threads:  not thread-safe: one thread at a time per object. The static operations are thread-safe.
 /// On Linux: see FileShareModeFlags. A file without any write permission is read-only: it cannot be opened to write,
@@ -132,7 +132,7 @@ public:
     /// Constructs an object without an open file.
     File();
 
-    /// Same as Close.
+    /// Calls Close.
     ~File();
 
     File(const File&) = delete;
@@ -147,7 +147,7 @@ public:
 
     bool IsOpen() const; ///< returns whether a file is open
 
-    /// Does nothing if no file is open.
+    /// Closes the file. Does nothing if no file is open.
     void Close();
 
     /// Reads at the position and advances it. A read that reaches the end of the file is short; a read at or past the
@@ -163,10 +163,10 @@ public:
     /// from the end counts backwards regardless of its sign.
     Result SetFilePointer(__int64 inOffset, FilePointerMoveMethod::Type inMethod);
 
-    /// Always returns kSuccess. outPosition is untouched if the system reports an error.
+    /// Stores the position. Always returns kSuccess, but leaves outPosition untouched if the system reports an error.
     Result GetFilePointer(__int64& outPosition);
 
-    /// Truncates or extends the file to the position. Returns 0 or -1.
+    /// Truncates or extends the file to the position. Returns 0, or -1 on failure.
     Result SetEndOfFile();
 
     /// Returns the size in bytes, or 4294967295 if the system reports an error.
@@ -191,8 +191,8 @@ public:
 
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
     /// the copy and at the end. For an empty file the fraction is not a number (NaN). If the callback returns false,
-    /// the copy stops, removes the destination and returns kOperationAborted. The callback must not be null and must
-    /// not throw. Other failures are kFileNotFound, kPathNotFound and kAccessDenied; all the rest are kDiskFull.
+    /// stops copying, removes the destination and returns kOperationAborted. The callback must not be null and must not
+    /// throw. Returns kFileNotFound, kPathNotFound or kAccessDenied for these errors, and kDiskFull for any other.
     static Result CopyWithProgress(const UTF16String& inSource, const UTF16String& inDestination,
                                    bool (*inCallback)(float, void*), void* inData);
 
@@ -206,12 +206,12 @@ public:
     /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
     static Result SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRealPath);
 
-    /// Returns an unused name in the folder of the path: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
-    /// First cuts the name so that name and extension have at most 250 characters. Creates nothing, so another caller
+    /// Returns an unused path in the same folder: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
+    /// First truncates the name so that name and extension have at most 250 units. Creates nothing, so another caller
     /// may create that file first.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// Stores the size of the file at a path, open or not. Any failure is kFileNotFound. A plain path is not extended.
+    /// Stores the size of a file, open or not. Returns kFileNotFound on any failure. A plain path is not extended.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
     /// Stores the time of a file's last write, like the member function.
@@ -220,7 +220,7 @@ public:
     /// Same as GetLastModificationTime, but also for directories.
     static Result GetLastModificationTimeForFolder(const UTF16String& inPath, unsigned __int64& outTime);
 
-    /// Always returns 0: Windows and Linux have no file types.
+    /// Always returns 0: Windows and Linux do not store file types.
     static unsigned int GetOSFileType(const UTF16String& inPath);
 
 private:

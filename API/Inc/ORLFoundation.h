@@ -1,5 +1,5 @@
 // Floor: Foundation
-// Includes the whole library, and declares its start and stop.
+// Includes the whole library, and declares the functions that start and stop it.
 //
 //   ORL::Foundation::Initialize();
 //   ...
@@ -78,10 +78,10 @@ namespace Foundation {
 /// life of the process becomes the main thread. Each start requires one Terminate. Thread-safe, even while other
 /// threads start or stop the library.
 ///
-/// The first start makes the classic locale the process's global locale. This also sets the locale of the C library to
-/// "C", which printf, strtod and the streams that the host creates afterwards use. Terminate does not restore the
-/// previous locale. A host that needs another global locale sets it after the start; the user's own locale is
-/// Locale::Native.
+/// The first start makes the classic locale the process's global locale, which the streams that the host creates
+/// afterwards use. It also sets the locale of the C library to "C", which printf and strtod use. Terminate does not
+/// restore the previous locale. A host that needs another global locale sets it after the start; the user's own locale
+/// is Locale::Native.
 ///
 /// If a service fails to start, throws its exception: std::bad_alloc, boost::thread_resource_error or TVXException. The
 /// library is then not started, and no Terminate is required. Services that had started keep running, and the next
@@ -107,20 +107,20 @@ ORL_API void Initialize();
 ORL_API void Terminate();
 
 /// Returns the version of the library in use, "major.minor.patch". ORL_VERSION of <ORLVersion.h> is the version of the
-/// headers that a host was compiled with. The text is static. Thread-safe, and callable before the start.
+/// headers that a host was compiled with. The string is static. Thread-safe, and callable before the start.
 ORL_API const char* GetVersion() noexcept;
 
 } // namespace Foundation
 
-/// Same as Foundation::GetVersion. A template, so that a host that uses namespace ORL can still call a GetVersion of
-/// its own or of the OS.
+/// Same as Foundation::GetVersion. A template, so that a host with a using-directive for namespace ORL can still call a
+/// GetVersion of its own or of the OS.
 template <class = void>
 const char* GetVersion() noexcept
 {
     return Foundation::GetVersion();
 }
 
-/// Always returns false: there is no such mode.
+/// Always returns false: the library has no such mode.
 ORL_API bool GetEmergencyMemoryMode();
 
 /// Ignores its argument.

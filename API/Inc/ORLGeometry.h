@@ -17,7 +17,7 @@ namespace ORL {
 template <class T>
 class ParamPoint;
 
-/// A point on the integer grid. A value.
+/// A point on the integer grid. A value type.
 template <>
 class ParamPoint<CPoint>
 {
@@ -34,8 +34,8 @@ public:
         return !(inLeft == inRight);
     }
 
-    std::int32_t x = 0; ///< to the right
-    std::int32_t y = 0; ///< downwards
+    std::int32_t x = 0; ///< increases to the right
+    std::int32_t y = 0; ///< increases downwards
 };
 
 namespace Geometry {
@@ -49,7 +49,7 @@ namespace Geometry {
 /// system.
 ORL_API bool SolveNaturalCubicSpline2D(float* x, float* y, std::size_t n, float* y2);
 
-/// Evaluates the spline at x and stores the value in y. xa and ya are the n points; y2a was stored by
+/// Evaluates the spline at x and stores the value in y. xa and ya hold the n points; y2a was stored by
 /// SolveNaturalCubicSpline2D. For an x outside the points, extrapolates the first or the last interval. Allocates
 /// nothing; finds the interval by bisection.
 ///

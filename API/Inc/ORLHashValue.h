@@ -17,16 +17,16 @@
 
 namespace ORL {
 
-/// Three 32-bit words. A value. Not thread-safe: one thread at a time per object.
+/// A hash of three 32-bit words. A value type. Not thread-safe: one thread at a time per object.
 ///
 ///   ORL::HashValue hash(0, 0, 0);
 ///   ORL::MixHash::Mix(hash, bytes.data(), bytes.size());
 class HashValue
 {
 public:
-    static constexpr std::size_t kWordCount = 3; ///< the 32-bit words of a value
+    static constexpr std::size_t kWordCount = 3; ///< the number of 32-bit words
 
-    /// The initial words. Different initial words produce independent hashes of the same bytes.
+    /// Sets the initial words. Different initial words produce independent hashes of the same bytes.
     constexpr HashValue(std::uint32_t inWord0, std::uint32_t inWord1, std::uint32_t inWord2) noexcept
         : mWords{inWord0, inWord1, inWord2}
     {
@@ -64,16 +64,16 @@ private:
     std::uint32_t mWords[kWordCount];
 };
 
-/// Hashes blocks of bytes into a HashValue. The result depends on the order and the boundaries of the blocks, and every
-/// word of it on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), seeded with word 0; one more mix
-/// step then spreads the result over the three words. Words are read in little-endian order at any alignment, so equal
-/// bytes have equal hashes on every platform.
+/// Hashes blocks of bytes into a HashValue. The result depends on the order and the boundaries of the blocks, and each
+/// of its words depends on all bytes so far. Bytes are hashed with Bob Jenkins's lookup2 (1996), seeded with word 0;
+/// one more mix step then spreads the result over the three words. Words are read in little-endian order at any
+/// alignment, so equal bytes have equal hashes on every platform.
 ///
 /// Thread-safe for different hashes. Never throws, allocates nothing.
 class MixHash
 {
 public:
-    /// Mixes inLength bytes into the hash. A length of 0 changes the hash too; inData may be null then.
+    /// Mixes inLength bytes into the hash. A length of 0 also changes the hash, and allows a null inData.
     static void Mix(HashValue& ioHash, const void* inData, std::size_t inLength)
     {
         MixInData(ioHash, static_cast<const unsigned char*>(inData), inLength);

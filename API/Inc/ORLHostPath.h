@@ -2,12 +2,12 @@
 // Conversion between library paths and host paths.
 //
 // A library path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. A
-// host path is the form that the system's own programs use: on Windows the same path in UTF-8, on Linux raw bytes
+// host path is what the system's own programs use: on Windows the same path in UTF-8, on Linux raw bytes
 // separated by slashes.
 //
 // On Linux a drive table maps each drive to a host folder. Initially C: is "/", so every file has a library path. Names
 // round-trip: bytes that are not UTF-8, and characters that a library path cannot hold in a name, are converted to
-// private code units (U+F000 plus the byte) and back. The volume determines how names match; most match exactly.
+// private code units (U+F000 plus the byte) and back. Each volume determines how names match; most match exactly.
 #pragma once
 
 #include <ORLConfig.h>
@@ -26,7 +26,7 @@ namespace PathUtils {
 ORL_API UTF16String FromHostPath(const std::string& inHostPath);
 
 /// Stores the host path of a library path, plain or extended. On Linux returns kPathNotFound for a drive that is not
-/// mounted, and kGeneralFailure for a share that is not mounted or a name that no path may hold. On Windows returns
+/// mounted, and kGeneralFailure for a share that is not mounted or an invalid name. On Windows returns
 /// kGeneralFailure for a path with an unpaired surrogate, which UTF-8 cannot represent; the other functions accept such
 /// a path. A failure leaves outHostPath untouched. The path need not exist. Thread-safe.
 ORL_API Result ToHostPath(const UTF16String& inPath, std::string& outHostPath);
@@ -42,7 +42,7 @@ struct MountPoint
 ORL_API std::vector<MountPoint> GetMountPoints();
 
 /// The Linux drive table. These functions exist only in the Linux library; a host for both platforms calls them from
-/// its Linux sources. Thread-safe: a concurrent path conversion uses the table either from before or from after the
+/// its Linux sources. Thread-safe: a concurrent path conversion uses the table as it was either before or after the
 /// change.
 namespace Linux {
 

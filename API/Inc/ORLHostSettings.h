@@ -1,8 +1,8 @@
 // Floor: System
 // The language of the process, and the location of the host application's settings.
 //
-// Languages are Windows language identifiers (ORLLanguage.h names their parts). The functions below also know some of
-// them by name, from this table:
+// Languages are Windows language identifiers (ORLLanguage.h names their parts). The functions below also accept and
+// return names for the languages in this table:
 //
 //   en_US 1033   de_DE 1031   fr_FR 1036   it_IT 1040   ja_JP 1041   es_ES 1034   nl_NL 1043   sv_SE 1053
 //   cs_CZ 1029   ko_KR 1042   pl_PL 1045   pt_BR 1046   ru_RU 1049   tr_TR 1055   zh_CN 2052   zh_TW 1028
@@ -46,7 +46,7 @@ ORL_API inline unsigned short GetLanguageID()
 /// Returns the primary language: bits 0 to 9 of GetLanguageID().
 ORL_API unsigned short GetPrimaryLanguageID();
 
-/// Sets the language of this process. Accepts any number, even one that the table lacks. Does not change the host's
+/// Sets the language of this process. Accepts any number, even one that is not in the table. Does not change the host's
 /// settings.
 ORL_API void SetLanguageID(unsigned short inLanguageID);
 
@@ -54,16 +54,16 @@ ORL_API void SetLanguageID(unsigned short inLanguageID);
 /// number, reduced to 16 bits: "1031" is 1031, "0x407" is 0, and a string that does not begin with a number is 0.
 ORL_API void SetLanguageString(const UTF16String& inLanguage);
 
-/// Returns the name of the language; "en_US" for an identifier that the table lacks.
+/// Returns the name of the language; "en_US" for an identifier that is not in the table.
 ORL_API UTF16String GetLanguageString();
 
 /// Returns the code page of the language (ORLStringUtils.h): 932 for ja_JP, 949 for ko_KR, and 0, the system's default
 /// page, for all others.
 ORL_API unsigned int GetConversionCodePage();
 
-/// Return the location of the host's settings, below the root of the user or of the machine. NAME and VERSION are what
-/// the host passed to CRV (CRV/Application.h) before the first call of the function. Each string is built once and
-/// stays valid for the life of the process.
+/// Return the location of the host's settings, relative to the root of the user or of the machine. NAME and VERSION are
+/// the values that the host passed to CRV (CRV/Application.h) before the first call of the function. Each string is
+/// built once and stays valid for the life of the process.
 ///
 ///   GetRegistryBaseKey             Software\Zerin\NAME\VERSION\ (with the backslash)
 ///   GetRegistrySettingsKey         Software\Zerin\NAME\VERSION\Settings\ (the same)

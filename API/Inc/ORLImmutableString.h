@@ -13,12 +13,12 @@
 namespace ORL {
 
 /// A reference-counted handle to an interned UTF-8 string, or a null handle. All handles to one string share one
-/// record, so their c_str() are the same pointer.
+/// record, so c_str returns the same pointer for all of them.
 ///
 /// A string is interned as static (the table keeps the caller's pointer, which must live as long as the process) or as
 /// dynamic (the table owns a copy). A string that is already in the table keeps its kind.
-/// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings, which
-///           removes dynamic ones, or until the process exits.
+/// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings removes it,
+///           if it is dynamic, or until the process exits.
 /// Threads:  one thread at a time per handle. Handles on several threads may refer to one string. Interning a new
 ///           string and purging take one lock; copying and releasing change one counter.
 /// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
@@ -49,8 +49,8 @@ public:
 
     UTF16String ToString() const; ///< returns the string converted to UTF-16
 
-    /// Returns -1, 0 or 1, comparing unsigned bytes up to the first zero. A null handle is below every string, even the
-    /// empty one, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
+    /// Compares bytes as unsigned, up to the first zero, and returns -1, 0 or 1. A null handle is below every string,
+    /// even the empty one, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
     int Compare(const ImmutableString& inOther) const;
     int Compare(const char* inOther) const;
     int Compare(const unsigned char* inOther) const;
@@ -62,7 +62,7 @@ public:
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;
 
-    /// Interns a string whose bytes live as long as the process. Null means the empty string.
+    /// Interns a string whose bytes must live as long as the process. Null means the empty string.
     static ImmutableString CreateStatic(const unsigned char* inText);
     static ImmutableString CreateStatic(const char* inText);
 

@@ -1,14 +1,14 @@
 // Floor: Objects
 // Objects with an intrusive reference count, the smart pointers that own them, and interface queries.
 //
-// A concrete class derives from UnknownImpl, and an InterfaceRef owns each object:
+// A concrete class derives from UnknownImpl, and InterfaceRefs own its objects:
 //
 //   class Work : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
 //   {
 //       void Process() override {}
 //   };
 //   ORL::InterfaceRef<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest> work(new Work);
-//   const auto same = work.As<ORL::ORLUnknown>(); // asks the object; null if it does not implement the interface
+//   const auto same = work.As<ORL::ORLUnknown>(); // queries the object; null if it does not implement the interface
 #pragma once
 
 #include <ORLAtomic.h>
@@ -26,7 +26,7 @@ namespace ORL {
 
 using tvxcore::utility::Guid;
 
-// Identifiers of the published interfaces, as the two 64-bit words that are compared.
+// Identifiers of the published interfaces, each as two 64-bit words.
 inline constexpr Guid kInterfaceID_ORLUnknown(0x4F33C5DF4F9CB3F7u, 0xB93F9CDF4C78A5B5u);
 inline constexpr Guid kInterfaceID_ThreadedWorkQueue(0x424584A420974874u, 0x998149164AB27293u);
 inline constexpr Guid kInterfaceID_ThreadedWorkQueueFlush(0x4055FE55793307D6u, 0x740A4DB1AF3A34B1u);
@@ -37,7 +37,7 @@ inline constexpr Guid kInterfaceID_IThreadedQueueRequest(0x42E70EE71DF08FEDu, 0x
 ///
 /// Owner:    references own the object; the last Release deletes it.
 /// Threads:  AddRef, Release and QueryInterface are thread-safe in classes derived from UnknownImpl.
-/// Failure:  QueryInterface returns kNoSuchInterface.
+/// Failure:  QueryInterface returns kNoSuchInterface for an interface that the object does not implement.
 class ORL_API ORLUnknown
 {
 public:
@@ -84,8 +84,8 @@ constexpr bool HasOwnIdentifier()
     return !(ShareIdentifier<Answer, Others>() || ...);
 }
 
-// Returns whether Asked declares its identifier. If it shares one with a class that does not derive from it, it
-// inherits that one.
+// Returns whether Asked declares its identifier. If Asked shares its identifier with a class that does not derive from
+// Asked, it inherits that identifier.
 template <class Asked, class... Others>
 constexpr bool DeclaresIdentifier()
 {
@@ -112,7 +112,7 @@ public:
 
     InterfaceRef(const InterfaceRef& inOther) : InterfaceRef(inOther.mIPtr) {}
 
-    /// Converts a reference to a class to one to its base class or interface, and adds a reference of its own.
+    /// Constructs from a reference to a derived class or interface. Adds one reference.
     template <class Other, class OtherBase,
               std::enable_if_t<
                   !std::is_same_v<InterfaceRef<Other, OtherBase>, InterfaceRef> && std::is_convertible_v<Other*, T*>,
@@ -157,7 +157,7 @@ public:
     explicit operator bool() const noexcept { return mIPtr != nullptr; }
 
     /// Returns a reference to another interface of the object, by QueryInterface, or null if the object does not
-    /// implement it or this reference is null. OtherBase is the second argument of the returned reference. An interface
+    /// implement it or this reference is null. OtherBase is the second template argument of the result. An interface
     /// that inherits its identifier from T, a base class of T or ORLUnknown does not compile. Throws what the object's
     /// QueryInterface throws; that of UnknownImpl never throws.
     template <class Other, class OtherBase = ORLUnknown>
@@ -236,9 +236,9 @@ bool operator!=(std::nullptr_t, const InterfaceRef<T, Base>& inRef) noexcept
     return inRef.GetPtr() != nullptr;
 }
 
-/// Creates an object of the class system from constructor arguments, and the first reference to it:
-/// MakeInterfaceRef<Work>(). Base is the second argument of the returned reference. Throws std::bad_alloc, or what the
-/// constructor throws.
+/// Creates an object of the class system from constructor arguments, and returns the first reference to it:
+/// MakeInterfaceRef<Work>(). Base is the second template argument of the returned reference. Throws std::bad_alloc, or
+/// what the constructor throws.
 template <class T, class Base = ORLUnknown, class... Arguments>
 InterfaceRef<T, Base> MakeInterfaceRef(Arguments&&... inArguments)
 {

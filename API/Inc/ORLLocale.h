@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Locale {
 
-/// Returns the user's locale, which the environment named when the library was loaded. Returns the classic locale if
+/// Returns the user's locale, as named by the environment when the library was loaded. Returns the classic locale if
 /// the environment named none or the machine lacks it. Thread-safe.
 ORL_API const std::locale& Native();
 

@@ -42,7 +42,7 @@ class ORL_API Manager
 protected:
     static void AddRef(Managed* inManaged); ///< adds one reference
 
-    /// The last release calls Destroy.
+    /// Removes one reference, and calls Destroy if it was the last.
     static void Release(Managed* inManaged);
 };
 

@@ -22,8 +22,8 @@ class MemoryRecycler;
 /// bytes), and their memory is allocated in whole pages from the system if possible.
 ///
 /// Alignment: a buffer for which IsVirtual is true starts at a multiple of 4096 bytes, as unbuffered reads require on
-/// volumes with sectors up to that size. Every other buffer, a large one included for which the system had no pages, is
-/// only aligned for every fundamental type, to 16 bytes.
+/// volumes with sectors up to that size. Every other buffer, including a large one for which the system had no pages,
+/// is aligned only for every fundamental type, to 16 bytes.
 class ORL_API MemoryBuffer
 {
 public:
@@ -78,7 +78,7 @@ public:
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
     /// Frees a small buffer and clears ioBuffer. Adds a large one to the pool, which then frees its oldest buffers
-    /// until it meets the limit; ioBuffer keeps its fields, but the memory is no longer its own. Never throws.
+    /// until it meets the limit; ioBuffer keeps its fields, but the memory no longer belongs to it. Never throws.
     void RecycleBuffer(MemoryBuffer& ioBuffer);
 
     /// Frees pooled buffers, oldest first, until at least inBytes are freed or the pool is empty; 0 frees all. Returns

@@ -6,9 +6,9 @@
 //       const UTF16String title = ORL::LoadStringW(*plugIn, 100);
 //   }
 //
-// On Linux a module is a shared object. The CMake function orl_target_resources embeds resources in it, which are read
-// from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res), but only as data:
-// their resources are available, none of their code runs, and GetProcAddress returns null.
+// On Linux a module is a shared object. The CMake function orl_target_resources embeds resources in the module, and the
+// library reads them from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res),
+// but only as data: their resources are available, none of their code runs, and GetProcAddress returns null.
 #pragma once
 
 #include <ORLAtomic.h>
@@ -31,7 +31,7 @@ class ResourceStore;
 /// An executable module that Load loaded or Create wrapped.
 ///
 /// Owner:    the last ObjectPtr unloads a module that Load loaded. The caller owns a module that Create wrapped.
-///           Data and cursors of a module are invalid once it is unloaded, so no thread may use them then.
+///           Data and cursors of a module are invalid once it is unloaded, so no thread may use them after that.
 /// Threads:  lookups are thread-safe and acquire no lock, except that on Linux LoadCursorW acquires one. GetPath is not
 ///           thread-safe until its first call has returned, because that call fills a cache.
 /// Failure:  lookups return null, most of them after an assertion; see ResourceCollection.
@@ -39,7 +39,7 @@ class ORL_API Module : public ResourceCollection
 {
 public:
     /// Loads a module by library path. A name without a folder is looked up in the system's search path; on Linux the
-    /// program's folder comes first. Fires an input contract for an empty path. Returns kSuccess and replaces
+    /// program's folder is searched first. Fires an input contract for an empty path. Returns kSuccess and replaces
     /// outModule. On failure outModule is unchanged: kAccessDenied if the file is not readable, kGeneralFailure if the
     /// module or one that it depends on is missing, or if it is not a module for this machine. Throws std::bad_alloc.
     static int Load(const UTF16String& inModulePath, ObjectPtr<Module, AtomicValue>& outModule);

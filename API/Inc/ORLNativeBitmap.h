@@ -1,6 +1,6 @@
 // Floor: System
-// The functions for native bitmaps on Linux, where HBITMAP is a handle of this library. Only the Linux library exports
-// these functions.
+// Functions for native bitmaps on Linux, where HBITMAP is a handle of this library. Only the Linux library exports
+// them.
 #pragma once
 
 #include <ORLConfig.h>
@@ -12,7 +12,7 @@ namespace ORL {
 namespace Images {
 namespace Linux {
 
-/// The pixels of a bitmap. A pixel is a 32-bit number in the machine's byte order: alpha in bits 24 to 31, then red,
+/// The pixels of a bitmap. A pixel is a 32-bit number in native byte order: alpha in bits 24 to 31, then red,
 /// green, blue, premultiplied by alpha. The top row comes first.
 struct BitmapInfo
 {

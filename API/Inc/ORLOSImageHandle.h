@@ -1,5 +1,5 @@
 // Floor: System
-// A shared handle to a native bitmap: the result of a module's bitmap loaders.
+// A shared handle to a native bitmap, as returned by a module's bitmap loaders.
 //
 //   ORL::OSImageHandle picture(module->LoadBitmapWTL(100, true));
 //   if (picture.IsValid()) {
@@ -33,10 +33,10 @@ public:
     /// Shares the bitmap of the other handle. Throws std::bad_alloc.
     OSImageHandle(const OSImageHandle& inOther);
 
-    /// Shares the bitmap of the other handle and releases the share in the previous one. Never throws.
+    /// Shares the bitmap of the other handle and releases its share in the previous one. Never throws.
     OSImageHandle& operator=(OSImageHandle& inOther);
 
-    /// Releases the share in the bitmap.
+    /// Releases its share in the bitmap.
     ~OSImageHandle();
 
     /// Returns whether the handle holds a bitmap that is not null.

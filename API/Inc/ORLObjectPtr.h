@@ -3,7 +3,7 @@
 //
 //   ORL::ObjectPtr<Picture> picture(new Picture); // owns
 //   ORL::ObjectPtr<Picture> second = picture;     // shares; the last owner deletes the object
-//   auto third = ORL::MakeObjectPtr<Picture>();   // the same as the first line, with the class written once
+//   auto third = ORL::MakeObjectPtr<Picture>();   // same as the first line, but names the class once
 #pragma once
 
 #include <ORLAllocator.h>
@@ -18,7 +18,7 @@
 
 namespace ORL {
 
-/// A smart pointer whose copies share one object and one counter, which is allocated separately in 4 bytes. The counter
+/// A smart pointer whose copies share one object and one separately allocated 4-byte counter. The counter
 /// is null if and only if the object is.
 ///
 /// Owner:    the copies share ownership of the object; the last one deletes it.
@@ -100,7 +100,7 @@ public:
         std::swap(mPtr, ioOther.mPtr);
     }
 
-    /// Returns the object. An empty pointer fires an assertion, and is then dereferenced.
+    /// Returns the object. If the pointer is empty, fires an assertion, then dereferences null.
     T& operator*() const
     {
         ORL_ASSERT_MESSAGE_AT(IsValidAddress(mPtr, false), "IsValidAddress(mPtr)", "", "ORLObjectPtr", 199,
@@ -108,7 +108,7 @@ public:
         return *mPtr;
     }
 
-    /// Returns the object. An empty pointer fires an assertion, and null is returned.
+    /// Returns the object. If the pointer is empty, fires an assertion and returns null.
     T* operator->() const
     {
         ORL_ASSERT_MESSAGE_AT(IsValidAddress(mPtr, false), "IsValidAddress(mPtr)", "", "ORLObjectPtr", 209,
@@ -153,8 +153,8 @@ private:
     T* mPtr;
 };
 
-/// Creates an object from constructor arguments, and its first owner. Throws std::bad_alloc, or what the constructor
-/// throws.
+/// Creates an object from constructor arguments and returns its first owner. Throws std::bad_alloc, or what the
+/// constructor throws.
 template <class T, class... Arguments>
 ObjectPtr<T> MakeObjectPtr(Arguments&&... inArguments)
 {

@@ -1,5 +1,5 @@
 // Floor: Strings
-// Message templates with numbered placeholders, and splitting of text at a separator.
+// Message templates with numbered placeholders, and a function that splits a string at a separator.
 #pragma once
 
 #include <ORLConfig.h>
@@ -15,7 +15,7 @@
 namespace ORL {
 
 /// The parameters of a message template, in order: parameter 1 is the first element. T is UTF16String or std::string. A
-/// value. Throws std::bad_alloc.
+/// value type. Throws std::bad_alloc.
 template <class T>
 class ParamVectorImpl
 {
@@ -49,7 +49,7 @@ using StdParamVector = ParamVectorImpl<std::string>; ///< for 8-bit templates
 ORL_API Result ParseString(const UTF16String& inFormat, const ParamVectorImpl<UTF16String>& inParams,
                            UTF16String& outResult);
 
-/// Same as ParseString, for 8-bit text.
+/// Same as ParseString, for 8-bit strings.
 ORL_API Result ParseStdString(const std::string& inFormat, const ParamVectorImpl<std::string>& inParams,
                               std::string& outResult);
 

@@ -4,7 +4,7 @@
 // A path is Windows-style on every platform: a drive or \\server\share, then names separated by backslashes. Forms:
 //   rooted: begins with two backslashes, or with an ASCII letter and ":"
 //   drive root: is exactly a letter and ":", or \\?\ and a letter and ":"
-//   normalized: begins with \\?\ and is not a drive root; may exceed the length limit of plain paths
+//   normalized, or extended: begins with \\?\ and is not a drive root; may exceed the length limit of plain paths
 //   normalized UNC: begins with exactly \\?\UNC\ (case-sensitive)
 //
 // Thread-safe; takes no lock. No function returns a system error: on failure queries return false, true or an empty
@@ -71,7 +71,7 @@ ORL_API UTF16String RemoveTrailingSlash(const UTF16String& inPath);
 ORL_API bool FileHasExtension(const UTF16String& inPath, const UTF16String& inExtension);
 
 /// Joins the four parts. Adds the ":" of the drive, the trailing separator of the directory and the "." of the
-/// extension if missing. If the lengths plus 5 exceed 2048, reports an assertion and returns an empty path.
+/// extension if missing. If the sum of the lengths plus 5 exceeds 2048, reports an assertion and returns an empty path.
 ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                              const UTF16String& inExtension);
 
@@ -82,7 +82,7 @@ ORL_API UTF16String MakeFullPath(const UTF16String& inDrive, const UTF16String& 
 /// Returns the extended form of a rooted path, and any other string unchanged. Keeps slashes and does not resolve dots.
 ORL_API UTF16String ToNormalizedPath(const UTF16String& inFullPath);
 
-/// Returns whether the path is normalized. \\?\C: is not, \\?\C:\ is.
+/// Returns whether the path is normalized. \\?\C:\ is, but \\?\C: is not.
 ORL_API bool IsNormalizedPath(const UTF16String& inFullPath);
 
 namespace Win {
@@ -105,7 +105,7 @@ ORL_API UTF16String CombinePaths(const UTF16String& inBase, const UTF16String& i
 /// Returns whether a file or directory exists.
 ORL_API bool ExistsOnDisk(const UTF16String& inFullPath);
 
-ORL_API bool IsDirectory(const UTF16String& inFullPath); ///< returns whether it is an existing directory
+ORL_API bool IsDirectory(const UTF16String& inFullPath); ///< returns whether the path is an existing directory
 
 /// Returns whether the path is an empty directory. Hidden entries count.
 ORL_API bool IsDirectoryEmpty(const UTF16String& inFullPath);
@@ -119,14 +119,14 @@ ORL_API bool IsHidden(const UTF16String& inPath);
 ORL_API bool PreparePathForWrite(const UTF16String& inPath);
 
 /// Returns the path if nothing exists there, else the first unused of name_1.ext, name_2.ext and so on. The name is not
-/// reserved: two callers may get the same.
+/// reserved: two callers may get the same one.
 ORL_API UTF16String MakeUniqueFilename(const UTF16String& inPath);
 
 /// Returns the directory for temporary files, with its trailing separator. If the path is longer than 512 characters,
 /// reports an assertion and returns an empty path.
 ORL_API UTF16String GetTempDirectory();
 
-// The shell. On Linux a display name is the name itself.
+// The shell. On Linux a display name is the file name itself.
 
 /// Returns the shell's display name of the last component of a normalized path, and any other string unchanged.
 ORL_API UTF16String GetLeafDisplayStringFromPath(const UTF16String& inPath);

@@ -31,7 +31,7 @@ enum Type : int {
 /// On Linux: processes are listed from /proc as this user sees it, by ascending identifier. The name is that of the
 ///           file that the exe link points to, as a library path, even if the file was deleted. If the link is not
 ///           readable, the name is the first word of the command line, minus its folder, the "-" of a login shell and
-///           any text after ": ", where some processes show their state. Kernel threads have no name.
+///           any text from ": " on, where some processes show their state. Kernel threads have no name.
 ORL_API bool IsProcessRunning(const UTF16String& inName, ProcessSearchFlags::Type inFlags);
 
 /// Does nothing and returns false.

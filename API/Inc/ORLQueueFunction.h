@@ -1,7 +1,7 @@
 // Floor: Threads
-// Functions as requests of a work queue, and waiting for the result of one.
+// Queues functions as requests of a work queue, and returns futures for their results.
 //
-//   queue->QueueRequest(ORL::MakeFunctionRequest([] { Scan("C:\\Media"); })); // runs later; nobody waits
+//   queue->QueueRequest(ORL::MakeFunctionRequest([] { Scan("C:\\Media"); })); // runs later; no thread waits
 //   auto count = ORL::QueueFunction(queue, [] { return Scan("D:\\Media"); });
 //   std::cout << count.get();                                                // waits for this one request
 #pragma once
@@ -37,7 +37,7 @@ private:
 } // namespace Internal
 
 /// Returns a request that calls a copy of the function, or the moved function itself, each time it is processed. The
-/// function takes no arguments; its result is dropped. An exception is handled like that of any request: it is reported
+/// function takes no arguments; the result is ignored. An exception is handled like that of any request: it is reported
 /// as a warning. The last reference to the request destroys the function, usually on a thread of the queue. Throws
 /// std::bad_alloc, or what copying the function throws.
 template <class Function>
@@ -50,15 +50,15 @@ ThreadedWorkQueue::Request MakeFunctionRequest(Function&& inFunction)
 }
 
 /// Queues one call of a function and returns its future: wait() returns when the call has returned, and get() returns
-/// its result or throws its exception, which is not reported as a warning. Nobody need wait: the future's destructor
-/// does not.
+/// its result or throws its exception, which is not reported as a warning. The caller need not wait: the future's
+/// destructor does not wait.
 ///
 /// If the queue refuses the request, because it has no threads or has been stopped, get() throws std::future_error with
-/// std::future_errc::broken_promise. Waiting on a thread of a single-threaded queue for a request of the same queue
-/// never ends. The function object is destroyed after the future has become ready, on the thread that called it.
+/// std::future_errc::broken_promise. On a thread of a single-threaded queue, waiting for a request of the same queue
+/// deadlocks. The function object is destroyed after the future has become ready, on the thread that called it.
 ///
-/// Throws NullInterfaceException for a null queue, std::bad_alloc, or what copying the function throws; nothing is then
-/// queued. Thread-safe.
+/// Throws NullInterfaceException for a null queue, std::bad_alloc, or what copying the function throws; in these cases
+/// nothing is queued. Thread-safe.
 template <class Function>
 auto QueueFunction(const InterfaceRef<ThreadedWorkQueue, ORLUnknown>& inQueue, Function&& inFunction)
     -> std::future<std::invoke_result_t<std::decay_t<Function>&>>

@@ -32,7 +32,7 @@ struct RegistryRootKeys ///< The two roots.
     };
 };
 
-struct RegistryKeyAccess ///< What a key is opened for. The values combine with |.
+struct RegistryKeyAccess ///< The access a key is opened with. The values combine with |.
 {
     enum Type : int { kRead = 1, kWrite = 2 };
 };
@@ -42,7 +42,7 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
     return static_cast<RegistryKeyAccess::Type>(static_cast<int>(inLeft) | static_cast<int>(inRight));
 }
 
-/// A handle to one key. The handle is closed until an Open or Create succeeds. There is no Close: the handle stays open
+/// A handle to one key. The handle is closed until Open or Create succeeds. There is no Close: the handle stays open
 /// until its last copy is destroyed. If the key is deleted while handles to it are open, every operation on them fails,
 /// even after a key of the same name is created.
 ///
@@ -74,7 +74,7 @@ public:
 
     /// Opens a key below a root. inAccess 0 requests all access. Fires an assertion for an unknown root, which is
     /// treated as kUser, and for a non-zero access with neither kRead nor kWrite. Sets the path of this key to inPath
-    /// even on failure; the key then keeps its previous handle. Returns kFileNotFound if the key does not exist.
+    /// even on failure, but then keeps the previous handle. Returns kFileNotFound if the key does not exist.
     /// Without the right to write the machine's settings, a key of kMachine can only be opened with kRead.
     Result Open(RegistryRootKeys::Type inRoot, const UTF16String& inPath, RegistryKeyAccess::Type inAccess);
 
@@ -103,7 +103,7 @@ public:
     /// Converts a UTF-8 string with MakeString and stores it.
     Result SetStringValue(const UTF16String& inName, const std::string& inValue);
 
-    static constexpr std::size_t kMaxBinarySize = 4096; ///< the most bytes of a binary value
+    static constexpr std::size_t kMaxBinarySize = 4096; ///< maximum size of a binary value, in bytes
 
     /// Stores inBytes bytes. If inBytes exceeds kMaxBinarySize, fires an assertion and fails.
     Result SetBinaryValue(const UTF16String& inName, const void* inData, std::size_t inBytes);

@@ -19,8 +19,8 @@ struct RegistryValueTypes
 {
     enum Type : unsigned int {
         kNone = 0,
-        kString = 1,       ///< UTF-16 text with its terminator
-        kExpandString = 2, ///< text with variable names between percent signs
+        kString = 1,       ///< a UTF-16 string with its terminator
+        kExpandString = 2, ///< a string with variable names between percent signs
         kBinary = 3,
         kUInt32 = 4, ///< 4 bytes, little-endian
         kMultiString = 7,
@@ -39,7 +39,7 @@ struct RegistryValue
 /// A change for RegistryStore::Apply.
 struct RegistryEdit
 {
-    enum Kind {      ///< What is done.
+    enum Kind {      ///< The kind of change.
         kCreateKey,  ///< creates the key and its missing parents; succeeds if the key exists
         kDeleteKey,  ///< deletes the key and its descendants; succeeds if the key is missing
         kSetValue,   ///< sets mValue; creates the key if it is missing

@@ -11,8 +11,8 @@
 
 namespace ORL {
 
-/// Converts a numeric resource type or name to the form that the lookups expect: the value of the pointer is the
-/// number, and the pointer is never dereferenced.
+/// Converts a numeric resource type or name to the form that the lookups expect: a pointer whose value is the number
+/// and which is never dereferenced.
 inline const unsigned short* MakeResourceID(unsigned short inID) noexcept
 {
     return reinterpret_cast<const unsigned short*>(static_cast<std::uintptr_t>(inID));
@@ -46,8 +46,8 @@ public:
     /// outSize unchanged and fires no assertion.
     virtual void* LoadResource(const unsigned short* inName, const unsigned short* inType, int& outSize) const = 0;
 
-    /// Same as the other LoadResource, with a number as the name and a string as the type, which ends at its first zero
-    /// unit.
+    /// Same as the other LoadResource, with a number as the name and a string as the type. The type ends at its first
+    /// zero unit.
     virtual void* LoadResource(short inID, const UTF16String& inType, int& outSize) const = 0;
 
     /// Finds the first resource of a type, in the current language if it exists in that language. String names precede

@@ -27,7 +27,7 @@ namespace Resources {
 /// The type or name of a resource: a number or a string.
 struct FileName
 {
-    bool mIsText;       ///< whether mText identifies it, not mID
+    bool mIsText;       ///< true if mText identifies it, false if mID does
     unsigned short mID; ///< the number
     UTF16String mText;  ///< the string
 };
@@ -35,7 +35,7 @@ struct FileName
 struct FileEntry ///< One resource of a file.
 {
     FileName mType;             ///< what it is: a string table, a picture ...
-    FileName mName;             ///< its name among those of its type
+    FileName mName;             ///< its name within its type
     unsigned short mLanguage;   ///< its Windows language identifier
     const unsigned char* mData; ///< owned by the ResourceFile
     std::size_t mSize;          ///< in bytes
@@ -48,7 +48,7 @@ struct FilePicture ///< A decoded picture.
     std::vector<std::uint32_t> mPixels; ///< top row first; alpha in bits 24 to 31, then red, green, blue, premultiplied
 };
 
-/// An open file with resources. Files may be damaged or hostile: the reader never reads out of bounds, and needs time
+/// An open file with resources. Files may be damaged or hostile: the reader never reads out of bounds, and uses time
 /// and memory in proportion to their size.
 ///
 /// Owner:    the object owns the bytes of the file and its entries, until it is destroyed.
@@ -57,7 +57,7 @@ struct FilePicture ///< A decoded picture.
 class ORL_API ResourceFile
 {
 public:
-    enum Format { kNone, kCompiledFile, kWindowsModule, kLinuxModule }; ///< of the open file
+    enum Format { kNone, kCompiledFile, kWindowsModule, kLinuxModule }; ///< the format of the open file
 
     ResourceFile();
     ~ResourceFile();
@@ -102,7 +102,7 @@ private:
 /// outTexts unchanged, if the data is truncated. Throws std::bad_alloc.
 ORL_API bool ReadStringBlock(const FileEntry& inEntry, std::vector<UTF16String>& outTexts);
 
-/// Returns whether a menu (type 4), dialog (type 5) or string table (type 6) can be read to its end. Returns true for
+/// Returns whether a menu (type 4), dialog (type 5) or string table (type 6) can be parsed to its end. Returns true for
 /// every other type. Throws std::bad_alloc.
 ORL_API bool IsWellFormed(const FileEntry& inEntry);
 

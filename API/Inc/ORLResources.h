@@ -19,7 +19,7 @@ namespace Linux {
 /// resources. Thread-safe. Never throws.
 ORL_API HINSTANCE ModuleOfAddress(const void* inAddress);
 
-/// Bits of MenuItem::mFlags, with the values of Windows.
+/// Bits of MenuItem::mFlags, with their Windows values.
 inline constexpr unsigned int kMenuGrayed = 0x0001;
 inline constexpr unsigned int kMenuDisabled = 0x0002;
 inline constexpr unsigned int kMenuChecked = 0x0008;
@@ -36,7 +36,7 @@ struct MenuItem ///< One item of a menu.
     HMENU mSubMenu;      ///< owned by the menu; null if the item has no submenu
 };
 
-/// Returns the number of items; 0 for a null menu. Thread-safe until DestroyMenu, as GetMenuItem is, because menus are
+/// Returns the number of items; 0 for a null menu. Like GetMenuItem, thread-safe until DestroyMenu, because menus are
 /// immutable.
 ORL_API int GetMenuItemCount(HMENU inMenu);
 

@@ -9,7 +9,7 @@
 
 namespace ORL {
 
-/// 32-bit signed code, negative for failure. Bit 31: failure. Bit 29: set in every non-zero code of this library. Bits
+/// Signed 32-bit code, negative for failure. Bit 31: failure. Bit 29: set in every non-zero code of this library. Bits
 /// 16 to 27: the facility (0x00A object model, 0x00F foundation). Bits 0 to 15: the code, counted from 1.
 using Result = std::int32_t;
 
@@ -72,11 +72,11 @@ constexpr const char* DescribeResult(Result inResult) noexcept
 
 } // namespace Internal
 
-/// Returns the name of a code and a sentence in English for logs: "kDiskFull: The volume is full." Never null; the text
-/// is static. A number that is not a code returns "(unknown failure)" or "(unknown success)". Thread-safe, and may be
-/// called in a signal handler.
+/// Returns the name of a code and a sentence in English for logs: "kDiskFull: The volume is full." Never null; the
+/// string is static. Returns "(unknown failure)" or "(unknown success)" for a number that is not a code. Thread-safe,
+/// and may be called in a signal handler.
 ///
-/// A template that accepts exactly a Result, so that a host's own Describe takes precedence.
+/// A template that accepts only a Result, so that a host's own Describe takes precedence.
 template <class Code, std::enable_if_t<std::is_same_v<Code, Result>, int> = 0>
 constexpr const char* Describe(Code inResult) noexcept
 {
