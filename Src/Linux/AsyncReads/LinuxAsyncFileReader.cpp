@@ -1,4 +1,4 @@
-// The files and threads for asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
+// Implements files and threads for asynchronous reads. LinuxRingPort.cpp and LinuxThreadPort.cpp implement the ports.
 #include "LinuxCompletionPort.h"
 
 #include "../Calls/LinuxErrors.h"
@@ -88,7 +88,7 @@ namespace {
 using namespace ORL::Linux;
 using namespace SystemErrors;
 
-// The port of the held-back reads: a counted reference, because their files may be closed before the reads are
+// The port of the batched reads: a counted reference, because their files may be closed before the reads are
 // submitted. Only the thread that starts reads uses this reference.
 Immortal<std::shared_ptr<CompletionPort>> sBatchPort;
 

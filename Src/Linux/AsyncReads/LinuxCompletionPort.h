@@ -37,10 +37,10 @@ public:
     /// Makes Get return false from now on. A thread that waits in Get returns immediately or with the next completion.
     virtual void Close() = 0;
 
-    /// Returns 997 if the read is in progress or held back, otherwise the error that prevented the start.
+    /// Returns 997 if the read is in progress or batched, otherwise the error that prevented the start.
     virtual SystemError Start(const ReadRequest& inRequest) = 0;
 
-    /// Submits the held-back reads. Returns how many of the newest reads the system refused, with the reason in
+    /// Submits the batched reads. Returns how many of the newest reads the system refused, and stores the reason in
     /// outError.
     virtual std::size_t Submit(SystemError& outError) = 0;
 
@@ -79,8 +79,8 @@ struct AsyncFile
     int File() const noexcept { return mShares.File(); }
 };
 
-/// Creates a port based on io_uring. Returns null if the kernel refuses the ring or lacks an operation, with the reason
-/// in outError as an errno. Throws std::bad_alloc.
+/// Creates a port based on io_uring. If the kernel refuses the ring or lacks an operation, returns null and stores the
+/// errno in outError. Throws std::bad_alloc.
 std::shared_ptr<CompletionPort> MakeRingPort(int& outError);
 
 /// Creates a port based on a few threads that call pread. inRefusal is the errno with which the ring was refused, or 0
@@ -98,10 +98,10 @@ private:
     int mLeft = 2000; // remaining tries, one millisecond apart
 };
 
-/// Reads on the calling thread. Returns the bytes read, or an errno negated.
+/// Reads on the calling thread. Returns the number of bytes read, or a negated errno.
 std::int64_t ReadNow(const ReadRequest& inRequest);
 
-/// Fills outCompletion for a completed read. inReturned is the number of bytes, or an errno negated. Returns false for
+/// Fills outCompletion for a completed read. inReturned is the number of bytes, or a negated errno. Returns false for
 /// a failed read.
 bool CompleteRead(const AsyncFile& inFile, AsyncFiles::Platform::Overlapped& inOverlapped, std::int64_t inReturned,
                   AsyncFiles::Platform::Completion& outCompletion);

@@ -17,7 +17,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// The submission queue has space for the reads held back, a packet, and entries that the kernel refused. The completion
+// The submission queue has space for the batched reads, a packet, and entries that the kernel refused. The completion
 // queue has space for every read that can be in flight, and an empty packet.
 constexpr unsigned kSubmissions = 4 * kMaxBatchedReads;
 constexpr unsigned kCompletions = 4096;
@@ -85,7 +85,7 @@ public:
     void Close() override
     {
         mIsClosed.store(true);
-        // A packet wakes a thread that waits in Get; if there is no space for one, the alarm does.
+        // A packet wakes a thread that waits in Get; if there is no space for one, the alarm wakes it.
         if (!PostEmptyPacket() && mAlarm) {
             System().mRaiseEvent(mAlarm.Get());
         }

@@ -106,7 +106,7 @@ public:
         return SystemErrors::kErrorIoPending;
     }
 
-    // This port holds back no reads, so there is nothing to submit.
+    // This port does not batch reads, so there is nothing to submit.
     std::size_t Submit(SystemError& outError) override
     {
         outError = SystemErrors::kNoError;

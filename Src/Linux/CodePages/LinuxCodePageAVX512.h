@@ -7,8 +7,8 @@
 #include <immintrin.h>
 
 #if !defined(__clang__)
-// The compiler's headers leave operands undefined that a full mask makes irrelevant, and the compiler warns about
-// those.
+// GCC's headers leave operands undefined where a full mask makes them irrelevant, and GCC warns about these
+// operands.
 #  pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 

@@ -9,7 +9,7 @@ namespace ORL {
 namespace Linux {
 
 /// Converts inCount elements, at least one, and returns the number of elements written. outText must have room for all
-/// elements written; a conversion writes nothing after them.
+/// elements written; a conversion writes nothing past them.
 template <class Page, class Source, class Result>
 using ConversionFunction = std::size_t(const Page& inPage, const Source* inText, std::size_t inCount,
                                        Result* outText) noexcept;

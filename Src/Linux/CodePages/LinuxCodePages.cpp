@@ -46,7 +46,7 @@ std::size_t PairsToBytes(const DoubleBytePage& inPage, const unsigned short* inT
     return static_cast<std::size_t>(next - outBytes);
 }
 
-// Returns 0 for a count above 2^31 - 1, because the Windows functions have 32-bit sizes.
+// Returns 0 for a count above 2^31 - 1, because the Windows functions use 32-bit sizes.
 std::size_t Limited(std::size_t inCount)
 {
     return inCount <= INT_MAX ? inCount : 0;

@@ -98,7 +98,7 @@ bool IsPrivilegedInstruction(const unsigned char* inCode) noexcept
     return isPort || first == 0xF4 || first == 0xFA || first == 0xFB; // hlt, cli, sti
 }
 
-// Returns true unless the kernel raised the signal for a failed instruction; only then is si_code positive.
+// Returns true unless the kernel raised the signal for a failed instruction, as a positive si_code shows.
 bool IsSent(const siginfo_t& inInfo) noexcept
 {
     return inInfo.si_code <= 0;

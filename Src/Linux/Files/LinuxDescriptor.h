@@ -52,9 +52,9 @@ private:
     int mFile;
 };
 
-/// Open a file by its path, or by its name in an open folder, with the flags and the mode of open(2) and openat(2).
-/// Repeat a call that a signal interrupted. Add O_CLOEXEC, so that no child process inherits the file. On failure
-/// return an empty Descriptor and set errno.
+/// These functions open a file by its path, or by its name in an open folder, with the flags and mode of open(2). They
+/// repeat a call that a signal interrupts, and add O_CLOEXEC, so that no child process inherits the file. On failure
+/// they return an empty Descriptor and set errno.
 Descriptor OpenByPath(const char* inPath, int inFlags, mode_t inMode = 0) noexcept;
 Descriptor OpenByName(int inFolder, const char* inName, int inFlags, mode_t inMode = 0) noexcept;
 

@@ -57,7 +57,7 @@ bool Exists(const std::string& inPath)
     return System().mStatx(AT_FDCWD, inPath.c_str(), 0, STATX_TYPE, &status) == 0;
 }
 
-// Returns the path itself or the nearest existing folder above it, at most up to the root.
+// Returns the path itself or its nearest existing ancestor, at most up to the root.
 std::string NearestExisting(std::string inPath, const std::string& inRoot)
 {
     while (inPath.size() > inRoot.size() && !Exists(inPath)) {

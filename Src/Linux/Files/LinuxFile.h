@@ -24,7 +24,7 @@ struct OpenFile
     bool mDropsPages = false;       // unbuffered, but without direct I/O: drops the pages from the cache
     std::uint32_t mAlignment = 512; // alignment of unbuffered reads and writes
     std::int64_t mPosition = 0;
-    std::string mNameToDelete;                       // not empty: the host path to delete when the file is closed
+    std::string mNameToDelete;                       // the host path to delete on close; empty for none
     std::shared_ptr<const Descriptor> mFolderOfName; // the open folder through which a long path is resolved
     FileIdentity mIdentity;
 

@@ -265,7 +265,7 @@ struct SwapFile
 };
 
 // The replaced name always has the old or the new contents. The replacement's own name exists as long as the replaced
-// name has the old contents, so after an interruption its existence shows whether the exchange was done.
+// name has the old contents, so after an interruption its existence shows that the exchange is incomplete.
 SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, Backup& ioBackup)
 {
     const int contents = inReplacement.mShare.File();

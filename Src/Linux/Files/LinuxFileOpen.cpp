@@ -157,7 +157,7 @@ void ApplyFlags(OpenFile& ioFile, const OpenRequest& inRequest, const struct sta
     }
 }
 
-// Prepares the open file. On failure the caller destroys the open file.
+// Prepares a file that has just been opened. On failure the caller destroys ioFile.
 SystemError SetUp(OpenFile& ioFile, const OpenRequest& inRequest, bool inIsNew, struct stat& outStatus)
 {
     if (System().mFStat(ioFile.File(), &outStatus) != 0) {

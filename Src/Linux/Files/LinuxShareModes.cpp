@@ -183,8 +183,8 @@ void WaitBeforeTry(int inTry, const void* inSelf)
     std::this_thread::sleep_for(std::chrono::microseconds((mixed >> 48) % (std::uint64_t{4} << inTry)));
 }
 
-// For a holder that shares nothing and so excludes all others. One write lock on all bytes excludes them, and acquires
-// and tests in one step. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
+// For a holder that shares nothing and so excludes all others. Acquiring one write lock on all bytes tests for them and
+// excludes them. The lock needs a writable descriptor; returns kNoLocks if inDescriptor is not writable.
 Outcome LockExclusively(int inDescriptor)
 {
     constexpr unsigned kAllBytes = (1u << kByteCount) - 1;
@@ -201,7 +201,7 @@ Outcome LockExclusively(int inDescriptor)
     return Outcome::kConflict;
 }
 
-// Acquires the bytes of inHeld unless another holder has one of inTested.
+// Locks the bytes of inHeld unless another holder has locked one of inTested.
 Outcome LockUnlessHeld(int inDescriptor, unsigned inHeld, unsigned inTested)
 {
     for (int attempt = 0; attempt < kTries; ++attempt) {

@@ -21,7 +21,7 @@ void ForEachUserAttribute(int inFile, Call inCall)
 {
     const ssize_t size = System().mFListXAttr(inFile, nullptr, 0);
     if (size <= 0) {
-        return; // nearly all files have no user attributes
+        return; // the usual case: no extended attributes
     }
     std::vector<char> names(kLargestValue);
     const ssize_t listed = System().mFListXAttr(inFile, names.data(), names.size());

@@ -57,7 +57,7 @@ bool IsIgnorable(const Chunk& inChunk) noexcept
     return inChunk.Is("tEXt") || inChunk.Is("gAMA") || inChunk.Is("sRGB") || inChunk.Is("pHYs") || inChunk.Is("tIME");
 }
 
-// The compressed pixels: the contents of all IDAT chunks, joined.
+// The compressed pixels: the concatenated contents of all IDAT chunks.
 class PackedPixels
 {
 public:

@@ -35,7 +35,7 @@ bool Open(spng_ctx* inContext, const Bytes& inFile, spng_ihdr& outHeader) noexce
            && ::spng_get_ihdr(inContext, &outHeader) == 0;
 }
 
-// Returns a lower bound for the uncompressed size of all rows.
+// Returns a lower bound on the uncompressed size of all rows.
 std::uint64_t MinUnpackedSize(const spng_ihdr& inHeader) noexcept
 {
     constexpr unsigned int kChannels[] = {1, 0, 3, 1, 2, 0, 4};

@@ -28,8 +28,8 @@ bool DecodePNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeCommonPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 bool DecodeAnyPNG(const Resources::Bytes& inFile, DecodedPNG& outPicture) noexcept;
 
-/// Returns whether deflate can compress that many bytes into a file of that size. This bounds what a small file can
-/// make the decoder allocate.
+/// Returns whether deflate can compress inBytes bytes into a file of inFileSize bytes. This bounds what a small file
+/// can make the decoder allocate.
 inline bool CanExpandTo(std::size_t inFileSize, std::uint64_t inBytes) noexcept
 {
     constexpr std::uint64_t kBestRatio = 1032; // two bits can represent 258 bytes

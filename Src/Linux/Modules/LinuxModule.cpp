@@ -57,8 +57,8 @@ bool IsModuleOfThisMachine(const ElfW(Ehdr) & inHeader) noexcept
            && inHeader.e_type == ET_DYN && inHeader.e_machine == EM_X86_64;
 }
 
-// The loader reports the reason for a failure only as text. The module's file has already been checked, so a dependency
-// must be missing.
+// The loader reports the reason for a failure only as a message. The module's file has already been checked, so a
+// dependency must be missing.
 SystemError LoadObject(const std::string& inName, HINSTANCE& outModule)
 {
     void* const handle = System().mLoadObject(inName.c_str(), RTLD_NOW | RTLD_LOCAL);

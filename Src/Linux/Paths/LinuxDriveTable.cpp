@@ -31,7 +31,7 @@ bool EqualIgnoringASCIICase(const UTF16String& inLeft, const UTF16String& inRigh
                       [](unsigned short a, unsigned short b) { return LowerASCII(a) == LowerASCII(b); });
 }
 
-// Returns true if inFolder is inHostPath or a folder above it.
+// Returns true if inFolder is inHostPath or one of its ancestors.
 bool Holds(const std::string& inFolder, const std::string& inHostPath) noexcept
 {
     if (inFolder.empty() || inHostPath.compare(0, inFolder.size(), inFolder) != 0) {

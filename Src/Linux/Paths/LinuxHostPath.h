@@ -27,7 +27,7 @@ struct HostPath
 };
 
 /// Resolves a library path as Windows does. The plain form also accepts "/" as a separator, resolves "." and "..",
-/// drops doubled separators and trailing dots and blanks, and starts from the current folder if it is relative. The
+/// drops repeated separators and trailing dots and blanks, and starts from the current folder if it is relative. The
 /// extended form (\\?\) is not normalised. Plain paths may have any length. The path need not exist. Returns 3 for an
 /// empty path, a drive that is not mounted or an unknown root, 53 for a share that is not mounted, 123 for an invalid
 /// name, 2 for a name that contains ":". On failure outHostPath is unchanged.

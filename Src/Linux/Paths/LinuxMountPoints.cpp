@@ -33,8 +33,8 @@ std::string NextName(const std::string& inPath, std::size_t& ioPosition)
     return inPath.substr(start, ioPosition - start);
 }
 
-// ".." goes up from the target of a link, so the path is resolved first; a path that does not exist just loses its last
-// component.
+// ".." after a link means the parent of its target, so the path is resolved first; a path that does not exist just
+// loses its last component.
 void GoUp(std::string& ioPath)
 {
     char resolved[PATH_MAX];
@@ -45,7 +45,7 @@ void GoUp(std::string& ioPath)
     ioPath.resize(slash == std::string::npos ? 0 : slash);
 }
 
-// Returns an absolute path without ".", "..", doubled and trailing slashes; "/" for the root, empty for a relative
+// Returns an absolute path without ".", ".." and repeated or trailing slashes; "/" for the root, empty for a relative
 // path.
 std::string Clean(const std::string& inHostPath)
 {

@@ -138,7 +138,7 @@ void AppendUnitOfASCII(UTF16String& ioText, unsigned inByte, bool inIsLast)
     ioText += static_cast<unsigned short>(travels ? kPrivateBase + inByte : inByte);
 }
 
-// A fast path for long listings: most names consist only of plain bytes.
+// Returns true if the name needs no conversion: a fast path, because most names consist only of plain bytes.
 bool IsPlainName(const unsigned char* inBytes, std::size_t inSize) noexcept
 {
     for (std::size_t i = 0; i < inSize; ++i) {
@@ -181,7 +181,7 @@ void AppendUnitsOfName(UTF16String& ioText, const char* inName, std::size_t inSi
 
 void AppendBytesOfName(std::string& ioBytes, const unsigned short* inUnits, std::size_t inCount)
 {
-    // A string zero-fills when it grows, so the bytes are gathered here and appended once.
+    // A string zero-fills its memory when it grows, so the bytes are collected here and appended once.
     char bytes[kLongestName] = {};
     const std::size_t most = std::min(inCount, kLongestName);
     std::size_t plain = 0;

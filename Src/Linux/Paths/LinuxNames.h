@@ -3,7 +3,7 @@
 // A name that is UTF-8 and legal in a library path is the same in both forms. Every other byte is encoded as one
 // private code unit, U+F000 plus the byte. The encoding applies to bytes that are not UTF-8, to characters that are
 // illegal in the names in library paths (control characters and " * : < > ? \ |), and to a blank or dot at the end,
-// which plain paths would drop. A character on disk that looks like one of these units is encoded as its three bytes.
+// which plain paths would drop. A character on disk that equals one of these units is encoded as its three bytes.
 // Every name therefore survives the round trip.
 #pragma once
 

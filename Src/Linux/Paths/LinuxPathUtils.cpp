@@ -161,7 +161,7 @@ void MakeFolder(int inFolder, const std::string& inPath)
                          : System().mMakeDirAt(inFolder, inPath.c_str(), 0777);
 }
 
-// Creates from the top down. A folder that already exists, or that another thread creates meanwhile, is not an error.
+// Creates folders from the top down. A folder that already exists, or that another thread creates, is not an error.
 void MakeFolders(int inFolder, const std::string& inPath)
 {
     for (std::size_t slash = inPath.find('/', 1); slash != std::string::npos; slash = inPath.find('/', slash + 1)) {
@@ -178,7 +178,7 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath)
     if (ResolveHostPath(inPath, path) != kNoError) {
         return false;
     }
-    // Changes the folder in steps, each as long as the kernel accepts.
+    // Walks a long path in steps, each as long as the kernel accepts.
     std::string rest = std::move(path.mPath);
     Descriptor folder;
     while (rest.size() >= PATH_MAX) {

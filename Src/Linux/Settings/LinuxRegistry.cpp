@@ -28,8 +28,8 @@ void AfterForkInChild();
 
 std::atomic<Stores*> sStores{nullptr};
 
-// The first use creates the stores. The stores are never destroyed, because threads may run after static objects have
-// been destroyed.
+// The first use creates the stores. They are never destroyed, because threads may run after static objects have been
+// destroyed.
 Stores& TheStores()
 {
     static Stores* const sMade = [] {

@@ -79,7 +79,7 @@ SystemError Store::Create(const HandleParts& inParent, const unsigned short* inP
             mTree.Insert(*last, key.mId, key.mFolded, key.mName);
             const std::shared_ptr<StoredKey>* const inserted = Tree::Find(*last, key.mFolded);
             if (inserted == nullptr) {
-                break; // a corrupt database: the new key has the identifier of a different key
+                break; // a corrupt database: another key already has the new key's identifier
             }
             last = inserted->get();
         }

@@ -10,8 +10,8 @@ namespace {
 
 constexpr unsigned short kSeparator = '\\';
 
-// Folds a non-ASCII unit. Like the Windows table, keeps a unit that would fold to several units or to
-// ASCII.
+// Folds a non-ASCII unit. Like the Windows table, does not fold a unit whose folded form would be several
+// units or ASCII.
 unsigned short FoldUnit(unsigned short inUnit)
 {
     const UTF16String folded = tvxcore::utility::FoldCase(UTF16String(1, inUnit));

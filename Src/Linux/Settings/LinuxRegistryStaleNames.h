@@ -18,7 +18,7 @@ namespace Linux {
 class StaleNames
 {
 public:
-    /// With more hashes than this, it is cheaper to load all values of the key.
+    /// Above this number of hashes, loading all values of the key is cheaper.
     static constexpr std::size_t kMaxHashes = 1024;
 
     bool IsEmpty() const noexcept { return mLoaded.empty(); }

@@ -44,7 +44,7 @@ public:
     UnitsView Folded() const noexcept { return UnitsAt(0, mFoldedUnits); }
     UnitsView Name() const noexcept { return UnitsAt(NameOffset(mFoldedUnits, mSize), mNameUnits); }
 
-    /// Replaces type and data and returns true if the new data has the size of the old data; otherwise returns false.
+    /// Replaces type and data and returns true if the new data is as large as the old; otherwise changes nothing.
     bool Assign(const ValueData& inData) noexcept;
 
     /// Returns whether the database may contain a newer value.

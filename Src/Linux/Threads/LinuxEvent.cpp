@@ -1,4 +1,4 @@
-// Events, each based on one futex word. The word and the number of waiters share 64 bits, so signalling is one atomic
+// Events, each over one futex word. The word and the number of waiters share 64 bits, so signalling is one atomic
 // operation, after which the event is not accessed again: the released thread may destroy it.
 #include <Platform/Event.h>
 

@@ -54,7 +54,7 @@ bool IsInside(int inFolder, int inTop)
     return true;
 }
 
-// Opens the folder at a path, or the nearest existing folder above it.
+// Opens the folder at a path, or its nearest existing ancestor.
 Descriptor OpenNearest(std::string inPath)
 {
     for (;;) {
@@ -84,7 +84,7 @@ SystemError OpenSource(ShellFunction inFunction, const UTF16String& inFrom, Desc
     return outSource ? kNoError : SystemErrorFromErrno(errno, path.mPath);
 }
 
-// Syncs the names of all folders on the path from inTop to the folder. inTop is above the folder or the folder itself.
+// Syncs the names of all folders on the path from inTop to the folder. inTop is the folder itself or an ancestor.
 int SyncNamesBelow(int inTop, int inFolder)
 {
     struct stat top;
@@ -134,7 +134,7 @@ SystemError OpenDestination(ShellFunction inFunction, const UTF16String& inTo, i
     if (!outDestination) {
         return SystemErrorFromErrno(errno, path.mPath);
     }
-    // The nearest existing folder of a very long path may be far above.
+    // For a very long path, the ancestor checked above may be far from the destination, so check again.
     if (path.mFolder && IsInside(outDestination.Get(), inSource)) {
         return kErrorInvalidParameter;
     }

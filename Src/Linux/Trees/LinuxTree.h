@@ -2,7 +2,7 @@
 // tree, even if a folder is replaced by a link during the operation.
 //
 // A tree contains files, folders and links. Other entries (pipes, devices) can be moved within their volume and
-// deleted, but not copied: ENOTSUP. An entry that is open in a handle that does not share the operation stays
+// deleted, but not copied: ENOTSUP. An entry that is open through a handle that does not share the operation stays
 // unchanged: ETXTBSY, which LinuxErrors converts to 32. A deeper tree needs more memory, but no more descriptors or
 // stack (LinuxTreePath.h). The first failure stops the operation; finished steps are not undone. Every function returns
 // 0 or an errno and may throw std::bad_alloc.

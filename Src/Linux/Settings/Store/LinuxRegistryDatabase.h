@@ -57,9 +57,9 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the database at a location. Returns 2 with kReport if the database does not exist. Refuses a database with
-    /// a newer version, a symbolic link, and a folder that other users may write. If Open fails on a damaged database,
-    /// SetAsideIfDamaged can rename it.
+    /// Opens the database at a location. With kReport, returns 2 if the database does not exist. Rejects a database
+    /// with a newer version, a symbolic link, and a folder that other users may write. If Open fails on a damaged
+    /// database, SetAsideIfDamaged can rename it.
     SystemError Open(const StoreLocation& inLocation, IfMissing inIfMissing);
     void Close() noexcept;
     bool IsOpen() const noexcept { return mConnection != nullptr; }

@@ -56,7 +56,7 @@ bool Exists(const std::string& inPath)
     return StatusOf(inPath, status);
 }
 
-// Returns the current date.
+// Returns the current time as 20261122T031500Z.
 std::string Now()
 {
     struct timespec now = {};
@@ -76,7 +76,7 @@ SystemError MakeFolder(const StoreLocation& inLocation)
         const std::string folder = inLocation.mFolder.substr(0, slash);
         if (System().mMakeDir(folder.c_str(), inLocation.mIsWorldReadable ? 0755 : 0700) != 0 && errno != EEXIST) {
             const int error = errno;
-            if (!Exists(folder)) { // ignore the error for an existing parent, which the process may not create
+            if (!Exists(folder)) { // an existing parent is no error, whatever mkdir reports
                 return StoreError(error);
             }
         }

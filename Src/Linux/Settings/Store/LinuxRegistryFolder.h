@@ -26,7 +26,7 @@ bool MayCreate(const StoreLocation& inLocation);
 /// outDatabase is the resolved path of the database.
 SystemError CheckLocation(const StoreLocation& inLocation, std::string& outDatabase);
 
-/// Returns whether processes share memory through files in the folder. Returns false on a network file system.
+/// Returns whether processes can share memory through files in the folder. Returns false on a network file system.
 bool HasSharedMemory(const std::string& inFolder) noexcept;
 
 /// Stores the device and inode of a file. Returns false if the file does not exist.

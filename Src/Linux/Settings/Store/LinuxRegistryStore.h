@@ -127,11 +127,11 @@ private:
     Tree mTree TVXCORE_GUARDED_BY(mMemoryLock);
     HandleTable mHandles TVXCORE_GUARDED_BY(mMemoryLock);
     Units mFolded TVXCORE_GUARDED_BY(mMemoryLock); // buffer for the name that is looked up
-    // The board's generation whose changes are in memory.
+    // The last generation of the board whose changes are in memory.
     std::uint64_t mAppliedGeneration TVXCORE_GUARDED_BY(mMemoryLock) = kUnknownGeneration;
     // For a database without a board: the data version whose contents are in memory.
     std::int64_t mVersion TVXCORE_GUARDED_BY(mMemoryLock) = -1;
-    // When the files of the database and its board were last found under their names.
+    // When the names of the database and its board were last found to refer to the open files.
     std::uint64_t mFilesCheckedAt TVXCORE_GUARDED_BY(mMemoryLock) = 0;
 };
 
