@@ -1,4 +1,4 @@
-// What must hold when arbitrary bytes are read as a PNG file. The fuzzer and the plain tests check the same properties.
+// Properties of reading arbitrary bytes as a PNG file. The fuzzer and the plain tests check the same properties.
 #pragma once
 
 #include <Linux/Images/LinuxPNG.h>
@@ -9,7 +9,7 @@
 namespace ORLFuzz {
 
 /// Returns null, or a description of the property that failed. Decodes a copy of the input, in memory of exactly its
-/// size, with both decoders: a file that the fast decoder accepts must have the same pixels in the other decoder.
+/// size, with both decoders: a file that the fast decoder accepts must decode to the same pixels with the other one.
 inline const char* CheckPNG(const unsigned char* inData, std::size_t inSize)
 {
     const std::unique_ptr<unsigned char[]> copy(new unsigned char[inSize]);

@@ -1,4 +1,4 @@
-// What must hold when arbitrary bytes are read as a bitmap. The fuzzer and the plain tests check the same properties.
+// Properties of reading arbitrary bytes as a bitmap. The fuzzer and the plain tests check the same properties.
 #pragma once
 
 #include <Images/BitmapReader.h>

@@ -1,4 +1,4 @@
-// What must hold for arbitrary bytes parsed as resources. The fuzzers and the plain tests check the same properties.
+// Properties of parsing arbitrary bytes as resources. The fuzzers and the plain tests check the same properties.
 #pragma once
 
 #include <Resources/CursorReader.h>

@@ -1,8 +1,8 @@
-// Properties that must hold when arbitrary text is parsed as timecode. The fuzzer and the plain test that replays its
-// corpus check the same properties.
+// Properties that must hold when an arbitrary string is parsed as timecode. The fuzzer and the plain test that replays
+// its corpus check the same properties.
 //
-// Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a UTF-16 unit of the text;
-// 0xFF introduces the two bytes, low byte first, of any other unit.
+// Input: byte 0 selects the format, byte 1 the rate, byte 2 the style. Each further byte is a UTF-16 unit of the
+// string; 0xFF introduces the two bytes, low byte first, of any other unit.
 #pragma once
 
 #include <ORLTimecode.h>
@@ -86,7 +86,7 @@ inline TimecodeInput ReadInput(const std::uint8_t* inData, std::size_t inSize)
     return input;
 }
 
-/// Returns whether the library's text of a time, with its sign and all fields, must parse to the same time: the time
+/// Returns whether the library's string for a time, with sign and all fields, must parse to the same time: the time
 /// must be whole frames at the format's rate, within a day. Labels must use their format's own rate, because frames
 /// that overflow a slower rate would carry.
 inline bool RoundTrips(const TimecodeInput& inInput, const tvxmediatypes::TickTime& inTime)

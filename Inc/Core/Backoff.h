@@ -7,14 +7,14 @@ namespace ORL {
 namespace Sync {
 
 /// Runs one iteration of a spin: the processor saves power and lets the other hardware thread of its core run. tvxcore
-/// spins with the same instruction; sharing a function for it would need a public header, and hosts do not spin.
+/// has its own such function: sharing this one would need a public header, and hosts do not spin.
 inline void PauseProcessor() noexcept
 {
     __builtin_ia32_pause();
 }
 
 /// The escalation of a repeated wait: the turns before mFirstYield pause the processor, the turns before mFirstSleep
-/// yield it, and later turns sleep for a millisecond each, because a yield lets no thread of lower priority run.
+/// yield it, and later turns sleep for a millisecond each, because a yield does not let threads of lower priority run.
 struct Backoff
 {
     int mFirstYield;

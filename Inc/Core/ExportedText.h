@@ -1,4 +1,4 @@
-// String constants that the library exports.
+// Definitions of string constants, exported or private.
 #pragma once
 
 #include <Core/UntilUnload.h>
@@ -7,7 +7,7 @@
 
 namespace ORL {
 
-// Initialised before all objects of the library that lack this attribute, regardless of the source that defines them.
+// Initialises an object before all objects of the library that lack this attribute, whatever file defines them.
 #define ORL_BUILT_FIRST __attribute__((init_priority(101)))
 
 // Defines a constant that a header declares as `const UTF16String`. Host threads may use the string during process

@@ -8,7 +8,7 @@
 namespace ORL {
 
 /// Destroys its value when the library is unloaded, and keeps it at process exit for threads that are still running.
-/// Only for static objects. The value has the address of the object.
+/// Only for static objects. The value is at the address of the object.
 template <class T>
 class UntilUnload
 {

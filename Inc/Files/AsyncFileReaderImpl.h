@@ -15,7 +15,7 @@
 namespace ORL {
 
 /// Creates the completion port, the completion thread and the executor that starts reads. Fires an input contract if
-/// the three already exist. If creating the executor throws, everything is undone.
+/// the three already exist. Undoes everything if creating the executor throws.
 void StartupAsyncFileOperations();
 
 /// Stops and destroys the port, the thread and the executor. Callbacks for completions that are already queued at the

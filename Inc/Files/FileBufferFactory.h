@@ -6,7 +6,7 @@
 namespace ORL {
 namespace Foundation {
 
-/// Returns a counted copy, or null if none is set. Takes the foundation lock.
+/// Returns a counted reference to the factory, or null if none is set. Takes the foundation lock.
 InterfaceRef<IFileBufferFactory, IFileBufferFactory> GetFileBufferFactory();
 
 } // namespace Foundation

@@ -41,13 +41,13 @@ namespace Files {
 /// The smallest block size of a cache, in bytes.
 inline constexpr std::uint32_t kSmallestBlock = 65536;
 
-/// The result for a failure without a specific code.
+/// The result for a failure without an error code.
 inline constexpr Result kBareFailure = -1;
 
 /// Returns kSuccess for 0.
 Result ResultOf(SystemError inError);
 
-// The system's values for the flags. Unknown bits are ignored.
+// Return the system's values for the flags. Unknown bits are ignored.
 std::uint32_t SystemAccess(FileAccessFlags::Type inAccess) noexcept;
 std::uint32_t SystemShareMode(FileShareModeFlags::Type inShareMode) noexcept;
 /// Several dispositions combined with OR yield another disposition or an invalid one.

@@ -18,11 +18,11 @@ bool IsRootedPath(const UTF16String& inPath) noexcept;
 bool IsDriveRootPath(const UTF16String& inPath) noexcept;
 
 /// Returns the shell's display name of the path's last component and removes that component from ioPath, so that a
-/// caller can walk up. Paths of 261 characters or more are not passed to the shell; such a path that ends in a
-/// backslash is returned whole, and ioPath is not changed.
+/// caller can walk up. Paths of 261 characters or more are not passed to the shell; if such a path ends in a backslash,
+/// returns all of it and does not change ioPath.
 UTF16String GetLeafDisplayName(UTF16String& ioPath);
 
-/// Queries the directory for temporary files like the system's GetTempPath: returns the length, or the size needed.
+/// A function with the contract of the system's GetTempPath: returns the length, or the size needed.
 using GetTempPathFunction = unsigned long (*)(unsigned long inSize, unsigned short* outBuffer);
 
 /// Same as GetTempDirectory, with the system function as a parameter.

@@ -1,4 +1,4 @@
-// The root of a path's volume, and disk functions with the system calls as parameters, for tests.
+// Functions for volume roots, and disk functions that take the system calls as parameters, for tests.
 #pragma once
 
 #include <ORLResult.h>

@@ -1,5 +1,5 @@
 // The Windows path string functions, as portable code with the same results on every platform. Names are
-// compared case-insensitively, and "/" is an ordinary character. Every string is read up to its terminator.
+// compared case-insensitively, and "/" is an ordinary character. Every string ends at its first zero unit.
 #pragma once
 
 #include <tvxcore/String.h>
@@ -18,7 +18,7 @@ inline constexpr std::size_t kMaxPath = 260;
 UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                      const UTF16String& inExtension);
 
-/// Returns what follows the first backslash, or the first two if adjacent; the empty end of the path if there is no
+/// Returns a pointer past the first backslash, or past the first two if adjacent; the end of the path if there is no
 /// backslash. Returns null for an empty path.
 const unsigned short* FindNextComponent(const unsigned short* inPath) noexcept;
 

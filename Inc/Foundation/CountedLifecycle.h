@@ -28,7 +28,7 @@ struct CountedLifecycle
 
     void Initialize();
 
-    /// An extra call is not detected: the count becomes -1, and nothing runs.
+    /// Does not detect an extra call: the count becomes -1, and nothing runs.
     void Terminate();
 
     const LifecycleStep* mStart;

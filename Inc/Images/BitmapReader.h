@@ -19,12 +19,12 @@ struct PixelPicture
 
 /// Reads a bitmap with 1, 4, 8, 16, 24 or 32 bits per pixel, bottom-up or top-down, plain, run-length encoded or with
 /// bit fields. The header may have any size of at least 12 bytes. Pixels are opaque, except that 32-bit pixels of the
-/// usual layout keep their fourth byte as alpha unless it is 0 in all of them; the colours of such a bitmap are
-/// expected to be premultiplied. Pixels that no run covers are black.
+/// usual layout use their fourth byte as alpha unless it is 0 in all of them; the colours of such a bitmap must be
+/// premultiplied. Pixels that no run covers are black.
 ///
-/// Returns false, with outPicture untouched, if the data is truncated or the header is invalid. Memory stays
-/// proportional to the size of the input: a run-length encoded bitmap may declare at most 2^24 pixels, or 1024 for each
-/// input byte if that is more. Throws std::bad_alloc.
+/// Returns false, with outPicture untouched, if the data is truncated or the header is invalid. Memory use is bounded
+/// by the size of the input: a run-length encoded bitmap may declare at most 2^24 pixels, or 1024 for each input byte
+/// if that is more. Throws std::bad_alloc.
 bool ReadBitmap(const Resources::Bytes& inBitmap, PixelPicture& outPicture);
 
 } // namespace Images

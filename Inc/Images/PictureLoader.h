@@ -10,7 +10,7 @@
 namespace ORL {
 namespace Images {
 
-/// Creates a bitmap from the resource with that number and type "PNG", flipped
+/// Creates a bitmap from the resource of type "PNG" with that number, flipped
 /// vertically. Finds the resource with FindLocalizedResource if inLocalized is true, else with LoadResource. Returns
 /// null if the resource does not exist or cannot be decoded.
 HBITMAP LoadGDIPlusBitmap(const ResourceCollection& inResources, short inID, bool inLocalized);

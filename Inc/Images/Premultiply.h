@@ -14,7 +14,7 @@ void Premultiply(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::s
 
 using PremultiplyFunction = void(const std::uint32_t* inPixels, std::uint32_t* outPixels, std::size_t inCount) noexcept;
 
-/// An implementation of Premultiply. The implementations are sorted from the fastest to the slowest; the last ones work
+/// An implementation of Premultiply. The implementations are sorted from the fastest to the slowest; the last ones run
 /// on every processor.
 struct PremultiplyKernel
 {

@@ -45,7 +45,7 @@ inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
     return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);
 }
 
-/// The choice of HSV, which differs from that of HSL if channels are equal.
+/// Chooses as HSV does, which differs from HSL if channels are equal.
 inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
     const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;

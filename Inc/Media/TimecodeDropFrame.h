@@ -1,4 +1,4 @@
-// NTSC drop-frame counting, at 29.97 and (inIsHD) at 59.94 frames per second.
+// NTSC drop-frame counting at 29.97 frames per second or, with inIsHD, at 59.94.
 #pragma once
 
 #include <tvxmediatypes/TickTime.h>

@@ -11,8 +11,8 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Return the time in a string, or kTime_Invalid. Timecode::StringToTime documents the rules, but here an empty string
-/// is unreadable.
+/// Return the time in a string, or kTime_Invalid. Timecode::StringToTime documents the rules, except that here an empty
+/// string is unreadable.
 tvxmediatypes::TickTime SMPTEStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,
                                           tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
 tvxmediatypes::TickTime FeetFramesStringToTime(const UTF16String& inText, const tvxmediatypes::FrameRate& inFrameRate,

@@ -1,4 +1,4 @@
-// The size from which a buffer is large, and the rounding of large sizes, so that similar sizes share pool entries.
+// The smallest size of a large buffer, and the rounding of large sizes, so that similar sizes share pool entries.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +14,8 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
     return inSize >= kLargeBuffer;
 }
 
-/// inSize must be large. A size too near the end of the address space to be rounded is returned unchanged: an
-/// allocation of that size always fails.
+/// inSize must be large. Returns a size unchanged if rounding it would overflow: an allocation of that size always
+/// fails.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
     const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // both are powers of two

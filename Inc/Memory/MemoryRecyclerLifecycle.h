@@ -6,7 +6,7 @@ namespace ORL {
 /// Creates the pool, which replaces any earlier one. Throws std::bad_alloc.
 void CreateMemoryRecycler();
 
-/// Releases the library's reference to the pool. Copies of that reference keep the pool alive.
+/// Releases the library's reference to the pool. Other references keep the pool alive.
 void DropMemoryRecycler();
 
 } // namespace ORL

@@ -1,4 +1,4 @@
-// The check of ORLGetGlobalCriticalSectionForSingletonConstruction.
+// The argument check of ORLGetGlobalCriticalSectionForSingletonConstruction.
 #pragma once
 
 #include <ORLCriticalSection.h>

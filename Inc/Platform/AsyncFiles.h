@@ -2,7 +2,7 @@
 // The system functions for asynchronous unbuffered reads: a port that collects completions, files whose reads report to
 // it, and a plain thread that drains it.
 //
-// Windows has all of this natively. On other systems a port is any implementation with these guarantees:
+// On Windows these are native calls. On other systems a port is any implementation with these guarantees:
 //   - a started read is reported exactly once, through the port that its file is attached to;
 //   - completions arrive in any order; an empty packet arrives after those that were queued before it;
 //   - a port lives until it and the last file attached to it have been closed.
@@ -75,15 +75,15 @@ void CloseFile_Impl(Handle inFile);
 /// error.
 SystemError AttachFile_Impl(Handle inPort, Handle inFile);
 
-/// Returns the alignment of positions, sizes and addresses for reads of this file, if it is known more exactly than
-/// from the volume; else 0.
+/// Returns the required alignment of positions, sizes and addresses for reads of this file; 0 if only that of the
+/// volume is known.
 std::uint32_t GetReadAlignment_Impl(Handle inFile);
 
-/// Starts a read of an attached file. Returns 0 or 997 (pending) if the completion will arrive through the port. Any
-/// other number: the read was not started, and no completion will arrive. Returns 87 if position, size or address is
-/// not a multiple of the alignment, 998 if the buffer is null and the size is not 0, and on some platforms 38 for a
-/// read that starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails
-/// with 998, now or in the completion's mStartError. A read across the end returns fewer bytes.
+/// Starts a read of an attached file. Returns 0 or 997 (pending) if the completion will arrive through the port, else
+/// an error: the read was not started, and no completion will arrive. Returns 87 if position, size or address is not a
+/// multiple of the alignment, 998 if the buffer is null and the size is not 0, and on some platforms 38 for a read that
+/// starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails with 998,
+/// now or in the completion's mStartError. A read across the end returns fewer bytes.
 ///
 /// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);
@@ -92,8 +92,8 @@ SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize,
 inline constexpr std::size_t kMaxBatchedReads = 32;
 
 /// Submits the delayed reads to the system. Returns how many reads the system rejected, with the reason in outError;
-/// these are the last reads started before this call. A delayed read may complete earlier, because posting an empty
-/// packet also submits it.
+/// these are the last reads started before this call. A delayed read may complete before this call, because posting an
+/// empty packet also submits it.
 std::size_t SubmitReads_Impl(SystemError& outError);
 
 /// Starts a plain thread. Returns 0 and the thread, or the system error with a null thread.

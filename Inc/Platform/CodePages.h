@@ -1,10 +1,10 @@
 // Floor: Platform
-// The system's conversions between a code page and 16-bit text.
+// The system's conversions between code pages and UTF-16.
 //
 // The conversions return the same results as the Windows functions MultiByteToWideChar and WideCharToMultiByte with
-// flags 0: bytes and units without a counterpart become the page's best fit or its default character, so only an
-// unknown page and an input longer than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0
-// once, so that measuring and converting use the same page.
+// flags 0: bytes and units without a counterpart become the page's best fit or its default character. Only an unknown
+// page and an input longer than 2^31 - 1 fail. A page is a number other than 0: the caller resolves page 0 once, so
+// that measuring and converting use the same page.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ std::size_t MeasureUnits_Impl(unsigned int inCodePage, const char* inText, std::
 std::size_t ToUnits_Impl(unsigned int inCodePage, const char* inText, std::size_t inBytes, unsigned short* outUnits,
                          std::size_t inCapacity);
 
-/// These do the same for the opposite direction, from units to bytes.
+/// The same functions for the opposite direction, from units to bytes.
 std::size_t MaxBytes_Impl(unsigned int inCodePage, std::size_t inUnits);
 std::size_t MeasureBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits);
 std::size_t ToBytes_Impl(unsigned int inCodePage, const unsigned short* inText, std::size_t inUnits, char* outBytes,

@@ -9,7 +9,7 @@ namespace ORL {
 namespace Directories {
 namespace Platform {
 
-/// The kind of an entry as a listing reports it. A query of the entry's path at that moment would return the same.
+/// The kind of an entry as a listing reports it. A query of the entry's path at that moment would return the same kind.
 enum class EntryKind {
     kDirectory,
     kOther,   // not a directory
@@ -57,8 +57,8 @@ enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
 /// Runs the shell's file operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
 /// destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or a
-/// shell status code, which need not be a system error number. Fails if there is nothing to copy or move; some
-/// versions of Windows return 0 then.
+/// shell status code, which need not be a system error number. Fails if there is nothing to copy or move, except on
+/// some versions of Windows, which return 0.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
 
 } // namespace Platform

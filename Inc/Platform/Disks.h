@@ -19,10 +19,10 @@ struct Volume
     UTF16String mPath;
 };
 
-/// Stores the bytes of a sector, the unit of direct reads; 0 on failure.
+/// Stores the sector size in bytes, the unit of direct reads; 0 on failure.
 SystemError GetSectorSize_Impl(const Volume& inVolume, unsigned int& outBytesPerSector);
 
-/// Stores the bytes free to this user. outBytes is untouched on failure.
+/// Stores the number of free bytes that this user may allocate. outBytes is untouched on failure.
 SystemError GetFreeSpace_Impl(const Volume& inVolume, unsigned __int64& outBytes);
 
 /// Stores the file system's name; names of the FAT family begin with "FAT". outName is untouched on failure.

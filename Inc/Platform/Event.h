@@ -14,8 +14,8 @@ inline constexpr std::uint32_t kEndless = 0xFFFFFFFFu;
 /// The result of a wait.
 enum class WaitOutcome { kSignalled, kTimeout, kFailed };
 
-/// Creates an unnamed event. A manual-reset event stays signalled; an auto-reset event is reset when it ends a wait.
-/// Returns 0 and the handle, which is never null; or the system error and null.
+/// Creates an unnamed event. A manual-reset event stays signalled; an auto-reset event is reset when it releases a
+/// waiter. Returns 0 and the handle, which is never null; or the system error and null.
 unsigned long CreateEvent_Impl(bool inManualReset, bool inInitiallySignalled, void*& outEvent);
 
 /// Destroys an event without waiters. A SetEvent_Impl call that has signalled the event may still be in progress.

@@ -60,15 +60,15 @@ SystemError CreateFile_Impl(const UTF16String& inPath, std::uint32_t inAccess, s
 /// Closes the file. Deletes a file that was opened with kFlagDeleteOnClose.
 void CloseFile_Impl(Handle inFile);
 
-/// Reads at the file's position and advances it. Sets outBytesRead even on failure. Reads 0 bytes after the end,
-/// without an error.
+/// Reads at the file's position and advances it. Sets outBytesRead even on failure. Reads 0 bytes past the end, without
+/// an error.
 SystemError ReadFile_Impl(Handle inFile, void* outBuffer, std::uint32_t inCount, std::uint32_t& outBytesRead);
 
 /// Writes at the file's position and advances it. Sets outBytesWritten even on failure.
 SystemError WriteFile_Impl(Handle inFile, const void* inBuffer, std::uint32_t inCount, std::uint32_t& outBytesWritten);
 
-/// Moves the file's position and stores the new one, unless outPosition is null. Returns the system's result: not 0 for
-/// success; 0 for a failure, with position and outPosition unchanged.
+/// Moves the file's position and stores the new one, unless outPosition is null. Returns nonzero on success; 0 on
+/// failure, with position and outPosition unchanged.
 int SetFilePointer_Impl(Handle inFile, std::int64_t inOffset, std::uint32_t inMethod, std::int64_t* outPosition);
 
 /// Truncates or extends the file to its position.
@@ -99,7 +99,7 @@ SystemError CopyFile_Impl(const UTF16String& inSource, const UTF16String& inDest
 /// be moved to another volume.
 SystemError MoveFile_Impl(const UTF16String& inSource, const UTF16String& inDestination);
 
-/// What happens to the previous contents of a replaced file.
+/// Whether to keep the backup of a replaced file.
 enum class BackupDisposition { kKeep, kDelete };
 
 /// Replaces a file with another one. The previous contents are moved to inBackup, which is overwritten if it exists. On

@@ -34,8 +34,8 @@ struct Stream;
 Stream* CreateStream_Impl(MemoryCopy* inCopy);
 void ReleaseStream_Impl(Stream* inStream);
 
-/// Returns null if there is no memory for the object itself; its status reports every other failure. The stream must
-/// outlive the picture.
+/// Returns null if out of memory; the picture's status reports every other failure. The stream must outlive the
+/// picture.
 Picture* CreateFromStream_Impl(Stream* inStream);
 Picture* CreateFromFile_Impl(const UTF16String& inPath);
 
@@ -56,7 +56,7 @@ struct LockedPixels
     void* mLock = nullptr;            // private to the platform
 };
 
-/// Gives access to the whole picture in a format. Returns the status. After success the caller must call
+/// Locks the pixels of the whole picture in a format. Returns the status. After success the caller must call
 /// UnlockPixels_Impl.
 int LockPixels_Impl(Picture* inPicture, unsigned int inMode, int inFormat, LockedPixels& outPixels);
 void UnlockPixels_Impl(Picture* inPicture, LockedPixels& ioPixels);

@@ -35,8 +35,8 @@ void CloseWalk_Impl(Walk* inWalk);
 /// that change during the walk may be missed, but are never reported twice.
 bool QueryRegion_Impl(Walk& ioWalk, std::uint64_t inAddress, Region& outRegion);
 
-/// Returns the number of heaps in the process; 0 if the system does not report it. On Linux heaps are the C library's
-/// arenas: one, plus one for each thread that found the others busy, up to the library's limit.
+/// Returns the number of heaps in the process; 0 if the system does not report it. On Linux, heaps are the C library's
+/// arenas: one, plus one for each thread that found all others busy, up to the library's limit.
 unsigned long HeapCount_Impl();
 
 } // namespace Platform

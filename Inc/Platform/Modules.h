@@ -29,7 +29,7 @@ void FreeModule_Impl(HINSTANCE inModule);
 /// unchanged for an unknown module.
 void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::size_t inSize);
 
-/// Returns null if the module exports no such name.
+/// Returns the exported function of that name, or null.
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))();
 
 /// Creates the data that the lookups below need in addition to the handle; null if none. Throws std::bad_alloc.
@@ -56,7 +56,7 @@ Resource FindResource_Impl(const Source& inSource, const unsigned short* inName,
 /// with outSize untouched, if the data cannot be loaded.
 void* LoadResource_Impl(const Source& inSource, Resource inResource, int& outSize);
 
-/// Calls inFound with the first name of a type, if there is one.
+/// Calls inFound with the first resource name of a type, if there is one.
 void EnumFirstResourceName_Impl(const Source& inSource, const unsigned short* inType,
                                 void (*inFound)(void* inContext, const unsigned short* inName), void* inContext);
 

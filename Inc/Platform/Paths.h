@@ -26,8 +26,8 @@ inline constexpr unsigned long kInvalidAttributes = 0xFFFFFFFF;
 UTF16String MakePath_Impl(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                           const UTF16String& inExtension);
 
-/// Returns whether the path's directory has an entry with the path's last name, which may be a pattern. The root of a
-/// drive is not an entry.
+/// Returns whether the path's directory has an entry that matches the path's last component, which may be a pattern.
+/// The root of a drive is not an entry.
 bool FindEntry_Impl(const UTF16String& inPath);
 
 bool IsDirectory_Impl(const UTF16String& inPath);
@@ -44,8 +44,8 @@ bool PreparePathForWrite_Impl(const UTF16String& inPath);
 /// Returns a pointer past the first component of inPath; null for an empty path.
 const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 
-/// Stores the relative path between two directories. Returns false, with outRelative untouched, if the paths have
-/// nothing in common.
+/// Stores the relative path between two directories. Returns false, with outRelative untouched, if there is no relative
+/// path.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
 /// Resolves inMore, with its dots, against inBase. Returns false, with outPath untouched, if it exceeds kMaxPath.

@@ -11,7 +11,7 @@ namespace ORL {
 namespace Process {
 namespace Platform {
 
-/// A process opened to query its name. Null if opening it failed, and on platforms that need no handle for queries.
+/// A process opened to query its name. Null if opening it failed, and on platforms that query without a handle.
 using ProcessHandle = void*;
 
 /// Stores the identifiers of at most inCapacity running processes, in the system's order. outCount is untouched on

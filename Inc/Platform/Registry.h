@@ -17,8 +17,8 @@ namespace Platform {
 /// A handle to an open key, or null.
 using KeyHandle = void*;
 
-/// Access rights of a handle. The rights limit the handle's operations, except deleting and creating keys below it,
-/// which need no right.
+/// Access rights of a handle. They limit the handle's operations, except deleting and creating keys below it, which
+/// need no right.
 inline constexpr unsigned kAccessRead = 0x20019;
 inline constexpr unsigned kAccessWrite = 0x20006;
 inline constexpr unsigned kAccessReadWrite = 0x2001F;
@@ -69,13 +69,13 @@ SystemError DeleteKeyInView_Impl(KeyHandle inParent, const unsigned short* inPat
 /// Deletes a key with all its descendants, all or none. Returns 50 and deletes nothing if the system cannot do that.
 SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath);
 
-/// Stores the name of subkey number inIndex with its terminator. ioLength is the capacity in units on entry, and the
-/// length without terminator on return. Returns 259 past the last subkey, 234 if the name does not fit.
+/// Stores the name of the subkey with index inIndex, and its terminator. ioLength is the capacity in units on entry,
+/// and the length without terminator on return. Returns 259 past the last subkey, 234 if the name does not fit.
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
 
 /// Stores type and data of a value. *ioSize is the capacity in bytes on entry, and the size of the value on return.
-/// Stores only type and size if there is no buffer, or if the buffer is too small, which returns 234. Every
-/// output may be null, but a buffer without a size returns 87.
+/// Stores only type and size if there is no buffer, or if the buffer is too small, which returns 234. Every output may
+/// be null, but a buffer without ioSize returns 87.
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);
 

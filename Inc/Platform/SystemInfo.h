@@ -12,7 +12,7 @@ namespace Platform {
 /// Returns the bytes of physical memory available now without swapping. 0 if the system does not report the number.
 unsigned __int64 GetAvailablePhysicalMemory_Impl();
 
-/// Returns the bytes of this process's address space. 0 if the system does not report the size.
+/// Returns the size of this process's address space in bytes. 0 if the system does not report the size.
 unsigned __int64 GetTotalVirtualMemory_Impl();
 
 /// Returns whether this process may execute the instruction that reads the time stamp counter.
@@ -40,7 +40,7 @@ SystemError CollectLoadSample_Impl(LoadQuery inQuery);
 /// Returns 0 if the last sample is valid.
 SystemError CheckLoadSample_Impl(LoadCounter inCounter);
 
-/// Stores the load between the last two samples in whole percents, 0 to 100. Fails after the first sample.
+/// Stores the load between the last two samples in whole percent, 0 to 100. Fails after the first sample.
 SystemError GetLoadPercent_Impl(LoadCounter inCounter, long& outPercent);
 
 } // namespace Platform

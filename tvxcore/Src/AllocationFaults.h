@@ -1,7 +1,7 @@
 // Fault injection for tests: makes chosen allocations fail.
 //
 //   AllocationFaults::Plan plan;
-//   plan.mFirst = 3;                                        // the third allocation from now fails, and no other
+//   plan.mFirst = 3;                                        // only the third allocation from now fails
 //   const AllocationFaults::Scope faults(plan);
 //   ...
 //   EXPECT_EQ(faults.Refused(), 1u);
@@ -34,7 +34,7 @@ struct Plan
 
 inline constexpr std::uint64_t kAllFurther = UINT64_MAX;
 
-/// Arms a plan until its destruction. Only one Scope may exist in the process.
+/// Arms a plan for the lifetime of the object. Only one Scope may exist in the process.
 class Scope
 {
 public:
@@ -48,7 +48,7 @@ public:
     std::uint64_t Refused() const noexcept;
 };
 
-/// Makes SmallBlockAllocator::Metrics::GetSnapshot return false until its destruction.
+/// Makes SmallBlockAllocator::Metrics::GetSnapshot return false for the lifetime of the object.
 class NoMetricsScope
 {
 public:

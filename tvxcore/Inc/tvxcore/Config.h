@@ -1,4 +1,4 @@
-// The macros for the visibility of the symbols of tvxcore.
+// Symbol visibility macros of tvxcore.
 #pragma once
 
 #if defined(_WIN32)
@@ -11,7 +11,7 @@
 #  define TVXCORE_API __attribute__((visibility("default")))
 #endif
 
-// Marks symbols that are identical in every library that compiles them, and are not exported.
+// Marks a symbol that is not exported: every library that uses it compiles its own identical copy.
 #if defined(_WIN32)
 #  define TVXCORE_LOCAL
 #else

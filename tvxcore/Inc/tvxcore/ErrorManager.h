@@ -1,4 +1,4 @@
-// Handling of errors that are raised by level, package and identifier.
+// Raises errors, each with a level, a package and an identifier, and passes them to the host's handler.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -34,8 +34,8 @@ public:
     virtual bool OnAllocationFailure(std::size_t inBytes);
 
     /// Handles one error. inZString is "$$$/" key "=" default text. May return instead of throwing.
-    /// The built-in manager writes one line to standard error, with the text that the installed localiser returns. If
-    /// the localiser throws, or itself raises the error, the line contains the default text.
+    /// The built-in manager writes one line to standard error: the string that the installed localiser returns, or the
+    /// default text if the localiser throws or itself raises the error.
     virtual void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;

@@ -27,11 +27,11 @@ class TVXCORE_API AsyncExecutor
 public:
     virtual ~AsyncExecutor();
 
-    /// Queues a function. Returns true if the function will run once; functions start in first-in, first-out order.
-    /// Returns false if termination has been requested. The second argument is ignored; pass 0.
-    /// The function is copied once, on the caller's thread; the copy is destroyed after it has run. The function should
-    /// not throw: an exception is reported to the error manager as a warning (package 110, identifier 1) and the thread
-    /// continues. Throws what copying throws, or std::bad_alloc; the function then does not run.
+    /// Queues a function. Functions start in first-in, first-out order, and each runs once. Returns false, and queues
+    /// nothing, if termination has been requested. Ignores the second argument; pass 0. The function is copied once,
+    /// on the caller's thread; the copy is destroyed after it has run. The function should not throw: an exception is
+    /// reported to the error manager as a warning (package 110, identifier 1) and the thread continues. Throws what
+    /// copying throws, or std::bad_alloc; the function then does not run.
     virtual bool QueueFunction(const boost::function<void()>& inFunction, int) = 0;
 
     /// Returns the number of threads that were started, even after they have exited.
@@ -61,8 +61,8 @@ public:
 };
 
 /// An executor with a fixed number of threads. Owner, threads and failures are as for AsyncExecutor. Releasing the last
-/// reference requests termination and waits for it. On a thread of the executor itself the release does not wait, and
-/// the threads exit on their own. A module must not be unloaded before its executors have terminated.
+/// reference requests termination and waits for the threads to exit; on one of the executor's own threads it does not
+/// wait. A module must not be unloaded before its executors have terminated.
 class TVXCORE_API AsyncThreadedExecutor : public AsyncExecutor
 {
 public:
@@ -71,9 +71,9 @@ public:
 
 /// Creates an executor of inThreadCount threads with a name and a priority. If inThreadCount is below 1, it creates one
 /// thread for each processor that the process may use, but at least two. Debuggers and system tools show the name
-/// (UTF-8), truncated to the system's limit. A priority above normal is used only as far as the user's rights allow;
-/// one outside the range is clamped. inThreadStart and inThreadEnd run on each thread as it starts and exits; either
-/// may be empty. Throws boost::thread_resource_error if the system cannot start a thread; everything is then undone.
+/// (UTF-8), truncated to the system's limit. The user's rights may limit a priority above normal; a priority outside
+/// the range is clamped. inThreadStart and inThreadEnd run on each thread as it starts and exits; either may be
+/// empty. Throws boost::thread_resource_error if the system cannot start a thread; everything is then undone.
 /// Thread-safe.
 TVXCORE_API boost::shared_ptr<AsyncThreadedExecutor>
 CreateAsyncThreadedExecutor(const std::string& inName, int inThreadCount, ThreadPriority inPriority,

@@ -17,16 +17,16 @@
 namespace tvxcore {
 namespace utility {
 
-/// A plain 16-byte value. The memory of a Guid is the identifier in the byte order of a Windows GUID, and may be read
-/// as two 64-bit little-endian words. A constexpr constant needs no initialisation at load. Only CreateUnique and
-/// AsString throw.
+/// A plain 16-byte value. Has the memory layout of a Windows GUID, and may be read as two 64-bit
+/// little-endian words. A constexpr constant needs no initialisation at load. Only CreateUnique and AsString
+/// throw.
 class Guid
 {
 public:
     /// Constructs an identifier whose bits are all zero.
     constexpr Guid() noexcept = default;
 
-    /// Constructs from the two words of its memory.
+    /// Constructs from the two words.
     constexpr Guid(std::uint64_t inFirstWord, std::uint64_t inSecondWord) noexcept : mWords{inFirstWord, inSecondWord}
     {
     }
@@ -75,7 +75,7 @@ private:
 
 static_assert(sizeof(Guid) == 16, "the identifier is the whole state");
 
-/// Writes the text of AsString. A template, so that a host's own operator takes precedence.
+/// Writes the string that AsString returns. A template, so that a host's own operator takes precedence.
 template <class Traits>
 std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& ioStream, const Guid& inGuid)
 {
@@ -98,7 +98,7 @@ constexpr std::uint8_t HexDigit(char inDigit)
     throw std::invalid_argument("the identifier contains a character that is not a hexadecimal digit");
 }
 
-/// Returns the byte of the two digits at an address.
+/// Returns the byte that two hexadecimal digits encode.
 constexpr std::uint8_t HexByte(const char* inDigits)
 {
     return static_cast<std::uint8_t>(HexDigit(inDigits[0]) * 16 + HexDigit(inDigits[1]));
@@ -109,7 +109,7 @@ constexpr std::uint16_t HexWord(const char* inDigits)
     return static_cast<std::uint16_t>(HexByte(inDigits) * 256 + HexByte(inDigits + 2));
 }
 
-/// Returns the identifier of 36 characters without braces.
+/// Parses the 36 characters of a string form without braces.
 constexpr Guid ParseGuid(const char* inText)
 {
     for (const int dash : {8, 13, 18, 23}) {
@@ -128,8 +128,8 @@ constexpr Guid ParseGuid(const char* inText)
 
 namespace literals {
 
-/// The identifier of its text, with or without braces, in digits of either case. A constexpr constant of a malformed
-/// text does not compile; elsewhere a malformed text throws std::invalid_argument.
+/// Parses the string form, with or without braces, in either case. A malformed literal does not compile as a constexpr
+/// constant, and throws std::invalid_argument elsewhere.
 constexpr utility::Guid operator""_guid(const char* inText, std::size_t inLength)
 {
     if (inLength == 38 && inText[0] == '{' && inText[37] == '}') {

@@ -1,4 +1,4 @@
-// Numbers as text in the user's locale.
+// Formats numbers for the user's locale.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -34,8 +34,8 @@ inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 ///
 /// inIntegerDigits   0 omits the zero before the point of a number below 1; any other value writes it.
 /// inFractionDigits  the exact number of digits after the point, at most 9; rounded to nearest, ties to even.
-/// inPrecision       the number of significant digits, counted from the first that is not zero; later ones become
-///                   zero. More than 17 make no difference for a double.
+/// inPrecision       the number of significant digits, counted from the first nonzero digit; later ones become
+///                   zero. Values above 17 make no difference.
 /// A number that rounds to zero has no sign. NaN is "NaN"; the infinities are U+221E after the sign. Throws
 /// std::bad_alloc. Thread-safe.
 TVXCORE_API UTF16String NumberToString(double inNumber, std::size_t inIntegerDigits, std::size_t inFractionDigits,

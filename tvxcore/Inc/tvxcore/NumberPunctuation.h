@@ -1,4 +1,4 @@
-// How a locale separates the digits of a number. Numbers are formatted and parsed with the same punctuation, so
+// A locale's decimal point and digit grouping. Numbers are formatted and parsed with the same punctuation, so
 // that a formatted number can be parsed back.
 #pragma once
 
@@ -27,12 +27,12 @@ struct NumberPunctuation
 /// std::bad_alloc. Thread-safe.
 TVXCORE_API bool FindNumberPunctuation(const char* inLocale, NumberPunctuation& outPunctuation);
 
-/// Returns the user's punctuation, which the first call determines for the life of the process.
+/// Returns the user's punctuation, which is determined on the first call and does not change afterwards.
 ///
 /// On Linux the user's locale is that of LC_ALL, LC_NUMERIC or LANG, the first that is set. If this library does not
-/// know the name but the locale is installed, its data apply; any other name is treated as the classic locale.
-/// On Windows the user's settings apply. The first call throws std::bad_alloc. Thread-safe if no thread changes the
-/// environment during the first call.
+/// know the name but the locale is installed, the installed data apply; any other name is treated as the classic
+/// locale. On Windows the user's settings apply. The first call throws std::bad_alloc. Thread-safe if no thread changes
+/// the environment during the first call.
 TVXCORE_API const NumberPunctuation& UserNumberPunctuation();
 
 } // namespace utility

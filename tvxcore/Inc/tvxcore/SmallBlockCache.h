@@ -5,7 +5,7 @@
 // share. The caller passes the size when it frees a block, so a block needs no header and no search for its class.
 //
 // The counters cost an addition per Allocate and per Dispose. A packed word holds a number of blocks and one of bytes.
-// Sums of packed words stay correct as long as the differences that are evaluated fit their fields:
+// A field may overflow as long as the differences that are computed from the sums fit their fields:
 //   mTaken   what the thread has allocated since its totals were last updated
 //   mQuota   mTaken, plus what the thread may still allocate before a peak must be raised
 // Allocate adds to mTaken, Dispose to mQuota. Allocate takes the slow path if the quota (mQuota - mTaken) is used up or
@@ -25,7 +25,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to, and blocks aligned to, this number
+inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to this multiple, blocks aligned to it
 inline constexpr std::size_t kLargestSmall = 16384; // larger blocks come from the C library
 inline constexpr std::size_t kClassCount = 40;
 
@@ -68,8 +68,8 @@ TVXCORE_LOCAL inline constexpr PlaceTable kPlaces = MakePlaceTable();
 
 static_assert(kClassSizes[0] == kGrain && kClassSizes[15] == 256 && kClassSizes[kClassCount - 1] == kLargestSmall);
 
-// A packed number of blocks and of bytes. The guard bits are far below the ends of their fields, so that a thread
-// occasionally takes the slow path and does not accumulate unlimited quota.
+// A packed number of blocks and of bytes. The guard bits are far below the tops of their fields, so that a thread
+// occasionally takes the slow path and cannot accumulate unlimited quota.
 inline constexpr std::uint64_t kOneBlock = 1ull << 40;
 inline constexpr std::uint64_t kGuards = kOneBlock << 13 | 1ull << 23;
 
@@ -103,7 +103,7 @@ inline void AssumeSmall(std::size_t inSize) noexcept
 
 // Recent processors forward a stored word to the next load without delay, if both address it by a register plus offset
 // and the addition between them is not done in memory. With indexed addresses each iteration of a loop of Allocate and
-// Dispose waits for the store of the previous one, which doubles its time. Compilers prefer the slow forms; these two
+// Dispose waits for the store of the previous one, which doubles its time. Compilers emit the slow forms; these two
 // functions force the fast ones.
 
 /// Returns the pair of stack pointers of a class, with its address in a register.

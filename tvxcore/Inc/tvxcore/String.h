@@ -1,4 +1,4 @@
-// The string types, and the macro for literals of 16-bit units.
+// The string types, and UTF-16 literals of unsigned short.
 #pragma once
 
 #include <tvxcore/SmallBlockAllocator.h>
@@ -38,7 +38,7 @@ struct UTF16Literal
 
 namespace Internal {
 
-/// Hashes the bytes of a text.
+/// Hashes the bytes of a string.
 template <class String>
 struct TextHash
 {
@@ -55,7 +55,7 @@ struct TextHash
 
 namespace literals {
 
-/// A 16-bit text of the literal: u"text"_utf16. Keeps zero units inside it. Throws std::bad_alloc.
+/// Returns the literal as a 16-bit string: u"text"_utf16. Keeps embedded zero units. Throws std::bad_alloc.
 inline UTF16String operator""_utf16(const char16_t* inText, std::size_t inLength)
 {
     return UTF16String(inText, inText + inLength);
@@ -64,7 +64,7 @@ inline UTF16String operator""_utf16(const char16_t* inText, std::size_t inLength
 } // namespace literals
 } // namespace tvxcore
 
-/// The hash of a text, for unordered containers. Partial specialisations, so that a host's own take precedence.
+/// Hashes a string, for unordered containers. Partial specialisations, so that a host's own take precedence.
 template <class Traits>
 struct std::hash<
     std::basic_string<unsigned short, Traits, tvxcore::utility::SmallBlockAllocator::STLAllocator<unsigned short>>>

@@ -1,4 +1,4 @@
-// Streams over 16-bit strings that read and write numbers.
+// String streams of 16-bit units, which can read and write numbers.
 #pragma once
 
 #include <tvxcore/Config.h>

@@ -35,12 +35,12 @@ TVXCORE_API std::size_t UTF8to16(const unsigned char* inText, std::size_t inLeng
 /// Returns the full case folding of the Unicode standard, for comparison only, not for display.
 TVXCORE_API UTF16String FoldCase(const UTF16String& inText);
 
-/// Replaces every occurrence of inFind from left to right; replaced text is not searched again. An empty inFind changes
-/// nothing.
+/// Replaces every occurrence of inFind, from left to right; the inserted inReplace is not searched again. Does nothing
+/// if inFind is empty.
 TVXCORE_API void ReplaceAllStringInString(UTF16String& ioText, const UTF16String& inFind, const UTF16String& inReplace);
 
-/// Writes a 16-bit text to a stream of bytes, as UTF-8, with the stream's width in bytes. A template, so that neither
-/// another type is converted for it nor a host's own operator becomes ambiguous.
+/// Writes a 16-bit string to a byte stream as UTF-8; the stream's width counts bytes. A template, so that it accepts no
+/// implicit conversions and is not ambiguous with a host's own operator.
 template <class StreamTraits, class Traits>
 std::basic_ostream<char, StreamTraits>&
 operator<<(std::basic_ostream<char, StreamTraits>& ioStream,

@@ -7,7 +7,7 @@
 //       tvxcore::debug::TraceLine(sSite) << "There are currently " << count << " heaps.\n";
 //   }
 //
-// Everything is disabled at first. Lines go to standard error unless a sink is installed. Thread-safe. Never throws.
+// All categories start disabled. Lines go to standard error unless a sink is installed. Thread-safe. Never throws.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -22,8 +22,8 @@ namespace debug {
 /// The level that disables a category: the levels of all sites are higher.
 inline constexpr long kTraceOff = -1;
 
-/// Enables one category for its levels from 0 to inLevel, independent of all others. The name is compared byte by byte.
-/// If there is no memory for a new name, nothing changes.
+/// Enables levels 0 to inLevel of one category, independent of all others. The name is compared byte by byte.
+/// Has no effect if out of memory.
 TVXCORE_API void SetTraceLevel(const char* inCategory, long inLevel);
 
 /// Sets the level of every category without its own level. Sites with inFollowsAll false ignore this level: only
@@ -47,7 +47,7 @@ TVXCORE_API void ShutdownTraceManager();
 /// SetTraceLevelOfAll; otherwise it must be enabled by name.
 TVXCORE_API bool TraceEnabled(const unsigned char* inCategory, long inLevel, bool inFollowsAll);
 
-/// Returns a number that changes with every change to the levels. Never 0.
+/// Returns a number that changes whenever a level does. Never 0.
 TVXCORE_API int TraceChangeCount();
 
 /// Writes one finished message unchanged.

@@ -1,5 +1,5 @@
-// Facets for characters and numbers on streams of 16-bit units. The standard library has them only for char and
-// wchar_t: without these, writing a number to a 16-bit stream only sets its bad bit.
+// Character and number facets for streams of 16-bit units. The standard library has facets only for char and wchar_t:
+// without these, writing a number to a 16-bit stream only sets the stream's bad bit.
 //
 // Include this (or StringStream.h) before the first use of a standard stream of unsigned short.
 #pragma once
@@ -14,7 +14,7 @@
 
 namespace std {
 
-/// Character classes and case of ASCII; other units have no class and no case. A narrow character widens to the unit of
+/// Classifies ASCII and converts its case; other units have neither. A narrow character widens to the unit of
 /// the same value, 0 to 255, in every locale; units above 255 narrow to the default passed. Immutable, so thread-safe.
 template <>
 class TVXCORE_API ctype<unsigned short> : public locale::facet, public ctype_base
@@ -101,9 +101,9 @@ protected:
     virtual string_type do_falsename() const;
 };
 
-// The standard library formats and parses numbers with the two facets above. The ids of the facets exist once, so that
-// every module of a process finds the same facet. All else is compiled into each module: if the whole class were
-// explicitly instantiated, modules would link to its inline functions, which this library may not export.
+// The standard library formats and parses numbers with the two facets above. Each facet's id exists once, so that every
+// module of a process finds the same facet. All else is compiled into each module: with an explicit instantiation of
+// the whole class, modules would link to inline functions that this library may not export.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>

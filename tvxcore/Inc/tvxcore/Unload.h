@@ -1,4 +1,4 @@
-// Queries of process state, for a library whose static objects are destroyed on unload.
+// Process state queries for libraries that destroy their static objects on unload.
 #pragma once
 
 #include <tvxcore/Config.h>
@@ -12,8 +12,8 @@ namespace utility {
 /// library is loaded, not while it is being unloaded. Thread-safe.
 TVXCORE_API bool BelongsToProgram(const void* inExported) noexcept;
 
-/// Returns whether process exit has already stopped all other threads, at arbitrary points. The caller must then
-/// not wait for them, or for a lock that they may hold, that of the C++ heap included. Always false on Linux, where
+/// Returns whether process exit has already stopped all other threads, at arbitrary points. The caller must then not
+/// wait for them, or for a lock that they may hold, including that of the C++ heap. Always false on Linux, where
 /// threads run until the very end. Thread-safe.
 TVXCORE_API bool AreOtherThreadsStopped() noexcept;
 

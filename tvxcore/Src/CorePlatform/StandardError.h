@@ -7,11 +7,11 @@ namespace tvxcore {
 namespace debug {
 namespace Platform {
 
-/// Writes some of the bytes to standard error and returns the number written; 0 if it accepts none, or does not exist.
-/// The caller serialises the calls.
+/// Writes some of the bytes to standard error and returns their number; 0 if it accepts none, or there is no standard
+/// error. The caller serialises the calls.
 ///
-/// If a pipe is full, its reader has a tenth of a second to read. If the reader reads nothing in that time,
-/// ioReaderIsStuck is set, and calls wait a clock tick at most until a successful write clears it. Never throws.
+/// If a pipe is full, waits a tenth of a second for its reader. If the reader reads nothing in that time, sets
+/// ioReaderIsStuck; later calls then wait a clock tick at most, until a successful write clears it. Never throws.
 ///
 /// On Linux: polls whether a write would block, for every kind of file.
 /// On Windows: there is no reliable such query (under Wine the free space of a pipe is always 0), so the write is

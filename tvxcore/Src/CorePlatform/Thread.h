@@ -17,7 +17,7 @@ bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle&
 /// fail.
 using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread);
 
-/// Returns when the thread has exited, including its thread-local destructors.
+/// Waits until the thread has exited and its thread-local destructors have run.
 void JoinThread_Impl(ThreadHandle inThread) noexcept;
 
 /// Detaches the thread, so that no thread needs to join it.

@@ -10,7 +10,7 @@ namespace {
 // Critical sections are a few instructions, so the owner usually unlocks before a waiter could fall asleep.
 constexpr int kSpinTurns = 100;
 
-// With one processor the owner cannot run while another thread spins.
+// Spinning is useless on one processor: the owner cannot run meanwhile.
 bool MaySpin() noexcept
 {
     static std::atomic<unsigned int> sProcessors{0};
@@ -35,7 +35,7 @@ void CoreMutex::LockSlowly() noexcept TVXCORE_UNCHECKED_LOCKING
             }
         }
     }
-    // After a sleep, a thread locks as kHeldAndWanted, since others may still sleep: at worst this causes one needless
+    // A thread that has slept sets kHeldAndWanted, since others may still sleep: at worst this causes one needless
     // wake.
     while (mState.exchange(kHeldAndWanted, std::memory_order_acquire) != kFree) {
         if (Platform::ProcessIsEnding_Impl()) {

@@ -100,7 +100,7 @@ void CallFirst(std::uintptr_t inGeneration) TVXCORE_REQUIRES(sMutex)
     sMutex.unlock();
     entry.BecomeDue();
     sMutex.lock();
-    // If the entry has removed itself and was the last one, this thread has been replaced.
+    // If the last entry has removed itself, Remove has already ended the call.
     if (sGeneration == inGeneration) {
         EndCall();
     }

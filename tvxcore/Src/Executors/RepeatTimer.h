@@ -36,8 +36,8 @@ private:
 class RepeatTimer
 {
 public:
-    /// Keeps the thread running until Remove. Throws boost::thread_resource_error if the system cannot start the
-    /// thread.
+    /// Starts the thread if needed and keeps it running until Remove. Throws boost::thread_resource_error if the system
+    /// cannot start the thread.
     static void Add(Platform::ThreadStarter inStarter = &Platform::StartThread_Impl);
 
     /// Makes the entry due in inDelay nanoseconds. The entry must not be scheduled yet.
@@ -46,11 +46,11 @@ public:
     /// Makes the entry due inDelay nanoseconds after its previous due time, or after now if that time has passed.
     static void ScheduleAgain(RepeatEntry& ioEntry, std::int64_t inDelay);
 
-    /// Undoes Add and Schedule. Returns when BecomeDue is no longer running, and for the last entry when the thread has
-    /// exited, unless BecomeDue itself calls it.
+    /// Undoes Add and Schedule. Unless called by BecomeDue itself, waits until BecomeDue is no longer running and, for
+    /// the last entry, until the thread has exited.
     static void Remove(RepeatEntry& ioEntry);
 
-    /// Returns when BecomeDue has been called for all entries that are due.
+    /// Waits until BecomeDue has been called for all entries that are due.
     static void WaitUntilNothingIsDue();
 };
 

@@ -240,7 +240,7 @@ private:
         return isFound;
     }
 
-    // If recent work came too late for any spin, only an occasional spin tests whether that has changed.
+    // After many failed spins in a row, spins only occasionally, to detect whether work arrives sooner again.
     unsigned int SpinLimit()
     {
         const SpinHistory& history = Policy::Reach(mSpinHistory);
@@ -250,7 +250,7 @@ private:
         return history.mFailedSpins % kSpinsSkipped == 0 ? mSpinTurns : 0;
     }
 
-    // A successful spin justifies twice its time. Keeps a moving average of recent spins.
+    // The limit is a moving average of twice the turns that recent successful spins took.
     void LearnFromSpin(bool inIsFound, unsigned int inTurns)
     {
         SpinHistory& history = Policy::Reach(mSpinHistory);

@@ -42,7 +42,7 @@ const KnownLocale* Find(const std::string& inName)
 std::string NextPart(const char*& ioText)
 {
     const std::size_t length = std::strcspn(ioText, "_-.@");
-    std::string part(ioText, std::min<std::size_t>(length, 9)); // 9 units are longer than every valid part
+    std::string part(ioText, std::min<std::size_t>(length, 9)); // longer than every valid part
     ioText += length;
     if (*ioText == '_' || *ioText == '-') {
         ++ioText;
@@ -80,7 +80,7 @@ const char* FirstSetVariable(std::initializer_list<const char*> inVariables)
     return "C";
 }
 
-// The C library may have a locale that the table lacks, such as one built on this machine.
+// Queries the C library, which may have a locale that the table lacks, such as one built on this machine.
 NumberPunctuation OfInstalledLocale()
 {
     NumberPunctuation punctuation;

@@ -19,8 +19,8 @@ pthread_key_t sThreadEndKey;
 bool sHasThreadEndKey = false;
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// C++ thread-local destructors would keep the library loaded until every thread has exited; the destructor of a pthread
-// key is discarded with the key.
+// The destructor of a pthread key, which is discarded with the key. C++ thread-local destructors would keep the library
+// loaded until every thread has exited.
 void OnKeyDestroyed(void* inCache)
 {
     sEnded(static_cast<SmallBlocks::CacheHead*>(inCache));

@@ -11,7 +11,7 @@ namespace Platform {
 
 namespace {
 
-// A pipe that is ready accepts this many bytes without blocking. There is only one writer at a time in this library.
+// A pipe that is ready accepts this many bytes without blocking. This library has only one writer at a time.
 constexpr std::size_t kPipeChunk = 4096;
 constexpr int kWriteTimeout = 100; // milliseconds
 

@@ -5,7 +5,7 @@
 namespace tvxcore {
 namespace utility {
 
-// The program's scope holds the libraries loaded with it, and those loaded later with global visibility.
+// A search in the program's scope covers the libraries loaded with it, and those loaded later with global visibility.
 bool BelongsToProgram(const void* inExported) noexcept
 {
     Dl_info exported;

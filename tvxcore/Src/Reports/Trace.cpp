@@ -58,8 +58,8 @@ void ForgetCategories() TVXCORE_REQUIRES(sMutex)
     }
 }
 
-// A host may unload the library without ShutdownTraceManager. At process exit the levels are kept: threads may still
-// trace.
+// Frees the categories if a host unloads the library without ShutdownTraceManager. At process exit it keeps them:
+// threads may still trace.
 struct AtUnload
 {
     ~AtUnload()

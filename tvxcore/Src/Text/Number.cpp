@@ -25,7 +25,7 @@ std::string Print(std::chars_format inFormat, std::size_t inDigits, double inNum
     return std::string(text, std::to_chars(text, std::end(text), inNumber, inFormat, static_cast<int>(inDigits)).ptr);
 }
 
-// Returns the digits of a non-negative number without the decimal point, inFractionDigits of them after it.
+// Returns the digits of a non-negative number without the decimal point; the last inFractionDigits are the fraction.
 std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecision)
 {
     std::string digits = Print(std::chars_format::fixed, inFractionDigits, inNumber);
@@ -35,7 +35,7 @@ std::string Digits(double inNumber, std::size_t inFractionDigits, long inPrecisi
     if (digits.size() - first <= precision) {
         return digits;
     }
-    // Rounds the original number, not the digits, to the precision. A carry may make it one digit longer.
+    // Rounds the original number, not the digits, to the precision. A carry may add a digit.
     const std::string rounded = Print(std::chars_format::scientific, precision - 1, inNumber);
     const std::size_t exponentAt = rounded.find('e');
     const long exponent = std::strtol(rounded.c_str() + exponentAt + 1, nullptr, 10);

@@ -63,7 +63,7 @@ TVX_AVX2_INLINE __m256i Field(__m256i inWords, int inMask, int inShift)
     return inShift >= 0 ? _mm256_slli_epi32(field, inShift) : _mm256_srli_epi32(field, -inShift);
 }
 
-// Writes the UTF-8 bytes of eight lanes; kChoiceOfFour compacts each four lanes.
+// Writes the UTF-8 bytes of eight lanes; kChoiceOfFour compacts each group of four lanes.
 TVX_AVX2_INLINE std::size_t Store(__m256i inWords, std::uint32_t inTwo, std::uint32_t inThree, std::size_t inCount,
                                   unsigned char* outText)
 {

@@ -25,8 +25,8 @@ TVX_AVX512_INLINE void StoreAscii(__m512i inUnits, std::size_t inCount, unsigned
     }
 }
 
-// Writes 32 units, all below U+0800, not at the end of the input. Each lane receives the lead and the continuation
-// byte; for an ASCII unit only the second byte is kept.
+// Writes 32 units, all below U+0800; must not be used for the end of the input. Each lane receives the lead and the
+// continuation byte; for an ASCII unit only the second byte is kept.
 TVX_AVX512_INLINE std::size_t StoreTwoBytes(__m512i inUnits, std::uint32_t inNotAscii, unsigned char* outText)
 {
     const __m512i first = _mm512_srli_epi16(inUnits, 6);

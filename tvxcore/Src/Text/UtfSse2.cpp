@@ -49,7 +49,7 @@ std::size_t ToUTF16Sse2(const unsigned char* inText, std::size_t inLength, unsig
             out += kStep;
             continue;
         }
-        // Neighbours of a non-ASCII character are rarely ASCII, so the next sixteen characters are not tried as ASCII.
+        // Neighbours of a non-ASCII character are rarely ASCII, so the next sixteen bytes are converted one by one.
         const unsigned char* const retry = inText + kStep;
         while (inText < retry) {
             out = StepToUTF16(inText, end, out);

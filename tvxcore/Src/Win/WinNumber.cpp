@@ -67,7 +67,7 @@ std::wstring Group(const std::wstring& inDigits, const Grouping& inGrouping, con
     }
 }
 
-// The five formats of negative numbers that the system defines.
+// Writes a negative number in one of the five formats that the system defines.
 std::wstring Negative(const std::wstring& inText, const std::wstring& inSign, DWORD inOrder)
 {
     switch (inOrder) {

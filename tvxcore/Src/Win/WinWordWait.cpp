@@ -23,7 +23,7 @@ bool WaitOnWord_Impl(std::atomic<std::uint32_t>& ioWord, std::uint32_t inExpecte
     return !isTimedOut;
 }
 
-// At process exit all sleepers have been stopped, and one of them may hold a lock of the system's wait list.
+// Does nothing at process exit: all sleepers have been stopped, and one may hold a lock of the system's wait list.
 void WakeOneOnWord_Impl(std::atomic<std::uint32_t>& ioWord)
 {
     if (!ProcessIsEnding_Impl()) {

@@ -11,8 +11,8 @@ inline constexpr long long kTicksPerSecond = 705600000;
 
 /// A rate, stored as ticks per frame, so that rates compare exactly.
 ///
-/// Zero frames per second is the default, stored as zero ticks. Rates without a whole number of ticks are rounded (see
-/// the constructor). A negative rate is allowed and orders below zero; no operation is undefined.
+/// Zero frames per second is the default, stored as zero ticks. Rates whose frame is not a whole number of ticks are
+/// rounded (see the constructor). A negative rate is allowed and orders below zero; no operation is undefined.
 /// Threads:  a plain value, without synchronisation.
 /// Failure:  never throws.
 class FrameRate
@@ -22,8 +22,8 @@ public:
     constexpr FrameRate() noexcept = default;
 
     /// Constructs from frames per second. Rounds the tick count, computed in double precision, to nearest, ties away
-    /// from zero. Rates above one frame a tick become one frame a tick; rates whose count does not fit get the largest
-    /// count. Zero and NaN become zero. Explicit, since a plain number could also be a time in seconds.
+    /// from zero. Rates above one frame per tick become one frame per tick; a tick count that does not fit becomes the
+    /// largest count. Zero and NaN become zero. Explicit, since a plain number could also be a time in seconds.
     constexpr explicit FrameRate(double inFramesPerSecond) noexcept : mTicksPerFrame(TicksOf(inFramesPerSecond)) {}
 
     /// Constructs from the duration of one frame, in ticks.
@@ -56,7 +56,7 @@ public:
         if (mTicksPerFrame == 0) {
             return 0;
         }
-        // Truncates like GetValue: no quotient is so close below a whole number that its double equals that number.
+        // Truncates like GetValue: no quotient is so close below a whole number that its double rounds to that number.
         const long long whole = WholeRate();
         return whole != 0 ? whole : kTicksPerSecond / mTicksPerFrame;
     }
@@ -69,7 +69,7 @@ public:
     {
         return !(inLeft == inRight);
     }
-    /// Orders by frames per second: exact and total.
+    /// Orders exactly by frames per second; the order is total.
     friend constexpr bool operator<(const FrameRate& inLeft, const FrameRate& inRight) noexcept
     {
         const int left = inLeft.Sign();

@@ -41,7 +41,7 @@ public:
 
     /// Constructs from a duration, rounded to the nearest tick, ties away from zero. Whole milliseconds, and whole
     /// multiples of them, are exact; a nanosecond is 0.7056 ticks. Durations out of range become kTime_Max or
-    /// kTime_Min. A duration in floating point is converted as its seconds are, so NaN becomes kTime_Invalid.
+    /// kTime_Min. A floating-point duration is converted as seconds are, so NaN becomes kTime_Invalid.
     template <class Rep, class Period, std::enable_if_t<std::is_arithmetic_v<Rep>, int> = 0>
     constexpr explicit TickTime(const std::chrono::duration<Rep, Period>& inDuration) noexcept
         : mTicks(TicksOf(inDuration))
@@ -70,7 +70,7 @@ public:
     /// Returns the time as a duration: time.ToDuration<std::chrono::milliseconds>(). Rounds to the nearest count, ties
     /// away from zero, so whole microseconds and longer units survive the conversion to ticks and back. A time that the
     /// duration cannot hold becomes Duration::max() or Duration::min(); kTime_Invalid is converted like the earliest
-    /// time. A duration in floating point is converted from GetSeconds.
+    /// time. A floating-point duration is computed from GetSeconds.
     template <class Duration>
     constexpr Duration ToDuration() const noexcept
     {
@@ -161,8 +161,8 @@ private:
         return inValue < 0 ? 0 - Bits(inValue) : Bits(inValue);
     }
 
-    // Returns inValue * inNumerator / inDenominator, rounded to nearest, ties up, but at most inLimit. Must be passed
-    // two numbers above 0 whose product fits.
+    // Returns inValue * inNumerator / inDenominator, rounded to nearest, ties up, but at most inLimit. Numerator and
+    // denominator must be above 0, and their product must fit.
     static constexpr unsigned long long Scale(unsigned long long inValue, unsigned long long inNumerator,
                                               unsigned long long inDenominator, unsigned long long inLimit) noexcept
     {
@@ -224,8 +224,8 @@ constexpr long long DivideTicks(long long inTicks, Number inDivisor) noexcept
 
 } // namespace Internal
 
-// Arithmetic. Sums and products wrap around. The operators are templates because overload resolution prefers functions
-// that are not: a host's own operator for TickTime stays in use instead of becoming ambiguous.
+// Arithmetic. Sums and products wrap around. The operators are templates because overload resolution prefers
+// non-template functions: a host's own operator for TickTime takes precedence instead of becoming ambiguous.
 
 /// Adds two times.
 template <class Time, Internal::IfTickTime<Time> = 0>
@@ -243,7 +243,7 @@ constexpr Time operator-(const Time& inLeft, const Time& inRight) noexcept
     return difference -= inRight;
 }
 
-/// Multiplies by a whole number. A product with a fraction does not compile: convert through GetSeconds, which rounds.
+/// Multiplies by a whole number. A product with a fraction does not compile; use GetSeconds, which rounds.
 template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
 constexpr Time operator*(const Time& inTime, Number inFactor) noexcept
 {
@@ -259,7 +259,7 @@ constexpr Time operator*(Number inFactor, const Time& inTime) noexcept
     return inTime * inFactor;
 }
 
-/// Divides by a whole number, truncated toward zero. A division by 0 returns kTime_Invalid.
+/// Divides by a whole number, truncated toward zero. Division by 0 returns kTime_Invalid.
 template <class Time, class Number, Internal::IfTickTime<Time> = 0, Internal::IfWhole<Number> = 0>
 constexpr Time operator/(const Time& inTime, Number inDivisor) noexcept
 {
@@ -274,7 +274,7 @@ constexpr long long operator/(const Time& inLeft, const Time& inRight) noexcept
     return inRight.GetTicks() == 0 ? 0 : Internal::DivideTicks(inLeft.GetTicks(), inRight.GetTicks());
 }
 
-/// Returns the rest of that division, with the sign of inLeft: inLeft itself if inRight is zero.
+/// Returns the remainder of that division, with the sign of inLeft: inLeft itself if inRight is zero.
 template <class Time, Internal::IfTickTime<Time> = 0>
 constexpr Time operator%(const Time& inLeft, const Time& inRight) noexcept
 {
