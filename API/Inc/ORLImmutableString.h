@@ -21,7 +21,7 @@ namespace ORL {
 ///           if it is dynamic, or until the process exits.
 /// Threads:  one thread at a time per handle. Handles on several threads may refer to one string. Interning a new
 ///           string and purging take one lock; copying and releasing change one counter.
-/// Failure:  creating may throw std::bad_alloc; in that case nothing has changed.
+/// Failure:  creating a handle may throw std::bad_alloc; in that case nothing has changed.
 /// Exit:     at process exit unreferenced strings are destroyed, including static ones. Referenced strings stay valid
 ///           and every operation works until the process ends, for threads still running and for handles in static
 ///           storage; the system reclaims their memory. A module that unloads the library before process exit must

@@ -18,8 +18,8 @@ class MemoryRecycler;
 
 /// A plain reference to a block of memory: copies refer to the same memory, and the destructor frees nothing.
 ///
-/// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, or of 16384 from 1048576
-/// bytes), and their memory is allocated in whole pages from the system if possible.
+/// Buffers of 8192 bytes and more are large: their size is rounded up (to a multiple of 4096, or of 16384 for 1048576
+/// bytes and more), and their memory is allocated in whole pages from the system if possible.
 ///
 /// Alignment: a buffer for which IsVirtual is true starts at a multiple of 4096 bytes, as unbuffered reads require on
 /// volumes with sectors up to that size. Every other buffer, including a large one for which the system had no pages,
@@ -72,9 +72,9 @@ public:
     /// not call it while another thread starts or stops the library.
     static ObjectPtr<MemoryRecycler, AtomicValue> Instance();
 
-    /// Returns a buffer of inSize bytes: for a large size the pool's most recently returned one of exactly the rounded
-    /// size, else a new one. If out of memory, asks the error manager whether to retry; if not, throws std::bad_alloc,
-    /// whose what() is "bad allocation". The memory is not cleared.
+    /// Returns a buffer of inSize bytes: for a large size the most recently returned pooled buffer of exactly the
+    /// rounded size, else a new one. If out of memory, asks the error manager whether to retry; if not, throws
+    /// std::bad_alloc, whose what() is "bad allocation". The memory is not cleared.
     MemoryBuffer AllocateBuffer(std::size_t inSize);
 
     /// Frees a small buffer and clears ioBuffer. Adds a large one to the pool, which then frees its oldest buffers

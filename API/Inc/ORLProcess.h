@@ -24,7 +24,7 @@ enum Type : int {
 } // namespace ProcessSearchFlags
 
 /// Returns whether one of the first 1024 processes that the system lists has an executable whose name matches. The name
-/// is that of the file without its folder, extension included. Processes that this user has no permission to query are
+/// is the file name with its extension, without its folder. Processes that this user has no permission to query are
 /// skipped.
 ///
 /// On Windows each call that returns true leaks one handle to the process found, until this process exits.

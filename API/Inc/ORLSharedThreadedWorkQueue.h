@@ -13,12 +13,12 @@ namespace ORL {
 ///
 /// A multi-threaded queue has one thread for each processor that the process may use, but at least two. The threads
 /// belong to all modules, so they carry the name of this library's module, not that of the module that requests the
-/// queue: "ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue", and the same with "Single-threaded". On Linux
+/// queue: "ORL::Foundation: Multi-threaded ORL::SharedThreadedWorkQueue", or "Single-threaded ..." instead. On Linux
 /// system tools show the first 15 bytes.
 ///
 /// Owner:    the library owns the instance; queues are reference-counted.
 /// Threads:  thread-safe. Holds a lock while it creates a queue and during all of Shutdown, which waits for the queues'
-///           threads: a request must not use this class while Shutdown can run.
+///           threads: a request must not use this class while Shutdown may run.
 /// Failure:  the Retrieve functions return null for a missing queue. Exceptions from ThreadedWorkQueue::Initialize
 ///           propagate; the queue is then discarded.
 class ORL_API SharedThreadedWorkQueue
@@ -29,12 +29,12 @@ public:
     SharedThreadedWorkQueue(const SharedThreadedWorkQueue&) = delete;
     SharedThreadedWorkQueue& operator=(const SharedThreadedWorkQueue&) = delete;
 
-    /// Returns the process's instance; creates it if there is none. Lock-free. The library owns it, until
+    /// Returns the process's instance; creates it if there is none. Lock-free. The library owns the instance until
     /// Shutdown.
     static SharedThreadedWorkQueue* Instance();
 
-    /// Returns the multi-threaded queue of a priority, or null if it does not exist yet. A number outside 0 to 5 is a
-    /// separate key, whose queue runs at priority 3.
+    /// Returns the multi-threaded queue of a priority, or null if it does not exist yet. Each number outside 0 to 5 has
+    /// its own queue, which runs at priority 3.
     QueueRef Retrieve(ThreadPriorities::Type inPriority);
     QueueRef RetrieveOrCreate(ThreadPriorities::Type inPriority);
 

@@ -10,8 +10,8 @@
 
 #include <string>
 
-// All functions are stateless and thread-safe. Malformed text is not an error; tvxcore/Text.h documents its
-// replacement. Pointers must not be null. Throws std::bad_alloc.
+// All functions are stateless and thread-safe. Malformed text is not an error; tvxcore/Text.h documents how
+// it is replaced. Pointers must not be null. Throws std::bad_alloc.
 
 namespace ORL {
 

@@ -3,7 +3,7 @@
 // Everywhere else narrow text is UTF-8: see ORLString.h. Do not mix the two encodings.
 //
 // The code page follows the language of the process (ORLHostSettings.h): 932 for Japanese, 949 for Korean, and the
-// system's default page for all others. Results are byte for byte those of Windows on every platform:
+// system's default page for all others. On every platform results match those of Windows byte for byte:
 // - A character that the page lacks is replaced by the Windows best fit, else by "?". Each half of a surrogate pair
 //   becomes one "?".
 // - A byte or a pair of bytes without a mapping becomes the page's default character: U+30FB in 932, "?" elsewhere.
@@ -37,8 +37,8 @@ ORL_API std::string ToMultiByte(const UTF16String& inText);
 /// Returns a copy.
 ORL_API std::string ToMultiByte(const std::string& inText);
 
-/// Like ToUnicode and ToMultiByte, except in a host of the type CRV::kApplicationType_SystemCodePage: these two then
-/// use the system's default page regardless of the language.
+/// Same as ToUnicode and ToMultiByte, except in a host of the type CRV::kApplicationType_SystemCodePage. There they use
+/// the system's default page regardless of the language.
 ORL_API UTF16String CodePageMultiByteToUnicode16(const std::string& inText);
 ORL_API std::string Unicode16ToCodePageMultiByte(const UTF16String& inText);
 
@@ -49,16 +49,16 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 /// Returns the number of the system's default code page.
 ///
 /// On Linux this is the page that Windows uses for the user's locale. The language in LC_ALL, LC_CTYPE or LANG (the
-/// first that is not empty) determines it, regardless of the encoding: ru_RU.UTF-8 is 1251, ja_JP is 932, and a locale
-/// without a language is 1252. The environment is read once.
+/// first that is not empty) determines it, regardless of the encoding: ru_RU.UTF-8 is 1251, ja_JP is 932; a locale
+/// without a language uses 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
-/// These functions exist only in the Linux library; a host for both platforms calls them from its Linux sources.
+/// Exists only in the Linux library; a host for both platforms calls it from its Linux sources.
 namespace Linux {
 
 /// Sets the default code page of this process, for conversions that begin later; 0 restores the page of the user's
-/// locale. Hosts call it at start-up. The pages are 437, 874, 932, 936, 949, 950 and 1250 to 1258. Returns
-/// kGeneralFailure and changes nothing for any other page.
+/// locale. Hosts call it at start-up. Supports the pages 437, 874, 932, 936, 949, 950 and 1250 to 1258. For any other
+/// page changes nothing and returns kGeneralFailure.
 ORL_API Result SetDefaultCodePage(unsigned int inCodePage);
 
 } // namespace Linux

@@ -24,7 +24,7 @@ ORL_API unsigned __int64 GetAvailablePhysicalMemory();
 /// Returns the size of this process's address space, in bytes. On Linux returns RLIMIT_AS if that is lower.
 ORL_API unsigned __int64 GetTotalVirtualMemory();
 
-/// Returns the load of all processors of the machine together since the previous call in this process, in whole percent
+/// Returns the combined load of all processors of the machine since the previous call in this process, in whole percent
 /// from 0 to 100. Returns 0 on the first call, and until the system's clock has advanced.
 ///
 /// On Linux the load is computed from the first line of /proc/stat, usually in units of 10 ms: all time except idle and

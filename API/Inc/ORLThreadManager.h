@@ -29,9 +29,9 @@ private:
 };
 
 /// Makes the calling thread the main thread, for the life of the process, and enables thread records. Called when the
-/// library starts, under the foundation lock. A call while records are enabled is reported; it then creates a new main
-/// record for the calling thread. The earlier record stays valid for its thread and is leaked. On Linux the initial
-/// thread of the process keeps its name in the system's list, since that is the name of the process.
+/// library starts, under the foundation lock. A call while records are enabled fires an input contract; if that
+/// returns, it creates a new main record for the calling thread. The earlier record stays valid for its thread and is
+/// leaked. On Linux the initial thread keeps its name in process listings, since that is the name of the process.
 ORL_API void RegisterMainThread();
 
 /// Deletes the main thread's record and disables thread records. Call this function on the main thread, which stays the
@@ -50,8 +50,8 @@ ORL_API void UnregisterThread();
 /// Module". Never null. May be called at any time. The record is valid until the thread unregisters.
 ORL_API ThreadInfo* GetCurrentThreadInfo();
 
-/// Returns whether this thread was first registered as the main thread, even after it was unregistered. May be called
-/// at any time. Returns false on every thread before the first registration.
+/// Returns whether the first call of RegisterMainThread ran on this thread, even after UnregisterMainThread. May be
+/// called at any time. Returns false on every thread before that call.
 ORL_API bool CurrentThreadIsMainThread();
 
 } // namespace ThreadManager

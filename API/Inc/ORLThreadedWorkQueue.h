@@ -31,7 +31,7 @@ struct ThreadPriorities
     static constexpr Type kHighest = 5; ///< for work that cannot wait
 };
 
-/// A unit of work. Clients and the queue share it by counted references. See Process for threads and failures.
+/// A unit of work. Clients and the queue hold counted references to it. See Process for threads and failures.
 class ORL_API IThreadedQueueRequest : public ORLUnknown
 {
 public:
@@ -44,12 +44,12 @@ public:
 
 /// Starts requests on its own threads in the order in which they were queued, and runs one periodic idle process.
 ///
-/// State:    created (no threads) until Initialize; running until Stop; then stopped for good: requests are refused.
-///           Destroying a running queue, or stopping a queue twice, reports an assertion and then works like Stop.
+/// State:    created (no threads) until Initialize; running until Stop; then stopped permanently: requests are refused.
+///           Destroying a running queue, or stopping a queue twice, reports an assertion and then acts like Stop.
 /// Owner:    counted references. Clients hold it by InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
 /// Threads:  thread-safe, the queue's own threads included, with two exceptions: Initialize must finish before a second
 ///           thread uses the queue, and Stop must not run at the same time as Initialize.
-/// Failure:  misuse is reported by assertions and contract checks; results are only true and false. QueueRequest and
+/// Failure:  misuse is reported by assertions and contract checks; no function returns an error code. QueueRequest and
 ///           SetIdleProcess may throw std::bad_alloc; in that case nothing has changed.
 class ORL_API ThreadedWorkQueue : public UnknownImpl<ORLUnknown, ThreadedWorkQueue>
 {
@@ -63,9 +63,9 @@ public:
     ThreadedWorkQueue(const ThreadedWorkQueue&) = delete;
     ThreadedWorkQueue& operator=(const ThreadedWorkQueue&) = delete;
 
-    /// Starts the threads, which are named "module: thread". Neither name may be empty. Policy -1 starts as many
-    /// threads as suit the machine, at least two; 0 starts one thread; a number above 0 starts that many. Any other
-    /// policy is reported and starts one thread. A second call replaces the threads: the old threads run their queued
+    /// Starts the threads, which are named "module: thread". Neither name may be empty. Policy -1 starts one thread for
+    /// each processor that the process may use, but at least two; 0 starts one; a number above 0 starts that many. Any
+    /// other policy asserts and starts one. A second call replaces the threads: the old threads run their queued
     /// requests, then exit. Returns true. Throws boost::thread_resource_error if the system cannot start a thread.
     bool Initialize(ThreadPriorities::Type inPriority, int inThreadAllocationPolicy, ConstString inThreadName,
                     ConstString inModuleName);
@@ -83,7 +83,7 @@ public:
     /// Stops the idle process, if any. Waits while the idle process is running, except on the thread that runs it.
     void ClearIdleProcess();
 
-    /// Delays the start of further requests until Resume or Stop. One Resume ends any number of pauses.
+    /// Delays the start of further requests until Resume or Stop. One Resume undoes any number of Pause calls.
     void Pause();
     void Resume();
 

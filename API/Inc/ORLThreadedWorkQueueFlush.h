@@ -46,13 +46,13 @@ public:
     ThreadedWorkQueueFlush(const ThreadedWorkQueueFlush&) = delete;
     ThreadedWorkQueueFlush& operator=(const ThreadedWorkQueueFlush&) = delete;
 
-    /// Sets the queue to flush. Flush reports a null reference. Must not be called while Flush runs.
+    /// Sets the queue to flush. If it is null, Flush reports an assertion. Must not be called while Flush runs.
     void Init(InterfaceRef<ThreadedWorkQueue, ORLUnknown> inQueue);
 
     /// Blocks until all requests queued earlier have finished. Must not be called on a thread of the queue.
     void Flush();
 
-    /// Flushes a queue with an object of its own. No other object may flush the queue at the same time. Throws
+    /// Flushes a queue with a temporary object. No other object may flush the queue at the same time. Throws
     /// std::bad_alloc.
     static void FlushQueue(const InterfaceRef<ThreadedWorkQueue, ORLUnknown>& inQueue)
     {
@@ -72,8 +72,8 @@ private:
     void MakeUpForMissingItems(unsigned int inCount);
 
     InterfaceRef<ThreadedWorkQueue, ORLUnknown> mQueue;
-    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 while no flush has claimed the object
-    WaitableGate mArrivalGate;     // the gate that opens once all items have arrived
+    std::uint32_t mArrivalsLeft;   // items that have not arrived; -1 if no flush has claimed the object
+    WaitableGate mArrivalGate;     // opens when all items have arrived
     std::uint32_t mDeparturesLeft; // items that have not left Process
     WaitableGate mDepartureGate;   // opens when the last item has left
 };

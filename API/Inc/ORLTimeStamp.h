@@ -9,9 +9,9 @@ namespace ORL {
 /// A point in time on the process clock, which counts whole milliseconds since the process began. All getters return
 /// the time from loading the library to that point. To compare two stamps, subtract their GetMilliSeconds.
 ///
-/// A value. Thread-safe for different objects; the load time never changes. Never throws. On Windows the clock is that
-/// of the C runtime. On Linux the clock is the time since the start of the process, suspended time included; setting
-/// the machine's time does not affect it.
+/// A value type. Thread-safe for different objects; the load time never changes. Never throws. On Windows the clock is
+/// that of the C runtime. On Linux the clock counts the time since the start of the process, suspended time included;
+/// setting the system time does not affect it.
 class TimeStamp
 {
 public:

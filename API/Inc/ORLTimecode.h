@@ -19,13 +19,13 @@
 
 namespace ORL {
 
-/// A time with a rate, a format and a style: hours, minutes, seconds and frames; feet and frames; a plain frame count;
-/// audio samples; or milliseconds.
+/// A time with a rate, a format and a style. Formats: hours, minutes, seconds and frames; feet and frames; a plain
+/// frame count; audio samples; or milliseconds.
 ///
 /// Drop-frame formats skip labels, never frames: 2 (at 29.97) or 4 (at 59.94) at the start of each minute, except every
 /// tenth. Only the format determines how labels are counted. The rate matters if the format implies none
 /// (kTimeDisplay_Frames, feet and frames, audio samples) and for single frames (mPreviousFrame).
-/// Owner:    a plain value; copies share nothing. Moving copies, so there is no moved-from state.
+/// Owner:    a plain value; copies share nothing. A move is a copy, so there is no moved-from state.
 /// Threads:  not thread-safe: one thread at a time per object.
 /// Failure:  no error codes. A rate that does not match the format fires an input contract (error 25), and a string
 ///           that cannot be parsed becomes kTime_Invalid. Throws std::bad_alloc.
@@ -56,7 +56,7 @@ public:
 
     class PrivateImpl;
 
-    /// Constructs zero, in 29.97 drop-frame format.
+    /// Constructs time zero, in 29.97 drop-frame format.
     ORL_API Timecode();
 
     /// inFrameRate must be at most 1000 for the formats up to kTimeDisplay_35mmFeetFrames, and from 1000 to 192000 for
@@ -70,7 +70,7 @@ public:
     ORL_API Timecode(const Timecode& inOther);
     ORL_API Timecode& operator=(const Timecode& inOther);
 
-    /// Returns the public time: the stored time, plus one frame with mPreviousFrame.
+    /// Returns the public time: the stored time, plus one frame if mPreviousFrame is set.
     ORL_API tvxmediatypes::TickTime GetTime() const;
     ORL_API void SetTime(const tvxmediatypes::TickTime& inTime);
 
@@ -83,15 +83,15 @@ public:
 
     ORL_API tvxmediatypes::TimeDisplay GetFormat() const; ///< returns the format of the label
 
-    /// Keeps the public time. inFrameRate must be in the range that the constructor documents.
+    /// Changes format and rate. Keeps the public time. inFrameRate must be in the range that the constructor documents.
     ORL_API void SetFormat(tvxmediatypes::TimeDisplay inTimeDisplay, const tvxmediatypes::FrameRate& inFrameRate);
 
-    ORL_API Style GetStyle() const; ///< returns how the label is written
+    ORL_API Style GetStyle() const; ///< returns the style of the label
 
-    /// Keeps the stored time: switching mPreviousFrame moves the public time by one frame.
+    /// Changes the style. Keeps the stored time: switching mPreviousFrame moves the public time by one frame.
     ORL_API void SetStyle(const Style& inStyle);
 
-    /// Adds to the label, field by field, with carries; skips labels that drop-frame does not have. The result is
+    /// Adds to the label, field by field, with carries; skips the labels that drop-frame omits. The result is
     /// clamped to 24 hours on either side of zero. In kTimeDisplay_Frames only frames can be added.
     ORL_API void IncrementHMSF(int inHours, int inMinutes, int inSeconds, int inFrames);
 
@@ -102,13 +102,13 @@ public:
     /// Returns the stored time as a string.
     ORL_API UTF16String GetString() const;
 
-    /// Parses a time. Returns kTime_Invalid if inText cannot be parsed, kTime_Zero if it is empty.
+    /// Parses a string. Returns kTime_Invalid if inText cannot be parsed, kTime_Zero if it is empty.
     ///
     /// A string consists of an optional sign, then up to four fields, separated by any mix of ":" ";" "."; the last
     /// field is the frames. A single number is split from the right, two digits per field (frames: as many as the rate
     /// needs); after a leading separator it is a plain frame count. A field may overflow into the next one; hours are
-    /// taken modulo 24. Feet and frames are two fields, and "+" is also a separator. With inPreviousFrame one frame is
-    /// added to the result.
+    /// taken modulo 24. Feet and frames are two fields, and "+" is also a separator. If inPreviousFrame is true, adds
+    /// one frame to the result.
     static ORL_API tvxmediatypes::TickTime StringToTime(const UTF16String& inText,
                                                         const tvxmediatypes::FrameRate& inFrameRate,
                                                         tvxmediatypes::TimeDisplay inTimeDisplay, bool inPreviousFrame);
@@ -136,11 +136,11 @@ inline bool IsSameStyle(const Timecode::Style& inLeft, const Timecode::Style& in
 
 } // namespace Internal
 
-// The operators are templates because overload resolution prefers functions that are not: a host's own operator for
+// The operators are templates because overload resolution prefers non-template functions: a host's own operator for
 // Timecode stays in use instead of becoming ambiguous.
 
-/// Two timecodes are equal if their public time, rate, format and style are: they then have the same text, whatever is
-/// done to both. To compare only positions, compare GetTime.
+/// Two timecodes are equal if their public time, rate, format and style are: they then have the same string, even after
+/// the same changes to both. To compare only positions, compare GetTime.
 template <class Code, Internal::IfTimecode<Code> = 0>
 bool operator==(const Code& inLeft, const Code& inRight)
 {
@@ -153,7 +153,7 @@ bool operator!=(const Code& inLeft, const Code& inRight)
     return !(inLeft == inRight);
 }
 
-/// Writes the text of GetString, as UTF-8, with the stream's width.
+/// Writes the result of GetString as UTF-8, with the stream's width.
 template <class Traits, class Code, Internal::IfTimecode<Code> = 0>
 std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& ioStream, const Code& inCode)
 {

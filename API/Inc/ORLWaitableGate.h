@@ -22,10 +22,10 @@ class WaitableGateAlgorithm;
 /// A gate at which threads wait. A gate starts closed, and may be opened and closed again.
 ///
 /// Opening releases every thread that sleeps at the gate, even if the gate is closed again immediately.
-/// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate; no
-///           thread may begin to wait on it then.
+/// Owner:    the creator. Gates must be open when they are returned to the pool. The destructor opens the gate; once it
+///           runs, no thread may begin to wait.
 /// Threads:  thread-safe. mMutex is a leaf lock.
-/// Time:     milliseconds; -1 waits forever, 0 polls; any other negative time times out at once.
+/// Time:     milliseconds; -1 waits forever, 0 polls; any other negative value times out immediately.
 /// Failure:  kWaitTimeout is a result, not an error. Exceptions from boost::mutex and boost::condition_variable
 ///           propagate, thread interruption included.
 /// Example:
@@ -41,7 +41,7 @@ public:
     WaitableGate(const WaitableGate&) = delete;
     WaitableGate& operator=(const WaitableGate&) = delete;
 
-    /// Returns kSuccess if the gate is open, or was opened while this thread slept; kWaitTimeout if the time ran out.
+    /// Returns kSuccess if the gate is open, or was opened while this thread slept; kWaitTimeout on a timeout.
     /// The time limit applies to each sleep: a spurious wake-up restarts it. Takes no lock if the gate is open or the
     /// time is 0.
     Result Wait(int inMilliseconds);
