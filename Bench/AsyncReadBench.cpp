@@ -1,10 +1,10 @@
 // Question: what do callbacks, busy lists and records cost on top of the io_uring reads?
 //
 // The library, a bare liburing loop and fio read the same file of 1 GiB unbuffered, in turn. Each round reads 256 MiB.
-// This program's loops read into the same memory, from the library's large-buffer pool; fio uses its own
-// memory, in small pages, which makes it slower. The bare loop is minimal for reads into arbitrary memory. The loop
-// with registered buffers and file registers its memory with the kernel beforehand, which code that reads into a
-// caller's buffers cannot do.
+// The library and the liburing loops read into the same memory, from the library's large-buffer pool; fio uses its own
+// memory, in small pages, which makes it slower. The bare loop does the minimum for reads into arbitrary memory.
+// Another loop registers its buffers and file with the kernel beforehand, which code that reads into a caller's buffers
+// cannot do.
 #include "Harness.h"
 
 #include <ORLAsyncFileReader.h>
@@ -109,7 +109,7 @@ private:
     void Queue(void* inBuffer)
     {
         // The main thread queues the first read into each buffer, the completion thread the later ones. Both may run
-        // at once, so the counter is atomic.
+        // concurrently, so the counter is atomic.
         if (mQueued.fetch_add(1, std::memory_order_relaxed) < mWork.Reads()) {
             mReader.QueueReadRequest(NextPosition(), mWork.mBlock, inBuffer, &OnRead, this, nullptr, nullptr);
         }

@@ -1,4 +1,4 @@
-// Question: is converting code page strings by value faster than ICU's converter, kept open and writing to a
+// Question: is converting code page strings by value faster than with ICU's converter, kept open and writing to a
 // preallocated buffer? And does a repeated query of the language cost more than an atomic load?
 #include <ORLHostSettings.h>
 #include <ORLStringUtils.h>
@@ -38,7 +38,7 @@ const Page kPages[] = {
 const std::size_t kSizes[] = {16, 256, 65536};
 const double kGoals[] = {0.8, 0.35, 0.35};
 
-// Repeats the sample, and cuts the text where both converters see a character boundary.
+// Repeats the sample, and cuts the result where both converters see a character boundary.
 std::string TextOf(const Page& inPage, std::size_t inBytes)
 {
     std::string text;

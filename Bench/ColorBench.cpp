@@ -1,8 +1,8 @@
-// Colour conversions compared with the same formulas written plainly in double, a million values at a time.
+// Colour conversions compared with straightforward code for the same formulas in double, on a million values.
 //
 // Question: is a host that converts a palette or a swatch slower if it calls the library? The library keeps the
 // precision that the formulas define for each step, and each call crosses a library boundary; for a fair comparison the
-// plain formulas are functions too, never inlined. No widely used library offers these operations on single values.
+// plain formulas are noinline functions too. No widely used library offers these operations on single values.
 #include "Harness.h"
 
 #include <ORLColor.h>

@@ -1,5 +1,5 @@
 // Gates and waitable objects compared with what a host would use instead. Question: is an open gate as cheap as its one
-// atomic operation, and does a sleeping thread wake as fast as from a condition variable?
+// atomic operation, and does it wake a sleeping thread as fast as a condition variable?
 #include <ORLEvent.h>
 #include <ORLWaitableGate.h>
 
@@ -167,8 +167,8 @@ void NobodyWaiting()
         .Run();
 }
 
-// No goal: if the heap returns memory quickly, a new gate costs less than the pool's lock and checks. The pool saves
-// constructing a mutex and a condition variable on systems where that needs system calls, and moving memory between
+// No goal: if the heap returns memory quickly, a new gate costs less than the pool's lock and checks. The pool
+// avoids constructing a mutex and a condition variable where that needs system calls, and moving memory between
 // threads.
 void PooledGates()
 {

@@ -1,6 +1,6 @@
 // Natural cubic splines compared with those of the GNU Scientific Library, which compute in double.
 //
-// Question: does another library evaluate a curve through 10^4 points faster? The evaluated positions are random.
+// Question: does another library evaluate a curve through 10^4 points faster, at random positions?
 #include "Harness.h"
 
 #include <ORLGeometry.h>

@@ -2,7 +2,7 @@
 // Without that step the peer would do less work: for 16 bytes the step is a third of the total.
 //
 // Question: do the contract check, updating HashValue's three words and the call across the library boundary
-// cost anything? The dependency chain of the mix step limits hashing, so this cost should be hidden.
+// cost anything? Hashing is limited by the dependency chain of the mix step, which should hide this cost.
 #include "Harness.h"
 
 #include <ORLHashValue.h>

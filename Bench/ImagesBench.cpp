@@ -42,7 +42,7 @@ Pixels PhotoLike()
     return pixels;
 }
 
-// Returns panels of one colour each, as in user interfaces.
+// Returns a picture of solid-colour panels, as in user interfaces.
 Pixels Flat()
 {
     Pixels pixels(kPixels);

@@ -2,12 +2,12 @@
 // of the volume, manifest) with "cp" followed by an unbuffered read that compares the copy with the source byte by
 // byte. The peer does not flush and keeps no checksums.
 //
-// 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is cached for both; the destination is
-// emptied before each round, outside the measured time.
+// The sources are 2 GiB in 40 files, and 10000 files of 10 KiB in 100 folders. The source is cached for both; the
+// destination is emptied before each round, outside the measured time.
 //
-// And: what do several destinations cost (one run to two destinations, compared with one run for each), and how fast is
-// "orl verify" compared with "sha256sum -c"? Both programs read a folder whose pages were dropped from the cache before
-// each round.
+// Also: what do several destinations cost (one run to two destinations, compared with one run for each), and how fast
+// is "orl verify" compared with "sha256sum -c"? Both programs read a folder whose pages were dropped from the cache
+// before each round.
 #include "Harness.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 // Question: what does a reused large buffer cost? The answer decides whether a host may request one per frame.
 //
 // The pool contains one buffer of the requested size per thread. Groups with "every page written" touch each page once,
-// as any code that fills a buffer does; their row "the writes alone" writes to a kept buffer, a cost that no pool can
-// avoid. The peers are libavutil's buffer pool and a new mapping each time.
+// as any code that fills a buffer does; their row "the writes alone" writes to one fixed buffer, a cost that no pool
+// can avoid. The peers are libavutil's buffer pool and a new mapping each time.
 #include <Harness.h>
 
 #include <ORLMemoryRecycler.h>

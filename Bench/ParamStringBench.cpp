@@ -1,4 +1,4 @@
-// Question: is it fast enough to build a log line from a localised template in hot code?
+// Question: is building a log line from a localised template fast enough for hot code?
 #include <Harness.h>
 
 #include <ORLParamString.h>

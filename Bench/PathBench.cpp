@@ -25,7 +25,7 @@ UTF16String LibraryPath()
 
 } // namespace
 
-// Question: do all parts of a path, as new strings, cost less than parsing the path once?
+// Question: does returning all parts of a path as new strings cost less than parsing a std::filesystem::path once?
 void SplitAPath()
 {
     const UTF16String path = LibraryPath();
@@ -52,7 +52,7 @@ void SplitAPath()
         .Run();
 }
 
-// Question: is the cost of the extension, the most frequent query, independent of the rest of the path?
+// Question: is the cost of querying the extension, the most frequent query, independent of the rest of the path?
 void GetExtension()
 {
     const UTF16String path = LibraryPath();
@@ -74,7 +74,7 @@ void GetExtension()
         .Run();
 }
 
-// Question: what does building the path of a sibling file cost?
+// Question: what does building a sibling file's path cost?
 void MakeSiblingPath()
 {
     const UTF16String path = LibraryPath();

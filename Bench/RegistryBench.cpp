@@ -1,6 +1,6 @@
 // Question: what do reading and writing settings cost, compared with databases that the host queries for each read?
 //
-// One key holds 10^4 values, which are read in random order. The peers hold the same values in a table of SQLite (WAL,
+// One key holds 10^4 values, which are read in random order. The peers hold the same values in an SQLite table (WAL,
 // synchronous NORMAL, prepared statements) and in LMDB (with a read transaction renewed for each read). All stores are
 // on this program's disk. The rows "beside a writer" are measured while another process changes one value in each store
 // every two milliseconds.
@@ -54,7 +54,7 @@ std::string TextName(unsigned inIndex)
     return "file name " + std::to_string(inIndex);
 }
 
-// Prepared statements on one table, written by hand.
+// Hand-written prepared statements on one table.
 class Sqlite
 {
 public:

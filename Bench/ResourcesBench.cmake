@@ -1,4 +1,4 @@
-# The plug-in, and the same texts and names for the peers.
+# Builds the plug-in, and the same strings and names for the peers.
 pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0)
 find_program(GLIB_COMPILE_RESOURCES glib-compile-resources REQUIRED)
 find_program(MSGFMT msgfmt REQUIRED)

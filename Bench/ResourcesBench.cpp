@@ -26,7 +26,7 @@ ORL::ObjectPtr<ORL::Module> LoadPlugIn()
     return module;
 }
 
-// Compares lookups of the last text of a block, which skip all others, and of the first.
+// Compares lookups of the last string of a block, which skip all others, and of the first.
 void CompareTexts(const ORL::Module& inModule)
 {
     ::setlocale(LC_ALL, "C.UTF-8");

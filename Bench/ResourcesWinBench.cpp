@@ -1,4 +1,4 @@
-// Question: what does the library's lookup cost on top of the system's own? The strings and names are those of
+// Question: what does the library's lookup add to the cost of the system's own? The strings and names are those of
 // ResourcesBench.
 #include <Harness.h>
 #include <PlugIn.h>

@@ -2,7 +2,7 @@
 //
 // Question: is our allocator fast enough for every string, record and counter of the libraries?
 //
-// "ours" is what a host gets: the header inlines the fast path into its callers. Two more rows are for reference: the
+// "ours" is what a host calls: the header inlines the fast path into its callers. Two more rows are for reference: the
 // same allocator called through a pointer, like a peer, and two calls through pointers that do nothing, which measures
 // the cost of the calls alone: no allocator that is called through a pointer can be faster.
 #include <AllocatorPeers.h>
@@ -31,7 +31,7 @@ struct Ours
     static constexpr const char* kName = "ours";
 };
 
-// Both pointers are read from a volatile once, so that the compiler does not know the called functions.
+// Each pointer is read once from a volatile, so that the compiler cannot see which function is called.
 void* (*volatile sFindAllocate)(std::size_t) = &SmallBlockAllocator::Allocate;
 void (*volatile sFindDispose)(void*, std::size_t) = &SmallBlockAllocator::Dispose;
 void* (*sAllocate)(std::size_t) = sFindAllocate;

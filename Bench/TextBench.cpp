@@ -1,5 +1,5 @@
-// Question: is converting strings by value faster than ICU's conversion into a preallocated buffer, and folding case
-// faster than ICU's?
+// Question: is conversion that returns strings faster than ICU's conversion into a preallocated buffer, and is case
+// folding faster than ICU's?
 #include <tvxcore/Text.h>
 
 #include <Harness.h>
@@ -16,7 +16,7 @@ using tvxcore::utility::FoldCase;
 using tvxcore::utility::UTF16to8;
 using tvxcore::utility::UTF8to16;
 
-// Repeats the sample until the text has inBytes bytes, and cuts it at a character boundary.
+// Repeats the sample up to inBytes bytes, and cuts the result at a character boundary.
 UTF8String TextOf(const std::string& inSample, std::size_t inBytes)
 {
     UTF8String text;

@@ -1,7 +1,7 @@
 // Timecode compared with libavutil's timecode functions, and with snprintf and sscanf for formats that libavutil lacks.
 //
 // Question: would a host that displays and parses many labels be faster with another library? Labels and times are
-// random over a day, so that branches cannot be predicted; the library returns its labels by value, as 16-bit strings.
+// random in a day, so that branches cannot be predicted; the library returns its labels by value, as 16-bit strings.
 #include "Harness.h"
 
 #include <ORLTimecode.h>
@@ -167,7 +167,7 @@ void WriteGroupAgainstPrint(const Material& inMaterial, const char* inPattern, s
 void ReadGroup(const Material& inMaterial)
 {
     const BenchFormat& format = inMaterial.mFormat;
-    // libavutil detects drop-frame by the last separator and accepts no ";" before it.
+    // libavutil detects drop-frame by the last separator and accepts ";" only there.
     std::vector<std::string> peerTexts;
     for (const int frame : inMaterial.mFrames) {
         char text[AV_TIMECODE_STR_SIZE];
@@ -339,7 +339,7 @@ void DayGroup()
 }
 
 // Returns the blocks allocated so far: from the small block allocator, if it has counters, and from the system's heap
-// beneath it. An allocator without counters may be a mere front end to the heap.
+// beneath it. An allocator without counters may pass every block on to the heap.
 unsigned long long BlocksSoFar()
 {
     tvxcore::utility::SmallBlockAllocator::Metrics::Snapshot snapshot{};

@@ -1,4 +1,4 @@
-// Question: is passing small tasks to threads cheaper with this queue than with common thread pools?
+// Question: does passing small tasks to threads cost less with this queue than with common thread pools?
 #include <Harness.h>
 
 #include <ORLThreadedWorkQueue.h>
@@ -119,7 +119,7 @@ private:
     boost::asio::thread_pool mPool;
 };
 
-// The caller has no slot in the arena, so workers do everything.
+// The caller has no slot in the arena, so workers run all tasks.
 class TbbPool
 {
 public:

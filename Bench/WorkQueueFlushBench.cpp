@@ -106,7 +106,7 @@ private:
     boost::asio::thread_pool mPool;
 };
 
-// Threads that repeatedly wait for the caller at a barrier.
+// Threads that meet the caller at a barrier, repeatedly.
 class BarrierThreads
 {
 public:
@@ -213,7 +213,7 @@ void CompareBusy(Rivals& ioRivals)
         .Run();
 }
 
-// Flushes by several threads through one object are serialised, and must not delay the queue's threads.
+// Several threads flush through one object, which serialises them; this must not delay the queue's threads.
 void FlushByMany(OurQueue& ioQueue, unsigned inFlushers, std::uint64_t inFlushes)
 {
     std::vector<std::thread> flushers;

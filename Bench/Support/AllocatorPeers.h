@@ -1,6 +1,6 @@
 // The allocators that the small block allocator is compared with.
 //
-// Each peer is loaded so that only calls by address reach it: malloc remains the C library's everywhere else. A peer is
+// Each peer is loaded so that it is reached only by address: elsewhere malloc remains the C library's. A peer is
 // a type with Allocate and Dispose, so that the benchmark's loop is compiled identically for each. Each call to a peer
 // is one call through a pointer, like a program's call into a shared library.
 #pragma once
@@ -22,7 +22,7 @@ struct Glibc
 
     static bool Load()
     {
-        // Reads the pointers through a volatile, so that the compiler does not know the called functions.
+        // Reads the pointers through a volatile, so that the compiler cannot see which functions are called.
         sAllocate = sFindAllocate;
         sFree = sFindFree;
         return true;
@@ -101,9 +101,9 @@ struct Mimalloc
     static constexpr const char* kName = "mimalloc";
 };
 
-/// jemalloc needs 2.6 KiB of static thread-local storage, more than a program reserves for libraries that are loaded
-/// later. The reserve can only be changed before the program starts, so the program restarts itself with a larger
-/// reserve.
+/// jemalloc needs 2.6 KiB of static thread-local storage, more than the loader reserves for libraries that are
+/// loaded later. The reserve cannot be changed after the start, so the program restarts itself with a larger
+/// one.
 inline void RestartWithLargerStaticTls(char** inArguments)
 {
     if (std::getenv("GLIBC_TUNABLES") == nullptr) {

@@ -1,4 +1,4 @@
-// A small benchmark harness: groups of rivals that do the same work, the library ("ours") and its peers.
+// A small benchmark harness. A group compares rivals that do the same work: the library ("ours") and its peers.
 //
 // Method
 //   - In each repetition of a group every rival runs once, in turn, so machine noise affects all alike. Each
@@ -110,7 +110,7 @@ inline State& TheState()
     return state;
 }
 
-// The part of a round that one thread runs. The result is used only for bodies that return a figure.
+// The part of a round that one thread runs. Its result is used only if the body returns a figure.
 using Body = std::function<double(std::uint64_t inOperations, unsigned inThread)>;
 
 template <class Function, class... Arguments>
@@ -199,7 +199,7 @@ private:
         }
     }
 
-    // With fewer processors than threads, a spinning thread would starve the thread that it waits for.
+    // On one processor, a spinning thread would starve the thread that it waits for.
     static void Relax()
     {
         if (std::thread::hardware_concurrency() < 2) {
@@ -224,7 +224,7 @@ inline double Percentile(std::vector<double> inValues, double inShare)
 
 } // namespace Detail
 
-/// Reads the program's arguments. Call this function first.
+/// Reads the program's arguments. Must be called first.
 inline void Start(int inCount, char** inArguments)
 {
     Detail::TheState().mFilter = inCount > 1 ? inArguments[1] : "";
@@ -247,14 +247,14 @@ class Group
 public:
     explicit Group(std::string inTitle) : mTitle(std::move(inTitle)) {}
 
-    /// The number of threads that run each body concurrently; 1 by default.
+    /// Sets the number of threads that run each body concurrently; 1 by default.
     Group& Threads(unsigned inCount)
     {
         mThreads = inCount;
         return *this;
     }
 
-    /// Operation counts are multiples of inStep, for instance a batch size.
+    /// Makes operation counts multiples of inStep, for instance of a batch size.
     Group& Step(std::uint64_t inStep)
     {
         mStep = inStep;
@@ -268,14 +268,14 @@ public:
         return *this;
     }
 
-    /// The number of repetitions, at least 9.
+    /// Sets the number of repetitions, at least 9.
     Group& Repetitions(unsigned inCount)
     {
         mRepetitions = std::max(9u, inCount);
         return *this;
     }
 
-    /// The unit of the figure, and whether more is better. The default is "ns", less is better.
+    /// Sets the unit of the figure, and whether more is better. The default is "ns", less is better.
     Group& Unit(std::string inUnit, bool inMoreIsBetter = false)
     {
         mUnit = std::move(inUnit);

@@ -1,5 +1,5 @@
-# A plug-in with a block of sixteen texts and a thousand names: the target bench_plug_in, in the folder ${bench_resources}.
-# bench_texts lists the texts.
+# Builds a plug-in with a block of sixteen strings and a thousand names: the target bench_plug_in, in
+# ${bench_resources}. bench_texts lists the strings.
 set(bench_resources "${CMAKE_CURRENT_BINARY_DIR}/resources")
 set(script "LANGUAGE 9, 1\nSTRINGTABLE\n{\n")
 set(bench_texts)

@@ -34,7 +34,7 @@ std::uint64_t Pack(const Amount& inAmount) noexcept
     return static_cast<std::uint64_t>(inAmount.mCount) * kOneBlock + static_cast<std::uint64_t>(inAmount.mBytes);
 }
 
-// The part of one subject that no thread owns. mUnclaimed is also read without the lock, to test whether it is 0.
+// The shared part of a counter. mUnclaimed is also read without the lock, to test whether it is 0.
 struct Account
 {
     std::int64_t mPeak = 0;
