@@ -1,4 +1,4 @@
-// Formats a size in bytes as a short text.
+// Formats a size in bytes as a short string.
 #include <ORLDiskUtils.h>
 
 #include <string>

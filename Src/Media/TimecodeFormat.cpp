@@ -226,7 +226,7 @@ template <int kFramesPerFoot>
                                     : NegativeFeetFramesText(isNegative, hasPlus, feet, frames);
 }
 
-// A negative time without a sign shows 23 minus its hours; the other fields stay magnitudes.
+// A negative time displayed without a sign shows 23 minus its hours; the other fields show magnitudes.
 int ShownHours(const Timecode::PrivateImpl& inImpl)
 {
     const int hours = inImpl.mHours % 24;

@@ -70,8 +70,8 @@ unsigned int ThreadedWorkQueueFlush::QueueItems(unsigned int inCount)
         try {
             queuedSuccessfully = mQueue->QueueRequest(ThreadedWorkQueue::Request(this));
         } catch (const std::bad_alloc&) {
-            // Running out of memory is treated like a refusal by the queue: the items already queued must not wait for
-            // this item.
+            // Running out of memory counts as a rejection by the queue: the items already queued must not wait for this
+            // item.
         }
         ORL_ASSERT_IN(queuedSuccessfully, "ORL::ThreadedWorkQueueFlush::Flush");
         queued += queuedSuccessfully ? 1 : 0;

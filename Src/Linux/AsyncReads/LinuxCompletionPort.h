@@ -53,8 +53,8 @@ public:
     virtual const char* Describe() const = 0;
 };
 
-/// The open ports of the process, by handle. The handle of a closed port is never valid again: a thread that still has
-/// it finds no port. Thread-safe.
+/// The open ports of the process, by handle. The handle of a closed port is never reused: Find returns null for it.
+/// Thread-safe.
 class OpenPorts
 {
 public:

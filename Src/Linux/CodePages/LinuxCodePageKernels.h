@@ -46,7 +46,7 @@ PairsToBytesFunction PairsToBytesPlain;
 std::size_t SinglesToBytes(const SingleBytePage& inPage, const unsigned short* inText, std::size_t inUnits,
                            unsigned char* outBytes) noexcept;
 
-/// Returns the number of elements that converting the text writes.
+/// Returns the number of elements in the converted text.
 std::size_t CountUnits(const DoubleBytePage& inPage, const unsigned char* inText, std::size_t inBytes) noexcept;
 std::size_t CountBytes(const DoubleBytePage& inPage, const unsigned short* inText, std::size_t inUnits) noexcept;
 

@@ -265,7 +265,7 @@ int ShareHolder::Release() noexcept
     }
     ShareBucket& bucket = BucketOf(mFile);
     const MutexLock lock(bucket.mMutex);
-    // Closing does not release the locks while a process just forked by the host still has a copy of the descriptor.
+    // A process just forked by the host may have a copy of the descriptor; closing would then not release the locks.
     if (mHasLocks) {
         UnlockAll(mOpen.Get());
     }

@@ -67,7 +67,7 @@ private:
     const unsigned char* const mEnd;
 };
 
-/// Returns whether all chunks up to IEND are complete and have the right checksums.
+/// Returns whether all chunks up to IEND are complete and have correct checksums.
 inline bool AreChunksComplete(const Resources::Bytes& inFile) noexcept
 {
     ChunkReader reader(inFile);

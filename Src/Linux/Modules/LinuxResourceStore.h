@@ -26,7 +26,7 @@ public:
     const Resources::ResourceEntry* Find(const unsigned short* inType, const unsigned short* inName,
                                          unsigned short inLanguage) const;
 
-    /// Returns the cursor with an identifier, which is decoded once; null if there is none. Throws std::bad_alloc.
+    /// Returns the cursor with this identifier, decoded on first use; null if there is none. Throws std::bad_alloc.
     const Resources::Linux::CursorPicture* FindCursor(unsigned short inID) const;
 
     /// Returns a new bitmap of a bitmap resource; null if the resource is missing or unreadable. Throws std::bad_alloc.

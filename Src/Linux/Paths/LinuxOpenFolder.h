@@ -11,7 +11,7 @@ namespace ORL {
 namespace Linux {
 
 /// The entries of an open folder, in the kernel's order, without "." and "..". Contains a buffer that is too large for
-/// the stack of a recursion.
+/// the stack frames of a recursive function.
 class FolderEntries
 {
 public:

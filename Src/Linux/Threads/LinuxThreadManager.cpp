@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t kNameLimit = 15; // the kernel's limit for a thread name
 
-// Returns the length of the longest UTF-8 prefix that fits and ends at a character boundary. tvxcore has its own such
-// function for the threads of executors: sharing it would need a public header, and hosts have no use for it.
+// Returns the length of the longest UTF-8 prefix that fits and ends at a character boundary. tvxcore has a similar
+// function for its executors' threads; sharing one would need a public header, which hosts have no use for.
 std::size_t FittingLength(const char* inName)
 {
     const std::size_t length = std::strlen(inName);

@@ -29,7 +29,7 @@ protected:
     /// Returns 0 to walk the folder just entered, or an errno to refuse it.
     virtual int Accept(const struct statx&) { return 0; }
 
-    /// Called after the contents of a folder, which is still held.
+    /// Called after the contents of a folder have been visited, while the folder is still held.
     virtual int Leave(int inAbove, const char* inName) = 0;
 
     int EnterFolder(const char* inName);

@@ -93,7 +93,7 @@ private:
     int mStatus;
 };
 
-// If locking fails, the variant that tests its locks returns false; the other leaves the destination and returns true.
+// If locking fails, the variant that tests its locks returns false; the other returns true without copying.
 template <class Form>
 bool CopyPixels(Picture* inSource, Picture* inDestination, std::size_t inWidth, std::size_t inHeight)
 {
