@@ -32,7 +32,7 @@ bool ForbidTheRing(int inErrno)
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
-// An ordinary user lacks these rights anyway.
+// Also returns true for an ordinary user, who lacks these rights anyway.
 bool DropRights()
 {
     const auto isGone = [](unsigned long inRight) {

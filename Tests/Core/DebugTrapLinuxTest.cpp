@@ -51,7 +51,7 @@ class QuietManager : public tvxcore::config::ErrorManager
 
 Outcome Watch(void (*inCheck)(), bool inAskToBreak, bool inAttach)
 {
-    std::fflush(nullptr); // otherwise both processes would print buffered text
+    std::fflush(nullptr); // otherwise both processes would print the buffered output
     const pid_t child = ::fork();
     if (child == 0) {
         RunChild(inCheck, inAskToBreak, inAttach);

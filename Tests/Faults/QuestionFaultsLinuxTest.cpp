@@ -30,7 +30,7 @@ constexpr int kErrors[] = {EIO,    EACCES, ENOMEM, EMFILE, ENFILE, ELOOP, ENOTDI
 struct Query
 {
     const char* mName;
-    std::string (*mAsk)(const TempFolder&); // returns the result of the query as text
+    std::string (*mAsk)(const TempFolder&); // returns the result of the query as a string
     std::string mTrue;
     std::string mRefused; // the result for a failed call, also accepted
 };

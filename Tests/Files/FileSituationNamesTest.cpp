@@ -64,8 +64,8 @@ TEST(FileSituationNames, AFileWhoseNameBeginsWithADot_IsMadeAgain)
     }
 }
 
-// ch1. The platform's close function returns nothing and must get each handle only once. A second File::Close does
-// nothing.
+// ch1. The platform's close function returns nothing and must be called only once for each handle. A second
+// File::Close does nothing.
 TEST(FileSituationNames, AFileThatIsClosedTwice_IsClosedOnce)
 {
     const TempFolder folder;

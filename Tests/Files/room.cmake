@@ -3,7 +3,7 @@ orl_test_folder(Disks)
 orl_test_folder(Faults)
 orl_test_folder(ShareModes)
 
-# The operations whose system calls the tests fail.
+# The File operations for the tests that make system calls fail.
 if(NOT WIN32)
   target_sources(${room_target} PRIVATE Files/Faults/FileAccessOperationsLinux.cpp
     Files/Faults/FileTransferOperationsLinux.cpp)

@@ -171,7 +171,7 @@ TEST(Cursor, WithoutADisplay_OnlyTheShapeIsKept)
     }
 }
 
-// Runs in a new process, in which libX11 has not been searched for yet.
+// Runs in a new process, because the library searches for libX11 only once.
 TEST(CursorDeathTest, WithoutLibX11_NothingHappens)
 {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";

@@ -28,7 +28,7 @@ std::string RandomText(std::mt19937& ioRandom, const std::string& inCharacters, 
 
 } // namespace
 
-// With FNM_PATHNAME the C library has the same rule for these characters.
+// With FNM_PATHNAME the C library's fnmatch has the same rules for these characters.
 TEST(IngestExclusionsOnLinux, Patterns_MatchLikeTheSystems)
 {
     std::mt19937 random(20261122);

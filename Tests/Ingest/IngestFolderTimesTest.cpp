@@ -84,7 +84,7 @@ TEST_F(IngestFolderTimes, ALaterRun_SetsThemAgain)
     ExpectIngested(mCard, DiskOf(0));
 }
 
-// Times say nothing about the contents, so they do not make the source unsafe to erase.
+// Even a stopped run sets the times of the folders into which it has copied files.
 TEST_F(IngestFolderTimes, ARunThatStops_SetsThemToo)
 {
     RunTo(1, [this](std::size_t, IngestStep inStep, const IngestItem& inItem) {

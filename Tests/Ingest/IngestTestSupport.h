@@ -126,7 +126,7 @@ inline std::string RecordOf(const std::string& inLines)
 
 inline constexpr char kUnfinished[] = ".orl-0123456789abcdef0123456789abcdef.part";
 
-/// Returns whether a name is that of an unfinished file, the record, or the earlier file that a killed exchange leaves.
+/// Returns whether a name is that of an unfinished file, the record, or the old file that a killed replacement left.
 inline bool IsLeftover(const std::string& inName)
 {
     return inName.find(".orl-") != std::string::npos || inName == kRecord || inName.find('~') != std::string::npos;

@@ -93,7 +93,7 @@ TEST(FitProgress, PartsOfTheHighestRank_GoFirst)
     EXPECT_EQ("a?b", FitProgress({{"a\nb", 0}}, 9));
 }
 
-// Not every console interprets escape sequences; a console that prints them would wrap the line.
+// Escape sequences are not used, because a console that prints instead of interpreting them would wrap the line.
 TEST(ProgressLine, OverwritesTheLongerTextWithBlanks)
 {
     CapturedOutput output;

@@ -84,7 +84,7 @@ TEST_F(VerifyHere, AFolderThatVanishesWhileItIsListed_IsGone)
     EXPECT_TRUE(outcome.mFiles.empty());
 }
 
-// No file of a folder that is gone is reported as missing.
+// If the whole folder has disappeared, its files must not be reported as missing.
 TEST_F(VerifyHere, AFolderThatVanishesBeforeItsFilesAreRead_IsGone)
 {
     for (const bool isQuick : {false, true}) {

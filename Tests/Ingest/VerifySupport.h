@@ -83,7 +83,7 @@ protected:
         return orl::WorstExitCode(orl::TroublesOf({inOutcome}));
     }
 
-    /// Expects one line about the folder that is gone, the exit code for it, and no other difference.
+    /// Expects one line about the missing folder, its exit code, and no other difference.
     void ExpectGone(const orl::VerifyOutcome& inOutcome, std::size_t inVerified) const
     {
         const auto troubles = orl::TroublesOf({inOutcome});

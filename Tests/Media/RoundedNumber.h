@@ -1,4 +1,4 @@
-// A number whose every operation rounds once, whatever the compiler settings.
+// A number type whose operations each round exactly once, whatever the compiler settings.
 #pragma once
 
 #include <cmath>

@@ -30,7 +30,7 @@ struct OpenCloseOpen : rl::test_suite<OpenCloseOpen<Policy>, 3>
     }
 };
 
-/// Two threads sleep; then the gate is opened and closed at once, permanently. Both threads must be released.
+/// Two threads sleep; then the gate is opened, closed at once, and never reopened. Both threads must be released.
 template <class Policy>
 struct PulseReleasesSleepers : rl::test_suite<PulseReleasesSleepers<Policy>, 3>
 {

@@ -94,7 +94,7 @@ struct ChannelPolicy
     static void Pause() { rl::yield(1, $); }
 };
 
-/// Common parts of the models: a channel, and nodes that count the number of times that they were taken.
+/// Common parts of the models: a channel, and nodes that record the number of times that they were taken.
 template <class Policy, int kSpins>
 struct Channel : tvxcore::threads::WorkChannel<Policy>
 {

@@ -1,5 +1,5 @@
-// Tests the machine code of AtomicRead and AtomicReadPtr, by contract a compare-exchange of 17 with 17. Tests of
-// behaviour can show that a read writes, but not which number it compares with.
+// Tests the machine code of AtomicRead and AtomicReadPtr, which by contract is a compare-exchange of 17 with 17. Tests
+// of behaviour can show that a read writes, but not which number it compares with.
 #include <ORLAtomic.h>
 
 #include <gtest/gtest.h>

@@ -247,7 +247,7 @@ TEST(ObjectPtr, CountBelowOne_IsReportedAndTheObjectIsLeftAlone)
     {
         const ObjectPtr<Object> pointer(object);
         counter = MembersOf(pointer).mCounter;
-        *counter = 0; // the count as if a second owner had not called AddRef
+        *counter = 0; // simulates a second owner that has not called AddRef
     }
     ASSERT_EQ(1u, recorder.Reports().size());
     ExpectReport(recorder.Reports()[0]).Expression("*mCounter > CounterType(0)");

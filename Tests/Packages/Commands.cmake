@@ -10,7 +10,7 @@ function(run)
   set(errors "${errors}" PARENT_SCOPE)
 endfunction()
 
-# expect_output(expected what) fails unless the output of the last run() is the expected text.
+# expect_output(expected what) fails unless the output of the last run() equals expected.
 function(expect_output expected what)
   if(NOT output STREQUAL expected)
     message(FATAL_ERROR "${what} printed [${output}], not [${expected}]")

@@ -1,6 +1,6 @@
 # cmake -D BUILD_DIR=... -D SOURCE_DIR=... -D VERSION=... -P alone.cmake
-# Runs the packaged tool for Windows with nothing but its package: in an empty folder, in a Wine prefix that nothing else
-# has used, and without a search path.
+# Runs the packaged Windows tool with nothing but its package: in an empty folder, in a new Wine prefix, and without a
+# search path.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")

@@ -1,5 +1,5 @@
 # cmake -D BUILD_DIR=... -D GENERATOR=DEB or ZIP -D CPACK=... -P make.cmake
-# Packages what is built, and unpacks the packages together into the empty folder <build>/packages/root.
+# Packages the build, and unpacks the packages together into the empty folder <build>/packages/root.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")

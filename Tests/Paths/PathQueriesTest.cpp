@@ -288,7 +288,7 @@ TEST(GetTempDirectory, OfMoreThan512Units_ReportsAndIsEmpty)
         .Function("ORL::PathUtils::GetTempDirectory");
 }
 
-// The function treats a failure (0) of the second query as success, and then returns what the buffer holds.
+// The function treats a failure (0) of the second query as success, and then returns the contents of the buffer.
 TEST(GetTempDirectory, WhoseSecondQuestionFails_TakesTheBuffer)
 {
     FakeTempFolder(600, 0);

@@ -11,7 +11,7 @@ using namespace ORLTest;
 
 namespace {
 
-// Returns a menu as text, one item per line: text, identifier, flags; submenus in braces.
+// Returns a menu as a string with one line per item: title, identifier, flags. Submenus are in braces.
 std::string Drawn(HMENU inMenu)
 {
     std::string drawing;

@@ -63,13 +63,13 @@ inline ModulePtr LoadPlugIn(const std::string& inName)
     return LoadModule(PlugInFile(inName));
 }
 
-/// Returns the data of a lookup as text, or "-" if nothing was found.
+/// Returns the data of a lookup as a string, or "-" if nothing was found.
 inline std::string TextOf(const void* inData, int inSize)
 {
     return inData != nullptr ? std::string(static_cast<const char*>(inData), static_cast<std::size_t>(inSize)) : "-";
 }
 
-/// Returns the data that inLookup finds, as text. inLookup stores the size of the data in its argument.
+/// Returns the data that inLookup finds, as a string. inLookup stores the size of the data in its argument.
 template <class Lookup>
 std::string AnswerOf(const Lookup& inLookup)
 {

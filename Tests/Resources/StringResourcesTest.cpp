@@ -218,7 +218,7 @@ TEST(StringResources, OfAPlugIn_InEachLanguage)
         {__LINE__, kGerman, 1, u8"Gr\u00FC\u00DFe"},
         {__LINE__, kGerman, 31, u8"einunddrei\u00DFig"},
         {__LINE__, kGerman, 40, "forty, in American English alone"}, // German lacks the block
-        {__LINE__, kGerman, 65, "only English has this text"},       // German has the block, not the text
+        {__LINE__, kGerman, 65, "only English has this text"},       // German has the block, but not the string
         {__LINE__, kJapanese, 1, u8"\u3053\u3093\u306B\u3061\u306F"},
         {__LINE__, kJapanese, 2, u8"\U0001F3AC"},
         {__LINE__, kJapanese, 15, "fifteen"},

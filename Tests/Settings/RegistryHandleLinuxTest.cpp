@@ -1,4 +1,4 @@
-// Tests registry transactions on Linux, which has none: each call that needs a transaction fails as it does on a
+// Tests registry transactions on Linux, where none exist: each call that needs a transaction fails as it does on a
 // Windows version without the transaction function.
 #include "TestRegistry.h"
 

@@ -51,7 +51,7 @@ inline std::string ContentsOf(const TempFolder& inFolder, const std::string& inN
     return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "<none>";
 }
 
-/// Returns the bytes that Read delivers, as text.
+/// Returns the bytes that Read delivers, or "result N" if the result is not inExpected.
 inline std::string ReadText(ORL::File& ioFile, unsigned inCount, ORL::Result inExpected = ORL::kSuccess)
 {
     std::string text(inCount, '#');

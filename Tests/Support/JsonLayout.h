@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-/// Returns the text without white space outside strings.
+/// Returns inJson without white space outside strings.
 inline std::string WithoutLayout(const std::string& inJson)
 {
     std::string compact;

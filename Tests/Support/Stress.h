@@ -1,4 +1,4 @@
-// The length of the stress tests.
+// Scales the number of rounds of the stress tests.
 #pragma once
 
 #include <cstdlib>

@@ -19,7 +19,7 @@ TickTime Clock(int inHours, int inMinutes, int inSeconds)
     return TickTime((inHours * 60LL + inMinutes) * 60 + inSeconds, FrameRate(1.0));
 }
 
-// Returns the time of whole seconds plus inFrames frames.
+// Returns the given time of day plus inFrames frames.
 TickTime At(int inHours, int inMinutes, int inSeconds, long long inFrames, const FrameRate& inRate)
 {
     TickTime time = Clock(inHours, inMinutes, inSeconds);

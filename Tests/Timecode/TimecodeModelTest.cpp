@@ -119,7 +119,7 @@ TEST(Timecode, FrameFormat_CountsTheDigitsThatTheFieldMayBePaddedTo)
         {__LINE__, kTimeDisplay_Frames, kFrameRate_VideoPAL, std::numeric_limits<long long>::max(), 0},
         {__LINE__, kTimeDisplay_23976Timecode, kFrameRate_VideoPAL, 24, 1},
         {__LINE__, kTimeDisplay_16mmFeetFrames, kFrameRate_VideoPAL, 25, 1},
-        // the object's own rate; fractional rates use their nominal count
+        // feet and frames depend on the object's rate: 1001 rates use the nominal count, others are truncated
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_23976, 24, 1},
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC, 30, 1},
         {__LINE__, kTimeDisplay_35mmFeetFrames, kFrameRate_VideoNTSC_HD, 60, 1},

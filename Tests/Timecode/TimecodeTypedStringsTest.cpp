@@ -344,7 +344,7 @@ std::optional<Ticks> ReadLabel(const std::u16string& inText, int inDisplay, cons
 
 struct Reading
 {
-    std::optional<Ticks> mTicks; // nothing if the text cannot be parsed
+    std::optional<Ticks> mTicks; // nothing if the string cannot be parsed
     bool mReports = false;       // an assertion is reported
 };
 

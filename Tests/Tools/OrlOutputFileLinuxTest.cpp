@@ -1,4 +1,4 @@
-// Writes files with orl over files, links, pipes and names that only Linux has.
+// Writes output files of orl over private files, links and pipes, and with names that only Linux allows.
 #include <ProcessRunner.h>
 #include <TempFolder.h>
 

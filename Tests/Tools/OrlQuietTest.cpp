@@ -1,4 +1,4 @@
-// Runs the commands that print a table with --quiet: nothing is printed, and the errors and the exit code stay.
+// Runs the commands that print a table with --quiet: they print nothing but errors, and the exit code is unchanged.
 #include <OwnUserStore.h>
 #include <ProcessRunner.h>
 #include <TempFolder.h>

@@ -132,8 +132,8 @@ class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterfac
 protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
-    /// Expects that each string after a carriage return fits before the last column, up to the blanks that clear the
-    /// line, and that none of these strings contains a line break.
+    /// Expects that the line is cleared with blanks at the end, and that each string before that, after a carriage
+    /// return, ends before the last column and contains no line break.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
         const std::vector<std::string> texts = AfterReturns(inScreen);

@@ -123,7 +123,7 @@ TEST_F(OrlVerifyOnLinux, ASystemFolderWithoutAccess_IsNotReported)
     fs::permissions(Disk() / "lost+found", fs::perms::all);
 }
 
-// Files that cannot be read are not reported as missing or changed.
+// Files that a stopped run has not checked must not be reported as missing or changed.
 TEST_F(OrlVerifyOnLinux, AStopBeforeAnyCall_ReportsNothingFalse)
 {
     int calls = 0;

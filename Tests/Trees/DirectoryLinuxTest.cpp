@@ -225,7 +225,7 @@ TEST(DirectoryFaults, ASubdirectoryThatVanishes_EndsTheListing)
     EXPECT_EQ(calls.Count(FaultySystemCalls::kOpen) - 1, calls.Count(FaultySystemCalls::kClose)) << "a handle is left";
 }
 
-// Whichever call fails, with whichever error, the listing invents no entries and leaks no handle.
+// Whichever call fails, with whichever error, the listing must contain only existing entries and leak no handle.
 TEST(DirectoryFaults, EachCallOfAListingFailsOnce_ListsWhatIsThereOrThrows)
 {
     const TempFolder folder;

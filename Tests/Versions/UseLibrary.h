@@ -10,7 +10,7 @@ namespace Versions {
 struct Report
 {
     char mFailure[128];       // empty on success
-    char mLibrary[1024];      // the path of the library that answered
+    char mLibrary[1024];      // the path of the library that was used
     char mApplication[64];    // the name that this user gave itself
     char mSetting[64];        // the value that this user wrote and read back
     const char* mRecord;      // the record of a string that every user interns

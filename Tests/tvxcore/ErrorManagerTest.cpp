@@ -54,7 +54,7 @@ void Raise()
     ThrowError(kErrorLevel_Warning, "$$$/key=text", 105, 25, true, values[0], values[1], values[2], values[3]);
 }
 
-/// A host's catalogue whose answer each test selects.
+/// A host's catalogue that translates, throws or raises an error, as the test selects.
 class Catalogue : public Localizer
 {
 public:

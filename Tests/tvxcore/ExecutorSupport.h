@@ -1,4 +1,4 @@
-// Helpers of the tests that use executors.
+// Helpers for the tests of executors.
 #pragma once
 
 #include <Signals.h>

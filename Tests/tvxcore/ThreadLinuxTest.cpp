@@ -1,4 +1,4 @@
-// Tests the threads of tvxcore on Linux.
+// Tests tvxcore on Linux: thread identifiers, names and levels, and an assertion under a debugger.
 #include <CurrentThread.h>
 #include <tvxcore/Debug.h>
 #include <tvxcore/Executor.h>

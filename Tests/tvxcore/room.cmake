@@ -1,5 +1,5 @@
-# Two plug-ins and a host across the boundary of the shared library; the test program of this folder links it
-# statically.
+# Two plug-ins linked to the shared library, and a host that loads them. The test program of this folder links the
+# library statically.
 add_executable(test_tvxcore_borders tvxcore/Borders/BordersTest.cpp)
 target_link_libraries(test_tvxcore_borders PRIVATE orl_strict gtest gtest_main ${CMAKE_DL_LIBS})
 foreach(number 1 2)

@@ -1,6 +1,6 @@
-// A host that touches every public class, linked to the shared libraries at each optimisation level: a function that is
-// inlined at one level may be called at another, so a library must export it. check_every_class.py finds classes that
-// are missing here.
+// A host that touches every public class. It is linked to the shared libraries at each optimisation level, because a
+// function that is inlined at one level may be called at another, so a library must export it. check_every_class.py
+// finds classes that are missing here.
 #include "TouchCore.h"
 #include "TouchFiles.h"
 #include "TouchFoundation.h"

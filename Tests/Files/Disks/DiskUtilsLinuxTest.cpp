@@ -1,4 +1,4 @@
-// Tests the Linux part of the volume functions: what the system reports, and the values derived from it.
+// Tests the Linux part of DiskUtils: the values that the OS reports, and those derived from them.
 #include <ORLDiskUtils.h>
 
 #include <FaultySystemCallsLinux.h>

@@ -258,8 +258,8 @@ void AtExit::WaitForThreadProgress()
 }
 
 #if defined(__SANITIZE_THREAD__)
-// The process exits while its threads still run, and the C++ library publishes its cached facets under a lock that the
-// sanitizer does not see.
+// Suppresses the reports of threads that still run at exit, and of facets that the C++ library caches under a lock that
+// the sanitizer does not see.
 extern "C" [[gnu::visibility("default")]] const char* __tsan_default_options()
 {
     return "report_thread_leaks=0";

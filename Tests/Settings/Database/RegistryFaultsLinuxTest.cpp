@@ -252,7 +252,7 @@ TEST_F(RegistryFaults, FullDisk_RefusesEachWriteAndLosesNothing)
 
 namespace {
 
-// SQLite's allocator. The countdown fails one allocation.
+// SQLite's allocator. One allocation fails when the countdown reaches 0.
 sqlite3_mem_methods sMemory;
 unsigned sAllocationCountdown = 0;
 unsigned sAllocations = 0;

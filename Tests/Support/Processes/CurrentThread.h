@@ -1,4 +1,4 @@
-// What the operating system reports about the calling thread.
+// Queries the operating system about the calling thread.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The number of threads of this process, as the OS counts them.
+// Counts the threads of this process, as the OS reports them.
 #pragma once
 
 #include <thread>

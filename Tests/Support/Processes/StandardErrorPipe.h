@@ -16,7 +16,7 @@ public:
     StandardErrorPipe(const StandardErrorPipe&) = delete;
     StandardErrorPipe& operator=(const StandardErrorPipe&) = delete;
 
-    /// Removes and returns what is in the pipe now.
+    /// Removes and returns the current contents of the pipe.
     std::string TakeAll();
 
     void CloseReader();

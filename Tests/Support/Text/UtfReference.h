@@ -78,7 +78,7 @@ inline void AppendPoint(UTF8String& ioText, std::uint32_t inPoint)
     }
 }
 
-/// Converts the longest match of any row at each position: a whole row becomes its character, a partial row one U+FFFD.
+/// Converts the longest match of any row at each position: a complete row becomes its character, a partial one U+FFFD.
 inline UTF16String ReferenceToUTF16(const UTF8String& inText)
 {
     UTF16String units;
