@@ -156,7 +156,7 @@ constexpr bool IsFeetFrames(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
         [] { return false; });
 }
 
-/// Returns the number of labels that a drop-frame format drops at the start of a minute, 0 for every other format.
+/// Returns the number of labels that a drop-frame format drops at the start of a minute, 0 for any other format.
 constexpr int DroppedLabels(tvxmediatypes::TimeDisplay inTimeDisplay) noexcept
 {
     return VisitFormat(

@@ -50,7 +50,7 @@ public:
     int mSeconds = 0;
     long long mFrames = 0;
     bool mIsNegative = false;
-    long long mFramesPerSecond = 0; // limit at which IncrementHMSF carries frames into seconds
+    long long mFramesPerSecond = 0; // limit at which IncrementHMSF carries frames to seconds
     int mFrameDigits = 0;           // maximum number of leading zeros of the frame field
 
 private:

@@ -6,7 +6,7 @@
 
 namespace ORL {
 
-/// A fixed pool of locks, used in rotation. If locks are constant-initialised, a static pool may be used during static
+/// A fixed pool of locks, used in rotation. A static pool of constant-initialised locks may be used during static
 /// construction.
 class SharedObjectPool
 {

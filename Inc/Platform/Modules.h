@@ -44,7 +44,7 @@ struct Source
 };
 
 /// Finds a resource in a language, otherwise in its neutral sublanguage, otherwise in the neutral language. If the
-/// primary language is 0, then in the user's language, American English and the first language that exists. Returns
+/// primary language is 0, then tries the user's language, American English and the first language that exists. Returns
 /// null if there is no such resource.
 Resource FindResourceEx_Impl(const Source& inSource, const unsigned short* inType, const unsigned short* inName,
                              unsigned short inLanguage);

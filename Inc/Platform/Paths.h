@@ -48,7 +48,7 @@ const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 /// path.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Resolves inMore, with its dots, against inBase. Returns false, with outPath untouched, if it exceeds kMaxPath.
+/// Resolves inMore and its dots against inBase. Returns false, with outPath untouched, if it exceeds kMaxPath.
 bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
 /// Fills the buffer with the directory for temporary files, with trailing separator and terminator, and returns its

@@ -9,10 +9,10 @@ namespace ORL {
 namespace SystemInfo {
 namespace Platform {
 
-/// Returns the bytes of physical memory available now without swapping. 0 if the system does not report the number.
+/// Returns the bytes of physical memory available now without swapping; 0 if the system does not report it.
 unsigned __int64 GetAvailablePhysicalMemory_Impl();
 
-/// Returns the size of this process's address space in bytes. 0 if the system does not report the size.
+/// Returns the size of this process's address space in bytes; 0 if the system does not report it.
 unsigned __int64 GetTotalVirtualMemory_Impl();
 
 /// Returns whether this process may execute the instruction that reads the time stamp counter.

@@ -1,5 +1,5 @@
 // Floor: Platform
-// Why the static objects of the library are being destroyed.
+// Whether the library's static objects are destroyed on unload or at process exit.
 #pragma once
 
 namespace ORL {

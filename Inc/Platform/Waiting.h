@@ -6,7 +6,7 @@ namespace ORL {
 namespace Sync {
 namespace Platform {
 
-/// Sleeps at least that many milliseconds. An interrupted sleep is continued.
+/// Sleeps at least that many milliseconds. Continues an interrupted sleep.
 void SleepMilliseconds_Impl(int inMilliseconds);
 
 } // namespace Platform

@@ -49,8 +49,8 @@ struct Dialog
     std::vector<DialogItem> mItems;
 };
 
-/// Reads a dialog template of either form. Returns false, with outDialog partly filled, if the template is truncated.
-/// Throws std::bad_alloc.
+/// Reads a plain or extended dialog template. Returns false, with outDialog partly filled, if the template is
+/// truncated. Throws std::bad_alloc.
 bool ReadDialogTemplate(const Bytes& inTemplate, Dialog& outDialog);
 
 } // namespace Resources

@@ -27,7 +27,7 @@ struct ParsedMenu
     std::vector<ParsedMenuItem> mItems;
 };
 
-/// Reads a menu template of either form. Returns null if the template cannot be parsed to its end mark, or is nested
+/// Reads a plain or extended menu template. Returns null if the template cannot be parsed to its end mark, or is nested
 /// deeper than any usable menu. Throws std::bad_alloc.
 std::unique_ptr<ParsedMenu> ReadMenuTemplate(const Bytes& inTemplate);
 

@@ -52,7 +52,7 @@ public:
     const unsigned short* Text(const StoredName& inName) const noexcept;
 
     /// Finds a resource as Windows does: in the language, in its neutral sublanguage, in the neutral language. If the
-    /// primary language is 0, then in inUserLanguage, in its neutral sublanguage, in American English, and in the first
+    /// primary language is 0, then tries inUserLanguage, its neutral sublanguage, American English, and the first
     /// language that exists. Returns null if the index has no such resource.
     const ResourceEntry* Find(const NameView& inType, const NameView& inName, unsigned short inLanguage,
                               unsigned short inUserLanguage) const;

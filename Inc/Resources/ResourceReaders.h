@@ -1,6 +1,6 @@
 // Floor: System
-// Readers of compiled resources. The input is untrusted: nothing outside the bytes is read, and time and memory are
-// proportional to their number.
+// Readers of compiled resources. The input is untrusted: readers stay within its bytes, and take time and memory
+// proportional to its size.
 #pragma once
 
 #include <Resources/ResourceIndex.h>
@@ -32,8 +32,8 @@ ReadOutcome ReadResFile(const Bytes& inFile, ResourceIndex& ioIndex);
 /// Returns whether the bytes are those of a Windows module with complete headers and sections. Throws std::bad_alloc.
 bool IsPEFile(const Bytes& inFile);
 
-/// Adds the resources of a Windows module (PE, 32 or 64 bits) from the bytes of its file. A module without resources is
-/// complete. Returns kRefused if its headers or sections are truncated. Throws std::bad_alloc.
+/// Adds the resources of a Windows module (PE, 32 or 64 bits) from the bytes of its file. Returns kComplete for a
+/// module without resources, kRefused if its headers or sections are truncated. Throws std::bad_alloc.
 ReadOutcome ReadPEFile(const Bytes& inFile, ResourceIndex& ioIndex);
 
 /// Adds the resources of a shared object (ELF, 64 bits) from the bytes of its file. Throws std::bad_alloc.

@@ -10,7 +10,7 @@ namespace Resources {
 
 inline constexpr unsigned short kStringType = 6;
 
-/// The number of strings in a block. An identifier's block and index in the block follow from this number.
+/// The number of strings in a block. Determines an identifier's block, and its index in the block.
 inline constexpr unsigned int kStringsInBlock = 16;
 
 constexpr unsigned short BlockOfString(unsigned int inID) noexcept
@@ -28,7 +28,7 @@ public:
     {
     }
 
-    /// Skips entries, up to the end.
+    /// Skips inCount entries, but not past the end.
     void Skip(unsigned int inCount) noexcept
     {
         for (unsigned int k = 0; k < inCount && HasEntry(); ++k) {

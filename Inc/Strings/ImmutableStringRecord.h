@@ -10,10 +10,10 @@ namespace ORL {
 class ImmutableString::InternalRepresentation
 {
 public:
-    /// A static record, or a search key. Null creates the empty string.
+    /// Constructs a static record, or a search key. Null means the empty string.
     explicit InternalRepresentation(const unsigned char* inStaticText) : mStaticText(inStaticText) {}
 
-    /// A dynamic record of a string that is not null.
+    /// Selects the constructor of a dynamic record, whose string must not be null.
     struct Dynamic
     {
     };

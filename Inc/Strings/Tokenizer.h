@@ -23,7 +23,7 @@ public:
     /// Returns the next token: empty if none is left, and between two adjacent separators.
     UTF16String Next();
 
-    /// Same as Next, as a view into the string.
+    /// A token as a view into the string.
     struct Token
     {
         const unsigned short* mBegin;

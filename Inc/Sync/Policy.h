@@ -6,8 +6,8 @@
 // whose clock the test sets. A policy has the members of SystemPolicy:
 //
 //   Flag, Word            an atomic boolean and an atomic unsigned 32-bit word; operations are sequentially consistent
-//   Guarded<T>            a value under a lock, accessed only through Read and Write, so that a checker detects an
-//                         access without the lock
+//   Guarded<T> a value that a lock guards, accessed only through Read and Write, so that a checker detects an // access
+//                         without the lock
 //   Mutex, MutexLock      a lock for condition variables, and its scope; MutexLock can be unlocked and locked again
 //   Condition             a condition variable: SleepOn, SleepOnFor, NotifyAll
 //   Lock, LockScope       the recursive lock for everything else, and its scope; TryLockScope only tries to lock
@@ -91,7 +91,7 @@ struct SystemPolicy
 
     /// Sleeps without a time limit. If out of memory, returns after a millisecond, like a spurious wake-up.
     static void SleepOn(Condition& ioCondition, MutexLock& ioLock);
-    /// Returns false if the time ran out.
+    /// Returns false on a timeout.
     static bool SleepOnFor(Condition& ioCondition, MutexLock& ioLock, int inMilliseconds)
     {
         return ioCondition.timed_wait(ioLock, boost::posix_time::milliseconds(inMilliseconds));

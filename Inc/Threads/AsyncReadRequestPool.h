@@ -25,7 +25,7 @@ class AsyncReadRequestPool
 public:
     constexpr AsyncReadRequestPool() = default;
 
-    /// Starts the search for a free record at that index.
+    /// Constructs a pool whose search for a free record starts at that index.
     explicit AsyncReadRequestPool(std::uint32_t inNextIndex) : mNextIndex(inNextIndex) {}
 
     AsyncReadRequestPool(const AsyncReadRequestPool&) = delete;

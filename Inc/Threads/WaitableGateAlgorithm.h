@@ -91,7 +91,7 @@ private:
         Gate& mGate;
     };
 
-    // A compare-and-set that changes nothing: a read with a full barrier.
+    // Reads with a full barrier: the compare-and-set changes nothing.
     template <class Gate>
     static bool IsOpen(Gate& ioGate)
     {
@@ -126,7 +126,7 @@ private:
                                                                 : !IsOpen(ioGate);
     }
 
-    // Returns false if the time ran out. The whole time limit applies to each sleep.
+    // Returns false on a timeout. The whole time limit applies to each sleep.
     template <class Gate>
     static bool SleepOnce(Gate& ioGate, typename Policy::MutexLock& ioLock, int inMilliseconds)
     {
@@ -137,7 +137,7 @@ private:
         return Policy::SleepOnFor(ioGate.mCondition, ioLock, inMilliseconds);
     }
 
-    // A wake-up costs far more than a short spin. While it spins, the thread is registered as a waiter. Opening the
+    // Spins briefly, since a wake-up costs far more. While it spins, the thread is registered as a waiter. Opening the
     // gate therefore advances the gate's generation, and the thread notices it even if the gate is closed again before
     // the thread reads the flag.
     template <class Gate>

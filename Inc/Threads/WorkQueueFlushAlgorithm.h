@@ -19,7 +19,7 @@ template <class Policy>
 class WorkQueueFlushAlgorithm
 {
 public:
-    /// The value of mArrivalsLeft while no flush has claimed the object: -1.
+    /// The value of mArrivalsLeft, -1, while no flush has claimed the object.
     static constexpr std::uint32_t kUnclaimed = 0xFFFFFFFFu;
 
     /// Waits until the object is free and claims it for a flush of inThreads items. Closes both gates.
@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    // Waits spin long here: flushing an idle queue takes a few microseconds if no thread sleeps, and each sleep, in
+    // Uses the long spins: flushing an idle queue takes a few microseconds if no thread sleeps, and each sleep, in
     // the caller or in a thread of the queue, adds thirty microseconds or more.
     using GateAlgorithm = WaitableGateAlgorithm<Policy>;
 

@@ -17,8 +17,8 @@ class TVXCORE_API Localizer
 public:
     virtual ~Localizer();
 
-    /// Returns the text for a ZString ("$$$/" key "=" default text). The built-in localiser returns the default text,
-    /// and a string that is not a ZString unchanged.
+    /// Returns the translation of a ZString ("$$$/" key "=" default text). The built-in localiser returns the default
+    /// text, and a string that is not a ZString unchanged.
     virtual UTF16String Localize(const char* inZString);
 
     /// Returns the installed localiser. Never null.

@@ -1,6 +1,6 @@
 // Diagnostic lines that a host can enable, disable and redirect at run time.
 //
-// Code that traces has a site and queries it first. While no level changes, the query costs a call and a compare:
+// Tracing code declares a site and queries it first. While no level changes, the query costs a call and a compare:
 //
 //   static tvxcore::debug::TraceSite sSite("ORL.Allocator", 1, false);
 //   if (sSite.IsEnabled()) {

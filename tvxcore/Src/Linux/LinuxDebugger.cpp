@@ -8,7 +8,7 @@
 namespace tvxcore {
 namespace debug {
 
-// A debugger shows as a TracerPid other than 0 in the process's status. Uses plain reads: a failed check may occur
+// A debugger is attached if TracerPid in the process's status is not 0. Uses plain reads: a failed check may occur
 // anywhere, so this code does not allocate.
 bool IsDebuggerAttached()
 {

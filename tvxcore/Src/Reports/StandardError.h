@@ -11,7 +11,7 @@ namespace debug {
 /// last error.
 void WriteStandardError(const char* inBytes, std::size_t inCount, const char* inEnd = "") noexcept;
 
-/// Formats and writes one line and its end in one call. Allocates no memory and never throws, so it may be called
+/// Formats one line and writes it with a line end. Allocates no memory and never throws, so it may be called
 /// anywhere. Truncates a line that exceeds its buffer.
 void WriteStandardErrorLine(const char* inFormat, ...) noexcept __attribute__((format(printf, 1, 2)));
 

@@ -65,7 +65,7 @@ void WatchForks() noexcept
     }
 }
 
-// If this returns false, no thread gets a cache: the cache would leak when its thread exits.
+// If this returns false, threads get no caches: each would leak when its thread exits.
 bool CanWatchThreadEnds() noexcept TVXCORE_REQUIRES(sPoolMutex)
 {
     if (sThreadEnds == kNotYet) {

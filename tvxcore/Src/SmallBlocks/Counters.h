@@ -11,7 +11,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-/// The counters of one subject: its current value, its peak, and its total.
+/// A counter: its current value, its peak, and its total.
 class Counter
 {
 public:

@@ -28,7 +28,7 @@ inline constexpr std::int64_t kMaxQuotaBytes = 1024 * 1024;
 /// Registers a cache, which counts from now on, and enables its fast paths.
 void EnterCache(ThreadCache& ioCache) noexcept;
 
-/// Adds the counts of the cache to the ledger, and closes the cache.
+/// Moves the counts of the cache to the ledger, unregisters the cache and disables its fast paths.
 void LeaveCache(ThreadCache& ioCache) noexcept;
 
 /// Registers a cache that counts without fast paths.

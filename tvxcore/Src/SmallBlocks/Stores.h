@@ -34,7 +34,7 @@ std::size_t TakeFromStore(std::size_t inClass, void** outBlocks, std::size_t inC
 /// Returns free blocks of a class to their store.
 void GiveToStore(std::size_t inClass, void* const* inBlocks, std::size_t inCount) noexcept;
 
-/// Drops all blocks. Used when the library is unloaded and their memory is unmapped.
+/// Drops all blocks without freeing them. Used on unload, when their memory is unmapped.
 void ForgetStores() noexcept;
 
 /// Lock and unlock all stores around a fork.

@@ -91,7 +91,7 @@ bool ThreadCache::Refill(std::size_t inClass) noexcept
     return count != 0;
 }
 
-// Moves the older half: the blocks freed last are still in the processor's cache, and are reused first.
+// Moves the older half: the blocks freed last are still in the processor's cache and should be reused first.
 void ThreadCache::Flush(std::size_t inClass) noexcept
 {
     const std::size_t batch = BatchSize(inClass);

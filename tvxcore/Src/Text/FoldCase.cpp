@@ -26,15 +26,15 @@ struct FoldingRun
 struct FoldingExpansion
 {
     std::uint32_t mCodePoint;
-    unsigned short mUnits[3]; // terminated by the first zero, if shorter than 3
+    unsigned short mUnits[3]; // zero-terminated if shorter than 3
 };
 
 #include "CaseFoldingTable.inc"
 
-// The scripts with most of the cased letters are below this: Latin, Greek, Cyrillic, Armenian.
+// Most cased letters are below this code point: the Latin, Greek, Cyrillic and Armenian scripts.
 constexpr std::uint32_t kDirectEnd = 0x0600;
 
-// Builds a direct table of their foldings; 0 marks an expansion.
+// Builds a table of their foldings, indexed by code point; 0 marks an expansion.
 constexpr std::array<unsigned short, kDirectEnd> MakeDirectTable()
 {
     std::array<unsigned short, kDirectEnd> table{};
