@@ -10,7 +10,7 @@
 
 namespace ORL {
 
-/// Memory for counters, records and other small blocks.
+/// Allocates counters, records and other small blocks.
 ///
 /// Owner:    the caller owns each block until it passes the block to Dispose.
 /// Threads:  thread-safe.

@@ -43,7 +43,7 @@ public:
     /// Constructs a reader without an open file.
     AsyncFileReader();
 
-    /// Calls Close.
+    /// Waits for pending reads, then closes the file, as Close does.
     ~AsyncFileReader();
 
     AsyncFileReader(const AsyncFileReader&) = delete;

@@ -11,7 +11,7 @@
 namespace ORL {
 
 /// Owns one zero-terminated 16-bit string. Copies are deep. Not thread-safe: one thread at a time per object.
-/// Construction from a pointer and copying throw std::bad_alloc.
+/// Construction from a pointer and copying may throw std::bad_alloc.
 class CString
 {
 public:

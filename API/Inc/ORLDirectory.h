@@ -20,10 +20,10 @@ namespace ORL {
 /// Listings: each path begins with the object's path as it was passed. The order is that of the file system. With
 /// inRecursive a directory is listed after its contents. inLimit is tested before each entry, so a list may exceed it
 /// by the depth of the tree; kNoLimit disables the test. Entries created or removed during a listing may or may not be
-/// included, but a directory removed before it is walked ends the listing with eDirectoryNoLongerValid. An unreadable
-/// directory is listed and treated as empty. Links to directories are followed, unless they point back to a directory
-/// that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is out of
-/// handles, std::bad_alloc if out of memory. Only memory limits the depth.
+/// included, but if a directory is removed before it is walked, the listing throws eDirectoryNoLongerValid. An
+/// unreadable directory is listed and treated as empty. Links to directories are followed, unless they point back to a
+/// directory that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is
+/// out of handles, std::bad_alloc if out of memory. Only memory limits the depth.
 /// Trees:    Copy, Move and DeleteNotEmpty include hidden entries. Copy and Move overwrite files without asking. All
 ///           three accept only plain paths: for one in the extended form (\\?\) they report an assertion and return
 ///           kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
@@ -57,7 +57,7 @@ public:
     /// Replaces outPaths with the paths of all entries.
     void GetContainedPaths(std::vector<UTF16String>& outPaths, bool inRecursive, unsigned int inLimit) const;
 
-    /// Lists all entries, split into directories and all others.
+    /// Lists all entries: directories in outDirectories, all others in outFiles.
     void GetContainedFileAndDirectoryPaths(std::vector<UTF16String>& outFiles, std::vector<Directory>& outDirectories,
                                            bool inRecursive, unsigned int inLimit) const;
 

@@ -23,7 +23,7 @@ ORL_CONSTANT unsigned __int64 kSize_teraByte = 1099511627776;
 /// user's number format; kilobytes (truncated) and bytes as whole numbers. The unit is localised.
 ORL_API UTF16String MakeDiskSpaceString(unsigned __int64 inBytes);
 
-/// Returns the bytes on the path's volume that are free to this user, or 0 on failure.
+/// Returns the number of bytes available to this user on the path's volume, or 0 on failure.
 ORL_API unsigned __int64 GetFreeSpaceFromPath(const UTF16String& inPath);
 
 /// Stores the volume's sector size, at least 512: the unit of unbuffered reads. outSize is 0 on failure.

@@ -84,8 +84,8 @@ ORL_COMBINE_FLAGS(FileAttributesFlags)
 class ORL_API IFileBuffer : public ORLUnknown
 {
 public:
-    /// Offers a block that was read. inPosition is its position in the file, a multiple of the block size. The buffer
-    /// may keep a counted reference. Bytes after the end of the file are undefined.
+    /// Offers the cache a block that was read. inPosition is its position in the file, a multiple of the block size.
+    /// The cache may keep a counted reference. Bytes after the end of the file are undefined.
     virtual void AddBlock(ObjectPtr<MemoryBufferWrapper> inBlock, __int64 inPosition) = 0;
 
     /// Stores the block at inPosition in outBlock. Returns success, or a failure if the block is not cached.

@@ -61,9 +61,9 @@ ORL_API bool InterpolateNaturalCubicSpline2D(float* xa, float* ya, float* y2a, s
 /// perpendicular is truncated to the grid first, so the result may be off by up to the diagonal of a cell. If both ends
 /// are equal, returns the distance to that point.
 ///
-/// Differences, squares and sums are 32-bit integers, exact while no coordinate differs from another by more than
-/// 32767. Beyond that they wrap around in two's complement: a negative sum of squares makes the result NaN, and a foot
-/// that does not fit is replaced by the smallest integer.
+/// Differences, squares and sums are 32-bit integers, exact as long as no two coordinates differ by more than 32767.
+/// Beyond that they wrap around in two's complement: a negative sum of squares makes the result NaN, and a foot that
+/// does not fit is replaced by the smallest integer.
 ORL_API float PointToLineSegmentDistance2D(ParamPoint<CPoint>& inPoint, ParamPoint<CPoint>& inStart,
                                            ParamPoint<CPoint>& inEnd);
 

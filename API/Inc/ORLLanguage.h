@@ -1,8 +1,8 @@
 // Floor: Core
 // Identifiers of languages and sublanguages, with the values of Windows.
 //
-// A language identifier contains the primary language in bits 0 to 9 and the sublanguage in bits 10 to 15. Each primary
-// language numbers its sublanguages separately. Croatian and Serbian share one primary value.
+// A language identifier contains the primary language in bits 0 to 9 and the sublanguage in bits 10 to 15. Sublanguage
+// numbers depend on the primary language. Croatian and Serbian share one primary value.
 #pragma once
 
 #include <ORLConstants.h>

@@ -75,7 +75,7 @@ public:
     /// Opens a key below a root. inAccess 0 requests all access. Fires an assertion for an unknown root, which is
     /// treated as kUser, and for a non-zero access with neither kRead nor kWrite. Sets the path of this key to inPath
     /// even on failure, but then keeps the previous handle. Returns kFileNotFound if the key does not exist.
-    /// Without the right to write the machine's settings, a key of kMachine can only be opened with kRead.
+    /// A user without the right to write the machine's settings can open a key of kMachine only with kRead.
     Result Open(RegistryRootKeys::Type inRoot, const UTF16String& inPath, RegistryKeyAccess::Type inAccess);
 
     /// Opens a key below inParent with all access. An empty path opens the key of inParent itself.

@@ -17,7 +17,7 @@ namespace ORL {
 /// system tools show the first 15 bytes.
 ///
 /// Owner:    the library owns the instance; queues are reference-counted.
-/// Threads:  thread-safe. Holds a lock while it creates a queue and during all of Shutdown, which waits for the queues'
+/// Threads:  thread-safe. Holds a lock while it creates a queue and throughout Shutdown, which waits for the queues'
 ///           threads: a request must not use this class while Shutdown may run.
 /// Failure:  the Retrieve functions return null for a missing queue. Exceptions from ThreadedWorkQueue::Initialize
 ///           propagate; the queue is then discarded.

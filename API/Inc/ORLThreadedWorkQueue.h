@@ -46,7 +46,7 @@ public:
 ///
 /// State:    created (no threads) until Initialize; running until Stop; then stopped permanently: requests are refused.
 ///           Destroying a running queue, or stopping a queue twice, reports an assertion and then acts like Stop.
-/// Owner:    counted references. Clients hold it by InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
+/// Owner:    counted references. Clients hold it through InterfaceRef<ThreadedWorkQueue, ORLUnknown>.
 /// Threads:  thread-safe, the queue's own threads included, with two exceptions: Initialize must finish before a second
 ///           thread uses the queue, and Stop must not run at the same time as Initialize.
 /// Failure:  misuse is reported by assertions and contract checks; no function returns an error code. QueueRequest and
@@ -76,8 +76,8 @@ public:
 
     /// Replaces the idle process: queues a request every inInterval milliseconds; each run waits its turn like any
     /// other request. Returns false and changes nothing for a null request, an interval below 1, or a queue without
-    /// threads. If the previous idle process is running, waits for it. So that process must not wait for the caller,
-    /// nor acquire a lock that the caller holds.
+    /// threads. If the previous idle process is running, waits for it. That process must therefore not wait for the
+    /// caller, nor acquire a lock that the caller holds.
     bool SetIdleProcess(Request inRequest, int inInterval);
 
     /// Stops the idle process, if any. Waits while the idle process is running, except on the thread that runs it.
