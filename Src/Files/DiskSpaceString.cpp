@@ -11,7 +11,7 @@ namespace DiskUtils {
 
 namespace {
 
-// Returns the number in the format of the user's locale.
+// Formats a number of units for the user's locale.
 UTF16String Fraction(unsigned __int64 inBytes, unsigned __int64 inUnit, std::size_t inDigits)
 {
     // The units are powers of two, so only the conversion of the bytes to double can round.
@@ -19,7 +19,7 @@ UTF16String Fraction(unsigned __int64 inBytes, unsigned __int64 inUnit, std::siz
     return tvxcore::utility::NumberToString(number, 1, inDigits, tvxcore::utility::Flags<unsigned short>(), 31);
 }
 
-// Returns the digits only, independent of the locale.
+// Formats a number as plain digits, independent of the locale.
 UTF16String Whole(unsigned __int64 inNumber)
 {
     return tvxcore::utility::AsciiToUTF16(std::to_string(inNumber).c_str());

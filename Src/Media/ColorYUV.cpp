@@ -18,7 +18,7 @@ bool IsByte(int inValue)
     return inValue >= 0 && inValue <= 255;
 }
 
-// Removes the offset of 128. Adding 128 has the same effect as subtracting it, because 8 bits wrap.
+// Removes the offset of 128. Adding 128 has the same effect as subtracting it, because 8-bit arithmetic wraps.
 char RemoveOffset(int inByte)
 {
     return static_cast<char>(inByte + 128);

@@ -32,8 +32,8 @@ void EliminateRow(const float* x, const float* y, std::size_t i, float* y2, floa
     u[i] = static_cast<float>((6.0 * u[i] / width - sig * u[i - 1]) / p);
 }
 
-// Returns null if memory is exhausted. An array size above the limit throws even from new (std::nothrow), so larger
-// sizes are rejected here.
+// Returns null if memory is exhausted. Even new (std::nothrow) throws for an array size above the limit, so such sizes
+// are rejected here.
 std::unique_ptr<float[]> AllocateFloats(std::size_t inCount)
 {
     constexpr std::size_t kMax = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
@@ -104,7 +104,7 @@ Point Difference(const Point& inTo, const Point& inFrom)
     return {Wrapping::Subtract(inTo.x, inFrom.x), Wrapping::Subtract(inTo.y, inFrom.y)};
 }
 
-// Returns NaN for a negative square itself, because C runtimes differ in the sign of the NaN from std::sqrt.
+// Returns NaN for a negative square without calling std::sqrt, because C runtimes differ in the sign of its NaN.
 float Length(const Point& inVector)
 {
     const std::int32_t square = Dot(inVector, inVector);

@@ -187,7 +187,7 @@ void CarryFrames(TypedFields& ioFields, const FrameRate& inRate)
     const int count = Wrapping::TruncateToInt(static_cast<double>(ioFields.mFrames) / frameRate.GetValue());
     ioFields.mFrames = Wrapping::Subtract(ioFields.mFrames, count * frameRate.GetTruncatedValue());
     ioFields.mSeconds = Wrapping::Add(ioFields.mSeconds, count);
-    // If the rate has no nominal rate, the rest may exceed one second.
+    // If the rate has no separate nominal rate, the remaining frames may exceed one second.
     ORL_ASSERT_MESSAGE_AT(!Overflows(ioFields.mFrames, frameRate),
                           "!(frames > frameRate.GetValue() && frameRate.GetValue() >= 1)", "", "Timecode", __LINE__,
                           "ORL::`anonymous-namespace'::SMPTEStringToTime");

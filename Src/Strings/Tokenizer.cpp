@@ -11,7 +11,7 @@ namespace {
 
 constexpr UTF16String::size_type kLanes = 8;
 
-// Returns a mask with two bits set for each of the eight units that equals the wanted one.
+// Returns a mask with two bits set for each of the eight units that matches the wanted one.
 unsigned EqualLanes(const unsigned short* inUnits, __m128i inWanted)
 {
     const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(inUnits));

@@ -104,7 +104,7 @@ int AsyncFileReader::Open(const UTF16String& inPath, AsyncFileReader& ioOpenedAs
 
     unsigned int& sectorSize = ioOpenedAsyncFileReader.mDiskSectorSize;
     const Result result = DiskUtils::GetEfficientDiskBufferSizeFromPath(inPath, sectorSize);
-    // On Linux the file may be on another disk than the root of its drive, so use the larger of the two alignments.
+    // On Linux the file and the root of its drive may be on different disks, so use the larger of the two alignments.
     sectorSize = std::max(sectorSize, GetReadAlignment_Impl(file));
     return result;
 }

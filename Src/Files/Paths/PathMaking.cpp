@@ -21,8 +21,8 @@ UTF16String Numbered(UTF16String inName, unsigned int inNumber, const UTF16Strin
     return inName += inExtension;
 }
 
-// Sets outDirectory to the path's directory without its drive, with a backslash for each slash. Returns false if
-// nothing follows the drive.
+// Sets outDirectory to the path's directory without its drive, with slashes replaced by backslashes. Returns false
+// if nothing follows the drive.
 bool DirectoryAfterDrive(const UTF16String& inPath, UTF16String& outDirectory)
 {
     UTF16String path = inPath;

@@ -9,7 +9,7 @@ namespace ORL {
 namespace PathUtils {
 
 /// Positions within a path: [0, drive) is the drive, [drive, file) the directory, [file, extension) the file and
-/// [extension, end) the extension. To cut parts, pass the string that the positions were computed from.
+/// [extension, end) the extension. To extract parts, pass the string that the positions were computed from.
 class PathParts
 {
 public:

@@ -36,7 +36,7 @@ bool IsDirectoryEntry(const UTF16String& inPath, EntryKind inKind)
 
 using ListingPtr = std::unique_ptr<Listing, ListingCloser>;
 
-// Returns true for the errors of a directory without read permission and of the root of an empty volume.
+// Returns true for the errors that a directory without read permission or the root of an empty volume produces.
 bool CountsAsEmpty(SystemError inError)
 {
     using namespace SystemErrors;
@@ -61,7 +61,7 @@ ListingPtr OpenListing(const UTF16String& inDirectory)
     return nullptr;
 }
 
-/// Walks a directory and calls ioSink(path, kind) for each entry. The depth of the tree does not affect stack use
+/// Walks a directory and calls ioSink(path, kind) for each entry. The depth of the tree affects neither stack use
 /// nor, on systems with few handles, the number of open handles.
 template <class Sink>
 class Walker

@@ -1,4 +1,4 @@
-// Declares completion ports. There are two implementations: an io_uring, and threads that read.
+// Declares completion ports. One implementation is based on io_uring, the other on threads.
 #pragma once
 
 #include "../Files/LinuxShareModes.h"

@@ -26,7 +26,7 @@ constexpr unsigned kCompletions = 4096;
 Overlapped sWithdrawn{};
 
 // The user data of the alarm: an event that the ring polls from its start. Raising the event wakes a thread that waits
-// for the ring without submitting anything more to the kernel.
+// for the ring, and needs no further submission to the kernel.
 Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++

@@ -61,7 +61,7 @@ int GetTscMode(int* outMode)
     return ::prctl(PR_GET_TSC, outMode);
 }
 
-// io_uring_wait_cqe is an inline function in liburing's header, so the table needs a function that has an address.
+// io_uring_wait_cqe is an inline function in liburing's header, so the table points to this wrapper.
 int WaitCqe(io_uring* ioRing, io_uring_cqe** outCompletion)
 {
     return ::io_uring_wait_cqe(ioRing, outCompletion);

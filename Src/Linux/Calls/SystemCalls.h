@@ -22,7 +22,7 @@ struct io_uring_cqe;
 //   failure  Errno: -1 and errno.  Null: a null pointer and errno.  Number: the error number itself.
 //            Negative: the error number, negated.  Nothing: never fails.
 //   size     the byte count that a short transfer reduces, or sNoSize.
-// Add a call when a source first needs it. The table, its forwarding functions and the tests' faulty table are
+// Add a call when a source first needs it. The table, its forwarding functions and the tests' fault-injecting table are
 // generated from this list.
 #define ORL_LINUX_SYSTEM_CALLS(X)                                                                                      \
   X(Open, Errno, int, (const char* inPath, int inFlags, mode_t inMode), (inPath, inFlags, inMode), sNoSize)            \

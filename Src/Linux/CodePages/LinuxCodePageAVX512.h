@@ -23,7 +23,7 @@ constexpr std::size_t kBlock = 64; // bytes in a register
 constexpr std::size_t kBlockUnits = kBlock / sizeof(unsigned short);
 constexpr std::uint64_t kAll = ~std::uint64_t{0};
 
-// inCount is from 1 to 64.
+// inCount must be in [1, 64].
 inline std::uint64_t LowBits(std::size_t inCount) noexcept
 {
     return kAll >> (64 - inCount);

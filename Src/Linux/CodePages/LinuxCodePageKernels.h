@@ -29,7 +29,7 @@ struct CodePageKernel
 
 constexpr std::size_t kKernelCount = 2;
 
-/// The fastest kernel first; the last one runs on every processor.
+/// All kernels, the fastest first; the last one runs on every processor.
 extern const CodePageKernel kCodePageKernels[kKernelCount];
 
 /// Returns the first kernel that this processor supports.

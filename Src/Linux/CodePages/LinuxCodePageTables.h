@@ -1,4 +1,4 @@
-// The tables of the code pages. The tables contain the conversions of Windows, recorded by Scripts/make-code-pages.cpp.
+// The tables of the code pages: the conversions of Windows, as recorded by Scripts/make-code-pages.cpp.
 //
 // In every page the ASCII bytes are the ASCII characters, and no ASCII byte is a lead byte.
 #pragma once

@@ -18,8 +18,8 @@ constexpr std::size_t kLargestBuffer = std::size_t{128} << 10;
 
 // The largest file that is copied through a buffer, not by the kernel. Copying 40000 bytes took 31 us in the kernel and
 // 41 us through a buffer on xfs, and 40 us and 202 us on btrfs, because the kernel clones there. On tmpfs and ext4,
-// which do not clone, both took the same time at all sizes. On xfs the kernel was no faster at 10 KiB, and 7 us of 52
-// us slower at 1000 bytes.
+// which do not clone, both took the same time at all sizes. On xfs the kernel was no faster at 10 KiB, and 7 us (of
+// 52 us) slower at 1000 bytes.
 constexpr std::uint64_t kSmallFile = std::uint64_t{16} << 10;
 
 class Buffer

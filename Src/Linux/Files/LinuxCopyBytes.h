@@ -19,7 +19,7 @@ int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::Copy
 enum class ExistingAttributes { kNone, kReplace, kKeep };
 
 /// Copies the user's extended attributes, which correspond to named streams on Windows. kReplace removes all
-/// others; with kKeep existing attributes of the destination keep their values. Reports no error: a file system
+/// others; kKeep keeps the values of attributes that the destination already has. Reports no error: a file system
 /// without attributes, or without space for them, does not make a copy fail.
 void CopyUserAttributes(int inFrom, int inTo, ExistingAttributes inExisting);
 

@@ -26,7 +26,7 @@ struct FileSystem
     const char* mName;
 };
 
-// File systems whose numbers the kernel's headers do not define have literals here.
+// Uses literals for magic numbers that the kernel's headers do not define.
 constexpr FileSystem kFileSystems[] = {
     {MSDOS_SUPER_MAGIC, "FAT32"}, {EXT4_SUPER_MAGIC, "ext4"}, {XFS_SUPER_MAGIC, "xfs"},
     {BTRFS_SUPER_MAGIC, "btrfs"}, {F2FS_SUPER_MAGIC, "f2fs"}, {0x2FC12FC1, "zfs"},
@@ -38,7 +38,7 @@ constexpr FileSystem kFileSystems[] = {
     {SYSFS_MAGIC, "sysfs"},       {V9FS_MAGIC, "9p"},
 };
 
-// A file system that is not in the list is shown as its number.
+// Returns the name of a file system, or its magic number if it is not in the list.
 UTF16String NameOf(unsigned long inMagic)
 {
     for (const FileSystem& system : kFileSystems) {

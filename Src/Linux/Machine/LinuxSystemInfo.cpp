@@ -31,7 +31,7 @@ unsigned __int64 GetAvailablePhysicalMemory_Impl()
     return Linux::TakeNumber(text, kilobytes) ? kilobytes * 1024 : 0;
 }
 
-// 47 bits minus the last page, unless the resource limit is lower.
+// Returns 2^47 bytes minus the last page, or the resource limit if that is lower.
 unsigned __int64 GetTotalVirtualMemory_Impl()
 {
     constexpr unsigned __int64 kUserSpace = 0x7FFFFFFFF000;

@@ -33,7 +33,7 @@ using ORL::Linux::DataModule;
 using ORL::Linux::DataModuleOf;
 using ORL::Linux::System;
 
-// Returns 126 for a missing module, even if a folder of its path is missing.
+// Returns 126 for a missing module, even if a folder in its path is missing.
 SystemError ErrorOfOpen(int inErrno)
 {
     switch (inErrno) {

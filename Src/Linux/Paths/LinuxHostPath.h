@@ -34,7 +34,7 @@ struct HostPath
 SystemError ResolveHostPath(const UTF16String& inPath, HostPath& outHostPath);
 
 /// Resolves a path to a path that the kernel accepts, of at most 4095 bytes. A longer path is shortened by opening a
-/// folder on it, which must exist (3 otherwise).
+/// folder along it, which must exist (3 otherwise).
 SystemError ResolveToUsablePath(const UTF16String& inPath, HostPath& outHostPath);
 
 } // namespace Linux

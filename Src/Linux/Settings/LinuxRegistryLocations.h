@@ -9,7 +9,7 @@ namespace Registry {
 namespace Linux {
 
 /// The location of one store. The folder contains the database, its journal, the board of changes, and databases that
-/// were set aside. The names of the last three are that of the database with a suffix.
+/// were set aside. The names of the last three are the database's name plus a suffix.
 struct StoreLocation
 {
     std::string mFolder;           // host path without a trailing slash; empty if the process has no home directory

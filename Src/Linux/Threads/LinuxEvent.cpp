@@ -66,7 +66,7 @@ bool TakeSignal(FutexEvent& ioEvent, std::uint64_t inLeaving)
     return false;
 }
 
-// The caller is counted as a waiter. Returns 0 or ETIMEDOUT; after any other wake-up the caller polls again.
+// The caller must be counted as a waiter. Returns 0 or ETIMEDOUT; after any other wake-up the caller polls again.
 int SleepAtWord(FutexEvent& ioEvent, const timespec* inDeadline)
 {
     const long result = ::syscall(SYS_futex, ioEvent.FutexWord(), FUTEX_WAIT_BITSET_PRIVATE, 0, inDeadline, nullptr,

@@ -42,9 +42,9 @@ int WipeEntry(int inFolder, const TreeEntry& inEntry);
 /// its folder, and permissions are kept regardless of the umask.
 enum class CopyDurability { kWritten, kSynced };
 
-/// Copies the contents of one folder into another, replacing files with the same name. A file gets its name when it is
-/// complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL at a source folder that is
-/// also part of the destination, through a different path.
+/// Copies the contents of one folder into another, replacing files with the same name. A file gets its name only when
+/// it is complete. Keeps contents, permissions and, for files, last-write times. Fails with EINVAL if a source folder
+/// is also part of the destination, through a different path.
 int CopyContents(int inFrom, int inTo, CopyDurability inDurability);
 int CopyEntry(int inFrom, const TreeEntry& inEntry, int inTo, CopyDurability inDurability);
 

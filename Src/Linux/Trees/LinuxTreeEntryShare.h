@@ -1,4 +1,4 @@
-// Registers the entry of the current step through a tree with the share modes.
+// Registers with the share modes the entry that a step of a tree operation works on.
 #pragma once
 
 #include "../Calls/SystemCalls.h"

@@ -52,7 +52,7 @@ float GetSystemLoad()
         || GetLoadPercent_Impl(counter, percent) != SystemErrors::kNoError) {
         return 0;
     }
-    // A load needs two samples, even if the counter returns a value after one.
+    // Computing a load needs two samples, even if the counter returns a value after one.
     return isFirstCall ? 0.0f : static_cast<float>(percent);
 }
 

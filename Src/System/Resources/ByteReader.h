@@ -14,7 +14,7 @@ inline bool IsInside(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t 
     return inPlace <= inBytes.mSize && inSize <= inBytes.mSize - inPlace;
 }
 
-/// Returns the number at an offset. The caller has checked with IsInside that the number is inside the bytes.
+/// Returns the number at an offset. The caller must have checked with IsInside that the number is inside the bytes.
 template <class Number>
 Number NumberAt(const Bytes& inBytes, std::uint64_t inPlace) noexcept
 {
@@ -46,7 +46,7 @@ inline Bytes PartOf(const Bytes& inBytes, std::uint64_t inPlace, std::uint64_t i
 /// Copies units, which need not be aligned.
 inline std::vector<unsigned short> UnitsAt(const Bytes& inBytes, std::uint64_t inPlace, std::size_t inCount)
 {
-    std::vector<unsigned short> units(inCount + 1); // one extra: data() must not be null, which means a number
+    std::vector<unsigned short> units(inCount + 1); // one extra unit: a null data() would mean a number
     if (inCount != 0) {
         std::memcpy(units.data(), inBytes.mData + inPlace, inCount * sizeof(unsigned short));
     }
