@@ -2,9 +2,9 @@
 // memory?
 //
 // The 64 MiB file is in the page cache, so that the disk does not hide the cost of File. Small reads are 4 KiB,
-// large ones 1 MiB. "pread" reads from a plain descriptor. The block cache is full before the clock starts; the host of
-// this benchmark keeps all blocks in an array, so its own cost is almost zero. The block cache's peer copies the same
-// bytes from the same blocks. Copies use real files on this program's disk; both sides write to new names, and the
+// large ones 1 MiB. "pread" reads from a plain descriptor. The block cache is filled before the clock starts; the host
+// of this benchmark keeps all blocks in an array, so its own cost is almost zero. The block cache's peer copies the
+// same bytes from the same blocks. Copies use real files on this program's disk; both sides write to new names, and the
 // results are deleted outside the measured time.
 #include "Harness.h"
 

@@ -41,9 +41,9 @@ private:
 
 TextStorage sStorage;
 
-// A value that is read without a lock. The value keeps every string that was ever set, since readers may still use any
-// of them. The value is constant-initialised, so a host may set it before this library's static construction, and has
-// no destructor, so threads may read it until the process exits.
+// A string that is read without a lock. Keeps every value that was ever set, since readers may still use any of them.
+// Constant-initialised, so a host may set it before this library's static construction; without a destructor, so
+// threads may read it until the process exits.
 class HostText
 {
 public:
@@ -68,8 +68,8 @@ private:
         const char* Text() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     };
 
-    // Nodes are only added, so no lock is needed. Two threads that set the same new string at the same time may store
-    // it twice.
+    // Nodes are only added, so no lock is needed. Two threads that set the same new string concurrently may store it
+    // twice.
     const char* Keep(const char* inText)
     {
         const Node* const newest = mTexts.load(std::memory_order_acquire);

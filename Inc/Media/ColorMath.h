@@ -45,7 +45,7 @@ inline float Hue(const ChannelRing& inColor, unsigned inLargest, float inSpread)
     return static_cast<float>((sixths + kTurns[sixths < 0]) / 6.0);
 }
 
-/// Chooses as HSV does, which differs from HSL if channels are equal.
+/// Returns the largest channel as HSV chooses it; HSL chooses differently if channels are equal.
 inline unsigned LargestOfHSV(const ChannelRing& inColor)
 {
     const unsigned redOrGreen = inColor[kGreen] > inColor[kRed] ? kGreen : kRed;
@@ -100,8 +100,8 @@ inline void SetFlag(bool* outFlag, bool inValue)
     }
 }
 
-/// A colour in HSV or HSL. Each family has its own level, and its own spread at which the saturation is 1. The spread
-/// is the largest channel minus the smallest.
+/// A colour in HSV or HSL. The spread is the largest channel minus the smallest. The families differ in the level, and
+/// in the spread at which the saturation is 1.
 struct Shade
 {
     unsigned mLargest;
@@ -111,7 +111,7 @@ struct Shade
 };
 
 /// Stores hue and saturation if the colour has them. inStore converts a value and its full scale to an output. Stores
-/// directly: returning a record with flags costs 50 % more.
+/// through references: returning a record with flags costs 50 % more.
 template <class Number, class Store>
 inline void StoreHueAndSaturation(const ChannelRing& inColor, const Shade& inShade, Number& outH, Number& outS,
                                   bool* outHasHue, bool* outHasSaturation, const Store& inStore)

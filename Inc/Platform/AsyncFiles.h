@@ -58,8 +58,8 @@ const char* DescribePort_Impl(Handle inPort);
 /// Queues an empty packet after the completions already there. Returns false on failure.
 bool PostEmptyPacket_Impl(Handle inPort);
 
-/// Waits without limit for the next packet. Returns true for a read that succeeded and for an empty packet. Returns
-/// false for a failed read, and, with a null mOverlapped, if the port fails or has been closed.
+/// Waits without limit for the next packet. Returns true for a successful read and for an empty packet. Returns false
+/// for a failed read, and, with a null mOverlapped, if the port fails or has been closed.
 bool GetCompletion_Impl(Handle inPort, Completion& outCompletion);
 
 /// Opens an existing file for unbuffered reading; other handles may also read and write it. The path must be in

@@ -127,7 +127,7 @@ struct StoreState
 
 enum class StoreCheck { kNone, kEverything };
 
-/// Returns the state of the store of a root. With kEverything checks the whole store.
+/// Returns the state of a root's store. With kEverything, first checks the whole store.
 StoreState GetStoreState_Impl(KeyHandle inRoot, StoreCheck inCheck);
 
 } // namespace Platform

@@ -25,7 +25,7 @@ namespace tvxcore {
 namespace utility {
 namespace SmallBlocks {
 
-inline constexpr std::size_t kGrain = 16;           // sizes are rounded up to this multiple, blocks aligned to it
+inline constexpr std::size_t kGrain = 16;           // block sizes are multiples of this, and so are addresses
 inline constexpr std::size_t kLargestSmall = 16384; // larger blocks come from the C library
 inline constexpr std::size_t kClassCount = 40;
 

@@ -18,8 +18,8 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 
 } // namespace
 
-// A turn is scheduled, becomes due and is queued to the executor, runs, and is scheduled again. A turn is in one of
-// these states at a time, so a slow executor never has more than one turn of a function.
+// A turn is one run of the function. It is scheduled, becomes due, is queued to the executor, runs, and is scheduled
+// again; it is in one of these states at a time, so a slow executor never has two turns of a function.
 //
 // Only the RepeatDelayFunction keeps a reference to the executor. A turn in the executor's queue owns this state, so an
 // owning reference to the executor here would form a cycle.
