@@ -27,7 +27,7 @@ struct ToCodePage
 {
     using Source = UTF16String;
     using Target = std::string;
-    static constexpr std::size_t kMaxSourcePerResult = 2; // the two units of a surrogate pair may convert together
+    static constexpr std::size_t kMaxSourcePerResult = 2; // a surrogate pair may convert to one byte
     static constexpr auto kLimit = &StringUtils::Platform::MaxBytes_Impl;
     static constexpr auto kMeasure = &StringUtils::Platform::MeasureBytes_Impl;
     static constexpr auto kConvert = &StringUtils::Platform::ToBytes_Impl;

@@ -21,7 +21,7 @@ enum class PathOperation {
 SystemError SystemErrorFromErrno(int inErrno) noexcept;
 
 /// Converts an error that concerns inHostPath. A missing name becomes 2 if its folder exists and 3 if the folder is
-/// missing too; this queries the file system.
+/// also missing, which requires a query of the file system.
 SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath,
                                  PathOperation inOperation = PathOperation::kOpen);
 

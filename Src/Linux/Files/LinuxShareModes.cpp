@@ -154,7 +154,7 @@ bool IsHeld(int inDescriptor, unsigned inFirst, unsigned inCount) noexcept
 
 bool IsAnyHeld(int inDescriptor, unsigned inBytes) noexcept
 {
-    // Usually no other handle has the file open, and this first query is enough.
+    // Usually no other handle has the file open, so this first query is enough.
     return IsHeld(inDescriptor, 0, kByteCount)
            && !ForEachRun(inBytes, [inDescriptor](unsigned inFirst, unsigned inCount) {
                   return !IsHeld(inDescriptor, inFirst, inCount);

@@ -1,6 +1,6 @@
 // Floor: System
-// Tracks the values of a key that other processes have changed. The board contains only the hashes of the names of
-// changed values.
+// Tracks the values of a key that other processes have changed. The board contains only hashes of the names of changed
+// values.
 //
 // A changed hash makes every name with that hash stale. Loading a name makes that name current; other names with the
 // same hash stay stale.

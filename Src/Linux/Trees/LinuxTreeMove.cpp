@@ -88,7 +88,7 @@ private:
                    : failure;
     }
 
-    // Called if the name exists already, or if the file system cannot rename without replacing.
+    // Called if the name already exists, or if the file system cannot rename without replacing.
     int MoveReplacing(const char* inName)
     {
         struct statx from;

@@ -27,7 +27,7 @@ UTF16String AsUTF16(const std::string& inText)
     return tvxcore::utility::UTF8to16(reinterpret_cast<const unsigned char*>(inText.data()), inText.size());
 }
 
-// Returns true for a drive or a share in extended form, which have a plain form; a volume name has none.
+// Returns true for an extended path on a drive or share, which has a plain form; a path on a named volume has none.
 bool HasPlainForm(const UTF16String& inPath)
 {
     const bool isShare = inPath.compare(0, 8, TVX_UTF16("\\\\?\\UNC\\")) == 0;

@@ -67,7 +67,7 @@ DeleteInView FindDeleteInView()
     return sDeleteInView.load(std::memory_order_relaxed);
 }
 
-// Returns the sizes of the longest name and the largest data among the values of a key.
+// Queries the sizes of the longest name and the largest data among the values of a key.
 SystemError LargestValue(KeyHandle inKey, DWORD& outNameUnits, DWORD& outBytes)
 {
     return AsError(::RegQueryInfoKeyW(AsKey(inKey), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
