@@ -56,7 +56,7 @@ constexpr std::array<unsigned short, kDirectEnd> MakeDirectTable()
 
 constexpr std::array<unsigned short, kDirectEnd> kDirect = MakeDirectTable();
 
-// Returns null for a code point that folds to one code point.
+// Returns the expansion of a code point, or null if it folds to one code point.
 const FoldingExpansion* FindExpansion(std::uint32_t inPoint)
 {
     const FoldingExpansion* const found = std::lower_bound(

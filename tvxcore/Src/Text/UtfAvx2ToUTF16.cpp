@@ -98,7 +98,7 @@ TVX_AVX2_INLINE std::size_t WholeCharacters(const Classes& inClasses)
     return cut != 0 ? static_cast<std::size_t>(_tzcnt_u32(cut)) : 32;
 }
 
-// Errors of two adjacent bytes, found as the common bits of three table lookups: by the first byte's upper half, its
+// Errors that two adjacent bytes reveal: the bits common to three table lookups, by the first byte's upper half, its
 // lower half, and the second byte's upper half.
 constexpr unsigned char kOverlong2 = 1; // C0 C1
 constexpr unsigned char kOverlong3 = 2; // E0 followed by 80 to 9F

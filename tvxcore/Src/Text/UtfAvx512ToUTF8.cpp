@@ -64,8 +64,8 @@ TVX_AVX512_INLINE __m512i TaggedFields(__m512i inUnits, __m512i inFields, __mmas
     tags = _mm512_mask_mov_epi32(tags, inHigh, _mm512_set1_epi32(static_cast<int>(0x80F00000)));
     tags = _mm512_mask_mov_epi32(tags, inLow, _mm512_set1_epi32(static_cast<int>(0x80800000)));
     outPlaces = _mm512_or_si512(tags, _mm512_set1_epi32(static_cast<int>(0x80000000)));
-    // Shifts by 12, 6 and 0 bits into the upper three bytes of each lane, so that the order in memory is that of the
-    // UTF-8.
+    // Shifts by 12, 6 and 0 bits into the upper three bytes of each lane, so that memory holds the bytes in UTF-8
+    // order.
     const __m512i shifts = _mm512_set1_epi64(0x20262C2000060C00);
     const __m512i fields =
         _mm512_and_si512(_mm512_multishift_epi64_epi8(shifts, inFields), _mm512_set1_epi32(0x3F3F3F00));

@@ -1,5 +1,5 @@
-// Selects the kernels on the first conversion. Until then the pointers refer to the selection, so conversions also work
-// in the host's static constructors; two threads that select concurrently select the same kernels.
+// Selects the kernels on the first conversion. Until then the pointers refer to functions that select, so conversions
+// also work in the host's static constructors; two threads that select concurrently select the same kernels.
 #include <Text/Utf.h>
 
 #include <atomic>
