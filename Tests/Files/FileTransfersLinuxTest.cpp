@@ -86,7 +86,7 @@ TEST(FileTransfers, ACopyInShortPieces_IsWhole)
     EXPECT_TRUE(kOld == ContentsOf(folder, "c"));
 }
 
-// copy_file_range fails after a part of the copy, for instance because the two files are on different volumes.
+// copy_file_range fails after it has copied a part of the file; the rest is copied with reads and writes.
 TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
 {
     for (const int error : {EXDEV, EINVAL, EOPNOTSUPP, ENOSYS}) {
@@ -102,7 +102,7 @@ TEST(FileTransfers, ACopyThatTheKernelGivesUp_GoesOnByReading)
     }
 }
 
-// The kernel can clone files on some volumes; for the smallest files the extra system calls cost more than they save.
+// The kernel can clone files on some volumes; up to 16 KiB the extra system calls cost more than they save.
 TEST(FileTransfers, ACopy_IsLeftToTheKernelFrom16KiBOn)
 {
     for (const std::size_t size : {std::size_t{16384}, std::size_t{16385}, std::size_t{100000}}) {

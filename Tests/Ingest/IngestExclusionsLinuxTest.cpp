@@ -63,7 +63,7 @@ TEST(IngestExclusionsOnLinux, ASystemFolderWithoutAccess_IsLeftOut)
     fs::permissions(folder.Host() / "card/lost+found", fs::perms::all);
 }
 
-// An entry that could be a file must not be passed over.
+// An entry that could be a file must be reported, not skipped.
 TEST(IngestExclusionsOnLinux, ADanglingLinkNamedLikeASystemFolder_IsReported)
 {
     namespace fs = std::filesystem;

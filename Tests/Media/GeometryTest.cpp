@@ -1,4 +1,4 @@
-// Compares splines with a long double solution of the same equations, and distances with plain integers.
+// Compares splines with a long double solution of the same equations, and distances with exact ones in double.
 #include <CheckRecorder.h>
 #include <ORLGeometry.h>
 

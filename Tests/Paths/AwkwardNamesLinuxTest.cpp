@@ -1,4 +1,4 @@
-// Tests names on a real disk that no Windows path could contain.
+// Tests files on a real disk whose names no Windows path could contain.
 #include <ORLHostPath.h>
 #include <ORLPathUtils.h>
 

@@ -68,7 +68,7 @@ TEST(UTF16ToWstring, AllUnits_AreCopied)
     EXPECT_TRUE(tvxcore::utility::UTF16ToWstring(UTF16String()).empty());
 }
 
-// Each unit becomes three bytes, at lengths on both sides of every internal buffer size.
+// Converts units that become three bytes each, at lengths on both sides of every internal buffer size.
 TEST(MakeStdString, TextOfThreeBytesAUnit_IsWhole)
 {
     for (const std::size_t units : {std::size_t{1}, std::size_t{341}, std::size_t{342}, std::size_t{511},

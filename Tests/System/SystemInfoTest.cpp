@@ -1,4 +1,4 @@
-// Tests the queries about the machine's hardware and load on every platform.
+// Tests the SystemInfo queries for the machine's hardware and load.
 #include <ORLSystemInfo.h>
 
 #include <CheckRecorder.h>

@@ -76,7 +76,7 @@ TEST_F(ThreadRecords, RegisteredThread_HasItsOwnRecord)
     EXPECT_EQ("CorvantoMain", NameOfThisThread());
 }
 
-// A slot that was just freed is the next one that the OS allocates.
+// Frees a slot to learn which one RegisterMainThread will get: the OS allocates the slot that was freed last.
 TEST(ThreadSlot, AfterUnregisterThread_StillHoldsTheAddressOfTheRecord)
 {
     namespace Platform = ThreadManager::Platform;

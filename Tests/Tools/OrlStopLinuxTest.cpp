@@ -136,7 +136,7 @@ TEST_F(OrlStop, ExportedSettings_AreCompleteOrTheOldFileStays)
     ExpectAllOrNothing({"reg", "export", "HKCU\\Software\\Tool", Host("settings.reg")}, "settings.reg");
 }
 
-// nohup and shells start programs with signals ignored.
+// nohup and shells start programs with some signals ignored; orl must not handle these signals.
 TEST_F(OrlStop, IgnoredSignal_StaysIgnored)
 {
     const std::string command = "trap '' HUP; exec '" + FolderOfThisProgram() + "orl' hash '" + Host("clip.mov")

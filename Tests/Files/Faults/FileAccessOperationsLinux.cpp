@@ -39,7 +39,7 @@ Result ReadAll(const TempFolder& inFolder, Attributes::Type inAttributes)
     return result;
 }
 
-// Reads block by block, from the middle of the first block.
+// Reads a file through a block cache, starting inside the first block.
 Result ReadThroughBlocks(const TempFolder& inFolder)
 {
     BufferLog log;
