@@ -130,7 +130,7 @@ TEST_P(AsyncReads, PositionSizeOrBufferOffTheSector_FailsAtItsStartAndLaterReads
     EXPECT_EQ(kBlock, ReadOne(reader, sector, kBlock, buffer).mBytesRead);
 }
 
-// Windows checks the buffer when a read starts. On Linux a bad buffer may be reported only when the read completes;
+// Windows checks the buffer when a read starts. On Linux a bad buffer might not be reported until the read completes;
 // this must not stop asynchronous reads in the whole process.
 TEST_P(AsyncReads, BufferThatMayNotBeWritten_FailsAtItsStartAndLaterReadsGoOn)
 {
