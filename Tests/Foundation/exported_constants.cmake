@@ -1,4 +1,4 @@
-# Checks that the shared library exports each constant of exported_constants.txt, but not the private one.
+# Checks that the shared library exports each constant in exported_constants.txt, but not kPropertyKey_WorkBarAdjusted.
 #   cmake -DLIBRARY=file -DNAMES=file -DTOOL=command -DOPTIONS=list -P exported_constants.cmake
 separate_arguments(OPTIONS)
 execute_process(COMMAND ${TOOL} ${OPTIONS} "${LIBRARY}" OUTPUT_VARIABLE symbols RESULT_VARIABLE result)

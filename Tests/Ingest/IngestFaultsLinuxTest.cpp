@@ -140,7 +140,7 @@ protected:
         }
     }
 
-    /// Fails each call of a kind once. A run that reports nothing must be complete, and a second run always so.
+    /// Fails each call of a kind once. A run without a report must be complete, and so must every second run.
     template <class Calls>
     void FailEach(typename Calls::Call inCall)
     {

@@ -247,7 +247,7 @@ TEST(ObjectPtr, CountBelowOne_IsReportedAndTheObjectIsLeftAlone)
     {
         const ObjectPtr<Object> pointer(object);
         counter = MembersOf(pointer).mCounter;
-        *counter = 0; // simulates a second owner that has not called AddRef
+        *counter = 0; // simulates a missing AddRef by a second owner
     }
     ASSERT_EQ(1u, recorder.Reports().size());
     ExpectReport(recorder.Reports()[0]).Expression("*mCounter > CounterType(0)");

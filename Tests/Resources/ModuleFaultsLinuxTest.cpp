@@ -1,4 +1,4 @@
-// Fails each system call that loads a module once. Afterwards the module must be fully loaded or not loaded at all.
+// Fails each system call that Load makes, one at a time. Afterwards the module is fully loaded or not loaded at all.
 #include "PlugIns.h"
 
 #include <FaultySystemCallsLinux.h>

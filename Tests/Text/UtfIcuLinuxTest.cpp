@@ -91,7 +91,7 @@ TEST(Utf, EveryThreeBytesThatBeginWithALead_ConvertAsICUDoes)
 TEST(Utf, AMillionRandomByteStrings_ConvertAsICUDoes)
 {
     std::mt19937 random(20);
-    // A third of the bytes are at the limits of a class of bytes.
+    // About a third of the bytes are the first or last of a byte class.
     static constexpr unsigned char kBorders[] = {0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC1, 0xC2, 0xDF,
                                                  0xE0, 0xE1, 0xEC, 0xED, 0xEE, 0xEF, 0xF0, 0xF1, 0xF3, 0xF4, 0xF5};
     for (int i = 0; i < 1000000; ++i) {

@@ -132,8 +132,8 @@ class OrlTerminalOfWidth : public OrlTerminal, public testing::WithParamInterfac
 protected:
     OrlTerminalOfWidth() { mTerminal.SetColumns(GetParam()); }
 
-    /// Expects that the line is cleared with blanks at the end, and that each string before that, after a carriage
-    /// return, ends before the last column and contains no line break.
+    /// Expects that blanks clear the line at the end. Each string that a carriage return precedes must end before the
+    /// last column and contain no line break.
     static void ExpectOneLine(const std::string& inScreen, const std::string& inPart)
     {
         const std::vector<std::string> texts = AfterReturns(inScreen);

@@ -140,7 +140,7 @@ std::vector<FileOperation> AccessOperations()
          {kInterruptedOpen, kEveryClose, kEveryStatx},
          &MapDirectly,
          {{Faults::kPRead}}},
-        // The first two reads may only probe the alignment, depending on the file system.
+        // On some file systems the first one or two reads only probe the alignment.
         {"ReadThroughBlocks",
          &MakeOld,
          &ReadThroughBlocks,
