@@ -1,5 +1,5 @@
-# The manual page and the completions of orl, which orl writes itself, and their usual places. A build for another
-# system than the machine's cannot run orl and installs neither.
+# Generates the manual page and the completions by running orl, and installs them in their usual places. A cross-build
+# cannot run orl and installs neither.
 set(texts "${PROJECT_BINARY_DIR}/share/orl")
 file(MAKE_DIRECTORY "${texts}")
 set(text_files "${texts}/orl.1.gz" "${texts}/orl.bash" "${texts}/orl.zsh" "${texts}/orl.fish")

@@ -4,7 +4,7 @@
 #   sbatch --array=1-8 verify-part.sh FOLDER RESULTS
 #
 # Writes RESULTS/part-K.json, K being the number of the job. A job that is killed leaves no result, so it may be
-# requeued. RESULTS is a folder that all computers and the merging job see.
+# requeued. RESULTS is a folder that all computers can access.
 set -u
 folder=$1
 results=$2

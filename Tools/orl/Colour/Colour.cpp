@@ -21,7 +21,7 @@ struct Options
     bool mAsJson = false;
 };
 
-// Prints two rows of blanks on the colour.
+// Prints two rows of blanks with the colour as background.
 void PrintPatch(const ORL::ParamColor<unsigned long>& inColour)
 {
     const std::string colour = std::to_string(inColour.GetRed()) + ";" + std::to_string(inColour.GetGreen()) + ";"

@@ -26,7 +26,7 @@ struct Form
 {
     const char* mName;
     std::vector<std::string> mNumbers;
-    std::vector<Range> mRanges; // used for parsing; empty if the form can only be shown
+    std::vector<Range> mRanges; // the valid ranges; empty if the form is output-only
 };
 
 const Form& Of(ColourForm inForm)

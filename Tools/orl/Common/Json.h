@@ -1,4 +1,4 @@
-// JSON output. Only Json.cpp sees the library that writes it, because including that library takes long to compile.
+// JSON output. This header does not include the JSON library, because that library is slow to compile.
 #pragma once
 
 #include <initializer_list>
@@ -57,7 +57,7 @@ public:
 
 private:
     struct Value;
-    struct Internal // keeps this constructor apart from braced lists of members
+    struct Internal // distinguishes this constructor from braced lists of members
     {
     };
     Json(Internal, Value&& inValue);

@@ -7,7 +7,7 @@
 
 namespace orl {
 
-/// Returns "KEY": "NAME". JSON texts are Unicode: a name that is not valid UTF-8 is followed by "KEYBytes": "HEX", its
+/// Returns "KEY": "NAME". JSON is Unicode: a name that is not valid UTF-8 is followed by "KEYBytes": "HEX", its
 /// bytes in hexadecimal.
 inline std::string JsonNameMember(const std::string& inKey, const std::string& inName)
 {

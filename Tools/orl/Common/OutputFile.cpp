@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The ending and this many units fit into the 255 that file systems allow.
+// A stem of this many units and the suffix fit into the 255 units that file systems allow.
 constexpr std::size_t kMaxStem = 240;
 
 fs::path PartOf(const fs::path& inPath)

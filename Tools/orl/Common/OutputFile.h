@@ -8,8 +8,8 @@
 namespace orl {
 
 /// Writes a file under a temporary name, which ends in ".part", and renames it at the end. An existing file keeps its
-/// contents until then, and its permissions beyond that; a link to a file stays a link. Anything else that exists, such
-/// as a pipe or a device, is written directly.
+/// contents until then; its permissions are preserved, and a link to a file stays a link. Anything else that exists,
+/// such as a pipe or a device, is written directly.
 class OutputFile
 {
 public:
@@ -38,8 +38,8 @@ private:
 
     const std::string mCommand;
     const std::string mArgument;
-    std::filesystem::path mPath; // the name at the end
-    std::filesystem::path mPart; // the name until then; empty if the file is written directly
+    std::filesystem::path mPath; // the final name
+    std::filesystem::path mPart; // the temporary name; empty if the file is written directly
     std::ofstream mStream;
 };
 

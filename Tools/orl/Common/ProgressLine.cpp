@@ -49,7 +49,7 @@ std::size_t ProgressLine::AvailableColumns()
     return TerminalColumns() - 1;
 }
 
-// Blanks overwrite the previous text: a Windows console shows the escape sequence that clears a line as characters.
+// Overwrites the old text with blanks: a Windows console prints the escape sequence that would clear the line.
 void ProgressLine::Show(const std::string& inText)
 {
     if (!mIsShown) {

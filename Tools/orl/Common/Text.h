@@ -1,4 +1,4 @@
-// Conversions between library text and terminal text, which is UTF-8 on both platforms.
+// Conversions between library strings and terminal output, which is UTF-8 on both platforms.
 #pragma once
 
 #include <cstddef>

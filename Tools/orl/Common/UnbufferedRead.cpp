@@ -257,7 +257,7 @@ UnbufferedFigures ReadUnbuffered(const UnbufferedRead& inRead, const UnbufferedS
     try {
         return stream->Run(inSink);
     } catch (const NoAnswer&) {
-        static_cast<void>(stream.release()); // the destructor would wait for reads that may still write to the memory
+        static_cast<void>(stream.release()); // leaked, because the destructor would wait for the reads in flight
         throw;
     }
 }

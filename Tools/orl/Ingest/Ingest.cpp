@@ -56,7 +56,7 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
 enum class RunEnd { kFinished, kStoppedByUser };
 
 // Reports every failure on its own line; the last is thrown as the program's error. If the user stopped the run, the
-// stop is the last failure and decides the exit code; otherwise the first failure does.
+// stop is the last failure and determines the exit code; otherwise the first failure does.
 void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, RunEnd inEnd)
 {
     if (inTroubles.empty()) {

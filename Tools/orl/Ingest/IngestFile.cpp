@@ -120,8 +120,8 @@ private:
         }
     }
 
-    // Comes after the rename, because Windows does not delete a read-only file: a temporary file must be deletable. If
-    // the run is killed in between, the next run compares the file and comes here again.
+    // Called after the rename: a temporary file must be deletable, and Windows does not delete a read-only file. If the
+    // run is killed in between, the next run compares the file and sets its permissions.
     void KeepPermissions() const
     {
         if (!mContext.mKeepsPermissions) {

@@ -248,7 +248,7 @@ private:
         mManifest.Acknowledge(lines);
     }
 
-    // A folder may become read-only, so each folder comes after everything in it.
+    // A folder may become read-only, so each folder is finished after everything in it.
     void FinishFolders()
     {
         for (auto folder = mPlan.mTree.rbegin(); folder != mPlan.mTree.rend() && !mIsDiskUnresponsive; ++folder) {
@@ -256,8 +256,8 @@ private:
         }
     }
 
-    // Each new entry of a folder changes the folder's time, so the time is set at the end. A time is not worth an
-    // error: a folder whose time cannot be set keeps its own.
+    // Each new entry of a folder changes the folder's time, so the time is set at the end. If the time of a folder
+    // cannot be set, the folder keeps its own; this is not an error.
     void FinishFolder(const ListedFolder& inFolder)
     {
         HeldFolder held;

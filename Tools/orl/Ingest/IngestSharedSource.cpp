@@ -44,7 +44,7 @@ struct SharedFile
     bool mIsReading = false; // a destination reads the block at mRead
     std::deque<Block> mBlocks;
     Sha256 mSum;
-    std::string mDigest;                               // empty until the whole file was read
+    std::string mDigest;                               // empty until the whole file has been read
     std::map<std::size_t, std::uint64_t> mNextOffsets; // next offset of each destination that needs the file
 };
 
@@ -317,7 +317,7 @@ SharedReading::SharedReading(SharedSource& ioSource, std::size_t inDestination, 
 {
     const std::lock_guard<std::mutex> lock(mImpl->mSource.mMutex);
     mImpl->mFile = mImpl->mSource.Join(inDestination, inName, inSize);
-    mImpl->FinishSum(); // an empty file has no block that would finish the sum
+    mImpl->FinishSum(); // blocks finish the checksum, but an empty file has none
 }
 
 SharedReading::~SharedReading()

@@ -38,7 +38,7 @@ namespace {
 constexpr long long kSecondsTo1970 = 11644473600;
 constexpr long long kUnitsPerSecond = 10000000;
 
-constexpr unsigned kPermissionBits = 0777; // the others would give a copy the rights of its new owner
+constexpr unsigned kPermissionBits = 0777; // the others (set-user-ID ...) would grant its new owner's rights
 constexpr unsigned kReadByOwner = 0400;
 constexpr unsigned kListByOwner = 0500;
 

@@ -1,4 +1,4 @@
-// The table of commands, from which help, manual page and completions are made. The parser itself is its source.
+// The table of commands, read from the parser. Help, manual page and completions are generated from it.
 #pragma once
 
 #include "ExitCodeTable.h"

@@ -11,7 +11,7 @@ namespace orl {
 /// Returns the script for "bash", "zsh" or "fish".
 std::string CompletionScript(const std::string& inShell, const std::vector<CommandEntry>& inProgram);
 
-// Each of these expects the result of CompletedPlaces.
+// Each of these functions expects the result of CompletedPlaces.
 std::string BashCompletion(const std::vector<CommandEntry>& inPlaces);
 std::string ZshCompletion(const std::vector<CommandEntry>& inPlaces);
 std::string FishCompletion(const std::vector<CommandEntry>& inPlaces);
@@ -26,7 +26,7 @@ std::string PlacePatterns(const std::vector<CommandEntry>& inPlaces);
 /// Returns the words with blanks between them.
 std::string Joined(const std::vector<std::string>& inWords);
 
-/// Returns the text in single quotes. Holds for bash, zsh and fish.
+/// Returns the string in single quotes, in a form that bash, zsh and fish all accept.
 std::string ShellQuoted(const std::string& inText);
 
 } // namespace orl

@@ -8,7 +8,7 @@ namespace orl {
 namespace {
 
 constexpr std::size_t kMinColumns = 40;
-constexpr std::size_t kTextAt = 26; // column of the texts beside names
+constexpr std::size_t kTextAt = 26; // the column in which descriptions begin
 
 std::string Paragraph(const std::string& inText, std::size_t inColumns)
 {

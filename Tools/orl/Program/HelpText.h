@@ -9,12 +9,12 @@
 
 namespace orl {
 
-/// Returns the words in lines of at most inColumns; a longer word has a line of its own. An empty text is one empty
-/// line.
+/// Wraps the words into lines of at most inColumns; a longer word has a line of its own. An empty string yields one
+/// empty line.
 std::vector<std::string> WrapWords(const std::string& inText, std::size_t inColumns);
 
-/// inPrograms contains the table of the whole program, for the texts of subcommands. Lines are at most inColumns long,
-/// but at least 40.
+/// inProgram is the table of the whole program, from which the descriptions of subcommands are taken. Lines have at
+/// most inColumns columns, or 40 if inColumns is less.
 std::string HelpTextOf(const CommandEntry& inCommand, const std::vector<CommandEntry>& inProgram,
                        std::size_t inColumns);
 

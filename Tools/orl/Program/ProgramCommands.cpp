@@ -21,7 +21,7 @@ namespace orl {
 
 namespace {
 
-// Long lines are hard to read.
+// Help is no wider than this even on a wider terminal, because long lines are hard to read.
 constexpr std::size_t kMaxColumns = 100;
 
 const CLI::App& RootOf(const CLI::App& inCommand)

@@ -7,7 +7,7 @@ class App;
 
 namespace orl {
 
-/// Adds --quiet to each command that writes JSON on request, which is each command that prints a table.
+/// Adds --quiet to each command that has --json.
 void AddQuiet(CLI::App& ioProgram);
 
 /// orl help [COMMAND...]: the help of a command, the manual page, or the table of commands.

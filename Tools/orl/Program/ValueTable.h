@@ -1,4 +1,4 @@
-// What the values of options and arguments are, by their names in the help.
+// The kinds of values that options and arguments accept, by the value names in the help.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ enum class ValueKind { kFree, kFile, kFolder, kWord, kWordList, kCommand };
 struct ValueEntry
 {
     ValueKind mKind = ValueKind::kFree;
-    std::vector<std::string> mWords; // of kWord, and of kWordList, where commas separate them
+    std::vector<std::string> mWords; // the choices of kWord, and of kWordList (separated by commas)
 };
 
 /// Returns kFree for a name that is not in the table.

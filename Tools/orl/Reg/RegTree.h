@@ -10,7 +10,7 @@
 
 namespace orl {
 
-/// Reads the values of a key, sorted by name. Throws Failure; its text begins with inCommand.
+/// Reads the values of a key, sorted by name. Throws Failure; its message begins with inCommand.
 std::vector<ORL::RegistryValue> ReadRegValues(const std::string& inCommand, const RegKeyName& inKey);
 
 /// Reads the names of the keys directly below a key, sorted. Throws Failure.
@@ -19,7 +19,7 @@ std::vector<UTF16String> ReadRegSubKeys(const std::string& inCommand, const RegK
 /// Returns the key with that name directly below inKey.
 RegKeyName RegSubKey(const RegKeyName& inKey, const UTF16String& inName);
 
-/// Returns the reason for a failure: "no such key", or the text of Describe.
+/// Returns the reason for a failure: "no such key", or the result of Describe.
 std::string DescribeRegFailure(ORL::Result inResult);
 
 /// Applies the changes. Throws Failure: "reg set: cannot change KEY: reason".

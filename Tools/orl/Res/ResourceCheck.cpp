@@ -42,7 +42,7 @@ std::string FormatSize(const Parameters& inParameters)
     return words.empty() ? "none" : words;
 }
 
-// Maps the displayed name of each translated resource to the parameters of its text in each language.
+// Maps the displayed name of each translated resource to its parameters in each language.
 class Translations
 {
 public:

@@ -7,10 +7,10 @@
 
 namespace orl {
 
-/// Returns "STRING", "#200", or a type's text, in double quotes if it could be read as another type.
+/// Returns "STRING", "#200", or a type's name, in double quotes if it could be taken for another type.
 std::string NameOfType(const ORL::Resources::FileName& inType);
 
-/// Returns "100", or the text of a name.
+/// Returns "100" for a number, or the name.
 std::string NameOfResource(const ORL::Resources::FileName& inName);
 
 /// Returns "de_DE", "neutral", or the hexadecimal identifier of another language: "0x0c07".

@@ -10,7 +10,7 @@
 
 namespace orl {
 
-/// Thrown for text that is not a time. The exception's text is the reason; mStop is the position where reading
+/// Thrown for text that is not a time. The exception's message is the reason; mStop is the position where reading
 /// stopped, in characters from 0, or npos if the text was read to its end.
 class Unreadable : public std::runtime_error
 {

@@ -115,7 +115,7 @@ void AddParts(CLI::App& ioCommand, const std::shared_ptr<Options>& inOptions)
 
 void ReadPart(Options& ioOptions, bool inIsGiven)
 {
-    if (inIsGiven) { // even an empty text is refused: it must not mean the whole list
+    if (inIsGiven) { // an empty string is refused too: it must not mean the whole list
         ioOptions.mSettings.mPart = ParsePart(ioOptions.mPart);
         if (ioOptions.mFolders.size() != 1) {
             throw Failure("verify: --part verifies one folder", kExitUsage);

@@ -33,12 +33,12 @@ struct VerifiedFile
         kNew, // the file is not in the list
     };
 
-    std::string mName; // path below the folder, "/" between folders, in the host's bytes
+    std::string mName; // path relative to the folder, "/" between components, raw bytes
     State mState = kNotChecked;
     std::uint64_t mSize = 0;
     std::string mListed; // SHA-256; empty for a new file
     std::string mDigest; // SHA-256 on the disk; empty if the file was not read to its end
-    std::string mReason; // the reason of a change, or why the file cannot be read
+    std::string mReason; // why the file counts as changed or cannot be read
 };
 
 /// The part of the list that an outcome covers, and what two parts must have in common.

@@ -13,7 +13,7 @@ struct VerifyList
 {
     struct Line
     {
-        std::string mName;   // name in the host's bytes
+        std::string mName;   // name in raw bytes
         std::string mDigest; // 64 lower-case hexadecimal digits
     };
 

@@ -89,7 +89,7 @@ void AddSummary(const Json& inLine, PartResult& ioResult)
     }
 }
 
-// The summary is the last line, so a result without it was cut short.
+// The summary is the last line, so a result without it is truncated.
 void ReadLines(std::istream& ioStream, PartResult& ioResult)
 {
     for (std::string line; std::getline(ioStream, line);) {
@@ -105,7 +105,7 @@ void ReadLines(std::istream& ioStream, PartResult& ioResult)
     }
 }
 
-// New files are not in the list; every other file of the part must have its line.
+// New files are not in the list; every other file of the part must have a line in the result.
 void CheckComplete(const PartResult& inResult)
 {
     const VerifyOutcome& outcome = inResult.mOutcome;
@@ -138,7 +138,7 @@ PartResult ReadPart(const std::string& inFile)
     }
     try {
         ReadLines(stream, result);
-    } catch (const std::exception&) { // by the parser, or a member that is missing or of another type
+    } catch (const std::exception&) { // invalid JSON, or a member is missing or has the wrong type
         Refuse(inFile, "is no output of orl verify --part --json");
     }
     if (stream.bad()) {

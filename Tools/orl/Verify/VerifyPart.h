@@ -28,7 +28,7 @@ inline constexpr std::size_t kMaxParts = 100000;
 VerifyPart ParsePart(const std::string& inText);
 
 /// Returns the number of the part, from 1 to inParts, for each item. The result depends on the arguments alone. The
-/// bytes of two parts differ by at most the size of the largest item.
+/// sizes of two parts differ by at most that of the largest item.
 std::vector<std::size_t> AssignParts(const std::vector<PartItem>& inItems, std::size_t inParts);
 
 /// Returns the SHA-256 of items and their parts. Jobs with the same digest divide the list in the same way.

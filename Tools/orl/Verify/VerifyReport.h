@@ -19,7 +19,7 @@ void PrintTotals(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOut
 /// Prints one JSON object per line for each file, and one with the totals after the files of each folder.
 void PrintJsonLines(std::ostream& ioStream, const std::vector<VerifyOutcome>& inOutcomes);
 
-/// Reads the name of a state, as the JSON has it. Returns false if there is no such state.
+/// Parses the name of a state as the JSON writes it. Returns false if there is no such state.
 bool FindState(const std::string& inName, VerifiedFile::State& outState);
 
 /// Returns a line for each file that is not as listed, and for each folder's failures, in folder order.

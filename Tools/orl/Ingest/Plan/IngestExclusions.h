@@ -7,9 +7,9 @@
 
 namespace orl {
 
-/// Whether a name below the source matches a pattern. "*" matches any characters and "?" one character, neither matches
-/// "/"; every other character matches itself. A pattern without "/" is compared with the last part of the name, any
-/// other pattern with the whole name. The rule is the same on every platform, whatever the locale and the volume.
+/// Returns whether a name below the source matches a pattern. "*" matches any characters and "?" one character, neither
+/// matches "/"; every other character matches itself. A pattern without "/" is compared with the last component of the
+/// name, any other pattern with the whole name. Case-sensitive on every platform, locale and volume.
 bool MatchesPattern(const std::string& inName, const std::string& inPattern);
 
 class IngestExclusions
@@ -27,7 +27,7 @@ public:
     /// Leaves out the folders that operating systems keep at the top of a volume, in upper or lower case.
     void AddSystemFolders() { mHasSystemFolders = true; }
 
-    /// Does not leave out a folder at the top although it is a system folder. Upper and lower case do not differ.
+    /// Keeps a folder at the top although it is a system folder. The name is case-insensitive.
     void Keep(const std::string& inFolder);
 
     /// outPattern receives the first pattern that matches.

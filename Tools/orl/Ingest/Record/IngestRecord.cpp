@@ -241,7 +241,7 @@ void IngestRecord::Read()
     mTemporaries = mRemains.mTemporaries;
     mIsNeededByManifest = mRemains.mManifestLength || !mRemains.mCommentedOut.empty(); // until the manifest is read
     if (text.back() != '\n') {
-        Write("\n", AfterWrite::kReturn); // ends the incomplete line of a killed run, which is ignored
+        Write("\n", AfterWrite::kReturn); // terminates the incomplete line of a killed run
     }
 }
 
@@ -261,7 +261,7 @@ void IngestRecord::Peek()
                      Disposition::kFileCreate_OpenExisting, Attributes::kFileAttribute_Normal, true);
     CheckOpened(result);
     const std::string text = ReadText();
-    mFile.Close(); // closed first, so that the destructor deletes nothing
+    mFile.Close(); // the destructor deletes the record only if the file is still open
     if (text.size() >= sizeof(kHeader) - 1) {
         TakeUpLines(text);
     }
