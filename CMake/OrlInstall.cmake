@@ -25,8 +25,8 @@ install(FILES "${PROJECT_BINARY_DIR}/include/ORLVersion.h" DESTINATION ${CMAKE_I
 install(FILES Debug/orl_printers.py Debug/orl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/ORLFoundation/debug COMPONENT dev)
 if(NOT WIN32)
   # GDB looks beside the library, else in its own folder of scripts, which it trusts. In /usr the file must be in that
-  # folder alone: GDB does not trust /usr/lib, and a file that it finds there ends the search. CPack installs to /usr in
-  # a folder of its own.
+  # folder alone: GDB does not trust /usr/lib, and a file that it finds there ends the search. CPack installs to /usr
+  # below a staging folder.
   install(CODE "
     set(folder \"${CMAKE_INSTALL_LIBDIR}\")
     if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\" OR CMAKE_INSTALL_PREFIX MATCHES \"/_CPack_Packages/.*/usr$\")

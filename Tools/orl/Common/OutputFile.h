@@ -27,7 +27,7 @@ public:
     void Write(const void* inBytes, std::size_t inCount);
     void Write(const std::string& inBytes) { Write(inBytes.data(), inBytes.size()); }
 
-    /// Gives the file its name. Throws like Write.
+    /// Renames the file to its final name. Throws like Write.
     void Finish();
 
 private:

@@ -18,7 +18,7 @@ bool sIsSilenced = false;
 
 } // namespace
 
-// The buffer is never destroyed: std::cout is flushed after all static objects are gone.
+// The buffer is never destroyed, because std::cout is flushed after static objects are destroyed.
 void SilenceOutput()
 {
     static DiscardingBuffer& buffer = *new DiscardingBuffer;

@@ -80,7 +80,7 @@ public:
     /// Sets the permissions of a file, not through a link.
     ORL::Result SetPermissionsOf(const std::string& inName, unsigned inPermissions) const;
 
-    /// Sets the permissions of this folder. Does nothing on Windows, where folders have none.
+    /// Sets the permissions of this folder. Does nothing on Windows, where folders have no permissions.
     ORL::Result SetPermissions(unsigned inPermissions) const;
 
     /// Renames within this folder. Returns kAlreadyExists if the new name is taken. The check is atomic, except on

@@ -10,8 +10,8 @@ namespace orl {
 /// Returns "string", "expand", "binary", "u32", "u64", "strings", or "type 0x4d" for a type without a name.
 std::string ShowRegType(unsigned int inType);
 
-/// Returns whether the data fits the type: a string whose only zero unit is the last, 4 bytes, or 8 bytes. Data of all
-/// other types fits.
+/// Returns whether the data fits the type: a string whose only zero unit is the last, 4 bytes, or 8 bytes. Data of any
+/// other type always fits.
 bool IsWellFormedRegValue(const ORL::RegistryValue& inValue);
 
 /// Converts bytes to 16-bit units, little-endian; ignores an odd byte at the end.

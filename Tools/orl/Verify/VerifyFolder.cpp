@@ -169,8 +169,8 @@ private:
         }
     }
 
-    // Each computer lists the whole folder, because the sizes decide which files are in its part. A file that the
-    // listing does not have counts as empty.
+    // Each computer lists the whole folder, because the sizes decide which files are in its part. A file that is not in
+    // the listing counts as empty.
     void ChoosePart()
     {
         for (const ListedFile& file : mListing.mFiles) {

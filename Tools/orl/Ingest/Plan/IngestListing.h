@@ -47,7 +47,7 @@ struct IngestListing
 };
 
 /// Lists the source and everything below it. Opens folders one name at a time, so that on Linux neither depth nor path
-/// length is limited. Follows links, but lists a link to a folder above it without contents. Polls inIsStopped.
+/// length is limited. Follows links, but lists no contents for a link to a folder above it. Polls inIsStopped.
 /// Leaves out what inExclusions matches. Throws Failure if the source is gone (kExitDisappeared) or inIsStopped returns
 /// true (kExitStopped).
 IngestListing ListSource(const IngestRoots& inRoots, const std::function<bool()>& inIsStopped,

@@ -89,7 +89,7 @@ private:
     bool mIsMade = false;
 };
 
-// Compares part by part: two paths differ as soon as one part differs.
+// Compares component by component: two paths differ as soon as one component differs.
 bool AreSamePath(const NameProbe& inProbe, const std::string& inLeft, const std::string& inRight)
 {
     std::size_t left = 0;
