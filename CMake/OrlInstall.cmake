@@ -1,4 +1,4 @@
-# Install rules, in the components of the packages, and the package that find_package(ORLFoundation) finds.
+# Install rules for each component, and the CMake package that find_package(ORLFoundation) finds.
 #   runtime  the libraries
 #   dev      headers, links, CMake and pkg-config files, debugger views
 #   tools    the program orl, its manual page and its completions

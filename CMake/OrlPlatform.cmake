@@ -1,6 +1,6 @@
 # Sets the platform folder, the compiler options, and the packages of each platform.
 
-# These are variables of this folder and below, so a project that contains this one keeps its own.
+# The variables are set only in this folder and below, so that a parent project keeps its own values.
 if(NOT CMAKE_CXX_STANDARD)
   set(CMAKE_CXX_STANDARD 17)
 endif()

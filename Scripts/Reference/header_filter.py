@@ -23,7 +23,7 @@ DECLARATION_BELOW = re.compile(r"^\s*(?:ORL_\w+|TVX\w+|inline|static|extern|cons
 CONSTANT = re.compile(r"^(?:ORL_CONSTANT|(?:TVX\w+ )?inline constexpr|constexpr) (?:[\w:]+ )+k[A-Z]\w*")
 MACRO = re.compile(r"^#\s*define \w+")
 
-# Descriptions of members without a comment, which follow from the name or from the language.
+# Descriptions of uncommented members whose meaning follows from the name or from the language.
 USUAL = [(re.compile(pattern), text) for pattern, text in [
     (r"^\s+(?:\w+ )*(\w+)\((?:const )?\1(?:<\w+>)?&?\s*\w*\).* = delete;", "Deleted: an object cannot be copied."),
     (r"^\s+(\w+)& operator=\(const \1&.*= delete;", "Deleted: an object cannot be assigned."),

@@ -46,7 +46,7 @@ public:
 private:
     const bool mIsShown;
     bool mHasText = false;
-    std::size_t mColumns = 0; // width of the text shown
+    std::size_t mColumns = 0; // width of the line shown
     std::chrono::steady_clock::time_point mLastShown;
 };
 

@@ -11,7 +11,7 @@
 namespace orl {
 
 /// Returns "[######------]  52 %   1.1 GB of 2.1 GB   640 MB/s   0:02 left   21 of 40 files", shortened to inColumns.
-/// inBytesRead and inBytesToRead count each byte twice, once copied and once read back; the text shows bytes of the
+/// inBytesRead and inBytesToRead count each byte twice, once copied and once read back; the line shows bytes of the
 /// source.
 std::string ProgressText(std::uint64_t inBytesRead, std::uint64_t inBytesToRead, std::size_t inFilesDone,
                          std::size_t inFiles, double inSeconds, std::size_t inColumns);

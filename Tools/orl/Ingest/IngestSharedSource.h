@@ -19,7 +19,7 @@ namespace orl {
 struct SharingLimits
 {
     std::uint64_t mBytesKept = std::uint64_t{256} << 20; // memory limit for the blocks of all files together
-    bool mWaits = true;                                  // false: drops blocks at once at the limit
+    bool mWaits = true;                                  // false: at the limit, drops blocks without waiting
 };
 
 /// Thread-safe. Must outlive all its readings.

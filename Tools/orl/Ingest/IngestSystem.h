@@ -1,4 +1,4 @@
-// System functions for an ingest beyond those of the library: open folders with an identity, listings that report when
+// System functions that an ingest needs beyond the library's: open folders with an identity, listings that report when
 // they are incomplete, last-write times, and flushes to disk.
 #pragma once
 
@@ -40,8 +40,8 @@ struct EntryStatus
     std::uint64_t mAllocated = 0; // bytes on disk; less than the size if the file has holes
     unsigned __int64 mTime = 0;   // last-write time, in the library's units
 
-    // What SetPermissions gives to a copy: on Linux the nine permission bits, with access for the owner added, so that
-    // the copy can be read back; on Windows 1 for a read-only file, otherwise 0.
+    // The permissions that SetPermissions sets on a copy: on Linux the nine permission bits, with access for the owner
+    // added, so that the copy can be read back; on Windows 1 for a read-only file, otherwise 0.
     unsigned mPermissions = 0;
 };
 
@@ -77,7 +77,7 @@ public:
     ORL::Result GetStatus(const std::string& inName, Links inLinks, EntryStatus& outStatus) const;
     ORL::Result MakeFolder(const std::string& inName) const;
 
-    /// Sets the permissions of a file, not through a link.
+    /// Sets the permissions of a file. Does not follow links.
     ORL::Result SetPermissionsOf(const std::string& inName, unsigned inPermissions) const;
 
     /// Sets the permissions of this folder. Does nothing on Windows, where folders have no permissions.

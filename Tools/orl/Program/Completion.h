@@ -1,4 +1,4 @@
-// Scripts with which shells complete the commands and options of orl.
+// Shell completion scripts for the commands and options of orl.
 #pragma once
 
 #include "CommandTable.h"
@@ -23,7 +23,7 @@ std::vector<CommandEntry> CompletedPlaces(const std::vector<CommandEntry>& inPro
 /// Returns shell patterns that match a place, a blank and the next word: "' tc' | 'tc show'".
 std::string PlacePatterns(const std::vector<CommandEntry>& inPlaces);
 
-/// Returns the words with blanks between them.
+/// Returns the words, separated by blanks.
 std::string Joined(const std::vector<std::string>& inWords);
 
 /// Returns the string in single quotes, in a form that bash, zsh and fish all accept.

@@ -50,8 +50,8 @@ struct RegFileKey
 /// Returns whether the format can represent the name of a key, that is, whether the name contains no line break.
 bool CanWriteRegKey(const UTF16String& inName);
 
-/// Returns the text of a file, with CR LF line endings and without a byte order mark. Keys keep their order. Values are
-/// sorted by name, the default value first, so that equal keys yield equal files from any store.
+/// Returns the contents of a file, with CR LF line endings and without a byte order mark. Keys keep their order. Values
+/// are sorted by name, the default value first, so that equal keys yield equal files from any store.
 UTF16String WriteRegFile(const std::vector<RegFileKey>& inKeys);
 
 /// Returns whether a name sorts before another in a file: ignoring case first, then by code units.

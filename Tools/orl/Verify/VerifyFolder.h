@@ -41,7 +41,7 @@ struct VerifiedFile
     std::string mReason; // why the file counts as changed or cannot be read
 };
 
-/// The part of the list that an outcome covers, and what two parts must have in common.
+/// The part of the list that an outcome covers, with the digests that all parts of one list share.
 struct PartOfList
 {
     VerifyPart mPart;

@@ -54,7 +54,7 @@ struct IngestPlan
 {
     std::vector<IngestItem> mItems;    // sorted by name
     std::vector<std::string> mFolders; // folders to create at the destination, each after its parent
-    std::vector<ListedFolder> mTree;   // folders of the source that the destination has or gets, each after its parent
+    std::vector<ListedFolder> mTree;   // source folders that the destination has or will have, each after its parent
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;

@@ -29,7 +29,7 @@ UTF16String CleanPath(const std::string& inArgument)
     return PathUtils::ToNormalizedPath(PathUtils::FromHostPath(host));
 }
 
-// Compares the text of the paths, because a destination that does not exist yet has no identity to compare.
+// Compares the paths as strings, because a destination that does not exist yet has no identity to compare.
 bool IsTextInside(const UTF16String& inPath, const UTF16String& inFolder)
 {
     std::error_code error;
