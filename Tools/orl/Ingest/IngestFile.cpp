@@ -189,7 +189,7 @@ private:
         CheckUnchanged(outFile);
     }
 
-    // A program that writes to the source file changes the file's size or last-write time.
+    // Detects writes by other programs: they change the source file's size or last-write time.
     void CheckUnchanged(const File& inSource) const
     {
         unsigned __int64 time = 0;
@@ -296,8 +296,8 @@ private:
         CheckTarget(result);
     }
 
-    // The manifest must never hold a line for contents that are gone, not even after a kill. If the earlier file stays,
-    // its line is restored.
+    // Comments the line out first: the manifest must never hold a line for contents that are gone, not even after a
+    // kill. If the earlier file stays, its line is restored.
     Result Replace() const
     {
         std::vector<IngestManifest::Line> earlier;
@@ -371,7 +371,7 @@ private:
                             kExitFailure, FailureScope::kFile);
     }
 
-    // Once the volume is unmounted, further files would be written to the disk that holds the mount point.
+    // Ends the run after an unmount: further files would be written to the disk that holds the mount point.
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {

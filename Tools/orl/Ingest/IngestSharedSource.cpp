@@ -76,7 +76,7 @@ struct BlockPool
     static constexpr std::size_t kMaxFree = 64;
 
     std::mutex mMutex;
-    std::vector<Bytes> mFree = ReservedList(); // returning a block allocates nothing
+    std::vector<Bytes> mFree = ReservedList(); // reserved, so that returning a block allocates nothing
 
     static std::vector<Bytes> ReservedList()
     {

@@ -206,7 +206,7 @@ private:
     // New files belong to the first part.
     bool FindsNewFiles() const { return !mSettings.mPart || mSettings.mPart->mNumber == 1; }
 
-    // A listed file of another part may be in the folder in a different case.
+    // Records a listed file whose name has a different case in the folder, so that it does not count as new.
     void NoteOtherSpelling(const std::string& inName)
     {
         HeldFolder folder;
@@ -318,7 +318,7 @@ private:
         }
     }
 
-    // A case-insensitive volume may list a file in a different case than the checksum list.
+    // A file that the checksum list names in a different case, on a case-insensitive volume, is not new.
     void AddNewFiles()
     {
         for (const ListedFile& file : mListing.mFiles) {
@@ -348,7 +348,7 @@ private:
     std::optional<PartOfList> mPart;
     IngestListing mListing;
     std::map<std::string, std::uint64_t> mPresent; // sizes by name
-    std::map<std::string, std::size_t> mListed;    // in mFiles, before a part was chosen
+    std::map<std::string, std::size_t> mListed;    // indices in mFiles, before a part was chosen
     std::vector<VerifiedFile> mFiles;
     std::atomic<bool> mEnds{false};
     std::atomic<bool> mIsStoppedByUser{false};

@@ -43,7 +43,7 @@ bool IsSafeTemporaryName(const std::string& inName)
            && folder.find("/./") == std::string::npos && (folder == "//" || folder.find("//") == std::string::npos);
 }
 
-// Removes a temporary file, or a folder in which names were tried.
+// Removes a temporary file, or a folder in which names were tested.
 ORL::Result RemoveUnfinished(const HeldFolder& inFolder, const std::string& inLeaf)
 {
     HeldFolder tried;
