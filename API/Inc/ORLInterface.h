@@ -19,6 +19,7 @@
 #include <tvxcore/Guid.h>
 
 #include <cstddef>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -92,6 +93,42 @@ constexpr bool DeclaresIdentifier()
     return ((!ShareIdentifier<Asked, Others>() || std::is_base_of_v<Asked, Others>)&&...);
 }
 
+// The compilers' names of these functions contain the class that declares the constant ("... = (& N::IShape::k...)]"),
+// and the class Asked ("... Asked = N::IShape]").
+template <const Guid* inAddress>
+constexpr const char* NameWithDeclaringClass()
+{
+    return __PRETTY_FUNCTION__;
+}
+template <class Asked>
+constexpr const char* NameWithClass()
+{
+    return __PRETTY_FUNCTION__;
+}
+
+// Returns the identifier that ends at a position: empty if the text before the position is no identifier.
+constexpr std::string_view IdentifierBefore(std::string_view inText, std::size_t inEnd)
+{
+    const std::string_view before = inText.substr(0, inEnd);
+    const std::size_t last = before.find_last_of(" :<>(){}[]&*,;=");
+    return before.substr(last == std::string_view::npos ? 0 : last + 1);
+}
+
+// Returns whether Asked may declare its identifier. Compares the unqualified names of Asked and of the class that
+// declares it, because no trait tells where an inherited constant is declared. Accepts class templates unchecked.
+template <class Asked>
+constexpr bool IsNamedAsDeclaringClass()
+{
+    const std::string_view declaring = NameWithDeclaringClass<&Asked::kInterfaceID>();
+    const std::string_view asked = NameWithClass<Asked>();
+    const std::string_view declaringName = IdentifierBefore(declaring, declaring.rfind("::kInterfaceID"));
+    const std::string_view askedName = IdentifierBefore(asked, asked.find_last_of(']'));
+    return declaringName.empty() || askedName.empty() || declaringName == askedName;
+}
+
+/// Throws NullInterfaceException. A function of the library, so that this header compiles with -fno-exceptions.
+[[noreturn]] ORL_API void ThrowNullInterface();
+
 } // namespace Internal
 
 /// A smart pointer that owns one reference, or is null. Base is the root interface of T, whose AddRef and Release are
@@ -158,13 +195,14 @@ public:
 
     /// Returns a reference to another interface of the object, by QueryInterface, or null if the object does not
     /// implement it or this reference is null. OtherBase is the second template argument of the result. An interface
-    /// that inherits its identifier from T, a base class of T or ORLUnknown does not compile. Throws what the object's
+    /// that inherits its identifier does not compile. Throws what the object's
     /// QueryInterface throws; that of UnknownImpl never throws.
     template <class Other, class OtherBase = ORLUnknown>
     InterfaceRef<Other, OtherBase> As() const
     {
         static_assert(std::is_base_of_v<ORLUnknown, Other>, "a queried interface derives from ORLUnknown");
-        static_assert(Internal::DeclaresIdentifier<Other, ORLUnknown, T>(),
+        static_assert(Internal::DeclaresIdentifier<Other, ORLUnknown, T>()
+                          && Internal::IsNamedAsDeclaringClass<Other>(),
                       "a queried interface declares a kInterfaceID of its own");
         InterfaceRef<Other, OtherBase> found;
         void* object = nullptr;
@@ -196,7 +234,7 @@ private:
     {
         ORL_ASSERT_MESSAGE_AT(mIPtr != nullptr, "mIPtr != NULL", "Attempt to use a NULL InterfaceRef\r\n",
                               "ORLInterface", 359, "ORL::InterfaceRef::operator->");
-        throw NullInterfaceException();
+        Internal::ThrowNullInterface();
     }
 
     T* mIPtr;

@@ -11,6 +11,7 @@
 #include <ORLThreadedWorkQueue.h>
 
 #include <future>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -28,10 +29,35 @@ public:
     {
     }
 
-    void Process() override { mFunction(); }
+    void Process() override { static_cast<void>(mFunction()); }
 
 private:
     Function mFunction;
+};
+
+/// A function object that is destroyed when its only call ends.
+template <class Function>
+class CalledOnce
+{
+public:
+    template <class Argument>
+    explicit CalledOnce(std::in_place_t, Argument&& inFunction)
+        : mFunction(std::in_place, std::forward<Argument>(inFunction))
+    {
+    }
+
+    decltype(auto) operator()()
+    {
+        struct Destroy
+        {
+            ~Destroy() { mOwner.reset(); }
+            std::optional<Function>& mOwner;
+        } const atEnd{mFunction};
+        return (*mFunction)();
+    }
+
+private:
+    std::optional<Function> mFunction;
 };
 
 } // namespace Internal
@@ -55,7 +81,7 @@ ThreadedWorkQueue::Request MakeFunctionRequest(Function&& inFunction)
 ///
 /// If the queue refuses the request, because it has no threads or has been stopped, get() throws std::future_error with
 /// std::future_errc::broken_promise. On a thread of a single-threaded queue, waiting for a request of the same queue
-/// deadlocks. The function object is destroyed after the future has become ready, on the thread that called it.
+/// deadlocks. The function object is destroyed before the future becomes ready, on the thread that called it.
 ///
 /// Throws NullInterfaceException for a null queue, std::bad_alloc, or what copying the function throws; in these cases
 /// nothing is queued. Thread-safe.
@@ -63,7 +89,8 @@ template <class Function>
 auto QueueFunction(const InterfaceRef<ThreadedWorkQueue, ORLUnknown>& inQueue, Function&& inFunction)
     -> std::future<std::invoke_result_t<std::decay_t<Function>&>>
 {
-    std::packaged_task<std::invoke_result_t<std::decay_t<Function>&>()> task(std::forward<Function>(inFunction));
+    std::packaged_task<std::invoke_result_t<std::decay_t<Function>&>()> task(
+        Internal::CalledOnce<std::decay_t<Function>>(std::in_place, std::forward<Function>(inFunction)));
     auto result = task.get_future();
     inQueue->QueueRequest(MakeFunctionRequest(std::move(task)));
     return result;

@@ -29,11 +29,11 @@ void OnRead(const ORL::AsyncFileReader*, unsigned __int64, unsigned int, unsigne
 bool CountLines(const UTF16String& inPath, Count& outCount)
 {
     unsigned __int64 size = 0;
+    std::deque<ORL::MemoryBufferWrapper> buffers; // outlive the reader, which waits for its reads
     ORL::AsyncFileReader reader;
     if (ORL::File::SizeOnDisk(inPath, size) != ORL::kSuccess || ORL::AsyncFileReader::Open(inPath, reader) != 0) {
         return false;
     }
-    std::deque<ORL::MemoryBufferWrapper> buffers;
     for (unsigned __int64 at = 0; at < size; at += kBlock) {
         void* const buffer = buffers.emplace_back(kBlock).GetBuffer();
         reader.QueueReadRequest(at, kBlock, buffer, &OnRead, &outCount, nullptr, nullptr);

@@ -6,25 +6,13 @@
 
 namespace {
 
-class Add : public ORL::UnknownImpl<ORL::IThreadedQueueRequest, ORL::IThreadedQueueRequest>
-{
-public:
-    Add(std::atomic<int>& ioSum, int inNumber) : mSum(ioSum), mNumber(inNumber) {}
-
-    void Process() override { mSum += mNumber; }
-
-private:
-    std::atomic<int>& mSum;
-    const int mNumber;
-};
-
 int SumOnThreads(int inLast)
 {
     std::atomic<int> sum{0};
-    const ORL::InterfaceRef<ORL::ThreadedWorkQueue, ORL::ORLUnknown> queue(new ORL::ThreadedWorkQueue);
+    const auto queue = ORL::MakeInterfaceRef<ORL::ThreadedWorkQueue>();
     queue->Initialize(ORL::ThreadPriorities::kNormal, 2, ORL::ConstString("Add"), ORL::ConstString("Example"));
     for (int number = 1; number <= inLast; ++number) {
-        queue->QueueRequest(ORL::ThreadedWorkQueue::Request(new Add(sum, number)));
+        queue->QueueRequest(ORL::MakeFunctionRequest([&sum, number] { sum += number; }));
     }
     queue->Stop(); // runs what is queued, then returns
     return sum;

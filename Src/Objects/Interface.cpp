@@ -4,4 +4,12 @@ namespace ORL {
 
 ORLUnknown::~ORLUnknown() = default;
 
+namespace Internal {
+
+void ThrowNullInterface()
+{
+    throw NullInterfaceException();
+}
+
+} // namespace Internal
 } // namespace ORL

@@ -50,6 +50,14 @@ TEST(FirstSteps, ListClips_NamesTheFilesWithTheEndingInOrder)
     EXPECT_EQ("a.mov\nb.mov\nreel\\c.mov\n3 clips\n", Said("list_clips", {folder.Host().u8string(), ".mov"}));
 }
 
+TEST(FirstSteps, ListClips_FolderWithATrailingSeparator_NamesWholeFiles)
+{
+    const TempFolder folder;
+    folder.MakeFile("a.mov");
+    const std::string separator(1, static_cast<char>(std::filesystem::path::preferred_separator));
+    EXPECT_EQ("a.mov\n1 clips\n", Said("list_clips", {folder.Host().u8string() + separator, ".mov"}));
+}
+
 TEST(FirstSteps, ListClips_OfAFile_SaysThatItIsNoFolder)
 {
     const TempFolder folder;

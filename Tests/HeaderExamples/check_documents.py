@@ -39,6 +39,8 @@ NOT_RUN = {
     "orl verify /projects": "needs an ingest; Tests/Ingest run it on their own files",
     '300 PNG "star.png"': "needs the pictures of the reader; the example Gallery compiles such lines",
     'orl_target_resources(importer texts.rc DEPENDS': "needs the pictures of the reader; the example Gallery has such a call",
+    "orl verify /archive": "needs an archive; OrlVerifyPart.AllParts_JoinToTheResultOfOneRun runs such commands",
+    "jobs=$(sbatch": "needs a scheduler; VerifyFarmOnLinux.TheScript_VerifiesAFolder runs the script without one",
     "Scripts/build linux\nScripts/check_abi.py": "builds and changes the tree; Package.AbiIsTheStoredOne runs the comparison",
     "g++ host.cpp -o host $(pkg-config": "run with the host of the document, see build_projects",
 }

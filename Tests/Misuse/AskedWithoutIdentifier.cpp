@@ -30,8 +30,33 @@ public:
 #endif
 };
 
-class Circle : public UnknownImpl<IShape, IShape>
+class IHollow : public ISolid
 {
+public:
+#if ORL_MISUSE != 3
+    static constexpr Guid kInterfaceID{0x1111, 4};
+#endif
+};
+
+class IFlat : public IShape
+{
+public:
+#if ORL_MISUSE != 4
+    static constexpr Guid kInterfaceID{0x1111, 5};
+#endif
+};
+
+template <int>
+class INumbered : public ORLUnknown
+{
+public:
+    static constexpr Guid kInterfaceID{0x1111, 6};
+};
+
+class Circle : public UnknownImpl<IShape, Circle, IShape>
+{
+public:
+    static constexpr Guid kInterfaceID{0x1111, 7};
 };
 
 } // namespace
@@ -40,6 +65,10 @@ int main()
 {
     const auto circle = MakeInterfaceRef<Circle>();
     const InterfaceRef<IShape> shape = circle.As<IShape>();
-    return shape.As<IRoundShape>() == nullptr && shape.As<ISolid>() == nullptr && shape.As<ORLUnknown>() == shape ? 0
-                                                                                                                  : 1;
+    const InterfaceRef<ORLUnknown> unknown = circle.As<ORLUnknown>();
+    const bool isAsked = shape.As<IRoundShape>() == nullptr && shape.As<ISolid>() == nullptr
+                         && unknown.As<IHollow>() == nullptr && circle.As<IFlat>() == nullptr
+                         && unknown.As<INumbered<3>>() == nullptr && unknown.As<Circle>() == circle
+                         && shape.As<ORLUnknown>() == shape;
+    return isAsked ? 0 : 1;
 }

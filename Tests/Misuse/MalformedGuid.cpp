@@ -1,6 +1,6 @@
 // Malformed constant _guid literals, selected by number.
 //
-// Expected: constant expression
+// Expected: ThrowInvalidArgument
 #include <tvxcore/Guid.h>
 
 using namespace tvxcore::literals;

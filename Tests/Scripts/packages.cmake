@@ -31,6 +31,7 @@ if(NOT ORL_SANITIZE AND ORL_BUILD_TOOLS)
     "ARGUMENTS=../BlockCache/BlockCache.cpp 1")
   set(CutList_run PROGRAM=example_cut_list "EXPECTED=^001  A012C004 V     01.00.00.00  00.00.04.00     120 frames"
     ARGUMENTS=../CutList/harbour_reel.edl)
+  set(FirstSteps_run PROGRAM=example_work_queue "EXPECTED=^1 [+] 2 [+] ... [+] 1000 = 500500")
   set(Gallery_run "BESIDE=Waveform PlugIns" PROGRAM=example_gallery "EXPECTED=signals  en_US  Signals to measure by" ARGUMENTS=sheet.png)
   set(PlugIns_run PROGRAM=example_plugins "EXPECTED=  1  invert           -0.20  0.50 -1.00  0.00")
   set(Waveform_run PROGRAM=example_waveform "EXPECTED=^usage: example_waveform")

@@ -95,6 +95,17 @@ TEST(MakeFunctionRequest, EveryKindOfFunction_IsCalledOnceForEachProcess)
     EXPECT_EQ(8, calls);
 }
 
+TEST(MakeFunctionRequest, ResultThatMustNotBeDiscarded_IsDiscardedWithoutAWarning)
+{
+    struct Counter
+    {
+        [[nodiscard]] int operator()() const { return ++sCalls; }
+    };
+    sCalls = 0;
+    MakeFunctionRequest(Counter())->Process();
+    EXPECT_EQ(1, sCalls);
+}
+
 TEST(MakeFunctionRequest, Function_IsCopiedOnceAndDestroyedWithTheLastReference)
 {
     Counted::sCopies = 0;
@@ -154,6 +165,20 @@ TEST(QueueFunction, Exception_ComesThroughTheFutureAndIsNotReported)
     }
     EXPECT_EQ(1, QueueFunction(running.mQueue, [] { return 1; }).get()) << "the thread continues";
     EXPECT_TRUE(recorder.Reports().empty());
+}
+
+TEST(QueueFunction, Function_IsDestroyedBeforeItsKeptFutureIsReady)
+{
+    const RunningQueue running(1);
+    for (int round = 0; round < 200; ++round) {
+        const std::future<void> kept = QueueFunction(running.mQueue, Counted());
+        kept.wait();
+        ASSERT_EQ(0, Counted::sLiving) << "in round " << round;
+        const auto failed =
+            QueueFunction(running.mQueue, [captured = Counted()] { throw std::runtime_error("reason"); });
+        failed.wait();
+        ASSERT_EQ(0, Counted::sLiving) << "in round " << round << ", after an exception";
+    }
 }
 
 TEST(QueueFunction, NobodyWaits_StillRuns)

@@ -8,7 +8,7 @@
 
 #include <chrono>
 #include <functional>
-#include <iostream>
+#include <sstream>
 
 namespace Consumer {
 
@@ -30,7 +30,9 @@ inline void TouchTimecode()
     const TickTime sum = code.GetTime() + TickTime(std::chrono::milliseconds(40)) * 2 - TickTime(1.0) / 3;
     Touch(sum % TickTime(0.5), sum.GetSeconds(), sum.ToDuration<std::chrono::microseconds>(), copy == code,
           std::hash<Timecode>()(copy));
-    std::cout << copy << copy.GetString() << '\n';
+    std::ostringstream text;
+    text << copy << copy.GetString();
+    Touch(text.str());
     Touch(&Timecode::IncrementFeetFrames, &Timecode::StringToTime, &Timecode::FindUnreadable, Timecode());
 }
 

@@ -7,12 +7,12 @@
 #include <tvxcore/Config.h>
 #include <tvxcore/String.h>
 #include <tvxcore/Text.h>
+#include <tvxcore/Throw.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
-#include <stdexcept>
 
 namespace tvxcore {
 namespace utility {
@@ -95,7 +95,7 @@ constexpr std::uint8_t HexDigit(char inDigit)
     if (inDigit >= 'A' && inDigit <= 'F') {
         return static_cast<std::uint8_t>(inDigit - 'A' + 10);
     }
-    throw std::invalid_argument("the identifier contains a character that is not a hexadecimal digit");
+    Internal::ThrowInvalidArgument("the identifier contains a character that is not a hexadecimal digit");
 }
 
 /// Returns the byte that two hexadecimal digits encode.
@@ -114,7 +114,7 @@ constexpr Guid ParseGuid(const char* inText)
 {
     for (const int dash : {8, 13, 18, 23}) {
         if (inText[dash] != '-') {
-            throw std::invalid_argument("the identifier lacks a dash");
+            Internal::ThrowInvalidArgument("the identifier lacks a dash");
         }
     }
     const std::uint32_t data1 = std::uint32_t{HexWord(inText)} << 16 | HexWord(inText + 4);
@@ -136,7 +136,7 @@ constexpr utility::Guid operator""_guid(const char* inText, std::size_t inLength
         return utility::Internal::ParseGuid(inText + 1);
     }
     if (inLength != 36) {
-        throw std::invalid_argument("the identifier has the wrong length");
+        utility::Internal::ThrowInvalidArgument("the identifier has the wrong length");
     }
     return utility::Internal::ParseGuid(inText);
 }

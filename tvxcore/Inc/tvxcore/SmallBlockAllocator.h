@@ -3,11 +3,11 @@
 
 #include <tvxcore/Config.h>
 #include <tvxcore/SmallBlockCache.h>
+#include <tvxcore/Throw.h>
 #include <tvxcore/Types.h>
 
 #include <cstddef>
 #include <limits>
-#include <new>
 
 namespace tvxcore {
 namespace utility {
@@ -91,11 +91,11 @@ public:
         T* allocate(std::size_t inCount)
         {
             if (inCount > (std::numeric_limits<std::size_t>::max)() / sizeof(T)) {
-                throw std::bad_alloc();
+                Internal::ThrowBadAlloc();
             }
             void* const block = Allocate(inCount * sizeof(T));
             if (block == nullptr) {
-                throw std::bad_alloc();
+                Internal::ThrowBadAlloc();
             }
             return static_cast<T*>(block);
         }

@@ -80,6 +80,8 @@ public:
             return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(GetSeconds()));
         } else {
             using Ratio = TicksPerUnit<typename Duration::period>;
+            static_assert(Ratio::num <= (std::numeric_limits<long long>::max)() / Ratio::den,
+                          "the period of the duration is too fine or too odd for ticks");
             constexpr auto kMost = static_cast<unsigned long long>((std::numeric_limits<Rep>::max)());
             constexpr unsigned long long kLeast = std::is_signed_v<Rep> ? kMost + 1 : 0;
             const bool isNegative = mTicks < 0;
@@ -204,7 +206,7 @@ template <class Time>
 using IfTickTime = std::enable_if_t<std::is_same_v<Time, TickTime>, int>;
 
 template <class Number>
-using IfWhole = std::enable_if_t<std::is_integral_v<Number>, int>;
+using IfWhole = std::enable_if_t<std::is_integral_v<Number> && sizeof(Number) <= sizeof(long long), int>;
 
 /// Returns a quotient truncated toward zero. Must not be called with 0.
 template <class Number>
