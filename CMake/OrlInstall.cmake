@@ -2,7 +2,7 @@
 #   runtime  the libraries
 #   dev      headers, links, CMake and pkg-config files, debugger views
 #   tools    the program orl, its manual page and its completions
-#   doc      the documents
+#   doc      the documents, and the HTML reference if it has been made
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -38,6 +38,10 @@ if(NOT WIN32)
 endif()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY Docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+set(ORL_REFERENCE_FOLDER "" CACHE PATH "The folder of the HTML reference that Scripts/docs makes, to install it too")
+if(ORL_REFERENCE_FOLDER)
+  install(DIRECTORY "${ORL_REFERENCE_FOLDER}/" DESTINATION ${CMAKE_INSTALL_DOCDIR}/html COMPONENT doc)
+endif()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 
 set(ORL_PACKAGE_NEEDS_BOOST_THREAD ON)

@@ -55,7 +55,7 @@ set(CPACK_DEBIAN_DOC_PACKAGE_NAME orlfoundation-doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOC_DESCRIPTION
-  "The guides in Markdown: architecture, ABI, timecode, settings,\nresources and ingest.")
+  "The guides in Markdown: architecture, ABI, timecode, settings,\nresources and ingest, and the HTML reference.")
 
 # Here dpkg-shlibdeps finds the runtime package's libraries when it determines the dependencies of the tools.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
