@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes Tools/orl/Common/CharacterWidthTable.inc: the characters that take no column of a terminal, or two.
+"""Writes Tools/orl/Common/Terminal/CharacterWidthTable.inc: the characters that take no column of a terminal, or two.
 
-    Scripts/make_character_widths.py > Tools/orl/Common/CharacterWidthTable.inc
+    Scripts/make_character_widths.py > Tools/orl/Common/Terminal/CharacterWidthTable.inc
 """
 import sys
 import unicodedata

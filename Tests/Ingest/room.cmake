@@ -1,3 +1,7 @@
+orl_test_folder(Common)
+orl_test_folder(Program)
+orl_test_folder(Verify)
+
 # The tests run the program that is built in the same folder.
 add_dependencies(${room_target} orl)
 if(TARGET run_restricted)
@@ -20,12 +24,12 @@ else()
 endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 set_property(SOURCE "${orl_folder}/Common/Json.cpp" APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
-target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Ingest"
-  "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")
+target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Common/Terminal"
+  "${orl_folder}/Ingest" "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")
 
-file(GLOB verify_files CONFIGURE_DEPENDS "${orl_folder}/Verify/*.cpp" Ingest/Verify*Test.cpp)
+file(GLOB verify_files CONFIGURE_DEPENDS "${orl_folder}/Verify/*.cpp" Ingest/Verify/*Test.cpp)
 set_property(SOURCE ${verify_files} APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}" "${orl_folder}/Verify")
 set_property(SOURCE "${orl_folder}/Verify/VerifyMerge.cpp" APPEND PROPERTY COMPILE_OPTIONS -isystem
   "${json_include}")
-set_property(SOURCE Ingest/VerifyFarmLinuxTest.cpp APPEND PROPERTY COMPILE_DEFINITIONS
+set_property(SOURCE Ingest/Verify/VerifyFarmLinuxTest.cpp APPEND PROPERTY COMPILE_DEFINITIONS
   "ORL_FARM_SCRIPT=\"sh ${PROJECT_SOURCE_DIR}/Examples/Farm/verify-part.sh\"")

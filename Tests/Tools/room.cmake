@@ -4,8 +4,8 @@ add_dependencies(${room_target} orl resource_files resources_lookup images_pictu
 # A host that runs orl's stream code while the test truncates the file.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
 add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
-  "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/TextWidth.cpp")
-target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}/Common" "${orl_folder}/Stream")
+  "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/Terminal/TextWidth.cpp")
+target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}/Common" "${orl_folder}/Common/Terminal" "${orl_folder}/Stream")
 target_link_libraries(shrinking_stream_host PRIVATE ORLFoundation orl_strict)
 if(WIN32)
   target_link_libraries(shrinking_stream_host PRIVATE ${ORL_ZLIB})
