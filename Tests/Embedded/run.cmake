@@ -1,6 +1,6 @@
 # cmake -D SOURCE_DIR=... -D WORK=... [-D TOOLCHAIN=... -D BOOST_SOURCE=...] -P run.cmake
 # Builds two library objects inside another project and verifies the source file names that their checks contain. With
-# FETCHED, the library's sources are inside the project's build folder, where FetchContent puts them.
+# FETCHED, FetchContent provides the library, from a copy in the project's build folder.
 file(REMOVE_RECURSE "${WORK}")
 set(library "${SOURCE_DIR}")
 if(FETCHED)
@@ -9,7 +9,7 @@ if(FETCHED)
     file(COPY "${SOURCE_DIR}/${part}" DESTINATION "${library}")
   endforeach()
 endif()
-set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Embedded" -B "${WORK}" "-DORL_SOURCE=${library}")
+set(arguments -G Ninja -S "${SOURCE_DIR}/Tests/Embedded" -B "${WORK}" "-DORL_SOURCE=${library}" "-DORL_FETCHED=${FETCHED}")
 set(extension o)
 if(TOOLCHAIN)
   list(APPEND arguments "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" "-DORL_BOOST_SOURCE=${BOOST_SOURCE}")
