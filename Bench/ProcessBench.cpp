@@ -1,7 +1,7 @@
 // The search for a process compared with one pass over /proc that reads each comm, like pgrep -x.
 //
 // Question: what does matching the whole name cost? comm is truncated to 15 bytes, so the library reads the exe link
-// instead. No process has the name that both search for, so both visit every process of the machine.
+// instead. No process has the name that both search for, so both visit every process on the machine.
 #include "Harness.h"
 
 #include <ORLProcess.h>

@@ -46,7 +46,7 @@ public:
 
     /// For process exit and unload: frees the records without handles, static ones too, and the index if no record is
     /// left. Referenced records stay valid and the table stays usable, since threads may still use it. Never waits,
-    /// since the guard may belong to a thread that the system has stopped: if the table is in use, frees nothing. On
+    /// since a thread that the system has stopped may hold the guard: if the table is in use, frees nothing. On
     /// unload the table is not in use.
     void FreeUnreferenced();
 

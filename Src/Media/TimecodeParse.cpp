@@ -164,8 +164,8 @@ FrameRate NominalRate(const FrameRate& inRate)
 // Returns true if the frames must carry into the seconds; a count equal to the rate does not carry.
 bool Overflows(long long inFrames, const FrameRate& inRate)
 {
-    // The frame field rarely overflows, and one multiplication detects it: frames that fit in a second of ticks do not
-    // exceed the rate.
+    // Fast path, since the frame field rarely overflows: frames whose ticks make at most one second do not exceed the
+    // rate.
     constexpr long long kFewFrames = 1000000;
     constexpr long long kFewTicks = 1000000000000;
     const long long ticks = inRate.GetTicksPerFrame();

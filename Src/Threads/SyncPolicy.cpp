@@ -43,7 +43,7 @@ void SystemPolicy::Pause(int inTurn)
 
 void SystemPolicy::YieldOrSleep(int inTurn)
 {
-    constexpr Backoff kBackoff = {0, kTurnsBeforeSleep}; // a long yield loop of many threads would load the machine
+    constexpr Backoff kBackoff = {0, kTurnsBeforeSleep}; // many threads yielding for long would waste CPU time
     kBackoff.Wait(inTurn);
 }
 

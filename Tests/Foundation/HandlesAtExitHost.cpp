@@ -18,7 +18,7 @@ constexpr int kThreads = 4;
 
 std::atomic<int> sRounds[kThreads];
 
-// Constructed before the exit action of the name table was registered, so it is destroyed after that action.
+// Constructed before ImmutableStringTable registers its exit handler, so it is destroyed after that handler runs.
 ImmutableString sName;
 
 struct Shared
@@ -98,7 +98,7 @@ void StartThreads(const Shared& inShared)
 
 int main(int argc, char** argv)
 {
-    std::atexit(&WaitForThreadProgress); // runs after the exit action of the name table, which is registered later
+    std::atexit(&WaitForThreadProgress); // runs after ImmutableStringTable's exit handler, which is registered later
     ORL::Foundation::Initialize();
     Shared* const shared = new Shared; // never deleted: the threads outlive main
     for (std::size_t i = 0; i < 100; ++i) {

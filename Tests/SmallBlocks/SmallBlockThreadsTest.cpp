@@ -75,7 +75,7 @@ private:
     std::vector<CheckedBlock> mBlocks;
 };
 
-// Allocates blocks of random sizes, frees own and received blocks, and passes some on.
+// Allocates blocks of random sizes, frees some of them and some received from other threads, and passes some on.
 int ExchangeBlocks(BlockExchange& ioExchange, unsigned inSeed, int inSteps)
 {
     std::mt19937 random(inSeed);

@@ -1,5 +1,5 @@
-// The results that one user of the library gets from the version that it is linked to. Host and plug-in compile the
-// same source, so each difference between two reports comes from the libraries.
+// Starts, uses and stops the version of the library that the calling module is linked to, and reports the results. Host
+// and plug-in compile the same source, so each difference between two reports comes from the libraries.
 #pragma once
 
 #include <cstddef>

@@ -34,7 +34,7 @@ private:
     void* mPages = nullptr;
 };
 
-// The handle is the address with bit 0 set. Bit 0 is clear in every handle of the loader.
+// The handle is the address with bit 0 set. Bit 0 is clear in every handle that the loader returns.
 
 inline HINSTANCE HandleOf(DataModule* inModule) noexcept
 {

@@ -33,7 +33,7 @@ std::uint64_t RoundUpTo4(std::uint64_t inSize) noexcept
     return (inSize + 3) & ~std::uint64_t{3};
 }
 
-// Stores the load and note segments that are completely in the file. Returns false if any of them is not.
+// Stores the load and note segments. Returns false if one is not completely in the file, or if the table is invalid.
 bool ReadSegments(const Bytes& inFile, std::vector<Segment>& outSegments)
 {
     const std::uint64_t table = NumberAt<std::uint64_t>(inFile, 32);

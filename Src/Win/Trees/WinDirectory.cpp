@@ -125,7 +125,7 @@ unsigned long PrepareForWrite_Impl(const UTF16String& inPath)
         ::SHPathPrepareForWriteW(nullptr, nullptr, AsWide(inPath.c_str()), SHPPFW_DIRCREATE));
 }
 
-// Only the return value 1 means success.
+// Treats every result of RemoveDirectoryW except 1 as a failure.
 SystemError RemoveDirectory_Impl(const UTF16String& inPath)
 {
     return ::RemoveDirectoryW(AsWide(inPath.c_str())) == 1 ? SystemErrors::kNoError : ::GetLastError();

@@ -4,7 +4,6 @@ namespace orl {
 
 namespace {
 
-// Bash splits "--from=rgb" into three words.
 constexpr char kBegin[] = R"(# Completes command lines of orl in bash 4 and later. Written by "orl completion bash".
 _orl_paths() {
   compopt -o filenames 2>/dev/null
@@ -28,6 +27,7 @@ _orl() {
     case "$place ${COMP_WORDS[i]}" in
 )";
 
+// Bash splits "--from=rgb" into three words, so a "=" at or before the cursor is skipped.
 constexpr char kAfterPlaces[] = R"( place="${place:+$place }${COMP_WORDS[i]}" ;;
       *) break ;;
     esac

@@ -147,7 +147,7 @@ SharedCacheUse::SharedCacheUse() noexcept : mGuard(sSharedMutex)
     }
 }
 
-// The shared cache belongs to no thread, so it returns all its quota to the ledger: the threads' peaks stay exact.
+// Returns all quota: threads cannot claim what the shared cache keeps, so new claims would raise the peak needlessly.
 SharedCacheUse::~SharedCacheUse()
 {
     ReturnAllQuota(sShared);
