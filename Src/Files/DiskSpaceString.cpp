@@ -11,7 +11,7 @@ namespace DiskUtils {
 
 namespace {
 
-// Formats a number of units for the user's locale.
+// Formats inBytes in units of inUnit bytes, for the user's locale.
 UTF16String Fraction(unsigned __int64 inBytes, unsigned __int64 inUnit, std::size_t inDigits)
 {
     // The units are powers of two, so only the conversion of the bytes to double can round.

@@ -62,9 +62,9 @@ std::uint64_t HashOfLongText(const unsigned char* inText, std::size_t inSize, st
     return MixSixteen(last, hash);
 }
 
-// The last step overlaps the previous step if the size is not a multiple of the step. A size therefore needs at most
-// two branches, and the multiplications run in parallel. A loop with an unpredictable end would cost more than all of
-// them.
+// The last step overlaps the previous step if the size is not a multiple of the step. Texts of up to 64 bytes therefore
+// need at most three branches and no loop, whose unpredictable end would cost more than all the multiplications, which
+// run in parallel.
 std::uint64_t HashText(const unsigned char* inText, std::size_t inSize)
 {
     const std::uint64_t hash = inSize ^ kFirst;

@@ -46,7 +46,7 @@ private:
     std::size_t mSize;
 };
 
-/// Returns the byte at a position of any clip.
+/// Returns the byte at inPosition, which is the same in every test clip.
 inline unsigned char ByteAt(std::uint64_t inPosition)
 {
     return static_cast<unsigned char>((inPosition * 2654435761u) >> 13);

@@ -52,8 +52,8 @@ bool Has(const std::string& inText, const char* inPart)
 
 } // namespace
 
-// Excludes inputs with accidental results on Windows: names that only begin with two dots, a single dot at the end,
-// steps above a share, drives without a root.
+// Excludes inputs for which Windows returns arbitrary results: names such as "..x", a trailing dot, ".." after a share,
+// drives without a root.
 TEST(HomePathText, Combine_AgreesWithTheSystem)
 {
     PathGenerator generator(1);

@@ -49,7 +49,7 @@ struct CheckedBlock
     }
 };
 
-// A slot through which threads exchange blocks.
+// A shared stack through which threads exchange blocks.
 class BlockExchange
 {
 public:

@@ -97,7 +97,7 @@ inline std::string Fields(const Timecode::PrivateImpl& inImpl)
            + std::to_string(inImpl.mSeconds) + " " + std::to_string(inImpl.mFrames);
 }
 
-/// Returns a record with the given fields, as after many edits.
+/// Returns a record with exactly the given fields, not normalised; its time is computed from them.
 inline Timecode::PrivateImpl RecordOf(int inHours, int inMinutes, int inSeconds, long long inFrames,
                                       const FrameRate& inRate, TimeDisplay inDisplay, bool inIsNegative = false)
 {

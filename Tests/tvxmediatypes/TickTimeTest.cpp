@@ -23,7 +23,7 @@ long long Wrapped(Wide inValue)
     return static_cast<long long>(static_cast<unsigned long long>(static_cast<UnsignedWide>(inValue)));
 }
 
-// Returns a number of random length: small numbers, large numbers and the limits are equally frequent.
+// Returns a number of random bit length; one in eight is a limit, one in sixteen is from -2 to 2.
 long long AnyLength(std::mt19937_64& ioRandom)
 {
     switch (ioRandom() % 16) {

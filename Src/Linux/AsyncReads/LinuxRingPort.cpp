@@ -25,8 +25,8 @@ constexpr unsigned kCompletions = 4096;
 // The user data of a submission that the kernel refused.
 Overlapped sWithdrawn{};
 
-// The user data of the alarm: an event that the ring polls from its start. Raising the event wakes a thread that waits
-// for the ring, and needs no further submission to the kernel.
+// The user data of the alarm, an eventfd that the ring polls while it is open. Signalling it wakes a thread that waits
+// for the ring, without another submission to the kernel.
 Overlapped sAlarm{};
 
 // A read passes from the thread that starts it to the thread that completes it only through the kernel, which the C++

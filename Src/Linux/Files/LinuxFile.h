@@ -88,7 +88,7 @@ SystemError GetEntryStatus(const std::string& inHostPath, struct stat& outStatus
 
 /// Briefly registers the access that deleting or moving a name needs. inUses is the access that it uses, inShares the
 /// access that it shares. Only files and folders are registered; an entry that cannot be opened is registered only
-/// inside this process. Enter returns 0, 32 or the error of looking up the name.
+/// inside this process. Enter returns 0, or 32 (sharing violation).
 class EntryShare
 {
 public:

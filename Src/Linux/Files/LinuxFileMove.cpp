@@ -50,7 +50,7 @@ SystemError ShareForDelete(const std::string& inHostPath, EntryShare& outShare, 
     return error != kNoError ? error : outShare.Enter(inHostPath, outStatus, ORL::Linux::kShareDelete, kShareAll);
 }
 
-// For file systems whose rename always replaces an existing name.
+// The fallback for kernels and file systems without RENAME_NOREPLACE.
 SystemError RenameToFreeName(const std::string& inFrom, const std::string& inTo)
 {
     struct stat status;
@@ -159,8 +159,8 @@ SystemError MoveToOtherVolume(const HostPath& inSource, const HostPath& inDestin
 
 // --- replacing -------------------------------------------------------------------------------------------------------
 
-// The old contents of the replaced name: a second name for the file, or a copy if the file system has no hard
-// links.
+// The backup of the replaced file: a hard link to the file, or a copy if the file system refuses the link. The backup
+// is kept, or deleted when the replacement is done.
 class Backup
 {
 public:
@@ -240,7 +240,7 @@ struct SwapFile
         return error != kNoError ? error : GetEntryStatus(WithoutTrailingSlash(mPath), mStatus);
     }
 
-    // Replaces the target of a link; the link itself is kept.
+    // Resolves a link, so that its target is replaced and the link itself is kept.
     SystemError FollowLink()
     {
         char target[PATH_MAX];

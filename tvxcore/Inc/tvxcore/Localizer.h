@@ -7,7 +7,7 @@
 namespace tvxcore {
 namespace config {
 
-/// The host's catalogue.
+/// Translates strings. A host derives its message catalogue from this class.
 ///
 /// Owner:    the host. The catalogue must outlive its installation.
 /// Threads:  its functions are called on any thread, and concurrently.

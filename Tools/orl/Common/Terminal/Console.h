@@ -24,7 +24,7 @@ private:
     [[maybe_unused]] unsigned int mEarlierCodePage; // code page of the Windows console, restored at the end
 };
 
-/// Switches standard output to binary mode without flushing it. On Linux does nothing.
+/// Switches standard output to binary mode without flushing it. Does nothing on Linux.
 void WriteBytesToOutput();
 
 /// Returns whether standard output is a terminal, not a file or pipe, and is not silenced.
@@ -33,7 +33,7 @@ bool OutputIsTerminal();
 /// Returns the current width in columns of the terminal on standard output: 80 if unknown, and at least 2.
 std::size_t TerminalColumns();
 
-/// Flushes standard output and switches it to binary mode: Windows would write CR LF for LF. On Linux does nothing.
+/// Flushes standard output and switches it to binary mode: Windows would write CR LF for LF. Does nothing on Linux.
 void MakeOutputBinary();
 
 /// While an instance exists, standard output shows colours if it is a terminal that supports their escape sequences and
