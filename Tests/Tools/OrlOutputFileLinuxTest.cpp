@@ -10,6 +10,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace ORLTest;
 
@@ -26,6 +27,22 @@ protected:
     {
         return RunBesideThisProgram("orl", {"res", "extract", FolderOfThisProgram() + "resources_lookup.res", "shelf",
                                             "FirstName", "-o", Host(inName)});
+    }
+
+    // Runs orl as an ordinary user, who owns the folder and its files. Returns the exit code.
+    int ExtractWithoutRights(const std::string& inName) const
+    {
+        std::string as;
+        if (::geteuid() == 0) {
+            as = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+            EXPECT_EQ(0, ::lchown(mFolder.Host().c_str(), 65534, 65534));
+            for (const auto& entry : fs::directory_iterator(mFolder.Host())) {
+                EXPECT_EQ(0, ::lchown(entry.path().c_str(), 65534, 65534)) << entry.path();
+            }
+        }
+        const std::string command = as + "'" + FolderOfThisProgram() + "orl' res extract '" + FolderOfThisProgram()
+                                    + "resources_lookup.res' shelf FirstName -o '" + Host(inName) + "' 2>/dev/null";
+        return WEXITSTATUS(std::system(command.c_str()));
     }
 
     void ExpectExtracted(const std::string& inName) const
@@ -100,6 +117,46 @@ TEST_F(OrlOutputFile, Pipe_IsWrittenDirectly)
     EXPECT_EQ(0, WEXITSTATUS(status));
     EXPECT_EQ("by text", ContentsOf("read"));
     EXPECT_TRUE(fs::is_fifo(Host("pipe")));
+}
+
+// The rename alone would replace the file: it needs no right to write to it.
+TEST_F(OrlOutputFile, WriteProtectedFile_IsRefused)
+{
+    mFolder.MakeFile("file", "the old file");
+    ASSERT_EQ(0, ::chmod(Host("file").c_str(), 0444));
+    EXPECT_EQ(1, ExtractWithoutRights("file"));
+    EXPECT_EQ("the old file", ContentsOf("file"));
+    EXPECT_EQ(1u, Count());
+}
+
+TEST_F(OrlOutputFile, FileInAWriteProtectedFolder_IsWrittenDirectly)
+{
+    mFolder.MakeFile("file", "the old file, longer than the new one");
+    ASSERT_EQ(0, ::chmod(mFolder.Host().c_str(), 0555));
+    EXPECT_EQ(0, ExtractWithoutRights("file"));
+    ASSERT_EQ(0, ::chmod(mFolder.Host().c_str(), 0755));
+    EXPECT_EQ("by text", ContentsOf("file"));
+    EXPECT_EQ(1u, Count());
+}
+
+TEST_F(OrlOutputFile, NewFileInAWriteProtectedFolder_IsRefused)
+{
+    ASSERT_EQ(0, ::chmod(mFolder.Host().c_str(), 0555));
+    EXPECT_EQ(1, ExtractWithoutRights("file"));
+    ASSERT_EQ(0, ::chmod(mFolder.Host().c_str(), 0755));
+    EXPECT_EQ(0u, Count());
+}
+
+// Somebody else may have planted links beside the result.
+TEST_F(OrlOutputFile, LinkWithATemporaryName_IsNotFollowed)
+{
+    mFolder.MakeFile("victim", "not touched");
+    fs::create_symlink("victim", Host("file.part"));
+    ExpectExtracted("file");
+    EXPECT_EQ("not touched", ContentsOf("victim"));
+    EXPECT_FALSE(fs::is_symlink(Host("file")));
+    EXPECT_TRUE(fs::is_symlink(Host("file.part")));
+    EXPECT_EQ(3u, Count());
 }
 
 TEST_F(OrlOutputFile, Folder_IsRefused)

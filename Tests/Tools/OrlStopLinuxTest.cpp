@@ -11,6 +11,10 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 using namespace ORLTest;
@@ -77,6 +81,62 @@ protected:
         }
     }
 
+    // Starts orl and returns its process when it waits in a call that opens a file; 0 if it ends before.
+    static pid_t StartUntilItWaitsInOpen(std::vector<std::string> inArguments)
+    {
+        std::string program = FolderOfThisProgram() + "orl";
+        std::vector<char*> arguments{program.data()};
+        for (std::string& argument : inArguments) {
+            arguments.push_back(argument.data());
+        }
+        arguments.push_back(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::execv(program.c_str(), arguments.data());
+            ::_exit(99);
+        }
+        while (!WaitsInOpen(child)) {
+            if (::waitpid(child, nullptr, WNOHANG) != 0) {
+                return 0;
+            }
+            ::usleep(1000);
+        }
+        return child;
+    }
+
+    // Returns the word after inKey, or the first word if inKey is empty.
+    static std::string WordOf(const std::string& inFile, const std::string& inKey)
+    {
+        std::ifstream file(inFile);
+        std::string word;
+        while (!inKey.empty() && file >> word && word != inKey) {
+        }
+        return file >> word ? word : std::string();
+    }
+
+    // A process that sleeps has handled each signal that is not pending.
+    static bool WaitsInOpen(pid_t inProcess)
+    {
+        const std::string folder = "/proc/" + std::to_string(inProcess) + "/";
+        return WordOf(folder + "status", "ShdPnd:") == "0000000000000000" && WordOf(folder + "status", "State:") == "S"
+               && WordOf(folder + "syscall", "") == std::to_string(SYS_openat);
+    }
+
+    // Returns the exit code. Ends a process that goes on waiting, and returns -1.
+    static int ExitCodeUnlessItWaits(pid_t inProcess)
+    {
+        int status = 0;
+        while (::waitpid(inProcess, &status, WNOHANG) == 0) {
+            if (WaitsInOpen(inProcess)) {
+                ::kill(inProcess, SIGKILL);
+                ::waitpid(inProcess, &status, 0);
+                return -1;
+            }
+            ::usleep(1000);
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -2;
+    }
+
     void Restore(const std::map<std::string, std::string>& inFiles, const std::string& inFile)
     {
         const auto found = inFiles.find(inFile);
@@ -134,6 +194,28 @@ TEST_F(OrlStop, ExportedSettings_AreCompleteOrTheOldFileStays)
     ASSERT_EQ(0, RunBesideThisProgram("orl", {"reg", "set", "HKCU\\Software\\Tool", "n", "v"}).mExitCode);
     mFolder.MakeFile("settings.reg", "the old file");
     ExpectAllOrNothing({"reg", "export", "HKCU\\Software\\Tool", Host("settings.reg")}, "settings.reg");
+}
+
+// Without a reader, opening a pipe waits forever.
+TEST_F(OrlStop, PipeWithoutAReader_EndsWith130AtEachSignal)
+{
+    ASSERT_EQ(0, RunBesideThisProgram("orl", {"reg", "set", "HKCU\\Software\\Tool", "n", "v"}).mExitCode);
+    ASSERT_EQ(0, ::mkfifo(Host("pipe").c_str(), 0600));
+    if (Run({"hash", Host("clip.mov")}) < 0 || WordOf("/proc/self/syscall", "").empty()) {
+        GTEST_SKIP() << "processes cannot be traced here";
+    }
+    const std::vector<std::vector<std::string>> commands = {
+        {"reg", "export", "HKCU\\Software\\Tool", Host("pipe")},
+        {"res", "extract", FolderOfThisProgram() + "resources_lookup.res", "RCDATA", "301", "-o", Host("pipe")},
+    };
+    for (const std::vector<std::string>& command : commands) {
+        for (const int signal : kSignals) {
+            const pid_t process = StartUntilItWaitsInOpen(command);
+            ASSERT_NE(0, process) << command[0];
+            ::kill(process, signal);
+            EXPECT_EQ(kStopped, ExitCodeUnlessItWaits(process)) << command[0] << ", signal " << signal;
+        }
+    }
 }
 
 // nohup and shells start programs with some signals ignored; orl must not handle these signals.

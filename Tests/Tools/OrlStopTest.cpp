@@ -31,3 +31,14 @@ TEST(OrlStopDeathTest, ListenForStop_SetsTheFlagAndGoesOn)
             << signal;
     }
 }
+
+// A second Ctrl-C, too, only asks for the end of the work.
+TEST(OrlStopDeathTest, ListenForStop_GoesOnAtEachRepeatedSignal)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        EXPECT_EXIT((orl::ExitOnStop(), orl::ListenForStop(), std::raise(signal), std::raise(signal),
+                     std::exit(RaiseAndExit(signal) + (orl::IsStopRequested() ? 0 : 2))),
+                    testing::ExitedWithCode(3), "")
+            << signal;
+    }
+}

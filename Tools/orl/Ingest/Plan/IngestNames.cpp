@@ -1,6 +1,7 @@
 #include "IngestNames.h"
 
 #include "Failure.h"
+#include "TemporaryName.h"
 #include "Text.h"
 
 #include <ORLDirectory.h>

@@ -2,11 +2,10 @@
 
 #include "Failure.h"
 #include "IngestManifest.h"
+#include "TemporaryName.h"
 #include "Text.h"
 
-#include <algorithm>
 #include <chrono>
-#include <random>
 #include <thread>
 
 namespace orl {
@@ -19,9 +18,6 @@ using Disposition = ORL::FileCreateDispositionFlags;
 using Attributes = ORL::FileAttributesFlags;
 
 constexpr char kHeader[] = "orl ingest: the record of a run; it is deleted when the run has ended\n";
-constexpr char kStem[] = ".orl-";
-constexpr char kExtension[] = ".part";
-constexpr std::size_t kRandomDigits = 32;
 constexpr std::uint64_t kLargestRecord = std::uint64_t{1} << 30;
 
 // The first letter of each line: a temporary file, the length of the manifest, an offset in the manifest.
@@ -78,23 +74,6 @@ void ReadRecordLine(const std::string& inLine, IngestRemains& ioRemains)
 std::string RecordNameOf(const std::string& inManifestName)
 {
     return "." + inManifestName + ".run";
-}
-
-std::string RandomTemporaryName()
-{
-    std::random_device random;
-    unsigned char bytes[kRandomDigits / 2];
-    std::generate(std::begin(bytes), std::end(bytes), [&random] { return static_cast<unsigned char>(random()); });
-    return kStem + Hexadecimal(bytes, sizeof(bytes)) + kExtension;
-}
-
-bool IsTemporaryName(const std::string& inLeaf)
-{
-    const std::size_t stem = sizeof(kStem) - 1;
-    const std::size_t extension = sizeof(kExtension) - 1;
-    return inLeaf.size() == stem + kRandomDigits + extension && inLeaf.compare(0, stem, kStem) == 0
-           && inLeaf.compare(stem + kRandomDigits, extension, kExtension) == 0
-           && inLeaf.find_first_not_of("0123456789abcdef", stem) == stem + kRandomDigits;
 }
 
 ORL::Result RetryWhileBusy(const std::function<ORL::Result()>& inWork)

@@ -90,12 +90,6 @@ private:
 /// Returns the name of a manifest's record.
 std::string RecordNameOf(const std::string& inManifestName);
 
-/// Returns ".orl-", 32 random digits, ".part".
-std::string RandomTemporaryName();
-
-/// Returns whether a name has the form of RandomTemporaryName.
-bool IsTemporaryName(const std::string& inLeaf);
-
 /// Calls inWork until it returns something other than kSharingViolation, for about five seconds: the OS may keep the
 /// files of a killed run open until the reads of that run have ended.
 ORL::Result RetryWhileBusy(const std::function<ORL::Result()>& inWork);

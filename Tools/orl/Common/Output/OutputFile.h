@@ -1,20 +1,22 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace orl {
 
-/// Writes a file under a temporary name, which ends in ".part", and renames it at the end. An existing file keeps its
-/// contents until then; its permissions are preserved, and a link to a file stays a link. Anything else that exists,
-/// such as a pipe or a device, is written directly.
+/// Writes a file under a random temporary name in the same folder, and renames it at the end. An existing file keeps
+/// its contents until then; its permissions are preserved, and a link to a file stays a link. Anything else that
+/// exists, such as a pipe or a device, is written directly, and so is an existing file in a folder that accepts no new
+/// files.
 class OutputFile
 {
 public:
-    /// inCommand names the command in messages. inArgument is a host path or a library path. From here on the signals
-    /// that stop the program only set a flag. Throws Failure if the file cannot be created.
+    /// inCommand names the command in messages. inArgument is a host path or a library path. Throws Failure if the file
+    /// cannot be created, or exists and must not be written. If there is a temporary file, the signals that stop the
+    /// program from here on only set a flag; otherwise they end the program.
     OutputFile(const std::string& inCommand, const std::string& inArgument);
 
     /// Deletes the temporary file unless Finish has renamed it.
@@ -32,15 +34,16 @@ public:
 
 private:
     [[noreturn]] void Fail(const std::string& inReason) const;
-    void CheckStream() const;
+    [[noreturn]] void FailWith(int inError) const;
     void CheckStop() const;
-    void ChoosePaths();
+    void OpenFile(const std::filesystem::file_status& inEarlier);
+    void OpenDirectly();
 
     const std::string mCommand;
     const std::string mArgument;
     std::filesystem::path mPath; // the final name
     std::filesystem::path mPart; // the temporary name; empty if the file is written directly
-    std::ofstream mStream;
+    std::FILE* mFile = nullptr;
 };
 
 } // namespace orl
