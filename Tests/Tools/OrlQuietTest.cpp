@@ -19,6 +19,8 @@ protected:
         mFolder.MakeFile("clip.mov", "media");
         mFolder.MakeFile("bad.reg", "not a registry file");
         mFolder.MakeFolder("empty");
+        mFolder.MakeFolder("card");
+        mFolder.MakeFile("card/clip.mov", "media");
     }
 
     std::string Host(const std::string& inName) const { return (mFolder.Host() / inName).u8string(); }
@@ -53,6 +55,8 @@ TEST_F(OrlQuiet, EachCommand_PrintsNothingAndExitsAsBefore)
         {"reg", "check"},
         {"reg", "import", Host("bad.reg"), "--dry-run"},
         {"verify", Host("empty")},
+        {"ingest", Host("card"), Host("disk")}, // also when the copies are present
+        {"ingest", Host("empty"), Host("disk")},
     };
     for (std::vector<std::string> command : commands) {
         const std::string shown = command[0] + ' ' + command[1];
@@ -67,4 +71,17 @@ TEST_F(OrlQuiet, EachCommand_PrintsNothingAndExitsAsBefore)
         command.push_back("--quiet");
         EXPECT_EQ(2, RunBesideThisProgram("orl", command).mExitCode) << shown;
     }
+}
+
+// A remark tells how an entry was read. It is no error.
+TEST_F(OrlQuiet, RemarksOfTimecode_AreNotPrinted)
+{
+    const std::vector<std::string> parse = {"tc", "parse", "00:01:00;00"};
+    const ProcessResult loud = RunBesideThisProgram("orl", parse);
+    EXPECT_NE(std::string::npos, loud.mErrors.find("is read as")) << loud.mErrors;
+    std::vector<std::string> quietly = parse;
+    quietly.push_back("-q");
+    const ProcessResult quiet = RunBesideThisProgram("orl", quietly);
+    EXPECT_EQ("", quiet.mOutput + quiet.mErrors);
+    EXPECT_EQ(0, quiet.mExitCode);
 }

@@ -144,6 +144,30 @@ TEST(OrlRes, CheckOfADamagedFile_SaysSo)
     EXPECT_TRUE(Contains(result.mOutput, "the file is damaged")) << result.mOutput;
 }
 
+// The results of the other files are not lost.
+TEST(OrlRes, CheckOfAFileThatCannotBeOpened_ChecksTheOthers)
+{
+    const TempFolder folder;
+    const std::string missing = (folder.Host() / "missing.res").u8string();
+    const std::string fault = "MENU 1: present in de_DE, missing in ja_JP";
+    const std::vector<std::string> arguments{"check", Beside(kFiles[0]), missing, Beside(kFiles[1])};
+    const ProcessResult text = Res(arguments);
+    EXPECT_EQ(1, text.mExitCode);
+    EXPECT_EQ(0u, text.mErrors.find("orl: res check: cannot read \"" + missing + "\": ")) << text.mErrors;
+    EXPECT_TRUE(Contains(text.mOutput, Beside(kFiles[0]) + ": " + fault + "\n")) << text.mOutput;
+    EXPECT_TRUE(Contains(text.mOutput, Beside(kFiles[1]) + ": " + fault + "\n")) << text.mOutput;
+    std::vector<std::string> asJson = arguments;
+    asJson.push_back("--json");
+    const ProcessResult json = Res(asJson);
+    EXPECT_EQ(1, json.mExitCode);
+    EXPECT_EQ(text.mErrors, json.mErrors);
+    const std::size_t first = json.mOutput.find(fault);
+    ASSERT_NE(std::string::npos, first) << json.mOutput;
+    const std::size_t error = json.mOutput.find("\"error\": \"res check: cannot read ", first);
+    ASSERT_NE(std::string::npos, error) << json.mOutput;
+    EXPECT_NE(std::string::npos, json.mOutput.find(fault, error)) << json.mOutput;
+}
+
 TEST(OrlRes, WhatIsNoResourceFile_FailsWithItsName)
 {
     const TempFolder folder;

@@ -185,6 +185,21 @@ TEST_F(OrlVerifyPart, ATroubleOfTheList_IsReportedOnce)
         {"1 lines of the list " + Shown(kManifest) + " were not checked: they are no SHA-256 lines of sha256sum"});
 }
 
+// The list of one run over the whole folder is empty too, and has its own exit code.
+TEST_F(OrlVerifyPart, PartsOfAnEmptyList_JoinToTheResultOfOneRun)
+{
+    WriteFile(Disk() / kManifest, "");
+    const ProcessResult whole = Verify({"--json"});
+    EXPECT_EQ(9, whole.mExitCode);
+    for (const std::size_t count : {1, 3}) {
+        const ProcessResult merged = Merge(Parts(count), {"--json"});
+        EXPECT_EQ(WithoutTime(whole.mOutput), WithoutTime(merged.mOutput));
+        EXPECT_EQ(whole.mErrors, merged.mErrors);
+        EXPECT_EQ(9, merged.mExitCode);
+    }
+    EXPECT_EQ(9, Verify({"--part", "1/2"}).mExitCode);
+}
+
 TEST_F(OrlVerifyPart, PartsThatDoNotFit_AreRefused)
 {
     const std::vector<std::string> files = Parts(3);

@@ -238,19 +238,31 @@ void PrintFaults(const std::string& inPath, const std::vector<std::string>& inFa
     }
 }
 
+// Returns whether the file has no fault. Adds its faults to ioFiles or prints them.
+bool CheckOne(const std::string& inPath, bool inAsJson, Json& ioFiles)
+{
+    ResourceFile file;
+    Open("check", inPath, file);
+    const std::vector<std::string> faults = FaultsOf(file);
+    if (inAsJson) {
+        ioFiles.Append({{"file", inPath}, {"faults", faults}});
+    } else {
+        PrintFaults(inPath, faults);
+    }
+    return faults.empty();
+}
+
 void Check(const Options& inOptions)
 {
     bool isGood = true;
     Json files = Json::Array();
     for (const std::string& path : inOptions.mFiles) {
-        ResourceFile file;
-        Open("check", path, file);
-        const std::vector<std::string> faults = FaultsOf(file);
-        isGood = isGood && faults.empty();
-        if (inOptions.mAsJson) {
-            files.Append({{"file", path}, {"faults", faults}});
-        } else {
-            PrintFaults(path, faults);
+        try {
+            isGood = CheckOne(path, inOptions.mAsJson, files) && isGood;
+        } catch (const Failure& failure) {
+            ReportError(failure.what());
+            files.Append({{"file", path}, {"error", failure.what()}});
+            isGood = false;
         }
     }
     std::cout << (inOptions.mAsJson ? files.Document() : std::string()) << std::flush;
@@ -320,7 +332,8 @@ void AddCheck(CLI::App& ioResources)
     CLI::App* const command = ioResources.add_subcommand(
         "check", "Find texts, menus and dialogs missing in a language, different parameters, and unreadable resources");
     command->add_option("FILE", options->mFiles, kFileHelp)->required();
-    command->add_flag("--json", options->mAsJson, "write one JSON array, an object with the faults of each file");
+    command->add_flag("--json", options->mAsJson,
+                      "write one JSON array, an object with the faults of each file, or with the error");
     command->callback([options] { Check(*options); });
 }
 

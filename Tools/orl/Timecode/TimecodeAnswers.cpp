@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Json.h"
+#include "QuietOutput.h"
 #include "Text.h"
 
 #include <iostream>
@@ -173,7 +174,7 @@ void PrintAnswers(const AnswerPlan& inPlan, const TimecodeSettings& inSettings,
             const TimecodeAnswer answer = MakeAnswer(inRead(value), inSettings);
             lines.Write(inPlan.mAsJson ? InJson(value, answer, inSettings)
                                        : InText(answer, inSettings, inPlan.mInFull));
-            if (!inPlan.mAsJson && !answer.mRemark.empty()) {
+            if (!inPlan.mAsJson && !IsOutputSilenced() && !answer.mRemark.empty()) {
                 PrintDiagnostic(place + JsonQuoted(value) + " is read as " + answer.mLabel + ": " + answer.mRemark);
             }
         } catch (const Unreadable& fault) {

@@ -32,12 +32,6 @@ struct Options
     VerifySettings mSettings;
 };
 
-constexpr char kExitCodes[] = "Exit codes, the first that applies: 130 stopped by the user, 6 a folder is gone or a "
-                              "disk does not answer, 7 a file "
-                              "has changed, 10 a listed file is missing, 4 a file or folder cannot be read, 1 any "
-                              "other error, 9 the list names no "
-                              "file, 11 a file is not in the list, 0 everything is as listed.";
-
 // The progress line expects each byte twice: an ingest copies it and reads it back.
 constexpr std::uint64_t kPasses = 2;
 
@@ -146,7 +140,6 @@ void AddVerify(CLI::App& ioProgram)
     command->add_option("--files-at-once", options->mSettings.mFilesAtOnce, "files read at once, 1 to 64 (default 4)")
         ->type_name("NUMBER")
         ->check(CLI::Range(1, 64).description(""));
-    command->footer(kExitCodes);
     AddParts(*command, options);
     command->callback([options, command] {
         ReadPart(*options, command->count("--part") != 0);

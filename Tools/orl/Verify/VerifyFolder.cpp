@@ -77,7 +77,7 @@ public:
 
     void Execute(VerifyOutcome& outOutcome)
     {
-        ReadList();
+        ReadList(outOutcome);
         mListing = List();
         for (const IngestTrouble& trouble : mListing.mTroubles) {
             mTroubles.push_back({OfVerify(trouble.mText), trouble.mExitCode});
@@ -102,7 +102,7 @@ public:
     }
 
 private:
-    void ReadList()
+    void ReadList(VerifyOutcome& ioOutcome)
     {
         const VerifyList list = ReadVerifyList(mRoots, mSettings.mManifest);
         const std::string shown = "\"" + JoinHostPath(mRoots.mShownSource, mSettings.mManifest) + "\"";
@@ -117,6 +117,10 @@ private:
             TakeUp(line);
         }
         if (mFiles.empty() && mTroubles.empty()) {
+            if (mSettings.mPart) { // the merge of empty parts reports the empty list, so each part has a result
+                ioOutcome.mPart =
+                    PartOfList{*mSettings.mPart, mListDigest, DigestOfParts({}, {}), 0, mSettings.mIsQuick};
+            }
             throw Failure("verify: the list " + shown + " names no file", kExitEmpty);
         }
     }
