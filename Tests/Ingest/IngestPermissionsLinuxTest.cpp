@@ -7,11 +7,13 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 using namespace ORLTest;
@@ -38,7 +40,7 @@ protected:
         std::vector<orl::IngestDestination> destinations =
             orl::MakeDestinations(Card().u8string(), {Disk().u8string()});
         orl::IngestWatcher watcher;
-        watcher.mIsStopped = [] { return false; };
+        watcher.mIsStopped = [this] { return mIsStopped.load(); };
         watcher.mShow = [](std::uint64_t, std::size_t) {};
         if (inOnStep) {
             watcher.mOnStep = [&inOnStep](std::size_t, IngestStep inStep, const orl::IngestItem& inItem) {
@@ -51,6 +53,31 @@ protected:
         orl::Ingest(destinations, kManifest, settings, watcher);
         mPlan = std::move(destinations.front().mPlan);
         return std::move(destinations.front().mOutcome);
+    }
+
+    // Runs orl as an ordinary user, who owns the copies.
+    int RunKeepingWithoutRights() const
+    {
+        std::string as;
+        if (::geteuid() == 0) {
+            as = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+            EXPECT_EQ(0, ::lchown(Disk().c_str(), 65534, 65534));
+            for (const auto& entry : fs::recursive_directory_iterator(Disk())) {
+                EXPECT_EQ(0, ::lchown(entry.path().c_str(), 65534, 65534)) << entry.path();
+            }
+        }
+        fs::permissions(mFolder.Host(), fs::perms::all);
+        const std::string command = as + "'" + FolderOfThisProgram() + "orl' ingest --keep-permissions '"
+                                    + Card().string() + "' '" + Disk().string() + "' >/dev/null 2>&1";
+        return WEXITSTATUS(std::system(command.c_str()));
+    }
+
+    void MakeReadOnlyFolderWithTwoFiles()
+    {
+        mFolder.MakeFolder("card/sub");
+        mFolder.MakeFile("card/sub/one", "one");
+        mFolder.MakeFile("card/sub/two", "two");
+        ASSERT_EQ(0, ::chmod((Card() / "sub").c_str(), 0555));
     }
 
     const orl::IngestCalls mSystem = orl::sIngestCalls;
@@ -154,4 +181,71 @@ TEST_F(IngestPermissionsOnLinux, OfALinkInPlaceOfTheCopy_AreNotSet)
     EXPECT_EQ(0600u, ModeOf(mFolder.Host() / "foreign"));
     ASSERT_EQ(1u, outcome.mTroubles.size());
     EXPECT_NE(std::string::npos, outcome.mTroubles[0].mText.find("cannot set the permissions of \"a\""));
+}
+
+// An ordinary user's next run could not write to a read-only folder.
+TEST_F(IngestPermissionsOnLinux, OfFoldersAfterAStop_AreSetByTheRunThatCompletesThem)
+{
+    MakeReadOnlyFolderWithTwoFiles();
+    mFolder.MakeFolder("card/above/below");
+    mFolder.MakeFile("card/above/below/file", "deep");
+    mFolder.MakeFile("card/above/first", "first");
+    ASSERT_EQ(0, ::chmod((Card() / "above/below").c_str(), 0555));
+    ASSERT_EQ(0, ::chmod((Card() / "above").c_str(), 0555));
+    const auto isWritable = [this](const char* inName) { return (ModeOf(Disk() / inName) & 0200) != 0; };
+    // Files are copied in the order of their names.
+    EXPECT_TRUE(RunKeeping(Once(IngestStep::kInPlace, "above/below/file", [this] { mIsStopped = true; })).mIsStopped);
+    mIsStopped = false;
+    EXPECT_EQ(0555u, ModeOf(Disk() / "above/below")) << "everything in it is in place";
+    EXPECT_TRUE(isWritable("above"));
+    EXPECT_TRUE(isWritable("sub"));
+    EXPECT_TRUE(RunKeeping(Once(IngestStep::kInPlace, "sub/one", [this] { mIsStopped = true; })).mIsStopped);
+    mIsStopped = false;
+    EXPECT_EQ(0555u, ModeOf(Disk() / "above"));
+    EXPECT_TRUE(isWritable("sub"));
+    EXPECT_EQ(0, RunKeepingWithoutRights());
+    for (const char* const name : {"sub", "above/below", "above"}) {
+        EXPECT_EQ(0555u, ModeOf(Disk() / name)) << name;
+    }
+    ExpectIngested(ReadTree(Card()), Disk());
+    for (const fs::path& root : {Card(), Disk()}) {
+        for (const char* const name : {"sub", "above", "above/below"}) {
+            fs::permissions(root / name, fs::perms::all);
+        }
+    }
+}
+
+// Names that are taken, and entries that cannot be copied, have the same effect as a stop.
+TEST_F(IngestPermissionsOnLinux, OfFoldersThatLackAnEntry_AreSetByTheRunThatCompletesThem)
+{
+    MakeReadOnlyFolderWithTwoFiles();
+    const fs::path source = Card() / "sub";
+    const fs::path copy = Disk() / "sub";
+    const std::pair<std::function<void()>, fs::path> causes[] = {
+        {[&] { WriteFile(copy / "two", "somebody's"); }, copy / "two"},
+        {[&] { fs::create_directory(copy / "two"); }, copy / "two"},
+        {[&] { ASSERT_EQ(0, ::mkfifo((source / "pipe").c_str(), 0600)); }, source / "pipe"},
+        {[&] { fs::create_symlink("nowhere", source / "link"); }, source / "link"},
+        {[&] {
+             fs::create_directory(source / "folder");
+             WriteFile(copy / "folder", "somebody's");
+         },
+         copy / "folder"},
+    };
+    for (const auto& [hinder, hindrance] : causes) {
+        SCOPED_TRACE(hindrance);
+        fs::create_directories(copy);
+        hinder();
+        ASSERT_EQ(0, ::chmod(source.c_str(), 0555));
+        EXPECT_EQ(1u, RunKeeping().mTroubles.size());
+        EXPECT_EQ(0200u, ModeOf(copy) & 0200u);
+        fs::permissions(source, fs::perms::all);
+        fs::remove(hindrance);
+        ASSERT_EQ(0, ::chmod(source.c_str(), 0555));
+        EXPECT_TRUE(RunKeeping().mTroubles.empty());
+        EXPECT_EQ(0555u, ModeOf(copy));
+        fs::permissions(source, fs::perms::all);
+        fs::permissions(copy, fs::perms::all);
+        fs::remove_all(Disk());
+    }
 }

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <set>
 #include <thread>
 
 namespace orl {
@@ -251,23 +252,53 @@ private:
     // A folder may become read-only, so each folder is finished after everything in it.
     void FinishFolders()
     {
+        std::set<std::string> incomplete = IncompleteFolders();
         for (auto folder = mPlan.mTree.rbegin(); folder != mPlan.mTree.rend() && !mIsDiskUnresponsive; ++folder) {
-            FinishFolder(*folder);
+            FinishFolder(*folder, incomplete);
         }
+    }
+
+    bool IsInPlace(std::size_t inIndex) const
+    {
+        return mPlan.mItems[inIndex].mState == IngestItem::kVerifiedBefore || !mFiles[inIndex].mDigest.empty();
+    }
+
+    static void AddWithParents(const std::string& inFolder, std::set<std::string>& ioFolders)
+    {
+        if (ioFolders.count(inFolder) == 0) {
+            const std::vector<std::string> folders = FoldersTo(inFolder);
+            ioFolders.insert(folders.begin(), folders.end());
+        }
+    }
+
+    // Returns the folders below which something is missing. A later run writes there.
+    std::set<std::string> IncompleteFolders() const
+    {
+        std::set<std::string> incomplete;
+        for (const std::string& folder : mPlan.mIncomplete) {
+            AddWithParents(folder, incomplete);
+        }
+        for (std::size_t i = 0; i < mPlan.mItems.size(); ++i) {
+            if (!IsInPlace(i)) {
+                AddWithParents(FolderOf(mPlan.mItems[i].mName), incomplete);
+            }
+        }
+        return incomplete;
     }
 
     // Each new entry of a folder changes the folder's time, so the time is set at the end. If the time of a folder
     // cannot be set, the folder keeps its own; this is not an error.
-    void FinishFolder(const ListedFolder& inFolder)
+    void FinishFolder(const ListedFolder& inFolder, std::set<std::string>& ioIncomplete)
     {
         HeldFolder held;
         if (!ORL::ResultSucceeded(mRoots.OpenDestination(inFolder.mName, held))
             || mPlan.mSourceFolders.count(held.Identity()) != 0) {
+            AddWithParents(FolderOf(inFolder.mName), ioIncomplete);
             return;
         }
         held.SetLastWriteTime(inFolder.mStatus.mTime);
-        const ORL::Result result =
-            mSettings.mKeepsPermissions ? held.SetPermissions(inFolder.mStatus.mPermissions) : ORL::kSuccess;
+        const bool isSet = mSettings.mKeepsPermissions && ioIncomplete.count(inFolder.mName) == 0;
+        const ORL::Result result = isSet ? held.SetPermissions(inFolder.mStatus.mPermissions) : ORL::kSuccess;
         if (!ORL::ResultSucceeded(result)) {
             AddTrouble(Failure("ingest: cannot set the permissions of the folder \""
                                + JoinHostPath(mRoots.mShownDestination, inFolder.mName) + "\": " + Describe(result)),
@@ -289,8 +320,7 @@ private:
     void CollectRows()
     {
         for (std::size_t i = 0; i < mPlan.mItems.size(); ++i) {
-            const bool wasBefore = mPlan.mItems[i].mState == IngestItem::kVerifiedBefore;
-            if (wasBefore || !mFiles[i].mDigest.empty()) {
+            if (IsInPlace(i)) {
                 mOutcome.mRows.push_back({&mPlan.mItems[i], mFiles[i].mDigest, mFiles[i].mWasPresent});
             }
         }

@@ -62,7 +62,7 @@ private:
         if (!ORL::ResultSucceeded(result)) {
             CheckSource();
             const std::string shown = JoinHostPath(mRoots.mShownSource, inPending.mFolder);
-            AddTrouble("cannot list the folder \"" + shown + "\" completely: " + Describe(result));
+            AddTrouble(inPending.mFolder, "cannot list the folder \"" + shown + "\" completely: " + Describe(result));
         }
         const auto parents = std::make_shared<const ParentChain>(
             ParentChain{folder.IsOpen() ? folder.Identity() : EntryIdentity(), inPending.mParents});
@@ -84,14 +84,14 @@ private:
         }
         if (!ORL::ResultSucceeded(result)) {
             CheckSource();
-            AddTrouble("cannot read \"" + name + "\": " + Describe(result));
+            AddTrouble(inFolder, "cannot read \"" + name + "\": " + Describe(result));
         } else if (status.mKind == EntryStatus::kFolder) {
             mListing.mFolders.push_back({name, status});
             ioPending.push_back({name, inParents});
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});
         } else { // reading a pipe or a device might never end
-            AddTrouble("cannot read \"" + name + "\": it is not a regular file");
+            AddTrouble(inFolder, "cannot read \"" + name + "\": it is not a regular file");
         }
     }
 
@@ -139,7 +139,11 @@ private:
         }
     }
 
-    void AddTrouble(const std::string& inText) { mListing.mTroubles.push_back({"ingest: " + inText, kExitUnreadable}); }
+    void AddTrouble(const std::string& inFolder, const std::string& inText)
+    {
+        mListing.mTroubles.push_back({"ingest: " + inText, kExitUnreadable});
+        mListing.mIncomplete.insert(inFolder);
+    }
 
     const IngestRoots& mRoots;
     const std::function<bool()>& mIsStopped;

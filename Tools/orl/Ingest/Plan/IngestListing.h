@@ -44,6 +44,7 @@ struct IngestListing
     std::vector<ExcludedEntry> mExcluded; // by name
     std::set<EntryIdentity> mIdentities;  // identities of all listed and excluded folders, the source included
     std::vector<IngestTrouble> mTroubles; // one for each entry that could not be listed
+    std::set<std::string> mIncomplete;    // names of the folders that contain these entries
 };
 
 /// Lists the source and everything below it. Opens folders one name at a time, so that on Linux neither depth nor path

@@ -34,6 +34,7 @@ public:
     IngestPlan Make()
     {
         mPlan.mTroubles = std::move(mListing.mTroubles);
+        mPlan.mIncomplete = std::move(mListing.mIncomplete);
         mPlan.mSourceFolders = mListing.mIdentities;
         CheckListing();
         PlanFolders();
@@ -50,6 +51,7 @@ public:
                                + "\" and another file of the source have the same name on the destination's volume; "
                                  "only one of them is copied",
                            kExitNameConflict);
+                mPlan.mIncomplete.insert(FolderOf(file.mName));
             }
         }
         return std::move(mPlan);
@@ -88,6 +90,8 @@ private:
             }
             if (planned.mState != PlannedFolder::kRefused) {
                 mPlan.mTree.push_back(folder);
+            } else {
+                mPlan.mIncomplete.insert(FolderOf(folder.mName));
             }
         }
     }
@@ -156,6 +160,7 @@ private:
         item.mPermissions = inFile.mStatus.mPermissions;
         if (planned.mState == PlannedFolder::kRefused
             || (planned.mState == PlannedFolder::kExists && !FindState(inFile, item))) {
+            mPlan.mIncomplete.insert(FolderOf(inFile.mName));
             return;
         }
         if (item.mState == IngestItem::kToCopy || item.mState == IngestItem::kToReplace) {

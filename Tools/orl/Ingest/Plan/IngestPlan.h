@@ -55,6 +55,7 @@ struct IngestPlan
     std::vector<IngestItem> mItems;    // sorted by name
     std::vector<std::string> mFolders; // folders to create at the destination, each after its parent
     std::vector<ListedFolder> mTree;   // source folders that the destination has or will have, each after its parent
+    std::set<std::string> mIncomplete; // folders that contain entries of the source that cannot be listed or copied
     std::vector<IngestVolume> mVolumes;
     std::vector<IngestTrouble> mTroubles;
     std::set<EntryIdentity> mSourceFolders;
