@@ -75,6 +75,15 @@ TEST_F(IngestSummaryOf, ASourceThatIsGone_ReadsADestinationThatAnswers)
     EXPECT_FALSE(ShowsLength(destinations, kAnyLength)) << "no disk is left to read from";
 }
 
+// An empty cell would mean that the file is no WAV file.
+TEST_F(IngestSummaryOf, AHeaderWithoutALength_IsShownAsUnknown)
+{
+    WriteFile(Card() / "one second.wav", WavOf(1).substr(0, 30));
+    WriteFile(Card() / "text", "no WAV file");
+    EXPECT_TRUE(ShowsLength(RunTo(1), " unknown "));
+    EXPECT_EQ("", orl::TimecodeLength(mFolder.Path(u"card\\text"), orl::FindRate("25")));
+}
+
 TEST_F(IngestSummaryOf, ASourceFileThatChanged_ReadsTheVerifiedCopy)
 {
     const std::vector<IngestDestination> destinations = RunTo(1);

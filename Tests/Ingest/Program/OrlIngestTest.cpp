@@ -193,6 +193,35 @@ TEST_F(OrlIngest, AFolderInTheWay_IsTold)
     EXPECT_TRUE(IsOneLineOfOrl(result.mErrors)) << result.mErrors;
 }
 
+// Programs learn of each file, also of those that the plan refuses.
+TEST_F(OrlIngest, Json_HasALineForEachFileThatIsRefused)
+{
+    mFolder.MakeFolder("disk");
+    mFolder.MakeFile("disk/a.wav", "another file");
+    mFolder.MakeFile("disk/CLIP", "a file in place of the folder");
+    const ProcessResult result = Ingest({"--json"});
+    EXPECT_EQ(8, result.mExitCode);
+    const std::string sizes[] = {std::to_string(mCard.at("CLIP/clip.mov").size()),
+                                 std::to_string(mCard.at("a.wav").size())};
+    EXPECT_TRUE(
+        Shows(result.mOutput, "\"file\": \"CLIP/clip.mov\", \"state\": \"notInPlace\", \"bytes\": " + sizes[0] + "}\n"))
+        << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "\"file\": \"a.wav\", \"state\": \"notInPlace\", \"bytes\": " + sizes[1] + "}\n"))
+        << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "\"file\": \"none\", \"state\": \"copied\", \"bytes\": 0, \"sha256\": "))
+        << result.mOutput;
+    EXPECT_TRUE(Shows(result.mOutput, "{\"summary\": true, \"files\": 3, ")) << result.mOutput;
+    // At a destination that is refused, no file is in place.
+    mFolder.MakeFolder("second");
+    mFolder.MakeFile("second/ingest.sha256", "this is no list of checksums");
+    const ProcessResult two = Ingest({(mFolder.Host() / "second").u8string(), "--json"});
+    std::size_t lines = 0;
+    for (std::size_t at = 0; (at = two.mOutput.find("\"state\": ", at)) != std::string::npos; ++at) {
+        ++lines;
+    }
+    EXPECT_EQ(6u, lines) << two.mOutput << two.mErrors;
+}
+
 TEST_F(OrlIngest, UnfinishedFilesOfAKilledRun_AreCleared)
 {
     mFolder.MakeFolder("disk/CLIP");

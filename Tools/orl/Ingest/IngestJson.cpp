@@ -19,18 +19,31 @@ const char* StateOf(const IngestOutcome::Row* inRow)
     return inRow->mDigest.empty() ? "verifiedBefore" : inRow->mWasPresent ? "present" : "copied";
 }
 
-void PrintFilesOf(std::ostream& ioStream, const IngestDestination& inDestination)
+std::vector<const ListedFile*> ByName(const std::vector<ListedFile>& inFiles)
+{
+    std::vector<const ListedFile*> files;
+    for (const ListedFile& file : inFiles) {
+        files.push_back(&file);
+    }
+    std::sort(files.begin(), files.end(),
+              [](const ListedFile* inLeft, const ListedFile* inRight) { return inLeft->mName < inRight->mName; });
+    return files;
+}
+
+// A file that the plan refuses has a line too, and at a refused destination each file has one.
+void PrintFilesOf(std::ostream& ioStream, const IngestDestination& inDestination,
+                  const std::vector<const ListedFile*>& inFiles)
 {
     std::map<std::string, const IngestOutcome::Row*> rows;
     for (const IngestOutcome::Row& row : inDestination.mOutcome.mRows) {
         rows[row.mItem->mName] = &row;
     }
-    for (const IngestItem& item : inDestination.mPlan.mItems) {
-        const auto found = rows.find(item.mName);
+    for (const ListedFile* const file : inFiles) {
+        const auto found = rows.find(file->mName);
         const IngestOutcome::Row* const row = found == rows.end() ? nullptr : found->second;
         ioStream << "{\"destination\": " << JsonQuoted(inDestination.mRoots.mShownDestination) << ", "
-                 << JsonNameMember("file", item.mName) << ", \"state\": \"" << StateOf(row)
-                 << "\", \"bytes\": " << item.mSize;
+                 << JsonNameMember("file", file->mName) << ", \"state\": \"" << StateOf(row)
+                 << "\", \"bytes\": " << file->mStatus.mSize;
         if (row != nullptr && !row->mDigest.empty()) {
             ioStream << ", \"sha256\": \"" << row->mDigest << '"';
         }
@@ -53,8 +66,9 @@ void PrintExcludedEntry(std::ostream& ioStream, const ExcludedEntry& inEntry)
 void PrintIngestJson(std::ostream& ioStream, const std::vector<IngestDestination>& inDestinations,
                      const IngestListing& inListing, const EraseVerdict& inVerdict)
 {
+    const std::vector<const ListedFile*> files = ByName(inListing.mFiles);
     for (const IngestDestination& destination : inDestinations) {
-        PrintFilesOf(ioStream, destination);
+        PrintFilesOf(ioStream, destination, files);
     }
     for (const ExcludedEntry& entry : inListing.mExcluded) {
         PrintExcludedEntry(ioStream, entry);

@@ -209,9 +209,12 @@ std::string TimecodeLength(const UTF16String& inPath, const NamedRate& inRate)
         extension.size() == 4 && std::equal(extension.begin(), extension.end(), ".wav", [](char inLeft, char inRight) {
             return inLeft == inRight || (inLeft | 0x20) == inRight;
         });
-    const std::optional<WavLength> length = isWav ? ReadWavLength(inPath) : std::nullopt;
-    if (!length) {
+    if (!isWav) {
         return "";
+    }
+    const std::optional<WavLength> length = ReadWavLength(inPath);
+    if (!length) {
+        return "unknown";
     }
     const mt::TickTime time(static_cast<double>(length->mSamples) / length->mSamplesPerSecond);
     return ToUTF8(ORL::Timecode(time, inRate.mRate, inRate.mDisplay).GetString());
