@@ -4,14 +4,17 @@
 //   - In each repetition of a group every rival runs once, in turn, so machine noise affects all alike. Each
 //     repetition starts with the next rival.
 //   - Before the first repetition each rival warms up, and its operation count is chosen so that one round takes about
-//     20 ms. A round's figure is its wall time divided by its operations (with several threads: by one thread's
-//     operations, from the common start until the last thread finishes).
+//     20 ms; a disturbed calibration is repeated (Calibration.h). A round's figure is its wall time divided by its
+//     operations (with several threads: by one thread's operations, from the common start until the last thread
+//     finishes).
 //   - 11 repetitions by default, at least 9 unless quick. A row shows the median, the fastest and the 90th percentile.
 //   - The ratio of ours to a peer is computed in each repetition; the median of these ratios is printed and compared
 //     with the goal. The peer is the one named by the goal, else the one with the best median.
+//   - If the rounds of a row or of its peer differ by more than a hundredfold, the row is unusable: its goal is neither
+//     met nor missed.
 //   - Threads stay alive for the whole group and are pinned: thread 0 (the caller) to processor 0, thread 1 to 1.
 //   - ORL_BENCH_QUICK=1 makes rounds of 1 ms and 3 repetitions: it shows that a benchmark runs, not how fast it is.
-//   - ORL_BENCH_STRICT=1 makes Finish() return 1 if a goal was missed.
+//   - ORL_BENCH_STRICT=1 makes Finish() return 1 if a goal was missed or its row is unusable.
 //   - The first argument of a program, if any, selects the groups whose title contains it.
 //
 // Example
@@ -33,7 +36,9 @@
 // double, that is the round's figure (its own clock, MB/s, processor time); Unit() sets its unit.
 #pragma once
 
+#include <Calibration.h>
 #include <Processors.h>
+#include <Verdict.h>
 
 #include <algorithm>
 #include <atomic>
@@ -77,24 +82,6 @@ inline double NowInNanoseconds()
     return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
-/// The library's goal: a ratio to a peer. An empty name means the best peer.
-struct Goal
-{
-    double mRatio;
-    bool mAtMost;
-    std::string mPeer;
-};
-
-inline Goal AtMost(double inRatio, std::string inPeer = std::string())
-{
-    return Goal{inRatio, true, std::move(inPeer)};
-}
-
-inline Goal AtLeast(double inRatio, std::string inPeer = std::string())
-{
-    return Goal{inRatio, false, std::move(inPeer)};
-}
-
 namespace Detail {
 
 struct State
@@ -102,6 +89,7 @@ struct State
     std::string mFilter;
     int mGoals = 0;
     int mMet = 0;
+    int mUnusable = 0;
 };
 
 inline State& TheState()
@@ -233,11 +221,15 @@ inline void Start(int inCount, char** inArguments)
     }
 }
 
-/// Prints how many goals were met. Returns the exit code for main.
+/// Prints how many goals were met, and how many rows were unusable if there were any. Returns the exit code for main.
 inline int Finish()
 {
     const Detail::State& state = Detail::TheState();
-    std::printf("\n%d of %d goals met\n", state.mMet, state.mGoals);
+    std::printf("\n%d of %d goals met", state.mMet, state.mGoals);
+    if (state.mUnusable != 0) {
+        std::printf(", %d unusable", state.mUnusable);
+    }
+    std::printf("\n");
     return std::getenv("ORL_BENCH_STRICT") != nullptr && state.mMet != state.mGoals ? 1 : 0;
 }
 
@@ -336,31 +328,20 @@ private:
         return *this;
     }
 
-    // Doubles the count until a round is long enough to measure. The calibration also warms up.
+    // The calibration also warms up, as does the single round of a fixed count.
     void Calibrate(Detail::ThreadTeam& inTeam, Rival& ioRival)
     {
-        const double wanted = IsQuick() ? 1e6 : 20e6;
-        std::uint64_t count = mFixedOperations != 0 ? mFixedOperations : mStep;
-        const auto timeOnce = [&] {
+        const auto trial = [&](std::uint64_t inOperations) {
             const double start = NowInNanoseconds();
-            inTeam.Run(ioRival.mBody, count, false);
-            return std::max(1.0, NowInNanoseconds() - start);
+            inTeam.Run(ioRival.mBody, inOperations, false);
+            return NowInNanoseconds() - start;
         };
-        double spent = timeOnce();
-        while (mFixedOperations == 0) {
-            // A thread that starts late or is preempted makes a short round look long, so use the fastest of five.
-            for (int again = 0; again < 4 && spent >= wanted / 8; ++again) {
-                spent = std::min(spent, timeOnce());
-            }
-            if (spent >= wanted / 8) {
-                const double fitted = static_cast<double>(count) * wanted / spent / static_cast<double>(mStep);
-                count = mStep * std::max<std::uint64_t>(1, static_cast<std::uint64_t>(fitted));
-                break;
-            }
-            count *= 2;
-            spent = timeOnce();
+        if (mFixedOperations != 0) {
+            trial(mFixedOperations);
+            ioRival.mOperations = mFixedOperations;
+        } else {
+            ioRival.mOperations = Detail::Calibration(trial, IsQuick() ? 1e6 : 20e6, mStep).Run();
         }
-        ioRival.mOperations = count;
     }
 
     void Measure(Detail::ThreadTeam& inTeam)
@@ -421,11 +402,13 @@ private:
         const double ratio = Ratio(inRival, *peer);
         std::printf("  %.2f of %s", ratio, peer->mName.c_str());
         if (inRival.mGoal.mRatio > 0) {
-            const bool met = inRival.mGoal.mAtMost ? ratio <= inRival.mGoal.mRatio : ratio >= inRival.mGoal.mRatio;
+            const Detail::Verdict verdict = Detail::VerdictOf(inRival.mGoal, ratio, inRival.mFigures, peer->mFigures);
             std::printf(", goal at %s %.2f: %s", inRival.mGoal.mAtMost ? "most" : "least", inRival.mGoal.mRatio,
-                        met ? "met" : "MISSED");
-            ++Detail::TheState().mGoals;
-            Detail::TheState().mMet += met ? 1 : 0;
+                        Detail::NameOf(verdict));
+            Detail::State& state = Detail::TheState();
+            ++state.mGoals;
+            state.mMet += verdict == Detail::Verdict::Met ? 1 : 0;
+            state.mUnusable += verdict == Detail::Verdict::Unusable ? 1 : 0;
         }
     }
 
