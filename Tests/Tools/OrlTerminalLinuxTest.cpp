@@ -255,7 +255,7 @@ TEST_F(OrlTerminal, ClipThatIsStopped_LeavesNothingBehindAndEndsWith130)
 {
     const int nothing = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     const pid_t process = StartOrl({"make-clip", Host("clip.y4m"), "--size", "2G"}, nothing);
-    while (!std::filesystem::exists(Host("clip.y4m.part")) && !HasEnded(process)) {
+    while (std::filesystem::is_empty(mFolder.Host()) && !HasEnded(process)) {
         ::usleep(1000);
     }
     ::kill(process, SIGINT);
