@@ -1,9 +1,9 @@
 # Hosts built with the unpacked packages. Expects BUILD_DIR, SOURCE_DIR, VERSION and, for Windows, TOOLCHAIN.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
-set(packaged "${BUILD_DIR}/packages/root/usr")
+set(packaged "${BUILD_DIR}/packages/unpacked/usr")
 if(TOOLCHAIN)
-  set(packaged "${BUILD_DIR}/packages/root/orlfoundation-${VERSION}-windows-x86_64")
+  set(packaged "${BUILD_DIR}/packages/unpacked/orlfoundation-${VERSION}-windows-x86_64")
 endif()
 
 # build_host(source folder, build folder, cmake arguments...) configures and builds a project that finds the package.

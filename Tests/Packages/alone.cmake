@@ -4,7 +4,7 @@
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")
-set(package "${work}/root/orlfoundation-${VERSION}-windows-x86_64")
+set(package "${work}/unpacked/orlfoundation-${VERSION}-windows-x86_64")
 set(empty "${work}/alone")
 file(REMOVE_RECURSE "${empty}" "${work}/wine")
 file(COPY "${package}/bin" DESTINATION "${empty}")

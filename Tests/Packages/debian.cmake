@@ -3,7 +3,7 @@
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")
-set(root "${work}/root")
+set(unpacked "${work}/unpacked")
 run(dpkg --print-architecture)
 string(STRIP "${output}" architecture)
 
@@ -27,20 +27,20 @@ expect_field(orlfoundation-tools ${architecture} Depends "${same}")
 expect_field(orlfoundation-tools ${architecture} Depends "libssl3")
 expect_field(orlfoundation-doc all Depends "^$")
 
-run("${root}/usr/bin/orl" --version)
+run("${unpacked}/usr/bin/orl" --version)
 expect_output("orl ${VERSION}\n" "the packaged tool")
 foreach(file share/doc/${runtime}/copyright share/doc/ORLFoundation/Docs/abi.md share/ORLFoundation/debug/orl_printers.py
     share/man/man1/orl.1.gz share/bash-completion/completions/orl share/fish/vendor_completions.d/orl.fish
     share/zsh/vendor-completions/_orl
     lib/libORLFoundation.so lib/libORLFoundation.so.${ABI} include/ORLFoundation/ORLFoundation.h)
-  if(NOT EXISTS "${root}/usr/${file}")
+  if(NOT EXISTS "${unpacked}/usr/${file}")
     message(FATAL_ERROR "the packages have no ${file}")
   endif()
 endforeach()
 
 set(host "${work}/host")
 file(REMOVE_RECURSE "${host}")
-run(${CMAKE_COMMAND} -G Ninja -S "${SOURCE_DIR}/Tests/Consumer" -B "${host}" "-DCMAKE_PREFIX_PATH=${root}/usr")
+run(${CMAKE_COMMAND} -G Ninja -S "${SOURCE_DIR}/Tests/Consumer" -B "${host}" "-DCMAKE_PREFIX_PATH=${unpacked}/usr")
 run(${CMAKE_COMMAND} --build "${host}")
 run("${host}/host")
 expect_output("${VERSION} clip.mov text of the host's own\n" "the host")

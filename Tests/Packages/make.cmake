@@ -1,5 +1,5 @@
 # cmake -D BUILD_DIR=... -D GENERATOR=DEB or ZIP -D CPACK=... -P make.cmake
-# Packages the build, and unpacks the packages together into the empty folder <build>/packages/root.
+# Packages the build, and unpacks the packages together into the empty folder <build>/packages/unpacked.
 include("${CMAKE_CURRENT_LIST_DIR}/Commands.cmake")
 
 set(work "${BUILD_DIR}/packages")
@@ -19,8 +19,8 @@ if(NOT count EQUAL expected)
 endif()
 foreach(package IN LISTS packages)
   if(GENERATOR STREQUAL "DEB")
-    run(dpkg-deb -x "${package}" "${work}/root")
+    run(dpkg-deb -x "${package}" "${work}/unpacked")
   else()
-    file(ARCHIVE_EXTRACT INPUT "${package}" DESTINATION "${work}/root")
+    file(ARCHIVE_EXTRACT INPUT "${package}" DESTINATION "${work}/unpacked")
   endif()
 endforeach()

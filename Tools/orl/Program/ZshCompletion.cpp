@@ -38,7 +38,7 @@ fi
 
 constexpr char kMessage[] = " "; // zsh shows the name of the value
 
-// A colon ends a part of a specification, and a bracket ends its explanation.
+// In an argument of _arguments a colon ends a field, and a bracket ends the explanation.
 std::string Escaped(const std::string& inText)
 {
     std::string escaped;
@@ -61,16 +61,16 @@ std::string Action(const std::string& inValue)
     }
 }
 
-std::string ValueSpecification(const std::string& inValue)
+std::string ValueSpec(const std::string& inValue)
 {
     return ':' + Escaped(inValue) + ':' + Action(inValue);
 }
 
-std::string Specifications(const OptionEntry& inOption)
+std::string Specs(const OptionEntry& inOption)
 {
     const std::string repeatable = inOption.mIsRepeatable ? "*" : "";
     const std::string excluded = inOption.mIsRepeatable ? "" : '(' + Joined(inOption.mNames) + ')';
-    const std::string value = inOption.mValue.empty() ? "" : ValueSpecification(inOption.mValue);
+    const std::string value = inOption.mValue.empty() ? "" : ValueSpec(inOption.mValue);
     std::string text;
     for (const std::string& name : inOption.mNames) {
         const bool isLong = name.compare(0, 2, "--") == 0;
@@ -81,7 +81,7 @@ std::string Specifications(const OptionEntry& inOption)
     return text;
 }
 
-std::string ArgumentSpecification(const OptionEntry& inArgument)
+std::string ArgumentSpec(const OptionEntry& inArgument)
 {
     // A message would keep zsh from inserting the only option that fits.
     const std::string action = Action(inArgument.mValue) == kMessage ? "( )" : Action(inArgument.mValue);
@@ -103,9 +103,9 @@ std::string Subcommands(const CommandEntry& inPlace, const std::vector<CommandEn
 
 std::string Place(const CommandEntry& inPlace, const std::vector<CommandEntry>& inPlaces)
 {
-    std::string specifications;
+    std::string specs;
     for (const OptionEntry& option : inPlace.mOptions) {
-        specifications += Specifications(option);
+        specs += Specs(option);
     }
     std::string text = "    (" + ShellQuoted(inPlace.mName) + ")\n";
     if (!inPlace.mSubcommands.empty()) {
@@ -113,10 +113,10 @@ std::string Place(const CommandEntry& inPlace, const std::vector<CommandEntry>& 
         text += "      [[ $PREFIX == -* ]] || _describe command commands\n";
     } else {
         for (const OptionEntry& argument : inPlace.mArguments) {
-            specifications += ArgumentSpecification(argument);
+            specs += ArgumentSpec(argument);
         }
     }
-    return text + (specifications.empty() ? "" : "      _arguments" + specifications + '\n') + "      ;;\n";
+    return text + (specs.empty() ? "" : "      _arguments" + specs + '\n') + "      ;;\n";
 }
 
 } // namespace
