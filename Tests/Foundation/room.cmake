@@ -1,3 +1,5 @@
+orl_test_folder(LoadUnload)
+
 # Separate hosts, linked to the shared libraries as real hosts are.
 add_executable(lifecycle_host Foundation/LifecycleHost.cpp)
 target_link_libraries(lifecycle_host PRIVATE ORLFoundation orl_strict)
@@ -14,9 +16,9 @@ target_link_libraries(services_at_exit_host PRIVATE ORLFoundation orl_strict)
 add_dependencies(${room_target} services_at_exit_host)
 
 # A host that is not linked to the library, but loads and unloads it, directly and through a plug-in.
-add_executable(load_unload_host Foundation/LoadUnloadHost.cpp Foundation/LoadUnloadHost${ORL_PLATFORM}.cpp)
+add_executable(load_unload_host Foundation/LoadUnload/LoadUnloadHost.cpp Foundation/LoadUnload/LoadUnloadHost${ORL_PLATFORM}.cpp)
 target_link_libraries(load_unload_host PRIVATE orl_strict ${CMAKE_DL_LIBS} Threads::Threads)
-add_library(load_unload_module MODULE Foundation/LoadUnloadModule.cpp)
+add_library(load_unload_module MODULE Foundation/LoadUnload/LoadUnloadModule.cpp)
 target_link_libraries(load_unload_module PRIVATE ORLFoundation orl_strict)
 set_target_properties(load_unload_module PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 target_compile_definitions(load_unload_host PRIVATE "ORL_LIBRARY_FILE=\"$<TARGET_FILE_NAME:ORLFoundation>\""

@@ -25,7 +25,8 @@ endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 set_property(SOURCE "${orl_folder}/Common/Json.cpp" APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Common/Output"
-  "${orl_folder}/Common/Terminal" "${orl_folder}/Ingest" "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record")
+  "${orl_folder}/Common/Terminal" "${orl_folder}/Ingest" "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record"
+  "${orl_folder}/Ingest/Report")
 
 file(GLOB verify_files CONFIGURE_DEPENDS "${orl_folder}/Verify/*.cpp" Ingest/Verify/*Test.cpp)
 set_property(SOURCE ${verify_files} APPEND PROPERTY INCLUDE_DIRECTORIES "${orl_folder}" "${orl_folder}/Verify")

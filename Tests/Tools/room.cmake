@@ -1,9 +1,11 @@
+orl_test_folder(Stream)
+
 # The tests run the program that is built in the same folder.
 add_dependencies(${room_target} orl resource_files resources_lookup images_pictures)
 
 # A host that runs orl's stream code while the test truncates the file.
 set(orl_folder "${PROJECT_SOURCE_DIR}/Tools/orl")
-add_executable(shrinking_stream_host Tools/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
+add_executable(shrinking_stream_host Tools/Stream/ShrinkingStreamHost.cpp "${orl_folder}/Stream/StreamFile.cpp"
   "${orl_folder}/Common/UnbufferedRead.cpp" "${orl_folder}/Common/Failure.cpp" "${orl_folder}/Common/Text.cpp" "${orl_folder}/Common/Terminal/TextWidth.cpp")
 target_include_directories(shrinking_stream_host PRIVATE "${orl_folder}/Common" "${orl_folder}/Common/Terminal" "${orl_folder}/Stream")
 target_link_libraries(shrinking_stream_host PRIVATE ORLFoundation orl_strict)

@@ -1,7 +1,7 @@
 #include "ValueTable.h"
 
 #include "Colour/ColourForms.h"
-#include "Ingest/IngestSummary.h"
+#include "Ingest/Report/IngestSummary.h"
 #include "Timecode/TimecodeFormatNames.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 // orl verify FOLDER... and orl verify --merge PART...
 #include "Console.h"
 #include "Failure.h"
-#include "Ingest/IngestProgress.h"
+#include "Ingest/Report/IngestProgress.h"
 #include "StartedLibrary.h"
 #include "StopRequest.h"
 #include "Text.h"

@@ -1,7 +1,7 @@
 // The output at the end of an ingest.
 #pragma once
 
-#include "IngestDestinations.h"
+#include "../IngestDestinations.h"
 
 #include <string>
 

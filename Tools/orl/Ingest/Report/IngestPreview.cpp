@@ -1,7 +1,7 @@
 #include "IngestPreview.h"
 
+#include "../Plan/IngestNames.h"
 #include "Failure.h"
-#include "Plan/IngestNames.h"
 #include "Text.h"
 #include "TextWidth.h"
 

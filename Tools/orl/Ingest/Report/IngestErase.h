@@ -1,8 +1,8 @@
 // Decides whether the source may be erased after an ingest.
 #pragma once
 
-#include "IngestDestinations.h"
-#include "Plan/IngestListing.h"
+#include "../IngestDestinations.h"
+#include "../Plan/IngestListing.h"
 
 #include <cstddef>
 #include <functional>

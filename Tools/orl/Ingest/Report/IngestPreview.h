@@ -1,7 +1,7 @@
 // The work that an ingest would do, determined without changing anything.
 #pragma once
 
-#include "IngestDestinations.h"
+#include "../IngestDestinations.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 // The result of an ingest for other programs.
 #pragma once
 
-#include "IngestDestinations.h"
+#include "../IngestDestinations.h"
 #include "IngestErase.h"
 
 #include <ostream>
