@@ -115,3 +115,36 @@ TEST_F(OrlIngestDryRun, OfADestinationThatIsRefused_SaysSo)
     EXPECT_TRUE(Shows(DryRun(1), "disk\": refused.\n"));
     EXPECT_TRUE(Shows(DryRun(1, {(All() / "other").u8string()}), "other\": 3 files to copy"));
 }
+
+TEST_F(OrlIngestDryRun, AsJson_HasALineForEachFileAndDestinationAndChangesNothing)
+{
+    mFolder.MakeFolder("all/disk");
+    mFolder.MakeFile("all/disk/a", "another file");
+    mFolder.MakeFile("all/disk/none", "");
+    mFolder.MakeFile("all/card/skipped", "s");
+    const auto before = Snapshot(All());
+    const ProcessResult result = Ingest({"--dry-run", "--json", "--replace", "--exclude", "skipped"});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ(before, Snapshot(All()));
+    std::string disk;
+    for (const char character : Disk().u8string()) {
+        disk += (character == '\\' ? "\\" : "") + std::string(1, character);
+    }
+    const std::string start = "{\"destination\": \"" + disk + "\", ";
+    EXPECT_TRUE(Shows(result.mOutput, start + "\"file\": \"a\", \"work\": \"replace\", \"bytes\": 1}\n"));
+    EXPECT_TRUE(Shows(result.mOutput, start + "\"file\": \"none\", \"work\": \"compare\", \"bytes\": 0}\n"));
+    EXPECT_TRUE(
+        Shows(result.mOutput, start + "\"isRefused\": false, \"foldersToCreate\": 1, \"volumes\": [{\"folder\": "));
+    EXPECT_TRUE(Shows(result.mOutput, "{\"excluded\": \"skipped\", \"pattern\": \"skipped\"}\n"));
+    EXPECT_TRUE(Shows(result.mOutput, "{\"summary\": true, \"isDryRun\": true, \"errors\": []}\n")) << result.mOutput;
+}
+
+TEST_F(OrlIngestDryRun, AsJson_OfARefusedDestination_HasTheError)
+{
+    mFolder.MakeFolder("all/disk");
+    mFolder.MakeFile("all/disk/ingest.sha256", "a diary\n");
+    const ProcessResult result = Ingest({"--dry-run", "--json"});
+    EXPECT_EQ(1, result.mExitCode);
+    EXPECT_TRUE(Shows(result.mOutput, "\"isRefused\": true, \"foldersToCreate\": 0, \"volumes\": []}\n"));
+    EXPECT_TRUE(Shows(result.mOutput, "\"isDryRun\": true, \"errors\": [\"ingest: ")) << result.mOutput;
+}

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace ORLTest;
 
@@ -242,4 +243,20 @@ TEST_F(OrlIngestOnLinux, AFileTooLargeForTheFileSystem_IsToldBeforeAnythingIsDon
         ExpectNoRoom("limited to 4.3 GB");
     }
     ORL::Foundation::Terminate();
+}
+
+TEST_F(OrlIngestOnLinux, NamesThatDifferOnlyInCase_AreShownInTheDryRun)
+{
+    WriteFile(Card() / "Clip", "1");
+    WriteFile(Card() / "CLIP", "2");
+    WriteFile(Card() / "other", "3");
+    const std::vector<std::string> words = {"ingest", Card().string(), Disk().string(), "--dry-run"};
+    EXPECT_NE(
+        std::string::npos,
+        RunBesideThisProgram("orl", words).mOutput.find("one file on a volume that ignores case: \"CLIP\" \"Clip\"\n"));
+    std::vector<std::string> asJson = words;
+    asJson.push_back("--json");
+    EXPECT_NE(std::string::npos,
+              RunBesideThisProgram("orl", asJson)
+                  .mOutput.find("\n{\"namesAlike\": [{\"file\": \"CLIP\"}, {\"file\": \"Clip\"}]}\n"));
 }

@@ -85,8 +85,12 @@ void ShowPlan(const Options& inOptions, std::vector<IngestDestination>& ioDestin
 {
     const IngestPreview preview =
         PreviewIngest(ioDestinations, inOptions.mManifest, inOptions.mSettings, &IsStopRequested);
-    PrintExcluded(preview.mExcluded, inOptions.mSettings.mExclusions);
-    PrintPreview(preview, ioDestinations);
+    if (inOptions.mAsJson) {
+        PrintPreviewJson(std::cout, preview, ioDestinations);
+    } else {
+        PrintExcluded(preview.mExcluded, inOptions.mSettings.mExclusions);
+        PrintPreview(preview, ioDestinations);
+    }
     ReportAndThrow(TroublesOf(ioDestinations), RunEnd::kFinished);
 }
 
@@ -188,9 +192,7 @@ void AddIngest(CLI::App& ioProgram)
                      "copies of each file that make the source safe to erase (default: one at each destination)")
         ->type_name("NUMBER")
         ->check(CLI::PositiveNumber.description(""));
-    CLI::Option* const dryRun = command->get_option("--dry-run");
-    command->add_flag("--json", options->mAsJson, "write one JSON object a line for each file, then a summary")
-        ->excludes(dryRun);
+    command->add_flag("--json", options->mAsJson, "write one JSON object a line for each file, then a summary");
     AddExclusions(*command, options);
     command->callback([options] {
         options->mSettings.mExclusions = ExclusionsOf(*options);

@@ -61,6 +61,67 @@ void PrintExcludedEntry(std::ostream& ioStream, const ExcludedEntry& inEntry)
     }
 }
 
+std::string ErrorsMember(const std::vector<IngestDestination>& inDestinations)
+{
+    std::string member = "\"errors\": [";
+    const char* separator = "";
+    for (const IngestTrouble& trouble : TroublesOf(inDestinations)) {
+        member += separator + JsonQuoted(trouble.mText);
+        separator = ", ";
+    }
+    return member + ']';
+}
+
+const char* WorkOf(const IngestItem& inItem)
+{
+    switch (inItem.mState) {
+    case IngestItem::kToCopy: return "copy";
+    case IngestItem::kToCheck: return "compare";
+    case IngestItem::kToReplace: return "replace";
+    default: return "verifiedBefore";
+    }
+}
+
+void PrintPlannedFiles(std::ostream& ioStream, const IngestDestination& inDestination)
+{
+    for (const IngestItem& item : inDestination.mPlan.mItems) {
+        ioStream << "{\"destination\": " << JsonQuoted(inDestination.mRoots.mShownDestination) << ", "
+                 << JsonNameMember("file", item.mName) << ", \"work\": \"" << WorkOf(item)
+                 << "\", \"bytes\": " << item.mSize << "}\n";
+    }
+}
+
+void PrintVolumes(std::ostream& ioStream, const IngestPreview& inPreview, const IngestDestination& inDestination)
+{
+    const bool isRefused = inDestination.mPlan.mVolumes.empty();
+    ioStream << "{\"destination\": " << JsonQuoted(inDestination.mRoots.mShownDestination)
+             << ", \"isRefused\": " << (isRefused ? "true" : "false")
+             << ", \"foldersToCreate\": " << inDestination.mPlan.mFolders.size() << ", \"volumes\": [";
+    const char* separator = "";
+    for (const IngestVolume& volume : inDestination.mPlan.mVolumes) {
+        const auto leftovers = inPreview.mLeftovers.find(volume.mVolume);
+        ioStream << separator << '{'
+                 << JsonNameMember("folder", JoinHostPath(inDestination.mRoots.mShownDestination, volume.mFolder))
+                 << ", \"freeBytes\": " << FreeRoomOf(volume, inDestination.mRoots)
+                 << ", \"neededBytes\": " << volume.mBytes
+                 << ", \"unfinishedBytes\": " << (leftovers == inPreview.mLeftovers.end() ? 0 : leftovers->second)
+                 << '}';
+        separator = ", ";
+    }
+    ioStream << "]}\n";
+}
+
+void PrintNamesAlike(std::ostream& ioStream, const std::vector<std::string>& inNames)
+{
+    ioStream << "{\"namesAlike\": [";
+    const char* separator = "";
+    for (const std::string& name : inNames) {
+        ioStream << separator << '{' << JsonNameMember("file", name) << '}';
+        separator = ", ";
+    }
+    ioStream << "]}\n";
+}
+
 } // namespace
 
 void PrintIngestJson(std::ostream& ioStream, const std::vector<IngestDestination>& inDestinations,
@@ -79,13 +140,24 @@ void PrintIngestJson(std::ostream& ioStream, const std::vector<IngestDestination
              << ", \"excludedByPattern\": " << inListing.mExcluded.size() - static_cast<std::size_t>(systemFolders)
              << ", \"excludedSystemFolders\": " << systemFolders
              << ", \"isSafeToErase\": " << (inVerdict.mIsSafe ? "true" : "false")
-             << ", \"verdict\": " << JsonQuoted(inVerdict.mLine) << ", \"errors\": [";
-    const char* separator = "";
-    for (const IngestTrouble& trouble : TroublesOf(inDestinations)) {
-        ioStream << separator << JsonQuoted(trouble.mText);
-        separator = ", ";
+             << ", \"verdict\": " << JsonQuoted(inVerdict.mLine) << ", " << ErrorsMember(inDestinations) << '}'
+             << std::endl;
+}
+
+void PrintPreviewJson(std::ostream& ioStream, const IngestPreview& inPreview,
+                      const std::vector<IngestDestination>& inDestinations)
+{
+    for (const IngestDestination& destination : inDestinations) {
+        PrintPlannedFiles(ioStream, destination);
+        PrintVolumes(ioStream, inPreview, destination);
     }
-    ioStream << "]}" << std::endl;
+    for (const ExcludedEntry& entry : inPreview.mExcluded) {
+        PrintExcludedEntry(ioStream, entry);
+    }
+    for (const std::vector<std::string>& names : inPreview.mNamesAlike) {
+        PrintNamesAlike(ioStream, names);
+    }
+    ioStream << "{\"summary\": true, \"isDryRun\": true, " << ErrorsMember(inDestinations) << '}' << std::endl;
 }
 
 } // namespace orl
