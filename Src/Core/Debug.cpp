@@ -44,7 +44,7 @@ bool ReportAssert(IgnoreFlag& ioIgnore, const char* inExpression, const char* in
     bool ignore = false;
     const bool wantsBreak = tvxcore::debug::BreakAfterAssertDialog(
         ignore, inExpression, reinterpret_cast<const unsigned char*>(inMessage), inFile, inLine, inFunction);
-    if (ignore) { // never cleared: a concurrent report of the same site may have set the flag
+    if (ignore) { // otherwise keeps the flag, which a concurrent report of the same site may have set
         ioIgnore.store(true, std::memory_order_relaxed);
     }
     return wantsBreak && tvxcore::debug::IsDebuggerAttached();

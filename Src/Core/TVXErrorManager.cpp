@@ -28,7 +28,7 @@ void TraceSwallowedWarning(const char* inZString, long inErrorID)
     line << "<" << tvxcore::threads::GetCurrentThreadID() << "> <" << sSite.Category() << "> <" << sSite.Level() << "> "
          << inZString << "The warning errorID=" << inErrorID << "inZString= " << inZString
          << " exception was swallowed." << std::endl;
-    if (line.good()) { // false if out of memory: the line is then incomplete
+    if (line.good()) { // false after an allocation failure, which leaves the line incomplete
         tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(line.str().c_str()));
     }
 }
@@ -45,7 +45,7 @@ void TVXErrorManager::ThrowError(ErrorLevel inLevel, const char* inZString, unsi
     try {
         TraceSwallowedWarning(inZString, inErrorID);
     } catch (...) {
-        // A warning never throws: its line is lost if memory is exhausted. The trace catches a sink's exceptions.
+        // A warning never throws: if memory is exhausted, its line is lost. Trace itself catches exceptions of sinks.
     }
 }
 

@@ -20,7 +20,7 @@ TVXException::~TVXException() = default;
 
 namespace {
 
-// Returns the default text of a ZString, or a fixed message if that text is missing or too long.
+// Returns the default string of a ZString, or a fixed message if that string is missing or too long.
 const char* ShownText(const char* inZString)
 {
     constexpr std::size_t kTooLong = 201; // the smallest length that is too long, counted from the "="

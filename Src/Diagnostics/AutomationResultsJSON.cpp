@@ -9,8 +9,8 @@ namespace ORL {
 
 namespace {
 
-// The JSON library only quotes the strings. The library's objects and arrays are not used, because one under
-// construction leaks if memory runs out.
+// Uses the JSON library only to quote strings. Its objects and arrays are not used, because they leak if memory runs
+// out while they are constructed.
 std::string Quoted(const UTF16String& inText)
 {
     const UTF8String text = tvxcore::utility::UTF16to8(inText);

@@ -35,7 +35,7 @@ const UTF16String& FullPath()
     return sFullPath.mValue;
 }
 
-// If the key cannot be created, it stays closed and operations on it fail.
+// Ignores failures: a key that cannot be created stays closed, so all operations on it fail.
 void OpenCacheKey(RegistryKey& outKey)
 {
     outKey.Create(RegistryRootKeys::kUser, FullPath());

@@ -47,7 +47,7 @@ Result GetMaxFileSize(const UTF16String& inPath, unsigned __int64& outSize, cons
     if (error != SystemErrors::kNoError) {
         return ResultOf(error);
     }
-    // Every file system supports a file of this size, so the name is queried only if more space is free.
+    // Every file system supports files of this size, so its name is queried only if more space is free.
     if (free > kLargestFATFile) {
         UTF16String name;
         error = inQueries.mGetFileSystemName(volume, name);

@@ -16,8 +16,8 @@ using namespace Files::Platform;
 
 namespace {
 
-// Returns true if the access is read-only, no other handle may write to the file, and the caller does not bypass the
-// system's cache itself.
+// Returns true if the caller opens the file read-only, shares no write access, and does not bypass the system's cache
+// itself.
 bool MayUseBuffer(FileAccessFlags::Type inAccess, FileShareModeFlags::Type inShareMode,
                   FileAttributesFlags::Type inAttributes)
 {

@@ -24,7 +24,7 @@ std::uint32_t BytesLeft(std::uint64_t inStart, std::uint32_t inCount, std::uint6
 
 } // namespace
 
-// Returns the block from the buffer, or else reads it from disk and offers it to the buffer. Even the last block is
+// Gets the block from the buffer, or else reads it from disk and offers it to the buffer. Even the last block is
 // requested in full, although fewer bytes are read; the bytes past the end are never used.
 Result File::PrivateImpl::FetchBlock(std::int64_t inBlockPosition, Block& outBlock)
 {
@@ -66,7 +66,7 @@ Result File::PrivateImpl::ReadThroughBuffer(void* outBuffer, std::uint32_t inCou
         blockPosition += mBlockSize;
         offset = 0;
     }
-    // FetchBlock moved the position.
+    // Set here, because FetchBlock has moved the position.
     mPosition = start + outBytesRead;
     return kSuccess;
 }

@@ -26,7 +26,7 @@ bool ReportProgress(std::uint64_t inTotal, std::uint64_t inTransferred, void* in
     return progress.mCallback(static_cast<float>(inTransferred) / static_cast<float>(inTotal), progress.mData);
 }
 
-// Maps fewer errors than the other operations do: most other copy failures are due to a full disk.
+// Maps all unlisted errors to kDiskFull, because most other copy failures are due to a full disk.
 Result ResultOfCopy(SystemError inError)
 {
     switch (inError) {

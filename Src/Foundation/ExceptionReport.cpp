@@ -85,7 +85,7 @@ UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_RECORD* 
 {
     const FailureReport::Platform::ExceptionFacts facts = FailureReport::Platform::ReadExceptionRecord_Impl(inRecord);
     tvxcore::oUTF16StringStream report;
-    report.imbue(std::locale::classic()); // a different global locale could group the digits of an address
+    report.imbue(std::locale::classic()); // the host's global locale might group the digits of an address
     report << "The WIN32 exception record reported the following information:\r\n";
     report << "Exception Code: " << Win32ExceptionCodeToString(facts.mCode) << "\r\n";
     report << "This exception is "

@@ -38,7 +38,7 @@ std::string AlertText(const std::string& inWhat)
     return text.str();
 }
 
-// Returns 1 if the user chose to debug.
+// Returns 1 if the user chose to debug, otherwise 0.
 long AlertUnlessIgnored(Debug::IgnoreFlag& ioIgnore, const char* inWhat)
 {
     if (ioIgnore.load(std::memory_order_relaxed)) {

@@ -22,7 +22,7 @@ constexpr long kLevel = 1;
 
 const CriticalSection sStatisticsLock;
 
-// A line of the statistics. Each has its own trace site.
+// A line of the statistics, with its own trace site.
 struct Subject
 {
     TraceSite mSite;
@@ -109,7 +109,7 @@ void TraceRegions(RegionSource& ioSource)
         TraceRegion(address, region);
         address += region.mSize;
         if (address == 0) {
-            break; // the walk is past the top of the address space
+            break; // the address wrapped around at the top of the address space
         }
     }
 }

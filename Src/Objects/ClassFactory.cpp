@@ -14,7 +14,7 @@ namespace {
 
 using ClassMap = std::map<Guid, ClassMapEntry>;
 
-// Mixes the two words of the Guid without further hashing: both are random except for a few bits.
+// Combines the two words of the Guid with one multiplication: both words are random except for a few bits.
 struct HashOfGuid
 {
     std::size_t operator()(const Guid& inID) const noexcept

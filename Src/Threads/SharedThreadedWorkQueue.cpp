@@ -33,7 +33,7 @@ QueueRef Find(const QueueMap& inQueues, ThreadPriorities::Type inPriority)
     return found != inQueues.end() ? found->second : QueueRef();
 }
 
-// The caller must hold the maps' lock.
+// The caller must hold mLock, which guards both maps.
 QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const Kind& inKind)
 {
     if (const QueueRef found = Find(ioQueues, inPriority)) {
@@ -45,7 +45,7 @@ QueueRef FindOrMake(QueueMap& ioQueues, ThreadPriorities::Type inPriority, const
     try {
         ioQueues.insert(QueueMap::value_type(inPriority, queue));
     } catch (...) {
-        queue->Stop(); // nothing else would stop the queue
+        queue->Stop(); // because StopAll would not find the queue
         throw;
     }
     return queue;

@@ -35,7 +35,7 @@ namespace Platform {
 
 namespace {
 
-// Names for the values of inIsMainThread, which is a bool in the public header.
+// Names for the values of the parameter inIsMainThread, which the public header declares as a bool.
 constexpr bool kMainThread = true;
 constexpr bool kOtherThread = false;
 
@@ -156,8 +156,8 @@ namespace {
 
 enum class MainThreadID { kSet, kCheck };
 
-// The only access to the main thread's identifier, which is set once and never reset. Returns true if the calling
-// thread is the main thread.
+// The only function that accesses the main thread's identifier, which is set once and never reset. Returns true if the
+// calling thread is the main thread.
 bool SetOrCheckMainThreadID(MainThreadID inAction)
 {
     static std::atomic<std::uint32_t> mainThreadID{0};

@@ -19,7 +19,7 @@ using tvxcore::threads::AsyncThreadedExecutor;
 using tvxcore::threads::RepeatDelayFunction;
 using Request = ThreadedWorkQueue::Request;
 
-// An owning pointer. Only comparison with null is allowed without a lock.
+// An owning pointer. Callers must hold a lock, except to compare it with null.
 class IdleFunction
 {
 public:
@@ -55,7 +55,7 @@ int ConvertThreadAllocationPolicy(int inThreadAllocationPolicy)
     return inThreadAllocationPolicy > 0 ? inThreadAllocationPolicy : 1;
 }
 
-// Runs once: the executor guarantees that for every function it accepts. The request's reference count therefore
+// The executor runs each function that it accepts exactly once. The request's reference count therefore
 // travels with this object and is released after Process, and boost::function copies only a plain pointer. A counted
 // reference instead would cost each queued request eight more increments and decrements.
 class RunOnce

@@ -38,7 +38,7 @@ int Fail(const std::string& inText, int inExitCode)
     return inExitCode;
 }
 
-// Buffered output may still fail, for instance on a full disk.
+// Flushes standard output, because writing buffered output may still fail, for instance on a full disk.
 int Finish()
 {
     std::cout.flush();
@@ -48,7 +48,7 @@ int Finish()
 int Run(std::vector<std::string> inArguments)
 {
     CLI::App program("Shows what ORLFoundation can do with files, and facts about this machine.", "orl");
-    // Subcommands inherit the help flag and the help text, so these come first.
+    // Subcommands inherit the help flag and the help text, so these are set first.
     program.set_help_flag("-h,--help", "print this help, and exit");
     program.set_version_flag("-v,--version", "orl " ORL_VERSION, "print the version, and exit");
     program.require_subcommand(1);

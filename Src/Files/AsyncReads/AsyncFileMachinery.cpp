@@ -16,7 +16,7 @@ using namespace Platform;
 
 namespace {
 
-// Immortal, so that process exit does not wait for the executor's thread if the host never stops the library.
+// Never destroyed: if the host never stops the library, process exit would wait for the executor's thread.
 Immortal<boost::shared_ptr<tvxcore::threads::AsyncThreadedExecutor>> sReadThreadQueueStorage;
 
 Handle sCompletionThread = nullptr;
@@ -125,7 +125,7 @@ void ReadStart::operator()() const
 {
     const SystemError error = StartRead_Impl(mFile, mRequest->mBuffer, mRequest->mSize, &mRequest->mOverlapped);
     const bool isStarted = error == SystemErrors::kNoError || error == SystemErrors::kErrorIoPending;
-    // A started read may complete at any time, which frees its request: dereference mRequest only if the start failed.
+    // A started read may complete at any time and free its request: dereference mRequest only if the start failed.
     const bool isFull = isStarted && sReadBatch.Add(*mRequest);
     const bool moreFollow = sQueuedStarts.fetch_sub(1, std::memory_order_relaxed) > 1;
     if (!isStarted || isFull || !moreFollow) {

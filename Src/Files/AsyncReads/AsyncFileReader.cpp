@@ -14,7 +14,7 @@ using namespace AsyncFiles::Platform;
 
 namespace {
 
-// For failures without a named result code.
+// The result for failures that have no named code.
 constexpr Result kBareFailure = -1;
 
 const Handle INVALID_HANDLE_VALUE = InvalidHandle();
@@ -28,7 +28,7 @@ void CloseFile(Handle& ioFile, AsyncReadBusyRequests& ioBusyRequests)
     }
 }
 
-// Frees the request unless HandOver() is called: queueing it fails if there is no memory or no executor.
+// Frees the request unless HandOver() is called, because queueing may fail for lack of memory or of an executor.
 class RequestOwner
 {
 public:

@@ -21,7 +21,7 @@ UTF16String DetachAll(UTF16String& ioPath)
     return whole;
 }
 
-// Removes the leaf from a path that is too long for the shell, and returns it unconverted. A path that ends in a
+// Removes the leaf from a path that is too long for the shell, and returns that leaf unconverted. A path that ends in a
 // backslash is returned whole and left unchanged.
 UTF16String DetachLeaf(UTF16String& ioPath)
 {

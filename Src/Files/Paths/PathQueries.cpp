@@ -19,7 +19,7 @@ bool ExistsOnDisk(const UTF16String& inFullPath)
     if (!IsRootedPath(path)) {
         return false;
     }
-    // FindEntry_Impl does not find the root of a drive, which is not an entry of any directory.
+    // FindEntry_Impl does not find the root of a drive, because no directory has an entry for it.
     return Platform::FindEntry_Impl(path) || IsDirectory(path);
 }
 

@@ -95,7 +95,7 @@ private:
 
     bool IsAtLimit() const { return mLimit != Directory::kNoLimit && mCount >= mLimit; }
 
-    // Makes the directory the deepest level. Returns false if it counts as empty.
+    // Opens the directory as the new deepest level. Returns false if the directory counts as empty.
     bool Enter(const UTF16String& inPath, EntryKind inKind)
     {
         ListingPtr listing = OpenListing(inPath);

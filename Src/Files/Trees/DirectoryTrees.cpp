@@ -15,7 +15,7 @@ using namespace Directories::Platform;
 constexpr const char* kFunction = "ORL::`anonymous-namespace'::FileOperation";
 constexpr const char* kMessage = "UNC paths are not supported by SHFileOperation!";
 
-// The shell accepts only plain paths. It operates on the contents of the directory, not on the directory itself.
+// Operates on the contents of inSource, not on the directory itself. The shell accepts only plain paths.
 Result FileOperation(const UTF16String& inSource, const UTF16String& inDestination, ShellFunction inFunction)
 {
     if (PathUtils::IsNormalizedPath(inSource)) {

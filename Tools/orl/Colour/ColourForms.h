@@ -11,7 +11,7 @@ namespace orl {
 
 enum class ColourForm { kRGB, kHSL, kHSV, kYUV, kYPbPr, kYIQ, kIRE };
 
-/// Returns the names on the command line, in the order in which forms are shown: "rgb", "hsl", ...
+/// Returns the command-line names of all forms in display order: "rgb", "hsl", ...
 const std::vector<std::string>& ColourFormNames();
 
 /// Returns the names of the forms that ReadColour accepts.
@@ -25,10 +25,10 @@ std::optional<ColourForm> ColourFormOf(const std::string& inName);
 /// from -0.5 to 0.5 for ypbpr. Throws Failure with exit code 2 if the string cannot be parsed.
 ORL::ParamColor<unsigned long> ReadColour(const std::string& inText, ColourForm inForm);
 
-/// Returns the numbers of a colour in a form, as a string: "255 128 0", "30 100 50".
+/// Returns the components of a colour in a form as strings: "255", "128", "0".
 std::vector<std::string> ColourNumbers(const ORL::ParamColor<unsigned long>& inColour, ColourForm inForm);
 
-/// Returns the names of a form's numbers: "r", "g", "b".
+/// Returns the names of a form's components: "r", "g", "b".
 std::vector<std::string> ColourNumberNames(ColourForm inForm);
 
 /// Returns "#ff8000".

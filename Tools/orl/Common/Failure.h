@@ -1,4 +1,4 @@
-// Exit codes and exceptions with which a command fails.
+// Exit codes, and the exceptions that a failing command throws.
 #pragma once
 
 #include <ORLResult.h>
@@ -41,8 +41,8 @@ private:
 /// Writes "orl: " and the message as one line on standard error, after flushing standard output.
 void ReportError(const std::string& inText);
 
-/// Thrown by a command that has reported each failure, after the rest of its work. The program exits with kExitFailure
-/// and prints nothing more.
+/// Thrown at the end by a command that has already reported each failure and done all other work. The program exits
+/// with kExitFailure and prints nothing more.
 class PartialFailure : public std::runtime_error
 {
 public:

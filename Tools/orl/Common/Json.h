@@ -39,7 +39,7 @@ public:
     static Json Array();
     static Json Object();
 
-    /// Converts a decimal number.
+    /// Makes a number from its decimal digits.
     static Json Number(const std::string& inText);
 
     /// Adds a member to an object, or replaces it.
@@ -48,7 +48,7 @@ public:
     /// Adds an element to an array.
     void Append(const Json& inValue);
 
-    /// Returns the value over several lines, with a line end. Invalid UTF-8 becomes U+FFFD, because JSON cannot
+    /// Returns the value on several lines, with a final line end. Invalid UTF-8 becomes U+FFFD, because JSON cannot
     /// represent it.
     std::string Document() const;
 

@@ -13,7 +13,7 @@ namespace {
 std::atomic<bool> sIsRequested{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler must not wait for a lock");
 
-// On Windows each delivery resets the handler; without a new one the second Ctrl-C would end the process.
+// On Windows each signal uninstalls its handler; unless reinstalled here, a second Ctrl-C would end the process.
 void SetFlag(int inSignal)
 {
     std::signal(inSignal, &SetFlag);

@@ -12,7 +12,7 @@ std::string ToUTF8(const UTF16String& inText);
 UTF16String ToUTF16(const std::string& inText);
 
 /// Converts an argument to a library path. A rooted argument (a drive letter and ":", or two backslashes) is already a
-/// library path; any other is a host path, relative to the current folder. On Linux, write "./C:name" for a host file
+/// library path; any other is a host path, which may be relative. On Linux, write "./C:name" for a host file
 /// whose name begins like a drive. Throws Failure if no drive contains the path.
 UTF16String PathOfArgument(const std::string& inArgument);
 
@@ -28,10 +28,10 @@ std::string JoinHostPath(const std::string& inFolder, const std::string& inName)
 /// Replaces each control character with "?", so that a string stays on one line and cannot control the terminal.
 std::string WithoutControlCharacters(const std::string& inText);
 
-/// Returns the string on one line, padded with blanks to that many terminal columns.
+/// Returns the string on one line, padded with blanks to a width of inColumns terminal columns.
 std::string PaddedTo(std::size_t inColumns, const std::string& inText);
 
-/// Returns the string on one line; if wider than that many terminal columns, "..." and the end of the string.
+/// Returns the string on one line. A string wider than inColumns terminal columns becomes "..." and its end.
 std::string TruncateFront(const std::string& inText, std::size_t inColumns);
 
 /// Returns two lower-case digits per byte.

@@ -154,7 +154,7 @@ private:
             slot.mIsDone = false;
         }
         slot.mQueued = Clock::now();
-        // Whole sectors, even for the last block, whose read is short.
+        // Requests whole sectors even for the last block; that read returns fewer bytes.
         const std::size_t size = RoundUp(ExpectedBytes(inBlock), mSector);
         mReader.QueueReadRequest(PositionOf(inBlock), static_cast<unsigned>(size), BytesOf(inBlock), &OnRead, this,
                                  &slot, nullptr);
@@ -194,8 +194,8 @@ private:
         return mCompleted.wait_for(lock, inTime, [&inSlot] { return inSlot.mIsDone; });
     }
 
-    // A read beyond the end that the OS accepts fails on completion, and its callback never runs. Checking the size
-    // avoids waiting for the whole timeout. The query runs on its own thread, because a disconnected disk may not
+    // If the OS accepts a read past the end of the file, the read fails later and its callback never runs. Checking the
+    // size avoids waiting for the whole timeout. The query runs on its own thread, because a disconnected disk may not
     // answer the query either.
     void CheckNotTruncated()
     {

@@ -22,7 +22,7 @@ void Check(NTSTATUS inStatus)
     }
 }
 
-// The provider of the process, which is never closed.
+// Returns the SHA-256 provider that the process shares and never closes.
 BCRYPT_ALG_HANDLE Provider()
 {
     static const BCRYPT_ALG_HANDLE sProvider = [] {
@@ -47,7 +47,7 @@ Sha256::~Sha256()
 
 void Sha256::Add(const void* inBytes, std::size_t inCount)
 {
-    // The service does not modify its input.
+    // The cast is safe: BCryptHashData does not modify its input.
     UCHAR* const bytes = static_cast<UCHAR*>(const_cast<void*>(inBytes));
     Check(::BCryptHashData(mState->mHash, bytes, static_cast<ULONG>(inCount), 0));
 }

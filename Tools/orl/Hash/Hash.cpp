@@ -26,7 +26,7 @@ constexpr unsigned int kBlockSize = 1 << 20;
 
 Failure CannotRead(const std::string& inFile, ORL::Result inResult)
 {
-    // File::Open returns -1 if the file does not exist.
+    // File::Open returns -1, which has no description, if the file does not exist.
     return Failure("hash: cannot read \"" + WithoutControlCharacters(inFile)
                    + "\": " + Describe(inResult == -1 ? ORL::kFileNotFound : inResult));
 }

@@ -55,8 +55,8 @@ IngestedSource Ingest(const Options& inOptions, std::vector<IngestDestination>& 
 
 enum class RunEnd { kFinished, kStoppedByUser };
 
-// Reports every failure on its own line; the last is thrown as the program's error. If the user stopped the run, the
-// stop is the last failure and determines the exit code; otherwise the first failure does.
+// Prints each failure but the last on its own line, and throws the last as the program's error. If the user stopped the
+// run, the stop is the last failure and determines the exit code; otherwise the first failure determines it.
 void ReportAndThrow(const std::vector<IngestTrouble>& inTroubles, RunEnd inEnd)
 {
     if (inTroubles.empty()) {

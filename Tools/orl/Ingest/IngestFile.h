@@ -36,7 +36,7 @@ struct IngestContext
     bool mReplaces = false;
     bool mKeepsPermissions = false;
     std::function<bool()> mIsStopped;                                // called between blocks
-    std::function<void(std::uint64_t)> mOnBytesRead;                 // receives the bytes just read or read back
+    std::function<void(std::uint64_t)> mOnBytesRead;                 // receives the number of bytes just read
     std::function<void(IngestStep, const IngestItem&)> mOnStep = {}; // may be empty
 };
 

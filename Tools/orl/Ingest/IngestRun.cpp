@@ -271,7 +271,7 @@ private:
         }
     }
 
-    // Returns the folders below which something is missing. A later run writes there.
+    // Returns the folders to which a later run will write, because something below them is missing.
     std::set<std::string> IncompleteFolders() const
     {
         std::set<std::string> incomplete;
@@ -286,8 +286,8 @@ private:
         return incomplete;
     }
 
-    // Each new entry of a folder changes the folder's time, so the time is set at the end. If the time of a folder
-    // cannot be set, the folder keeps its own; this is not an error.
+    // Each new entry of a folder changes the folder's time, so the time is set at the end. A folder whose
+    // time cannot be set keeps its current time; this is not an error.
     void FinishFolder(const ListedFolder& inFolder, std::set<std::string>& ioIncomplete)
     {
         HeldFolder held;

@@ -22,7 +22,7 @@ struct SharingLimits
     bool mWaits = true;                                  // false: at the limit, drops blocks without waiting
 };
 
-/// Thread-safe. Must outlive all its readings.
+/// Thread-safe. Must outlive every SharedReading of it.
 class SharedSource
 {
 public:

@@ -38,7 +38,7 @@ namespace {
 constexpr long long kSecondsTo1970 = 11644473600;
 constexpr long long kUnitsPerSecond = 10000000;
 
-constexpr unsigned kPermissionBits = 0777; // the others (set-user-ID ...) would grant its new owner's rights
+constexpr unsigned kPermissionBits = 0777; // the others (set-user-ID ...) would grant the new owner's rights
 constexpr unsigned kReadByOwner = 0400;
 constexpr unsigned kListByOwner = 0500;
 

@@ -16,8 +16,8 @@ std::string BashCompletion(const std::vector<CommandEntry>& inPlaces);
 std::string ZshCompletion(const std::vector<CommandEntry>& inPlaces);
 std::string FishCompletion(const std::vector<CommandEntry>& inPlaces);
 
-/// Returns the table with the commands that may follow "help": "help" has the subcommands of the program, and there are
-/// entries for "help tc" and so on, with subcommands only.
+/// Returns the table, extended for the words after "help": "help" gets the subcommands of the program, and new entries
+/// for "help tc" and so on get the subcommands of "tc".
 std::vector<CommandEntry> CompletedPlaces(const std::vector<CommandEntry>& inProgram);
 
 /// Returns shell patterns that match a place, a blank and the next word: "' tc' | 'tc show'".

@@ -31,7 +31,7 @@ std::string Begin(const CommandEntry& inPlace)
     return "complete -c orl -n " + ShellQuoted("__orl_at \"" + inPlace.mName + '"');
 }
 
-// Returns the arguments that complete a value of an option or an argument.
+// Returns the arguments of fish's "complete" that offer the values of an option or a positional argument.
 std::string Values(const std::string& inValue)
 {
     const ValueEntry value = ValueOf(inValue);

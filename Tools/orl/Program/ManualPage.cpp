@@ -6,7 +6,7 @@ namespace orl {
 
 namespace {
 
-// A line that begins with a dot or an apostrophe would be a request, and a plain "-" may become a hyphen.
+// A line that begins with a dot or an apostrophe would be a roff request, and a plain "-" may become a hyphen.
 std::string Escaped(const std::string& inText)
 {
     std::string escaped = inText.compare(0, 1, ".") == 0 || inText.compare(0, 1, "'") == 0 ? "\\&" : "";

@@ -8,7 +8,7 @@
 
 namespace orl {
 
-/// Returns the page in the macros of man(7).
+/// Returns the page as man(7) source.
 std::string ManualPageOf(const std::vector<CommandEntry>& inProgram);
 
 } // namespace orl

@@ -16,7 +16,7 @@ void AddHelp(CLI::App& ioProgram);
 /// orl completion SHELL: the script with which a shell completes the commands and options of orl.
 void AddCompletion(CLI::App& ioProgram);
 
-/// Prints the help of each command from the table of commands.
+/// Makes each command print its help from the table of commands.
 void UseHelpText(CLI::App& ioProgram);
 
 } // namespace orl

@@ -41,7 +41,7 @@ std::string UnknownOption(const std::string& inWord, const CommandEntry& inComma
     return "unknown option \"" + name + '"' + SuggestionFor(name, names);
 }
 
-// A word that the parser could not use is a better explanation than anything else that it reports.
+// Prefers to name a word that the parser could not use, because the parser's own message is less helpful.
 std::string Explanation(const CLI::App& inProgram, const CommandEntry& inCommand, const CLI::ParseError& inError)
 {
     const std::vector<std::string> words = inProgram.remaining(true);

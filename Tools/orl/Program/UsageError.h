@@ -11,8 +11,8 @@ class ParseError;
 
 namespace orl {
 
-/// Throws Failure with kExitUsage if the words at the start name no command, with a suggestion. The parser's own
-/// message only reports that a command is missing.
+/// Throws Failure with kExitUsage and a suggestion if the leading words name no command: the parser itself would only
+/// report that a command is missing.
 void CheckCommand(const CLI::App& inProgram, const std::vector<std::string>& inArguments);
 
 /// Returns the message for an error that the parser has thrown: "tc show: unknown option \"--jsn\"; did you mean

@@ -15,7 +15,7 @@ _orl() {
     case "$place $word" in
 )";
 
-// The rest of the function sees a command line without the names of the command.
+// Removes the names of the command from the command line for the rest of the function.
 constexpr char kAfterPlaces[] = R"( place="${place:+$place }$word"; (( ++depth )) ;;
       (*) break ;;
     esac
@@ -36,7 +36,7 @@ else
 fi
 )";
 
-constexpr char kMessage[] = " "; // zsh shows the name of the value
+constexpr char kMessage[] = " "; // nothing to insert: zsh only shows the name of the value
 
 // In an argument of _arguments a colon ends a field, and a bracket ends the explanation.
 std::string Escaped(const std::string& inText)

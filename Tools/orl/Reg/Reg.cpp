@@ -44,7 +44,7 @@ RegKeyName KeyOf(const Options& inOptions)
     return key;
 }
 
-// The roots belong to the system and cannot be changed.
+// Throws Failure for a root, because roots belong to the system and cannot be changed.
 RegKeyName KeyToChange(const Options& inOptions)
 {
     const RegKeyName key = KeyOf(inOptions);
@@ -84,7 +84,7 @@ ORL::RegistryValue ReadValue(const std::string& inCommand, const Options& inOpti
     return value;
 }
 
-// Returns the name of a value as stored: the system finds values case-insensitively and does not report that name.
+// Returns the name of a value as stored: the system finds values case-insensitively and reports no stored name.
 UTF16String StoredNameOf(const std::string& inCommand, const RegKeyName& inKey, const UTF16String& inName)
 {
     const UTF16String folded = tvxcore::utility::FoldCase(inName);

@@ -103,7 +103,7 @@ private:
         }
         mPlace = inDeletes ? Place::kInDeletedKey : Place::kInKey;
         mKey = inKey;
-        if (!inKey.mPath.empty()) { // a root always exists
+        if (!inKey.mPath.empty()) { // no edit for a root, which always exists
             Add(inDeletes ? RegistryEdit::kDeleteKey : RegistryEdit::kCreateKey, RegistryValue());
         }
     }
@@ -220,7 +220,7 @@ private:
 
     bool IsAtEndOfData() { return mCursor.AtLineEnd() || mCursor.Peek() == ';'; }
 
-    // Skips blanks and continued line breaks, with comment lines between them.
+    // Skips blanks, line continuations, and comment lines after a continuation.
     void SkipToNextByte()
     {
         mCursor.SkipBlanks();

@@ -13,7 +13,7 @@ namespace {
 using ORL::RegistryValue;
 using Types = ORL::RegistryValueTypes;
 
-constexpr std::size_t kLineWidth = 76; // bytes continue on the next line after this column
+constexpr std::size_t kLineWidth = 76; // bytes wrap after this column
 
 void Append(UTF16String& ioText, const char* inASCII)
 {

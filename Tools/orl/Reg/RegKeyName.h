@@ -11,7 +11,7 @@ namespace orl {
 struct RegKeyName
 {
     ORL::RegistryRootKeys::Type mRoot = ORL::RegistryRootKeys::kUser;
-    UTF16String mPath; // path below the root, without outer backslashes; empty for the root
+    UTF16String mPath; // path below the root, without backslashes around it; empty for the root
 };
 
 /// Parses "HKCU\Software\X", "HKEY_LOCAL_MACHINE\Software\X", "user:Software\X", "machine:Software\X", or "Software\X"

@@ -28,7 +28,7 @@ void AppendChunk(Bytes& ioFile, const Bytes& inName, const Bytes& inContents)
                        ::crc32(0, reinterpret_cast<const Bytef*>(named.data()), static_cast<uInt>(named.size()))));
 }
 
-// Returns the colour before premultiplication, rounded.
+// Returns the colour channel at inShift with its premultiplication undone, rounded.
 char Unpremultiplied(std::uint32_t inPixel, unsigned int inShift, std::uint32_t inAlpha)
 {
     const std::uint32_t colour = ((inPixel >> inShift & 0xFF) * 255 + inAlpha / 2) / inAlpha;

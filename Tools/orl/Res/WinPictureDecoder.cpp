@@ -1,4 +1,4 @@
-// Starts GDI+, which the library expects of its host.
+// Starts GDI+, as the library expects its host to do.
 #include "PictureFile.h"
 
 #include <algorithm>

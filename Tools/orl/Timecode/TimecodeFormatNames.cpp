@@ -36,7 +36,7 @@ std::string WithoutPunctuation(const std::string& inName)
     return bare;
 }
 
-// Returns a plain positive number, or 0 if the text is not one.
+// Parses a plain positive number; returns 0 for any other text.
 double ReadNumber(const std::string& inText)
 {
     double number = 0;

@@ -44,7 +44,7 @@ std::string SeparatorsIn(const std::string& inLabel)
     return separators;
 }
 
-// Returns the frames in a day: from label 00:00:00:00 to the next one if labels have hours, else in 86400 seconds.
+// Returns the frames in a day: from 00:00:00:00 to its next occurrence if labels have hours, else in 86400 seconds.
 // Doubles the frames of half a day, because the library wraps times beyond one day.
 long long CountDay(const TimecodeFormat& inFormat, const std::string& inSeparators)
 {

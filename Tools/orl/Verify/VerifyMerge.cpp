@@ -197,7 +197,7 @@ VerifyOutcome MergeParts(const std::vector<std::string>& inFiles)
     CheckAllParts(results);
     VerifyOutcome merged;
     merged.mShownFolder = results.front().mOutcome.mShownFolder;
-    std::set<std::string> told; // each job reports the troubles of the folder
+    std::set<std::string> told; // every job reports the troubles of the folder, so keep one of each
     for (PartResult& result : results) {
         VerifyOutcome& outcome = result.mOutcome;
         std::move(outcome.mFiles.begin(), outcome.mFiles.end(), std::back_inserter(merged.mFiles));

@@ -38,8 +38,8 @@ VerifyPart ParsePart(const std::string& inText)
     return part;
 }
 
-// The largest item comes first, each to the part with the fewest bytes. Among parts with equal bytes the one with the
-// fewest items gets the next, so that empty files are spread too.
+// Assigns the items in order of decreasing size, each to the part with the fewest bytes so far. Among parts with equal
+// bytes, picks the one with the fewest items, so that empty files are spread too.
 std::vector<std::size_t> AssignParts(const std::vector<PartItem>& inItems, std::size_t inParts)
 {
     std::vector<std::size_t> order(inItems.size());

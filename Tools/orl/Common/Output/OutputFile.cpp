@@ -53,7 +53,7 @@ OutputFile::~OutputFile()
     }
 }
 
-// A rename needs no right to write the file that it replaces, so that right is checked here.
+// A rename needs no write access to the file that it replaces, so write access is checked here.
 void OutputFile::OpenFile(const fs::file_status& inEarlier)
 {
     const bool isPresent = fs::exists(inEarlier);
@@ -72,14 +72,14 @@ void OutputFile::OpenFile(const fs::file_status& inEarlier)
         FailWith(errno);
     }
     mPart = std::move(part);
-    if (isPresent) { // before the first byte: a private file stays private
+    if (isPresent) { // before the first write, so that a private file stays private
         std::error_code ignored;
         fs::permissions(mPart, inEarlier.permissions(), ignored);
     }
 }
 
-// Opening and writing a pipe may wait for its reader forever. There is no temporary file to delete, so a stop ends the
-// program.
+// Opening and writing a pipe may wait for its reader forever. There is no temporary file to delete, so the stop
+// signals end the program at once.
 void OutputFile::OpenDirectly()
 {
     mFile = OpenForWriting(mPath);

@@ -15,8 +15,8 @@ class OutputFile
 {
 public:
     /// inCommand names the command in messages. inArgument is a host path or a library path. Throws Failure if the file
-    /// cannot be created, or exists and must not be written. If there is a temporary file, the signals that stop the
-    /// program from here on only set a flag; otherwise they end the program.
+    /// cannot be created, or exists and must not be written. If there is a temporary file, the stop signals from
+    /// now on only set a flag; otherwise they end the program.
     OutputFile(const std::string& inCommand, const std::string& inArgument);
 
     /// Deletes the temporary file unless Finish has renamed it.

@@ -10,14 +10,14 @@ namespace orl {
 /// even by a link. The caller closes the file.
 std::FILE* CreateNewFile(const std::filesystem::path& inPath);
 
-/// Opens or creates a file, a pipe or a device for writing bytes, and truncates a file. Returns null and sets errno on
-/// failure. The caller closes the file.
+/// Opens a file, a pipe or a device for writing bytes; creates a missing file and truncates an existing one. Returns
+/// null and sets errno on failure. The caller closes the file.
 std::FILE* OpenForWriting(const std::filesystem::path& inPath);
 
 /// Opens an existing file for writing, and closes it unchanged. Returns false and sets errno on failure.
 bool CanWrite(const std::filesystem::path& inPath);
 
-/// Returns the form of the path that has no limit of 260 units on Windows, and the same path on Linux.
+/// On Windows, returns the path in the form that is exempt from the 260-unit limit; on Linux, the path unchanged.
 std::filesystem::path WithoutLimit(const std::filesystem::path& inPath);
 
 } // namespace orl

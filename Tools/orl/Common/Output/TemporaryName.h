@@ -5,7 +5,7 @@
 
 namespace orl {
 
-/// Returns ".orl-", 32 random digits, ".part".
+/// Returns ".orl-", 32 random hexadecimal digits and ".part", joined.
 std::string RandomTemporaryName();
 
 /// Returns whether a name has the form of RandomTemporaryName.

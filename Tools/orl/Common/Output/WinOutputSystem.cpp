@@ -37,7 +37,7 @@ bool CanWrite(const std::filesystem::path& inPath)
     return descriptor >= 0;
 }
 
-// Only paths that begin with a drive have such a form here; others stay as they are.
+// Converts only paths that begin with a drive; returns all others unchanged.
 std::filesystem::path WithoutLimit(const std::filesystem::path& inPath)
 {
     std::error_code error;

@@ -15,7 +15,7 @@ std::vector<std::string> Arguments(int inCount, char** inArguments)
     return std::vector<std::string>(inArguments + (inCount > 0 ? 1 : 0), inArguments + inCount);
 }
 
-// Terminals on Linux show UTF-8.
+// Changes nothing: terminals on Linux show UTF-8 anyway.
 UTF8Console::UTF8Console() : mEarlierCodePage(0)
 {
 }

@@ -49,7 +49,7 @@ std::size_t ProgressLine::AvailableColumns()
     return TerminalColumns() - 1;
 }
 
-// Overwrites the old text with blanks: a Windows console prints the escape sequence that would clear the line.
+// Overwrites the old text with blanks: a Windows console would print the escape sequence that clears a line.
 void ProgressLine::Show(const std::string& inText)
 {
     if (!mIsShown) {

@@ -6,8 +6,8 @@
 
 namespace orl {
 
-/// Returns the terminal columns of a UTF-8 string: two for a wide character, none for a combining character. An invalid
-/// byte counts as one column.
+/// Returns the width of a UTF-8 string in terminal columns: two for a wide character, none for a combining character,
+/// one for an invalid byte and for any other character.
 std::size_t ColumnsOf(const std::string& inText);
 
 /// Returns the longest prefix of at most inColumns columns, without splitting a character.

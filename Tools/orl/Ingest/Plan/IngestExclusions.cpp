@@ -24,7 +24,7 @@ constexpr const char* kSystemFolders[] = {
     "system volume information",
 };
 
-// Independent of the locale. Other letters do not occur in names of system folders.
+// Converts ASCII letters only, in any locale: the names of system folders contain no other letters.
 std::string InLowerCase(std::string inText)
 {
     std::transform(inText.begin(), inText.end(), inText.begin(), [](char inCharacter) {
@@ -46,7 +46,7 @@ std::size_t CharacterLength(const std::string& inText, std::size_t inAt)
     return lead >= 0xf8 ? 1 : length;
 }
 
-// Matches one part of a name. Only the last "*" is ever tried again, so the time is at most the product of the lengths.
+// Matches one part of a name. Only the last "*" is ever tried again, so the time is at most the lengths multiplied.
 bool MatchesPart(const std::string& inPart, const std::string& inPattern)
 {
     std::size_t at = 0;

@@ -24,7 +24,7 @@ public:
     /// Throws Failure (kExitUsage) if the pattern cannot match any name.
     void Add(const std::string& inPattern);
 
-    /// Leaves out the folders that operating systems keep at the top of a volume, in upper or lower case.
+    /// Leaves out the folders that operating systems keep at the top of a volume, whatever the case of their names.
     void AddSystemFolders() { mHasSystemFolders = true; }
 
     /// Keeps a folder at the top although it is a system folder. The name is case-insensitive.
@@ -35,7 +35,7 @@ public:
 
     const std::vector<std::string>& Patterns() const { return mPatterns; }
 
-    /// Returns the patterns of AddSystemFolders, for a help text.
+    /// Returns the patterns of AddSystemFolders for the help output.
     static std::string SystemFolders();
 
 private:

@@ -11,7 +11,7 @@
 
 namespace orl {
 
-/// A failure at one file or folder: the error line and the exit code.
+/// A failure at one file or folder: the error message and the exit code.
 struct IngestTrouble
 {
     std::string mText;

@@ -123,7 +123,7 @@ private:
         return {PlannedFolder::kExists, VolumeOf(held.Identity(), inFolder)};
     }
 
-    // A dangling link also occupies the name.
+    // Checks for a dangling link, which occupies the name although opening it fails.
     PlannedFolder PlanNewFolder(const std::string& inFolder, const PlannedFolder& inAbove)
     {
         HeldFolder above;

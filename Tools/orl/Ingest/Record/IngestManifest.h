@@ -85,7 +85,7 @@ private:
     IngestRecord& mRecord;
     std::mutex mMutex; // after Read, guards all members below
     HeldFolder mFolder;
-    ORL::File mFile; // open once the manifest is written to
+    ORL::File mFile; // open from the first write on
     bool mExists = false;
     EntryIdentity mIdentity;
     std::uint64_t mLength = 0; // valid bytes; an incomplete line of a killed run may follow
@@ -95,8 +95,8 @@ private:
     std::vector<LineRange> mCommentedOut;
 };
 
-/// Formats a line with its line break, or parses one; returns false for a line of a different format. Backslashes and
-/// line breaks in a name are escaped as in coreutils.
+/// Format a line with its line break, or parse one. Parsing returns false for a line of another format. Backslashes
+/// and line breaks in a name are escaped as in coreutils.
 std::string FormatManifestLine(const IngestManifest::Line& inLine);
 bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine);
 

@@ -112,8 +112,8 @@ void IngestRecord::Open()
     if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
         throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitDisappeared);
     }
-    // A run deletes the record when it ends. A run that opened the record just before that holds a lock on a deleted
-    // file, and must create and open the record again.
+    // A run deletes the record when it ends. If another run opened the record just before, that run has locked a
+    // deleted file, and must create and open the record again.
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         OpenOnce();

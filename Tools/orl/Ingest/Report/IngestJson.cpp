@@ -30,7 +30,7 @@ std::vector<const ListedFile*> ByName(const std::vector<ListedFile>& inFiles)
     return files;
 }
 
-// A file that the plan refuses has a line too, and at a refused destination each file has one.
+// Prints a line even for a file that the plan rejected, and for every file of a rejected destination.
 void PrintFilesOf(std::ostream& ioStream, const IngestDestination& inDestination,
                   const std::vector<const ListedFile*>& inFiles)
 {
