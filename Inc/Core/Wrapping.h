@@ -45,8 +45,8 @@ constexpr int TruncateToInt(double inValue) noexcept
                                                              : std::numeric_limits<int>::min();
 }
 
-/// Truncates toward zero. Returns 2^63 for values that do not fit, and for NaN; for negative values, the bits of the
-/// signed conversion.
+/// Truncates toward zero. For a negative value, returns the bits of the signed conversion. Returns 2^63 for NaN and for
+/// other values that do not fit.
 constexpr unsigned long long TruncateToUnsigned64(double inValue) noexcept
 {
     constexpr double kHalf = 9223372036854775808.0;

@@ -19,7 +19,7 @@ struct ORL_LOCAL File::PrivateImpl : Impl
 
     bool IsOpen() const noexcept { return mHandle != Files::Platform::InvalidHandle(); }
 
-    /// Returns the size, which the system reports in two halves.
+    /// Returns the size, joined from the two halves that the system reports.
     std::uint64_t GetSize() const;
 
     /// Requests a buffer from the factory. Returns whether the factory provided a buffer.
@@ -44,7 +44,7 @@ inline constexpr std::uint32_t kSmallestBlock = 65536;
 /// The result for a failure without an error code.
 inline constexpr Result kBareFailure = -1;
 
-/// Returns kSuccess for 0.
+/// Converts a system error to a result: 0 to kSuccess.
 Result ResultOf(SystemError inError);
 
 // Return the system's values for the flags. Unknown bits are ignored.

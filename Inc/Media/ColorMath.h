@@ -64,7 +64,7 @@ inline ChannelRing Normalized(const ParamColor<unsigned long>& inColor)
     return {inColor.GetRed() / 255.0f, inColor.GetGreen() / 255.0f, inColor.GetBlue() / 255.0f};
 }
 
-/// Scales a value from 0 to 1 to degrees or percent. Adds the rounding term 0.5 in double.
+/// Converts a fraction, 0 to 1, to whole degrees or percent. Rounds by adding 0.5, in double precision.
 inline unsigned int Whole(float inValue, float inWhole)
 {
     return static_cast<unsigned int>(static_cast<int>(inValue * inWhole + 0.5));
@@ -87,7 +87,7 @@ inline unsigned int StoredNumber(double inValue)
     return static_cast<unsigned int>(Wrapping::TruncateToUnsigned64(inValue));
 }
 
-/// Scales any value to degrees or percent. Adds the rounding term 0.5 in float.
+/// Same as Whole, for a fraction of any value. Rounds by adding 0.5, in single precision.
 inline unsigned int StoredInFloat(float inValue, float inWhole)
 {
     return StoredNumber(inValue * inWhole + 0.5f);

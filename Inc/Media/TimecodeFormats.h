@@ -119,8 +119,8 @@ struct FrameFormat
     int mFrameDigits;
 };
 
-/// Returns the frame format for a rate from GetFrameRateForDisplayMode. The format counts 30, 60 and 24 frames at the
-/// fractional rates, else the truncated rate. mFrameDigits counts the divisions by ten while the rate is above ten.
+/// Returns the frame format for a rate from GetFrameRateForDisplayMode. The format counts 24, 30 and 60 frames at
+/// 23.976, 29.97 and 59.94, else the truncated rate. mFrameDigits counts divisions by ten while the rate is above ten.
 constexpr FrameFormat FrameFormatOfRate(const tvxmediatypes::FrameRate& inRate) noexcept
 {
     FrameFormat format = {0, 0};

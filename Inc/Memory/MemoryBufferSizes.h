@@ -14,8 +14,8 @@ constexpr bool IsLargeBuffer(std::size_t inSize)
     return inSize >= kLargeBuffer;
 }
 
-/// inSize must be large. Returns a size unchanged if rounding it would overflow: an allocation of that size always
-/// fails.
+/// inSize must be at least kLargeBuffer. Returns a size unchanged if rounding it would overflow: an allocation of that
+/// size always fails.
 constexpr std::size_t RoundBufferSize(std::size_t inSize)
 {
     const std::size_t step = inSize < kCoarselyRoundedBuffer ? 4096 : 16384; // both are powers of two

@@ -85,7 +85,7 @@ std::uint32_t GetReadAlignment_Impl(Handle inFile);
 /// starts at or past the end; on others such a read fails on completion. A buffer that is not writable fails with 998,
 /// now or in the completion's mStartError. A read across the end returns fewer bytes.
 ///
-/// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread starts reads.
+/// A platform may delay a read until SubmitReads_Impl, which the caller must call. Only one thread may start reads.
 SystemError StartRead_Impl(Handle inFile, void* outBuffer, std::uint32_t inSize, Overlapped* ioOverlapped);
 
 /// Maximum number of delayed reads.

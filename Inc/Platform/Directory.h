@@ -55,9 +55,9 @@ SystemError RemoveDirectory_Impl(const UTF16String& inPath);
 /// The shell's function codes.
 enum class ShellFunction { kMove = 1, kCopy = 2, kDelete = 3 };
 
-/// Runs the shell's file operation on all files that match inFrom: a plain path and "*.*". inTo, a plain path, is the
-/// destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or a
-/// shell status code, which need not be a system error number. Fails if there is nothing to copy or move, except on
+/// Runs the shell's file operation on all files that match inFrom, a plain path that ends in "*.*". inTo, a plain path,
+/// is the destination folder, created if missing; null for kDelete. Overwrites and merges without asking. Returns 0, or
+/// a shell status code, which need not be a system error number. Fails if there is nothing to copy or move, except on
 /// some versions of Windows, which return 0.
 unsigned long OperateOnFiles_Impl(ShellFunction inFunction, const UTF16String& inFrom, const UTF16String* inTo);
 

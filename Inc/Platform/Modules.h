@@ -25,8 +25,8 @@ using Resource = const void*;
 SystemError LoadModule_Impl(const UTF16String& inPath, HINSTANCE& outModule);
 void FreeModule_Impl(HINSTANCE inModule);
 
-/// Fills the buffer with the path of the module's file, truncated to its size, terminator included. Leaves the buffer
-/// unchanged for an unknown module.
+/// Stores the path of the module's file, truncated to inSize units, terminator included. Leaves the buffer unchanged
+/// for an unknown module.
 void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::size_t inSize);
 
 /// Returns the exported function of that name, or null.

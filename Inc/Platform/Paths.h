@@ -48,10 +48,10 @@ const unsigned short* FindNextComponent_Impl(const unsigned short* inPath);
 /// path.
 bool RelativePathTo_Impl(const UTF16String& inFrom, const UTF16String& inTo, UTF16String& outRelative);
 
-/// Resolves inMore and its dots against inBase. Returns false, with outPath untouched, if it exceeds kMaxPath.
+/// Resolves inMore against inBase, then "." and "..". Returns false, with outPath untouched, if longer than kMaxPath.
 bool CombinePaths_Impl(const UTF16String& inBase, const UTF16String& inMore, UTF16String& outPath);
 
-/// Fills the buffer with the directory for temporary files, with trailing separator and terminator, and returns its
+/// Stores the path of the directory for temporary files, with trailing separator and terminator, and returns its
 /// length. If inSize is too small, returns the size needed, terminator included. Returns 0 on failure.
 unsigned long GetTempPath_Impl(unsigned long inSize, unsigned short* outBuffer);
 

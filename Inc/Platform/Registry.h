@@ -101,12 +101,12 @@ struct Edit
     enum Kind { kCreateKey, kDeleteTree, kSetValue, kDeleteValue };
 
     Kind mKind;
-    const unsigned short* mPath; // path below the root
+    const unsigned short* mPath; // relative to the root
     const Value* mValue;         // the value to set; kDeleteValue uses only its name
 };
 
 /// Makes all changes below a root, or none. Deleting a missing item succeeds. Returns 50 and changes nothing if the
-/// system cannot change atomically.
+/// system cannot make atomic changes.
 SystemError ApplyEdits_Impl(KeyHandle inRoot, const std::vector<Edit>& inEdits);
 
 struct SetAside

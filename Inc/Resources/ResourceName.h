@@ -32,7 +32,7 @@ public:
     }
 
     /// Parses the Windows form: a number in the pointer's value, or a terminated string; "#" and digits denote a
-    /// number. Returns false for "#" and a number beyond 16 bits, which is invalid.
+    /// number. Returns false if the number after "#" exceeds 16 bits.
     static bool Parse(const unsigned short* inName, NameView& outName) noexcept;
 
     bool IsText() const noexcept { return mUnits != nullptr; }

@@ -24,7 +24,7 @@ public:
 
     void AddRef() { AtomicIncrement(mReferenceCount); }
 
-    /// Never deletes, even at zero: the record stays in the table and may be found again.
+    /// Never deletes the record, even at zero: it stays in the table and may be found again.
     void RemoveRef()
     {
         ORL_ASSERT_AT(AtomicRead(mReferenceCount) > 0, "ImmutableString", 70,

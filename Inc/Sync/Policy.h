@@ -6,8 +6,8 @@
 // whose clock the test sets. A policy has the members of SystemPolicy:
 //
 //   Flag, Word            an atomic boolean and an atomic unsigned 32-bit word; operations are sequentially consistent
-//   Guarded<T> a value that a lock guards, accessed only through Read and Write, so that a checker detects an // access
-//                         without the lock
+//   Guarded<T>            a value that a lock guards, accessed only through Read and Write, so that a checker detects
+//                         an access without the lock
 //   Mutex, MutexLock      a lock for condition variables, and its scope; MutexLock can be unlocked and locked again
 //   Condition             a condition variable: SleepOn, SleepOnFor, NotifyAll
 //   Lock, LockScope       the recursive lock for everything else, and its scope; TryLockScope only tries to lock

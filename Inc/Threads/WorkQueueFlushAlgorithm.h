@@ -11,10 +11,10 @@ namespace Sync {
 
 /// Works on any type that has the rendezvous fields of ThreadedWorkQueueFlush, with the types that the policy defines.
 ///
-/// A thread of the queue takes a function only after it has finished the previous one, and functions start in the order
-/// in which they were queued. So when one item for each thread is in Process, every thread has taken one, and
-/// everything queued before them has returned. The items wait for each other at the arrival gate; the flush waits until
-/// all have left.
+/// A flush queues one item for each thread of the queue; the item calls Process. A thread takes an item only after it
+/// has finished the previous one, and items start in the order in which they were queued. So when one item for each
+/// thread is in Process, everything queued earlier has returned. The items wait for each other at the arrival gate; the
+/// flush waits until all have left.
 template <class Policy>
 class WorkQueueFlushAlgorithm
 {

@@ -6,7 +6,7 @@
 //   ...
 //   EXPECT_EQ(faults.Refused(), 1u);
 //
-// A sweep runs the same work with mFirst = 1, 2, 3 ... until a run in which no allocation failed.
+// A sweep runs the same work with mFirst = 1, 2, 3 ... until no allocation fails.
 //
 // While no plan is armed, fault injection costs the allocator's fast path nothing: arming disables that path for all
 // threads, and only the slow path checks for faults.

@@ -13,7 +13,7 @@ __extension__ typedef unsigned __int128 Wide;
 
 constexpr int kSignificandBits = 53;
 
-// Returns the ticks of a time that is not negative and known to fit; the shift is then at least 19.
+// Returns the ticks of a time, which must not be negative and must fit; the shift is then at least 19.
 long long NearestTick(double inSeconds) noexcept
 {
     int exponent = 0;

@@ -17,14 +17,14 @@ TVXCORE_API bool BreakAfterAssertDialog(bool& ioIgnore, const char* inExpression
 /// Reports a contract violation. Returns true if the caller should break into the debugger. Thread-safe.
 TVXCORE_API bool BreakAfterContractDialog(const char* inExpression, const char* inFile, long inLine);
 
-/// Shows a message to the user. Returns the user's choice: 0 to debug, 2 or 4 to ignore this site for good.
-/// Thread-safe.
+/// Shows a message to the user. Returns the user's choice: 0 to debug, 2 or 4 to ignore for good what the message
+/// reports; any other value, such as 1, to continue. Thread-safe.
 TVXCORE_API long DisplayAssert(const char* inTitle, const char* inText);
 
 /// The host's handlers for the reports above. A null member selects the default, which writes the report to standard
 /// error, does not block and never ignores a site for good. The default of mDisplay returns 0 if a debugger is
 /// attached, else 1. The defaults of the other two return true, and their callers break only if a debugger is attached.
-/// The functions may be called on any thread, and concurrently.
+/// The handlers are called on any thread, and concurrently.
 struct Dialogs
 {
     bool (*mAssert)(bool& ioIgnore, const char* inExpression, const unsigned char* inMessage, const char* inFile,

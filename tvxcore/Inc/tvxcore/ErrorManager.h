@@ -22,7 +22,7 @@ public:
 
 /// The host's error handler.
 ///
-/// Owner:    the host. The handler must outlive its installation.
+/// Owner:    the host. The handler must live as long as it is installed.
 /// Threads:  its functions are called on any thread, and concurrently.
 /// Failure:  exceptions from a handler propagate to the caller that raised the error.
 class TVXCORE_API ErrorManager
@@ -33,14 +33,14 @@ public:
     /// Called if inBytes of memory cannot be allocated. Returns true to request another attempt.
     virtual bool OnAllocationFailure(std::size_t inBytes);
 
-    /// Handles one error. inZString is "$$$/" key "=" default text. May return instead of throwing.
+    /// Handles one error. inZString has the form "$$$/" key "=" default text. May return instead of throwing.
     /// The built-in manager writes one line to standard error: the string that the installed localiser returns, or the
     /// default text if the localiser throws or itself raises the error.
     virtual void ThrowError(ErrorLevel inLevel, const char* inZString, unsigned long inPackage, long inErrorID, bool,
                             const ReplacementValue&, const ReplacementValue&, const ReplacementValue&,
                             const ReplacementValue&) const;
 
-    /// Runs inFunction and returns its result. A host's manager may catch its exceptions; the built-in one does not.
+    /// Calls inFunction and returns its result. A host's manager may catch what it throws; the built-in one does not.
     virtual long ExecuteFunctionWithTopLevelExceptionHandler(boost::function0<long> inFunction);
 
     /// Returns the installed manager. If none is installed, returns the built-in one if inAllowDefault is true, else

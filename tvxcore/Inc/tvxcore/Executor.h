@@ -84,8 +84,8 @@ CreateAsyncThreadedExecutor(const std::string& inName, int inThreadCount, Thread
 ///
 /// The first run is inDelay after construction. Times do not drift while the executor keeps up. If a run is late or
 /// takes longer than inDelay, the next one is inDelay after its end; missed runs are dropped.
-/// Owner:    keeps a reference to the executor. The destructor returns after the function has finished and has been
-///           destroyed, unless the function itself calls it. So the caller must not hold a lock that the function
+/// Owner:    keeps a reference to the executor. Unless the function destroys the object, the destructor returns after
+///           the function has finished and has been destroyed. So its caller must not hold a lock that the function
 ///           acquires.
 /// Threads:  any thread may destroy the object, its own function included.
 /// Failure:  only the constructor throws.

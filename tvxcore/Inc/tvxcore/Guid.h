@@ -128,8 +128,8 @@ constexpr Guid ParseGuid(const char* inText)
 
 namespace literals {
 
-/// Parses the string form, with or without braces, in either case. A malformed literal does not compile as a constexpr
-/// constant, and throws std::invalid_argument elsewhere.
+/// Parses the string form, with or without braces, with digits of either case. A malformed literal does not compile as
+/// a constexpr constant, and throws std::invalid_argument elsewhere.
 constexpr utility::Guid operator""_guid(const char* inText, std::size_t inLength)
 {
     if (inLength == 38 && inText[0] == '{' && inText[37] == '}') {

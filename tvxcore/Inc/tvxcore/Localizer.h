@@ -9,7 +9,7 @@ namespace config {
 
 /// Translates strings. A host derives its message catalogue from this class.
 ///
-/// Owner:    the host. The catalogue must outlive its installation.
+/// Owner:    the host. The catalogue must live as long as it is installed.
 /// Threads:  its functions are called on any thread, and concurrently.
 /// Failure:  exceptions propagate to the caller.
 class TVXCORE_API Localizer
@@ -25,8 +25,8 @@ public:
     static Localizer* Get();
 };
 
-/// Installs the host's localiser, which must outlive its installation, and returns the previous one. Null restores the
-/// built-in one. Thread-safe.
+/// Installs the host's localiser, which must live as long as it is installed, and returns the previous one. Null
+/// restores the built-in one. Thread-safe.
 TVXCORE_API Localizer* InstallLocalizer(Localizer* inLocalizer);
 
 } // namespace config

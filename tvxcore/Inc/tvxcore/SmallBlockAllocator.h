@@ -38,7 +38,7 @@ public:
     class TVXCORE_API Metrics ///< Statistics of the allocator.
     {
     public:
-        /// 18 counters, three for each of six subjects: the current value, the peak, and the total over time.
+        /// Counts, and for the first two subjects also bytes: each as current value, peak, and total over time.
         ///   System allocations  memory from the system or the C library: clusters, thread caches, and blocks too large
         ///                       for a class
         ///   Small blocks        blocks allocated from the classes; their bytes are the bytes requested

@@ -4,14 +4,14 @@
 // thread's stack, whichever thread allocated them; whole batches move between a stack and the stores that all threads
 // share. The caller passes the size when it frees a block, so a block needs no header and no search for its class.
 //
-// The counters cost an addition per Allocate and per Dispose. A packed word holds a number of blocks and one of bytes.
-// A field may overflow as long as the differences that are computed from the sums fit their fields:
+// The counters cost an addition per Allocate and per Dispose. Each counter is a word with two fields,
+// a number of blocks and a number of bytes. Fields may overflow: only differences of counters must fit them.
 //   mTaken   what the thread has allocated since its totals were last updated
 //   mQuota   mTaken, plus what the thread may still allocate before a peak must be raised
 // Allocate adds to mTaken, Dispose to mQuota. Allocate takes the slow path if the quota (mQuota - mTaken) is used up or
 // a sum has carried into a guard bit; the slow path updates the peaks and the totals.
 //
-// All of this is part of the binary interface: it is compiled into hosts.
+// This whole file is part of the binary interface: it is compiled into hosts.
 #pragma once
 
 #include <tvxcore/Config.h>

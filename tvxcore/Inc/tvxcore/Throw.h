@@ -11,7 +11,7 @@ namespace Internal {
 /// Throws std::bad_alloc.
 [[noreturn]] TVXCORE_API void ThrowBadAlloc();
 
-/// Throws std::invalid_argument with a text.
+/// Throws std::invalid_argument with that message.
 [[noreturn]] TVXCORE_API void ThrowInvalidArgument(const char* inText);
 
 } // namespace Internal

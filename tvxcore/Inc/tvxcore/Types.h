@@ -1,4 +1,4 @@
-// The 64-bit integer under the name that Windows hosts use.
+// Defines __int64, the 64-bit integer type of Windows compilers, if the compiler lacks it.
 #pragma once
 
 #ifndef __int64

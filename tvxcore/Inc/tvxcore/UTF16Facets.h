@@ -14,8 +14,8 @@
 
 namespace std {
 
-/// Classifies ASCII and converts its case; other units have neither. A narrow character widens to the unit of
-/// the same value, 0 to 255, in every locale; units above 255 narrow to the default passed. Immutable, so thread-safe.
+/// Classifies ASCII and converts its case; other units have no class and keep their case. A narrow character widens to
+/// the unit of the same value, 0 to 255, in every locale; units above 255 narrow to the default argument. Thread-safe.
 template <>
 class TVXCORE_API ctype<unsigned short> : public locale::facet, public ctype_base
 {
@@ -102,8 +102,8 @@ protected:
 };
 
 // The standard library formats and parses numbers with the two facets above. Each facet's id exists once, so that every
-// module of a process finds the same facet. All else is compiled into each module: with an explicit instantiation of
-// the whole class, modules would link to inline functions that this library may not export.
+// module of a process finds the same facet. All else is compiled into each module: an explicit instantiation of the
+// whole class would make modules link to inline functions that this library might not export.
 template <>
 TVXCORE_API locale::id num_put<unsigned short>::id;
 template <>

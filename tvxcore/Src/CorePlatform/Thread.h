@@ -13,8 +13,8 @@ using ThreadHandle = std::uintptr_t;
 /// Starts a thread that runs inFunction(inArgument). Returns false if the system cannot start the thread.
 bool StartThread_Impl(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread) noexcept;
 
-/// The type of StartThread_Impl: code that starts threads calls it through this pointer, so that a test can make it
-/// fail.
+/// A pointer to StartThread_Impl. Code that starts threads calls through such a pointer, so that a test can pass a
+/// function that fails.
 using ThreadStarter = bool (*)(void (*inFunction)(void*), void* inArgument, ThreadHandle& outThread);
 
 /// Waits until the thread has exited and its thread-local destructors have run.

@@ -20,7 +20,7 @@ struct SystemPolicy
     /// Size of a cache line in bytes.
     static constexpr std::size_t kLine = 64;
 
-    /// Words and pointers: a load acquires, a store releases, the rest are sequentially consistent.
+    /// Words and pointers: a load acquires, a store releases, other operations are sequentially consistent.
     template <class T>
     using Atomic = std::atomic<T>;
     template <class T>

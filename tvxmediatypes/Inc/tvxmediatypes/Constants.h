@@ -13,7 +13,7 @@ TVXMEDIATYPES_API inline constexpr TickTime kTime_Zero = TickTime();
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Max = TickTime::FromTicks(0x7FFFFFFFFFFFFFFF);
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Min = TickTime::FromTicks(-0x7FFFFFFFFFFFFFFF);
 
-/// Not a time: the result of parsing text that contains none. kTime_Invalid is below kTime_Min, and its own negation.
+/// Not a time: the result of parsing a string without a time. kTime_Invalid is below kTime_Min, and its own negation.
 TVXMEDIATYPES_API inline constexpr TickTime kTime_Invalid = TickTime::FromTicks(-0x7FFFFFFFFFFFFFFF - 1);
 
 TVXMEDIATYPES_API inline constexpr FrameRate kFrameRate_Zero = FrameRate();

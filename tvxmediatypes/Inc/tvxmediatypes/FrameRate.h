@@ -6,7 +6,7 @@
 namespace tvxmediatypes {
 
 /// Ticks in one second. A tick is one flick: the largest time unit that divides the frame duration of every rate used
-/// in media, including the fractional video rates (24000, 30000 and 60000 in 1001 seconds) and all audio sample rates.
+/// in media, including the fractional video rates (24000, 30000, 60000 frames per 1001 s) and all audio sample rates.
 inline constexpr long long kTicksPerSecond = 705600000;
 
 /// A rate, stored as ticks per frame, so that rates compare exactly.
@@ -37,7 +37,7 @@ public:
     /// Returns the duration of one frame in ticks; 0 for the zero rate.
     constexpr long long GetTicksPerFrame() const noexcept { return mTicksPerFrame; }
 
-    /// Returns frames per second; 0 for the zero rate. For every listed rate this is the double nearest to the true
+    /// Returns frames per second; 0 for the zero rate. For each rate in Constants.h, the double nearest to the true
     /// value. If the ticks are those of a whole rate, returns the whole number, so that rounding to ticks does not turn
     /// 11 frames into 10.9999999.
     constexpr double GetValue() const noexcept

@@ -39,8 +39,8 @@ public:
     {
     }
 
-    /// Constructs from a duration, rounded to the nearest tick, ties away from zero. Whole milliseconds, and whole
-    /// multiples of them, are exact; a nanosecond is 0.7056 ticks. Durations out of range become kTime_Max or
+    /// Constructs from a duration, rounded to the nearest tick, ties away from zero. Whole numbers of milliseconds
+    /// are exact; a nanosecond is 0.7056 ticks. Durations out of range become kTime_Max or
     /// kTime_Min. A floating-point duration is converted as seconds are, so NaN becomes kTime_Invalid.
     template <class Rep, class Period, std::enable_if_t<std::is_arithmetic_v<Rep>, int> = 0>
     constexpr explicit TickTime(const std::chrono::duration<Rep, Period>& inDuration) noexcept
