@@ -68,7 +68,7 @@ private:
         const char* Text() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     };
 
-    // Nodes are only added, so no lock is needed. Two threads that set the same new string concurrently may store it
+    // Nodes are never removed, so no lock is needed. Two threads that set the same new string concurrently may store it
     // twice.
     const char* Keep(const char* inText)
     {

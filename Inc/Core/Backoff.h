@@ -13,7 +13,7 @@ inline void PauseProcessor() noexcept
     __builtin_ia32_pause();
 }
 
-/// The escalation of a repeated wait: the turns before mFirstYield pause the processor, the turns before mFirstSleep
+/// A repeated wait that escalates: the turns before mFirstYield pause the processor, the turns before mFirstSleep
 /// yield it, and later turns sleep for a millisecond each, because a yield does not let threads of lower priority run.
 struct Backoff
 {

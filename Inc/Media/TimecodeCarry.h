@@ -6,8 +6,8 @@
 namespace ORL {
 namespace TimecodeLocal {
 
-/// Reduces a field to 0 .. inLimit - 1 and carries the overflow to the next higher field, or borrows from it. Has the
-/// result of repeated subtraction, even if the next field wraps around. Does nothing if the limit is not positive.
+/// Reduces a field to 0 .. inLimit - 1 and carries the overflow to the next higher field, or borrows from it. Equals
+/// repeated subtraction, even if the next field wraps around. Does nothing if the limit is not positive.
 template <class Field>
 constexpr void Carry(Field& ioField, int& ioNext, Field inLimit) noexcept
 {

@@ -32,7 +32,7 @@ void GetModuleFileName_Impl(HINSTANCE inModule, unsigned short* outBuffer, std::
 /// Returns the exported function of that name, or null.
 int (*GetProcAddress_Impl(HINSTANCE inModule, const char* inName))();
 
-/// Creates the data that the lookups below need in addition to the handle; null if none. Throws std::bad_alloc.
+/// Creates the data that the lookups below need besides the handle; null if they need none. Throws std::bad_alloc.
 ResourceStore* OpenResources_Impl(HINSTANCE inModule);
 void CloseResources_Impl(ResourceStore* inStore);
 

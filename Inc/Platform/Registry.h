@@ -74,7 +74,7 @@ SystemError DeleteTree_Impl(KeyHandle inParent, const unsigned short* inPath);
 SystemError EnumerateKey_Impl(KeyHandle inKey, unsigned inIndex, unsigned short* outName, unsigned& ioLength);
 
 /// Stores type and data of a value. *ioSize is the capacity in bytes on entry, and the size of the value on return.
-/// Stores only type and size if there is no buffer, or if the buffer is too small, which returns 234. Every output may
+/// Without a buffer, or with one that is too small (returns 234), stores only type and size. Every output may
 /// be null, but a buffer without ioSize returns 87.
 SystemError QueryValue_Impl(KeyHandle inKey, const unsigned short* inName, unsigned* outType, void* outData,
                             unsigned* ioSize);

@@ -19,7 +19,7 @@ unsigned __int64 GetTotalVirtualMemory_Impl();
 bool ProcessorSupportsRDTSCInstruction_Impl();
 
 // The load counter: one query that collects samples, created once, with a counter that computes the load from the last
-// two of them. The query and the counter are never closed. Failures are Windows error numbers and the status codes of
+// two samples. The query and the counter are never closed. Failures are Windows error numbers and the status codes of
 // the Windows performance data helper.
 
 using LoadQuery = void*;

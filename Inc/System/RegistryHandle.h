@@ -27,7 +27,7 @@ public:
     /// Returns the handle; null while closed.
     KeyHandle Get() const noexcept { return mKey; }
 
-    /// The view bits of the access that the key was opened with.
+    /// Returns the view bits of the access that the key was opened with.
     unsigned View() const noexcept { return mView; }
 
     /// If opening fails, returns its error and leaves the handle unchanged; otherwise returns the error of closing the

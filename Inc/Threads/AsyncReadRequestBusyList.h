@@ -14,7 +14,7 @@ namespace ORL {
 /// The requests in flight on one reader. The list does not own its requests.
 ///
 /// Threads:  thread-safe. A read's callback must not wait for the list, which still contains its own request.
-/// Locks:    mLock, then the lock of the gate pool or the mutex of a gate. mLock is not held while a thread waits.
+/// Locks:    in order: mLock, then the gate pool's lock or a gate's mutex. mLock is not held while a thread waits.
 /// Gate:     the gate is open from the moment the list becomes empty until the last waiter has left. A thread that
 ///           starts to wait in this short time does not block, even if a new read is in flight.
 template <class Request, class Policy = Sync::SystemPolicy>

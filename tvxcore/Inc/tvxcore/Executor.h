@@ -82,8 +82,8 @@ CreateAsyncThreadedExecutor(const std::string& inName, int inThreadCount, Thread
 /// Runs a function on an executor repeatedly, inDelay milliseconds apart, until the object is destroyed or the executor
 /// refuses the function.
 ///
-/// The first run is inDelay after construction. Times do not drift while the executor keeps up. If a run is late or
-/// takes longer than inDelay, the next one is inDelay after its end; missed runs are dropped.
+/// The first run starts inDelay after construction. Times do not drift while the executor keeps up. If a run is late or
+/// takes longer than inDelay, the next one starts inDelay after its end; missed runs are dropped.
 /// Owner:    keeps a reference to the executor. Unless the function destroys the object, the destructor returns after
 ///           the function has finished and has been destroyed. So its caller must not hold a lock that the function
 ///           acquires.

@@ -28,7 +28,7 @@ private:
 /// Omits the separators between groups of digits.
 inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 
-/// Returns the number as the user's locale writes it. Decimal point and grouping are those of UserNumberPunctuation
+/// Formats the number for the user's locale. Decimal point and grouping are those of UserNumberPunctuation
 /// (NumberPunctuation.h), so the number can be read back. On Linux digits and sign are ASCII; on Windows the
 /// user's settings determine the position of the sign.
 ///

@@ -1,4 +1,4 @@
-// The output of reports for which the host installs no handler.
+// Output to standard error, for reports that no handler of the host receives.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace Platform {
 /// Writes some of the bytes to standard error and returns their number; 0 if it accepts none, or there is no standard
 /// error. The caller serialises the calls.
 ///
-/// If a pipe is full, waits a tenth of a second for its reader. If the reader reads nothing in that time, sets
+/// If a pipe is full, waits up to a tenth of a second for its reader. If the reader reads nothing in that time, sets
 /// ioReaderIsStuck; later calls then wait a clock tick at most, until a successful write clears it. Never throws.
 ///
 /// On Linux: polls whether a write would block, for every kind of file.

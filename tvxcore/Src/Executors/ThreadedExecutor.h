@@ -1,4 +1,4 @@
-// The executor behind the public interface: a set of threads around an ExecutorCore.
+// The implementation of the public executor: a set of threads around an ExecutorCore.
 #pragma once
 
 #include <CorePlatform/Thread.h>

@@ -19,8 +19,8 @@ pthread_key_t sThreadEndKey;
 bool sHasThreadEndKey = false;
 void (*sEnded)(SmallBlocks::CacheHead*) = nullptr;
 
-// The destructor of a pthread key, which is discarded with the key. C++ thread-local destructors would keep the library
-// loaded until every thread has exited.
+// The destructor of a pthread key, not called once the key is deleted. C++ thread-local destructors would keep the
+// library loaded until every thread has exited.
 void OnKeyDestroyed(void* inCache)
 {
     sEnded(static_cast<SmallBlocks::CacheHead*>(inCache));
@@ -100,7 +100,7 @@ __attribute__((destructor)) void OnEnding()
     sEndingFunctionRan = true;
 }
 
-// A library that belongs to the program is never unloaded. At process exit its destructor functions also run first.
+// A library that belongs to the program is never unloaded, but at exit its destructor functions run first too.
 const bool sBelongsToProgram =
     BelongsToProgram(reinterpret_cast<const void*>(&SmallBlockAllocator::Metrics::GetSnapshot));
 

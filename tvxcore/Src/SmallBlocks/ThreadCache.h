@@ -67,7 +67,7 @@ struct ThreadCache : CacheHead
     /// memory. Updates the counters.
     void* Take(std::size_t inSize) noexcept;
 
-    /// Puts a block on its class's stack. If that is full, its older half moves to the stores. Updates the counters.
+    /// Puts a block on its class's stack. Moves the older half of a full stack to the store. Updates the counters.
     void Give(void* inBlock, std::size_t inSize) noexcept;
 
     /// Moves all blocks to the stores.

@@ -15,7 +15,7 @@ namespace {
 // unit by unit, which costs more than the conversion. The piece is small enough for the smallest thread stacks.
 constexpr std::size_t kPiece = 1024;
 
-// The lengths of most names and words. For so few units, conversion in registers costs less than storing and reloading
+// Most names and words are this short. For so few units, conversion in registers costs less than storing and reloading
 // the output of a kernel.
 constexpr std::size_t kShortest = 8;
 constexpr std::size_t kShort = 16;

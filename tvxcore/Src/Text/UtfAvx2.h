@@ -9,7 +9,7 @@
 namespace tvxcore {
 namespace utf {
 
-/// Shifts all bytes up by kPlaces positions: each position holds the byte kPlaces before it, the lowest kPlaces zero.
+/// Shifts all bytes up by kPlaces positions: each position holds the byte kPlaces before it, the lowest kPlaces hold 0.
 template <int kPlaces>
 TVX_AVX2_INLINE __m256i Before(__m256i inBytes)
 {

@@ -97,7 +97,7 @@ void WatchForks_Impl(void (*)(), void (*)()) noexcept
 {
 }
 
-// An executable is never unloaded.
+// A library that belongs to the program is never unloaded; at process exit the other threads have been stopped.
 bool IsUnloading_Impl() noexcept
 {
     return !BelongsToProgram(reinterpret_cast<const void*>(&OnThreadNotice)) && !AreOtherThreadsStopped();
