@@ -20,7 +20,7 @@ void AddMakeClip(CLI::App& ioProgram);
 /// orl reg list|get|set|unset|delete|export|import|check: the settings in the registry.
 void AddReg(CLI::App& ioProgram);
 
-/// orl tc show|parse|add|convert|table: labels, counts and times of every timecode format.
+/// orl tc show|parse|add|convert|table: converts labels, counts and times of every timecode format.
 void AddTimecode(CLI::App& ioProgram);
 
 /// orl colour COLOUR: a colour in every colour model that the library supports.

@@ -20,7 +20,7 @@ inline constexpr int kExitDisappeared = 6;  // the source or the destination has
 inline constexpr int kExitMismatch = 7;     // a copy reads back differently
 inline constexpr int kExitNameConflict = 8; // the destination has a different file with the same name
 inline constexpr int kExitEmpty = 9;        // the source contains no file
-inline constexpr int kExitStopped = 130;    // stopped by the user; the code that shells use
+inline constexpr int kExitStopped = 130;    // stopped by the user; shells use this code too
 
 /// Thrown by a command. The program prints "orl: " and the message as one line on standard error, and exits with the
 /// code. The message names the command, the action, the value and the reason.

@@ -7,8 +7,8 @@
 
 namespace orl {
 
-/// Returns "KEY": "NAME". JSON is Unicode: a name that is not valid UTF-8 is followed by "KEYBytes": "HEX", its
-/// bytes in hexadecimal.
+/// Returns "KEY": "NAME". For a name that is not valid UTF-8, which JSON cannot represent, adds "KEYBytes":
+/// "HEX", its bytes in hexadecimal.
 inline std::string JsonNameMember(const std::string& inKey, const std::string& inName)
 {
     std::string member = "\"" + inKey + "\": " + JsonQuoted(inName);

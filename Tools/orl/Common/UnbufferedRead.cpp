@@ -196,7 +196,7 @@ private:
 
     // If the OS accepts a read past the end of the file, the read fails later and its callback never runs. Checking the
     // size avoids waiting for the whole timeout. The query runs on its own thread, because a disconnected disk may not
-    // answer the query either.
+    // answer it either.
     void CheckNotTruncated()
     {
         const std::uint64_t size = mQueriedSize != nullptr ? mQueriedSize->load() : kWhole;

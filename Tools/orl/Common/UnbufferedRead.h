@@ -12,8 +12,8 @@
 
 namespace orl {
 
-/// Thrown when the disk stops answering. A started read whose callback never runs blocks all reads in the process, and
-/// the file stays open. The process should end without stopping the library, because the stop might wait for the disk.
+/// Thrown when the disk stops responding. A started read whose callback never runs blocks all reads in the process and
+/// keeps the file open. The process should end without stopping the library, because the stop might wait for the disk.
 class NoAnswer : public Failure
 {
 public:

@@ -145,7 +145,7 @@ private:
                        : std::nullopt;
         }
         const std::uint64_t samples = mStatedSamples == kSizeIsElsewhere ? mLongSamples : mStatedSamples;
-        // The length of a truncated packed file is unknown.
+        // A truncated file has fewer samples than stated; in a packed format their number is unknown.
         return samples != 0 && mData->mActualSize == mData->mStatedSize
                    ? std::optional<WavLength>({mSamplesPerSecond, samples})
                    : std::nullopt;

@@ -14,8 +14,8 @@ struct WavLength
 };
 
 /// Returns nothing if the file is not a WAV file, if its header is incomplete, or if its format packs several samples
-/// into a block and no "fact" chunk counts them. Data beyond the end of the file is not counted; a truncated packed
-/// file has no length.
+/// into a block and no "fact" chunk counts them. In a truncated file, counts only the samples present, or returns
+/// nothing if its format is packed.
 std::optional<WavLength> ReadWavLength(const UTF16String& inPath);
 
 } // namespace orl

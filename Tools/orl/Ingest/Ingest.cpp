@@ -36,7 +36,7 @@ struct Options
     bool mAsJson = false;
     std::vector<std::string> mExcluded;
     bool mHasNoDefaultExcludes = false;
-    std::size_t mCopies = 0; // copies that make the source safe to erase; 0: one at each destination
+    std::size_t mCopies = 0; // copies needed to erase the source safely; 0: one at each destination
     IngestSettings mSettings;
 };
 

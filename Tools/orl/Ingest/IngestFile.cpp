@@ -371,7 +371,7 @@ private:
                             kExitFailure, FailureScope::kFile);
     }
 
-    // Ends the run after an unmount: further files would be written to the disk that holds the mount point.
+    // Ends the run after an unmount; otherwise further files would be written to the disk that holds the mount point.
     void CheckDestination() const
     {
         if (IsDestinationGone(mContext.mRoots)) {

@@ -141,7 +141,7 @@ void SharedSource::State::RemoveReader(std::size_t inDestination, const std::str
     mChanged.notify_all();
 }
 
-// Readers before mKept read from the source themselves until they reach mKept.
+// Drops blocks until a reader needs the first one. Readers before mKept read the dropped blocks from the source.
 void SharedSource::State::Trim(SharedFile& ioFile)
 {
     while (!ioFile.mBlocks.empty()) {

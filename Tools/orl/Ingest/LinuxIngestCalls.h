@@ -10,7 +10,7 @@ namespace orl {
 struct IngestCalls
 {
     int (*mOpenAt)(int inFolder, const char* inName, int inFlags); // on an error, all return -1 and set errno
-    dirent* (*mReadDir)(DIR* inFolder);                            // null at the end; on an error null, with errno set
+    dirent* (*mReadDir)(DIR* inFolder);                            // null at the end; null with errno set on an error
     int (*mFStatAt)(int inFolder, const char* inName, struct stat* outStatus, int inFlags);
     int (*mMakeDirAt)(int inFolder, const char* inName);
     int (*mRenameAt)(int inFolder, const char* inFrom, const char* inTo, unsigned inFlags);

@@ -14,7 +14,7 @@ struct ExitCodeEntry
 
 struct ExitCodes
 {
-    std::string mRule; // how the code is chosen if several apply; may be empty
+    std::string mRule; // which code is returned if several apply; may be empty
     std::vector<ExitCodeEntry> mCodes;
 };
 

@@ -28,7 +28,7 @@ std::size_t EditDistance(const std::string& inLeft, const std::string& inRight)
     return distance[inLeft.size()][inRight.size()];
 }
 
-// Bounds the work for a hostile word.
+// A longer word gets no suggestion, because finding one would take too long.
 constexpr std::size_t kMaxWord = 64;
 
 } // namespace

@@ -10,7 +10,7 @@
 //   ; comment
 //
 // In a quoted name or string, " and \ are escaped with \, and line breaks are allowed. Bytes are hexadecimal, separated
-// by commas; a \ at the end of a line continues them on the next. The writer produces UTF-16 with a byte order mark and
+// by commas; a \ at the end of a line continues the list. The writer produces UTF-16 with a byte order mark and
 // CR LF line endings. The reader also accepts UTF-16 in the other byte order, UTF-8, and any line ending.
 #pragma once
 

@@ -36,7 +36,7 @@ UTF16String FromUTF16(const std::string& inBytes, std::size_t inLowByte)
     return text;
 }
 
-// The conversion replaces invalid UTF-8 without an error. The first byte that differs after converting back is on the
+// The conversion replaces invalid UTF-8 without an error. So this converts back: the first byte that differs is on the
 // invalid line.
 UTF16String FromUTF8(const std::string& inBytes)
 {

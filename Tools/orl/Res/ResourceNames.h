@@ -16,7 +16,7 @@ std::string NameOfResource(const ORL::Resources::FileName& inName);
 /// Returns "de_DE", "neutral", or the hexadecimal identifier of another language: "0x0c07".
 std::string NameOfLanguage(unsigned short inLanguage);
 
-/// Parses the results of NameOfLanguage and plain numbers. Throws CLI::ValidationError.
+/// Parses a result of NameOfLanguage or a plain number. Throws CLI::ValidationError.
 unsigned short ReadLanguage(const std::string& inText);
 
 /// Convert a type or name to the form that lookups expect: a string, or "#" and a number. ReadType also accepts the

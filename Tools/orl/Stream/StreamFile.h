@@ -44,7 +44,7 @@ using StreamProgress = std::function<bool(std::uint64_t inDone, std::uint64_t in
 StreamFigures StreamFile(const std::string& inArgument, const StreamSettings& inSettings,
                          const StreamProgress& inProgress);
 
-/// Returns the CRC-32 of a plain read through the system's cache.
+/// Returns the CRC-32 of the file, read through the system's cache.
 std::uint32_t PlainCRC(const std::string& inArgument);
 
 } // namespace orl

@@ -91,7 +91,7 @@ void Add(const Options& inOptions)
     AnswerPlan plan = inOptions.mPlan;
     const std::string distance = plan.mValues.back();
     plan.mValues.pop_back();
-    // --previous-frame applies to labels of times, not to distances.
+    // --previous-frame applies only to labels that denote times, not to distances.
     TimecodeSettings ofDistance = settings;
     ofDistance.mStyle.mPreviousFrame = false;
     Reading added;

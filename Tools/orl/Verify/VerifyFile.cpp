@@ -43,7 +43,7 @@ private:
         mFile.mReason = inReason;
     }
 
-    // A file in place of one of the folders means that the listed file is missing.
+    // If a file has replaced one of the folders, the listed file counts as missing.
     bool Find()
     {
         ORL::Result result = mContext.mRoots.OpenDestination(FolderOf(mFile.mName), mFolder);
@@ -130,7 +130,7 @@ private:
         return false;
     }
 
-    // A buffered open reports the reason for the failure, which an unbuffered open does not.
+    // Opens the file again, buffered, because only a buffered open reports why it failed.
     std::string WhyUnreadable() const
     {
         ORL::File file;

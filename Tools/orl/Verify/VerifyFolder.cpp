@@ -117,7 +117,7 @@ private:
             TakeUp(line);
         }
         if (mFiles.empty() && mTroubles.empty()) {
-            if (mSettings.mPart) { // the merge of empty parts reports the empty list, so each part has a result
+            if (mSettings.mPart) { // merging the parts reports the empty list, so each part needs a result
                 ioOutcome.mPart =
                     PartOfList{*mSettings.mPart, mListDigest, DigestOfParts({}, {}), 0, mSettings.mIsQuick};
             }

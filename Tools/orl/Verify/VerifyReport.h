@@ -9,7 +9,7 @@
 
 namespace orl {
 
-// Exit codes in addition to those of ingest.
+// Exit codes of verify in addition to those of ingest.
 inline constexpr int kExitMissing = 10; // a listed file is missing
 inline constexpr int kExitNew = 11;     // a file is not in the list
 

@@ -30,7 +30,7 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Returns whether it is time to call Show: at once for the first text, then ten times a second.
+    /// Returns whether it is time to call Show: true while no text is shown, then ten times a second.
     bool IsDue() const;
 
     /// Returns the columns available for text: one less than the terminal has, because some terminals wrap in the

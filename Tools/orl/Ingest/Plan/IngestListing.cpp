@@ -90,7 +90,7 @@ private:
             ioPending.push_back({name, inParents});
         } else if (status.mKind == EntryStatus::kFile) {
             mListing.mFiles.push_back({name, status});
-        } else { // reading a pipe or a device might never end
+        } else { // not listed: reading a pipe or a device might never end
             AddTrouble(inFolder, "cannot read \"" + name + "\": it is not a regular file");
         }
     }

@@ -269,7 +269,7 @@ private:
     std::string mOpenedName;
 };
 
-/// Holds the folder on a volume for which the free space is queried, and the folder's library path.
+/// Holds a folder on the volume whose free space is queried, and the library path of that folder.
 struct Measured
 {
     Measured(const IngestVolume& inVolume, const IngestRoots& inRoots)

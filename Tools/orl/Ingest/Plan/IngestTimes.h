@@ -1,4 +1,4 @@
-// Last-write times on a file system that stores them less precisely than the source's.
+// Last-write times on file systems that store them less precisely than the file system of the source.
 #pragma once
 
 #include "../IngestSystem.h"

@@ -161,7 +161,7 @@ std::vector<std::string> IngestManifest::NamesLike(const std::string& inName) co
 
 // --- writing ---------------------------------------------------------------------------------------------------------
 
-// Fails if a program that ignores our lock has replaced or changed the file since Read.
+// Fails if a program that ignores the lock has replaced or changed the file since Read.
 void IngestManifest::OpenToWrite()
 {
     if (mFile.IsOpen()) {

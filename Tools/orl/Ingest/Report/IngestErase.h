@@ -18,7 +18,7 @@ struct EraseVerdict
 };
 
 /// Lists the source again and compares names, sizes and times with its listing before the ingest. The source is safe to
-/// erase if nothing has changed, nothing was unreadable, no pattern of the user excluded an entry, and each file is
+/// erase if nothing has changed, everything could be read, no pattern of the user excluded an entry, and each file is
 /// acknowledged at inCopies destinations or more. Does not throw Failure.
 EraseVerdict JudgeErasing(const IngestListing& inBefore, const std::vector<IngestDestination>& inDestinations,
                           std::size_t inCopies, const std::function<bool()>& inIsStopped,

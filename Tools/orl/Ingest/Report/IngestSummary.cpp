@@ -82,7 +82,7 @@ std::string StateOf(const ShownFile& inFile, std::size_t inDestinations)
     return inFile.mDigest.empty() ? "verified before" : inFile.mWasPresent ? "present" : "verified";
 }
 
-// Opens the folder of a source file that has not changed since the plan was made.
+// Opens the folder of a source file. Returns false if the file has changed since the plan was made.
 bool FindSource(const IngestItem& inItem, const IngestRoots& inRoots, HeldFolder& outFolder)
 {
     EntryStatus status;
