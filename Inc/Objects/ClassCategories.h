@@ -1,4 +1,4 @@
-// The classes of a category, by position.
+// Finds or creates the list of a category's classes.
 #pragma once
 
 #include <ORLDebug.h>

@@ -12,8 +12,8 @@ namespace Resources {
 /// the most colours. Returns false if the group is empty.
 bool ChooseCursor(const Bytes& inGroup, unsigned short& outID) noexcept;
 
-/// Reads one cursor: hot spot, picture and mask, uncompressed, with 1, 4, 8, 24 or 32 bits. A pixel that would invert
-/// the screen becomes opaque black. Returns false, with outPicture untouched, if the cursor cannot be read. Throws
+/// Reads one cursor: hot spot, picture and mask, uncompressed, with 1, 4, 8, 24 or 32 bits a pixel. Pixels that would
+/// invert the screen become opaque black. Returns false, with outPicture untouched, if the data is invalid. Throws
 /// std::bad_alloc.
 bool ReadCursor(const Bytes& inCursor, Linux::CursorPicture& outPicture);
 

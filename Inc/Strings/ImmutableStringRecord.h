@@ -38,7 +38,7 @@ public:
     const UTF8String& DynamicText() const { return mDynamicText; }
 
 private:
-    AtomicValue mReferenceCount = 0;  // handles; the table's entry does not count
+    AtomicValue mReferenceCount = 0;  // handles only, not the table's entry
     const unsigned char* mStaticText; // owned by the caller; null in a dynamic record
     UTF8String mDynamicText;          // the copy, empty in a static record
 };

@@ -43,7 +43,7 @@ public:
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
 
-    /// Return the number of allocations seen, and the number of those that failed.
+    /// Return the number of allocations counted, and the number of those that failed.
     std::uint64_t Asked() const noexcept;
     std::uint64_t Refused() const noexcept;
 };

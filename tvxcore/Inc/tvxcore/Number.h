@@ -34,7 +34,7 @@ inline constexpr unsigned short kNumberFlag_NoGrouping = 1;
 ///
 /// inIntegerDigits   0 omits the zero before the point of a number below 1; any other value writes it.
 /// inFractionDigits  the exact number of digits after the point, at most 9; rounded to nearest, ties to even.
-/// inPrecision       the number of significant digits, counted from the first nonzero digit; later ones become
+/// inPrecision       the number of significant digits, counted from the first nonzero one; later digits become
 ///                   zero. Values above 17 make no difference.
 /// A number that rounds to zero has no sign. NaN is "NaN"; the infinities are U+221E after the sign. Throws
 /// std::bad_alloc. Thread-safe.

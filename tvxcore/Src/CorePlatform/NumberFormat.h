@@ -19,7 +19,7 @@ struct NumberStyle
 };
 
 /// Formats a decimal string ("-1234.50": ASCII digits, at least one before the point, already rounded) by the rules of
-/// a locale: a name such as "de-DE", or null for the user's. An unknown name is treated as the classic locale.
+/// a locale: a name such as "de-DE", or null for that of the user. An unknown name is treated as the classic locale.
 UTF16String FormatNumber_Impl(const std::string& inDecimal, const NumberStyle& inStyle, const char* inLocale);
 
 /// Returns the punctuation of the user's locale. Determines the locale on each call.

@@ -7,7 +7,7 @@ namespace threads {
 
 namespace {
 
-// Critical sections are a few instructions, so the owner usually unlocks before a waiter could fall asleep.
+// Critical sections take a few instructions, so the owner usually unlocks before a waiter could fall asleep.
 constexpr int kSpinTurns = 100;
 
 // Spinning is useless on one processor: the owner cannot run meanwhile.

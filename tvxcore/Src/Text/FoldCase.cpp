@@ -31,10 +31,10 @@ struct FoldingExpansion
 
 #include "CaseFoldingTable.inc"
 
-// Most cased letters are below this code point: the Latin, Greek, Cyrillic and Armenian scripts.
+// The end of the directly indexed table, which covers most Latin, Greek, Cyrillic and Armenian letters.
 constexpr std::uint32_t kDirectEnd = 0x0600;
 
-// Builds a table of their foldings, indexed by code point; 0 marks an expansion.
+// Builds the foldings of all code points below kDirectEnd; 0 marks an expansion.
 constexpr std::array<unsigned short, kDirectEnd> MakeDirectTable()
 {
     std::array<unsigned short, kDirectEnd> table{};
