@@ -18,8 +18,8 @@ struct PixelPicture
 };
 
 /// Reads a bitmap with 1, 4, 8, 16, 24 or 32 bits per pixel, bottom-up or top-down, plain, run-length encoded or with
-/// bit fields. The header may have any size of at least 12 bytes. Pixels are opaque, except that 32-bit pixels of the
-/// usual layout use their fourth byte as alpha unless it is 0 in all of them; the colours of such a bitmap must be
+/// bit fields. The header may have any size of at least 12 bytes. Pixels are opaque, except that 32-bit pixels in
+/// BGRA byte order use their fourth byte as alpha unless it is 0 in all of them; with alpha, colours must be
 /// premultiplied. Pixels that no run covers are black.
 ///
 /// Returns false, with outPicture untouched, if the data is truncated or the header is invalid. Memory use is bounded

@@ -10,7 +10,7 @@ namespace ORL {
 struct RegistryTransactionManager
 {
     void* mTransaction = nullptr;
-    bool mFallsBack = false; // if there is no transaction: true uses the registry directly, false fails
+    bool mFallsBack = false; // without a transaction: true uses the registry directly, false fails
 };
 
 /// Owns the handle of one key. Not thread-safe: Open and Create replace the handle.
