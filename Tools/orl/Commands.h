@@ -5,7 +5,7 @@
 
 namespace orl {
 
-/// orl info [PATH]: version, platform, drive table and the volume of a path.
+/// orl info [PATH]: shows version, platform, drive table and the volume of a path.
 void AddInfo(CLI::App& ioProgram);
 
 /// orl stream FILE...: reads files unbuffered, with many reads in flight, and shows rates, latencies and checksums.
@@ -29,7 +29,7 @@ void AddColour(CLI::App& ioProgram);
 /// orl hash FILE...: the library's 96-bit hash of each file, as three words.
 void AddHash(CLI::App& ioProgram);
 
-/// orl res list|string|extract|picture|check: the resources of a module or a compiled resource file.
+/// orl res list|string|extract|picture|check: reads the resources of a module or a compiled resource file.
 void AddResources(CLI::App& ioProgram);
 
 } // namespace orl

@@ -249,7 +249,7 @@ private:
         mManifest.Acknowledge(lines);
     }
 
-    // A folder may become read-only, so each folder is finished after everything in it.
+    // Finishing a folder may make it read-only, so each folder is finished after everything in it.
     void FinishFolders()
     {
         std::set<std::string> incomplete = IncompleteFolders();

@@ -8,7 +8,7 @@ namespace orl {
 
 std::FILE* CreateNewFile(const std::filesystem::path& inPath)
 {
-    constexpr ::mode_t kMode = 0666; // less the umask
+    constexpr ::mode_t kMode = 0666; // minus the bits of the umask
     const int descriptor = ::open(inPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
     if (descriptor < 0) {
         return nullptr;

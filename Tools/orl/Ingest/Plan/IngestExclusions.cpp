@@ -46,7 +46,7 @@ std::size_t CharacterLength(const std::string& inText, std::size_t inAt)
     return lead >= 0xf8 ? 1 : length;
 }
 
-// Matches one part of a name. Only the last "*" is ever tried again, so the time is at most the lengths multiplied.
+// Matches one part of a name. Only the last "*" is ever retried, so the time is at most the product of the lengths.
 bool MatchesPart(const std::string& inPart, const std::string& inPattern)
 {
     std::size_t at = 0;

@@ -159,7 +159,7 @@ void PrintSums(const IngestOutcome& inOutcome, std::size_t inFiles)
     std::cout << '.';
 }
 
-// Returns the quoted names of the entries that one pattern excludes. The empty pattern is that of system folders.
+// Returns the quoted names of the entries that one pattern excludes. The empty pattern stands for system folders.
 std::vector<std::string> NamesExcludedBy(const std::string& inPattern, const std::vector<ExcludedEntry>& inExcluded)
 {
     std::vector<std::string> names;
