@@ -11,7 +11,7 @@ namespace ORL {
 
 namespace {
 
-// Omits leading zeros, as a stream does with std::hex.
+// Appends inWord without leading zeros, as a stream does with std::hex.
 void AppendHexadecimal(UTF16String& ioText, std::uint32_t inWord)
 {
     static constexpr char kDigits[] = "0123456789abcdef";

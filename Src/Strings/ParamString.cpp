@@ -6,7 +6,7 @@ namespace ORL {
 
 namespace {
 
-// "%" and a number, as narrow or 16-bit text.
+// The placeholder "%" and a number, as narrow or 16-bit text.
 template <class Unit>
 class Placeholder
 {

@@ -39,7 +39,7 @@ Result ResultOf(SystemError inError)
     return inError == kNoError ? kSuccess : kRegistryFailure;
 }
 
-// For operations that report a missing key as kFileNotFound.
+// Converts the errors of operations that report a missing key as kFileNotFound.
 Result ResultOfLookup(SystemError inError)
 {
     return inError == kErrorFileNotFound || inError == kErrorPathNotFound ? kFileNotFound : ResultOf(inError);

@@ -97,7 +97,7 @@ AsyncFile& FileOf(Handle inFile)
     return *static_cast<AsyncFile*>(inFile);
 }
 
-// Opening a pipe must not block until it has a writer.
+// O_NONBLOCK: otherwise opening a pipe would block until it has a writer.
 Descriptor OpenHostFile(const std::string& inHostPath, int inFlags)
 {
     return OpenByPath(inHostPath.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | inFlags);
@@ -123,7 +123,7 @@ int FlagsOf(const AsyncFile& inFile)
     return O_RDONLY | (inFile.mUsesCache ? 0 : O_DIRECT);
 }
 
-// Accepts only files that can be read at any position, and makes their reads blocking.
+// Accepts only regular files and block devices, and makes reads of ioFile blocking.
 SystemError CheckKind(AsyncFile& ioFile)
 {
     struct statx status;

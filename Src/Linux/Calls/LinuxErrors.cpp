@@ -108,7 +108,7 @@ SystemError SystemErrorFromErrno(int inErrno, const std::string& inHostPath, Pat
     switch (inErrno) {
     case ENOENT: return IsFolder(ParentOf(inHostPath)) ? kErrorFileNotFound : kErrorPathNotFound;
     case ENOTDIR:
-        // Either the last component is a file, or a component above it is.
+        // Either the last component is a file instead of a folder, or a component above it is.
         return inOperation == PathOperation::kRemoveFolder && IsFolder(ParentOf(inHostPath)) ? kErrorDirectory
                                                                                              : kErrorPathNotFound;
     case EEXIST:

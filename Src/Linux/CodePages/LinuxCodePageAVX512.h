@@ -12,7 +12,7 @@
 #  pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
-// The newest instructions used are byte compress and byte permute.
+// avx512vbmi2 is needed for byte compress, avx512vbmi for byte permute.
 #define ORL_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,popcnt")))
 #define ORL_AVX512_INLINE ORL_AVX512 __attribute__((always_inline)) inline
 

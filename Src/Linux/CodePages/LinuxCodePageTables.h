@@ -1,6 +1,6 @@
 // The tables of the code pages: the conversions of Windows, as recorded by Scripts/make-code-pages.cpp.
 //
-// In every page the ASCII bytes are the ASCII characters, and no ASCII byte is a lead byte.
+// Every page is ASCII-compatible, and no ASCII byte is a lead byte.
 #pragma once
 
 #include <cstddef>

@@ -18,8 +18,8 @@ int CopyBytes(int inFrom, int inTo, std::uint64_t inTotal, Files::Platform::Copy
 /// What happens to attributes that the destination already has.
 enum class ExistingAttributes { kNone, kReplace, kKeep };
 
-/// Copies the user's extended attributes, which correspond to named streams on Windows. kReplace removes all
-/// others; kKeep keeps the values of attributes that the destination already has. Reports no error: a file system
+/// Copies the extended attributes user.*, which correspond to named streams on Windows. kReplace first removes those
+/// of the destination; kKeep keeps their values if the destination has them. Reports no error: a file system
 /// without attributes, or without space for them, does not make a copy fail.
 void CopyUserAttributes(int inFrom, int inTo, ExistingAttributes inExisting);
 

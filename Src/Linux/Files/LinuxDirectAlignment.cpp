@@ -41,7 +41,7 @@ std::uint32_t ReadSectorFile(const char* inPath) noexcept
     return isSector && *end == '\n' ? static_cast<std::uint32_t>(size) : 0;
 }
 
-// Returns the sector size of the device below a file system. A partition has no queue attributes, so reads those of the
+// Returns the sector size of the device below a file system. For a partition, reads the queue attributes of the
 // whole disk. Skips virtual devices, such as those of in-memory file systems; their major number is 0.
 std::uint32_t SectorOfDevice(const struct statx& inStatus) noexcept
 {

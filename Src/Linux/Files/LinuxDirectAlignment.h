@@ -12,7 +12,7 @@ namespace Linux {
 constexpr std::uint32_t kSmallestSector = 512;
 constexpr std::uint32_t kLargestSector = 4096;
 
-/// A test read needs a descriptor with read permission.
+/// Whether FindDirectAlignment may do test reads, for which the file must be open for reading.
 enum class TestRead { kAllowed, kForbidden };
 
 /// Returns the alignment of positions, sizes and addresses for a file that is open for direct I/O, at least

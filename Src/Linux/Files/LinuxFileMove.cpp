@@ -84,7 +84,7 @@ SystemError CopyWhole(const HostPath& inSource, const HostPath& inDestination)
     return CopyHostFile(inSource, inDestination, options);
 }
 
-// Tries both modes: a copy has the permissions of its source, which may deny reading or writing.
+// Opens for reading, else for writing: a copy has the permissions of its source, which may deny reading or writing.
 Descriptor OpenAnyWay(const std::string& inFile)
 {
     Descriptor file = OpenByPath(inFile.c_str(), O_RDONLY | O_NOFOLLOW);
@@ -169,7 +169,7 @@ public:
     {
     }
 
-    // A name that is too long for the file system could never be opened, so a temporary name replaces it.
+    // If the file system rejects the backup's name as invalid, uses a temporary name and deletes the backup when done.
     SystemError Make(const HostPath& inReplaced)
     {
         const SystemError error = MakeReplacing(inReplaced);
@@ -271,7 +271,7 @@ SystemError Exchange(const SwapFile& inReplaced, const SwapFile& inReplacement, 
     const int contents = inReplacement.mShare.File();
     const mode_t mode = inReplaced.mStatus.st_mode & 07777;
     if (mode != (inReplacement.mStatus.st_mode & 07777)) {
-        System().mFChMod(contents, mode); // the new file inherits the permissions; not every file system stores them
+        System().mFChMod(contents, mode); // failure is ignored: not every file system stores permissions
     }
     CopyUserAttributes(inReplaced.mShare.File(), contents, ExistingAttributes::kKeep);
     if (System().mFSync(contents) != 0) {

@@ -49,7 +49,7 @@ int DescriptorMode(const OpenRequest& inRequest) noexcept
     return onlyAsks ? O_PATH : WantsToWrite(inRequest) ? O_RDWR : O_RDONLY;
 }
 
-// Opening a pipe must not block until its other end is open.
+// O_NONBLOCK: otherwise opening a pipe would block until its other end is open.
 Descriptor OpenDescriptor(const std::string& inPath, int inFlags, mode_t inMode)
 {
     return OpenByPath(inPath.c_str(), inFlags | O_NOCTTY | O_NONBLOCK, inMode);

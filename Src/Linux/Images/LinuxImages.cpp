@@ -112,7 +112,7 @@ Picture* CreateFromFile_Impl(const UTF16String& inPath)
     if (ORL::Linux::ResolveHostPath(inPath, path) != SystemErrors::kNoError) {
         return nullptr;
     }
-    // Opening a pipe without a writer must not block.
+    // O_NONBLOCK: otherwise opening a pipe without a writer would block.
     const ORL::Linux::Descriptor file = ORL::Linux::OpenByPath(path.mPath.c_str(), O_RDONLY | O_NONBLOCK);
     ORL::Linux::DataModule contents;
     if (!file || contents.Read(file.Get()) != SystemErrors::kNoError) {

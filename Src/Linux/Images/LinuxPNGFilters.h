@@ -89,7 +89,7 @@ private:
         return _mm_or_si128(_mm_and_si128(inMask, inIfSet), _mm_andnot_si128(inMask, inElse));
     }
 
-    // Predicts each byte by left, above or corner: the nearest to left + above - corner, in this order if equally near.
+    // Predicts each byte as left, above or corner, the nearest to left + above - corner; the first of them on a tie.
     static void RestorePaeth(unsigned char* ioRow, const unsigned char* inAbove, std::size_t inSize) noexcept
     {
         const __m128i zero = _mm_setzero_si128();

@@ -94,7 +94,7 @@ SystemError ListProcesses_Impl(unsigned int* outIdentifiers, std::size_t inCapac
     return SystemErrors::kNoError;
 }
 
-// Opens nothing, because names are read by process identifier.
+// Opens nothing, because GetExecutableName_Impl uses only the process identifier.
 ProcessHandle OpenProcess_Impl(unsigned int)
 {
     return nullptr;

@@ -44,7 +44,7 @@ unsigned __int64 GetTotalVirtualMemory_Impl()
     return std::min<unsigned __int64>(limit.rlim_cur, kUserSpace);
 }
 
-// Every x86-64 processor has the instruction, but a process may have disabled it for itself.
+// Every x86-64 processor has RDTSC, but a process may have disabled it for itself.
 bool ProcessorSupportsRDTSCInstruction_Impl()
 {
     int mode = PR_TSC_ENABLE;

@@ -60,7 +60,7 @@ bool Fits(const unsigned short* inName, const unsigned short* inPattern)
             ++inPattern;
             ++inName;
         } else if (star != nullptr) {
-            // The star matches one more unit.
+            // Backtrack: let the last star match one more unit.
             inPattern = star;
             inName = ++retry;
         } else {
@@ -139,7 +139,7 @@ unsigned long GetFileAttributes_Impl(const UTF16String& inPath)
     if (ResolveToUsablePath(inPath, path) != kNoError) {
         return kInvalidAttributes;
     }
-    // A dangling link is still an entry.
+    // The fallback covers dangling links, which are entries too.
     if (!GetStatus(path.mPath, Links::kFollow, status) && !GetStatus(path.mPath, Links::kNoFollow, status)) {
         return kInvalidAttributes;
     }

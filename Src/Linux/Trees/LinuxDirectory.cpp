@@ -138,7 +138,7 @@ bool IsSameDirectory_Impl(const UTF16String& inOne, const UTF16String& inOther)
 
 namespace {
 
-// In a folder where files can be created but not deleted, the test file would remain forever.
+// In an append-only folder, files can be created but not deleted: the test file would remain forever.
 bool IsAppendOnly(const std::string& inFolder)
 {
     struct statx status;

@@ -195,7 +195,7 @@ private:
         if (failure != 0) {
             return failure;
         }
-        // A bind mount can place a folder below itself.
+        // Through a bind mount, the destination may be inside the source.
         if (mTo.ContainsDeepestOf(mFrom)) {
             return EINVAL;
         }

@@ -1,4 +1,4 @@
-// Tracks the path of a walk from a folder down into its tree.
+// Tracks the path from the top of a tree to the current folder of a walk.
 #pragma once
 
 #include "LinuxTreeEntryShare.h"

@@ -7,7 +7,7 @@ namespace Images {
 
 namespace {
 
-// Codes that follow a count of 0. Any other number is a count of pixels that are not run-length encoded.
+// Escape codes, after a count of 0. Any other code is a count of pixels that are not run-length encoded.
 constexpr unsigned int kEndOfRow = 0;
 constexpr unsigned int kEndOfBitmap = 1;
 constexpr unsigned int kDelta = 2;

@@ -17,7 +17,7 @@ constexpr std::uint16_t kCursorGroup = 2;
 
 constexpr std::size_t kHotSpot = 4;
 constexpr std::size_t kInfoHeader = 40;
-constexpr std::int32_t kLargest = 1024; // the largest width and height
+constexpr std::int32_t kLargest = 1024; // the maximum width and height
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
 struct Bitmap

@@ -10,7 +10,7 @@
 
 #include <objidl.h>
 
-namespace Gdiplus { // the headers of GDI+ use min and max
+namespace Gdiplus { // the headers of GDI+ use unqualified min and max
 using std::max;
 using std::min;
 } // namespace Gdiplus

@@ -6,7 +6,7 @@ namespace ORL {
 namespace MemoryRegions {
 namespace Platform {
 
-// A walk has no state, because the system can query any address directly.
+// Empty: a walk has no state, because the system can query any address directly.
 struct Walk
 {
 };

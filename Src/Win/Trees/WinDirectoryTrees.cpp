@@ -1,4 +1,4 @@
-// Applies SHFileOperation to the contents of a directory.
+// Copies, moves and deletes the contents of directories with SHFileOperation.
 #include <Platform/Directory.h>
 
 #include "../Calls/WinText.h"

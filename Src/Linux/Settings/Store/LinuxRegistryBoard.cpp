@@ -94,7 +94,7 @@ SystemError ChangeBoard::Open(const std::string& inFile, bool inIsWorldReadable)
     mDevice = std::uint64_t{major(status.st_dev)} << 32 | minor(status.st_dev); // the encoding of IdentityOf
     mInode = status.st_ino;
     if (error == kNoError && status.st_size < static_cast<off_t>(kFileSize)) {
-        // chmod, because a umask could deny other users access to the machine's store.
+        // Calls fchmod, because the umask could deny other users access to the machine's store.
         const bool isMade = mIsWritable && System().mFTruncate(mFile.Get(), kFileSize) == 0
                             && (!inIsWorldReadable || System().mFChMod(mFile.Get(), 0644) == 0);
         error = isMade ? kNoError : mIsWritable ? SystemErrorFromErrno(errno) : kErrorFileNotFound;

@@ -76,7 +76,7 @@ SystemError MakeFolder(const StoreLocation& inLocation)
         const std::string folder = inLocation.mFolder.substr(0, slash);
         if (System().mMakeDir(folder.c_str(), inLocation.mIsWorldReadable ? 0755 : 0700) != 0 && errno != EEXIST) {
             const int error = errno;
-            if (!Exists(folder)) { // an existing parent is no error, whatever mkdir reports
+            if (!Exists(folder)) { // an existing folder is not an error, whatever mkdir returned
                 return StoreError(error);
             }
         }

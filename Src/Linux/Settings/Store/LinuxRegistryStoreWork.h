@@ -76,7 +76,7 @@ SystemError Store::RunChangeOnce(const Change& inChange, Work inWork, Done inDon
     return error;
 }
 
-/// Makes this process's own change in memory, unless changes by other processes must be processed first. The change is
+/// Applies this process's change in memory, unless changes by other processes must be processed first. The change is
 /// already committed, so a failure of this step only makes the next read reload the keys.
 template <class Done>
 void Store::ApplyOwnChange(std::uint64_t inPosted, Done inDone) noexcept

@@ -69,7 +69,7 @@ public:
     /// Returns the number of levels between a key and the root; 0 for the root.
     static unsigned LevelOf(const StoredKey& inKey) noexcept;
 
-    /// These load the missing or stale parts of a key from the database. A null database denotes an empty store.
+    /// LoadSubKeys and LoadValues load what is missing or stale in memory. A null database denotes an empty store.
     SystemError LoadSubKeys(StoredKey& ioKey, Database* ioDatabase);
     SystemError LoadValues(StoredKey& ioKey, Database* ioDatabase);
 
