@@ -69,6 +69,12 @@ target_compile_definitions(orl_strict INTERFACE
   BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_ALL_NO_LIB
   $<$<BOOL:${WIN32}>:UNICODE;_UNICODE;NOMINMAX;WIN32_LEAN_AND_MEAN;_WIN32_WINNT=0x0A00>)
 
+# Sections that begin on page boundaries of the file can be mapped. Wine reads others, with their debug information, each
+# time a program starts: that took two thirds of the start of orl.
+if(WIN32)
+  target_link_options(orl_strict INTERFACE "LINKER:--file-alignment,4096")
+endif()
+
 if(ORL_SANITIZE)
   add_compile_options(-fsanitize=${ORL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ORL_SANITIZE})

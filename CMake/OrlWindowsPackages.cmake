@@ -40,13 +40,19 @@ set(ORL_SYSTEM_LIBRARIES shlwapi pdh psapi gdiplus gdi32)
 # The import library for WaitOnAddress, WakeByAddressSingle and WakeByAddressAll.
 set(ORL_SYNCHRONIZATION synchronization)
 
-# Copies the toolchain's runtime libraries next to the programs, so that the programs run from their folder.
+# Copies the toolchain's runtime libraries next to the programs, so that the programs run from their folder. The copies
+# can be mapped (see OrlPlatform.cmake).
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
     OUTPUT_VARIABLE dll_path OUTPUT_STRIP_TRAILING_WHITESPACE)
   if(NOT EXISTS "${dll_path}")
     set(dll_path "/usr/x86_64-w64-mingw32/lib/${dll}")
   endif()
-  configure_file("${dll_path}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}" COPYONLY)
+  set(dll_copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}")
+  if(NOT EXISTS "${dll_copy}" OR "${dll_path}" IS_NEWER_THAN "${dll_copy}")
+    file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    execute_process(COMMAND ${CMAKE_OBJCOPY} --strip-debug --file-alignment=4096 "${dll_path}" "${dll_copy}"
+      COMMAND_ERROR_IS_FATAL ANY)
+  endif()
   list(APPEND ORL_TOOLCHAIN_DLLS "${dll_path}")
 endforeach()
