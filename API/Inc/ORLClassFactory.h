@@ -11,8 +11,8 @@
 
 namespace ORL {
 
-/// Creates an instance and stores it in the argument. May throw: the exception propagates to the caller of
-/// CreateInstance.
+/// Creates an instance and stores it in the argument. May throw: the exception propagates to the caller that requested
+/// the instance.
 using CreateClassFunction = void (*)(InterfaceRef<ORLUnknown, ORLUnknown>&);
 
 /// Appends the categories of a class to an empty vector.
@@ -42,7 +42,7 @@ class ORL_API ClassFactory
 public:
     /// Registers a class and appends it to its categories. A class that is already registered keeps its first entry,
     /// but is appended to the categories again. Both names must live as long as the process. Always returns kSuccess.
-    /// For a class without categories, pass ORLGetClassCategories.
+    /// For a class without categories, pass ORLGetClassCategories as inGetCategories.
     static Result RegisterORLClass(const Guid& inClassID, const char* inFirstName, const char* inSecondName,
                                    CreateClassFunction inCreate, GetClassCategoriesFunction inGetCategories);
 

@@ -26,8 +26,8 @@ namespace ORL {
 template <class T>
 class ParamColor;
 
-/// A colour in 32 bits: red in the low byte, then green, then blue. The top byte is not part of the colour. Every
-/// function that stores a colour sets it to 0, except MakeRGBNTSCSafe, which copies it. As thread-safe as an
+/// A colour in 32 bits: red in the low byte, then green, then blue. The top byte is not part of the colour: every
+/// function that stores a colour sets the top byte to 0, except MakeRGBNTSCSafe, which copies it. As thread-safe as an
 /// integer.
 template <>
 class ParamColor<unsigned long>
@@ -96,7 +96,7 @@ ORL_API void ColorPbPrToHue(float inPb, float inPr, float& outHue);
 ORL_API void ColorYPbPrToHSL(float inY, float inPb, float inPr, float& outH, float& outS, float& outL);
 
 // Levels: luma is 100 times the Y of YPbPr. Chroma is 100 times the length of the vector of two colour differences,
-// scaled as for the subcarrier. The millivolt forms multiply both by 7.142857.
+// scaled as for the subcarrier. The millivolt functions multiply both by 7.142857.
 
 /// The colour differences are 0.614975 R - 0.514965 G - 0.10001 B and -0.147141 R - 0.288869 G + 0.43601 B.
 ORL_API void ColorRGBToIRE(float inR, float inG, float inB, float& outLuma, float& outChroma);
@@ -141,7 +141,7 @@ ORL_API void ColorRGBtoHSL(const ParamColor<unsigned long>& inColor, unsigned in
 ORL_API void ColorHSVtoRGB(unsigned int inH, unsigned int inS, unsigned int inV, ParamColor<unsigned long>& outColor);
 ORL_API void ColorHSLtoRGB(unsigned int inH, unsigned int inS, unsigned int inL, ParamColor<unsigned long>& outColor);
 
-/// Converts through RGB in float. Copies the hue, and also the saturation if the RGB colour has none.
+/// Converts through RGB in float. Copies the hue, and also the saturation if the RGB colour has no saturation.
 ORL_API void ColorHSLtoHSV(unsigned int inH, unsigned int inS, unsigned int inL, unsigned int& outH, unsigned int& outS,
                            unsigned int& outV);
 ORL_API void ColorHSVtoHSL(unsigned int inH, unsigned int inS, unsigned int inV, unsigned int& outH, unsigned int& outS,
@@ -161,7 +161,7 @@ ORL_API void ColorYUVtoHSV(unsigned char inY, char inU, char inV, unsigned int& 
 
 // Safe colours
 
-/// Clears the low 5 bits of each channel. Returns whether no channel changed.
+/// Clears the low 5 bits of each channel. Returns true if no channel changed.
 ORL_API bool MakeRGBWebSafe(const ParamColor<unsigned long>& inColor, ParamColor<unsigned long>& outColor);
 
 /// Copies the colour, top byte included, and returns true: every colour counts as safe.

@@ -10,8 +10,8 @@
 #include <tvxcore/String.h>
 #include <tvxmediatypes/Constants.h>
 
-// Defines a constant that compilers can evaluate and that the library also exports. Only the source that defines
-// ORL_CONSTANTS_EMIT emits the symbols.
+// Defines a constant that compilers can evaluate and that the library also exports. Only the source file that
+// defines ORL_CONSTANTS_EMIT emits the symbols.
 #if defined(ORL_CONSTANTS_EMIT)
 #  define ORL_CONSTANT ORL_API __attribute__((used)) inline constexpr
 #else
@@ -20,7 +20,7 @@
 
 namespace ORL {
 
-/// Maximum length of a path for plain system calls, in units, terminator included.
+/// Maximum length of a plain path (one without \\?\), in units, terminator included.
 ORL_CONSTANT int ORL_MAX_PATH = 260;
 
 ORL_CONSTANT tvxmediatypes::TickTime kTime_Zero = tvxmediatypes::kTime_Zero;

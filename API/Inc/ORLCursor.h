@@ -17,7 +17,7 @@ class ORL_API Cursor
 public:
     static void SetArrowCursor(); ///< the usual pointer
     static void SetIBeamCursor(); ///< the pointer over text
-    static void SetWaitCursor();  ///< the pointer during long work
+    static void SetWaitCursor();  ///< the pointer during a long operation
     static void SetSizeCursor();  ///< arrows in all four directions
 
     Cursor() = delete;

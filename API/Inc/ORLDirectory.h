@@ -25,7 +25,7 @@ namespace ORL {
 /// directory that is being walked. A listing is complete or throws: eDirectoryNotListed if the system aborts it or is
 /// out of handles, std::bad_alloc if out of memory. Only memory limits the depth.
 /// Trees:    Copy, Move and DeleteNotEmpty include hidden entries. Copy and Move overwrite files without asking. All
-///           three accept only plain paths: for one in the extended form (\\?\) they report an assertion and return
+///           three accept only plain paths: for an extended path (\\?\) they report an assertion and return
 ///           kPathNotFound. Every other error is kGeneralFailure, and the work done before it is not undone.
 /// On Linux: links are copied, moved and deleted as links, never followed. A file is first copied under a temporary
 ///           name, so the final name never refers to a partial copy.

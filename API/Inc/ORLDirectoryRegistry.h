@@ -11,10 +11,10 @@
 // is empty or not registered, is left unexpanded.
 //
 // A pattern must not refer to itself, directly or indirectly. A reference that would close such a cycle, or that is
-// more than 64 references deep, is reported by an assertion and left unexpanded.
+// nested more than 64 levels deep, is reported by an assertion and left unexpanded.
 //
 // Not thread-safe: register at start-up, on one thread. Lookups may run on several threads while no thread registers.
-// The table lives until the process exits, so lookups work even on threads that run during the exit.
+// The table lives until the process exits, so lookups work even on threads that are still running then.
 #pragma once
 
 #include <ORLConfig.h>

@@ -30,7 +30,7 @@ ORL_API UTF16String ReportStructuredExceptionRecordInformation(const _EXCEPTION_
 
 /// Shows an unhandled exception to the user, with the calling thread's name, identifier and module, through
 /// tvxcore::debug::DisplayAssert. inWhat is the exception's message in UTF-8 and may be empty. Returns true if the user
-/// chose to debug. Despite its name it rethrows nothing: the caller acts on the result. Sets ioIgnore if the user chose
+/// chose to debug. Despite its name, rethrows nothing: the caller acts on the result. Sets ioIgnore if the user chose
 /// to ignore this site for good, and leaves it unchanged otherwise. ioIgnore is not read: the caller checks it before
 /// the call. Thread-safe. Throws std::bad_alloc. Exceptions from the host's dialog propagate.
 ORL_API bool ThrowAfterUnhandledExceptionAlert(bool& ioIgnore, const std::string& inWhat);

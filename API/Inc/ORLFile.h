@@ -85,7 +85,7 @@ class ORL_API IFileBuffer : public ORLUnknown
 {
 public:
     /// Offers the cache a block that was read. inPosition is its position in the file, a multiple of the block size.
-    /// The cache may keep a counted reference. Bytes after the end of the file are undefined.
+    /// The cache may keep a counted reference. Bytes past the end of the file are undefined.
     virtual void AddBlock(ObjectPtr<MemoryBufferWrapper> inBlock, __int64 inPosition) = 0;
 
     /// Stores the block at inPosition in outBlock. Returns success, or a failure if the block is not cached.
@@ -110,12 +110,12 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 
 } // namespace Foundation
 
-/// One file. Unless documented otherwise, paths are rooted, in plain or extended form (\\?\).
+/// One file. Unless documented otherwise, paths are rooted, in plain or extended form (\\?\); plain ones are extended.
 ///
 /// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
 /// kFileAttribute_NoBuffering, it bypasses the system's cache. The file is then read in whole blocks of at least 64 KiB
-/// through the buffer that the factory created for it. The File object then keeps the position, which never exceeds the
-/// end of the file. The block cache allocates its blocks from the library's pool, so the library must be started.
+/// through the buffer that the factory created for it. The File object then tracks the position itself, never past
+/// the end of the file. The block cache allocates its blocks from the library's pool, so the library must be started.
 ///
 /// Requires: an open file for every operation but Create, IsOpen, Close, GetPlatformFileHandle and the static ones;
 ///           otherwise the input contract "IsOpen()" fires. Create requires that no file is open.
@@ -185,8 +185,8 @@ public:
 
     static Result Delete(const UTF16String& inPath); ///< deletes a file; fails if there is none
 
-    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Plain
-    /// paths are not extended. On Linux also copies the permissions, and lets the kernel copy the data if possible.
+    /// Copies a file with its last-write time and its read-only attribute. Overwrites an existing destination. Does
+    /// not extend plain paths. On Linux also copies the permissions, and lets the kernel copy the data if possible.
     static Result Copy(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Same as Copy, but calls inCallback with inData and the fraction copied, from 0 to 1: at the beginning, during
@@ -197,13 +197,13 @@ public:
                                    bool (*inCallback)(float, void*), void* inData);
 
     /// Renames a file or directory. Files may also be moved to another volume. Returns kAlreadyExists if the
-    /// destination exists. Plain paths are not extended.
+    /// destination exists. Does not extend plain paths.
     static Result Move(const UTF16String& inSource, const UTF16String& inDestination);
 
     /// Replaces the real file, which must exist, with a finished temporary file, and removes the temporary name. On
     /// success the new contents and their folder have been synced to disk. The real name always refers to the complete
     /// old or the complete new contents. After a failure nothing is retried, and both files keep their contents.
-    /// Neither file may be open elsewhere, except that the real one may be open with kFileShare_Delete.
+    /// Neither file may be open, unless the real one is open only through handles with kFileShare_Delete.
     static Result SwapTempFile(const UTF16String& inTempPath, const UTF16String& inRealPath);
 
     /// Returns an unused path in the same folder: "photo~1.jpg" for "photo.jpg", else "photo~2.jpg" and so on.
@@ -211,7 +211,7 @@ public:
     /// may create that file first.
     static UTF16String MakeUniqueTempPath(const UTF16String& inPath);
 
-    /// Stores the size of a file, open or not. Returns kFileNotFound on any failure. A plain path is not extended.
+    /// Stores the size of a file, open or not. Returns kFileNotFound on any failure. Does not extend a plain path.
     static Result SizeOnDisk(const UTF16String& inPath, unsigned __int64& outSize);
 
     /// Stores the time of a file's last write, like the member function.

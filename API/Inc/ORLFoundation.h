@@ -101,7 +101,7 @@ namespace Foundation {
 ORL_API void Initialize();
 
 /// Undoes one Initialize; the last call stops the services, after which the library may be started again. A call
-/// without a matching Initialize cancels the next one, which then starts nothing.
+/// without a matching Initialize cancels the next Initialize, which then starts nothing.
 ///
 /// Make the last call on the main thread.
 ORL_API void Terminate();

@@ -41,7 +41,7 @@ public:
 namespace Geometry {
 
 /// Solves the natural cubic spline through n points. Stores the second derivative at each point in y2, which has space
-/// for n; those at the first and the last point are 0. x should be ascending; the equation is skipped at a point whose
+/// for n; those at the first and the last point are 0. x should be ascending; skips the equation of a point whose
 /// x is not strictly between those of its neighbours. x and y are read-only.
 ///
 /// Returns false, with y2 untouched, if a pointer is null or n is 0 (reported by an assertion), or if there is no

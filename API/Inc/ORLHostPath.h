@@ -42,8 +42,8 @@ struct MountPoint
 ORL_API std::vector<MountPoint> GetMountPoints();
 
 /// The Linux drive table. These functions exist only in the Linux library; a host for both platforms calls them from
-/// its Linux sources. Thread-safe: a concurrent path conversion uses the table as it was either before or after the
-/// change.
+/// its Linux-only source files. Thread-safe: a concurrent path conversion uses the table as it was either before or
+/// after the change.
 namespace Linux {
 
 /// Same as PathUtils::FromHostPath and PathUtils::ToHostPath.

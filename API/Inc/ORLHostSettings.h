@@ -9,7 +9,7 @@
 //
 // Until SetLanguageID or SetLanguageString is called, the first function that needs the language reads the string value
 // "Language" below GetRegistryBaseKey() in the user's root, once in the life of the process. Without that value the
-// language is 1033, and the trace category "ORL.ResourceUtils.GetLanguageIDFromRegistry" reports it at level 0. Later
+// language is 1033, and a line in category "ORL.ResourceUtils.GetLanguageIDFromRegistry" is traced at level 0. Later
 // changes of the value have no effect.
 //
 // Thread-safe. The functions may throw std::bad_alloc; in that case nothing has changed.

@@ -17,8 +17,8 @@ namespace ORL {
 ///
 /// A string is interned as static (the table keeps the caller's pointer, which must live as long as the process) or as
 /// dynamic (the table owns a copy). A string that is already in the table keeps its kind.
-/// Owner:    the table owns the records. An unreferenced record stays in the table until PurgeUnusedStrings removes it,
-///           if it is dynamic, or until the process exits.
+/// Owner:    the table owns the records. An unreferenced record stays in the table until the process exits or,
+///           if it is dynamic, until PurgeUnusedStrings removes it.
 /// Threads:  one thread at a time per handle. Handles on several threads may refer to one string. Interning a new
 ///           string and purging take one lock; copying and releasing change one counter.
 /// Failure:  creating a handle may throw std::bad_alloc; in that case nothing has changed.
@@ -50,15 +50,15 @@ public:
     UTF16String ToString() const; ///< returns the string converted to UTF-16
 
     /// Compares bytes as unsigned, up to the first zero, and returns -1, 0 or 1. A null handle is below every string,
-    /// even the empty one, and equal only to a null handle or a null pointer. A null pointer orders like a null handle.
+    /// even the empty one, and equal only to a null handle or a null pointer. A null pointer acts like a null handle.
     int Compare(const ImmutableString& inOther) const;
     int Compare(const char* inOther) const;
     int Compare(const unsigned char* inOther) const;
     int Compare(const std::string& inOther) const;
     int Compare(const UTF8String& inOther) const;
 
-    /// Compares with a 16-bit string converted to UTF-8; null means the empty string. A null handle returns -1 without
-    /// converting.
+    /// Compares with a 16-bit string converted to UTF-8; null means the empty string. If this handle is null, returns
+    /// -1 without converting.
     int Compare(const UTF16String& inOther) const;
     int Compare(const unsigned short* inOther) const;
 

@@ -106,7 +106,7 @@ constexpr const char* NameWithClass()
     return __PRETTY_FUNCTION__;
 }
 
-// Returns the identifier that ends at a position: empty if the text before the position is no identifier.
+// Returns the C++ identifier that ends just before a position, or an empty string if none does.
 constexpr std::string_view IdentifierBefore(std::string_view inText, std::size_t inEnd)
 {
     const std::string_view before = inText.substr(0, inEnd);
@@ -115,7 +115,7 @@ constexpr std::string_view IdentifierBefore(std::string_view inText, std::size_t
 }
 
 // Returns whether Asked may declare its identifier. Compares the unqualified names of Asked and of the class that
-// declares it, because no trait tells where an inherited constant is declared. Accepts class templates unchecked.
+// declares it, since no type trait reports where an inherited constant is declared. Accepts class templates unchecked.
 template <class Asked>
 constexpr bool IsNamedAsDeclaringClass()
 {
@@ -137,7 +137,7 @@ constexpr bool IsNamedAsDeclaringClass()
 /// Owner:    each InterfaceRef owns one reference to its object.
 /// Threads:  one thread at a time per InterfaceRef. Several threads may own references to one object, and copy and
 ///           destroy them.
-/// Failure:  only operator-> throws: NullInterfaceException. As throws what the object's QueryInterface throws.
+/// Failure:  operator-> throws NullInterfaceException. As() throws what the object's QueryInterface throws.
 template <class T, class Base = ORLUnknown>
 class InterfaceRef
 {
@@ -194,8 +194,8 @@ public:
     explicit operator bool() const noexcept { return mIPtr != nullptr; }
 
     /// Returns a reference to another interface of the object, by QueryInterface, or null if the object does not
-    /// implement it or this reference is null. OtherBase is the second template argument of the result. An interface
-    /// that inherits its identifier does not compile. Throws what the object's
+    /// implement it or this reference is null. OtherBase is the second template argument of the result. Does not
+    /// compile for an interface that inherits its identifier. Throws what the object's
     /// QueryInterface throws; that of UnknownImpl never throws.
     template <class Other, class OtherBase = ORLUnknown>
     InterfaceRef<Other, OtherBase> As() const

@@ -2,7 +2,7 @@
 // Identifiers of languages and sublanguages, with the values of Windows.
 //
 // A language identifier contains the primary language in bits 0 to 9 and the sublanguage in bits 10 to 15. Sublanguage
-// numbers depend on the primary language. Croatian and Serbian share one primary value.
+// numbers depend on the primary language. Croatian and Serbian share one primary language.
 #pragma once
 
 #include <ORLConstants.h>

@@ -7,7 +7,7 @@
 //   }
 //
 // On Linux a module is a shared object. The CMake function orl_target_resources embeds resources in the module, and the
-// library reads them from the loader's mapping. Load also accepts a Windows DLL and a compiled resource file (.res),
+// library reads them from the loaded image. Load also accepts a Windows DLL and a compiled resource file (.res),
 // but only as data: their resources are available, none of their code runs, and GetProcAddress returns null.
 #pragma once
 
@@ -40,8 +40,8 @@ class ORL_API Module : public ResourceCollection
 public:
     /// Loads a module by library path. A name without a folder is looked up in the system's search path; on Linux the
     /// program's folder is searched first. Fires an input contract for an empty path. Returns kSuccess and replaces
-    /// outModule. On failure outModule is unchanged: kAccessDenied if the file is not readable, kGeneralFailure if the
-    /// module or one that it depends on is missing, or if it is not a module for this machine. Throws std::bad_alloc.
+    /// outModule. On failure keeps outModule and returns kAccessDenied if the file is not readable, kGeneralFailure if
+    /// the module or one that it depends on is missing, or if it is no module for this machine. Throws std::bad_alloc.
     static int Load(const UTF16String& inModulePath, ObjectPtr<Module, AtomicValue>& outModule);
 
     /// Wraps a module that the caller owns and that must outlive the wrapper. Null denotes the program itself. Always

@@ -34,9 +34,9 @@ public:
     constexpr ObjectPtr() noexcept : mCounter(nullptr), mPtr(nullptr) {}
 
     /// Takes ownership of the object, which must have no other owner; null constructs an empty pointer. If there is no
-    /// memory for the counter, deletes the object and throws std::bad_alloc. Explicit: an implicit conversion would
-    /// create a second counter for an object and delete it twice. (InterfaceRef counts inside the object, so its
-    /// constructor is implicit.)
+    /// memory for the counter, deletes the object and throws std::bad_alloc. Explicit: an implicit conversion could
+    /// create a second counter for an owned object, which would then be deleted twice. (InterfaceRef counts inside the
+    /// object, so its constructor is implicit.)
     explicit ObjectPtr(T* inPtr) : ObjectPtr()
     {
         if (inPtr != nullptr) {

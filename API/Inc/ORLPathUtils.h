@@ -51,10 +51,10 @@ ORL_API UTF16String GetDirectoryPart(const UTF16String& inFullPath);
 ORL_API UTF16String GetFilePart(const UTF16String& inFullPath);
 ORL_API UTF16String GetExtensionPart(const UTF16String& inFullPath);
 
-/// Returns file and extension.
+/// Returns the file name with its extension.
 ORL_API UTF16String GetFullFilePart(const UTF16String& inFullPath);
 
-/// Returns drive and directory, with the trailing separator.
+/// Returns the drive and the directory, with the trailing separator.
 ORL_API UTF16String GetFullDirectoryPart(const UTF16String& inFullPath);
 
 /// Returns whether the path ends in a backslash. A slash does not count.
@@ -79,7 +79,7 @@ ORL_API UTF16String MakePath(const UTF16String& inDrive, const UTF16String& inDi
 ORL_API UTF16String MakeFullPath(const UTF16String& inDrive, const UTF16String& inDirectory, const UTF16String& inFile,
                                  const UTF16String& inExtension);
 
-/// Returns the extended form of a rooted path, and any other string unchanged. Keeps slashes and does not resolve dots.
+/// Returns the extended form of a rooted path, and any other string unchanged. Keeps "/", "." and "..".
 ORL_API UTF16String ToNormalizedPath(const UTF16String& inFullPath);
 
 /// Returns whether the path is normalized. \\?\C:\ is, but \\?\C: is not.

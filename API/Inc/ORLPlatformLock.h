@@ -94,7 +94,7 @@ private:
     static constexpr std::uint32_t kOwnerChecks = 8;
 
     // Returns the address of the thread's control block: one instruction, never 0, and unique among living threads. In
-    // a forked child it is the address of the forking thread, so the child still owns the locks of that thread.
+    // a forked child it equals that of the thread that called fork, so the child still owns that thread's locks.
     static std::uintptr_t ThisThread()
     {
         std::uintptr_t word;
@@ -104,7 +104,7 @@ private:
 
     std::uintptr_t Holder() const { return mWord.load(std::memory_order_relaxed) & ~kSleepers; }
 
-    // Always true under the sanitizer, which must be notified before each acquisition that is not recursive.
+    // Always true under the sanitizer: only non-recursive acquisitions are reported to it, and before they happen.
     bool ChecksOwnerFirst() const { return ORL_THREAD_SANITIZER || mOwnerChecks.load(std::memory_order_relaxed) != 0; }
 
     // Locks recursively if the thread is the owner. Returns whether the thread is the owner.

@@ -1,5 +1,5 @@
 // Floor: System
-// Persistent settings: keys below two roots, with named values of five types.
+// Persistent settings: keys below two roots, with named numbers, strings and binary values.
 //
 //   ORL::RegistryKey key;
 //   if (ORL::ResultSucceeded(key.Create(ORL::RegistryRootKeys::kUser, path))) {
@@ -52,8 +52,8 @@ constexpr RegistryKeyAccess::Type operator|(RegistryKeyAccess::Type inLeft, Regi
 /// Owner:    copies share one handle. An Open or Create on one copy affects all of them; each keeps its own path.
 /// Threads:  reading and writing values is thread-safe, and so is copying and destroying copies. Not thread-safe: Open
 ///           and Create, which change the handle of all copies; assignment and Swap, which change the object.
-/// Failure:  operations return kRegistryFailure unless stated otherwise, and always on a closed key. Constructors and
-///           functions with a string or vector throw std::bad_alloc.
+/// Failure:  failed operations return kRegistryFailure unless stated otherwise, and always on a closed key.
+///           Constructors and functions that take or return strings or vectors throw std::bad_alloc.
 /// On Linux: the store is one database for each root (see Docs/settings.md). A forked child can use the store.
 class ORL_API RegistryKey
 {

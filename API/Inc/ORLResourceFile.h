@@ -83,12 +83,12 @@ public:
     const FileEntry* FindLocalized(const unsigned short* inName, const unsigned short* inType,
                                    unsigned short inLanguage) const;
 
-    /// Finds a string as LoadStringW does in that language. outLanguage receives the language in which it was found.
-    /// Returns false, with the outputs unchanged, if there is no such string. Throws std::bad_alloc.
+    /// Finds a string as LoadStringW would if inLanguage were the current language. Stores its language in
+    /// outLanguage. Returns false, with the outputs unchanged, if there is no such string. Throws std::bad_alloc.
     bool FindString(unsigned int inID, unsigned short inLanguage, UTF16String& outText,
                     unsigned short& outLanguage) const;
 
-    /// Finds and decodes a picture as Module::LoadBitmapWTL does in that language: the resource of type "PNG",
+    /// Finds and decodes a picture as Module::LoadBitmapWTL would in inLanguage: the resource of type "PNG",
     /// otherwise the bitmap resource. Returns false, with outPicture unchanged, if neither can be found and decoded.
     /// Throws std::bad_alloc. On Windows the host must have started GDI+.
     bool FindPicture(unsigned short inID, unsigned short inLanguage, FilePicture& outPicture) const;

@@ -1,5 +1,5 @@
 // Floor: System
-// Modules, menus and cursors on Linux, where the OS does not provide them. Only the Linux library exports these
+// Linux replacements for Windows functions on modules, menus and cursors. Only the Linux library exports these
 // functions.
 #pragma once
 
@@ -36,8 +36,8 @@ struct MenuItem ///< One item of a menu.
     HMENU mSubMenu;      ///< owned by the menu; null if the item has no submenu
 };
 
-/// Returns the number of items; 0 for a null menu. Like GetMenuItem, thread-safe until DestroyMenu, because menus are
-/// immutable.
+/// Returns the number of items; 0 for a null menu. Like GetMenuItem, thread-safe until DestroyMenu is called, because
+/// menus are immutable.
 ORL_API int GetMenuItemCount(HMENU inMenu);
 
 /// Copies the item at an index, counted from 0. Returns false, with outItem unchanged, if there is no such item. Throws

@@ -33,12 +33,12 @@ public:
     /// Shutdown.
     static SharedThreadedWorkQueue* Instance();
 
-    /// Returns the multi-threaded queue of a priority, or null if it does not exist yet. Each number outside 0 to 5 has
-    /// its own queue, which runs at priority 3.
+    /// Return the multi-threaded queue of a priority. If it does not exist yet, Retrieve returns null and
+    /// RetrieveOrCreate creates it. Each number outside 0 to 5 has its own queue, which runs at priority 3.
     QueueRef Retrieve(ThreadPriorities::Type inPriority);
     QueueRef RetrieveOrCreate(ThreadPriorities::Type inPriority);
 
-    /// Returns the single-threaded queue of a priority.
+    /// Same as Retrieve and RetrieveOrCreate, for the single-threaded queue of a priority.
     QueueRef RetrieveSingleThreaded(ThreadPriorities::Type inPriority);
     QueueRef RetrieveOrCreateSingleThreaded(ThreadPriorities::Type inPriority);
 

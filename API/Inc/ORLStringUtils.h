@@ -53,7 +53,7 @@ ORL_API UTF16String TrimTrailingZeros(const UTF16String& inText);
 /// without a language uses 1252. The environment is read once.
 ORL_API unsigned int GetDefaultCodePage();
 
-/// Exists only in the Linux library; a host for both platforms calls it from its Linux sources.
+/// Exists only in the Linux library; a host for both platforms calls it from a Linux-only source file.
 namespace Linux {
 
 /// Sets the default code page of this process, for conversions that begin later; 0 restores the page of the user's

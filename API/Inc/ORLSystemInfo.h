@@ -1,7 +1,7 @@
 // Floor: System
 // The machine's resources and its load.
 //
-// Thread-safe. Never throws and never returns an error: a value that the system does not report is 0 or false.
+// Thread-safe. Never throws. Functions return 0 or false for a value that the system does not report.
 #pragma once
 
 #include <ORLConfig.h>

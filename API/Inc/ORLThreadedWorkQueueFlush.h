@@ -61,7 +61,7 @@ public:
         flush->Flush();
     }
 
-    /// The rendezvous. Only the queue's threads call this function.
+    /// Blocks until all items have arrived. Only the queue's threads call this function.
     void Process() override;
 
 private:

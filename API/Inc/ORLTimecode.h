@@ -66,7 +66,7 @@ public:
     ORL_API Timecode(const tvxmediatypes::TickTime& inTime, const tvxmediatypes::FrameRate& inFrameRate,
                      tvxmediatypes::TimeDisplay inTimeDisplay, const Style& inStyle);
 
-    /// Copies the public time, so the copy's fields agree with its time even if those of inOther are stale.
+    /// Copies the public time, so the copy's fields match it even if those of inOther are stale (IncrementFeetFrames).
     ORL_API Timecode(const Timecode& inOther);
     ORL_API Timecode& operator=(const Timecode& inOther);
 
