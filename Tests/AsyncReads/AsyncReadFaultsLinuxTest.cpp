@@ -1,4 +1,4 @@
-// Fails each system call of a read, at each occurrence, with each error of a resource shortage. Delivered
+// Fails each system call of a read, at each occurrence, with each errno that a resource shortage can cause. Delivered
 // data must be correct, no read may be lost, no descriptor may stay open, and the next reads must work.
 #include "AsyncReadsFixture.h"
 
@@ -266,7 +266,7 @@ TEST_P(AsyncReadFaults, ThreadsThatTheSystemRefuses_LeaveNothingStarted)
     EXPECT_TRUE(RunOnce().IsWhole());
 }
 
-// If the kernel refuses the last packet, Terminate does not wait for the completion thread, which still ends.
+// If the kernel refuses the last packet, Terminate returns without waiting for the completion thread to end.
 TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEndsAllTheSame)
 {
     if (RefusalOfTheRing() != 0) {
@@ -287,8 +287,8 @@ TEST_P(AsyncReadFaults, LastPacketThatTheSystemRefuses_IsReportedAndTheThreadEnd
 }
 
 // The kernel refuses both the last packet and the packet that should wake the completion thread. An eventfd that the
-// ring polls wakes the thread instead. This poll must outlive the thread that called StartupAsyncFileOperations,
-// although the kernel cancels the polls of a thread that exits.
+// ring polls wakes the thread instead. The kernel cancels the polls of a thread that exits, but this poll must
+// outlive the thread that called StartupAsyncFileOperations.
 TEST_P(AsyncReadFaults, EveryPacketThatTheSystemRefuses_LeavesNoThreadAsleep)
 {
     if (RefusalOfTheRing() != 0) {

@@ -1,4 +1,4 @@
-// The trials take invented times, so every run is the same.
+// Tests Calibration with simulated times, so every run is the same.
 #include <Calibration.h>
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ constexpr double kOperation = 100; // ns
 constexpr std::uint64_t kCount = 200000;
 constexpr double kTimeSlice = 4e6;
 
-// A machine on which one operation takes kOperation; inDelay says how much a trial is delayed.
+// A simulated machine on which one operation takes kOperation; inDelay returns the delay of a trial.
 class Machine
 {
 public:
@@ -66,7 +66,7 @@ TEST(Calibration, Undisturbed_IsNotRepeated)
 
 TEST(Calibration, MostTrialsDelayed_UsesTheFastest)
 {
-    // Each trial but every third one takes a time slice more.
+    // Two of every three trials are delayed by a time slice.
     Machine machine([](unsigned inTrial) { return inTrial % 3 == 0 ? 0.0 : kTimeSlice; });
     Calibration calibration(machine.Trial(), kWished, 1);
     const std::uint64_t count = calibration.Run();
@@ -94,7 +94,7 @@ TEST(Calibration, FirstTrialsDelayed_IsRepeatedAndForgetsTheDelay)
 
 TEST(Calibration, OneTrialFarFasterThanTheOthers_IsRepeated)
 {
-    // Of the six trials that are long enough to measure, only the third is not delayed. The check is not delayed.
+    // Five of the first six trials that are long enough to measure are delayed, all but the third; no other trial is.
     unsigned longTrials = 0;
     const auto trial = [&](std::uint64_t inOperations) {
         const double time = kOperation * static_cast<double>(inOperations);

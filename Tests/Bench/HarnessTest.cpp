@@ -1,4 +1,4 @@
-// Groups whose bodies return invented figures: no test measures real time.
+// Tests groups of the benchmark harness, whose bodies return chosen figures: no test measures real time.
 #include <Harness.h>
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned kRepetitions = 9;
 
-// The figures of the repetitions; further repetitions have the last one. The first call only warms up.
+// Returns 0 for the warm-up call, then one figure per repetition; repetitions beyond the list repeat the last.
 class Figures
 {
 public:
@@ -34,7 +34,7 @@ struct Table
     int mExitCode = -1;
 };
 
-// Runs a group of one row and one peer, and Finish(). On a separate thread, because a group pins its thread.
+// Runs a group of one row and one peer, then Finish(), on a separate thread, because a group pins its thread.
 Table TableOf(const Bench::Goal& inGoal, const std::vector<double>& inOurs, const std::vector<double>& inPeer)
 {
     Table table;
@@ -58,7 +58,7 @@ bool Contains(const Table& inTable, const std::string& inText)
     return inTable.mText.find(inText) != std::string::npos;
 }
 
-// One figure differs from the others by inFactor.
+// Returns four figures, of which one differs from the others by inFactor.
 std::vector<double> Spread(double inFactor)
 {
     return {10, 10, 10 * inFactor, 10};

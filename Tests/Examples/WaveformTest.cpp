@@ -132,7 +132,7 @@ void ExpectInk(const DecodedPicture& inPicture, std::size_t inFirstColumn, std::
 TEST_F(WaveformExample, Silence_IsAFlatLineInTheMiddle)
 {
     const DecodedPicture picture = Thumbnail(Wav(Format(), Sound16(8000, Silence)));
-    ExpectInk(picture, 0, 120, 29, 30); // the line is one pixel high and covers half of both rows
+    ExpectInk(picture, 0, 120, 29, 30); // the line is one pixel high and covers half of each of the two rows
 }
 
 TEST_F(WaveformExample, FullScale_ReachesTheFirstAndTheLastRow)

@@ -77,7 +77,7 @@ TEST(LifecycleFaults, StartThatFailsAtAnyPlace_CanBeMadeAgainAfterTheRegistratio
             if (attempt.mHasFailed) {
                 EXPECT_EQ(0, FoundationLifecycle().mCount);
                 failedInTheLastStep += MemoryRecycler::Instance() ? 1 : 0;
-                if (ThreadHasARecord()) { // the registration remains, and cannot be repeated
+                if (ThreadHasARecord()) { // still registered, so a second start throws
                     EXPECT_EQ("\"An input contract violation has occurred!\" [ID 25, Package 105, Level 0]",
                               SecondStartThrows());
                 }

@@ -164,7 +164,7 @@ void Attempt(const std::function<void()>& inWork)
     }
 }
 
-// Runs inWork with request 1, 2, 3 ... failing, until inWork makes fewer requests.
+// Runs inWork with request 1, 2, 3 ... failing, until inWork makes too few requests to reach the failing one.
 void SweepAllocator(FaultyAllocator inAllocator, bool inAllFurther, const std::function<void()>& inWork,
                     const std::function<void()>& inCheck)
 {

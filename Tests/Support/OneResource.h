@@ -8,7 +8,7 @@
 
 namespace ORLTest {
 
-/// Holds one resource, which is found only by its number and its named type; counts its releases.
+/// Holds one resource, which can be loaded only by its number and the name of its type; counts its releases.
 class OneResource : public ORL::ResourceCollection
 {
 public:

@@ -72,7 +72,7 @@ inline void TouchPointers()
     Touch(unknown == copy, unknown != nullptr, unknown.As<IThreadedQueueRequest>());
     unknown = InterfaceRef<ORLUnknown, ORLUnknown>();
     if (IsWanted()) {
-        unknown->AddRef(); // the reference is null: the call would report and throw
+        unknown->AddRef(); // the reference is null: the call would report a failed check and throw
     }
 }
 

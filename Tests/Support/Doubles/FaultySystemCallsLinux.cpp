@@ -23,7 +23,7 @@ public:
         std::function<void()> mAction;
     };
 
-    /// Counts one call and applies its plans. Returns the errno that the call fails with, or 0.
+    /// Counts one call and applies the plans that match it. Returns the errno that the call fails with, or 0.
     int Enter(Call inCall, std::size_t& ioSize)
     {
         int error = 0;

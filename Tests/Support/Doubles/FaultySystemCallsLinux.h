@@ -12,7 +12,7 @@ namespace ORLTest {
 ///
 ///   FaultySystemCalls calls;
 ///   calls.Fail(FaultySystemCalls::kPRead, 3, EIO);        // the third read from now fails
-///   calls.Shorten(FaultySystemCalls::kPRead, 1, 100);     // the next read gets 100 bytes less
+///   calls.Shorten(FaultySystemCalls::kPRead, 1, 100);     // the next read requests 100 bytes fewer
 ///   calls.Before(FaultySystemCalls::kOpen, 1, [&] { go.wait(); });   // the next open is held until go
 class FaultySystemCalls
 {

@@ -6,7 +6,7 @@
 
 namespace ORLTest {
 
-// Starts a thread first, because a sanitizer starts its own permanent thread with the first thread of a process.
+// First starts and joins a thread, because a sanitizer starts a permanent thread of its own along with the first one.
 unsigned int CountProcessThreads()
 {
     static const bool isFirstThreadOver = (std::thread([] {}).join(), true);

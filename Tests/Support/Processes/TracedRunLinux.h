@@ -15,8 +15,8 @@
 
 namespace ORLTest {
 
-/// Runs a program and counts the system calls of all its threads, starting with the first call that names a path in a
-/// folder. The class can send the program a signal before one of these calls. Standard output is discarded; standard
+/// Runs a program and counts the system calls of all its threads, starting with the first call that names a path in
+/// inFolder. The class can send the program a signal before one of these calls. Standard output is discarded; standard
 /// error goes to inErrors.
 class TracedRun
 {
