@@ -78,7 +78,7 @@ function(orl_library name)
   target_include_directories(${name} PUBLIC ${include_dirs} $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation>)
   target_compile_features(${name} PUBLIC cxx_std_17) # for hosts whose compiler defaults to an older standard
-  target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE})
+  target_link_libraries(${name} PUBLIC ${arg_LINK_PUBLIC} PRIVATE ${arg_LINK_PRIVATE} orl_strict)
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME ${exported_name} VERSION ${PROJECT_VERSION}
     # The libraries find each other wherever the tree is moved, including in the build tree. CMake would pad a separate
