@@ -51,6 +51,13 @@ endif()
 add_library(orl_json INTERFACE)
 target_include_directories(orl_json SYSTEM INTERFACE $<BUILD_INTERFACE:${json_include}>)
 
+# xxHash is used as one header, on both platforms.
+set(xxhash_include "${PROJECT_BINARY_DIR}/xxhash-include")
+file(MAKE_DIRECTORY "${xxhash_include}")
+if(NOT EXISTS "${xxhash_include}/xxhash.h")
+  file(CREATE_LINK /usr/include/xxhash.h "${xxhash_include}/xxhash.h" SYMBOLIC)
+endif()
+
 # Ninja names sources inside the build folder, such as those that FetchContent fetched, relative to that folder.
 file(RELATIVE_PATH source_from_build "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
 string(REGEX REPLACE "([^/])$" "\\1/" source_from_build "${source_from_build}")

@@ -24,6 +24,8 @@ else()
 endif()
 target_sources(${room_target} PRIVATE ${ingest_files})
 set_property(SOURCE "${orl_folder}/Common/Json.cpp" APPEND PROPERTY COMPILE_OPTIONS "-isystem${json_include}")
+set_property(SOURCE "${orl_folder}/Common/Hash/XxHash.cpp" APPEND PROPERTY COMPILE_OPTIONS -isystem
+  "${xxhash_include}")
 target_include_directories(${room_target} PRIVATE "${orl_folder}/Common" "${orl_folder}/Common/Output"
   "${orl_folder}/Common/Terminal" "${orl_folder}/Ingest" "${orl_folder}/Ingest/Plan" "${orl_folder}/Ingest/Record"
   "${orl_folder}/Ingest/Report")

@@ -250,7 +250,7 @@ TEST(OrlHelp, Parser_AcceptsEveryWordOfTheTableAndNoOther)
             EXPECT_NE(std::string::npos, result.mErrors.find("no-such-word")) << result.mErrors;
         }
     }
-    EXPECT_EQ((std::set<std::string>{"FORM", "FORMAT", "FORMS", "KIND", "WHEN"}), tried);
+    EXPECT_EQ((std::set<std::string>{"FORM", "FORMAT", "FORMS", "HASH", "KIND", "WHEN"}), tried);
 }
 
 TEST(OrlHelp, ExitCodes_AreThoseOfEachCommand)

@@ -1,7 +1,7 @@
 #include "IngestFile.h"
 
+#include "Hash/Checksum.h"
 #include "IngestSystem.h"
-#include "Sha256.h"
 #include "Text.h"
 #include "UnbufferedRead.h"
 
@@ -255,7 +255,7 @@ private:
         const UTF16String path = mTarget.PathOf(inLeaf);
         unsigned __int64 size = 0;
         CheckTarget(File::SizeOnDisk(path, size));
-        Sha256 digest;
+        Checksum digest(ChecksumKind::kSha256);
         if (size != 0) {
             UnbufferedRead read;
             read.mCommand = "ingest";

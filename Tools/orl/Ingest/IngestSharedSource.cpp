@@ -1,6 +1,6 @@
 #include "IngestSharedSource.h"
 
-#include "Sha256.h"
+#include "Hash/Checksum.h"
 
 #include <algorithm>
 #include <atomic>
@@ -43,7 +43,7 @@ struct SharedFile
     std::uint64_t mRead = 0; // end of the last block read
     bool mIsReading = false; // a destination reads the block at mRead
     std::deque<Block> mBlocks;
-    Sha256 mSum;
+    Checksum mSum{ChecksumKind::kSha256};
     std::string mDigest;                               // empty until the whole file has been read
     std::map<std::size_t, std::uint64_t> mNextOffsets; // next offset of each destination that needs the file
 };

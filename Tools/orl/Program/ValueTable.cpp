@@ -1,6 +1,7 @@
 #include "ValueTable.h"
 
 #include "Colour/ColourForms.h"
+#include "Common/Hash/Checksum.h"
 #include "Ingest/Report/IngestSummary.h"
 #include "Timecode/TimecodeFormatNames.h"
 
@@ -42,6 +43,7 @@ ValueEntry ValueOf(const std::string& inName)
         {"FORM", {ValueKind::kWord, ReadableColourFormNames()}},
         {"FORMAT", {ValueKind::kWord, TimecodeFormats()}},
         {"FORMS", {ValueKind::kWordList, ColourFormNames()}},
+        {"HASH", {ValueKind::kWord, ChecksumNames()}},
         {"KIND", {ValueKind::kWord, {"string", "expand", "u32", "u64", "binary"}}},
         {"PATH", {ValueKind::kFile, {}}},
         {"RATE", {ValueKind::kWord, IngestRates()}},

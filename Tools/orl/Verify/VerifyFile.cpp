@@ -1,6 +1,6 @@
 #include "VerifyFile.h"
 
-#include "Sha256.h"
+#include "Hash/Checksum.h"
 #include "UnbufferedRead.h"
 
 namespace orl {
@@ -74,7 +74,7 @@ private:
     // A read cannot begin at the end of a file, so an empty file is not read.
     std::string DigestOf(const UnbufferedRead& inRead) const
     {
-        Sha256 digest;
+        Checksum digest(ChecksumKind::kSha256);
         if (mStatus.mSize != 0) {
             ReadUnbuffered(inRead, [&](const unsigned char* inBytes, std::size_t inCount, double, std::uint64_t) {
                 digest.Add(inBytes, inCount);

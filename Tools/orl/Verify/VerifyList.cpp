@@ -1,8 +1,8 @@
 #include "VerifyList.h"
 
 #include "Failure.h"
+#include "Hash/Checksum.h"
 #include "Ingest/Record/IngestManifest.h"
-#include "Sha256.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ public:
     {
         ORL::File file;
         Open(file);
-        Sha256 digest;
+        Checksum digest(ChecksumKind::kSha256);
         std::vector<char> block(kBlock);
         std::string text; // the incomplete last line
         std::uint64_t length = 0;

@@ -1,7 +1,7 @@
 #include "VerifyPart.h"
 
 #include "Failure.h"
-#include "Sha256.h"
+#include "Hash/Checksum.h"
 
 #include <algorithm>
 #include <charconv>
@@ -66,7 +66,7 @@ std::vector<std::size_t> AssignParts(const std::vector<PartItem>& inItems, std::
 
 std::string DigestOfParts(const std::vector<PartItem>& inItems, const std::vector<std::size_t>& inPartOfItem)
 {
-    Sha256 digest;
+    Checksum digest(ChecksumKind::kSha256);
     for (std::size_t i = 0; i < inItems.size(); ++i) {
         const std::string line = std::to_string(inPartOfItem[i]) + ' ' + std::to_string(inItems[i].mBytes) + ' '
                                  + std::to_string(inItems[i].mName.size()) + ' ' + inItems[i].mName + '\n';
