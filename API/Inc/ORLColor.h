@@ -13,8 +13,8 @@
 //
 // Sources of the formulas: RGB and YUV are ITU-R BT.601 with 16 to 235 for Y and 16 to 240 for chroma. YPbPr is BT.601
 // with full-range chroma, as in JFIF. YIQ rotates the chroma plane by 33 degrees. HSV is A. R. Smith's hexcone (1978).
-// HSL uses the hue of HSV; its saturation is the chroma itself. IRE and millivolts are those of an NTSC signal
-// without set-up: 100 IRE are 714.2857 mV.
+// HSL uses the hue of HSV; from RGB its saturation is the largest channel minus the smallest. IRE and millivolts are
+// those of an NTSC signal without set-up: 100 IRE are 714.2857 mV.
 #pragma once
 
 #include <ORLConfig.h>

@@ -110,7 +110,7 @@ ORL_API void SetFileBufferFactory(InterfaceRef<IFileBufferFactory, IFileBufferFa
 
 } // namespace Foundation
 
-/// One file. Unless documented otherwise, paths are rooted, in plain or extended form (\\?\); plain ones are extended.
+/// One file. Unless documented otherwise, paths must be rooted; plain ones are converted to extended form (\\?\).
 ///
 /// Block cache: if a factory is set and a file is opened for reading only, without kFileShare_Write and without
 /// kFileAttribute_NoBuffering, it bypasses the system's cache. The file is then read in whole blocks of at least 64 KiB

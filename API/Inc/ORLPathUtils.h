@@ -87,7 +87,7 @@ ORL_API bool IsNormalizedPath(const UTF16String& inFullPath);
 
 namespace Win {
 
-/// Returns the plain form of a normalized path. For any other string reports an assertion and returns an empty string.
+/// Returns the plain form of a normalized path. For any other string, fires an assertion and returns an empty string.
 ORL_API UTF16String StripUNC(const UTF16String& inPath);
 
 } // namespace Win

@@ -1,4 +1,4 @@
-// Fails each allocation in code page conversions, the language and the debug settings.
+// Fails each allocation in code page conversions, in fetching the language, and in reading and writing debug settings.
 #include "MemoryFaults.h"
 
 #include <Diagnostics/DebugDatabaseLifecycle.h>

@@ -14,5 +14,5 @@ add_executable(share_mode_host Files/ShareModes/ShareModeHost.cpp)
 target_link_libraries(share_mode_host PRIVATE ORLFoundation_private orl_strict)
 add_dependencies(${room_target} share_mode_host)
 
-# The sample host of a block cache, shared with the examples.
+# For LruFileBuffer.h, the block cache of an example host, which is tested here too.
 target_include_directories(${room_target} PRIVATE "${PROJECT_SOURCE_DIR}/Examples/BlockCache")

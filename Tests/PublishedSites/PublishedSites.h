@@ -29,7 +29,7 @@ struct PublishedSite
     const char* mSource;   // null if none is published
     long mLine;            // 0 if none is published
     const char* mFunction; // null for a contract, or if none is published
-    void (*mFailCheck)();  // fails the check once; may throw an exception of the library
+    void (*mFailCheck)();  // makes the check fail once; may then throw an ORL::Exception
 };
 
 /// Fails the check and compares its report. A failed contract throws; after a failed assertion execution continues.

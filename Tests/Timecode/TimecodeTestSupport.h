@@ -1,4 +1,4 @@
-// Shared helpers for the Timecode tests: strings, formats with their rates, and the recorder of reports.
+// Shared helpers for the Timecode tests: string conversion, formats with matching rates, and records of fields.
 #pragma once
 
 #include <CheckRecorder.h>

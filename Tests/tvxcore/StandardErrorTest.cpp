@@ -21,7 +21,7 @@ void Emit(const std::string& inText)
     tvxcore::debug::Trace(reinterpret_cast<const unsigned char*>(inText.c_str()));
 }
 
-// If a write of the test blocks forever, the tests' time limit ends the process.
+// If a write blocks forever, the test timeout kills the process.
 void EmitMoreThanAPipeHolds()
 {
     for (int i = 0; i < 100; ++i) {

@@ -184,7 +184,7 @@ TEST(TickTime, FromSeconds_RoundsToTheNearestTick)
         double mSeconds;
         long long mTicks;
     };
-    const double kTick = 1.0 / 512.0; // exactly 1378125 ticks: the smallest binary fraction with whole ticks
+    const double kTick = 1.0 / 512.0; // exactly 1378125 ticks: no smaller power of two is a whole number of ticks
     const Row rows[] = {
         {__LINE__, 0.0, 0},
         {__LINE__, -0.0, 0},

@@ -45,7 +45,7 @@ struct FileOperation
     ORL::Result (*mRun)(const TempFolder&);
     /// Checks the files on disk after the operation has returned the result.
     void (*mCheck)(const TempFolder&, ORL::Result);
-    /// The numbers of the lock calls whose failure is a sharing violation. Failures of other lock calls do not matter.
+    /// Ordinals of the lock calls whose EACCES is reported as a sharing violation. Other lock failures are ignored.
     std::set<unsigned> mLocks;
     std::vector<IgnoredFailure> mIgnored;
     /// Maps the system's error to the expected result.

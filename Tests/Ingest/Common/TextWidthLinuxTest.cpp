@@ -16,7 +16,7 @@ TEST(TextWidth, NearlyEachCharacter_IsAsWideAsTheCLibrarySays)
     int compared = 0;
     int different = 0;
     for (wchar_t point = 0xA0; point <= 0x1FFFF; ++point) {
-        const int expected = ::wcwidth(point); // returns -1 for characters that are unassigned or invisible
+        const int expected = ::wcwidth(point); // returns -1 for unassigned and nonprintable characters
         if (expected < 0 || (point >= 0xD800 && point < 0xE000)) {
             continue;
         }

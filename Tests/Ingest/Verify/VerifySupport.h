@@ -83,7 +83,7 @@ protected:
         return orl::WorstExitCode(orl::TroublesOf({inOutcome}));
     }
 
-    /// Expects one line about the missing folder, its exit code, and no other difference.
+    /// Expects one line, that the folder is gone, with exit code kVerifyGone; all but inVerified files are not checked.
     void ExpectGone(const orl::VerifyOutcome& inOutcome, std::size_t inVerified) const
     {
         const auto troubles = orl::TroublesOf({inOutcome});

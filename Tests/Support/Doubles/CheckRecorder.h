@@ -15,7 +15,7 @@ struct CheckReport
 {
     enum Kind { kAssert, kContract, kError, kDisplay };
     Kind mKind;
-    std::string mExpression; // the expression of a check, the ZString of an error or the title of a display
+    std::string mExpression; // the expression of a check, the ZString of an error or the title of a displayed message
     std::string mMessage;    // the message of an assertion or the text of a display
     std::string mFile;
     long mLine = 0; // the line of a check or the identifier of an error
@@ -55,7 +55,7 @@ public:
     bool mThrow = false;         // contract errors throw ContractError
     bool mThrowAssert = false;   // assertions throw ContractError, for code that must not continue after a failure
     bool mIgnoreForGood = false; // the user's answer to an assertion
-    long mDisplayChoice = 1;     // the user's answer to a display
+    long mDisplayChoice = 1;     // the user's choice for a displayed message
 
 private:
     static bool OnAssert(bool& ioIgnore, const char*, const unsigned char*, const char*, long, const char*);

@@ -52,7 +52,7 @@ public:
     /// represent it.
     std::string Document() const;
 
-    /// Returns the value on one line, without a line end.
+    /// Returns the value on one line, without a trailing newline.
     std::string Line() const;
 
 private:

@@ -101,10 +101,10 @@ inline void AssumeSmall(std::size_t inSize) noexcept
     }
 }
 
-// Recent processors forward a stored word to the next load without delay, if both address it by a register plus offset
-// and the addition between them is not done in memory. With indexed addresses each iteration of a loop of Allocate and
-// Dispose waits for the store of the previous one, which doubles its time. Compilers emit the slow forms; these two
-// functions force the fast ones.
+// Recent processors forward a store to the next load of the word without delay if both use base-plus-displacement
+// addressing and the addition between them has no memory operand. With indexed addresses each iteration of a loop of
+// Allocate and Dispose waits for the store of the previous one, which doubles its time. Compilers emit the slow forms;
+// these two functions force the fast ones.
 
 /// Returns the pair of stack pointers of a class, with its address in a register.
 inline void*** PlacesOf(CacheHead& ioCache, std::size_t inSize) noexcept

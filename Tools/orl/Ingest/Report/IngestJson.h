@@ -10,7 +10,7 @@
 
 namespace orl {
 
-/// Prints one JSON object per line: for each file at each destination, for each excluded entry, and a summary.
+/// Prints one JSON object per line: one for each file at each destination, one for each excluded entry, and a summary.
 void PrintIngestJson(std::ostream& ioStream, const std::vector<IngestDestination>& inDestinations,
                      const IngestListing& inListing, const EraseVerdict& inVerdict);
 
