@@ -69,6 +69,7 @@ public:
             [](int inFile) { return Fails(kFSync) ? -1 : sSystem.mFSync(inFile); },
             [](int inFile) { return Fails(kSyncFs) ? -1 : sSystem.mSyncFs(inFile); },
             [](int inFile, unsigned inMode) { return Fails(kFChMod) ? -1 : sSystem.mFChMod(inFile, inMode); },
+            sSystem.mFAccessAt,
         };
     }
     ~FaultyIngestCalls() { orl::sIngestCalls = sSystem; }

@@ -2,6 +2,7 @@
 #include "IngestRunSupport.h"
 
 #include <FaultySystemCallsLinux.h>
+#include <IngestPreview.h>
 #include <LinuxIngestCalls.h>
 #include <ProcessRunner.h>
 
@@ -16,6 +17,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace ORLTest;
 using orl::IngestOutcome;
@@ -324,4 +326,81 @@ TEST_F(IngestHarmOnLinux, NoRunLeavesARecordBehind)
     WriteFile(Disk() / "b", "another file");
     EXPECT_EQ(1u, Run({}).mTroubles.size());
     EXPECT_FALSE(fs::exists(Disk() / kRecord));
+}
+
+// Without access rights as proof, a manifest could call any file of the right size and time verified.
+TEST_F(IngestHarmOnLinux, AManifestThatOthersCanWrite_ProvesNothing)
+{
+    fs::create_directory(Disk());
+    for (const char* name : {"a", "b", "c"}) {
+        WriteFile(Disk() / name, std::string(2500000, 'x'));
+        fs::last_write_time(Disk() / name, fs::last_write_time(Card() / name));
+    }
+    WriteFile(Disk() / "b", mCard["b"]);
+    fs::last_write_time(Disk() / "b", fs::last_write_time(Card() / "b"));
+    const std::string zeros(64, '0');
+    WriteFile(Disk() / kManifest, zeros + "  a\n" + zeros + "  b\n" + zeros + "  c\n");
+    ::chmod((Disk() / kManifest).c_str(), 0666);
+    const ProcessResult result = Orl();
+    EXPECT_EQ(orl::kExitNameConflict, result.mExitCode) << result.mOutput;
+    EXPECT_EQ(std::string::npos, result.mOutput.find("Safe to erase")) << result.mOutput;
+    EXPECT_EQ(ReferenceSha256(mCard["b"]), ReadManifest(Disk() / kManifest)["b"]);
+    ::chmod((Disk() / kManifest).c_str(), 0644);
+    EXPECT_NE(std::string::npos, Orl().mOutput.find("verified before"));
+}
+
+TEST_F(IngestHarmOnLinux, ARecordThatOthersCanWrite_ReachesNothingThroughALink)
+{
+    fs::create_directory(Disk());
+    mFolder.MakeFolder("elsewhere");
+    const fs::path foreign = mFolder.Host() / "elsewhere" / kUnfinished;
+    fs::create_directory_symlink(mFolder.Host() / "elsewhere", Disk() / "link");
+    for (const bool isTrusted : {false, true}) {
+        WriteFile(foreign, "of another run");
+        WriteFile(Disk() / kRecord, RecordOf("T link/" + std::string(kUnfinished) + "\n"));
+        ::chmod((Disk() / kRecord).c_str(), isTrusted ? 0644 : 0666);
+        EXPECT_EQ(0, Orl().mExitCode);
+        EXPECT_EQ(!isTrusted, fs::exists(foreign));
+        EXPECT_FALSE(fs::exists(Disk() / kRecord));
+    }
+}
+
+TEST_F(IngestHarmOnLinux, AFolderThatCannotBeOpenedForLackOfDescriptors_IsNotGone)
+{
+    fs::create_directory(Disk());
+    const orl::IngestRoots roots = orl::MakeRoots(Card().string(), Disk().string());
+    static int sError;
+    orl::sIngestCalls.mOpenAt = [](int, const char*, int) {
+        errno = sError;
+        return -1;
+    };
+    const struct
+    {
+        int mError;
+        bool mIsGone;
+    } cases[] = {{EMFILE, false}, {ENFILE, false}, {ENOMEM, false}, {ENOENT, true},
+                 {ENODEV, true},  {ESTALE, true},  {EIO, true}};
+    for (const auto& row : cases) {
+        sError = row.mError;
+        EXPECT_EQ(row.mIsGone, orl::IsSourceGone(roots, orl::SourceWas::kNotEmpty)) << row.mError;
+        EXPECT_EQ(row.mIsGone, orl::IsDestinationGone(roots)) << row.mError;
+    }
+}
+
+TEST_F(IngestHarmOnLinux, ADryRunOfADestinationThatCannotBeWritten_IsRefusedLikeTheRun)
+{
+    orl::sIngestCalls.mFAccessAt = [](int, const char*, int) {
+        errno = EROFS;
+        return -1;
+    };
+    for (const bool exists : {false, true}) {
+        std::vector<orl::IngestDestination> destinations = orl::MakeDestinations(Card().string(), {Disk().string()});
+        orl::PreviewIngest(destinations, kManifest, {}, [] { return false; });
+        const IngestOutcome& outcome = destinations.front().mOutcome;
+        EXPECT_TRUE(outcome.mIsRefused) << exists;
+        ASSERT_EQ(1u, outcome.mTroubles.size());
+        EXPECT_EQ("ingest: cannot write to the destination \"" + Disk().string() + "\": access denied",
+                  outcome.mTroubles.front().mText);
+        fs::create_directory(Disk());
+    }
 }

@@ -213,8 +213,11 @@ TEST(IngestManifestLine, NamesComeBackAsTheyWere)
     IngestManifest::Line line;
     EXPECT_TRUE(orl::ParseManifestLine(digest + " *binary", line));
     EXPECT_EQ("binary", line.mName);
+    EXPECT_TRUE(orl::ParseManifestLine(digest + "  of Windows\r", line));
+    EXPECT_EQ("of Windows", line.mName);
     for (const std::string& other : {std::string(), std::string("# remark"), digest, digest + "  ", digest + "x  name",
-                                     digest.substr(1) + "  name", std::string(64, 'g') + "  name"}) {
+                                     digest.substr(1) + "  name", std::string(64, 'g') + "  name",
+                                     "\\" + digest + "  a\\x", "\\" + digest + "  a\\"}) {
         EXPECT_FALSE(orl::ParseManifestLine(other, line)) << other;
     }
 }

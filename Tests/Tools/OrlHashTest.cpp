@@ -167,3 +167,14 @@ TEST_F(OrlHash, WithoutAFile_IsAMistakeOfTheCommandLine)
 {
     EXPECT_EQ(2, Hash({}).mExitCode);
 }
+
+TEST_F(OrlHash, OfADirectory_SaysSo)
+{
+    const std::string folder = mFolder.Host().u8string();
+    for (const std::vector<std::string>& options : {std::vector<std::string>{folder}, {"--hash", "md5", folder}}) {
+        const ProcessResult result = Hash(options);
+        EXPECT_EQ(1, result.mExitCode);
+        EXPECT_EQ("orl: hash: cannot read \"" + folder + "\": it is a directory\n", result.mErrors);
+        EXPECT_EQ("", result.mOutput);
+    }
+}

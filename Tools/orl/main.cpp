@@ -71,6 +71,7 @@ int Run(std::vector<std::string> inArguments)
 
 int main(int inCount, char** inArguments)
 {
+    orl::ReserveStandardStreams();
     const orl::UTF8Console console;
     orl::ExitOnStop();
     try {

@@ -260,3 +260,24 @@ TEST_F(OrlIngestOnLinux, NamesThatDifferOnlyInCase_AreShownInTheDryRun)
               RunBesideThisProgram("orl", asJson)
                   .mOutput.find("\n{\"namesAlike\": [{\"file\": \"CLIP\"}, {\"file\": \"Clip\"}]}\n"));
 }
+
+TEST_F(OrlIngestOnLinux, ARunThatWritesNoManifest_NamesNone)
+{
+    WriteFile(Card() / "a", "of the card");
+    fs::create_directory(Disk());
+    WriteFile(Disk() / "a", "another");
+    const ProcessResult result = Ingest();
+    EXPECT_EQ(orl::kExitNameConflict, result.mExitCode);
+    EXPECT_EQ(std::string::npos, result.mOutput.find("The manifest is")) << result.mOutput;
+    EXPECT_FALSE(fs::exists(Disk() / kManifest));
+}
+
+TEST_F(OrlIngestOnLinux, AnAwkwardDestination_CannotControlTheTerminal)
+{
+    WriteFile(Card() / "a", "A");
+    const std::string disk = mFolder.Host().string() + "/d\033]0;x\a\nSafe to erase";
+    const ProcessResult result = RunBesideThisProgram("orl", {"ingest", Card().string(), disk});
+    EXPECT_EQ(0, result.mExitCode) << result.mErrors;
+    EXPECT_EQ(std::string::npos, result.mOutput.find_first_of("\033\a")) << result.mOutput;
+    EXPECT_EQ(std::string::npos, result.mOutput.find("\nSafe to erase\"")) << result.mOutput;
+}

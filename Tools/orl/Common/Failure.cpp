@@ -23,6 +23,7 @@ std::string Describe(ORL::Result inResult)
     case ORL::kOperationAborted: return "stopped by the user";
     case ORL::kSharingViolation: return "in use by another program";
     case ORL::kAlreadyExists: return "it exists already";
+    case kOutOfResources: return "too many open files, or too little memory";
     default: return ORL::ResultSucceeded(inResult) ? "success" : "the system refused";
     }
 }

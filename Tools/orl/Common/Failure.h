@@ -49,6 +49,9 @@ public:
     PartialFailure() : std::runtime_error("some of the work could not be done") {}
 };
 
+/// The system lacks descriptors or memory. The file or folder may well exist.
+inline constexpr ORL::Result kOutOfResources = static_cast<ORL::Result>(0xA0FF0001u);
+
 /// Returns a description of a result: "path not found".
 std::string Describe(ORL::Result inResult);
 

@@ -83,13 +83,37 @@ std::string JoinHostPath(const std::string& inFolder, const std::string& inName)
     return inFolder + (inFolder.find('\\') != std::string::npos ? "\\" : "/") + inName;
 }
 
+namespace {
+
+// Returns the number of bytes of the control character at a position of UTF-8 text, or 0 for another character:
+// U+0000 to U+001F, U+007F to U+009F, the line and paragraph separators U+2028 and U+2029, and the characters that
+// change the direction of text, U+202A to U+202E and U+2066 to U+2069.
+std::size_t ControlCharacterLength(const std::string& inText, std::size_t inAt)
+{
+    const auto byte = [&](std::size_t inOffset) {
+        return inAt + inOffset < inText.size() ? static_cast<unsigned char>(inText[inAt + inOffset]) : 0u;
+    };
+    if (byte(0) < 0x20 || byte(0) == 0x7F) {
+        return 1;
+    }
+    if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) <= 0x9F) {
+        return 2;
+    }
+    const bool isSeparatorOrDirection = byte(0) == 0xE2
+                                        && ((byte(1) == 0x80 && byte(2) >= 0xA8 && byte(2) <= 0xAE)
+                                            || (byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9));
+    return isSeparatorOrDirection ? 3 : 0;
+}
+
+} // namespace
+
 std::string WithoutControlCharacters(const std::string& inText)
 {
-    std::string line = inText;
-    for (char& character : line) {
-        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) {
-            character = '?';
-        }
+    std::string line;
+    for (std::size_t at = 0; at < inText.size();) {
+        const std::size_t length = ControlCharacterLength(inText, at);
+        line += length == 0 ? inText[at] : '?';
+        at += std::max<std::size_t>(length, 1);
     }
     return line;
 }

@@ -7,6 +7,7 @@
 #include "Text.h"
 
 #include <ORLAutomationDataCollector.h>
+#include <ORLDirectory.h>
 #include <ORLFile.h>
 #include <ORLHashValue.h>
 #include <tvxcore/StringStream.h>
@@ -57,8 +58,12 @@ unsigned int ReadBlock(ORL::File& ioFile, const std::string& inName, std::vector
 template <class Sink>
 void ReadBlocks(const std::string& inName, const Sink& inSink)
 {
+    const UTF16String path = PathOfArgument(inName);
+    if (ORL::Directory::IsDirectory(path)) {
+        throw Failure("hash: cannot read \"" + WithoutControlCharacters(inName) + "\": it is a directory");
+    }
     ORL::File file;
-    const ORL::Result opened = ORL::File::Open(PathOfArgument(inName), ORL::FileAccessFlags::kFileAccess_Read, file);
+    const ORL::Result opened = ORL::File::Open(path, ORL::FileAccessFlags::kFileAccess_Read, file);
     if (!ORL::ResultSucceeded(opened)) {
         throw CannotRead(inName, opened);
     }

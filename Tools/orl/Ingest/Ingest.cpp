@@ -120,6 +120,7 @@ void Run(const Options& inOptions)
     const NamedRate& rate = FindRate(inOptions.mRate);
     const StartedLibrary library;
     ListenForStop();
+    RaiseOpenFileLimit();
     std::vector<IngestDestination> destinations = MakeDestinations(inOptions.mSource, inOptions.mDestinations);
     if (inOptions.mIsDryRun) {
         ShowPlan(inOptions, destinations);

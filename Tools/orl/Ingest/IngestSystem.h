@@ -43,6 +43,10 @@ struct EntryStatus
     // The permissions that SetPermissions sets on a copy: on Linux the nine permission bits, with access for the owner
     // added, so that the copy can be read back; on Windows 1 for a read-only file, otherwise 0.
     unsigned mPermissions = 0;
+
+    // Whether only this user and the system's administrator can have written the file. Always true on Windows, where
+    // the folder's access list decides.
+    bool mIsTrusted = true;
 };
 
 enum class Links { kFollow, kNoFollow };
@@ -91,6 +95,9 @@ public:
     ORL::Result Remove(const std::string& inName) const;
     ORL::Result RemoveFolder(const std::string& inName) const;
 
+    /// Returns whether this user may create and delete entries. Always succeeds on Windows, which has no such query.
+    ORL::Result CheckWritable() const;
+
     /// Sets the last-write time of this folder, in the library's units.
     ORL::Result SetLastWriteTime(unsigned __int64 inTime) const;
 
@@ -108,6 +115,9 @@ private:
 
     std::unique_ptr<State> mState;
 };
+
+/// Allows this process as many open files as the administrator permits. Does nothing on Windows.
+void RaiseOpenFileLimit();
 
 /// Returns whether SyncVolume works on this platform without administrator rights.
 bool CanSyncVolumes();

@@ -21,6 +21,7 @@ struct IngestCalls
     int (*mFSync)(int inFile);
     int (*mSyncFs)(int inFile);
     int (*mFChMod)(int inFile, unsigned inMode);
+    int (*mFAccessAt)(int inFolder, const char* inName, int inAccess);
 };
 
 extern IngestCalls sIngestCalls;

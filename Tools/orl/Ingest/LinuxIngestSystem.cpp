@@ -1,3 +1,4 @@
+#include "Failure.h"
 #include "IngestSystem.h"
 #include "LinuxIngestCalls.h"
 
@@ -9,6 +10,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <string>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
 
@@ -31,6 +33,7 @@ IngestCalls sIngestCalls = {
     [](int inFile) { return ::fsync(inFile); },
     [](int inFile) { return ::syncfs(inFile); },
     [](int inFile, unsigned inMode) { return ::fchmod(inFile, inMode); },
+    [](int inFolder, const char* inName, int inAccess) { return ::faccessat(inFolder, inName, inAccess, AT_EACCESS); },
 };
 
 namespace {
@@ -63,6 +66,9 @@ ORL::Result ResultOf(int inErrno)
     case ENOTEMPTY: return ORL::kAlreadyExists;
     case EBUSY:
     case ETXTBSY: return ORL::kSharingViolation;
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM: return kOutOfResources;
     default: return ORL::kGeneralFailure;
     }
 }
@@ -103,6 +109,11 @@ ORL::Result ReadNames(DIR* inFolder, std::vector<std::string>& outNames)
     }
 }
 
+bool IsTrusted(const struct stat& inStatus)
+{
+    return (inStatus.st_uid == ::geteuid() || inStatus.st_uid == 0) && (inStatus.st_mode & S_IWOTH) == 0;
+}
+
 EntryStatus StatusOf(const struct stat& inStatus)
 {
     EntryStatus status;
@@ -115,6 +126,7 @@ EntryStatus StatusOf(const struct stat& inStatus)
     status.mAllocated = static_cast<std::uint64_t>(inStatus.st_blocks) * 512;
     status.mTime = static_cast<unsigned __int64>((inStatus.st_mtim.tv_sec + kSecondsTo1970) * kUnitsPerSecond
                                                  + inStatus.st_mtim.tv_nsec / 100);
+    status.mIsTrusted = IsTrusted(inStatus);
     status.mPermissions =
         (inStatus.st_mode & kPermissionBits) | (S_ISDIR(inStatus.st_mode) ? kListByOwner : kReadByOwner);
     return status;
@@ -284,6 +296,11 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(sIngestCalls.mUnlinkAt(mState->File(), inName.c_str(), AT_REMOVEDIR));
 }
 
+ORL::Result HeldFolder::CheckWritable() const
+{
+    return Done(sIngestCalls.mFAccessAt(mState->File(), ".", W_OK | X_OK));
+}
+
 ORL::Result HeldFolder::SetLastWriteTime(unsigned __int64 inTime) const
 {
     return Done(SetTimes(mState->File(), inTime));
@@ -303,6 +320,17 @@ ORL::Result HeldFolder::SyncFile(const std::string& inName) const
 ORL::Result HeldFolder::SyncVolume() const
 {
     return Done(sIngestCalls.mSyncFs(mState->File()));
+}
+
+void RaiseOpenFileLimit()
+{
+    struct rlimit limit
+    {
+    };
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
 }
 
 bool CanSyncVolumes()

@@ -248,6 +248,11 @@ ORL::Result HeldFolder::RemoveFolder(const std::string& inName) const
     return Done(::RemoveDirectoryW(mState->PathOf(inName).c_str()));
 }
 
+ORL::Result HeldFolder::CheckWritable() const
+{
+    return ORL::kSuccess;
+}
+
 ORL::Result HeldFolder::SetLastWriteTime(unsigned __int64 inTime) const
 {
     const Handle folder(mState->mPath, FILE_WRITE_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
@@ -272,6 +277,10 @@ ORL::Result HeldFolder::SyncFile(const std::string&) const
 ORL::Result HeldFolder::SyncVolume() const
 {
     return ORL::kSuccess;
+}
+
+void RaiseOpenFileLimit()
+{
 }
 
 // Flushing a volume requires an administrator.

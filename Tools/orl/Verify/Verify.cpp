@@ -84,6 +84,7 @@ void Run(const Options& inOptions)
 {
     const StartedLibrary library;
     ListenForStop();
+    RaiseOpenFileLimit();
     const std::vector<VerifyOutcome> outcomes =
         inOptions.mMerges ? std::vector<VerifyOutcome>{MergeParts(inOptions.mFolders)} : VerifyFolders(inOptions);
     inOptions.mAsJson ? PrintJsonLines(std::cout, outcomes) : PrintTotals(std::cout, outcomes);

@@ -11,6 +11,10 @@ namespace orl {
 /// Windows.
 std::vector<std::string> Arguments(int inCount, char** inArguments);
 
+/// Occupies each standard stream that the parent process has closed, so that no file of the program gets its number and
+/// receives its output. Reading and writing still fail. Call first in main. Does nothing on Windows.
+void ReserveStandardStreams();
+
 /// While an instance exists, bytes written to standard output and standard error are shown as UTF-8.
 class UTF8Console
 {

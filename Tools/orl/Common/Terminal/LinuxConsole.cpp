@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -13,6 +14,15 @@ namespace orl {
 std::vector<std::string> Arguments(int inCount, char** inArguments)
 {
     return std::vector<std::string>(inArguments + (inCount > 0 ? 1 : 0), inArguments + inCount);
+}
+
+void ReserveStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1) { // the next file gets the lowest free number, which is this stream's
+            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
 }
 
 // Changes nothing: terminals on Linux show UTF-8 anyway.

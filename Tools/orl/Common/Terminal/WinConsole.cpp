@@ -38,6 +38,10 @@ std::vector<std::string> Arguments(int, char**)
     return arguments;
 }
 
+void ReserveStandardStreams()
+{
+}
+
 UTF8Console::UTF8Console() : mEarlierCodePage(::GetConsoleOutputCP())
 {
     ::SetConsoleOutputCP(CP_UTF8);

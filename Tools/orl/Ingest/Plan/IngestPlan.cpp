@@ -226,7 +226,8 @@ private:
     {
         ioItem.mEarlier = inStatus.mIdentity;
         if (inStatus.mSize == ioItem.mSize) {
-            const bool isKnown = mRequest.mManifest.Holds(ioItem.mName) && HasSameTime(inStatus, inFolder, ioItem)
+            const bool isKnown = mRequest.mManifest.IsTrusted() && mRequest.mManifest.Holds(ioItem.mName)
+                                 && HasSameTime(inStatus, inFolder, ioItem)
                                  && (!mRequest.mKeepsPermissions || inStatus.mPermissions == ioItem.mPermissions);
             ioItem.mState = isKnown ? IngestItem::kVerifiedBefore : IngestItem::kToCheck;
             return true;

@@ -58,7 +58,7 @@ bool IsInside(const UTF16String& inPath, const EntryIdentity& inIdentity)
 }
 
 ORL::Result OpenBelow(const UTF16String& inRoot, const EntryIdentity& inIdentity, const std::string& inFolder,
-                      HeldFolder& outFolder)
+                      Links inLinks, HeldFolder& outFolder)
 {
     HeldFolder folder;
     ORL::Result result = HeldFolder::Open(inRoot, folder);
@@ -72,7 +72,7 @@ ORL::Result OpenBelow(const UTF16String& inRoot, const EntryIdentity& inIdentity
     for (std::size_t at = 0; at < inFolder.size();) {
         const std::size_t end = std::min(inFolder.find('/', at), inFolder.size());
         HeldFolder next;
-        result = folder.OpenFolder(inFolder.substr(at, end - at), Links::kFollow, next);
+        result = folder.OpenFolder(inFolder.substr(at, end - at), inLinks, next);
         if (!ORL::ResultSucceeded(result)) {
             return result;
         }
@@ -86,7 +86,24 @@ ORL::Result OpenBelow(const UTF16String& inRoot, const EntryIdentity& inIdentity
 bool IsAnother(const UTF16String& inPath, const EntryIdentity& inIdentity)
 {
     HeldFolder folder;
-    return !ORL::ResultSucceeded(HeldFolder::Open(inPath, folder)) || folder.Identity() != inIdentity;
+    const ORL::Result result = HeldFolder::Open(inPath, folder);
+    return ORL::ResultSucceeded(result) ? folder.Identity() != inIdentity : result != kOutOfResources;
+}
+
+// Opens the folder, or if it does not exist, the nearest folder above it that does.
+HeldFolder OpenNearest(const UTF16String& inPath)
+{
+    HeldFolder folder;
+    HeldFolder::Open(inPath, folder);
+    for (UTF16String path = inPath; !folder.IsOpen();) {
+        const UTF16String above = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
+        if (above.empty() || above == path) {
+            break;
+        }
+        path = above;
+        HeldFolder::Open(path, folder);
+    }
+    return folder;
 }
 
 void FindDestination(IngestRoots& ioRoots)
@@ -95,14 +112,8 @@ void FindDestination(IngestRoots& ioRoots)
     ioRoots.mHasDestination = ORL::ResultSucceeded(HeldFolder::Open(ioRoots.mDestination, folder));
     if (ioRoots.mHasDestination) {
         ioRoots.mDestinationIdentity = folder.Identity();
-    }
-    for (UTF16String path = ioRoots.mDestination; !folder.IsOpen();) {
-        const UTF16String above = PathUtils::GetFullDirectoryPart(PathUtils::RemoveTrailingSlash(path));
-        if (above.empty() || above == path) {
-            break;
-        }
-        path = above;
-        HeldFolder::Open(path, folder);
+    } else {
+        folder = OpenNearest(ioRoots.mDestination);
     }
     ioRoots.mVolume = folder.IsOpen() ? folder.Identity().mVolume : 0;
 }
@@ -111,12 +122,18 @@ void FindDestination(IngestRoots& ioRoots)
 
 ORL::Result IngestRoots::OpenSource(const std::string& inFolder, HeldFolder& outFolder) const
 {
-    return OpenBelow(mSource, mSourceIdentity, inFolder, outFolder);
+    return OpenBelow(mSource, mSourceIdentity, inFolder, Links::kFollow, outFolder);
 }
 
-ORL::Result IngestRoots::OpenDestination(const std::string& inFolder, HeldFolder& outFolder) const
+ORL::Result IngestRoots::OpenDestination(const std::string& inFolder, HeldFolder& outFolder, Links inLinks) const
 {
-    return OpenBelow(mDestination, mDestinationIdentity, inFolder, outFolder);
+    return OpenBelow(mDestination, mDestinationIdentity, inFolder, inLinks, outFolder);
+}
+
+ORL::Result IngestRoots::CheckDestinationWritable() const
+{
+    const HeldFolder folder = OpenNearest(mDestination);
+    return folder.IsOpen() ? folder.CheckWritable() : ORL::kPathNotFound;
 }
 
 IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestination)
@@ -128,7 +145,7 @@ IngestRoots MakeRoots(const std::string& inSource, const std::string& inDestinat
     roots.mShownDestination = inDestination;
     HeldFolder source;
     const ORL::Result result = HeldFolder::Open(roots.mSource, source);
-    if (result == ORL::kAccessDenied) {
+    if (result == ORL::kAccessDenied || result == kOutOfResources) {
         throw Failure("ingest: cannot open the source \"" + inSource + "\": " + Describe(result), kExitUnreadable);
     }
     if (!ORL::ResultSucceeded(result)) {
@@ -195,8 +212,14 @@ bool IsSourceGone(const IngestRoots& inRoots, SourceWas inSourceWas)
 {
     HeldFolder folder;
     std::vector<std::string> held;
-    return !ORL::ResultSucceeded(inRoots.OpenSource("", folder))
-           || (inSourceWas == SourceWas::kNotEmpty && (!ORL::ResultSucceeded(folder.List(held)) || held.empty()));
+    ORL::Result result = inRoots.OpenSource("", folder);
+    if (ORL::ResultSucceeded(result) && inSourceWas == SourceWas::kNotEmpty) {
+        result = folder.List(held);
+        if (ORL::ResultSucceeded(result)) {
+            return held.empty();
+        }
+    }
+    return !ORL::ResultSucceeded(result) && result != kOutOfResources;
 }
 
 bool IsDestinationGone(const IngestRoots& inRoots)

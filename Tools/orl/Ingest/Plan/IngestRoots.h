@@ -27,7 +27,11 @@ struct IngestRoots
     ORL::Result OpenSource(const std::string& inFolder, HeldFolder& outFolder) const;
 
     /// Opens a folder below the destination in the same way.
-    ORL::Result OpenDestination(const std::string& inFolder, HeldFolder& outFolder) const;
+    ORL::Result OpenDestination(const std::string& inFolder, HeldFolder& outFolder,
+                                Links inLinks = Links::kFollow) const;
+
+    /// Returns whether this user may write to the destination, or if it does not exist, create it.
+    ORL::Result CheckDestinationWritable() const;
 };
 
 /// Parses the two arguments. Throws Failure if the source is not a folder or the destination lies inside it.
@@ -42,7 +46,7 @@ void MakeDestination(IngestRoots& ioRoots);
 enum class SourceWas { kEmpty, kNotEmpty };
 
 /// Returns whether the source is gone: a different folder is at its path (for example after an unmount), or the source
-/// had entries and is now empty or cannot be listed.
+/// had entries and is now empty or cannot be listed. A source that cannot be opened for lack of resources is not gone.
 bool IsSourceGone(const IngestRoots& inRoots, SourceWas inSourceWas);
 
 bool IsDestinationGone(const IngestRoots& inRoots);

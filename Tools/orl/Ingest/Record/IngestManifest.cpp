@@ -65,6 +65,7 @@ void IngestManifest::CheckStatus()
         Refuse("is too large for a manifest (" + FormatSize(status.mSize) + ")");
     }
     mIdentity = status.mIdentity;
+    mIsTrusted = status.mIsTrusted;
 }
 
 void IngestManifest::Read()

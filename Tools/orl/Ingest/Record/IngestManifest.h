@@ -37,6 +37,10 @@ public:
     /// Truncates the incomplete last line of a killed run. Throws Failure.
     void CutIncompleteLine();
 
+    /// Returns whether only this user and the administrator can have written the manifest. Otherwise its lines prove
+    /// nothing, and listed files are compared again. True if there is no manifest.
+    bool IsTrusted() const { return mIsTrusted; }
+
     bool Holds(const std::string& inName) const { return mLines.count(inName) != 0; }
 
     /// Returns the listed names that differ from inName only in case: on some volumes they are the same file.
@@ -88,6 +92,7 @@ private:
     ORL::File mFile; // open from the first write on
     bool mExists = false;
     EntryIdentity mIdentity;
+    bool mIsTrusted = true;
     std::uint64_t mLength = 0; // valid bytes; an incomplete line of a killed run may follow
     std::uint64_t mFound = 0;  // length of the file when it was read
     bool mEndsWithBreak = true;

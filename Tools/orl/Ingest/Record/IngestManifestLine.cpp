@@ -52,6 +52,21 @@ std::string UnescapedName(const std::string& inText)
     return name;
 }
 
+namespace {
+
+// A backslash at the end, or before another character, is not part of an escaped name.
+bool IsEscapedName(const std::string& inText)
+{
+    for (std::size_t at = inText.find('\\'); at != std::string::npos; at = inText.find('\\', at + 2)) {
+        if (at + 1 == inText.size() || std::string("\\nr").find(inText[at + 1]) == std::string::npos) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
 std::string FormatManifestLine(const IngestManifest::Line& inLine)
 {
     const std::string name = EscapedName(inLine.mName);
@@ -67,7 +82,13 @@ bool ParseManifestLine(const std::string& inText, IngestManifest::Line& outLine)
     if (!hasForm) {
         return false;
     }
-    const std::string name = inText.substr(blank + 2);
+    std::string name = inText.substr(blank + 2);
+    if (start == 1 && !IsEscapedName(name)) {
+        return false;
+    }
+    if (start == 0 && name.size() > 1 && name.back() == '\r') { // a list with the line ends of Windows
+        name.pop_back();
+    }
     outLine.mDigest = inText.substr(start, kDigits);
     outLine.mName = start == 1 ? UnescapedName(name) : name;
     return true;

@@ -109,7 +109,11 @@ IngestRecord::~IngestRecord()
 
 void IngestRecord::Open()
 {
-    if (!ORL::ResultSucceeded(mRoots.OpenDestination("", mFolder))) {
+    const ORL::Result opened = mRoots.OpenDestination("", mFolder);
+    if (opened == kOutOfResources) {
+        CheckOpened(opened);
+    }
+    if (!ORL::ResultSucceeded(opened)) {
         throw Failure("ingest: the destination \"" + mRoots.mShownDestination + "\" is gone", kExitDisappeared);
     }
     // A run deletes the record when it ends. If another run opened the record just before, that run has locked a
@@ -134,6 +138,7 @@ void IngestRecord::OpenOnce()
     if (ORL::ResultSucceeded(query) && status.mKind != EntryStatus::kFile) {
         RefuseForeign();
     }
+    mIsTrusted = !ORL::ResultSucceeded(query) || status.mIsTrusted;
     const ORL::Result result = mFile.Create(
         mFolder.PathOf(mName), Access::kFileAccess_Read | Access::kFileAccess_Write, static_cast<Share::Type>(0),
         ORL::ResultSucceeded(query) ? Disposition::kFileCreate_OpenExisting : Disposition::kFileCreate_New,
@@ -246,11 +251,13 @@ void IngestRecord::Peek()
     }
 }
 
+// Another user's record reaches no folder through a link: that user could have planted both.
 void IngestRecord::RemoveLeftovers(const std::set<EntryIdentity>& inSourceFolders)
 {
+    const Links links = mIsTrusted ? Links::kFollow : Links::kNoFollow;
     for (const std::string& name : mRemains.mTemporaries) {
         HeldFolder folder;
-        ORL::Result result = mRoots.OpenDestination(FolderOf(name), folder);
+        ORL::Result result = mRoots.OpenDestination(FolderOf(name), folder, links);
         const bool isGone = result == ORL::kFileNotFound || result == ORL::kPathNotFound;
         if (ORL::ResultSucceeded(result) && inSourceFolders.count(folder.Identity()) == 0) {
             result = RetryWhileBusy([&] { return RemoveUnfinished(folder, LeafOf(name)); });

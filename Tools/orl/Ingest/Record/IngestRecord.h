@@ -81,7 +81,8 @@ private:
     const std::string mName;
     HeldFolder mFolder;
     IngestRemains mRemains;
-    std::mutex mMutex; // guards all members below
+    bool mIsTrusted = true; // only this user and the administrator can have written the record
+    std::mutex mMutex;      // guards all members below
     ORL::File mFile;
     std::set<std::string> mTemporaries;
     bool mIsNeededByManifest = false;

@@ -53,6 +53,11 @@ private:
         if (roots.mHasDestination && inListing.mIdentities.count(roots.mDestinationIdentity) != 0) {
             throw Failure("ingest: the destination \"" + roots.mShownDestination + "\" lies inside the source");
         }
+        const ORL::Result writable = roots.CheckDestinationWritable();
+        if (!ORL::ResultSucceeded(writable)) {
+            throw Failure("ingest: cannot write to the destination \"" + roots.mShownDestination
+                          + "\": " + Describe(writable));
+        }
         IngestRecord record(roots, mManifestName);
         IngestManifest manifest(roots, mManifestName, record);
         if (roots.mHasDestination) {

@@ -229,15 +229,20 @@ void PrintSummary(const std::vector<IngestDestination>& inDestinations, const Na
         PrintTable(files, inDestinations.size(), inRate);
     }
     for (const IngestDestination& destination : inDestinations) {
-        const std::string& shown = destination.mRoots.mShownDestination;
+        const std::string shown = WithoutControlCharacters(destination.mRoots.mShownDestination);
         std::cout << (areSeveral ? "\"" + shown + "\": " : "");
         if (destination.mOutcome.mIsRefused) {
             std::cout << "nothing was begun.\n";
             continue;
         }
         PrintSums(destination.mOutcome, destination.mPlan.mItems.size() + destination.mPlan.mTroubles.size());
-        std::cout << (areSeveral ? " " : "\n") << "The manifest is \"" << JoinHostPath(shown, inManifestName)
-                  << "\".\n";
+        const bool hasManifest = !destination.mOutcome.mRows.empty() && !destination.mOutcome.mIsDiskUnresponsive
+                                 && !IsDestinationGone(destination.mRoots);
+        if (hasManifest) {
+            std::cout << (areSeveral ? " " : "\n") << "The manifest is \""
+                      << JoinHostPath(shown, WithoutControlCharacters(inManifestName)) << "\".";
+        }
+        std::cout << '\n';
     }
 }
 
